@@ -1,0 +1,34 @@
+# The compile settings every target shares, and the two functions the folders use to say what they are.
+
+add_library(zelto_settings INTERFACE)
+target_compile_options(zelto_settings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(zelto_settings INTERFACE -Wthread-safety)
+endif()
+target_compile_definitions(zelto_settings INTERFACE QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)
+target_include_directories(zelto_settings INTERFACE "${CMAKE_SOURCE_DIR}")
+if(ZELTO_SANITIZE STREQUAL "address")
+  target_compile_options(zelto_settings INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  target_link_options(zelto_settings INTERFACE -fsanitize=address,undefined)
+elseif(ZELTO_SANITIZE STREQUAL "thread")
+  target_compile_options(zelto_settings INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(zelto_settings INTERFACE -fsanitize=thread)
+endif()
+
+# zelto_library(NAME [dependencies...]): a static library of every source in the current folder.
+# What it links is what it may include; there is no other way to another folder.
+function(zelto_library name)
+  file(GLOB sources CONFIGURE_DEPENDS "*.cpp" "*.h")
+  add_library(${name} STATIC ${sources})
+  target_link_libraries(${name} PUBLIC zelto_settings ${ARGN})
+endfunction()
+
+# zelto_test(NAME [dependencies...]): one test program of every source in the current folder.
+function(zelto_test name)
+  file(GLOB sources CONFIGURE_DEPENDS "*.cpp" "*.h")
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest GTest::gmock)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
+                       TIMEOUT 600)
+endfunction()
