@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QByteArray>
+#include <QVariant>
+
+#include <optional>
+
+// Property lists as variants: QString, qlonglong, double, bool, QDateTime (UTC), QByteArray, QVariantList, QVariantMap.
+// Reads the binary and the XML form (the format of property list files on another desktop); bounded in depth. Any thread.
+namespace ZQPropertyList {
+
+std::optional<QVariant> fromData(const QByteArray &data, ZQError *error = nullptr);
+std::optional<QByteArray> toBinary(const QVariant &value, ZQError *error = nullptr); // format 1.0 binary
+std::optional<QByteArray> toXML(const QVariant &value, ZQError *error = nullptr);
+
+} // namespace ZQPropertyList

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QString>
+
+// The desktop's trash (freedesktop trash layout; a folder named ".Trash" is one too). Any thread.
+namespace ZQTrash {
+
+bool recycle(const QString &path, QString *trashedPath = nullptr, ZQError *error = nullptr);
+// Whether the path lies in any trash: "…/.Trash…", "…/.local/share/Trash/…", "$XDG_DATA_HOME/Trash/…".
+bool contains(const QString &path);
+
+} // namespace ZQTrash

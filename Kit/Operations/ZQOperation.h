@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+class ZQOperationQueue;
+
+// A piece of work that runs once, on a queue or by `start()`.
+//
+// A subclass overrides `main()` and is finished when it returns, or overrides `start()` and manages `setExecuting` and
+// `setFinished` itself (a self-managed operation may go on after `start()` returned; the queue counts it until it finishes).
+// Always held by std::shared_ptr. All functions may be called from any thread; observers are called on the thread that
+// changes the state.
+class ZQOperation : public std::enable_shared_from_this<ZQOperation>
+{
+public:
+    enum class Key { IsExecuting, IsFinished, IsCancelled };
+
+    ZQOperation();
+    virtual ~ZQOperation();
+
+    virtual void start(); // the base: nothing when cancelled, else main(), with the state kept
+    virtual void main() {}
+    virtual void cancel(); // cooperative: sets the flag and tells the observers; work that never started finishes at once when its turn comes
+
+    bool isCancelled() const;
+    bool isExecuting() const;
+    bool isFinished() const;
+
+    // Starts only after `operation` has finished. Before queueing only.
+    void addDependency(std::shared_ptr<ZQOperation> operation);
+    QList<std::shared_ptr<ZQOperation>> dependencies() const;
+
+    // Called once when the operation has finished; at once when it already has.
+    void setCompletionBlock(std::function<void()> block);
+    using Token = std::shared_ptr<void>;
+    [[nodiscard]] Token observe(std::function<void(Key)> observer);
+
+    void waitUntilFinished();
+
+protected:
+    void setExecuting(bool executing);
+    void setFinished(bool finished);
+
+private:
+    friend class ZQOperationQueue;
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+// An operation around a function.
+std::shared_ptr<ZQOperation> zqBlockOperation(std::function<void()> block);

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Kit/Operations/ZQOperation.h"
+
+#include <QString>
+
+// Runs operations in order on threads of its own, at most `maxConcurrentOperationCount` at a time. Any thread.
+// Destroying a queue cancels what is left and waits for what runs.
+class ZQOperationQueue
+{
+public:
+    explicit ZQOperationQueue(const QString &name = {}, int maxConcurrentOperationCount = 1);
+    ~ZQOperationQueue();
+    ZQOperationQueue(const ZQOperationQueue &) = delete;
+    ZQOperationQueue &operator=(const ZQOperationQueue &) = delete;
+
+    void setMaxConcurrentOperationCount(int count);
+    int maxConcurrentOperationCount() const;
+
+    void addOperation(std::shared_ptr<ZQOperation> operation);
+    void addOperationWithBlock(std::function<void()> block);
+
+    QList<std::shared_ptr<ZQOperation>> operations() const; // waiting and running ones
+    int operationCount() const;
+    void cancelAllOperations();
+    // Called on the main thread while it must stay responsive, use `zqRunMainLoopUntil` instead: this one blocks.
+    void waitUntilAllOperationsAreFinished();
+
+private:
+    struct Private;
+    std::shared_ptr<Private> d;
+};

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+#include "Kit/Persistence/ZQManagedObjectModel.h"
+
+#include <QUuid>
+
+#include <memory>
+#include <mutex>
+
+class ZQSQLiteConnection;
+
+// What a store says of itself, readable without opening it as a store.
+struct ZQStoreMetadata
+{
+    QUuid storeUUID;
+    QStringList versionIdentifiers;
+    QHash<QString, QByteArray> entityVersionHashes;
+    QByteArray modelJSON;
+};
+
+struct ZQStoreOptions
+{
+    bool migratePersistentStoresAutomatically = true;
+    bool inferMappingModelAutomatically = true;
+};
+
+enum class ZQStoreError {
+    CannotOpen = 1,   // missing folder, permissions, not a database
+    Damaged,          // the file is a database but does not pass its checks
+    NewerVersion,     // made by a later version of the application
+    NeedsMigration,   // older, and migration was not asked for
+    MigrationFailed,  // the old store is untouched
+    Locked,           // another process writes and did not finish within the busy timeout
+    DiskFull,
+    ReadOnly,
+    Conflict,         // a save met rows changed by others; `userInfo["conflicts"]` holds the identifiers
+    Validation,       // a required attribute was null
+    Other,
+};
+inline const QString ZQStoreErrorDomain = QStringLiteral("ZQStore");
+
+// One SQLite store and the way to its connections. Shared by the contexts of all threads; every function may be called
+// from any thread.
+class ZQPersistentStoreCoordinator : public std::enable_shared_from_this<ZQPersistentStoreCoordinator>
+{
+public:
+    // Opens `path`, making an empty store when there is no file. An older store is migrated by inference inside one
+    // transaction after a copy was put beside it (PATH.before-VERSION, removed once the migration is committed); a failed migration
+    // leaves it as it was. A store of a newer version is refused. Null with `error` (domain ZQStoreErrorDomain).
+    static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model, const QString &path,
+                                                              const ZQStoreOptions &options = {}, ZQError *error = nullptr);
+    ~ZQPersistentStoreCoordinator();
+
+    // Reads a store's metadata without migrating or changing it. Nothing when `path` is no store.
+    static std::optional<ZQStoreMetadata> metadataForStoreAtPath(const QString &path, ZQError *error = nullptr);
+    static bool isModelCompatible(const ZQManagedObjectModel &model, const ZQStoreMetadata &metadata);
+
+    // Copies what can be read of a damaged store into a new one at `path` and keeps the old file beside it; the answer is
+    // the path of the kept file.
+    static std::optional<QString> recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model, const QString &path,
+                                                     ZQError *error = nullptr);
+
+    const std::shared_ptr<const ZQManagedObjectModel> &managedObjectModel() const { return m_model; }
+    QString path() const { return m_path; }
+    QUuid storeUUID() const { return m_storeUUID; }
+    // Whether the last process that wrote this store ended without closing it.
+    bool wasUncleanlyClosed() const { return m_wasUnclean; }
+    // Runs the database's own integrity check; an empty list is a sound store. Takes time linear in the store.
+    QStringList checkIntegrity() const;
+
+    // For contexts: a connection of their own, with the functions registered and foreign keys on.
+    std::unique_ptr<ZQSQLiteConnection> newConnection(ZQError *error = nullptr) const;
+    // For contexts: held while a save writes, so that saves of one process queue instead of meeting the busy timeout.
+    std::mutex &writeLock() { return m_writeLock; }
+
+private:
+    ZQPersistentStoreCoordinator() = default;
+
+    std::shared_ptr<const ZQManagedObjectModel> m_model;
+    QString m_path;
+    QUuid m_storeUUID;
+    bool m_wasUnclean = false;
+    std::mutex m_writeLock;
+};
