@@ -20,6 +20,7 @@ endif()
 function(zelto_library name)
   file(GLOB sources CONFIGURE_DEPENDS "*.cpp" "*.h")
   add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX) # a folder may hold headers only
   target_link_libraries(${name} PUBLIC zelto_settings ${ARGN})
 endfunction()
 
