@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <functional>
+#include <memory>
+
+class ZQManagedObjectContext;
+class ZQOperationQueue;
+struct ZQObjectID;
+
+// What the application object needs of the other parts, implemented in their folders and handed to it by `main`.
+// Every one may be missing: without a window, in a command, in a test.
+
+// The main window. Main thread.
+class MainWindowControlling
+{
+public:
+    virtual ~MainWindowControlling() = default;
+    virtual void showWindow() = 0;               // shows it and makes it key and front, as it was left
+    virtual void makeKeyAndOrderFront() = 0;
+    virtual bool isMiniaturized() const = 0;
+    virtual void deminiaturize() = 0;
+    virtual bool isVisible() const = 0;
+    virtual void activateIgnoringOtherApps() = 0;
+    virtual void selectSidebarItem(const ZQObjectID &item) = 0;
+    virtual void newFileFromTemplate() = 0;
+    // Keeps the state of, in this order: the content view controller, the current image browser, the current tab state, the window.
+    virtual void savePersistentState() = 0;
+    virtual void refreshContent() = 0; // the current browser's
+    virtual void updateLocalization() = 0;
+};
+
+// The import manager, as the application sees it. Main thread.
+class ImportManaging
+{
+public:
+    virtual ~ImportManaging() = default;
+    virtual void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex, const QVariantMap &metadata) = 0;
+    virtual ZQOperationQueue &syncOperationQueue() = 0;
+    virtual void getLiveFolderPermissionFromSandbox() = 0;
+    virtual void startObservingWatchedFolders() = 0;
+    virtual void stopObservingWatchedFolders() = 0;
+    virtual void syncRootWatchedFolders() = 0;
+    virtual void syncWatchedFolder(const ZQObjectID &folder, bool force) = 0;
+};
+
+// The screen-capture controller.
+class ScreenCaptureControlling
+{
+public:
+    virtual ~ScreenCaptureControlling() = default;
+    virtual void loadView() = 0;
+};
+
+// The cloud session and its menu.
+class CloudMenuControlling
+{
+public:
+    virtual ~CloudMenuControlling() = default;
+    virtual void createSharedSession() = 0;
+    virtual void updateCloudMenu() = 0;
+};
+
+// The software update check.
+class SoftwareUpdating
+{
+public:
+    virtual ~SoftwareUpdating() = default;
+    virtual void configure(const QString &appCastURL) = 0;
+    virtual void setAutomaticChecks(bool automatic) = 0;
+};
+
+// The crash reporter. Its callbacks are asked on the main thread after `start`.
+class CrashReporting
+{
+public:
+    struct Callbacks
+    {
+        std::function<void()> showMainApplicationWindow;
+        std::function<QString()> applicationLog;
+    };
+    virtual ~CrashReporting() = default;
+    virtual void start(Callbacks callbacks, bool automaticSubmission) = 0;
+};

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+// A question with its buttons; the first is the default, "Cancel" (or the answer that changes least) the last.
+struct UserQuestion
+{
+    QString message;
+    QString informativeText;
+    QStringList buttons;
+    QString suppressionKey;    // the user default a "Do not ask again" box sets to true; empty: no box
+    bool isDestructive = false;
+};
+
+// One path under review before an import.
+struct FileConflict
+{
+    QString path;
+    bool isValid = true;     // readable
+    bool isIncluded = true;  // kept in the import
+    static FileConflict fileConflictWithPath(const QString &path) { return {path, true, true}; }
+};
+
+enum class DuplicateChoice { Discard = 1, Relink = 2, KeepBoth = 3 };
+
+// An asset of the library that an import brings again, and the new copy.
+struct DuplicatePair
+{
+    QString SHA1;
+    QString existingTitle;
+    QString existingPath;      // the file
+    QString existingThumbPath; // a picture of it: the thumbnail, or the file when it has none
+    QStringList existingPlaces; // titles of the projects it is in
+    QDateTime existingImportDate;
+    QString newTitle;
+    QString newPath;
+    QString newThumbPath;
+    qint64 bytes = 0;
+    int pixelWidth = 0;
+    int pixelHeight = 0;
+};
+
+// A line of long work with its bar. Ends when destroyed. Any thread.
+class UserProgress
+{
+public:
+    virtual ~UserProgress() = default;
+    virtual void setMaximum(double maximum) = 0;
+    virtual void advanceBy(double amount) = 0;
+    virtual void setText(const QString &text) = 0;
+};
+
+struct FileChoice
+{
+    QString title;
+    QString prompt;    // the confirming button
+    QString name;      // preset in the name field
+    QStringList extensions; // empty: any
+    bool directory = false; // choose folders
+    bool several = false;
+};
+
+// The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's sheets, the command line's
+// flags and prompts, a script in tests. A question without a person to answer it takes the answer that changes least.
+class UserInteraction
+{
+public:
+    virtual ~UserInteraction() = default;
+
+    virtual void presentError(const ZQError &error) = 0;              // an alert with "OK"
+    virtual int ask(const UserQuestion &question) = 0;                // the index of the button
+    // Fades in and goes by itself. Position: 0 centre of the window, 1 browser, 2 sidebar.
+    virtual void showNotificationWithText(const QString &text, int position, double seconds) = 0;
+    virtual void showSystemNotification(const QString &title, const QString &text) = 0;
+    virtual QStringList chooseFilesToOpen(const FileChoice &choice) = 0; // empty: cancelled
+    virtual std::optional<QString> chooseFileToSave(const FileChoice &choice) = 0;
+
+    // Lets the person uncheck files that cannot be read. False stops the import.
+    virtual bool resolveUnreadableFiles(QList<FileConflict> &conflicts) = 0;
+    // One choice for each pair, in order; nothing when the person cancelled the import.
+    virtual std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) = 0;
+
+    // Shows progress until the answer is destroyed; `cancel` is called on the main thread. Any thread.
+    virtual std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum, std::function<void()> cancel) = 0;
+};

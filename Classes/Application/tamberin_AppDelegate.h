@@ -1,0 +1,135 @@
+#pragma once
+
+#include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/UserInteraction.h"
+#include "Kit/Foundation/ZQError.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+
+#include <memory>
+
+class LibraryLock;
+class ModelEnvironment;
+
+// The other parts of the application, made by `main`. A null one is absent.
+struct ApplicationParts
+{
+    UserInteraction *userInteraction = nullptr; // required
+    ImportManaging *importManager = nullptr;
+    SoftwareUpdating *softwareUpdater = nullptr;
+    CrashReporting *crashReporter = nullptr;
+    CloudMenuControlling *cloudMenuViewController = nullptr;
+    std::function<std::unique_ptr<MainWindowControlling>()> makeMainWindowController;
+    std::function<std::unique_ptr<ScreenCaptureControlling>()> makeZeltoKunViewController;
+};
+
+enum class TerminateReply { Cancel = 0, Now = 1 };
+
+// The single owner of the library's store and of the process's life: launch, files handed over by the desktop, quitting.
+// Main thread, except where stated.
+class tamberin_AppDelegate : public QObject
+{
+    Q_OBJECT
+public:
+    explicit tamberin_AppDelegate(ApplicationParts parts);
+    ~tamberin_AppDelegate() override;
+    static tamberin_AppDelegate *sharedDelegate(); // null before one was made
+
+    // Launch with a window: both in this order, once.
+    void applicationWillFinishLaunching();
+    void applicationDidFinishLaunching();
+    // Launch for one command: the store, the fixed sidebar, the defaults and the background queue; no window, no watching.
+    bool openLibraryForCommand(ZQError *error);
+
+    // Reopening.
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+    void applicationWillBecomeActive();
+    void reopenMainWindow();
+
+    void openFiles(const QStringList &paths); // `application:openFiles:`
+    TerminateReply applicationShouldTerminate();
+    // Asks `applicationShouldTerminate` and, when it agrees, ends the event loop.
+    void terminate();
+
+    // The store.
+    std::shared_ptr<const ZQManagedObjectModel> managedObjectModel();
+    std::shared_ptr<ZQPersistentStoreCoordinator> persistentStoreCoordinator();
+    ZQManagedObjectContext *managedObjectContext(); // null when the store cannot be opened
+    void removeManagedObjectContext();
+    void saveAction();
+    void checkModelMigration();
+    void migrateToModelVersion(const QString &version);
+    void checkAndDeleteLibraryLeftovers();
+
+    // Places. The directories are created when first asked for; empty on failure. `libraryDirectory` may be called from any thread
+    // once it was asked for on the main thread.
+    QString applicationSupportFolder();
+    QString documentDirectory() { return applicationSupportFolder(); }
+    QString libraryBundleDirectory();
+    QString libraryDirectory();
+    QString exportIconDirectory();
+    QString wallpaperDirectory();
+    QString templateDirectory();
+    static QString temporaryFolder(); // "ZeltoTemporaryFolder" in the system temporary directory; not created
+    // For a command or a test: this bundle, whatever the preferences remember. Before the library is first asked for.
+    void setLibraryBundleDirectory(const QString &path);
+
+    void deleteFilesAtPaths(const QStringList &paths, const QString &baseDirectory);
+    QProcess *deleteTask() const { return m_deleteTask; }
+    void tryToRecuperateSandboxedLibraryToDestination(const QString &destination);
+
+    // The fixed sidebar.
+    void setupBasicSidebarProjects();
+    void updateLocalization();
+    void updateSidebarElementNamesWithCurrentLocale();
+    void localeChanged();
+
+    void openZeltoKunHelper();
+    void quitZeltoKunHelper();
+    void syncWatchedFolder(const ZQObjectID &folder);
+    void forceSyncWatchedFolder(const ZQObjectID &folder);
+    QString appCastURL(bool testKeysHeld) const;
+
+    // Switching libraries: the new location takes effect at the next launch.
+    void newZeltoLibrary();
+    void openZeltoLibrary();
+    void moveZeltoLibrary();
+    void revealLibraryInFinder();
+    static void saveNewLibraryURL(const QString &path);
+    static QString loadLibraryURL(); // empty: none remembered, or it cannot be used
+
+    MainWindowControlling *mainWindowController() const { return m_mainWindowController.get(); }
+    ScreenCaptureControlling *zeltoKunViewController() const { return m_zeltoKunViewController.get(); }
+    ZQOperationQueue &backgroundOperationQueue();
+    ImportManaging *importManager() const { return m_parts.importManager; }
+    UserInteraction &userInteraction() const { return *m_parts.userInteraction; } // any thread may ask for it
+    bool applicationLauched() const { return m_applicationLauched; }
+    void setApplicationLauched(bool launched) { m_applicationLauched = launched; }
+
+private:
+    QString createdDirectory(const QString &path, const char *message);
+    bool openStore(ZQError *error);
+    void notifyAndQuit();
+    bool stopRunningImports();
+    QStringList purge();
+    void importOpenedFiles(const QStringList &paths);
+
+    ApplicationParts m_parts;
+    std::unique_ptr<ModelEnvironment> m_environment;
+    std::unique_ptr<ZQOperationQueue> m_backgroundOperationQueue;
+    std::unique_ptr<MainWindowControlling> m_mainWindowController;
+    std::unique_ptr<ScreenCaptureControlling> m_zeltoKunViewController;
+    std::shared_ptr<const ZQManagedObjectModel> m_model;
+    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    std::unique_ptr<ZQManagedObjectContext> m_context;
+    std::unique_ptr<LibraryLock> m_lock;
+    QString m_libraryBundleDirectory;
+    QString m_libraryDirectory;
+    QProcess *m_deleteTask = nullptr;
+    bool m_shouldShowMainWindowOnActivation = true;
+    bool m_applicationLauched = false;
+};
