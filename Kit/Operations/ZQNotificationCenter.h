@@ -22,8 +22,10 @@ public:
     static ZQNotificationCenter &defaultCenter();
 
     using Token = std::shared_ptr<void>;
-    // Called for every notification of this name about `object` (null: about anything) until the token is destroyed.
-    [[nodiscard]] Token addObserver(const QString &name, const void *object, std::function<void(const ZQNotification &)> observer);
+    // Called for every notification of this name about `object` (null: about anything) until the token is destroyed,
+    // which may happen inside a callback. Destroying it on another thread does not wait for a callback that runs.
+    [[nodiscard]] Token addObserver(const QString &name, const void *object,
+                                    std::function<void(const ZQNotification &)> observer);
 
     void postNotification(const QString &name, const void *object = nullptr, const QVariantMap &userInfo = {});
     // Delivered when the event loop is next idle; several of one name waiting together become the first one.

@@ -12,9 +12,9 @@ class ZQOperationQueue;
 // A piece of work that runs once, on a queue or by `start()`.
 //
 // A subclass overrides `main()` and is finished when it returns, or overrides `start()` and manages `setExecuting` and
-// `setFinished` itself (a self-managed operation may go on after `start()` returned; the queue counts it until it finishes).
-// Always held by std::shared_ptr. All functions may be called from any thread; observers are called on the thread that
-// changes the state.
+// `setFinished` itself (a self-managed operation may go on after `start()` returned; the queue counts it until it
+// finishes). Always held by std::shared_ptr. All functions may be called from any thread; observers are called on the
+// thread that changes the state.
 class ZQOperation : public std::enable_shared_from_this<ZQOperation>
 {
 public:
@@ -25,13 +25,15 @@ public:
 
     virtual void start(); // the base: nothing when cancelled, else main(), with the state kept
     virtual void main() {}
-    virtual void cancel(); // cooperative: sets the flag and tells the observers; work that never started finishes at once when its turn comes
+    // Cooperative: sets the flag and tells the observers. Work that never started is finished by its queue when its
+    // turn comes, without `start()`, and no longer waits for its dependencies.
+    virtual void cancel();
 
     bool isCancelled() const;
     bool isExecuting() const;
     bool isFinished() const;
 
-    // Starts only after `operation` has finished. Before queueing only.
+    // Starts only after `operation` has finished, on whatever queue that is. Before queueing only; let go at the end.
     void addDependency(std::shared_ptr<ZQOperation> operation);
     QList<std::shared_ptr<ZQOperation>> dependencies() const;
 
@@ -40,6 +42,8 @@ public:
     using Token = std::shared_ptr<void>;
     [[nodiscard]] Token observe(std::function<void(Key)> observer);
 
+    // Returns when the observers and the completion block were told as well. On the main thread it serves the calls
+    // that wait for that thread, nothing else.
     void waitUntilFinished();
 
 protected:

@@ -5,7 +5,8 @@
 #include <QString>
 
 // Runs operations in order on threads of its own, at most `maxConcurrentOperationCount` at a time. Any thread.
-// Destroying a queue cancels what is left and waits for what runs.
+// An operation counts until its observers and completion block were told. Destroying a queue cancels what is left and
+// waits for what runs.
 class ZQOperationQueue
 {
 public:
@@ -14,7 +15,7 @@ public:
     ZQOperationQueue(const ZQOperationQueue &) = delete;
     ZQOperationQueue &operator=(const ZQOperationQueue &) = delete;
 
-    void setMaxConcurrentOperationCount(int count);
+    void setMaxConcurrentOperationCount(int count); // below 1: as many as there are processors
     int maxConcurrentOperationCount() const;
 
     void addOperation(std::shared_ptr<ZQOperation> operation);
@@ -23,7 +24,9 @@ public:
     QList<std::shared_ptr<ZQOperation>> operations() const; // waiting and running ones
     int operationCount() const;
     void cancelAllOperations();
-    // Called on the main thread while it must stay responsive, use `zqRunMainLoopUntil` instead: this one blocks.
+    // Called on the main thread while it must stay responsive, use `zqRunMainLoopUntil` instead: this one blocks and
+    // serves only `zqOnMainThreadAndWait`. An operation must not wait for its own queue; that returns at once with a
+    // warning.
     void waitUntilAllOperationsAreFinished();
 
 private:

@@ -1,0 +1,239 @@
+#include "Kit/Operations/ZQOperationQueue.h"
+
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQOperationPrivate.h"
+#include "Kit/Operations/ZQWaiting.h"
+
+#include <QThread>
+
+#include <pthread.h>
+
+#include <deque>
+#include <exception>
+
+// Locks are taken in the order queue, operation. An operation calls its hooks without a lock.
+struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue::Private>
+{
+    using Operation = std::shared_ptr<ZQOperation>;
+
+    QString name;
+    std::mutex mutex;
+    std::condition_variable workToDo;
+    std::condition_variable operationEnded;
+    int maximum = 1;
+    QList<Operation> waiting;
+    QList<Operation> running;       // given to a thread and not yet finished
+    std::deque<Operation> starting; // those of `running` no thread has picked up
+    std::vector<std::thread> threads;
+    size_t idleThreads = 0;
+    bool isStopping = false;
+
+    void add(const Operation &operation);
+    void schedule();
+    void scheduleLocked();
+    void didFinish(const ZQOperation *operation);
+    void work();
+    static void run(const Operation &operation);
+    bool isEmpty() const { return waiting.isEmpty() && running.isEmpty(); }
+};
+
+namespace {
+thread_local const void *currentQueue = nullptr;
+
+template <class List>
+void removePointer(List &list, const ZQOperation *operation)
+{
+    const auto found = std::find_if(list.begin(), list.end(), [=](const auto &one) { return one.get() == operation; });
+    if (found != list.end()) {
+        list.erase(found);
+    }
+}
+} // namespace
+
+void ZQOperationQueue::Private::add(const Operation &operation)
+{
+    {
+        const std::lock_guard lock(mutex);
+        waiting.append(operation);
+    }
+    const std::weak_ptr<Private> weakQueue = weak_from_this();
+    const auto reschedule = [weakQueue] {
+        if (const auto queue = weakQueue.lock()) {
+            queue->schedule();
+        }
+    };
+    for (const Operation &dependency : operation->dependencies()) {
+        dependency->d->addFinishHook(reschedule);
+    }
+    {
+        const std::lock_guard lock(operation->d->mutex);
+        operation->d->readinessHooks.push_back(reschedule);
+    }
+    operation->d->addFinishHook([weakQueue, raw = operation.get()] {
+        if (const auto queue = weakQueue.lock()) {
+            queue->didFinish(raw);
+        }
+    });
+    schedule();
+}
+
+void ZQOperationQueue::Private::schedule()
+{
+    const std::lock_guard lock(mutex);
+    scheduleLocked();
+}
+
+void ZQOperationQueue::Private::scheduleLocked()
+{
+    for (qsizetype i = 0; i < waiting.size() && running.size() < maximum;) {
+        if (!waiting.at(i)->d->isReady()) {
+            ++i;
+            continue;
+        }
+        const Operation operation = waiting.takeAt(i);
+        running.append(operation);
+        starting.push_back(operation);
+        if (idleThreads < starting.size() && threads.size() < static_cast<size_t>(maximum)) {
+            ++idleThreads;
+            threads.emplace_back([self = shared_from_this()] { self->work(); });
+        }
+        workToDo.notify_one();
+    }
+}
+
+void ZQOperationQueue::Private::didFinish(const ZQOperation *operation)
+{
+    Operation kept; // its destructor is not to run under the lock
+    const std::lock_guard lock(mutex);
+    for (QList<Operation> *list : {&waiting, &running}) {
+        for (const Operation &one : std::as_const(*list)) {
+            if (one.get() == operation) {
+                kept = one;
+            }
+        }
+        removePointer(*list, operation);
+    }
+    scheduleLocked();
+    operationEnded.notify_all();
+}
+
+void ZQOperationQueue::Private::work()
+{
+    currentQueue = this;
+    if (!name.isEmpty()) {
+        pthread_setname_np(pthread_self(), name.toUtf8().left(15).constData());
+    }
+    std::unique_lock lock(mutex);
+    for (;;) {
+        workToDo.wait(lock, [this] { return !starting.empty() || isStopping; });
+        if (starting.empty()) {
+            return;
+        }
+        Operation operation = std::move(starting.front());
+        starting.pop_front();
+        --idleThreads;
+        lock.unlock();
+        run(operation);
+        operation.reset();
+        lock.lock();
+        ++idleThreads;
+    }
+}
+
+void ZQOperationQueue::Private::run(const Operation &operation)
+{
+    if (operation->isCancelled()) {
+        operation->setFinished(true);
+        return;
+    }
+    try {
+        operation->start();
+    } catch (const std::exception &exception) {
+        qCCritical(zqLogApplication, "An operation ended with an exception: %s", exception.what());
+        operation->setFinished(true);
+    }
+}
+
+ZQOperationQueue::ZQOperationQueue(const QString &name, int maxConcurrentOperationCount)
+    : d(std::make_shared<Private>())
+{
+    d->name = name;
+    setMaxConcurrentOperationCount(maxConcurrentOperationCount);
+}
+
+ZQOperationQueue::~ZQOperationQueue()
+{
+    cancelAllOperations();
+    std::vector<std::thread> threads;
+    const bool isInside = currentQueue == d.get();
+    {
+        std::unique_lock lock(d->mutex);
+        if (!isInside) {
+            zqWaitServingMainThread(lock, d->operationEnded, [this] { return d->isEmpty(); });
+        }
+        d->isStopping = true;
+        d->workToDo.notify_all();
+        threads.swap(d->threads);
+    }
+    for (std::thread &thread : threads) {
+        if (isInside) {
+            thread.detach();
+        } else {
+            thread.join();
+        }
+    }
+}
+
+void ZQOperationQueue::setMaxConcurrentOperationCount(int count)
+{
+    const std::lock_guard lock(d->mutex);
+    d->maximum = count < 1 ? std::max(1, QThread::idealThreadCount()) : count;
+    d->scheduleLocked();
+}
+
+int ZQOperationQueue::maxConcurrentOperationCount() const
+{
+    const std::lock_guard lock(d->mutex);
+    return d->maximum;
+}
+
+void ZQOperationQueue::addOperation(std::shared_ptr<ZQOperation> operation)
+{
+    if (operation) {
+        d->add(operation);
+    }
+}
+
+void ZQOperationQueue::addOperationWithBlock(std::function<void()> block)
+{
+    d->add(zqBlockOperation(std::move(block)));
+}
+
+QList<std::shared_ptr<ZQOperation>> ZQOperationQueue::operations() const
+{
+    const std::lock_guard lock(d->mutex);
+    return d->running + d->waiting;
+}
+
+int ZQOperationQueue::operationCount() const
+{
+    const std::lock_guard lock(d->mutex);
+    return static_cast<int>(d->running.size() + d->waiting.size());
+}
+
+void ZQOperationQueue::cancelAllOperations()
+{
+    for (const auto &operation : operations()) {
+        operation->cancel();
+    }
+}
+
+void ZQOperationQueue::waitUntilAllOperationsAreFinished()
+{
+    if (currentQueue == d.get()) {
+        qCWarning(zqLogApplication, "An operation waits for its own queue");
+        return;
+    }
+    std::unique_lock lock(d->mutex);
+    zqWaitServingMainThread(lock, d->operationEnded, [this] { return d->isEmpty(); });
+}
