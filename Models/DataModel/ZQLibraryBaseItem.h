@@ -1,0 +1,92 @@
+#pragma once
+
+#include "Kit/Imaging/ZQBitmap.h"
+#include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/_ZQLibraryBaseItem.h"
+
+#include <QSet>
+
+class ZQSidebarBaseItem;
+class ZQManagedObjectContext;
+
+// One asset of the library: a file copied into its item directory ("managed"), or referenced where it lies (a live folder's).
+// Deleting clears `active`; the purge at quit removes what stayed inactive.
+//
+// Lists from class operations are nothing after a fetch error, which was logged. Paths are empty when there is no such file.
+class ZQLibraryBaseItem : public _ZQLibraryBaseItem
+{
+public:
+    static inline const QString didDeleteNotification = QStringLiteral("LibraryItemDidDelete");
+    static inline const QString dataDidUpdateNotification = QStringLiteral("LibraryItemDataDidUpdate");
+    static inline const QString itemDirectoryExtension = QStringLiteral(".ztlibraryitem");
+    static inline const QString representationBitmapName = QStringLiteral("___itemBitmap.png");
+
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsWithSHA1(const QString &SHA1, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsForSHA1s(const QStringList &SHA1s, ZQManagedObjectContext &inManagedObjectContext);
+    // The last match.
+    static ZQRef<ZQLibraryBaseItem> libraryItemsForBundleID(const QString &bundleID, ZQManagedObjectContext &inManagedObjectContext);
+    // Active items imported or modified since `fromDate`. The end date bounds nothing: "yesterday" reaches to now.
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsFromDate(const QDateTime &fromDate, const QDateTime &toDate,
+                                                             ZQManagedObjectContext &inManagedObjectContext);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsForTodayInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsForYesterdayInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastHourInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastWeekInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQPredicate predicateFromDate(const QDateTime &fromDate, const QDateTime &toDate);
+    // Removes every inactive item but those of a live folder that is missing or trashed, and answers the names of their item
+    // directories, which the caller removes after saving.
+    static std::optional<QStringList> permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
+
+    QString bundleURL() const;
+    QString managedItemURL() const;
+    QString itemURL() const;
+    QString managedThumbURL() const;
+    QString thumbURL() const { return managedThumbURL(); }
+    virtual QString detailItemURL() const; // the file the detail view shows
+
+    ZQRef<ZQLibraryBaseItem> item() { return ZQRef<ZQLibraryBaseItem>(this); }
+    QList<ZQRef<ZQSidebarBaseItem>> projects() const;
+    ZQRef<ZQProjectItem> projectItemForSidebarItem(const ZQSidebarBaseItem *sidebarItem) const;
+    QList<ZQRef<ZQSidebarTag>> itemTags() const; // active ones
+    QSet<ZQRef<ZQSidebarTag>> itemTagsSet() const;
+    QList<ZQRef<ZQSidebarBaseItem>> sidebarItems() const; // projects, then tags, then the live folder
+
+    // Renames the file, its thumbnail and the item. False, with the error shown and nothing changed, for a title no file can
+    // have or when the file cannot be moved.
+    bool setNewTitle(const QString &newTitle);
+    // A managed copy with its own item directory and tags, in no project. Null when there is no file or no directory can be made.
+    ZQRef<ZQLibraryBaseItem> duplicate();
+
+    void deleteSelf();
+    void restoreSelf();
+    void deletePermanently();
+    void updateFileURLsForURL(const QString &path);
+    void hideFileFromFileSystem();
+    void unHideFileFromFileSystem();
+    void deleteItemBundleAndTrashFile(bool trashFile);
+
+    // Brings the item in step with its file, when that changed or was renamed.
+    void updateItemData();
+    void updateItemData(const QString &path);
+
+    bool readOpenMetaFromDisk(); // whether tags or notes changed
+    void writeOpenMetaToDisk();
+    void copyOpenMetaToPath(const QString &path);
+
+    // Kinds whose file the image decoder cannot show keep a rendered bitmap in the item directory.
+    virtual bool hasRepresentationBitmap() const { return false; }
+    virtual ZQBitmap renderRepresentationBitmap(const QString &path, ZQError *error = nullptr) const;
+    virtual QString invalidImageMessage() const; // with one %@, the path
+
+    virtual ZQBitmap exportImageRep(ZQError *error = nullptr) const; // at full resolution
+    virtual QString pixelSizeString() const;
+    virtual qint64 byteSize() const;
+
+    QString description() const override;
+
+private:
+    bool updateRepresentationBitmap(const QString &path, bool fileDidChange);
+    void readPixelSize(const QString &path);
+    void renameThumb(const QString &newTitle);
+    bool replaceTags(const QStringList &titles);
+};

@@ -1,0 +1,39 @@
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+
+#include "Kit/Foundation/ZQLog.h"
+
+#include <atomic>
+
+namespace {
+
+class NullEnvironment final : public ZQLibraryEnvironment
+{
+public:
+    QString libraryDirectory() override { return {}; }
+    QString libraryPathForFilePath(const QString &) override { return {}; }
+    void thumbForLibraryItem(ZQLibraryBaseItem *) override {}
+    void presentError(const ZQError &error) override
+    {
+        qCWarning(zqLogApplication, "%s", qUtf8Printable(error.localizedDescription()));
+    }
+    std::optional<QStringList> userTagsOfFile(const QString &) override { return std::nullopt; }
+    std::optional<QString> commentOfFile(const QString &) override { return std::nullopt; }
+    void writeTagsToFile(const QString &, const QStringList &, const QString &) override {}
+    bool writesTagsToFiles() override { return false; }
+};
+
+std::atomic<ZQLibraryEnvironment *> installed = nullptr;
+
+} // namespace
+
+ZQLibraryEnvironment &ZQLibraryEnvironment::current()
+{
+    static NullEnvironment none;
+    ZQLibraryEnvironment *environment = installed.load(std::memory_order_acquire);
+    return environment ? *environment : none;
+}
+
+void ZQLibraryEnvironment::setCurrent(ZQLibraryEnvironment *environment)
+{
+    installed.store(environment, std::memory_order_release);
+}

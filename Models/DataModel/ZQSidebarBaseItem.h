@@ -1,0 +1,117 @@
+#pragma once
+
+#include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/_ZQSidebarBaseItem.h"
+
+#include <QSet>
+
+class ZQLibraryBaseItem;
+
+// What `kind` says of the fixed entries; items a person made have 0, as the LIBRARY label has.
+enum class ZQSidebarKind : qint16 {
+    LibraryLabel = 0,
+    Library = 1,
+    Recent = 2,
+    Screenshots = 3,
+    ProjectsLabel = 101,
+    WatchedFoldersLabel = 102,
+    TagsLabel = 201,
+    SizesLabel = 202,
+    ColorsLabel = 203,
+    FirstColor = 1000,
+    LastColor = 1009,
+    FirstSize = 2001,
+    LastSize = 2005,
+};
+
+// One node of the sidebar. A node with members (project, Screenshots) holds them through ordered `ZQProjectItem`s; the other kinds
+// say what they contain by `contentRequest`. Deleting clears `active`; the purge at quit removes what stayed inactive.
+class ZQSidebarBaseItem : public _ZQSidebarBaseItem
+{
+public:
+    // As an index: at the end.
+    static constexpr quint32 appendIndex = 4294967295U;
+
+    // The fixed entries; null when there is none or the fetch failed (logged).
+    static ZQRef<ZQSidebarBaseItem> specialItemOfKind(int kind, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQRef<ZQSidebarBaseItem> libraryProjectInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> recentProjectInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> screenshotProjectInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> projectsLabelInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> watchedFolderLabelInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> tagsLabelInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> sizeLabelInManagedObjectContext(ZQManagedObjectContext &context);
+    static ZQRef<ZQSidebarBaseItem> colorsLabelInManagedObjectContext(ZQManagedObjectContext &context);
+
+    // The keys for a sort value 0 to 7; none for 5 and any other. For `itemKind` 1 and 2, whose lists hold library items, without the
+    // "item." prefix that reaches from a membership to its item.
+    static QList<ZQSortDescriptor> sortDescriptorsForSortValue(int sortValue, bool ascending, int itemKind);
+    // Removes every inactive sidebar item with everything below it.
+    static void permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
+
+    // Membership. Adding an inactive item restores it. With rearranging, the members from `atIndex` on move up by one. False when the
+    // item is there already (and that is checked) or null.
+    bool addItem(ZQLibraryBaseItem *item); // at the end
+    bool addItem(ZQLibraryBaseItem *item, quint32 atIndex) { return addItem(item, atIndex, true, true); }
+    bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems)
+    {
+        return addItem(item, atIndex, rearrangeOtherItems, true);
+    }
+    virtual bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems, bool checkForDuplicate);
+    // As one `addItem(item, index)` after another, for as little as one pass; no indexes: at the end.
+    virtual void addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {});
+    virtual void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
+    void removeItem(ZQLibraryBaseItem *item);
+    void removeProjectItem(ZQProjectItem *projectItem);
+    virtual bool containsItem(const ZQLibraryBaseItem *item) const;
+    qint32 orderOfItem(const ZQLibraryBaseItem *item) const; // -1 for none
+
+    // What the item shows: rows of library items, or of memberships whose key paths start with "item."; active ones, in order. For lists
+    // too long for objects, fetch its identifiers.
+    virtual ZQFetchRequest contentRequest() const;
+    QList<ZQRef<ZQLibraryBaseItem>> items() const;
+    // The keys may carry the "item." prefix or not.
+    QList<ZQRef<ZQLibraryBaseItem>> itemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors) const;
+    qint64 numberOfItems() const;                                        // one COUNT
+    qint64 numberOfItemsWithPredicate(const ZQPredicate &predicate) const; // of the rows of `contentRequest`
+    QList<ZQRef<ZQProjectItem>> pItems() const { return pItemsWithActiveItemsOnly(true); }
+    QList<ZQRef<ZQProjectItem>> pItemsWithActiveItemsOnly(bool activeItemsOnly) const; // by order
+
+    // Tree. Children are the active ones; a node is never put below itself.
+    void addChild(ZQSidebarBaseItem *child, quint32 atIndex);
+    void appendChild(ZQSidebarBaseItem *child) { addChild(child, appendIndex); }
+    void removeFromFather();
+    QList<ZQRef<ZQSidebarBaseItem>> childsItems() const;
+    qint32 numberofChilds() const;
+    QList<ZQRef<ZQSidebarBaseItem>> orderedChildren() const;
+    QList<ZQRef<ZQSidebarBaseItem>> alphabeticOrderedChildren() const;
+    void reorderChildren(); // numbers them from 0 in their order
+    bool isDescendantOfItem(const ZQSidebarBaseItem *item) const;
+
+    virtual bool isProject() const { return false; }
+    virtual bool isFolder() const { return false; }
+    virtual bool isWatchedFolder() const { return false; }
+    virtual bool isSmartFolder() const { return false; }
+    virtual bool isLibrary() const { return false; }
+    virtual bool isRecent() const { return false; }
+    virtual bool isScreenshot() const { return false; }
+    bool isTag() const { return is_Tag(); }
+    bool isSpecial() const { return is_Special(); }
+    bool isLabel() const { return is_Label(); }
+    bool isDroppableLabel() const; // takes dropped items: PROJECTS, LIVE FOLDERS, TAGS
+    virtual QString typeString() const; // "Project", …, localised
+    virtual QString icon() const { return {}; } // the name of an icon of the interface; empty for none
+
+    virtual void deleteSelf();
+    virtual void restoreSelf();
+    void deletePermanently();
+
+    QString UUID() const; // one within one store
+    void awakeFromInsert() override;
+
+private:
+    QList<ZQRef<ZQProjectItem>> membershipsFrom(quint32 index) const;
+    QSet<qint64> memberKeys(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
+    void insertMembership(ZQLibraryBaseItem *item, qint32 order);
+    qint32 appendOrder() const;
+};

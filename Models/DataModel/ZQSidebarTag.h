@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Models/DataModel/_ZQSidebarTag.h"
+
+// A tag: a label on library items that their files carry too.
+class ZQSidebarTag : public _ZQSidebarTag
+{
+public:
+    // The active tag of exactly this title.
+    static ZQRef<ZQSidebarTag> tagWithTagName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
+    // A new last child of the TAGS label. Line breaks and tabs are left out of the name; null when nothing remains.
+    static ZQRef<ZQSidebarTag> addNewTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQRef<ZQSidebarTag> getOrCreateTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
+    // The generated tag of a size code 2001 to 2005 or a colour code 1000 to 1009, made when missing. Null for another code.
+    static ZQRef<ZQSidebarTag> tagForSize(int size, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQRef<ZQSidebarTag> tagForColor(int color, ZQManagedObjectContext &inManagedObjectContext);
+    // A colour's code by its name, as it is or localised; -1 for none.
+    static int colorValueForName(const QString &name);
+    static QString colorNameForValue(int value); // localised; empty for none
+    // Numbers the children of TAGS from 0 in their present order, equal ones by title.
+    static void reorderAllUserTagsInManagedObjectContext(ZQManagedObjectContext &context);
+    // The titles that more than one active tag has.
+    static QStringList contextContainsDuplicatedTags(ZQManagedObjectContext &context);
+
+    bool isUserTag() const { return is_Tag() && !is_Label() && kind() == 0; }
+    QString typeString() const override;
+    QString icon() const override;
+    ZQFetchRequest contentRequest() const override;
+
+    // These also rewrite the tags of the files concerned.
+    void deleteSelf() override;
+    void restoreSelf() override;
+    using ZQSidebarBaseItem::addItem;
+    using ZQSidebarBaseItem::containsItem;
+    bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems, bool checkForDuplicate) override;
+    void addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes) override;
+    void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
+    bool containsItem(const ZQLibraryBaseItem *item) const override;
+    // Every item of `items` gets this tag in the store; files are left as they are.
+    void addTaggedItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
+
+private:
+    void rewriteFileTags();
+};
