@@ -3,8 +3,8 @@
 #include <QImage>
 #include <QSize>
 
-// An 8-bit sRGB picture with straight (not premultiplied) alpha: RGBA, 4 bytes a pixel, rows without padding requirement.
-// A value with shared pixels; may cross threads.
+// An 8-bit sRGB picture with straight (not premultiplied) alpha: RGBA, 4 bytes a pixel, rows without padding
+// requirement. A value with shared pixels; may cross threads.
 class ZQBitmap
 {
 public:

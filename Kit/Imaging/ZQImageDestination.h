@@ -9,6 +9,7 @@
 namespace ZQImageDestination {
 
 bool writePNG(const ZQBitmap &bitmap, const QString &path, ZQError *error = nullptr);
-bool writeJPEG(const ZQBitmap &bitmap, const QString &path, int quality = 85, ZQError *error = nullptr); // transparency goes white
+bool writeJPEG(const ZQBitmap &bitmap, const QString &path, int quality = 85,
+               ZQError *error = nullptr); // transparency goes white
 
 } // namespace ZQImageDestination

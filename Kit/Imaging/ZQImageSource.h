@@ -11,22 +11,25 @@
 // What an image file says of itself, without decoding its pixels.
 struct ZQImageProperties
 {
-    int pixelWidth = 0;  // as stored, before orientation
+    int pixelWidth = 0; // as stored, before orientation
     int pixelHeight = 0;
     int orientation = 1; // EXIF 1 to 8
     int bitsPerSample = 8;
-    int dpi = 0;           // 0: not said
+    int dpi = 0; // 0: not said
     int frameCount = 1;
     bool hasAlpha = false;
-    QString colorModel;  // "RGB", "Gray", "CMYK", "Lab"
+    QString colorModel;   // "RGB", "Gray", "CMYK", "Lab"
     QStringList keywords; // IPTC "Keywords"
 };
 
-// An image file: its properties, and its pixels no larger than asked for. Reads JPEG, JPEG 2000, TIFF, GIF, PNG, ICNS, BMP, ICO, TGA, PSD,
-// WebP, AI (its PDF or PostScript part) and camera raw. The content decides how it is read, not the extension, except where a format has no mark.
+// An image file: its properties, and its pixels no larger than asked for. Reads JPEG, JPEG 2000, TIFF, GIF, PNG, ICNS,
+// BMP, ICO, TGA, PSD, WebP, AI (its PDF or PostScript part) and camera raw. The content decides how it is read, not the
+// extension, except where a format has no mark.
 //
-// Orientation is applied, colours are converted to sRGB, 16-bit and CMYK come out as 8-bit RGB. Sizes are checked before memory is taken
-// (`maximumPixels`). Any thread; several at once. Errors are of the domain "zelto.imaging" with a text a person understands.
+// Orientation is applied, colours are converted to sRGB, 16-bit and CMYK come out as 8-bit RGB. Sizes are checked
+// before memory is taken
+// (`maximumPixels`). Any thread; several at once. Errors are of the domain "zelto.imaging" with a text a person
+// understands.
 class ZQImageSource
 {
 public:

@@ -5,9 +5,9 @@
 
 #include <QString>
 
-// The desktop's preview service: any file → a picture within a box. What the image decoder cannot read is drawn from its
-// document kind (PDF, SVG), a vector document filling the box; the rest goes to the thumbnailers the desktop has registered.
-// Null with an error naming the reason. Any thread.
+// The desktop's preview service: any file → a picture within a box. What the image decoder cannot read is drawn from
+// its document kind (PDF, SVG), a vector document filling the box; the rest goes to the thumbnailers the desktop has
+// registered. Null with an error naming the reason. Any thread.
 class ZQPreviewService
 {
 public:

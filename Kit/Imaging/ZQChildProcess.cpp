@@ -1,0 +1,46 @@
+#include "Kit/Imaging/ZQChildProcess.h"
+
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QProcess>
+
+#include <sys/resource.h>
+
+namespace {
+
+constexpr rlim_t memoryLimit = rlim_t(2) << 30;
+constexpr rlim_t fileLimit = rlim_t(1) << 30;
+
+void limitSelf(rlim_t seconds)
+{
+    const rlimit processor{seconds, seconds};
+    const rlimit memory{memoryLimit, memoryLimit};
+    const rlimit file{fileLimit, fileLimit};
+    const rlimit core{0, 0};
+    ::setrlimit(RLIMIT_CPU, &processor);
+    ::setrlimit(RLIMIT_AS, &memory);
+    ::setrlimit(RLIMIT_FSIZE, &file);
+    ::setrlimit(RLIMIT_CORE, &core);
+}
+
+} // namespace
+
+bool zqRunDrawingProgram(const QString &program, const QStringList &arguments, const QString &folder,
+                         std::chrono::milliseconds limit)
+{
+    QProcess process;
+    const rlim_t seconds = rlim_t(limit.count() / 1000 + 1);
+    process.setChildProcessModifier([seconds] { limitSelf(seconds); });
+    process.setWorkingDirectory(folder);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    if (!process.waitForStarted() || !process.waitForFinished(int(limit.count()))) {
+        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(program), qUtf8Printable(process.errorString()));
+        process.kill();
+        process.waitForFinished(2000);
+        return false;
+    }
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}

@@ -1,0 +1,65 @@
+#include "Kit/Imaging/ZQImagingLibraries.h"
+
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QImageReader>
+
+#include <exiv2/exiv2.hpp>
+#include <vips/vips.h>
+
+#include <array>
+#include <mutex>
+
+namespace {
+
+void logFromGLib(const gchar *domain, GLogLevelFlags, const gchar *message, gpointer)
+{
+    qCDebug(zqLogImaging, "%s: %s", domain ? domain : "library", message);
+}
+
+void logFromExiv2(int, const char *message)
+{
+    qCDebug(zqLogImaging, "Exiv2: %s", message);
+}
+
+void startVips(const char *programName)
+{
+    for (const char *domain : {"VIPS", "librsvg", "Rsvg", "Poppler", "GLib-GIO", "GLib-GObject"}) {
+        g_log_set_handler(domain, GLogLevelFlags(G_LOG_LEVEL_MASK), logFromGLib, nullptr);
+    }
+    if (VIPS_INIT(programName)) {
+        qCWarning(zqLogImaging, "libvips cannot start: %s", vips_error_buffer());
+        return;
+    }
+    vips_concurrency_set(1); // imports decode several files at once already
+    vips_cache_set_max(0);
+    vips_block_untrusted_set(TRUE);
+    for (const char *wanted : {"VipsForeignLoadJp2k", "VipsForeignLoadPdf", "VipsForeignLoadSvg"}) {
+        vips_operation_block_set(wanted, FALSE);
+    }
+}
+
+struct VipsThread
+{
+    ~VipsThread() { vips_thread_shutdown(); }
+};
+
+} // namespace
+
+void zqInitializeImagingLibraries(const char *programName)
+{
+    static std::once_flag once;
+    std::call_once(once, [programName] {
+        startVips(programName);
+        Exiv2::XmpParser::initialize();
+        Exiv2::LogMsg::setHandler(logFromExiv2);
+        QImageReader::setAllocationLimit(2048);
+    });
+}
+
+void zqEnterVips()
+{
+    zqInitializeImagingLibraries("zelto");
+    thread_local const VipsThread thread;
+    static_cast<void>(thread);
+}

@@ -1,0 +1,125 @@
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageDecoding.h"
+
+#include <QFile>
+
+#include <libraw/libraw.h>
+
+// Camera raw. A preview the camera put into the file is used when it is large enough; else the sensor's data is
+// developed.
+
+namespace {
+
+struct FlipOrientation
+{
+    int flip; // LibRaw's: 0, 3 half turn, 5 quarter turn left, 6 quarter turn right
+    int orientation;
+};
+
+int orientationOfFlip(int flip)
+{
+    for (const FlipOrientation row : {FlipOrientation{3, 3}, FlipOrientation{5, 8}, FlipOrientation{6, 6}}) {
+        if (row.flip == flip) {
+            return row.orientation;
+        }
+    }
+    return 1;
+}
+
+struct MemoryImageDelete
+{
+    void operator()(libraw_processed_image_t *image) const { LibRaw::dcraw_clear_mem(image); }
+};
+using MemoryImage = std::unique_ptr<libraw_processed_image_t, MemoryImageDelete>;
+
+std::unique_ptr<LibRaw> openRaw(const QString &path, ZQError *error)
+{
+    auto raw = std::make_unique<LibRaw>(LIBRAW_OPIONS_NO_DATAERR_CALLBACK);
+    const int result = raw->open_file(QFile::encodeName(path).constData());
+    if (result != LIBRAW_SUCCESS) {
+        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), libraw_strerror(result));
+        zqSetError(error, zqDamagedError(path));
+        return nullptr;
+    }
+    return raw;
+}
+
+std::optional<ZQImageProperties> rawProperties(const QString &path, ZQError *error)
+{
+    const std::unique_ptr<LibRaw> raw = openRaw(path, error);
+    if (!raw) {
+        // Some of these extensions also name plain TIFF files.
+        return zqVipsDecoder.properties(path, nullptr);
+    }
+    ZQImageProperties out;
+    out.pixelWidth = raw->imgdata.sizes.width;
+    out.pixelHeight = raw->imgdata.sizes.height;
+    out.orientation = orientationOfFlip(raw->imgdata.sizes.flip);
+    out.bitsPerSample = 16;
+    out.colorModel = QStringLiteral("RGB");
+    return out;
+}
+
+ZQBitmap embeddedPreview(LibRaw &raw, QSize box)
+{
+    const int longest = qMax(raw.imgdata.thumbnail.twidth, raw.imgdata.thumbnail.theight);
+    if (longest < qMax(box.width(), box.height()) || raw.unpack_thumb() != LIBRAW_SUCCESS ||
+        raw.imgdata.thumbnail.tformat != LIBRAW_THUMBNAIL_JPEG) {
+        return {};
+    }
+    const QByteArray bytes =
+        QByteArray::fromRawData(raw.imgdata.thumbnail.thumb, qsizetype(raw.imgdata.thumbnail.tlength));
+    return zqDecodeBytes(bytes, box, orientationOfFlip(raw.imgdata.sizes.flip));
+}
+
+ZQBitmap developed(LibRaw &raw, bool halfSize)
+{
+    raw.imgdata.params.half_size = halfSize;
+    raw.imgdata.params.use_camera_wb = 1;
+    raw.imgdata.params.output_bps = 8;
+    raw.imgdata.params.output_color = 1; // sRGB
+    if (raw.unpack() != LIBRAW_SUCCESS || raw.dcraw_process() != LIBRAW_SUCCESS) {
+        return {};
+    }
+    int result = 0;
+    const MemoryImage image(raw.dcraw_make_mem_image(&result));
+    if (!image || image->type != LIBRAW_IMAGE_BITMAP || image->bits != 8 ||
+        (image->colors != 3 && image->colors != 1)) {
+        return {};
+    }
+    const auto format = image->colors == 3 ? QImage::Format_RGB888 : QImage::Format_Grayscale8;
+    const QImage pixels(image->data, image->width, image->height, qsizetype(image->width) * image->colors, format);
+    return ZQBitmap(pixels.convertToFormat(QImage::Format_RGBA8888));
+}
+
+ZQBitmap decodeRaw(const ZQDecodeRequest &request, ZQError *error)
+{
+    if (request.frame > 0) {
+        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        return {};
+    }
+    ZQError failure;
+    const std::unique_ptr<LibRaw> raw = openRaw(request.path, &failure);
+    if (!raw) {
+        return zqVipsDecoder.decode(request, error);
+    }
+    const qint64 width = raw->imgdata.sizes.raw_width;
+    const qint64 height = raw->imgdata.sizes.raw_height;
+    if (!zqCheckSize(request.path, width, height, zqMaximumPixelsInMemory, error)) {
+        return {};
+    }
+    ZQBitmap bitmap = request.isFullSize() ? ZQBitmap() : embeddedPreview(*raw, request.box);
+    if (bitmap.isNull()) {
+        const bool halfIsEnough =
+            !request.isFullSize() && qMax(width, height) >= 2 * qMax(request.box.width(), request.box.height());
+        bitmap = developed(*raw, halfIsEnough);
+    }
+    if (bitmap.isNull()) {
+        zqSetError(error, zqDamagedError(request.path));
+    }
+    return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
+}
+
+} // namespace
+
+const ZQDecoder zqRawDecoder{rawProperties, decodeRaw};

@@ -1,0 +1,380 @@
+#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/ZQImageFormat.h"
+#include "Kit/Imaging/ZQImagingLibraries.h"
+#include "Kit/Imaging/ZQVips.h"
+
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QFile>
+#include <QtEndian>
+
+namespace {
+
+constexpr int unlimitedSide = 10'000'000;
+constexpr int rowsAtOnce = 16;
+
+QByteArray optionsForFrame(int frame)
+{
+    return frame > 0 ? "[page=" + QByteArray::number(frame) + ']' : QByteArray();
+}
+
+ZQVipsImage openHeader(VipsSource *source, const QByteArray &options, VipsFailOn failOn = VIPS_FAIL_ON_NONE)
+{
+    return ZQVipsImage(vips_image_new_from_source(source, options.constData(), "access", VIPS_ACCESS_SEQUENTIAL,
+                                                  "fail_on", failOn, nullptr));
+}
+
+int integerField(VipsImage *image, const char *name, int otherwise)
+{
+    int value = otherwise;
+    return vips_image_get_typeof(image, name) != 0 && vips_image_get_int(image, name, &value) == 0 ? value : otherwise;
+}
+
+// Codecs that build the whole picture before the first row comes out.
+bool needsWholePicture(VipsImage *image)
+{
+    const char *loader = nullptr;
+    if (vips_image_get_typeof(image, VIPS_META_LOADER) == 0 ||
+        vips_image_get_string(image, VIPS_META_LOADER, &loader) != 0) {
+        return true;
+    }
+    const QByteArrayView name(loader);
+    if (name.startsWith("jpegload")) {
+        return integerField(image, "jpeg-multiscan", 0) != 0;
+    }
+    if (name.startsWith("pngload")) {
+        return vips_image_get_typeof(image, "interlaced") != 0;
+    }
+    return !name.startsWith("tiffload");
+}
+
+bool checkSize(const ZQDecodeRequest &request, VipsImage *image, ZQError *error)
+{
+    const bool inMemory = request.isFullSize() || needsWholePicture(image);
+    const qint64 limit = inMemory ? zqMaximumPixelsInMemory : ZQImageSource::maximumPixels;
+    return zqCheckSize(request.path, image->Xsize, image->Ysize, limit, error);
+}
+
+enum class Profile { Apply, Ignore };
+
+ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, VipsFailOn failOn, Profile profile)
+{
+    const int width = request.isFullSize() ? unlimitedSide : request.box.width();
+    const int height = request.isFullSize() ? unlimitedSide : request.box.height();
+    const QByteArray options = optionsForFrame(request.frame);
+    VipsImage *out = nullptr;
+    const int failed =
+        profile == Profile::Apply
+            ? vips_thumbnail_source(source, &out, width, "height", height, "size", VIPS_SIZE_DOWN, "option_string",
+                                    options.constData(), "fail_on", failOn, "export_profile", "srgb", nullptr)
+            : vips_thumbnail_source(source, &out, width, "height", height, "size", VIPS_SIZE_DOWN, "option_string",
+                                    options.constData(), "fail_on", failOn, nullptr);
+    const ZQVipsImage image(out);
+    return failed ? ZQBitmap() : zqBitmapOfVips(image.get());
+}
+
+// A progressive JPEG holds the whole picture, coarsely, as soon as its second scan begins.
+bool hasSecondScan(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    int scans = 0;
+    bool afterMark = false;
+    for (QByteArray bytes = file.read(1 << 16); !bytes.isEmpty(); bytes = file.read(1 << 16)) {
+        for (const char byte : bytes) {
+            scans += afterMark && byte == '\xda' ? 1 : 0;
+            afterMark = byte == '\xff';
+        }
+        if (scans > 1) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// How many rows come out before the file ends or its data makes no sense.
+int readableRows(const ZQDecodeRequest &request)
+{
+    const ZQVipsSource source = zqVipsSource(request.path);
+    const ZQVipsImage image =
+        source ? openHeader(source.get(), optionsForFrame(request.frame), VIPS_FAIL_ON_TRUNCATED) : nullptr;
+    if (!image) {
+        return 0;
+    }
+    const std::unique_ptr<VipsRegion, ZQVipsUnref> region(vips_region_new(image.get()));
+    int y = 0;
+    while (y < image->Ysize) {
+        const VipsRect rows{0, y, image->Xsize, qMin(rowsAtOnce, image->Ysize - y)};
+        if (vips_region_prepare(region.get(), &rows)) {
+            break;
+        }
+        y += rows.height;
+    }
+    return y;
+}
+
+// Whether more than half of a damaged picture is there.
+bool isMostlyReadable(const ZQDecodeRequest &request, VipsImage *header)
+{
+    const bool readable = integerField(header, "jpeg-multiscan", 0) != 0 ? hasSecondScan(request.path)
+                                                                         : readableRows(request) > header->Ysize / 2;
+    zqLogVipsError(request.path);
+    return readable;
+}
+
+ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
+{
+    const ZQVipsSource source = zqVipsSource(request.path);
+    const ZQVipsImage header = source ? openHeader(source.get(), {}) : nullptr;
+    if (!header) {
+        zqSetError(error, zqDamagedError(request.path));
+        return {};
+    }
+    if (request.frame >= qMax(1, vips_image_get_n_pages(header.get()))) {
+        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        return {};
+    }
+    if (!checkSize(request, header.get(), error)) {
+        return {};
+    }
+    const bool hasProfile = vips_image_get_typeof(header.get(), VIPS_META_ICC_NAME) != 0;
+    const Profile profile = hasProfile ? Profile::Apply : Profile::Ignore;
+    ZQBitmap bitmap = thumbnail(source.get(), request, VIPS_FAIL_ON_TRUNCATED, profile);
+    if (bitmap.isNull() && hasProfile) {
+        bitmap = thumbnail(zqVipsSource(request.path).get(), request, VIPS_FAIL_ON_TRUNCATED, Profile::Ignore);
+    }
+    if (bitmap.isNull() && isMostlyReadable(request, header.get())) {
+        bitmap = thumbnail(zqVipsSource(request.path).get(), request, VIPS_FAIL_ON_NONE, profile);
+    }
+    if (bitmap.isNull()) {
+        zqSetError(error, zqDamagedError(request.path));
+    }
+    return bitmap;
+}
+
+ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
+{
+    zqEnterVips();
+    ZQBitmap bitmap = decodeWithSource(request, error);
+    zqLogVipsError(request.path);
+    return bitmap;
+}
+
+int bitsPerSample(VipsImage *image)
+{
+    const int stored = integerField(image, "bits-per-sample", integerField(image, "palette-bit-depth", 0));
+    return stored > 0 ? stored : int(vips_format_sizeof(image->BandFmt)) * 8;
+}
+
+QString colorModel(VipsInterpretation interpretation)
+{
+    switch (interpretation) {
+    case VIPS_INTERPRETATION_CMYK:
+        return QStringLiteral("CMYK");
+    case VIPS_INTERPRETATION_LAB:
+    case VIPS_INTERPRETATION_LABS:
+    case VIPS_INTERPRETATION_LABQ:
+        return QStringLiteral("Lab");
+    case VIPS_INTERPRETATION_B_W:
+    case VIPS_INTERPRETATION_GREY16:
+        return QStringLiteral("Gray");
+    default:
+        return QStringLiteral("RGB");
+    }
+}
+
+std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
+{
+    zqEnterVips();
+    const ZQVipsSource source = zqVipsSource(path);
+    const ZQVipsImage image = source ? openHeader(source.get(), {}) : nullptr;
+    zqLogVipsError(path);
+    if (!image) {
+        zqSetError(error, zqDamagedError(path));
+        return std::nullopt;
+    }
+    ZQImageProperties out;
+    out.pixelWidth = image->Xsize;
+    out.pixelHeight = image->Ysize;
+    out.orientation = vips_image_get_orientation(image.get());
+    out.bitsPerSample = bitsPerSample(image.get());
+    const bool saysResolution = qAbs(image->Xres - 1.0) > 1e-6; // one pixel a millimetre stands for "not said"
+    out.dpi = saysResolution && image->Xres < 1e6 ? qRound(image->Xres * 25.4) : 0;
+    out.frameCount = qMax(1, vips_image_get_n_pages(image.get()));
+    out.hasAlpha = vips_image_hasalpha(image.get());
+    out.colorModel = colorModel(image->Type);
+    return out;
+}
+
+} // namespace
+
+const ZQDecoder zqVipsDecoder{properties, decode};
+
+ZQVipsSource zqVipsSource(const QString &path)
+{
+    return ZQVipsSource(vips_source_new_from_file(QFile::encodeName(path).constData()));
+}
+
+void zqLogVipsError(const QString &path)
+{
+    char *text = vips_error_buffer_copy();
+    if (text && *text) {
+        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), text);
+    }
+    g_free(text);
+}
+
+namespace {
+
+// Each step replaces the image by the converted one.
+bool replace(ZQVipsImage &image, VipsImage *next, int failed)
+{
+    image.reset(next);
+    return failed == 0 && next;
+}
+
+bool convertToRGBA(ZQVipsImage &image)
+{
+    VipsImage *next = nullptr;
+    if (image->Type != VIPS_INTERPRETATION_sRGB) {
+        const int failed = vips_colourspace(image.get(), &next, VIPS_INTERPRETATION_sRGB, nullptr);
+        if (!replace(image, next, failed)) {
+            return false;
+        }
+    }
+    if (image->BandFmt != VIPS_FORMAT_UCHAR) {
+        const int failed = vips_cast(image.get(), &next, VIPS_FORMAT_UCHAR, nullptr);
+        if (!replace(image, next, failed)) {
+            return false;
+        }
+    }
+    if (image->Bands == 3) {
+        const int failed = vips_addalpha(image.get(), &next, nullptr);
+        if (!replace(image, next, failed)) {
+            return false;
+        }
+    }
+    if (image->Bands > 4) {
+        const int failed = vips_extract_band(image.get(), &next, 0, "n", 4, nullptr);
+        if (!replace(image, next, failed)) {
+            return false;
+        }
+    }
+    return image->Bands == 4 && image->BandFmt == VIPS_FORMAT_UCHAR;
+}
+
+void releaseImage(void *image)
+{
+    g_object_unref(image);
+}
+
+} // namespace
+
+ZQBitmap zqBitmapOfVips(VipsImage *image)
+{
+    g_object_ref(image);
+    ZQVipsImage converted(image);
+    if (!convertToRGBA(converted)) {
+        return {};
+    }
+    ZQVipsImage memory(vips_image_new_memory());
+    if (vips_image_write(converted.get(), memory.get())) {
+        return {};
+    }
+    VipsImage *const pixels = memory.release();
+    return ZQBitmap(QImage(VIPS_IMAGE_ADDR(pixels, 0, 0), pixels->Xsize, pixels->Ysize,
+                           qsizetype(VIPS_IMAGE_SIZEOF_LINE(pixels)), QImage::Format_RGBA8888, releaseImage, pixels));
+}
+
+namespace {
+
+ZQBitmap bitmapOfPixels(const QByteArray &pixels, QSize size, int bands, VipsInterpretation interpretation)
+{
+    zqEnterVips();
+    if (pixels.size() < qsizetype(size.width()) * size.height() * bands) {
+        return {};
+    }
+    const ZQVipsImage raw(vips_image_new_from_memory(pixels.constData(), size_t(pixels.size()), size.width(),
+                                                     size.height(), bands, VIPS_FORMAT_UCHAR));
+    VipsImage *tagged = nullptr;
+    if (!raw || vips_copy(raw.get(), &tagged, "interpretation", interpretation, nullptr)) {
+        return {};
+    }
+    const ZQVipsImage image(tagged);
+    return zqBitmapOfVips(image.get());
+}
+
+} // namespace
+
+ZQBitmap zqBitmapOfCMYK(const QByteArray &pixels, QSize size)
+{
+    return bitmapOfPixels(pixels, size, 4, VIPS_INTERPRETATION_CMYK);
+}
+
+ZQBitmap zqBitmapOfLab(const QByteArray &pixels, QSize size)
+{
+    zqEnterVips();
+    if (pixels.size() < qsizetype(size.width()) * size.height() * 3) {
+        return {};
+    }
+    const ZQVipsImage raw(vips_image_new_from_memory(pixels.constData(), size_t(pixels.size()), size.width(),
+                                                     size.height(), 3, VIPS_FORMAT_UCHAR));
+    double factors[] = {100.0 / 255, 1, 1};
+    double offsets[] = {0, -128, -128};
+    VipsImage *scaled = nullptr;
+    if (!raw || vips_linear(raw.get(), &scaled, factors, offsets, 3, nullptr)) {
+        return {};
+    }
+    const ZQVipsImage values(scaled);
+    VipsImage *tagged = nullptr;
+    if (vips_copy(values.get(), &tagged, "interpretation", VIPS_INTERPRETATION_LAB, nullptr)) {
+        return {};
+    }
+    const ZQVipsImage image(tagged);
+    return zqBitmapOfVips(image.get());
+}
+
+ZQBitmap zqDecodeBytes(const QByteArray &bytes, QSize box, std::optional<int> orientation)
+{
+    zqEnterVips();
+    void *const data = const_cast<char *>(bytes.constData()); // only read
+    const ZQVipsImage header(vips_image_new_from_buffer(data, size_t(bytes.size()), "", nullptr));
+    if (!header || !zqCheckSize({}, header->Xsize, header->Ysize, zqMaximumPixelsInMemory, nullptr)) {
+        zqLogVipsError({});
+        return {};
+    }
+    VipsImage *out = nullptr;
+    const int failed =
+        vips_thumbnail_buffer(data, size_t(bytes.size()), &out, box.isValid() ? box.width() : unlimitedSide, "height",
+                              box.isValid() ? box.height() : unlimitedSide, "size", VIPS_SIZE_DOWN, "no_rotate",
+                              gboolean(orientation.has_value()), nullptr);
+    const ZQVipsImage image(out);
+    const ZQBitmap bitmap = failed ? ZQBitmap() : zqBitmapOfVips(image.get());
+    zqLogVipsError({});
+    return orientation ? ZQBitmap(zqOrientedImage(bitmap.image(), *orientation)) : bitmap;
+}
+
+QImage zqOrientedImage(const QImage &image, int orientation)
+{
+    const auto turned = [&image](qreal degrees) { return image.transformed(QTransform().rotate(degrees)); };
+    switch (orientation) {
+    case 2:
+        return image.mirrored(true, false);
+    case 3:
+        return image.mirrored(true, true);
+    case 4:
+        return image.mirrored(false, true);
+    case 5:
+        return turned(90).mirrored(true, false);
+    case 6:
+        return turned(90);
+    case 7:
+        return turned(90).mirrored(false, true);
+    case 8:
+        return turned(270);
+    default:
+        return image;
+    }
+}
