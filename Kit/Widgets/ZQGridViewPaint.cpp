@@ -1,0 +1,209 @@
+#include "Kit/Widgets/ZQGridView.h"
+
+#include "Kit/Widgets/ZQIcon.h"
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QLocale>
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+constexpr int picturePadding = 6;
+constexpr int pictureRadius = 3;
+constexpr int cellRadius = 6;
+
+QString withDot(const QString &extension)
+{
+    return extension.isEmpty() ? QString() : u'.' + extension;
+}
+} // namespace
+
+void ZQGridView::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.fillRect(viewport()->rect(), zqColor(ZQColorRole::Ground));
+    if (!m_source || m_layout.count() == 0) {
+        painter.setPen(zqColor(ZQColorRole::TextMuted));
+        painter.setFont(ZQTheme::current().font());
+        painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), int(Qt::AlignCenter) | Qt::TextWordWrap,
+                         m_source ? m_source->emptyText() : QString());
+        paintOverlays(painter);
+        return;
+    }
+    m_loader->beginVisible();
+    for (const ZQIndexSet::Range &range : visibleIndexes().ranges()) {
+        m_source->willShow(range.first, range.last);
+        for (qint64 index = range.last; index >= range.first; --index) { // the last asked is read first
+            paintCell(painter, index, visualRect(index));
+        }
+    }
+    m_loader->endVisible();
+    if (m_layout.hasHeads()) {
+        const qint64 offset = scrollOffset();
+        const int sticky = stickyGroup();
+        for (int group = std::max(0, sticky);
+             group < m_layout.groupCount() && m_layout.groupTop(group) < offset + viewport()->height(); ++group) {
+            if (group != sticky) {
+                paintHead(painter, group, int(m_layout.groupTop(group) - offset));
+            }
+        }
+        if (sticky >= 0) { // pushed out by the next head
+            const qint64 room = m_layout.groupBottom(sticky) - offset - ZQMeasure::groupHeadHeight;
+            paintHead(painter, sticky, int(std::min<qint64>(0, room)));
+        }
+    }
+    paintOverlays(painter);
+}
+
+void ZQGridView::paintCell(QPainter &painter, qint64 index, const QRect &rect)
+{
+    const ZQGridItem item = m_source->item(index);
+    const bool selected = m_selection.contains(index);
+    const QRect box(rect.left(), rect.top(), rect.width(), m_layout.pictureHeight());
+    const bool isFocused = hasFocus() && index == m_current;
+    if (selected) {
+        painter.setPen(QPen(zqColor(ZQColorRole::Accent), 2));
+        painter.setBrush(zqColor(ZQColorRole::Select));
+        painter.drawRoundedRect(QRectF(box).adjusted(1, 1, -1, -1), cellRadius, cellRadius);
+    } else if (isFocused) {
+        painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1, Qt::DotLine));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5), cellRadius, cellRadius);
+    }
+    paintPicture(painter, item, box);
+    if (m_showsTitles) {
+        paintTitle(
+            painter, item,
+            QRect(rect.left(), box.bottom() + 1 + ZQGridLayout::titleGap, rect.width(), ZQGridLayout::titleHeight),
+            selected);
+    }
+}
+
+void ZQGridView::paintPicture(QPainter &painter, const ZQGridItem &item, const QRect &box)
+{
+    const qreal ratio = devicePixelRatioF();
+    const QSize room = box.size() - QSize(2 * picturePadding, 2 * picturePadding);
+    const QImage image = m_loader->image(item.thumbnail, int(std::ceil(std::max(room.width(), room.height()) * ratio)));
+    const QSizeF natural = !item.pixelSize.isEmpty() ? QSizeF(item.pixelSize)
+                           : !image.isNull()         ? QSizeF(image.size())
+                                                     : QSizeF(1, 1);
+    QSizeF size = natural.scaled(room, Qt::KeepAspectRatio);
+    if (!item.isScalable && !item.pixelSize.isEmpty() && size.width() * ratio > natural.width()) {
+        size = natural / ratio;
+    }
+    size = size.expandedTo(QSizeF(1, 1));
+    QRectF target(QPointF(box.x() + (box.width() - size.width()) / 2, box.y() + (box.height() - size.height()) / 2),
+                  size);
+    target = QRectF(target.toAlignedRect());
+    if (image.isNull()) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(zqColor(ZQColorRole::Cell));
+        painter.drawRoundedRect(target, pictureRadius, pictureRadius);
+        if (m_loader->hasFailed(item.thumbnail)) {
+            ZQIcon::paint(painter, QRectF(target.center() - QPointF(8, 8), QSizeF(16, 16)), QStringLiteral("project"),
+                          zqColor(ZQColorRole::TextFaint));
+        }
+        return;
+    }
+    if (!image.hasAlphaChannel()) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(zqColor(ZQColorRole::Shadow));
+        painter.drawRoundedRect(target.translated(0, 1), pictureRadius, pictureRadius);
+        const QSizeF pixels = target.size() * ratio;
+        QBrush brush(image);
+        QTransform transform;
+        transform.translate(target.x(), target.y());
+        transform.scale(target.width() / image.width(), target.height() / image.height());
+        if (pixels.width() < image.width() / 2.0) { // the painter's own filter would leave gaps
+            const QImage smaller =
+                image.scaled(pixels.toSize().expandedTo(QSize(1, 1)), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            brush = QBrush(smaller);
+            transform = QTransform().translate(target.x(), target.y());
+            transform.scale(target.width() / smaller.width(), target.height() / smaller.height());
+        }
+        brush.setTransform(transform);
+        painter.setBrush(brush);
+        painter.drawRoundedRect(target, pictureRadius, pictureRadius);
+    } else {
+        painter.drawImage(target, image);
+    }
+}
+
+void ZQGridView::paintTitle(QPainter &painter, const ZQGridItem &item, const QRect &box, bool selected)
+{
+    painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize));
+    const QFontMetrics metrics = painter.fontMetrics();
+    const QString extension = m_showsExtensions ? withDot(item.extension) : QString();
+    const int extensionWidth = metrics.horizontalAdvance(extension);
+    const QString title =
+        metrics.elidedText(item.title, Qt::ElideMiddle, std::max(0, box.width() - 12 - extensionWidth));
+    const int titleWidth = metrics.horizontalAdvance(title);
+    const int left = box.left() + (box.width() - titleWidth - extensionWidth) / 2;
+    if (selected) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(zqColor(ZQColorRole::AccentFill));
+        painter.drawRoundedRect(QRect(left - 6, box.top(), titleWidth + extensionWidth + 12, box.height()), 4, 4);
+    }
+    painter.setPen(zqColor(selected ? ZQColorRole::AccentText : ZQColorRole::Text));
+    painter.drawText(QRect(left, box.top(), titleWidth + 2, box.height()), Qt::AlignVCenter, title);
+    painter.setPen(zqColor(selected ? ZQColorRole::AccentText : ZQColorRole::TextFaint));
+    painter.drawText(QRect(left + titleWidth, box.top(), extensionWidth + 2, box.height()), Qt::AlignVCenter,
+                     extension);
+}
+
+void ZQGridView::paintHead(QPainter &painter, int group, int y)
+{
+    const int left = ZQGridLayout::sideMargin;
+    const int right = viewport()->width() - ZQGridLayout::sideMargin;
+    const QRect head(0, y, viewport()->width(), ZQMeasure::groupHeadHeight);
+    painter.fillRect(head, zqColor(ZQColorRole::Ground));
+    painter.fillRect(QRect(left, head.bottom(), right - left, 1), zqColor(ZQColorRole::Border));
+    painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize, QFont::DemiBold));
+    painter.setPen(zqColor(ZQColorRole::Text));
+    const QString title =
+        painter.fontMetrics().elidedText(m_groups[group].title, Qt::ElideMiddle, std::max(40, right - left - 110));
+    painter.drawText(QRect(left, y, right - left, head.height()), Qt::AlignVCenter, title);
+    int x = left + painter.fontMetrics().horizontalAdvance(title) + 8;
+    painter.setFont(ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::Medium));
+    const QString count = QLocale().toString(m_groups[group].count);
+    const QRect badge(x, y + (head.height() - 16) / 2, painter.fontMetrics().horizontalAdvance(count) + 14, 16);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(zqColor(ZQColorRole::Raised2));
+    painter.drawRoundedRect(badge, 8, 8);
+    painter.setPen(zqColor(ZQColorRole::TextMuted));
+    painter.drawText(badge, Qt::AlignCenter, count);
+    ZQIcon::paint(painter, QRectF(right - 14, y + (head.height() - 12) / 2.0, 12, 12),
+                  m_layout.isCollapsed(group) ? QStringLiteral("chevron-right") : QStringLiteral("chevron-down"),
+                  zqColor(ZQColorRole::TextFaint));
+}
+
+void ZQGridView::paintOverlays(QPainter &painter)
+{
+    const QColor accent = zqColor(ZQColorRole::Accent);
+    if (m_press == Press::Band && m_lastPoint != m_pressPoint) {
+        const int y =
+            int(std::clamp<qint64>(m_pressOffset + m_pressPoint.y() - scrollOffset(), -4, viewport()->height() + 4));
+        QColor fill = accent;
+        fill.setAlphaF(0.16F);
+        painter.setPen(QPen(accent, 1));
+        painter.setBrush(fill);
+        painter.drawRect(
+            QRectF(QRect(QPoint(m_pressPoint.x(), y), m_lastPoint).normalized()).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
+    if (m_isDropTarget) {
+        painter.setPen(QPen(accent, 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(viewport()->rect()).adjusted(2, 2, -2, -2), cellRadius, cellRadius);
+    }
+    if (m_dropIndex >= 0 && m_layout.count() > 0) {
+        const bool isAfter = m_dropIndex >= m_layout.count();
+        const QRect cell = visualRect(isAfter ? m_layout.count() - 1 : m_dropIndex);
+        const int x = isAfter ? cell.right() + ZQGridLayout::columnGap / 2 : cell.left() - ZQGridLayout::columnGap / 2;
+        painter.fillRect(QRect(x - 1, cell.top(), 2, m_layout.pictureHeight()), accent);
+    }
+}

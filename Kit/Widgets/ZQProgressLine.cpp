@@ -1,0 +1,64 @@
+#include "Kit/Widgets/ZQProgressLine.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQIcon.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QToolButton>
+
+class ZQProgressLine::Bar : public QWidget
+{
+public:
+    explicit Bar(QWidget *parent) : QWidget(parent) { setFixedHeight(4); }
+    double fraction = 0;
+
+protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(zqColor(ZQColorRole::Raised2));
+        painter.drawRoundedRect(rect(), 2, 2);
+        painter.setBrush(zqColor(ZQColorRole::Accent));
+        const double share = fraction < 0 ? 0.3 : std::min(1.0, fraction);
+        painter.drawRoundedRect(QRectF(0, 0, width() * share, height()), 2, 2);
+    }
+};
+
+ZQProgressLine::ZQProgressLine(bool canCancel, QWidget *parent)
+    : QWidget(parent), m_label(new QLabel(this)), m_cancel(new QToolButton(this)), m_bar(new Bar(this))
+{
+    m_label->setObjectName(QStringLiteral("SmallMuted"));
+    m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_cancel->setIcon(ZQIcon::icon(QStringLiteral("close")));
+    m_cancel->setIconSize({10, 10});
+    m_cancel->setFixedSize(18, 18);
+    m_cancel->setAccessibleName(zqLocalized("Cancel"));
+    m_cancel->setToolTip(zqLocalized("Cancel"));
+    m_cancel->setVisible(canCancel);
+    connect(m_cancel, &QToolButton::clicked, this, &ZQProgressLine::cancelled);
+    auto *line = new QHBoxLayout;
+    line->addWidget(m_label, 1);
+    line->addWidget(m_cancel);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(14, 8, 14, 10);
+    layout->setSpacing(6);
+    layout->addLayout(line);
+    layout->addWidget(m_bar);
+}
+
+void ZQProgressLine::setText(const QString &text)
+{
+    m_label->setText(text);
+    m_bar->setAccessibleName(text);
+}
+
+void ZQProgressLine::setFraction(double fraction)
+{
+    m_bar->fraction = fraction;
+    m_bar->setAccessibleDescription(QStringLiteral("%1 %").arg(int(fraction * 100)));
+    m_bar->update();
+}

@@ -1,0 +1,218 @@
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFontDatabase>
+#include <QPalette>
+#include <QRegularExpression>
+#include <QStyle>
+#include <QStyleFactory>
+
+#include <cmath>
+
+static void initResources()
+{
+    Q_INIT_RESOURCE(zelto_widgets);
+}
+
+namespace {
+
+struct RoleColors
+{
+    ZQColorRole role;
+    const char *name; // in the style sheet
+    QRgb dark;
+    QRgb light;
+};
+
+constexpr RoleColors roleColors[] = {
+    {ZQColorRole::Ground, "ground", 0xff1b1c1f, 0xfffafafa},
+    {ZQColorRole::Sunken, "sunken", 0xff151618, 0xfff1f1f3},
+    {ZQColorRole::Raised, "raised", 0xff242529, 0xffffffff},
+    {ZQColorRole::Raised2, "raised2", 0xff2d2f34, 0xffe6e6ea},
+    {ZQColorRole::Hover, "hover", 0xff26282c, 0xffe9e9ec},
+    {ZQColorRole::Cell, "cell", 0xff202226, 0xfff2f2f4},
+    {ZQColorRole::Border, "border", 0xff33353b, 0xffdcdde1},
+    {ZQColorRole::Text, "text", 0xffe9eaed, 0xff1d1e21},
+    {ZQColorRole::TextMuted, "textMuted", 0xffa2a5ae, 0xff585b63},
+    {ZQColorRole::TextFaint, "textFaint", 0xff8f929b, 0xff656870},
+    {ZQColorRole::Accent, "accent", 0xff5b8cff, 0xff2f6bff},
+    {ZQColorRole::AccentFill, "accentFill", 0xff3d6de0, 0xff2a66f5},
+    {ZQColorRole::AccentText, "accentText", 0xffffffff, 0xffffffff},
+    {ZQColorRole::Select, "select", 0xff2b3a5e, 0xffdbe6ff},
+    {ZQColorRole::Danger, "danger", 0xffff6b5e, 0xffd43a2c},
+    {ZQColorRole::DangerFill, "dangerFill", 0xffc8382b, 0xffc8382b},
+    {ZQColorRole::ScrollHandle, "scrollHandle", 0xff3d4047, 0xffc9cad0},
+    {ZQColorRole::Shadow, "shadow", 0x59000000, 0x2e000000},
+};
+
+double channel(double value)
+{
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor &color)
+{
+    return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) + 0.0722 * channel(color.blueF());
+}
+
+QColor mixed(const QColor &a, const QColor &b, double share)
+{
+    const auto mix = [share](int x, int y) { return int(std::lround(x + (y - x) * share)); };
+    return {mix(a.red(), b.red()), mix(a.green(), b.green()), mix(a.blue(), b.blue())};
+}
+
+} // namespace
+
+ZQTheme::ZQTheme()
+{
+    initResources();
+}
+
+ZQTheme &ZQTheme::current()
+{
+    static ZQTheme theme;
+    return theme;
+}
+
+void ZQTheme::setDark(bool dark)
+{
+    if (dark == m_dark) {
+        return;
+    }
+    m_dark = dark;
+    restyle();
+    Q_EMIT changed();
+}
+
+void ZQTheme::setAccent(const QColor &accent)
+{
+    m_accent = accent;
+    restyle();
+    Q_EMIT changed();
+}
+
+QColor ZQTheme::color(ZQColorRole role) const
+{
+    const RoleColors &entry = roleColors[int(role)];
+    const QColor own = QColor::fromRgba(m_dark ? entry.dark : entry.light);
+    if (!m_accent.isValid()) {
+        return own;
+    }
+    switch (role) {
+    case ZQColorRole::Accent:
+        return withContrast(m_accent, color(ZQColorRole::Ground), 4.5);
+    case ZQColorRole::AccentFill:
+        return withContrast(m_accent, color(ZQColorRole::AccentText), 4.5);
+    case ZQColorRole::Select: {
+        double share = m_dark ? 0.3 : 0.16;
+        QColor select = mixed(color(ZQColorRole::Ground), m_accent, share);
+        while (contrast(select, color(ZQColorRole::TextMuted)) < 4.5 && share > 0.02) {
+            share -= 0.02;
+            select = mixed(color(ZQColorRole::Ground), m_accent, share);
+        }
+        return select;
+    }
+    default:
+        return own;
+    }
+}
+
+QFont ZQTheme::font(int pixelSize, QFont::Weight weight) const
+{
+    QFont font = m_family.isEmpty() ? QFont() : QFont(m_family);
+    font.setPixelSize(pixelSize);
+    font.setWeight(weight);
+    return font;
+}
+
+double ZQTheme::contrast(const QColor &a, const QColor &b)
+{
+    const double x = luminance(a);
+    const double y = luminance(b);
+    return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
+}
+
+QColor ZQTheme::withContrast(QColor color, const QColor &ground, double ratio)
+{
+    const QColor end = luminance(ground) < 0.18 ? QColor(Qt::white) : QColor(Qt::black);
+    for (int step = 0; step <= 20 && contrast(color, ground) < ratio; ++step) {
+        color = mixed(color, end, 0.08);
+    }
+    return color;
+}
+
+int ZQTheme::animationMilliseconds() const
+{
+    const bool wanted = !m_application || QApplication::style()->styleHint(QStyle::SH_Widget_Animation_Duration) > 0;
+    return wanted ? 140 : 0;
+}
+
+void ZQTheme::apply(QApplication &application)
+{
+    m_application = &application;
+    const QString inter = QStringLiteral("Inter");
+    if (QFontDatabase::hasFamily(inter)) {
+        m_family = inter;
+    }
+    QStyle *fusion = QStyleFactory::create(QStringLiteral("Fusion"));
+    const QColor told = application.palette().color(QPalette::Highlight);
+    if (told != fusion->standardPalette().color(QPalette::Highlight) && told.saturation() > 40) {
+        m_accent = told;
+    }
+    QApplication::setStyle(fusion);
+    restyle();
+}
+
+void ZQTheme::restyle()
+{
+    if (!m_application) {
+        return;
+    }
+    const auto role = [this](ZQColorRole r) { return color(r); };
+    QPalette palette;
+    palette.setColor(QPalette::Window, role(ZQColorRole::Ground));
+    palette.setColor(QPalette::Base, role(ZQColorRole::Raised));
+    palette.setColor(QPalette::AlternateBase, role(ZQColorRole::Raised2));
+    palette.setColor(QPalette::Button, role(ZQColorRole::Raised2));
+    palette.setColor(QPalette::Light, role(ZQColorRole::Raised2));
+    palette.setColor(QPalette::Mid, role(ZQColorRole::Border));
+    palette.setColor(QPalette::Dark, role(ZQColorRole::Border));
+    palette.setColor(QPalette::Shadow, role(ZQColorRole::Sunken));
+    palette.setColor(QPalette::ToolTipBase, role(ZQColorRole::Raised2));
+    for (const QPalette::ColorRole text :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText, QPalette::BrightText}) {
+        palette.setColor(text, role(ZQColorRole::Text));
+        palette.setColor(QPalette::Disabled, text, role(ZQColorRole::TextFaint));
+    }
+    palette.setColor(QPalette::PlaceholderText, role(ZQColorRole::TextMuted));
+    palette.setColor(QPalette::Highlight, role(ZQColorRole::AccentFill));
+    palette.setColor(QPalette::HighlightedText, role(ZQColorRole::AccentText));
+    palette.setColor(QPalette::Link, role(ZQColorRole::Accent));
+    QApplication::setPalette(palette);
+    QApplication::setFont(font());
+    m_application->setStyleSheet(styleSheet());
+}
+
+QString ZQTheme::styleSheet() const
+{
+    QFile file(QStringLiteral(":/zelto/themes/zelto.qss"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const QString text = QString::fromUtf8(file.readAll());
+    static const QRegularExpression name(QStringLiteral("@([a-zA-Z0-9]+)"));
+    QString sheet;
+    qsizetype end = 0;
+    for (auto it = name.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch match = it.next();
+        sheet += QStringView(text).mid(end, match.capturedStart() - end);
+        end = match.capturedEnd();
+        for (const RoleColors &entry : roleColors) {
+            if (match.capturedView(1) == QLatin1StringView(entry.name)) {
+                sheet += color(entry.role).name(QColor::HexArgb);
+            }
+        }
+    }
+    return sheet += QStringView(text).mid(end);
+}

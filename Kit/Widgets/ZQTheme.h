@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QObject>
+
+class QApplication;
+
+// What a colour is for. Widgets ask for these and hold no colour of their own.
+enum class ZQColorRole {
+    Ground,  // browser
+    Sunken,  // toolbar, sidebar, info panel
+    Raised,  // fields, sheets
+    Raised2, // pressed, badges, buttons
+    Hover,   // under the pointer
+    Cell,    // the calm ground behind a picture
+    Border,  // the one hairline
+    Text,
+    TextMuted,
+    TextFaint,  // what may be missed
+    Accent,     // lines, icons, links
+    AccentFill, // filled buttons and selected titles, under AccentText
+    AccentText,
+    Select, // the ground of what is selected
+    Danger,
+    DangerFill, // destructive buttons, under AccentText
+    ScrollHandle,
+    Shadow,
+};
+
+// Lengths in device-independent pixels.
+struct ZQMeasure
+{
+    static constexpr int toolbarHeight = 44;
+    static constexpr int headHeight = 44;
+    static constexpr int groupHeadHeight = 34;
+    static constexpr int rowHeight = 28;
+    static constexpr int rowRadius = 6;
+    static constexpr int sidebarWidth = 232;
+    static constexpr int infoPanelWidth = 276;
+    static constexpr int statusHeight = 34;
+    static constexpr int textSize = 13;
+    static constexpr int smallTextSize = 12;
+    static constexpr int tinyTextSize = 11;
+    static constexpr int iconSize = 16;
+};
+
+// The look of the application: colours by role in a dark and a light set, fonts and the style sheet made from them.
+// Main thread.
+class ZQTheme : public QObject
+{
+    Q_OBJECT
+public:
+    static ZQTheme &current();
+
+    bool isDark() const { return m_dark; }
+    void setDark(bool dark); // restyles the application when it was styled before
+
+    QColor color(ZQColorRole role) const;
+    QFont font(int pixelSize = ZQMeasure::textSize, QFont::Weight weight = QFont::Normal) const;
+
+    // The desktop's accent colour; an invalid one means the theme's own. Shades of it are moved until text on and in it
+    // can be read.
+    void setAccent(const QColor &accent);
+
+    // Installs style, palette, font and style sheet, and takes the accent from the desktop's palette where it tells
+    // one.
+    void apply(QApplication &application);
+
+    // How long an explaining movement may take; 0 when the desktop asks for less motion.
+    int animationMilliseconds() const;
+
+    // (L1 + 0.05) / (L2 + 0.05) of the relative luminances: 1 to 21.
+    static double contrast(const QColor &a, const QColor &b);
+    // `color` made lighter or darker until it stands out from `ground` by `ratio`.
+    static QColor withContrast(QColor color, const QColor &ground, double ratio);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    ZQTheme();
+    void restyle();
+    QString styleSheet() const;
+
+    bool m_dark = true;
+    QColor m_accent;
+    QString m_family;
+    QApplication *m_application = nullptr;
+};
+
+// The colour of a role in the theme now in use.
+inline QColor zqColor(ZQColorRole role)
+{
+    return ZQTheme::current().color(role);
+}

@@ -1,0 +1,216 @@
+#include "Kit/Widgets/ZQThumbnailLoader.h"
+
+#include <QCache>
+#include <QImageReader>
+#include <QPointer>
+#include <QSet>
+
+#include <algorithm>
+#include <array>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+constexpr std::array resolutions = {128, 256, 512, 1024, 2048};
+
+int resolutionFor(int pixels)
+{
+    const auto it = std::lower_bound(resolutions.begin(), resolutions.end(), pixels);
+    return it == resolutions.end() ? resolutions.back() : *it;
+}
+
+QString keyFor(const ZQThumbnailRequest &request)
+{
+    return request.path + QChar(u'\0') + QString::number(request.version);
+}
+QString keyFor(const QString &file, int resolution)
+{
+    return file + QChar(u'\0') + QString::number(resolution);
+}
+
+} // namespace
+
+struct ZQThumbnailLoader::Private
+{
+    struct Job
+    {
+        ZQThumbnailRequest request;
+        int resolution = 0;
+        QString key;
+    };
+
+    std::mutex lock;
+    std::condition_variable wake;
+    std::deque<Job> waiting; // the latest at the end
+    QSet<QString> known;     // waiting or being read
+    int reading = 0;
+    bool stopping = false;
+    Decoder decoder = &ZQThumbnailLoader::readImage;
+    std::vector<std::thread> threads;
+
+    // Main thread only.
+    QCache<QString, QImage> cache;
+    QSet<QString> failed; // by file
+    QSet<QString> wanted;
+    bool collecting = false;
+
+    void run(ZQThumbnailLoader *owner);
+};
+
+void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
+{
+    std::unique_lock guard(lock);
+    while (true) {
+        wake.wait(guard, [this] { return stopping || !waiting.empty(); });
+        if (stopping) {
+            return;
+        }
+        const Job job = std::move(waiting.back());
+        waiting.pop_back();
+        ++reading;
+        guard.unlock();
+        QImage image = decoder(job.request, job.resolution);
+        if (!image.isNull() && image.format() != QImage::Format_RGB32 &&
+            image.format() != QImage::Format_ARGB32_Premultiplied) {
+            image.convertTo(QImage::Format_ARGB32_Premultiplied);
+        }
+        guard.lock();
+        --reading;
+        if (stopping) {
+            return;
+        }
+        // The destructor joins this thread before the owner goes, so it lives while the call is queued; Qt drops calls
+        // to the dead.
+        QMetaObject::invokeMethod(
+            owner,
+            [owner, job, image] {
+                Private &d = *owner->d;
+                {
+                    const std::lock_guard inner(d.lock);
+                    d.known.remove(job.key);
+                }
+                if (image.isNull()) {
+                    d.failed.insert(keyFor(job.request));
+                } else {
+                    d.cache.insert(job.key, new QImage(image), image.sizeInBytes());
+                }
+                Q_EMIT owner->loaded(job.request.path);
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+ZQThumbnailLoader::ZQThumbnailLoader(qsizetype cacheBytes, QObject *parent)
+    : QObject(parent), d(std::make_shared<Private>())
+{
+    d->cache.setMaxCost(cacheBytes);
+}
+
+ZQThumbnailLoader::~ZQThumbnailLoader()
+{
+    {
+        const std::lock_guard guard(d->lock);
+        d->stopping = true;
+    }
+    d->wake.notify_all();
+    for (std::thread &thread : d->threads) {
+        thread.join();
+    }
+}
+
+void ZQThumbnailLoader::setDecoder(Decoder decoder)
+{
+    const std::lock_guard guard(d->lock);
+    d->decoder = std::move(decoder);
+}
+
+QImage ZQThumbnailLoader::readImage(const ZQThumbnailRequest &request, int pixels)
+{
+    QImageReader reader(request.path);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (size.isValid() && (size.width() > pixels || size.height() > pixels)) {
+        reader.setScaledSize(size.scaled(pixels, pixels, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    }
+    QImage image = reader.read();
+    if (image.width() > pixels || image.height() > pixels) {
+        image = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    }
+    return image;
+}
+
+QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
+{
+    if (request.path.isEmpty()) {
+        return {};
+    }
+    const QString file = keyFor(request);
+    const int resolution = resolutionFor(pixels);
+    const QString key = keyFor(file, resolution);
+    if (const QImage *found = d->cache.object(key)) {
+        return *found;
+    }
+    if (d->failed.contains(file)) {
+        return {};
+    }
+    {
+        const std::lock_guard guard(d->lock);
+        if (!d->known.contains(key)) {
+            d->known.insert(key);
+            d->waiting.push_back({request, resolution, key});
+        }
+    }
+    if (d->threads.empty()) {
+        for (int i = 0; i < 2; ++i) {
+            d->threads.emplace_back([this] { d->run(this); });
+        }
+    }
+    d->wake.notify_one();
+    if (d->collecting) {
+        d->wanted.insert(key);
+    }
+    for (auto it = resolutions.rbegin(); it != resolutions.rend(); ++it) {
+        if (const QImage *other = d->cache.object(keyFor(file, *it))) {
+            return *other;
+        }
+    }
+    return {};
+}
+
+bool ZQThumbnailLoader::hasFailed(const ZQThumbnailRequest &request) const
+{
+    return d->failed.contains(keyFor(request));
+}
+
+void ZQThumbnailLoader::beginVisible()
+{
+    d->wanted.clear();
+    d->collecting = true;
+}
+
+void ZQThumbnailLoader::endVisible()
+{
+    d->collecting = false;
+    const std::lock_guard guard(d->lock);
+    std::erase_if(d->waiting, [this](const Private::Job &job) {
+        const bool drop = !d->wanted.contains(job.key);
+        if (drop) {
+            d->known.remove(job.key);
+        }
+        return drop;
+    });
+}
+
+qsizetype ZQThumbnailLoader::cachedBytes() const
+{
+    return d->cache.totalCost();
+}
+
+int ZQThumbnailLoader::pendingCount() const
+{
+    const std::lock_guard guard(d->lock);
+    return int(d->known.size());
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QHash>
+#include <QImage>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+// One picture to load: a file and the version of it that is wanted.
+struct ZQThumbnailRequest
+{
+    QString path;
+    qint64 version = 0;
+    bool isForeign = false; // not written by the application: read by the decoder for such files
+    bool operator==(const ZQThumbnailRequest &) const = default;
+};
+
+// Loads pictures on two background threads, the latest asked first, and keeps those used last within a limit of bytes.
+// Main thread, except for the decoder.
+class ZQThumbnailLoader : public QObject
+{
+    Q_OBJECT
+public:
+    // Answers the picture within `pixels` × `pixels`, or a null one. Called on the background threads.
+    using Decoder = std::function<QImage(const ZQThumbnailRequest &request, int pixels)>;
+
+    explicit ZQThumbnailLoader(qsizetype cacheBytes = qsizetype(192) << 20, QObject *parent = nullptr);
+    ~ZQThumbnailLoader() override;
+
+    void setDecoder(Decoder decoder); // before the first request; the default reads what Qt reads
+    static QImage readImage(const ZQThumbnailRequest &request, int pixels);
+
+    // The picture when it is there at a resolution for `pixels` (device pixels of the longer side); otherwise the best
+    // other resolution, which may be null, and a load is begun.
+    QImage image(const ZQThumbnailRequest &request, int pixels);
+    bool hasFailed(const ZQThumbnailRequest &request) const;
+
+    // Between these two, requests are noted as still wanted; those not asked for again are dropped from the queue.
+    void beginVisible();
+    void endVisible();
+
+    qsizetype cachedBytes() const;
+    int pendingCount() const; // waiting or being read
+
+Q_SIGNALS:
+    void loaded(const QString &path);
+
+private:
+    struct Private;
+    std::shared_ptr<Private> d;
+};
