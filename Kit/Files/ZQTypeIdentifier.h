@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-// Uniform type identifiers by file name extension alone; the content is never looked at. One constant table, any thread.
+// Uniform type identifiers by file name extension alone; the content is never looked at. One constant table, any
+// thread.
 namespace ZQTypeIdentifier {
 
 inline const QString JPEG = QStringLiteral("public.jpeg");
@@ -34,8 +35,11 @@ QString forPath(const QString &path);
 bool conforms(const QString &type, const QString &other);
 QString preferredExtension(const QString &type);
 QString mimeType(const QString &type);
+// The type a server's content type names (parameters are ignored); empty for an unknown one.
+QString forMimeType(const QString &mimeType);
 QStringList extensions(const QString &type); // preferred first
-QString localizedDescription(const QString &type); // "PNG image", "Scalable vector graphic", …; "File" for an unknown one
+QString
+localizedDescription(const QString &type); // "PNG image", "Scalable vector graphic", …; "File" for an unknown one
 
 } // namespace ZQTypeIdentifier
 

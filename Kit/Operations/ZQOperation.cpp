@@ -4,6 +4,7 @@
 #include "Kit/Operations/ZQOperationPrivate.h"
 #include "Kit/Operations/ZQWaiting.h"
 
+#include <algorithm>
 #include <exception>
 
 bool ZQOperation::Private::isReady()
@@ -123,14 +124,14 @@ void ZQOperation::addDependency(std::shared_ptr<ZQOperation> operation)
 {
     if (operation && operation.get() != this) {
         const std::lock_guard lock(d->mutex);
-        d->dependencies.append(std::move(operation));
+        d->dependencies.push_back(std::move(operation));
     }
 }
 
 QList<std::shared_ptr<ZQOperation>> ZQOperation::dependencies() const
 {
     const std::lock_guard lock(d->mutex);
-    return d->dependencies;
+    return {d->dependencies.begin(), d->dependencies.end()};
 }
 
 void ZQOperation::setCompletionBlock(std::function<void()> block)
@@ -189,7 +190,7 @@ void ZQOperation::setFinished(bool finished)
     const std::shared_ptr<ZQOperation> self = weak_from_this().lock();
     bool wasExecuting = false;
     std::vector<std::shared_ptr<Private::Observer>> observers;
-    QList<std::shared_ptr<ZQOperation>> dependencies;
+    std::vector<std::shared_ptr<ZQOperation>> dependencies;
     {
         const std::lock_guard lock(d->mutex);
         if (d->isFinished) {

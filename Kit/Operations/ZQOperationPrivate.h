@@ -22,7 +22,7 @@ struct ZQOperation::Private
     bool completionIsDue = false; // a completion block set from here on is called at once
     bool isAnnounced = false;     // observers, completion block and hooks were told of the end
     std::thread::id announcer;
-    QList<std::shared_ptr<ZQOperation>> dependencies;
+    std::vector<std::shared_ptr<ZQOperation>> dependencies; // not a list that shares its cells beyond the lock
     std::function<void()> completion;
     std::vector<std::weak_ptr<Observer>> observers;
     std::vector<std::function<void()>> finishHooks;

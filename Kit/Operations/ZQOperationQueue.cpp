@@ -8,6 +8,7 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <deque>
 #include <exception>
 
@@ -21,8 +22,9 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     std::condition_variable workToDo;
     std::condition_variable operationEnded;
     int maximum = 1;
-    QList<Operation> waiting;
-    QList<Operation> running;       // given to a thread and not yet finished
+    // No lists with implicit sharing: a copy given to a caller would share its cells beyond the lock.
+    std::deque<Operation> waiting;
+    std::deque<Operation> running;  // given to a thread and not yet finished
     std::deque<Operation> starting; // those of `running` no thread has picked up
     std::vector<std::thread> threads;
     size_t idleThreads = 0;
@@ -34,19 +36,21 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     void didFinish(const ZQOperation *operation);
     void work();
     static void run(const Operation &operation);
-    bool isEmpty() const { return waiting.isEmpty() && running.isEmpty(); }
+    bool isEmpty() const { return waiting.empty() && running.empty(); }
 };
 
 namespace {
 thread_local const void *currentQueue = nullptr;
 
-template <class List>
-void removePointer(List &list, const ZQOperation *operation)
+std::shared_ptr<ZQOperation> take(std::deque<std::shared_ptr<ZQOperation>> &list, const ZQOperation *operation)
 {
     const auto found = std::find_if(list.begin(), list.end(), [=](const auto &one) { return one.get() == operation; });
-    if (found != list.end()) {
-        list.erase(found);
+    if (found == list.end()) {
+        return nullptr;
     }
+    auto taken = std::move(*found);
+    list.erase(found);
+    return taken;
 }
 } // namespace
 
@@ -54,7 +58,7 @@ void ZQOperationQueue::Private::add(const Operation &operation)
 {
     {
         const std::lock_guard lock(mutex);
-        waiting.append(operation);
+        waiting.push_back(operation);
     }
     const std::weak_ptr<Private> weakQueue = weak_from_this();
     const auto reschedule = [weakQueue] {
@@ -85,15 +89,17 @@ void ZQOperationQueue::Private::schedule()
 
 void ZQOperationQueue::Private::scheduleLocked()
 {
-    for (qsizetype i = 0; i < waiting.size() && running.size() < maximum;) {
-        if (!waiting.at(i)->d->isReady()) {
+    const auto most = static_cast<size_t>(maximum);
+    for (size_t i = 0; i < waiting.size() && running.size() < most;) {
+        if (!waiting[i]->d->isReady()) {
             ++i;
             continue;
         }
-        const Operation operation = waiting.takeAt(i);
-        running.append(operation);
+        const Operation operation = waiting[i];
+        waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(i));
+        running.push_back(operation);
         starting.push_back(operation);
-        if (idleThreads < starting.size() && threads.size() < static_cast<size_t>(maximum)) {
+        if (idleThreads < starting.size() && threads.size() < most) {
             ++idleThreads;
             threads.emplace_back([self = shared_from_this()] { self->work(); });
         }
@@ -103,16 +109,11 @@ void ZQOperationQueue::Private::scheduleLocked()
 
 void ZQOperationQueue::Private::didFinish(const ZQOperation *operation)
 {
-    Operation kept; // its destructor is not to run under the lock
+    Operation keptWaiting; // their destructors are not to run under the lock
+    Operation keptRunning;
     const std::lock_guard lock(mutex);
-    for (QList<Operation> *list : {&waiting, &running}) {
-        for (const Operation &one : std::as_const(*list)) {
-            if (one.get() == operation) {
-                kept = one;
-            }
-        }
-        removePointer(*list, operation);
-    }
+    keptWaiting = take(waiting, operation);
+    keptRunning = take(running, operation);
     scheduleLocked();
     operationEnded.notify_all();
 }
@@ -212,7 +213,11 @@ void ZQOperationQueue::addOperationWithBlock(std::function<void()> block)
 QList<std::shared_ptr<ZQOperation>> ZQOperationQueue::operations() const
 {
     const std::lock_guard lock(d->mutex);
-    return d->running + d->waiting;
+    QList<std::shared_ptr<ZQOperation>> all(d->running.begin(), d->running.end());
+    for (const auto &operation : d->waiting) {
+        all.append(operation);
+    }
+    return all;
 }
 
 int ZQOperationQueue::operationCount() const

@@ -1,0 +1,426 @@
+#include "Kit/Files/ZQFileCopy.h"
+
+#include "Kit/Files/ZQDigest.h"
+#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QFile>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+
+namespace {
+
+constexpr qint64 blockSize = 1 << 20;
+constexpr int attempts = 3;
+
+using IsCancelled = std::function<bool()>;
+
+struct Request
+{
+    const IsCancelled &isCancelled;
+    ZQError *error;
+
+    bool isStopped() const
+    {
+        if (!isCancelled || !isCancelled()) {
+            return false;
+        }
+        zqSetError(error, ZQError::posix(ECANCELED, zqLocalized("The copy was cancelled")));
+        return true;
+    }
+};
+
+bool fail(ZQError *error, int code, const char *format, const QByteArray &path)
+{
+    zqSetError(error,
+               ZQError::with(ZQError::posixDomain, code, zqFormat(zqLocalized(format), {QFile::decodeName(path)})));
+    return false;
+}
+
+enum class LinkRule { Follow, Refuse };
+
+// A regular file, open for reading. Anything else is refused before it is opened, since opening a pipe can wait and
+// opening a device can act.
+ZQFileDescriptor openRegularFile(const QByteArray &path, LinkRule rule, struct stat *status, ZQError *error)
+{
+    const int flags = rule == LinkRule::Refuse ? O_NOFOLLOW : 0;
+    if (fstatat(AT_FDCWD, path.constData(), status, flags ? AT_SYMLINK_NOFOLLOW : 0) != 0) {
+        zqFailWithErrno(error, path);
+        return ZQFileDescriptor();
+    }
+    if (S_ISDIR(status->st_mode)) {
+        errno = EISDIR;
+        zqFailWithErrno(error, path);
+        return ZQFileDescriptor();
+    }
+    if (S_ISREG(status->st_mode)) {
+        ZQFileDescriptor file(open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | flags));
+        if (!file.isOpen() || fstat(file.get(), status) != 0) {
+            zqFailWithErrno(error, path);
+            return ZQFileDescriptor();
+        }
+        if (S_ISREG(status->st_mode)) {
+            posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+            return file;
+        }
+    }
+    fail(error, EINVAL, "“%@” is neither a file nor a folder, so it cannot be copied.", path);
+    return ZQFileDescriptor();
+}
+
+bool isUnchanged(const struct stat &before, const struct stat &after)
+{
+    return before.st_size == after.st_size && before.st_mtim.tv_sec == after.st_mtim.tv_sec &&
+           before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
+}
+
+// Reads `source` to its end, digests it and hands each block to `write`.
+template <class Write>
+std::optional<ZQCopyResult> readThrough(int source, const QByteArray &path, const Request &request, Write write)
+{
+    thread_local const std::unique_ptr<char[]> buffer(new char[blockSize]);
+    ZQDigest digest;
+    ZQCopyResult result;
+    for (;;) {
+        if (request.isStopped()) {
+            return std::nullopt;
+        }
+        const ssize_t size = pread(source, buffer.get(), blockSize, result.bytes);
+        if (size < 0 && errno == EINTR) {
+            continue;
+        }
+        if (size < 0) {
+            zqFailWithErrno(request.error, path);
+            return std::nullopt;
+        }
+        if (size == 0) {
+            result.SHA1 = digest.hex();
+            return result;
+        }
+        digest.add(buffer.get(), size);
+        if (!write(buffer.get(), size)) {
+            return std::nullopt;
+        }
+        result.bytes += size;
+    }
+}
+
+constexpr auto writeNothing = [](const char *, qint64) { return true; };
+
+// Reads as `readThrough` does, again when the source changed meanwhile; `prepare` is called before each pass and may do
+// without one by answering the descriptor to read instead.
+template <class Prepare, class Write>
+std::optional<ZQCopyResult> readUnchanged(int source, const QByteArray &path, const Request &request, Prepare prepare,
+                                          Write write)
+{
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        struct stat before = {};
+        struct stat after = {};
+        if (fstat(source, &before) != 0 || !prepare()) {
+            zqFailWithErrno(request.error, path);
+            return std::nullopt;
+        }
+        const auto result = readThrough(source, path, request, write);
+        if (!result) {
+            return std::nullopt;
+        }
+        if (fstat(source, &after) == 0 && isUnchanged(before, after) && result->bytes == before.st_size) {
+            return result;
+        }
+    }
+    fail(request.error, EBUSY, "“%@” changed while it was being copied. Close it in other programs and try again.",
+         path);
+    return std::nullopt;
+}
+
+void keepMetadata(int source, int destination, const struct stat &status)
+{
+    zqCopyUserAttributes(source, destination); // before the mode, which may forbid it
+    fchmod(destination, status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO));
+    const timespec times[] = {status.st_atim, status.st_mtim};
+    futimens(destination, times);
+}
+
+std::optional<ZQCopyResult> copyContent(int source, int target, const QByteArray &from, const QByteArray &to,
+                                        const Request &request)
+{
+    if (ioctl(target, FICLONE, source) == 0) {
+        return readThrough(target, to, request, writeNothing); // the clone no longer follows the source
+    }
+    return readUnchanged(
+        source, from, request, [&] { return ftruncate(target, 0) == 0 && lseek(target, 0, SEEK_SET) == 0; },
+        [&](const char *data, qint64 size) {
+            return zqWriteAll(target, data, size) || zqFailWithErrno(request.error, to);
+        });
+}
+
+std::optional<ZQCopyResult> copyRegularFile(const QByteArray &from, const QByteArray &to, LinkRule rule,
+                                            const Request &request)
+{
+    struct stat status = {};
+    const ZQFileDescriptor source = openRegularFile(from, rule, &status, request.error);
+    if (!source.isOpen()) {
+        return std::nullopt;
+    }
+    ZQFileDescriptor target(open(to.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!target.isOpen()) {
+        zqFailWithErrno(request.error, to);
+        return std::nullopt;
+    }
+    auto result = copyContent(source.get(), target.get(), from, to, request);
+    if (result) {
+        fstat(source.get(), &status);
+        keepMetadata(source.get(), target.get(), status);
+        if (!target.close()) {
+            zqFailWithErrno(request.error, to);
+            result.reset();
+        }
+    }
+    if (!result) {
+        unlink(to.constData());
+    }
+    return result;
+}
+
+bool copyLink(const QByteArray &from, const QByteArray &to, const struct stat &status, ZQError *error)
+{
+    QByteArray target(PATH_MAX, '\0');
+    const ssize_t size = readlink(from.constData(), target.data(), PATH_MAX);
+    if (size < 0) {
+        return zqFailWithErrno(error, from);
+    }
+    target.truncate(size);
+    if (symlink(target.constData(), to.constData()) != 0) {
+        return zqFailWithErrno(error, to);
+    }
+    const timespec times[] = {status.st_atim, status.st_mtim};
+    utimensat(AT_FDCWD, to.constData(), times, AT_SYMLINK_NOFOLLOW);
+    return true;
+}
+
+bool copyEntries(const QByteArray &from, const QByteArray &to, const Request &request, qint64 *bytes);
+
+bool copyEntry(const QByteArray &from, const QByteArray &to, const Request &request, qint64 *bytes)
+{
+    struct stat status = {};
+    if (lstat(from.constData(), &status) != 0) {
+        return zqFailWithErrno(request.error, from);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return (mkdir(to.constData(), S_IRWXU) == 0 || zqFailWithErrno(request.error, to)) &&
+               copyEntries(from, to, request, bytes);
+    }
+    if (S_ISLNK(status.st_mode)) {
+        return copyLink(from, to, status, request.error);
+    }
+    const auto copied = copyRegularFile(from, to, LinkRule::Refuse, request);
+    *bytes += copied ? copied->bytes : 0;
+    return copied.has_value();
+}
+
+// Copies what `from` holds into the folder `to`. What is there after a failure is left for the caller to remove.
+bool copyEntries(const QByteArray &from, const QByteArray &to, const Request &request, qint64 *bytes)
+{
+    const std::unique_ptr<DIR, int (*)(DIR *)> folder(opendir(from.constData()), closedir);
+    if (!folder) {
+        return zqFailWithErrno(request.error, from);
+    }
+    while (const dirent *const entry = readdir(folder.get())) {
+        const QByteArray name(entry->d_name);
+        if (name != "." && name != ".." && !copyEntry(from + '/' + name, to + '/' + name, request, bytes)) {
+            return false;
+        }
+    }
+    struct stat status = {};
+    const ZQFileDescriptor target(open(to.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (target.isOpen() && fstat(dirfd(folder.get()), &status) == 0) {
+        keepMetadata(dirfd(folder.get()), target.get(), status);
+    }
+    return true;
+}
+
+QByteArray resolved(const QByteArray &path)
+{
+    const std::unique_ptr<char, void (*)(void *)> real(realpath(path.constData(), nullptr), free);
+    return real ? QByteArray(real.get()) : QByteArray();
+}
+
+std::optional<ZQCopyResult> copyFolder(const QByteArray &from, const QByteArray &to, const Request &request)
+{
+    const QByteArray parent = resolved(to.left(std::max<qsizetype>(to.lastIndexOf('/'), 0)) + '/');
+    const QByteArray source = resolved(from);
+    if (!source.isEmpty() && (parent + '/').startsWith(source + '/')) {
+        fail(request.error, EINVAL, "“%@” cannot be copied into itself.", from);
+        return std::nullopt;
+    }
+    if (mkdir(to.constData(), S_IRWXU) != 0) {
+        zqFailWithErrno(request.error, to);
+        return std::nullopt;
+    }
+    ZQCopyResult result;
+    if (!copyEntries(source, to, request, &result.bytes)) {
+        zqRemoveTree(to);
+        return std::nullopt;
+    }
+    return result;
+}
+
+bool isFolder(const QByteArray &path)
+{
+    struct stat status = {};
+    return stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+QByteArray withoutSlashes(QByteArray path)
+{
+    while (path.size() > 1 && path.endsWith('/')) {
+        path.chop(1);
+    }
+    return path;
+}
+
+} // namespace
+
+std::optional<ZQCopyResult> zqCopyFile(const QString &source, const QString &destination, ZQError *error,
+                                       const IsCancelled &isCancelled)
+{
+    const auto from = zqSystemPath(source, error);
+    const auto to = from ? zqSystemPath(destination, error) : std::nullopt;
+    if (!to) {
+        return std::nullopt;
+    }
+    const Request request{isCancelled, error};
+    return isFolder(*from) ? copyFolder(withoutSlashes(*from), withoutSlashes(*to), request)
+                           : copyRegularFile(*from, *to, LinkRule::Follow, request);
+}
+
+std::optional<ZQCopyResult> zqLinkOrCopyFile(const QString &source, const QString &destination, ZQError *error,
+                                             const IsCancelled &isCancelled)
+{
+    const auto from = zqSystemPath(source, error);
+    const auto to = from ? zqSystemPath(destination, error) : std::nullopt;
+    if (!to) {
+        return std::nullopt;
+    }
+    struct stat status = {};
+    if (isFolder(*from)) {
+        return zqCopyFile(source, destination, error, isCancelled);
+    }
+    const ZQFileDescriptor file = openRegularFile(*from, LinkRule::Follow, &status, error);
+    if (!file.isOpen()) {
+        return std::nullopt;
+    }
+    if (linkat(AT_FDCWD, from->constData(), AT_FDCWD, to->constData(), AT_SYMLINK_FOLLOW) != 0) {
+        return zqCopyFile(source, destination, error, isCancelled);
+    }
+    const auto result = readUnchanged(
+        file.get(), *from, {isCancelled, error}, [] { return true; }, writeNothing);
+    if (!result) {
+        unlink(to->constData());
+    }
+    return result;
+}
+
+QByteArray zqSHA1OfFile(const QString &path, ZQError *error)
+{
+    const auto name = zqSystemPath(path, error);
+    struct stat status = {};
+    const ZQFileDescriptor file = name ? openRegularFile(*name, LinkRule::Follow, &status, error) : ZQFileDescriptor();
+    if (!file.isOpen()) {
+        return {};
+    }
+    const auto result = readUnchanged(
+        file.get(), *name, {{}, error}, [] { return true; }, writeNothing);
+    return result ? result->SHA1 : QByteArray();
+}
+
+bool zqMoveNoReplace(const QString &source, const QString &destination, ZQError *error)
+{
+    const auto from = zqSystemPath(source, error);
+    const auto to = from ? zqSystemPath(destination, error) : std::nullopt;
+    if (!to) {
+        return false;
+    }
+    if (renameat2(AT_FDCWD, from->constData(), AT_FDCWD, to->constData(), RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return zqFailWithErrno(error, errno == EEXIST ? *to : *from);
+    }
+    // A file system that does not know the flag: a link refuses an existing name as well, a folder has to be looked at.
+    if (link(from->constData(), to->constData()) == 0) {
+        return unlink(from->constData()) == 0 || zqFailWithErrno(error, *from);
+    }
+    struct stat status = {};
+    if (lstat(to->constData(), &status) == 0) {
+        errno = EEXIST;
+        return zqFailWithErrno(error, *to);
+    }
+    return rename(from->constData(), to->constData()) == 0 || zqFailWithErrno(error, *from);
+}
+
+bool zqWriteFileAtomically(const QString &path, const QByteArray &data, ZQError *error)
+{
+    const auto name = zqSystemPath(path, error);
+    if (!name) {
+        return false;
+    }
+    const QByteArray target = resolved(*name).isEmpty() ? *name : resolved(*name); // a link stays one
+    const QByteArray temporary = zqTemporaryNameBeside(target);
+    struct stat status = {};
+    const bool isThere = stat(target.constData(), &status) == 0;
+    ZQFileDescriptor file(open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file.isOpen()) {
+        return zqFailWithErrno(error, *name);
+    }
+    if (isThere) {
+        fchmod(file.get(), status.st_mode & 0777);
+    }
+    if (!zqWriteAll(file.get(), data.constData(), data.size()) || fsync(file.get()) != 0 || !file.close() ||
+        rename(temporary.constData(), target.constData()) != 0) {
+        zqFailWithErrno(error, *name);
+        unlink(temporary.constData());
+        return false;
+    }
+    const qsizetype slash = target.lastIndexOf('/');
+    const QByteArray folder = slash < 0 ? QByteArray(".") : target.left(slash + 1);
+    const ZQFileDescriptor directory(open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory.isOpen()) {
+        fsync(directory.get()); // so that the new name survives a power cut; some file systems refuse it
+    }
+    return true;
+}
+
+bool zqSyncFileSystem(const QString &path, ZQError *error)
+{
+    const auto name = zqSystemPath(path, error);
+    const ZQFileDescriptor file(name ? open(name->constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK) : -1);
+    if (!file.isOpen() || syncfs(file.get()) != 0) {
+        return name && zqFailWithErrno(error, *name);
+    }
+    return true;
+}
+
+std::optional<ZQFileDates> zqFileDates(const QString &path)
+{
+    const auto name = zqSystemPath(path, nullptr);
+    struct statx status = {};
+    if (!name || statx(AT_FDCWD, name->constData(), 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
+        return std::nullopt;
+    }
+    const auto milliseconds = [](const statx_timestamp &time) {
+        return static_cast<qint64>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+    };
+    ZQFileDates dates;
+    dates.modification = milliseconds(status.stx_mtime);
+    dates.attributeModification = milliseconds(status.stx_ctime);
+    dates.birth = status.stx_mask & STATX_BTIME ? milliseconds(status.stx_btime) : dates.modification;
+    return dates;
+}

@@ -1,0 +1,256 @@
+#include "Kit/Files/ZQUserDefaults.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPaths.h"
+#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Files/ZQUserDefaultsCoding.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <array>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+// What tells one state of the file from the next; each write makes a new file.
+using Stamp = std::array<qint64, 5>;
+
+Stamp stampOf(const struct stat &status)
+{
+    return {static_cast<qint64>(status.st_ino), status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec,
+            status.st_ctim.tv_sec * 1000000000 + status.st_ctim.tv_nsec};
+}
+
+struct Observer
+{
+    std::function<void(const QString &)> function;
+};
+
+} // namespace
+
+struct ZQUserDefaults::Private
+{
+    QString path;
+    mutable std::mutex mutex;
+    QVariantMap registered;
+    QVariantMap values;    // as the file has them, with `unwritten` over them
+    QVariantMap unwritten; // changes the file could not take; an invalid value removes
+    Stamp stamp = {};
+    std::vector<std::weak_ptr<Observer>> observers;
+
+    ZQFileDescriptor lockFile() const;
+    enum class Reading { Done, Damaged };
+    Reading read();
+    void refresh();
+    void readLocked();
+    bool write();
+    void change(const QString &key, const QVariant &value);
+};
+
+// Shared with other processes until it is closed. A folder that cannot be written to gives none, and no write succeeds
+// either.
+ZQFileDescriptor ZQUserDefaults::Private::lockFile() const
+{
+    QDir().mkpath(QFileInfo(path).path());
+    ZQFileDescriptor file(
+        open(QFile::encodeName(path + QStringLiteral(".lock")).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    while (file.isOpen() && flock(file.get(), LOCK_EX) != 0 && errno == EINTR) {
+    }
+    return file;
+}
+
+ZQUserDefaults::Private::Reading ZQUserDefaults::Private::read()
+{
+    QFile file(path);
+    QVariantMap found;
+    Stamp seen = {};
+    if (file.open(QIODevice::ReadOnly)) {
+        struct stat status = {};
+        if (fstat(file.handle(), &status) == 0) {
+            seen = stampOf(status);
+        }
+        const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+        if (!document.isObject()) {
+            return Reading::Damaged;
+        }
+        const QJsonObject object = document.object();
+        for (auto it = object.begin(); it != object.end(); ++it) {
+            found.insert(it.key(), zqVariantFromJSON(it.value()));
+        }
+    }
+    values = found;
+    stamp = seen;
+    for (auto it = unwritten.cbegin(); it != unwritten.cend(); ++it) {
+        it.value().isValid() ? void(values.insert(it.key(), it.value())) : void(values.remove(it.key()));
+    }
+    return Reading::Done;
+}
+
+// With the lock file held: what is damaged now was not just being written.
+void ZQUserDefaults::Private::readLocked()
+{
+    if (read() == Reading::Done) {
+        return;
+    }
+    const QString aside = path + QStringLiteral(".damaged");
+    qCWarning(zqLogFiles, "The settings in %s are damaged. They were set aside as %s.", qUtf8Printable(path),
+              qUtf8Printable(aside));
+    if (rename(QFile::encodeName(path).constData(), QFile::encodeName(aside).constData()) == 0) {
+        read();
+    }
+}
+
+void ZQUserDefaults::Private::refresh()
+{
+    struct stat status = {};
+    const bool isThere = stat(QFile::encodeName(path).constData(), &status) == 0;
+    if ((isThere ? stampOf(status) : Stamp{}) == stamp) {
+        return;
+    }
+    if (read() == Reading::Damaged) {
+        const ZQFileDescriptor lock = lockFile();
+        readLocked();
+    }
+}
+
+bool ZQUserDefaults::Private::write()
+{
+    QJsonObject object;
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        object.insert(it.key(), zqJSONFromVariant(it.value()));
+    }
+    ZQError error;
+    if (!zqWriteFileAtomically(path, QJsonDocument(object).toJson(), &error)) {
+        qCWarning(zqLogFiles, "The settings could not be written: %s", qUtf8Printable(error.localizedDescription()));
+        return false;
+    }
+    unwritten.clear();
+    struct stat status = {};
+    stamp = stat(QFile::encodeName(path).constData(), &status) == 0 ? stampOf(status) : Stamp{};
+    return true;
+}
+
+void ZQUserDefaults::Private::change(const QString &key, const QVariant &value)
+{
+    std::vector<std::weak_ptr<Observer>> told;
+    {
+        const std::lock_guard guard(mutex);
+        const ZQFileDescriptor lock = lockFile();
+        readLocked();
+        if (unwritten.isEmpty() && values.contains(key) == value.isValid() && values.value(key) == value) {
+            return;
+        }
+        unwritten.insert(key, value);
+        value.isValid() ? void(values.insert(key, value)) : void(values.remove(key));
+        write();
+        std::erase_if(observers, [](const auto &observer) { return observer.expired(); });
+        told = observers;
+    }
+    for (const auto &weak : told) {
+        if (const auto observer = weak.lock()) {
+            observer->function(key);
+        }
+    }
+}
+
+ZQUserDefaults &ZQUserDefaults::standardUserDefaults()
+{
+    static auto *const defaults = new ZQUserDefaults(ZQPaths::configHome() + QStringLiteral("/Zelto/defaults.json"));
+    return *defaults;
+}
+
+ZQUserDefaults::ZQUserDefaults(const QString &path) : d(std::make_unique<Private>())
+{
+    d->path = path;
+}
+
+ZQUserDefaults::~ZQUserDefaults() = default;
+
+void ZQUserDefaults::registerDefaults(const QVariantMap &defaults)
+{
+    const std::lock_guard guard(d->mutex);
+    d->registered.insert(defaults);
+}
+
+QVariant ZQUserDefaults::objectForKey(const QString &key) const
+{
+    const std::lock_guard guard(d->mutex);
+    d->refresh();
+    return d->values.contains(key) ? d->values.value(key) : d->registered.value(key);
+}
+
+bool ZQUserDefaults::boolForKey(const QString &key) const
+{
+    return objectForKey(key).toBool();
+}
+qint64 ZQUserDefaults::integerForKey(const QString &key) const
+{
+    return objectForKey(key).toLongLong();
+}
+double ZQUserDefaults::doubleForKey(const QString &key) const
+{
+    return objectForKey(key).toDouble();
+}
+QString ZQUserDefaults::stringForKey(const QString &key) const
+{
+    return objectForKey(key).toString();
+}
+
+QByteArray ZQUserDefaults::dataForKey(const QString &key) const
+{
+    const QVariant value = objectForKey(key);
+    return value.typeId() == QMetaType::QByteArray ? value.toByteArray() : QByteArray();
+}
+
+void ZQUserDefaults::setObjectForKey(const QVariant &value, const QString &key)
+{
+    d->change(key, value);
+}
+void ZQUserDefaults::removeObjectForKey(const QString &key)
+{
+    d->change(key, {});
+}
+
+QStringList ZQUserDefaults::keys() const
+{
+    const std::lock_guard guard(d->mutex);
+    d->refresh();
+    QVariantMap all = d->registered;
+    all.insert(d->values);
+    return all.keys();
+}
+
+bool ZQUserDefaults::isSet(const QString &key) const
+{
+    const std::lock_guard guard(d->mutex);
+    d->refresh();
+    return d->values.contains(key);
+}
+
+void ZQUserDefaults::synchronize()
+{
+    const std::lock_guard guard(d->mutex);
+    const ZQFileDescriptor lock = d->lockFile();
+    d->readLocked();
+    if (!d->unwritten.isEmpty()) {
+        d->write();
+    }
+}
+
+ZQUserDefaults::Token ZQUserDefaults::observe(std::function<void(const QString &)> observer)
+{
+    auto token = std::make_shared<Observer>(Observer{std::move(observer)});
+    const std::lock_guard guard(d->mutex);
+    d->observers.push_back(token);
+    return token;
+}
