@@ -9,10 +9,11 @@
 class ZQSidebarBaseItem;
 class ZQManagedObjectContext;
 
-// One asset of the library: a file copied into its item directory ("managed"), or referenced where it lies (a live folder's).
-// Deleting clears `active`; the purge at quit removes what stayed inactive.
+// One asset of the library: a file copied into its item directory ("managed"), or referenced where it lies (a live
+// folder's). Deleting clears `active`; the purge at quit removes what stayed inactive.
 //
-// Lists from class operations are nothing after a fetch error, which was logged. Paths are empty when there is no such file.
+// Lists from class operations are nothing after a fetch error, which was logged. Paths are empty when there is no such
+// file.
 class ZQLibraryBaseItem : public _ZQLibraryBaseItem
 {
 public:
@@ -21,10 +22,13 @@ public:
     static inline const QString itemDirectoryExtension = QStringLiteral(".ztlibraryitem");
     static inline const QString representationBitmapName = QStringLiteral("___itemBitmap.png");
 
-    static ZQFetched<ZQLibraryBaseItem> libraryItemsWithSHA1(const QString &SHA1, ZQManagedObjectContext &inManagedObjectContext);
-    static ZQFetched<ZQLibraryBaseItem> libraryItemsForSHA1s(const QStringList &SHA1s, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsWithSHA1(const QString &SHA1,
+                                                             ZQManagedObjectContext &inManagedObjectContext);
+    static ZQFetched<ZQLibraryBaseItem> libraryItemsForSHA1s(const QStringList &SHA1s,
+                                                             ZQManagedObjectContext &inManagedObjectContext);
     // The last match.
-    static ZQRef<ZQLibraryBaseItem> libraryItemsForBundleID(const QString &bundleID, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQRef<ZQLibraryBaseItem> libraryItemsForBundleID(const QString &bundleID,
+                                                            ZQManagedObjectContext &inManagedObjectContext);
     // Active items imported or modified since `fromDate`. The end date bounds nothing: "yesterday" reaches to now.
     static ZQFetched<ZQLibraryBaseItem> libraryItemsFromDate(const QDateTime &fromDate, const QDateTime &toDate,
                                                              ZQManagedObjectContext &inManagedObjectContext);
@@ -33,9 +37,10 @@ public:
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastHourInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastWeekInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQPredicate predicateFromDate(const QDateTime &fromDate, const QDateTime &toDate);
-    // Removes every inactive item but those of a live folder that is missing or trashed, and answers the names of their item
-    // directories, which the caller removes after saving.
-    static std::optional<QStringList> permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
+    // Removes every inactive item but those of a live folder that is missing or trashed, and answers the names of their
+    // item directories, which the caller removes after saving.
+    static std::optional<QStringList>
+    permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
 
     QString bundleURL() const;
     QString managedItemURL() const;
@@ -51,10 +56,11 @@ public:
     QSet<ZQRef<ZQSidebarTag>> itemTagsSet() const;
     QList<ZQRef<ZQSidebarBaseItem>> sidebarItems() const; // projects, then tags, then the live folder
 
-    // Renames the file, its thumbnail and the item. False, with the error shown and nothing changed, for a title no file can
-    // have or when the file cannot be moved.
+    // Renames the file, its thumbnail and the item. False, with the error shown and nothing changed, for a title no
+    // file can have or when the file cannot be moved.
     bool setNewTitle(const QString &newTitle);
-    // A managed copy with its own item directory and tags, in no project. Null when there is no file or no directory can be made.
+    // A managed copy with its own item directory and tags, in no project. Null when there is no file or no directory
+    // can be made.
     ZQRef<ZQLibraryBaseItem> duplicate();
 
     void deleteSelf();

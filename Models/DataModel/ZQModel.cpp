@@ -20,7 +20,8 @@ std::shared_ptr<const ZQManagedObjectModel> readModel(const QString &identifier)
     ZQError error;
     auto model = ZQManagedObjectModel::modelFromJSON(file.readAll(), &error);
     if (!model) {
-        qCCritical(zqLogStore, "Model %s cannot be read: %s", qUtf8Printable(identifier), qUtf8Printable(error.localizedDescription()));
+        qCCritical(zqLogStore, "Model %s cannot be read: %s", qUtf8Printable(identifier),
+                   qUtf8Printable(error.localizedDescription()));
     }
     return model;
 }

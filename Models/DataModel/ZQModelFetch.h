@@ -36,9 +36,10 @@ ZQFetched<T> zqFetch(ZQManagedObjectContext &context, const QString &format, con
 template <class T>
 ZQRef<T> zqFetchFirst(ZQManagedObjectContext &context, const QString &format, const QVariantList &arguments = {})
 {
-    const auto objects = zqFetch<T>(context, ZQFetchRequest{.entityName = T::entityName(),
-                                                            .predicate = ZQPredicate::predicateWithFormat(format, arguments),
-                                                            .fetchLimit = 1});
+    const auto objects =
+        zqFetch<T>(context, ZQFetchRequest{.entityName = T::entityName(),
+                                           .predicate = ZQPredicate::predicateWithFormat(format, arguments),
+                                           .fetchLimit = 1});
     return objects && !objects->isEmpty() ? objects->first() : ZQRef<T>();
 }
 
@@ -49,6 +50,6 @@ qint64 zqCount(ZQManagedObjectContext &context, const ZQFetchRequest &request);
 QDateTime zqNow();
 
 class QJsonObject;
-// An object's attributes by name, its to-one relationships as identifier texts, "entity", and "UUID": its own identifier text. Dates are
-// ISO 8601 in UTC with milliseconds, binary values base64, what is missing null.
+// An object's attributes by name, its to-one relationships as identifier texts, "entity", and "UUID": its own
+// identifier text. Dates are ISO 8601 in UTC with milliseconds, binary values base64, what is missing null.
 QJsonObject zqJSONObject(const ZQManagedObject &object);

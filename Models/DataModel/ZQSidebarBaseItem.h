@@ -24,8 +24,9 @@ enum class ZQSidebarKind : qint16 {
     LastSize = 2005,
 };
 
-// One node of the sidebar. A node with members (project, Screenshots) holds them through ordered `ZQProjectItem`s; the other kinds
-// say what they contain by `contentRequest`. Deleting clears `active`; the purge at quit removes what stayed inactive.
+// One node of the sidebar. A node with members (project, Screenshots) holds them through ordered `ZQProjectItem`s; the
+// other kinds say what they contain by `contentRequest`. Deleting clears `active`; the purge at quit removes what
+// stayed inactive.
 class ZQSidebarBaseItem : public _ZQSidebarBaseItem
 {
 public:
@@ -43,14 +44,14 @@ public:
     static ZQRef<ZQSidebarBaseItem> sizeLabelInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQRef<ZQSidebarBaseItem> colorsLabelInManagedObjectContext(ZQManagedObjectContext &context);
 
-    // The keys for a sort value 0 to 7; none for 5 and any other. For `itemKind` 1 and 2, whose lists hold library items, without the
-    // "item." prefix that reaches from a membership to its item.
+    // The keys for a sort value 0 to 7; none for 5 and any other. For `itemKind` 1 and 2, whose lists hold library
+    // items, without the "item." prefix that reaches from a membership to its item.
     static QList<ZQSortDescriptor> sortDescriptorsForSortValue(int sortValue, bool ascending, int itemKind);
     // Removes every inactive sidebar item with everything below it.
     static void permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
 
-    // Membership. Adding an inactive item restores it. With rearranging, the members from `atIndex` on move up by one. False when the
-    // item is there already (and that is checked) or null.
+    // Membership. Adding an inactive item restores it. With rearranging, the members from `atIndex` on move up by one.
+    // False when the item is there already (and that is checked) or null.
     bool addItem(ZQLibraryBaseItem *item); // at the end
     bool addItem(ZQLibraryBaseItem *item, quint32 atIndex) { return addItem(item, atIndex, true, true); }
     bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems)
@@ -66,15 +67,15 @@ public:
     virtual bool containsItem(const ZQLibraryBaseItem *item) const;
     qint32 orderOfItem(const ZQLibraryBaseItem *item) const; // -1 for none
 
-    // What the item shows: rows of library items, or of memberships whose key paths start with "item."; active ones, in order. For lists
-    // too long for objects, fetch its identifiers.
+    // What the item shows: rows of library items, or of memberships whose key paths start with "item."; active ones, in
+    // order. For lists too long for objects, fetch its identifiers.
     virtual ZQFetchRequest contentRequest() const;
     QList<ZQRef<ZQLibraryBaseItem>> items() const;
     // The keys may carry the "item." prefix or not.
     QList<ZQRef<ZQLibraryBaseItem>> itemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors) const;
-    qint64 numberOfItems() const;                                        // one COUNT
+    qint64 numberOfItems() const;                                          // one COUNT
     qint64 numberOfItemsWithPredicate(const ZQPredicate &predicate) const; // of the rows of `contentRequest`
-    QList<ZQRef<ZQProjectItem>> pItems() const { return pItemsWithActiveItemsOnly(true); }
+    QList<ZQRef<ZQProjectItem>> pItems() const;                            // of active items, by order
     QList<ZQRef<ZQProjectItem>> pItemsWithActiveItemsOnly(bool activeItemsOnly) const; // by order
 
     // Tree. Children are the active ones; a node is never put below itself.
@@ -98,8 +99,8 @@ public:
     bool isTag() const { return is_Tag(); }
     bool isSpecial() const { return is_Special(); }
     bool isLabel() const { return is_Label(); }
-    bool isDroppableLabel() const; // takes dropped items: PROJECTS, LIVE FOLDERS, TAGS
-    virtual QString typeString() const; // "Project", …, localised
+    bool isDroppableLabel() const;              // takes dropped items: PROJECTS, LIVE FOLDERS, TAGS
+    virtual QString typeString() const;         // "Project", …, localised
     virtual QString icon() const { return {}; } // the name of an icon of the interface; empty for none
 
     virtual void deleteSelf();
@@ -110,7 +111,6 @@ public:
     void awakeFromInsert() override;
 
 private:
-    QList<ZQRef<ZQProjectItem>> membershipsFrom(quint32 index) const;
     QSet<qint64> memberKeys(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
     void insertMembership(ZQLibraryBaseItem *item, qint32 order);
     qint32 appendOrder() const;

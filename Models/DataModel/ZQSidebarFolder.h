@@ -14,9 +14,10 @@ public:
         QList<qint64> projectsCounts; // how many of `sortedResults` each of `subprojects` has, in order
     };
     // `subProjects` in order, a folder replaced by the projects below it; each project once.
-    static std::optional<SubprojectItems> subprojectsChildsItemsWithSortDescriptors(
-        const QList<ZQSortDescriptor> &sortDescriptors, const QList<ZQRef<ZQSidebarBaseItem>> &andSubProjects,
-        ZQManagedObjectContext &inManagedObjectContext);
+    static std::optional<SubprojectItems>
+    subprojectsChildsItemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors,
+                                              const QList<ZQRef<ZQSidebarBaseItem>> &andSubProjects,
+                                              ZQManagedObjectContext &inManagedObjectContext);
     static QList<ZQRef<ZQSidebarBaseItem>> expandedProjects(const QList<ZQRef<ZQSidebarBaseItem>> &items);
 
     bool isFolder() const override { return true; }

@@ -2,8 +2,9 @@
 
 class ZQManagedObjectContext;
 
-// The fixed entries of the sidebar: labels, Library, Recent, Screenshots, the size and colour tags, and on a fresh library one
-// project and one tag as samples. Adds what is missing (the samples only with the labels they belong to); does not save.
+// The fixed entries of the sidebar: labels, Library, Recent, Screenshots, the size and colour tags, and on a fresh
+// library one project and one tag as samples. Adds what is missing (the samples only with the labels they belong to);
+// does not save.
 void zqSeedFixedSidebar(ZQManagedObjectContext &context);
 
 // Gives the fixed entries their titles in the current language; does not save.

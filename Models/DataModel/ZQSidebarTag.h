@@ -10,8 +10,10 @@ public:
     static ZQRef<ZQSidebarTag> tagWithTagName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     // A new last child of the TAGS label. Line breaks and tabs are left out of the name; null when nothing remains.
     static ZQRef<ZQSidebarTag> addNewTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
-    static ZQRef<ZQSidebarTag> getOrCreateTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
-    // The generated tag of a size code 2001 to 2005 or a colour code 1000 to 1009, made when missing. Null for another code.
+    static ZQRef<ZQSidebarTag> getOrCreateTagWithName(const QString &name,
+                                                      ZQManagedObjectContext &inManagedObjectContext);
+    // The generated tag of a size code 2001 to 2005 or a colour code 1000 to 1009, made when missing. Null for another
+    // code.
     static ZQRef<ZQSidebarTag> tagForSize(int size, ZQManagedObjectContext &inManagedObjectContext);
     static ZQRef<ZQSidebarTag> tagForColor(int color, ZQManagedObjectContext &inManagedObjectContext);
     // A colour's code by its name, as it is or localised; -1 for none.

@@ -10,11 +10,15 @@ class ZQSidebarWatchedFolder : public _ZQSidebarWatchedFolder
 public:
     static ZQFetched<ZQSidebarWatchedFolder> watchedFoldersInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQFetched<ZQSidebarWatchedFolder> rootWatchedFoldersInManagedObjectContext(ZQManagedObjectContext &context);
-    static ZQFetched<ZQSidebarWatchedFolder> watchedFoldersWithTitle(const QString &title, ZQManagedObjectContext &inManagedObjectContext);
-    static ZQRef<ZQSidebarWatchedFolder> watchedFolderWithPath(const QString &path, ZQManagedObjectContext &inManagedObjectContext);
-    static ZQFetched<ZQSidebarWatchedFolder> watchedFoldersWithPathPrefix(const QString &prefix, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQFetched<ZQSidebarWatchedFolder> watchedFoldersWithTitle(const QString &title,
+                                                                     ZQManagedObjectContext &inManagedObjectContext);
+    static ZQRef<ZQSidebarWatchedFolder> watchedFolderWithPath(const QString &path,
+                                                               ZQManagedObjectContext &inManagedObjectContext);
+    static ZQFetched<ZQSidebarWatchedFolder>
+    watchedFoldersWithPathPrefix(const QString &prefix, ZQManagedObjectContext &inManagedObjectContext);
     // A live folder for a folder on disk, with no father yet.
-    static ZQRef<ZQSidebarWatchedFolder> newSidebarWatchedFolderForPath(const QString &path, ZQManagedObjectContext &inManagedObjectContext);
+    static ZQRef<ZQSidebarWatchedFolder> newSidebarWatchedFolderForPath(const QString &path,
+                                                                        ZQManagedObjectContext &inManagedObjectContext);
     // The items of the folders in `andSubFolders` and everything below them, one folder after another.
     struct SubfolderItems
     {
@@ -22,16 +26,17 @@ public:
         QList<ZQRef<ZQSidebarBaseItem>> subprojects;
         QList<qint64> projectsCounts;
     };
-    static std::optional<SubfolderItems> subfolderChildsItemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors,
-                                                                                 const QList<ZQRef<ZQSidebarBaseItem>> &andSubFolders,
-                                                                                 ZQManagedObjectContext &inManagedObjectContext);
+    static std::optional<SubfolderItems>
+    subfolderChildsItemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors,
+                                            const QList<ZQRef<ZQSidebarBaseItem>> &andSubFolders,
+                                            ZQManagedObjectContext &inManagedObjectContext);
 
     // Where the folder is now; empty when it is not found.
     QString folderURL() const;
     // Renews the stored reference, the path and the title.
     void updateWatchedFolderBookmark(const QString &path);
-    // A folder out of reach: it and all below are disabled and their items inactive, files untouched; and back again. Items the user deleted
-    // (their file is hidden) stay deleted.
+    // A folder out of reach: it and all below are disabled and their items inactive, files untouched; and back again.
+    // Items the user deleted (their file is hidden) stay deleted.
     void deactivateFolder();
     void reActivateFolder();
     // Path to child folder, and path to item; active ones.
@@ -44,7 +49,10 @@ public:
 
     bool isWatchedFolder() const override { return true; }
     QString typeString() const override;
-    QString icon() const override { return is_missing() || is_trashed() ? QStringLiteral("warning") : QStringLiteral("live"); }
+    QString icon() const override
+    {
+        return is_missing() || is_trashed() ? QStringLiteral("warning") : QStringLiteral("live");
+    }
     ZQFetchRequest contentRequest() const override;
     // Takes the items along; their files stay as they are.
     void deleteSelf() override;

@@ -1,0 +1,418 @@
+// What an item does to its file: deletion states, renaming, copying, tags of the file.
+
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Files/ZQTrash.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QUuid>
+
+namespace {
+
+const QString errorDomain = QStringLiteral("zelto.model");
+
+enum ErrorCode { MissingFile = 1, EmptyTitle, ForbiddenCharacter, LeadingDot, TitleTooLong };
+
+constexpr qsizetype maximumNameBytes = 255;
+
+bool isHidden(const QString &path)
+{
+    return QFileInfo(path).fileName().startsWith(QLatin1Char('.'));
+}
+
+QString withExtension(const QString &name, const QString &extension)
+{
+    return extension.isEmpty() ? name : name + QLatin1Char('.') + extension;
+}
+
+QString sibling(const QString &path, const QString &name)
+{
+    return QFileInfo(path).path() + QLatin1Char('/') + name;
+}
+
+// Null when files of an item may be called so.
+ZQError errorForTitle(const QString &title, const QString &extension)
+{
+    if (title.isEmpty()) {
+        return ZQError::with(errorDomain, EmptyTitle, zqLocalized("The name is empty. Please type a name."));
+    }
+    if (title.contains(QLatin1Char('/')) || title.contains(QChar())) {
+        return ZQError::with(errorDomain, ForbiddenCharacter,
+                             zqLocalized("A name cannot contain \"/\" or a null character. Please use another name."));
+    }
+    if (title.startsWith(QLatin1Char('.'))) {
+        return ZQError::with(
+            errorDomain, LeadingDot,
+            zqLocalized("A name that starts with a dot would hide the file. Please use another name."));
+    }
+    // The longest name made of it is that of the thumbnail between its two moves.
+    const QString longest = withExtension(title + QStringLiteral("_thumb"), extension) + QStringLiteral(".tmp");
+    if (longest.toUtf8().size() > maximumNameBytes) {
+        return ZQError::with(errorDomain, TitleTooLong,
+                             zqLocalized("The name is too long. Please use a shorter name."));
+    }
+    return {};
+}
+
+// In two steps, so that a change of letter case alone also succeeds where case does not count. Nothing moved after a
+// failure.
+bool moveThroughTemporaryName(const QString &from, const QString &to, ZQError *error)
+{
+    const QString temporary = from + QStringLiteral(".tmp");
+    if (!zqMoveNoReplace(from, temporary, error)) {
+        return false;
+    }
+    if (zqMoveNoReplace(temporary, to, error)) {
+        return true;
+    }
+    ZQError backError;
+    if (!zqMoveNoReplace(temporary, from, &backError)) {
+        qCWarning(zqLogFiles, "%s stays at %s: %s", qUtf8Printable(from), qUtf8Printable(temporary),
+                  qUtf8Printable(backError.localizedDescription()));
+    }
+    return false;
+}
+
+QDateTime modificationDate(const QString &path)
+{
+    const auto dates = zqFileDates(path);
+    return dates ? QDateTime::fromMSecsSinceEpoch(dates->modification, Qt::UTC) : QDateTime();
+}
+
+void logHidingError(const QString &what)
+{
+    const QString text = zqFormat(QStringLiteral("error while hiding watched file %@"), {what});
+    qCWarning(zqLogFiles, "%s", qUtf8Printable(text));
+}
+
+} // namespace
+
+void ZQLibraryBaseItem::deleteSelf()
+{
+    setActive(false);
+    if (hasWatchingFolder()) {
+        hideFileFromFileSystem();
+    }
+    if (zqIsMainThread()) {
+        ZQNotificationCenter::defaultCenter().enqueueWhenIdle(didDeleteNotification,
+                                                              static_cast<ZQManagedObject *>(this));
+    }
+}
+
+void ZQLibraryBaseItem::restoreSelf()
+{
+    if (hasWatchingFolder()) {
+        unHideFileFromFileSystem();
+    }
+    setActive(true);
+}
+
+void ZQLibraryBaseItem::hideFileFromFileSystem()
+{
+    const QString path = itemURL();
+    if (path.isEmpty()) {
+        logHidingError(title());
+        return;
+    }
+    if (isHidden(path)) {
+        return;
+    }
+    const QString unique = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    const QString hidden = sibling(path, QLatin1Char('.') + withExtension(unique, zqPathExtension(path)));
+    ZQError error;
+    if (!zqMoveNoReplace(path, hidden, &error)) {
+        logHidingError(error.localizedDescription());
+        return;
+    }
+    setItemURLData(zqDataForPersistentURL(hidden));
+}
+
+void ZQLibraryBaseItem::unHideFileFromFileSystem()
+{
+    const QString path = itemURL();
+    if (path.isEmpty() || !isHidden(path)) {
+        return;
+    }
+    const QString visible = sibling(path, withExtension(title(), zqPathExtension(path)));
+    ZQError error;
+    if (!zqMoveNoReplace(path, visible, &error)) {
+        logHidingError(error.localizedDescription());
+        return;
+    }
+    setItemURLData(zqDataForPersistentURL(visible));
+}
+
+void ZQLibraryBaseItem::deletePermanently()
+{
+    if (!managed()) {
+        const QString path = itemURL();
+        if (!path.isEmpty() && isHidden(path)) {
+            unHideFileFromFileSystem();
+            deleteItemBundleAndTrashFile(true);
+        }
+    }
+    if (ZQManagedObjectContext *context = managedObjectContext()) {
+        context->deleteObject(this);
+    }
+}
+
+void ZQLibraryBaseItem::deleteItemBundleAndTrashFile(bool trashFile)
+{
+    const QString path = trashFile ? itemURL() : QString();
+    ZQError error;
+    if (!path.isEmpty() && QFileInfo::exists(path) && !ZQTrash::recycle(path, nullptr, &error)) {
+        qCWarning(zqLogFiles, "%s cannot be moved to the trash: %s", qUtf8Printable(path),
+                  qUtf8Printable(error.localizedDescription()));
+    }
+}
+
+void ZQLibraryBaseItem::updateFileURLsForURL(const QString &path)
+{
+    if (!active() || path.isEmpty()) {
+        return;
+    }
+    const QByteArray reference = zqDataForPersistentURL(path);
+    if (!reference.isEmpty()) {
+        setItemURLData(reference);
+    }
+    setTitle(zqBaseName(path));
+}
+
+bool ZQLibraryBaseItem::setNewTitle(const QString &newTitle)
+{
+    if (newTitle == title()) {
+        return true;
+    }
+    const QString path = itemURL();
+    const QString extension = zqPathExtension(path);
+    ZQError error = errorForTitle(newTitle, extension);
+    if (error.isNull() && (path.isEmpty() || !QFileInfo::exists(path))) {
+        error = ZQError::with(errorDomain, MissingFile,
+                              zqFormat(zqLocalized("\"%@\" cannot be renamed: its file is missing."), {title()}));
+    }
+    const QString renamed = sibling(path, withExtension(newTitle, extension));
+    if (error.isNull()) {
+        moveThroughTemporaryName(path, renamed, &error);
+    }
+    if (!error.isNull()) {
+        ZQLibraryEnvironment::current().presentError(error);
+        return false;
+    }
+    renameThumb(newTitle);
+    updateFileURLsForURL(renamed);
+    setTitle(newTitle);
+    setThumbVersion(thumbVersion() + 1);
+    ZQNotificationCenter::defaultCenter().postNotification(dataDidUpdateNotification,
+                                                           static_cast<ZQManagedObject *>(this));
+    return true;
+}
+
+void ZQLibraryBaseItem::renameThumb(const QString &newTitle)
+{
+    const QString thumb = thumbURL();
+    if (thumb.isEmpty()) {
+        return;
+    }
+    const QString name = withExtension(newTitle + QStringLiteral("_thumb"), zqPathExtension(thumb));
+    ZQError error;
+    if (!moveThroughTemporaryName(thumb, sibling(thumb, name), &error)) {
+        const QString text = zqFormat(QStringLiteral("Error while renaming thumb %@"), {error.localizedDescription()});
+        qCWarning(zqLogFiles, "%s", qUtf8Printable(text));
+        return; // the thumbnail is still under its old name
+    }
+    setThumbName(name);
+}
+
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
+{
+    ZQManagedObjectContext *context = managedObjectContext();
+    const QString path = itemURL();
+    if (!context || path.isEmpty() || !QFileInfo::exists(path)) {
+        return {};
+    }
+    const QString copyPath = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
+    auto copy = zqCast<ZQLibraryBaseItem>(
+        copyPath.isEmpty() ? ZQRef<ZQManagedObject>() : context->insertNewObjectForEntityForName(entity()->name));
+    if (!copy) {
+        return {};
+    }
+    for (const ZQAttributeDescription &attribute : entity()->attributes) {
+        copy->setValueForKey(valueForKey(attribute.name), attribute.name);
+    }
+    copy->setTags(tags());
+    copy->setManaged(true);
+    copy->setWatchingFolder(nullptr);
+    copy->setActive(true);
+    copy->setImport_date(zqNow());
+    copy->setTitle(zqBaseName(copyPath));
+    copy->setOriginalExtension(zqPathExtension(copyPath));
+    const QString directory = QFileInfo(copyPath).path();
+    copy->setBundleID(zqBaseName(directory));
+
+    const auto copyFile = [](const QString &from, const QString &to) {
+        ZQError error;
+        if (!from.isEmpty() && QFileInfo::exists(from) && !zqCopyFile(from, to, &error)) {
+            qCInfo(zqLogFiles, "%s was not copied: %s", qUtf8Printable(from),
+                   qUtf8Printable(error.localizedDescription()));
+        }
+    };
+    copyFile(path, copyPath);
+    copy->setItemURLData(zqDataForPersistentURL(copyPath));
+    copyFile(thumbURL(), directory + QLatin1Char('/') + thumbName());
+    const QString detail = detailItemURL();
+    if (detail != path && !detail.startsWith(path + QLatin1Char('/'))) {
+        copyFile(detail, sibling(copyPath, QFileInfo(detail).fileName()));
+    }
+    return copy;
+}
+
+void ZQLibraryBaseItem::updateItemData()
+{
+    const QString path = itemURL();
+    if (!path.isEmpty()) {
+        updateItemData(path);
+    }
+}
+
+void ZQLibraryBaseItem::updateItemData(const QString &path)
+{
+    const QDateTime fileDate = modificationDate(path);
+    if (!fileDate.isValid()) {
+        return;
+    }
+    const bool fileDidChange = !modification_date().isValid() || modification_date() < fileDate;
+    if (hasRepresentationBitmap() && !updateRepresentationBitmap(path, fileDidChange)) {
+        return;
+    }
+    if (!fileDidChange) {
+        if (zqBaseName(path) != title()) {
+            updateFileURLsForURL(path);
+        }
+        return;
+    }
+    setSort_date(fileDate);
+    setModification_date(fileDate);
+    const QByteArray digest = zqSHA1OfFile(path);
+    if (!digest.isEmpty()) {
+        setSHA1(QString::fromLatin1(digest));
+    }
+    updateFileURLsForURL(path);
+    if (!hasRepresentationBitmap()) {
+        readPixelSize(path);
+    }
+    ZQLibraryEnvironment::current().thumbForLibraryItem(this);
+    setThumbVersion(thumbVersion() + 1);
+}
+
+// False when the bitmap was needed and could not be made, so that the old data must stay.
+bool ZQLibraryBaseItem::updateRepresentationBitmap(const QString &path, bool fileDidChange)
+{
+    const QString destination = detailItemURL();
+    if (destination.isEmpty() || (!fileDidChange && QFileInfo::exists(destination))) {
+        return true;
+    }
+    ZQError error;
+    const ZQBitmap bitmap = renderRepresentationBitmap(path, &error);
+    if (bitmap.isNull() || !QDir().mkpath(QFileInfo(destination).path()) ||
+        !ZQImageDestination::writePNG(bitmap, destination, &error)) {
+        const QString text = zqFormat(invalidImageMessage(), {path});
+        qCWarning(zqLogImport, "%s", qUtf8Printable(text));
+        return false;
+    }
+    setPixelWidth(bitmap.width());
+    setPixelHeight(bitmap.height());
+    setPixelTotal(qint64(bitmap.width()) * bitmap.height());
+    return true;
+}
+
+void ZQLibraryBaseItem::readPixelSize(const QString &path)
+{
+    const auto properties = ZQImageSource::propertiesOfFile(path);
+    if (!properties || properties->pixelWidth <= 0 || properties->pixelHeight <= 0) {
+        return;
+    }
+    const bool isTurned = properties->orientation == 6 || properties->orientation == 8;
+    setPixelWidth(isTurned ? properties->pixelHeight : properties->pixelWidth);
+    setPixelHeight(isTurned ? properties->pixelWidth : properties->pixelHeight);
+    setPixelTotal(qint64(properties->pixelWidth) * properties->pixelHeight);
+}
+
+bool ZQLibraryBaseItem::replaceTags(const QStringList &titles)
+{
+    ZQManagedObjectContext *context = managedObjectContext();
+    QSet<QString> present;
+    for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
+        present.insert(tag->title());
+    }
+    if (!context || present == QSet<QString>(titles.begin(), titles.end())) {
+        return false;
+    }
+    QList<ZQRef<ZQSidebarTag>> replacement;
+    for (const QString &name : titles) {
+        if (auto tag = ZQSidebarTag::getOrCreateTagWithName(name, *context)) {
+            replacement.append(tag);
+        }
+    }
+    setTags(replacement);
+    return true;
+}
+
+bool ZQLibraryBaseItem::readOpenMetaFromDisk()
+{
+    const QString path = itemURL();
+    if (path.isEmpty()) {
+        return false;
+    }
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    const std::optional<QStringList> fileTags = environment.userTagsOfFile(path);
+    bool didChange = fileTags && replaceTags(*fileTags);
+    const std::optional<QString> comment = environment.commentOfFile(path);
+    if (comment && *comment != notes()) {
+        setNotes(*comment);
+        didChange = true;
+    }
+    if (didChange) {
+        const QDateTime now = zqNow();
+        setModification_date(now);
+        // What the next comparison with the file's own dates looks at.
+        setAttributes_modification_date(now);
+    }
+    return didChange;
+}
+
+void ZQLibraryBaseItem::writeOpenMetaToDisk()
+{
+    if (ZQLibraryEnvironment::current().writesTagsToFiles()) {
+        copyOpenMetaToPath(itemURL());
+    }
+}
+
+void ZQLibraryBaseItem::copyOpenMetaToPath(const QString &path)
+{
+    if (path.isEmpty()) {
+        return;
+    }
+    QStringList titles;
+    for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
+        titles.append(tag->title());
+    }
+    ZQLibraryEnvironment::current().writeTagsToFile(path, titles, notes());
+    if (!managed()) {
+        if (const auto folder = watchingFolder()) {
+            folder->folderContentMetadataDidChanged();
+        }
+    }
+}

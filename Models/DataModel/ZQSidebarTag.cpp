@@ -1,0 +1,223 @@
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int firstColor = int(ZQSidebarKind::FirstColor);
+constexpr int firstSize = int(ZQSidebarKind::FirstSize);
+constexpr std::array colorNames = {"white",  "black", "gray", "red",    "orange",
+                                   "yellow", "green", "blue", "purple", "pink"};
+constexpr std::array sizeNames = {"icon", "small", "medium", "large", "vector"};
+
+// The sort value of new tags' items: by title.
+constexpr qint16 tagSortValue = 2;
+
+ZQRef<ZQSidebarTag> generatedTag(int code, int position, const char *name, const ZQRef<ZQSidebarBaseItem> &label,
+                                 ZQManagedObjectContext &context)
+{
+    if (auto existing = zqCast<ZQSidebarTag>(ZQSidebarBaseItem::specialItemOfKind(code, context))) {
+        return existing;
+    }
+    auto tag = context.insertNewObject<ZQSidebarTag>();
+    tag->setTitle(zqLocalized(name));
+    tag->setKind(qint16(code));
+    tag->setIs_Tag(true);
+    tag->setIs_Special(true);
+    tag->setSortKeys(tagSortValue);
+    tag->setFather(label.get());
+    tag->setOrder(position);
+    return tag;
+}
+
+} // namespace
+
+ZQRef<ZQSidebarTag> ZQSidebarTag::tagWithTagName(const QString &name, ZQManagedObjectContext &context)
+{
+    return zqFetchFirst<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {name});
+}
+
+ZQRef<ZQSidebarTag> ZQSidebarTag::addNewTagWithName(const QString &name, ZQManagedObjectContext &context)
+{
+    QString title = name;
+    title.removeIf([](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QLatin1Char('\t'); });
+    if (title.isEmpty()) {
+        return {};
+    }
+    auto tag = context.insertNewObject<ZQSidebarTag>();
+    tag->setTitle(title);
+    tag->setIs_Tag(true);
+    tag->setSortKeys(tagSortValue);
+    if (const auto label = tagsLabelInManagedObjectContext(context)) {
+        label->appendChild(tag.get());
+    }
+    return tag;
+}
+
+ZQRef<ZQSidebarTag> ZQSidebarTag::getOrCreateTagWithName(const QString &name, ZQManagedObjectContext &context)
+{
+    auto tag = tagWithTagName(name, context);
+    return tag ? tag : addNewTagWithName(name, context);
+}
+
+ZQRef<ZQSidebarTag> ZQSidebarTag::tagForSize(int size, ZQManagedObjectContext &context)
+{
+    const int position = size - firstSize;
+    if (position < 0 || position >= int(sizeNames.size())) {
+        return {};
+    }
+    return generatedTag(size, position, sizeNames[size_t(position)], sizeLabelInManagedObjectContext(context), context);
+}
+
+ZQRef<ZQSidebarTag> ZQSidebarTag::tagForColor(int color, ZQManagedObjectContext &context)
+{
+    const int position = color - firstColor;
+    if (position < 0 || position >= int(colorNames.size())) {
+        return {};
+    }
+    return generatedTag(color, position, colorNames[size_t(position)], colorsLabelInManagedObjectContext(context),
+                        context);
+}
+
+int ZQSidebarTag::colorValueForName(const QString &name)
+{
+    for (size_t position = 0; position < colorNames.size(); ++position) {
+        if (name == QLatin1String(colorNames[position]) || name == zqLocalized(colorNames[position])) {
+            return firstColor + int(position);
+        }
+    }
+    return -1;
+}
+
+QString ZQSidebarTag::colorNameForValue(int value)
+{
+    const int position = value - firstColor;
+    return position >= 0 && position < int(colorNames.size()) ? zqLocalized(colorNames[size_t(position)]) : QString();
+}
+
+void ZQSidebarTag::reorderAllUserTagsInManagedObjectContext(ZQManagedObjectContext &context)
+{
+    const auto label = tagsLabelInManagedObjectContext(context);
+    if (!label) {
+        return;
+    }
+    QList<ZQRef<ZQSidebarBaseItem>> tags = label->childsItems();
+    std::stable_sort(tags.begin(), tags.end(), [](const auto &a, const auto &b) {
+        return a->order() != b->order()
+                   ? a->order() < b->order()
+                   : zqCompareValues(a->title(), b->title(), ZQSortDescriptor::Comparison::LocalizedStandard) < 0;
+    });
+    qint32 position = 0;
+    for (const ZQRef<ZQSidebarBaseItem> &tag : tags) {
+        tag->setOrder(position++);
+    }
+}
+
+QStringList ZQSidebarTag::contextContainsDuplicatedTags(ZQManagedObjectContext &context)
+{
+    const auto tags = zqFetch<ZQSidebarTag>(
+        context, QStringLiteral("active = YES AND is_Tag == YES AND is_Label == NO"), {}, {{QStringLiteral("title")}});
+    QStringList duplicated;
+    if (!tags) {
+        return duplicated;
+    }
+    for (qsizetype i = 1; i < tags->size(); ++i) {
+        const QString &title = tags->at(i)->title();
+        if (title == tags->at(i - 1)->title() && (duplicated.isEmpty() || duplicated.last() != title)) {
+            duplicated.append(title);
+        }
+    }
+    return duplicated;
+}
+
+QString ZQSidebarTag::typeString() const
+{
+    return is_Label() ? ZQSidebarBaseItem::typeString() : zqLocalized("Tag");
+}
+
+QString ZQSidebarTag::icon() const
+{
+    const int code = kind();
+    if (code >= firstColor && code <= int(ZQSidebarKind::LastColor)) {
+        return QStringLiteral("color");
+    }
+    return code >= firstSize && code <= int(ZQSidebarKind::LastSize) ? QStringLiteral("size") : QStringLiteral("tag");
+}
+
+ZQFetchRequest ZQSidebarTag::contentRequest() const
+{
+    return {.entityName = ZQLibraryBaseItem::entityName(),
+            .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("ANY tags == %@ AND active == YES"),
+                                                          {QVariant::fromValue(objectID())}),
+            .sortDescriptors = {{QStringLiteral("title"), true, ZQSortDescriptor::Comparison::LocalizedStandard}}};
+}
+
+void ZQSidebarTag::rewriteFileTags()
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : taggedItems()) {
+        item->writeOpenMetaToDisk();
+    }
+}
+
+void ZQSidebarTag::deleteSelf()
+{
+    ZQSidebarBaseItem::deleteSelf();
+    rewriteFileTags();
+}
+
+void ZQSidebarTag::restoreSelf()
+{
+    ZQSidebarBaseItem::restoreSelf();
+    rewriteFileTags();
+}
+
+bool ZQSidebarTag::containsItem(const ZQLibraryBaseItem *item) const
+{
+    return item && item->tagsIDs().contains(objectID());
+}
+
+bool ZQSidebarTag::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
+{
+    if (!item) {
+        return false;
+    }
+    if (!item->active()) {
+        item->restoreSelf();
+    }
+    if (containsItem(item)) {
+        return false;
+    }
+    item->addTagsObject(this);
+    item->writeOpenMetaToDisk();
+    return true;
+}
+
+void ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        addItem(item.get(), appendIndex, false, true);
+    }
+}
+
+void ZQSidebarTag::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        if (item && containsItem(item.get())) {
+            item->removeTagsObject(this);
+            item->writeOpenMetaToDisk();
+        }
+    }
+}
+
+void ZQSidebarTag::addTaggedItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        if (item && !containsItem(item.get())) {
+            item->addTagsObject(this);
+        }
+    }
+}

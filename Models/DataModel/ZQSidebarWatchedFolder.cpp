@@ -1,0 +1,254 @@
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include <QFileInfo>
+
+namespace {
+
+const QString syncDateAttribute = QStringLiteral("com.apple.metadata:kMDItemOMUserTagTime");
+
+void appendFolders(const ZQSidebarBaseItem *parent, QSet<qint64> &seen, QList<ZQRef<ZQSidebarWatchedFolder>> &folders)
+{
+    for (const ZQRef<ZQSidebarBaseItem> &child : parent->orderedChildren()) {
+        auto folder = zqCast<ZQSidebarWatchedFolder>(child);
+        if (folder && !seen.contains(folder->objectID().key)) {
+            seen.insert(folder->objectID().key);
+            folders.append(folder);
+            appendFolders(folder.get(), seen, folders);
+        }
+    }
+}
+
+} // namespace
+
+ZQFetched<ZQSidebarWatchedFolder>
+ZQSidebarWatchedFolder::watchedFoldersInManagedObjectContext(ZQManagedObjectContext &context)
+{
+    return zqFetch<ZQSidebarWatchedFolder>(context, QStringLiteral("active == YES"));
+}
+
+ZQFetched<ZQSidebarWatchedFolder>
+ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(ZQManagedObjectContext &context)
+{
+    return zqFetch<ZQSidebarWatchedFolder>(context, QStringLiteral("is_root == YES AND active == YES"));
+}
+
+ZQFetched<ZQSidebarWatchedFolder> ZQSidebarWatchedFolder::watchedFoldersWithTitle(const QString &title,
+                                                                                  ZQManagedObjectContext &context)
+{
+    return zqFetch<ZQSidebarWatchedFolder>(context, QStringLiteral("title == %@ AND active == YES"), {title});
+}
+
+ZQRef<ZQSidebarWatchedFolder> ZQSidebarWatchedFolder::watchedFolderWithPath(const QString &path,
+                                                                            ZQManagedObjectContext &context)
+{
+    return zqFetchFirst<ZQSidebarWatchedFolder>(context, QStringLiteral("folderPath == %@ AND active == YES"), {path});
+}
+
+ZQFetched<ZQSidebarWatchedFolder> ZQSidebarWatchedFolder::watchedFoldersWithPathPrefix(const QString &prefix,
+                                                                                       ZQManagedObjectContext &context)
+{
+    return zqFetch<ZQSidebarWatchedFolder>(context, QStringLiteral("folderPath BEGINSWITH %@ AND active == YES"),
+                                           {prefix});
+}
+
+ZQRef<ZQSidebarWatchedFolder> ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(const QString &path,
+                                                                                     ZQManagedObjectContext &context)
+{
+    auto folder = context.insertNewObject<ZQSidebarWatchedFolder>();
+    folder->updateWatchedFolderBookmark(path);
+    return folder;
+}
+
+std::optional<ZQSidebarWatchedFolder::SubfolderItems>
+ZQSidebarWatchedFolder::subfolderChildsItemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors,
+                                                                const QList<ZQRef<ZQSidebarBaseItem>> &subFolders,
+                                                                ZQManagedObjectContext &)
+{
+    QSet<qint64> seen;
+    QList<ZQRef<ZQSidebarWatchedFolder>> folders;
+    for (const ZQRef<ZQSidebarBaseItem> &item : subFolders) {
+        auto folder = zqCast<ZQSidebarWatchedFolder>(item);
+        if (folder && !seen.contains(folder->objectID().key)) {
+            seen.insert(folder->objectID().key);
+            folders.append(folder);
+            appendFolders(folder.get(), seen, folders);
+        }
+    }
+    SubfolderItems result;
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : folders) {
+        const auto folderItems = folder->itemsWithSortDescriptors(sortDescriptors);
+        result.sortedResults += folderItems;
+        result.subprojects.append(folder);
+        result.projectsCounts.append(folderItems.size());
+    }
+    return result;
+}
+
+QString ZQSidebarWatchedFolder::folderURL() const
+{
+    const QString path =
+        folderURLSecureData().isEmpty() ? folderPath() : zqURLFromPersistentData(folderURLSecureData());
+    return QFileInfo(path).isDir() ? path : QString();
+}
+
+void ZQSidebarWatchedFolder::updateWatchedFolderBookmark(const QString &path)
+{
+    const QByteArray reference = zqDataForPersistentURL(path);
+    if (!reference.isEmpty()) {
+        setFolderURLSecureData(reference);
+    }
+    setFolderPath(path);
+    setTitle(QFileInfo(path).fileName());
+}
+
+QList<ZQRef<ZQSidebarWatchedFolder>> ZQSidebarWatchedFolder::orderedChildrenAndSubChildren() const
+{
+    QSet<qint64> seen = {objectID().key};
+    QList<ZQRef<ZQSidebarWatchedFolder>> folders;
+    appendFolders(this, seen, folders);
+    return folders;
+}
+
+void ZQSidebarWatchedFolder::setItemsActive(bool activeItems)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : watchedItems()) {
+        if (item->active() == activeItems) {
+            continue;
+        }
+        if (activeItems && QFileInfo(item->itemURL()).fileName().startsWith(QLatin1Char('.'))) {
+            continue; // deleted by a person
+        }
+        item->setActive(activeItems);
+    }
+}
+
+void ZQSidebarWatchedFolder::deactivateFolder()
+{
+    setIs_enabled(false);
+    setItemsActive(false);
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : orderedChildrenAndSubChildren()) {
+        folder->setIs_enabled(false);
+        folder->setItemsActive(false);
+    }
+}
+
+void ZQSidebarWatchedFolder::reActivateFolder()
+{
+    setIs_enabled(true);
+    setItemsActive(true);
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : orderedChildrenAndSubChildren()) {
+        folder->setIs_enabled(true);
+        folder->setItemsActive(true);
+    }
+}
+
+void ZQSidebarWatchedFolder::deleteSelf()
+{
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : orderedChildrenAndSubChildren()) {
+        folder->setItemsActive(false);
+    }
+    setItemsActive(false);
+    ZQSidebarBaseItem::deleteSelf();
+}
+
+void ZQSidebarWatchedFolder::restoreSelf()
+{
+    ZQSidebarBaseItem::restoreSelf();
+    if (is_missing() || is_trashed()) {
+        return; // its items return when the folder does
+    }
+    setItemsActive(true);
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : orderedChildrenAndSubChildren()) {
+        folder->setItemsActive(true);
+    }
+}
+
+QHash<QString, ZQRef<ZQManagedObject>> ZQSidebarWatchedFolder::pathAndItemDictionary() const
+{
+    QHash<QString, ZQRef<ZQManagedObject>> paths;
+    for (const ZQRef<ZQSidebarBaseItem> &child : childsItems()) {
+        if (const auto folder = zqCast<ZQSidebarWatchedFolder>(child)) {
+            paths.insert(folder->folderPath(), folder);
+        }
+    }
+    for (const ZQRef<ZQLibraryBaseItem> &item : watchedItems()) {
+        const QString path = item->active() ? item->itemURL() : QString();
+        if (!path.isEmpty()) {
+            paths.insert(path, item);
+        }
+    }
+    return paths;
+}
+
+void ZQSidebarWatchedFolder::updateFolderOpenMetaSyncDate()
+{
+    const QString path = folderPath();
+    if (path.isEmpty()) {
+        qCWarning(zqLogTags, "folder path is not a string!!");
+        return;
+    }
+    ZQError error;
+    const auto date = ZQPropertyList::toBinary(zqNow(), &error);
+    if (!date || !ZQExtendedAttributes::set(path, syncDateAttribute, *date, &error)) {
+        const QString text =
+            zqFormat(QStringLiteral("OpenMeta error on trying to set the sync data on folder: %@ error: %@"),
+                     {path, error.localizedDescription()});
+        qCWarning(zqLogTags, "%s", qUtf8Printable(text));
+    }
+}
+
+QString ZQSidebarWatchedFolder::typeString() const
+{
+    return zqLocalized("Live Folder");
+}
+
+ZQFetchRequest ZQSidebarWatchedFolder::contentRequest() const
+{
+    return {.entityName = ZQLibraryBaseItem::entityName(),
+            .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder == %@ AND active == YES"),
+                                                          {QVariant::fromValue(objectID())}),
+            .sortDescriptors = {{QStringLiteral("title"), true, ZQSortDescriptor::Comparison::LocalizedStandard}}};
+}
+
+bool ZQSidebarWatchedFolder::containsItem(const ZQLibraryBaseItem *item) const
+{
+    return item && item->watchingFolder().get() == this;
+}
+
+bool ZQSidebarWatchedFolder::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
+{
+    if (!item) {
+        return false;
+    }
+    if (!item->active()) {
+        item->restoreSelf();
+    }
+    if (containsItem(item)) {
+        return false;
+    }
+    item->setWatchingFolder(this);
+    return true;
+}
+
+void ZQSidebarWatchedFolder::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        addItem(item.get(), appendIndex, false, true);
+    }
+}
+
+void ZQSidebarWatchedFolder::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        if (containsItem(item.get())) {
+            item->setWatchingFolder(nullptr);
+        }
+    }
+}
