@@ -1,0 +1,367 @@
+#include "Classes/Tags/OpenMeta.h"
+
+#include "Classes/Tags/OpenMetaBackup.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QDateTime>
+#include <QSet>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+ZQError openMetaError(int code, const QString &info)
+{
+    ZQError error = ZQError::with(OpenMeta::errorDomain, code, info);
+    error.userInfo.insert(OpenMeta::errorInfoKey, info);
+    return error;
+}
+
+ZQError parameterError()
+{
+    return openMetaError(OpenMeta::ParameterError, zqLocalized("Open Meta parameter error"));
+}
+
+ZQError tooBigError()
+{
+    return openMetaError(
+        OpenMeta::TooBigError,
+        zqLocalized(
+            "Meta data is too big - size as binary plist must be less than (perhaps 4k?) some number of bytes"));
+}
+
+ZQError posixError(int errnoValue)
+{
+    const QString info = OpenMeta::errnoString(errnoValue);
+    ZQError error = ZQError::with(ZQError::posixDomain, errnoValue, info);
+    error.userInfo.insert(OpenMeta::errorInfoKey, info);
+    return error;
+}
+
+bool canNameAFile(const QString &path)
+{
+    return !path.isEmpty() && !path.contains(QChar(0)) && path.isValidUtf16();
+}
+
+bool isList(const QVariant &value)
+{
+    return value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList;
+}
+
+QSet<QString> comparisonKeys(const QStringList &tags)
+{
+    QSet<QString> keys;
+    for (const QString &tag : tags) {
+        keys.insert(OpenMeta::comparisonKey(tag));
+    }
+    return keys;
+}
+
+} // namespace
+
+ZQError OpenMeta::setUserTags(const QVariant &tags, const QString &path)
+{
+    const auto strings = validateAsArrayOfStrings(tags);
+    if (!strings || !canNameAFile(path)) {
+        return parameterError();
+    }
+    const QStringList unique = removeDuplicateTags(*strings);
+    setXAttrMetaData(QDateTime::currentDateTimeUtc(), userTagTimeKey, path);
+    setXAttr(unique, spotlightKey(olderUserTagsKey), path);
+    setXAttr(unique, openmetaKey(olderUserTagsKey), path);
+    return setNSArrayMetaData(unique, userTagsKey, path);
+}
+
+ZQError OpenMeta::addUserTags(const QVariant &tags, const QString &path)
+{
+    const auto added = validateAsArrayOfStrings(tags);
+    if (!added) {
+        return parameterError();
+    }
+    ZQError error;
+    const QStringList original = getUserTags(path, &error).value_or(QStringList());
+    if (!error.isNull()) {
+        return error;
+    }
+    const QStringList result = removeDuplicateTags(original + *added);
+    return result == original ? ZQError() : setUserTags(result, path);
+}
+
+ZQError OpenMeta::clearUserTags(const QVariant &tags, const QString &path)
+{
+    const auto cleared = validateAsArrayOfStrings(tags);
+    if (!cleared) {
+        return parameterError();
+    }
+    ZQError error;
+    const QStringList original = getUserTagsNoRestore(path, &error).value_or(QStringList());
+    if (!error.isNull()) {
+        return error;
+    }
+    const QSet<QString> keys = comparisonKeys(*cleared);
+    QStringList kept;
+    std::copy_if(original.begin(), original.end(), std::back_inserter(kept),
+                 [&keys](const QString &tag) { return !keys.contains(comparisonKey(tag)); });
+    return kept.size() == original.size() ? ZQError() : setUserTags(kept, path);
+}
+
+std::optional<QStringList> OpenMeta::getUserTags(const QString &path, ZQError *error)
+{
+    OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(path);
+    OpenMetaBackup::restoreMetadata(path);
+    return getUserTagsNoRestore(path, error);
+}
+
+std::optional<QStringList> OpenMeta::getUserTagsNoRestore(const QString &path, ZQError *error)
+{
+    const auto array = getNSArrayMetaData(userTagsKey, path, error);
+    if (!array) {
+        return std::nullopt;
+    }
+    QStringList tags; // other programs may have put anything into the list
+    for (const QVariant &member : *array) {
+        if (member.typeId() == QMetaType::QString) {
+            tags.append(member.toString());
+        }
+    }
+    return tags;
+}
+
+QStringList OpenMeta::getCommonUserTags(const QStringList &paths, ZQError *error)
+{
+    if (paths.size() == 1) {
+        return getUserTags(paths.first(), error).value_or(QStringList());
+    }
+    for (const QString &path : paths) {
+        OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(path);
+    }
+    for (const QString &path : paths) {
+        OpenMetaBackup::restoreMetadata(path);
+    }
+    QStringList common;
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const auto tags = getUserTagsNoRestore(paths.at(i), error);
+        if (!tags || tags->isEmpty()) {
+            return {};
+        }
+        if (i == 0) {
+            common = *tags;
+            continue;
+        }
+        const QSet<QString> keys = comparisonKeys(*tags);
+        common.removeIf([&keys](const QString &tag) { return !keys.contains(comparisonKey(tag)); });
+        if (common.isEmpty()) {
+            return {};
+        }
+    }
+    return common;
+}
+
+ZQError OpenMeta::setCommonUserTags(const QStringList &paths, const QStringList &originalCommonTags,
+                                    const QStringList &replaceWith)
+{
+    if (originalCommonTags.isEmpty() && replaceWith.isEmpty()) {
+        return {};
+    }
+    const QSet<QString> replaced = comparisonKeys(originalCommonTags);
+    ZQError lastError;
+    for (const QString &path : paths) {
+        QStringList tags = getUserTagsNoRestore(path).value_or(QStringList());
+        if (tags == replaceWith) {
+            continue;
+        }
+        tags.removeIf([&replaced](const QString &tag) { return replaced.contains(comparisonKey(tag)); });
+        const ZQError error = setUserTags(tags + replaceWith, path);
+        if (!error.isNull()) {
+            lastError = error;
+        }
+    }
+    return lastError;
+}
+
+ZQError OpenMeta::setRating(double rating, const QString &path)
+{
+    const QVariant value = rating > 0 ? QVariant(std::min(rating, 5.0)) : QVariant();
+    return setXAttrMetaData(value, starRatingKey, path);
+}
+
+double OpenMeta::getRating(const QString &path, ZQError *error)
+{
+    OpenMetaBackup::restoreMetadata(path);
+    return getXAttrMetaData(starRatingKey, path, error).toDouble();
+}
+
+ZQError OpenMeta::setString(const QString &string, const QString &keyName, const QString &path)
+{
+    return setXAttrMetaData(string.isNull() ? QVariant() : QVariant(string), keyName, path);
+}
+
+QString OpenMeta::getString(const QString &keyName, const QString &path, ZQError *error)
+{
+    const QVariant value = getXAttrMetaData(keyName, path, error);
+    return value.typeId() == QMetaType::QString ? value.toString() : QString();
+}
+
+std::optional<QVariantList> OpenMeta::getNSArrayMetaData(const QString &metaDataKey, const QString &path,
+                                                         ZQError *error)
+{
+    const QVariant value = getXAttrMetaData(metaDataKey, path, error);
+    return isList(value) ? std::optional(value.toList()) : std::nullopt;
+}
+
+ZQError OpenMeta::setNSArrayMetaData(const QVariant &array, const QString &metaDataKey, const QString &path)
+{
+    return isList(array) ? setXAttrMetaData(array, metaDataKey, path) : parameterError();
+}
+
+ZQError OpenMeta::addToNSArrayMetaData(const QVariant &array, const QString &metaDataKey, const QString &path)
+{
+    if (!isList(array)) {
+        return parameterError();
+    }
+    ZQError error;
+    QVariantList members = getNSArrayMetaData(metaDataKey, path, &error).value_or(QVariantList());
+    if (!error.isNull()) {
+        return error;
+    }
+    const qsizetype oldSize = members.size();
+    for (const QVariant &member : array.toList()) {
+        if (!members.contains(member)) {
+            members.append(member);
+        }
+    }
+    return members.size() == oldSize ? ZQError() : setNSArrayMetaData(members, metaDataKey, path);
+}
+
+QVariant OpenMeta::getXAttrMetaData(const QString &metaDataKey, const QString &path, ZQError *error)
+{
+    return getXAttr(spotlightKey(metaDataKey), path, error);
+}
+
+QVariant OpenMeta::getXAttrMetaDataNoSpotlightMirror(const QString &metaDataKey, const QString &path, ZQError *error)
+{
+    return getXAttr(openmetaKey(metaDataKey), path, error);
+}
+
+ZQError OpenMeta::setXAttrMetaData(const QVariant &value, const QString &metaDataKey, const QString &path)
+{
+    setXAttrNoSpotlightMirror(value, metaDataKey, path);
+    return setXAttr(value, spotlightKey(metaDataKey), path);
+}
+
+ZQError OpenMeta::setXAttrNoSpotlightMirror(const QVariant &value, const QString &omKey, const QString &path)
+{
+    const ZQError error = setXAttr(value, openmetaKey(omKey), path);
+    if (!error.isNull()) {
+        return error;
+    }
+    return setXAttr(QDateTime::currentDateTimeUtc(), openmetaTimeKey(omKey), path);
+}
+
+ZQError OpenMeta::setXAttr(const QVariant &value, const QString &forKey, const QString &path)
+{
+    if (!canNameAFile(path)) {
+        return parameterError();
+    }
+    QByteArray data;
+    if (value.isValid()) {
+        ZQError error;
+        const auto encoded = ZQPropertyList::toBinary(value, &error);
+        if (!encoded) {
+            return openMetaError(PropertyListError, error.localizedDescription());
+        }
+        data = *encoded;
+        if (data.size() > maximumDataSize) {
+            return tooBigError();
+        }
+    }
+    ZQError error;
+    const bool done = data.isEmpty() ? ZQExtendedAttributes::remove(path, forKey, &error)
+                                     : ZQExtendedAttributes::set(path, forKey, data, &error);
+    if (!done) {
+        return posixError(error.code);
+    }
+    if (forKey.contains(userTagsKey)) {
+        OpenMetaBackup::backupMetadata(path);
+    }
+    return {};
+}
+
+QVariant OpenMeta::getXAttr(const QString &name, const QString &path, ZQError *error)
+{
+    if (!canNameAFile(path)) {
+        zqSetError(error, parameterError());
+        return {};
+    }
+    ZQError readError;
+    const auto data = ZQExtendedAttributes::get(path, name, &readError);
+    if (!data) {
+        if (!readError.isNull() && readError.code != EINVAL) {
+            zqSetError(error, posixError(readError.code));
+        }
+        return {};
+    }
+    if (data->size() > maximumDataSize) {
+        zqSetError(error, posixError(ERANGE));
+        return {};
+    }
+    if (data->isEmpty()) {
+        return {};
+    }
+    const auto value = ZQPropertyList::fromData(*data, &readError);
+    if (!value) {
+        zqSetError(error, openMetaError(PropertyListError, readError.localizedDescription()));
+        return {};
+    }
+    return *value;
+}
+
+std::optional<QStringList> OpenMeta::validateAsArrayOfStrings(const QVariant &value)
+{
+    if (!isList(value)) {
+        return std::nullopt;
+    }
+    QStringList strings;
+    for (const QVariant &member : value.toList()) {
+        if (member.typeId() != QMetaType::QString) {
+            return std::nullopt;
+        }
+        strings.append(member.toString());
+    }
+    return strings;
+}
+
+QStringList OpenMeta::removeDuplicateTags(const QStringList &tags)
+{
+    QSet<QString> seen;
+    QStringList unique;
+    for (const QString &tag : decomposeArrayOfStrings(tags)) {
+        const QString key = tag.toLower();
+        if (!seen.contains(key)) {
+            seen.insert(key);
+            unique.append(tag);
+        }
+    }
+    return unique;
+}
+
+QStringList OpenMeta::decomposeArrayOfStrings(const QStringList &strings)
+{
+    QStringList decomposed;
+    decomposed.reserve(strings.size());
+    for (const QString &string : strings) {
+        decomposed.append(string.normalized(QString::NormalizationForm_D));
+    }
+    return decomposed;
+}
+
+QString OpenMeta::errnoString(int errnoValue)
+{
+    char buffer[1024] = "";
+    return zqFormat(QStringLiteral("errno error: %d, %s"),
+                    {errnoValue, QString::fromLocal8Bit(::strerror_r(errnoValue, buffer, sizeof buffer))});
+}
