@@ -1,0 +1,143 @@
+#include "Classes/Import/ThumbGenerator.h"
+
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Imaging/ZQPreviewService.h"
+
+#include <QDir>
+
+namespace {
+
+constexpr QSize thumbnailBox(ThumbGenerator::thumbnailSize, ThumbGenerator::thumbnailSize);
+constexpr int tooBigSide = 10000;
+
+bool isRaw(const QString &type)
+{
+    return !type.isEmpty() && (ZQTypeIdentifier::conforms(type, ZQTypeIdentifier::CameraRaw) ||
+                               ZQTypeIdentifier::conforms(type, ZQTypeIdentifier::AdobeRaw));
+}
+
+bool isSketch(const QString &path)
+{
+    return zqPathExtension(path).compare(u"sketch", Qt::CaseInsensitive) == 0;
+}
+
+bool isAcorn(const QString &type, const QString &path)
+{
+    return type == ZQTypeIdentifier::Acorn || zqPathExtension(path).compare(u"acorn", Qt::CaseInsensitive) == 0;
+}
+
+ZQBitmap newThumbForFile(const QString &path, const QString &type, ZQError *error)
+{
+    if (type == ZQTypeIdentifier::AI) {
+        return ThumbGenerator::newThumbForAIFileAtURL(path, error);
+    }
+    if (isRaw(type)) {
+        return ThumbGenerator::newThumbForRawFileAtURL(path, error);
+    }
+    if (isAcorn(type, path)) {
+        return ThumbGenerator::newThumbForAcornFileAtURL(path, error);
+    }
+    if (isSketch(path)) {
+        return ThumbGenerator::newThumbForSketchFileAtURL(path, error);
+    }
+    return ZQPreviewService::previewOfFile(path, thumbnailBox, error);
+}
+
+void logInvalid(const char *format, const QString &path)
+{
+    qCWarning(zqLogImport, "%s", qUtf8Printable(zqFormat(QLatin1String(format), {path})));
+}
+
+ZQError importError(const QString &description)
+{
+    return ZQError::with(QStringLiteral("zelto.import"), 1, description);
+}
+
+} // namespace
+
+bool ThumbGenerator::willUseNativeQuicklookThumbnailForURL(const QString &path)
+{
+    const QString type = ZQTypeIdentifier::forPath(path);
+    static const QStringList native{ZQTypeIdentifier::JPEG, ZQTypeIdentifier::JPEG2000, ZQTypeIdentifier::TIFF,
+                                    ZQTypeIdentifier::GIF,  ZQTypeIdentifier::PNG,      ZQTypeIdentifier::ICNS,
+                                    ZQTypeIdentifier::BMP,  ZQTypeIdentifier::ICO,      ZQTypeIdentifier::PSD,
+                                    ZQTypeIdentifier::TGA};
+    return !type.isEmpty() && native.contains(type);
+}
+
+QString ThumbGenerator::thumbPathForImageURL(const QString &path, const QString &thumbDestinationPath,
+                                             ZQBitmap *madeBitmap, ZQError *error)
+{
+    const QString type = ZQTypeIdentifier::forPath(path);
+    const ZQBitmap bitmap = newThumbForFile(path, type, error);
+    if (bitmap.isNull()) {
+        return {};
+    }
+    const bool asJPEG = type == ZQTypeIdentifier::JPEG || isRaw(type);
+    const QString name = zqFormat(QStringLiteral("%@_thumb"), {zqBaseName(path)}) +
+                         (asJPEG ? QStringLiteral(".jpg") : QStringLiteral(".png"));
+    const QString target = QDir(thumbDestinationPath).filePath(name);
+    ZQError failure;
+    const bool written = asJPEG ? ZQImageDestination::writeJPEG(bitmap, target, 85, &failure)
+                                : ZQImageDestination::writePNG(bitmap, target, &failure);
+    if (!written) {
+        qCWarning(zqLogImport, "%s", qUtf8Printable(failure.localizedDescription()));
+        zqSetError(error, failure);
+    }
+    if (madeBitmap) {
+        *madeBitmap = bitmap;
+    }
+    return target;
+}
+
+ZQBitmap ThumbGenerator::newThumbForAIFileAtURL(const QString &path, ZQError *error)
+{
+    const auto properties = ZQImageSource::propertiesOfFile(path, error);
+    if (!properties) {
+        logInvalid("AI %@ is not a valid image", path);
+        return {};
+    }
+    if (properties->pixelWidth >= tooBigSide && properties->pixelHeight >= tooBigSide) {
+        logInvalid("AI %@ is too big to import", path);
+        zqSetError(error, importError(zqFormat(zqLocalized("AI %@ is too big to import"), {path})));
+        return {};
+    }
+    const ZQBitmap bitmap = ZQImageSource::thumbnailOfFile(path, thumbnailSize, error);
+    if (bitmap.isNull()) {
+        logInvalid("AI %@ is not a valid image", path);
+    }
+    return bitmap;
+}
+
+ZQBitmap ThumbGenerator::newThumbForRawFileAtURL(const QString &path, ZQError *error)
+{
+    return ZQImageSource::thumbnailOfFile(path, thumbnailSize, error);
+}
+
+ZQBitmap ThumbGenerator::newThumbForEPSFileAtURL(const QString &path, ZQError *error)
+{
+    const ZQBitmap bitmap = ZQImageSource::thumbnailOfFile(path, thumbnailSize, error);
+    if (bitmap.isNull()) {
+        logInvalid("EPS %@ is not a valid image", path);
+    }
+    return bitmap;
+}
+
+ZQBitmap ThumbGenerator::newThumbForSketchFileAtURL(const QString &path, ZQError *error)
+{
+    return sketchBitmapImageRepAtPath(path, error).scaledToFit(thumbnailBox);
+}
+
+ZQBitmap ThumbGenerator::newThumbForAcornFileAtURL(const QString &path, ZQError *error)
+{
+    return grabAcornBitmapImageRepAtPath(path, error).scaledToFit(thumbnailBox);
+}
+
+ZQBitmap ThumbGenerator::sketchBitmapImageRepAtPath(const QString &path, ZQError *error)
+{
+    return ZQImageSource::bitmapOfFile(path + QStringLiteral("/QuickLook/Preview.png"), error);
+}
