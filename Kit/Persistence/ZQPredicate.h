@@ -7,6 +7,7 @@
 #include <QVariant>
 
 #include <memory>
+#include <optional>
 
 class ZQManagedObject;
 class ZQEntityDescription;
@@ -15,31 +16,39 @@ struct ZQPredicateNode;
 // A condition on objects, parsed from the format language into one tree with two back ends that agree on every input:
 // evaluation over objects in memory, and translation into SQL.
 //
-// Language: comparisons (= == != <> < <= > >= and their [c] [d] [cd] options), BEGINSWITH, ENDSWITH, CONTAINS, LIKE (with
-// ? and *), MATCHES, IN, BETWEEN; ANY, ALL, NONE, SOME; AND OR NOT && || !; key paths ("item.title"), "tags.@count",
+// Language: comparisons (= == != <> < <= > >= and their [c] [d] [cd] options), BEGINSWITH, ENDSWITH, CONTAINS, LIKE
+// (with ? and *), MATCHES, IN, BETWEEN; ANY, ALL, NONE, SOME; AND OR NOT && || !; key paths ("item.title"),
+// "tags.@count",
 // "@distinctUnionOfObjects"; CAST(x, "NSDate") with x in seconds since 2001-01-01T00:00Z; SELF; literals in single or
 // double quotes, numbers, YES NO TRUE FALSE, nil NULL, {a, b}; arguments %@ %d %ld %f %K. Keywords ignore case.
 //
-// Null follows the object world, in both back ends: null equals only null, null != value is true, every other comparison
-// with null is false, and NOT is the plain opposite (two-valued logic).
-// Immutable and cheap to copy; may cross threads. Arguments may be QString, numbers, bool, QDateTime, QByteArray,
-// ZQObjectID, QVariantList, QStringList, or an invalid QVariant for nil.
+// Null follows the object world, in both back ends: null equals only null, null != value is true, every other
+// comparison with null is false, and NOT is the plain opposite (two-valued logic). Immutable and cheap to copy; may
+// cross threads. Arguments may be QString, numbers, bool, QDateTime, QByteArray, ZQObjectID, QVariantList, QStringList,
+// or an invalid QVariant for nil.
 class ZQPredicate
 {
 public:
     ZQPredicate() = default; // null: matches everything
+    explicit ZQPredicate(std::shared_ptr<const ZQPredicateNode> root) : m_root(std::move(root)) {}
     // Null with `error` set when the format cannot be parsed, or an argument is missing.
-    static ZQPredicate predicateWithFormat(const QString &format, const QVariantList &arguments = {}, ZQError *error = nullptr);
+    static ZQPredicate predicateWithFormat(const QString &format, const QVariantList &arguments = {},
+                                           ZQError *error = nullptr);
     static ZQPredicate andPredicate(const QList<ZQPredicate> &parts); // null parts are left out; none: null
     static ZQPredicate orPredicate(const QList<ZQPredicate> &parts);
     static ZQPredicate notPredicate(const ZQPredicate &part);
 
     bool isNull() const { return !m_root; }
-    QString predicateFormat() const; // parses back to an equal predicate
+    // Parses back to an equal predicate. Object identifiers have no text; each stands as a %@ whose value is in
+    // `predicateFormatArguments`, in order.
+    QString predicateFormat() const;
+    QVariantList predicateFormatArguments() const;
+    friend bool operator==(const ZQPredicate &a, const ZQPredicate &b);
 
     // Whether `object` matches; follows relationships by faulting them in on the object's context.
     bool evaluateWithObject(const ZQManagedObject *object) const;
-    // The same for a plain value, which is SELF: a string, number, date or object identifier. A key of a QVariantMap is its entry.
+    // The same for a plain value, which is SELF: a string, number, date or object identifier. A key of a QVariantMap is
+    // its entry.
     bool evaluateWithObject(const QVariant &value) const;
 
     const ZQPredicateNode *root() const { return m_root.get(); }

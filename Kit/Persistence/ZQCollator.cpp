@@ -1,0 +1,53 @@
+#include "Kit/Persistence/ZQCollator.h"
+
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Persistence/ZQScalar.h"
+
+#include <QLocale>
+
+#include <unicode/ucol.h>
+
+ZQCollator::ZQCollator()
+{
+    static const QByteArray locale = QLocale().language() == QLocale::C ? QByteArray() : QLocale().name().toLatin1();
+    UErrorCode status = U_ZERO_ERROR;
+    m_collator.reset(ucol_open(locale.constData(), &status));
+    if (m_collator) {
+        ucol_setAttribute(m_collator.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
+    }
+    if (U_FAILURE(status)) {
+        qCWarning(zqLogStore, "No collation for the locale %s: %s", locale.constData(), u_errorName(status));
+        m_collator.reset();
+    }
+}
+
+void ZQCollator::Close::operator()(UCollator *collator) const
+{
+    ucol_close(collator);
+}
+
+int ZQCollator::compare(const QString &a, const QString &b) const
+{
+    if (!m_collator) {
+        return zqCompareByCodePoint(a, b);
+    }
+    return ucol_strcoll(m_collator.get(), reinterpret_cast<const UChar *>(a.utf16()), static_cast<int32_t>(a.size()),
+                        reinterpret_cast<const UChar *>(b.utf16()), static_cast<int32_t>(b.size()));
+}
+
+int ZQCollator::compareUTF8(std::string_view a, std::string_view b) const
+{
+    if (!m_collator) {
+        return a.compare(b);
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    // ICU takes no null pointer, not even for an empty text.
+    return ucol_strcollUTF8(m_collator.get(), a.empty() ? "" : a.data(), static_cast<int32_t>(a.size()),
+                            b.empty() ? "" : b.data(), static_cast<int32_t>(b.size()), &status);
+}
+
+const ZQCollator &ZQCollator::forThisThread()
+{
+    thread_local const ZQCollator collator;
+    return collator;
+}

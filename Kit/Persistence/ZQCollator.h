@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <string_view>
+
+struct UCollator;
+
+// Strings as a person orders them: the collation of the process's locale, digits as numbers. Not for several threads at
+// once. The locale is the one at the first use in the process, so that all collators agree.
+class ZQCollator
+{
+public:
+    ZQCollator();
+    int compare(const QString &a, const QString &b) const;
+    int compareUTF8(std::string_view a, std::string_view b) const;
+
+    static const ZQCollator &forThisThread();
+
+private:
+    struct Close
+    {
+        void operator()(UCollator *collator) const;
+    };
+    std::unique_ptr<UCollator, Close> m_collator; // null when ICU has no data: by code point then
+};
