@@ -23,7 +23,7 @@ namespace {
 
 constexpr int settleTime = 300;     // milliseconds without an event before changes are announced
 constexpr int longestWait = 3000;   // even while events keep coming
-constexpr int ownChangeTime = 2000; // for how long a change of our own is ours
+constexpr int ownChangeTime = 4000; // for how long a change of our own is ours
 constexpr uint32_t events = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE | IN_ATTRIB |
                             IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
 
@@ -169,6 +169,12 @@ void ZQFileWatcher::Private::handleEntry(const QString &folder, const inotify_ev
     const bool isSilent = isOurs(path) || isOurs(folder);
     if ((event.mask & IN_ISDIR) && (event.mask & (IN_MOVED_FROM | IN_DELETE)) && !roots.contains(path)) {
         unwatchBelow(path);
+        const QStringList all = roots;
+        for (const QString &root : all) {
+            if (isWithin(root, path)) {
+                vanished(root); // it went along with a folder around it
+            }
+        }
     }
     if ((event.mask & IN_ISDIR) && (event.mask & (IN_CREATE | IN_MOVED_TO)) && watchTree(path) && !isSilent) {
         note(path, true); // it may hold files from before it was watched
