@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QImageReader>
+#include <QtEndian>
 
 #include <algorithm>
 
@@ -39,6 +40,28 @@ std::optional<ZQImageProperties> bmpProperties(const QString &path, ZQError *err
     return out;
 }
 
+// Whether more than half of the rows that the header promises are in the file. A compressed one is left to its reader.
+bool hasMostRows(const QString &path, QSize size)
+{
+    constexpr int headerBytes = 34;
+    QFile file(path);
+    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(headerBytes) : QByteArray();
+    if (head.size() < headerBytes) {
+        return false;
+    }
+    const char *raw = head.constData();
+    const bool isOld = qFromLittleEndian<quint32>(raw + 14) == 12;
+    const quint32 compression = isOld ? 0 : qFromLittleEndian<quint32>(raw + 30);
+    if (compression == 1 || compression == 2) {
+        constexpr qint64 longestRun = 255;
+        return file.size() / 2 * longestRun >= qint64(size.width()) * size.height() / 2;
+    }
+    const qint64 bits = qFromLittleEndian<quint16>(raw + (isOld ? 24 : 28));
+    const qint64 rowBytes = (bits * size.width() + 31) / 32 * 4;
+    const qint64 dataBytes = file.size() - qFromLittleEndian<quint32>(raw + 10);
+    return rowBytes > 0 && dataBytes / rowBytes > size.height() / 2;
+}
+
 ZQBitmap bmpDecode(const ZQDecodeRequest &request, ZQError *error)
 {
     if (request.frame > 0) {
@@ -50,8 +73,8 @@ ZQBitmap bmpDecode(const ZQDecodeRequest &request, ZQError *error)
         !zqCheckSize(request.path, properties->pixelWidth, properties->pixelHeight, zqMaximumPixelsInMemory, error)) {
         return {};
     }
-    QImageReader reader(request.path, "bmp");
-    const ZQBitmap bitmap(reader.read());
+    const bool complete = hasMostRows(request.path, {properties->pixelWidth, properties->pixelHeight});
+    const ZQBitmap bitmap(complete ? QImageReader(request.path, "bmp").read() : QImage());
     if (bitmap.isNull()) {
         zqSetError(error, zqDamagedError(request.path));
         return {};

@@ -1,27 +1,26 @@
 #include "Kit/Imaging/ZQImageDecoding.h"
-#include "Kit/Imaging/ZQImageFormat.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Kit/Imaging/ZQVips.h"
 
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QFile>
-#include <QtEndian>
 
 namespace {
 
 constexpr int unlimitedSide = 10'000'000;
-constexpr int rowsAtOnce = 16;
 
-QByteArray optionsForFrame(int frame)
+// The loader's options as text: the thumbnail call of some library versions passes on nothing else.
+QByteArray loadOptions(int frame, VipsFailOn failOn)
 {
-    return frame > 0 ? "[page=" + QByteArray::number(frame) + ']' : QByteArray();
+    return "[fail_on=" + QByteArray(failOn == VIPS_FAIL_ON_NONE ? "none" : "truncated") +
+           (frame > 0 ? ",page=" + QByteArray::number(frame) : QByteArray()) + ']';
 }
 
-ZQVipsImage openHeader(VipsSource *source, const QByteArray &options, VipsFailOn failOn = VIPS_FAIL_ON_NONE)
+ZQVipsImage openHeader(VipsSource *source, int frame = 0, VipsFailOn failOn = VIPS_FAIL_ON_NONE)
 {
-    return ZQVipsImage(vips_image_new_from_source(source, options.constData(), "access", VIPS_ACCESS_SEQUENTIAL,
-                                                  "fail_on", failOn, nullptr));
+    return ZQVipsImage(vips_image_new_from_source(source, loadOptions(frame, failOn).constData(), "access",
+                                                  VIPS_ACCESS_SEQUENTIAL, nullptr));
 }
 
 int integerField(VipsImage *image, const char *name, int otherwise)
@@ -30,15 +29,18 @@ int integerField(VipsImage *image, const char *name, int otherwise)
     return vips_image_get_typeof(image, name) != 0 && vips_image_get_int(image, name, &value) == 0 ? value : otherwise;
 }
 
+QByteArray loaderOf(VipsImage *image)
+{
+    const char *loader = nullptr;
+    const bool known = vips_image_get_typeof(image, VIPS_META_LOADER) != 0 &&
+                       vips_image_get_string(image, VIPS_META_LOADER, &loader) == 0;
+    return known ? QByteArray(loader) : QByteArray();
+}
+
 // Codecs that build the whole picture before the first row comes out.
 bool needsWholePicture(VipsImage *image)
 {
-    const char *loader = nullptr;
-    if (vips_image_get_typeof(image, VIPS_META_LOADER) == 0 ||
-        vips_image_get_string(image, VIPS_META_LOADER, &loader) != 0) {
-        return true;
-    }
-    const QByteArrayView name(loader);
+    const QByteArray name = loaderOf(image);
     if (name.startsWith("jpegload")) {
         return integerField(image, "jpeg-multiscan", 0) != 0;
     }
@@ -57,20 +59,57 @@ bool checkSize(const ZQDecodeRequest &request, VipsImage *image, ZQError *error)
 
 enum class Profile { Apply, Ignore };
 
-ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, VipsFailOn failOn, Profile profile)
+bool isJPEG2000(VipsImage *image)
+{
+    return loaderOf(image).startsWith("jp2kload");
+}
+
+// JPEG 2000 keeps smaller sizes of itself as "pages": the smallest one that is large enough.
+int levelFor(VipsImage *image, const ZQDecodeRequest &request)
+{
+    const int levels = vips_image_get_n_pages(image);
+    const QSize fitted = zqFittedSize({image->Xsize, image->Ysize}, request);
+    int level = 0;
+    while (level + 1 < levels && image->Xsize >> (level + 1) >= fitted.width() &&
+           image->Ysize >> (level + 1) >= fitted.height()) {
+        ++level;
+    }
+    return level;
+}
+
+// How the pixels are to come out.
+struct Pass
+{
+    VipsFailOn failOn;
+    Profile profile;
+};
+
+ZQBitmap thumbnailOfJPEG2000(VipsSource *source, int level, const ZQDecodeRequest &request, const Pass &pass)
+{
+    const ZQVipsImage image = openHeader(source, level, pass.failOn);
+    const int width = request.isFullSize() ? unlimitedSide : request.box.width();
+    const int height = request.isFullSize() ? unlimitedSide : request.box.height();
+    const char *profile = pass.profile == Profile::Apply ? "srgb" : nullptr;
+    VipsImage *out = nullptr;
+    const int failed = image ? vips_thumbnail_image(image.get(), &out, width, "height", height, "size", VIPS_SIZE_DOWN,
+                                                    profile ? "export_profile" : nullptr, profile, nullptr)
+                             : -1;
+    const ZQVipsImage owned(out);
+    return failed ? ZQBitmap() : zqBitmapOfVips(out);
+}
+
+ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pass &pass)
 {
     const int width = request.isFullSize() ? unlimitedSide : request.box.width();
     const int height = request.isFullSize() ? unlimitedSide : request.box.height();
-    const QByteArray options = optionsForFrame(request.frame);
+    const QByteArray options = loadOptions(request.frame, pass.failOn);
+    const char *profile = pass.profile == Profile::Apply ? "srgb" : nullptr;
     VipsImage *out = nullptr;
     const int failed =
-        profile == Profile::Apply
-            ? vips_thumbnail_source(source, &out, width, "height", height, "size", VIPS_SIZE_DOWN, "option_string",
-                                    options.constData(), "fail_on", failOn, "export_profile", "srgb", nullptr)
-            : vips_thumbnail_source(source, &out, width, "height", height, "size", VIPS_SIZE_DOWN, "option_string",
-                                    options.constData(), "fail_on", failOn, nullptr);
-    const ZQVipsImage image(out);
-    return failed ? ZQBitmap() : zqBitmapOfVips(image.get());
+        vips_thumbnail_source(source, &out, width, "height", height, "size", VIPS_SIZE_DOWN, "option_string",
+                              options.constData(), profile ? "export_profile" : nullptr, profile, nullptr);
+    const ZQVipsImage owned(out);
+    return failed ? ZQBitmap() : zqBitmapOfVips(out);
 }
 
 // A progressive JPEG holds the whole picture, coarsely, as soon as its second scan begins.
@@ -94,45 +133,54 @@ bool hasSecondScan(const QString &path)
     return false;
 }
 
-// How many rows come out before the file ends or its data makes no sense.
-int readableRows(const ZQDecodeRequest &request)
+// Whether the upper half comes out before the file ends or its data makes no sense.
+bool isUpperHalfReadable(const ZQDecodeRequest &request)
 {
     const ZQVipsSource source = zqVipsSource(request.path);
-    const ZQVipsImage image =
-        source ? openHeader(source.get(), optionsForFrame(request.frame), VIPS_FAIL_ON_TRUNCATED) : nullptr;
-    if (!image) {
-        return 0;
+    const ZQVipsImage image = source ? openHeader(source.get(), request.frame, VIPS_FAIL_ON_TRUNCATED) : nullptr;
+    VipsImage *half = nullptr;
+    if (!image || vips_extract_area(image.get(), &half, 0, 0, image->Xsize, image->Ysize / 2 + 1, nullptr)) {
+        return false;
     }
-    const std::unique_ptr<VipsRegion, ZQVipsUnref> region(vips_region_new(image.get()));
-    int y = 0;
-    while (y < image->Ysize) {
-        const VipsRect rows{0, y, image->Xsize, qMin(rowsAtOnce, image->Ysize - y)};
-        if (vips_region_prepare(region.get(), &rows)) {
-            break;
-        }
-        y += rows.height;
-    }
-    return y;
+    const ZQVipsImage owned(half);
+    double average = 0;
+    return vips_avg(half, &average, nullptr) == 0;
 }
 
 // Whether more than half of a damaged picture is there.
 bool isMostlyReadable(const ZQDecodeRequest &request, VipsImage *header)
 {
-    const bool readable = integerField(header, "jpeg-multiscan", 0) != 0 ? hasSecondScan(request.path)
-                                                                         : readableRows(request) > header->Ysize / 2;
+    const bool progressive = integerField(header, "jpeg-multiscan", 0) != 0;
+    const bool readable =
+        header->Ysize > 1 && (progressive ? hasSecondScan(request.path) : isUpperHalfReadable(request));
     zqLogVipsError(request.path);
     return readable;
+}
+
+ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
+{
+    const ZQVipsSource source = zqVipsSource(request.path);
+    if (!source) {
+        return {};
+    }
+    return isJPEG2000(header) ? thumbnailOfJPEG2000(source.get(), levelFor(header, request), request, pass)
+                              : thumbnail(source.get(), request, pass);
+}
+
+int frameCount(VipsImage *header)
+{
+    return isJPEG2000(header) ? 1 : qMax(1, vips_image_get_n_pages(header));
 }
 
 ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
 {
     const ZQVipsSource source = zqVipsSource(request.path);
-    const ZQVipsImage header = source ? openHeader(source.get(), {}) : nullptr;
+    const ZQVipsImage header = source ? openHeader(source.get()) : nullptr;
     if (!header) {
         zqSetError(error, zqDamagedError(request.path));
         return {};
     }
-    if (request.frame >= qMax(1, vips_image_get_n_pages(header.get()))) {
+    if (request.frame >= frameCount(header.get())) {
         zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
         return {};
     }
@@ -141,12 +189,12 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
     }
     const bool hasProfile = vips_image_get_typeof(header.get(), VIPS_META_ICC_NAME) != 0;
     const Profile profile = hasProfile ? Profile::Apply : Profile::Ignore;
-    ZQBitmap bitmap = thumbnail(source.get(), request, VIPS_FAIL_ON_TRUNCATED, profile);
+    ZQBitmap bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, profile});
     if (bitmap.isNull() && hasProfile) {
-        bitmap = thumbnail(zqVipsSource(request.path).get(), request, VIPS_FAIL_ON_TRUNCATED, Profile::Ignore);
+        bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, Profile::Ignore});
     }
     if (bitmap.isNull() && isMostlyReadable(request, header.get())) {
-        bitmap = thumbnail(zqVipsSource(request.path).get(), request, VIPS_FAIL_ON_NONE, profile);
+        bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_NONE, Profile::Ignore});
     }
     if (bitmap.isNull()) {
         zqSetError(error, zqDamagedError(request.path));
@@ -189,7 +237,7 @@ std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
 {
     zqEnterVips();
     const ZQVipsSource source = zqVipsSource(path);
-    const ZQVipsImage image = source ? openHeader(source.get(), {}) : nullptr;
+    const ZQVipsImage image = source ? openHeader(source.get()) : nullptr;
     zqLogVipsError(path);
     if (!image) {
         zqSetError(error, zqDamagedError(path));
@@ -202,7 +250,7 @@ std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
     out.bitsPerSample = bitsPerSample(image.get());
     const bool saysResolution = qAbs(image->Xres - 1.0) > 1e-6; // one pixel a millimetre stands for "not said"
     out.dpi = saysResolution && image->Xres < 1e6 ? qRound(image->Xres * 25.4) : 0;
-    out.frameCount = qMax(1, vips_image_get_n_pages(image.get()));
+    out.frameCount = frameCount(image.get());
     out.hasAlpha = vips_image_hasalpha(image.get());
     out.colorModel = colorModel(image->Type);
     return out;
