@@ -1,0 +1,259 @@
+#include "Classes/Import/AImportManager.h"
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/ThumbGenerator.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr int defaultPosition = 0;
+
+tamberin_AppDelegate &application()
+{
+    return *tamberin_AppDelegate::sharedDelegate();
+}
+
+void presentError(const ZQError &error)
+{
+    qCWarning(zqLogImport).noquote() << error.localizedDescription();
+    zqOnMainThread([error] {
+        if (tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate()) {
+            delegate->userInteraction().presentError(error);
+        }
+    });
+}
+
+} // namespace
+
+AImportManager &AImportManager::sharedAImportManager()
+{
+    static AImportManager manager;
+    return manager;
+}
+
+AImportManager::AImportManager()
+    : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_syncOperationQueue(QStringLiteral("Live folders"), 1),
+      m_liveFolderManager(m_syncOperationQueue)
+{
+}
+
+ZQOperationQueue &AImportManager::importOperationQueue()
+{
+    return application().backgroundOperationQueue();
+}
+
+std::shared_ptr<ImportOperation> AImportManager::startImportOfFilesAtPaths(const QStringList &paths,
+                                                                           const ZQObjectID &intoSidebarItemID,
+                                                                           quint32 atIndex, const QVariantMap &metadata)
+{
+    Q_ASSERT(zqIsMainThread());
+    application().saveAction();
+    if (!application().managedObjectContext()) {
+        presentError(ZQError::with(QStringLiteral("zelto.import"), 1,
+                                   zqLocalized("There is no library to import into."),
+                                   zqLocalized("Open or create a library first.")));
+        return nullptr;
+    }
+    auto operation = std::make_shared<ImportOperation>(paths, intoSidebarItemID, atIndex, metadata);
+    importOperationQueue().addOperation(operation);
+    if (importOperationQueue().operationCount() >= 2) {
+        announceQueued(paths);
+    }
+    return operation;
+}
+
+void AImportManager::announceQueued(const QStringList &paths)
+{
+    if (paths.size() == 1 && paths.first().contains(QStringLiteral("ZeltoTemporaryFolder"))) {
+        return;
+    }
+    const QString text = paths.size() == 1
+                             ? zqLocalized("1 item added to the import queue")
+                             : zqFormat(zqLocalized("%d items added to the import queue"), {paths.size()});
+    application().userInteraction().showNotificationWithText(text, defaultPosition, 2.5);
+}
+
+void AImportManager::importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
+                                        const QVariantMap &metadata)
+{
+    startImportOfFilesAtPaths(paths, intoSidebarItemID, atIndex, metadata);
+}
+
+std::shared_ptr<ImportOperation> AImportManager::importFilesAtPaths(const QStringList &paths,
+                                                                    const ZQSidebarBaseItem *intoSidebarItem)
+{
+    return importFilesAtPaths(paths, intoSidebarItem, ZQSidebarBaseItem::appendIndex);
+}
+
+std::shared_ptr<ImportOperation>
+AImportManager::importFilesAtPaths(const QStringList &paths, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex)
+{
+    if (intoSidebarItem && intoSidebarItem->objectID().isTemporary()) {
+        application().saveAction(); // an identifier that another context can find
+    }
+    return startImportOfFilesAtPaths(paths, intoSidebarItem ? intoSidebarItem->objectID() : ZQObjectID(), atIndex, {});
+}
+
+std::shared_ptr<ImportOperation> AImportManager::importFileURLs(const QList<QUrl> &urls,
+                                                                const ZQSidebarBaseItem *intoSidebarItem)
+{
+    return importFileURLs(urls, intoSidebarItem, ZQSidebarBaseItem::appendIndex);
+}
+
+std::shared_ptr<ImportOperation>
+AImportManager::importFileURLs(const QList<QUrl> &urls, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex)
+{
+    QStringList paths;
+    for (const QUrl &url : urls) {
+        if (url.isLocalFile()) {
+            paths.append(url.toLocalFile());
+        }
+    }
+    return importFilesAtPaths(paths, intoSidebarItem, atIndex);
+}
+
+std::shared_ptr<ImportOperation> AImportManager::importItemsFromPasteboard(const QMimeData *pasteboard,
+                                                                           const ZQSidebarBaseItem *intoSidebarItem,
+                                                                           quint32 atIndex)
+{
+    const PasteboardFiles files = PasteboardFiles::filesFromMimeData(pasteboard, temporaryDirectory);
+    if (files.paths.isEmpty()) {
+        return nullptr;
+    }
+    application().saveAction();
+    return startImportOfFilesAtPaths(files.paths, intoSidebarItem ? intoSidebarItem->objectID() : ZQObjectID(), atIndex,
+                                     files.metadata);
+}
+
+void AImportManager::stopAllOperation()
+{
+    importOperationQueue().cancelAllOperations();
+    ZQNotificationCenter::defaultCenter().postNotification(willFinishImportOperation, this);
+}
+
+QString AImportManager::temporaryDirectory()
+{
+    const QString base = tamberin_AppDelegate::temporaryFolder();
+    if (::mkdir(QFile::encodeName(base).constData(), 0700) != 0 && errno != EEXIST) {
+        presentError(ZQError::posix(errno, zqFormat(zqLocalized("The folder %@ cannot be made"), {base})));
+        return {};
+    }
+    QByteArray name = QFile::encodeName(base + QStringLiteral("/t.XXXXXX"));
+    if (!::mkdtemp(name.data())) {
+        presentError(ZQError::posix(errno, zqFormat(zqLocalized("No folder can be made in %@"), {base})));
+        return {};
+    }
+    return QFile::decodeName(name);
+}
+
+QUrl AImportManager::temporaryURL()
+{
+    const QString directory = temporaryDirectory();
+    return directory.isEmpty() ? QUrl() : QUrl::fromLocalFile(directory);
+}
+
+void AImportManager::mergeChanges(const ZQContextDidSave &notification)
+{
+    Q_ASSERT_X(zqIsMainThread(), "mergeChanges", "Not on the main thread");
+    ZQManagedObjectContext *context = application().managedObjectContext();
+    if (context) {
+        context->mergeChangesFromContextDidSaveNotification(notification);
+        ZQError error;
+        if (!context->save(&error)) {
+            qCWarning(zqLogImport).noquote() << "The main context was not saved:" << error.localizedDescription();
+        }
+        const QStringList titles = ZQSidebarTag::contextContainsDuplicatedTags(*context);
+        if (!titles.isEmpty()) {
+            mergeDuplicatedTagNames(titles);
+            application().saveAction();
+        }
+    }
+    ZQNotificationCenter::defaultCenter().postNotification(didFinishImportOperation, this);
+}
+
+void AImportManager::mergeDuplicatedTagNames(const QStringList &titles)
+{
+    ZQManagedObjectContext &context = *application().managedObjectContext();
+    for (const QString &title : titles) {
+        const auto tags = zqFetch<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {title});
+        if (!tags) {
+            continue;
+        }
+        for (qsizetype i = 1; i < tags->size(); ++i) {
+            tags->first()->addTaggedItems(tags->at(i)->taggedItems());
+            tags->at(i)->deletePermanently();
+        }
+    }
+    ZQSidebarTag::reorderAllUserTagsInManagedObjectContext(context);
+}
+
+void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
+{
+    const QString file = item->itemURL();
+    const QString bundle = item->bundleURL();
+    const QString oldThumb = item->thumbURL();
+    const ZQObjectID id = item->objectID();
+    if (file.isEmpty() || bundle.isEmpty()) {
+        qCWarning(zqLogImport) << "An item without a file gets no thumbnail";
+        return;
+    }
+    m_thumbsGenerationQueue.addOperationWithBlock([this, file, bundle, oldThumb, id] {
+        QString thumb;
+        if (!canSkipThumbForPath(file)) {
+            ZQError error;
+            thumb = ThumbGenerator::thumbPathForImageURL(file, bundle, nullptr, &error);
+            if (thumb.isEmpty()) {
+                qCWarning(zqLogImport).noquote()
+                    << zqFormat(QStringLiteral("can't create thumb for %@"), {file}) << error.localizedDescription();
+                return;
+            }
+        }
+        if (!oldThumb.isEmpty() && oldThumb != thumb) {
+            QFile::remove(oldThumb);
+        }
+        zqOnMainThread([this, thumb, id] { updateThumbPath(thumb, id); });
+    });
+}
+
+void AImportManager::updateThumbPath(const QString &path, const ZQObjectID &forObjectID)
+{
+    tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate();
+    ZQManagedObjectContext *context = delegate ? delegate->managedObjectContext() : nullptr;
+    const ZQRef<ZQLibraryBaseItem> item =
+        context ? zqCast<ZQLibraryBaseItem>(context->existingObjectWithID(forObjectID)) : ZQRef<ZQLibraryBaseItem>();
+    if (!item) {
+        return; // deleted, or the library closed, while its thumbnail was made
+    }
+    item->setThumbVersion(item->thumbVersion() + 1);
+    item->setThumbName(path.isEmpty() ? QString() : QFileInfo(path).fileName());
+    if (MainWindowControlling *window = delegate->mainWindowController()) {
+        window->refreshContent();
+    }
+}
+
+bool AImportManager::libraryOnPath(const QString &volumePath) const
+{
+    const QString volume = QDir::cleanPath(volumePath);
+    const QString library = application().libraryBundleDirectory();
+    return !library.isEmpty() && (library == volume || volume == u"/" || library.startsWith(volume + u'/'));
+}
+
+void AImportManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
+{
+    m_liveFolderManager.syncWatchedFolders({folder}, true, force);
+}

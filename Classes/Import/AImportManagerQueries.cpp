@@ -1,0 +1,173 @@
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ThumbGenerator.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+bool isDirectory(const QString &path)
+{
+    return QFileInfo(path).isDir();
+}
+
+template <class Test>
+bool anyPath(const QStringList &paths, Test test)
+{
+    return std::any_of(paths.begin(), paths.end(), test);
+}
+
+} // namespace
+
+bool AImportManager::fileAtPathIsSupported(const QString &path)
+{
+    const ImportKind *kind = importKindForPath(path);
+    if (!kind || kind->takes == ImportKind::Takes::Nothing) {
+        return false;
+    }
+    return isDirectory(path) == (kind->takes == ImportKind::Takes::Package);
+}
+
+bool AImportManager::fileAtPathIsArchive(const QString &path)
+{
+    return isArchivePath(path);
+}
+
+bool AImportManager::filesAtPathsContainsValidItems(const QStringList &paths)
+{
+    return anyPath(paths, fileAtPathIsSupported);
+}
+
+bool AImportManager::filesAtPathsContainsDirectory(const QStringList &paths)
+{
+    return anyPath(paths, isDirectory);
+}
+
+bool AImportManager::filesAtPathsContainsArchive(const QStringList &paths)
+{
+    return anyPath(paths, isArchivePath);
+}
+
+bool AImportManager::areFilesAtPaths(const QStringList &paths, const ZQSidebarBaseItem *validForSidebarItem)
+{
+    const ZQSidebarBaseItem *item = validForSidebarItem;
+    if (!item || item->isRecent() || item->kind() == qint16(ZQSidebarKind::WatchedFoldersLabel)) {
+        return false;
+    }
+    if (item->isWatchedFolder()) {
+        return filesAtPathsContainsValidItems(paths) || filesAtPathsContainsDirectory(paths);
+    }
+    if (item->isLibrary() || item->isProject()) {
+        return filesAtPathsContainsValidItems(paths);
+    }
+    if (item->isFolder() || (item->isDroppableLabel() && !item->isTag())) {
+        return filesAtPathsContainsDirectory(paths) || filesAtPathsContainsArchive(paths);
+    }
+    return !item->isLabel() && item->isTag() && filesAtPathsContainsValidItems(paths);
+}
+
+QStringList AImportManager::supportedTypeForOpenPanel()
+{
+    static const QStringList others{QStringLiteral("pdf"), QStringLiteral("PDF"), QStringLiteral("zip"),
+                                    QStringLiteral("ZIP"), QStringLiteral("rar"), QStringLiteral("RAR"),
+                                    QStringLiteral("eps"), QStringLiteral("EPS"), QStringLiteral("svg"),
+                                    QStringLiteral("SVG")};
+    return ZQImageSource::supportedExtensions() + others;
+}
+
+QStringList AImportManager::removeSubFoldersFromPaths(const QStringList &paths)
+{
+    // A path goes when a different one is its beginning; that one has its own fate, but whatever it lies in begins this
+    // path too.
+    QStringList sorted = paths;
+    std::sort(sorted.begin(), sorted.end());
+    QStringList roots; // in text order a path follows its nearest root directly
+    for (const QString &path : std::as_const(sorted)) {
+        if (roots.isEmpty() || !path.startsWith(roots.last())) {
+            roots.append(path);
+        }
+    }
+    QStringList kept;
+    for (const QString &path : paths) {
+        if (std::binary_search(roots.begin(), roots.end(), path)) {
+            kept.append(path);
+        }
+    }
+    return kept;
+}
+
+QString AImportManager::getActualPath(const QString &path)
+{
+    const QString actual = zqURLFromPersistentData(zqDataForPersistentURL(path));
+    return actual.isEmpty() ? path : actual;
+}
+
+bool AImportManager::isFileReadableAtPath(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct statx attributes = {};
+    if (::statx(AT_FDCWD, name.constData(), AT_STATX_SYNC_AS_STAT, STATX_TYPE, &attributes) != 0 ||
+        ::access(name.constData(), R_OK) != 0) {
+        return false;
+    }
+    const bool isLocked = attributes.stx_attributes & STATX_ATTR_IMMUTABLE;
+    return !isLocked || S_ISDIR(attributes.stx_mode);
+}
+
+QStringList AImportManager::unreadableFilesForFilePaths(const QStringList &paths)
+{
+    QStringList unreadable;
+    for (const QString &path : paths) {
+        if (isDirectory(path)) {
+            unreadable.append(unreadableFilesForDirectory(path));
+        } else if (!isFileReadableAtPath(path)) {
+            unreadable.append(path);
+        }
+    }
+    return unreadable;
+}
+
+QStringList AImportManager::unreadableFilesForDirectory(const QString &directory)
+{
+    QStringList unreadable;
+    if (!isFileReadableAtPath(directory)) {
+        return {directory};
+    }
+    QDirIterator entries(directory, QDir::AllEntries | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories); // links are not followed
+    while (entries.hasNext()) {
+        const QString path = entries.next();
+        if (!entries.fileInfo().isSymLink() && !isFileReadableAtPath(path)) {
+            unreadable.append(path);
+        }
+    }
+    return unreadable;
+}
+
+bool AImportManager::fileIsInsideTemporaryDirectory(const QString &path)
+{
+    static const QStringList beginnings{QStringLiteral("/private/var/"), QStringLiteral("/var/"),
+                                        QStringLiteral("/tmp/")};
+    static const QStringList parts{QStringLiteral("/Library/Caches/"), QStringLiteral("ZeltoTemporaryFolder")};
+    return anyPath(beginnings, [&path](const QString &beginning) { return path.startsWith(beginning); }) ||
+           anyPath(parts, [&path](const QString &part) { return path.contains(part); });
+}
+
+bool AImportManager::canSkipThumbForPath(const QString &path)
+{
+    constexpr qint64 cheapToShow = 262144;
+    return !ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("AlwaysMakeThumbsWhileImporting")) &&
+           ThumbGenerator::willUseNativeQuicklookThumbnailForURL(path) && QFileInfo(path).size() <= cheapToShow;
+}

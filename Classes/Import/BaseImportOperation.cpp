@@ -1,0 +1,463 @@
+#include "Classes/Import/BaseImportOperation.h"
+
+#include "Classes/Application/LibraryBundleManager.h"
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ColorFinder.h"
+#include "Classes/Import/ImportKind.h"
+#include "Classes/Import/KindImportOperations.h"
+#include "Classes/Import/ThumbGenerator.h"
+#include "Classes/Tags/OpenMeta.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageDestination.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+
+namespace {
+
+bool isPackage(const QString &path)
+{
+    const ImportKind *kind = importKindForPath(path);
+    return kind && kind->takes == ImportKind::Takes::Package;
+}
+
+bool isFullDisk(const ZQError &error)
+{
+    return error.domain == ZQError::posixDomain && (error.code == ENOSPC || error.code == EDQUOT);
+}
+
+QString fullDiskReason()
+{
+    return zqLocalized("The disk is full. Free some space and import it again.");
+}
+
+QString reasonForError(const ZQError &error)
+{
+    if (error.domain == ZQError::posixDomain) {
+        switch (error.code) {
+        case ENOSPC:
+        case EDQUOT:
+            return fullDiskReason();
+        case EACCES:
+        case EPERM:
+            return zqLocalized("You have no permission to read it. Change its permissions and import it again.");
+        case ENOENT:
+            return zqLocalized("It is not there any more. Look where it went and import it from there.");
+        case EIO:
+            return zqLocalized("Its disk cannot read it. Check the disk, or import it from a copy.");
+        default:
+            break;
+        }
+    }
+    return error.localizedDescription();
+}
+
+QDateTime dateFromMilliseconds(qint64 milliseconds)
+{
+    return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
+}
+
+} // namespace
+
+ImportSettings ImportSettings::current()
+{
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    const auto integer = [&defaults](const char *key) {
+        return int(std::clamp<qint64>(defaults.integerForKey(QLatin1String(key)), 0, std::numeric_limits<int>::max()));
+    };
+    return {
+        .useAutoTagging = defaults.boolForKey(QStringLiteral("UseAutoTagging")),
+        .importIPTCTags = defaults.boolForKey(QStringLiteral("ImportIPTCTags")),
+        .importOpenMetaTags = defaults.boolForKey(QStringLiteral("ImportOpenMetaTags")),
+        .iconTagSize = integer("IconTagSize"),
+        .smallTagSize = integer("SmallTagSize"),
+        .mediumTagSize = integer("MediumTagSize"),
+    };
+}
+
+std::shared_ptr<BaseImportOperation> BaseImportOperation::importOperationForFilePath(const QString &path)
+{
+    const ImportKind *kind = importKindForPath(path);
+    if (!kind || !AImportManager::fileAtPathIsSupported(path)) {
+        return nullptr;
+    }
+    switch (kind->importer) {
+    case Importer::None:
+        return nullptr;
+    case Importer::Image:
+        return std::make_shared<ImageImportOperation>(path);
+    case Importer::QuickLook:
+        return std::make_shared<QuickLookImportOperation>(path);
+    case Importer::Acorn:
+        return std::make_shared<AcornImportOperation>(path);
+    case Importer::Sketch:
+        return std::make_shared<SketchImportOperation>(path);
+    case Importer::SVG:
+        return std::make_shared<SVGImportOperation>(path);
+    case Importer::PDF:
+        return std::make_shared<PDFImportOperation>(path);
+    case Importer::EPS:
+        return std::make_shared<EPSImportOperation>(path);
+    }
+    return nullptr;
+}
+
+BaseImportOperation::BaseImportOperation(const QString &filePath)
+    : m_fileData(QVariantMap{{QStringLiteral("tags"), QStringList()}}), m_sourcePath(filePath), m_filePath(filePath),
+      m_readPath(filePath), m_settings(ImportSettings::current())
+{
+}
+
+BaseImportOperation::~BaseImportOperation() = default;
+
+void BaseImportOperation::main()
+{
+    using Step = void (BaseImportOperation::*)();
+    static constexpr Step steps[] = {
+        &BaseImportOperation::fillTitle, &BaseImportOperation::addFileToLibrary, &BaseImportOperation::fillDates,
+        &BaseImportOperation::fillSHA1,  &BaseImportOperation::fillExtension,    &BaseImportOperation::fillMetadata,
+    };
+    for (const Step step : steps) {
+        if (isCancelled() || !m_fileData) {
+            break;
+        }
+        (this->*step)();
+    }
+    finish();
+}
+
+void BaseImportOperation::finish()
+{
+    collect();
+    if (m_fileData && !isCancelled()) {
+        m_fileData->insert(QStringLiteral("itemClass"), itemClass());
+        m_fileData->insert(QStringLiteral("bundleID"), zqBaseName(m_libraryItemBundlePath));
+        if (m_slot) {
+            *m_slot = {*m_fileData, m_sourcePath, m_filePath, m_isMove};
+        }
+    } else {
+        removeItemBundle();
+    }
+    m_representationBitmap = {};
+    m_thumbnail = {};
+    if (m_batch) {
+        m_batch->fileDidFinish();
+    }
+}
+
+void BaseImportOperation::collect()
+{
+    using Step = void (BaseImportOperation::*)();
+    static constexpr Step steps[] = {
+        &BaseImportOperation::createThumbForItem,
+        &BaseImportOperation::fillCustomMetadata,
+        &BaseImportOperation::importIPTCTags,
+        &BaseImportOperation::importOpenMetaTags,
+        &BaseImportOperation::importOpenMetaNotes,
+        &BaseImportOperation::fillColors,
+        &BaseImportOperation::fillSize,
+        &BaseImportOperation::fillWebURLAsNotes,
+    };
+    for (const Step step : steps) {
+        if (isCancelled() || !m_fileData) {
+            return;
+        }
+        (this->*step)();
+    }
+}
+
+void BaseImportOperation::drop(const QString &reason)
+{
+    m_fileData.reset();
+    if (m_batch && !m_isTold && !isCancelled()) {
+        m_isTold = true;
+        m_batch->fileDidDrop({m_sourcePath, reason});
+    }
+}
+
+void BaseImportOperation::dropForError(const ZQError &error)
+{
+    if (isFullDisk(error) && m_batch) {
+        m_batch->setRefusal(fullDiskReason());
+    }
+    drop(reasonForError(error));
+}
+
+void BaseImportOperation::removeItemBundle()
+{
+    if (!m_libraryItemBundlePath.isEmpty() && !QDir(m_libraryItemBundlePath).removeRecursively()) {
+        qCWarning(zqLogImport).noquote() << "Error while deleting unused bundle item" << m_libraryItemBundlePath;
+    }
+}
+
+void BaseImportOperation::fillTitle()
+{
+    m_fileData->insert(QStringLiteral("title"), zqBaseName(m_filePath));
+}
+
+// What could make the copy hang, or what no one can want in a library, is told apart before anything is made.
+bool BaseImportOperation::checkSource()
+{
+    const QString refusal = m_batch ? m_batch->refusal() : QString();
+    if (!refusal.isEmpty()) {
+        drop(refusal);
+        return false;
+    }
+    const QFileInfo info(m_filePath);
+    if (!info.exists()) {
+        dropForError(ZQError::posix(ENOENT, m_filePath));
+    } else if (info.isDir() ? !isPackage(m_filePath) : !info.isFile()) {
+        drop(zqLocalized("It is no regular file. Import a copy of what it gives."));
+    } else if (info.isFile() && info.size() == 0) {
+        drop(zqLocalized("The file is empty. Save it again in the program that made it."));
+    }
+    if (m_fileData && info.isSymLink()) {
+        m_readPath = info.canonicalFilePath();
+    }
+    return m_fileData.has_value();
+}
+
+bool BaseImportOperation::copyFile()
+{
+    ZQError error;
+    const QString target = m_libraryItemBundlePath + u'/' + QFileInfo(m_filePath).fileName();
+    m_isMove = m_readPath == m_filePath && AImportManager::fileIsInsideTemporaryDirectory(m_filePath) &&
+               !m_filePath.contains(QStringLiteral("zttemplate"));
+    const auto cancelled = [this] { return isCancelled(); };
+    // A move that can be interrupted anywhere: the source stays until the item has been saved.
+    const auto result = m_isMove ? zqLinkOrCopyFile(m_readPath, target, &error, cancelled)
+                                 : zqCopyFile(m_readPath, target, &error, cancelled);
+    if (!result) {
+        dropForError(error);
+        return false;
+    }
+    if (m_SHA1.isEmpty()) {
+        m_SHA1 = QString::fromLatin1(result->SHA1);
+    }
+    m_filePath = target;
+    return true;
+}
+
+void BaseImportOperation::addFileToLibrary()
+{
+    if (!checkSource()) {
+        return;
+    }
+    // The copy's own dates are those of the copying.
+    m_sourceDates = zqFileDates(m_readPath).value_or(ZQFileDates());
+    m_libraryItemBundlePath = LibraryBundleManager::newLibraryItemBundlePath();
+    if (m_libraryItemBundlePath.isEmpty()) {
+        drop(zqLocalized(
+            "No item directory can be made in the library. Check that the library can be written and has space left."));
+        return;
+    }
+    m_fileData->insert(QStringLiteral("managed"), !m_referenceImage);
+    if (!m_referenceImage && !copyFile()) {
+        return;
+    }
+    const QByteArray reference = zqDataForPersistentURL(m_filePath);
+    if (reference.isEmpty()) {
+        qCWarning(zqLogImport).noquote() << zqFormat(
+            QStringLiteral("%@ couldn't be imported because it's locked or user doesn't have the right permission"),
+            {m_filePath});
+        drop(zqLocalized("It is locked, or you have no permission to read it. Unlock it and import it again."));
+        return;
+    }
+    m_fileData->insert(QStringLiteral("itemURLData"), reference);
+}
+
+void BaseImportOperation::fillDates()
+{
+    const QDateTime now = zqNow();
+    const auto date = [](qint64 milliseconds, const QDateTime &otherwise) {
+        return milliseconds ? dateFromMilliseconds(milliseconds) : otherwise;
+    };
+    const QDateTime creation = date(m_sourceDates.birth, now);
+    const QDateTime modification = date(m_sourceDates.modification, creation);
+    m_fileData->insert(QStringLiteral("creation_date"), creation);
+    m_fileData->insert(QStringLiteral("modification_date"), modification);
+    m_fileData->insert(QStringLiteral("import_date"), now);
+    // Files keep the order of their import; only one from the future sorts by its own date.
+    m_fileData->insert(QStringLiteral("sort_date"), modification > now ? modification : now);
+    m_fileData->insert(QStringLiteral("attributes_modification_date"),
+                       date(m_sourceDates.attributeModification, modification));
+}
+
+void BaseImportOperation::fillSHA1()
+{
+    if (m_SHA1.isEmpty()) {
+        const bool isSketch = zqPathExtension(m_filePath).compare(u"sketch", Qt::CaseInsensitive) == 0;
+        const QString digested = isSketch ? m_filePath + QStringLiteral("/Data") : m_filePath;
+        if (QFileInfo(digested).isFile()) {
+            m_SHA1 = QString::fromLatin1(zqSHA1OfFile(digested));
+        }
+    }
+    if (!m_SHA1.isEmpty()) {
+        m_fileData->insert(QStringLiteral("SHA1"), m_SHA1);
+    }
+}
+
+void BaseImportOperation::fillExtension()
+{
+    const QString extension = zqPathExtension(m_filePath);
+    m_fileData->insert(QStringLiteral("extension"), extension.toLower());
+    m_fileData->insert(QStringLiteral("originalExtension"), extension);
+}
+
+// Where a download came from: the list other desktops keep, else the address this one keeps, and above both what the
+// application itself noted.
+void BaseImportOperation::fillMetadata()
+{
+    QVariant origin = OpenMeta::getXAttrMetaData(OpenMeta::whereFromsKey, m_filePath);
+    if (origin.typeId() == QMetaType::QVariantList) {
+        origin = origin.toList().value(0);
+    }
+    if (!origin.isValid()) {
+        const auto address = ZQExtendedAttributes::get(m_filePath, QStringLiteral("xdg.origin.url"));
+        origin = address ? QVariant(QString::fromUtf8(*address)) : QVariant();
+    }
+    if (origin.typeId() == QMetaType::QString && !origin.toString().isEmpty()) {
+        m_fileData->insert(QStringLiteral("webURL"), origin);
+    }
+    const auto froms = OpenMeta::getNSArrayMetaData(QStringLiteral("zeltoWhereFroms"), m_filePath);
+    if (froms && !froms->isEmpty()) {
+        m_fileData->insert(QStringLiteral("webURL"), froms->first().toString());
+        if (froms->size() > 1) {
+            m_fileData->insert(QStringLiteral("webPageURL"), froms->at(1).toString());
+        }
+    }
+}
+
+bool BaseImportOperation::writeRepresentationBitmap(const ZQBitmap &bitmap, const char *invalidMessage,
+                                                    const ZQError &error)
+{
+    if (bitmap.isNull()) {
+        const QString message = zqFormat(QLatin1String(invalidMessage), {m_filePath});
+        qCWarning(zqLogImport).noquote() << message;
+        drop(error.isNull() ? zqFormat(zqLocalized(invalidMessage), {QFileInfo(m_sourcePath).fileName()})
+                            : reasonForError(error));
+        return false;
+    }
+    ZQError writeError;
+    if (!ZQImageDestination::writePNG(
+            bitmap, m_libraryItemBundlePath + u'/' + ZQLibraryBaseItem::representationBitmapName, &writeError)) {
+        dropForError(writeError);
+        return false;
+    }
+    m_representationBitmap = bitmap;
+    return true;
+}
+
+QString BaseImportOperation::makeThumbnail(ZQError *error)
+{
+    return ThumbGenerator::thumbPathForImageURL(m_filePath, m_libraryItemBundlePath, &m_thumbnail, error);
+}
+
+void BaseImportOperation::createThumbForItem()
+{
+    createRepresentationBitmap();
+    if (!m_fileData || AImportManager::canSkipThumbForPath(m_filePath)) {
+        return;
+    }
+    ZQError error;
+    m_thumbnailPath = makeThumbnail(&error);
+    if (m_thumbnailPath.isEmpty()) {
+        qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("can't create thumb for %@"), {m_filePath});
+        drop(error.isNull()
+                 ? zqLocalized("No picture can be made of it. Open it in another program to see whether it is damaged.")
+                 : reasonForError(error));
+    } else if (isFullDisk(error)) {
+        dropForError(error);
+    } else {
+        m_fileData->insert(QStringLiteral("thumbName"), QFileInfo(m_thumbnailPath).fileName());
+    }
+}
+
+void BaseImportOperation::fillCustomMetadata()
+{
+    for (auto entry = m_metadata.constBegin(); entry != m_metadata.constEnd(); ++entry) {
+        if (entry.key() == u"tags") {
+            addTags(entry.value().toStringList());
+        } else {
+            m_fileData->insert(entry.key(), entry.value());
+        }
+    }
+}
+
+void BaseImportOperation::addTags(const QStringList &tags)
+{
+    QStringList all = m_fileData->value(QStringLiteral("tags")).toStringList();
+    for (const QString &tag : tags) {
+        if (!tag.isEmpty() && !all.contains(tag)) {
+            all.append(tag);
+        }
+    }
+    m_fileData->insert(QStringLiteral("tags"), all);
+}
+
+void BaseImportOperation::importIPTCTags()
+{
+    if (m_settings.importIPTCTags) {
+        addTags(embeddedKeywords());
+    }
+}
+
+void BaseImportOperation::importOpenMetaTags()
+{
+    if (m_settings.importOpenMetaTags) {
+        addTags(OpenMeta::getUserTags(m_filePath).value_or(QStringList()));
+    }
+}
+
+void BaseImportOperation::importOpenMetaNotes()
+{
+    const QVariant comment = OpenMeta::getXAttrMetaData(OpenMeta::finderCommentKey, m_filePath);
+    if (comment.typeId() == QMetaType::QString) {
+        m_fileData->insert(QStringLiteral("notes"), comment);
+    }
+}
+
+QStringList BaseImportOperation::findColors()
+{
+    if (m_thumbnailPath.isEmpty()) {
+        return ColorFinder::colorsForImageURL(m_filePath);
+    }
+    // A PNG thumbnail holds the very pixels that were made; those of a JPEG are known only after reading it back.
+    const bool isExact = m_thumbnailPath.endsWith(QStringLiteral(".png")) && !m_thumbnail.isNull();
+    return isExact ? ColorFinder::colorsForBitmap(m_thumbnail) : ColorFinder::colorsForImageURL(m_thumbnailPath);
+}
+
+void BaseImportOperation::fillColors()
+{
+    if (!m_settings.useAutoTagging) {
+        return;
+    }
+    const QStringList colors = findColors();
+    addTags(colors);
+    if (!colors.isEmpty()) {
+        m_fileData->insert(QStringLiteral("mainColor"), ColorFinder::colorValueForName(colors.first()));
+    }
+}
+
+void BaseImportOperation::fillWebURLAsNotes()
+{
+    QString url = m_fileData->value(QStringLiteral("webPageURL")).toString();
+    if (url.isEmpty()) {
+        url = m_fileData->value(QStringLiteral("webURL")).toString();
+    }
+    const QString notes = m_fileData->value(QStringLiteral("notes")).toString();
+    if (url.isEmpty() || notes == url) {
+        return;
+    }
+    m_fileData->insert(QStringLiteral("notes"),
+                       notes.isEmpty() ? url : url + zqFormat(QStringLiteral("\n %@"), {notes}));
+}

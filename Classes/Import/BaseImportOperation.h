@@ -1,0 +1,117 @@
+#pragma once
+
+#include "Classes/Import/ImportReport.h"
+#include "Classes/Import/ImportSettings.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Imaging/ZQBitmap.h"
+#include "Kit/Operations/ZQOperation.h"
+
+#include <QVariantMap>
+
+#include <optional>
+
+// What one file gave. `fileData` holds attribute values of the item to be, by attribute name, and besides "itemClass"
+// and "tags".
+struct ImportedFile
+{
+    QVariantMap fileData; // empty: nothing came of the file
+    QString sourcePath;   // what was asked for
+    QString filePath;     // where the item's file is
+    bool isMove = false;  // the source is to be removed once the item is saved
+};
+
+// Whom a file's operation reports to. Any thread.
+class ImportBatch
+{
+public:
+    virtual ~ImportBatch() = default;
+    virtual void fileDidDrop(const DroppedFile &file) = 0;
+    virtual void fileDidFinish() = 0;
+    // Why no further file can be taken (a full disk); empty as long as there is no reason.
+    virtual QString refusal() const = 0;
+    virtual void setRefusal(const QString &reason) = 0;
+};
+
+// Brings one file into the library: copies it into an item directory of its own and collects what the item will say.
+// Touches no store. A file that fails is reported to the batch and leaves nothing behind. Kinds override the steps.
+class BaseImportOperation : public ZQOperation
+{
+public:
+    // Null for a file that no importer takes.
+    static std::shared_ptr<BaseImportOperation> importOperationForFilePath(const QString &path);
+
+    explicit BaseImportOperation(const QString &filePath);
+    ~BaseImportOperation() override;
+
+    // Before the start.
+    void setMetadata(const QVariantMap &metadata) { m_metadata = metadata; }
+    void setImportData(ImportedFile *slot) { m_slot = slot; }                          // outlives the operation's run
+    void setFatherOperation(ImportBatch *batch) { m_batch = batch; }                   // outlives the operation's run
+    void setReferenceImage(bool referenceImage) { m_referenceImage = referenceImage; } // leave the file where it is
+    void setSHA1(const QString &SHA1) { m_SHA1 = SHA1; }
+    void setSettings(const ImportSettings &settings) { m_settings = settings; }
+
+    QString filePath() const { return m_filePath; }
+    const std::optional<QVariantMap> &fileData() const { return m_fileData; } // nothing after a failure
+
+    void main() override;
+
+protected:
+    virtual QString itemClass() const = 0; // an entity's name
+    virtual void fillExtension();
+    virtual void fillMetadata();
+    virtual void fillSize() {}
+    virtual QStringList findColors();
+    // Puts a picture of a file that the image decoder cannot show into the item directory.
+    virtual void createRepresentationBitmap() {}
+    virtual QStringList embeddedKeywords() const { return {}; }
+
+    void fillTitle();
+    void addFileToLibrary();
+    void fillDates();
+    void fillSHA1();
+    void createThumbForItem();
+    void fillCustomMetadata();
+    void importIPTCTags();
+    void importOpenMetaTags();
+    void importOpenMetaNotes();
+    void fillColors();
+    void fillWebURLAsNotes();
+
+    void addTags(const QStringList &tags);
+    // Ends this file's import.
+    void drop(const QString &reason);
+    void dropForError(const ZQError &error);
+    // Writes "___itemBitmap.png" and keeps the bitmap for the thumbnail. False when that dropped the file.
+    bool writeRepresentationBitmap(const ZQBitmap &bitmap, const char *invalidMessage, const ZQError &error);
+
+    const ImportSettings &settings() const { return m_settings; }
+    QString sourcePath() const { return m_sourcePath; }
+
+    std::optional<QVariantMap> m_fileData;
+
+private:
+    void finish();
+    void collect();
+    bool checkSource();
+    bool copyFile();
+    void removeItemBundle();
+    QString makeThumbnail(ZQError *error);
+
+    QString m_sourcePath;
+    QString m_filePath;
+    QString m_readPath; // the source, links followed
+    QString m_libraryItemBundlePath;
+    QString m_thumbnailPath;
+    ZQBitmap m_representationBitmap;
+    ZQBitmap m_thumbnail;
+    QVariantMap m_metadata;
+    QString m_SHA1;
+    ImportSettings m_settings;
+    ZQFileDates m_sourceDates;
+    ImportedFile *m_slot = nullptr;
+    ImportBatch *m_batch = nullptr;
+    bool m_referenceImage = false;
+    bool m_isMove = false;
+    bool m_isTold = false;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+// Which files can be imported, and by what: one table, by the name's extension alone. Any thread.
+
+enum class Importer : quint8 { None, Image, QuickLook, Acorn, Sketch, SVG, PDF, EPS };
+
+struct ImportKind
+{
+    enum class Match : quint8 { Type, ConformingType, Extension };
+    enum class Takes : quint8 { File, Package, Nothing }; // a package is a folder that counts as one document
+
+    const char *name; // the type or the extension
+    Match match;
+    Takes takes;
+    Importer importer;
+};
+
+// The row for a name; null for a kind nobody knows here.
+const ImportKind *importKindForPath(const QString &path);
+bool isArchivePath(const QString &path); // "zip" or "rar"

@@ -1,0 +1,174 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Import/BaseImportOperation.h"
+#include "Classes/Import/ImportReport.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QSet>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+// One import request: sorts paths into folders and files, has each file copied and read on an inner queue, makes
+// library items of the results in a context of its own, puts them where they belong and saves.
+//
+// Made on the main thread, runs on the background queue. Every file asked for ends as an item or in the report with a
+// reason, save hidden ones inside folders.
+class ImportOperation : public ZQOperation, private ImportBatch
+{
+public:
+    static inline const QString sidebarItemDidAddItem = QStringLiteral("SidebarItemDidAddItem"); // userInfo "objectID"
+    static constexpr quint32 appendIndex = ZQSidebarBaseItem::appendIndex;
+
+    ImportOperation(const QStringList &itemsToImport, const ZQObjectID &rootSidebarItem, quint32 index,
+                    const QVariantMap &metadata);
+    ~ImportOperation() override;
+
+    const ImportReport &report() const { return m_report; }
+    quint32 originalDropIndex() const { return m_originalDropIndex; }
+    const QStringList &foldersAndArchivesPathOrdered() const { return m_foldersAndArchivesPathOrdered; }
+
+    void main() override;
+
+private:
+    // Files that go into one sidebar item.
+    struct Group
+    {
+        ZQRef<ZQSidebarBaseItem> project;
+        QStringList files;
+    };
+
+    // What is kept of an item once it was made.
+    struct CreatedItem
+    {
+        ZQObjectID objectID; // temporary until saved
+        QString bundleID;
+        QString SHA1;
+        QString filePath;
+        QString thumbName;
+        QString sourcePath;
+        QStringList tags;
+        QString notes;
+        bool isMove = false;
+        bool isGone = false; // taken out again
+    };
+
+    // Files whose operations run together, each with its slot.
+    struct Chunk
+    {
+        std::vector<ImportedFile> fileProcessed;
+        std::vector<std::shared_ptr<BaseImportOperation>> operations;
+    };
+
+    // Where the items of a group go.
+    struct Place
+    {
+        ZQRef<ZQSidebarBaseItem> project;
+        quint32 position = 0;
+        bool isExplicit = false;
+    };
+
+    // An item of the library, and the new ones with the same digest.
+    struct Duplicate
+    {
+        ZQRef<ZQLibraryBaseItem> existing;
+        std::vector<std::size_t> created; // in m_createdItems
+    };
+
+    // ImportBatch; any thread.
+    void fileDidDrop(const DroppedFile &file) override;
+    void fileDidFinish() override;
+    QString refusal() const override;
+    void setRefusal(const QString &reason) override;
+
+    // Start.
+    bool setUp();
+    void importIntoTarget();
+    void importFlat(ZQSidebarBaseItem &target);
+    void importStructured(ZQSidebarBaseItem &target);
+    QStringList screened(const QStringList &files);
+    QStringList supportedFiles();
+    void addLooseFiles(const QStringList &files, ZQSidebarBaseItem &target, quint32 &dropIndex, QList<Group> &groups);
+    QList<Group> projectsToImportFromDirectory(const QString &directoryPath, ZQSidebarBaseItem *inFolder,
+                                               quint32 atIndex);
+    void beginProgress();
+    bool saveStructure();
+    static void logSaveError(const ZQError &error);
+
+    // Groups.
+    void importFiles(const Group &group);
+    std::unique_ptr<Chunk> startChunk(const QStringList &files);
+    void finishChunk(Chunk &chunk, Place &place);
+    ZQRef<ZQLibraryBaseItem> insertItem(const ImportedFile &file);
+    void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
+    ZQRef<ZQSidebarTag> tagWithName(const QString &name);
+    bool saveItems();
+    void forgetUnsavedItems(const ZQError &error);
+
+    // Finish.
+    void finish();
+    void checkForDuplicateImport();
+    std::vector<Duplicate> findDuplicates();
+    QList<DuplicatePair> duplicatePairs(const std::vector<Duplicate> &duplicates) const;
+    void resolveDuplicate(const Duplicate &duplicate, DuplicateChoice choice);
+    void relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created);
+    void removeEverythingCreated();
+    void enableSidebarItems();
+    void completeItems();
+    void removeBundles();
+    void writeReport(bool isCancelled);
+    void tellResult(bool isCancelled);
+    void tellDropped();
+    void notify(const QString &text, int position, double seconds);
+
+    ZQRef<ZQLibraryBaseItem> object(const CreatedItem &item);
+    static QString bundlePath(const QString &bundleID);
+    void dropAll(const QStringList &paths, const QString &reason,
+                 DroppedFile::Telling telling = DroppedFile::Telling::InWindow);
+
+    const QStringList m_itemsToImport;
+    const ZQObjectID m_rootSidebarItem;
+    quint32 m_index;
+    quint32 m_originalDropIndex;
+    const QVariantMap m_metadata;
+    const ImportSettings m_settings;
+    const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    UserInteraction &m_userInteraction;
+    ImportReport m_report;
+
+    std::chrono::steady_clock::time_point m_startDate;
+    std::unique_ptr<ZQOperationQueue> m_importOperationQueue;
+    std::unique_ptr<ZQManagedObjectContext> m_moc;
+    ZQOperation::Token m_cancellationObserver;
+    ZQManagedObjectContext::Token m_mainThreadSaveObserver;
+
+    QStringList m_requestedFiles; // every single file that was to become an item
+    QStringList m_foldersAndArchivesPathOrdered;
+    bool m_hasArchives = false;
+    bool m_isProcessed = false; // the last group gave something
+
+    std::vector<CreatedItem> m_createdItems;
+    qsizetype m_savedItemCount = 0;
+    QList<ZQRef<ZQLibraryBaseItem>> m_unsavedItems;        // those of `m_createdItems` from `m_savedItemCount` on
+    QList<ZQRef<ZQSidebarBaseItem>> m_createdSidebarItems; // tags included
+    QHash<QString, ZQRef<ZQSidebarTag>> m_tags;
+    QStringList m_bundlesToRemove;
+
+    std::shared_ptr<UserProgress> m_progress;
+    std::atomic<qint64> m_numberOfItemToImport = 0;
+    mutable std::mutex m_mutex;
+    QString m_refusal;
+    QSet<QString> m_droppedPaths;
+    int m_unreportedProgress = 0;
+    std::chrono::steady_clock::time_point m_lastProgress;
+};

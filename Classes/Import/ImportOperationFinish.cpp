@@ -1,0 +1,302 @@
+#include "Classes/Import/ImportOperation.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+#include "Models/DataModel/ZQProjectItem.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+constexpr int browserPosition = 1;
+constexpr qsizetype digestsInOneQuery = 500;
+constexpr std::chrono::duration<double> longEnoughToBeElsewhere(20.0);
+
+void removeSource(const QString &path)
+{
+    const bool isRemoved = QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path);
+    if (!isRemoved) {
+        qCInfo(zqLogImport).noquote() << "The imported file" << path
+                                      << "could not be removed from the temporary folder";
+    }
+}
+
+} // namespace
+
+void ImportOperation::finish()
+{
+    if (!isCancelled() && m_moc) {
+        checkForDuplicateImport();
+    }
+    const bool wasCancelled = isCancelled(); // what comes later comes too late
+    if (m_moc) {
+        if (wasCancelled) {
+            removeEverythingCreated();
+        }
+        const bool isSaved = saveItems();
+        if (isSaved && !wasCancelled) {
+            completeItems();
+        }
+        removeBundles();
+        enableSidebarItems();
+        m_mainThreadSaveObserver.reset();
+        m_cancellationObserver.reset();
+        m_moc.reset();
+    }
+    writeReport(wasCancelled);
+    tellResult(wasCancelled);
+    m_progress.reset();
+}
+
+std::vector<ImportOperation::Duplicate> ImportOperation::findDuplicates()
+{
+    QHash<QString, std::vector<std::size_t>> createdBySHA1;
+    QSet<ZQObjectID> created;
+    for (std::size_t i = 0; i < m_createdItems.size(); ++i) {
+        created.insert(m_createdItems[i].objectID);
+        if (!m_createdItems[i].SHA1.isEmpty()) {
+            createdBySHA1[m_createdItems[i].SHA1].push_back(i);
+        }
+    }
+    QHash<QString, ZQRef<ZQLibraryBaseItem>> existing;
+    const QStringList digests = createdBySHA1.keys();
+    for (qsizetype first = 0; first < digests.size(); first += digestsInOneQuery) {
+        // Saved rows only: what this batch has not saved yet cannot be there already.
+        const auto items = zqFetch<ZQLibraryBaseItem>(
+            *m_moc,
+            ZQFetchRequest{.entityName = ZQLibraryBaseItem::entityName(),
+                           .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("SHA1 in %@ AND active == YES"),
+                                                                         {digests.mid(first, digestsInOneQuery)}),
+                           .includesPendingChanges = false});
+        for (const ZQRef<ZQLibraryBaseItem> &item : items.value_or(QList<ZQRef<ZQLibraryBaseItem>>())) {
+            if (!created.contains(item->objectID())) {
+                existing.insert(item->SHA1(), item);
+            }
+        }
+    }
+    std::vector<Duplicate> duplicates;
+    for (auto entry = existing.constBegin(); entry != existing.constEnd(); ++entry) {
+        duplicates.push_back({entry.value(), createdBySHA1.value(entry.key())});
+    }
+    std::sort(duplicates.begin(), duplicates.end(),
+              [](const Duplicate &a, const Duplicate &b) { return a.created.front() < b.created.front(); });
+    return duplicates;
+}
+
+QList<DuplicatePair> ImportOperation::duplicatePairs(const std::vector<Duplicate> &duplicates) const
+{
+    QList<DuplicatePair> pairs;
+    for (const Duplicate &duplicate : duplicates) {
+        const CreatedItem &created = m_createdItems[duplicate.created.front()];
+        const ZQRef<ZQLibraryBaseItem> &item = duplicate.existing;
+        QStringList places;
+        for (const ZQRef<ZQSidebarBaseItem> &project : item->projects()) {
+            places.append(project->title());
+        }
+        const QString path = item->itemURL();
+        const QFileInfo file(created.filePath);
+        pairs.append(
+            {.SHA1 = created.SHA1,
+             .existingTitle = item->title(),
+             .existingPath = path,
+             .existingThumbPath = item->thumbURL().isEmpty() ? path : item->thumbURL(),
+             .existingPlaces = places,
+             .existingImportDate = item->import_date(),
+             .newTitle = file.completeBaseName(),
+             .newPath = created.sourcePath,
+             .newThumbPath = created.thumbName.isEmpty() ? created.filePath : file.path() + u'/' + created.thumbName,
+             .bytes = file.size(),
+             .pixelWidth = item->pixelWidth(),
+             .pixelHeight = item->pixelHeight()});
+    }
+    return pairs;
+}
+
+void ImportOperation::checkForDuplicateImport()
+{
+    const std::vector<Duplicate> duplicates = findDuplicates();
+    if (duplicates.empty()) {
+        return;
+    }
+    const QList<DuplicatePair> pairs = duplicatePairs(duplicates);
+    std::optional<QList<DuplicateChoice>> choices;
+    zqOnMainThreadAndWait([&] { choices = m_userInteraction.resolveDuplicates(pairs); });
+    if (!choices) {
+        cancel();
+        return;
+    }
+    for (std::size_t i = 0; i < duplicates.size(); ++i) {
+        resolveDuplicate(duplicates[i], choices->value(qsizetype(i), DuplicateChoice::KeepBoth));
+    }
+}
+
+void ImportOperation::resolveDuplicate(const Duplicate &duplicate, DuplicateChoice choice)
+{
+    if (choice == DuplicateChoice::KeepBoth) {
+        return;
+    }
+    const bool relinks = choice == DuplicateChoice::Relink;
+    const QString reason =
+        zqFormat(relinks ? zqLocalized("The library has it already, as “%@”; that item was put in its place.")
+                         : zqLocalized("The library has it already, as “%@”; the new copy was discarded."),
+                 {duplicate.existing->title()});
+    for (const std::size_t index : duplicate.created) {
+        CreatedItem &created = m_createdItems[index];
+        const ZQRef<ZQLibraryBaseItem> item = object(created);
+        if (!item) {
+            continue;
+        }
+        if (relinks) {
+            relink(*duplicate.existing, *item);
+        }
+        item->deletePermanently();
+        created.isGone = true;
+        m_bundlesToRemove.append(created.bundleID);
+        fileDidDrop({created.sourcePath, reason, DroppedFile::Telling::Quietly});
+    }
+}
+
+void ImportOperation::relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created)
+{
+    if (!m_rootSidebarItem.isNull()) {
+        if (const auto tag = zqCast<ZQSidebarTag>(m_moc->objectWithID(m_rootSidebarItem))) {
+            tag->addItem(&existing);
+        }
+    }
+    for (const ZQRef<ZQProjectItem> &membership : created.projectsItems()) {
+        if (const ZQRef<ZQSidebarBaseItem> project = membership->project()) {
+            project->addItem(&existing, quint32(membership->order()), false);
+        }
+    }
+}
+
+void ImportOperation::removeEverythingCreated()
+{
+    for (CreatedItem &created : m_createdItems) {
+        if (const ZQRef<ZQLibraryBaseItem> item = object(created); item && !created.isGone) {
+            item->deletePermanently();
+        }
+        created.isGone = true;
+        m_bundlesToRemove.append(created.bundleID);
+    }
+    for (const ZQRef<ZQSidebarBaseItem> &item : std::as_const(m_createdSidebarItems)) {
+        if (item->managedObjectContext() && !item->isDeleted()) { // a father takes its children along
+            item->deletePermanently();
+        }
+    }
+}
+
+// What is due once the items are safe: the moved files leave where they were, and tags and notes go into the library's
+// copies.
+void ImportOperation::completeItems()
+{
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    const bool writesTags = environment.writesTagsToFiles();
+    for (const CreatedItem &created : m_createdItems) {
+        if (created.isGone) {
+            continue;
+        }
+        if (created.isMove) {
+            removeSource(created.sourcePath);
+        }
+        if (writesTags) {
+            environment.writeTagsToFile(created.filePath, created.tags, created.notes);
+        }
+    }
+}
+
+void ImportOperation::removeBundles()
+{
+    for (const QString &bundleID : std::as_const(m_bundlesToRemove)) {
+        if (!bundleID.isEmpty() && !QDir(bundlePath(bundleID)).removeRecursively()) {
+            qCWarning(zqLogImport).noquote() << "Error while deleting unused bundle item" << bundlePath(bundleID);
+        }
+    }
+    m_bundlesToRemove.clear();
+}
+
+void ImportOperation::enableSidebarItems()
+{
+    m_unsavedItems.clear();
+    m_createdSidebarItems.clear();
+    m_tags.clear();
+    m_moc->reset();
+    const auto items = zqFetch<ZQSidebarBaseItem>(*m_moc, QStringLiteral("enabled == %@"), {false});
+    for (const ZQRef<ZQSidebarBaseItem> &item : items.value_or(QList<ZQRef<ZQSidebarBaseItem>>())) {
+        item->setEnabled(true);
+    }
+    ZQError error;
+    if (!m_moc->save(&error)) {
+        logSaveError(error);
+    }
+}
+
+void ImportOperation::writeReport(bool wasCancelled)
+{
+    QStringList imported;
+    QSet<QString> importedPaths;
+    for (const CreatedItem &created : m_createdItems) {
+        if (!created.isGone) {
+            imported.append(created.bundleID);
+            importedPaths.insert(created.sourcePath);
+        }
+    }
+    m_report.setImported(imported);
+    const QString refused = refusal();
+    const QString reason = wasCancelled ? zqLocalized("The import was cancelled. Import it again if you want it.")
+                           : refused.isEmpty() ? zqLocalized("It was left out. Import it again.")
+                                               : refused;
+    for (const QString &path : std::as_const(m_requestedFiles)) {
+        if (!importedPaths.contains(path)) {
+            fileDidDrop({path, reason, wasCancelled ? DroppedFile::Telling::Quietly : DroppedFile::Telling::InWindow});
+        }
+    }
+}
+
+void ImportOperation::tellResult(bool wasCancelled)
+{
+    const bool tookLong = std::chrono::steady_clock::now() - m_startDate > longEnoughToBeElsewhere;
+    const bool isWanted = tookLong && !wasCancelled && !(m_hasArchives && m_itemsToImport.size() == 1);
+    const bool gaveNothing = !m_hasArchives && !m_isProcessed;
+    if (gaveNothing && !wasCancelled) {
+        notify(zqLocalized("Nothing to import!"), browserPosition, 2.0);
+    }
+    if (isWanted) {
+        const QString title = gaveNothing ? zqLocalized("Import Invalid") : zqLocalized("Import Successful");
+        const QString text =
+            gaveNothing ? zqLocalized("Nothing to import") : zqLocalized("Import operation successful");
+        zqOnMainThread([&user = m_userInteraction, title, text] { user.showSystemNotification(title, text); });
+    }
+    if (!wasCancelled) {
+        tellDropped();
+    }
+}
+
+void ImportOperation::tellDropped()
+{
+    QList<DroppedFile> told = m_report.dropped();
+    told.removeIf([](const DroppedFile &file) { return file.telling == DroppedFile::Telling::Quietly; });
+    if (told.isEmpty()) {
+        return;
+    }
+    const QString name = QFileInfo(told.first().path).fileName();
+    const QString text =
+        told.size() == 1
+            ? zqFormat(zqLocalized("“%@” could not be imported: %@"), {name, told.first().reason})
+            : zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), told.first().reason});
+    notify(text, browserPosition, 6.0);
+}
+
+void ImportOperation::notify(const QString &text, int position, double seconds)
+{
+    m_report.addNotification(text);
+    zqOnMainThread([&user = m_userInteraction, text, position, seconds] {
+        user.showNotificationWithText(text, position, seconds);
+    });
+}

@@ -1,0 +1,205 @@
+#include "Classes/Import/ImportOperation.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+#include "Models/DataModel/ZQProjectItem.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+// A group becomes items once all its files have been read. A batch of very many files would show nothing for minutes
+// that way and keep every result in memory, so it goes in chunks of one group after another: while one chunk becomes
+// items and is saved, the files of the next are being read. The order, the positions and the tags come out the same,
+// since chunks follow each other in the order of the files and the positions run on. What a chunk saved stays on the
+// batch's account until the end: a cancel removes it, and duplicates are asked about once, after the last file.
+namespace {
+constexpr qsizetype largeBatch = 1000;
+constexpr qsizetype chunkSize = 256;
+} // namespace
+
+void ImportOperation::importFiles(const Group &group)
+{
+    const bool isLarge = m_requestedFiles.size() > largeBatch;
+    const qsizetype size = isLarge ? chunkSize : std::max<qsizetype>(group.files.size(), 1);
+    m_isProcessed = false;
+
+    Place place{.project = group.project, .position = m_index, .isExplicit = m_index != appendIndex};
+    std::unique_ptr<Chunk> running = startChunk(group.files.mid(0, size));
+    if (!place.isExplicit && !place.project->isLibrary() && !place.project->isTag()) {
+        place.position = quint32(place.project->numberOfItems());
+    }
+    for (qsizetype next = size; running; next += size) {
+        std::unique_ptr<Chunk> following;
+        if (next < group.files.size() && !isCancelled()) {
+            following = startChunk(group.files.mid(next, size));
+        }
+        finishChunk(*running, place);
+        if (isLarge && m_unsavedItems.size() >= chunkSize && !isCancelled()) {
+            saveItems();
+        }
+        running = std::move(following);
+    }
+    ZQNotificationCenter::defaultCenter().postNotification(
+        sidebarItemDidAddItem, nullptr, {{QStringLiteral("objectID"), QVariant::fromValue(group.project->objectID())}});
+}
+
+std::unique_ptr<ImportOperation::Chunk> ImportOperation::startChunk(const QStringList &files)
+{
+    auto chunk = std::make_unique<Chunk>();
+    chunk->fileProcessed.resize(std::size_t(files.size()));
+    for (const QString &path : files) {
+        const auto operation = BaseImportOperation::importOperationForFilePath(path);
+        if (!operation) {
+            fileDidDrop(
+                {path, zqLocalized("Nothing here can unpack it. Unpack it yourself and import what it holds.")});
+            continue;
+        }
+        operation->setMetadata(m_metadata);
+        operation->setSettings(m_settings);
+        operation->setImportData(&chunk->fileProcessed[chunk->operations.size()]);
+        operation->setFatherOperation(this);
+        chunk->operations.push_back(operation);
+        m_importOperationQueue->addOperation(operation);
+    }
+    if (isCancelled()) {
+        m_importOperationQueue->cancelAllOperations(); // the cancel may have come before the last of them was queued
+    }
+    return chunk;
+}
+
+void ImportOperation::finishChunk(Chunk &chunk, Place &place)
+{
+    for (const auto &operation : chunk.operations) {
+        operation->waitUntilFinished();
+    }
+    chunk.operations.clear();
+    QList<ZQRef<ZQLibraryBaseItem>> placed;
+    QList<quint32> positions;
+    for (const ImportedFile &file : chunk.fileProcessed) {
+        if (file.fileData.isEmpty()) {
+            qCDebug(zqLogImport) << "NULL Found in file array!!";
+            continue;
+        }
+        m_isProcessed = true;
+        if (isCancelled()) {
+            m_bundlesToRemove.append(file.fileData.value(QStringLiteral("bundleID")).toString());
+            continue;
+        }
+        const ZQRef<ZQLibraryBaseItem> item = insertItem(file);
+        if (!item) {
+            continue;
+        }
+        if (const auto tag = zqCast<ZQSidebarTag>(place.project)) {
+            item->addTagsObject(tag.get());
+            m_createdItems.back().tags.append(tag->title());
+        } else if (place.isExplicit && !place.project->isLibrary()) {
+            placed.append(item);
+            positions.append(place.position++);
+        } else if (!place.project->isLibrary()) {
+            const auto membership = m_moc->insertNewObject<ZQProjectItem>();
+            membership->setProject(place.project.get());
+            membership->setItem(item.get());
+            membership->setOrder(qint32(place.position++));
+        }
+        --m_numberOfItemToImport;
+    }
+    if (!placed.isEmpty()) {
+        place.project->addItems(placed, positions); // all at once: each one moves the members behind it
+    }
+}
+
+ZQRef<ZQLibraryBaseItem> ImportOperation::insertItem(const ImportedFile &file)
+{
+    QVariantMap values = file.fileData;
+    const QStringList tags = values.take(QStringLiteral("tags")).toStringList();
+    const QString itemClass = values.take(QStringLiteral("itemClass")).toString();
+    const auto item = zqCast<ZQLibraryBaseItem>(m_moc->insertNewObjectForEntityForName(itemClass));
+    if (!item) {
+        qCWarning(zqLogImport) << "There is no item class" << itemClass;
+        m_bundlesToRemove.append(values.value(QStringLiteral("bundleID")).toString());
+        fileDidDrop({file.sourcePath, zqLocalized("The library has no items of this kind.")});
+        return {};
+    }
+    for (auto value = values.constBegin(); value != values.constEnd(); ++value) {
+        item->setValueForKey(value.value(), value.key());
+    }
+    m_unsavedItems.append(item);
+    m_createdItems.push_back({.objectID = item->objectID(),
+                              .bundleID = item->bundleID(),
+                              .SHA1 = item->SHA1(),
+                              .filePath = file.filePath,
+                              .thumbName = item->thumbName(),
+                              .sourcePath = file.sourcePath,
+                              .tags = {},
+                              .notes = item->notes(),
+                              .isMove = file.isMove});
+    tagItem(*item, tags);
+    return item;
+}
+
+void ImportOperation::tagItem(ZQLibraryBaseItem &item, const QStringList &tags)
+{
+    for (const QString &name : tags) {
+        if (const ZQRef<ZQSidebarTag> tag = tagWithName(name)) {
+            item.addTagsObject(tag.get());
+            m_createdItems.back().tags.append(tag->title());
+        }
+    }
+}
+
+ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &name)
+{
+    if (const auto known = m_tags.constFind(name); known != m_tags.constEnd()) {
+        return *known;
+    }
+    ZQRef<ZQSidebarTag> tag = ZQSidebarTag::tagWithTagName(name, *m_moc);
+    if (!tag) {
+        tag = ZQSidebarTag::addNewTagWithName(name, *m_moc);
+        if (tag) {
+            m_createdSidebarItems.append(tag);
+        }
+    }
+    m_tags.insert(name, tag);
+    return tag;
+}
+
+bool ImportOperation::saveItems()
+{
+    ZQError error;
+    const QString library = ZQLibraryEnvironment::current().libraryDirectory();
+    const bool isSynced =
+        m_unsavedItems.isEmpty() || zqSyncFileSystem(library, &error); // files are safe before rows name them
+    m_moc->processPendingChanges();
+    if (!isSynced || !m_moc->save(&error)) {
+        logSaveError(error);
+        forgetUnsavedItems(error);
+        return false;
+    }
+    for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(m_unsavedItems)) {
+        m_createdItems[std::size_t(m_savedItemCount++)].objectID = item->objectID();
+    }
+    m_unsavedItems.clear();
+    return true;
+}
+
+// After a save that failed: those files are where they were before, and no further ones are begun.
+void ImportOperation::forgetUnsavedItems(const ZQError &error)
+{
+    const QString reason =
+        zqFormat(zqLocalized("The library could not be saved: %@ Import it again once that is mended."),
+                 {error.localizedDescription()});
+    setRefusal(reason);
+    m_moc->rollback();
+    m_tags.clear();
+    m_unsavedItems.clear();
+    for (std::size_t i = std::size_t(m_savedItemCount); i < m_createdItems.size(); ++i) {
+        m_bundlesToRemove.append(m_createdItems[i].bundleID);
+        if (!m_createdItems[i].isGone) {
+            fileDidDrop({m_createdItems[i].sourcePath, reason});
+        }
+    }
+    m_createdItems.resize(std::size_t(m_savedItemCount));
+}

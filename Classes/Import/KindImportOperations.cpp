@@ -1,0 +1,78 @@
+#include "Classes/Import/KindImportOperations.h"
+
+#include "Classes/Import/ThumbGenerator.h"
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Imaging/ZQPreviewService.h"
+#include "Models/DataModel/ZQLibraryAcorn.h"
+#include "Models/DataModel/ZQLibraryEPS.h"
+#include "Models/DataModel/ZQLibraryPDF.h"
+#include "Models/DataModel/ZQLibraryQuickLookImage.h"
+#include "Models/DataModel/ZQLibrarySVG.h"
+#include "Models/DataModel/ZQLibrarySketch.h"
+
+namespace {
+constexpr QSize previewBox(1000, 1000);
+}
+
+QString PDFImportOperation::itemClass() const
+{
+    return ZQLibraryPDF::entityName();
+}
+QString QuickLookImportOperation::itemClass() const
+{
+    return ZQLibraryQuickLookImage::entityName();
+}
+QString SVGImportOperation::itemClass() const
+{
+    return ZQLibrarySVG::entityName();
+}
+QString EPSImportOperation::itemClass() const
+{
+    return ZQLibraryEPS::entityName();
+}
+QString AcornImportOperation::itemClass() const
+{
+    return ZQLibraryAcorn::entityName();
+}
+QString SketchImportOperation::itemClass() const
+{
+    return ZQLibrarySketch::entityName();
+}
+
+void QuickLookImportOperation::createRepresentationBitmap()
+{
+    ZQError error;
+    const ZQBitmap bitmap = ZQPreviewService::previewOfFile(filePath(), previewBox, &error);
+    if (writeRepresentationBitmap(bitmap, "file %@ is not a valid image", error)) {
+        m_fileData->insert(QStringLiteral("pixelWidth"), bitmap.width());
+        m_fileData->insert(QStringLiteral("pixelHeight"), bitmap.height());
+        m_fileData->insert(QStringLiteral("pixelTotal"), qint64(bitmap.width()) * bitmap.height());
+    }
+}
+
+void SVGImportOperation::createRepresentationBitmap()
+{
+    ZQError error;
+    const ZQBitmap bitmap = ZQPreviewService::previewOfFile(filePath(), previewBox, &error);
+    if (writeRepresentationBitmap(bitmap, "SVG %@ is not a valid image", error)) {
+        setPixelSize(bitmap.size());
+    }
+}
+
+void EPSImportOperation::createRepresentationBitmap()
+{
+    ZQError error;
+    const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(filePath(), &error);
+    if (writeRepresentationBitmap(bitmap, "EPS %@ is not a valid image", error)) {
+        setPixelSize(bitmap.size());
+    }
+}
+
+void AcornImportOperation::createRepresentationBitmap()
+{
+    ZQError error;
+    const ZQBitmap bitmap = ThumbGenerator::grabAcornBitmapImageRepAtPath(filePath(), &error);
+    if (writeRepresentationBitmap(bitmap, "Acorn %@ is not a valid image", error)) {
+        setPixelSize(bitmap.size());
+    }
+}

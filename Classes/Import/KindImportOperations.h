@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Classes/Import/ImageImportOperation.h"
+
+// The importers of documents that the image decoder cannot show by itself.
+
+class PDFImportOperation : public BaseImportOperation
+{
+public:
+    using BaseImportOperation::BaseImportOperation;
+
+protected:
+    QString itemClass() const override;
+    QStringList findColors() override { return {}; } // a page's paper says nothing about the document
+};
+
+// Whatever the desktop's preview service draws.
+class QuickLookImportOperation : public BaseImportOperation
+{
+public:
+    using BaseImportOperation::BaseImportOperation;
+
+protected:
+    QString itemClass() const override;
+    void createRepresentationBitmap() override;
+};
+
+class SVGImportOperation : public ImageImportOperation
+{
+public:
+    using ImageImportOperation::ImageImportOperation;
+
+protected:
+    QString itemClass() const override;
+    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
+    void fillSize() override { addVectorTag(); }
+    void createRepresentationBitmap() override;
+};
+
+class EPSImportOperation : public ImageImportOperation
+{
+public:
+    using ImageImportOperation::ImageImportOperation;
+
+protected:
+    QString itemClass() const override;
+    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
+    void createRepresentationBitmap() override;
+};
+
+class AcornImportOperation : public ImageImportOperation
+{
+public:
+    using ImageImportOperation::ImageImportOperation;
+
+protected:
+    QString itemClass() const override;
+    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
+    void createRepresentationBitmap() override;
+};
+
+class SketchImportOperation : public ImageImportOperation
+{
+public:
+    using ImageImportOperation::ImageImportOperation;
+
+protected:
+    QString itemClass() const override;
+    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
+    void fillSize() override { addVectorTag(); }
+};

@@ -1,0 +1,156 @@
+#include "Classes/Import/PasteboardFiles.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageDestination.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QMimeData>
+#include <QUrl>
+
+namespace {
+
+// Encoded pictures worth keeping as they are, best first.
+const QStringList &encodedFormats()
+{
+    static const QStringList formats{QStringLiteral("image/svg+xml"), QStringLiteral("image/png"),
+                                     QStringLiteral("image/jpeg"),    QStringLiteral("image/gif"),
+                                     QStringLiteral("image/tiff"),    QStringLiteral("application/pdf")};
+    return formats;
+}
+
+// A file name made of text from elsewhere: no separators, no hidden files, no endless names.
+QString baseNameFromURL(const QUrl &url)
+{
+    QString name = zqBaseName(url.fileName(QUrl::FullyDecoded));
+    name.replace(u'/', u'_').remove(QChar(0));
+    while (name.startsWith(u'.')) {
+        name.remove(0, 1);
+    }
+    while (name.toUtf8().size() > 200) {
+        name.chop(1);
+    }
+    return name.trimmed();
+}
+
+QString freePath(const QString &directory, const QString &baseName, const QString &extension)
+{
+    QString path = directory + u'/' + baseName + u'.' + extension;
+    for (int number = 1; QFileInfo::exists(path); ++number) {
+        path = directory + u'/' + zqFormat(QStringLiteral("%@ %d%@"), {baseName, number, QString(u'.' + extension)});
+    }
+    return path;
+}
+
+// The picture inside a "data:" address; empty when it is none.
+QByteArray dataOfURL(const QUrl &url, QString *mimeType)
+{
+    const QString text = url.toString(QUrl::FullyEncoded);
+    const qsizetype comma = text.indexOf(u',');
+    if (url.scheme() != u"data" || comma < 0) {
+        return {};
+    }
+    const QString header = text.mid(5, comma - 5);
+    *mimeType = header.section(u';', 0, 0).toLower();
+    const QByteArray body = QByteArray::fromPercentEncoding(text.mid(comma + 1).toUtf8());
+    return header.endsWith(u";base64", Qt::CaseInsensitive) ? QByteArray::fromBase64(body) : body;
+}
+
+class PictureWriter
+{
+public:
+    explicit PictureWriter(const std::function<QString()> &makeDirectory) : m_makeDirectory(makeDirectory) {}
+
+    bool writeData(const QByteArray &data, const QString &mimeType, const QString &baseName)
+    {
+        const QString extension = ZQTypeIdentifier::preferredExtension(ZQTypeIdentifier::forMimeType(mimeType));
+        if (data.isEmpty() || extension.isEmpty() || !hasDirectory()) {
+            return false;
+        }
+        const QString path = freePath(m_directory, baseName, extension);
+        ZQError error;
+        return keep(path, zqWriteFileAtomically(path, data, &error), error);
+    }
+
+    bool writeImage(const QImage &image, const QString &baseName)
+    {
+        if (image.isNull() || !hasDirectory()) {
+            return false;
+        }
+        const QString path = freePath(m_directory, baseName, QStringLiteral("png"));
+        ZQError error;
+        return keep(path, ZQImageDestination::writePNG(ZQBitmap(image), path, &error), error);
+    }
+
+    QStringList paths() const { return m_paths; }
+
+private:
+    bool hasDirectory()
+    {
+        if (m_directory.isEmpty()) {
+            m_directory = m_makeDirectory();
+        }
+        return !m_directory.isEmpty();
+    }
+
+    bool keep(const QString &path, bool isWritten, const ZQError &error)
+    {
+        if (isWritten) {
+            m_paths.append(path);
+        } else {
+            qCWarning(zqLogImport).noquote()
+                << "The clipboard's picture was not written:" << error.localizedDescription();
+        }
+        return isWritten;
+    }
+
+    const std::function<QString()> &m_makeDirectory;
+    QString m_directory;
+    QStringList m_paths;
+};
+
+bool writePicture(const QMimeData &mimeData, const QString &baseName, PictureWriter &writer)
+{
+    for (const QString &format : encodedFormats()) {
+        if (mimeData.hasFormat(format) && writer.writeData(mimeData.data(format), format, baseName)) {
+            return true;
+        }
+    }
+    return mimeData.hasImage() && writer.writeImage(qvariant_cast<QImage>(mimeData.imageData()), baseName);
+}
+
+} // namespace
+
+PasteboardFiles PasteboardFiles::filesFromMimeData(const QMimeData *mimeData,
+                                                   const std::function<QString()> &makeDirectory)
+{
+    PasteboardFiles files;
+    if (!mimeData) {
+        return files;
+    }
+    const QString defaultName = zqLocalized("Pasted image");
+    PictureWriter writer(makeDirectory);
+    QUrl webURL;
+    for (const QUrl &url : mimeData->urls()) {
+        QString mimeType;
+        if (url.isLocalFile()) {
+            files.paths.append(url.toLocalFile());
+        } else if (const QByteArray data = dataOfURL(url, &mimeType); !data.isEmpty()) {
+            writer.writeData(data, mimeType, defaultName);
+        } else if (webURL.isEmpty() && url.scheme().startsWith(u"http")) {
+            webURL = url;
+        }
+    }
+    if (files.paths.isEmpty() && writer.paths().isEmpty()) {
+        const QString name = baseNameFromURL(webURL);
+        if (writePicture(*mimeData, name.isEmpty() ? defaultName : name, writer) && !webURL.isEmpty()) {
+            files.metadata.insert(QStringLiteral("webURL"), webURL.toString());
+        }
+    }
+    files.paths.append(writer.paths());
+    return files;
+}
