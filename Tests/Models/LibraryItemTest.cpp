@@ -1,0 +1,337 @@
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQLibraryImage.h"
+#include "Models/DataModel/ZQLibrarySketch.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+#include "Tests/Support/ScratchLibrary.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class LibraryItem : public testing::Test
+{
+protected:
+    ScratchLibrary library;
+    ZQManagedObjectContext &context = library.context();
+
+    ZQRef<ZQSidebarWatchedFolder> liveFolder(const QString &name)
+    {
+        QDir().mkpath(library.path(name));
+        auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(library.path(name), context);
+        folder->setIs_root(true);
+        return folder;
+    }
+    ZQRef<ZQLibraryImage> liveItem(const ZQRef<ZQSidebarWatchedFolder> &folder, const QString &name)
+    {
+        auto item =
+            library.addReferencedImage(library.writeFile(folder->title() + QLatin1Char('/') + name, name.toUtf8()));
+        item->setWatchingFolder(folder.get());
+        return item;
+    }
+};
+
+TEST_F(LibraryItem, AManagedItemLiesInItsDirectoryByTitleAndExtension)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    EXPECT_EQ(item->itemURL(), library.libraryDirectory() + QLatin1Char('/') + item->bundleID() +
+                                   QStringLiteral(".ztlibraryitem/logo.png"));
+    EXPECT_EQ(item->detailItemURL(), item->itemURL());
+    EXPECT_TRUE(item->thumbURL().isEmpty());
+    item->setOriginalExtension({});
+    EXPECT_TRUE(item->itemURL().isEmpty());
+}
+
+TEST_F(LibraryItem, RenamingMovesFileAndThumbnail)
+{
+    for (const char *newTitle : {"Logo", "other", "dots.in.it", "ünïcode"}) {
+        SCOPED_TRACE(newTitle);
+        const QString title = QString::fromUtf8(newTitle);
+        const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), newTitle);
+        library.writeFile(
+            QDir(library.path({})).relativeFilePath(item->bundleURL() + QStringLiteral("/logo_thumb.png")), "thumb");
+        item->setThumbName(QStringLiteral("logo_thumb.png"));
+        int announced = 0;
+        const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+            ZQLibraryBaseItem::dataDidUpdateNotification, static_cast<ZQManagedObject *>(item.get()),
+            [&](const ZQNotification &) { ++announced; });
+        EXPECT_TRUE(item->setNewTitle(title));
+        EXPECT_EQ(item->title(), title);
+        EXPECT_EQ(ScratchLibrary::readFile(item->itemURL()), QByteArray(newTitle));
+        EXPECT_EQ(item->thumbName(), title + QStringLiteral("_thumb.png"));
+        EXPECT_EQ(ScratchLibrary::readFile(item->thumbURL()), QByteArray("thumb"));
+        EXPECT_EQ(zqURLFromPersistentData(item->itemURLData()), item->itemURL());
+        EXPECT_EQ(item->thumbVersion(), 1);
+        EXPECT_EQ(announced, 1);
+        EXPECT_EQ(QDir(item->bundleURL()).entryList(QDir::Files).size(), 2);
+    }
+}
+
+TEST_F(LibraryItem, RefusesTitlesThatNoFileCanHave)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    const QString titles[] = {{},
+                              QStringLiteral("a/b"),
+                              QStringLiteral("../up"),
+                              QStringLiteral(".hidden"),
+                              QStringLiteral("a") + QChar(),
+                              QString(250, QLatin1Char('x')),
+                              QString(100, QChar(0x6F22))};
+    for (const QString &title : titles) {
+        SCOPED_TRACE(qPrintable(title));
+        library.errors.clear();
+        EXPECT_FALSE(item->setNewTitle(title));
+        ASSERT_EQ(library.errors.size(), 1);
+        EXPECT_FALSE(library.errors.first().localizedDescription().isEmpty());
+        EXPECT_EQ(item->title(), QStringLiteral("logo"));
+        EXPECT_TRUE(QFileInfo::exists(item->itemURL()));
+    }
+    EXPECT_TRUE(item->setNewTitle(QStringLiteral("logo"))); // its own
+}
+
+TEST_F(LibraryItem, ARenameOntoAnotherFileLeavesBothAsTheyWere)
+{
+    const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), "mine");
+    const QString other = item->bundleURL() + QStringLiteral("/taken.png");
+    library.writeFile(QDir(library.path({})).relativeFilePath(other), "other");
+    EXPECT_FALSE(item->setNewTitle(QStringLiteral("taken")));
+    EXPECT_EQ(library.errors.size(), 1);
+    EXPECT_EQ(item->title(), QStringLiteral("logo"));
+    EXPECT_EQ(ScratchLibrary::readFile(item->itemURL()), QByteArray("mine"));
+    EXPECT_EQ(ScratchLibrary::readFile(other), QByteArray("other"));
+    QFile::remove(item->itemURL());
+    EXPECT_FALSE(item->setNewTitle(QStringLiteral("free")));
+    EXPECT_EQ(library.errors.size(), 2);
+}
+
+TEST_F(LibraryItem, ADuplicateHasItsOwnFilesAndTagsButNoProject)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    library.writeFile(QDir(library.path({})).relativeFilePath(item->bundleURL() + QStringLiteral("/logo_thumb.png")),
+                      "thumb");
+    item->setThumbName(QStringLiteral("logo_thumb.png"));
+    item->setNotes(QStringLiteral("remember"));
+    item->setPixelWidth(12);
+    const auto tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("red"), context);
+    item->addTagsObject(tag.get());
+    const auto project = context.insertNewObject<ZQSidebarProject>();
+    project->addItem(item.get());
+
+    const auto copy = item->duplicate();
+    ASSERT_TRUE(copy);
+    EXPECT_NE(copy->bundleID(), item->bundleID());
+    EXPECT_EQ(copy->entity(), item->entity());
+    EXPECT_EQ(copy->notes(), item->notes());
+    EXPECT_EQ(copy->pixelWidth(), 12);
+    EXPECT_TRUE(copy->import_date().isValid());
+    EXPECT_EQ(copy->itemTags().size(), 1);
+    EXPECT_TRUE(copy->projects().isEmpty());
+    EXPECT_EQ(ScratchLibrary::readFile(copy->itemURL()), QByteArray("picture"));
+    EXPECT_EQ(ScratchLibrary::readFile(copy->thumbURL()), QByteArray("thumb"));
+
+    const auto folder = liveFolder(QStringLiteral("live"));
+    const auto fromLive = liveItem(folder, QStringLiteral("seen.jpg"))->duplicate();
+    ASSERT_TRUE(fromLive);
+    EXPECT_TRUE(fromLive->managed());
+    EXPECT_FALSE(fromLive->watchingFolder());
+    EXPECT_EQ(ScratchLibrary::readFile(fromLive->itemURL()), QByteArray("seen.jpg"));
+
+    QFile::remove(item->itemURL());
+    EXPECT_FALSE(item->duplicate());
+}
+
+TEST_F(LibraryItem, DeletingALiveItemHidesItsFileAndRestoringShowsIt)
+{
+    const auto folder = liveFolder(QStringLiteral("live"));
+    const auto item = liveItem(folder, QStringLiteral("seen.jpg"));
+    const QString visible = item->itemURL();
+    item->deleteSelf();
+    EXPECT_FALSE(item->active());
+    EXPECT_FALSE(QFileInfo::exists(visible));
+    const QString hidden = item->itemURL();
+    EXPECT_TRUE(QFileInfo(hidden).fileName().startsWith(QLatin1Char('.')));
+    EXPECT_TRUE(hidden.endsWith(QStringLiteral(".jpg")));
+    item->restoreSelf();
+    EXPECT_TRUE(item->active());
+    EXPECT_EQ(item->itemURL(), visible);
+    EXPECT_EQ(ScratchLibrary::readFile(visible), QByteArray("seen.jpg"));
+}
+
+TEST_F(LibraryItem, DeletionIsAnnouncedWhenIdle)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    int announced = 0;
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        ZQLibraryBaseItem::didDeleteNotification, nullptr, [&](const ZQNotification &) { ++announced; });
+    item->deleteSelf();
+    EXPECT_EQ(announced, 0);
+    zqRunMainLoopUntil([&] { return announced > 0; });
+    EXPECT_EQ(announced, 1);
+}
+
+TEST_F(LibraryItem, PurgeRemovesInactiveItemsButKeepsThoseOfAFolderOutOfReach)
+{
+    const auto managed = library.addImage(QStringLiteral("gone"));
+    const QString directory = QFileInfo(managed->bundleURL()).fileName();
+    const auto kept = library.addImage(QStringLiteral("kept"));
+    const auto present = liveItem(liveFolder(QStringLiteral("present")), QStringLiteral("a.jpg"));
+    const QString presentVisible = present->itemURL();
+    const auto missingFolder = liveFolder(QStringLiteral("missing"));
+    const auto ofMissing = liveItem(missingFolder, QStringLiteral("b.jpg"));
+    missingFolder->setIs_missing(true);
+    const auto trashedFolder = liveFolder(QStringLiteral("trashed"));
+    const auto ofTrashed = liveItem(trashedFolder, QStringLiteral("c.jpg"));
+    trashedFolder->setIs_trashed(true);
+    ASSERT_TRUE(context.save());
+    managed->deleteSelf();
+    present->deleteSelf();
+    ofMissing->setActive(false);
+    ofTrashed->setActive(false);
+
+    const auto names = ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(context);
+    ASSERT_TRUE(names);
+    EXPECT_TRUE(names->contains(directory));
+    EXPECT_EQ(names->size(), 2);
+    ASSERT_TRUE(context.save());
+    EXPECT_EQ(zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()}), 3);
+    // The deleted file of the live folder went to the trash, under its own name.
+    EXPECT_TRUE(QDir(QFileInfo(presentVisible).path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    EXPECT_TRUE(QFileInfo::exists(ofMissing->itemURL()));
+}
+
+TEST_F(LibraryItem, FindsItemsByDigestBundleAndDate)
+{
+    const QDateTime now = zqNow();
+    const auto item = [&](const char *title, qint64 importedHoursAgo, qint64 modifiedHoursAgo) {
+        auto made = library.addImage(QString::fromLatin1(title));
+        made->setSHA1(QString::fromLatin1(title));
+        made->setImport_date(now.addSecs(-3600 * importedHoursAgo));
+        made->setModification_date(now.addSecs(-3600 * modifiedHoursAgo));
+        return made;
+    };
+    const auto fresh = item("fresh", 0, 0);
+    item("old", 2000, 2000);
+    item("edited", 2000, 0);
+    item("deleted", 0, 0)->setActive(false);
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsWithSHA1(QStringLiteral("old"), context)->size(), 1);
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsForSHA1s(
+                  {QStringLiteral("old"), QStringLiteral("fresh"), QStringLiteral("none")}, context)
+                  ->size(),
+              2);
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsForBundleID(fresh->bundleID(), context).get(), fresh.get());
+    EXPECT_FALSE(ZQLibraryBaseItem::libraryItemsForBundleID(QStringLiteral("none"), context));
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsForLastHourInManagedObjectContext(context)->size(), 2);
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsForYesterdayInManagedObjectContext(context)->size(), 2); // today's too
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsForLastWeekInManagedObjectContext(context)->size(), 2);
+    // The end date bounds nothing.
+    EXPECT_EQ(ZQLibraryBaseItem::libraryItemsFromDate(now.addYears(-1), now.addYears(-1), context)->size(), 3);
+}
+
+TEST_F(LibraryItem, UpdatesFromAChangedFileAndLeavesAnUnchangedOneAlone)
+{
+    const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), "new bytes");
+    item->updateItemData();
+    EXPECT_EQ(item->SHA1(), QString::fromLatin1(zqSHA1OfFile(item->itemURL())));
+    EXPECT_EQ(item->sort_date(), item->modification_date());
+    EXPECT_TRUE(item->modification_date().isValid());
+    EXPECT_EQ(item->thumbVersion(), 1);
+    EXPECT_EQ(library.thumbRequests.size(), 1);
+    item->updateItemData();
+    EXPECT_EQ(item->thumbVersion(), 1);
+
+    const auto live = liveItem(liveFolder(QStringLiteral("live")), QStringLiteral("before.jpg"));
+    live->updateItemData();
+    ASSERT_TRUE(QFile::rename(live->itemURL(), library.path(QStringLiteral("live/after.jpg"))));
+    live->updateItemData();
+    EXPECT_EQ(live->title(), QStringLiteral("after"));
+    EXPECT_EQ(live->thumbVersion(), 1);
+}
+
+TEST_F(LibraryItem, ASketchDocumentIsAsLargeAsItsPackage)
+{
+    auto item = context.insertNewObject<ZQLibrarySketch>();
+    item->setBundleID(QStringLiteral("B"));
+    item->setTitle(QStringLiteral("doc"));
+    item->setOriginalExtension(QStringLiteral("sketch"));
+    const QString base = QStringLiteral("Zelto.ztlibrary/Library/B.ztlibraryitem/doc.sketch/");
+    library.writeFile(base + QStringLiteral("data"), QByteArray(10, 'x'));
+    library.writeFile(base + QStringLiteral("QuickLook/Preview.png"), QByteArray(5, 'x'));
+    EXPECT_EQ(item->byteSize(), 15);
+    EXPECT_EQ(item->detailItemURL(), library.path(base + QStringLiteral("QuickLook/Preview.png")));
+}
+
+TEST_F(LibraryItem, TakesTagsAndCommentFromItsFileAndGivesThemBack)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    item->addTagsObject(ZQSidebarTag::addNewTagWithName(QStringLiteral("old"), context).get());
+    EXPECT_FALSE(item->readOpenMetaFromDisk()); // unreadable: nothing changes
+    library.fileTags.insert(item->itemURL(), {{QStringLiteral("new"), QStringLiteral("old")}, QStringLiteral("note")});
+    EXPECT_TRUE(item->readOpenMetaFromDisk());
+    EXPECT_EQ(item->itemTags().size(), 2);
+    EXPECT_EQ(item->notes(), QStringLiteral("note"));
+    EXPECT_FALSE(item->readOpenMetaFromDisk());
+
+    item->writeOpenMetaToDisk();
+    ASSERT_EQ(library.written.size(), 1);
+    EXPECT_EQ(library.written.first().path, item->itemURL());
+    EXPECT_EQ(library.written.first().tags.size(), 2);
+    EXPECT_EQ(library.written.first().comment, QStringLiteral("note"));
+    library.tagsAreWritten = false;
+    item->writeOpenMetaToDisk();
+    EXPECT_EQ(library.written.size(), 1);
+}
+
+TEST_F(LibraryItem, ALiveFolderOutOfReachTakesItsItemsAlongButNotTheDeletedOnesBack)
+{
+    const auto folder = liveFolder(QStringLiteral("live"));
+    const auto shown = liveItem(folder, QStringLiteral("a.jpg"));
+    const auto deleted = liveItem(folder, QStringLiteral("b.jpg"));
+    deleted->deleteSelf();
+    folder->deactivateFolder();
+    EXPECT_FALSE(folder->is_enabled());
+    EXPECT_FALSE(shown->active());
+    EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("live/a.jpg"))));
+    folder->reActivateFolder();
+    EXPECT_TRUE(shown->active());
+    EXPECT_FALSE(deleted->active());
+    EXPECT_EQ(ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(context)->size(), 1);
+    EXPECT_EQ(folder->pathAndItemDictionary().value(library.path(QStringLiteral("live/a.jpg"))).get(), shown.get());
+    EXPECT_EQ(folder->numberOfItems(), 1);
+}
+
+TEST_F(LibraryItem, BecomesJSONByAttributeName)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    item->setImport_date(QDateTime::fromMSecsSinceEpoch(1234567890123, Qt::UTC));
+    item->setItemURLData("\x01\x02");
+    item->setPixelTotal(qint64(1) << 40);
+    const QJsonObject json = zqJSONObject(*item);
+    EXPECT_EQ(json[QStringLiteral("title")].toString(), QStringLiteral("logo"));
+    EXPECT_EQ(json[QStringLiteral("import_date")].toString(), QStringLiteral("2009-02-13T23:31:30.123Z"));
+    EXPECT_EQ(json[QStringLiteral("itemURLData")].toString(), QStringLiteral("AQI="));
+    EXPECT_EQ(json[QStringLiteral("pixelTotal")].toDouble(), 1099511627776.0);
+    EXPECT_TRUE(json[QStringLiteral("active")].isBool());
+    EXPECT_TRUE(json.contains(QStringLiteral("notes")) && json[QStringLiteral("notes")].isNull());
+    EXPECT_TRUE(json[QStringLiteral("watchingFolder")].isNull());
+    EXPECT_EQ(json[QStringLiteral("entity")].toString(), QStringLiteral("ZQLibraryImage"));
+}
+
+TEST_F(LibraryItem, DescribesItsPlaces)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    const auto project = context.insertNewObject<ZQSidebarProject>();
+    project->setTitle(QStringLiteral("Work"));
+    project->addItem(item.get());
+    EXPECT_TRUE(item->description().endsWith(QStringLiteral("\n\nWork: 0")));
+}
+
+} // namespace

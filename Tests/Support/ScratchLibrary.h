@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+
+#include <QHash>
+#include <QTemporaryDir>
+
+class ZQLibraryImage;
+
+// A library of its own in a temporary folder, installed as the current environment while it lives. The user's folders
+// (XDG_*) lie in the same place. Main thread.
+class ScratchLibrary : public ZQLibraryEnvironment
+{
+public:
+    // What a file carries, by path; and what was asked to be written, in order.
+    struct FileTags
+    {
+        QStringList tags;
+        QString comment;
+    };
+    struct WrittenTags
+    {
+        QString path;
+        QStringList tags;
+        QString comment;
+    };
+
+    ScratchLibrary();
+    ~ScratchLibrary() override;
+
+    ZQManagedObjectContext &context() { return *m_context; }
+    std::shared_ptr<ZQPersistentStoreCoordinator> coordinator() const { return m_coordinator; }
+    QString path(const QString &relative) const { return m_folder.filePath(relative); }
+    // Saves, forgets every object and opens a new context on the same store.
+    void reopenContext();
+
+    // Writes a file below the temporary folder, making folders as needed, and answers its path.
+    QString writeFile(const QString &relative, const QByteArray &contents);
+    static QByteArray readFile(const QString &path);
+    // An active managed item with a file of its own in a new item directory.
+    ZQRef<ZQLibraryImage> addImage(const QString &title, const QString &extension = QStringLiteral("png"),
+                                   const QByteArray &contents = "picture");
+    // An active item that references a file where it lies.
+    ZQRef<ZQLibraryImage> addReferencedImage(const QString &path);
+
+    QString libraryDirectory() override;
+    QString libraryPathForFilePath(const QString &path) override;
+    void thumbForLibraryItem(ZQLibraryBaseItem *item) override;
+    void presentError(const ZQError &error) override { errors.append(error); }
+    std::optional<QStringList> userTagsOfFile(const QString &path) override;
+    std::optional<QString> commentOfFile(const QString &path) override;
+    void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) override;
+    bool writesTagsToFiles() override { return tagsAreWritten; }
+
+    QHash<QString, FileTags> fileTags;
+    QList<WrittenTags> written;
+    QList<ZQError> errors;
+    QList<ZQLibraryBaseItem *> thumbRequests;
+    bool tagsAreWritten = true;
+
+private:
+    QTemporaryDir m_folder;
+    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    std::unique_ptr<ZQManagedObjectContext> m_context;
+};
