@@ -9,6 +9,7 @@
 
 class ZQManagedObjectContext;
 class ZQOperationQueue;
+class ZQLibraryBaseItem;
 struct ZQObjectID;
 
 // What the application object needs of the other parts, implemented in their folders and handed to it by `main`.
@@ -29,6 +30,7 @@ public:
     virtual void newFileFromTemplate() = 0;
     // Keeps the state of, in this order: the content view controller, the current image browser, the current tab state, the window.
     virtual void savePersistentState() = 0;
+    virtual bool commitEditing() = 0;  // ends a text being edited, taking what was typed; false when it cannot be taken
     virtual void refreshContent() = 0; // the current browser's
     virtual void updateLocalization() = 0;
 };
@@ -45,6 +47,7 @@ public:
     virtual void stopObservingWatchedFolders() = 0;
     virtual void syncRootWatchedFolders() = 0;
     virtual void syncWatchedFolder(const ZQObjectID &folder, bool force) = 0;
+    virtual void thumbForLibraryItem(ZQLibraryBaseItem *item) = 0;
 };
 
 // The screen-capture controller.
@@ -69,6 +72,7 @@ class SoftwareUpdating
 {
 public:
     virtual ~SoftwareUpdating() = default;
+    virtual bool areTestKeysHeld() const = 0; // Option and Control, at this moment
     virtual void configure(const QString &appCastURL) = 0;
     virtual void setAutomaticChecks(bool automatic) = 0;
 };

@@ -7,7 +7,7 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 
-#include <QElapsedTimer>
+#include <QDateTime>
 #include <QProcess>
 
 #include <memory>
@@ -117,6 +117,11 @@ private:
     bool stopRunningImports();
     QStringList purge();
     void importOpenedFiles(const QStringList &paths);
+    bool switchToLibrary(const QString &path);
+    bool moveTemplate(const QString &path);
+    bool offerRecovery(const QString &storePath, const ZQError &damage);
+    void checkStoreAfterUncleanEnd();
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
     ApplicationParts m_parts;
     std::unique_ptr<ModelEnvironment> m_environment;
@@ -127,8 +132,13 @@ private:
     std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     std::unique_ptr<ZQManagedObjectContext> m_context;
     std::unique_ptr<LibraryLock> m_lock;
+    QString m_requestedBundleDirectory;
     QString m_libraryBundleDirectory;
     QString m_libraryDirectory;
+    QDateTime m_launchDate;
+    bool m_storeFailed = false;
+    bool m_observesLocale = false;
+    bool m_isTerminating = false;
     QProcess *m_deleteTask = nullptr;
     bool m_shouldShowMainWindowOnActivation = true;
     bool m_applicationLauched = false;

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+
+// The window shown while an older library is brought up to date: one determinate bar. Main thread.
+class CoreDataMigrationWindowController
+{
+public:
+    explicit CoreDataMigrationWindowController(UserInteraction &userInteraction);
+
+    void showWindow(); // and lets it be drawn
+    void setMaximum(double maximum);
+    void advance(); // by one item
+    void hideWindow();
+
+private:
+    UserInteraction &m_userInteraction;
+    std::shared_ptr<UserProgress> m_progress;
+};

@@ -1,0 +1,44 @@
+#include "Classes/Application/LibraryLock.h"
+
+#include "Kit/Files/ZQPaths.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+std::unique_ptr<LibraryLock> LibraryLock::lockBundle(const QString &bundleDirectory, ZQError *error)
+{
+    const QByteArray path = QFile::encodeName(bundleDirectory + QStringLiteral("/lock"));
+    const int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
+    if (descriptor < 0) {
+        zqSetError(error, ZQError::with(errorDomain, NotWritable,
+                                        zqFormat(zqLocalized("The library “%@” can't be written: %@."),
+                                                 {bundleDirectory, QString::fromLocal8Bit(std::strerror(errno))}),
+                                        zqLocalized("Check its permissions, or choose another library.")));
+        return nullptr;
+    }
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        ::close(descriptor);
+        zqSetError(error, ZQError::with(errorDomain, InUse,
+                                        zqFormat(zqLocalized("The library “%@” is in use by another Zelto."), {bundleDirectory}),
+                                        zqLocalized("Quit the other one, or choose another library.")));
+        return nullptr;
+    }
+    return std::unique_ptr<LibraryLock>(new LibraryLock(descriptor));
+}
+
+LibraryLock::~LibraryLock() { ::close(m_descriptor); }
+
+QString LibraryLock::socketNameForBundle(const QString &bundleDirectory)
+{
+    const QString canonical = QFileInfo(bundleDirectory).canonicalFilePath();
+    const QByteArray digest = QCryptographicHash::hash((canonical.isEmpty() ? bundleDirectory : canonical).toUtf8(), QCryptographicHash::Sha1);
+    return ZQPaths::runtimeDir() + QStringLiteral("/zelto-") + QString::fromLatin1(digest.toHex().left(16));
+}

@@ -1,0 +1,40 @@
+#include "Classes/Application/PreferencesController.h"
+
+#include "Kit/Files/ZQUserDefaults.h"
+
+namespace {
+// A virtual key code of the main keyboard row and the modifier mask Command plus Option.
+QVariantMap hotkey(int code) { return {{QStringLiteral("code"), code}, {QStringLiteral("flags"), 1572864}}; }
+} // namespace
+
+QVariantMap PreferencesController::defaultPreferences()
+{
+    return {
+        {QStringLiteral("AfterScreenshotGotToScreenshots"), true},
+        {QStringLiteral("AfterScreenshotOpenZelto"), true},
+        {QStringLiteral("QuitZeltoKunWhenZeltoQuit"), true},
+        {QStringLiteral("ShowZeltoKun"), true},
+        {QStringLiteral("CopyItemInZeltoLibrary"), true},
+        {QStringLiteral("UseBackgroundTextures"), true},
+        {QStringLiteral("ShowLibraryItemsTitles"), true},
+        {QStringLiteral("ShowLibraryItemsExtensions"), true},
+        {QStringLiteral("UseDarkUI"), true},
+        {QStringLiteral("SidebarDisplayBadges"), true},
+        {QStringLiteral("ScreenshotAreaHotkey"), hotkey(18)},
+        {QStringLiteral("ScreenshotWindowHotkey"), hotkey(19)},
+        {QStringLiteral("ScreenshotFullScreenHotkey"), hotkey(20)},
+        {QStringLiteral("ShowZeltoHotkey"), hotkey(21)},
+        {QStringLiteral("ImportOpenMetaTags"), true},
+        {QStringLiteral("ImportIPTCTags"), true},
+        {QStringLiteral("UseAutoTagging"), true},
+        {QStringLiteral("ShowRecentItemsAfterDropOnDock"), true},
+        {QStringLiteral("IconTagSize"), 32},
+        {QStringLiteral("SmallTagSize"), 128},
+        {QStringLiteral("MediumTagSize"), 512},
+    };
+}
+
+void PreferencesController::registerDefaultPreferences()
+{
+    ZQUserDefaults::standardUserDefaults().registerDefaults(defaultPreferences());
+}

@@ -1,0 +1,96 @@
+// Quitting: what runs is drained, state is kept, what was deleted goes for good.
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <QCoreApplication>
+
+namespace {
+constexpr std::chrono::milliseconds drainStep{400};
+constexpr int pathsPerRemoval = 1000;
+constexpr int centreOfWindow = 0;
+constexpr double notificationSeconds = 2.5;
+} // namespace
+
+bool tamberin_AppDelegate::stopRunningImports()
+{
+    ZQOperationQueue *sync = m_parts.importManager ? &m_parts.importManager->syncOperationQueue() : nullptr;
+    const auto isIdle = [&] { return backgroundOperationQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0); };
+    if (isIdle()) {
+        return true;
+    }
+    const int answer = userInteraction().ask({zqLocalized("Zelto is importing files"), zqLocalized("Zelto is importing files, are you sure to quit?"),
+                                              {zqLocalized("Quit anyway"), zqLocalized("Cancel")}, {}, true});
+    if (answer != 0) {
+        return false;
+    }
+    backgroundOperationQueue().cancelAllOperations();
+    if (sync) {
+        sync->cancelAllOperations();
+    }
+    userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow, notificationSeconds);
+    zqRunMainLoopUntil(isIdle, drainStep);
+    return true;
+}
+
+QStringList tamberin_AppDelegate::purge()
+{
+    ZQManagedObjectContext *context = managedObjectContext();
+    ZQSidebarBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context);
+    return ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context);
+}
+
+TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
+{
+    if (!stopRunningImports()) {
+        return TerminateReply::Cancel;
+    }
+    userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow, notificationSeconds);
+    if (m_mainWindowController) {
+        m_mainWindowController->savePersistentState();
+    }
+    if (m_parts.importManager) {
+        m_parts.importManager->stopObservingWatchedFolders();
+    }
+    if (!m_context) {
+        return TerminateReply::Now; // the library never opened, or was moved away
+    }
+    const QStringList purgedDirectories = purge();
+    if (!m_context->hasChanges()) {
+        return TerminateReply::Now;
+    }
+
+    ZQError error;
+    if (!m_context->save(&error)) {
+        userInteraction().presentError(error);
+        const int answer = userInteraction().ask(
+            {zqLocalized("Could not save changes while quitting.  Quit anyway?"),
+             zqLocalized("Quitting now will lose any changes you have made since the last successful save"),
+             {zqLocalized("Quit anyway"), zqLocalized("Cancel")}, {}, true});
+        // What could not be saved is still listed by the store, so its files stay.
+        return answer == 0 ? TerminateReply::Now : TerminateReply::Cancel;
+    }
+    const QString library = libraryDirectory();
+    for (qsizetype first = 0; first < purgedDirectories.size() && !library.isEmpty(); first += pathsPerRemoval) {
+        deleteFilesAtPaths(purgedDirectories.mid(first, pathsPerRemoval), library);
+    }
+    deleteFilesAtPaths({temporaryFolder()}, {});
+    return TerminateReply::Now;
+}
+
+void tamberin_AppDelegate::terminate()
+{
+    if (m_isTerminating) {
+        return;
+    }
+    m_isTerminating = true;
+    const TerminateReply reply = applicationShouldTerminate();
+    m_isTerminating = false;
+    if (reply == TerminateReply::Now) {
+        QCoreApplication::exit(0);
+    }
+}
