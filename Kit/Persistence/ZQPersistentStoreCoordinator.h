@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 
 class ZQSQLiteConnection;
 
@@ -76,10 +77,13 @@ public:
 
 private:
     ZQPersistentStoreCoordinator() = default;
+    bool prepareStore(ZQSQLiteConnection &connection, const ZQStoreOptions &options, ZQError *error);
+    void markInUse(ZQSQLiteConnection &connection);
 
     std::shared_ptr<const ZQManagedObjectModel> m_model;
     QString m_path;
     QUuid m_storeUUID;
     bool m_wasUnclean = false;
+    bool m_isMarked = false;
     std::mutex m_writeLock;
 };

@@ -1,0 +1,408 @@
+#include "Kit/Persistence/ZQStoreMigration.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreSchema.h"
+
+#include <QFile>
+
+namespace {
+
+const QString oldPrefix = QStringLiteral("zq_old_");
+
+int versionNumber(const QStringList &identifiers)
+{
+    int highest = 0;
+    for (const QString &identifier : identifiers) {
+        if (identifier.startsWith(QStringLiteral("Version"))) {
+            highest = std::max(highest, identifier.mid(7).toInt());
+        }
+    }
+    return highest;
+}
+
+ZQError migrationError(ZQStoreError code, const QString &description, const QString &reason)
+{
+    return ZQError::with(ZQStoreErrorDomain, int(code), description, reason);
+}
+
+// The value that stands for "empty" where a required attribute has no default.
+QVariant emptyValue(const ZQAttributeDescription &attribute)
+{
+    switch (attribute.type) {
+    case ZQAttributeType::String:
+        return QStringLiteral("");
+    case ZQAttributeType::Binary:
+        return QByteArray("");
+    case ZQAttributeType::Float:
+    case ZQAttributeType::Double:
+        return 0.0;
+    default:
+        return 0;
+    }
+}
+
+bool isWhole(ZQAttributeType type)
+{
+    return type == ZQAttributeType::Boolean || type == ZQAttributeType::Integer16 ||
+           type == ZQAttributeType::Integer32 || type == ZQAttributeType::Integer64;
+}
+
+bool isReal(ZQAttributeType type)
+{
+    return type == ZQAttributeType::Float || type == ZQAttributeType::Double;
+}
+
+// The order of the enumeration is that of growing width within whole numbers and within reals.
+bool isWidening(ZQAttributeType from, ZQAttributeType to)
+{
+    return from == to || (isWhole(from) && isWhole(to) && from < to) || (isReal(from) && isReal(to) && from < to) ||
+           (isWhole(from) && isReal(to));
+}
+
+// What an entity or property was called in the old model, most likely name first.
+QStringList oldNames(const QString &renamingIdentifier, const QString &name)
+{
+    return renamingIdentifier.isEmpty() ? QStringList{name} : QStringList{renamingIdentifier, name};
+}
+
+class Migration
+{
+public:
+    Migration(ZQSQLiteConnection &connection, const ZQManagedObjectModel &from, const ZQManagedObjectModel &to)
+        : m_connection(connection), m_from(from), m_to(to)
+    {
+    }
+
+    bool run()
+    {
+        return match() && setOldTablesAside() && zqExecuteAll(m_connection, zqTableStatements(m_to)) &&
+               copyEntities() && copyJoins() && clearDanglingReferences() && dropOldTables() &&
+               zqExecuteAll(m_connection, zqIndexStatements(m_to)) && zqWriteModelMetadata(m_connection, m_to);
+    }
+    QString problem() const { return m_problem; } // empty when the database failed
+
+private:
+    bool refuse(const QString &what)
+    {
+        m_problem = what;
+        return false;
+    }
+    bool match();
+    bool setOldTablesAside();
+    bool copyEntities();
+    bool copyEntity(const ZQEntityDescription &to, const ZQEntityDescription &from);
+    bool copyJoins();
+    bool copyJoin(const ZQJoinTable &join);
+    bool clearDanglingReferences();
+    bool dropOldTables();
+    std::optional<QString> attributeExpression(const ZQAttributeDescription &attribute,
+                                               const ZQEntityDescription &owner, const ZQEntityDescription &from,
+                                               QVariantList &bindings);
+    static QString aside(const QString &table) { return zqQuoted(oldPrefix + table); }
+    static const ZQAttributeDescription *oldAttribute(const ZQAttributeDescription &attribute,
+                                                      const ZQEntityDescription &from);
+    static const ZQRelationshipDescription *oldRelationship(const ZQRelationshipDescription &relationship,
+                                                            const ZQEntityDescription &from);
+
+    ZQSQLiteConnection &m_connection;
+    const ZQManagedObjectModel &m_from;
+    const ZQManagedObjectModel &m_to;
+    QHash<const ZQEntityDescription *, const ZQEntityDescription *> m_old; // new entity to old one
+    QString m_problem;
+};
+
+bool Migration::match()
+{
+    QHash<const ZQEntityDescription *, const ZQEntityDescription *> oldRoots;
+    for (const auto &entity : m_to.entities()) {
+        for (const QString &name : oldNames(entity->renamingIdentifier, entity->name)) {
+            if (const ZQEntityDescription *old = m_from.entity(name)) {
+                m_old.insert(entity.get(), old);
+                break;
+            }
+        }
+        const ZQEntityDescription *old = m_old.value(entity.get());
+        if (!old) {
+            continue;
+        }
+        const ZQEntityDescription *&oldRoot = oldRoots[entity->root];
+        if (oldRoot && oldRoot != old->root) {
+            return refuse(QStringLiteral("%1 moved to another family of entities").arg(entity->name));
+        }
+        oldRoot = old->root;
+    }
+    return true;
+}
+
+bool Migration::setOldTablesAside()
+{
+    // Old tables keep their indexes; those go with them when they are dropped.
+    QStringList names;
+    for (const ZQEntityDescription *root : zqRootEntities(m_from)) {
+        names.append(root->tableName);
+    }
+    for (const ZQJoinTable &join : zqJoinTables(m_from)) {
+        names.append(join.relationship->joinTable);
+    }
+    for (const QString &name : names) {
+        if (!m_connection.execute(QStringLiteral("ALTER TABLE %1 RENAME TO %2").arg(zqQuoted(name), aside(name)))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+const ZQAttributeDescription *Migration::oldAttribute(const ZQAttributeDescription &attribute,
+                                                      const ZQEntityDescription &from)
+{
+    for (const QString &name : oldNames(attribute.renamingIdentifier, attribute.name)) {
+        if (const ZQAttributeDescription *old = from.attribute(name)) {
+            return old;
+        }
+    }
+    return nullptr;
+}
+
+const ZQRelationshipDescription *Migration::oldRelationship(const ZQRelationshipDescription &relationship,
+                                                            const ZQEntityDescription &from)
+{
+    for (const QString &name : oldNames(relationship.renamingIdentifier, relationship.name)) {
+        if (const ZQRelationshipDescription *old = from.relationship(name)) {
+            return old;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<QString> Migration::attributeExpression(const ZQAttributeDescription &attribute,
+                                                      const ZQEntityDescription &owner, const ZQEntityDescription &from,
+                                                      QVariantList &bindings)
+{
+    QVariant filler = attribute.defaultValue;
+    if (!filler.isValid() && !attribute.optional) {
+        filler = emptyValue(attribute);
+    }
+    const ZQAttributeDescription *old = oldAttribute(attribute, from);
+    if (!old) {
+        bindings.append(filler);
+        return QStringLiteral("?");
+    }
+    if (!isWidening(old->type, attribute.type)) {
+        refuse(QStringLiteral("the type of %1.%2 changed in a way that loses values").arg(owner.name, attribute.name));
+        return std::nullopt;
+    }
+    QString expression = zqQuoted(old->columnName);
+    if (isReal(attribute.type) && isWhole(old->type)) {
+        expression = QStringLiteral("CAST(%1 AS REAL)").arg(expression);
+    }
+    if (!attribute.optional && old->optional) {
+        bindings.append(filler);
+        return QStringLiteral("COALESCE(%1, ?)").arg(expression);
+    }
+    return expression;
+}
+
+bool Migration::copyEntity(const ZQEntityDescription &to, const ZQEntityDescription &from)
+{
+    QStringList columns{QStringLiteral("\"id\", \"entity\", \"version\"")};
+    QStringList expressions{QStringLiteral("\"id\", %1, \"version\"").arg(to.code)};
+    QVariantList bindings;
+    for (const ZQAttributeDescription &attribute : to.attributes) {
+        const std::optional<QString> expression = attributeExpression(attribute, to, from, bindings);
+        if (!expression) {
+            return false;
+        }
+        columns.append(zqQuoted(attribute.columnName));
+        expressions.append(*expression);
+    }
+    for (const ZQRelationshipDescription &relationship : to.relationships) {
+        const ZQRelationshipDescription *old = oldRelationship(relationship, from);
+        if (!old) {
+            continue;
+        }
+        if (old->toMany && !relationship.toMany) {
+            return refuse(QStringLiteral("%1.%2 holds one object where it held many").arg(to.name, relationship.name));
+        }
+        // Keys mean something only within the table they came from.
+        const ZQEntityDescription *oldDestination = m_old.value(relationship.destination);
+        if (!relationship.toMany && oldDestination && oldDestination->root == old->destination->root) {
+            columns.append(zqQuoted(relationship.columnName));
+            expressions.append(zqQuoted(old->columnName));
+        }
+    }
+    ZQSQLiteStatement copy =
+        m_connection.prepare(QStringLiteral("INSERT INTO %1 (%2) SELECT %3 FROM %4 WHERE \"entity\" = %5")
+                                 .arg(zqQuoted(to.tableName), columns.join(QStringLiteral(", ")),
+                                      expressions.join(QStringLiteral(", ")), aside(from.tableName))
+                                 .arg(from.code));
+    if (!copy.isValid()) {
+        return false;
+    }
+    copy.bindVariants(0, bindings);
+    return copy.run();
+}
+
+bool Migration::copyEntities()
+{
+    for (const auto &entity : m_to.entities()) {
+        if (const ZQEntityDescription *old = m_old.value(entity.get()); old && !copyEntity(*entity, *old)) {
+            return false;
+        }
+    }
+    // Keys are never used twice, so a renamed table goes on counting where it was.
+    for (const ZQEntityDescription *root : zqRootEntities(m_to)) {
+        const ZQEntityDescription *old = m_old.value(root);
+        if (old && old->root->tableName != root->tableName) {
+            const QVariant last = m_connection.value(
+                QStringLiteral("SELECT \"last\" FROM \"zq_sequence\" WHERE \"name\" = ?"), {old->root->tableName});
+            ZQSQLiteStatement write =
+                m_connection.prepare(QStringLiteral("INSERT OR REPLACE INTO \"zq_sequence\" VALUES (?, ?)"));
+            write.bindVariants(0, {root->tableName, last.toLongLong()});
+            if (!write.run()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool Migration::copyJoin(const ZQJoinTable &join)
+{
+    const ZQRelationshipDescription &relationship = *join.relationship;
+    const ZQEntityDescription *owner = m_old.value(join.owner);
+    const ZQRelationshipDescription *old = owner ? oldRelationship(relationship, *owner) : nullptr;
+    const ZQEntityDescription *destination = m_old.value(relationship.destination);
+    if (!old || !destination || old->destination->root != destination->root) {
+        return true;
+    }
+    QString own = QStringLiteral("\"id\"");
+    QString other = zqQuoted(old->columnName);
+    QString table = aside(owner->tableName);
+    if (old->isManyToMany()) {
+        own = zqQuoted(old->joinOwnColumn);
+        other = zqQuoted(old->joinOtherColumn);
+        table = aside(old->joinTable);
+    } else if (old->toMany) {
+        own = zqQuoted(old->inverse->columnName);
+        other = QStringLiteral("\"id\"");
+        table = aside(old->destination->tableName);
+    }
+    return m_connection.execute(QStringLiteral("INSERT OR IGNORE INTO %1 (%2, %3) SELECT %4, %5 FROM %6 "
+                                               "WHERE %4 IN (SELECT \"id\" FROM %7) AND %5 IN (SELECT \"id\" FROM %8)")
+                                    .arg(zqQuoted(relationship.joinTable), zqQuoted(relationship.joinOwnColumn),
+                                         zqQuoted(relationship.joinOtherColumn), own, other, table,
+                                         zqQuoted(join.owner->tableName),
+                                         zqQuoted(relationship.destination->tableName)));
+}
+
+bool Migration::copyJoins()
+{
+    for (const ZQJoinTable &join : zqJoinTables(m_to)) {
+        if (!copyJoin(join)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Migration::clearDanglingReferences()
+{
+    for (const ZQEntityDescription *root : zqRootEntities(m_to)) {
+        for (const ZQStoreColumn &column : zqColumnsOfFamily(m_to, root)) {
+            if (!column.referencedTable.isEmpty() &&
+                !m_connection.execute(
+                    QStringLiteral("UPDATE %1 SET %2 = NULL WHERE %2 NOT IN (SELECT \"id\" FROM %3)")
+                        .arg(zqQuoted(root->tableName), zqQuoted(column.name), zqQuoted(column.referencedTable)))) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool Migration::dropOldTables()
+{
+    for (const ZQJoinTable &join : zqJoinTables(m_from)) {
+        if (!m_connection.execute(QStringLiteral("DROP TABLE ") + aside(join.relationship->joinTable))) {
+            return false;
+        }
+    }
+    for (const ZQEntityDescription *root : zqRootEntities(m_from)) {
+        if (!m_connection.execute(QStringLiteral("DROP TABLE ") + aside(root->tableName))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The refusals that need no look at the rows.
+bool mayMigrate(const ZQStoreMetadata &metadata, const ZQManagedObjectModel &model, const ZQStoreOptions &options,
+                ZQError *error)
+{
+    if (versionNumber(metadata.versionIdentifiers) > versionNumber(model.versionIdentifiers())) {
+        zqSetError(error, migrationError(ZQStoreError::NewerVersion,
+                                         zqLocalized("The library was made by a newer version of the application."),
+                                         zqLocalized("Install the newer version to open it.")));
+        return false;
+    }
+    if (!options.migratePersistentStoresAutomatically || !options.inferMappingModelAutomatically) {
+        zqSetError(error, migrationError(ZQStoreError::NeedsMigration,
+                                         zqLocalized("The library was made by an older version of the application."),
+                                         zqLocalized("Open it once with migration allowed.")));
+        return false;
+    }
+    return true;
+}
+
+bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
+{
+    // References must not follow the tables that are set aside, nor be enforced between the steps.
+    if (!connection.execute(QStringLiteral("PRAGMA foreign_keys=OFF; PRAGMA legacy_alter_table=ON"))) {
+        return false;
+    }
+    ZQSQLiteTransaction transaction(connection);
+    return transaction.isOpen() && migration.run() && transaction.commit();
+}
+
+} // namespace
+
+bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metadata, const ZQManagedObjectModel &model,
+                    const ZQStoreOptions &options, ZQError *error)
+{
+    if (!mayMigrate(metadata, model, options, error)) {
+        return false;
+    }
+    const QString description = zqLocalized("The library could not be brought to this version; it is unchanged.");
+    ZQError modelError;
+    const auto oldModel = ZQManagedObjectModel::modelFromJSON(metadata.modelJSON, &modelError);
+    if (!oldModel) {
+        zqSetError(error,
+                   migrationError(ZQStoreError::MigrationFailed, description, modelError.localizedDescription()));
+        return false;
+    }
+    const QString version = metadata.versionIdentifiers.value(0, QStringLiteral("migration"));
+    const QString copy = connection.path() + QStringLiteral(".before-") + QString(version).replace(u'/', u'_');
+    QFile::remove(copy);
+    ZQError copyError;
+    if (!connection.copyTo(copy, &copyError)) {
+        QFile::remove(copy);
+        const auto code =
+            copyError.code == int(ZQStoreError::DiskFull) ? ZQStoreError::DiskFull : ZQStoreError::MigrationFailed;
+        zqSetError(error, migrationError(code, description, copyError.localizedDescription()));
+        return false;
+    }
+    Migration migration(connection, *oldModel, model);
+    if (!migrateInTransaction(connection, migration)) {
+        const ZQError cause = connection.error();
+        const QString reason = migration.problem().isEmpty() ? cause.localizedDescription() : migration.problem();
+        zqSetError(error, migrationError(ZQStoreError::MigrationFailed, description, reason));
+        qCWarning(zqLogStore, "migration failed: %s (%s)", qUtf8Printable(reason),
+                  qUtf8Printable(cause.userInfo.value(QStringLiteral("sqliteMessage")).toString()));
+        QFile::remove(copy);
+        return false;
+    }
+    QFile::remove(copy);
+    return connection.execute(QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON"));
+}

@@ -1,0 +1,295 @@
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreSchema.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+
+#include <functional>
+
+#include <sqlite3.h>
+
+namespace {
+
+const QStringList companions{QString(), QStringLiteral("-wal"), QStringLiteral("-shm")};
+
+// Reads one damaged database into a sound one, row by row where it must.
+class Recovery
+{
+public:
+    Recovery(ZQSQLiteConnection &damaged, ZQSQLiteConnection &sound, const ZQManagedObjectModel &model)
+        : m_damaged(damaged), m_sound(sound), m_model(model)
+    {
+    }
+    bool run();
+    qint64 rows() const { return m_rows; }
+    bool foundTables() const { return m_foundTables; }
+
+private:
+    bool copyFamily(const ZQEntityDescription *root);
+    bool scan(const QString &sql, const QVariantList &bindings, const std::function<void(ZQSQLiteStatement &)> &row);
+    bool copyJoin(const ZQJoinTable &join);
+    bool clearDanglingReferences();
+    QStringList sharedColumns(const ZQEntityDescription *root);
+
+    ZQSQLiteConnection &m_damaged;
+    ZQSQLiteConnection &m_sound;
+    const ZQManagedObjectModel &m_model;
+    qint64 m_rows = 0;
+    bool m_foundTables = false;
+};
+
+// Calls `row` for every row that can be read; false when an error ended the scan.
+bool Recovery::scan(const QString &sql, const QVariantList &bindings,
+                    const std::function<void(ZQSQLiteStatement &)> &row)
+{
+    ZQSQLiteStatement statement = m_damaged.prepare(sql);
+    if (!statement.isValid()) {
+        return false;
+    }
+    statement.bindVariants(0, bindings);
+    while (statement.next()) {
+        row(statement);
+    }
+    return !statement.failed();
+}
+
+QStringList Recovery::sharedColumns(const ZQEntityDescription *root)
+{
+    QStringList there;
+    scan(QStringLiteral("SELECT name FROM pragma_table_info(?)"), {root->tableName},
+         [&](ZQSQLiteStatement &row) { there.append(row.text(0)); });
+    if (!there.contains(QStringLiteral("id")) || !there.contains(QStringLiteral("entity"))) {
+        return {};
+    }
+    QStringList columns{QStringLiteral("id"), QStringLiteral("entity")};
+    for (const ZQStoreColumn &column : zqColumnsOfFamily(m_model, root)) {
+        if (there.contains(column.name)) {
+            columns.append(column.name);
+        }
+    }
+    return columns;
+}
+
+bool Recovery::copyFamily(const ZQEntityDescription *root)
+{
+    const QStringList columns = sharedColumns(root);
+    if (columns.isEmpty()) {
+        return true;
+    }
+    m_foundTables = true;
+    QStringList quoted;
+    for (const QString &column : columns) {
+        quoted.append(zqQuoted(column));
+    }
+    const QString list = quoted.join(QStringLiteral(", "));
+    const QString table = zqQuoted(root->tableName);
+    const QString places = QStringList(columns.size(), QStringLiteral("?")).join(u',');
+    ZQSQLiteStatement insert =
+        m_sound.prepare(QStringLiteral("INSERT OR IGNORE INTO %1 (%2) VALUES (%3)").arg(table, list, places));
+    bool isWritten = insert.isValid();
+    qint64 lastRead = 0;
+    const auto copy = [&](ZQSQLiteStatement &row) {
+        lastRead = row.int64(0);
+        const ZQEntityDescription *entity = m_model.entityWithCode(int(row.int64(1)));
+        if (!isWritten || lastRead <= 0 || !entity || entity->root != root) {
+            return;
+        }
+        for (int i = 0; i < columns.size(); ++i) {
+            insert.bindVariant(i, row.variant(i));
+        }
+        isWritten = insert.run();
+        m_rows += m_sound.changedRows();
+    };
+    const QString select = QStringLiteral("SELECT %1 FROM %2 NOT INDEXED ").arg(list, table);
+    qint64 highest =
+        m_damaged.value(QStringLiteral("SELECT \"last\" FROM \"zq_sequence\" WHERE \"name\" = ?"), {root->tableName})
+            .toLongLong();
+    if (!scan(select + QStringLiteral("ORDER BY \"id\""), {}, copy)) {
+        const qint64 beforeGap = lastRead;
+        lastRead = 0;
+        scan(select + QStringLiteral("ORDER BY \"id\" DESC"), {}, copy);
+        const qint64 afterGap = lastRead > 0 ? lastRead : std::max(highest, beforeGap + 1'000'000) + 1;
+        for (qint64 key = beforeGap + 1; key < afterGap && isWritten; ++key) {
+            scan(select + QStringLiteral("WHERE \"id\" = ?"), {key}, copy);
+        }
+    }
+    highest = std::max(highest, m_sound.value(QStringLiteral("SELECT max(\"id\") FROM ") + table).toLongLong());
+    ZQSQLiteStatement sequence =
+        m_sound.prepare(QStringLiteral("INSERT OR REPLACE INTO \"zq_sequence\" VALUES (?, ?)"));
+    sequence.bindVariants(0, {root->tableName, highest});
+    return isWritten && sequence.run();
+}
+
+bool Recovery::copyJoin(const ZQJoinTable &join)
+{
+    const QString own = zqQuoted(join.relationship->joinOwnColumn);
+    const QString other = zqQuoted(join.relationship->joinOtherColumn);
+    const QString table = zqQuoted(join.relationship->joinTable);
+    ZQSQLiteStatement insert =
+        m_sound.prepare(QStringLiteral("INSERT OR IGNORE INTO %1 (%2, %3) VALUES (?, ?)").arg(table, own, other));
+    bool isWritten = insert.isValid();
+    const auto copy = [&](ZQSQLiteStatement &row) {
+        insert.bind(0, row.int64(0));
+        insert.bind(1, row.int64(1));
+        isWritten = isWritten && insert.run();
+    };
+    const QString select = QStringLiteral("SELECT %1, %2 FROM %3 ").arg(own, other, table);
+    if (!scan(select, {}, copy)) {
+        QList<qint64> owners;
+        ZQSQLiteStatement all =
+            m_sound.prepare(QStringLiteral("SELECT \"id\" FROM ") + zqQuoted(join.owner->tableName));
+        while (all.next()) {
+            owners.append(all.int64(0));
+        }
+        for (const qint64 owner : owners) {
+            scan(select + QStringLiteral("WHERE %1 = ?").arg(own), {owner}, copy);
+        }
+    }
+    return isWritten;
+}
+
+bool Recovery::clearDanglingReferences()
+{
+    bool isDone = true;
+    for (const ZQEntityDescription *root : zqRootEntities(m_model)) {
+        for (const ZQStoreColumn &column : zqColumnsOfFamily(m_model, root)) {
+            if (!column.referencedTable.isEmpty()) {
+                isDone = isDone && m_sound.execute(
+                                       QStringLiteral("UPDATE %1 SET %2 = NULL WHERE %2 NOT IN (SELECT \"id\" FROM %3)")
+                                           .arg(zqQuoted(root->tableName), zqQuoted(column.name),
+                                                zqQuoted(column.referencedTable)));
+            }
+        }
+    }
+    for (const ZQJoinTable &join : zqJoinTables(m_model)) {
+        isDone =
+            isDone &&
+            m_sound.execute(QStringLiteral("DELETE FROM %1 WHERE %2 NOT IN (SELECT \"id\" FROM %3) "
+                                           "OR %4 NOT IN (SELECT \"id\" FROM %5)")
+                                .arg(zqQuoted(join.relationship->joinTable), zqQuoted(join.relationship->joinOwnColumn),
+                                     zqQuoted(join.owner->tableName), zqQuoted(join.relationship->joinOtherColumn),
+                                     zqQuoted(join.relationship->destination->tableName)));
+    }
+    return isDone;
+}
+
+bool Recovery::run()
+{
+    for (const ZQEntityDescription *root : zqRootEntities(m_model)) {
+        if (!copyFamily(root)) {
+            return false;
+        }
+    }
+    for (const ZQJoinTable &join : zqJoinTables(m_model)) {
+        if (!copyJoin(join)) {
+            return false;
+        }
+    }
+    return clearDanglingReferences();
+}
+
+std::unique_ptr<ZQSQLiteConnection> openDamaged(const QString &path, ZQError *error)
+{
+    for (const auto mode : {ZQSQLiteConnection::Mode::ReadOnly, ZQSQLiteConnection::Mode::Immutable}) {
+        auto connection = ZQSQLiteConnection::open(path, mode, error);
+        if (!connection) {
+            continue;
+        }
+        // A file shorter than its header says is readable only for someone who may repair the schema.
+        sqlite3_db_config(connection->handle(), SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
+        connection->execute(QStringLiteral("PRAGMA writable_schema=ON; PRAGMA cell_size_check=ON"));
+        if (connection->value(QStringLiteral("SELECT count(*) FROM sqlite_master")).isValid()) {
+            return connection;
+        }
+        zqSetError(error, connection->error());
+    }
+    return nullptr;
+}
+
+void removeDatabase(const QString &path)
+{
+    for (const QString &companion : companions) {
+        QFile::remove(path + companion);
+    }
+}
+
+// Fills `target` from the store at `path`; false with the error when nothing was to be read or written.
+bool fillFrom(const QString &path, const QString &target, const ZQManagedObjectModel &givenModel, ZQError *error)
+{
+    const auto damaged = openDamaged(path, error);
+    if (!damaged) {
+        return false;
+    }
+    // An older store is recovered in its own form; opening it migrates it.
+    const auto metadata = zqReadStoreMetadata(*damaged, nullptr);
+    const auto ownModel = metadata ? ZQManagedObjectModel::modelFromJSON(metadata->modelJSON) : nullptr;
+    const ZQManagedObjectModel &model = ownModel ? *ownModel : givenModel;
+    const auto sound = ZQSQLiteConnection::open(target, ZQSQLiteConnection::Mode::Create, error);
+    if (!sound) {
+        return false;
+    }
+    sound->value(QStringLiteral("PRAGMA journal_mode=WAL"));
+    sound->execute(QStringLiteral("PRAGMA foreign_keys=OFF"));
+    ZQSQLiteTransaction transaction(*sound);
+    Recovery recovery(*damaged, *sound, model);
+    if (!transaction.isOpen() || !zqCreateStore(*sound, model, metadata ? metadata->storeUUID : QUuid::createUuid()) ||
+        !recovery.run() || (recovery.foundTables() && !transaction.commit())) {
+        zqSetError(error, sound->error());
+        return false;
+    }
+    if (!recovery.foundTables()) {
+        zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Damaged),
+                                        zqLocalized("Nothing could be read from the damaged library."),
+                                        zqLocalized("Put back a copy from a backup; the file is unchanged.")));
+        return false;
+    }
+    qCInfo(zqLogStore, "recovered %lld rows", static_cast<long long>(recovery.rows()));
+    return true;
+}
+
+} // namespace
+
+std::optional<QString>
+ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model, const QString &path,
+                                                 ZQError *error)
+{
+    const QString target = path + QStringLiteral(".recovering");
+    removeDatabase(target);
+    ZQError cause;
+    if (!model || !QFile::exists(path) || !fillFrom(path, target, *model, &cause)) {
+        removeDatabase(target);
+        zqSetError(error, !cause.isNull() ? cause
+                                          : ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
+                                                          zqLocalized("There is no library database at this place."),
+                                                          zqLocalized("Choose another library.")));
+        return std::nullopt;
+    }
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    QString kept = path + QStringLiteral(".damaged-") + stamp;
+    for (int attempt = 2; QFile::exists(kept); ++attempt) {
+        kept = path + QStringLiteral(".damaged-%1-%2").arg(stamp).arg(attempt);
+    }
+    const QString wal = QStringLiteral("-wal");
+    bool isMoved = QFile::rename(path, kept);
+    if (isMoved && QFile::exists(path + wal)) {
+        isMoved = QFile::rename(path + wal, kept + wal);
+    }
+    QFile::remove(path + QStringLiteral("-shm"));
+    if (!isMoved || !QFile::rename(target, path)) {
+        if (!QFile::exists(path)) {
+            QFile::rename(kept, path);
+            QFile::rename(kept + wal, path + wal);
+        }
+        removeDatabase(target);
+        zqSetError(error,
+                   ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
+                                 zqLocalized("The recovered library could not be put in place."),
+                                 zqLocalized("Check the permissions of its folder; the damaged file is unchanged.")));
+        return std::nullopt;
+    }
+    return kept;
+}

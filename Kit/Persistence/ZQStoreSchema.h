@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Kit/Persistence/ZQManagedObjectModel.h"
+#include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
+
+#include <QList>
+
+class ZQSQLiteConnection;
+
+// The SQL form of a model: which tables, columns and indexes a store has, and what it says of itself.
+//
+// A root entity's table has "id", "entity" (an entity code), "version" and a column for each attribute and to-one
+// relationship of the family. A many-to-many pair has a join table. Deleting a row clears the references to it.
+
+// One column of a root's table beyond the three of every row.
+struct ZQStoreColumn
+{
+    QString name;
+    ZQAttributeType type = ZQAttributeType::Integer64;
+    bool indexed = false;
+    QString referencedTable; // for a to-one relationship
+};
+QList<ZQStoreColumn> zqColumnsOfFamily(const ZQManagedObjectModel &model, const ZQEntityDescription *root);
+
+// One join table, seen from the side whose column sorts first.
+struct ZQJoinTable
+{
+    const ZQEntityDescription *owner = nullptr; // declares `relationship`
+    const ZQRelationshipDescription *relationship = nullptr;
+};
+QList<ZQJoinTable> zqJoinTables(const ZQManagedObjectModel &model);
+
+QList<const ZQEntityDescription *> zqRootEntities(const ZQManagedObjectModel &model);
+
+QStringList zqTableStatements(const ZQManagedObjectModel &model);
+QStringList zqIndexStatements(const ZQManagedObjectModel &model); // only those not there yet are made
+QStringList zqBookkeepingStatements();                            // metadata and key sequences
+
+bool zqExecuteAll(ZQSQLiteConnection &connection, const QStringList &statements);
+
+// What is written in the metadata table about the model.
+bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model);
+bool zqWriteMetadata(ZQSQLiteConnection &connection, const QString &key, const QVariant &value);
+QVariant zqReadMetadata(ZQSQLiteConnection &connection, const QString &key);
+// Nothing, with the error, when the database is no store.
+std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connection, ZQError *error);
+
+// Makes an empty store in an empty database, in the caller's transaction.
+bool zqCreateStore(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model, const QUuid &uuid);
