@@ -41,7 +41,7 @@ bool visitVariant(const QVariant &value, const QStringList &keys, qsizetype inde
                            [&](const QVariant &element) { return visitVariant(element, keys, index, true, visit); });
     }
     if (index == keys.size()) {
-        return visit(zqScalarFromVariant(value), isElement);
+        return visit(value, isElement);
     }
     if (value.typeId() == QMetaType::QVariantMap) {
         return visitVariant(value.toMap().value(keys[index]), keys, index + 1, isElement, visit);
@@ -49,7 +49,7 @@ bool visitVariant(const QVariant &value, const QStringList &keys, qsizetype inde
     if (value.typeId() == QMetaType::QVariantHash) {
         return visitVariant(value.toHash().value(keys[index]), keys, index + 1, isElement, visit);
     }
-    return visit(ZQScalar(), isElement);
+    return visit(QVariant(), isElement);
 }
 
 template <class Visit>
@@ -87,8 +87,12 @@ bool visitObject(const ZQManagedObject &object, const QStringList &keys, qsizety
 template <class Visit>
 bool visitKeyPath(const Subject &subject, const QStringList &keys, const Visit &visit)
 {
-    return subject.object ? visitObject(*subject.object, keys, 0, false, visit)
-                          : visitVariant(*subject.value, keys, 0, false, visit);
+    if (subject.object) {
+        return visitObject(*subject.object, keys, 0, false, visit);
+    }
+    return visitVariant(*subject.value, keys, 0, false, [&visit](const QVariant &value, bool isElement) {
+        return visit(zqScalarFromVariant(value), isElement);
+    });
 }
 
 // Whether a to-one relationship before the first to-many names nothing, which makes a count null instead of zero.
@@ -107,11 +111,20 @@ bool endsBeforeToMany(const ZQManagedObject *object, const QStringList &keys)
 
 ZQScalar countOf(const Subject &subject, const QStringList &keys)
 {
-    if (subject.object && endsBeforeToMany(subject.object, keys)) {
+    qint64 count = 0;
+    if (!subject.object) {
+        visitVariant(*subject.value, keys, 0, false, [&count](const QVariant &value, bool) {
+            bool isScalar = true; // a map is a thing to count, though not to compare
+            const bool isNull = zqIsNull(zqScalarFromVariant(value, &isScalar)) && isScalar;
+            count += isNull ? 0 : 1;
+            return false;
+        });
+        return count;
+    }
+    if (endsBeforeToMany(subject.object, keys)) {
         return {};
     }
-    qint64 count = 0;
-    visitKeyPath(subject, keys, [&count](const ZQScalar &value, bool) {
+    visitObject(*subject.object, keys, 0, false, [&count](const ZQScalar &value, bool) {
         count += zqIsNull(value) ? 0 : 1;
         return false;
     });

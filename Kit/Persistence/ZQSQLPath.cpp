@@ -92,6 +92,21 @@ private:
         }
     }
 
+    // Entities of one family may share a column, so the column alone does not say whose relationship it is.
+    void requireKind(const ZQEntityDescription *entity)
+    {
+        if (!entity->parent) {
+            return;
+        }
+        QStringList codes;
+        for (const int code : entity->codesIncludingSubentities()) {
+            codes.append(QString::number(code));
+        }
+        QString &condition = m_path.from.contains(QStringLiteral(" ON ")) ? m_path.from : m_path.where;
+        condition +=
+            QStringLiteral(" AND %1 IN (%2)").arg(zqSQLColumn(m_alias, QStringLiteral("entity")), codes.join(u','));
+    }
+
     void followToMany(const ZQRelationshipDescription &relationship)
     {
         QString key = m_key;
@@ -112,6 +127,7 @@ private:
         } else {
             joinTable(relationship.destination->tableName, "JOIN", relationship.inverse->columnName, key);
             m_key = zqSQLColumn(m_alias, idColumn);
+            requireKind(relationship.destination);
         }
     }
 

@@ -1,0 +1,318 @@
+#include "Kit/Persistence/ZQPredicateNode.h"
+#include "Tests/Kit/Persistence/PredicateDatabase.h"
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+namespace {
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+const std::vector<QVariant> texts = {
+    {},          text(""),     text("a"),  text("A"),      text("ä"),  text("a\u0308"), text("ß"),       text("ss"),
+    text("SS"),  text("İ"),    text("i"),  text("Σ"),      text("ς"),  text("Å"),       text("A\u030a"), text("😀"),
+    text("a*b"), text("a\\b"), text("%_"), text("\uffff"), text("10"), text("2"),       text("\u0301"),  text("ab?")};
+const std::vector<QVariant> integers = {{}, 0, 1, -1, 2, 9007199254740993LL, std::numeric_limits<qint64>::min()};
+const std::vector<QVariant> doubles = {{}, 0.0, 1.0, 1.5, -0.5, 9007199254740992.0, 1e300};
+const std::vector<QVariant> flags = {{}, true, false};
+const std::vector<QVariant> dates = {
+    {}, QDateTime::fromMSecsSinceEpoch(0), QDateTime::fromMSecsSinceEpoch(978307201500)};
+
+template <class T>
+T oneOf(const std::vector<T> &values)
+{
+    return values[*rc::gen::inRange<size_t>(0, values.size())];
+}
+
+struct Property
+{
+    const char *path;
+    const std::vector<QVariant> *values;
+};
+const std::vector<Property> properties = {
+    {"title", &texts},
+    {"author", &texts},
+    {"parent.title", &texts},
+    {"parent.parent.title", &texts},
+    {"tags.name", &texts},
+    {"children.title", &texts},
+    {"notes.text", &texts},
+    {"parent.notes.text", &texts},
+    {"children.notes.text", &texts},
+    {"children.parent.title", &texts},
+    {"flag", &flags},
+    {"small", &integers},
+    {"large", &integers},
+    {"exact", &doubles},
+    {"parent.exact", &doubles},
+    {"tags.weight", &integers},
+    {"tags.@count", &integers},
+    {"tags.weight.@count", &integers},
+    {"children.@count", &integers},
+    {"date", &dates},
+    {"parent.date", &dates},
+    {"parent.title.@count", &integers},
+};
+
+void fill(PredicateDatabase &database)
+{
+    for (qint64 key = 1; key <= 4; ++key) {
+        database.addTag(key, oneOf(texts), oneOf(integers));
+    }
+    const int count = *rc::gen::inRange(1, 8);
+    for (qint64 key = 1; key <= count; ++key) {
+        PredicateDatabase::Node node;
+        node.values = {{text("title"), oneOf(texts)},    {text("author"), oneOf(texts)},
+                       {text("flag"), oneOf(flags)},     {text("small"), oneOf(integers)},
+                       {text("large"), oneOf(integers)}, {text("exact"), oneOf(doubles)},
+                       {text("date"), oneOf(dates)}};
+        node.parent = *rc::gen::inRange<qint64>(0, key);
+        for (qint64 tag = 1; tag <= 4; ++tag) {
+            if (*rc::gen::inRange(0, 3) == 0) {
+                node.tags.append(tag);
+            }
+        }
+        database.addNode(key, node);
+    }
+    for (qint64 key = 1; key <= 4; ++key) {
+        database.addNote(key, oneOf(texts), *rc::gen::inRange<qint64>(1, count + 1));
+    }
+}
+
+// A random comparison; now and then of values whose types do not fit.
+QString randomComparison(QVariantList *arguments)
+{
+    static const std::vector<QString> modifiers = {{}, {}, text("ANY "), text("ALL "), text("NONE ")};
+    static const std::vector<QString> operators = {
+        text("=="),      text("!="),         text("<"),        text("<="),       text(">"),
+        text(">="),      text("BEGINSWITH"), text("ENDSWITH"), text("CONTAINS"), text("LIKE"),
+        text("MATCHES"), text("IN"),         text("BETWEEN"),  text("IN path")};
+    static const std::vector<QString> options = {{}, {}, text("[c]"), text("[d]"), text("[cd]")};
+    static const std::vector<QString> wildcards = {text("a*"), text("?"), text("*s*"), text("a\\*b"), text("")};
+    static const std::vector<QString> expressions = {text(".*"), text("\\w"), text("(a|ß)+"), text("[^a]"), text("")};
+
+    const Property property = oneOf(properties);
+    const bool isFitting = *rc::gen::inRange(0, 6) > 0;
+    const auto value = [&] {
+        return oneOf(isFitting ? *property.values : (property.values == &texts ? integers : texts));
+    };
+    const QString op = oneOf(operators);
+    const QString left = oneOf(modifiers) + text(property.path) + u' ';
+    if (op == text("IN path")) {
+        return left + text("IN ") + text(oneOf(properties).path);
+    }
+    const QString start = left + op + oneOf(options) + u' ';
+    if (op == text("IN") || op == text("BETWEEN")) {
+        const int size = op == text("IN") ? *rc::gen::elementOf(std::vector<int>{0, 1, 3, 40}) : 2;
+        QVariantList list;
+        for (int i = 0; i < size; ++i) {
+            list.append(value());
+        }
+        arguments->append(QVariant(list));
+        return start + text("%@");
+    }
+    if (*rc::gen::inRange(0, 4) == 0) {
+        return start + text(oneOf(properties).path);
+    }
+    if (op == text("LIKE") || op == text("MATCHES")) {
+        arguments->append(oneOf(op == text("LIKE") ? wildcards : expressions));
+        return start + text("%@");
+    }
+    arguments->append(value());
+    return start + text("%@");
+}
+
+QString randomFormat(QVariantList *arguments, int depth)
+{
+    const int kind = depth > 0 ? *rc::gen::inRange(0, 6) : 0;
+    if (kind < 3) {
+        return randomComparison(arguments);
+    }
+    if (kind == 3) {
+        return text("NOT (") + randomFormat(arguments, depth - 1) + u')';
+    }
+    const QString left = randomFormat(arguments, depth - 1);
+    const QString right = randomFormat(arguments, depth - 1);
+    return u'(' + left + (kind == 4 ? text(") AND (") : text(") OR (")) + right + u')';
+}
+
+ZQPredicate parsed(const char *format, const QVariantList &arguments = {})
+{
+    ZQError error;
+    const ZQPredicate predicate = ZQPredicate::predicateWithFormat(text(format), arguments, &error);
+    EXPECT_FALSE(predicate.isNull()) << format << error.localizedDescription().toStdString();
+    return predicate;
+}
+
+} // namespace
+
+RC_GTEST_PROP(ZQPredicateSQL, AgreesWithEvaluationInMemory, ())
+{
+    PredicateDatabase database;
+    fill(database);
+    for (int round = 0; round < 20; ++round) {
+        QVariantList arguments;
+        const QString format = randomFormat(&arguments, 3);
+        ZQError error;
+        const ZQPredicate predicate = ZQPredicate::predicateWithFormat(format, arguments, &error);
+        RC_ASSERT(error.isNull());
+        const auto again = ZQPredicate::predicateWithFormat(predicate.predicateFormat());
+        RC_ASSERT(again == predicate);
+        QVariantList expected;
+        for (const qint64 key : database.keys()) {
+            expected.append(qint64(predicate.evaluateWithObject(QVariant(database.mapOf(key)))));
+        }
+        RC_ASSERT(zqSQLForPredicate(predicate, database.document(), text("t0")).has_value());
+        const QVariantList found = database.results(predicate);
+        if (found != expected) {
+            RC_LOG() << predicate.predicateFormat().toStdString() << "\n"
+                     << zqSQLForPredicate(predicate, database.document(), text("t0"))->text.toStdString();
+        }
+        RC_ASSERT(found == expected);
+    }
+}
+
+TEST(ZQPredicateSQL, LetsAnIndexAnswerSimpleConditions)
+{
+    PredicateDatabase database;
+    QStringList many;
+    for (int i = 0; i < 1000; ++i) {
+        many.append(QString::number(i));
+    }
+    const QVariant date = QDateTime::fromMSecsSinceEpoch(0);
+    const std::tuple<const char *, QVariantList, const char *> cases[] = {
+        {"title == %@", {text("a")}, "byTitle"},
+        {"title == nil", {}, "byTitle"},
+        {"title in %@", {QStringList{text("a"), text("b")}}, "byTitle"},
+        {"title in %@", {many}, "byTitle"},
+        {"title >= 'a' AND flag == YES", {}, "byTitle"},
+        {"date > %@", {date}, "byDate"},
+        {"date BETWEEN %@", {QVariant(QVariantList{date, date})}, "byDate"},
+        {"((date >= %@) OR (title == 'a')) AND flag == YES", {date}, "byDate"},
+        {"parent == nil && flag == YES", {}, "byParent"},
+        {"ANY children.title == 'a'", {}, "USING INDEX by"},
+    };
+    for (const auto &[format, arguments, index] : cases) {
+        const QString plan = database.plan(parsed(format, arguments));
+        EXPECT_TRUE(plan.contains(text(index)) || plan.contains(text("COVERING INDEX ") + text(index)))
+            << format << ": " << plan.toStdString();
+    }
+}
+
+TEST(ZQPredicateSQL, ComparesObjectsByIdentity)
+{
+    PredicateDatabase database;
+    database.addTag(1, text("draft"), 1);
+    database.addTag(2, text("final"), 2);
+    database.addNode(1, {{{text("title"), text("root")}}, 0, {1}, {}});
+    database.addNode(2, {{{text("title"), text("child")}}, 1, {1, 2}, {}});
+    const auto node = [&](qint64 key) { return QVariant::fromValue(ZQObjectID{database.document(), key}); };
+    const auto tag = [&](qint64 key) { return QVariant::fromValue(ZQObjectID{database.tag(), key}); };
+    const std::tuple<const char *, QVariantList, QVariantList> cases[] = {
+        {"parent == %@", {node(1)}, {2LL}},
+        {"parent == %@", {tag(1)}, {}},
+        {"parent != %@", {node(1)}, {1LL}},
+        {"SELF == %@", {node(1)}, {1LL}},
+        {"NOT SELF in %@", {QVariant(QVariantList{node(1), node(7)})}, {2LL}},
+        {"ANY tags == %@", {tag(2)}, {2LL}},
+        {"tags CONTAINS %@", {tag(1)}, {1LL, 2LL}},
+        {"%@ IN tags", {tag(2)}, {2LL}},
+        {"NONE tags in %@", {QVariant(QVariantList{tag(2)})}, {1LL}},
+        {"parent.children.@count == 0", {}, {}},
+        {"parent.children.@count == nil", {}, {1LL}},
+        {"parent.children.@count == 1", {}, {2LL}},
+        {"ANY parent.children.title == 'child'", {}, {2LL}},
+        {"ALL tags.documents.title BEGINSWITH 'r'", {}, {}},
+    };
+    for (const auto &[format, arguments, expected] : cases) {
+        EXPECT_EQ(database.keysMatching(parsed(format, arguments)), expected) << format;
+    }
+}
+
+TEST(ZQPredicateSQL, TakesListsOfAnyLength)
+{
+    PredicateDatabase database;
+    database.addNode(1, {{{text("title"), text("39999")}, {text("exact"), 0.1 + 0.2}}, 0, {}, {}});
+    database.addNode(2, {{{text("title"), text("x")}, {text("exact"), 0.3}}, 0, {}, {}});
+    QVariantList titles;
+    QVariantList numbers;
+    for (int i = 0; i < 40000; ++i) {
+        titles.append(QString::number(i));
+        numbers.append(i + 0.1 + 0.2);
+    }
+    EXPECT_EQ(database.keysMatching(parsed("title in %@", {QVariant(titles)})), QVariantList{1LL});
+    EXPECT_EQ(database.keysMatching(parsed("NOT title in %@", {QVariant(titles)})), QVariantList{2LL});
+    EXPECT_EQ(database.keysMatching(parsed("exact in %@", {QVariant(numbers)})), QVariantList{1LL});
+}
+
+TEST(ZQPredicateSQL, RunsTheDeepestAndWidestPredicatesThatParse)
+{
+    PredicateDatabase database;
+    database.addNode(1, {{{text("title"), text("a")}}, 0, {}, {}});
+    QString format = text("ANY children.notes.text ==[cd] 'x'");
+    for (int i = 0; ZQPredicate::predicateWithFormat(text("title == 'b' OR NOT (") + format + u')').root(); ++i) {
+        format = (i % 2 ? text("title == 'b' OR NOT (") : text("title == 'a' AND NOT (")) + format + u')';
+    }
+    const ZQPredicate deep = ZQPredicate::predicateWithFormat(format);
+    EXPECT_GT(deep.root()->depth, zqMaximumPredicateDepth / 2);
+    EXPECT_EQ(database.results(deep), QVariantList{qint64(deep.evaluateWithObject(QVariant(database.mapOf(1))))});
+
+    QStringList wide;
+    for (int i = 0; i < 5000; ++i) {
+        wide.append(QStringLiteral("title CONTAINS \"%1\"").arg(i));
+    }
+    const ZQPredicate widest = ZQPredicate::predicateWithFormat(wide.join(text(" OR ")) + text(" OR title == 'a'"));
+    EXPECT_EQ(database.results(widest), QVariantList{1LL});
+}
+
+TEST(ZQPredicateSQL, NamesTheKeyPathThatLeadsNowhere)
+{
+    PredicateDatabase database;
+    for (const char *path : {"nothing", "parent.nothing", "title.length", "tags.title"}) {
+        ZQError error;
+        const ZQPredicate predicate = ZQPredicate::predicateWithFormat(text("%K == 1"), {text(path)});
+        EXPECT_FALSE(database.keysMatching(predicate, &error).has_value()) << path;
+        EXPECT_TRUE(error.localizedDescription().contains(text(path))) << error.localizedDescription().toStdString();
+    }
+}
+
+RC_GTEST_PROP(ZQSortDescriptorSQL, OrdersRowsAsValuesInMemory, ())
+{
+    PredicateDatabase database;
+    fill(database);
+    static const std::vector<QString> paths = {text("title"), text("exact"),        text("date"),
+                                               text("flag"),  text("parent.title"), text("parent.parent.title")};
+    QList<ZQSortDescriptor> descriptors;
+    const int count = *rc::gen::inRange(0, 4);
+    for (int i = 0; i < count; ++i) {
+        descriptors.append({oneOf(paths), *rc::gen::arbitrary<bool>(),
+                            *rc::gen::arbitrary<bool>() ? ZQSortDescriptor::Comparison::Standard
+                                                        : ZQSortDescriptor::Comparison::LocalizedStandard});
+    }
+    const auto order = zqSQLForSortDescriptors(descriptors, database.document(), text("t0"));
+    RC_ASSERT(order.has_value());
+    const QVariantList sorted = database.query(
+        QStringLiteral("SELECT t0.id FROM TestNode AS t0 %1 ORDER BY %2").arg(order->joins, order->orderBy));
+    const auto valueOf = [&](qint64 key, const QString &path) {
+        QVariant value = database.mapOf(key);
+        for (const QString &part : path.split(u'.')) {
+            value = value.toMap().value(part);
+        }
+        return value;
+    };
+    QList<qint64> expected = database.keys();
+    std::stable_sort(expected.begin(), expected.end(), [&](qint64 a, qint64 b) {
+        for (const ZQSortDescriptor &descriptor : descriptors) {
+            const int result =
+                zqCompareValues(valueOf(a, descriptor.keyPath), valueOf(b, descriptor.keyPath), descriptor.comparison);
+            if (result != 0) {
+                return descriptor.ascending ? result < 0 : result > 0;
+            }
+        }
+        return false;
+    });
+    RC_ASSERT(sorted == QVariantList(expected.begin(), expected.end()));
+}

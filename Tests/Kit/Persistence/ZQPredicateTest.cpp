@@ -1,0 +1,220 @@
+#include "Kit/Persistence/ZQPredicate.h"
+
+#include <QDateTime>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+QVariantMap item()
+{
+    return {
+        {text("title"), text("Café Logo")},
+        {text("order"), 3},
+        {text("width"), 1200.5},
+        {text("active"), true},
+        {text("father"), QVariant()},
+        {text("date"), QDateTime::fromMSecsSinceEpoch(978307200000 + 1500)},
+        {text("tags"), QVariantList{QVariantMap{{text("title"), text("Straße")}}, QVariantMap{{text("title"), {}}}}},
+        {text("none"), QVariantList()},
+        {text("owner"), QVariantMap{{text("name"), text("Ann")}}}};
+}
+
+struct Case
+{
+    const char *format;
+    QVariantList arguments;
+    bool expected;
+};
+
+} // namespace
+
+TEST(ZQPredicate, DecidesWhetherAValueMatches)
+{
+    const QVariant year2001 = QDateTime::fromMSecsSinceEpoch(978307200000);
+    const Case cases[] = {
+        {"title == %@", {text("Café Logo")}, true},
+        {"title = 'café logo'", {}, false},
+        {"title ==[c] 'CAFÉ LOGO'", {}, true},
+        {"title contains[cd] %@", {text("CAFE")}, true},
+        {"title contains[c] %@", {text("CAFE")}, false},
+        {"title LIKE[cd] \"cafe*?ogo\"", {}, true},
+        {"title LIKE[cd] \"cafe\"", {}, false},
+        {"title LIKE 'Caf\\\\é Logo'", {}, true},
+        {"title BEGINSWITH 'Caf' && title endswith 'Logo'", {}, true},
+        {"title MATCHES 'Caf.\\\\s\\\\w+'", {}, true},
+        {"title MATCHES 'Caf'", {}, false},
+        {"title in %@", {QStringList{text("a"), text("Café Logo")}}, true},
+        {"title IN {'a', nil}", {}, false},
+        {"father IN {'a', nil}", {}, true},
+        {"'Logo' IN title", {}, true},
+        {"order == 3", {}, true},
+        {"order == 3.0", {}, true},
+        {"order == '3'", {}, false},
+        {"order != '3'", {}, true},
+        {"order < '4'", {}, false},
+        {"order BETWEEN {1, %d}", {3}, true},
+        {"%K >= %ld", {text("order"), 4}, false},
+        {"#order > -5", {}, true},
+        {"active == YES AND active = 1", {}, true},
+        {"father == nil && active == %@", {true}, true},
+        {"father == nil &&  active == NO", {}, false},
+        {"father != nil || father < 3 || father contains ''", {}, false},
+        {"NOT (father < 3)", {}, true},
+        {"missing.key == NULL", {}, true},
+        {"date > CAST(1.4, \"NSDate\") AND date <= CAST(%lf, \"NSDate\")", {1.5}, true},
+        {"((date >= %@) OR (date >= %@))  AND active == %@", {year2001, year2001, true}, true},
+        {"owner.name == 'Ann'", {}, true},
+        {"ANY tags.title contains[cd] %@", {text("STRASSE")}, true},
+        {"tags.title ==[c] 'strasse'", {}, true},
+        {"ALL tags.title ==[c] 'strasse'", {}, false},
+        {"NONE tags.title == 'x'", {}, true},
+        {"ALL none.title == 'x'", {}, true},
+        {"SOME none.title != 'x'", {}, false},
+        {"tags.@count == 2 AND none.@count == 0", {}, true},
+        {"tags.title.@count > %d", {1}, false},
+        {"ANY tags.@distinctUnionOfObjects.title == nil", {}, true},
+        {"TRUEPREDICATE AND NOT FALSEPREDICATE", {}, true},
+        {"NO == NO OR 1 == 2 AND 1 == 3", {}, true},
+        {"(YES == NO)", {}, false},
+    };
+    for (const Case &test : cases) {
+        ZQError error;
+        const ZQPredicate predicate = ZQPredicate::predicateWithFormat(text(test.format), test.arguments, &error);
+        ASSERT_FALSE(predicate.isNull()) << test.format << ": " << error.localizedDescription().toStdString();
+        EXPECT_EQ(predicate.evaluateWithObject(QVariant(item())), test.expected) << test.format;
+        EXPECT_EQ(ZQPredicate::notPredicate(predicate).evaluateWithObject(QVariant(item())), !test.expected)
+            << test.format;
+        const ZQPredicate again =
+            ZQPredicate::predicateWithFormat(predicate.predicateFormat(), predicate.predicateFormatArguments(), &error);
+        EXPECT_TRUE(again == predicate) << predicate.predicateFormat().toStdString();
+    }
+}
+
+TEST(ZQPredicate, TreatsAPlainValueAsSelf)
+{
+    const QStringList known{text("com.example.a"), text("com.example.b")};
+    const ZQPredicate unknown = ZQPredicate::predicateWithFormat(text("NOT SELF in %@"), {known});
+    EXPECT_TRUE(unknown.evaluateWithObject(QVariant(text("com.example.c"))));
+    EXPECT_FALSE(unknown.evaluateWithObject(QVariant(text("com.example.a"))));
+    const ZQPredicate listed = ZQPredicate::predicateWithFormat(text("%@ CONTAINS SELF"), {known});
+    EXPECT_TRUE(listed.evaluateWithObject(QVariant(text("com.example.a"))));
+}
+
+TEST(ZQPredicate, SaysWhatIsWrongAndWhere)
+{
+    struct ErrorCase
+    {
+        const char *format;
+        QVariantList arguments;
+        int position;
+        const char *mention;
+    };
+    const ErrorCase cases[] = {
+        {"", {}, 1, "found the end"},
+        {"title ==", {}, 9, "key path or a value"},
+        {"title 'x'", {}, 7, "a comparison"},
+        {"(title == 'x'", {}, 14, "\")\""},
+        {"title == 'x' title", {}, 14, "AND, OR or the end"},
+        {"title == 'x", {}, 10, "not closed"},
+        {"title == %@", {}, 10, "missing"},
+        {"title ==[x] 'a'", {}, 10, "option"},
+        {"a BETWEEN {1}", {}, 11, "two values"},
+        {"a == {1, 2}", {}, 6, "list"},
+        {"a MATCHES '('", {}, 11, "pattern"},
+        {"%K == 1", {text("a b")}, 1, "not a key path"},
+        {"a == %d", {text("x")}, 6, "not a number"},
+        {"a == %@", {QVariantMap()}, 6, "QVariantMap"},
+        {"a == %z", {}, 6, "placeholder"},
+        {"a == CAST(x, \"NSDate\")", {}, 11, "a number"},
+        {"a == CAST(1e300, \"NSDate\")", {}, 11, "date"},
+        {"a AND b", {}, 3, "a comparison"},
+        {"a == 1 ;", {}, 8, "unknown character"},
+        {"tags.@sum == 1", {}, 1, "not a key path"},
+    };
+    for (const ErrorCase &test : cases) {
+        ZQError error;
+        EXPECT_TRUE(ZQPredicate::predicateWithFormat(text(test.format), test.arguments, &error).isNull())
+            << test.format;
+        EXPECT_EQ(error.userInfo.value(text("position")).toInt(), test.position) << test.format;
+        EXPECT_TRUE(error.localizedDescription().contains(text(test.mention)))
+            << test.format << ": " << error.localizedDescription().toStdString();
+    }
+}
+
+TEST(ZQPredicate, RefusesWhatIsNestedTooDeeplyInsteadOfOverflowing)
+{
+    const QString leaf = text("a == 1");
+    for (const auto &[open, close] : {std::pair("(", ")"), std::pair("NOT (b == 2 OR ", ")"), std::pair("{", "}")}) {
+        ZQError error;
+        const QString format = text(open).repeated(100000) + leaf + text(close).repeated(100000);
+        EXPECT_TRUE(ZQPredicate::predicateWithFormat(format, {}, &error).isNull()) << open;
+        EXPECT_FALSE(error.isNull());
+    }
+    EXPECT_FALSE(ZQPredicate::predicateWithFormat(text("NOT ").repeated(100000) + leaf).isNull());
+    ZQPredicate deep = ZQPredicate::predicateWithFormat(leaf);
+    for (int i = 0; i < 1000; ++i) {
+        deep = ZQPredicate::orPredicate({ZQPredicate::notPredicate(deep), ZQPredicate::predicateWithFormat(leaf)});
+    }
+    EXPECT_FALSE(deep.isNull()) << "a refused combination must not become one that matches everything";
+}
+
+TEST(ZQPredicate, FoldsCaseAndAccents)
+{
+    struct FoldCase
+    {
+        const char *text;
+        const char *caseFolded;
+        const char *plain;
+        const char *both;
+    };
+    const FoldCase cases[] = {
+        {"Straße", "strasse", "Straße", "strasse"},
+        {"İ", "i\u0307", "I", "i"},
+        {"Å", "å", "A", "a"},
+        {"A\u030a", "a\u030a", "A", "a"},
+        {"ΣΑΣ ς", "σασ σ", "ΣΑΣ ς", "σασ σ"},
+        {"e\u0301\u0323", "e\u0301\u0323", "e", "e"},
+        {"\u0301", "\u0301", "", ""},
+        {"한글", "한글", "한글", "한글"},
+        {"𐐀", "𐐨", "𐐀", "𐐨"},
+        {"", "", "", ""},
+    };
+    for (const FoldCase &test : cases) {
+        EXPECT_EQ(zqFold(text(test.text), true, false), text(test.caseFolded)) << test.text;
+        EXPECT_EQ(zqFold(text(test.text), false, true), text(test.plain)) << test.text;
+        EXPECT_EQ(zqFold(text(test.text), true, true), text(test.both)) << test.text;
+    }
+}
+
+TEST(ZQPredicate, GivesUpOnPatternsThatWouldRunForever)
+{
+    const QString subject = text("a").repeated(5000) + u'b';
+    const ZQPredicate runaway = ZQPredicate::predicateWithFormat(text("SELF MATCHES '(a+)+(a|aa)+c'"));
+    EXPECT_FALSE(runaway.evaluateWithObject(QVariant(subject)));
+    const ZQPredicate stars =
+        ZQPredicate::predicateWithFormat(text("SELF LIKE '") + text("*a").repeated(500) + text("c'"));
+    EXPECT_FALSE(stars.evaluateWithObject(QVariant(subject)));
+}
+
+TEST(ZQPredicate, ManyEqualitiesStayOneQuickLookup)
+{
+    QStringList alternatives;
+    for (int i = 0; i < 40000; ++i) {
+        alternatives.append(QStringLiteral("item.SHA1 == \"%1\"").arg(i));
+    }
+    const ZQPredicate predicate = ZQPredicate::predicateWithFormat(alternatives.join(text(" OR ")));
+    ASSERT_FALSE(predicate.isNull());
+    const auto matches = [&](const char *digest) {
+        return predicate.evaluateWithObject(
+            QVariant(QVariantMap{{text("item"), QVariantMap{{text("SHA1"), text(digest)}}}}));
+    };
+    EXPECT_TRUE(matches("39999"));
+    EXPECT_FALSE(matches("40000"));
+    EXPECT_TRUE(predicate.predicateFormat().startsWith(text("item.SHA1 IN {")));
+}
