@@ -1,0 +1,67 @@
+#include "Tests/Support/ScriptedUser.h"
+
+namespace {
+
+class UnwatchedProgress : public UserProgress
+{
+public:
+    void setMaximum(double) override {}
+    void advanceBy(double) override {}
+    void setText(const QString &) override {}
+};
+
+} // namespace
+
+QStringList ScriptedUser::notificationTexts() const
+{
+    QStringList texts;
+    for (const Notification &notification : notifications) {
+        texts.append(notification.text);
+    }
+    return texts;
+}
+
+int ScriptedUser::ask(const UserQuestion &question)
+{
+    questions.append(question);
+    return answerQuestion ? answerQuestion(question) : int(question.buttons.size()) - 1;
+}
+
+void ScriptedUser::showNotificationWithText(const QString &text, int position, double seconds)
+{
+    notifications.append({text, position, seconds});
+}
+
+void ScriptedUser::showSystemNotification(const QString &title, const QString &)
+{
+    systemNotifications.append(title);
+}
+
+QStringList ScriptedUser::chooseFilesToOpen(const FileChoice &)
+{
+    return {};
+}
+
+std::optional<QString> ScriptedUser::chooseFileToSave(const FileChoice &)
+{
+    return std::nullopt;
+}
+
+bool ScriptedUser::resolveUnreadableFiles(QList<FileConflict> &conflicts)
+{
+    return answerUnreadableFiles && answerUnreadableFiles(conflicts);
+}
+
+std::optional<QList<DuplicateChoice>> ScriptedUser::resolveDuplicates(const QList<DuplicatePair> &pairs)
+{
+    duplicates = pairs;
+    return answerDuplicates ? answerDuplicates(pairs) : std::nullopt;
+}
+
+std::shared_ptr<UserProgress> ScriptedUser::beginProgress(const QString &, double, std::function<void()> cancel)
+{
+    if (onBeginProgress) {
+        onBeginProgress(cancel);
+    }
+    return std::make_shared<UnwatchedProgress>();
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+
+// A person who answers as the test says and remembers what was shown. Without an answer from the test, the one that
+// changes least.
+class ScriptedUser : public UserInteraction
+{
+public:
+    struct Notification
+    {
+        QString text;
+        int position;
+        double seconds;
+    };
+
+    std::function<int(const UserQuestion &)> answerQuestion;
+    std::function<bool(QList<FileConflict> &)> answerUnreadableFiles;
+    std::function<std::optional<QList<DuplicateChoice>>(const QList<DuplicatePair> &)> answerDuplicates;
+    std::function<void(const std::function<void()> &cancel)> onBeginProgress; // on the thread that works
+
+    QList<ZQError> errors;
+    QList<UserQuestion> questions;
+    QList<Notification> notifications;
+    QStringList systemNotifications; // titles
+    QList<DuplicatePair> duplicates;
+    QStringList notificationTexts() const;
+
+    void presentError(const ZQError &error) override { errors.append(error); }
+    int ask(const UserQuestion &question) override;
+    void showNotificationWithText(const QString &text, int position, double seconds) override;
+    void showSystemNotification(const QString &title, const QString &text) override;
+    QStringList chooseFilesToOpen(const FileChoice &choice) override;
+    std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
+    bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
+    std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
+    std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
+                                                std::function<void()> cancel) override;
+};
