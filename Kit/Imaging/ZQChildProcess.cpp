@@ -23,6 +23,16 @@ void limitSelf(rlim_t seconds)
     ::setrlimit(RLIMIT_CORE, &core);
 }
 
+// Drawing programs let documents write into the temporary folder; that shall be one that holds nothing else.
+QProcessEnvironment environmentWithin(const QString &folder)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"TMPDIR", "TEMP", "TMP"}) {
+        environment.insert(QLatin1String(name), folder);
+    }
+    return environment;
+}
+
 } // namespace
 
 bool zqRunDrawingProgram(const QString &program, const QStringList &arguments, const QString &folder,
@@ -32,6 +42,7 @@ bool zqRunDrawingProgram(const QString &program, const QStringList &arguments, c
     const rlim_t seconds = rlim_t(limit.count() / 1000 + 1);
     process.setChildProcessModifier([seconds] { limitSelf(seconds); });
     process.setWorkingDirectory(folder);
+    process.setProcessEnvironment(environmentWithin(folder));
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());

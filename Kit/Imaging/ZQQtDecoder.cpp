@@ -1,7 +1,5 @@
 #include "Kit/Imaging/ZQImageDecoding.h"
 
-#include "Kit/Imaging/ZQImageFormat.h"
-
 #include <QFile>
 #include <QImageReader>
 #include <QtEndian>
@@ -82,23 +80,65 @@ ZQBitmap bmpDecode(const ZQDecodeRequest &request, ZQError *error)
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }
 
+// Pictures inside icon files that are files of their own.
+bool isEncodedPicture(const QByteArray &payload)
+{
+    return payload.startsWith("\x89PNG") || payload.startsWith(QByteArray::fromHex("0000000c6a502020"));
+}
+
+QImage iconByQt(const QString &path, const char *format, int index)
+{
+    QImageReader reader(path, format);
+    return index == 0 || reader.jumpToImage(index) ? reader.read() : QImage();
+}
+
+QList<QImage> iconsOfICO(const QString &path, const QByteArray &bytes)
+{
+    constexpr qsizetype directory = 6;
+    constexpr qsizetype entryBytes = 16;
+    QList<QImage> icons;
+    const int count = qMin(int(qFromLittleEndian<quint16>(bytes.constData() + 4)), maximumIcons);
+    for (int i = 0; i < count && directory + (i + 1) * entryBytes <= bytes.size(); ++i) {
+        const char *entry = bytes.constData() + directory + i * entryBytes;
+        const QByteArray payload =
+            bytes.mid(qFromLittleEndian<quint32>(entry + 12), qFromLittleEndian<quint32>(entry + 8));
+        icons.append(isEncodedPicture(payload) ? zqDecodeBytes(payload, {}, std::nullopt).image()
+                                               : iconByQt(path, "ico", i));
+    }
+    return icons;
+}
+
+QList<QImage> iconsOfICNS(const QString &path, const QByteArray &bytes)
+{
+    constexpr qsizetype headerBytes = 8;
+    QList<QImage> icons;
+    for (qsizetype at = headerBytes; at + headerBytes <= bytes.size() && icons.size() < maximumIcons;) {
+        const qsizetype length = qFromBigEndian<quint32>(bytes.constData() + at + 4);
+        const QByteArray payload = bytes.mid(at + headerBytes, length - headerBytes);
+        if (length >= headerBytes && isEncodedPicture(payload)) {
+            icons.append(zqDecodeBytes(payload, {}, std::nullopt).image());
+        }
+        at += qMax(length, headerBytes);
+    }
+    if (icons.isEmpty()) {
+        const int count = qMin(QImageReader(path, "icns").imageCount(), maximumIcons);
+        for (int i = 0; i < count; ++i) {
+            icons.append(iconByQt(path, "icns", i));
+        }
+    }
+    return icons;
+}
+
 // Largest first; of equal sizes the deeper comes first in such files already.
 QList<QImage> iconsOfFile(const QString &path)
 {
-    QList<QImage> icons;
-    const char *const format = zqImageFormatOfFile(path) == ZQImageFormat::ICNS ? "icns" : "ico";
-    QImageReader counter(path, format);
-    const int count = qMin(counter.imageCount(), maximumIcons);
-    for (int i = 0; i < count; ++i) {
-        QImageReader reader(path, format);
-        if (i > 0 && !reader.jumpToImage(i)) {
-            continue;
-        }
-        const QImage icon = reader.read();
-        if (!icon.isNull()) {
-            icons.append(icon);
-        }
-    }
+    constexpr qint64 maximumFileSize = qint64(64) << 20;
+    QFile file(path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.read(maximumFileSize) : QByteArray();
+    QList<QImage> icons = bytes.startsWith("icns") ? iconsOfICNS(path, bytes)
+                          : bytes.size() > 6       ? iconsOfICO(path, bytes)
+                                                   : QList<QImage>();
+    icons.removeIf([](const QImage &icon) { return icon.isNull(); });
     std::stable_sort(icons.begin(), icons.end(), [](const QImage &left, const QImage &right) {
         return qint64(left.width()) * left.height() > qint64(right.width()) * right.height();
     });
