@@ -46,6 +46,10 @@ constexpr RoleColors roleColors[] = {
     {ZQColorRole::Shadow, "shadow", 0x59000000, 0x2e000000},
 };
 
+// White, black, gray, red, orange, yellow, green, blue, purple, pink.
+constexpr QRgb swatches[] = {0xfff7f5f0, 0xff1a1a1c, 0xff8c8e94, 0xffd2333f, 0xffe8862f,
+                             0xfff0c93b, 0xff3a9a5b, 0xff3f6fd8, 0xff8a4fd0, 0xffe779a8};
+
 double channel(double value)
 {
     return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
@@ -124,6 +128,13 @@ QFont ZQTheme::font(int pixelSize, QFont::Weight weight) const
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
     return font;
+}
+
+QColor ZQTheme::swatch(int code)
+{
+    constexpr int first = 1000;
+    return code >= first && code < first + int(std::size(swatches)) ? QColor::fromRgb(swatches[code - first])
+                                                                    : QColor();
 }
 
 double ZQTheme::contrast(const QColor &a, const QColor &b)

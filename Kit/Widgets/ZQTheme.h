@@ -70,6 +70,9 @@ public:
     // How long an explaining movement may take; 0 when the desktop asks for less motion.
     int animationMilliseconds() const;
 
+    // The colour that stands for a colour code 1000 (white) to 1009 (pink); invalid for another code.
+    static QColor swatch(int code);
+
     // (L1 + 0.05) / (L2 + 0.05) of the relative luminances: 1 to 21.
     static double contrast(const QColor &a, const QColor &b);
     // `color` made lighter or darker until it stands out from `ground` by `ratio`.

@@ -1,0 +1,445 @@
+#include "Classes/Interface/BrowserContent.h"
+
+#include "Classes/Interface/ImportDoor.h"
+#include "Classes/Interface/LibraryCommands.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPreviewService.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarFolder.h"
+#include "Models/DataModel/ZQSidebarRecent.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qint64 mostDragged = 5000; // a drag names every file it carries
+
+bool holdsMemberships(const ZQFetchRequest &request)
+{
+    return request.entityName == ZQProjectItem::entityName();
+}
+
+bool isVector(const QString &extension)
+{
+    static const QStringList vectors = {QStringLiteral("svg"), QStringLiteral("pdf"), QStringLiteral("eps"),
+                                        QStringLiteral("ai"), QStringLiteral("sketch")};
+    return vectors.contains(extension, Qt::CaseInsensitive);
+}
+
+} // namespace
+
+BrowserContent::BrowserContent(WindowContext &window, QObject *parent) : QObject(parent), m_window(window) {}
+
+void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
+{
+    m_sidebarItems = items;
+    m_isLoaded = false;
+    reload();
+}
+
+ZQRef<ZQSidebarBaseItem> BrowserContent::singleItem() const
+{
+    return m_sidebarItems.size() == 1 ? m_window.sidebarItem(m_sidebarItems.first()) : ZQRef<ZQSidebarBaseItem>();
+}
+
+void BrowserContent::setFilter(const QString &text)
+{
+    if (text != m_filter) {
+        m_filter = text;
+        reload();
+    }
+}
+
+int BrowserContent::sortValue() const
+{
+    const auto single = singleItem();
+    return single ? single->sortKeys() : m_sidebarItems.size() > 1 ? 5 : 0;
+}
+
+bool BrowserContent::sortAscending() const
+{
+    const auto single = singleItem();
+    return single && single->sortDirection();
+}
+
+bool BrowserContent::canSortManually() const
+{
+    const auto single = singleItem();
+    return single && (single->isProject() || single->isScreenshot());
+}
+
+ZQFetchRequest BrowserContent::prepared(ZQFetchRequest request) const
+{
+    const bool isMembership = holdsMemberships(request);
+    int value = sortValue();
+    if (value == 0 && !isMembership) {
+        value = 1;
+    }
+    const QList<ZQSortDescriptor> descriptors =
+        ZQSidebarBaseItem::sortDescriptorsForSortValue(value, sortAscending(), isMembership ? 0 : 1);
+    if (!descriptors.isEmpty()) {
+        request.sortDescriptors = descriptors;
+    }
+    if (!m_filter.isEmpty()) {
+        const QString format =
+            isMembership ? QStringLiteral("item.title contains[cd] %@") : QStringLiteral("title contains[cd] %@");
+        request.predicate =
+            ZQPredicate::andPredicate({request.predicate, ZQPredicate::predicateWithFormat(format, {m_filter})});
+    }
+    return request;
+}
+
+void BrowserContent::addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Section> &into) const
+{
+    if (item->isRecent()) {
+        ZQPredicate earlier;
+        for (const ZQSidebarRecent::Group &group : ZQSidebarRecent::groups()) {
+            ZQFetchRequest request = item->contentRequest();
+            const ZQPredicate notEarlier = earlier.isNull() ? ZQPredicate() : ZQPredicate::notPredicate(earlier);
+            request.predicate = ZQPredicate::andPredicate({request.predicate, group.predicate, notEarlier});
+            earlier = earlier.isNull() ? group.predicate : ZQPredicate::orPredicate({earlier, group.predicate});
+            into.append({group.title, request});
+        }
+    } else if (item->isWatchedFolder()) {
+        into.append({item->title(), item->contentRequest()});
+        const auto folder = zqCast<ZQSidebarWatchedFolder>(item);
+        for (const auto &child : folder->orderedChildrenAndSubChildren()) {
+            if (child != item) {
+                into.append({child->title(), child->contentRequest()});
+            }
+        }
+    } else if (item->isFolder()) {
+        for (const auto &project : ZQSidebarFolder::expandedProjects({item})) {
+            into.append({project->title(), project->contentRequest()});
+        }
+    } else {
+        into.append({item->title(), item->contentRequest()});
+    }
+}
+
+QList<BrowserContent::Section> BrowserContent::sections() const
+{
+    QList<Section> result;
+    for (const ZQObjectID &id : m_sidebarItems) {
+        if (const auto item = m_window.sidebarItem(id); item && item->active()) {
+            addSections(item, result);
+        }
+    }
+    const auto single = singleItem();
+    if (single && !single->isRecent() && !single->isFolder() && !single->isWatchedFolder()) {
+        result.first().title.clear();
+    }
+    for (Section &section : result) {
+        section.request = prepared(section.request);
+    }
+    return result;
+}
+
+void BrowserContent::reload()
+{
+    QStringList titles;
+    QList<ZQFetchRequest> requests;
+    if (!singleItem() || singleItem()->active()) {
+        for (const Section &section : sections()) {
+            titles.append(section.title);
+            requests.append(section.request);
+        }
+    }
+    m_window.fetcher.fetchObjectIDs(ContentFetcher::Purpose::Content, requests,
+                                    [this, titles](const ContentFetcher::IDs &ids) { take(titles, ids); });
+}
+
+void BrowserContent::take(const QStringList &titles, const ContentFetcher::IDs &ids)
+{
+    Q_EMIT aboutToChange();
+    m_rows.clear();
+    m_starts.clear();
+    m_groups.clear();
+    m_shown.clear();
+    m_count = 0;
+    for (qsizetype i = 0; i < ids.size(); ++i) {
+        if (ids[i].isEmpty()) {
+            continue;
+        }
+        m_starts.append(m_count);
+        m_rows.append(ids[i]);
+        if (!titles[i].isEmpty()) {
+            m_groups.append({titles[i], ids[i].size()});
+        }
+        m_count += ids[i].size();
+    }
+    if (m_filter.isEmpty()) {
+        m_unfilteredCount = m_count;
+    }
+    m_isLoaded = true;
+    Q_EMIT changed();
+}
+
+void BrowserContent::dropObjects()
+{
+    m_shown.clear();
+    m_thumbnails.clear();
+}
+
+const ZQObjectID &BrowserContent::row(qint64 index) const
+{
+    const auto section = std::upper_bound(m_starts.begin(), m_starts.end(), index) - m_starts.begin() - 1;
+    return m_rows[section][index - m_starts[section]];
+}
+
+ZQRef<ZQLibraryBaseItem> BrowserContent::itemOfRow(const ZQObjectID &id) const
+{
+    const ZQRef<ZQManagedObject> object = m_window.context.objectWithID(id);
+    if (const auto membership = zqCast<ZQProjectItem>(object)) {
+        return membership->item();
+    }
+    return zqCast<ZQLibraryBaseItem>(object);
+}
+
+void BrowserContent::willShow(qint64 first, qint64 last)
+{
+    QList<ZQObjectID> missing;
+    for (qint64 index = first; index <= last && index < m_count; ++index) {
+        if (!m_shown.contains(index)) {
+            missing.append(row(index));
+        }
+    }
+    if (missing.isEmpty()) {
+        return;
+    }
+    constexpr qsizetype kept = 2000;
+    if (m_shown.size() > kept) {
+        m_shown.clear();
+        m_thumbnails.clear();
+    }
+    m_window.context.fillFaults(missing);
+    QList<ZQObjectID> items;
+    for (qint64 index = first; index <= last && index < m_count; ++index) {
+        if (!m_shown.contains(index)) {
+            m_shown.insert(index, itemOfRow(row(index)));
+        }
+        if (const auto &item = m_shown[index]) {
+            items.append(item->objectID());
+        }
+    }
+    m_window.context.fillFaults(items);
+}
+
+ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
+{
+    if (index < 0 || index >= m_count) {
+        return {};
+    }
+    const auto found = m_shown.constFind(index);
+    return found != m_shown.constEnd() ? *found : itemOfRow(row(index));
+}
+
+QList<ZQObjectID> BrowserContent::rowIDs(const ZQIndexSet &indexes) const
+{
+    QList<ZQObjectID> result;
+    result.reserve(indexes.count());
+    for (const ZQIndexSet::Range &range : indexes.ranges()) {
+        for (qint64 index = range.first; index <= range.last && index < m_count; ++index) {
+            result.append(row(index));
+        }
+    }
+    return result;
+}
+
+QList<ZQObjectID> BrowserContent::libraryItemIDs(const ZQIndexSet &indexes) const
+{
+    const QList<ZQObjectID> rows = rowIDs(indexes);
+    m_window.context.fillFaults(rows);
+    QList<ZQObjectID> result;
+    result.reserve(rows.size());
+    for (const ZQObjectID &id : rows) {
+        if (const auto item = itemOfRow(id)) {
+            result.append(item->objectID());
+        }
+    }
+    return result;
+}
+
+ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
+{
+    const QSet<ZQObjectID> wanted(rows.begin(), rows.end());
+    ZQIndexSet result;
+    for (qint64 index = 0; index < m_count && !wanted.isEmpty(); ++index) {
+        if (wanted.contains(row(index))) {
+            result.insert(index);
+        }
+    }
+    return result;
+}
+
+qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
+{
+    for (qint64 index = 0; index < m_count; ++index) {
+        if (row(index) == item) {
+            return index;
+        }
+        if (const auto member = itemOfRow(row(index)); member && member->objectID() == item) {
+            return index;
+        }
+    }
+    return -1;
+}
+
+ZQThumbnailRequest BrowserContent::thumbnailOf(const ZQLibraryBaseItem &item)
+{
+    const QString thumb = item.thumbURL();
+    if (!thumb.isEmpty()) {
+        return {thumb, item.thumbVersion(), false};
+    }
+    const QString file = item.detailItemURL();
+    return {file, item.thumbVersion(), true};
+}
+
+QImage BrowserContent::decodeForeign(const ZQThumbnailRequest &request, int pixels)
+{
+    if (!request.isForeign) {
+        const QImage image = ZQThumbnailLoader::readImage(request, pixels);
+        if (!image.isNull()) {
+            return image;
+        }
+    }
+    return ZQPreviewService::previewOfFile(request.path, QSize(pixels, pixels)).image();
+}
+
+ZQGridItem BrowserContent::item(qint64 index) const
+{
+    const auto object = libraryItem(index);
+    if (!object) {
+        return {};
+    }
+    const ZQObjectID id = object->objectID();
+    auto thumbnail = m_thumbnails.constFind(id);
+    if (thumbnail == m_thumbnails.constEnd() || thumbnail->version != object->thumbVersion()) {
+        thumbnail = m_thumbnails.insert(id, thumbnailOf(*object));
+    }
+    return {object->title(), object->extension(), QSize(object->pixelWidth(), object->pixelHeight()),
+            isVector(object->extension()), *thumbnail};
+}
+
+qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
+{
+    QSet<ZQObjectID> matches;
+    for (const Section &section : sections()) {
+        ZQFetchRequest request = section.request;
+        const QString format = holdsMemberships(request) ? QStringLiteral("item.title BEGINSWITH[cd] %@")
+                                                         : QStringLiteral("title BEGINSWITH[cd] %@");
+        request.predicate =
+            ZQPredicate::andPredicate({request.predicate, ZQPredicate::predicateWithFormat(format, {text})});
+        request.sortDescriptors.clear();
+        const auto found = m_window.context.fetchObjectIDs(request);
+        matches.unite(found ? QSet<ZQObjectID>(found->begin(), found->end()) : QSet<ZQObjectID>());
+    }
+    for (qint64 step = 0; step < m_count && !matches.isEmpty(); ++step) {
+        const qint64 index = (from + step) % m_count;
+        if (matches.contains(row(index))) {
+            return index;
+        }
+    }
+    return -1;
+}
+
+QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
+{
+    ZQIndexSet some;
+    for (const qint64 index : indexes.indexes(mostDragged)) {
+        some.insert(index);
+    }
+    QList<QUrl> urls;
+    QStringList identifiers;
+    const QUuid store = m_window.context.persistentStoreCoordinator()->storeUUID();
+    for (const ZQObjectID &id : libraryItemIDs(some)) {
+        const auto item = m_window.libraryItem(id);
+        identifiers.append(id.URIRepresentation(store));
+        if (const QString path = item->itemURL(); !path.isEmpty()) {
+            urls.append(QUrl::fromLocalFile(path));
+        }
+    }
+    auto *data = new QMimeData;
+    data->setUrls(urls);
+    data->setData(itemsMimeType, identifiers.join(u'\n').toUtf8());
+    return data;
+}
+
+QList<ZQObjectID> BrowserContent::itemsOfMimeData(const QMimeData *data, WindowContext &window)
+{
+    QList<ZQObjectID> result;
+    for (const QString &uri : QString::fromUtf8(data->data(itemsMimeType)).split(u'\n', Qt::SkipEmptyParts)) {
+        if (const auto object = zqCast<ZQLibraryBaseItem>(window.context.objectWithURIRepresentation(uri))) {
+            result.append(object->objectID());
+        }
+    }
+    return result;
+}
+
+bool BrowserContent::dropsAtIndex(const QMimeData * /*data*/) const
+{
+    return canSortManually() && sortValue() == 0 && m_filter.isEmpty();
+}
+
+Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*/) const
+{
+    const auto target = singleItem();
+    if (!target) {
+        return Qt::IgnoreAction;
+    }
+    if (data->hasFormat(itemsMimeType)) {
+        return dropsAtIndex(data) ? Qt::MoveAction : Qt::IgnoreAction;
+    }
+    const QStringList paths = ImportDoor::localPaths(data);
+    if (!paths.isEmpty()) {
+        return ImportDoor::areFilesValid(paths, target.get()) ? Qt::CopyAction : Qt::IgnoreAction;
+    }
+    return ImportDoor::carriesContent(data) && !target->isRecent() && !target->isFolder() ? Qt::CopyAction
+                                                                                          : Qt::IgnoreAction;
+}
+
+bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*action*/)
+{
+    const auto target = singleItem();
+    if (!target) {
+        return false;
+    }
+    const quint32 place = dropsAtIndex(data) ? quint32(index) : ZQSidebarBaseItem::appendIndex;
+    if (data->hasFormat(itemsMimeType)) {
+        LibraryCommands(m_window).moveItems(itemsOfMimeData(data, m_window), target->objectID(), place);
+        return true;
+    }
+    const QStringList paths = ImportDoor::localPaths(data);
+    if (!paths.isEmpty()) {
+        ImportDoor::importFiles(paths, target.get(), place);
+    } else {
+        ImportDoor::importPasteboard(data, target.get(), place);
+    }
+    return true;
+}
+
+QString BrowserContent::emptyText() const
+{
+    if (!m_isLoaded) {
+        return {};
+    }
+    if (m_sidebarItems.isEmpty()) {
+        return zqLocalized("Select something in the sidebar.");
+    }
+    if (!m_filter.isEmpty()) {
+        return zqFormat(zqLocalized("No title contains \"%@\". Press Esc in the search field to show everything."),
+                        {m_filter});
+    }
+    const auto single = singleItem();
+    if (single && single->isRecent()) {
+        return zqLocalized("Nothing was added or changed in the last days.");
+    }
+    if (single && single->isFolder()) {
+        return zqLocalized("The projects of this folder are empty.");
+    }
+    return zqLocalized("Drop images here, or press Ctrl+I");
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "Classes/Interface/ContentFetcher.h"
+#include "Classes/Interface/WindowContext.h"
+#include "Kit/Widgets/ZQGridView.h"
+
+// What a browser shows for the selected sidebar items: identifiers of all rows in order, objects only for those on
+// screen.
+class BrowserContent : public QObject, public ZQGridDataSource
+{
+    Q_OBJECT
+public:
+    static inline const QString itemsMimeType = QStringLiteral("application/x-zelto-items");
+
+    explicit BrowserContent(WindowContext &window, QObject *parent = nullptr);
+
+    void setSidebarItems(const QList<ZQObjectID> &items); // fetches
+    const QList<ZQObjectID> &sidebarItems() const { return m_sidebarItems; }
+    ZQRef<ZQSidebarBaseItem> singleItem() const; // null unless exactly one is selected
+    void setFilter(const QString &text);         // titles that contain it; fetches
+    const QString &filter() const { return m_filter; }
+    void reload();      // fetches again
+    void dropObjects(); // what is shown changed: reads it again when painted
+    qint64 unfilteredCount() const { return m_unfilteredCount; }
+
+    ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
+    QList<ZQObjectID> libraryItemIDs(const ZQIndexSet &indexes) const;
+    QList<ZQObjectID> rowIDs(const ZQIndexSet &indexes) const;
+    ZQIndexSet indexesOfRows(const QList<ZQObjectID> &rows) const;
+    qint64 indexOfLibraryItem(const ZQObjectID &item) const; // linear; -1 for none
+    bool canSortManually() const;
+    int sortValue() const;
+    bool sortAscending() const;
+
+    qint64 count() const override { return m_count; }
+    QList<ZQGridGroup> groups() const override { return m_groups; }
+    void willShow(qint64 first, qint64 last) override;
+    ZQGridItem item(qint64 index) const override;
+    qint64 indexForTyping(const QString &text, qint64 from) const override;
+    QMimeData *mimeData(const ZQIndexSet &indexes) const override;
+    Qt::DropAction dropAction(const QMimeData *data, qint64 index) const override;
+    bool drop(const QMimeData *data, qint64 index, Qt::DropAction action) override;
+    bool dropsAtIndex(const QMimeData *data) const override;
+    QString emptyText() const override;
+
+    static QList<ZQObjectID> itemsOfMimeData(const QMimeData *data, WindowContext &window);
+    static ZQThumbnailRequest thumbnailOf(const ZQLibraryBaseItem &item);
+    static QImage decodeForeign(const ZQThumbnailRequest &request, int pixels); // any thread
+
+Q_SIGNALS:
+    void aboutToChange(); // the rows are still the old ones
+    void changed();
+
+private:
+    struct Section
+    {
+        QString title;
+        ZQFetchRequest request;
+    };
+    QList<Section> sections() const;
+    void addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Section> &into) const;
+    ZQFetchRequest prepared(ZQFetchRequest request) const;
+    ZQRef<ZQLibraryBaseItem> itemOfRow(const ZQObjectID &row) const;
+    const ZQObjectID &row(qint64 index) const;
+    void take(const QStringList &titles, const ContentFetcher::IDs &ids);
+
+    WindowContext &m_window;
+    QList<ZQObjectID> m_sidebarItems;
+    QString m_filter;
+    QList<QList<ZQObjectID>> m_rows; // one list a section
+    QList<qint64> m_starts;
+    QList<ZQGridGroup> m_groups;
+    qint64 m_count = 0;
+    qint64 m_unfilteredCount = 0;
+    bool m_isLoaded = false;
+    mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;
+    mutable QHash<ZQObjectID, ZQThumbnailRequest> m_thumbnails;
+};

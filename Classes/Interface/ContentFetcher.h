@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Kit/Persistence/ZQFetchRequest.h"
+#include "Kit/Persistence/ZQObjectID.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+class ZQPersistentStoreCoordinator;
+
+// Runs fetches on a thread and context of its own, so that long lists and many counts never hold up the window.
+// It sees what was saved. Used from the main thread; answers arrive there.
+class ContentFetcher : public QObject
+{
+    Q_OBJECT
+public:
+    explicit ContentFetcher(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent = nullptr);
+    ~ContentFetcher() override;
+
+    // What a caller is waiting for; a new request under the same name replaces one not yet begun, and only the answer
+    // of the latest is delivered.
+    enum class Purpose { Content, Search, Counts };
+
+    using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error
+    void fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer);
+    void count(QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
+    bool isIdle() const; // nothing asked is unanswered
+
+private:
+    struct Private;
+    std::shared_ptr<Private> d;
+};

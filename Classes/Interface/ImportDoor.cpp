@@ -1,0 +1,57 @@
+#include "Classes/Interface/ImportDoor.h"
+
+#include "Classes/Import/AImportManager.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <QMimeData>
+#include <QUrl>
+
+namespace ImportDoor {
+
+QStringList localPaths(const QMimeData *data)
+{
+    QStringList paths;
+    for (const QUrl &url : data->urls()) {
+        if (url.isLocalFile()) {
+            paths.append(url.toLocalFile());
+        }
+    }
+    return paths;
+}
+
+bool areFilesValid(const QStringList &paths, ZQSidebarBaseItem *forSidebarItem)
+{
+    return AImportManager::areFilesAtPaths(paths, forSidebarItem);
+}
+
+bool anySupported(const QStringList &paths)
+{
+    return AImportManager::filesAtPathsContainsValidItems(paths);
+}
+
+bool anyDirectory(const QStringList &paths)
+{
+    return AImportManager::filesAtPathsContainsDirectory(paths);
+}
+
+bool carriesContent(const QMimeData *data)
+{
+    return data->hasUrls() || data->hasImage();
+}
+
+QStringList openPanelExtensions()
+{
+    return AImportManager::supportedTypeForOpenPanel();
+}
+
+void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIndex)
+{
+    AImportManager::sharedAImportManager().importFilesAtPaths(paths, into->objectID(), atIndex, {});
+}
+
+void importPasteboard(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex)
+{
+    AImportManager::sharedAImportManager().importItemsFromPasteboard(data, into, atIndex);
+}
+
+} // namespace ImportDoor

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Classes/Interface/WindowContext.h"
+
+#include <QScrollArea>
+
+class BrowserViewController;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QVBoxLayout;
+class TagField;
+
+// What is known of the selected items, and the fields to change it. Values that differ read "Multiple values".
+class InfoPanelViewController : public QScrollArea
+{
+    Q_OBJECT
+public:
+    InfoPanelViewController(WindowContext &window, BrowserViewController &browser, QWidget *parent = nullptr);
+    void refresh(); // the selection or what it holds changed
+    void editTitle();
+    bool commitEditing(); // takes what was typed; false when the title cannot be taken
+
+    // Gives the items these tags: common ones no longer entered go, entered ones come, those of only some stay. True
+    // when an item changed. One undo step.
+    bool tagItems(const QList<ZQObjectID> &items, const QStringList &withTags);
+    QStringList commonTagsForItems(const QList<ZQObjectID> &items) const;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    class Preview;
+    QLabel *caption(const QString &text);
+    void addRow(const QString &name, QWidget *value);
+    void showNothing();
+    void showItems(const QList<ZQObjectID> &items);
+    void showColors(const ZQLibraryBaseItem &item);
+    void commitTitle();
+    void commitNotes();
+
+    WindowContext &m_window;
+    BrowserViewController &m_browser;
+    QList<ZQObjectID> m_items;
+    QString m_shownNotes;
+    QWidget *m_body;
+    QLabel *m_nothing;
+    QVBoxLayout *m_column;
+    Preview *m_preview;
+    QLineEdit *m_title;
+    QLabel *m_kind;
+    QWidget *m_colorBox;
+    QWidget *m_colors;
+    TagField *m_tags;
+    QPlainTextEdit *m_notes;
+    QGridLayout *m_rows;
+    QLabel *m_size;
+    QLabel *m_imported;
+    QLabel *m_modified;
+    QLabel *m_source;
+    QLabel *m_license;
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <functional>
+
+// The window itself: tells its owner when it is asked to close.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    using QMainWindow::QMainWindow;
+    std::function<void()> closeRequested;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+};

@@ -1,0 +1,158 @@
+#include "Classes/Interface/ProjectsSidebarViewController.h"
+
+#include "Classes/Interface/BrowserContent.h"
+#include "Classes/Interface/ImportDoor.h"
+#include "Classes/Interface/LibraryCommands.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QFileInfo>
+#include <QMimeData>
+
+#include <algorithm>
+
+namespace {
+
+bool takesItems(const SidebarCommands::Item &target)
+{
+    return target && !target->isLabel() &&
+           (target->isProject() || target->isScreenshot() || target->isTag() || target->isWatchedFolder());
+}
+
+ZQSidebarKind labelKind(const SidebarCommands::Item &target)
+{
+    return target && target->isLabel() ? ZQSidebarKind(target->kind()) : ZQSidebarKind::Library;
+}
+
+quint32 indexOf(const SidebarDropPlace &place)
+{
+    return place.index < 0 ? ZQSidebarBaseItem::appendIndex : quint32(place.index);
+}
+
+} // namespace
+
+SidebarCommands::Items ProjectsSidebarViewController::draggedItems(const QMimeData *mime) const
+{
+    SidebarCommands::Items items;
+    for (const QString &uri :
+         QString::fromUtf8(mime->data(SidebarTreeView::elementMimeType)).split(u'\n', Qt::SkipEmptyParts)) {
+        if (const auto item = zqCast<ZQSidebarBaseItem>(m_window.context.objectWithURIRepresentation(uri))) {
+            items.append(item);
+        }
+    }
+    return items;
+}
+
+Qt::DropAction ProjectsSidebarViewController::validate(const QMimeData *mime, const SidebarDropPlace &place) const
+{
+    if (mime->hasFormat(SidebarTreeView::elementMimeType)) {
+        return SidebarCommands::validateItemDrop(draggedItems(mime), place.target, place.index) ? Qt::MoveAction
+                                                                                                : Qt::IgnoreAction;
+    }
+    const bool isOnto = place.index < 0;
+    if (mime->hasFormat(BrowserContent::itemsMimeType)) {
+        return isOnto && takesItems(place.target) ? Qt::CopyAction : Qt::IgnoreAction;
+    }
+    if (const QStringList paths = ImportDoor::localPaths(mime); !paths.isEmpty()) {
+        return validateFileDrop(paths, place);
+    }
+    const bool isTarget = place.target && !place.target->isLabel() &&
+                          (place.target->isProject() || place.target->isTag() || place.target->isWatchedFolder());
+    return isOnto && isTarget && (mime->hasImage() || ImportDoor::carriesContent(mime)) ? Qt::CopyAction
+                                                                                        : Qt::IgnoreAction;
+}
+
+Qt::DropAction ProjectsSidebarViewController::validateFileDrop(const QStringList &paths,
+                                                               const SidebarDropPlace &place) const
+{
+    if (filesDropCanCreateProjectInSidebar(paths, place)) {
+        return Qt::CopyAction;
+    }
+    return place.index < 0 && place.target && ImportDoor::areFilesValid(paths, place.target.get()) ? Qt::CopyAction
+                                                                                                   : Qt::IgnoreAction;
+}
+
+bool ProjectsSidebarViewController::filesDropCanCreateProjectInSidebar(const QStringList &paths,
+                                                                       const SidebarDropPlace &place) const
+{
+    if (tree()->tree()->side() != SidebarTreeModel::Side::Projects ||
+        !(ImportDoor::anySupported(paths) || ImportDoor::anyDirectory(paths))) {
+        return false;
+    }
+    if (!place.target) {
+        return true; // the empty area
+    }
+    const bool isProjects = labelKind(place.target) == ZQSidebarKind::ProjectsLabel;
+    const bool isFolder = place.target->isFolder() && !place.target->isLabel();
+    return (isProjects || isFolder) && place.index >= 0;
+}
+
+bool ProjectsSidebarViewController::accept(const QMimeData *mime, const SidebarDropPlace &place)
+{
+    if (mime->hasFormat(SidebarTreeView::elementMimeType)) {
+        const auto dragged = draggedItems(mime);
+        const bool follows = !dragged.isEmpty() && selectedItems().contains(dragged.first()->objectID());
+        const quint32 first = SidebarCommands::destinationIndex(dragged, place.target, place.index);
+        QList<quint32> indexes;
+        QList<ZQObjectID> ids;
+        for (qsizetype i = 0; i < dragged.size(); ++i) {
+            indexes.append(first + quint32(i));
+            ids.append(dragged[i]->objectID());
+        }
+        m_commands.moveListItems(dragged, SidebarCommands::Items(dragged.size(), place.target), indexes);
+        place.target->setExpanded(true);
+        reload();
+        if (follows) {
+            selectItems(ids);
+        }
+        return true;
+    }
+    if (mime->hasFormat(BrowserContent::itemsMimeType)) {
+        LibraryCommands(m_window).addItems(BrowserContent::itemsOfMimeData(mime, m_window), place.target->objectID(),
+                                           indexOf(place));
+        return true;
+    }
+    if (const QStringList paths = ImportDoor::localPaths(mime); !paths.isEmpty()) {
+        return acceptFiles(paths, place);
+    }
+    ImportDoor::importPasteboard(mime, place.target.get(), indexOf(place));
+    return true;
+}
+
+bool ProjectsSidebarViewController::acceptFiles(const QStringList &paths, const SidebarDropPlace &place)
+{
+    if (filesDropCanCreateProjectInSidebar(paths, place)) {
+        newSidebarItemFromDropFiles(paths, place);
+    } else {
+        ImportDoor::importFiles(paths, place.target.get(), indexOf(place));
+    }
+    return true;
+}
+
+// Folders become projects of their own; files share a new one.
+void ProjectsSidebarViewController::newSidebarItemFromDropFiles(const QStringList &paths, const SidebarDropPlace &place)
+{
+    const auto father =
+        place.target ? place.target : ZQSidebarBaseItem::projectsLabelInManagedObjectContext(m_window.context);
+    if (!father) {
+        return;
+    }
+    QStringList folders;
+    QStringList files;
+    for (const QString &path : paths) {
+        (QFileInfo(path).isDir() && !ImportDoor::anySupported({path}) ? folders : files).append(path);
+    }
+    if (!folders.isEmpty()) {
+        ImportDoor::importFiles(folders, father.get(), indexOf(place));
+    }
+    if (!files.isEmpty()) {
+        const auto last =
+            father->orderedChildren().value(place.index < 0 ? father->numberofChilds() - 1 : place.index - 1);
+        const auto project =
+            m_commands.addNewListItem(SidebarCommands::NewItem::Project, last && last->isProject() ? last : father);
+        if (project) {
+            ImportDoor::importFiles(files, project.get(), ZQSidebarBaseItem::appendIndex);
+            editTitle(project);
+        }
+    }
+    m_window.user.showNotificationWithText(zqLocalized("New project created"), 2, 2.5);
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Interface/Sheet.h"
+
+class QCheckBox;
+class QButtonGroup;
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+// A message with buttons and, when asked for, a box that keeps it from being asked again.
+class QuestionSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    QuestionSheet(QWidget *window, const UserQuestion &question);
+    int ask(); // the index of the button; keeps the suppression when the first was taken
+
+private:
+    QString m_suppressionKey;
+    QCheckBox *m_suppress = nullptr;
+};
+
+// Which of the unreadable files stay in an import.
+class UnreadableFilesSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    UnreadableFilesSheet(QWidget *window, QList<FileConflict> &conflicts);
+    bool resolve(); // false: stop the import
+
+private:
+    void updateImportButtonStatus();
+
+    QList<FileConflict> &m_conflicts;
+    QListWidget *m_list;
+    QPushButton *m_continue;
+};
+
+// One duplicate after another: discard, use the one there is, or import anyway.
+class DuplicatesSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs);
+    std::optional<QList<DuplicateChoice>> resolve();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void done(int code) override;
+
+private:
+    class Card;
+    void showPair();
+
+    QList<DuplicatePair> m_pairs;
+    QList<DuplicateChoice> m_choices;
+    Card *m_existing;
+    Card *m_new;
+    QButtonGroup *m_options;
+    QCheckBox *m_applyToAll;
+};

@@ -1,0 +1,168 @@
+#include "Classes/Interface/Sheet.h"
+
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QEventLoop>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPointer>
+#include <QPushButton>
+
+namespace {
+
+// Keeps the pointer from what lies under a sheet.
+class Cover : public QWidget
+{
+public:
+    explicit Cover(QWidget *window) : QWidget(window) {}
+
+protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), zqColor(ZQColorRole::Shadow));
+    }
+    void mousePressEvent(QMouseEvent *event) override { event->accept(); }
+};
+
+constexpr int radius = 12;
+
+} // namespace
+
+Sheet::Sheet(QWidget *window, const QString &title)
+    : QDialog(window, Qt::Widget), m_window(window), m_cover(new Cover(window)), m_content(new QVBoxLayout),
+      m_footer(new QHBoxLayout)
+{
+    setParent(m_cover, Qt::Widget);
+    setAccessibleName(title);
+    auto *heading = new QLabel(title, this);
+    heading->setObjectName(QStringLiteral("SheetTitle"));
+    heading->setWordWrap(true);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(22, 20, 22, 20);
+    layout->setSpacing(0);
+    layout->addWidget(heading);
+    layout->addSpacing(12);
+    layout->addLayout(m_content);
+    layout->addSpacing(18);
+    layout->addLayout(m_footer);
+    m_footer->setSpacing(10);
+    m_footer->addStretch(1);
+    window->installEventFilter(this);
+}
+
+QPushButton *Sheet::addButton(const QString &text, int code, bool isDefault)
+{
+    auto *button = new QPushButton(text, this);
+    button->setAutoDefault(true);
+    button->setDefault(isDefault);
+    connect(button, &QPushButton::clicked, this, [this, code] { done(code); });
+    m_footer->addWidget(button);
+    if (m_rejectCode == 0 || !isDefault) {
+        m_rejectCode = code;
+    }
+    return button;
+}
+
+void Sheet::setWidth(int width)
+{
+    m_width = width;
+}
+
+void Sheet::place()
+{
+    const int top = ZQMeasure::toolbarHeight + 1;
+    m_cover->setGeometry(0, top, m_window->width(), m_window->height() - top);
+    const int width = std::min(m_width, m_window->width() - 40);
+    setFixedWidth(width);
+    layout()->activate();
+    const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
+    setGeometry((m_cover->width() - width) / 2, 0, width, std::min(height, m_cover->height()));
+}
+
+int Sheet::run()
+{
+    const QPointer<QWidget> focusBefore(QApplication::focusWidget());
+    QList<QAction *> paused;
+    for (QAction *action : m_window->actions()) {
+        if (action->isEnabled()) {
+            action->setEnabled(false);
+            paused.append(action);
+        }
+    }
+    place();
+    m_cover->raise();
+    m_cover->show();
+    show();
+    for (QPushButton *button : findChildren<QPushButton *>()) {
+        if (button->isDefault()) {
+            button->setFocus();
+        }
+    }
+    QEventLoop loop;
+    int code = m_rejectCode;
+    connect(this, &QDialog::finished, &loop, [&](int result) {
+        code = result;
+        loop.quit();
+    });
+    connect(m_cover, &QObject::destroyed, &loop, &QEventLoop::quit); // the window went
+    const QPointer<QWidget> cover(m_cover);
+    loop.exec();
+    for (QAction *action : paused) {
+        action->setEnabled(true);
+    }
+    if (cover) {
+        cover->hide();
+        setParent(nullptr);
+        cover->deleteLater();
+    }
+    if (focusBefore) {
+        focusBefore->setFocus();
+    }
+    return code;
+}
+
+void Sheet::reject()
+{
+    done(m_rejectCode);
+}
+
+bool Sheet::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == m_window && event->type() == QEvent::Resize) {
+        place();
+    }
+    return QDialog::eventFilter(object, event);
+}
+
+bool Sheet::focusNextPrevChild(bool next)
+{
+    QWidget *focused = QApplication::focusWidget();
+    for (QWidget *candidate = focused ? (next ? focused->nextInFocusChain() : focused->previousInFocusChain())
+                                      : nullptr;
+         candidate && candidate != focused;
+         candidate = next ? candidate->nextInFocusChain() : candidate->previousInFocusChain()) {
+        if (isAncestorOf(candidate) && candidate->isVisible() && candidate->isEnabled() &&
+            (candidate->focusPolicy() & Qt::TabFocus)) {
+            candidate->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return true;
+        }
+    }
+    return true;
+}
+
+void Sheet::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(QRect(0, 0, width(), height() - radius), zqColor(ZQColorRole::Raised));
+    QPainterPath path;
+    path.addRoundedRect(QRectF(rect()).adjusted(0.5, -radius, -0.5, -0.5), radius, radius);
+    painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
+    painter.setBrush(zqColor(ZQColorRole::Raised));
+    painter.drawPath(path);
+}

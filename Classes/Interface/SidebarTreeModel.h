@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Classes/Interface/WindowContext.h"
+
+#include <QAbstractItemModel>
+
+#include <memory>
+
+// One side of the sidebar as a tree of its active items in their order, with counts beside them.
+class SidebarTreeModel : public QAbstractItemModel
+{
+    Q_OBJECT
+public:
+    enum class Side { Projects, Tags };
+    enum Role { CountRole = Qt::UserRole, IconRole, LabelRole, StateRole };
+
+    SidebarTreeModel(WindowContext &window, Side side, QObject *parent = nullptr);
+    ~SidebarTreeModel() override;
+
+    void reload();       // the tree again from the store; identifiers keep their meaning, indexes do not
+    void reloadCounts(); // asked in the background
+    Side side() const { return m_side; }
+    void setShowsCounts(bool shows);
+
+    ZQRef<ZQSidebarBaseItem> item(const QModelIndex &index) const;
+    QModelIndex indexOf(const ZQObjectID &item) const;
+    QModelIndex indexOfKind(ZQSidebarKind kind) const;
+
+    QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    void renamed(const QModelIndex &index, const QString &title); // an edit ended with this text
+
+private:
+    struct Node;
+    void build(Node &node, const ZQRef<ZQSidebarBaseItem> &item);
+    const Node *node(const QModelIndex &index) const;
+    bool isSectionShown(const ZQSidebarBaseItem &label) const;
+
+    WindowContext &m_window;
+    Side m_side;
+    bool m_showsCounts = true;
+    std::unique_ptr<Node> m_root;
+    QHash<ZQObjectID, Node *> m_nodes;
+    QHash<ZQObjectID, qint64> m_counts;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+
+#include <QPointer>
+#include <QWidget>
+
+class QVBoxLayout;
+class ZQNotificationBubble;
+
+// Talks to the person through the main window: sheets, bubbles, progress lines. Before there is a window, alerts are
+// plain dialogs and the rest waits or is dropped.
+class WindowUserInteraction : public QObject, public UserInteraction
+{
+    Q_OBJECT
+public:
+    WindowUserInteraction();
+    ~WindowUserInteraction() override;
+
+    struct Places
+    {
+        QPointer<QWidget> window;
+        QPointer<QWidget> browser;
+        QPointer<QWidget> sidebar;
+        QVBoxLayout *progress = nullptr; // lives as long as the sidebar
+    };
+    void setPlaces(const Places &places);
+
+    void presentError(const ZQError &error) override;
+    int ask(const UserQuestion &question) override;
+    void showNotificationWithText(const QString &text, int position, double seconds) override;
+    void showSystemNotification(const QString &title, const QString &text) override;
+    QStringList chooseFilesToOpen(const FileChoice &choice) override;
+    std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
+    bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
+    std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
+    std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
+                                                std::function<void()> cancel) override;
+
+private:
+    bool hasWindow() const { return m_places.window && m_places.window->isVisible(); }
+
+    Places m_places;
+    QPointer<ZQNotificationBubble> m_bubbles[3];
+};
