@@ -101,10 +101,7 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
 bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
 {
     PreferencesController::registerDefaultPreferences();
-    if (libraryDirectory().isEmpty()) {
-        zqSetError(error, ZQError::with(LibraryLock::errorDomain, LibraryLock::NotWritable,
-                                        zqFormat(zqLocalized("The library “%@” can't be created."), {m_requestedBundleDirectory}),
-                                        zqLocalized("Check that its folder exists and can be written.")));
+    if (!lockLibrary(error) || libraryDirectory().isEmpty()) {
         return false;
     }
     if (!openStore(error)) {

@@ -44,6 +44,8 @@ public:
     void applicationDidFinishLaunching();
     // Launch for one command: the store, the fixed sidebar, the defaults and the background queue; no window, no watching.
     bool openLibraryForCommand(ZQError *error);
+    // Keeps other processes out of the library; part of opening the store, and what a window does before anything else.
+    bool lockLibrary(ZQError *error);
 
     // Reopening.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);

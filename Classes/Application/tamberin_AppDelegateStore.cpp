@@ -57,21 +57,29 @@ bool tamberin_AppDelegate::offerRecovery(const QString &path, const ZQError &dam
     return kept.has_value();
 }
 
+bool tamberin_AppDelegate::lockLibrary(ZQError *error)
+{
+    const QString bundle = libraryBundleDirectory();
+    if (!m_lock && !bundle.isEmpty()) {
+        m_lock = LibraryLock::lockBundle(bundle, error);
+    }
+    if (bundle.isEmpty()) {
+        zqSetError(error, ZQError::with(LibraryLock::errorDomain, LibraryLock::NotWritable,
+                                        zqFormat(zqLocalized("The library “%@” can't be created."), {m_requestedBundleDirectory}),
+                                        zqLocalized("Check that its folder exists and can be written.")));
+    }
+    return m_lock != nullptr;
+}
+
 bool tamberin_AppDelegate::openStore(ZQError *error)
 {
     if (m_coordinator) {
         return true;
     }
-    const QString bundle = libraryBundleDirectory();
-    if (bundle.isEmpty()) {
+    if (!lockLibrary(error)) {
         return false;
     }
-    if (!m_lock) {
-        m_lock = LibraryLock::lockBundle(bundle, error);
-        if (!m_lock) {
-            return false;
-        }
-    }
+    const QString bundle = libraryBundleDirectory();
     ZQError opening;
     m_coordinator = ZQPersistentStoreCoordinator::open(managedObjectModel(), storePath(bundle), {}, &opening);
     const bool isDamaged = opening.domain == ZQStoreErrorDomain && opening.code == static_cast<int>(ZQStoreError::Damaged);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonValue>
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+class tamberin_AppDelegate;
+class ZQManagedObjectContext;
+class ZQSidebarBaseItem;
+class ZQLibraryBaseItem;
+template <class T>
+class ZQRef;
+
+// What a command works with: the open library, and where its words go. Collected instead of printed, because a command may
+// run in the process of a window for another process.
+struct CommandContext
+{
+    tamberin_AppDelegate *delegate = nullptr; // null for commands that need no library
+    QString workingDirectory;
+    bool json = false;
+    QByteArray output; // data only
+    QByteArray errors; // one line an error, each says what to do
+
+    ZQManagedObjectContext &store() const;
+    QString absolutePath(const QString &path) const { return QDir(workingDirectory).absoluteFilePath(path); }
+
+    void print(const QString &line) { output += line.toUtf8() + '\n'; }
+    void printJSON(const QJsonValue &value);
+    // Exit status 2: nothing was changed.
+    int fail(const QString &message)
+    {
+        errors += "zelto: " + message.toUtf8() + '\n';
+        return 2;
+    }
+};
+
+// REF: titles from a top-level entry down ("PROJECTS/Clients/Brand"; a title may itself hold a slash), or an entry's UUID text.
+// Null with a message in `context` when there is none.
+ZQRef<ZQSidebarBaseItem> zqSidebarItemForReference(const QString &reference, CommandContext &context);
+
+// ITEM: a bundleID, a SHA1 (then every item with it) or a path inside the library. Nothing, with a message, when one of them names no item.
+std::optional<QList<ZQRef<ZQLibraryBaseItem>>> zqItemsForReferences(const QStringList &references, CommandContext &context);

@@ -1,0 +1,261 @@
+#include "Classes/Command/CommandLine.h"
+
+#include "Classes/Command/Commands.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QRegularExpression>
+
+#include <CLI/CLI.hpp>
+
+#include <sstream>
+
+// What CLI11 parses into; it speaks std::string.
+struct CommandLine::Options
+{
+    std::string library;
+    std::vector<std::string> files;
+    std::vector<std::string> paths;
+    std::vector<std::string> metadata;
+    std::vector<std::string> items;
+    std::string reference;
+    qint64 index = -1;
+    bool deleted = false;
+    bool deep = false;
+    std::string duplicates = "keep";
+    std::string unreadable = "skip";
+    std::string key;
+    std::string value;
+    std::string file;
+    std::string size = "1280x800";
+    double scale = 1;
+    std::string theme;
+};
+
+namespace {
+QString text(const std::string &value) { return QString::fromStdString(value); }
+
+QStringList texts(const std::vector<std::string> &values)
+{
+    QStringList list;
+    for (const std::string &value : values) {
+        list.append(text(value));
+    }
+    return list;
+}
+
+const char *const referenceHelp = "A sidebar entry: titles from the top, as PROJECTS/Clients/Brand, or its UUID text";
+const char *const itemHelp = "Items: a bundleID, a SHA1 or a path inside the library";
+} // namespace
+
+CommandLine::CommandLine()
+    : m_app(std::make_unique<CLI::App>("Zelto keeps a designer's library of assets.", "zelto"))
+    , m_options(std::make_unique<Options>())
+{
+    m_app->require_subcommand(0, 1);
+    m_app->fallthrough();
+    m_app->add_option("--library", m_options->library, "The library bundle to work on; without it the remembered one")->type_name("DIR");
+    m_app->add_option("files", m_options->files, "Files, folders or a library to open in the window")->type_name("FILE");
+    defineImport();
+    defineItems();
+    defineDeletion();
+    defineVerify();
+    defineDefaults();
+    defineSnapshot();
+    defineDocumentation();
+}
+
+CommandLine::~CommandLine() = default;
+
+CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary, std::function<int(CommandContext &)> run)
+{
+    CLI::App *command = m_app->add_subcommand(name, help);
+    command->callback([this, needsLibrary, run = std::move(run)] {
+        m_needsLibrary = needsLibrary;
+        m_run = run;
+    });
+    return command;
+}
+
+void CommandLine::defineImport()
+{
+    CLI::App *command = add("import", "Import files and folders, and say what became items and what did not", true, [this](CommandContext &context) {
+        ImportRequest request{texts(m_options->paths), text(m_options->reference), m_options->index, texts(m_options->metadata)};
+        return zqRunImport(request, context);
+    });
+    command->add_option("paths", m_options->paths, "What to import")->required()->type_name("PATH");
+    command->add_option("--into", m_options->reference, referenceHelp)->type_name("REF");
+    command->add_option("--index", m_options->index, "Position among what is there, from 0; without it at the end")->type_name("N");
+    command->add_option("--set", m_options->metadata, "An attribute that every imported item gets, as license=CC0")->type_name("KEY=VALUE")->allow_extra_args(false);
+    command->add_option("--duplicates", m_options->duplicates, "What to do with a file the library has: keep both, discard the new one, or relink the old one")
+        ->check(CLI::IsMember({"keep", "discard", "relink"}));
+    command->add_option("--unreadable", m_options->unreadable, "Skip files that cannot be read, or stop before anything is imported")
+        ->check(CLI::IsMember({"skip", "stop"}));
+    command->add_flag("--json", m_json, "Print one object: imported, dropped, notifications");
+}
+
+void CommandLine::defineItems()
+{
+    CLI::App *items = add("items", "List items", true, [this](CommandContext &context) {
+        return zqRunItems({text(m_options->reference), m_options->deleted}, context);
+    });
+    items->add_option("--in", m_options->reference, referenceHelp)->type_name("REF");
+    items->add_flag("--deleted", m_options->deleted, "Those that were deleted and not yet purged, instead");
+    items->add_flag("--json", m_json, "Print an array of objects keyed by attribute names");
+
+    CLI::App *sidebar = add("sidebar", "List the sidebar", true, [](CommandContext &context) { return zqRunSidebar(context); });
+    sidebar->add_flag("--json", m_json, "Print an array of the top-level entries with their children");
+}
+
+void CommandLine::defineDeletion()
+{
+    CLI::App *remove = add("delete", "Delete items from the library; they can be restored until the next purge", true,
+                           [this](CommandContext &context) { return zqRunDelete(texts(m_options->items), context); });
+    remove->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM");
+    CLI::App *restore = add("restore", "Bring deleted items back", true,
+                            [this](CommandContext &context) { return zqRunRestore(texts(m_options->items), context); });
+    restore->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM");
+    add("purge", "Remove deleted items and their files for good, as quitting does", true, [](CommandContext &context) { return zqRunPurge(context); });
+}
+
+void CommandLine::defineVerify()
+{
+    CLI::App *command = add("verify", "Check that the store is sound and that every item has its files; exit status 1 when not", true,
+                            [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
+    command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
+    command->add_flag("--json", m_json, "Print one object: items, problems, orphans");
+}
+
+void CommandLine::defineDefaults()
+{
+    CLI::App *defaults = m_app->add_subcommand("defaults", "Read and change the preferences");
+    defaults->require_subcommand(1);
+    const auto addAction = [&](const char *name, const char *help, std::function<int(CommandContext &)> run) {
+        CLI::App *action = defaults->add_subcommand(name, help);
+        action->callback([this, run = std::move(run)] {
+            m_needsLibrary = false;
+            m_run = run;
+        });
+        return action;
+    };
+    CLI::App *read = addAction("read", "Print one preference, or all", [this](CommandContext &context) { return zqRunDefaultsRead(text(m_options->key), context); });
+    read->add_option("key", m_options->key)->type_name("KEY");
+    read->add_flag("--json", m_json, "Print JSON");
+    CLI::App *write = addAction("write", "Set a preference", [this](CommandContext &context) {
+        return zqRunDefaultsWrite(text(m_options->key), text(m_options->value), context);
+    });
+    write->add_option("key", m_options->key)->required()->type_name("KEY");
+    write->add_option("value", m_options->value, "true, false, a number, a JSON value, or a text")->required()->type_name("VALUE");
+    CLI::App *remove = addAction("delete", "Go back to a preference's default", [this](CommandContext &context) {
+        return zqRunDefaultsDelete(text(m_options->key), context);
+    });
+    remove->add_option("key", m_options->key)->required()->type_name("KEY");
+}
+
+void CommandLine::defineSnapshot()
+{
+    CLI::App *command = add("snapshot", "Draw the main window into a PNG file", true, [this](CommandContext &context) {
+        SnapshotRequest request = m_snapshot;
+        request.file = context.absolutePath(request.file);
+        return m_drawSnapshot ? m_drawSnapshot(request, context) : context.fail(zqLocalized("this program was built without a window"));
+    });
+    command->add_option("file", m_options->file, "Where to write the picture")->required()->type_name("FILE.png");
+    command->add_option("--size", m_options->size, "Size of the window in points")->type_name("WxH");
+    command->add_option("--scale", m_options->scale, "Pixels a point")->check(CLI::Range(0.5, 4.0))->type_name("S");
+    command->add_option("--select", m_options->reference, referenceHelp)->type_name("REF");
+    command->add_option("--theme", m_options->theme, "Instead of the preference")->check(CLI::IsMember({"dark", "light"}));
+}
+
+void CommandLine::defineDocumentation()
+{
+    CLI::App *command = add("markdown", "Print this reference as Markdown", false, [this](CommandContext &context) {
+        context.output += markdown().toUtf8();
+        return 0;
+    });
+    command->group(""); // for the documentation's own script
+}
+
+bool CommandLine::parse(const QStringList &arguments, CommandContext &context, int *exitStatus)
+{
+    std::vector<std::string> reversed;
+    for (auto it = arguments.rbegin(); it != arguments.rend(); ++it) {
+        reversed.push_back(it->toStdString());
+    }
+    try {
+        m_app->parse(reversed);
+    } catch (const CLI::ParseError &error) {
+        std::ostringstream output;
+        std::ostringstream errors;
+        const int code = m_app->exit(error, output, errors);
+        context.output += QByteArray::fromStdString(output.str());
+        context.errors += QByteArray::fromStdString(errors.str());
+        *exitStatus = code == 0 ? 0 : 2;
+        return false;
+    }
+    m_library = text(m_options->library);
+    m_files = texts(m_options->files);
+    context.json = m_json;
+    m_duplicatePolicy = m_options->duplicates == "discard"  ? DuplicatePolicy::Discard
+                        : m_options->duplicates == "relink" ? DuplicatePolicy::Relink
+                                                            : DuplicatePolicy::Keep;
+    m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
+    m_isSnapshot = m_app->got_subcommand("snapshot");
+    if (m_isSnapshot) {
+        static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));
+        const QRegularExpressionMatch size = pattern.match(text(m_options->size));
+        if (!size.hasMatch()) {
+            *exitStatus = context.fail(zqFormat(zqLocalized("“%@” is no size; write it as 1280x800"), {text(m_options->size)}));
+            return false;
+        }
+        m_snapshot = {text(m_options->file), text(m_options->reference), {size.captured(1).toInt(), size.captured(2).toInt()}, m_options->scale,
+                      text(m_options->theme)};
+    }
+    return true;
+}
+
+namespace {
+void describe(const CLI::App &command, const QString &name, QString &out)
+{
+    const auto subcommands = command.get_subcommands([](const CLI::App *) { return true; });
+    if (!subcommands.empty()) {
+        for (const CLI::App *subcommand : subcommands) {
+            if (!subcommand->get_group().empty()) {
+                describe(*subcommand, name + u' ' + text(subcommand->get_name()), out);
+            }
+        }
+        return;
+    }
+    QString synopsis = name;
+    QString rows;
+    for (const CLI::Option *option : command.get_options()) {
+        if (option->get_name() == "--help") {
+            continue;
+        }
+        const bool isFlag = option->get_items_expected_max() == 0;
+        const QString type = isFlag ? QString() : text(option->get_type_name());
+        const QString label = option->get_positional() ? type : (text(option->get_name()) + (isFlag ? QString() : u' ' + type));
+        const QString several = option->get_items_expected_max() > 1 ? QStringLiteral("…") : QString();
+        synopsis += u' ' + (option->get_required() ? label + several : u'[' + label + u']' + several);
+        if (!option->get_description().empty()) {
+            rows += QStringLiteral("| `%1` | %2 |\n").arg(label, text(option->get_description()));
+        }
+    }
+    out += QStringLiteral("\n## `%1`\n\n%2.\n\n```\n%3\n```\n").arg(name, text(command.get_description()), synopsis);
+    if (!rows.isEmpty()) {
+        out += QStringLiteral("\n| Option | Meaning |\n|---|---|\n") + rows;
+    }
+}
+} // namespace
+
+QString CommandLine::markdown() const
+{
+    QString out = QStringLiteral(
+        "# Commands\n\n"
+        "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
+        "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one thing and exits. Every command takes "
+        "`--library DIR`; without it, the remembered library is meant. When a window has that library open, the command runs in the "
+        "window's process, so that two processes never write one library.\n\n"
+        "Only data goes to standard output; errors go to standard error. The exit status is 0, 1 when `verify` found something wrong, "
+        "and 2 after an error, in which case nothing was changed.\n");
+    describe(*m_app, QStringLiteral("zelto"), out);
+    return out;
+}

@@ -1,0 +1,112 @@
+#include "Classes/Command/CommandUserInteraction.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <cstdio>
+#include <mutex>
+#include <unistd.h>
+
+namespace {
+void printError(const QString &text)
+{
+    std::fprintf(stderr, "zelto: %s\n", text.toUtf8().constData());
+}
+
+// A bar of numbers that rewrites its line; silent unless a terminal watches.
+class TerminalProgress : public UserProgress
+{
+public:
+    TerminalProgress(const QString &text, double maximum, std::function<void()> cancel)
+        : cancelBlock(std::make_shared<std::function<void()>>(std::move(cancel)))
+        , m_text(text)
+        , m_maximum(maximum)
+        , m_isShown(::isatty(STDERR_FILENO) != 0)
+    {
+    }
+    ~TerminalProgress() override
+    {
+        if (m_isShown && m_drawn) {
+            std::fprintf(stderr, "\r\033[K");
+        }
+    }
+    void setMaximum(double maximum) override
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_maximum = maximum;
+    }
+    void advanceBy(double amount) override
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_done += amount;
+        draw();
+    }
+    void setText(const QString &text) override
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_text = text;
+    }
+
+    std::shared_ptr<std::function<void()>> cancelBlock;
+
+private:
+    void draw()
+    {
+        if (m_isShown) {
+            std::fprintf(stderr, "\r\033[K%s %.0f / %.0f", m_text.toUtf8().constData(), m_done, m_maximum);
+            m_drawn = true;
+        }
+    }
+    std::mutex m_mutex;
+    QString m_text;
+    double m_maximum;
+    double m_done = 0;
+    bool m_isShown;
+    bool m_drawn = false;
+};
+} // namespace
+
+void CommandUserInteraction::presentError(const ZQError &error) { printError(error.localizedDescription()); }
+
+int CommandUserInteraction::ask(const UserQuestion &question) { return static_cast<int>(question.buttons.size()) - 1; }
+
+void CommandUserInteraction::showNotificationWithText(const QString &, int, double)
+{
+    // The command's own report says it; a line of its own would say it twice.
+}
+
+void CommandUserInteraction::showSystemNotification(const QString &, const QString &) {}
+
+QStringList CommandUserInteraction::chooseFilesToOpen(const FileChoice &) { return {}; }
+
+std::optional<QString> CommandUserInteraction::chooseFileToSave(const FileChoice &) { return std::nullopt; }
+
+bool CommandUserInteraction::resolveUnreadableFiles(QList<FileConflict> &conflicts)
+{
+    for (FileConflict &conflict : conflicts) {
+        conflict.isIncluded = conflict.isValid;
+    }
+    return m_unreadable == UnreadablePolicy::Skip;
+}
+
+std::optional<QList<DuplicateChoice>> CommandUserInteraction::resolveDuplicates(const QList<DuplicatePair> &pairs)
+{
+    const DuplicateChoice choice = m_duplicates == DuplicatePolicy::Discard  ? DuplicateChoice::Discard
+                                   : m_duplicates == DuplicatePolicy::Relink ? DuplicateChoice::Relink
+                                                                             : DuplicateChoice::KeepBoth;
+    return QList<DuplicateChoice>(pairs.size(), choice);
+}
+
+std::shared_ptr<UserProgress> CommandUserInteraction::beginProgress(const QString &text, double maximum, std::function<void()> cancel)
+{
+    auto progress = std::make_shared<TerminalProgress>(text, maximum, std::move(cancel));
+    m_cancel = progress->cancelBlock;
+    return progress;
+}
+
+void CommandUserInteraction::cancelCurrentWork()
+{
+    const auto cancel = m_cancel.lock();
+    if (cancel && *cancel) {
+        (*cancel)();
+    }
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Classes/Command/CommandContext.h"
+
+#include <QStringList>
+#include <QVariantMap>
+
+// What each command does, apart from how it is written on a command line. Each answers the exit status: 0, 1 when `verify` found
+// something, 2 after an error that changed nothing.
+
+struct ImportRequest
+{
+    QStringList paths;
+    QString into;           // REF; empty: the Library
+    qint64 index = -1;      // negative: at the end
+    QStringList metadata;   // "key=value"
+};
+int zqRunImport(const ImportRequest &request, CommandContext &context);
+
+struct ItemsRequest
+{
+    QString in; // REF; empty: the whole library
+    bool deleted = false;
+};
+int zqRunItems(const ItemsRequest &request, CommandContext &context);
+int zqRunSidebar(CommandContext &context);
+
+int zqRunDelete(const QStringList &items, CommandContext &context);
+int zqRunRestore(const QStringList &items, CommandContext &context);
+int zqRunPurge(CommandContext &context);
+
+int zqRunVerify(bool deep, CommandContext &context);
+
+int zqRunDefaultsRead(const QString &key, CommandContext &context);
+int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext &context);
+int zqRunDefaultsDelete(const QString &key, CommandContext &context);

@@ -1,0 +1,137 @@
+#include "Classes/Command/Commands.h"
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+QJsonValue pathOrNull(const QString &path) { return path.isEmpty() ? QJsonValue() : QJsonValue(path); }
+
+QJsonObject itemObject(ZQLibraryBaseItem &item)
+{
+    QJsonObject object = zqJSONObject(item);
+    QJsonArray tags;
+    for (const ZQRef<ZQSidebarTag> &tag : item.itemTags()) {
+        tags.append(tag->title());
+    }
+    QJsonArray projects;
+    for (const ZQRef<ZQSidebarBaseItem> &project : item.projects()) {
+        projects.append(project->title());
+    }
+    object.insert(QStringLiteral("entity"), item.entity()->name);
+    object.insert(QStringLiteral("itemPath"), pathOrNull(item.itemURL()));
+    object.insert(QStringLiteral("thumbPath"), pathOrNull(item.thumbURL()));
+    object.insert(QStringLiteral("tags"), tags);
+    object.insert(QStringLiteral("projects"), projects);
+    return object;
+}
+
+// The items asked for; nothing after an error, which is in `context`.
+ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContext &context)
+{
+    if (request.in.isEmpty()) {
+        ZQFetchRequest fetch{ZQLibraryBaseItem::entityName(),
+                             ZQPredicate::predicateWithFormat(QStringLiteral("active == %@"), {!request.deleted})};
+        fetch.sortDescriptors = {{QStringLiteral("import_date")}};
+        ZQError error;
+        auto items = context.store().fetch<ZQLibraryBaseItem>(fetch, &error);
+        if (!items) {
+            context.fail(error.localizedDescription());
+        }
+        return items;
+    }
+    const ZQRef<ZQSidebarBaseItem> sidebarItem = zqSidebarItemForReference(request.in, context);
+    if (!sidebarItem) {
+        return std::nullopt;
+    }
+    if (!request.deleted) {
+        return sidebarItem->items();
+    }
+    QList<ZQRef<ZQLibraryBaseItem>> deleted;
+    for (const ZQRef<ZQProjectItem> &membership : sidebarItem->pItemsWithActiveItemsOnly(false)) {
+        const ZQRef<ZQLibraryBaseItem> item = membership->item();
+        if (item && !item->active()) {
+            deleted.append(item);
+        }
+    }
+    return deleted;
+}
+
+QJsonObject sidebarObject(ZQSidebarBaseItem &item)
+{
+    QJsonArray children;
+    for (const ZQRef<ZQSidebarBaseItem> &child : item.orderedChildren()) {
+        children.append(sidebarObject(*child));
+    }
+    return {{QStringLiteral("title"), item.title()},
+            {QStringLiteral("kind"), item.kind()},
+            {QStringLiteral("order"), item.order()},
+            {QStringLiteral("entity"), item.entity()->name},
+            {QStringLiteral("is_Label"), item.is_Label()},
+            {QStringLiteral("is_Special"), item.is_Special()},
+            {QStringLiteral("is_Tag"), item.is_Tag()},
+            {QStringLiteral("active"), item.active()},
+            {QStringLiteral("numberOfItems"), item.numberOfItems()},
+            {QStringLiteral("UUID"), item.UUID()},
+            {QStringLiteral("children"), children}};
+}
+
+void printTree(const QJsonObject &node, int depth, CommandContext &context)
+{
+    const qint64 count = node.value(QStringLiteral("numberOfItems")).toInteger();
+    const QString counted = node.value(QStringLiteral("is_Label")).toBool() ? QString() : QStringLiteral("  (%1)").arg(count);
+    context.print(QString(depth * 2, u' ') + node.value(QStringLiteral("title")).toString() + counted);
+    for (const QJsonValue &child : node.value(QStringLiteral("children")).toArray()) {
+        printTree(child.toObject(), depth + 1, context);
+    }
+}
+} // namespace
+
+int zqRunItems(const ItemsRequest &request, CommandContext &context)
+{
+    const auto items = itemsFor(request, context);
+    if (!items) {
+        return 2;
+    }
+    QJsonArray array;
+    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        if (context.json) {
+            array.append(itemObject(*item));
+        } else {
+            context.print(item->bundleID() + u'\t' + item->title() + (item->extension().isEmpty() ? QString() : u'.' + item->extension()));
+        }
+    }
+    if (context.json) {
+        context.printJSON(array);
+    }
+    return 0;
+}
+
+int zqRunSidebar(CommandContext &context)
+{
+    ZQFetchRequest request{ZQSidebarBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("father == nil &&  active == YES"))};
+    request.sortDescriptors = {{QStringLiteral("is_Tag")}, {QStringLiteral("order")}};
+    ZQError error;
+    const auto nodes = context.store().fetch<ZQSidebarBaseItem>(request, &error);
+    if (!nodes) {
+        return context.fail(error.localizedDescription());
+    }
+    QJsonArray array;
+    for (const ZQRef<ZQSidebarBaseItem> &node : *nodes) {
+        array.append(sidebarObject(*node));
+    }
+    if (context.json) {
+        context.printJSON(array);
+        return 0;
+    }
+    for (const QJsonValue &node : array) {
+        printTree(node.toObject(), 0, context);
+    }
+    return 0;
+}

@@ -1,0 +1,109 @@
+#include "Classes/Command/Commands.h"
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QSet>
+
+namespace {
+struct Findings
+{
+    qint64 items = 0;
+    QStringList problems;
+    QStringList orphans;
+};
+
+void checkItem(ZQLibraryBaseItem &item, bool deep, Findings &findings)
+{
+    const QString name = item.title() + QStringLiteral(" (") + item.bundleID() + u')';
+    const QString path = item.itemURL();
+    if (path.isEmpty() || !QFileInfo::exists(path)) {
+        findings.problems.append(zqFormat(zqLocalized("%@: the file is missing"), {name}));
+        return;
+    }
+    const QString thumb = item.thumbName().isEmpty() ? QString() : item.thumbURL();
+    if (!thumb.isEmpty() && !QFileInfo::exists(thumb)) {
+        findings.problems.append(zqFormat(zqLocalized("%@: the thumbnail is missing"), {name}));
+    }
+    if (!deep) {
+        return;
+    }
+    // A package's digest is that of its inner file.
+    const QString digested = QFileInfo(path).isDir() ? path + QStringLiteral("/Data") : path;
+    ZQError error;
+    const QByteArray digest = zqSHA1OfFile(digested, &error);
+    if (digest.isEmpty()) {
+        findings.problems.append(name + QStringLiteral(": ") + error.localizedDescription());
+    } else if (QString::fromLatin1(digest) != item.SHA1()) {
+        findings.problems.append(zqFormat(zqLocalized("%@: the file's content has changed since it was imported"), {name}));
+    }
+}
+
+bool checkItems(bool deep, CommandContext &context, Findings &findings)
+{
+    ZQError error;
+    const auto ids = context.store().fetchObjectIDs({ZQLibraryBaseItem::entityName()}, &error);
+    if (!ids) {
+        findings.problems.append(error.localizedDescription());
+        return false;
+    }
+    QSet<QString> known;
+    constexpr qsizetype atATime = 500;
+    for (qsizetype first = 0; first < ids->size(); first += atATime) {
+        const QList<ZQObjectID> batch = ids->mid(first, atATime);
+        QList<ZQRef<ZQManagedObject>> held;
+        for (const ZQObjectID &id : batch) {
+            held.append(context.store().objectWithID(id));
+        }
+        context.store().fillFaults(batch);
+        for (const ZQRef<ZQManagedObject> &object : held) {
+            const auto item = zqCast<ZQLibraryBaseItem>(object);
+            if (!item) {
+                continue;
+            }
+            known.insert(item->bundleID());
+            const auto folder = item->watchingFolder();
+            if (item->active() && !(folder && (folder->is_missing() || folder->is_trashed()))) {
+                ++findings.items;
+                checkItem(*item, deep, findings);
+            }
+        }
+    }
+    QDirIterator entries(context.delegate->libraryDirectory(), {QStringLiteral("*.ztlibraryitem")}, QDir::Dirs | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        if (!known.contains(entries.fileInfo().completeBaseName())) {
+            findings.orphans.append(entries.fileName());
+        }
+    }
+    return true;
+}
+} // namespace
+
+int zqRunVerify(bool deep, CommandContext &context)
+{
+    Findings findings;
+    findings.problems = context.delegate->persistentStoreCoordinator()->checkIntegrity();
+    checkItems(deep, context, findings);
+    findings.orphans.sort();
+    if (context.json) {
+        context.printJSON(QJsonObject{{QStringLiteral("items"), findings.items},
+                                      {QStringLiteral("problems"), QJsonArray::fromStringList(findings.problems)},
+                                      {QStringLiteral("orphans"), QJsonArray::fromStringList(findings.orphans)}});
+    } else {
+        context.print(findings.items == 1 ? zqLocalized("1 item checked") : zqFormat(zqLocalized("%d items checked"), {findings.items}));
+        for (const QString &problem : findings.problems) {
+            context.print(problem);
+        }
+        for (const QString &orphan : findings.orphans) {
+            context.print(zqFormat(zqLocalized("belongs to no item, and goes at the next launch: %@"), {orphan}));
+        }
+    }
+    return findings.problems.isEmpty() ? 0 : 1;
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QByteArray>
+#include <QLocalServer>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+class QLocalSocket;
+
+// What a second process asks of the one that has the library open: to run a command, or to open files in its window.
+struct InstanceRequest
+{
+    QStringList arguments; // as on the command line, without the program's name
+    QString workingDirectory;
+};
+
+struct InstanceReply
+{
+    int exitStatus = 0;
+    QByteArray output;
+    QByteArray errors;
+};
+
+// Lets processes of the same user hand their work to the one that holds a library: a local socket named after the bundle,
+// and the desktop's activation interface (org.freedesktop.Application) on the session bus. Main thread.
+//
+// One request a connection: a line of JSON {"arguments", "cwd"}, answered by a line {"status", "output", "errors"}.
+class InstanceServer : public QObject
+{
+    Q_OBJECT
+public:
+    using Handler = std::function<InstanceReply(const InstanceRequest &)>;
+
+    InstanceServer(const QString &socketName, Handler handler, QObject *parent = nullptr);
+    ~InstanceServer() override;
+
+    bool listen(ZQError *error = nullptr);
+    // Offers the desktop's activation; false when there is no session bus or another Zelto offers it.
+    bool registerOnSessionBus(std::function<void(const QStringList &paths)> open);
+
+    // The other side: nothing, with an error, when nobody answers on that socket. Waits for the reply as long as the work
+    // takes.
+    static std::optional<InstanceReply> send(const QString &socketName, const InstanceRequest &request, ZQError *error = nullptr);
+
+private:
+    void readFrom(QLocalSocket *socket);
+
+    QString m_socketName;
+    Handler m_handler;
+    QLocalServer m_server;
+};

@@ -1,0 +1,243 @@
+// Puts the parts of the application together: a window, or one command.
+
+#include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Capture/ZeltoKunViewController.h"
+#include "Classes/Command/CommandLine.h"
+#include "Classes/Command/CommandUserInteraction.h"
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Interface/MainWindowController.h"
+#include "Classes/Interface/WindowUserInteraction.h"
+#include "Classes/Services/CrashReporter.h"
+#include "Classes/Services/InstanceServer.h"
+#include "Classes/Services/SoftwareUpdater.h"
+#include "Classes/Sharing/CloudMenuViewController.h"
+#include "Classes/SignalWatcher.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+int print(const CommandContext &context, int status)
+{
+    std::fwrite(context.output.constData(), 1, static_cast<std::size_t>(context.output.size()), stdout);
+    std::fflush(stdout);
+    std::fwrite(context.errors.constData(), 1, static_cast<std::size_t>(context.errors.size()), stderr);
+    return status;
+}
+
+int drawSnapshot(const SnapshotRequest &request, CommandContext &context)
+{
+    SnapshotOptions options;
+    options.size = request.size;
+    options.scale = request.scale;
+    if (!request.select.isEmpty()) {
+        const ZQRef<ZQSidebarBaseItem> item = zqSidebarItemForReference(request.select, context);
+        if (!item) {
+            return 2;
+        }
+        options.select = item->UUID();
+    }
+    if (!request.theme.isEmpty()) {
+        options.dark = request.theme == QStringLiteral("dark");
+    }
+    QImage picture;
+    ZQError error;
+    if (!MainWindowController::renderSnapshot(options, &picture, &error) ||
+        !ZQImageDestination::writePNG(ZQBitmap(picture), request.file, &error)) {
+        return context.fail(error.localizedDescription());
+    }
+    return 0;
+}
+
+// Does what another process asked of this one, which has the window.
+InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delegate)
+{
+    CommandContext context;
+    context.delegate = &delegate;
+    context.workingDirectory = request.workingDirectory;
+    CommandLine commandLine;
+    commandLine.setSnapshotDrawer(drawSnapshot);
+    int status = 0;
+    if (commandLine.parse(request.arguments, context, &status)) {
+        if (commandLine.isCommand()) {
+            status = commandLine.run(context);
+        } else {
+            QStringList paths;
+            for (const QString &file : commandLine.filesToOpen()) {
+                paths.append(context.absolutePath(file));
+            }
+            delegate.reopenMainWindow();
+            delegate.openFiles(paths);
+        }
+    }
+    return {status, context.output, context.errors};
+}
+
+QString bundleFor(tamberin_AppDelegate &delegate, const CommandLine &commandLine)
+{
+    if (!commandLine.library().isEmpty()) {
+        delegate.setLibraryBundleDirectory(commandLine.library());
+    }
+    return delegate.libraryBundleDirectory();
+}
+
+// Hands the whole command line to the process that holds the library; its exit status.
+int handOver(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &inUse)
+{
+    ZQError error;
+    const auto reply = InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath()}, &error);
+    if (!reply) {
+        return context.fail(inUse.localizedDescription());
+    }
+    context.output += reply->output;
+    context.errors += reply->errors;
+    return reply->exitStatus;
+}
+
+int runCommand(const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
+{
+    if (!commandLine.needsLibrary()) {
+        return commandLine.run(context);
+    }
+    CommandUserInteraction user;
+    user.setPolicies(commandLine.duplicatePolicy(), commandLine.unreadablePolicy());
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.importManager = &AImportManager::sharedAImportManager();
+    tamberin_AppDelegate delegate(parts);
+    SignalWatcher signalWatcher([&user] { user.cancelCurrentWork(); });
+    const QString bundle = bundleFor(delegate, commandLine);
+    ZQError error;
+    if (!delegate.openLibraryForCommand(&error)) {
+        if (error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse) {
+            return handOver(bundle, arguments, context, error);
+        }
+        return context.fail(error.localizedDescription());
+    }
+    if (!delegate.managedObjectContext()) {
+        return context.fail(zqLocalized("the library can't be opened"));
+    }
+    context.delegate = &delegate;
+    return commandLine.run(context);
+}
+
+// A command draws with a window's widgets, or talks to the person through one.
+int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
+{
+    WindowUserInteraction user;
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.importManager = &AImportManager::sharedAImportManager();
+    tamberin_AppDelegate delegate(parts);
+    const QString bundle = bundleFor(delegate, commandLine);
+    ZQError error;
+    if (!delegate.openLibraryForCommand(&error)) {
+        if (error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse) {
+            return handOver(bundle, arguments, context, error);
+        }
+        return context.fail(error.localizedDescription());
+    }
+    context.delegate = &delegate;
+    return commandLine.run(context);
+}
+
+int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
+{
+    MainWindowController::applyTheme();
+    WindowUserInteraction user;
+    SoftwareUpdater updater;
+    CrashReporter crashReporter;
+    CloudMenuViewController cloudMenu;
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.importManager = &AImportManager::sharedAImportManager();
+    parts.softwareUpdater = &updater;
+    parts.crashReporter = &crashReporter;
+    parts.cloudMenuViewController = &cloudMenu;
+    parts.makeMainWindowController = [&user] { return std::make_unique<MainWindowController>(user); };
+    parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(); };
+    tamberin_AppDelegate delegate(parts);
+
+    QStringList files;
+    for (const QString &file : commandLine.filesToOpen()) {
+        files.append(context.absolutePath(file));
+    }
+    const QString bundle = bundleFor(delegate, commandLine);
+    ZQError error;
+    if (!delegate.lockLibrary(&error)) {
+        return error.code == LibraryLock::InUse ? handOver(bundle, arguments, context, error) : context.fail(error.localizedDescription());
+    }
+    InstanceServer server(LibraryLock::socketNameForBundle(bundle), [&](const InstanceRequest &request) { return serve(request, delegate); });
+    if (!server.listen(&error)) {
+        qWarning("%s", qUtf8Printable(error.localizedDescription()));
+    }
+    server.registerOnSessionBus([&](const QStringList &paths) {
+        delegate.reopenMainWindow();
+        delegate.openFiles(paths);
+    });
+    SignalWatcher signalWatcher([&delegate] { delegate.terminate(); });
+
+    delegate.applicationWillFinishLaunching();
+    if (!files.isEmpty()) {
+        delegate.openFiles(files); // waits for the window
+    }
+    QTimer::singleShot(0, &delegate, [&] {
+        delegate.applicationDidFinishLaunching();
+        if (!delegate.managedObjectContext()) {
+            QCoreApplication::exit(2);
+        }
+    });
+    const int status = application.exec();
+    zqStopMainThreadCalls();
+    return status;
+}
+
+bool needsWindow(const CommandLine &commandLine) { return !commandLine.isCommand() || commandLine.isSnapshot(); }
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    CommandContext context;
+    CommandLine commandLine;
+    commandLine.setSnapshotDrawer(drawSnapshot);
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    context.workingDirectory = QDir::currentPath();
+    int status = 0;
+    if (!commandLine.parse(arguments, context, &status)) {
+        return print(context, status);
+    }
+
+    QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZELTO_VERSION));
+    ZQImageSource::initialize(argv[0]);
+    if (!needsWindow(commandLine)) {
+        QCoreApplication application(argc, argv);
+        status = runCommand(commandLine, arguments, context);
+        zqStopMainThreadCalls();
+        return print(context, status);
+    }
+    if (commandLine.isSnapshot()) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        MainWindowController::prepareSnapshotScale(commandLine.snapshot().scale);
+    }
+    QApplication application(argc, argv);
+    QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context) : runWindow(application, commandLine, arguments, context);
+    return print(context, status);
+}
