@@ -104,10 +104,13 @@ bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
     if (!lockLibrary(error) || libraryDirectory().isEmpty()) {
         return false;
     }
+    checkModelMigration(); // before the store is opened, which migrates it
     if (!openStore(error)) {
         return false;
     }
-    checkModelMigration();
+    if (m_coordinator->wasUncleanlyClosed()) {
+        checkAndDeleteLibraryLeftovers();
+    }
     setupBasicSidebarProjects();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
     return true;
