@@ -8,9 +8,22 @@
 #include <QList>
 #include <QVariant>
 
+#include <memory>
 #include <vector>
 
 class ZQManagedObjectContext;
+class ZQModelPlan;
+struct ZQEntityPlan;
+
+// Whether a value stands for null by itself.
+inline bool zqIsNullValue(const QString &value) { return value.isNull(); }
+inline bool zqIsNullValue(const QByteArray &value) { return value.isNull(); }
+inline bool zqIsNullValue(const QDateTime &value) { return !value.isValid(); }
+template <class V>
+bool zqIsNullValue(const V &)
+{
+    return false;
+}
 
 // One object of a context: a typed row, the identifiers of its related objects, and what changed since the last save.
 //
@@ -76,11 +89,12 @@ protected:
     {
         willAccess();
         const quint64 bit = quint64(1) << field;
-        if (slot == value && !(m_nulls & bit)) {
+        const bool isNull = zqIsNullValue(value);
+        if (slot == value && isNull == ((m_nulls & bit) != 0)) {
             return;
         }
         slot = value;
-        m_nulls &= ~bit;
+        m_nulls = isNull ? m_nulls | bit : m_nulls & ~bit;
         didChangeField(field);
     }
     bool isNullField(int field) const
@@ -107,7 +121,7 @@ private:
 
     ZQManagedObjectContext *m_context = nullptr;
     const ZQEntityDescription *m_entity = nullptr;
-    const ZQEntityClass *m_class = nullptr;
+    const ZQEntityPlan *m_plan = nullptr;
     qint64 m_key = 0;
     qint64 m_version = 0; // the row's version when it was read
     quint64 m_nulls = ~quint64(0);
@@ -117,4 +131,8 @@ private:
     bool m_isInserted = false;
     bool m_isDeleted = false;
     mutable std::vector<ToMany> m_toMany; // by position among the entity's relationships; empty until one is used
+    // Faults of one root form a list in the order they became one.
+    ZQManagedObject *m_previousFault = nullptr;
+    ZQManagedObject *m_nextFault = nullptr;
+    std::shared_ptr<const ZQModelPlan> m_keptPlan; // keeps `m_entity` and `m_plan` alive once there is no context
 };

@@ -105,9 +105,10 @@ public:
     // After processPendingChanges, a save or a merge: what became different in this context, temporary identifiers included.
     [[nodiscard]] Token observeObjectsDidChange(std::function<void(const ZQContextDidSave &)> observer);
 
+    struct Private; // of this folder only
+
 private:
     friend class ZQManagedObject;
     friend class ZQObjectAccess;
-    struct Private;
     std::unique_ptr<Private> d;
 };

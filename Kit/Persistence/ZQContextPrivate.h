@@ -1,0 +1,171 @@
+#pragma once
+
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+#include "Kit/Persistence/ZQObjectPlan.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+
+#include <QSet>
+
+#include <functional>
+#include <thread>
+
+// Objects kept alive, in the order they came.
+class ZQObjectList
+{
+public:
+    using Object = ZQRef<ZQManagedObject>;
+    bool contains(ZQManagedObject *object) const { return m_positions.contains(object); }
+    bool isEmpty() const { return m_positions.isEmpty(); }
+    qsizetype size() const { return m_positions.size(); }
+    void add(ZQManagedObject *object);
+    void remove(ZQManagedObject *object);
+    void clear();
+    QList<Object> objects() const;
+
+private:
+    std::vector<Object> m_objects; // removed ones leave an empty place
+    QHash<ZQManagedObject *, size_t> m_positions;
+};
+
+// Identifiers without repetition, in the order they came.
+struct ZQIDList
+{
+    QList<ZQObjectID> list;
+    QSet<ZQObjectID> set;
+
+    void add(const ZQObjectID &id);
+    void remove(const ZQObjectID &id);
+    void clear();
+};
+
+struct ZQSaveWork;
+struct ZQFetchQuery;
+
+struct ZQManagedObjectContext::Private
+{
+    using Object = ZQRef<ZQManagedObject>;
+    using ToMany = ZQManagedObject::ToMany;
+    using Observer = std::function<void(const ZQContextDidSave &)>;
+    using Observers = std::vector<std::weak_ptr<Observer>>;
+
+    // The held objects of one root entity.
+    struct Root
+    {
+        const ZQRootPlan *plan = nullptr;
+        QHash<qint64, ZQManagedObject *> objects;
+        ZQManagedObject *firstFault = nullptr;
+        ZQManagedObject *lastFault = nullptr;
+    };
+
+    Private(ZQManagedObjectContext *context, std::shared_ptr<ZQPersistentStoreCoordinator> store, ZQMergePolicy policy);
+
+    void assertThread() const;
+    ZQError storeError() const; // of the last failed statement
+    ZQSQLiteStatement prepare(const QString &sql);
+
+    // Objects (ZQContextObjects.cpp)
+    Root &rootOf(const ZQEntityDescription *entity) { return *rootsByEntity.value(entity->root); }
+    Root &rootOf(const ZQManagedObject *object) { return rootOf(object->m_entity); }
+    ZQManagedObject *held(const ZQEntityDescription *entity, qint64 key) { return rootOf(entity).objects.value(key); }
+    Object make(const ZQEntityPlan &entityPlan, qint64 key);
+    void setDefaults(ZQManagedObject *object);
+    // The object of a key: the held one, a fault when the entity is certain, else read from the store. Null without a
+    // row.
+    Object objectForKey(const ZQEntityDescription *entity, qint64 key);
+    Object objectFromRow(ZQSQLiteStatement &row, Root &root); // null when no class can hold it
+    void readRow(ZQSQLiteStatement &row, ZQManagedObject *object, quint64 keptFields);
+    // Calls `visit` for the rows that exist; any number of keys.
+    bool selectRows(Root &root, const QList<qint64> &keys, const std::function<void(ZQSQLiteStatement &)> &visit);
+    void fire(ZQManagedObject *object);
+    void fillObjects(Root &root, const QList<qint64> &keys);
+    void becomeFault(ZQManagedObject *object); // forgets values and changes
+    void linkFault(ZQManagedObject *object);
+    void unlinkFault(ZQManagedObject *object);
+    void orphan(ZQManagedObject *object); // no longer of this context
+    void released(ZQManagedObject *object);
+    void touch(ZQManagedObject *object); // something of it changed
+    static bool hasListChanges(const ZQManagedObject *object);
+    static bool isDirty(const ZQManagedObject *object);
+    QList<Object> dirtyObjects() const; // inserted, updated and deleted
+
+    // Relationships (ZQContextRelationships.cpp)
+    static const ZQRelationshipDescription &relationship(const ZQManagedObject *object, int index);
+    static ToMany &list(const ZQManagedObject *object, int index);
+    static qint64 toOneKey(const ZQManagedObject *object, int index);
+    void writeToOne(ZQManagedObject *object, int index, qint64 key);
+    void setToOne(ZQManagedObject *object, int index, ZQManagedObject *target);
+    void addToMany(ZQManagedObject *object, int index, ZQManagedObject *target);
+    void removeFromMany(ZQManagedObject *object, int index, ZQManagedObject *target);
+    void listAdd(ZQManagedObject *object, int index, qint64 key);
+    void listRemove(ZQManagedObject *object, int index, qint64 key);
+    bool isRelated(ZQManagedObject *object, int index, ZQManagedObject *target);
+    const QList<qint64> &loadedKeys(const ZQManagedObject *object, int index);
+    QList<qint64> storedKeys(const ZQManagedObject *object, int index);
+    QList<Object> related(const ZQManagedObject *object, int index);
+    void deleteWithRules(ZQManagedObject *object);
+    void deleteOne(ZQManagedObject *object, QList<Object> &cascade);
+    void releaseTargets(ZQManagedObject *object, int index, QList<Object> &cascade);
+
+    // Fetching (ZQContextFetching.cpp)
+    bool prepareQuery(const ZQFetchRequest &request, ZQFetchQuery &query, ZQError *error);
+    bool mustEvaluateAll(const ZQFetchRequest &request, const ZQEntityDescription *entity) const;
+    QList<Object> dirtyObjectsOf(const ZQFetchRequest &request, const ZQEntityDescription *entity) const;
+    std::optional<QList<Object>> fetchAllInMemory(const ZQFetchRequest &request, ZQFetchQuery &query, ZQError *error);
+
+    // Saving (ZQContextSaving.cpp, ZQContextSavingRows.cpp)
+    bool collect(ZQSaveWork &work, ZQError *error);
+    bool validate(const ZQSaveWork &work, ZQError *error);
+    bool isDenied(ZQManagedObject *object, ZQError *error);
+    bool write(ZQSaveWork &work, ZQError *error);
+    bool allocateKeys(ZQSaveWork &work);
+    bool insertRows(ZQSaveWork &work);
+    bool updateRows(ZQSaveWork &work);
+    bool updateRow(ZQSaveWork &work, ZQManagedObject *object);
+    bool updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::optional<qint64> expectedVersion);
+    bool deleteRows(ZQSaveWork &work);
+    void noteNeighboursOfDeleted(ZQSaveWork &work, ZQManagedObject *object);
+    bool writeJoins(ZQSaveWork &work);
+    bool clearDanglingReferences(ZQSaveWork &work);
+    bool rowExists(const ZQEntityDescription *entity, qint64 key);
+    void applySave(ZQSaveWork &work, ZQContextDidSave &notification, ZQContextDidSave &announcement);
+    void replaceTemporaryKeys(const ZQSaveWork &work, ZQManagedObject *object);
+
+    // Merging and announcing (ZQContextMerging.cpp)
+    void mergeUpdated(ZQManagedObject *object, QList<ZQManagedObject *> &changed);
+    void mergeDeleted(ZQManagedObject *object);
+    void discardChanges(ZQManagedObject *object);
+    void reloadKeepingChanges(ZQManagedObject *object);
+    static void forgetLoadedLists(ZQManagedObject *object);
+    static void notify(Observers &observers, const ZQContextDidSave &notification);
+    static Token addObserver(Observers &observers, Observer observer);
+
+    ZQManagedObjectContext *q;
+    std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
+    ZQMergePolicy mergePolicy;
+    std::thread::id thread = std::this_thread::get_id();
+    std::shared_ptr<const ZQModelPlan> plan;
+    std::unique_ptr<ZQSQLiteConnection> connection; // null when the store could not be reached
+    ZQError connectionError;
+
+    std::vector<std::unique_ptr<Root>> roots;
+    QHash<const ZQEntityDescription *, Root *> rootsByEntity;
+    ZQObjectList inserted;
+    ZQObjectList updated;
+    ZQObjectList deleted;
+
+    ZQManagedObject *lastTouched = nullptr; // spares the bookkeeping when one object is changed many times in a row
+    ZQIDList newlyInserted;                 // since the last announcement
+    ZQIDList newlyUpdated;
+    ZQIDList newlyDeleted;
+    QSet<ZQObjectID> announcedTemporary;
+    Observers didSaveObservers;
+    Observers didChangeObservers;
+};
+
+// The context's insides for tests and tools of this folder.
+class ZQObjectAccess
+{
+public:
+    static ZQSQLiteConnection *connection(ZQManagedObjectContext &context) { return context.d->connection.get(); }
+    static qsizetype heldObjects(const ZQManagedObjectContext &context);
+};

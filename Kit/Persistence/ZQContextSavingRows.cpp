@@ -1,0 +1,275 @@
+#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQSaveWork.h"
+
+#include <map>
+
+using Private = ZQManagedObjectContext::Private;
+
+// The statements of a save, all inside its transaction. Each function answers false after an error of the database.
+
+bool Private::allocateKeys(ZQSaveWork &work)
+{
+    std::map<QString, QList<ZQManagedObject *>> byTable;
+    for (const Object &object : work.inserted) {
+        byTable[object->m_entity->tableName].append(object.get());
+    }
+    for (const auto &[table, objects] : byTable) {
+        ZQSQLiteStatement allocate = prepare(QStringLiteral(
+            "INSERT INTO \"zq_sequence\" VALUES (?, ?) ON CONFLICT DO UPDATE SET \"last\" = \"last\" + ? "
+            "RETURNING \"last\""));
+        allocate.bind(0, table);
+        allocate.bind(1, qint64(objects.size()));
+        allocate.bind(2, qint64(objects.size()));
+        if (!allocate.next()) {
+            return false;
+        }
+        qint64 key = allocate.int64(0) - objects.size();
+        allocate.next();
+        for (const ZQManagedObject *object : objects) {
+            work.keys.insert(object->m_key, ++key);
+        }
+    }
+    return true;
+}
+
+bool Private::insertRows(ZQSaveWork &work)
+{
+    std::map<const ZQEntityPlan *, QList<ZQManagedObject *>> byEntity;
+    for (const Object &object : work.inserted) {
+        byEntity[object->m_plan].append(object.get());
+    }
+    for (const auto &[entityPlan, objects] : byEntity) {
+        ZQSQLiteStatement insert = prepare(entityPlan->insertStatement);
+        if (!insert.isValid()) {
+            return false;
+        }
+        for (ZQManagedObject *object : objects) {
+            insert.bind(0, work.permanent(object->m_key));
+            insert.bind(1, entityPlan->entity->code);
+            int parameter = 1;
+            for (const ZQPlanColumn &column : entityPlan->columns) {
+                const ZQField &field = entityPlan->root->fields[size_t(column.field)];
+                ++parameter;
+                if (column.isToOne) {
+                    const qint64 target = work.permanent(zqKeySlot(field, object->row()));
+                    target == 0 ? insert.bindNull(parameter) : insert.bind(parameter, target);
+                } else {
+                    zqBindField(insert, parameter, field, object->row(), (object->m_nulls >> column.field) & 1U);
+                }
+            }
+            if (!insert.run()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool Private::updateRows(ZQSaveWork &work)
+{
+    for (const Object &object : work.updated) {
+        if ((object->m_changed & object->m_plan->fieldMask) && !updateRow(work, object.get())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Private::updateRow(ZQSaveWork &work, ZQManagedObject *object)
+{
+    if (!updateColumns(work, object, object->m_version)) {
+        return false;
+    }
+    if (connection->changedRows() == 1) {
+        work.versions.insert(object, object->m_version + 1);
+        return true;
+    }
+    if (mergePolicy == ZQMergePolicy::Error) {
+        work.conflicts.append(object->objectID());
+        return true;
+    }
+    if (!updateColumns(work, object, std::nullopt)) {
+        return false;
+    }
+    (connection->changedRows() == 1 ? work.mergedWithStore : work.goneFromStore).insert(object);
+    return true;
+}
+
+bool Private::updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::optional<qint64> expectedVersion)
+{
+    const ZQEntityPlan &entityPlan = *object->m_plan;
+    QString sql =
+        QStringLiteral("UPDATE %1 SET \"version\" = \"version\" + 1").arg(zqQuoted(entityPlan.entity->tableName));
+    for (const ZQPlanColumn &column : entityPlan.columns) {
+        if ((object->m_changed >> column.field) & 1U) {
+            sql += QStringLiteral(", %1 = ?").arg(zqQuoted(column.column));
+        }
+    }
+    sql += QStringLiteral(" WHERE \"id\" = ?");
+    if (expectedVersion) {
+        sql += QStringLiteral(" AND \"version\" = ?");
+    }
+    ZQSQLiteStatement update = prepare(sql);
+    if (!update.isValid()) {
+        return false;
+    }
+    int parameter = 0;
+    for (const ZQPlanColumn &column : entityPlan.columns) {
+        if (!((object->m_changed >> column.field) & 1U)) {
+            continue;
+        }
+        const ZQField &field = entityPlan.root->fields[size_t(column.field)];
+        if (column.isToOne) {
+            const qint64 target = work.permanent(zqKeySlot(field, object->row()));
+            target == 0 ? update.bindNull(parameter) : update.bind(parameter, target);
+        } else {
+            zqBindField(update, parameter, field, object->row(), (object->m_nulls >> column.field) & 1U);
+        }
+        ++parameter;
+    }
+    update.bind(parameter++, object->m_key);
+    if (expectedVersion) {
+        update.bind(parameter, *expectedVersion);
+    }
+    return update.run();
+}
+
+bool Private::deleteRows(ZQSaveWork &work)
+{
+    for (const Object &object : work.deleted) {
+        noteNeighboursOfDeleted(work, object.get());
+    }
+    for (const Object &object : work.deleted) {
+        const QString sql =
+            QStringLiteral("DELETE FROM %1 WHERE \"id\" = ?").arg(zqQuoted(object->m_entity->tableName));
+        const bool isChecked = mergePolicy == ZQMergePolicy::Error;
+        ZQSQLiteStatement remove = prepare(isChecked ? sql + QStringLiteral(" AND \"version\" = ?") : sql);
+        remove.bind(0, object->m_key);
+        if (isChecked) {
+            remove.bind(1, object->m_version);
+        }
+        if (!remove.run()) {
+            return false;
+        }
+        // A row that somebody else deleted already is as it should be.
+        if (isChecked && connection->changedRows() == 0 && rowExists(object->m_entity, object->m_key)) {
+            work.conflicts.append(object->objectID());
+        }
+    }
+    return true;
+}
+
+void Private::noteNeighboursOfDeleted(ZQSaveWork &work, ZQManagedObject *object)
+{
+    for (size_t i = 0; i < object->m_entity->relationships.size(); ++i) {
+        const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
+        if (forward.isManyToMany()) {
+            for (const qint64 key : storedKeys(object, int(i))) {
+                work.neighbours.append({forward.destination, key});
+            }
+        } else if (const qint64 key = forward.toMany ? 0 : toOneKey(object, int(i)); key > 0) {
+            work.neighbours.append({forward.destination, key});
+        }
+    }
+}
+
+bool Private::writeJoins(ZQSaveWork &work)
+{
+    for (const QList<Object> *objects : {&work.inserted, &work.updated}) {
+        for (const Object &object : *objects) {
+            for (size_t i = 0; i < object->m_toMany.size(); ++i) {
+                const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
+                const ToMany &many = object->m_toMany[i];
+                // Both sides recorded the pair; the side whose column sorts first writes it.
+                if (!forward.isManyToMany() || forward.joinOwnColumn > forward.joinOtherColumn ||
+                    work.goneFromStore.contains(object.get())) {
+                    continue;
+                }
+                const QString own = zqQuoted(forward.joinOwnColumn);
+                const QString other = zqQuoted(forward.joinOtherColumn);
+                const QString table = zqQuoted(forward.joinTable);
+                const auto writeAll = [&](const QList<qint64> &keys, const QString &sql) {
+                    for (const qint64 key : keys) {
+                        const qint64 target = work.permanent(key);
+                        ZQSQLiteStatement statement = prepare(sql);
+                        statement.bind(0, work.permanent(object->m_key));
+                        statement.bind(1, target);
+                        if (target != 0 && !statement.run()) {
+                            return false;
+                        }
+                    }
+                    return true;
+                };
+                if (!writeAll(many.removed,
+                              QStringLiteral("DELETE FROM %1 WHERE %2 = ? AND %3 = ?").arg(table, own, other)) ||
+                    !writeAll(
+                        many.added,
+                        QStringLiteral("INSERT OR IGNORE INTO %1 (%2, %3) VALUES (?, ?)").arg(table, own, other))) {
+                    return false;
+                }
+            }
+        }
+    }
+    return true;
+}
+
+bool Private::rowExists(const ZQEntityDescription *entity, qint64 key)
+{
+    ZQSQLiteStatement select =
+        prepare(QStringLiteral("SELECT 1 FROM %1 WHERE \"id\" = ?").arg(zqQuoted(entity->tableName)));
+    select.bind(0, key);
+    return select.next();
+}
+
+// Something written here refers to a row that others deleted: a conflict, or a reference to be dropped.
+bool Private::clearDanglingReferences(ZQSaveWork &work)
+{
+    for (const QList<Object> *objects : {&work.inserted, &work.updated}) {
+        for (const Object &object : *objects) {
+            const qint64 own = work.permanent(object->m_key);
+            for (size_t i = 0; i < object->m_entity->relationships.size(); ++i) {
+                const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
+                const qint64 target = forward.toMany ? 0 : work.permanent(toOneKey(object.get(), int(i)));
+                if (target == 0 || rowExists(forward.destination, target)) {
+                    continue;
+                }
+                if (mergePolicy == ZQMergePolicy::Error) {
+                    work.conflicts.append(object->objectID());
+                    break;
+                }
+                ZQSQLiteStatement clear =
+                    prepare(QStringLiteral("UPDATE %1 SET %2 = NULL WHERE \"id\" = ?")
+                                .arg(zqQuoted(object->m_entity->tableName), zqQuoted(forward.columnName)));
+                clear.bind(0, own);
+                if (!clear.run()) {
+                    return false;
+                }
+                work.mergedWithStore.insert(object.get());
+            }
+            for (size_t i = 0; i < object->m_toMany.size(); ++i) {
+                const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
+                if (!forward.isManyToMany() || object->m_toMany[i].added.isEmpty()) {
+                    continue;
+                }
+                ZQSQLiteStatement clear =
+                    prepare(QStringLiteral("DELETE FROM %1 WHERE %2 = ? AND (%3 NOT IN (SELECT \"id\" FROM %4) "
+                                           "OR %2 NOT IN (SELECT \"id\" FROM %5))")
+                                .arg(zqQuoted(forward.joinTable), zqQuoted(forward.joinOwnColumn),
+                                     zqQuoted(forward.joinOtherColumn), zqQuoted(forward.destination->tableName),
+                                     zqQuoted(object->m_entity->tableName)));
+                clear.bind(0, own);
+                if (!clear.run()) {
+                    return false;
+                }
+                if (connection->changedRows() > 0) {
+                    if (mergePolicy == ZQMergePolicy::Error) {
+                        work.conflicts.append(object->objectID());
+                    } else {
+                        work.mergedWithStore.insert(object.get());
+                    }
+                }
+            }
+        }
+    }
+    return true;
+}
