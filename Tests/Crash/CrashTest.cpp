@@ -1,0 +1,282 @@
+// Kills the program (SIGKILL) at random moments of an import and of a purge, starts it again and looks at what is left:
+// the store opens, every item has its file, nothing of the temporary area is lost, leftovers go, the same import completes.
+//
+// zelto_crash_test ZELTO COUNT [SEED]
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+constexpr int copiedFiles = 24;
+constexpr int movedFiles = 12;
+
+QString digestOf(const QString &path)
+{
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? QString::fromLatin1(hash.result().toHex()) : QString();
+}
+
+// Noise, so that every file has its own digest and some weight.
+void writePicture(const QString &path, QRandomGenerator &random)
+{
+    QImage image(160, 120, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        random.fillRange(reinterpret_cast<quint32 *>(image.scanLine(y)), image.width());
+    }
+    image.save(path, "PNG");
+}
+
+// One redirected world with its library.
+class World
+{
+public:
+    explicit World(const QString &zelto)
+        : m_zelto(zelto)
+        , m_folder(QDir::currentPath() + QStringLiteral("/crash-XXXXXX"))
+    {
+        for (const char *name : {"data", "config", "run", "tmp", "input"}) {
+            QDir().mkpath(path(QLatin1String(name)));
+        }
+        QFile::setPermissions(path(QStringLiteral("run")), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    QString path(const QString &name) const { return m_folder.filePath(name); }
+    QString library() const { return path(QStringLiteral("Test.ztlibrary")); }
+    QString temporaryArea() const { return path(QStringLiteral("tmp/ZeltoTemporaryFolder/t.pictures")); }
+
+    std::unique_ptr<QProcess> start(const QStringList &arguments) const
+    {
+        auto process = std::make_unique<QProcess>();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_DATA_HOME"), path(QStringLiteral("data")));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), path(QStringLiteral("config")));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), path(QStringLiteral("run")));
+        environment.insert(QStringLiteral("TMPDIR"), path(QStringLiteral("tmp")));
+        environment.insert(QStringLiteral("HOME"), path(QStringLiteral("data")));
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        process->setProcessEnvironment(environment);
+        process->start(m_zelto, QStringList{QStringLiteral("--library"), library()} + arguments);
+        process->waitForStarted();
+        return process;
+    }
+
+    // Runs to the end; the answer is standard output.
+    QByteArray run(const QStringList &arguments, int *status) const
+    {
+        const auto process = start(arguments);
+        process->waitForFinished(120000);
+        *status = process->exitStatus() == QProcess::NormalExit ? process->exitCode() : -1;
+        m_lastErrors = process->readAllStandardError();
+        return process->readAllStandardOutput();
+    }
+    QByteArray lastErrors() const { return m_lastErrors; }
+
+private:
+    QString m_zelto;
+    QTemporaryDir m_folder;
+    mutable QByteArray m_lastErrors;
+};
+
+class CrashTest
+{
+public:
+    CrashTest(const QString &zelto, quint32 seed)
+        : m_world(zelto)
+        , m_random(seed)
+    {
+    }
+
+    bool round(int number)
+    {
+        makeInput();
+        const bool killsPurge = number % 3 == 2;
+        if (killsPurge) {
+            killPurge();
+        } else {
+            killDuring(importArguments());
+        }
+        return nothingLost() && opensAgain() && isSound() && importsAgain();
+    }
+
+    void measure()
+    {
+        makeInput();
+        QElapsedTimer timer;
+        timer.start();
+        int status = 0;
+        m_world.run(importArguments(), &status);
+        m_milliseconds = std::max<qint64>(50, timer.elapsed());
+    }
+
+private:
+    QStringList importArguments() const
+    {
+        return {QStringLiteral("import"), QStringLiteral("--duplicates"), QStringLiteral("discard"), m_world.path(QStringLiteral("input")),
+                m_world.temporaryArea(), QStringLiteral("--into"), QStringLiteral("PROJECTS"), QStringLiteral("--json")};
+    }
+
+    void makeInput()
+    {
+        const auto fill = [&](const QString &folder, int count) {
+            QDir(folder).removeRecursively();
+            QDir().mkpath(folder);
+            for (int i = 0; i < count; ++i) {
+                writePicture(folder + QStringLiteral("/picture %1.png").arg(i), m_random);
+            }
+        };
+        fill(m_world.path(QStringLiteral("input")), copiedFiles);
+        fill(m_world.temporaryArea(), movedFiles);
+        m_temporary = digestsBelow(m_world.temporaryArea());
+    }
+
+    static QSet<QString> digestsBelow(const QString &folder)
+    {
+        QSet<QString> digests;
+        QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            digests.insert(digestOf(files.next()));
+        }
+        return digests;
+    }
+
+    void killDuring(const QStringList &arguments)
+    {
+        const auto process = m_world.start(arguments);
+        QThread::msleep(m_random.bounded(static_cast<quint32>(m_milliseconds * 5 / 4)));
+        process->kill();
+        process->waitForFinished();
+    }
+
+    void killPurge()
+    {
+        int status = 0;
+        m_world.run(importArguments(), &status);
+        const QJsonArray items = QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
+        QStringList arguments{QStringLiteral("delete")};
+        for (const QJsonValue &item : items) {
+            if (m_random.bounded(2) == 0) {
+                arguments.append(item.toObject().value(QStringLiteral("bundleID")).toString());
+            }
+        }
+        m_world.run(arguments, &status);
+        m_temporary.clear(); // imported, and partly deleted on purpose
+        const auto process = m_world.start({QStringLiteral("purge")});
+        QThread::msleep(m_random.bounded(150U));
+        process->kill();
+        process->waitForFinished();
+    }
+
+    bool complain(const QString &what)
+    {
+        std::fprintf(stderr, "FAILED: %s\n%s\n", qPrintable(what), m_world.lastErrors().constData());
+        return false;
+    }
+
+    bool nothingLost()
+    {
+        QSet<QString> found = digestsBelow(m_world.temporaryArea()) + digestsBelow(m_world.library() + QStringLiteral("/Library"));
+        const QSet<QString> lost = m_temporary - found;
+        return lost.isEmpty() || complain(QStringLiteral("%1 files of the temporary area are nowhere").arg(lost.size()));
+    }
+
+    // Starts the window, waits until it serves, ends it politely.
+    bool opensAgain()
+    {
+        const auto window = m_world.start({});
+        QElapsedTimer timer;
+        timer.start();
+        bool isServing = false;
+        while (!isServing && timer.elapsed() < 60000 && window->state() == QProcess::Running) {
+            QThread::msleep(700); // past the moment the window gives itself before it starts work
+            int status = 0;
+            m_world.run({QStringLiteral("sidebar"), QStringLiteral("--json")}, &status);
+            isServing = status == 0 && window->state() == QProcess::Running;
+        }
+        QThread::msleep(300);
+        window->terminate();
+        if (!window->waitForFinished(30000)) {
+            window->kill();
+            return complain(QStringLiteral("the window did not end"));
+        }
+        return (isServing && window->exitCode() == 0) || complain(QStringLiteral("the window did not open: ") + QString::fromUtf8(window->readAllStandardError()));
+    }
+
+    bool isSound()
+    {
+        QJsonObject report;
+        for (int attempt = 0; attempt < 50; ++attempt) { // leftovers are removed by a process of their own
+            int status = 0;
+            report = QJsonDocument::fromJson(m_world.run({QStringLiteral("verify"), QStringLiteral("--deep"), QStringLiteral("--json")}, &status)).object();
+            if (status == 0 && report.value(QStringLiteral("orphans")).toArray().isEmpty()) {
+                return true;
+            }
+            QThread::msleep(100);
+        }
+        return complain(QStringLiteral("verify: ") + QString::fromUtf8(QJsonDocument(report).toJson()));
+    }
+
+    bool importsAgain()
+    {
+        int status = 0;
+        QDir().mkpath(m_world.temporaryArea());
+        const QJsonObject report = QJsonDocument::fromJson(m_world.run(importArguments(), &status)).object();
+        if (status != 0) {
+            return complain(QStringLiteral("the second import failed"));
+        }
+        const QJsonArray items = QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
+        QSet<QString> digests;
+        for (const QJsonValue &item : items) {
+            digests.insert(item.toObject().value(QStringLiteral("SHA1")).toString());
+        }
+        // What a purge removed was removed on purpose; the files that can be imported again are those of the input folder.
+        const QSet<QString> missing = digestsBelow(m_world.path(QStringLiteral("input"))) + m_temporary - digests;
+        return missing.isEmpty() || complain(QStringLiteral("%1 files are not in the library after the second import").arg(missing.size()));
+    }
+
+    World m_world;
+    QRandomGenerator m_random;
+    qint64 m_milliseconds = 1000;
+    QSet<QString> m_temporary;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = application.arguments();
+    if (arguments.size() < 3) {
+        std::fprintf(stderr, "usage: zelto_crash_test ZELTO COUNT [SEED]\n");
+        return 2;
+    }
+    const int count = arguments.at(2).toInt();
+    const quint32 seed = arguments.size() > 3 ? arguments.at(3).toUInt() : 20260101U;
+    CrashTest test(QFileInfo(arguments.at(1)).absoluteFilePath(), seed);
+    test.measure();
+    for (int i = 0; i < count; ++i) {
+        if (!test.round(i)) {
+            std::fprintf(stderr, "round %d of %d, seed %u\n", i, count, seed);
+            return 1;
+        }
+    }
+    std::printf("%d kills: the store opened, every item had its file, nothing was lost\n", count);
+    return 0;
+}
