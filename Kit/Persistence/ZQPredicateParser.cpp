@@ -295,13 +295,22 @@ Parser::Expression Parser::expression()
 
 Parser::Expression Parser::wordExpression()
 {
-    static const std::pair<const char *, ZQScalar> constants[] = {
-        {"YES", qint64(1)}, {"TRUE", qint64(1)}, {"NO", qint64(0)}, {"FALSE", qint64(0)}, {"NIL", {}}, {"NULL", {}},
+    struct Constant
+    {
+        const char *word;
+        std::optional<qint64> number; // none: null
     };
-    for (const auto &[word, value] : constants) {
-        if (isWord(word)) {
+    static constexpr Constant constants[] = {
+        {"YES", 1}, {"TRUE", 1}, {"NO", 0}, {"FALSE", 0}, {"NIL", {}}, {"NULL", {}},
+    };
+    for (const Constant &constant : constants) {
+        if (isWord(constant.word)) {
             advance();
-            return ZQExpression{.constant = value};
+            ZQExpression result;
+            if (constant.number) {
+                result.constant = *constant.number;
+            }
+            return result;
         }
     }
     if (isWord("CAST")) {
