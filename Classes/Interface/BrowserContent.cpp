@@ -130,7 +130,7 @@ QList<BrowserContent::Section> BrowserContent::sections() const
         }
     }
     const auto single = singleItem();
-    if (single && !single->isRecent() && !single->isFolder() && !single->isWatchedFolder()) {
+    if (single && !result.isEmpty() && !single->isRecent() && !single->isFolder() && !single->isWatchedFolder()) {
         result.first().title.clear();
     }
     for (Section &section : result) {

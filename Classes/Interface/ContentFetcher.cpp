@@ -127,9 +127,9 @@ void ContentFetcher::fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> reque
     d->add(this, {purpose, 0, std::move(requests), std::move(answer), {}});
 }
 
-void ContentFetcher::count(QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer)
+void ContentFetcher::count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer)
 {
-    d->add(this, {Purpose::Counts, 0, std::move(requests), {}, std::move(answer)});
+    d->add(this, {purpose, 0, std::move(requests), {}, std::move(answer)});
 }
 
 bool ContentFetcher::isIdle() const

@@ -21,11 +21,11 @@ public:
 
     // What a caller is waiting for; a new request under the same name replaces one not yet begun, and only the answer
     // of the latest is delivered.
-    enum class Purpose { Content, Search, Counts };
+    enum class Purpose { Content, ProjectCounts, TagCounts };
 
     using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error
     void fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer);
-    void count(QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
+    void count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
     bool isIdle() const; // nothing asked is unanswered
 
 private:

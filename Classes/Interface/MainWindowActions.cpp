@@ -6,6 +6,7 @@
 #include "Classes/Interface/InfoPanelViewController.h"
 #include "Classes/Interface/MainWindow.h"
 #include "Classes/Interface/ProjectsSidebarViewController.h"
+#include "Classes/Interface/Sheet.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQTabStrip.h"
@@ -239,7 +240,7 @@ void MainWindowController::updateUndo()
 
 void MainWindowController::updateCommands()
 {
-    if (!m_undo) {
+    if (!m_undo || m_mainWindow->property(Sheet::isShownProperty).toBool()) {
         return;
     }
     const bool inText = textFieldHasFocus();

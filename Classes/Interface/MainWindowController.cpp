@@ -192,6 +192,10 @@ void MainWindowController::observe()
     m_sidebarTimer.setSingleShot(true);
     m_sidebarTimer.setInterval(60);
     connect(&m_sidebarTimer, &QTimer::timeout, this, [this] {
+        if (m_sidebar->isEditing()) {
+            m_sidebarTimer.start(); // the editor would close
+            return;
+        }
         m_sidebar->reload();
         updateTabs();
     });

@@ -182,6 +182,7 @@ void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view)
 void ProjectsSidebarViewController::reloadCounts()
 {
     m_projects->reloadCounts();
+    m_tags->reloadCounts();
 }
 
 void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)

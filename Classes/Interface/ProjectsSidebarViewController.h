@@ -19,6 +19,7 @@ public:
     QList<ZQObjectID> selectedItems() const;          // of the side shown
     void selectItems(const QList<ZQObjectID> &items); // turns to their side
     void reload();
+    bool isEditing() const { return tree()->isEditing(); }
     void reloadCounts();
     QVBoxLayout *progressLayout() const { return m_progress; }
 

@@ -62,7 +62,7 @@ QPushButton *Sheet::addButton(const QString &text, int code, bool isDefault)
     button->setDefault(isDefault);
     connect(button, &QPushButton::clicked, this, [this, code] { done(code); });
     m_footer->addWidget(button);
-    if (m_rejectCode == 0 || !isDefault) {
+    if (m_rejectCode == 0) { // the first one stands at the left: what changes least
         m_rejectCode = code;
     }
     return button;
@@ -87,6 +87,7 @@ void Sheet::place()
 int Sheet::run()
 {
     const QPointer<QWidget> focusBefore(QApplication::focusWidget());
+    m_window->setProperty(isShownProperty, true);
     QList<QAction *> paused;
     for (QAction *action : m_window->actions()) {
         if (action->isEnabled()) {
@@ -112,10 +113,11 @@ int Sheet::run()
     connect(m_cover, &QObject::destroyed, &loop, &QEventLoop::quit); // the window went
     const QPointer<QWidget> cover(m_cover);
     loop.exec();
-    for (QAction *action : paused) {
-        action->setEnabled(true);
-    }
     if (cover) {
+        for (QAction *action : paused) {
+            action->setEnabled(true);
+        }
+        m_window->setProperty(isShownProperty, false);
         cover->hide();
         setParent(nullptr);
         cover->deleteLater();

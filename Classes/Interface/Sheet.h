@@ -11,6 +11,9 @@ class Sheet : public QDialog
 {
     Q_OBJECT
 public:
+    // On the window while a sheet hangs from it: its commands rest.
+    static constexpr const char *isShownProperty = "zqSheetIsShown";
+
     Sheet(QWidget *window, const QString &title);
     int run(); // waits; the code given to `done`
 

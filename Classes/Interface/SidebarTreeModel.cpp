@@ -41,17 +41,45 @@ void SidebarTreeModel::reload()
                                {QStringLiteral("kind"), true, ZQSortDescriptor::Comparison::Standard}};
     const auto roots =
         zqFetch<ZQSidebarBaseItem>(m_window.context, request).value_or(QList<ZQRef<ZQSidebarBaseItem>>());
-    beginResetModel();
-    m_nodes.clear();
-    m_root = std::make_unique<Node>();
+    auto before = std::exchange(m_root, std::make_unique<Node>());
+    auto nodesBefore = std::exchange(m_nodes, {});
     for (const auto &root : roots) {
         // The other side's condition leaves the projects in; they have their own.
         if (root->is_Tag() == isTags && isSectionShown(*root)) {
             build(*m_root, root);
         }
     }
-    endResetModel();
+    // Most changes leave the shape as it is: the rows, and what the view knows of them, then stay.
+    const bool isSame = haveSameShape(*before, *m_root);
+    std::swap(before, m_root);
+    std::swap(nodesBefore, m_nodes);
+    if (!isSame) {
+        beginResetModel();
+        std::swap(before, m_root);
+        std::swap(nodesBefore, m_nodes);
+        endResetModel();
+    } else {
+        announceAll({});
+    }
     reloadCounts();
+}
+
+bool SidebarTreeModel::haveSameShape(const Node &a, const Node &b)
+{
+    return a.item == b.item && std::equal(a.children.begin(), a.children.end(), b.children.begin(), b.children.end(),
+                                          [](const auto &x, const auto &y) { return haveSameShape(*x, *y); });
+}
+
+void SidebarTreeModel::announceAll(const QModelIndex &above)
+{
+    const int rows = rowCount(above);
+    if (rows == 0) {
+        return;
+    }
+    Q_EMIT dataChanged(index(0, 0, above), index(rows - 1, 0, above));
+    for (int row = 0; row < rows; ++row) {
+        announceAll(index(row, 0, above));
+    }
 }
 
 bool SidebarTreeModel::isSectionShown(const ZQSidebarBaseItem &label) const
@@ -79,7 +107,7 @@ void SidebarTreeModel::reloadCounts()
 {
     if (!m_showsCounts) {
         m_counts.clear();
-        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0), {CountRole});
+        announceAll({});
         return;
     }
     QList<ZQObjectID> ids;
@@ -91,14 +119,14 @@ void SidebarTreeModel::reloadCounts()
             requests.append(node->item->contentRequest());
         }
     }
-    m_window.fetcher.count(requests, [this, ids](const QList<qint64> &counts) {
+    const auto purpose =
+        m_side == Side::Tags ? ContentFetcher::Purpose::TagCounts : ContentFetcher::Purpose::ProjectCounts;
+    m_window.fetcher.count(purpose, requests, [this, ids](const QList<qint64> &counts) {
         m_counts.clear();
         for (qsizetype i = 0; i < std::min(ids.size(), counts.size()); ++i) {
             m_counts.insert(ids[i], counts[i]);
         }
-        if (rowCount() > 0) {
-            Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0), {CountRole});
-        }
+        announceAll({});
     });
 }
 

@@ -41,6 +41,8 @@ private:
     struct Node;
     void build(Node &node, const ZQRef<ZQSidebarBaseItem> &item);
     const Node *node(const QModelIndex &index) const;
+    static bool haveSameShape(const Node &a, const Node &b);
+    void announceAll(const QModelIndex &above); // everything below may look different
     bool isSectionShown(const ZQSidebarBaseItem &label) const;
 
     WindowContext &m_window;

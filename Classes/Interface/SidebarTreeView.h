@@ -38,6 +38,7 @@ public:
 
     explicit SidebarTreeView(QWidget *parent = nullptr);
     void setTree(SidebarTreeModel *model);
+    bool isEditing() const { return state() == EditingState; }
     SidebarTreeModel *tree() const { return static_cast<SidebarTreeModel *>(model()); }
 
     std::function<Qt::DropAction(const QMimeData *, const SidebarDropPlace &)> validateDrop;

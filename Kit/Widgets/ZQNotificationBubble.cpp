@@ -73,7 +73,7 @@ void ZQNotificationBubble::paintEvent(QPaintEvent * /*event*/)
     const QRectF box = QRectF(rect()).adjusted(shadowRoom, shadowRoom, -shadowRoom, -shadowRoom);
     painter.setPen(Qt::NoPen);
     QColor shadow = zqColor(ZQColorRole::Shadow);
-    shadow.setAlphaF(shadow.alphaF() / 8);
+    shadow.setAlphaF(shadow.alphaF() / 12);
     painter.setBrush(shadow);
     for (int grow = 1; grow < shadowRoom; ++grow) {
         painter.drawRoundedRect(box.adjusted(-grow, -grow + 2, grow, std::min(grow + 2, shadowRoom)), 9 + grow,
