@@ -97,7 +97,10 @@ TEST_F(Tag, ReorderingNumbersUserTagsByOrderThenTitle)
     };
     const Row rows[] = {{"z", 5}, {"a10", 7}, {"a9", 7}};
     for (const Row &row : rows) {
-        ZQSidebarTag::addNewTagWithName(QString::fromLatin1(row.title), context)->setOrder(row.order);
+        ZQSidebarTag::addNewTagWithName(QString::fromLatin1(row.title), context);
+    }
+    for (const Row &row : rows) {
+        ZQSidebarTag::tagWithTagName(QString::fromLatin1(row.title), context)->setOrder(row.order);
     }
     ZQSidebarTag::reorderAllUserTagsInManagedObjectContext(context);
     QStringList titles;
