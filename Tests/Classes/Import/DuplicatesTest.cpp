@@ -1,0 +1,129 @@
+#include "Tests/Classes/Import/ImportFixture.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+class Duplicates : public ImportFixture
+{
+protected:
+    void SetUp() override
+    {
+        ImportFixture::SetUp();
+        source = writeImage(QStringLiteral("a.png"), {20, 20});
+        import({source});
+        existing = item(QStringLiteral("a"));
+        ASSERT_TRUE(existing);
+        again = path(QStringLiteral("again.png"));
+        ASSERT_TRUE(QFile::copy(source, again));
+    }
+
+    void answer(DuplicateChoice choice)
+    {
+        user.answerDuplicates = [choice](const QList<DuplicatePair> &pairs) {
+            return QList<DuplicateChoice>(pairs.size(), choice);
+        };
+    }
+
+    QString source;
+    QString again;
+    ZQRef<ZQLibraryBaseItem> existing;
+};
+
+} // namespace
+
+TEST_F(Duplicates, TheQuestionShowsWhatIsThereAndWhatIsNew)
+{
+    answer(DuplicateChoice::Discard);
+    import({again, writeImage(QStringLiteral("other.png"), {21, 21})});
+    ASSERT_EQ(user.duplicates.size(), 1);
+    const DuplicatePair &pair = user.duplicates.first();
+    EXPECT_EQ(pair.existingTitle, QStringLiteral("a"));
+    EXPECT_EQ(pair.existingPath, existing->itemURL());
+    EXPECT_EQ(pair.newTitle, QStringLiteral("again"));
+    EXPECT_EQ(pair.bytes, QFileInfo(again).size());
+    EXPECT_EQ(pair.pixelWidth, 20);
+}
+
+TEST_F(Duplicates, DiscardingLeavesOneItemAndOneDirectory)
+{
+    answer(DuplicateChoice::Discard);
+    const auto operation = import({again});
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("a")});
+    EXPECT_EQ(itemDirectories().size(), 1);
+    EXPECT_EQ(droppedPaths(operation->report()), QStringList{again});
+    EXPECT_TRUE(operation->report().imported().isEmpty());
+    EXPECT_TRUE(user.notifications.isEmpty());
+}
+
+TEST_F(Duplicates, KeepingBothKeepsBoth)
+{
+    answer(DuplicateChoice::KeepBoth);
+    import({again});
+    EXPECT_EQ(items().size(), 2);
+    EXPECT_EQ(itemDirectories().size(), 2);
+}
+
+TEST_F(Duplicates, RelinkingPutsTheOldItemAtTheDropPosition)
+{
+    const auto project = addProject(QStringLiteral("P"));
+    import({writeImage(QStringLiteral("x.png"), {22, 22}), writeImage(QStringLiteral("y.png"), {23, 23})},
+           project.get());
+    answer(DuplicateChoice::Relink);
+    import({again}, project.get(), 1);
+    QStringList order;
+    for (const auto &member : project->pItems()) {
+        order.append(member->item()->title() + QString::number(member->order()));
+    }
+    EXPECT_EQ(order.join(u' '), QStringLiteral("x0 a1 y2"));
+    EXPECT_EQ(itemDirectories().size(), 3);
+}
+
+TEST_F(Duplicates, RelinkingIntoATagTagsTheOldItem)
+{
+    const auto tag = addTag(QStringLiteral("T"));
+    answer(DuplicateChoice::Relink);
+    import({again}, tag.get());
+    EXPECT_EQ(items().size(), 1);
+    EXPECT_TRUE(tagTitles(*existing).contains(QStringLiteral("T")));
+}
+
+TEST_F(Duplicates, CancellingTheQuestionCancelsTheBatch)
+{
+    const auto operation = import({again, writeImage(QStringLiteral("other.png"), {21, 21})});
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("a")});
+    EXPECT_EQ(itemDirectories().size(), 1);
+    EXPECT_EQ(operation->report().dropped().size(), 2);
+}
+
+TEST_F(Duplicates, AnInactiveItemIsNoDuplicate)
+{
+    existing->deleteSelf();
+    delegate->saveAction();
+    import({again});
+    EXPECT_TRUE(user.duplicates.isEmpty());
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("again")});
+}
+
+TEST_F(Duplicates, TheSameFileTwiceInOneBatchIsNotAskedAbout)
+{
+    const QString other = writeImage(QStringLiteral("twin.png"), {24, 24});
+    const QString copy = path(QStringLiteral("twin copy.png"));
+    ASSERT_TRUE(QFile::copy(other, copy));
+    import({other, copy});
+    EXPECT_TRUE(user.duplicates.isEmpty());
+    EXPECT_EQ(items().size(), 3);
+}
+
+TEST_F(Duplicates, ADiscardedTemporaryFileIsNotTakenAway)
+{
+    const QString temporary = path(QStringLiteral("TMPDIR/ZeltoTemporaryFolder"));
+    ASSERT_FALSE(AImportManager::temporaryDirectory().isEmpty());
+    const QString copy = temporary + QStringLiteral("/copy.png");
+    ASSERT_TRUE(QFile::copy(source, copy));
+    answer(DuplicateChoice::Discard);
+    import({copy});
+    EXPECT_TRUE(QFile::exists(copy));
+    EXPECT_EQ(items().size(), 1);
+}

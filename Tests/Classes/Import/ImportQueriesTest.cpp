@@ -1,0 +1,206 @@
+#include "Classes/Import/ImageImportOperation.h"
+#include "Classes/Import/ImportKind.h"
+#include "Classes/Import/PasteboardFiles.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+#include "Tests/Classes/Import/ImportFixture.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QMimeData>
+
+namespace {
+class ImportQueries : public ImportFixture
+{
+};
+} // namespace
+
+TEST_F(ImportQueries, WhatCanBeImportedFollowsFromTheNameAndWhetherItIsAFolder)
+{
+    struct Case
+    {
+        const char *name;
+        bool asFile;
+        bool asFolder;
+    };
+    for (const Case &c : {Case{"photo.JPG", true, false}, {"a.jpeg", true, false},     {"a.jp2", true, false},
+                          {"a.tif", true, false},         {"a.gif", true, false},      {"a.png", true, false},
+                          {"a.icns", true, false},        {"a.bmp", true, false},      {"a.ico", true, false},
+                          {"a.svg", true, false},         {"a.psd", true, false},      {"a.ai", true, false},
+                          {"drawing.eps", false, false},  {"a.tga", true, false},      {"a.pxm", true, false},
+                          {"a.pxim", true, false},        {"a.acorn", true, false},    {"a.ACORN", true, false},
+                          {"design.sketch", false, true}, {"a.snap", false, true},     {"a.cr2", true, false},
+                          {"a.nef", true, false},         {"a.dng", true, false},      {"a.pdf", true, false},
+                          {"bundle.zip", true, false},    {"bundle.RAR", true, false}, {"a.txt", false, false},
+                          {"png", false, false},          {"a.", false, false}}) {
+        const QString name = QString::fromLatin1(c.name);
+        EXPECT_EQ(AImportManager::fileAtPathIsSupported(writeFile(QStringLiteral("files/") + name, "x")), c.asFile)
+            << c.name;
+        const QString folder = path(QStringLiteral("folders/") + name);
+        ASSERT_TRUE(QDir().mkpath(folder));
+        EXPECT_EQ(AImportManager::fileAtPathIsSupported(folder), c.asFolder) << c.name;
+    }
+}
+
+TEST_F(ImportQueries, ASidebarItemTakesTheDropsOfItsKind)
+{
+    const QString image = writeImage(QStringLiteral("a.png"), {1, 1});
+    const QString archive = writeFile(QStringLiteral("a.zip"), "x");
+    const QString text = writeFile(QStringLiteral("a.txt"), "x");
+    const QString folder = path(QStringLiteral("folder"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const auto liveFolder = context().insertNewObject<ZQSidebarWatchedFolder>();
+    const auto sidebarFolder = context().insertNewObject<ZQSidebarFolder>();
+    const auto special = [this](ZQSidebarKind kind) {
+        return ZQSidebarBaseItem::specialItemOfKind(int(kind), context());
+    };
+    struct Case
+    {
+        const char *what;
+        ZQRef<ZQSidebarBaseItem> target;
+        bool image, archive, folder, text;
+    };
+    for (const Case &c : {Case{"Recent", special(ZQSidebarKind::Recent), false, false, false, false},
+                          {"LIVE FOLDERS", special(ZQSidebarKind::WatchedFoldersLabel), false, false, false, false},
+                          {"a live folder", liveFolder, true, true, true, false},
+                          {"Library", special(ZQSidebarKind::Library), true, true, false, false},
+                          {"a project", addProject(QStringLiteral("p")), true, true, false, false},
+                          {"a folder", sidebarFolder, false, true, true, false},
+                          {"PROJECTS", projectsLabel(), false, true, true, false},
+                          {"TAGS", special(ZQSidebarKind::TagsLabel), false, false, false, false},
+                          {"a tag", addTag(QStringLiteral("t")), true, true, false, false}}) {
+        EXPECT_EQ(AImportManager::areFilesAtPaths({image}, c.target.get()), c.image) << c.what;
+        EXPECT_EQ(AImportManager::areFilesAtPaths({archive}, c.target.get()), c.archive) << c.what;
+        EXPECT_EQ(AImportManager::areFilesAtPaths({folder}, c.target.get()), c.folder) << c.what;
+        EXPECT_EQ(AImportManager::areFilesAtPaths({text}, c.target.get()), c.text) << c.what;
+        EXPECT_EQ(AImportManager::areFilesAtPaths({text, image, folder}, c.target.get()), c.image || c.folder)
+            << c.what;
+    }
+    EXPECT_FALSE(AImportManager::areFilesAtPaths({image}, nullptr));
+    context().deleteObject(liveFolder.get());
+    context().deleteObject(sidebarFolder.get());
+}
+
+TEST_F(ImportQueries, PathsInsideListedPathsGoAndTheOrderStays)
+{
+    struct Case
+    {
+        QStringList paths;
+        QStringList kept;
+    };
+    const auto list = [](const char *text) { return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts); };
+    for (const Case &c : {Case{list("/a/b/c /a/b /d"), list("/a/b /d")},
+                          {list("/d /a/b /a/bc"), list("/d /a/b")}, // textual
+                          {list("/a/b /a/b /a/b/c"), list("/a/b /a/b")},
+                          {list("/a/b-c/x /a/b /a/b-c"), list("/a/b")},
+                          {{}, {}}}) {
+        EXPECT_EQ(AImportManager::removeSubFoldersFromPaths(c.paths), c.kept);
+    }
+}
+
+TEST_F(ImportQueries, TemporaryPlacesAreToldByText)
+{
+    for (const char *inside :
+         {"/private/var/x", "/var/x", "/tmp/x", "/home/u/Library/Caches/x", "/data/ZeltoTemporaryFolder/t.1/x"}) {
+        EXPECT_TRUE(AImportManager::fileIsInsideTemporaryDirectory(QString::fromLatin1(inside))) << inside;
+    }
+    for (const char *outside : {"/home/u/var/x", "/tmpx/y", "/home/tmp/x", "var/x"}) {
+        EXPECT_FALSE(AImportManager::fileIsInsideTemporaryDirectory(QString::fromLatin1(outside))) << outside;
+    }
+}
+
+TEST_F(ImportQueries, EveryTemporaryDirectoryIsANewFolderInOnePlace)
+{
+    const QString first = AImportManager::temporaryDirectory();
+    const QString second = AImportManager::temporaryDirectory();
+    EXPECT_NE(first, second);
+    EXPECT_TRUE(QFileInfo(first).isDir());
+    EXPECT_TRUE(AImportManager::fileIsInsideTemporaryDirectory(first));
+    EXPECT_EQ(QFileInfo(first).path(), path(QStringLiteral("TMPDIR/ZeltoTemporaryFolder")));
+}
+
+TEST_F(ImportQueries, ATemporaryDirectoryThatCannotBeMadeIsShownAsAnError)
+{
+    writeFile(QStringLiteral("TMPDIR/ZeltoTemporaryFolder"), "in the way");
+    EXPECT_TRUE(AImportManager::temporaryDirectory().isEmpty());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(user.errors.size(), 1);
+}
+
+TEST_F(ImportQueries, SmallPicturesOfCommonKindsNeedNoThumbnail)
+{
+    const QString small = writeFile(QStringLiteral("small.png"), QByteArray(262144, 'x'));
+    const QString big = writeFile(QStringLiteral("big.png"), QByteArray(262145, 'x'));
+    const QString vector = writeFile(QStringLiteral("vector.svg"), "x");
+    EXPECT_TRUE(AImportManager::canSkipThumbForPath(small));
+    EXPECT_FALSE(AImportManager::canSkipThumbForPath(big));
+    EXPECT_FALSE(AImportManager::canSkipThumbForPath(vector));
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(true, QStringLiteral("AlwaysMakeThumbsWhileImporting"));
+    EXPECT_FALSE(AImportManager::canSkipThumbForPath(small));
+    ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("AlwaysMakeThumbsWhileImporting"));
+}
+
+TEST_F(ImportQueries, TheOpenPanelOffersWhatIsDecodedAndTheDocuments)
+{
+    const QStringList types = AImportManager::supportedTypeForOpenPanel();
+    EXPECT_TRUE(types.contains(QStringLiteral("png")));
+    EXPECT_EQ(types.mid(types.size() - 10).join(u' '), QStringLiteral("pdf PDF zip ZIP rar RAR eps EPS svg SVG"));
+}
+
+TEST_F(ImportQueries, SizeTagsFollowTheThreeLimits)
+{
+    struct Case
+    {
+        int icon, small, medium;
+        int width, height;
+        const char *tag;
+    };
+    for (const Case &c : {Case{32, 128, 512, 30, 30, "icon"},
+                          {32, 128, 512, 32, 33, "small"},
+                          {32, 128, 512, 100, 100, "small"},
+                          {32, 128, 512, 300, 300, "medium"},
+                          {32, 128, 512, 512, 129, "medium"},
+                          {32, 128, 512, 600, 300, "large"},
+                          {32, 128, 0, 400, 400, "icon"},
+                          {32, 0, 512, 128, 128, "icon"},
+                          {0, 128, 512, 32, 32, "icon"},
+                          {0, 128, 512, 33, 33, "small"}}) {
+        const ImportSettings settings{.iconTagSize = c.icon, .smallTagSize = c.small, .mediumTagSize = c.medium};
+        EXPECT_EQ(ImageImportOperation::sizeTag(c.width, c.height, settings), QString::fromLatin1(c.tag))
+            << c.width << "x" << c.height;
+    }
+}
+
+TEST_F(ImportQueries, APictureOnTheClipboardBecomesAFileOfItsOwnFormat)
+{
+    const auto makeDirectory = [] { return AImportManager::temporaryDirectory(); };
+    QImage image(3, 2, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+
+    QMimeData pixels;
+    pixels.setImageData(image);
+    const PasteboardFiles pasted = PasteboardFiles::filesFromMimeData(&pixels, makeDirectory);
+    ASSERT_EQ(pasted.paths.size(), 1);
+    EXPECT_EQ(QFileInfo(pasted.paths.first()).fileName(), QStringLiteral("Pasted image.png"));
+    EXPECT_EQ(QImage(pasted.paths.first()).size(), QSize(3, 2));
+
+    QMimeData encoded;
+    encoded.setData(QStringLiteral("image/svg+xml"), "<svg/>");
+    encoded.setUrls({QUrl(QStringLiteral("https://example.org/a%2F..%2Fb/logo.svg"))});
+    const PasteboardFiles fromWeb = PasteboardFiles::filesFromMimeData(&encoded, makeDirectory);
+    ASSERT_EQ(fromWeb.paths.size(), 1);
+    EXPECT_EQ(QFileInfo(fromWeb.paths.first()).fileName(), QStringLiteral("logo.svg"));
+    EXPECT_EQ(fromWeb.metadata.value(QStringLiteral("webURL")),
+              QStringLiteral("https://example.org/a%2F..%2Fb/logo.svg"));
+
+    QMimeData inlined;
+    inlined.setUrls({QUrl(QStringLiteral("data:image/gif;base64,R0lGODlhAQABAAAAACw="))});
+    const PasteboardFiles fromData = PasteboardFiles::filesFromMimeData(&inlined, makeDirectory);
+    ASSERT_EQ(fromData.paths.size(), 1);
+    EXPECT_TRUE(fromData.paths.first().endsWith(QStringLiteral("/Pasted image.gif")));
+
+    QMimeData text;
+    text.setText(QStringLiteral("words"));
+    EXPECT_TRUE(PasteboardFiles::filesFromMimeData(&text, makeDirectory).paths.isEmpty());
+}
