@@ -191,11 +191,11 @@ bool ZQModelReader::readProperties()
             entity->relationships = entity->parent->relationships;
             for (const ZQAttributeDescription &attribute : entity->attributes) {
                 m_declaring[slash(entity->name, attribute.name)] =
-                    m_declaring[slash(entity->parent->name, attribute.name)];
+                    m_declaring.value(slash(entity->parent->name, attribute.name));
             }
             for (const ZQRelationshipDescription &inherited : entity->relationships) {
                 m_declaring[slash(entity->name, inherited.name)] =
-                    m_declaring[slash(entity->parent->name, inherited.name)];
+                    m_declaring.value(slash(entity->parent->name, inherited.name));
             }
         }
         const QJsonObject source = m_sources.value(entity->name);
