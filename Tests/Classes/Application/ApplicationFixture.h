@@ -1,0 +1,128 @@
+#pragma once
+
+#include "Classes/Application/PreferencesController.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Models/DataModel/ZQLibraryImage.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Tests/Support/ScriptedUser.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// A window that only remembers what was asked of it.
+class FakeWindow : public MainWindowControlling
+{
+public:
+    struct State
+    {
+        bool visible = true;
+        bool miniaturized = false;
+        int madeKey = 0;
+        int savedState = 0;
+        int templates = 0;
+        QList<ZQObjectID> selected;
+    };
+    explicit FakeWindow(State &state)
+        : m_state(state)
+    {
+    }
+    void showWindow() override { m_state.visible = true; }
+    void makeKeyAndOrderFront() override { ++m_state.madeKey; }
+    bool isMiniaturized() const override { return m_state.miniaturized; }
+    void deminiaturize() override { m_state.miniaturized = false; }
+    bool isVisible() const override { return m_state.visible; }
+    void activateIgnoringOtherApps() override {}
+    void selectSidebarItem(const ZQObjectID &item) override { m_state.selected.append(item); }
+    void newFileFromTemplate() override { ++m_state.templates; }
+    void savePersistentState() override { ++m_state.savedState; }
+    bool commitEditing() override { return true; }
+    void refreshContent() override {}
+    void updateLocalization() override {}
+
+private:
+    State &m_state;
+};
+
+// An import manager that only remembers.
+class FakeImports : public ImportManaging
+{
+public:
+    struct Import
+    {
+        QStringList paths;
+        ZQObjectID target;
+    };
+    void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32, const QVariantMap &) override
+    {
+        imports.append({paths, intoSidebarItemID});
+    }
+    ZQOperationQueue &syncOperationQueue() override { return m_sync; }
+    void getLiveFolderPermissionFromSandbox() override { calls.append(QStringLiteral("permission")); }
+    void startObservingWatchedFolders() override { calls.append(QStringLiteral("observe")); }
+    void stopObservingWatchedFolders() override { calls.append(QStringLiteral("stop")); }
+    void syncRootWatchedFolders() override { calls.append(QStringLiteral("sync")); }
+    void syncWatchedFolder(const ZQObjectID &, bool) override {}
+    void thumbForLibraryItem(ZQLibraryBaseItem *) override {}
+
+    QList<Import> imports;
+    QStringList calls;
+
+private:
+    ZQOperationQueue m_sync;
+};
+
+// One user's world in a temporary folder, and the application in it.
+class ApplicationTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
+            const QString folder = world.filePath(QString::fromLatin1(name).toLower());
+            QDir().mkpath(folder);
+            qputenv(name, folder.toLocal8Bit());
+        }
+        ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+        for (const QString &key : defaults.keys()) {
+            defaults.removeObjectForKey(key);
+        }
+    }
+
+    std::unique_ptr<tamberin_AppDelegate> application()
+    {
+        ApplicationParts parts;
+        parts.userInteraction = &user;
+        parts.importManager = &imports;
+        parts.makeMainWindowController = [this] { return std::make_unique<FakeWindow>(window); };
+        return std::make_unique<tamberin_AppDelegate>(parts);
+    }
+    std::unique_ptr<tamberin_AppDelegate> launched()
+    {
+        auto delegate = application();
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+        return delegate;
+    }
+    QString defaultBundle() const { return world.filePath(QStringLiteral("xdg_data_home/Zelto/Zelto.ztlibrary")); }
+
+    // A managed item with its directory and file.
+    static ZQRef<ZQLibraryImage> addItem(tamberin_AppDelegate &delegate, const QString &bundleID)
+    {
+        auto item = delegate.managedObjectContext()->insertNewObject<ZQLibraryImage>();
+        item->setBundleID(bundleID);
+        item->setActive(true);
+        item->setManaged(true);
+        item->setTitle(QStringLiteral("picture"));
+        item->setOriginalExtension(QStringLiteral("png"));
+        QDir().mkpath(item->bundleURL());
+        return item;
+    }
+
+    QTemporaryDir world;
+    ScriptedUser user;
+    FakeImports imports;
+    FakeWindow::State window;
+};

@@ -1,0 +1,143 @@
+#include "Tests/Classes/Application/ApplicationFixture.h"
+
+#include "Classes/Application/LibraryBundleManager.h"
+#include "Classes/Application/LibraryLock.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <QFile>
+
+namespace {
+const QString storeDomain = QStringLiteral("YOUR_ERROR_DOMAIN");
+
+QStringList titlesBelow(const ZQRef<ZQSidebarBaseItem> &item)
+{
+    QStringList titles;
+    for (const auto &child : item->orderedChildren()) {
+        titles.append(child->title());
+    }
+    return titles;
+}
+} // namespace
+
+TEST_F(ApplicationTest, TheFirstLaunchMakesTheLibraryAndASecondOnlyNamesItsEntriesAnew)
+{
+    {
+        const auto delegate = launched();
+        EXPECT_TRUE(QFileInfo::exists(defaultBundle() + QStringLiteral("/storedata")));
+        EXPECT_TRUE(QFileInfo(defaultBundle() + QStringLiteral("/Library")).isDir());
+        EXPECT_TRUE(delegate->applicationLauched());
+        const auto projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(*delegate->managedObjectContext());
+        ASSERT_TRUE(projects);
+        EXPECT_EQ(titlesBelow(projects), QStringList{QStringLiteral("Sample project")});
+        projects->orderedChildren().first()->setTitle(QStringLiteral("Mine"));
+        ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*delegate->managedObjectContext())->setTitle(QStringLiteral("changed"));
+        delegate->saveAction();
+    }
+    const auto delegate = launched();
+    ZQManagedObjectContext &context = *delegate->managedObjectContext();
+    EXPECT_EQ(titlesBelow(ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)), QStringList{QStringLiteral("Mine")});
+    EXPECT_EQ(ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context)->title(), QStringLiteral("Library"));
+    EXPECT_EQ(imports.calls, (QStringList{QStringLiteral("permission"), QStringLiteral("observe"), QStringLiteral("sync"), QStringLiteral("permission"),
+                                          QStringLiteral("observe"), QStringLiteral("sync")}));
+    EXPECT_TRUE(user.errors.isEmpty());
+}
+
+TEST_F(ApplicationTest, ARememberedLocationIsUsedUnlessItIsGoneOrInTheTrash)
+{
+    const QString elsewhere = world.filePath(QStringLiteral("Elsewhere.ztlibrary"));
+    const QString trashed = world.filePath(QStringLiteral(".Trash-0/Old.ztlibrary"));
+    QDir().mkpath(elsewhere);
+    QDir().mkpath(trashed);
+
+    tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
+    EXPECT_EQ(application()->libraryBundleDirectory(), elsewhere);
+    tamberin_AppDelegate::saveNewLibraryURL(trashed);
+    EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle());
+    tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
+    QDir(elsewhere).removeRecursively();
+    EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle());
+}
+
+TEST_F(ApplicationTest, ALibraryThatCannotBeMadeIsReportedAndTriedAgain)
+{
+    const auto delegate = application();
+    delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("missing/New.ztlibrary")));
+    EXPECT_TRUE(delegate->libraryBundleDirectory().isEmpty());
+    EXPECT_EQ(delegate->managedObjectContext(), nullptr);
+    ASSERT_FALSE(user.errors.isEmpty());
+    EXPECT_EQ(user.errors.last().domain, storeDomain);
+    EXPECT_EQ(user.errors.last().code, 9999);
+    QDir().mkpath(world.filePath(QStringLiteral("missing")));
+    EXPECT_FALSE(delegate->libraryBundleDirectory().isEmpty());
+}
+
+TEST_F(ApplicationTest, OneLibraryIsOpenInOneProcessAtATime)
+{
+    const auto delegate = launched();
+    ZQError error;
+    EXPECT_EQ(LibraryLock::lockBundle(delegate->libraryBundleDirectory(), &error), nullptr);
+    EXPECT_EQ(error.code, LibraryLock::InUse);
+}
+
+TEST_F(ApplicationTest, ItemDirectoriesOfNoItemGoButNeverWhenTheStoreListsNone)
+{
+    QString library;
+    {
+        const auto delegate = launched();
+        library = delegate->libraryDirectory();
+        addItem(*delegate, QStringLiteral("A"));
+        delegate->saveAction();
+    }
+    QDir().mkpath(library + QStringLiteral("/B.ztlibraryitem"));
+    QFile notes(library + QStringLiteral("/notes.txt"));
+    ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
+    {
+        const auto delegate = launched();
+        QDir().mkpath(library + QStringLiteral("/JustMade.ztlibraryitem")); // an import is about to save it
+        delegate->checkAndDeleteLibraryLeftovers();
+        ASSERT_NE(delegate->deleteTask(), nullptr);
+        delegate->deleteTask()->waitForFinished();
+        EXPECT_EQ(QDir(library).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                  (QStringList{QStringLiteral("A.ztlibraryitem"), QStringLiteral("JustMade.ztlibraryitem"), QStringLiteral("notes.txt")}));
+        ZQLibraryBaseItem::libraryItemsForBundleID(QStringLiteral("A"), *delegate->managedObjectContext())->deletePermanently();
+        delegate->saveAction();
+    }
+    const auto delegate = launched();
+    delegate->checkAndDeleteLibraryLeftovers();
+    EXPECT_EQ(delegate->deleteTask(), nullptr);
+    EXPECT_TRUE(QFileInfo::exists(library + QStringLiteral("/A.ztlibraryitem")));
+}
+
+TEST_F(ApplicationTest, AThumbnailLiesBesideItsFile)
+{
+    EXPECT_EQ(LibraryBundleManager::libraryPathForThumbOfURL(QStringLiteral("/x/abc.jpeg")), QStringLiteral("/x/abc_thumb.jpeg"));
+}
+
+TEST_F(ApplicationTest, ReopeningShowsTheWindowOnlyWhenThatIsMeant)
+{
+    const auto delegate = launched();
+    struct Case
+    {
+        bool hasVisibleWindows, visible, miniaturized, justActivated, answer;
+        int madeKey;
+    };
+    const Case cases[] = {
+        {false, false, false, false, true, 1}, {true, true, true, false, true, 0}, {true, true, false, false, false, 0},
+        {true, false, false, false, true, 1},  {true, false, false, true, false, 0},
+    };
+    for (const Case &c : cases) {
+        window = {};
+        window.visible = c.visible;
+        window.miniaturized = c.miniaturized;
+        if (c.justActivated) {
+            delegate->applicationWillBecomeActive();
+        }
+        EXPECT_EQ(delegate->applicationShouldHandleReopen(c.hasVisibleWindows), c.answer);
+        EXPECT_EQ(window.madeKey, c.madeKey);
+        EXPECT_FALSE(window.miniaturized);
+    }
+    zqRunMainLoopFor(std::chrono::milliseconds(300));
+    window = {};
+    window.visible = false;
+    EXPECT_TRUE(delegate->applicationShouldHandleReopen(true));
+}
