@@ -8,6 +8,7 @@
 #include "Kit/Imaging/ZQPreviewService.h"
 
 #include <QDir>
+#include <QFile>
 
 namespace {
 
@@ -52,6 +53,18 @@ void logInvalid(const char *format, const QString &path)
     qCWarning(zqLogImport, "%s", qUtf8Printable(zqFormat(QLatin1String(format), {path})));
 }
 
+// A name as long as file names may be leaves no room for what a thumbnail's adds: its end goes, never half a character.
+QString thumbName(const QString &path, const QString &dottedExtension)
+{
+    constexpr qsizetype longestName = 255 - 32; // files are written under a longer name first
+    const QString ending = QStringLiteral("_thumb") + dottedExtension;
+    QString base = zqBaseName(path);
+    while (QFile::encodeName(base).size() + ending.size() > longestName) {
+        base.chop(base.back().isLowSurrogate() ? 2 : 1);
+    }
+    return zqFormat(QStringLiteral("%@_thumb"), {base}) + dottedExtension;
+}
+
 ZQError importError(const QString &description)
 {
     return ZQError::with(QStringLiteral("zelto.import"), 1, description);
@@ -78,8 +91,7 @@ QString ThumbGenerator::thumbPathForImageURL(const QString &path, const QString 
         return {};
     }
     const bool asJPEG = type == ZQTypeIdentifier::JPEG || isRaw(type);
-    const QString name = zqFormat(QStringLiteral("%@_thumb"), {zqBaseName(path)}) +
-                         (asJPEG ? QStringLiteral(".jpg") : QStringLiteral(".png"));
+    const QString name = thumbName(path, asJPEG ? QStringLiteral(".jpg") : QStringLiteral(".png"));
     const QString target = QDir(thumbDestinationPath).filePath(name);
     ZQError failure;
     const bool written = asJPEG ? ZQImageDestination::writeJPEG(bitmap, target, 85, &failure)

@@ -42,6 +42,8 @@ QString ImportFixture::writeImage(const QString &relative, QSize size, const QCo
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(color);
+    static int number = 0;
+    image.setText(QStringLiteral("Number"), QString::number(++number)); // no two files are the same
     const QString file = path(relative);
     QDir().mkpath(QFileInfo(file).path());
     EXPECT_TRUE(image.save(file)) << file.toStdString();

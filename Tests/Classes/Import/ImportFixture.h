@@ -24,7 +24,7 @@ protected:
     void SetUp() override;
 
     QString path(const QString &relative) const { return m_folder.filePath(relative); }
-    // Pictures of one colour, unlike every other size and colour; the folders are made as needed.
+    // A picture of one colour; no two files are the same. Folders are made as needed.
     QString writeImage(const QString &relative, QSize size, const QColor &color = Qt::red) const;
     QString writeFile(const QString &relative, const QByteArray &contents) const;
 
