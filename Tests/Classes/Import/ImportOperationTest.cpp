@@ -13,6 +13,7 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -394,4 +395,24 @@ TEST_F(ImportOperationTest, TagsOfOneTitleBecomeOneWithAllTheirItems)
     ASSERT_EQ(tags->size(), 1);
     EXPECT_EQ(tags->first()->taggedItems().size(), 2);
     EXPECT_TRUE(other->managedObjectContext());
+}
+
+TEST_F(ImportOperationTest, AFailedSaveLosesNoSourceAndLeavesNoDirectory)
+{
+    const QString moved = writeImage(QStringLiteral("ZeltoTemporaryFolder/t.1/moved.png"), {20, 20});
+    const QString copied = writeImage(QStringLiteral("copied.png"), {20, 20});
+    sqlite3 *other = nullptr; // another process that never lets go of the store
+    ASSERT_EQ(sqlite3_open(delegate->persistentStoreCoordinator()->path().toUtf8().constData(), &other), SQLITE_OK);
+    user.onBeginProgress = [other](const std::function<void()> &) {
+        EXPECT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    };
+    const auto operation = import({moved, copied});
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    EXPECT_TRUE(QFile::exists(moved));
+    EXPECT_TRUE(QFile::exists(copied));
+    EXPECT_TRUE(items().isEmpty());
+    EXPECT_TRUE(itemDirectories().isEmpty());
+    EXPECT_TRUE(operation->report().imported().isEmpty());
+    EXPECT_EQ(droppedPaths(operation->report()), (QStringList{moved, copied}));
 }
