@@ -136,8 +136,8 @@ void ZQModelPlan::addEntity(ZQRootPlan &root, const ZQEntityDescription *entity)
     const auto addColumn = [&](const QString &property, const QString &column, ZQAttributeType type, bool isToOne) {
         const int field = fieldNamed(root.fields, property);
         if (field < 0) {
-            qCWarning(zqLogStore, "the class of %s has no field for \"%s\"", qUtf8Printable(entity->name),
-                      qUtf8Printable(property));
+            qCInfo(zqLogStore, "the class of %s has no field for \"%s\"", qUtf8Printable(entity->name),
+                   qUtf8Printable(property));
             return -1;
         }
         plan->columns.push_back({column, field, type, isToOne});

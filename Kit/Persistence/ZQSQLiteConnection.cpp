@@ -262,7 +262,8 @@ std::unique_ptr<ZQSQLiteConnection> ZQSQLiteConnection::open(const QString &path
     std::unique_ptr<ZQSQLiteConnection> connection(new ZQSQLiteConnection);
     connection->m_path = path;
     int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI;
-    flags |= mode == Mode::ReadOnly || mode == Mode::Immutable ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    const bool isWriter = mode == Mode::ReadWrite || mode == Mode::Create;
+    flags |= isWriter ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
     flags |= mode == Mode::Create ? SQLITE_OPEN_CREATE : 0;
     QByteArray uri = QByteArrayLiteral("file:") + QUrl::toPercentEncoding(path, QByteArrayLiteral("/"));
     if (mode == Mode::Immutable) {
@@ -274,10 +275,10 @@ std::unique_ptr<ZQSQLiteConnection> ZQSQLiteConnection::open(const QString &path
         zqSetError(error, connection->error());
         return nullptr;
     }
-    return connection->configure(error) ? std::move(connection) : nullptr;
+    return connection->configure(isWriter, error) ? std::move(connection) : nullptr;
 }
 
-bool ZQSQLiteConnection::configure(ZQError *error)
+bool ZQSQLiteConnection::configure(bool isWriter, ZQError *error)
 {
     sqlite3_extended_result_codes(m_handle, 1);
     sqlite3_busy_timeout(m_handle, busyTimeoutMilliseconds);
@@ -287,8 +288,10 @@ bool ZQSQLiteConnection::configure(ZQError *error)
     sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(m_handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     const int code = zqRegisterSQLFunctions(m_handle);
+    // Settings that only matter to writers would read the schema, which a damaged file may not have.
     if (code == SQLITE_OK &&
-        execute(QStringLiteral("PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL; PRAGMA temp_store=MEMORY"))) {
+        (!isWriter ||
+         execute(QStringLiteral("PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL; PRAGMA temp_store=MEMORY")))) {
         return true;
     }
     if (code != SQLITE_OK) {

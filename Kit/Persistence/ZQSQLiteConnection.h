@@ -100,7 +100,7 @@ public:
 
 private:
     ZQSQLiteConnection() = default;
-    bool configure(ZQError *error);
+    bool configure(bool isWriter, ZQError *error);
     void trimCache();
 
     struct Cached

@@ -9,10 +9,14 @@
 #include <QFile>
 
 #include <functional>
+#include <limits>
 
 #include <sqlite3.h>
 
 namespace {
+
+// Where nothing tells the last key, so many keys without a row are taken for the end.
+constexpr qint64 longestGap = 100'000;
 
 const QStringList companions{QString(), QStringLiteral("-wal"), QStringLiteral("-shm")};
 
@@ -112,9 +116,14 @@ bool Recovery::copyFamily(const ZQEntityDescription *root)
         const qint64 beforeGap = lastRead;
         lastRead = 0;
         scan(select + QStringLiteral("ORDER BY \"id\" DESC"), {}, copy);
-        const qint64 afterGap = lastRead > 0 ? lastRead : std::max(highest, beforeGap + 1'000'000) + 1;
+        const bool isEndKnown = lastRead > 0 || highest > 0;
+        const qint64 afterGap = lastRead > 0 ? lastRead : isEndKnown ? highest + 1 : std::numeric_limits<qint64>::max();
+        lastRead = beforeGap;
         for (qint64 key = beforeGap + 1; key < afterGap && isWritten; ++key) {
             scan(select + QStringLiteral("WHERE \"id\" = ?"), {key}, copy);
+            if (!isEndKnown && key - lastRead > longestGap) {
+                break;
+            }
         }
     }
     highest = std::max(highest, m_sound.value(QStringLiteral("SELECT max(\"id\") FROM ") + table).toLongLong());
@@ -217,6 +226,27 @@ void removeDatabase(const QString &path)
     }
 }
 
+// A file that ends within a page holds half a page of torn rows, which look like rows ending in zeros. The answer is
+// the path of a copy without it, or `path` itself; empty when the copy cannot be made.
+QString withoutTornPage(const QString &path, const QString &copy)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return path;
+    }
+    const QByteArray header = file.read(18);
+    const int stored = header.size() == 18 ? (quint8(header.at(16)) << 8 | quint8(header.at(17))) : 0;
+    const qint64 pageSize = stored == 1 ? 65536 : stored;
+    if (pageSize < 512 || file.size() % pageSize == 0) {
+        return path;
+    }
+    removeDatabase(copy);
+    const QString wal = QStringLiteral("-wal");
+    const bool isCopied =
+        QFile::copy(path, copy) && (!QFile::exists(path + wal) || QFile::copy(path + wal, copy + wal));
+    return isCopied && QFile::resize(copy, file.size() / pageSize * pageSize) ? copy : QString();
+}
+
 // Fills `target` from the store at `path`; false with the error when nothing was to be read or written.
 bool fillFrom(const QString &path, const QString &target, const ZQManagedObjectModel &givenModel, ZQError *error)
 {
@@ -259,8 +289,15 @@ ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManaged
 {
     const QString target = path + QStringLiteral(".recovering");
     removeDatabase(target);
+    const QString copy = path + QStringLiteral(".recovering-source");
+    const QString source = withoutTornPage(path, copy);
     ZQError cause;
-    if (!model || !QFile::exists(path) || !fillFrom(path, target, *model, &cause)) {
+    if (source.isEmpty()) {
+        cause = zqStoreErrorForSQLite(SQLITE_FULL, QString(), copy);
+    }
+    const bool isFilled = model && QFile::exists(path) && !source.isEmpty() && fillFrom(source, target, *model, &cause);
+    removeDatabase(copy);
+    if (!isFilled) {
         removeDatabase(target);
         zqSetError(error, !cause.isNull() ? cause
                                           : ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),

@@ -1,0 +1,309 @@
+#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Tests/Kit/Persistence/TestModel.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+QByteArray olderModel()
+{
+    // Before: no "TestNote", no "author", "weight" was a narrow "heft", tags were labels, "title" was "caption".
+    return R"JSON({ "versionIdentifiers": ["Version1"], "entities": [
+      { "name": "TestNode", "abstract": true,
+        "attributes": [
+          { "name": "caption", "type": "string" }, { "name": "obsolete", "type": "string" },
+          { "name": "flag", "type": "boolean" }, { "name": "small", "type": "boolean" } ],
+        "relationships": [
+          { "name": "parent", "destination": "TestNode", "inverse": "children" },
+          { "name": "children", "destination": "TestNode", "inverse": "parent", "toMany": true } ] },
+      { "name": "TestFolder", "parent": "TestNode" },
+      { "name": "TestDocument", "parent": "TestNode",
+        "relationships": [ { "name": "labels", "destination": "Label", "inverse": "documents", "toMany": true } ] },
+      { "name": "Label",
+        "attributes": [ { "name": "name", "type": "string", "optional": false }, { "name": "heft", "type": "integer16" } ],
+        "relationships": [ { "name": "documents", "destination": "TestDocument", "inverse": "labels", "toMany": true } ] } ] })JSON";
+}
+
+QByteArray newerModel()
+{
+    QByteArray json = testModelJSON;
+    json.replace("{ \"name\": \"title\",", "{ \"name\": \"title\", \"renamingIdentifier\": \"caption\",");
+    json.replace("{ \"name\": \"weight\",", "{ \"name\": \"weight\", \"renamingIdentifier\": \"heft\",");
+    json.replace("{ \"name\": \"tags\",", "{ \"name\": \"tags\", \"renamingIdentifier\": \"labels\",");
+    json.replace("{ \"name\": \"TestTag\",", "{ \"name\": \"TestTag\", \"renamingIdentifier\": \"Label\",");
+    return json;
+}
+
+// The older store: folder "f" with document "d", which has the label "l" of heft 4.
+void writeOlderStore(TestStore &older)
+{
+    ZQEntityRegistry::registerClass({"Label", TestTag::fields(), makeTestObject<TestTag>});
+    const auto coordinator = older.coordinator();
+    ASSERT_TRUE(coordinator) << qPrintable(older.error.localizedDescription());
+    ZQManagedObjectContext context(coordinator);
+    const auto folder = context.insertNewObject<TestFolder>();
+    const auto document = context.insertNewObject<TestDocument>();
+    document->setParent(folder.get());
+    const auto label = context.insertNewObjectForEntityForName(QStringLiteral("Label"));
+    label->setValueForKey(QStringLiteral("l"), QStringLiteral("name"));
+    document->addRelatedObject(QStringLiteral("labels"), label.get());
+    ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
+    // The classes of today have no fields of these names.
+    ASSERT_TRUE(ZQObjectAccess::connection(context)->execute(QStringLiteral(
+        "UPDATE TestNode SET caption = CASE WHEN parent IS NULL THEN 'f' ELSE 'd' END, small = 1, flag = NULL; "
+        "UPDATE Label SET heft = 4")));
+}
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void fillTags(TestStore &store, int count)
+{
+    ZQManagedObjectContext context(store.coordinator());
+    for (int i = 0; i < count; ++i) {
+        const auto tag = context.insertNewObject<TestTag>();
+        tag->setName(QStringLiteral("tag %1 ").arg(i).repeated(20));
+        tag->setWeight(i);
+        const auto document = context.insertNewObject<TestDocument>();
+        document->setTitle(QString::number(i));
+        document->addTag(tag.get());
+    }
+    ASSERT_TRUE(context.save(&store.error)) << qPrintable(store.error.localizedDescription());
+}
+
+} // namespace
+
+TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
+{
+    TestStore older(olderModel());
+    writeOlderStore(older);
+    const QUuid uuid = older.coordinator()->storeUUID();
+    older.close();
+    const auto metadata = ZQPersistentStoreCoordinator::metadataForStoreAtPath(older.path);
+    ASSERT_TRUE(metadata);
+    EXPECT_EQ(metadata->versionIdentifiers, QStringList{QStringLiteral("Version1")});
+
+    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+    EXPECT_FALSE(ZQPersistentStoreCoordinator::isModelCompatible(*older.model, *metadata));
+    const auto coordinator = older.coordinator();
+    ASSERT_TRUE(coordinator) << qPrintable(older.error.localizedDescription());
+    EXPECT_EQ(coordinator->storeUUID(), uuid);
+    EXPECT_EQ(QDir(older.folder.path()).entryList({QStringLiteral("*.before-*")}).size(), 0);
+    ZQManagedObjectContext context(coordinator);
+    const auto documents = context.fetch<TestDocument>({QStringLiteral("TestDocument")});
+    ASSERT_EQ(documents->size(), 1);
+    const auto document = documents->first();
+    EXPECT_EQ(document->title(), QStringLiteral("d"));
+    EXPECT_EQ(document->small(), 1) << "widened";
+    EXPECT_TRUE(document->flag()) << "required now: the default where it was null";
+    EXPECT_EQ(document->medium(), 7) << "new: the default";
+    EXPECT_TRUE(document->author().isNull());
+    EXPECT_EQ(document->parent()->title(), QStringLiteral("f"));
+    ASSERT_EQ(document->tags().size(), 1);
+    const auto tag = zqCast<TestTag>(document->tags().first());
+    EXPECT_EQ(tag->name(), QStringLiteral("l"));
+    EXPECT_EQ(tag->weight(), 4);
+    // The migrated store is a store like any other: new entities, keys that go on.
+    const auto note = context.insertNewObject<TestNote>();
+    note->setNode(document.get());
+    const auto newTag = context.insertNewObject<TestTag>();
+    newTag->setName(QStringLiteral("n"));
+    document->addTag(newTag.get());
+    ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
+    EXPECT_GT(newTag->objectID().key, tag->objectID().key);
+    EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
+}
+
+TEST(ZQStoreLife, AStoreThatMayNotOrCannotBeMigratedIsUntouched)
+{
+    struct
+    {
+        QByteArray model;
+        ZQStoreOptions options;
+        ZQStoreError code;
+    } const cases[] = {
+        {newerModel(), {false, true}, ZQStoreError::NeedsMigration},
+        {newerModel(), {true, false}, ZQStoreError::NeedsMigration},
+        {newerModel().replace("{ \"name\": \"small\", \"type\": \"integer16\"",
+                              "{ \"name\": \"small\", \"type\": \"string\""),
+         {},
+         ZQStoreError::MigrationFailed},
+        {newerModel().replace("Version2", "Version0"), {}, ZQStoreError::NewerVersion},
+    };
+    for (const auto &testCase : cases) {
+        TestStore older(olderModel());
+        writeOlderStore(older);
+        older.close();
+        const QByteArray before = contentOf(older.path);
+        ASSERT_FALSE(before.isEmpty());
+        ZQError error;
+        const auto model = ZQManagedObjectModel::modelFromJSON(testCase.model, &error);
+        ASSERT_TRUE(model) << qPrintable(error.localizedDescription());
+        EXPECT_FALSE(ZQPersistentStoreCoordinator::open(model, older.path, testCase.options, &error));
+        EXPECT_EQ(error.code, int(testCase.code)) << qPrintable(error.localizedDescription());
+        EXPECT_EQ(contentOf(older.path), before);
+        EXPECT_EQ(QDir(older.folder.path()).entryList(QDir::Files), QStringList{QStringLiteral("storedata")});
+        ASSERT_TRUE(older.coordinator()) << "the old model still opens it";
+    }
+}
+
+TEST(ZQStoreLife, WhatIsNoStoreIsRefusedWithAReason)
+{
+    const auto refusal = [](const QByteArray &content, bool isDirectory = false) {
+        TestStore store;
+        if (isDirectory) {
+            QDir().mkpath(store.path);
+        } else {
+            QFile file(store.path);
+            EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        }
+        EXPECT_FALSE(store.coordinator());
+        EXPECT_FALSE(ZQPersistentStoreCoordinator::metadataForStoreAtPath(store.path));
+        EXPECT_FALSE(ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path));
+        EXPECT_FALSE(store.error.localizedDescription().isEmpty());
+        return store.error.code;
+    };
+    EXPECT_EQ(refusal(QByteArray(10000, 'x')), int(ZQStoreError::CannotOpen));
+    EXPECT_EQ(refusal({}, true), int(ZQStoreError::CannotOpen));
+    TestStore store;
+    ZQError error;
+    EXPECT_FALSE(
+        ZQPersistentStoreCoordinator::open(store.model, store.folder.filePath(QStringLiteral("no/where")), {}, &error));
+    EXPECT_EQ(error.code, int(ZQStoreError::CannotOpen));
+    {
+        const auto foreign = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::Create, nullptr);
+        ASSERT_TRUE(foreign->execute(QStringLiteral("CREATE TABLE something(x)")));
+    }
+    EXPECT_FALSE(store.coordinator());
+    EXPECT_EQ(store.error.code, int(ZQStoreError::CannotOpen));
+}
+
+TEST(ZQStoreLife, AStoreCutShortIsReportedAndRecovered)
+{
+    TestStore store;
+    fillTags(store, 2000);
+    store.close();
+    const qint64 size = QFileInfo(store.path).size();
+    ASSERT_TRUE(QFile::resize(store.path, size * 2 / 3));
+    EXPECT_FALSE(store.coordinator());
+    EXPECT_EQ(store.error.code, int(ZQStoreError::Damaged)) << qPrintable(store.error.localizedDescription());
+    const QByteArray before = contentOf(store.path);
+    ZQError error;
+    const auto kept = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+    ASSERT_TRUE(kept) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(contentOf(*kept), before);
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+    ZQManagedObjectContext context(store.coordinator());
+    const auto tags = context.fetch<TestTag>({QStringLiteral("TestTag")});
+    EXPECT_GT(tags->size(), 100);
+    EXPECT_LT(tags->size(), 2000);
+    for (const auto &tag : *tags) {
+        EXPECT_EQ(tag->name(), QStringLiteral("tag %1 ").arg(tag->weight()).repeated(20));
+    }
+    const auto next = context.insertNewObject<TestTag>();
+    next->setName(QStringLiteral("next"));
+    EXPECT_TRUE(context.save());
+}
+
+TEST(ZQStoreLife, PagesOverwrittenInTheMiddleCostOnlyTheirRows)
+{
+    TestStore store;
+    fillTags(store, 2000);
+    store.close();
+    const qint64 size = QFileInfo(store.path).size();
+    {
+        QFile file(store.path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.seek(size / 2 / 4096 * 4096));
+        file.write(QByteArray(3 * 4096, '\x5A'));
+    }
+    if (store.coordinator()) {
+        EXPECT_FALSE(store.coordinator()->checkIntegrity().isEmpty());
+        store.close();
+    }
+    ZQError error;
+    ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error))
+        << qPrintable(error.localizedDescription());
+    ASSERT_TRUE(store.coordinator());
+    EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+    ZQManagedObjectContext context(store.coordinator());
+    EXPECT_GT(*context.countForFetchRequest({QStringLiteral("TestTag")}), 1800);
+    EXPECT_GT(*context.countForFetchRequest({QStringLiteral("TestNode")}), 1000);
+}
+
+TEST(ZQStoreLife, AProcessKilledWhileSavingLeavesWholeSaves)
+{
+    constexpr int rounds = 5;
+    for (int round = 0; round < rounds; ++round) {
+        TestStore store;
+        int pipes[2];
+        ASSERT_EQ(pipe(pipes), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            ZQManagedObjectContext context(store.coordinator());
+            for (;;) {
+                const auto folder = context.insertNewObject<TestFolder>();
+                for (int i = 0; i < 3; ++i) {
+                    context.insertNewObject<TestDocument>()->setParent(folder.get());
+                }
+                if (!context.save() || write(pipes[1], "s", 1) != 1) {
+                    _exit(1);
+                }
+            }
+        }
+        // Killed somewhere in the save after the one that was confirmed last.
+        int confirmed = 0;
+        char byte = 0;
+        while (confirmed < 2 + round && read(pipes[0], &byte, 1) == 1) {
+            ++confirmed;
+        }
+        kill(child, SIGKILL);
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        close(pipes[0]);
+        close(pipes[1]);
+        ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+        EXPECT_TRUE(store.coordinator()->wasUncleanlyClosed());
+        EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+        ZQManagedObjectContext context(store.coordinator());
+        const auto folders = context.fetch<TestFolder>({QStringLiteral("TestFolder")});
+        EXPECT_GE(folders->size(), confirmed);
+        for (const auto &folder : *folders) {
+            EXPECT_EQ(folder->children().size(), 3);
+        }
+    }
+}
+
+TEST(ZQStoreLife, AClosedStoreIsOneCleanFile)
+{
+    TestStore store;
+    fillTags(store, 3);
+    EXPECT_FALSE(store.coordinator()->wasUncleanlyClosed());
+    store.close();
+    EXPECT_EQ(QDir(store.folder.path()).entryList(QDir::Files), QStringList{QStringLiteral("storedata")});
+    EXPECT_FALSE(store.coordinator()->wasUncleanlyClosed());
+}
+
+TEST(ZQStoreLife, NoConnectionKeepsAReadOpen)
+{
+    TestStore store;
+    fillTags(store, 3);
+    ZQManagedObjectContext context(store.coordinator());
+    const auto tags = context.fetch<TestTag>({QStringLiteral("TestTag")});
+    EXPECT_EQ(tags->first()->documents().size(), 1);
+    EXPECT_EQ(context.countForFetchRequest({QStringLiteral("TestNode")}), 3);
+    // A checkpoint that empties the log needs every reader out.
+    const auto other = store.coordinator()->newConnection();
+    EXPECT_EQ(other->value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)")), QVariant(0));
+}
