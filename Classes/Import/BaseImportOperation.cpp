@@ -20,7 +20,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
+#include <limits>
 
 namespace {
 

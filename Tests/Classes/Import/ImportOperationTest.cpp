@@ -7,11 +7,13 @@
 #include "Models/DataModel/ZQSidebarRecent.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>

@@ -5,6 +5,7 @@
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
