@@ -66,7 +66,12 @@ struct ZQManagedObjectContext::Private
     // Objects (ZQContextObjects.cpp)
     Root &rootOf(const ZQEntityDescription *entity) { return *rootsByEntity.value(entity->root); }
     Root &rootOf(const ZQManagedObject *object) { return rootOf(object->m_entity); }
-    ZQManagedObject *held(const ZQEntityDescription *entity, qint64 key) { return rootOf(entity).objects.value(key); }
+    // Null for an entity of another model, too.
+    ZQManagedObject *held(const ZQEntityDescription *entity, qint64 key) const
+    {
+        const Root *root = entity ? rootsByEntity.value(entity->root) : nullptr;
+        return root ? root->objects.value(key) : nullptr;
+    }
     Object make(const ZQEntityPlan &entityPlan, qint64 key);
     void setDefaults(ZQManagedObject *object);
     // The object of a key: the held one, a fault when the entity is certain, else read from the store. Null without a
