@@ -41,7 +41,7 @@ QStringList tamberin_AppDelegate::purge()
 {
     ZQManagedObjectContext *context = managedObjectContext();
     ZQSidebarBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context);
-    return ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context);
+    return ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context).value_or(QStringList());
 }
 
 TerminateReply tamberin_AppDelegate::applicationShouldTerminate()

@@ -4,6 +4,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
