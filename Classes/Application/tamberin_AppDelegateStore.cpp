@@ -234,7 +234,7 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
         const QString name = entry.completeBaseName();
         // A directory made since launch belongs to an import that has not saved yet.
         const auto dates = zqFileDates(entry.filePath());
-        const bool isOlder = dates && dates->birth < m_launchDate.toMSecsSinceEpoch();
+        const bool isOlder = dates && dates->birth <= m_launchDate.toMSecsSinceEpoch();
         if (!known.contains(name) && isOlder) {
             leftovers.append(name + QStringLiteral(".ztlibraryitem"));
         }

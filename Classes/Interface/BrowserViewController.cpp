@@ -119,6 +119,8 @@ QWidget *BrowserViewController::makeHead()
     m_title->setObjectName(QStringLiteral("Title"));
     m_count = new QLabel(head);
     m_count->setObjectName(QStringLiteral("Muted"));
+    m_sortCaption = new QLabel(zqLocalized("Sort"), head);
+    m_sortCaption->setObjectName(QStringLiteral("Muted"));
     m_sort = new QToolButton(head);
     m_sort->setObjectName(QStringLiteral("Pop"));
     m_sort->setAccessibleName(zqLocalized("Sort by"));
@@ -133,10 +135,12 @@ QWidget *BrowserViewController::makeHead()
     row->setContentsMargins(20, 0, 14, 0);
     row->setSpacing(10);
     row->addWidget(m_title);
+    row->addSpacing(8);
     row->addWidget(m_count);
     row->addStretch(1);
+    row->addWidget(m_sortCaption);
     row->addWidget(m_sort);
-    row->setSpacing(6);
+    row->setSpacing(2);
     row->addWidget(m_direction);
     return head;
 }
@@ -226,7 +230,9 @@ void BrowserViewController::updateHead()
                          : zqFormat(zqLocalized("%@ items"), {locale.toString(m_content->count())}));
     const int value = m_content->sortValue();
     const int shown = value == 0 && !m_content->canSortManually() ? 1 : value;
-    m_sort->setText(zqFormat(zqLocalized("Sort: %@"), {sortTitle(shown)}));
+    m_sort->setText(sortTitle(shown));
+    m_sort->setAccessibleName(zqFormat(zqLocalized("Sort: %@"), {sortTitle(shown)}));
+    m_sortCaption->setVisible(bool(m_content->singleItem()));
     m_sort->setVisible(bool(m_content->singleItem()));
     const bool ascending = m_content->sortAscending();
     m_direction->setVisible(bool(m_content->singleItem()) && shown != 0 && shown != 5);

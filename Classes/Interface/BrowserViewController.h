@@ -65,6 +65,7 @@ private:
     DetailView *m_detail;
     QLabel *m_title;
     QLabel *m_count;
+    QLabel *m_sortCaption;
     QToolButton *m_sort;
     QToolButton *m_direction;
     QLabel *m_status;

@@ -60,7 +60,7 @@ int FlowLayout::place(const QRect &rect, bool apply) const
     for (QLayoutItem *item : m_items) {
         const QSize hint = item->sizeHint();
         const bool grows = item->expandingDirections() & Qt::Horizontal;
-        const int width = std::min(hint.width(), inner.width());
+        const int width = std::min(grows ? item->minimumSize().width() : hint.width(), inner.width());
         if (x > inner.x() && x + width > inner.right() + 1) {
             x = inner.x();
             y += lineHeight + m_spacing;

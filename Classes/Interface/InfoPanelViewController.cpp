@@ -34,7 +34,9 @@ QString dateText(const QDateTime &date)
     const QDateTime local = date.toLocalTime();
     const qint64 days = local.date().daysTo(QDate::currentDate());
     const QLocale locale;
-    const QString time = locale.toString(local.time(), QLocale::ShortFormat);
+    // The C locale's short time has seconds.
+    const QString time = locale.language() == QLocale::C ? local.time().toString(QStringLiteral("HH:mm"))
+                                                         : locale.toString(local.time(), QLocale::ShortFormat);
     if (days == 0) {
         return zqFormat(zqLocalized("Today, %@"), {time});
     }

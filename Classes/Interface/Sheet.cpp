@@ -38,6 +38,7 @@ Sheet::Sheet(QWidget *window, const QString &title)
       m_footer(new QHBoxLayout)
 {
     setParent(m_cover, Qt::Widget);
+    setObjectName(QStringLiteral("Sheet"));
     setAccessibleName(title);
     auto *heading = new QLabel(title, this);
     heading->setObjectName(QStringLiteral("SheetTitle"));

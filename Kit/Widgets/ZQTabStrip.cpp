@@ -40,7 +40,8 @@ QSize ZQTabStrip::sizeHint() const
 
 int ZQTabStrip::tabWidth(int index) const
 {
-    const int natural = 12 + QFontMetrics(ZQTheme::current().font()).horizontalAdvance(m_titles[index]) + 8 + 16 + 8;
+    const int natural = 12 + QFontMetrics(ZQTheme::current().font()).horizontalAdvance(m_titles[index]) +
+                        (count() > 1 ? 8 + 16 + 8 : 14);
     const int room = m_titles.isEmpty() || width() < 200 ? widestTab : (width() - 40) / int(m_titles.size()) - gap;
     return std::max(48, std::min({natural, widestTab, room}));
 }
@@ -102,7 +103,7 @@ void ZQTabStrip::paintEvent(QPaintEvent * /*event*/)
             painter.drawRoundedRect(tab.adjusted(0, 3, 0, -3), 6, 6);
         }
         painter.setPen(zqColor(isCurrent ? ZQColorRole::Text : ZQColorRole::TextMuted));
-        const QRect text = tab.adjusted(12, 0, -28, 0);
+        const QRect text = tab.adjusted(12, 0, count() > 1 ? -28 : -10, 0);
         painter.drawText(text, Qt::AlignVCenter,
                          painter.fontMetrics().elidedText(m_titles[i], Qt::ElideRight, text.width() + 2));
         if (m_titles.size() > 1) {

@@ -161,14 +161,15 @@ int ZQTheme::animationMilliseconds() const
 
 void ZQTheme::apply(QApplication &application)
 {
-    m_application = &application;
     const QString inter = QStringLiteral("Inter");
     if (QFontDatabase::hasFamily(inter)) {
         m_family = inter;
     }
     QStyle *fusion = QStyleFactory::create(QStringLiteral("Fusion"));
+    const bool isFirst = !m_application; // afterwards the palette is this theme's own
+    m_application = &application;
     const QColor told = application.palette().color(QPalette::Highlight);
-    if (told != fusion->standardPalette().color(QPalette::Highlight) && told.saturation() > 40) {
+    if (isFirst && told != fusion->standardPalette().color(QPalette::Highlight) && told.saturation() > 40) {
         m_accent = told;
     }
     QApplication::setStyle(fusion);

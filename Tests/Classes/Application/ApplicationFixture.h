@@ -121,7 +121,8 @@ protected:
         return item;
     }
 
-    QTemporaryDir world;
+    // Not where TMPDIR points: each test redirects that into its own world.
+    QTemporaryDir world{QStringLiteral("/var/tmp/zelto-application-XXXXXX")};
     ScriptedUser user;
     FakeImports imports;
     FakeWindow::State window;
