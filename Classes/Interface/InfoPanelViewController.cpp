@@ -262,9 +262,10 @@ void InfoPanelViewController::showItems(const QList<ZQObjectID> &items)
     const QStringList shared = commonTagsForItems(items);
     const bool hasOthers = std::any_of(items.begin(), items.end(), [&](const ZQObjectID &id) {
         const auto item = m_window.libraryItem(id);
-        return item && std::any_of(item->tags().begin(), item->tags().end(), [&](const auto &tag) {
-                   return tag->active() && tag->isUserTag() && !shared.contains(tag->title());
-               });
+        const auto tags = item ? item->tags() : QList<ZQRef<ZQSidebarTag>>();
+        return std::any_of(tags.begin(), tags.end(), [&](const auto &tag) {
+            return tag->active() && tag->isUserTag() && !shared.contains(tag->title());
+        });
     });
     m_tags->setTags(shared, hasOthers);
     QStringList known;

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QEventLoop>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -59,8 +60,9 @@ Sheet::Sheet(QWidget *window, const QString &title)
 QPushButton *Sheet::addButton(const QString &text, int code, bool isDefault)
 {
     auto *button = new QPushButton(text, this);
-    button->setAutoDefault(true);
-    button->setDefault(isDefault);
+    button->setAutoDefault(false);
+    button->setProperty("primary", isDefault);
+    m_default = isDefault ? button : m_default;
     connect(button, &QPushButton::clicked, this, [this, code] { done(code); });
     m_footer->addWidget(button);
     if (m_rejectCode == 0) { // the first one stands at the left: what changes least
@@ -100,10 +102,8 @@ int Sheet::run()
     m_cover->raise();
     m_cover->show();
     show();
-    for (QPushButton *button : findChildren<QPushButton *>()) {
-        if (button->isDefault()) {
-            button->setFocus();
-        }
+    if (m_default) {
+        m_default->setFocus();
     }
     QEventLoop loop;
     int code = m_rejectCode;
@@ -127,6 +127,19 @@ int Sheet::run()
         focusBefore->setFocus();
     }
     return code;
+}
+
+void Sheet::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QDialog::keyPressEvent(event);
+        return;
+    }
+    auto *focused = qobject_cast<QPushButton *>(QApplication::focusWidget());
+    QPushButton *chosen = focused ? focused : m_default;
+    if (chosen && chosen->isEnabled()) {
+        chosen->click();
+    }
 }
 
 void Sheet::reject()

@@ -24,6 +24,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
     bool focusNextPrevChild(bool next) override;
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void reject() override;
     void setWidth(int width);
 
@@ -34,6 +35,7 @@ private:
     QWidget *m_cover;
     QBoxLayout *m_content;
     QBoxLayout *m_footer;
+    QPushButton *m_default = nullptr; // a dialog that is no window of its own forgets which one it is
     int m_rejectCode = 0;
     int m_width = 460;
 };

@@ -1,0 +1,177 @@
+#include "Classes/Interface/LibraryCommands.h"
+#include "Classes/Interface/BrowserContent.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
+
+#include <QtTest/QTest>
+
+class LibraryCommandsTest : public WindowFixture
+{
+protected:
+    LibraryCommandsTest() : project(addProject(QStringLiteral("Project")))
+    {
+        for (const char *name : {"a", "b", "c", "d"}) {
+            const auto image = library.addImage(QLatin1StringView(name));
+            images.append(image);
+            project->addItem(image.get());
+        }
+        library.context().save();
+    }
+    QStringList order() const
+    {
+        QStringList result;
+        for (const auto &item : project->items()) {
+            result.append(item->title());
+        }
+        return result;
+    }
+    QList<ZQObjectID> ids(const QList<int> &which) const
+    {
+        QList<ZQObjectID> result;
+        for (const int i : which) {
+            result.append(images[i]->objectID());
+        }
+        return result;
+    }
+    void settle()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return fetcher.isIdle(); }, 10000));
+    }
+    QStringList shown(BrowserContent &content) const
+    {
+        QStringList result;
+        content.willShow(0, content.count() - 1);
+        for (qint64 i = 0; i < content.count(); ++i) {
+            result.append(content.item(i).title);
+        }
+        return result;
+    }
+
+    Item project;
+    QList<ZQRef<ZQLibraryImage>> images;
+    LibraryCommands commands{window};
+};
+
+TEST_F(LibraryCommandsTest, DeletedItemsAreRestoredByUndo)
+{
+    commands.deleteItems(ids({1, 2}));
+    EXPECT_FALSE(images[1]->active());
+    EXPECT_EQ(order(), (QStringList{"a", "d"}));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("delete items"));
+    undoStack.undo();
+    EXPECT_TRUE(images[1]->active());
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+    EXPECT_FALSE(library.context().hasChanges()) << "each step is saved";
+}
+
+TEST_F(LibraryCommandsTest, RemovedItemsStayInTheLibraryAndReturnToTheirPlaces)
+{
+    commands.removeItems(ids({2, 0}), project->objectID());
+    EXPECT_EQ(order(), (QStringList{"b", "d"}));
+    EXPECT_TRUE(images[0]->active());
+    undoStack.undo();
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+}
+
+TEST_F(LibraryCommandsTest, ItemsAreAddedOnceAndInOrder)
+{
+    const Item other = addProject(QStringLiteral("Other"));
+    other->addItem(images[3].get());
+    library.context().save();
+    commands.addItems(ids({0, 3, 1}), other->objectID(), 0);
+    QStringList titlesOfOther;
+    for (const auto &item : other->items()) {
+        titlesOfOther.append(item->title());
+    }
+    EXPECT_EQ(titlesOfOther, (QStringList{"a", "b", "d"}));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("copy items"));
+    undoStack.undo();
+    EXPECT_EQ(other->numberOfItems(), 1) << "what was there before stays";
+}
+
+TEST_F(LibraryCommandsTest, ManualOrderFollowsTheDrag)
+{
+    struct Case
+    {
+        QList<int> moved;
+        quint32 to;
+        QStringList after;
+    };
+    const Case cases[] = {{{0}, 2, {"b", "a", "c", "d"}},
+                          {{3}, 0, {"d", "a", "b", "c"}},
+                          {{0, 2}, 4, {"b", "d", "a", "c"}},
+                          {{1}, 1, {"a", "b", "c", "d"}}};
+    for (const Case &c : cases) {
+        commands.moveItems(ids(c.moved), project->objectID(), c.to);
+        EXPECT_EQ(order(), c.after);
+        undoStack.undo();
+        EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+    }
+}
+
+TEST_F(LibraryCommandsTest, TheBrowserShowsWhatTheSidebarItemHolds)
+{
+    BrowserContent content(window);
+    content.setSidebarItems({project->objectID()});
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"a", "b", "c", "d"}));
+    EXPECT_TRUE(content.groups().isEmpty());
+    EXPECT_TRUE(content.canSortManually());
+
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item first = addProject(QStringLiteral("One"), folder);
+    const Item second = addProject(QStringLiteral("Two"), folder);
+    addProject(QStringLiteral("Empty"), folder);
+    first->addItem(images[2].get());
+    second->addItem(images[0].get());
+    library.context().save();
+    content.setSidebarItems({folder->objectID()});
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"c", "a"}));
+    ASSERT_EQ(content.groups().size(), 2) << "an empty project has no group";
+    EXPECT_EQ(content.groups()[1].title, QStringLiteral("Two"));
+
+    const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
+    everything->setSortKeys(2);
+    everything->setSortDirection(true);
+    library.context().save();
+    content.setSidebarItems({everything->objectID()});
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"a", "b", "c", "d"}));
+    everything->setSortDirection(false);
+    images[1]->deleteSelf();
+    library.context().save();
+    content.reload();
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"d", "c", "a"}));
+    EXPECT_EQ(content.indexForTyping(QStringLiteral("A"), 0), 2);
+}
+
+TEST_F(LibraryCommandsTest, TheFilterKeepsTitlesThatContainIt)
+{
+    images[0]->setTitle(QStringLiteral("Été"));
+    images[1]->setTitle(QStringLiteral("winter ete"));
+    library.context().save();
+    BrowserContent content(window);
+    content.setSidebarItems({project->objectID()});
+    content.setFilter(QStringLiteral("ete"));
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"Été", "winter ete"}));
+    content.setFilter(QStringLiteral("nothing like it"));
+    settle();
+    EXPECT_EQ(content.count(), 0);
+    EXPECT_TRUE(content.emptyText().contains(QStringLiteral("nothing like it")));
+    content.setFilter(QString());
+    settle();
+    EXPECT_EQ(content.count(), 4);
+}
+
+TEST_F(LibraryCommandsTest, AQuickSuccessionOfRequestsEndsWithTheLastOne)
+{
+    BrowserContent content(window);
+    for (const char *text : {"a", "b", "c"}) {
+        content.setFilter(QLatin1StringView(text));
+        content.setSidebarItems({project->objectID()});
+    }
+    settle();
+    EXPECT_EQ(shown(content), QStringList{"c"});
+}

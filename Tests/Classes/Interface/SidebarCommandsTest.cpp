@@ -1,0 +1,219 @@
+#include "Classes/Interface/SidebarCommands.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
+
+class SidebarCommandsTest : public WindowFixture
+{
+protected:
+    SidebarCommands commands{window};
+};
+
+TEST_F(SidebarCommandsTest, NewItemsGoAfterAProjectIntoAFolderElseToTheEnd)
+{
+    const Item first = addProject(QStringLiteral("First"));
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item inside = addProject(QStringLiteral("Inside"), folder);
+    const Item live = add<ZQSidebarWatchedFolder>(
+        QStringLiteral("Live"), ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context()));
+
+    commands.addNewListItem(SidebarCommands::NewItem::Project, first);
+    EXPECT_EQ(titles(projects), (QStringList{"First", "New Project", "Folder"}));
+    const Item folderMade = commands.addNewListItem(SidebarCommands::NewItem::Folder, folder);
+    EXPECT_EQ(titles(folder), (QStringList{"Inside", "New Folder"}));
+    EXPECT_TRUE(folder->expanded());
+    EXPECT_EQ(folderMade->sortKeys(), 5);
+    commands.addNewListItem(SidebarCommands::NewItem::Project, live);
+    commands.addNewListItem(SidebarCommands::NewItem::Project,
+                            ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context()));
+    EXPECT_EQ(titles(projects), (QStringList{"First", "New Project", "Folder", "New Project", "New Project"}));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("New Project"));
+
+    undoStack.undo();
+    undoStack.undo();
+    undoStack.undo();
+    EXPECT_EQ(titles(folder), QStringList{"Inside"});
+    undoStack.redo();
+    EXPECT_EQ(titles(folder), (QStringList{"Inside", "New Folder"}));
+}
+
+TEST_F(SidebarCommandsTest, DroppingSidebarItemsFollowsTheRules)
+{
+    const Item a = addProject(QStringLiteral("A"));
+    const Item b = addProject(QStringLiteral("B"));
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item inner = addFolder(QStringLiteral("Inner"), folder);
+    const Item liveLabel = ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context());
+    const Item live = add<ZQSidebarWatchedFolder>(QStringLiteral("Live"), liveLabel);
+    const Item special = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
+    const Item libraryLabel = special->father();
+    struct Case
+    {
+        const char *what;
+        SidebarCommands::Items dragged;
+        Item target;
+        int index;
+        bool accepted;
+    };
+    const Case cases[] = {
+        {"no target", {a}, {}, 0, false},
+        {"onto itself", {folder}, folder, 0, false},
+        {"onto Library", {a}, special, -1, false},
+        {"into the LIBRARY label", {a}, libraryLabel, 0, false},
+        {"onto a project", {a}, b, -1, false},
+        {"a folder into its own inside", {folder}, inner, 0, false},
+        {"onto a live folder", {a}, live, 0, false},
+        {"a live folder among projects", {live}, projects, 0, false},
+        {"a live folder and a project among projects", {a, live}, projects, 0, false},
+        {"a project among live folders", {a}, liveLabel, 0, false},
+        {"a folder among live folders", {folder}, liveLabel, 0, false},
+        {"between projects", {a}, projects, 2, true},
+        {"onto PROJECTS", {a}, projects, -1, true},
+        {"onto a folder", {a, b}, folder, -1, true},
+        {"into a folder in a folder", {a}, inner, 0, true},
+        {"live folders among themselves", {live}, liveLabel, 0, true},
+    };
+    for (const Case &c : cases) {
+        EXPECT_EQ(SidebarCommands::validateItemDrop(c.dragged, c.target, c.index), c.accepted) << c.what;
+    }
+}
+
+TEST_F(SidebarCommandsTest, MovedItemsLandWhereTheyWereDroppedAndComeBack)
+{
+    SidebarCommands::Items items;
+    for (const char *name : {"A", "B", "C", "D"}) {
+        items.append(addProject(QLatin1StringView(name)));
+    }
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    struct Case
+    {
+        SidebarCommands::Items dragged;
+        int index;
+        QStringList after;
+    };
+    const Case cases[] = {
+        {{items[0]}, 3, {"B", "C", "A", "D", "Folder"}},
+        {{items[0], items[1]}, 4, {"C", "D", "A", "B", "Folder"}},
+        {{items[3]}, 0, {"D", "A", "B", "C", "Folder"}},
+        {{items[1], items[3]}, 1, {"A", "B", "D", "C", "Folder"}},
+    };
+    const QStringList before = titles(projects);
+    for (const Case &c : cases) {
+        const quint32 first = SidebarCommands::destinationIndex(c.dragged, projects, c.index);
+        QList<quint32> indexes;
+        for (qsizetype i = 0; i < c.dragged.size(); ++i) {
+            indexes.append(first + quint32(i));
+        }
+        commands.moveListItems(c.dragged, SidebarCommands::Items(c.dragged.size(), projects), indexes);
+        EXPECT_EQ(titles(projects), c.after);
+        EXPECT_EQ(undoStack.undoText(), QStringLiteral("move sidebar items"));
+        undoStack.undo();
+        EXPECT_EQ(titles(projects), before);
+    }
+    commands.moveListItems({items[1], items[2]}, {folder, folder}, {0, 1});
+    EXPECT_EQ(titles(folder), (QStringList{"B", "C"}));
+    undoStack.undo();
+    EXPECT_EQ(titles(projects), before);
+    EXPECT_TRUE(titles(folder).isEmpty());
+}
+
+TEST_F(SidebarCommandsTest, DeletingAFolderTakesItsProjectsAndUndoPutsThemBack)
+{
+    addProject(QStringLiteral("Before"));
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item child = addProject(QStringLiteral("Child"), folder);
+    addProject(QStringLiteral("After"));
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(true, QStringLiteral("removeFromSidebarAlertSuppress"));
+    EXPECT_TRUE(commands.deleteSidebarItem({folder, child}));
+    EXPECT_TRUE(user.questions.isEmpty());
+    EXPECT_FALSE(folder->active());
+    EXPECT_FALSE(child->active());
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("delete Folder"));
+    EXPECT_EQ(titles(projects), (QStringList{"Before", "After"}));
+    undoStack.undo();
+    EXPECT_EQ(titles(projects), (QStringList{"Before", "Folder", "After"}));
+    EXPECT_EQ(titles(folder), QStringList{"Child"});
+    undoStack.redo();
+    EXPECT_EQ(titles(projects), (QStringList{"Before", "After"}));
+}
+
+TEST_F(SidebarCommandsTest, DeletingAsksWithTheTextsOfTheSelection)
+{
+    const Item project = addProject(QStringLiteral("Project"));
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item live = add<ZQSidebarWatchedFolder>(
+        QStringLiteral("Live"), ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context()));
+    user.answerQuestion = [](const UserQuestion &) { return 1; };
+    struct Case
+    {
+        SidebarCommands::Items items;
+        bool withContent;
+        const char *message;
+        const char *button;
+    };
+    const Case cases[] = {
+        {{project}, false, "Are you sure you want to delete this project?", "Delete"},
+        {{live}, false, "Are you sure you want to remove this Live Folder?", "Remove"},
+        {{folder}, false, "Are you sure you want to delete this folder?", "Delete"},
+        {{project, folder}, false, "Are you sure you want to delete these items?", "Delete"},
+        {{project}, true, "Are you sure you want to delete this project and its content?", "Delete"},
+        {{folder}, true, "Are you sure you want to delete this folder and its content?", "Delete"},
+        {{project, folder}, true, "Are you sure you want to delete these items and their content?", "Delete"},
+    };
+    for (const Case &c : cases) {
+        EXPECT_FALSE(c.withContent ? commands.deleteSidebarItemAndRemoveContentFromLibrary(c.items)
+                                   : commands.deleteSidebarItem(c.items));
+        const UserQuestion question = user.questions.takeLast();
+        EXPECT_EQ(question.message, QLatin1StringView(c.message));
+        EXPECT_EQ(question.buttons, (QStringList{QLatin1StringView(c.button), QStringLiteral("Cancel")}));
+        EXPECT_EQ(question.suppressionKey, c.withContent ? QStringLiteral("removeFromSidebarAndContentAlertSuppress")
+                                                         : QStringLiteral("removeFromSidebarAlertSuppress"));
+    }
+    EXPECT_TRUE(project->active());
+    EXPECT_EQ(undoStack.count(), 0);
+}
+
+TEST_F(SidebarCommandsTest, DeletingWithContentIsOneStepForItemsAndProject)
+{
+    const Item project = addProject(QStringLiteral("Project"));
+    const auto inside = library.addImage(QStringLiteral("inside"));
+    const auto outside = library.addImage(QStringLiteral("outside"));
+    project->addItem(inside.get());
+    library.context().save();
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    EXPECT_TRUE(commands.deleteSidebarItemAndRemoveContentFromLibrary({project}));
+    EXPECT_FALSE(inside->active());
+    EXPECT_TRUE(outside->active());
+    EXPECT_FALSE(project->active());
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("delete items and content"));
+    undoStack.undo();
+    EXPECT_TRUE(inside->active());
+    EXPECT_EQ(titles(projects), QStringList{"Project"});
+    EXPECT_FALSE(undoStack.canUndo());
+}
+
+TEST_F(SidebarCommandsTest, RenamingRefusesAnEmptyTitleAndCanBeUndone)
+{
+    const Item project = addProject(QStringLiteral("Old"));
+    EXPECT_FALSE(commands.validateNewTitle(QString(), project));
+    EXPECT_EQ(user.notificationTexts(), QStringList{"Please pick a name!"});
+    EXPECT_EQ(user.notifications.first().position, 2);
+    EXPECT_EQ(project->title(), QStringLiteral("Old"));
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("New"), project));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("rename 'Old' in 'New'"));
+    undoStack.undo();
+    EXPECT_EQ(project->title(), QStringLiteral("Old"));
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Old"), project));
+    EXPECT_EQ(undoStack.count(), 1) << "an unchanged title is no step";
+}
+
+TEST_F(SidebarCommandsTest, TagsNeedANameOfTheirOwn)
+{
+    const auto red = ZQSidebarTag::addNewTagWithName(QStringLiteral("Red"), library.context());
+    const auto blue = ZQSidebarTag::addNewTagWithName(QStringLiteral("Blue"), library.context());
+    library.context().save();
+    EXPECT_FALSE(commands.validateNewTitle(QStringLiteral("Red"), blue));
+    EXPECT_FALSE(commands.validateNewTitle(QString(), blue));
+    EXPECT_EQ(user.notificationTexts(), (QStringList{"Tag already exist!", "Tag needs a name!"}));
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Red"), red)) << "its own name";
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("RED"), blue)) << "another spelling is another tag";
+}
