@@ -325,9 +325,10 @@ ZQGridItem BrowserContent::item(qint64 index) const
             isVector(object->extension()), *thumbnail};
 }
 
+// The store looks in the background; among many items that takes longer than a key may.
 qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 {
-    QSet<ZQObjectID> matches;
+    QList<ZQFetchRequest> requests;
     for (const Section &section : sections()) {
         ZQFetchRequest request = section.request;
         const QString format = holdsMemberships(request) ? QStringLiteral("item.title BEGINSWITH[cd] %@")
@@ -335,15 +336,23 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
         request.predicate =
             ZQPredicate::andPredicate({request.predicate, ZQPredicate::predicateWithFormat(format, {text})});
         request.sortDescriptors.clear();
-        const auto found = m_window.context.fetchObjectIDs(request);
-        matches.unite(found ? QSet<ZQObjectID>(found->begin(), found->end()) : QSet<ZQObjectID>());
+        requests.append(request);
     }
-    for (qint64 step = 0; step < m_count && !matches.isEmpty(); ++step) {
-        const qint64 index = (from + step) % m_count;
-        if (matches.contains(row(index))) {
-            return index;
-        }
-    }
+    auto *self = const_cast<BrowserContent *>(this);
+    m_window.fetcher.fetchObjectIDs(ContentFetcher::Purpose::Typing, requests,
+                                    [self, from](const ContentFetcher::IDs &found) {
+                                        QSet<ZQObjectID> matches;
+                                        for (const QList<ZQObjectID> &ids : found) {
+                                            matches.unite(QSet<ZQObjectID>(ids.begin(), ids.end()));
+                                        }
+                                        for (qint64 step = 0; step < self->m_count && !matches.isEmpty(); ++step) {
+                                            const qint64 index = (from + step) % self->m_count;
+                                            if (matches.contains(self->row(index))) {
+                                                Q_EMIT self->typingFound(index);
+                                                return;
+                                            }
+                                        }
+                                    });
     return -1;
 }
 

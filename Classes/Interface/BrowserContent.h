@@ -50,6 +50,7 @@ public:
 Q_SIGNALS:
     void aboutToChange(); // the rows are still the old ones
     void changed();
+    void typingFound(qint64 index); // what `indexForTyping` was asked for
 
 private:
     struct Section

@@ -99,6 +99,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
         updateStatus();
         Q_EMIT selectionChanged();
     });
+    connect(m_content, &BrowserContent::typingFound, m_grid, &ZQGridView::setCurrentIndex);
     connect(m_grid, &ZQGridView::activated, this, [this] { openDetail(false); });
     connect(m_grid, &ZQGridView::quickLookRequested, this, [this] { openDetail(true); });
     connect(m_grid, &ZQGridView::contextMenuRequested, this, &BrowserViewController::contextMenuRequested);

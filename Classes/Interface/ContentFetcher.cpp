@@ -24,7 +24,7 @@ struct ContentFetcher::Private
     mutable std::mutex lock;
     std::condition_variable wake;
     std::deque<Job> waiting;
-    std::array<quint64, 3> latest = {};
+    std::array<quint64, 4> latest = {};
     quint64 next = 0;
     int unanswered = 0;
     bool stopping = false;

@@ -21,7 +21,7 @@ public:
 
     // What a caller is waiting for; a new request under the same name replaces one not yet begun, and only the answer
     // of the latest is delivered.
-    enum class Purpose { Content, ProjectCounts, TagCounts };
+    enum class Purpose { Content, Typing, ProjectCounts, TagCounts };
 
     using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error
     void fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer);

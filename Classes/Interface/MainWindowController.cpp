@@ -78,6 +78,9 @@ MainWindowController::~MainWindowController()
     m_tokens.clear();
     m_user.setPlaces({});
     m_undoStack.disconnect(this);
+    // A window that goes still moves the focus.
+    qApp->disconnect(this);
+    QApplication::clipboard()->disconnect(this);
     m_mainWindow.reset();
 }
 

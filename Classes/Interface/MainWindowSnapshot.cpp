@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QPainter>
+#include <QScopeGuard>
 #include <QSplitter>
 #include <QToolButton>
 
@@ -52,6 +53,8 @@ bool MainWindowController::renderSnapshot(const SnapshotOptions &options, QImage
         return false;
     }
     applyTheme();
+    // A window on the screen keeps its own theme.
+    const auto restoreTheme = qScopeGuard([dark = ZQTheme::current().isDark()] { ZQTheme::current().setDark(dark); });
     if (options.dark) {
         ZQTheme::current().setDark(*options.dark);
     }

@@ -35,7 +35,8 @@ public:
     virtual QList<ZQGridGroup> groups() const { return {}; }    // consecutive; empty: no groups
     virtual void willShow(qint64 /*first*/, qint64 /*last*/) {} // before the items of this range are asked for
     virtual ZQGridItem item(qint64 index) const = 0;
-    // The first item from `from` on, going round, whose title begins with `text`; -1 when there is none.
+    // The first item from `from` on, going round, whose title begins with `text`; -1 when there is none, or when the
+    // source finds it later and sets the current index itself.
     virtual qint64 indexForTyping(const QString &text, qint64 from) const;
     virtual QMimeData *mimeData(const ZQIndexSet & /*indexes*/) const { return nullptr; } // the caller owns it
     // `index` is the place the content would be inserted at.

@@ -2,6 +2,7 @@
 #include "Classes/Interface/BrowserContent.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
+#include <QSignalSpy>
 #include <QtTest/QTest>
 
 class LibraryCommandsTest : public WindowFixture
@@ -143,7 +144,11 @@ TEST_F(LibraryCommandsTest, TheBrowserShowsWhatTheSidebarItemHolds)
     content.reload();
     settle();
     EXPECT_EQ(shown(content), (QStringList{"d", "c", "a"}));
-    EXPECT_EQ(content.indexForTyping(QStringLiteral("A"), 0), 2);
+    QSignalSpy found(&content, &BrowserContent::typingFound);
+    content.indexForTyping(QStringLiteral("A"), 0);
+    settle();
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found[0][0].toLongLong(), 2);
 }
 
 TEST_F(LibraryCommandsTest, TheFilterKeepsTitlesThatContainIt)
