@@ -1,6 +1,7 @@
 // Puts the parts of the application together: a window, or one command.
 
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Capture/ZeltoKunViewController.h"
 #include "Classes/Command/CommandLine.h"
@@ -154,6 +155,7 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
 
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
 {
+    PreferencesController::registerDefaultPreferences(); // the theme is one of them
     MainWindowController::applyTheme();
     WindowUserInteraction user;
     SoftwareUpdater updater;

@@ -14,6 +14,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Imaging/ZQImageSource.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <QDir>
@@ -367,11 +368,20 @@ QString BaseImportOperation::makeThumbnail(ZQError *error)
 void BaseImportOperation::createThumbForItem()
 {
     createRepresentationBitmap();
-    if (!m_fileData || AImportManager::canSkipThumbForPath(m_filePath)) {
+    if (!m_fileData) {
         return;
     }
     ZQError error;
-    m_thumbnailPath = makeThumbnail(&error);
+    const bool showsFileItself = AImportManager::canSkipThumbForPath(m_filePath);
+    if (showsFileItself) {
+        // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from this.
+        m_thumbnail = ZQImageSource::thumbnailOfFile(m_filePath, ColorFinder::decodedSize, &error);
+    } else {
+        m_thumbnailPath = makeThumbnail(&error);
+    }
+    if (showsFileItself && !m_thumbnail.isNull()) {
+        return;
+    }
     if (m_thumbnailPath.isEmpty()) {
         qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("can't create thumb for %@"), {m_filePath});
         drop(error.isNull()
@@ -431,7 +441,7 @@ void BaseImportOperation::importOpenMetaNotes()
 QStringList BaseImportOperation::findColors()
 {
     if (m_thumbnailPath.isEmpty()) {
-        return ColorFinder::colorsForImageURL(m_filePath);
+        return m_thumbnail.isNull() ? ColorFinder::colorsForImageURL(m_filePath) : ColorFinder::colorsForBitmap(m_thumbnail);
     }
     // A PNG thumbnail holds the very pixels that were made; those of a JPEG are known only after reading it back.
     const bool isExact = m_thumbnailPath.endsWith(QStringLiteral(".png")) && !m_thumbnail.isNull();

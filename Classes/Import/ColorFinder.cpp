@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int sampledSize = 24;
-constexpr int decodedSize = 512;
+
 constexpr qint32 unknownColor = -1;
 
 enum Color { White, Black, Gray, Red, Orange, Yellow, Green, Blue, Purple, Pink, ColorCount };

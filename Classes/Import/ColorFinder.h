@@ -27,6 +27,7 @@ public:
         double alpha;
     };
 
+    static constexpr int decodedSize = 512; // pixels on the longer side are enough to look at
     // The names of a picture's dominating colours, the most frequent first. Empty when it cannot be read or shows no
     // colour.
     static QStringList colorsForImageURL(const QString &path);
