@@ -89,9 +89,14 @@ void ZQGridView::paintPicture(QPainter &painter, const ZQGridItem &item, const Q
     const qreal ratio = devicePixelRatioF();
     const QSize room = box.size() - QSize(2 * picturePadding, 2 * picturePadding);
     const QImage image = m_loader->image(item.thumbnail, int(std::ceil(std::max(room.width(), room.height()) * ratio)));
-    const QSizeF natural = !item.pixelSize.isEmpty() ? QSizeF(item.pixelSize)
-                           : !image.isNull()         ? QSizeF(image.size())
-                                                     : QSizeF(1, 1);
+    QSizeF natural = !item.pixelSize.isEmpty() ? QSizeF(item.pixelSize)
+                     : !image.isNull()         ? QSizeF(image.size())
+                                               : QSizeF(1, 1);
+    // The picture itself knows its shape better than what was noted of it: a mirrored and turned one is not swapped
+    // there.
+    if (!image.isNull() && (natural.width() > natural.height()) != (image.width() > image.height())) {
+        natural.transpose();
+    }
     QSizeF size = natural.scaled(room, Qt::KeepAspectRatio);
     if (!item.isScalable && !item.pixelSize.isEmpty() && size.width() * ratio > natural.width()) {
         size = natural / ratio;
