@@ -5,7 +5,8 @@
 #include <functional>
 #include <memory>
 
-// Turns SIGINT and SIGTERM into a call on the main thread's event loop, so that ending politely is one code path. One at a time.
+// Turns SIGINT and SIGTERM into a call on the main thread's event loop, so that ending politely is one code path. One
+// at a time.
 class SignalWatcher
 {
 public:

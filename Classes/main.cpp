@@ -97,7 +97,8 @@ QString bundleFor(tamberin_AppDelegate &delegate, const CommandLine &commandLine
 int handOver(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &inUse)
 {
     ZQError error;
-    const auto reply = InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath()}, &error);
+    const auto reply =
+        InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath()}, &error);
     if (!reply) {
         return context.fail(inUse.localizedDescription());
     }
@@ -153,7 +154,8 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     return commandLine.run(context);
 }
 
-int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
+int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
+              CommandContext &context)
 {
     PreferencesController::registerDefaultPreferences(); // the theme is one of them
     MainWindowController::applyTheme();
@@ -178,9 +180,11 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     const QString bundle = bundleFor(delegate, commandLine);
     ZQError error;
     if (!delegate.lockLibrary(&error)) {
-        return error.code == LibraryLock::InUse ? handOver(bundle, arguments, context, error) : context.fail(error.localizedDescription());
+        return error.code == LibraryLock::InUse ? handOver(bundle, arguments, context, error)
+                                                : context.fail(error.localizedDescription());
     }
-    InstanceServer server(LibraryLock::socketNameForBundle(bundle), [&](const InstanceRequest &request) { return serve(request, delegate); });
+    InstanceServer server(LibraryLock::socketNameForBundle(bundle),
+                          [&](const InstanceRequest &request) { return serve(request, delegate); });
     if (!server.listen(&error)) {
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }
@@ -205,7 +209,10 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     return status;
 }
 
-bool needsWindow(const CommandLine &commandLine) { return !commandLine.isCommand() || commandLine.isSnapshot(); }
+bool needsWindow(const CommandLine &commandLine)
+{
+    return !commandLine.isCommand() || commandLine.isSnapshot();
+}
 
 } // namespace
 
@@ -240,6 +247,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
-    status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context) : runWindow(application, commandLine, arguments, context);
+    status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context)
+                                      : runWindow(application, commandLine, arguments, context);
     return print(context, status);
 }

@@ -20,7 +20,7 @@ class MainWindowControlling
 {
 public:
     virtual ~MainWindowControlling() = default;
-    virtual void showWindow() = 0;               // shows it and makes it key and front, as it was left
+    virtual void showWindow() = 0; // shows it and makes it key and front, as it was left
     virtual void makeKeyAndOrderFront() = 0;
     virtual bool isMiniaturized() const = 0;
     virtual void deminiaturize() = 0;
@@ -28,7 +28,8 @@ public:
     virtual void activateIgnoringOtherApps() = 0;
     virtual void selectSidebarItem(const ZQObjectID &item) = 0;
     virtual void newFileFromTemplate() = 0;
-    // Keeps the state of, in this order: the content view controller, the current image browser, the current tab state, the window.
+    // Keeps the state of, in this order: the content view controller, the current image browser, the current tab state,
+    // the window.
     virtual void savePersistentState() = 0;
     virtual bool commitEditing() = 0;  // ends a text being edited, taking what was typed; false when it cannot be taken
     virtual void refreshContent() = 0; // the current browser's
@@ -40,7 +41,8 @@ class ImportManaging
 {
 public:
     virtual ~ImportManaging() = default;
-    virtual void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex, const QVariantMap &metadata) = 0;
+    virtual void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
+                                    const QVariantMap &metadata) = 0;
     virtual ZQOperationQueue &syncOperationQueue() = 0;
     virtual void getLiveFolderPermissionFromSandbox() = 0;
     virtual void startObservingWatchedFolders() = 0;

@@ -28,4 +28,7 @@ void CoreDataMigrationWindowController::advance()
     }
 }
 
-void CoreDataMigrationWindowController::hideWindow() { m_progress.reset(); }
+void CoreDataMigrationWindowController::hideWindow()
+{
+    m_progress.reset();
+}

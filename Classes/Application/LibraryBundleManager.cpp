@@ -20,12 +20,12 @@ QString LibraryBundleManager::newLibraryItemBundlePath()
     if (library.isEmpty()) {
         return {};
     }
-    const QString name = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".ztlibraryitem");
+    const QString name =
+        QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".ztlibraryitem");
     const QString path = library + u'/' + name;
     if (::mkdir(QFile::encodeName(path).constData(), 0755) != 0) {
-        qCWarning(zqLogApplication).noquote()
-            << zqFormat(QStringLiteral("Error creating item directory at %@ : %@"),
-                        {path, QString::fromLocal8Bit(std::strerror(errno))});
+        qCWarning(zqLogApplication).noquote() << zqFormat(QStringLiteral("Error creating item directory at %@ : %@"),
+                                                          {path, QString::fromLocal8Bit(std::strerror(errno))});
         return {};
     }
     return path;

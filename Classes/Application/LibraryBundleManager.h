@@ -8,7 +8,8 @@ class LibraryBundleManager
 public:
     // A fresh "Library"/UUID.ztlibraryitem, created; empty on failure, which is logged.
     static QString newLibraryItemBundlePath();
-    // A new item directory joined with the last component of `filePath`: where the imported copy is to be written. Empty on failure.
+    // A new item directory joined with the last component of `filePath`: where the imported copy is to be written.
+    // Empty on failure.
     static QString libraryPathForFilePath(const QString &filePath);
     // The sibling "BASE_thumb.EXT" of a file.
     static QString libraryPathForThumbOfURL(const QString &path);

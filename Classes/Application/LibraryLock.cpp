@@ -26,19 +26,24 @@ std::unique_ptr<LibraryLock> LibraryLock::lockBundle(const QString &bundleDirect
     }
     if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         ::close(descriptor);
-        zqSetError(error, ZQError::with(errorDomain, InUse,
-                                        zqFormat(zqLocalized("The library “%@” is in use by another Zelto."), {bundleDirectory}),
-                                        zqLocalized("Quit the other one, or choose another library.")));
+        zqSetError(error, ZQError::with(
+                              errorDomain, InUse,
+                              zqFormat(zqLocalized("The library “%@” is in use by another Zelto."), {bundleDirectory}),
+                              zqLocalized("Quit the other one, or choose another library.")));
         return nullptr;
     }
     return std::unique_ptr<LibraryLock>(new LibraryLock(descriptor));
 }
 
-LibraryLock::~LibraryLock() { ::close(m_descriptor); }
+LibraryLock::~LibraryLock()
+{
+    ::close(m_descriptor);
+}
 
 QString LibraryLock::socketNameForBundle(const QString &bundleDirectory)
 {
     const QString canonical = QFileInfo(bundleDirectory).canonicalFilePath();
-    const QByteArray digest = QCryptographicHash::hash((canonical.isEmpty() ? bundleDirectory : canonical).toUtf8(), QCryptographicHash::Sha1);
+    const QByteArray digest = QCryptographicHash::hash((canonical.isEmpty() ? bundleDirectory : canonical).toUtf8(),
+                                                       QCryptographicHash::Sha1);
     return ZQPaths::runtimeDir() + QStringLiteral("/zelto-") + QString::fromLatin1(digest.toHex().left(16));
 }

@@ -7,17 +7,25 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 
-ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate)
-    : m_delegate(delegate)
+ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate) : m_delegate(delegate)
 {
     ZQLibraryEnvironment::setCurrent(this);
 }
 
-ModelEnvironment::~ModelEnvironment() { ZQLibraryEnvironment::setCurrent(nullptr); }
+ModelEnvironment::~ModelEnvironment()
+{
+    ZQLibraryEnvironment::setCurrent(nullptr);
+}
 
-QString ModelEnvironment::libraryDirectory() { return m_delegate.libraryDirectory(); }
+QString ModelEnvironment::libraryDirectory()
+{
+    return m_delegate.libraryDirectory();
+}
 
-QString ModelEnvironment::libraryPathForFilePath(const QString &path) { return LibraryBundleManager::libraryPathForFilePath(path); }
+QString ModelEnvironment::libraryPathForFilePath(const QString &path)
+{
+    return LibraryBundleManager::libraryPathForFilePath(path);
+}
 
 void ModelEnvironment::thumbForLibraryItem(ZQLibraryBaseItem *item)
 {
@@ -49,7 +57,8 @@ std::optional<QString> ModelEnvironment::commentOfFile(const QString &path)
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)
 {
-    TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, tags, comment.isNull() ? std::nullopt : std::optional(comment));
+    TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, tags,
+                                                         comment.isNull() ? std::nullopt : std::optional(comment));
 }
 
 bool ModelEnvironment::writesTagsToFiles()

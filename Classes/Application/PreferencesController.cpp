@@ -4,7 +4,10 @@
 
 namespace {
 // A virtual key code of the main keyboard row and the modifier mask Command plus Option.
-QVariantMap hotkey(int code) { return {{QStringLiteral("code"), code}, {QStringLiteral("flags"), 1572864}}; }
+QVariantMap hotkey(int code)
+{
+    return {{QStringLiteral("code"), code}, {QStringLiteral("flags"), 1572864}};
+}
 } // namespace
 
 QVariantMap PreferencesController::defaultPreferences()

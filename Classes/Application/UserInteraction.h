@@ -17,7 +17,7 @@ struct UserQuestion
     QString message;
     QString informativeText;
     QStringList buttons;
-    QString suppressionKey;    // the user default a "Do not ask again" box sets to true; empty: no box
+    QString suppressionKey; // the user default a "Do not ask again" box sets to true; empty: no box
     bool isDestructive = false;
 };
 
@@ -25,8 +25,8 @@ struct UserQuestion
 struct FileConflict
 {
     QString path;
-    bool isValid = true;     // readable
-    bool isIncluded = true;  // kept in the import
+    bool isValid = true;    // readable
+    bool isIncluded = true; // kept in the import
     static FileConflict fileConflictWithPath(const QString &path) { return {path, true, true}; }
 };
 
@@ -37,8 +37,8 @@ struct DuplicatePair
 {
     QString SHA1;
     QString existingTitle;
-    QString existingPath;      // the file
-    QString existingThumbPath; // a picture of it: the thumbnail, or the file when it has none
+    QString existingPath;       // the file
+    QString existingThumbPath;  // a picture of it: the thumbnail, or the file when it has none
     QStringList existingPlaces; // titles of the projects it is in
     QDateTime existingImportDate;
     QString newTitle;
@@ -62,22 +62,23 @@ public:
 struct FileChoice
 {
     QString title;
-    QString prompt;    // the confirming button
-    QString name;      // preset in the name field
+    QString prompt;         // the confirming button
+    QString name;           // preset in the name field
     QStringList extensions; // empty: any
     bool directory = false; // choose folders
     bool several = false;
 };
 
-// The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's sheets, the command line's
-// flags and prompts, a script in tests. A question without a person to answer it takes the answer that changes least.
+// The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's
+// sheets, the command line's flags and prompts, a script in tests. A question without a person to answer it takes the
+// answer that changes least.
 class UserInteraction
 {
 public:
     virtual ~UserInteraction() = default;
 
-    virtual void presentError(const ZQError &error) = 0;              // an alert with "OK"
-    virtual int ask(const UserQuestion &question) = 0;                // the index of the button
+    virtual void presentError(const ZQError &error) = 0; // an alert with "OK"
+    virtual int ask(const UserQuestion &question) = 0;   // the index of the button
     // Fades in and goes by itself. Position: 0 centre of the window, 1 browser, 2 sidebar.
     virtual void showNotificationWithText(const QString &text, int position, double seconds) = 0;
     virtual void showSystemNotification(const QString &title, const QString &text) = 0;
@@ -90,5 +91,6 @@ public:
     virtual std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) = 0;
 
     // Shows progress until the answer is destroyed; `cancel` is called on the main thread. Any thread.
-    virtual std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum, std::function<void()> cancel) = 0;
+    virtual std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
+                                                        std::function<void()> cancel) = 0;
 };

@@ -28,9 +28,8 @@ constexpr int activationGateMilliseconds = 200;
 } // namespace
 
 tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
-    : m_parts(std::move(parts))
-    , m_environment(std::make_unique<ModelEnvironment>(*this))
-    , m_launchDate(QDateTime::currentDateTimeUtc())
+    : m_parts(std::move(parts)), m_environment(std::make_unique<ModelEnvironment>(*this)),
+      m_launchDate(QDateTime::currentDateTimeUtc())
 {
     Q_ASSERT(m_parts.userInteraction);
     sharedInstance = this;
@@ -52,9 +51,15 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     sharedInstance = nullptr;
 }
 
-tamberin_AppDelegate *tamberin_AppDelegate::sharedDelegate() { return sharedInstance; }
+tamberin_AppDelegate *tamberin_AppDelegate::sharedDelegate()
+{
+    return sharedInstance;
+}
 
-void tamberin_AppDelegate::applicationWillFinishLaunching() { applicationSupportFolder(); }
+void tamberin_AppDelegate::applicationWillFinishLaunching()
+{
+    applicationSupportFolder();
+}
 
 void tamberin_AppDelegate::applicationDidFinishLaunching()
 {
@@ -140,7 +145,10 @@ void tamberin_AppDelegate::openZeltoKunHelper()
     }
 }
 
-void tamberin_AppDelegate::quitZeltoKunHelper() { m_zeltoKunViewController.reset(); }
+void tamberin_AppDelegate::quitZeltoKunHelper()
+{
+    m_zeltoKunViewController.reset();
+}
 
 void tamberin_AppDelegate::syncWatchedFolder(const ZQObjectID &folder)
 {
@@ -246,7 +254,8 @@ void tamberin_AppDelegate::openFiles(const QStringList &paths)
         }
     }
     if (!m_mainWindowController) {
-        // Nothing of what was done above is done twice: the moved templates and remembered libraries are not in the list.
+        // Nothing of what was done above is done twice: the moved templates and remembered libraries are not in the
+        // list.
         QTimer::singleShot(retryOpening, this, [this, rest, templateMoved] {
             if (!rest.isEmpty()) {
                 openFiles(rest);
@@ -286,7 +295,8 @@ void tamberin_AppDelegate::importOpenedFiles(const QStringList &paths)
     importInto(directories, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(*context));
     importInto(files, ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*context));
 
-    if (directories.isEmpty() && ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("ShowRecentItemsAfterDropOnDock"))) {
+    if (directories.isEmpty() &&
+        ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("ShowRecentItemsAfterDropOnDock"))) {
         if (const auto recent = ZQSidebarBaseItem::recentProjectInManagedObjectContext(*context)) {
             m_mainWindowController->selectSidebarItem(recent->objectID());
         }

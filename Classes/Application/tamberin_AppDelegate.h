@@ -29,8 +29,8 @@ struct ApplicationParts
 
 enum class TerminateReply { Cancel = 0, Now = 1 };
 
-// The single owner of the library's store and of the process's life: launch, files handed over by the desktop, quitting.
-// Main thread, except where stated.
+// The single owner of the library's store and of the process's life: launch, files handed over by the desktop,
+// quitting. Main thread, except where stated.
 class tamberin_AppDelegate : public QObject
 {
     Q_OBJECT
@@ -42,7 +42,8 @@ public:
     // Launch with a window: both in this order, once.
     void applicationWillFinishLaunching();
     void applicationDidFinishLaunching();
-    // Launch for one command: the store, the fixed sidebar, the defaults and the background queue; no window, no watching.
+    // Launch for one command: the store, the fixed sidebar, the defaults and the background queue; no window, no
+    // watching.
     bool openLibraryForCommand(ZQError *error);
     // Keeps other processes out of the library; part of opening the store, and what a window does before anything else.
     bool lockLibrary(ZQError *error);
@@ -67,8 +68,8 @@ public:
     void migrateToModelVersion(const QString &version);
     void checkAndDeleteLibraryLeftovers();
 
-    // Places. The directories are created when first asked for; empty on failure. `libraryDirectory` may be called from any thread
-    // once it was asked for on the main thread.
+    // Places. The directories are created when first asked for; empty on failure. `libraryDirectory` may be called from
+    // any thread once it was asked for on the main thread.
     QString applicationSupportFolder();
     QString documentDirectory() { return applicationSupportFolder(); }
     QString libraryBundleDirectory();

@@ -66,7 +66,8 @@ void tamberin_AppDelegate::tryToRecuperateSandboxedLibraryToDestination(const QS
     if (!QFileInfo(library).isDir()) {
         return;
     }
-    QFile preferences(container + QStringLiteral("/Library/Preferences/") + bundleIdentifier + QStringLiteral(".plist"));
+    QFile preferences(container + QStringLiteral("/Library/Preferences/") + bundleIdentifier +
+                      QStringLiteral(".plist"));
     if (preferences.open(QIODevice::ReadOnly)) {
         if (const auto values = ZQPropertyList::fromData(preferences.readAll())) {
             ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
@@ -80,7 +81,10 @@ void tamberin_AppDelegate::tryToRecuperateSandboxedLibraryToDestination(const QS
     QDir().rename(library, destination + u'/' + displayName + bundleSuffix);
 }
 
-void tamberin_AppDelegate::setLibraryBundleDirectory(const QString &path) { m_requestedBundleDirectory = QFileInfo(path).absoluteFilePath(); }
+void tamberin_AppDelegate::setLibraryBundleDirectory(const QString &path)
+{
+    m_requestedBundleDirectory = QFileInfo(path).absoluteFilePath();
+}
 
 QString tamberin_AppDelegate::libraryBundleDirectory()
 {
@@ -109,27 +113,34 @@ QString tamberin_AppDelegate::libraryDirectory()
     }
     const QString bundle = libraryBundleDirectory();
     if (!bundle.isEmpty()) {
-        m_libraryDirectory = createdDirectory(bundle + QStringLiteral("/Library"), "Error creating library directory at %@ : %@");
+        m_libraryDirectory =
+            createdDirectory(bundle + QStringLiteral("/Library"), "Error creating library directory at %@ : %@");
     }
     return m_libraryDirectory;
 }
 
 QString tamberin_AppDelegate::exportIconDirectory()
 {
-    return createdDirectory(applicationSupportFolder() + QStringLiteral("/ExportIcons"), "Error creating export icon directory at %@ : %@");
+    return createdDirectory(applicationSupportFolder() + QStringLiteral("/ExportIcons"),
+                            "Error creating export icon directory at %@ : %@");
 }
 
 QString tamberin_AppDelegate::wallpaperDirectory()
 {
-    return createdDirectory(applicationSupportFolder() + QStringLiteral("/Wallpapers"), "Error creating wallpaper directory at %@ : %@");
+    return createdDirectory(applicationSupportFolder() + QStringLiteral("/Wallpapers"),
+                            "Error creating wallpaper directory at %@ : %@");
 }
 
 QString tamberin_AppDelegate::templateDirectory()
 {
-    return createdDirectory(applicationSupportFolder() + QStringLiteral("/Templates"), "Error creating template directory at %@ : %@");
+    return createdDirectory(applicationSupportFolder() + QStringLiteral("/Templates"),
+                            "Error creating template directory at %@ : %@");
 }
 
-QString tamberin_AppDelegate::temporaryFolder() { return ZQPaths::temporaryDir() + QStringLiteral("/ZeltoTemporaryFolder"); }
+QString tamberin_AppDelegate::temporaryFolder()
+{
+    return ZQPaths::temporaryDir() + QStringLiteral("/ZeltoTemporaryFolder");
+}
 
 void tamberin_AppDelegate::deleteFilesAtPaths(const QStringList &paths, const QString &baseDirectory)
 {
@@ -172,8 +183,11 @@ QString tamberin_AppDelegate::loadLibraryURL()
 
 void tamberin_AppDelegate::notifyAndQuit()
 {
-    userInteraction().ask({zqLocalized("Zelto will now quit"), zqLocalized("Please re-open Zelto for applying the new settings."),
-                           {zqLocalized("Quit")}, {}, false});
+    userInteraction().ask({zqLocalized("Zelto will now quit"),
+                           zqLocalized("Please re-open Zelto for applying the new settings."),
+                           {zqLocalized("Quit")},
+                           {},
+                           false});
     terminate();
 }
 
@@ -185,7 +199,10 @@ FileChoice libraryChoice()
     return choice;
 }
 
-QString withLibraryExtension(const QString &path) { return path.endsWith(bundleSuffix) ? path : path + bundleSuffix; }
+QString withLibraryExtension(const QString &path)
+{
+    return path.endsWith(bundleSuffix) ? path : path + bundleSuffix;
+}
 } // namespace
 
 void tamberin_AppDelegate::newZeltoLibrary()
@@ -214,9 +231,9 @@ void tamberin_AppDelegate::openZeltoLibrary()
         return;
     }
     if (!chosen.first().endsWith(bundleSuffix)) {
-        userInteraction().presentError(ZQError::with(QStringLiteral("zelto.library"), 3,
-                                                     zqFormat(zqLocalized("“%@” is no Zelto library."), {chosen.first()}),
-                                                     zqLocalized("Choose a folder whose name ends in .ztlibrary.")));
+        userInteraction().presentError(ZQError::with(
+            QStringLiteral("zelto.library"), 3, zqFormat(zqLocalized("“%@” is no Zelto library."), {chosen.first()}),
+            zqLocalized("Choose a folder whose name ends in .ztlibrary.")));
         return;
     }
     saveNewLibraryURL(chosen.first());
@@ -262,8 +279,9 @@ void tamberin_AppDelegate::moveZeltoLibrary()
 
 void tamberin_AppDelegate::revealLibraryInFinder()
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
-                                                       QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << QStringList{QUrl::fromLocalFile(libraryBundleDirectory()).toString()} << QString();
     QDBusConnection::sessionBus().send(call);
 }

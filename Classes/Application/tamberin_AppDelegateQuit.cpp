@@ -19,12 +19,17 @@ constexpr double notificationSeconds = 2.5;
 bool tamberin_AppDelegate::stopRunningImports()
 {
     ZQOperationQueue *sync = m_parts.importManager ? &m_parts.importManager->syncOperationQueue() : nullptr;
-    const auto isIdle = [&] { return backgroundOperationQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0); };
+    const auto isIdle = [&] {
+        return backgroundOperationQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
+    };
     if (isIdle()) {
         return true;
     }
-    const int answer = userInteraction().ask({zqLocalized("Zelto is importing files"), zqLocalized("Zelto is importing files, are you sure to quit?"),
-                                              {zqLocalized("Quit anyway"), zqLocalized("Cancel")}, {}, true});
+    const int answer = userInteraction().ask({zqLocalized("Zelto is importing files"),
+                                              zqLocalized("Zelto is importing files, are you sure to quit?"),
+                                              {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
+                                              {},
+                                              true});
     if (answer != 0) {
         return false;
     }
@@ -70,7 +75,9 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
         const int answer = userInteraction().ask(
             {zqLocalized("Could not save changes while quitting.  Quit anyway?"),
              zqLocalized("Quitting now will lose any changes you have made since the last successful save"),
-             {zqLocalized("Quit anyway"), zqLocalized("Cancel")}, {}, true});
+             {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
+             {},
+             true});
         // What could not be saved is still listed by the store, so its files stay.
         return answer == 0 ? TerminateReply::Now : TerminateReply::Cancel;
     }

@@ -1,8 +1,8 @@
 // The fixed entries of the sidebar: made at the first launch, named anew at every launch and change of language.
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Models/DataModel/ZQSidebarSeed.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarSeed.h"
 
 #include <QFileInfo>
 
@@ -38,4 +38,7 @@ void tamberin_AppDelegate::updateSidebarElementNamesWithCurrentLocale()
     }
 }
 
-void tamberin_AppDelegate::localeChanged() { updateLocalization(); }
+void tamberin_AppDelegate::localeChanged()
+{
+    updateLocalization();
+}

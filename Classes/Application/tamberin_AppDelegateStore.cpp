@@ -8,8 +8,8 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
-#include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
@@ -19,12 +19,16 @@
 #include <QTimeZone>
 
 namespace {
-QString storePath(const QString &bundle) { return bundle + QStringLiteral("/storedata"); }
+QString storePath(const QString &bundle)
+{
+    return bundle + QStringLiteral("/storedata");
+}
 
 QString fetchErrorText(const ZQError &error)
 {
     const QString description = error.localizedDescription();
-    return zqFormat(QStringLiteral("Error while fetching\n%@"), {description.isEmpty() ? QStringLiteral("Unknown Error") : description});
+    return zqFormat(QStringLiteral("Error while fetching\n%@"),
+                    {description.isEmpty() ? QStringLiteral("Unknown Error") : description});
 }
 } // namespace
 
@@ -39,18 +43,20 @@ std::shared_ptr<const ZQManagedObjectModel> tamberin_AppDelegate::managedObjectM
 
 bool tamberin_AppDelegate::offerRecovery(const QString &path, const ZQError &damage)
 {
-    const int answer = userInteraction().ask({zqLocalized("The library is damaged"),
-                                              zqFormat(zqLocalized("%@ Zelto can copy everything that can still be read into a new store. "
-                                                                   "The damaged one is kept beside it."),
-                                                       {damage.localizedDescription()}),
-                                              {zqLocalized("Recover"), zqLocalized("Cancel")},
-                                              {},
-                                              false});
+    const int answer = userInteraction().ask(
+        {zqLocalized("The library is damaged"),
+         zqFormat(zqLocalized("%@ Zelto can copy everything that can still be read into a new store. "
+                              "The damaged one is kept beside it."),
+                  {damage.localizedDescription()}),
+         {zqLocalized("Recover"), zqLocalized("Cancel")},
+         {},
+         false});
     if (answer != 0) {
         return false;
     }
     ZQError error;
-    const std::optional<QString> kept = ZQPersistentStoreCoordinator::recoverStoreAtPath(managedObjectModel(), path, &error);
+    const std::optional<QString> kept =
+        ZQPersistentStoreCoordinator::recoverStoreAtPath(managedObjectModel(), path, &error);
     if (!kept) {
         userInteraction().presentError(error);
     }
@@ -64,9 +70,10 @@ bool tamberin_AppDelegate::lockLibrary(ZQError *error)
         m_lock = LibraryLock::lockBundle(bundle, error);
     }
     if (bundle.isEmpty()) {
-        zqSetError(error, ZQError::with(LibraryLock::errorDomain, LibraryLock::NotWritable,
-                                        zqFormat(zqLocalized("The library “%@” can't be created."), {m_requestedBundleDirectory}),
-                                        zqLocalized("Check that its folder exists and can be written.")));
+        zqSetError(error, ZQError::with(
+                              LibraryLock::errorDomain, LibraryLock::NotWritable,
+                              zqFormat(zqLocalized("The library “%@” can't be created."), {m_requestedBundleDirectory}),
+                              zqLocalized("Check that its folder exists and can be written.")));
     }
     return m_lock != nullptr;
 }
@@ -82,7 +89,8 @@ bool tamberin_AppDelegate::openStore(ZQError *error)
     const QString bundle = libraryBundleDirectory();
     ZQError opening;
     m_coordinator = ZQPersistentStoreCoordinator::open(managedObjectModel(), storePath(bundle), {}, &opening);
-    const bool isDamaged = opening.domain == ZQStoreErrorDomain && opening.code == static_cast<int>(ZQStoreError::Damaged);
+    const bool isDamaged =
+        opening.domain == ZQStoreErrorDomain && opening.code == static_cast<int>(ZQStoreError::Damaged);
     if (!m_coordinator && isDamaged && offerRecovery(storePath(bundle), opening)) {
         m_coordinator = ZQPersistentStoreCoordinator::open(managedObjectModel(), storePath(bundle), {}, &opening);
     }
@@ -139,8 +147,9 @@ void tamberin_AppDelegate::saveAction()
         return;
     }
     if (m_mainWindowController && !m_mainWindowController->commitEditing()) {
-        qCWarning(zqLogApplication).noquote() << zqFormat(QStringLiteral("%@:%@ unable to commit editing before saving"),
-                                                          {QStringLiteral("tamberin_AppDelegate"), QStringLiteral("saveAction:")});
+        qCWarning(zqLogApplication).noquote()
+            << zqFormat(QStringLiteral("%@:%@ unable to commit editing before saving"),
+                        {QStringLiteral("tamberin_AppDelegate"), QStringLiteral("saveAction:")});
     }
     ZQError error;
     if (!m_context->save(&error)) {
@@ -217,7 +226,8 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
         return;
     }
     ZQError error;
-    const auto rows = context->fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
+    const auto rows =
+        context->fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
     if (!rows) {
         qCWarning(zqLogStore).noquote() << fetchErrorText(error);
         return;
@@ -244,7 +254,8 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
     }
     if (known.isEmpty()) {
         // A store without a single item beside filled directories is a lost or restored store, not rubbish.
-        qCWarning(zqLogApplication) << "The store lists no items, so" << leftovers.size() << "item directories are left where they are";
+        qCWarning(zqLogApplication) << "The store lists no items, so" << leftovers.size()
+                                    << "item directories are left where they are";
         return;
     }
     deleteFilesAtPaths(leftovers, library);
@@ -263,9 +274,10 @@ void tamberin_AppDelegate::checkStoreAfterUncleanEnd()
         }
         zqOnMainThread([problems] {
             if (tamberin_AppDelegate *delegate = sharedDelegate()) {
-                delegate->userInteraction().presentError(
-                    ZQError::with(ZQStoreErrorDomain, static_cast<int>(ZQStoreError::Damaged), zqLocalized("The library is damaged"),
-                                  zqFormat(zqLocalized("%@. Quit Zelto and open it again to recover what can be read."), {problems.first()})));
+                delegate->userInteraction().presentError(ZQError::with(
+                    ZQStoreErrorDomain, static_cast<int>(ZQStoreError::Damaged), zqLocalized("The library is damaged"),
+                    zqFormat(zqLocalized("%@. Quit Zelto and open it again to recover what can be read."),
+                             {problems.first()})));
             }
         });
     });

@@ -10,7 +10,10 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
-ZQManagedObjectContext &CommandContext::store() const { return *delegate->managedObjectContext(); }
+ZQManagedObjectContext &CommandContext::store() const
+{
+    return *delegate->managedObjectContext();
+}
 
 void CommandContext::printJSON(const QJsonValue &value)
 {
@@ -22,7 +25,8 @@ using SidebarItem = ZQRef<ZQSidebarBaseItem>;
 
 QList<SidebarItem> topLevelItems(ZQManagedObjectContext &store)
 {
-    ZQFetchRequest request{ZQSidebarBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("father == nil && active == YES"))};
+    ZQFetchRequest request{ZQSidebarBaseItem::entityName(),
+                           ZQPredicate::predicateWithFormat(QStringLiteral("father == nil && active == YES"))};
     request.sortDescriptors = {{QStringLiteral("is_Tag")}, {QStringLiteral("order")}};
     return store.fetch<ZQSidebarBaseItem>(request).value_or(QList<SidebarItem>());
 }
@@ -48,7 +52,8 @@ SidebarItem descend(const QList<SidebarItem> &siblings, const QString &path)
 ZQFetched<ZQLibraryBaseItem> fetchItems(const char *key, const QString &value, ZQManagedObjectContext &store)
 {
     return store.fetch<ZQLibraryBaseItem>(
-        {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("%K == %@"), {QLatin1String(key), value})});
+        {ZQLibraryBaseItem::entityName(),
+         ZQPredicate::predicateWithFormat(QStringLiteral("%K == %@"), {QLatin1String(key), value})});
 }
 } // namespace
 
@@ -69,17 +74,22 @@ ZQRef<ZQSidebarBaseItem> zqSidebarItemForReference(const QString &reference, Com
     return found;
 }
 
-std::optional<QList<ZQRef<ZQLibraryBaseItem>>> zqItemsForReferences(const QStringList &references, CommandContext &context)
+std::optional<QList<ZQRef<ZQLibraryBaseItem>>> zqItemsForReferences(const QStringList &references,
+                                                                    CommandContext &context)
 {
     static const QRegularExpression digest(QStringLiteral("^[0-9a-f]{40}$"));
     static const QRegularExpression inDirectory(QStringLiteral("([^/]+)\\.ztlibraryitem(/|$)"));
     QList<ZQRef<ZQLibraryBaseItem>> items;
     for (const QString &reference : references) {
         const QRegularExpressionMatch path = inDirectory.match(reference);
-        const auto found = digest.match(reference).hasMatch() ? fetchItems("SHA1", reference, context.store())
-                                                               : fetchItems("bundleID", path.hasMatch() ? path.captured(1) : reference, context.store());
+        const auto found =
+            digest.match(reference).hasMatch()
+                ? fetchItems("SHA1", reference, context.store())
+                : fetchItems("bundleID", path.hasMatch() ? path.captured(1) : reference, context.store());
         if (!found || found->isEmpty()) {
-            context.fail(zqFormat(zqLocalized("there is no item “%@”; name it by its bundleID, its SHA1 or a path inside the library"), {reference}));
+            context.fail(zqFormat(
+                zqLocalized("there is no item “%@”; name it by its bundleID, its SHA1 or a path inside the library"),
+                {reference}));
             return std::nullopt;
         }
         for (const ZQRef<ZQLibraryBaseItem> &item : *found) {

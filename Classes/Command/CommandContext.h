@@ -18,8 +18,8 @@ class ZQLibraryBaseItem;
 template <class T>
 class ZQRef;
 
-// What a command works with: the open library, and where its words go. Collected instead of printed, because a command may
-// run in the process of a window for another process.
+// What a command works with: the open library, and where its words go. Collected instead of printed, because a command
+// may run in the process of a window for another process.
 struct CommandContext
 {
     tamberin_AppDelegate *delegate = nullptr; // null for commands that need no library
@@ -41,9 +41,11 @@ struct CommandContext
     }
 };
 
-// REF: titles from a top-level entry down ("PROJECTS/Clients/Brand"; a title may itself hold a slash), or an entry's UUID text.
-// Null with a message in `context` when there is none.
+// REF: titles from a top-level entry down ("PROJECTS/Clients/Brand"; a title may itself hold a slash), or an entry's
+// UUID text. Null with a message in `context` when there is none.
 ZQRef<ZQSidebarBaseItem> zqSidebarItemForReference(const QString &reference, CommandContext &context);
 
-// ITEM: a bundleID, a SHA1 (then every item with it) or a path inside the library. Nothing, with a message, when one of them names no item.
-std::optional<QList<ZQRef<ZQLibraryBaseItem>>> zqItemsForReferences(const QStringList &references, CommandContext &context);
+// ITEM: a bundleID, a SHA1 (then every item with it) or a path inside the library. Nothing, with a message, when one of
+// them names no item.
+std::optional<QList<ZQRef<ZQLibraryBaseItem>>> zqItemsForReferences(const QStringList &references,
+                                                                    CommandContext &context);

@@ -32,7 +32,10 @@ struct CommandLine::Options
 };
 
 namespace {
-QString text(const std::string &value) { return QString::fromStdString(value); }
+QString text(const std::string &value)
+{
+    return QString::fromStdString(value);
+}
 
 QStringList texts(const std::vector<std::string> &values)
 {
@@ -48,13 +51,15 @@ const char *const itemHelp = "Items: a bundleID, a SHA1 or a path inside the lib
 } // namespace
 
 CommandLine::CommandLine()
-    : m_app(std::make_unique<CLI::App>("Zelto keeps a designer's library of assets.", "zelto"))
-    , m_options(std::make_unique<Options>())
+    : m_app(std::make_unique<CLI::App>("Zelto keeps a designer's library of assets.", "zelto")),
+      m_options(std::make_unique<Options>())
 {
     m_app->require_subcommand(0, 1);
     m_app->fallthrough();
-    m_app->add_option("--library", m_options->library, "The library bundle to work on; without it the remembered one")->type_name("DIR");
-    m_app->add_option("files", m_options->files, "Files, folders or a library to open in the window")->type_name("FILE");
+    m_app->add_option("--library", m_options->library, "The library bundle to work on; without it the remembered one")
+        ->type_name("DIR");
+    m_app->add_option("files", m_options->files, "Files, folders or a library to open in the window")
+        ->type_name("FILE");
     defineImport();
     defineItems();
     defineDeletion();
@@ -66,7 +71,8 @@ CommandLine::CommandLine()
 
 CommandLine::~CommandLine() = default;
 
-CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary, std::function<int(CommandContext &)> run)
+CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary,
+                           std::function<int(CommandContext &)> run)
 {
     CLI::App *command = m_app->add_subcommand(name, help);
     command->callback([this, needsLibrary, run = std::move(run)] {
@@ -78,17 +84,26 @@ CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary
 
 void CommandLine::defineImport()
 {
-    CLI::App *command = add("import", "Import files and folders, and say what became items and what did not", true, [this](CommandContext &context) {
-        ImportRequest request{texts(m_options->paths), text(m_options->reference), m_options->index, texts(m_options->metadata)};
-        return zqRunImport(request, context);
-    });
+    CLI::App *command = add("import", "Import files and folders, and say what became items and what did not", true,
+                            [this](CommandContext &context) {
+                                ImportRequest request{texts(m_options->paths), text(m_options->reference),
+                                                      m_options->index, texts(m_options->metadata)};
+                                return zqRunImport(request, context);
+                            });
     command->add_option("paths", m_options->paths, "What to import")->required()->type_name("PATH");
     command->add_option("--into", m_options->reference, referenceHelp)->type_name("REF");
-    command->add_option("--index", m_options->index, "Position among what is there, from 0; without it at the end")->type_name("N");
-    command->add_option("--set", m_options->metadata, "An attribute that every imported item gets, as license=CC0")->type_name("KEY=VALUE")->allow_extra_args(false);
-    command->add_option("--duplicates", m_options->duplicates, "What to do with a file the library has: keep both, discard the new one, or relink the old one")
+    command->add_option("--index", m_options->index, "Position among what is there, from 0; without it at the end")
+        ->type_name("N");
+    command->add_option("--set", m_options->metadata, "An attribute that every imported item gets, as license=CC0")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--duplicates", m_options->duplicates,
+                     "What to do with a file the library has: keep both, discard the new one, or relink the old one")
         ->check(CLI::IsMember({"keep", "discard", "relink"}));
-    command->add_option("--unreadable", m_options->unreadable, "Skip files that cannot be read, or stop before anything is imported")
+    command
+        ->add_option("--unreadable", m_options->unreadable,
+                     "Skip files that cannot be read, or stop before anything is imported")
         ->check(CLI::IsMember({"skip", "stop"}));
     command->add_flag("--json", m_json, "Print one object: imported, dropped, notifications");
 }
@@ -102,7 +117,8 @@ void CommandLine::defineItems()
     items->add_flag("--deleted", m_options->deleted, "Those that were deleted and not yet purged, instead");
     items->add_flag("--json", m_json, "Print an array of objects keyed by attribute names");
 
-    CLI::App *sidebar = add("sidebar", "List the sidebar", true, [](CommandContext &context) { return zqRunSidebar(context); });
+    CLI::App *sidebar =
+        add("sidebar", "List the sidebar", true, [](CommandContext &context) { return zqRunSidebar(context); });
     sidebar->add_flag("--json", m_json, "Print an array of the top-level entries with their children");
 }
 
@@ -114,13 +130,15 @@ void CommandLine::defineDeletion()
     CLI::App *restore = add("restore", "Bring deleted items back", true,
                             [this](CommandContext &context) { return zqRunRestore(texts(m_options->items), context); });
     restore->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM");
-    add("purge", "Remove deleted items and their files for good, as quitting does", true, [](CommandContext &context) { return zqRunPurge(context); });
+    add("purge", "Remove deleted items and their files for good, as quitting does", true,
+        [](CommandContext &context) { return zqRunPurge(context); });
 }
 
 void CommandLine::defineVerify()
 {
-    CLI::App *command = add("verify", "Check that the store is sound and that every item has its files; exit status 1 when not", true,
-                            [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
+    CLI::App *command =
+        add("verify", "Check that the store is sound and that every item has its files; exit status 1 when not", true,
+            [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
     command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
     command->add_flag("--json", m_json, "Print one object: items, problems, orphans");
 }
@@ -137,14 +155,18 @@ void CommandLine::defineDefaults()
         });
         return action;
     };
-    CLI::App *read = addAction("read", "Print one preference, or all", [this](CommandContext &context) { return zqRunDefaultsRead(text(m_options->key), context); });
+    CLI::App *read = addAction("read", "Print one preference, or all", [this](CommandContext &context) {
+        return zqRunDefaultsRead(text(m_options->key), context);
+    });
     read->add_option("key", m_options->key)->type_name("KEY");
     read->add_flag("--json", m_json, "Print JSON");
     CLI::App *write = addAction("write", "Set a preference", [this](CommandContext &context) {
         return zqRunDefaultsWrite(text(m_options->key), text(m_options->value), context);
     });
     write->add_option("key", m_options->key)->required()->type_name("KEY");
-    write->add_option("value", m_options->value, "true, false, a number, a JSON value, or a text")->required()->type_name("VALUE");
+    write->add_option("value", m_options->value, "true, false, a number, a JSON value, or a text")
+        ->required()
+        ->type_name("VALUE");
     CLI::App *remove = addAction("delete", "Go back to a preference's default", [this](CommandContext &context) {
         return zqRunDefaultsDelete(text(m_options->key), context);
     });
@@ -156,13 +178,15 @@ void CommandLine::defineSnapshot()
     CLI::App *command = add("snapshot", "Draw the main window into a PNG file", true, [this](CommandContext &context) {
         SnapshotRequest request = m_snapshot;
         request.file = context.absolutePath(request.file);
-        return m_drawSnapshot ? m_drawSnapshot(request, context) : context.fail(zqLocalized("this program was built without a window"));
+        return m_drawSnapshot ? m_drawSnapshot(request, context)
+                              : context.fail(zqLocalized("this program was built without a window"));
     });
     command->add_option("file", m_options->file, "Where to write the picture")->required()->type_name("FILE.png");
     command->add_option("--size", m_options->size, "Size of the window in points")->type_name("WxH");
     command->add_option("--scale", m_options->scale, "Pixels a point")->check(CLI::Range(0.5, 4.0))->type_name("S");
     command->add_option("--select", m_options->reference, referenceHelp)->type_name("REF");
-    command->add_option("--theme", m_options->theme, "Instead of the preference")->check(CLI::IsMember({"dark", "light"}));
+    command->add_option("--theme", m_options->theme, "Instead of the preference")
+        ->check(CLI::IsMember({"dark", "light"}));
 }
 
 void CommandLine::defineDocumentation()
@@ -203,10 +227,14 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
         static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));
         const QRegularExpressionMatch size = pattern.match(text(m_options->size));
         if (!size.hasMatch()) {
-            *exitStatus = context.fail(zqFormat(zqLocalized("“%@” is no size; write it as 1280x800"), {text(m_options->size)}));
+            *exitStatus =
+                context.fail(zqFormat(zqLocalized("“%@” is no size; write it as 1280x800"), {text(m_options->size)}));
             return false;
         }
-        m_snapshot = {text(m_options->file), text(m_options->reference), {size.captured(1).toInt(), size.captured(2).toInt()}, m_options->scale,
+        m_snapshot = {text(m_options->file),
+                      text(m_options->reference),
+                      {size.captured(1).toInt(), size.captured(2).toInt()},
+                      m_options->scale,
                       text(m_options->theme)};
     }
     return true;
@@ -232,7 +260,8 @@ void describe(const CLI::App &command, const QString &name, QString &out)
         }
         const bool isFlag = option->get_items_expected_max() == 0;
         const QString type = isFlag ? QString() : text(option->get_type_name());
-        const QString label = option->get_positional() ? type : (text(option->get_name()) + (isFlag ? QString() : u' ' + type));
+        const QString label =
+            option->get_positional() ? type : (text(option->get_name()) + (isFlag ? QString() : u' ' + type));
         const QString several = option->get_items_expected_max() > 1 ? QStringLiteral("…") : QString();
         synopsis += u' ' + (option->get_required() ? label + several : u'[' + label + u']' + several);
         if (!option->get_description().empty()) {
@@ -248,14 +277,16 @@ void describe(const CLI::App &command, const QString &name, QString &out)
 
 QString CommandLine::markdown() const
 {
-    QString out = QStringLiteral(
-        "# Commands\n\n"
-        "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
-        "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one thing and exits. Every command takes "
-        "`--library DIR`; without it, the remembered library is meant. When a window has that library open, the command runs in the "
-        "window's process, so that two processes never write one library.\n\n"
-        "Only data goes to standard output; errors go to standard error. The exit status is 0, 1 when `verify` found something wrong, "
-        "and 2 after an error, in which case nothing was changed.\n");
+    QString out = QStringLiteral("# Commands\n\n"
+                                 "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
+                                 "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one "
+                                 "thing and exits. Every command takes "
+                                 "`--library DIR`; without it, the remembered library is meant. When a window has that "
+                                 "library open, the command runs in the "
+                                 "window's process, so that two processes never write one library.\n\n"
+                                 "Only data goes to standard output; errors go to standard error. The exit status is "
+                                 "0, 1 when `verify` found something wrong, "
+                                 "and 2 after an error, in which case nothing was changed.\n");
     describe(*m_app, QStringLiteral("zelto"), out);
     return out;
 }

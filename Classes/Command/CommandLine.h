@@ -25,8 +25,8 @@ struct SnapshotRequest
 enum class DuplicatePolicy { Keep, Discard, Relink };
 enum class UnreadablePolicy { Skip, Stop };
 
-// The command line, parsed once: what is asked, and the way to do it. The same definitions print the help, write docs/COMMANDS.md
-// and are run by a window for another process.
+// The command line, parsed once: what is asked, and the way to do it. The same definitions print the help, write
+// docs/COMMANDS.md and are run by a window for another process.
 class CommandLine
 {
 public:
@@ -47,7 +47,10 @@ public:
 
     int run(CommandContext &context) const { return m_run(context); }
     // Draws the window; set by `main`, since only it knows the interface.
-    void setSnapshotDrawer(std::function<int(const SnapshotRequest &, CommandContext &)> drawer) { m_drawSnapshot = std::move(drawer); }
+    void setSnapshotDrawer(std::function<int(const SnapshotRequest &, CommandContext &)> drawer)
+    {
+        m_drawSnapshot = std::move(drawer);
+    }
 
     // docs/COMMANDS.md.
     QString markdown() const;

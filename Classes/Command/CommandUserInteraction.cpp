@@ -17,10 +17,8 @@ class TerminalProgress : public UserProgress
 {
 public:
     TerminalProgress(const QString &text, double maximum, std::function<void()> cancel)
-        : cancelBlock(std::make_shared<std::function<void()>>(std::move(cancel)))
-        , m_text(text)
-        , m_maximum(maximum)
-        , m_isShown(::isatty(STDERR_FILENO) != 0)
+        : cancelBlock(std::make_shared<std::function<void()>>(std::move(cancel))), m_text(text), m_maximum(maximum),
+          m_isShown(::isatty(STDERR_FILENO) != 0)
     {
     }
     ~TerminalProgress() override
@@ -65,9 +63,15 @@ private:
 };
 } // namespace
 
-void CommandUserInteraction::presentError(const ZQError &error) { printError(error.localizedDescription()); }
+void CommandUserInteraction::presentError(const ZQError &error)
+{
+    printError(error.localizedDescription());
+}
 
-int CommandUserInteraction::ask(const UserQuestion &question) { return static_cast<int>(question.buttons.size()) - 1; }
+int CommandUserInteraction::ask(const UserQuestion &question)
+{
+    return static_cast<int>(question.buttons.size()) - 1;
+}
 
 void CommandUserInteraction::showNotificationWithText(const QString &, int, double)
 {
@@ -76,9 +80,15 @@ void CommandUserInteraction::showNotificationWithText(const QString &, int, doub
 
 void CommandUserInteraction::showSystemNotification(const QString &, const QString &) {}
 
-QStringList CommandUserInteraction::chooseFilesToOpen(const FileChoice &) { return {}; }
+QStringList CommandUserInteraction::chooseFilesToOpen(const FileChoice &)
+{
+    return {};
+}
 
-std::optional<QString> CommandUserInteraction::chooseFileToSave(const FileChoice &) { return std::nullopt; }
+std::optional<QString> CommandUserInteraction::chooseFileToSave(const FileChoice &)
+{
+    return std::nullopt;
+}
 
 bool CommandUserInteraction::resolveUnreadableFiles(QList<FileConflict> &conflicts)
 {
@@ -96,7 +106,8 @@ std::optional<QList<DuplicateChoice>> CommandUserInteraction::resolveDuplicates(
     return QList<DuplicateChoice>(pairs.size(), choice);
 }
 
-std::shared_ptr<UserProgress> CommandUserInteraction::beginProgress(const QString &text, double maximum, std::function<void()> cancel)
+std::shared_ptr<UserProgress> CommandUserInteraction::beginProgress(const QString &text, double maximum,
+                                                                    std::function<void()> cancel)
 {
     auto progress = std::make_shared<TerminalProgress>(text, maximum, std::move(cancel));
     m_cancel = progress->cancelBlock;

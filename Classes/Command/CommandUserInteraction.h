@@ -3,7 +3,8 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Command/CommandLine.h"
 
-// A person at a terminal, or nobody: errors and progress go to standard error, questions take the answer that changes least.
+// A person at a terminal, or nobody: errors and progress go to standard error, questions take the answer that changes
+// least.
 class CommandUserInteraction : public UserInteraction
 {
 public:
@@ -21,7 +22,8 @@ public:
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
     bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
     std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
-    std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum, std::function<void()> cancel) override;
+    std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
+                                                std::function<void()> cancel) override;
 
     // Cancels the work whose progress is shown, as Ctrl+C does. Main thread.
     void cancelCurrentWork();

@@ -5,15 +5,15 @@
 #include <QStringList>
 #include <QVariantMap>
 
-// What each command does, apart from how it is written on a command line. Each answers the exit status: 0, 1 when `verify` found
-// something, 2 after an error that changed nothing.
+// What each command does, apart from how it is written on a command line. Each answers the exit status: 0, 1 when
+// `verify` found something, 2 after an error that changed nothing.
 
 struct ImportRequest
 {
     QStringList paths;
-    QString into;           // REF; empty: the Library
-    qint64 index = -1;      // negative: at the end
-    QStringList metadata;   // "key=value"
+    QString into;         // REF; empty: the Library
+    qint64 index = -1;    // negative: at the end
+    QStringList metadata; // "key=value"
 };
 int zqRunImport(const ImportRequest &request, CommandContext &context);
 

@@ -50,7 +50,8 @@ int zqRunDefaultsRead(const QString &key, CommandContext &context)
     if (!key.isEmpty()) {
         const QVariant value = defaults.objectForKey(key);
         if (!value.isValid()) {
-            return context.fail(zqFormat(zqLocalized("there is no preference “%@”; `zelto defaults read` lists them"), {key}));
+            return context.fail(
+                zqFormat(zqLocalized("there is no preference “%@”; `zelto defaults read` lists them"), {key}));
         }
         if (context.json) {
             context.printJSON(QJsonObject{{key, jsonValue(value)}});
@@ -78,9 +79,10 @@ int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext 
     const QVariant before = PreferencesController::defaultPreferences().value(key);
     const QVariant wanted = parsed(value);
     const bool isNumber = before.typeId() == QMetaType::Int;
-    if ((before.typeId() == QMetaType::Bool && wanted.typeId() != QMetaType::Bool) || (isNumber && !wanted.canConvert<double>()) ||
-        (isNumber && wanted.typeId() == QMetaType::QString)) {
-        return context.fail(zqFormat(zqLocalized("“%@” is no value for %@; it is now %@"), {value, key, plainText(before)}));
+    if ((before.typeId() == QMetaType::Bool && wanted.typeId() != QMetaType::Bool) ||
+        (isNumber && !wanted.canConvert<double>()) || (isNumber && wanted.typeId() == QMetaType::QString)) {
+        return context.fail(
+            zqFormat(zqLocalized("“%@” is no value for %@; it is now %@"), {value, key, plainText(before)}));
     }
     ZQUserDefaults::standardUserDefaults().setObjectForKey(wanted, key);
     ZQUserDefaults::standardUserDefaults().synchronize();

@@ -5,7 +5,8 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 namespace {
-int changeItems(const QStringList &references, CommandContext &context, void (*change)(ZQLibraryBaseItem &), const char *one, const char *several)
+int changeItems(const QStringList &references, CommandContext &context, void (*change)(ZQLibraryBaseItem &),
+                const char *one, const char *several)
 {
     const auto items = zqItemsForReferences(references, context);
     if (!items) {

@@ -21,7 +21,9 @@ std::optional<QString> addMetadata(const QString &setting, QVariantMap &metadata
     const ZQEntityDescription *entity = zqCurrentModel()->entity(ZQLibraryBaseItem::entityName());
     const ZQAttributeDescription *attribute = equals > 0 ? entity->attribute(key) : nullptr;
     if (!attribute || attribute->type == ZQAttributeType::Binary) {
-        return zqFormat(zqLocalized("“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL"), {setting});
+        return zqFormat(
+            zqLocalized("“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL"),
+            {setting});
     }
     const QString text = setting.mid(equals + 1);
     bool isUnderstood = true;
@@ -62,9 +64,10 @@ void printReport(const ImportReport &report, CommandContext &context)
         for (const DroppedFile &file : report.dropped()) {
             dropped.append(QJsonObject{{QStringLiteral("path"), file.path}, {QStringLiteral("reason"), file.reason}});
         }
-        context.printJSON(QJsonObject{{QStringLiteral("imported"), QJsonArray::fromStringList(report.imported())},
-                                      {QStringLiteral("dropped"), dropped},
-                                      {QStringLiteral("notifications"), QJsonArray::fromStringList(report.notifications())}});
+        context.printJSON(
+            QJsonObject{{QStringLiteral("imported"), QJsonArray::fromStringList(report.imported())},
+                        {QStringLiteral("dropped"), dropped},
+                        {QStringLiteral("notifications"), QJsonArray::fromStringList(report.notifications())}});
         return;
     }
     const qsizetype count = report.imported().size();
@@ -102,7 +105,8 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
         }
     }
     const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
-    const auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths(paths, target->objectID(), index, metadata);
+    const auto operation =
+        AImportManager::sharedAImportManager().startImportOfFilesAtPaths(paths, target->objectID(), index, metadata);
     if (!operation) {
         return context.fail(zqLocalized("the library is not open"));
     }

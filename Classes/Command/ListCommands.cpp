@@ -12,7 +12,10 @@
 #include <QJsonObject>
 
 namespace {
-QJsonValue pathOrNull(const QString &path) { return path.isEmpty() ? QJsonValue() : QJsonValue(path); }
+QJsonValue pathOrNull(const QString &path)
+{
+    return path.isEmpty() ? QJsonValue() : QJsonValue(path);
+}
 
 QJsonObject itemObject(ZQLibraryBaseItem &item)
 {
@@ -86,7 +89,8 @@ QJsonObject sidebarObject(ZQSidebarBaseItem &item)
 void printTree(const QJsonObject &node, int depth, CommandContext &context)
 {
     const qint64 count = node.value(QStringLiteral("numberOfItems")).toInteger();
-    const QString counted = node.value(QStringLiteral("is_Label")).toBool() ? QString() : QStringLiteral("  (%1)").arg(count);
+    const QString counted =
+        node.value(QStringLiteral("is_Label")).toBool() ? QString() : QStringLiteral("  (%1)").arg(count);
     context.print(QString(depth * 2, u' ') + node.value(QStringLiteral("title")).toString() + counted);
     for (const QJsonValue &child : node.value(QStringLiteral("children")).toArray()) {
         printTree(child.toObject(), depth + 1, context);
@@ -105,7 +109,8 @@ int zqRunItems(const ItemsRequest &request, CommandContext &context)
         if (context.json) {
             array.append(itemObject(*item));
         } else {
-            context.print(item->bundleID() + u'\t' + item->title() + (item->extension().isEmpty() ? QString() : u'.' + item->extension()));
+            context.print(item->bundleID() + u'\t' + item->title() +
+                          (item->extension().isEmpty() ? QString() : u'.' + item->extension()));
         }
     }
     if (context.json) {
@@ -116,7 +121,8 @@ int zqRunItems(const ItemsRequest &request, CommandContext &context)
 
 int zqRunSidebar(CommandContext &context)
 {
-    ZQFetchRequest request{ZQSidebarBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("father == nil &&  active == YES"))};
+    ZQFetchRequest request{ZQSidebarBaseItem::entityName(),
+                           ZQPredicate::predicateWithFormat(QStringLiteral("father == nil &&  active == YES"))};
     request.sortDescriptors = {{QStringLiteral("is_Tag")}, {QStringLiteral("order")}};
     ZQError error;
     const auto nodes = context.store().fetch<ZQSidebarBaseItem>(request, &error);

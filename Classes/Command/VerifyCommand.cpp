@@ -41,7 +41,8 @@ void checkItem(ZQLibraryBaseItem &item, bool deep, Findings &findings)
     if (digest.isEmpty()) {
         findings.problems.append(name + QStringLiteral(": ") + error.localizedDescription());
     } else if (QString::fromLatin1(digest) != item.SHA1()) {
-        findings.problems.append(zqFormat(zqLocalized("%@: the file's content has changed since it was imported"), {name}));
+        findings.problems.append(
+            zqFormat(zqLocalized("%@: the file's content has changed since it was imported"), {name}));
     }
 }
 
@@ -75,7 +76,8 @@ bool checkItems(bool deep, CommandContext &context, Findings &findings)
             }
         }
     }
-    QDirIterator entries(context.delegate->libraryDirectory(), {QStringLiteral("*.ztlibraryitem")}, QDir::Dirs | QDir::NoDotAndDotDot);
+    QDirIterator entries(context.delegate->libraryDirectory(), {QStringLiteral("*.ztlibraryitem")},
+                         QDir::Dirs | QDir::NoDotAndDotDot);
     while (entries.hasNext()) {
         entries.next();
         if (!known.contains(entries.fileInfo().completeBaseName())) {
@@ -97,7 +99,8 @@ int zqRunVerify(bool deep, CommandContext &context)
                                       {QStringLiteral("problems"), QJsonArray::fromStringList(findings.problems)},
                                       {QStringLiteral("orphans"), QJsonArray::fromStringList(findings.orphans)}});
     } else {
-        context.print(findings.items == 1 ? zqLocalized("1 item checked") : zqFormat(zqLocalized("%d items checked"), {findings.items}));
+        context.print(findings.items == 1 ? zqLocalized("1 item checked")
+                                          : zqFormat(zqLocalized("%d items checked"), {findings.items}));
         for (const QString &problem : findings.problems) {
             context.print(problem);
         }

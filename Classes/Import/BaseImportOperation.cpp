@@ -374,7 +374,8 @@ void BaseImportOperation::createThumbForItem()
     ZQError error;
     const bool showsFileItself = AImportManager::canSkipThumbForPath(m_filePath);
     if (showsFileItself) {
-        // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from this.
+        // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from
+        // this.
         m_thumbnail = ZQImageSource::thumbnailOfFile(m_filePath, ColorFinder::decodedSize, &error);
     } else {
         m_thumbnailPath = makeThumbnail(&error);
@@ -441,7 +442,8 @@ void BaseImportOperation::importOpenMetaNotes()
 QStringList BaseImportOperation::findColors()
 {
     if (m_thumbnailPath.isEmpty()) {
-        return m_thumbnail.isNull() ? ColorFinder::colorsForImageURL(m_filePath) : ColorFinder::colorsForBitmap(m_thumbnail);
+        return m_thumbnail.isNull() ? ColorFinder::colorsForImageURL(m_filePath)
+                                    : ColorFinder::colorsForBitmap(m_thumbnail);
     }
     // A PNG thumbnail holds the very pixels that were made; those of a JPEG are known only after reading it back.
     const bool isExact = m_thumbnailPath.endsWith(QStringLiteral(".png")) && !m_thumbnail.isNull();

@@ -14,8 +14,7 @@ class DesktopActivation : public QObject
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 public:
     DesktopActivation(std::function<void(const QStringList &)> open, QObject *parent)
-        : QObject(parent)
-        , m_open(std::move(open))
+        : QObject(parent), m_open(std::move(open))
     {
     }
 

@@ -17,13 +17,14 @@ constexpr int connectMilliseconds = 2000;
 const QString busName = QStringLiteral("org.zelto.Zelto");
 const QString busPath = QStringLiteral("/org/zelto/Zelto");
 
-QByteArray line(const QJsonObject &object) { return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n'; }
+QByteArray line(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
 } // namespace
 
 InstanceServer::InstanceServer(const QString &socketName, Handler handler, QObject *parent)
-    : QObject(parent)
-    , m_socketName(socketName)
-    , m_handler(std::move(handler))
+    : QObject(parent), m_socketName(socketName), m_handler(std::move(handler))
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
@@ -84,7 +85,8 @@ void InstanceServer::readFrom(QLocalSocket *socket)
     alive->disconnectFromServer();
 }
 
-std::optional<InstanceReply> InstanceServer::send(const QString &socketName, const InstanceRequest &request, ZQError *error)
+std::optional<InstanceReply> InstanceServer::send(const QString &socketName, const InstanceRequest &request,
+                                                  ZQError *error)
 {
     QLocalSocket socket;
     socket.connectToServer(socketName);
@@ -98,13 +100,16 @@ std::optional<InstanceReply> InstanceServer::send(const QString &socketName, con
     QByteArray received;
     while (!received.endsWith('\n')) {
         if (!socket.bytesAvailable() && !socket.waitForReadyRead(-1)) {
-            zqSetError(error, ZQError::with(QStringLiteral("zelto.instance"), 3,
-                                            zqLocalized("The Zelto that has this library open ended before it answered.")));
+            zqSetError(error,
+                       ZQError::with(QStringLiteral("zelto.instance"), 3,
+                                     zqLocalized("The Zelto that has this library open ended before it answered.")));
             return std::nullopt;
         }
         received += socket.readAll();
     }
     const QJsonObject reply = QJsonDocument::fromJson(received).object();
-    const auto bytes = [&](const char *key) { return QByteArray::fromBase64(reply.value(QLatin1String(key)).toString().toLatin1()); };
+    const auto bytes = [&](const char *key) {
+        return QByteArray::fromBase64(reply.value(QLatin1String(key)).toString().toLatin1());
+    };
     return InstanceReply{reply.value(QStringLiteral("status")).toInt(2), bytes("output"), bytes("errors")};
 }

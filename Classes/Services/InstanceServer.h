@@ -25,8 +25,8 @@ struct InstanceReply
     QByteArray errors;
 };
 
-// Lets processes of the same user hand their work to the one that holds a library: a local socket named after the bundle,
-// and the desktop's activation interface (org.freedesktop.Application) on the session bus. Main thread.
+// Lets processes of the same user hand their work to the one that holds a library: a local socket named after the
+// bundle, and the desktop's activation interface (org.freedesktop.Application) on the session bus. Main thread.
 //
 // One request a connection: a line of JSON {"arguments", "cwd"}, answered by a line {"status", "output", "errors"}.
 class InstanceServer : public QObject
@@ -42,9 +42,10 @@ public:
     // Offers the desktop's activation; false when there is no session bus or another Zelto offers it.
     bool registerOnSessionBus(std::function<void(const QStringList &paths)> open);
 
-    // The other side: nothing, with an error, when nobody answers on that socket. Waits for the reply as long as the work
-    // takes.
-    static std::optional<InstanceReply> send(const QString &socketName, const InstanceRequest &request, ZQError *error = nullptr);
+    // The other side: nothing, with an error, when nobody answers on that socket. Waits for the reply as long as the
+    // work takes.
+    static std::optional<InstanceReply> send(const QString &socketName, const InstanceRequest &request,
+                                             ZQError *error = nullptr);
 
 private:
     void readFrom(QLocalSocket *socket);

@@ -4,8 +4,8 @@
 
 #include <QString>
 
-// Knows where updates are announced. On this desktop the package manager installs them, so nothing is fetched: the check
-// tells the person how to get a newer version.
+// Knows where updates are announced. On this desktop the package manager installs them, so nothing is fetched: the
+// check tells the person how to get a newer version.
 class SoftwareUpdater : public SoftwareUpdating
 {
 public:

@@ -9,7 +9,8 @@
 #include <optional>
 
 // Extended attributes of files. Names are given without the `user.` name space, which is added here and nowhere else.
-// Links are never followed. Errors are of the POSIX domain; a file system without attributes answers ENOTSUP. Any thread.
+// Links are never followed. Errors are of the POSIX domain; a file system without attributes answers ENOTSUP. Any
+// thread.
 namespace ZQExtendedAttributes {
 
 // Nothing, with no error, when the attribute is not there.

@@ -8,7 +8,8 @@
 #include <optional>
 
 // Property lists as variants: QString, qlonglong, double, bool, QDateTime (UTC), QByteArray, QVariantList, QVariantMap.
-// Reads the binary and the XML form (the format of property list files on another desktop); bounded in depth. Any thread.
+// Reads the binary and the XML form (the format of property list files on another desktop); bounded in depth. Any
+// thread.
 namespace ZQPropertyList {
 
 std::optional<QVariant> fromData(const QByteArray &data, ZQError *error = nullptr);

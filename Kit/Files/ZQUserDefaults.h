@@ -8,9 +8,10 @@
 #include <functional>
 #include <memory>
 
-// What the user set, by key, in one file of the configuration folder ($XDG_CONFIG_HOME/Zelto/defaults.json), over defaults that
-// the application registers. Writes are atomic and merge with those of other processes (a lock file beside it); reading
-// notices a changed file. Values: bool, integers, doubles, QString, QByteArray, QDateTime, lists and maps of them. Any thread.
+// What the user set, by key, in one file of the configuration folder ($XDG_CONFIG_HOME/Zelto/defaults.json), over
+// defaults that the application registers. Writes are atomic and merge with those of other processes (a lock file
+// beside it); reading notices a changed file. Values: bool, integers, doubles, QString, QByteArray, QDateTime, lists
+// and maps of them. Any thread.
 class ZQUserDefaults
 {
 public:
@@ -29,7 +30,7 @@ public:
 
     void setObjectForKey(const QVariant &value, const QString &key); // an invalid value removes the key
     void removeObjectForKey(const QString &key);
-    QStringList keys() const;        // set or registered, sorted
+    QStringList keys() const; // set or registered, sorted
     bool isSet(const QString &key) const;
     void synchronize();
 

@@ -24,5 +24,6 @@ ZQError ZQError::with(const QString &domain, int code, const QString &descriptio
 
 ZQError ZQError::posix(int errnoValue, const QString &what)
 {
-    return with(posixDomain, errnoValue, what + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errnoValue)));
+    return with(posixDomain, errnoValue,
+                what + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errnoValue)));
 }

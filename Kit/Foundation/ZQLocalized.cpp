@@ -2,9 +2,15 @@
 
 #include <QCoreApplication>
 
-QString zqLocalized(const QString &key) { return zqLocalized(key.toUtf8().constData()); }
+QString zqLocalized(const QString &key)
+{
+    return zqLocalized(key.toUtf8().constData());
+}
 
-QString zqLocalized(const char *key) { return QCoreApplication::translate("Zelto", key); }
+QString zqLocalized(const char *key)
+{
+    return QCoreApplication::translate("Zelto", key);
+}
 
 QString zqFormat(const QString &format, const QVariantList &arguments)
 {

@@ -19,9 +19,7 @@ bool isTraced(const char *subsystem)
 } // namespace
 
 ZQTrace::ZQTrace(const char *subsystem, const char *what)
-    : m_subsystem(subsystem)
-    , m_what(what)
-    , m_enabled(isTraced(subsystem))
+    : m_subsystem(subsystem), m_what(what), m_enabled(isTraced(subsystem))
 {
     if (m_enabled) {
         m_start = std::chrono::steady_clock::now();

@@ -15,27 +15,16 @@ class ZQRef
 public:
     ZQRef() = default;
     ZQRef(std::nullptr_t) {}
-    explicit ZQRef(T *object)
-        : m_object(object)
+    explicit ZQRef(T *object) : m_object(object)
     {
         if (m_object) {
             m_object->retain();
         }
     }
-    ZQRef(const ZQRef &other)
-        : ZQRef(other.m_object)
-    {
-    }
-    ZQRef(ZQRef &&other) noexcept
-        : m_object(std::exchange(other.m_object, nullptr))
-    {
-    }
+    ZQRef(const ZQRef &other) : ZQRef(other.m_object) {}
+    ZQRef(ZQRef &&other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U *, T *>
-    ZQRef(const ZQRef<U> &other)
-        : ZQRef(static_cast<T *>(other.get()))
-    {
-    }
+    requires std::is_convertible_v<U *, T *> ZQRef(const ZQRef<U> &other) : ZQRef(static_cast<T *>(other.get())) {}
     ~ZQRef()
     {
         if (m_object) {

@@ -15,8 +15,9 @@ class ZQManagedObject;
 // Integer64 qint64, Float float, Double double, Date QDateTime (UTC, milliseconds), Binary QByteArray. A to-one
 // relationship is a qint64 holding the target's key (negative while temporary, 0 for none).
 //
-// A null String is a null QString, a null Date an invalid QDateTime, a null Binary a null QByteArray; a number or boolean
-// is null by its bit in the object's null mask and reads as 0 then. A field's position in the table is its bit: at most 64.
+// A null String is a null QString, a null Date an invalid QDateTime, a null Binary a null QByteArray; a number or
+// boolean is null by its bit in the object's null mask and reads as 0 then. A field's position in the table is its bit:
+// at most 64.
 struct ZQField
 {
     const char *name;
@@ -29,8 +30,8 @@ struct ZQField
 struct ZQEntityClass
 {
     const char *entityName;
-    std::span<const ZQField> fields;                 // of the root entity's row, shared by its whole family
-    ZQManagedObject *(*create)();                    // a new object with all fields null
+    std::span<const ZQField> fields; // of the root entity's row, shared by its whole family
+    ZQManagedObject *(*create)();    // a new object with all fields null
 };
 
 class ZQEntityRegistry

@@ -9,10 +9,10 @@
 struct ZQFetchRequest
 {
     QString entityName;
-    ZQPredicate predicate = {};                 // null: everything
+    ZQPredicate predicate = {}; // null: everything
     QList<ZQSortDescriptor> sortDescriptors = {};
     bool includesSubentities = true;
-    bool includesPendingChanges = true;         // unsaved changes of the context count
-    int fetchLimit = 0;                         // 0: all
+    bool includesPendingChanges = true; // unsaved changes of the context count
+    int fetchLimit = 0;                 // 0: all
     int fetchOffset = 0;
 };

@@ -16,9 +16,18 @@ class ZQModelPlan;
 struct ZQEntityPlan;
 
 // Whether a value stands for null by itself.
-inline bool zqIsNullValue(const QString &value) { return value.isNull(); }
-inline bool zqIsNullValue(const QByteArray &value) { return value.isNull(); }
-inline bool zqIsNullValue(const QDateTime &value) { return !value.isValid(); }
+inline bool zqIsNullValue(const QString &value)
+{
+    return value.isNull();
+}
+inline bool zqIsNullValue(const QByteArray &value)
+{
+    return value.isNull();
+}
+inline bool zqIsNullValue(const QDateTime &value)
+{
+    return !value.isValid();
+}
 template <class V>
 bool zqIsNullValue(const V &)
 {
@@ -27,8 +36,8 @@ bool zqIsNullValue(const V &)
 
 // One object of a context: a typed row, the identifiers of its related objects, and what changed since the last save.
 //
-// Belongs to its context's thread. Held by `ZQRef`; an unchanged object nobody holds is dropped by the context. An object
-// is a fault until one of its values is read; the read fills it together with other faults of the same entity.
+// Belongs to its context's thread. Held by `ZQRef`; an unchanged object nobody holds is dropped by the context. An
+// object is a fault until one of its values is read; the read fills it together with other faults of the same entity.
 // An object that was deleted, or whose context is gone, keeps the values last read and has no context.
 class ZQManagedObject
 {
@@ -52,15 +61,18 @@ public:
     bool hasChangeForKey(const QString &key) const;
 
     // Key-value access by attribute or relationship name. A to-one relationship is a ZQObjectID (invalid for none), a
-    // to-many a QVariantList of ZQObjectID. An unknown key answers an invalid variant, or changes nothing, and is logged.
+    // to-many a QVariantList of ZQObjectID. An unknown key answers an invalid variant, or changes nothing, and is
+    // logged.
     QVariant valueForKey(const QString &key) const;
     void setValueForKey(const QVariant &value, const QString &key);
 
-    // Related objects by relationship name; the inverse is kept by the context. Order is that of the store's keys, new ones last.
+    // Related objects by relationship name; the inverse is kept by the context. Order is that of the store's keys, new
+    // ones last.
     ZQRef<ZQManagedObject> relatedObject(const QString &toOne) const;
     void setRelatedObject(const QString &toOne, ZQManagedObject *target);
-    QList<ZQRef<ZQManagedObject>> relatedObjects(const QString &toMany) const; // fetches the rows not yet held in one query
-    QList<ZQObjectID> relatedObjectIDs(const QString &toMany) const;           // identifiers only
+    QList<ZQRef<ZQManagedObject>>
+    relatedObjects(const QString &toMany) const;                     // fetches the rows not yet held in one query
+    QList<ZQObjectID> relatedObjectIDs(const QString &toMany) const; // identifiers only
     void addRelatedObject(const QString &toMany, ZQManagedObject *target);
     void removeRelatedObject(const QString &toMany, ZQManagedObject *target);
 

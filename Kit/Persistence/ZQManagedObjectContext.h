@@ -9,8 +9,8 @@
 #include <optional>
 
 enum class ZQMergePolicy {
-    Error,                // a row changed by others fails the save
-    PropertyObjectTrump,  // attribute by attribute: what was changed here wins, the rest comes from the store
+    Error,               // a row changed by others fails the save
+    PropertyObjectTrump, // attribute by attribute: what was changed here wins, the rest comes from the store
 };
 
 // What a save changed; a value that may cross threads. `updated` includes objects whose to-many relationships changed.
@@ -49,8 +49,9 @@ public:
     // Marks for deletion at the next save, following delete rules. Deleting a never-saved object just forgets it.
     void deleteObject(ZQManagedObject *object);
 
-    // The object with this identifier: the held one, or a fault that is not checked against the store. Null for a null identifier,
-    // a temporary identifier this context does not know, or one whose entity cannot be told without the store and has no row.
+    // The object with this identifier: the held one, or a fault that is not checked against the store. Null for a null
+    // identifier, a temporary identifier this context does not know, or one whose entity cannot be told without the
+    // store and has no row.
     ZQRef<ZQManagedObject> objectWithID(const ZQObjectID &id);
     // The same, read from the store at once; null when the row is gone.
     ZQRef<ZQManagedObject> existingObjectWithID(const ZQObjectID &id, ZQError *error = nullptr);
@@ -58,7 +59,8 @@ public:
     ZQRef<ZQManagedObject> objectWithURIRepresentation(const QString &uri);
 
     // Fetches. Unsaved changes of this context count unless the request says otherwise. Nothing after an error.
-    std::optional<QList<ZQRef<ZQManagedObject>>> executeFetchRequest(const ZQFetchRequest &request, ZQError *error = nullptr);
+    std::optional<QList<ZQRef<ZQManagedObject>>> executeFetchRequest(const ZQFetchRequest &request,
+                                                                     ZQError *error = nullptr);
     template <class T>
     std::optional<QList<ZQRef<T>>> fetch(const ZQFetchRequest &request, ZQError *error = nullptr)
     {
@@ -79,11 +81,13 @@ public:
     std::optional<QList<ZQObjectID>> fetchObjectIDs(const ZQFetchRequest &request, ZQError *error = nullptr);
     std::optional<qint64> countForFetchRequest(const ZQFetchRequest &request, ZQError *error = nullptr);
     // One map a row with the named attributes; saved state only, no objects made.
-    std::optional<QList<QVariantMap>> fetchDictionaries(const ZQFetchRequest &request, const QStringList &attributes, ZQError *error = nullptr);
+    std::optional<QList<QVariantMap>> fetchDictionaries(const ZQFetchRequest &request, const QStringList &attributes,
+                                                        ZQError *error = nullptr);
     // Makes sure the rows of these objects are in memory: one query for every 500 faults among them.
     void fillFaults(const QList<ZQObjectID> &ids);
 
-    // One transaction. Everything or nothing: after a failure all changes are still pending. True when nothing was to save.
+    // One transaction. Everything or nothing: after a failure all changes are still pending. True when nothing was to
+    // save.
     bool save(ZQError *error = nullptr);
     bool hasChanges() const;
     QList<ZQRef<ZQManagedObject>> insertedObjects() const;
@@ -95,14 +99,15 @@ public:
     void processPendingChanges(); // announces what changed since the last announcement
     void refreshObject(ZQManagedObject *object, bool mergeChanges);
 
-    // Brings the state of another context's save into the held objects: unchanged ones become faults, changed ones keep their own
-    // unsaved values over the new row, deleted ones go. Linear in the notification.
+    // Brings the state of another context's save into the held objects: unchanged ones become faults, changed ones keep
+    // their own unsaved values over the new row, deleted ones go. Linear in the notification.
     void mergeChangesFromContextDidSaveNotification(const ZQContextDidSave &notification);
 
     // Observers are called on this context's thread and live until their token is destroyed or reset.
     using Token = std::shared_ptr<void>;
     [[nodiscard]] Token observeDidSave(std::function<void(const ZQContextDidSave &)> observer);
-    // After processPendingChanges, a save or a merge: what became different in this context, temporary identifiers included.
+    // After processPendingChanges, a save or a merge: what became different in this context, temporary identifiers
+    // included.
     [[nodiscard]] Token observeObjectsDidChange(std::function<void(const ZQContextDidSave &)> observer);
 
     struct Private; // of this folder only

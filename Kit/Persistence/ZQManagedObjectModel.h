@@ -62,10 +62,10 @@ public:
     QString renamingIdentifier;
     bool isAbstract = false;
     const ZQEntityDescription *parent = nullptr;
-    const ZQEntityDescription *root = nullptr; // itself for a root
+    const ZQEntityDescription *root = nullptr;            // itself for a root
     std::vector<const ZQEntityDescription *> subentities; // direct ones
-    QString tableName; // the root's
-    int code = 0;      // the value of the entity column for rows of exactly this entity; unique within the model
+    QString tableName;                                    // the root's
+    int code = 0; // the value of the entity column for rows of exactly this entity; unique within the model
 
     std::vector<ZQAttributeDescription> attributes;
     std::vector<ZQRelationshipDescription> relationships;
@@ -73,7 +73,7 @@ public:
     bool isKindOf(const ZQEntityDescription *other) const;
     // The codes of this entity and all entities below it.
     QList<int> codesIncludingSubentities() const;
-    const ZQAttributeDescription *attribute(const QString &attributeName) const;       // null when there is none
+    const ZQAttributeDescription *attribute(const QString &attributeName) const;          // null when there is none
     const ZQRelationshipDescription *relationship(const QString &relationshipName) const; // null when there is none
 
     // A digest of everything that decides the entity's stored form (names, types, optionality, relationships, parent).
@@ -86,8 +86,8 @@ public:
     // Reads one model from the JSON text of a `.zqmodel` version file:
     //   { "versionIdentifiers": ["Version7"],
     //     "entities": [ { "name", "parent"?, "abstract"?, "renamingIdentifier"?,
-    //                     "attributes": [ { "name", "type", "optional"?, "indexed"?, "default"?, "renamingIdentifier"? } ],
-    //                     "relationships": [ { "name", "destination", "inverse", "toMany"?, "deleteRule"?,
+    //                     "attributes": [ { "name", "type", "optional"?, "indexed"?, "default"?, "renamingIdentifier"?
+    //                     } ], "relationships": [ { "name", "destination", "inverse", "toMany"?, "deleteRule"?,
     //                                          "renamingIdentifier"? } ] } ] }
     // Types are written as the names of `ZQAttributeType` in lower camel case ("string", "integer32", …), rules as
     // "nullify", "cascade", "deny". Null with an error that names the entity and property at fault.

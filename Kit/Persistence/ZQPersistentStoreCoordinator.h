@@ -27,16 +27,16 @@ struct ZQStoreOptions
 };
 
 enum class ZQStoreError {
-    CannotOpen = 1,   // missing folder, permissions, not a database
-    Damaged,          // the file is a database but does not pass its checks
-    NewerVersion,     // made by a later version of the application
-    NeedsMigration,   // older, and migration was not asked for
-    MigrationFailed,  // the old store is untouched
-    Locked,           // another process writes and did not finish within the busy timeout
+    CannotOpen = 1,  // missing folder, permissions, not a database
+    Damaged,         // the file is a database but does not pass its checks
+    NewerVersion,    // made by a later version of the application
+    NeedsMigration,  // older, and migration was not asked for
+    MigrationFailed, // the old store is untouched
+    Locked,          // another process writes and did not finish within the busy timeout
     DiskFull,
     ReadOnly,
-    Conflict,         // a save met rows changed by others; `userInfo["conflicts"]` holds the identifiers
-    Validation,       // a required attribute was null
+    Conflict,   // a save met rows changed by others; `userInfo["conflicts"]` holds the identifiers
+    Validation, // a required attribute was null
     Other,
 };
 inline const QString ZQStoreErrorDomain = QStringLiteral("ZQStore");
@@ -47,20 +47,22 @@ class ZQPersistentStoreCoordinator : public std::enable_shared_from_this<ZQPersi
 {
 public:
     // Opens `path`, making an empty store when there is no file. An older store is migrated by inference inside one
-    // transaction after a copy was put beside it (PATH.before-VERSION, removed once the migration is committed); a failed migration
-    // leaves it as it was. A store of a newer version is refused. Null with `error` (domain ZQStoreErrorDomain).
-    static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model, const QString &path,
-                                                              const ZQStoreOptions &options = {}, ZQError *error = nullptr);
+    // transaction after a copy was put beside it (PATH.before-VERSION, removed once the migration is committed); a
+    // failed migration leaves it as it was. A store of a newer version is refused. Null with `error` (domain
+    // ZQStoreErrorDomain).
+    static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model,
+                                                              const QString &path, const ZQStoreOptions &options = {},
+                                                              ZQError *error = nullptr);
     ~ZQPersistentStoreCoordinator();
 
     // Reads a store's metadata without migrating or changing it. Nothing when `path` is no store.
     static std::optional<ZQStoreMetadata> metadataForStoreAtPath(const QString &path, ZQError *error = nullptr);
     static bool isModelCompatible(const ZQManagedObjectModel &model, const ZQStoreMetadata &metadata);
 
-    // Copies what can be read of a damaged store into a new one at `path` and keeps the old file beside it; the answer is
-    // the path of the kept file.
-    static std::optional<QString> recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model, const QString &path,
-                                                     ZQError *error = nullptr);
+    // Copies what can be read of a damaged store into a new one at `path` and keeps the old file beside it; the answer
+    // is the path of the kept file.
+    static std::optional<QString> recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model,
+                                                     const QString &path, ZQError *error = nullptr);
 
     const std::shared_ptr<const ZQManagedObjectModel> &managedObjectModel() const { return m_model; }
     QString path() const { return m_path; }

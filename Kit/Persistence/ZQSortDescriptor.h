@@ -5,8 +5,8 @@
 #include <QList>
 #include <QString>
 
-// One key of a sort order. Null sorts before every value; ties fall to the next descriptor, at last to the object's key,
-// so that an order is total and both back ends agree.
+// One key of a sort order. Null sorts before every value; ties fall to the next descriptor, at last to the object's
+// key, so that an order is total and both back ends agree.
 struct ZQSortDescriptor
 {
     enum class Comparison {
@@ -25,8 +25,9 @@ struct ZQSQLOrder
     QString joins;
     QString orderBy;
 };
-std::optional<ZQSQLOrder> zqSQLForSortDescriptors(const QList<ZQSortDescriptor> &descriptors, const ZQEntityDescription *entity,
-                                                  const QString &alias, ZQError *error = nullptr);
+std::optional<ZQSQLOrder> zqSQLForSortDescriptors(const QList<ZQSortDescriptor> &descriptors,
+                                                  const ZQEntityDescription *entity, const QString &alias,
+                                                  ZQError *error = nullptr);
 
 // Negative, zero or positive as `a` comes before, with or after `b`.
 int zqCompareObjects(const ZQManagedObject *a, const ZQManagedObject *b, const QList<ZQSortDescriptor> &descriptors);

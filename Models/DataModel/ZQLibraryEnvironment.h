@@ -9,8 +9,8 @@
 
 class ZQLibraryBaseItem;
 
-// What the entities need from the application they live in. The application installs its own at launch, a test a scratch one.
-// Main or background thread, as the caller's context.
+// What the entities need from the application they live in. The application installs its own at launch, a test a
+// scratch one. Main or background thread, as the caller's context.
 class ZQLibraryEnvironment
 {
 public:

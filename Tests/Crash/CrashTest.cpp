@@ -1,5 +1,6 @@
 // Kills the program (SIGKILL) at random moments of an import and of a purge, starts it again and looks at what is left:
-// the store opens, every item has its file, nothing of the temporary area is lost, leftovers go, the same import completes.
+// the store opens, every item has its file, nothing of the temporary area is lost, leftovers go, the same import
+// completes.
 //
 // zelto_crash_test ZELTO COUNT [SEED]
 
@@ -32,7 +33,8 @@ QString digestOf(const QString &path)
 {
     QFile file(path);
     QCryptographicHash hash(QCryptographicHash::Sha1);
-    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? QString::fromLatin1(hash.result().toHex()) : QString();
+    return file.open(QIODevice::ReadOnly) && hash.addData(&file) ? QString::fromLatin1(hash.result().toHex())
+                                                                 : QString();
 }
 
 // Noise, so that every file has its own digest and some weight.
@@ -50,8 +52,7 @@ class World
 {
 public:
     explicit World(const QString &zelto)
-        : m_zelto(zelto)
-        , m_folder(QDir::currentPath() + QStringLiteral("/crash-XXXXXX"))
+        : m_zelto(zelto), m_folder(QDir::currentPath() + QStringLiteral("/crash-XXXXXX"))
     {
         for (const char *name : {"data", "config", "run", "tmp", "input"}) {
             QDir().mkpath(path(QLatin1String(name)));
@@ -98,11 +99,7 @@ private:
 class CrashTest
 {
 public:
-    CrashTest(const QString &zelto, quint32 seed)
-        : m_world(zelto)
-        , m_random(seed)
-    {
-    }
+    CrashTest(const QString &zelto, quint32 seed) : m_world(zelto), m_random(seed) {}
 
     bool round(int number)
     {
@@ -129,8 +126,10 @@ public:
 private:
     QStringList importArguments() const
     {
-        return {QStringLiteral("import"), QStringLiteral("--duplicates"), QStringLiteral("discard"), m_world.path(QStringLiteral("input")),
-                m_world.temporaryArea(), QStringLiteral("--into"), QStringLiteral("PROJECTS"), QStringLiteral("--json")};
+        return {QStringLiteral("import"),   QStringLiteral("--duplicates"),
+                QStringLiteral("discard"),  m_world.path(QStringLiteral("input")),
+                m_world.temporaryArea(),    QStringLiteral("--into"),
+                QStringLiteral("PROJECTS"), QStringLiteral("--json")};
     }
 
     void makeInput()
@@ -169,7 +168,8 @@ private:
     {
         int status = 0;
         m_world.run(importArguments(), &status);
-        const QJsonArray items = QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
+        const QJsonArray items =
+            QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
         QStringList arguments{QStringLiteral("delete")};
         for (const QJsonValue &item : items) {
             if (m_random.bounded(2) == 0) {
@@ -192,9 +192,11 @@ private:
 
     bool nothingLost()
     {
-        QSet<QString> found = digestsBelow(m_world.temporaryArea()) + digestsBelow(m_world.library() + QStringLiteral("/Library"));
+        QSet<QString> found =
+            digestsBelow(m_world.temporaryArea()) + digestsBelow(m_world.library() + QStringLiteral("/Library"));
         const QSet<QString> lost = m_temporary - found;
-        return lost.isEmpty() || complain(QStringLiteral("%1 files of the temporary area are nowhere").arg(lost.size()));
+        return lost.isEmpty() ||
+               complain(QStringLiteral("%1 files of the temporary area are nowhere").arg(lost.size()));
     }
 
     // Starts the window, waits until it serves, ends it politely.
@@ -216,7 +218,8 @@ private:
             window->kill();
             return complain(QStringLiteral("the window did not end"));
         }
-        return (isServing && window->exitCode() == 0) || complain(QStringLiteral("the window did not open: ") + QString::fromUtf8(window->readAllStandardError()));
+        return (isServing && window->exitCode() == 0) || complain(QStringLiteral("the window did not open: ") +
+                                                                  QString::fromUtf8(window->readAllStandardError()));
     }
 
     bool isSound()
@@ -224,7 +227,10 @@ private:
         QJsonObject report;
         for (int attempt = 0; attempt < 50; ++attempt) { // leftovers are removed by a process of their own
             int status = 0;
-            report = QJsonDocument::fromJson(m_world.run({QStringLiteral("verify"), QStringLiteral("--deep"), QStringLiteral("--json")}, &status)).object();
+            report = QJsonDocument::fromJson(
+                         m_world.run({QStringLiteral("verify"), QStringLiteral("--deep"), QStringLiteral("--json")},
+                                     &status))
+                         .object();
             if (status == 0 && report.value(QStringLiteral("orphans")).toArray().isEmpty()) {
                 return true;
             }
@@ -241,14 +247,17 @@ private:
         if (status != 0) {
             return complain(QStringLiteral("the second import failed"));
         }
-        const QJsonArray items = QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
+        const QJsonArray items =
+            QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
         QSet<QString> digests;
         for (const QJsonValue &item : items) {
             digests.insert(item.toObject().value(QStringLiteral("SHA1")).toString());
         }
-        // What a purge removed was removed on purpose; the files that can be imported again are those of the input folder.
+        // What a purge removed was removed on purpose; the files that can be imported again are those of the input
+        // folder.
         const QSet<QString> missing = digestsBelow(m_world.path(QStringLiteral("input"))) + m_temporary - digests;
-        return missing.isEmpty() || complain(QStringLiteral("%1 files are not in the library after the second import").arg(missing.size()));
+        return missing.isEmpty() ||
+               complain(QStringLiteral("%1 files are not in the library after the second import").arg(missing.size()));
     }
 
     World m_world;

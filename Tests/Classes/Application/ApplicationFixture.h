@@ -25,10 +25,7 @@ public:
         int templates = 0;
         QList<ZQObjectID> selected;
     };
-    explicit FakeWindow(State &state)
-        : m_state(state)
-    {
-    }
+    explicit FakeWindow(State &state) : m_state(state) {}
     void showWindow() override { m_state.visible = true; }
     void makeKeyAndOrderFront() override { ++m_state.madeKey; }
     bool isMiniaturized() const override { return m_state.miniaturized; }
@@ -55,7 +52,8 @@ public:
         QStringList paths;
         ZQObjectID target;
     };
-    void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32, const QVariantMap &) override
+    void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32,
+                            const QVariantMap &) override
     {
         imports.append({paths, intoSidebarItemID});
     }

@@ -30,15 +30,18 @@ TEST_F(ApplicationTest, TheFirstLaunchMakesTheLibraryAndASecondOnlyNamesItsEntri
         ASSERT_TRUE(projects);
         EXPECT_EQ(titlesBelow(projects), QStringList{QStringLiteral("Sample project")});
         projects->orderedChildren().first()->setTitle(QStringLiteral("Mine"));
-        ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*delegate->managedObjectContext())->setTitle(QStringLiteral("changed"));
+        ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*delegate->managedObjectContext())
+            ->setTitle(QStringLiteral("changed"));
         delegate->saveAction();
     }
     const auto delegate = launched();
     ZQManagedObjectContext &context = *delegate->managedObjectContext();
-    EXPECT_EQ(titlesBelow(ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)), QStringList{QStringLiteral("Mine")});
+    EXPECT_EQ(titlesBelow(ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)),
+              QStringList{QStringLiteral("Mine")});
     EXPECT_EQ(ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context)->title(), QStringLiteral("Library"));
-    EXPECT_EQ(imports.calls, (QStringList{QStringLiteral("permission"), QStringLiteral("observe"), QStringLiteral("sync"), QStringLiteral("permission"),
-                                          QStringLiteral("observe"), QStringLiteral("sync")}));
+    EXPECT_EQ(imports.calls,
+              (QStringList{QStringLiteral("permission"), QStringLiteral("observe"), QStringLiteral("sync"),
+                           QStringLiteral("permission"), QStringLiteral("observe"), QStringLiteral("sync")}));
     EXPECT_TRUE(user.errors.isEmpty());
 }
 
@@ -98,8 +101,10 @@ TEST_F(ApplicationTest, ItemDirectoriesOfNoItemGoButNeverWhenTheStoreListsNone)
         ASSERT_NE(delegate->deleteTask(), nullptr);
         delegate->deleteTask()->waitForFinished();
         EXPECT_EQ(QDir(library).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-                  (QStringList{QStringLiteral("A.ztlibraryitem"), QStringLiteral("JustMade.ztlibraryitem"), QStringLiteral("notes.txt")}));
-        ZQLibraryBaseItem::libraryItemsForBundleID(QStringLiteral("A"), *delegate->managedObjectContext())->deletePermanently();
+                  (QStringList{QStringLiteral("A.ztlibraryitem"), QStringLiteral("JustMade.ztlibraryitem"),
+                               QStringLiteral("notes.txt")}));
+        ZQLibraryBaseItem::libraryItemsForBundleID(QStringLiteral("A"), *delegate->managedObjectContext())
+            ->deletePermanently();
         delegate->saveAction();
     }
     const auto delegate = launched();
@@ -110,7 +115,8 @@ TEST_F(ApplicationTest, ItemDirectoriesOfNoItemGoButNeverWhenTheStoreListsNone)
 
 TEST_F(ApplicationTest, AThumbnailLiesBesideItsFile)
 {
-    EXPECT_EQ(LibraryBundleManager::libraryPathForThumbOfURL(QStringLiteral("/x/abc.jpeg")), QStringLiteral("/x/abc_thumb.jpeg"));
+    EXPECT_EQ(LibraryBundleManager::libraryPathForThumbOfURL(QStringLiteral("/x/abc.jpeg")),
+              QStringLiteral("/x/abc_thumb.jpeg"));
 }
 
 TEST_F(ApplicationTest, ReopeningShowsTheWindowOnlyWhenThatIsMeant)
@@ -122,8 +128,9 @@ TEST_F(ApplicationTest, ReopeningShowsTheWindowOnlyWhenThatIsMeant)
         int madeKey;
     };
     const Case cases[] = {
-        {false, false, false, false, true, 1}, {true, true, true, false, true, 0}, {true, true, false, false, false, 0},
-        {true, false, false, false, true, 1},  {true, false, false, true, false, 0},
+        {false, false, false, false, true, 1}, {true, true, true, false, true, 0},
+        {true, true, false, false, false, 0},  {true, false, false, false, true, 1},
+        {true, false, false, true, false, 0},
     };
     for (const Case &c : cases) {
         window = {};

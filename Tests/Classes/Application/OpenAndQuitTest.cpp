@@ -25,13 +25,16 @@ TEST_F(ApplicationTest, AFolderBecomesAProjectAndAFileGoesToTheLibrary)
     delegate->openFiles({folder, file, world.filePath(QStringLiteral("missing.png"))});
     ASSERT_EQ(imports.imports.size(), 2);
     EXPECT_EQ(imports.imports.at(0).paths, QStringList{folder});
-    EXPECT_EQ(imports.imports.at(0).target, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)->objectID());
+    EXPECT_EQ(imports.imports.at(0).target,
+              ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)->objectID());
     EXPECT_EQ(imports.imports.at(1).paths, QStringList{file});
-    EXPECT_EQ(imports.imports.at(1).target, ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context)->objectID());
+    EXPECT_EQ(imports.imports.at(1).target,
+              ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context)->objectID());
     EXPECT_TRUE(window.selected.isEmpty());
 
     delegate->openFiles({file});
-    EXPECT_EQ(window.selected, QList<ZQObjectID>{ZQSidebarBaseItem::recentProjectInManagedObjectContext(context)->objectID()});
+    EXPECT_EQ(window.selected,
+              QList<ZQObjectID>{ZQSidebarBaseItem::recentProjectInManagedObjectContext(context)->objectID()});
 }
 
 TEST_F(ApplicationTest, FilesHandedOverBeforeTheWindowAreImportedOnceItIsThere)
@@ -104,7 +107,8 @@ TEST_F(ApplicationTest, QuittingRemovesWhatWasDeletedForGood)
         EXPECT_EQ(removal->program(), QStringLiteral("/bin/rm"));
     }
     EXPECT_EQ(batches, (QList<qsizetype>{1000, 1000, 500, 1}));
-    EXPECT_EQ(QDir(delegate->libraryDirectory()).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{QStringLiteral("kept.ztlibraryitem")});
+    EXPECT_EQ(QDir(delegate->libraryDirectory()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("kept.ztlibraryitem")});
     EXPECT_FALSE(QFileInfo::exists(tamberin_AppDelegate::temporaryFolder()));
 }
 
