@@ -45,9 +45,7 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     m_context.reset();
     m_coordinator.reset();
-    if (m_deleteTask) {
-        m_deleteTask->waitForFinished(5000); // destroying a running process object would kill it half way
-    }
+    waitForRemovals(); // destroying a running process object would kill it half way
     sharedInstance = nullptr;
 }
 

@@ -83,6 +83,7 @@ public:
 
     void deleteFilesAtPaths(const QStringList &paths, const QString &baseDirectory);
     QProcess *deleteTask() const { return m_deleteTask; }
+    void waitForRemovals(); // every removal that was started
     void tryToRecuperateSandboxedLibraryToDestination(const QString &destination);
 
     // The fixed sidebar.

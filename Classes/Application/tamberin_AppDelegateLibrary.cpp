@@ -164,6 +164,13 @@ void tamberin_AppDelegate::deleteFilesAtPaths(const QStringList &paths, const QS
     m_deleteTask = task;
 }
 
+void tamberin_AppDelegate::waitForRemovals()
+{
+    for (QProcess *task : findChildren<QProcess *>()) {
+        task->waitForFinished(-1);
+    }
+}
+
 void tamberin_AppDelegate::saveNewLibraryURL(const QString &path)
 {
     ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();

@@ -45,8 +45,6 @@ int zqRunPurge(CommandContext &context)
     if (context.delegate->applicationShouldTerminate() == TerminateReply::Cancel) {
         return context.fail(zqLocalized("the library could not be saved, so nothing was removed"));
     }
-    if (QProcess *removal = context.delegate->deleteTask()) {
-        removal->waitForFinished(-1);
-    }
+    context.delegate->waitForRemovals();
     return 0;
 }
