@@ -15,18 +15,6 @@ elseif(ZELTO_SANITIZE STREQUAL "thread")
   target_link_options(zelto_settings INTERFACE -fsanitize=thread)
 endif()
 
-# Most of a file's compile time goes into these headers of Qt and the standard library.
-function(zelto_precompile name)
-  if(NOT ZELTO_PRECOMPILE)
-    return()
-  endif()
-  target_precompile_headers(${name} PRIVATE <QDateTime> <QFileInfo> <QHash> <QJsonObject> <QList> <QObject> <QString> <QStringList> <QVariant>
-                            <algorithm> <functional> <memory> <optional> <vector>)
-  if("Qt6::Widgets" IN_LIST ARGN OR "zelto_kit_widgets" IN_LIST ARGN OR "zelto_interface" IN_LIST ARGN)
-    target_precompile_headers(${name} PRIVATE <QtWidgets>)
-  endif()
-endfunction()
-
 # zelto_library(NAME [dependencies...]): a static library of every source in the current folder.
 # What it links is what it may include; there is no other way to another folder.
 function(zelto_library name)
@@ -34,7 +22,6 @@ function(zelto_library name)
   add_library(${name} STATIC ${sources})
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX) # a folder may hold headers only
   target_link_libraries(${name} PUBLIC zelto_settings ${ARGN})
-  zelto_precompile(${name} ${ARGN})
 endfunction()
 
 # zelto_test(NAME [dependencies...]): one test program of every source in the current folder.
@@ -42,10 +29,6 @@ function(zelto_test name)
   file(GLOB sources CONFIGURE_DEPENDS "*.cpp" "*.h")
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest GTest::gmock)
-  zelto_precompile(${name} ${ARGN})
-  if(ZELTO_PRECOMPILE)
-    target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
-  endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
                        TIMEOUT 600)

@@ -1,0 +1,201 @@
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/CommandLine.h"
+#include "Classes/Command/CommandUserInteraction.h"
+#include "Classes/Import/AImportManager.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarProject.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// One library, and commands run on it as from a shell.
+class CommandTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
+            const QString folder = world.filePath(QString::fromLatin1(name).toLower());
+            QDir().mkpath(folder);
+            qputenv(name, folder.toLocal8Bit());
+        }
+        ApplicationParts parts;
+        parts.userInteraction = &user;
+        parts.importManager = &AImportManager::sharedAImportManager();
+        delegate = std::make_unique<tamberin_AppDelegate>(parts);
+        delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
+        ZQError error;
+        ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
+    }
+
+    int run(const QStringList &arguments)
+    {
+        context = {};
+        context.delegate = delegate.get();
+        context.workingDirectory = world.path();
+        CommandLine commandLine;
+        int status = 0;
+        if (!commandLine.parse(arguments, context, &status)) {
+            return status;
+        }
+        user.setPolicies(commandLine.duplicatePolicy(), commandLine.unreadablePolicy());
+        return commandLine.run(context);
+    }
+    int run(const char *arguments) { return run(QString::fromUtf8(arguments).split(u' ')); }
+    QJsonObject object() const { return QJsonDocument::fromJson(context.output).object(); }
+    QJsonArray array() const { return QJsonDocument::fromJson(context.output).array(); }
+
+    QString picture(const QString &name, QRgb color)
+    {
+        const QString path = world.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QImage image(300, 200, QImage::Format_RGB32);
+        image.fill(color);
+        image.save(path, "PNG");
+        return path;
+    }
+
+    QTemporaryDir world{QStringLiteral("/var/tmp/zelto-command-XXXXXX")};
+    CommandUserInteraction user;
+    std::unique_ptr<tamberin_AppDelegate> delegate;
+    CommandContext context;
+};
+
+TEST_F(CommandTest, AnImportedPictureIsListedWithItsAttributes)
+{
+    picture(QStringLiteral("in/red.png"), qRgb(220, 20, 20));
+    ASSERT_EQ(run("import in/red.png --set license=CC0 --json"), 0) << context.errors.constData();
+    ASSERT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 1);
+    const QString bundleID = object().value(QStringLiteral("imported")).toArray().first().toString();
+
+    ASSERT_EQ(run("items --json"), 0);
+    const QJsonObject item = array().first().toObject();
+    EXPECT_EQ(item.value(QStringLiteral("bundleID")).toString(), bundleID);
+    EXPECT_EQ(item.value(QStringLiteral("entity")).toString(), QStringLiteral("ZQLibraryImage"));
+    EXPECT_EQ(item.value(QStringLiteral("license")).toString(), QStringLiteral("CC0"));
+    EXPECT_EQ(item.value(QStringLiteral("pixelWidth")).toInt(), 300);
+    EXPECT_EQ(item.value(QStringLiteral("tags")).toArray(),
+              (QJsonArray{QStringLiteral("red"), QStringLiteral("medium")}));
+    EXPECT_TRUE(item.value(QStringLiteral("webURL")).isNull());
+    EXPECT_TRUE(QFileInfo::exists(item.value(QStringLiteral("itemPath")).toString()));
+    EXPECT_EQ(run("verify --deep"), 0);
+}
+
+TEST_F(CommandTest, ReferencesFollowTitlesEvenThoseWithSlashesAndIdentifiers)
+{
+    ZQManagedObjectContext &store = *delegate->managedObjectContext();
+    const auto projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(store);
+    const auto project = store.insertNewObject<ZQSidebarProject>();
+    project->setTitle(QStringLiteral("Logos/2026"));
+    project->setActive(true);
+    projects->appendChild(project.get());
+    delegate->saveAction();
+
+    EXPECT_EQ(run(QStringList{QStringLiteral("items"), QStringLiteral("--in"), QStringLiteral("PROJECTS/Logos/2026")}),
+              0);
+    EXPECT_EQ(run(QStringList{QStringLiteral("items"), QStringLiteral("--in"), project->UUID()}), 0);
+    for (const char *unknown : {"PROJECTS/Logos", "Logos/2026", "x-zelto://nowhere/ZQSidebarProject/p1"}) {
+        EXPECT_EQ(run(QStringList{QStringLiteral("items"), QStringLiteral("--in"), QLatin1String(unknown)}), 2)
+            << unknown;
+        EXPECT_TRUE(context.output.isEmpty());
+        EXPECT_TRUE(context.errors.contains(unknown));
+    }
+}
+
+TEST_F(CommandTest, ItemsAreDeletedAndRestoredByAnyOfTheirNames)
+{
+    picture(QStringLiteral("in/blue.png"), qRgb(20, 20, 220));
+    ASSERT_EQ(run("import in/blue.png"), 0);
+    ASSERT_EQ(run("items --json"), 0);
+    const QJsonObject item = array().first().toObject();
+    for (const char *key : {"bundleID", "SHA1", "itemPath"}) {
+        const QString name = item.value(QLatin1String(key)).toString();
+        EXPECT_EQ(run(QStringList{QStringLiteral("delete"), name}), 0) << key;
+        EXPECT_EQ((run("items --json"), array().size()), 0) << key;
+        EXPECT_EQ((run("items --deleted --json"), array().size()), 1) << key;
+        EXPECT_EQ(run(QStringList{QStringLiteral("restore"), name}), 0) << key;
+    }
+    // One name that is unknown, and nothing is changed.
+    EXPECT_EQ(run(QStringList{QStringLiteral("delete"), item.value(QStringLiteral("SHA1")).toString(),
+                              QStringLiteral("nothing")}),
+              2);
+    EXPECT_EQ((run("items --json"), array().size()), 1);
+}
+
+TEST_F(CommandTest, PurgingRemovesDeletedItemsAndTheirFiles)
+{
+    picture(QStringLiteral("in/a.png"), qRgb(20, 220, 20));
+    picture(QStringLiteral("in/b.png"), qRgb(220, 220, 20));
+    ASSERT_EQ(run("import in/a.png in/b.png"), 0);
+    ASSERT_EQ(run("items --json"), 0);
+    const QString path = array().first().toObject().value(QStringLiteral("itemPath")).toString();
+    ASSERT_EQ(run(QStringList{QStringLiteral("delete"), path}), 0);
+    EXPECT_TRUE(QFileInfo::exists(path));
+    EXPECT_EQ(run("purge"), 0);
+    EXPECT_FALSE(QFileInfo::exists(QFileInfo(path).path()));
+    EXPECT_EQ((run("items --deleted --json"), array().size()), 0);
+    EXPECT_EQ((run("items --json"), array().size()), 1);
+}
+
+TEST_F(CommandTest, VerifyNamesWhatIsMissingChangedOrNobodys)
+{
+    picture(QStringLiteral("in/a.png"), qRgb(200, 100, 20));
+    picture(QStringLiteral("in/b.png"), qRgb(100, 20, 200));
+    ASSERT_EQ(run("import in/a.png in/b.png"), 0);
+    QDir().mkpath(delegate->libraryDirectory() + QStringLiteral("/ORPHAN.ztlibraryitem"));
+    EXPECT_EQ(run("verify --deep --json"), 0);
+    EXPECT_EQ(object().value(QStringLiteral("orphans")).toArray(), QJsonArray{QStringLiteral("ORPHAN.ztlibraryitem")});
+
+    ASSERT_EQ(run("items --json"), 0);
+    const QJsonArray items = array();
+    QFile::remove(items.at(0).toObject().value(QStringLiteral("itemPath")).toString());
+    QFile changed(items.at(1).toObject().value(QStringLiteral("itemPath")).toString());
+    ASSERT_TRUE(changed.open(QIODevice::Append));
+    changed.write("x");
+    changed.close();
+    EXPECT_EQ(run("verify --json"), 1);
+    EXPECT_EQ(object().value(QStringLiteral("problems")).toArray().size(), 1);
+    EXPECT_EQ(run("verify --deep --json"), 1);
+    EXPECT_EQ(object().value(QStringLiteral("problems")).toArray().size(), 2);
+    EXPECT_EQ(object().value(QStringLiteral("items")).toInt(), 2);
+}
+
+TEST_F(CommandTest, DuplicatesAreKeptUnlessTheFlagSaysOtherwise)
+{
+    picture(QStringLiteral("in/a.png"), qRgb(1, 100, 20));
+    ASSERT_EQ(run("import in/a.png"), 0);
+    ASSERT_EQ(run("import in/a.png"), 0);
+    EXPECT_EQ((run("items --json"), array().size()), 2);
+    ASSERT_EQ(run("import in/a.png --duplicates discard --json"), 0);
+    EXPECT_EQ(object().value(QStringLiteral("dropped")).toArray().size(), 1);
+    EXPECT_EQ((run("items --json"), array().size()), 2);
+    EXPECT_EQ(QDir(delegate->libraryDirectory()).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 2);
+}
+
+TEST_F(CommandTest, WhatCannotBeUnderstoodChangesNothingAndSaysWhy)
+{
+    for (const char *wrong :
+         {"import", "import missing.png", "items --nonsense", "delete", "import missing.png --set pixelWidth=wide",
+          "snapshot x.png --size big", "defaults write UseDarkUI maybe", "defaults delete NeverSet",
+          "defaults read NoSuchKey"}) {
+        EXPECT_EQ(run(wrong), 2) << wrong;
+        EXPECT_FALSE(context.errors.isEmpty()) << wrong;
+        EXPECT_TRUE(context.output.isEmpty()) << wrong;
+    }
+    EXPECT_EQ((run("items --json"), array().size()), 0);
+}
+
+TEST_F(CommandTest, PreferencesAreReadOverTheirDefaults)
+{
+    EXPECT_EQ(run("defaults read UseDarkUI"), 0);
+    EXPECT_EQ(context.output, "true\n");
+    EXPECT_EQ(run("defaults write UseDarkUI false"), 0);
+    EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "false\n");
+    EXPECT_EQ(run("defaults delete UseDarkUI"), 0);
+    EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n");
+}
