@@ -87,6 +87,11 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
             selection = index < 0 ? selection : ZQIndexSet(index, index);
             m_itemToSelect = {};
         }
+        const qint64 place = std::exchange(m_indexToSelect, -1);
+        if (selection.isEmpty() && place >= 0 && m_content->count() > 0) {
+            const qint64 index = std::min(place, m_content->count() - 1);
+            selection = ZQIndexSet(index, index);
+        }
         m_grid->setSelection(selection);
         if (selection.count() == 1) {
             m_grid->scrollToIndex(selection.first());
@@ -376,6 +381,7 @@ void BrowserViewController::deleteFromLibrary()
 {
     const QList<ZQObjectID> items = selectedItems();
     if (!items.isEmpty()) {
+        m_indexToSelect = m_grid->selection().first();
         closeDetail();
         LibraryCommands(m_window).deleteItems(items);
     }
@@ -387,6 +393,7 @@ void BrowserViewController::removeFromProject()
     const QList<ZQObjectID> items = selectedItems();
     if (single && !items.isEmpty() &&
         (single->isProject() || single->isScreenshot() || (single->isTag() && single->kind() == 0))) {
+        m_indexToSelect = m_grid->selection().first();
         closeDetail();
         LibraryCommands(m_window).removeItems(items, single->objectID());
     }

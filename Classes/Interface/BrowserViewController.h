@@ -74,5 +74,6 @@ private:
     QList<ZQObjectID> m_rowsToSelect; // across a refetch
     bool m_selectsAll = false;
     ZQObjectID m_itemToSelect;
+    qint64 m_indexToSelect = -1; // when what was selected is gone
     bool m_keepsScroll = false;
 };

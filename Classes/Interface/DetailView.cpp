@@ -211,11 +211,18 @@ void DetailView::paintEvent(QPaintEvent * /*event*/)
     } else {
         painter.drawImage(target, m_image);
     }
-    if (hasFocus()) {
+    if (hasFocus() && m_showsFocus) {
         painter.setClipping(false);
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1));
         painter.drawRect(QRectF(canvas()).adjusted(0.5, 0.5, -0.5, -0.5));
     }
+}
+
+void DetailView::focusInEvent(QFocusEvent *event)
+{
+    m_showsFocus = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    QWidget::focusInEvent(event);
+    update();
 }
 
 void DetailView::keyPressEvent(QKeyEvent *event)

@@ -32,6 +32,7 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -51,8 +52,9 @@ private:
     bool m_isLoading = false;
     bool m_isFailed = false;
     bool m_isQuickLook = false;
-    double m_scale = 0; // 0: fitted
-    QPointF m_center;   // of the picture, where the canvas's middle is, in its pixels
+    double m_scale = 0;        // 0: fitted
+    QPointF m_center;          // of the picture, where the canvas's middle is, in its pixels
+    bool m_showsFocus = false; // reached by Tab
     QPoint m_pressed;
     quint64 m_generation = 0;
     std::unique_ptr<ZQOperationQueue> m_queue;

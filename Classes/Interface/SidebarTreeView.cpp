@@ -112,6 +112,18 @@ QWidget *SidebarDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     return editor;
 }
 
+// The rows are refreshed while one is edited; what was typed stays.
+void SidebarDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    constexpr const char *isFilled = "zqIsFilled";
+    if (!editor->property(isFilled).toBool()) {
+        editor->setProperty(isFilled, true);
+        auto *line = static_cast<QLineEdit *>(editor);
+        line->setText(index.data(Qt::EditRole).toString());
+        line->selectAll();
+    }
+}
+
 void SidebarDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
                                            const QModelIndex &index) const
 {

@@ -31,6 +31,19 @@ QString keyFor(const QString &file, int resolution)
     return file + QChar(u'\0') + QString::number(resolution);
 }
 
+// Many pictures carry an alpha channel that hides nothing.
+bool isOpaque(const QImage &image)
+{
+    const QImage checked = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < checked.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(checked.constScanLine(y));
+        if (std::any_of(line, line + checked.width(), [](QRgb pixel) { return qAlpha(pixel) != 255; })) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 struct ZQThumbnailLoader::Private
@@ -73,6 +86,9 @@ void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
         ++reading;
         guard.unlock();
         QImage image = decoder(job.request, job.resolution);
+        if (image.hasAlphaChannel() && isOpaque(image)) {
+            image.convertTo(QImage::Format_RGB32);
+        }
         if (!image.isNull() && image.format() != QImage::Format_RGB32 &&
             image.format() != QImage::Format_ARGB32_Premultiplied) {
             image.convertTo(QImage::Format_ARGB32_Premultiplied);
