@@ -60,7 +60,8 @@ protected:
         return path;
     }
 
-    QTemporaryDir world{QStringLiteral("/var/tmp/zelto-command-XXXXXX")};
+    // Not in the temporary area: what lies there is moved into the library.
+    QTemporaryDir world{QDir::currentPath() + QStringLiteral("/command-XXXXXX")};
     CommandUserInteraction user;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     CommandContext context;
@@ -79,8 +80,9 @@ TEST_F(CommandTest, AnImportedPictureIsListedWithItsAttributes)
     EXPECT_EQ(item.value(QStringLiteral("entity")).toString(), QStringLiteral("ZQLibraryImage"));
     EXPECT_EQ(item.value(QStringLiteral("license")).toString(), QStringLiteral("CC0"));
     EXPECT_EQ(item.value(QStringLiteral("pixelWidth")).toInt(), 300);
-    EXPECT_EQ(item.value(QStringLiteral("tags")).toArray(),
-              (QJsonArray{QStringLiteral("red"), QStringLiteral("medium")}));
+    const QVariantList tags = item.value(QStringLiteral("tags")).toArray().toVariantList();
+    EXPECT_EQ(tags.size(), 2);
+    EXPECT_TRUE(tags.contains(QStringLiteral("red")) && tags.contains(QStringLiteral("medium")));
     EXPECT_TRUE(item.value(QStringLiteral("webURL")).isNull());
     EXPECT_TRUE(QFileInfo::exists(item.value(QStringLiteral("itemPath")).toString()));
     EXPECT_EQ(run("verify --deep"), 0);
