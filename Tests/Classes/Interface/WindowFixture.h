@@ -20,8 +20,8 @@ protected:
     using Item = ZQRef<ZQSidebarBaseItem>;
 
     WindowFixture()
-        : fetcher(library.coordinator()),
-          window{library.context(), user, undoStack, fetcher, [this] { library.context().save(); }}
+        : fetcher(library.coordinator()), window{library.context(), user, undoStack, fetcher,
+                                                 [this] { library.context().save(); }}
     {
         zqSeedFixedSidebar(library.context());
         library.context().save();
