@@ -26,6 +26,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -118,7 +119,11 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
     tamberin_AppDelegate delegate(parts);
-    SignalWatcher signalWatcher([&user] { user.cancelCurrentWork(); });
+    // An import takes back what it did; everything else can be ended anywhere, as the system does it.
+    std::optional<SignalWatcher> signalWatcher;
+    if (commandLine.isImport()) {
+        signalWatcher.emplace([&user] { user.cancelCurrentWork(); });
+    }
     const QString bundle = bundleFor(delegate, commandLine);
     ZQError error;
     if (!delegate.openLibraryForCommand(&error)) {

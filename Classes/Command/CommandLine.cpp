@@ -222,6 +222,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                         : m_options->duplicates == "relink" ? DuplicatePolicy::Relink
                                                             : DuplicatePolicy::Keep;
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
+    m_isImport = m_app->got_subcommand("import");
     m_isSnapshot = m_app->got_subcommand("snapshot");
     if (m_isSnapshot) {
         static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));

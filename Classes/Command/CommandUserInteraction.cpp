@@ -1,6 +1,7 @@
 #include "Classes/Command/CommandUserInteraction.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
 
 #include <cstdio>
 #include <mutex>
@@ -110,12 +111,18 @@ std::shared_ptr<UserProgress> CommandUserInteraction::beginProgress(const QStrin
                                                                     std::function<void()> cancel)
 {
     auto progress = std::make_shared<TerminalProgress>(text, maximum, std::move(cancel));
-    m_cancel = progress->cancelBlock;
+    zqOnMainThread([this, block = progress->cancelBlock] {
+        m_cancel = block;
+        if (m_isCancelled) { // asked for before there was anything to cancel
+            cancelCurrentWork();
+        }
+    });
     return progress;
 }
 
 void CommandUserInteraction::cancelCurrentWork()
 {
+    m_isCancelled = true;
     const auto cancel = m_cancel.lock();
     if (cancel && *cancel) {
         (*cancel)();

@@ -31,5 +31,6 @@ public:
 private:
     DuplicatePolicy m_duplicates = DuplicatePolicy::Keep;
     UnreadablePolicy m_unreadable = UnreadablePolicy::Skip;
-    std::weak_ptr<std::function<void()>> m_cancel;
+    std::weak_ptr<std::function<void()>> m_cancel; // main thread
+    bool m_isCancelled = false;
 };
