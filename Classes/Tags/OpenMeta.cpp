@@ -5,11 +5,11 @@
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
-#include <QDateTime>
 #include <QSet>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 namespace {
@@ -52,6 +52,14 @@ bool isList(const QVariant &value)
     return value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList;
 }
 
+// With microseconds: ext4 looks for another file with an equal block of attributes to share it, by a hash in which
+// equal values cancel each other out. Two dates of one millisecond give every file the same hash, and each write then
+// compares its block with those of thousands of files.
+QVariant now()
+{
+    return QVariant::fromValue(std::chrono::system_clock::now());
+}
+
 QSet<QString> comparisonKeys(const QStringList &tags)
 {
     QSet<QString> keys;
@@ -70,7 +78,7 @@ ZQError OpenMeta::setUserTags(const QVariant &tags, const QString &path)
         return parameterError();
     }
     const QStringList unique = removeDuplicateTags(*strings);
-    setXAttrMetaData(QDateTime::currentDateTimeUtc(), userTagTimeKey, path);
+    setXAttrMetaData(now(), userTagTimeKey, path);
     setXAttr(unique, spotlightKey(olderUserTagsKey), path);
     setXAttr(unique, openmetaKey(olderUserTagsKey), path);
     return setNSArrayMetaData(unique, userTagsKey, path);
@@ -259,7 +267,7 @@ ZQError OpenMeta::setXAttrNoSpotlightMirror(const QVariant &value, const QString
     if (!error.isNull()) {
         return error;
     }
-    return setXAttr(QDateTime::currentDateTimeUtc(), openmetaTimeKey(omKey), path);
+    return setXAttr(now(), openmetaTimeKey(omKey), path);
 }
 
 ZQError OpenMeta::setXAttr(const QVariant &value, const QString &forKey, const QString &path)

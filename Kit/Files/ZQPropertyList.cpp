@@ -11,6 +11,12 @@
 
 namespace {
 
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::sys_time;
+using std::chrono::system_clock;
+
 const QString domain = QStringLiteral("propertylist");
 enum Code { CannotRead = 1, CannotWrite = 2 };
 
@@ -29,16 +35,22 @@ Node textNode(const QString &text)
     return text.contains(QChar::Null) ? node(nullptr) : node(plist_new_string(text.toUtf8().constData()));
 }
 
-Node dateNode(const QDateTime &date)
+Node dateNode(sys_time<microseconds> date)
 {
-    const qint64 milliseconds = date.toMSecsSinceEpoch() - ZQPropertyListReader::epoch * 1000;
-    const qint64 seconds = milliseconds >= 0 ? milliseconds / 1000 : (milliseconds - 999) / 1000;
-    if (!date.isValid() || seconds < std::numeric_limits<qint32>::min() ||
-        seconds > std::numeric_limits<qint32>::max()) {
+    const auto sinceEpoch = date.time_since_epoch() - seconds(ZQPropertyListReader::epoch);
+    const auto whole = std::chrono::floor<seconds>(sinceEpoch);
+    if (whole.count() < std::numeric_limits<qint32>::min() || whole.count() > std::numeric_limits<qint32>::max()) {
         return node(nullptr);
     }
-    return node(
-        plist_new_date(static_cast<qint32>(seconds), static_cast<qint32>((milliseconds - seconds * 1000) * 1000)));
+    return node(plist_new_date(static_cast<qint32>(whole.count()), static_cast<qint32>((sinceEpoch - whole).count())));
+}
+
+Node dateNode(const QDateTime &date)
+{
+    constexpr qint64 farthest = qint64(1) << 43; // beyond what a property list holds
+    const qint64 time = date.toMSecsSinceEpoch();
+    return date.isValid() && time > -farthest && time < farthest ? dateNode(sys_time<milliseconds>(milliseconds(time)))
+                                                                 : node(nullptr);
 }
 
 Node listNode(const QVariantList &list, int depth)
@@ -98,7 +110,10 @@ Node nodeOf(const QVariant &value, int depth)
     case QMetaType::QVariantMap:
         return mapNode(value.toMap(), depth);
     default:
-        return node(nullptr);
+        if (value.metaType() != QMetaType::fromType<system_clock::time_point>()) {
+            return node(nullptr);
+        }
+        return dateNode(std::chrono::floor<microseconds>(value.value<system_clock::time_point>()));
     }
 }
 

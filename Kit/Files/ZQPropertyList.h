@@ -5,9 +5,11 @@
 #include <QByteArray>
 #include <QVariant>
 
+#include <chrono>
 #include <optional>
 
 // Property lists as variants: QString, qlonglong, double, bool, QDateTime (UTC), QByteArray, QVariantList, QVariantMap.
+// A `std::chrono::system_clock::time_point` is written as a date with microseconds, which QDateTime does not have.
 // Reads the binary and the XML form (the format of property list files on another desktop); bounded in depth. Any
 // thread.
 namespace ZQPropertyList {
@@ -17,3 +19,5 @@ std::optional<QByteArray> toBinary(const QVariant &value, ZQError *error = nullp
 std::optional<QByteArray> toXML(const QVariant &value, ZQError *error = nullptr);
 
 } // namespace ZQPropertyList
+
+Q_DECLARE_METATYPE(std::chrono::system_clock::time_point)

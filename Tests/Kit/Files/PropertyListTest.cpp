@@ -57,6 +57,18 @@ TEST(PropertyList, KeepsEveryTypeInBinary)
     }
 }
 
+TEST(PropertyList, WritesTimePointsWithMicroseconds)
+{
+    using namespace std::chrono;
+    const sys_time<microseconds> time{seconds(1'700'000'000) + microseconds(123'456)};
+    const auto data = ZQPropertyList::toBinary(QVariant::fromValue<system_clock::time_point>(time));
+    const auto next = ZQPropertyList::toBinary(QVariant::fromValue<system_clock::time_point>(time + microseconds(1)));
+    ASSERT_TRUE(data);
+    EXPECT_NE(data, next);
+    const QDateTime expected = QDateTime::fromMSecsSinceEpoch(1'700'000'000'123, Qt::UTC);
+    EXPECT_EQ(ZQPropertyList::fromData(*data)->toDateTime(), expected);
+}
+
 TEST(PropertyList, KeepsValuesInXMLWithDatesInSeconds)
 {
     QVariantMap expected = example().toMap();
