@@ -85,10 +85,14 @@ public:
     virtual QStringList chooseFilesToOpen(const FileChoice &choice) = 0; // empty: cancelled
     virtual std::optional<QString> chooseFileToSave(const FileChoice &choice) = 0;
 
+    // The two questions of an import. Any thread: they wait for the answer, or for `dismissQuestions`.
     // Lets the person uncheck files that cannot be read. False stops the import.
     virtual bool resolveUnreadableFiles(QList<FileConflict> &conflicts) = 0;
     // One choice for each pair, in order; nothing when the person cancelled the import.
     virtual std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) = 0;
+
+    // Ends the questions that other threads wait for, as if the person had cancelled each.
+    virtual void dismissQuestions() {}
 
     // Shows progress until the answer is destroyed; `cancel` is called on the main thread. Any thread.
     virtual std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,

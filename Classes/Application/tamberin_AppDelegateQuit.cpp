@@ -38,7 +38,11 @@ bool tamberin_AppDelegate::stopRunningImports()
         sync->cancelAllOperations();
     }
     userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow, notificationSeconds);
-    zqRunMainLoopUntil(isIdle, drainStep);
+    const auto isDrained = [&] {
+        userInteraction().dismissQuestions(); // an import may come to one while it ends
+        return isIdle();
+    };
+    zqRunMainLoopUntil(isDrained, drainStep);
     return true;
 }
 

@@ -1,7 +1,6 @@
 #include "Classes/Import/ImportConflictResolver.h"
 
 #include "Classes/Import/AImportManager.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 ImportConflictResolver::ImportConflictResolver(const QStringList &filePaths, UserInteraction &userInteraction)
     : m_filePaths(filePaths), m_userInteraction(userInteraction)
@@ -26,9 +25,7 @@ QStringList ImportConflictResolver::validFilesCancellingOperation(bool *cancelli
     if (!hasUnreadable) {
         return m_filePaths;
     }
-    bool goesOn = false;
-    zqOnMainThreadAndWait([&] { goesOn = m_userInteraction.resolveUnreadableFiles(conflicts); });
-    if (!goesOn) {
+    if (!m_userInteraction.resolveUnreadableFiles(conflicts)) {
         *cancellingOperation = true;
         return {};
     }

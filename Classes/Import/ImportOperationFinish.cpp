@@ -124,9 +124,7 @@ void ImportOperation::checkForDuplicateImport()
     if (duplicates.empty()) {
         return;
     }
-    const QList<DuplicatePair> pairs = duplicatePairs(duplicates);
-    std::optional<QList<DuplicateChoice>> choices;
-    zqOnMainThreadAndWait([&] { choices = m_userInteraction.resolveDuplicates(pairs); });
+    const auto choices = m_userInteraction.resolveDuplicates(duplicatePairs(duplicates));
     if (!choices) {
         cancel();
         return;

@@ -53,14 +53,14 @@ int QuestionSheet::ask()
     return code - acceptCode;
 }
 
-UnreadableFilesSheet::UnreadableFilesSheet(QWidget *window, QList<FileConflict> &conflicts)
+UnreadableFilesSheet::UnreadableFilesSheet(QWidget *window, QList<FileConflict> conflicts)
     : Sheet(window, zqLocalized("Some of the files are unreadable by Zelto and can't be imported!")),
-      m_conflicts(conflicts), m_list(new QListWidget(this))
+      m_conflicts(std::move(conflicts)), m_list(new QListWidget(this))
 {
     setWidth(560);
     m_list->setAccessibleName(zqLocalized("Files"));
     m_list->setMinimumHeight(190);
-    for (const FileConflict &conflict : conflicts) {
+    for (const FileConflict &conflict : std::as_const(m_conflicts)) {
         auto *row = new QListWidgetItem(conflict.path, m_list);
         row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         row->setCheckState(conflict.isIncluded && conflict.isValid ? Qt::Checked : Qt::Unchecked);
@@ -91,13 +91,13 @@ void UnreadableFilesSheet::updateImportButtonStatus()
     m_continue->setEnabled(any);
 }
 
-bool UnreadableFilesSheet::resolve()
+UnreadableFilesSheet::Answer UnreadableFilesSheet::answer(int code) const
 {
-    const bool goesOn = run() == acceptCode;
+    Answer answer{code == acceptCode, m_conflicts};
     for (int row = 0; row < m_list->count(); ++row) {
-        m_conflicts[row].isIncluded = m_list->item(row)->checkState() == Qt::Checked;
+        answer.conflicts[row].isIncluded = m_list->item(row)->checkState() == Qt::Checked;
     }
-    return goesOn;
+    return answer;
 }
 
 // A picture with what is known of it.
@@ -215,6 +215,7 @@ void DuplicatesSheet::showPair()
     m_applyToAll->setText(left == int(m_pairs.size())
                               ? zqFormat(zqLocalized("Apply to all %d duplicates"), {left})
                               : zqFormat(zqLocalized("Apply to the remaining %d duplicates"), {left}));
+    m_applyToAll->setToolTip(zqLocalized("A switches this; 1, 2 and 3 choose."));
     m_applyToAll->setVisible(left > 1);
 }
 
@@ -241,10 +242,14 @@ void DuplicatesSheet::keyPressEvent(QKeyEvent *event)
         m_options->button(number)->setFocus();
         return;
     }
+    if (event->key() == Qt::Key_A && m_applyToAll->isVisible()) {
+        m_applyToAll->toggle();
+        return;
+    }
     Sheet::keyPressEvent(event);
 }
 
-std::optional<QList<DuplicateChoice>> DuplicatesSheet::resolve()
+DuplicatesSheet::Answer DuplicatesSheet::answer(int code) const
 {
-    return run() == acceptCode ? std::optional(m_choices) : std::nullopt;
+    return code == acceptCode ? Answer(m_choices) : std::nullopt;
 }

@@ -27,13 +27,19 @@ class UnreadableFilesSheet : public Sheet
 {
     Q_OBJECT
 public:
-    UnreadableFilesSheet(QWidget *window, QList<FileConflict> &conflicts);
-    bool resolve(); // false: stop the import
+    UnreadableFilesSheet(QWidget *window, QList<FileConflict> conflicts);
+
+    struct Answer
+    {
+        bool goesOn = false; // else the import stops
+        QList<FileConflict> conflicts;
+    };
+    Answer answer(int code) const; // to the code the sheet ended with
 
 private:
     void updateImportButtonStatus();
 
-    QList<FileConflict> &m_conflicts;
+    QList<FileConflict> m_conflicts;
     QListWidget *m_list;
     QPushButton *m_continue;
 };
@@ -44,7 +50,8 @@ class DuplicatesSheet : public Sheet
     Q_OBJECT
 public:
     DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs);
-    std::optional<QList<DuplicateChoice>> resolve();
+    using Answer = std::optional<QList<DuplicateChoice>>;
+    Answer answer(int code) const; // to the code the sheet ended with
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

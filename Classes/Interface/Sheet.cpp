@@ -10,8 +10,9 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPointer>
 #include <QPushButton>
+
+#include <utility>
 
 namespace {
 
@@ -87,15 +88,14 @@ void Sheet::place()
     setGeometry((m_cover->width() - width) / 2, 0, width, std::min(height, m_cover->height()));
 }
 
-int Sheet::run()
+void Sheet::begin()
 {
-    const QPointer<QWidget> focusBefore(QApplication::focusWidget());
-    m_window->setProperty(isShownProperty, true);
-    QList<QAction *> paused;
+    m_focusBefore = m_window->focusWidget();
+    m_window->setProperty(isShownProperty, m_window->property(isShownProperty).toInt() + 1);
     for (QAction *action : m_window->actions()) {
         if (action->isEnabled()) {
             action->setEnabled(false);
-            paused.append(action);
+            m_paused.append(action);
         }
     }
     place();
@@ -105,6 +105,29 @@ int Sheet::run()
     if (m_default) {
         m_default->setFocus();
     }
+}
+
+// The window is there still.
+void Sheet::end()
+{
+    const int left = m_window->property(isShownProperty).toInt() - 1;
+    m_window->setProperty(isShownProperty, left > 0 ? QVariant(left) : QVariant());
+    for (const QPointer<QAction> &action : std::as_const(m_paused)) {
+        if (action) {
+            action->setEnabled(true);
+        }
+    }
+    m_cover->hide();
+    setParent(nullptr);
+    m_cover->deleteLater();
+    if (m_focusBefore) {
+        m_focusBefore->setFocus();
+    }
+}
+
+int Sheet::run()
+{
+    begin();
     QEventLoop loop;
     int code = m_rejectCode;
     connect(this, &QDialog::finished, &loop, [&](int result) {
@@ -112,21 +135,39 @@ int Sheet::run()
         loop.quit();
     });
     connect(m_cover, &QObject::destroyed, &loop, &QEventLoop::quit); // the window went
-    const QPointer<QWidget> cover(m_cover);
     loop.exec();
-    if (cover) {
-        for (QAction *action : paused) {
-            action->setEnabled(true);
-        }
-        m_window->setProperty(isShownProperty, false);
-        cover->hide();
-        setParent(nullptr);
-        cover->deleteLater();
-    }
-    if (focusBefore) {
-        focusBefore->setFocus();
+    if (m_cover) {
+        end();
     }
     return code;
+}
+
+void Sheet::open(std::function<void(std::optional<int>)> then)
+{
+    m_then = std::move(then);
+    begin();
+    connect(this, &QDialog::finished, this, [this](int code) {
+        end();
+        deleteLater();
+        std::exchange(m_then, nullptr)(code);
+    });
+}
+
+Sheet::~Sheet()
+{
+    if (m_then) {
+        m_then(std::nullopt);
+    }
+}
+
+void Sheet::dismissOpened(QWidget *window)
+{
+    const auto sheets = window->findChildren<Sheet *>();
+    for (Sheet *sheet : sheets) {
+        if (sheet->m_then) {
+            sheet->reject();
+        }
+    }
 }
 
 void Sheet::keyPressEvent(QKeyEvent *event)

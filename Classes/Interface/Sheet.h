@@ -1,6 +1,12 @@
 #pragma once
 
+#include <QAction>
 #include <QDialog>
+#include <QList>
+#include <QPointer>
+
+#include <functional>
+#include <optional>
 
 class QBoxLayout;
 class QPushButton;
@@ -11,11 +17,18 @@ class Sheet : public QDialog
 {
     Q_OBJECT
 public:
-    // On the window while a sheet hangs from it: its commands rest.
+    // On the window, how many sheets hang from it: its commands rest while there is one.
     static constexpr const char *isShownProperty = "zqSheetIsShown";
 
     Sheet(QWidget *window, const QString &title);
+    ~Sheet() override;
     int run(); // waits; the code given to `done`
+    // Shows it, returns, and calls `then` with the code when it was answered, before it deletes itself; with nothing
+    // when it goes with its window.
+    void open(std::function<void(std::optional<int>)> then);
+    using QDialog::open;
+    // Every sheet of that window shown by `open` is answered as with Esc.
+    static void dismissOpened(QWidget *window);
 
 protected:
     QBoxLayout *content() const { return m_content; } // between title and buttons
@@ -30,12 +43,17 @@ protected:
 
 private:
     void place();
+    void begin();
+    void end();
 
     QWidget *m_window;
-    QWidget *m_cover;
+    QPointer<QWidget> m_cover;
     QBoxLayout *m_content;
     QBoxLayout *m_footer;
-    QPushButton *m_default = nullptr; // a dialog that is no window of its own forgets which one it is
+    QPointer<QWidget> m_focusBefore;
+    QList<QPointer<QAction>> m_paused;
+    std::function<void(std::optional<int>)> m_then; // of a sheet that is shown without waiting
+    QPushButton *m_default = nullptr;               // a dialog that is no window of its own forgets which one it is
     int m_rejectCode = 0;
     int m_width = 460;
 };

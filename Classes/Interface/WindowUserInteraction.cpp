@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <mutex>
 
 namespace {
@@ -205,9 +206,41 @@ std::optional<QString> WindowUserInteraction::chooseFileToSave(const FileChoice 
     return dialog.selectedFiles().first();
 }
 
+// From the main thread in a loop of its own. From another thread the sheet hangs there while the main thread goes on,
+// so that quitting can take it away: a loop of its own below that of the quitting could never end.
+template <class SheetClass, class... Arguments>
+typename SheetClass::Answer WindowUserInteraction::answerOf(const typename SheetClass::Answer &withoutWindow,
+                                                            Arguments... arguments)
+{
+    using Answer = typename SheetClass::Answer;
+    if (zqIsMainThread()) {
+        if (!hasWindow()) {
+            return withoutWindow;
+        }
+        SheetClass sheet(m_places.window, arguments...);
+        const int code = sheet.run();
+        return sheet.answer(code);
+    }
+    const auto answer = std::make_shared<std::promise<Answer>>();
+    std::future<Answer> waiting = answer->get_future();
+    const bool isAsked = zqOnMainThreadAndWait([&] {
+        if (!hasWindow()) {
+            answer->set_value(withoutWindow);
+            return;
+        }
+        auto *sheet = new SheetClass(m_places.window, arguments...);
+        sheet->open([&withoutWindow, answer, sheet](std::optional<int> code) {
+            answer->set_value(code ? sheet->answer(*code) : withoutWindow);
+        });
+    });
+    return isAsked ? waiting.get() : withoutWindow;
+}
+
 bool WindowUserInteraction::resolveUnreadableFiles(QList<FileConflict> &conflicts)
 {
-    return hasWindow() && UnreadableFilesSheet(m_places.window, conflicts).resolve();
+    const auto answer = answerOf<UnreadableFilesSheet>({false, conflicts}, conflicts);
+    conflicts = answer.conflicts;
+    return answer.goesOn;
 }
 
 std::optional<QList<DuplicateChoice>> WindowUserInteraction::resolveDuplicates(const QList<DuplicatePair> &pairs)
@@ -215,10 +248,15 @@ std::optional<QList<DuplicateChoice>> WindowUserInteraction::resolveDuplicates(c
     if (pairs.isEmpty()) {
         return QList<DuplicateChoice>();
     }
-    if (!hasWindow()) { // what changes least: nothing new comes in
-        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard);
+    // Without a person what changes least: nothing new comes in.
+    return answerOf<DuplicatesSheet>(QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard), pairs);
+}
+
+void WindowUserInteraction::dismissQuestions()
+{
+    if (m_places.window) {
+        Sheet::dismissOpened(m_places.window);
     }
-    return DuplicatesSheet(m_places.window, pairs).resolve();
 }
 
 std::shared_ptr<UserProgress> WindowUserInteraction::beginProgress(const QString &text, double maximum,

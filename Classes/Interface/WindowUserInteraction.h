@@ -34,10 +34,13 @@ public:
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
     bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
     std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
+    void dismissQuestions() override;
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override;
 
 private:
+    template <class SheetClass, class... Arguments>
+    typename SheetClass::Answer answerOf(const typename SheetClass::Answer &withoutWindow, Arguments... arguments);
     bool hasWindow() const { return m_places.window && m_places.window->isVisible(); }
 
     Places m_places;

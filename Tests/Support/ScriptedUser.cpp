@@ -1,5 +1,7 @@
 #include "Tests/Support/ScriptedUser.h"
 
+#include "Kit/Operations/ZQMainThread.h"
+
 namespace {
 
 class UnwatchedProgress : public UserProgress
@@ -49,13 +51,19 @@ std::optional<QString> ScriptedUser::chooseFileToSave(const FileChoice &)
 
 bool ScriptedUser::resolveUnreadableFiles(QList<FileConflict> &conflicts)
 {
-    return answerUnreadableFiles && answerUnreadableFiles(conflicts);
+    bool goesOn = false;
+    zqOnMainThreadAndWait([&] { goesOn = answerUnreadableFiles && answerUnreadableFiles(conflicts); });
+    return goesOn;
 }
 
 std::optional<QList<DuplicateChoice>> ScriptedUser::resolveDuplicates(const QList<DuplicatePair> &pairs)
 {
-    duplicates = pairs;
-    return answerDuplicates ? answerDuplicates(pairs) : std::nullopt;
+    std::optional<QList<DuplicateChoice>> choices;
+    zqOnMainThreadAndWait([&] {
+        duplicates = pairs;
+        choices = answerDuplicates ? answerDuplicates(pairs) : std::nullopt;
+    });
+    return choices;
 }
 
 std::shared_ptr<UserProgress> ScriptedUser::beginProgress(const QString &, double, std::function<void()> cancel)

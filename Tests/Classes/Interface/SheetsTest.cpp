@@ -1,14 +1,16 @@
 #include "Classes/Interface/QuestionSheets.h"
 #include "Classes/Interface/WindowUserInteraction.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Operations/ZQMainThread.h"
 
 #include <QAbstractButton>
-#include <QCheckBox>
 #include <QMainWindow>
 #include <QTimer>
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 namespace {
 
@@ -39,6 +41,12 @@ protected:
         return result;
     }
     using Choices = QList<DuplicateChoice>;
+    std::optional<Choices> resolved(int count)
+    {
+        DuplicatesSheet sheet(&window, pairs(count));
+        const int code = sheet.run();
+        return sheet.answer(code);
+    }
 
     QMainWindow window;
 };
@@ -78,22 +86,17 @@ TEST_F(SheetsTest, CommandsOfTheWindowRestWhileItIsAsked)
 TEST_F(SheetsTest, DuplicatesAreAnsweredOneByOneWithTheNumberKeys)
 {
     press({Qt::Key_3, Qt::Key_Return, Qt::Key_2, Qt::Key_Return, Qt::Key_1, Qt::Key_Return});
-    const auto choices = DuplicatesSheet(&window, pairs(3)).resolve();
+    const auto choices = resolved(3);
     ASSERT_TRUE(choices);
     EXPECT_EQ(*choices, (Choices{DuplicateChoice::KeepBoth, DuplicateChoice::Relink, DuplicateChoice::Discard}));
 }
 
 TEST_F(SheetsTest, OneChoiceCanBeForAllThatRemain)
 {
-    QTimer::singleShot(30, qApp, [this] {
-        for (QCheckBox *box : window.findChildren<QCheckBox *>()) {
-            box->setChecked(true);
-        }
-    });
-    press({Qt::Key_2, Qt::Key_Return});
-    EXPECT_EQ(DuplicatesSheet(&window, pairs(3)).resolve(), std::optional(Choices(3, DuplicateChoice::Relink)));
+    press({Qt::Key_2, Qt::Key_A, Qt::Key_Return});
+    EXPECT_EQ(resolved(3), std::optional(Choices(3, DuplicateChoice::Relink)));
     press({Qt::Key_2, Qt::Key_Return, Qt::Key_Escape});
-    EXPECT_FALSE(DuplicatesSheet(&window, pairs(3)).resolve()) << "a cancelled dialogue answers nothing at all";
+    EXPECT_FALSE(resolved(3)) << "a cancelled dialogue answers nothing at all";
 }
 
 TEST_F(SheetsTest, WithoutAWindowDuplicatesAreDiscarded)
@@ -102,4 +105,42 @@ TEST_F(SheetsTest, WithoutAWindowDuplicatesAreDiscarded)
     EXPECT_EQ(user.resolveDuplicates(pairs(2)), std::optional(Choices(2, DuplicateChoice::Discard)));
     QList<FileConflict> conflicts = {{QStringLiteral("/a"), false, true}};
     EXPECT_FALSE(user.resolveUnreadableFiles(conflicts));
+}
+
+TEST_F(SheetsTest, AQuestionOfAnotherThreadIsAnsweredOrDismissed)
+{
+    WindowUserInteraction user;
+    user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
+    window.setFocus();
+    const auto ask = [&] { return std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(2)); }); };
+    const auto isShown = [&] { return window.property(Sheet::isShownProperty).toBool(); };
+
+    auto answered = ask();
+    zqRunMainLoopUntil(isShown);
+    press({Qt::Key_3, Qt::Key_A, Qt::Key_Return});
+    zqRunMainLoopUntil([&] { return !isShown(); });
+    EXPECT_EQ(answered.get(), std::optional(Choices(2, DuplicateChoice::KeepBoth)));
+
+    auto dismissed = ask();
+    zqRunMainLoopUntil(isShown);
+    UserQuestion question;
+    question.buttons = {QStringLiteral("Quit anyway"), QStringLiteral("Cancel")};
+    press({Qt::Key_Return});
+    EXPECT_EQ(QuestionSheet(&window, question).ask(), 0) << "a second sheet lies over the first";
+    EXPECT_TRUE(isShown());
+    user.dismissQuestions();
+    EXPECT_FALSE(isShown());
+    EXPECT_FALSE(dismissed.get());
+}
+
+TEST_F(SheetsTest, AQuestionThatGoesWithItsWindowBringsNothingIn)
+{
+    WindowUserInteraction user;
+    auto other = std::make_unique<QMainWindow>();
+    other->show();
+    user.setPlaces({.window = other.get(), .browser = {}, .sidebar = {}, .progress = nullptr});
+    auto waiting = std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(1)); });
+    zqRunMainLoopUntil([&] { return other->property(Sheet::isShownProperty).toBool(); });
+    other.reset();
+    EXPECT_EQ(waiting.get(), std::optional(Choices(1, DuplicateChoice::Discard)));
 }
