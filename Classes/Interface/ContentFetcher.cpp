@@ -16,21 +16,19 @@ struct ContentFetcher::Private
     {
         Purpose purpose;
         quint64 number;
-        QList<ZQFetchRequest> requests;
-        std::function<void(IDs)> answerIDs; // one of these two
-        std::function<void(QList<qint64>)> answerCounts;
+        std::function<Answer(ZQManagedObjectContext &, const IsWanted &)> work;
     };
     std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
     mutable std::mutex lock;
     std::condition_variable wake;
     std::deque<Job> waiting;
-    std::array<quint64, 4> latest = {};
+    std::array<quint64, size_t(Purpose::Count)> latest = {};
     quint64 next = 0;
     int unanswered = 0;
     bool stopping = false;
     std::thread thread;
 
-    void add(ContentFetcher *owner, Job job);
+    void add(Job job);
     void run(ContentFetcher *owner);
     void perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job);
     bool isLatest(const Job &job) const
@@ -57,9 +55,8 @@ ContentFetcher::~ContentFetcher()
     d->thread.join();
 }
 
-void ContentFetcher::Private::add(ContentFetcher *owner, Job job)
+void ContentFetcher::Private::add(Job job)
 {
-    Q_UNUSED(owner)
     const std::lock_guard guard(lock);
     job.number = ++next;
     latest[size_t(job.purpose)] = job.number;
@@ -88,48 +85,65 @@ void ContentFetcher::Private::run(ContentFetcher *owner)
 
 void ContentFetcher::Private::perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job)
 {
-    IDs ids;
-    QList<qint64> counts;
-    for (const ZQFetchRequest &request : job.requests) {
-        if (!isLatest(job)) {
-            break;
-        }
-        ZQError error;
-        if (job.answerIDs) {
-            auto found = context.fetchObjectIDs(request, &error);
-            ids.append(found.value_or(QList<ZQObjectID>()));
-        } else {
-            counts.append(context.countForFetchRequest(request, &error).value_or(0));
-        }
-        if (!error.isNull()) {
-            zqLogFetchError(error);
-        }
-    }
+    Answer answer = job.work(context, [&] { return isLatest(job); });
     QMetaObject::invokeMethod(
         owner,
-        [owner, job, ids = std::move(ids), counts = std::move(counts)] {
+        [owner, job, answer = std::move(answer)] {
             const bool isCurrent = owner->d->isLatest(job);
             {
                 const std::lock_guard guard(owner->d->lock);
                 --owner->d->unanswered;
             }
-            if (isCurrent && job.answerIDs) {
-                job.answerIDs(ids);
-            } else if (isCurrent) {
-                job.answerCounts(counts);
+            if (isCurrent && answer) {
+                answer();
             }
         },
         Qt::QueuedConnection);
 }
 
+void ContentFetcher::run(Purpose purpose, std::function<Answer(ZQManagedObjectContext &, const IsWanted &)> work)
+{
+    d->add({purpose, 0, std::move(work)});
+}
+
+namespace {
+
+// What `fetch(request, error)` gives for each request, then handed to `answer`.
+template <class Result, class Fetch>
+auto each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>)> answer, Fetch fetch)
+{
+    return [requests = std::move(requests), answer = std::move(answer), fetch](
+               ZQManagedObjectContext &context, const ContentFetcher::IsWanted &isWanted) -> ContentFetcher::Answer {
+        QList<Result> results;
+        for (const ZQFetchRequest &request : requests) {
+            if (!isWanted()) {
+                return {};
+            }
+            ZQError error;
+            results.append(fetch(context, request, &error).value_or(Result()));
+            if (!error.isNull()) {
+                zqLogFetchError(error);
+            }
+        }
+        return [answer, results] { answer(results); };
+    };
+}
+
+} // namespace
+
 void ContentFetcher::fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer)
 {
-    d->add(this, {purpose, 0, std::move(requests), std::move(answer), {}});
+    run(purpose, each<QList<ZQObjectID>>(std::move(requests), std::move(answer),
+                                         [](ZQManagedObjectContext &context, const ZQFetchRequest &request,
+                                            ZQError *error) { return context.fetchObjectIDs(request, error); }));
 }
 
 void ContentFetcher::count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer)
 {
-    d->add(this, {purpose, 0, std::move(requests), {}, std::move(answer)});
+    run(purpose, each<qint64>(std::move(requests), std::move(answer),
+                              [](ZQManagedObjectContext &context, const ZQFetchRequest &request, ZQError *error) {
+                                  return context.countForFetchRequest(request, error);
+                              }));
 }
 
 bool ContentFetcher::isIdle() const

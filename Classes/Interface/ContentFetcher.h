@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 
+class ZQManagedObjectContext;
 class ZQPersistentStoreCoordinator;
 
 // Runs fetches on a thread and context of its own, so that long lists and many counts never hold up the window.
@@ -21,11 +22,16 @@ public:
 
     // What a caller is waiting for; a new request under the same name replaces one not yet begun, and only the answer
     // of the latest is delivered.
-    enum class Purpose { Content, Typing, ProjectCounts, TagCounts };
+    enum class Purpose { Content, Typing, ProjectCounts, TagCounts, Summary, Count };
 
     using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error
     void fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer);
     void count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
+    // `work` runs on the fetcher's thread and should give up once `isWanted` says no; what it returns runs on the main
+    // one.
+    using IsWanted = std::function<bool()>;
+    using Answer = std::function<void()>;
+    void run(Purpose purpose, std::function<Answer(ZQManagedObjectContext &, const IsWanted &isWanted)> work);
     bool isIdle() const; // nothing asked is unanswered
 
 private:

@@ -1,55 +1,48 @@
 #include "Classes/Interface/InfoPanelViewController.h"
 
 #include "Classes/Interface/BrowserViewController.h"
+#include "Classes/Interface/ContentFetcher.h"
+#include "Classes/Interface/ItemEdits.h"
 #include "Classes/Interface/LibraryCommands.h"
+#include "Classes/Interface/RatingField.h"
 #include "Classes/Interface/TagField.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
+#include <QAction>
 #include <QBoxLayout>
-#include <QFileInfo>
+#include <QDesktopServices>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
-#include <QMimeDatabase>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QUrl>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
-constexpr qint64 mostItems = 500; // of a larger selection only the number is told
-
-QString dateText(const QDateTime &date)
+// The address that opens, when the text is one.
+QUrl linkOf(const QString &text)
 {
-    if (!date.isValid()) {
-        return zqLocalized("Unknown");
-    }
-    const QDateTime local = date.toLocalTime();
-    const qint64 days = local.date().daysTo(QDate::currentDate());
-    const QLocale locale;
-    // The C locale's short time has seconds.
-    const QString time = locale.language() == QLocale::C ? local.time().toString(QStringLiteral("HH:mm"))
-                                                         : locale.toString(local.time(), QLocale::ShortFormat);
-    if (days == 0) {
-        return zqFormat(zqLocalized("Today, %@"), {time});
-    }
-    return days == 1 ? zqFormat(zqLocalized("Yesterday, %@"), {time})
-                     : locale.toString(local.date(), QStringLiteral("d MMM yyyy"));
+    const QUrl url(text.trimmed());
+    const bool isLink = url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https");
+    return isLink && !url.host().isEmpty() ? url : QUrl();
 }
 
-QString kindText(const ZQLibraryBaseItem &item)
+// Differing values stand in the placeholder: typing replaces them, leaving the field does not.
+void showIn(QLineEdit *field, const CommonText &value, const QString &whenEmpty)
 {
-    static const QMimeDatabase types;
-    const QString comment =
-        types.mimeTypeForFile(QStringLiteral("x.") + item.extension(), QMimeDatabase::MatchExtension).comment();
-    return comment.isEmpty() ? item.extension().toUpper() : comment.left(1).toUpper() + comment.mid(1);
+    field->setPlaceholderText(value.differs ? zqLocalized("Multiple values") : whenEmpty);
+    if (!field->hasFocus() || !field->isModified()) {
+        field->setText(value.differs ? QString() : value.text);
+        field->setCursorPosition(0);
+    }
 }
 
 } // namespace
@@ -106,8 +99,8 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
     : QScrollArea(parent), m_window(window), m_browser(browser), m_body(new QWidget(this)),
       m_nothing(new QLabel(zqLocalized("Nothing selected"))), m_column(new QVBoxLayout),
       m_preview(new Preview(browser, m_body)), m_title(new QLineEdit(m_body)), m_kind(new QLabel(m_body)),
-      m_colorBox(new QWidget(m_body)), m_colors(new QWidget(m_colorBox)), m_tags(new TagField(m_body)),
-      m_notes(new QPlainTextEdit(m_body)), m_rows(new QGridLayout)
+      m_rating(new RatingField(m_body)), m_colorBox(new QWidget(m_body)), m_colors(new QWidget(m_colorBox)),
+      m_tags(new TagField(m_body)), m_notes(new QPlainTextEdit(m_body)), m_rows(new QGridLayout)
 {
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -126,66 +119,75 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
     m_column->setContentsMargins(0, 0, 0, 0);
     m_column->setSpacing(14);
     m_column->addWidget(m_preview);
+    makeHead();
+    m_colors->setFixedHeight(22);
+    auto *swatches = new QHBoxLayout(m_colors);
+    swatches->setContentsMargins(0, 0, 0, 0);
+    swatches->setSpacing(6);
+    addSection(zqLocalized("COLORS"), m_colors, m_colorBox);
+    addSection(zqLocalized("TAGS"), m_tags);
+    connect(m_tags, &TagField::edited, this, [this](const QStringList &tags) { tagItems(m_items, tags); });
+    m_notes->setAccessibleName(zqLocalized("Notes"));
+    m_notes->setFixedHeight(72);
+    m_notes->setTabChangesFocus(true);
+    m_notes->installEventFilter(this);
+    addSection(zqLocalized("NOTES"), m_notes);
+    makeRows();
+    m_column->addLayout(m_rows);
+    showNothing();
+}
 
+void InfoPanelViewController::makeHead()
+{
     m_title->setObjectName(QStringLiteral("TitleField"));
     m_title->setAccessibleName(zqLocalized("Title"));
     m_title->installEventFilter(this);
     connect(m_title, &QLineEdit::editingFinished, this, &InfoPanelViewController::commitTitle);
     m_kind->setObjectName(QStringLiteral("SmallMuted"));
     m_kind->setWordWrap(true);
+    connect(m_rating, &RatingField::edited, this, &InfoPanelViewController::rateItems);
     auto *names = new QVBoxLayout;
     names->setSpacing(1);
     names->addWidget(m_title);
     names->addWidget(m_kind);
+    names->addSpacing(6);
+    names->addWidget(m_rating);
     m_column->addLayout(names);
+}
 
-    const auto section = [this](const QString &text, QWidget *content, QWidget *box) {
-        auto *layout = box ? new QVBoxLayout(box) : new QVBoxLayout;
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->setSpacing(5);
-        layout->addWidget(caption(text));
-        layout->addWidget(content);
-        if (box) {
-            m_column->addWidget(box);
-        } else {
-            m_column->addLayout(layout);
-        }
-    };
-    m_colors->setFixedHeight(22);
-    auto *swatches = new QHBoxLayout(m_colors);
-    swatches->setContentsMargins(0, 0, 0, 0);
-    swatches->setSpacing(6);
-    section(zqLocalized("COLORS"), m_colors, m_colorBox);
-    section(zqLocalized("TAGS"), m_tags, nullptr);
-    connect(m_tags, &TagField::edited, this, [this](const QStringList &tags) { tagItems(m_items, tags); });
-    m_notes->setAccessibleName(zqLocalized("Notes"));
-    m_notes->setFixedHeight(72);
-    m_notes->setTabChangesFocus(true);
-    m_notes->installEventFilter(this);
-    section(zqLocalized("NOTES"), m_notes, nullptr);
-
+void InfoPanelViewController::makeRows()
+{
     m_rows->setHorizontalSpacing(8);
     m_rows->setVerticalSpacing(5);
     m_rows->setColumnMinimumWidth(0, 70);
     m_rows->setColumnStretch(1, 1);
-    const auto value = [this](const QString &name) {
-        auto *label = new QLabel(m_body);
-        label->setObjectName(QStringLiteral("Small"));
-        label->setWordWrap(true);
-        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        label->setAccessibleName(name);
-        addRow(name, label);
-        return label;
-    };
-    m_size = value(zqLocalized("Size"));
-    m_imported = value(zqLocalized("Imported"));
-    m_modified = value(zqLocalized("Modified"));
-    m_source = value(zqLocalized("Source"));
-    m_source->setOpenExternalLinks(true);
-    m_source->setTextInteractionFlags(Qt::TextBrowserInteraction);
-    m_license = value(zqLocalized("License"));
-    m_column->addLayout(m_rows);
-    showNothing();
+    m_size = addValue(zqLocalized("Size"));
+    m_imported = addValue(zqLocalized("Imported"));
+    m_modified = addValue(zqLocalized("Modified"));
+    m_source = addField(zqLocalized("Source"));
+    m_license = addField(zqLocalized("License"));
+    m_openSource = m_source->addAction(ZQIcon::icon(QStringLiteral("open-outside")), QLineEdit::TrailingPosition);
+    connect(m_openSource, &QAction::triggered, this, [this] { QDesktopServices::openUrl(linkOf(m_source->text())); });
+    connect(m_source, &QLineEdit::textChanged, this, [this](const QString &text) {
+        const QUrl link = linkOf(text);
+        m_openSource->setVisible(link.isValid());
+        m_openSource->setToolTip(zqFormat(zqLocalized("Open %@"), {link.host()}));
+    });
+    m_openSource->setVisible(false);
+}
+
+void InfoPanelViewController::addSection(const QString &text, QWidget *content, QWidget *box)
+{
+    auto *layout = box ? new QVBoxLayout(box) : new QVBoxLayout;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(5);
+    layout->addWidget(caption(text));
+    layout->addWidget(content);
+    if (box) {
+        m_column->addWidget(box);
+    } else {
+        m_column->addLayout(layout);
+    }
 }
 
 QLabel *InfoPanelViewController::caption(const QString &text)
@@ -195,79 +197,116 @@ QLabel *InfoPanelViewController::caption(const QString &text)
     return label;
 }
 
+QLabel *InfoPanelViewController::addValue(const QString &name)
+{
+    auto *label = new QLabel(m_body);
+    label->setObjectName(QStringLiteral("Small"));
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setAccessibleName(name);
+    addRow(name, label);
+    return label;
+}
+
+QLineEdit *InfoPanelViewController::addField(const QString &name)
+{
+    auto *field = new QLineEdit(m_body);
+    field->setObjectName(QStringLiteral("InlineField"));
+    field->setAccessibleName(name);
+    field->installEventFilter(this);
+    connect(field, &QLineEdit::editingFinished, this, [this, field] { commitField(field); });
+    addRow(name, field);
+    return field;
+}
+
 void InfoPanelViewController::addRow(const QString &name, QWidget *value)
 {
     auto *label = new QLabel(name, m_body);
     label->setObjectName(QStringLiteral("SmallMuted"));
+    label->setBuddy(value);
     const int row = m_rows->rowCount();
-    m_rows->addWidget(label, row, 0, Qt::AlignTop);
-    m_rows->addWidget(value, row, 1, Qt::AlignTop);
+    const bool isField = qobject_cast<QLineEdit *>(value) != nullptr;
+    m_rows->addWidget(label, row, 0, isField ? Qt::AlignVCenter : Qt::AlignTop);
+    m_rows->addWidget(value, row, 1, isField ? Qt::AlignVCenter : Qt::AlignTop);
 }
 
 void InfoPanelViewController::refresh()
 {
     commitNotes();
-    const qint64 count = m_browser.selectionCount();
-    if (count == 0) {
-        m_nothing->setText(zqLocalized("Nothing selected"));
+    const QList<ZQObjectID> items = m_browser.selectedItems();
+    if (items.isEmpty()) {
         showNothing();
-    } else if (count > mostItems) {
-        m_nothing->setText(zqFormat(zqLocalized("%@ items selected"), {QLocale().toString(count)}));
-        showNothing();
-    } else {
-        showItems(m_browser.selectedItems());
+        return;
     }
+    if (items.size() <= ItemEdits::mostAtOnce) {
+        showSummary(items, *SelectionSummary::of(items, m_window.context, [] { return true; }));
+        return;
+    }
+    if (items != m_items) { // until it is known what they have in common
+        m_nothing->setText(zqFormat(zqLocalized("%@ items selected"), {QLocale().toString(items.size())}));
+        m_items.clear();
+        m_body->hide();
+        m_nothing->show();
+    }
+    m_window.fetcher.run(ContentFetcher::Purpose::Summary,
+                         [this, items](ZQManagedObjectContext &context, const ContentFetcher::IsWanted &isWanted) {
+                             const auto summary = SelectionSummary::of(items, context, isWanted);
+                             return [this, items, summary] {
+                                 if (summary && m_browser.selectionCount() == items.size()) {
+                                     showSummary(items, *summary);
+                                 }
+                             };
+                         });
 }
 
 void InfoPanelViewController::showNothing()
 {
     m_items.clear();
-    m_shownNotes.clear();
+    m_summary = {};
+    m_nothing->setText(zqLocalized("Nothing selected"));
     m_body->hide();
     m_nothing->show();
 }
 
-void InfoPanelViewController::showItems(const QList<ZQObjectID> &items)
+void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary)
 {
-    const auto first = items.isEmpty() ? ZQRef<ZQLibraryBaseItem>() : m_window.libraryItem(items.first());
-    if (!first) {
+    const auto first = m_window.libraryItem(items.first());
+    if (!first || summary.count == 0) {
         showNothing();
         return;
     }
-    m_items = items;
     const bool isOne = items.size() == 1;
-    // One text for all, or the words for several.
-    const auto common = [&](const auto &textOf) {
-        const QString text = textOf(*first);
-        const bool differs = std::any_of(items.begin(), items.end(), [&](const ZQObjectID &id) {
-            const auto item = m_window.libraryItem(id);
-            return item && textOf(*item) != text;
-        });
-        return differs ? zqLocalized("Multiple values") : text;
-    };
-    using Item = ZQLibraryBaseItem;
-    m_preview->setItem(BrowserContent::thumbnailOf(*first), QSize(first->pixelWidth(), first->pixelHeight()));
+    m_items = items;
+    m_summary = summary;
+    showPicture(*first, isOne);
     m_title->setText(isOne ? first->title() : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
     m_title->setReadOnly(!isOne);
-    qint64 bytes = 0;
-    for (const ZQObjectID &id : items) {
-        const auto item = m_window.libraryItem(id);
-        bytes += item ? item->byteSize() : 0;
-    }
-    m_kind->setText(common(kindText) + QStringLiteral(" · ") +
-                    QLocale().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat));
-    showColors(*first);
-    m_colorBox->setVisible(isOne && !ZQSidebarTag::colorNameForValue(first->mainColor()).isEmpty());
+    m_title->setFocusPolicy(isOne ? Qt::StrongFocus : Qt::NoFocus);
+    m_kind->setText(summary.kind.shown() + QStringLiteral(" · ") +
+                    QLocale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeTraditionalFormat));
+    m_rating->setRating(summary.rating, summary.ratingDiffers);
+    showTags(summary);
+    m_notes->setPlaceholderText(summary.notes.differs ? zqLocalized("Multiple values") : QString());
+    m_notes->setPlainText(summary.notes.differs ? QString() : summary.notes.text);
+    m_size->setText(summary.size.shown());
+    m_imported->setText(summary.imported.shown());
+    m_modified->setText(summary.modified.shown());
+    showIn(m_source, summary.source, zqLocalized("None given"));
+    showIn(m_license, summary.license, zqLocalized("None given"));
+    m_nothing->hide();
+    m_body->show();
+}
 
-    const QStringList shared = commonTagsForItems(items);
-    const bool hasOthers = std::any_of(items.begin(), items.end(), [&](const ZQObjectID &id) {
-        const auto item = m_window.libraryItem(id);
-        const auto tags = item ? item->tags() : QList<ZQRef<ZQSidebarTag>>();
-        return std::any_of(tags.begin(), tags.end(), [&](const auto &tag) {
-            return tag->active() && tag->isUserTag() && !shared.contains(tag->title());
-        });
-    });
-    m_tags->setTags(shared, hasOthers);
+void InfoPanelViewController::showPicture(const ZQLibraryBaseItem &item, bool isOne)
+{
+    m_preview->setItem(BrowserContent::thumbnailOf(item), QSize(item.pixelWidth(), item.pixelHeight()));
+    showColors(item);
+    m_colorBox->setVisible(isOne && !ZQSidebarTag::colorNameForValue(item.mainColor()).isEmpty());
+}
+
+void InfoPanelViewController::showTags(const SelectionSummary &summary)
+{
+    m_tags->setTags(summary.tags, summary.hasOtherTags);
     QStringList known;
     if (const auto label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(m_window.context)) {
         for (const auto &tag : label->orderedChildren()) {
@@ -275,28 +314,6 @@ void InfoPanelViewController::showItems(const QList<ZQObjectID> &items)
         }
     }
     m_tags->setKnownTags(known);
-
-    m_shownNotes = common([](const Item &item) { return item.notes(); });
-    m_notes->setPlainText(m_shownNotes);
-    m_size->setText(common([](const Item &item) {
-        return item.pixelWidth() > 0 ? QStringLiteral("%1 × %2").arg(item.pixelWidth()).arg(item.pixelHeight())
-                                     : zqLocalized("Unknown");
-    }));
-    m_imported->setText(common([](const Item &item) { return dateText(item.import_date()); }));
-    m_modified->setText(common([](const Item &item) { return dateText(item.modification_date()); }));
-    const QString source =
-        common([](const Item &item) { return item.webPageURL().isEmpty() ? item.webURL() : item.webPageURL(); });
-    const QUrl url(source);
-    const bool isLink = url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https");
-    m_source->setText(isLink
-                          ? QStringLiteral("<a style=\"text-decoration:none\" href=\"%1\">%2 ↗</a>")
-                                .arg(QString::fromLatin1(url.toEncoded()).toHtmlEscaped(), url.host().toHtmlEscaped())
-                      : source.isEmpty() ? zqLocalized("None given")
-                                         : source.toHtmlEscaped());
-    const QString license = common([](const Item &item) { return item.license(); });
-    m_license->setText(license.isEmpty() ? zqLocalized("None given") : license);
-    m_nothing->hide();
-    m_body->show();
 }
 
 void InfoPanelViewController::showColors(const ZQLibraryBaseItem &item)
@@ -337,23 +354,10 @@ void InfoPanelViewController::showColors(const ZQLibraryBaseItem &item)
 
 QStringList InfoPanelViewController::commonTagsForItems(const QList<ZQObjectID> &items) const
 {
-    QStringList shared;
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        const auto item = m_window.libraryItem(items[i]);
-        QStringList titles;
-        for (const auto &tag : item ? item->itemTags() : QList<ZQRef<ZQSidebarTag>>()) {
-            if (tag->isUserTag()) {
-                titles.append(tag->title());
-            }
-        }
-        titles.sort(Qt::CaseInsensitive);
-        if (i == 0) {
-            shared = titles;
-        } else {
-            shared.removeIf([&titles](const QString &title) { return !titles.contains(title); });
-        }
+    if (items == m_items && items.size() > ItemEdits::mostAtOnce) {
+        return m_summary.tags; // reading them again would hold up the window
     }
-    return shared;
+    return SelectionSummary::of(items, m_window.context, [] { return true; })->tags;
 }
 
 bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QStringList &withTags)
@@ -361,63 +365,37 @@ bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QSt
     QStringList entered = withTags;
     entered.removeAll(zqLocalized("Multiple values"));
     const QStringList shared = commonTagsForItems(items);
-    struct Change
-    {
-        ZQObjectID item;
-        QStringList before;
-        QStringList after;
-    };
-    QList<Change> changes;
-    for (const ZQObjectID &id : items) {
-        const auto item = m_window.libraryItem(id);
-        if (!item) {
-            continue;
-        }
-        QStringList before;
-        for (const auto &tag : item->itemTags()) {
-            if (tag->isUserTag()) {
-                before.append(tag->title());
-            }
-        }
-        QStringList after = before;
-        after.removeIf([&](const QString &title) { return shared.contains(title) && !entered.contains(title); });
-        for (const QString &title : entered) {
-            if (!after.contains(title)) {
-                after.append(title);
-            }
-        }
-        if (after != before) {
-            changes.append({id, before, after});
+    QList<ZQObjectID> added;
+    QList<ZQObjectID> removed;
+    for (const QString &title : entered) {
+        const auto tag = shared.contains(title) ? ZQRef<ZQSidebarTag>()
+                                                : ZQSidebarTag::getOrCreateTagWithName(title, m_window.context);
+        if (tag) {
+            m_window.save(); // for its lasting identifier
+            added.append(tag->objectID());
         }
     }
-    if (changes.isEmpty()) {
+    for (const QString &title : shared) {
+        const auto tag =
+            entered.contains(title) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(title, m_window.context);
+        if (tag) {
+            removed.append(tag->objectID());
+        }
+    }
+    if (added.isEmpty() && removed.isEmpty()) {
         return false;
     }
-    WindowContext &window = m_window;
-    const auto apply = [&window, changes](bool isUndo) {
-        for (const Change &change : changes) {
-            const auto item = window.libraryItem(change.item);
-            if (!item) {
-                continue;
-            }
-            const QStringList &wanted = isUndo ? change.before : change.after;
-            for (const auto &tag : item->itemTags()) {
-                if (tag->isUserTag() && !wanted.contains(tag->title())) {
-                    item->removeTagsObject(tag.get());
-                }
-            }
-            for (const QString &title : wanted) {
-                if (const auto tag = ZQSidebarTag::getOrCreateTagWithName(title, window.context)) {
-                    item->addTagsObject(tag.get());
-                }
-            }
-            item->writeOpenMetaToDisk();
-        }
-        window.save();
-    };
-    window.undoStack.push(new BlockUndoCommand(
-        zqLocalized("edit tags"), [apply] { apply(false); }, [apply] { apply(true); }));
+    ItemEdits(m_window).changeTags(items, added, removed);
     return true;
+}
+
+void InfoPanelViewController::rateItems(double rating)
+{
+    const QList<ZQObjectID> items = m_browser.selectedItems();
+    if (!items.isEmpty()) {
+        m_rating->setRating(rating, false);
+        ItemEdits(m_window).setRating(items, rating);
+    }
 }
 
 void InfoPanelViewController::editTitle()
@@ -449,10 +427,24 @@ void InfoPanelViewController::commitTitle()
 void InfoPanelViewController::commitNotes()
 {
     const QString text = m_notes->toPlainText();
-    if (!m_items.isEmpty() && text != m_shownNotes) {
-        m_shownNotes = text;
-        LibraryCommands(m_window).setNotes(m_items, text);
+    if (!m_items.isEmpty() && text != (m_summary.notes.differs ? QString() : m_summary.notes.text)) {
+        m_summary.notes = {text, false};
+        ItemEdits(m_window).setNotes(m_items, text);
     }
+}
+
+void InfoPanelViewController::commitField(QLineEdit *field)
+{
+    const bool isSource = field == m_source;
+    CommonText &shown = isSource ? m_summary.source : m_summary.license;
+    const QString text = field->text().trimmed();
+    if (m_items.isEmpty() || !field->isModified() || text == (shown.differs ? QString() : shown.text)) {
+        return;
+    }
+    field->setModified(false);
+    shown = {text, false};
+    ItemEdits edits(m_window);
+    isSource ? edits.setSource(m_items, text) : edits.setLicense(m_items, text);
 }
 
 bool InfoPanelViewController::eventFilter(QObject *object, QEvent *event)
@@ -460,8 +452,15 @@ bool InfoPanelViewController::eventFilter(QObject *object, QEvent *event)
     if (object == m_notes && event->type() == QEvent::FocusOut) {
         commitNotes();
     }
-    if (object == m_title && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape) {
+    const bool isEscape = event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape;
+    if (isEscape && (object == m_source || object == m_license)) {
+        auto *field = static_cast<QLineEdit *>(object);
+        field->setModified(false);
+        m_browser.grid().setFocus();
+        showIn(field, object == m_source ? m_summary.source : m_summary.license, zqLocalized("None given"));
+        return true;
+    }
+    if (isEscape && object == m_title) {
         const auto item = m_items.size() == 1 ? m_window.libraryItem(m_items.first()) : ZQRef<ZQLibraryBaseItem>();
         m_title->setText(item ? item->title() : m_title->text());
         m_browser.grid().setFocus();

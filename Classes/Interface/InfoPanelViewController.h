@@ -1,15 +1,18 @@
 #pragma once
 
+#include "Classes/Interface/SelectionSummary.h"
 #include "Classes/Interface/WindowContext.h"
 
 #include <QScrollArea>
 
 class BrowserViewController;
+class QAction;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QVBoxLayout;
+class RatingField;
 class TagField;
 
 // What is known of the selected items, and the fields to change it. Values that differ read "Multiple values".
@@ -26,6 +29,7 @@ public:
     // when an item changed. One undo step.
     bool tagItems(const QList<ZQObjectID> &items, const QStringList &withTags);
     QStringList commonTagsForItems(const QList<ZQObjectID> &items) const;
+    void rateItems(double rating);
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
@@ -33,23 +37,32 @@ protected:
 private:
     class Preview;
     QLabel *caption(const QString &text);
+    QLabel *addValue(const QString &name);
+    QLineEdit *addField(const QString &name);
     void addRow(const QString &name, QWidget *value);
+    void addSection(const QString &text, QWidget *content, QWidget *box = nullptr);
+    void makeHead();
+    void makeRows();
     void showNothing();
-    void showItems(const QList<ZQObjectID> &items);
+    void showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary);
+    void showPicture(const ZQLibraryBaseItem &item, bool isOne);
+    void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
     void commitTitle();
     void commitNotes();
+    void commitField(QLineEdit *field);
 
     WindowContext &m_window;
     BrowserViewController &m_browser;
     QList<ZQObjectID> m_items;
-    QString m_shownNotes;
+    SelectionSummary m_summary; // as shown
     QWidget *m_body;
     QLabel *m_nothing;
     QVBoxLayout *m_column;
     Preview *m_preview;
     QLineEdit *m_title;
     QLabel *m_kind;
+    RatingField *m_rating;
     QWidget *m_colorBox;
     QWidget *m_colors;
     TagField *m_tags;
@@ -58,6 +71,7 @@ private:
     QLabel *m_size;
     QLabel *m_imported;
     QLabel *m_modified;
-    QLabel *m_source;
-    QLabel *m_license;
+    QLineEdit *m_source;
+    QAction *m_openSource;
+    QLineEdit *m_license;
 };

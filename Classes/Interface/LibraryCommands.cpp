@@ -1,5 +1,6 @@
 #include "Classes/Interface/LibraryCommands.h"
 
+#include "Classes/Interface/ItemEdits.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
@@ -56,6 +57,10 @@ void LibraryCommands::removeItems(const QList<ZQObjectID> &items, const ZQObject
     if (!container) {
         return;
     }
+    if (container->isTag()) {
+        ItemEdits(m_window).changeTags(items, {}, {fromSidebarItem});
+        return;
+    }
     QList<std::pair<qint32, ZQObjectID>> places;
     for (const auto &item : objects(m_window, items)) {
         places.append({container->orderOfItem(item.get()), item->objectID()});
@@ -86,6 +91,10 @@ void LibraryCommands::addItems(const QList<ZQObjectID> &items, const ZQObjectID 
 {
     const auto target = m_window.sidebarItem(toSidebarItem);
     if (!target) {
+        return;
+    }
+    if (target->isTag()) {
+        ItemEdits(m_window).changeTags(items, {toSidebarItem}, {});
         return;
     }
     QList<ZQObjectID> added;
@@ -212,38 +221,4 @@ void LibraryCommands::renameItem(const ZQObjectID &item, const QString &title)
     window.undoStack.push(new BlockUndoCommand(
         zqFormat(zqLocalized("rename '%@' in '%@'"), {before, title}), [rename, title] { rename(title); },
         [rename, before] { rename(before); }));
-}
-
-void LibraryCommands::setNotes(const QList<ZQObjectID> &items, const QString &notes)
-{
-    QList<std::pair<ZQObjectID, QString>> before;
-    for (const auto &item : objects(m_window, items)) {
-        if (item->notes() != notes) {
-            before.append({item->objectID(), item->notes()});
-        }
-    }
-    if (before.isEmpty()) {
-        return;
-    }
-    WindowContext &window = m_window;
-    const auto write = [&window](const ZQObjectID &id, const QString &text) {
-        if (const auto item = window.libraryItem(id)) {
-            item->setNotes(text);
-            item->writeOpenMetaToDisk();
-        }
-    };
-    window.undoStack.push(new BlockUndoCommand(
-        zqLocalized("edit notes"),
-        [&window, before, notes, write] {
-            for (const auto &[id, old] : before) {
-                write(id, notes);
-            }
-            window.save();
-        },
-        [&window, before, write] {
-            for (const auto &[id, old] : before) {
-                write(id, old);
-            }
-            window.save();
-        }));
 }

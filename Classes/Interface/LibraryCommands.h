@@ -15,7 +15,6 @@ public:
     void moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex);
     void duplicateItems(const QList<ZQObjectID> &items);
     void renameItem(const ZQObjectID &item, const QString &title);
-    void setNotes(const QList<ZQObjectID> &items, const QString &notes);
 
 private:
     WindowContext &m_window;

@@ -131,7 +131,33 @@ QList<WindowCommand> MainWindowController::editCommands()
          {Qt::CTRL | Qt::Key_Delete},
          [this] { m_browser->deleteFromLibrary(); }},
         {menu, {}, {}, {}},
-        {menu,
+    };
+}
+
+// Only the grid takes their keys: in a field a digit is a digit.
+void MainWindowController::makeRatingCommands()
+{
+    auto *menu = m_menuButton->menu()->findChild<QMenu *>(menuTitles[1])->addMenu(zqLocalized("Rating"));
+    menu->setObjectName(QStringLiteral("Rating"));
+    for (int stars = 0; stars <= 5; ++stars) {
+        auto *action = new QAction(stars == 0   ? zqLocalized("None")
+                                   : stars == 1 ? zqLocalized("1 Star")
+                                                : zqFormat(zqLocalized("%d Stars"), {stars}),
+                                   menu);
+        action->setShortcut(Qt::Key(Qt::Key_0 + stars));
+        action->setShortcutContext(Qt::WidgetShortcut);
+        connect(action, &QAction::triggered, this, [this, stars] { m_info->rateItems(stars); });
+        menu->addAction(action);
+        m_browser->grid().addAction(action);
+    }
+    m_rating = menu->menuAction();
+}
+
+QList<WindowCommand> MainWindowController::findCommands()
+{
+    return {
+        {menuTitles[1], {}, {}, {}},
+        {menuTitles[1],
          QStringLiteral("Find"),
          {Qt::CTRL | Qt::Key_F},
          [this] {
@@ -186,6 +212,8 @@ void MainWindowController::makeCommands()
     m_menuButton->setPopupMode(QToolButton::InstantPopup);
     addCommands(fileCommands());
     addCommands(editCommands());
+    makeRatingCommands();
+    addCommands(findCommands());
     addCommands(viewCommands());
     addCommands(helpCommands());
     m_undo = commandNamed(QStringLiteral("Undo"));
@@ -254,6 +282,7 @@ void MainWindowController::updateCommands()
     enable("Duplicate", hasSelection);
     enable("Remove", !inText);
     enable("Delete from Library", !inText && hasSelection);
+    m_rating->setEnabled(hasSelection);
     enable("Quick Look", hasSelection);
     enable("Open", hasSelection);
     enable("Close Tab", m_tabs.size() > 1);
@@ -370,6 +399,7 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add("Copy");
         add("Duplicate");
         add("Rename");
+        menu.addAction(m_rating);
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
         if (single && (single->isProject() || single->isTag())) {

@@ -8,6 +8,7 @@
 #include "Classes/Interface/ProjectsSidebarViewController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTabStrip.h"
 
@@ -46,7 +47,7 @@ QFrame *hairline(QWidget *parent)
 MainWindowController::MainWindowController(WindowUserInteraction &user)
     : m_user(user), m_delegate(tamberin_AppDelegate::sharedDelegate()),
       m_fetcher(std::make_unique<ContentFetcher>(m_delegate->persistentStoreCoordinator())),
-      m_window(new WindowContext{*m_delegate->managedObjectContext(), user, m_undoStack, *m_fetcher,
+      m_window(new WindowContext{*m_delegate->managedObjectContext(), user, m_undoStack, *m_fetcher, m_editQueue,
                                  [this] { m_delegate->saveAction(); }}),
       m_mainWindow(std::make_unique<MainWindow>())
 {
@@ -74,6 +75,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
 
 MainWindowController::~MainWindowController()
 {
+    m_editQueue.cancelAllOperations();
+    m_editQueue.waitUntilAllOperationsAreFinished();
     m_contextToken.reset();
     m_tokens.clear();
     m_user.setPlaces({});
@@ -238,6 +241,8 @@ void MainWindowController::restoreGeometry()
 
 void MainWindowController::savePersistentState()
 {
+    m_info->commitEditing();
+    zqRunMainLoopUntil([this] { return m_editQueue.operationCount() == 0; });
     m_browser->savePersistentState();
     saveTabs();
     defaults().setObjectForKey(m_mainWindow->saveGeometry(), geometryKey);
@@ -430,6 +435,7 @@ void MainWindowController::updateLocalization()
 
 bool MainWindowController::isSettled() const
 {
-    return m_fetcher->isIdle() && m_browser->grid().thumbnailLoader().pendingCount() == 0 && !m_infoTimer.isActive() &&
+    return m_fetcher->isIdle() && m_editQueue.operationCount() == 0 &&
+           m_browser->grid().thumbnailLoader().pendingCount() == 0 && !m_infoTimer.isActive() &&
            !m_sidebarTimer.isActive();
 }

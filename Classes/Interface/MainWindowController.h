@@ -6,6 +6,7 @@
 #include "Classes/Interface/WindowContext.h"
 #include "Classes/Interface/WindowUserInteraction.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QHash>
 #include <QImage>
@@ -85,6 +86,8 @@ private:
     void makeCommands();
     QList<WindowCommand> fileCommands();
     QList<WindowCommand> editCommands();
+    QList<WindowCommand> findCommands();
+    void makeRatingCommands();
     QList<WindowCommand> viewCommands();
     QList<WindowCommand> helpCommands();
     void addCommands(const QList<WindowCommand> &commands);
@@ -117,8 +120,10 @@ private:
 
     WindowUserInteraction &m_user;
     tamberin_AppDelegate *m_delegate;
+    QAction *m_rating = nullptr; // the menu of ratings
     QUndoStack m_undoStack;
     std::unique_ptr<ContentFetcher> m_fetcher;
+    ZQOperationQueue m_editQueue{QStringLiteral("Edits"), 1};
     std::unique_ptr<WindowContext> m_window;
     std::unique_ptr<MainWindow> m_mainWindow;
     ProjectsSidebarViewController *m_sidebar = nullptr;

@@ -11,6 +11,7 @@
 #include <functional>
 
 class ContentFetcher;
+class ZQOperationQueue;
 
 // What the parts of one window share. Main thread.
 struct WindowContext
@@ -19,6 +20,7 @@ struct WindowContext
     UserInteraction &user;
     QUndoStack &undoStack;
     ContentFetcher &fetcher;
+    ZQOperationQueue &editQueue; // changes of many items, one after another
     std::function<void()> save;
 
     ZQRef<ZQSidebarBaseItem> sidebarItem(const ZQObjectID &id) const

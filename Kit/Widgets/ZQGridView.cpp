@@ -367,7 +367,7 @@ void ZQGridView::keyPressEvent(QKeyEvent *event)
 
 void ZQGridView::typeToJump(const QString &text)
 {
-    if (!m_typedAt.isValid() || m_typedAt.elapsed() > 1000) {
+    if (!isTyping()) {
         m_typed.clear();
     }
     const bool isFirst = m_typed.isEmpty();
@@ -393,6 +393,26 @@ void ZQGridView::wheelEvent(QWheelEvent *event)
         return;
     }
     QAbstractScrollArea::wheelEvent(event);
+}
+
+// A title being typed goes on before a key of it means a command.
+bool ZQGridView::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && isTyping()) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const bool isText = !key->text().isEmpty() && key->text().at(0).isPrint();
+        if (isText && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
+            event->accept();
+            return true;
+        }
+    }
+    return QAbstractScrollArea::event(event);
+}
+
+bool ZQGridView::isTyping() const
+{
+    constexpr qint64 pause = 1000;
+    return !m_typed.isEmpty() && m_typedAt.isValid() && m_typedAt.elapsed() <= pause;
 }
 
 bool ZQGridView::viewportEvent(QEvent *event)

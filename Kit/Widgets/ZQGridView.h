@@ -101,6 +101,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    bool event(QEvent *event) override;
     bool viewportEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -115,6 +116,7 @@ private:
     void updateScrollBar();
     void moveCurrent(qint64 index, Qt::KeyboardModifiers modifiers);
     void setSelectionQuietly(const ZQIndexSet &selection);
+    bool isTyping() const;
     void typeToJump(const QString &text);
     void updateRubberBand(const QPoint &viewportPoint);
     void startDrag();

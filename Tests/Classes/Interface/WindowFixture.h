@@ -3,6 +3,7 @@
 #include "Classes/Interface/ContentFetcher.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -20,8 +21,8 @@ protected:
     using Item = ZQRef<ZQSidebarBaseItem>;
 
     WindowFixture()
-        : fetcher(library.coordinator()), window{library.context(), user, undoStack, fetcher,
-                                                 [this] { library.context().save(); }}
+        : fetcher(library.coordinator()), window{library.context(), user,      undoStack,
+                                                 fetcher,           editQueue, [this] { library.context().save(); }}
     {
         zqSeedFixedSidebar(library.context());
         library.context().save();
@@ -65,6 +66,7 @@ protected:
     ScriptedUser user;
     QUndoStack undoStack;
     ContentFetcher fetcher;
+    ZQOperationQueue editQueue{QStringLiteral("Edits"), 1};
     WindowContext window;
     Item projects;
 };

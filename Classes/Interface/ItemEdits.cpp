@@ -1,0 +1,315 @@
+#include "Classes/Interface/ItemEdits.h"
+
+#include "Classes/Tags/OpenMeta.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperation.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr qsizetype batchSize = 1000;
+
+// What is known of one undo step. Touched by one thread at a time: the main one, or the edit queue's.
+struct Edit
+{
+    using Undo = std::function<void(ZQLibraryBaseItem &)>;   // takes the change of one item back
+    using Change = std::function<Undo(ZQLibraryBaseItem &)>; // null when the item is that way already
+
+    QString progressText;
+    Change change;
+    QList<ZQObjectID> items;
+    QList<ZQObjectID> tags; // held in memory meanwhile
+    bool rewritesFiles = false;
+    bool isAlwaysQueued = false;
+    std::vector<std::pair<ZQObjectID, Undo>> done;
+
+    bool isQueued() const { return isAlwaysQueued || items.size() > ItemEdits::mostAtOnce; }
+};
+
+// One way through an edit, a batch at a time.
+class EditPass
+{
+public:
+    EditPass(Edit &edit, bool isUndo, ZQManagedObjectContext &context)
+        : m_edit(edit), m_isUndo(isUndo), m_context(context),
+          m_undone(isUndo ? std::move(edit.done) : decltype(m_undone)())
+    {
+        m_edit.done.clear();
+        for (const ZQObjectID &tag : edit.tags) {
+            m_tags.append(context.objectWithID(tag));
+        }
+    }
+    qsizetype count() const { return m_isUndo ? qsizetype(m_undone.size()) : m_edit.items.size(); }
+
+    // Changes the items from `first` on; those it changed are written to their files once the store was saved.
+    QList<ZQRef<ZQLibraryBaseItem>> changeBatch(qsizetype first, qsizetype size)
+    {
+        const qsizetype end = std::min(count(), first + size);
+        QList<ZQObjectID> ids;
+        for (qsizetype i = first; i < end; ++i) {
+            ids.append(m_isUndo ? m_undone[size_t(i)].first : m_edit.items[i]);
+        }
+        m_context.fillFaults(ids);
+        QList<ZQRef<ZQLibraryBaseItem>> changed;
+        for (qsizetype i = 0; i < ids.size(); ++i) {
+            const auto item = zqCast<ZQLibraryBaseItem>(m_context.objectWithID(ids[i]));
+            if (item && changeItem(*item, size_t(first + i))) {
+                changed.append(item);
+            }
+        }
+        return changed;
+    }
+    void writeFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
+    {
+        for (const auto &item : changed) {
+            if (m_edit.rewritesFiles) {
+                item->writeOpenMetaToDisk();
+            }
+        }
+    }
+    // What was not come to stays to be undone.
+    void stopAt(qsizetype position)
+    {
+        if (m_isUndo) {
+            std::move(m_undone.begin() + position, m_undone.end(), std::back_inserter(m_edit.done));
+        }
+    }
+
+private:
+    bool changeItem(ZQLibraryBaseItem &item, size_t position)
+    {
+        if (m_isUndo) {
+            m_undone[position].second(item);
+            return true;
+        }
+        Edit::Undo undo = m_edit.change(item);
+        if (!undo) {
+            return false;
+        }
+        m_edit.done.emplace_back(item.objectID(), std::move(undo));
+        return true;
+    }
+
+    Edit &m_edit;
+    bool m_isUndo;
+    ZQManagedObjectContext &m_context;
+    std::vector<std::pair<ZQObjectID, Edit::Undo>> m_undone;
+    QList<ZQRef<ZQManagedObject>> m_tags;
+};
+
+class EditOperation : public ZQOperation
+{
+public:
+    EditOperation(WindowContext &window, std::shared_ptr<Edit> edit, bool isUndo)
+        : m_window(window), m_coordinator(window.context.persistentStoreCoordinator()), m_edit(std::move(edit)),
+          m_isUndo(isUndo)
+    {
+    }
+
+    void main() override
+    {
+        ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
+        const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
+            zqOnMainThreadAndWait([&] { m_window.context.mergeChangesFromContextDidSaveNotification(saved); });
+        });
+        EditPass pass(*m_edit, m_isUndo, context);
+        std::shared_ptr<UserProgress> progress;
+        if (pass.count() > batchSize) {
+            progress =
+                m_window.user.beginProgress(m_edit->progressText, double(pass.count()), [operation = weak_from_this()] {
+                    if (const auto running = operation.lock()) {
+                        running->cancel();
+                    }
+                });
+        }
+        qsizetype position = 0;
+        while (position < pass.count() && !isCancelled()) {
+            const auto changed = pass.changeBatch(position, batchSize);
+            ZQError error;
+            if (!context.save(&error)) {
+                zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
+                return;
+            }
+            pass.writeFiles(changed);
+            position = std::min(pass.count(), position + batchSize);
+            if (progress) {
+                progress->advanceBy(double(batchSize));
+            }
+        }
+        pass.stopAt(position);
+    }
+
+private:
+    WindowContext &m_window;
+    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    std::shared_ptr<Edit> m_edit;
+    bool m_isUndo;
+};
+
+void run(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
+{
+    if (edit->isQueued()) {
+        window.editQueue.addOperation(std::make_shared<EditOperation>(window, edit, isUndo));
+        return;
+    }
+    EditPass pass(*edit, isUndo, window.context);
+    const auto changed = pass.changeBatch(0, pass.count());
+    window.save();
+    pass.writeFiles(changed);
+}
+
+// A step that changed nothing leaves the stack again.
+class EditCommand : public QUndoCommand
+{
+public:
+    EditCommand(WindowContext &window, const QString &name, std::shared_ptr<Edit> edit)
+        : QUndoCommand(name), m_window(window), m_edit(std::move(edit))
+    {
+    }
+    void redo() override
+    {
+        run(m_window, m_edit, false);
+        setObsolete(!m_edit->isQueued() && m_edit->done.empty());
+    }
+    void undo() override { run(m_window, m_edit, true); }
+
+private:
+    WindowContext &m_window;
+    std::shared_ptr<Edit> m_edit;
+};
+
+// A change of one text, taken back to what it was.
+template <class Get, class Set>
+Edit::Change textChange(const QString &value, Get get, Set set)
+{
+    return [value, get, set](ZQLibraryBaseItem &item) -> Edit::Undo {
+        const QString before = get(item);
+        if (before == value) {
+            return {};
+        }
+        set(item, value);
+        return [before, set](ZQLibraryBaseItem &changed) { set(changed, before); };
+    };
+}
+
+ZQRef<ZQSidebarTag> tagIn(const ZQLibraryBaseItem &item, const ZQObjectID &tag)
+{
+    return zqCast<ZQSidebarTag>(item.managedObjectContext()->objectWithID(tag));
+}
+
+void applyTags(ZQLibraryBaseItem &item, const QList<ZQObjectID> &add, const QList<ZQObjectID> &remove)
+{
+    for (const ZQObjectID &id : remove) {
+        if (const auto tag = tagIn(item, id)) {
+            item.removeTagsObject(tag.get());
+        }
+    }
+    for (const ZQObjectID &id : add) {
+        if (const auto tag = tagIn(item, id)) {
+            item.addTagsObject(tag.get());
+        }
+    }
+}
+
+} // namespace
+
+void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectID> &add,
+                           const QList<ZQObjectID> &remove)
+{
+    if (items.isEmpty() || (add.isEmpty() && remove.isEmpty())) {
+        return;
+    }
+    const auto edit = std::make_shared<Edit>();
+    edit->progressText = zqLocalized("Tagging…");
+    edit->items = items;
+    edit->tags = add + remove;
+    edit->rewritesFiles = true;
+    edit->change = [add, remove](ZQLibraryBaseItem &item) -> Edit::Undo {
+        const QList<ZQObjectID> present = item.relatedObjectIDs(QStringLiteral("tags"));
+        QList<ZQObjectID> added = add;
+        added.removeIf([&present](const ZQObjectID &tag) { return present.contains(tag); });
+        QList<ZQObjectID> removed = remove;
+        removed.removeIf([&present](const ZQObjectID &tag) { return !present.contains(tag); });
+        if (added.isEmpty() && removed.isEmpty()) {
+            return {};
+        }
+        applyTags(item, added, removed);
+        return [added, removed](ZQLibraryBaseItem &changed) { applyTags(changed, removed, added); };
+    };
+    m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit tags"), edit));
+}
+
+void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)
+{
+    const auto edit = std::make_shared<Edit>();
+    edit->progressText = zqLocalized("Writing notes…");
+    edit->items = items;
+    edit->rewritesFiles = true;
+    edit->change = textChange(
+        notes, [](const ZQLibraryBaseItem &item) { return item.notes(); },
+        [](ZQLibraryBaseItem &item, const QString &value) { item.setNotes(value); });
+    m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit notes"), edit));
+}
+
+void ItemEdits::setLicense(const QList<ZQObjectID> &items, const QString &license)
+{
+    const auto edit = std::make_shared<Edit>();
+    edit->progressText = zqLocalized("Writing the license…");
+    edit->items = items;
+    edit->change = textChange(
+        license, [](const ZQLibraryBaseItem &item) { return item.license(); },
+        [](ZQLibraryBaseItem &item, const QString &value) { item.setLicense(value); });
+    m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit license"), edit));
+}
+
+void ItemEdits::setSource(const QList<ZQObjectID> &items, const QString &address)
+{
+    const auto edit = std::make_shared<Edit>();
+    edit->progressText = zqLocalized("Writing the source…");
+    edit->items = items;
+    edit->change = textChange(
+        address, [](const ZQLibraryBaseItem &item) { return item.webPageURL(); },
+        [](ZQLibraryBaseItem &item, const QString &value) { item.setWebPageURL(value); });
+    m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit source"), edit));
+}
+
+void ItemEdits::setRating(const QList<ZQObjectID> &items, double rating)
+{
+    WindowContext &window = m_window;
+    const auto write = [&window](const ZQLibraryBaseItem &item, double value) {
+        const QString path = item.itemURL();
+        const ZQError error = OpenMeta::setRating(value, path);
+        if (!error.isNull()) {
+            qCWarning(zqLogTags).noquote()
+                << "The rating of" << path << "was not written:" << error.localizedDescription();
+            zqOnMainThread([&window] {
+                constexpr int browser = 1;
+                window.user.showNotificationWithText(
+                    zqLocalized("The rating cannot be kept: the file takes no attributes."), browser, 4);
+            });
+        }
+        return error.isNull();
+    };
+    const auto edit = std::make_shared<Edit>();
+    edit->progressText = zqLocalized("Rating…");
+    edit->items = items;
+    edit->isAlwaysQueued = true;
+    edit->change = [rating, write](ZQLibraryBaseItem &item) -> Edit::Undo {
+        const QString path = item.itemURL();
+        const double before = path.isEmpty() ? rating : OpenMeta::getRating(path);
+        if (qFuzzyCompare(before + 1, rating + 1) || !write(item, rating)) {
+            return {};
+        }
+        return [before, write](ZQLibraryBaseItem &changed) { write(changed, before); };
+    };
+    m_window.undoStack.push(
+        new EditCommand(m_window, rating > 0 ? zqLocalized("rate") : zqLocalized("remove rating"), edit));
+}

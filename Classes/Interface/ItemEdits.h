@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Classes/Interface/WindowContext.h"
+
+// Changes to what items say of themselves, each one undo step: tags, rating, texts. A few items are changed at once in
+// the window's context; many on the window's edit queue, in a context of its own, a batch at a time and with progress,
+// so that the window stays free. Files are rewritten after the store was saved. Main thread.
+class ItemEdits
+{
+public:
+    explicit ItemEdits(WindowContext &window) : m_window(window) {}
+
+    // Tags by identifier; those an item has, or lacks, already change nothing there.
+    void changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectID> &add, const QList<ZQObjectID> &remove);
+    void setNotes(const QList<ZQObjectID> &items, const QString &notes);
+    void setLicense(const QList<ZQObjectID> &items, const QString &license);
+    void setSource(const QList<ZQObjectID> &items, const QString &address);
+    // 0 to 5, 0 for none. The rating lives in the files alone, so it is always written by the edit queue.
+    void setRating(const QList<ZQObjectID> &items, double rating);
+
+    // Beyond so many items the edit queue does it.
+    static constexpr qsizetype mostAtOnce = 200;
+
+private:
+    WindowContext &m_window;
+};

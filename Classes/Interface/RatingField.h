@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QWidget>
+
+// Five stars. A click on a star rates; on the last lit one it takes the rating away. Left and Right change it by one, 0
+// to 5 set it. Half ratings of other programs are shown as such.
+class RatingField : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit RatingField(QWidget *parent = nullptr);
+    void setRating(double rating, bool differs); // 0 to 5; differs: among several items
+    double rating() const { return m_differs ? 0 : m_rating; }
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void edited(double rating);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    int starAt(const QPointF &position) const; // 1 to 5
+    void edit(double rating);
+
+    double m_rating = 0;
+    bool m_differs = false;
+    int m_hovered = 0;
+};
