@@ -1,0 +1,128 @@
+#include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/SelectionSummary.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
+
+namespace {
+
+class ItemEditsTest : public WindowFixture
+{
+protected:
+    ItemEditsTest()
+        : red(ZQSidebarTag::addNewTagWithName(QStringLiteral("Red"), library.context())),
+          old(ZQSidebarTag::addNewTagWithName(QStringLiteral("Old"), library.context()))
+    {
+        library.context().save();
+    }
+    QList<ZQObjectID> addItems(int count)
+    {
+        QList<ZQRef<ZQLibraryBaseItem>> made;
+        for (int i = 0; i < count; ++i) {
+            made.append(library.context().insertNewObject<ZQLibraryImage>());
+            made.last()->setTitle(QStringLiteral("Item %1").arg(i));
+        }
+        library.context().save();
+        QList<ZQObjectID> ids;
+        for (const auto &item : made) {
+            ids.append(item->objectID());
+        }
+        return ids;
+    }
+    void finish()
+    {
+        zqRunMainLoopUntil([this] { return editQueue.operationCount() == 0; });
+    }
+    QStringList tagsOf(const ZQObjectID &item) { return SelectionSummary::userTagsOf(*window.libraryItem(item)); }
+    qsizetype tagged(const ZQRef<ZQSidebarTag> &tag)
+    {
+        return tag->relatedObjectIDs(QStringLiteral("taggedItems")).size();
+    }
+    SelectionSummary summaryOf(const QList<ZQObjectID> &items)
+    {
+        return *SelectionSummary::of(items, library.context(), [] { return true; });
+    }
+
+    ZQRef<ZQSidebarTag> red;
+    ZQRef<ZQSidebarTag> old;
+    ItemEdits edits{window};
+};
+
+const QStringList onlyRed = {QStringLiteral("Red")};
+const QStringList onlyOld = {QStringLiteral("Old")};
+
+} // namespace
+
+TEST_F(ItemEditsTest, UndoGivesEachItemBackTheTagsItHad)
+{
+    const QList<ZQObjectID> items = addItems(3);
+    edits.changeTags({items[0]}, {red->objectID()}, {});
+    edits.changeTags({items[1]}, {old->objectID()}, {});
+
+    edits.changeTags(items, {red->objectID()}, {old->objectID()});
+    for (const ZQObjectID &item : items) {
+        EXPECT_EQ(tagsOf(item), onlyRed);
+    }
+    undoStack.undo();
+    EXPECT_EQ(tagsOf(items[0]), onlyRed);
+    EXPECT_EQ(tagsOf(items[1]), onlyOld);
+    EXPECT_EQ(tagsOf(items[2]), QStringList());
+    undoStack.redo();
+    EXPECT_EQ(tagged(red), 3);
+    EXPECT_EQ(tagged(old), 0);
+
+    const int steps = undoStack.count();
+    edits.changeTags(items, {red->objectID()}, {});
+    EXPECT_EQ(undoStack.count(), steps) << "what changes nothing is no step";
+}
+
+TEST_F(ItemEditsTest, ManyItemsAreChangedBesideTheWindowInOrder)
+{
+    const int count = int(ItemEdits::mostAtOnce) + 1500;
+    const QList<ZQObjectID> items = addItems(count);
+    edits.changeTags({items[7]}, {red->objectID()}, {});
+
+    edits.changeTags(items, {red->objectID()}, {});
+    edits.changeTags(items, {old->objectID()}, {red->objectID()});
+    finish();
+    EXPECT_EQ(tagged(red), 0);
+    EXPECT_EQ(tagged(old), count);
+    undoStack.undo(); // both are asked for before the first has ended
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(tagged(old), 0);
+    EXPECT_EQ(tagged(red), 1);
+    EXPECT_EQ(tagsOf(items[7]), onlyRed);
+}
+
+TEST_F(ItemEditsTest, ACancelledEditIsUndoneAsFarAsItCame)
+{
+    const QList<ZQObjectID> items = addItems(3500);
+    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    edits.changeTags(items, {red->objectID()}, {});
+    finish();
+    EXPECT_LT(tagged(red), items.size());
+    user.onBeginProgress = {};
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(tagged(red), 0);
+}
+
+TEST_F(ItemEditsTest, ASummaryTellsWhatItemsShareAndWhatDiffers)
+{
+    const QList<ZQObjectID> items = addItems(2);
+    edits.changeTags(items, {red->objectID()}, {});
+    edits.changeTags({items[0]}, {old->objectID()}, {});
+    edits.setLicense(items, QStringLiteral("CC BY 4.0"));
+    edits.setSource({items[1]}, QStringLiteral("https://example.org/a"));
+    const SelectionSummary summary = summaryOf(items);
+    EXPECT_EQ(summary.count, 2);
+    EXPECT_EQ(summary.tags, onlyRed);
+    EXPECT_TRUE(summary.hasOtherTags);
+    EXPECT_TRUE(summary.title.differs);
+    EXPECT_TRUE(summary.source.differs);
+    EXPECT_EQ(summary.license.shown(), QStringLiteral("CC BY 4.0"));
+    undoStack.undo();
+    undoStack.undo();
+    EXPECT_EQ(summaryOf(items).license.shown(), QString());
+    EXPECT_FALSE(SelectionSummary::of(items, library.context(), [] { return false; }));
+}
