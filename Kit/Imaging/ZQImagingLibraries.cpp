@@ -1,11 +1,9 @@
 #include "Kit/Imaging/ZQImagingLibraries.h"
 
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQVips.h"
 
 #include <QImageReader>
-
-#include <exiv2/exiv2.hpp>
-#include <vips/vips.h>
 
 #include <array>
 #include <mutex>
@@ -15,11 +13,6 @@ namespace {
 void logFromGLib(const gchar *domain, GLogLevelFlags, const gchar *message, gpointer)
 {
     qCDebug(zqLogImaging, "%s: %s", domain ? domain : "library", message);
-}
-
-void logFromExiv2(int, const char *message)
-{
-    qCDebug(zqLogImaging, "Exiv2: %s", message);
 }
 
 void startVips(const char *programName)
@@ -51,8 +44,6 @@ void zqInitializeImagingLibraries(const char *programName)
     static std::once_flag once;
     std::call_once(once, [programName] {
         startVips(programName);
-        Exiv2::XmpParser::initialize();
-        Exiv2::LogMsg::setHandler(logFromExiv2);
         QImageReader::setAllocationLimit(2048);
     });
 }
@@ -62,4 +53,13 @@ void zqEnterVips()
     zqInitializeImagingLibraries("zelto");
     thread_local const VipsThread thread;
     static_cast<void>(thread);
+}
+
+void zqLogVipsError(const QString &path)
+{
+    char *text = vips_error_buffer_copy();
+    if (text && *text) {
+        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), text);
+    }
+    g_free(text);
 }
