@@ -6,7 +6,9 @@
 #include <QImageReader>
 
 #include <array>
+#include <cstring>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -55,10 +57,22 @@ void zqEnterVips()
     static_cast<void>(thread);
 }
 
+namespace {
+
+thread_local bool memoryRanOut = false;
+
+} // namespace
+
+bool zqTakeVipsMemoryShortage()
+{
+    return std::exchange(memoryRanOut, false);
+}
+
 void zqLogVipsError(const QString &path)
 {
     char *text = vips_error_buffer_copy();
     if (text && *text) {
+        memoryRanOut = memoryRanOut || std::strstr(text, "out of memory");
         qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), text);
     }
     g_free(text);

@@ -147,7 +147,7 @@ void ZQRenderPool::keep()
             startOne(lock);
             continue;
         }
-        if (m_idle.empty()) {
+        if (m_count == 0) {
             m_keeperCalled.wait(lock);
         } else {
             m_keeperCalled.wait_for(lock, m_limits.idle);
@@ -297,13 +297,17 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
         zqSetError(error, zqImagingError(ZQImagingErrorCode::NoRenderer, path, failure));
         return {};
     }
+    const bool isError = reply.answer.kind == ZQRenderAnswer::Kind::Error;
+    if (isError && reply.answer.code == ZQImagingErrorCode::TooMuchMemory) {
+        reply.outcome = Outcome::TooMuchMemory; // noticed in time
+    }
     if (reply.outcome != Outcome::Answered) {
         const ZQError told = errorOfOutcome(reply.outcome, path);
         qCWarning(zqLogImaging, "%s", qUtf8Printable(told.localizedDescription()));
         zqSetError(error, told);
         return {};
     }
-    if (reply.answer.kind != ZQRenderAnswer::Kind::Error) {
+    if (!isError) {
         const bool isHeader = reply.answer.kind == ZQRenderAnswer::Kind::Properties;
         return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap};
     }

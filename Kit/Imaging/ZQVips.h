@@ -16,3 +16,5 @@ using ZQVipsImage = std::unique_ptr<VipsImage, ZQVipsUnref>;
 
 // Writes the library's pending messages to the log and forgets them.
 void zqLogVipsError(const QString &path);
+// Whether one of those that this thread wrote since it last asked was that memory ran out.
+bool zqTakeVipsMemoryShortage();

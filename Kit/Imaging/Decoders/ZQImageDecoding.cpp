@@ -51,7 +51,7 @@ ZQBitmap zqDecodeFile(const ZQDecodeRequest &request, ZQError *error)
     try {
         return decoder->decode(request, error);
     } catch (const std::bad_alloc &) {
-        zqSetError(error, zqImagingError(ZQImagingErrorCode::TooBig, request.file.name(),
+        zqSetError(error, zqImagingError(ZQImagingErrorCode::TooMuchMemory, request.file.name(),
                                          zqLocalized("There is not enough memory to show it.")));
         return {};
     }

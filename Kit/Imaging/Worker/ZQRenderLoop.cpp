@@ -4,6 +4,7 @@
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
+#include "Kit/Imaging/ZQVips.h"
 
 #include <QCoreApplication>
 
@@ -113,6 +114,9 @@ private:
         ZQBitmap bitmap = draw(request, file, &error);
         if (request.box.isValid()) {
             bitmap = bitmap.scaledToFit(request.box);
+        }
+        if (zqTakeVipsMemoryShortage() && bitmap.isNull()) {
+            error.code = int(ZQImagingErrorCode::TooMuchMemory);
         }
         if (bitmap.isNull()) {
             const bool isUnknown = error.code == int(ZQImagingErrorCode::UnknownFormat);
