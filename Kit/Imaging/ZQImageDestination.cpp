@@ -1,7 +1,7 @@
 #include "Kit/Imaging/ZQImageDestination.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/ZQImagingError.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Kit/Imaging/ZQVips.h"
 

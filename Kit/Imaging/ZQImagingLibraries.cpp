@@ -1,25 +1,20 @@
 #include "Kit/Imaging/ZQImagingLibraries.h"
 
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQVips.h"
 
 #include <QImageReader>
 
-#include <exiv2/exiv2.hpp>
-#include <vips/vips.h>
-
 #include <array>
+#include <cstring>
 #include <mutex>
+#include <utility>
 
 namespace {
 
 void logFromGLib(const gchar *domain, GLogLevelFlags, const gchar *message, gpointer)
 {
     qCDebug(zqLogImaging, "%s: %s", domain ? domain : "library", message);
-}
-
-void logFromExiv2(int, const char *message)
-{
-    qCDebug(zqLogImaging, "Exiv2: %s", message);
 }
 
 void startVips(const char *programName)
@@ -51,8 +46,6 @@ void zqInitializeImagingLibraries(const char *programName)
     static std::once_flag once;
     std::call_once(once, [programName] {
         startVips(programName);
-        Exiv2::XmpParser::initialize();
-        Exiv2::LogMsg::setHandler(logFromExiv2);
         QImageReader::setAllocationLimit(2048);
     });
 }
@@ -62,4 +55,25 @@ void zqEnterVips()
     zqInitializeImagingLibraries("zelto");
     thread_local const VipsThread thread;
     static_cast<void>(thread);
+}
+
+namespace {
+
+thread_local bool memoryRanOut = false;
+
+} // namespace
+
+bool zqTakeVipsMemoryShortage()
+{
+    return std::exchange(memoryRanOut, false);
+}
+
+void zqLogVipsError(const QString &path)
+{
+    char *text = vips_error_buffer_copy();
+    if (text && *text) {
+        memoryRanOut = memoryRanOut || std::strstr(text, "out of memory");
+        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), text);
+    }
+    g_free(text);
 }

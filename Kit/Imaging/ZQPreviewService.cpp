@@ -1,16 +1,11 @@
 #include "Kit/Imaging/ZQPreviewService.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Imaging/ZQImageDecoding.h"
-#include "Kit/Imaging/ZQThumbnailers.h"
+#include "Kit/Imaging/ZQRenderPool.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
-
-constexpr qint64 sniffedBytes = 4096;
 
 // What document bundles keep as their own preview, best first.
 QString previewInsideBundle(const QString &path)
@@ -26,17 +21,6 @@ QString previewInsideBundle(const QString &path)
     return {};
 }
 
-bool isSVG(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    const QByteArray head = file.read(sniffedBytes);
-    const bool compressed = head.startsWith("\x1f\x8b") && path.endsWith(QLatin1String(".svgz"), Qt::CaseInsensitive);
-    return compressed || head.contains("<svg") || head.contains(":svg");
-}
-
 } // namespace
 
 ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error)
@@ -47,20 +31,5 @@ ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError
         zqSetError(error, zqImagingError(ZQImagingErrorCode::UnknownFormat, path, zqLocalized("It holds no preview.")));
         return {};
     }
-    ZQError failure;
-    const ZQBitmap decoded = zqDecodeFile({source, box, 0, true, zqPaperOfFile(source)}, &failure);
-    if (!decoded.isNull()) {
-        return decoded;
-    }
-    if (failure.code == int(ZQImagingErrorCode::UnknownFormat)) {
-        if (isSVG(source)) {
-            return zqSVGDecoder.decode({source, box, 0, true, ZQPaper::Transparent}, error);
-        }
-        const ZQBitmap drawn = zqThumbnailerPreview(source, box);
-        if (!drawn.isNull()) {
-            return drawn;
-        }
-    }
-    zqSetError(error, failure);
-    return {};
+    return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Preview, source, box, 0, error).bitmap;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Imaging/Decoders/ZQSourceFile.h"
 #include "Kit/Imaging/ZQBitmap.h"
 
 #include <QString>
@@ -8,3 +9,6 @@
 // the data directories), within `box`. Null when no thumbnailer is registered or it fails. Takes a child process. Any
 // thread.
 ZQBitmap zqThumbnailerPreview(const QString &path, QSize box);
+
+// Whether there is a thumbnailer for a file of that name and content.
+bool zqHasThumbnailer(const ZQSourceFile &file);

@@ -1,6 +1,6 @@
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQVipsPixels.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
-#include "Kit/Imaging/ZQVips.h"
 
 #include "Kit/Foundation/ZQLog.h"
 
@@ -54,7 +54,7 @@ bool checkSize(const ZQDecodeRequest &request, VipsImage *image, ZQError *error)
 {
     const bool inMemory = request.isFullSize() || needsWholePicture(image);
     const qint64 limit = inMemory ? zqMaximumPixelsInMemory : ZQImageSource::maximumPixels;
-    return zqCheckSize(request.path, image->Xsize, image->Ysize, limit, error);
+    return zqCheckSize(request.file.name(), image->Xsize, image->Ysize, limit, error);
 }
 
 enum class Profile { Apply, Ignore };
@@ -113,10 +113,10 @@ ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pas
 }
 
 // A progressive JPEG holds the whole picture, coarsely, as soon as its second scan begins.
-bool hasSecondScan(const QString &path)
+bool hasSecondScan(const ZQSourceFile &source)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    if (!source.openIn(file)) {
         return false;
     }
     int scans = 0;
@@ -136,7 +136,7 @@ bool hasSecondScan(const QString &path)
 // Whether the upper half comes out before the file ends or its data makes no sense.
 bool isUpperHalfReadable(const ZQDecodeRequest &request)
 {
-    const ZQVipsSource source = zqVipsSource(request.path);
+    const ZQVipsSource source = zqVipsSource(request.file);
     const ZQVipsImage image = source ? openHeader(source.get(), request.frame, VIPS_FAIL_ON_TRUNCATED) : nullptr;
     VipsImage *half = nullptr;
     if (!image || vips_extract_area(image.get(), &half, 0, 0, image->Xsize, image->Ysize / 2 + 1, nullptr)) {
@@ -152,14 +152,14 @@ bool isMostlyReadable(const ZQDecodeRequest &request, VipsImage *header)
 {
     const bool progressive = integerField(header, "jpeg-multiscan", 0) != 0;
     const bool readable =
-        header->Ysize > 1 && (progressive ? hasSecondScan(request.path) : isUpperHalfReadable(request));
-    zqLogVipsError(request.path);
+        header->Ysize > 1 && (progressive ? hasSecondScan(request.file) : isUpperHalfReadable(request));
+    zqLogVipsError(request.file.name());
     return readable;
 }
 
 ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
-    const ZQVipsSource source = zqVipsSource(request.path);
+    const ZQVipsSource source = zqVipsSource(request.file);
     if (!source) {
         return {};
     }
@@ -174,14 +174,14 @@ int frameCount(VipsImage *header)
 
 ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
 {
-    const ZQVipsSource source = zqVipsSource(request.path);
+    const ZQVipsSource source = zqVipsSource(request.file);
     const ZQVipsImage header = source ? openHeader(source.get()) : nullptr;
     if (!header) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
     if (request.frame >= frameCount(header.get())) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
     if (!checkSize(request, header.get(), error)) {
@@ -197,7 +197,7 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
         bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_NONE, Profile::Ignore});
     }
     if (bitmap.isNull()) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
     }
     return bitmap;
 }
@@ -206,7 +206,7 @@ ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
 {
     zqEnterVips();
     ZQBitmap bitmap = decodeWithSource(request, error);
-    zqLogVipsError(request.path);
+    zqLogVipsError(request.file.name());
     return bitmap;
 }
 
@@ -233,14 +233,14 @@ QString colorModel(VipsInterpretation interpretation)
     }
 }
 
-std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> properties(const ZQSourceFile &file, ZQError *error)
 {
     zqEnterVips();
-    const ZQVipsSource source = zqVipsSource(path);
+    const ZQVipsSource source = zqVipsSource(file);
     const ZQVipsImage image = source ? openHeader(source.get()) : nullptr;
-    zqLogVipsError(path);
+    zqLogVipsError(file.name());
     if (!image) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(file.name()));
         return std::nullopt;
     }
     ZQImageProperties out;
@@ -260,18 +260,9 @@ std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
 
 const ZQDecoder zqVipsDecoder{properties, decode};
 
-ZQVipsSource zqVipsSource(const QString &path)
+ZQVipsSource zqVipsSource(const ZQSourceFile &file)
 {
-    return ZQVipsSource(vips_source_new_from_file(QFile::encodeName(path).constData()));
-}
-
-void zqLogVipsError(const QString &path)
-{
-    char *text = vips_error_buffer_copy();
-    if (text && *text) {
-        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), text);
-    }
-    g_free(text);
+    return ZQVipsSource(file.makeVipsSource());
 }
 
 namespace {

@@ -1,6 +1,6 @@
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Imaging/ZQChildProcess.h"
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQChildProcess.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <QFile>
 #include <QRectF>
@@ -23,10 +23,10 @@ struct Program
 };
 
 // The PostScript of a file that may wrap it with a preview for other systems.
-QByteArray postScriptOfFile(const QString &path)
+QByteArray postScriptOfFile(const ZQSourceFile &source)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > maximumFileSize) {
+    QFile file;
+    if (!source.openIn(file) || file.size() > maximumFileSize) {
         return {};
     }
     const QByteArray head = file.peek(12);
@@ -60,17 +60,18 @@ std::optional<QRectF> boxOfComment(const QByteArray &text, const char *comment)
     return std::nullopt;
 }
 
-std::optional<Program> readProgram(const QString &path, ZQError *error)
+std::optional<Program> readProgram(const ZQSourceFile &source, ZQError *error)
 {
-    Program out{postScriptOfFile(path), {}};
+    Program out{postScriptOfFile(source), {}};
     if (out.text.isEmpty()) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     const bool encapsulated = out.text.left(200).contains("EPSF");
     out.box = boxOfComment(out.text, "%%BoundingBox:").value_or(encapsulated ? QRectF() : pageOfPlainPostScript);
     if (out.box.width() <= 0 || out.box.height() <= 0) {
-        zqSetError(error, zqImagingError(ZQImagingErrorCode::Damaged, path, zqLocalized("Its bounding box is empty.")));
+        zqSetError(error, zqImagingError(ZQImagingErrorCode::Damaged, source.name(),
+                                         zqLocalized("Its bounding box is empty.")));
         return std::nullopt;
     }
     return out;
@@ -82,9 +83,9 @@ QSize sizeOfBox(const QRectF &box)
     return {int(std::ceil(qMin(box.width(), most))), int(std::ceil(qMin(box.height(), most)))};
 }
 
-std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> properties(const ZQSourceFile &source, ZQError *error)
 {
-    const std::optional<Program> program = readProgram(path, error);
+    const std::optional<Program> program = readProgram(source, error);
     if (!program) {
         return std::nullopt;
     }
@@ -122,7 +123,7 @@ QStringList arguments(const Program &program, QSize size, const QString &input, 
             input};
 }
 
-ZQBitmap draw(const Program &program, QSize size, ZQError *error, const QString &path)
+ZQBitmap draw(const Program &program, QSize size, ZQError *error, const QString &name)
 {
     const QTemporaryDir folder;
     QFile input(folder.filePath(QStringLiteral("in.ps")));
@@ -132,20 +133,20 @@ ZQBitmap draw(const Program &program, QSize size, ZQError *error, const QString 
     if (!written || !zqRunDrawingProgram(QStringLiteral("gs"), arguments(program, size, input.fileName(), output),
                                          folder.path(), drawingTime)) {
         zqSetError(error,
-                   zqImagingError(ZQImagingErrorCode::ToolFailed, path,
+                   zqImagingError(ZQImagingErrorCode::ToolFailed, name,
                                   zqLocalized("Its PostScript can't be drawn; Ghostscript (gs) must be installed.")));
         return {};
     }
-    return zqVipsDecoder.decode({output, QSize()}, error);
+    return zqVipsDecoder.decode({ZQSourceFile::open(output), QSize()}, error);
 }
 
 ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
 {
     if (request.frame > 0) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
-    const std::optional<Program> program = readProgram(request.path, error);
+    const std::optional<Program> program = readProgram(request.file, error);
     if (!program) {
         return {};
     }
@@ -154,10 +155,10 @@ ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
     if (request.fillBox && !request.isFullSize()) {
         size = natural.scaled(request.box, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     }
-    if (!zqCheckSize(request.path, size.width(), size.height(), maximumDrawnPixels, error)) {
+    if (!zqCheckSize(request.file.name(), size.width(), size.height(), maximumDrawnPixels, error)) {
         return {};
     }
-    return draw(*program, size, error, request.path);
+    return draw(*program, size, error, request.file.name());
 }
 
 } // namespace

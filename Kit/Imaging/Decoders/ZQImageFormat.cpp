@@ -1,4 +1,4 @@
-#include "Kit/Imaging/ZQImageFormat.h"
+#include "Kit/Imaging/Decoders/ZQImageFormat.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -121,15 +121,15 @@ bool isRawTIFF(std::string_view head, const QByteArray &extension)
 
 } // namespace
 
-ZQImageFormat zqImageFormatOfFile(const QString &path)
+ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    QFile file;
+    if (!source.openIn(file)) {
         return ZQImageFormat::Unknown;
     }
     const QByteArray bytes = file.read(sniffedBytes);
     const std::string_view head(bytes.constData(), size_t(bytes.size()));
-    const QByteArray extension = extensionOf(path);
+    const QByteArray extension = extensionOf(source.name());
     for (const Mark &mark : marks) {
         if (head.size() >= size_t(mark.offset) + mark.bytes.size() &&
             head.substr(size_t(mark.offset), mark.bytes.size()) == mark.bytes) {

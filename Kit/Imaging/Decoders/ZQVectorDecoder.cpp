@@ -1,6 +1,6 @@
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQVipsPixels.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
-#include "Kit/Imaging/ZQVips.h"
 
 // PDF and SVG, drawn at the size that is wanted.
 
@@ -10,7 +10,7 @@ enum class Kind { PDF, SVG };
 
 ZQVipsImage load(Kind kind, const ZQDecodeRequest &request, double scale)
 {
-    const ZQVipsSource source = zqVipsSource(request.path);
+    const ZQVipsSource source = zqVipsSource(request.file);
     if (!source) {
         return nullptr;
     }
@@ -26,13 +26,13 @@ ZQVipsImage load(Kind kind, const ZQDecodeRequest &request, double scale)
     return ZQVipsImage(out);
 }
 
-std::optional<ZQImageProperties> vectorProperties(Kind kind, const QString &path, ZQError *error)
+std::optional<ZQImageProperties> vectorProperties(Kind kind, const ZQSourceFile &source, ZQError *error)
 {
     zqEnterVips();
-    const ZQVipsImage image = load(kind, {path, {}}, 1.0);
-    zqLogVipsError(path);
+    const ZQVipsImage image = load(kind, {source, {}}, 1.0);
+    zqLogVipsError(source.name());
     if (!image) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     ZQImageProperties out;
@@ -57,24 +57,24 @@ double scaleFor(QSize size, const ZQDecodeRequest &request)
 ZQBitmap draw(Kind kind, const ZQDecodeRequest &request, ZQError *error)
 {
     zqEnterVips();
-    const std::optional<ZQImageProperties> properties = vectorProperties(kind, request.path, error);
+    const std::optional<ZQImageProperties> properties = vectorProperties(kind, request.file, error);
     if (!properties) {
         return {};
     }
     if (request.frame >= properties->frameCount) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
     const double scale = scaleFor({properties->pixelWidth, properties->pixelHeight}, request);
-    if (!zqCheckSize(request.path, qint64(properties->pixelWidth * scale) + 1,
+    if (!zqCheckSize(request.file.name(), qint64(properties->pixelWidth * scale) + 1,
                      qint64(properties->pixelHeight * scale) + 1, zqMaximumPixelsInMemory, error)) {
         return {};
     }
     const ZQVipsImage image = load(kind, request, qMax(scale, 0.001));
     const ZQBitmap bitmap = image ? zqBitmapOfVips(image.get()) : ZQBitmap();
-    zqLogVipsError(request.path);
+    zqLogVipsError(request.file.name());
     if (bitmap.isNull()) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
     }
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }
@@ -82,8 +82,8 @@ ZQBitmap draw(Kind kind, const ZQDecodeRequest &request, ZQError *error)
 } // namespace
 
 const ZQDecoder zqPDFDecoder{
-    [](const QString &path, ZQError *error) { return vectorProperties(Kind::PDF, path, error); },
+    [](const ZQSourceFile &source, ZQError *error) { return vectorProperties(Kind::PDF, source, error); },
     [](const ZQDecodeRequest &request, ZQError *error) { return draw(Kind::PDF, request, error); }};
 const ZQDecoder zqSVGDecoder{
-    [](const QString &path, ZQError *error) { return vectorProperties(Kind::SVG, path, error); },
+    [](const ZQSourceFile &source, ZQError *error) { return vectorProperties(Kind::SVG, source, error); },
     [](const ZQDecodeRequest &request, ZQError *error) { return draw(Kind::SVG, request, error); }};

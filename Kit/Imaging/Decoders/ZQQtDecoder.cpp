@@ -1,4 +1,4 @@
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <QFile>
 #include <QImageReader>
@@ -22,12 +22,14 @@ ZQImageProperties propertiesOf(const QImage &image)
     return out;
 }
 
-std::optional<ZQImageProperties> bmpProperties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> bmpProperties(const ZQSourceFile &source, ZQError *error)
 {
-    QImageReader reader(path, "bmp");
+    QFile file;
+    source.openIn(file);
+    QImageReader reader(&file, "bmp");
     const QSize size = reader.size();
     if (!size.isValid()) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     ZQImageProperties out;
@@ -39,11 +41,11 @@ std::optional<ZQImageProperties> bmpProperties(const QString &path, ZQError *err
 }
 
 // Whether more than half of the rows that the header promises are in the file. A compressed one is left to its reader.
-bool hasMostRows(const QString &path, QSize size)
+bool hasMostRows(const ZQSourceFile &source, QSize size)
 {
     constexpr int headerBytes = 34;
-    QFile file(path);
-    const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(headerBytes) : QByteArray();
+    QFile file;
+    const QByteArray head = source.openIn(file) ? file.read(headerBytes) : QByteArray();
     if (head.size() < headerBytes) {
         return false;
     }
@@ -63,18 +65,19 @@ bool hasMostRows(const QString &path, QSize size)
 ZQBitmap bmpDecode(const ZQDecodeRequest &request, ZQError *error)
 {
     if (request.frame > 0) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
-    const std::optional<ZQImageProperties> properties = bmpProperties(request.path, error);
-    if (!properties ||
-        !zqCheckSize(request.path, properties->pixelWidth, properties->pixelHeight, zqMaximumPixelsInMemory, error)) {
+    const std::optional<ZQImageProperties> properties = bmpProperties(request.file, error);
+    if (!properties || !zqCheckSize(request.file.name(), properties->pixelWidth, properties->pixelHeight,
+                                    zqMaximumPixelsInMemory, error)) {
         return {};
     }
-    const bool complete = hasMostRows(request.path, {properties->pixelWidth, properties->pixelHeight});
-    const ZQBitmap bitmap(complete ? QImageReader(request.path, "bmp").read() : QImage());
+    const bool complete = hasMostRows(request.file, {properties->pixelWidth, properties->pixelHeight});
+    QFile file;
+    const ZQBitmap bitmap(complete && request.file.openIn(file) ? QImageReader(&file, "bmp").read() : QImage());
     if (bitmap.isNull()) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
@@ -86,13 +89,15 @@ bool isEncodedPicture(const QByteArray &payload)
     return payload.startsWith("\x89PNG") || payload.startsWith(QByteArray::fromHex("0000000c6a502020"));
 }
 
-QImage iconByQt(const QString &path, const char *format, int index)
+QImage iconByQt(const ZQSourceFile &source, const char *format, int index)
 {
-    QImageReader reader(path, format);
+    QFile file;
+    source.openIn(file);
+    QImageReader reader(&file, format);
     return index == 0 || reader.jumpToImage(index) ? reader.read() : QImage();
 }
 
-QList<QImage> iconsOfICO(const QString &path, const QByteArray &bytes)
+QList<QImage> iconsOfICO(const ZQSourceFile &source, const QByteArray &bytes)
 {
     constexpr qsizetype directory = 6;
     constexpr qsizetype entryBytes = 16;
@@ -103,12 +108,12 @@ QList<QImage> iconsOfICO(const QString &path, const QByteArray &bytes)
         const QByteArray payload =
             bytes.mid(qFromLittleEndian<quint32>(entry + 12), qFromLittleEndian<quint32>(entry + 8));
         icons.append(isEncodedPicture(payload) ? zqDecodeBytes(payload, {}, std::nullopt).image()
-                                               : iconByQt(path, "ico", i));
+                                               : iconByQt(source, "ico", i));
     }
     return icons;
 }
 
-QList<QImage> iconsOfICNS(const QString &path, const QByteArray &bytes)
+QList<QImage> iconsOfICNS(const ZQSourceFile &source, const QByteArray &bytes)
 {
     constexpr qsizetype headerBytes = 8;
     QList<QImage> icons;
@@ -121,22 +126,24 @@ QList<QImage> iconsOfICNS(const QString &path, const QByteArray &bytes)
         at += qMax(length, headerBytes);
     }
     if (icons.isEmpty()) {
-        const int count = qMin(QImageReader(path, "icns").imageCount(), maximumIcons);
+        QFile file;
+        source.openIn(file);
+        const int count = qMin(QImageReader(&file, "icns").imageCount(), maximumIcons);
         for (int i = 0; i < count; ++i) {
-            icons.append(iconByQt(path, "icns", i));
+            icons.append(iconByQt(source, "icns", i));
         }
     }
     return icons;
 }
 
 // Largest first; of equal sizes the deeper comes first in such files already.
-QList<QImage> iconsOfFile(const QString &path)
+QList<QImage> iconsOfFile(const ZQSourceFile &source)
 {
     constexpr qint64 maximumFileSize = qint64(64) << 20;
-    QFile file(path);
-    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.read(maximumFileSize) : QByteArray();
-    QList<QImage> icons = bytes.startsWith("icns") ? iconsOfICNS(path, bytes)
-                          : bytes.size() > 6       ? iconsOfICO(path, bytes)
+    QFile file;
+    const QByteArray bytes = source.openIn(file) ? file.read(maximumFileSize) : QByteArray();
+    QList<QImage> icons = bytes.startsWith("icns") ? iconsOfICNS(source, bytes)
+                          : bytes.size() > 6       ? iconsOfICO(source, bytes)
                                                    : QList<QImage>();
     icons.removeIf([](const QImage &icon) { return icon.isNull(); });
     std::stable_sort(icons.begin(), icons.end(), [](const QImage &left, const QImage &right) {
@@ -145,11 +152,11 @@ QList<QImage> iconsOfFile(const QString &path)
     return icons;
 }
 
-std::optional<ZQImageProperties> iconProperties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> iconProperties(const ZQSourceFile &source, ZQError *error)
 {
-    const QList<QImage> icons = iconsOfFile(path);
+    const QList<QImage> icons = iconsOfFile(source);
     if (icons.isEmpty()) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     ZQImageProperties out = propertiesOf(icons.first());
@@ -159,13 +166,13 @@ std::optional<ZQImageProperties> iconProperties(const QString &path, ZQError *er
 
 ZQBitmap iconDecode(const ZQDecodeRequest &request, ZQError *error)
 {
-    const QList<QImage> icons = iconsOfFile(request.path);
+    const QList<QImage> icons = iconsOfFile(request.file);
     if (icons.isEmpty()) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
     if (request.frame >= icons.size()) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
     const ZQBitmap bitmap(icons.at(request.frame));

@@ -1,9 +1,11 @@
-#include "Kit/Imaging/ZQChildProcess.h"
+#include "Kit/Imaging/Decoders/ZQChildProcess.h"
 
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QProcess>
 
+#include <csignal>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 
 namespace {
@@ -13,6 +15,7 @@ constexpr rlim_t fileLimit = rlim_t(1) << 30;
 
 void limitSelf(rlim_t seconds)
 {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit processor{seconds, seconds};
     const rlimit memory{memoryLimit, memoryLimit};
     const rlimit file{fileLimit, fileLimit};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "Kit/Imaging/Decoders/ZQSourceFile.h"
 
 // The kinds of picture files the decoders know, told apart by their first bytes.
 enum class ZQImageFormat {
@@ -22,5 +22,5 @@ enum class ZQImageFormat {
 };
 
 // Reads at most a few kilobytes. The extension only decides between a TIFF and the camera raw formats that are TIFFs
-// inside, and for TGA, whose older files carry no mark. `Unknown` for a file that cannot be opened. Any thread.
-ZQImageFormat zqImageFormatOfFile(const QString &path);
+// inside, and for TGA, whose older files carry no mark. `Unknown` for a file that cannot be read. Any thread.
+ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source);

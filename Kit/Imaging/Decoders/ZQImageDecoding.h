@@ -1,17 +1,15 @@
 #pragma once
 
+#include "Kit/Imaging/Decoders/ZQSourceFile.h"
 #include "Kit/Imaging/ZQBitmap.h"
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Imaging/ZQImagingError.h"
 
-// What the decoders share. Private to this folder.
+// What the decoders share. They read files from strangers, so they run in the worker process only.
 
-enum class ZQImagingErrorCode { CannotRead = 1, Empty, UnknownFormat, Damaged, TooBig, NoSuchFrame, ToolFailed };
-
-// An error of the domain "zelto.imaging"; `reason` is a text a person understands.
-ZQError zqImagingError(ZQImagingErrorCode code, const QString &path, const QString &reason);
-ZQError zqDamagedError(const QString &path);
-ZQError zqTooBigError(const QString &path, qint64 width, qint64 height);
-ZQError zqNoSuchFrameError(const QString &path, int frame);
+ZQError zqDamagedError(const QString &name);
+ZQError zqTooBigError(const QString &name, qint64 width, qint64 height);
+ZQError zqNoSuchFrameError(const QString &name, int frame);
 
 // What a picture may have when its codec needs all of it in memory, and what comes out at full size: 2 GiB of RGBA.
 constexpr qint64 zqMaximumPixelsInMemory = qint64(1) << 29;
@@ -21,7 +19,7 @@ enum class ZQPaper { White, Transparent };
 // What to decode and how large.
 struct ZQDecodeRequest
 {
-    QString path;
+    ZQSourceFile file;
     QSize box; // what the picture has to fit into; invalid: full size
     int frame = 0;
     bool fillBox = false; // a drawing (not a photograph) is enlarged to its box
@@ -34,12 +32,12 @@ struct ZQDecodeRequest
 QSize zqFittedSize(QSize size, const ZQDecodeRequest &request);
 
 // Whether a picture of that size may be decoded; fills `error` when not.
-bool zqCheckSize(const QString &path, qint64 width, qint64 height, qint64 limit, ZQError *error);
+bool zqCheckSize(const QString &name, qint64 width, qint64 height, qint64 limit, ZQError *error);
 
 // One way of decoding. Both functions fill `error` when they fail.
 struct ZQDecoder
 {
-    std::optional<ZQImageProperties> (*properties)(const QString &path, ZQError *error);
+    std::optional<ZQImageProperties> (*properties)(const ZQSourceFile &file, ZQError *error);
     ZQBitmap (*decode)(const ZQDecodeRequest &request, ZQError *error);
 };
 
@@ -53,10 +51,14 @@ extern const ZQDecoder zqTGADecoder;
 extern const ZQDecoder zqPSDDecoder;
 extern const ZQDecoder zqRawDecoder;
 
+// What a file of any known format says of itself.
+std::optional<ZQImageProperties> zqPropertiesOfFile(const ZQSourceFile &file, ZQError *error);
 // Decodes a file of any known format by its content.
 ZQBitmap zqDecodeFile(const ZQDecodeRequest &request, ZQError *error);
+// The picture of a document within `box`, drawings filling it.
+ZQBitmap zqPreviewOfFile(const ZQSourceFile &file, QSize box, ZQError *error);
 // What a document is drawn on: artwork on nothing, pages on white.
-ZQPaper zqPaperOfFile(const QString &path);
+ZQPaper zqPaperOfName(const QString &name);
 
 // Decodes an encoded picture (JPEG, PNG) held in memory, turned by `orientation`, or by its own when none is given.
 ZQBitmap zqDecodeBytes(const QByteArray &bytes, QSize box, std::optional<int> orientation);
@@ -68,4 +70,4 @@ ZQBitmap zqBitmapOfCMYK(const QByteArray &pixels, QSize size);
 ZQBitmap zqBitmapOfLab(const QByteArray &pixels, QSize size);
 
 // IPTC keywords of a file; empty when there are none or the file cannot be read.
-QStringList zqKeywordsOfFile(const QString &path);
+QStringList zqKeywordsOfFile(const ZQSourceFile &source);

@@ -1,10 +1,11 @@
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
-#include <QFile>
 #include <QStringDecoder>
 
 #include <exiv2/exiv2.hpp>
+
+#include <mutex>
 
 namespace {
 
@@ -16,13 +17,32 @@ QString textOfIPTC(const std::string &bytes)
     return decoder.hasError() ? QString::fromLatin1(bytes.data(), qsizetype(bytes.size())) : text;
 }
 
+void logFromExiv2(int, const char *message)
+{
+    qCDebug(zqLogImaging, "Exiv2: %s", message);
+}
+
+void startExiv2()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Exiv2::XmpParser::initialize();
+        Exiv2::LogMsg::setHandler(logFromExiv2);
+    });
+}
+
 } // namespace
 
-QStringList zqKeywordsOfFile(const QString &path)
+QStringList zqKeywordsOfFile(const ZQSourceFile &source)
 {
+    const ZQSourceFile::Bytes bytes(source);
+    if (!bytes.data()) {
+        return {};
+    }
+    startExiv2();
     QStringList keywords;
     try {
-        const auto image = Exiv2::ImageFactory::open(QFile::encodeName(path).toStdString());
+        const auto image = Exiv2::ImageFactory::open(bytes.data(), long(bytes.size()));
         image->readMetadata();
         for (const Exiv2::Iptcdatum &datum : image->iptcData()) {
             if (datum.record() == Exiv2::IptcDataSets::application2 && datum.tag() == Exiv2::IptcDataSets::Keywords) {
@@ -33,7 +53,7 @@ QStringList zqKeywordsOfFile(const QString &path)
             }
         }
     } catch (const std::exception &exception) {
-        qCDebug(zqLogImaging, "no metadata in %s: %s", qUtf8Printable(path), exception.what());
+        qCDebug(zqLogImaging, "no metadata in %s: %s", qUtf8Printable(source.name()), exception.what());
     }
     return keywords;
 }

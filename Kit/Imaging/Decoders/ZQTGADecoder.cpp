@@ -1,4 +1,4 @@
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -150,26 +150,26 @@ private:
 };
 
 // A header may promise no more than its file can hold.
-bool checkHeader(const QString &path, const Header &header, qint64 fileSize, ZQError *error)
+bool checkHeader(const QString &name, const Header &header, qint64 fileSize, ZQError *error)
 {
-    if (!zqCheckSize(path, header.width, header.height, zqMaximumPixelsInMemory, error)) {
+    if (!zqCheckSize(name, header.width, header.height, zqMaximumPixelsInMemory, error)) {
         return false;
     }
     const qint64 pixels = qint64(header.width) * header.height;
     const qint64 possible = fileSize / header.bytesPerPixel() * (header.isRunLength ? longestRun : 1);
     if (possible < pixels / 2) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(name));
         return false;
     }
     return true;
 }
 
-std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> properties(const ZQSourceFile &source, ZQError *error)
 {
-    QFile file(path);
-    const std::optional<Header> header = file.open(QIODevice::ReadOnly) ? readHeader(file) : std::nullopt;
+    QFile file;
+    const std::optional<Header> header = source.openIn(file) ? readHeader(file) : std::nullopt;
     if (!header) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     ZQImageProperties out;
@@ -201,16 +201,16 @@ int readRows(PixelReader &pixels, const Header &header, QImage &image)
 ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
 {
     if (request.frame > 0) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
-    QFile file(request.path);
-    const std::optional<Header> header = file.open(QIODevice::ReadOnly) ? readHeader(file) : std::nullopt;
+    QFile file;
+    const std::optional<Header> header = request.file.openIn(file) ? readHeader(file) : std::nullopt;
     if (!header) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
-    if (!checkHeader(request.path, *header, file.size(), error)) {
+    if (!checkHeader(request.file.name(), *header, file.size(), error)) {
         return {};
     }
     QImage image(header->width, header->height, QImage::Format_RGBA8888);
@@ -218,7 +218,7 @@ ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
     PixelReader pixels(file, *header);
     if (image.isNull() || !file.seek(headerBytes + header->idLength) || !pixels.readMap() ||
         readRows(pixels, *header, image) <= header->height / 2) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
     const ZQBitmap bitmap(image);

@@ -1,7 +1,7 @@
-#include "Kit/Imaging/ZQThumbnailers.h"
+#include "Kit/Imaging/Decoders/ZQThumbnailers.h"
 
-#include "Kit/Imaging/ZQChildProcess.h"
-#include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Imaging/Decoders/ZQChildProcess.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <QDir>
 #include <QMimeDatabase>
@@ -88,6 +88,13 @@ QString filledIn(QString word, const QString &input, const QString &output, int 
 
 } // namespace
 
+bool zqHasThumbnailer(const ZQSourceFile &file)
+{
+    QFile device;
+    return file.openIn(device) &&
+           !commandForType(QMimeDatabase().mimeTypeForFileNameAndData(file.name(), &device)).isEmpty();
+}
+
 ZQBitmap zqThumbnailerPreview(const QString &path, QSize box)
 {
     const QMimeType type = QMimeDatabase().mimeTypeForFile(path);
@@ -104,5 +111,6 @@ ZQBitmap zqThumbnailerPreview(const QString &path, QSize box)
     if (!zqRunDrawingProgram(words.takeFirst(), words, folder.path(), drawingTime)) {
         return {};
     }
-    return ZQImageSource::thumbnailOfFile(output, side).scaledToFit(box);
+    const QSize square(side, side);
+    return zqDecodeFile({ZQSourceFile::open(output), square}, nullptr).scaledToFit(box);
 }

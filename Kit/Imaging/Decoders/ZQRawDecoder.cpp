@@ -1,7 +1,5 @@
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Imaging/ZQImageDecoding.h"
-
-#include <QFile>
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <libraw/libraw.h>
 
@@ -32,29 +30,39 @@ struct MemoryImageDelete
 };
 using MemoryImage = std::unique_ptr<libraw_processed_image_t, MemoryImageDelete>;
 
-std::unique_ptr<LibRaw> openRaw(const QString &path, ZQError *error)
+// The library reads from the mapped file as long as it lives.
+struct RawFile
 {
-    auto raw = std::make_unique<LibRaw>(LIBRAW_OPIONS_NO_DATAERR_CALLBACK);
-    const int result = raw->open_file(QFile::encodeName(path).constData());
+    explicit RawFile(const ZQSourceFile &source) : bytes(source), library(LIBRAW_OPIONS_NO_DATAERR_CALLBACK) {}
+
+    ZQSourceFile::Bytes bytes;
+    LibRaw library;
+};
+
+std::unique_ptr<RawFile> openRaw(const ZQSourceFile &source, ZQError *error)
+{
+    auto raw = std::make_unique<RawFile>(source);
+    void *const data = const_cast<uchar *>(raw->bytes.data()); // only read
+    const int result = data ? raw->library.open_buffer(data, raw->bytes.size()) : int(LIBRAW_IO_ERROR);
     if (result != LIBRAW_SUCCESS) {
-        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(path), libraw_strerror(result));
-        zqSetError(error, zqDamagedError(path));
+        qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(source.name()), libraw_strerror(result));
+        zqSetError(error, zqDamagedError(source.name()));
         return nullptr;
     }
     return raw;
 }
 
-std::optional<ZQImageProperties> rawProperties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> rawProperties(const ZQSourceFile &source, ZQError *error)
 {
-    const std::unique_ptr<LibRaw> raw = openRaw(path, error);
+    const std::unique_ptr<RawFile> raw = openRaw(source, error);
     if (!raw) {
         // Some of these extensions also name plain TIFF files.
-        return zqVipsDecoder.properties(path, nullptr);
+        return zqVipsDecoder.properties(source, nullptr);
     }
     ZQImageProperties out;
-    out.pixelWidth = raw->imgdata.sizes.width;
-    out.pixelHeight = raw->imgdata.sizes.height;
-    out.orientation = orientationOfFlip(raw->imgdata.sizes.flip);
+    out.pixelWidth = raw->library.imgdata.sizes.width;
+    out.pixelHeight = raw->library.imgdata.sizes.height;
+    out.orientation = orientationOfFlip(raw->library.imgdata.sizes.flip);
     out.bitsPerSample = 16;
     out.colorModel = QStringLiteral("RGB");
     return out;
@@ -95,27 +103,27 @@ ZQBitmap developed(LibRaw &raw, bool halfSize)
 ZQBitmap decodeRaw(const ZQDecodeRequest &request, ZQError *error)
 {
     if (request.frame > 0) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
     ZQError failure;
-    const std::unique_ptr<LibRaw> raw = openRaw(request.path, &failure);
+    const std::unique_ptr<RawFile> raw = openRaw(request.file, &failure);
     if (!raw) {
         return zqVipsDecoder.decode(request, error);
     }
-    const qint64 width = raw->imgdata.sizes.raw_width;
-    const qint64 height = raw->imgdata.sizes.raw_height;
-    if (!zqCheckSize(request.path, width, height, zqMaximumPixelsInMemory, error)) {
+    const qint64 width = raw->library.imgdata.sizes.raw_width;
+    const qint64 height = raw->library.imgdata.sizes.raw_height;
+    if (!zqCheckSize(request.file.name(), width, height, zqMaximumPixelsInMemory, error)) {
         return {};
     }
-    ZQBitmap bitmap = request.isFullSize() ? ZQBitmap() : embeddedPreview(*raw, request.box);
+    ZQBitmap bitmap = request.isFullSize() ? ZQBitmap() : embeddedPreview(raw->library, request.box);
     if (bitmap.isNull()) {
         const bool halfIsEnough =
             !request.isFullSize() && qMax(width, height) >= 2 * qMax(request.box.width(), request.box.height());
-        bitmap = developed(*raw, halfIsEnough);
+        bitmap = developed(raw->library, halfIsEnough);
     }
     if (bitmap.isNull()) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
     }
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }

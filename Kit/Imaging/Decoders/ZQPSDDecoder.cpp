@@ -1,4 +1,4 @@
-#include "Kit/Imaging/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -118,18 +118,18 @@ bool isSupported(const Document &document)
     return knownMode && knownDepth && document.channels >= document.colors() && document.compression <= 1;
 }
 
-std::optional<Document> readDocument(QFile &file, const QString &path, ZQError *error)
+std::optional<Document> readDocument(QFile &file, const ZQSourceFile &source, ZQError *error)
 {
     Document out;
-    if (!file.open(QIODevice::ReadOnly) || !readHeader(file, out)) {
-        zqSetError(error, zqDamagedError(path));
+    if (!source.openIn(file) || !readHeader(file, out)) {
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
-    if (!zqCheckSize(path, out.width, out.height, ZQImageSource::maximumPixels, error)) {
+    if (!zqCheckSize(source.name(), out.width, out.height, ZQImageSource::maximumPixels, error)) {
         return std::nullopt;
     }
     if (!readSections(file, out) || !isSupported(out)) {
-        zqSetError(error, zqDamagedError(path));
+        zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     return out;
@@ -297,10 +297,10 @@ int shrinkFor(const Document &document, const ZQDecodeRequest &request)
     return qBound(1, qMin(document.width / fitted.width(), document.height / fitted.height()), 4096);
 }
 
-std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
+std::optional<ZQImageProperties> properties(const ZQSourceFile &source, ZQError *error)
 {
-    QFile file(path);
-    const std::optional<Document> document = readDocument(file, path, error);
+    QFile file;
+    const std::optional<Document> document = readDocument(file, source, error);
     if (!document) {
         return std::nullopt;
     }
@@ -319,11 +319,11 @@ std::optional<ZQImageProperties> properties(const QString &path, ZQError *error)
 ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
 {
     if (request.frame > 0) {
-        zqSetError(error, zqNoSuchFrameError(request.path, request.frame));
+        zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
-    QFile file(request.path);
-    const std::optional<Document> document = readDocument(file, request.path, error);
+    QFile file;
+    const std::optional<Document> document = readDocument(file, request.file, error);
     if (!document) {
         return {};
     }
@@ -332,19 +332,19 @@ ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
     const int perPixel = document->colors() + (alpha ? 1 : 0);
     PlaneReader planes(file, *document, shrinkFor(*document, request));
     const QSize size = planes.size();
-    if (!zqCheckSize(request.path, size.width(), size.height(), zqMaximumPixelsInMemory, error)) {
+    if (!zqCheckSize(request.file.name(), size.width(), size.height(), zqMaximumPixelsInMemory, error)) {
         return {};
     }
     // No packed row is shorter than a sixty-fourth of what it holds.
     const qint64 promised = document->rowBytes() * document->height * document->colors();
     if (file.size() * 64 < promised / 2 || !planes.begin()) {
-        zqSetError(error, zqDamagedError(request.path));
+        zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
     QByteArray channels(qsizetype(size.width()) * size.height() * perPixel, '\0');
     for (int plane = 0; plane < perPixel; ++plane) {
         if (planes.readPlane(plane, channels.data() + plane, perPixel) <= document->height / 2) {
-            zqSetError(error, zqDamagedError(request.path));
+            zqSetError(error, zqDamagedError(request.file.name()));
             return {};
         }
     }

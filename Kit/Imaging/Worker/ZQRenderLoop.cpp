@@ -1,0 +1,196 @@
+#include "Kit/Imaging/Worker/ZQRenderLoop.h"
+
+#include "Kit/Imaging/Decoders/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQThumbnailers.h"
+#include "Kit/Imaging/Worker/ZQRenderSandbox.h"
+#include "Kit/Imaging/ZQImagingLibraries.h"
+#include "Kit/Imaging/ZQVips.h"
+
+#include <QCoreApplication>
+
+#include <glib.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <new>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+
+// GLib ends the process when memory is short; this says so in a way the other side understands.
+void endWhenGLibFails(const gchar *, GLogLevelFlags level, const gchar *, gpointer)
+{
+    if (level & G_LOG_LEVEL_ERROR) {
+        ::_exit(zqRenderExitOutOfMemory);
+    }
+}
+
+bool writeRows(int descriptor, const ZQBitmap &bitmap)
+{
+    for (int y = 0; y < bitmap.height(); ++y) {
+        const auto *row = reinterpret_cast<const char *>(bitmap.constScanLine(y));
+        if (!zqWriteAll(descriptor, row, qint64(bitmap.width()) * 4)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A picture that nobody can change any more, in a file without a name.
+ZQFileDescriptor sealedFileOf(const ZQBitmap &bitmap)
+{
+    ZQFileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    const bool made = file.isOpen() && writeRows(file.get(), bitmap) &&
+                      ::fcntl(file.get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
+    return made ? std::move(file) : ZQFileDescriptor();
+}
+
+class RenderLoop
+{
+public:
+    explicit RenderLoop(ZQRenderInterception interception)
+        : m_interception(interception),
+          m_area(static_cast<uchar *>(::mmap(nullptr, size_t(zqRenderAreaBytes), PROT_READ | PROT_WRITE, MAP_SHARED,
+                                             ZQRenderDescriptor::area, 0)))
+    {
+    }
+
+    bool isReady() const { return m_area != MAP_FAILED; }
+
+    void run()
+    {
+        for (;;) {
+            ZQRenderMessage message = zqReceiveMessage(ZQRenderDescriptor::socket);
+            const std::optional<ZQRenderRequest> request = zqDecodeRequestMessage(message.bytes);
+            if (!request || !answer(*request, ZQSourceFile(std::move(message.descriptor), request->name))) {
+                return;
+            }
+        }
+    }
+
+private:
+    bool answer(const ZQRenderRequest &request, const ZQSourceFile &file)
+    {
+        if (m_interception && m_interception(request, file)) {
+            return true;
+        }
+        if (request.kind == ZQRenderRequest::Kind::Properties) {
+            ZQError error;
+            const std::optional<ZQImageProperties> properties = zqPropertiesOfFile(file, &error);
+            if (!properties) {
+                return sendError(error, false);
+            }
+            ZQRenderAnswer out;
+            out.kind = ZQRenderAnswer::Kind::Properties;
+            out.properties = *properties;
+            return send(out);
+        }
+        return sendBitmap(request, file);
+    }
+
+    static ZQBitmap draw(const ZQRenderRequest &request, const ZQSourceFile &file, ZQError *error)
+    {
+        using Kind = ZQRenderRequest::Kind;
+        switch (request.kind) {
+        case Kind::Preview:
+            return zqPreviewOfFile(file, request.box, error);
+        case Kind::Thumbnailer:
+            return zqThumbnailerPreview(request.name, request.box);
+        case Kind::Bitmap:
+        case Kind::Properties:
+            break;
+        }
+        return zqDecodeFile({file, request.box, request.frame, false, zqPaperOfName(request.name)}, error);
+    }
+
+    bool sendBitmap(const ZQRenderRequest &request, const ZQSourceFile &file)
+    {
+        ZQError error;
+        ZQBitmap bitmap = draw(request, file, &error);
+        if (request.box.isValid()) {
+            bitmap = bitmap.scaledToFit(request.box);
+        }
+        if (zqTakeVipsMemoryShortage() && bitmap.isNull()) {
+            error.code = int(ZQImagingErrorCode::TooMuchMemory);
+        }
+        if (bitmap.isNull()) {
+            const bool isUnknown = error.code == int(ZQImagingErrorCode::UnknownFormat);
+            return sendError(error,
+                             isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file));
+        }
+        ZQRenderAnswer out;
+        out.size = bitmap.size();
+        const qsizetype rowBytes = qsizetype(bitmap.width()) * 4;
+        if (rowBytes * bitmap.height() <= zqRenderAreaBytes) {
+            for (int y = 0; y < bitmap.height(); ++y) {
+                std::memcpy(m_area + rowBytes * y, bitmap.constScanLine(y), size_t(rowBytes));
+            }
+            out.kind = ZQRenderAnswer::Kind::PixelsInArea;
+            return send(out);
+        }
+        const ZQFileDescriptor pixels = sealedFileOf(bitmap);
+        if (!pixels.isOpen()) {
+            ::_exit(zqRenderExitOutOfMemory);
+        }
+        out.kind = ZQRenderAnswer::Kind::PixelsInFile;
+        return send(out, pixels.get());
+    }
+
+    static bool sendError(const ZQError &error, bool hasThumbnailer)
+    {
+        ZQRenderAnswer out;
+        out.code = error.code > 0 ? ZQImagingErrorCode(error.code) : ZQImagingErrorCode::Damaged;
+        out.reason = error.userInfo.value(ZQError::failureReasonKey).toString();
+        out.hasThumbnailer = hasThumbnailer;
+        return send(out);
+    }
+
+    static bool send(const ZQRenderAnswer &answer, int descriptor = -1)
+    {
+        return zqSendMessage(ZQRenderDescriptor::socket, zqEncode(answer), descriptor);
+    }
+
+    ZQRenderInterception m_interception;
+    uchar *m_area;
+};
+
+} // namespace
+
+int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
+{
+    if (argc != 5) {
+        return EXIT_FAILURE;
+    }
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != std::atoi(argv[2])) {
+        return EXIT_FAILURE; // the other side ended before it could take this one along
+    }
+    std::signal(SIGTTOU, SIG_IGN); // a log line is no reason to stop
+    const bool forThumbnailer = std::strcmp(argv[4], "thumbnailer") == 0;
+    const ZQRenderRestrictions restrictions =
+        zqEnterRenderSandbox(argv[1], std::atoll(argv[3]), forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1);
+    QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
+    const QCoreApplication application(argc, argv);
+    zqInitializeImagingLibraries("zelto-render");
+    g_log_set_handler("GLib", GLogLevelFlags(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION),
+                      endWhenGLibFails, nullptr);
+    ZQRenderAnswer hello;
+    hello.kind = ZQRenderAnswer::Kind::Hello;
+    hello.restrictsFiles = restrictions.files;
+    hello.restrictsCalls = restrictions.calls;
+    RenderLoop loop(interception);
+    if (!loop.isReady() || !zqSendMessage(ZQRenderDescriptor::socket, zqEncode(hello))) {
+        return EXIT_FAILURE;
+    }
+    try {
+        loop.run();
+    } catch (const std::bad_alloc &) {
+        ::_exit(zqRenderExitOutOfMemory);
+    }
+    ::_exit(EXIT_SUCCESS); // nothing is worth tidying up for
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QString>
+
+// What can go wrong with a picture. The numbers cross processes.
+enum class ZQImagingErrorCode {
+    CannotRead = 1,
+    Empty,
+    UnknownFormat,
+    Damaged,
+    TooBig,
+    NoSuchFrame,
+    ToolFailed,
+    RendererStopped,
+    TookTooLong,
+    TooMuchMemory,
+    NoRenderer
+};
+
+// An error of the domain "zelto.imaging"; `reason` is a text a person understands.
+ZQError zqImagingError(ZQImagingErrorCode code, const QString &path, const QString &reason);

@@ -1,0 +1,322 @@
+#include "Kit/Imaging/ZQRenderPool.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+using Outcome = ZQRenderProcess::Outcome;
+
+// A worker is replaced now and then, so that what libraries leak does not add up.
+constexpr int mostRequests = 5000;
+// How often a request looks for another worker when the one it was given has died in its sleep.
+constexpr int mostTries = 8;
+
+struct OutcomeText
+{
+    Outcome outcome;
+    ZQImagingErrorCode code;
+    const char *text;
+};
+
+constexpr std::array outcomeTexts{
+    OutcomeText{Outcome::Stopped, ZQImagingErrorCode::RendererStopped,
+                "The picture \"%@\" could not be drawn: the renderer stopped."},
+    OutcomeText{Outcome::TalkedNonsense, ZQImagingErrorCode::RendererStopped,
+                "The picture \"%@\" could not be drawn: the renderer stopped."},
+    OutcomeText{Outcome::TookTooLong, ZQImagingErrorCode::TookTooLong,
+                "The picture \"%@\" could not be drawn: it took too long."},
+    OutcomeText{Outcome::TooMuchMemory, ZQImagingErrorCode::TooMuchMemory,
+                "The picture \"%@\" could not be drawn: it needs too much memory."},
+};
+
+ZQError errorOfOutcome(Outcome outcome, const QString &path)
+{
+    for (const OutcomeText &row : outcomeTexts) {
+        if (row.outcome == outcome) {
+            const QString text = zqFormat(zqLocalized(row.text), {QFileInfo(path).fileName()});
+            return ZQError::with(QStringLiteral("zelto.imaging"), int(row.code), text);
+        }
+    }
+    return {};
+}
+
+// Opened here, so that the worker needs no access to any folder.
+ZQFileDescriptor openFile(const QString &path, ZQError *error)
+{
+    ZQFileDescriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status
+    {
+    };
+    const bool opened = file.isOpen() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (!opened) {
+        zqSetError(error,
+                   zqImagingError(ZQImagingErrorCode::CannotRead, path,
+                                  zqLocalized("It does not exist or you don't have the permission to read it.")));
+        return ZQFileDescriptor();
+    }
+    if (status.st_size == 0) {
+        zqSetError(error, zqImagingError(ZQImagingErrorCode::Empty, path, zqLocalized("The file is empty.")));
+        return ZQFileDescriptor();
+    }
+    return file;
+}
+
+// Folders of workers whose application was killed.
+void removeLeftFolders()
+{
+    const QDir temporary(QDir::tempPath());
+    for (const QFileInfo &info : temporary.entryInfoList({QStringLiteral("zelto-render.*")}, QDir::Dirs)) {
+        const QString process = info.fileName().section(u'.', 1, 1);
+        if (info.ownerId() == ::geteuid() && !QFileInfo::exists(QStringLiteral("/proc/") + process)) {
+            zqRemoveTree(QFile::encodeName(info.filePath()));
+        }
+    }
+}
+
+} // namespace
+
+ZQRenderPool::ZQRenderPool(ZQRenderLimits limits) : m_limits(limits), m_keeper([this] { keep(); }) {}
+
+ZQRenderPool::~ZQRenderPool()
+{
+    close();
+}
+
+ZQRenderPool &ZQRenderPool::shared()
+{
+    // Never destroyed: threads may still ask while the program ends.
+    static ZQRenderPool *const pool = [] {
+        auto *const made = new ZQRenderPool;
+        std::atexit([] { shared().close(); });
+        return made;
+    }();
+    return *pool;
+}
+
+void ZQRenderPool::close()
+{
+    std::unique_lock lock(m_mutex);
+    if (m_closed) {
+        return;
+    }
+    m_closed = true;
+    for (const ZQRenderProcess *process : m_busy) {
+        process->interrupt();
+    }
+    m_keeperCalled.notify_all();
+    m_changed.notify_all();
+    m_changed.wait_for(lock, std::chrono::seconds(2), [this] { return m_busy.empty(); });
+    lock.unlock();
+    m_keeper.join();
+    lock.lock();
+    const std::vector<Idle> idle = std::move(m_idle);
+    m_idle.clear();
+    lock.unlock();
+}
+
+std::vector<pid_t> ZQRenderPool::processIDs() const
+{
+    const std::scoped_lock lock(m_mutex);
+    std::vector<pid_t> out;
+    for (const Idle &idle : m_idle) {
+        out.push_back(idle.process->processID());
+    }
+    for (const ZQRenderProcess *process : m_busy) {
+        out.push_back(process->processID());
+    }
+    return out;
+}
+
+void ZQRenderPool::keep()
+{
+    removeLeftFolders();
+    std::unique_lock lock(m_mutex);
+    while (!m_closed) {
+        if (m_wanted > 0) {
+            startOne(lock);
+            continue;
+        }
+        if (m_count == 0) {
+            m_keeperCalled.wait(lock);
+        } else {
+            m_keeperCalled.wait_for(lock, m_limits.idle);
+        }
+        std::vector<Process> expired = takeExpired();
+        lock.unlock();
+        expired.clear();
+        lock.lock();
+    }
+}
+
+void ZQRenderPool::startOne(std::unique_lock<std::mutex> &lock)
+{
+    --m_wanted;
+    lock.unlock();
+    QString failure;
+    Process process = ZQRenderProcess::start(m_limits, -1, &failure);
+    lock.lock();
+    if (process) {
+        m_idle.push_back({std::move(process), std::chrono::steady_clock::now(), 0});
+    } else {
+        qCWarning(zqLogImaging, "%s", qUtf8Printable(failure));
+        --m_count;
+        ++m_failures;
+        m_failure = failure;
+    }
+    m_changed.notify_all();
+}
+
+std::vector<ZQRenderPool::Process> ZQRenderPool::takeExpired()
+{
+    const auto limit = std::chrono::steady_clock::now() - m_limits.idle;
+    std::vector<Process> expired;
+    std::erase_if(m_idle, [&](Idle &idle) {
+        if (idle.since > limit) {
+            return false;
+        }
+        expired.push_back(std::move(idle.process));
+        return true;
+    });
+    m_count -= int(expired.size());
+    return expired;
+}
+
+bool ZQRenderPool::take(Idle &out, QString *failure)
+{
+    std::unique_lock lock(m_mutex);
+    const quint64 failures = m_failures;
+    while (m_idle.empty() && !m_closed && m_failures == failures) {
+        if (m_count < m_limits.processesOrDefault()) {
+            ++m_count;
+            ++m_wanted;
+            m_keeperCalled.notify_one();
+        }
+        m_changed.wait(lock);
+    }
+    if (m_closed) {
+        *failure = zqLocalized("Zelto is about to quit.");
+        return false;
+    }
+    if (m_idle.empty()) {
+        *failure = m_failure;
+        return false;
+    }
+    out = std::move(m_idle.back());
+    m_idle.pop_back();
+    m_busy.push_back(out.process.get());
+    return true;
+}
+
+void ZQRenderPool::giveBack(Idle idle)
+{
+    ++idle.requests;
+    if (idle.requests >= mostRequests) {
+        drop(std::move(idle));
+        return;
+    }
+    {
+        const std::scoped_lock lock(m_mutex);
+        std::erase(m_busy, idle.process.get());
+        idle.since = std::chrono::steady_clock::now();
+        m_idle.push_back(std::move(idle));
+    }
+    m_changed.notify_all();
+}
+
+void ZQRenderPool::drop(Idle idle)
+{
+    {
+        const std::scoped_lock lock(m_mutex);
+        std::erase(m_busy, idle.process.get());
+    }
+    idle.process.reset(); // before another takes its place
+    {
+        const std::scoped_lock lock(m_mutex);
+        --m_count;
+    }
+    m_changed.notify_all();
+}
+
+ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int file, QString *failure)
+{
+    for (int i = 0; i < mostTries; ++i) {
+        Idle idle;
+        if (!take(idle, failure)) {
+            return {};
+        }
+        if (!idle.process->send(request, file)) {
+            drop(std::move(idle));
+            continue;
+        }
+        ZQRenderProcess::Reply reply = idle.process->receive(request, m_limits.time);
+        if (reply.outcome == Outcome::Answered) {
+            giveBack(std::move(idle));
+        } else {
+            drop(std::move(idle));
+        }
+        return reply;
+    }
+    *failure = zqLocalized("The program \"zelto-render\" that draws pictures ends as soon as it is started.");
+    return {};
+}
+
+// In a worker of its own, the only one that may open the file by its path, which such programs need.
+ZQBitmap ZQRenderPool::askThumbnailer(const QString &path, QSize box, int file)
+{
+    QString failure;
+    const Process process = ZQRenderProcess::start(m_limits, file, &failure);
+    const ZQRenderRequest request{ZQRenderRequest::Kind::Thumbnailer, box, 0, QFileInfo(path).absoluteFilePath()};
+    if (!process || !process->send(request, file)) {
+        qCWarning(zqLogImaging, "no thumbnailer can be started: %s", qUtf8Printable(failure));
+        return {};
+    }
+    return process->receive(request, m_limits.time).bitmap;
+}
+
+ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame,
+                                           ZQError *error)
+{
+    const ZQFileDescriptor file = openFile(path, error);
+    if (!file.isOpen()) {
+        return {};
+    }
+    QString failure;
+    ZQRenderProcess::Reply reply = ask({kind, box, frame, QFileInfo(path).fileName()}, file.get(), &failure);
+    if (!failure.isEmpty()) {
+        zqSetError(error, zqImagingError(ZQImagingErrorCode::NoRenderer, path, failure));
+        return {};
+    }
+    const bool isError = reply.answer.kind == ZQRenderAnswer::Kind::Error;
+    if (isError && reply.answer.code == ZQImagingErrorCode::TooMuchMemory) {
+        reply.outcome = Outcome::TooMuchMemory; // noticed in time
+    }
+    if (reply.outcome != Outcome::Answered) {
+        const ZQError told = errorOfOutcome(reply.outcome, path);
+        qCWarning(zqLogImaging, "%s", qUtf8Printable(told.localizedDescription()));
+        zqSetError(error, told);
+        return {};
+    }
+    if (!isError) {
+        const bool isHeader = reply.answer.kind == ZQRenderAnswer::Kind::Properties;
+        return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap};
+    }
+    if (kind == ZQRenderRequest::Kind::Preview && reply.answer.hasThumbnailer) {
+        const ZQBitmap drawn = askThumbnailer(path, box, file.get());
+        if (!drawn.isNull()) {
+            return {std::nullopt, drawn};
+        }
+    }
+    zqSetError(error, zqImagingError(reply.answer.code, path, reply.answer.reason));
+    return {};
+}

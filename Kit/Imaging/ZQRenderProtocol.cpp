@@ -1,0 +1,258 @@
+#include "Kit/Imaging/ZQRenderProtocol.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+namespace {
+
+constexpr quint32 requestMark = 0x5a515251;
+constexpr quint32 answerMark = 0x5a515241;
+constexpr qsizetype longestText = 4096;
+constexpr qint32 mostKeywords = 1000;
+
+class Writer
+{
+public:
+    void number(qint32 value) { m_bytes.append(reinterpret_cast<const char *>(&value), sizeof value); }
+    void text(const QString &value)
+    {
+        const QByteArray utf8 = value.toUtf8().left(longestText);
+        number(qint32(utf8.size()));
+        m_bytes.append(utf8);
+    }
+    QByteArray bytes() const { return m_bytes; }
+    qsizetype size() const { return m_bytes.size(); }
+
+private:
+    QByteArray m_bytes;
+};
+
+// Answers zeros and empty texts past the end, and remembers that it did.
+class Reader
+{
+public:
+    explicit Reader(const QByteArray &bytes) : m_bytes(bytes) {}
+
+    qint32 number()
+    {
+        qint32 value = 0;
+        if (m_at + qsizetype(sizeof value) > m_bytes.size()) {
+            m_failed = true;
+            return 0;
+        }
+        std::memcpy(&value, m_bytes.constData() + m_at, sizeof value);
+        m_at += qsizetype(sizeof value);
+        return value;
+    }
+
+    // One line, whatever was sent.
+    QString line()
+    {
+        QString value = text();
+        value.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
+        return value;
+    }
+
+    QString text()
+    {
+        const qint32 length = number();
+        if (length < 0 || length > longestText || m_at + length > m_bytes.size()) {
+            m_failed = true;
+            return {};
+        }
+        const QString value = QString::fromUtf8(m_bytes.constData() + m_at, length);
+        m_at += length;
+        return value;
+    }
+
+    bool isComplete() const { return !m_failed && m_at == m_bytes.size(); }
+
+private:
+    const QByteArray &m_bytes;
+    qsizetype m_at = 0;
+    bool m_failed = false;
+};
+
+void writeProperties(Writer &writer, const ZQImageProperties &properties)
+{
+    for (const int value :
+         {properties.pixelWidth, properties.pixelHeight, properties.orientation, properties.bitsPerSample,
+          properties.dpi, properties.frameCount, int(properties.hasAlpha)}) {
+        writer.number(value);
+    }
+    writer.text(properties.colorModel);
+    Writer keywords;
+    qint32 count = 0;
+    for (const QString &keyword : properties.keywords) {
+        if (count == mostKeywords || writer.size() + keywords.size() + longestText + 8 > zqRenderMaximumMessage) {
+            break;
+        }
+        keywords.text(keyword);
+        ++count;
+    }
+    writer.number(count);
+    for (qint32 i = 0; i < count; ++i) {
+        writer.text(properties.keywords.at(i));
+    }
+}
+
+ZQImageProperties readProperties(Reader &reader)
+{
+    ZQImageProperties out;
+    for (int *value :
+         {&out.pixelWidth, &out.pixelHeight, &out.orientation, &out.bitsPerSample, &out.dpi, &out.frameCount}) {
+        *value = reader.number();
+    }
+    out.hasAlpha = reader.number() != 0;
+    out.colorModel = reader.line();
+    const qint32 count = reader.number();
+    for (qint32 i = 0; i < qMin(count, mostKeywords); ++i) {
+        const QString keyword = reader.line();
+        if (!keyword.isEmpty()) {
+            out.keywords.append(keyword);
+        }
+    }
+    return out;
+}
+
+bool arePlausible(const ZQImageProperties &properties)
+{
+    static const QStringList models{QStringLiteral("RGB"), QStringLiteral("Gray"), QStringLiteral("CMYK"),
+                                    QStringLiteral("Lab")};
+    return properties.pixelWidth > 0 && properties.pixelHeight > 0 && properties.orientation >= 0 &&
+           properties.orientation <= 8 && properties.bitsPerSample > 0 && properties.bitsPerSample <= 128 &&
+           properties.dpi >= 0 && properties.frameCount > 0 && models.contains(properties.colorModel);
+}
+
+bool isPossibleSize(QSize size)
+{
+    return size.width() > 0 && size.height() > 0 && size.width() <= zqRenderMaximumPixels / size.height();
+}
+
+bool isPossible(const ZQRenderAnswer &answer)
+{
+    using Kind = ZQRenderAnswer::Kind;
+    switch (answer.kind) {
+    case Kind::Hello:
+        return true;
+    case Kind::Properties:
+        return arePlausible(answer.properties);
+    case Kind::PixelsInArea:
+        return isPossibleSize(answer.size) &&
+               qsizetype(answer.size.width()) * answer.size.height() * 4 <= zqRenderAreaBytes;
+    case Kind::PixelsInFile:
+        return isPossibleSize(answer.size);
+    case Kind::Error:
+        return answer.code >= ZQImagingErrorCode::CannotRead && answer.code <= ZQImagingErrorCode::TooMuchMemory;
+    }
+    return false;
+}
+
+} // namespace
+
+QByteArray zqEncode(const ZQRenderRequest &request)
+{
+    Writer writer;
+    for (const qint32 value :
+         {qint32(requestMark), qint32(request.kind), request.box.width(), request.box.height(), request.frame}) {
+        writer.number(value);
+    }
+    writer.text(request.name);
+    return writer.bytes();
+}
+
+std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
+{
+    Reader reader(message);
+    const quint32 mark = quint32(reader.number());
+    ZQRenderRequest out;
+    out.kind = ZQRenderRequest::Kind(reader.number());
+    out.box.setWidth(reader.number());
+    out.box.setHeight(reader.number());
+    out.frame = reader.number();
+    out.name = reader.text();
+    return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;
+}
+
+QByteArray zqEncode(const ZQRenderAnswer &answer)
+{
+    Writer writer;
+    for (const qint32 value :
+         {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(), qint32(answer.code),
+          qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles), qint32(answer.restrictsCalls)}) {
+        writer.number(value);
+    }
+    writer.text(answer.reason);
+    writeProperties(writer, answer.properties);
+    return writer.bytes();
+}
+
+std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
+{
+    Reader reader(message);
+    const quint32 mark = quint32(reader.number());
+    ZQRenderAnswer out;
+    out.kind = ZQRenderAnswer::Kind(reader.number());
+    out.size.setWidth(reader.number());
+    out.size.setHeight(reader.number());
+    out.code = ZQImagingErrorCode(reader.number());
+    out.hasThumbnailer = reader.number() != 0;
+    out.restrictsFiles = reader.number() != 0;
+    out.restrictsCalls = reader.number() != 0;
+    out.reason = reader.line();
+    out.properties = readProperties(reader);
+    return mark == answerMark && reader.isComplete() && isPossible(out) ? std::optional(out) : std::nullopt;
+}
+
+bool zqSendMessage(int socket, const QByteArray &message, int descriptor)
+{
+    iovec part{const_cast<char *>(message.constData()), size_t(message.size())};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+    msghdr header{};
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    if (descriptor >= 0) {
+        header.msg_control = control.data();
+        header.msg_controllen = control.size();
+        cmsghdr *const rights = CMSG_FIRSTHDR(&header);
+        rights->cmsg_level = SOL_SOCKET;
+        rights->cmsg_type = SCM_RIGHTS;
+        rights->cmsg_len = CMSG_LEN(sizeof(int));
+        std::memcpy(CMSG_DATA(rights), &descriptor, sizeof descriptor);
+    }
+    ssize_t sent = 0;
+    do {
+        sent = ::sendmsg(socket, &header, MSG_NOSIGNAL);
+    } while (sent < 0 && errno == EINTR);
+    return sent == message.size();
+}
+
+ZQRenderMessage zqReceiveMessage(int socket)
+{
+    ZQRenderMessage out;
+    out.bytes.resize(zqRenderMaximumMessage);
+    iovec part{out.bytes.data(), size_t(out.bytes.size())};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+    msghdr header{};
+    header.msg_iov = &part;
+    header.msg_iovlen = 1;
+    header.msg_control = control.data();
+    header.msg_controllen = CMSG_LEN(sizeof(int)); // room for one: the system closes what does not fit
+    ssize_t got = 0;
+    do {
+        got = ::recvmsg(socket, &header, MSG_CMSG_CLOEXEC);
+    } while (got < 0 && errno == EINTR);
+    const cmsghdr *const rights = got >= 0 ? CMSG_FIRSTHDR(&header) : nullptr;
+    if (rights && rights->cmsg_level == SOL_SOCKET && rights->cmsg_type == SCM_RIGHTS &&
+        rights->cmsg_len == CMSG_LEN(sizeof(int))) {
+        int descriptor = -1;
+        std::memcpy(&descriptor, CMSG_DATA(rights), sizeof descriptor);
+        out.descriptor = ZQFileDescriptor(descriptor);
+    }
+    const bool whole = got > 0 && !(header.msg_flags & MSG_TRUNC);
+    out.bytes.resize(whole ? qsizetype(got) : 0);
+    return out;
+}

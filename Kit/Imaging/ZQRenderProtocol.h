@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Imaging/ZQImagingError.h"
+
+#include <QByteArray>
+#include <QSize>
+
+#include <chrono>
+#include <optional>
+
+// What the application and its worker processes say to each other: one message a question and one an answer, over a
+// socket that keeps messages apart. Private to this folder. The reading side of an answer takes nothing for granted: a
+// worker has read a file from a stranger.
+
+// Descriptors that a worker is born with.
+namespace ZQRenderDescriptor {
+constexpr int socket = 3;
+constexpr int area = 4;        // shared memory for pictures that fit
+constexpr int thumbnailed = 5; // the file a worker for one thumbnailer may read
+} // namespace ZQRenderDescriptor
+
+constexpr qsizetype zqRenderAreaBytes = qsizetype(1024) * 1024 * 4;
+constexpr qsizetype zqRenderMaximumMessage = 60000;
+// What a picture may have at most: 2 GiB of RGBA.
+constexpr qint64 zqRenderMaximumPixels = qint64(1) << 29;
+// How a worker ends that ran out of memory.
+constexpr int zqRenderExitOutOfMemory = 77;
+
+struct ZQRenderRequest
+{
+    enum class Kind { Properties, Bitmap, Preview, Thumbnailer };
+
+    Kind kind = Kind::Properties;
+    QSize box; // invalid: full size
+    int frame = 0;
+    QString name; // of the file; its path for a thumbnailer
+};
+
+struct ZQRenderAnswer
+{
+    enum class Kind { Hello, Properties, PixelsInArea, PixelsInFile, Error };
+
+    Kind kind = Kind::Error;
+    ZQImageProperties properties;
+    QSize size; // of the picture
+    ZQImagingErrorCode code = ZQImagingErrorCode::Damaged;
+    QString reason;
+    bool hasThumbnailer = false; // an error, but a thumbnailer knows the kind
+    bool restrictsFiles = true;  // Hello: what the system let the worker give up
+    bool restrictsCalls = true;
+};
+
+QByteArray zqEncode(const ZQRenderRequest &request);
+std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message);
+QByteArray zqEncode(const ZQRenderAnswer &answer);
+// Nothing when the message is no answer, or one that cannot be true.
+std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message);
+
+// Sends a message, with a descriptor when one is given. False, with errno, when the other side is gone.
+bool zqSendMessage(int socket, const QByteArray &message, int descriptor = -1);
+
+struct ZQRenderMessage
+{
+    QByteArray bytes; // empty: the other side is gone
+    ZQFileDescriptor descriptor;
+};
+ZQRenderMessage zqReceiveMessage(int socket);

@@ -1,0 +1,163 @@
+#include "Kit/Imaging/Worker/ZQRenderLoop.h"
+
+#include <QHash>
+
+#include <glib.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+// Answers as the real one does, but for files whose names (without extension) are in the table. What such a file holds
+// is a path to try.
+
+namespace {
+
+QByteArray contentOf(const ZQSourceFile &file)
+{
+    QFile device;
+    return file.openIn(device) ? device.readAll() : QByteArray();
+}
+
+void send(const ZQRenderAnswer &answer, int descriptor = -1)
+{
+    zqSendMessage(ZQRenderDescriptor::socket, zqEncode(answer), descriptor);
+}
+
+// Says how a system call went: "allowed", or the system's reason.
+void report(bool allowed)
+{
+    ZQRenderAnswer answer;
+    answer.reason = allowed ? QStringLiteral("allowed") : QString::fromLocal8Bit(std::strerror(errno));
+    send(answer);
+}
+
+bool opens(const ZQSourceFile &file, int flags)
+{
+    return ::open(contentOf(file).constData(), flags, 0600) >= 0;
+}
+
+void sendPicture(QSize size, qint64 bytes, int seals)
+{
+    const int file = ::memfd_create("lie", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    if (::ftruncate(file, bytes) == 0 && ::fcntl(file, F_ADD_SEALS, seals) == 0) {
+        ZQRenderAnswer answer;
+        answer.kind = ZQRenderAnswer::Kind::PixelsInFile;
+        answer.size = size;
+        send(answer, file);
+    }
+    ::close(file);
+}
+
+constexpr int allSeals = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW;
+
+void startChild()
+{
+    if (::fork() == 0) {
+        ::execl("/bin/sleep", "sleep", "1000", nullptr);
+        ::_exit(1);
+    }
+}
+
+[[noreturn]] void hang()
+{
+    for (;;) {
+        ::pause();
+    }
+}
+
+void takeAllMemory()
+{
+    for (;;) {
+        std::memset(g_malloc(1 << 26), 1, 1 << 20);
+    }
+}
+
+void lieAboutProperties()
+{
+    ZQRenderAnswer answer;
+    answer.kind = ZQRenderAnswer::Kind::Properties;
+    answer.properties.pixelWidth = -1;
+    send(answer);
+}
+
+void lieAboutArea()
+{
+    ZQRenderAnswer answer;
+    answer.kind = ZQRenderAnswer::Kind::PixelsInArea;
+    answer.size = QSize(32767, 32767);
+    send(answer);
+}
+
+void answerAnotherQuestion()
+{
+    ZQRenderAnswer answer;
+    answer.kind = ZQRenderAnswer::Kind::Properties;
+    answer.properties = {10, 10, 1, 8, 72, 1, false, QStringLiteral("RGB"), {}};
+    send(answer);
+}
+
+using Fault = void (*)(const ZQSourceFile &file);
+
+const QHash<QString, Fault> faults{
+    {QStringLiteral("crash"), [](const ZQSourceFile &) { std::abort(); }},
+    {QStringLiteral("leave"), [](const ZQSourceFile &) { ::_exit(0); }},
+    {QStringLiteral("hang"),
+     [](const ZQSourceFile &) {
+         startChild();
+         hang();
+     }},
+    {QStringLiteral("memory"), [](const ZQSourceFile &) { takeAllMemory(); }},
+    {QStringLiteral("garbage"),
+     [](const ZQSourceFile &) { zqSendMessage(ZQRenderDescriptor::socket, QByteArray(5000, '\x7f')); }},
+    {QStringLiteral("lie-short"),
+     [](const ZQSourceFile &) {
+         sendPicture({64, 64}, 16, allSeals);
+     }},
+    {QStringLiteral("lie-unsealed"),
+     [](const ZQSourceFile &) {
+         sendPicture({64, 64}, 64 * 64 * 4, 0);
+     }},
+    {QStringLiteral("lie-box"),
+     [](const ZQSourceFile &) {
+         sendPicture({4096, 64}, 4096 * 64 * 4, allSeals);
+     }},
+    {QStringLiteral("lie-huge"),
+     [](const ZQSourceFile &) {
+         sendPicture({0x7fffffff, 0x7fffffff}, 4, allSeals);
+     }},
+    {QStringLiteral("lie-negative"),
+     [](const ZQSourceFile &) {
+         sendPicture({-64, -64}, 64 * 64 * 4, allSeals);
+     }},
+    {QStringLiteral("lie-properties"), [](const ZQSourceFile &) { lieAboutProperties(); }},
+    {QStringLiteral("lie-area"), [](const ZQSourceFile &) { lieAboutArea(); }},
+    {QStringLiteral("lie-kind"), [](const ZQSourceFile &) { answerAnotherQuestion(); }},
+    {QStringLiteral("read-other"), [](const ZQSourceFile &file) { report(opens(file, O_RDONLY)); }},
+    {QStringLiteral("write-other"), [](const ZQSourceFile &file) { report(opens(file, O_WRONLY | O_CREAT)); }},
+    {QStringLiteral("remove-other"),
+     [](const ZQSourceFile &file) { report(::unlink(contentOf(file).constData()) == 0); }},
+    {QStringLiteral("cut-other"),
+     [](const ZQSourceFile &file) { report(::truncate(contentOf(file).constData(), 0) == 0); }},
+    {QStringLiteral("call-network"), [](const ZQSourceFile &) { report(::socket(AF_INET, SOCK_STREAM, 0) >= 0); }},
+    {QStringLiteral("call-local"), [](const ZQSourceFile &) { report(::socket(AF_UNIX, SOCK_STREAM, 0) >= 0); }},
+};
+
+bool misbehave(const ZQRenderRequest &request, const ZQSourceFile &file)
+{
+    const Fault fault = faults.value(request.name.section(u'.', 0, 0));
+    if (fault) {
+        fault(file);
+    }
+    return fault != nullptr;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    return zqRunRenderLoop(argc, argv, misbehave);
+}

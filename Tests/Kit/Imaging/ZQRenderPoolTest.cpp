@@ -1,0 +1,318 @@
+#include "Kit/Imaging/ZQRenderPool.h"
+#include "Kit/Imaging/ZQPreviewService.h"
+#include "Tests/Kit/Imaging/ImagingSupport.h"
+#include "Tools/samples/SampleFormats.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <csignal>
+#include <linux/landlock.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using Kind = ZQRenderRequest::Kind;
+using namespace std::chrono_literals;
+
+constexpr QSize box(100, 100);
+
+// The processes whose group `leader` leads.
+int processesInGroup(pid_t leader)
+{
+    int count = 0;
+    for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        const pid_t process = name.toInt();
+        count += process > 0 && ::getpgid(process) == leader ? 1 : 0;
+    }
+    return count;
+}
+
+qsizetype openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size();
+}
+
+// A pool whose workers misbehave on files of certain names; see FaultyRenderer.
+class RenderPoolTest : public ImagingTest
+{
+protected:
+    RenderPoolTest() { qputenv("ZELTO_RENDER", ZELTO_FAULTY_RENDERER); }
+    ~RenderPoolTest() override { qunsetenv("ZELTO_RENDER"); }
+
+    QString fileNamed(const QString &name, const QByteArray &content)
+    {
+        EXPECT_TRUE(SampleFormats::writeBytes(content, path(name)));
+        return path(name);
+    }
+    QString picture()
+    {
+        QImage image(200, 100, QImage::Format_RGBA8888);
+        image.fill(QColor(10, 200, 30));
+        const QString out = path(QStringLiteral("picture.png"));
+        EXPECT_TRUE(image.save(out));
+        return out;
+    }
+    static bool draws(ZQRenderPool &pool, const QString &picture)
+    {
+        const ZQBitmap bitmap = pool.perform(Kind::Bitmap, picture, box, 0, nullptr).bitmap;
+        return bitmap.size() == QSize(100, 50) && colorAt(bitmap, 0.5, 0.5) == QColor(10, 200, 30);
+    }
+};
+
+TEST_F(RenderPoolTest, AWorkerThatFailsCostsItsOwnRequestOnly)
+{
+    struct Row
+    {
+        const char *name;
+        ZQImagingErrorCode code;
+        const char *words;
+    };
+    ZQRenderPool pool({.time = 30s, .processes = 1});
+    const QString good = picture();
+    ASSERT_TRUE(draws(pool, good));
+    for (const Row &row : {Row{"crash.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"leave.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"garbage.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-short.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-unsealed.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-box.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-huge.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-negative.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-area.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
+                           Row{"lie-kind.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"}}) {
+        SCOPED_TRACE(row.name);
+        ZQError error;
+        const QString bad = fileNamed(QLatin1String(row.name), "x");
+        EXPECT_TRUE(pool.perform(Kind::Bitmap, bad, box, 0, &error).bitmap.isNull());
+        EXPECT_EQ(error.domain, QStringLiteral("zelto.imaging"));
+        EXPECT_EQ(error.code, int(row.code));
+        EXPECT_TRUE(error.localizedDescription().contains(QLatin1String(row.name)));
+        EXPECT_TRUE(error.localizedDescription().contains(QLatin1String(row.words)));
+        EXPECT_TRUE(draws(pool, good));
+    }
+    ZQError error;
+    const QString liar = fileNamed(QStringLiteral("lie-properties.png"), "x");
+    EXPECT_FALSE(pool.perform(Kind::Properties, liar, {}, 0, &error).properties);
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::RendererStopped));
+}
+
+TEST_F(RenderPoolTest, EndsAWorkerThatTakesTooLongWithAllItStarted)
+{
+    ZQRenderPool pool({.time = 500ms, .processes = 1});
+    const QString bad = fileNamed(QStringLiteral("hang.png"), "x");
+    ZQError error;
+    std::thread asking([&] { pool.perform(Kind::Bitmap, bad, box, 0, &error); });
+    pid_t worker = -1;
+    while (worker < 0) {
+        const std::vector<pid_t> all = pool.processIDs();
+        worker = all.empty() ? -1 : all.front();
+    }
+    asking.join();
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::TookTooLong));
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("took too long")));
+    // The child is somebody else's to wait for now; it goes at once, but not at this very moment.
+    for (int i = 0; i < 1000 && processesInGroup(worker) > 0; ++i) {
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_EQ(processesInGroup(worker), 0);
+}
+
+TEST_F(RenderPoolTest, SaysThatAPictureNeedsTooMuchMemory)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "memory is not limited under a sanitizer";
+#endif
+    ZQRenderPool pool({.memory = qint64(1) << 30, .processes = 1});
+    for (const QString &bad : {fileNamed(QStringLiteral("memory.png"), "x"),
+                               fileNamed(QStringLiteral("a.png"), SampleFormats::lyingPNG(20000, 20000))}) {
+        SCOPED_TRACE(qPrintable(bad));
+        ZQError error;
+        EXPECT_TRUE(pool.perform(Kind::Bitmap, bad, {}, 0, &error).bitmap.isNull());
+        EXPECT_EQ(error.code, int(ZQImagingErrorCode::TooMuchMemory)) << qPrintable(error.localizedDescription());
+        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("needs too much memory")));
+    }
+    EXPECT_TRUE(draws(pool, picture()));
+}
+
+TEST_F(RenderPoolTest, AWorkerReachesNoFileButTheOneItIsHanded)
+{
+    if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1) {
+        GTEST_SKIP() << "this system has no Landlock";
+    }
+    ZQRenderPool pool({.processes = 1});
+    const QString secret = fileNamed(QStringLiteral("secret.txt"), "secret");
+    for (const char *name : {"read-other.png", "write-other.png", "remove-other.png", "cut-other.png"}) {
+        SCOPED_TRACE(name);
+        ZQError error;
+        pool.perform(Kind::Bitmap, fileNamed(QLatin1String(name), secret.toUtf8()), box, 0, &error);
+        const QString told = error.userInfo.value(ZQError::failureReasonKey).toString();
+        EXPECT_TRUE(told == QStringLiteral("Permission denied") || told == QStringLiteral("Operation not permitted"))
+            << qPrintable(error.localizedDescription());
+    }
+    QFile file(secret);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("secret"));
+    ZQError error;
+    pool.perform(Kind::Bitmap, fileNamed(QStringLiteral("read-other.png"), "/usr/share/mime/version"), box, 0, &error);
+    EXPECT_EQ(error.userInfo.value(ZQError::failureReasonKey).toString(), QStringLiteral("allowed"));
+}
+
+TEST_F(RenderPoolTest, AWorkerHasNoNetwork)
+{
+    ZQRenderPool pool({.processes = 1});
+    for (const char *name : {"call-network.png", "call-local.png"}) {
+        SCOPED_TRACE(name);
+        ZQError error;
+        pool.perform(Kind::Bitmap, fileNamed(QLatin1String(name), "x"), box, 0, &error);
+        EXPECT_EQ(error.userInfo.value(ZQError::failureReasonKey).toString(),
+                  QStringLiteral("Operation not permitted"));
+    }
+}
+
+TEST_F(RenderPoolTest, AnswersManyThreadsWhileSomeWorkersDie)
+{
+    ZQRenderPool pool({.processes = 3});
+    const QString good = picture();
+    const QString bad = fileNamed(QStringLiteral("crash.png"), "x");
+    ASSERT_TRUE(draws(pool, good));
+    const qsizetype descriptorsBefore = openDescriptors();
+    std::vector<std::thread> threads;
+    std::array<int, 6> right{};
+    constexpr int rounds = 12;
+    for (size_t i = 0; i < right.size(); ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < rounds; ++round) {
+                const bool crashes = i == 0 && round % 3 == 0;
+                right[i] +=
+                    int(crashes ? pool.perform(Kind::Bitmap, bad, box, 0, nullptr).bitmap.isNull() : draws(pool, good));
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    for (const int each : right) {
+        EXPECT_EQ(each, rounds);
+    }
+    pool.close();
+    EXPECT_LE(openDescriptors(), descriptorsBefore);
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a worker was not waited for";
+    EXPECT_EQ(QDir(QDir::tempPath()).entryList({QStringLiteral("zelto-render.*")}).size(), 0);
+}
+
+TEST_F(RenderPoolTest, AWorkerThatDiedInItsSleepCostsNothing)
+{
+    ZQRenderPool pool({.processes = 1});
+    const QString good = picture();
+    ASSERT_TRUE(draws(pool, good));
+    const std::vector<pid_t> workers = pool.processIDs();
+    ASSERT_EQ(workers.size(), 1U);
+    ASSERT_EQ(::kill(workers.front(), SIGKILL), 0);
+    siginfo_t information{};
+    ASSERT_EQ(::waitid(P_PID, id_t(workers.front()), &information, WEXITED | WNOWAIT), 0);
+    EXPECT_TRUE(draws(pool, good));
+    EXPECT_NE(pool.processIDs(), workers);
+}
+
+TEST_F(RenderPoolTest, KeepsAWorkerWarmAndEndsAnIdleOne)
+{
+    ZQRenderPool warm({.processes = 3});
+    const QString good = picture();
+    ASSERT_TRUE(draws(warm, good));
+    const std::vector<pid_t> first = warm.processIDs();
+    ASSERT_TRUE(draws(warm, good));
+    EXPECT_EQ(warm.processIDs(), first);
+
+    ZQRenderPool impatient({.processes = 1, .idle = 20ms});
+    ASSERT_TRUE(draws(impatient, good));
+    for (int i = 0; i < 1000 && !impatient.processIDs().empty(); ++i) {
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_TRUE(impatient.processIDs().empty());
+    EXPECT_TRUE(draws(impatient, good));
+}
+
+TEST_F(RenderPoolTest, AWorkerEndsWithWhoStartedIt)
+{
+    std::unique_ptr<ZQRenderProcess> process;
+    std::thread starting([&] {
+        QString failure;
+        process = ZQRenderProcess::start({}, -1, &failure);
+        ASSERT_TRUE(process) << qPrintable(failure);
+        const ZQRenderRequest request{Kind::Bitmap, box, 0, QStringLiteral("none")};
+        ASSERT_TRUE(process->send(request, STDIN_FILENO)); // it has prepared itself when it answers
+        ASSERT_EQ(process->receive(request, 30s).outcome, ZQRenderProcess::Outcome::Answered);
+    });
+    starting.join();
+    ASSERT_TRUE(process);
+    siginfo_t information{};
+    ASSERT_EQ(::waitid(P_PID, id_t(process->processID()), &information, WEXITED | WNOWAIT), 0);
+    EXPECT_EQ(information.si_status, SIGKILL);
+}
+
+TEST_F(RenderPoolTest, SaysWhenTheProgramIsMissingOrNoProgram)
+{
+    const QString text = fileNamed(QStringLiteral("program"), "not a program");
+    ASSERT_TRUE(QFile::setPermissions(text, QFile::ReadOwner | QFile::ExeOwner));
+    for (const QByteArray &program : {QByteArray("/no/such/program"), text.toUtf8(), QByteArray("/bin/true")}) {
+        SCOPED_TRACE(program.constData());
+        qputenv("ZELTO_RENDER", program);
+        ZQRenderPool pool({.processes = 1});
+        ZQError error;
+        EXPECT_TRUE(pool.perform(Kind::Bitmap, picture(), box, 0, &error).bitmap.isNull());
+        EXPECT_EQ(error.domain, QStringLiteral("zelto.imaging"));
+        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("picture.png")));
+        EXPECT_TRUE(error.localizedDescription().contains(program == "/bin/true" ? QStringLiteral("stopped")
+                                                                                 : QStringLiteral("zelto-render")))
+            << qPrintable(error.localizedDescription());
+    }
+}
+
+TEST_F(RenderPoolTest, LargePicturesComeWhole)
+{
+    QImage image(1500, 1100, QImage::Format_RGBA8888);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixelColor(x, y, QColor(x % 256, y % 256, (x + y) % 256, 255));
+        }
+    }
+    const QString file = path(QStringLiteral("large.png"));
+    ASSERT_TRUE(image.save(file));
+    ZQRenderPool pool({.processes = 1});
+    ZQBitmap bitmap = pool.perform(Kind::Bitmap, file, {}, 0, nullptr).bitmap;
+    EXPECT_EQ(bitmap.image(), image);
+    pool.close();
+    EXPECT_EQ(bitmap.image(), image); // outlives its worker
+}
+
+// A thumbnailer for pixmaps that drops the first four bytes of the file `input` names.
+void registerThumbnailer(const QString &input)
+{
+    const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/thumbnailers");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QByteArray entry = "[Thumbnailer Entry]\nExec=dd if=" + input.toUtf8() +
+                             " of=%o bs=1 skip=4 status=none\nMimeType=image/x-xpixmap;\n";
+    ASSERT_TRUE(SampleFormats::writeBytes(entry, folder + QStringLiteral("/test.thumbnailer")));
+}
+
+TEST_F(RenderPoolTest, AThumbnailerReadsTheFileItDrawsAndNoOther)
+{
+    QFile file(picture());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray hidden = "XXXX" + file.readAll();
+    const QString drawn = fileNamed(QStringLiteral("drawn here.xpm"), hidden);
+    const QString other = fileNamed(QStringLiteral("other.xpm"), hidden);
+    ZQRenderPool pool({.processes = 1});
+    registerThumbnailer(QStringLiteral("%i"));
+    EXPECT_EQ(pool.perform(Kind::Preview, drawn, box, 0, nullptr).bitmap.size(), QSize(100, 50));
+    registerThumbnailer(other);
+    ZQError error;
+    EXPECT_TRUE(pool.perform(Kind::Preview, drawn, box, 0, &error).bitmap.isNull());
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::UnknownFormat));
+}
+
+} // namespace
