@@ -57,6 +57,22 @@ std::optional<QString> addMetadata(const QString &setting, QVariantMap &metadata
     return std::nullopt;
 }
 
+// What became of a request and of all that followed from it.
+void addReports(const ImportOperation &operation, ImportReport &sum)
+{
+    const ImportReport &report = operation.report();
+    sum.setImported(sum.imported() + report.imported());
+    for (const DroppedFile &file : report.dropped()) {
+        sum.addDropped(file);
+    }
+    for (const QString &text : report.notifications()) {
+        sum.addNotification(text);
+    }
+    for (const auto &followUp : operation.followUps()) {
+        addReports(*followUp, sum);
+    }
+}
+
 void printReport(const ImportReport &report, CommandContext &context)
 {
     if (context.json) {
@@ -110,10 +126,14 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
     if (!operation) {
         return context.fail(zqLocalized("the library is not open"));
     }
-    zqRunMainLoopUntil([&] { return operation->isFinished(); }, std::chrono::milliseconds(5));
-    printReport(operation->report(), context);
-    if (operation->isCancelled()) {
-        return context.fail(zqLocalized("the import was cancelled; nothing was kept"));
+    zqRunMainLoopUntil([&] { return operation->isWhollyFinished(); }, std::chrono::milliseconds(5));
+    ImportReport report;
+    addReports(*operation, report);
+    printReport(report, context);
+    if (operation->isAnyCancelled()) {
+        return context.fail(report.imported().isEmpty()
+                                ? zqLocalized("the import was cancelled; nothing was kept")
+                                : zqLocalized("the import was cancelled; what is listed was imported before that"));
     }
     return 0;
 }

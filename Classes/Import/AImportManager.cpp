@@ -61,6 +61,18 @@ std::shared_ptr<ImportOperation> AImportManager::startImportOfFilesAtPaths(const
                                                                            const ZQObjectID &intoSidebarItemID,
                                                                            quint32 atIndex, const QVariantMap &metadata)
 {
+    return startImport(paths, intoSidebarItemID, atIndex, metadata, nullptr);
+}
+
+std::shared_ptr<ImportOperation> AImportManager::startImportOfArchive(const UnfoldedArchive &archive, quint32 atIndex)
+{
+    return startImport({archive.folder}, archive.sidebarItem, atIndex, archive.metadata, &archive);
+}
+
+std::shared_ptr<ImportOperation> AImportManager::startImport(const QStringList &paths,
+                                                             const ZQObjectID &intoSidebarItemID, quint32 atIndex,
+                                                             const QVariantMap &metadata, const UnfoldedArchive *origin)
+{
     Q_ASSERT(zqIsMainThread());
     application().saveAction();
     if (!application().managedObjectContext()) {
@@ -70,6 +82,9 @@ std::shared_ptr<ImportOperation> AImportManager::startImportOfFilesAtPaths(const
         return nullptr;
     }
     auto operation = std::make_shared<ImportOperation>(paths, intoSidebarItemID, atIndex, metadata);
+    if (origin) {
+        operation->setOrigin(*origin);
+    }
     importOperationQueue().addOperation(operation);
     if (importOperationQueue().operationCount() >= 2) {
         announceQueued(paths);

@@ -13,6 +13,7 @@
 class ImportOperation;
 class QMimeData;
 class ZQSidebarBaseItem;
+struct UnfoldedArchive;
 
 // The one way by which files reach the library, and the owner of the import pipeline's queues. One for the process.
 //
@@ -49,6 +50,8 @@ public:
     std::shared_ptr<ImportOperation> startImportOfFilesAtPaths(const QStringList &paths,
                                                                const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                                                                const QVariantMap &metadata);
+    // The same for what came out of an archive; the request owns the folder it lies in.
+    std::shared_ptr<ImportOperation> startImportOfArchive(const UnfoldedArchive &archive, quint32 atIndex);
     void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                             const QVariantMap &metadata) override;
     std::shared_ptr<ImportOperation> importFilesAtPaths(const QStringList &paths,
@@ -94,6 +97,9 @@ public:
 
 private:
     AImportManager();
+    std::shared_ptr<ImportOperation> startImport(const QStringList &paths, const ZQObjectID &intoSidebarItemID,
+                                                 quint32 atIndex, const QVariantMap &metadata,
+                                                 const UnfoldedArchive *origin);
     void announceQueued(const QStringList &paths);
 
     ZQOperationQueue m_thumbsGenerationQueue;

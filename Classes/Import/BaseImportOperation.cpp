@@ -2,9 +2,11 @@
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ArchiveImportOperation.h"
 #include "Classes/Import/ColorFinder.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/KindImportOperations.h"
+#include "Classes/Import/LittleSnapperSnapImportOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
@@ -94,8 +96,6 @@ std::shared_ptr<BaseImportOperation> BaseImportOperation::importOperationForFile
         return nullptr;
     }
     switch (kind->importer) {
-    case Importer::None:
-        return nullptr;
     case Importer::Image:
         return std::make_shared<ImageImportOperation>(path);
     case Importer::QuickLook:
@@ -108,6 +108,10 @@ std::shared_ptr<BaseImportOperation> BaseImportOperation::importOperationForFile
         return std::make_shared<SVGImportOperation>(path);
     case Importer::PDF:
         return std::make_shared<PDFImportOperation>(path);
+    case Importer::Snap:
+        return std::make_shared<LittleSnapperSnapImportOperation>(path);
+    case Importer::Archive:
+        return std::make_shared<ArchiveImportOperation>(path);
     case Importer::EPS:
         return std::make_shared<EPSImportOperation>(path);
     }
@@ -129,8 +133,9 @@ void BaseImportOperation::main()
         &BaseImportOperation::fillTitle, &BaseImportOperation::addFileToLibrary, &BaseImportOperation::fillDates,
         &BaseImportOperation::fillSHA1,  &BaseImportOperation::fillExtension,    &BaseImportOperation::fillMetadata,
     };
+    const bool isPrepared = !isCancelled() && prepare();
     for (const Step step : steps) {
-        if (isCancelled() || !m_fileData) {
+        if (!isPrepared || isCancelled() || !m_fileData) {
             break;
         }
         (this->*step)();
@@ -152,9 +157,20 @@ void BaseImportOperation::finish()
     }
     m_representationBitmap = {};
     m_thumbnail = {};
+    tellBatchOfEnd();
+}
+
+void BaseImportOperation::tellBatchOfEnd()
+{
     if (m_batch) {
         m_batch->fileDidFinish();
     }
+}
+
+void BaseImportOperation::setFilePath(const QString &path)
+{
+    m_filePath = path;
+    m_readPath = path;
 }
 
 void BaseImportOperation::collect()
@@ -181,9 +197,14 @@ void BaseImportOperation::collect()
 void BaseImportOperation::drop(const QString &reason)
 {
     m_fileData.reset();
+    tell(reason, DroppedFile::Telling::InWindow);
+}
+
+void BaseImportOperation::tell(const QString &reason, DroppedFile::Telling telling)
+{
     if (m_batch && !m_isTold && !isCancelled()) {
         m_isTold = true;
-        m_batch->fileDidDrop({m_sourcePath, reason});
+        m_batch->fileDidDrop({m_sourcePath, reason, telling});
     }
 }
 
@@ -316,19 +337,25 @@ void BaseImportOperation::fillExtension()
     m_fileData->insert(QStringLiteral("originalExtension"), extension);
 }
 
-// Where a download came from: the list other desktops keep, else the address this one keeps, and above both what the
-// application itself noted.
-void BaseImportOperation::fillMetadata()
+// The list other desktops keep, else the address this one keeps.
+QString BaseImportOperation::whereFrom(const QString &path)
 {
-    QVariant origin = OpenMeta::getXAttrMetaData(OpenMeta::whereFromsKey, m_filePath);
+    QVariant origin = OpenMeta::getXAttrMetaData(OpenMeta::whereFromsKey, path);
     if (origin.typeId() == QMetaType::QVariantList) {
         origin = origin.toList().value(0);
     }
     if (!origin.isValid()) {
-        const auto address = ZQExtendedAttributes::get(m_filePath, QStringLiteral("xdg.origin.url"));
+        const auto address = ZQExtendedAttributes::get(path, QStringLiteral("xdg.origin.url"));
         origin = address ? QVariant(QString::fromUtf8(*address)) : QVariant();
     }
-    if (origin.typeId() == QMetaType::QString && !origin.toString().isEmpty()) {
+    return origin.typeId() == QMetaType::QString ? origin.toString() : QString();
+}
+
+// Where a download came from; what the application itself noted counts most.
+void BaseImportOperation::fillMetadata()
+{
+    const QString origin = whereFrom(m_filePath);
+    if (!origin.isEmpty()) {
         m_fileData->insert(QStringLiteral("webURL"), origin);
     }
     const auto froms = OpenMeta::getNSArrayMetaData(QStringLiteral("zeltoWhereFroms"), m_filePath);

@@ -2,6 +2,7 @@
 
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImportSettings.h"
+#include "Classes/Import/UnfoldedArchive.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Imaging/ZQBitmap.h"
 #include "Kit/Operations/ZQOperation.h"
@@ -30,6 +31,7 @@ public:
     // Why no further file can be taken (a full disk); empty as long as there is no reason.
     virtual QString refusal() const = 0;
     virtual void setRefusal(const QString &reason) = 0;
+    virtual void archiveDidUnfold(const UnfoldedArchive &archive) = 0;
 };
 
 // Brings one file into the library: copies it into an item directory of its own and collects what the item will say.
@@ -49,6 +51,7 @@ public:
     void setFatherOperation(ImportBatch *batch) { m_batch = batch; }                   // outlives the operation's run
     void setReferenceImage(bool referenceImage) { m_referenceImage = referenceImage; } // leave the file where it is
     void setSHA1(const QString &SHA1) { m_SHA1 = SHA1; }
+    void setSidebarItem(const ZQObjectID &sidebarItem) { m_sidebarItem = sidebarItem; } // the batch's target for it
     void setSettings(const ImportSettings &settings) { m_settings = settings; }
 
     QString filePath() const { return m_filePath; }
@@ -56,7 +59,12 @@ public:
 
     void main() override;
 
+    // The address a file was downloaded from, as other programs and this one note it; empty when unknown.
+    static QString whereFrom(const QString &path);
+
 protected:
+    // Before everything else. False ends this file's import, which was dropped.
+    virtual bool prepare() { return true; }
     virtual QString itemClass() const = 0; // an entity's name
     virtual void fillExtension();
     virtual void fillMetadata();
@@ -79,6 +87,9 @@ protected:
     void fillWebURLAsNotes();
 
     void addTags(const QStringList &tags);
+    // Adds to the report without ending this file's import.
+    void tell(const QString &reason, DroppedFile::Telling telling);
+    void tellBatchOfEnd();
     // Ends this file's import.
     void drop(const QString &reason);
     void dropForError(const ZQError &error);
@@ -87,6 +98,10 @@ protected:
 
     const ImportSettings &settings() const { return m_settings; }
     QString sourcePath() const { return m_sourcePath; }
+    const QVariantMap &metadata() const { return m_metadata; }
+    const ZQObjectID &sidebarItem() const { return m_sidebarItem; }
+    ImportBatch *batch() const { return m_batch; }
+    void setFilePath(const QString &path); // imports another file in place of the one asked for
 
     std::optional<QVariantMap> m_fileData;
 
@@ -106,6 +121,7 @@ private:
     ZQBitmap m_representationBitmap;
     ZQBitmap m_thumbnail;
     QVariantMap m_metadata;
+    ZQObjectID m_sidebarItem;
     QString m_SHA1;
     ImportSettings m_settings;
     ZQFileDates m_sourceDates;

@@ -2,13 +2,14 @@
 
 #include "Kit/Files/ZQTypeIdentifier.h"
 
+#include <QFileInfo>
+
 namespace {
 
 using Match = ImportKind::Match;
 using Takes = ImportKind::Takes;
 
-// The first match wins. EPS has an importer and is refused all the same. Archives are files the library takes, but
-// nothing unpacks them.
+// The first match wins. EPS has an importer and is refused all the same.
 constexpr ImportKind importKinds[] = {
     {"public.jpeg", Match::Type, Takes::File, Importer::Image},
     {"public.jpeg-2000", Match::Type, Takes::File, Importer::Image},
@@ -28,12 +29,12 @@ constexpr ImportKind importKinds[] = {
     {"com.flyingmeat.Acorn", Match::Type, Takes::File, Importer::Acorn},
     {"acorn", Match::Extension, Takes::File, Importer::Acorn},
     {"sketch", Match::Extension, Takes::Package, Importer::Sketch},
-    {"snap", Match::Extension, Takes::Package, Importer::None},
+    {"snap", Match::Extension, Takes::Package, Importer::Snap},
     {"public.camera-raw-image", Match::ConformingType, Takes::File, Importer::Image},
     {"com.adobe.raw-image", Match::ConformingType, Takes::File, Importer::Image},
     {"com.adobe.pdf", Match::Type, Takes::File, Importer::PDF},
-    {"zip", Match::Extension, Takes::File, Importer::None},
-    {"rar", Match::Extension, Takes::File, Importer::None},
+    {"zip", Match::Extension, Takes::File, Importer::Archive},
+    {"rar", Match::Extension, Takes::File, Importer::Archive},
 };
 
 bool matches(const ImportKind &kind, const QString &type, const QString &extension)
@@ -68,4 +69,9 @@ bool isArchivePath(const QString &path)
 {
     const QString extension = zqPathExtension(path).toLower();
     return extension == u"zip" || extension == u"rar";
+}
+
+bool isSketchFile(const QString &path)
+{
+    return zqPathExtension(path).compare(u"sketch", Qt::CaseInsensitive) == 0 && QFileInfo(path).isFile();
 }

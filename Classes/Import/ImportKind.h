@@ -4,7 +4,7 @@
 
 // Which files can be imported, and by what: one table, by the name's extension alone. Any thread.
 
-enum class Importer : quint8 { None, Image, QuickLook, Acorn, Sketch, SVG, PDF, EPS };
+enum class Importer : quint8 { Image, QuickLook, Acorn, Sketch, Snap, SVG, PDF, Archive, EPS };
 
 struct ImportKind
 {
@@ -20,3 +20,5 @@ struct ImportKind
 // The row for a name; null for a kind nobody knows here.
 const ImportKind *importKindForPath(const QString &path);
 bool isArchivePath(const QString &path); // "zip" or "rar"
+// A Sketch document that is a single file, as newer versions write it, and no package.
+bool isSketchFile(const QString &path);

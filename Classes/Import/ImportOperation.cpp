@@ -3,6 +3,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportConflictResolver.h"
+#include "Classes/Import/ImportKind.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -12,22 +13,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-
-namespace {
-
-QString unsupportedReason(const QString &path)
-{
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        return zqLocalized("There is no such file. Check its name.");
-    }
-    if (info.isDir()) {
-        return zqLocalized("It is a folder. Import it into a folder of the sidebar, or into PROJECTS.");
-    }
-    return zqLocalized("Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first.");
-}
-
-} // namespace
 
 ImportOperation::ImportOperation(const QStringList &itemsToImport, const ZQObjectID &rootSidebarItem, quint32 index,
                                  const QVariantMap &metadata)
@@ -39,6 +24,24 @@ ImportOperation::ImportOperation(const QStringList &itemsToImport, const ZQObjec
 }
 
 ImportOperation::~ImportOperation() = default;
+
+void ImportOperation::setOrigin(const UnfoldedArchive &archive)
+{
+    m_origin = archive;
+    m_report.setOrigin(archive.root, archive.archivePath);
+}
+
+bool ImportOperation::isWhollyFinished() const
+{
+    return isFinished() && std::all_of(m_followUps.begin(), m_followUps.end(),
+                                       [](const auto &operation) { return operation->isWhollyFinished(); });
+}
+
+bool ImportOperation::isAnyCancelled() const
+{
+    return isCancelled() || std::any_of(m_followUps.begin(), m_followUps.end(),
+                                        [](const auto &operation) { return operation->isAnyCancelled(); });
+}
 
 void ImportOperation::main()
 {
@@ -80,6 +83,7 @@ void ImportOperation::importIntoTarget()
                 zqLocalized("The sidebar item it was to go to does not exist any more. Import it into another one."));
         return;
     }
+    m_target = target->objectID();
     const bool takesFiles =
         target->isProject() || target->isScreenshot() || target->isLibrary() || (target->isTag() && !target->isLabel());
     const bool takesFolders = !target->isTag() && target->kind() != qint16(ZQSidebarKind::WatchedFoldersLabel) &&
@@ -95,15 +99,40 @@ void ImportOperation::importIntoTarget()
     }
 }
 
+DroppedFile ImportOperation::unsupportedFile(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return {path, zqLocalized("There is no such file. Check its name."), DroppedFile::Telling::Quietly};
+    }
+    if (info.isDir()) {
+        return {path, zqLocalized("It is a folder. Import it into a folder of the sidebar, or into PROJECTS."),
+                DroppedFile::Telling::Quietly};
+    }
+    if (isSketchFile(path)) {
+        return {path, zqLocalized(
+                          "It is a document of a newer Sketch, which cannot be imported. Export it from Sketch as PNG, "
+                          "SVG or PDF and import that.")};
+    }
+    return {path, zqLocalized("Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first."),
+            DroppedFile::Telling::Quietly};
+}
+
 QStringList ImportOperation::supportedFiles()
 {
     QStringList files;
     for (const QString &path : m_itemsToImport) {
-        if (AImportManager::fileAtPathIsSupported(path)) {
-            m_hasArchives = m_hasArchives || AImportManager::fileAtPathIsArchive(path);
+        if (m_origin && path == m_origin->folder && !AImportManager::fileAtPathIsSupported(path)) {
+            m_requestedFiles = filesBelowDirectory(path); // they stand for the archive, which was asked for as a file
+            files.append(m_requestedFiles);
+        } else if (AImportManager::fileAtPathIsSupported(path)) {
+            if (AImportManager::fileAtPathIsArchive(path)) {
+                m_hasArchives = true;
+                m_foldersAndArchivesPathOrdered.append(path);
+            }
             files.append(path);
         } else {
-            fileDidDrop({path, unsupportedReason(path), DroppedFile::Telling::Quietly});
+            fileDidDrop(unsupportedFile(path));
         }
     }
     return files;
@@ -130,7 +159,12 @@ QStringList ImportOperation::screened(const QStringList &files)
 
 void ImportOperation::importFlat(ZQSidebarBaseItem &target)
 {
-    const QStringList files = screened(supportedFiles());
+    const QStringList supported = supportedFiles();
+    if (m_origin && supported.isEmpty() && !isCancelled()) {
+        fileDidDrop({m_origin->root, zqLocalized("The archive holds nothing that can be imported."),
+                     DroppedFile::Telling::Quietly});
+    }
+    const QStringList files = screened(supported);
     m_numberOfItemToImport = files.size();
     if (isCancelled() || files.isEmpty()) {
         return;
@@ -160,6 +194,12 @@ void ImportOperation::fileDidDrop(const DroppedFile &file)
         m_droppedPaths.insert(file.path);
     }
     m_report.addDropped(file);
+}
+
+void ImportOperation::archiveDidUnfold(const UnfoldedArchive &archive)
+{
+    const std::lock_guard lock(m_mutex);
+    m_unfoldedArchives.append(archive);
 }
 
 void ImportOperation::dropAll(const QStringList &paths, const QString &reason, DroppedFile::Telling telling)

@@ -17,6 +17,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 // One import request: sorts paths into folders and files, has each file copied and read on an inner queue, makes
@@ -34,7 +35,15 @@ public:
                     const QVariantMap &metadata);
     ~ImportOperation() override;
 
+    // Before the start: the request is what came out of this archive.
+    void setOrigin(const UnfoldedArchive &archive);
+
     const ImportReport &report() const { return m_report; }
+    // The requests for what the archives of this one held; complete once this one has finished. Main thread.
+    const QList<std::shared_ptr<ImportOperation>> &followUps() const { return m_followUps; }
+    // Whether this and all that followed from it have finished, and whether one of them was cancelled. Main thread.
+    bool isWhollyFinished() const;
+    bool isAnyCancelled() const;
     quint32 originalDropIndex() const { return m_originalDropIndex; }
     const QStringList &foldersAndArchivesPathOrdered() const { return m_foldersAndArchivesPathOrdered; }
 
@@ -90,24 +99,28 @@ private:
     void fileDidFinish() override;
     QString refusal() const override;
     void setRefusal(const QString &reason) override;
+    void archiveDidUnfold(const UnfoldedArchive &archive) override;
 
     // Start.
     bool setUp();
     void importIntoTarget();
     void importFlat(ZQSidebarBaseItem &target);
     void importStructured(ZQSidebarBaseItem &target);
+    static DroppedFile unsupportedFile(const QString &path);
     QStringList screened(const QStringList &files);
     QStringList supportedFiles();
     void addLooseFiles(const QStringList &files, ZQSidebarBaseItem &target, quint32 &dropIndex, QList<Group> &groups);
     QList<Group> projectsToImportFromDirectory(const QString &directoryPath, ZQSidebarBaseItem *inFolder,
                                                quint32 atIndex);
+    void dropRefused(const QStringList &refused, const QList<DroppedFile> &dropped);
+    QStringList filesBelowDirectory(const QString &directoryPath);
     void beginProgress();
     bool saveStructure();
     static void logSaveError(const ZQError &error);
 
     // Groups.
     void importFiles(const Group &group);
-    std::unique_ptr<Chunk> startChunk(const QStringList &files);
+    std::unique_ptr<Chunk> startChunk(const QStringList &files, const ZQSidebarBaseItem &target);
     void finishChunk(Chunk &chunk, Place &place);
     ZQRef<ZQLibraryBaseItem> insertItem(const ImportedFile &file);
     void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
@@ -126,6 +139,9 @@ private:
     void enableSidebarItems();
     void completeItems();
     void removeBundles();
+    void importUnfoldedArchives();
+    void importUnfoldedArchive(const UnfoldedArchive &archive);
+    quint32 indexForArchive(const UnfoldedArchive &archive) const;
     void writeReport(bool isCancelled);
     void tellResult(bool isCancelled);
     void tellDropped();
@@ -154,6 +170,8 @@ private:
 
     QStringList m_requestedFiles; // every single file that was to become an item
     QStringList m_foldersAndArchivesPathOrdered;
+    ZQObjectID m_target;
+    std::optional<UnfoldedArchive> m_origin;
     bool m_hasArchives = false;
     bool m_isProcessed = false; // the last group gave something
 
@@ -164,10 +182,14 @@ private:
     QHash<QString, ZQRef<ZQSidebarTag>> m_tags;
     QStringList m_bundlesToRemove;
 
+    QList<std::shared_ptr<ImportOperation>> m_followUps;
+    QSet<QString> m_followedUpPaths; // of archives
+
     std::shared_ptr<UserProgress> m_progress;
     std::atomic<qint64> m_numberOfItemToImport = 0;
     mutable std::mutex m_mutex;
     QString m_refusal;
+    QList<UnfoldedArchive> m_unfoldedArchives;
     QSet<QString> m_droppedPaths;
     int m_unreportedProgress = 0;
     std::chrono::steady_clock::time_point m_lastProgress;

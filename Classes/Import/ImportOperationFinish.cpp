@@ -1,3 +1,4 @@
+#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -49,9 +50,62 @@ void ImportOperation::finish()
         m_cancellationObserver.reset();
         m_moc.reset();
     }
+    if (!wasCancelled) {
+        importUnfoldedArchives();
+    }
+    m_unfoldedArchives.clear();
     writeReport(wasCancelled);
     tellResult(wasCancelled);
     m_progress.reset();
+    m_origin.reset(); // and with it the folder it was unpacked into
+}
+
+// In the order of the request, whichever was unpacked first. They are queued before this batch has finished, so whoever
+// waits for an empty queue waits for them too.
+void ImportOperation::importUnfoldedArchives()
+{
+    QHash<QString, qsizetype> order;
+    for (qsizetype i = 0; i < m_requestedFiles.size(); ++i) {
+        order.insert(m_requestedFiles.at(i), i);
+    }
+    std::stable_sort(m_unfoldedArchives.begin(), m_unfoldedArchives.end(),
+                     [&order](const UnfoldedArchive &a, const UnfoldedArchive &b) {
+                         return order.value(a.archivePath) < order.value(b.archivePath);
+                     });
+    for (const UnfoldedArchive &archive : std::as_const(m_unfoldedArchives)) {
+        const bool isServed = zqOnMainThreadAndWait([this, &archive] { importUnfoldedArchive(archive); });
+        if (!isServed) {
+            fileDidDrop({archive.archivePath,
+                         zqLocalized("Zelto was quit before it could be imported. Import it again."),
+                         DroppedFile::Telling::Quietly});
+        }
+    }
+}
+
+void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
+{
+    if (isCancelled()) { // by whoever stops all imports; the new one would not be among them
+        fileDidDrop({archive.archivePath, zqLocalized("The import was cancelled. Import it again if you want it."),
+                     DroppedFile::Telling::Quietly});
+        return;
+    }
+    const auto followUp =
+        AImportManager::sharedAImportManager().startImportOfArchive(archive, indexForArchive(archive));
+    if (followUp) {
+        m_followUps.append(followUp);
+        m_followedUpPaths.insert(archive.archivePath);
+    } else {
+        fileDidDrop({archive.archivePath, zqLocalized("The library was closed. Open it and import it again.")});
+    }
+}
+
+quint32 ImportOperation::indexForArchive(const UnfoldedArchive &archive) const
+{
+    if (m_originalDropIndex == appendIndex || archive.sidebarItem != m_target) {
+        return appendIndex;
+    }
+    const qsizetype place = m_foldersAndArchivesPathOrdered.indexOf(archive.archivePath);
+    return m_originalDropIndex + quint32(std::max<qsizetype>(place, 0));
 }
 
 std::vector<ImportOperation::Duplicate> ImportOperation::findDuplicates()
@@ -251,7 +305,7 @@ void ImportOperation::writeReport(bool wasCancelled)
                            : refused.isEmpty() ? zqLocalized("It was left out. Import it again.")
                                                : refused;
     for (const QString &path : std::as_const(m_requestedFiles)) {
-        if (!importedPaths.contains(path)) {
+        if (!importedPaths.contains(path) && !m_followedUpPaths.contains(path)) {
             fileDidDrop({path, reason, wasCancelled ? DroppedFile::Telling::Quietly : DroppedFile::Telling::InWindow});
         }
     }
@@ -261,7 +315,7 @@ void ImportOperation::tellResult(bool wasCancelled)
 {
     const bool tookLong = std::chrono::steady_clock::now() - m_startDate > longEnoughToBeElsewhere;
     const bool isWanted = tookLong && !wasCancelled && !(m_hasArchives && m_itemsToImport.size() == 1);
-    const bool gaveNothing = !m_hasArchives && !m_isProcessed;
+    const bool gaveNothing = m_followUps.isEmpty() && !m_isProcessed;
     if (gaveNothing && !wasCancelled) {
         notify(zqLocalized("Nothing to import!"), browserPosition, 2.0);
     }
@@ -284,10 +338,12 @@ void ImportOperation::tellDropped()
         return;
     }
     const QString name = QFileInfo(told.first().path).fileName();
-    const QString text =
-        told.size() == 1
-            ? zqFormat(zqLocalized("“%@” could not be imported: %@"), {name, told.first().reason})
-            : zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), told.first().reason});
+    const bool isPartly = told.first().telling == DroppedFile::Telling::InWindowPartly;
+    const QString text = told.size() == 1 ? zqFormat(isPartly ? zqLocalized("“%@” was imported in part: %@")
+                                                              : zqLocalized("“%@” could not be imported: %@"),
+                                                     {name, told.first().reason})
+                                          : zqFormat(zqLocalized("%d files could not be imported: %@"),
+                                                     {told.size(), told.first().reason});
     notify(text, browserPosition, 6.0);
 }
 

@@ -21,7 +21,9 @@ namespace {
 struct DirectoryContent
 {
     QStringList subfolders;
+    QStringList archives;
     QStringList files;
+    QStringList refused;
     QList<DroppedFile> dropped;
 };
 
@@ -39,13 +41,11 @@ void addEntry(const QString &path, DirectoryContent &content)
         content.dropped.append(
             {path, zqLocalized("It is a link. Import what it leads to."), DroppedFile::Telling::Quietly});
     } else if (AImportManager::fileAtPathIsSupported(path)) {
-        content.files.append(path);
+        (AImportManager::fileAtPathIsArchive(path) ? content.archives : content.files).append(path);
     } else if (info.isDir()) {
         content.subfolders.append(path);
     } else {
-        content.dropped.append(
-            {path, zqLocalized("Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first."),
-             DroppedFile::Telling::Quietly});
+        content.refused.append(path);
     }
 }
 
@@ -74,6 +74,7 @@ DirectoryContent contentOfDirectory(const QString &directory)
         }
     }
     sortLikeAPerson(content.subfolders);
+    sortLikeAPerson(content.archives);
     sortLikeAPerson(content.files);
     return content;
 }
@@ -109,13 +110,7 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
             folders.append(path);
             m_foldersAndArchivesPathOrdered.append(path);
         } else if (!AImportManager::fileAtPathIsSupported(path)) {
-            fileDidDrop(
-                {path,
-                 QFileInfo::exists(path)
-                     ? zqLocalized(
-                           "Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first.")
-                     : zqLocalized("There is no such file. Check its name."),
-                 DroppedFile::Telling::Quietly});
+            fileDidDrop(unsupportedFile(path));
         } else if (AImportManager::fileAtPathIsArchive(path)) {
             archives.append(path);
             m_foldersAndArchivesPathOrdered.append(path);
@@ -189,8 +184,32 @@ bool ImportOperation::saveStructure()
     return false;
 }
 
+void ImportOperation::dropRefused(const QStringList &refused, const QList<DroppedFile> &dropped)
+{
+    for (const QString &path : refused) {
+        fileDidDrop(unsupportedFile(path));
+    }
+    for (const DroppedFile &file : dropped) {
+        fileDidDrop(file);
+    }
+}
+
+// For a place that takes no folders.
+QStringList ImportOperation::filesBelowDirectory(const QString &directoryPath)
+{
+    QStringList files;
+    QStringList directories{directoryPath};
+    while (!directories.isEmpty() && !isCancelled()) {
+        DirectoryContent content = contentOfDirectory(directories.takeFirst());
+        dropRefused(content.refused, content.dropped);
+        files.append(content.files + content.archives);
+        directories = content.subfolders + directories;
+    }
+    return files;
+}
+
 // A folder with sub-folders stays one node: a sidebar folder that holds them and, for its own files, a project of the
-// same name.
+// same name. An archive counts as a sub-folder, which it becomes when its turn comes.
 QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(const QString &directoryPath,
                                                                              ZQSidebarBaseItem *inFolder,
                                                                              quint32 atIndex)
@@ -221,11 +240,9 @@ QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(con
         Record record = std::move(records.front());
         records.pop_front();
         DirectoryContent content = contentOfDirectory(record.directoryPath);
-        for (const DroppedFile &file : std::as_const(content.dropped)) {
-            fileDidDrop(file);
-        }
+        dropRefused(content.refused, content.dropped);
         const QString title = titleForDirectory(record.directoryPath);
-        if (!content.subfolders.isEmpty()) {
+        if (!content.subfolders.isEmpty() || !content.archives.isEmpty()) {
             const ZQRef<ZQSidebarBaseItem> folder = newSidebarItem<ZQSidebarFolder>(*m_moc, title);
             addChild(record, folder);
             for (const QString &subfolder : std::as_const(content.subfolders)) {
@@ -239,6 +256,11 @@ QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(con
             m_numberOfItemToImport += content.files.size();
             m_requestedFiles.append(content.files);
             groups.append({project, content.files});
+        }
+        if (!content.archives.isEmpty()) {
+            m_numberOfItemToImport += content.archives.size();
+            m_requestedFiles.append(content.archives);
+            groups.append({record.father, content.archives});
         }
     }
     if (groups.isEmpty()) { // folders in folders, and nothing in any of them

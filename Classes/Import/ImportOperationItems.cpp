@@ -1,3 +1,4 @@
+#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -24,17 +25,18 @@ void ImportOperation::importFiles(const Group &group)
 {
     const bool isLarge = m_requestedFiles.size() > largeBatch;
     const qsizetype size = isLarge ? chunkSize : std::max<qsizetype>(group.files.size(), 1);
-    m_isProcessed = false;
+    const bool holdsArchives = AImportManager::fileAtPathIsArchive(group.files.value(0));
+    m_isProcessed = m_isProcessed && holdsArchives; // their own requests tell what they gave
 
     Place place{.project = group.project, .position = m_index, .isExplicit = m_index != appendIndex};
-    std::unique_ptr<Chunk> running = startChunk(group.files.mid(0, size));
+    std::unique_ptr<Chunk> running = startChunk(group.files.mid(0, size), *group.project);
     if (!place.isExplicit && !place.project->isLibrary() && !place.project->isTag()) {
         place.position = quint32(place.project->numberOfItems());
     }
     for (qsizetype next = size; running; next += size) {
         std::unique_ptr<Chunk> following;
         if (next < group.files.size() && !isCancelled()) {
-            following = startChunk(group.files.mid(next, size));
+            following = startChunk(group.files.mid(next, size), *group.project);
         }
         finishChunk(*running, place);
         if (isLarge && m_unsavedItems.size() >= chunkSize && !isCancelled()) {
@@ -46,19 +48,20 @@ void ImportOperation::importFiles(const Group &group)
         sidebarItemDidAddItem, nullptr, {{QStringLiteral("objectID"), QVariant::fromValue(group.project->objectID())}});
 }
 
-std::unique_ptr<ImportOperation::Chunk> ImportOperation::startChunk(const QStringList &files)
+std::unique_ptr<ImportOperation::Chunk> ImportOperation::startChunk(const QStringList &files,
+                                                                    const ZQSidebarBaseItem &target)
 {
     auto chunk = std::make_unique<Chunk>();
     chunk->fileProcessed.resize(std::size_t(files.size()));
     for (const QString &path : files) {
         const auto operation = BaseImportOperation::importOperationForFilePath(path);
         if (!operation) {
-            fileDidDrop(
-                {path, zqLocalized("Nothing here can unpack it. Unpack it yourself and import what it holds.")});
+            fileDidDrop(unsupportedFile(path)); // it is not what it was a moment ago
             continue;
         }
         operation->setMetadata(m_metadata);
         operation->setSettings(m_settings);
+        operation->setSidebarItem(target.objectID());
         operation->setImportData(&chunk->fileProcessed[chunk->operations.size()]);
         operation->setFatherOperation(this);
         chunk->operations.push_back(operation);

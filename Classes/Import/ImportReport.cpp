@@ -24,10 +24,21 @@ void ImportReport::setImported(const QStringList &bundleIDs)
     m_imported = bundleIDs;
 }
 
+void ImportReport::setOrigin(const QString &folder, const QString &shownAs)
+{
+    const std::lock_guard lock(m_mutex);
+    m_originFolder = folder;
+    m_originShownAs = shownAs;
+}
+
 void ImportReport::addDropped(const DroppedFile &file)
 {
     const std::lock_guard lock(m_mutex);
     m_dropped.append(file);
+    QString &path = m_dropped.last().path;
+    if (!m_originFolder.isEmpty() && (path == m_originFolder || path.startsWith(m_originFolder + u'/'))) {
+        path.replace(0, m_originFolder.size(), m_originShownAs);
+    }
 }
 
 void ImportReport::addNotification(const QString &text)

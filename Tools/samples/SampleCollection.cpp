@@ -1,5 +1,6 @@
 #include "Tools/samples/SampleCollection.h"
 
+#include "Tools/samples/SampleArchives.h"
 #include "Tools/samples/SampleFormats.h"
 #include "Tools/samples/SampleScenes.h"
 
@@ -228,6 +229,62 @@ void addOtherFormats(Writer &writer, const QImage &scene, const QImage &logo)
                [&composite](const QString &path) { return SampleFormats::writeAcorn(composite, path); });
 }
 
+constexpr char snapInfo[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>imageGrabPath</key><string>screen.png</string>
+<key>tags</key><array><string>harbour</string><string>reference</string></array>
+<key>url</key><string>https://example.org/harbour</string>
+</dict></plist>
+)";
+
+void addPackages(Writer &writer, const QImage &scene)
+{
+    const QByteArray document = SampleArchives::zipFile({{"document.json", "{}"}});
+    writer.addBytes(QStringLiteral("Formats/New.sketch"),
+                    QStringLiteral("Sketch document in one file, as newer versions write it; cannot be imported"),
+                    document);
+    writer.add(QStringLiteral("Formats/Harbour.snap/screen.png"), QStringLiteral("picture of a snap package"),
+               [&scene](const QString &path) { return SampleFormats::writePNG(scene, path); });
+    writer.addBytes(QStringLiteral("Formats/Harbour.snap/Info.plist"),
+                    QStringLiteral("tags and address of a snap package"), snapInfo);
+}
+
+void addArchives(Writer &writer)
+{
+    using SampleArchives::Entry;
+    const QByteArray photo = writer.bytesOf(QStringLiteral("Photos/Malachite.jpg"));
+    const QByteArray logo = writer.bytesOf(QStringLiteral("Brand 2026/Logos/Trefoil.png"));
+    const QByteArray drawn = writer.bytesOf(QStringLiteral("Brand 2026/Mark.svg"));
+    const QByteArray inner = SampleArchives::zipFile({{"stone.jpg", photo}, {"More/mark.svg", drawn}});
+    writer.addBytes(QStringLiteral("Archives/Loose.zip"), QStringLiteral("two pictures"),
+                    SampleArchives::zipFile({{"stone.jpg", photo}, {"trefoil.png", logo}}));
+    writer.addBytes(QStringLiteral("Archives/One Folder.zip"), QStringLiteral("one folder, with what a Mac adds"),
+                    SampleArchives::zipFile({{"Stones/", {}, Entry::Kind::Folder},
+                                             {"Stones/stone.jpg", photo},
+                                             {"__MACOSX/Stones/._stone.jpg", "attributes"}}));
+    writer.addBytes(QStringLiteral("Archives/Nested.zip"), QStringLiteral("an archive in an archive"),
+                    SampleArchives::zipFile({{"trefoil.png", logo}, {"Inner.zip", inner}}));
+    writer.addBytes(QStringLiteral("Archives/Rar.rar"), QStringLiteral("RAR 4"),
+                    SampleArchives::rarFile({{"stone.jpg", photo}}));
+    writer.addBytes(QStringLiteral("Archives/Rar 5.rar"), QStringLiteral("RAR 5"),
+                    SampleArchives::rar5File({{"trefoil.png", logo}}));
+    writer.addBytes(QStringLiteral("Archives/Japanese.zip"), QStringLiteral("a name in CP932"),
+                    SampleArchives::zipFile({{"\x8E\xCA\x90\x5E.jpg", photo}}));
+    writer.addBytes(
+        QStringLiteral("Broken/bad-names.zip"),
+        QStringLiteral("names that lead out, an absolute one, one with backslashes, a link, one name twice"),
+        SampleArchives::zipFile({{"../../escaped.png", logo},
+                                 {"/absolute.png", logo},
+                                 {"Windows\\trefoil.png", logo},
+                                 {"link.png", "/etc/passwd", Entry::Kind::Link},
+                                 {"twice.png", logo},
+                                 {"twice.png", photo}}));
+    writer.addBytes(QStringLiteral("Broken/encrypted.zip"), QStringLiteral("says that it needs a password"),
+                    SampleArchives::zipFile({{"secret.png", logo, Entry::Kind::File, true}}));
+    writer.addBytes(QStringLiteral("Broken/cut.zip"), QStringLiteral("archive cut at nine tenths"),
+                    inner.left(inner.size() * 9 / 10));
+}
+
 void addBroken(Writer &writer, const QImage &scene)
 {
     const QByteArray jpeg = writer.bytesOf(QStringLiteral("Formats/keywords.jpg"));
@@ -261,6 +318,8 @@ QString SampleCollection::write(const QString &folder, Huge huge)
     const QImage logo = SampleScenes::logo(1, QColor(230, 57, 70), QColor(255, 214, 102), 320);
     addRasterFormats(writer, scene, logo);
     addOtherFormats(writer, scene, logo);
+    addPackages(writer, scene);
+    addArchives(writer);
     addBroken(writer, scene);
     if (huge == Huge::With) {
         writer.add(QStringLiteral("Huge/flat-20000.png"), QStringLiteral("20000 x 20000"),
