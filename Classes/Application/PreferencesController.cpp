@@ -1,5 +1,6 @@
 #include "Classes/Application/PreferencesController.h"
 
+#include "Classes/Tags/DesktopMirror.h"
 #include "Kit/Files/ZQUserDefaults.h"
 
 namespace {
@@ -34,6 +35,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("IconTagSize"), 32},
         {QStringLiteral("SmallTagSize"), 128},
         {QStringLiteral("MediumTagSize"), 512},
+        {DesktopMirror::preferenceKey, true},
     };
 }
 

@@ -7,7 +7,7 @@
 #include "Classes/Import/KindImportOperations.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Classes/Tags/OpenMeta.h"
-#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -316,27 +316,14 @@ void BaseImportOperation::fillExtension()
     m_fileData->insert(QStringLiteral("originalExtension"), extension);
 }
 
-// Where a download came from: the list other desktops keep, else the address this one keeps, and above both what the
-// application itself noted.
 void BaseImportOperation::fillMetadata()
 {
-    QVariant origin = OpenMeta::getXAttrMetaData(OpenMeta::whereFromsKey, m_filePath);
-    if (origin.typeId() == QMetaType::QVariantList) {
-        origin = origin.toList().value(0);
+    const WhereFroms origin = WhereFroms::urlsOfFile(m_filePath);
+    if (!origin.webURL.isEmpty()) {
+        m_fileData->insert(QStringLiteral("webURL"), origin.webURL);
     }
-    if (!origin.isValid()) {
-        const auto address = ZQExtendedAttributes::get(m_filePath, QStringLiteral("xdg.origin.url"));
-        origin = address ? QVariant(QString::fromUtf8(*address)) : QVariant();
-    }
-    if (origin.typeId() == QMetaType::QString && !origin.toString().isEmpty()) {
-        m_fileData->insert(QStringLiteral("webURL"), origin);
-    }
-    const auto froms = OpenMeta::getNSArrayMetaData(QStringLiteral("zeltoWhereFroms"), m_filePath);
-    if (froms && !froms->isEmpty()) {
-        m_fileData->insert(QStringLiteral("webURL"), froms->first().toString());
-        if (froms->size() > 1) {
-            m_fileData->insert(QStringLiteral("webPageURL"), froms->at(1).toString());
-        }
+    if (!origin.webPageURL.isEmpty()) {
+        m_fileData->insert(QStringLiteral("webPageURL"), origin.webPageURL);
     }
 }
 
