@@ -3,17 +3,30 @@
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/OpenMetaBackup.h"
+#include "Classes/Tags/TagFileJournal.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include <QRegularExpression>
 
 ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate) : m_delegate(delegate)
 {
     ZQLibraryEnvironment::setCurrent(this);
+    TagFileWriter::sharedTagFileWriter().setProblemHandler([](const ZQError &error) {
+        zqOnMainThread([error] {
+            if (tamberin_AppDelegate *shared = tamberin_AppDelegate::sharedDelegate()) {
+                shared->userInteraction().presentError(error);
+            }
+        });
+    });
 }
 
 ModelEnvironment::~ModelEnvironment()
 {
+    TagFileWriter::sharedTagFileWriter().setProblemHandler({});
     ZQLibraryEnvironment::setCurrent(nullptr);
 }
 
@@ -51,14 +64,71 @@ std::optional<QStringList> ModelEnvironment::userTagsOfFile(const QString &path)
 
 std::optional<QString> ModelEnvironment::commentOfFile(const QString &path)
 {
-    const QVariant comment = OpenMeta::getXAttrMetaData(OpenMeta::finderCommentKey, path);
-    return comment.typeId() == QMetaType::QString ? std::optional(comment.toString()) : std::nullopt;
+    return OpenMeta::getFinderComment(path);
 }
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)
 {
+    // A file of an item directory is an item's own; any other is a copy that left the library.
+    static const QRegularExpression inDirectory(QStringLiteral("/([^/]+)\\.ztlibraryitem/[^/]+$"));
+    const QRegularExpressionMatch match = inDirectory.match(path);
+    if (match.hasMatch() && path.startsWith(m_delegate.libraryDirectory() + u'/')) {
+        writeTagsToFileOfItem(match.captured(1), path, tags, comment);
+        return;
+    }
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, tags,
                                                          comment.isNull() ? std::nullopt : std::optional(comment));
+}
+
+void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
+                                             const QString &comment)
+{
+    const std::shared_ptr<TagFileJournal> journal = m_journal;
+    std::function<void()> done;
+    if (journal) {
+        journal->willWrite(bundleID);
+        done = [journal] { journal->didWrite(); };
+    }
+    TagFileWriter::sharedTagFileWriter().writeTagsToFile(
+        path, tags, comment.isNull() ? std::nullopt : std::optional(comment), std::move(done));
+}
+
+void ModelEnvironment::finishInterruptedTagWrites()
+{
+    ZQManagedObjectContext *context = m_delegate.managedObjectContext();
+    if (m_journal || !context) {
+        return;
+    }
+    m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
+    m_saveObserver = context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { journal->didSave(); });
+    const QStringList interrupted = m_journal->interrupted();
+    constexpr qsizetype atATime = 500;
+    for (qsizetype first = 0; first < interrupted.size(); first += atATime) {
+        const auto items = context->fetch<ZQLibraryBaseItem>(
+            {ZQLibraryBaseItem::entityName(),
+             ZQPredicate::predicateWithFormat(QStringLiteral("bundleID in %@"), {interrupted.mid(first, atATime)})});
+        if (!items) {
+            return; // the journal stays for the next launch
+        }
+        for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+            item->writeOpenMetaToDisk();
+        }
+    }
+    if (!interrupted.isEmpty()) {
+        m_journal->didSave(); // what is written again comes from the saved store
+    }
+}
+
+void ModelEnvironment::closeTagFiles()
+{
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    OpenMetaBackup::waitUntilAllWritten();
+    m_saveObserver.reset();
+    // Writes that came after the last save, as those of an import, are of a saved store too.
+    if (m_journal && m_delegate.isSaved()) {
+        m_journal->didSave();
+    }
+    m_journal.reset();
 }
 
 bool ModelEnvironment::writesTagsToFiles()

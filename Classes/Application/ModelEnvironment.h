@@ -1,7 +1,11 @@
 #pragma once
 
+#include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
+#include <memory>
+
+class TagFileJournal;
 class tamberin_AppDelegate;
 
 // What the entities ask of the running application.
@@ -18,8 +22,17 @@ public:
     std::optional<QStringList> userTagsOfFile(const QString &path) override;
     std::optional<QString> commentOfFile(const QString &path) override;
     void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) override;
+    void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
+                               const QString &comment) override;
     bool writesTagsToFiles() override;
+
+    // At launch, with the store open: has the tags written again that a killed process was writing. Main thread.
+    void finishInterruptedTagWrites();
+    // Before the store closes: returns when everything is in the files. Main thread.
+    void closeTagFiles();
 
 private:
     tamberin_AppDelegate &m_delegate;
+    std::shared_ptr<TagFileJournal> m_journal;
+    ZQManagedObjectContext::Token m_saveObserver;
 };

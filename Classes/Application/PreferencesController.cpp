@@ -1,5 +1,6 @@
 #include "Classes/Application/PreferencesController.h"
 
+#include "Classes/Tags/DesktopMirror.h"
 #include "Kit/Files/ZQUserDefaults.h"
 
 namespace {
@@ -38,6 +39,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("ArchiveMaximumEntryCount"), 100000},
         {QStringLiteral("ArchiveMaximumRatio"), 250},
         {QStringLiteral("ArchiveMaximumNestingDepth"), 8},
+        {DesktopMirror::preferenceKey, true},
     };
 }
 

@@ -3,7 +3,6 @@
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/PreferencesController.h"
-#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -42,7 +41,7 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     m_mainWindowController.reset();
     m_zeltoKunViewController.reset();
     m_backgroundOperationQueue.reset();
-    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    m_environment->closeTagFiles();
     m_context.reset();
     m_coordinator.reset();
     waitForRemovals(); // destroying a running process object would kill it half way
@@ -71,6 +70,7 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
     PreferencesController::registerDefaultPreferences();
     openZeltoKunHelper();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
+    m_environment->finishInterruptedTagWrites(); // before live folders are looked at, which take in files' tags
     if (m_parts.importManager) {
         m_parts.importManager->getLiveFolderPermissionFromSandbox();
     }
@@ -116,6 +116,7 @@ bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
     }
     setupBasicSidebarProjects();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
+    m_environment->finishInterruptedTagWrites();
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/CoreDataMigrationWindowController.h"
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPersistentURL.h"
@@ -132,8 +133,14 @@ ZQManagedObjectContext *tamberin_AppDelegate::managedObjectContext()
     return m_context.get();
 }
 
+bool tamberin_AppDelegate::isSaved() const
+{
+    return m_context && !m_context->hasChanges();
+}
+
 void tamberin_AppDelegate::removeManagedObjectContext()
 {
+    m_environment->closeTagFiles(); // the journal lies in the bundle, which is about to move
     m_context.reset();
     m_coordinator.reset();
     m_lock.reset();

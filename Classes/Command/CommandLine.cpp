@@ -17,6 +17,8 @@ struct CommandLine::Options
     std::vector<std::string> paths;
     std::vector<std::string> metadata;
     std::vector<std::string> items;
+    std::vector<std::string> addedTags;
+    std::vector<std::string> removedTags;
     std::string reference;
     qint64 index = -1;
     bool deleted = false;
@@ -63,6 +65,7 @@ CommandLine::CommandLine()
     defineImport();
     defineItems();
     defineDeletion();
+    defineTags();
     defineVerify();
     defineDefaults();
     defineSnapshot();
@@ -132,6 +135,39 @@ void CommandLine::defineDeletion()
     restore->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM");
     add("purge", "Remove deleted items and their files for good, as quitting does", true,
         [](CommandContext &context) { return zqRunPurge(context); });
+}
+
+void CommandLine::defineTags()
+{
+    CLI::App *tag =
+        add("tag", "Add tags to items and remove some, in the library and in their files", true,
+            [this](CommandContext &context) {
+                return zqRunTag({texts(m_options->items), texts(m_options->addedTags), texts(m_options->removedTags)},
+                                context);
+            });
+    tag->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM");
+    tag->add_option("--add", m_options->addedTags, "A tag to add; it is made when there is none of this name")
+        ->type_name("TAG")
+        ->allow_extra_args(false);
+    tag->add_option("--remove", m_options->removedTags, "A tag to remove; case matters")
+        ->type_name("TAG")
+        ->allow_extra_args(false);
+    CLI::App *rate = add("rate", "Give items a rating from 0 (none) to 5, which their files carry", true,
+                         [this](CommandContext &context) { return zqRunRate(texts(m_options->items), context); });
+    rate->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM… N");
+    CLI::App *note = add("note", "Replace the notes of items, in the library and in their files", true,
+                         [this](CommandContext &context) { return zqRunNote(texts(m_options->items), context); });
+    note->add_option("items", m_options->items, itemHelp)->required()->type_name("ITEM… TEXT");
+    CLI::App *tags = add("tags", "List tags with their numbers of items", true,
+                         [](CommandContext &context) { return zqRunTags(context); });
+    tags->add_flag("--json", m_json, "Print an array of objects: title, numberOfItems, generated, UUID");
+    CLI::App *attributes =
+        add("attributes", "Show what files themselves carry: tags, rating, comment, origin", false,
+            [this](CommandContext &context) { return zqRunAttributes(texts(m_options->paths), context); });
+    attributes->add_option("paths", m_options->paths, "Any files; no library is needed")->required()->type_name("PATH");
+    attributes->add_flag("--json", m_json,
+                         "Print an array of objects: path, tags, rating, comment, webURL, webPageURL, the file "
+                         "manager's mirrors, and the names of all attributes");
 }
 
 void CommandLine::defineVerify()
@@ -263,7 +299,9 @@ void describe(const CLI::App &command, const QString &name, QString &out)
         const QString type = isFlag ? QString() : text(option->get_type_name());
         const QString label =
             option->get_positional() ? type : (text(option->get_name()) + (isFlag ? QString() : u' ' + type));
-        const QString several = option->get_items_expected_max() > 1 ? QStringLiteral("…") : QString();
+        // What names several things itself says which of them is which.
+        const bool isSeveral = option->get_items_expected_max() > 1 && !label.contains(u'…');
+        const QString several = isSeveral ? QStringLiteral("…") : QString();
         synopsis += u' ' + (option->get_required() ? label + several : u'[' + label + u']' + several);
         if (!option->get_description().empty()) {
             rows += QStringLiteral("| `%1` | %2 |\n").arg(label, text(option->get_description()));

@@ -60,6 +60,7 @@ private:
     void defineImport();
     void defineItems();
     void defineDeletion();
+    void defineTags();
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

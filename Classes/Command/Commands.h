@@ -29,6 +29,18 @@ int zqRunDelete(const QStringList &items, CommandContext &context);
 int zqRunRestore(const QStringList &items, CommandContext &context);
 int zqRunPurge(CommandContext &context);
 
+struct TagRequest
+{
+    QStringList items;
+    QStringList add;
+    QStringList remove;
+};
+int zqRunTag(const TagRequest &request, CommandContext &context);
+int zqRunNote(const QStringList &itemsAndText, CommandContext &context);   // the text comes last
+int zqRunRate(const QStringList &itemsAndRating, CommandContext &context); // the rating comes last
+int zqRunTags(CommandContext &context);
+int zqRunAttributes(const QStringList &paths, CommandContext &context);
+
 int zqRunVerify(bool deep, CommandContext &context);
 
 int zqRunDefaultsRead(const QString &key, CommandContext &context);

@@ -1,4 +1,5 @@
 #include "Classes/Import/ArchiveImportOperation.h"
+#include "Classes/Tags/WhereFroms.h"
 
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
@@ -169,7 +170,7 @@ bool ArchiveImportOperation::unfoldZipsAtPath(const QString &folder, ZQArchiveRe
 void ArchiveImportOperation::finish(const QString &root, std::shared_ptr<TemporaryFolder> holder)
 {
     QVariantMap metadata = this->metadata();
-    const QString origin = whereFrom(filePath());
+    const QString origin = WhereFroms::urlsOfFile(filePath()).webURL;
     if (!origin.isEmpty() && !metadata.contains(QStringLiteral("webURL"))) {
         metadata.insert(QStringLiteral("webURL"), origin);
     }

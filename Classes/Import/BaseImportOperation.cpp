@@ -9,7 +9,7 @@
 #include "Classes/Import/LittleSnapperSnapImportOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Classes/Tags/OpenMeta.h"
-#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -337,33 +337,14 @@ void BaseImportOperation::fillExtension()
     m_fileData->insert(QStringLiteral("originalExtension"), extension);
 }
 
-// The list other desktops keep, else the address this one keeps.
-QString BaseImportOperation::whereFrom(const QString &path)
-{
-    QVariant origin = OpenMeta::getXAttrMetaData(OpenMeta::whereFromsKey, path);
-    if (origin.typeId() == QMetaType::QVariantList) {
-        origin = origin.toList().value(0);
-    }
-    if (!origin.isValid()) {
-        const auto address = ZQExtendedAttributes::get(path, QStringLiteral("xdg.origin.url"));
-        origin = address ? QVariant(QString::fromUtf8(*address)) : QVariant();
-    }
-    return origin.typeId() == QMetaType::QString ? origin.toString() : QString();
-}
-
-// Where a download came from; what the application itself noted counts most.
 void BaseImportOperation::fillMetadata()
 {
-    const QString origin = whereFrom(m_filePath);
-    if (!origin.isEmpty()) {
-        m_fileData->insert(QStringLiteral("webURL"), origin);
+    const WhereFroms origin = WhereFroms::urlsOfFile(m_filePath);
+    if (!origin.webURL.isEmpty()) {
+        m_fileData->insert(QStringLiteral("webURL"), origin.webURL);
     }
-    const auto froms = OpenMeta::getNSArrayMetaData(QStringLiteral("zeltoWhereFroms"), m_filePath);
-    if (froms && !froms->isEmpty()) {
-        m_fileData->insert(QStringLiteral("webURL"), froms->first().toString());
-        if (froms->size() > 1) {
-            m_fileData->insert(QStringLiteral("webPageURL"), froms->at(1).toString());
-        }
+    if (!origin.webPageURL.isEmpty()) {
+        m_fileData->insert(QStringLiteral("webPageURL"), origin.webPageURL);
     }
 }
 

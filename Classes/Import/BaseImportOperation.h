@@ -59,9 +59,6 @@ public:
 
     void main() override;
 
-    // The address a file was downloaded from, as other programs and this one note it; empty when unknown.
-    static QString whereFrom(const QString &path);
-
 protected:
     // Before everything else. False ends this file's import, which was dropped.
     virtual bool prepare() { return true; }

@@ -1,6 +1,9 @@
 #include "Classes/Tags/OpenMeta.h"
 
+#include "Classes/Tags/AttributeRoom.h"
+#include "Classes/Tags/DesktopMirror.h"
 #include "Classes/Tags/OpenMetaBackup.h"
+#include "Classes/Tags/PathLock.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -42,11 +45,6 @@ ZQError posixError(int errnoValue)
     return error;
 }
 
-bool canNameAFile(const QString &path)
-{
-    return !path.isEmpty() && !path.contains(QChar(0)) && path.isValidUtf16();
-}
-
 bool isList(const QVariant &value)
 {
     return value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList;
@@ -69,6 +67,32 @@ QSet<QString> comparisonKeys(const QStringList &tags)
     return keys;
 }
 
+// An older list beside a newer one would mislead those who read only that name.
+void setOrDrop(const QStringList &tags, const QString &name, const QString &path)
+{
+    if (AttributeRoom::isWanting(OpenMeta::setXAttr(tags, name, path))) {
+        OpenMeta::setXAttr({}, name, path);
+    }
+}
+
+// The value under both names. Where they do not fit, the spotlight name is the one that counts.
+ZQError setBothNames(const QVariant &value, const QString &key, const QString &path)
+{
+    ZQError otherError = OpenMeta::setXAttrNoSpotlightMirror(value, key, path);
+    ZQError error = OpenMeta::setXAttr(value, OpenMeta::spotlightKey(key), path);
+    if (AttributeRoom::isWanting(error)) {
+        error =
+            AttributeRoom::write(path, [&] { return OpenMeta::setXAttr(value, OpenMeta::spotlightKey(key), path); });
+        if (error.isNull()) {
+            otherError = OpenMeta::setXAttr(value, OpenMeta::openmetaKey(key), path);
+        }
+    }
+    if (error.isNull() && AttributeRoom::isWanting(otherError)) {
+        OpenMeta::setXAttr({}, OpenMeta::openmetaKey(key), path);
+    }
+    return error;
+}
+
 } // namespace
 
 ZQError OpenMeta::setUserTags(const QVariant &tags, const QString &path)
@@ -78,10 +102,15 @@ ZQError OpenMeta::setUserTags(const QVariant &tags, const QString &path)
         return parameterError();
     }
     const QStringList unique = removeDuplicateTags(*strings);
+    const PathLock lock(path);
     setXAttrMetaData(now(), userTagTimeKey, path);
-    setXAttr(unique, spotlightKey(olderUserTagsKey), path);
-    setXAttr(unique, openmetaKey(olderUserTagsKey), path);
-    return setNSArrayMetaData(unique, userTagsKey, path);
+    setOrDrop(unique, spotlightKey(olderUserTagsKey), path);
+    setOrDrop(unique, openmetaKey(olderUserTagsKey), path);
+    const ZQError error = setBothNames(unique, userTagsKey, path);
+    if (error.isNull()) {
+        DesktopMirror::write(DesktopMirror::Kind::Tags, DesktopMirror::textForTags(unique), path);
+    }
+    return error;
 }
 
 ZQError OpenMeta::addUserTags(const QVariant &tags, const QString &path)
@@ -121,7 +150,9 @@ std::optional<QStringList> OpenMeta::getUserTags(const QString &path, ZQError *e
 {
     OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(path);
     OpenMetaBackup::restoreMetadata(path);
-    return getUserTagsNoRestore(path, error);
+    // What another program wrote counts also where it cannot be written into the file's own attributes.
+    const DesktopMirror::Newer newer = DesktopMirror::takeIn(path);
+    return newer.tags ? newer.tags : getUserTagsNoRestore(path, error);
 }
 
 std::optional<QStringList> OpenMeta::getUserTagsNoRestore(const QString &path, ZQError *error)
@@ -150,23 +181,28 @@ QStringList OpenMeta::getCommonUserTags(const QStringList &paths, ZQError *error
     for (const QString &path : paths) {
         OpenMetaBackup::restoreMetadata(path);
     }
-    QStringList common;
+    QHash<QString, QString> common;
+    QStringList order;
     for (qsizetype i = 0; i < paths.size(); ++i) {
-        const auto tags = getUserTagsNoRestore(paths.at(i), error);
+        const DesktopMirror::Newer newer = DesktopMirror::takeIn(paths.at(i));
+        const auto tags = newer.tags ? newer.tags : getUserTagsNoRestore(paths.at(i), error);
         if (!tags || tags->isEmpty()) {
             return {};
         }
         if (i == 0) {
-            common = *tags;
+            order = *tags;
+            for (const QString &tag : order) {
+                common.insert(comparisonKey(tag), tag);
+            }
             continue;
         }
         const QSet<QString> keys = comparisonKeys(*tags);
-        common.removeIf([&keys](const QString &tag) { return !keys.contains(comparisonKey(tag)); });
+        common.removeIf([&keys](QHash<QString, QString>::iterator entry) { return !keys.contains(entry.key()); });
         if (common.isEmpty()) {
             return {};
         }
     }
-    return common;
+    return orderedArrayWithDict(common, order);
 }
 
 ZQError OpenMeta::setCommonUserTags(const QStringList &paths, const QStringList &originalCommonTags,
@@ -194,13 +230,43 @@ ZQError OpenMeta::setCommonUserTags(const QStringList &paths, const QStringList 
 ZQError OpenMeta::setRating(double rating, const QString &path)
 {
     const QVariant value = rating > 0 ? QVariant(std::min(rating, 5.0)) : QVariant();
-    return setXAttrMetaData(value, starRatingKey, path);
+    const PathLock lock(path);
+    const ZQError error = setBothNames(value, starRatingKey, path);
+    if (error.isNull()) {
+        DesktopMirror::write(DesktopMirror::Kind::Rating, DesktopMirror::textForRating(rating), path);
+        OpenMetaBackup::backupMetadata(path);
+    }
+    return error;
 }
 
 double OpenMeta::getRating(const QString &path, ZQError *error)
 {
     OpenMetaBackup::restoreMetadata(path);
-    return getXAttrMetaData(starRatingKey, path, error).toDouble();
+    const DesktopMirror::Newer newer = DesktopMirror::takeIn(path);
+    return newer.rating ? *newer.rating : getXAttrMetaData(starRatingKey, path, error).toDouble();
+}
+
+ZQError OpenMeta::setFinderComment(const QString &comment, const QString &path)
+{
+    const PathLock lock(path);
+    const ZQError error =
+        AttributeRoom::write(path, [&] { return setXAttr(comment, spotlightKey(finderCommentKey), path); });
+    if (error.isNull()) {
+        DesktopMirror::write(DesktopMirror::Kind::Comment, comment.toUtf8(), path);
+        OpenMetaBackup::backupMetadata(path);
+    }
+    return error;
+}
+
+std::optional<QString> OpenMeta::getFinderComment(const QString &path, ZQError *error)
+{
+    OpenMetaBackup::restoreMetadata(path);
+    const DesktopMirror::Newer newer = DesktopMirror::takeIn(path);
+    if (newer.comment) {
+        return newer.comment;
+    }
+    const QVariant comment = getXAttrMetaData(finderCommentKey, path, error);
+    return comment.typeId() == QMetaType::QString ? std::optional(comment.toString()) : std::nullopt;
 }
 
 ZQError OpenMeta::setString(const QString &string, const QString &keyName, const QString &path)
@@ -345,16 +411,30 @@ std::optional<QStringList> OpenMeta::validateAsArrayOfStrings(const QVariant &va
 
 QStringList OpenMeta::removeDuplicateTags(const QStringList &tags)
 {
-    QSet<QString> seen;
-    QStringList unique;
-    for (const QString &tag : decomposeArrayOfStrings(tags)) {
-        const QString key = tag.toLower();
-        if (!seen.contains(key)) {
-            seen.insert(key);
-            unique.append(tag);
+    const QStringList decomposed = decomposeArrayOfStrings(tags);
+    QHash<QString, QString> tagsByKey;
+    for (const QString &tag : decomposed) {
+        tagsByKey.insert(comparisonKey(tag), tag);
+    }
+    return orderedArrayWithDict(tagsByKey, decomposed);
+}
+
+QStringList OpenMeta::orderedArrayWithDict(const QHash<QString, QString> &tagsByKey, const QStringList &sortHint)
+{
+    QHash<QString, QString> left = tagsByKey;
+    QStringList ordered;
+    ordered.reserve(left.size());
+    for (const QString &tag : sortHint) {
+        if (left.remove(comparisonKey(tag))) {
+            ordered.append(tag);
         }
     }
-    return unique;
+    return ordered + left.values();
+}
+
+bool OpenMeta::canNameAFile(const QString &path)
+{
+    return !path.isEmpty() && !path.contains(QChar(0)) && path.isValidUtf16();
 }
 
 QStringList OpenMeta::decomposeArrayOfStrings(const QStringList &strings)

@@ -2,9 +2,11 @@
 
 #include "Kit/Foundation/ZQError.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <QVariantMap>
 
 #include <optional>
 
@@ -14,6 +16,10 @@
 // value a binary property list of at most `maximumDataSize` bytes. Writers answer a null error on success. Readers
 // answer nothing for what is missing, and fill `error` only when reading failed. Links are never followed. No state;
 // any thread.
+//
+// Tags, comment and rating go to the names of this desktop's file managers as well, and come back from there when
+// they are newer (`DesktopMirror`). Where a file system has too little room, what only repeats a value gives way to it
+// (`AttributeRoom`); a value is never removed to make room for its successor.
 class OpenMeta
 {
 public:
@@ -49,6 +55,10 @@ public:
     static ZQError setRating(double rating, const QString &path);
     static double getRating(const QString &path, ZQError *error = nullptr); // 0: none
 
+    // The item's notes, under their spotlight name only.
+    static ZQError setFinderComment(const QString &comment, const QString &path);
+    static std::optional<QString> getFinderComment(const QString &path, ZQError *error = nullptr);
+
     static ZQError setString(const QString &string, const QString &keyName, const QString &path);
     static QString getString(const QString &keyName, const QString &path, ZQError *error = nullptr);
     static std::optional<QVariantList> getNSArrayMetaData(const QString &metaDataKey, const QString &path,
@@ -67,10 +77,20 @@ public:
     static ZQError setXAttr(const QVariant &value, const QString &forKey, const QString &path);
     static QVariant getXAttr(const QString &name, const QString &path, ZQError *error = nullptr);
 
+    // Tells indexers which keys exist and the types of their values: a property list in `schemaDirectory`, taken away
+    // again two seconds later while the application's event loop runs.
+    static QString schemaDirectory();
+    static ZQError registerUsualOMAttributes();
+    static ZQError registerOMAttributes(const QVariantMap &typicalAttributes, const QString &appName);
+    static bool removeSchemaFile(const QString &path); // only what lies in that directory
+
     static std::optional<QStringList> validateAsArrayOfStrings(const QVariant &value);
     static QStringList removeDuplicateTags(const QStringList &tags);
     static QStringList decomposeArrayOfStrings(const QStringList &strings);
+    // The members of `sortHint` whose comparison key `tagsByKey` holds, each once; after them what is left of it.
+    static QStringList orderedArrayWithDict(const QHash<QString, QString> &tagsByKey, const QStringList &sortHint);
     static QString errnoString(int errnoValue);
+    static bool canNameAFile(const QString &path);
 
     // What two spellings of one tag have in common.
     static QString comparisonKey(const QString &tag) { return tag.normalized(QString::NormalizationForm_D).toLower(); }

@@ -94,5 +94,6 @@ private:
     bool updateRepresentationBitmap(const QString &path, bool fileDidChange);
     void readPixelSize(const QString &path);
     void renameThumb(const QString &newTitle);
+    void copyOpenMeta(const QString &path, bool isOwnFile);
     bool replaceTags(const QStringList &titles);
 };

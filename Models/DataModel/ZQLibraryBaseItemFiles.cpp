@@ -350,19 +350,33 @@ void ZQLibraryBaseItem::readPixelSize(const QString &path)
     setPixelTotal(qint64(properties->pixelWidth) * properties->pixelHeight);
 }
 
+// Files carry decomposed names, keyboards write composed ones, and both are the same tag.
 bool ZQLibraryBaseItem::replaceTags(const QStringList &titles)
 {
     ZQManagedObjectContext *context = managedObjectContext();
-    QSet<QString> present;
+    QHash<QString, ZQRef<ZQSidebarTag>> present;
     for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
-        present.insert(tag->title());
+        present.insert(tag->title().normalized(QString::NormalizationForm_C), tag);
     }
-    if (!context || present == QSet<QString>(titles.begin(), titles.end())) {
+    QSet<QString> wanted;
+    for (const QString &name : titles) {
+        wanted.insert(name.normalized(QString::NormalizationForm_C));
+    }
+    const QList<QString> presentNames = present.keys();
+    if (!context || wanted == QSet<QString>(presentNames.begin(), presentNames.end())) {
         return false;
     }
     QList<ZQRef<ZQSidebarTag>> replacement;
     for (const QString &name : titles) {
-        if (auto tag = ZQSidebarTag::getOrCreateTagWithName(name, *context)) {
+        const QString composed = name.normalized(QString::NormalizationForm_C);
+        ZQRef<ZQSidebarTag> tag = present.value(composed);
+        if (!tag) {
+            tag = ZQSidebarTag::tagWithTagName(name, *context);
+        }
+        if (!tag) {
+            tag = ZQSidebarTag::getOrCreateTagWithName(composed, *context);
+        }
+        if (tag && !replacement.contains(tag)) {
             replacement.append(tag);
         }
     }
@@ -396,11 +410,16 @@ bool ZQLibraryBaseItem::readOpenMetaFromDisk()
 void ZQLibraryBaseItem::writeOpenMetaToDisk()
 {
     if (ZQLibraryEnvironment::current().writesTagsToFiles()) {
-        copyOpenMetaToPath(itemURL());
+        copyOpenMeta(itemURL(), true);
     }
 }
 
 void ZQLibraryBaseItem::copyOpenMetaToPath(const QString &path)
+{
+    copyOpenMeta(path, false);
+}
+
+void ZQLibraryBaseItem::copyOpenMeta(const QString &path, bool isOwnFile)
 {
     if (path.isEmpty()) {
         return;
@@ -409,7 +428,12 @@ void ZQLibraryBaseItem::copyOpenMetaToPath(const QString &path)
     for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
         titles.append(tag->title());
     }
-    ZQLibraryEnvironment::current().writeTagsToFile(path, titles, notes());
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    if (isOwnFile) {
+        environment.writeTagsToFileOfItem(bundleID(), path, titles, notes());
+    } else {
+        environment.writeTagsToFile(path, titles, notes());
+    }
     if (!managed()) {
         if (const auto folder = watchingFolder()) {
             folder->folderContentMetadataDidChanged();

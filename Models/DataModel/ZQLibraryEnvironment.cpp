@@ -26,6 +26,12 @@ std::atomic<ZQLibraryEnvironment *> installed = nullptr;
 
 } // namespace
 
+void ZQLibraryEnvironment::writeTagsToFileOfItem(const QString &, const QString &path, const QStringList &tags,
+                                                 const QString &comment)
+{
+    writeTagsToFile(path, tags, comment);
+}
+
 ZQLibraryEnvironment &ZQLibraryEnvironment::current()
 {
     static NullEnvironment none;

@@ -30,6 +30,10 @@ public:
     virtual std::optional<QString> commentOfFile(const QString &path) = 0;
     // Queues writing tags and comment to a file; returns at once.
     virtual void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) = 0;
+    // The same for a library item's own file: what is interrupted is done again at the next launch. `bundleID` is the
+    // item's.
+    virtual void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
+                                       const QString &comment);
     // Whether tags are kept in step with files (the default "ImportOpenMetaTags").
     virtual bool writesTagsToFiles() = 0;
 

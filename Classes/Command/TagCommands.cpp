@@ -1,0 +1,241 @@
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/Commands.h"
+#include "Classes/Tags/DesktopMirror.h"
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/TagFileWriter.h"
+#include "Classes/Tags/WhereFroms.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace {
+
+using Items = QList<ZQRef<ZQLibraryBaseItem>>;
+
+// The items of the library; nothing, with a message, when one is unknown or deleted.
+std::optional<Items> activeItems(const QStringList &references, CommandContext &context)
+{
+    auto items = zqItemsForReferences(references, context);
+    for (const ZQRef<ZQLibraryBaseItem> &item : items.value_or(Items())) {
+        if (!item->active()) {
+            context.fail(zqFormat(zqLocalized("“%@” is deleted; bring it back with `zelto restore %@`, then try again"),
+                                  {item->title(), item->bundleID()}));
+            return std::nullopt;
+        }
+    }
+    return items;
+}
+
+// After the items were changed: the store first, then the files.
+int finish(const Items &items, const char *one, const char *several, CommandContext &context)
+{
+    ZQError error;
+    if (!context.store().save(&error)) {
+        context.store().rollback();
+        for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+            item->writeOpenMetaToDisk(); // as the store has it
+        }
+        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+        return context.fail(error.localizedDescription());
+    }
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    zqRunMainLoopFor(std::chrono::milliseconds(0)); // a file that can't carry its tags is reported there
+    context.print(items.size() == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {items.size()}));
+    return 0;
+}
+
+bool isTagName(const QString &name)
+{
+    return std::any_of(name.begin(), name.end(), [](QChar c) { return !c.isSpace(); });
+}
+
+// `items`, the last of them being something else.
+std::optional<QString> takeLast(QStringList &arguments, const char *whatIsMissing, CommandContext &context)
+{
+    if (arguments.size() < 2) {
+        context.fail(zqLocalized(whatIsMissing));
+        return std::nullopt;
+    }
+    return arguments.takeLast();
+}
+
+QJsonObject attributesOf(const QString &path)
+{
+    const auto mirror = [&path](const QString &name) {
+        return QString::fromUtf8(ZQExtendedAttributes::get(path, name).value_or(QByteArray()));
+    };
+    ZQError error;
+    const QStringList tags = OpenMeta::getUserTagsNoRestore(path, &error).value_or(QStringList());
+    const WhereFroms origin = WhereFroms::urlsOfFile(path);
+    QJsonObject object{{QStringLiteral("path"), path},
+                       {QStringLiteral("tags"), QJsonArray::fromStringList(tags)},
+                       {QStringLiteral("rating"), OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path).toDouble()},
+                       {QStringLiteral("comment"), OpenMeta::getString(OpenMeta::finderCommentKey, path)},
+                       {QStringLiteral("webURL"), origin.webURL},
+                       {QStringLiteral("webPageURL"), origin.webPageURL},
+                       {DesktopMirror::tagsName, mirror(DesktopMirror::tagsName)},
+                       {DesktopMirror::commentName, mirror(DesktopMirror::commentName)},
+                       {DesktopMirror::ratingName, mirror(DesktopMirror::ratingName)},
+                       {QStringLiteral("names"), QJsonArray::fromStringList(ZQExtendedAttributes::list(path))}};
+    if (!error.isNull()) {
+        object.insert(QStringLiteral("error"), error.localizedDescription());
+    }
+    return object;
+}
+
+void printAttributes(const QJsonObject &attributes, CommandContext &context)
+{
+    context.print(attributes.value(QStringLiteral("path")).toString());
+    for (const QString &key : {QStringLiteral("tags"), QStringLiteral("rating"), QStringLiteral("comment"),
+                               QStringLiteral("webURL"), QStringLiteral("webPageURL"), DesktopMirror::tagsName,
+                               DesktopMirror::commentName, DesktopMirror::ratingName, QStringLiteral("error")}) {
+        const QJsonValue value = attributes.value(key);
+        const QString text = value.isArray() ? value.toVariant().toStringList().join(QStringLiteral(", "))
+                                             : value.toVariant().toString();
+        if (!text.isEmpty() && !(value.isDouble() && value.toDouble() <= 0)) {
+            context.print(QStringLiteral("  ") + key + u'\t' + text);
+        }
+    }
+}
+
+} // namespace
+
+int zqRunTag(const TagRequest &request, CommandContext &context)
+{
+    if (request.add.isEmpty() && request.remove.isEmpty()) {
+        return context.fail(zqLocalized("say which tags: --add TAG, --remove TAG, or both, each as often as needed"));
+    }
+    for (const QString &name : request.add) {
+        if (!isTagName(name)) {
+            return context.fail(zqLocalized("a tag needs a name"));
+        }
+    }
+    const auto items = activeItems(request.items, context);
+    if (!items) {
+        return 2;
+    }
+    QList<ZQRef<ZQSidebarTag>> removed;
+    for (const QString &name : request.remove) {
+        removed.append(ZQSidebarTag::tagWithTagName(name, context.store()));
+        if (!removed.last()) {
+            return context.fail(zqFormat(zqLocalized("there is no tag “%@”; `zelto tags` lists them"), {name}));
+        }
+    }
+    for (const ZQRef<ZQSidebarTag> &tag : removed) {
+        tag->removeItems(*items);
+    }
+    for (const QString &name : request.add) {
+        if (const auto tag = ZQSidebarTag::getOrCreateTagWithName(name, context.store())) {
+            tag->addItems(*items);
+        }
+    }
+    return finish(*items, "1 item tagged", "%d items tagged", context);
+}
+
+int zqRunNote(const QStringList &itemsAndText, CommandContext &context)
+{
+    QStringList references = itemsAndText;
+    const auto text = takeLast(references, "name at least one item, and after the items the text of the note", context);
+    const auto items = text ? activeItems(references, context) : std::nullopt;
+    if (!items) {
+        return 2;
+    }
+    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        item->setNotes(text->isNull() ? QLatin1String("") : *text);
+        item->writeOpenMetaToDisk();
+    }
+    return finish(*items, "1 item noted", "%d items noted", context);
+}
+
+int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
+{
+    QStringList references = itemsAndRating;
+    const auto text = takeLast(references, "name at least one item, and after the items a rating from 0 to 5", context);
+    bool isNumber = false;
+    const double rating = text ? text->toDouble(&isNumber) : 0;
+    if (text && !(isNumber && rating >= 0 && rating <= 5)) {
+        return context.fail(
+            zqFormat(zqLocalized("“%@” is no rating; the last argument is a number from 0 (none) to 5"), {*text}));
+    }
+    const auto items = text ? activeItems(references, context) : std::nullopt;
+    if (!items) {
+        return 2;
+    }
+    if (!ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("ImportOpenMetaTags"))) {
+        return context.fail(
+            zqLocalized("ratings are kept in the files, which the preference ImportOpenMetaTags forbids; "
+                        "`zelto defaults write ImportOpenMetaTags true` allows it"));
+    }
+    int status = 0;
+    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(item->itemURL(), rating);
+        if (!error.isNull()) {
+            status = context.fail(
+                zqFormat(zqLocalized("“%@” was not rated: %@"), {item->title(), error.localizedDescription()}));
+        }
+    }
+    if (status == 0) {
+        context.print(items->size() == 1 ? zqLocalized("1 item rated")
+                                         : zqFormat(zqLocalized("%d items rated"), {items->size()}));
+    }
+    return status;
+}
+
+int zqRunTags(CommandContext &context)
+{
+    const auto tags =
+        zqFetch<ZQSidebarTag>(context.store(), QStringLiteral("active = YES AND is_Tag == YES AND is_Label == NO"), {},
+                              {{QStringLiteral("title"), true, ZQSortDescriptor::Comparison::LocalizedStandard}});
+    if (!tags) {
+        return context.fail(zqLocalized("the tags can't be read; `zelto verify` says what is wrong with the library"));
+    }
+    QJsonArray array;
+    for (const ZQRef<ZQSidebarTag> &tag : *tags) {
+        const qint64 count = tag->numberOfItems();
+        array.append(QJsonObject{{QStringLiteral("title"), tag->title()},
+                                 {QStringLiteral("numberOfItems"), count},
+                                 {QStringLiteral("generated"), !tag->isUserTag()},
+                                 {QStringLiteral("UUID"), tag->UUID()}});
+        if (!context.json) {
+            context.print(tag->title() + u'\t' + QString::number(count));
+        }
+    }
+    if (context.json) {
+        context.printJSON(array);
+    }
+    return 0;
+}
+
+int zqRunAttributes(const QStringList &paths, CommandContext &context)
+{
+    QStringList found;
+    for (const QString &path : paths) {
+        found.append(context.absolutePath(path));
+        const QFileInfo info(found.last());
+        if (!info.exists() && !info.isSymLink()) {
+            return context.fail(zqFormat(zqLocalized("there is no file “%@”"), {path}));
+        }
+    }
+    QJsonArray array;
+    for (const QString &path : found) {
+        const QJsonObject attributes = attributesOf(path);
+        array.append(attributes);
+        if (!context.json) {
+            printAttributes(attributes, context);
+        }
+    }
+    if (context.json) {
+        context.printJSON(array);
+    }
+    return 0;
+}

@@ -1,0 +1,279 @@
+#include "Classes/Tags/DesktopMirror.h"
+
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/PathLock.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQUserDefaults.h"
+
+#include <QCryptographicHash>
+#include <QHash>
+#include <QMap>
+#include <QSet>
+#include <QStringDecoder>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+using Kind = DesktopMirror::Kind;
+
+struct Mirror
+{
+    Kind kind;
+    char letter; // in the record
+    const QString &name;
+};
+
+constexpr int digestLength = 16;
+
+const std::array<Mirror, 3> &mirrors()
+{
+    static const std::array<Mirror, 3> all{{{Kind::Tags, 't', DesktopMirror::tagsName},
+                                            {Kind::Comment, 'c', DesktopMirror::commentName},
+                                            {Kind::Rating, 'r', DesktopMirror::ratingName}}};
+    return all;
+}
+
+const Mirror &mirrorOf(Kind kind)
+{
+    return mirrors()[static_cast<size_t>(kind)];
+}
+
+// A missing mirror and an empty one mean the same.
+QByteArray digestOf(const QByteArray &text)
+{
+    return QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex().left(digestLength);
+}
+
+using Record = QMap<char, QByteArray>; // digests by letter
+
+Record recordOf(const QString &path)
+{
+    Record record;
+    const auto data = ZQExtendedAttributes::get(path, DesktopMirror::recordName);
+    for (const QByteArray &field : data ? data->split(' ') : QList<QByteArray>()) {
+        if (field.size() == digestLength + 1) {
+            record.insert(field.at(0), field.mid(1));
+        }
+    }
+    return record;
+}
+
+bool writeRecord(const Record &record, const QString &path)
+{
+    if (record.isEmpty()) {
+        return ZQExtendedAttributes::remove(path, DesktopMirror::recordName);
+    }
+    QByteArrayList fields;
+    for (auto it = record.cbegin(); it != record.cend(); ++it) {
+        fields.append(it.key() + it.value());
+    }
+    return ZQExtendedAttributes::set(path, DesktopMirror::recordName, fields.join(' '));
+}
+
+QByteArray present(const Mirror &mirror, const QString &path)
+{
+    return ZQExtendedAttributes::get(path, mirror.name).value_or(QByteArray());
+}
+
+bool canBeMirrored(const QString &tag)
+{
+    return !tag.isEmpty() && !tag.contains(u',') && tag == tag.trimmed();
+}
+
+std::optional<QString> decoded(const QByteArray &text)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString string = decoder(text);
+    return decoder.hasError() ? std::nullopt : std::optional(string);
+}
+
+QSet<QString> keysOf(const QStringList &tags)
+{
+    QSet<QString> keys;
+    for (const QString &tag : tags) {
+        keys.insert(OpenMeta::comparisonKey(tag));
+    }
+    return keys;
+}
+
+// `theirs` in place of what of `ours` the mirror can show; nothing when both have the same tags.
+std::optional<QStringList> mergedTags(const QStringList &ours, const QStringList &theirs, bool wasMirrored)
+{
+    QHash<QString, QString> ourSpelling;
+    QStringList shown;
+    QStringList hidden;
+    for (const QString &tag : ours) {
+        ourSpelling.insert(OpenMeta::comparisonKey(tag), tag);
+        (canBeMirrored(tag) ? shown : hidden).append(tag);
+    }
+    if (keysOf(shown) == keysOf(theirs)) {
+        return std::nullopt;
+    }
+    QStringList result = wasMirrored ? QStringList() : ours;
+    for (const QString &tag : theirs) {
+        result.append(ourSpelling.value(OpenMeta::comparisonKey(tag), tag));
+    }
+    result = OpenMeta::removeDuplicateTags(result + hidden);
+    return result == OpenMeta::removeDuplicateTags(ours) ? std::nullopt : std::optional(result);
+}
+
+} // namespace
+
+bool DesktopMirror::isOn()
+{
+    return ZQUserDefaults::standardUserDefaults().boolForKey(preferenceKey);
+}
+
+QByteArray DesktopMirror::textForTags(const QStringList &tags)
+{
+    QStringList shown;
+    for (const QString &tag : tags) {
+        if (canBeMirrored(tag)) {
+            shown.append(tag.normalized(QString::NormalizationForm_C)); // as this desktop's keyboards write
+        }
+    }
+    return shown.join(u',').toUtf8();
+}
+
+QByteArray DesktopMirror::textForRating(double rating)
+{
+    const long halves = std::lround(std::clamp(rating, 0.0, 5.0) * 2);
+    return halves > 0 ? QByteArray::number(static_cast<int>(halves)) : QByteArray();
+}
+
+QStringList DesktopMirror::tagsOfText(const QByteArray &text)
+{
+    QStringList tags;
+    for (const QString &part : QString::fromUtf8(text).split(u',')) {
+        const QString tag = part.trimmed();
+        if (!tag.isEmpty()) {
+            tags.append(tag);
+        }
+    }
+    return OpenMeta::removeDuplicateTags(tags);
+}
+
+std::optional<double> DesktopMirror::ratingOfText(const QByteArray &text)
+{
+    bool isNumber = true;
+    const int halves = text.isEmpty() ? 0 : text.trimmed().toInt(&isNumber);
+    return isNumber && halves >= 0 && halves <= 10 ? std::optional(halves / 2.0) : std::nullopt;
+}
+
+// The record is read before the mirrors and these before the file's own values, in the opposite order of writing: what
+// another thread or process is just writing then looks like what it is, ours.
+DesktopMirror::Newer DesktopMirror::newer(const QString &path)
+{
+    Newer newer;
+    const QStringList names = ZQExtendedAttributes::list(path);
+    const bool hasRecord = names.contains(recordName);
+    const Record record = hasRecord ? recordOf(path) : Record();
+    for (const Mirror &mirror : mirrors()) {
+        const QByteArray base = record.value(mirror.letter);
+        const bool isThere = names.contains(mirror.name);
+        if (!isThere && base.isEmpty()) {
+            continue;
+        }
+        const QByteArray text = isThere ? present(mirror, path) : QByteArray();
+        const bool wasMirrored = !base.isEmpty();
+        if ((wasMirrored && digestOf(text) == base) || (!wasMirrored && text.isEmpty())) {
+            continue;
+        }
+        const std::optional<QString> string = decoded(text);
+        if (!string) {
+            continue;
+        }
+        if (mirror.kind == Kind::Tags) {
+            ZQError error;
+            const auto ours = OpenMeta::getUserTagsNoRestore(path, &error);
+            newer.tags =
+                error.isNull() ? mergedTags(ours.value_or(QStringList()), tagsOfText(text), wasMirrored) : std::nullopt;
+        } else if (mirror.kind == Kind::Comment) {
+            const QString ours = OpenMeta::getString(OpenMeta::finderCommentKey, path);
+            if (ours != *string && (wasMirrored || ours.isEmpty())) {
+                newer.comment = *string;
+            }
+        } else {
+            const double ours = OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path).toDouble();
+            const std::optional<double> theirs = ratingOfText(text);
+            if (theirs && textForRating(ours) != textForRating(*theirs) && (wasMirrored || ours <= 0)) {
+                newer.rating = theirs;
+            }
+        }
+    }
+    return newer;
+}
+
+DesktopMirror::Newer DesktopMirror::takeIn(const QString &path)
+{
+    if (!OpenMeta::canNameAFile(path) || !isOn()) {
+        return {};
+    }
+    const PathLock lock(path);
+    const Newer found = newer(path);
+    if (found.tags) {
+        OpenMeta::setUserTags(*found.tags, path);
+    }
+    if (found.comment) {
+        OpenMeta::setFinderComment(*found.comment, path);
+    }
+    if (found.rating) {
+        OpenMeta::setRating(*found.rating, path);
+    }
+    return found;
+}
+
+void DesktopMirror::write(Kind kind, const QByteArray &text, const QString &path)
+{
+    if (!isOn()) {
+        return;
+    }
+    const Mirror &mirror = mirrorOf(kind);
+    Record record = recordOf(path);
+    const QByteArray digest = digestOf(text);
+    if (text.isEmpty()) {
+        const bool isThere = ZQExtendedAttributes::get(path, mirror.name).has_value();
+        if (!isThere && !record.contains(mirror.letter)) {
+            return; // nothing was ever mirrored, and nothing is to be
+        }
+        if (isThere && !ZQExtendedAttributes::remove(path, mirror.name)) {
+            return;
+        }
+    } else if (!ZQExtendedAttributes::set(path, mirror.name, text)) {
+        // The record goes first: a mirror that is recorded and missing would say that its value was taken away.
+        if (record.remove(mirror.letter) == 0 || writeRecord(record, path)) {
+            ZQExtendedAttributes::remove(path, mirror.name);
+        }
+        return;
+    }
+    if (record.value(mirror.letter) == digest) {
+        return;
+    }
+    record.insert(mirror.letter, digest);
+    if (!writeRecord(record, path)) {
+        // Without a record the mirror would be taken for another program's later.
+        record.remove(mirror.letter);
+        if (writeRecord(record, path)) {
+            ZQExtendedAttributes::remove(path, mirror.name);
+        }
+    }
+}
+
+QStringList DesktopMirror::attributesOfOurs(const QString &path)
+{
+    const Record record = recordOf(path);
+    if (record.isEmpty()) {
+        return {};
+    }
+    QStringList names{recordName};
+    for (const Mirror &mirror : mirrors()) {
+        const QByteArray text = present(mirror, path);
+        if (!text.isEmpty() && digestOf(text) == record.value(mirror.letter)) {
+            names.append(mirror.name);
+        }
+    }
+    return names;
+}

@@ -1,0 +1,237 @@
+#include "Classes/Tags/TagBackupStore.h"
+
+#include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSaveFile>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+constexpr int lists = 64;
+constexpr qsizetype longestList = 4000;
+constexpr qint64 halfAYear = qint64(182) * 24 * 3600 * 1000;
+constexpr int lockMilliseconds = 5000;
+
+const QString filesKey = QStringLiteral("files");
+const QString identitiesKey = QStringLiteral("identities");
+
+QVariantMap encoded(const TagBackup &backup)
+{
+    QVariantMap map{{QStringLiteral("identity"), backup.identity},
+                    {QStringLiteral("inode"), qlonglong(backup.inode)},
+                    {QStringLiteral("saved"), qlonglong(backup.saved)}};
+    if (!backup.tags.isEmpty()) {
+        map.insert(QStringLiteral("tags"), backup.tags);
+    }
+    if (!backup.comment.isEmpty()) {
+        map.insert(QStringLiteral("comment"), backup.comment);
+    }
+    if (backup.rating > 0) {
+        map.insert(QStringLiteral("rating"), backup.rating);
+    }
+    if (backup.isFolder) {
+        map.insert(QStringLiteral("folder"), true);
+    }
+    return map;
+}
+
+TagBackup decoded(const QVariantMap &map)
+{
+    TagBackup backup;
+    backup.tags = map.value(QStringLiteral("tags")).toStringList();
+    backup.comment = map.value(QStringLiteral("comment")).toString();
+    backup.rating = map.value(QStringLiteral("rating")).toDouble();
+    backup.identity = map.value(QStringLiteral("identity")).toByteArray();
+    backup.inode = quint64(map.value(QStringLiteral("inode")).toLongLong());
+    backup.isFolder = map.value(QStringLiteral("folder")).toBool();
+    backup.saved = map.value(QStringLiteral("saved")).toLongLong();
+    return backup;
+}
+
+QByteArray stampOf(const QString &path)
+{
+    struct stat status = {};
+    if (stat(QFile::encodeName(path).constData(), &status) != 0) {
+        return {};
+    }
+    return QByteArray::number(qulonglong(status.st_ino)) + '-' + QByteArray::number(qlonglong(status.st_size)) + '-' +
+           QByteArray::number(qlonglong(status.st_mtim.tv_sec)) + '-' +
+           QByteArray::number(qlonglong(status.st_mtim.tv_nsec));
+}
+
+} // namespace
+
+TagFileIdentity TagFileIdentity::ofFile(const QString &path)
+{
+    struct statx status = {};
+    if (statx(AT_FDCWD, QFile::encodeName(path).constData(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT,
+              STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
+        return {};
+    }
+    const bool hasBirth = (status.stx_mask & STATX_BTIME) != 0;
+    const QByteArray second =
+        hasBirth ? QByteArray::number(qlonglong(status.stx_btime.tv_sec)) + '.' +
+                       QByteArray::number(status.stx_btime.tv_nsec)
+                 : 'd' + QByteArray::number(status.stx_dev_major) + ':' + QByteArray::number(status.stx_dev_minor);
+    return {QByteArray::number(qulonglong(status.stx_ino)) + '-' + second, status.stx_ino, S_ISDIR(status.stx_mode)};
+}
+
+int TagBackupStore::numberOf(const QByteArray &key)
+{
+    return static_cast<uchar>(QCryptographicHash::hash(key, QCryptographicHash::Md5).at(0)) % lists;
+}
+
+QString TagBackupStore::pathOf(int number) const
+{
+    return m_folder + QStringLiteral("/%1.plist").arg(number, 2, 10, QLatin1Char('0'));
+}
+
+TagBackupStore::List &TagBackupStore::list(int number)
+{
+    List &found = m_lists[number];
+    if (!found.isRead || stampOf(pathOf(number)) != found.stamp) {
+        read(number, found);
+    }
+    return found;
+}
+
+void TagBackupStore::read(int number, List &list) const
+{
+    list = {};
+    list.isRead = true;
+    list.stamp = stampOf(pathOf(number));
+    QFile file(pathOf(number));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return;
+    }
+    ZQError error;
+    const auto value = ZQPropertyList::fromData(file.readAll(), &error);
+    if (!value) {
+        qCWarning(zqLogTags).noquote() << "The tag backups in" << file.fileName()
+                                       << "can't be read and begin anew:" << error.localizedDescription();
+        return;
+    }
+    const QVariantMap files = value->toMap().value(filesKey).toMap();
+    for (auto it = files.cbegin(); it != files.cend(); ++it) {
+        list.files.insert(it.key(), decoded(it.value().toMap()));
+    }
+    const QVariantMap identities = value->toMap().value(identitiesKey).toMap();
+    for (auto it = identities.cbegin(); it != identities.cend(); ++it) {
+        list.identities.insert(it.key().toLatin1(), it.value().toString());
+    }
+}
+
+bool TagBackupStore::write(int number, List &list) const
+{
+    QVariantMap files;
+    for (auto it = list.files.cbegin(); it != list.files.cend(); ++it) {
+        files.insert(it.key(), encoded(it.value()));
+    }
+    QVariantMap identities;
+    for (auto it = list.identities.cbegin(); it != list.identities.cend(); ++it) {
+        identities.insert(QString::fromLatin1(it.key()), it.value());
+    }
+    ZQError error;
+    const auto data = ZQPropertyList::toBinary(QVariantMap{{filesKey, files}, {identitiesKey, identities}}, &error);
+    QSaveFile file(pathOf(number));
+    if (!data || !file.open(QIODevice::WriteOnly) || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
+        file.write(*data) != data->size() || !file.commit()) {
+        qCWarning(zqLogTags).noquote() << "The tag backups in" << pathOf(number) << "were not written:"
+                                       << (data ? file.errorString() : error.localizedDescription());
+        return false;
+    }
+    list.stamp = stampOf(pathOf(number));
+    return true;
+}
+
+void TagBackupStore::prune(List &list)
+{
+    const qint64 oldest = QDateTime::currentMSecsSinceEpoch() - halfAYear;
+    list.files.removeIf([&](QHash<QString, TagBackup>::iterator entry) {
+        return entry->saved < oldest && !QFileInfo::exists(entry.key());
+    });
+    if (list.files.size() > longestList) {
+        QList<qint64> dates;
+        for (const TagBackup &backup : std::as_const(list.files)) {
+            dates.append(backup.saved);
+        }
+        const auto limit = dates.begin() + (dates.size() - longestList);
+        std::nth_element(dates.begin(), limit, dates.end());
+        list.files.removeIf([date = *limit](QHash<QString, TagBackup>::iterator entry) { return entry->saved < date; });
+    }
+    // Paths of identities lie in other lists; a pointer to nothing is harmless and goes when there are too many.
+    if (list.identities.size() > 2 * longestList) {
+        list.identities.removeIf(
+            [](QHash<QByteArray, QString>::iterator entry) { return !QFileInfo::exists(entry.value()); });
+    }
+}
+
+bool TagBackupStore::contains(const QString &path)
+{
+    const std::lock_guard lock(m_mutex);
+    return list(numberOf(path.toUtf8())).files.contains(path);
+}
+
+std::optional<TagBackup> TagBackupStore::find(const QString &path)
+{
+    const std::lock_guard lock(m_mutex);
+    const List &found = list(numberOf(path.toUtf8()));
+    const auto entry = found.files.constFind(path);
+    return entry == found.files.cend() ? std::nullopt : std::optional(*entry);
+}
+
+QString TagBackupStore::pathOfIdentity(const QByteArray &identity)
+{
+    const std::lock_guard lock(m_mutex);
+    return list(numberOf(identity)).identities.value(identity);
+}
+
+void TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backups)
+{
+    // A data folder that is gone was a guest's or a test's; it is not made again.
+    const QString dataFolder = QFileInfo(QFileInfo(m_folder).path()).path();
+    if (backups.isEmpty() || !QFileInfo(dataFolder).isDir() || !QDir().mkpath(m_folder)) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    QLockFile processes(m_folder + QStringLiteral("/lock"));
+    if (!processes.tryLock(lockMilliseconds)) {
+        qCWarning(zqLogTags).noquote() << "The tag backups in" << m_folder << "are held by another process";
+        return;
+    }
+    std::set<int> changed;
+    const auto take = [&](const QByteArray &key) -> List & {
+        const int number = numberOf(key);
+        changed.insert(number);
+        return list(number);
+    };
+    for (auto it = backups.cbegin(); it != backups.cend(); ++it) {
+        const QString &path = it.key();
+        if (!it.value()) {
+            take(path.toUtf8()).files.remove(path);
+            continue;
+        }
+        const QByteArray &identity = it.value()->identity;
+        const QString before = std::exchange(take(identity).identities[identity], path);
+        if (!before.isEmpty() && before != path && TagFileIdentity::ofFile(before).text != identity) {
+            take(before.toUtf8()).files.remove(before);
+        }
+        take(path.toUtf8()).files.insert(path, *it.value());
+    }
+    for (const int number : changed) {
+        prune(m_lists[number]);
+        write(number, m_lists[number]);
+    }
+}

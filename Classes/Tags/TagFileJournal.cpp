@@ -1,0 +1,84 @@
+#include "Classes/Tags/TagFileJournal.h"
+
+#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+constexpr mode_t ownerOnly = 0600;
+}
+
+TagFileJournal::TagFileJournal(const QString &path)
+{
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly)) {
+        QSet<QString> seen;
+        for (const QByteArray &line : file.readAll().split('\n')) {
+            const QString item = QString::fromUtf8(line);
+            if (!item.isEmpty() && !seen.contains(item)) {
+                seen.insert(item);
+                m_interrupted.append(item);
+            }
+        }
+        m_isEmpty = file.size() == 0;
+    }
+    m_file = open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, ownerOnly);
+    if (m_file < 0) {
+        // Tags are written all the same; only what a crash interrupts is not repaired.
+        qCWarning(zqLogTags).noquote() << "The journal" << path << "can't be written:" << std::strerror(errno);
+    }
+}
+
+TagFileJournal::~TagFileJournal()
+{
+    if (m_file >= 0) {
+        close(m_file);
+    }
+}
+
+void TagFileJournal::willWrite(const QString &item)
+{
+    const std::lock_guard lock(m_mutex);
+    ++m_outstanding;
+    m_isSaved = false;
+    if (m_file < 0 || m_noted.contains(item)) {
+        return;
+    }
+    const QByteArray line = item.toUtf8() + '\n';
+    if (zqWriteAll(m_file, line.constData(), line.size())) {
+        m_noted.insert(item);
+    }
+    m_isEmpty = false;
+}
+
+void TagFileJournal::didWrite()
+{
+    const std::lock_guard lock(m_mutex);
+    --m_outstanding;
+    emptyIfSettled();
+}
+
+void TagFileJournal::didSave()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isSaved = true;
+    emptyIfSettled();
+}
+
+void TagFileJournal::emptyIfSettled()
+{
+    if (m_isEmpty || m_file < 0 || m_outstanding > 0 || !m_isSaved) {
+        return;
+    }
+    if (ftruncate(m_file, 0) == 0) {
+        m_isEmpty = true;
+        m_noted.clear();
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <mutex>
+
+// The items whose tags are on their way into their files, in a file of the library bundle: one line each, added before
+// the write is queued. It is emptied when everything noted is both in the files and in the saved store. What a killed
+// process leaves in it is what may differ between the two; the next launch writes those files again from the store.
+// Any thread.
+class TagFileJournal
+{
+public:
+    explicit TagFileJournal(const QString &path);
+    ~TagFileJournal();
+
+    // What an earlier process left, each once. Empty for nearly every launch.
+    QStringList interrupted() const { return m_interrupted; }
+
+    void willWrite(const QString &item);
+    void didWrite(); // once for each `willWrite`, after it
+    void didSave();  // the store is on disk with everything noted so far
+
+private:
+    void emptyIfSettled(); // with the lock held
+
+    std::mutex m_mutex;
+    int m_file = -1;
+    QStringList m_interrupted;
+    QSet<QString> m_noted; // in the file since it was last emptied
+    qint64 m_outstanding = 0;
+    bool m_isSaved = true;
+    bool m_isEmpty = true;
+};

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/CommandLine.h"
+#include "Classes/Command/CommandUserInteraction.h"
+#include "Classes/Import/AImportManager.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarProject.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// One library, and commands run on it as from a shell.
+class CommandTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
+            const QString folder = world.filePath(QString::fromLatin1(name).toLower());
+            QDir().mkpath(folder);
+            qputenv(name, folder.toLocal8Bit());
+        }
+        ApplicationParts parts;
+        parts.userInteraction = &user;
+        parts.importManager = &AImportManager::sharedAImportManager();
+        delegate = std::make_unique<tamberin_AppDelegate>(parts);
+        delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
+        ZQError error;
+        ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
+    }
+
+    int run(const QStringList &arguments)
+    {
+        context = {};
+        context.delegate = delegate.get();
+        context.workingDirectory = world.path();
+        CommandLine commandLine;
+        int status = 0;
+        if (!commandLine.parse(arguments, context, &status)) {
+            return status;
+        }
+        user.setPolicies(commandLine.duplicatePolicy(), commandLine.unreadablePolicy());
+        return commandLine.run(context);
+    }
+    int run(const char *arguments) { return run(QString::fromUtf8(arguments).split(u' ')); }
+    QJsonObject object() const { return QJsonDocument::fromJson(context.output).object(); }
+    QJsonArray array() const { return QJsonDocument::fromJson(context.output).array(); }
+
+    QString picture(const QString &name, QRgb color)
+    {
+        const QString path = world.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QImage image(300, 200, QImage::Format_RGB32);
+        image.fill(color);
+        image.save(path, "PNG");
+        return path;
+    }
+
+    // Not in the temporary area: what lies there is moved into the library.
+    QTemporaryDir world{QDir::currentPath() + QStringLiteral("/command-XXXXXX")};
+    CommandUserInteraction user;
+    std::unique_ptr<tamberin_AppDelegate> delegate;
+    CommandContext context;
+};

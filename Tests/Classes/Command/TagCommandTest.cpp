@@ -1,0 +1,233 @@
+#include "Classes/Tags/DesktopMirror.h"
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/OpenMetaBackup.h"
+#include "Classes/Tags/TagFileWriter.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+#include "Tests/Classes/Command/CommandFixture.h"
+
+class TagCommandTest : public CommandTest
+{
+protected:
+    void SetUp() override
+    {
+        CommandTest::SetUp();
+        if (HasFatalFailure()) {
+            return;
+        }
+        picture(QStringLiteral("in/red.png"), qRgb(220, 20, 20));
+        ASSERT_EQ(run("import in/red.png"), 0);
+        item = firstItem();
+        if (!OpenMeta::setString(QStringLiteral("probe"), QStringLiteral("probe"), path()).isNull()) {
+            GTEST_SKIP() << "This file system keeps no extended attributes";
+        }
+    }
+    QJsonObject firstItem()
+    {
+        EXPECT_EQ(run("items --json"), 0);
+        return array().first().toObject();
+    }
+    QString path() const { return item.value(QStringLiteral("itemPath")).toString(); }
+    QString bundleID() const { return item.value(QStringLiteral("bundleID")).toString(); }
+    QStringList storedTags()
+    {
+        QStringList tags = firstItem().value(QStringLiteral("tags")).toVariant().toStringList();
+        tags.sort();
+        return tags;
+    }
+    QStringList fileTags() const
+    {
+        QStringList tags = OpenMeta::getUserTagsNoRestore(path()).value_or(QStringList());
+        tags.sort();
+        return tags;
+    }
+    QString journal() const { return world.filePath(QStringLiteral("Test.ztlibrary/pending-tags")); }
+    void reopen()
+    {
+        delegate.reset();
+        ApplicationParts parts;
+        parts.userInteraction = &user;
+        parts.importManager = &AImportManager::sharedAImportManager();
+        delegate = std::make_unique<tamberin_AppDelegate>(parts);
+        delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
+        ZQError error;
+        ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
+        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    }
+
+    QJsonObject item;
+};
+
+TEST_F(TagCommandTest, TagsGoToTheStoreAndToTheFileBeforeTheCommandEnds)
+{
+    const QStringList before = storedTags();
+    ASSERT_EQ(run({QStringLiteral("tag"), path(), QStringLiteral("--add"), QStringLiteral("Client X"),
+                   QStringLiteral("--add"), QStringLiteral("logo")}),
+              0)
+        << context.errors.constData();
+    EXPECT_EQ(context.output, "1 item tagged\n");
+    QStringList expected = before + QStringList{QStringLiteral("Client X"), QStringLiteral("logo")};
+    expected.sort();
+    EXPECT_EQ(fileTags(), expected);
+    EXPECT_EQ(storedTags(), expected);
+    EXPECT_TRUE(ZQExtendedAttributes::get(path(), DesktopMirror::tagsName).value_or("").contains("Client X"));
+
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--remove"), QStringLiteral("logo"),
+                   QStringLiteral("--remove"), QStringLiteral("Client X")}),
+              0);
+    EXPECT_EQ(fileTags(), before);
+    EXPECT_EQ(storedTags(), before);
+    EXPECT_EQ(QFileInfo(journal()).size(), 0);
+}
+
+TEST_F(TagCommandTest, NotesAndRatingsReachTheFile)
+{
+    ASSERT_EQ(run({QStringLiteral("note"), bundleID(), QStringLiteral("for the\nbrochure")}), 0);
+    EXPECT_EQ(OpenMeta::getFinderComment(path()), QStringLiteral("for the\nbrochure"));
+    EXPECT_EQ(firstItem().value(QStringLiteral("notes")).toString(), QStringLiteral("for the\nbrochure"));
+    ASSERT_EQ(run({QStringLiteral("note"), bundleID(), QString()}), 0);
+    EXPECT_EQ(OpenMeta::getFinderComment(path()), QString());
+    EXPECT_EQ(firstItem().value(QStringLiteral("notes")).toString(), QString());
+
+    ASSERT_EQ(run({QStringLiteral("rate"), bundleID(), QStringLiteral("3.5")}), 0);
+    EXPECT_EQ(OpenMeta::getRating(path()), 3.5);
+    ASSERT_EQ(run({QStringLiteral("rate"), item.value(QStringLiteral("SHA1")).toString(), QStringLiteral("0")}), 0);
+    EXPECT_EQ(OpenMeta::getRating(path()), 0);
+}
+
+TEST_F(TagCommandTest, AMistakeChangesNothing)
+{
+    const QStringList before = storedTags();
+    const QString id = bundleID();
+    struct Case
+    {
+        QStringList arguments;
+        const char *error;
+    };
+    const auto words = [](const char *text) { return QString::fromUtf8(text).split(u' '); };
+    const Case cases[] = {
+        {{QStringLiteral("tag"), id, QStringLiteral("nothing"), QStringLiteral("--add"), QStringLiteral("x")},
+         "nothing"},
+        {{QStringLiteral("tag"), id, QStringLiteral("--add"), QStringLiteral("x"), QStringLiteral("--remove"),
+          QStringLiteral("unknown")},
+         "there is no tag “unknown”"},
+        {{QStringLiteral("tag"), id}, "--add TAG"},
+        {{QStringLiteral("tag"), id, QStringLiteral("--add"), QStringLiteral(" ")}, "a tag needs a name"},
+        {{QStringLiteral("rate"), id, QStringLiteral("6")}, "“6” is no rating"},
+        {{QStringLiteral("rate"), id, QStringLiteral("nan")}, "“nan” is no rating"},
+        {{QStringLiteral("rate"), id}, "a rating"},
+        {words("rate nothing 3"), "nothing"},
+        {{QStringLiteral("note"), id}, "the text"},
+        {words("note nothing text"), "nothing"},
+        {words("attributes missing.png"), "missing.png"},
+    };
+    for (const Case &c : cases) {
+        EXPECT_EQ(run(c.arguments), 2) << qPrintable(c.arguments.join(u' '));
+        EXPECT_TRUE(context.errors.contains(c.error)) << context.errors.constData();
+        EXPECT_TRUE(context.output.isEmpty());
+    }
+    EXPECT_EQ(storedTags(), before);
+    EXPECT_EQ(fileTags(), before);
+    EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("x"), *delegate->managedObjectContext()));
+    ASSERT_EQ(run(QStringList{QStringLiteral("delete"), id}), 0);
+    EXPECT_EQ(run({QStringLiteral("tag"), id, QStringLiteral("--add"), QStringLiteral("x")}), 2);
+    EXPECT_TRUE(context.errors.contains("restore"));
+}
+
+TEST_F(TagCommandTest, TagsAndAttributesAreListed)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("mine")}), 0);
+    ASSERT_EQ(run("tags --json"), 0);
+    bool found = false;
+    for (const QJsonValue &tag : array()) {
+        if (tag[QStringLiteral("title")] == QStringLiteral("mine")) {
+            found = true;
+            EXPECT_EQ(tag[QStringLiteral("numberOfItems")].toInt(), 1);
+            EXPECT_FALSE(tag[QStringLiteral("generated")].toBool());
+        }
+    }
+    EXPECT_TRUE(found);
+    ASSERT_EQ(run("tags"), 0);
+    EXPECT_TRUE(context.output.contains("mine\t1\n"));
+
+    ZQExtendedAttributes::set(path(), QStringLiteral("xdg.origin.url"), "https://example.org/red.png");
+    ASSERT_EQ(run({QStringLiteral("rate"), bundleID(), QStringLiteral("4")}), 0);
+    ASSERT_EQ(run({QStringLiteral("attributes"), path(), QStringLiteral("--json")}), 0);
+    const QJsonObject carried = array().first().toObject();
+    EXPECT_TRUE(carried.value(QStringLiteral("tags")).toArray().contains(QStringLiteral("mine")));
+    EXPECT_EQ(carried.value(QStringLiteral("rating")).toDouble(), 4);
+    EXPECT_EQ(carried.value(QStringLiteral("baloo.rating")).toString(), QStringLiteral("8"));
+    EXPECT_EQ(carried.value(QStringLiteral("webURL")).toString(), QStringLiteral("https://example.org/red.png"));
+    ASSERT_EQ(run({QStringLiteral("attributes"), path()}), 0);
+    EXPECT_TRUE(context.output.contains("  rating\t4\n"));
+}
+
+TEST_F(TagCommandTest, ADecomposedNameOfAFileIsTheTagThatWasTyped)
+{
+    const QString typed = QStringLiteral("Caf\u00e9");
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), typed}), 0);
+    ZQManagedObjectContext &store = *delegate->managedObjectContext();
+    const auto object = ZQSidebarTag::tagWithTagName(typed, store)->taggedItems().first();
+    EXPECT_FALSE(object->readOpenMetaFromDisk());
+    ASSERT_TRUE(OpenMeta::addUserTags(QStringList{QStringLiteral("new")}, path()).isNull());
+    EXPECT_TRUE(object->readOpenMetaFromDisk());
+    delegate->saveAction();
+    EXPECT_TRUE(storedTags().contains(typed) && storedTags().contains(QStringLiteral("new")));
+    EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("Cafe\u0301"), store));
+}
+
+TEST_F(TagCommandTest, WhatAFileManagerWroteReachesTheStore)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("ours")}), 0);
+    ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::tagsName, "theirs"));
+    ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::commentName, "said"));
+    ZQManagedObjectContext &store = *delegate->managedObjectContext();
+    const auto object = ZQSidebarTag::tagWithTagName(QStringLiteral("ours"), store)->taggedItems().first();
+    EXPECT_TRUE(object->readOpenMetaFromDisk());
+    delegate->saveAction();
+    EXPECT_EQ(storedTags(), QStringList{QStringLiteral("theirs")});
+    EXPECT_EQ(object->notes(), QStringLiteral("said"));
+}
+
+TEST_F(TagCommandTest, TheNextLaunchRepairsFilesWhoseWritesWereInterrupted)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("kept")}), 0);
+    const QStringList stored = storedTags();
+    delegate.reset();
+    OpenMetaBackup::waitUntilAllWritten();
+    // The store has it, the file has something else, and the journal was not emptied.
+    ASSERT_TRUE(OpenMeta::setUserTags(QStringList{QStringLiteral("half")}, path()).isNull());
+    QFile pending(journal());
+    ASSERT_TRUE(pending.open(QIODevice::WriteOnly));
+    pending.write(bundleID().toUtf8() + "\nof-no-item\n");
+    pending.close();
+    reopen();
+    EXPECT_EQ(fileTags(), stored);
+    EXPECT_EQ(QFileInfo(journal()).size(), 0);
+
+    // Without a journal a file's own tags are left alone.
+    ASSERT_TRUE(OpenMeta::setUserTags(QStringList{QStringLiteral("own")}, path()).isNull());
+    reopen();
+    EXPECT_EQ(fileTags(), QStringList{QStringLiteral("own")});
+}
+
+TEST_F(TagCommandTest, AChangeThatWasWrittenAndNeverSavedIsTakenBack)
+{
+    const QStringList stored = storedTags();
+    ZQManagedObjectContext &store = *delegate->managedObjectContext();
+    const auto object = store
+                            .fetch<ZQLibraryBaseItem>(
+                                {ZQLibraryBaseItem::entityName(),
+                                 ZQPredicate::predicateWithFormat(QStringLiteral("bundleID == %@"), {bundleID()})})
+                            ->first();
+    ZQSidebarTag::getOrCreateTagWithName(QStringLiteral("unsaved"), store)->addItems({object});
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_TRUE(fileTags().contains(QStringLiteral("unsaved")));
+    QFile left(journal());
+    ASSERT_TRUE(left.open(QIODevice::ReadOnly));
+    EXPECT_EQ(left.readAll(), bundleID().toUtf8() + '\n');
+    store.rollback();
+    object->copyOpenMetaToPath(world.filePath(QStringLiteral("in/exported.png"))); // no item's own file
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(left.size(), bundleID().size() + 1);
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Classes/Tags/DesktopMirror.h"
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/OpenMetaBackup.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQUserDefaults.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// A folder on the file system of the build, with one file in it, and the mirrors switched on.
+class TagsFixture : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ZQUserDefaults::standardUserDefaults().registerDefaults({{DesktopMirror::preferenceKey, true}});
+        path = newFile(QStringLiteral("file.png"));
+        if (!ZQExtendedAttributes::set(path, QStringLiteral("probe"), "1")) {
+            GTEST_SKIP() << "This file system keeps no extended attributes";
+        }
+        ZQExtendedAttributes::remove(path, QStringLiteral("probe"));
+    }
+    void TearDown() override
+    {
+        OpenMetaBackup::waitUntilAllWritten();
+        ZQUserDefaults::standardUserDefaults().registerDefaults({{DesktopMirror::preferenceKey, false}});
+    }
+
+    QString newFile(const QString &name, const QByteArray &contents = {})
+    {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+        return file.fileName();
+    }
+
+    static QStringList list(const char *tags) // separated by blanks
+    {
+        return QString::fromUtf8(tags).split(u' ', Qt::SkipEmptyParts);
+    }
+    static QStringList tagsOf(const QString &file) { return OpenMeta::getUserTags(file).value_or(QStringList()); }
+    static std::optional<QByteArray> raw(const QString &file, const QString &name)
+    {
+        return ZQExtendedAttributes::get(file, name);
+    }
+
+    QTemporaryDir folder{QDir::currentPath() + QStringLiteral("/tags-XXXXXX")};
+    QString path;
+};
