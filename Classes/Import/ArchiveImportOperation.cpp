@@ -1,8 +1,8 @@
 #include "Classes/Import/ArchiveImportOperation.h"
-#include "Classes/Tags/WhereFroms.h"
 
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"

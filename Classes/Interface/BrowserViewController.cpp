@@ -359,8 +359,9 @@ void BrowserViewController::showDetailAt(qint64 index)
     m_grid->setCurrentIndex(index);
     const ZQThumbnailRequest thumbnail = BrowserContent::thumbnailOf(*item);
     m_detail->showItem(
-        item->title(), item->detailItemURL(), QSize(item->pixelWidth(), item->pixelHeight()),
-        m_grid->thumbnailLoader().image(thumbnail, 512),
+        item->title(),
+        {item->itemURL(), item->detailItemURL(), QSize(item->pixelWidth(), item->pixelHeight()),
+         m_grid->thumbnailLoader().image(thumbnail, 512)},
         zqFormat(zqLocalized("%@ of %@"), {QLocale().toString(index + 1), QLocale().toString(m_content->count())}));
 }
 

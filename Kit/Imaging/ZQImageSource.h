@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Imaging/ZQBitmap.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -15,11 +16,13 @@ struct ZQImageProperties
     int pixelHeight = 0;
     int orientation = 1; // EXIF 1 to 8
     int bitsPerSample = 8;
-    int dpi = 0; // 0: not said
-    int frameCount = 1;
+    int dpi = 0;               // 0: not said
+    int frameCount = 1;        // or pages
+    QList<int> frameDurations; // milliseconds, one a frame; empty when the frames are no animation
     bool hasAlpha = false;
-    QString colorModel;   // "RGB", "Gray", "CMYK", "Lab"
-    QStringList keywords; // IPTC "Keywords"
+    bool isVector = false; // a drawing, sharp at any size
+    QString colorModel;    // "RGB", "Gray", "CMYK", "Lab"
+    QStringList keywords;  // IPTC "Keywords"
 };
 
 // An image file: its properties, and its pixels no larger than asked for. Reads JPEG, JPEG 2000, TIFF, GIF, PNG, ICNS,
@@ -36,7 +39,7 @@ public:
     // A picture with more pixels than this is not decoded.
     static constexpr qint64 maximumPixels = qint64(1) << 31;
 
-    // Header only. Nothing when the file is no image that can be read.
+    // Header only; of PDF and SVG, too. Nothing when the file is no image that can be read.
     static std::optional<ZQImageProperties> propertiesOfFile(const QString &path, ZQError *error = nullptr);
     // The first frame (or `frame`), at most `maximumSize` pixels on the longer side (never enlarged).
     static ZQBitmap thumbnailOfFile(const QString &path, int maximumSize, ZQError *error = nullptr, int frame = 0);

@@ -23,7 +23,7 @@ QString previewInsideBundle(const QString &path)
 
 } // namespace
 
-ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error)
+ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error, int frame)
 {
     const QFileInfo info(path);
     const QString source = info.isDir() ? previewInsideBundle(path) : path;
@@ -31,5 +31,5 @@ ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError
         zqSetError(error, zqImagingError(ZQImagingErrorCode::UnknownFormat, path, zqLocalized("It holds no preview.")));
         return {};
     }
-    return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Preview, source, box, 0, error).bitmap;
+    return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Preview, source, box, frame, error).bitmap;
 }

@@ -7,9 +7,10 @@
 
 // The desktop's preview service: any file → a picture within a box. What the image decoder cannot read is drawn from
 // its document kind (PDF, SVG), a vector document filling the box; the rest goes to the thumbnailers the desktop has
-// registered. Null with an error naming the reason. Any thread.
+// registered. `frame` is that of an animation, or the page of a document. Null with an error naming the reason. Any
+// thread.
 class ZQPreviewService
 {
 public:
-    static ZQBitmap previewOfFile(const QString &path, QSize box, ZQError *error = nullptr);
+    static ZQBitmap previewOfFile(const QString &path, QSize box, ZQError *error = nullptr, int frame = 0);
 };

@@ -12,6 +12,8 @@ constexpr quint32 requestMark = 0x5a515251;
 constexpr quint32 answerMark = 0x5a515241;
 constexpr qsizetype longestText = 4096;
 constexpr qint32 mostKeywords = 1000;
+constexpr qsizetype mostDurations = 5000;
+constexpr int longestDuration = 3600'000; // milliseconds
 
 class Writer
 {
@@ -80,10 +82,15 @@ void writeProperties(Writer &writer, const ZQImageProperties &properties)
 {
     for (const int value :
          {properties.pixelWidth, properties.pixelHeight, properties.orientation, properties.bitsPerSample,
-          properties.dpi, properties.frameCount, int(properties.hasAlpha)}) {
+          properties.dpi, properties.frameCount, int(properties.hasAlpha), int(properties.isVector)}) {
         writer.number(value);
     }
     writer.text(properties.colorModel);
+    const auto durations = properties.frameDurations.first(qMin(properties.frameDurations.size(), mostDurations));
+    writer.number(qint32(durations.size()));
+    for (const int duration : durations) {
+        writer.number(duration);
+    }
     Writer keywords;
     qint32 count = 0;
     for (const QString &keyword : properties.keywords) {
@@ -107,7 +114,12 @@ ZQImageProperties readProperties(Reader &reader)
         *value = reader.number();
     }
     out.hasAlpha = reader.number() != 0;
+    out.isVector = reader.number() != 0;
     out.colorModel = reader.line();
+    const qint32 durationCount = reader.number();
+    for (qint32 i = 0; i < qMin(durationCount, qint32(mostDurations)); ++i) {
+        out.frameDurations.append(qBound(1, reader.number(), longestDuration));
+    }
     const qint32 count = reader.number();
     for (qint32 i = 0; i < qMin(count, mostKeywords); ++i) {
         const QString keyword = reader.line();

@@ -99,19 +99,6 @@ bool zqCheckSize(const QString &name, qint64 width, qint64 height, qint64 limit,
     return true;
 }
 
-std::optional<ZQImageProperties> zqPropertiesOfFile(const ZQSourceFile &file, ZQError *error)
-{
-    const ZQDecoder *decoder = decoderOfFile(file, error);
-    if (!decoder) {
-        return std::nullopt;
-    }
-    std::optional<ZQImageProperties> properties = decoder->properties(file, error);
-    if (properties) {
-        properties->keywords = zqKeywordsOfFile(file);
-    }
-    return properties;
-}
-
 namespace {
 
 bool isSVG(const ZQSourceFile &source)
@@ -129,15 +116,33 @@ bool isSVG(const ZQSourceFile &source)
 
 } // namespace
 
-ZQBitmap zqPreviewOfFile(const ZQSourceFile &file, QSize box, ZQError *error)
+std::optional<ZQImageProperties> zqPropertiesOfFile(const ZQSourceFile &file, ZQError *error)
 {
     ZQError failure;
-    const ZQBitmap decoded = zqDecodeFile({file, box, 0, true, zqPaperOfName(file.name())}, &failure);
+    const ZQDecoder *decoder = decoderOfFile(file, &failure);
+    if (!decoder && isSVG(file)) {
+        decoder = &zqSVGDecoder;
+    }
+    if (!decoder) {
+        zqSetError(error, failure);
+        return std::nullopt;
+    }
+    std::optional<ZQImageProperties> properties = decoder->properties(file, error);
+    if (properties) {
+        properties->keywords = zqKeywordsOfFile(file);
+    }
+    return properties;
+}
+
+ZQBitmap zqPreviewOfFile(const ZQSourceFile &file, QSize box, int frame, ZQError *error)
+{
+    ZQError failure;
+    const ZQBitmap decoded = zqDecodeFile({file, box, frame, true, zqPaperOfName(file.name())}, &failure);
     if (!decoded.isNull()) {
         return decoded;
     }
     if (failure.code == int(ZQImagingErrorCode::UnknownFormat) && isSVG(file)) {
-        return zqSVGDecoder.decode({file, box, 0, true, ZQPaper::Transparent}, error);
+        return zqSVGDecoder.decode({file, box, frame, true, ZQPaper::Transparent}, error);
     }
     zqSetError(error, failure);
     return {};

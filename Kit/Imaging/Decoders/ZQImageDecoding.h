@@ -56,7 +56,7 @@ std::optional<ZQImageProperties> zqPropertiesOfFile(const ZQSourceFile &file, ZQ
 // Decodes a file of any known format by its content.
 ZQBitmap zqDecodeFile(const ZQDecodeRequest &request, ZQError *error);
 // The picture of a document within `box`, drawings filling it.
-ZQBitmap zqPreviewOfFile(const ZQSourceFile &file, QSize box, ZQError *error);
+ZQBitmap zqPreviewOfFile(const ZQSourceFile &file, QSize box, int frame, ZQError *error);
 // What a document is drawn on: artwork on nothing, pages on white.
 ZQPaper zqPaperOfName(const QString &name);
 

@@ -94,6 +94,7 @@ std::optional<ZQImageProperties> properties(const ZQSourceFile &source, ZQError 
     out.pixelHeight = sizeOfBox(program->box).height();
     out.dpi = 72;
     out.hasAlpha = true;
+    out.isVector = true;
     out.colorModel = QStringLiteral("RGB");
     return out;
 }

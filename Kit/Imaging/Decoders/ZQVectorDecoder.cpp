@@ -41,6 +41,7 @@ std::optional<ZQImageProperties> vectorProperties(Kind kind, const ZQSourceFile 
     out.dpi = 72;
     out.frameCount = qMax(1, vips_image_get_n_pages(image.get()));
     out.hasAlpha = true;
+    out.isVector = true;
     out.colorModel = QStringLiteral("RGB");
     return out;
 }

@@ -233,6 +233,25 @@ QString colorModel(VipsInterpretation interpretation)
     }
 }
 
+// A frame that says nothing of its time, or next to nothing, is shown as long as other programs show it.
+QList<int> frameDurations(VipsImage *header, int frameCount)
+{
+    constexpr int shortest = 20;
+    constexpr int usual = 100;
+    int *delays = nullptr;
+    int count = 0;
+    if (frameCount < 2 || vips_image_get_typeof(header, "delay") == 0 ||
+        vips_image_get_array_int(header, "delay", &delays, &count) != 0) {
+        return {};
+    }
+    QList<int> durations;
+    for (int i = 0; i < frameCount; ++i) {
+        const int delay = i < count ? delays[i] : usual;
+        durations.append(delay < shortest ? usual : delay);
+    }
+    return durations;
+}
+
 std::optional<ZQImageProperties> properties(const ZQSourceFile &file, ZQError *error)
 {
     zqEnterVips();
@@ -251,6 +270,7 @@ std::optional<ZQImageProperties> properties(const ZQSourceFile &file, ZQError *e
     const bool saysResolution = qAbs(image->Xres - 1.0) > 1e-6; // one pixel a millimetre stands for "not said"
     out.dpi = saysResolution && image->Xres < 1e6 ? qRound(image->Xres * 25.4) : 0;
     out.frameCount = frameCount(image.get());
+    out.frameDurations = frameDurations(image.get(), out.frameCount);
     out.hasAlpha = vips_image_hasalpha(image.get());
     out.colorModel = colorModel(image->Type);
     return out;

@@ -98,7 +98,7 @@ private:
         using Kind = ZQRenderRequest::Kind;
         switch (request.kind) {
         case Kind::Preview:
-            return zqPreviewOfFile(file, request.box, error);
+            return zqPreviewOfFile(file, request.box, request.frame, error);
         case Kind::Thumbnailer:
             return zqThumbnailerPreview(request.name, request.box);
         case Kind::Bitmap:
