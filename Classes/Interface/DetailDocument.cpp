@@ -225,9 +225,10 @@ void DetailDocument::setPlaying(bool playing)
 void DetailDocument::showNextFrame()
 {
     const int next = (m_page + 1) % m_pageCount;
-    if (next < m_frames.size()) { // else it waits at the last one that was read
-        m_page = next;
+    const bool isRead = next < m_frames.size(); // else it waits at the last one that was
+    m_page = isRead ? next : m_page;
+    m_timer.start(m_durations.value(m_page, 100));
+    if (isRead) {
         Q_EMIT changed();
     }
-    m_timer.start(m_durations.value(m_page, 100));
 }
