@@ -69,24 +69,27 @@ std::optional<QString> ModelEnvironment::commentOfFile(const QString &path)
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)
 {
-    // A file of an item directory is an item's own; any other is a copy that left the library.
+    // A file of an item directory is an item's own, and asked for by an import that saved it before; any other is a
+    // copy that left the library.
     static const QRegularExpression inDirectory(QStringLiteral("/([^/]+)\\.ztlibraryitem/[^/]+$"));
     const QRegularExpressionMatch match = inDirectory.match(path);
-    if (match.hasMatch() && path.startsWith(m_delegate.libraryDirectory() + u'/')) {
-        writeTagsToFileOfItem(match.captured(1), path, tags, comment);
-        return;
-    }
-    TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, tags,
-                                                         comment.isNull() ? std::nullopt : std::optional(comment));
+    const bool isItems = match.hasMatch() && path.startsWith(m_delegate.libraryDirectory() + u'/');
+    queueWriting(isItems ? match.captured(1) : QString(), true, path, tags, comment);
 }
 
 void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
                                              const QString &comment)
 {
-    const std::shared_ptr<TagFileJournal> journal = m_journal;
+    queueWriting(bundleID, false, path, tags, comment);
+}
+
+void ModelEnvironment::queueWriting(const QString &bundleID, bool isSaved, const QString &path, const QStringList &tags,
+                                    const QString &comment)
+{
+    const std::shared_ptr<TagFileJournal> journal = bundleID.isEmpty() ? nullptr : m_journal;
     std::function<void()> done;
     if (journal) {
-        journal->willWrite(bundleID);
+        journal->willWrite(bundleID, isSaved);
         done = [journal] { journal->didWrite(); };
     }
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(
@@ -124,11 +127,7 @@ void ModelEnvironment::closeTagFiles()
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     OpenMetaBackup::waitUntilAllWritten();
     m_saveObserver.reset();
-    // Writes that came after the last save, as those of an import, are of a saved store too.
-    if (m_journal && m_delegate.isSaved()) {
-        m_journal->didSave();
-    }
-    m_journal.reset();
+    m_journal.reset(); // what was written and never saved stays in it, and is taken back at the next launch
 }
 
 bool ModelEnvironment::writesTagsToFiles()

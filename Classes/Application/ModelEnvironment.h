@@ -32,6 +32,9 @@ public:
     void closeTagFiles();
 
 private:
+    void queueWriting(const QString &bundleID, bool isSaved, const QString &path, const QStringList &tags,
+                      const QString &comment);
+
     tamberin_AppDelegate &m_delegate;
     std::shared_ptr<TagFileJournal> m_journal;
     ZQManagedObjectContext::Token m_saveObserver;

@@ -62,7 +62,6 @@ public:
     std::shared_ptr<const ZQManagedObjectModel> managedObjectModel();
     std::shared_ptr<ZQPersistentStoreCoordinator> persistentStoreCoordinator();
     ZQManagedObjectContext *managedObjectContext(); // null when the store cannot be opened
-    bool isSaved() const; // there is a store, and nothing waits to be saved into it
     void removeManagedObjectContext();
     void saveAction();
     void checkModelMigration();

@@ -133,11 +133,6 @@ ZQManagedObjectContext *tamberin_AppDelegate::managedObjectContext()
     return m_context.get();
 }
 
-bool tamberin_AppDelegate::isSaved() const
-{
-    return m_context && !m_context->hasChanges();
-}
-
 void tamberin_AppDelegate::removeManagedObjectContext()
 {
     m_environment->closeTagFiles(); // the journal lies in the bundle, which is about to move

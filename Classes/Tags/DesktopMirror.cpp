@@ -207,6 +207,12 @@ DesktopMirror::Newer DesktopMirror::newer(const QString &path)
     return newer;
 }
 
+bool DesktopMirror::mayBeNewer(const QStringList &names)
+{
+    return names.contains(recordName) || names.contains(tagsName) || names.contains(commentName) ||
+           names.contains(ratingName);
+}
+
 DesktopMirror::Newer DesktopMirror::takeIn(const QString &path)
 {
     if (!OpenMeta::canNameAFile(path) || !isOn()) {

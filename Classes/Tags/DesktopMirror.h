@@ -41,6 +41,7 @@ public:
         bool isEmpty() const { return !tags && !comment && !rating; }
     };
     static Newer newer(const QString &path);
+    static bool mayBeNewer(const QStringList &names); // by the names of a file's attributes
     // The same, written into the file's own attributes as far as it can be written to.
     static Newer takeIn(const QString &path);
 

@@ -8,11 +8,13 @@
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <QRandomGenerator>
 #include <QSet>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -50,12 +52,16 @@ bool isList(const QVariant &value)
     return value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList;
 }
 
-// With microseconds: ext4 looks for another file with an equal block of attributes to share it, by a hash in which
-// equal values cancel each other out. Two dates of one millisecond give every file the same hash, and each write then
-// compares its block with those of thousands of files.
+// ext4 looks for another file with an equal block of attributes to share it, by a hash in which equal values, and the
+// equal digits of two dates, cancel each other out. Dates that differ only by when they were taken give thousands of
+// files few hashes, and each write then compares its block with those of all of them. So what is below the precision
+// that matters is drawn by lot.
 QVariant now()
 {
-    return QVariant::fromValue(std::chrono::system_clock::now());
+    constexpr std::uint32_t microsecondsByLot = 4096;
+    static thread_local QRandomGenerator random = QRandomGenerator::securelySeeded();
+    const auto lot = std::chrono::nanoseconds(random.bounded(microsecondsByLot * 1000));
+    return QVariant::fromValue(std::chrono::system_clock::time_point(std::chrono::system_clock::now() - lot));
 }
 
 QSet<QString> comparisonKeys(const QStringList &tags)
@@ -65,6 +71,22 @@ QSet<QString> comparisonKeys(const QStringList &tags)
         keys.insert(OpenMeta::comparisonKey(tag));
     }
     return keys;
+}
+
+// What is due before a file's tags, rating or comment are read; one look at the names of its attributes says whether
+// there is anything to do.
+DesktopMirror::Newer bringUpToDate(const QString &path, bool upgradesOlderTags)
+{
+    ZQError error;
+    const QStringList names = OpenMeta::canNameAFile(path) ? ZQExtendedAttributes::list(path, &error) : QStringList();
+    if (!error.isNull() || !OpenMeta::canNameAFile(path)) {
+        return {};
+    }
+    if (upgradesOlderTags && names.contains(OpenMeta::openmetaTimeKey(OpenMeta::olderUserTagsKey))) {
+        OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(path);
+    }
+    OpenMetaBackup::restoreMetadata(path, names);
+    return DesktopMirror::mayBeNewer(names) ? DesktopMirror::takeIn(path) : DesktopMirror::Newer();
 }
 
 // An older list beside a newer one would mislead those who read only that name.
@@ -148,10 +170,8 @@ ZQError OpenMeta::clearUserTags(const QVariant &tags, const QString &path)
 
 std::optional<QStringList> OpenMeta::getUserTags(const QString &path, ZQError *error)
 {
-    OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(path);
-    OpenMetaBackup::restoreMetadata(path);
     // What another program wrote counts also where it cannot be written into the file's own attributes.
-    const DesktopMirror::Newer newer = DesktopMirror::takeIn(path);
+    const DesktopMirror::Newer newer = bringUpToDate(path, true);
     return newer.tags ? newer.tags : getUserTagsNoRestore(path, error);
 }
 
@@ -241,8 +261,7 @@ ZQError OpenMeta::setRating(double rating, const QString &path)
 
 double OpenMeta::getRating(const QString &path, ZQError *error)
 {
-    OpenMetaBackup::restoreMetadata(path);
-    const DesktopMirror::Newer newer = DesktopMirror::takeIn(path);
+    const DesktopMirror::Newer newer = bringUpToDate(path, false);
     return newer.rating ? *newer.rating : getXAttrMetaData(starRatingKey, path, error).toDouble();
 }
 
@@ -260,8 +279,7 @@ ZQError OpenMeta::setFinderComment(const QString &comment, const QString &path)
 
 std::optional<QString> OpenMeta::getFinderComment(const QString &path, ZQError *error)
 {
-    OpenMetaBackup::restoreMetadata(path);
-    const DesktopMirror::Newer newer = DesktopMirror::takeIn(path);
+    const DesktopMirror::Newer newer = bringUpToDate(path, false);
     if (newer.comment) {
         return newer.comment;
     }

@@ -13,7 +13,10 @@
 #include <QSet>
 
 #include <dirent.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <memory>
@@ -21,7 +24,10 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds gathering{500};
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds quiet{500}; // without a request, before the copies are made
+constexpr std::chrono::seconds longestGathering{10};
+constexpr int niceness = 10; // what the person waits for comes first
 
 bool isOfOurs(const QString &name)
 {
@@ -90,6 +96,7 @@ public:
             return;
         }
         m_pending.insert(path);
+        m_lastRequest = Clock::now();
         if (!m_thread.joinable()) {
             m_thread = std::thread([this] { run(); });
         } else if (m_pending.size() == 1) {
@@ -123,15 +130,26 @@ private:
         return m_current;
     }
 
+    void gather(std::unique_lock<std::mutex> &lock)
+    {
+        const auto isHurried = [this] { return m_stops || m_flushes; };
+        const Clock::time_point latest = Clock::now() + longestGathering;
+        Clock::time_point due = std::min(m_lastRequest + quiet, latest);
+        while (!m_changed.wait_until(lock, due, isHurried) && due < latest && m_lastRequest + quiet > due) {
+            due = std::min(m_lastRequest + quiet, latest);
+        }
+    }
+
     void run()
     {
+        setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), niceness);
         std::unique_lock lock(m_mutex);
         while (true) {
             m_changed.wait(lock, [this] { return m_stops || !m_pending.isEmpty(); });
             if (m_pending.isEmpty()) {
                 return;
             }
-            m_changed.wait_for(lock, gathering, [this] { return m_stops || m_flushes; });
+            gather(lock);
             const QSet<QString> paths = std::exchange(m_pending, {});
             const std::shared_ptr<TagBackupStore> store = m_store;
             m_isBusy = true;
@@ -161,6 +179,7 @@ private:
     std::shared_ptr<TagBackupStore> m_store; // for what is pending
     std::shared_ptr<TagBackupStore> m_current;
     QString m_currentFolder;
+    Clock::time_point m_lastRequest;
     bool m_flushes = false;
     bool m_isBusy = false;
     bool m_stops = false;
@@ -220,9 +239,13 @@ void OpenMetaBackup::restoreMetadata(const QString &path)
     }
     ZQError error;
     const QStringList names = ZQExtendedAttributes::list(path, &error);
-    if (!error.isNull()) {
-        return;
+    if (error.isNull()) {
+        restoreMetadata(path, names);
     }
+}
+
+void OpenMetaBackup::restoreMetadata(const QString &path, const QStringList &names)
+{
     const std::shared_ptr<TagBackupStore> store = Worker::shared().store();
     if (hasAnyOfOurs(names)) {
         if (!store->contains(path)) {

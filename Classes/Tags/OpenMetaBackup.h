@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 // Copies of files' tags, ratings and comments below the application's data folder, for files whose attributes get
 // lost: an editor that saves by putting a new file in place of the old one, a copy that went through a file system
@@ -19,6 +20,7 @@ public:
     static void backupMetadata(const QString &path);
     // Asked before tags or a rating are read. Costs a tagged or never tagged file a list of its attributes.
     static void restoreMetadata(const QString &path);
+    static void restoreMetadata(const QString &path, const QStringList &names); // those of its attributes
     // Before the process ends.
     static void waitUntilAllWritten();
 

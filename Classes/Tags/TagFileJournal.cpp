@@ -43,11 +43,11 @@ TagFileJournal::~TagFileJournal()
     }
 }
 
-void TagFileJournal::willWrite(const QString &item)
+void TagFileJournal::willWrite(const QString &item, bool isSaved)
 {
     const std::lock_guard lock(m_mutex);
     ++m_outstanding;
-    m_isSaved = false;
+    m_isAllSaved = m_isAllSaved && isSaved;
     if (m_file < 0 || m_noted.contains(item)) {
         return;
     }
@@ -68,13 +68,13 @@ void TagFileJournal::didWrite()
 void TagFileJournal::didSave()
 {
     const std::lock_guard lock(m_mutex);
-    m_isSaved = true;
+    m_isAllSaved = true;
     emptyIfSettled();
 }
 
 void TagFileJournal::emptyIfSettled()
 {
-    if (m_isEmpty || m_file < 0 || m_outstanding > 0 || !m_isSaved) {
+    if (m_isEmpty || m_file < 0 || m_outstanding > 0 || !m_isAllSaved) {
         return;
     }
     if (ftruncate(m_file, 0) == 0) {

@@ -21,7 +21,8 @@ public:
     // What an earlier process left, each once. Empty for nearly every launch.
     QStringList interrupted() const { return m_interrupted; }
 
-    void willWrite(const QString &item);
+    // `isSaved`: the store has these tags on disk already.
+    void willWrite(const QString &item, bool isSaved = false);
     void didWrite(); // once for each `willWrite`, after it
     void didSave();  // the store is on disk with everything noted so far
 
@@ -33,6 +34,6 @@ private:
     QStringList m_interrupted;
     QSet<QString> m_noted; // in the file since it was last emptied
     qint64 m_outstanding = 0;
-    bool m_isSaved = true;
+    bool m_isAllSaved = true;
     bool m_isEmpty = true;
 };

@@ -21,10 +21,19 @@ bool fail(ZQError *error, const QString &path)
     return false;
 }
 
-// Reads what `call(buffer, size)` gives, asking for the size first.
+// Reads what `call(buffer, size)` gives: in one call when it is small, as nearly everything is, else asking for the size
+// first.
 template <class Call>
 std::optional<QByteArray> readSized(Call call)
 {
+    char small[512];
+    const ssize_t fits = call(small, sizeof small);
+    if (fits >= 0) {
+        return QByteArray(small, fits);
+    }
+    if (errno != ERANGE) {
+        return std::nullopt;
+    }
     for (int i = 0; i < tries; ++i) {
         const ssize_t size = call(nullptr, 0);
         if (size < 0) {

@@ -230,4 +230,6 @@ TEST_F(TagCommandTest, AChangeThatWasWrittenAndNeverSavedIsTakenBack)
     object->copyOpenMetaToPath(world.filePath(QStringLiteral("in/exported.png"))); // no item's own file
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_EQ(left.size(), bundleID().size() + 1);
+    reopen();
+    EXPECT_EQ(fileTags(), stored);
 }

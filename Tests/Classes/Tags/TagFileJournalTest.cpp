@@ -42,6 +42,20 @@ TEST_F(Journal, AKilledProcessLeavesWhatIsNotBothWrittenAndSaved)
     EXPECT_EQ(size(), 0);
 }
 
+TEST_F(Journal, TagsThatTheStoreHasWaitForNoSave)
+{
+    TagFileJournal journal(path);
+    journal.willWrite(a, true);
+    EXPECT_EQ(afterKill(), QStringList{a});
+    journal.didWrite();
+    EXPECT_EQ(size(), 0);
+    journal.willWrite(b);
+    journal.willWrite(a, true);
+    journal.didWrite();
+    journal.didWrite();
+    EXPECT_EQ(afterKill(), (QStringList{b, a})); // one of them does
+}
+
 TEST_F(Journal, WhatWasInterruptedStaysUntilItIsDoneAgain)
 {
     TagFileJournal(path).willWrite(a);

@@ -1,0 +1,80 @@
+"""Kills the program while it tags many items, starts it again, and compares store and files.
+
+kill_test.py ZELTO ROUNDS [SEED]; exit status 77 where the file system keeps no attributes.
+"""
+import json, os, plistlib, random, shutil, signal, struct, subprocess, sys, tempfile, time, unicodedata, zlib
+
+ITEMS = 150
+zelto, rounds, seed = sys.argv[1], int(sys.argv[2]), int(sys.argv[3]) if len(sys.argv) > 3 else 1
+world = tempfile.mkdtemp(prefix="tags-kill-", dir=os.getcwd())
+environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", TMPDIR=f"{world}/tmp", HOME=world, XDG_DATA_HOME=f"{world}/data",
+                   XDG_CONFIG_HOME=f"{world}/config", XDG_RUNTIME_DIR=f"{world}/run")
+for name in ("tmp", "data", "config", "in"):
+    os.mkdir(f"{world}/{name}")
+os.mkdir(f"{world}/run", 0o700)
+
+
+def picture(path, value):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    row = b"\0" + bytes([value % 256, value // 256, 90]) * 16
+    with open(path, "wb") as out:
+        out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", 16, 16, 8, 2, 0, 0, 0))
+                  + chunk(b"IDAT", zlib.compress(row * 16)) + chunk(b"IEND", b""))
+
+
+def command(*arguments):
+    return [zelto, "--library", f"{world}/Test.ztlibrary", *arguments]
+
+
+def run(*arguments):
+    return subprocess.run(command(*arguments), env=environment, check=True, capture_output=True, text=True).stdout
+
+
+def same(tags):
+    return sorted(unicodedata.normalize("NFC", tag) for tag in tags)
+
+
+def file_tags(path):
+    try:
+        return plistlib.loads(os.getxattr(path, "user.com.apple.metadata:kMDItemOMUserTags"))
+    except OSError:
+        return []
+
+
+try:
+    try:
+        os.setxattr(world, "user.probe", b"1")
+    except OSError as error:
+        print(f"this file system keeps no attributes: {error}")
+        sys.exit(77)
+    for i in range(ITEMS):
+        picture(f"{world}/in/{i}.png", i)
+    run("import", f"{world}/in", "--into", "PROJECTS")
+    items = json.loads(run("items", "--json"))
+    assert len(items) == ITEMS, len(items)
+    names = [item["bundleID"] for item in items]
+    start = time.monotonic()
+    run("tag", *names, "--add", "first")
+    took = time.monotonic() - start
+    generator = random.Random(seed)
+    interrupted = 0
+    for number in range(rounds):
+        process = subprocess.Popen(command("tag", *names, "--add", f"round {number}", "--remove", f"round {number - 1}" if number % 2 else "first"),
+                                   env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(took * generator.uniform(0.2, 1))
+        process.send_signal(signal.SIGKILL)
+        process.wait()
+        interrupted += os.path.getsize(f"{world}/Test.ztlibrary/pending-tags") > 0
+        for name in ("first", f"round {number}"):  # what the next round removes exists
+            run("tag", names[0], "--add", name)
+        after = json.loads(run("items", "--json"))
+        different = [(item["itemPath"], item["tags"], file_tags(item["itemPath"])) for item in after
+                     if same(item["tags"]) != same(file_tags(item["itemPath"]))]
+        if different:
+            print(f"round {number} (seed {seed}): {len(different)} files differ from the store, the first: {different[0]}")
+            sys.exit(1)
+        assert os.path.getsize(f"{world}/Test.ztlibrary/pending-tags") == 0, "the journal is not emptied"
+    print(f"{rounds} rounds, {interrupted} of them killed with writes pending: store and files agree")
+finally:
+    shutil.rmtree(world, ignore_errors=True)
