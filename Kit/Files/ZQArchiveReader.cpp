@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QtEndian>
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -78,35 +77,6 @@ ZQError limitError(const QString &archive, const QString &what)
                  {archive, what}));
 }
 
-// The library takes the listing of a zip archive that lies in this one for its own when that is cut off. A zip archive
-// ends with a record that says where its listing is and how much follows.
-bool lacksZipListing(const QString &path)
-{
-    constexpr qsizetype recordSize = 22;
-    constexpr qint64 longestComment = 65535;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || !file.peek(4).startsWith("PK")) {
-        return false;
-    }
-    const qint64 start = std::max<qint64>(file.size() - recordSize - longestComment, 0);
-    file.seek(start);
-    const QByteArray tail = file.readAll();
-    const auto number = [&tail](qsizetype at, auto type) {
-        return qFromLittleEndian<decltype(type)>(tail.constData() + at);
-    };
-    for (qsizetype at = tail.lastIndexOf("PK\5\6"); at >= 0; at = at > 0 ? tail.lastIndexOf("PK\5\6", at - 1) : -1) {
-        if (at + recordSize > tail.size()) {
-            continue;
-        }
-        const bool endsFile = at + recordSize + number(at + 20, quint16()) == tail.size();
-        const bool followsListing = qint64(number(at + 16, quint32())) + number(at + 12, quint32()) == start + at;
-        if (endsFile || followsListing) {
-            return false;
-        }
-    }
-    return true;
-}
-
 bool isSuccess(int status)
 {
     return status == ARCHIVE_OK || status == ARCHIVE_WARN; // a warning is about an attribute
@@ -130,7 +100,8 @@ bool ZQArchiveReader::extractArchive(const QString &path, const QString &folder,
                                                       {m_limits.nestingDepth})));
         return false;
     }
-    if (lacksZipListing(path)) {
+    m_headers = ZQArchiveHeaders::headersOfFile(path);
+    if (m_headers.isCutOff) {
         zqSetError(error, damage(zqLocalized("its end is missing")));
         return false;
     }
@@ -200,7 +171,8 @@ bool ZQArchiveReader::extractEntries(const QString &path, ZQExtractionFolder &fo
     const Reader reader = openReader(path);
     archive_entry *entry = nullptr;
     int status = ARCHIVE_OK;
-    while (isSuccess(status = archive_read_next_header(reader.get(), &entry))) {
+    for (qsizetype i = 0; isSuccess(status = archive_read_next_header(reader.get(), &entry)); ++i) {
+        m_checksum = m_headers.checksums.value(i);
         if (!mayGoOn(error) || !countEntry(error) || !isOpen(entry, error) ||
             !extractEntry(reader.get(), entry, folder, error)) {
             return false;
@@ -251,7 +223,10 @@ QString ZQArchiveReader::nameOfEntry(archive_entry *entry) const
     if (!name) {
         name = archive_entry_pathname_utf8(entry);
     }
-    const QByteArray bytes(name ? name : "");
+    if (!name) {
+        return {};
+    }
+    const QByteArray bytes(name);
     // One with its encoding said comes as UTF-8, whatever the others are in.
     const QString text = QString::fromUtf8(bytes);
     return text.contains(QChar::ReplacementCharacter) ? ZQLegacyText::decoded(bytes, m_encoding) : text;
@@ -272,10 +247,13 @@ bool ZQArchiveReader::extractEntry(archive *reader, archive_entry *entry, ZQExtr
     const Verdict verdict = ZQExtractionFolder::components(name, &components);
     const auto type = archive_entry_filetype(entry);
     const bool isFolder = type == AE_IFDIR || name.endsWith(u'/') || name.endsWith(u'\\');
-    if (verdict == Verdict::Noise || (verdict == Verdict::Fine && components.isEmpty())) {
+    const bool namesNothing = verdict == Verdict::Fine && components.isEmpty() && !name.isNull();
+    if (verdict == Verdict::Noise || namesNothing) {
         return true;
     }
-    if (verdict == Verdict::Outside) {
+    if (name.isNull()) {
+        skip(QStringLiteral("?"), zqLocalized("its name cannot be read"));
+    } else if (verdict == Verdict::Outside) {
         skip(name, zqLocalized("its name leads out of the archive"));
     } else if (type == AE_IFLNK || archive_entry_hardlink(entry)) {
         skip(name, zqLocalized("it is a link"));
@@ -315,21 +293,29 @@ bool ZQArchiveReader::extractEntry(archive *reader, archive_entry *entry, ZQExtr
 
 bool ZQArchiveReader::copyData(archive *reader, int descriptor, ZQError *error)
 {
+    quint32 checksum = 0;
     for (;;) {
         const la_ssize_t count = archive_read_data(reader, m_block.data(), std::size_t(m_block.size()));
-        if (count == 0) {
-            return true;
-        }
         if (count < 0) {
             zqSetError(error, failure(reader));
             return false;
+        }
+        if (m_checksum) {
+            checksum = zqCRC32(checksum, m_block.constData(), count);
+        }
+        if (count == 0 && m_checksum.value_or(checksum) != checksum) {
+            zqSetError(error, damage(zqLocalized("its content has changed")));
+            return false;
+        }
+        if (count == 0) {
+            return true;
         }
         m_totalSize += count;
         if (!mayGoOn(error)) {
             return false;
         }
-        const bool isTooDense = m_totalSize > ZQArchiveLimits::ratioFreeSize &&
-                                m_totalSize / std::max<qint64>(m_outermostSize, 1) > m_limits.ratio;
+        const bool isTooDense =
+            m_totalSize > m_limits.ratioFreeSize && m_totalSize / std::max<qint64>(m_outermostSize, 1) > m_limits.ratio;
         if (m_totalSize > m_limits.totalSize || isTooDense) {
             const QString what =
                 isTooDense ? zqFormat(zqLocalized("its content is more than %d times as large"), {m_limits.ratio})

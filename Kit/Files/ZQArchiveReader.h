@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Files/ZQArchiveHeaders.h"
 #include "Kit/Files/ZQExtractionFolder.h"
 #include "Kit/Foundation/ZQError.h"
 
@@ -19,7 +20,7 @@ struct ZQArchiveLimits
     qint64 ratio = 250;      // of what came out to the archive's own size; counts from `ratioFreeSize` on
     qint64 nestingDepth = 8; // archives in archives
 
-    static constexpr qint64 ratioFreeSize = qint64(256) << 20; // bytes; small files of one colour shrink very far
+    qint64 ratioFreeSize = qint64(256) << 20; // bytes; small files of one colour shrink very far
 };
 
 // Unpacks zip and rar archives (RAR 5 too) that come from anywhere. One reader unpacks an archive and then, by further
@@ -61,7 +62,7 @@ private:
     bool countEntry(ZQError *error);
     bool isOpen(archive_entry *entry, ZQError *error) const; // not encrypted
     void skip(const QString &name, const QString &reason);
-    QString nameOfEntry(archive_entry *entry) const;
+    QString nameOfEntry(archive_entry *entry) const; // null when it cannot be read
     ZQError failure(archive *reader) const;
     ZQError damage(const QString &what) const;
     static ZQError writeError(int code);
@@ -70,6 +71,8 @@ private:
     const std::function<bool()> m_isCancelled;
     QString m_name;        // of the archive at hand
     QByteArray m_encoding; // of its names
+    ZQArchiveHeaders m_headers;
+    std::optional<quint32> m_checksum; // of the entry at hand
     qint64 m_outermostSize = 0;
     qint64 m_totalSize = 0;
     qint64 m_entryCount = 0;

@@ -18,7 +18,7 @@ struct Entry
 };
 
 QByteArray zipFile(const QList<Entry> &entries);
-// Uncompressed; files and folders only.
+// Uncompressed.
 QByteArray rarFile(const QList<Entry> &entries); // of version 4
 QByteArray rar5File(const QList<Entry> &entries);
 
