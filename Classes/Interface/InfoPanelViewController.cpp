@@ -6,6 +6,7 @@
 #include "Classes/Interface/LibraryCommands.h"
 #include "Classes/Interface/RatingField.h"
 #include "Classes/Interface/TagField.h"
+#include "Classes/Tags/OpenMetaPrefs.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTheme.h"
@@ -307,10 +308,12 @@ void InfoPanelViewController::showPicture(const ZQLibraryBaseItem &item, bool is
 void InfoPanelViewController::showTags(const SelectionSummary &summary)
 {
     m_tags->setTags(summary.tags, summary.hasOtherTags);
-    QStringList known;
+    QStringList known = OpenMetaPrefs::recentTags();
     if (const auto label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(m_window.context)) {
         for (const auto &tag : label->orderedChildren()) {
-            known.append(tag->title());
+            if (!known.contains(tag->title())) {
+                known.append(tag->title());
+            }
         }
     }
     m_tags->setKnownTags(known);
@@ -385,6 +388,7 @@ bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QSt
     if (added.isEmpty() && removed.isEmpty()) {
         return false;
     }
+    OpenMetaPrefs::updatePrefsRecentTags(shared, entered);
     ItemEdits(m_window).changeTags(items, added, removed);
     return true;
 }

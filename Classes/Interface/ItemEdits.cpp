@@ -1,6 +1,7 @@
 #include "Classes/Interface/ItemEdits.h"
 
 #include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -286,7 +287,7 @@ void ItemEdits::setRating(const QList<ZQObjectID> &items, double rating)
     WindowContext &window = m_window;
     const auto write = [&window](const ZQLibraryBaseItem &item, double value) {
         const QString path = item.itemURL();
-        const ZQError error = OpenMeta::setRating(value, path);
+        const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(path, value);
         if (!error.isNull()) {
             qCWarning(zqLogTags).noquote()
                 << "The rating of" << path << "was not written:" << error.localizedDescription();

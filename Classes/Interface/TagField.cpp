@@ -153,6 +153,12 @@ bool TagField::eventFilter(QObject *object, QEvent *event)
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
         update();
     }
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Down &&
+        m_edit->text().isEmpty()) {
+        m_edit->completer()->setCompletionPrefix(QString());
+        m_edit->completer()->complete();
+        return true;
+    }
     if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Backspace &&
         m_edit->text().isEmpty() && !m_tags.isEmpty()) {
         remove(m_tags.last());

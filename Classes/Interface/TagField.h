@@ -6,8 +6,8 @@
 class FlowLayout;
 class QLineEdit;
 
-// Tags as chips, with a field that completes the known ones. Enter or a comma adds, Backspace in the empty field takes
-// the last away.
+// Tags as chips, with a field that completes the known ones, in their order. Enter or a comma adds, Backspace in the
+// empty field takes the last away, Down shows what is known.
 class TagField : public QFrame
 {
     Q_OBJECT
