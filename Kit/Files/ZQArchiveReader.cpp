@@ -50,13 +50,20 @@ private:
     locale_t m_previous;
 };
 
+// The format is told by the beginning: left to choose, the library takes a rar archive that ends with a stored zip
+// archive for that one.
 Reader openReader(const QString &path)
 {
     Reader reader(archive_read_new(), archive_read_free);
     if (reader) {
-        archive_read_support_format_zip(reader.get());
-        archive_read_support_format_rar(reader.get());
-        archive_read_support_format_rar5(reader.get());
+        QFile file(path);
+        const bool isRar = file.open(QIODevice::ReadOnly) && file.read(4) == "Rar!";
+        if (isRar) {
+            archive_read_support_format_rar(reader.get());
+            archive_read_support_format_rar5(reader.get());
+        } else {
+            archive_read_support_format_zip(reader.get());
+        }
         archive_read_open_filename(reader.get(), QFile::encodeName(path).constData(),
                                    inputBlock); // the first header tells
     }

@@ -80,6 +80,19 @@ TEST_F(ArchiveReaderTest, EveryKindOfArchiveComesOutWhole)
     EXPECT_EQ(extracted(SampleArchives::zipFile({})), QStringList());
 }
 
+TEST_F(ArchiveReaderTest, AnArchiveThatEndsWithAnotherIsNotTakenForThatOne)
+{
+    const QByteArray inner = SampleArchives::zipFile({{"b.txt", "b"}});
+    const QList<Entry> entries{{"a.txt", "a"}, {"in.zip", inner}};
+    for (const QByteArray &archive :
+         {SampleArchives::zipFile(entries), SampleArchives::rarFile(entries), SampleArchives::rar5File(entries)}) {
+        const QStringList names = extracted(archive);
+        ASSERT_EQ(names.size(), 2);
+        EXPECT_EQ(names.first(), QStringLiteral("a.txt=a"));
+        EXPECT_EQ(read(path(QStringLiteral("w/a/b/out/in.zip"))), inner);
+    }
+}
+
 TEST_F(ArchiveReaderTest, WhatIsNoRegularFileIsLeftOut)
 {
     EXPECT_EQ(extracted(SampleArchives::rarFile(
