@@ -12,6 +12,9 @@ protected:
 
 TEST_F(DesktopMirrorTest, WhatIsWrittenShowsUnderTheDesktopsNames)
 {
+    if (!hasRoomForMirrors()) {
+        GTEST_SKIP() << "This file system has little room for attributes";
+    }
     ASSERT_TRUE(
         OpenMeta::setUserTags(QStringList{QStringLiteral("Logo"), QStringLiteral("Cafe\u0301")}, path).isNull());
     ASSERT_TRUE(OpenMeta::setRating(3.5, path).isNull());

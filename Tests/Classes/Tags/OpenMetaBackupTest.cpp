@@ -20,6 +20,9 @@ protected:
 
 TEST_F(OpenMetaBackupTest, AFileSavedByReplacingItGetsItsTagsBack)
 {
+    if (!hasRoomForMirrors()) {
+        GTEST_SKIP() << "This file system has little room for attributes";
+    }
     ASSERT_TRUE(OpenMeta::setRating(4, path).isNull());
     ASSERT_TRUE(OpenMeta::setFinderComment(QStringLiteral("noted"), path).isNull());
     tag(path, list("a b"));

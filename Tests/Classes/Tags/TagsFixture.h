@@ -40,6 +40,14 @@ protected:
         return file.fileName();
     }
 
+    // Whether everything that is written of a file fits beside each other here.
+    bool hasRoomForMirrors() const
+    {
+        const QString probe = QStringLiteral("probe");
+        const bool fits = ZQExtendedAttributes::set(path, probe, QByteArray(3000, 'p'));
+        ZQExtendedAttributes::remove(path, probe);
+        return fits;
+    }
     static QStringList list(const char *tags) // separated by blanks
     {
         return QString::fromUtf8(tags).split(u' ', Qt::SkipEmptyParts);
