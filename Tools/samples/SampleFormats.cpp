@@ -275,6 +275,45 @@ QByteArray SampleFormats::tgaFile(const QImage &image, Packing packing)
     return out + QByteArray(8, '\0') + QByteArray("TRUEVISION-XFILE.\0", 18);
 }
 
+namespace {
+
+// The layer and mask section with the picture as its only layer.
+QByteArray psdLayers(const QImage &pixels, int depth)
+{
+    QByteArray info;
+    appendBig(info, qint16(-1)); // one layer; the first extra channel of the merged picture is its transparency
+    for (const int edge : {0, 0, pixels.height(), pixels.width()}) {
+        appendBig(info, qint32(edge));
+    }
+    constexpr qint16 channelIDs[] = {0, 1, 2, -1};
+    appendBig(info, quint16(4));
+    const qsizetype channelBytes = qsizetype(pixels.width()) * pixels.height() * depth / 8;
+    for (const qint16 id : channelIDs) {
+        appendBig(info, id);
+        appendBig(info, quint32(2 + channelBytes));
+    }
+    info += "8BIMnorm";
+    info.append("\xff\0\0\0", 4); // opaque, visible
+    const QByteArray name("\3art", 4);
+    appendBig(info, quint32(8 + name.size()));
+    info.append(8, '\0'); // no mask, no blending ranges
+    info += name;
+    for (int channel = 0; channel < 4; ++channel) {
+        appendBig(info, quint16(0));
+        for (int y = 0; y < pixels.height(); ++y) {
+            info += channelRow(pixels, y, channel, depth);
+        }
+    }
+    info.append(info.size() % 2, '\0');
+    QByteArray section;
+    appendBig(section, quint32(info.size()));
+    section += info;
+    appendBig(section, quint32(0)); // no global mask
+    return section;
+}
+
+} // namespace
+
 QByteArray SampleFormats::psdFile(const QImage &image, Packing packing, int depth)
 {
     const int channels = image.hasAlphaChannel() ? 4 : 3;
@@ -287,14 +326,9 @@ QByteArray SampleFormats::psdFile(const QImage &image, Packing packing, int dept
     appendBig(out, quint16(3)); // RGB
     appendBig(out, quint32(0)); // colour mode data
     appendBig(out, quint32(0)); // resources
-    if (channels == 4) {
-        appendBig(out, quint32(8));
-        appendBig(out, quint32(2));
-        appendBig(out, qint16(-1)); // the first extra channel is transparency
-        appendBig(out, quint16(0));
-    } else {
-        appendBig(out, quint32(0));
-    }
+    const QByteArray layers = channels == 4 ? psdLayers(pixels, depth) : QByteArray();
+    appendBig(out, quint32(layers.size()));
+    out += layers;
     appendBig(out, quint16(packing == Packing::RunLength ? 1 : 0));
     QByteArray lengths;
     QByteArray data;
