@@ -96,7 +96,9 @@ void answerAnotherQuestion()
 {
     ZQRenderAnswer answer;
     answer.kind = ZQRenderAnswer::Kind::Properties;
-    answer.properties = {10, 10, 1, 8, 72, 1, false, QStringLiteral("RGB"), {}};
+    answer.properties.pixelWidth = 10;
+    answer.properties.pixelHeight = 10;
+    answer.properties.colorModel = QStringLiteral("RGB");
     send(answer);
 }
 
