@@ -21,8 +21,8 @@ bool fail(ZQError *error, const QString &path)
     return false;
 }
 
-// Reads what `call(buffer, size)` gives: in one call when it is small, as nearly everything is, else asking for the size
-// first.
+// Reads what `call(buffer, size)` gives: in one call when it is small, as nearly everything is, else asking for the
+// size first.
 template <class Call>
 std::optional<QByteArray> readSized(Call call)
 {
