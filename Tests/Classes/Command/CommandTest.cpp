@@ -1,4 +1,5 @@
 #include "Tests/Classes/Command/CommandFixture.h"
+#include "Tools/samples/SampleArchives.h"
 
 TEST_F(CommandTest, AnImportedPictureIsListedWithItsAttributes)
 {
@@ -133,4 +134,44 @@ TEST_F(CommandTest, PreferencesAreReadOverTheirDefaults)
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "false\n");
     EXPECT_EQ(run("defaults delete UseDarkUI"), 0);
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n");
+}
+
+TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)
+{
+    using SampleArchives::Entry;
+    const auto bytes = [this](const char *name, QRgb color) {
+        QFile file(picture(QString::fromLatin1(name), color));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const auto write = [this](const char *name, const QByteArray &archive) {
+        QFile file(world.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(archive) == archive.size());
+    };
+    const QByteArray red = bytes("in/red.png", qRgb(220, 20, 20));
+    const QByteArray blue = bytes("in/blue.png", qRgb(20, 20, 220));
+    write("set.zip",
+          SampleArchives::zipFile(
+              {{"a.png", red}, {"Sub/note.txt", "text"}, {"inner.zip", SampleArchives::zipFile({{"b.png", blue}})}}));
+    write("secret.zip", SampleArchives::zipFile({{"hidden.png", red, Entry::Kind::File, true}}));
+
+    ASSERT_EQ(run("import set.zip secret.zip in/red.png --into PROJECTS --set license=CC0 --json"), 0)
+        << context.errors.constData();
+    EXPECT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 3);
+    QStringList dropped;
+    for (const QJsonValue &file : object().value(QStringLiteral("dropped")).toArray()) {
+        dropped.append(file.toObject().value(QStringLiteral("path")).toString());
+        EXPECT_FALSE(file.toObject().value(QStringLiteral("reason")).toString().isEmpty());
+    }
+    dropped.sort();
+    EXPECT_EQ(dropped, (QStringList{world.filePath(QStringLiteral("secret.zip")),
+                                    world.filePath(QStringLiteral("set.zip/Sub/note.txt"))}));
+    ASSERT_EQ(run("items --json"), 0);
+    EXPECT_EQ(array().size(), 3); // nothing comes after the answer
+    for (const QJsonValue &item : array()) {
+        EXPECT_EQ(item.toObject().value(QStringLiteral("license")).toString(), QStringLiteral("CC0"));
+    }
+    EXPECT_EQ(run(QStringList{QStringLiteral("items"), QStringLiteral("--in"), QStringLiteral("PROJECTS/set/inner")}),
+              0);
+    EXPECT_EQ(run("verify --deep"), 0);
+    EXPECT_EQ(delegate->backgroundOperationQueue().operationCount(), 0);
 }
