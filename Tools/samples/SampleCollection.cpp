@@ -2,6 +2,7 @@
 
 #include "Tools/samples/SampleArchives.h"
 #include "Tools/samples/SampleFormats.h"
+#include "Tools/samples/SampleRaw.h"
 #include "Tools/samples/SampleScenes.h"
 
 #include <QDir>
@@ -219,6 +220,8 @@ void addOtherFormats(Writer &writer, const QImage &scene, const QImage &logo)
                     SampleFormats::psdFile(logo, Packing::RunLength));
     writer.addBytes(QStringLiteral("Formats/deep.psd"), QStringLiteral("PSD of 16 bits a sample"),
                     SampleFormats::psdFile(scene, Packing::None, 16));
+    writer.addBytes(QStringLiteral("Formats/sensor.dng"), QStringLiteral("camera raw (DNG) without a preview"),
+                    dngFile(scene));
     writer.add(QStringLiteral("Formats/Screen.sketch/QuickLook/Preview.png"),
                QStringLiteral("preview of a Sketch package"),
                [&scene](const QString &path) { return SampleFormats::writePNG(scene, path); });

@@ -85,7 +85,9 @@ ZQBitmap developed(LibRaw &raw, bool halfSize)
     raw.imgdata.params.half_size = halfSize;
     raw.imgdata.params.use_camera_wb = 1;
     raw.imgdata.params.output_bps = 8;
-    raw.imgdata.params.output_color = 1; // sRGB
+    raw.imgdata.params.output_color = 1; // sRGB, with its own curve
+    raw.imgdata.params.gamm[0] = 1 / 2.4;
+    raw.imgdata.params.gamm[1] = 12.92;
     if (raw.unpack() != LIBRAW_SUCCESS || raw.dcraw_process() != LIBRAW_SUCCESS) {
         return {};
     }
