@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QtEndian>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -31,6 +32,12 @@ struct Header
 
 using Pixel = std::array<uchar, 4>;
 
+bool isDepth(int bits)
+{
+    constexpr std::array depths{8, 15, 16, 24, 32};
+    return std::find(depths.begin(), depths.end(), bits) != depths.end();
+}
+
 std::optional<Header> readHeader(QFile &file)
 {
     const QByteArray bytes = file.read(headerBytes);
@@ -53,7 +60,7 @@ std::optional<Header> readHeader(QFile &file)
     out.alphaBits = raw[17] & 15;
     out.fromRight = (raw[17] & 16) != 0;
     out.fromTop = (raw[17] & 32) != 0;
-    return out;
+    return isDepth(out.depth) && (!out.hasMap || isDepth(out.mapDepth)) ? std::optional(out) : std::nullopt;
 }
 
 // 5 bits → 8 bits, the highest staying the highest.

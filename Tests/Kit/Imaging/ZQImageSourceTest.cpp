@@ -242,10 +242,13 @@ TEST_F(SampleTest, RefusesHeadersThatPromiseMoreThanTheFileHolds)
     psd.replace(14, 8, QByteArray::fromHex("00007530 00007530")); // 30000 x 30000
     QByteArray tga = SampleFormats::tgaFile(smallScene(), Packing::None);
     tga.replace(12, 4, QByteArray::fromHex("ffffffff"));
+    QByteArray map = SampleFormats::tgaFile(smallScene(), Packing::None);
+    map.replace(1, 7, QByteArray::fromHex("01010000ffff09")); // a map of nine bits a colour
     QByteArray bmp = contentOf("Formats/plain.bmp");
     bmp.replace(18, 8, QByteArray::fromHex("f0550000 f0550000"));
-    for (const auto &[name, bytes] : {std::pair("a.psd", psd), std::pair("a.tga", tga), std::pair("a.bmp", bmp),
-                                      std::pair("a.png", SampleFormats::lyingPNG(20000, 20000))}) {
+    for (const auto &[name, bytes] :
+         {std::pair("a.psd", psd), std::pair("a.tga", tga), std::pair("b.tga", map), std::pair("a.bmp", bmp),
+          std::pair("a.png", SampleFormats::lyingPNG(20000, 20000))}) {
         SCOPED_TRACE(name);
         ASSERT_TRUE(SampleFormats::writeBytes(bytes, path(QLatin1String(name))));
         ZQError error;
