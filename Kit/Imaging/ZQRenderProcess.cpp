@@ -285,7 +285,8 @@ ZQRenderProcess::~ZQRenderProcess()
 
 bool ZQRenderProcess::send(const ZQRenderRequest &request, int file)
 {
-    return zqSendMessage(m_socket.get(), zqEncode(request), file);
+    // The rules allow the folder that was there at the start, not another one of its name.
+    return ::access(m_folder.constData(), W_OK) == 0 && zqSendMessage(m_socket.get(), zqEncode(request), file);
 }
 
 bool ZQRenderProcess::waitForMessage(std::chrono::steady_clock::time_point end) const

@@ -34,7 +34,8 @@ public:
     ZQRenderProcess(const ZQRenderProcess &) = delete;
     ZQRenderProcess &operator=(const ZQRenderProcess &) = delete;
 
-    // Hands over a request and the file. False when the worker had ended before it could know of the file.
+    // Hands over a request and the file. False when the worker had ended before it could know of the file, or when its
+    // folder is gone: the temporary area is cleaned by others, too.
     bool send(const ZQRenderRequest &request, int file);
 
     enum class Outcome { Answered, Stopped, TalkedNonsense, TookTooLong, TooMuchMemory };

@@ -63,7 +63,7 @@ def draw(path, out):
         shutil.copy(path / "QuickLook" / "Preview.png", out)
     else:
         source = largest_frame(path) if kind == "ico" else f"{path}[0]"
-        run("convert", "-quiet", source, "-auto-orient", "-colorspace", "sRGB", out)
+        run("convert", "-quiet", source, "-auto-orient", "+repage", "-colorspace", "sRGB", out)
 
 
 def distance(ours, theirs):

@@ -335,3 +335,21 @@ TEST_F(RenderPoolTest, AThumbnailerReadsTheFileItDrawsAndNoOther)
 }
 
 } // namespace
+
+TEST_F(RenderPoolTest, AWorkerWhoseFolderWasCleanedAwayIsReplaced)
+{
+    qunsetenv("ZELTO_RENDER"); // the real one, which runs Ghostscript in that folder
+    ZQRenderPool pool({.time = 30s, .processes = 1});
+    ASSERT_TRUE(draws(pool, picture()));
+    const QStringList own{QStringLiteral("zelto-render.%1.*").arg(::getpid())};
+    QDir temporary(QDir::tempPath());
+    ASSERT_FALSE(temporary.entryList(own, QDir::Dirs).isEmpty());
+    for (const QString &folder : temporary.entryList(own, QDir::Dirs)) {
+        ASSERT_TRUE(QDir(temporary.filePath(folder)).removeRecursively());
+    }
+    const QString drawing = fileNamed(QStringLiteral("drawing.eps"),
+                                      SampleFormats::epsFile({40, 20}, "1 0 0 setrgbcolor 5 5 9 9 rectfill"));
+    ZQError error;
+    EXPECT_FALSE(pool.perform(Kind::Bitmap, drawing, box, 0, &error).bitmap.isNull())
+        << qPrintable(error.localizedDescription());
+}
