@@ -8,6 +8,7 @@
 #include "Classes/Interface/ProjectsSidebarViewController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTabStrip.h"
@@ -51,6 +52,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
                                  [this] { m_delegate->saveAction(); }}),
       m_mainWindow(std::make_unique<MainWindow>())
 {
+    ZQPreviewService::prepare();
     m_mainWindow->setWindowTitle(QStringLiteral("Zelto"));
     m_mainWindow->setMinimumSize(720, 480);
     m_mainWindow->closeRequested = [this] { m_delegate->terminate(); };

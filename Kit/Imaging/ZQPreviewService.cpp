@@ -23,6 +23,11 @@ QString previewInsideBundle(const QString &path)
 
 } // namespace
 
+void ZQPreviewService::prepare()
+{
+    ZQRenderPool::shared().prepare();
+}
+
 ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error, int frame)
 {
     const QFileInfo info(path);

@@ -12,5 +12,7 @@
 class ZQPreviewService
 {
 public:
+    // Starts what draws, in the background, so that the first picture need not wait for it.
+    static void prepare();
     static ZQBitmap previewOfFile(const QString &path, QSize box, ZQError *error = nullptr, int frame = 0);
 };

@@ -161,11 +161,20 @@ void ZQRenderPool::keep()
 
 void ZQRenderPool::startOne(std::unique_lock<std::mutex> &lock)
 {
-    --m_wanted;
+    constexpr std::chrono::milliseconds longestStart{5000};
     lock.unlock();
     QString failure;
     Process process = ZQRenderProcess::start(m_limits, -1, &failure);
+    if (process) {
+        // One after another: two that load their libraries at once are both late, and the first may be enough.
+        lock.lock();
+        m_busy.push_back(process.get()); // closing the pool interrupts it
+        lock.unlock();
+        process->waitUntilReady(longestStart);
+    }
     lock.lock();
+    std::erase(m_busy, process.get());
+    --m_wanted;
     if (process) {
         m_idle.push_back({std::move(process), std::chrono::steady_clock::now(), 0});
     } else {
@@ -192,12 +201,22 @@ std::vector<ZQRenderPool::Process> ZQRenderPool::takeExpired()
     return expired;
 }
 
+void ZQRenderPool::prepare()
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_count == 0 && !m_closed) {
+        ++m_count;
+        ++m_wanted;
+        m_keeperCalled.notify_one();
+    }
+}
+
 bool ZQRenderPool::take(Idle &out, QString *failure)
 {
     std::unique_lock lock(m_mutex);
     const quint64 failures = m_failures;
     while (m_idle.empty() && !m_closed && m_failures == failures) {
-        if (m_count < m_limits.processesOrDefault()) {
+        if (m_count < m_limits.processesOrDefault() && m_wanted == 0) {
             ++m_count;
             ++m_wanted;
             m_keeperCalled.notify_one();

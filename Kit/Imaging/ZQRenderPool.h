@@ -30,6 +30,8 @@ public:
     // Reads the file in a worker. Null and an error, naming the file, when that fails.
     Result perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame, ZQError *error);
 
+    // Starts the first worker, in the background.
+    void prepare();
     // Ends all workers; requests from now on fail.
     void close();
 

@@ -289,6 +289,11 @@ bool ZQRenderProcess::send(const ZQRenderRequest &request, int file)
     return ::access(m_folder.constData(), W_OK) == 0 && zqSendMessage(m_socket.get(), zqEncode(request), file);
 }
 
+void ZQRenderProcess::waitUntilReady(std::chrono::milliseconds time) const
+{
+    waitForMessage(std::chrono::steady_clock::now() + time); // its greeting, which the first answer comes after
+}
+
 bool ZQRenderProcess::waitForMessage(std::chrono::steady_clock::time_point end) const
 {
     using namespace std::chrono;

@@ -34,6 +34,9 @@ public:
     ZQRenderProcess(const ZQRenderProcess &) = delete;
     ZQRenderProcess &operator=(const ZQRenderProcess &) = delete;
 
+    // Waits until the worker is ready for its first request, or has ended.
+    void waitUntilReady(std::chrono::milliseconds time) const;
+
     // Hands over a request and the file. False when the worker had ended before it could know of the file, or when its
     // folder is gone: the temporary area is cleaned by others, too.
     bool send(const ZQRenderRequest &request, int file);
