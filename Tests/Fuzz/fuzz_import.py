@@ -119,6 +119,11 @@ def run_zelto(zelto, environment, limit, *arguments):
     )
 
 
+def is_archive(path):
+    """Becomes as many items as it holds, which may be none."""
+    return path.lower().endswith((".zip", ".rar"))
+
+
 def check_import(zelto, environment, paths, count):
     """What is wrong, one line each."""
     result = run_zelto(zelto, environment, 300 + 4 * count, "import", "--json", "--duplicates", "keep", *paths)
@@ -133,8 +138,11 @@ def check_import(zelto, environment, paths, count):
     strange = [path for path in sorted(dropped) if not any(str(part) in asked for part in (path, *pathlib.PurePath(path).parents))]
     if strange:  # what an archive held is named below it
         problems.append(f"dropped, but never asked for: {strange[:5]}")
-    if len(dropped) + len(report["imported"]) != len(paths):
-        problems.append(f"{len(paths)} files: {len(report['imported'])} imported, {len(dropped)} dropped")
+    items = json.loads(run_zelto(zelto, environment, 300, "items", "--json").stdout)
+    titles = {item["title"] for item in items}
+    lost = [path for path in paths if path not in dropped and pathlib.Path(path).stem not in titles and not is_archive(path)]
+    if lost:
+        problems.append(f"neither imported nor dropped: {lost[:5]}")
     verified = run_zelto(zelto, environment, 300, "verify", "--deep", "--json")
     if verified.returncode != 0:
         problems.append("verify: " + verified.stdout.decode(errors="replace")[-2000:])
