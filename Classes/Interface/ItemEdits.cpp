@@ -167,6 +167,35 @@ void run(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
     pass.writeFiles(changed);
 }
 
+class RewriteOperation : public ZQOperation
+{
+public:
+    RewriteOperation(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QList<ZQObjectID> items)
+        : m_coordinator(std::move(coordinator)), m_items(std::move(items))
+    {
+    }
+    void main() override
+    {
+        ZQManagedObjectContext context(m_coordinator);
+        for (qsizetype first = 0; first < m_items.size() && !isCancelled(); first += batchSize) {
+            rewrite(context, m_items.mid(first, batchSize));
+        }
+    }
+    static void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
+    {
+        context.fillFaults(items);
+        for (const ZQObjectID &id : items) {
+            if (const auto item = zqCast<ZQLibraryBaseItem>(context.objectWithID(id))) {
+                item->writeOpenMetaToDisk();
+            }
+        }
+    }
+
+private:
+    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    QList<ZQObjectID> m_items;
+};
+
 // A step that changed nothing leaves the stack again.
 class EditCommand : public QUndoCommand
 {
@@ -246,6 +275,16 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
         return [added, removed](ZQLibraryBaseItem &changed) { applyTags(changed, removed, added); };
     };
     m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit tags"), edit));
+}
+
+void ItemEdits::rewriteFiles(const QList<ZQObjectID> &items)
+{
+    if (items.size() <= mostAtOnce) {
+        RewriteOperation::rewrite(m_window.context, items);
+        return;
+    }
+    m_window.editQueue.addOperation(
+        std::make_shared<RewriteOperation>(m_window.context.persistentStoreCoordinator(), items));
 }
 
 void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)

@@ -18,6 +18,9 @@ public:
     // 0 to 5, 0 for none. The rating lives in the files alone, so it is always written by the edit queue.
     void setRating(const QList<ZQObjectID> &items, double rating);
 
+    // Writes the tags and notes of the saved store to the items' files; no undo step of its own.
+    void rewriteFiles(const QList<ZQObjectID> &items);
+
     // Beyond so many items the edit queue does it.
     static constexpr qsizetype mostAtOnce = 200;
 

@@ -1,5 +1,6 @@
 #include "Classes/Interface/SidebarCommands.h"
 
+#include "Classes/Interface/ItemEdits.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -332,9 +333,7 @@ void SidebarCommands::renameListItem(const Item &item, const QString &title)
             renamed->setTitle(to);
             window.save();
             if (renamed->isTag()) { // the files carry the name
-                for (const auto &tagged : renamed->items()) {
-                    tagged->writeOpenMetaToDisk();
-                }
+                ItemEdits(window).rewriteFiles(renamed->relatedObjectIDs(QStringLiteral("taggedItems")));
             }
             ZQNotificationCenter::defaultCenter().postNotification(QStringLiteral("SidebarItemTitleDidChange"),
                                                                    renamed.get());

@@ -217,3 +217,17 @@ TEST_F(SidebarCommandsTest, TagsNeedANameOfTheirOwn)
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Red"), red)) << "its own name";
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("RED"), blue)) << "another spelling is another tag";
 }
+
+TEST_F(SidebarCommandsTest, ARenamedTagIsWrittenToTheFilesOfAllItTags)
+{
+    const auto red = ZQSidebarTag::addNewTagWithName(QStringLiteral("Red"), library.context());
+    const auto image = library.addImage(QStringLiteral("mark"));
+    image->addTagsObject(red.get());
+    library.context().save();
+    const auto lastWritten = [this] { return library.written.isEmpty() ? QStringList() : library.written.last().tags; };
+
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Crimson"), red));
+    EXPECT_EQ(lastWritten(), QStringList{QStringLiteral("Crimson")});
+    undoStack.undo();
+    EXPECT_EQ(lastWritten(), QStringList{QStringLiteral("Red")});
+}
