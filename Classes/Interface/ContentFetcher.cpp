@@ -4,6 +4,7 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
+#include <algorithm>
 #include <array>
 #include <condition_variable>
 #include <deque>
@@ -75,8 +76,10 @@ void ContentFetcher::Private::run(ContentFetcher *owner)
         if (stopping) {
             return;
         }
-        const Job job = std::move(waiting.front());
-        waiting.pop_front();
+        const auto first = std::min_element(waiting.begin(), waiting.end(),
+                                            [](const Job &a, const Job &b) { return a.purpose < b.purpose; });
+        const Job job = std::move(*first);
+        waiting.erase(first);
         guard.unlock();
         perform(owner, context, job);
         context.reset();

@@ -21,7 +21,7 @@ public:
     ~ContentFetcher() override;
 
     // What a caller is waiting for; a new request under the same name replaces one not yet begun, and only the answer
-    // of the latest is delivered.
+    // of the latest is delivered. Those named first go first.
     enum class Purpose { Content, Typing, ProjectCounts, TagCounts, Summary, Count };
 
     using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error

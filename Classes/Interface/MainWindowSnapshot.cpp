@@ -6,6 +6,7 @@
 #include "Classes/Interface/MainWindow.h"
 #include "Classes/Interface/ProjectsSidebarViewController.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QApplication>
@@ -89,11 +90,14 @@ bool MainWindowController::renderSnapshot(const SnapshotOptions &options, QImage
     QElapsedTimer waited;
     waited.start();
     int quiet = 0;
+    constexpr std::chrono::milliseconds step{4};
     // Painting asks for thumbnails, so that it is settled only when a painted window asked for nothing more.
     while (quiet < 3 && waited.elapsed() < longestWait) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        controller.m_mainWindow->grab();
-        quiet = controller.isSettled() ? quiet + 1 : 0;
+        zqRunMainLoopFor(step);
+        if (controller.isSettled()) {
+            controller.m_mainWindow->grab();
+            quiet = controller.isSettled() ? quiet + 1 : 0;
+        }
     }
     QImage drawn(options.size * options.scale, QImage::Format_ARGB32_Premultiplied);
     if (qFuzzyCompare(ratio, options.scale)) {
