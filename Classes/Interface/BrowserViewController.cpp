@@ -227,13 +227,16 @@ QString BrowserViewController::title() const
     return count == 0 ? zqLocalized("nothing selected") : zqFormat(zqLocalized("%d items selected"), {int(count)});
 }
 
+QString BrowserViewController::countText() const
+{
+    const qint64 count = m_content->count();
+    return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
+}
+
 void BrowserViewController::updateHead()
 {
-    const QLocale locale;
     m_title->setText(title());
-    m_count->setText(m_content->count() == 1
-                         ? zqLocalized("1 item")
-                         : zqFormat(zqLocalized("%@ items"), {locale.toString(m_content->count())}));
+    m_count->setText(countText());
     const int value = m_content->sortValue();
     const int shown = value == 0 && !m_content->canSortManually() ? 1 : value;
     m_sort->setText(sortTitle(shown));
@@ -251,7 +254,7 @@ void BrowserViewController::updateStatus()
 {
     const QLocale locale;
     const qint64 selected = m_grid->selection().count();
-    m_status->setText(selected == 0 ? zqFormat(zqLocalized("%@ items"), {locale.toString(m_content->count())})
+    m_status->setText(selected == 0 ? countText()
                                     : zqFormat(zqLocalized("%@ of %@ selected"),
                                                {locale.toString(selected), locale.toString(m_content->count())}));
 }

@@ -51,6 +51,7 @@ Q_SIGNALS:
 private:
     QWidget *makeHead();
     QWidget *makeStatus();
+    QString countText() const;
     void updateHead();
     void updateStatus();
     void showSortMenu();
