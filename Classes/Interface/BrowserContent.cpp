@@ -13,6 +13,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -38,6 +39,7 @@ void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
 {
     m_sidebarItems = items;
     m_isLoaded = false;
+    m_isAskedAnew = true;
     reload();
 }
 
@@ -50,6 +52,7 @@ void BrowserContent::setFilter(const QString &text)
 {
     if (text != m_filter) {
         m_filter = text;
+        m_isAskedAnew = true;
         reload();
     }
 }
@@ -149,29 +152,38 @@ void BrowserContent::reload()
             requests.append(section.request);
         }
     }
-    m_window.fetcher.fetchObjectIDs(ContentFetcher::Purpose::Content, requests,
-                                    [this, titles](const ContentFetcher::IDs &ids) { take(titles, ids); });
+    m_window.fetcher.fetchRows(ContentFetcher::Purpose::Content, requests,
+                               [this, titles](const ContentFetcher::Rows &fetched) { take(titles, fetched); });
 }
 
-void BrowserContent::take(const QStringList &titles, const ContentFetcher::IDs &ids)
+void BrowserContent::take(const QStringList &titles, const ContentFetcher::Rows &fetched)
 {
-    Q_EMIT aboutToChange();
-    m_rows.clear();
-    m_starts.clear();
-    m_groups.clear();
-    m_shown.clear();
-    m_count = 0;
-    for (qsizetype i = 0; i < ids.size(); ++i) {
-        if (ids[i].isEmpty()) {
+    ContentFetcher::Rows rows;
+    QList<qint64> starts;
+    QList<ZQGridGroup> groups;
+    qint64 count = 0;
+    for (qsizetype i = 0; i < fetched.size(); ++i) {
+        const qsizetype size = fetched[i].ids.size();
+        if (size == 0) {
             continue;
         }
-        m_starts.append(m_count);
-        m_rows.append(ids[i]);
+        starts.append(count);
+        rows.append(fetched[i]);
         if (!titles[i].isEmpty()) {
-            m_groups.append({titles[i], ids[i].size()});
+            groups.append({titles[i], size});
         }
-        m_count += ids[i].size();
+        count += size;
     }
+    // Most changes are to what items say of themselves, and leave every row in its place.
+    if (!std::exchange(m_isAskedAnew, false) && rows == m_rows && groups == m_groups) {
+        return;
+    }
+    Q_EMIT aboutToChange();
+    m_rows = rows;
+    m_starts = starts;
+    m_groups = groups;
+    m_count = count;
+    m_shown.clear();
     if (m_filter.isEmpty()) {
         m_unfilteredCount = m_count;
     }
@@ -185,45 +197,36 @@ void BrowserContent::dropObjects()
     m_thumbnails.clear();
 }
 
-const ZQObjectID &BrowserContent::row(qint64 index) const
+std::pair<qsizetype, qsizetype> BrowserContent::placeOfRow(qint64 index) const
 {
     const auto section = std::upper_bound(m_starts.begin(), m_starts.end(), index) - m_starts.begin() - 1;
-    return m_rows[section][index - m_starts[section]];
+    return {section, index - m_starts[section]};
 }
 
-ZQRef<ZQLibraryBaseItem> BrowserContent::itemOfRow(const ZQObjectID &id) const
+const ZQObjectID &BrowserContent::rowID(qint64 index) const
 {
-    const ZQRef<ZQManagedObject> object = m_window.context.objectWithID(id);
-    if (const auto membership = zqCast<ZQProjectItem>(object)) {
-        return membership->item();
-    }
-    return zqCast<ZQLibraryBaseItem>(object);
+    const auto [section, position] = placeOfRow(index);
+    return m_rows[section].ids[position];
+}
+
+const ZQObjectID &BrowserContent::itemID(qint64 index) const
+{
+    const auto [section, position] = placeOfRow(index);
+    return m_rows[section].related[position];
 }
 
 void BrowserContent::willShow(qint64 first, qint64 last)
 {
-    QList<ZQObjectID> missing;
-    for (qint64 index = first; index <= last && index < m_count; ++index) {
-        if (!m_shown.contains(index)) {
-            missing.append(row(index));
-        }
-    }
-    if (missing.isEmpty()) {
-        return;
-    }
     constexpr qsizetype kept = 2000;
     if (m_shown.size() > kept) {
         m_shown.clear();
         m_thumbnails.clear();
     }
-    m_window.context.fillFaults(missing);
     QList<ZQObjectID> items;
     for (qint64 index = first; index <= last && index < m_count; ++index) {
         if (!m_shown.contains(index)) {
-            m_shown.insert(index, itemOfRow(row(index)));
-        }
-        if (const auto &item = m_shown[index]) {
-            items.append(item->objectID());
+            items.append(itemID(index));
+            m_shown.insert(index, m_window.libraryItem(items.last()));
         }
     }
     m_window.context.fillFaults(items);
@@ -235,32 +238,39 @@ ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
         return {};
     }
     const auto found = m_shown.constFind(index);
-    return found != m_shown.constEnd() ? *found : itemOfRow(row(index));
+    return found != m_shown.constEnd() ? *found : m_window.libraryItem(itemID(index));
+}
+
+template <class Use>
+void BrowserContent::forEachPlace(const ZQIndexSet &indexes, Use use) const
+{
+    for (const ZQIndexSet::Range &range : indexes.ranges()) {
+        for (qint64 index = range.first; index <= range.last && index < m_count;) {
+            auto [section, position] = placeOfRow(index);
+            for (; position < m_rows[section].ids.size() && index <= range.last; ++position, ++index) {
+                use(m_rows[section], position);
+            }
+        }
+    }
 }
 
 QList<ZQObjectID> BrowserContent::rowIDs(const ZQIndexSet &indexes) const
 {
     QList<ZQObjectID> result;
     result.reserve(indexes.count());
-    for (const ZQIndexSet::Range &range : indexes.ranges()) {
-        for (qint64 index = range.first; index <= range.last && index < m_count; ++index) {
-            result.append(row(index));
-        }
-    }
+    forEachPlace(indexes, [&](const ZQRelatedIDs &rows, qsizetype position) { result.append(rows.ids[position]); });
     return result;
 }
 
 QList<ZQObjectID> BrowserContent::libraryItemIDs(const ZQIndexSet &indexes) const
 {
-    const QList<ZQObjectID> rows = rowIDs(indexes);
-    m_window.context.fillFaults(rows);
     QList<ZQObjectID> result;
-    result.reserve(rows.size());
-    for (const ZQObjectID &id : rows) {
-        if (const auto item = itemOfRow(id)) {
-            result.append(item->objectID());
+    result.reserve(indexes.count());
+    forEachPlace(indexes, [&](const ZQRelatedIDs &rows, qsizetype position) {
+        if (const ZQObjectID &item = rows.related[position]; !item.isNull()) {
+            result.append(item);
         }
-    }
+    });
     return result;
 }
 
@@ -269,7 +279,7 @@ ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
     const QSet<ZQObjectID> wanted(rows.begin(), rows.end());
     ZQIndexSet result;
     for (qint64 index = 0; index < m_count && !wanted.isEmpty(); ++index) {
-        if (wanted.contains(row(index))) {
+        if (wanted.contains(rowID(index))) {
             result.insert(index);
         }
     }
@@ -278,12 +288,9 @@ ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
 
 qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
 {
-    for (qint64 index = 0; index < m_count; ++index) {
-        if (row(index) == item) {
-            return index;
-        }
-        if (const auto member = itemOfRow(row(index)); member && member->objectID() == item) {
-            return index;
+    for (qsizetype section = 0; section < m_rows.size(); ++section) {
+        if (const qsizetype position = m_rows[section].related.indexOf(item); position >= 0) {
+            return m_starts[section] + position;
         }
     }
     return -1;
@@ -347,7 +354,7 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
                                         }
                                         for (qint64 step = 0; step < self->m_count && !matches.isEmpty(); ++step) {
                                             const qint64 index = (from + step) % self->m_count;
-                                            if (matches.contains(self->row(index))) {
+                                            if (matches.contains(self->rowID(index))) {
                                                 Q_EMIT self->typingFound(index);
                                                 return;
                                             }

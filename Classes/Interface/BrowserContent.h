@@ -48,7 +48,8 @@ public:
     static QImage decodeForeign(const ZQThumbnailRequest &request, int pixels); // any thread
 
 Q_SIGNALS:
-    void aboutToChange(); // the rows are still the old ones
+    // What was fetched differs from what is shown. At the first the rows are still the old ones.
+    void aboutToChange();
     void changed();
     void typingFound(qint64 index); // what `indexForTyping` was asked for
 
@@ -61,19 +62,24 @@ private:
     QList<Section> sections() const;
     void addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Section> &into) const;
     ZQFetchRequest prepared(ZQFetchRequest request) const;
-    ZQRef<ZQLibraryBaseItem> itemOfRow(const ZQObjectID &row) const;
-    const ZQObjectID &row(qint64 index) const;
-    void take(const QStringList &titles, const ContentFetcher::IDs &ids);
+    // The place of a row: its section and how far into it.
+    std::pair<qsizetype, qsizetype> placeOfRow(qint64 index) const;
+    const ZQObjectID &rowID(qint64 index) const;
+    const ZQObjectID &itemID(qint64 index) const;
+    template <class Use>
+    void forEachPlace(const ZQIndexSet &indexes, Use use) const; // use(section, position)
+    void take(const QStringList &titles, const ContentFetcher::Rows &fetched);
 
     WindowContext &m_window;
     QList<ZQObjectID> m_sidebarItems;
     QString m_filter;
-    QList<QList<ZQObjectID>> m_rows; // one list a section
+    ContentFetcher::Rows m_rows; // one a section
     QList<qint64> m_starts;
     QList<ZQGridGroup> m_groups;
     qint64 m_count = 0;
     qint64 m_unfilteredCount = 0;
     bool m_isLoaded = false;
+    bool m_isAskedAnew = false; // what comes is announced even if it is the same
     mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;
     mutable QHash<ZQObjectID, ZQThumbnailRequest> m_thumbnails;
 };

@@ -1,8 +1,8 @@
 #include "Classes/Interface/ContentFetcher.h"
 
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/ZQProjectItem.h"
 
 #include <algorithm>
 #include <array>
@@ -139,6 +139,19 @@ void ContentFetcher::fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> reque
     run(purpose, each<QList<ZQObjectID>>(std::move(requests), std::move(answer),
                                          [](ZQManagedObjectContext &context, const ZQFetchRequest &request,
                                             ZQError *error) { return context.fetchObjectIDs(request, error); }));
+}
+
+void ContentFetcher::fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(Rows)> answer)
+{
+    const auto rowsOf = [](ZQManagedObjectContext &context, const ZQFetchRequest &request,
+                           ZQError *error) -> std::optional<ZQRelatedIDs> {
+        if (request.entityName == ZQProjectItem::entityName()) {
+            return context.fetchObjectIDsWithRelated(request, QStringLiteral("item"), error);
+        }
+        const auto ids = context.fetchObjectIDs(request, error);
+        return ids ? std::optional<ZQRelatedIDs>({*ids, *ids}) : std::nullopt;
+    };
+    run(purpose, each<ZQRelatedIDs>(std::move(requests), std::move(answer), rowsOf));
 }
 
 void ContentFetcher::count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer)

@@ -1,15 +1,11 @@
 #pragma once
 
-#include "Kit/Persistence/ZQFetchRequest.h"
-#include "Kit/Persistence/ZQObjectID.h"
+#include "Kit/Persistence/ZQManagedObjectContext.h"
 
 #include <QObject>
 
 #include <functional>
 #include <memory>
-
-class ZQManagedObjectContext;
-class ZQPersistentStoreCoordinator;
 
 // Runs fetches on a thread and context of its own, so that long lists and many counts never hold up the window.
 // It sees what was saved. Used from the main thread; answers arrive there.
@@ -26,6 +22,9 @@ public:
 
     using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error
     void fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer);
+    // Rows in order and the library items they stand for: themselves, or what a membership leads to.
+    using Rows = QList<ZQRelatedIDs>;
+    void fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(Rows)> answer);
     void count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
     // `work` runs on the fetcher's thread and should give up once `isWanted` says no; what it returns runs on the main
     // one.

@@ -8,6 +8,7 @@
 #include "Classes/Interface/TagField.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -231,17 +232,20 @@ void InfoPanelViewController::addRow(const QString &name, QWidget *value)
     m_rows->addWidget(value, row, 1, isField ? Qt::AlignVCenter : Qt::AlignTop);
 }
 
-void InfoPanelViewController::refresh()
+bool InfoPanelViewController::refresh()
 {
     commitNotes();
     const QList<ZQObjectID> items = m_browser.selectedItems();
     if (items.isEmpty()) {
         showNothing();
-        return;
+        return true;
     }
     if (items.size() <= ItemEdits::mostAtOnce) {
         showSummary(items, *SelectionSummary::of(items, m_window.context, [] { return true; }));
-        return;
+        return true;
+    }
+    if (items == m_items && m_window.editQueue.operationCount() > 0) {
+        return false;
     }
     if (items != m_items) { // until it is known what they have in common
         m_nothing->setText(zqFormat(zqLocalized("%@ items selected"), {QLocale().toString(items.size())}));
@@ -258,6 +262,7 @@ void InfoPanelViewController::refresh()
                                  }
                              };
                          });
+    return true;
 }
 
 void InfoPanelViewController::showNothing()
@@ -368,16 +373,9 @@ bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QSt
     QStringList entered = withTags;
     entered.removeAll(zqLocalized("Multiple values"));
     const QStringList shared = commonTagsForItems(items);
-    QList<ZQObjectID> added;
+    QStringList added = entered;
+    added.removeIf([&shared](const QString &title) { return shared.contains(title); });
     QList<ZQObjectID> removed;
-    for (const QString &title : entered) {
-        const auto tag = shared.contains(title) ? ZQRef<ZQSidebarTag>()
-                                                : ZQSidebarTag::getOrCreateTagWithName(title, m_window.context);
-        if (tag) {
-            m_window.save(); // for its lasting identifier
-            added.append(tag->objectID());
-        }
-    }
     for (const QString &title : shared) {
         const auto tag =
             entered.contains(title) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(title, m_window.context);
@@ -389,7 +387,7 @@ bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QSt
         return false;
     }
     OpenMetaPrefs::updatePrefsRecentTags(shared, entered);
-    ItemEdits(m_window).changeTags(items, added, removed);
+    ItemEdits(m_window).changeTags(items, {}, removed, added);
     return true;
 }
 

@@ -21,7 +21,9 @@ class InfoPanelViewController : public QScrollArea
     Q_OBJECT
 public:
     InfoPanelViewController(WindowContext &window, BrowserViewController &browser, QWidget *parent = nullptr);
-    void refresh(); // the selection or what it holds changed
+    // The selection or what it holds changed. False when that has to be asked again, since the edits of many items
+    // under way change it all the while.
+    bool refresh();
     void editTitle();
     bool commitEditing(); // takes what was typed; false when the title cannot be taken
 

@@ -25,6 +25,7 @@ struct Edit
     using Change = std::function<Undo(ZQLibraryBaseItem &)>; // null when the item is that way already
 
     QString progressText;
+    std::function<bool(ZQManagedObjectContext &, ZQError *)> prepare; // saves what it makes; null for none
     Change change;
     QList<ZQObjectID> items;
     QList<ZQObjectID> tags; // held in memory meanwhile
@@ -121,6 +122,11 @@ public:
         const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
             zqOnMainThreadAndWait([&] { m_window.context.mergeChangesFromContextDidSaveNotification(saved); });
         });
+        ZQError error;
+        if (!m_isUndo && m_edit->prepare && !m_edit->prepare(context, &error)) {
+            zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
+            return;
+        }
         EditPass pass(*m_edit, m_isUndo, context);
         std::shared_ptr<UserProgress> progress;
         if (pass.count() > batchSize) {
@@ -134,7 +140,6 @@ public:
         qsizetype position = 0;
         while (position < pass.count() && !isCancelled()) {
             const auto changed = pass.changeBatch(position, batchSize);
-            ZQError error;
             if (!context.save(&error)) {
                 zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
                 return;
@@ -159,6 +164,11 @@ void run(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
 {
     if (edit->isQueued()) {
         window.editQueue.addOperation(std::make_shared<EditOperation>(window, edit, isUndo));
+        return;
+    }
+    ZQError error;
+    if (!isUndo && edit->prepare && !edit->prepare(window.context, &error)) {
+        window.user.presentError(error);
         return;
     }
     EditPass pass(*edit, isUndo, window.context);
@@ -252,19 +262,37 @@ void applyTags(ZQLibraryBaseItem &item, const QList<ZQObjectID> &add, const QLis
 } // namespace
 
 void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectID> &add,
-                           const QList<ZQObjectID> &remove)
+                           const QList<ZQObjectID> &remove, const QStringList &addByTitle)
 {
-    if (items.isEmpty() || (add.isEmpty() && remove.isEmpty())) {
+    if (items.isEmpty() || (add.isEmpty() && remove.isEmpty() && addByTitle.isEmpty())) {
         return;
     }
     const auto edit = std::make_shared<Edit>();
     edit->progressText = zqLocalized("Tagging…");
     edit->items = items;
-    edit->tags = add + remove;
     edit->rewritesFiles = true;
-    edit->change = [add, remove](ZQLibraryBaseItem &item) -> Edit::Undo {
+    // A tag is made where the items are changed: a save waits for the disk, which is busy when many files are written.
+    const auto all = std::make_shared<QList<ZQObjectID>>(add);
+    edit->prepare = [edit = edit.get(), add, remove, addByTitle, all](ZQManagedObjectContext &context, ZQError *error) {
+        QList<ZQRef<ZQSidebarTag>> named;
+        for (const QString &title : addByTitle) {
+            if (const auto tag = ZQSidebarTag::getOrCreateTagWithName(title, context)) {
+                named.append(tag);
+            }
+        }
+        if (!context.save(error)) {
+            return false;
+        }
+        *all = add;
+        for (const auto &tag : named) {
+            all->append(tag->objectID());
+        }
+        edit->tags = *all + remove;
+        return true;
+    };
+    edit->change = [all, remove](ZQLibraryBaseItem &item) -> Edit::Undo {
         const QList<ZQObjectID> present = item.relatedObjectIDs(QStringLiteral("tags"));
-        QList<ZQObjectID> added = add;
+        QList<ZQObjectID> added = *all;
         added.removeIf([&present](const ZQObjectID &tag) { return present.contains(tag); });
         QList<ZQObjectID> removed = remove;
         removed.removeIf([&present](const ZQObjectID &tag) { return !present.contains(tag); });

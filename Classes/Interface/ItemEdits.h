@@ -10,8 +10,10 @@ class ItemEdits
 public:
     explicit ItemEdits(WindowContext &window) : m_window(window) {}
 
-    // Tags by identifier; those an item has, or lacks, already change nothing there.
-    void changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectID> &add, const QList<ZQObjectID> &remove);
+    // Tags by identifier, or by title and then made when there is none; those an item has, or lacks, already change
+    // nothing there.
+    void changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectID> &add, const QList<ZQObjectID> &remove,
+                    const QStringList &addByTitle = {});
     void setNotes(const QList<ZQObjectID> &items, const QString &notes);
     void setLicense(const QList<ZQObjectID> &items, const QString &license);
     void setSource(const QList<ZQObjectID> &items, const QString &address);

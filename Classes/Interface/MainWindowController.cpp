@@ -176,7 +176,11 @@ void MainWindowController::makePanes()
     connect(m_browser, &BrowserViewController::contextMenuRequested, this, &MainWindowController::showItemMenu);
     m_infoTimer.setSingleShot(true);
     m_infoTimer.setInterval(30); // moving through items with a held key reads only where it stops
-    connect(&m_infoTimer, &QTimer::timeout, m_info, &InfoPanelViewController::refresh);
+    connect(&m_infoTimer, &QTimer::timeout, this, [this] {
+        if (!m_info->refresh()) {
+            m_infoTimer.start();
+        }
+    });
     connect(m_browser, &BrowserViewController::selectionChanged, this, [this] {
         m_infoTimer.start();
         updateCommands();
@@ -437,7 +441,6 @@ void MainWindowController::updateLocalization()
 
 bool MainWindowController::isSettled() const
 {
-    return m_fetcher->isIdle() && m_editQueue.operationCount() == 0 &&
-           m_browser->grid().thumbnailLoader().pendingCount() == 0 && !m_infoTimer.isActive() &&
-           !m_sidebarTimer.isActive();
+    return m_fetcher->isIdle() && !isEditing() && m_browser->grid().thumbnailLoader().pendingCount() == 0 &&
+           !m_infoTimer.isActive() && !m_sidebarTimer.isActive();
 }

@@ -71,8 +71,9 @@ public:
     ProjectsSidebarViewController &sidebar() { return *m_sidebar; }
     BrowserViewController &browser() { return *m_browser; }
     QUndoStack &undoStack() { return m_undoStack; }
-    QAction *commandNamed(const QString &title) const; // null for none
-    bool isSettled() const;                            // nothing is being fetched or read for what is shown
+    QAction *commandNamed(const QString &title) const;                  // null for none
+    bool isEditing() const { return m_editQueue.operationCount() > 0; } // many items are being changed
+    bool isSettled() const; // nothing is being fetched or read for what is shown
 
 private:
     struct Tab

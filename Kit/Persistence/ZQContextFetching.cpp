@@ -282,6 +282,43 @@ std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQ
     return window(ids, request);
 }
 
+std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(const ZQFetchRequest &request,
+                                                                              const QString &relationship,
+                                                                              ZQError *error)
+{
+    ZQFetchQuery query;
+    if (!d->prepareQuery(request, query, error)) {
+        return std::nullopt;
+    }
+    const ZQRelationshipDescription *toOne = query.entity->relationship(relationship);
+    if (!toOne || toOne->toMany) {
+        zqSetError(error,
+                   ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Other),
+                                 zqLocalized("The request cannot be carried out."),
+                                 QStringLiteral("%1 leads to no one \"%2\".").arg(request.entityName, relationship)));
+        return std::nullopt;
+    }
+    query.joins += QStringLiteral(" LEFT JOIN %1 zq_related ON zq_related.\"id\" = t.%2 ")
+                       .arg(zqQuoted(toOne->destination->root->tableName), zqQuoted(toOne->columnName));
+    ZQSQLiteStatement select =
+        d->prepare(query.select(QStringLiteral("t.\"id\", t.\"entity\", zq_related.\"id\", zq_related.\"entity\""),
+                                limitOf(request), std::max(0, request.fetchOffset)));
+    select.bindVariants(0, query.bindings);
+    ZQRelatedIDs result;
+    while (select.next()) {
+        if (const ZQEntityPlan *plan = d->plan->planForCode(int(select.int64(1)))) {
+            const ZQEntityPlan *related = d->plan->planForCode(int(select.int64(3)));
+            result.ids.append({plan->entity, select.int64(0)});
+            result.related.append(related ? ZQObjectID{related->entity, select.int64(2)} : ZQObjectID());
+        }
+    }
+    if (select.failed()) {
+        zqSetError(error, d->storeError());
+        return std::nullopt;
+    }
+    return result;
+}
+
 std::optional<qint64> ZQManagedObjectContext::countForFetchRequest(const ZQFetchRequest &request, ZQError *error)
 {
     ZQFetchQuery query;

@@ -22,6 +22,14 @@ struct ZQContextDidSave
     const void *source = nullptr; // the context that saved, for comparison only
 };
 
+// Rows and, at the same places, what each leads to; a null identifier where it leads nowhere.
+struct ZQRelatedIDs
+{
+    QList<ZQObjectID> ids;
+    QList<ZQObjectID> related;
+    friend bool operator==(const ZQRelatedIDs &, const ZQRelatedIDs &) = default;
+};
+
 // The objects of one thread: an identity map over the store with change tracking.
 //
 // Bound to the thread that made it; every call asserts that. Costs are stated where they are not constant.
@@ -79,6 +87,9 @@ public:
     }
     // Identifiers only: 16 bytes a row, no objects made.
     std::optional<QList<ZQObjectID>> fetchObjectIDs(const ZQFetchRequest &request, ZQError *error = nullptr);
+    // The same, each with what its to-one relationship leads to; saved state only.
+    std::optional<ZQRelatedIDs> fetchObjectIDsWithRelated(const ZQFetchRequest &request, const QString &relationship,
+                                                          ZQError *error = nullptr);
     std::optional<qint64> countForFetchRequest(const ZQFetchRequest &request, ZQError *error = nullptr);
     // One map a row with the named attributes; saved state only, no objects made.
     std::optional<QList<QVariantMap>> fetchDictionaries(const ZQFetchRequest &request, const QStringList &attributes,

@@ -24,6 +24,7 @@ struct ZQGridGroup
 {
     QString title;
     qint64 count = 0;
+    friend bool operator==(const ZQGridGroup &, const ZQGridGroup &) = default;
 };
 
 // What a grid shows. Asked only for what is on screen. Main thread.

@@ -94,6 +94,28 @@ TEST_F(ItemEditsTest, ManyItemsAreChangedBesideTheWindowInOrder)
     EXPECT_EQ(tagsOf(items[7]), onlyRed);
 }
 
+TEST_F(ItemEditsTest, ATagThatIsNotThereIsMadeWithTheFirstEditThatNamesIt)
+{
+    const QList<ZQObjectID> items = addItems(int(ItemEdits::mostAtOnce) + 1);
+    const auto made = [this] { return ZQSidebarTag::tagWithTagName(QStringLiteral("New"), library.context()); };
+    edits.changeTags(items, {}, {}, {QStringLiteral("New")});
+    finish();
+    ASSERT_TRUE(made());
+    EXPECT_EQ(tagged(made()), items.size());
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(tagged(made()), 0);
+    made()->deletePermanently();
+    library.context().save();
+    undoStack.redo();
+    finish();
+    ASSERT_TRUE(made());
+    EXPECT_EQ(tagged(made()), items.size());
+
+    edits.changeTags({items[0]}, {}, {}, {QStringLiteral("Few"), QStringLiteral("New")});
+    EXPECT_EQ(tagsOf(items[0]), (QStringList{QStringLiteral("Few"), QStringLiteral("New")}));
+}
+
 TEST_F(ItemEditsTest, ACancelledEditIsUndoneAsFarAsItCame)
 {
     const QList<ZQObjectID> items = addItems(3500);

@@ -340,3 +340,30 @@ TEST(ZQStoreRoundTrip, UnsavedChangesOfRelatedObjectsCountInFetches)
     document->removeTag(tag.get());
     EXPECT_EQ(context.fetch<TestDocument>(request)->value(0), other);
 }
+
+TEST(ZQStoreRoundTrip, RowsComeWithWhatTheyLeadTo)
+{
+    TestStore store;
+    ZQManagedObjectContext context(store.coordinator());
+    const auto document = context.insertNewObject<TestDocument>();
+    for (const char *text : {"c", "a", "b"}) {
+        const auto note = context.insertNewObject<TestNote>();
+        note->setText(QString::fromLatin1(text));
+        note->setNode(*text == 'b' ? nullptr : document.get());
+    }
+    ASSERT_TRUE(context.save());
+    ZQFetchRequest request = requestFor("TestNote", QStringLiteral("text"));
+    const auto all = context.fetchObjectIDsWithRelated(request, QStringLiteral("node"));
+    ASSERT_TRUE(all);
+    EXPECT_EQ(all->ids, context.fetchObjectIDs(request));
+    const QList<ZQObjectID> nodes = {document->objectID(), {}, document->objectID()};
+    EXPECT_EQ(all->related, nodes);
+    EXPECT_EQ(all->related.first().entity, document->objectID().entity) << "the entity of the row, not of the family";
+
+    request.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("node != nil"));
+    request.fetchOffset = 1;
+    EXPECT_EQ(context.fetchObjectIDsWithRelated(request, QStringLiteral("node"))->ids.size(), 1);
+    ZQError error;
+    EXPECT_FALSE(context.fetchObjectIDsWithRelated(requestFor("TestTag"), QStringLiteral("documents"), &error));
+    EXPECT_FALSE(error.isNull());
+}

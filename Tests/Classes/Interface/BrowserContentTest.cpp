@@ -1,0 +1,111 @@
+#include "Classes/Interface/BrowserContent.h"
+
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
+
+namespace {
+
+class BrowserContentTest : public WindowFixture
+{
+protected:
+    BrowserContentTest()
+    {
+        QObject::connect(&content, &BrowserContent::changed, [this] { ++changes; });
+        for (const char *title : {"Alpha", "Beta", "Gamma"}) {
+            const auto item = library.context().insertNewObject<ZQLibraryImage>();
+            item->setTitle(QString::fromLatin1(title));
+            item->setActive(true);
+            items.append(item);
+        }
+        library.context().save();
+    }
+    void show(const Item &item)
+    {
+        content.setSidebarItems({item->objectID()});
+        wait();
+    }
+    void wait()
+    {
+        zqRunMainLoopUntil([this] { return fetcher.isIdle(); });
+    }
+    QStringList shown()
+    {
+        content.willShow(0, content.count() - 1);
+        QStringList titles;
+        for (qint64 i = 0; i < content.count(); ++i) {
+            titles.append(content.item(i).title);
+        }
+        return titles;
+    }
+
+    BrowserContent content{window};
+    QList<ZQRef<ZQLibraryBaseItem>> items;
+    int changes = 0;
+};
+
+} // namespace
+
+TEST_F(BrowserContentTest, RowsOfAProjectStandForTheirItems)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    project->addItems({items[2], items[0]});
+    library.context().save();
+    show(project);
+    EXPECT_EQ(shown(), (QStringList{QStringLiteral("Gamma"), QStringLiteral("Alpha")}));
+    EXPECT_EQ(content.libraryItemIDs(ZQIndexSet(0, 1)),
+              (QList<ZQObjectID>{items[2]->objectID(), items[0]->objectID()}));
+    EXPECT_EQ(content.rowIDs(ZQIndexSet(0, 1)).first().entity->name, ZQProjectItem::entityName());
+    EXPECT_EQ(content.indexOfLibraryItem(items[0]->objectID()), 1);
+    EXPECT_EQ(content.indexOfLibraryItem(items[1]->objectID()), -1);
+}
+
+TEST_F(BrowserContentTest, IndexesGoOverAllSections)
+{
+    const Item first = addProject(QStringLiteral("First"));
+    const Item empty = addProject(QStringLiteral("Empty"));
+    const Item last = addProject(QStringLiteral("Last"));
+    first->addItems({items[0]});
+    last->addItems({items[1], items[2]});
+    library.context().save();
+    content.setSidebarItems({first->objectID(), empty->objectID(), last->objectID()});
+    wait();
+    ASSERT_EQ(content.count(), 3);
+    const QList<ZQObjectID> all = content.libraryItemIDs(ZQIndexSet(0, 2));
+    EXPECT_EQ(QSet<ZQObjectID>(all.begin(), all.end()).size(), 3);
+    EXPECT_EQ(content.libraryItemIDs(ZQIndexSet(1, 1)), all.mid(1, 1));
+    EXPECT_EQ(content.libraryItemIDs(ZQIndexSet(1, 9)), all.mid(1));
+    for (qint64 i = 0; i < 3; ++i) {
+        EXPECT_EQ(content.indexOfLibraryItem(all[i]), i);
+        EXPECT_EQ(content.indexesOfRows(content.rowIDs(ZQIndexSet(i, i))), ZQIndexSet(i, i));
+    }
+}
+
+TEST_F(BrowserContentTest, TellsOnlyOfRowsThatCameWentOrMoved)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    project->addItems({items[0], items[1]});
+    library.context().save();
+    show(project);
+    EXPECT_EQ(changes, 1);
+
+    items[0]->setTitle(QStringLiteral("Renamed"));
+    library.context().save();
+    content.dropObjects();
+    content.reload();
+    wait();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(shown().first(), QStringLiteral("Renamed"));
+
+    project->addItems({items[2]});
+    library.context().save();
+    content.reload();
+    wait();
+    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(content.count(), 3);
+
+    content.setFilter(QStringLiteral("a")); // all three
+    wait();
+    EXPECT_EQ(changes, 3) << "a filter that leaves the rows as they are is still answered";
+    EXPECT_EQ(content.unfilteredCount(), 3);
+}
