@@ -81,16 +81,16 @@ void TagFileWriter::setProblemHandler(ProblemHandler handler)
     m_problemHandler = std::move(handler);
 }
 
-void TagFileWriter::report(const QString &path, const ZQError &error)
+bool TagFileWriter::report(const QString &path, const ZQError &error)
 {
     const char *const reason = reasonFor(error);
     if (!reason) {
-        return;
+        return false;
     }
     const std::lock_guard lock(m_mutex);
     const quint64 device = deviceOf(path);
     if (!m_problemHandler || m_toldDevices.contains(device)) {
-        return;
+        return m_problemHandler != nullptr;
     }
     m_toldDevices.insert(device);
     m_problemHandler(ZQError::with(
@@ -98,6 +98,7 @@ void TagFileWriter::report(const QString &path, const ZQError &error)
         zqFormat(zqLocalized("The tags of “%@” could not be written to the file; the library keeps them."),
                  {QFileInfo(path).fileName()}),
         zqLocalized(reason)));
+    return true;
 }
 
 void TagFileWriter::writeTags(const QString &path, const QStringList &tags)
@@ -112,9 +113,9 @@ void TagFileWriter::writeTags(const QString &path, const QStringList &tags)
         error = OpenMeta::setUserTags(wanted, path);
     }
     if (!error.isNull()) {
-        qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not written:" << error.localizedDescription();
-        if (!wanted.isEmpty()) {
-            report(path, error);
+        const bool isKnown = !wanted.isEmpty() && report(path, error);
+        if (!isKnown) {
+            qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not written:" << error.localizedDescription();
         }
     }
 }

@@ -41,7 +41,7 @@ private:
     TagFileWriter();
     void writeTags(const QString &path, const QStringList &tags);
     void writeNotes(const QString &path, const QString &notes);
-    void report(const QString &path, const ZQError &error);
+    bool report(const QString &path, const ZQError &error); // whether somebody was told, now or before
 
     std::mutex m_mutex;
     ProblemHandler m_problemHandler;

@@ -109,6 +109,8 @@ private:
 
     void followToMany(const ZQRelationshipDescription &relationship)
     {
+        const bool isFirstHop = !m_alias.isEmpty() && m_path.from.isEmpty();
+        m_path.ownColumn.clear();
         QString key = m_key;
         if (!m_path.isToMany) {
             m_path.isToMany = true;
@@ -121,6 +123,7 @@ private:
         }
         if (relationship.isManyToMany()) {
             joinTable(relationship.joinTable, "JOIN", relationship.joinOwnColumn, key);
+            m_path.ownColumn = isFirstHop ? zqSQLColumn(m_alias, relationship.joinOwnColumn) : QString();
             m_key = zqSQLColumn(m_alias, relationship.joinOtherColumn);
             m_alias.clear();
             m_keyIsCertain = true;

@@ -18,6 +18,8 @@ struct ZQSQLPath
     bool isToMany = false;
     QString startKey; // to-many: the key of the object that has the relationship; null when a to-one before it is
 
+    QString ownColumn; // one many-to-many hop from the starting row: the join table's column that holds that row's key
+
     bool isColumn() const { return from.isEmpty(); }
     // To-one only: the value as one expression over the starting row.
     QString scalar() const;

@@ -294,6 +294,12 @@ Translator::Fragment Translator::some(const ZQExpression &expression, const ZQCo
     if (!inner) {
         return std::nullopt;
     }
+    // The rows a few objects are tied to are found from those objects, not by trying every row.
+    if (!isEvery && !path->ownColumn.isEmpty() && path->type == ZQSQLType::Object && expression.keys.size() == 1) {
+        return ZQSQLFragment{QStringLiteral("%1 IN (SELECT %2 FROM %3 WHERE %4)")
+                                 .arg(path->startKey, path->ownColumn, path->from, inner->text),
+                             inner->bindings};
+    }
     const ZQSQLFragment tested = isEvery ? negated(*inner) : ZQSQLFragment{u'(' + inner->text + u')', inner->bindings};
     return ZQSQLFragment{QStringLiteral("%1EXISTS (SELECT 1 FROM %2 WHERE %3 AND %4)")
                              .arg(isEvery ? QStringLiteral("NOT ") : QString(), path->from, path->where, tested.text),

@@ -145,6 +145,9 @@ void ZQThumbnailLoader::setDecoder(Decoder decoder)
 
 QImage ZQThumbnailLoader::readImage(const ZQThumbnailRequest &request, int pixels)
 {
+    if (request.path.isEmpty()) {
+        return {};
+    }
     QImageReader reader(request.path);
     reader.setAutoTransform(true);
     const QSize size = reader.size();

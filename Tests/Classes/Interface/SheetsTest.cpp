@@ -22,14 +22,30 @@ protected:
         window.resize(900, 700);
         window.show();
     }
+    static bool isSheetFocused()
+    {
+        for (QWidget *widget = QApplication::focusWidget(); widget; widget = widget->parentWidget()) {
+            if (qobject_cast<Sheet *>(widget)) {
+                return true;
+            }
+        }
+        return false;
+    }
     // Presses these keys, one after another, once the sheet waits for them.
     static void press(const QList<Qt::Key> &keys)
     {
-        QTimer::singleShot(50, qApp, [keys] {
+        auto *poll = new QTimer(qApp);
+        poll->callOnTimeout([keys, poll] {
+            if (!isSheetFocused()) {
+                return;
+            }
+            poll->stop();
+            poll->deleteLater();
             for (const Qt::Key key : keys) {
                 QTest::keyClick(QApplication::focusWidget(), key);
             }
         });
+        poll->start(20);
     }
     QList<DuplicatePair> pairs(int count) const
     {
@@ -73,7 +89,7 @@ TEST_F(SheetsTest, CommandsOfTheWindowRestWhileItIsAsked)
     UserQuestion question;
     question.buttons = {QStringLiteral("OK")};
     bool wasEnabled = true;
-    QTimer::singleShot(30, qApp, [&] { wasEnabled = action.isEnabled(); });
+    QTimer::singleShot(0, qApp, [&] { wasEnabled = action.isEnabled(); });
     press({Qt::Key_Return});
     QuestionSheet(&window, question).ask();
     EXPECT_FALSE(wasEnabled);

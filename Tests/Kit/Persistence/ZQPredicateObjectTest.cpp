@@ -85,6 +85,8 @@ RC_GTEST_PROP(ZQPredicateObject, MatchesTheObjectsThatTheStoreFinds, ())
         {"ALL tags.name == 'a'", {}},
         {"NONE tags.weight IN {0, 1}", {}},
         {"tags CONTAINS %@", {tag}},
+        {"ANY tags == %@ AND NOT flag == YES", {tag}},
+        {"NONE tags == %@ OR ANY tags == parent", {tag}},
         {"tags.@count == 0 OR ALL tags.documents.flag == NO", {}},
         {"parent.children.@count > 1", {}},
         {"parent.children.@count == nil", {}},
