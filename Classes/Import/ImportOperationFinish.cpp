@@ -337,13 +337,21 @@ void ImportOperation::tellDropped()
     if (told.isEmpty()) {
         return;
     }
-    const QString name = QFileInfo(told.first().path).fileName();
-    const bool isPartly = told.first().telling == DroppedFile::Telling::InWindowPartly;
-    const QString text = told.size() == 1 ? zqFormat(isPartly ? zqLocalized("“%@” was imported in part: %@")
-                                                              : zqLocalized("“%@” could not be imported: %@"),
-                                                     {name, told.first().reason})
-                                          : zqFormat(zqLocalized("%d files could not be imported: %@"),
-                                                     {told.size(), told.first().reason});
+    const DroppedFile &first = told.first();
+    const QString name = QFileInfo(first.path).fileName();
+    QString text;
+    if (told.size() == 1) {
+        text = zqFormat(first.telling == DroppedFile::Telling::InWindowPartly
+                            ? zqLocalized("“%@” was imported in part: %@")
+                            : zqLocalized("“%@” could not be imported: %@"),
+                        {name, first.reason});
+    } else if (std::all_of(told.begin(), told.end(),
+                           [&first](const auto &file) { return file.reason == first.reason; })) {
+        text = zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), first.reason});
+    } else {
+        text = zqFormat(zqLocalized("%d files could not be imported. The first is “%@”: %@"),
+                        {told.size(), name, first.reason});
+    }
     notify(text, browserPosition, 6.0);
 }
 

@@ -168,7 +168,8 @@ TEST_F(ImportOperationTest, EveryFileThatBecameNoItemIsReportedWithAReason)
     EXPECT_EQ(dropped, (QStringList{archive, broken, empty, fifo, text}));
     EXPECT_EQ(itemDirectories(), QStringList{QFileInfo(item(QStringLiteral("good"))->bundleURL()).fileName()});
     ASSERT_EQ(user.notifications.size(), 1);
-    EXPECT_TRUE(user.notifications.first().text.startsWith(QStringLiteral("4 files could not be imported: ")))
+    EXPECT_TRUE(
+        user.notifications.first().text.startsWith(QStringLiteral("4 files could not be imported. The first is “")))
         << user.notifications.first().text.toStdString();
     EXPECT_EQ(operation->report().notifications(), user.notificationTexts());
 }
