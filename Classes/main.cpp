@@ -108,6 +108,24 @@ int handOver(const QString &bundle, const QStringList &arguments, CommandContext
     return reply->exitStatus;
 }
 
+int runOnLibrary(tamberin_AppDelegate &delegate, const CommandLine &commandLine, const QStringList &arguments,
+                 CommandContext &context)
+{
+    const QString bundle = bundleFor(delegate, commandLine);
+    ZQError error;
+    if (!delegate.openLibraryForCommand(&error)) {
+        if (error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse) {
+            return handOver(bundle, arguments, context, error);
+        }
+        return context.fail(error.localizedDescription());
+    }
+    if (!delegate.managedObjectContext()) {
+        return context.fail(zqLocalized("the library can't be opened"));
+    }
+    context.delegate = &delegate;
+    return commandLine.run(context);
+}
+
 int runCommand(const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
 {
     if (!commandLine.needsLibrary()) {
@@ -124,19 +142,7 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     if (commandLine.isImport()) {
         signalWatcher.emplace([&user] { user.cancelCurrentWork(); });
     }
-    const QString bundle = bundleFor(delegate, commandLine);
-    ZQError error;
-    if (!delegate.openLibraryForCommand(&error)) {
-        if (error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse) {
-            return handOver(bundle, arguments, context, error);
-        }
-        return context.fail(error.localizedDescription());
-    }
-    if (!delegate.managedObjectContext()) {
-        return context.fail(zqLocalized("the library can't be opened"));
-    }
-    context.delegate = &delegate;
-    return commandLine.run(context);
+    return runOnLibrary(delegate, commandLine, arguments, context);
 }
 
 // A command draws with a window's widgets, or talks to the person through one.
@@ -147,16 +153,7 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
     tamberin_AppDelegate delegate(parts);
-    const QString bundle = bundleFor(delegate, commandLine);
-    ZQError error;
-    if (!delegate.openLibraryForCommand(&error)) {
-        if (error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse) {
-            return handOver(bundle, arguments, context, error);
-        }
-        return context.fail(error.localizedDescription());
-    }
-    context.delegate = &delegate;
-    return commandLine.run(context);
+    return runOnLibrary(delegate, commandLine, arguments, context);
 }
 
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,

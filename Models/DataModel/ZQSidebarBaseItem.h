@@ -110,6 +110,12 @@ public:
     QString UUID() const; // one within one store
     void awakeFromInsert() override;
 
+protected:
+    // The first half of `addItem` where membership has no order: restores the item, and tells whether it is to be
+    // added.
+    bool prepareToAddItem(ZQLibraryBaseItem *item) const;
+    void addEachItem(const QList<ZQRef<ZQLibraryBaseItem>> &items);
+
 private:
     QSet<qint64> memberKeys(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
     void insertMembership(ZQLibraryBaseItem *item, qint32 order);

@@ -297,6 +297,24 @@ void ZQSidebarBaseItem::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items
     }
 }
 
+bool ZQSidebarBaseItem::prepareToAddItem(ZQLibraryBaseItem *item) const
+{
+    if (!item) {
+        return false;
+    }
+    if (!item->active()) {
+        item->restoreSelf();
+    }
+    return !containsItem(item);
+}
+
+void ZQSidebarBaseItem::addEachItem(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        addItem(item.get(), appendIndex, false, true);
+    }
+}
+
 void ZQSidebarBaseItem::removeItem(ZQLibraryBaseItem *item)
 {
     removeItems({ZQRef<ZQLibraryBaseItem>(item)});

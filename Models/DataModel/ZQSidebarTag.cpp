@@ -182,13 +182,7 @@ bool ZQSidebarTag::containsItem(const ZQLibraryBaseItem *item) const
 
 bool ZQSidebarTag::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
 {
-    if (!item) {
-        return false;
-    }
-    if (!item->active()) {
-        item->restoreSelf();
-    }
-    if (containsItem(item)) {
+    if (!prepareToAddItem(item)) {
         return false;
     }
     item->addTagsObject(this);
@@ -198,9 +192,7 @@ bool ZQSidebarTag::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
 
 void ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
 {
-    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        addItem(item.get(), appendIndex, false, true);
-    }
+    addEachItem(items);
 }
 
 void ZQSidebarTag::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)

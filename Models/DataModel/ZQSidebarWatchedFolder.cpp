@@ -224,13 +224,7 @@ bool ZQSidebarWatchedFolder::containsItem(const ZQLibraryBaseItem *item) const
 
 bool ZQSidebarWatchedFolder::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
 {
-    if (!item) {
-        return false;
-    }
-    if (!item->active()) {
-        item->restoreSelf();
-    }
-    if (containsItem(item)) {
+    if (!prepareToAddItem(item)) {
         return false;
     }
     item->setWatchingFolder(this);
@@ -239,9 +233,7 @@ bool ZQSidebarWatchedFolder::addItem(ZQLibraryBaseItem *item, quint32, bool, boo
 
 void ZQSidebarWatchedFolder::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
 {
-    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        addItem(item.get(), appendIndex, false, true);
-    }
+    addEachItem(items);
 }
 
 void ZQSidebarWatchedFolder::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)

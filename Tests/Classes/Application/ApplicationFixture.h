@@ -6,6 +6,7 @@
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 #include "Tests/Support/ScriptedUser.h"
+#include "Tests/Support/UserWorld.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -78,11 +79,7 @@ class ApplicationTest : public testing::Test
 protected:
     void SetUp() override
     {
-        for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
-            const QString folder = world.filePath(QString::fromLatin1(name).toLower());
-            QDir().mkpath(folder);
-            qputenv(name, folder.toLocal8Bit());
-        }
+        redirectUserWorld(world);
         ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
         for (const QString &key : defaults.keys()) {
             defaults.removeObjectForKey(key);

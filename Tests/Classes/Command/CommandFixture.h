@@ -6,6 +6,7 @@
 #include "Classes/Import/AImportManager.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
+#include "Tests/Support/UserWorld.h"
 
 #include <QImage>
 #include <QJsonArray>
@@ -21,11 +22,11 @@ class CommandTest : public testing::Test
 protected:
     void SetUp() override
     {
-        for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR", "HOME"}) {
-            const QString folder = world.filePath(QString::fromLatin1(name).toLower());
-            QDir().mkpath(folder);
-            qputenv(name, folder.toLocal8Bit());
-        }
+        redirectUserWorld(world);
+        open();
+    }
+    void open()
+    {
         ApplicationParts parts;
         parts.userInteraction = &user;
         parts.importManager = &AImportManager::sharedAImportManager();

@@ -45,13 +45,7 @@ protected:
     void reopen()
     {
         delegate.reset();
-        ApplicationParts parts;
-        parts.userInteraction = &user;
-        parts.importManager = &AImportManager::sharedAImportManager();
-        delegate = std::make_unique<tamberin_AppDelegate>(parts);
-        delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
-        ZQError error;
-        ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
+        open();
         TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     }
 
