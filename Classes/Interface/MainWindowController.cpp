@@ -211,12 +211,26 @@ void MainWindowController::observe()
         m_sidebar->reload();
         updateTabs();
     });
+    m_editTimer.setSingleShot(true);
+    m_editTimer.setInterval(250);
+    connect(&m_editTimer, &QTimer::timeout, this, [this] {
+        m_sidebarTimer.start();
+        refreshContent();
+    });
     connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateUndo);
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainWindowController::updateCommands);
 }
 
 void MainWindowController::contextDidChange(const ZQContextDidSave &change)
 {
+    m_infoTimer.start();
+    // A batch follows the other; the last one is still part of the edit.
+    if (isEditing() && change.deleted.isEmpty()) {
+        if (!m_editTimer.isActive()) {
+            m_editTimer.start();
+        }
+        return;
+    }
     const QString sidebarEntity = ZQSidebarBaseItem::entityName();
     const auto touchesSidebar = [&sidebarEntity](const QList<ZQObjectID> &ids) {
         return std::any_of(ids.begin(), ids.end(), [&](const ZQObjectID &id) {
@@ -229,7 +243,6 @@ void MainWindowController::contextDidChange(const ZQContextDidSave &change)
         m_sidebar->reloadCounts();
     }
     m_browser->refetch();
-    m_infoTimer.start();
 }
 
 void MainWindowController::restoreGeometry()

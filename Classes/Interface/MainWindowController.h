@@ -146,6 +146,7 @@ private:
     bool m_isSwitchingTab = false;
     QTimer m_infoTimer;
     QTimer m_sidebarTimer;
+    QTimer m_editTimer; // while many items are changed, what is shown follows now and then
     ZQManagedObjectContext::Token m_contextToken;
     QList<ZQNotificationCenter::Token> m_tokens;
 };
