@@ -12,6 +12,7 @@ FlowLayout::~FlowLayout()
 void FlowLayout::addItem(QLayoutItem *item)
 {
     m_items.append(item);
+    invalidate();
 }
 
 int FlowLayout::count() const
@@ -26,7 +27,12 @@ QLayoutItem *FlowLayout::itemAt(int index) const
 
 QLayoutItem *FlowLayout::takeAt(int index)
 {
-    return index >= 0 && index < m_items.size() ? m_items.takeAt(index) : nullptr;
+    if (index < 0 || index >= m_items.size()) {
+        return nullptr;
+    }
+    QLayoutItem *item = m_items.takeAt(index);
+    invalidate();
+    return item;
 }
 
 int FlowLayout::heightForWidth(int width) const
