@@ -18,6 +18,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QToolButton>
 #include <QUrl>
 
@@ -36,6 +37,21 @@ bool textFieldHasFocus()
 bool forwardToTextField(const char *slot)
 {
     return textFieldHasFocus() && QMetaObject::invokeMethod(QApplication::focusWidget(), slot);
+}
+
+// Typing is taken back in its field as long as there is some; then the window's steps are.
+bool undoesInTextField()
+{
+    const auto *line = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    const auto *text = qobject_cast<QPlainTextEdit *>(QApplication::focusWidget());
+    return (line && line->isUndoAvailable()) || (text && text->document()->isUndoAvailable());
+}
+
+bool redoesInTextField()
+{
+    const auto *line = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+    const auto *text = qobject_cast<QPlainTextEdit *>(QApplication::focusWidget());
+    return (line && line->isRedoAvailable()) || (text && text->document()->isRedoAvailable());
 }
 } // namespace
 
@@ -85,7 +101,7 @@ QList<WindowCommand> MainWindowController::editCommands()
          QStringLiteral("Undo"),
          {Qt::CTRL | Qt::Key_Z},
          [this] {
-             if (!forwardToTextField("undo")) {
+             if (!undoesInTextField() || !forwardToTextField("undo")) {
                  m_undoStack.undo();
              }
          }},
@@ -93,7 +109,7 @@ QList<WindowCommand> MainWindowController::editCommands()
          QStringLiteral("Redo"),
          {Qt::CTRL | Qt::SHIFT | Qt::Key_Z},
          [this] {
-             if (!forwardToTextField("redo")) {
+             if (!redoesInTextField() || !forwardToTextField("redo")) {
                  m_undoStack.redo();
              }
          }},

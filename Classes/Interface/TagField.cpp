@@ -133,7 +133,7 @@ void TagField::rebuild()
 void TagField::add(const QString &text)
 {
     const QString tag = text.trimmed();
-    m_edit->clear();
+    m_edit->setText(QString()); // not `clear`, which undo takes back: what is to be undone is the tag
     if (!tag.isEmpty() && !m_tags.contains(tag)) {
         m_tags.append(tag);
         rebuild();
@@ -152,6 +152,15 @@ bool TagField::eventFilter(QObject *object, QEvent *event)
 {
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
         update();
+    }
+    // A field takes the keys of undo even when it has nothing to undo; the window then should.
+    if (event->type() == QEvent::ShortcutOverride) {
+        auto *keys = static_cast<QKeyEvent *>(event);
+        if ((keys->matches(QKeySequence::Undo) && !m_edit->isUndoAvailable()) ||
+            (keys->matches(QKeySequence::Redo) && !m_edit->isRedoAvailable())) {
+            keys->ignore();
+            return true;
+        }
     }
     if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Down &&
         m_edit->text().isEmpty()) {

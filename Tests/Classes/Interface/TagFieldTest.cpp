@@ -34,6 +34,15 @@ struct TagFieldTest : testing::Test
         return count;
     }
 
+    // Whether the field keeps the keys of undo to itself.
+    bool takesUndo() const
+    {
+        QKeyEvent keys(QEvent::ShortcutOverride, Qt::Key_Z, Qt::ControlModifier);
+        keys.ignore();
+        QApplication::sendEvent(edit, &keys);
+        return keys.isAccepted();
+    }
+
     TagField field;
     QLineEdit *edit;
     QList<QStringList> edits;
@@ -66,4 +75,12 @@ TEST_F(TagFieldTest, TypingAndRemovingTellsAllTags)
     removers().first()->click();
     const QStringList logo = {QStringLiteral("logo")};
     EXPECT_EQ(edits, (QList<QStringList>{logo, logo + QStringList{QStringLiteral("brand")}, logo, {}}));
+}
+
+TEST_F(TagFieldTest, UndoTakesBackTypingAndThenIsTheWindows)
+{
+    QTest::keyClicks(edit, QStringLiteral("logo"));
+    EXPECT_TRUE(takesUndo());
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_FALSE(takesUndo()) << "what is to be undone now is the tag";
 }
