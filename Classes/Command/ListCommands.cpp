@@ -91,8 +91,8 @@ void printTree(const QJsonObject &node, int depth, CommandContext &context)
     const qint64 count = node.value(QStringLiteral("numberOfItems")).toInteger();
     const QString counted =
         node.value(QStringLiteral("is_Label")).toBool() ? QString() : QStringLiteral("  (%1)").arg(count);
-    context.print(QString(depth * 2, u' ') + node.value(QStringLiteral("title")).toString() + counted);
-    for (const QJsonValue &child : node.value(QStringLiteral("children")).toArray()) {
+    context.print(QString(qsizetype(depth) * 2, u' ') + node.value(QStringLiteral("title")).toString() + counted);
+    for (const QJsonValue child : node.value(QStringLiteral("children")).toArray()) {
         printTree(child.toObject(), depth + 1, context);
     }
 }
@@ -137,7 +137,7 @@ int zqRunSidebar(CommandContext &context)
         context.printJSON(array);
         return 0;
     }
-    for (const QJsonValue &node : array) {
+    for (const QJsonValue node : array) {
         printTree(node.toObject(), 0, context);
     }
     return 0;

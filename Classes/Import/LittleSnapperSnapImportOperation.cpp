@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr qint64 largestInfo = 4 * 1024 * 1024; // bytes
+constexpr qint64 largestInfo = 4LL * 1024 * 1024; // bytes
 
 QStringList textsOf(const QVariant &value)
 {

@@ -253,7 +253,9 @@ void MainWindowController::addCommands(const QList<WindowCommand> &commands)
     for (const WindowCommand &command : commands) {
         QMenu *menu = command.menu.isEmpty() ? nullptr : m_menuButton->menu()->findChild<QMenu *>(command.menu);
         if (command.title.isEmpty()) {
-            menu->addSeparator();
+            if (menu) {
+                menu->addSeparator();
+            }
             continue;
         }
         auto *action = new QAction(zqLocalized(command.title), m_mainWindow.get());
