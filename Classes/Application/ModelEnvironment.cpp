@@ -12,6 +12,9 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <cmath>
+
 ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate) : m_delegate(delegate)
 {
     ZQLibraryEnvironment::setCurrent(this);
@@ -65,6 +68,16 @@ std::optional<QStringList> ModelEnvironment::userTagsOfFile(const QString &path)
 std::optional<QString> ModelEnvironment::commentOfFile(const QString &path)
 {
     return OpenMeta::getFinderComment(path);
+}
+
+std::optional<int> ModelEnvironment::ratingOfFile(const QString &path)
+{
+    ZQError error;
+    const double rating = OpenMeta::getRating(path, &error);
+    if (!error.isNull()) {
+        return std::nullopt;
+    }
+    return std::clamp(int(std::lround(rating)), 0, 5);
 }
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)

@@ -21,6 +21,7 @@ public:
     void presentError(const ZQError &error) override;
     std::optional<QStringList> userTagsOfFile(const QString &path) override;
     std::optional<QString> commentOfFile(const QString &path) override;
+    std::optional<int> ratingOfFile(const QString &path) override;
     void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) override;
     void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
                                const QString &comment) override;

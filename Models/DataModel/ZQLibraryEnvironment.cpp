@@ -18,6 +18,7 @@ public:
     }
     std::optional<QStringList> userTagsOfFile(const QString &) override { return std::nullopt; }
     std::optional<QString> commentOfFile(const QString &) override { return std::nullopt; }
+    std::optional<int> ratingOfFile(const QString &) override { return std::nullopt; }
     void writeTagsToFile(const QString &, const QStringList &, const QString &) override {}
     bool writesTagsToFiles() override { return false; }
 };

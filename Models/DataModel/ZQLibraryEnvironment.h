@@ -28,6 +28,7 @@ public:
     // The tags and the comment that a file itself carries; nothing when they cannot be read.
     virtual std::optional<QStringList> userTagsOfFile(const QString &path) = 0;
     virtual std::optional<QString> commentOfFile(const QString &path) = 0;
+    virtual std::optional<int> ratingOfFile(const QString &path) = 0; // 0 to 5 stars, 0: none
     // Queues writing tags and comment to a file; returns at once.
     virtual void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) = 0;
     // The same for a library item's own file: what is interrupted is done again at the next launch. `bundleID` is the

@@ -9,7 +9,7 @@
 
 namespace {
 
-const QString currentVersion = QStringLiteral("Version7");
+const QString currentVersion = QStringLiteral("Version8");
 
 std::shared_ptr<const ZQManagedObjectModel> readModel(const QString &identifier)
 {

@@ -17,9 +17,12 @@ TEST(Model, EveryVersionReadsAndKnowsItsOwnAttributes)
     struct Case
     {
         const char *version;
-        bool hasCreationDate, hasThumbName;
+        bool hasCreationDate, hasThumbName, hasRating;
     };
-    const Case cases[] = {{"Version5", false, false}, {"Version6", true, false}, {"Version7", true, true}};
+    const Case cases[] = {{"Version5", false, false, false},
+                          {"Version6", true, false, false},
+                          {"Version7", true, true, false},
+                          {"Version8", true, true, true}};
     for (const Case &each : cases) {
         SCOPED_TRACE(each.version);
         const auto model = zqModelVersion(QString::fromLatin1(each.version));
@@ -29,8 +32,9 @@ TEST(Model, EveryVersionReadsAndKnowsItsOwnAttributes)
         ASSERT_NE(item, nullptr);
         EXPECT_EQ(item->attribute(QStringLiteral("creation_date")) != nullptr, each.hasCreationDate);
         EXPECT_EQ(item->attribute(QStringLiteral("thumbName")) != nullptr, each.hasThumbName);
+        EXPECT_EQ(item->attribute(QStringLiteral("rating")) != nullptr, each.hasRating);
     }
-    EXPECT_EQ(zqCurrentModel(), zqModelVersion(QStringLiteral("Version7")));
+    EXPECT_EQ(zqCurrentModel(), zqModelVersion(QStringLiteral("Version8")));
     EXPECT_FALSE(zqModelVersion(QStringLiteral("Version99")));
 }
 

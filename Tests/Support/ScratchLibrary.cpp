@@ -119,6 +119,12 @@ std::optional<QString> ScratchLibrary::commentOfFile(const QString &file)
     return found == fileTags.constEnd() ? std::nullopt : std::make_optional(found->comment);
 }
 
+std::optional<int> ScratchLibrary::ratingOfFile(const QString &file)
+{
+    const auto found = fileTags.constFind(file);
+    return found == fileTags.constEnd() ? std::nullopt : std::make_optional(found->rating);
+}
+
 void ScratchLibrary::writeTagsToFile(const QString &file, const QStringList &tags, const QString &comment)
 {
     written.append({file, tags, comment});

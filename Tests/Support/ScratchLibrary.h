@@ -18,6 +18,7 @@ public:
     {
         QStringList tags;
         QString comment;
+        int rating = 0;
     };
     struct WrittenTags
     {
@@ -50,6 +51,7 @@ public:
     void presentError(const ZQError &error) override { errors.append(error); }
     std::optional<QStringList> userTagsOfFile(const QString &path) override;
     std::optional<QString> commentOfFile(const QString &path) override;
+    std::optional<int> ratingOfFile(const QString &path) override;
     void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) override;
     bool writesTagsToFiles() override { return tagsAreWritten; }
 
