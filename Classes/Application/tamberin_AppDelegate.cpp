@@ -1,6 +1,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Kit/Files/ZQFileCopy.h"
@@ -210,6 +211,14 @@ void tamberin_AppDelegate::reopenMainWindow()
 
 bool tamberin_AppDelegate::switchToLibrary(const QString &path)
 {
+    ZQError error = refusalOfLibrary(path);
+    if (!error.isNull()) {
+        userInteraction().presentError(error);
+        return false;
+    }
+    if (LibraryMove::isSamePlace(path, libraryBundleDirectory())) {
+        return false; // it is open
+    }
     if (m_mainWindowController) {
         const int answer = userInteraction().ask({zqLocalized("Opening a new library requires Zelto to relaunch"),
                                                   zqLocalized("Do you want to switch library and quit Zelto?"),
@@ -220,7 +229,10 @@ bool tamberin_AppDelegate::switchToLibrary(const QString &path)
             return false;
         }
     }
-    saveNewLibraryURL(path);
+    if (!saveNewLibraryURL(path, &error)) {
+        userInteraction().presentError(error);
+        return false;
+    }
     if (m_mainWindowController) {
         terminate();
     }

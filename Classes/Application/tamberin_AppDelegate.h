@@ -77,7 +77,6 @@ public:
     QString exportIconDirectory();
     QString wallpaperDirectory();
     QString templateDirectory();
-    static QString temporaryFolder(); // "ZeltoTemporaryFolder" in the system temporary directory; not created
     // For a command or a test: this bundle, whatever the preferences remember. Before the library is first asked for.
     void setLibraryBundleDirectory(const QString &path);
 
@@ -101,10 +100,13 @@ public:
     // Switching libraries: the new location takes effect at the next launch.
     void newZeltoLibrary();
     void openZeltoLibrary();
-    void moveZeltoLibrary();
+    void moveZeltoLibrary(); // takes the window away: not from inside one of its own events
     void revealLibraryInFinder();
-    static void saveNewLibraryURL(const QString &path);
-    static QString loadLibraryURL(); // empty: none remembered, or it cannot be used
+    // Remembers an existing library; false, with what was remembered kept, when it cannot be used.
+    static bool saveNewLibraryURL(const QString &path, ZQError *error = nullptr);
+    static ZQError refusalOfLibrary(const QString &path); // why `path` cannot be opened as a library; null when it can
+    static QString loadLibraryURL();                      // empty: none remembered, or it cannot be used
+    static QString rememberedLibrary();                   // that, or where the default library is; nothing is made
 
     MainWindowControlling *mainWindowController() const { return m_mainWindowController.get(); }
     ScreenCaptureControlling *zeltoKunViewController() const { return m_zeltoKunViewController.get(); }
@@ -118,6 +120,9 @@ private:
     QString createdDirectory(const QString &path, const char *message);
     bool openStore(ZQError *error);
     void notifyAndQuit();
+    void rememberAndQuit(const QString &library);
+    bool agreesToReplace(const QString &path);
+    bool moveInBackground(const QString &source, const QString &destination, ZQError *error);
     bool stopRunningImports();
     QStringList purge();
     void importOpenedFiles(const QStringList &paths);

@@ -1,5 +1,6 @@
 // Quitting: what runs is drained, state is kept, what was deleted goes for good.
 
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -89,7 +90,7 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     for (qsizetype first = 0; first < purgedDirectories.size() && !library.isEmpty(); first += pathsPerRemoval) {
         deleteFilesAtPaths(purgedDirectories.mid(first, pathsPerRemoval), library);
     }
-    deleteFilesAtPaths({temporaryFolder()}, {});
+    deleteFilesAtPaths(TemporaryArea::takeForRemoval(), {});
     return TerminateReply::Now;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/CoreDataMigrationWindowController.h"
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
@@ -69,6 +70,9 @@ bool tamberin_AppDelegate::lockLibrary(ZQError *error)
     const QString bundle = libraryBundleDirectory();
     if (!m_lock && !bundle.isEmpty()) {
         m_lock = LibraryLock::lockBundle(bundle, error);
+        if (m_lock) {
+            LibraryMove::removeInterruptedCopy(bundle);
+        }
     }
     if (bundle.isEmpty()) {
         zqSetError(error, ZQError::with(

@@ -3,11 +3,14 @@
 #include "Classes/Command/Commands.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <sstream>
+#include <vector>
 
 // What CLI11 parses into; it speaks std::string.
 struct CommandLine::Options
@@ -236,6 +239,10 @@ void CommandLine::defineDocumentation()
 
 bool CommandLine::parse(const QStringList &arguments, CommandContext &context, int *exitStatus)
 {
+    if (!checkWords(arguments, context)) {
+        *exitStatus = 2;
+        return false;
+    }
     std::vector<std::string> reversed;
     for (auto it = arguments.rbegin(); it != arguments.rend(); ++it) {
         reversed.push_back(it->toStdString());
@@ -253,6 +260,10 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     }
     m_library = text(m_options->library);
     m_files = texts(m_options->files);
+    if (std::any_of(m_files.begin(), m_files.end(), [&](const QString &file) { return isNothing(file, context); })) {
+        *exitStatus = 2;
+        return false;
+    }
     context.json = m_json;
     m_duplicatePolicy = m_options->duplicates == "discard"  ? DuplicatePolicy::Discard
                         : m_options->duplicates == "relink" ? DuplicatePolicy::Relink
@@ -275,6 +286,80 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                       text(m_options->theme)};
     }
     return true;
+}
+
+// Whether `word`, where a command or a file is expected, is neither; says so in `context`.
+bool CommandLine::isNothing(const QString &word, CommandContext &context) const
+{
+    if (QFileInfo::exists(context.absolutePath(word))) {
+        return false;
+    }
+    const QString meant = commandLike(word);
+    context.fail(
+        meant.isEmpty()
+            ? zqFormat(zqLocalized("“%@” is neither a command nor a file; `zelto --help` lists the commands"), {word})
+            : zqFormat(zqLocalized("“%@” is neither a command nor a file; did you mean `zelto %@`?"), {word, meant}));
+    return true;
+}
+
+// Before the options are looked at: those behind a misspelt command would be named as the mistake.
+bool CommandLine::checkWords(const QStringList &arguments, CommandContext &context) const
+{
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &word = arguments[i];
+        if (word == u"--library") {
+            ++i;
+        } else if (!word.startsWith(u'-')) {
+            const auto commands = m_app->get_subcommands(
+                [&word](const CLI::App *command) { return command->get_name() == word.toStdString(); });
+            return !commands.empty() || !isNothing(word, context);
+        }
+    }
+    return true;
+}
+
+namespace {
+// How many letters have to be put in, taken out, replaced or exchanged with their neighbour to make one of the other.
+qsizetype editDistance(const QString &one, const QString &other)
+{
+    std::vector<std::vector<qsizetype>> cost(std::size_t(one.size() + 1),
+                                             std::vector<qsizetype>(std::size_t(other.size() + 1)));
+    for (qsizetype i = 0; i <= one.size(); ++i) {
+        for (qsizetype j = 0; j <= other.size(); ++j) {
+            const auto at = [&cost](qsizetype a, qsizetype b) -> qsizetype & {
+                return cost[std::size_t(a)][std::size_t(b)];
+            };
+            if (i == 0 || j == 0) {
+                at(i, j) = i + j;
+                continue;
+            }
+            const bool isSame = one[i - 1] == other[j - 1];
+            at(i, j) = std::min({at(i - 1, j) + 1, at(i, j - 1) + 1, at(i - 1, j - 1) + (isSame ? 0 : 1)});
+            if (i > 1 && j > 1 && one[i - 1] == other[j - 2] && one[i - 2] == other[j - 1]) {
+                at(i, j) = std::min(at(i, j), at(i - 2, j - 2) + 1);
+            }
+        }
+    }
+    return cost[std::size_t(one.size())][std::size_t(other.size())];
+}
+} // namespace
+
+QString CommandLine::commandLike(const QString &word) const
+{
+    constexpr qsizetype longestCommand = 32;
+    if (word.contains(u'/') || word.size() > longestCommand) {
+        return {};
+    }
+    QString best;
+    qsizetype bestDistance = std::max<qsizetype>(1, word.size() / 3) + 1; // one letter in three may be wrong
+    for (const CLI::App *command : m_app->get_subcommands([](const CLI::App *) { return true; })) {
+        const qsizetype distance = editDistance(word.toLower(), text(command->get_name()));
+        if (!command->get_group().empty() && distance < bestDistance) {
+            bestDistance = distance;
+            best = text(command->get_name());
+        }
+    }
+    return best;
 }
 
 namespace {

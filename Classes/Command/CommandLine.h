@@ -65,6 +65,9 @@ private:
     void defineDefaults();
     void defineSnapshot();
     void defineDocumentation();
+    bool isNothing(const QString &word, CommandContext &context) const;
+    bool checkWords(const QStringList &arguments, CommandContext &context) const;
+    QString commandLike(const QString &word) const;
     CLI::App *add(const char *name, const char *help, bool needsLibrary, std::function<int(CommandContext &)> run);
 
     std::unique_ptr<CLI::App> m_app;

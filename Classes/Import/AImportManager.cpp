@@ -1,5 +1,6 @@
 #include "Classes/Import/AImportManager.h"
 
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PasteboardFiles.h"
@@ -163,17 +164,12 @@ void AImportManager::stopAllOperation()
 
 QString AImportManager::temporaryDirectory()
 {
-    const QString base = tamberin_AppDelegate::temporaryFolder();
-    if (::mkdir(QFile::encodeName(base).constData(), 0700) != 0 && errno != EEXIST) {
-        presentError(ZQError::posix(errno, zqFormat(zqLocalized("The folder %@ cannot be made"), {base})));
-        return {};
+    ZQError error;
+    QString directory = TemporaryArea::newFolder(&error);
+    if (directory.isEmpty()) {
+        presentError(error);
     }
-    QByteArray name = QFile::encodeName(base + QStringLiteral("/t.XXXXXX"));
-    if (!::mkdtemp(name.data())) {
-        presentError(ZQError::posix(errno, zqFormat(zqLocalized("No folder can be made in %@"), {base})));
-        return {};
-    }
-    return QFile::decodeName(name);
+    return directory;
 }
 
 QUrl AImportManager::temporaryURL()

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLock.h"
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
@@ -54,7 +55,8 @@ TEST_F(ApplicationTest, ARememberedLocationIsUsedUnlessItIsGoneOrInTheTrash)
 
     tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
     EXPECT_EQ(application()->libraryBundleDirectory(), elsewhere);
-    tamberin_AppDelegate::saveNewLibraryURL(trashed);
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(zqDataForPersistentURL(trashed),
+                                                           QStringLiteral("ZeltoLibraryLocation"));
     EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle());
     tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
     QDir(elsewhere).removeRecursively();

@@ -123,7 +123,7 @@ TEST_F(ImportQueries, EveryTemporaryDirectoryIsANewFolderInOnePlace)
 
 TEST_F(ImportQueries, ATemporaryDirectoryThatCannotBeMadeIsShownAsAnError)
 {
-    writeFile(QStringLiteral("TMPDIR/ZeltoTemporaryFolder"), "in the way");
+    qputenv("TMPDIR", QFile::encodeName(writeFile(QStringLiteral("in-the-way"), "no folder")));
     EXPECT_TRUE(AImportManager::temporaryDirectory().isEmpty());
     QCoreApplication::processEvents();
     EXPECT_EQ(user.errors.size(), 1);
