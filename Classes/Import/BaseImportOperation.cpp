@@ -150,7 +150,11 @@ void BaseImportOperation::finish()
         m_fileData->insert(QStringLiteral("itemClass"), itemClass());
         m_fileData->insert(QStringLiteral("bundleID"), zqBaseName(m_libraryItemBundlePath));
         if (m_slot) {
-            *m_slot = {*m_fileData, m_sourcePath, m_filePath, m_isMove};
+            *m_slot = {.fileData = *m_fileData,
+                       .sourcePath = m_sourcePath,
+                       .filePath = m_filePath,
+                       .movedPath = m_isMove ? m_readPath : QString(), // of a package, only what was taken from it
+                       .movedModification = m_sourceDates.modification};
         }
     } else {
         removeItemBundle();
@@ -301,7 +305,7 @@ void BaseImportOperation::addFileToLibrary()
 
 void BaseImportOperation::fillDates()
 {
-    const QDateTime now = zqNow();
+    const QDateTime now = m_importDate.isValid() ? m_importDate : zqNow();
     const auto date = [](qint64 milliseconds, const QDateTime &otherwise) {
         return milliseconds ? dateFromMilliseconds(milliseconds) : otherwise;
     };
