@@ -10,6 +10,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace {
 
 const QString inUseKey = QStringLiteral("inUseBy");
@@ -31,6 +34,18 @@ bool isRunning(const QString &mark)
 {
     const qint64 pid = mark.section(u':', 0, 0).toLongLong();
     return pid > 0 && processMark(pid) == mark;
+}
+
+// When a file appeared at its place; now where the file system does not keep that.
+QDateTime birthOfFile(const QString &path)
+{
+    struct statx info = {};
+    if (::statx(AT_FDCWD, QFile::encodeName(path).constData(), 0, STATX_BTIME, &info) != 0 ||
+        !(info.stx_mask & STATX_BTIME)) {
+        return QDateTime::currentDateTimeUtc();
+    }
+    return QDateTime::fromMSecsSinceEpoch(qint64(info.stx_btime.tv_sec) * 1000 + info.stx_btime.tv_nsec / 1000000,
+                                          Qt::UTC);
 }
 
 ZQError storeError(ZQStoreError code, const char *description, const char *advice, const QString &path)
@@ -63,6 +78,7 @@ ZQPersistentStoreCoordinator::open(std::shared_ptr<const ZQManagedObjectModel> m
     if (!connection || !coordinator->prepareStore(*connection, options, error)) {
         return nullptr;
     }
+    coordinator->readOrigin(*connection);
     coordinator->markInUse(*connection);
     return coordinator;
 }
@@ -104,6 +120,32 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
         return true;
     }
     return zqMigrateStore(connection, *metadata, *m_model, options, error);
+}
+
+void ZQPersistentStoreCoordinator::readOrigin(ZQSQLiteConnection &connection)
+{
+    // A store put back from a backup says when it was first made; its file, when it came back. Between the two there
+    // may have been items that only the lost store knew.
+    const QDateTime birth = birthOfFile(m_path);
+    const QVariant kept = zqReadMetadata(connection, zqCreatedKey);
+    if (kept.toLongLong() > 0) {
+        m_creationDate = std::max(birth, QDateTime::fromMSecsSinceEpoch(kept.toLongLong(), Qt::UTC));
+    } else {
+        m_creationDate = birth;
+        zqWriteMetadata(connection, zqCreatedKey, birth.toMSecsSinceEpoch());
+    }
+    m_wasRecovered = zqReadMetadata(connection, zqRecoveredKey).toLongLong() > 0;
+}
+
+bool ZQPersistentStoreCoordinator::clearRecovered()
+{
+    const std::lock_guard guard(m_writeLock);
+    const auto connection = newConnection();
+    if (!connection || !zqWriteMetadata(*connection, zqRecoveredKey, 0)) {
+        return false;
+    }
+    m_wasRecovered = false;
+    return true;
 }
 
 void ZQPersistentStoreCoordinator::markInUse(ZQSQLiteConnection &connection)

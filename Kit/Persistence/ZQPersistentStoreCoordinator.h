@@ -3,8 +3,10 @@
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Persistence/ZQManagedObjectModel.h"
 
+#include <QDateTime>
 #include <QUuid>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -67,6 +69,14 @@ public:
     const std::shared_ptr<const ZQManagedObjectModel> &managedObjectModel() const { return m_model; }
     QString path() const { return m_path; }
     QUuid storeUUID() const { return m_storeUUID; }
+    // When this store's file was made: as a new store, by a recovery, or by being put here from a copy. What lies in
+    // the bundle since before then may be known to a store that was lost, so later is the careful answer where it is
+    // unsure.
+    QDateTime creationDate() const { return m_creationDate; }
+    // Whether this store is what a recovery could read of a damaged one, and what that cost was not seen to yet.
+    bool wasRecovered() const { return m_wasRecovered; }
+    bool clearRecovered(); // false: it could not be written, and is asked about again at the next launch
+
     // Whether the last process that wrote this store ended without closing it.
     bool wasUncleanlyClosed() const { return m_wasUnclean; }
     // Runs the database's own integrity check; an empty list is a sound store. Takes time linear in the store.
@@ -80,11 +90,14 @@ public:
 private:
     ZQPersistentStoreCoordinator() = default;
     bool prepareStore(ZQSQLiteConnection &connection, const ZQStoreOptions &options, ZQError *error);
+    void readOrigin(ZQSQLiteConnection &connection);
     void markInUse(ZQSQLiteConnection &connection);
 
     std::shared_ptr<const ZQManagedObjectModel> m_model;
     QString m_path;
     QUuid m_storeUUID;
+    QDateTime m_creationDate;
+    std::atomic<bool> m_wasRecovered = false;
     bool m_wasUnclean = false;
     bool m_isMarked = false;
     std::mutex m_writeLock;

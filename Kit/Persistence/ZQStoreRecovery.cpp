@@ -267,7 +267,8 @@ bool fillFrom(const QString &path, const QString &target, const ZQManagedObjectM
     ZQSQLiteTransaction transaction(*sound);
     Recovery recovery(*damaged, *sound, model);
     if (!transaction.isOpen() || !zqCreateStore(*sound, model, metadata ? metadata->storeUUID : QUuid::createUuid()) ||
-        !recovery.run() || (recovery.foundTables() && !transaction.commit())) {
+        !recovery.run() || !zqWriteMetadata(*sound, zqRecoveredKey, QDateTime::currentMSecsSinceEpoch()) ||
+        (recovery.foundTables() && !transaction.commit())) {
         zqSetError(error, sound->error());
         return false;
     }

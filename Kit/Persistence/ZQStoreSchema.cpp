@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 
+#include <QDateTime>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
@@ -225,5 +226,6 @@ bool zqCreateStore(ZQSQLiteConnection &connection, const ZQManagedObjectModel &m
     return zqExecuteAll(connection, zqBookkeepingStatements()) && zqExecuteAll(connection, zqTableStatements(model)) &&
            zqExecuteAll(connection, zqIndexStatements(model)) &&
            zqWriteMetadata(connection, QStringLiteral("uuid"), uuid.toString(QUuid::WithoutBraces)) &&
+           zqWriteMetadata(connection, zqCreatedKey, QDateTime::currentMSecsSinceEpoch()) &&
            zqWriteModelMetadata(connection, model);
 }

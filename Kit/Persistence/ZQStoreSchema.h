@@ -38,6 +38,10 @@ QStringList zqBookkeepingStatements();                            // metadata an
 
 bool zqExecuteAll(ZQSQLiteConnection &connection, const QStringList &statements);
 
+// Entries of the metadata table beside those of the model.
+inline const QString zqCreatedKey = QStringLiteral("created");     // milliseconds since 1970
+inline const QString zqRecoveredKey = QStringLiteral("recovered"); // milliseconds since 1970; 0: not, or seen to
+
 // What is written in the metadata table about the model.
 bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model);
 bool zqWriteMetadata(ZQSQLiteConnection &connection, const QString &key, const QVariant &value);

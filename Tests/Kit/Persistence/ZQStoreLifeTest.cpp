@@ -295,6 +295,48 @@ TEST(ZQStoreLife, AClosedStoreIsOneCleanFile)
     EXPECT_FALSE(store.coordinator()->wasUncleanlyClosed());
 }
 
+TEST(ZQStoreLife, AStoreSaysSinceWhenItIsAtItsPlaceAndWhetherItWasRecovered)
+{
+    TestStore store;
+    const QDateTime before = QDateTime::currentDateTimeUtc().addMSecs(-1);
+    fillTags(store, 3);
+    const QDateTime created = store.coordinator()->creationDate();
+    EXPECT_GE(created, before);
+    EXPECT_LE(created, QDateTime::currentDateTimeUtc());
+    EXPECT_FALSE(store.coordinator()->wasRecovered());
+    store.close();
+    EXPECT_EQ(store.coordinator()->creationDate(), created);
+    store.close();
+
+    // As older versions left it: without the entry the file's own date counts, also ever after.
+    {
+        const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ASSERT_TRUE(connection->execute(QStringLiteral("DELETE FROM zq_metadata WHERE key = 'created'")));
+    }
+    EXPECT_GE(store.coordinator()->creationDate(), before);
+    EXPECT_LE(store.coordinator()->creationDate(), created.addSecs(5));
+    store.close();
+
+    // Put back from a copy: what came between the copy and now is older than the file that is there now.
+    {
+        const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ASSERT_TRUE(connection->execute(QStringLiteral("UPDATE zq_metadata SET value = 1000 WHERE key = 'created'")));
+    }
+    EXPECT_GE(store.coordinator()->creationDate(), before);
+    store.close();
+
+    const QDateTime beforeRecovery = QDateTime::currentDateTimeUtc().addMSecs(-1);
+    ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path));
+    EXPECT_GE(store.coordinator()->creationDate(), beforeRecovery);
+    EXPECT_TRUE(store.coordinator()->wasRecovered());
+    store.close();
+    EXPECT_TRUE(store.coordinator()->wasRecovered()) << "until it was seen to";
+    EXPECT_TRUE(store.coordinator()->clearRecovered());
+    EXPECT_FALSE(store.coordinator()->wasRecovered());
+    store.close();
+    EXPECT_FALSE(store.coordinator()->wasRecovered());
+}
+
 TEST(ZQStoreLife, NoConnectionKeepsAReadOpen)
 {
     TestStore store;
