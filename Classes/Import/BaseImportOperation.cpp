@@ -177,6 +177,12 @@ void BaseImportOperation::setFilePath(const QString &path)
     m_readPath = path;
 }
 
+void BaseImportOperation::setItemDirectory(const QString &directory)
+{
+    m_libraryItemBundlePath = directory;
+    m_isInPlace = true;
+}
+
 void BaseImportOperation::collect()
 {
     using Step = void (BaseImportOperation::*)();
@@ -222,7 +228,7 @@ void BaseImportOperation::dropForError(const ZQError &error)
 
 void BaseImportOperation::removeItemBundle()
 {
-    if (!m_libraryItemBundlePath.isEmpty() && !QDir(m_libraryItemBundlePath).removeRecursively()) {
+    if (!m_isInPlace && !m_libraryItemBundlePath.isEmpty() && !QDir(m_libraryItemBundlePath).removeRecursively()) {
         qCWarning(zqLogImport).noquote() << "Error while deleting unused bundle item" << m_libraryItemBundlePath;
     }
 }
@@ -282,14 +288,16 @@ void BaseImportOperation::addFileToLibrary()
     }
     // The copy's own dates are those of the copying.
     m_sourceDates = zqFileDates(m_readPath).value_or(ZQFileDates());
-    m_libraryItemBundlePath = LibraryBundleManager::newLibraryItemBundlePath();
+    if (!m_isInPlace) {
+        m_libraryItemBundlePath = LibraryBundleManager::newLibraryItemBundlePath();
+    }
     if (m_libraryItemBundlePath.isEmpty()) {
         drop(zqLocalized(
             "No item directory can be made in the library. Check that the library can be written and has space left."));
         return;
     }
     m_fileData->insert(QStringLiteral("managed"), !m_referenceImage);
-    if (!m_referenceImage && !copyFile()) {
+    if (!m_referenceImage && !m_isInPlace && !copyFile()) {
         return;
     }
     const QByteArray reference = zqDataForPersistentURL(m_filePath);
@@ -481,7 +489,8 @@ void BaseImportOperation::fillWebURLAsNotes()
         url = m_fileData->value(QStringLiteral("webURL")).toString();
     }
     const QString notes = m_fileData->value(QStringLiteral("notes")).toString();
-    if (url.isEmpty() || notes == url) {
+    const bool wereFilledBefore = m_isInPlace && notes.startsWith(url); // by its first import
+    if (url.isEmpty() || notes == url || wereFilledBefore) {
         return;
     }
     m_fileData->insert(QStringLiteral("notes"),

@@ -57,6 +57,8 @@ public:
     void setSHA1(const QString &SHA1) { m_SHA1 = SHA1; }
     void setSidebarItem(const ZQObjectID &sidebarItem) { m_sidebarItem = sidebarItem; } // the batch's target for it
     void setSettings(const ImportSettings &settings) { m_settings = settings; }
+    // The file lies in this item directory already: it becomes an item where it is, and stays whatever happens.
+    void setItemDirectory(const QString &directory);
     void setImportDate(const QDateTime &date) { m_importDate = date; } // instead of the moment it is read
 
     QString filePath() const { return m_filePath; }
@@ -131,6 +133,7 @@ private:
     ImportedFile *m_slot = nullptr;
     ImportBatch *m_batch = nullptr;
     bool m_referenceImage = false;
+    bool m_isInPlace = false;
     bool m_isMove = false;
     bool m_isTold = false;
 };
