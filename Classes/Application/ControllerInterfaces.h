@@ -43,6 +43,11 @@ public:
     virtual ~ImportManaging() = default;
     virtual void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                                     const QVariantMap &metadata) = 0;
+    // Makes items again of item directories that no item names, by the directories' names, where they lie: nothing in
+    // them is copied, moved or removed. In the background. `done` is called on the main thread with how many became
+    // items and whether all were seen to; those that gave none keep their directories.
+    virtual void takeBackItemDirectories(const QStringList &names,
+                                         std::function<void(qsizetype takenBack, bool isComplete)> done) = 0;
     virtual ZQOperationQueue &syncOperationQueue() = 0;
     virtual void getLiveFolderPermissionFromSandbox() = 0;
     virtual void startObservingWatchedFolders() = 0;

@@ -112,12 +112,14 @@ bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
     if (!openStore(error)) {
         return false;
     }
-    if (m_coordinator->wasUncleanlyClosed()) {
-        checkAndDeleteLibraryLeftovers();
-    }
     setupBasicSidebarProjects();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
     m_environment->finishInterruptedTagWrites();
+    const bool isNewStore = m_coordinator->creationDate() >= m_launchDate;
+    if (m_coordinator->wasUncleanlyClosed() || m_coordinator->wasRecovered() || isNewStore) {
+        checkAndDeleteLibraryLeftovers();
+        zqRunMainLoopUntil([this] { return !m_isTakingBack; }); // the command is about all of the library
+    }
     return true;
 }
 

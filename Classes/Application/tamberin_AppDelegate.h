@@ -66,6 +66,8 @@ public:
     void saveAction();
     void checkModelMigration();
     void migrateToModelVersion(const QString &version);
+    // What no item names and is younger than the store goes; what is older, or left after a recovery, becomes items
+    // again in the background.
     void checkAndDeleteLibraryLeftovers();
 
     // Places. The directories are created when first asked for; empty on failure. `libraryDirectory` may be called from
@@ -130,6 +132,9 @@ private:
     bool moveTemplate(const QString &path);
     bool offerRecovery(const QString &storePath, const ZQError &damage);
     void checkStoreAfterUncleanEnd();
+    int answerAboutLeftovers(qsizetype count, qsizetype ofAll);
+    void takeBack(const QStringList &directories);
+    void didTakeBack(qsizetype takenBack, bool isComplete);
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     ApplicationParts m_parts;
@@ -148,6 +153,7 @@ private:
     bool m_storeFailed = false;
     bool m_observesLocale = false;
     bool m_isTerminating = false;
+    bool m_isTakingBack = false;
     QProcess *m_deleteTask = nullptr;
     bool m_shouldShowMainWindowOnActivation = true;
     bool m_applicationLauched = false;

@@ -97,7 +97,11 @@ void CommandLine::defineImport()
                                 return zqRunImport(request, context);
                             });
     command->add_option("paths", m_options->paths, "What to import")->required()->type_name("PATH");
-    command->add_option("--into", m_options->reference, referenceHelp)->type_name("REF");
+    command
+        ->add_option("--into", m_options->reference,
+                     "A sidebar entry: titles from the top, as PROJECTS/Clients/Brand, or its UUID text; without it "
+                     "folders become projects in PROJECTS, and files go into the library")
+        ->type_name("REF");
     command->add_option("--index", m_options->index, "Position among what is there, from 0; without it at the end")
         ->type_name("N");
     command->add_option("--set", m_options->metadata, "An attribute that every imported item gets, as license=CC0")

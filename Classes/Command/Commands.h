@@ -11,7 +11,7 @@
 struct ImportRequest
 {
     QStringList paths;
-    QString into;         // REF; empty: the Library
+    QString into;         // REF; empty: PROJECTS for folders, the Library for files
     qint64 index = -1;    // negative: at the end
     QStringList metadata; // "key=value"
 };

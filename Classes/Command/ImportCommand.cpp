@@ -12,6 +12,10 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
+#include <memory>
+#include <vector>
+
 namespace {
 // "key=value" as an attribute value of its type, or a message.
 std::optional<QString> addMetadata(const QString &setting, QVariantMap &metadata)
@@ -95,6 +99,64 @@ void printReport(const ImportReport &report, CommandContext &context)
         context.print(text);
     }
 }
+
+// Without a target, as files that are opened: folders into PROJECTS, files into the library.
+bool startImports(const ImportRequest &request, const QStringList &paths, const QVariantMap &metadata,
+                  CommandContext &context, std::vector<std::shared_ptr<ImportOperation>> &operations)
+{
+    const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
+    const auto start = [&](const QStringList &list, const ZQRef<ZQSidebarBaseItem> &target) {
+        if (!list.isEmpty() && target) {
+            operations.push_back(AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
+                list, target->objectID(), index, metadata));
+        }
+    };
+    if (request.into.isEmpty()) {
+        QStringList folders;
+        QStringList files;
+        for (const QString &path : paths) {
+            const bool isFolder = QFileInfo(path).isDir() && !AImportManager::fileAtPathIsSupported(path);
+            (isFolder ? folders : files).append(path);
+        }
+        start(folders, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context.store()));
+        start(files, ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context.store()));
+    } else {
+        const ZQRef<ZQSidebarBaseItem> target = zqSidebarItemForReference(request.into, context);
+        if (!target) {
+            return false;
+        }
+        start(paths, target);
+    }
+    if (operations.empty() || !operations.front()) {
+        context.fail(zqLocalized("the library is not open"));
+        return false;
+    }
+    return true;
+}
+
+// Waits for the imports and all that follows from them.
+int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operations, CommandContext &context)
+{
+    zqRunMainLoopUntil(
+        [&] {
+            return std::all_of(operations.begin(), operations.end(),
+                               [](const auto &operation) { return operation->isWhollyFinished(); });
+        },
+        std::chrono::milliseconds(5));
+    ImportReport report;
+    bool isCancelled = false;
+    for (const auto &operation : operations) {
+        addReports(*operation, report);
+        isCancelled = isCancelled || operation->isAnyCancelled();
+    }
+    printReport(report, context);
+    if (isCancelled) {
+        return context.fail(report.imported().isEmpty()
+                                ? zqLocalized("the import was cancelled; nothing was kept")
+                                : zqLocalized("the import was cancelled; what is listed was imported before that"));
+    }
+    return 0;
+}
 } // namespace
 
 int zqRunImport(const ImportRequest &request, CommandContext &context)
@@ -113,27 +175,9 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
         }
         paths.append(absolute);
     }
-    ZQRef<ZQSidebarBaseItem> target = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context.store());
-    if (!request.into.isEmpty()) {
-        target = zqSidebarItemForReference(request.into, context);
-        if (!target) {
-            return 2;
-        }
+    std::vector<std::shared_ptr<ImportOperation>> operations;
+    if (!startImports(request, paths, metadata, context, operations)) {
+        return 2;
     }
-    const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
-    const auto operation =
-        AImportManager::sharedAImportManager().startImportOfFilesAtPaths(paths, target->objectID(), index, metadata);
-    if (!operation) {
-        return context.fail(zqLocalized("the library is not open"));
-    }
-    zqRunMainLoopUntil([&] { return operation->isWhollyFinished(); }, std::chrono::milliseconds(5));
-    ImportReport report;
-    addReports(*operation, report);
-    printReport(report, context);
-    if (operation->isAnyCancelled()) {
-        return context.fail(report.imported().isEmpty()
-                                ? zqLocalized("the import was cancelled; nothing was kept")
-                                : zqLocalized("the import was cancelled; what is listed was imported before that"));
-    }
-    return 0;
+    return reportImports(operations, context);
 }

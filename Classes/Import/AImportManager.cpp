@@ -4,6 +4,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/TakeBackOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -160,6 +161,19 @@ void AImportManager::stopAllOperation()
 {
     importOperationQueue().cancelAllOperations();
     ZQNotificationCenter::defaultCenter().postNotification(willFinishImportOperation, this);
+}
+
+void AImportManager::takeBackItemDirectories(const QStringList &names,
+                                             std::function<void(qsizetype takenBack, bool isComplete)> done)
+{
+    application().saveAction();
+    auto operation = std::make_shared<TakeBackOperation>(names);
+    operation->setCompletionBlock([weak = std::weak_ptr(operation), done = std::move(done)] {
+        zqOnMainThread([operation = weak.lock(), done] {
+            done(operation ? operation->takenBackCount() : 0, operation && operation->isComplete());
+        });
+    });
+    importOperationQueue().addOperation(operation);
 }
 
 QString AImportManager::temporaryDirectory()

@@ -65,6 +65,8 @@ public:
     std::shared_ptr<ImportOperation>
     importItemsFromPasteboard(const QMimeData *pasteboard, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex);
     void stopAllOperation();
+    void takeBackItemDirectories(const QStringList &names,
+                                 std::function<void(qsizetype takenBack, bool isComplete)> done) override;
 
     ZQOperationQueue &importOperationQueue(); // the application's background queue
     ZQOperationQueue &thumbsGenerationQueue() { return m_thumbsGenerationQueue; }

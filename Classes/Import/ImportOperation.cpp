@@ -169,8 +169,12 @@ void ImportOperation::importFlat(ZQSidebarBaseItem &target)
     if (isCancelled() || files.isEmpty()) {
         return;
     }
+    QList<Group> groups{{.project = ZQRef<ZQSidebarBaseItem>(&target),
+                         .files = files,
+                         .droppedFolder = m_origin ? m_origin->folder : QString()}};
+    orderLikeTheDrop(groups);
     beginProgress();
-    importFiles({ZQRef<ZQSidebarBaseItem>(&target), files});
+    importFiles(groups.first());
 }
 
 void ImportOperation::beginProgress()

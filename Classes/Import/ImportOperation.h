@@ -55,6 +55,8 @@ private:
     {
         ZQRef<ZQSidebarBaseItem> project;
         QStringList files;
+        QString droppedFolder;                 // which all of them come from; empty: each was dropped itself
+        std::vector<qint64> milliseconds = {}; // of each file's import date behind the batch's
     };
 
     // What is kept of an item once it was made.
@@ -66,9 +68,10 @@ private:
         QString filePath;
         QString thumbName;
         QString sourcePath;
+        QString movedPath; // see `ImportedFile`
+        qint64 movedModification = 0;
         QStringList tags;
         QString notes;
-        bool isMove = false;
         bool isGone = false; // taken out again
     };
 
@@ -120,12 +123,13 @@ private:
 
     // Groups.
     void importFiles(const Group &group);
-    std::unique_ptr<Chunk> startChunk(const QStringList &files, const ZQSidebarBaseItem &target);
+    void orderLikeTheDrop(QList<Group> &groups);
+    std::unique_ptr<Chunk> startChunk(const Group &group, qsizetype first, qsizetype count);
     void finishChunk(Chunk &chunk, Place &place);
     ZQRef<ZQLibraryBaseItem> insertItem(const ImportedFile &file);
     void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
     ZQRef<ZQSidebarTag> tagWithName(const QString &name);
-    bool saveItems();
+    bool saveItems(ZQError *error = nullptr);
     void forgetUnsavedItems(const ZQError &error);
 
     // Finish.
@@ -138,7 +142,9 @@ private:
     void removeEverythingCreated();
     void enableSidebarItems();
     void completeItems();
+    void takeOut(std::size_t index);
     void removeBundles();
+    void keepWhatCouldNotBeTakenOut(const ZQError &error);
     void importUnfoldedArchives();
     void importUnfoldedArchive(const UnfoldedArchive &archive);
     quint32 indexForArchive(const UnfoldedArchive &archive) const;
@@ -180,7 +186,11 @@ private:
     QList<ZQRef<ZQLibraryBaseItem>> m_unsavedItems;        // those of `m_createdItems` from `m_savedItemCount` on
     QList<ZQRef<ZQSidebarBaseItem>> m_createdSidebarItems; // tags included
     QHash<QString, ZQRef<ZQSidebarTag>> m_tags;
-    QStringList m_bundlesToRemove;
+    QStringList m_bundlesToRemove; // of what the store does not name
+    // Of items that the store names until their deletion was saved, and what is to be reported then.
+    QStringList m_bundlesToRemoveOnceSaved;
+    QList<DroppedFile> m_droppedOnceSaved;
+    QDateTime m_firstImportDate;
 
     QList<std::shared_ptr<ImportOperation>> m_followUps;
     QSet<QString> m_followedUpPaths; // of archives

@@ -58,6 +58,12 @@ public:
     {
         imports.append({paths, intoSidebarItemID});
     }
+    void takeBackItemDirectories(const QStringList &names,
+                                 std::function<void(qsizetype takenBack, bool isComplete)> done) override
+    {
+        takenBack += names;
+        done(names.size(), true);
+    }
     ZQOperationQueue &syncOperationQueue() override { return m_sync; }
     void getLiveFolderPermissionFromSandbox() override { calls.append(QStringLiteral("permission")); }
     void startObservingWatchedFolders() override { calls.append(QStringLiteral("observe")); }
@@ -68,6 +74,7 @@ public:
 
     QList<Import> imports;
     QStringList calls;
+    QStringList takenBack;
 
 private:
     ZQOperationQueue m_sync;

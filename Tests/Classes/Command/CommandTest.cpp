@@ -136,6 +136,22 @@ TEST_F(CommandTest, PreferencesAreReadOverTheirDefaults)
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n");
 }
 
+TEST_F(CommandTest, WithoutATargetFoldersBecomeProjectsAndFilesGoIntoTheLibrary)
+{
+    picture(QStringLiteral("in/Brand/logo.png"), qRgb(20, 20, 220));
+    picture(QStringLiteral("in/loose.png"), qRgb(20, 220, 20));
+    ASSERT_EQ(run("import in/loose.png in/Brand --json"), 0) << context.errors.constData();
+    EXPECT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 2);
+    ASSERT_EQ(run("items --in PROJECTS/Brand --json"), 0) << context.errors.constData();
+    ASSERT_EQ(array().size(), 1);
+    EXPECT_EQ(array().first().toObject().value(QStringLiteral("title")).toString(), QStringLiteral("logo"));
+    EXPECT_EQ((run("items --json"), array().size()), 2);
+    const auto projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(*delegate->managedObjectContext());
+    for (const auto &child : projects->orderedChildren()) {
+        EXPECT_NE(child->title(), QStringLiteral("New Project")); // the loose file is in no project
+    }
+}
+
 TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)
 {
     using SampleArchives::Entry;
