@@ -54,8 +54,9 @@ int finish(const Items &items, const char *one, const char *several, CommandCont
     return 0;
 }
 
-bool isTagName(const QString &name)
+bool isTagName(const QString &text)
 {
+    const QString name = ZQSidebarTag::tagNameForText(text);
     return std::any_of(name.begin(), name.end(), [](QChar c) { return !c.isSpace(); });
 }
 

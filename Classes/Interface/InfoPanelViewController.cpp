@@ -370,15 +370,23 @@ QStringList InfoPanelViewController::commonTagsForItems(const QList<ZQObjectID> 
 
 bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QStringList &withTags)
 {
-    QStringList entered = withTags;
-    entered.removeAll(zqLocalized("Multiple values"));
-    const QStringList shared = commonTagsForItems(items);
+    QStringList entered;
+    for (const QString &text : withTags) {
+        const QString name = ZQSidebarTag::tagNameForText(text);
+        if (!name.isEmpty() && text != zqLocalized("Multiple values") && !entered.contains(name)) {
+            entered.append(name);
+        }
+    }
+    QStringList shared;
+    for (const QString &title : commonTagsForItems(items)) {
+        shared.append(ZQSidebarTag::tagNameForText(title));
+    }
     QStringList added = entered;
-    added.removeIf([&shared](const QString &title) { return shared.contains(title); });
+    added.removeIf([&shared](const QString &name) { return shared.contains(name); });
     QList<ZQObjectID> removed;
-    for (const QString &title : shared) {
+    for (const QString &name : shared) {
         const auto tag =
-            entered.contains(title) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(title, m_window.context);
+            entered.contains(name) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(name, m_window.context);
         if (tag) {
             removed.append(tag->objectID());
         }

@@ -20,6 +20,8 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <algorithm>
+
 namespace {
 
 const QString errorDomain = QStringLiteral("zelto.model");
@@ -350,35 +352,30 @@ void ZQLibraryBaseItem::readPixelSize(const QString &path)
     setPixelTotal(qint64(properties->pixelWidth) * properties->pixelHeight);
 }
 
-// Files carry decomposed names, keyboards write composed ones, and both are the same tag.
 bool ZQLibraryBaseItem::replaceTags(const QStringList &titles)
 {
     ZQManagedObjectContext *context = managedObjectContext();
     QHash<QString, ZQRef<ZQSidebarTag>> present;
     for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
-        present.insert(tag->title().normalized(QString::NormalizationForm_C), tag);
+        present.insert(ZQSidebarTag::tagNameForText(tag->title()), tag);
     }
-    QSet<QString> wanted;
-    for (const QString &name : titles) {
-        wanted.insert(name.normalized(QString::NormalizationForm_C));
+    QStringList wanted;
+    for (const QString &title : titles) {
+        const QString name = ZQSidebarTag::tagNameForText(title);
+        if (!name.isEmpty() && !wanted.contains(name)) {
+            wanted.append(name);
+        }
     }
-    const QList<QString> presentNames = present.keys();
-    if (!context || wanted == QSet<QString>(presentNames.begin(), presentNames.end())) {
+    const bool isSame =
+        wanted.size() == present.size() &&
+        std::all_of(wanted.cbegin(), wanted.cend(), [&present](const QString &name) { return present.contains(name); });
+    if (!context || isSame) {
         return false;
     }
     QList<ZQRef<ZQSidebarTag>> replacement;
-    for (const QString &name : titles) {
-        const QString composed = name.normalized(QString::NormalizationForm_C);
-        ZQRef<ZQSidebarTag> tag = present.value(composed);
-        if (!tag) {
-            tag = ZQSidebarTag::tagWithTagName(name, *context);
-        }
-        if (!tag) {
-            tag = ZQSidebarTag::getOrCreateTagWithName(composed, *context);
-        }
-        if (tag && !replacement.contains(tag)) {
-            replacement.append(tag);
-        }
+    for (const QString &name : std::as_const(wanted)) {
+        const ZQRef<ZQSidebarTag> tag = present.value(name);
+        replacement.append(tag ? tag : ZQSidebarTag::getOrCreateTagWithName(name, *context));
     }
     setTags(replacement);
     return true;

@@ -167,7 +167,13 @@ TEST_F(TagCommandTest, ADecomposedNameOfAFileIsTheTagThatWasTyped)
     EXPECT_TRUE(object->readOpenMetaFromDisk());
     delegate->saveAction();
     EXPECT_TRUE(storedTags().contains(typed) && storedTags().contains(QStringLiteral("new")));
-    EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("Cafe\u0301"), store));
+    const qsizetype known = storedTags().size();
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("Cafe\u0301"),
+                   QStringLiteral("--add"), QStringLiteral("n\tew\n")}),
+              0);
+    EXPECT_EQ(storedTags().size(), known);
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--remove"), QStringLiteral("Cafe\u0301")}), 0);
+    EXPECT_FALSE(storedTags().contains(typed));
 }
 
 TEST_F(TagCommandTest, WhatAFileManagerWroteReachesTheStore)
