@@ -79,6 +79,7 @@ protected:
     void fillCustomMetadata();
     void importIPTCTags();
     void importOpenMetaTags();
+    void importOpenMetaRating();
     void importOpenMetaNotes();
     void fillColors();
     void fillWebURLAsNotes();

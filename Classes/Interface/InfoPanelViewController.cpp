@@ -26,6 +26,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -404,7 +405,7 @@ void InfoPanelViewController::rateItems(double rating)
     const QList<ZQObjectID> items = m_browser.selectedItems();
     if (!items.isEmpty()) {
         m_rating->setRating(rating, false);
-        ItemEdits(m_window).setRating(items, rating);
+        ItemEdits(m_window).setRating(items, int(std::lround(rating)));
     }
 }
 
