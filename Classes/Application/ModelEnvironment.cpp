@@ -1,5 +1,6 @@
 #include "Classes/Application/ModelEnvironment.h"
 
+#include "Classes/Application/FileTagAdoption.h"
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Tags/OpenMeta.h"
@@ -7,15 +8,27 @@
 #include "Classes/Tags/TagFileJournal.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
 
-ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate) : m_delegate(delegate)
+namespace {
+
+FileTags valuesOf(const ZQFileTags &tags)
+{
+    return {tags.tags, tags.comment, tags.rating.value_or(0)};
+}
+
+} // namespace
+
+ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate)
+    : m_delegate(delegate), m_readings(QStringLiteral("tags of files"), 1)
 {
     ZQLibraryEnvironment::setCurrent(this);
     TagFileWriter::sharedTagFileWriter().setProblemHandler([](const ZQError &error) {
@@ -80,33 +93,95 @@ std::optional<int> ModelEnvironment::ratingOfFile(const QString &path)
     return std::clamp(int(std::lround(rating)), 0, 5);
 }
 
-void ModelEnvironment::writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)
+std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &path, const ZQFileTags &present)
+{
+    ZQError error;
+    const auto file = FileTagsMerge::ofFile(path, valuesOf(present), FileTagsMerge::Unknown::TakesFile, false, &error);
+    if (!file) {
+        qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not read:" << error.localizedDescription();
+        return std::nullopt;
+    }
+    return ZQFileTags{file->merged.tags, file->merged.comment, file->merged.rating};
+}
+
+void ModelEnvironment::didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags)
+{
+    if (writesTagsToFiles()) {
+        queueMerging(bundleID, false, path, tags);
+    }
+}
+
+void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    if (!m_adoption || !writesTagsToFiles()) {
+        return;
+    }
+    struct Present
+    {
+        QString bundleID;
+        QString path;
+        FileTags values;
+    };
+    QList<Present> all;
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        const QString path = item && item->active() ? item->itemURL() : QString();
+        if (!path.isEmpty()) {
+            all.append({item->bundleID(), path, valuesOf(item->fileTags())});
+        }
+    }
+    m_readings.addOperationWithBlock([all, adoption = m_adoption] {
+        for (const Present &present : all) {
+            ZQError error;
+            const auto file =
+                FileTagsMerge::ofFile(present.path, present.values, FileTagsMerge::Unknown::KeepsBoth, false, &error);
+            const bool canBeRecorded = file && !file->isRecorded && QFileInfo(present.path).isWritable();
+            if (file && (!file->change.isEmpty() || canBeRecorded)) {
+                adoption->add(present.bundleID, file->change);
+            }
+        }
+    });
+}
+
+void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
 {
     // A file of an item directory is an item's own, and asked for by an import that saved it before; any other is a
     // copy that left the library.
     static const QRegularExpression inDirectory(QStringLiteral("/([^/]+)\\.ztlibraryitem/[^/]+$"));
     const QRegularExpressionMatch match = inDirectory.match(path);
-    const bool isItems = match.hasMatch() && path.startsWith(m_delegate.libraryDirectory() + u'/');
-    queueWriting(isItems ? match.captured(1) : QString(), true, path, tags, comment);
-}
-
-void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
-                                             const QString &comment)
-{
-    queueWriting(bundleID, false, path, tags, comment);
-}
-
-void ModelEnvironment::queueWriting(const QString &bundleID, bool isSaved, const QString &path, const QStringList &tags,
-                                    const QString &comment)
-{
-    const std::shared_ptr<TagFileJournal> journal = bundleID.isEmpty() ? nullptr : m_journal;
-    std::function<void()> done;
-    if (journal) {
-        journal->willWrite(bundleID, isSaved);
-        done = [journal] { journal->didWrite(); };
+    if (match.hasMatch() && path.startsWith(m_delegate.libraryDirectory() + u'/')) {
+        queueMerging(match.captured(1), true, path, tags);
+        return;
     }
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(
-        path, tags, comment.isNull() ? std::nullopt : std::optional(comment), std::move(done));
+        path, tags.tags, tags.comment.isNull() ? std::nullopt : std::optional(tags.comment), {}, tags.rating);
+}
+
+void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags)
+{
+    queueMerging(bundleID, false, path, tags);
+}
+
+void ModelEnvironment::queueMerging(const QString &bundleID, bool isFirst, const QString &path, const ZQFileTags &tags)
+{
+    TagFileWriter::Merge merge{.path = path,
+                               .library = valuesOf(tags),
+                               .takesRating = !tags.rating,
+                               .ratingIsMeant = tags.ratingIsMeant,
+                               .isFirst = isFirst,
+                               .willTouch = {},
+                               .adopt = {},
+                               .done = {}};
+    if (m_journal) {
+        const qint64 line = m_journal->willWrite(bundleID, isFirst); // what an import wrote is saved
+        merge.willTouch = [journal = m_journal, line] { journal->bringToDisk(line); };
+        merge.done = [journal = m_journal] { journal->didWrite(); };
+    }
+    if (m_adoption) {
+        merge.adopt = [adoption = m_adoption, bundleID](const FileTagsChange &change) {
+            adoption->add(bundleID, change);
+        };
+    }
+    TagFileWriter::sharedTagFileWriter().mergeWithFile(std::move(merge));
 }
 
 void ModelEnvironment::finishInterruptedTagWrites()
@@ -116,6 +191,7 @@ void ModelEnvironment::finishInterruptedTagWrites()
         return;
     }
     m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
+    m_adoption = std::make_shared<FileTagAdoption>(m_delegate);
     m_saveObserver = context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { journal->didSave(); });
     const QStringList interrupted = m_journal->interrupted();
     constexpr qsizetype atATime = 500;
@@ -137,7 +213,12 @@ void ModelEnvironment::finishInterruptedTagWrites()
 
 void ModelEnvironment::closeTagFiles()
 {
+    m_readings.waitUntilAllOperationsAreFinished();
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    if (m_adoption && m_adoption->apply()) {
+        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    }
+    m_adoption.reset(); // what still comes is found in the files at the next launch
     OpenMetaBackup::waitUntilAllWritten();
     m_saveObserver.reset();
     m_journal.reset(); // what was written and never saved stays in it, and is taken back at the next launch

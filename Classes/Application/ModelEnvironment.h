@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
 #include <memory>
 
+class FileTagAdoption;
 class TagFileJournal;
 class tamberin_AppDelegate;
 
@@ -22,9 +24,12 @@ public:
     std::optional<QStringList> userTagsOfFile(const QString &path) override;
     std::optional<QString> commentOfFile(const QString &path) override;
     std::optional<int> ratingOfFile(const QString &path) override;
-    void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) override;
-    void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
-                               const QString &comment) override;
+    std::optional<ZQFileTags> tagsAfterReadingFile(const QString &path, const ZQFileTags &present) override;
+    void didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
+    void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
+    using ZQLibraryEnvironment::writeTagsToFile;
+    void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
+    void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     bool writesTagsToFiles() override;
 
     // At launch, with the store open: has the tags written again that a killed process was writing. Main thread.
@@ -33,10 +38,11 @@ public:
     void closeTagFiles();
 
 private:
-    void queueWriting(const QString &bundleID, bool isSaved, const QString &path, const QStringList &tags,
-                      const QString &comment);
+    void queueMerging(const QString &bundleID, bool isFirst, const QString &path, const ZQFileTags &tags);
 
     tamberin_AppDelegate &m_delegate;
     std::shared_ptr<TagFileJournal> m_journal;
+    std::shared_ptr<FileTagAdoption> m_adoption;
+    ZQOperationQueue m_readings;
     ZQManagedObjectContext::Token m_saveObserver;
 };

@@ -5,10 +5,10 @@
 #include "Classes/Tags/TagFileWriter.h"
 #include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
@@ -17,6 +17,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -49,13 +50,16 @@ int finish(const Items &items, const char *one, const char *several, CommandCont
         return context.fail(error.localizedDescription());
     }
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-    zqRunMainLoopFor(std::chrono::milliseconds(0)); // a file that can't carry its tags is reported there
+    // A file that can't carry its tags is reported there, and what other programs changed comes into the store.
+    zqRunMainLoopFor(std::chrono::milliseconds(0));
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     context.print(items.size() == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {items.size()}));
     return 0;
 }
 
-bool isTagName(const QString &name)
+bool isTagName(const QString &text)
 {
+    const QString name = ZQSidebarTag::tagNameForText(text);
     return std::any_of(name.begin(), name.end(), [](QChar c) { return !c.isSpace(); });
 }
 
@@ -171,22 +175,19 @@ int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
     if (!items) {
         return 2;
     }
-    if (!ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("ImportOpenMetaTags"))) {
-        return context.fail(
-            zqLocalized("ratings are kept in the files, which the preference ImportOpenMetaTags forbids; "
-                        "`zelto defaults write ImportOpenMetaTags true` allows it"));
-    }
-    int status = 0;
+    const auto stars = qint16(std::lround(rating));
     for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        item->setRating(stars);
+        item->writeRatingToDisk();
+    }
+    int status = finish(*items, "1 item rated", "%d items rated", context);
+    const bool hasFraction = stars > 0 && rating != stars && ZQLibraryEnvironment::current().writesTagsToFiles();
+    for (const ZQRef<ZQLibraryBaseItem> &item : status == 0 && hasFraction ? *items : Items()) {
         const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(item->itemURL(), rating);
         if (!error.isNull()) {
             status = context.fail(
                 zqFormat(zqLocalized("“%@” was not rated: %@"), {item->title(), error.localizedDescription()}));
         }
-    }
-    if (status == 0) {
-        context.print(items->size() == 1 ? zqLocalized("1 item rated")
-                                         : zqFormat(zqLocalized("%d items rated"), {items->size()}));
     }
     return status;
 }

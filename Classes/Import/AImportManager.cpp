@@ -214,16 +214,7 @@ void AImportManager::mergeChanges(const ZQContextDidSave &notification)
 void AImportManager::mergeDuplicatedTagNames(const QStringList &titles)
 {
     ZQManagedObjectContext &context = *application().managedObjectContext();
-    for (const QString &title : titles) {
-        const auto tags = zqFetch<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {title});
-        if (!tags) {
-            continue;
-        }
-        for (qsizetype i = 1; i < tags->size(); ++i) {
-            tags->first()->addTaggedItems(tags->at(i)->taggedItems());
-            tags->at(i)->deletePermanently();
-        }
-    }
+    ZQSidebarTag::mergeTagsNamed(titles, context);
     ZQSidebarTag::reorderAllUserTagsInManagedObjectContext(context);
 }
 

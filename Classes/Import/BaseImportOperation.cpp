@@ -25,6 +25,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -448,6 +449,15 @@ void BaseImportOperation::importOpenMetaTags()
 {
     if (m_settings.importOpenMetaTags) {
         addTags(OpenMeta::getUserTags(m_filePath).value_or(QStringList()));
+        importOpenMetaRating();
+    }
+}
+
+void BaseImportOperation::importOpenMetaRating()
+{
+    const int rating = int(std::lround(std::clamp(OpenMeta::getRating(m_filePath), 0.0, 5.0)));
+    if (rating > 0) {
+        m_fileData->insert(QStringLiteral("rating"), rating);
     }
 }
 

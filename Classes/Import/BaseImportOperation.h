@@ -86,6 +86,7 @@ protected:
     void fillCustomMetadata();
     void importIPTCTags();
     void importOpenMetaTags();
+    void importOpenMetaRating();
     void importOpenMetaNotes();
     void fillColors();
     void fillWebURLAsNotes();

@@ -128,7 +128,7 @@ private:
     void finishChunk(Chunk &chunk, Place &place);
     ZQRef<ZQLibraryBaseItem> insertItem(const ImportedFile &file);
     void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
-    ZQRef<ZQSidebarTag> tagWithName(const QString &name);
+    ZQRef<ZQSidebarTag> tagWithName(const QString &text);
     bool saveItems(ZQError *error = nullptr);
     void forgetUnsavedItems(const ZQError &error);
 

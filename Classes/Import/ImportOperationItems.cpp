@@ -180,15 +180,17 @@ ZQRef<ZQLibraryBaseItem> ImportOperation::insertItem(const ImportedFile &file)
 void ImportOperation::tagItem(ZQLibraryBaseItem &item, const QStringList &tags)
 {
     for (const QString &name : tags) {
-        if (const ZQRef<ZQSidebarTag> tag = tagWithName(name)) {
+        const ZQRef<ZQSidebarTag> tag = tagWithName(name);
+        if (tag && !m_createdItems.back().tags.contains(tag->title())) { // two spellings in the file are one tag
             item.addTagsObject(tag.get());
             m_createdItems.back().tags.append(tag->title());
         }
     }
 }
 
-ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &name)
+ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &text)
 {
+    const QString name = ZQSidebarTag::tagNameForText(text);
     if (const auto known = m_tags.constFind(name); known != m_tags.constEnd()) {
         return *known;
     }

@@ -26,6 +26,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -370,15 +371,23 @@ QStringList InfoPanelViewController::commonTagsForItems(const QList<ZQObjectID> 
 
 bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QStringList &withTags)
 {
-    QStringList entered = withTags;
-    entered.removeAll(zqLocalized("Multiple values"));
-    const QStringList shared = commonTagsForItems(items);
+    QStringList entered;
+    for (const QString &text : withTags) {
+        const QString name = ZQSidebarTag::tagNameForText(text);
+        if (!name.isEmpty() && text != zqLocalized("Multiple values") && !entered.contains(name)) {
+            entered.append(name);
+        }
+    }
+    QStringList shared;
+    for (const QString &title : commonTagsForItems(items)) {
+        shared.append(ZQSidebarTag::tagNameForText(title));
+    }
     QStringList added = entered;
-    added.removeIf([&shared](const QString &title) { return shared.contains(title); });
+    added.removeIf([&shared](const QString &name) { return shared.contains(name); });
     QList<ZQObjectID> removed;
-    for (const QString &title : shared) {
+    for (const QString &name : shared) {
         const auto tag =
-            entered.contains(title) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(title, m_window.context);
+            entered.contains(name) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(name, m_window.context);
         if (tag) {
             removed.append(tag->objectID());
         }
@@ -396,7 +405,7 @@ void InfoPanelViewController::rateItems(double rating)
     const QList<ZQObjectID> items = m_browser.selectedItems();
     if (!items.isEmpty()) {
         m_rating->setRating(rating, false);
-        ItemEdits(m_window).setRating(items, rating);
+        ItemEdits(m_window).setRating(items, int(std::lround(rating)));
     }
 }
 

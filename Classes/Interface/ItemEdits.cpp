@@ -1,9 +1,6 @@
 #include "Classes/Interface/ItemEdits.h"
 
-#include "Classes/Tags/OpenMeta.h"
-#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperation.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -30,10 +27,10 @@ struct Edit
     QList<ZQObjectID> items;
     QList<ZQObjectID> tags; // held in memory meanwhile
     bool rewritesFiles = false;
-    bool isAlwaysQueued = false;
+    bool rates = false;
     std::vector<std::pair<ZQObjectID, Undo>> done;
 
-    bool isQueued() const { return isAlwaysQueued || items.size() > ItemEdits::mostAtOnce; }
+    bool isQueued() const { return items.size() > ItemEdits::mostAtOnce; }
 };
 
 // One way through an edit, a batch at a time.
@@ -72,7 +69,9 @@ public:
     void writeFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
     {
         for (const auto &item : changed) {
-            if (m_edit.rewritesFiles) {
+            if (m_edit.rates) {
+                item->writeRatingToDisk();
+            } else if (m_edit.rewritesFiles) {
                 item->writeOpenMetaToDisk();
             }
         }
@@ -349,34 +348,20 @@ void ItemEdits::setSource(const QList<ZQObjectID> &items, const QString &address
     m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit source"), edit));
 }
 
-void ItemEdits::setRating(const QList<ZQObjectID> &items, double rating)
+void ItemEdits::setRating(const QList<ZQObjectID> &items, int rating)
 {
-    WindowContext &window = m_window;
-    const auto write = [&window](const ZQLibraryBaseItem &item, double value) {
-        const QString path = item.itemURL();
-        const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(path, value);
-        if (!error.isNull()) {
-            qCWarning(zqLogTags).noquote()
-                << "The rating of" << path << "was not written:" << error.localizedDescription();
-            zqOnMainThread([&window] {
-                constexpr int browser = 1;
-                window.user.showNotificationWithText(
-                    zqLocalized("The rating cannot be kept: the file takes no attributes."), browser, 4);
-            });
-        }
-        return error.isNull();
-    };
     const auto edit = std::make_shared<Edit>();
     edit->progressText = zqLocalized("Rating…");
     edit->items = items;
-    edit->isAlwaysQueued = true;
-    edit->change = [rating, write](ZQLibraryBaseItem &item) -> Edit::Undo {
-        const QString path = item.itemURL();
-        const double before = path.isEmpty() ? rating : OpenMeta::getRating(path);
-        if (qFuzzyCompare(before + 1, rating + 1) || !write(item, rating)) {
+    edit->rates = true;
+    const auto stars = qint16(std::clamp(rating, 0, 5));
+    edit->change = [stars](ZQLibraryBaseItem &item) -> Edit::Undo {
+        const qint16 before = item.rating();
+        if (before == stars) {
             return {};
         }
-        return [before, write](ZQLibraryBaseItem &changed) { write(changed, before); };
+        item.setRating(stars);
+        return [before](ZQLibraryBaseItem &changed) { changed.setRating(before); };
     };
     m_window.undoStack.push(
         new EditCommand(m_window, rating > 0 ? zqLocalized("rate") : zqLocalized("remove rating"), edit));

@@ -17,10 +17,9 @@ public:
     void setNotes(const QList<ZQObjectID> &items, const QString &notes);
     void setLicense(const QList<ZQObjectID> &items, const QString &license);
     void setSource(const QList<ZQObjectID> &items, const QString &address);
-    // 0 to 5, 0 for none. The rating lives in the files alone, so it is always written by the edit queue.
-    void setRating(const QList<ZQObjectID> &items, double rating);
+    void setRating(const QList<ZQObjectID> &items, int rating); // 0 to 5 stars, 0 for none
 
-    // Writes the tags and notes of the saved store to the items' files; no undo step of its own.
+    // Writes the tags, notes and ratings of the saved store to the items' files; no undo step of its own.
     void rewriteFiles(const QList<ZQObjectID> &items);
 
     // Beyond so many items the edit queue does it.

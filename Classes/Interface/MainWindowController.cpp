@@ -2,6 +2,7 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/BrowserViewController.h"
+#include "Classes/Interface/FileTagReader.h"
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/InfoPanelViewController.h"
 #include "Classes/Interface/MainWindow.h"
@@ -185,6 +186,7 @@ void MainWindowController::makePanes()
         m_infoTimer.start();
         updateCommands();
     });
+    new FileTagReader(*m_window, *m_browser, m_mainWindow.get());
 }
 
 void MainWindowController::observe()

@@ -3,7 +3,7 @@
 #include <QWidget>
 
 // Five stars. A click on a star rates; on the last lit one it takes the rating away. Left and Right change it by one, 0
-// to 5 set it. Half ratings of other programs are shown as such.
+// to 5 set it.
 class RatingField : public QWidget
 {
     Q_OBJECT

@@ -1,6 +1,5 @@
 #include "Classes/Interface/SelectionSummary.h"
 
-#include "Classes/Tags/OpenMeta.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -11,7 +10,6 @@
 #include <QSet>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -71,10 +69,8 @@ void addItem(SelectionSummary &summary, const ZQLibraryBaseItem &item, QSet<QStr
     summary.modified.add(dateText(item.modification_date()), isFirst);
     summary.source.add(item.webPageURL().isEmpty() ? item.webURL() : item.webPageURL(), isFirst);
     summary.license.add(item.license(), isFirst);
-    const QString path = item.itemURL();
-    const double rating = path.isEmpty() ? 0 : OpenMeta::getRating(path);
-    summary.ratingDiffers = summary.ratingDiffers || (!isFirst && std::abs(rating - summary.rating) > 0.01);
-    summary.rating = isFirst ? rating : summary.rating;
+    summary.ratingDiffers = summary.ratingDiffers || (!isFirst && item.rating() != summary.rating);
+    summary.rating = isFirst ? item.rating() : summary.rating;
     addTags(summary, SelectionSummary::userTagsOf(item), allTags);
     ++summary.count;
 }

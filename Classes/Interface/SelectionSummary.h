@@ -34,12 +34,12 @@ struct SelectionSummary
     CommonText modified;
     CommonText source;
     CommonText license;
-    double rating = 0; // of the files
+    int rating = 0; // 0 to 5 stars
     bool ratingDiffers = false;
     QStringList tags; // the user's tags that all have, by name
     bool hasOtherTags = false;
 
-    // On the context's thread. Reads each item and the attributes of its file; nothing when `isWanted` says no
+    // On the context's thread. Reads each item and the size of its file; nothing when `isWanted` says no
     // meanwhile.
     static std::optional<SelectionSummary> of(const QList<ZQObjectID> &items, ZQManagedObjectContext &context,
                                               const std::function<bool()> &isWanted);

@@ -293,8 +293,9 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
     m_window.undoStack.push(new BlockUndoCommand(text, redo, undo));
 }
 
-bool SidebarCommands::validateNewTagTitle(const QString &title, const Item &forTag)
+bool SidebarCommands::validateNewTagTitle(const QString &text, const Item &forTag)
 {
+    const QString title = ZQSidebarTag::tagNameForText(text);
     const auto other = ZQSidebarTag::tagWithTagName(title, m_window.context);
     const bool isTaken = other && other != forTag;
     if (title.isEmpty() || isTaken) {

@@ -38,7 +38,7 @@ public:
 
 private:
     bool confirm(const Items &items, bool withContent);
-    bool validateNewTagTitle(const QString &title, const Item &forTag);
+    bool validateNewTagTitle(const QString &text, const Item &forTag);
     void pushDeletion(const QString &text, const Items &items, const QList<ZQRef<ZQLibraryBaseItem>> &content);
 
     WindowContext &m_window;

@@ -1,6 +1,7 @@
 #include "Classes/Tags/AttributeRoom.h"
 
 #include "Classes/Tags/DesktopMirror.h"
+#include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 
@@ -19,7 +20,7 @@ QList<QStringList> steps(const QString &path)
         DesktopMirror::attributesOfOurs(path),
         {M::spotlightKey(M::olderUserTagsKey), M::openmetaKey(M::olderUserTagsKey)},
         {M::openmetaKey(M::userTagTimeKey), M::openmetaTimeKey(M::userTagTimeKey), M::openmetaTimeKey(M::userTagsKey),
-         M::openmetaTimeKey(M::starRatingKey), M::spotlightKey(M::userTagTimeKey)},
+         M::openmetaTimeKey(M::starRatingKey), M::spotlightKey(M::userTagTimeKey), SeenFileTags::attributeName},
         {M::openmetaKey(M::userTagsKey), M::openmetaKey(M::starRatingKey)},
     };
 }

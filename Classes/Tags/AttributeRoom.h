@@ -14,8 +14,8 @@ namespace AttributeRoom {
 bool isWanting(const ZQError &error);
 
 // Answers the error of `write`, after giving way in steps while it does not fit: the mirrors for other programs, the
-// older key names, the times, the second name of the same value. What gave way is put back when even that was not
-// enough.
+// older key names, the times and the record of what was seen, the second name of the same value. What gave way is put
+// back when even that was not enough.
 ZQError write(const QString &path, const std::function<ZQError()> &write);
 
 } // namespace AttributeRoom

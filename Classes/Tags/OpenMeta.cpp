@@ -261,8 +261,17 @@ ZQError OpenMeta::setRating(double rating, const QString &path)
 
 double OpenMeta::getRating(const QString &path, ZQError *error)
 {
+    return getRatingIfAny(path, error).value_or(0);
+}
+
+std::optional<double> OpenMeta::getRatingIfAny(const QString &path, ZQError *error)
+{
     const DesktopMirror::Newer newer = bringUpToDate(path, false);
-    return newer.rating ? *newer.rating : getXAttrMetaData(starRatingKey, path, error).toDouble();
+    if (newer.rating) {
+        return newer.rating;
+    }
+    const QVariant value = getXAttrMetaData(starRatingKey, path, error);
+    return value.isValid() ? std::optional(value.toDouble()) : std::nullopt;
 }
 
 ZQError OpenMeta::setFinderComment(const QString &comment, const QString &path)

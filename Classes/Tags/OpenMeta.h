@@ -54,6 +54,7 @@ public:
     // 0 < rating <= 5; at most 0 removes it, above 5 is stored as 5.
     static ZQError setRating(double rating, const QString &path);
     static double getRating(const QString &path, ZQError *error = nullptr); // 0: none
+    static std::optional<double> getRatingIfAny(const QString &path, ZQError *error = nullptr);
 
     // The item's notes, under their spotlight name only.
     static ZQError setFinderComment(const QString &comment, const QString &path);

@@ -1,6 +1,7 @@
 #include "Classes/Tags/OpenMetaBackup.h"
 
 #include "Classes/Tags/DesktopMirror.h"
+#include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/PathLock.h"
 #include "Classes/Tags/TagBackupStore.h"
@@ -27,7 +28,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds quiet{500}; // without a request, before the copies are made
 constexpr std::chrono::seconds longestGathering{10};
-constexpr int niceness = 10; // what the person waits for comes first
+constexpr int mostFailures = 3; // while somebody waits
+constexpr int niceness = 10;    // what the person waits for comes first
 
 bool isOfOurs(const QString &name)
 {
@@ -36,7 +38,8 @@ bool isOfOurs(const QString &name)
            name == M::spotlightKey(M::userTagsKey) || name == M::spotlightKey(M::olderUserTagsKey) ||
            name == M::spotlightKey(M::userTagTimeKey) || name == M::spotlightKey(M::starRatingKey) ||
            name == M::spotlightKey(M::finderCommentKey) || name == DesktopMirror::tagsName ||
-           name == DesktopMirror::commentName || name == DesktopMirror::ratingName || name == DesktopMirror::recordName;
+           name == DesktopMirror::commentName || name == DesktopMirror::ratingName ||
+           name == DesktopMirror::recordName || name == SeenFileTags::attributeName;
 }
 
 bool hasAnyOfOurs(const QStringList &names)
@@ -61,6 +64,8 @@ std::optional<TagBackup> backupOf(const QString &path)
     backup.inode = identity.inode;
     backup.isFolder = identity.isFolder;
     backup.saved = QDateTime::currentMSecsSinceEpoch();
+    backup.contents = identity.isFolder ? TagFileContents() : TagFileContents::ofFile(path);
+    backup.seen = ZQExtendedAttributes::get(path, SeenFileTags::attributeName).value_or(QByteArray());
     return error.isNull() && !identity.text.isEmpty() ? std::optional(backup) : std::nullopt;
 }
 
@@ -86,31 +91,37 @@ public:
         }
     }
 
-    void add(const QString &path)
+    void add(const QString &path, const QByteArray &seen = {})
     {
         const std::lock_guard lock(m_mutex);
         if (m_pending.isEmpty()) {
             m_store = storeOfFolder();
         }
+        if (!seen.isEmpty()) {
+            m_seen.insert(path, seen);
+        }
         if (m_pending.contains(path)) {
             return;
         }
-        m_pending.insert(path);
-        m_lastRequest = Clock::now();
-        if (!m_thread.joinable()) {
-            m_thread = std::thread([this] { run(); });
-        } else if (m_pending.size() == 1) {
-            m_changed.notify_all();
-        }
+        m_store->note(path);
+        enqueue(path);
     }
 
     void flush()
     {
         std::unique_lock lock(m_mutex);
         m_flushes = true;
+        m_failures = 0;
         m_changed.notify_all();
-        m_done.wait(lock, [this] { return m_pending.isEmpty() && !m_isBusy; });
+        m_done.wait(lock, [this] { return (m_pending.isEmpty() && !m_isBusy) || m_failures >= mostFailures; });
         m_flushes = false;
+    }
+
+    // Whether the copy is known to be older than what the file had.
+    bool isOutdated(const QString &path)
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_takenOver.contains(path);
     }
 
     std::shared_ptr<TagBackupStore> store()
@@ -126,8 +137,27 @@ private:
         if (!m_current || m_currentFolder != folder) {
             m_current = std::make_shared<TagBackupStore>(folder);
             m_currentFolder = folder;
+            const QStringList left = m_current->takeOverNotes();
+            if (!left.isEmpty() && m_pending.isEmpty()) {
+                m_store = m_current;
+                for (const QString &path : left) {
+                    m_takenOver.insert(path);
+                    enqueue(path);
+                }
+            }
         }
         return m_current;
+    }
+
+    void enqueue(const QString &path)
+    {
+        m_pending.insert(path);
+        m_lastRequest = Clock::now();
+        if (!m_thread.joinable()) {
+            m_thread = std::thread([this] { run(); });
+        } else if (m_pending.size() == 1) {
+            m_changed.notify_all();
+        }
     }
 
     void gather(std::unique_lock<std::mutex> &lock)
@@ -151,31 +181,63 @@ private:
             }
             gather(lock);
             const QSet<QString> paths = std::exchange(m_pending, {});
+            const QHash<QString, QByteArray> seen = std::exchange(m_seen, {});
             const std::shared_ptr<TagBackupStore> store = m_store;
             m_isBusy = true;
             lock.unlock();
-            copy(paths, *store);
+            const bool isStored = copy(paths, seen, *store);
             lock.lock();
             m_isBusy = false;
+            finishRound(isStored, paths, seen, *store);
             m_done.notify_all();
+            if (!isStored) {
+                if (m_stops && m_failures >= mostFailures) {
+                    return; // the notes stay
+                }
+                m_changed.wait_for(lock, quiet, [this] { return m_stops; });
+            }
         }
     }
 
-    static void copy(const QSet<QString> &paths, TagBackupStore &store)
+    void finishRound(bool isStored, const QSet<QString> &paths, const QHash<QString, QByteArray> &seen,
+                     TagBackupStore &store)
+    {
+        if (!isStored) {
+            ++m_failures;
+            m_pending.unite(paths);
+            for (auto it = seen.cbegin(); it != seen.cend(); ++it) {
+                if (!m_seen.contains(it.key())) {
+                    m_seen.insert(it.key(), it.value());
+                }
+            }
+            return;
+        }
+        m_failures = 0;
+        m_takenOver.subtract(paths);
+        store.setNotes(m_store.get() == &store ? m_pending : QSet<QString>());
+    }
+
+    static bool copy(const QSet<QString> &paths, const QHash<QString, QByteArray> &seen, TagBackupStore &store)
     {
         QHash<QString, std::optional<TagBackup>> backups;
         for (const QString &path : paths) {
-            if (const auto backup = backupOf(path)) {
+            if (auto backup = backupOf(path)) {
+                if (backup->seen->isEmpty()) {
+                    backup->seen = seen.value(path);
+                }
                 backups.insert(path, backup->isEmpty() ? std::nullopt : backup);
             }
         }
-        store.store(backups);
+        return store.store(backups);
     }
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::condition_variable m_done;
     QSet<QString> m_pending;
+    QSet<QString> m_takenOver;               // of them, those that a killed process left
+    QHash<QString, QByteArray> m_seen;       // records that found no room in the files
+    int m_failures = 0;                      // rounds since the last that succeeded
     std::shared_ptr<TagBackupStore> m_store; // for what is pending
     std::shared_ptr<TagBackupStore> m_current;
     QString m_currentFolder;
@@ -186,33 +248,40 @@ private:
     std::thread m_thread;
 };
 
-// Whether the file with this inode lies in the folder of `path` under a name that no editor makes of that of `path`.
-bool wasRenamed(const QString &path, const TagBackup &backup)
+// Where the file with this inode lies in the folder of `path`; empty: nowhere there.
+QString placeOf(const TagBackup &backup, const QString &path)
 {
-    const QFileInfo info(path);
-    const std::unique_ptr<DIR, int (*)(DIR *)> directory(opendir(QFile::encodeName(info.path()).constData()), closedir);
+    const QString folder = QFileInfo(path).path();
+    const std::unique_ptr<DIR, int (*)(DIR *)> directory(opendir(QFile::encodeName(folder).constData()), closedir);
     while (const dirent *const entry = directory ? readdir(directory.get()) : nullptr) {
-        if (entry->d_ino != backup.inode) {
-            continue;
-        }
-        const QString name = QFile::decodeName(entry->d_name);
-        if (TagFileIdentity::ofFile(info.path() + u'/' + name).text == backup.identity) {
-            return !name.contains(info.fileName());
+        const QString found = folder + u'/' + QFile::decodeName(entry->d_name);
+        if (entry->d_ino == backup.inode && TagFileIdentity::ofFile(found).text == backup.identity) {
+            return found;
         }
     }
-    return false;
+    return {};
 }
 
-bool belongsTo(const QString &path, const TagBackup &backup, TagBackupStore &store)
+// What the file at `path` gets back: it is another one than the tagged file, and was put into its place.
+std::optional<TagBackup> replacedBy(const QString &path, const TagBackup &backup, TagBackupStore &store)
 {
     const TagFileIdentity identity = TagFileIdentity::ofFile(path);
     if (identity.text.isEmpty() || identity.text == backup.identity || identity.isFolder != backup.isFolder) {
-        return false;
+        return std::nullopt;
     }
     const QString elsewhere = store.pathOfIdentity(backup.identity);
     const bool wasSeenElsewhere =
         !elsewhere.isEmpty() && elsewhere != path && TagFileIdentity::ofFile(elsewhere).text == backup.identity;
-    return !wasSeenElsewhere && !wasRenamed(path, backup);
+    if (wasSeenElsewhere) {
+        return std::nullopt;
+    }
+    const QString aside = placeOf(backup, path);
+    if (!aside.isEmpty()) {
+        const bool isAnEditorsName = QFileInfo(aside).fileName().contains(QFileInfo(path).fileName());
+        const auto present = isAnEditorsName ? backupOf(aside) : std::nullopt; // it may have been tagged since
+        return isAnEditorsName ? std::optional(present.value_or(backup)) : std::nullopt;
+    }
+    return backup.contents.isSameAs(TagFileContents::ofFile(path)) ? std::optional(backup) : std::nullopt;
 }
 
 } // namespace
@@ -225,6 +294,16 @@ QString OpenMetaBackup::folder()
 void OpenMetaBackup::backupMetadata(const QString &path)
 {
     Worker::shared().add(path);
+}
+
+void OpenMetaBackup::backupMetadata(const QString &path, const QByteArray &seen)
+{
+    Worker::shared().add(path, seen);
+}
+
+bool OpenMetaBackup::hasAttributes(const QString &path)
+{
+    return hasAnyOfOurs(ZQExtendedAttributes::list(path));
 }
 
 void OpenMetaBackup::waitUntilAllWritten()
@@ -253,8 +332,9 @@ void OpenMetaBackup::restoreMetadata(const QString &path, const QStringList &nam
         }
         return;
     }
-    const std::optional<TagBackup> backup = store->find(path);
-    if (!backup || !belongsTo(path, *backup, *store)) {
+    const std::optional<TagBackup> found = Worker::shared().isOutdated(path) ? std::nullopt : store->find(path);
+    const std::optional<TagBackup> backup = found ? replacedBy(path, *found, *store) : std::nullopt;
+    if (!backup) {
         return;
     }
     const PathLock lock(path);
@@ -265,6 +345,23 @@ void OpenMetaBackup::restoreMetadata(const QString &path, const QStringList &nam
         OpenMeta::setRating(backup->rating, path);
     }
     OpenMeta::setUserTags(backup->tags, path); // which also notes the new file
+}
+
+std::optional<TagBackup> OpenMetaBackup::lastKnown(const QString &path)
+{
+    const std::shared_ptr<TagBackupStore> store = Worker::shared().store();
+    std::optional<TagBackup> backup = store->find(path);
+    if (!backup) {
+        return std::nullopt;
+    }
+    const bool isSame = TagFileIdentity::ofFile(path).text == backup->identity;
+    if (Worker::shared().isOutdated(path) || (!isSame && !replacedBy(path, *backup, *store))) {
+        return std::nullopt;
+    }
+    const QVariant tagged = OpenMeta::getXAttr(OpenMeta::openmetaTimeKey(OpenMeta::userTagsKey), path);
+    const bool isOutdated =
+        tagged.typeId() == QMetaType::QDateTime && tagged.toDateTime().toMSecsSinceEpoch() > backup->saved;
+    return isOutdated ? std::nullopt : backup;
 }
 
 void OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(const QString &path)

@@ -1,6 +1,7 @@
 #include "Classes/Tags/TagBackupStore.h"
 
 #include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QCryptographicHash>
@@ -12,17 +13,21 @@
 #include <QSaveFile>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <set>
+#include <utility>
 
 namespace {
 
 constexpr int lists = 64;
-constexpr qsizetype longestList = 4000;
 constexpr qint64 halfAYear = qint64(182) * 24 * 3600 * 1000;
-constexpr int lockMilliseconds = 5000;
+constexpr int lockMilliseconds = 1000;
+constexpr qint64 digestedAtEachEnd = 16384;
 
 const QString filesKey = QStringLiteral("files");
 const QString identitiesKey = QStringLiteral("identities");
@@ -41,6 +46,11 @@ QVariantMap encoded(const TagBackup &backup)
     if (backup.rating > 0) {
         map.insert(QStringLiteral("rating"), backup.rating);
     }
+    map.insert(QStringLiteral("seen"), backup.seen.value_or(QByteArray()));
+    if (!backup.contents.digest.isEmpty()) {
+        map.insert(QStringLiteral("size"), qlonglong(backup.contents.size));
+        map.insert(QStringLiteral("digest"), backup.contents.digest);
+    }
     if (backup.isFolder) {
         map.insert(QStringLiteral("folder"), true);
     }
@@ -57,6 +67,11 @@ TagBackup decoded(const QVariantMap &map)
     backup.inode = quint64(map.value(QStringLiteral("inode")).toLongLong());
     backup.isFolder = map.value(QStringLiteral("folder")).toBool();
     backup.saved = map.value(QStringLiteral("saved")).toLongLong();
+    backup.contents = {map.value(QStringLiteral("size")).toLongLong(),
+                       map.value(QStringLiteral("digest")).toByteArray()};
+    if (map.contains(QStringLiteral("seen"))) {
+        backup.seen = map.value(QStringLiteral("seen")).toByteArray();
+    }
     return backup;
 }
 
@@ -86,6 +101,42 @@ TagFileIdentity TagFileIdentity::ofFile(const QString &path)
                        QByteArray::number(status.stx_btime.tv_nsec)
                  : 'd' + QByteArray::number(status.stx_dev_major) + ':' + QByteArray::number(status.stx_dev_minor);
     return {QByteArray::number(qulonglong(status.stx_ino)) + '-' + second, status.stx_ino, S_ISDIR(status.stx_mode)};
+}
+
+TagFileContents TagFileContents::ofFile(const QString &path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly) || file.size() == 0) {
+        return {};
+    }
+    TagFileContents contents;
+    contents.size = file.size();
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData(file.read(digestedAtEachEnd));
+    if (file.size() > digestedAtEachEnd && file.seek(std::max(digestedAtEachEnd, file.size() - digestedAtEachEnd))) {
+        hash.addData(file.read(digestedAtEachEnd));
+    }
+    if (file.error() == QFile::NoError) {
+        contents.digest = hash.result();
+    }
+    return contents;
+}
+
+TagBackupStore::TagBackupStore(const QString &folder, qsizetype longestList)
+    : m_folder(folder), m_longestList(longestList)
+{
+}
+
+TagBackupStore::~TagBackupStore()
+{
+    if (m_notes < 0) {
+        return;
+    }
+    struct stat status = {};
+    if (fstat(m_notes, &status) == 0 && status.st_size == 0) {
+        QFile::remove(m_notesPath);
+    }
+    close(m_notes);
 }
 
 int TagBackupStore::numberOf(const QByteArray &key)
@@ -156,26 +207,31 @@ bool TagBackupStore::write(int number, List &list) const
     return true;
 }
 
-void TagBackupStore::prune(List &list)
+void TagBackupStore::prune(List &list) const
 {
+    if (list.pruneAt > 0 && list.files.size() <= list.pruneAt && list.identities.size() <= 2 * list.pruneAt) {
+        return;
+    }
     const qint64 oldest = QDateTime::currentMSecsSinceEpoch() - halfAYear;
-    list.files.removeIf([&](QHash<QString, TagBackup>::iterator entry) {
-        return entry->saved < oldest && !QFileInfo::exists(entry.key());
-    });
-    if (list.files.size() > longestList) {
-        QList<qint64> dates;
-        for (const TagBackup &backup : std::as_const(list.files)) {
-            dates.append(backup.saved);
+    QList<std::pair<qint64, QString>> gone;
+    for (auto it = list.files.cbegin(); it != list.files.cend(); ++it) {
+        const bool matters = list.files.size() > m_longestList || it->saved < oldest;
+        if (matters && !QFileInfo::exists(it.key())) {
+            gone.append({it->saved, it.key()});
         }
-        const auto limit = dates.begin() + (dates.size() - longestList);
-        std::nth_element(dates.begin(), limit, dates.end());
-        list.files.removeIf([date = *limit](QHash<QString, TagBackup>::iterator entry) { return entry->saved < date; });
+    }
+    std::sort(gone.begin(), gone.end());
+    for (const auto &[saved, path] : std::as_const(gone)) {
+        if (saved < oldest || list.files.size() > m_longestList) {
+            list.files.remove(path);
+        }
     }
     // Paths of identities lie in other lists; a pointer to nothing is harmless and goes when there are too many.
-    if (list.identities.size() > 2 * longestList) {
+    if (list.identities.size() > 2 * m_longestList) {
         list.identities.removeIf(
             [](QHash<QByteArray, QString>::iterator entry) { return !QFileInfo::exists(entry.value()); });
     }
+    list.pruneAt = std::max({m_longestList, list.files.size() * 5 / 4, list.identities.size() * 5 / 8});
 }
 
 bool TagBackupStore::contains(const QString &path)
@@ -198,18 +254,23 @@ QString TagBackupStore::pathOfIdentity(const QByteArray &identity)
     return list(numberOf(identity)).identities.value(identity);
 }
 
-void TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backups)
+bool TagBackupStore::hasFolder() const
 {
     // A data folder that is gone was a guest's or a test's; it is not made again.
     const QString dataFolder = QFileInfo(QFileInfo(m_folder).path()).path();
-    if (backups.isEmpty() || !QFileInfo(dataFolder).isDir() || !QDir().mkpath(m_folder)) {
-        return;
+    return QFileInfo(dataFolder).isDir() && QDir().mkpath(m_folder);
+}
+
+bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backups)
+{
+    if (backups.isEmpty() || !hasFolder()) {
+        return true;
     }
     const std::lock_guard lock(m_mutex);
     QLockFile processes(m_folder + QStringLiteral("/lock"));
     if (!processes.tryLock(lockMilliseconds)) {
-        qCWarning(zqLogTags).noquote() << "The tag backups in" << m_folder << "are held by another process";
-        return;
+        qCInfo(zqLogTags).noquote() << "The tag backups in" << m_folder << "are held by another process";
+        return false;
     }
     std::set<int> changed;
     const auto take = [&](const QByteArray &key) -> List & {
@@ -230,8 +291,66 @@ void TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
         }
         take(path.toUtf8()).files.insert(path, *it.value());
     }
+    bool isWritten = true;
     for (const int number : changed) {
         prune(m_lists[number]);
-        write(number, m_lists[number]);
+        isWritten = write(number, m_lists[number]) && isWritten;
     }
+    return isWritten;
+}
+
+void TagBackupStore::noteLocked(const QString &path)
+{
+    if (m_notes < 0 && hasFolder()) {
+        QByteArray name = QFile::encodeName(m_folder + QStringLiteral("/noted-XXXXXX"));
+        m_notes = mkostemp(name.data(), O_APPEND | O_CLOEXEC);
+        if (m_notes >= 0) {
+            flock(m_notes, LOCK_EX | LOCK_NB); // whose lock is free, is gone
+            m_notesPath = QFile::decodeName(name);
+        }
+    }
+    const QByteArray entry = path.toUtf8() + '\0';
+    if (m_notes >= 0 && !zqWriteAll(m_notes, entry.constData(), entry.size())) {
+        qCWarning(zqLogTags).noquote() << "Not noted for a tag backup:" << path;
+    }
+}
+
+void TagBackupStore::note(const QString &path)
+{
+    const std::lock_guard lock(m_notesMutex);
+    noteLocked(path);
+}
+
+void TagBackupStore::setNotes(const QSet<QString> &paths)
+{
+    const std::lock_guard lock(m_notesMutex);
+    if (m_notes < 0 || ftruncate(m_notes, 0) != 0) {
+        return;
+    }
+    for (const QString &path : paths) {
+        noteLocked(path);
+    }
+}
+
+QStringList TagBackupStore::takeOverNotes()
+{
+    QStringList paths;
+    const std::lock_guard lock(m_notesMutex);
+    const QStringList names = QDir(m_folder).entryList({QStringLiteral("noted-*")}, QDir::Files);
+    for (const QString &name : names) {
+        const QString notes = m_folder + u'/' + name;
+        QFile file(notes);
+        if (notes == m_notesPath || !file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) ||
+            flock(file.handle(), LOCK_EX | LOCK_NB) != 0) {
+            continue;
+        }
+        for (const QByteArray &entry : file.readAll().split('\0')) {
+            if (!entry.isEmpty()) {
+                paths.append(QString::fromUtf8(entry));
+                noteLocked(paths.last());
+            }
+        }
+        file.remove();
+    }
+    return paths;
 }

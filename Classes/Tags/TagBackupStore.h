@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -18,6 +19,18 @@ struct TagFileIdentity
     static TagFileIdentity ofFile(const QString &path);
 };
 
+// What a file holds, as far as it takes to know it again: its size and a digest of its two ends.
+struct TagFileContents
+{
+    qint64 size = 0;
+    QByteArray digest; // empty: no file that can be read, or one without contents, which is like any other
+    static TagFileContents ofFile(const QString &path);
+    bool isSameAs(const TagFileContents &other) const
+    {
+        return !digest.isEmpty() && size == other.size && digest == other.digest;
+    }
+};
+
 // One file's tags as they were last seen.
 struct TagBackup
 {
@@ -28,24 +41,33 @@ struct TagBackup
     quint64 inode = 0;
     bool isFolder = false;
     qint64 saved = 0; // milliseconds since 1970 UTC
+    TagFileContents contents;
+    std::optional<QByteArray> seen; // the library's record of the file, empty: none; nothing: of an older version
     bool isEmpty() const { return tags.isEmpty() && comment.isEmpty() && rating <= 0; }
 };
 
 // Backups of files' tags in a folder of small property lists: by path, and for each identity the path it was last seen
 // at, both spread over a fixed number of lists by a digest of the key. Each list is written atomically and read again
-// when another process wrote it. Any thread.
+// when another process wrote it. Paths of which copies are to be made are noted in a file of this process, so that the
+// next one makes them when this one is killed. Any thread.
 class TagBackupStore
 {
 public:
-    explicit TagBackupStore(const QString &folder) : m_folder(folder) {}
+    explicit TagBackupStore(const QString &folder, qsizetype longestList = 4000);
+    ~TagBackupStore();
 
     bool contains(const QString &path);
     std::optional<TagBackup> find(const QString &path);
     QString pathOfIdentity(const QByteArray &identity); // empty: unknown
 
     // Nothing in place of a backup removes it. A file that was kept under another path is kept only under its new one.
-    // What belongs to no file any more goes after half a year, and the oldest when a list grows too long.
-    void store(const QHash<QString, std::optional<TagBackup>> &backups);
+    // What belongs to no file any more goes after half a year, or when a list grows too long; what belongs to a file
+    // never goes. False, with nothing of it lost here, when another process holds the lists or they cannot be written.
+    bool store(const QHash<QString, std::optional<TagBackup>> &backups);
+
+    void note(const QString &path);
+    void setNotes(const QSet<QString> &paths); // in place of all noted so far
+    QStringList takeOverNotes();               // of processes that are gone; noted here from now on
 
 private:
     struct List
@@ -53,6 +75,7 @@ private:
         QHash<QString, TagBackup> files;
         QHash<QByteArray, QString> identities;
         QByteArray stamp;
+        qsizetype pruneAt = 0; // how long it may grow before it is looked through again
         bool isRead = false;
     };
     static int numberOf(const QByteArray &key);
@@ -60,9 +83,15 @@ private:
     List &list(int number);
     void read(int number, List &list) const;
     bool write(int number, List &list) const;
-    static void prune(List &list);
+    void prune(List &list) const;
+    bool hasFolder() const;
+    void noteLocked(const QString &path);
 
     QString m_folder;
+    qsizetype m_longestList;
+    std::mutex m_notesMutex;
+    int m_notes = -1;
+    QString m_notesPath;
     std::mutex m_mutex;
     std::map<int, List> m_lists;
 };

@@ -4,6 +4,7 @@
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -12,8 +13,19 @@
 #include <cstring>
 
 namespace {
+
 constexpr mode_t ownerOnly = 0600;
+
+void syncFolderOf(const QString &path)
+{
+    const int folder = open(QFile::encodeName(QFileInfo(path).path()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        fsync(folder);
+        close(folder);
+    }
 }
+
+} // namespace
 
 TagFileJournal::TagFileJournal(const QString &path)
 {
@@ -29,7 +41,11 @@ TagFileJournal::TagFileJournal(const QString &path)
         }
         m_isEmpty = file.size() == 0;
     }
+    const bool isNew = !file.exists();
     m_file = open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, ownerOnly);
+    if (m_file >= 0 && isNew) {
+        syncFolderOf(path);
+    }
     if (m_file < 0) {
         // Tags are written all the same; only what a crash interrupts is not repaired.
         qCWarning(zqLogTags).noquote() << "The journal" << path << "can't be written:" << std::strerror(errno);
@@ -43,19 +59,39 @@ TagFileJournal::~TagFileJournal()
     }
 }
 
-void TagFileJournal::willWrite(const QString &item, bool isSaved)
+qint64 TagFileJournal::willWrite(const QString &item, bool isSaved)
 {
     const std::lock_guard lock(m_mutex);
     ++m_outstanding;
     m_isAllSaved = m_isAllSaved && isSaved;
-    if (m_file < 0 || m_noted.contains(item)) {
-        return;
+    if (m_file < 0) {
+        return 0;
+    }
+    if (const auto known = m_noted.constFind(item); known != m_noted.constEnd()) {
+        return *known;
     }
     const QByteArray line = item.toUtf8() + '\n';
-    if (zqWriteAll(m_file, line.constData(), line.size())) {
-        m_noted.insert(item);
-    }
     m_isEmpty = false;
+    if (zqWriteAll(m_file, line.constData(), line.size())) {
+        m_noted.insert(item, ++m_lines);
+    }
+    return m_lines;
+}
+
+void TagFileJournal::bringToDisk(qint64 line)
+{
+    const std::lock_guard flush(m_flushMutex);
+    if (m_file < 0 || m_flushedLines >= line) {
+        return;
+    }
+    qint64 written = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        written = m_lines;
+    }
+    if (fdatasync(m_file) == 0) {
+        m_flushedLines = written;
+    }
 }
 
 void TagFileJournal::didWrite()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QSet>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -21,8 +21,11 @@ public:
     // What an earlier process left, each once. Empty for nearly every launch.
     QStringList interrupted() const { return m_interrupted; }
 
-    // `isSaved`: the store has these tags on disk already.
-    void willWrite(const QString &item, bool isSaved = false);
+    // `isSaved`: the store has these tags on disk already. Answers what to give to `bringToDisk`.
+    qint64 willWrite(const QString &item, bool isSaved = false);
+    // Before the file is touched: returns when the line of `willWrite` is on the disk. Those noted meanwhile come
+    // along, so that many writes cost few flushes.
+    void bringToDisk(qint64 line);
     void didWrite(); // once for each `willWrite`, after it
     void didSave();  // the store is on disk with everything noted so far
 
@@ -32,7 +35,10 @@ private:
     std::mutex m_mutex;
     int m_file = -1;
     QStringList m_interrupted;
-    QSet<QString> m_noted; // in the file since it was last emptied
+    QHash<QString, qint64> m_noted; // in the file since it was last emptied, and which line it was
+    std::mutex m_flushMutex;
+    qint64 m_lines = 0; // written by this process
+    qint64 m_flushedLines = 0;
     qint64 m_outstanding = 0;
     bool m_isAllSaved = true;
     bool m_isEmpty = true;

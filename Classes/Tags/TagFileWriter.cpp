@@ -2,6 +2,7 @@
 
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
+#include "Classes/Tags/PathLock.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -10,7 +11,9 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 
 namespace {
 
@@ -101,29 +104,31 @@ bool TagFileWriter::report(const QString &path, const ZQError &error)
     return true;
 }
 
-void TagFileWriter::writeTags(const QString &path, const QStringList &tags)
+void TagFileWriter::complain(const QString &path, const ZQError &error, bool isAboutSomething)
 {
-    const QStringList wanted = OpenMeta::removeDuplicateTags(tags);
-    ZQError error;
-    const QStringList fileTags = OpenMeta::getUserTags(path, &error).value_or(QStringList());
-    if (error.isNull()) {
-        if (setOf(OpenMeta::decomposeArrayOfStrings(fileTags)) == setOf(wanted)) {
-            return;
-        }
-        error = OpenMeta::setUserTags(wanted, path);
-    }
-    if (!error.isNull()) {
-        const bool isKnown = !wanted.isEmpty() && report(path, error);
-        if (!isKnown) {
-            qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not written:" << error.localizedDescription();
-        }
+    const bool isKnown = isAboutSomething && report(path, error);
+    if (!isKnown) {
+        qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not written:" << error.localizedDescription();
     }
 }
 
-void TagFileWriter::writeNotes(const QString &path, const QString &notes)
+bool TagFileWriter::putTags(const QString &path, const QStringList &tags, const QStringList &present)
 {
-    if (OpenMeta::getFinderComment(path).value_or(QString()) == notes) {
-        return;
+    const QStringList wanted = OpenMeta::removeDuplicateTags(tags);
+    if (setOf(OpenMeta::decomposeArrayOfStrings(present)) == setOf(wanted)) {
+        return true;
+    }
+    const ZQError error = OpenMeta::setUserTags(wanted, path);
+    if (!error.isNull()) {
+        complain(path, error, !wanted.isEmpty());
+    }
+    return error.isNull();
+}
+
+bool TagFileWriter::putNotes(const QString &path, const QString &notes, const QString &present)
+{
+    if (present == notes) {
+        return true;
     }
     const ZQError error = OpenMeta::setFinderComment(notes, path);
     if (!error.isNull()) {
@@ -131,18 +136,93 @@ void TagFileWriter::writeNotes(const QString &path, const QString &notes)
             QStringLiteral("OpenMeta error on trying to set the Finder Comment: %@"), {error.localizedDescription()});
         report(path, error);
     }
+    return error.isNull();
+}
+
+// Other programs rate with fractions, which stay while they round to the same.
+bool TagFileWriter::putRating(const QString &path, int rating, double present)
+{
+    if (std::lround(present) == rating) {
+        return true;
+    }
+    const ZQError error = OpenMeta::setRating(rating, path);
+    if (!error.isNull()) {
+        complain(path, error, rating > 0);
+    }
+    return error.isNull();
+}
+
+void TagFileWriter::replace(const QString &path, const QStringList &tags, const std::optional<QString> &notes,
+                            const std::optional<int> &rating)
+{
+    ZQError error;
+    const std::optional<QStringList> present = OpenMeta::getUserTags(path, &error);
+    if (error.isNull()) {
+        putTags(path, tags, present.value_or(QStringList()));
+    } else {
+        complain(path, error, !tags.isEmpty());
+    }
+    if (notes) {
+        putNotes(path, *notes, OpenMeta::getFinderComment(path).value_or(QString()));
+    }
+    if (rating) {
+        putRating(path, *rating, OpenMeta::getRating(path));
+    }
 }
 
 void TagFileWriter::writeTagsToFile(const QString &path, const QStringList &tags, const std::optional<QString> &notes,
-                                    std::function<void()> done)
+                                    std::function<void()> done, const std::optional<int> &rating)
 {
-    m_queue.addOperationWithBlock([this, path, tags, notes, done = std::move(done)] {
-        writeTags(path, tags);
-        if (notes) {
-            writeNotes(path, *notes);
-        }
+    m_queue.addOperationWithBlock([this, path, tags, notes, rating, done = std::move(done)] {
+        replace(path, tags, notes, rating);
         if (done) {
             done();
+        }
+    });
+}
+
+void TagFileWriter::merge(const Merge &merge)
+{
+    const PathLock lock(merge.path);
+    ZQError error;
+    FileTags library = merge.library;
+    if (merge.takesRating) {
+        library.rating = int(std::lround(std::clamp(OpenMeta::getRating(merge.path), 0.0, 5.0)));
+    }
+    auto found = FileTagsMerge::ofFile(merge.path, library, FileTagsMerge::Unknown::KeepsBoth, merge.isFirst, &error);
+    if (!found) {
+        complain(merge.path, error, !library.isEmpty());
+        return;
+    }
+    if (merge.ratingIsMeant) {
+        found->isRecorded = found->isRecorded && found->merged.rating == library.rating;
+        found->merged.rating = library.rating;
+        found->change.rating.reset();
+    }
+    if (found->isRecorded) {
+        return;
+    }
+    const FileTags &merged = found->merged;
+    bool isInFile = putTags(merge.path, merged.tags, found->tags.value_or(QStringList()));
+    isInFile = putNotes(merge.path, merged.comment, found->comment.value_or(QString())) && isInFile;
+    isInFile = putRating(merge.path, merged.rating, found->rating.value_or(0)) && isInFile;
+    if (isInFile) {
+        SeenFileTags::write(SeenFileTags::of(library), merge.path);
+    }
+    if (merge.adopt && !found->change.isEmpty()) {
+        merge.adopt(found->change);
+    }
+}
+
+void TagFileWriter::mergeWithFile(Merge request)
+{
+    m_queue.addOperationWithBlock([this, request = std::move(request)] {
+        if (request.willTouch) {
+            request.willTouch();
+        }
+        merge(request);
+        if (request.done) {
+            request.done();
         }
     });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Tags/FileTags.h"
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
@@ -11,8 +12,8 @@
 #include <mutex>
 #include <optional>
 
-// The one serial queue on which items' tags and notes are written to their files, in the order of the requests. Any
-// thread.
+// The one serial queue on which items' tags, notes and ratings are written to their files, in the order of the
+// requests. Any thread.
 class TagFileWriter
 {
 public:
@@ -20,11 +21,27 @@ public:
     ~TagFileWriter();
 
     // Queues the write and returns. Attributes that hold the same already are left alone. Notes of nothing leave the
-    // file's comment as it is. Errors are logged and nobody waits for the answer; `done` is called on the queue's
-    // thread, whatever came of it.
+    // file's comment as it is, a rating of nothing its rating. Errors are logged and nobody waits for the answer;
+    // `done` is called on the queue's thread, whatever came of it.
     void writeTagsToFile(const QString &path, const QStringList &tags, const std::optional<QString> &notes,
-                         std::function<void()> done = {});
-    // The star rating lives in the file alone, so the caller waits for its turn in the queue and hears what came of it.
+                         std::function<void()> done = {}, const std::optional<int> &rating = {});
+
+    // The same for a file that the library keeps in step with: what other programs changed in it since the library last
+    // wrote stays, and `adopt` hears of it, on the queue's thread.
+    struct Merge
+    {
+        QString path;
+        FileTags library;
+        bool takesRating = false;   // the library knows of no rating: the file's stays
+        bool ratingIsMeant = false; // the rating was given just now: it replaces the file's
+        bool isFirst = false;       // nothing was seen of this file before, whatever its attributes say
+        std::function<void()> willTouch;
+        std::function<void(const FileTagsChange &)> adopt;
+        std::function<void()> done;
+    };
+    void mergeWithFile(Merge merge);
+
+    // A rating with a fraction, which the library keeps rounded. Waits for its turn in the queue.
     ZQError writeRatingToFile(const QString &path, double rating);
     // Before the process ends or a library is closed: returns when everything asked for is written.
     void waitUntilAllWritten();
@@ -39,8 +56,14 @@ public:
 
 private:
     TagFileWriter();
-    void writeTags(const QString &path, const QStringList &tags);
-    void writeNotes(const QString &path, const QString &notes);
+    void replace(const QString &path, const QStringList &tags, const std::optional<QString> &notes,
+                 const std::optional<int> &rating);
+    // Whether the file holds it, now or before.
+    bool putTags(const QString &path, const QStringList &tags, const QStringList &present);
+    bool putNotes(const QString &path, const QString &notes, const QString &present);
+    bool putRating(const QString &path, int rating, double present);
+    void merge(const Merge &merge);
+    void complain(const QString &path, const ZQError &error, bool isAboutSomething);
     bool report(const QString &path, const ZQError &error); // whether somebody was told, now or before
 
     std::mutex m_mutex;

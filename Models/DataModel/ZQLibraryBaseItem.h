@@ -8,6 +8,7 @@
 
 class ZQSidebarBaseItem;
 class ZQManagedObjectContext;
+struct ZQFileTags;
 
 // One asset of the library: a file copied into its item directory ("managed"), or referenced where it lies (a live
 // folder's). Deleting clears `active`; the purge at quit removes what stayed inactive.
@@ -75,9 +76,17 @@ public:
     void updateItemData();
     void updateItemData(const QString &path);
 
-    bool readOpenMetaFromDisk(); // whether tags or notes changed
+    // Tags, notes and rating, kept in step with the file. Reading answers whether any changed.
+    ZQFileTags fileTags() const; // as the store has them
+    bool readOpenMetaFromDisk();
     void writeOpenMetaToDisk();
+    void writeRatingToDisk(); // the same after the rating was given: it replaces the file's
     void copyOpenMetaToPath(const QString &path);
+    // Gives the item these tags, of which those that are missing are made, and takes the others away. Answers whether
+    // it has other tags now.
+    bool changeTags(const QStringList &add, const QStringList &remove);
+    // After values came from the file.
+    void metadataDidComeFromFile();
 
     // Kinds whose file the image decoder cannot show keep a rendered bitmap in the item directory.
     virtual bool hasRepresentationBitmap() const { return false; }
@@ -94,6 +103,7 @@ private:
     bool updateRepresentationBitmap(const QString &path, bool fileDidChange);
     void readPixelSize(const QString &path);
     void renameThumb(const QString &newTitle);
-    void copyOpenMeta(const QString &path, bool isOwnFile);
+    void writeOwnFile(bool ratingIsMeant);
+    void metadataOfFileDidChange();
     bool replaceTags(const QStringList &titles);
 };

@@ -18,6 +18,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
+#include <QSet>
 #include <QUuid>
 
 namespace {
@@ -350,93 +352,127 @@ void ZQLibraryBaseItem::readPixelSize(const QString &path)
     setPixelTotal(qint64(properties->pixelWidth) * properties->pixelHeight);
 }
 
-// Files carry decomposed names, keyboards write composed ones, and both are the same tag.
 bool ZQLibraryBaseItem::replaceTags(const QStringList &titles)
+{
+    QSet<QString> wanted;
+    for (const QString &title : titles) {
+        wanted.insert(ZQSidebarTag::tagNameForText(title));
+    }
+    QStringList unwanted;
+    for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
+        if (!wanted.contains(ZQSidebarTag::tagNameForText(tag->title()))) {
+            unwanted.append(tag->title());
+        }
+    }
+    return changeTags(titles, unwanted);
+}
+
+bool ZQLibraryBaseItem::changeTags(const QStringList &add, const QStringList &remove)
 {
     ZQManagedObjectContext *context = managedObjectContext();
     QHash<QString, ZQRef<ZQSidebarTag>> present;
     for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
-        present.insert(tag->title().normalized(QString::NormalizationForm_C), tag);
+        present.insert(ZQSidebarTag::tagNameForText(tag->title()), tag);
     }
-    QSet<QString> wanted;
-    for (const QString &name : titles) {
-        wanted.insert(name.normalized(QString::NormalizationForm_C));
-    }
-    const QList<QString> presentNames = present.keys();
-    if (!context || wanted == QSet<QString>(presentNames.begin(), presentNames.end())) {
-        return false;
-    }
-    QList<ZQRef<ZQSidebarTag>> replacement;
-    for (const QString &name : titles) {
-        const QString composed = name.normalized(QString::NormalizationForm_C);
-        ZQRef<ZQSidebarTag> tag = present.value(composed);
-        if (!tag) {
-            tag = ZQSidebarTag::tagWithTagName(name, *context);
-        }
-        if (!tag) {
-            tag = ZQSidebarTag::getOrCreateTagWithName(composed, *context);
-        }
-        if (tag && !replacement.contains(tag)) {
-            replacement.append(tag);
+    bool didChange = false;
+    for (const QString &title : context ? remove : QStringList()) {
+        if (const ZQRef<ZQSidebarTag> tag = present.take(ZQSidebarTag::tagNameForText(title))) {
+            removeTagsObject(tag.get());
+            didChange = true;
         }
     }
-    setTags(replacement);
-    return true;
+    for (const QString &title : context ? add : QStringList()) {
+        const QString name = ZQSidebarTag::tagNameForText(title);
+        const auto tag =
+            present.contains(name) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::getOrCreateTagWithName(name, *context);
+        if (tag) {
+            present.insert(name, tag);
+            addTagsObject(tag.get());
+            didChange = true;
+        }
+    }
+    return didChange;
+}
+
+ZQFileTags ZQLibraryBaseItem::fileTags() const
+{
+    QStringList titles;
+    for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
+        titles.append(tag->title());
+    }
+    return {titles, notes(), int(rating())};
+}
+
+void ZQLibraryBaseItem::metadataDidComeFromFile()
+{
+    const QDateTime now = zqNow();
+    setModification_date(now);
+    // What the next comparison with the file's own dates looks at.
+    setAttributes_modification_date(now);
 }
 
 bool ZQLibraryBaseItem::readOpenMetaFromDisk()
 {
     const QString path = itemURL();
-    if (path.isEmpty()) {
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    const auto read = path.isEmpty() ? std::nullopt : environment.tagsAfterReadingFile(path, fileTags());
+    if (!read) {
         return false;
     }
-    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
-    const std::optional<QStringList> fileTags = environment.userTagsOfFile(path);
-    bool didChange = fileTags && replaceTags(*fileTags);
-    const std::optional<QString> comment = environment.commentOfFile(path);
-    if (comment && *comment != notes()) {
-        setNotes(*comment);
+    bool didChange = replaceTags(read->tags);
+    if (read->comment != notes()) {
+        setNotes(read->comment);
+        didChange = true;
+    }
+    if (read->rating && *read->rating != rating()) {
+        setRating(qint16(*read->rating));
         didChange = true;
     }
     if (didChange) {
-        const QDateTime now = zqNow();
-        setModification_date(now);
-        // What the next comparison with the file's own dates looks at.
-        setAttributes_modification_date(now);
+        metadataDidComeFromFile();
+        environment.didTakeInTagsOfFile(bundleID(), path, fileTags());
     }
     return didChange;
 }
 
 void ZQLibraryBaseItem::writeOpenMetaToDisk()
 {
-    if (ZQLibraryEnvironment::current().writesTagsToFiles()) {
-        copyOpenMeta(itemURL(), true);
+    writeOwnFile(false);
+}
+
+void ZQLibraryBaseItem::writeRatingToDisk()
+{
+    writeOwnFile(true);
+}
+
+void ZQLibraryBaseItem::writeOwnFile(bool ratingIsMeant)
+{
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    const QString path = environment.writesTagsToFiles() ? itemURL() : QString();
+    if (!path.isEmpty()) {
+        ZQFileTags tags = fileTags();
+        tags.ratingIsMeant = ratingIsMeant;
+        environment.writeTagsToFileOfItem(bundleID(), path, tags);
+        metadataOfFileDidChange();
     }
 }
 
 void ZQLibraryBaseItem::copyOpenMetaToPath(const QString &path)
 {
-    copyOpenMeta(path, false);
-}
-
-void ZQLibraryBaseItem::copyOpenMeta(const QString &path, bool isOwnFile)
-{
     if (path.isEmpty()) {
         return;
     }
-    QStringList titles;
-    for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
-        titles.append(tag->title());
+    ZQFileTags tags = fileTags();
+    if (tags.rating == 0) {
+        tags.rating.reset(); // a copy of the file has its rating
     }
-    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
-    if (isOwnFile) {
-        environment.writeTagsToFileOfItem(bundleID(), path, titles, notes());
-    } else {
-        environment.writeTagsToFile(path, titles, notes());
-    }
-    if (!managed()) {
-        if (const auto folder = watchingFolder()) {
-            folder->folderContentMetadataDidChanged();
-        }
+    ZQLibraryEnvironment::current().writeTagsToFile(path, tags);
+    metadataOfFileDidChange();
+}
+
+void ZQLibraryBaseItem::metadataOfFileDidChange()
+{
+    if (const auto folder = managed() ? ZQRef<ZQSidebarWatchedFolder>() : watchingFolder()) {
+        folder->folderContentMetadataDidChanged();
     }
 }

@@ -19,7 +19,7 @@ public:
     std::optional<QStringList> userTagsOfFile(const QString &) override { return std::nullopt; }
     std::optional<QString> commentOfFile(const QString &) override { return std::nullopt; }
     std::optional<int> ratingOfFile(const QString &) override { return std::nullopt; }
-    void writeTagsToFile(const QString &, const QStringList &, const QString &) override {}
+    void writeTagsToFile(const QString &, const ZQFileTags &) override {}
     bool writesTagsToFiles() override { return false; }
 };
 
@@ -27,10 +27,20 @@ std::atomic<ZQLibraryEnvironment *> installed = nullptr;
 
 } // namespace
 
-void ZQLibraryEnvironment::writeTagsToFileOfItem(const QString &, const QString &path, const QStringList &tags,
-                                                 const QString &comment)
+std::optional<ZQFileTags> ZQLibraryEnvironment::tagsAfterReadingFile(const QString &path, const ZQFileTags &present)
 {
-    writeTagsToFile(path, tags, comment);
+    const std::optional<QStringList> tags = userTagsOfFile(path);
+    const std::optional<QString> comment = commentOfFile(path);
+    const std::optional<int> rating = ratingOfFile(path);
+    if (!tags && !comment && !rating) {
+        return std::nullopt;
+    }
+    return ZQFileTags{tags.value_or(present.tags), comment.value_or(present.comment), rating ? rating : present.rating};
+}
+
+void ZQLibraryEnvironment::writeTagsToFileOfItem(const QString &, const QString &path, const ZQFileTags &tags)
+{
+    writeTagsToFile(path, tags);
 }
 
 ZQLibraryEnvironment &ZQLibraryEnvironment::current()

@@ -2,12 +2,24 @@
 
 #include "Kit/Foundation/ZQError.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
 
 class ZQLibraryBaseItem;
+template <class T>
+class ZQRef;
+
+// What goes between an item and its file.
+struct ZQFileTags
+{
+    QStringList tags;
+    QString comment;            // null: the file's stays
+    std::optional<int> rating;  // 0 to 5 stars; nothing: the file's stays
+    bool ratingIsMeant = false; // given just now: it replaces the file's, whatever that is
+};
 
 // What the entities need from the application they live in. The application installs its own at launch, a test a
 // scratch one. Main or background thread, as the caller's context.
@@ -29,12 +41,23 @@ public:
     virtual std::optional<QStringList> userTagsOfFile(const QString &path) = 0;
     virtual std::optional<QString> commentOfFile(const QString &path) = 0;
     virtual std::optional<int> ratingOfFile(const QString &path) = 0; // 0 to 5 stars, 0: none
-    // Queues writing tags and comment to a file; returns at once.
-    virtual void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) = 0;
-    // The same for a library item's own file: what is interrupted is done again at the next launch. `bundleID` is the
-    // item's.
-    virtual void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const QStringList &tags,
-                                       const QString &comment);
+    // What an item that has `present` has after its file was read; nothing when the file cannot be read.
+    virtual std::optional<ZQFileTags> tagsAfterReadingFile(const QString &path, const ZQFileTags &present);
+    // After the item took that in: from now on the file's values are what was last seen of it.
+    virtual void didTakeInTagsOfFile(const QString &, const QString &, const ZQFileTags &) {}
+    // Reads the items' files beside the caller. What other programs changed there comes into the store a little later,
+    // with `dataDidUpdateNotification` for each item concerned. Main thread.
+    virtual void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &) {}
+
+    // Queues writing to a file; returns at once.
+    virtual void writeTagsToFile(const QString &path, const ZQFileTags &tags) = 0;
+    void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)
+    {
+        writeTagsToFile(path, {tags, comment, {}});
+    }
+    // The same for a library item's own file: what other programs changed there stays, and what is interrupted is done
+    // again at the next launch. `bundleID` is the item's.
+    virtual void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags);
     // Whether tags are kept in step with files (the default "ImportOpenMetaTags").
     virtual bool writesTagsToFiles() = 0;
 

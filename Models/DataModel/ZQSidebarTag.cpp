@@ -36,15 +36,30 @@ ZQRef<ZQSidebarTag> generatedTag(int code, int position, const char *name, const
 
 } // namespace
 
+QString ZQSidebarTag::tagNameForText(const QString &text)
+{
+    QString name = text;
+    name.removeIf([](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QLatin1Char('\t'); });
+    return name.normalized(QString::NormalizationForm_C);
+}
+
 ZQRef<ZQSidebarTag> ZQSidebarTag::tagWithTagName(const QString &name, ZQManagedObjectContext &context)
 {
-    return zqFetchFirst<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {name});
+    const QString title = tagNameForText(name);
+    if (title.isEmpty()) {
+        return {};
+    }
+    if (auto tag = zqFetchFirst<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {title})) {
+        return tag;
+    }
+    const auto tags = tagsByNameInManagedObjectContext(context);
+    const auto found = tags ? tags->value(title) : QList<ZQRef<ZQSidebarTag>>();
+    return found.isEmpty() ? ZQRef<ZQSidebarTag>() : found.first();
 }
 
 ZQRef<ZQSidebarTag> ZQSidebarTag::addNewTagWithName(const QString &name, ZQManagedObjectContext &context)
 {
-    QString title = name;
-    title.removeIf([](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QLatin1Char('\t'); });
+    const QString title = tagNameForText(name);
     if (title.isEmpty()) {
         return {};
     }
@@ -117,21 +132,49 @@ void ZQSidebarTag::reorderAllUserTagsInManagedObjectContext(ZQManagedObjectConte
     }
 }
 
+std::optional<QHash<QString, QList<ZQRef<ZQSidebarTag>>>>
+ZQSidebarTag::tagsByNameInManagedObjectContext(ZQManagedObjectContext &context)
+{
+    const auto tags =
+        zqFetch<ZQSidebarTag>(context, QStringLiteral("active = YES AND is_Tag == YES AND is_Label == NO"));
+    if (!tags) {
+        return std::nullopt;
+    }
+    QHash<QString, QList<ZQRef<ZQSidebarTag>>> byName;
+    for (const ZQRef<ZQSidebarTag> &tag : *tags) {
+        byName[tagNameForText(tag->title())].append(tag);
+    }
+    return byName;
+}
+
 QStringList ZQSidebarTag::contextContainsDuplicatedTags(ZQManagedObjectContext &context)
 {
-    const auto tags = zqFetch<ZQSidebarTag>(
-        context, QStringLiteral("active = YES AND is_Tag == YES AND is_Label == NO"), {}, {{QStringLiteral("title")}});
+    const auto byName = tagsByNameInManagedObjectContext(context);
     QStringList duplicated;
-    if (!tags) {
-        return duplicated;
-    }
-    for (qsizetype i = 1; i < tags->size(); ++i) {
-        const QString &title = tags->at(i)->title();
-        if (title == tags->at(i - 1)->title() && (duplicated.isEmpty() || duplicated.last() != title)) {
-            duplicated.append(title);
+    for (auto entry = byName ? byName->cbegin() : decltype(byName->cbegin())(); byName && entry != byName->cend();
+         ++entry) {
+        if (entry->size() > 1) {
+            duplicated.append(entry.key());
         }
     }
+    duplicated.sort();
     return duplicated;
+}
+
+void ZQSidebarTag::mergeTagsNamed(const QStringList &names, ZQManagedObjectContext &context)
+{
+    const auto byName = names.isEmpty() ? std::nullopt : tagsByNameInManagedObjectContext(context);
+    for (const QString &name : byName ? names : QStringList()) {
+        const QString title = tagNameForText(name);
+        const QList<ZQRef<ZQSidebarTag>> twins = byName->value(title);
+        for (qsizetype i = 1; i < twins.size(); ++i) {
+            twins.first()->addTaggedItems(twins.at(i)->taggedItems());
+            twins.at(i)->deletePermanently();
+        }
+        if (twins.size() > 1 && twins.first()->title() != title) {
+            twins.first()->setTitle(title);
+        }
+    }
 }
 
 QString ZQSidebarTag::typeString() const

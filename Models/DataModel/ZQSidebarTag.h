@@ -2,13 +2,20 @@
 
 #include "Models/DataModel/_ZQSidebarTag.h"
 
+#include <QHash>
+
+#include <optional>
+
 // A tag: a label on library items that their files carry too.
 class ZQSidebarTag : public _ZQSidebarTag
 {
 public:
-    // The active tag of exactly this title.
+    // What a text is as the name of a tag, and the form in which names are compared: without line breaks and tabs,
+    // composed. Upper and lower case stay apart. Empty when nothing remains.
+    static QString tagNameForText(const QString &text);
+    // The active tag of exactly this name, also one that an older version stored in another form.
     static ZQRef<ZQSidebarTag> tagWithTagName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
-    // A new last child of the TAGS label. Line breaks and tabs are left out of the name; null when nothing remains.
+    // A new last child of the TAGS label; null for an empty name.
     static ZQRef<ZQSidebarTag> addNewTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     static ZQRef<ZQSidebarTag> getOrCreateTagWithName(const QString &name,
                                                       ZQManagedObjectContext &inManagedObjectContext);
@@ -21,8 +28,13 @@ public:
     static QString colorNameForValue(int value); // localised; empty for none
     // Numbers the children of TAGS from 0 in their present order, equal ones by title.
     static void reorderAllUserTagsInManagedObjectContext(ZQManagedObjectContext &context);
-    // The titles that more than one active tag has.
+    // The names that more than one active tag has.
     static QStringList contextContainsDuplicatedTags(ZQManagedObjectContext &context);
+    // The active tags that aren't labels, by name; nothing after an error, which was logged.
+    static std::optional<QHash<QString, QList<ZQRef<ZQSidebarTag>>>>
+    tagsByNameInManagedObjectContext(ZQManagedObjectContext &context);
+    // For each name the first of its active tags takes the items of the others, which are then deleted for good.
+    static void mergeTagsNamed(const QStringList &names, ZQManagedObjectContext &inManagedObjectContext);
 
     bool isUserTag() const { return is_Tag() && !is_Label() && kind() == 0; }
     QString typeString() const override;

@@ -274,10 +274,12 @@ TEST_F(LibraryItem, TakesTagsAndCommentFromItsFileAndGivesThemBack)
     const auto item = library.addImage(QStringLiteral("logo"));
     item->addTagsObject(ZQSidebarTag::addNewTagWithName(QStringLiteral("old"), context).get());
     EXPECT_FALSE(item->readOpenMetaFromDisk()); // unreadable: nothing changes
-    library.fileTags.insert(item->itemURL(), {{QStringLiteral("new"), QStringLiteral("old")}, QStringLiteral("note")});
+    library.fileTags.insert(item->itemURL(),
+                            {{QStringLiteral("new"), QStringLiteral("old")}, QStringLiteral("note"), 4});
     EXPECT_TRUE(item->readOpenMetaFromDisk());
     EXPECT_EQ(item->itemTags().size(), 2);
     EXPECT_EQ(item->notes(), QStringLiteral("note"));
+    EXPECT_EQ(item->rating(), 4);
     EXPECT_FALSE(item->readOpenMetaFromDisk());
 
     item->writeOpenMetaToDisk();
@@ -285,6 +287,8 @@ TEST_F(LibraryItem, TakesTagsAndCommentFromItsFileAndGivesThemBack)
     EXPECT_EQ(library.written.first().path, item->itemURL());
     EXPECT_EQ(library.written.first().tags.size(), 2);
     EXPECT_EQ(library.written.first().comment, QStringLiteral("note"));
+    EXPECT_EQ(library.written.first().rating, 4);
+    EXPECT_EQ(item->duplicate()->rating(), 4);
     library.tagsAreWritten = false;
     item->writeOpenMetaToDisk();
     EXPECT_EQ(library.written.size(), 1);

@@ -122,4 +122,51 @@ TEST_F(Tag, DuplicatesAreReportedOnceByTitle)
     EXPECT_EQ(ZQSidebarTag::contextContainsDuplicatedTags(context), QStringList{QStringLiteral("x")});
 }
 
+// Stores of older versions hold names that came decomposed from a file, and breaks that a rename let in.
+TEST_F(Tag, OneNameIsOneTagInWhateverFormItComes)
+{
+    struct Case
+    {
+        QString stored;
+        QString asked;
+        QString name;
+    };
+    const QString composed = QStringLiteral("Caf\u00e9");
+    const QString decomposed = QStringLiteral("Cafe\u0301");
+    const Case cases[] = {{composed, decomposed, composed},
+                          {decomposed, composed, composed},
+                          {decomposed, decomposed, composed},
+                          {QStringLiteral("Brand"), QStringLiteral("Br\tand\n"), QStringLiteral("Brand")},
+                          {QStringLiteral("Two\nlines"), QStringLiteral("Twolines"), QStringLiteral("Twolines")}};
+    for (const Case &c : cases) {
+        const auto tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("x"), context);
+        tag->setTitle(c.stored);
+        EXPECT_EQ(ZQSidebarTag::getOrCreateTagWithName(c.asked, context).get(), tag.get()) << qPrintable(c.asked);
+        tag->deletePermanently();
+        EXPECT_EQ(ZQSidebarTag::addNewTagWithName(c.asked, context)->title(), c.name);
+        ZQSidebarTag::tagWithTagName(c.name, context)->deletePermanently();
+    }
+    EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("\t"), context));
+}
+
+TEST_F(Tag, TwinsOfOneNameBecomeOneWithTheItemsOfAll)
+{
+    const QString composed = QStringLiteral("Caf\u00e9");
+    const auto first = ZQSidebarTag::addNewTagWithName(QStringLiteral("first"), context);
+    const auto second = ZQSidebarTag::addNewTagWithName(QStringLiteral("second"), context);
+    const auto upper = ZQSidebarTag::addNewTagWithName(QStringLiteral("CAF\u00c9"), context);
+    first->setTitle(QStringLiteral("Cafe\u0301"));
+    second->setTitle(QStringLiteral("Ca\tf\u00e9"));
+    const auto image = library.addImage(QStringLiteral("a"));
+    const auto other = library.addImage(QStringLiteral("b"));
+    image->addTagsObject(first.get());
+    other->addTagsObject(second.get());
+    EXPECT_EQ(ZQSidebarTag::contextContainsDuplicatedTags(context), QStringList{composed});
+    ZQSidebarTag::mergeTagsNamed({composed}, context);
+    EXPECT_EQ(first->title(), composed);
+    EXPECT_EQ(first->taggedItems().size(), 2);
+    EXPECT_TRUE(ZQSidebarTag::contextContainsDuplicatedTags(context).isEmpty());
+    EXPECT_EQ(ZQSidebarTag::tagWithTagName(upper->title(), context).get(), upper.get());
+}
+
 } // namespace

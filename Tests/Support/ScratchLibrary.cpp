@@ -125,7 +125,14 @@ std::optional<int> ScratchLibrary::ratingOfFile(const QString &file)
     return found == fileTags.constEnd() ? std::nullopt : std::make_optional(found->rating);
 }
 
-void ScratchLibrary::writeTagsToFile(const QString &file, const QStringList &tags, const QString &comment)
+void ScratchLibrary::writeTagsToFile(const QString &file, const ZQFileTags &tags)
 {
-    written.append({file, tags, comment});
+    written.append({file, tags.tags, tags.comment, tags.rating});
+}
+
+void ScratchLibrary::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        filesToTakeIn.append(item->title());
+    }
 }

@@ -25,6 +25,7 @@ public:
         QString path;
         QStringList tags;
         QString comment;
+        std::optional<int> rating;
     };
 
     ScratchLibrary();
@@ -52,11 +53,13 @@ public:
     std::optional<QStringList> userTagsOfFile(const QString &path) override;
     std::optional<QString> commentOfFile(const QString &path) override;
     std::optional<int> ratingOfFile(const QString &path) override;
-    void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment) override;
+    void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     bool writesTagsToFiles() override { return tagsAreWritten; }
+    void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
 
     QHash<QString, FileTags> fileTags;
     QList<WrittenTags> written;
+    QStringList filesToTakeIn; // titles of items, in the order they were asked for
     QList<ZQError> errors;
     QList<ZQLibraryBaseItem *> thumbRequests;
     bool tagsAreWritten = true;

@@ -3,6 +3,9 @@
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Classes/Command/CommandFixture.h"
 
@@ -49,6 +52,19 @@ protected:
         TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     }
 
+    ZQRef<ZQLibraryBaseItem> storedItem()
+    {
+        return ZQLibraryBaseItem::libraryItemsForBundleID(bundleID(), *delegate->managedObjectContext());
+    }
+    // Lets what background threads found come into the store and back to the files.
+    void takeIn()
+    {
+        for (int i = 0; i < 20; ++i) {
+            zqRunMainLoopFor(std::chrono::milliseconds(10));
+            TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+        }
+    }
+
     QJsonObject item;
 };
 
@@ -85,8 +101,12 @@ TEST_F(TagCommandTest, NotesAndRatingsReachTheFile)
 
     ASSERT_EQ(run({QStringLiteral("rate"), bundleID(), QStringLiteral("3.5")}), 0);
     EXPECT_EQ(OpenMeta::getRating(path()), 3.5);
+    EXPECT_EQ(firstItem().value(QStringLiteral("rating")), 4);
+    ASSERT_EQ(run({QStringLiteral("note"), bundleID(), QStringLiteral("other")}), 0);
+    EXPECT_EQ(OpenMeta::getRating(path()), 3.5); // another write leaves the fraction
     ASSERT_EQ(run({QStringLiteral("rate"), item.value(QStringLiteral("SHA1")).toString(), QStringLiteral("0")}), 0);
     EXPECT_EQ(OpenMeta::getRating(path()), 0);
+    EXPECT_EQ(firstItem().value(QStringLiteral("rating")), 0);
 }
 
 TEST_F(TagCommandTest, AMistakeChangesNothing)
@@ -167,7 +187,13 @@ TEST_F(TagCommandTest, ADecomposedNameOfAFileIsTheTagThatWasTyped)
     EXPECT_TRUE(object->readOpenMetaFromDisk());
     delegate->saveAction();
     EXPECT_TRUE(storedTags().contains(typed) && storedTags().contains(QStringLiteral("new")));
-    EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("Cafe\u0301"), store));
+    const qsizetype known = storedTags().size();
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("Cafe\u0301"),
+                   QStringLiteral("--add"), QStringLiteral("n\tew\n")}),
+              0);
+    EXPECT_EQ(storedTags().size(), known);
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--remove"), QStringLiteral("Cafe\u0301")}), 0);
+    EXPECT_FALSE(storedTags().contains(typed));
 }
 
 TEST_F(TagCommandTest, WhatAFileManagerWroteReachesTheStore)
@@ -185,18 +211,37 @@ TEST_F(TagCommandTest, WhatAFileManagerWroteReachesTheStore)
 
 TEST_F(TagCommandTest, TheNextLaunchRepairsFilesWhoseWritesWereInterrupted)
 {
-    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("kept")}), 0);
-    const QStringList stored = storedTags();
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("first")}), 0);
+    QMap<QString, QByteArray> attributes;
+    for (const QString &name : ZQExtendedAttributes::list(path())) {
+        attributes.insert(name, *ZQExtendedAttributes::get(path(), name));
+    }
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("kept"),
+                   QStringLiteral("--remove"), QStringLiteral("first")}),
+              0);
+    QStringList expected = storedTags();
+    ASSERT_EQ(run({QStringLiteral("rate"), bundleID(), QStringLiteral("4")}), 0);
     delegate.reset();
     OpenMetaBackup::waitUntilAllWritten();
-    // The store has it, the file has something else, and the journal was not emptied.
-    ASSERT_TRUE(OpenMeta::setUserTags(QStringList{QStringLiteral("half")}, path()).isNull());
+    // The store has it, the file is as before, and the journal was not emptied; another program tagged the file since.
+    for (const QString &name : ZQExtendedAttributes::list(path())) {
+        ASSERT_TRUE(ZQExtendedAttributes::remove(path(), name));
+    }
+    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
+        ASSERT_TRUE(ZQExtendedAttributes::set(path(), it.key(), it.value()));
+    }
+    ASSERT_TRUE(OpenMeta::addUserTags(QStringList{QStringLiteral("theirs")}, path()).isNull());
     QFile pending(journal());
     ASSERT_TRUE(pending.open(QIODevice::WriteOnly));
     pending.write(bundleID().toUtf8() + "\nof-no-item\n");
     pending.close();
     reopen();
-    EXPECT_EQ(fileTags(), stored);
+    takeIn();
+    expected.append(QStringLiteral("theirs"));
+    expected.sort();
+    EXPECT_EQ(fileTags(), expected);
+    EXPECT_EQ(storedTags(), expected);
+    EXPECT_EQ(OpenMeta::getRating(path()), 4);
     EXPECT_EQ(QFileInfo(journal()).size(), 0);
 
     // Without a journal a file's own tags are left alone.
@@ -205,15 +250,64 @@ TEST_F(TagCommandTest, TheNextLaunchRepairsFilesWhoseWritesWereInterrupted)
     EXPECT_EQ(fileTags(), QStringList{QStringLiteral("own")});
 }
 
+TEST_F(TagCommandTest, WhatAnotherProgramGaveAFileOutlivesOurNextWriteAndReachesTheStore)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("a"),
+                   QStringLiteral("--add"), QStringLiteral("b")}),
+              0);
+    ASSERT_TRUE(OpenMeta::clearUserTags(QStringList{QStringLiteral("b")}, path()).isNull());
+    ASSERT_TRUE(OpenMeta::addUserTags(QStringList{QStringLiteral("x")}, path()).isNull());
+    ASSERT_TRUE(OpenMeta::setFinderComment(QStringLiteral("said"), path()).isNull());
+    ASSERT_TRUE(OpenMeta::setRating(2.6, path()).isNull());
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("c")}), 0);
+    EXPECT_EQ(fileTags(), storedTags());
+    for (const char *tag : {"a", "c", "x"}) {
+        EXPECT_TRUE(storedTags().contains(QLatin1String(tag))) << tag;
+    }
+    EXPECT_FALSE(storedTags().contains(QStringLiteral("b")));
+    EXPECT_EQ(firstItem().value(QStringLiteral("notes")), QStringLiteral("said"));
+    EXPECT_EQ(firstItem().value(QStringLiteral("rating")), 3);
+    EXPECT_EQ(OpenMeta::getRating(path()), 2.6);
+    EXPECT_EQ(QFileInfo(journal()).size(), 0);
+}
+
+TEST_F(TagCommandTest, ALookAtTheFileTakesInADifferenceAndAnnouncesIt)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("a")}), 0);
+    const auto object = storedItem();
+    int announced = 0;
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        ZQLibraryBaseItem::dataDidUpdateNotification, nullptr, [&announced](const ZQNotification &) { ++announced; });
+    const auto look = [&] {
+        ZQLibraryEnvironment::current().takeInTagsOfFiles({object});
+        takeIn();
+    };
+    look();
+    EXPECT_EQ(announced, 0);
+    ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::tagsName, "a,x"));
+    ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::ratingName, "6"));
+    look();
+    EXPECT_EQ(announced, 1);
+    EXPECT_TRUE(storedTags().contains(QStringLiteral("x")));
+    EXPECT_EQ(object->rating(), 3);
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--remove"), QStringLiteral("x")}), 0);
+    EXPECT_FALSE(fileTags().contains(QStringLiteral("x"))); // what was taken in can be taken away
+
+    for (const QString &name : ZQExtendedAttributes::list(path())) {
+        ASSERT_TRUE(ZQExtendedAttributes::remove(path(), name));
+    }
+    const QStringList stored = storedTags();
+    look();
+    EXPECT_EQ(storedTags(), stored);
+    EXPECT_EQ(fileTags(), stored);
+    EXPECT_EQ(OpenMeta::getRating(path()), 3);
+}
+
 TEST_F(TagCommandTest, AChangeThatWasWrittenAndNeverSavedIsTakenBack)
 {
     const QStringList stored = storedTags();
     ZQManagedObjectContext &store = *delegate->managedObjectContext();
-    const auto object = store
-                            .fetch<ZQLibraryBaseItem>(
-                                {ZQLibraryBaseItem::entityName(),
-                                 ZQPredicate::predicateWithFormat(QStringLiteral("bundleID == %@"), {bundleID()})})
-                            ->first();
+    const auto object = storedItem();
     ZQSidebarTag::getOrCreateTagWithName(QStringLiteral("unsaved"), store)->addItems({object});
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_TRUE(fileTags().contains(QStringLiteral("unsaved")));

@@ -103,9 +103,12 @@ TEST_F(ImportOperationTest, WithoutAutomaticTaggingThereAreNoSizeAndColourTags)
 TEST_F(ImportOperationTest, TagsNotesAndOriginComeAlongFromTheFile)
 {
     const QString source = writeImage(QStringLiteral("a.png"), {20, 20});
-    if (!OpenMeta::setUserTags(QStringList{QStringLiteral("Client")}, source).isNull()) {
+    const QString typed = QStringLiteral("Caf\u00e9"); // files carry it decomposed
+    const auto known = addTag(typed);
+    if (!OpenMeta::setUserTags(QStringList{QStringLiteral("Client"), typed}, source).isNull()) {
         GTEST_SKIP() << "This file system keeps no extended attributes";
     }
+    OpenMeta::setRating(3.5, source);
     OpenMeta::setXAttr(QStringLiteral("abc"), OpenMeta::spotlightKey(OpenMeta::finderCommentKey), source);
     OpenMeta::setXAttr(QStringList{QStringLiteral("http://spotlight")}, OpenMeta::spotlightKey(OpenMeta::whereFromsKey),
                        source);
@@ -115,6 +118,10 @@ TEST_F(ImportOperationTest, TagsNotesAndOriginComeAlongFromTheFile)
     const auto made = item(QStringLiteral("a"));
     ASSERT_TRUE(made);
     EXPECT_TRUE(tagTitles(*made).contains(QStringLiteral("Client")));
+    EXPECT_TRUE(known->containsItem(made.get()));
+    EXPECT_EQ(made->rating(), 4);
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(OpenMeta::getRating(made->itemURL()), 3.5);
     EXPECT_EQ(made->webURL(), QStringLiteral("http://image"));
     EXPECT_EQ(made->webPageURL(), QStringLiteral("http://page"));
     EXPECT_EQ(made->notes(), QStringLiteral("http://page\n abc"));

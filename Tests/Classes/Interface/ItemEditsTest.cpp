@@ -148,3 +148,28 @@ TEST_F(ItemEditsTest, ASummaryTellsWhatItemsShareAndWhatDiffers)
     EXPECT_EQ(summaryOf(items).license.shown(), QString());
     EXPECT_FALSE(SelectionSummary::of(items, library.context(), [] { return false; }));
 }
+
+TEST_F(ItemEditsTest, RatingsAreKeptInTheStoreAndFollowInTheFilesAlsoWhenTakenBack)
+{
+    const auto image = library.addImage(QStringLiteral("mark"));
+    library.context().save();
+    QList<ZQObjectID> items = addItems(1);
+    items.append(image->objectID());
+    edits.setRating({items[0]}, 2);
+    edits.setRating(items, 4);
+    EXPECT_EQ(summaryOf(items).rating, 4);
+    EXPECT_FALSE(summaryOf(items).ratingDiffers);
+    EXPECT_EQ(library.written.last().rating, 4);
+    undoStack.undo();
+    EXPECT_EQ(window.libraryItem(items[0])->rating(), 2);
+    EXPECT_TRUE(summaryOf(items).ratingDiffers);
+    EXPECT_EQ(library.written.last().rating, 0);
+    const int steps = undoStack.count();
+    edits.setRating({items[0]}, 2);
+    EXPECT_EQ(undoStack.count(), steps - 1) << "what changes nothing is no step";
+
+    const QList<ZQObjectID> many = addItems(int(ItemEdits::mostAtOnce) + 1);
+    edits.setRating(many, 5);
+    finish();
+    EXPECT_EQ(summaryOf(many).rating, 5);
+}

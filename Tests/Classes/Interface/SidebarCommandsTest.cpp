@@ -216,6 +216,12 @@ TEST_F(SidebarCommandsTest, TagsNeedANameOfTheirOwn)
     EXPECT_EQ(user.notificationTexts(), (QStringList{"Tag already exist!", "Tag needs a name!"}));
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Red"), red)) << "its own name";
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("RED"), blue)) << "another spelling is another tag";
+    EXPECT_FALSE(commands.validateNewTitle(QStringLiteral("Re\nd"), blue)) << "a pasted line break is left out";
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Na\nvy\t"), blue));
+    EXPECT_EQ(blue->title(), QStringLiteral("Navy"));
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Cafe\u0301"), blue));
+    EXPECT_EQ(blue->title(), QStringLiteral("Caf\u00e9"));
+    EXPECT_FALSE(commands.validateNewTitle(QStringLiteral("Cafe\u0301"), red));
 }
 
 TEST_F(SidebarCommandsTest, ARenamedTagIsWrittenToTheFilesOfAllItTags)

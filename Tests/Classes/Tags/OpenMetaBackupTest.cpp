@@ -1,14 +1,21 @@
 #include "Tests/Classes/Tags/TagsFixture.h"
 
+#include <QDateTime>
 #include <QDirIterator>
+#include <QLockFile>
 
 class OpenMetaBackupTest : public TagsFixture
 {
 protected:
-    // A new file in place of an old one, as editors save.
-    void replace(const QString &file)
+    void SetUp() override
     {
-        const QString other = newFile(QStringLiteral("new.tmp"), "edited");
+        TagsFixture::SetUp();
+        newFile(QStringLiteral("file.png"), contents);
+    }
+    // A new file in place of an old one, as editors save.
+    void replace(const QString &file, const QByteArray &with = contents)
+    {
+        const QString other = newFile(QStringLiteral("new.tmp"), with);
         ASSERT_EQ(rename(QFile::encodeName(other).constData(), QFile::encodeName(file).constData()), 0);
     }
     void tag(const QString &file, const QStringList &tags)
@@ -16,6 +23,12 @@ protected:
         ASSERT_TRUE(OpenMeta::setUserTags(tags, file).isNull());
         OpenMetaBackup::waitUntilAllWritten();
     }
+    static QString notesOf(const QString &process)
+    {
+        return OpenMetaBackup::folder() + QStringLiteral("/noted-") + process;
+    }
+
+    static inline const QByteArray contents = "a picture";
 };
 
 TEST_F(OpenMetaBackupTest, AFileSavedByReplacingItGetsItsTagsBack)
@@ -45,6 +58,34 @@ TEST_F(OpenMetaBackupTest, AnEditorThatPutsTheOldFileAsideCountsAsSavingToo)
     EXPECT_EQ(tagsOf(path), list("a"));
 }
 
+TEST_F(OpenMetaBackupTest, TheOldFilePutAsideKnowsBetterThanAnOlderCopy)
+{
+    tag(path, list("a"));
+    const QString aside = path + QStringLiteral(".bak");
+    ASSERT_TRUE(QFile::rename(path, aside));
+    const auto newer = ZQPropertyList::toBinary(list("a b"));
+    ASSERT_TRUE(ZQExtendedAttributes::set(aside, OpenMeta::spotlightKey(OpenMeta::userTagsKey), *newer));
+    newFile(QStringLiteral("file.png"), "edited");
+    EXPECT_EQ(tagsOf(path), list("a b"));
+}
+
+TEST_F(OpenMetaBackupTest, ANewcomerUnderTheNameOfADeletedFileGetsNothing)
+{
+    tag(path, list("a"));
+    replace(path, "another picture");
+    EXPECT_TRUE(tagsOf(path).isEmpty());
+
+    const QString longFile = newFile(QStringLiteral("long"), QByteArray(50000, 'x') + "end");
+    tag(longFile, list("b"));
+    replace(longFile, QByteArray(50000, 'x') + "END");
+    EXPECT_TRUE(tagsOf(longFile).isEmpty());
+
+    const QString empty = newFile(QStringLiteral("empty"));
+    tag(empty, list("c"));
+    replace(empty, {});
+    EXPECT_TRUE(tagsOf(empty).isEmpty()); // like any other
+}
+
 TEST_F(OpenMetaBackupTest, RemovedTagsStayRemoved)
 {
     tag(path, list("a"));
@@ -67,7 +108,7 @@ TEST_F(OpenMetaBackupTest, AnotherFileAtTheSamePlaceGetsNothing)
     newFile(QStringLiteral("file.png"), "newcomer");
     EXPECT_TRUE(tagsOf(path).isEmpty());
 
-    const QString first = newFile(QStringLiteral("first"));
+    const QString first = newFile(QStringLiteral("first"), contents);
     tag(first, list("b"));
     QDir(folder.path()).mkdir(QStringLiteral("sub"));
     const QString moved = folder.filePath(QStringLiteral("sub/first"));
@@ -134,4 +175,89 @@ TEST_F(OpenMetaBackupTest, DamagedBackupsAreNoObstacle)
     replace(path);
     EXPECT_EQ(tagsOf(path), list("b"));
     QDir(OpenMetaBackup::folder()).removeRecursively();
+}
+
+TEST_F(OpenMetaBackupTest, ARatingAloneIsKeptToo)
+{
+    if (!hasRoomForMirrors()) {
+        GTEST_SKIP() << "This file system has little room for attributes";
+    }
+    tag(path, list("a"));
+    ASSERT_TRUE(OpenMeta::setRating(3, path).isNull());
+    OpenMetaBackup::waitUntilAllWritten();
+    replace(path);
+    EXPECT_EQ(OpenMeta::getRating(path), 3);
+}
+
+TEST_F(OpenMetaBackupTest, WhileAnotherProcessHoldsTheListsNothingIsLost)
+{
+    tag(path, list("a"));
+    QLockFile other(OpenMetaBackup::folder() + QStringLiteral("/lock"));
+    ASSERT_TRUE(other.tryLock());
+    ASSERT_TRUE(OpenMeta::setUserTags(list("b"), path).isNull());
+    OpenMetaBackup::waitUntilAllWritten(); // gives up waiting
+    EXPECT_EQ(TagBackupStore(OpenMetaBackup::folder()).find(path)->tags, list("a"));
+    other.unlock();
+    OpenMetaBackup::waitUntilAllWritten();
+    EXPECT_EQ(TagBackupStore(OpenMetaBackup::folder()).find(path)->tags, list("b"));
+}
+
+// What is left in the notes of a process that is gone was never copied: the copy is older than the tags were.
+TEST_F(OpenMetaBackupTest, WhatAKilledProcessNotedIsCopiedByTheNextOne)
+{
+    TagBackupStore store(OpenMetaBackup::folder() + QStringLiteral("-of-next"));
+    const auto leave = [](const QString &folderPath, const QByteArray &paths) {
+        QDir().mkpath(folderPath);
+        QFile notes(folderPath + QStringLiteral("/noted-dead"));
+        ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
+        notes.write(paths);
+    };
+    leave(OpenMetaBackup::folder() + QStringLiteral("-of-next"), path.toUtf8() + '\0' + "/cut off");
+    EXPECT_EQ(store.takeOverNotes(), (QStringList{path, QStringLiteral("/cut off")}));
+    EXPECT_TRUE(store.takeOverNotes().isEmpty()); // they are this process's now
+    store.setNotes({});
+
+    tag(path, list("a"));
+    const QByteArray home = qgetenv("XDG_DATA_HOME");
+    const QString otherHome = folder.filePath(QStringLiteral("home"));
+    QDir().mkpath(otherHome);
+    qputenv("XDG_DATA_HOME", QFile::encodeName(otherHome));
+    leave(OpenMetaBackup::folder(), path.toUtf8() + '\0');
+    EXPECT_EQ(tagsOf(path), list("a"));
+    OpenMetaBackup::waitUntilAllWritten();
+    EXPECT_TRUE(TagBackupStore(OpenMetaBackup::folder()).find(path));
+    EXPECT_FALSE(QFile::exists(notesOf(QStringLiteral("dead"))));
+    qputenv("XDG_DATA_HOME", home);
+}
+
+TEST_F(OpenMetaBackupTest, ListsGrowWithTheFilesThereAre)
+{
+    constexpr int files = 1500;
+    TagBackupStore store(OpenMetaBackup::folder(), 4);
+    const auto backups = [this](int count, qint64 saved, const char *name) {
+        QHash<QString, std::optional<TagBackup>> all;
+        for (int i = 0; i < count; ++i) {
+            TagBackup backup;
+            backup.tags = list("a");
+            backup.saved = saved;
+            backup.identity = QByteArray(name) + QByteArray::number(i);
+            all.insert(folder.filePath(QLatin1String(name) + QString::number(i)), backup);
+        }
+        return all;
+    };
+    for (int i = 0; i < files; ++i) {
+        newFile(QStringLiteral("there%1").arg(i));
+    }
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    ASSERT_TRUE(store.store(backups(files, now - 1000000, "there")));
+    ASSERT_TRUE(store.store(backups(files, now, "gone")));
+    TagBackupStore again(OpenMetaBackup::folder());
+    int there = 0;
+    int gone = 0;
+    for (int i = 0; i < files; ++i) {
+        there += again.contains(folder.filePath(QStringLiteral("there%1").arg(i))) ? 1 : 0;
+        gone += again.contains(folder.filePath(QStringLiteral("gone%1").arg(i))) ? 1 : 0;
+    }
+    EXPECT_EQ(there, files);
+    EXPECT_LT(gone, files);
 }

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Classes/Tags/FileTags.h"
+
+#include <QHash>
+#include <QList>
+
+#include <memory>
+#include <mutex>
+
+class ZQLibraryBaseItem;
+class tamberin_AppDelegate;
+
+// Brings what other programs changed in items' files into the store: many changes with one save, on the main thread,
+// and announced item by item. Each item is written to its file again, which confirms what was taken in; a change that
+// never arrives here is found in the file the next time.
+class FileTagAdoption : public std::enable_shared_from_this<FileTagAdoption>
+{
+public:
+    explicit FileTagAdoption(tamberin_AppDelegate &delegate) : m_delegate(delegate) {}
+
+    // Any thread. A change of nothing only has the item written to its file.
+    void add(const QString &bundleID, const FileTagsChange &change);
+    // Main thread: what came so far. Answers whether there was anything.
+    bool apply();
+
+private:
+    static bool applyTo(ZQLibraryBaseItem &item, const FileTagsChange &change);
+
+    tamberin_AppDelegate &m_delegate;
+    std::mutex m_mutex;
+    QHash<QString, QList<FileTagsChange>> m_changes; // by the item's bundleID
+};

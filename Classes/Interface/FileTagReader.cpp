@@ -1,0 +1,43 @@
+#include "Classes/Interface/FileTagReader.h"
+
+#include "Classes/Interface/BrowserViewController.h"
+#include "Kit/Widgets/ZQGridView.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+
+#include <QEvent>
+
+#include <algorithm>
+#include <utility>
+
+FileTagReader::FileTagReader(WindowContext &window, BrowserViewController &browser, QWidget *frontWindow)
+    : QObject(frontWindow), m_window(window), m_browser(browser)
+{
+    m_selected.setSingleShot(true);
+    m_selected.setInterval(200); // moving through items with a held key reads only where it stops
+    connect(&m_selected, &QTimer::timeout, this, [this] { read(m_browser.selectedItems()); });
+    connect(&browser, &BrowserViewController::selectionChanged, this, [this] { m_selected.start(); });
+    frontWindow->installEventFilter(this);
+}
+
+bool FileTagReader::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == parent() && event->type() == QEvent::WindowActivate) {
+        read(m_browser.content().libraryItemIDs(m_browser.grid().visibleIndexes()));
+    }
+    return QObject::eventFilter(object, event);
+}
+
+void FileTagReader::read(QList<ZQObjectID> items)
+{
+    items.resize(std::min(items.size(), mostAtOnce));
+    m_window.context.fillFaults(items);
+    QList<ZQRef<ZQLibraryBaseItem>> found;
+    for (const ZQObjectID &id : std::as_const(items)) {
+        if (const auto item = m_window.libraryItem(id)) {
+            found.append(item);
+        }
+    }
+    if (!found.isEmpty()) {
+        ZQLibraryEnvironment::current().takeInTagsOfFiles(found);
+    }
+}

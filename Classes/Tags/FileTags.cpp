@@ -1,0 +1,265 @@
+#include "Classes/Tags/FileTags.h"
+
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/OpenMetaBackup.h"
+#include "Classes/Tags/PathLock.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
+
+#include <QCryptographicHash>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr qsizetype tagDigits = 6; // of 64 values each
+constexpr qsizetype commentDigits = 16;
+
+QByteArray digestOf(const QString &text, qsizetype digits)
+{
+    return QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha1)
+        .toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals)
+        .left(digits);
+}
+
+QByteArray commentDigest(const QString &comment)
+{
+    return comment.isEmpty() ? QByteArray() : digestOf(comment.normalized(QString::NormalizationForm_C), commentDigits);
+}
+
+int starsOf(double rating)
+{
+    return int(std::lround(std::clamp(std::isfinite(rating) ? rating : 0.0, 0.0, 5.0)));
+}
+
+QSet<QString> keysOf(const QStringList &tags)
+{
+    QSet<QString> keys;
+    for (const QString &tag : tags) {
+        keys.insert(FileTagsMerge::keyOf(tag));
+    }
+    return keys;
+}
+
+// What the file itself says. Where it has a record, a value that is missing was taken away; where it has none, the
+// value may as well have been lost with the attributes.
+bool readInto(FileTagsMerge &file, const QString &path, bool absenceCounts, ZQError *error)
+{
+    const auto isUnreadable = [error](const ZQError &found) {
+        const bool isOnlyGarbage = found.domain == OpenMeta::errorDomain;
+        if (!found.isNull() && !isOnlyGarbage) {
+            zqSetError(error, found);
+        }
+        return !found.isNull() && !isOnlyGarbage;
+    };
+    ZQError tagsError;
+    file.tags = OpenMeta::getUserTags(path, &tagsError);
+    if (!tagsError.isNull()) {
+        zqSetError(error, tagsError);
+        return false;
+    }
+    ZQError commentError;
+    ZQError ratingError;
+    file.comment = OpenMeta::getFinderComment(path, &commentError);
+    file.rating = OpenMeta::getRatingIfAny(path, &ratingError);
+    if (isUnreadable(commentError) || isUnreadable(ratingError)) {
+        return false;
+    }
+    if (absenceCounts) {
+        file.tags = file.tags.value_or(QStringList());
+        file.comment = commentError.isNull() ? std::optional(file.comment.value_or(QString())) : file.comment;
+        file.rating = ratingError.isNull() ? std::optional(file.rating.value_or(0)) : file.rating;
+    }
+    return true;
+}
+
+// Copies of older versions hold what was last seen and nothing of it apart.
+std::optional<SeenFileTags> seenAtLastBackup(const QString &path)
+{
+    const std::optional<TagBackup> backup = OpenMetaBackup::lastKnown(path);
+    if (!backup || backup->seen) {
+        return backup ? SeenFileTags::fromText(*backup->seen) : std::nullopt;
+    }
+    SeenFileTags seen = SeenFileTags::of({backup->tags, backup->comment, 0});
+    seen.rating = -1; // stores of older versions had no ratings
+    return seen;
+}
+
+QStringList mergedTags(const std::optional<SeenFileTags> &seen, const QStringList &file, const QStringList &library,
+                       bool takesFile)
+{
+    const QSet<QString> inFile = keysOf(file);
+    QSet<QString> inLibrary = keysOf(library);
+    QStringList merged;
+    for (const QString &tag : library) {
+        const bool wasTakenAway = seen ? seen->hasTag(tag) : takesFile;
+        if (inFile.contains(FileTagsMerge::keyOf(tag)) || !wasTakenAway) {
+            merged.append(tag);
+        }
+    }
+    for (const QString &tag : file) {
+        const QString key = FileTagsMerge::keyOf(tag);
+        if (!key.isEmpty() && !inLibrary.contains(key) && !(seen && seen->hasTag(tag))) {
+            inLibrary.insert(key);
+            merged.append(tag);
+        }
+    }
+    return merged;
+}
+
+QString mergedComment(const std::optional<SeenFileTags> &seen, const QString &file, const QString &library,
+                      bool takesFile)
+{
+    if (file == library || (seen && seen->hasComment(file))) {
+        return library;
+    }
+    if ((seen && seen->hasComment(library)) || (!seen && takesFile) || library.isEmpty()) {
+        return file;
+    }
+    if (library.contains(file)) {
+        return library;
+    }
+    return file.startsWith(library) ? file : library + u'\n' + file;
+}
+
+int mergedRating(const std::optional<SeenFileTags> &seen, int file, int library, bool takesFile)
+{
+    const bool isKnown = seen && seen->rating >= 0;
+    const bool isOnlyTheirs = isKnown ? seen->rating == library : takesFile || library == 0;
+    return isOnlyTheirs ? file : library;
+}
+
+FileTags mergedValues(const std::optional<SeenFileTags> &seen, const FileTagsMerge &file, const FileTags &library,
+                      bool takesFile)
+{
+    FileTags merged = library;
+    if (file.tags) {
+        merged.tags = mergedTags(seen, *file.tags, library.tags, takesFile);
+    }
+    if (file.comment) {
+        merged.comment = mergedComment(seen, *file.comment, library.comment, takesFile);
+    }
+    if (file.rating) {
+        merged.rating = mergedRating(seen, starsOf(*file.rating), library.rating, takesFile);
+    }
+    return merged;
+}
+
+FileTagsChange changeFrom(const FileTags &library, const FileTags &merged)
+{
+    FileTagsChange change;
+    change.from = library;
+    const QSet<QString> before = keysOf(library.tags);
+    const QSet<QString> after = keysOf(merged.tags);
+    std::copy_if(merged.tags.begin(), merged.tags.end(), std::back_inserter(change.added),
+                 [&before](const QString &tag) { return !before.contains(FileTagsMerge::keyOf(tag)); });
+    std::copy_if(library.tags.begin(), library.tags.end(), std::back_inserter(change.removed),
+                 [&after](const QString &tag) { return !after.contains(FileTagsMerge::keyOf(tag)); });
+    if (merged.comment != library.comment) {
+        change.comment = merged.comment;
+    }
+    if (merged.rating != library.rating) {
+        change.rating = merged.rating;
+    }
+    return change;
+}
+
+} // namespace
+
+SeenFileTags SeenFileTags::of(const FileTags &values)
+{
+    SeenFileTags seen;
+    for (const QString &tag : values.tags) {
+        seen.tags.insert(digestOf(FileTagsMerge::keyOf(tag), tagDigits));
+    }
+    seen.comment = commentDigest(values.comment);
+    seen.rating = values.rating;
+    return seen;
+}
+
+QByteArray SeenFileTags::text() const
+{
+    QByteArrayList digests(tags.begin(), tags.end());
+    std::sort(digests.begin(), digests.end());
+    QByteArray text = 'r' + QByteArray::number(rating) + " t" + digests.join();
+    return comment.isEmpty() ? text : text + " c" + comment;
+}
+
+std::optional<SeenFileTags> SeenFileTags::fromText(const QByteArray &text)
+{
+    const QByteArrayList fields = text.split(' ');
+    if (fields.size() < 2 || fields.size() > 3 || fields.at(0).size() != 2 || !fields.at(0).startsWith('r') ||
+        !fields.at(1).startsWith('t') || (fields.at(1).size() - 1) % tagDigits != 0) {
+        return std::nullopt;
+    }
+    SeenFileTags seen;
+    seen.rating = fields.at(0).at(1) - '0';
+    for (qsizetype at = 1; at < fields.at(1).size(); at += tagDigits) {
+        seen.tags.insert(fields.at(1).mid(at, tagDigits));
+    }
+    if (fields.size() == 3) {
+        if (!fields.at(2).startsWith('c') || fields.at(2).size() != commentDigits + 1) {
+            return std::nullopt;
+        }
+        seen.comment = fields.at(2).mid(1);
+    }
+    return seen.rating >= 0 && seen.rating <= 5 ? std::optional(seen) : std::nullopt;
+}
+
+bool SeenFileTags::hasTag(const QString &tag) const
+{
+    return tags.contains(digestOf(FileTagsMerge::keyOf(tag), tagDigits));
+}
+
+bool SeenFileTags::hasComment(const QString &text) const
+{
+    return comment == commentDigest(text);
+}
+
+std::optional<SeenFileTags> SeenFileTags::ofFile(const QString &path)
+{
+    const auto text = ZQExtendedAttributes::get(path, attributeName);
+    return text ? fromText(*text) : std::nullopt;
+}
+
+void SeenFileTags::write(const SeenFileTags &seen, const QString &path)
+{
+    const std::optional<QByteArray> present = ZQExtendedAttributes::get(path, attributeName);
+    const QByteArray text = seen.text();
+    const bool isNeedless = !present && seen == SeenFileTags();
+    if (present != text && !isNeedless && !ZQExtendedAttributes::set(path, attributeName, text)) {
+        ZQExtendedAttributes::remove(path, attributeName);
+        OpenMetaBackup::backupMetadata(path, text);
+    }
+}
+
+QString FileTagsMerge::keyOf(const QString &tag)
+{
+    QString name = tag;
+    name.removeIf([](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QLatin1Char('\t'); });
+    return OpenMeta::comparisonKey(name);
+}
+
+std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const FileTags &library, Unknown unknown,
+                                                   bool ignoresSeen, ZQError *error)
+{
+    const PathLock lock(path);
+    const std::optional<SeenFileTags> record = ignoresSeen ? std::nullopt : SeenFileTags::ofFile(path);
+    std::optional<SeenFileTags> seen = record;
+    if (!seen && !ignoresSeen) { // before reading, which may bring the backup up to date
+        seen = seenAtLastBackup(path);
+    }
+    // Reading gives lost values back, and those may be older than the library's.
+    const bool takesFile = unknown == Unknown::TakesFile && !seen && OpenMetaBackup::hasAttributes(path);
+    FileTagsMerge file;
+    if (!readInto(file, path, record.has_value(), error)) {
+        return std::nullopt;
+    }
+    file.merged = mergedValues(seen, file, library, takesFile);
+    file.change = changeFrom(library, file.merged);
+    const bool isInFile = keysOf(file.tags.value_or(QStringList())) == keysOf(file.merged.tags) &&
+                          file.comment.value_or(QString()) == file.merged.comment &&
+                          starsOf(file.rating.value_or(0)) == file.merged.rating;
+    file.isRecorded = isInFile && file.change.isEmpty() && record.value_or(SeenFileTags()) == SeenFileTags::of(library);
+    return file;
+}

@@ -1,0 +1,36 @@
+#include "Classes/Interface/FileTagReader.h"
+#include "Classes/Interface/BrowserViewController.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Widgets/ZQGridView.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+TEST_F(WindowFixture, FilesAreReadWhenSelectedAndWhenTheWindowComesToTheFront)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    const auto first = library.addImage(QStringLiteral("first"));
+    const auto second = library.addImage(QStringLiteral("second"));
+    project->addItems({first, second});
+    library.context().save();
+    QWidget front;
+    front.resize(800, 600);
+    auto *browser = new BrowserViewController(window, &front);
+    browser->resize(800, 600);
+    auto *reader = new FileTagReader(window, *browser, &front);
+    EXPECT_EQ(reader->parent(), &front);
+    front.show();
+    browser->showSidebarItems({project->objectID()});
+    zqRunMainLoopUntil([&] { return fetcher.isIdle() && browser->content().count() == 2; });
+    library.filesToTakeIn.clear();
+
+    browser->grid().setSelection(ZQIndexSet(1, 1));
+    zqRunMainLoopUntil([this] { return !library.filesToTakeIn.isEmpty(); });
+    EXPECT_EQ(library.filesToTakeIn, QStringList{QStringLiteral("second")});
+
+    library.filesToTakeIn.clear();
+    QEvent activate(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&front, &activate);
+    EXPECT_EQ(library.filesToTakeIn, (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
+}
