@@ -1,7 +1,7 @@
 #include "Kit/Imaging/ZQRenderProcess.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQRenderNotice.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,7 +14,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <mutex>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
@@ -109,22 +108,6 @@ private:
     posix_spawn_file_actions_t m_actions{};
     posix_spawnattr_t m_attributes{};
 };
-
-void noteRestrictions(const ZQRenderAnswer &hello)
-{
-    static std::once_flag files;
-    static std::once_flag calls;
-    if (!hello.restrictsFiles) {
-        std::call_once(files, [] {
-            qCWarning(zqLogImaging, "this system cannot restrict the files that zelto-render reads (no Landlock)");
-        });
-    }
-    if (!hello.restrictsCalls) {
-        std::call_once(calls, [] {
-            qCWarning(zqLogImaging, "this system cannot restrict the calls that zelto-render makes (no seccomp)");
-        });
-    }
-}
 
 QByteArray makeFolder()
 {
@@ -323,7 +306,7 @@ ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, 
             return failed(message.bytes.isEmpty() ? Outcome::Stopped : Outcome::TalkedNonsense);
         }
         if (answer->kind == ZQRenderAnswer::Kind::Hello) {
-            noteRestrictions(*answer);
+            zqNoteRestrictions(*answer);
             continue;
         }
         const bool hasPixels =
@@ -381,7 +364,8 @@ ZQRenderProcess::Reply ZQRenderProcess::failed(Outcome outcome)
     end(status);
     const bool outOfMemory = endedItself && ((WIFEXITED(status) && WEXITSTATUS(status) == zqRenderExitOutOfMemory) ||
                                              (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL));
-    return {outOfMemory ? Outcome::TooMuchMemory : outcome, {}, {}};
+    const bool tookTooLong = endedItself && WIFEXITED(status) && WEXITSTATUS(status) == zqRenderExitTookTooLong;
+    return {outOfMemory ? Outcome::TooMuchMemory : (tookTooLong ? Outcome::TookTooLong : outcome), {}, {}};
 }
 
 void ZQRenderProcess::end(int &status)

@@ -1,5 +1,6 @@
 #include "Kit/Imaging/Worker/ZQRenderLoop.h"
 
+#include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
@@ -53,8 +54,8 @@ ZQFileDescriptor sealedFileOf(const ZQBitmap &bitmap)
 class RenderLoop
 {
 public:
-    explicit RenderLoop(ZQRenderInterception interception)
-        : m_interception(interception),
+    explicit RenderLoop(const ZQRenderLoopOptions &options)
+        : m_options(options),
           m_area(static_cast<uchar *>(::mmap(nullptr, size_t(zqRenderAreaBytes), PROT_READ | PROT_WRITE, MAP_SHARED,
                                              ZQRenderDescriptor::area, 0)))
     {
@@ -76,7 +77,7 @@ public:
 private:
     bool answer(const ZQRenderRequest &request, const ZQSourceFile &file)
     {
-        if (m_interception && m_interception(request, file)) {
+        if (m_options.interception && m_options.interception(request, file)) {
             return true;
         }
         if (request.kind == ZQRenderRequest::Kind::Properties) {
@@ -120,8 +121,12 @@ private:
         }
         if (bitmap.isNull()) {
             const bool isUnknown = error.code == int(ZQImagingErrorCode::UnknownFormat);
-            return sendError(error,
-                             isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file));
+            const bool hasThumbnailer =
+                isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file);
+            if (hasThumbnailer && !zqMayRunDrawingPrograms()) {
+                return sendError(zqNoDrawingProgramsError(request.name), false);
+            }
+            return sendError(error, hasThumbnailer);
         }
         ZQRenderAnswer out;
         out.size = bitmap.size();
@@ -155,13 +160,13 @@ private:
         return zqSendMessage(ZQRenderDescriptor::socket, zqEncode(answer), descriptor);
     }
 
-    ZQRenderInterception m_interception;
+    const ZQRenderLoopOptions m_options;
     uchar *m_area;
 };
 
 } // namespace
 
-int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
+int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
 {
     if (argc != 5) {
         return EXIT_FAILURE;
@@ -172,8 +177,12 @@ int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
     }
     std::signal(SIGTTOU, SIG_IGN); // a log line is no reason to stop
     const bool forThumbnailer = std::strcmp(argv[4], "thumbnailer") == 0;
-    const ZQRenderRestrictions restrictions =
-        zqEnterRenderSandbox(argv[1], std::atoll(argv[3]), forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1);
+    const ZQRenderRestrictions restrictions = zqEnterRenderSandbox(
+        argv[1], std::atoll(argv[3]), forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1, options.useFileRules);
+    if (!restrictions.areWhole()) {
+        zqForbidDrawingPrograms();
+        qputenv("VIPS_DISC_THRESHOLD", "1t"); // large pictures stay in memory: no file can be written
+    }
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     const QCoreApplication application(argc, argv);
     zqInitializeImagingLibraries("zelto-render");
@@ -183,7 +192,7 @@ int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
     hello.kind = ZQRenderAnswer::Kind::Hello;
     hello.restrictsFiles = restrictions.files;
     hello.restrictsCalls = restrictions.calls;
-    RenderLoop loop(interception);
+    RenderLoop loop(options);
     if (!loop.isReady() || !zqSendMessage(ZQRenderDescriptor::socket, zqEncode(hello))) {
         return EXIT_FAILURE;
     }

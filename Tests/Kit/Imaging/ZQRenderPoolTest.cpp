@@ -159,7 +159,7 @@ TEST_F(RenderPoolTest, SaysThatAPictureNeedsTooMuchMemory)
 TEST_F(RenderPoolTest, AWorkerReachesNoFileButTheOneItIsHanded)
 {
     if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1) {
-        GTEST_SKIP() << "this system has no Landlock";
+        FAIL() << "this system has no Landlock: nothing keeps a worker from reading a file";
     }
     ZQRenderPool pool({.processes = 1});
     const QString secret = fileNamed(QStringLiteral("secret.txt"), "secret");
@@ -168,7 +168,7 @@ TEST_F(RenderPoolTest, AWorkerReachesNoFileButTheOneItIsHanded)
         ZQError error;
         pool.perform(Kind::Bitmap, fileNamed(QLatin1String(name), secret.toUtf8()), box, 0, &error);
         const QString told = error.userInfo.value(ZQError::failureReasonKey).toString();
-        EXPECT_TRUE(told == QStringLiteral("Permission denied") || told == QStringLiteral("Operation not permitted"))
+        EXPECT_TRUE(told == QStringLiteral("Permission denied") || told == QStringLiteral("Function not implemented"))
             << qPrintable(error.localizedDescription());
     }
     QFile file(secret);
@@ -187,7 +187,7 @@ TEST_F(RenderPoolTest, AWorkerHasNoNetwork)
         ZQError error;
         pool.perform(Kind::Bitmap, fileNamed(QLatin1String(name), "x"), box, 0, &error);
         EXPECT_EQ(error.userInfo.value(ZQError::failureReasonKey).toString(),
-                  QStringLiteral("Operation not permitted"));
+                  QStringLiteral("Function not implemented"));
     }
 }
 

@@ -1,4 +1,5 @@
 #include "Kit/Imaging/Worker/ZQRenderLoop.h"
+#include "Tests/Kit/Imaging/FaultyRenderer/CallWalk.h"
 
 #include <QHash>
 
@@ -9,6 +10,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 // Answers as the real one does, but for files whose names (without extension) are in the table. What such a file holds
@@ -38,6 +40,20 @@ void report(bool allowed)
 bool opens(const ZQSourceFile &file, int flags)
 {
     return ::open(contentOf(file).constData(), flags, 0600) >= 0;
+}
+
+bool opensInOwnFolder()
+{
+    return ::open((qgetenv("TMPDIR") + "/own").constData(), O_WRONLY | O_CREAT, 0600) >= 0;
+}
+
+bool startsProgram()
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(0);
+    }
+    return child > 0;
 }
 
 void sendPicture(QSize size, qint64 bytes, int seals)
@@ -142,6 +158,15 @@ const QHash<QString, Fault> faults{
     {QStringLiteral("write-other"), [](const ZQSourceFile &file) { report(opens(file, O_WRONLY | O_CREAT)); }},
     {QStringLiteral("remove-other"),
      [](const ZQSourceFile &file) { report(::unlink(contentOf(file).constData()) == 0); }},
+    {QStringLiteral("make-other"),
+     [](const ZQSourceFile &file) { report(::mkdir(contentOf(file).constData(), 0700) == 0); }},
+    {QStringLiteral("rename-other"),
+     [](const ZQSourceFile &file) {
+         const QByteArray name = contentOf(file);
+         report(::rename(name.constData(), (name + ".renamed").constData()) == 0);
+     }},
+    {QStringLiteral("write-own"), [](const ZQSourceFile &) { report(opensInOwnFolder()); }},
+    {QStringLiteral("start-program"), [](const ZQSourceFile &) { report(startsProgram()); }},
     {QStringLiteral("cut-other"),
      [](const ZQSourceFile &file) { report(::truncate(contentOf(file).constData(), 0) == 0); }},
     {QStringLiteral("call-network"), [](const ZQSourceFile &) { report(::socket(AF_INET, SOCK_STREAM, 0) >= 0); }},
@@ -161,5 +186,9 @@ bool misbehave(const ZQRenderRequest &request, const ZQSourceFile &file)
 
 int main(int argc, char *argv[])
 {
-    return zqRunRenderLoop(argc, argv, misbehave);
+    const bool useFileRules = !qEnvironmentVariableIsSet("ZELTO_FAULTY_WITHOUT_LANDLOCK");
+    if (argc == 3 && std::strcmp(argv[1], "calls") == 0) {
+        return walkCalls(argv[2], useFileRules);
+    }
+    return zqRunRenderLoop(argc, argv, {misbehave, useFileRules});
 }
