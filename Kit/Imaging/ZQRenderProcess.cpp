@@ -1,5 +1,6 @@
 #include "Kit/Imaging/ZQRenderProcess.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQRenderNotice.h"
 
@@ -22,8 +23,15 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// Together less than half a second.
+constexpr std::chrono::milliseconds cancellationStep = 100ms;
+constexpr std::chrono::milliseconds answerTimeAfterCancel = 150ms;
 
 // Everything up to here is the worker's own after it starts; see ZQRenderDescriptor.
 constexpr int firstFreeDescriptor = 10;
@@ -277,18 +285,23 @@ void ZQRenderProcess::waitUntilReady(std::chrono::milliseconds time) const
     waitForMessage(std::chrono::steady_clock::now() + time); // its greeting, which the first answer comes after
 }
 
-bool ZQRenderProcess::waitForMessage(std::chrono::steady_clock::time_point end) const
+ZQRenderProcess::Wait ZQRenderProcess::waitForMessage(std::chrono::steady_clock::time_point end) const
 {
     using namespace std::chrono;
+    bool isCancelled = false;
     pollfd wait{m_socket.get(), POLLIN, 0};
     for (;;) {
-        const auto left = duration_cast<milliseconds>(end - steady_clock::now()).count();
-        const int ready = ::poll(&wait, 1, int(std::clamp<qint64>(left, 0, 1'000'000)));
-        if (ready > 0) {
-            return true;
+        if (!isCancelled && ZQCancellation::isCurrentCancelled()) {
+            isCancelled = true;
+            end = std::min(end, steady_clock::now() + answerTimeAfterCancel);
         }
-        if ((ready == 0 && left <= 0) || (ready < 0 && errno != EINTR)) {
-            return false;
+        const auto left = duration_cast<milliseconds>(end - steady_clock::now());
+        const int ready = ::poll(&wait, 1, int(std::clamp(left, 0ms, cancellationStep).count()));
+        if (ready > 0) {
+            return Wait::Message;
+        }
+        if ((ready == 0 && left <= 0ms) || (ready < 0 && errno != EINTR)) {
+            return isCancelled ? Wait::Cancelled : Wait::TimeIsUp;
         }
     }
 }
@@ -297,33 +310,42 @@ ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, 
 {
     const auto end = std::chrono::steady_clock::now() + time;
     for (;;) {
-        if (!waitForMessage(end)) {
-            return failed(Outcome::TookTooLong);
+        const Wait wait = waitForMessage(end);
+        if (wait != Wait::Message) {
+            return failed(wait == Wait::Cancelled ? Outcome::Cancelled : Outcome::TookTooLong);
         }
         const ZQRenderMessage message = zqReceiveMessage(m_socket.get());
         const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
         if (!answer) {
             return failed(message.bytes.isEmpty() ? Outcome::Stopped : Outcome::TalkedNonsense);
         }
-        if (answer->kind == ZQRenderAnswer::Kind::Hello) {
-            zqNoteRestrictions(*answer);
-            continue;
+        if (answer->kind != ZQRenderAnswer::Kind::Hello) {
+            return replyOf(request, *answer, message.descriptor);
         }
-        const bool hasPixels =
-            answer->kind == ZQRenderAnswer::Kind::PixelsInArea || answer->kind == ZQRenderAnswer::Kind::PixelsInFile;
-        const bool wantsPixels = request.kind != ZQRenderRequest::Kind::Properties;
-        if (answer->kind != ZQRenderAnswer::Kind::Error && hasPixels != wantsPixels) {
+        if (std::exchange(m_isGreeted, true)) {
+            return failed(Outcome::TalkedNonsense); // greetings without end would be waited through without end
+        }
+        zqNoteRestrictions(*answer);
+    }
+}
+
+ZQRenderProcess::Reply ZQRenderProcess::replyOf(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
+                                                const ZQFileDescriptor &descriptor)
+{
+    const bool hasPixels =
+        answer.kind == ZQRenderAnswer::Kind::PixelsInArea || answer.kind == ZQRenderAnswer::Kind::PixelsInFile;
+    const bool wantsPixels = request.kind != ZQRenderRequest::Kind::Properties;
+    if (answer.kind != ZQRenderAnswer::Kind::Error && hasPixels != wantsPixels) {
+        return failed(Outcome::TalkedNonsense);
+    }
+    Reply reply{Outcome::Answered, answer, {}};
+    if (hasPixels) {
+        reply.bitmap = takePixels(request, answer, descriptor);
+        if (reply.bitmap.isNull()) {
             return failed(Outcome::TalkedNonsense);
         }
-        Reply reply{Outcome::Answered, *answer, {}};
-        if (hasPixels) {
-            reply.bitmap = takePixels(request, *answer, message.descriptor);
-            if (reply.bitmap.isNull()) {
-                return failed(Outcome::TalkedNonsense);
-            }
-        }
-        return reply;
     }
+    return reply;
 }
 
 ZQBitmap ZQRenderProcess::takePixels(const ZQRenderRequest &request, const ZQRenderAnswer &answer,

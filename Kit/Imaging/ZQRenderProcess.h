@@ -41,15 +41,16 @@ public:
     // folder is gone: the temporary area is cleaned by others, too.
     bool send(const ZQRenderRequest &request, int file);
 
-    enum class Outcome { Answered, Stopped, TalkedNonsense, TookTooLong, TooMuchMemory };
+    enum class Outcome { Answered, Stopped, TalkedNonsense, TookTooLong, TooMuchMemory, Cancelled };
     struct Reply
     {
         Outcome outcome = Outcome::Stopped;
         ZQRenderAnswer answer;
         ZQBitmap bitmap;
     };
-    // Waits for the answer. After any outcome but `Answered` the worker is ended. `request` is what the answer has to
-    // fit.
+    // Waits for the answer, or until the thread's ZQCancellation happens: an answer that is about to come is still
+    // waited for, since a new worker takes as long. After any outcome but `Answered` the worker is ended. `request` is
+    // what the answer has to fit.
     Reply receive(const ZQRenderRequest &request, std::chrono::milliseconds time);
 
     pid_t processID() const { return m_process; }
@@ -60,7 +61,9 @@ private:
     ZQRenderProcess() = default;
     bool makeArea();
     bool spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed);
-    bool waitForMessage(std::chrono::steady_clock::time_point end) const;
+    enum class Wait { Message, TimeIsUp, Cancelled };
+    Wait waitForMessage(std::chrono::steady_clock::time_point end) const;
+    Reply replyOf(const ZQRenderRequest &request, const ZQRenderAnswer &answer, const ZQFileDescriptor &descriptor);
     bool waitForEnd() const;
     Reply failed(Outcome outcome);
     void end(int &status);
@@ -71,5 +74,6 @@ private:
     ZQFileDescriptor m_socket;
     ZQFileDescriptor m_areaFile;
     const uchar *m_area = nullptr;
+    bool m_isGreeted = false;
     QByteArray m_folder;
 };

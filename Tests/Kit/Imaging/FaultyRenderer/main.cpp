@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -92,12 +93,41 @@ void takeAllMemory()
     }
 }
 
-void lieAboutProperties()
+// "FIELD VALUE", one a line, on top of what a real picture says.
+void lieAboutProperties(const QByteArray &lies)
 {
     ZQRenderAnswer answer;
     answer.kind = ZQRenderAnswer::Kind::Properties;
-    answer.properties.pixelWidth = -1;
+    ZQImageProperties &properties = answer.properties;
+    properties.pixelWidth = properties.pixelHeight = 10;
+    properties.colorModel = QStringLiteral("RGB");
+    const QHash<QByteArray, int *> fields{{"width", &properties.pixelWidth},
+                                          {"height", &properties.pixelHeight},
+                                          {"orientation", &properties.orientation},
+                                          {"bits", &properties.bitsPerSample},
+                                          {"dpi", &properties.dpi},
+                                          {"frames", &properties.frameCount}};
+    for (const QByteArray &line : lies.split('\n')) {
+        const int value = line.mid(line.indexOf(' ') + 1).toInt();
+        if (int *const field = fields.value(line.left(line.indexOf(' ')))) {
+            *field = value;
+        } else if (line.startsWith("durations ")) {
+            properties.frameDurations = QList<int>(value, std::numeric_limits<int>::max());
+        } else if (line.startsWith("model ")) {
+            properties.colorModel = QString(value, u'x');
+        }
+    }
     send(answer);
+}
+
+// Somebody who waits for the answer after the greeting would wait for ever.
+[[noreturn]] void greetForever()
+{
+    ZQRenderAnswer hello;
+    hello.kind = ZQRenderAnswer::Kind::Hello;
+    for (;;) {
+        send(hello);
+    }
 }
 
 void lieAboutArea()
@@ -151,7 +181,8 @@ const QHash<QString, Fault> faults{
      [](const ZQSourceFile &) {
          sendPicture({-64, -64}, 64 * 64 * 4, allSeals);
      }},
-    {QStringLiteral("lie-properties"), [](const ZQSourceFile &) { lieAboutProperties(); }},
+    {QStringLiteral("lie-properties"), [](const ZQSourceFile &file) { lieAboutProperties(contentOf(file)); }},
+    {QStringLiteral("greet"), [](const ZQSourceFile &) { greetForever(); }},
     {QStringLiteral("lie-area"), [](const ZQSourceFile &) { lieAboutArea(); }},
     {QStringLiteral("lie-kind"), [](const ZQSourceFile &) { answerAnotherQuestion(); }},
     {QStringLiteral("read-other"), [](const ZQSourceFile &file) { report(opens(file, O_RDONLY)); }},
