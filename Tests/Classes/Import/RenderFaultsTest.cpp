@@ -55,7 +55,7 @@ TEST_F(RenderFaultsTest, APersonIsToldOnceThatProgramsCannotBeConfined)
     qputenv("ZELTO_FAULTY_WITHOUT_LANDLOCK", "1");
     ZQUserDefaults::standardUserDefaults().setObjectForKey({}, QStringLiteral("DidTellUnconfinedDrawing"));
     const QString drawing =
-        writeFile(QStringLiteral("a.eps"), SampleFormats::epsFile({40, 20}, "5 5 9 9 rectfill showpage"));
+        writeFile(QStringLiteral("a.ai"), SampleFormats::epsFile({40, 20}, "5 5 9 9 rectfill showpage"));
     for (int i = 0; i < 2; ++i) {
         const auto operation = import({drawing, writeImage(QStringLiteral("p%1.png").arg(i), {30, 20 + i})});
         EXPECT_EQ(operation->report().imported().size(), 1);
