@@ -195,7 +195,8 @@ QString zqRenderProgram()
     return {};
 }
 
-std::unique_ptr<ZQRenderProcess> ZQRenderProcess::start(const ZQRenderLimits &limits, int thumbnailed, QString *failure)
+std::unique_ptr<ZQRenderProcess> ZQRenderProcess::start(const ZQRenderLimits &limits, int thumbnailed, QString *failure,
+                                                        Purpose purpose)
 {
     const QString program = zqRenderProgram();
     if (program.isEmpty()) {
@@ -209,7 +210,7 @@ std::unique_ptr<ZQRenderProcess> ZQRenderProcess::start(const ZQRenderLimits &li
     out->m_socket = ZQFileDescriptor(sockets[0]);
     out->m_folder = makeFolder();
     if (!paired || out->m_folder.isEmpty() || !out->makeArea() ||
-        !out->spawn(program, limits, workerSocket.get(), thumbnailed)) {
+        !out->spawn(program, limits, workerSocket.get(), thumbnailed, purpose)) {
         *failure = zqFormat(zqLocalized("The program \"zelto-render\" that draws pictures can't be started: %@."),
                             {QString::fromLocal8Bit(std::strerror(errno))});
         return nullptr;
@@ -229,7 +230,8 @@ bool ZQRenderProcess::makeArea()
     return m_area != nullptr;
 }
 
-bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed)
+bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed,
+                            Purpose purpose)
 {
     const ZQFileDescriptor socket = highCopy(workerSocket);
     const ZQFileDescriptor area = highCopy(m_areaFile.get());
@@ -242,9 +244,9 @@ bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits
     }
     settings.closeFrom(thumbnailed >= 0 ? ZQRenderDescriptor::thumbnailed + 1 : ZQRenderDescriptor::area + 1);
     const QByteArray path = QFile::encodeName(program);
-    std::vector<QByteArray> arguments{path, m_folder, QByteArray::number(::getpid()),
-                                      QByteArray::number(limits.memoryOrDefault()),
-                                      thumbnailed >= 0 ? "thumbnailer" : "files"};
+    std::vector<QByteArray> arguments{
+        path, m_folder, QByteArray::number(::getpid()), QByteArray::number(limits.memoryOrDefault()),
+        purpose == Purpose::Archives ? "archives" : (thumbnailed >= 0 ? "thumbnailer" : "files")};
     std::vector<QByteArray> environment = environmentWithin(m_folder);
     pid_t process = -1;
     const int result = ::posix_spawn(&process, path.constData(), settings.actions(), settings.attributes(),
@@ -306,27 +308,48 @@ ZQRenderProcess::Wait ZQRenderProcess::waitForMessage(std::chrono::steady_clock:
     }
 }
 
-ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, std::chrono::milliseconds time)
+ZQRenderProcess::Exchanged ZQRenderProcess::nextMessage(std::chrono::milliseconds time, ZQFileDescriptor *descriptor)
 {
     const auto end = std::chrono::steady_clock::now() + time;
     for (;;) {
         const Wait wait = waitForMessage(end);
         if (wait != Wait::Message) {
-            return failed(wait == Wait::Cancelled ? Outcome::Cancelled : Outcome::TookTooLong);
+            return {failed(wait == Wait::Cancelled ? Outcome::Cancelled : Outcome::TookTooLong), {}};
         }
-        const ZQRenderMessage message = zqReceiveMessage(m_socket.get());
-        const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
-        if (!answer) {
-            return failed(message.bytes.isEmpty() ? Outcome::Stopped : Outcome::TalkedNonsense);
+        ZQRenderMessage message = zqReceiveMessage(m_socket.get());
+        if (message.bytes.isEmpty()) {
+            return {failed(Outcome::Stopped), {}};
         }
-        if (answer->kind != ZQRenderAnswer::Kind::Hello) {
-            return replyOf(request, *answer, message.descriptor);
+        const auto greeting = m_isGreeted ? std::nullopt : zqDecodeAnswerMessage(message.bytes);
+        if (!greeting || greeting->kind != ZQRenderAnswer::Kind::Hello) {
+            *descriptor = std::move(message.descriptor);
+            return {Outcome::Answered, message.bytes};
         }
-        if (std::exchange(m_isGreeted, true)) {
-            return failed(Outcome::TalkedNonsense); // greetings without end would be waited through without end
-        }
-        zqNoteRestrictions(*answer);
+        m_isGreeted = true; // once: greetings without end would be waited through without end
+        zqNoteRestrictions(*greeting);
     }
+}
+
+ZQRenderProcess::Exchanged ZQRenderProcess::exchange(const QByteArray &question, int file,
+                                                     std::chrono::milliseconds time)
+{
+    ZQFileDescriptor none;
+    return zqSendMessage(m_socket.get(), question, file) ? nextMessage(time, &none)
+                                                         : Exchanged{failed(Outcome::Stopped), {}};
+}
+
+ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, std::chrono::milliseconds time)
+{
+    ZQFileDescriptor descriptor;
+    const Exchanged message = nextMessage(time, &descriptor);
+    if (message.outcome != Outcome::Answered) {
+        return {message.outcome, {}, {}};
+    }
+    const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
+    if (!answer || answer->kind == ZQRenderAnswer::Kind::Hello) {
+        return {failed(Outcome::TalkedNonsense), {}, {}};
+    }
+    return replyOf(request, *answer, descriptor);
 }
 
 ZQRenderProcess::Reply ZQRenderProcess::replyOf(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
@@ -336,13 +359,13 @@ ZQRenderProcess::Reply ZQRenderProcess::replyOf(const ZQRenderRequest &request, 
         answer.kind == ZQRenderAnswer::Kind::PixelsInArea || answer.kind == ZQRenderAnswer::Kind::PixelsInFile;
     const bool wantsPixels = request.kind != ZQRenderRequest::Kind::Properties;
     if (answer.kind != ZQRenderAnswer::Kind::Error && hasPixels != wantsPixels) {
-        return failed(Outcome::TalkedNonsense);
+        return {failed(Outcome::TalkedNonsense), {}, {}};
     }
     Reply reply{Outcome::Answered, answer, {}};
     if (hasPixels) {
         reply.bitmap = takePixels(request, answer, descriptor);
         if (reply.bitmap.isNull()) {
-            return failed(Outcome::TalkedNonsense);
+            return {failed(Outcome::TalkedNonsense), {}, {}};
         }
     }
     return reply;
@@ -379,7 +402,7 @@ bool ZQRenderProcess::waitForEnd() const
     return false;
 }
 
-ZQRenderProcess::Reply ZQRenderProcess::failed(Outcome outcome)
+ZQRenderProcess::Outcome ZQRenderProcess::failed(Outcome outcome)
 {
     const bool endedItself = outcome == Outcome::Stopped && waitForEnd();
     int status = 0;
@@ -387,7 +410,7 @@ ZQRenderProcess::Reply ZQRenderProcess::failed(Outcome outcome)
     const bool outOfMemory = endedItself && ((WIFEXITED(status) && WEXITSTATUS(status) == zqRenderExitOutOfMemory) ||
                                              (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL));
     const bool tookTooLong = endedItself && WIFEXITED(status) && WEXITSTATUS(status) == zqRenderExitTookTooLong;
-    return {outOfMemory ? Outcome::TooMuchMemory : (tookTooLong ? Outcome::TookTooLong : outcome), {}, {}};
+    return outOfMemory ? Outcome::TooMuchMemory : (tookTooLong ? Outcome::TookTooLong : outcome);
 }
 
 void ZQRenderProcess::end(int &status)

@@ -90,7 +90,7 @@ private:
 
 } // namespace
 
-bool zqRestrictCalls(bool filesAreRestricted)
+bool zqRestrictCalls(bool mayWrite)
 {
     CallList calls;
     for (const char *name : everyWorker) {
@@ -104,7 +104,7 @@ bool zqRestrictCalls(bool filesAreRestricted)
     calls.allowEach("kill", 0, itself);
     calls.allowEach("tgkill", 0, std::array{::getpid()});
     // The newer call for children hides its flags; without it, libraries take this one.
-    if (filesAreRestricted) {
+    if (mayWrite) {
         calls.allow("clone", {SCMP_A0(SCMP_CMP_MASKED_EQ, strangeChildren, 0)});
         for (const char *name : withFileRules) {
             calls.allow(name);

@@ -3,6 +3,7 @@
 #include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
+#include "Kit/Imaging/Worker/ZQArchiveLoop.h"
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Kit/Imaging/ZQVips.h"
@@ -61,6 +62,7 @@ public:
     {
     }
 
+    char *area() const { return reinterpret_cast<char *>(m_area); }
     bool isReady() const { return m_area != MAP_FAILED; }
 
     void run()
@@ -177,15 +179,21 @@ int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
     }
     std::signal(SIGTTOU, SIG_IGN); // a log line is no reason to stop
     const bool forThumbnailer = std::strcmp(argv[4], "thumbnailer") == 0;
-    const ZQRenderRestrictions restrictions = zqEnterRenderSandbox(
-        argv[1], std::atoll(argv[3]), forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1, options.useFileRules);
+    const bool forArchives = std::strcmp(argv[4], "archives") == 0;
+    const ZQRenderRestrictions restrictions =
+        zqEnterRenderSandbox({.folder = forArchives ? nullptr : argv[1],
+                              .memory = std::atoll(argv[3]),
+                              .thumbnailed = forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1,
+                              .useFileRules = options.useFileRules});
     if (!restrictions.areWhole()) {
         zqForbidDrawingPrograms();
         qputenv("VIPS_DISC_THRESHOLD", "1t"); // large pictures stay in memory: no file can be written
     }
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     const QCoreApplication application(argc, argv);
-    zqInitializeImagingLibraries("zelto-render");
+    if (!forArchives) {
+        zqInitializeImagingLibraries("zelto-render");
+    }
     g_log_set_handler("GLib", GLogLevelFlags(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION),
                       endWhenGLibFails, nullptr);
     ZQRenderAnswer hello;
@@ -197,7 +205,7 @@ int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
         return EXIT_FAILURE;
     }
     try {
-        loop.run();
+        forArchives ? zqRunArchiveLoop(loop.area(), options.archiveInterception) : loop.run();
     } catch (const std::bad_alloc &) {
         ::_exit(zqRenderExitOutOfMemory);
     }

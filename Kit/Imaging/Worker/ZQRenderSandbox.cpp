@@ -171,7 +171,9 @@ bool restrictFiles(const char *folder, int thumbnailed)
     for (const auto place : {QLibraryInfo::PluginsPath, QLibraryInfo::LibrariesPath}) {
         rules.allow(QFile::encodeName(QLibraryInfo::path(place)), readAndRun);
     }
-    rules.allow(folder, ownFolder);
+    if (folder) {
+        rules.allow(folder, ownFolder);
+    }
     if (thumbnailed >= 0) {
         rules.allow(thumbnailed, readFile);
     }
@@ -190,15 +192,13 @@ void limit(__rlimit_resource resource, rlim_t value)
 
 } // namespace
 
-ZQRenderRestrictions zqEnterRenderSandbox(const char *folder, qint64 memory, int thumbnailed, bool useFileRules)
+ZQRenderRestrictions zqEnterRenderSandbox(const ZQRenderNeeds &needs)
 {
     constexpr rlim_t largestFile = rlim_t(1) << 31; // the largest picture
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, largestFile);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    limit(RLIMIT_AS, rlim_t(memory)); // a sanitizer maps more than any computer has
-#else
-    static_cast<void>(memory);
+    limit(RLIMIT_AS, rlim_t(needs.memory)); // a sanitizer maps more than any computer has
 #endif
     // Where memory runs out for the whole computer, this process goes first.
     QFile score(QStringLiteral("/proc/self/oom_score_adj"));
@@ -209,7 +209,7 @@ ZQRenderRestrictions zqEnterRenderSandbox(const char *folder, qint64 memory, int
         return {};
     }
     ZQRenderRestrictions out;
-    out.files = useFileRules && restrictFiles(folder, thumbnailed);
-    out.calls = zqRestrictCalls(out.files);
+    out.files = needs.useFileRules && restrictFiles(needs.folder, needs.thumbnailed);
+    out.calls = zqRestrictCalls(out.files && needs.folder);
     return out;
 }

@@ -134,7 +134,8 @@ int walkCalls(const char *folder, bool useFileRules)
         std::fprintf(stderr, "this system has no seccomp\n");
         return EXIT_FAILURE;
     }
-    const ZQRenderRestrictions restrictions = zqEnterRenderSandbox(folder, 1L << 34, -1, useFileRules);
+    const ZQRenderRestrictions restrictions =
+        zqEnterRenderSandbox({.folder = folder, .memory = 1L << 34, .useFileRules = useFileRules});
     if (!restrictions.calls || restrictions.files != useFileRules) {
         std::fprintf(stderr, "the worker could not be confined\n");
         return EXIT_FAILURE;

@@ -213,6 +213,42 @@ bool misbehave(const ZQRenderRequest &request, const ZQSourceFile &file)
     return fault != nullptr;
 }
 
+// The entry's name says how.
+void lieAboutArchive(const ZQArchiveQuestion &question, ZQArchiveAnswer &answer)
+{
+    static QByteArray fault;
+    const bool isBlock = question.kind == ZQArchiveQuestion::Kind::Block;
+    const QByteArray lie = answer.entry.name;
+    if (answer.kind == ZQArchiveAnswer::Kind::Entry) {
+        fault = lie;
+    }
+    if (lie == "crash") {
+        std::abort();
+    } else if (lie == "hang") {
+        hang();
+    } else if (lie == "write") {
+        const int file = ::open((qgetenv("TMPDIR") + "/own").constData(), O_WRONLY | O_CREAT, 0600);
+        answer.entry.name = file >= 0 ? "allowed" : "refused";
+    } else if (lie == "size") {
+        answer.entry.size = -5;
+    } else if (lie == "time") {
+        answer.entry.time = 1;
+        answer.entry.timeNanoseconds = std::numeric_limits<int>::max();
+    } else if (lie == "kind") {
+        answer.kind = ZQArchiveAnswer::Kind::Block;
+    } else if (lie == "unknown") {
+        answer.entry.kind = ZQArchiveEntry::Kind(99);
+    } else if (lie == "ended") {
+        answer.kind = ZQArchiveAnswer::Kind::End;
+        answer.end = {ZQArchiveEnd::Kind::Unavailable, QStringLiteral("believe me")};
+    } else if (isBlock && fault == "block") {
+        answer.size = std::numeric_limits<qint32>::max();
+    } else if (isBlock && fault == "nothing") {
+        answer.size = 0;
+        answer.isLast = false;
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -221,5 +257,5 @@ int main(int argc, char *argv[])
     if (argc == 3 && std::strcmp(argv[1], "calls") == 0) {
         return walkCalls(argv[2], useFileRules);
     }
-    return zqRunRenderLoop(argc, argv, {misbehave, useFileRules});
+    return zqRunRenderLoop(argc, argv, {misbehave, lieAboutArchive, useFileRules});
 }
