@@ -6,8 +6,11 @@
 #include "Classes/Import/PasteboardFiles.h"
 #include "Classes/Import/TakeBackOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImagingError.h"
+#include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -40,6 +43,26 @@ void presentError(const ZQError &error)
     });
 }
 
+// The program that runs into it every time says it once to a person, not once a launch.
+void tellThatDrawingIsUnconfined()
+{
+    zqOnMainThread([] {
+        const QString key = QStringLiteral("DidTellUnconfinedDrawing");
+        ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+        tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate();
+        if (!delegate || defaults.boolForKey(key)) {
+            return;
+        }
+        defaults.setObjectForKey(true, key);
+        delegate->userInteraction().presentError(ZQError::with(
+            QStringLiteral("zelto.imaging"), int(ZQImagingErrorCode::NoRenderer),
+            zqLocalized("This system cannot keep programs that draw pictures away from your files."),
+            zqLocalized("Zelto therefore draws no EPS and PostScript files and uses no thumbnailers of the "
+                        "desktop. A Linux kernel with Landlock (5.13 or newer) "
+                        "changes that.")));
+    });
+}
+
 } // namespace
 
 AImportManager &AImportManager::sharedAImportManager()
@@ -52,6 +75,7 @@ AImportManager::AImportManager()
     : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_syncOperationQueue(QStringLiteral("Live folders"), 1),
       m_liveFolderManager(m_syncOperationQueue)
 {
+    ZQPreviewService::setUnconfinedHandler(tellThatDrawingIsUnconfined);
 }
 
 ZQOperationQueue &AImportManager::importOperationQueue()

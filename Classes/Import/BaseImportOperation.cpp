@@ -208,6 +208,9 @@ void BaseImportOperation::collect()
 void BaseImportOperation::drop(const QString &reason)
 {
     m_fileData.reset();
+    if (isCancelled()) {
+        return; // the batch says so; what failed is that nobody wanted it any more
+    }
     tell(reason, DroppedFile::Telling::InWindow);
 }
 

@@ -23,10 +23,14 @@ constexpr int thumbnailed = 5; // the file a worker for one thumbnailer may read
 
 constexpr qsizetype zqRenderAreaBytes = qsizetype(1024) * 1024 * 4;
 constexpr qsizetype zqRenderMaximumMessage = 60000;
+// What is believed of a picture: as much as libraries can say of a real one.
+constexpr int zqRenderLongestSide = 10'000'000;
+constexpr int zqRenderMostFrames = 100'000;
 // What a picture may have at most: 2 GiB of RGBA.
 constexpr qint64 zqRenderMaximumPixels = qint64(1) << 29;
-// How a worker ends that ran out of memory.
+// How a worker ends that ran out of memory, and one whose drawing program would not end.
 constexpr int zqRenderExitOutOfMemory = 77;
+constexpr int zqRenderExitTookTooLong = 78;
 
 struct ZQRenderRequest
 {

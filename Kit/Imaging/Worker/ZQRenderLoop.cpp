@@ -1,7 +1,9 @@
 #include "Kit/Imaging/Worker/ZQRenderLoop.h"
 
+#include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
+#include "Kit/Imaging/Worker/ZQArchiveLoop.h"
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Kit/Imaging/ZQVips.h"
@@ -53,13 +55,14 @@ ZQFileDescriptor sealedFileOf(const ZQBitmap &bitmap)
 class RenderLoop
 {
 public:
-    explicit RenderLoop(ZQRenderInterception interception)
-        : m_interception(interception),
+    explicit RenderLoop(const ZQRenderLoopOptions &options)
+        : m_options(options),
           m_area(static_cast<uchar *>(::mmap(nullptr, size_t(zqRenderAreaBytes), PROT_READ | PROT_WRITE, MAP_SHARED,
                                              ZQRenderDescriptor::area, 0)))
     {
     }
 
+    char *area() const { return reinterpret_cast<char *>(m_area); }
     bool isReady() const { return m_area != MAP_FAILED; }
 
     void run()
@@ -76,7 +79,7 @@ public:
 private:
     bool answer(const ZQRenderRequest &request, const ZQSourceFile &file)
     {
-        if (m_interception && m_interception(request, file)) {
+        if (m_options.interception && m_options.interception(request, file)) {
             return true;
         }
         if (request.kind == ZQRenderRequest::Kind::Properties) {
@@ -120,8 +123,12 @@ private:
         }
         if (bitmap.isNull()) {
             const bool isUnknown = error.code == int(ZQImagingErrorCode::UnknownFormat);
-            return sendError(error,
-                             isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file));
+            const bool hasThumbnailer =
+                isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file);
+            if (hasThumbnailer && !zqMayRunDrawingPrograms()) {
+                return sendError(zqNoDrawingProgramsError(request.name), false);
+            }
+            return sendError(error, hasThumbnailer);
         }
         ZQRenderAnswer out;
         out.size = bitmap.size();
@@ -155,13 +162,13 @@ private:
         return zqSendMessage(ZQRenderDescriptor::socket, zqEncode(answer), descriptor);
     }
 
-    ZQRenderInterception m_interception;
+    const ZQRenderLoopOptions m_options;
     uchar *m_area;
 };
 
 } // namespace
 
-int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
+int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
 {
     if (argc != 5) {
         return EXIT_FAILURE;
@@ -172,23 +179,33 @@ int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
     }
     std::signal(SIGTTOU, SIG_IGN); // a log line is no reason to stop
     const bool forThumbnailer = std::strcmp(argv[4], "thumbnailer") == 0;
+    const bool forArchives = std::strcmp(argv[4], "archives") == 0;
     const ZQRenderRestrictions restrictions =
-        zqEnterRenderSandbox(argv[1], std::atoll(argv[3]), forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1);
+        zqEnterRenderSandbox({.folder = forArchives ? nullptr : argv[1],
+                              .memory = std::atoll(argv[3]),
+                              .thumbnailed = forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1,
+                              .useFileRules = options.useFileRules});
+    if (!restrictions.areWhole()) {
+        zqForbidDrawingPrograms();
+        qputenv("VIPS_DISC_THRESHOLD", "1t"); // large pictures stay in memory: no file can be written
+    }
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     const QCoreApplication application(argc, argv);
-    zqInitializeImagingLibraries("zelto-render");
+    if (!forArchives) {
+        zqInitializeImagingLibraries("zelto-render");
+    }
     g_log_set_handler("GLib", GLogLevelFlags(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION),
                       endWhenGLibFails, nullptr);
     ZQRenderAnswer hello;
     hello.kind = ZQRenderAnswer::Kind::Hello;
     hello.restrictsFiles = restrictions.files;
     hello.restrictsCalls = restrictions.calls;
-    RenderLoop loop(interception);
+    RenderLoop loop(options);
     if (!loop.isReady() || !zqSendMessage(ZQRenderDescriptor::socket, zqEncode(hello))) {
         return EXIT_FAILURE;
     }
     try {
-        loop.run();
+        forArchives ? zqRunArchiveLoop(loop.area(), options.archiveInterception) : loop.run();
     } catch (const std::bad_alloc &) {
         ::_exit(zqRenderExitOutOfMemory);
     }
