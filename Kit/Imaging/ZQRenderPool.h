@@ -26,6 +26,7 @@ public:
     {
         std::optional<ZQImageProperties> properties;
         ZQBitmap bitmap;
+        QByteArray bytes; // of the picture inside a document
     };
     // Reads the file in a worker. Null and an error, naming the file, when that fails.
     Result perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame, ZQError *error);

@@ -47,6 +47,7 @@ public:
         Outcome outcome = Outcome::Stopped;
         ZQRenderAnswer answer;
         ZQBitmap bitmap;
+        QByteArray bytes;
     };
     // Waits for the answer. After any outcome but `Answered` the worker is ended. `request` is what the answer has to
     // fit.
@@ -63,6 +64,7 @@ private:
     bool waitForMessage(std::chrono::steady_clock::time_point end) const;
     bool waitForEnd() const;
     Reply failed(Outcome outcome);
+    bool takeContent(const ZQRenderRequest &request, const ZQFileDescriptor &descriptor, Reply &reply) const;
     void end(int &status);
     ZQBitmap takePixels(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
                         const ZQFileDescriptor &descriptor) const;
