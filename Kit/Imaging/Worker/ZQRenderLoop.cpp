@@ -7,6 +7,7 @@
 #include "Kit/Imaging/ZQVips.h"
 
 #include <QCoreApplication>
+#include <QImageReader>
 
 #include <glib.h>
 
@@ -197,6 +198,7 @@ int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     const QCoreApplication application(argc, argv);
     zqInitializeImagingLibraries("zelto-render");
+    QImageReader::setAllocationLimit(2048); // megabytes: a picture of the most pixels there may be
     g_log_set_handler("GLib", GLogLevelFlags(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION),
                       endWhenGLibFails, nullptr);
     ZQRenderAnswer hello;
