@@ -3,6 +3,7 @@
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/LibraryCommands.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
@@ -306,15 +307,10 @@ ZQThumbnailRequest BrowserContent::thumbnailOf(const ZQLibraryBaseItem &item)
     return {file, item.thumbVersion(), true};
 }
 
-QImage BrowserContent::decodeForeign(const ZQThumbnailRequest &request, int pixels)
+QImage BrowserContent::pictureFor(const ZQThumbnailRequest &request, int pixels)
 {
-    if (!request.isForeign) {
-        const QImage image = ZQThumbnailLoader::readImage(request, pixels);
-        if (!image.isNull()) {
-            return image;
-        }
-    }
-    return ZQPreviewService::previewOfFile(request.path, QSize(pixels, pixels)).image();
+    const ZQBitmap made = request.isForeign ? ZQBitmap() : ZQImageSource::thumbnailOfFile(request.path, pixels);
+    return made.isNull() ? ZQPreviewService::previewOfFile(request.path, QSize(pixels, pixels)).image() : made.image();
 }
 
 ZQGridItem BrowserContent::item(qint64 index) const

@@ -45,7 +45,8 @@ public:
 
     static QList<ZQObjectID> itemsOfMimeData(const QMimeData *data, WindowContext &window);
     static ZQThumbnailRequest thumbnailOf(const ZQLibraryBaseItem &item);
-    static QImage decodeForeign(const ZQThumbnailRequest &request, int pixels); // any thread
+    // For thumbnail loaders. Any thread.
+    static QImage pictureFor(const ZQThumbnailRequest &request, int pixels);
 
 Q_SIGNALS:
     // What was fetched differs from what is shown. At the first the rows are still the old ones.

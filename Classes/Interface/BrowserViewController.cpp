@@ -49,7 +49,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     setObjectName(QStringLiteral("Browser"));
     setAttribute(Qt::WA_StyledBackground);
     m_grid->setAccessibleName(zqLocalized("Items"));
-    m_grid->thumbnailLoader().setDecoder(&BrowserContent::decodeForeign);
+    m_grid->thumbnailLoader().setDecoder(&BrowserContent::pictureFor);
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
                            defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));

@@ -280,7 +280,7 @@ ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int fil
     for (int i = 0; i < mostTries; ++i) {
         Idle idle;
         if (const Taken taken = take(idle, failure); taken != Taken::Worker) {
-            return {taken == Taken::Cancelled ? Outcome::Cancelled : Outcome::Stopped, {}, {}};
+            return {taken == Taken::Cancelled ? Outcome::Cancelled : Outcome::Stopped, {}, {}, {}};
         }
         if (!idle.process->send(request, file)) {
             drop(std::move(idle));
@@ -327,6 +327,8 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
     const bool isError = reply.answer.kind == ZQRenderAnswer::Kind::Error;
     if (isError && reply.answer.code == ZQImagingErrorCode::TooMuchMemory) {
         reply.outcome = Outcome::TooMuchMemory; // noticed in time
+    } else if (isError && reply.answer.code == ZQImagingErrorCode::TookTooLong) {
+        reply.outcome = Outcome::TookTooLong;
     }
     if (reply.outcome != Outcome::Answered) {
         const ZQError told = errorOfOutcome(reply.outcome, path);
@@ -338,12 +340,12 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
     }
     if (!isError) {
         const bool isHeader = reply.answer.kind == ZQRenderAnswer::Kind::Properties;
-        return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap};
+        return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap, reply.bytes};
     }
     if (kind == ZQRenderRequest::Kind::Preview && reply.answer.hasThumbnailer) {
         const ZQBitmap drawn = askThumbnailer(path, box, file.get());
         if (!drawn.isNull()) {
-            return {std::nullopt, drawn};
+            return {std::nullopt, drawn, {}};
         }
     }
     zqSetError(error, zqImagingError(reply.answer.code, path, reply.answer.reason));

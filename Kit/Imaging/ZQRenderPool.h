@@ -26,6 +26,7 @@ public:
     {
         std::optional<ZQImageProperties> properties;
         ZQBitmap bitmap;
+        QByteArray bytes; // of the picture inside a document
     };
     // Reads the file in a worker. Null and an error, naming the file, when that fails. Once the thread's ZQCancellation
     // happens, it returns within half a second, and the worker that still draws is ended with all it started.

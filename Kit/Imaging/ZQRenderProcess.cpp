@@ -124,6 +124,34 @@ QByteArray makeFolder()
     return ::mkdtemp(name.data()) ? name : QByteArray();
 }
 
+// What the answer has to bring, unless it is an error.
+enum class Content { Properties, Pixels, Bytes };
+
+Content contentOf(ZQRenderAnswer::Kind kind)
+{
+    switch (kind) {
+    case ZQRenderAnswer::Kind::PixelsInArea:
+    case ZQRenderAnswer::Kind::PixelsInFile:
+        return Content::Pixels;
+    case ZQRenderAnswer::Kind::BytesInFile:
+        return Content::Bytes;
+    default:
+        return Content::Properties;
+    }
+}
+
+Content contentFor(ZQRenderRequest::Kind kind)
+{
+    switch (kind) {
+    case ZQRenderRequest::Kind::Properties:
+        return Content::Properties;
+    case ZQRenderRequest::Kind::EmbeddedPicture:
+        return Content::Bytes;
+    default:
+        return Content::Pixels;
+    }
+}
+
 bool fits(QSize size, const ZQRenderRequest &request)
 {
     return !request.box.isValid() || (size.width() <= request.box.width() && size.height() <= request.box.height());
@@ -141,17 +169,31 @@ void unmap(void *info)
     ::munmap(mapping->data, mapping->size);
 }
 
-// A picture in shared memory that nobody can change or shorten any more.
-ZQBitmap bitmapOfSealedFile(int descriptor, QSize size)
+// The size of shared memory that nobody can change or shorten any more; -1 for anything else.
+qint64 sizeOfSealedFile(int descriptor)
 {
     constexpr int needed = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW;
-    const size_t bytes = size_t(size.width()) * size_t(size.height()) * 4;
     struct stat status
     {
     };
     const int seals = ::fcntl(descriptor, F_GET_SEALS);
-    if (seals < 0 || (seals & needed) != needed || ::fstat(descriptor, &status) != 0 ||
-        size_t(status.st_size) != bytes) {
+    return seals >= 0 && (seals & needed) == needed && ::fstat(descriptor, &status) == 0 ? qint64(status.st_size) : -1;
+}
+
+QByteArray bytesOfSealedFile(int descriptor)
+{
+    const qint64 size = sizeOfSealedFile(descriptor);
+    QFile file;
+    const bool readable = size > 0 && size <= zqRenderMaximumBytes &&
+                          file.open(descriptor, QIODevice::ReadOnly, QFileDevice::DontCloseHandle) && file.seek(0);
+    const QByteArray bytes = readable ? file.read(size) : QByteArray();
+    return bytes.size() == size ? bytes : QByteArray();
+}
+
+ZQBitmap bitmapOfSealedFile(int descriptor, QSize size)
+{
+    const size_t bytes = size_t(size.width()) * size_t(size.height()) * 4;
+    if (sizeOfSealedFile(descriptor) != qint64(bytes)) {
         return {};
     }
     void *const data = ::mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE, descriptor, 0);
@@ -343,32 +385,38 @@ ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, 
     ZQFileDescriptor descriptor;
     const Exchanged message = nextMessage(time, &descriptor);
     if (message.outcome != Outcome::Answered) {
-        return {message.outcome, {}, {}};
+        return {message.outcome, {}, {}, {}};
     }
     const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
     if (!answer || answer->kind == ZQRenderAnswer::Kind::Hello) {
-        return {failed(Outcome::TalkedNonsense), {}, {}};
+        return {failed(Outcome::TalkedNonsense), {}, {}, {}};
     }
-    return replyOf(request, *answer, descriptor);
+    Reply reply{Outcome::Answered, *answer, {}, {}};
+    return takeContent(request, descriptor, reply) ? reply : Reply{failed(Outcome::TalkedNonsense), {}, {}, {}};
 }
 
-ZQRenderProcess::Reply ZQRenderProcess::replyOf(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
-                                                const ZQFileDescriptor &descriptor)
+bool ZQRenderProcess::takeContent(const ZQRenderRequest &request, const ZQFileDescriptor &descriptor,
+                                  Reply &reply) const
 {
-    const bool hasPixels =
-        answer.kind == ZQRenderAnswer::Kind::PixelsInArea || answer.kind == ZQRenderAnswer::Kind::PixelsInFile;
-    const bool wantsPixels = request.kind != ZQRenderRequest::Kind::Properties;
-    if (answer.kind != ZQRenderAnswer::Kind::Error && hasPixels != wantsPixels) {
-        return {failed(Outcome::TalkedNonsense), {}, {}};
+    if (reply.answer.kind == ZQRenderAnswer::Kind::Error) {
+        return true;
     }
-    Reply reply{Outcome::Answered, answer, {}};
-    if (hasPixels) {
-        reply.bitmap = takePixels(request, answer, descriptor);
-        if (reply.bitmap.isNull()) {
-            return {failed(Outcome::TalkedNonsense), {}, {}};
-        }
+    const Content content = contentOf(reply.answer.kind);
+    if (content != contentFor(request.kind)) {
+        return false;
     }
-    return reply;
+    switch (content) {
+    case Content::Properties:
+        return true;
+    case Content::Bytes:
+        reply.bytes = bytesOfSealedFile(descriptor.get());
+        return !reply.bytes.isEmpty();
+    case Content::Pixels:
+        reply.bitmap = takePixels(request, reply.answer, descriptor);
+        reply.bitmap.setIncomplete(reply.answer.isIncomplete);
+        return !reply.bitmap.isNull();
+    }
+    return false;
 }
 
 ZQBitmap ZQRenderProcess::takePixels(const ZQRenderRequest &request, const ZQRenderAnswer &answer,

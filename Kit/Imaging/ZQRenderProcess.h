@@ -49,6 +49,7 @@ public:
         Outcome outcome = Outcome::Stopped;
         ZQRenderAnswer answer;
         ZQBitmap bitmap;
+        QByteArray bytes;
     };
     // Waits for the answer, or until the thread's ZQCancellation happens: an answer that is about to come is still
     // waited for, since a new worker takes as long. After any outcome but `Answered` the worker is ended. `request` is
@@ -78,9 +79,9 @@ private:
     Exchanged nextMessage(std::chrono::milliseconds time, ZQFileDescriptor *descriptor);
     enum class Wait { Message, TimeIsUp, Cancelled };
     Wait waitForMessage(std::chrono::steady_clock::time_point end) const;
-    Reply replyOf(const ZQRenderRequest &request, const ZQRenderAnswer &answer, const ZQFileDescriptor &descriptor);
     bool waitForEnd() const;
     Outcome failed(Outcome outcome);
+    bool takeContent(const ZQRenderRequest &request, const ZQFileDescriptor &descriptor, Reply &reply) const;
     void end(int &status);
     ZQBitmap takePixels(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
                         const ZQFileDescriptor &descriptor) const;

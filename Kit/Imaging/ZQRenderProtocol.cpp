@@ -162,6 +162,8 @@ bool isPossible(const ZQRenderAnswer &answer)
                qsizetype(answer.size.width()) * answer.size.height() * 4 <= zqRenderAreaBytes;
     case Kind::PixelsInFile:
         return isPossibleSize(answer.size);
+    case Kind::BytesInFile:
+        return true; // the file says how many
     case Kind::Error:
         return answer.code >= ZQImagingErrorCode::CannotRead && answer.code <= ZQImagingErrorCode::TooMuchMemory;
     }
@@ -197,9 +199,9 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
 QByteArray zqEncode(const ZQRenderAnswer &answer)
 {
     Writer writer;
-    for (const qint32 value :
-         {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(), qint32(answer.code),
-          qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles), qint32(answer.restrictsCalls)}) {
+    for (const qint32 value : {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(),
+                               qint32(answer.code), qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles),
+                               qint32(answer.restrictsCalls), qint32(answer.isIncomplete)}) {
         writer.number(value);
     }
     writer.text(answer.reason);
@@ -219,6 +221,7 @@ std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
     out.hasThumbnailer = reader.number() != 0;
     out.restrictsFiles = reader.number() != 0;
     out.restrictsCalls = reader.number() != 0;
+    out.isIncomplete = reader.number() != 0;
     out.reason = reader.line();
     out.properties = readProperties(reader);
     return mark == answerMark && reader.isComplete() && isPossible(out) ? std::optional(out) : std::nullopt;

@@ -9,6 +9,7 @@
 #include "Kit/Imaging/ZQVips.h"
 
 #include <QCoreApplication>
+#include <QImageReader>
 
 #include <glib.h>
 
@@ -32,6 +33,16 @@ void endWhenGLibFails(const gchar *, GLogLevelFlags level, const gchar *, gpoint
     }
 }
 
+// Bytes that nobody can change any more, in a file without a name, as `write` writes them.
+template <class Write>
+ZQFileDescriptor sealedFile(Write write)
+{
+    ZQFileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    const bool made = file.isOpen() && write(file.get()) &&
+                      ::fcntl(file.get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
+    return made ? std::move(file) : ZQFileDescriptor();
+}
+
 bool writeRows(int descriptor, const ZQBitmap &bitmap)
 {
     for (int y = 0; y < bitmap.height(); ++y) {
@@ -41,15 +52,6 @@ bool writeRows(int descriptor, const ZQBitmap &bitmap)
         }
     }
     return true;
-}
-
-// A picture that nobody can change any more, in a file without a name.
-ZQFileDescriptor sealedFileOf(const ZQBitmap &bitmap)
-{
-    ZQFileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    const bool made = file.isOpen() && writeRows(file.get(), bitmap) &&
-                      ::fcntl(file.get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
-    return made ? std::move(file) : ZQFileDescriptor();
 }
 
 class RenderLoop
@@ -93,7 +95,24 @@ private:
             out.properties = *properties;
             return send(out);
         }
-        return sendBitmap(request, file);
+        return request.kind == ZQRenderRequest::Kind::EmbeddedPicture ? sendEmbedded(file) : sendBitmap(request, file);
+    }
+
+    bool sendEmbedded(const ZQSourceFile &file)
+    {
+        ZQError error;
+        const QByteArray bytes = zqAcornComposite(file, &error);
+        if (bytes.isEmpty()) {
+            return sendError(error, false);
+        }
+        const ZQFileDescriptor copy =
+            sealedFile([&](int out) { return zqWriteAll(out, bytes.constData(), bytes.size()); });
+        if (!copy.isOpen()) {
+            ::_exit(zqRenderExitOutOfMemory);
+        }
+        ZQRenderAnswer out;
+        out.kind = ZQRenderAnswer::Kind::BytesInFile;
+        return send(out, copy.get());
     }
 
     static ZQBitmap draw(const ZQRenderRequest &request, const ZQSourceFile &file, ZQError *error)
@@ -106,6 +125,7 @@ private:
             return zqThumbnailerPreview(request.name, request.box);
         case Kind::Bitmap:
         case Kind::Properties:
+        case Kind::EmbeddedPicture:
             break;
         }
         return zqDecodeFile({file, request.box, request.frame, false, zqPaperOfName(request.name)}, error);
@@ -132,6 +152,7 @@ private:
         }
         ZQRenderAnswer out;
         out.size = bitmap.size();
+        out.isIncomplete = bitmap.isIncomplete();
         const qsizetype rowBytes = qsizetype(bitmap.width()) * 4;
         if (rowBytes * bitmap.height() <= zqRenderAreaBytes) {
             for (int y = 0; y < bitmap.height(); ++y) {
@@ -140,7 +161,7 @@ private:
             out.kind = ZQRenderAnswer::Kind::PixelsInArea;
             return send(out);
         }
-        const ZQFileDescriptor pixels = sealedFileOf(bitmap);
+        const ZQFileDescriptor pixels = sealedFile([&](int memory) { return writeRows(memory, bitmap); });
         if (!pixels.isOpen()) {
             ::_exit(zqRenderExitOutOfMemory);
         }
@@ -193,6 +214,7 @@ int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
     const QCoreApplication application(argc, argv);
     if (!forArchives) {
         zqInitializeImagingLibraries("zelto-render");
+        QImageReader::setAllocationLimit(2048); // megabytes: a picture of the most pixels there may be
     }
     g_log_set_handler("GLib", GLogLevelFlags(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION),
                       endWhenGLibFails, nullptr);
