@@ -184,6 +184,13 @@ void CommandLine::defineVerify()
             [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
     command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
     command->add_flag("--json", m_json, "Print one object: items, problems, orphans");
+    CLI::App *recover =
+        add("recover",
+            "Copy what can be read of a damaged library into a new store, and keep the damaged one beside it; exit "
+            "status 1 while the library is open elsewhere",
+            false, [this](CommandContext &context) { return zqRunRecover(m_library, context); });
+    recover->add_flag("--json", m_json,
+                      "Print one object: damaged, items, sidebarEntries, tags, memberships, unreadable, damagedStore");
 }
 
 void CommandLine::defineDefaults()

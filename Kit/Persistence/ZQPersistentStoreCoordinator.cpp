@@ -21,6 +21,7 @@ namespace {
 const QString inUseKey = QStringLiteral("inUseBy");
 const QString uncleanMark = QStringLiteral("unclean");
 const QString damagedMark = QStringLiteral("damaged");
+const QString recoverMark = QStringLiteral("recover");
 
 // "PID:START" of a running process, where START tells processes apart that got the same number; empty when none runs.
 QString processMark(qint64 pid)
@@ -171,14 +172,17 @@ bool ZQPersistentStoreCoordinator::checkAfterUncleanEnd(ZQSQLiteConnection &conn
     if (!m_wasUnclean && suspicion.isEmpty()) {
         return true;
     }
-    const ZQStoreCheckResult result =
-        suspicion == damagedMark ? zqCheckStore(connection, {}) : zqCheckStoreQuickly(connection);
+    const ZQStoreCheckResult result = suspicion == damagedMark || suspicion == recoverMark
+                                          ? zqCheckStore(connection, {})
+                                          : zqCheckStoreQuickly(connection);
     m_needsCheck = !result.isComplete;
     if (result.problems.isEmpty()) {
         return true;
     }
     qCWarning(zqLogStore, "damaged: %s", qUtf8Printable(result.problems.join(QStringLiteral("; "))));
-    zqSetError(error, zqStoreErrorForSQLite(SQLITE_CORRUPT, result.problems.first(), m_path));
+    ZQError damage = zqStoreErrorForSQLite(SQLITE_CORRUPT, result.problems.first(), m_path);
+    damage.userInfo.insert(QStringLiteral("recoveryWanted"), suspicion == recoverMark);
+    zqSetError(error, damage);
     return false;
 }
 
@@ -205,7 +209,8 @@ ZQPersistentStoreCoordinator::~ZQPersistentStoreCoordinator()
         return;
     }
     connection->value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
-    if (m_isDamaged && !zqWriteMetadata(*connection, zqSuspicionKey, damagedMark)) {
+    const QString suspicion = m_isRecoveryWanted ? recoverMark : damagedMark;
+    if ((m_isDamaged || m_isRecoveryWanted) && !zqWriteMetadata(*connection, zqSuspicionKey, suspicion)) {
         return; // an end that looks unclean is checked as well
     }
     if (zqReadMetadata(*connection, inUseKey).toString() == processMark(QCoreApplication::applicationPid())) {
@@ -274,6 +279,15 @@ ZQStoreCheckResult ZQPersistentStoreCoordinator::check(const std::stop_token &st
     return result;
 }
 
+void ZQPersistentStoreCoordinator::requestRecovery()
+{
+    m_isRecoveryWanted = true;
+    const std::lock_guard guard(m_writeLock);
+    if (const auto connection = newConnection()) {
+        zqWriteMetadata(*connection, zqSuspicionKey, recoverMark);
+    }
+}
+
 QStringList ZQPersistentStoreCoordinator::pendingVersions() const
 {
     const auto connection = newConnection();
@@ -296,16 +310,26 @@ bool ZQPersistentStoreCoordinator::clearPendingVersion(const QString &version)
            zqWriteMetadata(*connection, zqProgressKey, progress.join(u'\n')) && transaction.commit();
 }
 
-qint64 ZQPersistentStoreCoordinator::pendingProgress(const QString &version) const
+qint64 ZQPersistentStoreCoordinator::numberNamed(const QString &name, const QString &metadataKey) const
 {
     const auto connection = newConnection();
-    const QStringList lines = connection ? linesOf(zqReadMetadata(*connection, zqProgressKey)) : QStringList();
+    const QStringList lines = connection ? linesOf(zqReadMetadata(*connection, metadataKey)) : QStringList();
     for (const QString &line : lines) {
-        if (line.startsWith(version + u'=')) {
-            return line.mid(version.size() + 1).toLongLong();
+        if (line.startsWith(name + u'=')) {
+            return line.mid(name.size() + 1).toLongLong();
         }
     }
     return 0;
+}
+
+qint64 ZQPersistentStoreCoordinator::pendingProgress(const QString &version) const
+{
+    return numberNamed(version, zqProgressKey);
+}
+
+qint64 ZQPersistentStoreCoordinator::lastKeyBeforeMigration(const QString &tableName) const
+{
+    return numberNamed(tableName, zqLastKeysKey);
 }
 
 bool ZQPersistentStoreCoordinator::setPendingProgress(const QString &version, qint64 key)

@@ -107,6 +107,8 @@ public:
     // The whole check, linear in the store; settles `needsCheck`. A store that fails is refused by the next `open`. A
     // stop, from any thread, ends it within moments without an answer.
     ZQStoreCheckResult check(const std::stop_token &stop = {});
+    // Has the next `open` refuse the store with `userInfo["recoveryWanted"]`, when its check confirms the damage.
+    void requestRecovery();
     // The problems it finds; an empty list is a sound store.
     QStringList checkIntegrity() { return check().problems; }
 
@@ -114,6 +116,8 @@ public:
     // migration's own transaction.
     QStringList pendingVersions() const;
     bool clearPendingVersion(const QString &version);
+    // The last key of the table that rows had before it; what came later owes nothing.
+    qint64 lastKeyBeforeMigration(const QString &tableName) const;
     // How far filling in has come: the key of the last row done; 0 at first.
     qint64 pendingProgress(const QString &version) const;
     bool setPendingProgress(const QString &version, qint64 key);
@@ -130,6 +134,7 @@ public:
 private:
     ZQPersistentStoreCoordinator() = default;
     bool prepareStore(ZQSQLiteConnection &connection, const ZQStoreOptions &options, ZQError *error);
+    qint64 numberNamed(const QString &name, const QString &metadataKey) const;
     bool checkAfterUncleanEnd(ZQSQLiteConnection &connection, ZQError *error);
     void readOrigin(ZQSQLiteConnection &connection);
     void markInUse(ZQSQLiteConnection &connection);
@@ -142,6 +147,7 @@ private:
     bool m_wasUnclean = false;
     std::atomic<bool> m_needsCheck = false;
     std::atomic<bool> m_isDamaged = false;
+    std::atomic<bool> m_isRecoveryWanted = false;
     bool m_isMarked = false;
     mutable std::mutex m_writeLock;
 };

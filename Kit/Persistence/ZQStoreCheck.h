@@ -17,4 +17,4 @@ ZQStoreCheckResult zqCheckStore(ZQSQLiteConnection &connection, const std::stop_
 // of at most `wholeBytes` is checked whole. Complete only then.
 ZQStoreCheckResult zqCheckStoreQuickly(ZQSQLiteConnection &connection,
                                        std::chrono::milliseconds patience = std::chrono::milliseconds(1000),
-                                       qint64 wholeBytes = qint64(48) * 1024 * 1024);
+                                       qint64 wholeBytes = qint64(24) * 1024 * 1024);

@@ -359,7 +359,14 @@ bool Migration::notePending()
     for (int version = versionNumber(m_from.versionIdentifiers()) + 1; version <= last; ++version) {
         versions.append(QStringLiteral("Version%1").arg(version));
     }
-    return addLines(zqPendingVersionsKey, versions) && addLines(zqPendingCopiesKey, {QFileInfo(m_copy).fileName()});
+    QStringList lastKeys;
+    for (const ZQEntityDescription *root : zqRootEntities(m_to)) {
+        const QVariant highest =
+            m_connection.value(QStringLiteral("SELECT max(\"id\") FROM ") + zqQuoted(root->tableName));
+        lastKeys.append(QStringLiteral("%1=%2").arg(root->tableName).arg(highest.toLongLong()));
+    }
+    return zqWriteMetadata(m_connection, zqLastKeysKey, lastKeys.join(u'\n')) &&
+           addLines(zqPendingVersionsKey, versions) && addLines(zqPendingCopiesKey, {QFileInfo(m_copy).fileName()});
 }
 
 // The refusals that need no look at the rows.

@@ -259,7 +259,7 @@ bool Recovery::run()
 // What was still to be done for the damaged store is to be done for this one.
 bool Recovery::copyMetadata()
 {
-    for (const QString &key : {zqPendingVersionsKey, zqPendingCopiesKey, zqProgressKey}) {
+    for (const QString &key : {zqPendingVersionsKey, zqPendingCopiesKey, zqProgressKey, zqLastKeysKey}) {
         const QVariant value = zqReadMetadata(m_damaged, key);
         if (value.isValid() && !zqWriteMetadata(m_sound, key, value)) {
             return false;

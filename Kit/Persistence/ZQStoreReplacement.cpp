@@ -78,7 +78,8 @@ std::optional<QString> finish(const QString &path, const QString &recovered, con
 {
     const QString kept = placeFor(path, stamp);
     const bool isKept = (!QFile::exists(path) || keep(path, kept)) &&
-                        (!QFile::exists(path + log) || keep(path + log, kept + log)) && zqSyncToDisk(folderOf(path));
+                        (QFileInfo(path + log).size() == 0 || keep(path + log, kept + log)) &&
+                        zqSyncToDisk(folderOf(path));
     if (isKept && isGone(path + log) && isGone(path + index) && zqSyncToDisk(folderOf(path)) &&
         moved(recovered, path)) {
         zqSyncToDisk(folderOf(path));

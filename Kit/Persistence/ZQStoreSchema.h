@@ -48,6 +48,7 @@ inline const QString zqSuspicionKey = QStringLiteral("suspicion");
 inline const QString zqPendingVersionsKey = QStringLiteral("pendingVersions");
 inline const QString zqPendingCopiesKey = QStringLiteral("copiesBeforeMigration");
 inline const QString zqProgressKey = QStringLiteral("pendingProgress");
+inline const QString zqLastKeysKey = QStringLiteral("lastKeysBeforeMigration"); // "TABLE=KEY"
 
 // What is written in the metadata table about the model.
 bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model);

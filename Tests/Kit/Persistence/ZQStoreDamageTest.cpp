@@ -138,7 +138,7 @@ TEST(ZQStoreDamage, OnlyAWholeCheckSettlesAnUncleanEnd)
     TestStore store;
     {
         ZQManagedObjectContext context(store.coordinator());
-        constexpr qsizetype tooMuchForAQuickLook = 50 * 1024 * 1024;
+        constexpr qsizetype tooMuchForAQuickLook = 25 * 1024 * 1024;
         context.insertNewObject<TestDocument>()->setBlob(QByteArray(tooMuchForAQuickLook, 'b'));
         ASSERT_TRUE(context.save());
     }
