@@ -121,12 +121,13 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
         QString bundleID;
         QString path;
         FileTags values;
+        bool isManaged; // a person's own file is not written to because it was looked at
     };
     QList<Present> all;
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         const QString path = item && item->active() ? item->itemURL() : QString();
         if (!path.isEmpty()) {
-            all.append({item->bundleID(), path, valuesOf(item->fileTags())});
+            all.append({item->bundleID(), path, valuesOf(item->fileTags()), item->managed()});
         }
     }
     m_readings.addOperationWithBlock([all, adoption = m_adoption] {
@@ -134,7 +135,8 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
             ZQError error;
             const auto file =
                 FileTagsMerge::ofFile(present.path, present.values, FileTagsMerge::Unknown::KeepsBoth, false, &error);
-            const bool canBeRecorded = file && !file->isRecorded && QFileInfo(present.path).isWritable();
+            const bool canBeRecorded =
+                file && !file->isRecorded && present.isManaged && QFileInfo(present.path).isWritable();
             if (file && (!file->change.isEmpty() || canBeRecorded)) {
                 adoption->add(present.bundleID, file->change);
             }

@@ -437,8 +437,13 @@ void InfoPanelViewController::commitTitle()
 
 void InfoPanelViewController::commitNotes()
 {
-    const QString text = m_notes->toPlainText();
-    if (!m_items.isEmpty() && text != (m_summary.notes.differs ? QString() : m_summary.notes.text)) {
+    QString text = m_notes->toPlainText();
+    const QString shown = m_summary.notes.differs ? QString() : m_summary.notes.text;
+    if (!m_items.isEmpty() && text != shown) {
+        const auto item = m_items.size() == 1 ? m_window.libraryItem(m_items.first()) : ZQRef<ZQLibraryBaseItem>();
+        if (item && item->notes() != shown && !text.contains(item->notes())) {
+            text += u'\n' + item->notes(); // came from another program while the person was typing
+        }
         m_summary.notes = {text, false};
         ItemEdits(m_window).setNotes(m_items, text);
     }

@@ -52,23 +52,21 @@ bool readInto(FileTagsMerge &file, const QString &path, bool absenceCounts, ZQEr
         }
         return !found.isNull() && !isOnlyGarbage;
     };
-    ZQError tagsError;
-    file.tags = OpenMeta::getUserTags(path, &tagsError);
-    if (!tagsError.isNull()) {
-        zqSetError(error, tagsError);
+    const OpenMeta::Values values = OpenMeta::getValues(path);
+    if (!values.tagsError.isNull()) {
+        zqSetError(error, values.tagsError);
         return false;
     }
-    ZQError commentError;
-    ZQError ratingError;
-    file.comment = OpenMeta::getFinderComment(path, &commentError);
-    file.rating = OpenMeta::getRatingIfAny(path, &ratingError);
-    if (isUnreadable(commentError) || isUnreadable(ratingError)) {
+    if (isUnreadable(values.commentError) || isUnreadable(values.ratingError)) {
         return false;
     }
+    file.tags = values.tags;
+    file.comment = values.comment;
+    file.rating = values.rating;
     if (absenceCounts) {
         file.tags = file.tags.value_or(QStringList());
-        file.comment = commentError.isNull() ? std::optional(file.comment.value_or(QString())) : file.comment;
-        file.rating = ratingError.isNull() ? std::optional(file.rating.value_or(0)) : file.rating;
+        file.comment = values.commentError.isNull() ? std::optional(file.comment.value_or(QString())) : file.comment;
+        file.rating = values.ratingError.isNull() ? std::optional(file.rating.value_or(0)) : file.rating;
     }
     return true;
 }

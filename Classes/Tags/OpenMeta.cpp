@@ -261,17 +261,26 @@ ZQError OpenMeta::setRating(double rating, const QString &path)
 
 double OpenMeta::getRating(const QString &path, ZQError *error)
 {
-    return getRatingIfAny(path, error).value_or(0);
+    const DesktopMirror::Newer newer = bringUpToDate(path, false);
+    return newer.rating ? *newer.rating : getXAttrMetaData(starRatingKey, path, error).toDouble();
 }
 
-std::optional<double> OpenMeta::getRatingIfAny(const QString &path, ZQError *error)
+OpenMeta::Values OpenMeta::getValues(const QString &path)
 {
-    const DesktopMirror::Newer newer = bringUpToDate(path, false);
-    if (newer.rating) {
-        return newer.rating;
+    const DesktopMirror::Newer newer = bringUpToDate(path, true);
+    Values values{newer.tags, newer.comment, newer.rating, {}, {}, {}};
+    if (!values.tags) {
+        values.tags = getUserTagsNoRestore(path, &values.tagsError);
     }
-    const QVariant value = getXAttrMetaData(starRatingKey, path, error);
-    return value.isValid() ? std::optional(value.toDouble()) : std::nullopt;
+    if (!values.comment) {
+        const QVariant comment = getXAttrMetaData(finderCommentKey, path, &values.commentError);
+        values.comment = comment.typeId() == QMetaType::QString ? std::optional(comment.toString()) : std::nullopt;
+    }
+    if (!values.rating) {
+        const QVariant rating = getXAttrMetaData(starRatingKey, path, &values.ratingError);
+        values.rating = rating.isValid() ? std::optional(rating.toDouble()) : std::nullopt;
+    }
+    return values;
 }
 
 ZQError OpenMeta::setFinderComment(const QString &comment, const QString &path)

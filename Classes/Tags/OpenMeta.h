@@ -54,7 +54,18 @@ public:
     // 0 < rating <= 5; at most 0 removes it, above 5 is stored as 5.
     static ZQError setRating(double rating, const QString &path);
     static double getRating(const QString &path, ZQError *error = nullptr); // 0: none
-    static std::optional<double> getRatingIfAny(const QString &path, ZQError *error = nullptr);
+
+    // Tags, comment and rating at once, which costs less than one after the other; nothing for what is missing.
+    struct Values
+    {
+        std::optional<QStringList> tags;
+        std::optional<QString> comment;
+        std::optional<double> rating;
+        ZQError tagsError;
+        ZQError commentError;
+        ZQError ratingError;
+    };
+    static Values getValues(const QString &path);
 
     // The item's notes, under their spotlight name only.
     static ZQError setFinderComment(const QString &comment, const QString &path);

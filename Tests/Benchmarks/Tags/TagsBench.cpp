@@ -16,6 +16,7 @@
 
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -67,8 +68,12 @@ int main(int argc, char **argv)
     TagFileWriter &writer = TagFileWriter::sharedTagFileWriter();
     const auto writeAll = [&](const QString &tag) {
         for (const QString &path : paths) {
-            journal.willWrite(path);
-            writer.writeTagsToFile(path, {tag}, std::nullopt, [&journal] { journal.didWrite(); });
+            TagFileWriter::Merge merge;
+            merge.path = path;
+            merge.library = {{tag}, {}, 0};
+            merge.willTouch = [&journal, line = journal.willWrite(path)] { journal.bringToDisk(line); };
+            merge.done = [&journal] { journal.didWrite(); };
+            writer.mergeWithFile(std::move(merge));
         }
         writer.waitUntilAllWritten();
         journal.didSave();

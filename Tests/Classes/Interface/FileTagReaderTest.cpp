@@ -1,13 +1,19 @@
 #include "Classes/Interface/FileTagReader.h"
 #include "Classes/Interface/BrowserViewController.h"
+#include "Classes/Interface/InfoPanelViewController.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQGridView.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QPlainTextEdit>
 
-TEST_F(WindowFixture, FilesAreReadWhenSelectedAndWhenTheWindowComesToTheFront)
+class FileTagReaderTest : public WindowFixture
+{
+};
+
+TEST_F(FileTagReaderTest, FilesAreReadWhenSelectedAndWhenTheWindowComesToTheFront)
 {
     const Item project = addProject(QStringLiteral("Brand"));
     const auto first = library.addImage(QStringLiteral("first"));
@@ -33,4 +39,24 @@ TEST_F(WindowFixture, FilesAreReadWhenSelectedAndWhenTheWindowComesToTheFront)
     QEvent activate(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&front, &activate);
     EXPECT_EQ(library.filesToTakeIn, (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
+}
+
+TEST_F(FileTagReaderTest, NotesThatComeFromTheFileWhileThePersonTypesStayBelow)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    const auto image = library.addImage(QStringLiteral("mark"));
+    image->setNotes(QStringLiteral("n"));
+    project->addItems({image});
+    library.context().save();
+    QWidget front;
+    auto *browser = new BrowserViewController(window, &front);
+    auto *panel = new InfoPanelViewController(window, *browser, &front);
+    browser->showSidebarItems({project->objectID()});
+    zqRunMainLoopUntil([&] { return fetcher.isIdle() && browser->content().count() == 1; });
+    browser->grid().setSelection(ZQIndexSet(0, 0));
+    panel->refresh();
+    panel->findChild<QPlainTextEdit *>()->setPlainText(QStringLiteral("typed"));
+    image->setNotes(QStringLiteral("said"));
+    panel->refresh();
+    EXPECT_EQ(image->notes(), QStringLiteral("typed\nsaid"));
 }
