@@ -206,6 +206,10 @@ const QHash<QString, Fault> faults{
 
 bool misbehave(const ZQRenderRequest &request, const ZQSourceFile &file)
 {
+    if (request.kind == ZQRenderRequest::Kind::Properties && request.name.startsWith(QStringLiteral("boast"))) {
+        lieAboutProperties("frames 2000000000\ndurations 3");
+        return true;
+    }
     const Fault fault = faults.value(request.name.section(u'.', 0, 0));
     if (fault) {
         fault(file);
