@@ -112,6 +112,19 @@ TEST_F(ApplicationTest, QuittingRemovesWhatWasDeletedForGood)
     EXPECT_FALSE(QFileInfo::exists(tamberin_AppDelegate::temporaryFolder()));
 }
 
+TEST_F(ApplicationTest, QuittingLeavesTheTemporaryFolderToAnImportThatWasCutOff)
+{
+    const auto delegate = launched();
+    addItem(*delegate, QStringLiteral("deleted"))->setActive(false);
+    delegate->saveAction();
+    const QString picture = tamberin_AppDelegate::temporaryFolder() + QStringLiteral("/t.abc/picture.png");
+    made(picture);
+    imports.cutOff = QDateTime::currentDateTimeUtc();
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    delegate->waitForRemovals();
+    EXPECT_TRUE(QFileInfo::exists(picture));
+}
+
 TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePersonSaysSo)
 {
     const auto delegate = launched();
@@ -135,6 +148,7 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_TRUE(operation->isFinished());
     EXPECT_TRUE(waiting->isCancelled());
+    EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false})); // it is offered at the next launch
     EXPECT_TRUE(user.notificationTexts().contains(QStringLiteral("Cleaning up library")));
 }
 
