@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ZQManagedObjectContext;
 class ZQOperationQueue;
@@ -48,6 +50,11 @@ public:
     // items and whether all were seen to; those that gave none keep their directories.
     virtual void takeBackItemDirectories(const QStringList &names,
                                          std::function<void(qsizetype takenBack, bool isComplete)> done) = 0;
+    // Imports that an earlier process did not end: when the first of them began, and the question about them.
+    virtual std::optional<QDateTime> cutOffImportSince() = 0;
+    virtual void offerToResumeImports() = 0;
+    // From then on a cancel is no decision of the person's: what was asked for is kept for the next launch.
+    virtual void setKeepsCancelledImports(bool keeps) = 0;
     virtual ZQOperationQueue &syncOperationQueue() = 0;
     virtual void getLiveFolderPermissionFromSandbox() = 0;
     virtual void startObservingWatchedFolders() = 0;

@@ -10,10 +10,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <mutex>
-#include <optional>
+#include <utility>
 
 namespace {
 
@@ -109,11 +108,6 @@ QString folderLocked(ZQError *error)
     return area.path;
 }
 
-bool isBelow(const QString &path, const QString &folder)
-{
-    return path == folder || path.startsWith(folder + u'/');
-}
-
 } // namespace
 
 QString TemporaryArea::folder(ZQError *error)
@@ -138,16 +132,13 @@ QString TemporaryArea::newFolder(ZQError *error)
     return area.made.last();
 }
 
-QStringList TemporaryArea::takeForRemoval(const QStringList &spared)
+QStringList TemporaryArea::takeForRemoval()
 {
     const std::lock_guard lock(areaMutex);
     if (area.base != ZQPaths::temporaryDir() && !use(ZQPaths::temporaryDir() + u'/' + usualName)) {
         return {}; // nothing of ours is there
     }
-    const bool isSpared =
-        std::any_of(spared.begin(), spared.end(), [](const QString &path) { return isBelow(path, area.path); });
-    if (!isSpared && isAt(area.descriptor, QFile::encodeName(area.path)) &&
-        ::flock(area.descriptor.get(), LOCK_EX | LOCK_NB) == 0) {
+    if (isAt(area.descriptor, QFile::encodeName(area.path)) && ::flock(area.descriptor.get(), LOCK_EX | LOCK_NB) == 0) {
         // Another process may start at any moment; it finds the usual name free, and never what is being removed.
         const QString aside = withFreshName(area.path, nullptr);
         if (!aside.isEmpty() &&
@@ -160,10 +151,5 @@ QStringList TemporaryArea::takeForRemoval(const QStringList &spared)
         }
         ::flock(area.descriptor.get(), LOCK_SH);
     }
-    QStringList own = area.made;
-    own.removeIf([&spared](const QString &made) {
-        return std::any_of(spared.begin(), spared.end(), [&made](const QString &path) { return isBelow(path, made); });
-    });
-    area.made.clear();
-    return own;
+    return std::exchange(area.made, {});
 }

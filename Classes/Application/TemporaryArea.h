@@ -19,8 +19,7 @@ QString folder(ZQError *error = nullptr);
 QString newFolder(ZQError *error = nullptr);
 
 // For quitting: what may be removed now. The whole folder, set aside under another name, when no other running process
-// uses it and nothing in it is in `spared`; else the folders this process made, the spared ones left out. `spared`:
-// files or folders of the area that are needed after this process, as the sources of an import that goes on later.
-QStringList takeForRemoval(const QStringList &spared = {});
+// uses it; else the folders this process made.
+QStringList takeForRemoval();
 
 } // namespace TemporaryArea

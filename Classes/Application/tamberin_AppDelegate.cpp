@@ -46,7 +46,13 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     m_mainWindowController.reset();
     m_zeltoKunViewController.reset();
     stopStoreWork();
+    if (m_parts.importManager) { // what ends with the process was not given up by anybody
+        m_parts.importManager->setKeepsCancelledImports(true);
+    }
     m_backgroundOperationQueue.reset();
+    if (m_parts.importManager) {
+        m_parts.importManager->setKeepsCancelledImports(false);
+    }
     m_environment->closeTagFiles();
     m_context.reset();
     m_coordinator.reset();
@@ -99,6 +105,9 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
         m_parts.crashReporter->start({[this] { reopenMainWindow(); },
                                       [this] {
                                           checkAndDeleteLibraryLeftovers();
+                                          if (m_parts.importManager) { // makes new directories
+                                              m_parts.importManager->offerToResumeImports();
+                                          }
                                           return QString();
                                       }},
                                      true);

@@ -18,6 +18,7 @@ namespace {
 
 constexpr qsizetype pathsPerRemoval = 1000;
 constexpr qsizetype removedWithoutAsking = 20;
+constexpr qint64 clockGrain = 1000; // milliseconds; birth times come from a coarser clock
 constexpr int takeBackButton = 0;
 constexpr int removeButton = 1;
 
@@ -47,11 +48,12 @@ struct Unnamed
 {
     QStringList lost;          // which a store that is gone may have named
     QStringList leftovers;     // made for items that were never saved, or whose items were removed
+    qsizetype unexplained = 0; // of the leftovers, those that no import which was cut off accounts for
     qsizetype directories = 0; // all there are
 };
 
 Unnamed unnamedDirectories(const QString &library, const QSet<QString> &known, const QDateTime &launch,
-                           const ZQPersistentStoreCoordinator &store)
+                           const std::optional<QDateTime> &cutOffImport, const ZQPersistentStoreCoordinator &store)
 {
     Unnamed unnamed;
     const QDateTime storeDate = store.creationDate();
@@ -69,6 +71,8 @@ Unnamed unnamedDirectories(const QString &library, const QSet<QString> &known, c
         const bool mayHaveBeenNamed =
             store.wasRecovered() || !storeDate.isValid() || since <= storeDate.toMSecsSinceEpoch();
         (mayHaveBeenNamed ? unnamed.lost : unnamed.leftovers).append(entry.fileName());
+        const bool isExplained = cutOffImport && dates->birth >= cutOffImport->toMSecsSinceEpoch() - clockGrain;
+        unnamed.unexplained += !mayHaveBeenNamed && !isExplained ? 1 : 0;
     }
     return unnamed;
 }
@@ -83,14 +87,17 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
     if (!known) {
         return;
     }
-    Unnamed unnamed = unnamedDirectories(library, *known, m_launchDate, *m_coordinator);
+    const std::optional<QDateTime> cutOffImport =
+        m_parts.importManager ? m_parts.importManager->cutOffImportSince() : std::nullopt;
+    Unnamed unnamed = unnamedDirectories(library, *known, m_launchDate, cutOffImport, *m_coordinator);
     if (known->isEmpty() && !unnamed.leftovers.isEmpty()) {
         // A store without a single item beside filled directories is a lost or restored store, not rubbish.
         qCWarning(zqLogApplication) << "The store lists no items, so" << unnamed.leftovers.size()
                                     << "item directories are left where they are";
         unnamed.leftovers.clear();
+        unnamed.unexplained = 0;
     }
-    switch (answerAboutLeftovers(unnamed.leftovers.size(), unnamed.directories)) {
+    switch (answerAboutLeftovers(unnamed.unexplained, unnamed.directories)) {
     case takeBackButton:
         unnamed.lost.append(unnamed.leftovers);
         break;

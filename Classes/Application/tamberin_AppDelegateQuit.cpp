@@ -34,6 +34,12 @@ bool tamberin_AppDelegate::stopRunningImports()
     if (answer != 0) {
         return false;
     }
+    const auto keepRequests = [this](bool keeps) {
+        if (m_parts.importManager) {
+            m_parts.importManager->setKeepsCancelledImports(keeps);
+        }
+    };
+    keepRequests(true);
     backgroundOperationQueue().cancelAllOperations();
     if (sync) {
         sync->cancelAllOperations();
@@ -44,6 +50,7 @@ bool tamberin_AppDelegate::stopRunningImports()
         return isIdle();
     };
     zqRunMainLoopUntil(isDrained, drainStep);
+    keepRequests(false);
     return true;
 }
 
@@ -94,7 +101,9 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     for (qsizetype first = 0; first < purgedDirectories.size() && !library.isEmpty(); first += pathsPerRemoval) {
         deleteFilesAtPaths(purgedDirectories.mid(first, pathsPerRemoval), library);
     }
-    deleteFilesAtPaths(TemporaryArea::takeForRemoval(), {});
+    if (!m_parts.importManager || !m_parts.importManager->cutOffImportSince()) { // which may need what lies there
+        deleteFilesAtPaths(TemporaryArea::takeForRemoval(), {});
+    }
     return TerminateReply::Now;
 }
 

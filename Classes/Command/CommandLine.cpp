@@ -24,6 +24,8 @@ struct CommandLine::Options
     std::vector<std::string> removedTags;
     std::string reference;
     qint64 index = -1;
+    bool resumes = false;
+    bool forgets = false;
     bool deleted = false;
     bool deep = false;
     std::string duplicates = "keep";
@@ -90,13 +92,14 @@ CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary
 
 void CommandLine::defineImport()
 {
-    CLI::App *command = add("import", "Import files and folders, and say what became items and what did not", true,
-                            [this](CommandContext &context) {
-                                ImportRequest request{texts(m_options->paths), text(m_options->reference),
-                                                      m_options->index, texts(m_options->metadata)};
-                                return zqRunImport(request, context);
-                            });
-    command->add_option("paths", m_options->paths, "What to import")->required()->type_name("PATH");
+    CLI::App *command =
+        add("import", "Import files and folders, and say what became items and what did not", true,
+            [this](CommandContext &context) {
+                ImportRequest request{texts(m_options->paths),    text(m_options->reference), m_options->index,
+                                      texts(m_options->metadata), m_options->resumes,         m_options->forgets};
+                return zqRunImport(request, context);
+            });
+    command->add_option("paths", m_options->paths, "What to import")->type_name("PATH");
     command
         ->add_option("--into", m_options->reference,
                      "A sidebar entry: titles from the top, as PROJECTS/Clients/Brand, or its UUID text; without it "
@@ -115,6 +118,10 @@ void CommandLine::defineImport()
         ->add_option("--unreadable", m_options->unreadable,
                      "Skip files that cannot be read, or stop before anything is imported")
         ->check(CLI::IsMember({"skip", "stop"}));
+    command->add_flag("--resume", m_options->resumes,
+                      "Go on with imports that were cut off: import what is missing of them");
+    command->add_flag("--forget", m_options->forgets,
+                      "Give up imports that were cut off; what they brought into the library stays");
     command->add_flag("--json", m_json, "Print one object: imported, dropped, notifications");
 }
 
@@ -246,6 +253,14 @@ void CommandLine::defineDocumentation()
         return 0;
     });
     command->group(""); // for the documentation's own script
+}
+
+int CommandLine::run(CommandContext &context) const
+{
+    if (m_needsLibrary && context.delegate && !m_options->resumes && !m_options->forgets) {
+        zqTellOfCutOffImports(context);
+    }
+    return m_run(context);
 }
 
 bool CommandLine::parse(const QStringList &arguments, CommandContext &context, int *exitStatus)

@@ -46,7 +46,7 @@ public:
     DuplicatePolicy duplicatePolicy() const { return m_duplicatePolicy; }
     UnreadablePolicy unreadablePolicy() const { return m_unreadablePolicy; }
 
-    int run(CommandContext &context) const { return m_run(context); }
+    int run(CommandContext &context) const;
     // Draws the window; set by `main`, since only it knows the interface.
     void setSnapshotDrawer(std::function<int(const SnapshotRequest &, CommandContext &)> drawer)
     {

@@ -14,8 +14,12 @@ struct ImportRequest
     QString into;         // REF; empty: PROJECTS for folders, the Library for files
     qint64 index = -1;    // negative: at the end
     QStringList metadata; // "key=value"
+    bool resumes = false; // goes on with imports that were cut off, before anything else
+    bool forgets = false; // gives them up
 };
 int zqRunImport(const ImportRequest &request, CommandContext &context);
+// Says on the errors' side that there are imports which were cut off.
+void zqTellOfCutOffImports(CommandContext &context);
 
 struct ItemsRequest
 {

@@ -159,8 +159,28 @@ int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operation
 }
 } // namespace
 
+void zqTellOfCutOffImports(CommandContext &context)
+{
+    const qsizetype count = AImportManager::sharedAImportManager().cutOffImports().size();
+    if (count > 0) {
+        const QString text = count == 1 ? zqLocalized("an import was cut off")
+                                        : zqFormat(zqLocalized("%d imports were cut off"), {count});
+        context.errors += "zelto: " + text.toUtf8() + "; " +
+                          zqLocalized("zelto import --resume goes on with the missing files, zelto import --forget "
+                                      "gives them up")
+                              .toUtf8() +
+                          '\n';
+    }
+}
+
 int zqRunImport(const ImportRequest &request, CommandContext &context)
 {
+    if (request.paths.isEmpty() && !request.resumes && !request.forgets) {
+        return context.fail(zqLocalized("name what to import, or write --resume or --forget"));
+    }
+    if (request.resumes && request.forgets) {
+        return context.fail(zqLocalized("--resume and --forget exclude each other"));
+    }
     QVariantMap metadata;
     for (const QString &setting : request.metadata) {
         if (const auto problem = addMetadata(setting, metadata)) {
@@ -175,8 +195,16 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
         }
         paths.append(absolute);
     }
+    if (request.forgets) {
+        AImportManager::sharedAImportManager().forgetImports();
+    }
     std::vector<std::shared_ptr<ImportOperation>> operations;
-    if (!startImports(request, paths, metadata, context, operations)) {
+    if (request.resumes) {
+        for (const auto &operation : AImportManager::sharedAImportManager().resumeImports()) {
+            operations.push_back(operation);
+        }
+    }
+    if (!paths.isEmpty() && !startImports(request, paths, metadata, context, operations)) {
         return 2;
     }
     return reportImports(operations, context);

@@ -4,6 +4,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/PendingImport.h"
 #include "Classes/Import/TakeBackOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -111,7 +112,23 @@ std::shared_ptr<ImportOperation> AImportManager::startImport(const QStringList &
     if (origin) {
         operation->setOrigin(*origin);
     }
-    importOperationQueue().addOperation(operation);
+    const QUuid store = application().persistentStoreCoordinator()->storeUUID();
+    ZQError error;
+    auto pending = PendingImportFile::create(
+        pendingFolder(),
+        {.paths = paths,
+         .target = intoSidebarItemID.isNull() ? QString() : intoSidebarItemID.URIRepresentation(store),
+         .index = atIndex,
+         .metadata = metadata,
+         .archivePath = origin ? origin->archivePath : QString(),
+         .archiveRoot = origin ? origin->root : QString(),
+         .groups = {}},
+        &error);
+    if (!pending) {
+        qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
+                                         << error.localizedDescription();
+    }
+    queue(operation, pending, false);
     if (importOperationQueue().operationCount() >= 2) {
         announceQueued(paths);
     }

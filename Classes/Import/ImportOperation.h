@@ -3,6 +3,7 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/ImportReport.h"
+#include "Classes/Import/PendingImport.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -37,7 +38,10 @@ public:
 
     // Before the start: the request is what came out of this archive.
     void setOrigin(const UnfoldedArchive &archive);
+    // Before the start: where the request is kept until it ends. Resumed: go on with what it did not save.
+    void setPendingImport(std::shared_ptr<PendingImportFile> file, bool isResumed);
 
+    bool hasStarted() const { return m_hasStarted; } // any thread
     const ImportReport &report() const { return m_report; }
     // The requests for what the archives of this one held; complete once this one has finished. Main thread.
     const QList<std::shared_ptr<ImportOperation>> &followUps() const { return m_followUps; }
@@ -72,7 +76,8 @@ private:
         qint64 movedModification = 0;
         QStringList tags;
         QString notes;
-        bool isGone = false; // taken out again
+        bool isGone = false;    // taken out again
+        bool isEarlier = false; // saved before the batch was cut off
     };
 
     // Files whose operations run together, each with its slot.
@@ -120,6 +125,15 @@ private:
     void beginProgress();
     bool saveStructure();
     static void logSaveError(const ZQError &error);
+
+    // A batch that was cut off.
+    void restoreEarlierItems();
+    void restoreEarlierItem(const PendingImportFile::Source &source, ZQLibraryBaseItem &item);
+    QStringList withoutEarlier(const QStringList &files);
+    void importRemainingGroups();
+    void rememberGroups(const QList<Group> &groups);
+    void rememberUnsavedItems();
+    void endPendingImport(bool wasCancelled);
 
     // Groups.
     void importFiles(const Group &group);
@@ -178,6 +192,10 @@ private:
     QStringList m_foldersAndArchivesPathOrdered;
     ZQObjectID m_target;
     std::optional<UnfoldedArchive> m_origin;
+    std::shared_ptr<PendingImportFile> m_pendingImport;
+    bool m_isResumed = false;
+    std::atomic<bool> m_hasStarted = false;
+    QHash<QString, int> m_earlierPaths; // how often each is in already
     bool m_hasArchives = false;
     bool m_isProcessed = false; // the last group gave something
 
@@ -190,6 +208,7 @@ private:
     // Of items that the store names until their deletion was saved, and what is to be reported then.
     QStringList m_bundlesToRemoveOnceSaved;
     QList<DroppedFile> m_droppedOnceSaved;
+    QStringList m_discardedPaths;
     QDateTime m_firstImportDate;
 
     QList<std::shared_ptr<ImportOperation>> m_followUps;

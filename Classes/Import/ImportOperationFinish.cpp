@@ -65,6 +65,7 @@ void ImportOperation::finish()
         importUnfoldedArchives();
     }
     m_unfoldedArchives.clear();
+    endPendingImport(wasCancelled);
     writeReport(wasCancelled);
     tellResult(wasCancelled);
     m_progress.reset();
@@ -218,6 +219,9 @@ void ImportOperation::resolveDuplicate(const Duplicate &duplicate, DuplicateChoi
             relink(*duplicate.existing, *item);
         }
         takeOut(index);
+        if (!relinks) {
+            m_discardedPaths.append(m_createdItems[index].sourcePath);
+        }
         m_droppedOnceSaved.append({m_createdItems[index].sourcePath, reason, DroppedFile::Telling::Quietly});
     }
 }
@@ -251,7 +255,9 @@ void ImportOperation::relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &cre
 void ImportOperation::removeEverythingCreated()
 {
     for (std::size_t i = 0; i < m_createdItems.size(); ++i) {
-        takeOut(i);
+        if (!m_createdItems[i].isEarlier) { // the person has had those since the last launch
+            takeOut(i);
+        }
     }
     for (const ZQRef<ZQSidebarBaseItem> &item : std::as_const(m_createdSidebarItems)) {
         if (item->managedObjectContext() && !item->isDeleted()) { // a father takes its children along
@@ -270,7 +276,7 @@ void ImportOperation::completeItems()
         if (created.isGone) {
             continue;
         }
-        if (!created.movedPath.isEmpty()) {
+        if (!created.movedPath.isEmpty() && QFileInfo::exists(created.movedPath)) {
             removeSource(created.movedPath, created.movedModification);
         }
         if (writesTags) {
@@ -338,7 +344,9 @@ void ImportOperation::writeReport(bool wasCancelled)
     QSet<QString> importedPaths;
     for (const CreatedItem &created : m_createdItems) {
         if (!created.isGone) {
-            imported.append(created.bundleID);
+            if (!created.isEarlier) {
+                imported.append(created.bundleID);
+            }
             importedPaths.insert(created.sourcePath);
         }
     }

@@ -148,6 +148,7 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
     if (isCancelled() || !saveStructure()) {
         return;
     }
+    rememberGroups(groups);
     orderLikeTheDrop(groups);
     beginProgress();
     for (const Group &group : groups) {

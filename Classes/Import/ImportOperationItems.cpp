@@ -208,6 +208,7 @@ ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &text)
 bool ImportOperation::saveItems(ZQError *failure)
 {
     ZQError error;
+    rememberUnsavedItems();
     const QString library = ZQLibraryEnvironment::current().libraryDirectory();
     const bool isSynced =
         m_unsavedItems.isEmpty() || zqSyncFileSystem(library, &error); // files are safe before rows name them

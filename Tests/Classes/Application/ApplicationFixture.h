@@ -64,6 +64,9 @@ public:
         takenBack += names;
         done(names.size(), true);
     }
+    std::optional<QDateTime> cutOffImportSince() override { return cutOff; }
+    void offerToResumeImports() override { calls.append(QStringLiteral("resume")); }
+    void setKeepsCancelledImports(bool keeps) override { keptCancelled.append(keeps); }
     ZQOperationQueue &syncOperationQueue() override { return m_sync; }
     void getLiveFolderPermissionFromSandbox() override { calls.append(QStringLiteral("permission")); }
     void startObservingWatchedFolders() override { calls.append(QStringLiteral("observe")); }
@@ -75,6 +78,8 @@ public:
     QList<Import> imports;
     QStringList calls;
     QStringList takenBack;
+    std::optional<QDateTime> cutOff;
+    QList<bool> keptCancelled;
 
 private:
     ZQOperationQueue m_sync;

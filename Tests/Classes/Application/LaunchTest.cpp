@@ -175,6 +175,13 @@ TEST_F(ApplicationTest, MoreThanAnImportLeavesIsRemovedOnlyWhenThePersonSaysSo)
     EXPECT_EQ(left(), many);
     EXPECT_EQ(launchAnswering(1), 1);
     EXPECT_EQ(left(), 0);
+    imports.cutOff = QDateTime::currentDateTimeUtc().addMSecs(-1); // it accounts for them
+    for (int i = 0; i < many; ++i) {
+        QDir().mkpath(library + QStringLiteral("/%1.ztlibraryitem").arg(i));
+    }
+    EXPECT_EQ(launchAnswering(-1), 0);
+    EXPECT_EQ(left(), 0);
+    imports.cutOff.reset();
     for (int i = 0; i < 20; ++i) {
         QDir().mkpath(library + QStringLiteral("/%1.ztlibraryitem").arg(i));
     }

@@ -113,6 +113,19 @@ TEST_F(ApplicationTest, QuittingRemovesWhatWasDeletedForGood)
     EXPECT_TRUE(QDir(QFile::decodeName(qgetenv("TMPDIR"))).isEmpty()); // the scratch folder is gone
 }
 
+TEST_F(ApplicationTest, QuittingLeavesTheTemporaryFolderToAnImportThatWasCutOff)
+{
+    const auto delegate = launched();
+    addItem(*delegate, QStringLiteral("deleted"))->setActive(false);
+    delegate->saveAction();
+    const QString picture = tamberin_AppDelegate::temporaryFolder() + QStringLiteral("/t.abc/picture.png");
+    made(picture);
+    imports.cutOff = QDateTime::currentDateTimeUtc();
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    delegate->waitForRemovals();
+    EXPECT_TRUE(QFileInfo::exists(picture));
+}
+
 TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePersonSaysSo)
 {
     const auto delegate = launched();
@@ -136,6 +149,7 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_TRUE(operation->isFinished());
     EXPECT_TRUE(waiting->isCancelled());
+    EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false})); // it is offered at the next launch
     EXPECT_TRUE(user.notificationTexts().contains(QStringLiteral("Cleaning up library")));
 }
 

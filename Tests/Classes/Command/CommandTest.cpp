@@ -1,3 +1,5 @@
+#include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/PendingImport.h"
 #include "Tests/Classes/Command/CommandFixture.h"
 #include "Tools/samples/SampleArchives.h"
 
@@ -150,6 +152,36 @@ TEST_F(CommandTest, WithoutATargetFoldersBecomeProjectsAndFilesGoIntoTheLibrary)
     for (const auto &child : projects->orderedChildren()) {
         EXPECT_NE(child->title(), QStringLiteral("New Project")); // the loose file is in no project
     }
+}
+
+TEST_F(CommandTest, ImportsThatWereCutOffAreSpokenOfAndGoOnOrAreForgotten)
+{
+    const QString a = picture(QStringLiteral("in/a.png"), qRgb(20, 20, 220));
+    const QString folder = world.filePath(QStringLiteral("Test.ztlibrary/pending-imports"));
+    const auto cutOff = [&] {
+        return PendingImportFile::create(folder, {.paths = {a},
+                                                  .target = {},
+                                                  .index = ImportOperation::appendIndex,
+                                                  .metadata = {},
+                                                  .archivePath = {},
+                                                  .archiveRoot = {},
+                                                  .groups = {}}) != nullptr;
+    };
+    ASSERT_TRUE(cutOff());
+    EXPECT_EQ(run("items --json"), 0);
+    EXPECT_TRUE(array().isEmpty());
+    EXPECT_TRUE(context.errors.contains("zelto import --resume"));
+    EXPECT_EQ(run("import --resume --json"), 0) << context.errors.constData();
+    EXPECT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 1);
+    EXPECT_EQ((run("items --json"), array().size()), 1);
+    EXPECT_TRUE(context.errors.isEmpty());
+
+    ASSERT_TRUE(cutOff());
+    EXPECT_EQ(run("import --forget"), 0);
+    EXPECT_TRUE(PendingImportFile::cutOff(folder).isEmpty());
+    EXPECT_EQ((run("items --json"), array().size()), 1);
+    EXPECT_EQ(run("import"), 2);
+    EXPECT_EQ(run("import --resume --forget"), 2);
 }
 
 TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)
