@@ -1,5 +1,6 @@
 // Imports that an earlier process did not end.
 
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
@@ -45,7 +46,7 @@ ZQObjectID targetOf(const PendingImport &request, ZQManagedObjectContext &contex
 std::shared_ptr<TemporaryFolder> holderOf(const QString &root)
 {
     const QString holder = QFileInfo(root).path();
-    const bool isOurs = QFileInfo(holder).path() == tamberin_AppDelegate::temporaryFolder() &&
+    const bool isOurs = QFileInfo(holder).path() == TemporaryArea::folder() &&
                         QFileInfo(holder).fileName().startsWith(u"t.") && QFileInfo(holder).isDir() &&
                         !QFileInfo(holder).isSymLink();
     return isOurs ? std::make_shared<TemporaryFolder>(holder) : nullptr;

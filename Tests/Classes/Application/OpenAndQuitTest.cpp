@@ -118,7 +118,7 @@ TEST_F(ApplicationTest, QuittingLeavesTheTemporaryFolderToAnImportThatWasCutOff)
     const auto delegate = launched();
     addItem(*delegate, QStringLiteral("deleted"))->setActive(false);
     delegate->saveAction();
-    const QString picture = tamberin_AppDelegate::temporaryFolder() + QStringLiteral("/t.abc/picture.png");
+    const QString picture = TemporaryArea::folder() + QStringLiteral("/t.abc/picture.png");
     made(picture);
     imports.cutOff = QDateTime::currentDateTimeUtc();
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
