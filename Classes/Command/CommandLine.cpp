@@ -435,7 +435,7 @@ QString CommandLine::markdown() const
                                  "library open, the command runs in the "
                                  "window's process, so that two processes never write one library.\n\n"
                                  "Only data goes to standard output; errors go to standard error. The exit status is "
-                                 "0, 1 when `verify` found something wrong, "
+                                 "0, 1 when `verify` found something wrong or `recover` met an open library, "
                                  "and 2 after an error, in which case nothing was changed.\n");
     describe(*m_app, QStringLiteral("zelto"), out);
     return out;
