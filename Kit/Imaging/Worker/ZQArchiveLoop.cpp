@@ -29,7 +29,8 @@ ZQArchiveAnswer nextBlock(ZQArchiveFile &file, char *area)
 
 } // namespace
 
-void zqRunArchiveLoop(char *area, void (*interception)(const ZQArchiveQuestion &question, ZQArchiveAnswer &answer))
+void zqRunArchiveLoop(char *area, const QString &refusal,
+                      void (*interception)(const ZQArchiveQuestion &question, ZQArchiveAnswer &answer))
 {
     std::unique_ptr<ZQArchiveFile> file;
     for (;;) {
@@ -40,7 +41,9 @@ void zqRunArchiveLoop(char *area, void (*interception)(const ZQArchiveQuestion &
             return;
         }
         ZQArchiveAnswer answer;
-        if (opens) {
+        if (opens && !refusal.isEmpty()) {
+            answer.end = {ZQArchiveEnd::Kind::Damaged, refusal};
+        } else if (opens) {
             file = std::make_unique<ZQArchiveFile>(std::move(message.descriptor));
             answer.kind = ZQArchiveAnswer::Kind::Opened;
         } else {

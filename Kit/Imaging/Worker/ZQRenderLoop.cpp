@@ -1,5 +1,6 @@
 #include "Kit/Imaging/Worker/ZQRenderLoop.h"
 
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
@@ -57,8 +58,8 @@ bool writeRows(int descriptor, const ZQBitmap &bitmap)
 class RenderLoop
 {
 public:
-    explicit RenderLoop(const ZQRenderLoopOptions &options)
-        : m_options(options),
+    RenderLoop(const ZQRenderLoopOptions &options, const QString &refusal)
+        : m_options(options), m_refusal(refusal),
           m_area(static_cast<uchar *>(::mmap(nullptr, size_t(zqRenderAreaBytes), PROT_READ | PROT_WRITE, MAP_SHARED,
                                              ZQRenderDescriptor::area, 0)))
     {
@@ -81,6 +82,9 @@ public:
 private:
     bool answer(const ZQRenderRequest &request, const ZQSourceFile &file)
     {
+        if (!m_refusal.isEmpty()) {
+            return sendError(zqImagingError(ZQImagingErrorCode::ToolFailed, request.name, m_refusal), false);
+        }
         if (m_options.interception && m_options.interception(request, file)) {
             return true;
         }
@@ -184,6 +188,7 @@ private:
     }
 
     const ZQRenderLoopOptions m_options;
+    const QString m_refusal; // empty: files are read
     uchar *m_area;
 };
 
@@ -205,7 +210,8 @@ int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
         zqEnterRenderSandbox({.folder = forArchives ? nullptr : argv[1],
                               .memory = std::atoll(argv[3]),
                               .thumbnailed = forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1,
-                              .useFileRules = options.useFileRules});
+                              .useFileRules = options.useFileRules,
+                              .useCallRules = options.useCallRules});
     if (!restrictions.areWhole()) {
         zqForbidDrawingPrograms();
         qputenv("VIPS_DISC_THRESHOLD", "1t"); // large pictures stay in memory: no file can be written
@@ -222,12 +228,17 @@ int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
     hello.kind = ZQRenderAnswer::Kind::Hello;
     hello.restrictsFiles = restrictions.files;
     hello.restrictsCalls = restrictions.calls;
-    RenderLoop loop(options);
+    const QString refusal =
+        restrictions.files || restrictions.calls
+            ? QString()
+            : zqLocalized("This system has neither Landlock nor seccomp to keep what reads it from your files. Use a "
+                          "Linux kernel that has them.");
+    RenderLoop loop(options, refusal);
     if (!loop.isReady() || !zqSendMessage(ZQRenderDescriptor::socket, zqEncode(hello))) {
         return EXIT_FAILURE;
     }
     try {
-        forArchives ? zqRunArchiveLoop(loop.area(), options.archiveInterception) : loop.run();
+        forArchives ? zqRunArchiveLoop(loop.area(), refusal, options.archiveInterception) : loop.run();
     } catch (const std::bad_alloc &) {
         ::_exit(zqRenderExitOutOfMemory);
     }

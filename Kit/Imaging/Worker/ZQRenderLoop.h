@@ -11,12 +11,14 @@ struct ZQRenderLoopOptions
     bool (*interception)(const ZQRenderRequest &request, const ZQSourceFile &file) = nullptr;
     // Asked before an answer about an archive is sent, which it may change.
     void (*archiveInterception)(const ZQArchiveQuestion &question, ZQArchiveAnswer &answer) = nullptr;
-    bool useFileRules = true; // false: as where the system has none
+    bool useFileRules = true; // false: as where the system has none, and so below
+    bool useCallRules = true;
 };
 
 // The whole life of a worker process: gives up what it does not need, then answers requests on the socket it was born
 // with until the other side closes it. `argv` is what ZQRenderProcess passes: the folder it may write in, the process
 // that started it, the memory it may take, and "files", "thumbnailer" or "archives".
 //
-// A worker that could not give up everything starts no other program, and says why where that costs a picture.
+// A worker that could not give up everything starts no other program, and says why where that costs a picture. One that
+// could give up nothing reads no file at all.
 int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options = {});

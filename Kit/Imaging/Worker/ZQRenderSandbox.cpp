@@ -210,6 +210,6 @@ ZQRenderRestrictions zqEnterRenderSandbox(const ZQRenderNeeds &needs)
     }
     ZQRenderRestrictions out;
     out.files = needs.useFileRules && restrictFiles(needs.folder, needs.thumbnailed);
-    out.calls = zqRestrictCalls(out.files && needs.folder);
+    out.calls = needs.useCallRules && zqRestrictCalls(out.files && needs.folder);
     return out;
 }

@@ -19,6 +19,7 @@ struct ZQRenderNeeds
     const char *folder = nullptr; // null: it writes nothing at all and starts no program
     qint64 memory = 0;            // the most address space in bytes
     int thumbnailed = -1;         // a descriptor whose file may also be opened by its path, or -1
-    bool useFileRules = true;     // false does as on a system that has none
+    bool useFileRules = true;     // false does as on a system that has none, and so below
+    bool useCallRules = true;
 };
 ZQRenderRestrictions zqEnterRenderSandbox(const ZQRenderNeeds &needs);

@@ -1,6 +1,7 @@
 #include "Kit/Files/ZQArchiveReader.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Imaging/ZQArchiveWorker.h"
+#include "Kit/Imaging/ZQRenderPool.h"
 #include "Tests/Kit/Imaging/ImagingSupport.h"
 #include "Tools/samples/SampleArchives.h"
 #include "Tools/samples/SampleFormats.h"
@@ -25,6 +26,7 @@ protected:
     {
         qunsetenv("ZELTO_RENDER");
         qunsetenv("ZELTO_FAULTY_WITHOUT_LANDLOCK");
+        qunsetenv("ZELTO_FAULTY_WITHOUT_SECCOMP");
     }
 
     QString archiveOf(const QByteArray &entry)
@@ -74,6 +76,21 @@ TEST_F(ArchiveWorkerTest, AWorkerThatUnpacksWritesNothingItself)
         EXPECT_TRUE(extract(worker, "write")) << error.localizedDescription().toStdString();
         EXPECT_TRUE(QFile::exists(path("out/refused"))) << hasLandlock;
     }
+}
+
+TEST_F(ArchiveWorkerTest, WhereNothingConfinesAWorkerItReadsNothing)
+{
+    qputenv("ZELTO_FAULTY_WITHOUT_LANDLOCK", "1");
+    qputenv("ZELTO_FAULTY_WITHOUT_SECCOMP", "1");
+    ZQArchiveWorker worker;
+    EXPECT_FALSE(extract(worker, "good"));
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("neither Landlock nor seccomp")));
+    QImage image(20, 10, QImage::Format_RGBA8888);
+    image.fill(Qt::red);
+    ASSERT_TRUE(image.save(path("p.png")));
+    ZQRenderPool pool({.processes = 1});
+    EXPECT_TRUE(pool.perform(ZQRenderRequest::Kind::Bitmap, path("p.png"), {}, 0, &error).bitmap.isNull());
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("neither Landlock nor seccomp")));
 }
 
 TEST_F(ArchiveWorkerTest, ACancelEndsTheWorkerInTheMiddleOfAnEntry)
