@@ -23,8 +23,10 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QProcess>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -72,7 +74,9 @@ InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delega
     commandLine.setSnapshotDrawer(drawSnapshot);
     int status = 0;
     if (commandLine.parse(request.arguments, context, &status)) {
-        if (commandLine.isCommand()) {
+        if (!delegate.managedObjectContext()) {
+            status = context.fail(zqLocalized("the library is being moved; try again once that is done"));
+        } else if (commandLine.isCommand()) {
             status = commandLine.run(context);
         } else {
             QStringList paths;
@@ -156,8 +160,26 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
 
+// A library among the files to open is the one to start with, unless a window with the remembered one is there already:
+// that one asks whether to switch. Before the library is first asked for.
+bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError *error)
+{
+    const auto library = std::find_if(files.begin(), files.end(), [](const QString &file) {
+        return file.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive);
+    });
+    if (library == files.end() || !commandLine.library().isEmpty() ||
+        LibraryLock::isInUse(tamberin_AppDelegate::rememberedLibrary())) {
+        return true;
+    }
+    if (!tamberin_AppDelegate::saveNewLibraryURL(*library, error)) {
+        return false;
+    }
+    files.erase(library);
+    return true;
+}
+
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
-              CommandContext &context)
+              CommandContext &context, bool *reopens)
 {
     PreferencesController::registerDefaultPreferences(); // the theme is one of them
     MainWindowController::applyTheme();
@@ -179,8 +201,11 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     for (const QString &file : commandLine.filesToOpen()) {
         files.append(context.absolutePath(file));
     }
-    const QString bundle = bundleFor(delegate, commandLine);
     ZQError error;
+    if (!takeLibraryFrom(files, commandLine, &error)) {
+        return context.fail(error.localizedDescription());
+    }
+    const QString bundle = bundleFor(delegate, commandLine);
     if (!delegate.lockLibrary(&error)) {
         return error.code == LibraryLock::InUse ? handOver(bundle, arguments, context, error)
                                                 : context.fail(error.localizedDescription());
@@ -207,6 +232,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         }
     });
     const int status = application.exec();
+    *reopens = delegate.reopensAfterQuit();
     zqStopMainThreadCalls();
     return status;
 }
@@ -249,7 +275,13 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
+    bool reopens = false;
     status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context)
-                                      : runWindow(application, commandLine, arguments, context);
+                                      : runWindow(application, commandLine, arguments, context, &reopens);
+    if (reopens) { // only now nobody holds the library any more
+        const QString library = commandLine.library();
+        QProcess::startDetached(QCoreApplication::applicationFilePath(),
+                                library.isEmpty() ? QStringList() : QStringList{QStringLiteral("--library"), library});
+    }
     return print(context, status);
 }

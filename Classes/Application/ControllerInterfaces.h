@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ZQManagedObjectContext;
 class ZQOperationQueue;
@@ -43,6 +45,16 @@ public:
     virtual ~ImportManaging() = default;
     virtual void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                                     const QVariantMap &metadata) = 0;
+    // Makes items again of item directories that no item names, by the directories' names, where they lie: nothing in
+    // them is copied, moved or removed. In the background. `done` is called on the main thread with how many became
+    // items and whether all were seen to; those that gave none keep their directories.
+    virtual void takeBackItemDirectories(const QStringList &names,
+                                         std::function<void(qsizetype takenBack, bool isComplete)> done) = 0;
+    // Imports that an earlier process did not end: when the first of them began, and the question about them.
+    virtual std::optional<QDateTime> cutOffImportSince() = 0;
+    virtual void offerToResumeImports() = 0;
+    // From then on a cancel is no decision of the person's: what was asked for is kept for the next launch.
+    virtual void setKeepsCancelledImports(bool keeps) = 0;
     virtual ZQOperationQueue &syncOperationQueue() = 0;
     virtual void getLiveFolderPermissionFromSandbox() = 0;
     virtual void startObservingWatchedFolders() = 0;

@@ -35,6 +35,18 @@ std::unique_ptr<LibraryLock> LibraryLock::lockBundle(const QString &bundleDirect
     return std::unique_ptr<LibraryLock>(new LibraryLock(descriptor));
 }
 
+bool LibraryLock::isInUse(const QString &bundleDirectory)
+{
+    const QByteArray path = QFile::encodeName(bundleDirectory + QStringLiteral("/lock"));
+    const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool isHeld = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    ::close(descriptor);
+    return isHeld;
+}
+
 LibraryLock::~LibraryLock()
 {
     ::close(m_descriptor);

@@ -18,6 +18,9 @@ public:
     LibraryLock(const LibraryLock &) = delete;
     LibraryLock &operator=(const LibraryLock &) = delete;
 
+    // Whether another process holds this bundle. Changes nothing; a bundle that does not exist is not in use.
+    static bool isInUse(const QString &bundleDirectory);
+
     // Where the process that holds this bundle listens for others: a socket name in the runtime directory, made from
     // the bundle's canonical path.
     static QString socketNameForBundle(const QString &bundleDirectory);

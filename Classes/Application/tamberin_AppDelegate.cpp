@@ -1,8 +1,10 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/PreferencesController.h"
+#include "Classes/Application/RatingFiller.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -18,12 +20,15 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <chrono>
+
 namespace {
 tamberin_AppDelegate *sharedInstance = nullptr;
 
 constexpr std::chrono::milliseconds windowFirst{500};
 constexpr std::chrono::milliseconds retryOpening{200};
 constexpr int activationGateMilliseconds = 200;
+constexpr std::chrono::seconds commandPatience{1}; // for what a window does beside its work
 } // namespace
 
 tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
@@ -40,7 +45,14 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
 {
     m_mainWindowController.reset();
     m_zeltoKunViewController.reset();
+    stopStoreWork();
+    if (m_parts.importManager) { // what ends with the process was not given up by anybody
+        m_parts.importManager->setKeepsCancelledImports(true);
+    }
     m_backgroundOperationQueue.reset();
+    if (m_parts.importManager) {
+        m_parts.importManager->setKeepsCancelledImports(false);
+    }
     m_environment->closeTagFiles();
     m_context.reset();
     m_coordinator.reset();
@@ -93,12 +105,15 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
         m_parts.crashReporter->start({[this] { reopenMainWindow(); },
                                       [this] {
                                           checkAndDeleteLibraryLeftovers();
+                                          if (m_parts.importManager) { // makes new directories
+                                              m_parts.importManager->offerToResumeImports();
+                                          }
                                           return QString();
                                       }},
                                      true);
     }
     setApplicationLauched(true);
-    checkStoreAfterUncleanEnd();
+    startStoreWork();
 }
 
 bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
@@ -107,16 +122,23 @@ bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
     if (!lockLibrary(error) || libraryDirectory().isEmpty()) {
         return false;
     }
-    checkModelMigration(); // before the store is opened, which migrates it
     if (!openStore(error)) {
         return false;
     }
-    if (m_coordinator->wasUncleanlyClosed()) {
-        checkAndDeleteLibraryLeftovers();
-    }
+    checkModelMigration();
+    RatingFiller(m_coordinator, [this](const ZQContextDidSave &saved) {
+        mergeSaved(saved);
+    }).run([deadline = std::chrono::steady_clock::now() + commandPatience] {
+        return std::chrono::steady_clock::now() < deadline;
+    });
     setupBasicSidebarProjects();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
     m_environment->finishInterruptedTagWrites();
+    const bool isNewStore = m_coordinator->creationDate() >= m_launchDate;
+    if (m_coordinator->wasUncleanlyClosed() || m_coordinator->wasRecovered() || isNewStore) {
+        checkAndDeleteLibraryLeftovers();
+        zqRunMainLoopUntil([this] { return !m_isTakingBack; }); // the command is about all of the library
+    }
     return true;
 }
 
@@ -210,6 +232,14 @@ void tamberin_AppDelegate::reopenMainWindow()
 
 bool tamberin_AppDelegate::switchToLibrary(const QString &path)
 {
+    ZQError error = refusalOfLibrary(path);
+    if (!error.isNull()) {
+        userInteraction().presentError(error);
+        return false;
+    }
+    if (LibraryMove::isSamePlace(path, libraryBundleDirectory())) {
+        return false; // it is open
+    }
     if (m_mainWindowController) {
         const int answer = userInteraction().ask({zqLocalized("Opening a new library requires Zelto to relaunch"),
                                                   zqLocalized("Do you want to switch library and quit Zelto?"),
@@ -220,7 +250,10 @@ bool tamberin_AppDelegate::switchToLibrary(const QString &path)
             return false;
         }
     }
-    saveNewLibraryURL(path);
+    if (!saveNewLibraryURL(path, &error)) {
+        userInteraction().presentError(error);
+        return false;
+    }
     if (m_mainWindowController) {
         terminate();
     }

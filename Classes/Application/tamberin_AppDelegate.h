@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/LibraryRecovery.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -11,6 +12,7 @@
 #include <QProcess>
 
 #include <memory>
+#include <stop_token>
 
 class LibraryLock;
 class ModelEnvironment;
@@ -65,7 +67,13 @@ public:
     void removeManagedObjectContext();
     void saveAction();
     void checkModelMigration();
-    void migrateToModelVersion(const QString &version);
+    void migrateToModelVersion(const QString &version); // "Version6", "Version7"; nothing for others
+    // Copies what can be read of the damaged store into a new one that takes its place. The store must not be open.
+    std::optional<LibraryRecovery> recoverLibrary(ZQError *error);
+    // Whether the person agreed to quit only so that the next launch recovers the library.
+    bool reopensAfterQuit() const { return m_reopensAfterQuit; }
+    // What no item names and is younger than the store goes; what is older, or left after a recovery, becomes items
+    // again in the background.
     void checkAndDeleteLibraryLeftovers();
 
     // Places. The directories are created when first asked for; empty on failure. `libraryDirectory` may be called from
@@ -77,7 +85,6 @@ public:
     QString exportIconDirectory();
     QString wallpaperDirectory();
     QString templateDirectory();
-    static QString temporaryFolder(); // "ZeltoTemporaryFolder" in the system temporary directory; not created
     // For a command or a test: this bundle, whatever the preferences remember. Before the library is first asked for.
     void setLibraryBundleDirectory(const QString &path);
 
@@ -101,10 +108,13 @@ public:
     // Switching libraries: the new location takes effect at the next launch.
     void newZeltoLibrary();
     void openZeltoLibrary();
-    void moveZeltoLibrary();
+    void moveZeltoLibrary(); // takes the window away: not from inside one of its own events
     void revealLibraryInFinder();
-    static void saveNewLibraryURL(const QString &path);
-    static QString loadLibraryURL(); // empty: none remembered, or it cannot be used
+    // Remembers an existing library; false, with what was remembered kept, when it cannot be used.
+    static bool saveNewLibraryURL(const QString &path, ZQError *error = nullptr);
+    static ZQError refusalOfLibrary(const QString &path); // why `path` cannot be opened as a library; null when it can
+    static QString loadLibraryURL();                      // empty: none remembered, or it cannot be used
+    static QString rememberedLibrary();                   // that, or where the default library is; nothing is made
 
     MainWindowControlling *mainWindowController() const { return m_mainWindowController.get(); }
     ScreenCaptureControlling *zeltoKunViewController() const { return m_zeltoKunViewController.get(); }
@@ -118,13 +128,24 @@ private:
     QString createdDirectory(const QString &path, const char *message);
     bool openStore(ZQError *error);
     void notifyAndQuit();
+    void rememberAndQuit(const QString &library);
+    bool agreesToReplace(const QString &path);
+    bool moveInBackground(const QString &source, const QString &destination, ZQError *error);
     bool stopRunningImports();
     QStringList purge();
     void importOpenedFiles(const QStringList &paths);
     bool switchToLibrary(const QString &path);
     bool moveTemplate(const QString &path);
-    bool offerRecovery(const QString &storePath, const ZQError &damage);
-    void checkStoreAfterUncleanEnd();
+    bool offerRecovery(const ZQError &damage);
+    bool fillInVersion(const QString &version);
+    // What the open store still needs and the person need not wait for.
+    void startStoreWork();
+    void stopStoreWork();
+    void reportDamage(const QStringList &problems);
+    void mergeSaved(const ZQContextDidSave &notification);
+    int answerAboutLeftovers(qsizetype count, qsizetype ofAll);
+    void takeBack(const QStringList &directories);
+    void didTakeBack(qsizetype takenBack, bool isComplete);
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     ApplicationParts m_parts;
@@ -136,6 +157,8 @@ private:
     std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     std::unique_ptr<ZQManagedObjectContext> m_context;
     std::unique_ptr<LibraryLock> m_lock;
+    std::unique_ptr<ZQOperationQueue> m_storeQueue;
+    std::stop_source m_storeStop;
     QString m_requestedBundleDirectory;
     QString m_libraryBundleDirectory;
     QString m_libraryDirectory;
@@ -143,6 +166,8 @@ private:
     bool m_storeFailed = false;
     bool m_observesLocale = false;
     bool m_isTerminating = false;
+    bool m_isTakingBack = false;
+    bool m_reopensAfterQuit = false;
     QProcess *m_deleteTask = nullptr;
     bool m_shouldShowMainWindowOnActivation = true;
     bool m_applicationLauched = false;

@@ -1,4 +1,5 @@
-// Item directories that belong to no item of the store.
+// Item directories that belong to no item of the store: what an ended import left goes, what a lost store knew comes
+// back.
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
@@ -8,50 +9,160 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 #include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype pathsPerRemoval = 1000;
+constexpr qsizetype removedWithoutAsking = 20;
+constexpr qint64 clockGrain = 1000; // milliseconds; birth times come from a coarser clock
+constexpr int takeBackButton = 0;
+constexpr int removeButton = 1;
+
+// In small letters: a file system or a program may have changed those of a directory's name.
+std::optional<QSet<QString>> bundleIDsOfStore(ZQManagedObjectContext &context)
+{
+    ZQError error;
+    const auto rows =
+        context.fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
+    if (!rows) {
+        const QString description = error.localizedDescription();
+        qCWarning(zqLogStore).noquote() << zqFormat(
+            QStringLiteral("Error while fetching\n%@"),
+            {description.isEmpty() ? QStringLiteral("Unknown Error") : description});
+        return std::nullopt;
+    }
+    QSet<QString> known;
+    known.reserve(rows->size());
+    for (const QVariantMap &row : *rows) {
+        known.insert(row.value(QStringLiteral("bundleID")).toString().toLower());
+    }
+    return known;
+}
+
+// Item directories that no item names, by their names.
+struct Unnamed
+{
+    QStringList lost;          // which a store that is gone may have named
+    QStringList leftovers;     // made for items that were never saved, or whose items were removed
+    qsizetype unexplained = 0; // of the leftovers, those that no import which was cut off accounts for
+    qsizetype directories = 0; // all there are
+};
+
+Unnamed unnamedDirectories(const QString &library, const QSet<QString> &known, const QDateTime &launch,
+                           const std::optional<QDateTime> &cutOffImport, const ZQPersistentStoreCoordinator &store)
+{
+    Unnamed unnamed;
+    const QDateTime storeDate = store.creationDate();
+    const QFileInfoList entries = QDir(library).entryInfoList({u'*' + ZQLibraryBaseItem::itemDirectoryExtension},
+                                                              QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
+    for (const QFileInfo &entry : entries) {
+        ++unnamed.directories;
+        const auto dates = zqFileDates(entry.filePath());
+        // A directory made since launch belongs to an import that has not saved yet.
+        if (known.contains(entry.completeBaseName().toLower()) || !dates || dates->birth > launch.toMSecsSinceEpoch()) {
+            continue;
+        }
+        // A copied library is born with its copy; times that were kept tell how old it is.
+        const qint64 since = std::min(dates->birth, dates->modification);
+        const bool mayHaveBeenNamed =
+            store.wasRecovered() || !storeDate.isValid() || since <= storeDate.toMSecsSinceEpoch();
+        (mayHaveBeenNamed ? unnamed.lost : unnamed.leftovers).append(entry.fileName());
+        const bool isExplained = cutOffImport && dates->birth >= cutOffImport->toMSecsSinceEpoch() - clockGrain;
+        unnamed.unexplained += !mayHaveBeenNamed && !isExplained ? 1 : 0;
+    }
+    return unnamed;
+}
+
+} // namespace
 
 void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
 {
     ZQManagedObjectContext *context = managedObjectContext();
     const QString library = libraryDirectory();
-    if (!context || library.isEmpty()) {
+    const auto known = context && !library.isEmpty() ? bundleIDsOfStore(*context) : std::nullopt;
+    if (!known) {
         return;
     }
-    ZQError error;
-    const auto rows =
-        context->fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
-    if (!rows) {
-        qCWarning(zqLogStore).noquote() << zqFormat(QStringLiteral("Error while fetching\n%@"),
-                                                     {error.localizedDescription().isEmpty()
-                                                          ? QStringLiteral("Unknown Error")
-                                                          : error.localizedDescription()});
-        return;
-    }
-    QSet<QString> known;
-    known.reserve(rows->size());
-    for (const QVariantMap &row : *rows) {
-        known.insert(row.value(QStringLiteral("bundleID")).toString());
-    }
-
-    QStringList leftovers;
-    const QFileInfoList entries = QDir(library).entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QFileInfo &entry : entries) {
-        const QString name = entry.completeBaseName();
-        // A directory made since launch belongs to an import that has not saved yet.
-        const auto dates = zqFileDates(entry.filePath());
-        const bool isOlder = dates && dates->birth <= m_launchDate.toMSecsSinceEpoch();
-        if (!known.contains(name) && isOlder) {
-            leftovers.append(name + QStringLiteral(".ztlibraryitem"));
-        }
-    }
-    if (leftovers.isEmpty()) {
-        return;
-    }
-    if (known.isEmpty()) {
+    const std::optional<QDateTime> cutOffImport =
+        m_parts.importManager ? m_parts.importManager->cutOffImportSince() : std::nullopt;
+    Unnamed unnamed = unnamedDirectories(library, *known, m_launchDate, cutOffImport, *m_coordinator);
+    if (known->isEmpty() && !unnamed.leftovers.isEmpty()) {
         // A store without a single item beside filled directories is a lost or restored store, not rubbish.
-        qCWarning(zqLogApplication) << "The store lists no items, so" << leftovers.size()
+        qCWarning(zqLogApplication) << "The store lists no items, so" << unnamed.leftovers.size()
                                     << "item directories are left where they are";
+        unnamed.leftovers.clear();
+        unnamed.unexplained = 0;
+    }
+    switch (answerAboutLeftovers(unnamed.unexplained, unnamed.directories)) {
+    case takeBackButton:
+        unnamed.lost.append(unnamed.leftovers);
+        break;
+    case removeButton:
+        for (qsizetype first = 0; first < unnamed.leftovers.size(); first += pathsPerRemoval) {
+            deleteFilesAtPaths(unnamed.leftovers.mid(first, pathsPerRemoval), library);
+        }
+        break;
+    default:
+        qCWarning(zqLogApplication) << unnamed.leftovers.size() << "item directories of no item are left";
+        break;
+    }
+    takeBack(unnamed.lost);
+}
+
+// So many at once are hardly what one import left.
+int tamberin_AppDelegate::answerAboutLeftovers(qsizetype count, qsizetype ofAll)
+{
+    if (count <= removedWithoutAsking || count * 10 <= ofAll) {
+        return removeButton;
+    }
+    return userInteraction().ask(
+        {zqFormat(zqLocalized("%d folders of the library belong to no item"), {count}),
+         zqLocalized("They may be what is left of imports that were cut off, or belong to items that the library lost. "
+                     "Zelto can take them back into the project “Recovered”, where you can look at them, or remove "
+                     "them with the files in them."),
+         {zqLocalized("Take Back"), zqLocalized("Remove"), zqLocalized("Not Now")},
+         {},
+         true});
+}
+
+void tamberin_AppDelegate::takeBack(const QStringList &directories)
+{
+    if (directories.isEmpty()) {
+        if (m_coordinator->wasRecovered()) {
+            m_coordinator->clearRecovered();
+        }
         return;
     }
-    deleteFilesAtPaths(leftovers, library);
+    if (!m_parts.importManager) {
+        qCWarning(zqLogApplication) << directories.size() << "item directories of no item are left";
+        return;
+    }
+    m_isTakingBack = true;
+    m_parts.importManager->takeBackItemDirectories(directories,
+                                                   [delegate = QPointer(this)](qsizetype takenBack, bool isComplete) {
+                                                       if (delegate) {
+                                                           delegate->didTakeBack(takenBack, isComplete);
+                                                       }
+                                                   });
+}
+
+void tamberin_AppDelegate::didTakeBack(qsizetype takenBack, bool isComplete)
+{
+    m_isTakingBack = false;
+    if (isComplete && m_coordinator && m_coordinator->wasRecovered()) {
+        m_coordinator->clearRecovered();
+    }
+    if (takenBack == 0) {
+        return;
+    }
+    userInteraction().presentError(ZQError::with(
+        QStringLiteral("zelto.library"), 4,
+        takenBack == 1
+            ? zqLocalized("1 file of the library had lost its entry and was taken back.")
+            : zqFormat(zqLocalized("%d files of the library had lost their entries and were taken back."), {takenBack}),
+        zqLocalized("Look for them in the project “Recovered”.")));
 }

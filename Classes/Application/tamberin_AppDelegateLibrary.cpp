@@ -1,10 +1,13 @@
 // Where the library is, the directories beside it, and switching to another one.
 
+#include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -17,9 +20,11 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
+#include <thread>
 
 namespace {
 const QString displayName = QStringLiteral("Zelto");
@@ -137,11 +142,6 @@ QString tamberin_AppDelegate::templateDirectory()
                             "Error creating template directory at %@ : %@");
 }
 
-QString tamberin_AppDelegate::temporaryFolder()
-{
-    return ZQPaths::temporaryDir() + QStringLiteral("/ZeltoTemporaryFolder");
-}
-
 void tamberin_AppDelegate::deleteFilesAtPaths(const QStringList &paths, const QString &baseDirectory)
 {
     QStringList arguments{QStringLiteral("-rf")};
@@ -171,21 +171,59 @@ void tamberin_AppDelegate::waitForRemovals()
     }
 }
 
-void tamberin_AppDelegate::saveNewLibraryURL(const QString &path)
+ZQError tamberin_AppDelegate::refusalOfLibrary(const QString &path)
 {
+    const auto refuse = [&path](const QString &text, const QString &suggestion) {
+        return ZQError::with(QStringLiteral("zelto.library"), 3, zqFormat(text, {path}), suggestion);
+    };
+    const QFileInfo info(path);
+    if (!path.endsWith(bundleSuffix, Qt::CaseInsensitive) || (info.exists() && !info.isDir())) {
+        return refuse(zqLocalized("“%@” is no Zelto library."),
+                      zqLocalized("Choose a folder whose name ends in .ztlibrary."));
+    }
+    if (!info.exists()) {
+        return refuse(zqLocalized("There is no library at “%@”."), zqLocalized("Check its name and where it is."));
+    }
+    if (ZQTrash::contains(path) || ZQTrash::contains(LibraryMove::realPath(path))) {
+        return refuse(zqLocalized("The library “%@” is in the trash."), zqLocalized("Put it back, and open it then."));
+    }
+    return {};
+}
+
+bool tamberin_AppDelegate::saveNewLibraryURL(const QString &path, ZQError *error)
+{
+    const ZQError refused = refusalOfLibrary(path);
+    const QByteArray reference = refused.isNull() ? zqDataForPersistentURL(path) : QByteArray();
+    if (reference.isEmpty()) {
+        // What is remembered stays: nothing in its place would be the default library, as if this one were lost.
+        zqSetError(error, refused.isNull() ? ZQError::posix(EIO, path) : refused);
+        return false;
+    }
     ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    defaults.setObjectForKey(zqDataForPersistentURL(path), locationKey);
+    defaults.setObjectForKey(reference, locationKey);
     defaults.synchronize();
+    return true;
 }
 
 QString tamberin_AppDelegate::loadLibraryURL()
 {
+    const QString moved = LibraryMove::placeAfterInterruption();
+    if (!moved.isEmpty() && saveNewLibraryURL(moved)) {
+        return moved;
+    }
     const QByteArray data = ZQUserDefaults::standardUserDefaults().dataForKey(locationKey);
     const QString path = data.isEmpty() ? QString() : zqURLFromPersistentData(data);
-    if (path.isEmpty() || path.contains(QStringLiteral(".Trash")) || !QFileInfo(path).isDir()) {
+    if (path.isEmpty() || path.contains(QStringLiteral(".Trash")) || ZQTrash::contains(path) ||
+        !QFileInfo(path).isDir()) {
         return {};
     }
     return path;
+}
+
+QString tamberin_AppDelegate::rememberedLibrary()
+{
+    const QString path = loadLibraryURL();
+    return path.isEmpty() ? ZQPaths::dataHome() + u'/' + displayName + u'/' + displayName + bundleSuffix : path;
 }
 
 void tamberin_AppDelegate::notifyAndQuit()
@@ -208,7 +246,7 @@ FileChoice libraryChoice()
 
 QString withLibraryExtension(const QString &path)
 {
-    return path.endsWith(bundleSuffix) ? path : path + bundleSuffix;
+    return path.endsWith(bundleSuffix, Qt::CaseInsensitive) ? path : path + bundleSuffix;
 }
 } // namespace
 
@@ -223,8 +261,7 @@ void tamberin_AppDelegate::newZeltoLibrary()
         userInteraction().presentError(ZQError::posix(errno, path));
         return;
     }
-    saveNewLibraryURL(path);
-    notifyAndQuit();
+    rememberAndQuit(path);
 }
 
 void tamberin_AppDelegate::openZeltoLibrary()
@@ -237,14 +274,28 @@ void tamberin_AppDelegate::openZeltoLibrary()
     if (chosen.isEmpty()) {
         return;
     }
-    if (!chosen.first().endsWith(bundleSuffix)) {
-        userInteraction().presentError(ZQError::with(
-            QStringLiteral("zelto.library"), 3, zqFormat(zqLocalized("“%@” is no Zelto library."), {chosen.first()}),
-            zqLocalized("Choose a folder whose name ends in .ztlibrary.")));
-        return;
+    rememberAndQuit(chosen.first());
+}
+
+void tamberin_AppDelegate::rememberAndQuit(const QString &library)
+{
+    ZQError error;
+    if (saveNewLibraryURL(library, &error)) {
+        notifyAndQuit();
+    } else {
+        userInteraction().presentError(error);
     }
-    saveNewLibraryURL(chosen.first());
-    notifyAndQuit();
+}
+
+bool tamberin_AppDelegate::agreesToReplace(const QString &path)
+{
+    const QFileInfo existing(path);
+    return !(existing.exists() || existing.isSymLink()) ||
+           userInteraction().ask({zqFormat(zqLocalized("“%@” exists already"), {existing.fileName()}),
+                                  zqLocalized("It goes to the trash, and the library takes its place."),
+                                  {zqLocalized("Replace"), zqLocalized("Cancel")},
+                                  {},
+                                  true}) == 0;
 }
 
 void tamberin_AppDelegate::moveZeltoLibrary()
@@ -259,29 +310,51 @@ void tamberin_AppDelegate::moveZeltoLibrary()
         return;
     }
     const QString destination = withLibraryExtension(*chosen);
-    if (QFileInfo(destination).absoluteFilePath() == QFileInfo(source).absoluteFilePath()) {
-        return; // what exists at the destination is removed first: here that would be the library itself
+    ZQError error = LibraryMove::refusal(source, destination);
+    if (!error.isNull()) {
+        userInteraction().presentError(error);
+        return;
     }
-    QFileInfo existing(destination);
-    if (existing.isDir() && !existing.isSymLink()) {
-        QDir(destination).removeRecursively();
-    } else {
-        QFile::remove(destination);
+    if (!agreesToReplace(destination) || !stopRunningImports()) {
+        return;
     }
-    saveAction();
+    if (m_mainWindowController && !m_mainWindowController->commitEditing()) {
+        return;
+    }
+    if (m_context && !m_context->save(&error)) {
+        userInteraction().presentError(error); // what is not saved would be lost on the way
+        return;
+    }
+    if (m_mainWindowController) {
+        m_mainWindowController->savePersistentState();
+        m_mainWindowController.reset(); // it shows objects of the store, and reads it on threads of its own
+    }
+    const std::unique_ptr<LibraryLock> lock = std::move(m_lock); // nobody else opens it half way
     removeManagedObjectContext();
-    if (!QDir().rename(source, destination)) {
-        // Another volume: copied whole before the old one goes, so that a failure half way loses nothing.
-        ZQError error;
-        if (!zqCopyFile(source, destination, &error)) {
-            qCWarning(zqLogApplication).noquote() << error.localizedDescription();
-            notifyAndQuit(); // the library stays where it was and is found there again
-            return;
-        }
-        QDir(source).removeRecursively();
+    m_storeFailed = true; // and it is not opened again in this process
+    if (!moveInBackground(source, destination, &error)) {
+        userInteraction().presentError(error); // the library stays where it was and is found there again
     }
-    saveNewLibraryURL(destination);
     notifyAndQuit();
+}
+
+bool tamberin_AppDelegate::moveInBackground(const QString &source, const QString &destination, ZQError *error)
+{
+    std::atomic<bool> isCancelled = false;
+    std::atomic<bool> isDone = false;
+    bool isMoved = false;
+    const auto bar = userInteraction().beginProgress(zqLocalized("Moving the library…"), 1.0,
+                                                     [&isCancelled] { isCancelled = true; });
+    LibraryMove::Progress progress;
+    progress.didCopy = [&bar](double, double total) { bar->advanceBy(1.0 / total); };
+    progress.isCancelled = [&isCancelled] { return isCancelled.load(); };
+    std::thread mover([&] {
+        isMoved = LibraryMove::move(source, destination, progress, error);
+        isDone = true;
+    });
+    zqRunMainLoopUntil([&isDone] { return isDone.load(); });
+    mover.join();
+    return isMoved;
 }
 
 void tamberin_AppDelegate::revealLibraryInFinder()

@@ -1,5 +1,6 @@
 // Quitting: what runs is drained, state is kept, what was deleted goes for good.
 
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -33,6 +34,12 @@ bool tamberin_AppDelegate::stopRunningImports()
     if (answer != 0) {
         return false;
     }
+    const auto keepRequests = [this](bool keeps) {
+        if (m_parts.importManager) {
+            m_parts.importManager->setKeepsCancelledImports(keeps);
+        }
+    };
+    keepRequests(true);
     backgroundOperationQueue().cancelAllOperations();
     if (sync) {
         sync->cancelAllOperations();
@@ -43,6 +50,7 @@ bool tamberin_AppDelegate::stopRunningImports()
         return isIdle();
     };
     zqRunMainLoopUntil(isDrained, drainStep);
+    keepRequests(false);
     return true;
 }
 
@@ -58,6 +66,7 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     if (!stopRunningImports()) {
         return TerminateReply::Cancel;
     }
+    stopStoreWork();
     userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow, notificationSeconds);
     if (m_mainWindowController) {
         m_mainWindowController->savePersistentState();
@@ -82,14 +91,19 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
              {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
              {},
              true});
-        // What could not be saved is still listed by the store, so its files stay.
-        return answer == 0 ? TerminateReply::Now : TerminateReply::Cancel;
+        if (answer != 0) {
+            startStoreWork();
+            return TerminateReply::Cancel;
+        }
+        return TerminateReply::Now; // what could not be saved is still listed by the store, so its files stay
     }
     const QString library = libraryDirectory();
     for (qsizetype first = 0; first < purgedDirectories.size() && !library.isEmpty(); first += pathsPerRemoval) {
         deleteFilesAtPaths(purgedDirectories.mid(first, pathsPerRemoval), library);
     }
-    deleteFilesAtPaths({temporaryFolder()}, {});
+    if (!m_parts.importManager || !m_parts.importManager->cutOffImportSince()) { // which may need what lies there
+        deleteFilesAtPaths(TemporaryArea::takeForRemoval(), {});
+    }
     return TerminateReply::Now;
 }
 
@@ -103,5 +117,7 @@ void tamberin_AppDelegate::terminate()
     m_isTerminating = false;
     if (reply == TerminateReply::Now) {
         QCoreApplication::exit(0);
+    } else {
+        m_reopensAfterQuit = false;
     }
 }

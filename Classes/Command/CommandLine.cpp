@@ -3,11 +3,14 @@
 #include "Classes/Command/Commands.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <sstream>
+#include <vector>
 
 // What CLI11 parses into; it speaks std::string.
 struct CommandLine::Options
@@ -21,6 +24,8 @@ struct CommandLine::Options
     std::vector<std::string> removedTags;
     std::string reference;
     qint64 index = -1;
+    bool resumes = false;
+    bool forgets = false;
     bool deleted = false;
     bool deep = false;
     std::string duplicates = "keep";
@@ -87,14 +92,19 @@ CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary
 
 void CommandLine::defineImport()
 {
-    CLI::App *command = add("import", "Import files and folders, and say what became items and what did not", true,
-                            [this](CommandContext &context) {
-                                ImportRequest request{texts(m_options->paths), text(m_options->reference),
-                                                      m_options->index, texts(m_options->metadata)};
-                                return zqRunImport(request, context);
-                            });
-    command->add_option("paths", m_options->paths, "What to import")->required()->type_name("PATH");
-    command->add_option("--into", m_options->reference, referenceHelp)->type_name("REF");
+    CLI::App *command =
+        add("import", "Import files and folders, and say what became items and what did not", true,
+            [this](CommandContext &context) {
+                ImportRequest request{texts(m_options->paths),    text(m_options->reference), m_options->index,
+                                      texts(m_options->metadata), m_options->resumes,         m_options->forgets};
+                return zqRunImport(request, context);
+            });
+    command->add_option("paths", m_options->paths, "What to import")->type_name("PATH");
+    command
+        ->add_option("--into", m_options->reference,
+                     "A sidebar entry: titles from the top, as PROJECTS/Clients/Brand, or its UUID text; without it "
+                     "folders become projects in PROJECTS, and files go into the library")
+        ->type_name("REF");
     command->add_option("--index", m_options->index, "Position among what is there, from 0; without it at the end")
         ->type_name("N");
     command->add_option("--set", m_options->metadata, "An attribute that every imported item gets, as license=CC0")
@@ -108,6 +118,10 @@ void CommandLine::defineImport()
         ->add_option("--unreadable", m_options->unreadable,
                      "Skip files that cannot be read, or stop before anything is imported")
         ->check(CLI::IsMember({"skip", "stop"}));
+    command->add_flag("--resume", m_options->resumes,
+                      "Go on with imports that were cut off: import what is missing of them");
+    command->add_flag("--forget", m_options->forgets,
+                      "Give up imports that were cut off; what they brought into the library stays");
     command->add_flag("--json", m_json, "Print one object: imported, dropped, notifications");
 }
 
@@ -177,6 +191,13 @@ void CommandLine::defineVerify()
             [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
     command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
     command->add_flag("--json", m_json, "Print one object: items, problems, orphans");
+    CLI::App *recover =
+        add("recover",
+            "Copy what can be read of a damaged library into a new store, and keep the damaged one beside it; exit "
+            "status 1 while the library is open elsewhere",
+            false, [this](CommandContext &context) { return zqRunRecover(m_library, context); });
+    recover->add_flag("--json", m_json,
+                      "Print one object: damaged, items, sidebarEntries, tags, memberships, unreadable, damagedStore");
 }
 
 void CommandLine::defineDefaults()
@@ -234,8 +255,20 @@ void CommandLine::defineDocumentation()
     command->group(""); // for the documentation's own script
 }
 
+int CommandLine::run(CommandContext &context) const
+{
+    if (m_needsLibrary && context.delegate && !m_options->resumes && !m_options->forgets) {
+        zqTellOfCutOffImports(context);
+    }
+    return m_run(context);
+}
+
 bool CommandLine::parse(const QStringList &arguments, CommandContext &context, int *exitStatus)
 {
+    if (!checkWords(arguments, context)) {
+        *exitStatus = 2;
+        return false;
+    }
     std::vector<std::string> reversed;
     for (auto it = arguments.rbegin(); it != arguments.rend(); ++it) {
         reversed.push_back(it->toStdString());
@@ -253,6 +286,10 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     }
     m_library = text(m_options->library);
     m_files = texts(m_options->files);
+    if (std::any_of(m_files.begin(), m_files.end(), [&](const QString &file) { return isNothing(file, context); })) {
+        *exitStatus = 2;
+        return false;
+    }
     context.json = m_json;
     m_duplicatePolicy = m_options->duplicates == "discard"  ? DuplicatePolicy::Discard
                         : m_options->duplicates == "relink" ? DuplicatePolicy::Relink
@@ -275,6 +312,80 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                       text(m_options->theme)};
     }
     return true;
+}
+
+// Whether `word`, where a command or a file is expected, is neither; says so in `context`.
+bool CommandLine::isNothing(const QString &word, CommandContext &context) const
+{
+    if (QFileInfo::exists(context.absolutePath(word))) {
+        return false;
+    }
+    const QString meant = commandLike(word);
+    context.fail(
+        meant.isEmpty()
+            ? zqFormat(zqLocalized("“%@” is neither a command nor a file; `zelto --help` lists the commands"), {word})
+            : zqFormat(zqLocalized("“%@” is neither a command nor a file; did you mean `zelto %@`?"), {word, meant}));
+    return true;
+}
+
+// Before the options are looked at: those behind a misspelt command would be named as the mistake.
+bool CommandLine::checkWords(const QStringList &arguments, CommandContext &context) const
+{
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &word = arguments[i];
+        if (word == u"--library") {
+            ++i;
+        } else if (!word.startsWith(u'-')) {
+            const auto commands = m_app->get_subcommands(
+                [&word](const CLI::App *command) { return command->get_name() == word.toStdString(); });
+            return !commands.empty() || !isNothing(word, context);
+        }
+    }
+    return true;
+}
+
+namespace {
+// How many letters have to be put in, taken out, replaced or exchanged with their neighbour to make one of the other.
+qsizetype editDistance(const QString &one, const QString &other)
+{
+    std::vector<std::vector<qsizetype>> cost(std::size_t(one.size() + 1),
+                                             std::vector<qsizetype>(std::size_t(other.size() + 1)));
+    for (qsizetype i = 0; i <= one.size(); ++i) {
+        for (qsizetype j = 0; j <= other.size(); ++j) {
+            const auto at = [&cost](qsizetype a, qsizetype b) -> qsizetype & {
+                return cost[std::size_t(a)][std::size_t(b)];
+            };
+            if (i == 0 || j == 0) {
+                at(i, j) = i + j;
+                continue;
+            }
+            const bool isSame = one[i - 1] == other[j - 1];
+            at(i, j) = std::min({at(i - 1, j) + 1, at(i, j - 1) + 1, at(i - 1, j - 1) + (isSame ? 0 : 1)});
+            if (i > 1 && j > 1 && one[i - 1] == other[j - 2] && one[i - 2] == other[j - 1]) {
+                at(i, j) = std::min(at(i, j), at(i - 2, j - 2) + 1);
+            }
+        }
+    }
+    return cost[std::size_t(one.size())][std::size_t(other.size())];
+}
+} // namespace
+
+QString CommandLine::commandLike(const QString &word) const
+{
+    constexpr qsizetype longestCommand = 32;
+    if (word.contains(u'/') || word.size() > longestCommand) {
+        return {};
+    }
+    QString best;
+    qsizetype bestDistance = std::max<qsizetype>(1, word.size() / 3) + 1; // one letter in three may be wrong
+    for (const CLI::App *command : m_app->get_subcommands([](const CLI::App *) { return true; })) {
+        const qsizetype distance = editDistance(word.toLower(), text(command->get_name()));
+        if (!command->get_group().empty() && distance < bestDistance) {
+            bestDistance = distance;
+            best = text(command->get_name());
+        }
+    }
+    return best;
 }
 
 namespace {

@@ -46,7 +46,7 @@ public:
     DuplicatePolicy duplicatePolicy() const { return m_duplicatePolicy; }
     UnreadablePolicy unreadablePolicy() const { return m_unreadablePolicy; }
 
-    int run(CommandContext &context) const { return m_run(context); }
+    int run(CommandContext &context) const;
     // Draws the window; set by `main`, since only it knows the interface.
     void setSnapshotDrawer(std::function<int(const SnapshotRequest &, CommandContext &)> drawer)
     {
@@ -65,6 +65,9 @@ private:
     void defineDefaults();
     void defineSnapshot();
     void defineDocumentation();
+    bool isNothing(const QString &word, CommandContext &context) const;
+    bool checkWords(const QStringList &arguments, CommandContext &context) const;
+    QString commandLike(const QString &word) const;
     CLI::App *add(const char *name, const char *help, bool needsLibrary, std::function<int(CommandContext &)> run);
 
     std::unique_ptr<CLI::App> m_app;

@@ -11,11 +11,15 @@
 struct ImportRequest
 {
     QStringList paths;
-    QString into;         // REF; empty: the Library
+    QString into;         // REF; empty: PROJECTS for folders, the Library for files
     qint64 index = -1;    // negative: at the end
     QStringList metadata; // "key=value"
+    bool resumes = false; // goes on with imports that were cut off, before anything else
+    bool forgets = false; // gives them up
 };
 int zqRunImport(const ImportRequest &request, CommandContext &context);
+// Says on the errors' side that there are imports which were cut off.
+void zqTellOfCutOffImports(CommandContext &context);
 
 struct ItemsRequest
 {
@@ -42,6 +46,8 @@ int zqRunTags(CommandContext &context);
 int zqRunAttributes(const QStringList &paths, CommandContext &context);
 
 int zqRunVerify(bool deep, CommandContext &context);
+// `library` empty: the remembered one. 1 when somebody has it open.
+int zqRunRecover(const QString &library, CommandContext &context);
 
 int zqRunDefaultsRead(const QString &key, CommandContext &context);
 int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext &context);

@@ -12,6 +12,10 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
+#include <memory>
+#include <vector>
+
 namespace {
 // "key=value" as an attribute value of its type, or a message.
 std::optional<QString> addMetadata(const QString &setting, QVariantMap &metadata)
@@ -95,10 +99,88 @@ void printReport(const ImportReport &report, CommandContext &context)
         context.print(text);
     }
 }
+
+// Without a target, as files that are opened: folders into PROJECTS, files into the library.
+bool startImports(const ImportRequest &request, const QStringList &paths, const QVariantMap &metadata,
+                  CommandContext &context, std::vector<std::shared_ptr<ImportOperation>> &operations)
+{
+    const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
+    const auto start = [&](const QStringList &list, const ZQRef<ZQSidebarBaseItem> &target) {
+        if (!list.isEmpty() && target) {
+            operations.push_back(AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
+                list, target->objectID(), index, metadata));
+        }
+    };
+    if (request.into.isEmpty()) {
+        QStringList folders;
+        QStringList files;
+        for (const QString &path : paths) {
+            const bool isFolder = QFileInfo(path).isDir() && !AImportManager::fileAtPathIsSupported(path);
+            (isFolder ? folders : files).append(path);
+        }
+        start(folders, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context.store()));
+        start(files, ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context.store()));
+    } else {
+        const ZQRef<ZQSidebarBaseItem> target = zqSidebarItemForReference(request.into, context);
+        if (!target) {
+            return false;
+        }
+        start(paths, target);
+    }
+    if (operations.empty() || !operations.front()) {
+        context.fail(zqLocalized("the library is not open"));
+        return false;
+    }
+    return true;
+}
+
+// Waits for the imports and all that follows from them.
+int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operations, CommandContext &context)
+{
+    zqRunMainLoopUntil(
+        [&] {
+            return std::all_of(operations.begin(), operations.end(),
+                               [](const auto &operation) { return operation->isWhollyFinished(); });
+        },
+        std::chrono::milliseconds(5));
+    ImportReport report;
+    bool isCancelled = false;
+    for (const auto &operation : operations) {
+        addReports(*operation, report);
+        isCancelled = isCancelled || operation->isAnyCancelled();
+    }
+    printReport(report, context);
+    if (isCancelled) {
+        return context.fail(report.imported().isEmpty()
+                                ? zqLocalized("the import was cancelled; nothing was kept")
+                                : zqLocalized("the import was cancelled; what is listed was imported before that"));
+    }
+    return 0;
+}
 } // namespace
+
+void zqTellOfCutOffImports(CommandContext &context)
+{
+    const qsizetype count = AImportManager::sharedAImportManager().cutOffImports().size();
+    if (count > 0) {
+        const QString text = count == 1 ? zqLocalized("an import was cut off")
+                                        : zqFormat(zqLocalized("%d imports were cut off"), {count});
+        context.errors += "zelto: " + text.toUtf8() + "; " +
+                          zqLocalized("zelto import --resume goes on with the missing files, zelto import --forget "
+                                      "gives them up")
+                              .toUtf8() +
+                          '\n';
+    }
+}
 
 int zqRunImport(const ImportRequest &request, CommandContext &context)
 {
+    if (request.paths.isEmpty() && !request.resumes && !request.forgets) {
+        return context.fail(zqLocalized("name what to import, or write --resume or --forget"));
+    }
+    if (request.resumes && request.forgets) {
+        return context.fail(zqLocalized("--resume and --forget exclude each other"));
+    }
     QVariantMap metadata;
     for (const QString &setting : request.metadata) {
         if (const auto problem = addMetadata(setting, metadata)) {
@@ -113,27 +195,17 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
         }
         paths.append(absolute);
     }
-    ZQRef<ZQSidebarBaseItem> target = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context.store());
-    if (!request.into.isEmpty()) {
-        target = zqSidebarItemForReference(request.into, context);
-        if (!target) {
-            return 2;
+    if (request.forgets) {
+        AImportManager::sharedAImportManager().forgetImports();
+    }
+    std::vector<std::shared_ptr<ImportOperation>> operations;
+    if (request.resumes) {
+        for (const auto &operation : AImportManager::sharedAImportManager().resumeImports()) {
+            operations.push_back(operation);
         }
     }
-    const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
-    const auto operation =
-        AImportManager::sharedAImportManager().startImportOfFilesAtPaths(paths, target->objectID(), index, metadata);
-    if (!operation) {
-        return context.fail(zqLocalized("the library is not open"));
+    if (!paths.isEmpty() && !startImports(request, paths, metadata, context, operations)) {
+        return 2;
     }
-    zqRunMainLoopUntil([&] { return operation->isWhollyFinished(); }, std::chrono::milliseconds(5));
-    ImportReport report;
-    addReports(*operation, report);
-    printReport(report, context);
-    if (operation->isAnyCancelled()) {
-        return context.fail(report.imported().isEmpty()
-                                ? zqLocalized("the import was cancelled; nothing was kept")
-                                : zqLocalized("the import was cancelled; what is listed was imported before that"));
-    }
-    return 0;
+    return reportImports(operations, context);
 }

@@ -1,11 +1,17 @@
 #include "Classes/Import/AImportManager.h"
 
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/PendingImport.h"
+#include "Classes/Import/TakeBackOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImagingError.h"
+#include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -38,6 +44,26 @@ void presentError(const ZQError &error)
     });
 }
 
+// The program that runs into it every time says it once to a person, not once a launch.
+void tellThatDrawingIsUnconfined()
+{
+    zqOnMainThread([] {
+        const QString key = QStringLiteral("DidTellUnconfinedDrawing");
+        ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+        tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate();
+        if (!delegate || defaults.boolForKey(key)) {
+            return;
+        }
+        defaults.setObjectForKey(true, key);
+        delegate->userInteraction().presentError(ZQError::with(
+            QStringLiteral("zelto.imaging"), int(ZQImagingErrorCode::NoRenderer),
+            zqLocalized("This system cannot keep programs that draw pictures away from your files."),
+            zqLocalized("Zelto therefore draws no EPS and PostScript files and uses no thumbnailers of the "
+                        "desktop. A Linux kernel with Landlock (5.13 or newer) "
+                        "changes that.")));
+    });
+}
+
 } // namespace
 
 AImportManager &AImportManager::sharedAImportManager()
@@ -50,6 +76,7 @@ AImportManager::AImportManager()
     : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_syncOperationQueue(QStringLiteral("Live folders"), 1),
       m_liveFolderManager(m_syncOperationQueue)
 {
+    ZQPreviewService::setUnconfinedHandler(tellThatDrawingIsUnconfined);
 }
 
 ZQOperationQueue &AImportManager::importOperationQueue()
@@ -85,7 +112,23 @@ std::shared_ptr<ImportOperation> AImportManager::startImport(const QStringList &
     if (origin) {
         operation->setOrigin(*origin);
     }
-    importOperationQueue().addOperation(operation);
+    const QUuid store = application().persistentStoreCoordinator()->storeUUID();
+    ZQError error;
+    auto pending = PendingImportFile::create(
+        pendingFolder(),
+        {.paths = paths,
+         .target = intoSidebarItemID.isNull() ? QString() : intoSidebarItemID.URIRepresentation(store),
+         .index = atIndex,
+         .metadata = metadata,
+         .archivePath = origin ? origin->archivePath : QString(),
+         .archiveRoot = origin ? origin->root : QString(),
+         .groups = {}},
+        &error);
+    if (!pending) {
+        qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
+                                         << error.localizedDescription();
+    }
+    queue(operation, pending, false);
     if (importOperationQueue().operationCount() >= 2) {
         announceQueued(paths);
     }
@@ -161,19 +204,27 @@ void AImportManager::stopAllOperation()
     ZQNotificationCenter::defaultCenter().postNotification(willFinishImportOperation, this);
 }
 
+void AImportManager::takeBackItemDirectories(const QStringList &names,
+                                             std::function<void(qsizetype takenBack, bool isComplete)> done)
+{
+    application().saveAction();
+    auto operation = std::make_shared<TakeBackOperation>(names);
+    operation->setCompletionBlock([weak = std::weak_ptr(operation), done = std::move(done)] {
+        zqOnMainThread([operation = weak.lock(), done] {
+            done(operation ? operation->takenBackCount() : 0, operation && operation->isComplete());
+        });
+    });
+    importOperationQueue().addOperation(operation);
+}
+
 QString AImportManager::temporaryDirectory()
 {
-    const QString base = tamberin_AppDelegate::temporaryFolder();
-    if (::mkdir(QFile::encodeName(base).constData(), 0700) != 0 && errno != EEXIST) {
-        presentError(ZQError::posix(errno, zqFormat(zqLocalized("The folder %@ cannot be made"), {base})));
-        return {};
+    ZQError error;
+    QString directory = TemporaryArea::newFolder(&error);
+    if (directory.isEmpty()) {
+        presentError(error);
     }
-    QByteArray name = QFile::encodeName(base + QStringLiteral("/t.XXXXXX"));
-    if (!::mkdtemp(name.data())) {
-        presentError(ZQError::posix(errno, zqFormat(zqLocalized("No folder can be made in %@"), {base})));
-        return {};
-    }
-    return QFile::decodeName(name);
+    return directory;
 }
 
 QUrl AImportManager::temporaryURL()

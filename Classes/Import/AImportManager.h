@@ -8,9 +8,12 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <atomic>
 #include <memory>
+#include <optional>
 
 class ImportOperation;
+class PendingImportFile;
 class QMimeData;
 class ZQSidebarBaseItem;
 struct UnfoldedArchive;
@@ -65,6 +68,18 @@ public:
     std::shared_ptr<ImportOperation>
     importItemsFromPasteboard(const QMimeData *pasteboard, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex);
     void stopAllOperation();
+    void takeBackItemDirectories(const QStringList &names,
+                                 std::function<void(qsizetype takenBack, bool isComplete)> done) override;
+
+    // Imports that an earlier process did not end. The first goes on with all of them, the second gives them up; what
+    // they have saved stays.
+    QStringList cutOffImports() const;
+    QList<std::shared_ptr<ImportOperation>> resumeImports();
+    void forgetImports();
+    std::optional<QDateTime> cutOffImportSince() override;
+    void offerToResumeImports() override;
+    void setKeepsCancelledImports(bool keeps) override { m_keepsCancelledImports = keeps; }
+    bool keepsCancelledImports() const { return m_keepsCancelledImports; } // any thread
 
     ZQOperationQueue &importOperationQueue(); // the application's background queue
     ZQOperationQueue &thumbsGenerationQueue() { return m_thumbsGenerationQueue; }
@@ -97,12 +112,17 @@ public:
 
 private:
     AImportManager();
+    static QString pendingFolder();
     std::shared_ptr<ImportOperation> startImport(const QStringList &paths, const ZQObjectID &intoSidebarItemID,
                                                  quint32 atIndex, const QVariantMap &metadata,
                                                  const UnfoldedArchive *origin);
+    std::shared_ptr<ImportOperation> queue(std::shared_ptr<ImportOperation> operation,
+                                           std::shared_ptr<PendingImportFile> pending, bool isResumed);
+    std::shared_ptr<ImportOperation> resumeImport(const QString &name);
     void announceQueued(const QStringList &paths);
 
     ZQOperationQueue m_thumbsGenerationQueue;
     ZQOperationQueue m_syncOperationQueue;
     LiveFolderManager m_liveFolderManager;
+    std::atomic<bool> m_keepsCancelledImports = false;
 };

@@ -7,6 +7,7 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQArchiveWorker.h"
 
 #include <QDir>
 #include <QFile>
@@ -44,7 +45,7 @@ bool endsUnpacking(const ZQError &error)
 {
     return error.domain == ZQArchiveReader::errorDomain &&
            (error.code == ZQArchiveReader::TooMuch || error.code == ZQArchiveReader::DiskFull ||
-            error.code == ZQArchiveReader::Cancelled);
+            error.code == ZQArchiveReader::Cancelled || error.code == ZQArchiveReader::Unavailable);
 }
 
 } // namespace
@@ -104,7 +105,8 @@ void ArchiveImportOperation::unpack()
     }
     auto holder = std::make_shared<TemporaryFolder>(temporary);
     const QString root = folderForArchive(filePath(), temporary);
-    ZQArchiveReader reader(limits(), [this] { return isCancelled(); });
+    ZQArchiveWorker worker; // nothing of a stranger's archive is read in this process
+    ZQArchiveReader reader(worker, limits(), [this] { return isCancelled(); });
     ZQError error;
     if (!reader.extractArchive(filePath(), root, 0, &error) || !unfoldZipsAtPath(root, reader, 1, &error)) {
         drop(error.localizedDescription());

@@ -151,7 +151,11 @@ void BaseImportOperation::finish()
         m_fileData->insert(QStringLiteral("itemClass"), itemClass());
         m_fileData->insert(QStringLiteral("bundleID"), zqBaseName(m_libraryItemBundlePath));
         if (m_slot) {
-            *m_slot = {*m_fileData, m_sourcePath, m_filePath, m_isMove};
+            *m_slot = {.fileData = *m_fileData,
+                       .sourcePath = m_sourcePath,
+                       .filePath = m_filePath,
+                       .movedPath = m_isMove ? m_readPath : QString(), // of a package, only what was taken from it
+                       .movedModification = m_sourceDates.modification};
         }
     } else {
         removeItemBundle();
@@ -172,6 +176,12 @@ void BaseImportOperation::setFilePath(const QString &path)
 {
     m_filePath = path;
     m_readPath = path;
+}
+
+void BaseImportOperation::setItemDirectory(const QString &directory)
+{
+    m_libraryItemBundlePath = directory;
+    m_isInPlace = true;
 }
 
 void BaseImportOperation::collect()
@@ -198,6 +208,9 @@ void BaseImportOperation::collect()
 void BaseImportOperation::drop(const QString &reason)
 {
     m_fileData.reset();
+    if (isCancelled()) {
+        return; // the batch says so; what failed is that nobody wanted it any more
+    }
     tell(reason, DroppedFile::Telling::InWindow);
 }
 
@@ -219,7 +232,7 @@ void BaseImportOperation::dropForError(const ZQError &error)
 
 void BaseImportOperation::removeItemBundle()
 {
-    if (!m_libraryItemBundlePath.isEmpty() && !QDir(m_libraryItemBundlePath).removeRecursively()) {
+    if (!m_isInPlace && !m_libraryItemBundlePath.isEmpty() && !QDir(m_libraryItemBundlePath).removeRecursively()) {
         qCWarning(zqLogImport).noquote() << "Error while deleting unused bundle item" << m_libraryItemBundlePath;
     }
 }
@@ -279,14 +292,16 @@ void BaseImportOperation::addFileToLibrary()
     }
     // The copy's own dates are those of the copying.
     m_sourceDates = zqFileDates(m_readPath).value_or(ZQFileDates());
-    m_libraryItemBundlePath = LibraryBundleManager::newLibraryItemBundlePath();
+    if (!m_isInPlace) {
+        m_libraryItemBundlePath = LibraryBundleManager::newLibraryItemBundlePath();
+    }
     if (m_libraryItemBundlePath.isEmpty()) {
         drop(zqLocalized(
             "No item directory can be made in the library. Check that the library can be written and has space left."));
         return;
     }
     m_fileData->insert(QStringLiteral("managed"), !m_referenceImage);
-    if (!m_referenceImage && !copyFile()) {
+    if (!m_referenceImage && !m_isInPlace && !copyFile()) {
         return;
     }
     const QByteArray reference = zqDataForPersistentURL(m_filePath);
@@ -302,7 +317,7 @@ void BaseImportOperation::addFileToLibrary()
 
 void BaseImportOperation::fillDates()
 {
-    const QDateTime now = zqNow();
+    const QDateTime now = m_importDate.isValid() ? m_importDate : zqNow();
     const auto date = [](qint64 milliseconds, const QDateTime &otherwise) {
         return milliseconds ? dateFromMilliseconds(milliseconds) : otherwise;
     };
@@ -487,7 +502,8 @@ void BaseImportOperation::fillWebURLAsNotes()
         url = m_fileData->value(QStringLiteral("webURL")).toString();
     }
     const QString notes = m_fileData->value(QStringLiteral("notes")).toString();
-    if (url.isEmpty() || notes == url) {
+    const bool wereFilledBefore = m_isInPlace && notes.startsWith(url); // by its first import
+    if (url.isEmpty() || notes == url || wereFilledBefore) {
         return;
     }
     m_fileData->insert(QStringLiteral("notes"),

@@ -7,6 +7,7 @@
 #include "Kit/Imaging/ZQBitmap.h"
 #include "Kit/Operations/ZQOperation.h"
 
+#include <QDateTime>
 #include <QVariantMap>
 
 #include <optional>
@@ -18,7 +19,10 @@ struct ImportedFile
     QVariantMap fileData; // empty: nothing came of the file
     QString sourcePath;   // what was asked for
     QString filePath;     // where the item's file is
-    bool isMove = false;  // the source is to be removed once the item is saved
+    // What is to be removed once the item is saved, and when it had last been written (milliseconds since 1970 UTC).
+    // Empty: nothing, the file was copied.
+    QString movedPath;
+    qint64 movedModification = 0;
 };
 
 // Whom a file's operation reports to. Any thread.
@@ -53,6 +57,9 @@ public:
     void setSHA1(const QString &SHA1) { m_SHA1 = SHA1; }
     void setSidebarItem(const ZQObjectID &sidebarItem) { m_sidebarItem = sidebarItem; } // the batch's target for it
     void setSettings(const ImportSettings &settings) { m_settings = settings; }
+    // The file lies in this item directory already: it becomes an item where it is, and stays whatever happens.
+    void setItemDirectory(const QString &directory);
+    void setImportDate(const QDateTime &date) { m_importDate = date; } // instead of the moment it is read
 
     QString filePath() const { return m_filePath; }
     const std::optional<QVariantMap> &fileData() const { return m_fileData; } // nothing after a failure
@@ -123,9 +130,11 @@ private:
     QString m_SHA1;
     ImportSettings m_settings;
     ZQFileDates m_sourceDates;
+    QDateTime m_importDate;
     ImportedFile *m_slot = nullptr;
     ImportBatch *m_batch = nullptr;
     bool m_referenceImage = false;
+    bool m_isInPlace = false;
     bool m_isMove = false;
     bool m_isTold = false;
 };

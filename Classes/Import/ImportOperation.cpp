@@ -45,10 +45,18 @@ bool ImportOperation::isAnyCancelled() const
 
 void ImportOperation::main()
 {
+    m_hasStarted = true;
     m_startDate = std::chrono::steady_clock::now();
     m_lastProgress = m_startDate;
     if (setUp()) {
-        importIntoTarget();
+        if (m_isResumed) {
+            restoreEarlierItems();
+        }
+        if (m_isResumed && !m_pendingImport->request().groups.isEmpty()) {
+            importRemainingGroups();
+        } else {
+            importIntoTarget();
+        }
     }
     finish();
 }
@@ -164,13 +172,20 @@ void ImportOperation::importFlat(ZQSidebarBaseItem &target)
         fileDidDrop({m_origin->root, zqLocalized("The archive holds nothing that can be imported."),
                      DroppedFile::Telling::Quietly});
     }
-    const QStringList files = screened(supported);
+    const QStringList files = screened(withoutEarlier(supported));
+    if (m_index != appendIndex) {
+        m_index += quint32(m_savedItemCount);
+    }
     m_numberOfItemToImport = files.size();
     if (isCancelled() || files.isEmpty()) {
         return;
     }
+    QList<Group> groups{{.project = ZQRef<ZQSidebarBaseItem>(&target),
+                         .files = files,
+                         .droppedFolder = m_origin ? m_origin->folder : QString()}};
+    orderLikeTheDrop(groups);
     beginProgress();
-    importFiles({ZQRef<ZQSidebarBaseItem>(&target), files});
+    importFiles(groups.first());
 }
 
 void ImportOperation::beginProgress()

@@ -3,6 +3,7 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/ImportReport.h"
+#include "Classes/Import/PendingImport.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -37,7 +38,10 @@ public:
 
     // Before the start: the request is what came out of this archive.
     void setOrigin(const UnfoldedArchive &archive);
+    // Before the start: where the request is kept until it ends. Resumed: go on with what it did not save.
+    void setPendingImport(std::shared_ptr<PendingImportFile> file, bool isResumed);
 
+    bool hasStarted() const { return m_hasStarted; } // any thread
     const ImportReport &report() const { return m_report; }
     // The requests for what the archives of this one held; complete once this one has finished. Main thread.
     const QList<std::shared_ptr<ImportOperation>> &followUps() const { return m_followUps; }
@@ -55,6 +59,8 @@ private:
     {
         ZQRef<ZQSidebarBaseItem> project;
         QStringList files;
+        QString droppedFolder;                 // which all of them come from; empty: each was dropped itself
+        std::vector<qint64> milliseconds = {}; // of each file's import date behind the batch's
     };
 
     // What is kept of an item once it was made.
@@ -66,10 +72,12 @@ private:
         QString filePath;
         QString thumbName;
         QString sourcePath;
+        QString movedPath; // see `ImportedFile`
+        qint64 movedModification = 0;
         QStringList tags;
         QString notes;
-        bool isMove = false;
-        bool isGone = false; // taken out again
+        bool isGone = false;    // taken out again
+        bool isEarlier = false; // saved before the batch was cut off
     };
 
     // Files whose operations run together, each with its slot.
@@ -118,14 +126,24 @@ private:
     bool saveStructure();
     static void logSaveError(const ZQError &error);
 
+    // A batch that was cut off.
+    void restoreEarlierItems();
+    void restoreEarlierItem(const PendingImportFile::Source &source, ZQLibraryBaseItem &item);
+    QStringList withoutEarlier(const QStringList &files);
+    void importRemainingGroups();
+    void rememberGroups(const QList<Group> &groups);
+    void rememberUnsavedItems();
+    void endPendingImport(bool wasCancelled);
+
     // Groups.
     void importFiles(const Group &group);
-    std::unique_ptr<Chunk> startChunk(const QStringList &files, const ZQSidebarBaseItem &target);
+    void orderLikeTheDrop(QList<Group> &groups);
+    std::unique_ptr<Chunk> startChunk(const Group &group, qsizetype first, qsizetype count);
     void finishChunk(Chunk &chunk, Place &place);
     ZQRef<ZQLibraryBaseItem> insertItem(const ImportedFile &file);
     void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
     ZQRef<ZQSidebarTag> tagWithName(const QString &text);
-    bool saveItems();
+    bool saveItems(ZQError *error = nullptr);
     void forgetUnsavedItems(const ZQError &error);
 
     // Finish.
@@ -138,7 +156,9 @@ private:
     void removeEverythingCreated();
     void enableSidebarItems();
     void completeItems();
+    void takeOut(std::size_t index);
     void removeBundles();
+    void keepWhatCouldNotBeTakenOut(const ZQError &error);
     void importUnfoldedArchives();
     void importUnfoldedArchive(const UnfoldedArchive &archive);
     quint32 indexForArchive(const UnfoldedArchive &archive) const;
@@ -172,6 +192,10 @@ private:
     QStringList m_foldersAndArchivesPathOrdered;
     ZQObjectID m_target;
     std::optional<UnfoldedArchive> m_origin;
+    std::shared_ptr<PendingImportFile> m_pendingImport;
+    bool m_isResumed = false;
+    std::atomic<bool> m_hasStarted = false;
+    QHash<QString, int> m_earlierPaths; // how often each is in already
     bool m_hasArchives = false;
     bool m_isProcessed = false; // the last group gave something
 
@@ -180,7 +204,12 @@ private:
     QList<ZQRef<ZQLibraryBaseItem>> m_unsavedItems;        // those of `m_createdItems` from `m_savedItemCount` on
     QList<ZQRef<ZQSidebarBaseItem>> m_createdSidebarItems; // tags included
     QHash<QString, ZQRef<ZQSidebarTag>> m_tags;
-    QStringList m_bundlesToRemove;
+    QStringList m_bundlesToRemove; // of what the store does not name
+    // Of items that the store names until their deletion was saved, and what is to be reported then.
+    QStringList m_bundlesToRemoveOnceSaved;
+    QList<DroppedFile> m_droppedOnceSaved;
+    QStringList m_discardedPaths;
+    QDateTime m_firstImportDate;
 
     QList<std::shared_ptr<ImportOperation>> m_followUps;
     QSet<QString> m_followedUpPaths; // of archives

@@ -1,5 +1,6 @@
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -19,9 +20,16 @@ constexpr int browserPosition = 1;
 constexpr qsizetype digestsInOneQuery = 500;
 constexpr std::chrono::duration<double> longEnoughToBeElsewhere(20.0);
 
-void removeSource(const QString &path)
+// A source that was written to after it had been read holds something the library does not have.
+void removeSource(const QString &path, qint64 modification)
 {
-    const bool isRemoved = QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path);
+    const auto dates = zqFileDates(path);
+    const QFileInfo info(path);
+    if (info.isSymLink() || !dates || dates->modification != modification) {
+        qCInfo(zqLogImport).noquote() << "The imported file" << path << "has changed and stays where it is";
+        return;
+    }
+    const bool isRemoved = info.isDir() ? QDir(path).removeRecursively() : QFile::remove(path);
     if (!isRemoved) {
         qCInfo(zqLogImport).noquote() << "The imported file" << path
                                       << "could not be removed from the temporary folder";
@@ -40,8 +48,11 @@ void ImportOperation::finish()
         if (wasCancelled) {
             removeEverythingCreated();
         }
-        const bool isSaved = saveItems();
-        if (isSaved && !wasCancelled) {
+        ZQError error;
+        const bool isSaved = saveItems(&error);
+        if (!isSaved) {
+            keepWhatCouldNotBeTakenOut(error);
+        } else if (!wasCancelled) {
             completeItems();
         }
         removeBundles();
@@ -54,6 +65,7 @@ void ImportOperation::finish()
         importUnfoldedArchives();
     }
     m_unfoldedArchives.clear();
+    endPendingImport(wasCancelled);
     writeReport(wasCancelled);
     tellResult(wasCancelled);
     m_progress.reset();
@@ -199,19 +211,31 @@ void ImportOperation::resolveDuplicate(const Duplicate &duplicate, DuplicateChoi
                          : zqLocalized("The library has it already, as “%@”; the new copy was discarded."),
                  {duplicate.existing->title()});
     for (const std::size_t index : duplicate.created) {
-        CreatedItem &created = m_createdItems[index];
-        const ZQRef<ZQLibraryBaseItem> item = object(created);
+        const ZQRef<ZQLibraryBaseItem> item = object(m_createdItems[index]);
         if (!item) {
             continue;
         }
         if (relinks) {
             relink(*duplicate.existing, *item);
         }
-        item->deletePermanently();
-        created.isGone = true;
-        m_bundlesToRemove.append(created.bundleID);
-        fileDidDrop({created.sourcePath, reason, DroppedFile::Telling::Quietly});
+        takeOut(index);
+        if (!relinks) {
+            m_discardedPaths.append(m_createdItems[index].sourcePath);
+        }
+        m_droppedOnceSaved.append({m_createdItems[index].sourcePath, reason, DroppedFile::Telling::Quietly});
     }
+}
+
+// The directory of an item whose row was saved must outlive that row, which goes with the next save or stays.
+void ImportOperation::takeOut(std::size_t index)
+{
+    CreatedItem &created = m_createdItems[index];
+    if (const ZQRef<ZQLibraryBaseItem> item = object(created); item && !created.isGone) {
+        item->deletePermanently();
+    }
+    created.isGone = true;
+    const bool isNamed = index < std::size_t(m_savedItemCount);
+    (isNamed ? m_bundlesToRemoveOnceSaved : m_bundlesToRemove).append(created.bundleID);
 }
 
 void ImportOperation::relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created)
@@ -230,12 +254,10 @@ void ImportOperation::relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &cre
 
 void ImportOperation::removeEverythingCreated()
 {
-    for (CreatedItem &created : m_createdItems) {
-        if (const ZQRef<ZQLibraryBaseItem> item = object(created); item && !created.isGone) {
-            item->deletePermanently();
+    for (std::size_t i = 0; i < m_createdItems.size(); ++i) {
+        if (!m_createdItems[i].isEarlier) { // the person has had those since the last launch
+            takeOut(i);
         }
-        created.isGone = true;
-        m_bundlesToRemove.append(created.bundleID);
     }
     for (const ZQRef<ZQSidebarBaseItem> &item : std::as_const(m_createdSidebarItems)) {
         if (item->managedObjectContext() && !item->isDeleted()) { // a father takes its children along
@@ -254,8 +276,8 @@ void ImportOperation::completeItems()
         if (created.isGone) {
             continue;
         }
-        if (created.isMove) {
-            removeSource(created.sourcePath);
+        if (!created.movedPath.isEmpty() && QFileInfo::exists(created.movedPath)) {
+            removeSource(created.movedPath, created.movedModification);
         }
         if (writesTags) {
             environment.writeTagsToFileOfItem(
@@ -265,8 +287,35 @@ void ImportOperation::completeItems()
     }
 }
 
+// After a last save that failed: the store still lists what earlier saves of the batch put there, and it stays whole.
+void ImportOperation::keepWhatCouldNotBeTakenOut(const ZQError &error)
+{
+    if (m_bundlesToRemoveOnceSaved.isEmpty()) {
+        return;
+    }
+    const qsizetype count = m_bundlesToRemoveOnceSaved.size();
+    qCWarning(zqLogImport).noquote() << count << "items could not be taken out of the library again:"
+                                     << error.localizedDescription();
+    for (CreatedItem &created : m_createdItems) {
+        created.isGone = false;
+    }
+    m_bundlesToRemoveOnceSaved.clear();
+    m_droppedOnceSaved.clear();
+    const ZQError told = ZQError::with(
+        QStringLiteral("zelto.import"), 2,
+        zqFormat(zqLocalized("%d imported items could not be taken out of the library again."), {count}),
+        zqFormat(zqLocalized("%@ Delete them in the library once that is mended."), {error.localizedDescription()}));
+    zqOnMainThread([&user = m_userInteraction, told] { user.presentError(told); });
+}
+
 void ImportOperation::removeBundles()
 {
+    m_bundlesToRemove.append(m_bundlesToRemoveOnceSaved);
+    m_bundlesToRemoveOnceSaved.clear();
+    for (const DroppedFile &file : std::as_const(m_droppedOnceSaved)) {
+        fileDidDrop(file);
+    }
+    m_droppedOnceSaved.clear();
     for (const QString &bundleID : std::as_const(m_bundlesToRemove)) {
         if (!bundleID.isEmpty() && !QDir(bundlePath(bundleID)).removeRecursively()) {
             qCWarning(zqLogImport).noquote() << "Error while deleting unused bundle item" << bundlePath(bundleID);
@@ -297,7 +346,9 @@ void ImportOperation::writeReport(bool wasCancelled)
     QSet<QString> importedPaths;
     for (const CreatedItem &created : m_createdItems) {
         if (!created.isGone) {
-            imported.append(created.bundleID);
+            if (!created.isEarlier) {
+                imported.append(created.bundleID);
+            }
             importedPaths.insert(created.sourcePath);
         }
     }

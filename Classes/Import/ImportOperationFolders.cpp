@@ -122,7 +122,7 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
 
     QList<Group> groups;
     if (!archives.isEmpty()) {
-        groups.append({ZQRef<ZQSidebarBaseItem>(&target), archives});
+        groups.append({.project = ZQRef<ZQSidebarBaseItem>(&target), .files = archives, .droppedFolder = {}});
         m_numberOfItemToImport += archives.size();
     }
     addLooseFiles(files, target, dropIndex, groups);
@@ -148,6 +148,8 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
     if (isCancelled() || !saveStructure()) {
         return;
     }
+    rememberGroups(groups);
+    orderLikeTheDrop(groups);
     beginProgress();
     for (const Group &group : groups) {
         if (isCancelled()) {
@@ -167,7 +169,7 @@ void ImportOperation::addLooseFiles(const QStringList &files, ZQSidebarBaseItem 
     const auto project = newSidebarItem<ZQSidebarProject>(*m_moc, zqLocalized("New Project"));
     m_createdSidebarItems.append(project);
     target.addChild(project.get(), dropIndex++);
-    groups.append({project, valid});
+    groups.append({.project = project, .files = valid, .droppedFolder = {}});
     m_numberOfItemToImport += valid.size();
 }
 
@@ -255,12 +257,12 @@ QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(con
             addChild(record, project);
             m_numberOfItemToImport += content.files.size();
             m_requestedFiles.append(content.files);
-            groups.append({project, content.files});
+            groups.append({.project = project, .files = content.files, .droppedFolder = directoryPath});
         }
         if (!content.archives.isEmpty()) {
             m_numberOfItemToImport += content.archives.size();
             m_requestedFiles.append(content.archives);
-            groups.append({record.father, content.archives});
+            groups.append({.project = record.father, .files = content.archives, .droppedFolder = directoryPath});
         }
     }
     if (groups.isEmpty()) { // folders in folders, and nothing in any of them

@@ -29,14 +29,14 @@ void ImportOperation::importFiles(const Group &group)
     m_isProcessed = m_isProcessed && holdsArchives; // their own requests tell what they gave
 
     Place place{.project = group.project, .position = m_index, .isExplicit = m_index != appendIndex};
-    std::unique_ptr<Chunk> running = startChunk(group.files.mid(0, size), *group.project);
+    std::unique_ptr<Chunk> running = startChunk(group, 0, size);
     if (!place.isExplicit && !place.project->isLibrary() && !place.project->isTag()) {
         place.position = quint32(place.project->numberOfItems());
     }
     for (qsizetype next = size; running; next += size) {
         std::unique_ptr<Chunk> following;
         if (next < group.files.size() && !isCancelled()) {
-            following = startChunk(group.files.mid(next, size), *group.project);
+            following = startChunk(group, next, size);
         }
         finishChunk(*running, place);
         if (isLarge && m_unsavedItems.size() >= chunkSize && !isCancelled()) {
@@ -48,12 +48,44 @@ void ImportOperation::importFiles(const Group &group)
         sidebarItemDidAddItem, nullptr, {{QStringLiteral("objectID"), QVariant::fromValue(group.project->objectID())}});
 }
 
-std::unique_ptr<ImportOperation::Chunk> ImportOperation::startChunk(const QStringList &files,
-                                                                    const ZQSidebarBaseItem &target)
+// Files finish in any order, and lists are sorted by the import date: each file's place in the drop gives its date.
+void ImportOperation::orderLikeTheDrop(QList<Group> &groups)
+{
+    struct Entry
+    {
+        qsizetype dropped;
+        Group *group;
+        std::size_t file;
+    };
+    QHash<QString, qsizetype> dropped;
+    for (qsizetype i = m_itemsToImport.size() - 1; i >= 0; --i) {
+        dropped.insert(m_itemsToImport.at(i), i);
+    }
+    std::vector<Entry> places;
+    for (Group &group : groups) {
+        group.milliseconds.resize(std::size_t(group.files.size()));
+        for (std::size_t i = 0; i < group.milliseconds.size(); ++i) {
+            const QString &root = group.droppedFolder.isEmpty() ? group.files.at(qsizetype(i)) : group.droppedFolder;
+            places.push_back({dropped.value(root), &group, i});
+        }
+    }
+    std::stable_sort(places.begin(), places.end(),
+                     [](const Entry &a, const Entry &b) { return a.dropped < b.dropped; });
+    qint64 milliseconds = 0;
+    for (const Entry &place : places) {
+        place.group->milliseconds[place.file] = milliseconds++;
+    }
+    m_firstImportDate = zqNow();
+}
+
+std::unique_ptr<ImportOperation::Chunk> ImportOperation::startChunk(const Group &group, qsizetype first,
+                                                                    qsizetype count)
 {
     auto chunk = std::make_unique<Chunk>();
-    chunk->fileProcessed.resize(std::size_t(files.size()));
-    for (const QString &path : files) {
+    const qsizetype end = std::min(first + count, group.files.size());
+    chunk->fileProcessed.resize(std::size_t(std::max<qsizetype>(end - first, 0)));
+    for (qsizetype i = first; i < end; ++i) {
+        const QString &path = group.files.at(i);
         const auto operation = BaseImportOperation::importOperationForFilePath(path);
         if (!operation) {
             fileDidDrop(unsupportedFile(path)); // it is not what it was a moment ago
@@ -61,7 +93,8 @@ std::unique_ptr<ImportOperation::Chunk> ImportOperation::startChunk(const QStrin
         }
         operation->setMetadata(m_metadata);
         operation->setSettings(m_settings);
-        operation->setSidebarItem(target.objectID());
+        operation->setSidebarItem(group.project->objectID());
+        operation->setImportDate(m_firstImportDate.addMSecs(group.milliseconds[std::size_t(i)]));
         operation->setImportData(&chunk->fileProcessed[chunk->operations.size()]);
         operation->setFatherOperation(this);
         chunk->operations.push_back(operation);
@@ -136,9 +169,10 @@ ZQRef<ZQLibraryBaseItem> ImportOperation::insertItem(const ImportedFile &file)
                               .filePath = file.filePath,
                               .thumbName = item->thumbName(),
                               .sourcePath = file.sourcePath,
+                              .movedPath = file.movedPath,
+                              .movedModification = file.movedModification,
                               .tags = {},
-                              .notes = item->notes(),
-                              .isMove = file.isMove});
+                              .notes = item->notes()});
     tagItem(*item, tags);
     return item;
 }
@@ -171,9 +205,10 @@ ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &text)
     return tag;
 }
 
-bool ImportOperation::saveItems()
+bool ImportOperation::saveItems(ZQError *failure)
 {
     ZQError error;
+    rememberUnsavedItems();
     const QString library = ZQLibraryEnvironment::current().libraryDirectory();
     const bool isSynced =
         m_unsavedItems.isEmpty() || zqSyncFileSystem(library, &error); // files are safe before rows name them
@@ -181,6 +216,7 @@ bool ImportOperation::saveItems()
     if (!isSynced || !m_moc->save(&error)) {
         logSaveError(error);
         forgetUnsavedItems(error);
+        zqSetError(failure, error);
         return false;
     }
     for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(m_unsavedItems)) {

@@ -4,22 +4,29 @@
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Imaging/ZQImageDestination.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
-// Encoded pictures worth keeping as they are, best first.
+// Encoded pictures are kept as they are, never decoded here; the best first.
 const QStringList &encodedFormats()
 {
-    static const QStringList formats{QStringLiteral("image/svg+xml"), QStringLiteral("image/png"),
-                                     QStringLiteral("image/jpeg"),    QStringLiteral("image/gif"),
-                                     QStringLiteral("image/tiff"),    QStringLiteral("application/pdf")};
+    static const QStringList formats{
+        QStringLiteral("image/svg+xml"),  QStringLiteral("image/png"),
+        QStringLiteral("image/x-png"),    QStringLiteral("image/jpeg"),
+        QStringLiteral("image/jpg"),      QStringLiteral("image/gif"),
+        QStringLiteral("image/tiff"),     QStringLiteral("application/pdf"),
+        QStringLiteral("image/jp2"),      QStringLiteral("image/vnd.adobe.photoshop"),
+        QStringLiteral("image/bmp"),      QStringLiteral("image/x-bmp"),
+        QStringLiteral("image/x-ms-bmp"), QStringLiteral("image/x-tga"),
+        QStringLiteral("image/x-icon"),   QStringLiteral("image/vnd.microsoft.icon"),
+    };
     return formats;
 }
 
@@ -76,16 +83,6 @@ public:
         return keep(path, zqWriteFileAtomically(path, data, &error), error);
     }
 
-    bool writeImage(const QImage &image, const QString &baseName)
-    {
-        if (image.isNull() || !hasDirectory()) {
-            return false;
-        }
-        const QString path = freePath(m_directory, baseName, QStringLiteral("png"));
-        ZQError error;
-        return keep(path, ZQImageDestination::writePNG(ZQBitmap(image), path, &error), error);
-    }
-
     QStringList paths() const { return m_paths; }
 
 private:
@@ -120,10 +117,17 @@ bool writePicture(const QMimeData &mimeData, const QString &baseName, PictureWri
             return true;
         }
     }
-    return mimeData.hasImage() && writer.writeImage(qvariant_cast<QImage>(mimeData.imageData()), baseName);
+    return false;
 }
 
 } // namespace
+
+bool PasteboardFiles::hasPicture(const QMimeData &mimeData)
+{
+    const QStringList &formats = encodedFormats();
+    return std::any_of(formats.begin(), formats.end(),
+                       [&mimeData](const QString &format) { return mimeData.hasFormat(format); });
+}
 
 PasteboardFiles PasteboardFiles::filesFromMimeData(const QMimeData *mimeData,
                                                    const std::function<QString()> &makeDirectory)

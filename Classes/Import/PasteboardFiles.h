@@ -13,8 +13,10 @@ struct PasteboardFiles
     QStringList paths;
     QVariantMap metadata; // "webURL" when a picture came with its address
 
-    // Files on the clipboard are answered as they are. Otherwise the picture there (as encoded by its program when that
-    // is a format the library takes, else its pixels as PNG) is written into a folder that `makeDirectory` makes, asked
-    // for at most once. Nothing is downloaded. Main thread.
+    // Files on the clipboard are answered as they are. Otherwise the picture there, as its program has encoded it, is
+    // written into a folder that `makeDirectory` makes, asked for at most once. Nothing is downloaded. Main thread.
+    // Whether there is a picture in a format the library takes. Looks at the names of the formats only.
+    static bool hasPicture(const QMimeData &mimeData);
+
     static PasteboardFiles filesFromMimeData(const QMimeData *mimeData, const std::function<QString()> &makeDirectory);
 };

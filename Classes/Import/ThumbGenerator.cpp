@@ -153,3 +153,18 @@ ZQBitmap ThumbGenerator::sketchBitmapImageRepAtPath(const QString &path, ZQError
 {
     return ZQImageSource::bitmapOfFile(path + QStringLiteral("/QuickLook/Preview.png"), error);
 }
+
+QByteArray ThumbGenerator::grabAcornCompositeDataAtPath(const QString &path)
+{
+    ZQError error;
+    const QByteArray data = ZQImageSource::embeddedPictureOfFile(path, &error);
+    if (data.isEmpty()) {
+        qCWarning(zqLogImport, "%s", qUtf8Printable(error.localizedDescription()));
+    }
+    return data;
+}
+
+ZQBitmap ThumbGenerator::grabAcornBitmapImageRepAtPath(const QString &path, ZQError *error)
+{
+    return ZQImageSource::bitmapOfFile(path, error);
+}

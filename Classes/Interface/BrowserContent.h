@@ -21,6 +21,8 @@ public:
     const QString &filter() const { return m_filter; }
     void reload();      // fetches again
     void dropObjects(); // what is shown changed: reads it again when painted
+    // Null unless the rows could not be read; then there are none, and `emptyText` says why.
+    const ZQError &error() const { return m_error; }
     qint64 unfilteredCount() const { return m_unfilteredCount; }
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
@@ -45,7 +47,8 @@ public:
 
     static QList<ZQObjectID> itemsOfMimeData(const QMimeData *data, WindowContext &window);
     static ZQThumbnailRequest thumbnailOf(const ZQLibraryBaseItem &item);
-    static QImage decodeForeign(const ZQThumbnailRequest &request, int pixels); // any thread
+    // For thumbnail loaders. Any thread.
+    static QImage pictureFor(const ZQThumbnailRequest &request, int pixels);
 
 Q_SIGNALS:
     // What was fetched differs from what is shown. At the first the rows are still the old ones.
@@ -68,7 +71,7 @@ private:
     const ZQObjectID &itemID(qint64 index) const;
     template <class Use>
     void forEachPlace(const ZQIndexSet &indexes, Use use) const; // use(section, position)
-    void take(const QStringList &titles, const ContentFetcher::Rows &fetched);
+    void take(const QStringList &titles, const ContentFetcher::Rows &fetched, const ZQError &error);
 
     WindowContext &m_window;
     QList<ZQObjectID> m_sidebarItems;
@@ -77,6 +80,7 @@ private:
     QList<qint64> m_starts;
     QList<ZQGridGroup> m_groups;
     qint64 m_count = 0;
+    ZQError m_error;
     qint64 m_unfilteredCount = 0;
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same

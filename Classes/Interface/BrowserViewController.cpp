@@ -49,7 +49,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     setObjectName(QStringLiteral("Browser"));
     setAttribute(Qt::WA_StyledBackground);
     m_grid->setAccessibleName(zqLocalized("Items"));
-    m_grid->thumbnailLoader().setDecoder(&BrowserContent::decodeForeign);
+    m_grid->thumbnailLoader().setDecoder(&BrowserContent::pictureFor);
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
                            defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));
@@ -229,6 +229,9 @@ QString BrowserViewController::title() const
 
 QString BrowserViewController::countText() const
 {
+    if (!m_content->error().isNull()) {
+        return {}; // how many there are is not known
+    }
     const qint64 count = m_content->count();
     return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
 }

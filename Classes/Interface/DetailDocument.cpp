@@ -18,6 +18,7 @@ constexpr int largestSide = 8192;
 constexpr int largestDrawnSide = 6144; // a drawing of that side takes 150 MB at most
 constexpr qint64 mostFrameBytes = qint64(256) << 20;
 constexpr int smallestFrameSide = 64;
+constexpr int mostFrames = int(mostFrameBytes / (smallestFrameSide * smallestFrameSide * 4)); // of an animation
 
 int longerSide(QSizeF size)
 {
@@ -127,6 +128,7 @@ void DetailDocument::take(const Answer &answer)
             m_durations = m_pageCount > 1 ? answer.properties->frameDurations : QList<int>();
         }
         if (isAnimation()) {
+            m_pageCount = std::min(m_pageCount, mostFrames);
             readFrames(longerSide(m_image.size()));
             m_timer.start(m_durations.first());
         } else {
@@ -199,18 +201,29 @@ void DetailDocument::readFrames(int side)
     const QSizeF shape = QSizeF(m_image.size()).scaled(side, side, Qt::KeepAspectRatio);
     const double bytes = shape.width() * shape.height() * 4 * m_pageCount;
     const double shrink = bytes > double(mostFrameBytes) ? std::sqrt(double(mostFrameBytes) / bytes) : 1.0;
-    const int frameSide = std::max(smallestFrameSide, int(side * shrink));
+    readFrame(0, std::max(smallestFrameSide, int(side * shrink)));
+}
+
+// Each asks for the next: what a file says of its frames is not to fill the queue, nor the memory.
+void DetailDocument::readFrame(int frame, int side)
+{
     const QPointer<DetailDocument> self(this);
-    for (int frame = 0; frame < m_pageCount; ++frame) {
-        m_queue->addOperationWithBlock([self, generation = m_generation, path = m_drawn, frameSide, frame] {
-            const QImage image = ZQImageSource::thumbnailOfFile(path, frameSide, nullptr, frame).image();
-            zqOnMainThread([self, generation, image] {
-                if (self && self->m_generation == generation && !image.isNull()) {
-                    self->m_frames.append(image);
-                }
-            });
+    m_queue->addOperationWithBlock([self, generation = m_generation, path = m_drawn, side, frame] {
+        const QImage image = ZQImageSource::thumbnailOfFile(path, side, nullptr, frame).image();
+        zqOnMainThread([self, generation, image, frame, side] {
+            if (!self || self->m_generation != generation) {
+                return;
+            }
+            if (image.isNull()) {
+                self->m_pageCount = std::max(1, int(self->m_frames.size())); // what there is goes round
+                return;
+            }
+            self->m_frames.append(image);
+            if (frame + 1 < self->m_pageCount) {
+                self->readFrame(frame + 1, side);
+            }
         });
-    }
+    });
 }
 
 void DetailDocument::setPlaying(bool playing)

@@ -52,6 +52,7 @@ private:
     void take(const Answer &answer);
     void drawPage();
     void readFrames(int side);
+    void readFrame(int frame, int side);
     void showNextFrame();
 
     Source m_source;

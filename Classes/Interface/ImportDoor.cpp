@@ -1,6 +1,7 @@
 #include "Classes/Interface/ImportDoor.h"
 
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/PasteboardFiles.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
 #include <QMimeData>
@@ -36,7 +37,7 @@ bool anyDirectory(const QStringList &paths)
 
 bool carriesContent(const QMimeData *data)
 {
-    return data->hasUrls() || data->hasImage();
+    return data->hasUrls() || PasteboardFiles::hasPicture(*data);
 }
 
 QStringList openPanelExtensions()

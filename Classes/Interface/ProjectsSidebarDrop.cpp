@@ -57,8 +57,7 @@ Qt::DropAction ProjectsSidebarViewController::validate(const QMimeData *mime, co
     }
     const bool isTarget = place.target && !place.target->isLabel() &&
                           (place.target->isProject() || place.target->isTag() || place.target->isWatchedFolder());
-    return isOnto && isTarget && (mime->hasImage() || ImportDoor::carriesContent(mime)) ? Qt::CopyAction
-                                                                                        : Qt::IgnoreAction;
+    return isOnto && isTarget && ImportDoor::carriesContent(mime) ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 Qt::DropAction ProjectsSidebarViewController::validateFileDrop(const QStringList &paths,

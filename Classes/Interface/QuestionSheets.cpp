@@ -1,8 +1,8 @@
 #include "Classes/Interface/QuestionSheets.h"
 
+#include "Classes/Interface/BrowserContent.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Kit/Widgets/ZQThumbnailLoader.h"
 
@@ -23,6 +23,7 @@
 namespace {
 constexpr int acceptCode = 1;
 constexpr int cancelCode = 2;
+constexpr qsizetype pictureBytes = qsizetype(16) << 20;
 } // namespace
 
 QuestionSheet::QuestionSheet(QWidget *window, const UserQuestion &question)
@@ -104,7 +105,8 @@ UnreadableFilesSheet::Answer UnreadableFilesSheet::answer(int code) const
 class DuplicatesSheet::Card : public QWidget
 {
 public:
-    explicit Card(QWidget *parent) : QWidget(parent), m_name(new QLabel(this)), m_details(new QLabel(this))
+    Card(QWidget *parent, ZQThumbnailLoader &pictures)
+        : QWidget(parent), m_pictures(pictures), m_name(new QLabel(this)), m_details(new QLabel(this))
     {
         setObjectName(QStringLiteral("Card"));
         setAttribute(Qt::WA_StyledBackground);
@@ -125,11 +127,7 @@ public:
     {
         m_name->setText(name);
         m_details->setText(details);
-        const int pixels = int(280 * devicePixelRatioF());
-        m_picture = ZQThumbnailLoader::readImage({picture, 0, false}, pixels);
-        if (m_picture.isNull() && !picture.isEmpty()) {
-            m_picture = ZQPreviewService::previewOfFile(picture, QSize(pixels, pixels)).image();
-        }
+        m_picture = {picture, 0, true};
         update();
     }
 
@@ -140,25 +138,31 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         const QRect box(12, 12, width() - 24, pictureHeight);
-        if (!m_picture.isNull()) {
-            const QSize size = m_picture.size().scaled(box.size() - QSize(20, 20), Qt::KeepAspectRatio);
-            painter.drawImage(QRect(box.center() - QPoint(size.width() / 2, size.height() / 2), size), m_picture);
+        const QImage picture = m_pictures.image(m_picture, int(box.width() * devicePixelRatioF()));
+        if (!picture.isNull()) {
+            const QSize size = picture.size().scaled(box.size() - QSize(20, 20), Qt::KeepAspectRatio);
+            painter.drawImage(QRect(box.center() - QPoint(size.width() / 2, size.height() / 2), size), picture);
         }
     }
 
 private:
     static constexpr int pictureHeight = 140;
+    ZQThumbnailLoader &m_pictures;
     QLabel *m_name;
     QLabel *m_details;
-    QImage m_picture;
+    ZQThumbnailRequest m_picture;
 };
 
 DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs)
     : Sheet(window, zqLocalized("Would you like to import the following duplicate image?")), m_pairs(pairs),
-      m_existing(new Card(this)), m_new(new Card(this)), m_options(new QButtonGroup(this)),
-      m_applyToAll(new QCheckBox(this))
+      m_pictures(new ZQThumbnailLoader(pictureBytes, this)), m_existing(new Card(this, *m_pictures)),
+      m_new(new Card(this, *m_pictures)), m_options(new QButtonGroup(this)), m_applyToAll(new QCheckBox(this))
 {
     setWidth(620);
+    m_pictures->setDecoder(&BrowserContent::pictureFor);
+    for (Card *card : {m_existing, m_new}) {
+        connect(m_pictures, &ZQThumbnailLoader::loaded, card, qOverload<>(&QWidget::update));
+    }
     auto *cards = new QHBoxLayout;
     cards->setSpacing(14);
     cards->addWidget(m_existing, 1);

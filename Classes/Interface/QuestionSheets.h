@@ -8,6 +8,7 @@ class QButtonGroup;
 class QLabel;
 class QListWidget;
 class QPushButton;
+class ZQThumbnailLoader;
 
 // A message with buttons and, when asked for, a box that keeps it from being asked again.
 class QuestionSheet : public Sheet
@@ -63,6 +64,7 @@ private:
 
     QList<DuplicatePair> m_pairs;
     QList<DuplicateChoice> m_choices;
+    ZQThumbnailLoader *m_pictures;
     Card *m_existing;
     Card *m_new;
     QButtonGroup *m_options;

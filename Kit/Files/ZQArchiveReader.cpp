@@ -1,74 +1,22 @@
 #include "Kit/Files/ZQArchiveReader.h"
 
 #include "Kit/Files/ZQLegacyText.h"
+#include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include <archive.h>
-#include <archive_entry.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <locale.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr std::size_t inputBlock = 128 * 1024;
-constexpr qsizetype outputBlock = 256 * 1024;
 constexpr qsizetype namesForEncoding = 64 * 1024; // bytes; more say nothing new
-
-using Reader = std::unique_ptr<archive, decltype(&archive_read_free)>;
-
-// The library turns names into the thread's locale, which is to be one that has every character.
-class UTF8Locale
-{
-public:
-    UTF8Locale()
-        : m_locale(::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)),
-          m_previous(m_locale ? ::uselocale(m_locale) : nullptr)
-    {
-    }
-    ~UTF8Locale()
-    {
-        if (m_locale) {
-            ::uselocale(m_previous);
-            ::freelocale(m_locale);
-        }
-    }
-    UTF8Locale(const UTF8Locale &) = delete;
-    UTF8Locale &operator=(const UTF8Locale &) = delete;
-
-private:
-    locale_t m_locale;
-    locale_t m_previous;
-};
-
-// The format is told by the beginning: left to choose, the library takes a rar archive that ends with a stored zip
-// archive for that one.
-Reader openReader(const QString &path)
-{
-    Reader reader(archive_read_new(), archive_read_free);
-    if (reader) {
-        QFile file(path);
-        const bool isRar = file.open(QIODevice::ReadOnly) && file.read(4) == "Rar!";
-        if (isRar) {
-            archive_read_support_format_rar(reader.get());
-            archive_read_support_format_rar5(reader.get());
-        } else {
-            archive_read_support_format_zip(reader.get());
-        }
-        archive_read_open_filename(reader.get(), QFile::encodeName(path).constData(),
-                                   inputBlock); // the first header tells
-    }
-    return reader;
-}
 
 ZQError archiveError(ZQArchiveReader::ErrorCode code, const QString &text)
 {
@@ -84,15 +32,11 @@ ZQError limitError(const QString &archive, const QString &what)
                  {archive, what}));
 }
 
-bool isSuccess(int status)
-{
-    return status == ARCHIVE_OK || status == ARCHIVE_WARN; // a warning is about an attribute
-}
-
 } // namespace
 
-ZQArchiveReader::ZQArchiveReader(const ZQArchiveLimits &limits, std::function<bool()> isCancelled)
-    : m_limits(limits), m_isCancelled(std::move(isCancelled)), m_block(outputBlock, Qt::Uninitialized)
+ZQArchiveReader::ZQArchiveReader(ZQArchiveSource &source, const ZQArchiveLimits &limits,
+                                 std::function<bool()> isCancelled)
+    : m_source(source), m_limits(limits), m_isCancelled(std::move(isCancelled))
 {
 }
 
@@ -107,12 +51,6 @@ bool ZQArchiveReader::extractArchive(const QString &path, const QString &folder,
                                                       {m_limits.nestingDepth})));
         return false;
     }
-    m_headers = ZQArchiveHeaders::headersOfFile(path);
-    if (m_headers.isCutOff) {
-        zqSetError(error, damage(zqLocalized("its end is missing")));
-        return false;
-    }
-    const UTF8Locale locale;
     if (!survey(path, error)) {
         return false;
     }
@@ -136,37 +74,36 @@ bool ZQArchiveReader::extractArchive(const QString &path, const QString &folder,
 // their encoding anyway.
 bool ZQArchiveReader::survey(const QString &path, ZQError *error)
 {
-    const Reader reader = openReader(path);
-    archive_entry *entry = nullptr;
+    ZQArchiveEnd end;
+    if (!m_source.open(path, &end)) {
+        zqSetError(error, failure(end));
+        return false;
+    }
     QList<QByteArray> names;
     qsizetype bytesOfNames = 0;
     qint64 size = 0;
     qint64 count = 0;
-    int status = ARCHIVE_OK;
-    while (isSuccess(status = archive_read_next_header(reader.get(), &entry))) {
-        if (!mayGoOn(error) || !isOpen(entry, error)) {
+    while (const std::optional<ZQArchiveEntry> entry = m_source.nextEntry(&end)) {
+        if (!mayGoOn(error) || !isOpen(*entry, error)) {
             return false;
         }
-        if ((archive_format(reader.get()) & ARCHIVE_FORMAT_BASE_MASK) != ARCHIVE_FORMAT_ZIP) {
-            break;
-        }
-        if (m_entryCount + ++count > m_limits.entryCount) {
+        if (!entry->isListed || m_entryCount + ++count > m_limits.entryCount) {
             break; // told when it is unpacked
         }
-        const char *name = archive_entry_pathname(entry);
-        if (name && bytesOfNames < namesForEncoding) {
-            names.append(QByteArray(name));
-            bytesOfNames += names.last().size();
+        if (!entry->name.isNull() && bytesOfNames < namesForEncoding) {
+            names.append(entry->name);
+            bytesOfNames += entry->name.size();
         }
-        if (archive_entry_size_is_set(entry) && archive_entry_size(entry) > m_limits.totalSize - m_totalSize - size) {
+        const qint64 room = m_limits.totalSize - m_totalSize - size;
+        if (entry->size.value_or(0) > room) {
             zqSetError(error, limitError(m_name, zqFormat(zqLocalized("it holds more than %d MB"),
                                                           {m_limits.totalSize >> 20})));
             return false;
         }
-        size += archive_entry_size(entry);
+        size += entry->size.value_or(0);
     }
-    if (status < ARCHIVE_WARN) { // beyond what is a warning
-        zqSetError(error, failure(reader.get()));
+    if (end.kind != ZQArchiveEnd::Kind::Whole) {
+        zqSetError(error, failure(end));
         return false;
     }
     m_encoding = ZQLegacyText::likelyEncoding(names);
@@ -175,18 +112,18 @@ bool ZQArchiveReader::survey(const QString &path, ZQError *error)
 
 bool ZQArchiveReader::extractEntries(const QString &path, ZQExtractionFolder &folder, ZQError *error)
 {
-    const Reader reader = openReader(path);
-    archive_entry *entry = nullptr;
-    int status = ARCHIVE_OK;
-    for (qsizetype i = 0; isSuccess(status = archive_read_next_header(reader.get(), &entry)); ++i) {
-        m_checksum = m_headers.checksums.value(i);
-        if (!mayGoOn(error) || !countEntry(error) || !isOpen(entry, error) ||
-            !extractEntry(reader.get(), entry, folder, error)) {
+    ZQArchiveEnd end;
+    if (!m_source.open(path, &end)) {
+        zqSetError(error, failure(end));
+        return false;
+    }
+    while (const std::optional<ZQArchiveEntry> entry = m_source.nextEntry(&end)) {
+        if (!mayGoOn(error) || !countEntry(error) || !isOpen(*entry, error) || !extractEntry(*entry, folder, error)) {
             return false;
         }
     }
-    if (status != ARCHIVE_EOF) {
-        zqSetError(error, failure(reader.get()));
+    if (end.kind != ZQArchiveEnd::Kind::Whole) {
+        zqSetError(error, failure(end));
         return false;
     }
     return true;
@@ -195,8 +132,7 @@ bool ZQArchiveReader::extractEntries(const QString &path, ZQExtractionFolder &fo
 bool ZQArchiveReader::mayGoOn(ZQError *error) const
 {
     if (m_isCancelled && m_isCancelled()) {
-        zqSetError(error,
-                   archiveError(Cancelled, zqLocalized("The import was cancelled. Import it again if you want it.")));
+        zqSetError(error, cancellation());
         return false;
     }
     return true;
@@ -212,9 +148,9 @@ bool ZQArchiveReader::countEntry(ZQError *error)
     return true;
 }
 
-bool ZQArchiveReader::isOpen(archive_entry *entry, ZQError *error) const
+bool ZQArchiveReader::isOpen(const ZQArchiveEntry &entry, ZQError *error) const
 {
-    if (!archive_entry_is_encrypted(entry)) {
+    if (!entry.isEncrypted) {
         return true;
     }
     zqSetError(error, archiveError(Encrypted, zqFormat(zqLocalized("“%@” is protected by a password (“%@” in it is "
@@ -224,19 +160,14 @@ bool ZQArchiveReader::isOpen(archive_entry *entry, ZQError *error) const
     return false;
 }
 
-QString ZQArchiveReader::nameOfEntry(archive_entry *entry) const
+QString ZQArchiveReader::nameOfEntry(const ZQArchiveEntry &entry) const
 {
-    const char *name = archive_entry_pathname(entry);
-    if (!name) {
-        name = archive_entry_pathname_utf8(entry);
-    }
-    if (!name) {
+    if (entry.name.isNull()) {
         return {};
     }
-    const QByteArray bytes(name);
     // One with its encoding said comes as UTF-8, whatever the others are in.
-    const QString text = QString::fromUtf8(bytes);
-    return text.contains(QChar::ReplacementCharacter) ? ZQLegacyText::decoded(bytes, m_encoding) : text;
+    const QString text = QString::fromUtf8(entry.name);
+    return text.contains(QChar::ReplacementCharacter) ? ZQLegacyText::decoded(entry.name, m_encoding) : text;
 }
 
 void ZQArchiveReader::skip(const QString &name, const QString &reason)
@@ -246,14 +177,14 @@ void ZQArchiveReader::skip(const QString &name, const QString &reason)
     }
 }
 
-bool ZQArchiveReader::extractEntry(archive *reader, archive_entry *entry, ZQExtractionFolder &folder, ZQError *error)
+bool ZQArchiveReader::extractEntry(const ZQArchiveEntry &entry, ZQExtractionFolder &folder, ZQError *error)
 {
+    using Kind = ZQArchiveEntry::Kind;
+    using Verdict = ZQExtractionFolder::Verdict;
     const QString name = nameOfEntry(entry);
     QStringList components;
-    using Verdict = ZQExtractionFolder::Verdict;
     const Verdict verdict = ZQExtractionFolder::components(name, &components);
-    const auto type = archive_entry_filetype(entry);
-    const bool isFolder = type == AE_IFDIR || name.endsWith(u'/') || name.endsWith(u'\\');
+    const bool isFolder = entry.kind == Kind::Folder || name.endsWith(u'/') || name.endsWith(u'\\');
     const bool namesNothing = verdict == Verdict::Fine && components.isEmpty() && !name.isNull();
     if (verdict == Verdict::Noise || namesNothing) {
         return true;
@@ -262,96 +193,115 @@ bool ZQArchiveReader::extractEntry(archive *reader, archive_entry *entry, ZQExtr
         skip(QStringLiteral("?"), zqLocalized("its name cannot be read"));
     } else if (verdict == Verdict::Outside) {
         skip(name, zqLocalized("its name leads out of the archive"));
-    } else if (type == AE_IFLNK || archive_entry_hardlink(entry)) {
+    } else if (entry.kind == Kind::Link) {
         skip(name, zqLocalized("it is a link"));
-    } else if (!isFolder && type != AE_IFREG && type != 0) {
+    } else if (!isFolder && entry.kind != Kind::File) {
         skip(name, zqLocalized("it is no regular file"));
     } else if (verdict != Verdict::Fine || !folder.canHold(components)) {
         skip(name, zqLocalized("it lies too deep in folders"));
-    } else if (isFolder) {
-        if (!folder.makeFolder(components)) {
-            skip(name, zqLocalized("a file of this name is in its way"));
-        }
-    } else {
-        ZQError makeError;
-        const int descriptor = folder.makeFile(components, &makeError);
-        if (descriptor < 0 && (makeError.code == ENOTDIR || makeError.code == ELOOP)) {
-            skip(name, zqLocalized("a file has the name of its folder"));
-            return true;
-        }
-        if (descriptor < 0) {
-            zqSetError(error, writeError(makeError.code));
-            return false;
-        }
-        bool isWhole = copyData(reader, descriptor, error);
-        if (isWhole && archive_entry_mtime_is_set(entry)) {
-            const timespec time{archive_entry_mtime(entry), archive_entry_mtime_nsec(entry)};
-            const timespec times[] = {time, time};
-            ::futimens(descriptor, times); // one that the file system cannot keep is left as it is
-        }
-        if (::close(descriptor) != 0 && isWhole) {
-            zqSetError(error, writeError(errno));
-            isWhole = false;
-        }
-        return isWhole;
+    } else if (!isFolder) {
+        return extractFile(entry, name, components, folder, error);
+    } else if (!folder.makeFolder(components)) {
+        skip(name, zqLocalized("a file of this name is in its way"));
     }
     return true;
 }
 
-bool ZQArchiveReader::copyData(archive *reader, int descriptor, ZQError *error)
+bool ZQArchiveReader::extractFile(const ZQArchiveEntry &entry, const QString &name, const QStringList &components,
+                                  ZQExtractionFolder &folder, ZQError *error)
 {
-    quint32 checksum = 0;
+    ZQError makeError;
+    const int descriptor = folder.makeFile(components, &makeError);
+    if (descriptor < 0 && (makeError.code == ENOTDIR || makeError.code == ELOOP)) {
+        skip(name, zqLocalized("a file has the name of its folder"));
+        return true;
+    }
+    if (descriptor < 0) {
+        zqSetError(error, writeError(makeError.code));
+        return false;
+    }
+    bool isWhole = copyData(descriptor, error);
+    if (isWhole && entry.time) {
+        const timespec time{*entry.time, entry.timeNanoseconds};
+        const timespec times[] = {time, time};
+        ::futimens(descriptor, times); // one that the file system cannot keep is left as it is
+    }
+    if (::close(descriptor) != 0 && isWhole) {
+        zqSetError(error, writeError(errno));
+        isWhole = false;
+    }
+    return isWhole;
+}
+
+bool ZQArchiveReader::copyData(int descriptor, ZQError *error)
+{
     for (;;) {
-        const la_ssize_t count = archive_read_data(reader, m_block.data(), std::size_t(m_block.size()));
-        if (count < 0) {
-            zqSetError(error, failure(reader));
+        ZQArchiveEnd end;
+        const std::optional<ZQArchiveSource::Block> block = m_source.nextBlock(&end);
+        if (!block) {
+            zqSetError(error, failure(end));
             return false;
         }
-        if (m_checksum) {
-            checksum = zqCRC32(checksum, m_block.constData(), count);
-        }
-        if (count == 0 && m_checksum.value_or(checksum) != checksum) {
-            zqSetError(error, damage(zqLocalized("its content has changed")));
+        m_totalSize += block->bytes.size();
+        if (!mayGoOn(error) || !checkTotalSize(error)) {
             return false;
         }
-        if (count == 0) {
+        if (!zqWriteAll(descriptor, block->bytes.data(), block->bytes.size())) {
+            zqSetError(error, writeError(errno));
+            return false;
+        }
+        if (block->isLast) {
             return true;
-        }
-        m_totalSize += count;
-        if (!mayGoOn(error)) {
-            return false;
-        }
-        const bool isTooDense =
-            m_totalSize > m_limits.ratioFreeSize && m_totalSize / std::max<qint64>(m_outermostSize, 1) > m_limits.ratio;
-        if (m_totalSize > m_limits.totalSize || isTooDense) {
-            const QString what =
-                isTooDense ? zqFormat(zqLocalized("its content is more than %d times as large"), {m_limits.ratio})
-                           : zqFormat(zqLocalized("it holds more than %d MB"), {m_limits.totalSize >> 20});
-            zqSetError(error, limitError(m_name, what));
-            return false;
-        }
-        for (la_ssize_t done = 0; done < count;) {
-            const ssize_t written = ::write(descriptor, m_block.constData() + done, std::size_t(count - done));
-            if (written < 0 && errno != EINTR) {
-                zqSetError(error, writeError(errno));
-                return false;
-            }
-            done += std::max<ssize_t>(written, 0);
         }
     }
 }
 
-ZQError ZQArchiveReader::failure(archive *reader) const
+bool ZQArchiveReader::checkTotalSize(ZQError *error) const
 {
-    const char *text = archive_error_string(reader);
-    const QString said = text ? QString::fromUtf8(text) : zqLocalized("it ends too early");
-    const bool isKnown = archive_format(reader) != 0; // the next question crashes when the format was not recognised
-    if ((isKnown && archive_read_has_encrypted_entries(reader) == 1) || said.contains(QStringLiteral("ncrypt"))) {
+    const bool isTooDense =
+        m_totalSize > m_limits.ratioFreeSize && m_totalSize / std::max<qint64>(m_outermostSize, 1) > m_limits.ratio;
+    if (m_totalSize <= m_limits.totalSize && !isTooDense) {
+        return true;
+    }
+    const QString what = isTooDense
+                             ? zqFormat(zqLocalized("its content is more than %d times as large"), {m_limits.ratio})
+                             : zqFormat(zqLocalized("it holds more than %d MB"), {m_limits.totalSize >> 20});
+    zqSetError(error, limitError(m_name, what));
+    return false;
+}
+
+ZQError ZQArchiveReader::failure(const ZQArchiveEnd &end) const
+{
+    using Kind = ZQArchiveEnd::Kind;
+    switch (end.kind) {
+    case Kind::Encrypted:
         return archiveError(Encrypted, zqFormat(zqLocalized("“%@” is protected by a password. Unpack it yourself and "
                                                             "import what it holds."),
                                                 {m_name}));
+    case Kind::CutOff:
+        return damage(zqLocalized("its end is missing"));
+    case Kind::Changed:
+        return damage(zqLocalized("its content has changed"));
+    case Kind::Stopped:
+        return damage(zqLocalized("what unpacks it stopped"));
+    case Kind::TookTooLong:
+        return damage(zqLocalized("it took too long"));
+    case Kind::TooMuchMemory:
+        return damage(zqLocalized("it needs too much memory"));
+    case Kind::Cancelled:
+        return cancellation();
+    case Kind::Unavailable:
+        return archiveError(Unavailable, end.text);
+    case Kind::Whole:
+    case Kind::Damaged:
+        break;
     }
-    return damage(said);
+    return damage(end.text.isEmpty() ? zqLocalized("it ends too early") : end.text);
+}
+
+ZQError ZQArchiveReader::cancellation()
+{
+    return archiveError(Cancelled, zqLocalized("The import was cancelled. Import it again if you want it."));
 }
 
 ZQError ZQArchiveReader::damage(const QString &what) const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/Files/ZQArchiveHeaders.h"
+#include "Kit/Files/ZQArchiveSource.h"
 #include "Kit/Files/ZQExtractionFolder.h"
 #include "Kit/Foundation/ZQError.h"
 
@@ -8,9 +8,6 @@
 #include <QString>
 
 #include <functional>
-
-struct archive;
-struct archive_entry;
 
 // How much may come out of an archive, everything that lies packed within it included.
 struct ZQArchiveLimits
@@ -23,8 +20,9 @@ struct ZQArchiveLimits
     qint64 ratioFreeSize = qint64(256) << 20; // bytes; small files of one colour shrink very far
 };
 
-// Unpacks zip and rar archives (RAR 5 too) that come from anywhere. One reader unpacks an archive and then, by further
-// calls, the archives that were in it: the limits hold for all together. One thread.
+// Unpacks archives that come from anywhere: a source, which reads them elsewhere, says what is in them, and this
+// decides what of it is written. One reader unpacks an archive and then, by further calls, the archives that were in
+// it: the limits hold for all together. One thread.
 //
 // Files, folders and their times come out. Links and devices are left out, as are names that lead elsewhere; what a
 // desktop keeps beside files (`__MACOSX`, `.DS_Store`) is dropped without a word.
@@ -39,10 +37,11 @@ public:
         DiskFull,
         NotWritable,
         Cancelled,
+        Unavailable, // there is nobody who could read it
     };
 
-    // `isCancelled` is asked between blocks.
-    explicit ZQArchiveReader(const ZQArchiveLimits &limits, std::function<bool()> isCancelled = {});
+    // `source` outlives the reader. `isCancelled` is asked between blocks.
+    ZQArchiveReader(ZQArchiveSource &source, const ZQArchiveLimits &limits, std::function<bool()> isCancelled = {});
 
     // Unpacks `path` into `folder`, which is made and must not exist. `depth` is 0 for the archive itself, 1 for one
     // found in it, and so on. After a failure there is no such folder, and the error's text says what to do.
@@ -56,27 +55,29 @@ public:
 private:
     bool survey(const QString &path, ZQError *error);
     bool extractEntries(const QString &path, ZQExtractionFolder &folder, ZQError *error);
-    bool extractEntry(archive *reader, archive_entry *entry, ZQExtractionFolder &folder, ZQError *error);
-    bool copyData(archive *reader, int descriptor, ZQError *error);
+    bool extractEntry(const ZQArchiveEntry &entry, ZQExtractionFolder &folder, ZQError *error);
+    bool extractFile(const ZQArchiveEntry &entry, const QString &name, const QStringList &components,
+                     ZQExtractionFolder &folder, ZQError *error);
+    bool copyData(int descriptor, ZQError *error);
+    bool checkTotalSize(ZQError *error) const;
     bool mayGoOn(ZQError *error) const;
     bool countEntry(ZQError *error);
-    bool isOpen(archive_entry *entry, ZQError *error) const; // not encrypted
+    bool isOpen(const ZQArchiveEntry &entry, ZQError *error) const; // not encrypted
     void skip(const QString &name, const QString &reason);
-    QString nameOfEntry(archive_entry *entry) const; // null when it cannot be read
-    ZQError failure(archive *reader) const;
+    QString nameOfEntry(const ZQArchiveEntry &entry) const; // null when it cannot be read
+    ZQError failure(const ZQArchiveEnd &end) const;
     ZQError damage(const QString &what) const;
+    static ZQError cancellation();
     static ZQError writeError(int code);
 
+    ZQArchiveSource &m_source;
     const ZQArchiveLimits m_limits;
     const std::function<bool()> m_isCancelled;
     QString m_name;        // of the archive at hand
     QByteArray m_encoding; // of its names
-    ZQArchiveHeaders m_headers;
-    std::optional<quint32> m_checksum; // of the entry at hand
     qint64 m_outermostSize = 0;
     qint64 m_totalSize = 0;
     qint64 m_entryCount = 0;
     qint64 m_skippedCount = 0;
     QString m_firstSkipped;
-    QByteArray m_block;
 };

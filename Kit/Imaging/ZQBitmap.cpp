@@ -111,13 +111,12 @@ ZQBitmap ZQBitmap::scaled(QSize target, Quality quality) const
     if (target == size()) {
         return *this;
     }
-    if (quality == Quality::Low) {
-        return ZQBitmap(m_image.scaled(target, Qt::IgnoreAspectRatio, Qt::FastTransformation));
-    }
-    if (target.width() > width() || target.height() > height()) {
-        return ZQBitmap(m_image.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    }
-    return ZQBitmap(areaAveraged(m_image, target));
+    const bool isEnlarged = target.width() > width() || target.height() > height();
+    ZQBitmap out(quality == Quality::Low ? m_image.scaled(target, Qt::IgnoreAspectRatio, Qt::FastTransformation)
+                 : isEnlarged            ? m_image.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                                         : areaAveraged(m_image, target));
+    out.m_isIncomplete = m_isIncomplete;
+    return out;
 }
 
 ZQBitmap ZQBitmap::scaledToFit(QSize box, Quality quality) const

@@ -15,6 +15,9 @@ public:
     int width() const { return m_image.width(); }
     int height() const { return m_image.height(); }
     QSize size() const { return m_image.size(); }
+    // Only a part of the picture was in its file; what is missing is empty. Kept by the scaling functions.
+    bool isIncomplete() const { return m_isIncomplete; }
+    void setIncomplete(bool isIncomplete) { m_isIncomplete = isIncomplete; }
     bool hasAlpha() const; // whether any pixel is not opaque; linear
     const uchar *constScanLine(int y) const { return m_image.constScanLine(y); }
     QImage image() const { return m_image; }
@@ -26,4 +29,5 @@ public:
 
 private:
     QImage m_image;
+    bool m_isIncomplete = false;
 };

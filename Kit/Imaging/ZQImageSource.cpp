@@ -19,6 +19,11 @@ ZQBitmap ZQImageSource::bitmapOfFile(const QString &path, ZQError *error, int fr
     return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Bitmap, path, {}, frame, error).bitmap;
 }
 
+QByteArray ZQImageSource::embeddedPictureOfFile(const QString &path, ZQError *error)
+{
+    return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::EmbeddedPicture, path, {}, 0, error).bytes;
+}
+
 QStringList ZQImageSource::supportedExtensions()
 {
     static const QStringList extensions =

@@ -26,8 +26,8 @@ struct ZQImageProperties
 };
 
 // An image file: its properties, and its pixels no larger than asked for. Reads JPEG, JPEG 2000, TIFF, GIF, PNG, ICNS,
-// BMP, ICO, TGA, PSD, WebP, AI (its PDF or PostScript part) and camera raw. The content decides how it is read, not the
-// extension, except where a format has no mark.
+// BMP, ICO, TGA, PSD, WebP, AI (its PDF or PostScript part), Acorn (the picture it holds) and camera raw. The content
+// decides how it is read, not the extension, except where a format has no mark.
 //
 // Orientation is applied, colours are converted to sRGB, 16-bit and CMYK come out as 8-bit RGB. Sizes are checked
 // before memory is taken
@@ -45,6 +45,9 @@ public:
     static ZQBitmap thumbnailOfFile(const QString &path, int maximumSize, ZQError *error = nullptr, int frame = 0);
     // At full size.
     static ZQBitmap bitmapOfFile(const QString &path, ZQError *error = nullptr, int frame = 0);
+
+    // The encoded picture that a document (Acorn) holds of itself, as stored. Empty when it has none.
+    static QByteArray embeddedPictureOfFile(const QString &path, ZQError *error = nullptr);
 
     // Extensions (lower case) of what the decoder reads, for open panels.
     static QStringList supportedExtensions();

@@ -16,7 +16,8 @@ enum class ZQImagingErrorCode {
     RendererStopped,
     TookTooLong,
     TooMuchMemory,
-    NoRenderer
+    NoRenderer,
+    Cancelled
 };
 
 // An error of the domain "zelto.imaging"; `reason` is a text a person understands.

@@ -3,8 +3,6 @@
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Imaging/ZQVips.h"
 
-#include <QImageReader>
-
 #include <array>
 #include <cstring>
 #include <mutex>
@@ -44,10 +42,7 @@ struct VipsThread
 void zqInitializeImagingLibraries(const char *programName)
 {
     static std::once_flag once;
-    std::call_once(once, [programName] {
-        startVips(programName);
-        QImageReader::setAllocationLimit(2048);
-    });
+    std::call_once(once, [programName] { startVips(programName); });
 }
 
 void zqEnterVips()

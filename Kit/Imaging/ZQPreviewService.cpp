@@ -1,9 +1,12 @@
 #include "Kit/Imaging/ZQPreviewService.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQRenderNotice.h"
 #include "Kit/Imaging/ZQRenderPool.h"
 
 #include <QFileInfo>
+
+#include <utility>
 
 namespace {
 
@@ -26,6 +29,11 @@ QString previewInsideBundle(const QString &path)
 void ZQPreviewService::prepare()
 {
     ZQRenderPool::shared().prepare();
+}
+
+void ZQPreviewService::setUnconfinedHandler(std::function<void()> handler)
+{
+    zqSetUnconfinedHandler(std::move(handler));
 }
 
 ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error, int frame)

@@ -1,5 +1,6 @@
 #include "Kit/Imaging/ZQRenderPool.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -21,6 +22,8 @@ using Outcome = ZQRenderProcess::Outcome;
 constexpr int mostRequests = 5000;
 // How often a request looks for another worker when the one it was given has died in its sleep.
 constexpr int mostTries = 8;
+// How often one that waits looks whether it still has to.
+constexpr std::chrono::milliseconds cancellationStep{100};
 
 struct OutcomeText
 {
@@ -36,6 +39,8 @@ constexpr std::array outcomeTexts{
                 "The picture \"%@\" could not be drawn: the renderer stopped."},
     OutcomeText{Outcome::TookTooLong, ZQImagingErrorCode::TookTooLong,
                 "The picture \"%@\" could not be drawn: it took too long."},
+    OutcomeText{Outcome::Cancelled, ZQImagingErrorCode::Cancelled,
+                "The picture \"%@\" was not drawn: that was cancelled."},
     OutcomeText{Outcome::TooMuchMemory, ZQImagingErrorCode::TooMuchMemory,
                 "The picture \"%@\" could not be drawn: it needs too much memory."},
 };
@@ -211,7 +216,7 @@ void ZQRenderPool::prepare()
     }
 }
 
-bool ZQRenderPool::take(Idle &out, QString *failure)
+ZQRenderPool::Taken ZQRenderPool::take(Idle &out, QString *failure)
 {
     std::unique_lock lock(m_mutex);
     const quint64 failures = m_failures;
@@ -221,20 +226,23 @@ bool ZQRenderPool::take(Idle &out, QString *failure)
             ++m_wanted;
             m_keeperCalled.notify_one();
         }
-        m_changed.wait(lock);
+        if (ZQCancellation::isCurrentCancelled()) {
+            return Taken::Cancelled;
+        }
+        m_changed.wait_for(lock, cancellationStep);
     }
     if (m_closed) {
         *failure = zqLocalized("Zelto is about to quit.");
-        return false;
+        return Taken::Nothing;
     }
     if (m_idle.empty()) {
         *failure = m_failure;
-        return false;
+        return Taken::Nothing;
     }
     out = std::move(m_idle.back());
     m_idle.pop_back();
     m_busy.push_back(out.process.get());
-    return true;
+    return Taken::Worker;
 }
 
 void ZQRenderPool::giveBack(Idle idle)
@@ -271,8 +279,8 @@ ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int fil
 {
     for (int i = 0; i < mostTries; ++i) {
         Idle idle;
-        if (!take(idle, failure)) {
-            return {};
+        if (const Taken taken = take(idle, failure); taken != Taken::Worker) {
+            return {taken == Taken::Cancelled ? Outcome::Cancelled : Outcome::Stopped, {}, {}, {}};
         }
         if (!idle.process->send(request, file)) {
             drop(std::move(idle));
@@ -319,21 +327,25 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
     const bool isError = reply.answer.kind == ZQRenderAnswer::Kind::Error;
     if (isError && reply.answer.code == ZQImagingErrorCode::TooMuchMemory) {
         reply.outcome = Outcome::TooMuchMemory; // noticed in time
+    } else if (isError && reply.answer.code == ZQImagingErrorCode::TookTooLong) {
+        reply.outcome = Outcome::TookTooLong;
     }
     if (reply.outcome != Outcome::Answered) {
         const ZQError told = errorOfOutcome(reply.outcome, path);
-        qCWarning(zqLogImaging, "%s", qUtf8Printable(told.localizedDescription()));
+        if (reply.outcome != Outcome::Cancelled) {
+            qCWarning(zqLogImaging, "%s", qUtf8Printable(told.localizedDescription()));
+        }
         zqSetError(error, told);
         return {};
     }
     if (!isError) {
         const bool isHeader = reply.answer.kind == ZQRenderAnswer::Kind::Properties;
-        return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap};
+        return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap, reply.bytes};
     }
     if (kind == ZQRenderRequest::Kind::Preview && reply.answer.hasThumbnailer) {
         const ZQBitmap drawn = askThumbnailer(path, box, file.get());
         if (!drawn.isNull()) {
-            return {std::nullopt, drawn};
+            return {std::nullopt, drawn, {}};
         }
     }
     zqSetError(error, zqImagingError(reply.answer.code, path, reply.answer.reason));

@@ -26,8 +26,10 @@ public:
     {
         std::optional<ZQImageProperties> properties;
         ZQBitmap bitmap;
+        QByteArray bytes; // of the picture inside a document
     };
-    // Reads the file in a worker. Null and an error, naming the file, when that fails.
+    // Reads the file in a worker. Null and an error, naming the file, when that fails. Once the thread's ZQCancellation
+    // happens, it returns within half a second, and the worker that still draws is ended with all it started.
     Result perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame, ZQError *error);
 
     // Starts the first worker, in the background.
@@ -46,7 +48,8 @@ private:
         int requests = 0;
     };
 
-    bool take(Idle &out, QString *failure);
+    enum class Taken { Worker, Nothing, Cancelled };
+    Taken take(Idle &out, QString *failure);
     void giveBack(Idle idle);
     void drop(Idle idle);
     void keep();

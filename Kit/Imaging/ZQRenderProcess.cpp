@@ -1,7 +1,8 @@
 #include "Kit/Imaging/ZQRenderProcess.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQRenderNotice.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,7 +15,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <mutex>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
@@ -23,8 +23,15 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// Together less than half a second.
+constexpr std::chrono::milliseconds cancellationStep = 100ms;
+constexpr std::chrono::milliseconds answerTimeAfterCancel = 150ms;
 
 // Everything up to here is the worker's own after it starts; see ZQRenderDescriptor.
 constexpr int firstFreeDescriptor = 10;
@@ -110,27 +117,39 @@ private:
     posix_spawnattr_t m_attributes{};
 };
 
-void noteRestrictions(const ZQRenderAnswer &hello)
-{
-    static std::once_flag files;
-    static std::once_flag calls;
-    if (!hello.restrictsFiles) {
-        std::call_once(files, [] {
-            qCWarning(zqLogImaging, "this system cannot restrict the files that zelto-render reads (no Landlock)");
-        });
-    }
-    if (!hello.restrictsCalls) {
-        std::call_once(calls, [] {
-            qCWarning(zqLogImaging, "this system cannot restrict the calls that zelto-render makes (no seccomp)");
-        });
-    }
-}
-
 QByteArray makeFolder()
 {
     QByteArray name =
         QFile::encodeName(QDir::tempPath()) + "/zelto-render." + QByteArray::number(::getpid()) + ".XXXXXX";
     return ::mkdtemp(name.data()) ? name : QByteArray();
+}
+
+// What the answer has to bring, unless it is an error.
+enum class Content { Properties, Pixels, Bytes };
+
+Content contentOf(ZQRenderAnswer::Kind kind)
+{
+    switch (kind) {
+    case ZQRenderAnswer::Kind::PixelsInArea:
+    case ZQRenderAnswer::Kind::PixelsInFile:
+        return Content::Pixels;
+    case ZQRenderAnswer::Kind::BytesInFile:
+        return Content::Bytes;
+    default:
+        return Content::Properties;
+    }
+}
+
+Content contentFor(ZQRenderRequest::Kind kind)
+{
+    switch (kind) {
+    case ZQRenderRequest::Kind::Properties:
+        return Content::Properties;
+    case ZQRenderRequest::Kind::EmbeddedPicture:
+        return Content::Bytes;
+    default:
+        return Content::Pixels;
+    }
 }
 
 bool fits(QSize size, const ZQRenderRequest &request)
@@ -150,17 +169,31 @@ void unmap(void *info)
     ::munmap(mapping->data, mapping->size);
 }
 
-// A picture in shared memory that nobody can change or shorten any more.
-ZQBitmap bitmapOfSealedFile(int descriptor, QSize size)
+// The size of shared memory that nobody can change or shorten any more; -1 for anything else.
+qint64 sizeOfSealedFile(int descriptor)
 {
     constexpr int needed = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW;
-    const size_t bytes = size_t(size.width()) * size_t(size.height()) * 4;
     struct stat status
     {
     };
     const int seals = ::fcntl(descriptor, F_GET_SEALS);
-    if (seals < 0 || (seals & needed) != needed || ::fstat(descriptor, &status) != 0 ||
-        size_t(status.st_size) != bytes) {
+    return seals >= 0 && (seals & needed) == needed && ::fstat(descriptor, &status) == 0 ? qint64(status.st_size) : -1;
+}
+
+QByteArray bytesOfSealedFile(int descriptor)
+{
+    const qint64 size = sizeOfSealedFile(descriptor);
+    QFile file;
+    const bool readable = size > 0 && size <= zqRenderMaximumBytes &&
+                          file.open(descriptor, QIODevice::ReadOnly, QFileDevice::DontCloseHandle) && file.seek(0);
+    const QByteArray bytes = readable ? file.read(size) : QByteArray();
+    return bytes.size() == size ? bytes : QByteArray();
+}
+
+ZQBitmap bitmapOfSealedFile(int descriptor, QSize size)
+{
+    const size_t bytes = size_t(size.width()) * size_t(size.height()) * 4;
+    if (sizeOfSealedFile(descriptor) != qint64(bytes)) {
         return {};
     }
     void *const data = ::mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE, descriptor, 0);
@@ -204,7 +237,8 @@ QString zqRenderProgram()
     return {};
 }
 
-std::unique_ptr<ZQRenderProcess> ZQRenderProcess::start(const ZQRenderLimits &limits, int thumbnailed, QString *failure)
+std::unique_ptr<ZQRenderProcess> ZQRenderProcess::start(const ZQRenderLimits &limits, int thumbnailed, QString *failure,
+                                                        Purpose purpose)
 {
     const QString program = zqRenderProgram();
     if (program.isEmpty()) {
@@ -218,7 +252,7 @@ std::unique_ptr<ZQRenderProcess> ZQRenderProcess::start(const ZQRenderLimits &li
     out->m_socket = ZQFileDescriptor(sockets[0]);
     out->m_folder = makeFolder();
     if (!paired || out->m_folder.isEmpty() || !out->makeArea() ||
-        !out->spawn(program, limits, workerSocket.get(), thumbnailed)) {
+        !out->spawn(program, limits, workerSocket.get(), thumbnailed, purpose)) {
         *failure = zqFormat(zqLocalized("The program \"zelto-render\" that draws pictures can't be started: %@."),
                             {QString::fromLocal8Bit(std::strerror(errno))});
         return nullptr;
@@ -238,7 +272,8 @@ bool ZQRenderProcess::makeArea()
     return m_area != nullptr;
 }
 
-bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed)
+bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed,
+                            Purpose purpose)
 {
     const ZQFileDescriptor socket = highCopy(workerSocket);
     const ZQFileDescriptor area = highCopy(m_areaFile.get());
@@ -251,9 +286,9 @@ bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits
     }
     settings.closeFrom(thumbnailed >= 0 ? ZQRenderDescriptor::thumbnailed + 1 : ZQRenderDescriptor::area + 1);
     const QByteArray path = QFile::encodeName(program);
-    std::vector<QByteArray> arguments{path, m_folder, QByteArray::number(::getpid()),
-                                      QByteArray::number(limits.memoryOrDefault()),
-                                      thumbnailed >= 0 ? "thumbnailer" : "files"};
+    std::vector<QByteArray> arguments{
+        path, m_folder, QByteArray::number(::getpid()), QByteArray::number(limits.memoryOrDefault()),
+        purpose == Purpose::Archives ? "archives" : (thumbnailed >= 0 ? "thumbnailer" : "files")};
     std::vector<QByteArray> environment = environmentWithin(m_folder);
     pid_t process = -1;
     const int result = ::posix_spawn(&process, path.constData(), settings.actions(), settings.attributes(),
@@ -294,53 +329,94 @@ void ZQRenderProcess::waitUntilReady(std::chrono::milliseconds time) const
     waitForMessage(std::chrono::steady_clock::now() + time); // its greeting, which the first answer comes after
 }
 
-bool ZQRenderProcess::waitForMessage(std::chrono::steady_clock::time_point end) const
+ZQRenderProcess::Wait ZQRenderProcess::waitForMessage(std::chrono::steady_clock::time_point end) const
 {
     using namespace std::chrono;
+    bool isCancelled = false;
     pollfd wait{m_socket.get(), POLLIN, 0};
     for (;;) {
-        const auto left = duration_cast<milliseconds>(end - steady_clock::now()).count();
-        const int ready = ::poll(&wait, 1, int(std::clamp<qint64>(left, 0, 1'000'000)));
-        if (ready > 0) {
-            return true;
+        if (!isCancelled && ZQCancellation::isCurrentCancelled()) {
+            isCancelled = true;
+            end = std::min(end, steady_clock::now() + answerTimeAfterCancel);
         }
-        if ((ready == 0 && left <= 0) || (ready < 0 && errno != EINTR)) {
-            return false;
+        const auto left = duration_cast<milliseconds>(end - steady_clock::now());
+        const int ready = ::poll(&wait, 1, int(std::clamp(left, 0ms, cancellationStep).count()));
+        if (ready > 0) {
+            return Wait::Message;
+        }
+        if ((ready == 0 && left <= 0ms) || (ready < 0 && errno != EINTR)) {
+            return isCancelled ? Wait::Cancelled : Wait::TimeIsUp;
         }
     }
 }
 
-ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, std::chrono::milliseconds time)
+ZQRenderProcess::Exchanged ZQRenderProcess::nextMessage(std::chrono::milliseconds time, ZQFileDescriptor *descriptor)
 {
     const auto end = std::chrono::steady_clock::now() + time;
     for (;;) {
-        if (!waitForMessage(end)) {
-            return failed(Outcome::TookTooLong);
+        const Wait wait = waitForMessage(end);
+        if (wait != Wait::Message) {
+            return {failed(wait == Wait::Cancelled ? Outcome::Cancelled : Outcome::TookTooLong), {}};
         }
-        const ZQRenderMessage message = zqReceiveMessage(m_socket.get());
-        const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
-        if (!answer) {
-            return failed(message.bytes.isEmpty() ? Outcome::Stopped : Outcome::TalkedNonsense);
+        ZQRenderMessage message = zqReceiveMessage(m_socket.get());
+        if (message.bytes.isEmpty()) {
+            return {failed(Outcome::Stopped), {}};
         }
-        if (answer->kind == ZQRenderAnswer::Kind::Hello) {
-            noteRestrictions(*answer);
-            continue;
+        const auto greeting = m_isGreeted ? std::nullopt : zqDecodeAnswerMessage(message.bytes);
+        if (!greeting || greeting->kind != ZQRenderAnswer::Kind::Hello) {
+            *descriptor = std::move(message.descriptor);
+            return {Outcome::Answered, message.bytes};
         }
-        const bool hasPixels =
-            answer->kind == ZQRenderAnswer::Kind::PixelsInArea || answer->kind == ZQRenderAnswer::Kind::PixelsInFile;
-        const bool wantsPixels = request.kind != ZQRenderRequest::Kind::Properties;
-        if (answer->kind != ZQRenderAnswer::Kind::Error && hasPixels != wantsPixels) {
-            return failed(Outcome::TalkedNonsense);
-        }
-        Reply reply{Outcome::Answered, *answer, {}};
-        if (hasPixels) {
-            reply.bitmap = takePixels(request, *answer, message.descriptor);
-            if (reply.bitmap.isNull()) {
-                return failed(Outcome::TalkedNonsense);
-            }
-        }
-        return reply;
+        m_isGreeted = true; // once: greetings without end would be waited through without end
+        zqNoteRestrictions(*greeting);
     }
+}
+
+ZQRenderProcess::Exchanged ZQRenderProcess::exchange(const QByteArray &question, int file,
+                                                     std::chrono::milliseconds time)
+{
+    ZQFileDescriptor none;
+    return zqSendMessage(m_socket.get(), question, file) ? nextMessage(time, &none)
+                                                         : Exchanged{failed(Outcome::Stopped), {}};
+}
+
+ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, std::chrono::milliseconds time)
+{
+    ZQFileDescriptor descriptor;
+    const Exchanged message = nextMessage(time, &descriptor);
+    if (message.outcome != Outcome::Answered) {
+        return {message.outcome, {}, {}, {}};
+    }
+    const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
+    if (!answer || answer->kind == ZQRenderAnswer::Kind::Hello) {
+        return {failed(Outcome::TalkedNonsense), {}, {}, {}};
+    }
+    Reply reply{Outcome::Answered, *answer, {}, {}};
+    return takeContent(request, descriptor, reply) ? reply : Reply{failed(Outcome::TalkedNonsense), {}, {}, {}};
+}
+
+bool ZQRenderProcess::takeContent(const ZQRenderRequest &request, const ZQFileDescriptor &descriptor,
+                                  Reply &reply) const
+{
+    if (reply.answer.kind == ZQRenderAnswer::Kind::Error) {
+        return true;
+    }
+    const Content content = contentOf(reply.answer.kind);
+    if (content != contentFor(request.kind)) {
+        return false;
+    }
+    switch (content) {
+    case Content::Properties:
+        return true;
+    case Content::Bytes:
+        reply.bytes = bytesOfSealedFile(descriptor.get());
+        return !reply.bytes.isEmpty();
+    case Content::Pixels:
+        reply.bitmap = takePixels(request, reply.answer, descriptor);
+        reply.bitmap.setIncomplete(reply.answer.isIncomplete);
+        return !reply.bitmap.isNull();
+    }
+    return false;
 }
 
 ZQBitmap ZQRenderProcess::takePixels(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
@@ -374,14 +450,15 @@ bool ZQRenderProcess::waitForEnd() const
     return false;
 }
 
-ZQRenderProcess::Reply ZQRenderProcess::failed(Outcome outcome)
+ZQRenderProcess::Outcome ZQRenderProcess::failed(Outcome outcome)
 {
     const bool endedItself = outcome == Outcome::Stopped && waitForEnd();
     int status = 0;
     end(status);
     const bool outOfMemory = endedItself && ((WIFEXITED(status) && WEXITSTATUS(status) == zqRenderExitOutOfMemory) ||
                                              (WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL));
-    return {outOfMemory ? Outcome::TooMuchMemory : outcome, {}, {}};
+    const bool tookTooLong = endedItself && WIFEXITED(status) && WEXITSTATUS(status) == zqRenderExitTookTooLong;
+    return outOfMemory ? Outcome::TooMuchMemory : (tookTooLong ? Outcome::TookTooLong : outcome);
 }
 
 void ZQRenderProcess::end(int &status)

@@ -29,7 +29,9 @@ class ZQRenderProcess
 public:
     // `thumbnailed`: a file the worker may open by its path, or -1. Null, with an error that names no file, when it
     // cannot be started. The system ends the worker when the calling thread ends, so that has to outlive the worker.
-    static std::unique_ptr<ZQRenderProcess> start(const ZQRenderLimits &limits, int thumbnailed, QString *failure);
+    enum class Purpose { Pictures, Archives };
+    static std::unique_ptr<ZQRenderProcess> start(const ZQRenderLimits &limits, int thumbnailed, QString *failure,
+                                                  Purpose purpose = Purpose::Pictures);
     ~ZQRenderProcess();
     ZQRenderProcess(const ZQRenderProcess &) = delete;
     ZQRenderProcess &operator=(const ZQRenderProcess &) = delete;
@@ -41,16 +43,28 @@ public:
     // folder is gone: the temporary area is cleaned by others, too.
     bool send(const ZQRenderRequest &request, int file);
 
-    enum class Outcome { Answered, Stopped, TalkedNonsense, TookTooLong, TooMuchMemory };
+    enum class Outcome { Answered, Stopped, TalkedNonsense, TookTooLong, TooMuchMemory, Cancelled };
     struct Reply
     {
         Outcome outcome = Outcome::Stopped;
         ZQRenderAnswer answer;
         ZQBitmap bitmap;
+        QByteArray bytes;
     };
-    // Waits for the answer. After any outcome but `Answered` the worker is ended. `request` is what the answer has to
-    // fit.
+    // Waits for the answer, or until the thread's ZQCancellation happens: an answer that is about to come is still
+    // waited for, since a new worker takes as long. After any outcome but `Answered` the worker is ended. `request` is
+    // what the answer has to fit.
     Reply receive(const ZQRenderRequest &request, std::chrono::milliseconds time);
+
+    // Sends a message and waits for the one that answers it, as `receive` does.
+    struct Exchanged
+    {
+        Outcome outcome = Outcome::Stopped;
+        QByteArray bytes;
+    };
+    Exchanged exchange(const QByteArray &question, int file, std::chrono::milliseconds time);
+    // The shared memory; the worker may change it at any time.
+    QByteArrayView area() const { return {m_area, zqRenderAreaBytes}; }
 
     pid_t processID() const { return m_process; }
     // Ends the conversation, from any thread: whoever waits for an answer gets `Stopped` and ends the worker.
@@ -59,10 +73,15 @@ public:
 private:
     ZQRenderProcess() = default;
     bool makeArea();
-    bool spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed);
-    bool waitForMessage(std::chrono::steady_clock::time_point end) const;
+    bool spawn(const QString &program, const ZQRenderLimits &limits, int workerSocket, int thumbnailed,
+               Purpose purpose);
+    // The next message that is no greeting; without bytes, the outcome says why there is none.
+    Exchanged nextMessage(std::chrono::milliseconds time, ZQFileDescriptor *descriptor);
+    enum class Wait { Message, TimeIsUp, Cancelled };
+    Wait waitForMessage(std::chrono::steady_clock::time_point end) const;
     bool waitForEnd() const;
-    Reply failed(Outcome outcome);
+    Outcome failed(Outcome outcome);
+    bool takeContent(const ZQRenderRequest &request, const ZQFileDescriptor &descriptor, Reply &reply) const;
     void end(int &status);
     ZQBitmap takePixels(const ZQRenderRequest &request, const ZQRenderAnswer &answer,
                         const ZQFileDescriptor &descriptor) const;
@@ -71,5 +90,6 @@ private:
     ZQFileDescriptor m_socket;
     ZQFileDescriptor m_areaFile;
     const uchar *m_area = nullptr;
+    bool m_isGreeted = false;
     QByteArray m_folder;
 };

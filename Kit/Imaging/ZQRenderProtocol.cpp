@@ -13,7 +13,8 @@ constexpr quint32 answerMark = 0x5a515241;
 constexpr qsizetype longestText = 4096;
 constexpr qint32 mostKeywords = 1000;
 constexpr qsizetype mostDurations = 5000;
-constexpr int longestDuration = 3600'000; // milliseconds
+constexpr int highestResolution = 1'000'000; // dots per inch
+constexpr int longestDuration = 3600'000;    // milliseconds
 
 class Writer
 {
@@ -120,6 +121,9 @@ ZQImageProperties readProperties(Reader &reader)
     for (qint32 i = 0; i < qMin(durationCount, qint32(mostDurations)); ++i) {
         out.frameDurations.append(qBound(1, reader.number(), longestDuration));
     }
+    out.frameCount = qMin(out.frameCount, zqRenderMostFrames);
+    out.frameDurations.resize(qMin(out.frameDurations.size(), qsizetype(qMax(out.frameCount, 0))));
+    out.dpi = qBound(0, out.dpi, highestResolution);
     const qint32 count = reader.number();
     for (qint32 i = 0; i < qMin(count, mostKeywords); ++i) {
         const QString keyword = reader.line();
@@ -134,9 +138,10 @@ bool arePlausible(const ZQImageProperties &properties)
 {
     static const QStringList models{QStringLiteral("RGB"), QStringLiteral("Gray"), QStringLiteral("CMYK"),
                                     QStringLiteral("Lab")};
-    return properties.pixelWidth > 0 && properties.pixelHeight > 0 && properties.orientation >= 0 &&
+    const auto isSide = [](int pixels) { return pixels > 0 && pixels <= zqRenderLongestSide; };
+    return isSide(properties.pixelWidth) && isSide(properties.pixelHeight) && properties.orientation >= 0 &&
            properties.orientation <= 8 && properties.bitsPerSample > 0 && properties.bitsPerSample <= 128 &&
-           properties.dpi >= 0 && properties.frameCount > 0 && models.contains(properties.colorModel);
+           properties.frameCount > 0 && models.contains(properties.colorModel);
 }
 
 bool isPossibleSize(QSize size)
@@ -157,6 +162,8 @@ bool isPossible(const ZQRenderAnswer &answer)
                qsizetype(answer.size.width()) * answer.size.height() * 4 <= zqRenderAreaBytes;
     case Kind::PixelsInFile:
         return isPossibleSize(answer.size);
+    case Kind::BytesInFile:
+        return true; // the file says how many
     case Kind::Error:
         return answer.code >= ZQImagingErrorCode::CannotRead && answer.code <= ZQImagingErrorCode::TooMuchMemory;
     }
@@ -192,9 +199,9 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
 QByteArray zqEncode(const ZQRenderAnswer &answer)
 {
     Writer writer;
-    for (const qint32 value :
-         {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(), qint32(answer.code),
-          qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles), qint32(answer.restrictsCalls)}) {
+    for (const qint32 value : {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(),
+                               qint32(answer.code), qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles),
+                               qint32(answer.restrictsCalls), qint32(answer.isIncomplete)}) {
         writer.number(value);
     }
     writer.text(answer.reason);
@@ -214,6 +221,7 @@ std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
     out.hasThumbnailer = reader.number() != 0;
     out.restrictsFiles = reader.number() != 0;
     out.restrictsCalls = reader.number() != 0;
+    out.isIncomplete = reader.number() != 0;
     out.reason = reader.line();
     out.properties = readProperties(reader);
     return mark == answerMark && reader.isComplete() && isPossible(out) ? std::optional(out) : std::nullopt;

@@ -23,14 +23,20 @@ constexpr int thumbnailed = 5; // the file a worker for one thumbnailer may read
 
 constexpr qsizetype zqRenderAreaBytes = qsizetype(1024) * 1024 * 4;
 constexpr qsizetype zqRenderMaximumMessage = 60000;
+// What is believed of a picture: as much as libraries can say of a real one.
+constexpr int zqRenderLongestSide = 10'000'000;
+constexpr int zqRenderMostFrames = 100'000;
+// What an encoded picture inside a document may have at most.
+constexpr qint64 zqRenderMaximumBytes = qint64(256) << 20;
 // What a picture may have at most: 2 GiB of RGBA.
 constexpr qint64 zqRenderMaximumPixels = qint64(1) << 29;
-// How a worker ends that ran out of memory.
+// How a worker ends that ran out of memory, and one whose drawing program would not end.
 constexpr int zqRenderExitOutOfMemory = 77;
+constexpr int zqRenderExitTookTooLong = 78;
 
 struct ZQRenderRequest
 {
-    enum class Kind { Properties, Bitmap, Preview, Thumbnailer };
+    enum class Kind { Properties, Bitmap, Preview, Thumbnailer, EmbeddedPicture };
 
     Kind kind = Kind::Properties;
     QSize box; // invalid: full size
@@ -40,11 +46,12 @@ struct ZQRenderRequest
 
 struct ZQRenderAnswer
 {
-    enum class Kind { Hello, Properties, PixelsInArea, PixelsInFile, Error };
+    enum class Kind { Hello, Properties, PixelsInArea, PixelsInFile, Error, BytesInFile };
 
     Kind kind = Kind::Error;
     ZQImageProperties properties;
-    QSize size; // of the picture
+    QSize size;                // of the picture
+    bool isIncomplete = false; // only a part of it could be drawn
     ZQImagingErrorCode code = ZQImagingErrorCode::Damaged;
     QString reason;
     bool hasThumbnailer = false; // an error, but a thumbnailer knows the kind

@@ -73,6 +73,7 @@ void ZQOperation::start()
     }
     if (!skipsWork) {
         setExecuting(true);
+        const ZQCancellation::Scope scope(d->cancellation);
         try {
             main();
         } catch (const std::exception &exception) {
@@ -93,6 +94,7 @@ void ZQOperation::cancel()
             return;
         }
         d->isCancelled = true;
+        d->cancellation->cancel();
         observers = d->currentObservers();
         hooks.swap(d->readinessHooks);
     }

@@ -23,7 +23,8 @@ public:
     ZQOperation();
     virtual ~ZQOperation();
 
-    virtual void start(); // the base: nothing when cancelled, else main(), with the state kept
+    // The base: nothing when cancelled, else main(), with the state kept and the thread's ZQCancellation set.
+    virtual void start();
     virtual void main() {}
     // Cooperative: sets the flag and tells the observers. Work that never started is finished by its queue when its
     // turn comes, without `start()`, and no longer waits for its dependencies.

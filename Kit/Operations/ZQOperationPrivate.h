@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Operations/ZQOperation.h"
 
 #include <condition_variable>
@@ -13,6 +14,7 @@ struct ZQOperation::Private
         std::function<void(Key)> function;
     };
 
+    const std::shared_ptr<ZQCancellation> cancellation = std::make_shared<ZQCancellation>();
     std::mutex mutex;
     std::condition_variable announced;
     bool isStarted = false;

@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 
+#include <QDateTime>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
@@ -216,6 +217,8 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
     for (auto entry = object.constBegin(); entry != object.constEnd(); ++entry) {
         metadata.entityVersionHashes.insert(entry.key(), entry.value().toString().toLatin1());
     }
+    metadata.pendingVersions =
+        zqReadMetadata(connection, zqPendingVersionsKey).toString().split(u'\n', Qt::SkipEmptyParts);
     metadata.modelJSON = zqReadMetadata(connection, QStringLiteral("model")).toString().toUtf8();
     return metadata;
 }
@@ -225,5 +228,6 @@ bool zqCreateStore(ZQSQLiteConnection &connection, const ZQManagedObjectModel &m
     return zqExecuteAll(connection, zqBookkeepingStatements()) && zqExecuteAll(connection, zqTableStatements(model)) &&
            zqExecuteAll(connection, zqIndexStatements(model)) &&
            zqWriteMetadata(connection, QStringLiteral("uuid"), uuid.toString(QUuid::WithoutBraces)) &&
+           zqWriteMetadata(connection, zqCreatedKey, QDateTime::currentMSecsSinceEpoch()) &&
            zqWriteModelMetadata(connection, model);
 }

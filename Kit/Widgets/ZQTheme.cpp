@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QFile>
 #include <QFontDatabase>
+#include <QLabel>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QRegularExpression>
 #include <QStyle>
 #include <QStyleFactory>
@@ -16,6 +18,23 @@ static void initResources()
 }
 
 namespace {
+
+// Labels and tool tips show names of strangers' files as they are. As rich text, a name could have a picture of any
+// file decoded here.
+class PlainTextStyle : public QProxyStyle
+{
+public:
+    using QProxyStyle::polish;
+    explicit PlainTextStyle(QStyle *base) : QProxyStyle(base) {}
+
+    void polish(QWidget *widget) override
+    {
+        if (auto *label = qobject_cast<QLabel *>(widget); label && label->textFormat() == Qt::AutoText) {
+            label->setTextFormat(Qt::PlainText);
+        }
+        QProxyStyle::polish(widget);
+    }
+};
 
 struct RoleColors
 {
@@ -172,7 +191,7 @@ void ZQTheme::apply(QApplication &application)
     if (isFirst && told != fusion->standardPalette().color(QPalette::Highlight) && told.saturation() > 40) {
         m_accent = told;
     }
-    QApplication::setStyle(fusion);
+    QApplication::setStyle(new PlainTextStyle(fusion));
     restyle();
 }
 

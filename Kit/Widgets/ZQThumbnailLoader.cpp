@@ -1,7 +1,6 @@
 #include "Kit/Widgets/ZQThumbnailLoader.h"
 
 #include <QCache>
-#include <QImageReader>
 #include <QPointer>
 #include <QSet>
 
@@ -14,6 +13,8 @@
 
 namespace {
 
+// The pictures come from other processes: what waits for one computes nothing.
+constexpr int threadCount = 3;
 constexpr std::array resolutions = {128, 256, 512, 1024, 2048};
 
 int resolutionFor(int pixels)
@@ -34,7 +35,10 @@ QString keyFor(const QString &file, int resolution)
 // Many pictures carry an alpha channel that hides nothing.
 bool isOpaque(const QImage &image)
 {
-    const QImage checked = image.convertToFormat(QImage::Format_ARGB32);
+    // The decoder's format has its alpha in the same byte as ARGB32 has on this side.
+    static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
+    const bool isReadable = image.format() == QImage::Format_RGBA8888 || image.format() == QImage::Format_ARGB32;
+    const QImage checked = isReadable ? image : image.convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < checked.height(); ++y) {
         const auto *line = reinterpret_cast<const QRgb *>(checked.constScanLine(y));
         if (std::any_of(line, line + checked.width(), [](QRgb pixel) { return qAlpha(pixel) != 255; })) {
@@ -61,7 +65,7 @@ struct ZQThumbnailLoader::Private
     QSet<QString> known;     // waiting or being read
     int reading = 0;
     bool stopping = false;
-    Decoder decoder = &ZQThumbnailLoader::readImage;
+    Decoder decoder;
     std::vector<std::thread> threads;
 
     // Main thread only.
@@ -85,7 +89,7 @@ void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
         waiting.pop_back();
         ++reading;
         guard.unlock();
-        QImage image = decoder(job.request, job.resolution);
+        QImage image = decoder ? decoder(job.request, job.resolution) : QImage();
         if (image.hasAlphaChannel() && isOpaque(image)) {
             image.convertTo(QImage::Format_RGB32);
         }
@@ -143,24 +147,6 @@ void ZQThumbnailLoader::setDecoder(Decoder decoder)
     d->decoder = std::move(decoder);
 }
 
-QImage ZQThumbnailLoader::readImage(const ZQThumbnailRequest &request, int pixels)
-{
-    if (request.path.isEmpty()) {
-        return {};
-    }
-    QImageReader reader(request.path);
-    reader.setAutoTransform(true);
-    const QSize size = reader.size();
-    if (size.isValid() && (size.width() > pixels || size.height() > pixels)) {
-        reader.setScaledSize(size.scaled(pixels, pixels, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    }
-    QImage image = reader.read();
-    if (image.width() > pixels || image.height() > pixels) {
-        image = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    }
-    return image;
-}
-
 QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
 {
     if (request.path.isEmpty()) {
@@ -183,7 +169,7 @@ QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
         }
     }
     if (d->threads.empty()) {
-        for (int i = 0; i < 2; ++i) {
+        for (int i = 0; i < threadCount; ++i) {
             d->threads.emplace_back([this] { d->run(this); });
         }
     }

@@ -13,12 +13,13 @@ struct ZQThumbnailRequest
 {
     QString path;
     qint64 version = 0;
-    bool isForeign = false; // not written by the application: read by the decoder for such files
+    bool isForeign = false; // an original, of any kind; else a thumbnail that was made of one
     bool operator==(const ZQThumbnailRequest &) const = default;
 };
 
-// Loads pictures on two background threads, the latest asked first, and keeps those used last within a limit of bytes.
-// Main thread, except for the decoder.
+// Loads pictures on a few background threads, the latest asked first, and keeps those used last within a limit of
+// bytes. Main thread, except for the decoder, which is all it knows of files: even a thumbnail may come from a
+// stranger's library.
 class ZQThumbnailLoader : public QObject
 {
     Q_OBJECT
@@ -29,8 +30,7 @@ public:
     explicit ZQThumbnailLoader(qsizetype cacheBytes = qsizetype(192) << 20, QObject *parent = nullptr);
     ~ZQThumbnailLoader() override;
 
-    void setDecoder(Decoder decoder); // before the first request; the default reads what Qt reads
-    static QImage readImage(const ZQThumbnailRequest &request, int pixels);
+    void setDecoder(Decoder decoder); // before the first request; without one, every picture is null
 
     // The picture when it is there at a resolution for `pixels` (device pixels of the longer side); otherwise the best
     // other resolution, which may be null, and a load is begun.

@@ -3,7 +3,6 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Imaging/ZQPreviewService.h"
-#include "Models/DataModel/ZQAcornDocument.h"
 #include "Models/DataModel/ZQLibraryAcorn.h"
 #include "Models/DataModel/ZQLibraryEPS.h"
 #include "Models/DataModel/ZQLibraryImage.h"
@@ -65,7 +64,7 @@ ZQBitmap ZQLibraryQuickLookImage::renderRepresentationBitmap(const QString &path
 
 ZQBitmap ZQLibraryAcorn::renderRepresentationBitmap(const QString &path, ZQError *error) const
 {
-    return zqAcornCompositeImage(path, error);
+    return ZQImageSource::bitmapOfFile(path, error);
 }
 
 QString ZQLibrarySketch::detailItemURL() const

@@ -1,6 +1,6 @@
 // Kills the program (SIGKILL) at random moments of an import and of a purge, starts it again and looks at what is left:
 // the store opens, every item has its file, nothing of the temporary area is lost, leftovers go, the same import
-// completes.
+// completes. Imports that were cut off go on by `import --resume` and end with every file in exactly once.
 //
 // zelto_crash_test ZELTO COUNT [SEED]
 
@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -21,6 +22,7 @@
 #include <QTemporaryDir>
 #include <QThread>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 
@@ -28,6 +30,7 @@ namespace {
 
 constexpr int copiedFiles = 24;
 constexpr int movedFiles = 12;
+constexpr int manyFiles = 1100; // saved in several parts
 
 QString digestOf(const QString &path)
 {
@@ -38,9 +41,9 @@ QString digestOf(const QString &path)
 }
 
 // Noise, so that every file has its own digest and some weight.
-void writePicture(const QString &path, QRandomGenerator &random)
+void writePicture(const QString &path, QRandomGenerator &random, int width = 160, int height = 120)
 {
-    QImage image(160, 120, QImage::Format_RGB32);
+    QImage image(width, height, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y) {
         random.fillRange(reinterpret_cast<quint32 *>(image.scanLine(y)), image.width());
     }
@@ -104,13 +107,16 @@ public:
     bool round(int number)
     {
         makeInput();
-        const bool killsPurge = number % 3 == 2;
-        if (killsPurge) {
+        switch (number % 4) {
+        case 2:
             killPurge();
-        } else {
+            break;
+        case 3:
+            return killsManyAndResumes();
+        default:
             killDuring(importArguments());
         }
-        return nothingLost() && opensAgain() && isSound() && importsAgain();
+        return nothingLost() && opensAgain() && isSound() && resumes() && importsAgain();
     }
 
     void measure()
@@ -144,6 +150,7 @@ private:
         fill(m_world.path(QStringLiteral("input")), copiedFiles);
         fill(m_world.temporaryArea(), movedFiles);
         m_temporary = digestsBelow(m_world.temporaryArea());
+        m_lastImport = m_temporary + digestsBelow(m_world.path(QStringLiteral("input")));
     }
 
     static QSet<QString> digestsBelow(const QString &folder)
@@ -164,6 +171,72 @@ private:
         process->waitForFinished();
     }
 
+    // Kills an import of many files, then, twice, what goes on with it.
+    bool killsManyAndResumes()
+    {
+        const QString folder = m_world.path(QStringLiteral("many"));
+        QDir(folder).removeRecursively();
+        QDir().mkpath(folder);
+        for (int i = 0; i < manyFiles; ++i) {
+            writePicture(folder + QStringLiteral("/picture %1.png").arg(i), m_random, 8, 6);
+        }
+        const QStringList arguments{QStringLiteral("import"), folder, QStringLiteral("--json")};
+        for (const QStringList &command : {arguments, resumeArguments(), resumeArguments()}) {
+            const auto process = m_world.start(command);
+            QThread::msleep(m_random.bounded(6000U));
+            process->kill();
+            process->waitForFinished();
+        }
+        if (!resumes() || !isSound()) {
+            return false;
+        }
+        const QHash<QString, int> counts = itemsByDigest();
+        const QSet<QString> wanted = digestsBelow(folder);
+        const bool isBegun =
+            std::any_of(wanted.begin(), wanted.end(), [&](const QString &digest) { return counts.contains(digest); });
+        return !isBegun || isInExactlyOnce(wanted, counts); // it may have been killed before it had begun
+    }
+
+    static QStringList resumeArguments()
+    {
+        return {QStringLiteral("import"), QStringLiteral("--resume"), QStringLiteral("--json")};
+    }
+
+    bool resumes()
+    {
+        const QDir pending(m_world.library() + QStringLiteral("/pending-imports"));
+        const bool isPending = !pending.entryList({QStringLiteral("*.plist")}, QDir::Files).isEmpty();
+        int status = 0;
+        m_world.run(resumeArguments(), &status);
+        if (status != 0 || !pending.entryList(QDir::Files).isEmpty()) {
+            return complain(QStringLiteral("the import did not go on"));
+        }
+        return !isPending || m_lastImport.isEmpty() || isInExactlyOnce(m_lastImport, itemsByDigest());
+    }
+
+    bool isInExactlyOnce(const QSet<QString> &wanted, const QHash<QString, int> &counts)
+    {
+        for (const QString &digest : wanted) {
+            if (counts.value(digest) != 1) {
+                return complain(
+                    QStringLiteral("a file is %1 times in the library after --resume").arg(counts.value(digest)));
+            }
+        }
+        return true;
+    }
+
+    QHash<QString, int> itemsByDigest()
+    {
+        int status = 0;
+        const QJsonArray items =
+            QJsonDocument::fromJson(m_world.run({QStringLiteral("items"), QStringLiteral("--json")}, &status)).array();
+        QHash<QString, int> counts;
+        for (const QJsonValue &item : items) {
+            ++counts[item.toObject().value(QStringLiteral("SHA1")).toString()];
+        }
+        return counts;
+    }
+
     void killPurge()
     {
         int status = 0;
@@ -178,6 +251,7 @@ private:
         }
         m_world.run(arguments, &status);
         m_temporary.clear(); // imported, and partly deleted on purpose
+        m_lastImport.clear();
         const auto process = m_world.start({QStringLiteral("purge")});
         QThread::msleep(m_random.bounded(150U));
         process->kill();
@@ -264,6 +338,7 @@ private:
     QRandomGenerator m_random;
     qint64 m_milliseconds = 1000;
     QSet<QString> m_temporary;
+    QSet<QString> m_lastImport;
 };
 
 } // namespace

@@ -41,12 +41,12 @@ void ScriptedUser::showSystemNotification(const QString &title, const QString &)
 
 QStringList ScriptedUser::chooseFilesToOpen(const FileChoice &)
 {
-    return {};
+    return filesToOpen;
 }
 
 std::optional<QString> ScriptedUser::chooseFileToSave(const FileChoice &)
 {
-    return std::nullopt;
+    return fileToSave;
 }
 
 bool ScriptedUser::resolveUnreadableFiles(QList<FileConflict> &conflicts)

@@ -18,6 +18,8 @@ public:
     std::function<bool(QList<FileConflict> &)> answerUnreadableFiles;
     std::function<std::optional<QList<DuplicateChoice>>(const QList<DuplicatePair> &)> answerDuplicates;
     std::function<void(const std::function<void()> &cancel)> onBeginProgress; // on the thread that works
+    QStringList filesToOpen; // what is chosen in a dialog; empty: cancelled
+    std::optional<QString> fileToSave;
 
     QList<ZQError> errors;
     QList<UserQuestion> questions;

@@ -14,13 +14,21 @@ struct FormatDecoder
 };
 
 constexpr std::array decoders{
-    FormatDecoder{ZQImageFormat::JPEG, &zqVipsDecoder}, FormatDecoder{ZQImageFormat::PNG, &zqVipsDecoder},
-    FormatDecoder{ZQImageFormat::GIF, &zqVipsDecoder},  FormatDecoder{ZQImageFormat::TIFF, &zqVipsDecoder},
-    FormatDecoder{ZQImageFormat::WebP, &zqVipsDecoder}, FormatDecoder{ZQImageFormat::JPEG2000, &zqVipsDecoder},
-    FormatDecoder{ZQImageFormat::BMP, &zqBMPDecoder},   FormatDecoder{ZQImageFormat::ICO, &zqIconDecoder},
-    FormatDecoder{ZQImageFormat::ICNS, &zqIconDecoder}, FormatDecoder{ZQImageFormat::TGA, &zqTGADecoder},
-    FormatDecoder{ZQImageFormat::PSD, &zqPSDDecoder},   FormatDecoder{ZQImageFormat::CameraRaw, &zqRawDecoder},
-    FormatDecoder{ZQImageFormat::PDF, &zqPDFDecoder},   FormatDecoder{ZQImageFormat::PostScript, &zqPostScriptDecoder},
+    FormatDecoder{ZQImageFormat::JPEG, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::PNG, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::GIF, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::TIFF, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::WebP, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::JPEG2000, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::BMP, &zqBMPDecoder},
+    FormatDecoder{ZQImageFormat::ICO, &zqIconDecoder},
+    FormatDecoder{ZQImageFormat::ICNS, &zqIconDecoder},
+    FormatDecoder{ZQImageFormat::TGA, &zqTGADecoder},
+    FormatDecoder{ZQImageFormat::PSD, &zqPSDDecoder},
+    FormatDecoder{ZQImageFormat::CameraRaw, &zqRawDecoder},
+    FormatDecoder{ZQImageFormat::PDF, &zqPDFDecoder},
+    FormatDecoder{ZQImageFormat::PostScript, &zqPostScriptDecoder},
+    FormatDecoder{ZQImageFormat::Acorn, &zqAcornDecoder},
 };
 
 const ZQDecoder *decoderOfFile(const ZQSourceFile &file, ZQError *error)

@@ -50,6 +50,7 @@ extern const ZQDecoder zqBMPDecoder;
 extern const ZQDecoder zqTGADecoder;
 extern const ZQDecoder zqPSDDecoder;
 extern const ZQDecoder zqRawDecoder;
+extern const ZQDecoder zqAcornDecoder; // the picture that the document holds of itself
 
 // What a file of any known format says of itself.
 std::optional<ZQImageProperties> zqPropertiesOfFile(const ZQSourceFile &file, ZQError *error);
@@ -59,6 +60,10 @@ ZQBitmap zqDecodeFile(const ZQDecodeRequest &request, ZQError *error);
 ZQBitmap zqPreviewOfFile(const ZQSourceFile &file, QSize box, int frame, ZQError *error);
 // What a document is drawn on: artwork on nothing, pages on white.
 ZQPaper zqPaperOfName(const QString &name);
+
+// The encoded picture that an Acorn document holds of itself, as stored; empty, with `error` filled, when there is
+// none.
+QByteArray zqAcornComposite(const ZQSourceFile &file, ZQError *error);
 
 // Decodes an encoded picture (JPEG, PNG) held in memory, turned by `orientation`, or by its own when none is given.
 ZQBitmap zqDecodeBytes(const QByteArray &bytes, QSize box, std::optional<int> orientation);

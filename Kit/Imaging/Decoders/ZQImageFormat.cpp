@@ -29,6 +29,7 @@ constexpr std::array marks{
     Mark{0, "\0\0\0\x0cjP  \r\n\x87\n"sv, ZQImageFormat::JPEG2000},
     Mark{0, "\xff\x4f\xff\x51"sv, ZQImageFormat::JPEG2000},
     Mark{0, "8BPS"sv, ZQImageFormat::PSD},
+    Mark{0, "SQLite format 3\0"sv, ZQImageFormat::Acorn},
     Mark{0, "icns"sv, ZQImageFormat::ICNS},
     Mark{0, "%!PS"sv, ZQImageFormat::PostScript},
     Mark{0, "\xc5\xd0\xd3\xc6"sv, ZQImageFormat::PostScript},

@@ -19,6 +19,7 @@ enum class ZQImageFormat {
     CameraRaw,
     PDF,
     PostScript,
+    Acorn,
 };
 
 // Reads at most a few kilobytes. The extension only decides between a TIFF and the camera raw formats that are TIFFs

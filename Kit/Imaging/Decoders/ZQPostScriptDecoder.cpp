@@ -126,6 +126,10 @@ QStringList arguments(const Program &program, QSize size, const QString &input, 
 
 ZQBitmap draw(const Program &program, QSize size, ZQError *error, const QString &name)
 {
+    if (!zqMayRunDrawingPrograms()) {
+        zqSetError(error, zqNoDrawingProgramsError(name));
+        return {};
+    }
     const QTemporaryDir folder;
     QFile input(folder.filePath(QStringLiteral("in.ps")));
     const QString output = folder.filePath(QStringLiteral("out.png"));

@@ -18,6 +18,13 @@ ZQSourceFile ZQSourceFile::open(const QString &path)
     return {ZQFileDescriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC)), path};
 }
 
+ZQSourceFile ZQSourceFile::ofBytes(const QByteArray &bytes, const QString &name)
+{
+    ZQFileDescriptor memory(::memfd_create("bytes", MFD_CLOEXEC));
+    const bool written = memory.isOpen() && zqWriteAll(memory.get(), bytes.constData(), bytes.size());
+    return {written ? std::move(memory) : ZQFileDescriptor(), name};
+}
+
 qint64 ZQSourceFile::size() const
 {
     struct stat status
@@ -42,7 +49,7 @@ _VipsSource *ZQSourceFile::makeVipsSource() const
 ZQSourceFile::Bytes::Bytes(const ZQSourceFile &file) : m_size(size_t(file.size()))
 {
     if (m_size > 0) {
-        void *const data = ::mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, file.m_descriptor->get(), 0);
+        void *const data = ::mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE, file.m_descriptor->get(), 0);
         m_data = data == MAP_FAILED ? nullptr : data;
     }
 }

@@ -19,6 +19,9 @@ public:
     ZQSourceFile(ZQFileDescriptor descriptor, QString name);
     static ZQSourceFile open(const QString &path); // not open when the path cannot be read
 
+    // A file in memory; not open when memory is short.
+    static ZQSourceFile ofBytes(const QByteArray &bytes, const QString &name);
+
     bool isOpen() const { return m_descriptor && m_descriptor->isOpen(); }
     const QString &name() const { return m_name; }
     qint64 size() const;
@@ -28,7 +31,8 @@ public:
     // For libvips; null when it cannot be read.
     _VipsSource *makeVipsSource() const;
 
-    // All bytes, mapped into memory.
+    // All bytes, mapped into memory. What is written to them stays there.
+    // Reading past the end of a file that was shortened meanwhile ends the process.
     class Bytes
     {
     public:
@@ -39,6 +43,7 @@ public:
         Bytes &operator=(const Bytes &) = delete;
 
         const uchar *data() const { return static_cast<const uchar *>(m_data); } // null: cannot be mapped
+        uchar *data() { return static_cast<uchar *>(m_data); }
         size_t size() const { return m_size; }
 
     private:

@@ -1,12 +1,15 @@
 #include "Kit/Imaging/Worker/ZQRenderLoop.h"
 
+#include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
+#include "Kit/Imaging/Worker/ZQArchiveLoop.h"
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Kit/Imaging/ZQVips.h"
 
 #include <QCoreApplication>
+#include <QImageReader>
 
 #include <glib.h>
 
@@ -30,6 +33,16 @@ void endWhenGLibFails(const gchar *, GLogLevelFlags level, const gchar *, gpoint
     }
 }
 
+// Bytes that nobody can change any more, in a file without a name, as `write` writes them.
+template <class Write>
+ZQFileDescriptor sealedFile(Write write)
+{
+    ZQFileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    const bool made = file.isOpen() && write(file.get()) &&
+                      ::fcntl(file.get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
+    return made ? std::move(file) : ZQFileDescriptor();
+}
+
 bool writeRows(int descriptor, const ZQBitmap &bitmap)
 {
     for (int y = 0; y < bitmap.height(); ++y) {
@@ -41,25 +54,17 @@ bool writeRows(int descriptor, const ZQBitmap &bitmap)
     return true;
 }
 
-// A picture that nobody can change any more, in a file without a name.
-ZQFileDescriptor sealedFileOf(const ZQBitmap &bitmap)
-{
-    ZQFileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    const bool made = file.isOpen() && writeRows(file.get(), bitmap) &&
-                      ::fcntl(file.get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
-    return made ? std::move(file) : ZQFileDescriptor();
-}
-
 class RenderLoop
 {
 public:
-    explicit RenderLoop(ZQRenderInterception interception)
-        : m_interception(interception),
+    explicit RenderLoop(const ZQRenderLoopOptions &options)
+        : m_options(options),
           m_area(static_cast<uchar *>(::mmap(nullptr, size_t(zqRenderAreaBytes), PROT_READ | PROT_WRITE, MAP_SHARED,
                                              ZQRenderDescriptor::area, 0)))
     {
     }
 
+    char *area() const { return reinterpret_cast<char *>(m_area); }
     bool isReady() const { return m_area != MAP_FAILED; }
 
     void run()
@@ -76,7 +81,7 @@ public:
 private:
     bool answer(const ZQRenderRequest &request, const ZQSourceFile &file)
     {
-        if (m_interception && m_interception(request, file)) {
+        if (m_options.interception && m_options.interception(request, file)) {
             return true;
         }
         if (request.kind == ZQRenderRequest::Kind::Properties) {
@@ -90,7 +95,24 @@ private:
             out.properties = *properties;
             return send(out);
         }
-        return sendBitmap(request, file);
+        return request.kind == ZQRenderRequest::Kind::EmbeddedPicture ? sendEmbedded(file) : sendBitmap(request, file);
+    }
+
+    bool sendEmbedded(const ZQSourceFile &file)
+    {
+        ZQError error;
+        const QByteArray bytes = zqAcornComposite(file, &error);
+        if (bytes.isEmpty()) {
+            return sendError(error, false);
+        }
+        const ZQFileDescriptor copy =
+            sealedFile([&](int out) { return zqWriteAll(out, bytes.constData(), bytes.size()); });
+        if (!copy.isOpen()) {
+            ::_exit(zqRenderExitOutOfMemory);
+        }
+        ZQRenderAnswer out;
+        out.kind = ZQRenderAnswer::Kind::BytesInFile;
+        return send(out, copy.get());
     }
 
     static ZQBitmap draw(const ZQRenderRequest &request, const ZQSourceFile &file, ZQError *error)
@@ -103,6 +125,7 @@ private:
             return zqThumbnailerPreview(request.name, request.box);
         case Kind::Bitmap:
         case Kind::Properties:
+        case Kind::EmbeddedPicture:
             break;
         }
         return zqDecodeFile({file, request.box, request.frame, false, zqPaperOfName(request.name)}, error);
@@ -120,11 +143,16 @@ private:
         }
         if (bitmap.isNull()) {
             const bool isUnknown = error.code == int(ZQImagingErrorCode::UnknownFormat);
-            return sendError(error,
-                             isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file));
+            const bool hasThumbnailer =
+                isUnknown && request.kind == ZQRenderRequest::Kind::Preview && zqHasThumbnailer(file);
+            if (hasThumbnailer && !zqMayRunDrawingPrograms()) {
+                return sendError(zqNoDrawingProgramsError(request.name), false);
+            }
+            return sendError(error, hasThumbnailer);
         }
         ZQRenderAnswer out;
         out.size = bitmap.size();
+        out.isIncomplete = bitmap.isIncomplete();
         const qsizetype rowBytes = qsizetype(bitmap.width()) * 4;
         if (rowBytes * bitmap.height() <= zqRenderAreaBytes) {
             for (int y = 0; y < bitmap.height(); ++y) {
@@ -133,7 +161,7 @@ private:
             out.kind = ZQRenderAnswer::Kind::PixelsInArea;
             return send(out);
         }
-        const ZQFileDescriptor pixels = sealedFileOf(bitmap);
+        const ZQFileDescriptor pixels = sealedFile([&](int memory) { return writeRows(memory, bitmap); });
         if (!pixels.isOpen()) {
             ::_exit(zqRenderExitOutOfMemory);
         }
@@ -155,13 +183,13 @@ private:
         return zqSendMessage(ZQRenderDescriptor::socket, zqEncode(answer), descriptor);
     }
 
-    ZQRenderInterception m_interception;
+    const ZQRenderLoopOptions m_options;
     uchar *m_area;
 };
 
 } // namespace
 
-int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
+int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
 {
     if (argc != 5) {
         return EXIT_FAILURE;
@@ -172,23 +200,34 @@ int zqRunRenderLoop(int argc, char *argv[], ZQRenderInterception interception)
     }
     std::signal(SIGTTOU, SIG_IGN); // a log line is no reason to stop
     const bool forThumbnailer = std::strcmp(argv[4], "thumbnailer") == 0;
+    const bool forArchives = std::strcmp(argv[4], "archives") == 0;
     const ZQRenderRestrictions restrictions =
-        zqEnterRenderSandbox(argv[1], std::atoll(argv[3]), forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1);
+        zqEnterRenderSandbox({.folder = forArchives ? nullptr : argv[1],
+                              .memory = std::atoll(argv[3]),
+                              .thumbnailed = forThumbnailer ? ZQRenderDescriptor::thumbnailed : -1,
+                              .useFileRules = options.useFileRules});
+    if (!restrictions.areWhole()) {
+        zqForbidDrawingPrograms();
+        qputenv("VIPS_DISC_THRESHOLD", "1t"); // large pictures stay in memory: no file can be written
+    }
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     const QCoreApplication application(argc, argv);
-    zqInitializeImagingLibraries("zelto-render");
+    if (!forArchives) {
+        zqInitializeImagingLibraries("zelto-render");
+        QImageReader::setAllocationLimit(2048); // megabytes: a picture of the most pixels there may be
+    }
     g_log_set_handler("GLib", GLogLevelFlags(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION),
                       endWhenGLibFails, nullptr);
     ZQRenderAnswer hello;
     hello.kind = ZQRenderAnswer::Kind::Hello;
     hello.restrictsFiles = restrictions.files;
     hello.restrictsCalls = restrictions.calls;
-    RenderLoop loop(interception);
+    RenderLoop loop(options);
     if (!loop.isReady() || !zqSendMessage(ZQRenderDescriptor::socket, zqEncode(hello))) {
         return EXIT_FAILURE;
     }
     try {
-        loop.run();
+        forArchives ? zqRunArchiveLoop(loop.area(), options.archiveInterception) : loop.run();
     } catch (const std::bad_alloc &) {
         ::_exit(zqRenderExitOutOfMemory);
     }

@@ -1,6 +1,7 @@
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
 
 #include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Imaging/Worker/ZQRenderCalls.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,20 +9,14 @@
 #include <QStandardPaths>
 
 #include <linux/landlock.h>
-#include <seccomp.h>
 
 #include <array>
-#include <cerrno>
 #include <fcntl.h>
-#include <memory>
-#include <sched.h>
-#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -176,128 +171,13 @@ bool restrictFiles(const char *folder, int thumbnailed)
     for (const auto place : {QLibraryInfo::PluginsPath, QLibraryInfo::LibrariesPath}) {
         rules.allow(QFile::encodeName(QLibraryInfo::path(place)), readAndRun);
     }
-    rules.allow(folder, ownFolder);
+    if (folder) {
+        rules.allow(folder, ownFolder);
+    }
     if (thumbnailed >= 0) {
         rules.allow(thumbnailed, readFile);
     }
     return rules.enter();
-}
-
-// What no decoder, and no program that draws, has any use for: the network, other processes, the system itself, and
-// what would get around the rules for files.
-constexpr std::array forbiddenCalls{
-    "socket",
-    "connect",
-    "bind",
-    "listen",
-    "accept",
-    "accept4",
-    "ptrace",
-    "process_vm_readv",
-    "process_vm_writev",
-    "process_madvise",
-    "pidfd_getfd",
-    "kcmp",
-    "mount",
-    "umount",
-    "umount2",
-    "pivot_root",
-    "chroot",
-    "unshare",
-    "setns",
-    "open_tree",
-    "move_mount",
-    "fsopen",
-    "fsconfig",
-    "fsmount",
-    "fspick",
-    "mount_setattr",
-    "kexec_load",
-    "kexec_file_load",
-    "init_module",
-    "finit_module",
-    "delete_module",
-    "bpf",
-    "perf_event_open",
-    "keyctl",
-    "add_key",
-    "request_key",
-    "userfaultfd",
-    "io_uring_setup",
-    "io_uring_enter",
-    "io_uring_register",
-    "reboot",
-    "swapon",
-    "swapoff",
-    "sethostname",
-    "setdomainname",
-    "settimeofday",
-    "clock_settime",
-    "adjtimex",
-    "clock_adjtime",
-    "acct",
-    "quotactl",
-    "syslog",
-    "open_by_handle_at",
-    "name_to_handle_at",
-    "truncate",
-    "chmod",
-    "fchmod",
-    "fchmodat",
-    "chown",
-    "lchown",
-    "fchown",
-    "fchownat",
-    "setxattr",
-    "lsetxattr",
-    "fsetxattr",
-    "removexattr",
-    "lremovexattr",
-    "fremovexattr",
-    "utime",
-    "utimes",
-    "futimesat",
-    "utimensat",
-    "mknod",
-    "mknodat",
-    "personality",
-    "shmget",
-    "msgget",
-    "semget",
-    "mq_open",
-    "fanotify_init",
-    "lookup_dcookie",
-    "vhangup",
-    "ioperm",
-    "iopl",
-    "nfsservctl",
-};
-
-bool restrictCalls()
-{
-    const std::unique_ptr<void, decltype(&seccomp_release)> filter(seccomp_init(SCMP_ACT_ALLOW), seccomp_release);
-    if (!filter) {
-        return false;
-    }
-    for (const char *name : forbiddenCalls) {
-        const int call = seccomp_syscall_resolve_name(name);
-        if (call != __NR_SCMP_ERROR) { // one this system never had
-            seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), call, 0);
-        }
-    }
-    // New threads and processes, but no new namespaces. The newer call hides its flags; the library then takes the
-    // older.
-    constexpr std::array<scmp_datum_t, 7> namespaces{CLONE_NEWUSER, CLONE_NEWNS,  CLONE_NEWPID,   CLONE_NEWNET,
-                                                     CLONE_NEWIPC,  CLONE_NEWUTS, CLONE_NEWCGROUP};
-    for (const scmp_datum_t flag : namespaces) {
-        seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), SCMP_SYS(clone), 1,
-                         SCMP_A0(SCMP_CMP_MASKED_EQ, flag, flag));
-    }
-    seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
-    // Typing into the terminal that the log goes to.
-    seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(EPERM), SCMP_SYS(ioctl), 1,
-                     SCMP_A1(SCMP_CMP_MASKED_EQ, 0xffffffffU, TIOCSTI));
-    return seccomp_load(filter.get()) == 0;
 }
 
 void limit(__rlimit_resource resource, rlim_t value)
@@ -312,15 +192,13 @@ void limit(__rlimit_resource resource, rlim_t value)
 
 } // namespace
 
-ZQRenderRestrictions zqEnterRenderSandbox(const char *folder, qint64 memory, int thumbnailed)
+ZQRenderRestrictions zqEnterRenderSandbox(const ZQRenderNeeds &needs)
 {
     constexpr rlim_t largestFile = rlim_t(1) << 31; // the largest picture
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, largestFile);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    limit(RLIMIT_AS, rlim_t(memory)); // a sanitizer maps more than any computer has
-#else
-    static_cast<void>(memory);
+    limit(RLIMIT_AS, rlim_t(needs.memory)); // a sanitizer maps more than any computer has
 #endif
     // Where memory runs out for the whole computer, this process goes first.
     QFile score(QStringLiteral("/proc/self/oom_score_adj"));
@@ -331,7 +209,7 @@ ZQRenderRestrictions zqEnterRenderSandbox(const char *folder, qint64 memory, int
         return {};
     }
     ZQRenderRestrictions out;
-    out.files = restrictFiles(folder, thumbnailed);
-    out.calls = restrictCalls();
+    out.files = needs.useFileRules && restrictFiles(needs.folder, needs.thumbnailed);
+    out.calls = zqRestrictCalls(out.files && needs.folder);
     return out;
 }

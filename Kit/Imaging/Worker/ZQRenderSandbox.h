@@ -3,14 +3,22 @@
 #include <QtGlobal>
 
 // What a worker gives up before it reads anything: every file but the system's own and those it is handed as
-// descriptors, writing outside `folder`, the network, and the calls that reach into other processes. Its children
-// inherit that. To be called before the process has a second thread.
+// descriptors, writing outside its folder, and all calls that drawing does not take. Its children inherit that. Where
+// the system has no rules for files, it can read what the person can, but write nothing and start no program. To be
+// called before the process has a second thread.
 struct ZQRenderRestrictions
 {
     bool files = false; // false: the system cannot
     bool calls = false;
+
+    bool areWhole() const { return files && calls; }
 };
 
-// `memory`: the most address space in bytes. `thumbnailed`: a descriptor whose file may also be opened by its path, or
-// -1.
-ZQRenderRestrictions zqEnterRenderSandbox(const char *folder, qint64 memory, int thumbnailed);
+struct ZQRenderNeeds
+{
+    const char *folder = nullptr; // null: it writes nothing at all and starts no program
+    qint64 memory = 0;            // the most address space in bytes
+    int thumbnailed = -1;         // a descriptor whose file may also be opened by its path, or -1
+    bool useFileRules = true;     // false does as on a system that has none
+};
+ZQRenderRestrictions zqEnterRenderSandbox(const ZQRenderNeeds &needs);

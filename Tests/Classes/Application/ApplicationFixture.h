@@ -58,6 +58,15 @@ public:
     {
         imports.append({paths, intoSidebarItemID});
     }
+    void takeBackItemDirectories(const QStringList &names,
+                                 std::function<void(qsizetype takenBack, bool isComplete)> done) override
+    {
+        takenBack += names;
+        done(names.size(), true);
+    }
+    std::optional<QDateTime> cutOffImportSince() override { return cutOff; }
+    void offerToResumeImports() override { calls.append(QStringLiteral("resume")); }
+    void setKeepsCancelledImports(bool keeps) override { keptCancelled.append(keeps); }
     ZQOperationQueue &syncOperationQueue() override { return m_sync; }
     void getLiveFolderPermissionFromSandbox() override { calls.append(QStringLiteral("permission")); }
     void startObservingWatchedFolders() override { calls.append(QStringLiteral("observe")); }
@@ -68,6 +77,9 @@ public:
 
     QList<Import> imports;
     QStringList calls;
+    QStringList takenBack;
+    std::optional<QDateTime> cutOff;
+    QList<bool> keptCancelled;
 
 private:
     ZQOperationQueue m_sync;

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLock.h"
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
@@ -54,7 +55,8 @@ TEST_F(ApplicationTest, ARememberedLocationIsUsedUnlessItIsGoneOrInTheTrash)
 
     tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
     EXPECT_EQ(application()->libraryBundleDirectory(), elsewhere);
-    tamberin_AppDelegate::saveNewLibraryURL(trashed);
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(zqDataForPersistentURL(trashed),
+                                                           QStringLiteral("ZeltoLibraryLocation"));
     EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle());
     tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
     QDir(elsewhere).removeRecursively();
@@ -111,6 +113,80 @@ TEST_F(ApplicationTest, ItemDirectoriesOfNoItemGoButNeverWhenTheStoreListsNone)
     delegate->checkAndDeleteLibraryLeftovers();
     EXPECT_EQ(delegate->deleteTask(), nullptr);
     EXPECT_TRUE(QFileInfo::exists(library + QStringLiteral("/A.ztlibraryitem")));
+}
+
+TEST_F(ApplicationTest, WhatIsOlderThanTheStoreIsTakenBackAndNeverRemoved)
+{
+    const QString library = defaultBundle() + QStringLiteral("/Library");
+    for (const char *name : {"/Old.ztlibraryitem", "/KNOWN.ztlibraryitem", "/Deleted.ztlibraryitem"}) {
+        QDir().mkpath(library + QLatin1String(name));
+    }
+    {
+        const auto delegate = launched();
+        addItem(*delegate, QStringLiteral("known")); // its directory's letters were changed
+        addItem(*delegate, QStringLiteral("Deleted"))->setActive(false);
+        delegate->saveAction();
+    }
+    QDir().mkpath(library + QStringLiteral("/Young.ztlibraryitem"));
+    const auto delegate = launched();
+    delegate->checkAndDeleteLibraryLeftovers();
+    EXPECT_EQ(imports.takenBack, QStringList{QStringLiteral("Old.ztlibraryitem")});
+    delegate->waitForRemovals();
+    for (const char *kept : {"/Old.ztlibraryitem", "/KNOWN.ztlibraryitem", "/Deleted.ztlibraryitem"}) {
+        EXPECT_TRUE(QFileInfo::exists(library + QLatin1String(kept))) << kept;
+    }
+    EXPECT_FALSE(QFileInfo::exists(library + QStringLiteral("/Young.ztlibraryitem")));
+    ASSERT_EQ(user.errors.size(), 1); // says how many
+    EXPECT_TRUE(user.errors.first().localizedDescription().contains(QStringLiteral("1 file ")));
+    EXPECT_TRUE(user.questions.isEmpty());
+}
+
+TEST_F(ApplicationTest, MoreThanAnImportLeavesIsRemovedOnlyWhenThePersonSaysSo)
+{
+    QString library;
+    {
+        const auto delegate = launched();
+        library = delegate->libraryDirectory();
+        addItem(*delegate, QStringLiteral("A"));
+        delegate->saveAction();
+    }
+    constexpr int many = 25;
+    for (int i = 0; i < many; ++i) {
+        QDir().mkpath(library + QStringLiteral("/%1.ztlibraryitem").arg(i));
+    }
+    const auto left = [&] {
+        return QDir(library).entryList({QStringLiteral("*.ztlibraryitem")}, QDir::Dirs).size() - 1;
+    };
+    const auto launchAnswering = [&](int button) {
+        user.questions.clear();
+        user.answerQuestion = [button](const UserQuestion &question) {
+            return button < 0 ? int(question.buttons.size()) - 1 : button;
+        };
+        const auto delegate = launched();
+        delegate->checkAndDeleteLibraryLeftovers();
+        delegate->waitForRemovals();
+        return user.questions.size();
+    };
+    EXPECT_EQ(launchAnswering(-1), 1); // nobody there
+    EXPECT_EQ(left(), many);
+    EXPECT_TRUE(imports.takenBack.isEmpty());
+    EXPECT_EQ(launchAnswering(0), 1);
+    EXPECT_EQ(imports.takenBack.size(), many);
+    EXPECT_EQ(left(), many);
+    EXPECT_EQ(launchAnswering(1), 1);
+    EXPECT_EQ(left(), 0);
+    imports.cutOff = QDateTime::currentDateTimeUtc().addMSecs(-1); // it accounts for them
+    for (int i = 0; i < many; ++i) {
+        QDir().mkpath(library + QStringLiteral("/%1.ztlibraryitem").arg(i));
+    }
+    EXPECT_EQ(launchAnswering(-1), 0);
+    EXPECT_EQ(left(), 0);
+    imports.cutOff.reset();
+    for (int i = 0; i < 20; ++i) {
+        QDir().mkpath(library + QStringLiteral("/%1.ztlibraryitem").arg(i));
+    }
+    EXPECT_EQ(launchAnswering(-1), 0);
+    EXPECT_EQ(left(), 0);
 }
 
 TEST_F(ApplicationTest, AThumbnailLiesBesideItsFile)

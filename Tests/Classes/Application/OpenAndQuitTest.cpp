@@ -1,3 +1,4 @@
+#include "Classes/Application/TemporaryArea.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 
 #include "Kit/Operations/ZQMainThread.h"
@@ -79,7 +80,7 @@ TEST_F(ApplicationTest, ATemplateMovesToItsFolderAndOpensWhenNothingElseCame)
 TEST_F(ApplicationTest, QuittingWithoutChangesRemovesNothing)
 {
     const auto delegate = launched();
-    const QString scratch = made(tamberin_AppDelegate::temporaryFolder() + QStringLiteral("/t.abc/file"));
+    const QString scratch = made(TemporaryArea::folder() + QStringLiteral("/t.abc/file"));
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_EQ(delegate->deleteTask(), nullptr);
     EXPECT_TRUE(QFileInfo::exists(scratch));
@@ -96,7 +97,7 @@ TEST_F(ApplicationTest, QuittingRemovesWhatWasDeletedForGood)
     }
     addItem(*delegate, QStringLiteral("kept"));
     delegate->saveAction();
-    made(tamberin_AppDelegate::temporaryFolder() + QStringLiteral("/t.abc/file"));
+    made(TemporaryArea::folder() + QStringLiteral("/t.abc/file"));
 
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     QList<QProcess *> removals = delegate->findChildren<QProcess *>();
@@ -109,7 +110,20 @@ TEST_F(ApplicationTest, QuittingRemovesWhatWasDeletedForGood)
     EXPECT_EQ(batches, (QList<qsizetype>{1000, 1000, 500, 1}));
     EXPECT_EQ(QDir(delegate->libraryDirectory()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("kept.ztlibraryitem")});
-    EXPECT_FALSE(QFileInfo::exists(tamberin_AppDelegate::temporaryFolder()));
+    EXPECT_TRUE(QDir(QFile::decodeName(qgetenv("TMPDIR"))).isEmpty()); // the scratch folder is gone
+}
+
+TEST_F(ApplicationTest, QuittingLeavesTheTemporaryFolderToAnImportThatWasCutOff)
+{
+    const auto delegate = launched();
+    addItem(*delegate, QStringLiteral("deleted"))->setActive(false);
+    delegate->saveAction();
+    const QString picture = TemporaryArea::folder() + QStringLiteral("/t.abc/picture.png");
+    made(picture);
+    imports.cutOff = QDateTime::currentDateTimeUtc();
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    delegate->waitForRemovals();
+    EXPECT_TRUE(QFileInfo::exists(picture));
 }
 
 TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePersonSaysSo)
@@ -135,6 +149,7 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_TRUE(operation->isFinished());
     EXPECT_TRUE(waiting->isCancelled());
+    EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false})); // it is offered at the next launch
     EXPECT_TRUE(user.notificationTexts().contains(QStringLiteral("Cleaning up library")));
 }
 

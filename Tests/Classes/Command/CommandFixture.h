@@ -6,6 +6,7 @@
 #include "Classes/Import/AImportManager.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Tests/Support/UserWorld.h"
 
 #include <QImage>
@@ -24,6 +25,11 @@ protected:
     {
         redirectUserWorld(world);
         open();
+    }
+    void TearDown() override
+    {
+        delegate.reset();
+        ZQUserDefaults::standardUserDefaults().synchronize(); // not once its world is gone
     }
     void open()
     {

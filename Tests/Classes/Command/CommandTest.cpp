@@ -1,3 +1,5 @@
+#include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/PendingImport.h"
 #include "Tests/Classes/Command/CommandFixture.h"
 #include "Tools/samples/SampleArchives.h"
 
@@ -136,6 +138,52 @@ TEST_F(CommandTest, PreferencesAreReadOverTheirDefaults)
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n");
 }
 
+TEST_F(CommandTest, WithoutATargetFoldersBecomeProjectsAndFilesGoIntoTheLibrary)
+{
+    picture(QStringLiteral("in/Brand/logo.png"), qRgb(20, 20, 220));
+    picture(QStringLiteral("in/loose.png"), qRgb(20, 220, 20));
+    ASSERT_EQ(run("import in/loose.png in/Brand --json"), 0) << context.errors.constData();
+    EXPECT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 2);
+    ASSERT_EQ(run("items --in PROJECTS/Brand --json"), 0) << context.errors.constData();
+    ASSERT_EQ(array().size(), 1);
+    EXPECT_EQ(array().first().toObject().value(QStringLiteral("title")).toString(), QStringLiteral("logo"));
+    EXPECT_EQ((run("items --json"), array().size()), 2);
+    const auto projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(*delegate->managedObjectContext());
+    for (const auto &child : projects->orderedChildren()) {
+        EXPECT_NE(child->title(), QStringLiteral("New Project")); // the loose file is in no project
+    }
+}
+
+TEST_F(CommandTest, ImportsThatWereCutOffAreSpokenOfAndGoOnOrAreForgotten)
+{
+    const QString a = picture(QStringLiteral("in/a.png"), qRgb(20, 20, 220));
+    const QString folder = world.filePath(QStringLiteral("Test.ztlibrary/pending-imports"));
+    const auto cutOff = [&] {
+        return PendingImportFile::create(folder, {.paths = {a},
+                                                  .target = {},
+                                                  .index = ImportOperation::appendIndex,
+                                                  .metadata = {},
+                                                  .archivePath = {},
+                                                  .archiveRoot = {},
+                                                  .groups = {}}) != nullptr;
+    };
+    ASSERT_TRUE(cutOff());
+    EXPECT_EQ(run("items --json"), 0);
+    EXPECT_TRUE(array().isEmpty());
+    EXPECT_TRUE(context.errors.contains("zelto import --resume"));
+    EXPECT_EQ(run("import --resume --json"), 0) << context.errors.constData();
+    EXPECT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 1);
+    EXPECT_EQ((run("items --json"), array().size()), 1);
+    EXPECT_TRUE(context.errors.isEmpty());
+
+    ASSERT_TRUE(cutOff());
+    EXPECT_EQ(run("import --forget"), 0);
+    EXPECT_TRUE(PendingImportFile::cutOff(folder).isEmpty());
+    EXPECT_EQ((run("items --json"), array().size()), 1);
+    EXPECT_EQ(run("import"), 2);
+    EXPECT_EQ(run("import --resume --forget"), 2);
+}
+
 TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)
 {
     using SampleArchives::Entry;
@@ -174,4 +222,37 @@ TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)
               0);
     EXPECT_EQ(run("verify --deep"), 0);
     EXPECT_EQ(delegate->backgroundOperationQueue().operationCount(), 0);
+}
+
+TEST_F(CommandTest, AWordThatIsNeitherACommandNorAFileIsNamedWithTheCommandThatWasMeant)
+{
+    struct Case
+    {
+        QStringList arguments;
+        const char *meant;
+    };
+    const Case cases[] = {
+        {{QStringLiteral("imprt"), QStringLiteral("a.png")}, "zelto import"},
+        {{QStringLiteral("Itmes")}, "zelto items"},
+        {{QStringLiteral("side-bar"), QStringLiteral("--json")}, "zelto sidebar"},
+        {{QStringLiteral("elephants")}, "zelto --help"},
+        {{QStringLiteral("gone/imprt.png")}, "zelto --help"},
+    };
+    for (const Case &each : cases) {
+        SCOPED_TRACE(qPrintable(each.arguments.first()));
+        CommandContext words;
+        words.workingDirectory = QDir::rootPath();
+        CommandLine commandLine;
+        int status = 0;
+        EXPECT_FALSE(commandLine.parse(each.arguments, words, &status));
+        EXPECT_EQ(status, 2);
+        EXPECT_TRUE(words.errors.contains(each.arguments.first().toUtf8())) << words.errors.constData();
+        EXPECT_TRUE(words.errors.contains(each.meant)) << words.errors.constData();
+    }
+    CommandContext words;
+    words.workingDirectory = QDir::rootPath();
+    CommandLine commandLine;
+    int status = 0;
+    EXPECT_TRUE(commandLine.parse({QStringLiteral("tmp")}, words, &status)); // there is one
+    EXPECT_EQ(commandLine.filesToOpen(), QStringList{QStringLiteral("tmp")});
 }

@@ -1,3 +1,4 @@
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Import/ArchiveImportOperation.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -75,8 +76,7 @@ protected:
     }
     static QStringList temporaryFolders()
     {
-        return QDir(tamberin_AppDelegate::temporaryFolder())
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        return QDir(TemporaryArea::folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 };
 

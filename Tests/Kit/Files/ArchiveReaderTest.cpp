@@ -1,4 +1,5 @@
 #include "Kit/Files/ZQArchiveReader.h"
+#include "Kit/Imaging/ZQArchiveWorker.h"
 #include "Tests/Kit/Files/Scratch.h"
 #include "Tools/samples/SampleArchives.h"
 
@@ -37,7 +38,7 @@ protected:
     {
         folder(QStringLiteral("w/a/b"));
         QDir(path(QStringLiteral("w/a/b/out"))).removeRecursively();
-        reader = std::make_unique<ZQArchiveReader>(limits, std::move(isCancelled));
+        reader = std::make_unique<ZQArchiveReader>(worker, limits, std::move(isCancelled));
         error = {};
         return reader->extractArchive(file(QStringLiteral("Set.zip"), archive), path(QStringLiteral("w/a/b/out")), 0,
                                       &error);
@@ -61,6 +62,7 @@ protected:
         EXPECT_EQ(world(), (QStringList{QStringLiteral("a/"), QStringLiteral("a/b/")}));
     }
 
+    ZQArchiveWorker worker; // as the application reads them
     std::unique_ptr<ZQArchiveReader> reader;
     ZQError error;
 };
@@ -288,7 +290,7 @@ TEST_F(ArchiveReaderTest, TheLimitsHoldForTheArchivesInAnArchiveTogether)
     const QString inner = file(QStringLiteral("in.zip"), SampleArchives::zipFile({{"a", "12345"}}));
     const QString outer = file(QStringLiteral("out.zip"), SampleArchives::zipFile({{"b", "12345"}}));
     const auto passes = [&](const ZQArchiveLimits &limits, int depth) {
-        ZQArchiveReader both(limits);
+        ZQArchiveReader both(worker, limits);
         const QString first = path(QStringLiteral("first"));
         const QString second = path(QStringLiteral("second"));
         const bool result = both.extractArchive(outer, first) && both.extractArchive(inner, second, depth, &error);
@@ -330,7 +332,7 @@ TEST_F(ArchiveReaderTest, AFolderThatIsThereIsLeftAlone)
     const QString archive = file(QStringLiteral("Set.zip"), SampleArchives::zipFile({{"a.txt", "new"}}));
     const QString taken = folder(QStringLiteral("taken"));
     file(QStringLiteral("taken/a.txt"), "old");
-    ZQArchiveReader once({});
+    ZQArchiveReader once(worker, {});
     EXPECT_FALSE(once.extractArchive(archive, taken, 0, &error));
     EXPECT_EQ(error.code, ZQArchiveReader::NotWritable);
     EXPECT_EQ(read(taken + QStringLiteral("/a.txt")), QByteArray("old"));
@@ -344,6 +346,7 @@ TEST_F(ArchiveReaderTest, ADiskThatTakesNoMoreIsSaidAndNothingKept)
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
     const auto signalBefore = ::signal(SIGXFSZ, SIG_IGN);
     const QByteArray big = SampleArchives::zipFile({{"a", QByteArray(3000000, 'a')}});
+    ASSERT_TRUE(extract(SampleArchives::zipFile({}))); // the worker has what it needs by then
     const rlimit small{1000000, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
     const bool isExtracted = extract(big);

@@ -1,3 +1,4 @@
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
@@ -270,4 +271,30 @@ TEST(Operation, MayBeAskedToWaitByItsOwnObserver)
     operation->setCompletionBlock([&] { operation->waitUntilFinished(); });
     operation->start();
     EXPECT_TRUE(operation->isFinished());
+}
+
+TEST(OperationCancellation, WhatAnOperationCallsHearsOfItsCancelAndNoOtherDoes)
+{
+    ZQOperationQueue queue(QStringLiteral("test"), 1);
+    std::atomic_bool isRunning = false;
+    std::atomic_bool heard = false;
+    const auto operation = zqBlockOperation([&] {
+        EXPECT_FALSE(ZQCancellation::isCurrentCancelled());
+        isRunning = true;
+        while (!ZQCancellation::isCurrentCancelled()) {
+            std::this_thread::yield();
+        }
+        heard = true;
+    });
+    queue.addOperation(operation);
+    while (!isRunning) {
+        std::this_thread::yield();
+    }
+    operation->cancel();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(heard);
+    bool nextIsCancelled = true;
+    queue.addOperationWithBlock([&] { nextIsCancelled = ZQCancellation::isCurrentCancelled(); });
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_FALSE(nextIsCancelled);
 }

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QLabel>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -85,4 +86,15 @@ TEST(ZQIcon, EveryIconDrawsInItsColourAtEveryScale)
             EXPECT_TRUE(drawn) << name.toStdString() << " at " << scale;
         }
     }
+}
+
+TEST(ZQTheme, LabelsShowMarkupAsItIsWritten)
+{
+    auto &application = *qobject_cast<QApplication *>(QCoreApplication::instance());
+    ZQTheme::current().apply(application);
+    QLabel plain(QStringLiteral("<b>a</b>"));
+    QLabel other(QStringLiteral("aaaaaaaa"));
+    plain.show();
+    EXPECT_EQ(plain.textFormat(), Qt::PlainText);
+    EXPECT_GT(plain.sizeHint().width(), other.sizeHint().width() / 2);
 }

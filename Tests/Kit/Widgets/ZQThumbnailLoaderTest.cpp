@@ -32,18 +32,27 @@ QImage plain(const ZQThumbnailRequest &, int pixels)
 
 } // namespace
 
-TEST(ZQThumbnailLoader, ReadsAPictureWithinTheAskedSize)
+TEST(ZQThumbnailLoader, ReadsAPictureWithinTheAskedSizeThroughItsDecoderOnly)
 {
     QTemporaryDir folder;
-    QImage picture(800, 400, QImage::Format_RGB32);
-    picture.fill(Qt::green);
-    const QString path = folder.filePath(QStringLiteral("wide.png"));
-    ASSERT_TRUE(picture.save(path));
+    const QString path = folder.filePath(QStringLiteral("a.png"));
+    ASSERT_TRUE(plain({}, 800).save(path));
+    ZQThumbnailLoader bare;
+    bare.image({path, 1, false}, 200);
+    ASSERT_TRUE(loadAll(bare));
+    EXPECT_TRUE(bare.hasFailed({path, 1, false})) << "it decodes nothing by itself";
     ZQThumbnailLoader loader;
+    loader.setDecoder([](const ZQThumbnailRequest &, int pixels) {
+        QImage image(pixels, pixels / 2, QImage::Format_RGBA8888);
+        image.fill(QColor(10, 20, 30));
+        return image;
+    });
     EXPECT_TRUE(loader.image({path, 1, false}, 200).isNull());
     ASSERT_TRUE(loadAll(loader));
     const QImage image = loader.image({path, 1, false}, 200);
     EXPECT_EQ(image.size(), QSize(256, 128));
+    EXPECT_EQ(image.format(), QImage::Format_RGB32) << "alpha that hides nothing";
+    EXPECT_EQ(image.pixelColor(0, 0), QColor(10, 20, 30));
     EXPECT_TRUE(loader.image({path, 2, false}, 200).isNull()) << "another version is another picture";
 }
 
@@ -76,18 +85,20 @@ TEST(ZQThumbnailLoader, DropsWhatScrolledAwayAndReadsTheLatestFirst)
 {
     std::mutex lock;
     std::condition_variable open;
-    bool isOpen = false;
+    int opened = 0;
     QStringList read;
     ZQThumbnailLoader loader;
     loader.setDecoder([&](const ZQThumbnailRequest &asked, int pixels) {
         std::unique_lock guard(lock);
-        open.wait(guard, [&] { return isOpen; });
+        const int held = asked.path == request(1000).path ? 1 : asked.path.contains(QStringLiteral("100")) ? 2 : 0;
+        open.wait(guard, [&] { return opened >= held; });
         read.append(asked.path);
         return plain(asked, pixels);
     });
-    loader.image(request(1000), 100);
-    loader.image(request(1001), 100);
-    // Both threads hold one picture each before the others are asked for.
+    for (int i = 1000; i < 1003; ++i) {
+        loader.image(request(i), 100);
+    }
+    // The threads hold one picture each before the others are asked for.
     QTest::qWait(50);
     loader.beginVisible();
     for (int i = 0; i < 20; ++i) {
@@ -99,11 +110,14 @@ TEST(ZQThumbnailLoader, DropsWhatScrolledAwayAndReadsTheLatestFirst)
         loader.image(request(i), 100);
     }
     loader.endVisible();
-    {
+    const auto release = [&](int count) {
         const std::lock_guard guard(lock);
-        isOpen = true;
-    }
-    open.notify_all();
+        opened = count;
+        open.notify_all();
+    };
+    release(1); // one thread alone reads what is left, so that the order is known
+    ASSERT_TRUE(QTest::qWaitFor([&loader] { return loader.pendingCount() == 2; }, 20000));
+    release(2);
     ASSERT_TRUE(loadAll(loader));
     for (int i = 0; i < 18; ++i) {
         EXPECT_FALSE(read.contains(request(i).path)) << i;

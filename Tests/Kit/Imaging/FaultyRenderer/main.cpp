@@ -1,4 +1,5 @@
 #include "Kit/Imaging/Worker/ZQRenderLoop.h"
+#include "Tests/Kit/Imaging/FaultyRenderer/CallWalk.h"
 
 #include <QHash>
 
@@ -7,8 +8,10 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 // Answers as the real one does, but for files whose names (without extension) are in the table. What such a file holds
@@ -38,6 +41,20 @@ void report(bool allowed)
 bool opens(const ZQSourceFile &file, int flags)
 {
     return ::open(contentOf(file).constData(), flags, 0600) >= 0;
+}
+
+bool opensInOwnFolder()
+{
+    return ::open((qgetenv("TMPDIR") + "/own").constData(), O_WRONLY | O_CREAT, 0600) >= 0;
+}
+
+bool startsProgram()
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(0);
+    }
+    return child > 0;
 }
 
 void sendPicture(QSize size, qint64 bytes, int seals)
@@ -76,12 +93,41 @@ void takeAllMemory()
     }
 }
 
-void lieAboutProperties()
+// "FIELD VALUE", one a line, on top of what a real picture says.
+void lieAboutProperties(const QByteArray &lies)
 {
     ZQRenderAnswer answer;
     answer.kind = ZQRenderAnswer::Kind::Properties;
-    answer.properties.pixelWidth = -1;
+    ZQImageProperties &properties = answer.properties;
+    properties.pixelWidth = properties.pixelHeight = 10;
+    properties.colorModel = QStringLiteral("RGB");
+    const QHash<QByteArray, int *> fields{{"width", &properties.pixelWidth},
+                                          {"height", &properties.pixelHeight},
+                                          {"orientation", &properties.orientation},
+                                          {"bits", &properties.bitsPerSample},
+                                          {"dpi", &properties.dpi},
+                                          {"frames", &properties.frameCount}};
+    for (const QByteArray &line : lies.split('\n')) {
+        const int value = line.mid(line.indexOf(' ') + 1).toInt();
+        if (int *const field = fields.value(line.left(line.indexOf(' ')))) {
+            *field = value;
+        } else if (line.startsWith("durations ")) {
+            properties.frameDurations = QList<int>(value, std::numeric_limits<int>::max());
+        } else if (line.startsWith("model ")) {
+            properties.colorModel = QString(value, u'x');
+        }
+    }
     send(answer);
+}
+
+// Somebody who waits for the answer after the greeting would wait for ever.
+[[noreturn]] void greetForever()
+{
+    ZQRenderAnswer hello;
+    hello.kind = ZQRenderAnswer::Kind::Hello;
+    for (;;) {
+        send(hello);
+    }
 }
 
 void lieAboutArea()
@@ -135,13 +181,23 @@ const QHash<QString, Fault> faults{
      [](const ZQSourceFile &) {
          sendPicture({-64, -64}, 64 * 64 * 4, allSeals);
      }},
-    {QStringLiteral("lie-properties"), [](const ZQSourceFile &) { lieAboutProperties(); }},
+    {QStringLiteral("lie-properties"), [](const ZQSourceFile &file) { lieAboutProperties(contentOf(file)); }},
+    {QStringLiteral("greet"), [](const ZQSourceFile &) { greetForever(); }},
     {QStringLiteral("lie-area"), [](const ZQSourceFile &) { lieAboutArea(); }},
     {QStringLiteral("lie-kind"), [](const ZQSourceFile &) { answerAnotherQuestion(); }},
     {QStringLiteral("read-other"), [](const ZQSourceFile &file) { report(opens(file, O_RDONLY)); }},
     {QStringLiteral("write-other"), [](const ZQSourceFile &file) { report(opens(file, O_WRONLY | O_CREAT)); }},
     {QStringLiteral("remove-other"),
      [](const ZQSourceFile &file) { report(::unlink(contentOf(file).constData()) == 0); }},
+    {QStringLiteral("make-other"),
+     [](const ZQSourceFile &file) { report(::mkdir(contentOf(file).constData(), 0700) == 0); }},
+    {QStringLiteral("rename-other"),
+     [](const ZQSourceFile &file) {
+         const QByteArray name = contentOf(file);
+         report(::rename(name.constData(), (name + ".renamed").constData()) == 0);
+     }},
+    {QStringLiteral("write-own"), [](const ZQSourceFile &) { report(opensInOwnFolder()); }},
+    {QStringLiteral("start-program"), [](const ZQSourceFile &) { report(startsProgram()); }},
     {QStringLiteral("cut-other"),
      [](const ZQSourceFile &file) { report(::truncate(contentOf(file).constData(), 0) == 0); }},
     {QStringLiteral("call-network"), [](const ZQSourceFile &) { report(::socket(AF_INET, SOCK_STREAM, 0) >= 0); }},
@@ -150,6 +206,10 @@ const QHash<QString, Fault> faults{
 
 bool misbehave(const ZQRenderRequest &request, const ZQSourceFile &file)
 {
+    if (request.kind == ZQRenderRequest::Kind::Properties && request.name.startsWith(QStringLiteral("boast"))) {
+        lieAboutProperties("frames 2000000000\ndurations 3");
+        return true;
+    }
     const Fault fault = faults.value(request.name.section(u'.', 0, 0));
     if (fault) {
         fault(file);
@@ -157,9 +217,49 @@ bool misbehave(const ZQRenderRequest &request, const ZQSourceFile &file)
     return fault != nullptr;
 }
 
+// The entry's name says how.
+void lieAboutArchive(const ZQArchiveQuestion &question, ZQArchiveAnswer &answer)
+{
+    static QByteArray fault;
+    const bool isBlock = question.kind == ZQArchiveQuestion::Kind::Block;
+    const QByteArray lie = answer.entry.name;
+    if (answer.kind == ZQArchiveAnswer::Kind::Entry) {
+        fault = lie;
+    }
+    if (lie == "crash") {
+        std::abort();
+    } else if (lie == "hang") {
+        hang();
+    } else if (lie == "write") {
+        const int file = ::open((qgetenv("TMPDIR") + "/own").constData(), O_WRONLY | O_CREAT, 0600);
+        answer.entry.name = file >= 0 ? "allowed" : "refused";
+    } else if (lie == "size") {
+        answer.entry.size = -5;
+    } else if (lie == "time") {
+        answer.entry.time = 1;
+        answer.entry.timeNanoseconds = std::numeric_limits<int>::max();
+    } else if (lie == "kind") {
+        answer.kind = ZQArchiveAnswer::Kind::Block;
+    } else if (lie == "unknown") {
+        answer.entry.kind = ZQArchiveEntry::Kind(99);
+    } else if (lie == "ended") {
+        answer.kind = ZQArchiveAnswer::Kind::End;
+        answer.end = {ZQArchiveEnd::Kind::Unavailable, QStringLiteral("believe me")};
+    } else if (isBlock && fault == "block") {
+        answer.size = std::numeric_limits<qint32>::max();
+    } else if (isBlock && fault == "nothing") {
+        answer.size = 0;
+        answer.isLast = false;
+    }
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    return zqRunRenderLoop(argc, argv, misbehave);
+    const bool useFileRules = !qEnvironmentVariableIsSet("ZELTO_FAULTY_WITHOUT_LANDLOCK");
+    if (argc == 3 && std::strcmp(argv[1], "calls") == 0) {
+        return walkCalls(argv[2], useFileRules);
+    }
+    return zqRunRenderLoop(argc, argv, {misbehave, lieAboutArchive, useFileRules});
 }

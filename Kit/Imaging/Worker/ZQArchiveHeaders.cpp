@@ -1,6 +1,5 @@
-#include "Kit/Files/ZQArchiveHeaders.h"
+#include "Kit/Imaging/Worker/ZQArchiveHeaders.h"
 
-#include <QFile>
 #include <QtEndian>
 
 #include <algorithm>
@@ -160,12 +159,8 @@ constexpr std::array<quint32, 256> makeTable()
 
 } // namespace
 
-ZQArchiveHeaders ZQArchiveHeaders::headersOfFile(const QString &path)
+ZQArchiveHeaders ZQArchiveHeaders::headersOfFile(QFile &file)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
     const QByteArray start = file.peek(8);
     if (start.startsWith("PK")) {
         return zipHeaders(file);

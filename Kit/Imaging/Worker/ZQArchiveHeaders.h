@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QFile>
 #include <QList>
-#include <QString>
 
 #include <optional>
 
@@ -15,7 +15,7 @@ struct ZQArchiveHeaders
     QList<std::optional<quint32>> checksums;
 
     // Reads headers only. What is no archive, or has its headers encrypted, gives the defaults. Any thread.
-    static ZQArchiveHeaders headersOfFile(const QString &path);
+    static ZQArchiveHeaders headersOfFile(QFile &file);
 };
 
 // CRC-32 of `data` after what gave `crc`; 0 to begin with.

@@ -1,0 +1,160 @@
+// Imports that an earlier process did not end.
+
+#include "Classes/Application/TemporaryArea.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/PendingImport.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int continueButton = 0;
+constexpr int forgetButton = 1;
+
+tamberin_AppDelegate &application()
+{
+    return *tamberin_AppDelegate::sharedDelegate();
+}
+
+bool holdsFolder(const PendingImport &request)
+{
+    return std::any_of(request.paths.begin(), request.paths.end(), [](const QString &path) {
+        return QFileInfo(path).isDir() && !AImportManager::fileAtPathIsSupported(path);
+    });
+}
+
+// Where it was to go, or, when that is gone, where files that are opened go.
+ZQObjectID targetOf(const PendingImport &request, ZQManagedObjectContext &context)
+{
+    const auto target = request.target.isEmpty()
+                            ? ZQRef<ZQSidebarBaseItem>()
+                            : zqCast<ZQSidebarBaseItem>(context.objectWithURIRepresentation(request.target));
+    if (target && target->active()) {
+        return target->objectID();
+    }
+    const auto projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context);
+    return holdsFolder(request) && projects ? projects->objectID() : ZQObjectID();
+}
+
+// The folder an archive was unpacked into goes with the request; a name in a file is believed only so far.
+std::shared_ptr<TemporaryFolder> holderOf(const QString &root)
+{
+    const QString holder = QFileInfo(root).path();
+    const bool isOurs = QFileInfo(holder).path() == TemporaryArea::folder() &&
+                        QFileInfo(holder).fileName().startsWith(u"t.") && QFileInfo(holder).isDir() &&
+                        !QFileInfo(holder).isSymLink();
+    return isOurs ? std::make_shared<TemporaryFolder>(holder) : nullptr;
+}
+
+} // namespace
+
+QString AImportManager::pendingFolder()
+{
+    return application().libraryBundleDirectory() + QStringLiteral("/pending-imports");
+}
+
+QStringList AImportManager::cutOffImports() const
+{
+    return PendingImportFile::cutOff(pendingFolder());
+}
+
+std::optional<QDateTime> AImportManager::cutOffImportSince()
+{
+    const QStringList names = cutOffImports();
+    return names.isEmpty() ? std::nullopt : std::optional(PendingImportFile::beginning(names.first()));
+}
+
+std::shared_ptr<ImportOperation> AImportManager::queue(std::shared_ptr<ImportOperation> operation,
+                                                       std::shared_ptr<PendingImportFile> pending, bool isResumed)
+{
+    operation->setPendingImport(pending, isResumed);
+    operation->setCompletionBlock([this, pending, weak = std::weak_ptr(operation)] {
+        // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
+        const auto ended = weak.lock();
+        if (pending && ended && ended->isCancelled() && !ended->hasStarted() && !keepsCancelledImports()) {
+            pending->remove();
+        }
+    });
+    importOperationQueue().addOperation(operation);
+    return operation;
+}
+
+std::shared_ptr<ImportOperation> AImportManager::resumeImport(const QString &name)
+{
+    ZQError error;
+    const auto pending = PendingImportFile::open(pendingFolder(), name, &error);
+    if (!pending) {
+        application().userInteraction().presentError(error);
+        return nullptr;
+    }
+    const PendingImport &request = pending->request();
+    const ZQObjectID target = targetOf(request, *application().managedObjectContext());
+    const bool isUnpacked = !request.archiveRoot.isEmpty() && QFileInfo(request.archiveRoot).isDir();
+    const bool unpacksAgain = !request.archiveRoot.isEmpty() && !isUnpacked && pending->sources().isEmpty();
+    auto operation = std::make_shared<ImportOperation>(unpacksAgain ? QStringList{request.archivePath} : request.paths,
+                                                       target, request.index, request.metadata);
+    if (isUnpacked && !request.paths.isEmpty()) {
+        operation->setOrigin({.archivePath = request.archivePath,
+                              .root = request.archiveRoot,
+                              .folder = request.paths.first(),
+                              .sidebarItem = target,
+                              .metadata = request.metadata,
+                              .holder = holderOf(request.archiveRoot)});
+    }
+    if (unpacksAgain) {
+        pending->setGroups({});
+    }
+    return queue(std::move(operation), pending, true);
+}
+
+QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports()
+{
+    QList<std::shared_ptr<ImportOperation>> operations;
+    application().saveAction();
+    if (!application().managedObjectContext()) {
+        return operations;
+    }
+    const QStringList names = cutOffImports();
+    for (const QString &name : names) {
+        if (const auto operation = resumeImport(name)) {
+            operations.append(operation);
+        }
+    }
+    return operations;
+}
+
+void AImportManager::forgetImports()
+{
+    const QStringList names = cutOffImports();
+    for (const QString &name : names) {
+        if (!PendingImportFile::forget(pendingFolder(), name)) {
+            qCWarning(zqLogImport).noquote() << "An import that was cut off could not be forgotten:" << name;
+        }
+    }
+}
+
+void AImportManager::offerToResumeImports()
+{
+    const qsizetype count = cutOffImports().size();
+    if (count == 0) {
+        return;
+    }
+    const int answer = application().userInteraction().ask(
+        {count == 1 ? zqLocalized("An import was cut off") : zqFormat(zqLocalized("%d imports were cut off"), {count}),
+         zqLocalized("Zelto ended before all files were in the library. It can go on with those that are missing. "
+                     "What is in the library stays there either way."),
+         {zqLocalized("Continue"), zqLocalized("Forget"), zqLocalized("Not Now")},
+         {},
+         false});
+    if (answer == continueButton) {
+        resumeImports();
+    } else if (answer == forgetButton) {
+        forgetImports();
+    }
+}

@@ -1,0 +1,219 @@
+#include "Classes/Import/PendingImport.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSet>
+#include <QUuid>
+
+#include <mutex>
+
+namespace {
+
+const QString requestEnding = QStringLiteral(".plist");
+const QString sourcesEnding = QStringLiteral(".sources");
+constexpr int formatVersion = 1;
+
+struct Active
+{
+    std::mutex mutex;
+    QSet<QString> paths;
+};
+
+Active &active()
+{
+    static Active shared;
+    return shared;
+}
+
+QString requestPath(const QString &folder, const QString &name)
+{
+    return folder + u'/' + name + requestEnding;
+}
+
+QString sourcesPath(const QString &folder, const QString &name)
+{
+    return folder + u'/' + name + sourcesEnding;
+}
+
+// Property lists know one kind of whole number and one of list.
+QVariantMap plain(const QVariantMap &values)
+{
+    QVariantMap result;
+    for (auto value = values.constBegin(); value != values.constEnd(); ++value) {
+        switch (value.value().typeId()) {
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::Short:
+            result.insert(value.key(), value.value().toLongLong());
+            break;
+        case QMetaType::QStringList:
+            result.insert(value.key(), value.value().toList());
+            break;
+        default:
+            result.insert(value.key(), value.value());
+        }
+    }
+    return result;
+}
+
+QVariantMap valuesOf(const PendingImport &request)
+{
+    QVariantList groups;
+    for (const PendingImport::Group &group : request.groups) {
+        groups.append(QVariantMap{{QStringLiteral("project"), group.project},
+                                  {QStringLiteral("files"), QVariant(group.files).toList()}});
+    }
+    return {{QStringLiteral("version"), qlonglong(formatVersion)},
+            {QStringLiteral("paths"), QVariant(request.paths).toList()},
+            {QStringLiteral("target"), request.target},
+            {QStringLiteral("index"), qlonglong(request.index)},
+            {QStringLiteral("metadata"), plain(request.metadata)},
+            {QStringLiteral("archivePath"), request.archivePath},
+            {QStringLiteral("archiveRoot"), request.archiveRoot},
+            {QStringLiteral("groups"), groups}};
+}
+
+PendingImport requestFrom(const QVariantMap &values)
+{
+    PendingImport request{.paths = values.value(QStringLiteral("paths")).toStringList(),
+                          .target = values.value(QStringLiteral("target")).toString(),
+                          .index = quint32(values.value(QStringLiteral("index")).toLongLong()),
+                          .metadata = values.value(QStringLiteral("metadata")).toMap(),
+                          .archivePath = values.value(QStringLiteral("archivePath")).toString(),
+                          .archiveRoot = values.value(QStringLiteral("archiveRoot")).toString(),
+                          .groups = {}};
+    const QVariantList groups = values.value(QStringLiteral("groups")).toList();
+    for (const QVariant &group : groups) {
+        const QVariantMap map = group.toMap();
+        request.groups.append(
+            {map.value(QStringLiteral("project")).toString(), map.value(QStringLiteral("files")).toStringList()});
+    }
+    return request;
+}
+
+} // namespace
+
+QStringList PendingImportFile::cutOff(const QString &folder)
+{
+    QStringList names;
+    const QStringList files = QDir(folder).entryList({u'*' + requestEnding}, QDir::Files, QDir::Name);
+    const std::lock_guard lock(active().mutex);
+    for (const QString &file : files) {
+        const QString name = file.chopped(requestEnding.size());
+        if (!active().paths.contains(requestPath(folder, name))) {
+            names.append(name);
+        }
+    }
+    return names;
+}
+
+QDateTime PendingImportFile::beginning(const QString &name)
+{
+    return QDateTime::fromMSecsSinceEpoch(name.section(u'-', 0, 0).toLongLong(), Qt::UTC);
+}
+
+bool PendingImportFile::forget(const QString &folder, const QString &name)
+{
+    QFile::remove(sourcesPath(folder, name));
+    return QFile::remove(requestPath(folder, name));
+}
+
+PendingImportFile::PendingImportFile(const QString &folder, const QString &name) : m_folder(folder), m_name(name)
+{
+    const std::lock_guard lock(active().mutex);
+    active().paths.insert(requestPath(m_folder, m_name));
+}
+
+PendingImportFile::~PendingImportFile()
+{
+    const std::lock_guard lock(active().mutex);
+    active().paths.remove(requestPath(m_folder, m_name));
+}
+
+std::shared_ptr<PendingImportFile> PendingImportFile::create(const QString &folder, const PendingImport &request,
+                                                             ZQError *error)
+{
+    QDir().mkpath(folder);
+    const QString name = QStringLiteral("%1-%2").arg(QString::number(QDateTime::currentMSecsSinceEpoch()),
+                                                     QUuid::createUuid().toString(QUuid::WithoutBraces));
+    std::shared_ptr<PendingImportFile> file(new PendingImportFile(folder, name));
+    file->m_request = request;
+    return file->write(error) ? file : nullptr;
+}
+
+std::shared_ptr<PendingImportFile> PendingImportFile::open(const QString &folder, const QString &name, ZQError *error)
+{
+    QFile input(requestPath(folder, name));
+    const auto values =
+        input.open(QIODevice::ReadOnly) ? ZQPropertyList::fromData(input.readAll(), error) : std::nullopt;
+    const QVariantMap map = values.value_or(QVariant()).toMap();
+    if (map.value(QStringLiteral("version")).toInt() != formatVersion) {
+        zqSetError(error, ZQError::with(QStringLiteral("zelto.import"), 3,
+                                        zqFormat(zqLocalized("What is left of an import cannot be read: %@."),
+                                                 {input.fileName()}),
+                                        zqLocalized("Import the missing files again, and remove that file.")));
+        return nullptr;
+    }
+    std::shared_ptr<PendingImportFile> file(new PendingImportFile(folder, name));
+    file->m_request = requestFrom(map);
+    return file;
+}
+
+bool PendingImportFile::write(ZQError *error)
+{
+    const auto data = ZQPropertyList::toBinary(valuesOf(m_request), error);
+    return data && zqWriteFileAtomically(requestPath(m_folder, m_name), *data, error);
+}
+
+void PendingImportFile::setGroups(const QList<PendingImport::Group> &groups)
+{
+    m_request.groups = groups;
+    ZQError error;
+    if (!write(&error)) {
+        qCWarning(zqLogImport).noquote() << "An import could not go on where it is if it was cut off:"
+                                         << error.localizedDescription();
+    }
+}
+
+void PendingImportFile::addSources(const QList<Source> &sources)
+{
+    QByteArray lines;
+    for (const Source &source : sources) {
+        const QJsonArray line{source.bundleID, source.path, source.movedPath, source.movedModification};
+        lines += QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
+    }
+    QFile file(sourcesPath(m_folder, m_name));
+    if (!lines.isEmpty() && (!file.open(QIODevice::Append) || file.write(lines) != lines.size() || !file.flush())) {
+        qCWarning(zqLogImport).noquote() << "What was imported could not be noted:" << file.errorString();
+    }
+}
+
+QList<PendingImportFile::Source> PendingImportFile::sources() const
+{
+    QList<Source> sources;
+    QFile file(sourcesPath(m_folder, m_name));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return sources;
+    }
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        const QJsonArray values = QJsonDocument::fromJson(line).array(); // empty for a line that was cut off
+        if (values.size() == 4) {
+            sources.append(
+                {values.at(0).toString(), values.at(1).toString(), values.at(2).toString(), values.at(3).toInteger()});
+        }
+    }
+    return sources;
+}
+
+void PendingImportFile::remove()
+{
+    forget(m_folder, m_name);
+}

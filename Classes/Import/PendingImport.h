@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <memory>
+
+// What an import was asked for.
+struct PendingImport
+{
+    // Files that go into one sidebar item, once the folders of the request have become some.
+    struct Group
+    {
+        QString project; // its identifier text
+        QStringList files;
+    };
+
+    QStringList paths; // in drop order
+    QString target;    // the sidebar item's identifier text; empty: the library
+    quint32 index = 0;
+    QVariantMap metadata;
+    QString archivePath; // what `paths` came out of, and the folder named after it; empty: no archive
+    QString archiveRoot;
+    QList<Group> groups;
+};
+
+// A PendingImport in a file of the bundle, from before the first file is touched until the batch ends; a batch that a
+// killed process leaves can go on from it. Beside it a list of what the batch was about to save: a source is in the
+// library when the store has the item named there. Any thread, one at a time.
+class PendingImportFile
+{
+public:
+    // A source, and the item directory's name it was saved under; empty when the person decided against it.
+    struct Source
+    {
+        QString bundleID;
+        QString path;
+        QString movedPath; // see `ImportedFile`
+        qint64 movedModification = 0;
+    };
+
+    // Those in `folder` that belong to no batch of this process, oldest first; by their names.
+    static QStringList cutOff(const QString &folder);
+    static QDateTime beginning(const QString &name);
+    static bool forget(const QString &folder, const QString &name);
+
+    // Null with an error when it cannot be written, or read.
+    static std::shared_ptr<PendingImportFile> create(const QString &folder, const PendingImport &request,
+                                                     ZQError *error = nullptr);
+    static std::shared_ptr<PendingImportFile> open(const QString &folder, const QString &name,
+                                                   ZQError *error = nullptr);
+    ~PendingImportFile(); // the file stays
+    PendingImportFile(const PendingImportFile &) = delete;
+    PendingImportFile &operator=(const PendingImportFile &) = delete;
+
+    const PendingImport &request() const { return m_request; }
+    void setGroups(const QList<PendingImport::Group> &groups);
+    // Before the save that names them. Reaches the disk with the file system's next flush.
+    void addSources(const QList<Source> &sources);
+    QList<Source> sources() const;
+    void remove();
+
+private:
+    PendingImportFile(const QString &folder, const QString &name);
+    bool write(ZQError *error);
+
+    const QString m_folder;
+    const QString m_name;
+    PendingImport m_request;
+};

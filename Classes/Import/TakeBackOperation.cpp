@@ -1,0 +1,246 @@
+#include "Classes/Import/TakeBackOperation.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportKind.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+#include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+namespace {
+
+constexpr qsizetype atATime = 64; // between two saves
+
+// By its name: "BASE_thumb.jpg" or ".png".
+bool isThumbnail(const QFileInfo &file)
+{
+    const QString name = file.fileName();
+    return name.endsWith(u"_thumb.jpg") || name.endsWith(u"_thumb.png");
+}
+
+QString pathOfDirectory(const QString &name)
+{
+    return ZQLibraryEnvironment::current().libraryDirectory() + u'/' + name;
+}
+
+QString bundleIDOf(const QString &name)
+{
+    return name.chopped(ZQLibraryBaseItem::itemDirectoryExtension.size());
+}
+
+// What the file carries is what the item had. What an import would read out of the picture itself may have been taken
+// away from the item on purpose.
+ImportSettings settingsForTakingBack()
+{
+    ImportSettings settings = ImportSettings::current();
+    settings.importOpenMetaTags = true;
+    settings.importIPTCTags = false;
+    return settings;
+}
+
+} // namespace
+
+TakeBackOperation::TakeBackOperation(const QStringList &names)
+    : m_names(names), m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
+      m_userInteraction(tamberin_AppDelegate::sharedDelegate()->userInteraction())
+{
+}
+
+QString TakeBackOperation::assetInDirectory(const QString &directory)
+{
+    const QFileInfoList entries = QDir(directory).entryInfoList(
+        QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Size | QDir::LocaleAware);
+    for (const QFileInfo &entry : entries) { // the largest first
+        const ImportKind *kind = importKindForPath(entry.filePath());
+        const bool canBeItems = kind && kind->importer != Importer::Archive && kind->importer != Importer::Snap;
+        if (canBeItems && !isThumbnail(entry) && entry.fileName() != ZQLibraryBaseItem::representationBitmapName &&
+            AImportManager::fileAtPathIsSupported(entry.filePath())) {
+            return entry.filePath();
+        }
+    }
+    return {};
+}
+
+void TakeBackOperation::main()
+{
+    if (!m_coordinator || m_names.isEmpty() || isCancelled()) {
+        return;
+    }
+    m_moc = std::make_unique<ZQManagedObjectContext>(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
+    const auto merging = m_moc->observeDidSave([](const ZQContextDidSave &notification) {
+        zqOnMainThreadAndWait([&notification] { AImportManager::sharedAImportManager().mergeChanges(notification); });
+    });
+    const std::weak_ptr<ZQOperation> operation = weak_from_this();
+    m_progress = m_userInteraction.beginProgress(zqLocalized("Taking files of the library back…"),
+                                                 double(m_names.size()), [operation] {
+                                                     if (const auto running = operation.lock()) {
+                                                         running->cancel();
+                                                     }
+                                                 });
+    m_nextImportDate = zqNow();
+    bool isWell = true;
+    for (qsizetype first = 0; isWell && first < m_names.size(); first += atATime) {
+        isWell = takeBack(m_names.mid(first, atATime)) && !isCancelled() && !m_isRefused;
+        m_moc->reset();
+    }
+    m_isComplete = isWell;
+    m_progress.reset();
+    m_moc.reset();
+}
+
+bool TakeBackOperation::takeBack(const QStringList &names)
+{
+    const auto rest = unnamed(names);
+    if (!rest) {
+        return false;
+    }
+    ZQOperationQueue queue(QStringLiteral("Taking back"), 3);
+    const auto token = observe([&queue](Key key) {
+        if (key == Key::IsCancelled) {
+            queue.cancelAllOperations();
+        }
+    });
+    const std::vector<ImportedFile> files = readFiles(*rest, queue);
+    return isCancelled() || insertItems(files);
+}
+
+std::optional<QStringList> TakeBackOperation::unnamed(const QStringList &names)
+{
+    QStringList bundleIDs;
+    for (const QString &name : names) {
+        bundleIDs.append(bundleIDOf(name));
+    }
+    ZQError error;
+    const auto rows =
+        m_moc->fetchDictionaries({ZQLibraryBaseItem::entityName(),
+                                  ZQPredicate::predicateWithFormat(QStringLiteral("bundleID in %@"), {bundleIDs})},
+                                 {QStringLiteral("bundleID")}, &error);
+    if (!rows) {
+        qCWarning(zqLogImport).noquote() << "No item directory is taken back:" << error.localizedDescription();
+        return std::nullopt;
+    }
+    QSet<QString> known;
+    for (const QVariantMap &row : *rows) {
+        known.insert(row.value(QStringLiteral("bundleID")).toString());
+    }
+    QStringList rest = names;
+    rest.removeIf([&known](const QString &name) { return known.contains(bundleIDOf(name)); });
+    return rest;
+}
+
+std::vector<ImportedFile> TakeBackOperation::readFiles(const QStringList &names, ZQOperationQueue &queue)
+{
+    std::vector<ImportedFile> files(std::size_t(names.size()));
+    std::vector<std::shared_ptr<BaseImportOperation>> operations;
+    for (qsizetype i = 0; i < names.size() && !isCancelled(); ++i) {
+        const QString directory = pathOfDirectory(names.at(i));
+        const QString asset = assetInDirectory(directory);
+        const auto operation = asset.isEmpty() ? nullptr : BaseImportOperation::importOperationForFilePath(asset);
+        if (!operation) {
+            qCInfo(zqLogImport).noquote() << "The item directory" << directory
+                                          << "belongs to no item, holds no file of a kind that can be imported, and "
+                                             "stays where it is";
+            continue;
+        }
+        operation->setItemDirectory(directory);
+        operation->setSettings(settingsForTakingBack());
+        operation->setImportDate(m_nextImportDate);
+        operation->setImportData(&files[std::size_t(i)]);
+        operation->setFatherOperation(this);
+        m_nextImportDate = m_nextImportDate.addMSecs(1);
+        operations.push_back(operation);
+        queue.addOperation(operation);
+    }
+    for (const auto &operation : operations) {
+        operation->waitUntilFinished();
+    }
+    return files;
+}
+
+bool TakeBackOperation::insertItems(const std::vector<ImportedFile> &files)
+{
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    QList<ZQRef<ZQLibraryBaseItem>> items;
+    for (const ImportedFile &file : files) {
+        QVariantMap values = file.fileData;
+        const QStringList tags = values.take(QStringLiteral("tags")).toStringList();
+        const QString itemClass = values.take(QStringLiteral("itemClass")).toString();
+        const auto item = values.isEmpty()
+                              ? ZQRef<ZQLibraryBaseItem>()
+                              : zqCast<ZQLibraryBaseItem>(m_moc->insertNewObjectForEntityForName(itemClass));
+        if (!item) {
+            continue;
+        }
+        for (auto value = values.constBegin(); value != values.constEnd(); ++value) {
+            item->setValueForKey(value.value(), value.key());
+        }
+        if (!values.contains(QStringLiteral("rating"))) {
+            item->setRating(qint16(environment.ratingOfFile(file.filePath).value_or(0)));
+        }
+        for (const QString &name : tags) {
+            ZQRef<ZQSidebarTag> tag = ZQSidebarTag::tagWithTagName(name, *m_moc);
+            if (!tag) {
+                tag = ZQSidebarTag::addNewTagWithName(name, *m_moc);
+            }
+            if (tag) {
+                item->addTagsObject(tag.get());
+            }
+        }
+        items.append(item);
+    }
+    if (items.isEmpty()) {
+        return true;
+    }
+    if (const ZQRef<ZQSidebarBaseItem> project = recoveredProject()) {
+        project->addItems(items);
+    }
+    ZQError error;
+    if (!zqSyncFileSystem(environment.libraryDirectory(), &error) || !m_moc->save(&error)) {
+        qCWarning(zqLogImport).noquote() << "Items that were taken back could not be saved:"
+                                         << error.localizedDescription();
+        return false;
+    }
+    m_takenBackCount += items.size();
+    return true;
+}
+
+ZQRef<ZQSidebarBaseItem> TakeBackOperation::recoveredProject()
+{
+    const ZQRef<ZQSidebarBaseItem> projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(*m_moc);
+    if (!projects) {
+        return {};
+    }
+    const QString title = zqLocalized("Recovered");
+    for (const ZQRef<ZQSidebarBaseItem> &child : projects->orderedChildren()) {
+        if (child->isProject() && child->title() == title) {
+            return child;
+        }
+    }
+    const auto project = m_moc->insertNewObject<ZQSidebarProject>();
+    project->setTitle(title);
+    projects->appendChild(project.get());
+    return project;
+}
+
+void TakeBackOperation::fileDidDrop(const DroppedFile &file)
+{
+    qCWarning(zqLogImport).noquote() << "The file" << file.path
+                                     << "belongs to no item and was not taken back:" << file.reason;
+}
+
+void TakeBackOperation::fileDidFinish()
+{
+    m_progress->advanceBy(1);
+}

@@ -1,0 +1,337 @@
+// Moving, opening and creating libraries, and the scratch area.
+
+#include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryMove.h"
+#include "Classes/Application/TemporaryArea.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Tests/Classes/Application/ApplicationFixture.h"
+
+#include <QDirIterator>
+#include <QFile>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+QString written(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? path : QString();
+}
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+}
+
+// A folder that looks like a library, with `count` item directories.
+QString madeLibrary(const QString &path, int count)
+{
+    written(path + QStringLiteral("/storedata"), "store of " + path.toUtf8());
+    for (int i = 0; i < count; ++i) {
+        written(path + QStringLiteral("/Library/%1.ztlibraryitem/%1.png").arg(i), QByteArray::number(i));
+    }
+    return path;
+}
+
+bool isWhole(const QString &library, int count)
+{
+    bool is = QFileInfo::exists(library + QStringLiteral("/storedata"));
+    for (int i = 0; i < count; ++i) {
+        is = is &&
+             contentOf(library + QStringLiteral("/Library/%1.ztlibraryitem/%1.png").arg(i)) == QByteArray::number(i);
+    }
+    return is;
+}
+
+// Another file system than that of the tests' world.
+class OtherVolume
+{
+public:
+    QTemporaryDir folder{QStringLiteral("/dev/shm/zelto-volume-XXXXXX")};
+    bool isOther(const QString &path) const
+    {
+        struct stat one = {};
+        struct stat other = {};
+        return folder.isValid() && ::stat(QFile::encodeName(path).constData(), &one) == 0 &&
+               ::stat(QFile::encodeName(folder.path()).constData(), &other) == 0 && one.st_dev != other.st_dev;
+    }
+};
+
+class LibraryPlaces : public ApplicationTest
+{
+protected:
+    QString inWorld(const QString &name) const { return world.filePath(name); }
+
+    // Moves the open library of a launched application to `destination`, as the person does it.
+    void moveTo(const QString &destination)
+    {
+        const auto delegate = launched();
+        addItem(*delegate, QStringLiteral("kept"));
+        written(delegate->libraryDirectory() + QStringLiteral("/kept.ztlibraryitem/picture.png"), "picture");
+        delegate->saveAction();
+        user.fileToSave = destination;
+        delegate->moveZeltoLibrary();
+        user.fileToSave.reset();
+    }
+    bool holdsTheItem(const QString &library)
+    {
+        return contentOf(library + QStringLiteral("/Library/kept.ztlibraryitem/picture.png")) == "picture" &&
+               QFileInfo::exists(library + QStringLiteral("/storedata"));
+    }
+    // What the next launch opens.
+    QString openedNext() { return application()->libraryBundleDirectory(); }
+};
+
+} // namespace
+
+TEST_F(LibraryPlaces, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
+{
+    const OtherVolume volume;
+    ASSERT_TRUE(volume.isOther(world.path())) << "/dev/shm is needed as a second file system";
+    qsizetype moves = 0; // each adds an item
+    for (const QString &destination :
+         {inWorld(QStringLiteral("moved/Mine.ztlibrary")), volume.folder.filePath(QStringLiteral("Far.ztlibrary"))}) {
+        SCOPED_TRACE(qPrintable(destination));
+        QDir().mkpath(QFileInfo(destination).path());
+        const QString before = openedNext();
+        moveTo(destination);
+        EXPECT_TRUE(user.errors.isEmpty());
+        EXPECT_TRUE(holdsTheItem(destination));
+        EXPECT_FALSE(QFileInfo::exists(before));
+        EXPECT_EQ(openedNext(), destination);
+        EXPECT_TRUE(QDir(QFileInfo(destination).path())
+                        .entryList({QStringLiteral("*.moving-*")}, QDir::AllEntries | QDir::Hidden)
+                        .isEmpty());
+        const auto delegate = application();
+        ASSERT_TRUE(delegate->managedObjectContext());
+        EXPECT_EQ(delegate->managedObjectContext()->fetch<ZQLibraryImage>({ZQLibraryImage::entityName()})->size(),
+                  ++moves);
+    }
+}
+
+TEST_F(LibraryPlaces, AMoveOntoIntoOrAroundItselfIsRefusedAndChangesNothing)
+{
+    const QString real = inWorld(QStringLiteral("real"));
+    QDir().mkpath(real);
+    const QString around = inWorld(QStringLiteral("Around.ztlibrary"));
+    QDir().mkpath(around);
+    ASSERT_TRUE(QFile::link(real, inWorld(QStringLiteral("link"))));
+    const QString source = madeLibrary(real + QStringLiteral("/Mine.ztlibrary"), 3);
+    const QString nested = madeLibrary(around + QStringLiteral("/Mine.ztlibrary"), 3);
+    ASSERT_TRUE(QFile::link(source, inWorld(QStringLiteral("Alias.ztlibrary"))));
+    QDir().mkpath(inWorld(QStringLiteral("xdg_data_home/Trash/files")));
+
+    struct Case
+    {
+        QString source, destination;
+        LibraryMove::ErrorCode code;
+    };
+    const Case cases[] = {
+        {source, source, LibraryMove::SamePlace},
+        {source, inWorld(QStringLiteral("link/Mine.ztlibrary")), LibraryMove::SamePlace},
+        {source, inWorld(QStringLiteral("Alias.ztlibrary")), LibraryMove::SamePlace},
+        {source, inWorld(QStringLiteral("link/../link/./Mine.ztlibrary")), LibraryMove::SamePlace},
+        {source, source + QStringLiteral("/Library/New.ztlibrary"), LibraryMove::InsideLibrary},
+        {source, inWorld(QStringLiteral("Alias.ztlibrary/Library/New.ztlibrary")), LibraryMove::InsideLibrary},
+        {nested, around, LibraryMove::AroundLibrary},
+        {source, inWorld(QStringLiteral("nowhere/New.ztlibrary")), LibraryMove::NoFolder},
+        {source, inWorld(QStringLiteral("xdg_data_home/Trash/files/New.ztlibrary")), LibraryMove::InTrash},
+    };
+    for (const Case &each : cases) {
+        SCOPED_TRACE(qPrintable(each.destination));
+        ZQError error;
+        EXPECT_FALSE(LibraryMove::move(each.source, each.destination, {}, &error));
+        EXPECT_EQ(error.code, each.code);
+        EXPECT_TRUE(isWhole(source, 3) && isWhole(nested, 3));
+        EXPECT_TRUE(tamberin_AppDelegate::loadLibraryURL().isEmpty());
+    }
+}
+
+TEST_F(LibraryPlaces, WhatStandsAtTheDestinationGoesToTheTrashAndOnlyWhenThePersonAgrees)
+{
+    const QString destination = inWorld(QStringLiteral("Old.ztlibrary"));
+    madeLibrary(destination, 2);
+    moveTo(destination); // nobody answers
+    EXPECT_TRUE(isWhole(destination, 2));
+    EXPECT_TRUE(holdsTheItem(defaultBundle()));
+
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    moveTo(destination);
+    EXPECT_TRUE(holdsTheItem(destination));
+    bool isInTrash = false;
+    for (QDirIterator it(inWorld(QStringLiteral("xdg_data_home/Trash/files")), QDir::Dirs); it.hasNext();) {
+        isInTrash = isWhole(it.next(), 2) || isInTrash;
+    }
+    EXPECT_TRUE(isInTrash);
+}
+
+TEST_F(LibraryPlaces, AKillWhileTheLibraryIsCopiedLeavesItWhereItWas)
+{
+    const OtherVolume volume;
+    ASSERT_TRUE(volume.isOther(world.path())) << "/dev/shm is needed as a second file system";
+    const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 20);
+    ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(source));
+    const QString destination = volume.folder.filePath(QStringLiteral("Far.ztlibrary"));
+    for (const int lastCopied : {1, 10, 20}) {
+        SCOPED_TRACE(lastCopied);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            int copied = 0;
+            LibraryMove::Progress progress;
+            progress.didCopy = [&](double, double) {
+                if (++copied == lastCopied) {
+                    ::raise(SIGKILL);
+                }
+            };
+            LibraryMove::move(source, destination, progress, nullptr);
+            ::_exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "it was to be interrupted";
+        ZQUserDefaults::standardUserDefaults().synchronize();
+
+        EXPECT_TRUE(isWhole(source, 20));
+        const auto delegate = application();
+        EXPECT_EQ(delegate->libraryBundleDirectory(), source);
+        const QStringList half = QDir(volume.folder.path()).entryList({QStringLiteral("*.moving-*")}, QDir::Dirs);
+        EXPECT_EQ(half.size(), 1);
+        ZQError error;
+        ASSERT_TRUE(delegate->lockLibrary(&error));
+        EXPECT_TRUE(QDir(volume.folder.path()).isEmpty()); // the half of a copy is gone
+        EXPECT_TRUE(isWhole(source, 20));
+    }
+}
+
+TEST_F(LibraryPlaces, AKillRightAfterTheRenamingLeavesALibraryThatIsFound)
+{
+    const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 3);
+    const QString destination = inWorld(QStringLiteral("far/away/Mine.ztlibrary"));
+    ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(source));
+    const QVariantMap intent{{QStringLiteral("from"), source}, {QStringLiteral("to"), destination}};
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(intent, QStringLiteral("ZeltoLibraryMove"));
+    EXPECT_EQ(openedNext(), source); // before it
+
+    QDir().mkpath(QFileInfo(destination).path());
+    ASSERT_TRUE(QDir().rename(source, destination));
+    EXPECT_EQ(openedNext(), destination);
+    ZQError error;
+    ASSERT_TRUE(application()->lockLibrary(&error));
+    EXPECT_FALSE(ZQUserDefaults::standardUserDefaults().objectForKey(QStringLiteral("ZeltoLibraryMove")).isValid());
+    EXPECT_EQ(openedNext(), destination);
+}
+
+TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)
+{
+    const QString library = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 1);
+    ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(library));
+    written(inWorld(QStringLiteral("File.ztlibrary")), "no folder");
+    const QString trashed = madeLibrary(inWorld(QStringLiteral("xdg_data_home/Trash/files/Gone.ztlibrary")), 1);
+    const auto delegate = launched();
+    const QStringList refused{inWorld(QStringLiteral("Missing.ztlibrary")), inWorld(QStringLiteral("File.ztlibrary")),
+                              trashed};
+    for (const QString &path : refused) {
+        SCOPED_TRACE(qPrintable(path));
+        user.errors.clear();
+        delegate->openFiles({path});
+        user.filesToOpen = {path};
+        delegate->openZeltoLibrary();
+        EXPECT_EQ(user.errors.size(), 2);
+        EXPECT_EQ(tamberin_AppDelegate::loadLibraryURL(), library);
+    }
+    EXPECT_TRUE(user.questions.isEmpty());
+
+    // One that was put into this desktop's trash after it was remembered.
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(zqDataForPersistentURL(trashed),
+                                                           QStringLiteral("ZeltoLibraryLocation"));
+    EXPECT_TRUE(tamberin_AppDelegate::loadLibraryURL().isEmpty());
+}
+
+TEST_F(LibraryPlaces, ANewLibraryIsMadeAndRemembered)
+{
+    const auto delegate = launched();
+    user.fileToSave = inWorld(QStringLiteral("Fresh"));
+    delegate->newZeltoLibrary();
+    EXPECT_EQ(openedNext(), inWorld(QStringLiteral("Fresh.ztlibrary")));
+    delegate->newZeltoLibrary(); // its place is taken
+    EXPECT_EQ(user.errors.size(), 1);
+}
+
+TEST_F(LibraryPlaces, AnotherProcessKeepsItsScratchFolders)
+{
+    const QString mine = TemporaryArea::newFolder();
+    ASSERT_FALSE(mine.isEmpty());
+    int ready[2];
+    int done[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    ASSERT_EQ(::pipe(done), 0);
+    const pid_t other = ::fork();
+    if (other == 0) {
+        ::close(done[1]);
+        // A descriptor of its own, as a process that was not forked has one.
+        const int folder = ::open(QFile::encodeName(QFileInfo(mine).path()).constData(), O_RDONLY | O_DIRECTORY);
+        const bool isLocked = ::flock(folder, LOCK_SH) == 0;
+        char byte = isLocked ? 'y' : 'n';
+        ::write(ready[1], &byte, 1) == 1 && ::read(done[0], &byte, 1);
+        ::_exit(0);
+    }
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    ASSERT_EQ(byte, 'y');
+    EXPECT_EQ(TemporaryArea::takeForRemoval(), QStringList{mine}); // only what this process made
+
+    const QString later = TemporaryArea::newFolder();
+    ::close(done[1]);
+    ASSERT_EQ(::waitpid(other, nullptr, 0), other);
+
+    const QString usual = TemporaryArea::folder();
+    const QStringList removable = TemporaryArea::takeForRemoval();
+    ASSERT_EQ(removable.size(), 1);
+    EXPECT_NE(removable.first(), usual);
+    EXPECT_TRUE(QFileInfo::exists(removable.first() + u'/' + QFileInfo(later).fileName()));
+    EXPECT_FALSE(QFileInfo::exists(usual));
+}
+
+TEST_F(LibraryPlaces, AScratchFolderThatIsNotThePersonsOwnIsLeftAlone)
+{
+    const QString usual = QFile::decodeName(qgetenv("TMPDIR")) + QStringLiteral("/ZeltoTemporaryFolder");
+    const QString elsewhere = inWorld(QStringLiteral("elsewhere"));
+    QDir().mkpath(elsewhere);
+    QDir().mkpath(QFileInfo(usual).path());
+    const QByteArray name = QFile::encodeName(usual);
+    const std::function<void()> traps[] = {
+        [&] { ASSERT_TRUE(QFile::link(elsewhere, usual)); },
+        [&] { written(usual, "a file"); },
+        [&] {
+            ASSERT_EQ(::mkdir(name.constData(), 0700), 0);
+            ASSERT_EQ(::chmod(name.constData(), 0777), 0); // anybody may have put something in
+        },
+        [&] {
+            ASSERT_EQ(::mkdir(name.constData(), 0700), 0);
+            ASSERT_TRUE(::geteuid() != 0 || ::chown(name.constData(), 12345, 12345) == 0);
+            ASSERT_TRUE(::geteuid() == 0 || ::chmod(name.constData(), 0777) == 0);
+        },
+    };
+    for (const auto &trap : traps) {
+        QFile::remove(usual);
+        QDir(usual).removeRecursively();
+        trap();
+        TemporaryArea::takeForRemoval(); // lets go of the folder of before
+        const QString folder = TemporaryArea::newFolder();
+        EXPECT_NE(QFileInfo(folder).path(), usual);
+        EXPECT_TRUE(folder.contains(QStringLiteral("ZeltoTemporaryFolder"))); // imports know it by this
+        struct stat status = {};
+        ASSERT_EQ(::stat(QFile::encodeName(QFileInfo(folder).path()).constData(), &status), 0);
+        EXPECT_EQ(status.st_mode & ALLPERMS, mode_t(0700));
+        EXPECT_EQ(status.st_uid, ::geteuid());
+        EXPECT_TRUE(QDir(elsewhere).isEmpty());
+    }
+}
