@@ -13,7 +13,6 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -96,7 +95,8 @@ std::optional<int> ModelEnvironment::ratingOfFile(const QString &path)
 std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &path, const ZQFileTags &present)
 {
     ZQError error;
-    const auto file = FileTagsMerge::ofFile(path, valuesOf(present), FileTagsMerge::Unknown::TakesFile, false, &error);
+    const auto file =
+        FileTagsMerge::ofFile(path, valuesOf(present), FileTagsMerge::Unknown::TakesFile, present.isFirst, &error);
     if (!file) {
         qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not read:" << error.localizedDescription();
         return std::nullopt;
@@ -107,7 +107,7 @@ std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &
 void ModelEnvironment::didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags)
 {
     if (writesTagsToFiles()) {
-        queueMerging(bundleID, false, path, tags);
+        queueMerging(bundleID, path, tags);
     }
 }
 
@@ -146,35 +146,27 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
 {
-    // A file of an item directory is an item's own, and asked for by an import that saved it before; any other is a
-    // copy that left the library.
-    static const QRegularExpression inDirectory(QStringLiteral("/([^/]+)\\.ztlibraryitem/[^/]+$"));
-    const QRegularExpressionMatch match = inDirectory.match(path);
-    if (match.hasMatch() && path.startsWith(m_delegate.libraryDirectory() + u'/')) {
-        queueMerging(match.captured(1), true, path, tags);
-        return;
-    }
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(
         path, tags.tags, tags.comment.isNull() ? std::nullopt : std::optional(tags.comment), {}, tags.rating);
 }
 
 void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags)
 {
-    queueMerging(bundleID, false, path, tags);
+    queueMerging(bundleID, path, tags);
 }
 
-void ModelEnvironment::queueMerging(const QString &bundleID, bool isFirst, const QString &path, const ZQFileTags &tags)
+void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags)
 {
     TagFileWriter::Merge merge{.path = path,
                                .library = valuesOf(tags),
                                .takesRating = !tags.rating,
                                .ratingIsMeant = tags.ratingIsMeant,
-                               .isFirst = isFirst,
+                               .isFirst = tags.isFirst,
                                .willTouch = {},
                                .adopt = {},
                                .done = {}};
     if (m_journal) {
-        const qint64 line = m_journal->willWrite(bundleID, isFirst); // what an import wrote is saved
+        const qint64 line = m_journal->willWrite(bundleID, tags.isSaved);
         merge.willTouch = [journal = m_journal, line] { journal->bringToDisk(line); };
         merge.done = [journal = m_journal] { journal->didWrite(); };
     }

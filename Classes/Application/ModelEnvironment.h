@@ -27,7 +27,6 @@ public:
     std::optional<ZQFileTags> tagsAfterReadingFile(const QString &path, const ZQFileTags &present) override;
     void didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
-    using ZQLibraryEnvironment::writeTagsToFile;
     void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     bool writesTagsToFiles() override;
@@ -38,7 +37,7 @@ public:
     void closeTagFiles();
 
 private:
-    void queueMerging(const QString &bundleID, bool isFirst, const QString &path, const ZQFileTags &tags);
+    void queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags);
 
     tamberin_AppDelegate &m_delegate;
     std::shared_ptr<TagFileJournal> m_journal;

@@ -280,7 +280,9 @@ void ImportOperation::completeItems()
             removeSource(created.movedPath, created.movedModification);
         }
         if (writesTags) {
-            environment.writeTagsToFile(created.filePath, created.tags, created.notes);
+            environment.writeTagsToFileOfItem(
+                created.bundleID, created.filePath,
+                {.tags = created.tags, .comment = created.notes, .rating = {}, .isFirst = true, .isSaved = true});
         }
     }
 }

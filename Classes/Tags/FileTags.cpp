@@ -242,6 +242,7 @@ std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const Fi
                                                    bool ignoresSeen, ZQError *error)
 {
     const PathLock lock(path);
+    ignoresSeen = ignoresSeen || (unknown == Unknown::TakesFile && library.isEmpty());
     const std::optional<SeenFileTags> record = ignoresSeen ? std::nullopt : SeenFileTags::ofFile(path);
     std::optional<SeenFileTags> seen = record;
     if (!seen && !ignoresSeen) { // before reading, which may bring the backup up to date

@@ -3,6 +3,7 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/PathLock.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -168,6 +169,7 @@ void TagFileWriter::replace(const QString &path, const QStringList &tags, const 
     if (rating) {
         putRating(path, *rating, OpenMeta::getRating(path));
     }
+    ZQExtendedAttributes::remove(path, SeenFileTags::attributeName); // of the file that this one is a copy of
 }
 
 void TagFileWriter::writeTagsToFile(const QString &path, const QStringList &tags, const std::optional<QString> &notes,

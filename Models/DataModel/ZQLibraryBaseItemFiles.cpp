@@ -415,7 +415,9 @@ bool ZQLibraryBaseItem::readOpenMetaFromDisk()
 {
     const QString path = itemURL();
     ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
-    const auto read = path.isEmpty() ? std::nullopt : environment.tagsAfterReadingFile(path, fileTags());
+    ZQFileTags present = fileTags();
+    present.isFirst = isInserted();
+    const auto read = path.isEmpty() ? std::nullopt : environment.tagsAfterReadingFile(path, present);
     if (!read) {
         return false;
     }
@@ -430,7 +432,10 @@ bool ZQLibraryBaseItem::readOpenMetaFromDisk()
     }
     if (didChange) {
         metadataDidComeFromFile();
-        environment.didTakeInTagsOfFile(bundleID(), path, fileTags());
+        const bool isFirst = present.isFirst;
+        present = fileTags();
+        present.isFirst = isFirst;
+        environment.didTakeInTagsOfFile(bundleID(), path, present);
     }
     return didChange;
 }

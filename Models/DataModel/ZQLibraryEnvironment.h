@@ -19,6 +19,8 @@ struct ZQFileTags
     QString comment;            // null: the file's stays
     std::optional<int> rating;  // 0 to 5 stars; nothing: the file's stays
     bool ratingIsMeant = false; // given just now: it replaces the file's, whatever that is
+    bool isFirst = false;       // the item is new: whatever a record in the file says, it is of another one
+    bool isSaved = false;       // the store has them on the disk
 };
 
 // What the entities need from the application they live in. The application installs its own at launch, a test a
@@ -51,10 +53,6 @@ public:
 
     // Queues writing to a file; returns at once.
     virtual void writeTagsToFile(const QString &path, const ZQFileTags &tags) = 0;
-    void writeTagsToFile(const QString &path, const QStringList &tags, const QString &comment)
-    {
-        writeTagsToFile(path, {tags, comment, {}});
-    }
     // The same for a library item's own file: what other programs changed there stays, and what is interrupted is done
     // again at the next launch. `bundleID` is the item's.
     virtual void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags);

@@ -229,3 +229,24 @@ TEST_F(FileTagsTest, AFirstWriteTrustsNoRecord)
     write({list("a icon b"), {}, 0});
     EXPECT_EQ(sorted(), list("a b icon"));
 }
+
+// An item that is made again of a file, after its store was lost, holds nothing yet.
+TEST_F(FileTagsTest, AnItemMadeAnewTakesAllThatTheFileSays)
+{
+    write({list("a b"), QStringLiteral("noted"), 4});
+    ZQError error;
+    const auto read = FileTagsMerge::ofFile(path, {}, FileTagsMerge::Unknown::TakesFile, false, &error);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->merged.tags, list("a b"));
+    EXPECT_EQ(read->merged.comment, QStringLiteral("noted"));
+    EXPECT_EQ(read->merged.rating, 4);
+}
+
+TEST_F(FileTagsTest, ACopyThatLeavesTheLibraryCarriesNoRecord)
+{
+    write({list("a"), {}, 0});
+    TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, list("a"), QStringLiteral("noted"), {}, 5);
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_FALSE(raw(path, SeenFileTags::attributeName));
+    EXPECT_EQ(OpenMeta::getRating(path), 5);
+}

@@ -1,4 +1,5 @@
-"""Kills the program while it tags many items, starts it again, and compares store and files.
+"""Kills the program while it tags many items, has another program tag some of the files, starts it again, and compares
+store and files: they agree, and the other program's tags are in both.
 
 kill_test.py ZELTO ROUNDS [SEED]; exit status 77 where the file system keeps no attributes.
 """
@@ -35,9 +36,16 @@ def same(tags):
     return sorted(unicodedata.normalize("NFC", tag) for tag in tags)
 
 
+TAGS = "user.com.apple.metadata:kMDItemOMUserTags"
+
+
+def tag_from_outside(path, tag):
+    os.setxattr(path, TAGS, plistlib.dumps(file_tags(path) + [tag], fmt=plistlib.FMT_BINARY))
+
+
 def file_tags(path):
     try:
-        return plistlib.loads(os.getxattr(path, "user.com.apple.metadata:kMDItemOMUserTags"))
+        return plistlib.loads(os.getxattr(path, TAGS))
     except OSError:
         return []
 
@@ -54,18 +62,26 @@ try:
     items = json.loads(run("items", "--json"))
     assert len(items) == ITEMS, len(items)
     names = [item["bundleID"] for item in items]
+    foreign = []  # (bundleID, tag) that another program gave
     start = time.monotonic()
     run("tag", *names, "--add", "first")
     took = time.monotonic() - start
     generator = random.Random(seed)
     interrupted = 0
+    pending = f"{world}/Test.ztlibrary/pending-tags"
     for number in range(rounds):
         process = subprocess.Popen(command("tag", *names, "--add", f"round {number}", "--remove", f"round {number - 1}" if number % 2 else "first"),
                                    env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        time.sleep(took * generator.uniform(0.2, 1))
+        while process.poll() is None and os.path.getsize(pending) == 0:  # until it is about to write
+            time.sleep(0.001)
+        time.sleep(took * generator.uniform(0, 0.3))
         process.send_signal(signal.SIGKILL)
         process.wait()
-        interrupted += os.path.getsize(f"{world}/Test.ztlibrary/pending-tags") > 0
+        interrupted += os.path.getsize(pending) > 0
+        for item in generator.sample(items, 10):
+            tag_from_outside(item["itemPath"], f"theirs {number}")
+            foreign.append((item["bundleID"], f"theirs {number}"))
+        run("tag", *names, "--add", f"after {number}")  # so that every file is written to
         for name in ("first", f"round {number}"):  # what the next round removes exists
             run("tag", names[0], "--add", name)
         after = json.loads(run("items", "--json"))
@@ -74,7 +90,12 @@ try:
         if different:
             print(f"round {number} (seed {seed}): {len(different)} files differ from the store, the first: {different[0]}")
             sys.exit(1)
-        assert os.path.getsize(f"{world}/Test.ztlibrary/pending-tags") == 0, "the journal is not emptied"
+        tags = {item["bundleID"]: item["tags"] for item in after}
+        lost = [(name, tag) for name, tag in foreign if tag not in tags[name]]
+        if lost:
+            print(f"round {number} (seed {seed}): {len(lost)} tags of another program are lost, the first: {lost[0]}")
+            sys.exit(1)
+        assert os.path.getsize(pending) == 0, "the journal is not emptied"
     print(f"{rounds} rounds, {interrupted} of them killed with writes pending: store and files agree")
 finally:
     shutil.rmtree(world, ignore_errors=True)
