@@ -149,6 +149,18 @@ bool isPartReadable(const ZQDecodeRequest &request, VipsImage *header)
     return readable;
 }
 
+// A truncated PNG with zeros after its end: the codec reads in blocks and gives up one that is not whole, which is all
+// there is of a small file.
+ZQSourceFile withRoomAfterEnd(const ZQSourceFile &file, VipsImage *header)
+{
+    constexpr qsizetype blockBytes = 64 * 1024;
+    QFile device;
+    if (!loaderOf(header).startsWith("pngload") || !file.openIn(device)) {
+        return file;
+    }
+    return ZQSourceFile::ofBytes(device.readAll() + QByteArray(blockBytes, '\0'), file.name());
+}
+
 ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
     const ZQVipsSource source = zqVipsSource(request.file);
@@ -188,9 +200,13 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
     if (bitmap.isNull() && hasProfile) {
         bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, Profile::Ignore});
     }
-    if (bitmap.isNull() && isPartReadable(request, header.get())) {
-        bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_NONE, Profile::Ignore});
-        bitmap.setIncomplete(true);
+    if (bitmap.isNull()) {
+        ZQDecodeRequest part = request;
+        part.file = withRoomAfterEnd(request.file, header.get());
+        if (isPartReadable(part, header.get())) {
+            bitmap = decodePass(header.get(), part, {VIPS_FAIL_ON_NONE, Profile::Ignore});
+            bitmap.setIncomplete(true);
+        }
     }
     if (bitmap.isNull()) {
         zqSetError(error, zqDamagedError(request.file.name()));
