@@ -81,19 +81,24 @@ void printReport(const ImportReport &report, CommandContext &context)
 {
     if (context.json) {
         QJsonArray dropped;
+        QJsonArray incomplete;
         for (const DroppedFile &file : report.dropped()) {
-            dropped.append(QJsonObject{{QStringLiteral("path"), file.path}, {QStringLiteral("reason"), file.reason}});
+            QJsonArray &list = file.isImportedInPart() ? incomplete : dropped;
+            list.append(QJsonObject{{QStringLiteral("path"), file.path}, {QStringLiteral("reason"), file.reason}});
         }
         context.printJSON(
             QJsonObject{{QStringLiteral("imported"), QJsonArray::fromStringList(report.imported())},
                         {QStringLiteral("dropped"), dropped},
+                        {QStringLiteral("incomplete"), incomplete},
                         {QStringLiteral("notifications"), QJsonArray::fromStringList(report.notifications())}});
         return;
     }
     const qsizetype count = report.imported().size();
     context.print(count == 1 ? zqLocalized("1 item imported") : zqFormat(zqLocalized("%d items imported"), {count}));
     for (const DroppedFile &file : report.dropped()) {
-        context.print(zqFormat(zqLocalized("not imported: %@: %@"), {file.path, file.reason}));
+        const QString format =
+            file.isImportedInPart() ? zqLocalized("imported in part: %@: %@") : zqLocalized("not imported: %@: %@");
+        context.print(zqFormat(format, {file.path, file.reason}));
     }
     for (const QString &text : report.notifications()) {
         context.print(text);

@@ -217,8 +217,17 @@ void BaseImportOperation::drop(const QString &reason)
 void BaseImportOperation::tell(const QString &reason, DroppedFile::Telling telling)
 {
     if (m_batch && !m_isTold && !isCancelled()) {
-        m_isTold = true;
+        m_isTold = telling != DroppedFile::Telling::InWindowIncomplete; // it may be dropped yet
         m_batch->fileDidDrop({m_sourcePath, reason, telling});
+    }
+}
+
+// The item stays: what is there of the picture may be all that a person has of it.
+void BaseImportOperation::tellIfIncomplete(const ZQBitmap &bitmap)
+{
+    if (bitmap.isIncomplete()) {
+        tell(zqLocalized("It is incomplete: only a part of it can be drawn. Import it again from where it came."),
+             DroppedFile::Telling::InWindowIncomplete);
     }
 }
 
@@ -404,6 +413,7 @@ void BaseImportOperation::createThumbForItem()
     } else {
         m_thumbnailPath = makeThumbnail(&error);
     }
+    tellIfIncomplete(m_representationBitmap.isNull() ? m_thumbnail : m_representationBitmap);
     if (showsFileItself && !m_thumbnail.isNull()) {
         return;
     }

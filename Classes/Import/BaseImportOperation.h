@@ -98,6 +98,7 @@ protected:
     // Ends this file's import.
     void drop(const QString &reason);
     void dropForError(const ZQError &error);
+    void tellIfIncomplete(const ZQBitmap &bitmap);
     // Writes "___itemBitmap.png" and keeps the bitmap for the thumbnail. False when that dropped the file.
     bool writeRepresentationBitmap(const ZQBitmap &bitmap, const char *invalidMessage, const ZQError &error);
 

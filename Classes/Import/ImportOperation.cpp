@@ -201,7 +201,7 @@ void ImportOperation::beginProgress()
 
 void ImportOperation::fileDidDrop(const DroppedFile &file)
 {
-    {
+    if (file.telling != DroppedFile::Telling::InWindowIncomplete) {
         const std::lock_guard lock(m_mutex);
         if (m_droppedPaths.contains(file.path)) {
             return;

@@ -383,29 +383,58 @@ void ImportOperation::tellResult(bool wasCancelled)
     }
 }
 
-void ImportOperation::tellDropped()
+namespace {
+
+QString textForDropped(const QList<DroppedFile> &told)
 {
-    QList<DroppedFile> told = m_report.dropped();
-    told.removeIf([](const DroppedFile &file) { return file.telling == DroppedFile::Telling::Quietly; });
-    if (told.isEmpty()) {
-        return;
-    }
     const DroppedFile &first = told.first();
     const QString name = QFileInfo(first.path).fileName();
-    QString text;
     if (told.size() == 1) {
-        text = zqFormat(first.telling == DroppedFile::Telling::InWindowPartly
+        return zqFormat(first.telling == DroppedFile::Telling::InWindowPartly
                             ? zqLocalized("“%@” was imported in part: %@")
                             : zqLocalized("“%@” could not be imported: %@"),
                         {name, first.reason});
-    } else if (std::all_of(told.begin(), told.end(),
-                           [&first](const auto &file) { return file.reason == first.reason; })) {
-        text = zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), first.reason});
-    } else {
-        text = zqFormat(zqLocalized("%d files could not be imported. The first is “%@”: %@"),
-                        {told.size(), name, first.reason});
     }
-    notify(text, browserPosition, 6.0);
+    if (std::all_of(told.begin(), told.end(), [&first](const auto &file) { return file.reason == first.reason; })) {
+        return zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), first.reason});
+    }
+    return zqFormat(zqLocalized("%d files could not be imported. The first is “%@”: %@"),
+                    {told.size(), name, first.reason});
+}
+
+QString textForIncomplete(const QList<DroppedFile> &told)
+{
+    const QString name = QFileInfo(told.first().path).fileName();
+    return told.size() == 1
+               ? zqFormat(zqLocalized("“%@” is incomplete: only a part of it can be drawn"), {name})
+               : zqFormat(
+                     zqLocalized("%d pictures are incomplete: only a part of each can be drawn. The first is “%@”"),
+                     {told.size(), name});
+}
+
+} // namespace
+
+void ImportOperation::tellDropped()
+{
+    QList<DroppedFile> dropped;
+    QList<DroppedFile> incomplete;
+    for (const DroppedFile &file : m_report.dropped()) {
+        if (file.telling == DroppedFile::Telling::InWindowIncomplete) {
+            incomplete.append(file);
+        } else if (file.telling != DroppedFile::Telling::Quietly) {
+            dropped.append(file);
+        }
+    }
+    QStringList texts;
+    if (!dropped.isEmpty()) {
+        texts.append(textForDropped(dropped));
+    }
+    if (!incomplete.isEmpty()) {
+        texts.append(textForIncomplete(incomplete));
+    }
+    if (!texts.isEmpty()) {
+        notify(texts.join(u'\n'), browserPosition, 6.0);
+    }
 }
 
 void ImportOperation::notify(const QString &text, int position, double seconds)

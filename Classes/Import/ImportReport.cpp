@@ -34,11 +34,18 @@ void ImportReport::setOrigin(const QString &folder, const QString &shownAs)
 void ImportReport::addDropped(const DroppedFile &file)
 {
     const std::lock_guard lock(m_mutex);
-    m_dropped.append(file);
-    QString &path = m_dropped.last().path;
+    DroppedFile shown = file;
+    QString &path = shown.path;
     if (!m_originFolder.isEmpty() && (path == m_originFolder || path.startsWith(m_originFolder + u'/'))) {
         path.replace(0, m_originFolder.size(), m_originShownAs);
     }
+    if (m_incomplete.remove(path)) {
+        m_dropped.removeIf([&path](const DroppedFile &earlier) { return earlier.path == path; });
+    }
+    if (shown.telling == DroppedFile::Telling::InWindowIncomplete) {
+        m_incomplete.insert(path);
+    }
+    m_dropped.append(shown);
 }
 
 void ImportReport::addNotification(const QString &text)

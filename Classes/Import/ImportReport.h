@@ -1,22 +1,29 @@
 #pragma once
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <mutex>
 
-// A file that was asked for and did not become an item, with a sentence that says why and what to do.
+// A file that was asked for and did not become an item, or not wholly, with a sentence that says why and what to do.
 struct DroppedFile
 {
     enum class Telling {
-        InWindow,       // a person at the window is told
-        InWindowPartly, // too; the rest of an archive was taken
+        InWindow,           // a person at the window is told
+        InWindowPartly,     // too; the rest of an archive was taken
+        InWindowIncomplete, // too; the picture was imported, but only a part of it can be drawn
         Quietly, // only who asks for the report: kinds nobody expected to be taken, duplicates the person decided about
     };
     QString path;
     QString reason;
     Telling telling = Telling::InWindow;
+
+    bool isImportedInPart() const
+    {
+        return telling == Telling::InWindowPartly || telling == Telling::InWindowIncomplete;
+    }
 };
 
 // What became of one batch. Filled while it runs; any thread.
@@ -30,6 +37,7 @@ public:
     // From then on a path below `folder` is reported as one below `shownAs`: what lies there has no place of its own.
     void setOrigin(const QString &folder, const QString &shownAs);
     void setImported(const QStringList &bundleIDs);
+    // What is said last of a path that is incomplete counts: the import may go on with it and drop it later.
     void addDropped(const DroppedFile &file);
     void addNotification(const QString &text);
 
@@ -39,5 +47,6 @@ private:
     QString m_originShownAs;
     QStringList m_imported;
     QList<DroppedFile> m_dropped;
+    QSet<QString> m_incomplete; // the paths among them
     QStringList m_notifications;
 };

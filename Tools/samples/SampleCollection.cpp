@@ -299,8 +299,8 @@ void addBroken(Writer &writer, const QImage &scene)
                [&scene](const QString &path) { return SampleFormats::writeJPEG(scene, path); });
     writer.addBytes(QStringLiteral("Broken/most-there.jpg"), QStringLiteral("JPEG cut at nine tenths"),
                     jpeg.left(jpeg.size() * 9 / 10));
-    writer.addBytes(QStringLiteral("Broken/hardly-there.jpg"), QStringLiteral("JPEG cut at a fifth"),
-                    jpeg.left(jpeg.size() / 5));
+    writer.addBytes(QStringLiteral("Broken/hardly-there.jpg"), QStringLiteral("JPEG cut before its first row"),
+                    jpeg.left(jpeg.indexOf("\xff\xda") + 14));
     writer.addBytes(QStringLiteral("Broken/empty.png"), QStringLiteral("0 bytes"), {});
     writer.addBytes(QStringLiteral("Broken/text.jpg"), QStringLiteral("text, no picture"), "This is no picture.\n");
     writer.addBytes(QStringLiteral("Broken/claims-much.png"), QStringLiteral("header of 100000 x 100000, no data"),

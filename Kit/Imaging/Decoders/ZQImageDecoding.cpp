@@ -107,6 +107,11 @@ bool zqCheckSize(const QString &name, qint64 width, qint64 height, qint64 limit,
     return true;
 }
 
+bool zqIsPartOfPicture(qint64 rows, qint64 height)
+{
+    return rows > 0 && rows * 100 >= height;
+}
+
 namespace {
 
 bool isSVG(const ZQSourceFile &source)

@@ -34,7 +34,12 @@ QSize zqFittedSize(QSize size, const ZQDecodeRequest &request);
 // Whether a picture of that size may be decoded; fills `error` when not.
 bool zqCheckSize(const QString &name, qint64 width, qint64 height, qint64 limit, ZQError *error);
 
-// One way of decoding. Both functions fill `error` when they fail.
+// Whether what is there of a damaged picture is a part worth drawing: a hundredth of its rows. One whose header
+// promises much more than its file holds is refused before memory is taken for it.
+bool zqIsPartOfPicture(qint64 rows, qint64 height);
+
+// One way of decoding. Both functions fill `error` when they fail. What of a damaged picture cannot be read is left
+// empty, and the bitmap says that it is incomplete.
 struct ZQDecoder
 {
     std::optional<ZQImageProperties> (*properties)(const ZQSourceFile &file, ZQError *error);

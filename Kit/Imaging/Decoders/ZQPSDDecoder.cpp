@@ -135,10 +135,10 @@ std::optional<Document> readDocument(QFile &file, const ZQSourceFile &source, ZQ
     return out;
 }
 
-// Unpacks one row of PackBits; what is missing stays zero.
-void unpackRow(const QByteArray &packed, QByteArray &row)
+// Unpacks one row of PackBits; whether it was a whole one.
+bool unpackRow(const QByteArray &packed, QByteArray &row, char missing)
 {
-    row.fill('\0');
+    row.fill(missing);
     qsizetype in = 0;
     qsizetype out = 0;
     while (in < packed.size() && out < row.size()) {
@@ -152,6 +152,7 @@ void unpackRow(const QByteArray &packed, QByteArray &row)
         }
         in += code < 0 ? 1 : 0;
     }
+    return out == row.size();
 }
 
 // Reads the composite plane by plane, averaging blocks of `shrink` × `shrink` pixels on the way, so that a large
@@ -167,6 +168,8 @@ public:
     }
 
     QSize size() const { return m_size; }
+    // What stands for the samples that the file does not hold.
+    void setMissing(char sample) { m_missing = sample; }
 
     bool begin()
     {
@@ -197,6 +200,13 @@ public:
                 const int columns = qMin(m_shrink, m_document.width - x * m_shrink);
                 *target = char(m_sums[size_t(x)] / quint32(rows * columns));
             }
+            if (m_file.atEnd()) { // a header may promise rows without end
+                for (qint64 left = qint64(m_size.height() - y - 1) * m_size.width(); left > 0; --left) {
+                    *target = m_missing;
+                    target += stride;
+                }
+                break;
+            }
         }
         return present;
     }
@@ -207,7 +217,7 @@ private:
         if (m_document.compression == 0) {
             const qint64 got = m_file.read(m_row.data(), m_row.size());
             if (got < m_row.size()) {
-                std::fill(m_row.begin() + qMax<qint64>(got, 0), m_row.end(), '\0');
+                std::fill(m_row.begin() + qMax<qint64>(got, 0), m_row.end(), m_missing);
             }
             return got == m_row.size();
         }
@@ -215,8 +225,8 @@ private:
         const qint64 length =
             m_document.isLarge ? qint64(qFromBigEndian<quint32>(entry)) : qint64(qFromBigEndian<quint16>(entry));
         const QByteArray packed = m_file.read(qMin(length, 2 * qint64(m_row.size()) + 128));
-        unpackRow(packed, m_row);
-        return packed.size() == length;
+        const bool isWhole = unpackRow(packed, m_row, m_missing);
+        return isWhole && packed.size() == length;
     }
 
     void addRow()
@@ -237,6 +247,7 @@ private:
     QByteArray m_row;
     QByteArray m_lengths;
     std::vector<quint32> m_sums;
+    char m_missing = '\0';
 };
 
 // The composite was blended with white where it is transparent; takes that white out again.
@@ -337,18 +348,24 @@ ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
     }
     // No packed row is shorter than a sixty-fourth of what it holds.
     const qint64 promised = document->rowBytes() * document->height * document->colors();
-    if (file.size() * 64 < promised / 2 || !planes.begin()) {
+    if (file.size() * 64 < promised / 100 || !planes.begin()) {
         zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
     QByteArray channels(qsizetype(size.width()) * size.height() * perPixel, '\0');
+    bool isIncomplete = false;
     for (int plane = 0; plane < perPixel; ++plane) {
-        if (planes.readPlane(plane, channels.data() + plane, perPixel) <= document->height / 2) {
+        // Where ink or transparency is missing there is none.
+        planes.setMissing(document->mode == CMYK || plane == document->colors() ? '\xff' : '\0');
+        const int rows = planes.readPlane(plane, channels.data() + plane, perPixel);
+        isIncomplete = isIncomplete || rows < document->height;
+        if (plane == 0 && !zqIsPartOfPicture(rows, document->height)) {
             zqSetError(error, zqDamagedError(request.file.name()));
             return {};
         }
     }
-    const ZQBitmap bitmap = bitmapOfChannels(std::move(channels), perPixel, size, *document);
+    ZQBitmap bitmap = bitmapOfChannels(std::move(channels), perPixel, size, *document);
+    bitmap.setIncomplete(isIncomplete);
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }
 

@@ -40,26 +40,85 @@ std::optional<ZQImageProperties> bmpProperties(const ZQSourceFile &source, ZQErr
     return out;
 }
 
-// Whether more than half of the rows that the header promises are in the file. A compressed one is left to its reader.
-bool hasMostRows(const ZQSourceFile &source, QSize size)
+// What the header of a BMP says of where its rows lie.
+struct BMPLayout
+{
+    qint64 height = 0;
+    qint64 width = 0;
+    qint64 dataStart = 0;
+    qint64 rowBytes = 0;
+    bool fromTop = false;
+    bool isRunLength = false;
+    bool hasHalfBytes = false; // runs of pixels of four bits
+};
+
+std::optional<BMPLayout> bmpLayout(QFile &file, QSize size)
 {
     constexpr int headerBytes = 34;
-    QFile file;
-    const QByteArray head = source.openIn(file) ? file.read(headerBytes) : QByteArray();
+    const QByteArray head = file.read(headerBytes);
     if (head.size() < headerBytes) {
-        return false;
+        return std::nullopt;
     }
     const char *raw = head.constData();
     const bool isOld = qFromLittleEndian<quint32>(raw + 14) == 12;
     const quint32 compression = isOld ? 0 : qFromLittleEndian<quint32>(raw + 30);
-    if (compression == 1 || compression == 2) {
-        constexpr qint64 longestRun = 255;
-        return file.size() / 2 * longestRun >= qint64(size.width()) * size.height() / 2;
-    }
     const qint64 bits = qFromLittleEndian<quint16>(raw + (isOld ? 24 : 28));
-    const qint64 rowBytes = (bits * size.width() + 31) / 32 * 4;
-    const qint64 dataBytes = file.size() - qFromLittleEndian<quint32>(raw + 10);
-    return rowBytes > 0 && dataBytes / rowBytes > size.height() / 2;
+    BMPLayout out;
+    out.width = size.width();
+    out.height = size.height();
+    out.dataStart = qFromLittleEndian<quint32>(raw + 10);
+    out.rowBytes = (bits * size.width() + 31) / 32 * 4;
+    out.fromTop = !isOld && qFromLittleEndian<qint32>(raw + 22) < 0;
+    out.isRunLength = compression == 1 || compression == 2;
+    out.hasHalfBytes = compression == 2;
+    return out;
+}
+
+// How many rows a run-length coded picture has before its data ends; all of them when it says that it is at its end.
+qint64 rowsOfRuns(const QByteArray &data, const BMPLayout &layout)
+{
+    qint64 row = 0;
+    for (qsizetype at = 0; at + 1 < data.size() && row < layout.height;) {
+        const int count = uchar(data.at(at));
+        const int code = uchar(data.at(at + 1));
+        at += 2;
+        if (count > 0) {
+            continue;
+        }
+        if (code == 1) {
+            return layout.height;
+        }
+        if (code == 0) {
+            ++row;
+        } else if (code == 2) {
+            row += at + 1 < data.size() ? uchar(data.at(at + 1)) : 0;
+            at += 2;
+        } else {
+            const int bytes = layout.hasHalfBytes ? (code + 1) / 2 : code;
+            at += bytes + bytes % 2;
+        }
+    }
+    return qMin(row, layout.height);
+}
+
+// How many rows are in the file.
+qint64 presentRows(QFile &file, const BMPLayout &layout)
+{
+    if (layout.isRunLength) {
+        return file.seek(layout.dataStart) ? rowsOfRuns(file.readAll(), layout) : 0;
+    }
+    const qint64 bytes = qMax<qint64>(0, file.size() - layout.dataStart);
+    return layout.rowBytes > 0 ? qMin(bytes / layout.rowBytes, layout.height) : 0;
+}
+
+// The reader leaves what is not there as it finds it.
+void clearMissingRows(QImage &image, qint64 present, bool fromTop)
+{
+    image.convertTo(QImage::Format_RGBA8888);
+    for (qint64 row = present; row < image.height(); ++row) {
+        uchar *line = image.scanLine(int(fromTop ? row : image.height() - 1 - row));
+        std::fill(line, line + image.bytesPerLine(), uchar(0));
+    }
 }
 
 ZQBitmap bmpDecode(const ZQDecodeRequest &request, ZQError *error)
@@ -73,13 +132,22 @@ ZQBitmap bmpDecode(const ZQDecodeRequest &request, ZQError *error)
                                     zqMaximumPixelsInMemory, error)) {
         return {};
     }
-    const bool complete = hasMostRows(request.file, {properties->pixelWidth, properties->pixelHeight});
     QFile file;
-    const ZQBitmap bitmap(complete && request.file.openIn(file) ? QImageReader(&file, "bmp").read() : QImage());
-    if (bitmap.isNull()) {
+    const auto layout =
+        request.file.openIn(file) ? bmpLayout(file, {properties->pixelWidth, properties->pixelHeight}) : std::nullopt;
+    const qint64 rows = layout ? presentRows(file, *layout) : 0;
+    const bool isPart = layout && zqIsPartOfPicture(rows, layout->height) && file.seek(0);
+    QImage image = isPart ? QImageReader(&file, "bmp").read() : QImage();
+    if (image.isNull()) {
         zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
+    const bool isIncomplete = rows < layout->height;
+    if (isIncomplete) {
+        clearMissingRows(image, rows, layout->fromTop);
+    }
+    ZQBitmap bitmap(image);
+    bitmap.setIncomplete(isIncomplete);
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }
 
@@ -136,8 +204,33 @@ QList<QImage> iconsOfICNS(const ZQSourceFile &source, const QByteArray &bytes)
     return icons;
 }
 
-// Largest first; of equal sizes the deeper comes first in such files already.
-QList<QImage> iconsOfFile(const ZQSourceFile &source)
+// Whether the file ends before what it says that it holds does.
+bool endsEarly(const QByteArray &bytes)
+{
+    constexpr qsizetype directory = 6;
+    constexpr qsizetype entryBytes = 16;
+    if (bytes.startsWith("icns")) {
+        return bytes.size() < 8 || qFromBigEndian<quint32>(bytes.constData() + 4) > bytes.size();
+    }
+    const int count = bytes.size() > directory ? qFromLittleEndian<quint16>(bytes.constData() + 4) : 0;
+    for (int i = 0; i < qMin(count, maximumIcons); ++i) {
+        const qsizetype at = directory + i * entryBytes;
+        if (at + entryBytes > bytes.size() || qint64(qFromLittleEndian<quint32>(bytes.constData() + at + 8)) +
+                                                      qFromLittleEndian<quint32>(bytes.constData() + at + 12) >
+                                                  bytes.size()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+struct Icons
+{
+    QList<QImage> images; // largest first; of equal sizes the deeper comes first in such files already
+    bool isIncomplete = false;
+};
+
+Icons iconsOfFile(const ZQSourceFile &source)
 {
     constexpr qint64 maximumFileSize = qint64(64) << 20;
     QFile file;
@@ -149,12 +242,12 @@ QList<QImage> iconsOfFile(const ZQSourceFile &source)
     std::stable_sort(icons.begin(), icons.end(), [](const QImage &left, const QImage &right) {
         return qint64(left.width()) * left.height() > qint64(right.width()) * right.height();
     });
-    return icons;
+    return {icons, bytes.size() < maximumFileSize && endsEarly(bytes)};
 }
 
 std::optional<ZQImageProperties> iconProperties(const ZQSourceFile &source, ZQError *error)
 {
-    const QList<QImage> icons = iconsOfFile(source);
+    const QList<QImage> icons = iconsOfFile(source).images;
     if (icons.isEmpty()) {
         zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
@@ -166,7 +259,7 @@ std::optional<ZQImageProperties> iconProperties(const ZQSourceFile &source, ZQEr
 
 ZQBitmap iconDecode(const ZQDecodeRequest &request, ZQError *error)
 {
-    const QList<QImage> icons = iconsOfFile(request.file);
+    const auto [icons, isIncomplete] = iconsOfFile(request.file);
     if (icons.isEmpty()) {
         zqSetError(error, zqDamagedError(request.file.name()));
         return {};
@@ -175,7 +268,8 @@ ZQBitmap iconDecode(const ZQDecodeRequest &request, ZQError *error)
         zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
         return {};
     }
-    const ZQBitmap bitmap(icons.at(request.frame));
+    ZQBitmap bitmap(icons.at(request.frame));
+    bitmap.setIncomplete(isIncomplete);
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }
 

@@ -3,6 +3,8 @@
 
 #include <libraw/libraw.h>
 
+#include <algorithm>
+
 // Camera raw. A preview the camera put into the file is used when it is large enough; else the sensor's data is
 // developed.
 
@@ -30,26 +32,58 @@ struct MemoryImageDelete
 };
 using MemoryImage = std::unique_ptr<libraw_processed_image_t, MemoryImageDelete>;
 
-// The library reads from the mapped file as long as it lives.
+// The library reads from the mapped file, or from `padded`, as long as it lives.
 struct RawFile
 {
-    explicit RawFile(const ZQSourceFile &source) : bytes(source), library(LIBRAW_OPIONS_NO_DATAERR_CALLBACK) {}
+    explicit RawFile(const ZQSourceFile &source) : bytes(source), library(LIBRAW_OPIONS_NO_DATAERR_CALLBACK)
+    {
+        library.set_dataerror_handler([](void *flag, const char *, const auto) { *static_cast<bool *>(flag) = true; },
+                                      &hasDataError);
+    }
+
+    class Library : public LibRaw
+    {
+    public:
+        using LibRaw::LibRaw;
+        qint64 dataOffset() const { return qint64(libraw_internal_data.unpacker_data.data_offset); }
+    };
 
     ZQSourceFile::Bytes bytes;
-    LibRaw library;
+    QByteArray padded;
+    bool hasDataError = false; // while unpacking: samples are missing
+    Library library;
 };
 
 std::unique_ptr<RawFile> openRaw(const ZQSourceFile &source, ZQError *error)
 {
     auto raw = std::make_unique<RawFile>(source);
-    void *const data = const_cast<uchar *>(raw->bytes.data()); // only read
-    const int result = data ? raw->library.open_buffer(data, raw->bytes.size()) : int(LIBRAW_IO_ERROR);
+    const int result =
+        raw->bytes.data() ? raw->library.open_buffer(raw->bytes.data(), raw->bytes.size()) : int(LIBRAW_IO_ERROR);
     if (result != LIBRAW_SUCCESS) {
         qCDebug(zqLogImaging, "%s: %s", qUtf8Printable(source.name()), libraw_strerror(result));
         zqSetError(error, zqDamagedError(source.name()));
         return nullptr;
     }
     return raw;
+}
+
+// The same with zeros where the sensor's data is missing, since the library unpacks nothing of a file that ends too
+// early. Null when too little of it is there.
+std::unique_ptr<RawFile> openPadded(const ZQSourceFile &source, qint64 dataOffset, qint64 samples)
+{
+    constexpr qint64 mostBytes = qint64(1) << 30;
+    constexpr qint64 sampleBytes = 2;
+    const qint64 wanted = samples * sampleBytes;
+    const qint64 total = dataOffset + wanted;
+    if (!zqIsPartOfPicture(source.size() - dataOffset, wanted) || total <= source.size() || total > mostBytes) {
+        return nullptr;
+    }
+    auto raw = std::make_unique<RawFile>(source);
+    raw->padded = QByteArray(total, '\0');
+    std::copy_n(raw->bytes.data(), raw->bytes.size(), raw->padded.data());
+    raw->hasDataError = true;
+    const int result = raw->library.open_buffer(raw->padded.data(), size_t(raw->padded.size()));
+    return result == LIBRAW_SUCCESS ? std::move(raw) : nullptr;
 }
 
 std::optional<ZQImageProperties> rawProperties(const ZQSourceFile &source, ZQError *error)
@@ -115,6 +149,7 @@ ZQBitmap decodeRaw(const ZQDecodeRequest &request, ZQError *error)
     }
     const qint64 width = raw->library.imgdata.sizes.raw_width;
     const qint64 height = raw->library.imgdata.sizes.raw_height;
+    const qint64 dataOffset = raw->library.dataOffset();
     if (!zqCheckSize(request.file.name(), width, height, zqMaximumPixelsInMemory, error)) {
         return {};
     }
@@ -123,6 +158,11 @@ ZQBitmap decodeRaw(const ZQDecodeRequest &request, ZQError *error)
         const bool halfIsEnough =
             !request.isFullSize() && qMax(width, height) >= 2 * qMax(request.box.width(), request.box.height());
         bitmap = developed(raw->library, halfIsEnough);
+        bitmap.setIncomplete(raw->hasDataError);
+        if (const auto padded = bitmap.isNull() ? openPadded(request.file, dataOffset, width * height) : nullptr) {
+            bitmap = developed(padded->library, halfIsEnough);
+            bitmap.setIncomplete(true);
+        }
     }
     if (bitmap.isNull()) {
         zqSetError(error, zqDamagedError(request.file.name()));

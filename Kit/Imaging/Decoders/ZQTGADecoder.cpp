@@ -164,7 +164,7 @@ bool checkHeader(const QString &name, const Header &header, qint64 fileSize, ZQE
     }
     const qint64 pixels = qint64(header.width) * header.height;
     const qint64 possible = fileSize / header.bytesPerPixel() * (header.isRunLength ? longestRun : 1);
-    if (possible < pixels / 2) {
+    if (possible < pixels / 100) {
         zqSetError(error, zqDamagedError(name));
         return false;
     }
@@ -223,12 +223,14 @@ ZQBitmap decode(const ZQDecodeRequest &request, ZQError *error)
     QImage image(header->width, header->height, QImage::Format_RGBA8888);
     image.fill(0);
     PixelReader pixels(file, *header);
-    if (image.isNull() || !file.seek(headerBytes + header->idLength) || !pixels.readMap() ||
-        readRows(pixels, *header, image) <= header->height / 2) {
+    const bool begun = !image.isNull() && file.seek(headerBytes + header->idLength) && pixels.readMap();
+    const int rows = begun ? readRows(pixels, *header, image) : 0;
+    if (!zqIsPartOfPicture(rows, header->height)) {
         zqSetError(error, zqDamagedError(request.file.name()));
         return {};
     }
-    const ZQBitmap bitmap(image);
+    ZQBitmap bitmap(image);
+    bitmap.setIncomplete(rows < header->height);
     return request.isFullSize() ? bitmap : bitmap.scaledToFit(request.box);
 }
 

@@ -1,3 +1,4 @@
+#include "Kit/Imaging/Decoders/ZQFrameWalk.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQVipsPixels.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
@@ -112,49 +113,52 @@ ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pas
     return failed ? ZQBitmap() : zqBitmapOfVips(out);
 }
 
-// A progressive JPEG holds the whole picture, coarsely, as soon as its second scan begins.
-bool hasSecondScan(const ZQSourceFile &source)
+// A progressive JPEG holds the whole picture, coarsely, in its first scan: whether a part of that is there.
+bool hasPartOfScan(const ZQSourceFile &source, VipsImage *header)
 {
+    constexpr qint64 mostHeader = 1 << 20;
+    constexpr qint64 leastBytes = 16;
     QFile file;
-    if (!source.openIn(file)) {
-        return false;
-    }
-    int scans = 0;
-    bool afterMark = false;
-    for (QByteArray bytes = file.read(1 << 16); !bytes.isEmpty(); bytes = file.read(1 << 16)) {
-        for (const char byte : bytes) {
-            scans += afterMark && byte == '\xda' ? 1 : 0;
-            afterMark = byte == '\xff';
-        }
-        if (scans > 1) {
-            return true;
-        }
-    }
-    return false;
+    const QByteArray bytes = source.openIn(file) ? file.read(mostHeader) : QByteArray();
+    const qsizetype scan = bytes.indexOf("\xff\xda");
+    const qint64 blocks = qint64(header->Xsize / 8 + 1) * (header->Ysize / 8 + 1);
+    // A block takes a bit at least.
+    return scan >= 0 && zqIsPartOfPicture((file.size() - scan - leastBytes) * 8, blocks);
 }
 
-// Whether the upper half comes out before the file ends or its data makes no sense.
-bool isUpperHalfReadable(const ZQDecodeRequest &request)
+// Whether the first rows come out before the file ends or its data makes no sense.
+bool areFirstRowsReadable(const ZQDecodeRequest &request)
 {
     const ZQVipsSource source = zqVipsSource(request.file);
     const ZQVipsImage image = source ? openHeader(source.get(), request.frame, VIPS_FAIL_ON_TRUNCATED) : nullptr;
-    VipsImage *half = nullptr;
-    if (!image || vips_extract_area(image.get(), &half, 0, 0, image->Xsize, image->Ysize / 2 + 1, nullptr)) {
+    VipsImage *rows = nullptr;
+    if (!image || vips_extract_area(image.get(), &rows, 0, 0, image->Xsize, image->Ysize / 100 + 1, nullptr)) {
         return false;
     }
-    const ZQVipsImage owned(half);
+    const ZQVipsImage owned(rows);
     double average = 0;
-    return vips_avg(half, &average, nullptr) == 0;
+    return vips_avg(rows, &average, nullptr) == 0;
 }
 
-// Whether more than half of a damaged picture is there.
-bool isMostlyReadable(const ZQDecodeRequest &request, VipsImage *header)
+bool isPartReadable(const ZQDecodeRequest &request, VipsImage *header)
 {
-    const bool progressive = integerField(header, "jpeg-multiscan", 0) != 0;
-    const bool readable =
-        header->Ysize > 1 && (progressive ? hasSecondScan(request.file) : isUpperHalfReadable(request));
+    const bool isProgressive = integerField(header, "jpeg-multiscan", 0) != 0;
+    const bool readable = isProgressive ? hasPartOfScan(request.file, header)
+                                        : isJPEG2000(header) || areFirstRowsReadable(request); // it has no rows
     zqLogVipsError(request.file.name());
     return readable;
+}
+
+// A truncated PNG with zeros after its end: the codec reads in blocks and gives up one that is not whole, which is all
+// there is of a small file.
+ZQSourceFile withRoomAfterEnd(const ZQSourceFile &file, VipsImage *header)
+{
+    constexpr qsizetype blockBytes = 64 * 1024;
+    QFile device;
+    if (!loaderOf(header).startsWith("pngload") || !file.openIn(device)) {
+        return file;
+    }
+    return ZQSourceFile::ofBytes(device.readAll() + QByteArray(blockBytes, '\0'), file.name());
 }
 
 ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
@@ -177,8 +181,11 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
     const ZQVipsSource source = zqVipsSource(request.file);
     const ZQVipsImage header = source ? openHeader(source.get()) : nullptr;
     if (!header) {
-        zqSetError(error, zqDamagedError(request.file.name()));
-        return {};
+        const ZQBitmap part = zqPartOfWebP(request);
+        if (part.isNull()) {
+            zqSetError(error, zqDamagedError(request.file.name()));
+        }
+        return part;
     }
     if (request.frame >= frameCount(header.get())) {
         zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
@@ -193,11 +200,18 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
     if (bitmap.isNull() && hasProfile) {
         bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, Profile::Ignore});
     }
-    if (bitmap.isNull() && isMostlyReadable(request, header.get())) {
-        bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_NONE, Profile::Ignore});
+    if (bitmap.isNull()) {
+        ZQDecodeRequest part = request;
+        part.file = withRoomAfterEnd(request.file, header.get());
+        if (isPartReadable(part, header.get())) {
+            bitmap = decodePass(header.get(), part, {VIPS_FAIL_ON_NONE, Profile::Ignore});
+            bitmap.setIncomplete(true);
+        }
     }
     if (bitmap.isNull()) {
         zqSetError(error, zqDamagedError(request.file.name()));
+    } else if (zqEndsBeforeLastFrame(request.file, zqImageFormatOfFile(request.file))) {
+        bitmap.setIncomplete(true);
     }
     return bitmap;
 }
@@ -259,8 +273,11 @@ std::optional<ZQImageProperties> properties(const ZQSourceFile &file, ZQError *e
     const ZQVipsImage image = source ? openHeader(source.get()) : nullptr;
     zqLogVipsError(file.name());
     if (!image) {
-        zqSetError(error, zqDamagedError(file.name()));
-        return std::nullopt;
+        const std::optional<ZQImageProperties> part = zqPropertiesOfPartOfWebP(file);
+        if (!part) {
+            zqSetError(error, zqDamagedError(file.name()));
+        }
+        return part;
     }
     ZQImageProperties out;
     out.pixelWidth = image->Xsize;

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -274,6 +275,47 @@ TEST_F(ImportOperationTest, FoldersBecomeFoldersAndProjects)
         EXPECT_TRUE(child->enabled());
     }
     EXPECT_EQ(operation->foldersAndArchivesPathOrdered(), QStringList{path(QStringLiteral("drop/Top"))});
+}
+
+TEST_F(ImportOperationTest, APictureOfWhichAPartIsThereIsImportedAndToldOnce)
+{
+    const auto project = addProject(QStringLiteral("P"));
+    QImage noise(200, 200, QImage::Format_RGB32);
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 200; ++x) {
+            noise.setPixel(x, y, quint32(x * 7919 + y * 104729) * 2654435761U);
+        }
+    }
+    QStringList cut;
+    for (const char *format : {"png", "jpg", "bmp"}) {
+        const QString whole = writeFile(QStringLiteral("whole.") + QLatin1String(format), {});
+        ASSERT_TRUE(noise.save(whole));
+        const QByteArray bytes = contents(whole);
+        cut.append(writeFile(QStringLiteral("part-%1.%1").arg(QLatin1String(format)), bytes.left(bytes.size() / 2)));
+    }
+    const auto alone = import({cut.first()}, project.get());
+    ASSERT_EQ(alone->report().dropped().size(), 1);
+    ASSERT_EQ(items().size(), 1) << qPrintable(alone->report().dropped().first().reason);
+    ASSERT_EQ(user.notifications.size(), 1);
+    EXPECT_EQ(user.notifications.first().text,
+              QStringLiteral("“part-png.png” is incomplete: only a part of it can be drawn"));
+    EXPECT_EQ(droppedPaths(alone->report()), QStringList{cut.first()});
+    EXPECT_TRUE(alone->report().dropped().first().isImportedInPart());
+    user.notifications.clear();
+
+    const QString unreadable = writeFile(QStringLiteral("none.png"), "no picture at all");
+    const auto several = import(cut.mid(1) + QStringList{unreadable}, project.get());
+    EXPECT_EQ(items().size(), 3);
+    EXPECT_EQ(several->report().imported().size(), 2);
+    ASSERT_EQ(several->report().dropped().size(), 3);
+    for (const DroppedFile &file : several->report().dropped()) {
+        EXPECT_EQ(file.isImportedInPart(), file.path != unreadable);
+    }
+    ASSERT_EQ(user.notifications.size(), 1);
+    const QString told = user.notifications.first().text;
+    EXPECT_TRUE(told.contains(QStringLiteral("“none.png” could not be imported")));
+    EXPECT_TRUE(told.contains(QStringLiteral("2 pictures are incomplete")));
+    EXPECT_FALSE(told.contains(QStringLiteral("Zelto.")));
 }
 
 TEST_F(ImportOperationTest, CancellingRemovesEverythingTheBatchMade)

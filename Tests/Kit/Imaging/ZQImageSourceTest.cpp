@@ -185,19 +185,48 @@ TEST_F(SampleTest, RefusesWhatCannotBeReadWithAReason)
     }
 }
 
-TEST_F(SampleTest, ShowsATruncatedPictureWhenMostOfItIsThere)
+TEST_F(SampleTest, DrawsWhatIsThereOfATruncatedPictureInEveryFormat)
 {
-    for (const char *name : {"Formats/keywords.jpg", "Formats/deep.png", "Formats/plain.bmp", "Formats/plain.tga",
-                             "Formats/runs.tga", "Photos/Ocean Swell.png"}) {
-        SCOPED_TRACE(name);
-        const QByteArray whole = contentOf(name);
-        const QString cut = path(QStringLiteral("cut.") + QString::fromUtf8(name).section(u'.', -1));
-        ASSERT_TRUE(SampleFormats::writeBytes(whole.left(whole.size() * 9 / 10), cut));
-        EXPECT_FALSE(ZQImageSource::thumbnailOfFile(cut, 256).isNull());
-        ASSERT_TRUE(SampleFormats::writeBytes(whole.left(whole.size() / 5), cut));
-        ZQError error;
-        EXPECT_TRUE(ZQImageSource::thumbnailOfFile(cut, 256, &error).isNull());
-        EXPECT_EQ(error.domain, QStringLiteral("zelto.imaging"));
+    struct Row
+    {
+        const char *name;
+        QList<int> percents; // of the file; not less than its headers take
+    };
+    const QList<int> most{90, 60, 30, 15};
+    ASSERT_TRUE(SampleFormats::writeBytes(SampleFormats::psdFile(smallScene(), Packing::RunLength),
+                                          sample("Formats/packed.psd")));
+    for (const Row &row : {
+             Row{"Formats/keywords.jpg", most},
+             Row{"Formats/progressive.jpg", most},
+             Row{"Formats/cmyk.jpg", {95}},
+             Row{"Formats/deep.png", most},
+             Row{"Formats/gray.png", most},
+             Row{"Photos/Ocean Swell.png", {90, 60, 30}},
+             Row{"Formats/animated.gif", most},
+             Row{"Formats/web.webp", {90, 60}},
+             Row{"Formats/plain.bmp", most},
+             Row{"Formats/plain.tga", most},
+             Row{"Formats/runs.tga", most},
+             Row{"Formats/packed.psd", most},
+             Row{"Formats/deep.psd", most},
+             Row{"Formats/sensor.dng", most},
+             Row{"Formats/icon.ico", {90, 60}},
+             Row{"Formats/icon.icns", {90, 60}},
+             Row{"Formats/pages.tiff", {90, 60}},
+         }) {
+        const QByteArray whole = contentOf(row.name);
+        EXPECT_FALSE(ZQImageSource::thumbnailOfFile(sample(row.name), 256).isIncomplete()) << row.name;
+        const QString cut = path(QStringLiteral("cut.") + QString::fromUtf8(row.name).section(u'.', -1));
+        for (const int percent : row.percents) {
+            SCOPED_TRACE(testing::Message() << row.name << " " << percent);
+            ASSERT_TRUE(SampleFormats::writeBytes(whole.left(whole.size() * percent / 100), cut));
+            ZQError error;
+            EXPECT_TRUE(ZQImageSource::propertiesOfFile(cut));
+            EXPECT_TRUE(ZQImageSource::thumbnailOfFile(cut, 256, &error).isIncomplete());
+            EXPECT_TRUE(error.isNull()) << qPrintable(error.localizedDescription());
+            EXPECT_TRUE(ZQImageSource::bitmapOfFile(cut).isIncomplete());
+            EXPECT_TRUE(ZQPreviewService::previewOfFile(cut, {100, 100}).isIncomplete());
+        }
     }
 }
 
