@@ -142,7 +142,8 @@ void PendingImportFile::removeRemains(const QString &folder)
         const bool isInUse = std::any_of(active().paths.begin(), active().paths.end(), [&](const QString &path) {
             return file.contains(QFileInfo(path).completeBaseName());
         });
-        if (!isKept && !isInUse) {
+        const bool isBeingWritten = file.startsWith(u'.') && !active().paths.isEmpty();
+        if (!isKept && !isInUse && !isBeingWritten) {
             QFile::remove(folder + u'/' + file);
         }
     }
