@@ -21,9 +21,10 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
     const auto rows =
         context->fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
     if (!rows) {
-        qCWarning(zqLogStore).noquote() << zqFormat(
-            QStringLiteral("Error while fetching\n%@"),
-            {error.localizedDescription().isEmpty() ? QStringLiteral("Unknown Error") : error.localizedDescription()});
+        qCWarning(zqLogStore).noquote() << zqFormat(QStringLiteral("Error while fetching\n%@"),
+                                                     {error.localizedDescription().isEmpty()
+                                                          ? QStringLiteral("Unknown Error")
+                                                          : error.localizedDescription()});
         return;
     }
     QSet<QString> known;
