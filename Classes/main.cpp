@@ -23,6 +23,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QProcess>
 #include <QTimer>
 
 #include <cstdio>
@@ -157,7 +158,7 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
 }
 
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
-              CommandContext &context)
+              CommandContext &context, bool *reopens)
 {
     PreferencesController::registerDefaultPreferences(); // the theme is one of them
     MainWindowController::applyTheme();
@@ -207,6 +208,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         }
     });
     const int status = application.exec();
+    *reopens = delegate.reopensAfterQuit();
     zqStopMainThreadCalls();
     return status;
 }
@@ -249,7 +251,13 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
+    bool reopens = false;
     status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context)
-                                      : runWindow(application, commandLine, arguments, context);
+                                      : runWindow(application, commandLine, arguments, context, &reopens);
+    if (reopens) { // only now nobody holds the library any more
+        const QString library = commandLine.library();
+        QProcess::startDetached(QCoreApplication::applicationFilePath(),
+                                library.isEmpty() ? QStringList() : QStringList{QStringLiteral("--library"), library});
+    }
     return print(context, status);
 }

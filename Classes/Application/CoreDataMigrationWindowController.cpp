@@ -1,7 +1,22 @@
 #include "Classes/Application/CoreDataMigrationWindowController.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Operations/ZQMainThread.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+#include <chrono>
+
+namespace {
+// What other processes ask for waits until the library is open.
+void draw(std::chrono::milliseconds time)
+{
+    const QDeadlineTimer deadline(time);
+    do {
+        QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers, 20);
+    } while (!deadline.hasExpired());
+}
+} // namespace
 
 CoreDataMigrationWindowController::CoreDataMigrationWindowController(UserInteraction &userInteraction)
     : m_userInteraction(userInteraction)
@@ -11,7 +26,7 @@ CoreDataMigrationWindowController::CoreDataMigrationWindowController(UserInterac
 void CoreDataMigrationWindowController::showWindow()
 {
     m_progress = m_userInteraction.beginProgress(zqLocalized("Updating your library"), 1, {});
-    zqRunMainLoopFor(std::chrono::milliseconds(400));
+    draw(std::chrono::milliseconds(400));
 }
 
 void CoreDataMigrationWindowController::setMaximum(double maximum)
@@ -21,10 +36,11 @@ void CoreDataMigrationWindowController::setMaximum(double maximum)
     }
 }
 
-void CoreDataMigrationWindowController::advance()
+void CoreDataMigrationWindowController::advanceBy(double items)
 {
     if (m_progress) {
-        m_progress->advanceBy(1);
+        m_progress->advanceBy(items);
+        draw(std::chrono::milliseconds(0));
     }
 }
 

@@ -10,7 +10,7 @@ public:
 
     void showWindow(); // and lets it be drawn
     void setMaximum(double maximum);
-    void advance(); // by one item
+    void advanceBy(double items); // and lets it be drawn
     void hideWindow();
 
 private:

@@ -3,6 +3,7 @@
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/PreferencesController.h"
+#include "Classes/Application/RatingFiller.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -18,12 +19,15 @@
 #include <QFileInfo>
 #include <QTimer>
 
+#include <chrono>
+
 namespace {
 tamberin_AppDelegate *sharedInstance = nullptr;
 
 constexpr std::chrono::milliseconds windowFirst{500};
 constexpr std::chrono::milliseconds retryOpening{200};
 constexpr int activationGateMilliseconds = 200;
+constexpr std::chrono::seconds commandPatience{1}; // for what a window does beside its work
 } // namespace
 
 tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
@@ -40,6 +44,7 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
 {
     m_mainWindowController.reset();
     m_zeltoKunViewController.reset();
+    stopStoreWork();
     if (m_parts.importManager) { // what ends with the process was not given up by anybody
         m_parts.importManager->setKeepsCancelledImports(true);
     }
@@ -107,7 +112,7 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
                                      true);
     }
     setApplicationLauched(true);
-    checkStoreAfterUncleanEnd();
+    startStoreWork();
 }
 
 bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
@@ -116,10 +121,15 @@ bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
     if (!lockLibrary(error) || libraryDirectory().isEmpty()) {
         return false;
     }
-    checkModelMigration(); // before the store is opened, which migrates it
     if (!openStore(error)) {
         return false;
     }
+    checkModelMigration();
+    RatingFiller(m_coordinator, [this](const ZQContextDidSave &saved) {
+        mergeSaved(saved);
+    }).run([deadline = std::chrono::steady_clock::now() + commandPatience] {
+        return std::chrono::steady_clock::now() < deadline;
+    });
     setupBasicSidebarProjects();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
     m_environment->finishInterruptedTagWrites();

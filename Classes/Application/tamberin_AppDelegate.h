@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/LibraryRecovery.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -11,6 +12,7 @@
 #include <QProcess>
 
 #include <memory>
+#include <stop_token>
 
 class LibraryLock;
 class ModelEnvironment;
@@ -65,7 +67,11 @@ public:
     void removeManagedObjectContext();
     void saveAction();
     void checkModelMigration();
-    void migrateToModelVersion(const QString &version);
+    void migrateToModelVersion(const QString &version); // "Version6", "Version7"; nothing for others
+    // Copies what can be read of the damaged store into a new one that takes its place. The store must not be open.
+    std::optional<LibraryRecovery> recoverLibrary(ZQError *error);
+    // Whether the person agreed to quit only so that the next launch recovers the library.
+    bool reopensAfterQuit() const { return m_reopensAfterQuit; }
     // What no item names and is younger than the store goes; what is older, or left after a recovery, becomes items
     // again in the background.
     void checkAndDeleteLibraryLeftovers();
@@ -125,8 +131,13 @@ private:
     void importOpenedFiles(const QStringList &paths);
     bool switchToLibrary(const QString &path);
     bool moveTemplate(const QString &path);
-    bool offerRecovery(const QString &storePath, const ZQError &damage);
-    void checkStoreAfterUncleanEnd();
+    bool offerRecovery(const ZQError &damage);
+    bool fillInVersion(const QString &version);
+    // What the open store still needs and the person need not wait for.
+    void startStoreWork();
+    void stopStoreWork();
+    void reportDamage(const QStringList &problems);
+    void mergeSaved(const ZQContextDidSave &notification);
     int answerAboutLeftovers(qsizetype count, qsizetype ofAll);
     void takeBack(const QStringList &directories);
     void didTakeBack(qsizetype takenBack, bool isComplete);
@@ -141,6 +152,8 @@ private:
     std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     std::unique_ptr<ZQManagedObjectContext> m_context;
     std::unique_ptr<LibraryLock> m_lock;
+    std::unique_ptr<ZQOperationQueue> m_storeQueue;
+    std::stop_source m_storeStop;
     QString m_requestedBundleDirectory;
     QString m_libraryBundleDirectory;
     QString m_libraryDirectory;
@@ -149,6 +162,7 @@ private:
     bool m_observesLocale = false;
     bool m_isTerminating = false;
     bool m_isTakingBack = false;
+    bool m_reopensAfterQuit = false;
     QProcess *m_deleteTask = nullptr;
     bool m_shouldShowMainWindowOnActivation = true;
     bool m_applicationLauched = false;

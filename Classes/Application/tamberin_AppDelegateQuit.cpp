@@ -65,6 +65,7 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     if (!stopRunningImports()) {
         return TerminateReply::Cancel;
     }
+    stopStoreWork();
     userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow, notificationSeconds);
     if (m_mainWindowController) {
         m_mainWindowController->savePersistentState();
@@ -89,8 +90,11 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
              {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
              {},
              true});
-        // What could not be saved is still listed by the store, so its files stay.
-        return answer == 0 ? TerminateReply::Now : TerminateReply::Cancel;
+        if (answer != 0) {
+            startStoreWork();
+            return TerminateReply::Cancel;
+        }
+        return TerminateReply::Now; // what could not be saved is still listed by the store, so its files stay
     }
     const QString library = libraryDirectory();
     for (qsizetype first = 0; first < purgedDirectories.size() && !library.isEmpty(); first += pathsPerRemoval) {
@@ -112,5 +116,7 @@ void tamberin_AppDelegate::terminate()
     m_isTerminating = false;
     if (reply == TerminateReply::Now) {
         QCoreApplication::exit(0);
+    } else {
+        m_reopensAfterQuit = false;
     }
 }

@@ -14,10 +14,14 @@ void tamberin_AppDelegate::setupBasicSidebarProjects()
         return;
     }
     constexpr qint16 libraryLabelKind = 0;
-    const bool hasFixedItems = storeExisted && ZQSidebarBaseItem::specialItemOfKind(libraryLabelKind, *context);
-    if (!hasFixedItems) {
-        zqSeedFixedSidebar(*context);
+    ZQError error;
+    const bool hasFixedItems = storeExisted && ZQSidebarBaseItem::specialItemOfKind(libraryLabelKind, *context, &error);
+    if (!hasFixedItems && error.isNull() && zqSeedFixedSidebar(*context, &error)) {
         saveAction();
+    }
+    if (!error.isNull()) {
+        userInteraction().presentError(error); // a second tree beside one that cannot be read helps nobody
+        return;
     }
     updateLocalization();
 }

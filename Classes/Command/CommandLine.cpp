@@ -188,6 +188,13 @@ void CommandLine::defineVerify()
             [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
     command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
     command->add_flag("--json", m_json, "Print one object: items, problems, orphans");
+    CLI::App *recover =
+        add("recover",
+            "Copy what can be read of a damaged library into a new store, and keep the damaged one beside it; exit "
+            "status 1 while the library is open elsewhere",
+            false, [this](CommandContext &context) { return zqRunRecover(m_library, context); });
+    recover->add_flag("--json", m_json,
+                      "Print one object: damaged, items, sidebarEntries, tags, memberships, unreadable, damagedStore");
 }
 
 void CommandLine::defineDefaults()
@@ -343,7 +350,7 @@ QString CommandLine::markdown() const
                                  "library open, the command runs in the "
                                  "window's process, so that two processes never write one library.\n\n"
                                  "Only data goes to standard output; errors go to standard error. The exit status is "
-                                 "0, 1 when `verify` found something wrong, "
+                                 "0, 1 when `verify` found something wrong or `recover` met an open library, "
                                  "and 2 after an error, in which case nothing was changed.\n");
     describe(*m_app, QStringLiteral("zelto"), out);
     return out;

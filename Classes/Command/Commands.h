@@ -46,6 +46,8 @@ int zqRunTags(CommandContext &context);
 int zqRunAttributes(const QStringList &paths, CommandContext &context);
 
 int zqRunVerify(bool deep, CommandContext &context);
+// `library` empty: the remembered one. 1 when somebody has it open.
+int zqRunRecover(const QString &library, CommandContext &context);
 
 int zqRunDefaultsRead(const QString &key, CommandContext &context);
 int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext &context);

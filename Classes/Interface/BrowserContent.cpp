@@ -152,11 +152,12 @@ void BrowserContent::reload()
             requests.append(section.request);
         }
     }
-    m_window.fetcher.fetchRows(ContentFetcher::Purpose::Content, requests,
-                               [this, titles](const ContentFetcher::Rows &fetched) { take(titles, fetched); });
+    m_window.fetcher.fetchRows(
+        ContentFetcher::Purpose::Content, requests,
+        [this, titles](const ContentFetcher::Rows &fetched, const ZQError &error) { take(titles, fetched, error); });
 }
 
-void BrowserContent::take(const QStringList &titles, const ContentFetcher::Rows &fetched)
+void BrowserContent::take(const QStringList &titles, const ContentFetcher::Rows &fetched, const ZQError &error)
 {
     ContentFetcher::Rows rows;
     QList<qint64> starts;
@@ -175,16 +176,18 @@ void BrowserContent::take(const QStringList &titles, const ContentFetcher::Rows 
         count += size;
     }
     // Most changes are to what items say of themselves, and leave every row in its place.
-    if (!std::exchange(m_isAskedAnew, false) && rows == m_rows && groups == m_groups) {
+    const bool isErrorAnew = error.code != m_error.code || error.domain != m_error.domain;
+    if (!std::exchange(m_isAskedAnew, false) && !isErrorAnew && rows == m_rows && groups == m_groups) {
         return;
     }
     Q_EMIT aboutToChange();
+    m_error = error;
     m_rows = rows;
     m_starts = starts;
     m_groups = groups;
     m_count = count;
     m_shown.clear();
-    if (m_filter.isEmpty()) {
+    if (m_filter.isEmpty() && error.isNull()) {
         m_unfilteredCount = m_count;
     }
     m_isLoaded = true;
@@ -442,6 +445,15 @@ QString BrowserContent::emptyText() const
 {
     if (!m_isLoaded) {
         return {};
+    }
+    if (!m_error.isNull()) {
+        const bool isDamaged =
+            m_error.domain == ZQStoreErrorDomain && m_error.code == static_cast<int>(ZQStoreError::Damaged);
+        // The next launch meets what this one has noted.
+        return zqLocalized("The library could not be read") + QStringLiteral("\n\n") +
+               (isDamaged ? zqLocalized("Its database is damaged. Quit Zelto and open it again: it offers to recover "
+                                        "everything that can still be read.")
+                          : m_error.localizedDescription());
     }
     if (m_sidebarItems.isEmpty()) {
         return zqLocalized("Select something in the sidebar.");

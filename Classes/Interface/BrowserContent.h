@@ -21,6 +21,8 @@ public:
     const QString &filter() const { return m_filter; }
     void reload();      // fetches again
     void dropObjects(); // what is shown changed: reads it again when painted
+    // Null unless the rows could not be read; then there are none, and `emptyText` says why.
+    const ZQError &error() const { return m_error; }
     qint64 unfilteredCount() const { return m_unfilteredCount; }
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
@@ -68,7 +70,7 @@ private:
     const ZQObjectID &itemID(qint64 index) const;
     template <class Use>
     void forEachPlace(const ZQIndexSet &indexes, Use use) const; // use(section, position)
-    void take(const QStringList &titles, const ContentFetcher::Rows &fetched);
+    void take(const QStringList &titles, const ContentFetcher::Rows &fetched, const ZQError &error);
 
     WindowContext &m_window;
     QList<ZQObjectID> m_sidebarItems;
@@ -77,6 +79,7 @@ private:
     QList<qint64> m_starts;
     QList<ZQGridGroup> m_groups;
     qint64 m_count = 0;
+    ZQError m_error;
     qint64 m_unfilteredCount = 0;
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same

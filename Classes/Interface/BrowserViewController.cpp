@@ -229,6 +229,9 @@ QString BrowserViewController::title() const
 
 QString BrowserViewController::countText() const
 {
+    if (!m_content->error().isNull()) {
+        return {}; // how many there are is not known
+    }
     const qint64 count = m_content->count();
     return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
 }

@@ -111,9 +111,9 @@ void ContentFetcher::run(Purpose purpose, std::function<Answer(ZQManagedObjectCo
 
 namespace {
 
-// What `fetch(request, error)` gives for each request, then handed to `answer`.
+// What `fetch(request, error)` gives for each request, then handed to `answer` with the first error.
 template <class Result, class Fetch>
-auto each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>)> answer, Fetch fetch)
+auto each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>, ZQError)> answer, Fetch fetch)
 {
     return [requests = std::move(requests), answer = std::move(answer), fetch](
                ZQManagedObjectContext &context, const ContentFetcher::IsWanted &isWanted) -> ContentFetcher::Answer {
@@ -123,12 +123,24 @@ auto each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>)> ans
                 return {};
             }
             ZQError error;
-            results.append(fetch(context, request, &error).value_or(Result()));
-            if (!error.isNull()) {
+            auto result = fetch(context, request, &error);
+            if (!result) {
                 zqLogFetchError(error);
+                return [answer, error] { answer({}, error); };
             }
+            results.append(std::move(*result));
         }
-        return [answer, results] { answer(results); };
+        return [answer, results] { answer(results, {}); };
+    };
+}
+
+template <class Result>
+std::function<void(QList<Result>, ZQError)> onlyWithoutError(std::function<void(QList<Result>)> answer)
+{
+    return [answer = std::move(answer)](const QList<Result> &results, const ZQError &error) {
+        if (error.isNull()) {
+            answer(results);
+        }
     };
 }
 
@@ -136,12 +148,13 @@ auto each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>)> ans
 
 void ContentFetcher::fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer)
 {
-    run(purpose, each<QList<ZQObjectID>>(std::move(requests), std::move(answer),
+    run(purpose, each<QList<ZQObjectID>>(std::move(requests), onlyWithoutError<QList<ZQObjectID>>(std::move(answer)),
                                          [](ZQManagedObjectContext &context, const ZQFetchRequest &request,
                                             ZQError *error) { return context.fetchObjectIDs(request, error); }));
 }
 
-void ContentFetcher::fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(Rows)> answer)
+void ContentFetcher::fetchRows(Purpose purpose, QList<ZQFetchRequest> requests,
+                               std::function<void(Rows, ZQError)> answer)
 {
     const auto rowsOf = [](ZQManagedObjectContext &context, const ZQFetchRequest &request,
                            ZQError *error) -> std::optional<ZQRelatedIDs> {
@@ -156,7 +169,7 @@ void ContentFetcher::fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, 
 
 void ContentFetcher::count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer)
 {
-    run(purpose, each<qint64>(std::move(requests), std::move(answer),
+    run(purpose, each<qint64>(std::move(requests), onlyWithoutError<qint64>(std::move(answer)),
                               [](ZQManagedObjectContext &context, const ZQFetchRequest &request, ZQError *error) {
                                   return context.countForFetchRequest(request, error);
                               }));

@@ -20,11 +20,13 @@ public:
     // of the latest is delivered. Those named first go first.
     enum class Purpose { Content, Typing, ProjectCounts, TagCounts, Summary, Count };
 
-    using IDs = QList<QList<ZQObjectID>>; // one list a request; an empty one after an error
+    using IDs = QList<QList<ZQObjectID>>; // one list a request; no answer comes after an error
     void fetchObjectIDs(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(IDs)> answer);
     // Rows in order and the library items they stand for: themselves, or what a membership leads to.
+    // With a null error the answer is whole; otherwise it is none, which is not an empty one.
     using Rows = QList<ZQRelatedIDs>;
-    void fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(Rows)> answer);
+    void fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(Rows, ZQError)> answer);
+    // No answer comes after an error: what is shown stays.
     void count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
     // `work` runs on the fetcher's thread and should give up once `isWanted` says no; what it returns runs on the main
     // one.

@@ -106,6 +106,27 @@ QString filterFor(const FileChoice &choice)
     return zqFormat(zqLocalized("Supported files (%@)"), {patterns.join(u' ')});
 }
 
+// For work that comes before the main window. The window goes with its line.
+ZQProgressLine *lineInWindowOfItsOwn(const std::function<void()> &cancel)
+{
+    constexpr int margin = 24;
+    constexpr int width = 420;
+    auto *holder = new QWidget;
+    holder->setObjectName(QStringLiteral("ProgressWindow"));
+    holder->setWindowTitle(QStringLiteral("Zelto"));
+    auto *line = new ZQProgressLine(bool(cancel), holder);
+    if (cancel) {
+        QObject::connect(line, &ZQProgressLine::cancelled, line, cancel);
+    }
+    auto *layout = new QVBoxLayout(holder);
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->addWidget(line);
+    holder->setFixedWidth(width);
+    QObject::connect(line, &QObject::destroyed, holder, &QObject::deleteLater);
+    holder->show();
+    return line;
+}
+
 } // namespace
 
 WindowUserInteraction::WindowUserInteraction() = default;
@@ -266,7 +287,14 @@ std::shared_ptr<UserProgress> WindowUserInteraction::beginProgress(const QString
     // Very short work never shows a line: it is gone before the main thread gets here.
     zqOnMainThread([this, weak = std::weak_ptr<LineProgress>(progress), cancel = std::move(cancel)] {
         const auto alive = weak.lock();
-        if (!alive || !m_places.sidebar || !m_places.progress) {
+        if (!alive) {
+            return;
+        }
+        if (!m_places.window) {
+            alive->setLine(lineInWindowOfItsOwn(cancel));
+            return;
+        }
+        if (!m_places.sidebar || !m_places.progress) {
             return;
         }
         auto *line = new ZQProgressLine(bool(cancel), m_places.sidebar);

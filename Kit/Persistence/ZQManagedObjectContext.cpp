@@ -112,7 +112,11 @@ void ZQManagedObjectContext::Private::assertThread() const
 
 ZQError ZQManagedObjectContext::Private::storeError() const
 {
-    return connection ? connection->error() : connectionError;
+    const ZQError error = connection ? connection->error() : connectionError;
+    if (error.domain == ZQStoreErrorDomain && error.code == int(ZQStoreError::Damaged)) {
+        coordinator->noteDamage();
+    }
+    return error;
 }
 
 ZQSQLiteStatement ZQManagedObjectContext::Private::prepare(const QString &sql)

@@ -3,7 +3,9 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreCheck.h"
 #include "Kit/Persistence/ZQStoreMigration.h"
+#include "Kit/Persistence/ZQStoreReplacement.h"
 #include "Kit/Persistence/ZQStoreSchema.h"
 
 #include <QCoreApplication>
@@ -11,11 +13,15 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 namespace {
 
 const QString inUseKey = QStringLiteral("inUseBy");
+const QString uncleanMark = QStringLiteral("unclean");
+const QString damagedMark = QStringLiteral("damaged");
+const QString recoverMark = QStringLiteral("recover");
 
 // "PID:START" of a running process, where START tells processes apart that got the same number; empty when none runs.
 QString processMark(qint64 pid)
@@ -48,6 +54,11 @@ QDateTime birthOfFile(const QString &path)
                                           Qt::UTC);
 }
 
+QStringList linesOf(const QVariant &value)
+{
+    return value.toString().split(u'\n', Qt::SkipEmptyParts);
+}
+
 ZQError storeError(ZQStoreError code, const char *description, const char *advice, const QString &path)
 {
     ZQError error = ZQError::with(ZQStoreErrorDomain, int(code), zqLocalized(description), zqLocalized(advice));
@@ -74,6 +85,7 @@ ZQPersistentStoreCoordinator::open(std::shared_ptr<const ZQManagedObjectModel> m
     std::shared_ptr<ZQPersistentStoreCoordinator> coordinator(new ZQPersistentStoreCoordinator);
     coordinator->m_model = std::move(model);
     coordinator->m_path = path;
+    zqFinishReplacingStore(path);
     const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::Create, error);
     if (!connection || !coordinator->prepareStore(*connection, options, error)) {
         return nullptr;
@@ -111,6 +123,9 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
         return false;
     }
     m_storeUUID = metadata->storeUUID;
+    if (!checkAfterUncleanEnd(connection, error)) {
+        return false;
+    }
     if (isModelCompatible(*m_model, *metadata)) {
         // Indexes are not part of a row's form, so a compatible model may want others. A store that cannot be written
         // works without them.
@@ -148,12 +163,37 @@ bool ZQPersistentStoreCoordinator::clearRecovered()
     return true;
 }
 
-void ZQPersistentStoreCoordinator::markInUse(ZQSQLiteConnection &connection)
+bool ZQPersistentStoreCoordinator::checkAfterUncleanEnd(ZQSQLiteConnection &connection, ZQError *error)
 {
     const QString own = processMark(QCoreApplication::applicationPid());
     const QString mark = zqReadMetadata(connection, inUseKey).toString();
+    const QString suspicion = zqReadMetadata(connection, zqSuspicionKey).toString();
     m_wasUnclean = !mark.isEmpty() && mark != own && !isRunning(mark);
-    m_isMarked = zqWriteMetadata(connection, inUseKey, own);
+    if (!m_wasUnclean && suspicion.isEmpty()) {
+        return true;
+    }
+    const ZQStoreCheckResult result = suspicion == damagedMark || suspicion == recoverMark
+                                          ? zqCheckStore(connection, {})
+                                          : zqCheckStoreQuickly(connection);
+    m_needsCheck = !result.isComplete;
+    if (result.problems.isEmpty()) {
+        return true;
+    }
+    qCWarning(zqLogStore, "damaged: %s", qUtf8Printable(result.problems.join(QStringLiteral("; "))));
+    ZQError damage = zqStoreErrorForSQLite(SQLITE_CORRUPT, result.problems.first(), m_path);
+    damage.userInfo.insert(QStringLiteral("recoveryWanted"), suspicion == recoverMark);
+    zqSetError(error, damage);
+    return false;
+}
+
+void ZQPersistentStoreCoordinator::markInUse(ZQSQLiteConnection &connection)
+{
+    const QString own = processMark(QCoreApplication::applicationPid());
+    // Before this process becomes the one whose end tells: the suspicion outlives an end that is proper.
+    const QString suspicion = m_needsCheck ? uncleanMark : QStringLiteral("");
+    const bool isKept = zqReadMetadata(connection, zqSuspicionKey).toString() == suspicion ||
+                        zqWriteMetadata(connection, zqSuspicionKey, suspicion);
+    m_isMarked = isKept && zqWriteMetadata(connection, inUseKey, own);
     if (!m_isMarked) {
         qCInfo(zqLogStore, "opened for reading: %s", qUtf8Printable(connection.error().localizedDescription()));
     }
@@ -169,6 +209,10 @@ ZQPersistentStoreCoordinator::~ZQPersistentStoreCoordinator()
         return;
     }
     connection->value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+    const QString suspicion = m_isRecoveryWanted ? recoverMark : damagedMark;
+    if ((m_isDamaged || m_isRecoveryWanted) && !zqWriteMetadata(*connection, zqSuspicionKey, suspicion)) {
+        return; // an end that looks unclean is checked as well
+    }
     if (zqReadMetadata(*connection, inUseKey).toString() == processMark(QCoreApplication::applicationPid())) {
         zqWriteMetadata(*connection, inUseKey, QString(QLatin1String("")));
     }
@@ -200,29 +244,124 @@ bool ZQPersistentStoreCoordinator::isModelCompatible(const ZQManagedObjectModel 
     return model.entityVersionHashes() == metadata.entityVersionHashes;
 }
 
-QStringList ZQPersistentStoreCoordinator::checkIntegrity() const
+ZQStoreCheckResult ZQPersistentStoreCoordinator::checkStoreAtPath(const QString &path)
+{
+    zqFinishReplacingStore(path);
+    ZQError error;
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, &error);
+    if (!connection || !zqReadStoreMetadata(*connection, &error)) {
+        return {{error.localizedDescription()}, true};
+    }
+    return zqCheckStore(*connection, {});
+}
+
+ZQStoreCheckResult ZQPersistentStoreCoordinator::check(const std::stop_token &stop)
 {
     ZQError error;
     const auto connection = newConnection(&error);
     if (!connection) {
-        return {error.localizedDescription()};
+        return {{error.localizedDescription()}, false};
     }
-    QStringList problems;
-    ZQSQLiteStatement check = connection->prepare(QStringLiteral("PRAGMA quick_check"));
-    while (check.isValid() && check.next()) {
-        if (check.text(0) != QStringLiteral("ok")) {
-            problems.append(check.text(0));
+    const ZQStoreCheckResult result = zqCheckStore(*connection, stop);
+    if (!result.isComplete) {
+        return result;
+    }
+    const bool isSettled = m_needsCheck && result.isSound() && !m_isDamaged;
+    if (!result.isSound()) {
+        noteDamage();
+    }
+    if (isSettled || !result.isSound()) {
+        const std::lock_guard guard(m_writeLock);
+        if (zqWriteMetadata(*connection, zqSuspicionKey, isSettled ? QStringLiteral("") : damagedMark)) {
+            m_needsCheck = !isSettled;
         }
     }
-    ZQSQLiteStatement references = connection->prepare(QStringLiteral("PRAGMA foreign_key_check"));
-    while (references.isValid() && references.next()) {
-        problems.append(QStringLiteral("%1 row %2 refers to a missing row of %3")
-                            .arg(references.text(0), references.text(1), references.text(2)));
+    return result;
+}
+
+void ZQPersistentStoreCoordinator::requestRecovery()
+{
+    m_isRecoveryWanted = true;
+    const std::lock_guard guard(m_writeLock);
+    if (const auto connection = newConnection()) {
+        zqWriteMetadata(*connection, zqSuspicionKey, recoverMark);
     }
-    if (!check.isValid() || check.failed() || !references.isValid() || references.failed()) {
-        problems.append(connection->error().localizedDescription());
+}
+
+QStringList ZQPersistentStoreCoordinator::pendingVersions() const
+{
+    const auto connection = newConnection();
+    return connection ? linesOf(zqReadMetadata(*connection, zqPendingVersionsKey)) : QStringList();
+}
+
+bool ZQPersistentStoreCoordinator::clearPendingVersion(const QString &version)
+{
+    const std::lock_guard guard(m_writeLock);
+    const auto connection = newConnection();
+    if (!connection) {
+        return false;
     }
-    return problems;
+    ZQSQLiteTransaction transaction(*connection);
+    QStringList pending = linesOf(zqReadMetadata(*connection, zqPendingVersionsKey));
+    QStringList progress = linesOf(zqReadMetadata(*connection, zqProgressKey));
+    pending.removeAll(version);
+    progress.removeIf([&](const QString &line) { return line.startsWith(version + u'='); });
+    return transaction.isOpen() && zqWriteMetadata(*connection, zqPendingVersionsKey, pending.join(u'\n')) &&
+           zqWriteMetadata(*connection, zqProgressKey, progress.join(u'\n')) && transaction.commit();
+}
+
+qint64 ZQPersistentStoreCoordinator::numberNamed(const QString &name, const QString &metadataKey) const
+{
+    const auto connection = newConnection();
+    const QStringList lines = connection ? linesOf(zqReadMetadata(*connection, metadataKey)) : QStringList();
+    for (const QString &line : lines) {
+        if (line.startsWith(name + u'=')) {
+            return line.mid(name.size() + 1).toLongLong();
+        }
+    }
+    return 0;
+}
+
+qint64 ZQPersistentStoreCoordinator::pendingProgress(const QString &version) const
+{
+    return numberNamed(version, zqProgressKey);
+}
+
+qint64 ZQPersistentStoreCoordinator::lastKeyBeforeMigration(const QString &tableName) const
+{
+    return numberNamed(tableName, zqLastKeysKey);
+}
+
+bool ZQPersistentStoreCoordinator::setPendingProgress(const QString &version, qint64 key)
+{
+    const std::lock_guard guard(m_writeLock);
+    const auto connection = newConnection();
+    if (!connection) {
+        return false;
+    }
+    ZQSQLiteTransaction transaction(*connection);
+    QStringList lines = linesOf(zqReadMetadata(*connection, zqProgressKey));
+    lines.removeIf([&](const QString &line) { return line.startsWith(version + u'='); });
+    lines.append(QStringLiteral("%1=%2").arg(version).arg(key));
+    return transaction.isOpen() && zqWriteMetadata(*connection, zqProgressKey, lines.join(u'\n')) &&
+           transaction.commit();
+}
+
+void ZQPersistentStoreCoordinator::removeCopiesBeforeMigration()
+{
+    const std::lock_guard guard(m_writeLock);
+    const auto connection = newConnection();
+    const QStringList names = connection ? linesOf(zqReadMetadata(*connection, zqPendingCopiesKey)) : QStringList();
+    const QFileInfo store(m_path);
+    for (const QString &name : names) {
+        // The list is read from a file: only what a migration itself names may go.
+        if (name.startsWith(store.fileName() + QStringLiteral(".before-")) && !name.contains(u'/')) {
+            QFile::remove(store.absolutePath() + u'/' + name);
+        }
+    }
+    if (!names.isEmpty()) {
+        zqWriteMetadata(*connection, zqPendingCopiesKey, QStringLiteral(""));
+    }
 }
 
 std::unique_ptr<ZQSQLiteConnection> ZQPersistentStoreCoordinator::newConnection(ZQError *error) const

@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 
 class ZQSQLiteConnection;
 
@@ -20,6 +21,7 @@ struct ZQStoreMetadata
     QStringList versionIdentifiers;
     QHash<QString, QByteArray> entityVersionHashes;
     QByteArray modelJSON;
+    QStringList pendingVersions; // see `ZQPersistentStoreCoordinator::pendingVersions`
 };
 
 struct ZQStoreOptions
@@ -43,15 +45,32 @@ enum class ZQStoreError {
 };
 inline const QString ZQStoreErrorDomain = QStringLiteral("ZQStore");
 
+// What a look for damage found. Sound is only what is complete and has no problems.
+struct ZQStoreCheckResult
+{
+    QStringList problems;
+    bool isComplete = false;
+    bool isSound() const { return isComplete && problems.isEmpty(); }
+};
+
+// What a recovery brought back.
+struct ZQStoreRecovery
+{
+    QString keptPath;                  // the damaged store, with its log beside it
+    QHash<QString, qint64> rows;       // by the entity's name; by the table's for many-to-many relationships
+    QHash<QString, qint64> unreadable; // by the root entity's name: at least so many
+};
+
 // One SQLite store and the way to its connections. Shared by the contexts of all threads; every function may be called
 // from any thread.
 class ZQPersistentStoreCoordinator : public std::enable_shared_from_this<ZQPersistentStoreCoordinator>
 {
 public:
     // Opens `path`, making an empty store when there is no file. An older store is migrated by inference inside one
-    // transaction after a copy was put beside it (PATH.before-VERSION, removed once the migration is committed); a
-    // failed migration leaves it as it was. A store of a newer version is refused. Null with `error` (domain
-    // ZQStoreErrorDomain).
+    // transaction after a copy was put beside it (PATH.before-VERSION, which stays until
+    // `removeCopiesBeforeMigration`); a failed migration leaves it as it was. A store of a newer version is refused.
+    // After an unclean end the store is looked at for about a second first, and refused as Damaged, unchanged, when
+    // that finds something. Null with `error` (domain ZQStoreErrorDomain).
     static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model,
                                                               const QString &path, const ZQStoreOptions &options = {},
                                                               ZQError *error = nullptr);
@@ -61,10 +80,14 @@ public:
     static std::optional<ZQStoreMetadata> metadataForStoreAtPath(const QString &path, ZQError *error = nullptr);
     static bool isModelCompatible(const ZQManagedObjectModel &model, const ZQStoreMetadata &metadata);
 
-    // Copies what can be read of a damaged store into a new one at `path` and keeps the old file beside it; the answer
-    // is the path of the kept file.
-    static std::optional<QString> recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model,
-                                                     const QString &path, ZQError *error = nullptr);
+    // Looks for damage in a store that need not be one that can be opened. Linear in the store. Nobody may have it
+    // open.
+    static ZQStoreCheckResult checkStoreAtPath(const QString &path);
+    // Copies what can be read of a damaged store into a new one, which takes its place; the damaged one is kept beside
+    // it. A process killed meanwhile leaves one of the two at `path`, whole. Nothing, and nothing changed, after an
+    // error.
+    static std::optional<ZQStoreRecovery> recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model,
+                                                             const QString &path, ZQError *error = nullptr);
 
     const std::shared_ptr<const ZQManagedObjectModel> &managedObjectModel() const { return m_model; }
     QString path() const { return m_path; }
@@ -79,17 +102,40 @@ public:
 
     // Whether the last process that wrote this store ended without closing it.
     bool wasUncleanlyClosed() const { return m_wasUnclean; }
-    // Runs the database's own integrity check; an empty list is a sound store. Takes time linear in the store.
-    QStringList checkIntegrity() const;
+    // Whether an unclean end, of whichever process, was not followed by a whole check yet.
+    bool needsCheck() const { return m_needsCheck; }
+    // The whole check, linear in the store; settles `needsCheck`. A store that fails is refused by the next `open`. A
+    // stop, from any thread, ends it within moments without an answer.
+    ZQStoreCheckResult check(const std::stop_token &stop = {});
+    // Has the next `open` refuse the store with `userInfo["recoveryWanted"]`, when its check confirms the damage.
+    void requestRecovery();
+    // The problems it finds; an empty list is a sound store.
+    QStringList checkIntegrity() { return check().problems; }
+
+    // The versions this store was migrated past whose content is not filled in yet, oldest first. Noted in the
+    // migration's own transaction.
+    QStringList pendingVersions() const;
+    bool clearPendingVersion(const QString &version);
+    // The last key of the table that rows had before it; what came later owes nothing.
+    qint64 lastKeyBeforeMigration(const QString &tableName) const;
+    // How far filling in has come: the key of the last row done; 0 at first.
+    qint64 pendingProgress(const QString &version) const;
+    bool setPendingProgress(const QString &version, qint64 key);
+    // Once nothing needs the state before a migration any more.
+    void removeCopiesBeforeMigration();
 
     // For contexts: a connection of their own, with the functions registered and foreign keys on.
     std::unique_ptr<ZQSQLiteConnection> newConnection(ZQError *error = nullptr) const;
+    // For contexts: a read met damage.
+    void noteDamage() { m_isDamaged = true; }
     // For contexts: held while a save writes, so that saves of one process queue instead of meeting the busy timeout.
-    std::mutex &writeLock() { return m_writeLock; }
+    std::mutex &writeLock() const { return m_writeLock; }
 
 private:
     ZQPersistentStoreCoordinator() = default;
     bool prepareStore(ZQSQLiteConnection &connection, const ZQStoreOptions &options, ZQError *error);
+    qint64 numberNamed(const QString &name, const QString &metadataKey) const;
+    bool checkAfterUncleanEnd(ZQSQLiteConnection &connection, ZQError *error);
     void readOrigin(ZQSQLiteConnection &connection);
     void markInUse(ZQSQLiteConnection &connection);
 
@@ -99,6 +145,9 @@ private:
     QDateTime m_creationDate;
     std::atomic<bool> m_wasRecovered = false;
     bool m_wasUnclean = false;
+    std::atomic<bool> m_needsCheck = false;
+    std::atomic<bool> m_isDamaged = false;
+    std::atomic<bool> m_isRecoveryWanted = false;
     bool m_isMarked = false;
-    std::mutex m_writeLock;
+    mutable std::mutex m_writeLock;
 };

@@ -6,6 +6,7 @@
 #include "Kit/Persistence/ZQStoreSchema.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -70,8 +71,9 @@ QStringList oldNames(const QString &renamingIdentifier, const QString &name)
 class Migration
 {
 public:
-    Migration(ZQSQLiteConnection &connection, const ZQManagedObjectModel &from, const ZQManagedObjectModel &to)
-        : m_connection(connection), m_from(from), m_to(to)
+    Migration(ZQSQLiteConnection &connection, const ZQManagedObjectModel &from, const ZQManagedObjectModel &to,
+              const QString &copy)
+        : m_connection(connection), m_from(from), m_to(to), m_copy(copy)
     {
     }
 
@@ -79,7 +81,8 @@ public:
     {
         return match() && setOldTablesAside() && zqExecuteAll(m_connection, zqTableStatements(m_to)) &&
                copyEntities() && copyJoins() && clearDanglingReferences() && dropOldTables() &&
-               zqExecuteAll(m_connection, zqIndexStatements(m_to)) && zqWriteModelMetadata(m_connection, m_to);
+               zqExecuteAll(m_connection, zqIndexStatements(m_to)) && notePending() &&
+               zqWriteModelMetadata(m_connection, m_to);
     }
     QString problem() const { return m_problem; } // empty when the database failed
 
@@ -97,6 +100,8 @@ private:
     bool copyJoin(const ZQJoinTable &join);
     bool clearDanglingReferences();
     bool dropOldTables();
+    bool notePending();
+    bool addLines(const QString &key, const QStringList &lines);
     std::optional<QString> attributeExpression(const ZQAttributeDescription &attribute,
                                                const ZQEntityDescription &owner, const ZQEntityDescription &from,
                                                QVariantList &bindings);
@@ -109,6 +114,7 @@ private:
     ZQSQLiteConnection &m_connection;
     const ZQManagedObjectModel &m_from;
     const ZQManagedObjectModel &m_to;
+    QString m_copy;
     QHash<const ZQEntityDescription *, const ZQEntityDescription *> m_old; // new entity to old one
     QString m_problem;
 };
@@ -337,6 +343,32 @@ bool Migration::dropOldTables()
     return true;
 }
 
+bool Migration::addLines(const QString &key, const QStringList &lines)
+{
+    QStringList all = zqReadMetadata(m_connection, key).toString().split(u'\n', Qt::SkipEmptyParts) + lines;
+    all.removeDuplicates();
+    return zqWriteMetadata(m_connection, key, all.join(u'\n'));
+}
+
+// New columns are empty; what belongs in them is known above this folder. A store that passes several versions at once
+// owes what each of them brought.
+bool Migration::notePending()
+{
+    QStringList versions;
+    const int last = versionNumber(m_to.versionIdentifiers());
+    for (int version = versionNumber(m_from.versionIdentifiers()) + 1; version <= last; ++version) {
+        versions.append(QStringLiteral("Version%1").arg(version));
+    }
+    QStringList lastKeys;
+    for (const ZQEntityDescription *root : zqRootEntities(m_to)) {
+        const QVariant highest =
+            m_connection.value(QStringLiteral("SELECT max(\"id\") FROM ") + zqQuoted(root->tableName));
+        lastKeys.append(QStringLiteral("%1=%2").arg(root->tableName).arg(highest.toLongLong()));
+    }
+    return zqWriteMetadata(m_connection, zqLastKeysKey, lastKeys.join(u'\n')) &&
+           addLines(zqPendingVersionsKey, versions) && addLines(zqPendingCopiesKey, {QFileInfo(m_copy).fileName()});
+}
+
 // The refusals that need no look at the rows.
 bool mayMigrate(const ZQStoreMetadata &metadata, const ZQManagedObjectModel &model, const ZQStoreOptions &options,
                 ZQError *error)
@@ -358,8 +390,10 @@ bool mayMigrate(const ZQStoreMetadata &metadata, const ZQManagedObjectModel &mod
 
 bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
 {
-    // References must not follow the tables that are set aside, nor be enforced between the steps.
-    if (!connection.execute(QStringLiteral("PRAGMA foreign_keys=OFF; PRAGMA legacy_alter_table=ON"))) {
+    // References must not follow the tables that are set aside, nor be enforced between the steps. What is sorted for
+    // the new indexes of a large library belongs on the disk.
+    if (!connection.execute(
+            QStringLiteral("PRAGMA foreign_keys=OFF; PRAGMA legacy_alter_table=ON; PRAGMA temp_store=FILE"))) {
         return false;
     }
     ZQSQLiteTransaction transaction(connection);
@@ -393,16 +427,19 @@ bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metad
         zqSetError(error, migrationError(code, description, copyError.localizedDescription()));
         return false;
     }
-    Migration migration(connection, *oldModel, model);
+    Migration migration(connection, *oldModel, model, copy);
     if (!migrateInTransaction(connection, migration)) {
         const ZQError cause = connection.error();
         const QString reason = migration.problem().isEmpty() ? cause.localizedDescription() : migration.problem();
-        zqSetError(error, migrationError(ZQStoreError::MigrationFailed, description, reason));
+        // A damaged store can be recovered, in its old form, and migrated then.
+        zqSetError(error, cause.code == int(ZQStoreError::Damaged) && migration.problem().isEmpty()
+                              ? cause
+                              : migrationError(ZQStoreError::MigrationFailed, description, reason));
         qCWarning(zqLogStore, "migration failed: %s (%s)", qUtf8Printable(reason),
                   qUtf8Printable(cause.userInfo.value(QStringLiteral("sqliteMessage")).toString()));
         QFile::remove(copy);
         return false;
     }
-    QFile::remove(copy);
-    return connection.execute(QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON"));
+    return connection.execute(
+        QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY"));
 }

@@ -2,14 +2,17 @@
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreReplacement.h"
 #include "Kit/Persistence/ZQStoreSchema.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <functional>
 #include <limits>
+#include <vector>
 
 #include <sqlite3.h>
 
@@ -29,11 +32,14 @@ public:
     {
     }
     bool run();
-    qint64 rows() const { return m_rows; }
+    const ZQStoreRecovery &report() const { return m_report; }
     bool foundTables() const { return m_foundTables; }
 
 private:
     bool copyFamily(const ZQEntityDescription *root);
+    bool copyRows(const ZQEntityDescription *root, const QStringList &columns, qint64 highest);
+    qint64 missingKeys(const ZQEntityDescription *root, qint64 *highest);
+    bool copyMetadata();
     bool scan(const QString &sql, const QVariantList &bindings, const std::function<void(ZQSQLiteStatement &)> &row);
     bool copyJoin(const ZQJoinTable &join);
     bool clearDanglingReferences();
@@ -42,7 +48,7 @@ private:
     ZQSQLiteConnection &m_damaged;
     ZQSQLiteConnection &m_sound;
     const ZQManagedObjectModel &m_model;
-    qint64 m_rows = 0;
+    ZQStoreRecovery m_report;
     bool m_foundTables = false;
 };
 
@@ -85,6 +91,26 @@ bool Recovery::copyFamily(const ZQEntityDescription *root)
         return true;
     }
     m_foundTables = true;
+    const QVariant sequence =
+        m_damaged.value(QStringLiteral("SELECT \"last\" FROM \"zq_sequence\" WHERE \"name\" = ?"), {root->tableName});
+    qint64 highest = sequence.toLongLong();
+    if (!copyRows(root, columns, highest)) {
+        return false;
+    }
+    if (const qint64 missing = missingKeys(root, &highest); missing > 0) {
+        m_report.unreadable.insert(root->name, missing);
+    }
+    highest = std::max(
+        highest, m_sound.value(QStringLiteral("SELECT max(\"id\") FROM ") + zqQuoted(root->tableName)).toLongLong());
+    // Keys are never used twice, those of lost rows included.
+    highest += sequence.isValid() ? 0 : longestGap;
+    ZQSQLiteStatement write = m_sound.prepare(QStringLiteral("INSERT OR REPLACE INTO \"zq_sequence\" VALUES (?, ?)"));
+    write.bindVariants(0, {root->tableName, highest});
+    return write.run();
+}
+
+bool Recovery::copyRows(const ZQEntityDescription *root, const QStringList &columns, qint64 highest)
+{
     QStringList quoted;
     for (const QString &column : columns) {
         quoted.append(zqQuoted(column));
@@ -106,31 +132,59 @@ bool Recovery::copyFamily(const ZQEntityDescription *root)
             insert.bindVariant(i, row.variant(i));
         }
         isWritten = insert.run();
-        m_rows += m_sound.changedRows();
+        m_report.rows[entity->name] += m_sound.changedRows();
     };
     const QString select = QStringLiteral("SELECT %1 FROM %2 NOT INDEXED ").arg(list, table);
-    qint64 highest =
-        m_damaged.value(QStringLiteral("SELECT \"last\" FROM \"zq_sequence\" WHERE \"name\" = ?"), {root->tableName})
-            .toLongLong();
-    if (!scan(select + QStringLiteral("ORDER BY \"id\""), {}, copy)) {
-        const qint64 beforeGap = lastRead;
-        lastRead = 0;
-        scan(select + QStringLiteral("ORDER BY \"id\" DESC"), {}, copy);
-        const bool isEndKnown = lastRead > 0 || highest > 0;
-        const qint64 afterGap = lastRead > 0 ? lastRead : isEndKnown ? highest + 1 : std::numeric_limits<qint64>::max();
-        lastRead = beforeGap;
-        for (qint64 key = beforeGap + 1; key < afterGap && isWritten; ++key) {
-            scan(select + QStringLiteral("WHERE \"id\" = ?"), {key}, copy);
-            if (!isEndKnown && key - lastRead > longestGap) {
-                break;
-            }
+    if (scan(select + QStringLiteral("ORDER BY \"id\""), {}, copy)) {
+        return isWritten;
+    }
+    const qint64 beforeGap = lastRead;
+    lastRead = 0;
+    scan(select + QStringLiteral("ORDER BY \"id\" DESC"), {}, copy);
+    const bool isEndKnown = lastRead > 0 || highest > 0;
+    const qint64 afterGap = lastRead > 0 ? lastRead : isEndKnown ? highest + 1 : std::numeric_limits<qint64>::max();
+    lastRead = beforeGap;
+    for (qint64 key = beforeGap + 1; key < afterGap && isWritten; ++key) {
+        scan(select + QStringLiteral("WHERE \"id\" = ?"), {key}, copy);
+        if (!isEndKnown && key - lastRead > longestGap) {
+            break;
         }
     }
-    highest = std::max(highest, m_sound.value(QStringLiteral("SELECT max(\"id\") FROM ") + table).toLongLong());
-    ZQSQLiteStatement sequence =
-        m_sound.prepare(QStringLiteral("INSERT OR REPLACE INTO \"zq_sequence\" VALUES (?, ?)"));
-    sequence.bindVariants(0, {root->tableName, highest});
-    return isWritten && sequence.run();
+    return isWritten;
+}
+
+// How many rows the indexes of the damaged table still name that could not be copied; at least so many are lost.
+qint64 Recovery::missingKeys(const ZQEntityDescription *root, qint64 *highest)
+{
+    QStringList indexes;
+    scan(QStringLiteral("SELECT name FROM pragma_index_list(?)"), {root->tableName},
+         [&](ZQSQLiteStatement &row) { indexes.append(row.text(0)); });
+    std::vector<qint64> named;
+    const QString table = zqQuoted(root->tableName);
+    for (const QString &index : std::as_const(indexes)) {
+        const auto sizeBefore = named.size();
+        const bool isWhole = scan(QStringLiteral("SELECT \"id\" FROM %1 INDEXED BY %2").arg(table, zqQuoted(index)), {},
+                                  [&](ZQSQLiteStatement &row) {
+                                      if (row.int64(0) > 0) {
+                                          named.push_back(row.int64(0));
+                                      }
+                                  });
+        std::sort(named.begin(), named.end());
+        named.erase(std::unique(named.begin(), named.end()), named.end());
+        if (isWhole && named.size() > sizeBefore) {
+            break; // one whole index names every row
+        }
+    }
+    if (named.empty()) {
+        return 0;
+    }
+    *highest = std::max(*highest, named.back());
+    qint64 known = 0;
+    ZQSQLiteStatement all = m_sound.prepare(QStringLiteral("SELECT \"id\" FROM %1").arg(table));
+    while (all.next()) {
+        known += std::binary_search(named.begin(), named.end(), all.int64(0)) ? 1 : 0;
+    }
+    return qint64(named.size()) - known;
 }
 
 bool Recovery::copyJoin(const ZQJoinTable &join)
@@ -145,6 +199,7 @@ bool Recovery::copyJoin(const ZQJoinTable &join)
         insert.bind(0, row.int64(0));
         insert.bind(1, row.int64(1));
         isWritten = isWritten && insert.run();
+        m_report.rows[join.relationship->joinTable] += m_sound.changedRows();
     };
     const QString select = QStringLiteral("SELECT %1, %2 FROM %3 ").arg(own, other, table);
     if (!scan(select, {}, copy)) {
@@ -198,7 +253,19 @@ bool Recovery::run()
             return false;
         }
     }
-    return clearDanglingReferences();
+    return clearDanglingReferences() && copyMetadata();
+}
+
+// What was still to be done for the damaged store is to be done for this one.
+bool Recovery::copyMetadata()
+{
+    for (const QString &key : {zqPendingVersionsKey, zqPendingCopiesKey, zqProgressKey, zqLastKeysKey}) {
+        const QVariant value = zqReadMetadata(m_damaged, key);
+        if (value.isValid() && !zqWriteMetadata(m_sound, key, value)) {
+            return false;
+        }
+    }
+    return zqWriteMetadata(m_sound, zqRecoveredKey, QDateTime::currentMSecsSinceEpoch());
 }
 
 std::unique_ptr<ZQSQLiteConnection> openDamaged(const QString &path, ZQError *error)
@@ -240,19 +307,20 @@ QString withoutTornPage(const QString &path, const QString &copy)
     if (pageSize < 512 || file.size() % pageSize == 0) {
         return path;
     }
-    removeDatabase(copy);
     const QString wal = QStringLiteral("-wal");
     const bool isCopied =
         QFile::copy(path, copy) && (!QFile::exists(path + wal) || QFile::copy(path + wal, copy + wal));
     return isCopied && QFile::resize(copy, file.size() / pageSize * pageSize) ? copy : QString();
 }
 
-// Fills `target` from the store at `path`; false with the error when nothing was to be read or written.
-bool fillFrom(const QString &path, const QString &target, const ZQManagedObjectModel &givenModel, ZQError *error)
+// Fills `target` from the store at `path`, whole and closed; nothing with the error when nothing was to be read or
+// written.
+std::optional<ZQStoreRecovery> fillFrom(const QString &path, const QString &target,
+                                        const ZQManagedObjectModel &givenModel, ZQError *error)
 {
     const auto damaged = openDamaged(path, error);
     if (!damaged) {
-        return false;
+        return std::nullopt;
     }
     // An older store is recovered in its own form; opening it migrates it.
     const auto metadata = zqReadStoreMetadata(*damaged, nullptr);
@@ -260,74 +328,74 @@ bool fillFrom(const QString &path, const QString &target, const ZQManagedObjectM
     const ZQManagedObjectModel &model = ownModel ? *ownModel : givenModel;
     const auto sound = ZQSQLiteConnection::open(target, ZQSQLiteConnection::Mode::Create, error);
     if (!sound) {
-        return false;
+        return std::nullopt;
     }
-    sound->value(QStringLiteral("PRAGMA journal_mode=WAL"));
-    sound->execute(QStringLiteral("PRAGMA foreign_keys=OFF"));
-    ZQSQLiteTransaction transaction(*sound);
+    // The file is thrown away unless it comes to its end, so it needs no journal of its own until then.
+    sound->value(QStringLiteral("PRAGMA journal_mode=MEMORY"));
+    sound->execute(QStringLiteral("PRAGMA foreign_keys=OFF; PRAGMA synchronous=OFF"));
     Recovery recovery(*damaged, *sound, model);
-    if (!transaction.isOpen() || !zqCreateStore(*sound, model, metadata ? metadata->storeUUID : QUuid::createUuid()) ||
-        !recovery.run() || !zqWriteMetadata(*sound, zqRecoveredKey, QDateTime::currentMSecsSinceEpoch()) ||
-        (recovery.foundTables() && !transaction.commit())) {
-        zqSetError(error, sound->error());
-        return false;
+    {
+        ZQSQLiteTransaction transaction(*sound);
+        if (!transaction.isOpen() ||
+            !zqCreateStore(*sound, model, metadata ? metadata->storeUUID : QUuid::createUuid()) || !recovery.run() ||
+            (recovery.foundTables() && !transaction.commit())) {
+            zqSetError(error, sound->error());
+            return std::nullopt;
+        }
     }
     if (!recovery.foundTables()) {
         zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Damaged),
                                         zqLocalized("Nothing could be read from the damaged library."),
                                         zqLocalized("Put back a copy from a backup; the file is unchanged.")));
-        return false;
+        return std::nullopt;
     }
-    qCInfo(zqLogStore, "recovered %lld rows", static_cast<long long>(recovery.rows()));
-    return true;
+    if (sound->value(QStringLiteral("PRAGMA journal_mode=WAL")).toString() != QStringLiteral("wal")) {
+        zqSetError(error, sound->error());
+        return std::nullopt;
+    }
+    return recovery.report();
 }
 
 } // namespace
 
-std::optional<QString>
+std::optional<ZQStoreRecovery>
 ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManagedObjectModel> model, const QString &path,
                                                  ZQError *error)
 {
+    zqFinishReplacingStore(path);
     const QString target = path + QStringLiteral(".recovering");
     removeDatabase(target);
     const QString copy = path + QStringLiteral(".recovering-source");
-    const QString source = withoutTornPage(path, copy);
-    ZQError cause;
-    if (source.isEmpty()) {
-        cause = zqStoreErrorForSQLite(SQLITE_FULL, QString(), copy);
-    }
-    const bool isFilled = model && QFile::exists(path) && !source.isEmpty() && fillFrom(source, target, *model, &cause);
     removeDatabase(copy);
-    if (!isFilled) {
+    const auto failed = [&](const ZQError &cause) {
+        removeDatabase(copy);
         removeDatabase(target);
-        zqSetError(error, !cause.isNull() ? cause
-                                          : ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
-                                                          zqLocalized("There is no library database at this place."),
-                                                          zqLocalized("Choose another library.")));
+        zqSetError(error, cause);
         return std::nullopt;
+    };
+    if (!model || !QFile::exists(path)) {
+        return failed(ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
+                                    zqLocalized("There is no library database at this place."),
+                                    zqLocalized("Choose another library.")));
     }
-    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    QString kept = path + QStringLiteral(".damaged-") + stamp;
-    for (int attempt = 2; QFile::exists(kept); ++attempt) {
-        kept = path + QStringLiteral(".damaged-%1-%2").arg(stamp).arg(attempt);
+    const QString source = withoutTornPage(path, copy);
+    if (source.isEmpty()) {
+        return failed(zqStoreErrorForSQLite(SQLITE_FULL, QString(), copy));
     }
-    const QString wal = QStringLiteral("-wal");
-    bool isMoved = QFile::rename(path, kept);
-    if (isMoved && QFile::exists(path + wal)) {
-        isMoved = QFile::rename(path + wal, kept + wal);
+    ZQError cause;
+    std::optional<ZQStoreRecovery> report = fillFrom(source, target, *model, &cause);
+    if (!report) {
+        return failed(cause);
     }
-    QFile::remove(path + QStringLiteral("-shm"));
-    if (!isMoved || !QFile::rename(target, path)) {
-        if (!QFile::exists(path)) {
-            QFile::rename(kept, path);
-            QFile::rename(kept + wal, path + wal);
-        }
-        removeDatabase(target);
-        zqSetError(error,
-                   ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
-                                 zqLocalized("The recovered library could not be put in place."),
-                                 zqLocalized("Check the permissions of its folder; the damaged file is unchanged.")));
-        return std::nullopt;
+    if (QFile::exists(target + QStringLiteral("-wal"))) { // not all of it reached the file itself
+        return failed(zqStoreErrorForSQLite(SQLITE_FULL, QString(), target));
     }
-    return kept;
+    const std::optional<QString> kept = zqReplaceStore(path, target, &cause);
+    if (!kept) {
+        return failed(cause);
+    }
+    removeDatabase(copy);
+    report->keptPath = *kept;
+    qCInfo(zqLogStore, "recovered the store; the damaged one is %s", qUtf8Printable(*kept));
+    return report;
 }

@@ -217,6 +217,8 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
     for (auto entry = object.constBegin(); entry != object.constEnd(); ++entry) {
         metadata.entityVersionHashes.insert(entry.key(), entry.value().toString().toLatin1());
     }
+    metadata.pendingVersions =
+        zqReadMetadata(connection, zqPendingVersionsKey).toString().split(u'\n', Qt::SkipEmptyParts);
     metadata.modelJSON = zqReadMetadata(connection, QStringLiteral("model")).toString().toUtf8();
     return metadata;
 }

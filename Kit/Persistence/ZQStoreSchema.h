@@ -41,6 +41,14 @@ bool zqExecuteAll(ZQSQLiteConnection &connection, const QStringList &statements)
 // Entries of the metadata table beside those of the model.
 inline const QString zqCreatedKey = QStringLiteral("created");     // milliseconds since 1970
 inline const QString zqRecoveredKey = QStringLiteral("recovered"); // milliseconds since 1970; 0: not, or seen to
+// "": closed properly and checked. "unclean": to be checked. "damaged": damage was met.
+inline const QString zqSuspicionKey = QStringLiteral("suspicion");
+// After a migration: versions whose content is not filled in yet, the names of the copies made before it, and how far
+// whoever fills something in has come ("VERSION=KEY"). One a line.
+inline const QString zqPendingVersionsKey = QStringLiteral("pendingVersions");
+inline const QString zqPendingCopiesKey = QStringLiteral("copiesBeforeMigration");
+inline const QString zqProgressKey = QStringLiteral("pendingProgress");
+inline const QString zqLastKeysKey = QStringLiteral("lastKeysBeforeMigration"); // "TABLE=KEY"
 
 // What is written in the metadata table about the model.
 bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model);

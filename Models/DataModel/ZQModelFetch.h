@@ -12,12 +12,13 @@ using ZQFetched = std::optional<QList<ZQRef<T>>>;
 void zqLogFetchError(const ZQError &error);
 
 template <class T>
-ZQFetched<T> zqFetch(ZQManagedObjectContext &context, const ZQFetchRequest &request)
+ZQFetched<T> zqFetch(ZQManagedObjectContext &context, const ZQFetchRequest &request, ZQError *failure = nullptr)
 {
     ZQError error;
     auto objects = context.fetch<T>(request, &error);
     if (!objects) {
         zqLogFetchError(error);
+        zqSetError(failure, error);
     }
     return objects;
 }
@@ -32,14 +33,17 @@ ZQFetched<T> zqFetch(ZQManagedObjectContext &context, const QString &format, con
                                               .sortDescriptors = sortDescriptors});
 }
 
-// The first of them; null for none and after an error.
+// The first of them; null for none and after an error, which `failure` tells from none. Who inserts what it does not
+// find has to ask.
 template <class T>
-ZQRef<T> zqFetchFirst(ZQManagedObjectContext &context, const QString &format, const QVariantList &arguments = {})
+ZQRef<T> zqFetchFirst(ZQManagedObjectContext &context, const QString &format, const QVariantList &arguments = {},
+                      ZQError *failure = nullptr)
 {
-    const auto objects =
-        zqFetch<T>(context, ZQFetchRequest{.entityName = T::entityName(),
-                                           .predicate = ZQPredicate::predicateWithFormat(format, arguments),
-                                           .fetchLimit = 1});
+    const auto objects = zqFetch<T>(context,
+                                    ZQFetchRequest{.entityName = T::entityName(),
+                                                   .predicate = ZQPredicate::predicateWithFormat(format, arguments),
+                                                   .fetchLimit = 1},
+                                    failure);
     return objects && !objects->isEmpty() ? objects->first() : ZQRef<T>();
 }
 

@@ -38,12 +38,13 @@ bool isOrdered(const ZQRef<ZQSidebarBaseItem> &a, const ZQRef<ZQSidebarBaseItem>
 
 } // namespace
 
-ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::specialItemOfKind(int kind, ZQManagedObjectContext &context)
+ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::specialItemOfKind(int kind, ZQManagedObjectContext &context,
+                                                              ZQError *failure)
 {
     // Everything a person made has kind 0 as well; only the label is fixed.
     const QString format = kind == int(ZQSidebarKind::LibraryLabel) ? QStringLiteral("kind == %@ AND is_Label == YES")
                                                                     : QStringLiteral("kind == %@");
-    return zqFetchFirst<ZQSidebarBaseItem>(context, format, {kind});
+    return zqFetchFirst<ZQSidebarBaseItem>(context, format, {kind}, failure);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::libraryProjectInManagedObjectContext(ZQManagedObjectContext &context)

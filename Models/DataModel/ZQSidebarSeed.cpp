@@ -73,6 +73,29 @@ ZQRef<ZQSidebarBaseItem> addFixedEntry(const FixedEntry &entry, ZQManagedObjectC
     return item;
 }
 
+bool canTellWhatIsMissing(ZQManagedObjectContext &context, ZQError *error)
+{
+    QList<int> kinds;
+    for (const FixedEntry &entry : fixedEntries) {
+        kinds.append(int(entry.kind));
+    }
+    for (int size = int(ZQSidebarKind::FirstSize); size <= int(ZQSidebarKind::LastSize); ++size) {
+        kinds.append(size);
+    }
+    for (int color = int(ZQSidebarKind::FirstColor); color <= int(ZQSidebarKind::LastColor); ++color) {
+        kinds.append(color);
+    }
+    for (const int kind : std::as_const(kinds)) {
+        ZQError failure;
+        ZQSidebarBaseItem::specialItemOfKind(kind, context, &failure);
+        if (!failure.isNull()) {
+            zqSetError(error, failure);
+            return false;
+        }
+    }
+    return true;
+}
+
 void addSampleProject(ZQSidebarBaseItem &label, ZQManagedObjectContext &context)
 {
     const auto project = context.insertNewObject<ZQSidebarProject>();
@@ -99,8 +122,12 @@ void updateTitle(int kind, const char *title, ZQManagedObjectContext &context)
 
 } // namespace
 
-void zqSeedFixedSidebar(ZQManagedObjectContext &context)
+bool zqSeedFixedSidebar(ZQManagedObjectContext &context, ZQError *error)
 {
+    // Before the first is added: one that only cannot be read must not be there twice.
+    if (!canTellWhatIsMissing(context, error)) {
+        return false;
+    }
     for (const FixedEntry &entry : fixedEntries) {
         const auto added = addFixedEntry(entry, context);
         if (added && entry.kind == ZQSidebarKind::ProjectsLabel) {
@@ -115,6 +142,7 @@ void zqSeedFixedSidebar(ZQManagedObjectContext &context)
     for (int color = int(ZQSidebarKind::FirstColor); color <= int(ZQSidebarKind::LastColor); ++color) {
         ZQSidebarTag::tagForColor(color, context);
     }
+    return true;
 }
 
 void zqUpdateFixedTitles(ZQManagedObjectContext &context)

@@ -1,6 +1,7 @@
 #include "Classes/Interface/BrowserContent.h"
 
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
@@ -108,4 +109,33 @@ TEST_F(BrowserContentTest, TellsOnlyOfRowsThatCameWentOrMoved)
     wait();
     EXPECT_EQ(changes, 3) << "a filter that leaves the rows as they are is still answered";
     EXPECT_EQ(content.unfilteredCount(), 3);
+}
+
+TEST_F(BrowserContentTest, RowsThatCannotBeReadAreAnErrorAndNotAnEmptyList)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    project->addItems({items[0]});
+    library.context().save();
+    show(project);
+    ASSERT_EQ(content.count(), 1);
+    const auto connection = library.coordinator()->newConnection();
+    const auto rename = [&](const char *from, const char *to) {
+        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                            .arg(QLatin1String(from), QLatin1String(to))));
+    };
+    rename("ZQProjectItem", "away");
+    changes = 0;
+    content.reload();
+    wait();
+    EXPECT_EQ(changes, 1);
+    EXPECT_FALSE(content.error().isNull());
+    EXPECT_EQ(content.count(), 0);
+    EXPECT_TRUE(content.emptyText().startsWith(QStringLiteral("The library could not be read\n\n")));
+    EXPECT_GT(content.emptyText().size(), QStringLiteral("The library could not be read\n\n").size());
+    EXPECT_EQ(content.unfilteredCount(), 1) << "how many there are is not known to have changed";
+    rename("away", "ZQProjectItem");
+    content.reload();
+    wait();
+    EXPECT_TRUE(content.error().isNull());
+    EXPECT_EQ(content.count(), 1);
 }

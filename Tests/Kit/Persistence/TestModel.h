@@ -2,7 +2,10 @@
 
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 
+#include <QFile>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include <cstddef>
 
@@ -242,3 +245,24 @@ public:
 private:
     std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
 };
+
+inline QByteArray contentOfFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Tags "tag 0 tag 0 …", each with a document.
+inline void fillTestTags(TestStore &store, int count)
+{
+    ZQManagedObjectContext context(store.coordinator());
+    for (int i = 0; i < count; ++i) {
+        const auto tag = context.insertNewObject<TestTag>();
+        tag->setName(QStringLiteral("tag %1 ").arg(i).repeated(20));
+        tag->setWeight(i);
+        const auto document = context.insertNewObject<TestDocument>();
+        document->setTitle(QString::number(i));
+        document->addTag(tag.get());
+    }
+    ASSERT_TRUE(context.save(&store.error)) << qPrintable(store.error.localizedDescription());
+}

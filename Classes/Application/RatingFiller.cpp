@@ -1,0 +1,83 @@
+#include "Classes/Application/RatingFiller.h"
+
+#include "Kit/Foundation/ZQLog.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
+
+#include <algorithm>
+
+namespace {
+constexpr qsizetype itemsPerSave = 300;
+constexpr int savesPerNote = 10;
+constexpr int attempts = 3; // a person may rate an item while its file is read
+} // namespace
+
+bool RatingFiller::isToDo() const
+{
+    return m_coordinator->pendingVersions().contains(version);
+}
+
+bool RatingFiller::run(const std::function<bool()> &goesOn)
+{
+    if (!isToDo()) {
+        return true;
+    }
+    ZQManagedObjectContext context(m_coordinator);
+    ZQError error;
+    auto ids = context.fetchObjectIDs({ZQLibraryBaseItem::entityName()}, &error);
+    if (!ids) {
+        zqLogFetchError(error);
+        return false;
+    }
+    const QString table = context.model().entity(ZQLibraryBaseItem::entityName())->root->tableName;
+    const qint64 done = m_coordinator->pendingProgress(version);
+    const qint64 last = m_coordinator->lastKeyBeforeMigration(table);
+    ids->removeIf([&](const ZQObjectID &id) { return id.key <= done || id.key > last; });
+    std::sort(ids->begin(), ids->end(), [](const ZQObjectID &a, const ZQObjectID &b) { return a.key < b.key; });
+    const auto telling = context.observeDidSave(m_saved);
+    int unnoted = 0;
+    for (qsizetype first = 0; first < ids->size(); first += itemsPerSave) {
+        const QList<ZQObjectID> batch = ids->mid(first, itemsPerSave);
+        Result result = Result::Failed;
+        for (int attempt = 0; attempt < attempts && result == Result::Failed; ++attempt) {
+            result = fill(batch, context, goesOn);
+        }
+        const bool goesOnAfter = result == Result::Done && goesOn();
+        if (result == Result::Done && (++unnoted == savesPerNote || !goesOnAfter)) {
+            unnoted = 0;
+            m_coordinator->setPendingProgress(version, batch.last().key);
+        }
+        if (!goesOnAfter && (result != Result::Done || first + itemsPerSave < ids->size())) {
+            return false;
+        }
+    }
+    return m_coordinator->clearPendingVersion(version);
+}
+
+RatingFiller::Result RatingFiller::fill(const QList<ZQObjectID> &batch, ZQManagedObjectContext &context,
+                                        const std::function<bool()> &goesOn)
+{
+    context.reset();
+    QList<ZQRef<ZQManagedObject>> objects;
+    for (const ZQObjectID &id : batch) {
+        objects.append(context.objectWithID(id));
+    }
+    context.fillFaults(batch);
+    for (const ZQRef<ZQManagedObject> &object : std::as_const(objects)) {
+        if (!goesOn()) {
+            return Result::Stopped;
+        }
+        const auto item = zqCast<ZQLibraryBaseItem>(object);
+        const QString path = item && item->rating() == 0 ? item->itemURL() : QString();
+        const int rating = path.isEmpty() ? 0 : ZQLibraryEnvironment::current().ratingOfFile(path).value_or(0);
+        if (rating > 0) {
+            item->setRating(static_cast<qint16>(rating));
+        }
+    }
+    ZQError error;
+    if (!context.save(&error)) {
+        qCInfo(zqLogStore, "ratings not saved: %s", qUtf8Printable(error.localizedDescription()));
+        return Result::Failed;
+    }
+    return Result::Done;
+}

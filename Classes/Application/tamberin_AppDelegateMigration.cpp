@@ -1,0 +1,195 @@
+// What a library of an older version lacks after its store was migrated, and what is looked after beside the window.
+
+#include "Classes/Application/CoreDataMigrationWindowController.h"
+#include "Classes/Application/RatingFiller.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTimeZone>
+
+#include <algorithm>
+
+namespace {
+
+struct FixUp
+{
+    const char *version;
+    const char *missing; // what it has not been done for
+    void (*apply)(ZQLibraryBaseItem &item);
+};
+constexpr FixUp fixUps[] = {
+    {"Version6", "creation_date == nil",
+     [](ZQLibraryBaseItem &item) {
+         const QString path = zqURLFromPersistentData(item.itemURLData());
+         if (const auto dates = path.isEmpty() ? std::nullopt : zqFileDates(path)) {
+             item.setCreation_date(QDateTime::fromMSecsSinceEpoch(dates->birth, Qt::UTC));
+         }
+     }},
+    {"Version7", "thumbName == nil",
+     [](ZQLibraryBaseItem &item) { item.setThumbName(item.title() + QStringLiteral("_thumb.png")); }},
+};
+constexpr qsizetype itemsPerSave = 1000;
+
+// The items that were there before the migration and still lack it; nothing after an error, which was logged.
+std::optional<QList<ZQObjectID>> itemsLacking(const FixUp &fixUp, ZQManagedObjectContext &context)
+{
+    ZQError error;
+    auto ids = context.fetchObjectIDs(
+        {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(QLatin1String(fixUp.missing))}, &error);
+    if (!ids) {
+        zqLogFetchError(error);
+        return std::nullopt;
+    }
+    const QString table = context.model().entity(ZQLibraryBaseItem::entityName())->root->tableName;
+    const qint64 last = context.persistentStoreCoordinator()->lastKeyBeforeMigration(table);
+    if (last > 0) {
+        ids->removeIf([last](const ZQObjectID &id) { return id.key > last; });
+    }
+    return ids;
+}
+
+bool applyTo(const QList<ZQObjectID> &batch, const FixUp &fixUp, ZQManagedObjectContext &context, ZQError *error)
+{
+    {
+        QList<ZQRef<ZQManagedObject>> objects;
+        for (const ZQObjectID &id : batch) {
+            objects.append(context.objectWithID(id));
+        }
+        context.fillFaults(batch);
+        for (const ZQRef<ZQManagedObject> &object : std::as_const(objects)) {
+            if (const auto item = zqCast<ZQLibraryBaseItem>(object)) {
+                fixUp.apply(*item);
+            }
+        }
+        if (!context.save(error)) {
+            return false;
+        }
+    }
+    context.reset(); // a library of any size in the memory of one batch
+    return true;
+}
+
+} // namespace
+
+void tamberin_AppDelegate::checkModelMigration()
+{
+    const QString bundle = libraryBundleDirectory();
+    const QString path = bundle + QStringLiteral("/storedata");
+    if (bundle.isEmpty() || !QFileInfo::exists(path)) {
+        return;
+    }
+    const auto metadata = ZQPersistentStoreCoordinator::metadataForStoreAtPath(path);
+    if (!metadata || (ZQPersistentStoreCoordinator::isModelCompatible(*managedObjectModel(), *metadata) &&
+                      metadata->pendingVersions.isEmpty())) {
+        return;
+    }
+    const auto coordinator = persistentStoreCoordinator();
+    if (!coordinator) {
+        return;
+    }
+    const QStringList pending = coordinator->pendingVersions();
+    for (const QString &version : pending) {
+        if (version != RatingFiller::version && !fillInVersion(version)) {
+            return; // it is still noted as pending, and the copy from before stays
+        }
+    }
+    coordinator->removeCopiesBeforeMigration();
+}
+
+void tamberin_AppDelegate::migrateToModelVersion(const QString &version)
+{
+    fillInVersion(version);
+}
+
+bool tamberin_AppDelegate::fillInVersion(const QString &version)
+{
+    const auto *fixUp = std::find_if(std::begin(fixUps), std::end(fixUps),
+                                     [&](const FixUp &each) { return version == QLatin1String(each.version); });
+    const auto coordinator = persistentStoreCoordinator();
+    if (!coordinator) {
+        return false;
+    }
+    if (fixUp == std::end(fixUps)) {
+        return version == RatingFiller::version || coordinator->clearPendingVersion(version);
+    }
+    CoreDataMigrationWindowController window(userInteraction());
+    window.showWindow();
+    ZQManagedObjectContext context(coordinator);
+    const auto ids = itemsLacking(*fixUp, context);
+    if (!ids) {
+        return false;
+    }
+    const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) { mergeSaved(saved); });
+    window.setMaximum(static_cast<double>(ids->size()));
+    for (qsizetype first = 0; first < ids->size(); first += itemsPerSave) {
+        const QList<ZQObjectID> batch = ids->mid(first, itemsPerSave);
+        ZQError error;
+        if (!applyTo(batch, *fixUp, context, &error)) {
+            window.hideWindow();
+            userInteraction().presentError(error);
+            return false;
+        }
+        window.advanceBy(static_cast<double>(batch.size()));
+    }
+    return coordinator->clearPendingVersion(version);
+}
+
+void tamberin_AppDelegate::mergeSaved(const ZQContextDidSave &notification)
+{
+    if (m_context) {
+        m_context->mergeChangesFromContextDidSaveNotification(notification);
+    }
+}
+
+void tamberin_AppDelegate::startStoreWork()
+{
+    const auto coordinator = m_coordinator;
+    if (!coordinator) {
+        return;
+    }
+    m_storeStop = std::stop_source();
+    // Not among the imports: those would wait for it, and quitting would ask about it.
+    m_storeQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("store"), 1);
+    const std::stop_token stop = m_storeStop.get_token();
+    if (coordinator->needsCheck()) {
+        m_storeQueue->addOperationWithBlock([coordinator, stop] {
+            const ZQStoreCheckResult result = coordinator->check(stop);
+            if (!result.problems.isEmpty()) {
+                zqOnMainThread([problems = result.problems] {
+                    if (tamberin_AppDelegate *delegate = sharedDelegate()) {
+                        delegate->reportDamage(problems);
+                    }
+                });
+            }
+        });
+    }
+    m_storeQueue->addOperationWithBlock([coordinator, stop] {
+        RatingFiller(coordinator, [](const ZQContextDidSave &saved) {
+            zqOnMainThread([saved] {
+                if (tamberin_AppDelegate *delegate = sharedDelegate()) {
+                    delegate->mergeSaved(saved);
+                }
+            });
+        }).run([&stop] { return !stop.stop_requested(); });
+    });
+}
+
+void tamberin_AppDelegate::stopStoreWork()
+{
+    if (!m_storeQueue) {
+        return;
+    }
+    m_storeStop.request_stop();
+    m_storeQueue->cancelAllOperations();
+    // What it saved last is on its way into the main context, whose own save would otherwise meet newer rows.
+    zqRunMainLoopUntil([this] { return m_storeQueue->operationCount() == 0; });
+    m_storeQueue.reset();
+    QCoreApplication::sendPostedEvents();
+}

@@ -1,0 +1,153 @@
+#include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/DamagedStore.h"
+
+#include <QFile>
+
+namespace {
+
+class DamagedLibrary : public ApplicationTest
+{
+protected:
+    QString store() const { return defaultBundle() + QStringLiteral("/storedata"); }
+    QStringList keptStores() const
+    {
+        return QDir(defaultBundle()).entryList({QStringLiteral("storedata.damaged-*")}, QDir::Files);
+    }
+    static QByteArray contents(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    // A library of `count` items, "picture 7" with the bundleID "item-7"; `bytes` more in one of them.
+    void makeLibrary(int count, qsizetype bytes = 0)
+    {
+        const auto delegate = launched();
+        for (int i = 0; i < count; ++i) {
+            addItem(*delegate, QStringLiteral("item-%1").arg(i))->setTitle(QStringLiteral("picture %1").arg(i));
+        }
+        if (bytes > 0) {
+            addItem(*delegate, QStringLiteral("large"))->setItemURLData(QByteArray(bytes, 'b'));
+        }
+        delegate->saveAction();
+    }
+    QStringList messages() const
+    {
+        QStringList all;
+        for (const UserQuestion &question : user.questions) {
+            all.append(question.message);
+        }
+        return all;
+    }
+    static qint64 itemCount(tamberin_AppDelegate &delegate)
+    {
+        return delegate.managedObjectContext()->countForFetchRequest({ZQLibraryBaseItem::entityName()}).value_or(-1);
+    }
+
+    const QString damagedMessage = QStringLiteral("The library is damaged");
+};
+
+} // namespace
+
+TEST_F(DamagedLibrary, IsRecoveredAfterAnUncleanEndOnlyWhenThePersonSaysSo)
+{
+    makeLibrary(200);
+    damagePageHolding("picture 100", StorePage::Table, store());
+    markStoreUnclean(store());
+    const QByteArray before = contents(store());
+    {
+        const auto delegate = application(); // the answer that changes least
+        EXPECT_EQ(delegate->managedObjectContext(), nullptr);
+        EXPECT_EQ(messages(), QStringList{damagedMessage});
+        EXPECT_FALSE(user.errors.isEmpty());
+        EXPECT_EQ(contents(store()), before);
+        EXPECT_TRUE(keptStores().isEmpty());
+    }
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    const auto delegate = application();
+    ASSERT_NE(delegate->managedObjectContext(), nullptr);
+    EXPECT_EQ(messages().last(), QStringLiteral("The library was recovered"));
+    EXPECT_TRUE(delegate->persistentStoreCoordinator()->wasRecovered());
+    EXPECT_GT(itemCount(*delegate), 100);
+    EXPECT_LT(itemCount(*delegate), 200);
+    const QString lost = QString::number(200 - itemCount(*delegate));
+    EXPECT_TRUE(user.questions.last().informativeText.contains(lost))
+        << qPrintable(user.questions.last().informativeText);
+    ASSERT_EQ(keptStores().size(), 1);
+    EXPECT_EQ(contents(defaultBundle() + u'/' + keptStores().first()), before);
+}
+
+TEST_F(DamagedLibrary, GetsNoSecondSidebarWhenItsOwnCannotBeRead)
+{
+    makeLibrary(1);
+    const QString sequence = QStringLiteral("SELECT last FROM zq_sequence WHERE name = 'ZQSidebarBaseItem'");
+    const QVariant before = storeValue(store(), sequence);
+    ASSERT_GT(before.toInt(), 0);
+    damagePageHolding("LIVE FOLDERS", StorePage::Table, store());
+    {
+        const auto delegate = application();
+        ZQError error;
+        delegate->openLibraryForCommand(&error);
+        ASSERT_FALSE(user.errors.isEmpty());
+        EXPECT_EQ(user.errors.first().code, int(ZQStoreError::Damaged));
+    }
+    EXPECT_EQ(storeValue(store(), sequence), before);
+}
+
+TEST_F(DamagedLibrary, IsFoundBesideTheWindowAndRecoveredByTheNextLaunchWithoutAskingAgain)
+{
+    constexpr qsizetype moreThanAQuickLookChecks = 25 * 1024 * 1024;
+    makeLibrary(2000, moreThanAQuickLookChecks);
+    damagePageHolding("item-1000", StorePage::Index, store());
+    markStoreUnclean(store());
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    {
+        const auto delegate = launched();
+        ASSERT_NE(delegate->managedObjectContext(), nullptr);
+        zqRunMainLoopUntil([&] { return delegate->reopensAfterQuit(); });
+        EXPECT_EQ(messages(), QStringList{damagedMessage});
+        EXPECT_EQ(window.savedState, 1) << "it quit as ever";
+        EXPECT_TRUE(keptStores().isEmpty()) << "not while it is open";
+    }
+    user.questions.clear();
+    const auto delegate = launched();
+    EXPECT_EQ(messages(), QStringList{QStringLiteral("The library was recovered")});
+    EXPECT_EQ(itemCount(*delegate), 2001);
+    EXPECT_EQ(keptStores().size(), 1);
+    EXPECT_FALSE(delegate->persistentStoreCoordinator()->needsCheck());
+}
+
+TEST_F(DamagedLibrary, IsNotWhatASoundOneIsTakenForAfterAnUncleanEnd)
+{
+    constexpr qsizetype moreThanAQuickLookChecks = 25 * 1024 * 1024;
+    makeLibrary(2, moreThanAQuickLookChecks);
+    markStoreUnclean(store());
+    const auto delegate = launched();
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    zqRunMainLoopUntil([&] { return !coordinator->needsCheck(); });
+    EXPECT_TRUE(user.questions.isEmpty());
+}
+
+TEST_F(DamagedLibrary, LosesNoFilesWhenItsDeletionsCannotBeSaved)
+{
+    const auto delegate = launched();
+    const auto item = addItem(*delegate, QStringLiteral("deleted"));
+    item->setActive(false);
+    delegate->saveAction();
+    const QString directory = item->bundleURL();
+    {
+        ZQManagedObjectContext other(delegate->persistentStoreCoordinator());
+        const auto same = other.existingObjectWithID(item->objectID());
+        same->setValueForKey(QStringLiteral("changed elsewhere"), QStringLiteral("title"));
+        ASSERT_TRUE(other.save());
+    }
+    for (const TerminateReply reply : {TerminateReply::Cancel, TerminateReply::Now}) {
+        user.answerQuestion = [&](const UserQuestion &question) {
+            return reply == TerminateReply::Now ? 0 : int(question.buttons.size()) - 1;
+        };
+        EXPECT_EQ(delegate->applicationShouldTerminate(), reply);
+        EXPECT_EQ(messages().last(), QStringLiteral("Could not save changes while quitting.  Quit anyway?"));
+        EXPECT_EQ(delegate->deleteTask(), nullptr);
+        EXPECT_TRUE(QFileInfo::exists(directory));
+    }
+}

@@ -1,0 +1,143 @@
+#include "Classes/Application/RatingFiller.h"
+#include "Classes/Tags/OpenMeta.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQModel.h"
+#include "Models/DataModel/_ZQEntities.h"
+#include "Tests/Classes/Application/ApplicationFixture.h"
+
+#include <QFile>
+
+namespace {
+
+class OlderLibrary : public ApplicationTest
+{
+protected:
+    QString store() const { return defaultBundle() + QStringLiteral("/storedata"); }
+    QString file(int number) const { return world.filePath(QStringLiteral("file %1.png").arg(number)); }
+    // A library that the model `version` wrote: items that refer to `file(0)` and on, titled "file 0" and on.
+    void makeLibrary(const char *version, int count)
+    {
+        zqRegisterEntities();
+        QDir().mkpath(defaultBundle() + QStringLiteral("/Library"));
+        ZQError error;
+        const auto coordinator =
+            ZQPersistentStoreCoordinator::open(zqModelVersion(QLatin1String(version)), store(), {}, &error);
+        ASSERT_TRUE(coordinator) << qPrintable(error.localizedDescription());
+        ZQManagedObjectContext context(coordinator);
+        for (int i = 0; i < count; ++i) {
+            QFile made(file(i));
+            ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+            const auto item = context.insertNewObject<ZQLibraryImage>();
+            item->setTitle(QStringLiteral("file %1").arg(i));
+            item->setManaged(false);
+            item->setActive(true);
+            item->setItemURLData(zqDataForPersistentURL(file(i)));
+        }
+        ASSERT_TRUE(context.save(&error)) << qPrintable(error.localizedDescription());
+    }
+    static QList<ZQRef<ZQLibraryBaseItem>> items(tamberin_AppDelegate &delegate)
+    {
+        return delegate.managedObjectContext()
+            ->fetch<ZQLibraryBaseItem>({ZQLibraryBaseItem::entityName(), {}, {{QStringLiteral("title")}}})
+            .value_or(QList<ZQRef<ZQLibraryBaseItem>>());
+    }
+    static QDateTime birthOf(const QString &path)
+    {
+        return QDateTime::fromMSecsSinceEpoch(zqFileDates(path)->birth, Qt::UTC);
+    }
+    QStringList copies() const
+    {
+        return QDir(defaultBundle()).entryList({QStringLiteral("storedata.before-*")}, QDir::Files);
+    }
+    static QStringList pending(tamberin_AppDelegate &delegate)
+    {
+        return delegate.persistentStoreCoordinator()->pendingVersions();
+    }
+};
+
+} // namespace
+
+TEST_F(OlderLibrary, GetsWhatEveryVersionItPassedBrought)
+{
+    makeLibrary("Version5", 3);
+    QFile::remove(file(2));
+    int progresses = 0;
+    user.onBeginProgress = [&](const auto &) { ++progresses; };
+    const auto delegate = launched();
+    const auto all = items(*delegate);
+    ASSERT_EQ(all.size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(all[i]->thumbName(), QStringLiteral("file %1_thumb.png").arg(i));
+        EXPECT_EQ(all[i]->creation_date(), i == 2 ? QDateTime() : birthOf(file(i))) << i;
+    }
+    EXPECT_TRUE(copies().isEmpty());
+    EXPECT_GE(progresses, 3) << "for the store itself and for each version";
+    zqRunMainLoopUntil([&] { return pending(*delegate).isEmpty(); });
+}
+
+TEST_F(OlderLibrary, KeepsWhatItsOwnVersionHad)
+{
+    const QDateTime date = QDateTime::fromSecsSinceEpoch(1'000'000, Qt::UTC);
+    makeLibrary("Version6", 1);
+    {
+        ZQManagedObjectContext context(
+            ZQPersistentStoreCoordinator::open(zqModelVersion(QStringLiteral("Version6")), store()));
+        context.fetch<ZQLibraryBaseItem>({ZQLibraryBaseItem::entityName()})->first()->setCreation_date(date);
+        ASSERT_TRUE(context.save());
+    }
+    const auto delegate = launched();
+    const auto item = items(*delegate).first();
+    EXPECT_EQ(item->creation_date(), date);
+    EXPECT_EQ(item->thumbName(), QStringLiteral("file 0_thumb.png"));
+}
+
+TEST_F(OlderLibrary, IsFinishedByTheNextLaunchWhenOneWasCutOff)
+{
+    makeLibrary("Version5", 3);
+    {
+        // The store was migrated; of what belongs in it one item was done, and another came since.
+        ZQManagedObjectContext context(ZQPersistentStoreCoordinator::open(zqCurrentModel(), store()));
+        const auto first = context.fetch<ZQLibraryBaseItem>(
+            {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("title == 'file 0'"))});
+        first->first()->setThumbName(QStringLiteral("own.jpg"));
+        context.insertNewObject<ZQLibraryImage>()->setTitle(QStringLiteral("new"));
+        ASSERT_TRUE(context.save());
+    }
+    EXPECT_EQ(copies(), QStringList{QStringLiteral("storedata.before-Version5")});
+    const auto delegate = launched();
+    const auto all = items(*delegate);
+    ASSERT_EQ(all.size(), 4);
+    EXPECT_EQ(all[0]->thumbName(), QStringLiteral("own.jpg"));
+    EXPECT_EQ(all[0]->creation_date(), birthOf(file(0)));
+    EXPECT_EQ(all[1]->thumbName(), QStringLiteral("file 1_thumb.png"));
+    EXPECT_TRUE(all[3]->thumbName().isEmpty()) << "it never lacked what the migration brought";
+    EXPECT_TRUE(copies().isEmpty());
+}
+
+TEST_F(OlderLibrary, TakesTheRatingsOfItsFilesBesideTheWindowAndGoesOnWhereItStopped)
+{
+    makeLibrary("Version7", 3);
+    for (int i = 0; i < 3; ++i) {
+        OpenMeta::setRating(3 + i % 2, file(i));
+    }
+    {
+        const auto coordinator = ZQPersistentStoreCoordinator::open(zqCurrentModel(), store());
+        ZQManagedObjectContext context(coordinator);
+        const auto first = context.fetch<ZQLibraryBaseItem>(
+            {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("title == 'file 0'"))});
+        first->first()->setRating(1);
+        ASSERT_TRUE(context.save());
+        RatingFiller filler(coordinator, [](const ZQContextDidSave &) {});
+        EXPECT_FALSE(filler.run([] { return false; }));
+        EXPECT_EQ(coordinator->pendingVersions(), QStringList{RatingFiller::version});
+    }
+    const auto delegate = launched();
+    const auto all = items(*delegate);
+    zqRunMainLoopUntil([&] { return pending(*delegate).isEmpty() && all[2]->rating() != 0; });
+    EXPECT_EQ(all[0]->rating(), 1);
+    EXPECT_EQ(all[1]->rating(), 4);
+    EXPECT_EQ(all[2]->rating(), 3);
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+}

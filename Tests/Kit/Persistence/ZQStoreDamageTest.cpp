@@ -1,0 +1,316 @@
+#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQStoreCheck.h"
+#include "Kit/Persistence/ZQStoreReplacement.h"
+#include "Tests/Kit/Persistence/TestModel.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int pageSize = 4096;
+const QString wal = QStringLiteral("-wal");
+
+// Overwrites the page of the tags' table that holds tag `number`.
+void damageTag(const QString &path, int number)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray all = file.readAll();
+    const QByteArray name = "tag " + QByteArray::number(number) + " tag";
+    constexpr char tableLeaf = 0x0D;
+    for (qsizetype at = all.indexOf(name); at >= 0; at = all.indexOf(name, at + 1)) {
+        const qsizetype page = at / pageSize * pageSize;
+        if (all.at(page) == tableLeaf) {
+            ASSERT_TRUE(file.seek(page));
+            ASSERT_EQ(file.write(QByteArray(pageSize, '\x5A')), pageSize);
+            return;
+        }
+    }
+    FAIL() << "no page of the table holds tag " << number;
+}
+
+QVariant metadata(const TestStore &store, const char *key)
+{
+    const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    return connection->value(QStringLiteral("SELECT value FROM zq_metadata WHERE key = ?"), {QLatin1String(key)});
+}
+
+// As a killed process leaves it.
+void markUnclean(const TestStore &store)
+{
+    const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    ASSERT_TRUE(connection->execute(QStringLiteral("REPLACE INTO zq_metadata VALUES ('inUseBy', '999999999:1')")));
+}
+
+qint64 countOf(TestStore &store, const char *entity)
+{
+    ZQManagedObjectContext context(store.coordinator());
+    return context.countForFetchRequest({QLatin1String(entity)}).value_or(-1);
+}
+
+QStringList filesOf(const TestStore &store)
+{
+    return QDir(store.folder.path()).entryList(QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+TEST(ZQStoreDamage, AStoreCutShortIsReportedAndRecovered)
+{
+    TestStore store;
+    fillTestTags(store, 2000);
+    store.close();
+    const qint64 size = QFileInfo(store.path).size();
+    ASSERT_TRUE(QFile::resize(store.path, size * 2 / 3));
+    EXPECT_FALSE(store.coordinator());
+    EXPECT_EQ(store.error.code, int(ZQStoreError::Damaged)) << qPrintable(store.error.localizedDescription());
+    const QByteArray before = contentOfFile(store.path);
+    ZQError error;
+    const auto report = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+    ASSERT_TRUE(report) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(contentOfFile(report->keptPath), before);
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+    ZQManagedObjectContext context(store.coordinator());
+    const auto tags = context.fetch<TestTag>({QStringLiteral("TestTag")});
+    EXPECT_GT(tags->size(), 100);
+    EXPECT_LT(tags->size(), 2000);
+    for (const auto &tag : *tags) {
+        EXPECT_EQ(tag->name(), QStringLiteral("tag %1 ").arg(tag->weight()).repeated(20));
+    }
+    const auto next = context.insertNewObject<TestTag>();
+    next->setName(QStringLiteral("next"));
+    EXPECT_TRUE(context.save());
+}
+
+TEST(ZQStoreDamage, PagesOverwrittenInTheMiddleCostOnlyTheirRowsAndNoKeyIsUsedAgain)
+{
+    TestStore store;
+    fillTestTags(store, 2000);
+    store.close();
+    damageTag(store.path, 700);
+    damageTag(store.path, 1999);
+    ZQError error;
+    const auto report = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+    ASSERT_TRUE(report) << qPrintable(error.localizedDescription());
+    const qint64 lost = report->unreadable.value(QStringLiteral("TestTag"));
+    EXPECT_GT(lost, 2);
+    EXPECT_EQ(report->rows.value(QStringLiteral("TestTag")) + lost, 2000);
+    EXPECT_EQ(report->rows.value(QStringLiteral("TestDocument")), 2000);
+    ASSERT_TRUE(store.coordinator());
+    EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+    EXPECT_EQ(countOf(store, "TestTag"), 2000 - lost);
+    ZQManagedObjectContext context(store.coordinator());
+    const auto next = context.insertNewObject<TestTag>();
+    next->setName(QStringLiteral("next"));
+    ASSERT_TRUE(context.save());
+    EXPECT_GT(next->objectID().key, 2000) << "the lost tags had the last keys";
+}
+
+TEST(ZQStoreDamage, AfterAnUncleanEndTheStoreIsLookedAtBeforeItIsTakenOver)
+{
+    TestStore store;
+    fillTestTags(store, 2000);
+    store.close();
+    damageTag(store.path, 1000);
+    ASSERT_TRUE(store.coordinator()) << "a proper end is believed";
+    store.close();
+    markUnclean(store);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        EXPECT_FALSE(store.coordinator());
+        EXPECT_EQ(store.error.code, int(ZQStoreError::Damaged));
+        EXPECT_TRUE(store.error.localizedDescription().contains(QStringLiteral("zelto recover")));
+        EXPECT_EQ(metadata(store, "inUseBy").toString(), QStringLiteral("999999999:1"));
+    }
+    const auto problems = ZQPersistentStoreCoordinator::checkStoreAtPath(store.path);
+    EXPECT_FALSE(problems.isSound());
+    EXPECT_TRUE(problems.isComplete);
+}
+
+TEST(ZQStoreDamage, OnlyAWholeCheckSettlesAnUncleanEnd)
+{
+    TestStore store;
+    {
+        ZQManagedObjectContext context(store.coordinator());
+        constexpr qsizetype tooMuchForAQuickLook = 25 * 1024 * 1024;
+        context.insertNewObject<TestDocument>()->setBlob(QByteArray(tooMuchForAQuickLook, 'b'));
+        ASSERT_TRUE(context.save());
+    }
+    EXPECT_FALSE(store.coordinator()->needsCheck());
+    store.close();
+    markUnclean(store);
+    EXPECT_TRUE(store.coordinator()->wasUncleanlyClosed());
+    EXPECT_TRUE(store.coordinator()->needsCheck());
+    store.close(); // a proper end, before the check was over
+    EXPECT_FALSE(store.coordinator()->wasUncleanlyClosed());
+    EXPECT_TRUE(store.coordinator()->needsCheck());
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_FALSE(store.coordinator()->check(stop.get_token()).isComplete);
+    store.close();
+    EXPECT_TRUE(store.coordinator()->needsCheck());
+    EXPECT_TRUE(store.coordinator()->check().isSound());
+    EXPECT_FALSE(store.coordinator()->needsCheck());
+    store.close();
+    EXPECT_FALSE(store.coordinator()->needsCheck());
+}
+
+TEST(ZQStoreDamage, DamageThatWasMetIsRememberedUntilTheNextOpening)
+{
+    for (const bool byACheck : {false, true}) {
+        TestStore store;
+        fillTestTags(store, 2000);
+        store.close();
+        damageTag(store.path, 1000);
+        {
+            const auto coordinator = store.coordinator();
+            ASSERT_TRUE(coordinator);
+            ZQManagedObjectContext context(coordinator);
+            if (byACheck) {
+                EXPECT_FALSE(coordinator->check().isSound());
+            } else {
+                ZQError error;
+                EXPECT_FALSE(context.executeFetchRequest({QStringLiteral("TestTag")}, &error));
+                EXPECT_EQ(error.code, int(ZQStoreError::Damaged));
+            }
+        }
+        store.close();
+        EXPECT_FALSE(store.coordinator());
+        EXPECT_EQ(store.error.code, int(ZQStoreError::Damaged));
+    }
+}
+
+TEST(ZQStoreDamage, AQuickLookIsIncompleteButSeesWhatItReads)
+{
+    TestStore store;
+    fillTestTags(store, 2000);
+    store.close();
+    const auto look = [&](int milliseconds, qint64 wholeBytes) {
+        const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        return zqCheckStoreQuickly(*connection, std::chrono::milliseconds(milliseconds), wholeBytes);
+    };
+    constexpr int ample = 60'000;
+    EXPECT_TRUE(look(ample, qint64(1) << 40).isSound());
+    EXPECT_FALSE(look(ample, 0).isComplete);
+    EXPECT_TRUE(look(ample, 0).problems.isEmpty());
+    damageTag(store.path, 1000);
+    EXPECT_FALSE(look(ample, 0).problems.isEmpty());
+}
+
+TEST(ZQStoreDamage, TheLogGoesWithTheDamagedStoreAndIsNeverReplayedOverTheNewOne)
+{
+    TestStore source;
+    fillTestTags(source, 500);
+    TestStore store;
+    {
+        // What a killed process leaves: the last saves are in the log alone.
+        ZQManagedObjectContext context(source.coordinator());
+        ZQObjectAccess::connection(context)->execute(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+        const auto late = context.insertNewObject<TestTag>();
+        late->setName(QStringLiteral("late"));
+        ASSERT_TRUE(context.save());
+        ASSERT_TRUE(QFile::copy(source.path, store.path));
+        ASSERT_TRUE(QFile::copy(source.path + wal, store.path + wal));
+    }
+    damageTag(store.path, 250);
+    const QByteArray log = contentOfFile(store.path + wal);
+    ASSERT_FALSE(log.isEmpty());
+    ZQError error;
+    const auto report = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+    ASSERT_TRUE(report) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(contentOfFile(report->keptPath + wal), log);
+    EXPECT_FALSE(QFile::exists(store.path + wal));
+    ASSERT_TRUE(store.coordinator());
+    EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+    EXPECT_EQ(countOf(store, "TestTag"), 501 - report->unreadable.value(QStringLiteral("TestTag")));
+    ZQManagedObjectContext context(store.coordinator());
+    EXPECT_EQ(context.countForFetchRequest(
+                  {QStringLiteral("TestTag"), ZQPredicate::predicateWithFormat(QStringLiteral("name == 'late'"))}),
+              1);
+}
+
+TEST(ZQStoreDamage, AnInterruptedReplacementIsFinishedWhereverItStopped)
+{
+    enum Stopped { BeforeAnything, AfterKeeping, AfterTheLogWent, WithAnotherStorePutBack };
+    for (const Stopped stopped : {BeforeAnything, AfterKeeping, AfterTheLogWent, WithAnotherStorePutBack}) {
+        TestStore recovered;
+        fillTestTags(recovered, 3);
+        recovered.close();
+        TestStore store;
+        fillTestTags(store, 10);
+        store.close();
+        const QByteArray old = contentOfFile(store.path);
+        const QString kept = store.path + QStringLiteral(".damaged-20250101-120000");
+        ASSERT_TRUE(QFile::copy(recovered.path, store.path + QStringLiteral(".recovered-20250101-120000")));
+        QFile log(store.path + wal);
+        ASSERT_TRUE(log.open(QIODevice::WriteOnly) && log.write("not the new store's") > 0);
+        log.close();
+        if (stopped == AfterKeeping || stopped == AfterTheLogWent) {
+            ASSERT_EQ(::link(qPrintable(store.path), qPrintable(kept)), 0);
+            ASSERT_EQ(::link(qPrintable(store.path + wal), qPrintable(kept + wal)), 0);
+        }
+        if (stopped == AfterTheLogWent) {
+            ASSERT_TRUE(QFile::remove(store.path + wal));
+        }
+        if (stopped == WithAnotherStorePutBack) {
+            QFile other(kept);
+            ASSERT_TRUE(other.open(QIODevice::WriteOnly) && other.write("the only copy of something") > 0);
+        }
+        EXPECT_EQ(countOf(store, "TestTag"), 3) << stopped;
+        store.close();
+        const QString place = stopped == WithAnotherStorePutBack ? kept + QStringLiteral("-2") : kept;
+        EXPECT_EQ(contentOfFile(place), old) << stopped;
+        EXPECT_EQ(contentOfFile(place + wal), "not the new store's") << stopped;
+        EXPECT_EQ(QFile::exists(kept), true);
+        EXPECT_TRUE(filesOf(store).filter(QStringLiteral("recovered-")).isEmpty());
+    }
+}
+
+TEST(ZQStoreDamage, AReplacementThatCannotBeMadeLeavesTheDamagedStore)
+{
+    TestStore store;
+    fillTestTags(store, 10);
+    store.close();
+    const QByteArray old = contentOfFile(store.path);
+    ZQError error;
+    EXPECT_FALSE(zqReplaceStore(store.path, store.folder.filePath(QStringLiteral("missing")), &error));
+    EXPECT_FALSE(error.isNull());
+    EXPECT_EQ(contentOfFile(store.path), old);
+    EXPECT_EQ(filesOf(store), QStringList{QStringLiteral("storedata")});
+}
+
+TEST(ZQStoreDamage, AProcessKilledWhileRecoveringLeavesOneOfTheTwoStoresWhole)
+{
+    constexpr int rounds = 12;
+    constexpr int step = 2500; // microseconds
+    for (int round = 0; round < rounds; ++round) {
+        TestStore store;
+        fillTestTags(store, 600);
+        store.close();
+        damageTag(store.path, 300);
+        const pid_t child = fork();
+        if (child == 0) {
+            ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path);
+            _exit(0);
+        }
+        usleep(useconds_t(round * step));
+        kill(child, SIGKILL);
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        if (!ZQPersistentStoreCoordinator::checkStoreAtPath(store.path).isSound()) {
+            ZQError error;
+            ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error))
+                << qPrintable(error.localizedDescription());
+        }
+        ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+        EXPECT_TRUE(store.coordinator()->wasRecovered());
+        EXPECT_EQ(countOf(store, "TestDocument"), 600);
+        EXPECT_GT(countOf(store, "TestTag"), 550);
+        EXPECT_EQ(filesOf(store).filter(QRegularExpression(QStringLiteral("damaged-[0-9-]+$"))).size(), 1);
+    }
+}
