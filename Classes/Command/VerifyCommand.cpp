@@ -105,7 +105,8 @@ int zqRunVerify(bool deep, CommandContext &context)
             context.print(problem);
         }
         for (const QString &orphan : findings.orphans) {
-            context.print(zqFormat(zqLocalized("belongs to no item, and goes at the next launch: %@"), {orphan}));
+            context.print(
+                zqFormat(zqLocalized("belongs to no item; the next launch takes it back or removes it: %@"), {orphan}));
         }
     }
     return findings.problems.isEmpty() ? 0 : 1;

@@ -61,6 +61,7 @@ QString AImportManager::pendingFolder()
 
 QStringList AImportManager::cutOffImports() const
 {
+    PendingImportFile::removeRemains(pendingFolder());
     return PendingImportFile::cutOff(pendingFolder());
 }
 

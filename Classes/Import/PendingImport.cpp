@@ -7,11 +7,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSet>
 #include <QUuid>
 
+#include <algorithm>
 #include <mutex>
 
 namespace {
@@ -121,8 +123,30 @@ QDateTime PendingImportFile::beginning(const QString &name)
 
 bool PendingImportFile::forget(const QString &folder, const QString &name)
 {
+    // A request without its list of sources would be imported a second time.
+    if (!QFile::remove(requestPath(folder, name))) {
+        return false;
+    }
     QFile::remove(sourcesPath(folder, name));
-    return QFile::remove(requestPath(folder, name));
+    return true;
+}
+
+void PendingImportFile::removeRemains(const QString &folder)
+{
+    const QStringList files = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+    const std::lock_guard lock(active().mutex);
+    for (const QString &file : files) {
+        const bool isKept = std::any_of(files.begin(), files.end(), [&](const QString &other) {
+            return other.endsWith(requestEnding) && file.contains(other.chopped(requestEnding.size()));
+        });
+        const bool isInUse = std::any_of(active().paths.begin(), active().paths.end(), [&](const QString &path) {
+            return file.contains(QFileInfo(path).completeBaseName());
+        });
+        const bool isBeingWritten = file.startsWith(u'.') && !active().paths.isEmpty();
+        if (!isKept && !isInUse && !isBeingWritten) {
+            QFile::remove(folder + u'/' + file);
+        }
+    }
 }
 
 PendingImportFile::PendingImportFile(const QString &folder, const QString &name) : m_folder(folder), m_name(name)

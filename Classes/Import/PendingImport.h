@@ -48,6 +48,8 @@ public:
     static QStringList cutOff(const QString &folder);
     static QDateTime beginning(const QString &name);
     static bool forget(const QString &folder, const QString &name);
+    // Files of requests that are gone, or never were whole, as a killed process leaves them.
+    static void removeRemains(const QString &folder);
 
     // Null with an error when it cannot be written, or read.
     static std::shared_ptr<PendingImportFile> create(const QString &folder, const PendingImport &request,

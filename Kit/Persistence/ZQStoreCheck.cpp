@@ -69,7 +69,7 @@ bool reads(ZQSQLiteConnection &connection, const QString &sql, const QVariantLis
 bool readsSamples(ZQSQLiteConnection &connection, const QString &table)
 {
     const QString quoted = zqQuoted(table);
-    const QVariant highest = connection.value(QStringLiteral("SELECT max(\"id\") FROM ") + quoted);
+    const QVariant highest = connection.value(QStringLiteral("SELECT ifnull(max(\"id\"), 0) FROM ") + quoted);
     const qint64 last = highest.toLongLong();
     const QString next = QStringLiteral("SELECT * FROM %1 WHERE \"id\" >= ? ORDER BY \"id\" LIMIT 1").arg(quoted);
     for (int i = 0; i < samplesPerTable && last > 0; ++i) {
@@ -77,7 +77,7 @@ bool readsSamples(ZQSQLiteConnection &connection, const QString &table)
             return false;
         }
     }
-    return highest.isValid() || (connection.errorCode() & 0xFF) != SQLITE_CORRUPT;
+    return highest.isValid() || isInterruption(connection);
 }
 
 bool hasKeys(ZQSQLiteConnection &connection, const QString &table)

@@ -390,8 +390,10 @@ bool mayMigrate(const ZQStoreMetadata &metadata, const ZQManagedObjectModel &mod
 
 bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
 {
-    // References must not follow the tables that are set aside, nor be enforced between the steps.
-    if (!connection.execute(QStringLiteral("PRAGMA foreign_keys=OFF; PRAGMA legacy_alter_table=ON"))) {
+    // References must not follow the tables that are set aside, nor be enforced between the steps. What is sorted for
+    // the new indexes of a large library belongs on the disk.
+    if (!connection.execute(
+            QStringLiteral("PRAGMA foreign_keys=OFF; PRAGMA legacy_alter_table=ON; PRAGMA temp_store=FILE"))) {
         return false;
     }
     ZQSQLiteTransaction transaction(connection);
@@ -438,5 +440,6 @@ bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metad
         QFile::remove(copy);
         return false;
     }
-    return connection.execute(QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON"));
+    return connection.execute(
+        QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY"));
 }
