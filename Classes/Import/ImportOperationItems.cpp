@@ -194,12 +194,10 @@ ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &text)
     if (const auto known = m_tags.constFind(name); known != m_tags.constEnd()) {
         return *known;
     }
-    ZQRef<ZQSidebarTag> tag = ZQSidebarTag::tagWithTagName(name, *m_moc);
-    if (!tag) {
-        tag = ZQSidebarTag::addNewTagWithName(name, *m_moc);
-        if (tag) {
-            m_createdSidebarItems.append(tag);
-        }
+    bool isNew = false;
+    const ZQRef<ZQSidebarTag> tag = ZQSidebarTag::getOrCreateTagWithName(name, *m_moc, &isNew);
+    if (tag && isNew) {
+        m_createdSidebarItems.append(tag);
     }
     m_tags.insert(name, tag);
     return tag;

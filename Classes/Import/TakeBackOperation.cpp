@@ -190,11 +190,7 @@ bool TakeBackOperation::insertItems(const std::vector<ImportedFile> &files)
             item->setRating(qint16(environment.ratingOfFile(file.filePath).value_or(0)));
         }
         for (const QString &name : tags) {
-            ZQRef<ZQSidebarTag> tag = ZQSidebarTag::tagWithTagName(name, *m_moc);
-            if (!tag) {
-                tag = ZQSidebarTag::addNewTagWithName(name, *m_moc);
-            }
-            if (tag) {
+            if (const ZQRef<ZQSidebarTag> tag = ZQSidebarTag::getOrCreateTagWithName(name, *m_moc)) {
                 item->addTagsObject(tag.get());
             }
         }

@@ -45,15 +45,24 @@ QString ZQSidebarTag::tagNameForText(const QString &text)
 
 ZQRef<ZQSidebarTag> ZQSidebarTag::tagWithTagName(const QString &name, ZQManagedObjectContext &context)
 {
-    const QString title = tagNameForText(name);
+    return lookUp(tagNameForText(name), context).value_or(ZQRef<ZQSidebarTag>());
+}
+
+std::optional<ZQRef<ZQSidebarTag>> ZQSidebarTag::lookUp(const QString &title, ZQManagedObjectContext &context)
+{
     if (title.isEmpty()) {
-        return {};
+        return ZQRef<ZQSidebarTag>();
     }
-    if (auto tag = zqFetchFirst<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {title})) {
+    ZQError failure;
+    auto tag = zqFetchFirst<ZQSidebarTag>(context, QStringLiteral("title = %@ AND active = YES"), {title}, &failure);
+    if (tag) {
         return tag;
     }
-    const auto tags = tagsByNameInManagedObjectContext(context);
-    const auto found = tags ? tags->value(title) : QList<ZQRef<ZQSidebarTag>>();
+    const auto tags = failure.isNull() ? tagsByNameInManagedObjectContext(context) : std::nullopt;
+    if (!tags) {
+        return std::nullopt;
+    }
+    const QList<ZQRef<ZQSidebarTag>> found = tags->value(title);
     return found.isEmpty() ? ZQRef<ZQSidebarTag>() : found.first();
 }
 
@@ -73,10 +82,15 @@ ZQRef<ZQSidebarTag> ZQSidebarTag::addNewTagWithName(const QString &name, ZQManag
     return tag;
 }
 
-ZQRef<ZQSidebarTag> ZQSidebarTag::getOrCreateTagWithName(const QString &name, ZQManagedObjectContext &context)
+ZQRef<ZQSidebarTag> ZQSidebarTag::getOrCreateTagWithName(const QString &name, ZQManagedObjectContext &context,
+                                                         bool *isNew)
 {
-    auto tag = tagWithTagName(name, context);
-    return tag ? tag : addNewTagWithName(name, context);
+    const auto found = lookUp(tagNameForText(name), context);
+    const bool isMade = found && !*found;
+    if (isNew) {
+        *isNew = isMade;
+    }
+    return isMade ? addNewTagWithName(name, context) : found.value_or(ZQRef<ZQSidebarTag>());
 }
 
 ZQRef<ZQSidebarTag> ZQSidebarTag::tagForSize(int size, ZQManagedObjectContext &context)

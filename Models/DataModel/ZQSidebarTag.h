@@ -17,8 +17,10 @@ public:
     static ZQRef<ZQSidebarTag> tagWithTagName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
     // A new last child of the TAGS label; null for an empty name.
     static ZQRef<ZQSidebarTag> addNewTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext);
-    static ZQRef<ZQSidebarTag> getOrCreateTagWithName(const QString &name,
-                                                      ZQManagedObjectContext &inManagedObjectContext);
+    // Null for a name of nothing, and after an error, which was logged: a tag that was not found is made, one that
+    // could not be looked for is not. `isNew`: whether it was made.
+    static ZQRef<ZQSidebarTag>
+    getOrCreateTagWithName(const QString &name, ZQManagedObjectContext &inManagedObjectContext, bool *isNew = nullptr);
     // The generated tag of a size code 2001 to 2005 or a colour code 1000 to 1009, made when missing. Null for another
     // code.
     static ZQRef<ZQSidebarTag> tagForSize(int size, ZQManagedObjectContext &inManagedObjectContext);
@@ -54,5 +56,7 @@ public:
     void addTaggedItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
 
 private:
+    // By its name as `tagNameForText` gives it: null when there is none, nothing after an error.
+    static std::optional<ZQRef<ZQSidebarTag>> lookUp(const QString &title, ZQManagedObjectContext &context);
     void rewriteFileTags();
 };

@@ -4,9 +4,9 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Import/AImportManager.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Tests/Support/UserWorld.h"
 
 #include <QImage>
