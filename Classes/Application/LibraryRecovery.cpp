@@ -32,6 +32,12 @@ QString LibraryRecovery::text() const
     lines.append(zqFormat(zqLocalized("Recovered: %d items, %d sidebar entries, %d tags, %d memberships."),
                           {items, sidebarEntries, tags, memberships}));
     const qint64 lost = unreadableItems + unreadableEntries + unreadableMemberships;
+    if (items + sidebarEntries + tags + memberships == 0) {
+        return zqFormat(
+            zqLocalized("Nothing could be read from the damaged library, which is kept as %@\nThe files in it "
+                        "come back into the project “Recovered” when it is opened."),
+            {keptPath});
+    }
     lines.append(lost == 0 ? zqLocalized("Nothing is known to be lost.")
                            : zqFormat(zqLocalized("Could not be read, at least: %d items, %d sidebar entries or tags, "
                                                   "%d memberships."),

@@ -313,20 +313,46 @@ QString withoutTornPage(const QString &path, const QString &copy)
     return isCopied && QFile::resize(copy, file.size() / pageSize * pageSize) ? copy : QString();
 }
 
+bool isInWriteAheadMode(ZQSQLiteConnection &connection)
+{
+    return connection.value(QStringLiteral("PRAGMA journal_mode=WAL")).toString() == QStringLiteral("wal");
+}
+
+// Makes `target` a store without a row: what the damaged one listed is to be found by its traces on the disk.
+std::optional<ZQStoreRecovery> fillWithNothing(const QString &target, const ZQManagedObjectModel &model, ZQError *error)
+{
+    removeDatabase(target);
+    const auto sound = ZQSQLiteConnection::open(target, ZQSQLiteConnection::Mode::Create, error);
+    if (!sound) {
+        return std::nullopt;
+    }
+    if (!zqCreateStore(*sound, model, QUuid::createUuid()) ||
+        !zqWriteMetadata(*sound, zqRecoveredKey, QDateTime::currentMSecsSinceEpoch()) || !isInWriteAheadMode(*sound)) {
+        zqSetError(error, sound->error());
+        return std::nullopt;
+    }
+    return ZQStoreRecovery{};
+}
+
 // Fills `target` from the store at `path`, whole and closed; nothing with the error when nothing was to be read or
 // written.
 std::optional<ZQStoreRecovery> fillFrom(const QString &path, const QString &target,
                                         const ZQManagedObjectModel &givenModel, ZQError *error)
 {
-    const auto damaged = openDamaged(path, error);
+    ZQError cause;
+    const auto damaged = openDamaged(path, &cause);
+    if (!damaged && cause.code == int(ZQStoreError::Damaged)) {
+        return fillWithNothing(target, givenModel, error);
+    }
     if (!damaged) {
+        zqSetError(error, cause);
         return std::nullopt;
     }
     // An older store is recovered in its own form; opening it migrates it.
     const auto metadata = zqReadStoreMetadata(*damaged, nullptr);
     const auto ownModel = metadata ? ZQManagedObjectModel::modelFromJSON(metadata->modelJSON) : nullptr;
     const ZQManagedObjectModel &model = ownModel ? *ownModel : givenModel;
-    const auto sound = ZQSQLiteConnection::open(target, ZQSQLiteConnection::Mode::Create, error);
+    auto sound = ZQSQLiteConnection::open(target, ZQSQLiteConnection::Mode::Create, error);
     if (!sound) {
         return std::nullopt;
     }
@@ -344,12 +370,10 @@ std::optional<ZQStoreRecovery> fillFrom(const QString &path, const QString &targ
         }
     }
     if (!recovery.foundTables()) {
-        zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Damaged),
-                                        zqLocalized("Nothing could be read from the damaged library."),
-                                        zqLocalized("Put back a copy from a backup; the file is unchanged.")));
-        return std::nullopt;
+        sound.reset();
+        return fillWithNothing(target, givenModel, error);
     }
-    if (sound->value(QStringLiteral("PRAGMA journal_mode=WAL")).toString() != QStringLiteral("wal")) {
+    if (!isInWriteAheadMode(*sound)) {
         zqSetError(error, sound->error());
         return std::nullopt;
     }

@@ -235,7 +235,7 @@ TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)
     ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(library));
     written(inWorld(QStringLiteral("File.ztlibrary")), "no folder");
     const QString trashed = madeLibrary(inWorld(QStringLiteral("xdg_data_home/Trash/files/Gone.ztlibrary")), 1);
-    const auto delegate = launched();
+    const auto delegate = application();
     const QStringList refused{inWorld(QStringLiteral("Missing.ztlibrary")), inWorld(QStringLiteral("File.ztlibrary")),
                               trashed};
     for (const QString &path : refused) {

@@ -314,3 +314,33 @@ TEST(ZQStoreDamage, AProcessKilledWhileRecoveringLeavesOneOfTheTwoStoresWhole)
         EXPECT_EQ(filesOf(store).filter(QRegularExpression(QStringLiteral("damaged-[0-9-]+$"))).size(), 1);
     }
 }
+
+TEST(ZQStoreDamage, AStoreOfWhichNothingCanBeReadMakesWayForAnEmptyOneAndIsKept)
+{
+    const auto zeroHeader = [](const QString &path) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        file.write(QByteArray(4096, '\0'));
+    };
+    const auto foreign = [](const QString &path) {
+        QFile::remove(path);
+        const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::Create, nullptr);
+        ASSERT_TRUE(connection && connection->execute(QStringLiteral("CREATE TABLE something(x)")));
+    };
+    for (const auto &spoil : {std::function<void(const QString &)>(zeroHeader), {foreign}}) {
+        TestStore store;
+        ASSERT_TRUE(store.coordinator());
+        store.close();
+        spoil(store.path);
+        const QByteArray before = contentOfFile(store.path);
+        ZQError error;
+        const auto report = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+        ASSERT_TRUE(report) << qPrintable(error.localizedDescription());
+        EXPECT_TRUE(report->rows.isEmpty());
+        EXPECT_EQ(contentOfFile(report->keptPath), before);
+        const auto coordinator = store.coordinator();
+        ASSERT_TRUE(coordinator) << qPrintable(store.error.localizedDescription());
+        EXPECT_TRUE(coordinator->wasRecovered());
+        EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
+    }
+}

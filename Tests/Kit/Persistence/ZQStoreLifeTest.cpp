@@ -160,11 +160,10 @@ TEST(ZQStoreLife, WhatIsNoStoreIsRefusedWithAReason)
         }
         EXPECT_FALSE(store.coordinator());
         EXPECT_FALSE(ZQPersistentStoreCoordinator::metadataForStoreAtPath(store.path));
-        EXPECT_FALSE(ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path));
         EXPECT_FALSE(store.error.localizedDescription().isEmpty());
         return store.error.code;
     };
-    EXPECT_EQ(refusal(QByteArray(10000, 'x')), int(ZQStoreError::CannotOpen));
+    EXPECT_EQ(refusal(QByteArray(10000, 'x')), int(ZQStoreError::Damaged));
     EXPECT_EQ(refusal({}, true), int(ZQStoreError::CannotOpen));
     TestStore store;
     ZQError error;
