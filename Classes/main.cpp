@@ -1,5 +1,6 @@
 // Puts the parts of the application together: a window, or one command.
 
+#include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
@@ -98,6 +99,16 @@ QString bundleFor(tamberin_AppDelegate &delegate, const CommandLine &commandLine
     return delegate.libraryBundleDirectory();
 }
 
+// A mistyped --library is no reason to make one, but for what fills it.
+ZQError refusalOfLibrary(const CommandLine &commandLine)
+{
+    const bool mayMake = commandLine.isImport() || !commandLine.isCommand();
+    return commandLine.library().isEmpty()
+               ? ZQError()
+               : LibraryLocation::refusalOfNamed(commandLine.library(), mayMake ? LibraryLocation::Missing::MayBeMade
+                                                                                : LibraryLocation::Missing::IsRefused);
+}
+
 // Hands the whole command line to the process that holds the library; its exit status.
 int handOver(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &inUse)
 {
@@ -168,10 +179,10 @@ bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError
         return file.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive);
     });
     if (library == files.end() || !commandLine.library().isEmpty() ||
-        LibraryLock::isInUse(tamberin_AppDelegate::rememberedLibrary())) {
+        LibraryLock::isInUse(LibraryLocation::rememberedOrDefault())) {
         return true;
     }
-    if (!tamberin_AppDelegate::saveNewLibraryURL(*library, error)) {
+    if (!LibraryLocation::remember(*library, error)) {
         return false;
     }
     files.erase(library);
@@ -258,6 +269,9 @@ int main(int argc, char *argv[])
     if (!commandLine.parse(arguments, context, &status)) {
         return print(context, status);
     }
+    if (const ZQError refused = refusalOfLibrary(commandLine); commandLine.needsLibrary() && !refused.isNull()) {
+        return print(context, context.fail(refused.localizedDescription()));
+    }
 
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZELTO_VERSION));
@@ -272,6 +286,8 @@ int main(int argc, char *argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen");
         MainWindowController::prepareSnapshotScale(commandLine.snapshot().scale);
     }
+    print(context, 0); // files that are not there are named before the window comes
+    context.errors.clear();
     QApplication application(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);

@@ -1,11 +1,10 @@
 #include "Classes/Application/LibraryMove.h"
 
+#include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
-#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Files/ZQTrash.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -21,43 +20,29 @@
 
 namespace {
 
-// A dictionary with "from", "to" and, while a copy is being made, "copy": the folder it is made in.
-const QString intentKey = QStringLiteral("ZeltoLibraryMove");
-
-void writeIntent(const QString &from, const QString &to, const QString &copy)
-{
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    defaults.setObjectForKey(
-        QVariantMap{{QStringLiteral("from"), from}, {QStringLiteral("to"), to}, {QStringLiteral("copy"), copy}},
-        intentKey);
-    defaults.synchronize();
-}
-
-QVariantMap intent()
-{
-    return ZQUserDefaults::standardUserDefaults().objectForKey(intentKey).toMap();
-}
-
-void clearIntent()
-{
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    if (defaults.objectForKey(intentKey).isValid()) {
-        defaults.removeObjectForKey(intentKey);
-        defaults.synchronize();
-    }
-}
-
 bool isStrictlyBelow(const QString &path, const QString &folder)
 {
     return path.startsWith(folder + u'/');
 }
 
-bool isOnOneFileSystem(const QString &one, const QString &other)
+// Whether a folder can be renamed from beside `one` to beside `other`. Not told by the device alone: two mounts of one
+// file system refuse it.
+bool canRename(const QString &one, const QString &other)
 {
     struct stat first = {};
     struct stat second = {};
-    return ::stat(QFile::encodeName(one).constData(), &first) == 0 &&
-           ::stat(QFile::encodeName(other).constData(), &second) == 0 && first.st_dev == second.st_dev;
+    if (::stat(QFile::encodeName(one).constData(), &first) != 0 ||
+        ::stat(QFile::encodeName(other).constData(), &second) != 0 || first.st_dev != second.st_dev) {
+        return false;
+    }
+    QByteArray probe = QFile::encodeName(one + QStringLiteral("/.zelto-probe-XXXXXX"));
+    if (!::mkdtemp(probe.data())) {
+        return false;
+    }
+    const QByteArray there = QFile::encodeName(other) + probe.mid(probe.lastIndexOf('/'));
+    const bool can = ::rename(probe.constData(), there.constData()) == 0;
+    ::rmdir(can ? there.constData() : probe.constData());
+    return can;
 }
 
 // Links are copied as links: what they lead to may be the library itself.
@@ -101,7 +86,7 @@ bool copyEntries(const QString &source, const QString &copy, const LibraryMove::
     double done = 0;
     for (const QFileInfo &entry : entries) {
         if (progress.isCancelled && progress.isCancelled()) {
-            zqSetError(error, ZQError::with(LibraryMove::errorDomain, LibraryMove::Cancelled,
+            zqSetError(error, ZQError::with(LibraryLocation::errorDomain, LibraryMove::Cancelled,
                                             zqLocalized("The library was not moved.")));
             return false;
         }
@@ -126,32 +111,39 @@ bool clearPlace(const QString &destination, ZQError *error)
     return !(existing.exists() || existing.isSymLink()) || ZQTrash::recycle(destination, nullptr, error);
 }
 
-bool giveName(const QString &from, const QString &to, ZQError *error)
-{
-    return zqMoveNoReplace(from, to, error) && zqSyncFileSystem(QFileInfo(to).path(), error);
-}
-
 bool moveByRenaming(const QString &source, const QString &destination, ZQError *error)
 {
     if (!clearPlace(destination, error)) {
         return false;
     }
-    writeIntent(source, destination, {});
-    const bool isMoved =
-        giveName(source, destination, error) && tamberin_AppDelegate::saveNewLibraryURL(destination, error);
-    if (isMoved || QFileInfo(source).isDir()) {
-        clearIntent();
+    LibraryLocation::noteMove({source, destination, {}});
+    if (!zqMoveNoReplace(source, destination, error)) {
+        LibraryLocation::noteMove({});
+        return false;
     }
-    return isMoved;
+    if (zqSyncFileSystem(destination, error) && LibraryLocation::remember(destination, error)) {
+        LibraryLocation::noteMove({});
+        return true;
+    }
+    if (zqMoveNoReplace(destination, source)) {
+        LibraryLocation::noteMove({});
+    } // else the note tells the next launch where it is
+    return false;
 }
 
 bool copyToPlace(const QString &source, const QString &destination, const QString &folder,
                  const LibraryMove::Progress &progress, ZQError *error)
 {
     const QString copy = folder + u'/' + QFileInfo(destination).fileName();
-    return copyEntries(source, copy, progress, false, error) && zqSyncFileSystem(copy, error) &&
-           clearPlace(destination, error) && giveName(copy, destination, error) &&
-           tamberin_AppDelegate::saveNewLibraryURL(destination, error);
+    if (!copyEntries(source, copy, progress, false, error) || !zqSyncFileSystem(copy, error) ||
+        !clearPlace(destination, error) || !zqMoveNoReplace(copy, destination, error)) {
+        return false;
+    }
+    if (zqSyncFileSystem(destination, error) && LibraryLocation::remember(destination, error)) {
+        return true;
+    }
+    zqMoveNoReplace(destination, copy); // goes with the folder: the library is where it was
+    return false;
 }
 
 bool moveByCopying(const QString &source, const QString &destination, const LibraryMove::Progress &progress,
@@ -162,12 +154,12 @@ bool moveByCopying(const QString &source, const QString &destination, const Libr
         return zqFailWithErrno(error, folderName);
     }
     const QString folder = QFile::decodeName(folderName);
-    writeIntent(source, destination, folder);
+    LibraryLocation::noteMove({source, destination, folder});
     const bool isMoved = copyToPlace(source, destination, folder, progress, error);
     zqRemoveTree(folderName);
-    clearIntent();
-    if (isMoved && LibraryMove::isSamePlace(tamberin_AppDelegate::loadLibraryURL(), destination) &&
-        !LibraryMove::isSamePlace(source, destination)) {
+    LibraryLocation::noteMove({});
+    if (isMoved && LibraryLocation::isSamePlace(LibraryLocation::remembered(), destination) &&
+        !LibraryLocation::isSamePlace(source, destination)) {
         zqRemoveTree(QFile::encodeName(source));
     }
     return isMoved;
@@ -175,47 +167,23 @@ bool moveByCopying(const QString &source, const QString &destination, const Libr
 
 } // namespace
 
-QString LibraryMove::realPath(const QString &path)
-{
-    const QFileInfo info(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
-    const QString canonical = info.canonicalFilePath();
-    if (!canonical.isEmpty()) {
-        return canonical;
-    }
-    return info.path() == info.filePath() ? info.filePath()
-                                          : QDir::cleanPath(realPath(info.path()) + u'/' + info.fileName());
-}
-
-bool LibraryMove::isSamePlace(const QString &one, const QString &other)
-{
-    if (one.isEmpty() || other.isEmpty()) {
-        return false;
-    }
-    struct stat first = {};
-    struct stat second = {};
-    if (::stat(QFile::encodeName(one).constData(), &first) == 0 &&
-        ::stat(QFile::encodeName(other).constData(), &second) == 0) {
-        return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-    }
-    return realPath(one) == realPath(other);
-}
-
 ZQError LibraryMove::refusal(const QString &source, const QString &destination)
 {
-    const QString from = realPath(source);
+    const QString from = LibraryLocation::realPath(source);
     // The name itself may be a link; what counts for it is where the name is, unless it leads to the library.
-    const QString to = realPath(QFileInfo(destination).path()) + u'/' + QFileInfo(destination).fileName();
+    const QString to =
+        LibraryLocation::realPath(QFileInfo(destination).path()) + u'/' + QFileInfo(destination).fileName();
     const auto refuse = [&](ErrorCode code, const QString &text) {
-        return ZQError::with(errorDomain, code, zqFormat(text, {destination}),
+        return ZQError::with(LibraryLocation::errorDomain, code, zqFormat(text, {destination}),
                              zqLocalized("Choose another place for the library."));
     };
-    if (isSamePlace(from, destination)) {
+    if (LibraryLocation::isSamePlace(from, destination)) {
         return refuse(SamePlace, zqLocalized("The library is at “%@” already."));
     }
-    if (isStrictlyBelow(to, from) || isStrictlyBelow(realPath(destination), from)) {
+    if (isStrictlyBelow(to, from) || isStrictlyBelow(LibraryLocation::realPath(destination), from)) {
         return refuse(InsideLibrary, zqLocalized("“%@” is inside the library itself."));
     }
-    if (isStrictlyBelow(from, realPath(destination)) || isStrictlyBelow(from, to)) {
+    if (isStrictlyBelow(from, LibraryLocation::realPath(destination)) || isStrictlyBelow(from, to)) {
         return refuse(AroundLibrary, zqLocalized("The library is inside “%@”, which it would replace."));
     }
     if (ZQTrash::contains(to)) {
@@ -237,38 +205,29 @@ bool LibraryMove::move(const QString &source, const QString &destination, const 
         zqSetError(error, refused);
         return false;
     }
-    const QString from = realPath(source);
-    return isOnOneFileSystem(from, QFileInfo(destination).path()) ? moveByRenaming(from, destination, error)
-                                                                  : moveByCopying(from, destination, progress, error);
-}
-
-QString LibraryMove::placeAfterInterruption()
-{
-    const QVariantMap pending = intent();
-    const QString from = pending.value(QStringLiteral("from")).toString();
-    const QString to = pending.value(QStringLiteral("to")).toString();
-    if (from.isEmpty() || !pending.value(QStringLiteral("copy")).toString().isEmpty() || QFileInfo::exists(from) ||
-        !QFileInfo::exists(to + QStringLiteral("/storedata"))) {
-        return {};
-    }
-    return to;
+    const QString from = LibraryLocation::realPath(source);
+    return canRename(QFileInfo(from).path(), QFileInfo(destination).path())
+               ? moveByRenaming(from, destination, error)
+               : moveByCopying(from, destination, progress, error);
 }
 
 void LibraryMove::removeInterruptedCopy(const QString &bundle)
 {
     static const QRegularExpression ours(QStringLiteral("/[^/]+\\.ztlibrary\\.moving-[A-Za-z0-9]{6}$"));
-    const QVariantMap pending = intent();
-    if (pending.isEmpty()) {
+    const LibraryLocation::Move move = LibraryLocation::notedMove();
+    const bool isFrom = LibraryLocation::isSamePlace(bundle, move.from);
+    if (move.isNull() || (!isFrom && !LibraryLocation::isSamePlace(bundle, move.to))) {
         return;
     }
-    const QString copy = pending.value(QStringLiteral("copy")).toString();
-    const QString from = pending.value(QStringLiteral("from")).toString();
-    if (!copy.isEmpty() && isSamePlace(bundle, from) && ours.match(copy).hasMatch() &&
-        !isStrictlyBelow(realPath(bundle), realPath(copy))) {
-        qCInfo(zqLogApplication) << "Removing the half of an interrupted move:" << copy;
-        zqRemoveTree(QFile::encodeName(copy));
+    if (ours.match(move.copy).hasMatch() &&
+        !isStrictlyBelow(LibraryLocation::realPath(bundle), LibraryLocation::realPath(move.copy))) {
+        const QByteArray name = QFile::encodeName(move.copy);
+        qCInfo(zqLogApplication) << "Removing what an interrupted move left:" << move.copy;
+        if (isFrom) {
+            zqRemoveTree(name);
+        } else {
+            ::rmdir(name.constData()); // the copy has left it
+        }
     }
-    if (isSamePlace(bundle, from) || isSamePlace(bundle, pending.value(QStringLiteral("to")).toString())) {
-        clearIntent();
-    }
+    LibraryLocation::noteMove({});
 }

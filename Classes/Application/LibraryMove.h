@@ -12,10 +12,6 @@
 // the new one is remembered.
 namespace LibraryMove {
 
-// The folder a path leads to, whatever links it goes through; for one that does not exist, where it would be made.
-QString realPath(const QString &path);
-bool isSamePlace(const QString &one, const QString &other);
-
 // Why the library at `source` cannot go to `destination`: it is inside the bundle or around it, in the trash, in a
 // folder that does not exist, or a library another process has open. Null when it can.
 ZQError refusal(const QString &source, const QString &destination);
@@ -30,12 +26,10 @@ struct Progress
 // library is where it was. Any thread; nothing else may use the library meanwhile.
 bool move(const QString &source, const QString &destination, const Progress &progress, ZQError *error);
 
-// Where the library is when a move was interrupted after its renaming; empty otherwise.
-QString placeAfterInterruption();
 // Removes the half of a copy that an interrupted move of `bundle` left. Only while this process has `bundle` locked.
 void removeInterruptedCopy(const QString &bundle);
 
-inline const QString errorDomain = QStringLiteral("zelto.library");
+// In the domain of LibraryLocation.
 enum ErrorCode { SamePlace = 10, InsideLibrary, AroundLibrary, InTrash, NoFolder, DestinationInUse, Cancelled };
 
 } // namespace LibraryMove

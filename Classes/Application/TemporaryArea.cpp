@@ -94,7 +94,8 @@ QString folderLocked(ZQError *error)
     area = Area();
     area.base = base;
     const QString usual = base + u'/' + usualName;
-    if (use(usual)) {
+    // The second name is found again by the next process of this user.
+    if (use(usual) || use(usual + u'-' + QString::number(::geteuid()))) {
         return area.path;
     }
     const QString fresh = withFreshName(usual, error);
@@ -135,7 +136,10 @@ QString TemporaryArea::newFolder(ZQError *error)
 QStringList TemporaryArea::takeForRemoval()
 {
     const std::lock_guard lock(areaMutex);
-    if (area.base != ZQPaths::temporaryDir() && !use(ZQPaths::temporaryDir() + u'/' + usualName)) {
+    const QString usual = ZQPaths::temporaryDir() + u'/' + usualName;
+    struct stat status = {};
+    const bool isUnused = area.base != ZQPaths::temporaryDir();
+    if (isUnused && (::lstat(QFile::encodeName(usual).constData(), &status) != 0 || !use(usual))) {
         return {}; // nothing of ours is there
     }
     if (isAt(area.descriptor, QFile::encodeName(area.path)) && ::flock(area.descriptor.get(), LOCK_EX | LOCK_NB) == 0) {

@@ -1,7 +1,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 
+#include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
-#include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/RatingFiller.h"
@@ -232,12 +232,12 @@ void tamberin_AppDelegate::reopenMainWindow()
 
 bool tamberin_AppDelegate::switchToLibrary(const QString &path)
 {
-    ZQError error = refusalOfLibrary(path);
+    ZQError error = LibraryLocation::refusal(path);
     if (!error.isNull()) {
         userInteraction().presentError(error);
         return false;
     }
-    if (LibraryMove::isSamePlace(path, libraryBundleDirectory())) {
+    if (LibraryLocation::isSamePlace(path, libraryBundleDirectory())) {
         return false; // it is open
     }
     if (m_mainWindowController) {

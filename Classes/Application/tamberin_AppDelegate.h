@@ -110,11 +110,9 @@ public:
     void openZeltoLibrary();
     void moveZeltoLibrary(); // takes the window away: not from inside one of its own events
     void revealLibraryInFinder();
-    // Remembers an existing library; false, with what was remembered kept, when it cannot be used.
+    // Where the library is remembered: see LibraryLocation.
     static bool saveNewLibraryURL(const QString &path, ZQError *error = nullptr);
-    static ZQError refusalOfLibrary(const QString &path); // why `path` cannot be opened as a library; null when it can
-    static QString loadLibraryURL();                      // empty: none remembered, or it cannot be used
-    static QString rememberedLibrary();                   // that, or where the default library is; nothing is made
+    static QString loadLibraryURL();
 
     MainWindowControlling *mainWindowController() const { return m_mainWindowController.get(); }
     ScreenCaptureControlling *zeltoKunViewController() const { return m_zeltoKunViewController.get(); }

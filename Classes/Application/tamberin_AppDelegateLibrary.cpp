@@ -1,13 +1,12 @@
 // Where the library is, the directories beside it, and switching to another one.
 
+#include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
-#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQPropertyList.h"
-#include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -29,8 +28,6 @@
 namespace {
 const QString displayName = QStringLiteral("Zelto");
 const QString bundleIdentifier = QStringLiteral("org.zelto.Zelto");
-const QString bundleSuffix = QStringLiteral(".ztlibrary");
-const QString locationKey = QStringLiteral("ZeltoLibraryLocation");
 } // namespace
 
 QString tamberin_AppDelegate::createdDirectory(const QString &path, const char *message)
@@ -67,7 +64,7 @@ QString tamberin_AppDelegate::applicationSupportFolder()
 void tamberin_AppDelegate::tryToRecuperateSandboxedLibraryToDestination(const QString &destination)
 {
     const QString container = QDir::homePath() + QStringLiteral("/.var/app/") + bundleIdentifier;
-    const QString library = container + QStringLiteral("/data/") + displayName + bundleSuffix;
+    const QString library = container + QStringLiteral("/data/") + displayName + LibraryLocation::suffix;
     if (!QFileInfo(library).isDir()) {
         return;
     }
@@ -83,7 +80,7 @@ void tamberin_AppDelegate::tryToRecuperateSandboxedLibraryToDestination(const QS
             defaults.synchronize();
         }
     }
-    QDir().rename(library, destination + u'/' + displayName + bundleSuffix);
+    QDir().rename(library, destination + u'/' + displayName + LibraryLocation::suffix);
 }
 
 void tamberin_AppDelegate::setLibraryBundleDirectory(const QString &path)
@@ -101,7 +98,7 @@ QString tamberin_AppDelegate::libraryBundleDirectory()
         path = loadLibraryURL();
     }
     if (path.isEmpty()) {
-        path = applicationSupportFolder() + u'/' + displayName + bundleSuffix;
+        path = applicationSupportFolder() + u'/' + displayName + LibraryLocation::suffix;
     }
     m_libraryBundleDirectory = createdDirectory(path, "Error creating library bundle directory at %@ : %@");
     return m_libraryBundleDirectory;
@@ -171,59 +168,14 @@ void tamberin_AppDelegate::waitForRemovals()
     }
 }
 
-ZQError tamberin_AppDelegate::refusalOfLibrary(const QString &path)
-{
-    const auto refuse = [&path](const QString &text, const QString &suggestion) {
-        return ZQError::with(QStringLiteral("zelto.library"), 3, zqFormat(text, {path}), suggestion);
-    };
-    const QFileInfo info(path);
-    if (!path.endsWith(bundleSuffix, Qt::CaseInsensitive) || (info.exists() && !info.isDir())) {
-        return refuse(zqLocalized("“%@” is no Zelto library."),
-                      zqLocalized("Choose a folder whose name ends in .ztlibrary."));
-    }
-    if (!info.exists()) {
-        return refuse(zqLocalized("There is no library at “%@”."), zqLocalized("Check its name and where it is."));
-    }
-    if (ZQTrash::contains(path) || ZQTrash::contains(LibraryMove::realPath(path))) {
-        return refuse(zqLocalized("The library “%@” is in the trash."), zqLocalized("Put it back, and open it then."));
-    }
-    return {};
-}
-
 bool tamberin_AppDelegate::saveNewLibraryURL(const QString &path, ZQError *error)
 {
-    const ZQError refused = refusalOfLibrary(path);
-    const QByteArray reference = refused.isNull() ? zqDataForPersistentURL(path) : QByteArray();
-    if (reference.isEmpty()) {
-        // What is remembered stays: nothing in its place would be the default library, as if this one were lost.
-        zqSetError(error, refused.isNull() ? ZQError::posix(EIO, path) : refused);
-        return false;
-    }
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    defaults.setObjectForKey(reference, locationKey);
-    defaults.synchronize();
-    return true;
+    return LibraryLocation::remember(path, error);
 }
 
 QString tamberin_AppDelegate::loadLibraryURL()
 {
-    const QString moved = LibraryMove::placeAfterInterruption();
-    if (!moved.isEmpty() && saveNewLibraryURL(moved)) {
-        return moved;
-    }
-    const QByteArray data = ZQUserDefaults::standardUserDefaults().dataForKey(locationKey);
-    const QString path = data.isEmpty() ? QString() : zqURLFromPersistentData(data);
-    if (path.isEmpty() || path.contains(QStringLiteral(".Trash")) || ZQTrash::contains(path) ||
-        !QFileInfo(path).isDir()) {
-        return {};
-    }
-    return path;
-}
-
-QString tamberin_AppDelegate::rememberedLibrary()
-{
-    const QString path = loadLibraryURL();
-    return path.isEmpty() ? ZQPaths::dataHome() + u'/' + displayName + u'/' + displayName + bundleSuffix : path;
+    return LibraryLocation::remembered();
 }
 
 void tamberin_AppDelegate::notifyAndQuit()
@@ -246,7 +198,7 @@ FileChoice libraryChoice()
 
 QString withLibraryExtension(const QString &path)
 {
-    return path.endsWith(bundleSuffix, Qt::CaseInsensitive) ? path : path + bundleSuffix;
+    return path.endsWith(LibraryLocation::suffix, Qt::CaseInsensitive) ? path : path + LibraryLocation::suffix;
 }
 } // namespace
 

@@ -122,7 +122,7 @@ void CommandLine::defineImport()
                       "Go on with imports that were cut off: import what is missing of them");
     command->add_flag("--forget", m_options->forgets,
                       "Give up imports that were cut off; what they brought into the library stays");
-    command->add_flag("--json", m_json, "Print one object: imported, dropped, notifications");
+    command->add_flag("--json", m_json, "Print one object: imported, incomplete, dropped, notifications");
 }
 
 void CommandLine::defineItems()
@@ -286,7 +286,9 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     }
     m_library = text(m_options->library);
     m_files = texts(m_options->files);
-    if (std::any_of(m_files.begin(), m_files.end(), [&](const QString &file) { return isNothing(file, context); })) {
+    const qsizetype asked = m_files.size();
+    m_files.removeIf([&](const QString &file) { return isNothing(file, context); });
+    if (m_files.isEmpty() && asked > 0) {
         *exitStatus = 2;
         return false;
     }

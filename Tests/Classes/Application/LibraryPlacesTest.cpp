@@ -1,5 +1,6 @@
 // Moving, opening and creating libraries, and the scratch area.
 
+#include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/TemporaryArea.h"
@@ -334,4 +335,30 @@ TEST_F(LibraryPlaces, AScratchFolderThatIsNotThePersonsOwnIsLeftAlone)
         EXPECT_EQ(status.st_uid, ::geteuid());
         EXPECT_TRUE(QDir(elsewhere).isEmpty());
     }
+}
+
+TEST_F(LibraryPlaces, ALibraryNamedForOneRunIsOneOrMadeOnlyByWhatFillsIt)
+{
+    using LibraryLocation::Missing;
+    const QString plain = inWorld(QStringLiteral("pictures"));
+    QDir().mkpath(plain);
+    QDir().mkpath(inWorld(QStringLiteral("New.ztlibrary")));
+    madeLibrary(inWorld(QStringLiteral("unusual name")), 1);
+    struct Case
+    {
+        const char *path;
+        bool isRefusedToRead, isRefusedToFill;
+    };
+    const Case cases[] = {
+        {"pictures", true, true},       {"New.ztlibrary", false, false},    {"New.ztlibrary/", false, false},
+        {"unusual name", false, false}, {"Missing.ztlibrary", true, false}, {"missing", true, true},
+    };
+    for (const Case &each : cases) {
+        const QString path = inWorld(QString::fromLatin1(each.path));
+        EXPECT_EQ(!LibraryLocation::refusalOfNamed(path, Missing::IsRefused).isNull(), each.isRefusedToRead)
+            << each.path;
+        EXPECT_EQ(!LibraryLocation::refusalOfNamed(path, Missing::MayBeMade).isNull(), each.isRefusedToFill)
+            << each.path;
+    }
+    EXPECT_TRUE(QDir(plain).isEmpty());
 }

@@ -253,6 +253,7 @@ TEST_F(CommandTest, AWordThatIsNeitherACommandNorAFileIsNamedWithTheCommandThatW
     words.workingDirectory = QDir::rootPath();
     CommandLine commandLine;
     int status = 0;
-    EXPECT_TRUE(commandLine.parse({QStringLiteral("tmp")}, words, &status)); // there is one
-    EXPECT_EQ(commandLine.filesToOpen(), QStringList{QStringLiteral("tmp")});
+    EXPECT_TRUE(commandLine.parse({QStringLiteral("tmp"), QStringLiteral("gone.png")}, words, &status));
+    EXPECT_EQ(commandLine.filesToOpen(), QStringList{QStringLiteral("tmp")}); // there is one; the other is named
+    EXPECT_TRUE(words.errors.contains("gone.png"));
 }
