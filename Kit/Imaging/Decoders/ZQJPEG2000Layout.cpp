@@ -115,6 +115,7 @@ void readTileParts(ZQByteWalker &walker, Span rest, ZQJPEG2000Layout &layout)
         }
         layout.dataEnd = qMin(next, rest.end);
         layout.dataBytes += layout.dataEnd - data;
+        layout.parts.push_back({tile, at});
         layout.isTile[tile] = layout.isTile[tile] || layout.dataEnd > data;
         at = next;
     }
@@ -163,4 +164,17 @@ std::optional<ZQJPEG2000Layout> zqLayoutOfJPEG2000(const ZQSourceFile::Bytes &by
     }
     readTileParts(walker, {*tiles, codestream->end}, layout);
     return layout;
+}
+
+void zqCloseTilesOfJPEG2000(ZQSourceFile::Bytes &bytes, const ZQJPEG2000Layout &layout)
+{
+    constexpr quint64 countPlace = 11;
+    constexpr int mostParts = 255;
+    std::vector<int> counts(layout.isTile.size(), 0);
+    for (const ZQJPEG2000Layout::TilePart &part : layout.parts) {
+        ++counts[part.tile];
+    }
+    for (const ZQJPEG2000Layout::TilePart &part : layout.parts) {
+        bytes.data()[part.place + countPlace] = uchar(qMin(counts[part.tile], mostParts));
+    }
 }

@@ -21,6 +21,13 @@ struct ZQJPEG2000Layout
     int tilesAcross = 0;      // row by row
     std::vector<bool> isTile; // for each: whether there is data of it
 
+    struct TilePart
+    {
+        quint16 tile;
+        quint64 place; // offset in the file
+    };
+    std::vector<TilePart> parts; // those that have begun, in the order of the file
+
     // The part of a tile that shows.
     QRect tileArea(int tile) const;
     // The pixels of the tiles of which there is data.
@@ -29,3 +36,6 @@ struct ZQJPEG2000Layout
 
 // Nothing when it is no such picture, or its headers are cut or make no sense.
 std::optional<ZQJPEG2000Layout> zqLayoutOfJPEG2000(const ZQSourceFile::Bytes &bytes);
+
+// Makes every tile say that it has as many parts as there are: readers wait for all of them.
+void zqCloseTilesOfJPEG2000(ZQSourceFile::Bytes &bytes, const ZQJPEG2000Layout &layout);

@@ -267,11 +267,12 @@ bool isWorthDrawing(const ZQJPEG2000Layout &layout)
 
 ZQBitmap zqPartOfJPEG2000(const ZQDecodeRequest &request)
 {
-    const ZQSourceFile::Bytes bytes(request.file);
+    ZQSourceFile::Bytes bytes(request.file);
     const std::optional<ZQJPEG2000Layout> layout = zqLayoutOfJPEG2000(bytes);
     if (request.frame > 0 || !layout || !isWorthDrawing(*layout)) {
         return {};
     }
+    zqCloseTilesOfJPEG2000(bytes, *layout);
     Content content{bytes.data(), layout->dataEnd};
     OPJ_UINT32 reduction = 0;
     const Image decoded = decodeLeniently(content, *layout, request, reduction);

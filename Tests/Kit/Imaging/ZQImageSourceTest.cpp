@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QtEndian>
 
 #include <thread>
 
@@ -269,6 +270,30 @@ TEST_F(SampleTest, DrawsTheTilesThatAreThereOfATruncatedJPEG2000Picture)
         EXPECT_LE(distance(coarse.image().copy(firstTile), scene.copy(firstTile)), 20);
         EXPECT_TRUE(drawn(first + 20).isNull()) << "a tile of which next to nothing is there";
     }
+}
+
+TEST_F(SampleTest, DrawsTilesOfAJPEG2000PictureWhoseLaterPartsAreMissing)
+{
+    const QImage scene = smallScene();
+    const QByteArray file = contentOf("Formats/wavelet.jp2");
+    const qsizetype first = file.indexOf(QByteArray("\xff\x90\0\x0a\0\0", 6));
+    const qsizetype second = file.indexOf(QByteArray("\xff\x90\0\x0a\0\1", 6));
+    constexpr qsizetype lengthPlace = 6;
+    constexpr qsizetype countPlace = 11;
+    ASSERT_TRUE(first > 0 && second > first);
+    QByteArray opening = file.mid(first, (second - first) / 2);
+    qToBigEndian(quint32(opening.size()), opening.data() + lengthPlace);
+    opening[countPlace] = 2;
+    const QString cut = path(QStringLiteral("parts.jp2"));
+    ASSERT_TRUE(SampleFormats::writeBytes(file.left(first) + opening + file.mid(second).chopped(100), cut));
+
+    const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(cut);
+    EXPECT_TRUE(bitmap.isIncomplete());
+    EXPECT_FALSE(bitmap.hasAlpha());
+    const QRect firstTile(0, 0, 512, scene.height());
+    const QRect secondTile(512, 0, scene.width() - 512, scene.height());
+    EXPECT_LE(distance(bitmap.image().copy(firstTile), scene.copy(firstTile)), 20);
+    EXPECT_LE(distance(bitmap.image().copy(secondTile), scene.copy(secondTile)), 6);
 }
 
 TEST_F(SampleTest, SurvivesEveryCutAndManyChangedBytes)
