@@ -1,39 +1,15 @@
 #include "Kit/Imaging/Decoders/ZQFrameWalk.h"
-
-#include <QtEndian>
+#include "Kit/Imaging/Decoders/ZQByteWalker.h"
+#include "Kit/Imaging/Decoders/ZQJPEG2000Layout.h"
 
 namespace {
-
-// Bytes at places; past the end there are zeros, and it is remembered.
-class Walker
-{
-public:
-    Walker(const uchar *bytes, quint64 size) : m_bytes(bytes), m_size(size) {}
-
-    template <class T>
-    T value(quint64 at, bool bigEndian = false)
-    {
-        if (at > m_size || m_size - at < sizeof(T)) {
-            m_isPastEnd = true;
-            return 0;
-        }
-        return bigEndian ? qFromBigEndian<T>(m_bytes + at) : qFromLittleEndian<T>(m_bytes + at);
-    }
-    quint64 size() const { return m_size; }
-    bool isPastEnd() const { return m_isPastEnd; }
-
-private:
-    const uchar *m_bytes;
-    quint64 m_size;
-    bool m_isPastEnd = false;
-};
 
 quint64 colorTableBytes(uchar flags)
 {
     return flags & 0x80 ? quint64(3) << ((flags & 7) + 1) : 0;
 }
 
-quint64 afterSubBlocks(Walker &walker, quint64 at)
+quint64 afterSubBlocks(ZQByteWalker &walker, quint64 at)
 {
     while (const auto length = walker.value<uchar>(at)) {
         at += quint64(length) + 1;
@@ -42,7 +18,7 @@ quint64 afterSubBlocks(Walker &walker, quint64 at)
 }
 
 // A file without a trailer is whole when nothing that it begins is missing.
-bool gifEndsEarly(Walker &walker)
+bool gifEndsEarly(ZQByteWalker &walker)
 {
     constexpr quint64 headerBytes = 13;
     quint64 at = headerBytes + colorTableBytes(walker.value<uchar>(10));
@@ -66,7 +42,7 @@ bool gifEndsEarly(Walker &walker)
     return true;
 }
 
-bool tiffEndsEarly(Walker &walker)
+bool tiffEndsEarly(ZQByteWalker &walker)
 {
     constexpr int mostPages = 100'000; // they may go round in a circle
     const bool big = walker.value<uchar>(0) == 'M';
@@ -87,10 +63,14 @@ bool tiffEndsEarly(Walker &walker)
 
 bool zqEndsBeforeLastFrame(const ZQSourceFile &file, ZQImageFormat format)
 {
+    if (format == ZQImageFormat::JPEG2000) {
+        const std::optional<ZQJPEG2000Layout> layout = zqLayoutOfJPEG2000(ZQSourceFile::Bytes(file));
+        return layout && !layout->isWhole;
+    }
     if (format != ZQImageFormat::GIF && format != ZQImageFormat::TIFF) {
         return false;
     }
     const ZQSourceFile::Bytes bytes(file);
-    Walker walker(bytes.data(), bytes.data() ? bytes.size() : 0);
+    ZQByteWalker walker(bytes.data(), bytes.size());
     return format == ZQImageFormat::GIF ? gifEndsEarly(walker) : tiffEndsEarly(walker);
 }

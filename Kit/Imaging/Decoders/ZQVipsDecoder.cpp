@@ -143,8 +143,7 @@ bool areFirstRowsReadable(const ZQDecodeRequest &request)
 bool isPartReadable(const ZQDecodeRequest &request, VipsImage *header)
 {
     const bool isProgressive = integerField(header, "jpeg-multiscan", 0) != 0;
-    const bool readable = isProgressive ? hasPartOfScan(request.file, header)
-                                        : isJPEG2000(header) || areFirstRowsReadable(request); // it has no rows
+    const bool readable = isProgressive ? hasPartOfScan(request.file, header) : areFirstRowsReadable(request);
     zqLogVipsError(request.file.name());
     return readable;
 }
@@ -176,6 +175,21 @@ int frameCount(VipsImage *header)
     return isJPEG2000(header) ? 1 : qMax(1, vips_image_get_n_pages(header));
 }
 
+ZQBitmap decodePart(VipsImage *header, const ZQDecodeRequest &request)
+{
+    if (isJPEG2000(header)) {
+        return zqPartOfJPEG2000(request);
+    }
+    ZQDecodeRequest part = request;
+    part.file = withRoomAfterEnd(request.file, header);
+    if (!isPartReadable(part, header)) {
+        return {};
+    }
+    ZQBitmap bitmap = decodePass(header, part, {VIPS_FAIL_ON_NONE, Profile::Ignore});
+    bitmap.setIncomplete(true);
+    return bitmap;
+}
+
 ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
 {
     const ZQVipsSource source = zqVipsSource(request.file);
@@ -201,12 +215,7 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
         bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, Profile::Ignore});
     }
     if (bitmap.isNull()) {
-        ZQDecodeRequest part = request;
-        part.file = withRoomAfterEnd(request.file, header.get());
-        if (isPartReadable(part, header.get())) {
-            bitmap = decodePass(header.get(), part, {VIPS_FAIL_ON_NONE, Profile::Ignore});
-            bitmap.setIncomplete(true);
-        }
+        bitmap = decodePart(header.get(), request);
     }
     if (bitmap.isNull()) {
         zqSetError(error, zqDamagedError(request.file.name()));

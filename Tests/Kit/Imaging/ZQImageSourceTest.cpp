@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QtEndian>
 
 #include <thread>
 
@@ -213,6 +214,7 @@ TEST_F(SampleTest, DrawsWhatIsThereOfATruncatedPictureInEveryFormat)
              Row{"Formats/icon.ico", {90, 60}},
              Row{"Formats/icon.icns", {90, 60}},
              Row{"Formats/pages.tiff", {90, 60}},
+             Row{"Formats/wavelet.jp2", most},
          }) {
         const QByteArray whole = contentOf(row.name);
         EXPECT_FALSE(ZQImageSource::thumbnailOfFile(sample(row.name), 256).isIncomplete()) << row.name;
@@ -230,11 +232,75 @@ TEST_F(SampleTest, DrawsWhatIsThereOfATruncatedPictureInEveryFormat)
     }
 }
 
+TEST_F(SampleTest, DrawsTheTilesThatAreThereOfATruncatedJPEG2000Picture)
+{
+    constexpr int firstTileWidth = 512;
+    const QImage scene = smallScene();
+    const QRect firstTile(0, 0, firstTileWidth, scene.height());
+    const QByteArray file = contentOf("Formats/wavelet.jp2");
+    const qsizetype start = file.indexOf("\xff\x4f\xff\x51");
+    ASSERT_GT(start, 0);
+    for (const bool isInBoxes : {true, false}) {
+        const QByteArray whole = isInBoxes ? file : file.mid(start);
+        const QString cut = path(isInBoxes ? QStringLiteral("cut.jp2") : QStringLiteral("cut.j2k"));
+        const auto drawn = [&](qsizetype bytes) {
+            EXPECT_TRUE(SampleFormats::writeBytes(whole.left(bytes), cut));
+            return ZQImageSource::bitmapOfFile(cut);
+        };
+        const qsizetype first = whole.indexOf(QByteArray("\xff\x90\0\x0a\0\0", 6));
+        const qsizetype second = whole.indexOf(QByteArray("\xff\x90\0\x0a\0\1", 6));
+        ASSERT_TRUE(first > 0 && second > first);
+        EXPECT_FALSE(drawn(whole.size()).isIncomplete());
+        EXPECT_LE(distance(drawn(whole.size()).image(), scene), 6);
+
+        const ZQBitmap unended = drawn(whole.size() - 2);
+        EXPECT_TRUE(unended.isIncomplete());
+        EXPECT_LE(distance(unended.image(), scene), 6);
+
+        for (const qsizetype bytes : {second, second + 5, second + 13}) {
+            SCOPED_TRACE(testing::Message() << isInBoxes << " " << bytes - second);
+            const ZQBitmap bitmap = drawn(bytes);
+            EXPECT_TRUE(bitmap.isIncomplete());
+            EXPECT_EQ(bitmap.size(), scene.size());
+            EXPECT_LE(distance(bitmap.image().copy(firstTile), scene.copy(firstTile)), 6);
+            EXPECT_EQ(bitmap.image().pixelColor(firstTileWidth - 1, 200).alpha(), 255);
+            EXPECT_EQ(bitmap.image().pixelColor(firstTileWidth, 200).alpha(), 0);
+        }
+        const ZQBitmap coarse = drawn(first + (second - first) / 2);
+        EXPECT_LE(distance(coarse.image().copy(firstTile), scene.copy(firstTile)), 20);
+        EXPECT_TRUE(drawn(first + 20).isNull()) << "a tile of which next to nothing is there";
+    }
+}
+
+TEST_F(SampleTest, DrawsTilesOfAJPEG2000PictureWhoseLaterPartsAreMissing)
+{
+    const QImage scene = smallScene();
+    const QByteArray file = contentOf("Formats/wavelet.jp2");
+    const qsizetype first = file.indexOf(QByteArray("\xff\x90\0\x0a\0\0", 6));
+    const qsizetype second = file.indexOf(QByteArray("\xff\x90\0\x0a\0\1", 6));
+    constexpr qsizetype lengthPlace = 6;
+    constexpr qsizetype countPlace = 11;
+    ASSERT_TRUE(first > 0 && second > first);
+    QByteArray opening = file.mid(first, (second - first) / 2);
+    qToBigEndian(quint32(opening.size()), opening.data() + lengthPlace);
+    opening[countPlace] = 2;
+    const QString cut = path(QStringLiteral("parts.jp2"));
+    ASSERT_TRUE(SampleFormats::writeBytes(file.left(first) + opening + file.mid(second).chopped(100), cut));
+
+    const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(cut);
+    EXPECT_TRUE(bitmap.isIncomplete());
+    EXPECT_FALSE(bitmap.hasAlpha());
+    const QRect firstTile(0, 0, 512, scene.height());
+    const QRect secondTile(512, 0, scene.width() - 512, scene.height());
+    EXPECT_LE(distance(bitmap.image().copy(firstTile), scene.copy(firstTile)), 20);
+    EXPECT_LE(distance(bitmap.image().copy(secondTile), scene.copy(secondTile)), 6);
+}
+
 TEST_F(SampleTest, SurvivesEveryCutAndManyChangedBytes)
 {
-    for (const char *name :
-         {"Formats/layered.psd", "Formats/runs.tga", "Formats/icon.ico", "Formats/icon.icns", "Formats/animated.gif",
-          "Orientations/orientation-5.jpg", "Brand 2026/Logos/Tile.png", "Formats/web.webp", "Brand 2026/Artwork.ai"}) {
+    for (const char *name : {"Formats/layered.psd", "Formats/runs.tga", "Formats/icon.ico", "Formats/icon.icns",
+                             "Formats/animated.gif", "Orientations/orientation-5.jpg", "Brand 2026/Logos/Tile.png",
+                             "Formats/web.webp", "Formats/wavelet.jp2", "Brand 2026/Artwork.ai"}) {
         SCOPED_TRACE(name);
         const QByteArray whole = contentOf(name);
         const QString broken = path(QStringLiteral("broken.") + QString::fromUtf8(name).section(u'.', -1));
