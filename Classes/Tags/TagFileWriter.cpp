@@ -13,8 +13,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
+#include <cerrno>
 
 namespace {
 
@@ -205,7 +205,7 @@ void TagFileWriter::merge(const Merge &merge)
         return;
     }
     const FileTags &merged = found->merged;
-    bool isInFile = putTags(merge.path, merged.tags, found->tags.value_or(QStringList()));
+    bool isInFile = putTags(merge.path, found->tagsForFile(), found->tags.value_or(QStringList()));
     isInFile = putNotes(merge.path, merged.comment, found->comment.value_or(QString())) && isInFile;
     isInFile = putRating(merge.path, merged.rating, found->rating.value_or(0)) && isInFile;
     if (isInFile) {
