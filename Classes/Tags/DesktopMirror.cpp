@@ -141,7 +141,7 @@ QByteArray DesktopMirror::textForTags(const QStringList &tags)
 
 QByteArray DesktopMirror::textForRating(double rating)
 {
-    const long halves = std::lround(std::clamp(rating, 0.0, 5.0) * 2);
+    const long halves = std::isnan(rating) ? 0 : std::lround(std::clamp(rating, 0.0, 5.0) * 2);
     return halves > 0 ? QByteArray::number(static_cast<int>(halves)) : QByteArray();
 }
 

@@ -9,7 +9,6 @@
 #include <QCryptographicHash>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -26,11 +25,6 @@ QByteArray digestOf(const QString &text, qsizetype digits)
 QByteArray commentDigest(const QString &comment)
 {
     return comment.isEmpty() ? QByteArray() : digestOf(comment.normalized(QString::NormalizationForm_C), commentDigits);
-}
-
-int starsOf(double rating)
-{
-    return int(std::lround(std::clamp(std::isfinite(rating) ? rating : 0.0, 0.0, 5.0)));
 }
 
 QSet<QString> keysOf(const QStringList &tags)
@@ -123,13 +117,10 @@ QString mergedComment(const std::optional<SeenFileTags> &seen, const QString &fi
     if (file == library || (seen && seen->hasComment(file))) {
         return library;
     }
-    if ((seen && seen->hasComment(library)) || (!seen && takesFile) || library.isEmpty()) {
+    if ((seen && seen->hasComment(library)) || (!seen && takesFile)) {
         return file;
     }
-    if (library.contains(file)) {
-        return library;
-    }
-    return file.startsWith(library) ? file : library + u'\n' + file;
+    return FileTags::joinedComments(library, file);
 }
 
 int mergedRating(const std::optional<SeenFileTags> &seen, int file, int library, bool takesFile)
@@ -150,7 +141,7 @@ FileTags mergedValues(const std::optional<SeenFileTags> &seen, const FileTagsMer
         merged.comment = mergedComment(seen, *file.comment, library.comment, takesFile);
     }
     if (file.rating) {
-        merged.rating = mergedRating(seen, starsOf(*file.rating), library.rating, takesFile);
+        merged.rating = mergedRating(seen, OpenMeta::starsForRating(*file.rating), library.rating, takesFile);
     }
     return merged;
 }
@@ -175,6 +166,14 @@ FileTagsChange changeFrom(const FileTags &library, const FileTags &merged)
 }
 
 } // namespace
+
+QString FileTags::joinedComments(const QString &first, const QString &second)
+{
+    if (first.contains(second)) {
+        return first;
+    }
+    return second.startsWith(first) ? second : first + u'\n' + second;
+}
 
 SeenFileTags SeenFileTags::of(const FileTags &values)
 {
@@ -280,7 +279,7 @@ std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const Fi
     file.change = changeFrom(library, file.merged);
     const bool isInFile = keysOf(file.tags.value_or(QStringList())) == keysOf(file.tagsForFile()) &&
                           file.comment.value_or(QString()) == file.merged.comment &&
-                          starsOf(file.rating.value_or(0)) == file.merged.rating;
+                          OpenMeta::starsForRating(file.rating.value_or(0)) == file.merged.rating;
     file.isRecorded = isInFile && file.change.isEmpty() && record.value_or(SeenFileTags()) == SeenFileTags::of(library);
     return file;
 }

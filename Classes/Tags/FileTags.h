@@ -16,6 +16,9 @@ struct FileTags
     QString comment;
     int rating = 0; // 0 to 5 stars
     bool isEmpty() const { return tags.isEmpty() && comment.isEmpty() && rating == 0; }
+
+    // Two comments for one file that both count: `second` below `first`, unless one of them says the other already.
+    static QString joinedComments(const QString &first, const QString &second);
 };
 
 // What the library held when it last wrote to a file, kept in an attribute of that file as digests. Without it nobody

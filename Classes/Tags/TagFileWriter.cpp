@@ -13,7 +13,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cerrno>
 
 namespace {
@@ -143,7 +142,7 @@ bool TagFileWriter::putNotes(const QString &path, const QString &notes, const QS
 // Other programs rate with fractions, which stay while they round to the same.
 bool TagFileWriter::putRating(const QString &path, int rating, double present)
 {
-    if (std::lround(present) == rating) {
+    if (OpenMeta::starsForRating(present) == rating) {
         return true;
     }
     const ZQError error = OpenMeta::setRating(rating, path);
@@ -189,7 +188,7 @@ void TagFileWriter::merge(const Merge &merge)
     ZQError error;
     FileTags library = merge.library;
     if (merge.takesRating) {
-        library.rating = int(std::lround(std::clamp(OpenMeta::getRating(merge.path), 0.0, 5.0)));
+        library.rating = OpenMeta::starsForRating(OpenMeta::getRating(merge.path));
     }
     auto found = FileTagsMerge::ofFile(merge.path, library, FileTagsMerge::Unknown::KeepsBoth, merge.isFirst, &error);
     if (!found) {

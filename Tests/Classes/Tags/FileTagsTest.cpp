@@ -2,6 +2,8 @@
 #include "Classes/Tags/TagFileWriter.h"
 #include "Tests/Classes/Tags/TagsFixture.h"
 
+#include <cmath>
+
 namespace {
 
 // A file that the library wrote to once, and what another program and the library did since.
@@ -161,6 +163,25 @@ TEST_F(FileTagsTest, ARatingFollowsWhoChangedItAndKeepsItsFraction)
         ASSERT_TRUE(OpenMeta::setRating(c.theirs, path).isNull());
         write({{}, {}, c.ours});
         EXPECT_DOUBLE_EQ(OpenMeta::getRating(path), c.merged) << qPrintable(path);
+    }
+}
+
+TEST_F(FileTagsTest, ARatingBeyondTheStarsCountsAsTheNearestAndStays)
+{
+    struct Case
+    {
+        double theirs;
+        int stars;
+    };
+    for (const Case &c : {Case{7, 5}, Case{std::nan(""), 0}, Case{-3, 0}, Case{4.5, 5}}) {
+        EXPECT_EQ(OpenMeta::starsForRating(c.theirs), c.stars);
+        path = newFile(QString::number(c.theirs));
+        const QString name = OpenMeta::spotlightKey(OpenMeta::starRatingKey);
+        ASSERT_TRUE(OpenMeta::setXAttr(c.theirs, name, path).isNull());
+        const auto attribute = raw(path, name);
+        write({list("a"), {}, c.stars});
+        EXPECT_FALSE(adopted) << c.theirs;
+        EXPECT_EQ(raw(path, name), attribute) << c.theirs;
     }
 }
 
