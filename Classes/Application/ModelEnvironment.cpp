@@ -14,9 +14,6 @@
 
 #include <QFileInfo>
 
-#include <algorithm>
-#include <cmath>
-
 namespace {
 
 FileTags valuesOf(const ZQFileTags &tags)
@@ -89,7 +86,7 @@ std::optional<int> ModelEnvironment::ratingOfFile(const QString &path)
     if (!error.isNull()) {
         return std::nullopt;
     }
-    return std::clamp(int(std::lround(rating)), 0, 5);
+    return OpenMeta::starsForRating(rating);
 }
 
 std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &path, const ZQFileTags &present)

@@ -17,7 +17,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -175,7 +174,7 @@ int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
     if (!items) {
         return 2;
     }
-    const auto stars = qint16(std::lround(rating));
+    const auto stars = qint16(OpenMeta::starsForRating(rating));
     for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
         item->setRating(stars);
         item->writeRatingToDisk();

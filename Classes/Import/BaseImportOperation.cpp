@@ -25,7 +25,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -468,7 +467,7 @@ void BaseImportOperation::importOpenMetaTags()
 
 void BaseImportOperation::importOpenMetaRating()
 {
-    const int rating = int(std::lround(std::clamp(OpenMeta::getRating(m_filePath), 0.0, 5.0)));
+    const int rating = OpenMeta::starsForRating(OpenMeta::getRating(m_filePath));
     if (rating > 0) {
         m_fileData->insert(QStringLiteral("rating"), rating);
     }

@@ -6,6 +6,8 @@
 #include "Classes/Interface/LibraryCommands.h"
 #include "Classes/Interface/RatingField.h"
 #include "Classes/Interface/TagField.h"
+#include "Classes/Tags/FileTags.h"
+#include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -26,7 +28,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -405,7 +406,7 @@ void InfoPanelViewController::rateItems(double rating)
     const QList<ZQObjectID> items = m_browser.selectedItems();
     if (!items.isEmpty()) {
         m_rating->setRating(rating, false);
-        ItemEdits(m_window).setRating(items, int(std::lround(rating)));
+        ItemEdits(m_window).setRating(items, OpenMeta::starsForRating(rating));
     }
 }
 
@@ -441,8 +442,8 @@ void InfoPanelViewController::commitNotes()
     const QString shown = m_summary.notes.differs ? QString() : m_summary.notes.text;
     if (!m_items.isEmpty() && text != shown) {
         const auto item = m_items.size() == 1 ? m_window.libraryItem(m_items.first()) : ZQRef<ZQLibraryBaseItem>();
-        if (item && item->notes() != shown && !text.contains(item->notes())) {
-            text += u'\n' + item->notes(); // came from another program while the person was typing
+        if (item && item->notes() != shown) { // another program's came while the person was typing
+            text = FileTags::joinedComments(text, item->notes());
         }
         m_summary.notes = {text, false};
         ItemEdits(m_window).setNotes(m_items, text);

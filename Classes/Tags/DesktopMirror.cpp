@@ -4,6 +4,7 @@
 #include "Classes/Tags/PathLock.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQText.h"
 
 #include <QCryptographicHash>
 #include <QHash>
@@ -94,7 +95,7 @@ QSet<QString> keysOf(const QStringList &tags)
 {
     QSet<QString> keys;
     for (const QString &tag : tags) {
-        keys.insert(OpenMeta::comparisonKey(tag));
+        keys.insert(zqPlainLine(tag));
     }
     return keys;
 }
@@ -106,7 +107,7 @@ std::optional<QStringList> mergedTags(const QStringList &ours, const QStringList
     QStringList shown;
     QStringList hidden;
     for (const QString &tag : ours) {
-        ourSpelling.insert(OpenMeta::comparisonKey(tag), tag);
+        ourSpelling.insert(zqPlainLine(tag), tag);
         (canBeMirrored(tag) ? shown : hidden).append(tag);
     }
     if (keysOf(shown) == keysOf(theirs)) {
@@ -114,7 +115,7 @@ std::optional<QStringList> mergedTags(const QStringList &ours, const QStringList
     }
     QStringList result = wasMirrored ? QStringList() : ours;
     for (const QString &tag : theirs) {
-        result.append(ourSpelling.value(OpenMeta::comparisonKey(tag), tag));
+        result.append(ourSpelling.value(zqPlainLine(tag), tag));
     }
     result = OpenMeta::removeDuplicateTags(result + hidden);
     return result == OpenMeta::removeDuplicateTags(ours) ? std::nullopt : std::optional(result);
@@ -140,7 +141,7 @@ QByteArray DesktopMirror::textForTags(const QStringList &tags)
 
 QByteArray DesktopMirror::textForRating(double rating)
 {
-    const long halves = std::lround(std::clamp(rating, 0.0, 5.0) * 2);
+    const long halves = std::isnan(rating) ? 0 : std::lround(std::clamp(rating, 0.0, 5.0) * 2);
     return halves > 0 ? QByteArray::number(static_cast<int>(halves)) : QByteArray();
 }
 

@@ -4,11 +4,11 @@
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/PathLock.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Foundation/ZQText.h"
 
 #include <QCryptographicHash>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -27,16 +27,11 @@ QByteArray commentDigest(const QString &comment)
     return comment.isEmpty() ? QByteArray() : digestOf(comment.normalized(QString::NormalizationForm_C), commentDigits);
 }
 
-int starsOf(double rating)
-{
-    return int(std::lround(std::clamp(std::isfinite(rating) ? rating : 0.0, 0.0, 5.0)));
-}
-
 QSet<QString> keysOf(const QStringList &tags)
 {
     QSet<QString> keys;
     for (const QString &tag : tags) {
-        keys.insert(FileTagsMerge::keyOf(tag));
+        keys.insert(zqPlainLine(tag));
     }
     return keys;
 }
@@ -88,15 +83,26 @@ QStringList mergedTags(const std::optional<SeenFileTags> &seen, const QStringLis
 {
     const QSet<QString> inFile = keysOf(file);
     QSet<QString> inLibrary = keysOf(library);
+    const auto wasHeld = [&](const QString &tag) {
+        return seen ? seen->hasTag(tag) : inLibrary.contains(zqPlainLine(tag));
+    };
+    QSet<QString> standIns; // of a tag that differs from them only in case
+    for (const QString &tag : file) {
+        if (wasHeld(tag)) {
+            standIns.insert(OpenMeta::comparisonKey(zqPlainLine(tag)));
+        }
+    }
     QStringList merged;
     for (const QString &tag : library) {
-        const bool wasTakenAway = seen ? seen->hasTag(tag) : takesFile;
-        if (inFile.contains(FileTagsMerge::keyOf(tag)) || !wasTakenAway) {
+        const QString key = zqPlainLine(tag);
+        const bool isThere = inFile.contains(key) || standIns.contains(OpenMeta::comparisonKey(key));
+        const bool wasTakenAway = !isThere && (seen ? seen->hasTag(tag) : takesFile);
+        if (!wasTakenAway) {
             merged.append(tag);
         }
     }
     for (const QString &tag : file) {
-        const QString key = FileTagsMerge::keyOf(tag);
+        const QString key = zqPlainLine(tag);
         if (!key.isEmpty() && !inLibrary.contains(key) && !(seen && seen->hasTag(tag))) {
             inLibrary.insert(key);
             merged.append(tag);
@@ -111,13 +117,10 @@ QString mergedComment(const std::optional<SeenFileTags> &seen, const QString &fi
     if (file == library || (seen && seen->hasComment(file))) {
         return library;
     }
-    if ((seen && seen->hasComment(library)) || (!seen && takesFile) || library.isEmpty()) {
+    if ((seen && seen->hasComment(library)) || (!seen && takesFile)) {
         return file;
     }
-    if (library.contains(file)) {
-        return library;
-    }
-    return file.startsWith(library) ? file : library + u'\n' + file;
+    return FileTags::joinedComments(library, file);
 }
 
 int mergedRating(const std::optional<SeenFileTags> &seen, int file, int library, bool takesFile)
@@ -138,7 +141,7 @@ FileTags mergedValues(const std::optional<SeenFileTags> &seen, const FileTagsMer
         merged.comment = mergedComment(seen, *file.comment, library.comment, takesFile);
     }
     if (file.rating) {
-        merged.rating = mergedRating(seen, starsOf(*file.rating), library.rating, takesFile);
+        merged.rating = mergedRating(seen, OpenMeta::starsForRating(*file.rating), library.rating, takesFile);
     }
     return merged;
 }
@@ -150,9 +153,9 @@ FileTagsChange changeFrom(const FileTags &library, const FileTags &merged)
     const QSet<QString> before = keysOf(library.tags);
     const QSet<QString> after = keysOf(merged.tags);
     std::copy_if(merged.tags.begin(), merged.tags.end(), std::back_inserter(change.added),
-                 [&before](const QString &tag) { return !before.contains(FileTagsMerge::keyOf(tag)); });
+                 [&before](const QString &tag) { return !before.contains(zqPlainLine(tag)); });
     std::copy_if(library.tags.begin(), library.tags.end(), std::back_inserter(change.removed),
-                 [&after](const QString &tag) { return !after.contains(FileTagsMerge::keyOf(tag)); });
+                 [&after](const QString &tag) { return !after.contains(zqPlainLine(tag)); });
     if (merged.comment != library.comment) {
         change.comment = merged.comment;
     }
@@ -164,11 +167,19 @@ FileTagsChange changeFrom(const FileTags &library, const FileTags &merged)
 
 } // namespace
 
+QString FileTags::joinedComments(const QString &first, const QString &second)
+{
+    if (first.contains(second)) {
+        return first;
+    }
+    return second.startsWith(first) ? second : first + u'\n' + second;
+}
+
 SeenFileTags SeenFileTags::of(const FileTags &values)
 {
     SeenFileTags seen;
     for (const QString &tag : values.tags) {
-        seen.tags.insert(digestOf(FileTagsMerge::keyOf(tag), tagDigits));
+        seen.tags.insert(digestOf(zqPlainLine(tag), tagDigits));
     }
     seen.comment = commentDigest(values.comment);
     seen.rating = values.rating;
@@ -206,7 +217,7 @@ std::optional<SeenFileTags> SeenFileTags::fromText(const QByteArray &text)
 
 bool SeenFileTags::hasTag(const QString &tag) const
 {
-    return tags.contains(digestOf(FileTagsMerge::keyOf(tag), tagDigits));
+    return tags.contains(digestOf(zqPlainLine(tag), tagDigits));
 }
 
 bool SeenFileTags::hasComment(const QString &text) const
@@ -231,11 +242,21 @@ void SeenFileTags::write(const SeenFileTags &seen, const QString &path)
     }
 }
 
-QString FileTagsMerge::keyOf(const QString &tag)
+QStringList FileTagsMerge::tagsForFile() const
 {
-    QString name = tag;
-    name.removeIf([](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QLatin1Char('\t'); });
-    return OpenMeta::comparisonKey(name);
+    const QSet<QString> inFile = keysOf(tags.value_or(QStringList()));
+    QSet<QString> taken; // by what is there
+    for (const QString &tag : merged.tags) {
+        if (inFile.contains(zqPlainLine(tag))) {
+            taken.insert(OpenMeta::comparisonKey(zqPlainLine(tag)));
+        }
+    }
+    QStringList wanted = merged.tags;
+    wanted.removeIf([&](const QString &tag) {
+        const QString key = zqPlainLine(tag);
+        return !inFile.contains(key) && taken.contains(OpenMeta::comparisonKey(key));
+    });
+    return OpenMeta::removeDuplicateTags(wanted);
 }
 
 std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const FileTags &library, Unknown unknown,
@@ -256,9 +277,9 @@ std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const Fi
     }
     file.merged = mergedValues(seen, file, library, takesFile);
     file.change = changeFrom(library, file.merged);
-    const bool isInFile = keysOf(file.tags.value_or(QStringList())) == keysOf(file.merged.tags) &&
+    const bool isInFile = keysOf(file.tags.value_or(QStringList())) == keysOf(file.tagsForFile()) &&
                           file.comment.value_or(QString()) == file.merged.comment &&
-                          starsOf(file.rating.value_or(0)) == file.merged.rating;
+                          OpenMeta::starsForRating(file.rating.value_or(0)) == file.merged.rating;
     file.isRecorded = isInFile && file.change.isEmpty() && record.value_or(SeenFileTags()) == SeenFileTags::of(library);
     return file;
 }

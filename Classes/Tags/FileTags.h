@@ -16,6 +16,9 @@ struct FileTags
     QString comment;
     int rating = 0; // 0 to 5 stars
     bool isEmpty() const { return tags.isEmpty() && comment.isEmpty() && rating == 0; }
+
+    // Two comments for one file that both count: `second` below `first`, unless one of them says the other already.
+    static QString joinedComments(const QString &first, const QString &second);
 };
 
 // What the library held when it last wrote to a file, kept in an attribute of that file as digests. Without it nobody
@@ -57,7 +60,8 @@ struct FileTagsChange
 
 // A file and the library, brought together. Additions and removals of both sides count. Where both gave another
 // comment, the library's comes first and the file's below it; where both gave another rating, the library's stays.
-// Spellings that differ only in case or composition are one tag; the library's stays.
+// Tags are compared as the library's names of tags are (`zqPlainLine`): Logo and logo are two. A file holds only one of
+// such a pair, so the library's other one counts as there while it does.
 struct FileTagsMerge
 {
     // When nothing is known of what was last seen: both sides' values stay, or the file's take the place of the
@@ -76,6 +80,6 @@ struct FileTagsMerge
     // treats a record as not there, which a copy brought along from elsewhere.
     static std::optional<FileTagsMerge> ofFile(const QString &path, const FileTags &library, Unknown unknown,
                                                bool ignoresSeen, ZQError *error);
-    // What two spellings of one tag have in common; without what a name of a tag cannot hold.
-    static QString keyOf(const QString &tag);
+    // What of `merged` the file can hold; of tags that differ only in case the one that is there, else the first.
+    QStringList tagsForFile() const;
 };

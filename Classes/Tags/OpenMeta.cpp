@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -263,6 +264,11 @@ double OpenMeta::getRating(const QString &path, ZQError *error)
 {
     const DesktopMirror::Newer newer = bringUpToDate(path, false);
     return newer.rating ? *newer.rating : getXAttrMetaData(starRatingKey, path, error).toDouble();
+}
+
+int OpenMeta::starsForRating(double rating)
+{
+    return std::isnan(rating) ? 0 : int(std::lround(std::clamp(rating, 0.0, 5.0)));
 }
 
 OpenMeta::Values OpenMeta::getValues(const QString &path)

@@ -54,6 +54,8 @@ public:
     // 0 < rating <= 5; at most 0 removes it, above 5 is stored as 5.
     static ZQError setRating(double rating, const QString &path);
     static double getRating(const QString &path, ZQError *error = nullptr); // 0: none
+    // 0 to 5, whatever another program put into a file.
+    static int starsForRating(double rating);
 
     // Tags, comment and rating at once, which costs less than one after the other; nothing for what is missing.
     struct Values

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 
 namespace {
 
@@ -143,7 +142,7 @@ bool TagFileWriter::putNotes(const QString &path, const QString &notes, const QS
 // Other programs rate with fractions, which stay while they round to the same.
 bool TagFileWriter::putRating(const QString &path, int rating, double present)
 {
-    if (std::lround(present) == rating) {
+    if (OpenMeta::starsForRating(present) == rating) {
         return true;
     }
     const ZQError error = OpenMeta::setRating(rating, path);
@@ -189,7 +188,7 @@ void TagFileWriter::merge(const Merge &merge)
     ZQError error;
     FileTags library = merge.library;
     if (merge.takesRating) {
-        library.rating = int(std::lround(std::clamp(OpenMeta::getRating(merge.path), 0.0, 5.0)));
+        library.rating = OpenMeta::starsForRating(OpenMeta::getRating(merge.path));
     }
     auto found = FileTagsMerge::ofFile(merge.path, library, FileTagsMerge::Unknown::KeepsBoth, merge.isFirst, &error);
     if (!found) {
@@ -205,7 +204,7 @@ void TagFileWriter::merge(const Merge &merge)
         return;
     }
     const FileTags &merged = found->merged;
-    bool isInFile = putTags(merge.path, merged.tags, found->tags.value_or(QStringList()));
+    bool isInFile = putTags(merge.path, found->tagsForFile(), found->tags.value_or(QStringList()));
     isInFile = putNotes(merge.path, merged.comment, found->comment.value_or(QString())) && isInFile;
     isInFile = putRating(merge.path, merged.rating, found->rating.value_or(0)) && isInFile;
     if (isInFile) {

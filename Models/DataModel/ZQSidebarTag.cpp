@@ -1,6 +1,7 @@
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQText.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <algorithm>
@@ -38,9 +39,7 @@ ZQRef<ZQSidebarTag> generatedTag(int code, int position, const char *name, const
 
 QString ZQSidebarTag::tagNameForText(const QString &text)
 {
-    QString name = text;
-    name.removeIf([](QChar c) { return c == QLatin1Char('\r') || c == QLatin1Char('\n') || c == QLatin1Char('\t'); });
-    return name.normalized(QString::NormalizationForm_C);
+    return zqPlainLine(text);
 }
 
 ZQRef<ZQSidebarTag> ZQSidebarTag::tagWithTagName(const QString &name, ZQManagedObjectContext &context)

@@ -54,9 +54,20 @@ TEST_F(FileTagReaderTest, NotesThatComeFromTheFileWhileThePersonTypesStayBelow)
     browser->showSidebarItems({project->objectID()});
     zqRunMainLoopUntil([&] { return fetcher.isIdle() && browser->content().count() == 1; });
     browser->grid().setSelection(ZQIndexSet(0, 0));
-    panel->refresh();
-    panel->findChild<QPlainTextEdit *>()->setPlainText(QStringLiteral("typed"));
-    image->setNotes(QStringLiteral("said"));
-    panel->refresh();
-    EXPECT_EQ(image->notes(), QStringLiteral("typed\nsaid"));
+    struct Case
+    {
+        QString typed;
+        QString said;
+        QString merged;
+    };
+    for (const Case &c : {Case{QStringLiteral("typed"), QStringLiteral("said"), QStringLiteral("typed\nsaid")},
+                          Case{QString(), QStringLiteral("said"), QStringLiteral("said")},
+                          Case{QStringLiteral("typed"), QStringLiteral("typed on"), QStringLiteral("typed on")}}) {
+        image->setNotes(QStringLiteral("n"));
+        panel->refresh();
+        panel->findChild<QPlainTextEdit *>()->setPlainText(c.typed);
+        image->setNotes(c.said);
+        panel->refresh();
+        EXPECT_EQ(image->notes(), c.merged);
+    }
 }

@@ -2,6 +2,8 @@
 #include "Classes/Tags/TagFileWriter.h"
 #include "Tests/Classes/Tags/TagsFixture.h"
 
+#include <cmath>
+
 namespace {
 
 // A file that the library wrote to once, and what another program and the library did since.
@@ -52,7 +54,7 @@ TEST_F(FileTagsTest, AdditionsAndRemovalsOfBothSidesCount)
         {"a b", "a b", "a b", "a b", "", ""},     {"a b", "a b x", "a b", "a b x", "x", ""},
         {"a b", "a b", "a b y", "a b y", "", ""}, {"a b", "a x", "a b y", "a x y", "x", "b"},
         {"a b", "a b x", "b", "b x", "x", ""},    {"a b", "", "a b", "", "", "a b"},
-        {"a b", "a x", "b x", "x", "", "b"},      {"Logo", "logo x", "Logo", "Logo x", "x", ""},
+        {"a b", "a x", "b x", "x", "", "b"},      {"Logo", "logo x", "Logo", "logo x", "logo x", "Logo"},
         {"", "x", "y", "x y", "x", ""},
     };
     for (const Case &c : cases) {
@@ -65,6 +67,41 @@ TEST_F(FileTagsTest, AdditionsAndRemovalsOfBothSidesCount)
         EXPECT_EQ(adopted ? adopted->added : QStringList(), list(c.added)) << qPrintable(path);
         EXPECT_EQ(adopted ? adopted->removed : QStringList(), list(c.removed)) << qPrintable(path);
     }
+}
+
+// A file holds one of them, and the other one is not taken for removed.
+TEST_F(FileTagsTest, TagsThatDifferOnlyInCaseAreTwoOfWhichAFileHoldsOne)
+{
+    write({list("Logo logo"), {}, 0});
+    EXPECT_EQ(sorted(), list("Logo"));
+    for (const char *order : {"logo Logo", "Logo logo x"}) { // and it stays as it is
+        write({list(order), {}, 0});
+        EXPECT_FALSE(adopted) << order;
+        EXPECT_EQ(sorted().first(), QStringLiteral("Logo")) << order;
+    }
+    write({list("logo x"), {}, 0});
+    EXPECT_FALSE(adopted);
+    EXPECT_EQ(sorted(), list("logo x"));
+
+    write({list("Logo logo x"), {}, 0});
+    theirs("LOGO x");
+    write({list("Logo logo x"), {}, 0});
+    ASSERT_TRUE(adopted);
+    EXPECT_EQ(adopted->added, list("LOGO"));
+    EXPECT_EQ(adopted->removed, list("Logo logo"));
+    EXPECT_EQ(sorted(), list("LOGO x"));
+
+    write({list("Caf\u00e9"), {}, 0}); // other forms of one text are no change
+    theirs("Cafe\u0301");
+    write({list("Caf\u00e9"), {}, 0});
+    EXPECT_FALSE(adopted);
+
+    path = newFile(QStringLiteral("unseen"));
+    theirs("logo");
+    write({list("Logo"), {}, 0});
+    ASSERT_TRUE(adopted);
+    EXPECT_EQ(adopted->added, list("logo"));
+    EXPECT_EQ(sorted(), list("logo"));
 }
 
 // Requests made before the library heard of another program's change look like its removal.
@@ -126,6 +163,25 @@ TEST_F(FileTagsTest, ARatingFollowsWhoChangedItAndKeepsItsFraction)
         ASSERT_TRUE(OpenMeta::setRating(c.theirs, path).isNull());
         write({{}, {}, c.ours});
         EXPECT_DOUBLE_EQ(OpenMeta::getRating(path), c.merged) << qPrintable(path);
+    }
+}
+
+TEST_F(FileTagsTest, ARatingBeyondTheStarsCountsAsTheNearestAndStays)
+{
+    struct Case
+    {
+        double theirs;
+        int stars;
+    };
+    for (const Case &c : {Case{7, 5}, Case{std::nan(""), 0}, Case{-3, 0}, Case{4.5, 5}}) {
+        EXPECT_EQ(OpenMeta::starsForRating(c.theirs), c.stars);
+        path = newFile(QString::number(c.theirs));
+        const QString name = OpenMeta::spotlightKey(OpenMeta::starRatingKey);
+        ASSERT_TRUE(OpenMeta::setXAttr(c.theirs, name, path).isNull());
+        const auto attribute = raw(path, name);
+        write({list("a"), {}, c.stars});
+        EXPECT_FALSE(adopted) << c.theirs;
+        EXPECT_EQ(raw(path, name), attribute) << c.theirs;
     }
 }
 
