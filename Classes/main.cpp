@@ -28,6 +28,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 
@@ -71,12 +72,14 @@ InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delega
     CommandContext context;
     context.delegate = &delegate;
     context.workingDirectory = request.workingDirectory;
+    context.isAbandoned = request.isAbandoned;
     CommandLine commandLine;
     commandLine.setSnapshotDrawer(drawSnapshot);
     int status = 0;
     if (commandLine.parse(request.arguments, context, &status)) {
         if (!delegate.managedObjectContext()) {
-            status = context.fail(zqLocalized("the library is being moved; try again once that is done"));
+            status = context.fail(
+                zqLocalized("Zelto has the library in use but not open: answer what it asks, then try again"));
         } else if (commandLine.isCommand()) {
             status = commandLine.run(context);
         } else {
@@ -112,9 +115,11 @@ ZQError refusalOfLibrary(const CommandLine &commandLine)
 // Hands the whole command line to the process that holds the library; its exit status.
 int handOver(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &inUse)
 {
+    std::signal(SIGINT, SIG_DFL); // the other process notices that this one went
+    std::signal(SIGTERM, SIG_DFL);
     ZQError error;
     const auto reply =
-        InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath()}, &error);
+        InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath(), {}}, &error);
     if (!reply) {
         return context.fail(inUse.localizedDescription());
     }

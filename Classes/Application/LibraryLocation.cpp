@@ -34,6 +34,22 @@ ZQError notThere(const QString &path)
     return noLibrary(zqLocalized("There is no library at “%@”."), path, zqLocalized("Check its name and where it is."));
 }
 
+// On the disk, or not at all: what is only in memory is forgotten by the next launch.
+bool write(const QVariant &value, const QString &key, ZQError *error)
+{
+    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    const QVariant before = defaults.objectForKey(key);
+    defaults.setObjectForKey(value, key);
+    if (defaults.synchronize()) {
+        return true;
+    }
+    defaults.setObjectForKey(before, key);
+    zqSetError(error, ZQError::with(LibraryLocation::errorDomain, LibraryLocation::NotNoted,
+                                    zqLocalized("The preferences can't be written, so the library would not be found."),
+                                    zqLocalized("Free some space, or check the permissions of the settings.")));
+    return false;
+}
+
 bool isNamedLikeOne(const QString &path)
 {
     return path.endsWith(LibraryLocation::suffix, Qt::CaseInsensitive);
@@ -89,10 +105,7 @@ bool LibraryLocation::remember(const QString &path, ZQError *error)
         zqSetError(error, refused.isNull() ? ZQError::posix(EIO, path) : refused);
         return false;
     }
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    defaults.setObjectForKey(reference, locationKey);
-    defaults.synchronize();
-    return true;
+    return write(reference, locationKey, error);
 }
 
 QString LibraryLocation::remembered()
@@ -138,21 +151,16 @@ bool LibraryLocation::isSamePlace(const QString &one, const QString &other)
     return realPath(one) == realPath(other);
 }
 
-void LibraryLocation::noteMove(const Move &move)
+bool LibraryLocation::noteMove(const Move &move, ZQError *error)
 {
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    if (move.isNull()) {
-        if (notedMove().isNull()) {
-            return;
-        }
-        defaults.removeObjectForKey(moveKey);
-    } else {
-        defaults.setObjectForKey(QVariantMap{{QStringLiteral("from"), move.from},
+    if (move.isNull() && notedMove().isNull()) {
+        return true;
+    }
+    return write(move.isNull() ? QVariant()
+                               : QVariantMap{{QStringLiteral("from"), move.from},
                                              {QStringLiteral("to"), move.to},
                                              {QStringLiteral("copy"), move.copy}},
-                                 moveKey);
-    }
-    defaults.synchronize();
+                 moveKey, error);
 }
 
 LibraryLocation::Move LibraryLocation::notedMove()

@@ -36,10 +36,11 @@ struct Move
     QString copy;
     bool isNull() const { return from.isEmpty(); }
 };
-void noteMove(const Move &move); // a null one: there is none any more
+// A null one: there is none any more. False when the preferences cannot be written, which then hold what they held.
+bool noteMove(const Move &move, ZQError *error = nullptr);
 Move notedMove();
 
 inline const QString errorDomain = QStringLiteral("zelto.library");
-enum ErrorCode { NoLibrary = 3, IsOpen = 4 };
+enum ErrorCode { NoLibrary = 3, IsOpen, NotNoted };
 
 } // namespace LibraryLocation

@@ -113,10 +113,9 @@ bool clearPlace(const QString &destination, ZQError *error)
 
 bool moveByRenaming(const QString &source, const QString &destination, ZQError *error)
 {
-    if (!clearPlace(destination, error)) {
+    if (!clearPlace(destination, error) || !LibraryLocation::noteMove({source, destination, {}}, error)) {
         return false;
     }
-    LibraryLocation::noteMove({source, destination, {}});
     if (!zqMoveNoReplace(source, destination, error)) {
         LibraryLocation::noteMove({});
         return false;
@@ -154,8 +153,8 @@ bool moveByCopying(const QString &source, const QString &destination, const Libr
         return zqFailWithErrno(error, folderName);
     }
     const QString folder = QFile::decodeName(folderName);
-    LibraryLocation::noteMove({source, destination, folder});
-    const bool isMoved = copyToPlace(source, destination, folder, progress, error);
+    const bool isMoved = LibraryLocation::noteMove({source, destination, folder}, error) &&
+                         copyToPlace(source, destination, folder, progress, error);
     zqRemoveTree(folderName);
     LibraryLocation::noteMove({});
     if (isMoved && LibraryLocation::isSamePlace(LibraryLocation::remembered(), destination) &&

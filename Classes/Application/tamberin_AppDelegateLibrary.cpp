@@ -139,14 +139,27 @@ QString tamberin_AppDelegate::templateDirectory()
                             "Error creating template directory at %@ : %@");
 }
 
+namespace {
+// Names come from the store, which may have come from elsewhere: nothing is removed but what lies in the base. Without
+// a base a relative path would be looked for wherever the process happens to stand.
+bool isRemovable(const QString &path, const QString &baseDirectory)
+{
+    const QStringList parts = path.split(u'/');
+    const bool isPlain = !parts.contains(QStringLiteral("..")) && !parts.contains(QStringLiteral(".")) &&
+                         !path.contains(QChar(QChar::Null));
+    return !path.isEmpty() && isPlain && path.startsWith(u'/') == baseDirectory.isEmpty() && path != u"/";
+}
+} // namespace
+
 void tamberin_AppDelegate::deleteFilesAtPaths(const QStringList &paths, const QString &baseDirectory)
 {
     QStringList arguments{QStringLiteral("-rf")};
     for (const QString &path : paths) {
-        if (path.isEmpty() || (baseDirectory.isEmpty() && !path.startsWith(u'/'))) {
-            continue; // without a base a relative path would be looked for wherever the process happens to stand
+        if (!isRemovable(path, baseDirectory)) {
+            qCWarning(zqLogApplication).noquote() << "Not removed:" << path << "in" << baseDirectory;
+            continue;
         }
-        arguments.append(path);
+        arguments.append(path.startsWith(u'-') ? QStringLiteral("./") + path : path);
     }
     if (arguments.size() == 1) {
         return;

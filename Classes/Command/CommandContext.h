@@ -3,12 +3,14 @@
 #include "Kit/Foundation/ZQError.h"
 
 #include <QByteArray>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonValue>
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class tamberin_AppDelegate;
@@ -27,6 +29,8 @@ struct CommandContext
     bool json = false;
     QByteArray output; // data only
     QByteArray errors; // one line an error, each says what to do
+    // In the process of a window: whether who asked has gone, as by Ctrl+C. Null where nobody can.
+    std::function<bool()> isAbandoned;
 
     ZQManagedObjectContext &store() const;
     QString absolutePath(const QString &path) const { return QDir(workingDirectory).absoluteFilePath(path); }

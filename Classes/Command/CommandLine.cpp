@@ -323,8 +323,10 @@ bool CommandLine::isNothing(const QString &word, CommandContext &context) const
         return false;
     }
     const QString meant = commandLike(word);
+    const bool isPath = word.contains(u'/') || word.contains(u'.');
     context.fail(
-        meant.isEmpty()
+        isPath ? zqFormat(zqLocalized("there is no file or folder “%@”"), {word})
+        : meant.isEmpty()
             ? zqFormat(zqLocalized("“%@” is neither a command nor a file; `zelto --help` lists the commands"), {word})
             : zqFormat(zqLocalized("“%@” is neither a command nor a file; did you mean `zelto %@`?"), {word, meant}));
     return true;
@@ -381,10 +383,12 @@ QString CommandLine::commandLike(const QString &word) const
     QString best;
     qsizetype bestDistance = std::max<qsizetype>(1, word.size() / 3) + 1; // one letter in three may be wrong
     for (const CLI::App *command : m_app->get_subcommands([](const CLI::App *) { return true; })) {
-        const qsizetype distance = editDistance(word.toLower(), text(command->get_name()));
+        const QString name = text(command->get_name());
+        const bool isBeginning = word.size() > 1 && name.startsWith(word, Qt::CaseInsensitive);
+        const qsizetype distance = isBeginning ? 0 : editDistance(word.toLower(), name);
         if (!command->get_group().empty() && distance < bestDistance) {
             bestDistance = distance;
-            best = text(command->get_name());
+            best = name;
         }
     }
     return best;

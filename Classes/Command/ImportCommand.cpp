@@ -139,11 +139,21 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
     return true;
 }
 
+void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
+{
+    operation->cancel();
+    std::for_each(operation->followUps().begin(), operation->followUps().end(), cancelWholly);
+}
+
 // Waits for the imports and all that follows from them.
 int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operations, CommandContext &context)
 {
     zqRunMainLoopUntil(
         [&] {
+            if (context.isAbandoned && context.isAbandoned()) { // its Ctrl+C
+                context.delegate->userInteraction().dismissQuestions();
+                std::for_each(operations.begin(), operations.end(), cancelWholly);
+            }
             return std::all_of(operations.begin(), operations.end(),
                                [](const auto &operation) { return operation->isWhollyFinished(); });
         },

@@ -29,7 +29,9 @@ InstanceServer::InstanceServer(const QString &socketName, Handler handler, QObje
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *socket = m_server.nextPendingConnection()) {
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(socket); });
+            // Queued: the handler may run the event loop, and the socket may not go while its own signal is out.
+            connect(
+                socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(socket); }, Qt::QueuedConnection);
             connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
         }
     });
@@ -75,6 +77,7 @@ void InstanceServer::readFrom(QLocalSocket *socket)
     parsed.workingDirectory = request.value(QStringLiteral("cwd")).toString();
     // The handler may run the event loop, in which the other side can go away.
     QPointer<QLocalSocket> alive(socket);
+    parsed.isAbandoned = [alive] { return !alive || alive->state() == QLocalSocket::UnconnectedState; };
     const InstanceReply reply = m_handler(parsed);
     if (!alive) {
         return;

@@ -16,6 +16,7 @@ struct InstanceRequest
 {
     QStringList arguments; // as on the command line, without the program's name
     QString workingDirectory;
+    std::function<bool()> isAbandoned; // on the serving side: nobody waits for the reply any more
 };
 
 struct InstanceReply

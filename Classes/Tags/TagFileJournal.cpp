@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,8 +30,16 @@ void syncFolderOf(const QString &path)
 
 TagFileJournal::TagFileJournal(const QString &path)
 {
+    // A library may come from elsewhere: what is no plain file of it is not read and not written.
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status = {};
+    const bool isNew = ::lstat(name.constData(), &status) != 0;
+    if (!isNew && !S_ISREG(status.st_mode)) {
+        qCWarning(zqLogTags).noquote() << "The journal" << path << "is no file and is not used";
+        return;
+    }
     QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) {
+    if (!isNew && file.open(QIODevice::ReadOnly)) {
         QSet<QString> seen;
         for (const QByteArray &line : file.readAll().split('\n')) {
             const QString item = QString::fromUtf8(line);
@@ -41,8 +50,7 @@ TagFileJournal::TagFileJournal(const QString &path)
         }
         m_isEmpty = file.size() == 0;
     }
-    const bool isNew = !file.exists();
-    m_file = open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, ownerOnly);
+    m_file = open(name.constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, ownerOnly);
     if (m_file >= 0 && isNew) {
         syncFolderOf(path);
     }

@@ -237,14 +237,12 @@ bool ZQUserDefaults::isSet(const QString &key) const
     return d->values.contains(key);
 }
 
-void ZQUserDefaults::synchronize()
+bool ZQUserDefaults::synchronize()
 {
     const std::lock_guard guard(d->mutex);
     const ZQFileDescriptor lock = d->lockFile();
     d->readLocked();
-    if (!d->unwritten.isEmpty()) {
-        d->write();
-    }
+    return d->unwritten.isEmpty() || d->write();
 }
 
 ZQUserDefaults::Token ZQUserDefaults::observe(std::function<void(const QString &)> observer)

@@ -32,7 +32,8 @@ public:
     void removeObjectForKey(const QString &key);
     QStringList keys() const; // set or registered, sorted
     bool isSet(const QString &key) const;
-    void synchronize();
+    // Writes what is not on the disk yet; false when that cannot be done, which was logged. It stays to be written.
+    bool synchronize();
 
     // Called after a value changed in this process, on the thread that changed it.
     using Token = std::shared_ptr<void>;

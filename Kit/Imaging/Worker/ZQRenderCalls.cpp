@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <initializer_list>
 #include <memory>
@@ -46,7 +47,7 @@ constexpr std::array fileControls{
     F_SETLKW, F_ADD_SEALS,     F_GET_SEALS, 36 /* OFD */, 37,      38,      F_GETPIPE_SZ, F_SETPIPE_SZ};
 // Questions only: nothing is typed into the terminal that the log goes to.
 constexpr std::array deviceControls{0x5401 /* TCGETS */, TIOCGWINSZ, TIOCGPGRP, FIONREAD, FIOCLEX, FIONCLEX};
-constexpr std::array processControls{PR_SET_NAME, PR_GET_NAME, PR_SET_PDEATHSIG, PR_SET_NO_NEW_PRIVS,
+constexpr std::array processControls{PR_SET_NAME, PR_GET_NAME, PR_SET_NO_NEW_PRIVS,
                                      0x53564d41 /* PR_SET_VMA, names of memory */};
 
 constexpr scmp_datum_t word = 0xffffffffU; // as much of an argument as the system looks at
@@ -99,6 +100,8 @@ bool zqRestrictCalls(bool mayWrite)
     calls.allowEach("fcntl", 1, fileControls);
     calls.allowEach("ioctl", 1, deviceControls);
     calls.allowEach("prctl", 0, processControls);
+    // To end with the application, not to outlive it.
+    calls.allow("prctl", {SCMP_A0(SCMP_CMP_MASKED_EQ, word, PR_SET_PDEATHSIG), SCMP_A1(SCMP_CMP_EQ, SIGKILL)});
     const std::array<pid_t, 2> itself{0, ::getpid()};
     calls.allowEach("prlimit64", 0, itself);
     calls.allowEach("kill", 0, itself);

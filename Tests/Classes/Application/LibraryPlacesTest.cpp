@@ -13,6 +13,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -228,6 +229,33 @@ TEST_F(LibraryPlaces, AKillRightAfterTheRenamingLeavesALibraryThatIsFound)
     ASSERT_TRUE(application()->lockLibrary(&error));
     EXPECT_FALSE(ZQUserDefaults::standardUserDefaults().objectForKey(QStringLiteral("ZeltoLibraryMove")).isValid());
     EXPECT_EQ(openedNext(), destination);
+}
+
+TEST_F(LibraryPlaces, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
+{
+    const OtherVolume volume;
+    ASSERT_TRUE(volume.isOther(world.path())) << "/dev/shm is needed as a second file system";
+    const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 3);
+    ASSERT_TRUE(LibraryLocation::remember(source));
+    // As on a full disk: nothing more can be written to any file.
+    struct rlimit before = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    const struct rlimit none = {0, before.rlim_max};
+    for (const QString &destination :
+         {inWorld(QStringLiteral("Moved.ztlibrary")), volume.folder.filePath(QStringLiteral("Far.ztlibrary"))}) {
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
+        ZQError error;
+        const bool isMoved = LibraryMove::move(source, destination, {}, &error);
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+        EXPECT_FALSE(isMoved);
+        EXPECT_EQ(error.code, LibraryLocation::NotNoted);
+        EXPECT_TRUE(isWhole(source, 3));
+        EXPECT_FALSE(QFileInfo::exists(destination));
+        EXPECT_EQ(LibraryLocation::remembered(), source);
+        EXPECT_TRUE(LibraryLocation::notedMove().isNull());
+    }
+    std::signal(SIGXFSZ, ignored);
 }
 
 TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)

@@ -156,6 +156,21 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
 TEST_F(ApplicationTest, RelativePathsAreRemovedOnlyBelowABase)
 {
     const auto delegate = launched();
-    delegate->deleteFilesAtPaths({QStringLiteral("Documents"), QString()}, {});
+    delegate->deleteFilesAtPaths({QStringLiteral("Documents"), QString(), QStringLiteral("/")}, {});
     EXPECT_EQ(delegate->deleteTask(), nullptr);
+
+    // Names of a library that came from elsewhere.
+    const QString base = world.filePath(QStringLiteral("base"));
+    const QString outside = made(world.filePath(QStringLiteral("outside/file")));
+    const QString strange = made(base + QStringLiteral("/-x"));
+    const QString inside = made(base + QStringLiteral("/inside"));
+    QStringList names{QStringLiteral("../outside"), QStringLiteral("."), QStringLiteral("a/../../outside"),
+                      QFileInfo(outside).path()};
+    delegate->deleteFilesAtPaths(names, base);
+    EXPECT_EQ(delegate->deleteTask(), nullptr);
+    names.append({QStringLiteral("-x"), QStringLiteral("inside")});
+    delegate->deleteFilesAtPaths(names, base);
+    delegate->waitForRemovals();
+    EXPECT_TRUE(QFileInfo::exists(outside));
+    EXPECT_FALSE(QFileInfo::exists(strange) || QFileInfo::exists(inside));
 }

@@ -236,7 +236,8 @@ TEST_F(CommandTest, AWordThatIsNeitherACommandNorAFileIsNamedWithTheCommandThatW
         {{QStringLiteral("Itmes")}, "zelto items"},
         {{QStringLiteral("side-bar"), QStringLiteral("--json")}, "zelto sidebar"},
         {{QStringLiteral("elephants")}, "zelto --help"},
-        {{QStringLiteral("gone/imprt.png")}, "zelto --help"},
+        {{QStringLiteral("gone/imprt.png")}, "there is no file or folder"},
+        {{QStringLiteral("imp")}, "zelto import"},
     };
     for (const Case &each : cases) {
         SCOPED_TRACE(qPrintable(each.arguments.first()));

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace {
 
 struct Journal : testing::Test
@@ -89,4 +91,26 @@ TEST_F(Journal, WithoutAPlaceToWriteItStillCounts)
     journal.didWrite();
     journal.didSave();
     EXPECT_TRUE(journal.interrupted().isEmpty());
+}
+
+TEST(TagFileJournal, WhatIsNoPlainFileInItsPlaceIsNeitherReadNorWritten)
+{
+    const QTemporaryDir folder;
+    const QString journal = folder.filePath(QStringLiteral("pending-tags"));
+    const QString victim = folder.filePath(QStringLiteral("victim"));
+    QFile file(victim);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("ITEM\n") == 5);
+    file.close();
+    const auto use = [&journal] {
+        TagFileJournal opened(journal);
+        opened.willWrite(QStringLiteral("OTHER"), true);
+        opened.didWrite();
+        return opened.interrupted();
+    };
+    ASSERT_TRUE(QFile::link(victim, journal));
+    EXPECT_TRUE(use().isEmpty());
+    EXPECT_EQ(QFileInfo(victim).size(), 5);
+    ASSERT_TRUE(QFile::remove(journal));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(journal).constData(), 0600), 0); // opening it would wait for ever
+    EXPECT_TRUE(use().isEmpty());
 }
