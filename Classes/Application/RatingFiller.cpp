@@ -14,7 +14,7 @@ constexpr int attempts = 3; // a person may rate an item while its file is read
 
 bool RatingFiller::isToDo() const
 {
-    return m_coordinator->pendingVersions().contains(version);
+    return m_coordinator->pendingVersions().value_or(QStringList{version}).contains(version);
 }
 
 bool RatingFiller::run(const std::function<bool()> &goesOn)
@@ -30,9 +30,12 @@ bool RatingFiller::run(const std::function<bool()> &goesOn)
         return false;
     }
     const QString table = context.model().entity(ZQLibraryBaseItem::entityName())->root->tableName;
-    const qint64 done = m_coordinator->pendingProgress(version);
-    const qint64 last = m_coordinator->lastKeyBeforeMigration(table);
-    ids->removeIf([&](const ZQObjectID &id) { return id.key <= done || id.key > last; });
+    const auto done = m_coordinator->pendingProgress(version);
+    const auto last = m_coordinator->lastKeyBeforeMigration(table);
+    if (!done || !last) {
+        return false;
+    }
+    ids->removeIf([&](const ZQObjectID &id) { return id.key <= *done || id.key > *last; });
     std::sort(ids->begin(), ids->end(), [](const ZQObjectID &a, const ZQObjectID &b) { return a.key < b.key; });
     const auto telling = context.observeDidSave(m_saved);
     int unnoted = 0;

@@ -48,10 +48,11 @@ std::optional<QList<ZQObjectID>> itemsLacking(const FixUp &fixUp, ZQManagedObjec
         return std::nullopt;
     }
     const QString table = context.model().entity(ZQLibraryBaseItem::entityName())->root->tableName;
-    const qint64 last = context.persistentStoreCoordinator()->lastKeyBeforeMigration(table);
-    if (last > 0) {
-        ids->removeIf([last](const ZQObjectID &id) { return id.key > last; });
+    const auto last = context.persistentStoreCoordinator()->lastKeyBeforeMigration(table);
+    if (!last) {
+        return std::nullopt;
     }
+    ids->removeIf([last](const ZQObjectID &id) { return id.key > *last; });
     return ids;
 }
 
@@ -94,21 +95,15 @@ void tamberin_AppDelegate::checkModelMigration()
     if (!coordinator) {
         return;
     }
-    const QStringList pending = coordinator->pendingVersions();
+    const QStringList pending = coordinator->pendingVersions().value_or(QStringList());
     for (const QString &version : pending) {
-        if (version != RatingFiller::version && !fillInVersion(version)) {
+        if (!migrateToModelVersion(version)) {
             return; // it is still noted as pending, and the copy from before stays
         }
     }
-    coordinator->removeCopiesBeforeMigration();
 }
 
-void tamberin_AppDelegate::migrateToModelVersion(const QString &version)
-{
-    fillInVersion(version);
-}
-
-bool tamberin_AppDelegate::fillInVersion(const QString &version)
+bool tamberin_AppDelegate::migrateToModelVersion(const QString &version)
 {
     const auto *fixUp = std::find_if(std::begin(fixUps), std::end(fixUps),
                                      [&](const FixUp &each) { return version == QLatin1String(each.version); });

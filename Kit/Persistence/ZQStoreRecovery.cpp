@@ -259,8 +259,12 @@ bool Recovery::run()
 // What was still to be done for the damaged store is to be done for this one.
 bool Recovery::copyMetadata()
 {
-    for (const QString &key : {zqPendingVersionsKey, zqPendingCopiesKey, zqProgressKey, zqLastKeysKey}) {
-        const QVariant value = zqReadMetadata(m_damaged, key);
+    QStringList keys{zqPendingVersionsKey, zqProgressKey, zqLastKeysKey};
+    if (zqReadMetadata(m_damaged, zqPendingVersionsKey)) {
+        keys.append(zqPendingCopiesKey); // named beside no pending version they would go
+    }
+    for (const QString &key : std::as_const(keys)) {
+        const QVariant value = zqReadMetadata(m_damaged, key).value_or(QVariant());
         if (value.isValid() && !zqWriteMetadata(m_sound, key, value)) {
             return false;
         }
