@@ -10,6 +10,8 @@
 
 #include <QFile>
 
+#include <algorithm>
+
 namespace {
 
 class OlderLibrary : public ApplicationTest
@@ -37,6 +39,38 @@ protected:
             item->setItemURLData(zqDataForPersistentURL(file(i)));
         }
         ASSERT_TRUE(context.save(&error)) << qPrintable(error.localizedDescription());
+    }
+    // One that Version7 wrote, with `count` items of one file that is rated 3.
+    void makeRatedLibrary(int count)
+    {
+        makeLibrary("Version7", 1);
+        OpenMeta::setRating(3, file(0));
+        ZQManagedObjectContext context(
+            ZQPersistentStoreCoordinator::open(zqModelVersion(QStringLiteral("Version7")), store()));
+        const QByteArray reference = zqDataForPersistentURL(file(0));
+        for (int i = 1; i < count; ++i) {
+            const auto item = context.insertNewObject<ZQLibraryImage>();
+            item->setManaged(false);
+            item->setItemURLData(reference);
+        }
+        ASSERT_TRUE(context.save());
+    }
+    // In the order of their keys.
+    static QList<ZQObjectID> identifiers(ZQManagedObjectContext &context)
+    {
+        auto ids = context.fetchObjectIDs({ZQLibraryBaseItem::entityName()}).value_or(QList<ZQObjectID>());
+        std::sort(ids.begin(), ids.end(), [](const auto &a, const auto &b) { return a.key < b.key; });
+        return ids;
+    }
+    static int ratingOf(const ZQObjectID &id, ZQManagedObjectContext &context)
+    {
+        const auto item = zqCast<ZQLibraryBaseItem>(context.objectWithID(id));
+        return item ? item->rating() : -1;
+    }
+    static void rate(const ZQObjectID &id, qint16 rating, ZQManagedObjectContext &context)
+    {
+        zqCast<ZQLibraryBaseItem>(context.objectWithID(id))->setRating(rating);
+        ASSERT_TRUE(context.save());
     }
     static QList<ZQRef<ZQLibraryBaseItem>> items(tamberin_AppDelegate &delegate)
     {
@@ -184,4 +218,75 @@ TEST_F(OlderLibrary, TakesTheRatingsOfItsFilesBesideTheWindowAndGoesOnWhereItSto
     EXPECT_EQ(all[1]->rating(), 4);
     EXPECT_EQ(all[2]->rating(), 3);
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+}
+
+TEST_F(OlderLibrary, TakesNoRatingTwiceAndNoneForLaterItems)
+{
+    makeRatedLibrary(650);
+    const auto delegate = application();
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    RatingFiller filler(coordinator, [](const ZQContextDidSave &) {});
+    int files = 0;
+    EXPECT_FALSE(filler.run([&] { return ++files <= 450; })); // in the midst of the second save's
+    ZQManagedObjectContext context(coordinator);
+    const QList<ZQObjectID> ids = identifiers(context);
+    ASSERT_EQ(ids.size(), 650);
+    EXPECT_EQ(coordinator->pendingProgress(RatingFiller::version), ids[299].key);
+    EXPECT_EQ(ratingOf(ids[300], context), 0);
+    rate(ids[299], 0, context); // by a person, who meant it
+    const auto later = context.insertNewObject<ZQLibraryImage>();
+    later->setManaged(false);
+    later->setItemURLData(zqDataForPersistentURL(file(0)));
+    ASSERT_TRUE(context.save());
+    EXPECT_TRUE(filler.run([] { return true; }));
+    context.reset();
+    EXPECT_EQ(ratingOf(ids[298], context), 3);
+    EXPECT_EQ(ratingOf(ids[299], context), 0);
+    EXPECT_EQ(ratingOf(ids[300], context), 3);
+    EXPECT_EQ(ratingOf(ids[649], context), 3);
+    EXPECT_EQ(ratingOf(identifiers(context)[650], context), 0);
+    EXPECT_EQ(coordinator->pendingVersions(), QStringList());
+}
+
+TEST_F(OlderLibrary, NotesNowAndThenHowFarItsRatingsAre)
+{
+    makeRatedLibrary(3301);
+    const auto delegate = application();
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    QList<qint64> notes;
+    const auto look = [&](const ZQContextDidSave &) {
+        const qint64 note = coordinator->pendingProgress(RatingFiller::version).value_or(-1);
+        if (!notes.contains(note)) {
+            notes.append(note);
+        }
+    };
+    EXPECT_TRUE(RatingFiller(coordinator, look).run([] { return true; }));
+    ZQManagedObjectContext context(coordinator);
+    EXPECT_EQ(notes, (QList<qint64>{0, identifiers(context)[2999].key}))
+        << "a killed process loses little, and a library is not written twice";
+}
+
+TEST_F(OlderLibrary, YieldsToAPersonWhoChangesAnItemMeanwhile)
+{
+    for (const int changes : {2, 3}) {
+        SCOPED_TRACE(changes);
+        QFile::remove(store());
+        makeRatedLibrary(1);
+        const auto delegate = application();
+        const auto coordinator = delegate->persistentStoreCoordinator();
+        ZQManagedObjectContext person(coordinator);
+        const ZQObjectID id = identifiers(person).first();
+        int reads = 0;
+        const bool isDone = RatingFiller(coordinator, [](const ZQContextDidSave &) {}).run([&] {
+            if (++reads <= changes) {
+                zqCast<ZQLibraryBaseItem>(person.objectWithID(id))->setTitle(QString::number(reads));
+                EXPECT_TRUE(person.save());
+            }
+            return true;
+        });
+        EXPECT_EQ(isDone, changes < 3);
+        ZQManagedObjectContext context(coordinator);
+        EXPECT_EQ(ratingOf(id, context), isDone ? 3 : 0);
+        EXPECT_EQ(pending(*delegate), isDone ? QStringList() : QStringList{RatingFiller::version});
+    }
 }
