@@ -4,6 +4,7 @@
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQModel.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Models/DataModel/_ZQEntities.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 #include "Tests/Support/DamagedStore.h"
@@ -110,6 +111,32 @@ TEST_F(OlderLibrary, GetsWhatEveryVersionItPassedBrought)
     EXPECT_GE(progresses, 3) << "for the store itself and for each version";
     zqRunMainLoopUntil([&] { return pending(*delegate).isEmpty(); });
     zqRunMainLoopUntil([&] { return copies().isEmpty(); });
+}
+
+TEST_F(OlderLibrary, FindsFilesThatMovedIntoALiveFolder)
+{
+    makeLibrary("Version5", 1);
+    const QString deep = world.filePath(QStringLiteral("a/b/c/d/e"));
+    const QString live = world.filePath(QStringLiteral("live"));
+    ASSERT_TRUE(QDir().mkpath(deep) && QDir().mkpath(live));
+    ASSERT_TRUE(QFile::rename(file(0), deep + QStringLiteral("/file.png")));
+    {
+        ZQManagedObjectContext context(
+            ZQPersistentStoreCoordinator::open(zqModelVersion(QStringLiteral("Version5")), store()));
+        const auto item = context.fetch<ZQLibraryBaseItem>({ZQLibraryBaseItem::entityName()})->first();
+        item->setItemURLData(zqDataForPersistentURL(deep + QStringLiteral("/file.png")));
+        const auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(live, context);
+        folder->setIs_root(true);
+        folder->setActive(true);
+        ASSERT_TRUE(context.save());
+    }
+    const QString moved = world.filePath(QStringLiteral("live by now"));
+    ASSERT_TRUE(QFile::rename(live, moved));
+    ASSERT_TRUE(QFile::rename(deep + QStringLiteral("/file.png"), moved + QStringLiteral("/other.png")));
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    EXPECT_EQ(items(*delegate).first()->creation_date(), birthOf(moved + QStringLiteral("/other.png")));
+    EXPECT_TRUE(items(*delegate).first()->itemURL().isEmpty()) << "only for as long as the library is brought along";
 }
 
 TEST_F(OlderLibrary, KeepsWhatItsOwnVersionHad)
