@@ -98,6 +98,9 @@ ZQPersistentStoreCoordinator::open(std::shared_ptr<const ZQManagedObjectModel> m
     coordinator->m_model = std::move(model);
     coordinator->m_path = path;
     zqFinishReplacingStore(path);
+    if (QFileInfo::exists(path)) {
+        zqRemoveUnfinishedRecovery(path);
+    }
     const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::Create, error);
     if (!connection || !coordinator->prepareStore(*connection, options, error) ||
         !coordinator->readOrigin(*connection, error)) {

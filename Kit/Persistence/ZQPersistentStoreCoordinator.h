@@ -70,7 +70,8 @@ public:
     // transaction after a copy was put beside it (PATH.before-VERSION, which stays while
     // `pendingVersions` has any); a failed migration leaves it as it was. A store of a newer version is refused.
     // After an unclean end the store is looked at for about a second first, and refused as Damaged, unchanged, when
-    // that finds something. Null with `error` (domain ZQStoreErrorDomain).
+    // that finds something. What a killed recovery left is finished or removed, so nobody may be recovering it. Null
+    // with `error` (domain ZQStoreErrorDomain).
     static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model,
                                                               const QString &path, const ZQStoreOptions &options = {},
                                                               ZQError *error = nullptr);

@@ -391,13 +391,11 @@ ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManaged
                                                  ZQError *error)
 {
     zqFinishReplacingStore(path);
-    const QString target = path + QStringLiteral(".recovering");
-    removeDatabase(target);
-    const QString copy = path + QStringLiteral(".recovering-source");
-    removeDatabase(copy);
+    zqRemoveUnfinishedRecovery(path);
+    const QString target = zqUnfinishedStore(path);
+    const QString copy = zqUnfinishedSource(path);
     const auto failed = [&](const ZQError &cause) {
-        removeDatabase(copy);
-        removeDatabase(target);
+        zqRemoveUnfinishedRecovery(path);
         zqSetError(error, cause);
         return std::nullopt;
     };
@@ -422,7 +420,7 @@ ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManaged
     if (!kept) {
         return failed(cause);
     }
-    removeDatabase(copy);
+    zqRemoveUnfinishedRecovery(path);
     report->keptPath = *kept;
     qCInfo(zqLogStore, "recovered the store; the damaged one is %s", qUtf8Printable(*kept));
     return report;
