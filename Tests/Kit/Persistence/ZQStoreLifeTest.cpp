@@ -174,6 +174,20 @@ TEST(ZQStoreLife, ACopyThatAKilledProcessNoLongerNeededGoesWithTheNextOpening)
     EXPECT_TRUE(copiesBeside(older).isEmpty());
 }
 
+TEST(ZQStoreLife, ARecoveryThatCannotTellWhatIsLeftToDoKeepsTheCopy)
+{
+    TestStore older(olderModel());
+    writeOlderStore(older);
+    older.close();
+    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+    ASSERT_TRUE(older.coordinator());
+    older.close();
+    makeEntriesUnreadable({QStringLiteral("pendingVersions")}, older.path);
+    ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(older.model, older.path, &older.error));
+    ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
+    EXPECT_EQ(copiesBeside(older), QStringList{QStringLiteral("storedata.before-Version1")});
+}
+
 TEST(ZQStoreLife, AStoreThatDoesNotSayWhereItComesFromIsNotOpened)
 {
     for (const char *key : {"created", "recovered", "inUseBy", "suspicion"}) {
