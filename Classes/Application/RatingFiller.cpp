@@ -14,7 +14,7 @@ constexpr int attempts = 3; // a person may rate an item while its file is read
 
 bool RatingFiller::isToDo() const
 {
-    return m_coordinator->pendingVersions().contains(version);
+    return m_coordinator->pendingVersions().value_or(QStringList{version}).contains(version);
 }
 
 bool RatingFiller::run(const std::function<bool()> &goesOn)
@@ -30,28 +30,44 @@ bool RatingFiller::run(const std::function<bool()> &goesOn)
         return false;
     }
     const QString table = context.model().entity(ZQLibraryBaseItem::entityName())->root->tableName;
-    const qint64 done = m_coordinator->pendingProgress(version);
-    const qint64 last = m_coordinator->lastKeyBeforeMigration(table);
-    ids->removeIf([&](const ZQObjectID &id) { return id.key <= done || id.key > last; });
+    const auto done = m_coordinator->pendingProgress(version);
+    const auto last = m_coordinator->lastKeyBeforeMigration(table);
+    if (!done || !last) {
+        return false;
+    }
+    ids->removeIf([&](const ZQObjectID &id) { return id.key <= *done || id.key > *last; });
     std::sort(ids->begin(), ids->end(), [](const ZQObjectID &a, const ZQObjectID &b) { return a.key < b.key; });
     const auto telling = context.observeDidSave(m_saved);
+    qint64 reached = *done;
     int unnoted = 0;
     for (qsizetype first = 0; first < ids->size(); first += itemsPerSave) {
         const QList<ZQObjectID> batch = ids->mid(first, itemsPerSave);
-        Result result = Result::Failed;
-        for (int attempt = 0; attempt < attempts && result == Result::Failed; ++attempt) {
-            result = fill(batch, context, goesOn);
+        const bool isLast = first + itemsPerSave >= ids->size();
+        const bool isFilled = fillInAttempts(batch, context, goesOn);
+        if (isFilled) {
+            reached = batch.last().key;
+            ++unnoted;
         }
-        const bool goesOnAfter = result == Result::Done && goesOn();
-        if (result == Result::Done && (++unnoted == savesPerNote || !goesOnAfter)) {
+        const bool isStopping = !isFilled || (!isLast && !goesOn());
+        if (unnoted == savesPerNote || (isStopping && unnoted > 0)) {
             unnoted = 0;
-            m_coordinator->setPendingProgress(version, batch.last().key);
+            m_coordinator->setPendingProgress(version, reached);
         }
-        if (!goesOnAfter && (result != Result::Done || first + itemsPerSave < ids->size())) {
+        if (isStopping) {
             return false;
         }
     }
     return m_coordinator->clearPendingVersion(version);
+}
+
+bool RatingFiller::fillInAttempts(const QList<ZQObjectID> &batch, ZQManagedObjectContext &context,
+                                  const std::function<bool()> &goesOn)
+{
+    Result result = Result::Failed;
+    for (int attempt = 0; attempt < attempts && result == Result::Failed; ++attempt) {
+        result = fill(batch, context, goesOn);
+    }
+    return result == Result::Done;
 }
 
 RatingFiller::Result RatingFiller::fill(const QList<ZQObjectID> &batch, ZQManagedObjectContext &context,

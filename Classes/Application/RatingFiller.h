@@ -22,6 +22,8 @@ public:
 
 private:
     enum class Result { Done, Stopped, Failed };
+    bool fillInAttempts(const QList<ZQObjectID> &batch, ZQManagedObjectContext &context,
+                        const std::function<bool()> &goesOn);
     Result fill(const QList<ZQObjectID> &batch, ZQManagedObjectContext &context, const std::function<bool()> &goesOn);
     bool isToDo() const;
 

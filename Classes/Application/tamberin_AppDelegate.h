@@ -67,7 +67,9 @@ public:
     void removeManagedObjectContext();
     void saveAction();
     void checkModelMigration();
-    void migrateToModelVersion(const QString &version); // "Version6", "Version7"; nothing for others
+    // Fills in what "Version6" or "Version7" brought; others need nothing, or have it done beside the window. False,
+    // with the version still noted as pending, after an error, which was logged or presented.
+    bool migrateToModelVersion(const QString &version);
     // Copies what can be read of the damaged store into a new one that takes its place. The store must not be open.
     std::optional<LibraryRecovery> recoverLibrary(ZQError *error);
     // Whether the person agreed to quit only so that the next launch recovers the library.
@@ -135,7 +137,6 @@ private:
     bool switchToLibrary(const QString &path);
     bool moveTemplate(const QString &path);
     bool offerRecovery(const ZQError &damage);
-    bool fillInVersion(const QString &version);
     // What the open store still needs and the person need not wait for.
     void startStoreWork();
     void stopStoreWork();

@@ -9,6 +9,7 @@
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -22,20 +23,41 @@ struct FixUp
 {
     const char *version;
     const char *missing; // what it has not been done for
+    bool findsFiles;     // resolves references, also those into live folders
     void (*apply)(ZQLibraryBaseItem &item);
 };
 constexpr FixUp fixUps[] = {
-    {"Version6", "creation_date == nil",
+    {"Version6", "creation_date == nil", true,
      [](ZQLibraryBaseItem &item) {
          const QString path = zqURLFromPersistentData(item.itemURLData());
          if (const auto dates = path.isEmpty() ? std::nullopt : zqFileDates(path)) {
              item.setCreation_date(QDateTime::fromMSecsSinceEpoch(dates->birth, Qt::UTC));
          }
      }},
-    {"Version7", "thumbName == nil",
+    {"Version7", "thumbName == nil", false,
      [](ZQLibraryBaseItem &item) { item.setThumbName(item.title() + QStringLiteral("_thumb.png")); }},
 };
 constexpr qsizetype itemsPerSave = 1000;
+
+// While it lives, files are also looked for in the root live folders, wherever those are by now.
+class LiveFolderRoots
+{
+public:
+    explicit LiveFolderRoots(ZQManagedObjectContext &context)
+    {
+        QStringList roots;
+        const auto folders = ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(context);
+        for (const auto &folder : folders.value_or(QList<ZQRef<ZQSidebarWatchedFolder>>())) {
+            if (const QString path = folder->folderURL(); !path.isEmpty()) {
+                roots.append(path);
+            }
+        }
+        zqSetPersistentURLRoots(roots);
+    }
+    ~LiveFolderRoots() { zqSetPersistentURLRoots({}); }
+    LiveFolderRoots(const LiveFolderRoots &) = delete;
+    LiveFolderRoots &operator=(const LiveFolderRoots &) = delete;
+};
 
 // The items that were there before the migration and still lack it; nothing after an error, which was logged.
 std::optional<QList<ZQObjectID>> itemsLacking(const FixUp &fixUp, ZQManagedObjectContext &context)
@@ -48,10 +70,11 @@ std::optional<QList<ZQObjectID>> itemsLacking(const FixUp &fixUp, ZQManagedObjec
         return std::nullopt;
     }
     const QString table = context.model().entity(ZQLibraryBaseItem::entityName())->root->tableName;
-    const qint64 last = context.persistentStoreCoordinator()->lastKeyBeforeMigration(table);
-    if (last > 0) {
-        ids->removeIf([last](const ZQObjectID &id) { return id.key > last; });
+    const auto last = context.persistentStoreCoordinator()->lastKeyBeforeMigration(table);
+    if (!last) {
+        return std::nullopt;
     }
+    ids->removeIf([last](const ZQObjectID &id) { return id.key > *last; });
     return ids;
 }
 
@@ -94,21 +117,15 @@ void tamberin_AppDelegate::checkModelMigration()
     if (!coordinator) {
         return;
     }
-    const QStringList pending = coordinator->pendingVersions();
+    const QStringList pending = coordinator->pendingVersions().value_or(QStringList());
     for (const QString &version : pending) {
-        if (version != RatingFiller::version && !fillInVersion(version)) {
+        if (!migrateToModelVersion(version)) {
             return; // it is still noted as pending, and the copy from before stays
         }
     }
-    coordinator->removeCopiesBeforeMigration();
 }
 
-void tamberin_AppDelegate::migrateToModelVersion(const QString &version)
-{
-    fillInVersion(version);
-}
-
-bool tamberin_AppDelegate::fillInVersion(const QString &version)
+bool tamberin_AppDelegate::migrateToModelVersion(const QString &version)
 {
     const auto *fixUp = std::find_if(std::begin(fixUps), std::end(fixUps),
                                      [&](const FixUp &each) { return version == QLatin1String(each.version); });
@@ -128,6 +145,10 @@ bool tamberin_AppDelegate::fillInVersion(const QString &version)
     }
     const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) { mergeSaved(saved); });
     window.setMaximum(static_cast<double>(ids->size()));
+    std::optional<LiveFolderRoots> roots;
+    if (fixUp->findsFiles) {
+        roots.emplace(context);
+    }
     for (qsizetype first = 0; first < ids->size(); first += itemsPerSave) {
         const QList<ZQObjectID> batch = ids->mid(first, itemsPerSave);
         ZQError error;

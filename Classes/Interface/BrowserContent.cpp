@@ -443,13 +443,7 @@ QString BrowserContent::emptyText() const
         return {};
     }
     if (!m_error.isNull()) {
-        const bool isDamaged =
-            m_error.domain == ZQStoreErrorDomain && m_error.code == static_cast<int>(ZQStoreError::Damaged);
-        // The next launch meets what this one has noted.
-        return zqLocalized("The library could not be read") + QStringLiteral("\n\n") +
-               (isDamaged ? zqLocalized("Its database is damaged. Quit Zelto and open it again: it offers to recover "
-                                        "everything that can still be read.")
-                          : m_error.localizedDescription());
+        return ContentFetcher::textForError(m_error);
     }
     if (m_sidebarItems.isEmpty()) {
         return zqLocalized("Select something in the sidebar.");

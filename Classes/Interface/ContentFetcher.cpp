@@ -1,5 +1,6 @@
 #include "Classes/Interface/ContentFetcher.h"
 
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
@@ -179,4 +180,14 @@ bool ContentFetcher::isIdle() const
 {
     const std::lock_guard guard(d->lock);
     return d->unanswered == 0;
+}
+
+QString ContentFetcher::textForError(const ZQError &error)
+{
+    const bool isDamaged = error.domain == ZQStoreErrorDomain && error.code == static_cast<int>(ZQStoreError::Damaged);
+    // The next launch meets what this one has noted.
+    return zqLocalized("The library could not be read") + QStringLiteral("\n\n") +
+           (isDamaged ? zqLocalized("Its database is damaged. Quit Zelto and open it again: it offers to recover "
+                                    "everything that can still be read.")
+                      : error.localizedDescription());
 }

@@ -35,6 +35,9 @@ public:
     void run(Purpose purpose, std::function<Answer(ZQManagedObjectContext &, const IsWanted &isWanted)> work);
     bool isIdle() const; // nothing asked is unanswered
 
+    // What a view says in the place of what it could not read.
+    static QString textForError(const ZQError &error);
+
 private:
     struct Private;
     std::shared_ptr<Private> d;

@@ -39,11 +39,15 @@ void SidebarTreeModel::reload()
                                      QStringLiteral("father == nil && is_Tag == %@ && active == %@"), {false, true});
     request.sortDescriptors = {{QStringLiteral("order"), true, ZQSortDescriptor::Comparison::Standard},
                                {QStringLiteral("kind"), true, ZQSortDescriptor::Comparison::Standard}};
-    const auto roots =
-        zqFetch<ZQSidebarBaseItem>(m_window.context, request).value_or(QList<ZQRef<ZQSidebarBaseItem>>());
+    m_error = {};
+    const auto roots = zqFetch<ZQSidebarBaseItem>(m_window.context, request, &m_error);
+    if (!roots) {
+        Q_EMIT failed();
+        return;
+    }
     auto before = std::exchange(m_root, std::make_unique<Node>());
     auto nodesBefore = std::exchange(m_nodes, {});
-    for (const auto &root : roots) {
+    for (const auto &root : *roots) {
         // The other side's condition leaves the projects in; they have their own.
         if (root->is_Tag() == isTags && isSectionShown(*root)) {
             build(*m_root, root);
@@ -62,6 +66,11 @@ void SidebarTreeModel::reload()
         announceAll({});
     }
     reloadCounts();
+}
+
+QString SidebarTreeModel::emptyText() const
+{
+    return m_error.isNull() || rowCount() > 0 ? QString() : ContentFetcher::textForError(m_error);
 }
 
 bool SidebarTreeModel::haveSameShape(const Node &a, const Node &b)

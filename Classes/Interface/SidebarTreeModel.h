@@ -17,10 +17,13 @@ public:
     SidebarTreeModel(WindowContext &window, Side side, QObject *parent = nullptr);
     ~SidebarTreeModel() override;
 
-    void reload();       // the tree again from the store; identifiers keep their meaning, indexes do not
+    // The tree again from the store; identifiers keep their meaning, indexes do not. One that cannot be read leaves the
+    // tree as it is.
+    void reload();
     void reloadCounts(); // asked in the background
     Side side() const { return m_side; }
     void setShowsCounts(bool shows);
+    QString emptyText() const; // why there is no tree; empty when there is one, or none to be shown
 
     ZQRef<ZQSidebarBaseItem> item(const QModelIndex &index) const;
     QModelIndex indexOf(const ZQObjectID &item) const;
@@ -35,6 +38,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
 Q_SIGNALS:
+    void failed();                                                // the tree could not be read
     void renamed(const QModelIndex &index, const QString &title); // an edit ended with this text
 
 private:
@@ -48,6 +52,7 @@ private:
     WindowContext &m_window;
     Side m_side;
     bool m_showsCounts = true;
+    ZQError m_error;
     std::unique_ptr<Node> m_root;
     QHash<ZQObjectID, Node *> m_nodes;
     QHash<ZQObjectID, qint64> m_counts;

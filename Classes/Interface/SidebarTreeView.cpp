@@ -155,6 +155,7 @@ SidebarTreeView::SidebarTreeView(QWidget *parent) : QTreeView(parent)
 void SidebarTreeView::setTree(SidebarTreeModel *model)
 {
     setModel(model);
+    connect(model, &SidebarTreeModel::failed, viewport(), qOverload<>(&QWidget::update));
 }
 
 void SidebarTreeView::drawBranches(QPainter * /*painter*/, const QRect & /*rect*/, const QModelIndex & /*index*/) const
@@ -179,6 +180,13 @@ void SidebarTreeView::drawRow(QPainter *painter, const QStyleOptionViewItem &opt
 void SidebarTreeView::paintEvent(QPaintEvent *event)
 {
     QTreeView::paintEvent(event);
+    if (const QString text = tree()->emptyText(); !text.isEmpty()) {
+        QPainter painter(viewport());
+        painter.setPen(zqColor(ZQColorRole::TextMuted));
+        const int margin = 2 * rowMargin;
+        painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                         Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
+    }
     if (m_dropRow.isNull() && m_dropLine.isNull()) {
         return;
     }

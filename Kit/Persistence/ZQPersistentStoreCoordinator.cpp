@@ -54,9 +54,21 @@ QDateTime birthOfFile(const QString &path)
                                           Qt::UTC);
 }
 
-QStringList linesOf(const QVariant &value)
+// The lines of an entry; nothing after an error, which is logged.
+std::optional<QStringList> linesNoted(ZQSQLiteConnection &connection, const QString &key)
 {
-    return value.toString().split(u'\n', Qt::SkipEmptyParts);
+    const auto value = zqReadMetadata(connection, key);
+    if (!value) {
+        qCWarning(zqLogStore, "%s not read: %s", qUtf8Printable(key),
+                  qUtf8Printable(connection.error().localizedDescription()));
+        return std::nullopt;
+    }
+    return value->toString().split(u'\n', Qt::SkipEmptyParts);
+}
+
+void removeLinesNaming(const QString &name, QStringList &lines)
+{
+    lines.removeIf([&](const QString &line) { return line.startsWith(name + u'='); });
 }
 
 ZQError storeError(ZQStoreError code, const char *description, const char *advice, const QString &path)
@@ -86,12 +98,16 @@ ZQPersistentStoreCoordinator::open(std::shared_ptr<const ZQManagedObjectModel> m
     coordinator->m_model = std::move(model);
     coordinator->m_path = path;
     zqFinishReplacingStore(path);
+    if (QFileInfo::exists(path)) {
+        zqRemoveUnfinishedRecovery(path);
+    }
     const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::Create, error);
-    if (!connection || !coordinator->prepareStore(*connection, options, error)) {
+    if (!connection || !coordinator->prepareStore(*connection, options, error) ||
+        !coordinator->readOrigin(*connection, error)) {
         return nullptr;
     }
-    coordinator->readOrigin(*connection);
     coordinator->markInUse(*connection);
+    coordinator->removeNeedlessCopies(*connection); // a process may have ended before it came to that
     return coordinator;
 }
 
@@ -137,19 +153,25 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
     return zqMigrateStore(connection, *metadata, *m_model, options, error);
 }
 
-void ZQPersistentStoreCoordinator::readOrigin(ZQSQLiteConnection &connection)
+bool ZQPersistentStoreCoordinator::readOrigin(ZQSQLiteConnection &connection, ZQError *error)
 {
     // A store put back from a backup says when it was first made; its file, when it came back. Between the two there
     // may have been items that only the lost store knew.
     const QDateTime birth = birthOfFile(m_path);
-    const QVariant kept = zqReadMetadata(connection, zqCreatedKey);
-    if (kept.toLongLong() > 0) {
-        m_creationDate = std::max(birth, QDateTime::fromMSecsSinceEpoch(kept.toLongLong(), Qt::UTC));
+    const auto kept = zqReadMetadata(connection, zqCreatedKey);
+    const auto recovered = kept ? zqReadMetadata(connection, zqRecoveredKey) : std::nullopt;
+    if (!kept || !recovered) {
+        zqSetError(error, connection.error()); // what may be removed depends on both
+        return false;
+    }
+    if (kept->toLongLong() > 0) {
+        m_creationDate = std::max(birth, QDateTime::fromMSecsSinceEpoch(kept->toLongLong(), Qt::UTC));
     } else {
         m_creationDate = birth;
         zqWriteMetadata(connection, zqCreatedKey, birth.toMSecsSinceEpoch());
     }
-    m_wasRecovered = zqReadMetadata(connection, zqRecoveredKey).toLongLong() > 0;
+    m_wasRecovered = recovered->toLongLong() > 0;
+    return true;
 }
 
 bool ZQPersistentStoreCoordinator::clearRecovered()
@@ -166,8 +188,14 @@ bool ZQPersistentStoreCoordinator::clearRecovered()
 bool ZQPersistentStoreCoordinator::checkAfterUncleanEnd(ZQSQLiteConnection &connection, ZQError *error)
 {
     const QString own = processMark(QCoreApplication::applicationPid());
-    const QString mark = zqReadMetadata(connection, inUseKey).toString();
-    const QString suspicion = zqReadMetadata(connection, zqSuspicionKey).toString();
+    const auto user = zqReadMetadata(connection, inUseKey);
+    const auto suspected = user ? zqReadMetadata(connection, zqSuspicionKey) : std::nullopt;
+    if (!user || !suspected) {
+        zqSetError(error, connection.error());
+        return false;
+    }
+    const QString mark = user->toString();
+    const QString suspicion = suspected->toString();
     m_wasUnclean = !mark.isEmpty() && mark != own && !isRunning(mark);
     if (!m_wasUnclean && suspicion.isEmpty()) {
         return true;
@@ -191,8 +219,9 @@ void ZQPersistentStoreCoordinator::markInUse(ZQSQLiteConnection &connection)
     const QString own = processMark(QCoreApplication::applicationPid());
     // Before this process becomes the one whose end tells: the suspicion outlives an end that is proper.
     const QString suspicion = m_needsCheck ? uncleanMark : QStringLiteral("");
-    const bool isKept = zqReadMetadata(connection, zqSuspicionKey).toString() == suspicion ||
-                        zqWriteMetadata(connection, zqSuspicionKey, suspicion);
+    const auto noted = zqReadMetadata(connection, zqSuspicionKey);
+    const bool isKept =
+        (noted && noted->toString() == suspicion) || zqWriteMetadata(connection, zqSuspicionKey, suspicion);
     m_isMarked = isKept && zqWriteMetadata(connection, inUseKey, own);
     if (!m_isMarked) {
         qCInfo(zqLogStore, "opened for reading: %s", qUtf8Printable(connection.error().localizedDescription()));
@@ -213,7 +242,8 @@ ZQPersistentStoreCoordinator::~ZQPersistentStoreCoordinator()
     if ((m_isDamaged || m_isRecoveryWanted) && !zqWriteMetadata(*connection, zqSuspicionKey, suspicion)) {
         return; // an end that looks unclean is checked as well
     }
-    if (zqReadMetadata(*connection, inUseKey).toString() == processMark(QCoreApplication::applicationPid())) {
+    const auto user = zqReadMetadata(*connection, inUseKey);
+    if (user && user->toString() == processMark(QCoreApplication::applicationPid())) {
         zqWriteMetadata(*connection, inUseKey, QString(QLatin1String("")));
     }
 }
@@ -288,10 +318,10 @@ void ZQPersistentStoreCoordinator::requestRecovery()
     }
 }
 
-QStringList ZQPersistentStoreCoordinator::pendingVersions() const
+std::optional<QStringList> ZQPersistentStoreCoordinator::pendingVersions() const
 {
     const auto connection = newConnection();
-    return connection ? linesOf(zqReadMetadata(*connection, zqPendingVersionsKey)) : QStringList();
+    return connection ? linesNoted(*connection, zqPendingVersionsKey) : std::nullopt;
 }
 
 bool ZQPersistentStoreCoordinator::clearPendingVersion(const QString &version)
@@ -301,35 +331,50 @@ bool ZQPersistentStoreCoordinator::clearPendingVersion(const QString &version)
     if (!connection) {
         return false;
     }
-    ZQSQLiteTransaction transaction(*connection);
-    QStringList pending = linesOf(zqReadMetadata(*connection, zqPendingVersionsKey));
-    QStringList progress = linesOf(zqReadMetadata(*connection, zqProgressKey));
-    pending.removeAll(version);
-    progress.removeIf([&](const QString &line) { return line.startsWith(version + u'='); });
-    return transaction.isOpen() && zqWriteMetadata(*connection, zqPendingVersionsKey, pending.join(u'\n')) &&
-           zqWriteMetadata(*connection, zqProgressKey, progress.join(u'\n')) && transaction.commit();
-}
-
-qint64 ZQPersistentStoreCoordinator::numberNamed(const QString &name, const QString &metadataKey) const
-{
-    const auto connection = newConnection();
-    const QStringList lines = connection ? linesOf(zqReadMetadata(*connection, metadataKey)) : QStringList();
-    for (const QString &line : lines) {
-        if (line.startsWith(name + u'=')) {
-            return line.mid(name.size() + 1).toLongLong();
+    {
+        ZQSQLiteTransaction transaction(*connection);
+        auto pending = linesNoted(*connection, zqPendingVersionsKey);
+        auto progress = linesNoted(*connection, zqProgressKey);
+        if (!transaction.isOpen() || !pending || !progress) {
+            return false;
+        }
+        pending->removeAll(version);
+        removeLinesNaming(version, *progress);
+        if (!zqWriteMetadata(*connection, zqPendingVersionsKey, pending->join(u'\n')) ||
+            !zqWriteMetadata(*connection, zqProgressKey, progress->join(u'\n')) || !transaction.commit()) {
+            return false;
         }
     }
-    return 0;
+    removeNeedlessCopies(*connection);
+    return true;
 }
 
-qint64 ZQPersistentStoreCoordinator::pendingProgress(const QString &version) const
+std::optional<qint64> ZQPersistentStoreCoordinator::numberNamed(const QString &name, const QString &metadataKey,
+                                                                std::optional<qint64> otherwise) const
 {
-    return numberNamed(version, zqProgressKey);
+    const auto connection = newConnection();
+    const auto lines = connection ? linesNoted(*connection, metadataKey) : std::nullopt;
+    if (!lines) {
+        return std::nullopt;
+    }
+    for (const QString &line : *lines) {
+        if (line.startsWith(name + u'=')) {
+            bool isNumber = false;
+            const qint64 number = line.mid(name.size() + 1).toLongLong(&isNumber);
+            return isNumber ? std::optional(number) : std::nullopt;
+        }
+    }
+    return otherwise;
 }
 
-qint64 ZQPersistentStoreCoordinator::lastKeyBeforeMigration(const QString &tableName) const
+std::optional<qint64> ZQPersistentStoreCoordinator::pendingProgress(const QString &version) const
 {
-    return numberNamed(tableName, zqLastKeysKey);
+    return numberNamed(version, zqProgressKey, 0);
+}
+
+std::optional<qint64> ZQPersistentStoreCoordinator::lastKeyBeforeMigration(const QString &tableName) const
+{
+    return numberNamed(tableName, zqLastKeysKey, std::nullopt);
 }
 
 bool ZQPersistentStoreCoordinator::setPendingProgress(const QString &version, qint64 key)
@@ -340,27 +385,33 @@ bool ZQPersistentStoreCoordinator::setPendingProgress(const QString &version, qi
         return false;
     }
     ZQSQLiteTransaction transaction(*connection);
-    QStringList lines = linesOf(zqReadMetadata(*connection, zqProgressKey));
-    lines.removeIf([&](const QString &line) { return line.startsWith(version + u'='); });
-    lines.append(QStringLiteral("%1=%2").arg(version).arg(key));
-    return transaction.isOpen() && zqWriteMetadata(*connection, zqProgressKey, lines.join(u'\n')) &&
-           transaction.commit();
+    auto lines = linesNoted(*connection, zqProgressKey);
+    if (!transaction.isOpen() || !lines) {
+        return false;
+    }
+    removeLinesNaming(version, *lines);
+    lines->append(QStringLiteral("%1=%2").arg(version).arg(key));
+    return zqWriteMetadata(*connection, zqProgressKey, lines->join(u'\n')) && transaction.commit();
 }
 
-void ZQPersistentStoreCoordinator::removeCopiesBeforeMigration()
+void ZQPersistentStoreCoordinator::removeNeedlessCopies(ZQSQLiteConnection &connection) const
 {
-    const std::lock_guard guard(m_writeLock);
-    const auto connection = newConnection();
-    const QStringList names = connection ? linesOf(zqReadMetadata(*connection, zqPendingCopiesKey)) : QStringList();
+    const auto pending = linesNoted(connection, zqPendingVersionsKey);
+    const auto names = linesNoted(connection, zqPendingCopiesKey);
+    if (!pending || !pending->isEmpty() || !names || names->isEmpty()) {
+        return;
+    }
     const QFileInfo store(m_path);
-    for (const QString &name : names) {
+    bool areGone = true;
+    for (const QString &name : *names) {
         // The list is read from a file: only what a migration itself names may go.
         if (name.startsWith(store.fileName() + QStringLiteral(".before-")) && !name.contains(u'/')) {
-            QFile::remove(store.absolutePath() + u'/' + name);
+            const QString copy = store.absolutePath() + u'/' + name;
+            areGone = (QFile::remove(copy) || !QFileInfo::exists(copy)) && areGone;
         }
     }
-    if (!names.isEmpty()) {
-        zqWriteMetadata(*connection, zqPendingCopiesKey, QStringLiteral(""));
+    if (areGone) {
+        zqWriteMetadata(connection, zqPendingCopiesKey, QStringLiteral(""));
     }
 }
 

@@ -67,10 +67,11 @@ class ZQPersistentStoreCoordinator : public std::enable_shared_from_this<ZQPersi
 {
 public:
     // Opens `path`, making an empty store when there is no file. An older store is migrated by inference inside one
-    // transaction after a copy was put beside it (PATH.before-VERSION, which stays until
-    // `removeCopiesBeforeMigration`); a failed migration leaves it as it was. A store of a newer version is refused.
+    // transaction after a copy was put beside it (PATH.before-VERSION, which stays while
+    // `pendingVersions` has any); a failed migration leaves it as it was. A store of a newer version is refused.
     // After an unclean end the store is looked at for about a second first, and refused as Damaged, unchanged, when
-    // that finds something. Null with `error` (domain ZQStoreErrorDomain).
+    // that finds something. What a killed recovery left is finished or removed, so nobody may be recovering it. Null
+    // with `error` (domain ZQStoreErrorDomain).
     static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model,
                                                               const QString &path, const ZQStoreOptions &options = {},
                                                               ZQError *error = nullptr);
@@ -113,16 +114,17 @@ public:
     QStringList checkIntegrity() { return check().problems; }
 
     // The versions this store was migrated past whose content is not filled in yet, oldest first. Noted in the
-    // migration's own transaction.
-    QStringList pendingVersions() const;
-    bool clearPendingVersion(const QString &version);
-    // The last key of the table that rows had before it; what came later owes nothing.
-    qint64 lastKeyBeforeMigration(const QString &tableName) const;
+    // migration's own transaction. Nothing, of these three, when the note cannot be read: then whoever fills something
+    // in must leave it pending.
+    std::optional<QStringList> pendingVersions() const;
+    // The last key of the table that rows had before it, 0 for none; what came later owes nothing.
+    std::optional<qint64> lastKeyBeforeMigration(const QString &tableName) const;
     // How far filling in has come: the key of the last row done; 0 at first.
-    qint64 pendingProgress(const QString &version) const;
+    std::optional<qint64> pendingProgress(const QString &version) const;
+    // False: it was not written, and nothing changed.
     bool setPendingProgress(const QString &version, qint64 key);
-    // Once nothing needs the state before a migration any more.
-    void removeCopiesBeforeMigration();
+    // Once what it brought is saved. With the last one the copies from before the migration go.
+    bool clearPendingVersion(const QString &version);
 
     // For contexts: a connection of their own, with the functions registered and foreign keys on.
     std::unique_ptr<ZQSQLiteConnection> newConnection(ZQError *error = nullptr) const;
@@ -134,9 +136,12 @@ public:
 private:
     ZQPersistentStoreCoordinator() = default;
     bool prepareStore(ZQSQLiteConnection &connection, const ZQStoreOptions &options, ZQError *error);
-    qint64 numberNamed(const QString &name, const QString &metadataKey) const;
+    // `otherwise` when no line has the name.
+    std::optional<qint64> numberNamed(const QString &name, const QString &metadataKey,
+                                      std::optional<qint64> otherwise) const;
+    void removeNeedlessCopies(ZQSQLiteConnection &connection) const;
     bool checkAfterUncleanEnd(ZQSQLiteConnection &connection, ZQError *error);
-    void readOrigin(ZQSQLiteConnection &connection);
+    bool readOrigin(ZQSQLiteConnection &connection, ZQError *error);
     void markInUse(ZQSQLiteConnection &connection);
 
     std::shared_ptr<const ZQManagedObjectModel> m_model;

@@ -345,7 +345,11 @@ bool Migration::dropOldTables()
 
 bool Migration::addLines(const QString &key, const QStringList &lines)
 {
-    QStringList all = zqReadMetadata(m_connection, key).toString().split(u'\n', Qt::SkipEmptyParts) + lines;
+    const auto before = zqReadMetadata(m_connection, key);
+    if (!before) {
+        return false;
+    }
+    QStringList all = before->toString().split(u'\n', Qt::SkipEmptyParts) + lines;
     all.removeDuplicates();
     return zqWriteMetadata(m_connection, key, all.join(u'\n'));
 }

@@ -259,8 +259,12 @@ bool Recovery::run()
 // What was still to be done for the damaged store is to be done for this one.
 bool Recovery::copyMetadata()
 {
-    for (const QString &key : {zqPendingVersionsKey, zqPendingCopiesKey, zqProgressKey, zqLastKeysKey}) {
-        const QVariant value = zqReadMetadata(m_damaged, key);
+    QStringList keys{zqPendingVersionsKey, zqProgressKey, zqLastKeysKey};
+    if (zqReadMetadata(m_damaged, zqPendingVersionsKey)) {
+        keys.append(zqPendingCopiesKey); // named beside no pending version they would go
+    }
+    for (const QString &key : std::as_const(keys)) {
+        const QVariant value = zqReadMetadata(m_damaged, key).value_or(QVariant());
         if (value.isValid() && !zqWriteMetadata(m_sound, key, value)) {
             return false;
         }
@@ -387,13 +391,11 @@ ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManaged
                                                  ZQError *error)
 {
     zqFinishReplacingStore(path);
-    const QString target = path + QStringLiteral(".recovering");
-    removeDatabase(target);
-    const QString copy = path + QStringLiteral(".recovering-source");
-    removeDatabase(copy);
+    zqRemoveUnfinishedRecovery(path);
+    const QString target = zqUnfinishedStore(path);
+    const QString copy = zqUnfinishedSource(path);
     const auto failed = [&](const ZQError &cause) {
-        removeDatabase(copy);
-        removeDatabase(target);
+        zqRemoveUnfinishedRecovery(path);
         zqSetError(error, cause);
         return std::nullopt;
     };
@@ -418,7 +420,7 @@ ZQPersistentStoreCoordinator::recoverStoreAtPath(std::shared_ptr<const ZQManaged
     if (!kept) {
         return failed(cause);
     }
-    removeDatabase(copy);
+    zqRemoveUnfinishedRecovery(path);
     report->keptPath = *kept;
     qCInfo(zqLogStore, "recovered the store; the damaged one is %s", qUtf8Printable(*kept));
     return report;

@@ -73,6 +73,13 @@ bool isGone(const QString &file)
     return ::unlink(QFile::encodeName(file).constData()) == 0 || errno == ENOENT;
 }
 
+void removeDatabase(const QString &file)
+{
+    for (const QString &name : {file, file + log, file + index, file + QStringLiteral("-journal")}) {
+        QFile::remove(name);
+    }
+}
+
 // Each step may have been done before. Nothing when one failed; then the damaged store is still at its place.
 std::optional<QString> finish(const QString &path, const QString &recovered, const QString &stamp)
 {
@@ -98,6 +105,22 @@ std::optional<QString> finish(const QString &path, const QString &recovered, con
 }
 
 } // namespace
+
+QString zqUnfinishedStore(const QString &path)
+{
+    return path + QStringLiteral(".recovering");
+}
+
+QString zqUnfinishedSource(const QString &path)
+{
+    return path + QStringLiteral(".recovering-source");
+}
+
+void zqRemoveUnfinishedRecovery(const QString &path)
+{
+    removeDatabase(zqUnfinishedStore(path));
+    removeDatabase(zqUnfinishedSource(path));
+}
 
 bool zqSyncToDisk(const QString &path)
 {

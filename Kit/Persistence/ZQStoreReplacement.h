@@ -20,4 +20,11 @@ std::optional<QString> zqReplaceStore(const QString &path, const QString &recove
 // For the start of everything that opens a store: does what a killed process left undone. Cheap when there is nothing.
 void zqFinishReplacingStore(const QString &path);
 
+// What a recovery writes on its way, beside PATH: the new store, and a copy of the damaged one to read from. A killed
+// recovery leaves them, and nothing is to be had from them.
+QString zqUnfinishedStore(const QString &path);
+QString zqUnfinishedSource(const QString &path);
+// Nobody may be recovering `path`.
+void zqRemoveUnfinishedRecovery(const QString &path);
+
 bool zqSyncToDisk(const QString &path); // a file or a folder

@@ -177,9 +177,19 @@ bool zqWriteMetadata(ZQSQLiteConnection &connection, const QString &key, const Q
     return statement.run();
 }
 
-QVariant zqReadMetadata(ZQSQLiteConnection &connection, const QString &key)
+std::optional<QVariant> zqReadMetadata(ZQSQLiteConnection &connection, const QString &key)
 {
-    return connection.value(QStringLiteral("SELECT \"value\" FROM \"zq_metadata\" WHERE \"key\" = ?"), {key});
+    ZQSQLiteStatement statement =
+        connection.prepare(QStringLiteral("SELECT \"value\" FROM \"zq_metadata\" WHERE \"key\" = ?"));
+    if (!statement.isValid()) {
+        return std::nullopt;
+    }
+    statement.bindVariants(0, {key});
+    const bool isThere = statement.next();
+    if (statement.failed()) {
+        return std::nullopt;
+    }
+    return isThere ? statement.variant(0) : QVariant();
 }
 
 bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model)
@@ -191,6 +201,10 @@ bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectM
 
 std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connection, ZQError *error)
 {
+    // A damaged store is to say as much of itself as it can.
+    const auto read = [&](const QString &key) {
+        return zqReadMetadata(connection, key).value_or(QVariant()).toString();
+    };
     const QVariant tables =
         connection.value(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = 'zq_metadata'"));
     if (!tables.isValid()) {
@@ -199,7 +213,7 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
     }
     ZQStoreMetadata metadata;
     if (tables.toInt() == 1) {
-        metadata.storeUUID = QUuid::fromString(zqReadMetadata(connection, QStringLiteral("uuid")).toString());
+        metadata.storeUUID = QUuid::fromString(read(QStringLiteral("uuid")));
     }
     if (metadata.storeUUID.isNull()) {
         const bool isBroken = tables.toInt() == 1 && (connection.errorCode() & 0xFF) != 0;
@@ -210,16 +224,14 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
                                                                "from a backup.")));
         return std::nullopt;
     }
-    const QString identifiers = zqReadMetadata(connection, QStringLiteral("versionIdentifiers")).toString();
-    metadata.versionIdentifiers = identifiers.split(u'\n', Qt::SkipEmptyParts);
-    const QString hashes = zqReadMetadata(connection, QStringLiteral("entityVersionHashes")).toString();
+    metadata.versionIdentifiers = read(QStringLiteral("versionIdentifiers")).split(u'\n', Qt::SkipEmptyParts);
+    const QString hashes = read(QStringLiteral("entityVersionHashes"));
     const QJsonObject object = QJsonDocument::fromJson(hashes.toUtf8()).object();
     for (auto entry = object.constBegin(); entry != object.constEnd(); ++entry) {
         metadata.entityVersionHashes.insert(entry.key(), entry.value().toString().toLatin1());
     }
-    metadata.pendingVersions =
-        zqReadMetadata(connection, zqPendingVersionsKey).toString().split(u'\n', Qt::SkipEmptyParts);
-    metadata.modelJSON = zqReadMetadata(connection, QStringLiteral("model")).toString().toUtf8();
+    metadata.pendingVersions = read(zqPendingVersionsKey).split(u'\n', Qt::SkipEmptyParts);
+    metadata.modelJSON = read(QStringLiteral("model")).toUtf8();
     return metadata;
 }
 

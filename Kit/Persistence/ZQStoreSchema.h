@@ -53,7 +53,8 @@ inline const QString zqLastKeysKey = QStringLiteral("lastKeysBeforeMigration"); 
 // What is written in the metadata table about the model.
 bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model);
 bool zqWriteMetadata(ZQSQLiteConnection &connection, const QString &key, const QVariant &value);
-QVariant zqReadMetadata(ZQSQLiteConnection &connection, const QString &key);
+// An invalid value for an entry that is not there; nothing after an error, which the connection knows.
+std::optional<QVariant> zqReadMetadata(ZQSQLiteConnection &connection, const QString &key);
 // Nothing, with the error, when the database is no store.
 std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connection, ZQError *error);
 

@@ -34,6 +34,31 @@ inline QVariant storeValue(const QString &path, const QString &sql)
     return connection ? connection->value(sql) : QVariant();
 }
 
+// Entries of the metadata that cannot be read, while everything else can and all can be written, until
+// `makeEntriesReadable`.
+inline void makeEntriesUnreadable(const QStringList &keys, const QString &path)
+{
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    for (const QString &key : keys) { // an absent one would be read as absent
+        ASSERT_TRUE(
+            connection->execute(QStringLiteral("INSERT OR IGNORE INTO zq_metadata VALUES ('%1', '')").arg(key)));
+    }
+    ASSERT_TRUE(connection->execute(
+        QStringLiteral("ALTER TABLE zq_metadata RENAME TO kept_metadata; "
+                       "CREATE VIEW zq_metadata AS SELECT key, CASE WHEN key IN ('%1') "
+                       "THEN abs(-9223372036854775807 - 1) ELSE value END AS value FROM kept_metadata; "
+                       "CREATE TRIGGER zq_written INSTEAD OF INSERT ON zq_metadata BEGIN "
+                       "INSERT OR REPLACE INTO kept_metadata VALUES (new.key, new.value); END")
+            .arg(keys.join(QStringLiteral("', '")))));
+}
+
+inline void makeEntriesReadable(const QString &path)
+{
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    ASSERT_TRUE(
+        connection->execute(QStringLiteral("DROP VIEW zq_metadata; ALTER TABLE kept_metadata RENAME TO zq_metadata")));
+}
+
 // As a killed process leaves it.
 inline void markStoreUnclean(const QString &path)
 {

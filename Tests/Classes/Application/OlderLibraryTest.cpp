@@ -4,10 +4,14 @@
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQModel.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Models/DataModel/_ZQEntities.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include <QFile>
+
+#include <algorithm>
 
 namespace {
 
@@ -37,6 +41,38 @@ protected:
         }
         ASSERT_TRUE(context.save(&error)) << qPrintable(error.localizedDescription());
     }
+    // One that Version7 wrote, with `count` items of one file that is rated 3.
+    void makeRatedLibrary(int count)
+    {
+        makeLibrary("Version7", 1);
+        OpenMeta::setRating(3, file(0));
+        ZQManagedObjectContext context(
+            ZQPersistentStoreCoordinator::open(zqModelVersion(QStringLiteral("Version7")), store()));
+        const QByteArray reference = zqDataForPersistentURL(file(0));
+        for (int i = 1; i < count; ++i) {
+            const auto item = context.insertNewObject<ZQLibraryImage>();
+            item->setManaged(false);
+            item->setItemURLData(reference);
+        }
+        ASSERT_TRUE(context.save());
+    }
+    // In the order of their keys.
+    static QList<ZQObjectID> identifiers(ZQManagedObjectContext &context)
+    {
+        auto ids = context.fetchObjectIDs({ZQLibraryBaseItem::entityName()}).value_or(QList<ZQObjectID>());
+        std::sort(ids.begin(), ids.end(), [](const auto &a, const auto &b) { return a.key < b.key; });
+        return ids;
+    }
+    static int ratingOf(const ZQObjectID &id, ZQManagedObjectContext &context)
+    {
+        const auto item = zqCast<ZQLibraryBaseItem>(context.objectWithID(id));
+        return item ? item->rating() : -1;
+    }
+    static void rate(const ZQObjectID &id, qint16 rating, ZQManagedObjectContext &context)
+    {
+        zqCast<ZQLibraryBaseItem>(context.objectWithID(id))->setRating(rating);
+        ASSERT_TRUE(context.save());
+    }
     static QList<ZQRef<ZQLibraryBaseItem>> items(tamberin_AppDelegate &delegate)
     {
         return delegate.managedObjectContext()
@@ -53,7 +89,7 @@ protected:
     }
     static QStringList pending(tamberin_AppDelegate &delegate)
     {
-        return delegate.persistentStoreCoordinator()->pendingVersions();
+        return delegate.persistentStoreCoordinator()->pendingVersions().value_or(QStringList{QStringLiteral("?")});
     }
 };
 
@@ -72,9 +108,35 @@ TEST_F(OlderLibrary, GetsWhatEveryVersionItPassedBrought)
         EXPECT_EQ(all[i]->thumbName(), QStringLiteral("file %1_thumb.png").arg(i));
         EXPECT_EQ(all[i]->creation_date(), i == 2 ? QDateTime() : birthOf(file(i))) << i;
     }
-    EXPECT_TRUE(copies().isEmpty());
     EXPECT_GE(progresses, 3) << "for the store itself and for each version";
     zqRunMainLoopUntil([&] { return pending(*delegate).isEmpty(); });
+    zqRunMainLoopUntil([&] { return copies().isEmpty(); });
+}
+
+TEST_F(OlderLibrary, FindsFilesThatMovedIntoALiveFolder)
+{
+    makeLibrary("Version5", 1);
+    const QString deep = world.filePath(QStringLiteral("a/b/c/d/e"));
+    const QString live = world.filePath(QStringLiteral("live"));
+    ASSERT_TRUE(QDir().mkpath(deep) && QDir().mkpath(live));
+    ASSERT_TRUE(QFile::rename(file(0), deep + QStringLiteral("/file.png")));
+    {
+        ZQManagedObjectContext context(
+            ZQPersistentStoreCoordinator::open(zqModelVersion(QStringLiteral("Version5")), store()));
+        const auto item = context.fetch<ZQLibraryBaseItem>({ZQLibraryBaseItem::entityName()})->first();
+        item->setItemURLData(zqDataForPersistentURL(deep + QStringLiteral("/file.png")));
+        const auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(live, context);
+        folder->setIs_root(true);
+        folder->setActive(true);
+        ASSERT_TRUE(context.save());
+    }
+    const QString moved = world.filePath(QStringLiteral("live by now"));
+    ASSERT_TRUE(QFile::rename(live, moved));
+    ASSERT_TRUE(QFile::rename(deep + QStringLiteral("/file.png"), moved + QStringLiteral("/other.png")));
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    EXPECT_EQ(items(*delegate).first()->creation_date(), birthOf(moved + QStringLiteral("/other.png")));
+    EXPECT_TRUE(items(*delegate).first()->itemURL().isEmpty()) << "only for as long as the library is brought along";
 }
 
 TEST_F(OlderLibrary, KeepsWhatItsOwnVersionHad)
@@ -113,7 +175,50 @@ TEST_F(OlderLibrary, IsFinishedByTheNextLaunchWhenOneWasCutOff)
     EXPECT_EQ(all[0]->creation_date(), birthOf(file(0)));
     EXPECT_EQ(all[1]->thumbName(), QStringLiteral("file 1_thumb.png"));
     EXPECT_TRUE(all[3]->thumbName().isEmpty()) << "it never lacked what the migration brought";
+    zqRunMainLoopUntil([&] { return copies().isEmpty(); });
+}
+
+TEST_F(OlderLibrary, KeepsTheCopyFromBeforeUntilTheLastOfItIsFilledIn)
+{
+    makeLibrary("Version5", 2);
+    const QStringList copy{QStringLiteral("storedata.before-Version5")};
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    EXPECT_EQ(pending(*delegate), QStringList{RatingFiller::version});
+    EXPECT_EQ(copies(), copy);
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    RatingFiller filler(coordinator, [](const ZQContextDidSave &) {});
+    EXPECT_FALSE(filler.run([] { return false; }));
+    EXPECT_EQ(copies(), copy);
+    EXPECT_TRUE(filler.run([] { return true; }));
+    EXPECT_TRUE(pending(*delegate).isEmpty());
     EXPECT_TRUE(copies().isEmpty());
+}
+
+TEST_F(OlderLibrary, IsLeftToALaterLaunchWhileItCannotSayWhatItOwes)
+{
+    makeLibrary("Version5", 2);
+    OpenMeta::setRating(4, file(1));
+    ASSERT_TRUE(ZQPersistentStoreCoordinator::open(zqCurrentModel(), store()));
+    for (const char *key : {"pendingVersions", "lastKeysBeforeMigration"}) {
+        SCOPED_TRACE(key);
+        makeEntriesUnreadable({QLatin1String(key)}, store());
+        {
+            const auto delegate = application();
+            delegate->checkModelMigration();
+            RatingFiller filler(delegate->persistentStoreCoordinator(), [](const ZQContextDidSave &) {});
+            EXPECT_FALSE(filler.run([] { return true; }));
+        }
+        makeEntriesReadable(store());
+        EXPECT_EQ(copies().size(), 1);
+    }
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    RatingFiller filler(delegate->persistentStoreCoordinator(), [](const ZQContextDidSave &) {});
+    EXPECT_TRUE(filler.run([] { return true; }));
+    const auto all = items(*delegate);
+    EXPECT_EQ(all[0]->creation_date(), birthOf(file(0)));
+    EXPECT_EQ(all[1]->rating(), 4);
 }
 
 TEST_F(OlderLibrary, TakesTheRatingsOfItsFilesBesideTheWindowAndGoesOnWhereItStopped)
@@ -140,4 +245,75 @@ TEST_F(OlderLibrary, TakesTheRatingsOfItsFilesBesideTheWindowAndGoesOnWhereItSto
     EXPECT_EQ(all[1]->rating(), 4);
     EXPECT_EQ(all[2]->rating(), 3);
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+}
+
+TEST_F(OlderLibrary, TakesNoRatingTwiceAndNoneForLaterItems)
+{
+    makeRatedLibrary(650);
+    const auto delegate = application();
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    RatingFiller filler(coordinator, [](const ZQContextDidSave &) {});
+    int files = 0;
+    EXPECT_FALSE(filler.run([&] { return ++files <= 450; })); // in the midst of the second save's
+    ZQManagedObjectContext context(coordinator);
+    const QList<ZQObjectID> ids = identifiers(context);
+    ASSERT_EQ(ids.size(), 650);
+    EXPECT_EQ(coordinator->pendingProgress(RatingFiller::version), ids[299].key);
+    EXPECT_EQ(ratingOf(ids[300], context), 0);
+    rate(ids[299], 0, context); // by a person, who meant it
+    const auto later = context.insertNewObject<ZQLibraryImage>();
+    later->setManaged(false);
+    later->setItemURLData(zqDataForPersistentURL(file(0)));
+    ASSERT_TRUE(context.save());
+    EXPECT_TRUE(filler.run([] { return true; }));
+    context.reset();
+    EXPECT_EQ(ratingOf(ids[298], context), 3);
+    EXPECT_EQ(ratingOf(ids[299], context), 0);
+    EXPECT_EQ(ratingOf(ids[300], context), 3);
+    EXPECT_EQ(ratingOf(ids[649], context), 3);
+    EXPECT_EQ(ratingOf(identifiers(context)[650], context), 0);
+    EXPECT_EQ(coordinator->pendingVersions(), QStringList());
+}
+
+TEST_F(OlderLibrary, NotesNowAndThenHowFarItsRatingsAre)
+{
+    makeRatedLibrary(3301);
+    const auto delegate = application();
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    QList<qint64> notes;
+    const auto look = [&](const ZQContextDidSave &) {
+        const qint64 note = coordinator->pendingProgress(RatingFiller::version).value_or(-1);
+        if (!notes.contains(note)) {
+            notes.append(note);
+        }
+    };
+    EXPECT_TRUE(RatingFiller(coordinator, look).run([] { return true; }));
+    ZQManagedObjectContext context(coordinator);
+    EXPECT_EQ(notes, (QList<qint64>{0, identifiers(context)[2999].key}))
+        << "a killed process loses little, and a library is not written twice";
+}
+
+TEST_F(OlderLibrary, YieldsToAPersonWhoChangesAnItemMeanwhile)
+{
+    for (const int changes : {2, 3}) {
+        SCOPED_TRACE(changes);
+        QFile::remove(store());
+        makeRatedLibrary(1);
+        const auto delegate = application();
+        const auto coordinator = delegate->persistentStoreCoordinator();
+        ZQManagedObjectContext person(coordinator);
+        const ZQObjectID id = identifiers(person).first();
+        int reads = 0;
+        const bool isDone = RatingFiller(coordinator, [](const ZQContextDidSave &) {}).run([&] {
+            if (++reads <= changes) {
+                zqCast<ZQLibraryBaseItem>(person.objectWithID(id))->setTitle(QString::number(reads));
+                EXPECT_TRUE(person.save());
+            }
+            return true;
+        });
+        EXPECT_EQ(isDone, changes < 3);
+        ZQManagedObjectContext context(coordinator);
+        EXPECT_EQ(ratingOf(id, context), isDone ? 3 : 0);
+        EXPECT_EQ(pending(*delegate), isDone ? QStringList() : QStringList{RatingFiller::version});
+    }
 }

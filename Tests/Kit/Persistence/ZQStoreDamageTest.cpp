@@ -61,6 +61,29 @@ QStringList filesOf(const TestStore &store)
 
 } // namespace
 
+TEST(ZQStoreDamage, WhatAKilledRecoveryLeftGoesWithTheNextOpeningOfTheStore)
+{
+    TestStore store;
+    QStringList left;
+    for (const char *name : {".recovering", ".recovering-wal", ".recovering-shm", ".recovering-journal",
+                             ".recovering-source", ".recovering-source-wal"}) {
+        left.append(QStringLiteral("storedata") + QLatin1String(name));
+    }
+    left.append(QStringLiteral("storedata.recovering-mine"));
+    for (const QString &name : std::as_const(left)) {
+        QFile file(store.folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    left.sort();
+    fillTestTags(store, 1);
+    store.close();
+    EXPECT_EQ(filesOf(store), QStringList{QStringLiteral("storedata")} + left)
+        << "beside no store it may be all there is";
+    ASSERT_TRUE(store.coordinator());
+    store.close();
+    EXPECT_EQ(filesOf(store), (QStringList{QStringLiteral("storedata"), QStringLiteral("storedata.recovering-mine")}));
+}
+
 TEST(ZQStoreDamage, AStoreCutShortIsReportedAndRecovered)
 {
     TestStore store;

@@ -1,5 +1,6 @@
 #include "Kit/Persistence/ZQContextPrivate.h"
 #include "Tests/Kit/Persistence/TestModel.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include <QDir>
 #include <QFile>
@@ -61,6 +62,11 @@ void writeOlderStore(TestStore &older)
         "UPDATE Label SET heft = 4")));
 }
 
+QStringList copiesBeside(const TestStore &store)
+{
+    return QDir(store.folder.path()).entryList({QStringLiteral("*.before-*")}, QDir::Files, QDir::Name);
+}
+
 } // namespace
 
 TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
@@ -83,12 +89,14 @@ TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
     ASSERT_TRUE(QFile::copy(older.folder.filePath(copies.first()), older.folder.filePath(copies.last())));
     EXPECT_TRUE(coordinator->setPendingProgress(QStringLiteral("Version2"), 40));
     EXPECT_EQ(coordinator->pendingProgress(QStringLiteral("Version2")), 40);
+    EXPECT_EQ(coordinator->lastKeyBeforeMigration(QStringLiteral("TestNode")), 2);
+    EXPECT_EQ(coordinator->lastKeyBeforeMigration(QStringLiteral("TestNote")), 0);
+    EXPECT_EQ(coordinator->lastKeyBeforeMigration(QStringLiteral("Unknown")), std::nullopt);
+    EXPECT_EQ(copiesBeside(older), copies);
     EXPECT_TRUE(coordinator->clearPendingVersion(QStringLiteral("Version2")));
-    EXPECT_TRUE(coordinator->pendingVersions().isEmpty());
+    EXPECT_EQ(coordinator->pendingVersions(), QStringList());
     EXPECT_EQ(coordinator->pendingProgress(QStringLiteral("Version2")), 0);
-    EXPECT_EQ(QDir(older.folder.path()).entryList({QStringLiteral("*.before-*")}).size(), 2);
-    coordinator->removeCopiesBeforeMigration();
-    EXPECT_EQ(QDir(older.folder.path()).entryList({QStringLiteral("*.before-*")}), QStringList{copies.last()});
+    EXPECT_EQ(copiesBeside(older), QStringList{copies.last()});
     ZQManagedObjectContext context(coordinator);
     const auto documents = context.fetch<TestDocument>({QStringLiteral("TestDocument")});
     ASSERT_EQ(documents->size(), 1);
@@ -112,6 +120,92 @@ TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
     ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
     EXPECT_GT(newTag->objectID().key, tag->objectID().key);
     EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
+}
+
+TEST(ZQStoreLife, WhatAMigrationLeftToDoStaysWhileItsNotesCannotBeRead)
+{
+    for (const char *key : {"pendingVersions", "pendingProgress", "lastKeysBeforeMigration", "copiesBeforeMigration"}) {
+        SCOPED_TRACE(key);
+        const bool isVersions = QLatin1String(key) == QStringLiteral("pendingVersions");
+        const bool isProgress = QLatin1String(key) == QStringLiteral("pendingProgress");
+        const bool isLastKeys = QLatin1String(key) == QStringLiteral("lastKeysBeforeMigration");
+        const QString version = QStringLiteral("Version2");
+        TestStore older(olderModel());
+        writeOlderStore(older);
+        older.close();
+        older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+        ASSERT_TRUE(older.coordinator()->setPendingProgress(version, 1));
+        older.close();
+        makeEntriesUnreadable({QLatin1String(key)}, older.path);
+        ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
+        EXPECT_EQ(older.coordinator()->pendingVersions().has_value(), !isVersions);
+        EXPECT_EQ(older.coordinator()->pendingProgress(version).has_value(), !isProgress);
+        EXPECT_EQ(older.coordinator()->lastKeyBeforeMigration(QStringLiteral("TestNode")).has_value(), !isLastKeys);
+        EXPECT_EQ(older.coordinator()->setPendingProgress(QStringLiteral("Version3"), 1), !isProgress);
+        EXPECT_EQ(older.coordinator()->clearPendingVersion(QStringLiteral("Version3")), !isVersions && !isProgress);
+        older.close();
+        EXPECT_EQ(copiesBeside(older).size(), 1);
+        makeEntriesReadable(older.path);
+        EXPECT_EQ(older.coordinator()->pendingVersions(), QStringList{version});
+        EXPECT_EQ(older.coordinator()->pendingProgress(version), 1);
+        EXPECT_EQ(copiesBeside(older).size(), 1);
+    }
+}
+
+TEST(ZQStoreLife, ACopyThatAKilledProcessNoLongerNeededGoesWithTheNextOpening)
+{
+    TestStore older(olderModel());
+    writeOlderStore(older);
+    older.close();
+    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+    ASSERT_TRUE(older.coordinator());
+    older.close();
+    {
+        const auto connection = ZQSQLiteConnection::open(older.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ASSERT_TRUE(
+            connection->execute(QStringLiteral("UPDATE zq_metadata SET value = '' WHERE key = 'pendingVersions'")));
+    }
+    makeEntriesUnreadable({QStringLiteral("pendingVersions")}, older.path);
+    ASSERT_TRUE(older.coordinator());
+    older.close();
+    EXPECT_EQ(copiesBeside(older).size(), 1) << "nobody knows whether it is needed";
+    makeEntriesReadable(older.path);
+    ASSERT_TRUE(older.coordinator());
+    EXPECT_TRUE(copiesBeside(older).isEmpty());
+}
+
+TEST(ZQStoreLife, ARecoveryThatCannotTellWhatIsLeftToDoKeepsTheCopy)
+{
+    TestStore older(olderModel());
+    writeOlderStore(older);
+    older.close();
+    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+    ASSERT_TRUE(older.coordinator());
+    older.close();
+    makeEntriesUnreadable({QStringLiteral("pendingVersions")}, older.path);
+    ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(older.model, older.path, &older.error));
+    ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
+    EXPECT_EQ(copiesBeside(older), QStringList{QStringLiteral("storedata.before-Version1")});
+}
+
+TEST(ZQStoreLife, AStoreThatDoesNotSayWhereItComesFromIsNotOpened)
+{
+    for (const char *key : {"created", "recovered", "inUseBy", "suspicion"}) {
+        SCOPED_TRACE(key);
+        TestStore store;
+        fillTestTags(store, 1);
+        store.close();
+        ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path));
+        const QDateTime created = store.coordinator()->creationDate();
+        store.close();
+        makeEntriesUnreadable({QLatin1String(key)}, store.path);
+        EXPECT_FALSE(store.coordinator());
+        EXPECT_FALSE(store.error.isNull());
+        makeEntriesReadable(store.path);
+        ASSERT_TRUE(store.coordinator());
+        EXPECT_EQ(store.coordinator()->creationDate(), created);
+        EXPECT_TRUE(store.coordinator()->wasRecovered());
+    }
 }
 
 TEST(ZQStoreLife, AStoreThatMayNotOrCannotBeMigratedIsUntouched)
