@@ -8,6 +8,7 @@
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Classes/Command/CommandFixture.h"
+#include "Tests/Support/FlushWatch.h"
 
 class TagCommandTest : public CommandTest
 {
@@ -301,6 +302,29 @@ TEST_F(TagCommandTest, ALookAtTheFileTakesInADifferenceAndAnnouncesIt)
     EXPECT_EQ(storedTags(), stored);
     EXPECT_EQ(fileTags(), stored);
     EXPECT_EQ(OpenMeta::getRating(path()), 3);
+}
+
+TEST_F(TagCommandTest, TheJournalIsOnTheDiskBeforeTheFileIsTouched)
+{
+    const QString path = QFileInfo(journal()).canonicalFilePath();
+    int flushes = 0;
+    QByteArray noted;
+    QStringList tagsThen;
+    {
+        const FlushWatch watch([&](const QString &flushed) {
+            if (flushed == path && flushes++ == 0) {
+                QFile file(path);
+                EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+                noted = file.readAll();
+                tagsThen = fileTags();
+            }
+        });
+        ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("new")}), 0);
+    }
+    EXPECT_EQ(flushes, 1);
+    EXPECT_EQ(noted, bundleID().toUtf8() + '\n');
+    EXPECT_FALSE(tagsThen.contains(QStringLiteral("new")));
+    EXPECT_TRUE(fileTags().contains(QStringLiteral("new")));
 }
 
 TEST_F(TagCommandTest, AChangeThatWasWrittenAndNeverSavedIsTakenBack)
