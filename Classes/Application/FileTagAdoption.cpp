@@ -54,13 +54,22 @@ bool FileTagAdoption::apply()
     if (!context) {
         return false;
     }
+    bool didWrite = false;
     const QStringList all = changes.keys();
     for (qsizetype first = 0; first < all.size(); first += atATime) {
+        ZQError error;
         const auto items = context->fetch<ZQLibraryBaseItem>(
             {ZQLibraryBaseItem::entityName(),
-             ZQPredicate::predicateWithFormat(QStringLiteral("bundleID in %@"), {all.mid(first, atATime)})});
+             ZQPredicate::predicateWithFormat(QStringLiteral("bundleID in %@"), {all.mid(first, atATime)})},
+            &error);
+        if (!items) {
+            qCWarning(zqLogTags).noquote() << "What other programs tagged stays in the files, and is read there again:"
+                                           << error.localizedDescription();
+            continue;
+        }
+        didWrite = true;
         QList<ZQRef<ZQLibraryBaseItem>> changed;
-        for (const ZQRef<ZQLibraryBaseItem> &item : items.value_or(QList<ZQRef<ZQLibraryBaseItem>>())) {
+        for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
             bool didChange = false;
             for (const FileTagsChange &change : changes.value(item->bundleID())) {
                 didChange = applyTo(*item, change) || didChange;
@@ -70,7 +79,6 @@ bool FileTagAdoption::apply()
                 changed.append(item);
             }
         }
-        ZQError error;
         if (!context->save(&error)) {
             qCWarning(zqLogTags).noquote()
                 << "What other programs tagged was not saved yet:" << error.localizedDescription();
@@ -80,5 +88,5 @@ bool FileTagAdoption::apply()
                                                                    static_cast<ZQManagedObject *>(item.get()));
         }
     }
-    return true;
+    return didWrite;
 }

@@ -21,7 +21,8 @@ public:
 
     // Any thread. A change of nothing only has the item written to its file.
     void add(const QString &bundleID, const FileTagsChange &change);
-    // Main thread: what came so far. Answers whether there was anything.
+    // Main thread: what came so far. Answers whether there was anything that the store could look up, and so is
+    // written.
     bool apply();
 
 private:

@@ -11,6 +11,7 @@
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModelFetch.h"
 
 #include <QFileInfo>
 
@@ -187,9 +188,8 @@ void ModelEnvironment::finishInterruptedTagWrites()
     const QStringList interrupted = m_journal->interrupted();
     constexpr qsizetype atATime = 500;
     for (qsizetype first = 0; first < interrupted.size(); first += atATime) {
-        const auto items = context->fetch<ZQLibraryBaseItem>(
-            {ZQLibraryBaseItem::entityName(),
-             ZQPredicate::predicateWithFormat(QStringLiteral("bundleID in %@"), {interrupted.mid(first, atATime)})});
+        const auto items =
+            zqFetch<ZQLibraryBaseItem>(*context, QStringLiteral("bundleID in %@"), {interrupted.mid(first, atATime)});
         if (!items) {
             return; // the journal stays for the next launch
         }

@@ -1,3 +1,4 @@
+#include "Classes/Application/FileTagAdoption.h"
 #include "Classes/Tags/DesktopMirror.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
@@ -5,9 +6,11 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Classes/Command/CommandFixture.h"
+#include "Tests/Support/FlushWatch.h"
 
 class TagCommandTest : public CommandTest
 {
@@ -301,6 +304,61 @@ TEST_F(TagCommandTest, ALookAtTheFileTakesInADifferenceAndAnnouncesIt)
     EXPECT_EQ(storedTags(), stored);
     EXPECT_EQ(fileTags(), stored);
     EXPECT_EQ(OpenMeta::getRating(path()), 3);
+}
+
+TEST_F(TagCommandTest, TheJournalIsOnTheDiskBeforeTheFileIsTouched)
+{
+    const QString path = QFileInfo(journal()).canonicalFilePath();
+    int flushes = 0;
+    QByteArray noted;
+    QStringList tagsThen;
+    {
+        const FlushWatch watch([&](const QString &flushed) {
+            if (flushed == path && flushes++ == 0) {
+                QFile file(path);
+                EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+                noted = file.readAll();
+                tagsThen = fileTags();
+            }
+        });
+        ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("new")}), 0);
+    }
+    EXPECT_EQ(flushes, 1);
+    EXPECT_EQ(noted, bundleID().toUtf8() + '\n');
+    EXPECT_FALSE(tagsThen.contains(QStringLiteral("new")));
+    EXPECT_TRUE(fileTags().contains(QStringLiteral("new")));
+}
+
+TEST_F(TagCommandTest, WhatCannotBeBroughtIntoTheStoreIsLoggedAndStaysInTheFile)
+{
+    static QStringList logged;
+    logged.clear();
+    ASSERT_TRUE(OpenMeta::addUserTags(QStringList{QStringLiteral("theirs")}, path()).isNull());
+    const QStringList found = fileTags();
+    const auto adoption = std::make_shared<FileTagAdoption>(*delegate);
+    FileTagsChange change;
+    change.added = QStringList{QStringLiteral("theirs")};
+    const auto connection = delegate->persistentStoreCoordinator()->newConnection();
+    const auto rename = [&](const char *from, const char *to) {
+        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                            .arg(QLatin1String(from), QLatin1String(to))));
+    };
+    rename("ZQLibraryBaseItem", "away");
+    adoption->add(bundleID(), change);
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) { logged.append(text); });
+    EXPECT_FALSE(adoption->apply());
+    qInstallMessageHandler(before);
+    EXPECT_FALSE(logged.filter(QStringLiteral("other programs tagged")).isEmpty());
+    rename("away", "ZQLibraryBaseItem");
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(fileTags(), found);
+
+    ZQLibraryEnvironment::current().takeInTagsOfFiles({storedItem()});
+    takeIn();
+    EXPECT_TRUE(storedTags().contains(QStringLiteral("theirs")));
+    adoption->add(bundleID(), change);
+    EXPECT_TRUE(adoption->apply());
 }
 
 TEST_F(TagCommandTest, AChangeThatWasWrittenAndNeverSavedIsTakenBack)
