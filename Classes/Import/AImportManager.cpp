@@ -129,7 +129,8 @@ std::shared_ptr<ImportOperation> AImportManager::startImport(const QStringList &
         qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
                                          << error.localizedDescription();
     }
-    queue(operation, pending, false);
+    operation->setPendingImport(pending, false);
+    queue(operation, pending);
     if (importOperationQueue().operationCount() >= 2) {
         announceQueued(paths);
     }
