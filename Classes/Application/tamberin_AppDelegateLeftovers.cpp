@@ -6,6 +6,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModelFetch.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -29,10 +30,7 @@ std::optional<QSet<QString>> bundleIDsOfStore(ZQManagedObjectContext &context)
     const auto rows =
         context.fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
     if (!rows) {
-        const QString description = error.localizedDescription();
-        qCWarning(zqLogStore).noquote() << zqFormat(
-            QStringLiteral("Error while fetching\n%@"),
-            {description.isEmpty() ? QStringLiteral("Unknown Error") : description});
+        zqLogFetchError(error);
         return std::nullopt;
     }
     QSet<QString> known;
@@ -159,10 +157,11 @@ void tamberin_AppDelegate::didTakeBack(qsizetype takenBack, bool isComplete)
     if (takenBack == 0) {
         return;
     }
-    userInteraction().presentError(ZQError::with(
-        QStringLiteral("zelto.library"), 4,
+    const QString text =
         takenBack == 1
             ? zqLocalized("1 file of the library had lost its entry and was taken back.")
-            : zqFormat(zqLocalized("%d files of the library had lost their entries and were taken back."), {takenBack}),
-        zqLocalized("Look for them in the project “Recovered”.")));
+            : zqFormat(zqLocalized("%d files of the library had lost their entries and were taken back."), {takenBack});
+    qCWarning(zqLogApplication).noquote() << text;
+    userInteraction().ask(
+        {text, zqLocalized("Look for them in the project “Recovered”."), {zqLocalized("OK")}, {}, false});
 }

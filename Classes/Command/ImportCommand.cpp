@@ -72,6 +72,9 @@ void addReports(const ImportOperation &operation, ImportReport &sum)
     for (const QString &text : report.notifications()) {
         sum.addNotification(text);
     }
+    if (report.isUnfinished()) {
+        sum.setUnfinished();
+    }
     for (const auto &followUp : operation.followUps()) {
         addReports(*followUp, sum);
     }
@@ -170,7 +173,7 @@ int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operation
                                 ? zqLocalized("the import was cancelled; nothing was kept")
                                 : zqLocalized("the import was cancelled; what is listed was imported before that"));
     }
-    return 0;
+    return report.isUnfinished() ? 1 : 0;
 }
 } // namespace
 
@@ -214,13 +217,15 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
         AImportManager::sharedAImportManager().forgetImports();
     }
     std::vector<std::shared_ptr<ImportOperation>> operations;
+    qsizetype unreadable = 0;
     if (request.resumes) {
-        for (const auto &operation : AImportManager::sharedAImportManager().resumeImports()) {
+        for (const auto &operation : AImportManager::sharedAImportManager().resumeImports(&unreadable)) {
             operations.push_back(operation);
         }
     }
     if (!paths.isEmpty() && !startImports(request, paths, metadata, context, operations)) {
         return 2;
     }
-    return reportImports(operations, context);
+    const int status = reportImports(operations, context);
+    return unreadable > 0 ? 2 : status;
 }

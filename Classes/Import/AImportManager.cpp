@@ -17,6 +17,7 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -128,7 +129,8 @@ std::shared_ptr<ImportOperation> AImportManager::startImport(const QStringList &
         qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
                                          << error.localizedDescription();
     }
-    queue(operation, pending, false);
+    operation->setPendingImport(pending, false);
+    queue(operation, pending);
     if (importOperationQueue().operationCount() >= 2) {
         announceQueued(paths);
     }
@@ -204,13 +206,80 @@ void AImportManager::stopAllOperation()
     ZQNotificationCenter::defaultCenter().postNotification(willFinishImportOperation, this);
 }
 
+namespace {
+
+// Item directories that gave no item are read again only when they, or the program, have changed.
+class DirectoriesLeft
+{
+public:
+    explicit DirectoriesLeft(const QString &library)
+        : m_library(library + u'/'), m_marks(ZQUserDefaults::standardUserDefaults().objectForKey(key).toStringList())
+    {
+    }
+    bool contains(const QString &name) const { return m_marks.contains(mark(name)); }
+    void add(const QStringList &names)
+    {
+        m_marks.removeIf([this](const QString &mark) {
+            return mark.startsWith(m_library) && !QFileInfo::exists(mark.section(u'\n', 0, 0));
+        });
+        for (const QString &name : names) {
+            m_marks.append(mark(name));
+        }
+        ZQUserDefaults::standardUserDefaults().setObjectForKey(m_marks, key);
+    }
+
+private:
+    static inline const QString key = QStringLiteral("DirectoriesNotTakenBack");
+
+    QString mark(const QString &name) const
+    {
+        const QString path = m_library + name;
+        const auto changed = QFileInfo(path).lastModified().toMSecsSinceEpoch();
+        return QStringList{path, QString::number(changed), QCoreApplication::applicationVersion()}.join(u'\n');
+    }
+
+    const QString m_library;
+    QStringList m_marks;
+};
+
+void tellOfDirectoriesLeft(const QStringList &names, const QString &library)
+{
+    if (names.isEmpty()) {
+        return;
+    }
+    DirectoriesLeft(library).add(names);
+    presentError(ZQError::with(
+        QStringLiteral("zelto.import"), 7,
+        names.size() == 1
+            ? zqFormat(zqLocalized("“%@” in the library belongs to no item and could not be taken back."),
+                       {names.first()})
+            : zqFormat(zqLocalized("%d folders of the library belong to no item and could not be taken back. The first "
+                                   "is “%@”."),
+                       {names.size(), names.first()}),
+        zqFormat(zqLocalized("They stay as they are in %@. What is in them is damaged, or of no kind that can be "
+                             "imported."),
+                 {library})));
+}
+
+} // namespace
+
 void AImportManager::takeBackItemDirectories(const QStringList &names,
                                              std::function<void(qsizetype takenBack, bool isComplete)> done)
 {
     application().saveAction();
-    auto operation = std::make_shared<TakeBackOperation>(names);
-    operation->setCompletionBlock([weak = std::weak_ptr(operation), done = std::move(done)] {
-        zqOnMainThread([operation = weak.lock(), done] {
+    const QString library = application().libraryDirectory();
+    const DirectoriesLeft left(library);
+    QStringList rest = names;
+    const qsizetype known = rest.removeIf([&left](const QString &name) { return left.contains(name); });
+    if (known > 0) {
+        qCWarning(zqLogImport) << known << "item directories of no item could not be taken back before";
+    }
+    auto operation = std::make_shared<TakeBackOperation>(rest);
+    operation->setCompletionBlock([weak = std::weak_ptr(operation), done = std::move(done), library] {
+        zqOnMainThread([operation = weak.lock(), done, library] {
+            if (operation) {
+                tellOfDirectoriesLeft(operation->namesLeft(), library);
+            }
             done(operation ? operation->takenBackCount() : 0, operation && operation->isComplete());
         });
     });

@@ -74,7 +74,12 @@ public:
     // Imports that an earlier process did not end. The first goes on with all of them, the second gives them up; what
     // they have saved stays.
     QStringList cutOffImports() const;
-    QList<std::shared_ptr<ImportOperation>> resumeImports();
+    // `unreadable`: how many requests cannot be read; the person is told of each.
+    QList<std::shared_ptr<ImportOperation>> resumeImports(qsizetype *unreadable = nullptr);
+    // A request goes on with what came out of its archive, which was unpacked again. Null without a library, or when
+    // that could not be noted.
+    std::shared_ptr<ImportOperation> resumeImportOfArchive(const UnfoldedArchive &archive,
+                                                           const std::shared_ptr<PendingImportFile> &pending);
     void forgetImports();
     std::optional<QDateTime> cutOffImportSince() override;
     void offerToResumeImports() override;
@@ -117,7 +122,7 @@ private:
                                                  quint32 atIndex, const QVariantMap &metadata,
                                                  const UnfoldedArchive *origin);
     std::shared_ptr<ImportOperation> queue(std::shared_ptr<ImportOperation> operation,
-                                           std::shared_ptr<PendingImportFile> pending, bool isResumed);
+                                           std::shared_ptr<PendingImportFile> pending);
     std::shared_ptr<ImportOperation> resumeImport(const QString &name);
     void announceQueued(const QStringList &paths);
 

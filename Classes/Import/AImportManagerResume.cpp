@@ -61,7 +61,6 @@ QString AImportManager::pendingFolder()
 
 QStringList AImportManager::cutOffImports() const
 {
-    PendingImportFile::removeRemains(pendingFolder());
     return PendingImportFile::cutOff(pendingFolder());
 }
 
@@ -72,9 +71,8 @@ std::optional<QDateTime> AImportManager::cutOffImportSince()
 }
 
 std::shared_ptr<ImportOperation> AImportManager::queue(std::shared_ptr<ImportOperation> operation,
-                                                       std::shared_ptr<PendingImportFile> pending, bool isResumed)
+                                                       std::shared_ptr<PendingImportFile> pending)
 {
-    operation->setPendingImport(pending, isResumed);
     operation->setCompletionBlock([this, pending, weak = std::weak_ptr(operation)] {
         // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
         const auto ended = weak.lock();
@@ -96,25 +94,43 @@ std::shared_ptr<ImportOperation> AImportManager::resumeImport(const QString &nam
     }
     const PendingImport &request = pending->request();
     const ZQObjectID target = targetOf(request, *application().managedObjectContext());
-    const bool isUnpacked = !request.archiveRoot.isEmpty() && QFileInfo(request.archiveRoot).isDir();
-    const bool unpacksAgain = !request.archiveRoot.isEmpty() && !isUnpacked && pending->sources().isEmpty();
-    auto operation = std::make_shared<ImportOperation>(unpacksAgain ? QStringList{request.archivePath} : request.paths,
+    const bool isOfArchive = !request.archiveRoot.isEmpty();
+    if (isOfArchive && QFileInfo(request.archiveRoot).isDir() && !request.paths.isEmpty()) {
+        return resumeImportOfArchive({.archivePath = request.archivePath,
+                                      .root = request.archiveRoot,
+                                      .folder = request.paths.first(),
+                                      .sidebarItem = target,
+                                      .metadata = request.metadata,
+                                      .holder = holderOf(request.archiveRoot)},
+                                     pending);
+    }
+    auto operation = std::make_shared<ImportOperation>(isOfArchive ? QStringList{request.archivePath} : request.paths,
                                                        target, request.index, request.metadata);
-    if (isUnpacked && !request.paths.isEmpty()) {
-        operation->setOrigin({.archivePath = request.archivePath,
-                              .root = request.archiveRoot,
-                              .folder = request.paths.first(),
-                              .sidebarItem = target,
-                              .metadata = request.metadata,
-                              .holder = holderOf(request.archiveRoot)});
+    if (isOfArchive) {
+        operation->setRequestOfArchive(pending);
+    } else {
+        operation->setPendingImport(pending, true);
     }
-    if (unpacksAgain) {
-        pending->setGroups({});
-    }
-    return queue(std::move(operation), pending, true);
+    return queue(std::move(operation), pending);
 }
 
-QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports()
+std::shared_ptr<ImportOperation>
+AImportManager::resumeImportOfArchive(const UnfoldedArchive &archive, const std::shared_ptr<PendingImportFile> &pending)
+{
+    ZQError error;
+    if (!application().managedObjectContext() || !pending->moveArchive(archive.root, archive.folder, &error)) {
+        qCWarning(zqLogImport).noquote() << "An import does not go on:" << error.localizedDescription();
+        return nullptr;
+    }
+    const PendingImport &request = pending->request();
+    auto operation = std::make_shared<ImportOperation>(
+        request.paths, targetOf(request, *application().managedObjectContext()), request.index, request.metadata);
+    operation->setOrigin(archive);
+    operation->setPendingImport(pending, true);
+    return queue(std::move(operation), pending);
+}
+
+QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports(qsizetype *unreadable)
 {
     QList<std::shared_ptr<ImportOperation>> operations;
     application().saveAction();
@@ -125,6 +141,8 @@ QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports()
     for (const QString &name : names) {
         if (const auto operation = resumeImport(name)) {
             operations.append(operation);
+        } else if (unreadable) {
+            ++*unreadable;
         }
     }
     return operations;
@@ -132,6 +150,7 @@ QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports()
 
 void AImportManager::forgetImports()
 {
+    PendingImportFile::removeRemains(pendingFolder());
     const QStringList names = cutOffImports();
     for (const QString &name : names) {
         if (!PendingImportFile::forget(pendingFolder(), name)) {
@@ -142,6 +161,7 @@ void AImportManager::forgetImports()
 
 void AImportManager::offerToResumeImports()
 {
+    PendingImportFile::removeRemains(pendingFolder());
     const qsizetype count = cutOffImports().size();
     if (count == 0) {
         return;

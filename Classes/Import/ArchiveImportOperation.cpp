@@ -52,7 +52,7 @@ bool endsUnpacking(const ZQError &error)
 
 TemporaryFolder::~TemporaryFolder()
 {
-    if (!QDir(m_path).removeRecursively()) {
+    if (!m_isKept && !QDir(m_path).removeRecursively()) {
         qCInfo(zqLogImport).noquote() << "The temporary folder" << m_path << "could not be removed";
     }
 }

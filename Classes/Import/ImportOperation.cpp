@@ -49,11 +49,8 @@ void ImportOperation::main()
     m_startDate = std::chrono::steady_clock::now();
     m_lastProgress = m_startDate;
     if (setUp()) {
-        if (m_isResumed) {
-            restoreEarlierItems();
-        }
-        if (m_isResumed && !m_pendingImport->request().groups.isEmpty()) {
-            importRemainingGroups();
+        if (m_isResumed && m_pendingImport) {
+            resume();
         } else {
             importIntoTarget();
         }
@@ -128,12 +125,15 @@ DroppedFile ImportOperation::unsupportedFile(const QString &path)
 
 QStringList ImportOperation::supportedFiles()
 {
+    if (m_origin && !AImportManager::fileAtPathIsSupported(m_origin->folder)) {
+        m_requestedFiles =
+            filesBelowDirectory(m_origin->folder); // they stand for the archive, which was asked for as a file
+        return remaining(m_requestedFiles);
+    }
     QStringList files;
-    for (const QString &path : m_itemsToImport) {
-        if (m_origin && path == m_origin->folder && !AImportManager::fileAtPathIsSupported(path)) {
-            m_requestedFiles = filesBelowDirectory(path); // they stand for the archive, which was asked for as a file
-            files.append(m_requestedFiles);
-        } else if (AImportManager::fileAtPathIsSupported(path)) {
+    const QStringList paths = remaining(m_itemsToImport);
+    for (const QString &path : paths) {
+        if (AImportManager::fileAtPathIsSupported(path)) {
             if (AImportManager::fileAtPathIsArchive(path)) {
                 m_hasArchives = true;
                 m_foldersAndArchivesPathOrdered.append(path);
@@ -168,11 +168,11 @@ QStringList ImportOperation::screened(const QStringList &files)
 void ImportOperation::importFlat(ZQSidebarBaseItem &target)
 {
     const QStringList supported = supportedFiles();
-    if (m_origin && supported.isEmpty() && !isCancelled()) {
+    if (m_origin && m_requestedFiles.isEmpty() && !isCancelled()) {
         fileDidDrop({m_origin->root, zqLocalized("The archive holds nothing that can be imported."),
                      DroppedFile::Telling::Quietly});
     }
-    const QStringList files = screened(withoutEarlier(supported));
+    const QStringList files = screened(supported);
     if (m_index != appendIndex) {
         m_index += quint32(m_savedItemCount);
     }

@@ -40,6 +40,8 @@ public:
     void setOrigin(const UnfoldedArchive &archive);
     // Before the start: where the request is kept until it ends. Resumed: go on with what it did not save.
     void setPendingImport(std::shared_ptr<PendingImportFile> file, bool isResumed);
+    // Before the start: the archive asked for is unpacked again, and this request of what it held goes on with that.
+    void setRequestOfArchive(std::shared_ptr<PendingImportFile> file);
 
     bool hasStarted() const { return m_hasStarted; } // any thread
     const ImportReport &report() const { return m_report; }
@@ -127,13 +129,18 @@ private:
     static void logSaveError(const ZQError &error);
 
     // A batch that was cut off.
-    void restoreEarlierItems();
+    bool restoreEarlierItems();
     void restoreEarlierItem(const PendingImportFile::Source &source, ZQLibraryBaseItem &item);
-    QStringList withoutEarlier(const QStringList &files);
+    QStringList remaining(const QStringList &files);
+    void resume();
     void importRemainingGroups();
-    void rememberGroups(const QList<Group> &groups);
-    void rememberUnsavedItems();
+    bool rememberGroups(const QList<Group> &groups);
+    bool rememberUnsavedItems(ZQError *error);
+    void postpone(const QString &reason);
     void endPendingImport(bool wasCancelled);
+    void endRequestOfArchive(bool wasCancelled);
+    void keepPendingImport();
+    QString textForUnfinished() const;
 
     // Groups.
     void importFiles(const Group &group);
@@ -144,12 +151,12 @@ private:
     void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
     ZQRef<ZQSidebarTag> tagWithName(const QString &text);
     bool saveItems(ZQError *error = nullptr);
-    void forgetUnsavedItems(const ZQError &error);
+    void forgetUnsavedItems(const QString &reason);
 
     // Finish.
     void finish();
     void checkForDuplicateImport();
-    std::vector<Duplicate> findDuplicates();
+    std::optional<std::vector<Duplicate>> findDuplicates();
     QList<DuplicatePair> duplicatePairs(const std::vector<Duplicate> &duplicates) const;
     void resolveDuplicate(const Duplicate &duplicate, DuplicateChoice choice);
     void relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created);
@@ -172,7 +179,7 @@ private:
     void dropAll(const QStringList &paths, const QString &reason,
                  DroppedFile::Telling telling = DroppedFile::Telling::InWindow);
 
-    const QStringList m_itemsToImport;
+    QStringList m_itemsToImport;
     const ZQObjectID m_rootSidebarItem;
     quint32 m_index;
     quint32 m_originalDropIndex;
@@ -193,7 +200,12 @@ private:
     ZQObjectID m_target;
     std::optional<UnfoldedArchive> m_origin;
     std::shared_ptr<PendingImportFile> m_pendingImport;
+    std::shared_ptr<PendingImportFile> m_requestOfArchive;
     bool m_isResumed = false;
+    PendingImport m_firstRequest; // as it was before the start
+    QStringList m_outOfReach;     // what a request that was cut off names, and nobody finds
+    bool m_isRequestKept = false;
+    QString m_postponement; // why the request is kept
     std::atomic<bool> m_hasStarted = false;
     QHash<QString, int> m_earlierPaths; // how often each is in already
     bool m_hasArchives = false;

@@ -66,9 +66,13 @@ void ImportOperation::finish()
     }
     m_unfoldedArchives.clear();
     endPendingImport(wasCancelled);
+    endRequestOfArchive(wasCancelled);
     writeReport(wasCancelled);
     tellResult(wasCancelled);
     m_progress.reset();
+    if (m_origin && m_isRequestKept && m_origin->holder && !QFileInfo::exists(m_origin->archivePath)) {
+        m_origin->holder->keep(); // there is nothing else left of the archive
+    }
     m_origin.reset(); // and with it the folder it was unpacked into
 }
 
@@ -101,9 +105,16 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
                      DroppedFile::Telling::Quietly});
         return;
     }
-    const auto followUp =
-        AImportManager::sharedAImportManager().startImportOfArchive(archive, indexForArchive(archive));
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    const auto followUp = m_requestOfArchive ? manager.resumeImportOfArchive(archive, m_requestOfArchive)
+                                             : manager.startImportOfArchive(archive, indexForArchive(archive));
     if (followUp) {
+        const PendingImportFile::Source handedOver{
+            .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};
+        ZQError error;
+        if (m_pendingImport && !m_pendingImport->addSources({handedOver}, &error)) {
+            qCWarning(zqLogImport).noquote() << error.localizedDescription();
+        }
         m_followUps.append(followUp);
         m_followedUpPaths.insert(archive.archivePath);
     } else {
@@ -120,7 +131,7 @@ quint32 ImportOperation::indexForArchive(const UnfoldedArchive &archive) const
     return m_originalDropIndex + quint32(std::max<qsizetype>(place, 0));
 }
 
-std::vector<ImportOperation::Duplicate> ImportOperation::findDuplicates()
+std::optional<std::vector<ImportOperation::Duplicate>> ImportOperation::findDuplicates()
 {
     QHash<QString, std::vector<std::size_t>> createdBySHA1;
     QSet<ZQObjectID> created;
@@ -140,7 +151,10 @@ std::vector<ImportOperation::Duplicate> ImportOperation::findDuplicates()
                            .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("SHA1 in %@ AND active == YES"),
                                                                          {digests.mid(first, digestsInOneQuery)}),
                            .includesPendingChanges = false});
-        for (const ZQRef<ZQLibraryBaseItem> &item : items.value_or(QList<ZQRef<ZQLibraryBaseItem>>())) {
+        if (!items) {
+            return std::nullopt;
+        }
+        for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
             if (!created.contains(item->objectID())) {
                 existing.insert(item->SHA1(), item);
             }
@@ -186,7 +200,15 @@ QList<DuplicatePair> ImportOperation::duplicatePairs(const std::vector<Duplicate
 
 void ImportOperation::checkForDuplicateImport()
 {
-    const std::vector<Duplicate> duplicates = findDuplicates();
+    const auto found = findDuplicates();
+    if (!found) {
+        const QString reason = zqLocalized("It cannot be told whether the library has it already, since the library "
+                                           "cannot be read. Import it again once that is mended.");
+        postpone(reason);
+        forgetUnsavedItems(reason);
+        return;
+    }
+    const std::vector<Duplicate> &duplicates = *found;
     if (duplicates.empty()) {
         return;
     }
@@ -357,8 +379,10 @@ void ImportOperation::writeReport(bool wasCancelled)
     const QString reason = wasCancelled ? zqLocalized("The import was cancelled. Import it again if you want it.")
                            : refused.isEmpty() ? zqLocalized("It was left out. Import it again.")
                                                : refused;
+    const QSet<QString> outOfReach(m_outOfReach.begin(), m_outOfReach.end()); // told together
     for (const QString &path : std::as_const(m_requestedFiles)) {
-        if (!importedPaths.contains(path) && !m_followedUpPaths.contains(path)) {
+        const bool isSeenTo = m_followedUpPaths.contains(path) || m_earlierPaths.contains(path);
+        if (!importedPaths.contains(path) && !isSeenTo && !outOfReach.contains(path)) {
             fileDidDrop({path, reason, wasCancelled ? DroppedFile::Telling::Quietly : DroppedFile::Telling::InWindow});
         }
     }
@@ -367,9 +391,12 @@ void ImportOperation::writeReport(bool wasCancelled)
 void ImportOperation::tellResult(bool wasCancelled)
 {
     const bool tookLong = std::chrono::steady_clock::now() - m_startDate > longEnoughToBeElsewhere;
-    const bool isWanted = tookLong && !wasCancelled && !(m_hasArchives && m_itemsToImport.size() == 1);
+    const bool isWanted =
+        tookLong && !wasCancelled && !m_report.isUnfinished() && !(m_hasArchives && m_itemsToImport.size() == 1);
     const bool gaveNothing = m_followUps.isEmpty() && !m_isProcessed;
-    if (gaveNothing && !wasCancelled) {
+    if (m_report.isUnfinished()) {
+        notify(textForUnfinished(), browserPosition, 6.0);
+    } else if (gaveNothing && !wasCancelled) {
         notify(zqLocalized("Nothing to import!"), browserPosition, 2.0);
     }
     if (isWanted) {

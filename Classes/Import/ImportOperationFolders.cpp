@@ -105,7 +105,8 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
     QStringList folders;
     QStringList archives;
     QStringList files;
-    for (const QString &path : m_itemsToImport) {
+    const QStringList paths = remaining(m_itemsToImport);
+    for (const QString &path : paths) {
         if (!AImportManager::fileAtPathIsSupported(path) && QFileInfo(path).isDir()) {
             folders.append(path);
             m_foldersAndArchivesPathOrdered.append(path);
@@ -145,10 +146,9 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
         }
         groups.append(found);
     }
-    if (isCancelled() || !saveStructure()) {
+    if (isCancelled() || !saveStructure() || !rememberGroups(groups)) {
         return;
     }
-    rememberGroups(groups);
     orderLikeTheDrop(groups);
     beginProgress();
     for (const Group &group : groups) {

@@ -206,14 +206,20 @@ ZQRef<ZQSidebarTag> ImportOperation::tagWithName(const QString &text)
 bool ImportOperation::saveItems(ZQError *failure)
 {
     ZQError error;
-    rememberUnsavedItems();
+    const bool isRemembered = rememberUnsavedItems(&error);
     const QString library = ZQLibraryEnvironment::current().libraryDirectory();
-    const bool isSynced =
-        m_unsavedItems.isEmpty() || zqSyncFileSystem(library, &error); // files are safe before rows name them
+    const bool isSynced = isRemembered && (m_unsavedItems.isEmpty() ||
+                                           zqSyncFileSystem(library, &error)); // files are safe before rows name them
     m_moc->processPendingChanges();
     if (!isSynced || !m_moc->save(&error)) {
         logSaveError(error);
-        forgetUnsavedItems(error);
+        const QString reason =
+            zqFormat(zqLocalized("The library could not be saved: %@ Import it again once that is mended."),
+                     {error.localizedDescription()});
+        if (!isRemembered) {
+            postpone(reason);
+        }
+        forgetUnsavedItems(reason);
         zqSetError(failure, error);
         return false;
     }
@@ -224,12 +230,9 @@ bool ImportOperation::saveItems(ZQError *failure)
     return true;
 }
 
-// After a save that failed: those files are where they were before, and no further ones are begun.
-void ImportOperation::forgetUnsavedItems(const ZQError &error)
+// Those files are where they were before, and no further ones are begun.
+void ImportOperation::forgetUnsavedItems(const QString &reason)
 {
-    const QString reason =
-        zqFormat(zqLocalized("The library could not be saved: %@ Import it again once that is mended."),
-                 {error.localizedDescription()});
     setRefusal(reason);
     m_moc->rollback();
     m_tags.clear();

@@ -53,3 +53,15 @@ void ImportReport::addNotification(const QString &text)
     const std::lock_guard lock(m_mutex);
     m_notifications.append(text);
 }
+
+bool ImportReport::isUnfinished() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_isUnfinished;
+}
+
+void ImportReport::setUnfinished()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isUnfinished = true;
+}

@@ -33,6 +33,7 @@ public:
     QStringList imported() const; // the item directories' names, without extension, in order
     QList<DroppedFile> dropped() const;
     QStringList notifications() const; // the texts shown in the window
+    bool isUnfinished() const;         // the request is kept, and can go on; a notification says why
 
     // From then on a path below `folder` is reported as one below `shownAs`: what lies there has no place of its own.
     void setOrigin(const QString &folder, const QString &shownAs);
@@ -40,6 +41,7 @@ public:
     // What is said last of a path that is incomplete counts: the import may go on with it and drop it later.
     void addDropped(const DroppedFile &file);
     void addNotification(const QString &text);
+    void setUnfinished();
 
 private:
     mutable std::mutex m_mutex;
@@ -49,4 +51,5 @@ private:
     QList<DroppedFile> m_dropped;
     QSet<QString> m_incomplete; // the paths among them
     QStringList m_notifications;
+    bool m_isUnfinished = false;
 };

@@ -10,11 +10,13 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QSet>
 #include <QUuid>
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -79,7 +81,8 @@ QVariantMap valuesOf(const PendingImport &request)
             {QStringLiteral("metadata"), plain(request.metadata)},
             {QStringLiteral("archivePath"), request.archivePath},
             {QStringLiteral("archiveRoot"), request.archiveRoot},
-            {QStringLiteral("groups"), groups}};
+            {QStringLiteral("groups"), groups},
+            {QStringLiteral("ungrouped"), QVariant(request.ungrouped).toList()}};
 }
 
 PendingImport requestFrom(const QVariantMap &values)
@@ -90,7 +93,8 @@ PendingImport requestFrom(const QVariantMap &values)
                           .metadata = values.value(QStringLiteral("metadata")).toMap(),
                           .archivePath = values.value(QStringLiteral("archivePath")).toString(),
                           .archiveRoot = values.value(QStringLiteral("archiveRoot")).toString(),
-                          .groups = {}};
+                          .groups = {},
+                          .ungrouped = values.value(QStringLiteral("ungrouped")).toStringList()};
     const QVariantList groups = values.value(QStringLiteral("groups")).toList();
     for (const QVariant &group : groups) {
         const QVariantMap map = group.toMap();
@@ -98,6 +102,31 @@ PendingImport requestFrom(const QVariantMap &values)
             {map.value(QStringLiteral("project")).toString(), map.value(QStringLiteral("files")).toStringList()});
     }
     return request;
+}
+
+// What came out of an archive is noted by its place in it: the next time it may lie in another folder.
+QString placeBelow(const QString &root, const QString &path)
+{
+    return !root.isEmpty() && path.startsWith(root + u'/') ? path.mid(root.size() + 1) : path;
+}
+
+QString pathBelow(const QString &root, const QString &place)
+{
+    return root.isEmpty() || place.isEmpty() || place.startsWith(u'/') ? place : root + u'/' + place;
+}
+
+// A line that a cut, a full disk or a short write left open would swallow the next one.
+bool endsInALine(QFile &file)
+{
+    return file.size() == 0 || (file.seek(file.size() - 1) && file.read(1) == "\n");
+}
+
+ZQError unwritable(const QFile &file)
+{
+    return ZQError::with(
+        QStringLiteral("zelto.import"), 5,
+        zqFormat(zqLocalized("What was imported cannot be noted in %@: %@."), {file.fileName(), file.errorString()}),
+        zqLocalized("Free some space there and look at its permissions."));
 }
 
 } // namespace
@@ -133,17 +162,17 @@ bool PendingImportFile::forget(const QString &folder, const QString &name)
 
 void PendingImportFile::removeRemains(const QString &folder)
 {
+    static const QRegularExpression sourcesName(
+        QStringLiteral("\\A([0-9]+-[0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12})\\.sources\\z"));
+    static const QRegularExpression halfWrittenName(QStringLiteral("\\A\\.zelto-[0-9a-z]+\\z"));
     const QStringList files = QDir(folder).entryList(QDir::Files | QDir::Hidden);
     const std::lock_guard lock(active().mutex);
     for (const QString &file : files) {
-        const bool isKept = std::any_of(files.begin(), files.end(), [&](const QString &other) {
-            return other.endsWith(requestEnding) && file.contains(other.chopped(requestEnding.size()));
-        });
-        const bool isInUse = std::any_of(active().paths.begin(), active().paths.end(), [&](const QString &path) {
-            return file.contains(QFileInfo(path).completeBaseName());
-        });
-        const bool isBeingWritten = file.startsWith(u'.') && !active().paths.isEmpty();
-        if (!isKept && !isInUse && !isBeingWritten) {
+        const auto sources = sourcesName.match(file);
+        const QString request = requestPath(folder, sources.captured(1));
+        const bool isOfNone = sources.hasMatch() && !QFileInfo::exists(request) && !active().paths.contains(request);
+        const bool isHalfWritten = halfWrittenName.match(file).hasMatch() && active().paths.isEmpty();
+        if (isOfNone || isHalfWritten) {
             QFile::remove(folder + u'/' + file);
         }
     }
@@ -196,45 +225,85 @@ bool PendingImportFile::write(ZQError *error)
     return data && zqWriteFileAtomically(requestPath(m_folder, m_name), *data, error);
 }
 
-void PendingImportFile::setGroups(const QList<PendingImport::Group> &groups)
+bool PendingImportFile::setRequest(const PendingImport &request, ZQError *error)
 {
-    m_request.groups = groups;
-    ZQError error;
-    if (!write(&error)) {
-        qCWarning(zqLogImport).noquote() << "An import could not go on where it is if it was cut off:"
-                                         << error.localizedDescription();
+    const PendingImport before = std::exchange(m_request, request);
+    const bool isWritten = write(error);
+    if (!isWritten) {
+        m_request = before;
     }
+    return isWritten;
 }
 
-void PendingImportFile::addSources(const QList<Source> &sources)
+bool PendingImportFile::moveArchive(const QString &root, const QString &folder, ZQError *error)
+{
+    PendingImport moved = m_request;
+    moved.paths = {folder};
+    moved.archiveRoot = root;
+    for (PendingImport::Group &group : moved.groups) {
+        for (QString &file : group.files) {
+            file = pathBelow(root, placeBelow(m_request.archiveRoot, file));
+        }
+    }
+    return setRequest(moved, error);
+}
+
+bool PendingImportFile::addSources(const QList<Source> &sources, ZQError *error)
 {
     QByteArray lines;
     for (const Source &source : sources) {
-        const QJsonArray line{source.bundleID, source.path, source.movedPath, source.movedModification};
+        const QJsonArray line{source.bundleID, placeBelow(m_request.archiveRoot, source.path),
+                              placeBelow(m_request.archiveRoot, source.movedPath), source.movedModification};
         lines += QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
     }
-    QFile file(sourcesPath(m_folder, m_name));
-    if (!lines.isEmpty() && (!file.open(QIODevice::Append) || file.write(lines) != lines.size() || !file.flush())) {
-        qCWarning(zqLogImport).noquote() << "What was imported could not be noted:" << file.errorString();
+    if (lines.isEmpty()) {
+        return true;
     }
+    QFile file(sourcesPath(m_folder, m_name));
+    if (file.open(QIODevice::ReadWrite | QIODevice::Append)) {
+        if (!endsInALine(file)) {
+            lines.prepend('\n');
+        }
+        if (file.write(lines) == lines.size() && file.flush()) {
+            return true;
+        }
+    }
+    zqSetError(error, unwritable(file));
+    return false;
 }
 
-QList<PendingImportFile::Source> PendingImportFile::sources() const
+std::optional<QList<PendingImportFile::Source>> PendingImportFile::sources(ZQError *error) const
 {
     QList<Source> sources;
     QFile file(sourcesPath(m_folder, m_name));
+    if (!file.exists()) {
+        return sources; // nothing was about to be saved yet
+    }
     if (!file.open(QIODevice::ReadOnly)) {
-        return sources;
+        zqSetError(error, ZQError::with(QStringLiteral("zelto.import"), 6,
+                                        zqFormat(zqLocalized("What was imported cannot be read from %@: %@."),
+                                                 {file.fileName(), file.errorString()}),
+                                        zqLocalized("Look at its permissions.")));
+        return std::nullopt;
     }
     const QList<QByteArray> lines = file.readAll().split('\n');
     for (const QByteArray &line : lines) {
         const QJsonArray values = QJsonDocument::fromJson(line).array(); // empty for a line that was cut off
         if (values.size() == 4) {
-            sources.append(
-                {values.at(0).toString(), values.at(1).toString(), values.at(2).toString(), values.at(3).toInteger()});
+            sources.append({values.at(0).toString(), pathBelow(m_request.archiveRoot, values.at(1).toString()),
+                            pathBelow(m_request.archiveRoot, values.at(2).toString()), values.at(3).toInteger()});
         }
     }
     return sources;
+}
+
+bool PendingImportFile::narrow(const PendingImport &rest, ZQError *error)
+{
+    if (!setRequest(rest, error)) {
+        return false;
+    }
+    QFile::remove(sourcesPath(m_folder, m_name));
+    return true;
 }
 
 void PendingImportFile::remove()

@@ -9,6 +9,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <optional>
 
 // What an import was asked for.
 struct PendingImport
@@ -27,6 +28,7 @@ struct PendingImport
     QString archivePath; // what `paths` came out of, and the folder named after it; empty: no archive
     QString archiveRoot;
     QList<Group> groups;
+    QStringList ungrouped = {}; // of the paths, those that were out of reach when the groups were made of the others
 };
 
 // A PendingImport in a file of the bundle, from before the first file is touched until the batch ends; a batch that a
@@ -61,10 +63,17 @@ public:
     PendingImportFile &operator=(const PendingImportFile &) = delete;
 
     const PendingImport &request() const { return m_request; }
-    void setGroups(const QList<PendingImport::Group> &groups);
-    // Before the save that names them. Reaches the disk with the file system's next flush.
-    void addSources(const QList<Source> &sources);
-    QList<Source> sources() const;
+    // On failure the earlier one stays.
+    bool setRequest(const PendingImport &request, ZQError *error = nullptr);
+    // The archive was unpacked again: its root, and what is imported of it, are elsewhere now.
+    bool moveArchive(const QString &root, const QString &folder, ZQError *error = nullptr);
+    // Only this is left to do; none of the sources is in it.
+    bool narrow(const PendingImport &rest, ZQError *error = nullptr);
+    // Before the save that names them, which must not go ahead without. Reaches the disk with the file system's next
+    // flush.
+    bool addSources(const QList<Source> &sources, ZQError *error = nullptr);
+    // Nothing when the list is there and cannot be read.
+    std::optional<QList<Source>> sources(ZQError *error = nullptr) const;
     void remove();
 
 private:

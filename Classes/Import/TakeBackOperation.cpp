@@ -19,15 +19,21 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <algorithm>
+
 namespace {
 
 constexpr qsizetype atATime = 64; // between two saves
 
-// By its name: "BASE_thumb.jpg" or ".png".
-bool isThumbnail(const QFileInfo &file)
+// "BASE_thumb.jpg" beside "BASE.png"; a lone one is what the person called so.
+bool isThumbnail(const QFileInfo &file, const QFileInfoList &beside)
 {
-    const QString name = file.fileName();
-    return name.endsWith(u"_thumb.jpg") || name.endsWith(u"_thumb.png");
+    static const QString ending = QStringLiteral("_thumb");
+    const QString name = file.completeBaseName();
+    const QString base = name.chopped(std::min(name.size(), ending.size()));
+    return name.endsWith(ending) && std::any_of(beside.begin(), beside.end(), [&base](const QFileInfo &other) {
+               return other.fileName().startsWith(base + u'.');
+           });
 }
 
 QString pathOfDirectory(const QString &name)
@@ -65,7 +71,8 @@ QString TakeBackOperation::assetInDirectory(const QString &directory)
     for (const QFileInfo &entry : entries) { // the largest first
         const ImportKind *kind = importKindForPath(entry.filePath());
         const bool canBeItems = kind && kind->importer != Importer::Archive && kind->importer != Importer::Snap;
-        if (canBeItems && !isThumbnail(entry) && entry.fileName() != ZQLibraryBaseItem::representationBitmapName &&
+        if (canBeItems && !isThumbnail(entry, entries) &&
+            entry.fileName() != ZQLibraryBaseItem::representationBitmapName &&
             AImportManager::fileAtPathIsSupported(entry.filePath())) {
             return entry.filePath();
         }
@@ -76,6 +83,7 @@ QString TakeBackOperation::assetInDirectory(const QString &directory)
 void TakeBackOperation::main()
 {
     if (!m_coordinator || m_names.isEmpty() || isCancelled()) {
+        m_isComplete = m_coordinator && m_names.isEmpty();
         return;
     }
     m_moc = std::make_unique<ZQManagedObjectContext>(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
@@ -113,7 +121,15 @@ bool TakeBackOperation::takeBack(const QStringList &names)
         }
     });
     const std::vector<ImportedFile> files = readFiles(*rest, queue);
-    return isCancelled() || insertItems(files);
+    if (isCancelled()) {
+        return true;
+    }
+    for (qsizetype i = 0; i < rest->size() && !m_isRefused; ++i) {
+        if (files[std::size_t(i)].fileData.isEmpty()) {
+            m_namesLeft.append(rest->at(i));
+        }
+    }
+    return insertItems(files);
 }
 
 std::optional<QStringList> TakeBackOperation::unnamed(const QStringList &names)
@@ -232,8 +248,9 @@ ZQRef<ZQSidebarBaseItem> TakeBackOperation::recoveredProject()
 
 void TakeBackOperation::fileDidDrop(const DroppedFile &file)
 {
-    qCWarning(zqLogImport).noquote() << "The file" << file.path
-                                     << "belongs to no item and was not taken back:" << file.reason;
+    const char *outcome = file.isImportedInPart() ? "belonged to no item and was taken back in part:"
+                                                  : "belongs to no item and was not taken back:";
+    qCWarning(zqLogImport).noquote() << "The file" << file.path << outcome << file.reason;
 }
 
 void TakeBackOperation::fileDidFinish()

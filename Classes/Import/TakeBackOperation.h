@@ -28,7 +28,8 @@ public:
 
     // Once it has finished.
     qsizetype takenBackCount() const { return m_takenBackCount; }
-    bool isComplete() const { return m_isComplete; } // every directory was seen to
+    bool isComplete() const { return m_isComplete; }             // every directory was seen to
+    const QStringList &namesLeft() const { return m_namesLeft; } // of the directories that gave no item
 
     void main() override;
 
@@ -54,6 +55,7 @@ private:
     std::unique_ptr<ZQManagedObjectContext> m_moc;
     std::shared_ptr<UserProgress> m_progress;
     QDateTime m_nextImportDate;
+    QStringList m_namesLeft;
     qsizetype m_takenBackCount = 0;
     bool m_isComplete = false;
     std::atomic<bool> m_isRefused = false;

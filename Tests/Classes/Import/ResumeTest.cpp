@@ -2,12 +2,18 @@
 
 #include "Classes/Import/PendingImport.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Import/ImportFixture.h"
+#include "Tools/samples/SampleArchives.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
+
+#include <atomic>
+#include <sqlite3.h>
 
 namespace {
 
@@ -31,9 +37,43 @@ protected:
             sources.append({made ? made->bundleID() : QStringLiteral("NEVER-SAVED"), source,
                             source == moved ? moved : QString(), QFileInfo(source).lastModified().toMSecsSinceEpoch()});
         }
-        file->addSources(sources);
+        ASSERT_TRUE(file->addSources(sources));
+        if (sources.isEmpty()) {
+            return;
+        }
         QFile torn(QDir(folder()).filePath(QDir(folder()).entryList({QStringLiteral("*.sources")}).value(0)));
         EXPECT_TRUE(torn.open(QIODevice::Append) && torn.write("[\"HALF A LI") > 0);
+    }
+
+    static PendingImport request(const QStringList &paths, const QString &target = {})
+    {
+        return {.paths = paths,
+                .target = target,
+                .index = ImportOperation::appendIndex,
+                .metadata = {},
+                .archivePath = {},
+                .archiveRoot = {},
+                .groups = {}};
+    }
+
+    // A store that cannot be read for a while.
+    void renameTable(const char *from, const char *to) const
+    {
+        sqlite3 *store = nullptr;
+        ASSERT_EQ(sqlite3_open(path(QStringLiteral("Zelto.ztlibrary/storedata")).toUtf8().constData(), &store),
+                  SQLITE_OK);
+        sqlite3_exec(store, (QByteArray("ALTER TABLE ") + from + " RENAME TO " + to).constData(), nullptr, nullptr,
+                     nullptr);
+        sqlite3_close(store);
+    }
+
+    QStringList projectTitles() const
+    {
+        QStringList found;
+        for (const auto &child : projectsLabel()->orderedChildren()) {
+            found.append(child->title());
+        }
+        return found;
     }
 
     void offer(int button)
@@ -129,8 +169,14 @@ TEST_F(ResumeTest, WithoutAnAnswerItIsKeptAndForgettingRemovesOnlyTheRequest)
             .groups = {}},
            {a});
     const QStringList files = pendingFiles();
-    writeFile(QStringLiteral("Zelto.ztlibrary/pending-imports/1000-ended.sources"), "[]"); // the kill came at its end
+    const QString ended = QStringLiteral("1000-01234567-89ab-cdef-0123-456789abcdef.sources");
+    writeFile(QStringLiteral("Zelto.ztlibrary/pending-imports/") + ended, "[]"); // the kill came at its end
+    AImportManager::sharedAImportManager().cutOffImportSince();
+    EXPECT_TRUE(pendingFiles().contains(ended)); // who only looks removes nothing
+    const QString notes = QStringLiteral("Zelto.ztlibrary/pending-imports/notes.sources");
+    QFile stranger(writeFile(notes, "a person's"));
     offer(-1);
+    EXPECT_TRUE(stranger.remove());
     EXPECT_EQ(pendingFiles(), files);
     EXPECT_EQ(items().size(), 1);
     offer(forgetButton);
@@ -167,11 +213,7 @@ TEST_F(ResumeTest, ABatchIsKeptWhileItRunsAndWhenOnlyTheProcessEnds)
     isCancelling = false;
     offer(continueButton);
     EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
-    QStringList projects;
-    for (const auto &child : projectsLabel()->orderedChildren()) {
-        projects.append(child->title());
-    }
-    EXPECT_EQ(projects.count(QStringLiteral("Next")), 1);
+    EXPECT_EQ(projectTitles().count(QStringLiteral("Next")), 1);
     EXPECT_TRUE(pendingFiles().isEmpty());
 }
 
@@ -181,4 +223,244 @@ TEST_F(ResumeTest, ARequestThatCannotBeReadIsSaidAndLeft)
     offer(continueButton);
     EXPECT_EQ(user.errors.size(), 1);
     EXPECT_EQ(pendingFiles().size(), 1);
+}
+
+TEST_F(ResumeTest, ALineThatWasCutOffSwallowsNoOther)
+{
+    QStringList sources;
+    for (int i = 0; i < 4; ++i) {
+        sources.append(writeImage(QStringLiteral("in/%1.png").arg(i), {20 + i, 20}));
+    }
+    import(sources.mid(0, 2));
+    cutOff(request(sources), sources.mid(0, 1)); // and leaves a torn line
+    const QString name = PendingImportFile::cutOff(folder()).value(0);
+    {
+        const auto again = PendingImportFile::open(folder(), name);
+        ASSERT_TRUE(again);
+        ASSERT_TRUE(again->addSources({{item(QStringLiteral("1"))->bundleID(), sources.at(1), QString(), 0}}));
+    }
+    offer(continueButton);
+    EXPECT_EQ(titles(items()),
+              (QStringList{QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+}
+
+TEST_F(ResumeTest, WhatIsInCannotBeToldSoNothingIsImportedUntilItCan)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("in/b.png"), {21, 20});
+    import({a});
+    cutOff(request({a, b}), {a});
+    const QString list = QDir(folder()).filePath(QDir(folder()).entryList({QStringLiteral("*.sources")}).value(0));
+    ASSERT_TRUE(QFile::rename(list, list + QStringLiteral(".away")) && QDir().mkpath(list)); // nobody opens that
+    offer(continueButton);
+    EXPECT_EQ(items().size(), 1);
+    EXPECT_EQ(user.notificationTexts().size(), 1);
+    ASSERT_TRUE(QDir().rmdir(list) && QFile::rename(list + QStringLiteral(".away"), list));
+
+    user.onBeginProgress = [this](const std::function<void()> &) { renameTable("Away", "ZQLibraryBaseItem"); };
+    renameTable("ZQLibraryBaseItem", "Away");
+    offer(continueButton);
+    renameTable("Away", "ZQLibraryBaseItem");
+    EXPECT_EQ(items().size(), 1);
+    EXPECT_EQ(PendingImportFile::cutOff(folder()).size(), 1);
+    user.onBeginProgress = {};
+    offer(continueButton);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, WhatCannotBeNotedIsNotSaved)
+{
+    const QString a = writeImage(QStringLiteral("in/Top/a.png"), {20, 20});
+    QString blocked;
+    user.onBeginProgress = [&](const std::function<void()> &) {
+        blocked = QDir(folder()).filePath(pendingFiles().value(0)).chopped(6) + QStringLiteral(".sources");
+        QDir().mkpath(blocked); // a file of that name cannot be written
+    };
+    const auto noted = import({a});
+    EXPECT_TRUE(items().isEmpty());
+    EXPECT_TRUE(noted->report().isUnfinished());
+    EXPECT_TRUE(itemDirectories().isEmpty());
+    user.onBeginProgress = {};
+    ASSERT_TRUE(QDir().rmdir(blocked));
+    offer(continueButton);
+    EXPECT_EQ(items().size(), 1);
+
+    const qsizetype children = projectsLabel()->numberofChilds();
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        AImportManager::didFinishImportOperation, nullptr, [&](const ZQNotification &) {
+            if (!pendingFiles().isEmpty()) {
+                blocked = QDir(folder()).filePath(pendingFiles().first());
+                QFile::rename(blocked, blocked + QStringLiteral(".away"));
+                QDir().mkpath(blocked + QStringLiteral("/full"));
+            }
+        });
+    const auto grouped = import({path(QStringLiteral("in/Top"))}, projectsLabel().get());
+    EXPECT_TRUE(grouped->report().isUnfinished());
+    EXPECT_EQ(items().size(), 1);
+    EXPECT_EQ(projectsLabel()->numberofChilds(), children);
+}
+
+TEST_F(ResumeTest, WithoutAnAnswerAboutDuplicatesNothingIsSaved)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    import({a});
+    user.onBeginProgress = [this](const std::function<void()> &) { renameTable("ZQLibraryBaseItem", "Away"); };
+    const auto operation = import({a});
+    user.onBeginProgress = {};
+    renameTable("Away", "ZQLibraryBaseItem");
+    EXPECT_TRUE(operation->report().isUnfinished());
+    EXPECT_EQ(PendingImportFile::cutOff(folder()).size(), 1);
+    EXPECT_EQ(items().size(), 1);
+    offer(continueButton);
+    EXPECT_EQ(user.duplicates.size(), 1);
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, WhatIsOutOfReachStaysInTheRequest)
+{
+    QStringList sources;
+    for (int i = 0; i < 4; ++i) {
+        sources.append(writeImage(QStringLiteral("disk/%1.png").arg(i), {20 + i, 20}));
+    }
+    const QString here = writeImage(QStringLiteral("in/here.png"), {30, 20});
+    import(sources.mid(0, 1));
+    cutOff(request(sources + QStringList{here}), sources.mid(0, 1));
+    ASSERT_TRUE(QDir().rename(path(QStringLiteral("disk")), path(QStringLiteral("unmounted"))));
+    offer(continueButton);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("0"), QStringLiteral("here")}));
+    ASSERT_EQ(user.notificationTexts().size(), 1);
+    EXPECT_TRUE(user.notificationTexts().first().contains(QStringLiteral("3 files")));
+    EXPECT_TRUE(user.notificationTexts().first().contains(path(QStringLiteral("disk"))));
+    item(QStringLiteral("here"))->deletePermanently(); // which is no reason to import it again
+    delegate->saveAction();
+    ASSERT_TRUE(QDir().rename(path(QStringLiteral("unmounted")), path(QStringLiteral("disk"))));
+    offer(continueButton);
+    EXPECT_EQ(titles(items()),
+              (QStringList{QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, FoldersOutOfReachBecomeProjectsOnceTheyAreBack)
+{
+    writeImage(QStringLiteral("disk/Far/a.png"), {20, 20});
+    writeImage(QStringLiteral("in/Near/b.png"), {21, 20});
+    cutOff(request({path(QStringLiteral("in/Near")), path(QStringLiteral("disk/Far"))}, projectsLabel()->UUID()), {});
+    ASSERT_TRUE(QDir().rename(path(QStringLiteral("disk")), path(QStringLiteral("unmounted"))));
+    offer(continueButton);
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("b")});
+    offer(continueButton);
+    EXPECT_EQ(items().size(), 1);
+    ASSERT_TRUE(QDir().rename(path(QStringLiteral("unmounted")), path(QStringLiteral("disk"))));
+    offer(continueButton);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_EQ(projectTitles().count(QStringLiteral("Near")), 1);
+    EXPECT_EQ(projectTitles().count(QStringLiteral("Far")), 1);
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, AnArchiveIsUnpackedAgainAndWhatIsInOfItIsNotTakenTwice)
+{
+    const auto bytes = [this](const char *name, int width) {
+        QFile file(writeImage(QString::fromLatin1(name), {width, 20}));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const QString archive = writeFile(
+        QStringLiteral("disk/set.zip"),
+        SampleArchives::zipFile({{"Sub/a.png", bytes("made/a.png", 20)}, {"b.png", bytes("made/b.png", 21)}}));
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) { // the second round imports the same pictures
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
+    };
+    for (const bool isGrouped : {false, true}) {
+        const QString root = path(QStringLiteral("ZeltoTemporaryFolder/t.1/set"));
+        const QString a = writeImage(QStringLiteral("ZeltoTemporaryFolder/t.1/set/Sub/a.png"), {20, 20});
+        const auto project = addProject(isGrouped ? QStringLiteral("Grouped") : QStringLiteral("Flat"));
+        import({a}, project.get());
+        PendingImport pending = request({root}, isGrouped ? projectsLabel()->UUID() : project->UUID());
+        pending.archivePath = archive;
+        pending.archiveRoot = root;
+        if (isGrouped) {
+            pending.groups = {{project->UUID(), {a, root + QStringLiteral("/b.png")}}};
+        }
+        cutOff(pending, {a});
+        ASSERT_TRUE(QDir(path(QStringLiteral("ZeltoTemporaryFolder"))).removeRecursively());
+        ASSERT_TRUE(QDir().rename(path(QStringLiteral("disk")), path(QStringLiteral("unmounted"))));
+        user.notifications.clear();
+        offer(continueButton);
+        EXPECT_EQ(project->numberOfItems(), 1);
+        ASSERT_EQ(user.notificationTexts().size(), 1);
+        EXPECT_TRUE(user.notificationTexts().first().contains(archive));
+        EXPECT_FALSE(user.notificationTexts().first().contains(QStringLiteral("ZeltoTemporaryFolder")));
+        ASSERT_TRUE(QDir().rename(path(QStringLiteral("unmounted")), path(QStringLiteral("disk"))));
+        offer(continueButton);
+        QStringList members;
+        for (const auto &member : project->pItems()) {
+            members.append(member->item()->title());
+        }
+        EXPECT_EQ(members, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+        EXPECT_TRUE(pendingFiles().isEmpty());
+    }
+}
+
+TEST_F(ResumeTest, CancellingTheRestKeepsWhatWasThereAndWhereItWas)
+{
+    const auto top = addProject(QStringLiteral("Top"));
+    const QString a = writeImage(QStringLiteral("in/Top/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("in/Top/b.png"), {21, 20});
+    import({a}, top.get());
+    PendingImport pending = request({path(QStringLiteral("in/Top"))}, projectsLabel()->UUID());
+    pending.groups = {{top->UUID(), {a, b}}};
+    cutOff(pending, {a});
+    const QString file = item(QStringLiteral("a"))->itemURL();
+    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    AImportManager::sharedAImportManager().setKeepsCancelledImports(true); // Zelto is quit
+    offer(continueButton);
+    AImportManager::sharedAImportManager().setKeepsCancelledImports(false);
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("a")});
+    EXPECT_TRUE(QFile::exists(file));
+    EXPECT_EQ(PendingImportFile::cutOff(folder()).size(), 1);
+    user.onBeginProgress = {};
+    offer(continueButton);
+    EXPECT_EQ(top->numberOfItems(), 2);
+    EXPECT_EQ(projectTitles().count(QStringLiteral("Top")), 1);
+
+    cutOff(pending, {a});
+    writeImage(QStringLiteral("in/Top/b.png"), {21, 20}); // another picture of that name
+    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    offer(continueButton);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_TRUE(QFile::exists(file));
+    EXPECT_TRUE(pendingFiles().isEmpty()); // the person's decision
+}
+
+TEST_F(ResumeTest, OneThatIsCancelledBeforeItsTurnEndsAndOneThatIsCancelledTooLateSeesToItself)
+{
+    const QString here = writeImage(QStringLiteral("in/here.png"), {20, 20});
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    const auto wait = [this] {
+        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+        QCoreApplication::processEvents();
+    };
+    std::atomic<bool> isReleased = false;
+    delegate->backgroundOperationQueue().addOperationWithBlock([&isReleased] {
+        while (!isReleased) {
+            QThread::msleep(1);
+        }
+    });
+    const auto waiting = manager.startImportOfFilesAtPaths({here}, {}, ImportOperation::appendIndex, {});
+    waiting->cancel();
+    isReleased = true;
+    wait();
+    EXPECT_FALSE(waiting->hasStarted());
+    EXPECT_TRUE(pendingFiles().isEmpty() && items().isEmpty());
+
+    cutOff(request({here, path(QStringLiteral("in/away.png"))}), {});
+    QList<std::shared_ptr<ImportOperation>> resumed;
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        AImportManager::didFinishImportOperation, nullptr, [&](const ZQNotification &) { resumed.value(0)->cancel(); });
+    resumed = manager.resumeImports();
+    wait();
+    EXPECT_TRUE(resumed.first()->isCancelled());
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("here")});
+    EXPECT_EQ(PendingImportFile::cutOff(folder()).size(), 1);
 }

@@ -96,8 +96,9 @@ TEST_F(TakeBackTest, AfterALostStoreEveryFileIsAnItemAgainWhereItLies)
     EXPECT_EQ(itemDirectories(), directories);
     ASSERT_EQ(recoveredProjects().size(), 1);
     EXPECT_EQ(recoveredProjects().first()->numberOfItems(), 3);
-    ASSERT_EQ(user.errors.size(), 1);
-    EXPECT_TRUE(user.errors.first().localizedDescription().contains(QStringLiteral("3 files")));
+    EXPECT_TRUE(user.errors.isEmpty());
+    ASSERT_EQ(user.questions.size(), 1);
+    EXPECT_TRUE(user.questions.first().message.contains(QStringLiteral("3 files")));
     const auto again = item(QStringLiteral("a"));
     EXPECT_EQ(again->bundleID(), bundleID);
     EXPECT_EQ(again->SHA1(), digest);
@@ -169,7 +170,7 @@ TEST_F(TakeBackTest, TakingBackMayBeEndedAnywhereAndGoesOnAtTheNextLaunch)
     EXPECT_EQ(recoveredProjects().first()->numberOfItems(), 150);
 }
 
-TEST_F(TakeBackTest, ADirectoryWithoutAnAssetStaysAndIsNotSpokenOf)
+TEST_F(TakeBackTest, ADirectoryThatGivesNoItemStaysAndIsSpokenOfOnce)
 {
     import({writeImage(QStringLiteral("a.png"), {20, 20})});
     loseStore();
@@ -182,17 +183,23 @@ TEST_F(TakeBackTest, ADirectoryWithoutAnAssetStaysAndIsNotSpokenOf)
     QFile::link(path(QStringLiteral("a.png")), itemPath(QStringLiteral("Empty.ztlibraryitem/link.png")));
     const QString together = QStringLiteral("Zelto.ztlibrary/Library/Both.ztlibraryitem/");
     writeImage(together + QStringLiteral("both.png"), {20, 20});
-    writeImage(together + QStringLiteral("both_thumb.png"), {600, 600}, Qt::green);
+    writeImage(together + QStringLiteral("both_thumb.jpeg"), {600, 600}, Qt::green);
     reopen();
-    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("both")}));
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("both"), QStringLiteral("x_thumb")}));
+    ASSERT_EQ(user.errors.size(), 1);
+    EXPECT_TRUE(user.errors.first().localizedDescription().contains(QStringLiteral("5 folders")));
     const QStringList directories = itemDirectories();
     EXPECT_EQ(directories.size(), 8);
     for (int launch = 0; launch < 2; ++launch) {
         reopen();
         checkLeftovers();
         EXPECT_EQ(itemDirectories(), directories);
-        EXPECT_EQ(items().size(), 2);
+        EXPECT_EQ(items().size(), 3);
         EXPECT_TRUE(user.errors.isEmpty() && user.questions.isEmpty());
     }
+    writeImage(QStringLiteral("Zelto.ztlibrary/Library/Empty.ztlibraryitem/found.png"), {20, 20}); // put back by hand
+    reopen();
+    checkLeftovers();
+    EXPECT_EQ(items().size(), 4);
     EXPECT_TRUE(QFile::exists(itemPath(QStringLiteral("Damaged.ztlibraryitem/a.png"))));
 }
