@@ -159,6 +159,7 @@ void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path
                                .library = valuesOf(tags),
                                .takesRating = !tags.rating,
                                .ratingIsMeant = tags.ratingIsMeant,
+                               .isLibrarysOwn = path.startsWith(m_delegate.libraryDirectory() + u'/'),
                                .isFirst = tags.isFirst,
                                .willTouch = {},
                                .adopt = {},

@@ -10,6 +10,7 @@
 
 #include <QDateTime>
 #include <QProcess>
+#include <QSet>
 
 #include <memory>
 #include <stop_token>
@@ -142,6 +143,9 @@ private:
     void stopStoreWork();
     void reportDamage(const QStringList &problems);
     void mergeSaved(const ZQContextDidSave &notification);
+    QString removalsPath();
+    void noteRemovals(const QStringList &directories);
+    QSet<QString> keepDueRemovals(const QSet<QString> &known);
     int answerAboutLeftovers(qsizetype count, qsizetype ofAll);
     void takeBack(const QStringList &directories);
     void didTakeBack(qsizetype takenBack, bool isComplete);

@@ -2,6 +2,7 @@
 // back.
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Tags/FileTags.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -9,6 +10,7 @@
 #include "Models/DataModel/ZQModelFetch.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QPointer>
 #include <QSet>
@@ -41,6 +43,15 @@ std::optional<QSet<QString>> bundleIDsOfStore(ZQManagedObjectContext &context)
     return known;
 }
 
+// Whether an item of this directory was saved once: its file holds the record of what the library last wrote to it. An
+// import's file may bring one from elsewhere, so this counts only where no import that was cut off explains it.
+bool wasNamedOnce(const QString &directory)
+{
+    const QFileInfoList files = QDir(directory).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    return std::any_of(files.begin(), files.end(),
+                       [](const QFileInfo &file) { return SeenFileTags::ofFile(file.filePath()).has_value(); });
+}
+
 // Item directories that no item names, by their names.
 struct Unnamed
 {
@@ -51,7 +62,8 @@ struct Unnamed
 };
 
 Unnamed unnamedDirectories(const QString &library, const QSet<QString> &known, const QDateTime &launch,
-                           const std::optional<QDateTime> &cutOffImport, const ZQPersistentStoreCoordinator &store)
+                           const std::optional<QDateTime> &cutOffImport, const QSet<QString> &notedRemovals,
+                           const ZQPersistentStoreCoordinator &store)
 {
     Unnamed unnamed;
     const QDateTime storeDate = store.creationDate();
@@ -66,11 +78,14 @@ Unnamed unnamedDirectories(const QString &library, const QSet<QString> &known, c
         }
         // A copied library is born with its copy; times that were kept tell how old it is.
         const qint64 since = std::min(dates->birth, dates->modification);
+        const bool isExplained = notedRemovals.contains(entry.fileName()) ||
+                                 (cutOffImport && dates->birth >= cutOffImport->toMSecsSinceEpoch() - clockGrain);
         const bool mayHaveBeenNamed =
-            store.wasRecovered() || !storeDate.isValid() || since <= storeDate.toMSecsSinceEpoch();
-        (mayHaveBeenNamed ? unnamed.lost : unnamed.leftovers).append(entry.fileName());
-        const bool isExplained = cutOffImport && dates->birth >= cutOffImport->toMSecsSinceEpoch() - clockGrain;
-        unnamed.unexplained += !mayHaveBeenNamed && !isExplained ? 1 : 0;
+            store.wasRecovered() || !storeDate.isValid() || since <= storeDate.toMSecsSinceEpoch() ||
+            (!isExplained && wasNamedOnce(entry.filePath())); // and the store forgot what it had saved
+        const bool isLost = mayHaveBeenNamed && !notedRemovals.contains(entry.fileName());
+        (isLost ? unnamed.lost : unnamed.leftovers).append(entry.fileName());
+        unnamed.unexplained += !isLost && !isExplained ? 1 : 0;
     }
     return unnamed;
 }
@@ -87,7 +102,8 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
     }
     const std::optional<QDateTime> cutOffImport =
         m_parts.importManager ? m_parts.importManager->cutOffImportSince() : std::nullopt;
-    Unnamed unnamed = unnamedDirectories(library, *known, m_launchDate, cutOffImport, *m_coordinator);
+    const QSet<QString> noted = keepDueRemovals(*known);
+    Unnamed unnamed = unnamedDirectories(library, *known, m_launchDate, cutOffImport, noted, *m_coordinator);
     if (known->isEmpty() && !unnamed.leftovers.isEmpty()) {
         // A store without a single item beside filled directories is a lost or restored store, not rubbish.
         qCWarning(zqLogApplication) << "The store lists no items, so" << unnamed.leftovers.size()
@@ -109,6 +125,45 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
         break;
     }
     takeBack(unnamed.lost);
+}
+
+// The directories of purged items, in a file of the bundle from before their items go until they have gone themselves:
+// what a killed process leaves of them is no loss.
+QString tamberin_AppDelegate::removalsPath()
+{
+    return libraryBundleDirectory() + QStringLiteral("/pending-removals");
+}
+
+void tamberin_AppDelegate::noteRemovals(const QStringList &directories)
+{
+    ZQError error;
+    if (!directories.isEmpty() && !zqWriteFileAtomically(removalsPath(), directories.join(u'\n').toUtf8(), &error)) {
+        qCWarning(zqLogApplication).noquote() << error.localizedDescription(); // they may be taken back then
+    }
+}
+
+// The noted ones that are still to go. One that the store names again is not among them, and not noted any more.
+QSet<QString> tamberin_AppDelegate::keepDueRemovals(const QSet<QString> &known)
+{
+    constexpr qint64 largestNote = qint64(256) << 20;
+    const QFileInfo note(removalsPath());
+    QFile file(note.filePath());
+    if (note.isSymLink() || !note.isFile() || note.size() > largestNote || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QStringList due = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    file.close();
+    const QString library = libraryDirectory();
+    due.removeIf([&](const QString &name) {
+        return known.contains(QFileInfo(name).completeBaseName().toLower()) || name.contains(u'/') ||
+               !QFileInfo(library + u'/' + name).isDir();
+    });
+    if (due.isEmpty()) {
+        QFile::remove(note.filePath());
+    } else {
+        noteRemovals(due);
+    }
+    return {due.begin(), due.end()};
 }
 
 // So many at once are hardly what one import left.

@@ -9,6 +9,7 @@
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 namespace {
 constexpr std::chrono::milliseconds drainStep{400};
@@ -83,7 +84,9 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     }
 
     ZQError error;
+    noteRemovals(purgedDirectories);
     if (!m_context->save(&error)) {
+        QFile::remove(removalsPath());
         userInteraction().presentError(error);
         const int answer = userInteraction().ask(
             {zqLocalized("Could not save changes while quitting.  Quit anyway?"),

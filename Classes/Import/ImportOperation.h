@@ -151,6 +151,7 @@ private:
     void tagItem(ZQLibraryBaseItem &item, const QStringList &tags);
     ZQRef<ZQSidebarTag> tagWithName(const QString &text);
     bool saveItems(ZQError *error = nullptr);
+    void writeTagsOfItems(std::size_t first);
     void forgetUnsavedItems(const QString &reason);
 
     // Finish.

@@ -288,23 +288,12 @@ void ImportOperation::removeEverythingCreated()
     }
 }
 
-// What is due once the items are safe: the moved files leave where they were, and tags and notes go into the library's
-// copies.
+// What is due once the items are safe: the moved files leave where they were.
 void ImportOperation::completeItems()
 {
-    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
-    const bool writesTags = environment.writesTagsToFiles();
     for (const CreatedItem &created : m_createdItems) {
-        if (created.isGone) {
-            continue;
-        }
-        if (!created.movedPath.isEmpty() && QFileInfo::exists(created.movedPath)) {
+        if (!created.isGone && !created.movedPath.isEmpty() && QFileInfo::exists(created.movedPath)) {
             removeSource(created.movedPath, created.movedModification);
-        }
-        if (writesTags) {
-            environment.writeTagsToFileOfItem(
-                created.bundleID, created.filePath,
-                {.tags = created.tags, .comment = created.notes, .rating = {}, .isFirst = true, .isSaved = true});
         }
     }
 }

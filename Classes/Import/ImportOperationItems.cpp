@@ -223,11 +223,30 @@ bool ImportOperation::saveItems(ZQError *failure)
         zqSetError(failure, error);
         return false;
     }
+    const std::size_t firstSaved = std::size_t(m_savedItemCount);
     for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(m_unsavedItems)) {
         m_createdItems[std::size_t(m_savedItemCount++)].objectID = item->objectID();
     }
     m_unsavedItems.clear();
+    writeTagsOfItems(firstSaved);
     return true;
+}
+
+// At once: from here on people change them too, and what they write must not be followed by what was read before.
+void ImportOperation::writeTagsOfItems(std::size_t first)
+{
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    if (!environment.writesTagsToFiles()) {
+        return;
+    }
+    for (std::size_t i = first; i < m_createdItems.size(); ++i) {
+        const CreatedItem &created = m_createdItems[i];
+        if (!created.isGone) {
+            environment.writeTagsToFileOfItem(
+                created.bundleID, created.filePath,
+                {.tags = created.tags, .comment = created.notes, .rating = {}, .isFirst = true, .isSaved = true});
+        }
+    }
 }
 
 // Those files are where they were before, and no further ones are begun.

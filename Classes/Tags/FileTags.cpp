@@ -231,11 +231,11 @@ std::optional<SeenFileTags> SeenFileTags::ofFile(const QString &path)
     return text ? fromText(*text) : std::nullopt;
 }
 
-void SeenFileTags::write(const SeenFileTags &seen, const QString &path)
+void SeenFileTags::write(const SeenFileTags &seen, const QString &path, Empty empty)
 {
     const std::optional<QByteArray> present = ZQExtendedAttributes::get(path, attributeName);
     const QByteArray text = seen.text();
-    const bool isNeedless = !present && seen == SeenFileTags();
+    const bool isNeedless = empty == Empty::IsLeftOut && !present && seen == SeenFileTags();
     if (present != text && !isNeedless && !ZQExtendedAttributes::set(path, attributeName, text)) {
         ZQExtendedAttributes::remove(path, attributeName);
         OpenMetaBackup::backupMetadata(path, text);

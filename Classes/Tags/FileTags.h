@@ -42,7 +42,8 @@ struct SeenFileTags
 
     static std::optional<SeenFileTags> ofFile(const QString &path);
     // A record that finds no room is removed: an old one would say wrong things.
-    static void write(const SeenFileTags &seen, const QString &path);
+    enum class Empty { IsLeftOut, IsWritten }; // a record of nothing, where there is none yet
+    static void write(const SeenFileTags &seen, const QString &path, Empty empty = Empty::IsLeftOut);
 
     bool operator==(const SeenFileTags &) const = default;
 };

@@ -200,7 +200,7 @@ void TagFileWriter::merge(const Merge &merge)
         found->merged.rating = library.rating;
         found->change.rating.reset();
     }
-    if (found->isRecorded) {
+    if (found->isRecorded && (!merge.isLibrarysOwn || SeenFileTags::ofFile(merge.path))) {
         return;
     }
     const FileTags &merged = found->merged;
@@ -208,7 +208,9 @@ void TagFileWriter::merge(const Merge &merge)
     isInFile = putNotes(merge.path, merged.comment, found->comment.value_or(QString())) && isInFile;
     isInFile = putRating(merge.path, merged.rating, found->rating.value_or(0)) && isInFile;
     if (isInFile) {
-        SeenFileTags::write(SeenFileTags::of(library), merge.path);
+        using Empty = SeenFileTags::Empty;
+        SeenFileTags::write(SeenFileTags::of(library), merge.path,
+                            merge.isLibrarysOwn ? Empty::IsWritten : Empty::IsLeftOut);
     }
     if (merge.adopt && !found->change.isEmpty()) {
         merge.adopt(found->change);

@@ -34,6 +34,7 @@ public:
         FileTags library;
         bool takesRating = false;   // the library knows of no rating: the file's stays
         bool ratingIsMeant = false; // the rating was given just now: it replaces the file's
+        bool isLibrarysOwn = false; // in an item directory: a record tells that its item was saved once
         bool isFirst = false;       // nothing was seen of this file before, whatever its attributes say
         std::function<void()> willTouch;
         std::function<void(const FileTagsChange &)> adopt;

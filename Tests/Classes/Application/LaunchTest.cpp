@@ -2,10 +2,14 @@
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Tags/FileTags.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
+
+#include <algorithm>
 
 namespace {
 const QString storeDomain = QStringLiteral("YOUR_ERROR_DOMAIN");
@@ -136,9 +140,50 @@ TEST_F(ApplicationTest, WhatIsOlderThanTheStoreIsTakenBackAndNeverRemoved)
         EXPECT_TRUE(QFileInfo::exists(library + QLatin1String(kept))) << kept;
     }
     EXPECT_FALSE(QFileInfo::exists(library + QStringLiteral("/Young.ztlibraryitem")));
-    ASSERT_EQ(user.errors.size(), 1); // says how many
-    EXPECT_TRUE(user.errors.first().localizedDescription().contains(QStringLiteral("1 file ")));
-    EXPECT_TRUE(user.questions.isEmpty());
+    ASSERT_EQ(user.questions.size(), 1); // says how many
+    EXPECT_TRUE(user.questions.first().message.contains(QStringLiteral("1 file ")));
+    EXPECT_EQ(user.questions.first().buttons.size(), 1);
+}
+
+TEST_F(ApplicationTest, WhatWasSavedOnceComesBackUnlessItWasPurged)
+{
+    if (!ZQExtendedAttributes::set(world.path(), QStringLiteral("org.zelto.test"), "x")) {
+        GTEST_SKIP() << "no extended attributes at " << qPrintable(world.path());
+    }
+    QString library;
+    {
+        const auto delegate = launched();
+        library = delegate->libraryDirectory();
+        addItem(*delegate, QStringLiteral("A"));
+        delegate->saveAction();
+    }
+    const auto made = [&library](const char *name, bool wasSaved) {
+        const QString directory = library + u'/' + QLatin1String(name) + QStringLiteral(".ztlibraryitem");
+        QDir().mkpath(directory);
+        QFile file(directory + QStringLiteral("/a.png"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.close();
+        if (wasSaved) {
+            SeenFileTags::write(SeenFileTags::of({}), file.fileName(), SeenFileTags::Empty::IsWritten);
+        }
+    };
+    made("NeverSaved", false);
+    made("Saved", true);
+    made("Purged", true);
+    made("A", true);
+    QFile note(defaultBundle() + QStringLiteral("/pending-removals"));
+    ASSERT_TRUE(note.open(QIODevice::WriteOnly));
+    note.write("Purged.ztlibraryitem\nA.ztlibraryitem\n../outside\nLongGone.ztlibraryitem\n");
+    note.close();
+
+    const auto delegate = launched();
+    delegate->checkAndDeleteLibraryLeftovers();
+    EXPECT_EQ(imports.takenBack, QStringList{QStringLiteral("Saved.ztlibraryitem")});
+    delegate->waitForRemovals();
+    EXPECT_EQ(QDir(library).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+              (QStringList{QStringLiteral("A.ztlibraryitem"), QStringLiteral("Saved.ztlibraryitem")}));
+    delegate->checkAndDeleteLibraryLeftovers();
+    EXPECT_FALSE(note.exists());
 }
 
 TEST_F(ApplicationTest, MoreThanAnImportLeavesIsRemovedOnlyWhenThePersonSaysSo)
@@ -165,7 +210,8 @@ TEST_F(ApplicationTest, MoreThanAnImportLeavesIsRemovedOnlyWhenThePersonSaysSo)
         const auto delegate = launched();
         delegate->checkAndDeleteLibraryLeftovers();
         delegate->waitForRemovals();
-        return user.questions.size();
+        return std::count_if(user.questions.begin(), user.questions.end(),
+                             [](const UserQuestion &question) { return question.buttons.size() > 1; });
     };
     EXPECT_EQ(launchAnswering(-1), 1); // nobody there
     EXPECT_EQ(left(), many);
