@@ -274,6 +274,26 @@ TEST_F(TagCommandTest, WhatAnotherProgramGaveAFileOutlivesOurNextWriteAndReaches
     EXPECT_EQ(QFileInfo(journal()).size(), 0);
 }
 
+TEST_F(TagCommandTest, AnotherSpellingByAnotherProgramIsAnotherTag)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("Logo")}), 0);
+    QStringList expected = storedTags();
+    expected.replace(expected.indexOf(QStringLiteral("Logo")), QStringLiteral("logo"));
+    expected.sort();
+    ASSERT_TRUE(OpenMeta::setUserTags(expected, path()).isNull());
+    ZQLibraryEnvironment::current().takeInTagsOfFiles({storedItem()});
+    takeIn();
+    EXPECT_EQ(storedTags(), expected);
+    EXPECT_EQ(fileTags(), expected);
+
+    // Both at once: the file holds one, and that is no removal of the other.
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("Logo")}), 0);
+    ZQLibraryEnvironment::current().takeInTagsOfFiles({storedItem()});
+    takeIn();
+    EXPECT_TRUE(storedTags().contains(QStringLiteral("Logo")) && storedTags().contains(QStringLiteral("logo")));
+    EXPECT_EQ(fileTags(), expected);
+}
+
 TEST_F(TagCommandTest, ALookAtTheFileTakesInADifferenceAndAnnouncesIt)
 {
     ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("a")}), 0);
@@ -308,6 +328,8 @@ TEST_F(TagCommandTest, ALookAtTheFileTakesInADifferenceAndAnnouncesIt)
 
 TEST_F(TagCommandTest, TheJournalIsOnTheDiskBeforeTheFileIsTouched)
 {
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten(); // the import's, whose line would do for ours too
+    ASSERT_EQ(QFileInfo(journal()).size(), 0);
     const QString path = QFileInfo(journal()).canonicalFilePath();
     int flushes = 0;
     QByteArray noted;
