@@ -176,7 +176,13 @@ TEST_F(CommandTest, ImportsThatWereCutOffAreSpokenOfAndGoOnOrAreForgotten)
     EXPECT_EQ((run("items --json"), array().size()), 1);
     EXPECT_TRUE(context.errors.isEmpty());
 
-    ASSERT_TRUE(cutOff());
+    ASSERT_TRUE(cutOff() && QFile::rename(a, a + QStringLiteral(".away")));
+    EXPECT_EQ(run("import --resume"), 1);
+    EXPECT_EQ(context.output.count("cannot be found"), 1);
+    EXPECT_EQ(PendingImportFile::cutOff(folder).size(), 1);
+    QFile unreadable(folder + QStringLiteral("/1000-X.plist"));
+    ASSERT_TRUE(unreadable.open(QIODevice::WriteOnly));
+    EXPECT_EQ(run("import --resume"), 2);
     EXPECT_EQ(run("import --forget"), 0);
     EXPECT_TRUE(PendingImportFile::cutOff(folder).isEmpty());
     EXPECT_EQ((run("items --json"), array().size()), 1);

@@ -203,3 +203,26 @@ TEST_F(TakeBackTest, ADirectoryThatGivesNoItemStaysAndIsSpokenOfOnce)
     EXPECT_EQ(items().size(), 4);
     EXPECT_TRUE(QFile::exists(itemPath(QStringLiteral("Damaged.ztlibraryitem/a.png"))));
 }
+
+namespace {
+QStringList logged;
+} // namespace
+
+TEST_F(TakeBackTest, AnIncompletePictureIsTakenBackAndNothingElseIsSaidOfIt)
+{
+    import({writeImage(QStringLiteral("a.png"), {20, 20})});
+    loseStore();
+    QFile whole(writeImage(QStringLiteral("whole.jpg"), {400, 300}));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray bytes = whole.readAll();
+    writeFile(QStringLiteral("Zelto.ztlibrary/Library/Part.ztlibraryitem/part.jpg"), bytes.first(bytes.size() * 2 / 3));
+    logged.clear();
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) { logged.append(text); });
+    reopen();
+    qInstallMessageHandler(before);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("part")}));
+    EXPECT_EQ(logged.filter(QStringLiteral("part.jpg")).filter(QStringLiteral("taken back in part")).size(), 1);
+    EXPECT_TRUE(logged.filter(QStringLiteral("not taken back")).isEmpty());
+    EXPECT_TRUE(user.errors.isEmpty());
+}
