@@ -31,6 +31,7 @@
 #include <csignal>
 #include <cstdio>
 #include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -176,6 +177,19 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
 
+// For a window that finds its library taken. Started from a desktop, nobody reads what it prints.
+int handOverWindow(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &taken,
+                   UserInteraction &user)
+{
+    const qsizetype printed = context.errors.size();
+    const int status = taken.code == LibraryLock::InUse ? handOver(bundle, arguments, context, taken)
+                                                        : context.fail(taken.localizedDescription());
+    if (status != 0 && context.errors.size() > printed && ::isatty(STDERR_FILENO) == 0) {
+        user.presentError(taken);
+    }
+    return status;
+}
+
 // A library among the files to open is the one to start with, unless a window with the remembered one is there already:
 // that one asks whether to switch. Before the library is first asked for.
 bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError *error)
@@ -223,8 +237,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     }
     const QString bundle = bundleFor(delegate, commandLine);
     if (!delegate.lockLibrary(&error)) {
-        return error.code == LibraryLock::InUse ? handOver(bundle, arguments, context, error)
-                                                : context.fail(error.localizedDescription());
+        return handOverWindow(bundle, arguments, context, error, user);
     }
     InstanceServer server(LibraryLock::socketNameForBundle(bundle),
                           [&](const InstanceRequest &request) { return serve(request, delegate); });
