@@ -5,6 +5,8 @@
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
+#include <QLocale>
+
 LibraryRecovery LibraryRecovery::of(const ZQStoreRecovery &report, const ZQManagedObjectModel &model)
 {
     LibraryRecovery recovery;
@@ -26,22 +28,44 @@ LibraryRecovery LibraryRecovery::of(const ZQStoreRecovery &report, const ZQManag
     return recovery;
 }
 
+QString LibraryRecovery::lossText() const
+{
+    struct Part
+    {
+        qint64 count;
+        const char *one;
+        const char *several;
+    };
+    QStringList parts;
+    for (const Part &part : {Part{unreadableItems, "1 item", "%@ items"},
+                             Part{unreadableEntries, "1 sidebar entry or tag", "%@ sidebar entries or tags"},
+                             Part{unreadableMemberships, "1 membership", "%@ memberships"}}) {
+        if (part.count > 0) {
+            parts.append(part.count == 1 ? zqLocalized(part.one)
+                                         : zqFormat(zqLocalized(part.several), {QLocale().toString(part.count)}));
+        }
+    }
+    return parts.isEmpty()
+               ? zqLocalized("Nothing is known to be lost.")
+               : zqFormat(zqLocalized("Could not be read, at least: %@."), {parts.join(QStringLiteral(", "))});
+}
+
 QString LibraryRecovery::text() const
 {
-    QStringList lines;
-    lines.append(zqFormat(zqLocalized("Recovered: %d items, %d sidebar entries, %d tags, %d memberships."),
-                          {items, sidebarEntries, tags, memberships}));
-    const qint64 lost = unreadableItems + unreadableEntries + unreadableMemberships;
     if (items + sidebarEntries + tags + memberships == 0) {
         return zqFormat(
             zqLocalized("Nothing could be read from the damaged library, which is kept as %@\nThe files in it "
                         "come back into the project “Recovered” when it is opened."),
             {keptPath});
     }
-    lines.append(lost == 0 ? zqLocalized("Nothing is known to be lost.")
-                           : zqFormat(zqLocalized("Could not be read, at least: %d items, %d sidebar entries or tags, "
-                                                  "%d memberships."),
-                                      {unreadableItems, unreadableEntries, unreadableMemberships}));
+    const QLocale locale;
+    QStringList lines = {zqFormat(zqLocalized("Recovered: %@ items, %@ sidebar entries, %@ tags, %@ memberships."),
+                                  {locale.toString(items), locale.toString(sidebarEntries), locale.toString(tags),
+                                   locale.toString(memberships)}),
+                         lossText()};
+    if (unreadableItems > 0) {
+        lines.append(zqLocalized("Their files come back into the project “Recovered”."));
+    }
     lines.append(zqFormat(zqLocalized("The damaged store is kept as %@"), {keptPath}));
     return lines.join(u'\n');
 }

@@ -16,4 +16,7 @@ struct LibraryRecovery
 
     static LibraryRecovery of(const ZQStoreRecovery &report, const ZQManagedObjectModel &model);
     QString text() const; // a few lines for a person
+
+private:
+    QString lossText() const;
 };

@@ -73,6 +73,8 @@ public:
     bool migrateToModelVersion(const QString &version);
     // Copies what can be read of the damaged store into a new one that takes its place. The store must not be open.
     std::optional<LibraryRecovery> recoverLibrary(ZQError *error);
+    // Of the open store: offers to quit, recover it and open again.
+    void reportDamage(const QStringList &problems);
     // Whether the person agreed to quit only so that the next launch recovers the library.
     bool reopensAfterQuit() const { return m_reopensAfterQuit; }
     // What no item names and is younger than the store goes; what is older, or left after a recovery, becomes items
@@ -141,7 +143,6 @@ private:
     // What the open store still needs and the person need not wait for.
     void startStoreWork();
     void stopStoreWork();
-    void reportDamage(const QStringList &problems);
     void mergeSaved(const ZQContextDidSave &notification);
     QString removalsPath();
     void noteRemovals(const QStringList &directories);

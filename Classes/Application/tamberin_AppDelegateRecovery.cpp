@@ -2,7 +2,7 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Persistence/ZQStoreCheck.h"
 
 std::optional<LibraryRecovery> tamberin_AppDelegate::recoverLibrary(ZQError *error)
 {
@@ -24,9 +24,8 @@ bool tamberin_AppDelegate::offerRecovery(const ZQError &damage)
     const bool isAgreed = damage.userInfo.value(QStringLiteral("recoveryWanted")).toBool();
     if (!isAgreed && userInteraction().ask(
                          {zqLocalized("The library is damaged"),
-                          zqFormat(zqLocalized("%@ Zelto can copy everything that can still be read into a new store. "
-                                               "The damaged one is kept beside it."),
-                                   {damage.userInfo.value(ZQError::descriptionKey).toString()}),
+                          zqLocalized("Zelto can copy everything that can still be read into a new store. The damaged "
+                                      "one is kept beside it."),
                           {zqLocalized("Recover"), zqLocalized("Cancel")},
                           {},
                           false}) != 0) {
@@ -44,7 +43,7 @@ bool tamberin_AppDelegate::offerRecovery(const ZQError &damage)
 
 void tamberin_AppDelegate::reportDamage(const QStringList &problems)
 {
-    qCWarning(zqLogStore).noquote() << "damaged:" << problems.join(QStringLiteral("; "));
+    zqLogDamage(problems);
     const int answer = userInteraction().ask(
         {zqLocalized("The library is damaged"),
          zqLocalized("Zelto can quit, open again and copy everything that can still be read into a new store. The "

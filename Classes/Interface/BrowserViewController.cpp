@@ -13,6 +13,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
 #include <QToolButton>
@@ -60,6 +61,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->setSpacing(0);
     column->addWidget(makeHead());
     column->addWidget(m_grid, 1);
+    column->addWidget(makeRecovery());
     column->addWidget(makeStatus());
     m_stack->addWidget(page);
     m_stack->addWidget(m_detail);
@@ -96,6 +98,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
         if (selection.count() == 1) {
             m_grid->scrollToIndex(selection.first());
         }
+        m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
         updateHead();
         updateStatus();
         Q_EMIT selectionChanged();
@@ -192,6 +195,23 @@ QWidget *BrowserViewController::makeStatus()
     column->addWidget(line);
     column->addLayout(row, 1);
     return status;
+}
+
+QWidget *BrowserViewController::makeRecovery()
+{
+    m_recovery = new QWidget(this);
+    auto *recover = new QPushButton(zqLocalized("Recover…"), m_recovery);
+    recover->setObjectName(QStringLiteral("Recover"));
+    recover->setAccessibleName(zqLocalized("Recover the damaged library"));
+    recover->setAutoDefault(true); // Return presses it, as in a sheet
+    connect(recover, &QPushButton::clicked, this, &BrowserViewController::recoveryRequested);
+    auto *row = new QHBoxLayout(m_recovery);
+    row->setContentsMargins(16, 0, 16, 24);
+    row->addStretch(1);
+    row->addWidget(recover);
+    row->addStretch(1);
+    m_recovery->hide();
+    return m_recovery;
 }
 
 void BrowserViewController::showSidebarItems(const QList<ZQObjectID> &items)

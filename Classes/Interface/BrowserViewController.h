@@ -47,10 +47,12 @@ Q_SIGNALS:
     void selectionChanged();
     void contextMenuRequested(const QPoint &globalPoint);
     void titleChanged();
+    void recoveryRequested(); // what is shown was read from a damaged store
 
 private:
     QWidget *makeHead();
     QWidget *makeStatus();
+    QWidget *makeRecovery();
     QString countText() const;
     void updateHead();
     void updateStatus();
@@ -70,6 +72,7 @@ private:
     QToolButton *m_sort;
     QToolButton *m_direction;
     QLabel *m_status;
+    QWidget *m_recovery;
     QSlider *m_zoom;
     QTimer m_refetch;
     QList<ZQObjectID> m_rowsToSelect; // across a refetch

@@ -182,12 +182,16 @@ bool ContentFetcher::isIdle() const
     return d->unanswered == 0;
 }
 
+bool ContentFetcher::isDamage(const ZQError &error)
+{
+    return error.domain == ZQStoreErrorDomain && error.code == static_cast<int>(ZQStoreError::Damaged);
+}
+
 QString ContentFetcher::textForError(const ZQError &error)
 {
-    const bool isDamaged = error.domain == ZQStoreErrorDomain && error.code == static_cast<int>(ZQStoreError::Damaged);
     // The next launch meets what this one has noted.
     return zqLocalized("The library could not be read") + QStringLiteral("\n\n") +
-           (isDamaged ? zqLocalized("Its database is damaged. Quit Zelto and open it again: it offers to recover "
-                                    "everything that can still be read.")
-                      : error.localizedDescription());
+           (isDamage(error) ? zqLocalized("Its database is damaged. Quit Zelto and open it again: it offers to recover "
+                                          "everything that can still be read.")
+                            : error.localizedDescription());
 }

@@ -37,6 +37,7 @@ public:
 
     // What a view says in the place of what it could not read.
     static QString textForError(const ZQError &error);
+    static bool isDamage(const ZQError &error); // the store is damaged, and can be recovered
 
 private:
     struct Private;

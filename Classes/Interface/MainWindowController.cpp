@@ -174,6 +174,8 @@ void MainWindowController::makePanes()
     connect(m_sidebar, &ProjectsSidebarViewController::selectionChanged, this,
             &MainWindowController::sidebarSelectionChanged);
     connect(m_browser, &BrowserViewController::titleChanged, this, &MainWindowController::updateTabs);
+    connect(m_browser, &BrowserViewController::recoveryRequested, this,
+            [this] { m_delegate->reportDamage({m_browser->content().error().localizedDescription()}); });
     connect(m_browser, &BrowserViewController::contextMenuRequested, this, &MainWindowController::showItemMenu);
     m_infoTimer.setSingleShot(true);
     m_infoTimer.setInterval(30); // moving through items with a held key reads only where it stops

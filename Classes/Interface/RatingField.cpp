@@ -20,6 +20,7 @@ constexpr int starHeight = 20;
 constexpr double radius = 7.5;
 constexpr double margin = 0.5;
 constexpr double innerRadius = 3.4;
+constexpr int textMargin = 4;
 
 QPainterPath starPath(const QPointF &centre)
 {
@@ -34,6 +35,11 @@ QPainterPath starPath(const QPointF &centre)
     return path;
 }
 
+QString multipleValues()
+{
+    return zqLocalized("Multiple values");
+}
+
 } // namespace
 
 RatingField::RatingField(QWidget *parent) : QWidget(parent)
@@ -46,17 +52,22 @@ RatingField::RatingField(QWidget *parent) : QWidget(parent)
 
 QSize RatingField::sizeHint() const
 {
-    return {stars * starWidth, starHeight + 4};
+    const int textWidth = fontMetrics().horizontalAdvance(multipleValues()) + 2 * textMargin;
+    return {std::max(stars * starWidth, textWidth), starHeight + 4};
+}
+
+QString RatingField::text() const
+{
+    return m_differs && m_hovered == 0 ? multipleValues() : QString();
 }
 
 void RatingField::setRating(double rating, bool differs)
 {
     m_rating = std::clamp(rating, 0.0, double(stars));
     m_differs = differs;
-    const QString text = differs ? zqLocalized("Rating: Multiple values")
-                                 : zqFormat(zqLocalized("Rating: %@ of 5"), {QString::number(m_rating)});
-    setAccessibleName(text);
-    setToolTip(differs ? zqLocalized("Multiple values") : QString());
+    setAccessibleName(differs ? zqLocalized("Rating: Multiple values")
+                              : zqFormat(zqLocalized("Rating: %@ of 5"), {QString::number(m_rating)}));
+    setToolTip(differs ? multipleValues() : QString());
     update();
 }
 
@@ -74,10 +85,8 @@ void RatingField::edit(double rating)
     }
 }
 
-void RatingField::paintEvent(QPaintEvent * /*event*/)
+void RatingField::paintStars(QPainter &painter) const
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const double lit = m_hovered > 0 ? m_hovered : rating();
     for (int i = 0; i < stars; ++i) {
         const QPointF centre(margin + radius + i * starWidth, height() / 2.0);
@@ -92,10 +101,18 @@ void RatingField::paintEvent(QPaintEvent * /*event*/)
             painter.fillPath(path, zqColor(ZQColorRole::Accent));
             painter.restore();
         }
-        if (m_differs && m_hovered == 0) {
-            painter.setPen(QPen(zqColor(ZQColorRole::TextMuted), 1.5));
-            painter.drawLine(centre - QPointF(2.5, 0), centre + QPointF(2.5, 0));
-        }
+    }
+}
+
+void RatingField::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (const QString shown = text(); !shown.isEmpty()) {
+        painter.setPen(zqColor(ZQColorRole::TextMuted));
+        painter.drawText(rect().adjusted(textMargin, 0, -textMargin, 0), Qt::AlignLeft | Qt::AlignVCenter, shown);
+    } else {
+        paintStars(painter);
     }
     if (hasFocus()) {
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1));

@@ -11,6 +11,7 @@ public:
     explicit RatingField(QWidget *parent = nullptr);
     void setRating(double rating, bool differs); // 0 to 5; differs: among several items
     double rating() const { return m_differs ? 0 : m_rating; }
+    QString text() const; // what stands in place of the stars; empty when they are shown
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -28,6 +29,7 @@ protected:
 private:
     int starAt(const QPointF &position) const; // 1 to 5
     void edit(double rating);
+    void paintStars(QPainter &painter) const;
 
     double m_rating = 0;
     bool m_differs = false;

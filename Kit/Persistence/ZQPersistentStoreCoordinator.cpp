@@ -207,7 +207,7 @@ bool ZQPersistentStoreCoordinator::checkAfterUncleanEnd(ZQSQLiteConnection &conn
     if (result.problems.isEmpty()) {
         return true;
     }
-    qCWarning(zqLogStore, "damaged: %s", qUtf8Printable(result.problems.join(QStringLiteral("; "))));
+    zqLogDamage(result.problems);
     ZQError damage = zqStoreErrorForSQLite(SQLITE_CORRUPT, result.problems.first(), m_path);
     damage.userInfo.insert(QStringLiteral("recoveryWanted"), suspicion == recoverMark);
     zqSetError(error, damage);

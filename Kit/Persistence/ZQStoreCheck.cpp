@@ -1,5 +1,6 @@
 #include "Kit/Persistence/ZQStoreCheck.h"
 
+#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 
 #include <condition_variable>
@@ -154,4 +155,18 @@ ZQStoreCheckResult zqCheckStoreQuickly(ZQSQLiteConnection &connection, std::chro
     }
     problems = findings(connection);
     return alarm.rang() ? ZQStoreCheckResult() : ZQStoreCheckResult{problems, true};
+}
+
+void zqLogDamage(const QStringList &problems)
+{
+    // One problem may be many lines, of which the first names the database that is the only one here.
+    QStringList lines = problems.join(u'\n').split(u'\n', Qt::SkipEmptyParts);
+    lines.removeIf([](const QString &line) { return line.startsWith(QStringLiteral("*** in database")); });
+    if (lines.isEmpty()) {
+        return;
+    }
+    qCWarning(zqLogStore, "damaged: %s", qUtf8Printable(lines.takeFirst()));
+    for (const QString &line : std::as_const(lines)) {
+        qCDebug(zqLogStore, "damaged: %s", qUtf8Printable(line));
+    }
 }

@@ -18,3 +18,6 @@ ZQStoreCheckResult zqCheckStore(ZQSQLiteConnection &connection, const std::stop_
 ZQStoreCheckResult zqCheckStoreQuickly(ZQSQLiteConnection &connection,
                                        std::chrono::milliseconds patience = std::chrono::milliseconds(1000),
                                        qint64 wholeBytes = qint64(24) * 1024 * 1024);
+
+// The first line of what was found as a warning, which says enough for a person; the others for who looks closer.
+void zqLogDamage(const QStringList &problems);

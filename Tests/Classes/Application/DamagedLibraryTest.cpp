@@ -1,8 +1,10 @@
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Persistence/ZQStoreCheck.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 #include "Tests/Support/DamagedStore.h"
 
 #include <QFile>
+#include <QLocale>
 
 namespace {
 
@@ -59,6 +61,8 @@ TEST_F(DamagedLibrary, IsRecoveredAfterAnUncleanEndOnlyWhenThePersonSaysSo)
         const auto delegate = application(); // the answer that changes least
         EXPECT_EQ(delegate->managedObjectContext(), nullptr);
         EXPECT_EQ(messages(), QStringList{damagedMessage});
+        EXPECT_TRUE(user.questions.first().informativeText.startsWith(QStringLiteral("Zelto can copy")))
+            << "the headline has said what happened";
         EXPECT_FALSE(user.errors.isEmpty());
         EXPECT_EQ(contents(store()), before);
         EXPECT_TRUE(keptStores().isEmpty());
@@ -150,4 +154,38 @@ TEST_F(DamagedLibrary, LosesNoFilesWhenItsDeletionsCannotBeSaved)
         EXPECT_EQ(delegate->deleteTask(), nullptr);
         EXPECT_TRUE(QFileInfo::exists(directory));
     }
+}
+
+TEST_F(DamagedLibrary, TellsOfARecoveryWhatIsLostAndWhereFilesComeBack)
+{
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    LibraryRecovery recovery;
+    recovery.items = 50000;
+    recovery.unreadableItems = 1234;
+    recovery.unreadableEntries = 1;
+    recovery.keptPath = QStringLiteral("/kept");
+    EXPECT_EQ(recovery.text(), QStringLiteral("Recovered: 50,000 items, 0 sidebar entries, 0 tags, 0 memberships.\n"
+                                              "Could not be read, at least: 1,234 items, 1 sidebar entry or tag.\n"
+                                              "Their files come back into the project “Recovered”.\n"
+                                              "The damaged store is kept as /kept"));
+    recovery.unreadableItems = 0;
+    EXPECT_FALSE(recovery.text().contains(QStringLiteral("Recovered”")));
+    recovery.unreadableEntries = 0;
+    EXPECT_TRUE(recovery.text().contains(QStringLiteral("Nothing is known to be lost.")));
+    QLocale::setDefault(QLocale::c());
+}
+
+TEST_F(DamagedLibrary, WarnsOfItsDamageInOneLine)
+{
+    static QStringList warnings;
+    warnings.clear();
+    const auto before = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
+        if (type != QtDebugMsg) {
+            warnings.append(text);
+        }
+    });
+    zqLogDamage({QStringLiteral("*** in database main ***\nPage 356: broken\nPage 357: broken"),
+                 QStringLiteral("row 1 missing from index")});
+    qInstallMessageHandler(before);
+    EXPECT_EQ(warnings, QStringList{QStringLiteral("damaged: Page 356: broken")});
 }

@@ -1,9 +1,13 @@
-#include "Classes/Interface/BrowserContent.h"
+#include "Classes/Interface/BrowserViewController.h"
 
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
+
+#include <QPushButton>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -138,4 +142,35 @@ TEST_F(BrowserContentTest, RowsThatCannotBeReadAreAnErrorAndNotAnEmptyList)
     wait();
     EXPECT_TRUE(content.error().isNull());
     EXPECT_EQ(content.count(), 1);
+}
+
+TEST_F(BrowserContentTest, ADamagedStoreIsOfferedToBeRecoveredWhereItsRowsWouldBe)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    project->addItems({items[0]});
+    library.context().save();
+    BrowserViewController browser(window);
+    auto *recover = browser.findChild<QPushButton *>(QStringLiteral("Recover"));
+    ASSERT_NE(recover, nullptr);
+    int requests = 0;
+    QObject::connect(&browser, &BrowserViewController::recoveryRequested, [&] { ++requests; });
+    browser.showSidebarItems({project->objectID()});
+    wait();
+    ASSERT_EQ(browser.content().count(), 1);
+    EXPECT_FALSE(recover->isVisibleTo(&browser));
+
+    const auto connection = library.coordinator()->newConnection();
+    sqlite3_db_config(connection->handle(), SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
+    const int version = connection->value(QStringLiteral("PRAGMA schema_version")).toInt();
+    ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA writable_schema=ON; UPDATE sqlite_master SET rootpage = "
+                                                   "999999 WHERE name = 'ZQProjectItem'; PRAGMA schema_version=%1")
+                                        .arg(version + 1)));
+    browser.content().reload();
+    wait();
+    EXPECT_EQ(browser.content().error().code, int(ZQStoreError::Damaged));
+    EXPECT_TRUE(recover->isVisibleTo(&browser));
+    EXPECT_TRUE(recover->focusPolicy() & Qt::TabFocus);
+    EXPECT_FALSE(recover->accessibleName().isEmpty());
+    recover->click();
+    EXPECT_EQ(requests, 1);
 }
