@@ -19,7 +19,7 @@ namespace {
 
 FileTags valuesOf(const ZQFileTags &tags)
 {
-    return {tags.tags, tags.comment, tags.rating.value_or(0)};
+    return {tags.tags, tags.comment, tags.rating.value_or(0), tags.measured};
 }
 
 } // namespace

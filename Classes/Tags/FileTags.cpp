@@ -78,11 +78,12 @@ std::optional<SeenFileTags> seenAtLastBackup(const QString &path)
     return seen;
 }
 
-QStringList mergedTags(const std::optional<SeenFileTags> &seen, const QStringList &file, const QStringList &library,
+QStringList mergedTags(const std::optional<SeenFileTags> &seen, const QStringList &file, const FileTags &library,
                        bool takesFile)
 {
     const QSet<QString> inFile = keysOf(file);
-    QSet<QString> inLibrary = keysOf(library);
+    const QSet<QString> measured = keysOf(library.measured);
+    QSet<QString> inLibrary = keysOf(library.tags);
     const auto wasHeld = [&](const QString &tag) {
         return seen ? seen->hasTag(tag) : inLibrary.contains(zqPlainLine(tag));
     };
@@ -93,9 +94,10 @@ QStringList mergedTags(const std::optional<SeenFileTags> &seen, const QStringLis
         }
     }
     QStringList merged;
-    for (const QString &tag : library) {
+    for (const QString &tag : library.tags) {
         const QString key = zqPlainLine(tag);
-        const bool isThere = inFile.contains(key) || standIns.contains(OpenMeta::comparisonKey(key));
+        const bool isThere =
+            inFile.contains(key) || measured.contains(key) || standIns.contains(OpenMeta::comparisonKey(key));
         const bool wasTakenAway = !isThere && (seen ? seen->hasTag(tag) : takesFile);
         if (!wasTakenAway) {
             merged.append(tag);
@@ -135,7 +137,7 @@ FileTags mergedValues(const std::optional<SeenFileTags> &seen, const FileTagsMer
 {
     FileTags merged = library;
     if (file.tags) {
-        merged.tags = mergedTags(seen, *file.tags, library.tags, takesFile);
+        merged.tags = mergedTags(seen, *file.tags, library, takesFile);
     }
     if (file.comment) {
         merged.comment = mergedComment(seen, *file.comment, library.comment, takesFile);

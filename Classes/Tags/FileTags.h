@@ -15,6 +15,9 @@ struct FileTags
     QStringList tags;
     QString comment;
     int rating = 0; // 0 to 5 stars
+    // Those of `tags` that the library gave by itself. A program that replaces a file's tags does not know of them, so
+    // that a file without them took none away.
+    QStringList measured = {};
     bool isEmpty() const { return tags.isEmpty() && comment.isEmpty() && rating == 0; }
 
     // Two comments for one file that both count: `second` below `first`, unless one of them says the other already.

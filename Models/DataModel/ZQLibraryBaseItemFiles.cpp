@@ -396,11 +396,14 @@ bool ZQLibraryBaseItem::changeTags(const QStringList &add, const QStringList &re
 
 ZQFileTags ZQLibraryBaseItem::fileTags() const
 {
-    QStringList titles;
+    ZQFileTags tags{{}, notes(), int(rating())};
     for (const ZQRef<ZQSidebarTag> &tag : itemTags()) {
-        titles.append(tag->title());
+        tags.tags.append(tag->title());
+        if (!tag->isUserTag()) {
+            tags.measured.append(tag->title());
+        }
     }
-    return {titles, notes(), int(rating())};
+    return tags;
 }
 
 void ZQLibraryBaseItem::metadataDidComeFromFile()

@@ -21,6 +21,7 @@ struct ZQFileTags
     bool ratingIsMeant = false; // given just now: it replaces the file's, whatever that is
     bool isFirst = false;       // the item is new: whatever a record in the file says, it is of another one
     bool isSaved = false;       // the store has them on the disk
+    QStringList measured = {};  // those of `tags` that nobody gave: a file without them took none away
 };
 
 // What the entities need from the application they live in. The application installs its own at launch, a test a

@@ -201,6 +201,8 @@ TEST_F(TagCommandTest, ADecomposedNameOfAFileIsTheTagThatWasTyped)
 
 TEST_F(TagCommandTest, WhatAFileManagerWroteReachesTheStore)
 {
+    QStringList expected = storedTags() + QStringList{QStringLiteral("theirs")}; // the measured ones stay
+    expected.sort();
     ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("ours")}), 0);
     ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::tagsName, "theirs"));
     ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::commentName, "said"));
@@ -208,7 +210,7 @@ TEST_F(TagCommandTest, WhatAFileManagerWroteReachesTheStore)
     const auto object = ZQSidebarTag::tagWithTagName(QStringLiteral("ours"), store)->taggedItems().first();
     EXPECT_TRUE(object->readOpenMetaFromDisk());
     delegate->saveAction();
-    EXPECT_EQ(storedTags(), QStringList{QStringLiteral("theirs")});
+    EXPECT_EQ(storedTags(), expected);
     EXPECT_EQ(object->notes(), QStringLiteral("said"));
 }
 
@@ -292,6 +294,39 @@ TEST_F(TagCommandTest, AnotherSpellingByAnotherProgramIsAnotherTag)
     takeIn();
     EXPECT_TRUE(storedTags().contains(QStringLiteral("Logo")) && storedTags().contains(QStringLiteral("logo")));
     EXPECT_EQ(fileTags(), expected);
+}
+
+TEST_F(TagCommandTest, AnotherProgramsListOfTagsTakesNoMeasuredOneAway)
+{
+    const QStringList measured = storedTags();
+    ASSERT_FALSE(measured.isEmpty());
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("ours")}), 0);
+    // The second list lacks what the first brought, and is nothing but a removal.
+    for (const char *theirs : {"outside", ""}) {
+        ASSERT_TRUE(ZQExtendedAttributes::set(path(), DesktopMirror::tagsName, theirs));
+        ZQLibraryEnvironment::current().takeInTagsOfFiles({storedItem()});
+        takeIn();
+        QStringList expected = measured;
+        if (*theirs) {
+            expected.append(QLatin1String(theirs));
+        }
+        expected.sort();
+        EXPECT_EQ(storedTags(), expected) << theirs;
+        EXPECT_EQ(fileTags(), expected) << theirs;
+        ASSERT_EQ(run({QStringLiteral("attributes"), path(), QStringLiteral("--json")}), 0);
+        const QJsonObject carried = array().first().toObject();
+        QStringList mirrored =
+            QString::fromUtf8(ZQExtendedAttributes::get(path(), DesktopMirror::tagsName).value_or("")).split(u',');
+        QStringList listed = carried.value(QStringLiteral("tags")).toVariant().toStringList();
+        mirrored.sort();
+        listed.sort();
+        EXPECT_EQ(mirrored, expected) << theirs;
+        EXPECT_EQ(listed, expected) << theirs;
+    }
+
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--remove"), measured.first()}), 0);
+    EXPECT_EQ(storedTags(), measured.mid(1)); // the person's own removal counts
+    EXPECT_EQ(fileTags(), measured.mid(1));
 }
 
 TEST_F(TagCommandTest, ALookAtTheFileTakesInADifferenceAndAnnouncesIt)
