@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <sys/stat.h>
 
 namespace {
 
@@ -34,6 +35,29 @@ void removeSource(const QString &path, qint64 modification)
         qCInfo(zqLogImport).noquote() << "The imported file" << path
                                       << "could not be removed from the temporary folder";
     }
+}
+
+bool isRegularFile(const QString &path)
+{
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// A record may have come with a library from elsewhere. It is believed about a file alone that the library holds a true
+// copy of, so that nothing is lost whatever it names; a link anywhere on the way would lead past the place.
+bool mayRemoveRecordedSource(const QString &path, const QString &itemFile)
+{
+    const QString library = QFileInfo(ZQLibraryEnvironment::current().libraryDirectory()).canonicalFilePath();
+    const QString copy = QFileInfo(itemFile).canonicalFilePath();
+    if (!isRegularFile(path) || QFileInfo(path).canonicalFilePath() != path ||
+        !AImportManager::fileIsInsideTemporaryDirectory(path)) {
+        return false;
+    }
+    if (library.isEmpty() || !isRegularFile(itemFile) || !copy.startsWith(library + u'/') || copy == path) {
+        return false;
+    }
+    const QByteArray digest = zqSHA1OfFile(copy);
+    return !digest.isEmpty() && digest == zqSHA1OfFile(path);
 }
 
 } // namespace
@@ -292,9 +316,15 @@ void ImportOperation::removeEverythingCreated()
 void ImportOperation::completeItems()
 {
     for (const CreatedItem &created : m_createdItems) {
-        if (!created.isGone && !created.movedPath.isEmpty() && QFileInfo::exists(created.movedPath)) {
-            removeSource(created.movedPath, created.movedModification);
+        if (created.isGone || created.movedPath.isEmpty() || !QFileInfo::exists(created.movedPath)) {
+            continue;
         }
+        if (created.isEarlier && !mayRemoveRecordedSource(created.movedPath, created.filePath)) {
+            qCInfo(zqLogImport).noquote() << "The file" << created.movedPath
+                                          << "is no temporary copy of what the library has and stays where it is";
+            continue;
+        }
+        removeSource(created.movedPath, created.movedModification);
     }
 }
 

@@ -15,7 +15,11 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -23,6 +27,10 @@ namespace {
 const QString requestEnding = QStringLiteral(".plist");
 const QString sourcesEnding = QStringLiteral(".sources");
 constexpr int formatVersion = 1;
+constexpr qint64 mebibyte = qint64(1) << 20;
+constexpr qint64 requestLimit = 256 * mebibyte;
+constexpr qint64 sourcesLimit = 1024 * mebibyte;
+constexpr qint64 lineLimit = mebibyte;
 
 struct Active
 {
@@ -115,18 +123,48 @@ QString pathBelow(const QString &root, const QString &place)
     return root.isEmpty() || place.isEmpty() || place.startsWith(u'/') ? place : root + u'/' + place;
 }
 
+// Whoever made the library may have put a link or a pipe there: a regular file of that very name, or an error. Nothing
+// is read from beyond `limit`.
+bool openRegular(QFile &file, int flags, QIODevice::OpenMode mode, qint64 limit, QString *reason = nullptr)
+{
+    const int descriptor = ::open(QFile::encodeName(file.fileName()).constData(),
+                                  flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    struct stat status = {};
+    const bool isThere = descriptor >= 0 && ::fstat(descriptor, &status) == 0;
+    const QString problem = !isThere ? qt_error_string(errno)
+                            : !S_ISREG(status.st_mode) || status.st_size > limit
+                                ? zqLocalized("it is no file that an import would leave")
+                                : QString();
+    if (problem.isEmpty() && file.open(descriptor, mode, QFileDevice::AutoCloseHandle)) {
+        return true;
+    }
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+    if (reason) {
+        *reason = problem;
+    }
+    return false;
+}
+
+bool isAnythingAt(const QString &path)
+{
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 || errno != ENOENT;
+}
+
 // A line that a cut, a full disk or a short write left open would swallow the next one.
 bool endsInALine(QFile &file)
 {
     return file.size() == 0 || (file.seek(file.size() - 1) && file.read(1) == "\n");
 }
 
-ZQError unwritable(const QFile &file)
+ZQError unwritable(const QFile &file, const QString &reason)
 {
-    return ZQError::with(
-        QStringLiteral("zelto.import"), 5,
-        zqFormat(zqLocalized("What was imported cannot be noted in %@: %@."), {file.fileName(), file.errorString()}),
-        zqLocalized("Free some space there and look at its permissions."));
+    return ZQError::with(QStringLiteral("zelto.import"), 5,
+                         zqFormat(zqLocalized("What was imported cannot be noted in %@: %@."),
+                                  {file.fileName(), reason.isEmpty() ? file.errorString() : reason}),
+                         zqLocalized("Free some space there and look at its permissions."));
 }
 
 } // namespace
@@ -204,8 +242,9 @@ std::shared_ptr<PendingImportFile> PendingImportFile::create(const QString &fold
 std::shared_ptr<PendingImportFile> PendingImportFile::open(const QString &folder, const QString &name, ZQError *error)
 {
     QFile input(requestPath(folder, name));
-    const auto values =
-        input.open(QIODevice::ReadOnly) ? ZQPropertyList::fromData(input.readAll(), error) : std::nullopt;
+    const auto values = openRegular(input, O_RDONLY, QIODevice::ReadOnly, requestLimit)
+                            ? ZQPropertyList::fromData(input.read(requestLimit), error)
+                            : std::nullopt;
     const QVariantMap map = values.value_or(QVariant()).toMap();
     if (map.value(QStringLiteral("version")).toInt() != formatVersion) {
         zqSetError(error, ZQError::with(QStringLiteral("zelto.import"), 3,
@@ -260,7 +299,9 @@ bool PendingImportFile::addSources(const QList<Source> &sources, ZQError *error)
         return true;
     }
     QFile file(sourcesPath(m_folder, m_name));
-    if (file.open(QIODevice::ReadWrite | QIODevice::Append)) {
+    QString reason;
+    if (openRegular(file, O_RDWR | O_CREAT | O_APPEND, QIODevice::ReadWrite | QIODevice::Append, sourcesLimit,
+                    &reason)) {
         if (!endsInALine(file)) {
             lines.prepend('\n');
         }
@@ -268,7 +309,7 @@ bool PendingImportFile::addSources(const QList<Source> &sources, ZQError *error)
             return true;
         }
     }
-    zqSetError(error, unwritable(file));
+    zqSetError(error, unwritable(file, reason));
     return false;
 }
 
@@ -276,18 +317,19 @@ std::optional<QList<PendingImportFile::Source>> PendingImportFile::sources(ZQErr
 {
     QList<Source> sources;
     QFile file(sourcesPath(m_folder, m_name));
-    if (!file.exists()) {
+    if (!isAnythingAt(file.fileName())) {
         return sources; // nothing was about to be saved yet
     }
-    if (!file.open(QIODevice::ReadOnly)) {
+    QString reason;
+    if (!openRegular(file, O_RDONLY, QIODevice::ReadOnly, sourcesLimit, &reason)) {
         zqSetError(error, ZQError::with(QStringLiteral("zelto.import"), 6,
                                         zqFormat(zqLocalized("What was imported cannot be read from %@: %@."),
-                                                 {file.fileName(), file.errorString()}),
+                                                 {file.fileName(), reason}),
                                         zqLocalized("Look at its permissions.")));
         return std::nullopt;
     }
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    for (const QByteArray &line : lines) {
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine(lineLimit);
         const QJsonArray values = QJsonDocument::fromJson(line).array(); // empty for a line that was cut off
         if (values.size() == 4) {
             sources.append({values.at(0).toString(), pathBelow(m_request.archiveRoot, values.at(1).toString()),

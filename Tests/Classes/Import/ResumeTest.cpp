@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -463,4 +464,69 @@ TEST_F(ResumeTest, OneThatIsCancelledBeforeItsTurnEndsAndOneThatIsCancelledTooLa
     EXPECT_TRUE(resumed.first()->isCancelled());
     EXPECT_EQ(titles(items()), QStringList{QStringLiteral("here")});
     EXPECT_EQ(PendingImportFile::cutOff(folder()).size(), 1);
+}
+
+TEST_F(ResumeTest, ARecordRemovesOnlyATemporaryCopyOfWhatTheLibraryHas)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    import({a});
+    const auto made = item(QStringLiteral("a"));
+    const QByteArray other = "a person's only copy";
+    const QString folderToKeep = path(QStringLiteral("ZeltoTemporaryFolder/victim"));
+    const QString inFolder = writeFile(QStringLiteral("ZeltoTemporaryFolder/victim/report.txt"), other);
+    const QString different = writeFile(QStringLiteral("ZeltoTemporaryFolder/report.txt"), other);
+    const QString elsewhere = path(QStringLiteral("in/copy.png"));
+    const QString behindLink = path(QStringLiteral("in/ZeltoTemporaryFolder/copy.png"));
+    const QString itself = made->itemURL();
+    ASSERT_TRUE(QFile::copy(itself, elsewhere) &&
+                QFile::link(path(QStringLiteral("in")), QFileInfo(behindLink).path()));
+    const QStringList victims{folderToKeep, different, elsewhere, behindLink, itself};
+    const QString temporary = path(QStringLiteral("ZeltoTemporaryFolder/a.png"));
+    ASSERT_TRUE(QFile::copy(itself, temporary));
+
+    for (const QString &named : victims + QStringList{temporary}) {
+        const auto file = PendingImportFile::create(folder(), request({a}));
+        const qint64 modification = QFileInfo(named).lastModified().toMSecsSinceEpoch();
+        ASSERT_TRUE(file && file->addSources({{made->bundleID(), a, named, modification}}));
+    }
+    offer(continueButton);
+    EXPECT_TRUE(pendingFiles().isEmpty());
+    for (const QString &victim : victims + QStringList{inFolder}) {
+        EXPECT_TRUE(QFile::exists(victim)) << victim.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(temporary));
+}
+
+TEST_F(ResumeTest, NothingIsReadOrWrittenThroughALinkOrAPipe)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    const QString link = folder() + QStringLiteral("/1000-X.plist");
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), link));
+    offer(continueButton);
+    EXPECT_EQ(user.errors.size(), 1);
+    ASSERT_TRUE(QFile::remove(link));
+
+    const auto made = PendingImportFile::create(folder(), request({a}));
+    const QString name = QFileInfo(QDir(folder()).entryList({QStringLiteral("*.plist")}).value(0)).completeBaseName();
+    const QString list = folder() + u'/' + name + QStringLiteral(".sources");
+    const QString stranger = writeFile(QStringLiteral("in/notes.txt"), "a person's");
+    const QList<std::function<bool()>> traps{
+        [&] { return QFile::link(QStringLiteral("/dev/zero"), list); },
+        [&] { return ::mkfifo(QFile::encodeName(list).constData(), 0600) == 0; },
+        [&] { return QFile::link(path(QStringLiteral("in/nowhere")), list); },
+        [&] { return QFile::link(stranger, list); },
+    };
+    for (const auto &trap : traps) {
+        ASSERT_TRUE(made && trap());
+        ZQError error;
+        EXPECT_FALSE(made->sources(&error).has_value());
+        EXPECT_FALSE(error.isNull());
+        EXPECT_FALSE(made->addSources({{QStringLiteral("ID"), a, QString(), 0}}));
+        ASSERT_TRUE(QFile::remove(list));
+    }
+    EXPECT_EQ(QFileInfo(stranger).size(), 10);
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("in/nowhere"))));
+    EXPECT_TRUE(made->addSources({{QStringLiteral("ID"), a, QString(), 0}}));
+    EXPECT_EQ(made->sources().value_or(QList<PendingImportFile::Source>()).size(), 1);
 }
