@@ -189,9 +189,8 @@ bool ContentFetcher::isDamage(const ZQError &error)
 
 QString ContentFetcher::textForError(const ZQError &error)
 {
-    // The next launch meets what this one has noted.
     return zqLocalized("The library could not be read") + QStringLiteral("\n\n") +
-           (isDamage(error) ? zqLocalized("Its database is damaged. Quit Zelto and open it again: it offers to recover "
-                                          "everything that can still be read.")
+           (isDamage(error) ? zqLocalized("Its database is damaged. Everything that can still be read can be recovered "
+                                          "into a new one.")
                             : error.localizedDescription());
 }

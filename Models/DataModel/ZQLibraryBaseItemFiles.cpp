@@ -419,6 +419,7 @@ bool ZQLibraryBaseItem::readOpenMetaFromDisk()
     const QString path = itemURL();
     ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
     ZQFileTags present = fileTags();
+    present.measured.clear(); // the file's list takes the place of all
     present.isFirst = isInserted();
     const auto read = path.isEmpty() ? std::nullopt : environment.tagsAfterReadingFile(path, present);
     if (!read) {
