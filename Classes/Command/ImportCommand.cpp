@@ -183,7 +183,8 @@ void zqTellOfCutOffImports(CommandContext &context)
     if (count > 0) {
         const QString text = count == 1 ? zqLocalized("an import was cut off")
                                         : zqFormat(zqLocalized("%d imports were cut off"), {count});
-        context.errors += "zelto: " + text.toUtf8() + "; " +
+        const QString which = AImportManager::sharedAImportManager().textForCutOffImports();
+        context.errors += "zelto: " + text.toUtf8() + (which.isEmpty() ? "" : ": " + which.toUtf8()) + "; " +
                           zqLocalized("zelto import --resume goes on with the missing files, zelto import --forget "
                                       "gives them up")
                               .toUtf8() +

@@ -74,6 +74,8 @@ public:
     // Imports that an earlier process did not end. The first goes on with all of them, the second gives them up; what
     // they have saved stays.
     QStringList cutOffImports() const;
+    // Which those are, in a few words; empty when none can be read.
+    QString textForCutOffImports() const;
     // `unreadable`: how many requests cannot be read; the person is told of each.
     QList<std::shared_ptr<ImportOperation>> resumeImports(qsizetype *unreadable = nullptr);
     // A request goes on with what came out of its archive, which was unpacked again. Null without a library, or when

@@ -7,6 +7,7 @@
 #include "Classes/Import/PendingImport.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <QFileInfo>
 
@@ -16,6 +17,9 @@ namespace {
 
 constexpr int continueButton = 0;
 constexpr int forgetButton = 1;
+constexpr qsizetype namesShown = 3;
+constexpr qsizetype longestShownName = 80;
+constexpr qsizetype namesInOneQuery = 500;
 
 tamberin_AppDelegate &application()
 {
@@ -42,6 +46,70 @@ ZQObjectID targetOf(const PendingImport &request, ZQManagedObjectContext &contex
     return holdsFolder(request) && projects ? projects->objectID() : ZQObjectID();
 }
 
+// A name may come with a library from elsewhere, and the text is shown in a terminal too.
+QString shownName(const QString &path)
+{
+    QString name = QFileInfo(path).fileName().left(longestShownName);
+    for (QChar &character : name) {
+        if (!character.isPrint() && !character.isSurrogate()) {
+            character = QChar::ReplacementCharacter;
+        }
+    }
+    return name;
+}
+
+QString textForRequest(const PendingImport &request)
+{
+    const bool isOfArchive = !request.archiveRoot.isEmpty();
+    if (!isOfArchive && request.paths.isEmpty()) {
+        return {};
+    }
+    const QString name = shownName(isOfArchive ? request.archivePath : request.paths.first());
+    const qsizetype others = isOfArchive ? 0 : request.paths.size() - 1;
+    if (others == 0) {
+        return zqFormat(zqLocalized("“%@”"), {name});
+    }
+    return others == 1 ? zqFormat(zqLocalized("“%@” and one other"), {name})
+                       : zqFormat(zqLocalized("“%@” and %d others"), {name, others});
+}
+
+// How many files it was to import; 0 when that is not known, since it has not looked into its folders yet.
+qsizetype fileCount(const PendingImport &request)
+{
+    qsizetype count = request.ungrouped.size();
+    for (const PendingImport::Group &group : request.groups) {
+        count += group.files.size();
+    }
+    if (request.groups.isEmpty()) {
+        count = holdsFolder(request) ? 0 : request.paths.size();
+    }
+    return count;
+}
+
+std::optional<qsizetype> savedCount(const PendingImportFile &file, ZQManagedObjectContext &context)
+{
+    const auto sources = file.sources();
+    if (!sources) {
+        return std::nullopt;
+    }
+    qsizetype count = 0;
+    for (qsizetype first = 0; first < sources->size(); first += namesInOneQuery) {
+        QStringList names;
+        for (const PendingImportFile::Source &source : sources->mid(first, namesInOneQuery)) {
+            names.append(source.bundleID);
+        }
+        const auto rows =
+            context.fetchDictionaries({ZQLibraryBaseItem::entityName(),
+                                       ZQPredicate::predicateWithFormat(QStringLiteral("bundleID in %@"), {names})},
+                                      {QStringLiteral("bundleID")});
+        if (!rows) {
+            return std::nullopt;
+        }
+        count += rows->size();
+    }
+    return count;
+}
+
 // The folder an archive was unpacked into goes with the request; a name in a file is believed only so far.
 std::shared_ptr<TemporaryFolder> holderOf(const QString &root)
 {
@@ -62,6 +130,30 @@ QString AImportManager::pendingFolder()
 QStringList AImportManager::cutOffImports() const
 {
     return PendingImportFile::cutOff(pendingFolder());
+}
+
+QString AImportManager::textForCutOffImports() const
+{
+    const QStringList names = cutOffImports();
+    QStringList texts;
+    for (const QString &name : names.mid(0, namesShown)) {
+        const auto file = PendingImportFile::open(pendingFolder(), name);
+        QString text = file ? textForRequest(file->request()) : QString();
+        const qsizetype count = file && names.size() == 1 ? fileCount(file->request()) : 0;
+        if (!text.isEmpty() && count > 0 && application().managedObjectContext()) {
+            const auto saved = savedCount(*file, *application().managedObjectContext());
+            if (saved && *saved <= count) {
+                text = zqFormat(zqLocalized("%@, %d of %d in the library"), {text, *saved, count});
+            }
+        }
+        if (!text.isEmpty()) {
+            texts.append(text);
+        }
+    }
+    if (!texts.isEmpty() && names.size() > namesShown) {
+        texts.append(QStringLiteral("…"));
+    }
+    return texts.join(QStringLiteral(", "));
 }
 
 std::optional<QDateTime> AImportManager::cutOffImportSince()
@@ -166,10 +258,13 @@ void AImportManager::offerToResumeImports()
     if (count == 0) {
         return;
     }
+    const QString which = textForCutOffImports();
+    const QString explanation =
+        zqLocalized("Zelto ended before all files were in the library. It can go on with those that are missing. "
+                    "What is in the library stays there either way.");
     const int answer = application().userInteraction().ask(
         {count == 1 ? zqLocalized("An import was cut off") : zqFormat(zqLocalized("%d imports were cut off"), {count}),
-         zqLocalized("Zelto ended before all files were in the library. It can go on with those that are missing. "
-                     "What is in the library stays there either way."),
+         which.isEmpty() ? explanation : which + QStringLiteral("\n\n") + explanation,
          {zqLocalized("Continue"), zqLocalized("Forget"), zqLocalized("Not Now")},
          {},
          false});

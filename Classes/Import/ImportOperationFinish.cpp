@@ -37,6 +37,12 @@ void removeSource(const QString &path, qint64 modification)
     }
 }
 
+// Of an item that was saved before, the store tells it, and a store may come from elsewhere.
+bool isPlainName(const QString &name)
+{
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') && !name.contains(QChar::Null);
+}
+
 bool isRegularFile(const QString &path)
 {
     struct stat status = {};
@@ -358,7 +364,10 @@ void ImportOperation::removeBundles()
     }
     m_droppedOnceSaved.clear();
     for (const QString &bundleID : std::as_const(m_bundlesToRemove)) {
-        if (!bundleID.isEmpty() && !QDir(bundlePath(bundleID)).removeRecursively()) {
+        if (!isPlainName(bundleID) || QFileInfo(bundlePath(bundleID)).isSymLink()) {
+            qCWarning(zqLogImport).noquote()
+                << "An item's directory has an unsafe name and is not removed:" << bundleID;
+        } else if (!QDir(bundlePath(bundleID)).removeRecursively()) {
             qCWarning(zqLogImport).noquote() << "Error while deleting unused bundle item" << bundlePath(bundleID);
         }
     }

@@ -20,6 +20,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -97,7 +98,7 @@ void TakeBackOperation::main()
                                                          running->cancel();
                                                      }
                                                  });
-    m_nextImportDate = zqNow();
+    orderByBirth();
     bool isWell = true;
     for (qsizetype first = 0; isWell && first < m_names.size(); first += atATime) {
         isWell = takeBack(m_names.mid(first, atATime)) && !isCancelled() && !m_isRefused;
@@ -106,6 +107,26 @@ void TakeBackOperation::main()
     m_isComplete = isWell;
     m_progress.reset();
     m_moc.reset();
+}
+
+// They came into the library when their directories were made, and what is new there still comes first. No two get the
+// same date, or their order would be the store's.
+void TakeBackOperation::orderByBirth()
+{
+    const qint64 now = zqNow().toMSecsSinceEpoch();
+    QHash<QString, qint64> births;
+    for (const QString &name : std::as_const(m_names)) {
+        const auto dates = zqFileDates(pathOfDirectory(name));
+        births.insert(name, dates ? std::min(dates->birth, now) : now);
+    }
+    std::sort(m_names.begin(), m_names.end(), [&births](const QString &a, const QString &b) {
+        return std::pair(births.value(a), a) < std::pair(births.value(b), b);
+    });
+    qint64 next = 0;
+    for (const QString &name : std::as_const(m_names)) {
+        next = std::max(next + 1, births.value(name));
+        m_importDates.insert(name, QDateTime::fromMSecsSinceEpoch(next, Qt::UTC));
+    }
 }
 
 bool TakeBackOperation::takeBack(const QStringList &names)
@@ -172,10 +193,9 @@ std::vector<ImportedFile> TakeBackOperation::readFiles(const QStringList &names,
         }
         operation->setItemDirectory(directory);
         operation->setSettings(settingsForTakingBack());
-        operation->setImportDate(m_nextImportDate);
+        operation->setImportDate(m_importDates.value(names.at(i)));
         operation->setImportData(&files[std::size_t(i)]);
         operation->setFatherOperation(this);
-        m_nextImportDate = m_nextImportDate.addMSecs(1);
         operations.push_back(operation);
         queue.addOperation(operation);
     }

@@ -5,6 +5,7 @@
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QStringList>
 
 #include <atomic>
@@ -43,18 +44,19 @@ private:
     void setRefusal(const QString &) override { m_isRefused = true; } // a full disk
     void archiveDidUnfold(const UnfoldedArchive &) override {}
 
+    void orderByBirth();
     bool takeBack(const QStringList &names);
     std::optional<QStringList> unnamed(const QStringList &names);
     std::vector<ImportedFile> readFiles(const QStringList &names, ZQOperationQueue &queue);
     bool insertItems(const std::vector<ImportedFile> &files);
     ZQRef<ZQSidebarBaseItem> recoveredProject();
 
-    const QStringList m_names;
+    QStringList m_names;
     const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     UserInteraction &m_userInteraction;
     std::unique_ptr<ZQManagedObjectContext> m_moc;
     std::shared_ptr<UserProgress> m_progress;
-    QDateTime m_nextImportDate;
+    QHash<QString, QDateTime> m_importDates; // by the directory's name
     QStringList m_namesLeft;
     qsizetype m_takenBackCount = 0;
     bool m_isComplete = false;

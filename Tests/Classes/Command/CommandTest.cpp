@@ -171,6 +171,7 @@ TEST_F(CommandTest, ImportsThatWereCutOffAreSpokenOfAndGoOnOrAreForgotten)
     EXPECT_EQ(run("items --json"), 0);
     EXPECT_TRUE(array().isEmpty());
     EXPECT_TRUE(context.errors.contains("zelto import --resume"));
+    EXPECT_TRUE(context.errors.contains("“a.png”, 0 of 1 in the library")) << context.errors.constData();
     EXPECT_EQ(run("import --resume --json"), 0) << context.errors.constData();
     EXPECT_EQ(object().value(QStringLiteral("imported")).toArray().size(), 1);
     EXPECT_EQ((run("items --json"), array().size()), 1);

@@ -530,3 +530,45 @@ TEST_F(ResumeTest, NothingIsReadOrWrittenThroughALinkOrAPipe)
     EXPECT_TRUE(made->addSources({{QStringLiteral("ID"), a, QString(), 0}}));
     EXPECT_EQ(made->sources().value_or(QList<PendingImportFile::Source>()).size(), 1);
 }
+
+TEST_F(ResumeTest, ADirectoryIsRemovedOnlyByAPlainName)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    const QString b = path(QStringLiteral("in/b.png"));
+    ASSERT_TRUE(QFile::copy(a, b));
+    import({a});
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
+    };
+    import({b});
+    item(QStringLiteral("b"))->setBundleID(QStringLiteral("../../victim"));
+    delegate->saveAction();
+    const QString victim = writeFile(
+        QStringLiteral("victim") + ZQLibraryBaseItem::itemDirectoryExtension + QStringLiteral("/notes.txt"), "kept");
+    cutOff(request({b}), {b});
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard);
+    };
+    offer(continueButton);
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("a")});
+    EXPECT_TRUE(QFile::exists(victim));
+}
+
+TEST_F(ResumeTest, TheQuestionSaysWhichImportsAndHowMuchOfOneIsIn)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("in/b\033.png"), {21, 20});
+    import({a});
+    cutOff(request({b, a, path(QStringLiteral("in/c.png"))}), {a});
+    offer(-1);
+    EXPECT_TRUE(
+        user.questions.last().informativeText.contains(QStringLiteral("“b\uFFFD.png” and 2 others, 1 of 3 in the library")))
+        << user.questions.last().informativeText.toStdString();
+    for (int i = 0; i < 3; ++i) {
+        cutOff(request({path(QStringLiteral("in/more%1.png").arg(i))}), {});
+    }
+    offer(-1);
+    EXPECT_TRUE(user.questions.last().informativeText.contains(
+        QStringLiteral("“b\uFFFD.png” and 2 others, “more0.png”, “more1.png”, …")))
+        << user.questions.last().informativeText.toStdString();
+}

@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -225,4 +226,23 @@ TEST_F(TakeBackTest, AnIncompletePictureIsTakenBackAndNothingElseIsSaidOfIt)
     EXPECT_EQ(logged.filter(QStringLiteral("part.jpg")).filter(QStringLiteral("taken back in part")).size(), 1);
     EXPECT_TRUE(logged.filter(QStringLiteral("not taken back")).isEmpty());
     EXPECT_TRUE(user.errors.isEmpty());
+}
+
+TEST_F(TakeBackTest, WhatIsTakenBackIsAsOldAsItsDirectoryAndInThatOrder)
+{
+    QStringList byBirth;
+    for (const char *name : {"c", "a", "d", "b"}) {
+        import({writeImage(QString::fromLatin1(name) + QStringLiteral(".png"), {20, 20})});
+        byBirth.append(QString::fromLatin1(name));
+    }
+    loseStore();
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    reopen();
+    auto found = items();
+    std::sort(found.begin(), found.end(),
+              [](const auto &a, const auto &b) { return a->import_date() < b->import_date(); });
+    EXPECT_EQ(titles(found), byBirth);
+    for (const auto &item : found) {
+        EXPECT_LT(item->import_date(), before);
+    }
 }
