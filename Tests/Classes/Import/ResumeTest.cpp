@@ -561,14 +561,16 @@ TEST_F(ResumeTest, TheQuestionSaysWhichImportsAndHowMuchOfOneIsIn)
     import({a});
     cutOff(request({b, a, path(QStringLiteral("in/c.png"))}), {a});
     offer(-1);
-    EXPECT_TRUE(
-        user.questions.last().informativeText.contains(QStringLiteral("“b\uFFFD.png” and 2 others, 1 of 3 in the library")))
+    EXPECT_TRUE(user.questions.last().informativeText.contains(
+        QStringLiteral("“b\uFFFD.png” and 2 others, 1 of 3 in the library")))
         << user.questions.last().informativeText.toStdString();
     for (int i = 0; i < 3; ++i) {
         cutOff(request({path(QStringLiteral("in/more%1.png").arg(i))}), {});
     }
     offer(-1);
-    EXPECT_TRUE(user.questions.last().informativeText.contains(
-        QStringLiteral("“b\uFFFD.png” and 2 others, “more0.png”, “more1.png”, …")))
-        << user.questions.last().informativeText.toStdString();
+    const QString several =
+        user.questions.last().informativeText; // three of the four; requests of one moment in any order
+    EXPECT_TRUE(several.startsWith(QStringLiteral("“b\uFFFD.png” and 2 others, “more"))) << several.toStdString();
+    EXPECT_EQ(several.count(QStringLiteral("“more")), 2) << several.toStdString();
+    EXPECT_TRUE(several.contains(QStringLiteral(".png”, …"))) << several.toStdString();
 }
