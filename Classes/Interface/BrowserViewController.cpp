@@ -8,6 +8,7 @@
 
 #include <QBoxLayout>
 #include <QClipboard>
+#include <QGridLayout>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
@@ -60,8 +61,10 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(makeHead());
-    column->addWidget(m_grid, 1);
-    column->addWidget(makeRecovery());
+    auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
+    cell->addWidget(m_grid, 0, 0);
+    cell->addWidget(makeRecovery(), 0, 0, Qt::AlignCenter);
+    column->addLayout(cell, 1);
     column->addWidget(makeStatus());
     m_stack->addWidget(page);
     m_stack->addWidget(m_detail);
@@ -206,7 +209,7 @@ QWidget *BrowserViewController::makeRecovery()
     recover->setAutoDefault(true); // Return presses it, as in a sheet
     connect(recover, &QPushButton::clicked, this, &BrowserViewController::recoveryRequested);
     auto *row = new QHBoxLayout(m_recovery);
-    row->setContentsMargins(16, 0, 16, 24);
+    row->setContentsMargins(16, 136, 16, 0);
     row->addStretch(1);
     row->addWidget(recover);
     row->addStretch(1);
