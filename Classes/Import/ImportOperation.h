@@ -143,6 +143,7 @@ private:
     QString textForUnfinished() const;
 
     // Groups.
+    void importGroups(QList<Group> &groups);
     void importFiles(const Group &group);
     void orderLikeTheDrop(QList<Group> &groups);
     std::unique_ptr<Chunk> startChunk(const Group &group, qsizetype first, qsizetype count);

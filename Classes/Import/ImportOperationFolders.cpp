@@ -149,14 +149,7 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
     if (isCancelled() || !saveStructure() || !rememberGroups(groups)) {
         return;
     }
-    orderLikeTheDrop(groups);
-    beginProgress();
-    for (const Group &group : groups) {
-        if (isCancelled()) {
-            return;
-        }
-        importFiles(group);
-    }
+    importGroups(groups);
 }
 
 void ImportOperation::addLooseFiles(const QStringList &files, ZQSidebarBaseItem &target, quint32 &dropIndex,

@@ -21,6 +21,18 @@ constexpr qsizetype largeBatch = 1000;
 constexpr qsizetype chunkSize = 256;
 } // namespace
 
+void ImportOperation::importGroups(QList<Group> &groups)
+{
+    orderLikeTheDrop(groups);
+    beginProgress();
+    for (const Group &group : groups) {
+        if (isCancelled()) {
+            return;
+        }
+        importFiles(group);
+    }
+}
+
 void ImportOperation::importFiles(const Group &group)
 {
     const bool isLarge = m_requestedFiles.size() > largeBatch;

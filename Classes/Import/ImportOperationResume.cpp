@@ -167,14 +167,7 @@ void ImportOperation::importRemainingGroups()
         return;
     }
     m_target = m_rootSidebarItem;
-    orderLikeTheDrop(groups);
-    beginProgress();
-    for (const Group &group : groups) {
-        if (isCancelled()) {
-            return;
-        }
-        importFiles(group);
-    }
+    importGroups(groups);
 }
 
 bool ImportOperation::rememberGroups(const QList<Group> &groups)
