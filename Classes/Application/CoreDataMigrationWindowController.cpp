@@ -5,7 +5,9 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
+#include <atomic>
 #include <chrono>
+#include <thread>
 
 namespace {
 // What other processes ask for waits until the library is open.
@@ -41,6 +43,18 @@ void CoreDataMigrationWindowController::advanceBy(double items)
     if (m_progress) {
         m_progress->advanceBy(items);
         draw(std::chrono::milliseconds(0));
+    }
+}
+
+void CoreDataMigrationWindowController::showWhile(const std::function<void()> &work)
+{
+    std::atomic_bool isDone = false;
+    std::jthread thread([&] {
+        work();
+        isDone = true;
+    });
+    while (!isDone) {
+        draw(std::chrono::milliseconds(20));
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "Classes/Application/UserInteraction.h"
 
+#include <functional>
+
 // The window shown while an older library is brought up to date: one determinate bar. Main thread.
 class CoreDataMigrationWindowController
 {
@@ -11,6 +13,8 @@ public:
     void showWindow(); // and lets it be drawn
     void setMaximum(double maximum);
     void advanceBy(double items); // and lets it be drawn
+    // Runs `work`, whose length nobody knows, on a thread of its own and goes on drawing until it is over.
+    void showWhile(const std::function<void()> &work);
     void hideWindow();
 
 private:

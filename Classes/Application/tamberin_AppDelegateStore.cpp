@@ -56,11 +56,18 @@ bool tamberin_AppDelegate::openStore(ZQError *error)
         std::optional<CoreDataMigrationWindowController> window; // a large library takes its time
         const auto metadata = QFileInfo::exists(path) ? ZQPersistentStoreCoordinator::metadataForStoreAtPath(path)
                                                       : std::optional<ZQStoreMetadata>();
-        if (metadata && !ZQPersistentStoreCoordinator::isModelCompatible(*managedObjectModel(), *metadata)) {
+        const auto model = managedObjectModel();
+        const bool isSlow = metadata && ZQPersistentStoreCoordinator::opensSlowly(*model, path);
+        if (isSlow || (metadata && !ZQPersistentStoreCoordinator::isModelCompatible(*model, *metadata))) {
             window.emplace(userInteraction());
             window->showWindow();
         }
-        m_coordinator = ZQPersistentStoreCoordinator::open(managedObjectModel(), path, {}, &opening);
+        const auto open = [&] { m_coordinator = ZQPersistentStoreCoordinator::open(model, path, {}, &opening); };
+        if (isSlow) {
+            window->showWhile(open);
+        } else {
+            open();
+        }
     }
     const bool isDamaged =
         opening.domain == ZQStoreErrorDomain && opening.code == static_cast<int>(ZQStoreError::Damaged);

@@ -131,7 +131,10 @@ bool Private::selectRows(Root &root, const QList<qint64> &keys, const std::funct
             visit(select);
         }
         if (select.failed()) {
-            qCWarning(zqLogStore, "reading rows failed: %s", qUtf8Printable(storeError().localizedDescription()));
+            const ZQError failure = storeError();
+            if (failure.code != int(ZQStoreError::Cancelled)) {
+                qCWarning(zqLogStore, "reading rows failed: %s", qUtf8Printable(failure.localizedDescription()));
+            }
             return false;
         }
     }
@@ -152,7 +155,10 @@ void Private::fire(ZQManagedObject *object)
     for (int i = 0; neighbour && i < faultsFilledBehind; ++i, neighbour = neighbour->m_previousFault) {
         keys.append(neighbour->m_key);
     }
-    fillObjects(root, keys);
+    const bool isRead = selectRows(root, keys, [&](ZQSQLiteStatement &row) { objectFromRow(row, root); });
+    if (!isRead && storeError().code == int(ZQStoreError::Cancelled)) {
+        return; // still a fault, for when it is wanted again
+    }
     if (object->m_isFault) {
         // The row is gone or cannot be read; the object keeps what it has.
         unlinkFault(object);

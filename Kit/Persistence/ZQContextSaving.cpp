@@ -138,6 +138,7 @@ bool Private::write(ZQSaveWork &work, ZQError *error)
         zqSetError(error, storeError());
         return false;
     }
+    coordinator->noteSavedRows(*connection, work.inserted.size() + work.deleted.size());
     return true;
 }
 

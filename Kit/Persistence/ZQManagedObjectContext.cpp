@@ -119,6 +119,14 @@ ZQError ZQManagedObjectContext::Private::storeError() const
     return error;
 }
 
+void ZQManagedObjectContext::setFetchesAreCancellable(bool areCancellable)
+{
+    d->assertThread();
+    if (d->connection) {
+        d->connection->setReadsAreCancellable(areCancellable);
+    }
+}
+
 ZQSQLiteStatement ZQManagedObjectContext::Private::prepare(const QString &sql)
 {
     return connection ? connection->prepare(sql) : ZQSQLiteStatement();

@@ -53,6 +53,28 @@ struct ZQRelationshipDescription
     bool isManyToMany() const { return toMany && inverse && inverse->toMany; }
 };
 
+// An index of a family's table, beside those that each "indexed" attribute and each to-one relationship has.
+struct ZQIndexDescription
+{
+    struct Column
+    {
+        QString name;
+        bool descending = false;
+    };
+    // What a row must hold to be in a partial index.
+    struct Condition
+    {
+        enum class Kind { IsValue, IsNull, IsNotNull };
+        QString column;
+        Kind kind = Kind::IsValue;
+        qint64 value = 0;
+    };
+
+    std::vector<Column> columns;
+    std::vector<Condition> conditions; // none: every row is in it
+    bool isCovering = false;           // names its rows without a look at the table
+};
+
 // One entity. An entity with a parent shares its root's table and inherits all properties, so `attributes` and
 // `relationships` list the inherited ones first, in the order of the model file.
 class ZQEntityDescription
@@ -69,6 +91,7 @@ public:
 
     std::vector<ZQAttributeDescription> attributes;
     std::vector<ZQRelationshipDescription> relationships;
+    std::vector<ZQIndexDescription> indexes; // those written with this entity; not inherited
 
     bool isKindOf(const ZQEntityDescription *other) const;
     // The codes of this entity and all entities below it.
@@ -88,7 +111,11 @@ public:
     //     "entities": [ { "name", "parent"?, "abstract"?, "renamingIdentifier"?,
     //                     "attributes": [ { "name", "type", "optional"?, "indexed"?, "default"?, "renamingIdentifier"?
     //                     } ], "relationships": [ { "name", "destination", "inverse", "toMany"?, "deleteRule"?,
-    //                                          "renamingIdentifier"? } ] } ] }
+    //                                          "renamingIdentifier"? } ],
+    //                     "indexes"?: [ { "properties", "where"?, "covering"? } ] } ] }
+    // An index lists attributes and to-one relationships, "-NAME" for a descending one. "where" maps a property to the
+    // boolean or whole number it must hold, null, or {"not": null}; only such rows are in the index. A covering index
+    // also holds which objects its rows are, so that it alone answers a list of identifiers in its order, or a count.
     // Types are written as the names of `ZQAttributeType` in lower camel case ("string", "integer32", …), rules as
     // "nullify", "cascade", "deny". Null with an error that names the entity and property at fault.
     static std::shared_ptr<const ZQManagedObjectModel> modelFromJSON(const QByteArray &json, ZQError *error = nullptr);

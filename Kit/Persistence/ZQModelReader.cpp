@@ -57,6 +57,16 @@ QString slash(const QString &a, const QString &b)
     return a + u'/' + b;
 }
 
+// The column of an attribute or a to-one relationship; empty when the entity has none of this name.
+QString columnOfProperty(const ZQEntityDescription &entity, const QString &property)
+{
+    if (const ZQAttributeDescription *attribute = entity.attribute(property)) {
+        return attribute->columnName;
+    }
+    const ZQRelationshipDescription *relationship = entity.relationship(property);
+    return relationship && !relationship->toMany ? relationship->columnName : QString();
+}
+
 QVariant integerFromJSON(const QJsonValue &json, double low, double high)
 {
     const double number = json.toDouble();
@@ -119,7 +129,9 @@ bool ZQModelReader::read(const QByteArray &json)
         m_versionIdentifiers.append(identifier.toString());
     }
     return readEntities(document[QStringLiteral("entities")].toArray()) && linkParents() && readProperties() &&
-           checkColumns() && linkRelationships();
+           checkColumns() && linkRelationships() &&
+           std::all_of(m_entities.begin(), m_entities.end(),
+                       [this](const auto &entity) { return readIndexes(*entity); });
 }
 
 bool ZQModelReader::readEntities(const QJsonArray &list)
@@ -372,4 +384,94 @@ void ZQModelReader::nameJoinTable(ZQRelationshipDescription &relationship) const
         QStringLiteral("zq_join_") + std::min(own, other) + QStringLiteral("__") + std::max(own, other);
     relationship.joinOwnColumn = own;
     relationship.joinOtherColumn = other;
+}
+
+bool ZQModelReader::readIndexes(ZQEntityDescription &entity)
+{
+    const QJsonValue list = m_sources.value(entity.name).value(QStringLiteral("indexes"));
+    if (!list.isUndefined() && !list.isArray()) {
+        return fail(entity.name, QStringLiteral("\"indexes\" is not a list"));
+    }
+    for (const QJsonValue &value : list.toArray()) {
+        ZQIndexDescription index;
+        if (!readIndex(entity, value.toObject(), index)) {
+            return false;
+        }
+        entity.indexes.push_back(std::move(index));
+    }
+    return true;
+}
+
+bool ZQModelReader::readIndex(const ZQEntityDescription &entity, const QJsonObject &source, ZQIndexDescription &index)
+{
+    static const QSet<QString> known{QStringLiteral("properties"), QStringLiteral("where"), QStringLiteral("covering")};
+    for (const QString &key : source.keys()) {
+        if (!known.contains(key)) {
+            return fail(entity.name, QStringLiteral("an index has no \"%1\"").arg(key));
+        }
+    }
+    for (const QJsonValue &value : source[QStringLiteral("properties")].toArray()) {
+        const QString text = value.toString();
+        const bool descending = text.startsWith(u'-');
+        const QString property = descending ? text.mid(1) : text;
+        const QString column = columnOfProperty(entity, property);
+        if (column.isEmpty()) {
+            return fail(entity.name + u'.' + property,
+                        QStringLiteral("an index needs attributes or to-one relationships"));
+        }
+        if (std::any_of(index.columns.begin(), index.columns.end(),
+                        [&column](const auto &other) { return other.name == column; })) {
+            return fail(entity.name + u'.' + property, QStringLiteral("is twice in one index"));
+        }
+        index.columns.push_back({column, descending});
+    }
+    if (index.columns.empty()) {
+        return fail(entity.name, QStringLiteral("an index needs a list of \"properties\""));
+    }
+    const QJsonValue covering = source[QStringLiteral("covering")];
+    const QJsonValue where = source[QStringLiteral("where")];
+    if ((!covering.isUndefined() && !covering.isBool()) || (!where.isUndefined() && !where.isObject())) {
+        return fail(entity.name,
+                    QStringLiteral("an index is \"covering\" or not, and its \"where\" maps properties to values"));
+    }
+    index.isCovering = covering.toBool();
+    const QJsonObject conditions = where.toObject();
+    for (auto entry = conditions.begin(); entry != conditions.end(); ++entry) {
+        ZQIndexDescription::Condition condition;
+        if (!readIndexCondition(entity, entry.key(), entry.value(), condition)) {
+            return false;
+        }
+        index.conditions.push_back(condition);
+    }
+    return true;
+}
+
+bool ZQModelReader::readIndexCondition(const ZQEntityDescription &entity, const QString &property,
+                                       const QJsonValue &value, ZQIndexDescription::Condition &condition)
+{
+    using Kind = ZQIndexDescription::Condition::Kind;
+    const QString where = entity.name + u'.' + property;
+    condition.column = columnOfProperty(entity, property);
+    if (condition.column.isEmpty()) {
+        return fail(where, QStringLiteral("an index has no condition on what is no attribute or to-one relationship"));
+    }
+    if (value.isNull()) {
+        condition.kind = Kind::IsNull;
+        return true;
+    }
+    if (value.isObject()) {
+        condition.kind = Kind::IsNotNull;
+        return value.toObject() == QJsonObject{{QStringLiteral("not"), QJsonValue::Null}} ||
+               fail(where, QStringLiteral("the condition of an index is a value, null or {\"not\": null}"));
+    }
+    const ZQAttributeDescription *attribute = entity.attribute(property);
+    const bool isNumber =
+        attribute && (attribute->type == ZQAttributeType::Boolean || attribute->type == ZQAttributeType::Integer16 ||
+                      attribute->type == ZQAttributeType::Integer32);
+    const QVariant number = isNumber ? zqValueFromJSON(value, attribute->type) : QVariant();
+    condition.value = number.toLongLong();
+    return number.isValid() ||
+           fail(where,
+                QStringLiteral("the condition of an index does not fit the type; only booleans and whole numbers "
+                               "of 16 and 32 bits have values there"));
 }

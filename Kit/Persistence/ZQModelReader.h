@@ -28,6 +28,10 @@ private:
     bool checkColumns();
     bool linkRelationships();
     bool linkRelationship(const ZQEntityDescription &owner, ZQRelationshipDescription &relationship);
+    bool readIndexes(ZQEntityDescription &entity);
+    bool readIndex(const ZQEntityDescription &entity, const QJsonObject &source, ZQIndexDescription &index);
+    bool readIndexCondition(const ZQEntityDescription &entity, const QString &property, const QJsonValue &value,
+                            ZQIndexDescription::Condition &condition);
     void nameJoinTable(ZQRelationshipDescription &relationship) const;
     ZQEntityDescription *find(const QString &name) const;
 

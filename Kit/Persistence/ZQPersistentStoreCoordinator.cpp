@@ -4,6 +4,7 @@
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Kit/Persistence/ZQStoreCheck.h"
+#include "Kit/Persistence/ZQStoreIndexes.h"
 #include "Kit/Persistence/ZQStoreMigration.h"
 #include "Kit/Persistence/ZQStoreReplacement.h"
 #include "Kit/Persistence/ZQStoreSchema.h"
@@ -142,15 +143,27 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
     if (!checkAfterUncleanEnd(connection, error)) {
         return false;
     }
-    if (isModelCompatible(*m_model, *metadata)) {
-        // Indexes are not part of a row's form, so a compatible model may want others. A store that cannot be written
-        // works without them.
-        if (!zqExecuteAll(connection, zqIndexStatements(*m_model))) {
-            qCInfo(zqLogStore, "no indexes added: %s", qUtf8Printable(connection.error().localizedDescription()));
-        }
-        return true;
+    const bool isMigrated = !isModelCompatible(*m_model, *metadata);
+    if (isMigrated && !zqMigrateStore(connection, *metadata, *m_model, options, error)) {
+        return false;
     }
-    return zqMigrateStore(connection, *metadata, *m_model, options, error);
+    // A store that cannot be written works without them.
+    if (!zqUpdateIndexes(connection, *m_model) ||
+        !(isMigrated ? zqGatherStatistics(connection) : zqUpdateStatistics(connection, *m_model))) {
+        qCInfo(zqLogStore, "indexes as they were: %s", qUtf8Printable(connection.error().localizedDescription()));
+    }
+    return true;
+}
+
+bool ZQPersistentStoreCoordinator::opensSlowly(const ZQManagedObjectModel &model, const QString &path)
+{
+    constexpr qint64 quickBytes = qint64(32) << 20;
+    if (QFileInfo(path).size() < quickBytes) {
+        return false;
+    }
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadOnly, nullptr);
+    const auto metadata = connection ? zqReadStoreMetadata(*connection, nullptr) : std::nullopt;
+    return metadata && (!isModelCompatible(model, *metadata) || !zqHasIndexes(*connection, model));
 }
 
 bool ZQPersistentStoreCoordinator::readOrigin(ZQSQLiteConnection &connection, ZQError *error)
@@ -236,6 +249,9 @@ ZQPersistentStoreCoordinator::~ZQPersistentStoreCoordinator()
     const auto connection = ZQSQLiteConnection::open(m_path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
     if (!connection) {
         return;
+    }
+    if (!m_isDamaged) {
+        zqUpdateStatistics(*connection, *m_model);
     }
     connection->value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
     const QString suspicion = m_isRecoveryWanted ? recoverMark : damagedMark;
@@ -412,6 +428,16 @@ void ZQPersistentStoreCoordinator::removeNeedlessCopies(ZQSQLiteConnection &conn
     }
     if (areGone) {
         zqWriteMetadata(connection, zqPendingCopiesKey, QStringLiteral(""));
+    }
+}
+
+void ZQPersistentStoreCoordinator::noteSavedRows(ZQSQLiteConnection &connection, qsizetype rows)
+{
+    constexpr qint64 rowsBetweenLooks = 10000;
+    m_savedRows += rows;
+    if (m_savedRows >= rowsBetweenLooks) {
+        m_savedRows = 0;
+        zqUpdateStatistics(connection, *m_model);
     }
 }
 

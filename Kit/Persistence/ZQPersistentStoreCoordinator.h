@@ -42,6 +42,7 @@ enum class ZQStoreError {
     Conflict,   // a save met rows changed by others; `userInfo["conflicts"]` holds the identifiers
     Validation, // a required attribute was null
     Other,
+    Cancelled, // a fetch that is not wanted any more; says nothing of the store
 };
 inline const QString ZQStoreErrorDomain = QStringLiteral("ZQStore");
 
@@ -80,6 +81,8 @@ public:
     // Reads a store's metadata without migrating or changing it. Nothing when `path` is no store.
     static std::optional<ZQStoreMetadata> metadataForStoreAtPath(const QString &path, ZQError *error = nullptr);
     static bool isModelCompatible(const ZQManagedObjectModel &model, const ZQStoreMetadata &metadata);
+    // Whether `open` would first work through all of a large store, to migrate it or to make the indexes of the model.
+    static bool opensSlowly(const ZQManagedObjectModel &model, const QString &path);
 
     // Looks for damage in a store that need not be one that can be opened. Linear in the store. Nobody may have it
     // open.
@@ -130,6 +133,8 @@ public:
     std::unique_ptr<ZQSQLiteConnection> newConnection(ZQError *error = nullptr) const;
     // For contexts: a read met damage.
     void noteDamage() { m_isDamaged = true; }
+    // For contexts, after a save, while they hold the lock: keeps the planner's statistics in step with the store.
+    void noteSavedRows(ZQSQLiteConnection &connection, qsizetype rows);
     // For contexts: held while a save writes, so that saves of one process queue instead of meeting the busy timeout.
     std::mutex &writeLock() const { return m_writeLock; }
 
@@ -154,5 +159,6 @@ private:
     std::atomic<bool> m_isDamaged = false;
     std::atomic<bool> m_isRecoveryWanted = false;
     bool m_isMarked = false;
+    qint64 m_savedRows = 0; // since the statistics were last looked at; under the lock of writing
     mutable std::mutex m_writeLock;
 };

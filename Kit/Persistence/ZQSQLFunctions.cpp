@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQCollator.h"
 #include "Kit/Persistence/ZQPredicate.h"
 #include "Kit/Persistence/ZQPredicateNode.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 
 #include <sqlite3.h>
 
@@ -69,7 +70,9 @@ int collate(void *collator, int sizeA, const void *a, int sizeB, const void *b)
 {
     const std::string_view textA(static_cast<const char *>(a), static_cast<size_t>(sizeA));
     const std::string_view textB(static_cast<const char *>(b), static_cast<size_t>(sizeB));
-    return static_cast<const ZQCollator *>(collator)->compareUTF8(textA, textB);
+    // Sorting is one step, however much it is; without the rules of a language it is over in a moment.
+    return zqIsStatementCancelled() ? textA.compare(textB)
+                                    : static_cast<const ZQCollator *>(collator)->compareUTF8(textA, textB);
 }
 
 struct Function

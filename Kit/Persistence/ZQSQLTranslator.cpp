@@ -4,11 +4,14 @@
 #include "Kit/Persistence/ZQSQLList.h"
 #include "Kit/Persistence/ZQSQLPath.h"
 
+#include <QDateTime>
+
 #include <algorithm>
 #include <functional>
 
 // Every condition below is 0 or 1, never NULL, so that NOT is the opposite. A comparison of a bare column keeps the
-// form an index can answer: "x IS ?", "x < ? AND x IS NOT NULL".
+// form an index can answer: "x IS ?", "x < ? AND x IS NOT NULL". Of a partial index the planner has to see the
+// condition: 0 and 1, which the conditions of indexes are about, stand in the text, and what is not null says so.
 
 using Op = ZQComparisonOperator;
 using Modifier = ZQComparisonModifier;
@@ -80,8 +83,23 @@ ZQSQLFragment never()
     return plain(QStringLiteral("0"));
 }
 
+ZQSQLFragment sqlForColumnIs(const Operand &column, const Operand &constant)
+{
+    if (constant.type == ZQSQLType::Object) {
+        return joined(QStringLiteral("(%1 IS %2 AND ") + column.sql.text + QStringLiteral(" IS NOT NULL)"), column.sql,
+                      constant.sql);
+    }
+    const QVariant value = constant.sql.bindings.value(0);
+    const bool isInText = value.typeId() == QMetaType::LongLong && (value.toLongLong() == 0 || value.toLongLong() == 1);
+    return joined(QStringLiteral("%1 IS %2"), column.sql,
+                  isInText ? plain(QString::number(value.toLongLong())) : constant.sql);
+}
+
 ZQSQLFragment sqlForEquality(const Operand &a, const Operand &b)
 {
+    if (a.isColumn && b.isConstant && haveOneType(a, b)) {
+        return sqlForColumnIs(a, b);
+    }
     if (haveOneType(a, b)) {
         return joined(QStringLiteral("%1 IS %2"), a.sql, b.sql);
     }
@@ -92,6 +110,15 @@ ZQSQLFragment sqlForEquality(const Operand &a, const Operand &b)
     return joined(QStringLiteral("(%1 IS NULL AND %2 IS NULL)"), a.sql, b.sql);
 }
 
+// Without a look at the values a quarter of all rows would seem to be later than any date, and no index worth it. Who
+// asks for what came since a moment not long ago means the few newest.
+bool isLately(const char *symbol, const Operand &constant)
+{
+    constexpr qint64 span = qint64(31) * 24 * 60 * 60 * 1000;
+    return constant.type == ZQSQLType::Date && symbol[0] == '>' &&
+           constant.sql.bindings.value(0).toLongLong() > QDateTime::currentMSecsSinceEpoch() - span;
+}
+
 ZQSQLFragment sqlForOrder(const char *symbol, const Operand &a, const Operand &b)
 {
     if (!haveOneType(a, b) || a.type == ZQSQLType::Object) {
@@ -99,7 +126,9 @@ ZQSQLFragment sqlForOrder(const char *symbol, const Operand &a, const Operand &b
     }
     const QString comparison = QStringLiteral("%1 ") + QLatin1String(symbol) + QStringLiteral(" %2");
     if (a.isColumn && b.isConstant) {
-        return joined(QStringLiteral("(") + comparison + QStringLiteral(" AND ") + a.sql.text +
+        const QString hinted =
+            isLately(symbol, b) ? QStringLiteral("likelihood(") + comparison + QStringLiteral(", 0.001)") : comparison;
+        return joined(QStringLiteral("(") + hinted + QStringLiteral(" AND ") + a.sql.text +
                           QStringLiteral(" IS NOT NULL)"),
                       a.sql, b.sql);
     }

@@ -1,5 +1,6 @@
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQObjectID.h"
@@ -15,6 +16,14 @@ namespace {
 
 constexpr int busyTimeoutMilliseconds = 5000;
 constexpr qsizetype cachedStatements = 160;
+// Each connection keeps so much of the file. A million items have some 4 MB of inner pages, which every look-up passes;
+// with the leaves of a save of a thousand items that fits, and a save does not spill into the log before its end. What
+// is more comes from the system's cache in microseconds. The file is not mapped instead: where its disk goes away, a
+// mapping ends the process, reading is an error.
+constexpr int cacheKibibytes = 8192;
+constexpr int stepsBetweenChecks = 1000; // some tens of microseconds
+
+thread_local bool isInCancellableStep = false;
 
 struct Sentence
 {
@@ -40,6 +49,7 @@ constexpr Sentence sentences[] = {
      "Recover it with `zelto recover`, or put back a copy from a backup."},
     {SQLITE_CANTOPEN, ZQStoreError::CannotOpen, "The library's database cannot be opened.",
      "Check that its folder exists and that you may read and write there."},
+    {SQLITE_INTERRUPT, ZQStoreError::Cancelled, "The request was cancelled.", "Ask again when it is needed."},
     {SQLITE_IOERR, ZQStoreError::Other, "The disk reported an error while the library was used.",
      "Check that the volume is still connected and has room, then try again."},
 };
@@ -183,7 +193,7 @@ bool ZQSQLiteStatement::next()
         m_code = SQLITE_MISUSE;
         return false;
     }
-    const int code = sqlite3_step(m_statement);
+    const int code = m_connection->step(m_statement);
     m_code = code == SQLITE_ROW || code == SQLITE_DONE ? 0 : code;
     if (m_code) {
         m_connection->noteCode(m_code);
@@ -291,7 +301,9 @@ bool ZQSQLiteConnection::configure(bool isWriter, ZQError *error)
     // Settings that only matter to writers would read the schema, which a damaged file may not have.
     if (code == SQLITE_OK &&
         (!isWriter ||
-         execute(QStringLiteral("PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL; PRAGMA temp_store=MEMORY")))) {
+         execute(QStringLiteral("PRAGMA foreign_keys=ON; PRAGMA synchronous=FULL; PRAGMA temp_store=MEMORY; "
+                                "PRAGMA cache_size=-%1")
+                     .arg(cacheKibibytes)))) {
         return true;
     }
     if (code != SQLITE_OK) {
@@ -307,6 +319,33 @@ ZQSQLiteConnection::~ZQSQLiteConnection()
         sqlite3_finalize(cached->statement);
     }
     sqlite3_close_v2(m_handle);
+}
+
+void ZQSQLiteConnection::setReadsAreCancellable(bool areCancellable)
+{
+    m_readsAreCancellable = areCancellable;
+    const auto ask = [](void *self) {
+        ++static_cast<ZQSQLiteConnection *>(self)->m_cancellationChecks;
+        return zqIsStatementCancelled() ? 1 : 0;
+    };
+    sqlite3_progress_handler(m_handle, areCancellable ? stepsBetweenChecks : 0, areCancellable ? +ask : nullptr, this);
+}
+
+// Not sqlite3_interrupt, which from another thread ends whatever the connection does by the time it comes.
+int ZQSQLiteConnection::step(sqlite3_stmt *statement)
+{
+    const bool isCancellable = m_readsAreCancellable && !isInTransaction() && sqlite3_stmt_readonly(statement);
+    isInCancellableStep = isCancellable;
+    const int code = sqlite3_step(statement);
+    // What was put in order after the cancellation is in none.
+    const bool isVoid = (code == SQLITE_ROW || code == SQLITE_DONE) && zqIsStatementCancelled();
+    isInCancellableStep = false;
+    return isVoid ? SQLITE_INTERRUPT : code;
+}
+
+bool zqIsStatementCancelled()
+{
+    return isInCancellableStep && ZQCancellation::isCurrentCancelled();
 }
 
 void ZQSQLiteConnection::noteCode(int code)

@@ -94,14 +94,24 @@ public:
     int errorCode() const { return m_lastCode; }
     void noteCode(int code);
 
+    // Whether statements that only read, outside of transactions, end with SQLITE_INTERRUPT once the thread's
+    // ZQCancellation is cancelled. What writes never does. No by default: who works on after a cancellation reads on.
+    void setReadsAreCancellable(bool areCancellable);
+    int cancellationChecks() const
+    {
+        return m_cancellationChecks;
+    } // how often a running statement was asked; for tests
+
     int preparedUses() const { return m_uses; } // how many statements ran; for tests of batching
     sqlite3 *handle() const { return m_handle; }
     QString path() const { return m_path; }
 
 private:
+    friend class ZQSQLiteStatement;
     ZQSQLiteConnection() = default;
     bool configure(bool isWriter, ZQError *error);
     void trimCache();
+    int step(sqlite3_stmt *statement);
 
     struct Cached
     {
@@ -115,7 +125,12 @@ private:
     int m_lastCode = 0;
     QString m_lastMessage;
     int m_uses = 0;
+    bool m_readsAreCancellable = false;
+    int m_cancellationChecks = 0;
 };
+
+// Whether the thread is within a statement that was cancelled, so that what it still computes is thrown away.
+bool zqIsStatementCancelled();
 
 // A transaction that takes itself back unless it is committed.
 class ZQSQLiteTransaction

@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreIndexes.h"
 #include "Kit/Persistence/ZQStoreSchema.h"
 
 #include <QFile>
@@ -81,8 +82,7 @@ public:
     {
         return match() && setOldTablesAside() && zqExecuteAll(m_connection, zqTableStatements(m_to)) &&
                copyEntities() && copyJoins() && clearDanglingReferences() && dropOldTables() &&
-               zqExecuteAll(m_connection, zqIndexStatements(m_to)) && notePending() &&
-               zqWriteModelMetadata(m_connection, m_to);
+               zqCreateIndexes(m_connection, m_to) && notePending() && zqWriteModelMetadata(m_connection, m_to);
     }
     QString problem() const { return m_problem; } // empty when the database failed
 

@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreIndexes.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
@@ -29,12 +30,6 @@ QString reference(const QString &table, const QString &rule)
 {
     return QStringLiteral(" REFERENCES %1(\"id\") ON DELETE %2 DEFERRABLE INITIALLY DEFERRED")
         .arg(zqQuoted(table), rule);
-}
-
-QString indexStatement(const QString &table, const QString &column)
-{
-    return QStringLiteral("CREATE INDEX IF NOT EXISTS %1 ON %2(%3)")
-        .arg(zqQuoted(QStringLiteral("zq_index_%1_%2").arg(table, column)), zqQuoted(table), zqQuoted(column));
 }
 
 QByteArray hashesAsJSON(const ZQManagedObjectModel &model)
@@ -130,25 +125,6 @@ QStringList zqTableStatements(const ZQManagedObjectModel &model)
     return statements;
 }
 
-QStringList zqIndexStatements(const ZQManagedObjectModel &model)
-{
-    QStringList statements;
-    for (const ZQEntityDescription *root : zqRootEntities(model)) {
-        if (!root->subentities.empty()) {
-            statements.append(indexStatement(root->tableName, QStringLiteral("entity")));
-        }
-        for (const ZQStoreColumn &column : zqColumnsOfFamily(model, root)) {
-            if (column.indexed) {
-                statements.append(indexStatement(root->tableName, column.name));
-            }
-        }
-    }
-    for (const ZQJoinTable &join : zqJoinTables(model)) {
-        statements.append(indexStatement(join.relationship->joinTable, join.relationship->joinOtherColumn));
-    }
-    return statements;
-}
-
 QStringList zqBookkeepingStatements()
 {
     return {QStringLiteral("CREATE TABLE \"zq_metadata\" (\"key\" TEXT PRIMARY KEY, \"value\") WITHOUT ROWID"),
@@ -238,7 +214,7 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
 bool zqCreateStore(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model, const QUuid &uuid)
 {
     return zqExecuteAll(connection, zqBookkeepingStatements()) && zqExecuteAll(connection, zqTableStatements(model)) &&
-           zqExecuteAll(connection, zqIndexStatements(model)) &&
+           zqCreateIndexes(connection, model) &&
            zqWriteMetadata(connection, QStringLiteral("uuid"), uuid.toString(QUuid::WithoutBraces)) &&
            zqWriteMetadata(connection, zqCreatedKey, QDateTime::currentMSecsSinceEpoch()) &&
            zqWriteModelMetadata(connection, model);

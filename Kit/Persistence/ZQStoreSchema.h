@@ -7,7 +7,8 @@
 
 class ZQSQLiteConnection;
 
-// The SQL form of a model: which tables, columns and indexes a store has, and what it says of itself.
+// The SQL form of a model: which tables and columns a store has (ZQStoreIndexes.h: which indexes), and what it says of
+// itself.
 //
 // A root entity's table has "id", "entity" (an entity code), "version" and a column for each attribute and to-one
 // relationship of the family. A many-to-many pair has a join table. Deleting a row clears the references to it.
@@ -33,8 +34,7 @@ QList<ZQJoinTable> zqJoinTables(const ZQManagedObjectModel &model);
 QList<const ZQEntityDescription *> zqRootEntities(const ZQManagedObjectModel &model);
 
 QStringList zqTableStatements(const ZQManagedObjectModel &model);
-QStringList zqIndexStatements(const ZQManagedObjectModel &model); // only those not there yet are made
-QStringList zqBookkeepingStatements();                            // metadata and key sequences
+QStringList zqBookkeepingStatements(); // metadata and key sequences
 
 bool zqExecuteAll(ZQSQLiteConnection &connection, const QStringList &statements);
 

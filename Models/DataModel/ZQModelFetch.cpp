@@ -8,6 +8,9 @@
 
 void zqLogFetchError(const ZQError &error)
 {
+    if (error.domain == ZQStoreErrorDomain && error.code == int(ZQStoreError::Cancelled)) {
+        return; // nobody waits for it
+    }
     const QString description = error.localizedDescription();
     const QString text = zqFormat(QStringLiteral("Error while fetching\n%@"),
                                   {description.isEmpty() ? QStringLiteral("Unknown Error") : description});

@@ -3,6 +3,8 @@
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreIndexes.h"
 #include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Models/DataModel/_ZQEntities.h"
@@ -10,6 +12,7 @@
 #include "Tests/Support/DamagedStore.h"
 
 #include <QFile>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -111,6 +114,23 @@ TEST_F(OlderLibrary, GetsWhatEveryVersionItPassedBrought)
     EXPECT_GE(progresses, 3) << "for the store itself and for each version";
     zqRunMainLoopUntil([&] { return pending(*delegate).isEmpty(); });
     zqRunMainLoopUntil([&] { return copies().isEmpty(); });
+}
+
+TEST_F(OlderLibrary, ALargeOneIsGivenItsIndexesWhileTheWindowAnswers)
+{
+    makeLibrary("Version8", 1);
+    auto writer = ZQSQLiteConnection::open(store(), ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    ASSERT_TRUE(writer->execute(QStringLiteral("DROP INDEX zq_index_ZQLibraryBaseItem_SHA1; "
+                                               "UPDATE ZQLibraryBaseItem SET itemURLData = zeroblob(40000000)")));
+    writer->value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+    // Making it has to wait until the main loop lets it.
+    ASSERT_TRUE(writer->execute(QStringLiteral("BEGIN IMMEDIATE")));
+    user.onBeginProgress = [&writer](const auto &) { QTimer::singleShot(1000, [&writer] { writer.reset(); }); };
+    const auto delegate = application();
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    ASSERT_TRUE(coordinator);
+    EXPECT_FALSE(writer) << "the window did not answer meanwhile";
+    EXPECT_TRUE(zqHasIndexes(*coordinator->newConnection(), *zqCurrentModel()));
 }
 
 TEST_F(OlderLibrary, FindsFilesThatMovedIntoALiveFolder)

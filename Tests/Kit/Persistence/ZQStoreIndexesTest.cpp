@@ -1,0 +1,198 @@
+#include "Kit/Persistence/ZQStoreIndexes.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Tests/Kit/Persistence/TestModel.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The test's model with `indexes` in the entity of the tree's nodes.
+QByteArray modelWith(const QByteArray &indexes)
+{
+    return QByteArray(testModelJSON)
+        .replace("\"TestNode\", \"abstract\": true,",
+                 "\"TestNode\", \"abstract\": true, \"indexes\": " + indexes + ',');
+}
+
+const QByteArray wanted = R"([ {"properties": ["-date", "title"], "covering": true},
+                               {"properties": ["small", "flag"], "where": {"flag": false, "small": {"not": null}}},
+                               {"properties": ["parent", "medium"]} ])";
+
+QHash<QString, QString> indexesOf(const QString &path)
+{
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadOnly, nullptr);
+    QHash<QString, QString> found;
+    ZQSQLiteStatement select = connection->prepare(
+        QStringLiteral("SELECT name, sql FROM sqlite_master WHERE type = 'index' AND name NOT LIKE 'sqlite_%'"));
+    while (select.next()) {
+        found.insert(select.text(0), select.text(1));
+    }
+    return found;
+}
+
+QHash<QString, QString> indexesOf(const ZQManagedObjectModel &model)
+{
+    QHash<QString, QString> expected;
+    for (const ZQStoreIndex &index : zqIndexesOfModel(model)) {
+        expected.insert(index.name, index.sql);
+    }
+    return expected;
+}
+
+void execute(const QString &path, const QString &sql)
+{
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    ASSERT_TRUE(connection->execute(sql)) << qPrintable(connection->error().localizedDescription());
+}
+
+QString value(const QString &path, const QString &sql)
+{
+    const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadOnly, nullptr);
+    return connection->value(sql).toString();
+}
+
+void addNodes(const QString &path, int from, int count)
+{
+    execute(path,
+            QStringLiteral("WITH RECURSIVE n(i) AS (SELECT %1 UNION ALL SELECT i + 1 FROM n WHERE i < %2) INSERT INTO "
+                           "TestNode (id, entity, title, flag) SELECT i, 2, 'node ' || i, i % 50 != 0 FROM n; "
+                           "INSERT OR REPLACE INTO zq_sequence SELECT 'TestNode', max(id) FROM TestNode")
+                .arg(from)
+                .arg(from + count - 1));
+}
+
+// How many thousand nodes the planner believes there are, to the nearest, by each index that has them all.
+QString thousandsByStatistics(const QString &path)
+{
+    return value(path,
+                 QStringLiteral("SELECT group_concat(DISTINCT CAST(round(CAST(stat AS INTEGER) / 1000.0) AS INTEGER)) "
+                                "FROM sqlite_stat1 WHERE tbl = 'TestNode' AND idx NOT LIKE '%where%'"));
+}
+
+} // namespace
+
+TEST(ZQStoreIndexes, AModelDeclaresCompoundPartialAndCoveringOnes)
+{
+    const auto plain = ZQManagedObjectModel::modelFromJSON(testModelJSON);
+    const auto model = ZQManagedObjectModel::modelFromJSON(modelWith(wanted));
+    ASSERT_TRUE(model);
+    EXPECT_EQ(model->entityVersionHashes(), plain->entityVersionHashes()) << "indexes are no other form of a row";
+    const QStringList made = indexesOf(*model).values();
+    for (
+        const char *sql :
+        {R"(CREATE INDEX "zq_index_TestNode_date_descending_title_covering" ON "TestNode"("date" DESC, "title", "id", "entity"))",
+         R"(CREATE INDEX "zq_index_TestNode_small_flag_where_flag_0_with_small" ON "TestNode"("small", "flag") WHERE "flag" IS 0 AND "small" IS NOT NULL)",
+         R"(CREATE INDEX "zq_index_TestNode_parent_medium" ON "TestNode"("parent", "medium"))",
+         R"(CREATE INDEX "zq_index_TestNode_title" ON "TestNode"("title"))"}) {
+        EXPECT_TRUE(made.contains(QLatin1String(sql))) << sql;
+    }
+    EXPECT_EQ(made.size(), indexesOf(*plain).size() + 2) << "the one of the parent's column alone is not needed";
+}
+
+TEST(ZQStoreIndexes, FaultsAreNamedByEntityAndProperty)
+{
+    struct
+    {
+        const char *indexes;
+        const char *named;
+    } const cases[] = {
+        {R"([{"properties": ["title", "colour"]}])", "TestNode.colour"},
+        {R"([{"properties": ["children"]}])", "TestNode.children"},
+        {R"([{"properties": ["author"]}])", "TestNode.author"}, // of a sub-entity
+        {R"([{"properties": ["title", "-title"]}])", "TestNode.title"},
+        {R"([{"properties": []}])", "properties"},
+        {R"({"properties": ["title"]})", "indexes"},
+        {R"([{"properties": ["title"], "unique": true}])", "unique"},
+        {R"([{"properties": ["title"], "covering": "yes"}])", "covering"},
+        {R"([{"properties": ["title"], "where": {"colour": null}}])", "TestNode.colour"},
+        {R"([{"properties": ["title"], "where": {"flag": 2}}])", "TestNode.flag"},
+        {R"([{"properties": ["title"], "where": {"small": 40000}}])", "TestNode.small"},
+        {R"([{"properties": ["title"], "where": {"title": "x"}}])", "TestNode.title"},
+        {R"([{"properties": ["title"], "where": {"flag": {"is": null}}}])", "TestNode.flag"},
+    };
+    for (const auto &each : cases) {
+        ZQError error;
+        EXPECT_FALSE(ZQManagedObjectModel::modelFromJSON(modelWith(each.indexes), &error)) << each.indexes;
+        EXPECT_TRUE(error.localizedDescription().contains(QLatin1String(each.named)))
+            << qPrintable(error.localizedDescription());
+    }
+}
+
+TEST(ZQStoreIndexes, AStoreOfTheSameVersionIsGivenThoseOfItsModelWhenItOpens)
+{
+    TestStore store;
+    ASSERT_TRUE(store.coordinator());
+    store.close();
+    addNodes(store.path, 1, 3000);
+    const QString uuid = value(store.path, QStringLiteral("SELECT value FROM zq_metadata WHERE key = 'uuid'"));
+    const QString mine = QStringLiteral("CREATE INDEX mine ON TestNode(large)");
+    execute(store.path, mine);
+
+    store.model = ZQManagedObjectModel::modelFromJSON(modelWith(wanted));
+    QHash<QString, QString> expected = indexesOf(*store.model);
+    expected.insert(QStringLiteral("mine"), mine);
+    const QString half = QStringLiteral("DROP INDEX zq_index_TestNode_parent_medium; "
+                                        "CREATE INDEX zq_index_TestNode_flag ON TestNode(flag)");
+    const QString foreign = QStringLiteral("DROP INDEX zq_index_TestNode_title; "
+                                           "CREATE INDEX zq_index_TestNode_title ON TestNode(title, large)");
+    for (const QString &before : {QString(), half, foreign}) {
+        SCOPED_TRACE(qPrintable(before));
+        if (!before.isEmpty()) {
+            execute(store.path, before);
+        }
+        ASSERT_NE(indexesOf(store.path), expected);
+        ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+        EXPECT_EQ(indexesOf(store.path), expected);
+        EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+        EXPECT_TRUE(store.coordinator()->pendingVersions()->isEmpty()) << "it is no migration";
+        store.close();
+    }
+    EXPECT_EQ(value(store.path, QStringLiteral("SELECT count(*) FROM TestNode")), QStringLiteral("3000"));
+    EXPECT_EQ(value(store.path, QStringLiteral("SELECT value FROM zq_metadata WHERE key = 'uuid'")), uuid);
+}
+
+TEST(ZQStoreIndexes, ALargeStoreThatLacksThemOpensSlowly)
+{
+    TestStore store;
+    ASSERT_TRUE(store.coordinator());
+    store.close();
+    const auto other = ZQManagedObjectModel::modelFromJSON(modelWith(wanted));
+    EXPECT_FALSE(ZQPersistentStoreCoordinator::opensSlowly(*other, store.path)) << "it is small";
+    execute(store.path, QStringLiteral("INSERT INTO TestNode (id, entity, blob) VALUES (1, 2, zeroblob(40000000))"));
+    EXPECT_FALSE(ZQPersistentStoreCoordinator::opensSlowly(*store.model, store.path)) << "it has them";
+    EXPECT_TRUE(ZQPersistentStoreCoordinator::opensSlowly(*other, store.path));
+    EXPECT_FALSE(ZQPersistentStoreCoordinator::opensSlowly(*other, store.path + u'x'));
+}
+
+TEST(ZQStoreIndexes, ThePlannerIsToldHowMuchThereIsAsTheStoreGrows)
+{
+    TestStore store(modelWith(wanted));
+    ASSERT_TRUE(store.coordinator());
+    store.close();
+    addNodes(store.path, 1, 3000);
+    ASSERT_TRUE(store.coordinator()); // after an opening
+    EXPECT_EQ(thousandsByStatistics(store.path), QStringLiteral("3")) << "one number for all that hold every row";
+    EXPECT_EQ(
+        value(store.path, QStringLiteral("SELECT CAST(stat AS INTEGER) FROM sqlite_stat1 WHERE idx LIKE '%where%'")),
+        QString())
+        << "no node is in the partial one";
+
+    addNodes(store.path, 3001, 3000); // not a multiple
+    store.close();
+    EXPECT_EQ(thousandsByStatistics(store.path), QStringLiteral("3"));
+    ASSERT_TRUE(store.coordinator());
+    addNodes(store.path, 6001, 14000);
+    store.close(); // at closing
+    EXPECT_GE(thousandsByStatistics(store.path).toInt(), 10);
+
+    execute(store.path, QStringLiteral("DELETE FROM sqlite_stat1"));
+    {
+        ZQManagedObjectContext context(store.coordinator());
+        execute(store.path, QStringLiteral("DELETE FROM sqlite_stat1"));
+        for (int i = 0; i < 10000; ++i) {
+            context.insertNewObject<TestFolder>();
+        }
+        ASSERT_TRUE(context.save());
+        EXPECT_GE(thousandsByStatistics(store.path).toInt(), 10) << "after large saves";
+    }
+}
