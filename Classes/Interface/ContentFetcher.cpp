@@ -1,5 +1,6 @@
 #include "Classes/Interface/ContentFetcher.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Models/DataModel/ZQModelFetch.h"
@@ -28,11 +29,15 @@ struct ContentFetcher::Private
     quint64 next = 0;
     int unanswered = 0;
     bool stopping = false;
+    Purpose runningPurpose = Purpose::Count;
+    std::shared_ptr<ZQCancellation> running; // null while nothing runs
     std::thread thread;
 
     void add(Job job);
     void run(ContentFetcher *owner);
-    void perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job);
+    void perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job,
+                 const std::shared_ptr<ZQCancellation> &cancellation);
+    bool putBack(const Job &job); // false for one that is not wanted any more
     bool isLatest(const Job &job) const
     {
         const std::lock_guard guard(lock);
@@ -52,6 +57,9 @@ ContentFetcher::~ContentFetcher()
     {
         const std::lock_guard guard(d->lock);
         d->stopping = true;
+        if (d->running) {
+            d->running->cancel();
+        }
     }
     d->wake.notify_all();
     d->thread.join();
@@ -64,6 +72,9 @@ void ContentFetcher::Private::add(Job job)
     latest[size_t(job.purpose)] = job.number;
     unanswered -= int(std::erase_if(waiting, [&job](const Job &other) { return other.purpose == job.purpose; }));
     ++unanswered;
+    if (running && job.purpose <= runningPurpose) {
+        running->cancel();
+    }
     waiting.push_back(std::move(job));
     wake.notify_one();
 }
@@ -71,6 +82,7 @@ void ContentFetcher::Private::add(Job job)
 void ContentFetcher::Private::run(ContentFetcher *owner)
 {
     ZQManagedObjectContext context(coordinator);
+    context.setFetchesAreCancellable(true);
     while (true) {
         std::unique_lock guard(lock);
         wake.wait(guard, [this] { return stopping || !waiting.empty(); });
@@ -81,15 +93,43 @@ void ContentFetcher::Private::run(ContentFetcher *owner)
                                             [](const Job &a, const Job &b) { return a.purpose < b.purpose; });
         const Job job = std::move(*first);
         waiting.erase(first);
+        const auto cancellation = std::make_shared<ZQCancellation>();
+        running = cancellation;
+        runningPurpose = job.purpose;
         guard.unlock();
-        perform(owner, context, job);
+        perform(owner, context, job, cancellation);
         context.reset();
     }
 }
 
-void ContentFetcher::Private::perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job)
+bool ContentFetcher::Private::putBack(const Job &job)
 {
-    Answer answer = job.work(context, [&] { return isLatest(job); });
+    const std::lock_guard guard(lock);
+    if (stopping || latest[size_t(job.purpose)] != job.number) {
+        return false;
+    }
+    waiting.push_back(job);
+    return true;
+}
+
+void ContentFetcher::Private::perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job,
+                                      const std::shared_ptr<ZQCancellation> &cancellation)
+{
+    Answer answer;
+    {
+        const ZQCancellation::Scope scope(cancellation);
+        answer = job.work(context, [&] { return isLatest(job) && !cancellation->isCancelled(); });
+    }
+    {
+        const std::lock_guard guard(lock);
+        running.reset();
+    }
+    if (cancellation->isCancelled()) {
+        if (putBack(job)) {
+            return;
+        }
+        answer = {};
+    }
     QMetaObject::invokeMethod(
         owner,
         [owner, job, answer = std::move(answer)] {
@@ -125,6 +165,9 @@ auto each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>, ZQEr
             }
             ZQError error;
             auto result = fetch(context, request, &error);
+            if (!result && ZQCancellation::isCurrentCancelled()) {
+                return {};
+            }
             if (!result) {
                 zqLogFetchError(error);
                 return [answer, error] { answer({}, error); };

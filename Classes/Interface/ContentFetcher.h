@@ -16,8 +16,9 @@ public:
     explicit ContentFetcher(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent = nullptr);
     ~ContentFetcher() override;
 
-    // What a caller is waiting for; a new request under the same name replaces one not yet begun, and only the answer
-    // of the latest is delivered. Those named first go first.
+    // What a caller is waiting for; a new request under the same name replaces the one before, also while that runs,
+    // and only the answer of the latest is delivered. Those named first go first: one that runs gives way to them, and
+    // begins anew afterwards.
     enum class Purpose { Content, Typing, ProjectCounts, TagCounts, Summary, Count };
 
     using IDs = QList<QList<ZQObjectID>>; // one list a request; no answer comes after an error
@@ -28,8 +29,8 @@ public:
     void fetchRows(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(Rows, ZQError)> answer);
     // No answer comes after an error: what is shown stays.
     void count(Purpose purpose, QList<ZQFetchRequest> requests, std::function<void(QList<qint64>)> answer);
-    // `work` runs on the fetcher's thread and should give up once `isWanted` says no; what it returns runs on the main
-    // one.
+    // `work` runs on the fetcher's thread, more than once when it had to give way, and should give up once `isWanted`
+    // says no: fetches fail as cancelled from then on. What it returns runs on the main thread, unless it was given up.
     using IsWanted = std::function<bool()>;
     using Answer = std::function<void()>;
     void run(Purpose purpose, std::function<Answer(ZQManagedObjectContext &, const IsWanted &isWanted)> work);
