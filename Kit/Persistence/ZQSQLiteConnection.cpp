@@ -188,6 +188,7 @@ bool ZQSQLiteStatement::next()
     if (m_code) {
         m_connection->noteCode(m_code);
     }
+    m_connection->m_rowsRead += code == SQLITE_ROW ? 1 : 0;
     return code == SQLITE_ROW;
 }
 

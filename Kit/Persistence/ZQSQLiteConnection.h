@@ -94,11 +94,13 @@ public:
     int errorCode() const { return m_lastCode; }
     void noteCode(int code);
 
-    int preparedUses() const { return m_uses; } // how many statements ran; for tests of batching
+    int preparedUses() const { return m_uses; }    // how many statements ran; for tests of batching
+    qint64 rowsRead() const { return m_rowsRead; } // that statements gave
     sqlite3 *handle() const { return m_handle; }
     QString path() const { return m_path; }
 
 private:
+    friend class ZQSQLiteStatement;
     ZQSQLiteConnection() = default;
     bool configure(bool isWriter, ZQError *error);
     void trimCache();
@@ -115,6 +117,7 @@ private:
     int m_lastCode = 0;
     QString m_lastMessage;
     int m_uses = 0;
+    qint64 m_rowsRead = 0;
 };
 
 // A transaction that takes itself back unless it is committed.
