@@ -20,6 +20,7 @@ entity bases. What changes nothing, whatever the tests: Tests/equivalent-mutants
 
 Ends with 1 when fewer than 85 % were noticed."""
 import argparse
+import fcntl
 import random
 import re
 import subprocess
@@ -193,7 +194,16 @@ class Run:
 
     def run(self):
         everything = sorted({test for _, own, further in self.folders for test in own + further})
-        tree = FaultyTree(self.source, Path(self.options.work).resolve(), everything)
+        work = Path(self.options.work).resolve()
+        work.mkdir(parents=True, exist_ok=True)
+        with open(work / "lock", "w") as lock:
+            try:
+                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+            except BlockingIOError:
+                raise SystemExit(f"Another run is using {work}. Wait until it has ended.")
+            return self.run_in(FaultyTree(self.source, work, everything))
+
+    def run_in(self, tree):
         tree.copy()
         tree.configure()
         faults = self.find(tree)
