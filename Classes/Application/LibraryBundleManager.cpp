@@ -8,11 +8,43 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QUuid>
 
 #include <cerrno>
 #include <cstring>
+#include <mutex>
 #include <sys/stat.h>
+
+namespace {
+
+struct Made
+{
+    std::mutex mutex;
+    bool isKept = false;
+    QSet<QUuid> bundleIDs;
+};
+Made &made()
+{
+    static Made instance;
+    return instance;
+}
+
+} // namespace
+
+void LibraryBundleManager::rememberMadeDirectories(bool remembers)
+{
+    const std::lock_guard lock(made().mutex);
+    made().isKept = remembers;
+    made().bundleIDs = {};
+}
+
+bool LibraryBundleManager::didMake(const QString &directoryName)
+{
+    const QUuid bundleID = QUuid::fromString(QFileInfo(directoryName).completeBaseName());
+    const std::lock_guard lock(made().mutex);
+    return !bundleID.isNull() && made().bundleIDs.contains(bundleID);
+}
 
 QString LibraryBundleManager::newLibraryItemBundlePath()
 {
@@ -20,8 +52,14 @@ QString LibraryBundleManager::newLibraryItemBundlePath()
     if (library.isEmpty()) {
         return {};
     }
-    const QString name =
-        QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".ztlibraryitem");
+    const QUuid bundleID = QUuid::createUuid();
+    const QString name = bundleID.toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".ztlibraryitem");
+    {
+        const std::lock_guard lock(made().mutex); // before it is there for anyone to see
+        if (made().isKept) {
+            made().bundleIDs.insert(bundleID);
+        }
+    }
     const QString path = library + u'/' + name;
     if (::mkdir(QFile::encodeName(path).constData(), 0755) != 0) {
         qCWarning(zqLogApplication).noquote() << zqFormat(QStringLiteral("Error creating item directory at %@ : %@"),

@@ -1,5 +1,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 
+#include "Classes/Application/LeftoverSearch.h"
+#include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/ModelEnvironment.h"
@@ -37,6 +39,7 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
 {
     Q_ASSERT(m_parts.userInteraction);
     sharedInstance = this;
+    LibraryBundleManager::rememberMadeDirectories(true);
     zqRegisterEntities();
     QCoreApplication::instance()->installEventFilter(this);
 }
@@ -104,13 +107,17 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
     if (m_parts.crashReporter) {
         m_parts.crashReporter->start({[this] { reopenMainWindow(); },
                                       [this] {
-                                          checkAndDeleteLibraryLeftovers();
-                                          if (m_parts.importManager) { // makes new directories
-                                              m_parts.importManager->offerToResumeImports();
-                                          }
+                                          checkAndDeleteLibraryLeftovers([this] {
+                                              if (m_parts.importManager) { // makes new directories
+                                                  m_parts.importManager->offerToResumeImports();
+                                              }
+                                          });
                                           return QString();
                                       }},
                                      true);
+    }
+    if (!isCheckingLeftovers()) {
+        LibraryBundleManager::rememberMadeDirectories(false);
     }
     setApplicationLauched(true);
     startStoreWork();
@@ -137,8 +144,9 @@ bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
     const bool isNewStore = m_coordinator->creationDate() >= m_launchDate;
     if (m_coordinator->wasUncleanlyClosed() || m_coordinator->wasRecovered() || isNewStore) {
         checkAndDeleteLibraryLeftovers();
-        zqRunMainLoopUntil([this] { return !m_isTakingBack; }); // the command is about all of the library
+        zqRunMainLoopUntil([this] { return !isCheckingLeftovers(); }); // the command is about all of the library
     }
+    LibraryBundleManager::rememberMadeDirectories(false);
     return true;
 }
 

@@ -10,13 +10,15 @@
 
 #include <QDateTime>
 #include <QProcess>
-#include <QSet>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <stop_token>
 
 class LibraryLock;
 class ModelEnvironment;
+struct LibraryLeftovers;
 
 // The other parts of the application, made by `main`. A null one is absent.
 struct ApplicationParts
@@ -78,8 +80,11 @@ public:
     // Whether the person agreed to quit only so that the next launch recovers the library.
     bool reopensAfterQuit() const { return m_reopensAfterQuit; }
     // What no item names and is younger than the store goes; what is older, or left after a recovery, becomes items
-    // again in the background.
-    void checkAndDeleteLibraryLeftovers();
+    // again. Looks, removes and takes back beside the caller; `done` is called once nothing more is asked about and
+    // what is taken back is queued, and not at all when the application quits before. Any end before that does no harm:
+    // the next launch looks again.
+    void checkAndDeleteLibraryLeftovers(std::function<void()> done = {});
+    bool isCheckingLeftovers() const; // until all of that is done
 
     // Places. The directories are created when first asked for; empty on failure. `libraryDirectory` may be called from
     // any thread once it was asked for on the main thread.
@@ -146,8 +151,12 @@ private:
     void mergeSaved(const ZQContextDidSave &notification);
     QString removalsPath();
     void noteRemovals(const QStringList &directories);
-    QSet<QString> keepDueRemovals(const QSet<QString> &known);
+    void stopLeftoverCheck();
+    void didSearchLeftovers(std::optional<LibraryLeftovers> found);
     int answerAboutLeftovers(qsizetype count, qsizetype ofAll);
+    void removeLeftovers(const QStringList &leftovers, const QStringList &lost);
+    void endLeftoverCheck(const QStringList &lost, bool isComplete);
+    void clearRecovered();
     void takeBack(const QStringList &directories);
     void didTakeBack(qsizetype takenBack, bool isComplete);
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -163,6 +172,9 @@ private:
     std::unique_ptr<LibraryLock> m_lock;
     std::unique_ptr<ZQOperationQueue> m_storeQueue;
     std::stop_source m_storeStop;
+    std::unique_ptr<ZQOperationQueue> m_leftoverQueue;
+    std::stop_source m_leftoverStop;
+    std::function<void()> m_leftoversDone;
     QString m_requestedBundleDirectory;
     QString m_libraryBundleDirectory;
     QString m_libraryDirectory;
@@ -170,6 +182,7 @@ private:
     bool m_storeFailed = false;
     bool m_observesLocale = false;
     bool m_isTerminating = false;
+    bool m_isCheckingLeftovers = false;
     bool m_isTakingBack = false;
     bool m_reopensAfterQuit = false;
     QProcess *m_deleteTask = nullptr;

@@ -1,130 +1,172 @@
 // Item directories that belong to no item of the store: what an ended import left goes, what a lost store knew comes
 // back.
 
+#include "Classes/Application/LeftoverSearch.h"
+#include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Tags/FileTags.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
-#include "Models/DataModel/ZQLibraryBaseItem.h"
-#include "Models/DataModel/ZQModelFetch.h"
+#include "Kit/Operations/ZQMainThread.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include <QCoreApplication>
 #include <QPointer>
-#include <QSet>
 
-#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
 
 namespace {
 
 constexpr qsizetype pathsPerRemoval = 1000;
 constexpr qsizetype removedWithoutAsking = 20;
-constexpr qint64 clockGrain = 1000; // milliseconds; birth times come from a coarser clock
+constexpr std::chrono::milliseconds removalStep{20};
 constexpr int takeBackButton = 0;
 constexpr int removeButton = 1;
 
-// In small letters: a file system or a program may have changed those of a directory's name.
-std::optional<QSet<QString>> bundleIDsOfStore(ZQManagedObjectContext &context)
+// One removing process at a time: a thousand at once would leave the window no processor. False when it was stopped.
+bool startRemoval(const QStringList &names, const QString &library, const std::stop_token &stop)
 {
-    ZQError error;
-    const auto rows =
-        context.fetchDictionaries({ZQLibraryBaseItem::entityName()}, {QStringLiteral("bundleID")}, &error);
-    if (!rows) {
-        zqLogFetchError(error);
-        return std::nullopt;
-    }
-    QSet<QString> known;
-    known.reserve(rows->size());
-    for (const QVariantMap &row : *rows) {
-        known.insert(row.value(QStringLiteral("bundleID")).toString().toLower());
-    }
-    return known;
-}
-
-// Whether an item of this directory was saved once: its file holds the record of what the library last wrote to it. An
-// import's file may bring one from elsewhere, so this counts only where no import that was cut off explains it.
-bool wasNamedOnce(const QString &directory)
-{
-    const QFileInfoList files = QDir(directory).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-    return std::any_of(files.begin(), files.end(),
-                       [](const QFileInfo &file) { return SeenFileTags::ofFile(file.filePath()).has_value(); });
-}
-
-// Item directories that no item names, by their names.
-struct Unnamed
-{
-    QStringList lost;          // which a store that is gone may have named
-    QStringList leftovers;     // made for items that were never saved, or whose items were removed
-    qsizetype unexplained = 0; // of the leftovers, those that no import which was cut off accounts for
-    qsizetype directories = 0; // all there are
-};
-
-Unnamed unnamedDirectories(const QString &library, const QSet<QString> &known, const QDateTime &launch,
-                           const std::optional<QDateTime> &cutOffImport, const QSet<QString> &notedRemovals,
-                           const ZQPersistentStoreCoordinator &store)
-{
-    Unnamed unnamed;
-    const QDateTime storeDate = store.creationDate();
-    const QFileInfoList entries = QDir(library).entryInfoList({u'*' + ZQLibraryBaseItem::itemDirectoryExtension},
-                                                              QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
-    for (const QFileInfo &entry : entries) {
-        ++unnamed.directories;
-        const auto dates = zqFileDates(entry.filePath());
-        // A directory made since launch belongs to an import that has not saved yet.
-        if (known.contains(entry.completeBaseName().toLower()) || !dates || dates->birth > launch.toMSecsSinceEpoch()) {
-            continue;
+    bool isStarted = names.isEmpty();
+    while (!isStarted && !stop.stop_requested()) {
+        const bool isServed = zqOnMainThreadAndWait([&] {
+            tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+            QProcess *const earlier = delegate ? delegate->deleteTask() : nullptr;
+            if (delegate && !stop.stop_requested() && (!earlier || earlier->state() == QProcess::NotRunning)) {
+                delegate->deleteFilesAtPaths(names, library);
+                isStarted = true;
+            }
+        });
+        if (!isServed) {
+            return false;
         }
-        // A copied library is born with its copy; times that were kept tell how old it is.
-        const qint64 since = std::min(dates->birth, dates->modification);
-        const bool isExplained = notedRemovals.contains(entry.fileName()) ||
-                                 (cutOffImport && dates->birth >= cutOffImport->toMSecsSinceEpoch() - clockGrain);
-        const bool mayHaveBeenNamed =
-            store.wasRecovered() || !storeDate.isValid() || since <= storeDate.toMSecsSinceEpoch() ||
-            (!isExplained && wasNamedOnce(entry.filePath())); // and the store forgot what it had saved
-        const bool isLost = mayHaveBeenNamed && !notedRemovals.contains(entry.fileName());
-        (isLost ? unnamed.lost : unnamed.leftovers).append(entry.fileName());
-        unnamed.unexplained += !isLost && !isExplained ? 1 : 0;
+        if (!isStarted) {
+            std::this_thread::sleep_for(removalStep);
+        }
     }
-    return unnamed;
+    return isStarted;
 }
 
 } // namespace
 
-void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers()
+void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers(std::function<void()> done)
 {
-    ZQManagedObjectContext *context = managedObjectContext();
     const QString library = libraryDirectory();
-    const auto known = context && !library.isEmpty() ? bundleIDsOfStore(*context) : std::nullopt;
-    if (!known) {
+    if (isCheckingLeftovers() || !managedObjectContext() || library.isEmpty()) {
+        if (done) {
+            done();
+        }
         return;
     }
-    const std::optional<QDateTime> cutOffImport =
-        m_parts.importManager ? m_parts.importManager->cutOffImportSince() : std::nullopt;
-    const QSet<QString> noted = keepDueRemovals(*known);
-    Unnamed unnamed = unnamedDirectories(library, *known, m_launchDate, cutOffImport, noted, *m_coordinator);
-    if (known->isEmpty() && !unnamed.leftovers.isEmpty()) {
+    m_isCheckingLeftovers = true;
+    m_leftoversDone = std::move(done);
+    m_leftoverStop = std::stop_source();
+    m_leftoverQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("leftovers"), 1);
+    // Asked before the person can forget those imports.
+    const auto cutOffImport = m_parts.importManager ? m_parts.importManager->cutOffImportSince() : std::nullopt;
+    m_leftoverQueue->addOperationWithBlock(
+        [place = LeftoverSearch::Place{library, removalsPath(), m_launchDate, cutOffImport, m_coordinator},
+         stop = m_leftoverStop.get_token()] {
+            const auto found = LeftoverSearch(place).run(stop);
+            zqOnMainThread([found, stop] {
+                if (!stop.stop_requested()) { // else the application that asked may be gone
+                    sharedDelegate()->didSearchLeftovers(found);
+                }
+            });
+        });
+}
+
+bool tamberin_AppDelegate::isCheckingLeftovers() const
+{
+    return m_isCheckingLeftovers || m_isTakingBack || (m_leftoverQueue && m_leftoverQueue->operationCount() > 0);
+}
+
+void tamberin_AppDelegate::stopLeftoverCheck()
+{
+    m_leftoverStop.request_stop();
+    m_isCheckingLeftovers = false;
+    m_leftoversDone = {};
+    LibraryBundleManager::rememberMadeDirectories(false);
+    if (m_leftoverQueue) {
+        m_leftoverQueue->cancelAllOperations();
+        m_leftoverQueue->waitUntilAllOperationsAreFinished(); // a batch of names, or less
+        m_leftoverQueue.reset();
+    }
+}
+
+void tamberin_AppDelegate::didSearchLeftovers(std::optional<LibraryLeftovers> found)
+{
+    LibraryBundleManager::rememberMadeDirectories(false); // what is made from here on cannot be among those found
+    if (!found) {
+        endLeftoverCheck({}, false);
+        return;
+    }
+    if (found->storeIsEmpty && !found->leftovers.isEmpty()) {
         // A store without a single item beside filled directories is a lost or restored store, not rubbish.
-        qCWarning(zqLogApplication) << "The store lists no items, so" << unnamed.leftovers.size()
+        qCWarning(zqLogApplication) << "The store lists no items, so" << found->leftovers.size()
                                     << "item directories are left where they are";
-        unnamed.leftovers.clear();
-        unnamed.unexplained = 0;
+        found->leftovers.clear();
+        found->unexplained = 0;
     }
-    switch (answerAboutLeftovers(unnamed.unexplained, unnamed.directories)) {
-    case takeBackButton:
-        unnamed.lost.append(unnamed.leftovers);
-        break;
-    case removeButton:
-        for (qsizetype first = 0; first < unnamed.leftovers.size(); first += pathsPerRemoval) {
-            deleteFilesAtPaths(unnamed.leftovers.mid(first, pathsPerRemoval), library);
+    const std::stop_token stop = m_leftoverStop.get_token();
+    const int answer = answerAboutLeftovers(found->unexplained, found->directories);
+    if (stop.stop_requested()) {
+        return; // the application quit meanwhile; the next launch looks again
+    }
+    if (answer == removeButton) {
+        removeLeftovers(found->leftovers, found->lost);
+        return;
+    }
+    if (answer == takeBackButton) {
+        found->lost.append(found->leftovers);
+    } else {
+        qCWarning(zqLogApplication) << found->leftovers.size() << "item directories of no item are left";
+    }
+    endLeftoverCheck(found->lost, true);
+}
+
+void tamberin_AppDelegate::removeLeftovers(const QStringList &leftovers, const QStringList &lost)
+{
+    if (leftovers.isEmpty()) {
+        endLeftoverCheck(lost, true);
+        return;
+    }
+    const QString library = libraryDirectory();
+    m_leftoverQueue->addOperationWithBlock([place = LeftoverSearch::Place{library, {}, {}, {}, m_coordinator},
+                                            leftovers, lost, stop = m_leftoverStop.get_token()] {
+        LeftoverSearch search(place);
+        for (qsizetype first = 0; first < leftovers.size(); first += pathsPerRemoval) {
+            // What was found may be long ago: an item that was saved since keeps its directory.
+            const auto unnamed = search.unnamedOf(leftovers.mid(first, pathsPerRemoval));
+            if (!unnamed || !startRemoval(*unnamed, place.library, stop)) {
+                break;
+            }
         }
-        break;
-    default:
-        qCWarning(zqLogApplication) << unnamed.leftovers.size() << "item directories of no item are left";
-        break;
+        zqOnMainThread([lost, stop] {
+            if (!stop.stop_requested()) {
+                sharedDelegate()->endLeftoverCheck(lost, true);
+            }
+        });
+    });
+}
+
+// `isComplete`: the library was looked through, so what a recovery cost is known.
+void tamberin_AppDelegate::endLeftoverCheck(const QStringList &lost, bool isComplete)
+{
+    if (isComplete) {
+        takeBack(lost);
     }
-    takeBack(unnamed.lost);
+    m_isCheckingLeftovers = false;
+    if (const auto done = std::exchange(m_leftoversDone, {})) {
+        done();
+    }
+}
+
+void tamberin_AppDelegate::clearRecovered()
+{
+    if (m_leftoverQueue && m_coordinator && m_coordinator->wasRecovered()) {
+        m_leftoverQueue->addOperationWithBlock([coordinator = m_coordinator] { coordinator->clearRecovered(); });
+    }
 }
 
 // The directories of purged items, in a file of the bundle from before their items go until they have gone themselves:
@@ -140,30 +182,6 @@ void tamberin_AppDelegate::noteRemovals(const QStringList &directories)
     if (!directories.isEmpty() && !zqWriteFileAtomically(removalsPath(), directories.join(u'\n').toUtf8(), &error)) {
         qCWarning(zqLogApplication).noquote() << error.localizedDescription(); // they may be taken back then
     }
-}
-
-// The noted ones that are still to go. One that the store names again is not among them, and not noted any more.
-QSet<QString> tamberin_AppDelegate::keepDueRemovals(const QSet<QString> &known)
-{
-    constexpr qint64 largestNote = qint64(256) << 20;
-    const QFileInfo note(removalsPath());
-    QFile file(note.filePath());
-    if (note.isSymLink() || !note.isFile() || note.size() > largestNote || !file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    QStringList due = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-    file.close();
-    const QString library = libraryDirectory();
-    due.removeIf([&](const QString &name) {
-        return known.contains(QFileInfo(name).completeBaseName().toLower()) || name.contains(u'/') ||
-               !QFileInfo(library + u'/' + name).isDir();
-    });
-    if (due.isEmpty()) {
-        QFile::remove(note.filePath());
-    } else {
-        noteRemovals(due);
-    }
-    return {due.begin(), due.end()};
 }
 
 // So many at once are hardly what one import left.
@@ -185,9 +203,7 @@ int tamberin_AppDelegate::answerAboutLeftovers(qsizetype count, qsizetype ofAll)
 void tamberin_AppDelegate::takeBack(const QStringList &directories)
 {
     if (directories.isEmpty()) {
-        if (m_coordinator->wasRecovered()) {
-            m_coordinator->clearRecovered();
-        }
+        clearRecovered();
         return;
     }
     if (!m_parts.importManager) {
@@ -206,8 +222,8 @@ void tamberin_AppDelegate::takeBack(const QStringList &directories)
 void tamberin_AppDelegate::didTakeBack(qsizetype takenBack, bool isComplete)
 {
     m_isTakingBack = false;
-    if (isComplete && m_coordinator && m_coordinator->wasRecovered()) {
-        m_coordinator->clearRecovered();
+    if (isComplete) {
+        clearRecovered();
     }
     if (takenBack == 0) {
         return;

@@ -204,6 +204,7 @@ void tamberin_AppDelegate::startStoreWork()
 
 void tamberin_AppDelegate::stopStoreWork()
 {
+    stopLeftoverCheck();
     if (!m_storeQueue) {
         return;
     }

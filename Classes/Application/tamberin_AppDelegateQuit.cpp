@@ -40,6 +40,7 @@ bool tamberin_AppDelegate::stopRunningImports()
             m_parts.importManager->setKeepsCancelledImports(keeps);
         }
     };
+    stopLeftoverCheck(); // it might queue more, and ask below the loop that drains
     keepRequests(true);
     backgroundOperationQueue().cancelAllOperations();
     if (sync) {

@@ -41,12 +41,16 @@ public:
         : m_edit(edit), m_isUndo(isUndo), m_context(context),
           m_undone(isUndo ? std::move(edit.done) : decltype(m_undone)())
     {
-        m_edit.done.clear();
+        if (isUndo) {
+            m_edit.done.clear(); // a cancelled undo leaves some, which making the edit again does not come to
+        }
         for (const ZQObjectID &tag : edit.tags) {
             m_tags.append(context.objectWithID(tag));
         }
     }
     qsizetype count() const { return m_isUndo ? qsizetype(m_undone.size()) : m_edit.items.size(); }
+
+    void didSave() { m_savedChanges = m_edit.done.size(); }
 
     // Changes the items from `first` on; those it changed are written to their files once the store was saved.
     QList<ZQRef<ZQLibraryBaseItem>> changeBatch(qsizetype first, qsizetype size)
@@ -76,10 +80,12 @@ public:
             }
         }
     }
-    // What was not come to stays to be undone.
+    // What was not come to, or not saved, stays to be undone; what was not changed for good is nothing to undo.
     void stopAt(qsizetype position)
     {
-        if (m_isUndo) {
+        if (!m_isUndo) {
+            m_edit.done.erase(m_edit.done.begin() + qsizetype(m_savedChanges), m_edit.done.end());
+        } else {
             std::move(m_undone.begin() + position, m_undone.end(), std::back_inserter(m_edit.done));
         }
     }
@@ -102,6 +108,7 @@ private:
     Edit &m_edit;
     bool m_isUndo;
     ZQManagedObjectContext &m_context;
+    size_t m_savedChanges = m_edit.done.size();
     std::vector<std::pair<ZQObjectID, Edit::Undo>> m_undone;
     QList<ZQRef<ZQManagedObject>> m_tags;
 };
@@ -141,8 +148,9 @@ public:
             const auto changed = pass.changeBatch(position, batchSize);
             if (!context.save(&error)) {
                 zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
-                return;
+                break;
             }
+            pass.didSave();
             pass.writeFiles(changed);
             position = std::min(pass.count(), position + batchSize);
             if (progress) {

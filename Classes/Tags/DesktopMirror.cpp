@@ -50,10 +50,15 @@ QByteArray digestOf(const QByteArray &text)
 
 using Record = QMap<char, QByteArray>; // digests by letter
 
-Record recordOf(const QString &path)
+// Nothing: it could not be read, and what is not known must not be taken for none.
+std::optional<Record> recordOf(const QString &path)
 {
     Record record;
-    const auto data = ZQExtendedAttributes::get(path, DesktopMirror::recordName);
+    ZQError error;
+    const auto data = ZQExtendedAttributes::get(path, DesktopMirror::recordName, &error);
+    if (!error.isNull()) {
+        return std::nullopt;
+    }
     for (const QByteArray &field : data ? data->split(' ') : QList<QByteArray>()) {
         if (field.size() == digestLength + 1) {
             record.insert(field.at(0), field.mid(1));
@@ -74,9 +79,9 @@ bool writeRecord(const Record &record, const QString &path)
     return ZQExtendedAttributes::set(path, DesktopMirror::recordName, fields.join(' '));
 }
 
-QByteArray present(const Mirror &mirror, const QString &path)
+QByteArray present(const Mirror &mirror, const QString &path, ZQError *error = nullptr)
 {
-    return ZQExtendedAttributes::get(path, mirror.name).value_or(QByteArray());
+    return ZQExtendedAttributes::get(path, mirror.name, error).value_or(QByteArray());
 }
 
 bool canBeMirrored(const QString &tag)
@@ -119,6 +124,30 @@ std::optional<QStringList> mergedTags(const QStringList &ours, const QStringList
     }
     result = OpenMeta::removeDuplicateTags(result + hidden);
     return result == OpenMeta::removeDuplicateTags(ours) ? std::nullopt : std::optional(result);
+}
+
+// What the mirror says, where it counts. A value of ours that cannot be read is not replaced.
+void takeNewer(DesktopMirror::Newer &newer, Kind kind, const QString &text, bool wasMirrored, const QString &path)
+{
+    ZQError error;
+    if (kind == Kind::Tags) {
+        const auto ours = OpenMeta::getUserTagsNoRestore(path, &error);
+        const auto merged =
+            mergedTags(ours.value_or(QStringList()), DesktopMirror::tagsOfText(text.toUtf8()), wasMirrored);
+        newer.tags = error.isNull() ? merged : std::nullopt;
+    } else if (kind == Kind::Comment) {
+        const QString ours = OpenMeta::getString(OpenMeta::finderCommentKey, path, &error);
+        if (error.isNull() && ours != text && (wasMirrored || ours.isEmpty())) {
+            newer.comment = text;
+        }
+    } else {
+        const double ours = OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path, &error).toDouble();
+        const std::optional<double> theirs = DesktopMirror::ratingOfText(text.toUtf8());
+        const bool isChange = theirs && DesktopMirror::textForRating(ours) != DesktopMirror::textForRating(*theirs);
+        if (error.isNull() && isChange && (wasMirrored || ours <= 0)) {
+            newer.rating = theirs;
+        }
+    }
 }
 
 } // namespace
@@ -170,39 +199,24 @@ DesktopMirror::Newer DesktopMirror::newer(const QString &path)
 {
     Newer newer;
     const QStringList names = ZQExtendedAttributes::list(path);
-    const bool hasRecord = names.contains(recordName);
-    const Record record = hasRecord ? recordOf(path) : Record();
+    const std::optional<Record> record = names.contains(recordName) ? recordOf(path) : std::optional(Record());
+    if (!record) {
+        return newer;
+    }
     for (const Mirror &mirror : mirrors()) {
-        const QByteArray base = record.value(mirror.letter);
+        const QByteArray base = record->value(mirror.letter);
         const bool isThere = names.contains(mirror.name);
         if (!isThere && base.isEmpty()) {
             continue;
         }
-        const QByteArray text = isThere ? present(mirror, path) : QByteArray();
+        ZQError error;
+        const QByteArray text = isThere ? present(mirror, path, &error) : QByteArray();
         const bool wasMirrored = !base.isEmpty();
-        if ((wasMirrored && digestOf(text) == base) || (!wasMirrored && text.isEmpty())) {
+        if (!error.isNull() || (wasMirrored && digestOf(text) == base) || (!wasMirrored && text.isEmpty())) {
             continue;
         }
-        const std::optional<QString> string = decoded(text);
-        if (!string) {
-            continue;
-        }
-        if (mirror.kind == Kind::Tags) {
-            ZQError error;
-            const auto ours = OpenMeta::getUserTagsNoRestore(path, &error);
-            newer.tags =
-                error.isNull() ? mergedTags(ours.value_or(QStringList()), tagsOfText(text), wasMirrored) : std::nullopt;
-        } else if (mirror.kind == Kind::Comment) {
-            const QString ours = OpenMeta::getString(OpenMeta::finderCommentKey, path);
-            if (ours != *string && (wasMirrored || ours.isEmpty())) {
-                newer.comment = *string;
-            }
-        } else {
-            const double ours = OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path).toDouble();
-            const std::optional<double> theirs = ratingOfText(text);
-            if (theirs && textForRating(ours) != textForRating(*theirs) && (wasMirrored || ours <= 0)) {
-                newer.rating = theirs;
-            }
+        if (const std::optional<QString> string = decoded(text)) {
+            takeNewer(newer, mirror.kind, *string, wasMirrored, path);
         }
     }
     return newer;
@@ -239,7 +253,11 @@ void DesktopMirror::write(Kind kind, const QByteArray &text, const QString &path
         return;
     }
     const Mirror &mirror = mirrorOf(kind);
-    Record record = recordOf(path);
+    std::optional<Record> known = recordOf(path);
+    if (!known) {
+        return; // writing it anew would forget the other mirrors
+    }
+    Record &record = *known;
     const QByteArray digest = digestOf(text);
     if (text.isEmpty()) {
         const bool isThere = ZQExtendedAttributes::get(path, mirror.name).has_value();
@@ -271,7 +289,7 @@ void DesktopMirror::write(Kind kind, const QByteArray &text, const QString &path
 
 QStringList DesktopMirror::attributesOfOurs(const QString &path)
 {
-    const Record record = recordOf(path);
+    const Record record = recordOf(path).value_or(Record());
     if (record.isEmpty()) {
         return {};
     }

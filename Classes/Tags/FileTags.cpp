@@ -227,9 +227,9 @@ bool SeenFileTags::hasComment(const QString &text) const
     return comment == commentDigest(text);
 }
 
-std::optional<SeenFileTags> SeenFileTags::ofFile(const QString &path)
+std::optional<SeenFileTags> SeenFileTags::ofFile(const QString &path, ZQError *error)
 {
-    const auto text = ZQExtendedAttributes::get(path, attributeName);
+    const auto text = ZQExtendedAttributes::get(path, attributeName, error);
     return text ? fromText(*text) : std::nullopt;
 }
 
@@ -266,7 +266,12 @@ std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const Fi
 {
     const PathLock lock(path);
     ignoresSeen = ignoresSeen || (unknown == Unknown::TakesFile && library.isEmpty());
-    const std::optional<SeenFileTags> record = ignoresSeen ? std::nullopt : SeenFileTags::ofFile(path);
+    ZQError recordError;
+    const std::optional<SeenFileTags> record = ignoresSeen ? std::nullopt : SeenFileTags::ofFile(path, &recordError);
+    if (!recordError.isNull()) {
+        zqSetError(error, recordError);
+        return std::nullopt;
+    }
     std::optional<SeenFileTags> seen = record;
     if (!seen && !ignoresSeen) { // before reading, which may bring the backup up to date
         seen = seenAtLastBackup(path);

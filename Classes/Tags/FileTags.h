@@ -43,7 +43,7 @@ struct SeenFileTags
     bool hasTag(const QString &tag) const;
     bool hasComment(const QString &text) const;
 
-    static std::optional<SeenFileTags> ofFile(const QString &path);
+    static std::optional<SeenFileTags> ofFile(const QString &path, ZQError *error = nullptr);
     // A record that finds no room is removed: an old one would say wrong things.
     enum class Empty { IsLeftOut, IsWritten }; // a record of nothing, where there is none yet
     static void write(const SeenFileTags &seen, const QString &path, Empty empty = Empty::IsLeftOut);

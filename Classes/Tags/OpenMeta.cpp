@@ -235,12 +235,12 @@ ZQError OpenMeta::setCommonUserTags(const QStringList &paths, const QStringList 
     const QSet<QString> replaced = comparisonKeys(originalCommonTags);
     ZQError lastError;
     for (const QString &path : paths) {
-        QStringList tags = getUserTagsNoRestore(path).value_or(QStringList());
-        if (tags == replaceWith) {
-            continue;
+        ZQError error;
+        QStringList tags = getUserTagsNoRestore(path, &error).value_or(QStringList());
+        if (error.isNull() && tags != replaceWith) {
+            tags.removeIf([&replaced](const QString &tag) { return replaced.contains(comparisonKey(tag)); });
+            error = setUserTags(tags + replaceWith, path);
         }
-        tags.removeIf([&replaced](const QString &tag) { return replaced.contains(comparisonKey(tag)); });
-        const ZQError error = setUserTags(tags + replaceWith, path);
         if (!error.isNull()) {
             lastError = error;
         }

@@ -47,7 +47,14 @@ bool hasAnyOfOurs(const QStringList &names)
     return std::any_of(names.begin(), names.end(), isOfOurs);
 }
 
-// Nothing: the file says nothing of its tags, so what is kept of it stays. An empty backup: it says that it has none.
+// A value that the system could not read; one that is no property list is none.
+bool isOfSystem(const ZQError &error)
+{
+    return !error.isNull() && error.domain == ZQError::posixDomain;
+}
+
+// Nothing: the file says nothing of its tags, or not everything could be read, so what is kept of it stays. An empty
+// backup: it says that it has none.
 std::optional<TagBackup> backupOf(const QString &path)
 {
     ZQError error;
@@ -58,14 +65,21 @@ std::optional<TagBackup> backupOf(const QString &path)
     const TagFileIdentity identity = TagFileIdentity::ofFile(path);
     TagBackup backup;
     backup.tags = OpenMeta::getUserTagsNoRestore(path, &error).value_or(QStringList());
-    backup.comment = OpenMeta::getString(OpenMeta::finderCommentKey, path);
-    backup.rating = OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path).toDouble();
+    ZQError otherError;
+    backup.comment = OpenMeta::getString(OpenMeta::finderCommentKey, path, &otherError);
+    if (isOfSystem(otherError)) {
+        return std::nullopt;
+    }
+    backup.rating = OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path, &otherError).toDouble();
+    if (isOfSystem(otherError)) {
+        return std::nullopt;
+    }
     backup.identity = identity.text;
     backup.inode = identity.inode;
     backup.isFolder = identity.isFolder;
     backup.saved = QDateTime::currentMSecsSinceEpoch();
     backup.contents = identity.isFolder ? TagFileContents() : TagFileContents::ofFile(path);
-    backup.seen = ZQExtendedAttributes::get(path, SeenFileTags::attributeName).value_or(QByteArray());
+    backup.seen = ZQExtendedAttributes::get(path, SeenFileTags::attributeName, &error).value_or(QByteArray());
     return error.isNull() && !identity.text.isEmpty() ? std::optional(backup) : std::nullopt;
 }
 
@@ -371,14 +385,15 @@ void OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(const QString &path)
     if (olderTime.typeId() != QMetaType::QDateTime) {
         return;
     }
-    const QVariant time = OpenMeta::getXAttr(OpenMeta::openmetaTimeKey(OpenMeta::userTagsKey), path);
+    ZQError error; // a time or a list that cannot be read is not an old or an empty one
+    const QVariant time = OpenMeta::getXAttr(OpenMeta::openmetaTimeKey(OpenMeta::userTagsKey), path, &error);
     if (time.typeId() == QMetaType::QDateTime &&
         time.toDateTime().msecsTo(olderTime.toDateTime()) < clearlyLaterMilliseconds) {
         return;
     }
     const QVariant olderTags = OpenMeta::getXAttr(OpenMeta::openmetaKey(OpenMeta::olderUserTagsKey), path);
-    const QVariant tags = OpenMeta::getXAttr(OpenMeta::openmetaKey(OpenMeta::userTagsKey), path);
-    if (!olderTags.isValid() || olderTags == tags) {
+    const QVariant tags = OpenMeta::getXAttr(OpenMeta::openmetaKey(OpenMeta::userTagsKey), path, &error);
+    if (isOfSystem(error) || !olderTags.isValid() || olderTags == tags) {
         return;
     }
     OpenMeta::setXAttr(olderTags, OpenMeta::openmetaKey(OpenMeta::userTagsKey), path);

@@ -60,6 +60,12 @@ const char *reasonFor(const ZQError &error)
     return nullptr;
 }
 
+// What is no rating at all may be replaced; what the system could not read may be one.
+bool isUnreadable(const ZQError &error)
+{
+    return !error.isNull() && error.domain != OpenMeta::errorDomain;
+}
+
 } // namespace
 
 TagFileWriter &TagFileWriter::sharedTagFileWriter()
@@ -166,7 +172,13 @@ void TagFileWriter::replace(const QString &path, const QStringList &tags, const 
         putNotes(path, *notes, OpenMeta::getFinderComment(path).value_or(QString()));
     }
     if (rating) {
-        putRating(path, *rating, OpenMeta::getRating(path));
+        ZQError ratingError;
+        const double before = OpenMeta::getRating(path, &ratingError);
+        if (isUnreadable(ratingError)) {
+            complain(path, ratingError, *rating > 0);
+        } else {
+            putRating(path, *rating, before);
+        }
     }
     ZQExtendedAttributes::remove(path, SeenFileTags::attributeName); // of the file that this one is a copy of
 }
@@ -188,7 +200,12 @@ void TagFileWriter::merge(const Merge &merge)
     ZQError error;
     FileTags library = merge.library;
     if (merge.takesRating) {
-        library.rating = OpenMeta::starsForRating(OpenMeta::getRating(merge.path));
+        library.rating = OpenMeta::starsForRating(OpenMeta::getRating(merge.path, &error));
+        if (isUnreadable(error)) {
+            complain(merge.path, error, !library.isEmpty());
+            return;
+        }
+        error = {};
     }
     auto found = FileTagsMerge::ofFile(merge.path, library, FileTagsMerge::Unknown::KeepsBoth, merge.isFirst, &error);
     if (!found) {

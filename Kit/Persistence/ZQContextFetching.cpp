@@ -1,50 +1,14 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Persistence/ZQContextPrivate.h"
-#include "Kit/Persistence/ZQPredicateNode.h"
+#include "Kit/Persistence/ZQFetchQuery.h"
+#include "Kit/Persistence/ZQPendingChanges.h"
+#include "Kit/Persistence/ZQSQLList.h"
 
 #include <algorithm>
 
 using Private = ZQManagedObjectContext::Private;
 
-// A request as SQL, in the parts its uses put together.
-struct ZQFetchQuery
-{
-    const ZQEntityDescription *entity = nullptr;
-    Private::Root *root = nullptr;
-    QString where; // with the keyword, or empty
-    QString joins;
-    QString order; // with the keyword
-    QVariantList bindings;
-
-    QString from() const { return QStringLiteral(" FROM %1 t ").arg(zqQuoted(entity->tableName)); }
-    QString select(const QString &columns, qint64 limit, qint64 offset) const
-    {
-        return QStringLiteral("SELECT ") + columns + from() + joins + where + order +
-               QStringLiteral(" LIMIT %1 OFFSET %2").arg(limit).arg(offset);
-    }
-};
-
 namespace {
-
-void collectPaths(const ZQExpression &expression, QList<QStringList> &paths)
-{
-    if (expression.keys.size() > 1) {
-        paths.append(expression.keys);
-    }
-    for (const ZQExpression &element : expression.elements) {
-        collectPaths(element, paths);
-    }
-}
-
-void collectPaths(const ZQPredicateNode &node, QList<QStringList> &paths)
-{
-    collectPaths(node.comparison.left, paths);
-    collectPaths(node.comparison.right, paths);
-    for (const auto &child : node.children) {
-        collectPaths(*child, paths);
-    }
-}
 
 // A window of `count` rows as a request asks for it.
 template <class T>
@@ -57,6 +21,43 @@ QList<T> window(const QList<T> &all, const ZQFetchRequest &request)
 qint64 limitOf(const ZQFetchRequest &request)
 {
     return request.fetchLimit > 0 ? request.fetchLimit : -1;
+}
+
+// How much of the store's answer is needed when `added` more rows go in between.
+std::pair<qint64, qint64> limitAndOffset(const ZQFetchRequest &request, qsizetype added)
+{
+    const qint64 offset = std::max(0, request.fetchOffset);
+    if (added == 0) {
+        return {limitOf(request), offset};
+    }
+    return {request.fetchLimit > 0 ? request.fetchLimit + offset : -1, 0};
+}
+
+// `all` with `added` put in; `places` says how many of `all` come before each.
+template <class T>
+QList<T> merged(const QList<T> &all, const QList<T> &added, const QList<qsizetype> &places)
+{
+    QList<T> result;
+    result.reserve(all.size() + added.size());
+    qsizetype taken = 0;
+    for (qsizetype i = 0; i < added.size(); ++i) {
+        for (; taken < places.at(i); ++taken) {
+            result.append(all.at(taken));
+        }
+        result.append(added.at(i));
+    }
+    result += all.mid(taken);
+    return result;
+}
+
+QList<ZQObjectID> idsOf(const QList<ZQRef<ZQManagedObject>> &objects)
+{
+    QList<ZQObjectID> ids;
+    ids.reserve(objects.size());
+    for (const ZQRef<ZQManagedObject> &object : objects) {
+        ids.append(object->objectID());
+    }
+    return ids;
 }
 
 } // namespace
@@ -102,103 +103,79 @@ bool Private::prepareQuery(const ZQFetchRequest &request, ZQFetchQuery &query, Z
     return true;
 }
 
-// Unsaved changes of the rows themselves are put right one by one. Where the condition or the order looks at other
-// objects and one of those is changed, any row may be affected, and all are looked at in memory.
-bool Private::mustEvaluateAll(const ZQFetchRequest &request, const ZQEntityDescription *entity) const
+bool Private::correct(const ZQFetchRequest &request, bool isOrdered, ZQFetchQuery &query, QList<Object> &matching,
+                      ZQError *error)
 {
-    QList<QStringList> paths;
-    if (!request.predicate.isNull()) {
-        collectPaths(*request.predicate.root(), paths);
+    if (!request.includesPendingChanges || (inserted.isEmpty() && updated.isEmpty() && deleted.isEmpty())) {
+        return true;
     }
-    for (const ZQSortDescriptor &descriptor : request.sortDescriptors) {
-        if (descriptor.keyPath.contains(u'.')) {
-            paths.append(descriptor.keyPath.split(u'.'));
-        }
-    }
-    QSet<const ZQEntityDescription *> passed; // roots of objects whose own relationships are followed
-    QSet<const ZQEntityDescription *> ends;   // roots of objects of which only attributes are looked at
-    for (const QStringList &path : std::as_const(paths)) {
-        const ZQEntityDescription *here = entity;
-        for (qsizetype i = 0; i < path.size(); ++i) {
-            const ZQRelationshipDescription *next = here->relationship(path.at(i));
-            if (!next) {
-                break;
-            }
-            here = next->destination;
-            (i + 2 < path.size() ? passed : ends).insert(here->root);
-        }
-    }
-    if (passed.isEmpty() && ends.isEmpty()) {
+    ZQPendingCorrection correction;
+    if (!ZQPendingChanges(*this, request, query, isOrdered).findCorrection(correction, error)) {
         return false;
     }
-    const QList<Object> dirty = dirtyObjects();
-    return std::any_of(dirty.begin(), dirty.end(), [&](const Object &object) {
-        const ZQEntityDescription *root = object->m_entity->root;
-        return passed.contains(root) || (ends.contains(root) && (object->m_changed || object->m_isDeleted));
-    });
+    if (!correction.excluded.isEmpty()) {
+        query.addCondition(QStringLiteral("t.\"id\" NOT IN (SELECT value FROM json_each(?))"),
+                           {zqKeysAsJSON(correction.excluded)});
+    }
+    matching = std::move(correction.matching);
+    return true;
 }
 
-QList<ZQRef<ZQManagedObject>> Private::dirtyObjectsOf(const ZQFetchRequest &request,
-                                                      const ZQEntityDescription *entity) const
+// All of them look for their places at once, so that what a step compares with is read in a few queries.
+QList<qsizetype> Private::placesAmong(const QList<ZQObjectID> &ids, const QList<Object> &sorted,
+                                      const QList<ZQSortDescriptor> &descriptors)
 {
-    if (!request.includesPendingChanges) {
-        return {};
-    }
-    QList<Object> dirty = dirtyObjects();
-    dirty.removeIf([&](const Object &object) {
-        const bool isMeant =
-            request.includesSubentities ? object->m_entity->isKindOf(entity) : object->m_entity == entity;
-        return !isMeant || !isDirty(object.get());
-    });
-    return dirty;
-}
-
-std::optional<QList<ZQRef<ZQManagedObject>>> Private::fetchAllInMemory(const ZQFetchRequest &request,
-                                                                       ZQFetchQuery &query, ZQError *error)
-{
-    ZQFetchRequest all{request.entityName};
-    all.includesSubentities = request.includesSubentities;
-    all.includesPendingChanges = false;
-    auto objects = q->executeFetchRequest(all, error);
-    if (!objects) {
-        return std::nullopt;
-    }
-    for (const Object &object : dirtyObjectsOf(request, query.entity)) {
-        if (object->m_isInserted) {
-            objects->append(object);
+    QList<qsizetype> low(sorted.size(), 0);
+    QList<qsizetype> high(sorted.size(), ids.size());
+    for (bool isDone = ids.isEmpty(); !isDone;) {
+        QHash<qsizetype, Object> middles;
+        QList<Object> kept;
+        if (!descriptors.isEmpty()) {
+            QHash<const ZQEntityDescription *, QSet<qint64>> wanted;
+            for (qsizetype i = 0; i < sorted.size(); ++i) {
+                if (low[i] < high[i]) {
+                    const ZQObjectID &id = ids.at((low[i] + high[i]) / 2);
+                    wanted[id.entity].insert(id.key);
+                }
+            }
+            for (auto entry = wanted.cbegin(); entry != wanted.cend(); ++entry) {
+                kept += objectsForKeys(entry.key(), entry.value());
+            }
+            for (const ZQSortDescriptor &descriptor : descriptors) {
+                kept += prefetch(kept, descriptor.keyPath.split(u'.'), false);
+            }
+        }
+        isDone = true;
+        for (qsizetype i = 0; i < sorted.size(); ++i) {
+            if (low[i] >= high[i]) {
+                continue;
+            }
+            const qsizetype middle = (low[i] + high[i]) / 2;
+            const ZQObjectID &id = ids.at(middle);
+            const ZQManagedObject *other = descriptors.isEmpty() ? nullptr : held(id.entity, id.key);
+            const int order = other ? zqCompareObjects(sorted.at(i).get(), other, descriptors)
+                                    : zqCompareObjectIDs(sorted.at(i)->objectID(), id);
+            (order < 0 ? high[i] : low[i]) = order < 0 ? middle : middle + 1;
+            isDone = isDone && low[i] >= high[i];
         }
     }
-    objects->removeIf([&](const Object &object) {
-        return object->m_isDeleted ||
-               (!request.predicate.isNull() && !request.predicate.evaluateWithObject(object.get()));
-    });
-    std::sort(objects->begin(), objects->end(), [&](const Object &a, const Object &b) {
-        return zqCompareObjects(a.get(), b.get(), request.sortDescriptors) < 0;
-    });
-    return window(*objects, request);
+    return low;
 }
 
 std::optional<QList<ZQRef<ZQManagedObject>>> ZQManagedObjectContext::executeFetchRequest(const ZQFetchRequest &request,
                                                                                          ZQError *error)
 {
     ZQFetchQuery query;
-    if (!d->prepareQuery(request, query, error)) {
+    QList<ZQRef<ZQManagedObject>> changed;
+    if (!d->prepareQuery(request, query, error) || !d->correct(request, true, query, changed, error)) {
         return std::nullopt;
     }
-    if (request.includesPendingChanges && d->mustEvaluateAll(request, query.entity)) {
-        return d->fetchAllInMemory(request, query, error);
-    }
-    const QList<ZQRef<ZQManagedObject>> dirty = d->dirtyObjectsOf(request, query.entity);
-    const bool isWindowed = dirty.isEmpty();
-    const qint64 needed = request.fetchLimit > 0 ? qint64(request.fetchLimit) + request.fetchOffset + dirty.size() : -1;
-    ZQSQLiteStatement select =
-        d->prepare(query.select(query.root->plan->selection, isWindowed ? limitOf(request) : needed,
-                                isWindowed ? std::max(0, request.fetchOffset) : 0));
+    const auto [limit, offset] = limitAndOffset(request, changed.size());
+    ZQSQLiteStatement select = d->prepare(query.select(query.root->plan->selection, limit, offset));
     select.bindVariants(0, query.bindings);
     QList<ZQRef<ZQManagedObject>> objects;
     while (select.next()) {
-        ZQRef<ZQManagedObject> object = d->objectFromRow(select, *query.root);
-        if (object && (isWindowed || !Private::isDirty(object.get()))) {
+        if (ZQRef<ZQManagedObject> object = d->objectFromRow(select, *query.root)) {
             objects.append(std::move(object));
         }
     }
@@ -207,54 +184,25 @@ std::optional<QList<ZQRef<ZQManagedObject>>> ZQManagedObjectContext::executeFetc
         return std::nullopt;
     }
     select = {};
-    if (isWindowed) {
+    if (changed.isEmpty()) {
         return objects;
     }
-    for (const ZQRef<ZQManagedObject> &object : dirty) {
-        if (!object->m_isDeleted &&
-            (request.predicate.isNull() || request.predicate.evaluateWithObject(object.get()))) {
-            const auto place =
-                std::upper_bound(objects.begin(), objects.end(), object, [&](const auto &a, const auto &b) {
-                    return zqCompareObjects(a.get(), b.get(), request.sortDescriptors) < 0;
-                });
-            objects.insert(place, object);
-        }
-    }
-    return window(objects, request);
+    return window(merged(objects, changed, d->placesAmong(idsOf(objects), changed, request.sortDescriptors)), request);
 }
 
 std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQFetchRequest &request, ZQError *error)
 {
     ZQFetchQuery query;
-    if (!d->prepareQuery(request, query, error)) {
+    QList<ZQRef<ZQManagedObject>> changed;
+    if (!d->prepareQuery(request, query, error) || !d->correct(request, true, query, changed, error)) {
         return std::nullopt;
     }
-    if (request.includesPendingChanges && d->mustEvaluateAll(request, query.entity)) {
-        const auto objects = d->fetchAllInMemory(request, query, error);
-        if (!objects) {
-            return std::nullopt;
-        }
-        QList<ZQObjectID> ids;
-        for (const ZQRef<ZQManagedObject> &object : *objects) {
-            ids.append(object->objectID());
-        }
-        return ids;
-    }
-    const QList<ZQRef<ZQManagedObject>> dirty = d->dirtyObjectsOf(request, query.entity);
-    QSet<qint64> dirtyKeys;
-    for (const ZQRef<ZQManagedObject> &object : dirty) {
-        dirtyKeys.insert(object->m_key);
-    }
-    const bool isWindowed = dirty.isEmpty();
-    const qint64 needed = request.fetchLimit > 0 ? qint64(request.fetchLimit) + request.fetchOffset + dirty.size() : -1;
-    ZQSQLiteStatement select =
-        d->prepare(query.select(QStringLiteral("t.\"id\", t.\"entity\""), isWindowed ? limitOf(request) : needed,
-                                isWindowed ? std::max(0, request.fetchOffset) : 0));
+    const auto [limit, offset] = limitAndOffset(request, changed.size());
+    ZQSQLiteStatement select = d->prepare(query.select(QStringLiteral("t.\"id\", t.\"entity\""), limit, offset));
     select.bindVariants(0, query.bindings);
     QList<ZQObjectID> ids;
     while (select.next()) {
-        const ZQEntityPlan *entityPlan = d->plan->planForCode(int(select.int64(1)));
-        if (entityPlan && (isWindowed || !dirtyKeys.contains(select.int64(0)))) {
+        if (const ZQEntityPlan *entityPlan = d->plan->planForCode(int(select.int64(1)))) {
             ids.append({entityPlan->entity, select.int64(0)});
         }
     }
@@ -263,23 +211,10 @@ std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQ
         return std::nullopt;
     }
     select = {};
-    if (isWindowed) {
+    if (changed.isEmpty()) {
         return ids;
     }
-    // Few changed objects find their places among many identifiers by comparing with a few of those.
-    for (const ZQRef<ZQManagedObject> &object : dirty) {
-        if (object->m_isDeleted ||
-            (!request.predicate.isNull() && !request.predicate.evaluateWithObject(object.get()))) {
-            continue;
-        }
-        const auto place = std::upper_bound(
-            ids.begin(), ids.end(), object, [&](const ZQRef<ZQManagedObject> &changed, const ZQObjectID &id) {
-                const ZQRef<ZQManagedObject> other = objectWithID(id);
-                return !other || zqCompareObjects(changed.get(), other.get(), request.sortDescriptors) < 0;
-            });
-        ids.insert(place, object->objectID());
-    }
-    return window(ids, request);
+    return window(merged(ids, idsOf(changed), d->placesAmong(ids, changed, request.sortDescriptors)), request);
 }
 
 std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(const ZQFetchRequest &request,
@@ -322,37 +257,17 @@ std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(co
 std::optional<qint64> ZQManagedObjectContext::countForFetchRequest(const ZQFetchRequest &request, ZQError *error)
 {
     ZQFetchQuery query;
-    if (!d->prepareQuery(request, query, error)) {
+    QList<ZQRef<ZQManagedObject>> changed;
+    if (!d->prepareQuery(request, query, error) || !d->correct(request, false, query, changed, error)) {
         return std::nullopt;
     }
-    constexpr qsizetype dirtyInAQuery = 500;
-    const QList<ZQRef<ZQManagedObject>> dirty = d->dirtyObjectsOf(request, query.entity);
-    if (dirty.size() > dirtyInAQuery || (request.includesPendingChanges && d->mustEvaluateAll(request, query.entity))) {
-        const auto ids = fetchObjectIDs(request, error);
-        return ids ? std::optional<qint64>(ids->size()) : std::nullopt;
-    }
-    QString where = query.where;
-    QVariantList bindings = query.bindings;
-    qint64 count = 0;
-    QStringList places;
-    for (const ZQRef<ZQManagedObject> &object : dirty) {
-        if (!object->m_isDeleted &&
-            (request.predicate.isNull() || request.predicate.evaluateWithObject(object.get()))) {
-            ++count;
-        }
-        places.append(QString::number(object->m_key));
-    }
-    if (!places.isEmpty()) {
-        where += (where.isEmpty() ? QStringLiteral(" WHERE ") : QStringLiteral(" AND ")) +
-                 QStringLiteral("t.\"id\" NOT IN (%1)").arg(places.join(u','));
-    }
-    ZQSQLiteStatement select = d->prepare(QStringLiteral("SELECT count(*)") + query.from() + where);
-    select.bindVariants(0, bindings);
+    ZQSQLiteStatement select = d->prepare(QStringLiteral("SELECT count(*)") + query.from() + query.where);
+    select.bindVariants(0, query.bindings);
     if (!select.next()) {
         zqSetError(error, d->storeError());
         return std::nullopt;
     }
-    count = std::max<qint64>(0, count + select.int64(0) - std::max(0, request.fetchOffset));
+    const qint64 count = std::max<qint64>(0, changed.size() + select.int64(0) - std::max(0, request.fetchOffset));
     return request.fetchLimit > 0 ? std::min<qint64>(count, request.fetchLimit) : count;
 }
 

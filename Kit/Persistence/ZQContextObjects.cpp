@@ -253,7 +253,13 @@ bool Private::isDirty(const ZQManagedObject *object)
     return object->m_isInserted || object->m_isDeleted || object->m_changed || hasListChanges(object);
 }
 
-QList<ZQRef<ZQManagedObject>> Private::dirtyObjects() const
+bool Private::isTouched(const ZQManagedObject &object, quint64 fields, const QSet<int> &lists)
 {
-    return inserted.objects() + updated.objects() + deleted.objects();
+    if (object.m_isDeleted || (object.m_changed & fields)) {
+        return true;
+    }
+    return !object.m_toMany.empty() && std::any_of(lists.begin(), lists.end(), [&object](int index) {
+        const ToMany &list = object.m_toMany[size_t(index)];
+        return !list.added.isEmpty() || !list.removed.isEmpty();
+    });
 }

@@ -21,6 +21,16 @@ public:
     void remove(ZQManagedObject *object);
     void clear();
     QList<Object> objects() const;
+    // In the same order, without a copy. The list must not change meanwhile.
+    template <class Visit>
+    void visit(const Visit &visitor) const
+    {
+        for (const Object &object : m_objects) {
+            if (object) {
+                visitor(object);
+            }
+        }
+    }
 
 private:
     std::vector<Object> m_objects; // removed ones leave an empty place
@@ -91,7 +101,15 @@ struct ZQManagedObjectContext::Private
     void touch(ZQManagedObject *object); // something of it changed
     static bool hasListChanges(const ZQManagedObject *object);
     static bool isDirty(const ZQManagedObject *object);
-    QList<Object> dirtyObjects() const; // inserted, updated and deleted
+    // Whether it is deleted, or one of these fields or of the lists at these positions changed.
+    static bool isTouched(const ZQManagedObject &object, quint64 fields, const QSet<int> &lists);
+    template <class Visit>
+    void visitDirtyObjects(const Visit &visitor) const // inserted, updated and deleted
+    {
+        inserted.visit(visitor);
+        updated.visit(visitor);
+        deleted.visit(visitor);
+    }
 
     // Relationships (ZQContextRelationships.cpp)
     static const ZQRelationshipDescription &relationship(const ZQManagedObject *object, int index);
@@ -106,16 +124,27 @@ struct ZQManagedObjectContext::Private
     bool isRelated(ZQManagedObject *object, int index, ZQManagedObject *target);
     const QList<qint64> &loadedKeys(const ZQManagedObject *object, int index);
     QList<qint64> storedKeys(const ZQManagedObject *object, int index);
+    void takeStoredKeys(const ZQManagedObject *object, int index, const QList<qint64> &stored);
     QList<Object> related(const ZQManagedObject *object, int index);
     void deleteWithRules(ZQManagedObject *object);
     void deleteOne(ZQManagedObject *object, QList<Object> &cascade);
     void releaseTargets(ZQManagedObject *object, int index, QList<Object> &cascade);
 
+    // Reading ahead (ZQContextPrefetching.cpp)
+    // Reads what `keys` lead to from `objects`, of one root, in a few queries; the answer keeps it in memory. Without
+    // the last: only what is needed to say which objects these are.
+    QList<Object> prefetch(const QList<Object> &objects, const QStringList &keys, bool includesLast);
+    void loadLists(const QList<Object> &objects, int index); // all of one entity
+    QList<Object> objectsForKeys(const ZQEntityDescription *entity, const QSet<qint64> &keys);
+
     // Fetching (ZQContextFetching.cpp)
     bool prepareQuery(const ZQFetchRequest &request, ZQFetchQuery &query, ZQError *error);
-    bool mustEvaluateAll(const ZQFetchRequest &request, const ZQEntityDescription *entity) const;
-    QList<Object> dirtyObjectsOf(const ZQFetchRequest &request, const ZQEntityDescription *entity) const;
-    std::optional<QList<Object>> fetchAllInMemory(const ZQFetchRequest &request, ZQFetchQuery &query, ZQError *error);
+    // Leaves out of `query` what the store cannot know; `matching` is what belongs there instead.
+    bool correct(const ZQFetchRequest &request, bool isOrdered, ZQFetchQuery &query, QList<Object> &matching,
+                 ZQError *error);
+    // Where in `ids`, which are in the order of the request, each of `sorted` belongs: the number of those before it.
+    QList<qsizetype> placesAmong(const QList<ZQObjectID> &ids, const QList<Object> &sorted,
+                                 const QList<ZQSortDescriptor> &descriptors);
 
     // Saving (ZQContextSaving.cpp, ZQContextSavingRows.cpp)
     bool collect(ZQSaveWork &work, ZQError *error);

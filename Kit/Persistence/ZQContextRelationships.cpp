@@ -2,6 +2,10 @@
 
 using Private = ZQManagedObjectContext::Private;
 
+namespace {
+constexpr qsizetype shortList = 1000; // that may be searched from one end to the other
+}
+
 // Both sides of a relationship change together. A to-one side is a field of the row; a to-many side is a list that may
 // not have been read yet, so it records what was added to and removed from the stored list.
 
@@ -117,7 +121,6 @@ void Private::listAdd(ZQManagedObject *object, int index, qint64 key)
 void Private::listRemove(ZQManagedObject *object, int index, qint64 key)
 {
     // A long list is read again when it is next asked for: cheaper than closing one gap after the other.
-    constexpr qsizetype shortList = 1000;
     ToMany &many = list(object, index);
     if (!many.added.removeOne(key)) {
         many.removed.append(key);
@@ -145,6 +148,9 @@ bool Private::isRelated(ZQManagedObject *object, int index, ZQManagedObject *tar
     }
     if (holds(here.removed, there.removed) || object->m_key < 0 || target->m_key < 0) {
         return false;
+    }
+    if (here.isLoaded && here.keys.size() <= shortList) {
+        return here.keys.contains(target->m_key);
     }
     const ZQRelationshipDescription &forward = relationship(object, index);
     ZQSQLiteStatement select = prepare(
@@ -176,31 +182,33 @@ const QList<qint64> &Private::loadedKeys(const ZQManagedObject *object, int inde
 {
     assertThread();
     ToMany &many = list(object, index);
-    if (many.isLoaded) {
-        return many.keys;
+    if (!many.isLoaded) {
+        takeStoredKeys(object, index, object->m_key > 0 ? storedKeys(object, index) : QList<qint64>());
     }
+    return many.keys;
+}
+
+// The list as it is now: what is stored, and what changed since.
+void Private::takeStoredKeys(const ZQManagedObject *object, int index, const QList<qint64> &stored)
+{
+    ToMany &many = list(object, index);
     many.keys.clear();
-    QSet<qint64> present;
-    if (object->m_key > 0) {
-        const QSet<qint64> removed(many.removed.cbegin(), many.removed.cend());
-        const Root &destination = rootOf(relationship(object, index).destination);
-        for (const qint64 key : storedKeys(object, index)) {
-            const ZQManagedObject *other = deleted.isEmpty() ? nullptr : destination.objects.value(key);
-            if (!removed.contains(key) && !(other && other->m_isDeleted)) {
-                many.keys.append(key);
-            }
-        }
-        if (!many.added.isEmpty()) {
-            present = QSet<qint64>(many.keys.cbegin(), many.keys.cend());
+    const QSet<qint64> removed(many.removed.cbegin(), many.removed.cend());
+    const Root &destination = rootOf(relationship(object, index).destination);
+    for (const qint64 key : stored) {
+        const ZQManagedObject *other = deleted.isEmpty() ? nullptr : destination.objects.value(key);
+        if (!removed.contains(key) && !(other && other->m_isDeleted)) {
+            many.keys.append(key);
         }
     }
+    const QSet<qint64> present =
+        many.added.isEmpty() ? QSet<qint64>() : QSet<qint64>(many.keys.cbegin(), many.keys.cend());
     for (const qint64 key : std::as_const(many.added)) {
         if (!present.contains(key)) {
             many.keys.append(key);
         }
     }
     many.isLoaded = true;
-    return many.keys;
 }
 
 QList<ZQRef<ZQManagedObject>> Private::related(const ZQManagedObject *object, int index)

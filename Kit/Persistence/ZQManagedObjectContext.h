@@ -101,6 +101,21 @@ public:
                                                         ZQError *error = nullptr);
     // Makes sure the rows of these objects are in memory: one query for every 500 faults among them.
     void fillFaults(const QList<ZQObjectID> &ids);
+    // Reads what the relationships of `keyPath` lead to from all of these objects, a query for every 500 rows and one
+    // for all lists; following them afterwards asks the store for nothing as long as the answer is held.
+    template <class T>
+    [[nodiscard]] QList<ZQRef<ZQManagedObject>> prefetchRelatedObjects(const QList<ZQRef<T>> &objects,
+                                                                       const QString &keyPath)
+    {
+        QList<ZQRef<ZQManagedObject>> plain;
+        plain.reserve(objects.size());
+        for (const ZQRef<T> &object : objects) {
+            if (object && object->managedObjectContext() == this) {
+                plain.append(ZQRef<ZQManagedObject>(object.get()));
+            }
+        }
+        return prefetchObjects(plain, keyPath);
+    }
 
     // One transaction. Everything or nothing: after a failure all changes are still pending. True when nothing was to
     // save.
@@ -129,6 +144,8 @@ public:
     struct Private; // of this folder only
 
 private:
+    QList<ZQRef<ZQManagedObject>> prefetchObjects(const QList<ZQRef<ZQManagedObject>> &objects, const QString &keyPath);
+
     friend class ZQManagedObject;
     friend class ZQObjectAccess;
     std::unique_ptr<Private> d;

@@ -102,3 +102,15 @@ ZQSQLFragment zqSQLForMembership(const ZQSQLFragment &value, ZQSQLType type, con
                                       : QStringLiteral("AND ") + value.text + QStringLiteral(" IS NOT NULL")),
             value.bindings + list.bindings + value.bindings};
 }
+
+QString zqKeysAsJSON(const QList<qint64> &keys)
+{
+    QString text = QStringLiteral("[");
+    for (const qint64 key : keys) {
+        text += QString::number(key) + u',';
+    }
+    if (!keys.isEmpty()) {
+        text.chop(1);
+    }
+    return text + u']';
+}

@@ -198,6 +198,7 @@ bool ZQSQLiteStatement::next()
     if (m_code) {
         m_connection->noteCode(m_code);
     }
+    m_connection->m_rowsRead += code == SQLITE_ROW ? 1 : 0;
     return code == SQLITE_ROW;
 }
 
@@ -324,11 +325,9 @@ ZQSQLiteConnection::~ZQSQLiteConnection()
 void ZQSQLiteConnection::setReadsAreCancellable(bool areCancellable)
 {
     m_readsAreCancellable = areCancellable;
-    const auto ask = [](void *self) {
-        ++static_cast<ZQSQLiteConnection *>(self)->m_cancellationChecks;
-        return zqIsStatementCancelled() ? 1 : 0;
-    };
-    sqlite3_progress_handler(m_handle, areCancellable ? stepsBetweenChecks : 0, areCancellable ? +ask : nullptr, this);
+    const auto ask = [](void *) { return zqIsStatementCancelled() ? 1 : 0; };
+    sqlite3_progress_handler(m_handle, areCancellable ? stepsBetweenChecks : 0, areCancellable ? +ask : nullptr,
+                             nullptr);
 }
 
 // Not sqlite3_interrupt, which from another thread ends whatever the connection does by the time it comes.

@@ -97,12 +97,9 @@ public:
     // Whether statements that only read, outside of transactions, end with SQLITE_INTERRUPT once the thread's
     // ZQCancellation is cancelled. What writes never does. No by default: who works on after a cancellation reads on.
     void setReadsAreCancellable(bool areCancellable);
-    int cancellationChecks() const
-    {
-        return m_cancellationChecks;
-    } // how often a running statement was asked; for tests
 
-    int preparedUses() const { return m_uses; } // how many statements ran; for tests of batching
+    int preparedUses() const { return m_uses; }    // how many statements ran; for tests of batching
+    qint64 rowsRead() const { return m_rowsRead; } // that statements gave
     sqlite3 *handle() const { return m_handle; }
     QString path() const { return m_path; }
 
@@ -126,7 +123,7 @@ private:
     QString m_lastMessage;
     int m_uses = 0;
     bool m_readsAreCancellable = false;
-    int m_cancellationChecks = 0;
+    qint64 m_rowsRead = 0;
 };
 
 // Whether the thread is within a statement that was cancelled, so that what it still computes is thrown away.

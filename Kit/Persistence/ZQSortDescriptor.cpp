@@ -81,16 +81,6 @@ QVariant valueForKeyPath(const ZQManagedObject *object, const QString &keyPath)
     return object ? object->valueForKey(start ? keyPath.mid(start) : keyPath) : QVariant();
 }
 
-// Saved objects by key; new ones, whose keys count down, after them in the order they were made.
-int compareKeys(const ZQObjectID &a, const ZQObjectID &b)
-{
-    if (a.isTemporary() != b.isTemporary()) {
-        return a.isTemporary() ? 1 : -1;
-    }
-    const int order = a.key < b.key ? -1 : (a.key > b.key ? 1 : 0);
-    return a.isTemporary() ? -order : order;
-}
-
 } // namespace
 
 std::optional<ZQSQLOrder> zqSQLForSortDescriptors(const QList<ZQSortDescriptor> &descriptors,
@@ -131,6 +121,15 @@ int zqCompareValues(const QVariant &a, const QVariant &b, ZQSortDescriptor::Comp
     return x.index() < y.index() ? -1 : (x.index() > y.index() ? 1 : 0);
 }
 
+int zqCompareObjectIDs(const ZQObjectID &a, const ZQObjectID &b)
+{
+    if (a.isTemporary() != b.isTemporary()) {
+        return a.isTemporary() ? 1 : -1;
+    }
+    const int order = a.key < b.key ? -1 : (a.key > b.key ? 1 : 0);
+    return a.isTemporary() ? -order : order;
+}
+
 int zqCompareObjects(const ZQManagedObject *a, const ZQManagedObject *b, const QList<ZQSortDescriptor> &descriptors)
 {
     for (const ZQSortDescriptor &descriptor : descriptors) {
@@ -140,5 +139,5 @@ int zqCompareObjects(const ZQManagedObject *a, const ZQManagedObject *b, const Q
             return descriptor.ascending ? order : -order;
         }
     }
-    return compareKeys(a->objectID(), b->objectID());
+    return zqCompareObjectIDs(a->objectID(), b->objectID());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Persistence/ZQObjectID.h"
 #include "Kit/Persistence/ZQPredicate.h"
 
 #include <QList>
@@ -32,3 +33,5 @@ std::optional<ZQSQLOrder> zqSQLForSortDescriptors(const QList<ZQSortDescriptor> 
 // Negative, zero or positive as `a` comes before, with or after `b`.
 int zqCompareObjects(const ZQManagedObject *a, const ZQManagedObject *b, const QList<ZQSortDescriptor> &descriptors);
 int zqCompareValues(const QVariant &a, const QVariant &b, ZQSortDescriptor::Comparison comparison);
+// The order of objects that no descriptor tells apart: saved ones by key, new ones after them as they were made.
+int zqCompareObjectIDs(const ZQObjectID &a, const ZQObjectID &b);

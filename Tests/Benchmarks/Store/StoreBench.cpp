@@ -14,6 +14,7 @@
 #include "Models/DataModel/ZQSidebarLibrary.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Models/DataModel/_ZQEntities.h"
+#include "Tests/Benchmarks/Store/LeftoversBench.h"
 #include "Tests/Support/ScratchLibrary.h"
 #include "Tests/Support/ScriptedUser.h"
 #include "Tests/Support/StoreLibrary.h"
@@ -226,6 +227,20 @@ void measureMigration(const QString &path, qint64 items)
     }
 }
 
+void measureLeftoverCheck(const QString &path, qint64)
+{
+    if (!measureLeftovers(path)) {
+        giveUp(QStringLiteral("the check did not find everything in order"));
+    }
+}
+
+void makeDirectories(const QString &path, qint64)
+{
+    if (!makeItemDirectories(path)) {
+        giveUp(QStringLiteral("the item directories cannot be made"));
+    }
+}
+
 void measureIndexes(const QString &path, qint64)
 {
     const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
@@ -251,8 +266,14 @@ struct Measurement
     void (*take)(const QString &path, qint64 items);
 };
 constexpr Measurement measurements[] = {
-    {"duplicates", measureDuplicates}, {"count", measureCount},     {"lists", measureLists}, {"undo", measureUndo},
-    {"migration", measureMigration},   {"indexes", measureIndexes},
+    {"duplicates", measureDuplicates},
+    {"count", measureCount},
+    {"lists", measureLists},
+    {"undo", measureUndo},
+    {"migration", measureMigration},
+    {"indexes", measureIndexes},
+    {"leftovers", measureLeftoverCheck},
+    {"directories", makeDirectories},
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 #include "Tests/Support/ScriptedUser.h"
@@ -112,6 +113,11 @@ protected:
         delegate->applicationWillFinishLaunching();
         delegate->applicationDidFinishLaunching();
         return delegate;
+    }
+    static void checkLeftovers(tamberin_AppDelegate &delegate)
+    {
+        delegate.checkAndDeleteLibraryLeftovers();
+        zqRunMainLoopUntil([&delegate] { return !delegate.isCheckingLeftovers(); });
     }
     QString defaultBundle() const { return world.filePath(QStringLiteral("xdg_data_home/Zelto/Zelto.ztlibrary")); }
 

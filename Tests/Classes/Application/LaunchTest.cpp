@@ -103,7 +103,7 @@ TEST_F(ApplicationTest, ItemDirectoriesOfNoItemGoButNeverWhenTheStoreListsNone)
     {
         const auto delegate = launched();
         QDir().mkpath(library + QStringLiteral("/JustMade.ztlibraryitem")); // an import is about to save it
-        delegate->checkAndDeleteLibraryLeftovers();
+        checkLeftovers(*delegate);
         ASSERT_NE(delegate->deleteTask(), nullptr);
         delegate->deleteTask()->waitForFinished();
         EXPECT_EQ(QDir(library).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
@@ -114,7 +114,7 @@ TEST_F(ApplicationTest, ItemDirectoriesOfNoItemGoButNeverWhenTheStoreListsNone)
         delegate->saveAction();
     }
     const auto delegate = launched();
-    delegate->checkAndDeleteLibraryLeftovers();
+    checkLeftovers(*delegate);
     EXPECT_EQ(delegate->deleteTask(), nullptr);
     EXPECT_TRUE(QFileInfo::exists(library + QStringLiteral("/A.ztlibraryitem")));
 }
@@ -133,7 +133,7 @@ TEST_F(ApplicationTest, WhatIsOlderThanTheStoreIsTakenBackAndNeverRemoved)
     }
     QDir().mkpath(library + QStringLiteral("/Young.ztlibraryitem"));
     const auto delegate = launched();
-    delegate->checkAndDeleteLibraryLeftovers();
+    checkLeftovers(*delegate);
     EXPECT_EQ(imports.takenBack, QStringList{QStringLiteral("Old.ztlibraryitem")});
     delegate->waitForRemovals();
     for (const char *kept : {"/Old.ztlibraryitem", "/KNOWN.ztlibraryitem", "/Deleted.ztlibraryitem"}) {
@@ -177,12 +177,12 @@ TEST_F(ApplicationTest, WhatWasSavedOnceComesBackUnlessItWasPurged)
     note.close();
 
     const auto delegate = launched();
-    delegate->checkAndDeleteLibraryLeftovers();
+    checkLeftovers(*delegate);
     EXPECT_EQ(imports.takenBack, QStringList{QStringLiteral("Saved.ztlibraryitem")});
     delegate->waitForRemovals();
     EXPECT_EQ(QDir(library).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               (QStringList{QStringLiteral("A.ztlibraryitem"), QStringLiteral("Saved.ztlibraryitem")}));
-    delegate->checkAndDeleteLibraryLeftovers();
+    checkLeftovers(*delegate);
     EXPECT_FALSE(note.exists());
 }
 
@@ -208,7 +208,7 @@ TEST_F(ApplicationTest, MoreThanAnImportLeavesIsRemovedOnlyWhenThePersonSaysSo)
             return button < 0 ? int(question.buttons.size()) - 1 : button;
         };
         const auto delegate = launched();
-        delegate->checkAndDeleteLibraryLeftovers();
+        checkLeftovers(*delegate);
         delegate->waitForRemovals();
         return std::count_if(user.questions.begin(), user.questions.end(),
                              [](const UserQuestion &question) { return question.buttons.size() > 1; });

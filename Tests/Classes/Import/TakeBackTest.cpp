@@ -47,7 +47,7 @@ protected:
     void checkLeftovers()
     {
         delegate->checkAndDeleteLibraryLeftovers();
-        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+        zqRunMainLoopUntil([this] { return !delegate->isCheckingLeftovers(); });
         delegate->waitForRemovals();
         QCoreApplication::processEvents();
     }

@@ -129,6 +129,28 @@ TEST_F(ItemEditsTest, ACancelledEditIsUndoneAsFarAsItCame)
     EXPECT_EQ(tagged(red), 0);
 }
 
+TEST_F(ItemEditsTest, ACancelledUndoLeavesWhatItDidNotComeToForTheNextOne)
+{
+    const int count = 3500;
+    const QList<ZQObjectID> items = addItems(count);
+    edits.changeTags({items[7], items[count - 7]}, {red->objectID()}, {}); // before, so nobody's to take back
+    edits.changeTags(items, {red->objectID()}, {});
+    finish();
+    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    undoStack.undo();
+    finish();
+    EXPECT_GT(tagged(red), 2);
+    user.onBeginProgress = {};
+    undoStack.redo();
+    finish();
+    EXPECT_EQ(tagged(red), count);
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(tagged(red), 2);
+    EXPECT_EQ(tagsOf(items[7]), onlyRed);
+    EXPECT_EQ(tagsOf(items[count - 7]), onlyRed);
+}
+
 TEST_F(ItemEditsTest, ASummaryTellsWhatItemsShareAndWhatDiffers)
 {
     const QList<ZQObjectID> items = addItems(2);

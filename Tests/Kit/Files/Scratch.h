@@ -21,6 +21,7 @@ public:
             m_before.append({variable, qgetenv(variable)});
             qputenv(variable, QFile::encodeName(path(QString::fromLatin1(variable))));
         }
+        QDir().mkpath(path(QStringLiteral("TMPDIR"))); // without it, temporary files would lie in the root folder
     }
     ~Scratch() override
     {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+// Makes the extended attributes of files fail as a bad disk, a full one or a withdrawn permission would, for as long as
+// it lives. One at a time; faults of any thread of this process.
+class AttributeFaults
+{
+public:
+    AttributeFaults();
+    ~AttributeFaults();
+    AttributeFaults(const AttributeFaults &) = delete;
+    AttributeFaults &operator=(const AttributeFaults &) = delete;
+
+    // Names as `ZQExtendedAttributes` takes them.
+    void failReading(const QString &name, int errnoValue);
+    void failWriting(const QString &name, int errnoValue); // setting and removing
+    void setRoom(qsizetype bytes);                         // for names and values of one file; -1: as the disk has
+    void clear();
+    int reads() const;  // of one value each, of any file, since it was made
+    int writes() const; // that were asked for, since it was made
+};

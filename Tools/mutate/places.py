@@ -1,0 +1,270 @@
+"""Finds the places of a source file where a fault can be put, with the compiler's own tree."""
+import bisect
+import re
+import sys
+from dataclasses import dataclass, field
+
+try:
+    from clang import cindex
+except ImportError:  # another Python than Debian's stands first in the path
+    sys.path.append("/usr/lib/python3/dist-packages")
+    from clang import cindex
+
+K = cindex.CursorKind
+
+KINDS = {
+    "condition": "a condition turned",
+    "bound": "a bound moved",
+    "call": "a call dropped",
+    "error": "an error ignored",
+    "swap": "two statements swapped",
+}
+
+# Dropping these changes nothing that a caller relies on, or only words for people.
+LEFT_OUT_CALLS = {
+    "reserve", "squeeze", "shrink_to_fit", "setObjectName", "setAccessibleName", "setAccessibleDescription", "setToolTip",
+    "setWhatsThis", "setStatusTip", "setPlaceholderText", "setWindowTitle", "prctl", "flush", "setProperty",
+}
+# What stands between their parentheses is text for people or for the log.
+TEXT_CALLS = {"zqLocalized", "zqFormat", "tr", "zqTrace"}
+
+# What cannot be switched at run time, or is not code.
+NOT_INTO = {K.STATIC_ASSERT, K.ENUM_DECL, K.ENUM_CONSTANT_DECL, K.PARM_DECL, K.TEMPLATE_TYPE_PARAMETER,
+            K.TEMPLATE_NON_TYPE_PARAMETER, K.CONCEPT_DECL if hasattr(K, "CONCEPT_DECL") else K.STATIC_ASSERT}
+FUNCTIONS = {K.FUNCTION_DECL, K.CXX_METHOD, K.CONSTRUCTOR, K.DESTRUCTOR, K.CONVERSION_FUNCTION, K.FUNCTION_TEMPLATE}
+MOVED = {b"<": b"<=", b"<=": b"<", b">": b">=", b">=": b">"}
+TOKENS = re.compile(rb"""//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\d(?:'?[\w.])*|'(?:\\.|[^'\\\n])*'|\n""", re.S)
+ERRONEOUS = re.compile(rb"^!|\b(error|failed|isNull)\b|< 0$|== -1$|[eE]rror")
+FAILED_RESULT = re.compile(rb"return\s*(false|std::nullopt|nullptr|\{\}|-1|Q?String\(\)|.*[eE]rror.*|.*fail.*);\s*\}?$", re.S)
+
+
+@dataclass
+class Place:
+    file: str
+    kind: str
+    start: int
+    end: int
+    line: int
+    before: bytes  # the form with the fault off: "%" stands for the place's own text, "#" for the fault's number
+    after: bytes
+    faulty: bytes  # what a person reads as the fault
+    children: list = field(default_factory=list)
+
+    def end_line(self, text):
+        return self.line + text[self.start:self.end].count(b"\n")
+
+
+def one_line(text):
+    def replace(match):
+        token = match.group()
+        return b" " if token[:2] in (b"//", b"/*") or token == b"\n" else token
+    return b" ".join(TOKENS.sub(replace, text).split(b"\n"))
+
+
+def closing_parenthesis(text, opening):
+    depth, at = 0, opening
+    while at < len(text):
+        match = TOKENS.match(text, at)
+        if match and match.end() > at:
+            at = match.end()
+            continue
+        depth += {40: 1, 41: -1}.get(text[at], 0)
+        if depth == 0:
+            return at
+        at += 1
+    return -1
+
+
+class Finder:
+    def __init__(self, path, name, arguments):
+        self.name = name
+        with open(path, "rb") as file:
+            self.text = file.read()
+        options = cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD
+        self.unit = cindex.Index.create().parse(path, args=arguments, options=options)
+        self.failure = next((str(d) for d in self.unit.diagnostics if d.severity >= cindex.Diagnostic.Fatal), None)
+        self.lines = [0] + [match.end() for match in re.finditer(b"\n", self.text)]
+        self.path = path
+        self.places = {}
+        self.macros = []
+
+    def find(self):
+        tops = [c for c in self.unit.cursor.get_children() if c.location.file and c.location.file.name == self.path]
+        self.macros = sorted(self.extent(c) for c in tops if c.kind == K.MACRO_INSTANTIATION)
+        for cursor in tops:
+            if not cursor.kind.is_preprocessing():
+                self.walk(cursor, False)
+        return list(self.places.values())
+
+    @staticmethod
+    def extent(cursor):
+        return cursor.extent.start.offset, cursor.extent.end.offset
+
+    def is_in_macro(self, start, end):
+        """Whether a macro holds the place, or begins or ends within it only in part."""
+        first = max(0, bisect.bisect_left(self.macros, (start, 0)) - 3)
+        for low, high in self.macros[first:]:
+            if low >= end:
+                return False
+            if high > start and not (start <= low and high <= end and (low, high) != (start, end)):
+                return True
+        return False
+
+    def add(self, kind, start, end, before, after, faulty):
+        if start >= end or self.is_in_macro(start, end):
+            return
+        line = bisect.bisect_right(self.lines, start)
+        self.places.setdefault((kind, start, end), Place(self.name, kind, start, end, line, before, after, faulty))
+
+    def walk(self, cursor, in_body):
+        kind = cursor.kind
+        if kind in NOT_INTO or (in_body and self.is_left_alone(cursor)):
+            return
+        if kind in FUNCTIONS and re.search(rb"\b(constexpr|consteval)\b", self.text[cursor.extent.start.offset:][:120].split(b"(")[0]):
+            return
+        if kind == K.VAR_DECL and re.match(rb"(static |inline )*(constexpr|constinit)", self.text[cursor.extent.start.offset:][:40]):
+            return
+        children = list(cursor.get_children())
+        if kind == K.COMPOUND_STMT:
+            in_body = True
+            self.statements(children)
+        elif in_body:
+            self.expression(cursor, kind, children)
+        if kind == K.CASE_STMT:
+            children = children[1:]
+        for child in children:
+            self.walk(child, in_body)
+
+    def is_left_alone(self, cursor):
+        if cursor.kind == K.CALL_EXPR and cursor.spelling in TEXT_CALLS:
+            return True
+        return cursor.kind == K.DECL_STMT and re.match(rb"(static |inline )*(constexpr|constinit)\b",
+                                                       self.text[cursor.extent.start.offset:][:40]) is not None
+
+    def expression(self, cursor, kind, children):
+        if kind == K.IF_STMT:
+            self.if_statement(cursor, children)
+        elif kind == K.CONDITIONAL_OPERATOR and len(children) == 3:
+            self.condition(*self.extent(children[0]))
+        elif kind == K.BINARY_OPERATOR and len(children) == 2:
+            self.binary(cursor, children)
+        elif kind == K.FOR_STMT:
+            self.loop(children)
+        elif kind == K.RETURN_STMT and children:
+            self.result(children[0])
+
+    def condition(self, start, end):
+        self.add("condition", start, end, b"(zqMutant(#) != static_cast<bool>(", b"))", b"!(" + self.text[start:end] + b")")
+
+    def if_statement(self, cursor, children):
+        start, end = self.extent(cursor)
+        opening = self.text.find(b"(", start)
+        if self.text[start:opening].strip() != b"if":  # constexpr, or from a macro
+            return
+        closing = closing_parenthesis(self.text, opening)
+        inside = [c for c in children if opening < c.extent.start.offset and c.extent.end.offset <= closing]
+        if not inside:
+            return
+        low, high = self.extent(inside[-1])
+        leading = re.split(b"[;(]", self.text[opening:low])[-1]
+        if leading.strip() or self.text[high:closing].strip():
+            return
+        self.condition(low, high)
+        branches = [c for c in children if c.extent.start.offset > closing]
+        body = one_line(self.text[slice(*self.extent(branches[0]))]) if branches else b""
+        returns = re.search(rb"\breturn\b[^;]*;\s*\}?$", body)
+        if len(branches) != 1 or not returns or re.search(rb"\breturn\s*;", returns.group()):
+            return
+        if ERRONEOUS.search(self.text[low:high]) or FAILED_RESULT.search(returns.group()):
+            self.add("error", low, high, b"(static_cast<bool>(", b") && !zqMutant(#))", b"(" + self.text[low:high] + b") && false")
+
+    def result(self, value):
+        """A function that hands on whether something worked."""
+        call = self.peeled(value)
+        if call.kind == K.CALL_EXPR and value.type.get_canonical().kind == cindex.TypeKind.BOOL and not call.spelling.startswith("operator"):
+            start, end = self.extent(value)
+            if not re.match(r"(is|has|can|contains|starts|ends|operator|should|are|was)", call.spelling):
+                self.add("error", start, end, b"(static_cast<bool>(", b") || zqMutant(#))", b"(" + self.text[start:end] + b") || true")
+
+    def binary(self, cursor, children):
+        (low, middle), (after, high) = self.extent(children[0]), self.extent(children[1])
+        operator = one_line(self.text[middle:after]).strip()
+        if operator in (b"&&", b"||"):
+            for child in children:
+                if not self.is_logical(child):
+                    self.condition(*self.extent(child))
+        elif operator in MOVED:
+            faulty = self.text[low:middle] + b" " + MOVED[operator] + b" " + self.text[after:high]
+            self.add("bound", low, high, b"(zqMutant(#) ? (" + one_line(faulty) + b") : (", b"))", faulty)
+        if operator in MOVED or operator in (b"+", b"-", b"==", b"!="):
+            for child in children:
+                self.number(child)
+
+    def number(self, cursor):
+        cursor = self.peeled(cursor)
+        if cursor.kind == K.INTEGER_LITERAL:
+            start, end = self.extent(cursor)
+            self.add("bound", start, end, b"(", b" + (zqMutant(#) ? 1 : 0))", self.text[start:end] + b" + 1")
+
+    def loop(self, children):
+        first = children[0] if children else None
+        if first is not None and first.kind == K.DECL_STMT:
+            for variable in first.get_children():
+                for value in variable.get_children():
+                    self.number(value)
+
+    def is_logical(self, cursor):
+        cursor = self.peeled(cursor)
+        if cursor.kind == K.PAREN_EXPR:
+            return True  # its inside is looked at by itself
+        children = list(cursor.get_children())
+        if cursor.kind != K.BINARY_OPERATOR or len(children) != 2:
+            return False
+        return one_line(self.text[children[0].extent.end.offset:children[1].extent.start.offset]).strip() in (b"&&", b"||")
+
+    @staticmethod
+    def peeled(cursor):
+        while cursor.kind == K.UNEXPOSED_EXPR:
+            children = list(cursor.get_children())
+            if len(children) != 1:
+                break
+            cursor = children[0]
+        return cursor
+
+    def statements(self, children):
+        calls = [self.call_statement(child) for child in children]
+        for call in calls:
+            if call:
+                start, end, _ = call
+                self.add("call", start, end, b"{ if (!zqMutant(#)) { ", b" } }", b"")
+        for one, two in zip(calls, calls[1:]):
+            if one and two and not self.is_order_free(one, two):
+                first, second = self.text[one[0]:one[1]], self.text[two[0]:two[1]]
+                between = self.text[one[1]:two[0]]
+                if first != second and not self.is_in_macro(one[0], one[1]) and not self.is_in_macro(two[0], two[1]):
+                    before = b"{ if (zqMutant(#)) { " + one_line(second + b" " + first) + b" } else { "
+                    spaces = re.search(rb"\n?[ \t]*$", between).group()
+                    self.add("swap", one[0], two[1], before, b" } }", second + spaces + first)
+
+    def call_statement(self, cursor):
+        """(start, end with the semicolon, name) of a statement that is a call and nothing else."""
+        call = self.peeled(cursor)
+        if call.kind != K.CALL_EXPR or call.spelling in LEFT_OUT_CALLS or call.spelling in TEXT_CALLS:
+            return None
+        start, end = self.extent(cursor)
+        semicolon = re.match(rb"\s*;", self.text[end:end + 40])
+        if not semicolon or self.text[start:end].startswith((b"delete ", b"qC", b"qDebug", b"qWarning")):
+            return None
+        return start, end + semicolon.end(), call.spelling
+
+    @staticmethod
+    def is_order_free(one, two):
+        setters = [name for _, _, name in (one, two) if re.match(r"set[A-Z]", name)]
+        return len(setters) == 2 and setters[0] != setters[1]
+
+
+def find_places(path, name, arguments):
+    finder = Finder(path, name, arguments)
+    if finder.failure:
+        return [], f"{name}: {finder.failure}"
+    return finder.find(), None
