@@ -1,6 +1,7 @@
 // What a missing file costs, who is told when it is found, and which newcomer under its name is that file.
 
 #include "Kit/Files/ZQFileReference.h"
+#include "Kit/Files/ZQFileSearch.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Tests/Kit/Files/Scratch.h"
 
@@ -106,6 +107,28 @@ TEST_F(MissingFiles, AreFoundBesideTheCallerWhoIsToldOnce)
     EXPECT_EQ(zqFindPersistentURL(reference), renamed);
     ASSERT_TRUE(rename(renamed, made));
     EXPECT_EQ(resolve(), made);
+}
+
+TEST_F(MissingFiles, OfOneFolderAreLookedForTogether)
+{
+    const QString start = folder(QStringLiteral("one/two"));
+    const QString other = folder(QStringLiteral("one/other"));
+    QList<ZQFileReference> references;
+    for (const char *name : {"a", "b", "c"}) {
+        write(start + u'/' + QLatin1String(name), name);
+        references.append(*ZQFileReference::decoded(zqDataForPersistentURL(start + u'/' + QLatin1String(name))));
+    }
+    ASSERT_TRUE(rename(start + QStringLiteral("/a"), other + QStringLiteral("/1")));
+    ASSERT_TRUE(rename(start + QStringLiteral("/b"), other + QStringLiteral("/2")));
+    ASSERT_TRUE(QFile::remove(start + QStringLiteral("/c")));
+    write(other + QStringLiteral("/3"), "3");
+    std::atomic<qint64> looked = 0;
+    const auto found = ZQFileSearch({&references[0], &references[1], &references[2]}, looked)
+                           .run(QFile::encodeName(path(QStringLiteral("one"))), ZQFileSearch::Reach::Below);
+    EXPECT_EQ(found.value(&references[0]), QFile::encodeName(other + QStringLiteral("/1")));
+    EXPECT_EQ(found.value(&references[1]), QFile::encodeName(other + QStringLiteral("/2")));
+    EXPECT_EQ(found.size(), 2);
+    EXPECT_EQ(looked, 2 + 3); // both folders, and what is in the other
 }
 
 TEST_F(MissingFiles, RememberedAreBoundedInNumber)
