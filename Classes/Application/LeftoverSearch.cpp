@@ -156,7 +156,9 @@ std::optional<QStringList> LeftoverSearch::unnamedOf(const QStringList &names, c
         QStringList bundleIDs;
         for (const QString &name : batch) {
             bundleIDs.append(bundleIDOf(name));
-            bundleIDs.append(bundleIDOf(name).toUpper()); // as the library names them
+            if (const QString upper = bundleIDs.last().toUpper(); upper != bundleIDs.last()) {
+                bundleIDs.append(upper); // as the library names them
+            }
         }
         const auto named = namedAmong(bundleIDs);
         if (!named || stop.stop_requested()) {

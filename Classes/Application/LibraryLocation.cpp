@@ -115,7 +115,7 @@ QString LibraryLocation::remembered()
         return moved;
     }
     const QByteArray data = ZQUserDefaults::standardUserDefaults().dataForKey(locationKey);
-    const QString path = data.isEmpty() ? QString() : zqURLFromPersistentData(data);
+    const QString path = data.isEmpty() ? QString() : zqFindPersistentURL(data);
     const bool isInTrash = path.contains(QStringLiteral(".Trash")) || ZQTrash::contains(path);
     return path.isEmpty() || isInTrash || !QFileInfo(path).isDir() ? QString() : path;
 }

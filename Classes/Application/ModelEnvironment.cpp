@@ -1,5 +1,6 @@
 #include "Classes/Application/ModelEnvironment.h"
 
+#include "Classes/Application/FileReferenceRenewal.h"
 #include "Classes/Application/FileTagAdoption.h"
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
@@ -142,6 +143,13 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
     });
 }
 
+void ModelEnvironment::fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QString &path)
+{
+    if (m_renewal) {
+        m_renewal->add({item, reference, path});
+    }
+}
+
 void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
 {
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(
@@ -185,6 +193,7 @@ void ModelEnvironment::finishInterruptedTagWrites()
     }
     m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
     m_adoption = std::make_shared<FileTagAdoption>(m_delegate);
+    m_renewal = std::make_shared<FileReferenceRenewal>(m_delegate);
     m_saveObserver = context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { journal->didSave(); });
     const QStringList interrupted = m_journal->interrupted();
     constexpr qsizetype atATime = 500;
@@ -210,6 +219,7 @@ void ModelEnvironment::closeTagFiles()
     if (m_adoption && m_adoption->apply()) {
         TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     }
+    m_renewal.reset();
     m_adoption.reset(); // what still comes is found in the files at the next launch
     OpenMetaBackup::waitUntilAllWritten();
     m_saveObserver.reset();

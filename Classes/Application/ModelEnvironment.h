@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class FileReferenceRenewal;
 class FileTagAdoption;
 class TagFileJournal;
 class tamberin_AppDelegate;
@@ -27,6 +28,7 @@ public:
     std::optional<ZQFileTags> tagsAfterReadingFile(const QString &path, const ZQFileTags &present) override;
     void didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
+    void fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QString &path) override;
     void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     bool writesTagsToFiles() override;
@@ -42,6 +44,7 @@ private:
     tamberin_AppDelegate &m_delegate;
     std::shared_ptr<TagFileJournal> m_journal;
     std::shared_ptr<FileTagAdoption> m_adoption;
+    std::shared_ptr<FileReferenceRenewal> m_renewal; // while the store is open
     ZQOperationQueue m_readings;
     ZQManagedObjectContext::Token m_saveObserver;
 };

@@ -84,7 +84,7 @@ RatingFiller::Result RatingFiller::fill(const QList<ZQObjectID> &batch, ZQManage
             return Result::Stopped;
         }
         const auto item = zqCast<ZQLibraryBaseItem>(object);
-        const QString path = item && item->rating() == 0 ? item->itemURL() : QString();
+        const QString path = item && item->rating() == 0 ? item->findItemURL() : QString();
         const int rating = path.isEmpty() ? 0 : ZQLibraryEnvironment::current().ratingOfFile(path).value_or(0);
         if (rating > 0) {
             item->setRating(static_cast<qint16>(rating));

@@ -8,6 +8,7 @@
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/RatingFiller.h"
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -75,6 +76,7 @@ void tamberin_AppDelegate::applicationWillFinishLaunching()
 
 void tamberin_AppDelegate::applicationDidFinishLaunching()
 {
+    zqSetPersistentURLsWait(false); // a window does not
     checkModelMigration();
     if (m_parts.softwareUpdater) {
         m_parts.softwareUpdater->configure(appCastURL(m_parts.softwareUpdater->areTestKeysHeld()));
@@ -125,6 +127,7 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
 
 bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
 {
+    zqSetPersistentURLsWait(true);
     PreferencesController::registerDefaultPreferences();
     if (!lockLibrary(error) || libraryDirectory().isEmpty()) {
         return false;

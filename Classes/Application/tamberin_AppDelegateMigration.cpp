@@ -29,7 +29,7 @@ struct FixUp
 constexpr FixUp fixUps[] = {
     {"Version6", "creation_date == nil", true,
      [](ZQLibraryBaseItem &item) {
-         const QString path = zqURLFromPersistentData(item.itemURLData());
+         const QString path = zqFindPersistentURL(item.itemURLData());
          if (const auto dates = path.isEmpty() ? std::nullopt : zqFileDates(path)) {
              item.setCreation_date(QDateTime::fromMSecsSinceEpoch(dates->birth, Qt::UTC));
          }

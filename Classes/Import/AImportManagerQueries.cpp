@@ -110,7 +110,7 @@ QStringList AImportManager::removeSubFoldersFromPaths(const QStringList &paths)
 
 QString AImportManager::getActualPath(const QString &path)
 {
-    const QString actual = zqURLFromPersistentData(zqDataForPersistentURL(path));
+    const QString actual = zqURLFromPersistentData(zqDataForPersistentURL(path, ZQReferenceContents::NotNoted));
     return actual.isEmpty() ? path : actual;
 }
 

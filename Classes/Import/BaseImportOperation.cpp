@@ -312,7 +312,9 @@ void BaseImportOperation::addFileToLibrary()
     if (!m_referenceImage && !m_isInPlace && !copyFile()) {
         return;
     }
-    const QByteArray reference = zqDataForPersistentURL(m_filePath);
+    // Nobody else saves the library's own copy.
+    const QByteArray reference = zqDataForPersistentURL(m_filePath, m_referenceImage ? ZQReferenceContents::Noted
+                                                                                     : ZQReferenceContents::NotNoted);
     if (reference.isEmpty()) {
         qCWarning(zqLogImport).noquote() << zqFormat(
             QStringLiteral("%@ couldn't be imported because it's locked or user doesn't have the right permission"),

@@ -4,17 +4,43 @@
 #include <QString>
 #include <QStringList>
 
-// References to files that survive renaming and moving on their volume: opaque bytes with a format number that hold the
-// file system's identity, inode, birth time, last path and the identity of the nearest ancestor folder. Any thread.
-// Resolving touches the disk; it never mounts anything and never asks anyone.
+#include <functional>
 
-// The reference to `path`; empty when the file cannot be read.
-QByteArray zqDataForPersistentURL(const QString &path);
+// References to files that survive renaming and moving on their volume: opaque bytes with a format number that hold the
+// file system's identity, inode, birth time, last path, the identity of the nearest ancestor folder, and as much of a
+// file's contents as it takes to know it again. Any thread. Resolving touches the disk; it never mounts anything and
+// never asks anyone.
+
+enum class ZQReferenceContents { Noted, NotNoted };
+// The reference to `path`; empty when the file cannot be read. Without contents a file that another program saves by
+// replacing it is not known again.
+QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents contents = ZQReferenceContents::Noted);
 
 // Where the file is now, or nothing (an empty text): the last path when it still has that inode and birth time; the
-// same folder, then the folders around it (bounded); the watched roots; last, the old path when another file took its
-// place there.
-QString zqURLFromPersistentData(const QByteArray &data);
+// same folder; the last path again, when what took its place there is that file saved by replacing it, which its
+// contents say, or the old one beside it under a name such as "a.png~". Any other newcomer is not the file.
+//
+// What is in none of these places is looked for around that folder and in the watched roots, once and beside the
+// caller, who gets nothing meanwhile. `moved` is called, on some thread, once when the file is found elsewhere than the
+// reference says, so that it can be renewed. A miss is remembered for a minute, as long as the last folder does not
+// change, and no folder is looked into then.
+QString zqURLFromPersistentData(const QByteArray &data, const std::function<void(const QString &path)> &moved = {});
+
+// The same for those who need the answer at once and can wait for it: up to some ten thousand entries of folders.
+QString zqFindPersistentURL(const QByteArray &data);
+// For a process whose caller can always wait, as a command has no window: both functions are the same then.
+void zqSetPersistentURLsWait(bool wait);
 
 // Folders also searched when a file is found nowhere near its last path.
 void zqSetPersistentURLRoots(const QStringList &roots);
+
+// For tests and measurements.
+struct ZQPersistentURLCounts
+{
+    qint64 entriesInCallers = 0; // of folders, looked at since the program began
+    qint64 entriesBeside = 0;
+};
+ZQPersistentURLCounts zqPersistentURLCounts();
+void zqForgetPersistentURLs();             // what was remembered, as after that minute
+void zqWaitForPersistentURLSearches();     // those beside the callers
+constexpr int zqMostPersistentURLs = 8192; // remembered at a time

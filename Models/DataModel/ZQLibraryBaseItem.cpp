@@ -4,6 +4,7 @@
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -126,7 +127,18 @@ QString ZQLibraryBaseItem::itemURL() const
     if (managed()) {
         return managedItemURL();
     }
-    return itemURLData().isEmpty() ? QString() : zqURLFromPersistentData(itemURLData());
+    const QByteArray reference = itemURLData();
+    return reference.isEmpty() ? QString()
+                               : zqURLFromPersistentData(reference, [id = objectID(), reference](const QString &path) {
+                                     zqOnMainThread([id, reference, path] {
+                                         ZQLibraryEnvironment::current().fileOfItemDidMove(id, reference, path);
+                                     });
+                                 });
+}
+
+QString ZQLibraryBaseItem::findItemURL() const
+{
+    return managed() ? managedItemURL() : zqFindPersistentURL(itemURLData());
 }
 
 QString ZQLibraryBaseItem::managedThumbURL() const

@@ -45,7 +45,8 @@ public:
 
     QString bundleURL() const;
     QString managedItemURL() const;
-    QString itemURL() const;
+    QString itemURL() const; // of an unmanaged item whose file is missing: empty until it was found beside the caller
+    QString findItemURL() const; // waits for that
     QString managedThumbURL() const;
     QString thumbURL() const { return managedThumbURL(); }
     virtual QString detailItemURL() const; // the file the detail view shows

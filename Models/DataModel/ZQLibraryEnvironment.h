@@ -9,6 +9,7 @@
 #include <optional>
 
 class ZQLibraryBaseItem;
+struct ZQObjectID;
 template <class T>
 class ZQRef;
 
@@ -51,6 +52,10 @@ public:
     // Reads the items' files beside the caller. What other programs changed there comes into the store a little later,
     // with `dataDidUpdateNotification` for each item concerned. Main thread.
     virtual void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &) {}
+
+    // The file of an unmanaged item was found elsewhere than `reference` says, which is renewed, with
+    // `dataDidUpdateNotification`, unless the item has another one by now. Main thread.
+    virtual void fileOfItemDidMove(const ZQObjectID &, const QByteArray &, const QString &) {}
 
     // Queues writing to a file; returns at once.
     virtual void writeTagsToFile(const QString &path, const ZQFileTags &tags) = 0;

@@ -93,8 +93,7 @@ ZQSidebarWatchedFolder::subfolderChildsItemsWithSortDescriptors(const QList<ZQSo
 
 QString ZQSidebarWatchedFolder::folderURL() const
 {
-    const QString path =
-        folderURLSecureData().isEmpty() ? folderPath() : zqURLFromPersistentData(folderURLSecureData());
+    const QString path = folderURLSecureData().isEmpty() ? folderPath() : zqFindPersistentURL(folderURLSecureData());
     return QFileInfo(path).isDir() ? path : QString();
 }
 

@@ -1,0 +1,234 @@
+#include "Kit/Files/ZQFileFinder.h"
+
+#include "Kit/Files/ZQFileSearch.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::minutes remembered{1};
+// The clock of file systems ticks coarsely: a folder that changed just now may change again without showing it.
+constexpr std::chrono::milliseconds coarseTick{50};
+constexpr std::chrono::seconds rememberedInBetween{1};
+constexpr int foldersUp = 2;
+
+// A folder that is gone is looked for around the nearest one above it that is left.
+QByteArray startOf(const ZQFileReference &reference)
+{
+    QByteArray start = zqFolderOf(reference.path);
+    while (start != "/" && !zqLookAtFile(start)) {
+        start = zqFolderOf(start);
+    }
+    return start;
+}
+
+} // namespace
+
+ZQFileFinder::ZQFileFinder()
+{
+    m_thread.setMaxThreadCount(1);
+}
+
+ZQFileFinder &ZQFileFinder::shared()
+{
+    static ZQFileFinder *const instance = new ZQFileFinder; // a search may outlast the other statics
+    return *instance;
+}
+
+QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &reference, bool waits, const Moved &moved)
+{
+    if (zqIsFile(reference.path, reference.file)) {
+        return reference.path;
+    }
+    const bool looksAround = waits || m_waits;
+    const Stamp folder = stampOf(reference); // before the folder is read: what changes meanwhile is noticed next time
+    const auto before = known(data, folder);
+    if (before && (!before->path.isEmpty() || before->wasLookedForAround || !looksAround)) {
+        return before->path;
+    }
+    const QByteArray near = before ? QByteArray() : findInFolder(reference);
+    if (!near.isEmpty()) {
+        return didFind(data, reference, near, folder, moved);
+    }
+    remember(data, {.until = trustedUntil(folder),
+                    .path = {},
+                    .identity = {},
+                    .folder = folder,
+                    .wasLookedForAround = looksAround});
+    const Wanted wanted{data, reference, moved};
+    if (!looksAround) {
+        findBeside(wanted);
+        return {};
+    }
+    findAround({wanted}, m_inCallers);
+    return known(data, folder).value_or(Known()).path;
+}
+
+ZQFileFinder::Stamp ZQFileFinder::stampOf(const ZQFileReference &reference)
+{
+    const auto folder = zqLookAtFile(zqFolderOf(reference.path));
+    return folder ? Stamp{folder->identity.inode, folder->modification, folder->change} : Stamp();
+}
+
+std::chrono::steady_clock::time_point ZQFileFinder::trustedUntil(const Stamp &folder)
+{
+    const std::chrono::nanoseconds changed(std::max(folder.modification, folder.change));
+    const bool isSettled = std::chrono::system_clock::now().time_since_epoch() - changed > coarseTick;
+    return std::chrono::steady_clock::now() + (isSettled ? remembered : rememberedInBetween);
+}
+
+std::optional<ZQFileFinder::Known> ZQFileFinder::known(const QByteArray &data, const Stamp &folder)
+{
+    std::optional<Known> known;
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto place = m_known.constFind(data);
+        if (place != m_known.constEnd()) {
+            known = *place;
+        }
+    }
+    if (known && !known->path.isEmpty()) {
+        return zqIsFile(known->path, known->identity) ? known : std::nullopt;
+    }
+    const bool holds = known && known->folder == folder && std::chrono::steady_clock::now() < known->until;
+    return holds ? known : std::nullopt;
+}
+
+void ZQFileFinder::remember(const QByteArray &data, const Known &known)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_known.contains(data)) {
+        m_order.push_back(data);
+    }
+    m_known.insert(data, known);
+    if (m_order.size() > std::size_t(zqMostPersistentURLs)) {
+        m_known.remove(m_order.front());
+        m_order.pop_front();
+    }
+}
+
+QByteArray ZQFileFinder::didFind(const QByteArray &data, const ZQFileReference &reference, const QByteArray &path,
+                                 const Stamp &folder, const Moved &moved)
+{
+    const auto found = zqLookAtFile(path);
+    if (!found || found->isFolder != reference.isFolder) {
+        return {};
+    }
+    Known known{.until = {}, .path = path, .identity = found->identity, .folder = folder, .wasLookedForAround = true};
+    known.identity.fileSystem = known.identity.birth == 0 ? zqFileSystemOf(path) : 0;
+    remember(data, known);
+    if (moved) {
+        moved(QFile::decodeName(path));
+    }
+    return path;
+}
+
+QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
+{
+    const QByteArray found = ZQFileSearch({&reference}, m_inCallers)
+                                 .run(zqFolderOf(reference.path), ZQFileSearch::Reach::Folder)
+                                 .value(&reference);
+    if (!found.isEmpty()) {
+        const auto newcomer = zqLookAtFile(reference.path);
+        const bool wasReplaced = newcomer && !newcomer->isFolder && !reference.isFolder &&
+                                 reference.isPutAside(found.mid(found.lastIndexOf('/') + 1));
+        return wasReplaced ? reference.path : found;
+    }
+    // A folder that moved is found before another one at its old place is taken for it.
+    return !reference.isFolder && reference.isSuccessor(reference.path) ? reference.path : QByteArray();
+}
+
+// Those of one folder are looked for in one go: with a folder all its files are gone.
+void ZQFileFinder::findAround(QList<Wanted> wanted, std::atomic<qint64> &looked)
+{
+    QHash<QByteArray, QList<const ZQFileReference *>> groups; // by where to begin
+    QHash<const ZQFileReference *, const Wanted *> owners;
+    for (const Wanted &each : std::as_const(wanted)) {
+        groups[startOf(each.reference)].append(&each.reference);
+        owners.insert(&each.reference, &each);
+    }
+    const auto lookFrom = [&](const QByteArray &start, QList<const ZQFileReference *> &missing) {
+        const auto found = ZQFileSearch(missing, looked).run(start, ZQFileSearch::Reach::Below);
+        for (auto place = found.constBegin(); place != found.constEnd(); ++place) {
+            const Wanted &owner = *owners.value(place.key());
+            didFind(owner.data, owner.reference, place.value(), stampOf(owner.reference), owner.moved);
+            missing.removeOne(place.key());
+        }
+    };
+    QList<const ZQFileReference *> left;
+    for (auto group = groups.begin(); group != groups.end(); ++group) {
+        QByteArray start = group.key();
+        for (int up = 0; up <= foldersUp && start != "/" && !group->isEmpty(); ++up) {
+            lookFrom(start, *group);
+            start = zqFolderOf(start);
+        }
+        left += *group;
+    }
+    QList<QByteArray> roots;
+    {
+        const std::lock_guard lock(m_mutex);
+        roots = m_roots;
+    }
+    for (const QByteArray &root : std::as_const(roots)) {
+        if (!left.isEmpty() && !zqWouldMount(root)) {
+            lookFrom(root, left);
+        }
+    }
+    for (const ZQFileReference *reference : std::as_const(left)) {
+        const Wanted &owner = *owners.value(reference);
+        if (reference->isFolder && reference->isSuccessor(reference->path)) {
+            didFind(owner.data, *reference, reference->path, stampOf(*reference), owner.moved);
+        }
+    }
+}
+
+void ZQFileFinder::findBeside(const Wanted &wanted)
+{
+    const std::lock_guard lock(m_mutex);
+    m_wanted.append(wanted);
+    if (!std::exchange(m_isWorking, true)) {
+        m_thread.start([this] { work(); });
+    }
+}
+
+void ZQFileFinder::work()
+{
+    std::unique_lock lock(m_mutex);
+    while (!m_wanted.isEmpty()) {
+        const QList<Wanted> wanted = std::exchange(m_wanted, {});
+        lock.unlock();
+        findAround(wanted, m_beside);
+        lock.lock();
+        for (const Wanted &each : wanted) {
+            if (const auto place = m_known.find(each.data); place != m_known.end()) {
+                place->wasLookedForAround = true;
+            }
+        }
+    }
+    m_isWorking = false;
+    m_idle.notify_all();
+}
+
+void ZQFileFinder::setRoots(const QList<QByteArray> &roots)
+{
+    const std::lock_guard lock(m_mutex);
+    m_roots = roots;
+    m_known.clear();
+    m_order.clear();
+}
+
+void ZQFileFinder::forget()
+{
+    const std::lock_guard lock(m_mutex);
+    m_known.clear();
+    m_order.clear();
+}
+
+void ZQFileFinder::wait()
+{
+    std::unique_lock lock(m_mutex);
+    m_idle.wait(lock, [this] { return !m_isWorking; });
+}

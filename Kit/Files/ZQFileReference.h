@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <optional>
+
+// What a persistent file reference holds, and how a file is known by it. Of this folder only; any thread. Paths are the
+// bytes the system sees.
+
+// What tells one file from every other on its file system. An inode number is given to a new file once its old one is
+// deleted; the birth time tells these apart where the file system keeps it.
+struct ZQFileIdentity
+{
+    quint64 inode = 0;
+    qint64 birth = 0; // nanoseconds since 1970; 0 when unknown
+    quint64 fileSystem = 0;
+
+    bool isSameAs(const ZQFileIdentity &other) const;
+};
+
+// What a file holds, as far as it takes to know it again after a program saved it by putting a new file in its place:
+// its size with a digest of its two ends, and a digest of its end alone, which stays when only what is written before
+// the picture changes.
+struct ZQFileContents
+{
+    qint64 size = 0;
+    QByteArray ends; // empty: not known, or nothing in it
+    QByteArray tail; // empty also where the end is too plain to be one file's alone
+
+    static ZQFileContents ofFile(const QByteArray &path);
+    bool isSavedAs(const ZQFileContents &other) const;
+};
+
+struct ZQFileReference
+{
+    ZQFileIdentity file;
+    ZQFileIdentity folder; // the nearest one above it
+    bool isFolder = false;
+    QByteArray path;
+    ZQFileContents contents; // of a folder, and in references of the first format, none
+
+    static std::optional<ZQFileReference> decoded(const QByteArray &data);
+    QByteArray encoded() const;
+
+    // Whether the file at `path`, another one than the referenced, is that one saved by replacing it.
+    bool isSuccessor(const QByteArray &path) const;
+    // Whether a file of this name in the same folder is one that an editor put aside when it saved a new one.
+    bool isPutAside(const QByteArray &name) const;
+};
+
+struct ZQFoundFile
+{
+    ZQFileIdentity identity; // without its file system
+    bool isFolder = false;
+    quint64 device = 0;
+    qint64 modification = 0; // nanoseconds since 1970
+    qint64 change = 0;       // the same, of its attributes
+};
+std::optional<ZQFoundFile> zqLookAtFile(const QByteArray &path); // links are not followed, nothing is mounted
+quint64 zqFileSystemOf(const QByteArray &path);
+bool zqIsFile(const QByteArray &path, const ZQFileIdentity &identity);
+QByteArray zqFolderOf(const QByteArray &path);
+// Whether using `path` would make the system mount something: its mount point waits for an automounter.
+bool zqWouldMount(const QByteArray &path);

@@ -1,0 +1,221 @@
+// What a missing file costs, who is told when it is found, and which newcomer under its name is that file.
+
+#include "Kit/Files/ZQFileReference.h"
+#include "Kit/Files/ZQFileSearch.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Tests/Kit/Files/Scratch.h"
+
+#include <QDataStream>
+
+#include <mutex>
+#include <random>
+#include <thread>
+
+namespace {
+
+class MissingFiles : public Scratch
+{
+protected:
+    MissingFiles() { zqForgetPersistentURLs(); }
+    ~MissingFiles() override { zqWaitForPersistentURLSearches(); }
+
+    // So that the folders' next change shows in their times.
+    static void settle() { std::this_thread::sleep_for(std::chrono::milliseconds(100)); }
+    // How many entries of folders one resolving looks at, in the caller's way.
+    static qint64 costOf(const QByteArray &reference)
+    {
+        const qint64 before = zqPersistentURLCounts().entriesInCallers;
+        EXPECT_EQ(zqURLFromPersistentData(reference), QString());
+        return zqPersistentURLCounts().entriesInCallers - before;
+    }
+    static bool rename(const QString &from, const QString &to)
+    {
+        return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    }
+};
+
+QByteArray noise(qsizetype size, quint32 seed)
+{
+    std::mt19937 random(seed);
+    QByteArray bytes(size, '\0');
+    for (char &byte : bytes) {
+        byte = char(random());
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST_F(MissingFiles, CostOneLookIntoTheirFolderAndOneAround)
+{
+    const QString start = folder(QStringLiteral("one/two/three"));
+    const QString made = start + QStringLiteral("/a.png");
+    write(made, "a");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(QFile::remove(made));
+    constexpr int siblings = 40;
+    for (int i = 0; i < siblings; ++i) {
+        write(start + QStringLiteral("/sibling %1").arg(i), "s");
+    }
+    settle();
+    const qint64 before = zqPersistentURLCounts().entriesBeside;
+    EXPECT_EQ(costOf(reference), siblings);
+    zqWaitForPersistentURLSearches();
+    const qint64 around = siblings + (siblings + 1) + (siblings + 2); // of three, of two and of one
+    EXPECT_EQ(zqPersistentURLCounts().entriesBeside - before, around);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(costOf(reference), 0);
+    }
+    EXPECT_EQ(zqFindPersistentURL(reference), QString()); // has been looked for
+    zqWaitForPersistentURLSearches();
+    EXPECT_EQ(zqPersistentURLCounts().entriesBeside - before, around);
+
+    write(start + QStringLiteral("/new"), "n"); // it might be the file
+    settle();
+    EXPECT_EQ(costOf(reference), siblings + 1);
+    EXPECT_EQ(costOf(reference), 0);
+    zqWaitForPersistentURLSearches();
+    zqForgetPersistentURLs();
+    EXPECT_EQ(costOf(reference), siblings + 1);
+}
+
+TEST_F(MissingFiles, AreFoundBesideTheCallerWhoIsToldOnce)
+{
+    const QString made = folder(QStringLiteral("one/two/three")) + QStringLiteral("/a.png");
+    write(made, "a");
+    const QString far = folder(QStringLiteral("one/other/deep")) + QStringLiteral("/b.png");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(rename(made, far));
+    QStringList told;
+    std::mutex mutex;
+    const auto resolve = [&] {
+        return zqURLFromPersistentData(reference, [&](const QString &path) {
+            const std::lock_guard lock(mutex);
+            told.append(path);
+        });
+    };
+    EXPECT_EQ(resolve(), QString());
+    zqWaitForPersistentURLSearches();
+    const ZQPersistentURLCounts before = zqPersistentURLCounts();
+    EXPECT_EQ(resolve(), far);
+    EXPECT_EQ(resolve(), far);
+    EXPECT_EQ(told, QStringList{far});
+    EXPECT_EQ(zqPersistentURLCounts().entriesInCallers, before.entriesInCallers);
+
+    const QString renamed = far + QStringLiteral(".moved");
+    ASSERT_TRUE(rename(far, renamed)); // what is remembered is looked at each time
+    EXPECT_EQ(zqFindPersistentURL(reference), renamed);
+    ASSERT_TRUE(rename(renamed, made));
+    EXPECT_EQ(resolve(), made);
+}
+
+TEST_F(MissingFiles, OfOneFolderAreLookedForTogether)
+{
+    const QString start = folder(QStringLiteral("one/two"));
+    const QString other = folder(QStringLiteral("one/other"));
+    QList<ZQFileReference> references;
+    for (const char *name : {"a", "b", "c"}) {
+        write(start + u'/' + QLatin1String(name), name);
+        references.append(*ZQFileReference::decoded(zqDataForPersistentURL(start + u'/' + QLatin1String(name))));
+    }
+    ASSERT_TRUE(rename(start + QStringLiteral("/a"), other + QStringLiteral("/1")));
+    ASSERT_TRUE(rename(start + QStringLiteral("/b"), other + QStringLiteral("/2")));
+    ASSERT_TRUE(QFile::remove(start + QStringLiteral("/c")));
+    write(other + QStringLiteral("/3"), "3");
+    std::atomic<qint64> looked = 0;
+    const auto found = ZQFileSearch({&references[0], &references[1], &references[2]}, looked)
+                           .run(QFile::encodeName(path(QStringLiteral("one"))), ZQFileSearch::Reach::Below);
+    EXPECT_EQ(found.value(&references[0]), QFile::encodeName(other + QStringLiteral("/1")));
+    EXPECT_EQ(found.value(&references[1]), QFile::encodeName(other + QStringLiteral("/2")));
+    EXPECT_EQ(found.size(), 2);
+    EXPECT_EQ(looked, 2 + 3); // both folders, and what is in the other
+}
+
+TEST_F(MissingFiles, RememberedAreBoundedInNumber)
+{
+    const QString made = folder(QStringLiteral("one/two/three")) + QStringLiteral("/a.png");
+    write(made, "a");
+    write(path(QStringLiteral("one/two/three/sibling")), "s");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(QFile::remove(made));
+    settle();
+    EXPECT_EQ(costOf(reference), 1);
+    auto other = *ZQFileReference::decoded(reference);
+    for (int i = 0; i < zqMostPersistentURLs - 1; ++i) {
+        other.path = QFile::encodeName(path(QStringLiteral("one/two/three/%1").arg(i)));
+        costOf(other.encoded());
+    }
+    EXPECT_EQ(costOf(reference), 0);
+    other.path += "one more";
+    costOf(other.encoded());
+    EXPECT_EQ(costOf(reference), 1);
+}
+
+TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
+{
+    const QByteArray picture = noise(60000, 1);
+    const QByteArray plain = noise(20000, 2) + QByteArray(40000, '\0');
+    struct Case
+    {
+        const char *what;
+        QByteArray before;
+        QByteArray after;
+        const char *aside; // where the old file goes; null: it is gone
+        const char *found; // null: nothing
+        ZQReferenceContents contents = ZQReferenceContents::Noted;
+    };
+    const Case cases[] = {
+        {"another file", picture, noise(60000, 3), nullptr, nullptr},
+        {"the same contents", picture, picture, nullptr, "a.png"},
+        {"a small one, the same contents", "small", "small", nullptr, "a.png"},
+        {"an empty one", "", "", nullptr, nullptr},
+        {"other tags before the picture", picture, noise(500, 4) + picture, nullptr, "a.png"},
+        {"a like end of white space", plain, noise(20000, 5) + QByteArray(40000, '\0'), nullptr, nullptr},
+        {"edited, with the old one kept", picture, noise(60000, 6), "a.png~", "a.png"},
+        {"edited, with the old one hidden", picture, noise(60000, 7), ".a.png.bak", "a.png"},
+        {"another one, the file renamed", picture, noise(60000, 8), "old a.png", "old a.png"},
+        {"without contents noted", picture, picture, nullptr, nullptr, ZQReferenceContents::NotNoted},
+    };
+    for (const Case &c : cases) {
+        const QString place = folder(QString::fromLatin1(c.what));
+        const QString made = place + QStringLiteral("/a.png");
+        write(made, c.before);
+        const QByteArray reference = zqDataForPersistentURL(made, c.contents);
+        write(place + QStringLiteral("/saving"), c.after);
+        if (c.aside) {
+            ASSERT_TRUE(rename(made, place + u'/' + QString::fromLatin1(c.aside)));
+        }
+        ASSERT_TRUE(rename(place + QStringLiteral("/saving"), made));
+        QString told;
+        const QString expected = c.found ? place + u'/' + QString::fromLatin1(c.found) : QString();
+        EXPECT_EQ(zqURLFromPersistentData(reference, [&told](const QString &path) { told = path; }), expected)
+            << c.what;
+        zqWaitForPersistentURLSearches();
+        EXPECT_EQ(told, expected) << c.what;
+        EXPECT_EQ(zqFindPersistentURL(reference), expected) << c.what;
+    }
+}
+
+TEST_F(MissingFiles, ReferencesOfTheFirstFormatAreReadOn)
+{
+    const QString made = file(QStringLiteral("a"), "a");
+    const auto reference = ZQFileReference::decoded(zqDataForPersistentURL(made));
+    ASSERT_TRUE(reference);
+    QByteArray first;
+    QDataStream stream(&first, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_6_0);
+    stream << quint32(0x5a51504c) << quint8(1);
+    for (const ZQFileIdentity &identity : {reference->file, reference->folder}) {
+        stream << identity.fileSystem << identity.inode << identity.birth;
+    }
+    stream << false << reference->path;
+    EXPECT_EQ(zqURLFromPersistentData(first), made);
+    const QString renamed = path(QStringLiteral("b"));
+    ASSERT_TRUE(rename(made, renamed));
+    EXPECT_EQ(zqURLFromPersistentData(first), renamed);
+    if (reference->file.birth != 0) {
+        ASSERT_TRUE(QFile::remove(renamed));
+        write(made, "a");
+        EXPECT_EQ(zqURLFromPersistentData(first), QString()); // nothing says that it is the same
+    }
+}
