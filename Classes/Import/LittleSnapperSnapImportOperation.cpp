@@ -2,7 +2,7 @@
 
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
-#include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQSnapInfo.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QDir>
@@ -13,37 +13,12 @@ namespace {
 
 constexpr qint64 largestInfo = 4LL * 1024 * 1024; // bytes
 
-QStringList textsOf(const QVariant &value)
-{
-    QStringList texts;
-    const QVariantList values = value.typeId() == QMetaType::QVariantList ? value.toList() : QVariantList{value};
-    for (const QVariant &entry : values) {
-        if (entry.typeId() == QMetaType::QString) {
-            texts.append(entry.toString().trimmed());
-        }
-    }
-    return texts;
-}
-
-// Whether the path stays in the folder it begins at, and no part of it is a link.
-bool staysInside(const QString &package, const QString &relative)
-{
-    QString path = package;
-    for (const QString &part : relative.split(u'/', Qt::SkipEmptyParts)) {
-        path += u'/' + part;
-        if (part == u".." || QFileInfo(path).isSymLink()) {
-            return false;
-        }
-    }
-    return !relative.startsWith(u'/') && !relative.contains(QChar(u'\0'));
-}
-
 } // namespace
 
-QString LittleSnapperSnapImportOperation::pictureInPackage(const QVariant &imageGrabPath)
+QString LittleSnapperSnapImportOperation::pictureInPackage(const ZQSnapInfo &info)
 {
     const QString package = sourcePath();
-    const QString relative = imageGrabPath.typeId() == QMetaType::QString ? imageGrabPath.toString() : QString();
+    const QString relative = info.picture;
     if (relative.isEmpty()) {
         drop(zqLocalized(
             "Its Info.plist names no picture (imageGrabPath). Export the picture from the program that made "
@@ -52,7 +27,7 @@ QString LittleSnapperSnapImportOperation::pictureInPackage(const QVariant &image
     }
     const QString picture = package + u'/' + relative;
     const ImportKind *kind = importKindForPath(picture);
-    if (!staysInside(package, relative)) {
+    if (!info.isPictureInside(package)) {
         drop(zqFormat(zqLocalized("Its picture “%@” does not lie in the package itself. Import that picture alone."),
                       {relative}));
     } else if (!QFileInfo(picture).isFile()) {
@@ -81,24 +56,19 @@ bool LittleSnapperSnapImportOperation::prepare()
             "alone."));
         return false;
     }
-    ZQError error;
-    const auto info = ZQPropertyList::fromData(file.readAll(), &error);
-    if (!info || info->typeId() != QMetaType::QVariantMap) {
+    const auto info = ZQSnapInfo::fromData(file.readAll());
+    if (!info) {
         drop(zqLocalized("Its Info.plist is damaged. Get the snap once more, or import the picture in it alone."));
         return false;
     }
-    const QVariantMap values = info->toMap();
-    const QString picture = pictureInPackage(values.value(QStringLiteral("imageGrabPath")));
+    const QString picture = pictureInPackage(*info);
     if (picture.isEmpty()) {
         return false;
     }
     QVariantMap all = metadata();
-    all.insert(QStringLiteral("tags"),
-               all.value(QStringLiteral("tags")).toStringList() + textsOf(values.value(QStringLiteral("tags"))));
-    const QVariant url = values.value(QStringLiteral("url"));
-    if (url.typeId() == QMetaType::QString && !url.toString().isEmpty() &&
-        !all.contains(QStringLiteral("webPageURL"))) {
-        all.insert(QStringLiteral("webPageURL"), url.toString());
+    all.insert(QStringLiteral("tags"), all.value(QStringLiteral("tags")).toStringList() + info->tags);
+    if (!info->url.isEmpty() && !all.contains(QStringLiteral("webPageURL"))) {
+        all.insert(QStringLiteral("webPageURL"), info->url);
     }
     setMetadata(all);
     setFilePath(picture);

@@ -2,6 +2,8 @@
 
 #include "Classes/Import/ImageImportOperation.h"
 
+struct ZQSnapInfo;
+
 // Imports the picture of a ".snap" package, with the tags and the address that its "Info.plist" gives.
 class LittleSnapperSnapImportOperation : public ImageImportOperation
 {
@@ -13,5 +15,5 @@ protected:
 
 private:
     // The picture's place, or empty with the file dropped.
-    QString pictureInPackage(const QVariant &imageGrabPath);
+    QString pictureInPackage(const ZQSnapInfo &info);
 };

@@ -27,32 +27,44 @@ class Rooms:
     def __init__(self, build):
         self.build = build  # some tests write beside their program
         self.top = Path(tempfile.mkdtemp(prefix="zm.", dir="/var/tmp"))
+        self.running = set()
+        self.is_stopped = False
+
+    def stop(self):
+        """Ends what runs, from any thread; nothing is started any more."""
+        self.is_stopped = True
+        for child in list(self.running):
+            os.killpg(child.pid, signal.SIGKILL)
 
     def close(self):
         shutil.rmtree(self.top, ignore_errors=True)
 
     def start(self, program, fault, filter_, limit, log=None):
         """(exit status or None when it hung, output, the map of reached places)"""
+        if self.is_stopped:
+            return None, "", b""
         command, variables = program
         room = Path(tempfile.mkdtemp(prefix="r", dir=self.top))
-        for name in ("h", "d", "c", "k", "t"):
+        for name in ("h", "d", "c", "k", "t", "tmp"):
             (room / name).mkdir()
         (room / "x").mkdir(mode=0o700)
         (room / "map").write_bytes(bytes(MAP_SIZE))
         environment = {**os.environ, **variables, "HOME": str(room / "h"), "XDG_DATA_HOME": str(room / "d"), "XDG_CONFIG_HOME": str(room / "c"),
                        "XDG_CACHE_HOME": str(room / "k"), "XDG_RUNTIME_DIR": str(room / "x"), "TMPDIR": str(room / "t"),
-                       "ZELTO_MUTANT": str(fault), "ZELTO_MUTANT_MAP": str(room / "map"), "ZELTO_MUTANT_ROOMS": f"{self.top}:{self.build}"}
+                       "ZELTO_MUTANT": str(fault), "ZELTO_MUTANT_TMP": str(room / "tmp"), "ZELTO_MUTANT_MAP": str(room / "map"), "ZELTO_MUTANT_ROOMS": f"{self.top}:{self.build}"}
         if log:
             environment["ZELTO_MUTANT_LOG"] = str(log)
         arguments = ["--gtest_brief=1", f"--gtest_filter={filter_}"] + ([] if log else ["--gtest_fail_fast"])
         with open(room / "output", "wb+") as output:
             child = subprocess.Popen([*command, *arguments], env=environment, cwd=room / "t", stdin=subprocess.DEVNULL, stdout=output,
                                      stderr=subprocess.STDOUT, start_new_session=True)
+            self.running.add(child)
             try:
                 status = child.wait(limit)
             except subprocess.TimeoutExpired:
                 status = None
             finally:
+                self.running.discard(child)
                 end(child)
             output.seek(0)
             text = output.read().decode(errors="replace")

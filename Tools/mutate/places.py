@@ -259,6 +259,8 @@ class Finder:
 
     @staticmethod
     def is_order_free(one, two):
+        if one[2] == two[2] == "operator=":
+            return True
         setters = [name for _, _, name in (one, two) if re.match(r"set[A-Z]", name)]
         return len(setters) == 2 and setters[0] != setters[1]
 
