@@ -151,6 +151,21 @@ TEST(ZQStoreIndexes, AStoreOfTheSameVersionIsGivenThoseOfItsModelWhenItOpens)
     EXPECT_EQ(value(store.path, QStringLiteral("SELECT value FROM zq_metadata WHERE key = 'uuid'")), uuid);
 }
 
+TEST(ZQStoreIndexes, AMigratedStoreHasThoseOfItsNewModelAndStatistics)
+{
+    TestStore store(QByteArray(testModelJSON)
+                        .replace("Version2", "Version1")
+                        .replace("{ \"name\": \"large\", \"type\": \"integer64\" },", ""));
+    ASSERT_TRUE(store.coordinator());
+    store.close();
+    addNodes(store.path, 1, 3000);
+    store.model = ZQManagedObjectModel::modelFromJSON(modelWith(wanted));
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    EXPECT_EQ(store.coordinator()->pendingVersions(), QStringList{QStringLiteral("Version2")});
+    EXPECT_EQ(indexesOf(store.path), indexesOf(*store.model));
+    EXPECT_EQ(thousandsByStatistics(store.path), QStringLiteral("3"));
+}
+
 TEST(ZQStoreIndexes, ALargeStoreThatLacksThemOpensSlowly)
 {
     TestStore store;
