@@ -10,6 +10,7 @@
 #include "Classes/Import/ThumbGenerator.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/WhereFroms.h"
+#include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -290,6 +291,8 @@ bool BaseImportOperation::copyFile()
         m_SHA1 = QString::fromLatin1(result->SHA1);
     }
     m_filePath = target;
+    // Most files carry none, and each name that is looked for takes a call.
+    m_hasAttributes = !ZQExtendedAttributes::list(target, &error).isEmpty() || !error.isNull();
     return true;
 }
 
@@ -365,6 +368,9 @@ void BaseImportOperation::fillExtension()
 
 void BaseImportOperation::fillMetadata()
 {
+    if (!m_hasAttributes) {
+        return;
+    }
     const WhereFroms origin = WhereFroms::urlsOfFile(m_filePath);
     if (!origin.webURL.isEmpty()) {
         m_fileData->insert(QStringLiteral("webURL"), origin.webURL);
@@ -394,9 +400,21 @@ bool BaseImportOperation::writeRepresentationBitmap(const ZQBitmap &bitmap, cons
     return true;
 }
 
-QString BaseImportOperation::makeThumbnail(ZQError *error)
+void BaseImportOperation::drawThumbnail(std::optional<ZQImageProperties> *properties)
 {
-    return ThumbGenerator::thumbPathForImageURL(m_filePath, m_libraryItemBundlePath, &m_thumbnail, error);
+    m_isDrawn = true;
+    m_showsFileItself = AImportManager::canSkipThumbForPath(m_filePath);
+    // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from this.
+    m_thumbnail = m_showsFileItself ? ZQImageSource::thumbnailOfFile(m_filePath, ColorFinder::decodedSize, &m_drawError,
+                                                                     0, properties)
+                                    : ThumbGenerator::newThumbForImageURL(m_filePath, properties, &m_drawError);
+}
+
+std::optional<ZQImageProperties> BaseImportOperation::readPicture()
+{
+    std::optional<ZQImageProperties> properties;
+    drawThumbnail(&properties);
+    return properties;
 }
 
 void BaseImportOperation::createThumbForItem()
@@ -405,17 +423,15 @@ void BaseImportOperation::createThumbForItem()
     if (!m_fileData) {
         return;
     }
-    ZQError error;
-    const bool showsFileItself = AImportManager::canSkipThumbForPath(m_filePath);
-    if (showsFileItself) {
-        // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from
-        // this.
-        m_thumbnail = ZQImageSource::thumbnailOfFile(m_filePath, ColorFinder::decodedSize, &error);
-    } else {
-        m_thumbnailPath = makeThumbnail(&error);
+    if (!m_isDrawn) {
+        drawThumbnail(nullptr);
+    }
+    ZQError error = m_drawError;
+    if (!m_showsFileItself && !m_thumbnail.isNull()) {
+        m_thumbnailPath = ThumbGenerator::writeThumb(m_thumbnail, m_filePath, m_libraryItemBundlePath, &error);
     }
     tellIfIncomplete(m_representationBitmap.isNull() ? m_thumbnail : m_representationBitmap);
-    if (showsFileItself && !m_thumbnail.isNull()) {
+    if (m_showsFileItself && !m_thumbnail.isNull()) {
         return;
     }
     if (m_thumbnailPath.isEmpty()) {
@@ -461,7 +477,7 @@ void BaseImportOperation::importIPTCTags()
 
 void BaseImportOperation::importOpenMetaTags()
 {
-    if (m_settings.importOpenMetaTags) {
+    if (m_settings.importOpenMetaTags && m_hasAttributes) {
         addTags(OpenMeta::getUserTags(m_filePath).value_or(QStringList()));
         importOpenMetaRating();
     }
@@ -477,7 +493,8 @@ void BaseImportOperation::importOpenMetaRating()
 
 void BaseImportOperation::importOpenMetaNotes()
 {
-    const QVariant comment = OpenMeta::getXAttrMetaData(OpenMeta::finderCommentKey, m_filePath);
+    const QVariant comment =
+        m_hasAttributes ? OpenMeta::getXAttrMetaData(OpenMeta::finderCommentKey, m_filePath) : QVariant();
     if (comment.typeId() == QMetaType::QString) {
         m_fileData->insert(QStringLiteral("notes"), comment);
     }

@@ -5,6 +5,7 @@
 #include "Classes/Import/UnfoldedArchive.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Imaging/ZQBitmap.h"
+#include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQOperation.h"
 
 #include <QDateTime>
@@ -83,6 +84,8 @@ protected:
     void fillDates();
     void fillSHA1();
     void createThumbForItem();
+    // What the file in the library says of itself. Its thumbnail is drawn along with that, and kept for later.
+    std::optional<ZQImageProperties> readPicture();
     void fillCustomMetadata();
     void importIPTCTags();
     void importOpenMetaTags();
@@ -117,7 +120,7 @@ private:
     bool checkSource();
     bool copyFile();
     void removeItemBundle();
-    QString makeThumbnail(ZQError *error);
+    void drawThumbnail(std::optional<ZQImageProperties> *properties);
 
     QString m_sourcePath;
     QString m_filePath;
@@ -126,6 +129,9 @@ private:
     QString m_thumbnailPath;
     ZQBitmap m_representationBitmap;
     ZQBitmap m_thumbnail;
+    ZQError m_drawError; // why there is no thumbnail, once drawn
+    bool m_isDrawn = false;
+    bool m_showsFileItself = false; // views draw the file: no thumbnail is kept
     QVariantMap m_metadata;
     ZQObjectID m_sidebarItem;
     QString m_SHA1;
@@ -137,5 +143,6 @@ private:
     bool m_referenceImage = false;
     bool m_isInPlace = false;
     bool m_isMove = false;
+    bool m_hasAttributes = true; // or might have: only for a copy made here it is known
     bool m_isTold = false;
 };

@@ -27,7 +27,7 @@ void ImageImportOperation::fillExtension()
 void ImageImportOperation::fillMetadata()
 {
     BaseImportOperation::fillMetadata();
-    const auto properties = ZQImageSource::propertiesOfFile(filePath());
+    const auto properties = readPicture();
     if (!properties) {
         return;
     }

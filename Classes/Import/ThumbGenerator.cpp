@@ -31,23 +31,6 @@ bool isAcorn(const QString &type, const QString &path)
     return type == ZQTypeIdentifier::Acorn || zqPathExtension(path).compare(u"acorn", Qt::CaseInsensitive) == 0;
 }
 
-ZQBitmap newThumbForFile(const QString &path, const QString &type, ZQError *error)
-{
-    if (type == ZQTypeIdentifier::AI) {
-        return ThumbGenerator::newThumbForAIFileAtURL(path, error);
-    }
-    if (isRaw(type)) {
-        return ThumbGenerator::newThumbForRawFileAtURL(path, error);
-    }
-    if (isAcorn(type, path)) {
-        return ThumbGenerator::newThumbForAcornFileAtURL(path, error);
-    }
-    if (isSketch(path)) {
-        return ThumbGenerator::newThumbForSketchFileAtURL(path, error);
-    }
-    return ZQPreviewService::previewOfFile(path, thumbnailBox, error);
-}
-
 void logInvalid(const char *format, const QString &path)
 {
     qCWarning(zqLogImport, "%s", qUtf8Printable(zqFormat(QLatin1String(format), {path})));
@@ -82,28 +65,54 @@ bool ThumbGenerator::willUseNativeQuicklookThumbnailForURL(const QString &path)
     return !type.isEmpty() && native.contains(type);
 }
 
-QString ThumbGenerator::thumbPathForImageURL(const QString &path, const QString &thumbDestinationPath,
-                                             ZQBitmap *madeBitmap, ZQError *error)
+ZQBitmap ThumbGenerator::newThumbForImageURL(const QString &path, std::optional<ZQImageProperties> *properties,
+                                             ZQError *error)
 {
     const QString type = ZQTypeIdentifier::forPath(path);
-    const ZQBitmap bitmap = newThumbForFile(path, type, error);
-    if (bitmap.isNull()) {
-        return {};
+    const bool isDocument = type == ZQTypeIdentifier::AI || isAcorn(type, path) || isSketch(path);
+    if (isDocument && properties) {
+        *properties = ZQImageSource::propertiesOfFile(path);
     }
+    if (type == ZQTypeIdentifier::AI) {
+        return newThumbForAIFileAtURL(path, error);
+    }
+    if (isRaw(type)) {
+        return ZQImageSource::thumbnailOfFile(path, thumbnailSize, error, 0, properties);
+    }
+    if (isAcorn(type, path)) {
+        return newThumbForAcornFileAtURL(path, error);
+    }
+    if (isSketch(path)) {
+        return newThumbForSketchFileAtURL(path, error);
+    }
+    return ZQPreviewService::previewOfFile(path, thumbnailBox, error, 0, properties);
+}
+
+QString ThumbGenerator::writeThumb(const ZQBitmap &thumb, const QString &path, const QString &thumbDestinationPath,
+                                   ZQError *error)
+{
+    const QString type = ZQTypeIdentifier::forPath(path);
     const bool asJPEG = type == ZQTypeIdentifier::JPEG || isRaw(type);
     const QString name = thumbName(path, asJPEG ? QStringLiteral(".jpg") : QStringLiteral(".png"));
     const QString target = QDir(thumbDestinationPath).filePath(name);
     ZQError failure;
-    const bool written = asJPEG ? ZQImageDestination::writeJPEG(bitmap, target, 85, &failure)
-                                : ZQImageDestination::writePNG(bitmap, target, &failure);
+    const bool written = asJPEG ? ZQImageDestination::writeJPEG(thumb, target, 85, &failure)
+                                : ZQImageDestination::writePNG(thumb, target, &failure);
     if (!written) {
         qCWarning(zqLogImport, "%s", qUtf8Printable(failure.localizedDescription()));
         zqSetError(error, failure);
     }
+    return target;
+}
+
+QString ThumbGenerator::thumbPathForImageURL(const QString &path, const QString &thumbDestinationPath,
+                                             ZQBitmap *madeBitmap, ZQError *error)
+{
+    const ZQBitmap bitmap = newThumbForImageURL(path, nullptr, error);
     if (madeBitmap) {
         *madeBitmap = bitmap;
     }
-    return target;
+    return bitmap.isNull() ? QString() : writeThumb(bitmap, path, thumbDestinationPath, error);
 }
 
 ZQBitmap ThumbGenerator::newThumbForAIFileAtURL(const QString &path, ZQError *error)

@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Imaging/ZQBitmap.h"
+#include "Kit/Imaging/ZQImageSource.h"
 
 #include <QByteArray>
 #include <QString>
@@ -21,6 +22,11 @@ public:
     // receives the picture.
     static QString thumbPathForImageURL(const QString &path, const QString &thumbDestinationPath,
                                         ZQBitmap *madeBitmap = nullptr, ZQError *error = nullptr);
+    // The same in two steps: the picture, along with what the file says of itself, and the file that is made of it.
+    static ZQBitmap newThumbForImageURL(const QString &path, std::optional<ZQImageProperties> *properties,
+                                        ZQError *error = nullptr);
+    static QString writeThumb(const ZQBitmap &thumb, const QString &path, const QString &thumbDestinationPath,
+                              ZQError *error = nullptr);
 
     // The makers by kind; null when the file gives no picture.
     static ZQBitmap newThumbForAIFileAtURL(const QString &path, ZQError *error = nullptr);

@@ -8,10 +8,16 @@ std::optional<ZQImageProperties> ZQImageSource::propertiesOfFile(const QString &
     return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Properties, path, {}, 0, error).properties;
 }
 
-ZQBitmap ZQImageSource::thumbnailOfFile(const QString &path, int maximumSize, ZQError *error, int frame)
+ZQBitmap ZQImageSource::thumbnailOfFile(const QString &path, int maximumSize, ZQError *error, int frame,
+                                        std::optional<ZQImageProperties> *properties)
 {
     const int side = qMax(1, maximumSize);
-    return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Bitmap, path, QSize(side, side), frame, error).bitmap;
+    const ZQRenderPool::Result result = ZQRenderPool::shared().perform(
+        ZQRenderRequest::Kind::Bitmap, path, QSize(side, side), frame, error, properties != nullptr);
+    if (properties) {
+        *properties = result.properties;
+    }
+    return result.bitmap;
 }
 
 ZQBitmap ZQImageSource::bitmapOfFile(const QString &path, ZQError *error, int frame)

@@ -42,7 +42,10 @@ public:
     // Header only; of PDF and SVG, too. Nothing when the file is no image that can be read.
     static std::optional<ZQImageProperties> propertiesOfFile(const QString &path, ZQError *error = nullptr);
     // The first frame (or `frame`), at most `maximumSize` pixels on the longer side (never enlarged).
-    static ZQBitmap thumbnailOfFile(const QString &path, int maximumSize, ZQError *error = nullptr, int frame = 0);
+    // `properties`, when given, receives what the file says of itself, also when it gives no picture: together they
+    // take little more than one of them.
+    static ZQBitmap thumbnailOfFile(const QString &path, int maximumSize, ZQError *error = nullptr, int frame = 0,
+                                    std::optional<ZQImageProperties> *properties = nullptr);
     // At full size.
     static ZQBitmap bitmapOfFile(const QString &path, ZQError *error = nullptr, int frame = 0);
 

@@ -36,7 +36,8 @@ void ZQPreviewService::setUnconfinedHandler(std::function<void()> handler)
     zqSetUnconfinedHandler(std::move(handler));
 }
 
-ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error, int frame)
+ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError *error, int frame,
+                                         std::optional<ZQImageProperties> *properties)
 {
     const QFileInfo info(path);
     const QString source = info.isDir() ? previewInsideBundle(path) : path;
@@ -44,5 +45,10 @@ ZQBitmap ZQPreviewService::previewOfFile(const QString &path, QSize box, ZQError
         zqSetError(error, zqImagingError(ZQImagingErrorCode::UnknownFormat, path, zqLocalized("It holds no preview.")));
         return {};
     }
-    return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Preview, source, box, frame, error).bitmap;
+    const ZQRenderPool::Result result = ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Preview, source, box,
+                                                                       frame, error, properties != nullptr);
+    if (properties) {
+        *properties = result.properties;
+    }
+    return result.bitmap;
 }

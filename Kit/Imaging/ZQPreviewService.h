@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Imaging/ZQBitmap.h"
+#include "Kit/Imaging/ZQImageSource.h"
 
 #include <QString>
 
@@ -19,5 +20,7 @@ public:
     // `handler` is called once, from any thread, when the system turns out to lack what confines the programs that
     // draw: these are then not used, and pictures that take them fail with that reason.
     static void setUnconfinedHandler(std::function<void()> handler);
-    static ZQBitmap previewOfFile(const QString &path, QSize box, ZQError *error = nullptr, int frame = 0);
+    // `properties` as for ZQImageSource::thumbnailOfFile.
+    static ZQBitmap previewOfFile(const QString &path, QSize box, ZQError *error = nullptr, int frame = 0,
+                                  std::optional<ZQImageProperties> *properties = nullptr);
 };

@@ -303,7 +303,8 @@ ZQBitmap ZQRenderPool::askThumbnailer(const QString &path, QSize box, int file)
 {
     QString failure;
     const Process process = ZQRenderProcess::start(m_limits, file, &failure);
-    const ZQRenderRequest request{ZQRenderRequest::Kind::Thumbnailer, box, 0, QFileInfo(path).absoluteFilePath()};
+    const ZQRenderRequest request{ZQRenderRequest::Kind::Thumbnailer, box, 0, QFileInfo(path).absoluteFilePath(),
+                                  false};
     if (!process || !process->send(request, file)) {
         qCWarning(zqLogImaging, "no thumbnailer can be started: %s", qUtf8Printable(failure));
         return {};
@@ -312,14 +313,15 @@ ZQBitmap ZQRenderPool::askThumbnailer(const QString &path, QSize box, int file)
 }
 
 ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame,
-                                           ZQError *error)
+                                           ZQError *error, bool withProperties)
 {
     const ZQFileDescriptor file = openFile(path, error);
     if (!file.isOpen()) {
         return {};
     }
     QString failure;
-    ZQRenderProcess::Reply reply = ask({kind, box, frame, QFileInfo(path).fileName()}, file.get(), &failure);
+    ZQRenderProcess::Reply reply =
+        ask({kind, box, frame, QFileInfo(path).fileName(), withProperties}, file.get(), &failure);
     if (!failure.isEmpty()) {
         zqSetError(error, zqImagingError(ZQImagingErrorCode::NoRenderer, path, failure));
         return {};
@@ -338,16 +340,18 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
         zqSetError(error, told);
         return {};
     }
+    const bool hasProperties =
+        reply.answer.kind == ZQRenderAnswer::Kind::Properties || (withProperties && reply.answer.hasProperties);
+    const auto properties = hasProperties ? std::optional(reply.answer.properties) : std::nullopt;
     if (!isError) {
-        const bool isHeader = reply.answer.kind == ZQRenderAnswer::Kind::Properties;
-        return {isHeader ? std::optional(reply.answer.properties) : std::nullopt, reply.bitmap, reply.bytes};
+        return {properties, reply.bitmap, reply.bytes};
     }
     if (kind == ZQRenderRequest::Kind::Preview && reply.answer.hasThumbnailer) {
         const ZQBitmap drawn = askThumbnailer(path, box, file.get());
         if (!drawn.isNull()) {
-            return {std::nullopt, drawn, {}};
+            return {properties, drawn, {}};
         }
     }
     zqSetError(error, zqImagingError(reply.answer.code, path, reply.answer.reason));
-    return {};
+    return {properties, {}, {}};
 }

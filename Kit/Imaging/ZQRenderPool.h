@@ -28,9 +28,11 @@ public:
         ZQBitmap bitmap;
         QByteArray bytes; // of the picture inside a document
     };
-    // Reads the file in a worker. Null and an error, naming the file, when that fails. Once the thread's ZQCancellation
+    // Reads the file in a worker. Null and an error, naming the file, when that fails; with `withProperties`, what the
+    // file says of itself comes either way, as far as it can be read. Once the thread's ZQCancellation
     // happens, it returns within half a second, and the worker that still draws is ended with all it started.
-    Result perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame, ZQError *error);
+    Result perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame, ZQError *error,
+                   bool withProperties = false);
 
     // Starts the first worker, in the background.
     void prepare();

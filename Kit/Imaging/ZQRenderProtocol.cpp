@@ -152,6 +152,9 @@ bool isPossibleSize(QSize size)
 bool isPossible(const ZQRenderAnswer &answer)
 {
     using Kind = ZQRenderAnswer::Kind;
+    if (answer.hasProperties && !arePlausible(answer.properties)) {
+        return false;
+    }
     switch (answer.kind) {
     case Kind::Hello:
         return true;
@@ -175,8 +178,8 @@ bool isPossible(const ZQRenderAnswer &answer)
 QByteArray zqEncode(const ZQRenderRequest &request)
 {
     Writer writer;
-    for (const qint32 value :
-         {qint32(requestMark), qint32(request.kind), request.box.width(), request.box.height(), request.frame}) {
+    for (const qint32 value : {qint32(requestMark), qint32(request.kind), request.box.width(), request.box.height(),
+                               request.frame, qint32(request.withProperties)}) {
         writer.number(value);
     }
     writer.text(request.name);
@@ -192,6 +195,7 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
     out.box.setWidth(reader.number());
     out.box.setHeight(reader.number());
     out.frame = reader.number();
+    out.withProperties = reader.number() != 0;
     out.name = reader.text();
     return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;
 }
@@ -199,9 +203,10 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
 QByteArray zqEncode(const ZQRenderAnswer &answer)
 {
     Writer writer;
-    for (const qint32 value : {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(),
-                               qint32(answer.code), qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles),
-                               qint32(answer.restrictsCalls), qint32(answer.isIncomplete)}) {
+    for (const qint32 value :
+         {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(), qint32(answer.code),
+          qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles), qint32(answer.restrictsCalls),
+          qint32(answer.isIncomplete), qint32(answer.hasProperties)}) {
         writer.number(value);
     }
     writer.text(answer.reason);
@@ -222,6 +227,7 @@ std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
     out.restrictsFiles = reader.number() != 0;
     out.restrictsCalls = reader.number() != 0;
     out.isIncomplete = reader.number() != 0;
+    out.hasProperties = reader.number() != 0;
     out.reason = reader.line();
     out.properties = readProperties(reader);
     return mark == answerMark && reader.isComplete() && isPossible(out) ? std::optional(out) : std::nullopt;
@@ -253,8 +259,8 @@ bool zqSendMessage(int socket, const QByteArray &message, int descriptor)
 ZQRenderMessage zqReceiveMessage(int socket)
 {
     ZQRenderMessage out;
-    out.bytes.resize(zqRenderMaximumMessage);
-    iovec part{out.bytes.data(), size_t(out.bytes.size())};
+    std::array<char, zqRenderMaximumMessage> bytes; // most messages are short
+    iovec part{bytes.data(), bytes.size()};
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
     msghdr header{};
     header.msg_iov = &part;
@@ -273,6 +279,6 @@ ZQRenderMessage zqReceiveMessage(int socket)
         out.descriptor = ZQFileDescriptor(descriptor);
     }
     const bool whole = got > 0 && !(header.msg_flags & MSG_TRUNC);
-    out.bytes.resize(whole ? qsizetype(got) : 0);
+    out.bytes = whole ? QByteArray(bytes.data(), qsizetype(got)) : QByteArray();
     return out;
 }

@@ -41,7 +41,8 @@ struct ZQRenderRequest
     Kind kind = Kind::Properties;
     QSize box; // invalid: full size
     int frame = 0;
-    QString name; // of the file; its path for a thumbnailer
+    QString name;                // of the file; its path for a thumbnailer
+    bool withProperties = false; // what the file says of itself comes with its picture, or with why there is none
 };
 
 struct ZQRenderAnswer
@@ -50,8 +51,9 @@ struct ZQRenderAnswer
 
     Kind kind = Kind::Error;
     ZQImageProperties properties;
-    QSize size;                // of the picture
-    bool isIncomplete = false; // only a part of it could be drawn
+    bool hasProperties = false; // besides what the kind says
+    QSize size;                 // of the picture
+    bool isIncomplete = false;  // only a part of it could be drawn
     ZQImagingErrorCode code = ZQImagingErrorCode::Damaged;
     QString reason;
     bool hasThumbnailer = false; // an error, but a thumbnailer knows the kind

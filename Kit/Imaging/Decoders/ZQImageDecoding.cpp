@@ -15,7 +15,7 @@ struct FormatDecoder
 
 constexpr std::array decoders{
     FormatDecoder{ZQImageFormat::JPEG, &zqVipsDecoder},
-    FormatDecoder{ZQImageFormat::PNG, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::PNG, &zqPNGDecoder},
     FormatDecoder{ZQImageFormat::GIF, &zqVipsDecoder},
     FormatDecoder{ZQImageFormat::TIFF, &zqVipsDecoder},
     FormatDecoder{ZQImageFormat::WebP, &zqVipsDecoder},

@@ -47,6 +47,7 @@ struct ZQDecoder
 };
 
 extern const ZQDecoder zqVipsDecoder;       // JPEG, PNG, GIF, TIFF, WebP, JPEG 2000
+extern const ZQDecoder zqPNGDecoder;        // what is plain and small directly, the rest as above
 extern const ZQDecoder zqPDFDecoder;        // PDF, and AI files that hold one
 extern const ZQDecoder zqSVGDecoder;        // used by the preview service only
 extern const ZQDecoder zqPostScriptDecoder; // EPS, and AI files of old

@@ -10,8 +10,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr qint64 sniffedBytes = 4096;
-
 struct Mark
 {
     int offset;
@@ -96,7 +94,7 @@ bool isTGAHeader(std::string_view head)
            littleEndian(head, 14, 2) > 0;
 }
 
-bool isTGA(QFile &file, std::string_view head, const QByteArray &extension)
+bool isTGA(const ZQSourceFile &source, std::string_view head, const QByteArray &extension)
 {
     if (!isTGAHeader(head)) {
         return false;
@@ -104,7 +102,9 @@ bool isTGA(QFile &file, std::string_view head, const QByteArray &extension)
     if (extension == "tga" || extension == "targa") {
         return true;
     }
-    return file.size() > 44 && file.seek(file.size() - 18) && file.read(16) == "TRUEVISION-XFILE";
+    QFile file;
+    return source.openIn(file) && file.size() > 44 && file.seek(file.size() - 18) &&
+           file.read(16) == "TRUEVISION-XFILE";
 }
 
 bool isRawTIFF(std::string_view head, const QByteArray &extension)
@@ -124,12 +124,8 @@ bool isRawTIFF(std::string_view head, const QByteArray &extension)
 
 ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source)
 {
-    QFile file;
-    if (!source.openIn(file)) {
-        return ZQImageFormat::Unknown;
-    }
-    const QByteArray bytes = file.read(sniffedBytes);
-    const std::string_view head(bytes.constData(), size_t(bytes.size()));
+    const QByteArray &start = source.start();
+    const std::string_view head(start.constData(), size_t(qMin(start.size(), ZQSourceFile::sniffedBytes)));
     const QByteArray extension = extensionOf(source.name());
     for (const Mark &mark : marks) {
         if (head.size() >= size_t(mark.offset) + mark.bytes.size() &&
@@ -148,5 +144,5 @@ ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source)
     if (head.substr(0, 1024).find("%PDF-") != std::string_view::npos) {
         return ZQImageFormat::PDF;
     }
-    return isTGA(file, head, extension) ? ZQImageFormat::TGA : ZQImageFormat::Unknown;
+    return isTGA(source, head, extension) ? ZQImageFormat::TGA : ZQImageFormat::Unknown;
 }

@@ -1,5 +1,7 @@
 #include "Kit/Imaging/Decoders/ZQSourceFile.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -9,7 +11,8 @@
 #include <utility>
 
 ZQSourceFile::ZQSourceFile(ZQFileDescriptor descriptor, QString name)
-    : m_descriptor(std::make_shared<const ZQFileDescriptor>(std::move(descriptor))), m_name(std::move(name))
+    : m_descriptor(std::make_shared<const ZQFileDescriptor>(std::move(descriptor))), m_start(std::make_shared<Start>()),
+      m_name(std::move(name))
 {
 }
 
@@ -31,6 +34,30 @@ qint64 ZQSourceFile::size() const
     {
     };
     return isOpen() && ::fstat(m_descriptor->get(), &status) == 0 ? qint64(status.st_size) : 0;
+}
+
+const QByteArray &ZQSourceFile::start() const
+{
+    constexpr qint64 smallBytes = 262144;
+    static const QByteArray nothing;
+    if (!isOpen()) {
+        return nothing;
+    }
+    if (!m_start->isRead) {
+        m_start->isRead = true;
+        const qint64 all = size();
+        QByteArray bytes(all <= smallBytes ? all : sniffedBytes, Qt::Uninitialized);
+        qint64 done = 0;
+        ssize_t got = 1;
+        while (done < bytes.size() && (got > 0 || errno == EINTR)) {
+            got = ::pread(m_descriptor->get(), bytes.data() + done, size_t(bytes.size() - done), done);
+            done += std::max<ssize_t>(got, 0);
+            errno = got == 0 ? 0 : errno;
+        }
+        bytes.truncate(done);
+        m_start->bytes = bytes;
+    }
+    return m_start->bytes;
 }
 
 bool ZQSourceFile::openIn(QFile &file) const

@@ -2,6 +2,7 @@
 
 #include "Kit/Files/ZQSystemFile.h"
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
 
@@ -25,6 +26,9 @@ public:
     bool isOpen() const { return m_descriptor && m_descriptor->isOpen(); }
     const QString &name() const { return m_name; }
     qint64 size() const;
+    // The first bytes, read once: all of a small file (256 KB), enough to tell its format of any other.
+    static constexpr qint64 sniffedBytes = 4096;
+    const QByteArray &start() const;
 
     // Opens `file` for reading on the descriptor.
     bool openIn(QFile &file) const;
@@ -52,6 +56,13 @@ public:
     };
 
 private:
+    struct Start
+    {
+        bool isRead = false;
+        QByteArray bytes;
+    };
+
     std::shared_ptr<const ZQFileDescriptor> m_descriptor;
+    std::shared_ptr<Start> m_start;
     QString m_name;
 };

@@ -82,6 +82,7 @@ public:
 private:
     bool answer(const ZQRenderRequest &request, const ZQSourceFile &file)
     {
+        m_properties.reset();
         if (!m_refusal.isEmpty()) {
             return sendError(zqImagingError(ZQImagingErrorCode::ToolFailed, request.name, m_refusal), false);
         }
@@ -98,6 +99,10 @@ private:
             out.kind = ZQRenderAnswer::Kind::Properties;
             out.properties = *properties;
             return send(out);
+        }
+        if (request.withProperties) {
+            ZQError error; // the picture may be readable all the same
+            m_properties = zqPropertiesOfFile(file, &error);
         }
         return request.kind == ZQRenderRequest::Kind::EmbeddedPicture ? sendEmbedded(file) : sendBitmap(request, file);
     }
@@ -173,7 +178,7 @@ private:
         return send(out, pixels.get());
     }
 
-    static bool sendError(const ZQError &error, bool hasThumbnailer)
+    bool sendError(const ZQError &error, bool hasThumbnailer) const
     {
         ZQRenderAnswer out;
         out.code = error.code > 0 ? ZQImagingErrorCode(error.code) : ZQImagingErrorCode::Damaged;
@@ -182,14 +187,19 @@ private:
         return send(out);
     }
 
-    static bool send(const ZQRenderAnswer &answer, int descriptor = -1)
+    bool send(ZQRenderAnswer answer, int descriptor = -1) const
     {
+        if (m_properties) {
+            answer.hasProperties = true;
+            answer.properties = *m_properties;
+        }
         return zqSendMessage(ZQRenderDescriptor::socket, zqEncode(answer), descriptor);
     }
 
     const ZQRenderLoopOptions m_options;
     const QString m_refusal; // empty: files are read
     uchar *m_area;
+    std::optional<ZQImageProperties> m_properties; // that come with the answer at hand
 };
 
 } // namespace

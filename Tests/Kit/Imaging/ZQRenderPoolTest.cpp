@@ -144,6 +144,44 @@ TEST_F(RenderPoolTest, EveryNumberOfAnAnswerIsWithinBounds)
     EXPECT_EQ(pool.perform(Kind::Properties, still, {}, 0, nullptr).properties->frameDurations.size(), 2);
 }
 
+TEST_F(RenderPoolTest, PropertiesComeWithThePictureOrWithWhyThereIsNone)
+{
+    ZQRenderPool pool({.time = 30s, .processes = 1});
+    const QString good = picture();
+    QFile file(good);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray content = file.readAll();
+    const QString cut = fileNamed(QStringLiteral("cut.png"), content.left(content.indexOf("IDAT") + 8));
+    for (const Kind kind : {Kind::Bitmap, Kind::Preview}) {
+        ZQError error;
+        const ZQRenderPool::Result both = pool.perform(kind, good, box, 0, &error, true);
+        EXPECT_EQ(both.bitmap.size(), QSize(100, 50));
+        ASSERT_TRUE(both.properties);
+        EXPECT_EQ(both.properties->pixelWidth, 200);
+        EXPECT_TRUE(error.isNull());
+        EXPECT_FALSE(pool.perform(kind, good, box, 0, &error).properties);
+        const ZQRenderPool::Result half = pool.perform(kind, cut, box, 0, &error, true);
+        EXPECT_TRUE(half.bitmap.isNull());
+        EXPECT_EQ(error.code, int(ZQImagingErrorCode::Damaged));
+        ASSERT_TRUE(half.properties);
+        EXPECT_EQ(half.properties->pixelHeight, 100);
+        EXPECT_FALSE(pool.perform(kind, fileNamed(QStringLiteral("no.png"), "x"), box, 0, nullptr, true).properties);
+    }
+}
+
+TEST_F(RenderPoolTest, PropertiesBesideAnAnswerAreBelievedNoMoreThanAlone)
+{
+    ZQRenderPool pool({.time = 30s, .processes = 1});
+    const QString claim = fileNamed(QStringLiteral("claim.png"), "x");
+    EXPECT_FALSE(pool.perform(Kind::Bitmap, claim, box, 0, nullptr).properties) << "nobody asked for them";
+    EXPECT_TRUE(pool.perform(Kind::Bitmap, claim, box, 0, nullptr, true).properties);
+    ZQError error;
+    const QString liar = fileNamed(QStringLiteral("lie-beside.png"), "x");
+    EXPECT_FALSE(pool.perform(Kind::Bitmap, liar, box, 0, &error, true).properties);
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::RendererStopped));
+    EXPECT_TRUE(draws(pool, picture()));
+}
+
 TEST_F(RenderPoolTest, ACancelEndsTheWorkerAndTheWaitForOne)
 {
     ZQRenderPool pool({.time = 60s, .processes = 1});
@@ -323,7 +361,7 @@ TEST_F(RenderPoolTest, AWorkerEndsWithWhoStartedIt)
         QString failure;
         process = ZQRenderProcess::start({}, -1, &failure);
         ASSERT_TRUE(process) << qPrintable(failure);
-        const ZQRenderRequest request{Kind::Bitmap, box, 0, QStringLiteral("none")};
+        const ZQRenderRequest request{Kind::Bitmap, box, 0, QStringLiteral("none"), false};
         ASSERT_TRUE(process->send(request, STDIN_FILENO)); // it has prepared itself when it answers
         ASSERT_EQ(process->receive(request, 30s).outcome, ZQRenderProcess::Outcome::Answered);
     });

@@ -148,10 +148,24 @@ void answerAnotherQuestion()
     send(answer);
 }
 
+// Why there is no picture, and beside it what the file is said to say of itself.
+void claimBesideError(int width)
+{
+    ZQRenderAnswer answer;
+    answer.kind = ZQRenderAnswer::Kind::Error;
+    answer.hasProperties = true;
+    answer.properties.pixelWidth = width;
+    answer.properties.pixelHeight = 10;
+    answer.properties.colorModel = QStringLiteral("RGB");
+    send(answer);
+}
+
 using Fault = void (*)(const ZQSourceFile &file);
 
 const QHash<QString, Fault> faults{
     {QStringLiteral("crash"), [](const ZQSourceFile &) { std::abort(); }},
+    {QStringLiteral("claim"), [](const ZQSourceFile &) { claimBesideError(10); }},
+    {QStringLiteral("lie-beside"), [](const ZQSourceFile &) { claimBesideError(-1); }},
     {QStringLiteral("leave"), [](const ZQSourceFile &) { ::_exit(0); }},
     {QStringLiteral("hang"),
      [](const ZQSourceFile &) {
