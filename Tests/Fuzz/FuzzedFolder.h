@@ -1,14 +1,16 @@
 #pragma once
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <cstdlib>
 
-// A folder in memory for what a fuzzer has written; gone with the process.
+// A folder for what a fuzzer has written, among the temporary files: where one that crashed left its own, ./dev fuzz
+// removes it.
 inline const QTemporaryDir &fuzzedFolder()
 {
-    static const QTemporaryDir folder(QStringLiteral("/dev/shm/zelto-fuzz-XXXXXX"));
+    static const QTemporaryDir folder(QDir::tempPath() + QStringLiteral("/zelto-fuzz-XXXXXX"));
     return folder;
 }
 

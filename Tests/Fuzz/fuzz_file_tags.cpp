@@ -7,6 +7,8 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Tests/Fuzz/FuzzedFolder.h"
 
+#include <cstdio>
+
 namespace {
 
 // Each attribute that is read; an input says which ones a file has, and what they hold.
@@ -63,6 +65,19 @@ void checkMerge(const QString &path, bool ignoresSeen)
 }
 
 } // namespace
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    const QString path = fuzzedFolder().filePath(QStringLiteral("probe"));
+    fuzzedWrite(path, "", 0);
+    ZQError error;
+    if (!ZQExtendedAttributes::set(path, QStringLiteral("probe"), "1", &error)) {
+        std::fprintf(stderr, "TMPDIR lies where files keep no attributes: %s\n",
+                     qPrintable(error.localizedDescription()));
+        std::exit(EXIT_FAILURE);
+    }
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
