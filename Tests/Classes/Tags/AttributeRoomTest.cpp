@@ -1,6 +1,7 @@
 #include "Classes/Tags/AttributeRoom.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Tests/Classes/Tags/TagsFixture.h"
+#include "Tests/Support/Skip.h"
 
 #include <sys/stat.h>
 
@@ -78,7 +79,7 @@ TEST_F(AttributeRoomTest, InEveryRoomTheMainNameHoldsTheNewTagsOrStillTheOldOnes
         const QString file = newFile(QStringLiteral("room-%1").arg(room));
         ASSERT_TRUE(OpenMeta::setUserTags(list("old"), file).isNull());
         if (!leaveRoom(file, room)) {
-            GTEST_SKIP() << "This file system has room enough for attributes";
+            return skipWithout("a file system with little room for attributes");
         }
         const ZQError error = OpenMeta::setUserTags(longer, file);
         const auto tags = tagsOf(file);
@@ -129,7 +130,7 @@ TEST_F(AttributeRoomTest, InMemoryFileSystemsToo)
     QFile file(memory.filePath(QStringLiteral("file")));
     if (!memory.isValid() || !file.open(QIODevice::WriteOnly) ||
         !ZQExtendedAttributes::set(file.fileName(), QStringLiteral("probe"), "1")) {
-        GTEST_SKIP() << "/dev/shm keeps no extended attributes here";
+        return skipWithout("extended attributes in /dev/shm");
     }
     ASSERT_TRUE(OpenMeta::setUserTags(list("a b"), file.fileName()).isNull());
     EXPECT_EQ(tagsOf(file.fileName()), list("a b"));
