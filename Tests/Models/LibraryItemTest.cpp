@@ -3,6 +3,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQLibraryImage.h"
+#include "Models/DataModel/ZQLibrarySVG.h"
 #include "Models/DataModel/ZQLibrarySketch.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -98,6 +99,19 @@ TEST_F(LibraryItem, RefusesTitlesThatNoFileCanHave)
     EXPECT_TRUE(item->setNewTitle(QStringLiteral("logo"))); // its own
 }
 
+TEST_F(LibraryItem, TheLongestTitleIsTheOneWhoseThumbnailStillHasANameWhileItMoves)
+{
+    constexpr qsizetype added = sizeof("_thumb.png.tmp") - 1;
+    const auto item = library.addImage(QStringLiteral("logo"));
+    EXPECT_FALSE(item->setNewTitle(QString(255 - added + 1, u'x')));
+    EXPECT_TRUE(item->setNewTitle(QString(255 - added, u'x')));
+    EXPECT_TRUE(QFileInfo::exists(item->itemURL()));
+
+    item->setThumbName(QStringLiteral("lost_thumb.png")); // it cannot be moved
+    EXPECT_TRUE(item->setNewTitle(QStringLiteral("mark")));
+    EXPECT_EQ(item->thumbName(), QStringLiteral("lost_thumb.png"));
+}
+
 TEST_F(LibraryItem, ARenameOntoAnotherFileLeavesBothAsTheyWere)
 {
     const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), "mine");
@@ -147,6 +161,22 @@ TEST_F(LibraryItem, ADuplicateHasItsOwnFilesAndTagsButNoProject)
 
     QFile::remove(item->itemURL());
     EXPECT_FALSE(item->duplicate());
+
+    const auto drawing = context.insertNewObject<ZQLibrarySVG>();
+    drawing->setBundleID(QStringLiteral("D"));
+    drawing->setTitle(QStringLiteral("drawing"));
+    drawing->setOriginalExtension(QStringLiteral("svg"));
+    drawing->setManaged(true);
+    drawing->setActive(false);
+    drawing->setImport_date(zqNow().addYears(-1));
+    const QString base = QStringLiteral("Zelto.ztlibrary/Library/D.ztlibraryitem/");
+    library.writeFile(base + QStringLiteral("drawing.svg"), "<svg/>");
+    library.writeFile(base + ZQLibraryBaseItem::representationBitmapName, "drawn");
+    const auto second = drawing->duplicate();
+    ASSERT_TRUE(second);
+    EXPECT_EQ(ScratchLibrary::readFile(second->detailItemURL()), QByteArray("drawn"));
+    EXPECT_TRUE(second->active());
+    EXPECT_GT(second->import_date(), zqNow().addDays(-1));
 }
 
 TEST_F(LibraryItem, DeletingALiveItemHidesItsFileAndRestoringShowsIt)
@@ -208,6 +238,73 @@ TEST_F(LibraryItem, PurgeRemovesInactiveItemsButKeepsThoseOfAFolderOutOfReach)
     EXPECT_TRUE(QFileInfo::exists(ofMissing->itemURL()));
 }
 
+TEST_F(LibraryItem, PurgeLeavesFilesAloneThatWereNeverHidden)
+{
+    const auto item = liveItem(liveFolder(QStringLiteral("live")), QStringLiteral("seen.jpg"));
+    const auto elsewhere = library.addReferencedImage(library.writeFile(QStringLiteral("own/b.jpg"), "b"));
+    ASSERT_TRUE(context.save());
+    for (const ZQRef<ZQLibraryImage> &each : {item, elsewhere}) {
+        each->setActive(false); // as where hiding failed
+        each->setBundleID({});
+    }
+    const auto names = ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(context);
+    ASSERT_TRUE(names);
+    EXPECT_EQ(*names, QStringList()) << "without a directory there is none to remove";
+    ASSERT_TRUE(context.save());
+    EXPECT_EQ(zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()}), 0);
+    EXPECT_EQ(ScratchLibrary::readFile(library.path(QStringLiteral("live/seen.jpg"))), QByteArray("seen.jpg"));
+    EXPECT_EQ(ScratchLibrary::readFile(library.path(QStringLiteral("own/b.jpg"))), QByteArray("b"));
+}
+
+TEST_F(LibraryItem, SpansBeginAtTheirVeryMoment)
+{
+    using Items = ZQFetched<ZQLibraryBaseItem>;
+    const QDateTime now = zqNow();
+    const auto midnight = [](int daysAgo) { return QDate::currentDate().addDays(-daysAgo).startOfDay().toUTC(); };
+    struct Case
+    {
+        const char *what;
+        QDateTime start;
+        Items (*items)(ZQManagedObjectContext &);
+    };
+    for (const Case &each :
+         {Case{"hour", now.addSecs(-3600), &ZQLibraryBaseItem::libraryItemsForLastHourInManagedObjectContext},
+          {"today", midnight(0), &ZQLibraryBaseItem::libraryItemsForTodayInManagedObjectContext},
+          {"yesterday", midnight(1), &ZQLibraryBaseItem::libraryItemsForYesterdayInManagedObjectContext},
+          {"week", now.addDays(-7), &ZQLibraryBaseItem::libraryItemsForLastWeekInManagedObjectContext}}) {
+        SCOPED_TRACE(each.what);
+        const auto inside = library.addImage(QStringLiteral("inside"));
+        inside->setImport_date(each.start.addSecs(60));
+        const auto outside = library.addImage(QStringLiteral("outside"));
+        outside->setImport_date(each.start.addSecs(-60));
+        const auto found = each.items(context);
+        ASSERT_TRUE(found);
+        EXPECT_TRUE(found->contains(inside));
+        EXPECT_FALSE(found->contains(outside));
+        inside->deletePermanently();
+        outside->deletePermanently();
+    }
+}
+
+TEST_F(LibraryItem, IsFoundByDigestAmongMoreThanOneStatementTakes)
+{
+    constexpr int count = 1001;
+    QStringList digests;
+    for (int i = 0; i < count; ++i) {
+        const auto item = context.insertNewObject<ZQLibraryImage>();
+        digests.append(QString::number(i));
+        item->setSHA1(digests.last());
+        item->setBundleID(QStringLiteral("same"));
+    }
+    ASSERT_TRUE(context.save());
+    const auto found = ZQLibraryBaseItem::libraryItemsForSHA1s(digests, context);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->size(), count);
+    const auto last = ZQLibraryBaseItem::libraryItemsForBundleID(QStringLiteral("same"), context);
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->SHA1(), digests.last());
+}
+
 TEST_F(LibraryItem, FindsItemsByDigestBundleAndDate)
 {
     const QDateTime now = zqNow();
@@ -256,6 +353,19 @@ TEST_F(LibraryItem, UpdatesFromAChangedFileAndLeavesAnUnchangedOneAlone)
     EXPECT_EQ(live->thumbVersion(), 1);
 }
 
+TEST_F(LibraryItem, AnOlderFileChangesNothingAndADeletedItemFollowsNone)
+{
+    const auto item = library.addImage(QStringLiteral("logo"));
+    const QDateTime later = zqNow().addDays(1);
+    item->setModification_date(later);
+    item->updateItemData();
+    EXPECT_EQ(item->modification_date(), later);
+    EXPECT_TRUE(item->SHA1().isEmpty());
+    item->setActive(false);
+    item->updateFileURLsForURL(library.writeFile(QStringLiteral("other.png"), "other"));
+    EXPECT_EQ(item->title(), QStringLiteral("logo"));
+}
+
 TEST_F(LibraryItem, ASketchDocumentIsAsLargeAsItsPackage)
 {
     auto item = context.insertNewObject<ZQLibrarySketch>();
@@ -289,9 +399,17 @@ TEST_F(LibraryItem, TakesTagsAndCommentFromItsFileAndGivesThemBack)
     EXPECT_EQ(library.written.first().comment, QStringLiteral("note"));
     EXPECT_EQ(library.written.first().rating, 4);
     EXPECT_EQ(item->duplicate()->rating(), 4);
+    const QString copy = library.path(QStringLiteral("copy.png"));
+    item->copyOpenMetaToPath(copy);
+    EXPECT_EQ(library.written.last().path, copy);
+    EXPECT_EQ(library.written.last().rating, 4);
+    item->setRating(0);
+    item->copyOpenMetaToPath(copy);
+    EXPECT_EQ(library.written.last().rating, std::nullopt) << "what the copy brought stays";
+    const qsizetype writes = library.written.size();
     library.tagsAreWritten = false;
     item->writeOpenMetaToDisk();
-    EXPECT_EQ(library.written.size(), 1);
+    EXPECT_EQ(library.written.size(), writes);
 }
 
 TEST_F(LibraryItem, ALiveFolderOutOfReachTakesItsItemsAlongButNotTheDeletedOnesBack)

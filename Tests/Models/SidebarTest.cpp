@@ -1,7 +1,9 @@
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
+#include "Models/DataModel/ZQSidebarLibrary.h"
 #include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarRecent.h"
 #include "Models/DataModel/ZQSidebarSeed.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Support/ScratchLibrary.h"
@@ -290,6 +292,106 @@ TEST_F(Sidebar, PlacesChildrenByIndexAndNeverBelowThemselves)
     EXPECT_FALSE(folder->isDescendantOfItem(inner.get()));
     inner->removeFromFather();
     EXPECT_EQ(folder->numberofChilds(), 3);
+}
+
+TEST_F(Sidebar, ATreeIsLookedUpAThousandLevelsHighAndADamagedOneComesToAnEnd)
+{
+    constexpr int levels = 1000;
+    QList<ZQRef<ZQSidebarFolder>> chain;
+    for (int i = 0; i <= levels + 1; ++i) {
+        chain.append(context.insertNewObject<ZQSidebarFolder>());
+        if (i > 0) {
+            chain.last()->setFather(chain.at(i - 1).get());
+        }
+    }
+    EXPECT_TRUE(chain.at(levels)->isDescendantOfItem(chain.first().get()));
+    EXPECT_FALSE(chain.at(levels + 1)->isDescendantOfItem(chain.first().get()));
+    chain.first()->setFather(chain.at(1).get());
+    EXPECT_FALSE(chain.at(1)->isDescendantOfItem(chain.last().get()));
+}
+
+TEST_F(Sidebar, OrdersChildrenByTitleAndNumbersThemAfresh)
+{
+    const auto folder = context.insertNewObject<ZQSidebarFolder>();
+    for (const char *title : {"b10", "Z", "b9", "\xc3\xa4"}) {
+        const auto child = context.insertNewObject<ZQSidebarProject>();
+        child->setTitle(QString::fromUtf8(title));
+        child->setFather(folder.get());
+        child->setOrder(folder->numberofChilds() * 7);
+    }
+    QStringList titles;
+    for (const auto &child : folder->alphabeticOrderedChildren()) {
+        titles.append(child->title());
+    }
+    EXPECT_EQ(titles,
+              (QStringList{QStringLiteral("ä"), QStringLiteral("b9"), QStringLiteral("b10"), QStringLiteral("Z")}));
+    folder->reorderChildren();
+    qint32 position = 0;
+    for (const auto &child : folder->orderedChildren()) {
+        EXPECT_EQ(child->order(), position++);
+    }
+    EXPECT_EQ(folder->orderedChildren().first()->title(), QStringLiteral("b10"));
+}
+
+TEST_F(Sidebar, AMembershipIsRemovedOnlyFromItsOwnProject)
+{
+    const auto p = project(2);
+    const auto other = project(1);
+    other->removeProjectItem(p->pItems().first().get());
+    EXPECT_EQ(p->numberOfItems(), 2);
+    p->removeProjectItem(p->pItems().first().get());
+    EXPECT_EQ(p->numberOfItems(), 1);
+}
+
+TEST_F(Sidebar, MembersAreKnownAmongMoreThanOneStatementTakesAndDeletedOnesComeBack)
+{
+    constexpr int count = 501;
+    const auto p = context.insertNewObject<ZQSidebarProject>();
+    QList<ZQRef<ZQLibraryBaseItem>> items;
+    for (int i = 0; i < count; ++i) {
+        items.append(context.insertNewObject<ZQLibraryImage>());
+        items.last()->setActive(i > 0);
+    }
+    p->addItems(items);
+    EXPECT_TRUE(items.first()->active());
+    ASSERT_TRUE(context.save());
+    p->addItems(items);
+    EXPECT_EQ(p->numberOfItems(), count);
+    const auto all = context.insertNewObject<ZQSidebarLibrary>();
+    items.first()->setActive(false);
+    EXPECT_TRUE(all->addItem(items.first().get()));
+    EXPECT_TRUE(items.first()->active());
+    EXPECT_FALSE(all->addItem(items.first().get()));
+}
+
+TEST_F(Sidebar, RecentReachesBackSevenDaysInFourGroups)
+{
+    const QDateTime now = zqNow();
+    const auto recent = context.insertNewObject<ZQSidebarRecent>();
+    struct Case
+    {
+        QDateTime imported;
+        bool isRecent;
+        const char *group;
+    };
+    const QDateTime hour = now.addSecs(-3600);
+    const QDateTime week = now.addDays(-7);
+    const QDateTime yesterday = QDate::currentDate().addDays(-1).startOfDay().toUTC();
+    for (const Case &each : {Case{hour.addSecs(60), true, "Last Hour"},
+                             {week.addSecs(60), true, "Last Week"},
+                             {week.addSecs(-60), false, ""},
+                             {yesterday.addSecs(-60), true, "Last Week"}}) {
+        const auto item = library.addImage(QStringLiteral("item"));
+        item->setImport_date(each.imported);
+        EXPECT_EQ(recent->containsItem(item.get()), each.isRecent) << each.group;
+        EXPECT_EQ(recent->numberOfItems(), each.isRecent ? 1 : 0);
+        QString group;
+        for (const ZQSidebarRecent::Group &span : ZQSidebarRecent::groups()) {
+            group += span.predicate.evaluateWithObject(item.get()) ? span.title : QString();
+        }
+        EXPECT_EQ(group, QLatin1String(each.group));
+        item->deletePermanently();
+    }
 }
 
 TEST_F(Sidebar, PurgeRemovesInactiveItemsWithAllBelowButNoLibraryItem)

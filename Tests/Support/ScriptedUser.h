@@ -2,6 +2,8 @@
 
 #include "Classes/Application/UserInteraction.h"
 
+#include <atomic>
+
 // A person who answers as the test says and remembers what was shown. Without an answer from the test, the one that
 // changes least.
 class ScriptedUser : public UserInteraction
@@ -26,6 +28,7 @@ public:
     QList<Notification> notifications;
     QStringList systemNotifications; // titles
     QList<DuplicatePair> duplicates;
+    std::atomic<int> dismissals = 0;
     QStringList notificationTexts() const;
 
     void presentError(const ZQError &error) override { errors.append(error); }
@@ -36,6 +39,7 @@ public:
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
     bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
     std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
+    void dismissQuestions() override { ++dismissals; }
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override;
 };

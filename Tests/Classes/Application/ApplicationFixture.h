@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 // A window that only remembers what was asked of it.
 class FakeWindow : public MainWindowControlling
 {
@@ -25,6 +27,8 @@ public:
         int madeKey = 0;
         int savedState = 0;
         int templates = 0;
+        int localized = 0;
+        bool takesTyping = true;
         QList<ZQObjectID> selected;
     };
     explicit FakeWindow(State &state) : m_state(state) {}
@@ -37,9 +41,9 @@ public:
     void selectSidebarItem(const ZQObjectID &item) override { m_state.selected.append(item); }
     void newFileFromTemplate() override { ++m_state.templates; }
     void savePersistentState() override { ++m_state.savedState; }
-    bool commitEditing() override { return true; }
+    bool commitEditing() override { return m_state.takesTyping; }
     void refreshContent() override {}
-    void updateLocalization() override {}
+    void updateLocalization() override { ++m_state.localized; }
 
 private:
     State &m_state;
@@ -53,11 +57,12 @@ public:
     {
         QStringList paths;
         ZQObjectID target;
+        quint32 index;
     };
-    void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32,
+    void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                             const QVariantMap &) override
     {
-        imports.append({paths, intoSidebarItemID});
+        imports.append({paths, intoSidebarItemID, atIndex});
     }
     void takeBackItemDirectories(const QStringList &names,
                                  std::function<void(qsizetype takenBack, bool isComplete)> done) override
@@ -73,7 +78,10 @@ public:
     void startObservingWatchedFolders() override { calls.append(QStringLiteral("observe")); }
     void stopObservingWatchedFolders() override { calls.append(QStringLiteral("stop")); }
     void syncRootWatchedFolders() override { calls.append(QStringLiteral("sync")); }
-    void syncWatchedFolder(const ZQObjectID &, bool) override {}
+    void syncWatchedFolder(const ZQObjectID &, bool force) override
+    {
+        calls.append(force ? QStringLiteral("forced sync") : QStringLiteral("folder sync"));
+    }
     void thumbForLibraryItem(ZQLibraryBaseItem *) override {}
 
     QList<Import> imports;
@@ -120,6 +128,14 @@ protected:
         zqRunMainLoopUntil([&delegate] { return !delegate.isCheckingLeftovers(); });
     }
     QString defaultBundle() const { return world.filePath(QStringLiteral("xdg_data_home/Zelto/Zelto.ztlibrary")); }
+
+    // Whether it comes to be, while the main loop runs; given up after half a minute.
+    static bool comesTrue(const std::function<bool()> &condition)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        zqRunMainLoopUntil([&] { return condition() || std::chrono::steady_clock::now() > end; });
+        return condition();
+    }
 
     // A managed item with its directory and file.
     static ZQRef<ZQLibraryImage> addItem(tamberin_AppDelegate &delegate, const QString &bundleID)

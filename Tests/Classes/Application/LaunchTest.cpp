@@ -1,4 +1,5 @@
 #include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/Skip.h"
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLock.h"
@@ -148,7 +149,7 @@ TEST_F(ApplicationTest, WhatIsOlderThanTheStoreIsTakenBackAndNeverRemoved)
 TEST_F(ApplicationTest, WhatWasSavedOnceComesBackUnlessItWasPurged)
 {
     if (!ZQExtendedAttributes::set(world.path(), QStringLiteral("org.zelto.test"), "x")) {
-        GTEST_SKIP() << "no extended attributes at " << qPrintable(world.path());
+        return skipWithout("extended attributes");
     }
     QString library;
     {

@@ -1,11 +1,12 @@
-// Moving, opening and creating libraries, and the scratch area.
+// Where libraries go and are found again, and the scratch area.
 
 #include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/LibraryMove.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Kit/Files/ZQPersistentURL.h"
-#include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Classes/Application/LibraryPlacesFixture.h"
+#include "Tests/Support/Skip.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -18,87 +19,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace {
-
-QString written(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? path : QString();
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-}
-
-// A folder that looks like a library, with `count` item directories.
-QString madeLibrary(const QString &path, int count)
-{
-    written(path + QStringLiteral("/storedata"), "store of " + path.toUtf8());
-    for (int i = 0; i < count; ++i) {
-        written(path + QStringLiteral("/Library/%1.ztlibraryitem/%1.png").arg(i), QByteArray::number(i));
-    }
-    return path;
-}
-
-bool isWhole(const QString &library, int count)
-{
-    bool is = QFileInfo::exists(library + QStringLiteral("/storedata"));
-    for (int i = 0; i < count; ++i) {
-        is = is &&
-             contentOf(library + QStringLiteral("/Library/%1.ztlibraryitem/%1.png").arg(i)) == QByteArray::number(i);
-    }
-    return is;
-}
-
-// Another file system than that of the tests' world.
-class OtherVolume
-{
-public:
-    QTemporaryDir folder{QStringLiteral("/dev/shm/zelto-volume-XXXXXX")};
-    bool isOther(const QString &path) const
-    {
-        struct stat one = {};
-        struct stat other = {};
-        return folder.isValid() && ::stat(QFile::encodeName(path).constData(), &one) == 0 &&
-               ::stat(QFile::encodeName(folder.path()).constData(), &other) == 0 && one.st_dev != other.st_dev;
-    }
-};
-
-class LibraryPlaces : public ApplicationTest
-{
-protected:
-    QString inWorld(const QString &name) const { return world.filePath(name); }
-
-    // Moves the open library of a launched application to `destination`, as the person does it.
-    void moveTo(const QString &destination)
-    {
-        const auto delegate = launched();
-        addItem(*delegate, QStringLiteral("kept"));
-        written(delegate->libraryDirectory() + QStringLiteral("/kept.ztlibraryitem/picture.png"), "picture");
-        delegate->saveAction();
-        user.fileToSave = destination;
-        delegate->moveZeltoLibrary();
-        user.fileToSave.reset();
-    }
-    bool holdsTheItem(const QString &library)
-    {
-        return contentOf(library + QStringLiteral("/Library/kept.ztlibraryitem/picture.png")) == "picture" &&
-               QFileInfo::exists(library + QStringLiteral("/storedata"));
-    }
-    // What the next launch opens.
-    QString openedNext() { return application()->libraryBundleDirectory(); }
-};
-
-} // namespace
-
 TEST_F(LibraryPlaces, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
 {
     const OtherVolume volume;
     if (!volume.isOther(world.path())) {
-        GTEST_SKIP() << "/dev/shm is no second file system here";
+        return skipWithout("a second file system at /dev/shm");
     }
     qsizetype moves = 0; // each adds an item
     for (const QString &destination :
@@ -181,7 +106,7 @@ TEST_F(LibraryPlaces, AKillWhileTheLibraryIsCopiedLeavesItWhereItWas)
 {
     const OtherVolume volume;
     if (!volume.isOther(world.path())) {
-        GTEST_SKIP() << "/dev/shm is no second file system here";
+        return skipWithout("a second file system at /dev/shm");
     }
     const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 20);
     ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(source));
@@ -239,7 +164,7 @@ TEST_F(LibraryPlaces, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
 {
     const OtherVolume volume;
     if (!volume.isOther(world.path())) {
-        GTEST_SKIP() << "/dev/shm is no second file system here";
+        return skipWithout("a second file system at /dev/shm");
     }
     const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 3);
     ASSERT_TRUE(LibraryLocation::remember(source));

@@ -11,6 +11,7 @@
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Classes/Command/CommandFixture.h"
 #include "Tests/Support/FlushWatch.h"
+#include "Tests/Support/Skip.h"
 
 class TagCommandTest : public CommandTest
 {
@@ -25,7 +26,7 @@ protected:
         ASSERT_EQ(run("import in/red.png"), 0);
         item = firstItem();
         if (!OpenMeta::setString(QStringLiteral("probe"), QStringLiteral("probe"), path()).isNull()) {
-            GTEST_SKIP() << "This file system keeps no extended attributes";
+            return skipWithout("extended attributes");
         }
     }
     QJsonObject firstItem()

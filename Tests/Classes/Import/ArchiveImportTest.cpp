@@ -3,6 +3,7 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Tests/Classes/Import/ImportFixture.h"
+#include "Tests/Support/Skip.h"
 #include "Tools/samples/SampleArchives.h"
 
 #include <QBuffer>
@@ -243,7 +244,7 @@ TEST_F(ArchiveImportTest, WhereTheArchiveCameFromIsWhereItsFilesCameFrom)
     if (!OpenMeta::setXAttr(QStringList{QStringLiteral("http://zip"), QStringLiteral("http://page")},
                             OpenMeta::spotlightKey(OpenMeta::whereFromsKey), archive)
              .isNull()) {
-        GTEST_SKIP() << "This file system keeps no extended attributes";
+        return skipWithout("extended attributes");
     }
     import({archive}, nullptr, ZQSidebarBaseItem::appendIndex, {{ QStringLiteral("license"), QStringLiteral("free") }});
     ASSERT_TRUE(item(QStringLiteral("a")));

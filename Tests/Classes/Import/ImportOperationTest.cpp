@@ -6,6 +6,7 @@
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQSidebarRecent.h"
 #include "Tests/Classes/Import/ImportFixture.h"
+#include "Tests/Support/Skip.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -107,7 +108,7 @@ TEST_F(ImportOperationTest, TagsNotesAndOriginComeAlongFromTheFile)
     const QString typed = QStringLiteral("Caf\u00e9"); // files carry it decomposed
     const auto known = addTag(typed);
     if (!OpenMeta::setUserTags(QStringList{QStringLiteral("Client"), typed}, source).isNull()) {
-        GTEST_SKIP() << "This file system keeps no extended attributes";
+        return skipWithout("extended attributes");
     }
     OpenMeta::setRating(3.5, source);
     OpenMeta::setXAttr(QStringLiteral("abc"), OpenMeta::spotlightKey(OpenMeta::finderCommentKey), source);

@@ -2,6 +2,7 @@
 #include "Classes/Tags/TagFileWriter.h"
 #include "Tests/Classes/Tags/TagsFixture.h"
 #include "Tests/Support/AttributeFaults.h"
+#include "Tests/Support/Skip.h"
 
 #include <sys/stat.h>
 
@@ -127,7 +128,7 @@ TEST_F(AttributeRoomTest, InMemoryFileSystemsToo)
     QFile file(memory.filePath(QStringLiteral("file")));
     if (!memory.isValid() || !file.open(QIODevice::WriteOnly) ||
         !ZQExtendedAttributes::set(file.fileName(), QStringLiteral("probe"), "1")) {
-        GTEST_SKIP() << "/dev/shm keeps no extended attributes here";
+        return skipWithout("extended attributes in /dev/shm");
     }
     ASSERT_TRUE(OpenMeta::setUserTags(list("a b"), file.fileName()).isNull());
     EXPECT_EQ(tagsOf(file.fileName()), list("a b"));

@@ -1,4 +1,5 @@
 #include "Tests/Classes/Tags/TagsFixture.h"
+#include "Tests/Support/Skip.h"
 
 class DesktopMirrorTest : public TagsFixture
 {
@@ -13,7 +14,7 @@ protected:
 TEST_F(DesktopMirrorTest, WhatIsWrittenShowsUnderTheDesktopsNames)
 {
     if (!hasRoomForMirrors()) {
-        GTEST_SKIP() << "This file system has little room for attributes";
+        return skipWithout("room for several kilobytes of attributes in a file");
     }
     ASSERT_TRUE(
         OpenMeta::setUserTags(QStringList{QStringLiteral("Logo"), QStringLiteral("Cafe\u0301")}, path).isNull());

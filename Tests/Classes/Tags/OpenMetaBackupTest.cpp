@@ -1,4 +1,5 @@
 #include "Tests/Classes/Tags/TagsFixture.h"
+#include "Tests/Support/Skip.h"
 
 #include <QDateTime>
 #include <QDirIterator>
@@ -34,7 +35,7 @@ protected:
 TEST_F(OpenMetaBackupTest, AFileSavedByReplacingItGetsItsTagsBack)
 {
     if (!hasRoomForMirrors()) {
-        GTEST_SKIP() << "This file system has little room for attributes";
+        return skipWithout("room for several kilobytes of attributes in a file");
     }
     ASSERT_TRUE(OpenMeta::setRating(4, path).isNull());
     ASSERT_TRUE(OpenMeta::setFinderComment(QStringLiteral("noted"), path).isNull());
@@ -180,7 +181,7 @@ TEST_F(OpenMetaBackupTest, DamagedBackupsAreNoObstacle)
 TEST_F(OpenMetaBackupTest, ARatingAloneIsKeptToo)
 {
     if (!hasRoomForMirrors()) {
-        GTEST_SKIP() << "This file system has little room for attributes";
+        return skipWithout("room for several kilobytes of attributes in a file");
     }
     tag(path, list("a"));
     ASSERT_TRUE(OpenMeta::setRating(3, path).isNull());

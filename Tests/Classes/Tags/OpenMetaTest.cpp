@@ -2,6 +2,7 @@
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPropertyList.h"
+#include "Tests/Support/Skip.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -20,7 +21,7 @@ protected:
     {
         path = newFile(QStringLiteral("file.png"));
         if (!ZQExtendedAttributes::set(path, QStringLiteral("probe"), "1")) {
-            GTEST_SKIP() << "This file system keeps no extended attributes";
+            return skipWithout("extended attributes");
         }
         ZQExtendedAttributes::remove(path, QStringLiteral("probe"));
     }
