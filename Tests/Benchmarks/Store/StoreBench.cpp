@@ -166,28 +166,6 @@ void measureCount(const QString &path, qint64)
     }
 }
 
-void measureLists(const QString &path, qint64)
-{
-    const auto coordinator = opened(path);
-    ZQManagedObjectContext context(coordinator);
-    const auto library = context.insertNewObject<ZQSidebarLibrary>();
-    const ZQFetchRequest all = library->contentRequest();
-    context.reset();
-    qsizetype count = 0;
-    print("list-ms", millisecondsFor([&] { count = context.fetchObjectIDs(all)->size(); }));
-    ZQFetchRequest some = all;
-    some.predicate = ZQPredicate::andPredicate(
-        {all.predicate,
-         ZQPredicate::predicateWithFormat(QStringLiteral("title contains[cd] %@"), {QStringLiteral("99")})});
-    print("filter-ms", millisecondsFor([&] { count = context.fetchObjectIDs(some)->size(); }));
-    print("total-count-ms", millisecondsFor([&] { count = zqCount(context, all); }));
-    print("listed", double(count));
-    ZQFetchRequest byTitle = all;
-    byTitle.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(2, true, 1);
-    print("by-title-ms", millisecondsFor([&] { count = context.fetchObjectIDs(byTitle)->size(); }));
-    print("given-up-ms", longestGivingUp(context, byTitle));
-}
-
 // The longest that a list nobody wants any more goes on, in milliseconds, given up at several stages of it.
 double longestGivingUp(ZQManagedObjectContext &context, const ZQFetchRequest &request)
 {
@@ -209,6 +187,28 @@ double longestGivingUp(ZQManagedObjectContext &context, const ZQFetchRequest &re
     }
     context.setFetchesAreCancellable(false);
     return longest;
+}
+
+void measureLists(const QString &path, qint64)
+{
+    const auto coordinator = opened(path);
+    ZQManagedObjectContext context(coordinator);
+    const auto library = context.insertNewObject<ZQSidebarLibrary>();
+    const ZQFetchRequest all = library->contentRequest();
+    context.reset();
+    qsizetype count = 0;
+    print("list-ms", millisecondsFor([&] { count = context.fetchObjectIDs(all)->size(); }));
+    ZQFetchRequest some = all;
+    some.predicate = ZQPredicate::andPredicate(
+        {all.predicate,
+         ZQPredicate::predicateWithFormat(QStringLiteral("title contains[cd] %@"), {QStringLiteral("99")})});
+    print("filter-ms", millisecondsFor([&] { count = context.fetchObjectIDs(some)->size(); }));
+    print("total-count-ms", millisecondsFor([&] { count = zqCount(context, all); }));
+    print("listed", double(count));
+    ZQFetchRequest byTitle = all;
+    byTitle.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(2, true, 1);
+    print("by-title-ms", millisecondsFor([&] { count = context.fetchObjectIDs(byTitle)->size(); }));
+    print("given-up-ms", longestGivingUp(context, byTitle));
 }
 
 void measureUndo(const QString &path, qint64)
