@@ -69,6 +69,7 @@ bool FileTagAdoption::apply()
         }
         didWrite = true;
         QList<ZQRef<ZQLibraryBaseItem>> changed;
+        const auto kept = zqPrefetch(*items, QStringLiteral("tags"));
         for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
             bool didChange = false;
             for (const FileTagsChange &change : changes.value(item->bundleID())) {

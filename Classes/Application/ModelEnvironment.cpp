@@ -123,6 +123,7 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
         bool isManaged; // a person's own file is not written to because it was looked at
     };
     QList<Present> all;
+    const auto kept = zqPrefetch(items, QStringLiteral("tags"));
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         const QString path = item && item->active() ? item->itemURL() : QString();
         if (!path.isEmpty()) {
@@ -203,6 +204,7 @@ void ModelEnvironment::finishInterruptedTagWrites()
         if (!items) {
             return; // the journal stays for the next launch
         }
+        const auto kept = zqPrefetch(*items, QStringLiteral("tags"));
         for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
             item->writeOpenMetaToDisk();
         }

@@ -36,6 +36,21 @@ QJsonObject itemObject(ZQLibraryBaseItem &item)
     return object;
 }
 
+QJsonArray itemObjects(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    constexpr qsizetype atATime = 1000;
+    QJsonArray array;
+    for (qsizetype start = 0; start < items.size(); start += atATime) {
+        const QList<ZQRef<ZQLibraryBaseItem>> batch = items.mid(start, atATime);
+        const auto tags = zqPrefetch(batch, QStringLiteral("tags"));
+        const auto projects = zqPrefetch(batch, QStringLiteral("projectsItems.project"));
+        for (const ZQRef<ZQLibraryBaseItem> &item : batch) {
+            array.append(itemObject(*item));
+        }
+    }
+    return array;
+}
+
 // The items asked for; nothing after an error, which is in `context`.
 ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContext &context)
 {
@@ -58,7 +73,9 @@ ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContex
         return sidebarItem->items();
     }
     QList<ZQRef<ZQLibraryBaseItem>> deleted;
-    for (const ZQRef<ZQProjectItem> &membership : sidebarItem->pItemsWithActiveItemsOnly(false)) {
+    const auto memberships = sidebarItem->pItemsWithActiveItemsOnly(false);
+    const auto kept = zqPrefetch(memberships, QStringLiteral("item"));
+    for (const ZQRef<ZQProjectItem> &membership : memberships) {
         const ZQRef<ZQLibraryBaseItem> item = membership->item();
         if (item && !item->active()) {
             deleted.append(item);
@@ -104,17 +121,13 @@ int zqRunItems(const ItemsRequest &request, CommandContext &context)
     if (!items) {
         return 2;
     }
-    QJsonArray array;
-    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-        if (context.json) {
-            array.append(itemObject(*item));
-        } else {
-            context.print(item->bundleID() + u'\t' + item->title() +
-                          (item->extension().isEmpty() ? QString() : u'.' + item->extension()));
-        }
-    }
     if (context.json) {
-        context.printJSON(array);
+        context.printJSON(itemObjects(*items));
+        return 0;
+    }
+    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        context.print(item->bundleID() + u'\t' + item->title() +
+                      (item->extension().isEmpty() ? QString() : u'.' + item->extension()));
     }
     return 0;
 }

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr qint64 mostDragged = 5000; // a drag names every file it carries
+constexpr qsizetype mostFiles = 5000; // of a drag that another program gets
 
 bool holdsMemberships(const ZQFetchRequest &request)
 {
@@ -364,34 +364,31 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 
 QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
 {
-    ZQIndexSet some;
-    for (const qint64 index : indexes.indexes(mostDragged)) {
-        some.insert(index);
-    }
     QList<QUrl> urls;
-    QStringList identifiers;
+    QByteArray identifiers;
+    const QList<ZQObjectID> ids = libraryItemIDs(indexes);
     const QUuid store = m_window.context.persistentStoreCoordinator()->storeUUID();
-    for (const ZQObjectID &id : libraryItemIDs(some)) {
-        const auto item = m_window.libraryItem(id);
-        identifiers.append(id.URIRepresentation(store));
+    for (const ZQObjectID &id : ids) {
+        identifiers += id.URIRepresentation(store).toUtf8() + '\n';
+    }
+    for (const auto &item :
+         ZQLibraryBaseItem::itemsWithIDs(ids.first(std::min(ids.size(), mostFiles)), m_window.context)) {
         if (const QString path = item->itemURL(); !path.isEmpty()) {
             urls.append(QUrl::fromLocalFile(path));
         }
     }
     auto *data = new QMimeData;
     data->setUrls(urls);
-    data->setData(itemsMimeType, identifiers.join(u'\n').toUtf8());
+    data->setData(itemsMimeType, identifiers);
     return data;
 }
 
 QList<ZQObjectID> BrowserContent::itemsOfMimeData(const QMimeData *data, WindowContext &window)
 {
-    QList<ZQObjectID> result;
-    for (const QString &uri : QString::fromUtf8(data->data(itemsMimeType)).split(u'\n', Qt::SkipEmptyParts)) {
-        if (const auto object = zqCast<ZQLibraryBaseItem>(window.context.objectWithURIRepresentation(uri))) {
-            result.append(object->objectID());
-        }
-    }
+    QList<ZQObjectID> result = window.context.objectIDsWithURIRepresentations(
+        QString::fromUtf8(data->data(itemsMimeType)).split(u'\n', Qt::SkipEmptyParts));
+    const ZQEntityDescription *items = window.context.model().entity(ZQLibraryBaseItem::entityName());
+    result.removeIf([items](const ZQObjectID &id) { return !id.entity->isKindOf(items); });
     return result;
 }
 

@@ -30,13 +30,7 @@ bool FileTagReader::eventFilter(QObject *object, QEvent *event)
 void FileTagReader::read(QList<ZQObjectID> items)
 {
     items.resize(std::min(items.size(), mostAtOnce));
-    m_window.context.fillFaults(items);
-    QList<ZQRef<ZQLibraryBaseItem>> found;
-    for (const ZQObjectID &id : std::as_const(items)) {
-        if (const auto item = m_window.libraryItem(id)) {
-            found.append(item);
-        }
-    }
+    const auto found = ZQLibraryBaseItem::itemsWithIDs(items, m_window.context);
     if (!found.isEmpty()) {
         ZQLibraryEnvironment::current().takeInTagsOfFiles(found);
     }

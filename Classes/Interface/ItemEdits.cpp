@@ -60,7 +60,8 @@ public:
         for (qsizetype i = first; i < end; ++i) {
             ids.append(m_isUndo ? m_undone[size_t(i)].first : m_edit.items[i]);
         }
-        m_context.fillFaults(ids);
+        const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(ids, m_context);
+        const auto kept = m_edit.rewritesFiles ? zqPrefetch(read, QStringLiteral("tags")) : decltype(m_tags)();
         QList<ZQRef<ZQLibraryBaseItem>> changed;
         for (qsizetype i = 0; i < ids.size(); ++i) {
             const auto item = zqCast<ZQLibraryBaseItem>(m_context.objectWithID(ids[i]));
@@ -72,12 +73,12 @@ public:
     }
     void writeFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
     {
+        if (!m_edit.rates && !m_edit.rewritesFiles) {
+            return;
+        }
+        const auto kept = zqPrefetch(changed, QStringLiteral("tags")); // a file gets them with whatever changed
         for (const auto &item : changed) {
-            if (m_edit.rates) {
-                item->writeRatingToDisk();
-            } else if (m_edit.rewritesFiles) {
-                item->writeOpenMetaToDisk();
-            }
+            m_edit.rates ? item->writeRatingToDisk() : item->writeOpenMetaToDisk();
         }
     }
     // What was not come to, or not saved, stays to be undone; what was not changed for good is nothing to undo.
@@ -200,11 +201,10 @@ public:
     }
     static void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
     {
-        context.fillFaults(items);
-        for (const ZQObjectID &id : items) {
-            if (const auto item = zqCast<ZQLibraryBaseItem>(context.objectWithID(id))) {
-                item->writeOpenMetaToDisk();
-            }
+        const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(items, context);
+        const auto kept = zqPrefetch(read, QStringLiteral("tags"));
+        for (const ZQRef<ZQLibraryBaseItem> &item : read) {
+            item->writeOpenMetaToDisk();
         }
     }
 

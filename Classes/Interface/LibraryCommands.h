@@ -2,19 +2,24 @@
 
 #include "Classes/Interface/WindowContext.h"
 
-// The commands on library items, each one undo step and saved. Main thread.
+// The commands on library items, each one undo step and saved. What changes many rows, those that only move up
+// included, is done on the window's edit queue. Main thread.
 class LibraryCommands
 {
 public:
     explicit LibraryCommands(WindowContext &window) : m_window(window) {}
 
     void deleteItems(const QList<ZQObjectID> &items); // soft: undo, or the next launch's purge, decides
+    void setDeleted(const QList<ZQObjectID> &items, bool isDeleted); // as a part of another undo step
     void removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem);
     void addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex);
     // Manual order: the members move before the one now at `toIndex`.
     void moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex);
     void duplicateItems(const QList<ZQObjectID> &items);
     void renameItem(const ZQObjectID &item, const QString &title);
+
+    // Beyond so many rows the edit queue does it.
+    static constexpr qint64 mostAtOnce = 1000;
 
 private:
     WindowContext &m_window;

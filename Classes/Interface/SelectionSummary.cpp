@@ -110,14 +110,13 @@ std::optional<SelectionSummary> SelectionSummary::of(const QList<ZQObjectID> &it
     QSet<QString> allTags;
     for (qsizetype first = 0; first < items.size(); first += batchSize) {
         const QList<ZQObjectID> batch = items.mid(first, batchSize);
-        context.fillFaults(batch);
-        for (const ZQObjectID &id : batch) {
+        const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(batch, context);
+        const auto kept = zqPrefetch(read, QStringLiteral("tags"));
+        for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             if (!isWanted()) {
                 return std::nullopt;
             }
-            if (const auto item = zqCast<ZQLibraryBaseItem>(context.objectWithID(id))) {
-                addItem(summary, *item, allTags);
-            }
+            addItem(summary, *item, allTags);
         }
     }
     summary.hasOtherTags = allTags.size() > summary.tags.size();

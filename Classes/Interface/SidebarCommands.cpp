@@ -1,6 +1,7 @@
 #include "Classes/Interface/SidebarCommands.h"
 
 #include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/LibraryCommands.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -247,11 +248,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
     WindowContext &window = m_window;
     const auto redo = [&window, ids, contentIDs, done] {
         *done = {};
-        for (const ZQObjectID &id : contentIDs) {
-            if (const auto item = window.libraryItem(id)) {
-                item->deleteSelf();
-            }
-        }
+        LibraryCommands(window).setDeleted(contentIDs, true);
         for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
             const Item item = window.sidebarItem(*id);
             if (!item || !item->active()) {
@@ -283,12 +280,8 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
                 father->addChild(item.get(), place->index);
             }
         }
-        for (const ZQObjectID &id : contentIDs) {
-            if (const auto item = window.libraryItem(id)) {
-                item->restoreSelf();
-            }
-        }
         window.save();
+        LibraryCommands(window).setDeleted(contentIDs, false);
     };
     m_window.undoStack.push(new BlockUndoCommand(text, redo, undo));
 }

@@ -12,12 +12,21 @@ void Private::forgetLoadedLists(ZQManagedObject *object)
     }
 }
 
-void Private::reloadKeepingChanges(ZQManagedObject *object)
+void Private::reloadKeepingChanges(const QList<Object> &objects)
 {
-    forgetLoadedLists(object);
-    if (!object->m_isFault && object->m_key > 0) {
-        selectRows(rootOf(object), {object->m_key},
-                   [&](ZQSQLiteStatement &row) { readRow(row, object, object->m_changed); });
+    QHash<Root *, QList<qint64>> keys;
+    for (const Object &object : objects) {
+        forgetLoadedLists(object.get());
+        if (!object->m_isFault && object->m_key > 0) {
+            keys[&rootOf(object.get())].append(object->m_key);
+        }
+    }
+    for (auto entry = keys.cbegin(); entry != keys.cend(); ++entry) {
+        selectRows(*entry.key(), entry.value(), [&](ZQSQLiteStatement &row) {
+            if (ZQManagedObject *object = entry.key()->objects.value(row.int64(0))) {
+                readRow(row, object, object->m_changed);
+            }
+        });
     }
 }
 
@@ -59,16 +68,6 @@ void Private::discardChanges(ZQManagedObject *object)
     updated.remove(object);
     lastTouched = nullptr;
     becomeFault(object);
-}
-
-void Private::mergeUpdated(ZQManagedObject *object, QList<ZQManagedObject *> &changed)
-{
-    if (isDirty(object)) {
-        reloadKeepingChanges(object);
-    } else {
-        becomeFault(object);
-    }
-    changed.append(object);
 }
 
 void Private::mergeDeleted(ZQManagedObject *object)
@@ -115,16 +114,21 @@ void ZQManagedObjectContext::mergeChangesFromContextDidSaveNotification(const ZQ
     }
     ZQContextDidSave announcement;
     announcement.source = this;
-    QList<ZQManagedObject *> changed;
+    QList<ZQRef<ZQManagedObject>> changed; // here, too
     for (const ZQObjectID &id : notification.updated) {
         ZQManagedObject *object = d->held(id.entity, id.key);
         if (object && !object->m_isDeleted) {
-            d->mergeUpdated(object, changed);
+            if (Private::isDirty(object)) {
+                changed.append(ZQRef<ZQManagedObject>(object));
+            } else {
+                d->becomeFault(object);
+            }
             announcement.updated.append(object->objectID());
         } else if (!object) {
             announcement.updated.append(id);
         }
     }
+    d->reloadKeepingChanges(changed);
     for (const ZQObjectID &id : notification.deleted) {
         if (ZQManagedObject *object = d->held(id.entity, id.key)) {
             d->mergeDeleted(object);
@@ -144,7 +148,7 @@ void ZQManagedObjectContext::refreshObject(ZQManagedObject *object, bool mergeCh
     if (!mergeChanges) {
         d->discardChanges(object);
     } else if (Private::isDirty(object)) {
-        d->reloadKeepingChanges(object);
+        d->reloadKeepingChanges({ZQRef<ZQManagedObject>(object)});
     } else {
         d->becomeFault(object);
     }

@@ -28,6 +28,23 @@ QList<ZQRef<ZQManagedObject>> Private::objectsForKeys(const ZQEntityDescription 
     return objects;
 }
 
+bool Private::storedKeysOf(const ZQRelationshipDescription &forward, const QList<qint64> &owners,
+                           QHash<qint64, QList<qint64>> &stored)
+{
+    const bool isJoined = forward.isManyToMany();
+    const QString own = zqQuoted(isJoined ? forward.joinOwnColumn : forward.inverse->columnName);
+    const QString other = isJoined ? zqQuoted(forward.joinOtherColumn) : QStringLiteral("\"id\"");
+    ZQSQLiteStatement select =
+        prepare(QStringLiteral("SELECT %1, %2 FROM %3 WHERE %1 IN (SELECT value FROM json_each(?)) ORDER BY %1, %2")
+                    .arg(own, other, zqQuoted(isJoined ? forward.joinTable : forward.destination->tableName)));
+    const QString keys = zqKeysAsJSON(owners);
+    select.bind(0, keys);
+    while (select.next()) {
+        stored[select.int64(0)].append(select.int64(1));
+    }
+    return !select.failed();
+}
+
 void Private::loadLists(const QList<Object> &objects, int index)
 {
     QHash<qint64, const ZQManagedObject *> waiting;
@@ -36,27 +53,12 @@ void Private::loadLists(const QList<Object> &objects, int index)
             waiting.insert(object->m_key, object.get());
         }
     }
-    if (waiting.size() < 2) {
-        return; // the only one is read when it is asked for
-    }
-    const ZQRelationshipDescription &forward = relationship(objects.first().get(), index);
-    const bool isJoined = forward.isManyToMany();
-    const QString own = zqQuoted(isJoined ? forward.joinOwnColumn : forward.inverse->columnName);
-    const QString other = isJoined ? zqQuoted(forward.joinOtherColumn) : QStringLiteral("\"id\"");
-    ZQSQLiteStatement select =
-        prepare(QStringLiteral("SELECT %1, %2 FROM %3 WHERE %1 IN (SELECT value FROM json_each(?)) ORDER BY %1, %2")
-                    .arg(own, other, zqQuoted(isJoined ? forward.joinTable : forward.destination->tableName)));
-    const QString keys = zqKeysAsJSON(waiting.keys());
-    select.bind(0, keys);
     QHash<qint64, QList<qint64>> stored;
-    while (select.next()) {
-        stored[select.int64(0)].append(select.int64(1));
-    }
-    if (!select.isValid() || select.failed()) {
-        return; // each is asked for by itself, and the error met there
-    }
-    for (auto entry = waiting.cbegin(); entry != waiting.cend(); ++entry) {
-        takeStoredKeys(entry.value(), index, stored.value(entry.key()));
+    // Where that fails, each is read when it is asked for.
+    if (!waiting.isEmpty() && storedKeysOf(relationship(objects.first().get(), index), waiting.keys(), stored)) {
+        for (auto entry = waiting.cbegin(); entry != waiting.cend(); ++entry) {
+            takeStoredKeys(entry.value(), index, stored.value(entry.key()));
+        }
     }
 }
 

@@ -72,6 +72,8 @@ struct ZQManagedObjectContext::Private
     void assertThread() const;
     ZQError storeError() const; // of the last failed statement
     ZQSQLiteStatement prepare(const QString &sql);
+    ZQObjectID
+    idForURI(const QString &uri) const; // null when it names nothing there can be; saved ones are not looked up
 
     // Objects (ZQContextObjects.cpp)
     Root &rootOf(const ZQEntityDescription *entity) { return *rootsByEntity.value(entity->root); }
@@ -135,6 +137,9 @@ struct ZQManagedObjectContext::Private
     // the last: only what is needed to say which objects these are.
     QList<Object> prefetch(const QList<Object> &objects, const QStringList &keys, bool includesLast);
     void loadLists(const QList<Object> &objects, int index); // all of one entity
+    // What the store holds of a list, for many objects of one entity; false after an error.
+    bool storedKeysOf(const ZQRelationshipDescription &forward, const QList<qint64> &owners,
+                      QHash<qint64, QList<qint64>> &stored);
     QList<Object> objectsForKeys(const ZQEntityDescription *entity, const QSet<qint64> &keys);
 
     // Fetching (ZQContextFetching.cpp)
@@ -157,7 +162,7 @@ struct ZQManagedObjectContext::Private
     bool updateRow(ZQSaveWork &work, ZQManagedObject *object);
     bool updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::optional<qint64> expectedVersion);
     bool deleteRows(ZQSaveWork &work);
-    void noteNeighboursOfDeleted(ZQSaveWork &work, ZQManagedObject *object);
+    void noteNeighboursOfDeleted(ZQSaveWork &work);
     bool writeJoins(ZQSaveWork &work);
     bool clearDanglingReferences(ZQSaveWork &work);
     bool rowExists(const ZQEntityDescription *entity, qint64 key);
@@ -165,10 +170,9 @@ struct ZQManagedObjectContext::Private
     void replaceTemporaryKeys(const ZQSaveWork &work, ZQManagedObject *object);
 
     // Merging and announcing (ZQContextMerging.cpp)
-    void mergeUpdated(ZQManagedObject *object, QList<ZQManagedObject *> &changed);
     void mergeDeleted(ZQManagedObject *object);
     void discardChanges(ZQManagedObject *object);
-    void reloadKeepingChanges(ZQManagedObject *object);
+    void reloadKeepingChanges(const QList<Object> &objects);
     static void forgetLoadedLists(ZQManagedObject *object);
     static void notify(Observers &observers, const ZQContextDidSave &notification);
     static Token addObserver(Observers &observers, Observer observer);

@@ -136,9 +136,7 @@ bool Private::updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::opti
 
 bool Private::deleteRows(ZQSaveWork &work)
 {
-    for (const Object &object : work.deleted) {
-        noteNeighboursOfDeleted(work, object.get());
-    }
+    noteNeighboursOfDeleted(work);
     for (const Object &object : work.deleted) {
         const QString sql =
             QStringLiteral("DELETE FROM %1 WHERE \"id\" = ?").arg(zqQuoted(object->m_entity->tableName));
@@ -159,16 +157,36 @@ bool Private::deleteRows(ZQSaveWork &work)
     return true;
 }
 
-void Private::noteNeighboursOfDeleted(ZQSaveWork &work, ZQManagedObject *object)
+void Private::noteNeighboursOfDeleted(ZQSaveWork &work)
 {
-    for (size_t i = 0; i < object->m_entity->relationships.size(); ++i) {
-        const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
-        if (forward.isManyToMany()) {
-            for (const qint64 key : storedKeys(object, int(i))) {
-                work.neighbours.append({forward.destination, key});
+    std::map<const ZQEntityPlan *, QList<ZQManagedObject *>> byEntity;
+    for (const Object &object : work.deleted) {
+        byEntity[object->m_plan].append(object.get());
+    }
+    for (const auto &[entityPlan, objects] : byEntity) {
+        QList<qint64> owners;
+        for (const ZQManagedObject *object : objects) {
+            owners.append(object->m_key);
+        }
+        for (size_t i = 0; i < entityPlan->entity->relationships.size(); ++i) {
+            const ZQRelationshipDescription &forward = entityPlan->entity->relationships[i];
+            QSet<qint64> keys;
+            if (forward.isManyToMany()) {
+                QHash<qint64, QList<qint64>> stored;
+                storedKeysOf(forward, owners, stored);
+                for (const QList<qint64> &list : std::as_const(stored)) {
+                    keys.unite(QSet<qint64>(list.cbegin(), list.cend()));
+                }
+            } else if (!forward.toMany) {
+                for (const ZQManagedObject *object : objects) {
+                    keys.insert(toOneKey(object, int(i)));
+                }
             }
-        } else if (const qint64 key = forward.toMany ? 0 : toOneKey(object, int(i)); key > 0) {
-            work.neighbours.append({forward.destination, key});
+            for (const qint64 key : std::as_const(keys)) {
+                if (key > 0) {
+                    work.neighbours.append({forward.destination, key});
+                }
+            }
         }
     }
 }

@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQSQLList.h"
 
 #include <QUrl>
 
@@ -213,30 +214,71 @@ ZQRef<ZQManagedObject> ZQManagedObjectContext::existingObjectWithID(const ZQObje
     return object;
 }
 
-ZQRef<ZQManagedObject> ZQManagedObjectContext::objectWithURIRepresentation(const QString &uri)
+ZQObjectID ZQManagedObjectContext::Private::idForURI(const QString &uri) const
 {
-    d->assertThread();
-    const QUuid store = d->coordinator->storeUUID();
+    const QUuid store = coordinator->storeUUID();
     const QStringList parts = uri.split(u'/');
-    const ZQEntityDescription *entity = parts.size() == 5 ? model().entity(parts.at(3)) : nullptr;
+    const ZQEntityDescription *entity = parts.size() == 5 ? plan->model().entity(parts.at(3)) : nullptr;
     if (!entity || parts.at(0) != QStringLiteral("x-zelto:") || !parts.at(1).isEmpty()) {
-        return nullptr;
+        return {};
     }
     if (parts.at(2).isEmpty()) {
-        for (const ZQRef<ZQManagedObject> &object : d->inserted.objects()) {
+        for (const Object &object : inserted.objects()) {
             if (object->objectID().URIRepresentation(store) == uri) {
-                return object;
+                return object->objectID();
             }
         }
-        return nullptr;
+        return {};
     }
     bool isNumber = false;
     const qint64 key = parts.at(4).mid(1).toLongLong(&isNumber);
-    if (QUuid::fromString(parts.at(2)) != store || !parts.at(4).startsWith(u'p') || !isNumber || key <= 0) {
-        return nullptr;
+    const bool isOfStore =
+        QUuid::fromString(parts.at(2)) == store && parts.at(4).startsWith(u'p') && isNumber && key > 0;
+    return isOfStore ? ZQObjectID{entity, key} : ZQObjectID();
+}
+
+ZQRef<ZQManagedObject> ZQManagedObjectContext::objectWithURIRepresentation(const QString &uri)
+{
+    d->assertThread();
+    const ZQObjectID id = d->idForURI(uri);
+    ZQRef<ZQManagedObject> object = existingObjectWithID(id);
+    return object && object->entity()->isKindOf(id.entity) ? object : nullptr;
+}
+
+QList<ZQObjectID> ZQManagedObjectContext::objectIDsWithURIRepresentations(const QStringList &uris)
+{
+    d->assertThread();
+    QList<ZQObjectID> named;
+    QHash<Private::Root *, QList<qint64>> keys;
+    for (const QString &uri : uris) {
+        if (const ZQObjectID id = d->idForURI(uri); !id.isNull()) {
+            named.append(id);
+            if (!id.isTemporary()) {
+                keys[&d->rootOf(id.entity)].append(id.key);
+            }
+        }
     }
-    ZQRef<ZQManagedObject> object = existingObjectWithID({entity, key});
-    return object && object->entity()->isKindOf(entity) ? object : nullptr;
+    QHash<Private::Root *, QHash<qint64, const ZQEntityDescription *>> entities;
+    for (auto entry = keys.cbegin(); entry != keys.cend(); ++entry) {
+        ZQSQLiteStatement select = d->prepare(
+            QStringLiteral("SELECT \"id\", \"entity\" FROM %1 WHERE \"id\" IN (SELECT value FROM json_each(?))")
+                .arg(zqQuoted(entry.key()->plan->entity->tableName)));
+        const QString list = zqKeysAsJSON(entry.value());
+        select.bind(0, list);
+        while (select.next()) {
+            const ZQEntityPlan *entityPlan = d->plan->planForCode(int(select.int64(1)));
+            entities[entry.key()].insert(select.int64(0), entityPlan ? entityPlan->entity : nullptr);
+        }
+    }
+    QList<ZQObjectID> ids;
+    for (const ZQObjectID &id : std::as_const(named)) {
+        const ZQEntityDescription *entity =
+            id.isTemporary() ? id.entity : entities[&d->rootOf(id.entity)].value(id.key);
+        if (entity && entity->isKindOf(id.entity)) {
+            ids.append({entity, id.key});
+        }
+    }
+    return ids;
 }
 
 void ZQManagedObjectContext::fillFaults(const QList<ZQObjectID> &ids)

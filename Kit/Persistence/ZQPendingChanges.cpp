@@ -215,7 +215,7 @@ void ZQPendingChanges::keepMatching(QList<Object> &candidates)
     std::stable_partition(order.begin(), order.end(), [&](const Part *part) { return !reaches(*part); });
     for (const Part *part : order) {
         QList<Object> kept;
-        for (const QStringList &path : part->paths) {
+        for (const QStringList &path : reaches(*part) ? part->paths : QList<QStringList>()) {
             kept += m_context.prefetch(candidates, path, false);
         }
         candidates.removeIf([&](const Object &object) { return !part->predicate.evaluateWithObject(object.get()); });

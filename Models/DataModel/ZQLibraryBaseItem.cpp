@@ -35,6 +35,20 @@ ZQFetched<ZQLibraryBaseItem> ZQLibraryBaseItem::libraryItemsForSHA1s(const QStri
     return all;
 }
 
+QList<ZQRef<ZQLibraryBaseItem>> ZQLibraryBaseItem::itemsWithIDs(const QList<ZQObjectID> &ids,
+                                                                ZQManagedObjectContext &context)
+{
+    QList<ZQRef<ZQLibraryBaseItem>> items;
+    items.reserve(ids.size());
+    for (const ZQObjectID &id : ids) {
+        if (auto item = zqCast<ZQLibraryBaseItem>(context.objectWithID(id))) {
+            items.append(std::move(item));
+        }
+    }
+    context.fillFaults(ids);
+    return items;
+}
+
 ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::libraryItemsForBundleID(const QString &bundleID,
                                                                     ZQManagedObjectContext &context)
 {
@@ -93,6 +107,8 @@ ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManag
         return std::nullopt;
     }
     QStringList directories;
+    const auto memberships = zqPrefetch(*inactive, QStringLiteral("projectsItems"));
+    const auto tags = zqPrefetch(*inactive, QStringLiteral("tags"));
     for (const ZQRef<ZQLibraryBaseItem> &item : *inactive) {
         const ZQRef<ZQSidebarWatchedFolder> folder = item->watchingFolder();
         if (folder && (folder->is_missing() || folder->is_trashed())) {
@@ -171,7 +187,7 @@ ZQRef<ZQProjectItem> ZQLibraryBaseItem::projectItemForSidebarItem(const ZQSideba
 {
     if (sidebarItem) {
         for (const ZQRef<ZQProjectItem> &membership : projectsItems()) {
-            if (membership->project().get() == sidebarItem) {
+            if (membership->projectKey() == sidebarItem->objectID().key) {
                 return membership;
             }
         }

@@ -27,6 +27,8 @@ public:
                                                              ZQManagedObjectContext &inManagedObjectContext);
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForSHA1s(const QStringList &SHA1s,
                                                              ZQManagedObjectContext &inManagedObjectContext);
+    // Those that are there, in this order, with their values: a query for every 500.
+    static QList<ZQRef<ZQLibraryBaseItem>> itemsWithIDs(const QList<ZQObjectID> &ids, ZQManagedObjectContext &context);
     // The last match.
     static ZQRef<ZQLibraryBaseItem> libraryItemsForBundleID(const QString &bundleID,
                                                             ZQManagedObjectContext &inManagedObjectContext);

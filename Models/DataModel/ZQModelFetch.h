@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <algorithm>
+
 // What a fetch answers: nothing after an error, which was logged.
 template <class T>
 using ZQFetched = std::optional<QList<ZQRef<T>>>;
@@ -49,6 +51,16 @@ ZQRef<T> zqFetchFirst(ZQManagedObjectContext &context, const QString &format, co
 
 // How many rows match; 0 after an error, which was logged.
 qint64 zqCount(ZQManagedObjectContext &context, const ZQFetchRequest &request);
+
+// Has what `keyPath` leads to from these objects, of one context, in memory as long as the answer is held.
+template <class T>
+[[nodiscard]] QList<ZQRef<ZQManagedObject>> zqPrefetch(const QList<ZQRef<T>> &objects, const QString &keyPath)
+{
+    const auto first = std::find_if(objects.begin(), objects.end(),
+                                    [](const ZQRef<T> &object) { return object && object->managedObjectContext(); });
+    return first == objects.end() ? QList<ZQRef<ZQManagedObject>>()
+                                  : (*first)->managedObjectContext()->prefetchRelatedObjects(objects, keyPath);
+}
 
 // The present moment as the store keeps it: UTC, whole milliseconds.
 QDateTime zqNow();

@@ -63,6 +63,10 @@ public:
     // As one `addItem(item, index)` after another, for as little as one pass; no indexes: at the end.
     virtual void addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {});
     virtual void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
+    // Takes back what `removeItems` did: each item gets the order again that its membership had.
+    void restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders);
+    // The memberships of those of `items` that are members, one an item; a query for every 500.
+    QList<ZQRef<ZQProjectItem>> membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
     void removeItem(ZQLibraryBaseItem *item);
     void removeProjectItem(ZQProjectItem *projectItem);
     virtual bool containsItem(const ZQLibraryBaseItem *item) const;
@@ -71,6 +75,7 @@ public:
     // What the item shows: rows of library items, or of memberships whose key paths start with "item."; active ones, in
     // order. For lists too long for objects, fetch its identifiers.
     virtual ZQFetchRequest contentRequest() const;
+    bool hasOrderedMembers() const; // holds its items through memberships
     QList<ZQRef<ZQLibraryBaseItem>> items() const;
     // The keys may carry the "item." prefix or not.
     QList<ZQRef<ZQLibraryBaseItem>> itemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortDescriptors) const;
@@ -118,7 +123,13 @@ protected:
     void addEachItem(const QList<ZQRef<ZQLibraryBaseItem>> &items);
 
 private:
-    QSet<qint64> memberKeys(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
+    ZQFetchRequest membershipRequest() const; // by order, of inactive items too
+    // Those of `items` that are no members yet, restored where they are inactive, with their positions in `items`.
+    QList<ZQRef<ZQLibraryBaseItem>> itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                  QList<qsizetype> &positions) const;
+    void insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &indexes);
+    QList<qint32> takenOrders(const QSet<qint32> &orders) const;
+    void makeRoomAt(qint32 order, const QList<ZQRef<ZQLibraryBaseItem>> &returning);
     void insertMembership(ZQLibraryBaseItem *item, qint32 order);
     qint32 appendOrder() const;
 };

@@ -58,6 +58,11 @@ ZQFetchRequest ZQSidebarBaseItem::contentRequest() const
             .sortDescriptors = {{QStringLiteral("order")}}};
 }
 
+bool ZQSidebarBaseItem::hasOrderedMembers() const
+{
+    return contentRequest().entityName == ZQProjectItem::entityName();
+}
+
 QList<ZQRef<ZQLibraryBaseItem>> ZQSidebarBaseItem::items() const
 {
     return itemsWithSortDescriptors({});
@@ -71,7 +76,7 @@ ZQSidebarBaseItem::itemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortD
         return {};
     }
     ZQFetchRequest request = contentRequest();
-    const bool listsMemberships = request.entityName == ZQProjectItem::entityName();
+    const bool listsMemberships = hasOrderedMembers();
     QList<ZQSortDescriptor> usable;
     for (const ZQSortDescriptor &descriptor : sortDescriptors) {
         if (listsMemberships || descriptor.keyPath != QStringLiteral("order")) {
@@ -85,6 +90,7 @@ ZQSidebarBaseItem::itemsWithSortDescriptors(const QList<ZQSortDescriptor> &sortD
         return zqFetch<ZQLibraryBaseItem>(*context, request).value_or(QList<ZQRef<ZQLibraryBaseItem>>());
     }
     const auto memberships = zqFetch<ZQProjectItem>(*context, request).value_or(QList<ZQRef<ZQProjectItem>>());
+    const auto kept = context->prefetchRelatedObjects(memberships, QStringLiteral("item"));
     QList<ZQRef<ZQLibraryBaseItem>> all;
     all.reserve(memberships.size());
     for (const ZQRef<ZQProjectItem> &membership : memberships) {
@@ -147,11 +153,9 @@ qint32 ZQSidebarBaseItem::appendOrder() const
     if (!context) {
         return 0;
     }
-    ZQFetchRequest request{.entityName = ZQProjectItem::entityName(),
-                           .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"),
-                                                                         {QVariant::fromValue(objectID())}),
-                           .sortDescriptors = {{QStringLiteral("order"), false}},
-                           .fetchLimit = 1};
+    ZQFetchRequest request = membershipRequest();
+    request.sortDescriptors = {{QStringLiteral("order"), false}};
+    request.fetchLimit = 1;
     const auto last = zqFetch<ZQProjectItem>(*context, request);
     const qint32 afterLast = last && !last->isEmpty() ? last->first()->order() + 1 : 0;
     request.fetchLimit = 0;
@@ -192,25 +196,15 @@ bool ZQSidebarBaseItem::addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool r
         insertMembership(item, qint32(std::min<quint32>(atIndex, std::numeric_limits<qint32>::max())));
         return true;
     }
-    QList<Place> places;
-    const QList<ZQRef<ZQProjectItem>> memberships = pItemsWithActiveItemsOnly(false);
-    for (const ZQRef<ZQProjectItem> &membership : memberships) {
-        places.append({membership->order(), membership.get(), nullptr});
-    }
-    const auto index = qsizetype(std::min<quint64>(atIndex, quint64(places.size())));
-    openGap(places, index, 1);
-    for (const Place &place : places) {
-        place.existing->setOrder(place.order);
-    }
-    insertMembership(item, qint32(index));
+    insertAt({ZQRef<ZQLibraryBaseItem>(item)}, {atIndex});
     return true;
 }
 
-// The keys of those of `items` that are members already.
-QSet<qint64> ZQSidebarBaseItem::memberKeys(const QList<ZQRef<ZQLibraryBaseItem>> &items) const
+QList<ZQRef<ZQProjectItem>> ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const
 {
-    QSet<qint64> keys;
-    for (qsizetype start = 0; start < items.size(); start += pieceSize) {
+    QList<ZQRef<ZQProjectItem>> memberships;
+    QSet<qint64> seen;
+    for (qsizetype start = 0; managedObjectContext() && start < items.size(); start += pieceSize) {
         QVariantList ids;
         for (const ZQRef<ZQLibraryBaseItem> &item : items.mid(start, pieceSize)) {
             if (item) {
@@ -221,20 +215,23 @@ QSet<qint64> ZQSidebarBaseItem::memberKeys(const QList<ZQRef<ZQLibraryBaseItem>>
             zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("project == %@ AND item IN %@"),
                                    {QVariant::fromValue(objectID()), ids});
         for (const ZQRef<ZQProjectItem> &member : members.value_or(QList<ZQRef<ZQProjectItem>>())) {
-            keys.insert(member->valueForKey(QStringLiteral("item")).value<ZQObjectID>().key);
+            if (!seen.contains(member->itemKey())) {
+                seen.insert(member->itemKey());
+                memberships.append(member);
+            }
         }
     }
-    return keys;
+    return memberships;
 }
 
-void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes)
+QList<ZQRef<ZQLibraryBaseItem>> ZQSidebarBaseItem::itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                                 QList<qsizetype> &positions) const
 {
-    if (!managedObjectContext() || items.isEmpty()) {
-        return;
+    QSet<qint64> taken;
+    for (const ZQRef<ZQProjectItem> &membership : membershipsOfItems(items)) {
+        taken.insert(membership->itemKey());
     }
-    QSet<qint64> taken = memberKeys(items);
     QList<ZQRef<ZQLibraryBaseItem>> fresh;
-    QList<quint32> indexes;
     for (qsizetype position = 0; position < items.size(); ++position) {
         const ZQRef<ZQLibraryBaseItem> &item = items.at(position);
         if (!item) {
@@ -246,8 +243,22 @@ void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, c
         if (!taken.contains(item->objectID().key)) {
             taken.insert(item->objectID().key);
             fresh.append(item);
-            indexes.append(position < atIndexes.size() ? atIndexes.at(position) : appendIndex);
+            positions.append(position);
         }
+    }
+    return fresh;
+}
+
+void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes)
+{
+    if (!managedObjectContext() || items.isEmpty()) {
+        return;
+    }
+    QList<qsizetype> positions;
+    const QList<ZQRef<ZQLibraryBaseItem>> fresh = itemsToInsert(items, positions);
+    QList<quint32> indexes;
+    for (const qsizetype position : std::as_const(positions)) {
+        indexes.append(position < atIndexes.size() ? atIndexes.at(position) : appendIndex);
     }
     if (std::all_of(indexes.begin(), indexes.end(), [](quint32 index) { return index == appendIndex; })) {
         qint32 order = fresh.isEmpty() ? 0 : appendOrder();
@@ -256,24 +267,47 @@ void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, c
         }
         return;
     }
+    insertAt(fresh, indexes);
+}
 
+ZQFetchRequest ZQSidebarBaseItem::membershipRequest() const
+{
+    return {.entityName = ZQProjectItem::entityName(),
+            .predicate =
+                ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"), {QVariant::fromValue(objectID())}),
+            .sortDescriptors = {{QStringLiteral("order")}}};
+}
+
+// Members before the first place stay as they are and are not read, as long as their orders say how many they are.
+void ZQSidebarBaseItem::insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &indexes)
+{
+    ZQManagedObjectContext &context = *managedObjectContext();
+    ZQFetchRequest request = membershipRequest();
+    const qint64 first = *std::min_element(indexes.begin(), indexes.end());
+    const qint64 count = first == 0 ? 0 : zqCount(context, request);
+    request.fetchOffset = int(std::max<qint64>(0, std::min(first, count) - 1));
+    auto memberships = zqFetch<ZQProjectItem>(context, request).value_or(QList<ZQRef<ZQProjectItem>>());
+    if (request.fetchOffset > 0 && (memberships.isEmpty() || memberships.first()->order() != request.fetchOffset)) {
+        request.fetchOffset = 0;
+        memberships = zqFetch<ZQProjectItem>(context, request).value_or(QList<ZQRef<ZQProjectItem>>());
+    }
+    const qsizetype unread = request.fetchOffset;
     QList<Place> places;
-    const QList<ZQRef<ZQProjectItem>> memberships = pItemsWithActiveItemsOnly(false);
     for (const ZQRef<ZQProjectItem> &membership : memberships) {
-        places.append({membership->order(), membership.get(), nullptr});
+        places.append({membership->order() - qint32(unread), membership.get(), nullptr});
     }
     // Items for consecutive places, the usual case, go in together.
-    for (qsizetype start = 0; start < fresh.size();) {
-        const auto index = qsizetype(std::min<quint64>(indexes.at(start), quint64(places.size())));
+    for (qsizetype start = 0; start < items.size();) {
+        const auto index = qsizetype(std::min<quint64>(indexes.at(start) - quint64(unread), quint64(places.size())));
         qsizetype end = start + 1;
-        while (end < fresh.size() && quint64(indexes.at(end)) == quint64(index + end - start)) {
+        while (end < items.size() && quint64(indexes.at(end)) == quint64(unread + index + end - start)) {
             ++end;
         }
         openGap(places, index, end - start);
         QList<Place> inserted = places.mid(0, index);
         inserted.reserve(places.size() + end - start);
         for (qsizetype position = start; position < end; ++position) {
-            inserted.append({qint32(index + position - start), nullptr, fresh.at(position).get()});
+            inserted.append({qint32(index + position - start), nullptr, items.at(position).get()});
         }
         inserted += places.mid(index);
         places = inserted;
@@ -281,19 +315,82 @@ void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, c
     }
     for (const Place &place : places) {
         if (place.existing) {
-            place.existing->setOrder(place.order);
+            place.existing->setOrder(place.order + qint32(unread));
         } else {
-            insertMembership(place.item, place.order);
+            insertMembership(place.item, place.order + qint32(unread));
+        }
+    }
+}
+
+// Nobody else moves unless a place was taken meanwhile; then the one there and those close behind it make room.
+void ZQSidebarBaseItem::restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders)
+{
+    if (!managedObjectContext() || items.isEmpty() || orders.size() != items.size()) {
+        return;
+    }
+    if (!hasOrderedMembers()) {
+        addItems(items);
+        return;
+    }
+    QList<qsizetype> positions;
+    const QList<ZQRef<ZQLibraryBaseItem>> fresh = itemsToInsert(items, positions);
+    QSet<qint32> wanted;
+    for (qsizetype i = 0; i < fresh.size(); ++i) {
+        wanted.insert(orders.at(positions.at(i)));
+        insertMembership(fresh.at(i).get(), orders.at(positions.at(i)));
+    }
+    for (const qint32 order : takenOrders(wanted)) {
+        makeRoomAt(order, fresh);
+    }
+}
+
+// Those of `orders` that more than one member has, from the highest on.
+QList<qint32> ZQSidebarBaseItem::takenOrders(const QSet<qint32> &orders) const
+{
+    QHash<qint32, int> members;
+    const QList<qint32> all(orders.cbegin(), orders.cend());
+    for (qsizetype start = 0; start < all.size(); start += pieceSize) {
+        QVariantList piece;
+        for (const qint32 order : all.mid(start, pieceSize)) {
+            piece.append(order);
+        }
+        const auto there =
+            zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("project == %@ AND order IN %@"),
+                                   {QVariant::fromValue(objectID()), piece});
+        for (const ZQRef<ZQProjectItem> &member : there.value_or(QList<ZQRef<ZQProjectItem>>())) {
+            ++members[member->order()];
+        }
+    }
+    members.removeIf([](const std::pair<const qint32 &, int &> &entry) { return entry.second < 2; });
+    QList<qint32> taken = members.keys();
+    std::sort(taken.begin(), taken.end(), std::greater<>());
+    return taken;
+}
+
+void ZQSidebarBaseItem::makeRoomAt(qint32 order, const QList<ZQRef<ZQLibraryBaseItem>> &returning)
+{
+    QSet<qint64> staying;
+    for (const ZQRef<ZQLibraryBaseItem> &item : returning) {
+        staying.insert(item->objectID().key);
+    }
+    const auto behind = zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("project == %@ AND order >= %@"),
+                                               {QVariant::fromValue(objectID()), order}, {{QStringLiteral("order")}})
+                            .value_or(QList<ZQRef<ZQProjectItem>>());
+    qint32 next = order + 1;
+    for (const ZQRef<ZQProjectItem> &member : behind) {
+        if (member->order() >= next) {
+            break;
+        }
+        if (member->order() > order || !staying.contains(member->itemKey())) {
+            member->setOrder(next++);
         }
     }
 }
 
 void ZQSidebarBaseItem::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
-    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        if (item) {
-            removeProjectItem(item->projectItemForSidebarItem(this).get());
-        }
+    for (const ZQRef<ZQProjectItem> &membership : membershipsOfItems(items)) {
+        managedObjectContext()->deleteObject(membership.get());
     }
 }
 
@@ -323,7 +420,7 @@ void ZQSidebarBaseItem::removeItem(ZQLibraryBaseItem *item)
 void ZQSidebarBaseItem::removeProjectItem(ZQProjectItem *projectItem)
 {
     ZQManagedObjectContext *context = managedObjectContext();
-    if (context && projectItem && projectItem->project().get() == this) {
+    if (context && projectItem && projectItem->projectKey() == objectID().key) {
         context->deleteObject(projectItem);
     }
 }

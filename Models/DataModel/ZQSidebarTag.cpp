@@ -214,7 +214,9 @@ ZQFetchRequest ZQSidebarTag::contentRequest() const
 
 void ZQSidebarTag::rewriteFileTags()
 {
-    for (const ZQRef<ZQLibraryBaseItem> &item : taggedItems()) {
+    const QList<ZQRef<ZQLibraryBaseItem>> items = taggedItems();
+    const auto kept = zqPrefetch(items, QStringLiteral("tags"));
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         item->writeOpenMetaToDisk();
     }
 }
@@ -248,11 +250,13 @@ bool ZQSidebarTag::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
 
 void ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
 {
+    const auto kept = zqPrefetch(items, QStringLiteral("tags"));
     addEachItem(items);
 }
 
 void ZQSidebarTag::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
+    const auto kept = zqPrefetch(items, QStringLiteral("tags"));
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         if (item && containsItem(item.get())) {
             item->removeTagsObject(this);
@@ -263,6 +267,7 @@ void ZQSidebarTag::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 
 void ZQSidebarTag::addTaggedItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
+    const auto kept = zqPrefetch(items, QStringLiteral("tags"));
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         if (item && !containsItem(item.get())) {
             item->addTagsObject(this);

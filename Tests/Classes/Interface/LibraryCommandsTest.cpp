@@ -1,7 +1,11 @@
 #include "Classes/Interface/LibraryCommands.h"
 #include "Classes/Interface/BrowserContent.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Models/DataModel/ZQProjectItem.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QtTest/QTest>
 
@@ -45,6 +49,37 @@ protected:
             result.append(content.item(i).title);
         }
         return result;
+    }
+
+    static QSet<ZQObjectID> asSet(const QList<ZQObjectID> &list) { return {list.begin(), list.end()}; }
+    QList<ZQObjectID> addMany(int count)
+    {
+        QList<ZQRef<ZQLibraryImage>> made;
+        for (int i = 0; i < count; ++i) {
+            made.append(library.context().insertNewObject<ZQLibraryImage>());
+            made.last()->setTitle(QStringLiteral("many%1").arg(i));
+        }
+        library.context().save();
+        QList<ZQObjectID> result;
+        for (const auto &image : made) {
+            result.append(image->objectID());
+        }
+        return result;
+    }
+    QList<std::pair<QString, qint32>> places() const
+    {
+        QList<std::pair<QString, qint32>> result;
+        for (const auto &membership : project->pItems()) {
+            result.append({membership->item()->title(), membership->order()});
+        }
+        return result;
+    }
+    // What went to the edit queue.
+    bool finish()
+    {
+        const bool isQueued = editQueue.operationCount() > 0;
+        zqRunMainLoopUntil([this] { return editQueue.operationCount() == 0; });
+        return isQueued;
     }
 
     Item project;
@@ -107,6 +142,76 @@ TEST_F(LibraryCommandsTest, ManualOrderFollowsTheDrag)
         undoStack.undo();
         EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
     }
+}
+
+TEST_F(LibraryCommandsTest, ManyRowsChangeBesideTheWindowAndComeBackAsTheyWere)
+{
+    const auto before = places();
+    const QList<ZQObjectID> many = addMany(int(LibraryCommands::mostAtOnce) + 200);
+    commands.addItems(many, project->objectID(), 1);
+    EXPECT_TRUE(finish()) << "the window does not wait";
+    const auto all = places();
+    ASSERT_EQ(all.size(), 4 + many.size());
+    EXPECT_EQ(all.at(1), std::pair(QStringLiteral("many0"), 1));
+    EXPECT_EQ(all.last(), std::pair(QStringLiteral("d"), qint32(3 + many.size())));
+    EXPECT_FALSE(library.context().hasChanges());
+
+    const std::function<void()> steps[] = {
+        [&] { commands.moveItems(ids({3}), project->objectID(), 0); },
+        [&] { commands.removeItems(many, project->objectID()); },
+        [&] { commands.deleteItems(many); },
+        // Few items, but many make room; and few after many wait for them.
+        [&] { commands.addItems(addMany(1), project->objectID(), 0); },
+        [&] {
+            commands.deleteItems(many);
+            commands.deleteItems(ids({0}));
+        },
+    };
+    for (const auto &step : steps) {
+        const int count = undoStack.index();
+        step();
+        EXPECT_TRUE(finish());
+        EXPECT_NE(places(), all);
+        while (undoStack.index() > count) {
+            undoStack.undo();
+        }
+        EXPECT_TRUE(finish());
+        EXPECT_EQ(order().size(), all.size());
+        QStringList titlesOfAll;
+        for (const auto &[title, position] : all) {
+            titlesOfAll.append(title);
+        }
+        EXPECT_EQ(order(), titlesOfAll);
+        EXPECT_TRUE(images[0]->active());
+        EXPECT_TRUE(user.errors.isEmpty());
+    }
+    while (undoStack.canUndo()) {
+        undoStack.undo();
+    }
+    finish();
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+}
+
+TEST_F(LibraryCommandsTest, ADragCarriesEveryItemAndIsReadInOneGo)
+{
+    const QList<ZQObjectID> many = addMany(5200); // more than another program gets files of
+    const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
+    BrowserContent content(window);
+    content.setSidebarItems({everything->objectID()});
+    settle();
+    ZQIndexSet all;
+    all.insert(0, content.count() - 1);
+    const ZQSQLiteConnection *connection = ZQObjectAccess::connection(library.context());
+    int before = connection->preparedUses();
+    std::unique_ptr<QMimeData> data(content.mimeData(all));
+    EXPECT_LE(connection->preparedUses() - before, 12) << "batches of 500";
+    before = connection->preparedUses();
+    const QList<ZQObjectID> dropped = BrowserContent::itemsOfMimeData(data.get(), window);
+    EXPECT_EQ(connection->preparedUses() - before, 1);
+    EXPECT_EQ(asSet(dropped), asSet(many) + asSet(ids({0, 1, 2, 3})));
+    const QByteArray foreign = project->UUID().toUtf8() + "\nx-zelto://nothing/ZQLibraryImage/p1\nx\n";
+    data->setData(BrowserContent::itemsMimeType, foreign);
+    EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
 }
 
 TEST_F(LibraryCommandsTest, TheBrowserShowsWhatTheSidebarItemHolds)
