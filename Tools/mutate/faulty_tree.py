@@ -124,11 +124,17 @@ class FaultyTree:
             bad |= here or set(mine)
         return bad
 
+    def listed(self):
+        done = run(["ctest", "--test-dir", self.build, "--show-only=json-v1"])
+        return json.loads(done.stdout[done.stdout.index("{"):])["tests"]
+
+    def known_tests(self):
+        return {test["name"] for test in self.listed()}
+
     def programs(self):
-        """{test: (command, environment)} as the test driver would start them."""
-        listed = run(["ctest", "--test-dir", self.build, "--show-only=json-v1"])
+        """{test: (command, environment)} as the test driver would start them; only those that are built."""
         found = {}
-        for test in json.loads(listed.stdout[listed.stdout.index("{"):])["tests"]:
+        for test in self.listed():
             if test["name"] in self.tests and "command" in test:
                 variables = next((p["value"] for p in test.get("properties", []) if p["name"] == "ENVIRONMENT"), [])
                 found[test["name"]] = test["command"], dict(v.split("=", 1) for v in variables)

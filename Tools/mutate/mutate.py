@@ -118,6 +118,12 @@ class Run:
     def tests_for(self, name):
         return next(((own, further) for folder, own, further in self.folders if name.startswith(folder + "/")), ([], []))
 
+    def leave_out_unknown(self, known):
+        named = {test for _, own, further in self.folders for test in own + further}
+        if named - known:
+            print(f"there is no test {', '.join(sorted(named - known))}: see Tests/Mutation/folders", flush=True)
+        self.folders = [(folder, [t for t in own if t in known], [t for t in further if t in known]) for folder, own, further in self.folders]
+
     def sources(self):
         wanted = self.options.folder.rstrip("/")
         names = [name for name in files_of(self.source) if name.endswith(".cpp") and "/_" not in name and self.tests_for(name)[0]]
@@ -216,6 +222,7 @@ class Run:
     def run_in(self, tree):
         tree.copy()
         tree.configure()
+        self.leave_out_unknown(tree.known_tests())
         faults = self.find(tree)
         own = sorted({test for place in faults.values() for test in self.tests_for(place.file)[0]})
         print(f"building {len(faults)} faults for {' '.join(own)}", flush=True)
