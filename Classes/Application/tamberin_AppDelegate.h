@@ -172,6 +172,7 @@ private:
     bool m_isTerminating = false;
     bool m_isTakingBack = false;
     bool m_reopensAfterQuit = false;
+    QStringList m_notedRemovals; // by every attempt to quit
     QProcess *m_deleteTask = nullptr;
     bool m_shouldShowMainWindowOnActivation = true;
     bool m_applicationLauched = false;
