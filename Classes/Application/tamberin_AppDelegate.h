@@ -185,6 +185,7 @@ private:
     bool m_isCheckingLeftovers = false;
     bool m_isTakingBack = false;
     bool m_reopensAfterQuit = false;
+    QStringList m_notedRemovals; // by every attempt to quit
     QProcess *m_deleteTask = nullptr;
     bool m_shouldShowMainWindowOnActivation = true;
     bool m_applicationLauched = false;

@@ -9,7 +9,6 @@
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
 #include <QCoreApplication>
-#include <QFile>
 
 namespace {
 constexpr std::chrono::milliseconds drainStep{400};
@@ -85,9 +84,9 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     }
 
     ZQError error;
-    noteRemovals(purgedDirectories);
+    m_notedRemovals += purgedDirectories;
+    noteRemovals(m_notedRemovals); // and noted they stay: the next launch drops what the store still names
     if (!m_context->save(&error)) {
-        QFile::remove(removalsPath());
         userInteraction().presentError(error);
         const int answer = userInteraction().ask(
             {zqLocalized("Could not save changes while quitting.  Quit anyway?"),

@@ -1,5 +1,6 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Persistence/ZQStoreCheck.h"
+#include "Models/DataModel/ZQModel.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 #include "Tests/Support/DamagedStore.h"
 
@@ -121,6 +122,41 @@ TEST_F(DamagedLibrary, IsFoundBesideTheWindowAndRecoveredByTheNextLaunchWithoutA
     EXPECT_FALSE(delegate->persistentStoreCoordinator()->needsCheck());
 }
 
+TEST_F(DamagedLibrary, IsLeftAsItIsWhenThePersonPutsItOff)
+{
+    makeLibrary(1);
+    {
+        const auto delegate = launched();
+        delegate->reportDamage({QStringLiteral("broken")}); // the answer that changes least
+        EXPECT_EQ(messages(), QStringList{damagedMessage});
+        EXPECT_FALSE(delegate->reopensAfterQuit());
+        EXPECT_EQ(window.savedState, 0);
+    }
+    user.questions.clear();
+    const auto delegate = launched();
+    EXPECT_TRUE(user.questions.isEmpty());
+    EXPECT_TRUE(keptStores().isEmpty());
+    ZQError error;
+    EXPECT_FALSE(delegate->recoverLibrary(&error)) << "it is open";
+    EXPECT_FALSE(error.isNull());
+    EXPECT_TRUE(keptStores().isEmpty());
+}
+
+TEST_F(DamagedLibrary, ARecoveryThatFailsIsToldAndTheLibraryStaysShut)
+{
+    makeLibrary(200);
+    damagePageHolding("picture 100", StorePage::Table, store());
+    markStoreUnclean(store());
+    ASSERT_TRUE(QDir().mkpath(store() + QStringLiteral(".recovering/in the way")));
+    const QByteArray before = contents(store());
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    const auto delegate = application();
+    EXPECT_EQ(delegate->managedObjectContext(), nullptr);
+    EXPECT_EQ(messages(), QStringList{damagedMessage}) << "and no word of a recovery";
+    EXPECT_EQ(user.errors.size(), 3) << "why, and twice that the library cannot be opened";
+    EXPECT_EQ(contents(store()), before);
+}
+
 TEST_F(DamagedLibrary, IsNotWhatASoundOneIsTakenForAfterAnUncleanEnd)
 {
     constexpr qsizetype moreThanAQuickLookChecks = 25 * 1024 * 1024;
@@ -134,18 +170,18 @@ TEST_F(DamagedLibrary, IsNotWhatASoundOneIsTakenForAfterAnUncleanEnd)
 
 TEST_F(DamagedLibrary, LosesNoFilesWhenItsDeletionsCannotBeSaved)
 {
-    const auto delegate = launched();
-    const auto item = addItem(*delegate, QStringLiteral("deleted"));
-    item->setActive(false);
-    delegate->saveAction();
-    const QString directory = item->bundleURL();
-    {
+    for (const TerminateReply reply : {TerminateReply::Cancel, TerminateReply::Now}) {
+        QDir(defaultBundle()).removeRecursively();
+        const auto delegate = launched();
+        const auto item = addItem(*delegate, QStringLiteral("deleted"));
+        item->setActive(false);
+        delegate->saveAction();
+        const QString directory = item->bundleURL();
         ZQManagedObjectContext other(delegate->persistentStoreCoordinator());
         const auto same = other.existingObjectWithID(item->objectID());
+        ASSERT_TRUE(same);
         same->setValueForKey(QStringLiteral("changed elsewhere"), QStringLiteral("title"));
         ASSERT_TRUE(other.save());
-    }
-    for (const TerminateReply reply : {TerminateReply::Cancel, TerminateReply::Now}) {
         user.answerQuestion = [&](const UserQuestion &question) {
             return reply == TerminateReply::Now ? 0 : int(question.buttons.size()) - 1;
         };
@@ -153,6 +189,7 @@ TEST_F(DamagedLibrary, LosesNoFilesWhenItsDeletionsCannotBeSaved)
         EXPECT_EQ(messages().last(), QStringLiteral("Could not save changes while quitting.  Quit anyway?"));
         EXPECT_EQ(delegate->deleteTask(), nullptr);
         EXPECT_TRUE(QFileInfo::exists(directory));
+        EXPECT_EQ(std::exchange(user.errors, {}).size(), 1);
     }
 }
 
@@ -169,10 +206,36 @@ TEST_F(DamagedLibrary, TellsOfARecoveryWhatIsLostAndWhereFilesComeBack)
                                               "Their files come back into the project “Recovered”.\n"
                                               "The damaged store is kept as /kept"));
     recovery.unreadableItems = 0;
+    recovery.unreadableMemberships = 2;
+    EXPECT_TRUE(recovery.text().contains(QStringLiteral("2 memberships.\n")));
+    recovery.unreadableMemberships = 0;
     EXPECT_FALSE(recovery.text().contains(QStringLiteral("Recovered”")));
     recovery.unreadableEntries = 0;
     EXPECT_TRUE(recovery.text().contains(QStringLiteral("Nothing is known to be lost.")));
     QLocale::setDefault(QLocale::c());
+}
+
+TEST_F(DamagedLibrary, CountsWhatIsLostByItsKind)
+{
+    ZQStoreRecovery report;
+    report.keptPath = QStringLiteral("/kept");
+    report.rows = {{QStringLiteral("ZQLibraryImage"), 1},
+                   {QStringLiteral("ZQLibraryPDF"), 2},
+                   {QStringLiteral("ZQSidebarTag"), 4},
+                   {QStringLiteral("ZQSidebarProject"), 8},
+                   {QStringLiteral("ZQProjectItem"), 16}};
+    report.unreadable = {{QStringLiteral("ZQLibraryBaseItem"), 32},
+                         {QStringLiteral("ZQSidebarBaseItem"), 64},
+                         {QStringLiteral("ZQProjectItem"), 128}};
+    const auto recovery = LibraryRecovery::of(report, *zqCurrentModel());
+    EXPECT_EQ(recovery.items, 3);
+    EXPECT_EQ(recovery.tags, 4);
+    EXPECT_EQ(recovery.sidebarEntries, 8);
+    EXPECT_EQ(recovery.memberships, 16);
+    EXPECT_EQ(recovery.unreadableItems, 32);
+    EXPECT_EQ(recovery.unreadableEntries, 64);
+    EXPECT_EQ(recovery.unreadableMemberships, 128);
+    EXPECT_EQ(recovery.keptPath, QStringLiteral("/kept"));
 }
 
 TEST_F(DamagedLibrary, WarnsOfItsDamageInOneLine)

@@ -1,5 +1,4 @@
 #include "Tests/Classes/Application/ApplicationFixture.h"
-#include "Tests/Support/Skip.h"
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLock.h"
@@ -7,6 +6,7 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Support/Skip.h"
 
 #include <QFile>
 
@@ -63,6 +63,15 @@ TEST_F(ApplicationTest, ARememberedLocationIsUsedUnlessItIsGoneOrInTheTrash)
     ZQUserDefaults::standardUserDefaults().setObjectForKey(zqDataForPersistentURL(trashed),
                                                            QStringLiteral("ZeltoLibraryLocation"));
     EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle());
+    for (const char *other : {"name.Trashed/Old.ztlibrary", "a file.ztlibrary"}) {
+        const QString path = world.filePath(QLatin1String(other));
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        ASSERT_TRUE(path.contains(QStringLiteral("Trash")) ? QDir().mkpath(path) : file.open(QIODevice::WriteOnly));
+        ZQUserDefaults::standardUserDefaults().setObjectForKey(zqDataForPersistentURL(path),
+                                                               QStringLiteral("ZeltoLibraryLocation"));
+        EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle()) << other;
+    }
     tamberin_AppDelegate::saveNewLibraryURL(elsewhere);
     QDir(elsewhere).removeRecursively();
     EXPECT_EQ(application()->libraryBundleDirectory(), defaultBundle());

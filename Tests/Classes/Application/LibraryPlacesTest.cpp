@@ -57,6 +57,9 @@ TEST_F(LibraryPlaces, AMoveOntoIntoOrAroundItselfIsRefusedAndChangesNothing)
     const QString nested = madeLibrary(around + QStringLiteral("/Mine.ztlibrary"), 3);
     ASSERT_TRUE(QFile::link(source, inWorld(QStringLiteral("Alias.ztlibrary"))));
     QDir().mkpath(inWorld(QStringLiteral("xdg_data_home/Trash/files")));
+    ASSERT_TRUE(QFile::link(real, source + QStringLiteral("/Library/Out.ztlibrary")));
+    ASSERT_TRUE(QFile::link(source + QStringLiteral("/Library"), inWorld(QStringLiteral("In.ztlibrary"))));
+    ASSERT_TRUE(QFile::link(around, inWorld(QStringLiteral("Holder.ztlibrary"))));
 
     struct Case
     {
@@ -70,7 +73,10 @@ TEST_F(LibraryPlaces, AMoveOntoIntoOrAroundItselfIsRefusedAndChangesNothing)
         {source, inWorld(QStringLiteral("link/../link/./Mine.ztlibrary")), LibraryMove::SamePlace},
         {source, source + QStringLiteral("/Library/New.ztlibrary"), LibraryMove::InsideLibrary},
         {source, inWorld(QStringLiteral("Alias.ztlibrary/Library/New.ztlibrary")), LibraryMove::InsideLibrary},
+        {source, source + QStringLiteral("/Library/Out.ztlibrary"), LibraryMove::InsideLibrary},
+        {source, inWorld(QStringLiteral("In.ztlibrary")), LibraryMove::InsideLibrary},
         {nested, around, LibraryMove::AroundLibrary},
+        {nested, inWorld(QStringLiteral("Holder.ztlibrary")), LibraryMove::AroundLibrary},
         {source, inWorld(QStringLiteral("nowhere/New.ztlibrary")), LibraryMove::NoFolder},
         {source, inWorld(QStringLiteral("xdg_data_home/Trash/files/New.ztlibrary")), LibraryMove::InTrash},
     };
@@ -197,7 +203,8 @@ TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)
     const QString trashed = madeLibrary(inWorld(QStringLiteral("xdg_data_home/Trash/files/Gone.ztlibrary")), 1);
     const auto delegate = application();
     const QStringList refused{inWorld(QStringLiteral("Missing.ztlibrary")), inWorld(QStringLiteral("File.ztlibrary")),
-                              trashed};
+                              trashed, inWorld(QStringLiteral("ToTrash.ztlibrary"))};
+    ASSERT_TRUE(QFile::link(trashed, refused.last()));
     for (const QString &path : refused) {
         SCOPED_TRACE(qPrintable(path));
         user.errors.clear();

@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <sqlite3.h>
 
 namespace {
 
@@ -36,6 +37,7 @@ protected:
         for (int i = 0; i < count; ++i) {
             QFile made(file(i));
             ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+            ASSERT_TRUE(made.setFileTime(QDateTime::currentDateTimeUtc().addYears(-1), QFile::FileModificationTime));
             const auto item = context.insertNewObject<ZQLibraryImage>();
             item->setTitle(QStringLiteral("file %1").arg(i));
             item->setManaged(false);
@@ -131,6 +133,48 @@ TEST_F(OlderLibrary, ALargeOneIsGivenItsIndexesWhileTheWindowAnswers)
     ASSERT_TRUE(coordinator);
     EXPECT_FALSE(writer) << "the window did not answer meanwhile";
     EXPECT_TRUE(zqHasIndexes(*coordinator->newConnection(), *zqCurrentModel()));
+}
+
+TEST_F(OlderLibrary, GetsItForEveryItemAlsoOfMoreThanOneSave)
+{
+    constexpr int moreThanOneSave = 1001;
+    makeLibrary("Version6", moreThanOneSave);
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    const auto all = items(*delegate);
+    EXPECT_EQ(all.size(), moreThanOneSave);
+    for (const auto &item : all) {
+        ASSERT_EQ(item->thumbName(), item->title() + QStringLiteral("_thumb.png"));
+    }
+}
+
+TEST_F(OlderLibrary, StopsAtTheFirstStepThatCannotBeSavedAndSaysSo)
+{
+    makeLibrary("Version5", 2);
+    ASSERT_TRUE(ZQPersistentStoreCoordinator::open(zqCurrentModel(), store())); // migrated, and all is still to do
+    {
+        const auto delegate = application();
+        const auto coordinator = delegate->persistentStoreCoordinator();
+        sqlite3 *other = nullptr; // a process that holds the store during the first step alone
+        user.onBeginProgress = [&](const auto &) {
+            if (!other) {
+                ASSERT_EQ(sqlite3_open(store().toUtf8().constData(), &other), SQLITE_OK);
+                EXPECT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+            } else {
+                sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+            }
+        };
+        delegate->checkModelMigration();
+        sqlite3_close(other);
+        user.onBeginProgress = {};
+        EXPECT_EQ(user.errors.size(), 1);
+        EXPECT_TRUE(items(*delegate).first()->thumbName().isEmpty());
+        EXPECT_FALSE(copies().isEmpty());
+    }
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    EXPECT_EQ(items(*delegate).first()->creation_date(), birthOf(file(0)));
+    EXPECT_EQ(items(*delegate).first()->thumbName(), QStringLiteral("file 0_thumb.png"));
 }
 
 TEST_F(OlderLibrary, FindsFilesThatMovedIntoALiveFolder)

@@ -1,10 +1,13 @@
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Tags/FileTags.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
 #include <QThread>
+
+#include <sqlite3.h>
 
 namespace {
 QString made(const QString &path)
@@ -151,6 +154,109 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
     EXPECT_TRUE(waiting->isCancelled());
     EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false})); // it is offered at the next launch
     EXPECT_TRUE(user.notificationTexts().contains(QStringLiteral("Cleaning up library")));
+}
+
+TEST_F(ApplicationTest, ARunningSyncIsAskedAboutAndEndsTooAndQuestionsOfImportsAreDismissed)
+{
+    const auto delegate = launched();
+    std::atomic<bool> hasBegun = false;
+    std::atomic<bool> hasEnded = false;
+    auto sync = zqBlockOperation([&] {
+        hasBegun = true;
+        while (user.dismissals == 0) {
+            QThread::msleep(1);
+        }
+        hasEnded = true;
+    });
+    auto waiting = zqBlockOperation([] {});
+    imports.syncOperationQueue().setMaxConcurrentOperationCount(1);
+    imports.syncOperationQueue().addOperation(sync);
+    imports.syncOperationQueue().addOperation(waiting);
+    ASSERT_TRUE(comesTrue([&] { return hasBegun.load(); }));
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    EXPECT_EQ(user.questions.size(), 1);
+    EXPECT_TRUE(hasEnded);
+    EXPECT_TRUE(waiting->isCancelled());
+}
+
+TEST_F(ApplicationTest, QuittingPurgesDeletedSidebarEntriesAndNotesWhichDirectoriesAreToGo)
+{
+    const auto delegate = launched();
+    ZQManagedObjectContext &context = *delegate->managedObjectContext();
+    const auto project = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)->orderedChildren().first();
+    const ZQObjectID id = project->objectID();
+    project->deleteSelf();
+    addItem(*delegate, QStringLiteral("deleted"))->setActive(false);
+    delegate->saveAction();
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    EXPECT_FALSE(context.existingObjectWithID(id));
+    QFile note(delegate->libraryBundleDirectory() + QStringLiteral("/pending-removals"));
+    ASSERT_TRUE(note.open(QIODevice::ReadOnly));
+    EXPECT_EQ(note.readAll(), "deleted.ztlibraryitem") << "a kill from here on is explained by it";
+}
+
+TEST_F(ApplicationTest, WhatAFailedQuitHadPurgedIsNoLossToTheNextLaunch)
+{
+    for (const bool isKilled : {false, true}) {
+        SCOPED_TRACE(isKilled);
+        QDir(defaultBundle()).removeRecursively();
+        QString directory;
+        {
+            const auto delegate = launched();
+            addItem(*delegate, QStringLiteral("kept"));
+            const auto item = addItem(*delegate, QStringLiteral("deleted"));
+            item->setActive(false);
+            directory = item->bundleURL();
+            const QString file = made(directory + QStringLiteral("/picture.png"));
+            SeenFileTags::write(SeenFileTags::of({}), file, SeenFileTags::Empty::IsWritten); // it was saved once
+            delegate->saveAction();
+            sqlite3 *other = nullptr; // another process that does not let go of the store
+            ASSERT_EQ(
+                sqlite3_open((delegate->libraryBundleDirectory() + QStringLiteral("/storedata")).toUtf8(), &other),
+                SQLITE_OK);
+            ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+            EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Cancel);
+            sqlite3_close(other);
+            EXPECT_TRUE(QFileInfo::exists(directory));
+            if (isKilled) {
+                delegate->saveAction();
+            } else {
+                addItem(*delegate, QStringLiteral("deleted later"))->setActive(false);
+                EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+            }
+        }
+        const auto delegate = launched();
+        delegate->checkAndDeleteLibraryLeftovers();
+        EXPECT_TRUE(comesTrue([&] { return !QFileInfo::exists(directory); }));
+        EXPECT_TRUE(imports.takenBack.isEmpty());
+        EXPECT_TRUE(QFileInfo::exists(delegate->libraryDirectory() + QStringLiteral("/kept.ztlibraryitem")));
+    }
+}
+
+TEST_F(ApplicationTest, ACancelledQuitReopensNothing)
+{
+    const auto delegate = launched();
+    std::atomic<bool> stop = false;
+    delegate->backgroundOperationQueue().addOperationWithBlock([&] {
+        while (!stop) {
+            QThread::msleep(1);
+        }
+    });
+    int asked = 0;
+    bool recovers = true;
+    user.answerQuestion = [&](const UserQuestion &question) {
+        ++asked;
+        if (std::exchange(recovers, false)) {
+            return 0; // yes to the recovery, which quits
+        }
+        delegate->terminate(); // as a second click does while the question is there
+        return int(question.buttons.size()) - 1;
+    };
+    delegate->reportDamage({QStringLiteral("broken")});
+    EXPECT_EQ(asked, 2) << "one question at a time";
+    EXPECT_FALSE(delegate->reopensAfterQuit());
+    stop = true;
 }
 
 TEST_F(ApplicationTest, RelativePathsAreRemovedOnlyBelowABase)

@@ -292,6 +292,7 @@ TEST(ZQStoreLife, AProcessKilledWhileSavingLeavesWholeSaves)
                 }
             }
         }
+        close(pipes[1]); // or a child that ended by itself would be waited for
         // Killed somewhere in the save after the one that was confirmed last.
         int confirmed = 0;
         char byte = 0;
@@ -299,9 +300,11 @@ TEST(ZQStoreLife, AProcessKilledWhileSavingLeavesWholeSaves)
             ++confirmed;
         }
         kill(child, SIGKILL);
-        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "it was to be interrupted";
+        EXPECT_EQ(confirmed, 2 + round);
         close(pipes[0]);
-        close(pipes[1]);
         ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
         EXPECT_TRUE(store.coordinator()->wasUncleanlyClosed());
         EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
