@@ -156,7 +156,9 @@ bool moveByCopying(const QString &source, const QString &destination, const Libr
     const bool isMoved = LibraryLocation::noteMove({source, destination, folder}, error) &&
                          copyToPlace(source, destination, folder, progress, error);
     zqRemoveTree(folderName);
-    LibraryLocation::noteMove({});
+    if (zqSyncFileSystem(QFileInfo(destination).path())) { // else the next launch removes it
+        LibraryLocation::noteMove({});
+    }
     if (isMoved && LibraryLocation::isSamePlace(LibraryLocation::remembered(), destination) &&
         !LibraryLocation::isSamePlace(source, destination)) {
         zqRemoveTree(QFile::encodeName(source));

@@ -23,6 +23,13 @@ FileTags valuesOf(const ZQFileTags &tags)
     return {tags.tags, tags.comment, tags.rating.value_or(0), tags.measured};
 }
 
+// The main thread does not wait for the files to reach the disk.
+void storeDidSave(const std::shared_ptr<TagFileJournal> &journal)
+{
+    journal->didSave();
+    TagFileWriter::sharedTagFileWriter().afterWrites([journal] { journal->emptyIfSettled(); });
+}
+
 } // namespace
 
 ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate)
@@ -195,7 +202,8 @@ void ModelEnvironment::finishInterruptedTagWrites()
     m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
     m_adoption = std::make_shared<FileTagAdoption>(m_delegate);
     m_renewal = std::make_shared<FileReferenceRenewal>(m_delegate);
-    m_saveObserver = context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { journal->didSave(); });
+    m_saveObserver =
+        context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { storeDidSave(journal); });
     const QStringList interrupted = m_journal->interrupted();
     constexpr qsizetype atATime = 500;
     for (qsizetype first = 0; first < interrupted.size(); first += atATime) {
@@ -210,7 +218,7 @@ void ModelEnvironment::finishInterruptedTagWrites()
         }
     }
     if (!interrupted.isEmpty()) {
-        m_journal->didSave(); // what is written again comes from the saved store
+        storeDidSave(m_journal); // what is written again comes from the saved store
     }
 }
 

@@ -40,6 +40,7 @@ QString tamberin_AppDelegate::createdDirectory(const QString &path, const char *
             << zqFormat(QString::fromLatin1(message), {path, QString::fromLocal8Bit(std::strerror(errno))});
         return {};
     }
+    zqSyncFolder(QFileInfo(path).path()); // before anything in it is reported as saved
     return path;
 }
 
@@ -53,7 +54,7 @@ QString tamberin_AppDelegate::applicationSupportFolder()
     if (QFileInfo(folder).isDir()) {
         return folder;
     }
-    if (QDir().mkpath(folder)) {
+    if (zqMakeFolder(folder)) {
         tryToRecuperateSandboxedLibraryToDestination(folder);
     } else {
         qCWarning(zqLogApplication).noquote() << "Error creating application support folder at" << folder;

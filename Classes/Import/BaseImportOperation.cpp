@@ -273,12 +273,23 @@ bool BaseImportOperation::checkSource()
     return m_fileData.has_value();
 }
 
+namespace {
+// A link there, or on the way, may lead to somebody's only copy, which is neither taken away nor shared with the
+// library.
+bool isReallyTemporary(const QString &path)
+{
+    const QFileInfo info(path);
+    return AImportManager::fileIsInsideTemporaryDirectory(path) && !info.isSymLink() &&
+           AImportManager::fileIsInsideTemporaryDirectory(info.canonicalFilePath());
+}
+} // namespace
+
 bool BaseImportOperation::copyFile()
 {
     ZQError error;
     const QString target = m_libraryItemBundlePath + u'/' + QFileInfo(m_filePath).fileName();
-    m_isMove = m_readPath == m_filePath && AImportManager::fileIsInsideTemporaryDirectory(m_filePath) &&
-               !m_filePath.contains(QStringLiteral("zttemplate"));
+    m_isMove =
+        m_readPath == m_filePath && isReallyTemporary(m_filePath) && !m_filePath.contains(QStringLiteral("zttemplate"));
     const auto cancelled = [this] { return isCancelled(); };
     // A move that can be interrupted anywhere: the source stays until the item has been saved.
     const auto result = m_isMove ? zqLinkOrCopyFile(m_readPath, target, &error, cancelled)

@@ -231,7 +231,7 @@ PendingImportFile::~PendingImportFile()
 std::shared_ptr<PendingImportFile> PendingImportFile::create(const QString &folder, const PendingImport &request,
                                                              ZQError *error)
 {
-    QDir().mkpath(folder);
+    zqMakeFolder(folder);
     const QString name = QStringLiteral("%1-%2").arg(QString::number(QDateTime::currentMSecsSinceEpoch()),
                                                      QUuid::createUuid().toString(QUuid::WithoutBraces));
     std::shared_ptr<PendingImportFile> file(new PendingImportFile(folder, name));

@@ -1,5 +1,6 @@
 #include "Classes/Tags/TagFileJournal.h"
 
+#include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -16,15 +17,6 @@
 namespace {
 
 constexpr mode_t ownerOnly = 0600;
-
-void syncFolderOf(const QString &path)
-{
-    const int folder = open(QFile::encodeName(QFileInfo(path).path()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder >= 0) {
-        fsync(folder);
-        close(folder);
-    }
-}
 
 } // namespace
 
@@ -52,7 +44,7 @@ TagFileJournal::TagFileJournal(const QString &path)
     }
     m_file = open(name.constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, ownerOnly);
     if (m_file >= 0 && isNew) {
-        syncFolderOf(path);
+        zqSyncFolder(QFileInfo(path).path());
     }
     if (m_file < 0) {
         // Tags are written all the same; only what a crash interrupts is not repaired.
@@ -104,8 +96,10 @@ void TagFileJournal::bringToDisk(qint64 line)
 
 void TagFileJournal::didWrite()
 {
-    const std::lock_guard lock(m_mutex);
-    --m_outstanding;
+    {
+        const std::lock_guard lock(m_mutex);
+        --m_outstanding;
+    }
     emptyIfSettled();
 }
 
@@ -113,15 +107,29 @@ void TagFileJournal::didSave()
 {
     const std::lock_guard lock(m_mutex);
     m_isAllSaved = true;
-    emptyIfSettled();
+}
+
+bool TagFileJournal::isSettled() const
+{
+    return !m_isEmpty && m_file >= 0 && m_outstanding == 0 && m_isAllSaved;
 }
 
 void TagFileJournal::emptyIfSettled()
 {
-    if (m_isEmpty || m_file < 0 || m_outstanding > 0 || !m_isAllSaved) {
+    qint64 lines = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!isSettled()) {
+            return;
+        }
+        lines = m_lines;
+    }
+    // Attributes wait in memory for a while; a line that is gone before they arrive would not have them written again.
+    if (syncfs(m_file) != 0) {
         return;
     }
-    if (ftruncate(m_file, 0) == 0) {
+    const std::lock_guard lock(m_mutex);
+    if (isSettled() && m_lines == lines && ftruncate(m_file, 0) == 0) {
         m_isEmpty = true;
         m_noted.clear();
     }

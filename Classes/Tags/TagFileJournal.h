@@ -26,11 +26,13 @@ public:
     // Before the file is touched: returns when the line of `willWrite` is on the disk. Those noted meanwhile come
     // along, so that many writes cost few flushes.
     void bringToDisk(qint64 line);
-    void didWrite(); // once for each `willWrite`, after it
-    void didSave();  // the store is on disk with everything noted so far
+    void didWrite(); // once for each `willWrite`, after it, on a thread that may wait for the disk
+    void didSave();  // the store is on disk with everything noted so far; `emptyIfSettled` is due
+    // Brings the files to the disk and empties the journal when nothing is outstanding. Waits for the disk.
+    void emptyIfSettled();
 
 private:
-    void emptyIfSettled(); // with the lock held
+    bool isSettled() const; // with the lock held
 
     std::mutex m_mutex;
     int m_file = -1;

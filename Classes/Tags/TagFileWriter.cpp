@@ -253,6 +253,11 @@ ZQError TagFileWriter::writeRatingToFile(const QString &path, double rating)
     return OpenMeta::setRating(rating, path);
 }
 
+void TagFileWriter::afterWrites(std::function<void()> work)
+{
+    m_queue.addOperationWithBlock(std::move(work));
+}
+
 void TagFileWriter::waitUntilAllWritten()
 {
     m_queue.waitUntilAllOperationsAreFinished();

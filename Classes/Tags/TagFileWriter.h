@@ -44,6 +44,9 @@ public:
 
     // A rating with a fraction, which the library keeps rounded. Waits for its turn in the queue.
     ZQError writeRatingToFile(const QString &path, double rating);
+    // What takes time and has to do with what was written: called on the queue's thread, after what was asked for
+    // before.
+    void afterWrites(std::function<void()> work);
     // Before the process ends or a library is closed: returns when everything asked for is written.
     void waitUntilAllWritten();
 

@@ -366,6 +366,51 @@ bool zqMoveNoReplace(const QString &source, const QString &destination, ZQError 
     return rename(from->constData(), to->constData()) == 0 || zqFailWithErrno(error, *from);
 }
 
+namespace {
+
+void syncFolder(const QByteArray &folder)
+{
+    const ZQFileDescriptor directory(open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory.isOpen()) {
+        fsync(directory.get()); // some file systems refuse it, and keep the names all the same
+    }
+}
+
+QByteArray folderOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray(".") : path.left(slash + 1);
+}
+
+bool makeFolder(const QByteArray &path)
+{
+    if (isFolder(path)) {
+        return true;
+    }
+    const QByteArray parent = withoutSlashes(folderOf(path));
+    if (parent == path || !makeFolder(parent) ||
+        (mkdir(path.constData(), S_IRWXU | S_IRWXG | S_IRWXO) != 0 && !isFolder(path))) {
+        return false;
+    }
+    syncFolder(parent);
+    return true;
+}
+
+} // namespace
+
+bool zqMakeFolder(const QString &path)
+{
+    const auto name = zqSystemPath(path, nullptr);
+    return name && makeFolder(withoutSlashes(*name));
+}
+
+void zqSyncFolder(const QString &folder)
+{
+    if (const auto name = zqSystemPath(folder, nullptr)) {
+        syncFolder(*name);
+    }
+}
+
 bool zqWriteFileAtomically(const QString &path, const QByteArray &data, ZQError *error)
 {
     const auto name = zqSystemPath(path, error);
@@ -389,12 +434,7 @@ bool zqWriteFileAtomically(const QString &path, const QByteArray &data, ZQError 
         unlink(temporary.constData());
         return false;
     }
-    const qsizetype slash = target.lastIndexOf('/');
-    const QByteArray folder = slash < 0 ? QByteArray(".") : target.left(slash + 1);
-    const ZQFileDescriptor directory(open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory.isOpen()) {
-        fsync(directory.get()); // so that the new name survives a power cut; some file systems refuse it
-    }
+    syncFolder(folderOf(target));
     return true;
 }
 

@@ -43,6 +43,12 @@ bool zqWriteFileAtomically(const QString &path, const QByteArray &data, ZQError 
 // Writes everything of the file system that holds `path` to its disk.
 bool zqSyncFileSystem(const QString &path, ZQError *error = nullptr);
 
+// Makes `path` and what is missing on the way to it, each folder flushed into the one it lies in: a file that is
+// flushed there is found after a power cut. True when it is there already.
+bool zqMakeFolder(const QString &path);
+// The names in it survive a power cut from here on.
+void zqSyncFolder(const QString &folder);
+
 struct ZQFileDates
 {
     qint64 birth = 0; // milliseconds since 1970 UTC; the modification time where the file system keeps no birth time

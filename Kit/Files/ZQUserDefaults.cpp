@@ -61,7 +61,7 @@ struct ZQUserDefaults::Private
 // either.
 ZQFileDescriptor ZQUserDefaults::Private::lockFile() const
 {
-    QDir().mkpath(QFileInfo(path).path());
+    zqMakeFolder(QFileInfo(path).path());
     ZQFileDescriptor file(
         open(QFile::encodeName(path + QStringLiteral(".lock")).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
     while (file.isOpen() && flock(file.get(), LOCK_EX) != 0 && errno == EINTR) {

@@ -41,6 +41,7 @@ TEST_F(Journal, AKilledProcessLeavesWhatIsNotBothWrittenAndSaved)
     journal.didWrite();
     EXPECT_EQ(afterKill(), QStringList{b}); // written, and not saved
     journal.didSave();
+    journal.emptyIfSettled();
     EXPECT_EQ(size(), 0);
 }
 
@@ -71,6 +72,7 @@ TEST_F(Journal, WhatWasInterruptedStaysUntilItIsDoneAgain)
     third.willWrite(a);
     third.didWrite();
     third.didSave();
+    third.emptyIfSettled();
     EXPECT_TRUE(afterKill().isEmpty());
 }
 

@@ -1,0 +1,162 @@
+// A power cut while files are imported: each is where it was or in the library, what was reported is in the library,
+// and what was cut off can go on.
+
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportOperation.h"
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/TagFileWriter.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+#include "Tests/Power/PowerFixture.h"
+#include "Tests/Support/DamagedStore.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int continueButton = 0;
+
+class ImportPower : public PowerTest
+{
+protected:
+    struct Source
+    {
+        QString path;
+        QByteArray content;
+    };
+
+    void SetUp() override
+    {
+        PowerTest::SetUp();
+        user.answerQuestion = [](const UserQuestion &) { return continueButton; };
+        user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+            return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard);
+        };
+    }
+    QString makeSource(const QString &relative, Picture kind = Picture::Small)
+    {
+        const QString file = writePicture(relative, ++m_number, kind);
+        m_sources.append({file, contentOf(file)});
+        return file;
+    }
+    QString temporary(const QString &name) const
+    {
+        return QStringLiteral("tmpdir/ZeltoTemporaryFolder/t.power/") + name;
+    }
+    void waitForImports() const
+    {
+        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+        QCoreApplication::processEvents();
+    }
+    void import(const QStringList &paths, const ZQRef<ZQSidebarBaseItem> &into)
+    {
+        const auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
+            paths, into->objectID(), ZQSidebarBaseItem::appendIndex, {});
+        waitForImports();
+        EXPECT_TRUE(operation->report().dropped().isEmpty());
+        report();
+    }
+
+    // How many items hold this content.
+    qsizetype itemsWith(const QByteArray &content) const
+    {
+        const QString digest = QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Sha1).toHex());
+        return zqCount(context(),
+                       {.entityName = ZQLibraryBaseItem::entityName(),
+                        .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("SHA1 == %@"), {digest})});
+    }
+    void expectNothingIsLost() const
+    {
+        for (const Source &source : m_sources) {
+            EXPECT_TRUE(contentOf(source.path) == source.content || itemsWith(source.content) > 0)
+                << qPrintable(source.path);
+            EXPECT_LE(itemsWith(source.content), 1) << qPrintable(source.path);
+        }
+    }
+
+    QList<Source> m_sources;
+
+private:
+    int m_number = 0;
+};
+
+} // namespace
+
+TEST_F(ImportPower, EveryFileIsInTheLibraryOrWhereItWas)
+{
+    ASSERT_NO_FATAL_FAILURE(open());
+    const auto project = context().insertNewObject<ZQSidebarProject>();
+    project->setTitle(QStringLiteral("P"));
+    ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context())->appendChild(project.get());
+    ASSERT_TRUE(context().save());
+    const QStringList copied{makeSource(QStringLiteral("in/a.png"), Picture::Large),
+                             makeSource(QStringLiteral("in/b.png"))};
+    const QStringList moved{makeSource(temporary(QStringLiteral("c.png"))),
+                            makeSource(temporary(QStringLiteral("d.png")))};
+    makeSource(QStringLiteral("in/Folder/e.png"));
+    makeSource(QStringLiteral("in/Folder/f.png"));
+    ASSERT_TRUE(OpenMeta::setUserTags(QStringList{QStringLiteral("harbour")}, copied.first()).isNull());
+    const QList<qsizetype> inAfter{2, 4, 6}; // sources, by reports
+    begin();
+    import(copied, project);
+    import(moved, project);
+    import({path(QStringLiteral("in/Folder"))}, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context()));
+
+    cutThePower([&](int reports) {
+        markStoreUnclean(store());
+        ASSERT_NO_FATAL_FAILURE(open());
+        delegate->waitForRemovals(); // of what belongs to no item
+        expectWholeLibrary();
+        expectNothingIsLost();
+        for (qsizetype i = 0; i < (reports > 0 ? inAfter.at(reports - 1) : 0); ++i) {
+            EXPECT_EQ(itemsWith(m_sources.at(i).content), 1) << qPrintable(m_sources.at(i).path);
+        }
+        if (reports > 0) {
+            const auto tagged =
+                zqFetchFirst<ZQSidebarTag>(context(), QStringLiteral("title == %@"), {QStringLiteral("harbour")});
+            EXPECT_TRUE(tagged && tagged->taggedItems().size() == 1);
+            const auto in = zqFetchFirst<ZQSidebarProject>(context(), QStringLiteral("title == 'P'"));
+            EXPECT_TRUE(in && in->pItems().size() >= inAfter.at(std::min(reports, 2) - 1));
+        }
+        AImportManager::sharedAImportManager().offerToResumeImports();
+        waitForImports();
+        expectWholeLibrary();
+        expectNothingIsLost();
+        EXPECT_EQ(QDir(library() + QStringLiteral("/pending-imports")).entryList(QDir::Files), QStringList());
+    });
+}
+
+TEST_F(ImportPower, APurgeLeavesNoItemWithoutItsFile)
+{
+    ASSERT_NO_FATAL_FAILURE(open());
+    const auto label = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context());
+    const QStringList files{makeSource(QStringLiteral("in/a.png")), makeSource(QStringLiteral("in/b.png")),
+                            makeSource(QStringLiteral("in/c.png"))};
+    AImportManager::sharedAImportManager().startImportOfFilesAtPaths(files, label->objectID(),
+                                                                     ZQSidebarBaseItem::appendIndex, {});
+    waitForImports();
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    begin();
+    const auto deleted = zqFetchFirst<ZQLibraryBaseItem>(context(), QStringLiteral("title == 'b'"));
+    ASSERT_TRUE(deleted);
+    deleted->deleteSelf();
+    ASSERT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    delegate->waitForRemovals();
+    close();
+    report();
+    cutThePower([&](int reports) {
+        markStoreUnclean(store());
+        ASSERT_NO_FATAL_FAILURE(open());
+        delegate->waitForRemovals();
+        expectWholeLibrary();
+        EXPECT_EQ(itemsWith(m_sources.at(0).content), 1);
+        EXPECT_EQ(itemsWith(m_sources.at(2).content), 1);
+        EXPECT_TRUE(reports == 0 || itemsWith(m_sources.at(1).content) == 0) << "the purged item came back";
+    });
+}
