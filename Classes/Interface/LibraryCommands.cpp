@@ -35,16 +35,21 @@ QString nameFor(WindowContext &window, const QList<ZQObjectID> &ids)
 void LibraryCommands::deleteItems(const QList<ZQObjectID> &items)
 {
     WindowContext &window = m_window;
+    auto deleted = std::make_shared<QList<ZQObjectID>>(); // what was deleted before is not revived
     window.undoStack.push(new BlockUndoCommand(
         nameFor(window, items),
-        [&window, items] {
+        [&window, items, deleted] {
+            deleted->clear();
             for (const auto &item : objects(window, items)) {
-                item->deleteSelf();
+                if (item->active()) {
+                    item->deleteSelf();
+                    deleted->append(item->objectID());
+                }
             }
             window.save();
         },
-        [&window, items] {
-            for (const auto &item : objects(window, items)) {
+        [&window, deleted] {
+            for (const auto &item : objects(window, *deleted)) {
                 item->restoreSelf();
             }
             window.save();
