@@ -97,6 +97,25 @@ Change forEachItem(const QList<ZQObjectID> &items, void (ZQLibraryBaseItem::*cha
     };
 }
 
+// Deletes those that are not yet, and says which they were.
+Change deletion(const QList<ZQObjectID> &items, const std::shared_ptr<QList<ZQObjectID>> &deleted)
+{
+    return [items, deleted](ZQManagedObjectContext &context, const Save &save) {
+        deleted->clear();
+        for (qsizetype start = 0; start < items.size(); start += batchSize) {
+            for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context)) {
+                if (item->active()) {
+                    item->deleteSelf();
+                    deleted->append(item->objectID());
+                }
+            }
+            if (!save()) {
+                return;
+            }
+        }
+    };
+}
+
 QString nameFor(WindowContext &window, const QList<ZQObjectID> &ids)
 {
     const auto item = ids.size() == 1 ? window.libraryItem(ids.first()) : ZQRef<ZQLibraryBaseItem>();
@@ -169,8 +188,11 @@ QList<NewOrder> ordersAfterMove(const ZQSidebarBaseItem &project, const QSet<ZQO
 
 void LibraryCommands::deleteItems(const QList<ZQObjectID> &items)
 {
-    push(m_window, nameFor(m_window, items), items.size(), forEachItem(items, &ZQLibraryBaseItem::deleteSelf),
-         forEachItem(items, &ZQLibraryBaseItem::restoreSelf));
+    auto deleted = std::make_shared<QList<ZQObjectID>>(); // what was deleted before is not revived
+    push(m_window, nameFor(m_window, items), items.size(), deletion(items, deleted),
+         [deleted](ZQManagedObjectContext &context, const Save &save) {
+             forEachItem(*deleted, &ZQLibraryBaseItem::restoreSelf)(context, save);
+         });
 }
 
 void LibraryCommands::setDeleted(const QList<ZQObjectID> &items, bool isDeleted)

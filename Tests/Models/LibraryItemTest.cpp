@@ -190,6 +190,8 @@ TEST_F(LibraryItem, DeletingALiveItemHidesItsFileAndRestoringShowsIt)
     const QString hidden = item->itemURL();
     EXPECT_TRUE(QFileInfo(hidden).fileName().startsWith(QLatin1Char('.')));
     EXPECT_TRUE(hidden.endsWith(QStringLiteral(".jpg")));
+    item->hideFileFromFileSystem(); // it is
+    EXPECT_EQ(item->itemURL(), hidden);
     item->restoreSelf();
     EXPECT_TRUE(item->active());
     EXPECT_EQ(item->itemURL(), visible);
@@ -203,6 +205,7 @@ TEST_F(LibraryItem, DeletionIsAnnouncedWhenIdle)
     const auto token = ZQNotificationCenter::defaultCenter().addObserver(
         ZQLibraryBaseItem::didDeleteNotification, nullptr, [&](const ZQNotification &) { ++announced; });
     item->deleteSelf();
+    EXPECT_TRUE(QFileInfo::exists(item->managedItemURL())) << "it lies in the library";
     EXPECT_EQ(announced, 0);
     zqRunMainLoopUntil([&] { return announced > 0; });
     EXPECT_EQ(announced, 1);
@@ -235,6 +238,7 @@ TEST_F(LibraryItem, PurgeRemovesInactiveItemsButKeepsThoseOfAFolderOutOfReach)
     EXPECT_EQ(zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()}), 3);
     // The deleted file of the live folder went to the trash, under its own name.
     EXPECT_TRUE(QDir(QFileInfo(presentVisible).path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/a.jpg"))));
     EXPECT_TRUE(QFileInfo::exists(ofMissing->itemURL()));
 }
 

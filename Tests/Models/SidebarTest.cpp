@@ -142,6 +142,12 @@ TEST_F(Sidebar, AppendingComesLastAlsoAfterRemovals)
               (QStringList{QStringLiteral("member1:1"), QStringLiteral("member2:2"), QStringLiteral("last:3")}));
     // With a gap in front, the index still says the place.
     p->addItem(library.addImage(QStringLiteral("second")).get(), 1);
+    const auto damaged = project(3);
+    for (const auto &membership : damaged->pItems()) {
+        membership->setOrder(0);
+    }
+    damaged->addItem(library.addImage(QStringLiteral("z")).get());
+    EXPECT_EQ(places(damaged).value(3), QStringLiteral("z:3"));
     EXPECT_TRUE(places(p).value(1).startsWith(QStringLiteral("second:")));
     EXPECT_TRUE(places(p).last().startsWith(QStringLiteral("last:")));
 }
@@ -377,10 +383,12 @@ TEST_F(Sidebar, RecentReachesBackSevenDaysInFourGroups)
     const QDateTime hour = now.addSecs(-3600);
     const QDateTime week = now.addDays(-7);
     const QDateTime yesterday = QDate::currentDate().addDays(-1).startOfDay().toUTC();
-    for (const Case &each : {Case{hour.addSecs(60), true, "Last Hour"},
-                             {week.addSecs(60), true, "Last Week"},
-                             {week.addSecs(-60), false, ""},
-                             {yesterday.addSecs(-60), true, "Last Week"}}) {
+    for (const Case &each :
+         {Case{hour.addSecs(60), true, "Last Hour"},
+          {week.addSecs(60), true, "Last Week"},
+          {hour.addSecs(-60), true, hour.addSecs(-60) < yesterday.addDays(1) ? "Yesterday" : "Today"},
+          {week.addSecs(-60), false, ""},
+          {yesterday.addSecs(-60), true, "Last Week"}}) {
         const auto item = library.addImage(QStringLiteral("item"));
         item->setImport_date(each.imported);
         EXPECT_EQ(recent->containsItem(item.get()), each.isRecent) << each.group;

@@ -5,6 +5,7 @@
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
+#include <QFile>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QtTest/QTest>
@@ -97,6 +98,55 @@ TEST_F(LibraryCommandsTest, DeletedItemsAreRestoredByUndo)
     EXPECT_TRUE(images[1]->active());
     EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
     EXPECT_FALSE(library.context().hasChanges()) << "each step is saved";
+}
+
+TEST_F(LibraryCommandsTest, UndoRevivesNothingThatWasDeletedBefore)
+{
+    images[1]->deleteSelf(); // by somebody else, while it was still shown
+    library.context().save();
+    commands.deleteItems(ids({1, 2}));
+    undoStack.undo();
+    EXPECT_FALSE(images[1]->active());
+    EXPECT_TRUE(images[2]->active());
+    images[1]->restoreSelf();
+    undoStack.redo();
+    EXPECT_FALSE(images[1]->active());
+    undoStack.undo();
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+}
+
+TEST_F(LibraryCommandsTest, CopiesGoWithUndoAndTheSameOnesComeBack)
+{
+    const auto active = [this] {
+        return library.context()
+            .countForFetchRequest(
+                {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("active == YES"))})
+            .value_or(-1);
+    };
+    commands.duplicateItems(ids({0, 1}));
+    EXPECT_EQ(active(), 6);
+    undoStack.undo();
+    EXPECT_EQ(active(), 4);
+    undoStack.redo();
+    EXPECT_EQ(active(), 6);
+    EXPECT_EQ(library.context().countForFetchRequest({ZQLibraryBaseItem::entityName()}).value_or(-1), 6);
+    EXPECT_FALSE(library.context().hasChanges());
+}
+
+TEST_F(LibraryCommandsTest, ARenamingIsAStepOnlyWhenItHappened)
+{
+    commands.renameItem(images[0]->objectID(), QStringLiteral("../up"));
+    commands.renameItem(images[0]->objectID(), QString());
+    commands.renameItem(images[0]->objectID(), QStringLiteral("a"));
+    EXPECT_EQ(undoStack.count(), 0);
+    EXPECT_EQ(library.errors.size(), 1);
+    commands.renameItem(images[0]->objectID(), QStringLiteral("new"));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("rename 'a' in 'new'"));
+    undoStack.undo();
+    EXPECT_EQ(images[0]->title(), QStringLiteral("a"));
+    EXPECT_TRUE(QFile::exists(images[0]->itemURL()));
+    undoStack.redo();
+    EXPECT_EQ(images[0]->title(), QStringLiteral("new"));
 }
 
 TEST_F(LibraryCommandsTest, RemovedItemsStayInTheLibraryAndReturnToTheirPlaces)

@@ -1,4 +1,5 @@
 #include "Classes/Interface/SidebarCommands.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
@@ -31,6 +32,7 @@ TEST_F(SidebarCommandsTest, NewItemsGoAfterAProjectIntoAFolderElseToTheEnd)
     undoStack.undo();
     undoStack.undo();
     undoStack.undo();
+    EXPECT_FALSE(folderMade->active());
     EXPECT_EQ(titles(folder), QStringList{"Inside"});
     undoStack.redo();
     EXPECT_EQ(titles(folder), (QStringList{"Inside", "New Folder"}));
@@ -148,22 +150,44 @@ TEST_F(SidebarCommandsTest, DeletingAsksWithTheTextsOfTheSelection)
         SidebarCommands::Items items;
         bool withContent;
         const char *message;
+        const char *informativeText;
         const char *button;
     };
+    const char *const children =
+        "All the child projects will be also deleted, projects items will still remain inside your library.";
+    const char *const childrenAndItems = "All the child projects and their items will be also deleted.";
     const Case cases[] = {
-        {{project}, false, "Are you sure you want to delete this project?", "Delete"},
-        {{live}, false, "Are you sure you want to remove this Live Folder?", "Remove"},
-        {{folder}, false, "Are you sure you want to delete this folder?", "Delete"},
-        {{project, folder}, false, "Are you sure you want to delete these items?", "Delete"},
-        {{project}, true, "Are you sure you want to delete this project and its content?", "Delete"},
-        {{folder}, true, "Are you sure you want to delete this folder and its content?", "Delete"},
-        {{project, folder}, true, "Are you sure you want to delete these items and their content?", "Delete"},
+        {{project},
+         false,
+         "Are you sure you want to delete this project?",
+         "The project items will still remain inside your library.",
+         "Delete"},
+        {{live},
+         false,
+         "Are you sure you want to remove this Live Folder?",
+         "The original folders will still remain on your disk.",
+         "Remove"},
+        {{folder}, false, "Are you sure you want to delete this folder?", children, "Delete"},
+        {{project, folder}, false, "Are you sure you want to delete these items?", children, "Delete"},
+        {{project},
+         true,
+         "Are you sure you want to delete this project and its content?",
+         "All the project items will be deleted from your library.",
+         "Delete"},
+        {{folder}, true, "Are you sure you want to delete this folder and its content?", childrenAndItems, "Delete"},
+        {{project, folder},
+         true,
+         "Are you sure you want to delete these items and their content?",
+         childrenAndItems,
+         "Delete"},
     };
     for (const Case &c : cases) {
         EXPECT_FALSE(c.withContent ? commands.deleteSidebarItemAndRemoveContentFromLibrary(c.items)
                                    : commands.deleteSidebarItem(c.items));
         const UserQuestion question = user.questions.takeLast();
         EXPECT_EQ(question.message, QLatin1StringView(c.message));
+        EXPECT_EQ(question.informativeText, QLatin1StringView(c.informativeText));
+        EXPECT_TRUE(question.isDestructive);
         EXPECT_EQ(question.buttons, (QStringList{QLatin1StringView(c.button), QStringLiteral("Cancel")}));
         EXPECT_EQ(question.suppressionKey, c.withContent ? QStringLiteral("removeFromSidebarAndContentAlertSuppress")
                                                          : QStringLiteral("removeFromSidebarAlertSuppress"));
@@ -189,6 +213,7 @@ TEST_F(SidebarCommandsTest, DeletingWithContentIsOneStepForItemsAndProject)
     EXPECT_TRUE(inside->active());
     EXPECT_EQ(titles(projects), QStringList{"Project"});
     EXPECT_FALSE(undoStack.canUndo());
+    EXPECT_FALSE(library.context().hasChanges()) << "each step is saved";
 }
 
 TEST_F(SidebarCommandsTest, RenamingRefusesAnEmptyTitleAndCanBeUndone)
@@ -198,7 +223,11 @@ TEST_F(SidebarCommandsTest, RenamingRefusesAnEmptyTitleAndCanBeUndone)
     EXPECT_EQ(user.notificationTexts(), QStringList{"Please pick a name!"});
     EXPECT_EQ(user.notifications.first().position, 2);
     EXPECT_EQ(project->title(), QStringLiteral("Old"));
+    int told = 0;
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        QStringLiteral("SidebarItemTitleDidChange"), nullptr, [&](const ZQNotification &) { ++told; });
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("New"), project));
+    EXPECT_EQ(told, 1);
     EXPECT_EQ(undoStack.undoText(), QStringLiteral("rename 'Old' in 'New'"));
     undoStack.undo();
     EXPECT_EQ(project->title(), QStringLiteral("Old"));
@@ -222,6 +251,24 @@ TEST_F(SidebarCommandsTest, TagsNeedANameOfTheirOwn)
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Cafe\u0301"), blue));
     EXPECT_EQ(blue->title(), QStringLiteral("Caf\u00e9"));
     EXPECT_FALSE(commands.validateNewTitle(QStringLiteral("Cafe\u0301"), red));
+}
+
+TEST_F(SidebarCommandsTest, NewTagsAreNumberedAndOnlyGoWhenThePersonAgrees)
+{
+    const Item first = commands.addNewTag();
+    const Item second = commands.addNewTag();
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(first->title(), QStringLiteral("New Tag"));
+    EXPECT_EQ(second->title(), QStringLiteral("New Tag 2"));
+    EXPECT_FALSE(commands.deleteSidebarItem({first, second})); // nobody answers
+    EXPECT_TRUE(first->active() && second->active());
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    EXPECT_TRUE(commands.deleteSidebarItem({first}));
+    EXPECT_FALSE(first->active());
+    ASSERT_EQ(user.questions.size(), 2);
+    EXPECT_EQ(user.questions.first().message, QStringLiteral("Are you sure you want to delete these tags?"));
+    EXPECT_EQ(user.questions.last().message, QStringLiteral("Are you sure you want to delete this tag?"));
+    EXPECT_TRUE(user.questions.last().suppressionKey.isEmpty());
 }
 
 TEST_F(SidebarCommandsTest, ARenamedTagIsWrittenToTheFilesOfAllItTags)
