@@ -1,6 +1,7 @@
 #include "Kit/Files/ZQFileFinder.h"
 
 #include "Kit/Files/ZQFileSearch.h"
+#include "Kit/Files/ZQReplacementWatch.h"
 
 #include <QFile>
 
@@ -40,10 +41,14 @@ ZQFileFinder &ZQFileFinder::shared()
 
 QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &reference, bool waits, const Moved &moved)
 {
+    const bool looksAround = waits || m_waits;
     if (zqIsFile(reference.path, reference.file)) {
+        if (!looksAround && moved && !reference.isFolder) {
+            ZQReplacementWatch::shared().watch(reference.path, reference.file,
+                                               [moved](const QByteArray &path) { moved(QFile::decodeName(path)); });
+        }
         return reference.path;
     }
-    const bool looksAround = waits || m_waits;
     const Stamp folder = stampOf(reference); // before the folder is read: what changes meanwhile is noticed next time
     const auto before = known(data, folder);
     if (before && (!before->path.isEmpty() || before->wasLookedForAround || !looksAround)) {
@@ -128,6 +133,7 @@ QByteArray ZQFileFinder::didFind(const QByteArray &data, const ZQFileReference &
 
 QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
 {
+    ZQReplacementWatch::shared().catchUp(); // while a free place is seen to be free
     const QByteArray found = ZQFileSearch({&reference}, m_inCallers)
                                  .run(zqFolderOf(reference.path), ZQFileSearch::Reach::Folder)
                                  .value(&reference);
@@ -137,8 +143,17 @@ QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
                                  reference.isPutAside(found.mid(found.lastIndexOf('/') + 1));
         return wasReplaced ? reference.path : found;
     }
-    // A folder that moved is found before another one at its old place is taken for it.
-    return !reference.isFolder && reference.isSuccessor(reference.path) ? reference.path : QByteArray();
+    if (reference.isFolder) {
+        return {}; // one that moved is found before another one at its old place is taken for it
+    }
+    auto newcomer = zqLookAtFile(reference.path);
+    if (!newcomer || newcomer->isFolder) {
+        return {};
+    }
+    newcomer->identity.fileSystem = newcomer->identity.birth == 0 ? zqFileSystemOf(reference.path) : 0;
+    const bool isSavedAnew = ZQReplacementWatch::shared().didReplace(reference.file, newcomer->identity) ||
+                             reference.isSuccessor(reference.path);
+    return isSavedAnew ? reference.path : QByteArray();
 }
 
 // Those of one folder are looked for in one go: with a folder all its files are gone.

@@ -196,6 +196,34 @@ TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
     }
 }
 
+TEST_F(MissingFiles, WhatIsSavedOverAFileWhileTheProgramRunsIsThatFile)
+{
+    const QString made = file(QStringLiteral("a.png"), "first");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    std::atomic<int> told = 0;
+    const auto resolve = [&] { return zqURLFromPersistentData(reference, [&told](const QString &) { ++told; }); };
+    const auto save = [&](const QByteArray &contents) {
+        const QString fresh = file(QStringLiteral("saving"), contents);
+        EXPECT_TRUE(rename(fresh, made));
+    };
+    EXPECT_EQ(resolve(), made);
+    save("second");
+    save("third, before anyone asked");
+    EXPECT_EQ(resolve(), made);
+    EXPECT_GE(told, 1); // so that the reference is renewed
+    save("fourth");
+    EXPECT_EQ(resolve(), made);
+
+    const QByteArray renewed = zqDataForPersistentURL(made);
+    const auto ignored = [](const QString &) {};
+    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), made);
+    ASSERT_TRUE(QFile::remove(made));
+    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), QString());
+    write(made, "a newcomer");
+    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), QString());
+    EXPECT_EQ(resolve(), QString());
+}
+
 TEST_F(MissingFiles, ReferencesOfTheFirstFormatAreReadOn)
 {
     const QString made = file(QStringLiteral("a"), "a");
