@@ -211,11 +211,10 @@ QList<ZQRef<ZQProjectItem>> ZQSidebarBaseItem::membershipsOfItems(const QList<ZQ
                 ids.append(QVariant::fromValue(item->objectID()));
             }
         }
-        const auto members =
-            zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("project == %@ AND item IN %@"),
-                                   {QVariant::fromValue(objectID()), ids});
+        // From the items: they are in few projects, while one project may have a hundred thousand members.
+        const auto members = zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("item IN %@"), {ids});
         for (const ZQRef<ZQProjectItem> &member : members.value_or(QList<ZQRef<ZQProjectItem>>())) {
-            if (!seen.contains(member->itemKey())) {
+            if (member->projectKey() == objectID().key && !seen.contains(member->itemKey())) {
                 seen.insert(member->itemKey());
                 memberships.append(member);
             }
