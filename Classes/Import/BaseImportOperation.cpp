@@ -121,11 +121,20 @@ std::shared_ptr<BaseImportOperation> BaseImportOperation::importOperationForFile
 
 BaseImportOperation::BaseImportOperation(const QString &filePath)
     : m_fileData(QVariantMap{{QStringLiteral("tags"), QStringList()}}), m_sourcePath(filePath), m_filePath(filePath),
-      m_readPath(filePath), m_settings(ImportSettings::current())
+      m_readPath(filePath)
 {
 }
 
 BaseImportOperation::~BaseImportOperation() = default;
+
+// A batch has them for all its files: each look at the defaults looks whether their file has changed.
+const ImportSettings &BaseImportOperation::settings()
+{
+    if (!m_settings) {
+        m_settings = ImportSettings::current();
+    }
+    return *m_settings;
+}
 
 void BaseImportOperation::main()
 {
@@ -481,14 +490,14 @@ void BaseImportOperation::addTags(const QStringList &tags)
 
 void BaseImportOperation::importIPTCTags()
 {
-    if (m_settings.importIPTCTags) {
+    if (settings().importIPTCTags) {
         addTags(embeddedKeywords());
     }
 }
 
 void BaseImportOperation::importOpenMetaTags()
 {
-    if (m_settings.importOpenMetaTags && m_hasAttributes) {
+    if (settings().importOpenMetaTags && m_hasAttributes) {
         addTags(OpenMeta::getUserTags(m_filePath).value_or(QStringList()));
         importOpenMetaRating();
     }
@@ -524,7 +533,7 @@ QStringList BaseImportOperation::findColors()
 
 void BaseImportOperation::fillColors()
 {
-    if (!m_settings.useAutoTagging) {
+    if (!settings().useAutoTagging) {
         return;
     }
     const QStringList colors = findColors();

@@ -105,7 +105,7 @@ protected:
     // Writes "___itemBitmap.png" and keeps the bitmap for the thumbnail. False when that dropped the file.
     bool writeRepresentationBitmap(const ZQBitmap &bitmap, const char *invalidMessage, const ZQError &error);
 
-    const ImportSettings &settings() const { return m_settings; }
+    const ImportSettings &settings(); // those that were set, else the person's
     QString sourcePath() const { return m_sourcePath; }
     const QVariantMap &metadata() const { return m_metadata; }
     const ZQObjectID &sidebarItem() const { return m_sidebarItem; }
@@ -135,7 +135,7 @@ private:
     QVariantMap m_metadata;
     ZQObjectID m_sidebarItem;
     QString m_SHA1;
-    ImportSettings m_settings;
+    std::optional<ImportSettings> m_settings;
     ZQFileDates m_sourceDates;
     QDateTime m_importDate;
     ImportedFile *m_slot = nullptr;
