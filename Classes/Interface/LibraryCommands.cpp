@@ -134,8 +134,12 @@ Change removal(const QList<ZQObjectID> &items, const ZQObjectID &from)
 
 QList<ZQObjectID> notYetIn(const ZQSidebarBaseItem &target, const Items &items)
 {
+    const auto memberships = target.membershipsOfItems(items);
+    if (!memberships) {
+        return {};
+    }
     QSet<qint64> present;
-    for (const auto &membership : target.membershipsOfItems(items)) {
+    for (const auto &membership : *memberships) {
         present.insert(membership->itemKey());
     }
     QList<ZQObjectID> fresh;
@@ -218,8 +222,12 @@ void LibraryCommands::removeItems(const QList<ZQObjectID> &items, const ZQObject
     const auto redo = [items, fromSidebarItem, places](ZQManagedObjectContext &context, const Save &save) {
         const auto from = sidebarItem(context, fromSidebarItem);
         const Items all = from ? ZQLibraryBaseItem::itemsWithIDs(items, context) : Items();
+        const auto memberships = from ? from->membershipsOfItems(all) : std::nullopt;
+        if (!memberships) {
+            return; // without their places, removing them could not be taken back
+        }
         QHash<qint64, qint32> orders;
-        for (const auto &membership : from ? from->membershipsOfItems(all) : QList<ZQRef<ZQProjectItem>>()) {
+        for (const auto &membership : *memberships) {
             orders.insert(membership->itemKey(), membership->order());
         }
         places->clear();
@@ -296,8 +304,11 @@ void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID
     const QSet<ZQObjectID> moved(items.begin(), items.end());
     const qint64 rows = project->numberOfItems();
     const auto orders = std::make_shared<QList<NewOrder>>();
-    if (rows <= mostAtOnce && project->membershipsOfItems(objects(m_window, items)).isEmpty()) {
-        return;
+    if (rows <= mostAtOnce) {
+        const auto members = project->membershipsOfItems(objects(m_window, items));
+        if (!members || members->isEmpty()) {
+            return;
+        }
     }
     const auto apply = [orders](ZQManagedObjectContext &context, const Save &save, qint32 NewOrder::*which) {
         QList<ZQRef<ZQProjectItem>> members;

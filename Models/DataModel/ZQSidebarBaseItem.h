@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/_ZQSidebarBaseItem.h"
 
@@ -65,8 +67,9 @@ public:
     virtual void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
     // Takes back what `removeItems` did: each item gets the order again that its membership had.
     void restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders);
-    // The memberships of those of `items` that are members, one an item; a query for every 500.
-    QList<ZQRef<ZQProjectItem>> membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
+    // The memberships of those of `items` that are members, one an item; a query for every 500. Nothing after an error,
+    // which is not the same as none.
+    std::optional<QList<ZQRef<ZQProjectItem>>> membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
     void removeItem(ZQLibraryBaseItem *item);
     void removeProjectItem(ZQProjectItem *projectItem);
     virtual bool containsItem(const ZQLibraryBaseItem *item) const;

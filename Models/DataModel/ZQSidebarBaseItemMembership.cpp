@@ -200,7 +200,8 @@ bool ZQSidebarBaseItem::addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool r
     return true;
 }
 
-QList<ZQRef<ZQProjectItem>> ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const
+std::optional<QList<ZQRef<ZQProjectItem>>>
+ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const
 {
     QList<ZQRef<ZQProjectItem>> memberships;
     QSet<qint64> seen;
@@ -213,7 +214,10 @@ QList<ZQRef<ZQProjectItem>> ZQSidebarBaseItem::membershipsOfItems(const QList<ZQ
         }
         // From the items: they are in few projects, while one project may have a hundred thousand members.
         const auto members = zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("item IN %@"), {ids});
-        for (const ZQRef<ZQProjectItem> &member : members.value_or(QList<ZQRef<ZQProjectItem>>())) {
+        if (!members) {
+            return std::nullopt;
+        }
+        for (const ZQRef<ZQProjectItem> &member : *members) {
             if (member->projectKey() == objectID().key && !seen.contains(member->itemKey())) {
                 seen.insert(member->itemKey());
                 memberships.append(member);
@@ -226,8 +230,12 @@ QList<ZQRef<ZQProjectItem>> ZQSidebarBaseItem::membershipsOfItems(const QList<ZQ
 QList<ZQRef<ZQLibraryBaseItem>> ZQSidebarBaseItem::itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
                                                                  QList<qsizetype> &positions) const
 {
+    const auto memberships = membershipsOfItems(items);
+    if (!memberships) { // whether they are members is not known, and nobody is to be one twice
+        return {};
+    }
     QSet<qint64> taken;
-    for (const ZQRef<ZQProjectItem> &membership : membershipsOfItems(items)) {
+    for (const ZQRef<ZQProjectItem> &membership : *memberships) {
         taken.insert(membership->itemKey());
     }
     QList<ZQRef<ZQLibraryBaseItem>> fresh;
@@ -255,12 +263,15 @@ void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, c
     }
     QList<qsizetype> positions;
     const QList<ZQRef<ZQLibraryBaseItem>> fresh = itemsToInsert(items, positions);
+    if (fresh.isEmpty()) {
+        return;
+    }
     QList<quint32> indexes;
     for (const qsizetype position : std::as_const(positions)) {
         indexes.append(position < atIndexes.size() ? atIndexes.at(position) : appendIndex);
     }
     if (std::all_of(indexes.begin(), indexes.end(), [](quint32 index) { return index == appendIndex; })) {
-        qint32 order = fresh.isEmpty() ? 0 : appendOrder();
+        qint32 order = appendOrder();
         for (const ZQRef<ZQLibraryBaseItem> &item : fresh) {
             insertMembership(item.get(), order++);
         }
@@ -285,14 +296,18 @@ void ZQSidebarBaseItem::insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, c
     const qint64 first = *std::min_element(indexes.begin(), indexes.end());
     const qint64 count = first == 0 ? 0 : zqCount(context, request);
     request.fetchOffset = int(std::max<qint64>(0, std::min(first, count) - 1));
-    auto memberships = zqFetch<ZQProjectItem>(context, request).value_or(QList<ZQRef<ZQProjectItem>>());
-    if (request.fetchOffset > 0 && (memberships.isEmpty() || memberships.first()->order() != request.fetchOffset)) {
+    auto memberships = zqFetch<ZQProjectItem>(context, request);
+    if (memberships && request.fetchOffset > 0 &&
+        (memberships->isEmpty() || memberships->first()->order() != request.fetchOffset)) {
         request.fetchOffset = 0;
-        memberships = zqFetch<ZQProjectItem>(context, request).value_or(QList<ZQRef<ZQProjectItem>>());
+        memberships = zqFetch<ZQProjectItem>(context, request);
+    }
+    if (!memberships) { // without the others' orders there is no place
+        return;
     }
     const qsizetype unread = request.fetchOffset;
     QList<Place> places;
-    for (const ZQRef<ZQProjectItem> &membership : memberships) {
+    for (const ZQRef<ZQProjectItem> &membership : *memberships) {
         places.append({membership->order() - qint32(unread), membership.get(), nullptr});
     }
     // Items for consecutive places, the usual case, go in together.
@@ -333,6 +348,9 @@ void ZQSidebarBaseItem::restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &item
     }
     QList<qsizetype> positions;
     const QList<ZQRef<ZQLibraryBaseItem>> fresh = itemsToInsert(items, positions);
+    if (fresh.isEmpty()) {
+        return;
+    }
     QSet<qint32> wanted;
     for (qsizetype i = 0; i < fresh.size(); ++i) {
         wanted.insert(orders.at(positions.at(i)));
@@ -388,7 +406,8 @@ void ZQSidebarBaseItem::makeRoomAt(qint32 order, const QList<ZQRef<ZQLibraryBase
 
 void ZQSidebarBaseItem::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
-    for (const ZQRef<ZQProjectItem> &membership : membershipsOfItems(items)) {
+    const auto memberships = membershipsOfItems(items);
+    for (const ZQRef<ZQProjectItem> &membership : memberships.value_or(QList<ZQRef<ZQProjectItem>>())) {
         managedObjectContext()->deleteObject(membership.get());
     }
 }
