@@ -1,3 +1,6 @@
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Models/DataModel/ZQLibraryImage.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 
 #include <QFile>
@@ -44,6 +47,70 @@ TEST_F(Duplicates, TheQuestionShowsWhatIsThereAndWhatIsNew)
     EXPECT_EQ(pair.newTitle, QStringLiteral("again"));
     EXPECT_EQ(pair.bytes, QFileInfo(again).size());
     EXPECT_EQ(pair.pixelWidth, 20);
+}
+
+TEST_F(Duplicates, TheQuestionShowsWhereTheExistingOneIsAndBothPictures)
+{
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(true, QStringLiteral("AlwaysMakeThumbsWhileImporting"));
+    const QString large = writeImage(QStringLiteral("large.png"), {700, 30});
+    const auto project = addProject(QStringLiteral("Place"));
+    import({large}, project.get());
+    const auto there = item(QStringLiteral("large"));
+    const QString copy = path(QStringLiteral("copy.png"));
+    ASSERT_TRUE(there && QFile::copy(large, copy));
+    user.answerDuplicates = [&](const QList<DuplicatePair> &pairs) {
+        EXPECT_TRUE(QFile::exists(pairs.first().newThumbPath));
+        EXPECT_TRUE(pairs.first().newThumbPath.endsWith(QStringLiteral("/copy_thumb.png")));
+        return QList<DuplicateChoice>(); // shorter than the question: what is not answered is kept
+    };
+    import({copy});
+    ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("AlwaysMakeThumbsWhileImporting"));
+    ASSERT_EQ(user.duplicates.size(), 1);
+    const DuplicatePair &pair = user.duplicates.first();
+    EXPECT_EQ(pair.existingPlaces, QStringList{QStringLiteral("Place")});
+    EXPECT_EQ(pair.existingThumbPath, there->thumbURL());
+    EXPECT_EQ(pair.existingImportDate, there->import_date());
+    EXPECT_EQ(pair.newPath, copy);
+    EXPECT_EQ(pair.pixelHeight, 30);
+    EXPECT_TRUE(item(QStringLiteral("copy")));
+}
+
+TEST_F(Duplicates, EveryCopyInTheBatchIsDecidedAboutAndTheQuestionsFollowTheDrop)
+{
+    const QString b = writeImage(QStringLiteral("b.png"), {30, 30});
+    import({b});
+    const QString third = path(QStringLiteral("third.png"));
+    const QString otherB = path(QStringLiteral("other b.png"));
+    ASSERT_TRUE(QFile::copy(source, third) && QFile::copy(b, otherB));
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>{DuplicateChoice::KeepBoth} +
+               QList<DuplicateChoice>(pairs.size() - 1, DuplicateChoice::Discard);
+    };
+    const auto operation = import({otherB, again, third});
+    ASSERT_EQ(user.duplicates.size(), 2);
+    EXPECT_EQ(user.duplicates.first().newPath, otherB);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("other b")}));
+    EXPECT_EQ(itemDirectories().size(), 3);
+    QStringList dropped = droppedPaths(operation->report());
+    EXPECT_EQ(dropped, (QStringList{again, third}));
+}
+
+TEST_F(Duplicates, AreFoundAmongMoreThanOneQueryTakes)
+{
+    constexpr int count = 520;
+    QStringList sources;
+    for (int i = 0; i < count; ++i) {
+        sources.append(writeImage(QStringLiteral("many/%1.png").arg(i), {2, 2}));
+        const auto there = context().insertNewObject<ZQLibraryImage>();
+        there->setSHA1(QString::fromLatin1(zqSHA1OfFile(sources.last())));
+        there->setBundleID(QStringLiteral("there %1").arg(i));
+        there->setActive(true);
+    }
+    delegate->saveAction();
+    answer(DuplicateChoice::Discard);
+    import(sources);
+    EXPECT_EQ(user.duplicates.size(), count);
+    EXPECT_EQ(itemDirectories().size(), 1);
 }
 
 TEST_F(Duplicates, DiscardingLeavesOneItemAndOneDirectory)
