@@ -1,4 +1,4 @@
-#include "Tests/Support/AttributeFaults.h"
+#include "Tests/Classes/Tags/AttributeFaults.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/TagBackupStore.h"
 #include "Classes/Tags/TagFileWriter.h"

@@ -1,7 +1,7 @@
 #include "Classes/Tags/AttributeRoom.h"
 #include "Classes/Tags/TagFileWriter.h"
+#include "Tests/Classes/Tags/AttributeFaults.h"
 #include "Tests/Classes/Tags/TagsFixture.h"
-#include "Tests/Support/AttributeFaults.h"
 #include "Tests/Support/Skip.h"
 
 #include <sys/stat.h>

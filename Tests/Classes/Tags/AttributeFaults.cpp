@@ -1,4 +1,4 @@
-#include "Tests/Support/AttributeFaults.h"
+#include "Tests/Classes/Tags/AttributeFaults.h"
 
 #include <QByteArray>
 #include <QHash>
