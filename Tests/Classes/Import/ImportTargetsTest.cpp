@@ -99,9 +99,8 @@ TEST_F(ImportTargets, FoldersKeepTheirOrderAtThePlaceOfTheDrop)
     const auto operation = import(
         {path(QStringLiteral("drop/Empty")), path(QStringLiteral("drop/B")), loose, path(QStringLiteral("drop/A"))},
         projectsLabel().get(), 1);
-    EXPECT_EQ(childTitles(*projectsLabel()),
-              before.mid(0, 1) + QStringList{QStringLiteral("New Project"), QStringLiteral("B"), QStringLiteral("A")} +
-                  before.mid(1));
+    const QStringList made{QStringLiteral("New Project"), QStringLiteral("B"), QStringLiteral("A")};
+    EXPECT_EQ(childTitles(*projectsLabel()), before.mid(0, 1) + made + before.mid(1));
     const auto b = projectsLabel()->orderedChildren().at(2);
     EXPECT_EQ(childTitles(*b), (QStringList{QStringLiteral("B"), QStringLiteral("Sub 9"), QStringLiteral("Sub 10")}));
     EXPECT_EQ(titles(b->orderedChildren().first()->items()), (QStringList{QStringLiteral("2"), QStringLiteral("10")}));
