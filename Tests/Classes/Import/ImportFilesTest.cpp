@@ -106,7 +106,8 @@ TEST_F(ImportFiles, APictureIsMeasuredAsItIsShown)
     EXPECT_TRUE(item(QStringLiteral("two"))->animated());
     EXPECT_EQ(item(QStringLiteral("page"))->extension(), QStringLiteral("tiff"));
     EXPECT_EQ(droppedPaths(operation->report()), QStringList{lying});
-    EXPECT_TRUE(operation->report().dropped().first().reason.contains(QStringLiteral("40000 × 40000")));
+    EXPECT_TRUE(operation->report().dropped().first().reason.contains(QStringLiteral("is damaged or incomplete")))
+        << operation->report().dropped().first().reason.toStdString();
 }
 
 TEST_F(ImportFiles, KeywordsAreTakenOnceAndOnlyWhenThatIsWanted)
@@ -134,7 +135,7 @@ TEST_F(ImportFiles, KeywordsAreTakenOnceAndOnlyWhenThatIsWanted)
 TEST_F(ImportFiles, WhatOtherProgramsWroteIsTakenOnlyWhenThatIsWanted)
 {
     const QString source = writeImage(QStringLiteral("a.png"), {20, 20});
-    if (!OpenMeta::setUserTags({QStringLiteral("Client")}, source).isNull()) {
+    if (!OpenMeta::setUserTags(QStringList{QStringLiteral("Client")}, source).isNull()) {
         return skipWithout("extended attributes");
     }
     ASSERT_TRUE(OpenMeta::setRating(3, source).isNull());
@@ -258,7 +259,7 @@ TEST_F(ImportFiles, TagsOfTheTargetAndOfTheFileReachTheFile)
     const auto tag = addTag(QStringLiteral("Wanted"));
     set("UseAutoTagging", false);
     const QString source = writeImage(QStringLiteral("a.png"), {20, 20});
-    if (!OpenMeta::setUserTags({QStringLiteral("Client")}, source).isNull()) {
+    if (!OpenMeta::setUserTags(QStringList{QStringLiteral("Client")}, source).isNull()) {
         return skipWithout("extended attributes");
     }
     import({source}, tag.get());

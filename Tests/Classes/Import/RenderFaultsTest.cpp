@@ -58,7 +58,8 @@ TEST_F(RenderFaultsTest, APersonIsToldOnceThatProgramsCannotBeConfined)
         writeFile(QStringLiteral("a.ai"), SampleFormats::epsFile({40, 20}, "5 5 9 9 rectfill showpage"));
     for (int i = 0; i < 2; ++i) {
         const auto operation = import({drawing, writeImage(QStringLiteral("p%1.png").arg(i), {30, 20 + i})});
-        EXPECT_EQ(operation->report().imported().size(), 1);
+        EXPECT_EQ(operation->report().imported().size(), 1)
+            << operation->report().dropped().last().reason.toStdString();
         ASSERT_EQ(operation->report().dropped().size(), 1);
         EXPECT_TRUE(operation->report().dropped().first().reason.contains(QStringLiteral("Landlock")))
             << operation->report().dropped().first().reason.toStdString();
