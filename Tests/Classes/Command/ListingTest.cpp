@@ -163,27 +163,16 @@ TEST_F(ListingTest, VerifyLooksAtEveryItemOfALargeLibrary)
     EXPECT_EQ(object().value(QStringLiteral("problems")).toArray().size(), 501);
 }
 
-TEST_F(ListingTest, AChangeThatCannotBeSavedIsTakenBackAndAPurgeRemovesNothing)
+TEST_F(ListingTest, AChangeThatCannotBeSavedIsTakenBack)
 {
     picture(QStringLiteral("in/a.png"), qRgb(1, 2, 3));
     ASSERT_EQ(run("import in/a.png"), 0);
     const auto made = item(QStringLiteral("a"));
-    const QString directory = made->bundleURL();
     ASSERT_NO_FATAL_FAILURE(changeElsewhere(made));
     EXPECT_NE(run(QStringList{QStringLiteral("delete"), made->bundleID()}), 0);
     EXPECT_FALSE(context.errors.isEmpty());
     EXPECT_FALSE(store().hasChanges());
     EXPECT_EQ((run("items --json"), array().size()), 1);
-
-    store().reset();
-    ASSERT_EQ(run(QStringList{QStringLiteral("delete"), QFileInfo(directory).completeBaseName()}), 0)
-        << context.errors.constData();
-    const auto deleted = item(QStringLiteral("a")); // held as it was read
-    ASSERT_TRUE(deleted);
-    ASSERT_NO_FATAL_FAILURE(changeElsewhere(deleted));
-    EXPECT_NE(run("purge"), 0);
-    EXPECT_TRUE(context.errors.contains("nothing was removed")) << context.errors.constData();
-    EXPECT_TRUE(QFileInfo::exists(directory));
 }
 
 TEST_F(ListingTest, AnImportThatItsAskerGaveUpKeepsNothing)
