@@ -183,7 +183,7 @@ void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path
     if (m_journal) {
         const qint64 line = m_journal->willWrite(bundleID, tags.isSaved);
         merge.willTouch = [journal = m_journal, line] { journal->bringToDisk(line); };
-        merge.done = [journal = m_journal] { journal->didWrite(); };
+        merge.done = [journal = m_journal, path] { journal->didWrite(path); };
     }
     if (m_adoption) {
         merge.adopt = [adoption = m_adoption, bundleID](const FileTagsChange &change) {

@@ -118,7 +118,7 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
                                       }},
                                      true);
     }
-    if (!isCheckingLeftovers()) {
+    if (!m_parts.crashReporter) { // nothing asks for the check, which ends this; the reporter does so later
         LibraryBundleManager::rememberMadeDirectories(false);
     }
     setApplicationLauched(true);

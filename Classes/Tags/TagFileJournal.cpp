@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -94,11 +95,17 @@ void TagFileJournal::bringToDisk(qint64 line)
     }
 }
 
-void TagFileJournal::didWrite()
+void TagFileJournal::didWrite(const QString &path)
 {
+    struct stat status = {};
+    const QString folder = path.isEmpty() ? QString() : QFileInfo(path).path();
+    const bool isKnown = !folder.isEmpty() && ::stat(QFile::encodeName(folder).constData(), &status) == 0;
     {
         const std::lock_guard lock(m_mutex);
         --m_outstanding;
+        if (isKnown) {
+            m_touched.insert(status.st_dev, folder);
+        }
     }
     emptyIfSettled();
 }
@@ -117,20 +124,33 @@ bool TagFileJournal::isSettled() const
 void TagFileJournal::emptyIfSettled()
 {
     qint64 lines = 0;
+    QStringList folders;
     {
         const std::lock_guard lock(m_mutex);
         if (!isSettled()) {
             return;
         }
         lines = m_lines;
+        folders = m_touched.values();
     }
     // Attributes wait in memory for a while; a line that is gone before they arrive would not have them written again.
-    if (syncfs(m_file) != 0) {
+    if (!flush(folders)) {
         return;
     }
     const std::lock_guard lock(m_mutex);
     if (isSettled() && m_lines == lines && ftruncate(m_file, 0) == 0) {
         m_isEmpty = true;
         m_noted.clear();
+        m_touched.clear();
     }
+}
+
+// Files outside the library may lie on other disks than the journal. A folder that is gone has nothing to be flushed.
+bool TagFileJournal::flush(const QStringList &folders)
+{
+    return std::all_of(folders.begin(), folders.end(), [](const QString &folder) {
+        const ZQFileDescriptor opened(
+            ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        return opened.isOpen() ? ::syncfs(opened.get()) == 0 : errno == ENOENT || errno == ENOTDIR;
+    });
 }

@@ -26,13 +26,15 @@ public:
     // Before the file is touched: returns when the line of `willWrite` is on the disk. Those noted meanwhile come
     // along, so that many writes cost few flushes.
     void bringToDisk(qint64 line);
-    void didWrite(); // once for each `willWrite`, after it, on a thread that may wait for the disk
-    void didSave();  // the store is on disk with everything noted so far; `emptyIfSettled` is due
-    // Brings the files to the disk and empties the journal when nothing is outstanding. Waits for the disk.
+    // Once for each `willWrite`, after `path` was written to, on a thread that may wait for the disk.
+    void didWrite(const QString &path = {});
+    void didSave(); // the store is on disk with everything noted so far; `emptyIfSettled` is due
+    // Brings the files to their disks and empties the journal when nothing is outstanding. Waits for the disk.
     void emptyIfSettled();
 
 private:
     bool isSettled() const; // with the lock held
+    static bool flush(const QStringList &folders);
 
     std::mutex m_mutex;
     int m_file = -1;
@@ -44,4 +46,5 @@ private:
     qint64 m_outstanding = 0;
     bool m_isAllSaved = true;
     bool m_isEmpty = true;
+    QHash<quint64, QString> m_touched; // a folder of each file system written to since it was last emptied
 };

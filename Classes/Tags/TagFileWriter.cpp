@@ -168,7 +168,7 @@ void TagFileWriter::replace(const QString &path, const QStringList &tags, const 
     } else {
         complain(path, error, !tags.isEmpty());
     }
-    if (notes) {
+    if (notes) { // of a copy: a comment that cannot be read counts as none
         putNotes(path, *notes, OpenMeta::getFinderComment(path).value_or(QString()));
     }
     if (rating) {

@@ -4,6 +4,8 @@
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 
+#include <QTimer>
+
 #include <algorithm>
 #include <atomic>
 #include <thread>
@@ -41,7 +43,10 @@ protected:
 class LogReporter : public CrashReporting
 {
 public:
-    void start(Callbacks callbacks, bool) override { callbacks.applicationLog(); }
+    void start(Callbacks callbacks, bool) override
+    {
+        QTimer::singleShot(0, [callbacks] { callbacks.applicationLog(); });
+    }
 };
 
 } // namespace
@@ -195,10 +200,14 @@ TEST_F(LeftoverCheck, OffersToResumeImportsOnlyOnceItKnowsWhatTheyLeft)
     });
     delegate.applicationWillFinishLaunching();
     delegate.applicationDidFinishLaunching();
+    const QString made = QFileInfo(LibraryBundleManager::newLibraryItemBundlePath()).fileName();
+    EXPECT_TRUE(LibraryBundleManager::didMake(made)); // until the check, which is still to come, has seen it
+    zqRunMainLoopUntil([&] { return imports.calls.contains(QStringLiteral("resume")); });
+    EXPECT_FALSE(LibraryBundleManager::didMake(made));
     zqRunMainLoopUntil([&] { return !delegate.isCheckingLeftovers(); });
     delegate.waitForRemovals();
     EXPECT_FALSE(wasOfferedBefore);
     EXPECT_EQ(imports.calls.count(QStringLiteral("resume")), 1);
     EXPECT_TRUE(user.questions.isEmpty());
-    EXPECT_EQ(directories(), 1);
+    EXPECT_EQ(directories(), 2); // of the item, and what this process made
 }

@@ -1,14 +1,20 @@
 #include "Classes/Tags/TagFileJournal.h"
+#include "Tests/Support/Skip.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
+
+QSet<quint64> flushedFileSystems;
 
 struct Journal : testing::Test
 {
@@ -21,6 +27,16 @@ struct Journal : testing::Test
 };
 
 } // namespace
+
+// The linker takes a program's own function before the C library's.
+extern "C" int syncfs(int file) noexcept
+{
+    struct stat status = {};
+    if (fstat(file, &status) == 0) {
+        flushedFileSystems.insert(status.st_dev);
+    }
+    return int(syscall(SYS_syncfs, file));
+}
 
 TEST_F(Journal, AKilledProcessLeavesWhatIsNotBothWrittenAndSaved)
 {
@@ -42,6 +58,32 @@ TEST_F(Journal, AKilledProcessLeavesWhatIsNotBothWrittenAndSaved)
     EXPECT_EQ(afterKill(), QStringList{b}); // written, and not saved
     journal.didSave();
     journal.emptyIfSettled();
+    EXPECT_EQ(size(), 0);
+}
+
+TEST_F(Journal, IsEmptiedOnceEveryDiskThatWasWrittenToHasIt)
+{
+    const QTemporaryDir elsewhere(QStringLiteral("/dev/shm/journal-XXXXXX"));
+    const auto deviceOf = [](const QString &file) {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(file).constData(), &status) == 0 ? quint64(status.st_dev) : 0;
+    };
+    if (!elsewhere.isValid() || deviceOf(elsewhere.path()) == deviceOf(folder.path())) {
+        return skipWithout("a second file system at /dev/shm");
+    }
+    TagFileJournal journal(path);
+    flushedFileSystems.clear();
+    journal.willWrite(a, true);
+    journal.willWrite(b, true);
+    journal.didWrite(folder.filePath(QStringLiteral("a.png")));
+    EXPECT_TRUE(flushedFileSystems.isEmpty()); // one write is left
+    journal.didWrite(elsewhere.filePath(QStringLiteral("b.png")));
+    EXPECT_EQ(flushedFileSystems, (QSet<quint64>{deviceOf(folder.path()), deviceOf(elsewhere.path())}));
+    EXPECT_EQ(size(), 0);
+    flushedFileSystems.clear();
+    journal.willWrite(a, true);
+    journal.didWrite(folder.filePath(QStringLiteral("gone/a.png"))); // with its folder
+    EXPECT_TRUE(flushedFileSystems.isEmpty());
     EXPECT_EQ(size(), 0);
 }
 
