@@ -122,7 +122,11 @@ int handOver(const QString &bundle, const QStringList &arguments, CommandContext
     const auto reply =
         InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath(), {}}, &error);
     if (!reply) {
-        return context.fail(inUse.localizedDescription());
+        const bool hasEnded =
+            error.domain == InstanceServer::errorDomain && error.code == InstanceServer::EndedMeanwhile;
+        const QString what =
+            zqLocalized("%@ What it had not finished of an import, `zelto import --resume` goes on with.");
+        return context.fail(hasEnded ? zqFormat(what, {error.localizedDescription()}) : inUse.localizedDescription());
     }
     context.output += reply->output;
     context.errors += reply->errors;
@@ -241,6 +245,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     }
     InstanceServer server(LibraryLock::socketNameForBundle(bundle),
                           [&](const InstanceRequest &request) { return serve(request, delegate); });
+    server.setIsReady([&delegate] { return delegate.applicationLauched(); });
     if (!server.listen(&error)) {
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }

@@ -48,6 +48,7 @@ void CoreDataMigrationWindowController::advanceBy(double items)
 
 void CoreDataMigrationWindowController::showWhile(const std::function<void()> &work)
 {
+    setMaximum(0); // how far it is cannot be told, only that it goes on
     std::atomic_bool isDone = false;
     std::jthread thread([&] {
         work();
@@ -56,6 +57,7 @@ void CoreDataMigrationWindowController::showWhile(const std::function<void()> &w
     while (!isDone) {
         draw(std::chrono::milliseconds(20));
     }
+    setMaximum(1);
 }
 
 void CoreDataMigrationWindowController::hideWindow()

@@ -131,6 +131,9 @@ void tamberin_AppDelegate::removeLeftovers(const QStringList &leftovers, const Q
         endLeftoverCheck(lost, true);
         return;
     }
+    constexpr qsizetype named = 50;
+    qCInfo(zqLogApplication).noquote() << "Removing" << leftovers.size()
+                                       << "item directories of no item:" << leftovers.mid(0, named).join(u' ');
     const QString library = libraryDirectory();
     m_leftoverQueue->addOperationWithBlock([place = LeftoverSearch::Place{library, {}, {}, {}, m_coordinator},
                                             leftovers, lost, stop = m_leftoverStop.get_token()] {

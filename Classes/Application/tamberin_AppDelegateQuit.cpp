@@ -1,5 +1,6 @@
 // Quitting: what runs is drained, state is kept, what was deleted goes for good.
 
+#include "Classes/Application/LeftoverSearch.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -100,9 +101,13 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
         }
         return TerminateReply::Now; // what could not be saved is still listed by the store, so its files stay
     }
+    // Those of an earlier quit that was called off as well; what the store names after all stays.
     const QString library = libraryDirectory();
-    for (qsizetype first = 0; first < purgedDirectories.size() && !library.isEmpty(); first += pathsPerRemoval) {
-        deleteFilesAtPaths(purgedDirectories.mid(first, pathsPerRemoval), library);
+    LeftoverSearch search({library, {}, {}, {}, m_coordinator});
+    const QStringList purged =
+        library.isEmpty() ? QStringList() : search.unnamedOf(m_notedRemovals).value_or(QStringList());
+    for (qsizetype first = 0; first < purged.size(); first += pathsPerRemoval) {
+        deleteFilesAtPaths(purged.mid(first, pathsPerRemoval), library);
     }
     if (!m_parts.importManager || !m_parts.importManager->cutOffImportSince()) { // which may need what lies there
         deleteFilesAtPaths(TemporaryArea::takeForRemoval(), {});

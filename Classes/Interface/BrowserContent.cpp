@@ -436,7 +436,7 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
 
 QString BrowserContent::emptyText() const
 {
-    if (!m_isLoaded) {
+    if (!m_isLoaded || m_isAskedAnew) {
         return {};
     }
     if (!m_error.isNull()) {

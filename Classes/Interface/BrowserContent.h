@@ -23,6 +23,8 @@ public:
     void dropObjects(); // what is shown changed: reads it again when painted
     // Null unless the rows could not be read; then there are none, and `emptyText` says why.
     const ZQError &error() const { return m_error; }
+    // Whether what is shown is not yet that of the sidebar items and the filter.
+    bool isLoading() const { return m_isAskedAnew; }
     qint64 unfilteredCount() const { return m_unfilteredCount; }
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;

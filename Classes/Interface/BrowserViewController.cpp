@@ -255,6 +255,9 @@ QString BrowserViewController::countText() const
     if (!m_content->error().isNull()) {
         return {}; // how many there are is not known
     }
+    if (m_content->isLoading()) {
+        return {}; // yet
+    }
     const qint64 count = m_content->count();
     return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
 }

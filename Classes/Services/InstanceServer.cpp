@@ -10,10 +10,12 @@
 #include <QJsonObject>
 #include <QLocalSocket>
 #include <QPointer>
+#include <QTimer>
 
 namespace {
 constexpr qint64 largestRequest = 16 << 20;
 constexpr int connectMilliseconds = 2000;
+constexpr int retryMilliseconds = 50;
 const QString busName = QStringLiteral("org.zelto.Zelto");
 const QString busPath = QStringLiteral("/org/zelto/Zelto");
 
@@ -46,7 +48,7 @@ bool InstanceServer::listen(ZQError *error)
     if (m_server.listen(m_socketName)) {
         return true;
     }
-    zqSetError(error, ZQError::with(QStringLiteral("zelto.instance"), 1, m_server.errorString()));
+    zqSetError(error, ZQError::with(errorDomain, NotListening, m_server.errorString()));
     return false;
 }
 
@@ -67,6 +69,10 @@ void InstanceServer::readFrom(QLocalSocket *socket)
         return;
     }
     if (!socket->canReadLine()) {
+        return;
+    }
+    if (m_isReady && !m_isReady()) {
+        QTimer::singleShot(retryMilliseconds, socket, [this, socket] { readFrom(socket); });
         return;
     }
     const QJsonObject request = QJsonDocument::fromJson(socket->readLine()).object();
@@ -94,7 +100,7 @@ std::optional<InstanceReply> InstanceServer::send(const QString &socketName, con
     QLocalSocket socket;
     socket.connectToServer(socketName);
     if (!socket.waitForConnected(connectMilliseconds)) {
-        zqSetError(error, ZQError::with(QStringLiteral("zelto.instance"), 2, socket.errorString()));
+        zqSetError(error, ZQError::with(errorDomain, NobodyAnswers, socket.errorString()));
         return std::nullopt;
     }
     socket.write(line({{QStringLiteral("arguments"), QJsonArray::fromStringList(request.arguments)},
@@ -104,7 +110,7 @@ std::optional<InstanceReply> InstanceServer::send(const QString &socketName, con
     while (!received.endsWith('\n')) {
         if (!socket.bytesAvailable() && !socket.waitForReadyRead(-1)) {
             zqSetError(error,
-                       ZQError::with(QStringLiteral("zelto.instance"), 3,
+                       ZQError::with(errorDomain, EndedMeanwhile,
                                      zqLocalized("The Zelto that has this library open ended before it answered.")));
             return std::nullopt;
         }

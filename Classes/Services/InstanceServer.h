@@ -40,9 +40,13 @@ public:
     ~InstanceServer() override;
 
     bool listen(ZQError *error = nullptr);
+    // While this says no, as during the launch, requests wait. Some event loops deliver them whatever they are told.
+    void setIsReady(std::function<bool()> isReady) { m_isReady = std::move(isReady); }
     // Offers the desktop's activation; false when there is no session bus or another Zelto offers it.
     bool registerOnSessionBus(std::function<void(const QStringList &paths)> open);
 
+    enum Error { NotListening = 1, NobodyAnswers, EndedMeanwhile };
+    static inline const QString errorDomain = QStringLiteral("zelto.instance");
     // The other side: nothing, with an error, when nobody answers on that socket. Waits for the reply as long as the
     // work takes.
     static std::optional<InstanceReply> send(const QString &socketName, const InstanceRequest &request,
@@ -53,5 +57,6 @@ private:
 
     QString m_socketName;
     Handler m_handler;
+    std::function<bool()> m_isReady; // null: always
     QLocalServer m_server;
 };

@@ -149,7 +149,7 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
     }
     // A store that cannot be written works without them.
     if (!zqUpdateIndexes(connection, *m_model) ||
-        !(isMigrated ? zqGatherStatistics(connection) : zqUpdateStatistics(connection, *m_model))) {
+        !(isMigrated ? zqGatherStatistics(connection, *m_model) : zqUpdateStatistics(connection, *m_model))) {
         qCInfo(zqLogStore, "indexes as they were: %s", qUtf8Printable(connection.error().localizedDescription()));
     }
     return true;

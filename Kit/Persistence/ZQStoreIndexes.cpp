@@ -18,6 +18,7 @@ constexpr int sampledEntries = 1000;
 // Below this, every plan is quick.
 constexpr qint64 rowsWorthStatistics = 1000;
 constexpr qint64 growthThatOutdates = 4;
+const QString statisticsKey = QStringLiteral("statisticsTakenAt"); // the last keys then, added up
 
 QString conditionText(const Condition &condition)
 {
@@ -137,28 +138,25 @@ std::optional<Difference> differenceFrom(ZQSQLiteConnection &connection, const Z
     return difference;
 }
 
-// How many rows the planner believes a table to have; 0 when it was never looked at.
-qint64 rowsInStatistics(ZQSQLiteConnection &connection, const QString &table)
+// Keys are never given twice, so the last ones tell how much was ever added, without counting rows.
+qint64 lastKeys(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model)
 {
-    // The first number of each line is that of the index's entries, which are fewer in a partial one.
-    return connection
-        .value(QStringLiteral("SELECT max(CAST(\"stat\" AS INTEGER)) FROM sqlite_stat1 WHERE \"tbl\" = ?"), {table})
-        .toLongLong();
+    qint64 sum = 0;
+    for (const ZQEntityDescription *root : zqRootEntities(model)) {
+        sum += connection.value(QStringLiteral("SELECT max(\"id\") FROM ") + zqQuoted(root->tableName)).toLongLong();
+    }
+    return sum;
 }
 
 bool areStatisticsOutdated(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model)
 {
-    const bool areThere =
+    const bool isTable =
         connection.value(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE \"name\" = 'sqlite_stat1'")).toInt() >
         0;
-    const QList<const ZQEntityDescription *> roots = zqRootEntities(model);
-    return std::any_of(roots.begin(), roots.end(), [&](const ZQEntityDescription *root) {
-        // Keys only grow, so the last one is no less than the number of rows, and found without counting them.
-        const qint64 rows =
-            connection.value(QStringLiteral("SELECT max(\"id\") FROM ") + zqQuoted(root->tableName)).toLongLong();
-        return rows > rowsWorthStatistics &&
-               (!areThere || rows / growthThatOutdates > rowsInStatistics(connection, root->tableName));
-    });
+    const bool areThere = isTable && connection.value(QStringLiteral("SELECT count(*) FROM sqlite_stat1")).toInt() > 0;
+    const qint64 keys = lastKeys(connection, model);
+    const qint64 noted = zqReadMetadata(connection, statisticsKey).value_or(QVariant()).toLongLong();
+    return keys > rowsWorthStatistics && (!areThere || keys / growthThatOutdates > noted);
 }
 
 } // namespace
@@ -225,13 +223,14 @@ bool zqUpdateIndexes(ZQSQLiteConnection &connection, const ZQManagedObjectModel 
         statements.append(QStringLiteral("DROP INDEX ") + zqQuoted(name));
     }
     const bool isDone = zqExecuteAll(connection, statements);
-    return connection.execute(QStringLiteral("PRAGMA temp_store=MEMORY")) && isDone && zqGatherStatistics(connection);
+    return connection.execute(QStringLiteral("PRAGMA temp_store=MEMORY")) && isDone &&
+           zqGatherStatistics(connection, model);
 }
 
 // `PRAGMA optimize` would look at less: only at tables that its own connection asked, which before closing are none.
 // And it would undo the second step: the number of entries is an estimate from one look at each index, so that of two
 // of a table with as many entries the one with the luckier look seems shorter, and lists are read along it.
-bool zqGatherStatistics(ZQSQLiteConnection &connection)
+bool zqGatherStatistics(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model)
 {
     if (!connection.execute(QStringLiteral("PRAGMA analysis_limit=%1").arg(sampledEntries))) {
         return false;
@@ -243,10 +242,11 @@ bool zqGatherStatistics(ZQSQLiteConnection &connection)
                "WHERE o.\"tbl\" = sqlite_stat1.\"tbl\") || substr(\"stat\", instr(\"stat\" || ' ', ' ')) "
                "WHERE \"idx\" NOT IN (SELECT i.\"name\" FROM sqlite_master m, pragma_index_list(m.\"name\") i "
                "WHERE m.\"type\" = 'table' AND i.\"partial\")")) &&
-           connection.execute(QStringLiteral("ANALYZE sqlite_master")) && transaction.commit();
+           connection.execute(QStringLiteral("ANALYZE sqlite_master")) &&
+           zqWriteMetadata(connection, statisticsKey, lastKeys(connection, model)) && transaction.commit();
 }
 
 bool zqUpdateStatistics(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model)
 {
-    return !areStatisticsOutdated(connection, model) || zqGatherStatistics(connection);
+    return !areStatisticsOutdated(connection, model) || zqGatherStatistics(connection, model);
 }

@@ -30,6 +30,6 @@ bool zqUpdateIndexes(ZQSQLiteConnection &connection, const ZQManagedObjectModel 
 
 // Has the planner look at a sample of each index: milliseconds at any size. Not within a transaction. False after an
 // error.
-bool zqGatherStatistics(ZQSQLiteConnection &connection); // in any case
-// When it has not yet, or the store has grown to a multiple since.
+bool zqGatherStatistics(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model); // in any case
+// When it has not yet, or as many rows were added since as make it a multiple.
 bool zqUpdateStatistics(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model);

@@ -385,23 +385,38 @@ QList<qint32> ZQSidebarBaseItem::takenOrders(const QSet<qint32> &orders) const
     return taken;
 }
 
+// There may be a hundred thousand members behind, and the first gap, mostly near, ends it.
 void ZQSidebarBaseItem::makeRoomAt(qint32 order, const QList<ZQRef<ZQLibraryBaseItem>> &returning)
 {
+    constexpr int growth = 16;
     QSet<qint64> staying;
     for (const ZQRef<ZQLibraryBaseItem> &item : returning) {
         staying.insert(item->objectID().key);
     }
-    const auto behind = zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("project == %@ AND order >= %@"),
-                                               {QVariant::fromValue(objectID()), order}, {{QStringLiteral("order")}})
-                            .value_or(QList<ZQRef<ZQProjectItem>>());
-    qint32 next = order + 1;
-    for (const ZQRef<ZQProjectItem> &member : behind) {
-        if (member->order() >= next) {
-            break;
+    const auto moves = [&](const ZQRef<ZQProjectItem> &member) {
+        return member->order() > order || !staying.contains(member->itemKey());
+    };
+    ZQFetchRequest request = membershipRequest();
+    request.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@ AND order >= %@"),
+                                                         {QVariant::fromValue(objectID()), order});
+    for (request.fetchLimit = 64;; request.fetchLimit *= growth) {
+        const auto behind =
+            zqFetch<ZQProjectItem>(*managedObjectContext(), request).value_or(QList<ZQRef<ZQProjectItem>>());
+        qint32 next = order + 1;
+        qsizetype count = 0;
+        for (; count < behind.size() && behind.at(count)->order() < next; ++count) {
+            next += moves(behind.at(count)) ? 1 : 0;
         }
-        if (member->order() > order || !staying.contains(member->itemKey())) {
-            member->setOrder(next++);
+        if (count == behind.size() && behind.size() == request.fetchLimit) {
+            continue; // the gap is farther away
         }
+        next = order + 1;
+        for (const ZQRef<ZQProjectItem> &member : behind.first(count)) {
+            if (moves(member)) {
+                member->setOrder(next++);
+            }
+        }
+        return;
     }
 }
 

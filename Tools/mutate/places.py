@@ -31,6 +31,8 @@ TEXT_CALLS = {"zqLocalized", "zqFormat", "tr", "zqTrace"}
 # What cannot be switched at run time, or is not code.
 NOT_INTO = {K.STATIC_ASSERT, K.ENUM_DECL, K.ENUM_CONSTANT_DECL, K.PARM_DECL, K.TEMPLATE_TYPE_PARAMETER,
             K.TEMPLATE_NON_TYPE_PARAMETER, K.CONCEPT_DECL if hasattr(K, "CONCEPT_DECL") else K.STATIC_ASSERT}
+# What brings to the disk, wherever it stands in an expression, and what it answers when it worked.
+FLUSHES = {"fsync": b"0", "fdatasync": b"0", "syncfs": b"0", "zqSyncFileSystem": b"true", "zqSyncToDisk": b"true", "zqSyncFolder": b"true"}
 FUNCTIONS = {K.FUNCTION_DECL, K.CXX_METHOD, K.CONSTRUCTOR, K.DESTRUCTOR, K.CONVERSION_FUNCTION, K.FUNCTION_TEMPLATE}
 MOVED = {b"<": b"<=", b"<=": b"<", b">": b">=", b">=": b">"}
 TOKENS = re.compile(rb"""//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\d(?:'?[\w.])*|'(?:\\.|[^'\\\n])*'|\n""", re.S)
@@ -142,6 +144,10 @@ class Finder:
                                                        self.text[cursor.extent.start.offset:][:40]) is not None
 
     def expression(self, cursor, kind, children):
+        if kind == K.CALL_EXPR and cursor.spelling in FLUSHES:
+            start, end = self.extent(cursor)
+            answer = FLUSHES[cursor.spelling]
+            self.add("call", start, end, b"(zqMutant(#) ? " + answer + b" : (", b"))", answer)
         if kind == K.IF_STMT:
             self.if_statement(cursor, children)
         elif kind == K.CONDITIONAL_OPERATOR and len(children) == 3:

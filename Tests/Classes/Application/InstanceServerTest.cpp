@@ -2,11 +2,13 @@
 
 #include "Kit/Operations/ZQMainThread.h"
 
+#include <QLocalServer>
 #include <QLocalSocket>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <sys/socket.h>
 #include <thread>
 
@@ -46,4 +48,49 @@ TEST(InstanceServer, ARequestIsAnsweredAndOneWhoseAskerGoesAwayIsAbandoned)
     EXPECT_EQ(reply->exitStatus, 3);
     EXPECT_EQ(reply->output, "a b");
     EXPECT_EQ(reply->errors, "/x");
+}
+
+TEST(InstanceServer, WhatIsAskedBeforeItIsReadyWaits)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    bool isReady = false;
+    int served = 0;
+    InstanceServer server(name, [&](const InstanceRequest &) {
+        EXPECT_TRUE(isReady);
+        ++served;
+        return InstanceReply{};
+    });
+    server.setIsReady([&isReady] { return isReady; });
+    ASSERT_TRUE(server.listen());
+    std::optional<InstanceReply> reply;
+    std::thread asker([&] { reply = InstanceServer::send(name, {{QStringLiteral("a")}, QStringLiteral("/x"), {}}); });
+    zqRunMainLoopFor(std::chrono::milliseconds(200));
+    EXPECT_EQ(served, 0);
+    isReady = true;
+    zqRunMainLoopUntil([&served] { return served > 0; });
+    zqRunMainLoopUntil([&reply] { return reply.has_value(); });
+    asker.join();
+    EXPECT_EQ(served, 1);
+}
+
+TEST(InstanceServer, AnAnswererThatEndsIsToldFromNone)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    ZQError error;
+    EXPECT_FALSE(InstanceServer::send(name, {{QStringLiteral("a")}, QStringLiteral("/x"), {}}, &error));
+    EXPECT_EQ(error.code, InstanceServer::NobodyAnswers);
+    QLocalServer ending;
+    ASSERT_TRUE(ending.listen(name));
+    QObject::connect(&ending, &QLocalServer::newConnection, &ending,
+                     [&ending] { ending.nextPendingConnection()->abort(); });
+    std::atomic<bool> isOver = false;
+    std::thread asker([&] {
+        InstanceServer::send(name, {{QStringLiteral("a")}, QStringLiteral("/x"), {}}, &error);
+        isOver = true;
+    });
+    zqRunMainLoopUntil([&isOver] { return isOver.load(); });
+    asker.join();
+    EXPECT_EQ(error.code, InstanceServer::EndedMeanwhile);
 }
