@@ -1,7 +1,6 @@
 #include "Kit/Files/ZQFileFinder.h"
 
 #include "Kit/Files/ZQFileSearch.h"
-#include "Kit/Files/ZQReplacementWatch.h"
 
 #include <QFile>
 
@@ -43,10 +42,6 @@ QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &ref
 {
     const bool looksAround = waits || m_waits;
     if (zqIsFile(reference.path, reference.file)) {
-        if (!looksAround && moved && !reference.isFolder) {
-            ZQReplacementWatch::shared().watch(reference.path, reference.file,
-                                               [moved](const QByteArray &path) { moved(QFile::decodeName(path)); });
-        }
         return reference.path;
     }
     const Stamp folder = stampOf(reference); // before the folder is read: what changes meanwhile is noticed next time
@@ -133,7 +128,6 @@ QByteArray ZQFileFinder::didFind(const QByteArray &data, const ZQFileReference &
 
 QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
 {
-    ZQReplacementWatch::shared().catchUp(); // while a free place is seen to be free
     const QByteArray found = ZQFileSearch({&reference}, m_inCallers)
                                  .run(zqFolderOf(reference.path), ZQFileSearch::Reach::Folder)
                                  .value(&reference);
@@ -146,14 +140,7 @@ QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
     if (reference.isFolder) {
         return {}; // one that moved is found before another one at its old place is taken for it
     }
-    auto newcomer = zqLookAtFile(reference.path);
-    if (!newcomer || newcomer->isFolder) {
-        return {};
-    }
-    newcomer->identity.fileSystem = newcomer->identity.birth == 0 ? zqFileSystemOf(reference.path) : 0;
-    const bool isSavedAnew = ZQReplacementWatch::shared().didReplace(reference.file, newcomer->identity) ||
-                             reference.isSuccessor(reference.path);
-    return isSavedAnew ? reference.path : QByteArray();
+    return reference.isSuccessor(reference.path) ? reference.path : QByteArray();
 }
 
 // Those of one folder are looked for in one go: with a folder all its files are gone.

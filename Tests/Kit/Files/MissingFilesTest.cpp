@@ -196,32 +196,22 @@ TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
     }
 }
 
-TEST_F(MissingFiles, WhatIsSavedOverAFileWhileTheProgramRunsIsThatFile)
+TEST_F(MissingFiles, AStrangerThatTakesTheNameAtOnceIsNotTheFile)
 {
-    const QString made = file(QStringLiteral("a.png"), "first");
-    const QByteArray reference = zqDataForPersistentURL(made);
     std::atomic<int> told = 0;
-    const auto resolve = [&] { return zqURLFromPersistentData(reference, [&told](const QString &) { ++told; }); };
-    const auto save = [&](const QByteArray &contents) {
-        const QString fresh = file(QStringLiteral("saving"), contents);
-        EXPECT_TRUE(rename(fresh, made));
-    };
-    EXPECT_EQ(resolve(), made);
-    save("second");
-    save("third, before anyone asked");
-    EXPECT_EQ(resolve(), made);
-    EXPECT_GE(told, 1); // so that the reference is renewed
-    save("fourth");
-    EXPECT_EQ(resolve(), made);
-
-    const QByteArray renewed = zqDataForPersistentURL(made);
-    const auto ignored = [](const QString &) {};
-    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), made);
-    ASSERT_TRUE(QFile::remove(made));
-    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), QString());
-    write(made, "a newcomer");
-    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), QString());
-    EXPECT_EQ(resolve(), QString());
+    const auto count = [&told](const QString &) { ++told; };
+    constexpr int times = 100;
+    for (int i = 0; i < times; ++i) {
+        const QString made = file(QStringLiteral("%1.png").arg(i), noise(2000, 1));
+        const QByteArray reference = zqDataForPersistentURL(made);
+        EXPECT_EQ(zqURLFromPersistentData(reference, count), made);
+        const QString stranger = file(QStringLiteral("stranger"), noise(2000, quint32(i) + 2));
+        ASSERT_TRUE(QFile::remove(made) && rename(stranger, made));
+        EXPECT_EQ(zqURLFromPersistentData(reference, count), QString());
+        EXPECT_EQ(zqFindPersistentURL(reference), QString());
+    }
+    zqWaitForPersistentURLSearches();
+    EXPECT_EQ(told, 0);
 }
 
 TEST_F(MissingFiles, ReferencesOfTheFirstFormatAreReadOn)
