@@ -28,28 +28,41 @@ void FileReferenceRenewal::applyLater()
     });
 }
 
-void FileReferenceRenewal::apply()
+QList<ZQRef<ZQLibraryBaseItem>> FileReferenceRenewal::renew(const QList<Found> &batch, ZQManagedObjectContext &context)
 {
-    ZQManagedObjectContext *const context = m_delegate.managedObjectContext();
-    const QList<Found> batch = m_found.mid(0, atATime);
-    m_found.remove(0, batch.size());
     QList<ZQRef<ZQLibraryBaseItem>> renewed;
     for (const Found &found : batch) {
-        const auto item =
-            context ? zqCast<ZQLibraryBaseItem>(context->existingObjectWithID(found.item)) : ZQRef<ZQLibraryBaseItem>();
-        const bool isMeant = item && !item->managed() && item->itemURLData() == found.reference;
-        const QByteArray reference = isMeant ? zqDataForPersistentURL(found.path) : QByteArray();
-        if (!reference.isEmpty()) {
-            item->setItemURLData(reference);
+        ZQError error;
+        const auto item = zqCast<ZQLibraryBaseItem>(context.existingObjectWithID(found.item, &error));
+        if (!error.isNull() || found.renewed.isEmpty()) {
+            zqTellPersistentURLAgain(found.reference);
+        } else if (item && !item->managed() && item->itemURLData() == found.reference) {
+            item->setItemURLData(found.renewed);
             renewed.append(item);
         }
     }
+    return renewed;
+}
+
+void FileReferenceRenewal::apply()
+{
+    const QList<Found> batch = m_found.mid(0, atATime);
+    m_found.remove(0, batch.size());
+    ZQManagedObjectContext *const context = m_delegate.managedObjectContext();
+    if (!context) {
+        for (const Found &found : batch) {
+            zqTellPersistentURLAgain(found.reference);
+        }
+    }
+    const auto renewed = context ? renew(batch, *context) : QList<ZQRef<ZQLibraryBaseItem>>();
     ZQError error;
     if (!renewed.isEmpty() && !context->save(&error)) {
         qCWarning(zqLogFiles).noquote() << "Where files were moved to was not saved yet:"
                                         << error.localizedDescription();
     }
-    for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(renewed)) {
+    const auto kept = zqPrefetch(renewed, QStringLiteral("tags"));
+    for (const ZQRef<ZQLibraryBaseItem> &item : renewed) {
+        item->writeOpenMetaToDisk();
         ZQNotificationCenter::defaultCenter().postNotification(ZQLibraryBaseItem::dataDidUpdateNotification,
                                                                static_cast<ZQManagedObject *>(item.get()));
     }

@@ -1,17 +1,20 @@
 #pragma once
 
+#include "Kit/Foundation/ZQRef.h"
 #include "Kit/Persistence/ZQObjectID.h"
 
 #include <QByteArray>
 #include <QList>
-#include <QString>
 
 #include <memory>
 
+class ZQLibraryBaseItem;
+class ZQManagedObjectContext;
 class tamberin_AppDelegate;
 
 // Brings into the store where files of unmanaged items were found, many at a save: with a folder all its files move.
-// Main thread. Made with `make_shared`.
+// Each file gets its item's tags, which could not be written while it was missing. An item that cannot be read now is
+// told of again when its file is asked for the next time. Main thread. Made with `make_shared`.
 class FileReferenceRenewal : public std::enable_shared_from_this<FileReferenceRenewal>
 {
 public:
@@ -19,7 +22,7 @@ public:
     {
         ZQObjectID item;
         QByteArray reference; // which led elsewhere
-        QString path;
+        QByteArray renewed;   // empty when the file is gone again
     };
 
     explicit FileReferenceRenewal(tamberin_AppDelegate &delegate) : m_delegate(delegate) {}
@@ -28,6 +31,7 @@ public:
 private:
     void applyLater();
     void apply();
+    QList<ZQRef<ZQLibraryBaseItem>> renew(const QList<Found> &batch, ZQManagedObjectContext &context);
 
     tamberin_AppDelegate &m_delegate;
     QList<Found> m_found;

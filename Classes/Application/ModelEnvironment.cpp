@@ -8,6 +8,7 @@
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/TagFileJournal.h"
 #include "Classes/Tags/TagFileWriter.h"
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -151,11 +152,12 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
     });
 }
 
-void ModelEnvironment::fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QString &path)
+bool ModelEnvironment::fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QByteArray &renewed)
 {
     if (m_renewal) {
-        m_renewal->add({item, reference, path});
+        m_renewal->add({item, reference, renewed});
     }
+    return m_renewal != nullptr;
 }
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
@@ -169,9 +171,17 @@ void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QStr
     queueMerging(bundleID, path, tags);
 }
 
-void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags)
+void ModelEnvironment::writeTagsToMovedFileOfItem(const QString &bundleID, const QByteArray &reference,
+                                                  const ZQFileTags &tags)
+{
+    queueMerging(bundleID, {}, tags, [reference] { return zqFindPersistentURL(reference); });
+}
+
+void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags,
+                                    const std::function<QString()> &find)
 {
     TagFileWriter::Merge merge{.path = path,
+                               .find = find,
                                .library = valuesOf(tags),
                                .takesRating = !tags.rating,
                                .ratingIsMeant = tags.ratingIsMeant,

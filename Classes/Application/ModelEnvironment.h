@@ -4,6 +4,7 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
+#include <functional>
 #include <memory>
 
 class FileReferenceRenewal;
@@ -28,9 +29,11 @@ public:
     std::optional<ZQFileTags> tagsAfterReadingFile(const QString &path, const ZQFileTags &present) override;
     void didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
-    void fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QString &path) override;
+    bool fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QByteArray &renewed) override;
     void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
+    void writeTagsToMovedFileOfItem(const QString &bundleID, const QByteArray &reference,
+                                    const ZQFileTags &tags) override;
     bool writesTagsToFiles() override;
 
     // At launch, with the store open: has the tags written again that a killed process was writing. Main thread.
@@ -39,7 +42,8 @@ public:
     void closeTagFiles();
 
 private:
-    void queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags);
+    void queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags,
+                      const std::function<QString()> &find = {});
 
     tamberin_AppDelegate &m_delegate;
     std::shared_ptr<TagFileJournal> m_journal;

@@ -12,6 +12,7 @@ int changeItems(const QStringList &references, CommandContext &context, void (*c
     if (!items) {
         return 2;
     }
+    ZQLibraryBaseItem::lookForFiles(*items);
     for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
         change(*item);
     }

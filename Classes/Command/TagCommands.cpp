@@ -182,7 +182,7 @@ int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
     int status = finish(*items, "1 item rated", "%d items rated", context);
     const bool hasFraction = stars > 0 && rating != stars && ZQLibraryEnvironment::current().writesTagsToFiles();
     for (const ZQRef<ZQLibraryBaseItem> &item : status == 0 && hasFraction ? *items : Items()) {
-        const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(item->itemURL(), rating);
+        const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(item->findItemURL(), rating);
         if (!error.isNull()) {
             status = context.fail(
                 zqFormat(zqLocalized("“%@” was not rated: %@"), {item->title(), error.localizedDescription()}));

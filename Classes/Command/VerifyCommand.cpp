@@ -22,7 +22,7 @@ struct Findings
 void checkItem(ZQLibraryBaseItem &item, bool deep, Findings &findings)
 {
     const QString name = item.title() + QStringLiteral(" (") + item.bundleID() + u')';
-    const QString path = item.itemURL();
+    const QString path = item.findItemURL();
     if (path.isEmpty() || !QFileInfo::exists(path)) {
         findings.problems.append(zqFormat(zqLocalized("%@: the file is missing"), {name}));
         return;

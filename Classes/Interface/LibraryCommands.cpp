@@ -87,7 +87,9 @@ Change forEachItem(const QList<ZQObjectID> &items, void (ZQLibraryBaseItem::*cha
 {
     return [items, change](ZQManagedObjectContext &context, const Save &save) {
         for (qsizetype start = 0; start < items.size(); start += batchSize) {
-            for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context)) {
+            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context);
+            ZQLibraryBaseItem::lookForFiles(batch);
+            for (const auto &item : batch) {
                 (item.get()->*change)();
             }
             if (!save()) {
@@ -103,7 +105,9 @@ Change deletion(const QList<ZQObjectID> &items, const std::shared_ptr<QList<ZQOb
     return [items, deleted](ZQManagedObjectContext &context, const Save &save) {
         deleted->clear();
         for (qsizetype start = 0; start < items.size(); start += batchSize) {
-            for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context)) {
+            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context);
+            ZQLibraryBaseItem::lookForFiles(batch);
+            for (const auto &item : batch) {
                 if (item->active()) {
                     item->deleteSelf();
                     deleted->append(item->objectID());

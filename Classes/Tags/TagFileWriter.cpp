@@ -236,11 +236,18 @@ void TagFileWriter::merge(const Merge &merge)
 
 void TagFileWriter::mergeWithFile(Merge request)
 {
-    m_queue.addOperationWithBlock([this, request = std::move(request)] {
-        if (request.willTouch) {
-            request.willTouch();
+    m_queue.addOperationWithBlock([this, request = std::move(request)]() mutable {
+        if (request.find) {
+            request.path = request.find();
         }
-        merge(request);
+        if (request.path.isEmpty()) {
+            qCInfo(zqLogTags) << "A file is missing; it gets its tags when it is found";
+        } else {
+            if (request.willTouch) {
+                request.willTouch();
+            }
+            merge(request);
+        }
         if (request.done) {
             request.done();
         }

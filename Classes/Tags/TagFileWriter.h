@@ -31,6 +31,7 @@ public:
     struct Merge
     {
         QString path;
+        std::function<QString()> find; // gives the path, where it takes a search, on the queue's thread
         FileTags library;
         bool takesRating = false;   // the library knows of no rating: the file's stays
         bool ratingIsMeant = false; // the rating was given just now: it replaces the file's

@@ -1,7 +1,6 @@
 #include "Kit/Files/ZQFileFinder.h"
 
 #include "Kit/Files/ZQFileSearch.h"
-#include "Kit/Files/ZQReplacementWatch.h"
 
 #include <QFile>
 
@@ -43,15 +42,15 @@ QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &ref
 {
     const bool looksAround = waits || m_waits;
     if (zqIsFile(reference.path, reference.file)) {
-        if (!looksAround && moved && !reference.isFolder) {
-            ZQReplacementWatch::shared().watch(reference.path, reference.file,
-                                               [moved](const QByteArray &path) { moved(QFile::decodeName(path)); });
-        }
         return reference.path;
+    }
+    if (looksAround) {
+        waitUntilLookedFor(data);
     }
     const Stamp folder = stampOf(reference); // before the folder is read: what changes meanwhile is noticed next time
     const auto before = known(data, folder);
     if (before && (!before->path.isEmpty() || before->wasLookedForAround || !looksAround)) {
+        tell(data, before->path, moved);
         return before->path;
     }
     const QByteArray near = before ? QByteArray() : findInFolder(reference);
@@ -62,13 +61,18 @@ QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &ref
                     .path = {},
                     .identity = {},
                     .folder = folder,
-                    .wasLookedForAround = looksAround});
+                    .wasLookedForAround = false,
+                    .isTold = false});
     const Wanted wanted{data, reference, moved};
     if (!looksAround) {
         findBeside(wanted);
         return {};
     }
     findAround({wanted}, m_inCallers);
+    {
+        const std::lock_guard lock(m_mutex);
+        didLookAround(data);
+    }
     return known(data, folder).value_or(Known()).path;
 }
 
@@ -78,11 +82,27 @@ ZQFileFinder::Stamp ZQFileFinder::stampOf(const ZQFileReference &reference)
     return folder ? Stamp{folder->identity.inode, folder->modification, folder->change} : Stamp();
 }
 
-std::chrono::steady_clock::time_point ZQFileFinder::trustedUntil(const Stamp &folder)
+std::chrono::nanoseconds ZQFileFinder::uptime() const
+{
+    const std::chrono::nanoseconds set(m_time);
+    return set.count() != 0 ? set : std::chrono::steady_clock::now().time_since_epoch();
+}
+
+std::chrono::nanoseconds ZQFileFinder::timeOfDay() const
+{
+    const std::chrono::nanoseconds set(m_time);
+    return set.count() != 0 ? set : std::chrono::system_clock::now().time_since_epoch();
+}
+
+void ZQFileFinder::setTime(std::optional<std::chrono::nanoseconds> time)
+{
+    m_time = time ? time->count() : 0;
+}
+
+std::chrono::nanoseconds ZQFileFinder::trustedUntil(const Stamp &folder) const
 {
     const std::chrono::nanoseconds changed(std::max(folder.modification, folder.change));
-    const bool isSettled = std::chrono::system_clock::now().time_since_epoch() - changed > coarseTick;
-    return std::chrono::steady_clock::now() + (isSettled ? remembered : rememberedInBetween);
+    return uptime() + (timeOfDay() - changed > coarseTick ? remembered : rememberedInBetween);
 }
 
 std::optional<ZQFileFinder::Known> ZQFileFinder::known(const QByteArray &data, const Stamp &folder)
@@ -98,7 +118,7 @@ std::optional<ZQFileFinder::Known> ZQFileFinder::known(const QByteArray &data, c
     if (known && !known->path.isEmpty()) {
         return zqIsFile(known->path, known->identity) ? known : std::nullopt;
     }
-    const bool holds = known && known->folder == folder && std::chrono::steady_clock::now() < known->until;
+    const bool holds = known && known->folder == folder && uptime() < known->until;
     return holds ? known : std::nullopt;
 }
 
@@ -122,18 +142,54 @@ QByteArray ZQFileFinder::didFind(const QByteArray &data, const ZQFileReference &
     if (!found || found->isFolder != reference.isFolder) {
         return {};
     }
-    Known known{.until = {}, .path = path, .identity = found->identity, .folder = folder, .wasLookedForAround = true};
+    Known known{.until = {},
+                .path = path,
+                .identity = found->identity,
+                .folder = folder,
+                .wasLookedForAround = true,
+                .isTold = false};
     known.identity.fileSystem = known.identity.birth == 0 ? zqFileSystemOf(path) : 0;
     remember(data, known);
-    if (moved) {
-        moved(QFile::decodeName(path));
-    }
+    tell(data, path, moved);
     return path;
+}
+
+void ZQFileFinder::tell(const QByteArray &data, const QByteArray &path, const Moved &moved)
+{
+    if (path.isEmpty() || !moved) {
+        return;
+    }
+    const std::lock_guard lock(m_mutex);
+    const auto place = m_known.find(data);
+    if (place != m_known.end() && !std::exchange(place->isTold, true)) {
+        m_tellings.append({path, moved});
+        startWork();
+    }
+}
+
+void ZQFileFinder::tellAgain(const QByteArray &data)
+{
+    const std::lock_guard lock(m_mutex);
+    if (const auto place = m_known.find(data); place != m_known.end()) {
+        place->isTold = false;
+    }
+}
+
+void ZQFileFinder::waitUntilLookedFor(const QByteArray &data)
+{
+    std::unique_lock lock(m_mutex);
+    m_idle.wait(lock, [&] { return !m_lookedFor.contains(data); });
+}
+
+void ZQFileFinder::didLookAround(const QByteArray &data)
+{
+    if (const auto place = m_known.find(data); place != m_known.end()) {
+        place->wasLookedForAround = true;
+    }
 }
 
 QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
 {
-    ZQReplacementWatch::shared().catchUp(); // while a free place is seen to be free
     const QByteArray found = ZQFileSearch({&reference}, m_inCallers)
                                  .run(zqFolderOf(reference.path), ZQFileSearch::Reach::Folder)
                                  .value(&reference);
@@ -146,14 +202,7 @@ QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
     if (reference.isFolder) {
         return {}; // one that moved is found before another one at its old place is taken for it
     }
-    auto newcomer = zqLookAtFile(reference.path);
-    if (!newcomer || newcomer->isFolder) {
-        return {};
-    }
-    newcomer->identity.fileSystem = newcomer->identity.birth == 0 ? zqFileSystemOf(reference.path) : 0;
-    const bool isSavedAnew = ZQReplacementWatch::shared().didReplace(reference.file, newcomer->identity) ||
-                             reference.isSuccessor(reference.path);
-    return isSavedAnew ? reference.path : QByteArray();
+    return reference.isSuccessor(reference.path) ? reference.path : QByteArray();
 }
 
 // Those of one folder are looked for in one go: with a folder all its files are gone.
@@ -204,6 +253,12 @@ void ZQFileFinder::findBeside(const Wanted &wanted)
 {
     const std::lock_guard lock(m_mutex);
     m_wanted.append(wanted);
+    m_lookedFor.insert(wanted.data);
+    startWork();
+}
+
+void ZQFileFinder::startWork()
+{
     if (!std::exchange(m_isWorking, true)) {
         m_thread.start([this] { work(); });
     }
@@ -212,16 +267,25 @@ void ZQFileFinder::findBeside(const Wanted &wanted)
 void ZQFileFinder::work()
 {
     std::unique_lock lock(m_mutex);
-    while (!m_wanted.isEmpty()) {
+    while (!m_wanted.isEmpty() || !m_tellings.isEmpty()) {
         const QList<Wanted> wanted = std::exchange(m_wanted, {});
         lock.unlock();
         findAround(wanted, m_beside);
         lock.lock();
         for (const Wanted &each : wanted) {
-            if (const auto place = m_known.find(each.data); place != m_known.end()) {
-                place->wasLookedForAround = true;
-            }
+            didLookAround(each.data);
+            m_lookedFor.remove(each.data);
         }
+        for (const Wanted &again : std::as_const(m_wanted)) {
+            m_lookedFor.insert(again.data);
+        }
+        m_idle.notify_all();
+        const QList<Telling> tellings = std::exchange(m_tellings, {});
+        lock.unlock();
+        for (const Telling &telling : tellings) {
+            telling.moved(QFile::decodeName(telling.path));
+        }
+        lock.lock();
     }
     m_isWorking = false;
     m_idle.notify_all();

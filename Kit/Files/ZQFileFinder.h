@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QThreadPool>
 
 #include <atomic>
@@ -12,6 +13,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <optional>
 
 // What the process knows of files that are not where their references say: found ones, missing ones, and those being
 // looked for on a thread of its own. One for the process; any thread.
@@ -22,10 +24,18 @@ public:
 
     static ZQFileFinder &shared();
 
-    // Empty when it is missing, or being looked for.
+    // Where the file of `reference`, which is `data` decoded, is now. Without `waits` only its folder is read, and that
+    // not again while a miss is remembered; empty then means missing or being looked for. With it the answer is final,
+    // and what is being looked for on the thread is waited for rather than looked for twice. `moved` is called on the
+    // thread, once for what is remembered as found elsewhere; it must not wait for a search.
     QByteArray find(const QByteArray &data, const ZQFileReference &reference, bool waits, const Moved &moved);
+    // Has `moved` called again at the next `find`, when what it said could not be used.
+    void tellAgain(const QByteArray &data);
+    // From now on every `find` waits. Searches that run on the thread go on.
     void setWaits(bool waits) { m_waits = waits; }
     void setRoots(const QList<QByteArray> &roots);
+    // The time since 1970 that counts instead of the real one; nothing: the real one again. For tests.
+    void setTime(std::optional<std::chrono::nanoseconds> time);
     ZQPersistentURLCounts counts() const { return {m_inCallers, m_beside}; }
     void forget();
     void wait();
@@ -41,11 +51,12 @@ private:
     };
     struct Known
     {
-        std::chrono::steady_clock::time_point until; // for a missing one
-        QByteArray path;                             // empty: missing
+        std::chrono::nanoseconds until{}; // for a missing one
+        QByteArray path;                  // empty: missing
         ZQFileIdentity identity;
         Stamp folder;
         bool wasLookedForAround = false;
+        bool isTold = false;
     };
     struct Wanted
     {
@@ -53,17 +64,30 @@ private:
         ZQFileReference reference;
         Moved moved;
     };
+    struct Telling
+    {
+        QByteArray path;
+        Moved moved;
+    };
 
     ZQFileFinder();
     static Stamp stampOf(const ZQFileReference &reference);
-    static std::chrono::steady_clock::time_point trustedUntil(const Stamp &folder);
+    std::chrono::nanoseconds uptime() const;
+    std::chrono::nanoseconds timeOfDay() const;
+    std::chrono::nanoseconds trustedUntil(const Stamp &folder) const;
+    // What still holds: a found file that is there, a miss whose folder and time did not run out.
     std::optional<Known> known(const QByteArray &data, const Stamp &folder);
+    // Takes the place of what was known of `data`; the oldest goes when there are too many. Nobody is told.
     void remember(const QByteArray &data, const Known &known);
+    void waitUntilLookedFor(const QByteArray &data);
+    void didLookAround(const QByteArray &data); // with the lock
+    void tell(const QByteArray &data, const QByteArray &path, const Moved &moved);
     QByteArray didFind(const QByteArray &data, const ZQFileReference &reference, const QByteArray &path,
                        const Stamp &folder, const Moved &moved);
     QByteArray findInFolder(const ZQFileReference &reference);
     void findAround(QList<Wanted> wanted, std::atomic<qint64> &looked);
     void findBeside(const Wanted &wanted);
+    void startWork(); // with the lock
     void work();
 
     std::mutex m_mutex;
@@ -71,9 +95,12 @@ private:
     QHash<QByteArray, Known> m_known;
     std::deque<QByteArray> m_order; // of m_known, oldest first
     QList<Wanted> m_wanted;
+    QSet<QByteArray> m_lookedFor; // those of m_wanted, and those the thread is at
+    QList<Telling> m_tellings;
     QList<QByteArray> m_roots;
     bool m_isWorking = false;
     std::atomic<bool> m_waits = false;
+    std::atomic<qint64> m_time = 0; // nanoseconds; 0: the real one
     std::atomic<qint64> m_inCallers = 0;
     std::atomic<qint64> m_beside = 0;
     QThreadPool m_thread;

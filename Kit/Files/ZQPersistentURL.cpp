@@ -55,6 +55,11 @@ QString zqFindPersistentURL(const QByteArray &data)
     return resolved(data, true, {});
 }
 
+void zqTellPersistentURLAgain(const QByteArray &data)
+{
+    ZQFileFinder::shared().tellAgain(data);
+}
+
 void zqSetPersistentURLsWait(bool wait)
 {
     ZQFileFinder::shared().setWaits(wait);
@@ -74,6 +79,11 @@ void zqSetPersistentURLRoots(const QStringList &paths)
 ZQPersistentURLCounts zqPersistentURLCounts()
 {
     return ZQFileFinder::shared().counts();
+}
+
+void zqSetPersistentURLTime(std::optional<std::chrono::nanoseconds> since1970)
+{
+    ZQFileFinder::shared().setTime(since1970);
 }
 
 void zqForgetPersistentURLs()

@@ -4,7 +4,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
+#include <optional>
 
 // References to files that survive renaming and moving on their volume: opaque bytes with a format number that hold the
 // file system's identity, inode, birth time, last path, the identity of the nearest ancestor folder, and as much of a
@@ -18,17 +20,18 @@ QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents conte
 
 // Where the file is now, or nothing (an empty text): the last path when it still has that inode and birth time; the
 // same folder; the last path again, when what took its place there is that file saved by replacing it, which its
-// contents say, or the old one beside it under a name such as "a.png~", or that the name was never free while the
-// program ran. Any other newcomer is not the file.
+// contents say, or the old one beside it under a name such as "a.png~". Any other newcomer is not the file.
 //
 // What is in none of these places is looked for around that folder and in the watched roots, once and beside the
-// caller, who gets nothing meanwhile. `moved` is called, on some thread, once when the file is found elsewhere than the
-// reference says, so that it can be renewed. A miss is remembered for a minute, as long as the last folder does not
-// change, and no folder is looked into then.
+// caller, who gets nothing meanwhile. `moved` is called once, on the thread that looks for files, when the file is
+// found elsewhere than the reference says, so that it can be renewed; it must not wait for a search. A miss is
+// remembered for a minute, as long as the last folder does not change, and no folder is looked into then.
 QString zqURLFromPersistentData(const QByteArray &data, const std::function<void(const QString &path)> &moved = {});
 
 // The same for those who need the answer at once and can wait for it: up to some ten thousand entries of folders.
 QString zqFindPersistentURL(const QByteArray &data);
+// Has `moved` called anew the next time, when the reference could not be renewed.
+void zqTellPersistentURLAgain(const QByteArray &data);
 // For a process whose caller can always wait, as a command has no window: both functions are the same then.
 void zqSetPersistentURLsWait(bool wait);
 
@@ -42,6 +45,7 @@ struct ZQPersistentURLCounts
     qint64 entriesBeside = 0;
 };
 ZQPersistentURLCounts zqPersistentURLCounts();
+void zqSetPersistentURLTime(std::optional<std::chrono::nanoseconds> since1970); // instead of the real one
 void zqForgetPersistentURLs();             // what was remembered, as after that minute
 void zqWaitForPersistentURLSearches();     // those beside the callers
 constexpr int zqMostPersistentURLs = 8192; // remembered at a time

@@ -109,6 +109,7 @@ ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManag
     QStringList directories;
     const auto memberships = zqPrefetch(*inactive, QStringLiteral("projectsItems"));
     const auto tags = zqPrefetch(*inactive, QStringLiteral("tags"));
+    lookForFiles(*inactive);
     for (const ZQRef<ZQLibraryBaseItem> &item : *inactive) {
         const ZQRef<ZQSidebarWatchedFolder> folder = item->watchingFolder();
         if (folder && (folder->is_missing() || folder->is_trashed())) {
@@ -144,12 +145,25 @@ QString ZQLibraryBaseItem::itemURL() const
         return managedItemURL();
     }
     const QByteArray reference = itemURLData();
-    return reference.isEmpty() ? QString()
-                               : zqURLFromPersistentData(reference, [id = objectID(), reference](const QString &path) {
-                                     zqOnMainThread([id, reference, path] {
-                                         ZQLibraryEnvironment::current().fileOfItemDidMove(id, reference, path);
-                                     });
-                                 });
+    return reference.isEmpty()
+               ? QString()
+               : zqURLFromPersistentData(reference, [id = objectID(), reference](const QString &path) {
+                     const QByteArray renewed = zqDataForPersistentURL(path); // here, since it reads the file
+                     zqOnMainThread([id, reference, renewed] {
+                         if (!ZQLibraryEnvironment::current().fileOfItemDidMove(id, reference, renewed)) {
+                             zqTellPersistentURLAgain(reference);
+                         }
+                     });
+                 });
+}
+
+void ZQLibraryBaseItem::lookForFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        if (!item->managed()) {
+            item->itemURL();
+        }
+    }
 }
 
 QString ZQLibraryBaseItem::findItemURL() const

@@ -48,7 +48,9 @@ public:
     QString bundleURL() const;
     QString managedItemURL() const;
     QString itemURL() const; // of an unmanaged item whose file is missing: empty until it was found beside the caller
-    QString findItemURL() const; // waits for that
+    QString findItemURL() const; // waits for that: for whatever renames, hides, removes or copies the file
+    // Has the files of many that will be waited for looked for in one go.
+    static void lookForFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items);
     QString managedThumbURL() const;
     QString thumbURL() const { return managedThumbURL(); }
     virtual QString detailItemURL() const; // the file the detail view shows

@@ -124,7 +124,7 @@ void ZQLibraryBaseItem::restoreSelf()
 
 void ZQLibraryBaseItem::hideFileFromFileSystem()
 {
-    const QString path = itemURL();
+    const QString path = findItemURL();
     if (path.isEmpty()) {
         logHidingError(title());
         return;
@@ -144,7 +144,7 @@ void ZQLibraryBaseItem::hideFileFromFileSystem()
 
 void ZQLibraryBaseItem::unHideFileFromFileSystem()
 {
-    const QString path = itemURL();
+    const QString path = findItemURL();
     if (path.isEmpty() || !isHidden(path)) {
         return;
     }
@@ -160,7 +160,7 @@ void ZQLibraryBaseItem::unHideFileFromFileSystem()
 void ZQLibraryBaseItem::deletePermanently()
 {
     if (!managed()) {
-        const QString path = itemURL();
+        const QString path = findItemURL();
         if (!path.isEmpty() && isHidden(path)) {
             unHideFileFromFileSystem();
             deleteItemBundleAndTrashFile(true);
@@ -173,7 +173,7 @@ void ZQLibraryBaseItem::deletePermanently()
 
 void ZQLibraryBaseItem::deleteItemBundleAndTrashFile(bool trashFile)
 {
-    const QString path = trashFile ? itemURL() : QString();
+    const QString path = trashFile ? findItemURL() : QString();
     ZQError error;
     if (!path.isEmpty() && QFileInfo::exists(path) && !ZQTrash::recycle(path, nullptr, &error)) {
         qCWarning(zqLogFiles, "%s cannot be moved to the trash: %s", qUtf8Printable(path),
@@ -198,7 +198,7 @@ bool ZQLibraryBaseItem::setNewTitle(const QString &newTitle)
     if (newTitle == title()) {
         return true;
     }
-    const QString path = itemURL();
+    const QString path = findItemURL();
     const QString extension = zqPathExtension(path);
     ZQError error = errorForTitle(newTitle, extension);
     if (error.isNull() && (path.isEmpty() || !QFileInfo::exists(path))) {
@@ -241,7 +241,7 @@ void ZQLibraryBaseItem::renameThumb(const QString &newTitle)
 ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
 {
     ZQManagedObjectContext *context = managedObjectContext();
-    const QString path = itemURL();
+    const QString path = findItemURL();
     if (!context || path.isEmpty() || !QFileInfo::exists(path)) {
         return {};
     }
@@ -283,7 +283,7 @@ ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
 
 void ZQLibraryBaseItem::updateItemData()
 {
-    const QString path = itemURL();
+    const QString path = findItemURL();
     if (!path.isEmpty()) {
         updateItemData(path);
     }
@@ -457,11 +457,17 @@ void ZQLibraryBaseItem::writeRatingToDisk()
 void ZQLibraryBaseItem::writeOwnFile(bool ratingIsMeant)
 {
     ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
-    const QString path = environment.writesTagsToFiles() ? itemURL() : QString();
+    if (!environment.writesTagsToFiles()) {
+        return;
+    }
+    ZQFileTags tags = fileTags();
+    tags.ratingIsMeant = ratingIsMeant;
+    const QString path = itemURL();
     if (!path.isEmpty()) {
-        ZQFileTags tags = fileTags();
-        tags.ratingIsMeant = ratingIsMeant;
         environment.writeTagsToFileOfItem(bundleID(), path, tags);
+        metadataOfFileDidChange();
+    } else if (!managed() && !itemURLData().isEmpty()) {
+        environment.writeTagsToMovedFileOfItem(bundleID(), itemURLData(), tags);
         metadataOfFileDidChange();
     }
 }

@@ -1,5 +1,6 @@
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <atomic>
@@ -41,6 +42,15 @@ std::optional<ZQFileTags> ZQLibraryEnvironment::tagsAfterReadingFile(const QStri
 void ZQLibraryEnvironment::writeTagsToFileOfItem(const QString &, const QString &path, const ZQFileTags &tags)
 {
     writeTagsToFile(path, tags);
+}
+
+void ZQLibraryEnvironment::writeTagsToMovedFileOfItem(const QString &bundleID, const QByteArray &reference,
+                                                      const ZQFileTags &tags)
+{
+    const QString path = zqFindPersistentURL(reference);
+    if (!path.isEmpty()) {
+        writeTagsToFileOfItem(bundleID, path, tags);
+    }
 }
 
 ZQLibraryEnvironment &ZQLibraryEnvironment::current()

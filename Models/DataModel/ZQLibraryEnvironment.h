@@ -53,15 +53,19 @@ public:
     // with `dataDidUpdateNotification` for each item concerned. Main thread.
     virtual void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &) {}
 
-    // The file of an unmanaged item was found elsewhere than `reference` says, which is renewed, with
-    // `dataDidUpdateNotification`, unless the item has another one by now. Main thread.
-    virtual void fileOfItemDidMove(const ZQObjectID &, const QByteArray &, const QString &) {}
+    // The file of an unmanaged item was found elsewhere than `reference` says, which `renewed` replaces, with
+    // `dataDidUpdateNotification`, unless the item has another one by now; the file gets the item's tags. False when
+    // that is not possible now. Main thread.
+    virtual bool fileOfItemDidMove(const ZQObjectID &, const QByteArray &, const QByteArray &) { return false; }
 
     // Queues writing to a file; returns at once.
     virtual void writeTagsToFile(const QString &path, const ZQFileTags &tags) = 0;
     // The same for a library item's own file: what other programs changed there stays, and what is interrupted is done
     // again at the next launch. `bundleID` is the item's.
     virtual void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags);
+    // The same for one that is not where `reference` says: it is looked for first.
+    virtual void writeTagsToMovedFileOfItem(const QString &bundleID, const QByteArray &reference,
+                                            const ZQFileTags &tags);
     // Whether tags are kept in step with files (the default "ImportOpenMetaTags").
     virtual bool writesTagsToFiles() = 0;
 

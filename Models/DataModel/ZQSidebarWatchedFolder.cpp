@@ -117,11 +117,15 @@ QList<ZQRef<ZQSidebarWatchedFolder>> ZQSidebarWatchedFolder::orderedChildrenAndS
 
 void ZQSidebarWatchedFolder::setItemsActive(bool activeItems)
 {
-    for (const ZQRef<ZQLibraryBaseItem> &item : watchedItems()) {
+    const QList<ZQRef<ZQLibraryBaseItem>> items = watchedItems();
+    if (activeItems) {
+        ZQLibraryBaseItem::lookForFiles(items);
+    }
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         if (item->active() == activeItems) {
             continue;
         }
-        if (activeItems && QFileInfo(item->itemURL()).fileName().startsWith(QLatin1Char('.'))) {
+        if (activeItems && QFileInfo(item->findItemURL()).fileName().startsWith(QLatin1Char('.'))) {
             continue; // deleted by a person
         }
         item->setActive(activeItems);
@@ -177,8 +181,10 @@ QHash<QString, ZQRef<ZQManagedObject>> ZQSidebarWatchedFolder::pathAndItemDictio
             paths.insert(folder->folderPath(), folder);
         }
     }
-    for (const ZQRef<ZQLibraryBaseItem> &item : watchedItems()) {
-        const QString path = item->active() ? item->itemURL() : QString();
+    const QList<ZQRef<ZQLibraryBaseItem>> items = watchedItems();
+    ZQLibraryBaseItem::lookForFiles(items);
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        const QString path = item->active() ? item->findItemURL() : QString();
         if (!path.isEmpty()) {
             paths.insert(path, item);
         }

@@ -198,6 +198,83 @@ TEST_F(LibraryItem, DeletingALiveItemHidesItsFileAndRestoringShowsIt)
     EXPECT_EQ(ScratchLibrary::readFile(visible), QByteArray("seen.jpg"));
 }
 
+TEST_F(LibraryItem, WhatItDoesToItsFileReachesOneThatWasMovedFarAway)
+{
+    const auto folder = liveFolder(QStringLiteral("live"));
+    const auto moved = [&](const QString &name) {
+        const QString first = library.writeFile(QStringLiteral("one/two/three/") + name, "picture");
+        const auto item = library.addReferencedImage(first);
+        item->setTitle(QStringLiteral("seen"));
+        item->setWatchingFolder(folder.get());
+        const QString far = library.path(QStringLiteral("one/") + item->bundleID() + u'/' + name);
+        QDir().mkpath(QFileInfo(far).path());
+        EXPECT_TRUE(QFile::rename(first, far));
+        return std::pair(item, QDir(QFileInfo(far).path()));
+    };
+    const auto names = [](const QDir &place) {
+        return QDir(place.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    };
+    const QString visible = QStringLiteral("seen.jpg");
+    const QString hidden = QStringLiteral(".hidden.jpg");
+
+    const auto [deleted, ofDeleted] = moved(visible);
+    deleted->deleteSelf();
+    ASSERT_EQ(names(ofDeleted).size(), 1);
+    EXPECT_TRUE(names(ofDeleted).first().startsWith(u'.'));
+
+    const auto [restored, ofRestored] = moved(hidden);
+    restored->restoreSelf();
+    EXPECT_EQ(names(ofRestored), QStringList{visible});
+
+    const auto [stillDeleted, ofStillDeleted] = moved(hidden);
+    stillDeleted->setActive(false);
+    folder->reActivateFolder();
+    EXPECT_FALSE(stillDeleted->active()) << "a person deleted it";
+
+    const auto [purged, ofPurged] = moved(hidden);
+    purged->deletePermanently();
+    EXPECT_EQ(names(ofPurged), QStringList());
+    EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/seen.jpg"))));
+
+    const auto [renamed, ofRenamed] = moved(visible);
+    EXPECT_TRUE(renamed->setNewTitle(QStringLiteral("new")));
+    EXPECT_EQ(names(ofRenamed), QStringList{QStringLiteral("new.jpg")});
+
+    const auto [copied, ofCopied] = moved(visible);
+    EXPECT_TRUE(copied->duplicate());
+
+    const auto [listed, ofListed] = moved(visible);
+    EXPECT_TRUE(folder->pathAndItemDictionary().contains(ofListed.filePath(visible)));
+
+    const auto [tagged, ofTagged] = moved(visible);
+    tagged->writeOpenMetaToDisk();
+    ASSERT_EQ(library.written.size(), 1);
+    EXPECT_EQ(library.written.first().path, ofTagged.filePath(visible));
+}
+
+TEST_F(LibraryItem, NewsOfItsMovedFileComeAgainUntilTheyAreUsed)
+{
+    const QString first = library.writeFile(QStringLiteral("own/a.jpg"), "a");
+    const auto item = library.addReferencedImage(first);
+    const QString renamed = library.path(QStringLiteral("own/b.jpg"));
+    ASSERT_TRUE(QFile::rename(first, renamed));
+    zqWaitForPersistentURLSearches();
+    zqRunMainLoopFor(std::chrono::milliseconds(1)); // news of other tests' files
+    library.renewedReferences.clear();
+    const auto askTimes = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            EXPECT_EQ(item->itemURL(), renamed);
+            zqWaitForPersistentURLSearches();
+            zqRunMainLoopFor(std::chrono::milliseconds(1));
+        }
+        return library.renewedReferences;
+    };
+    const QByteArray renewed = zqDataForPersistentURL(renamed);
+    EXPECT_EQ(askTimes(2), (QList<QByteArray>{renewed, renewed}));
+    library.referencesAreRenewed = true;
+    EXPECT_EQ(askTimes(3), (QList<QByteArray>{renewed, renewed, renewed}));
+}
+
 TEST_F(LibraryItem, DeletionIsAnnouncedWhenIdle)
 {
     const auto item = library.addImage(QStringLiteral("logo"));

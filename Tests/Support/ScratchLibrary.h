@@ -55,9 +55,16 @@ public:
     std::optional<int> ratingOfFile(const QString &path) override;
     void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     bool writesTagsToFiles() override { return tagsAreWritten; }
+    bool fileOfItemDidMove(const ZQObjectID &, const QByteArray &, const QByteArray &renewed) override
+    {
+        renewedReferences.append(renewed);
+        return referencesAreRenewed;
+    }
     void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
 
     QHash<QString, FileTags> fileTags;
+    QList<QByteArray> renewedReferences; // told of, used or not
+    bool referencesAreRenewed = false;
     QList<WrittenTags> written;
     QStringList filesToTakeIn; // titles of items, in the order they were asked for
     QList<ZQError> errors;

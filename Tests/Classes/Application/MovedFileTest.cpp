@@ -1,5 +1,7 @@
 // Files of unmanaged items that were moved away by another program.
 
+#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
@@ -50,6 +52,30 @@ TEST_F(MovedFile, IsFoundBesideTheWindowAndTheStoreKnowsWhere)
     EXPECT_FALSE(delegate->managedObjectContext()->hasChanges());
     zqRunMainLoopFor(std::chrono::milliseconds(20));
     EXPECT_EQ(updates, 1);
+}
+
+TEST_F(MovedFile, GetsWhatItsItemWasGivenMeanwhile)
+{
+    const auto delegate = launched();
+    const auto item = addMovedItem(*delegate);
+    item->setRating(4);
+    delegate->saveAction();
+    item->writeRatingToDisk();
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(OpenMeta::getRating(moved), 4);
+}
+
+TEST_F(MovedFile, GetsTheTagsOfItsItemWhenItsReferenceIsRenewed)
+{
+    const auto delegate = launched();
+    const auto item = addMovedItem(*delegate);
+    item->setRating(3); // as written by a process that did not find the file
+    delegate->saveAction();
+    EXPECT_EQ(item->itemURL(), QString());
+    zqWaitForPersistentURLSearches();
+    zqRunMainLoopUntil([&] { return item->itemURLData() == zqDataForPersistentURL(moved); });
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(OpenMeta::getRating(moved), 3);
 }
 
 TEST_F(MovedFile, IsNotTakenForWhatTheItemGotMeanwhile)

@@ -6,10 +6,14 @@
 #include "Tests/Kit/Files/Scratch.h"
 
 #include <QDataStream>
+#include <QFileInfo>
 
+#include <algorithm>
+#include <chrono>
 #include <mutex>
 #include <random>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -17,7 +21,11 @@ class MissingFiles : public Scratch
 {
 protected:
     MissingFiles() { zqForgetPersistentURLs(); }
-    ~MissingFiles() override { zqWaitForPersistentURLSearches(); }
+    ~MissingFiles() override
+    {
+        zqSetPersistentURLTime({});
+        zqWaitForPersistentURLSearches();
+    }
 
     // So that the folders' next change shows in their times.
     static void settle() { std::this_thread::sleep_for(std::chrono::milliseconds(100)); }
@@ -77,6 +85,80 @@ TEST_F(MissingFiles, CostOneLookIntoTheirFolderAndOneAround)
     zqWaitForPersistentURLSearches();
     zqForgetPersistentURLs();
     EXPECT_EQ(costOf(reference), siblings + 1);
+}
+
+TEST_F(MissingFiles, AreRememberedForAMinuteOrASecondWhileTheirFolderMayStillChangeUnseen)
+{
+    using namespace std::chrono_literals;
+    const QString start = folder(QStringLiteral("one/two/three"));
+    write(start + QStringLiteral("/a.png"), "a");
+    write(start + QStringLiteral("/sibling"), "s");
+    const QByteArray reference = zqDataForPersistentURL(start + QStringLiteral("/a.png"));
+    ASSERT_TRUE(QFile::remove(start + QStringLiteral("/a.png")));
+    const auto place = zqLookAtFile(QFile::encodeName(start));
+    ASSERT_TRUE(place);
+    const std::chrono::nanoseconds changed(std::max(place->modification, place->change));
+    struct Case
+    {
+        std::chrono::nanoseconds sinceTheChange;
+        std::chrono::nanoseconds remembered;
+    };
+    for (const Case &c : {Case{0ns, 1s}, Case{50ms, 1s}, Case{50ms + 1ns, 60s}, Case{1h, 60s}}) {
+        zqForgetPersistentURLs();
+        zqSetPersistentURLTime(changed + c.sinceTheChange);
+        EXPECT_EQ(costOf(reference), 1);
+        zqSetPersistentURLTime(changed + c.sinceTheChange + c.remembered - 1ns);
+        EXPECT_EQ(costOf(reference), 0) << c.sinceTheChange.count();
+        zqSetPersistentURLTime(changed + c.sinceTheChange + c.remembered);
+        EXPECT_EQ(costOf(reference), 1) << c.sinceTheChange.count();
+        zqWaitForPersistentURLSearches();
+    }
+}
+
+TEST_F(MissingFiles, AreFoundForEveryoneWhoWaitsAndToldAgainWhenTheNewsWereLost)
+{
+    const QString made = folder(QStringLiteral("one/two/three")) + QStringLiteral("/a.png");
+    write(made, "a");
+    for (int i = 0; i < 300; ++i) {
+        write(folder(QStringLiteral("one/two/%1").arg(i)) + QStringLiteral("/b"), "b");
+    }
+    const QString far = folder(QStringLiteral("one/other/deep")) + QStringLiteral("/b.png");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(rename(made, far));
+    std::atomic<int> told = 0;
+    std::atomic<bool> isBesideTheCaller = true;
+    const auto moved = [&, caller = std::this_thread::get_id()](const QString &) {
+        ++told;
+        isBesideTheCaller = isBesideTheCaller && std::this_thread::get_id() != caller;
+    };
+    std::vector<std::thread> waiting;
+    std::atomic<int> found = 0;
+    for (int i = 0; i < 4; ++i) {
+        waiting.emplace_back([&] { found += zqFindPersistentURL(reference) == far; });
+    }
+    for (std::thread &thread : waiting) {
+        thread.join();
+    }
+    EXPECT_EQ(found, 4);
+    for (int i = 1; i <= 2; ++i) {
+        EXPECT_EQ(zqURLFromPersistentData(reference, moved), far); // those who found it told nobody
+        EXPECT_EQ(zqURLFromPersistentData(reference, moved), far);
+        zqWaitForPersistentURLSearches();
+        EXPECT_EQ(told, i);
+        zqTellPersistentURLAgain(reference);
+    }
+
+    zqForgetPersistentURLs();
+    EXPECT_EQ(zqURLFromPersistentData(reference), QString());
+    const qint64 before = zqPersistentURLCounts().entriesInCallers;
+    EXPECT_EQ(zqFindPersistentURL(reference), far); // which is being looked for already
+    EXPECT_EQ(zqPersistentURLCounts().entriesInCallers, before);
+    const QString near = QFileInfo(made).path() + QStringLiteral("/renamed.png");
+    ASSERT_TRUE(rename(far, near));
+    EXPECT_EQ(zqURLFromPersistentData(reference, moved), near);
+    zqWaitForPersistentURLSearches();
+    EXPECT_EQ(told, 3);
+    EXPECT_TRUE(isBesideTheCaller);
 }
 
 TEST_F(MissingFiles, AreFoundBesideTheCallerWhoIsToldOnce)
@@ -196,32 +278,22 @@ TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
     }
 }
 
-TEST_F(MissingFiles, WhatIsSavedOverAFileWhileTheProgramRunsIsThatFile)
+TEST_F(MissingFiles, AStrangerThatTakesTheNameAtOnceIsNotTheFile)
 {
-    const QString made = file(QStringLiteral("a.png"), "first");
-    const QByteArray reference = zqDataForPersistentURL(made);
     std::atomic<int> told = 0;
-    const auto resolve = [&] { return zqURLFromPersistentData(reference, [&told](const QString &) { ++told; }); };
-    const auto save = [&](const QByteArray &contents) {
-        const QString fresh = file(QStringLiteral("saving"), contents);
-        EXPECT_TRUE(rename(fresh, made));
-    };
-    EXPECT_EQ(resolve(), made);
-    save("second");
-    save("third, before anyone asked");
-    EXPECT_EQ(resolve(), made);
-    EXPECT_GE(told, 1); // so that the reference is renewed
-    save("fourth");
-    EXPECT_EQ(resolve(), made);
-
-    const QByteArray renewed = zqDataForPersistentURL(made);
-    const auto ignored = [](const QString &) {};
-    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), made);
-    ASSERT_TRUE(QFile::remove(made));
-    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), QString());
-    write(made, "a newcomer");
-    EXPECT_EQ(zqURLFromPersistentData(renewed, ignored), QString());
-    EXPECT_EQ(resolve(), QString());
+    const auto count = [&told](const QString &) { ++told; };
+    constexpr int times = 100;
+    for (int i = 0; i < times; ++i) {
+        const QString made = file(QStringLiteral("%1.png").arg(i), noise(2000, 1));
+        const QByteArray reference = zqDataForPersistentURL(made);
+        EXPECT_EQ(zqURLFromPersistentData(reference, count), made);
+        const QString stranger = file(QStringLiteral("stranger"), noise(2000, quint32(i) + 2));
+        ASSERT_TRUE(QFile::remove(made) && rename(stranger, made));
+        EXPECT_EQ(zqURLFromPersistentData(reference, count), QString());
+        EXPECT_EQ(zqFindPersistentURL(reference), QString());
+    }
+    zqWaitForPersistentURLSearches();
+    EXPECT_EQ(told, 0);
 }
 
 TEST_F(MissingFiles, ReferencesOfTheFirstFormatAreReadOn)
