@@ -9,7 +9,7 @@ class LibraryCommands
 public:
     explicit LibraryCommands(WindowContext &window) : m_window(window) {}
 
-    void deleteItems(const QList<ZQObjectID> &items); // soft: undo, or the next launch's purge, decides
+    void deleteItems(const QList<ZQObjectID> &items);                // soft: undo, or the next launch's purge, decides
     void setDeleted(const QList<ZQObjectID> &items, bool isDeleted); // as a part of another undo step
     void removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem);
     void addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex);

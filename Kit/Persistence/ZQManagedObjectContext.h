@@ -46,9 +46,9 @@ public:
     const ZQManagedObjectModel &model() const;
     ZQMergePolicy mergePolicy() const;
 
-    // For a context that only reads, and whose fetches may be given up: whether they fail with ZQStoreError::Cancelled once the thread's
-    // ZQCancellation is cancelled, also while they run. Objects that were not filled then stay as they were, and the
-    // context can be used on. Saves are never given up. No by default.
+    // For a context that only reads, and whose fetches may be given up: whether they fail with ZQStoreError::Cancelled
+    // once the thread's ZQCancellation is cancelled, also while they run. Objects that were not filled then stay as
+    // they were, and the context can be used on. Saves are never given up. No by default.
     void setFetchesAreCancellable(bool areCancellable);
 
     // A new object with its defaults set and a temporary identifier. Null for an unknown or abstract entity.
