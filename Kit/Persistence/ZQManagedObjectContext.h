@@ -70,8 +70,9 @@ public:
     ZQRef<ZQManagedObject> existingObjectWithID(const ZQObjectID &id, ZQError *error = nullptr);
     // From `URIRepresentation`; null when it names another store, an unknown entity or no row.
     ZQRef<ZQManagedObject> objectWithURIRepresentation(const QString &uri);
-    // The same for many, as identifiers: a query for each root entity. What names nothing is left out.
-    QList<ZQObjectID> objectIDsWithURIRepresentations(const QStringList &uris);
+    // The same for many, as identifiers: a query for each root entity. What names nothing is left out; nothing after an
+    // error.
+    std::optional<QList<ZQObjectID>> objectIDsWithURIRepresentations(const QStringList &uris, ZQError *error = nullptr);
 
     // Fetches. Unsaved changes of this context count unless the request says otherwise. Nothing after an error.
     std::optional<QList<ZQRef<ZQManagedObject>>> executeFetchRequest(const ZQFetchRequest &request,
