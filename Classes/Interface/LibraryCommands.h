@@ -3,7 +3,8 @@
 #include "Classes/Interface/WindowContext.h"
 
 // The commands on library items, each one undo step and saved. What changes many rows, those that only move up
-// included, is done on the window's edit queue. Main thread.
+// included, is done on the window's edit queue, with progress and cancel; undo takes back what was done by then. What
+// is there already is looked at when a command's turn comes, and what could not be read is told. Main thread.
 class LibraryCommands
 {
 public:
