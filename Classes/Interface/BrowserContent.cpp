@@ -385,8 +385,14 @@ QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
 
 QList<ZQObjectID> BrowserContent::itemsOfMimeData(const QMimeData *data, WindowContext &window)
 {
-    QList<ZQObjectID> result = window.context.objectIDsWithURIRepresentations(
-        QString::fromUtf8(data->data(itemsMimeType)).split(u'\n', Qt::SkipEmptyParts));
+    ZQError error;
+    const auto named = window.context.objectIDsWithURIRepresentations(
+        QString::fromUtf8(data->data(itemsMimeType)).split(u'\n', Qt::SkipEmptyParts), &error);
+    if (!named) {
+        window.user.presentError(error);
+        return {};
+    }
+    QList<ZQObjectID> result = *named;
     const ZQEntityDescription *items = window.context.model().entity(ZQLibraryBaseItem::entityName());
     result.removeIf([items](const ZQObjectID &id) { return !id.entity->isKindOf(items); });
     return result;

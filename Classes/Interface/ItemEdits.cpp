@@ -1,8 +1,7 @@
 #include "Classes/Interface/ItemEdits.h"
 
+#include "Classes/Interface/QueuedEdit.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Operations/ZQMainThread.h"
-#include "Kit/Operations/ZQOperation.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
@@ -12,8 +11,6 @@
 #include <vector>
 
 namespace {
-
-constexpr qsizetype batchSize = 1000;
 
 // What is known of one undo step. Touched by one thread at a time: the main one, or the edit queue's.
 struct Edit
@@ -114,75 +111,35 @@ private:
     QList<ZQRef<ZQManagedObject>> m_tags;
 };
 
-class EditOperation : public ZQOperation
+void run(EditRun &running, Edit &edit, bool isUndo)
 {
-public:
-    EditOperation(WindowContext &window, std::shared_ptr<Edit> edit, bool isUndo)
-        : m_window(window), m_coordinator(window.context.persistentStoreCoordinator()), m_edit(std::move(edit)),
-          m_isUndo(isUndo)
-    {
+    ZQError error;
+    if (!isUndo && edit.prepare && !edit.prepare(running.context(), &error)) {
+        running.presentError(error);
+        return;
     }
-
-    void main() override
-    {
-        ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
-        const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
-            zqOnMainThreadAndWait([&] { m_window.context.mergeChangesFromContextDidSaveNotification(saved); });
-        });
-        ZQError error;
-        if (!m_isUndo && m_edit->prepare && !m_edit->prepare(context, &error)) {
-            zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
-            return;
+    EditPass pass(edit, isUndo, running.context());
+    const qsizetype position = running.inBatches(edit.progressText, pass.count(), [&](qsizetype first, qsizetype size) {
+        const auto changed = pass.changeBatch(first, size);
+        if (!running.save()) {
+            return false;
         }
-        EditPass pass(*m_edit, m_isUndo, context);
-        std::shared_ptr<UserProgress> progress;
-        if (pass.count() > batchSize) {
-            progress =
-                m_window.user.beginProgress(m_edit->progressText, double(pass.count()), [operation = weak_from_this()] {
-                    if (const auto running = operation.lock()) {
-                        running->cancel();
-                    }
-                });
-        }
-        qsizetype position = 0;
-        while (position < pass.count() && !isCancelled()) {
-            const auto changed = pass.changeBatch(position, batchSize);
-            if (!context.save(&error)) {
-                zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
-                break;
-            }
-            pass.didSave();
-            pass.writeFiles(changed);
-            position = std::min(pass.count(), position + batchSize);
-            if (progress) {
-                progress->advanceBy(double(batchSize));
-            }
-        }
-        pass.stopAt(position);
-    }
+        pass.didSave();
+        pass.writeFiles(changed);
+        return true;
+    });
+    pass.stopAt(position);
+}
 
-private:
-    WindowContext &m_window;
-    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
-    std::shared_ptr<Edit> m_edit;
-    bool m_isUndo;
-};
-
-void run(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
+void perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
 {
     if (edit->isQueued()) {
-        window.editQueue.addOperation(std::make_shared<EditOperation>(window, edit, isUndo));
+        window.editQueue.addOperation(
+            std::make_shared<QueuedEdit>(window, [edit, isUndo](EditRun &running) { run(running, *edit, isUndo); }));
         return;
     }
-    ZQError error;
-    if (!isUndo && edit->prepare && !edit->prepare(window.context, &error)) {
-        window.user.presentError(error);
-        return;
-    }
-    EditPass pass(*edit, isUndo, window.context);
-    const auto changed = pass.changeBatch(0, pass.count());
-    window.save();
-    pass.writeFiles(changed);
+    EditRun running(window);
+    run(running, *edit, isUndo);
 }
 
 class RewriteOperation : public ZQOperation
@@ -195,8 +152,8 @@ public:
     void main() override
     {
         ZQManagedObjectContext context(m_coordinator);
-        for (qsizetype first = 0; first < m_items.size() && !isCancelled(); first += batchSize) {
-            rewrite(context, m_items.mid(first, batchSize));
+        for (qsizetype first = 0; first < m_items.size() && !isCancelled(); first += EditRun::batchSize) {
+            rewrite(context, m_items.mid(first, EditRun::batchSize));
         }
     }
     static void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
@@ -223,10 +180,10 @@ public:
     }
     void redo() override
     {
-        run(m_window, m_edit, false);
+        perform(m_window, m_edit, false);
         setObsolete(!m_edit->isQueued() && m_edit->done.empty());
     }
-    void undo() override { run(m_window, m_edit, true); }
+    void undo() override { perform(m_window, m_edit, true); }
 
 private:
     WindowContext &m_window;

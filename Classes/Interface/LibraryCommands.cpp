@@ -1,9 +1,8 @@
 #include "Classes/Interface/LibraryCommands.h"
 
 #include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/QueuedEdit.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Operations/ZQMainThread.h"
-#include "Kit/Operations/ZQOperation.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
@@ -14,15 +13,13 @@
 namespace {
 
 using Items = QList<ZQRef<ZQLibraryBaseItem>>;
+using IDs = QList<ZQObjectID>;
+using Done = std::shared_ptr<IDs>; // what a step has changed and not taken back; of one thread at a time
 
-constexpr qsizetype batchSize = 1000;
+// Answers whether there is anything to take back, or was.
+using Change = std::function<bool(EditRun &run)>;
 
-// What one step does in a context: the window's, or one of the edit queue. It saves by calling `save`, as often as it
-// likes, and stops when that fails.
-using Save = std::function<bool()>;
-using Change = std::function<void(ZQManagedObjectContext &context, const Save &save)>;
-
-Items objects(WindowContext &window, const QList<ZQObjectID> &ids)
+Items objects(WindowContext &window, const IDs &ids)
 {
     return ZQLibraryBaseItem::itemsWithIDs(ids, window.context);
 }
@@ -32,121 +29,209 @@ ZQRef<ZQSidebarBaseItem> sidebarItem(ZQManagedObjectContext &context, const ZQOb
     return zqCast<ZQSidebarBaseItem>(context.objectWithID(id));
 }
 
-class ChangeOperation : public ZQOperation
+// Few rows are changed at once in the window's context; many on the edit queue, so that the window stays free. While
+// that is busy the few wait there, too, so that everything happens in the order it was asked for. Whether anything was
+// changed or is going to be looked at.
+bool perform(WindowContext &window, qint64 rows, const Change &change)
+{
+    if (rows > LibraryCommands::mostAtOnce || window.editQueue.operationCount() > 0) {
+        window.editQueue.addOperation(std::make_shared<QueuedEdit>(window, [change](EditRun &run) { change(run); }));
+        return true;
+    }
+    EditRun run(window);
+    return change(run);
+}
+
+// Made when it was done for the first time; pushing it does nothing more.
+class ChangeCommand : public QUndoCommand
 {
 public:
-    ChangeOperation(WindowContext &window, Change change)
-        : m_window(window), m_coordinator(window.context.persistentStoreCoordinator()), m_change(std::move(change))
+    ChangeCommand(WindowContext &window, const QString &name, qint64 rows, Change redo, Change undo)
+        : QUndoCommand(name), m_window(window), m_rows(rows), m_redo(std::move(redo)), m_undo(std::move(undo))
     {
     }
-    void main() override
+    void redo() override
     {
-        ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
-        const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
-            zqOnMainThreadAndWait([&] { m_window.context.mergeChangesFromContextDidSaveNotification(saved); });
-        });
-        m_change(context, [&] {
-            ZQError error;
-            const bool isSaved = context.save(&error);
-            if (!isSaved) {
-                zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
-            }
-            return isSaved;
-        });
+        if (!std::exchange(m_isPushed, true)) {
+            return;
+        }
+        setObsolete(!perform(m_window, m_rows, m_redo));
     }
+    void undo() override { perform(m_window, m_rows, m_undo); }
 
 private:
     WindowContext &m_window;
-    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
-    Change m_change;
+    qint64 m_rows;
+    Change m_redo;
+    Change m_undo;
+    bool m_isPushed = false;
 };
 
-// Few rows are changed at once in the window's context; many on the edit queue, so that the window stays free. While
-// that is busy the few wait there, too, so that everything happens in the order it was asked for.
-void perform(WindowContext &window, qint64 rows, const Change &change)
-{
-    if (rows > LibraryCommands::mostAtOnce || window.editQueue.operationCount() > 0) {
-        window.editQueue.addOperation(std::make_shared<ChangeOperation>(window, change));
-        return;
-    }
-    change(window.context, [&window] {
-        window.save();
-        return true;
-    });
-}
-
+// What changes nothing leaves the stack as it was.
 void push(WindowContext &window, const QString &name, qint64 rows, const Change &redo, const Change &undo)
 {
-    window.undoStack.push(new BlockUndoCommand(
-        name, [&window, rows, redo] { perform(window, rows, redo); },
-        [&window, rows, undo] { perform(window, rows, undo); }));
+    if (perform(window, rows, redo)) {
+        window.undoStack.push(new ChangeCommand(window, name, rows, redo, undo));
+    }
 }
 
-// The same to each item, a batch a save.
-Change forEachItem(const QList<ZQObjectID> &items, void (ZQLibraryBaseItem::*change)())
+// Takes back what `done` holds, the last first, a batch a save; what was not come to stays in it.
+template <class T>
+bool takeBack(EditRun &run, const QString &progressText, QList<T> &done,
+              const std::function<bool(const QList<T> &batch)> &change)
 {
-    return [items, change](ZQManagedObjectContext &context, const Save &save) {
-        for (qsizetype start = 0; start < items.size(); start += batchSize) {
-            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context);
-            ZQLibraryBaseItem::lookForFiles(batch);
-            for (const auto &item : batch) {
-                (item.get()->*change)();
-            }
-            if (!save()) {
-                return;
-            }
+    const qsizetype count = run.inBatches(progressText, done.size(), [&](qsizetype, qsizetype size) {
+        if (!change(done.last(size)) || !run.save()) {
+            return false;
         }
-    };
+        done.resize(done.size() - size);
+        return true;
+    });
+    return count > 0;
 }
 
 // Deletes those that are not yet, and says which they were.
-Change deletion(const QList<ZQObjectID> &items, const std::shared_ptr<QList<ZQObjectID>> &deleted)
+Change deletion(const IDs &items, const Done &done)
 {
-    return [items, deleted](ZQManagedObjectContext &context, const Save &save) {
-        deleted->clear();
-        for (qsizetype start = 0; start < items.size(); start += batchSize) {
-            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, batchSize), context);
+    return [items, done](EditRun &run) {
+        run.inBatches(zqLocalized("Deleting items…"), items.size(), [&](qsizetype first, qsizetype size) {
+            IDs deleted;
+            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
             ZQLibraryBaseItem::lookForFiles(batch);
             for (const auto &item : batch) {
                 if (item->active()) {
                     item->deleteSelf();
-                    deleted->append(item->objectID());
+                    deleted.append(item->objectID());
                 }
             }
-            if (!save()) {
-                return;
+            if (!run.save()) {
+                return false;
             }
-        }
+            done->append(deleted);
+            return true;
+        });
+        return !done->isEmpty();
     };
 }
 
-QString nameFor(WindowContext &window, const QList<ZQObjectID> &ids)
+Change restoration(const Done &done)
+{
+    return [done](EditRun &run) {
+        return takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, [&run](const IDs &batch) {
+            const auto all = ZQLibraryBaseItem::itemsWithIDs(batch, run.context());
+            ZQLibraryBaseItem::lookForFiles(all);
+            for (const auto &item : all) {
+                item->restoreSelf();
+            }
+            return true;
+        });
+    };
+}
+
+QString nameFor(WindowContext &window, const IDs &ids)
 {
     const auto item = ids.size() == 1 ? window.libraryItem(ids.first()) : ZQRef<ZQLibraryBaseItem>();
     return item ? zqFormat(zqLocalized("delete %@"), {item->title()}) : zqLocalized("delete items");
 }
 
-Change removal(const QList<ZQObjectID> &items, const ZQObjectID &from)
+struct RemovedPlace
 {
-    return [items, from](ZQManagedObjectContext &context, const Save &save) {
-        if (const auto container = sidebarItem(context, from)) {
-            container->removeItems(ZQLibraryBaseItem::itemsWithIDs(items, context));
-            save();
+    qint32 order = 0;
+    ZQObjectID item;
+};
+
+// Nothing after an error, which was told: without their places, removing the items could not be taken back.
+std::optional<QList<RemovedPlace>> removeBatch(EditRun &run, ZQSidebarBaseItem &from, const Items &items)
+{
+    QList<RemovedPlace> places;
+    if (!from.hasOrderedMembers()) {
+        for (const auto &item : items) {
+            if (from.containsItem(item.get())) {
+                places.append({0, item->objectID()});
+            }
         }
+        from.removeItems(items);
+        return places;
+    }
+    ZQError error;
+    const auto memberships = from.membershipsOfItems(items, &error);
+    if (!memberships) {
+        run.presentError(error);
+        return std::nullopt;
+    }
+    QHash<qint64, ZQRef<ZQProjectItem>> members;
+    for (const auto &membership : *memberships) {
+        members.insert(membership->itemKey(), membership);
+    }
+    for (const auto &item : items) {
+        if (const auto membership = members.take(item->objectID().key)) {
+            places.append({membership->order(), item->objectID()});
+            from.removeProjectItem(membership.get());
+        }
+    }
+    return places;
+}
+
+Change removal(const IDs &items, const ZQObjectID &from, const std::shared_ptr<QList<RemovedPlace>> &done)
+{
+    return [items, from, done](EditRun &run) {
+        const auto container = sidebarItem(run.context(), from);
+        run.inBatches(zqLocalized("Removing items…"), container ? items.size() : 0,
+                      [&](qsizetype first, qsizetype size) {
+                          const auto places = removeBatch(
+                              run, *container, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()));
+                          if (!places || !run.save()) {
+                              return false;
+                          }
+                          done->append(*places);
+                          return true;
+                      });
+        return !done->isEmpty();
     };
 }
 
-QList<ZQObjectID> notYetIn(const ZQSidebarBaseItem &target, const Items &items)
+// The highest orders return first: who has to make room for a batch is then there already.
+Change returnToPlaces(const ZQObjectID &to, const std::shared_ptr<QList<RemovedPlace>> &done)
 {
-    const auto memberships = target.membershipsOfItems(items);
+    return [to, done](EditRun &run) {
+        const auto into = sidebarItem(run.context(), to);
+        if (!into) {
+            return false;
+        }
+        std::stable_sort(done->begin(), done->end(),
+                         [](const RemovedPlace &a, const RemovedPlace &b) { return a.order < b.order; });
+        const auto restore = [&](const QList<RemovedPlace> &batch) {
+            Items items;
+            QList<qint32> orders;
+            for (const auto &[order, id] : batch) {
+                if (const auto item = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(id))) {
+                    items.append(item);
+                    orders.append(order);
+                }
+            }
+            ZQError error;
+            const bool isRestored = into->restoreItems(items, orders, &error);
+            if (!isRestored) {
+                run.presentError(error);
+            }
+            return isRestored;
+        };
+        return takeBack<RemovedPlace>(run, zqLocalized("Adding items…"), *done, restore);
+    };
+}
+
+// Nothing after an error.
+std::optional<IDs> notYetIn(const ZQSidebarBaseItem &target, const Items &items, ZQError *error)
+{
+    const auto memberships = target.membershipsOfItems(items, error);
     if (!memberships) {
-        return {};
+        return std::nullopt;
     }
     QSet<qint64> present;
     for (const auto &membership : *memberships) {
         present.insert(membership->itemKey());
     }
-    QList<ZQObjectID> fresh;
+    IDs fresh;
     for (const auto &item : items) {
         const bool isThere =
             target.hasOrderedMembers() ? present.contains(item->objectID().key) : target.containsItem(item.get());
@@ -164,14 +249,14 @@ struct NewOrder
     qint32 after;
 };
 
-// The orders that change when the members of `moved` go before the one now at `toIndex`.
-QList<NewOrder> ordersAfterMove(const ZQSidebarBaseItem &project, const QSet<ZQObjectID> &moved, quint32 toIndex)
+// The orders that change when those of `members` that belong to `moved` go before the one now at `toIndex`.
+QList<NewOrder> ordersAfterMove(const QList<ZQRef<ZQProjectItem>> &members, const QSet<ZQObjectID> &moved,
+                                quint32 toIndex)
 {
     QSet<qint64> movedKeys;
     for (const ZQObjectID &id : moved) {
         movedKeys.insert(id.key);
     }
-    const auto members = project.pItems();
     QList<ZQRef<ZQProjectItem>> staying;
     QList<ZQRef<ZQProjectItem>> moving;
     qsizetype target = 0;
@@ -192,22 +277,105 @@ QList<NewOrder> ordersAfterMove(const ZQSidebarBaseItem &project, const QSet<ZQO
     return changes;
 }
 
+// One save, whatever their number: a project whose orders were changed in part only would be in disorder.
+bool giveOrders(EditRun &run, const QList<NewOrder> &orders, qint32 NewOrder::*which)
+{
+    QList<ZQRef<ZQProjectItem>> members;
+    IDs ids;
+    for (const NewOrder &order : orders) {
+        ids.append(order.membership);
+        members.append(zqCast<ZQProjectItem>(run.context().objectWithID(order.membership)));
+    }
+    run.context().fillFaults(ids);
+    for (qsizetype i = 0; i < members.size(); ++i) {
+        if (members[i]) {
+            members[i]->setOrder(orders[i].*which);
+        }
+    }
+    return !orders.isEmpty() && run.save();
+}
+
+// Nothing after an error, which was told.
+ZQFetched<ZQProjectItem> members(EditRun &run, const ZQFetchRequest &request)
+{
+    ZQError error;
+    auto found = zqFetch<ZQProjectItem>(run.context(), request, &error);
+    if (!found) {
+        run.presentError(error);
+    }
+    return found;
+}
+
+// Many new members come at the end first, where nobody has to move for each batch, and go to their place together.
+void moveToPlace(EditRun &run, const ZQObjectID &project, const IDs &added, quint32 index)
+{
+    const auto all = members(run, {.entityName = ZQProjectItem::entityName(),
+                                   .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"),
+                                                                                 {QVariant::fromValue(project)}),
+                                   .sortDescriptors = {{QStringLiteral("order")}}});
+    if (all) {
+        giveOrders(run, ordersAfterMove(*all, {added.begin(), added.end()}, index), &NewOrder::after);
+    }
+}
+
+// Adds those that are not there yet at `atIndex` and behind, and says which they were.
+Change addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const Done &done)
+{
+    return [items, to, atIndex, done](EditRun &run) {
+        const auto into = sidebarItem(run.context(), to);
+        const bool isPlaced = into && into->hasOrderedMembers() && atIndex != ZQSidebarBaseItem::appendIndex;
+        const bool isPlacedAfterwards = isPlaced && items.size() > EditRun::batchSize;
+        IDs added;
+        run.inBatches(zqLocalized("Adding items…"), into ? items.size() : 0, [&](qsizetype first, qsizetype size) {
+            ZQError error;
+            const auto fresh =
+                notYetIn(*into, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()), &error);
+            QList<quint32> indexes;
+            for (qsizetype i = 0; fresh && isPlaced && !isPlacedAfterwards && i < fresh->size(); ++i) {
+                indexes.append(atIndex + quint32(i));
+            }
+            if (!fresh || !into->addItems(ZQLibraryBaseItem::itemsWithIDs(*fresh, run.context()), indexes, &error)) {
+                run.presentError(error);
+                return false;
+            }
+            if (!run.save()) {
+                return false;
+            }
+            added.append(*fresh);
+            return true;
+        });
+        done->append(added);
+        if (isPlacedAfterwards && !added.isEmpty()) {
+            moveToPlace(run, to, added, atIndex);
+        }
+        return !done->isEmpty();
+    };
+}
+
+Change removalOf(const Done &done, const ZQObjectID &from)
+{
+    return [done, from](EditRun &run) {
+        const auto container = sidebarItem(run.context(), from);
+        const auto remove = [&](const IDs &batch) {
+            return removeBatch(run, *container, ZQLibraryBaseItem::itemsWithIDs(batch, run.context())).has_value();
+        };
+        return container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
+    };
+}
+
 } // namespace
 
 void LibraryCommands::deleteItems(const QList<ZQObjectID> &items)
 {
-    auto deleted = std::make_shared<QList<ZQObjectID>>(); // what was deleted before is not revived
-    push(m_window, nameFor(m_window, items), items.size(), deletion(items, deleted),
-         [deleted](ZQManagedObjectContext &context, const Save &save) {
-             forEachItem(*deleted, &ZQLibraryBaseItem::restoreSelf)(context, save);
-         });
+    const auto done = std::make_shared<IDs>(); // what was deleted before is not revived
+    push(m_window, nameFor(m_window, items), items.size(), deletion(items, done), restoration(done));
 }
 
 void LibraryCommands::setDeleted(const QList<ZQObjectID> &items, bool isDeleted)
 {
     if (!items.isEmpty()) {
         perform(m_window, items.size(),
-                forEachItem(items, isDeleted ? &ZQLibraryBaseItem::deleteSelf : &ZQLibraryBaseItem::restoreSelf));
+                isDeleted ? deletion(items, std::make_shared<IDs>()) : restoration(std::make_shared<IDs>(items)));
     }
 }
 
@@ -221,47 +389,15 @@ void LibraryCommands::removeItems(const QList<ZQObjectID> &items, const ZQObject
         ItemEdits(m_window).changeTags(items, {}, {fromSidebarItem});
         return;
     }
-    using Place = std::pair<qint32, ZQObjectID>;
-    const auto places = std::make_shared<QList<Place>>();
-    const auto redo = [items, fromSidebarItem, places](ZQManagedObjectContext &context, const Save &save) {
-        const auto from = sidebarItem(context, fromSidebarItem);
-        const Items all = from ? ZQLibraryBaseItem::itemsWithIDs(items, context) : Items();
-        const auto memberships = from ? from->membershipsOfItems(all) : std::nullopt;
-        if (!memberships) {
-            return; // without their places, removing them could not be taken back
-        }
-        QHash<qint64, qint32> orders;
-        for (const auto &membership : *memberships) {
-            orders.insert(membership->itemKey(), membership->order());
-        }
-        places->clear();
-        for (const auto &item : all) {
-            if (!from->hasOrderedMembers() || orders.contains(item->objectID().key)) {
-                places->append({orders.value(item->objectID().key), item->objectID()});
-            }
-        }
-        removal(items, fromSidebarItem)(context, save);
-    };
-    const auto undo = [places, fromSidebarItem](ZQManagedObjectContext &context, const Save &save) {
-        QList<ZQObjectID> ids;
-        QList<qint32> orders;
-        for (const auto &[order, id] : std::as_const(*places)) {
-            ids.append(id);
-            orders.append(order);
-        }
-        const Items all = ZQLibraryBaseItem::itemsWithIDs(ids, context);
-        if (const auto into = sidebarItem(context, fromSidebarItem); into && all.size() == ids.size()) {
-            into->restoreItems(all, orders);
-            save();
-        }
-    };
-    push(m_window, zqLocalized("remove items"), items.size(), redo, undo);
+    const auto done = std::make_shared<QList<RemovedPlace>>();
+    push(m_window, zqLocalized("remove items"), items.size(), removal(items, fromSidebarItem, done),
+         returnToPlaces(fromSidebarItem, done));
 }
 
 void LibraryCommands::addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex)
 {
     const auto target = m_window.sidebarItem(toSidebarItem);
-    if (!target) {
+    if (!target || items.isEmpty()) {
         return;
     }
     if (target->isTag()) {
@@ -271,72 +407,28 @@ void LibraryCommands::addItems(const QList<ZQObjectID> &items, const ZQObjectID 
     // Members behind the place move up, too.
     const bool isAppended = atIndex == ZQSidebarBaseItem::appendIndex || !target->hasOrderedMembers();
     const qint64 rows = items.size() + (isAppended ? 0 : std::max<qint64>(0, target->numberOfItems() - atIndex));
-    const auto added = std::make_shared<QList<ZQObjectID>>();
-    if (rows <= mostAtOnce) {
-        *added = notYetIn(*target, objects(m_window, items));
-        if (added->isEmpty()) {
-            return;
-        }
-    }
-    const auto redo = [items, added, toSidebarItem, atIndex](ZQManagedObjectContext &context, const Save &save) {
-        const auto into = sidebarItem(context, toSidebarItem);
-        if (!into) {
-            return;
-        }
-        if (added->isEmpty()) {
-            *added = notYetIn(*into, ZQLibraryBaseItem::itemsWithIDs(items, context));
-        }
-        QList<quint32> indexes;
-        for (qsizetype i = 0; atIndex != ZQSidebarBaseItem::appendIndex && i < added->size(); ++i) {
-            indexes.append(atIndex + quint32(i));
-        }
-        into->addItems(ZQLibraryBaseItem::itemsWithIDs(*added, context), indexes);
-        save();
-    };
-    const auto undo = [added, toSidebarItem](ZQManagedObjectContext &context, const Save &save) {
-        removal(*added, toSidebarItem)(context, save);
-    };
-    push(m_window, zqLocalized("copy items"), rows, redo, undo);
+    const auto done = std::make_shared<IDs>();
+    push(m_window, zqLocalized("copy items"), rows, addition(items, toSidebarItem, atIndex, done),
+         removalOf(done, toSidebarItem));
 }
 
 void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex)
 {
     const auto project = m_window.sidebarItem(inSidebarItem);
-    if (!project) {
+    if (!project || items.isEmpty()) {
         return;
     }
     const QSet<ZQObjectID> moved(items.begin(), items.end());
-    const qint64 rows = project->numberOfItems();
     const auto orders = std::make_shared<QList<NewOrder>>();
-    if (rows <= mostAtOnce) {
-        const auto members = project->membershipsOfItems(objects(m_window, items));
-        if (!members || members->isEmpty()) {
-            return;
+    const auto redo = [orders, moved, inSidebarItem, toIndex](EditRun &run) {
+        const auto into = orders->isEmpty() ? sidebarItem(run.context(), inSidebarItem) : nullptr;
+        if (const auto all = into ? members(run, into->contentRequest()) : ZQFetched<ZQProjectItem>()) {
+            *orders = ordersAfterMove(*all, moved, toIndex);
         }
-    }
-    const auto apply = [orders](ZQManagedObjectContext &context, const Save &save, qint32 NewOrder::*which) {
-        QList<ZQRef<ZQProjectItem>> members;
-        for (const NewOrder &order : std::as_const(*orders)) {
-            members.append(zqCast<ZQProjectItem>(context.objectWithID(order.membership)));
-        }
-        for (qsizetype i = 0; i < members.size(); ++i) {
-            if (members[i]) {
-                members[i]->setOrder(orders->at(i).*which);
-            }
-        }
-        save();
+        return giveOrders(run, *orders, &NewOrder::after);
     };
-    const auto redo = [apply, orders, moved, inSidebarItem, toIndex](ZQManagedObjectContext &context,
-                                                                     const Save &save) {
-        if (const auto into = orders->isEmpty() ? sidebarItem(context, inSidebarItem) : nullptr) {
-            *orders = ordersAfterMove(*into, moved, toIndex);
-        }
-        apply(context, save, &NewOrder::after);
-    };
-    const auto undo = [apply](ZQManagedObjectContext &context, const Save &save) {
-        apply(context, save, &NewOrder::before);
-    };
-    push(m_window, zqLocalized("move items"), rows, redo, undo);
+    const auto undo = [orders](EditRun &run) { return giveOrders(run, *orders, &NewOrder::before); };
+    push(m_window, zqLocalized("move items"), project->numberOfItems(), redo, undo);
 }
 
 void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)

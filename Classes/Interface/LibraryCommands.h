@@ -3,13 +3,14 @@
 #include "Classes/Interface/WindowContext.h"
 
 // The commands on library items, each one undo step and saved. What changes many rows, those that only move up
-// included, is done on the window's edit queue. Main thread.
+// included, is done on the window's edit queue, with progress and cancel; undo takes back what was done by then. What
+// is there already is looked at when a command's turn comes, and what could not be read is told. Main thread.
 class LibraryCommands
 {
 public:
     explicit LibraryCommands(WindowContext &window) : m_window(window) {}
 
-    void deleteItems(const QList<ZQObjectID> &items); // soft: undo, or the next launch's purge, decides
+    void deleteItems(const QList<ZQObjectID> &items);                // soft: undo, or the next launch's purge, decides
     void setDeleted(const QList<ZQObjectID> &items, bool isDeleted); // as a part of another undo step
     void removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem);
     void addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex);

@@ -124,8 +124,10 @@ struct ZQManagedObjectContext::Private
     void listAdd(ZQManagedObject *object, int index, qint64 key);
     void listRemove(ZQManagedObject *object, int index, qint64 key);
     bool isRelated(ZQManagedObject *object, int index, ZQManagedObject *target);
+    // After an error, which is logged, only what was added here; the list stays unloaded, so that the next read tries
+    // again.
     const QList<qint64> &loadedKeys(const ZQManagedObject *object, int index);
-    QList<qint64> storedKeys(const ZQManagedObject *object, int index);
+    std::optional<QList<qint64>> storedKeys(const ZQManagedObject *object, int index);
     void takeStoredKeys(const ZQManagedObject *object, int index, const QList<qint64> &stored);
     QList<Object> related(const ZQManagedObject *object, int index);
     void deleteWithRules(ZQManagedObject *object);
@@ -162,7 +164,7 @@ struct ZQManagedObjectContext::Private
     bool updateRow(ZQSaveWork &work, ZQManagedObject *object);
     bool updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::optional<qint64> expectedVersion);
     bool deleteRows(ZQSaveWork &work);
-    void noteNeighboursOfDeleted(ZQSaveWork &work);
+    bool noteNeighboursOfDeleted(ZQSaveWork &work);
     bool writeJoins(ZQSaveWork &work);
     bool clearDanglingReferences(ZQSaveWork &work);
     bool rowExists(const ZQEntityDescription *entity, qint64 key);

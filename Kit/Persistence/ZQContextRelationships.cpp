@@ -1,3 +1,4 @@
+#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQContextPrivate.h"
 
 using Private = ZQManagedObjectContext::Private;
@@ -161,7 +162,7 @@ bool Private::isRelated(ZQManagedObject *object, int index, ZQManagedObject *tar
     return select.next();
 }
 
-QList<qint64> Private::storedKeys(const ZQManagedObject *object, int index)
+std::optional<QList<qint64>> Private::storedKeys(const ZQManagedObject *object, int index)
 {
     const ZQRelationshipDescription &forward = relationship(object, index);
     const QString sql = QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? ORDER BY %1");
@@ -175,6 +176,14 @@ QList<qint64> Private::storedKeys(const ZQManagedObject *object, int index)
     while (select.next()) {
         keys.append(select.int64(0));
     }
+    if (select.failed()) {
+        const ZQError failure = storeError();
+        if (failure.code != int(ZQStoreError::Cancelled)) {
+            qCWarning(zqLogStore, "reading the list \"%s\" failed: %s", qUtf8Printable(forward.name),
+                      qUtf8Printable(failure.localizedDescription()));
+        }
+        return std::nullopt;
+    }
     return keys;
 }
 
@@ -183,7 +192,9 @@ const QList<qint64> &Private::loadedKeys(const ZQManagedObject *object, int inde
     assertThread();
     ToMany &many = list(object, index);
     if (!many.isLoaded) {
-        takeStoredKeys(object, index, object->m_key > 0 ? storedKeys(object, index) : QList<qint64>());
+        const auto stored = object->m_key > 0 ? storedKeys(object, index) : QList<qint64>();
+        takeStoredKeys(object, index, stored.value_or(QList<qint64>()));
+        many.isLoaded = stored.has_value();
     }
     return many.keys;
 }

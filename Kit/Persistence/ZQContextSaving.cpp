@@ -106,6 +106,10 @@ bool Private::isDenied(ZQManagedObject *object, ZQError *error)
             continue;
         }
         QList<qint64> keys = forward.toMany ? loadedKeys(object, int(i)) : QList<qint64>{toOneKey(object, int(i))};
+        if (forward.toMany && !list(object, int(i)).isLoaded) { // it could not be read
+            zqSetError(error, storeError());
+            return true;
+        }
         keys.removeIf([&](qint64 key) {
             const ZQManagedObject *target = held(forward.destination, key);
             return key == 0 || (target && target->m_isDeleted);

@@ -136,7 +136,9 @@ bool Private::updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::opti
 
 bool Private::deleteRows(ZQSaveWork &work)
 {
-    noteNeighboursOfDeleted(work);
+    if (!noteNeighboursOfDeleted(work)) {
+        return false;
+    }
     for (const Object &object : work.deleted) {
         const QString sql =
             QStringLiteral("DELETE FROM %1 WHERE \"id\" = ?").arg(zqQuoted(object->m_entity->tableName));
@@ -157,7 +159,8 @@ bool Private::deleteRows(ZQSaveWork &work)
     return true;
 }
 
-void Private::noteNeighboursOfDeleted(ZQSaveWork &work)
+// A save that cannot tell whom it changes is none: who shows the neighbours would go on showing the deleted.
+bool Private::noteNeighboursOfDeleted(ZQSaveWork &work)
 {
     std::map<const ZQEntityPlan *, QList<ZQManagedObject *>> byEntity;
     for (const Object &object : work.deleted) {
@@ -173,7 +176,9 @@ void Private::noteNeighboursOfDeleted(ZQSaveWork &work)
             QSet<qint64> keys;
             if (forward.isManyToMany()) {
                 QHash<qint64, QList<qint64>> stored;
-                storedKeysOf(forward, owners, stored);
+                if (!storedKeysOf(forward, owners, stored)) {
+                    return false;
+                }
                 for (const QList<qint64> &list : std::as_const(stored)) {
                     keys.unite(QSet<qint64>(list.cbegin(), list.cend()));
                 }
@@ -189,6 +194,7 @@ void Private::noteNeighboursOfDeleted(ZQSaveWork &work)
             }
         }
     }
+    return true;
 }
 
 bool Private::writeJoins(ZQSaveWork &work)

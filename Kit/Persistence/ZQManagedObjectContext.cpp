@@ -245,7 +245,8 @@ ZQRef<ZQManagedObject> ZQManagedObjectContext::objectWithURIRepresentation(const
     return object && object->entity()->isKindOf(id.entity) ? object : nullptr;
 }
 
-QList<ZQObjectID> ZQManagedObjectContext::objectIDsWithURIRepresentations(const QStringList &uris)
+std::optional<QList<ZQObjectID>> ZQManagedObjectContext::objectIDsWithURIRepresentations(const QStringList &uris,
+                                                                                         ZQError *error)
 {
     d->assertThread();
     QList<ZQObjectID> named;
@@ -268,6 +269,10 @@ QList<ZQObjectID> ZQManagedObjectContext::objectIDsWithURIRepresentations(const 
         while (select.next()) {
             const ZQEntityPlan *entityPlan = d->plan->planForCode(int(select.int64(1)));
             entities[entry.key()].insert(select.int64(0), entityPlan ? entityPlan->entity : nullptr);
+        }
+        if (select.failed()) {
+            zqSetError(error, d->storeError());
+            return std::nullopt;
         }
     }
     QList<ZQObjectID> ids;

@@ -46,9 +46,9 @@ public:
     const ZQManagedObjectModel &model() const;
     ZQMergePolicy mergePolicy() const;
 
-    // For a context that only reads, and whose fetches may be given up: whether they fail with ZQStoreError::Cancelled once the thread's
-    // ZQCancellation is cancelled, also while they run. Objects that were not filled then stay as they were, and the
-    // context can be used on. Saves are never given up. No by default.
+    // For a context that only reads, and whose fetches may be given up: whether they fail with ZQStoreError::Cancelled
+    // once the thread's ZQCancellation is cancelled, also while they run. Objects that were not filled then stay as
+    // they were, and the context can be used on. Saves are never given up. No by default.
     void setFetchesAreCancellable(bool areCancellable);
 
     // A new object with its defaults set and a temporary identifier. Null for an unknown or abstract entity.
@@ -70,8 +70,9 @@ public:
     ZQRef<ZQManagedObject> existingObjectWithID(const ZQObjectID &id, ZQError *error = nullptr);
     // From `URIRepresentation`; null when it names another store, an unknown entity or no row.
     ZQRef<ZQManagedObject> objectWithURIRepresentation(const QString &uri);
-    // The same for many, as identifiers: a query for each root entity. What names nothing is left out.
-    QList<ZQObjectID> objectIDsWithURIRepresentations(const QStringList &uris);
+    // The same for many, as identifiers: a query for each root entity. What names nothing is left out; nothing after an
+    // error.
+    std::optional<QList<ZQObjectID>> objectIDsWithURIRepresentations(const QStringList &uris, ZQError *error = nullptr);
 
     // Fetches. Unsaved changes of this context count unless the request says otherwise. Nothing after an error.
     std::optional<QList<ZQRef<ZQManagedObject>>> executeFetchRequest(const ZQFetchRequest &request,

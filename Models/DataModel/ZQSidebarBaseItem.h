@@ -62,14 +62,19 @@ public:
         return addItem(item, atIndex, rearrangeOtherItems, true);
     }
     virtual bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems, bool checkForDuplicate);
-    // As one `addItem(item, index)` after another, for as little as one pass; no indexes: at the end.
-    virtual void addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {});
+    // As one `addItem(item, index)` after another, for as little as one pass; no indexes: at the end. False after an
+    // error, when nobody was added, since nobody is to be a member twice.
+    virtual bool addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {},
+                          ZQError *error = nullptr);
     virtual void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
-    // Takes back what `removeItems` did: each item gets the order again that its membership had.
-    void restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders);
+    // Takes back what `removeItems` did: each item gets the order again that its membership had. False after an error,
+    // when nothing was changed.
+    bool restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders,
+                      ZQError *error = nullptr);
     // The memberships of those of `items` that are members, one an item; a query for every 500. Nothing after an error,
     // which is not the same as none.
-    std::optional<QList<ZQRef<ZQProjectItem>>> membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const;
+    ZQFetched<ZQProjectItem> membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                ZQError *error = nullptr) const;
     void removeItem(ZQLibraryBaseItem *item);
     void removeProjectItem(ZQProjectItem *projectItem);
     virtual bool containsItem(const ZQLibraryBaseItem *item) const;
@@ -127,12 +132,10 @@ protected:
 
 private:
     ZQFetchRequest membershipRequest() const; // by order, of inactive items too
-    // Those of `items` that are no members yet, restored where they are inactive, with their positions in `items`.
-    QList<ZQRef<ZQLibraryBaseItem>> itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
-                                                  QList<qsizetype> &positions) const;
-    void insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &indexes);
-    QList<qint32> takenOrders(const QSet<qint32> &orders) const;
-    void makeRoomAt(qint32 order, const QList<ZQRef<ZQLibraryBaseItem>> &returning);
+    // Those of `items` that are no members yet, with their positions in `items`.
+    ZQFetched<ZQLibraryBaseItem> itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                               QList<qsizetype> &positions, ZQError *error) const;
+    bool insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &indexes, ZQError *error);
     void insertMembership(ZQLibraryBaseItem *item, qint32 order);
-    qint32 appendOrder() const;
+    std::optional<qint32> appendOrder(ZQError *error) const;
 };

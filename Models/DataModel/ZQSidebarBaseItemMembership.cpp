@@ -37,6 +37,69 @@ void openGap(QList<Place> &places, qsizetype index, qsizetype count)
     }
 }
 
+void restoreInactive(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        if (item && !item->active()) {
+            item->restoreSelf();
+        }
+    }
+}
+
+// The orders of `wanted` that members have. Nothing after an error.
+std::optional<QSet<qint32>> takenOrders(const ZQSidebarBaseItem &project, const QList<qint32> &wanted, ZQError *error)
+{
+    QSet<qint32> taken;
+    for (qsizetype start = 0; start < wanted.size(); start += pieceSize) {
+        QVariantList piece;
+        for (const qint32 order : wanted.mid(start, pieceSize)) {
+            piece.append(order);
+        }
+        const auto there = zqFetch<ZQProjectItem>(*project.managedObjectContext(),
+                                                  ZQFetchRequest{.entityName = ZQProjectItem::entityName(),
+                                                                 .predicate = ZQPredicate::predicateWithFormat(
+                                                                     QStringLiteral("project == %@ AND order IN %@"),
+                                                                     {QVariant::fromValue(project.objectID()), piece})},
+                                                  error);
+        if (!there) {
+            return std::nullopt;
+        }
+        for (const ZQRef<ZQProjectItem> &member : *there) {
+            taken.insert(member->order());
+        }
+    }
+    return taken;
+}
+
+// Those from the first of the orders on; none without any.
+ZQFetched<ZQProjectItem> membersBehind(const ZQSidebarBaseItem &project, const QSet<qint32> &orders, ZQError *error)
+{
+    if (orders.isEmpty()) {
+        return QList<ZQRef<ZQProjectItem>>();
+    }
+    return zqFetch<ZQProjectItem>(
+        *project.managedObjectContext(),
+        ZQFetchRequest{.entityName = ZQProjectItem::entityName(),
+                       .predicate = ZQPredicate::predicateWithFormat(
+                           QStringLiteral("project == %@ AND order >= %@"),
+                           {QVariant::fromValue(project.objectID()), *std::min_element(orders.begin(), orders.end())}),
+                       .sortDescriptors = {{QStringLiteral("order")}}},
+        error);
+}
+
+// Who is at `order` and does not return moves up, and those close behind, too. `places` is in order.
+void makeRoomAt(QList<Place> &places, qint32 order)
+{
+    qint32 next = order + 1;
+    auto place = std::lower_bound(places.begin(), places.end(), order,
+                                  [](const Place &each, qint32 value) { return each.order < value; });
+    for (; place != places.end() && place->order < next; ++place) {
+        if (place->order > order || place->existing) {
+            place->order = next++;
+        }
+    }
+}
+
 ZQSortDescriptor withItemPrefix(ZQSortDescriptor descriptor, bool isPrefixed)
 {
     if (descriptor.keyPath.startsWith(itemPrefix)) {
@@ -146,8 +209,9 @@ qint32 ZQSidebarBaseItem::orderOfItem(const ZQLibraryBaseItem *item) const
     return membership ? membership->order() : -1;
 }
 
-// After every member, also where removed ones left gaps or the last ones are inactive.
-qint32 ZQSidebarBaseItem::appendOrder() const
+// After every member, also where removed ones left gaps or the last ones are inactive. Nothing after an error: a guess
+// would be somebody else's place.
+std::optional<qint32> ZQSidebarBaseItem::appendOrder(ZQError *error) const
 {
     ZQManagedObjectContext *context = managedObjectContext();
     if (!context) {
@@ -156,11 +220,21 @@ qint32 ZQSidebarBaseItem::appendOrder() const
     ZQFetchRequest request = membershipRequest();
     request.sortDescriptors = {{QStringLiteral("order"), false}};
     request.fetchLimit = 1;
-    const auto last = zqFetch<ZQProjectItem>(*context, request);
-    const qint32 afterLast = last && !last->isEmpty() ? last->first()->order() + 1 : 0;
+    const auto last = zqFetch<ZQProjectItem>(*context, request, error);
+    if (!last) {
+        return std::nullopt;
+    }
+    const qint32 afterLast = last->isEmpty() ? 0 : last->first()->order() + 1;
     request.fetchLimit = 0;
     request.sortDescriptors.clear();
-    return std::max(afterLast, qint32(zqCount(*context, request)));
+    ZQError failure;
+    const auto count = context->countForFetchRequest(request, &failure);
+    if (!count) {
+        zqLogFetchError(failure);
+        zqSetError(error, failure);
+        return std::nullopt;
+    }
+    return std::max(afterLast, qint32(*count));
 }
 
 void ZQSidebarBaseItem::insertMembership(ZQLibraryBaseItem *item, qint32 order)
@@ -182,26 +256,34 @@ bool ZQSidebarBaseItem::addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool r
     if (!item || !managedObjectContext()) {
         return false;
     }
+    const ZQRef<ZQLibraryBaseItem> kept(item);
+    const auto present =
+        checkForDuplicate ? membershipsOfItems({kept}) : ZQFetched<ZQProjectItem>(QList<ZQRef<ZQProjectItem>>());
+    if (!present) { // it may be a member, and nobody is to be one twice
+        return false;
+    }
     if (!item->active()) {
         item->restoreSelf();
     }
-    if (checkForDuplicate && containsItem(item)) {
+    if (!present->isEmpty()) {
         return false;
     }
     if (atIndex == appendIndex) {
-        insertMembership(item, appendOrder());
-        return true;
+        const auto order = appendOrder(nullptr);
+        if (order) {
+            insertMembership(item, *order);
+        }
+        return order.has_value();
     }
     if (!rearrangeOtherItems) {
         insertMembership(item, qint32(std::min<quint32>(atIndex, std::numeric_limits<qint32>::max())));
         return true;
     }
-    insertAt({ZQRef<ZQLibraryBaseItem>(item)}, {atIndex});
-    return true;
+    return insertAt({kept}, {atIndex}, nullptr);
 }
 
-std::optional<QList<ZQRef<ZQProjectItem>>>
-ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) const
+ZQFetched<ZQProjectItem> ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                               ZQError *error) const
 {
     QList<ZQRef<ZQProjectItem>> memberships;
     QSet<qint64> seen;
@@ -213,8 +295,11 @@ ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
             }
         }
         // From the items: they are in few projects, while one project may have a hundred thousand members.
-        const auto members =
-            zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("item IN %@"), {QVariant(ids)});
+        const auto members = zqFetch<ZQProjectItem>(*managedObjectContext(),
+                                                    ZQFetchRequest{.entityName = ZQProjectItem::entityName(),
+                                                                   .predicate = ZQPredicate::predicateWithFormat(
+                                                                       QStringLiteral("item IN %@"), {QVariant(ids)})},
+                                                    error);
         if (!members) {
             return std::nullopt;
         }
@@ -228,12 +313,12 @@ ZQSidebarBaseItem::membershipsOfItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
     return memberships;
 }
 
-QList<ZQRef<ZQLibraryBaseItem>> ZQSidebarBaseItem::itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
-                                                                 QList<qsizetype> &positions) const
+ZQFetched<ZQLibraryBaseItem> ZQSidebarBaseItem::itemsToInsert(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                              QList<qsizetype> &positions, ZQError *error) const
 {
-    const auto memberships = membershipsOfItems(items);
+    const auto memberships = membershipsOfItems(items, error);
     if (!memberships) { // whether they are members is not known, and nobody is to be one twice
-        return {};
+        return std::nullopt;
     }
     QSet<qint64> taken;
     for (const ZQRef<ZQProjectItem> &membership : *memberships) {
@@ -242,13 +327,7 @@ QList<ZQRef<ZQLibraryBaseItem>> ZQSidebarBaseItem::itemsToInsert(const QList<ZQR
     QList<ZQRef<ZQLibraryBaseItem>> fresh;
     for (qsizetype position = 0; position < items.size(); ++position) {
         const ZQRef<ZQLibraryBaseItem> &item = items.at(position);
-        if (!item) {
-            continue;
-        }
-        if (!item->active()) {
-            item->restoreSelf();
-        }
-        if (!taken.contains(item->objectID().key)) {
+        if (item && !taken.contains(item->objectID().key)) {
             taken.insert(item->objectID().key);
             fresh.append(item);
             positions.append(position);
@@ -257,28 +336,34 @@ QList<ZQRef<ZQLibraryBaseItem>> ZQSidebarBaseItem::itemsToInsert(const QList<ZQR
     return fresh;
 }
 
-void ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes)
+bool ZQSidebarBaseItem::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes,
+                                 ZQError *error)
 {
     if (!managedObjectContext() || items.isEmpty()) {
-        return;
+        return true;
     }
     QList<qsizetype> positions;
-    const QList<ZQRef<ZQLibraryBaseItem>> fresh = itemsToInsert(items, positions);
-    if (fresh.isEmpty()) {
-        return;
+    const auto fresh = itemsToInsert(items, positions, error);
+    if (!fresh) {
+        return false;
     }
     QList<quint32> indexes;
     for (const qsizetype position : std::as_const(positions)) {
         indexes.append(position < atIndexes.size() ? atIndexes.at(position) : appendIndex);
     }
     if (std::all_of(indexes.begin(), indexes.end(), [](quint32 index) { return index == appendIndex; })) {
-        qint32 order = appendOrder();
-        for (const ZQRef<ZQLibraryBaseItem> &item : fresh) {
-            insertMembership(item.get(), order++);
+        const auto order = fresh->isEmpty() ? 0 : appendOrder(error);
+        if (!order) {
+            return false;
         }
-        return;
+        for (qsizetype i = 0; i < fresh->size(); ++i) {
+            insertMembership(fresh->at(i).get(), *order + qint32(i));
+        }
+    } else if (!insertAt(*fresh, indexes, error)) {
+        return false;
     }
-    insertAt(fresh, indexes);
+    restoreInactive(items);
+    return true;
 }
 
 ZQFetchRequest ZQSidebarBaseItem::membershipRequest() const
@@ -290,21 +375,22 @@ ZQFetchRequest ZQSidebarBaseItem::membershipRequest() const
 }
 
 // Members before the first place stay as they are and are not read, as long as their orders say how many they are.
-void ZQSidebarBaseItem::insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &indexes)
+bool ZQSidebarBaseItem::insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &indexes,
+                                 ZQError *error)
 {
     ZQManagedObjectContext &context = *managedObjectContext();
     ZQFetchRequest request = membershipRequest();
     const qint64 first = *std::min_element(indexes.begin(), indexes.end());
     const qint64 count = first == 0 ? 0 : zqCount(context, request);
     request.fetchOffset = int(std::max<qint64>(0, std::min(first, count) - 1));
-    auto memberships = zqFetch<ZQProjectItem>(context, request);
+    auto memberships = zqFetch<ZQProjectItem>(context, request, error);
     if (memberships && request.fetchOffset > 0 &&
         (memberships->isEmpty() || memberships->first()->order() != request.fetchOffset)) {
         request.fetchOffset = 0;
-        memberships = zqFetch<ZQProjectItem>(context, request);
+        memberships = zqFetch<ZQProjectItem>(context, request, error);
     }
     if (!memberships) { // without the others' orders there is no place
-        return;
+        return false;
     }
     const qsizetype unread = request.fetchOffset;
     QList<Place> places;
@@ -328,96 +414,63 @@ void ZQSidebarBaseItem::insertAt(const QList<ZQRef<ZQLibraryBaseItem>> &items, c
         places = inserted;
         start = end;
     }
-    for (const Place &place : places) {
+    for (const Place &place : std::as_const(places)) {
         if (place.existing) {
             place.existing->setOrder(place.order + qint32(unread));
         } else {
             insertMembership(place.item, place.order + qint32(unread));
         }
     }
+    return true;
 }
 
-// Nobody else moves unless a place was taken meanwhile; then the one there and those close behind it make room.
-void ZQSidebarBaseItem::restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders)
+// Nobody else moves unless a place was taken meanwhile; then the one there and those close behind it make room. All
+// that has to be known is read before anything changes.
+bool ZQSidebarBaseItem::restoreItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<qint32> &orders,
+                                     ZQError *error)
 {
     if (!managedObjectContext() || items.isEmpty() || orders.size() != items.size()) {
-        return;
+        return true;
     }
     if (!hasOrderedMembers()) {
-        addItems(items);
-        return;
+        return addItems(items, {}, error);
     }
     QList<qsizetype> positions;
-    const QList<ZQRef<ZQLibraryBaseItem>> fresh = itemsToInsert(items, positions);
-    if (fresh.isEmpty()) {
-        return;
+    const auto fresh = itemsToInsert(items, positions, error);
+    if (!fresh) {
+        return false;
     }
-    QSet<qint32> wanted;
-    for (qsizetype i = 0; i < fresh.size(); ++i) {
-        wanted.insert(orders.at(positions.at(i)));
-        insertMembership(fresh.at(i).get(), orders.at(positions.at(i)));
+    QList<qint32> wanted;
+    for (const qsizetype position : std::as_const(positions)) {
+        wanted.append(orders.at(position));
     }
-    for (const qint32 order : takenOrders(wanted)) {
-        makeRoomAt(order, fresh);
+    const auto taken = takenOrders(*this, wanted, error);
+    const auto behind = taken ? membersBehind(*this, *taken, error) : std::nullopt;
+    if (!behind) {
+        return false;
     }
-}
-
-// Those of `orders` that more than one member has, from the highest on.
-QList<qint32> ZQSidebarBaseItem::takenOrders(const QSet<qint32> &orders) const
-{
-    QHash<qint32, int> members;
-    const QList<qint32> all(orders.cbegin(), orders.cend());
-    for (qsizetype start = 0; start < all.size(); start += pieceSize) {
-        QVariantList piece;
-        for (const qint32 order : all.mid(start, pieceSize)) {
-            piece.append(order);
+    QList<Place> places;
+    for (qsizetype i = 0; i < fresh->size(); ++i) {
+        places.append({wanted.at(i), nullptr, fresh->at(i).get()});
+    }
+    for (const ZQRef<ZQProjectItem> &member : *behind) {
+        places.append({member->order(), member.get(), nullptr});
+    }
+    std::stable_sort(places.begin(), places.end(), [](const Place &a, const Place &b) { return a.order < b.order; });
+    QList<qint32> highestFirst(taken->cbegin(), taken->cend());
+    std::sort(highestFirst.begin(), highestFirst.end(), std::greater<>());
+    for (const qint32 order : std::as_const(highestFirst)) {
+        makeRoomAt(places, order);
+    }
+    for (const Place &place : std::as_const(places)) {
+        if (place.existing) {
+            place.existing->setOrder(place.order);
+        } else {
+            insertMembership(place.item, place.order);
         }
-        const auto there =
-            zqFetch<ZQProjectItem>(*managedObjectContext(), QStringLiteral("project == %@ AND order IN %@"),
-                                   {QVariant::fromValue(objectID()), piece});
-        for (const ZQRef<ZQProjectItem> &member : there.value_or(QList<ZQRef<ZQProjectItem>>())) {
-            ++members[member->order()];
-        }
     }
-    members.removeIf([](const std::pair<const qint32 &, int &> &entry) { return entry.second < 2; });
-    QList<qint32> taken = members.keys();
-    std::sort(taken.begin(), taken.end(), std::greater<>());
-    return taken;
-}
-
-// There may be a hundred thousand members behind, and the first gap, mostly near, ends it.
-void ZQSidebarBaseItem::makeRoomAt(qint32 order, const QList<ZQRef<ZQLibraryBaseItem>> &returning)
-{
-    constexpr int growth = 16;
-    QSet<qint64> staying;
-    for (const ZQRef<ZQLibraryBaseItem> &item : returning) {
-        staying.insert(item->objectID().key);
-    }
-    const auto moves = [&](const ZQRef<ZQProjectItem> &member) {
-        return member->order() > order || !staying.contains(member->itemKey());
-    };
-    ZQFetchRequest request = membershipRequest();
-    request.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@ AND order >= %@"),
-                                                         {QVariant::fromValue(objectID()), order});
-    for (request.fetchLimit = 64;; request.fetchLimit *= growth) {
-        const auto behind =
-            zqFetch<ZQProjectItem>(*managedObjectContext(), request).value_or(QList<ZQRef<ZQProjectItem>>());
-        qint32 next = order + 1;
-        qsizetype count = 0;
-        for (; count < behind.size() && behind.at(count)->order() < next; ++count) {
-            next += moves(behind.at(count)) ? 1 : 0;
-        }
-        if (count == behind.size() && behind.size() == request.fetchLimit) {
-            continue; // the gap is farther away
-        }
-        next = order + 1;
-        for (const ZQRef<ZQProjectItem> &member : behind.first(count)) {
-            if (moves(member)) {
-                member->setOrder(next++);
-            }
-        }
-        return;
-    }
+    restoreInactive(items);
+    return true;
 }
 
 void ZQSidebarBaseItem::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)

@@ -62,11 +62,12 @@ bool ZQSidebarLibrary::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
     return restoreItem(item);
 }
 
-void ZQSidebarLibrary::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
+bool ZQSidebarLibrary::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &, ZQError *)
 {
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         restoreItem(item.get());
     }
+    return true;
 }
 
 bool ZQSidebarLibrary::containsItem(const ZQLibraryBaseItem *item) const
@@ -119,11 +120,12 @@ bool ZQSidebarRecent::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
     return restoreItem(item);
 }
 
-void ZQSidebarRecent::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
+bool ZQSidebarRecent::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &, ZQError *)
 {
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         restoreItem(item.get());
     }
+    return true;
 }
 
 bool ZQSidebarRecent::containsItem(const ZQLibraryBaseItem *item) const

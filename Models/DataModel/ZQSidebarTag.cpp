@@ -248,10 +248,11 @@ bool ZQSidebarTag::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
     return true;
 }
 
-void ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
+bool ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &, ZQError *)
 {
     const auto kept = zqPrefetch(items, QStringLiteral("tags"));
     addEachItem(items);
+    return true;
 }
 
 void ZQSidebarTag::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)

@@ -49,7 +49,8 @@ public:
     using ZQSidebarBaseItem::addItem;
     using ZQSidebarBaseItem::containsItem;
     bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems, bool checkForDuplicate) override;
-    void addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {}) override;
+    bool addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {},
+                  ZQError *error = nullptr) override;
     void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
     bool containsItem(const ZQLibraryBaseItem *item) const override;
     // Every item of `items` gets this tag in the store; files are left as they are.

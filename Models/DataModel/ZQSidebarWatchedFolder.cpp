@@ -236,9 +236,10 @@ bool ZQSidebarWatchedFolder::addItem(ZQLibraryBaseItem *item, quint32, bool, boo
     return true;
 }
 
-void ZQSidebarWatchedFolder::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &)
+bool ZQSidebarWatchedFolder::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &, ZQError *)
 {
     addEachItem(items);
+    return true;
 }
 
 void ZQSidebarWatchedFolder::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)

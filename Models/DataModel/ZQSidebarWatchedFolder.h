@@ -60,7 +60,8 @@ public:
     using ZQSidebarBaseItem::addItem;
     using ZQSidebarBaseItem::containsItem;
     bool addItem(ZQLibraryBaseItem *item, quint32 atIndex, bool rearrangeOtherItems, bool checkForDuplicate) override;
-    void addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {}) override;
+    bool addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &atIndexes = {},
+                  ZQError *error = nullptr) override;
     void removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
     bool containsItem(const ZQLibraryBaseItem *item) const override;
 

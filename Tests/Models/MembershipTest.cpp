@@ -160,6 +160,43 @@ TEST_F(Memberships, MakeRoomForThoseThatReturnWherePlacesWereTaken)
     EXPECT_EQ(places(*project), expected);
 }
 
+// Who is a member can be read in the first case, who is where in none: an order that is guessed is somebody else's.
+TEST_F(Memberships, AreNotGuessedWhereTheStoreCannotBeRead)
+{
+    auto project = projectOf(3);
+    const auto returning = project->items().at(1);
+    project->removeItem(returning.get());
+    const auto newcomer = makeItems(1).first();
+    ASSERT_TRUE(context().save());
+    const auto before = places(*project);
+    const char *const faults[] = {
+        "ALTER TABLE ZQProjectItem RENAME TO away; CREATE VIEW ZQProjectItem AS SELECT id, entity, version, item, "
+        "project, abs(id - id - 9223372036854775807 - 1) AS \"order\" FROM away",
+        "ALTER TABLE ZQProjectItem RENAME TO away"};
+    for (const char *fault : faults) {
+        SCOPED_TRACE(fault);
+        const auto other = library.coordinator()->newConnection();
+        const QString legacy = QStringLiteral("PRAGMA legacy_alter_table=ON; ");
+        ASSERT_TRUE(other->execute(legacy + QLatin1StringView(fault)));
+        ZQError error;
+        EXPECT_FALSE(project->addItem(newcomer.get()));
+        EXPECT_FALSE(project->addItem(newcomer.get(), 1));
+        EXPECT_FALSE(project->addItems({newcomer}));
+        EXPECT_FALSE(project->addItems({newcomer}, {1}, &error));
+        EXPECT_FALSE(error.isNull());
+        error = {};
+        EXPECT_FALSE(project->restoreItems({newcomer, returning}, {0, 1}, &error));
+        EXPECT_FALSE(error.isNull());
+        EXPECT_TRUE(context().insertedObjects().isEmpty());
+        EXPECT_EQ(changedMemberships(), 0);
+        ASSERT_TRUE(other->execute(
+            legacy + QStringLiteral("DROP VIEW IF EXISTS ZQProjectItem; ALTER TABLE away RENAME TO ZQProjectItem")));
+    }
+    EXPECT_EQ(places(*project), before);
+    EXPECT_TRUE(project->restoreItems({newcomer, returning}, {0, 1}));
+    EXPECT_EQ(project->orderOfItem(returning.get()), 2) << "one place taken, and what followed moved up";
+}
+
 // The members before the place are not even read; what comes out is as if all had been.
 TEST_F(Memberships, AreInsertedByTheRuleOfOrders)
 {

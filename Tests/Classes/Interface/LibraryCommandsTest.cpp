@@ -83,6 +83,13 @@ protected:
         return isQueued;
     }
 
+    void rename(const char *from, const char *to)
+    {
+        const auto connection = library.coordinator()->newConnection();
+        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                            .arg(QLatin1String(from), QLatin1String(to))));
+    }
+
     Item project;
     QList<ZQRef<ZQLibraryImage>> images;
     LibraryCommands commands{window};
@@ -242,6 +249,119 @@ TEST_F(LibraryCommandsTest, ManyRowsChangeBesideTheWindowAndComeBackAsTheyWere)
     EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
 }
 
+TEST_F(LibraryCommandsTest, WhatIsCancelledIsTakenBackAsFarAsItCame)
+{
+    const QList<ZQObjectID> many = addMany(2500);
+    commands.addItems(many, project->objectID(), ZQSidebarBaseItem::appendIndex);
+    finish();
+    const QList<ZQObjectID> others = addMany(2500);
+    const auto before = order();
+    const std::function<void()> steps[] = {
+        [&] { commands.deleteItems(many); },
+        [&] { commands.removeItems(many, project->objectID()); },
+        [&] { commands.addItems(others, project->objectID(), ZQSidebarBaseItem::appendIndex); },
+        [&] { commands.addItems(others, project->objectID(), 2); },
+    };
+    std::function<void()> cancel;
+    user.onBeginProgress = [&cancel](const std::function<void()> &given) { cancel = given; };
+    for (const auto &step : steps) {
+        SCOPED_TRACE(&step - steps);
+        auto merged = library.context().observeObjectsDidChange([&cancel](const ZQContextDidSave &) { cancel(); });
+        step();
+        finish();
+        const auto partly = order();
+        EXPECT_EQ(std::abs(partly.size() - before.size()), 1000) << "a batch";
+        undoStack.undo();
+        finish();
+        EXPECT_EQ(order(), before);
+
+        merged.reset();
+        undoStack.redo();
+        finish();
+        EXPECT_EQ(std::abs(order().size() - before.size()), 2500);
+        merged = library.context().observeObjectsDidChange([&cancel](const ZQContextDidSave &) { cancel(); });
+        undoStack.undo();
+        finish();
+        EXPECT_EQ(std::abs(order().size() - before.size()), 1500) << "so is its undo";
+        merged.reset();
+        undoStack.redo();
+        undoStack.undo();
+        finish();
+        EXPECT_EQ(order(), before) << "what was left is not forgotten";
+    }
+    EXPECT_TRUE(user.errors.isEmpty());
+}
+
+TEST_F(LibraryCommandsTest, ManyTakenBackReturnInOrderWhereTheirPlacesWereTaken)
+{
+    const QList<ZQObjectID> many = addMany(2500);
+    commands.addItems(many, project->objectID(), ZQSidebarBaseItem::appendIndex);
+    finish();
+    QStringList expected = order();
+    commands.removeItems(many, project->objectID());
+    finish();
+    for (const quint32 place : {700U, 1900U}) { // by somebody else
+        const auto taker = library.addImage(QStringLiteral("taker%1").arg(place));
+        project->addItem(taker.get(), place, false);
+    }
+    library.context().save();
+    undoStack.undo();
+    finish();
+    expected.insert(1901, QStringLiteral("taker1900"));
+    expected.insert(701, QStringLiteral("taker700"));
+    EXPECT_EQ(order(), expected);
+}
+
+TEST_F(LibraryCommandsTest, WhatIsThereIsLookedAtWhenItsTurnComes)
+{
+    const QList<ZQObjectID> many = addMany(1200);
+    commands.addItems(many, project->objectID(), ZQSidebarBaseItem::appendIndex);
+    commands.moveItems({many.last()}, project->objectID(), 0);
+    finish();
+    EXPECT_EQ(order().first(), QStringLiteral("many1199"));
+
+    commands.removeItems(many, project->objectID());
+    commands.addItems({many[5]}, project->objectID(), ZQSidebarBaseItem::appendIndex);
+    finish();
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d", "many5"}));
+    for (int i = 0; i < 4; ++i) {
+        undoStack.undo();
+    }
+    finish();
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+}
+
+TEST_F(LibraryCommandsTest, WhatCannotBeReadIsToldAndLeavesNoStep)
+{
+    const auto before = places();
+    const Item other = addProject(QStringLiteral("Other"));
+    const std::function<void()> steps[] = {
+        [&] { commands.removeItems(ids({1}), project->objectID()); },
+        [&] { commands.addItems(ids({1}), other->objectID(), ZQSidebarBaseItem::appendIndex); },
+        [&] { commands.moveItems(ids({1}), project->objectID(), 0); },
+    };
+    for (const auto &step : steps) {
+        SCOPED_TRACE(&step - steps);
+        user.errors.clear();
+        rename("ZQProjectItem", "away");
+        step();
+        EXPECT_EQ(user.errors.size(), 1);
+        EXPECT_EQ(undoStack.count(), 0);
+        rename("away", "ZQProjectItem");
+        EXPECT_EQ(places(), before);
+        EXPECT_EQ(other->numberOfItems(), 0);
+    }
+    commands.removeItems(ids({1, 2}), project->objectID());
+    user.errors.clear();
+    rename("ZQProjectItem", "away");
+    undoStack.undo();
+    EXPECT_EQ(user.errors.size(), 1);
+    rename("away", "ZQProjectItem");
+    undoStack.redo();
+    undoStack.undo();
+    EXPECT_EQ(places(), before) << "taken back once it can be";
+}
+
 TEST_F(LibraryCommandsTest, ADragCarriesEveryItemAndIsReadInOneGo)
 {
     const QList<ZQObjectID> many = addMany(5200); // more than another program gets files of
@@ -260,6 +380,10 @@ TEST_F(LibraryCommandsTest, ADragCarriesEveryItemAndIsReadInOneGo)
     EXPECT_EQ(connection->preparedUses() - before, 1);
     EXPECT_EQ(asSet(dropped), asSet(many) + asSet(ids({0, 1, 2, 3})));
     const QByteArray foreign = project->UUID().toUtf8() + "\nx-zelto://nothing/ZQLibraryImage/p1\nx\n";
+    rename("ZQLibraryBaseItem", "away");
+    EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
+    EXPECT_EQ(user.errors.size(), 1) << "not as if nothing had been dragged";
+    rename("away", "ZQLibraryBaseItem");
     data->setData(BrowserContent::itemsMimeType, foreign);
     EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
 }

@@ -26,6 +26,22 @@ protected:
         return *other.countForFetchRequest({QString::fromLatin1(entity)});
     }
 
+    void rename(const QString &from, const QString &to)
+    {
+        const auto connection = store.coordinator()->newConnection();
+        ASSERT_TRUE(connection->execute(
+            QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE \"%1\" RENAME TO \"%2\"").arg(from, to)));
+    }
+    QString joinTable() const
+    {
+        for (const auto &relationship : store.model->entity(QStringLiteral("TestDocument"))->relationships) {
+            if (relationship.isManyToMany()) {
+                return relationship.joinTable;
+            }
+        }
+        return {};
+    }
+
     TestStore store;
     ZQManagedObjectContext context{store.coordinator()};
 };
@@ -242,4 +258,56 @@ TEST_F(ZQRelationship, RollbackAndRefreshGoBackToTheStore)
         EXPECT_FALSE(t->isDeleted());
         EXPECT_FALSE(context.hasChanges());
     }
+}
+
+TEST_F(ZQRelationship, AListThatCouldNotBeReadIsReadWhenItIsNextAskedFor)
+{
+    const auto d = document("d");
+    d->addTag(tag("t").get());
+    ASSERT_TRUE(context.save());
+    ZQManagedObjectContext reader(store.coordinator());
+    const auto read = zqCast<TestDocument>(reader.existingObjectWithID(d->objectID()));
+    const QString away = QStringLiteral("away");
+    rename(joinTable(), away);
+    EXPECT_TRUE(read->tags().isEmpty());
+    const auto more = reader.insertNewObject<TestTag>();
+    more->setName(QStringLiteral("more"));
+    read->addTag(more.get());
+    EXPECT_EQ(read->tags().size(), 1) << "what was added here is known";
+    rename(away, joinTable());
+    EXPECT_EQ(read->tags().size(), 2);
+}
+
+TEST_F(ZQRelationship, WhatCannotBeReadFailsTheSaveThatHasToAnnounceIt)
+{
+    const auto d = document("d");
+    const auto t = tag("t");
+    d->addTag(t.get());
+    ASSERT_TRUE(context.save());
+    ZQContextDidSave seen;
+    const auto token = context.observeDidSave([&](const ZQContextDidSave &notification) { seen = notification; });
+    const QString away = QStringLiteral("away");
+    rename(joinTable(), away);
+    context.deleteObject(d.get());
+    ZQError error;
+    EXPECT_FALSE(context.save(&error));
+    EXPECT_FALSE(error.isNull());
+    rename(away, joinTable());
+    EXPECT_EQ(rows(store, "TestDocument"), 1);
+    ASSERT_TRUE(context.save(&error)) << "nothing is lost of what was to be saved";
+    EXPECT_TRUE(seen.updated.contains(t->objectID()));
+}
+
+TEST_F(ZQRelationship, NamesThatCannotBeLookedUpAreAnError)
+{
+    const auto d = document("d");
+    ASSERT_TRUE(context.save());
+    const QString name = d->objectID().URIRepresentation(store.coordinator()->storeUUID());
+    const QString away = QStringLiteral("away");
+    rename(QStringLiteral("TestNode"), away);
+    ZQError error;
+    EXPECT_FALSE(context.objectIDsWithURIRepresentations({name}, &error));
+    EXPECT_FALSE(error.isNull());
+    rename(away, QStringLiteral("TestNode"));
+    EXPECT_EQ(context.objectIDsWithURIRepresentations({name}), QList<ZQObjectID>{d->objectID()});
 }

@@ -1,0 +1,68 @@
+#include "Classes/Interface/EditRun.h"
+
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperation.h"
+
+#include <algorithm>
+#include <utility>
+
+EditRun::EditRun(WindowContext &window) : m_window(window), m_context(window.context), m_isQueued(false) {}
+
+EditRun::EditRun(WindowContext &window, ZQManagedObjectContext &context, std::weak_ptr<ZQOperation> operation)
+    : m_window(window), m_context(context), m_operation(std::move(operation)), m_isQueued(true)
+{
+}
+
+bool EditRun::save()
+{
+    if (!m_isQueued) {
+        m_window.save(); // which tells what failed; the changes stay in the window's context then
+        return true;
+    }
+    ZQError error;
+    const bool isSaved = m_context.save(&error);
+    if (!isSaved) {
+        presentError(error);
+    }
+    return isSaved;
+}
+
+void EditRun::presentError(const ZQError &error)
+{
+    if (m_isQueued) {
+        zqOnMainThread([&user = m_window.user, error] { user.presentError(error); });
+    } else {
+        m_window.user.presentError(error);
+    }
+}
+
+bool EditRun::isCancelled() const
+{
+    const auto operation = m_operation.lock();
+    return operation && operation->isCancelled();
+}
+
+qsizetype EditRun::inBatches(const QString &progressText, qsizetype count,
+                             const std::function<bool(qsizetype first, qsizetype size)> &change)
+{
+    std::shared_ptr<UserProgress> progress;
+    if (m_isQueued && count > batchSize) {
+        progress = m_window.user.beginProgress(progressText, double(count), [operation = m_operation] {
+            if (const auto running = operation.lock()) {
+                running->cancel();
+            }
+        });
+    }
+    qsizetype position = 0;
+    while (position < count && !isCancelled()) {
+        const qsizetype size = std::min(batchSize, count - position);
+        if (!change(position, size)) {
+            break;
+        }
+        position += size;
+        if (progress) {
+            progress->advanceBy(double(size));
+        }
+    }
+    return position;
+}
