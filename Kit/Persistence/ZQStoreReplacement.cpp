@@ -137,7 +137,7 @@ std::optional<QString> zqReplaceStore(const QString &path, const QString &recove
 {
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     const QString whole = path + recoveredSuffix + stamp;
-    if (zqSyncToDisk(recovered) && moved(recovered, whole) && zqSyncToDisk(folderOf(path))) {
+    if (zqSyncToDisk(recovered) && moved(recovered, whole)) { // the name is flushed with those of what is kept
         if (const auto kept = finish(path, whole, stamp)) {
             return kept;
         }
