@@ -57,12 +57,19 @@ bool keep(const QString &file, const QString &kept)
     return QFile::copy(file, partial) && zqSyncToDisk(partial) && moved(partial, kept);
 }
 
-// Where the file at `path` can be kept: what is there already is either this file or somebody's only copy of another.
+bool isTaken(const QString &kept, const QString &file)
+{
+    return QFile::exists(kept) && !areOneFile(file, kept);
+}
+
+// Where the file at `path` can be kept with its log: what is there already is either this file or somebody's only copy
+// of another.
 QString placeFor(const QString &path, const QString &stamp)
 {
+    const bool hasLog = QFileInfo(path + log).size() > 0;
     const QString first = path + damagedSuffix + stamp;
     QString kept = first;
-    for (int attempt = 2; QFile::exists(kept) && !areOneFile(path, kept); ++attempt) {
+    for (int attempt = 2; isTaken(kept, path) || (hasLog && isTaken(kept + log, path + log)); ++attempt) {
         kept = first + u'-' + QString::number(attempt);
     }
     return kept;
