@@ -190,10 +190,12 @@ QDateTime PendingImportFile::beginning(const QString &name)
 
 bool PendingImportFile::forget(const QString &folder, const QString &name)
 {
-    // A request without its list of sources would be imported a second time.
+    // A request without its list of sources would be imported a second time: a power cut must not bring it back after
+    // the list has gone.
     if (!QFile::remove(requestPath(folder, name))) {
         return false;
     }
+    zqSyncFolder(folder);
     QFile::remove(sourcesPath(folder, name));
     return true;
 }

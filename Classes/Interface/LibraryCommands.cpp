@@ -445,12 +445,7 @@ void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)
                 window.save();
                 return;
             }
-            Items made;
-            for (const auto &item : objects(window, items)) {
-                if (auto copy = item->duplicate()) {
-                    made.append(std::move(copy));
-                }
-            }
+            const Items made = ZQLibraryBaseItem::duplicatesOf(objects(window, items));
             window.save();
             for (const auto &copy : made) {
                 copies->append(copy->objectID());

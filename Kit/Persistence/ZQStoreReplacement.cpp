@@ -57,12 +57,19 @@ bool keep(const QString &file, const QString &kept)
     return QFile::copy(file, partial) && zqSyncToDisk(partial) && moved(partial, kept);
 }
 
-// Where the file at `path` can be kept: what is there already is either this file or somebody's only copy of another.
+bool isTaken(const QString &kept, const QString &file)
+{
+    return QFile::exists(kept) && !areOneFile(file, kept);
+}
+
+// Where the file at `path` can be kept with its log: what is there already is either this file or somebody's only copy
+// of another.
 QString placeFor(const QString &path, const QString &stamp)
 {
+    const bool hasLog = QFileInfo(path + log).size() > 0;
     const QString first = path + damagedSuffix + stamp;
     QString kept = first;
-    for (int attempt = 2; QFile::exists(kept) && !areOneFile(path, kept); ++attempt) {
+    for (int attempt = 2; isTaken(kept, path) || (hasLog && isTaken(kept + log, path + log)); ++attempt) {
         kept = first + u'-' + QString::number(attempt);
     }
     return kept;
@@ -137,7 +144,7 @@ std::optional<QString> zqReplaceStore(const QString &path, const QString &recove
 {
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     const QString whole = path + recoveredSuffix + stamp;
-    if (zqSyncToDisk(recovered) && moved(recovered, whole) && zqSyncToDisk(folderOf(path))) {
+    if (zqSyncToDisk(recovered) && moved(recovered, whole)) { // the name is flushed with those of what is kept
         if (const auto kept = finish(path, whole, stamp)) {
             return kept;
         }

@@ -66,8 +66,11 @@ public:
     // file can have or when the file cannot be moved.
     bool setNewTitle(const QString &newTitle);
     // A managed copy with its own item directory and tags, in no project. Null when there is no file or no directory
-    // can be made.
+    // can be made. Its files need not be on the disk yet; `duplicatesOf` is for copies that are saved.
     ZQRef<ZQLibraryBaseItem> duplicate();
+    // Those of all that have one, with their files on the disk: a row of the store never names a file that a power cut
+    // can take. Waits for the disk once.
+    static QList<ZQRef<ZQLibraryBaseItem>> duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items);
 
     void deleteSelf();
     void restoreSelf();

@@ -281,6 +281,22 @@ ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
     return copy;
 }
 
+QList<ZQRef<ZQLibraryBaseItem>> ZQLibraryBaseItem::duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    QList<ZQRef<ZQLibraryBaseItem>> copies;
+    for (const auto &item : items) {
+        if (auto copy = item->duplicate()) {
+            copies.append(std::move(copy));
+        }
+    }
+    ZQError error;
+    if (!copies.isEmpty() && !zqSyncFileSystem(ZQLibraryEnvironment::current().libraryDirectory(), &error)) {
+        qCWarning(zqLogFiles, "the copies of items may not be on the disk: %s",
+                  qUtf8Printable(error.localizedDescription()));
+    }
+    return copies;
+}
+
 void ZQLibraryBaseItem::updateItemData()
 {
     const QString path = findItemURL();

@@ -60,6 +60,25 @@ QList<QByteArray> namesIn(const QByteArray &folder)
     return names;
 }
 
+bool isSameTime(const timespec &a, const timespec &b)
+{
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+// The clock of files ticks some hundred times a second: what changed within a tick may change again unseen.
+bool isOld(const timespec &time)
+{
+    constexpr double enough = 0.05;
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return double(now.tv_sec - time.tv_sec) + double(now.tv_nsec - time.tv_nsec) / 1e9 > enough;
+}
+
+qsizetype sizeOf(const struct stat &status)
+{
+    return S_ISREG(status.st_mode) || S_ISLNK(status.st_mode) ? status.st_size : 0;
+}
+
 DiskImage::Inode add(const QByteArray &path, const DiskImage &before, DiskImage &image)
 {
     struct stat status = {};
@@ -74,11 +93,18 @@ DiskImage::Inode add(const QByteArray &path, const DiskImage &before, DiskImage 
     DiskImage::Node node;
     node.mode = status.st_mode;
     node.modification = status.st_mtim;
-    node.content = contentOf(path, status);
-    if (node.content == known.content) {
+    node.change = status.st_ctim;
+    node.isSettled = isOld(status.st_ctim);
+    if (known.isSettled && isSameTime(known.change, node.change) && known.content.size() == sizeOf(status)) {
         node.content = known.content;
+        node.attributes = known.attributes;
+    } else {
+        node.content = contentOf(path, status);
+        node.attributes = S_ISLNK(status.st_mode) ? QMap<QByteArray, QByteArray>() : attributesOf(path);
+        if (node.content == known.content) {
+            node.content = known.content;
+        }
     }
-    node.attributes = S_ISLNK(status.st_mode) ? QMap<QByteArray, QByteArray>() : attributesOf(path);
     image.nodes.insert(inode, node);
     if (node.isFolder()) {
         QMap<QByteArray, DiskImage::Inode> entries;
@@ -87,21 +113,27 @@ DiskImage::Inode add(const QByteArray &path, const DiskImage &before, DiskImage 
                 entries.insert(name, child);
             }
         }
-        image.nodes[inode].entries = entries;
+        image.nodes[inode].entries = entries == known.entries ? known.entries : entries;
     }
     return inode;
 }
 
+bool isSameContent(const QByteArray &a, const QByteArray &b)
+{
+    return (a.constData() == b.constData() && a.size() == b.size()) || a == b;
+}
+
 bool isSameNode(const DiskImage::Node &a, const DiskImage::Node &b)
 {
-    return a.mode == b.mode && a.content == b.content && a.attributes == b.attributes && a.entries == b.entries;
+    return a.mode == b.mode && a.attributes == b.attributes && a.entries == b.entries &&
+           isSameContent(a.content, b.content);
 }
 
 // Of a file that was being written, some pages.
 QByteArray mixed(const QByteArray &before, const QByteArray &after, std::mt19937 &random)
 {
     const auto kind = random() % 3;
-    if (before == after || kind == 0) {
+    if (isSameContent(before, after) || kind == 0) {
         return before;
     }
     if (kind == 1) {
@@ -202,14 +234,19 @@ bool DiskImage::isSameAs(const DiskImage &other) const
            nodes.keys() == other.nodes.keys();
 }
 
-void DiskImage::bringContent(Inode file, const DiskImage &live)
+void DiskImage::bringContent(Inode file, const DiskImage &live, bool withAttributes)
 {
-    if (live.nodes.contains(file)) {
-        const Node now = live.nodes.value(file);
-        Node &node = nodes[file];
-        const QMap<QByteArray, Inode> entries = node.entries;
-        node = now;
-        node.entries = entries;
+    const auto now = live.nodes.constFind(file);
+    if (now == live.nodes.cend()) {
+        return;
+    }
+    const bool isNew = !nodes.contains(file);
+    Node &node = nodes[file];
+    const Node before = node;
+    node = *now;
+    node.entries = before.entries;
+    if (!withAttributes && !isNew) {
+        node.attributes = before.attributes;
     }
 }
 
@@ -242,8 +279,8 @@ QList<DiskImage::Changes> DiskImage::changesTo(const DiskImage &live) const
         }
     }
     for (auto it = gained.cbegin(); it != gained.cend(); ++it) {
-        if (const Changes from = lost.take(it.key()); !from.isEmpty()) {
-            all.append(from + it.value()); // it was renamed
+        if (live.renamed.contains(it.key()) && lost.contains(it.key())) {
+            all.append(lost.take(it.key()) + it.value());
         } else {
             for (const Change &change : it.value()) {
                 all.append(Changes{change});
@@ -303,4 +340,22 @@ DiskImage DiskImage::withSomeOf(const DiskImage &live, std::mt19937 &random) con
         }
     }
     return image;
+}
+
+void DiskImage::bringBy(const Habit &habit, const DiskImage &live)
+{
+    for (const Changes &together : changesTo(live)) {
+        const bool isNew = together.size() == 1 && together.first().after && !together.first().before;
+        const bool isRemoval = together.size() == 1 && !together.first().after;
+        if (isNew ? habit.newNames : isRemoval ? habit.removals : habit.renamings) {
+            for (const Change &change : together) {
+                apply(change, live);
+            }
+        }
+    }
+    if (habit.contents) {
+        for (const Inode inode : nodes.keys()) {
+            bringContent(inode, live);
+        }
+    }
 }

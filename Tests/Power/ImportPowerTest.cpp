@@ -16,6 +16,8 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -61,6 +63,14 @@ protected:
         waitForImports();
         EXPECT_TRUE(operation->report().dropped().isEmpty());
         report();
+    }
+    void importBefore(const QStringList &paths) const
+    {
+        const auto label = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context());
+        AImportManager::sharedAImportManager().startImportOfFilesAtPaths(paths, label->objectID(),
+                                                                         ZQSidebarBaseItem::appendIndex, {});
+        waitForImports();
+        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     }
 
     // How many items hold this content.
@@ -135,13 +145,9 @@ TEST_F(ImportPower, EveryFileIsInTheLibraryOrWhereItWas)
 TEST_F(ImportPower, APurgeLeavesNoItemWithoutItsFile)
 {
     ASSERT_NO_FATAL_FAILURE(open());
-    const auto label = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context());
     const QStringList files{makeSource(QStringLiteral("in/a.png")), makeSource(QStringLiteral("in/b.png")),
                             makeSource(QStringLiteral("in/c.png"))};
-    AImportManager::sharedAImportManager().startImportOfFilesAtPaths(files, label->objectID(),
-                                                                     ZQSidebarBaseItem::appendIndex, {});
-    waitForImports();
-    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    importBefore(files);
     begin();
     const auto deleted = zqFetchFirst<ZQLibraryBaseItem>(context(), QStringLiteral("title == 'b'"));
     ASSERT_TRUE(deleted);
@@ -158,5 +164,55 @@ TEST_F(ImportPower, APurgeLeavesNoItemWithoutItsFile)
         EXPECT_EQ(itemsWith(m_sources.at(0).content), 1);
         EXPECT_EQ(itemsWith(m_sources.at(2).content), 1);
         EXPECT_TRUE(reports == 0 || itemsWith(m_sources.at(1).content) == 0) << "the purged item came back";
+    });
+}
+
+TEST_F(ImportPower, WhatALostStoreKnewIsTakenBackWhole)
+{
+    ASSERT_NO_FATAL_FAILURE(open());
+    const QStringList files{makeSource(QStringLiteral("in/a.png"), Picture::Large),
+                            makeSource(QStringLiteral("in/b.png"), Picture::Large)};
+    importBefore(files);
+    close();
+    ASSERT_TRUE(QFile::remove(store()));
+    QDirIterator thumbs(library(), {QStringLiteral("*_thumb*")}, QDir::Files, QDirIterator::Subdirectories);
+    int removed = 0;
+    while (thumbs.hasNext()) {
+        removed += QFile::remove(thumbs.next()) ? 1 : 0;
+    }
+    ASSERT_EQ(removed, 2);
+    begin();
+    ASSERT_NO_FATAL_FAILURE(open());
+    report();
+    cutThePower([&](int reports) {
+        if (storeValue(store(), QStringLiteral("SELECT 1 FROM sqlite_master WHERE name = 'zq_metadata'")).toInt()) {
+            markStoreUnclean(store());
+        }
+        ASSERT_NO_FATAL_FAILURE(open());
+        expectWholeLibrary();
+        for (const Source &source : std::as_const(m_sources)) {
+            EXPECT_EQ(itemsWith(source.content), 1) << reports << qPrintable(source.path);
+        }
+    });
+}
+
+TEST_F(ImportPower, ADuplicateIsSavedAfterItsFiles)
+{
+    ASSERT_NO_FATAL_FAILURE(open());
+    const QStringList files{makeSource(QStringLiteral("in/a.png"), Picture::Large),
+                            makeSource(QStringLiteral("in/b.png"), Picture::Large)};
+    importBefore(files);
+    begin();
+    const auto items = zqFetch<ZQLibraryBaseItem>(context(), QString());
+    ASSERT_TRUE(items);
+    ASSERT_EQ(ZQLibraryBaseItem::duplicatesOf(*items).size(), 2);
+    ASSERT_TRUE(context().save());
+    report();
+    cutThePower([&](int reports) {
+        ASSERT_NO_FATAL_FAILURE(open());
+        expectWholeLibrary();
+        for (const Source &source : std::as_const(m_sources)) {
+            EXPECT_GE(itemsWith(source.content), 1 + reports) << qPrintable(source.path);
+        }
     });
 }

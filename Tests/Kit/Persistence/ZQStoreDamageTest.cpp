@@ -262,8 +262,9 @@ TEST(ZQStoreDamage, TheLogGoesWithTheDamagedStoreAndIsNeverReplayedOverTheNewOne
 
 TEST(ZQStoreDamage, AnInterruptedReplacementIsFinishedWhereverItStopped)
 {
-    enum Stopped { BeforeAnything, AfterKeeping, AfterTheLogWent, WithAnotherStorePutBack };
-    for (const Stopped stopped : {BeforeAnything, AfterKeeping, AfterTheLogWent, WithAnotherStorePutBack}) {
+    enum Stopped { BeforeAnything, AfterKeeping, AfterTheLogWent, WithAnotherStorePutBack, WithAnotherLogMade };
+    for (const Stopped stopped :
+         {BeforeAnything, AfterKeeping, AfterTheLogWent, WithAnotherStorePutBack, WithAnotherLogMade}) {
         TestStore recovered;
         fillTestTags(recovered, 3);
         recovered.close();
@@ -287,9 +288,15 @@ TEST(ZQStoreDamage, AnInterruptedReplacementIsFinishedWhereverItStopped)
             QFile other(kept);
             ASSERT_TRUE(other.open(QIODevice::WriteOnly) && other.write("the only copy of something") > 0);
         }
+        if (stopped == WithAnotherLogMade) { // by another program that opened the damaged store meanwhile
+            ASSERT_EQ(::link(qPrintable(store.path), qPrintable(kept)), 0);
+            QFile first(kept + wal);
+            ASSERT_TRUE(first.open(QIODevice::WriteOnly) && first.write("the first log") > 0);
+        }
         EXPECT_EQ(countOf(store, "TestTag"), 3) << stopped;
         store.close();
-        const QString place = stopped == WithAnotherStorePutBack ? kept + QStringLiteral("-2") : kept;
+        const QString place = stopped >= WithAnotherStorePutBack ? kept + QStringLiteral("-2") : kept;
+        EXPECT_TRUE(stopped != WithAnotherLogMade || contentOfFile(kept + wal) == "the first log");
         EXPECT_EQ(contentOfFile(place), old) << stopped;
         EXPECT_EQ(contentOfFile(place + wal), "not the new store's") << stopped;
         EXPECT_EQ(QFile::exists(kept), true);
