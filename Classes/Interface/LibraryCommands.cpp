@@ -242,9 +242,10 @@ std::optional<IDs> notYetIn(const ZQSidebarBaseItem &target, const Items &items,
     return fresh;
 }
 
+// By item: a membership that is removed and returns is another one.
 struct NewOrder
 {
-    ZQObjectID membership;
+    qint64 itemKey;
     qint32 before;
     qint32 after;
 };
@@ -270,29 +271,11 @@ QList<NewOrder> ordersAfterMove(const QList<ZQRef<ZQProjectItem>> &members, cons
         const auto order = staying.first(target) + moving + staying.sliced(target);
         for (qsizetype i = 0; i < order.size(); ++i) {
             if (order[i]->order() != qint32(i)) {
-                changes.append({order[i]->objectID(), order[i]->order(), qint32(i)});
+                changes.append({order[i]->itemKey(), order[i]->order(), qint32(i)});
             }
         }
     }
     return changes;
-}
-
-// One save, whatever their number: a project whose orders were changed in part only would be in disorder.
-bool giveOrders(EditRun &run, const QList<NewOrder> &orders, qint32 NewOrder::*which)
-{
-    QList<ZQRef<ZQProjectItem>> members;
-    IDs ids;
-    for (const NewOrder &order : orders) {
-        ids.append(order.membership);
-        members.append(zqCast<ZQProjectItem>(run.context().objectWithID(order.membership)));
-    }
-    run.context().fillFaults(ids);
-    for (qsizetype i = 0; i < members.size(); ++i) {
-        if (members[i]) {
-            members[i]->setOrder(orders[i].*which);
-        }
-    }
-    return !orders.isEmpty() && run.save();
 }
 
 // Nothing after an error, which was told.
@@ -306,15 +289,39 @@ ZQFetched<ZQProjectItem> members(EditRun &run, const ZQFetchRequest &request)
     return found;
 }
 
+ZQFetchRequest allMembersOf(const ZQObjectID &project)
+{
+    return {.entityName = ZQProjectItem::entityName(),
+            .predicate =
+                ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"), {QVariant::fromValue(project)}),
+            .sortDescriptors = {{QStringLiteral("order")}}};
+}
+
+// One save, whatever their number: a project whose orders were changed in part only would be in disorder.
+bool giveOrders(EditRun &run, const ZQObjectID &project, const QList<NewOrder> &orders, qint32 NewOrder::*which)
+{
+    QHash<qint64, qint32> byItem;
+    for (const NewOrder &order : orders) {
+        byItem.insert(order.itemKey, order.*which);
+    }
+    const auto all = byItem.isEmpty() ? std::nullopt : members(run, allMembersOf(project));
+    if (!all) {
+        return false;
+    }
+    for (const auto &membership : *all) {
+        if (const auto order = byItem.constFind(membership->itemKey()); order != byItem.cend()) {
+            membership->setOrder(*order);
+        }
+    }
+    return run.save();
+}
+
 // Many new members come at the end first, where nobody has to move for each batch, and go to their place together.
 void moveToPlace(EditRun &run, const ZQObjectID &project, const IDs &added, quint32 index)
 {
-    const auto all = members(run, {.entityName = ZQProjectItem::entityName(),
-                                   .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"),
-                                                                                 {QVariant::fromValue(project)}),
-                                   .sortDescriptors = {{QStringLiteral("order")}}});
+    const auto all = members(run, allMembersOf(project));
     if (all) {
-        giveOrders(run, ordersAfterMove(*all, {added.begin(), added.end()}, index), &NewOrder::after);
+        giveOrders(run, project, ordersAfterMove(*all, {added.begin(), added.end()}, index), &NewOrder::after);
     }
 }
 
@@ -425,9 +432,11 @@ void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID
         if (const auto all = into ? members(run, into->contentRequest()) : ZQFetched<ZQProjectItem>()) {
             *orders = ordersAfterMove(*all, moved, toIndex);
         }
-        return giveOrders(run, *orders, &NewOrder::after);
+        return giveOrders(run, inSidebarItem, *orders, &NewOrder::after);
     };
-    const auto undo = [orders](EditRun &run) { return giveOrders(run, *orders, &NewOrder::before); };
+    const auto undo = [orders, inSidebarItem](EditRun &run) {
+        return giveOrders(run, inSidebarItem, *orders, &NewOrder::before);
+    };
     push(m_window, zqLocalized("move items"), project->numberOfItems(), redo, undo);
 }
 

@@ -201,6 +201,16 @@ TEST_F(LibraryCommandsTest, ManualOrderFollowsTheDrag)
     }
 }
 
+TEST_F(LibraryCommandsTest, AMoveIsTakenBackAlsoWhenMembersWereAwayMeanwhile)
+{
+    commands.moveItems(ids({3}), project->objectID(), 0);
+    commands.removeItems(ids({0, 3}), project->objectID());
+    undoStack.undo();
+    EXPECT_EQ(order(), (QStringList{"d", "a", "b", "c"}));
+    undoStack.undo();
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+}
+
 TEST_F(LibraryCommandsTest, ManyRowsChangeBesideTheWindowAndComeBackAsTheyWere)
 {
     const auto before = places();

@@ -26,7 +26,8 @@ protected:
         return *other.countForFetchRequest({QString::fromLatin1(entity)});
     }
 
-    void rename(const QString &from, const QString &to)
+    void rename(const QString &from, const QString &to) { rename(store, from, to); }
+    static void rename(TestStore &store, const QString &from, const QString &to)
     {
         const auto connection = store.coordinator()->newConnection();
         ASSERT_TRUE(connection->execute(
@@ -212,6 +213,17 @@ TEST_F(ZQRelationship, DenyFailsTheSaveUntilTheOthersAreGone)
     writer.deleteObject(child.get());
     EXPECT_TRUE(writer.save(&error)) << qPrintable(error.localizedDescription());
     EXPECT_EQ(rows(deny, "TestNode"), 0);
+
+    const auto noted = writer.insertNewObject<TestFolder>();
+    writer.insertNewObject<TestNote>()->setNode(noted.get());
+    ASSERT_TRUE(writer.save());
+    ZQManagedObjectContext other(deny.coordinator());
+    const QString away = QStringLiteral("away");
+    rename(deny, QStringLiteral("TestNote"), away);
+    other.deleteObject(other.existingObjectWithID(noted->objectID()).get());
+    EXPECT_FALSE(other.save()) << "whether it is still used could not be read";
+    rename(deny, away, QStringLiteral("TestNote"));
+    EXPECT_EQ(rows(deny, "TestNode"), 1);
 }
 
 TEST_F(ZQRelationship, DeletingAnUnsavedObjectForgetsItEverywhere)
