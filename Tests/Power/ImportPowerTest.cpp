@@ -3,6 +3,7 @@
 
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/PendingImport.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -213,6 +214,33 @@ TEST_F(ImportPower, ADuplicateIsSavedAfterItsFiles)
         expectWholeLibrary();
         for (const Source &source : std::as_const(m_sources)) {
             EXPECT_GE(itemsWith(source.content), 1 + reports) << qPrintable(source.path);
+        }
+    });
+}
+
+TEST_F(ImportPower, ARequestThatIsDoneNeverComesBackWithoutItsListOfSources)
+{
+    const QString folder = path(QStringLiteral("pending"));
+    constexpr int requests = 10;
+    std::vector<std::shared_ptr<PendingImportFile>> files;
+    for (int i = 0; i < requests; ++i) {
+        PendingImport request;
+        request.paths = QStringList{QStringLiteral("/in/%1.png").arg(i)};
+        files.push_back(PendingImportFile::create(folder, request, nullptr));
+        ASSERT_TRUE(files.back() && files.back()->addSources({{QStringLiteral("item"), request.paths.first(), {}, 0}}));
+    }
+    begin();
+    for (auto &file : files) {
+        file->remove();
+        file.reset();
+        report();
+    }
+    cutThePower([&](int) {
+        const QStringList names = PendingImportFile::cutOff(folder);
+        for (const QString &name : names) {
+            const auto file = PendingImportFile::open(folder, name);
+            ASSERT_TRUE(file);
+            EXPECT_EQ(file->sources().value_or(QList<PendingImportFile::Source>()).size(), 1);
         }
     });
 }
