@@ -3,6 +3,7 @@
 
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/PendingImport.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -23,6 +24,7 @@
 namespace {
 
 constexpr int continueButton = 0;
+constexpr int fewChances = 24; // where files are read anew after each cut, by a worker that has to start
 
 class ImportPower : public PowerTest
 {
@@ -118,28 +120,30 @@ TEST_F(ImportPower, EveryFileIsInTheLibraryOrWhereItWas)
     import(moved, project);
     import({path(QStringLiteral("in/Folder"))}, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context()));
 
-    cutThePower([&](int reports) {
-        markStoreUnclean(store());
-        ASSERT_NO_FATAL_FAILURE(open());
-        delegate->waitForRemovals(); // of what belongs to no item
-        expectWholeLibrary();
-        expectNothingIsLost();
-        for (qsizetype i = 0; i < (reports > 0 ? inAfter.at(reports - 1) : 0); ++i) {
-            EXPECT_EQ(itemsWith(m_sources.at(i).content), 1) << qPrintable(m_sources.at(i).path);
-        }
-        if (reports > 0) {
-            const auto tagged =
-                zqFetchFirst<ZQSidebarTag>(context(), QStringLiteral("title == %@"), {QStringLiteral("harbour")});
-            EXPECT_TRUE(tagged && tagged->taggedItems().size() == 1);
-            const auto in = zqFetchFirst<ZQSidebarProject>(context(), QStringLiteral("title == 'P'"));
-            EXPECT_TRUE(in && in->pItems().size() >= inAfter.at(std::min(reports, 2) - 1));
-        }
-        AImportManager::sharedAImportManager().offerToResumeImports();
-        waitForImports();
-        expectWholeLibrary();
-        expectNothingIsLost();
-        EXPECT_EQ(QDir(library() + QStringLiteral("/pending-imports")).entryList(QDir::Files), QStringList());
-    });
+    cutThePower(
+        [&](int reports) {
+            markStoreUnclean(store());
+            ASSERT_NO_FATAL_FAILURE(open());
+            delegate->waitForRemovals(); // of what belongs to no item
+            expectWholeLibrary();
+            expectNothingIsLost();
+            for (qsizetype i = 0; i < (reports > 0 ? inAfter.at(reports - 1) : 0); ++i) {
+                EXPECT_EQ(itemsWith(m_sources.at(i).content), 1) << qPrintable(m_sources.at(i).path);
+            }
+            if (reports > 0) {
+                const auto tagged =
+                    zqFetchFirst<ZQSidebarTag>(context(), QStringLiteral("title == %@"), {QStringLiteral("harbour")});
+                EXPECT_TRUE(tagged && tagged->taggedItems().size() == 1);
+                const auto in = zqFetchFirst<ZQSidebarProject>(context(), QStringLiteral("title == 'P'"));
+                EXPECT_TRUE(in && in->pItems().size() >= inAfter.at(std::min(reports, 2) - 1));
+            }
+            AImportManager::sharedAImportManager().offerToResumeImports();
+            waitForImports();
+            expectWholeLibrary();
+            expectNothingIsLost();
+            EXPECT_EQ(QDir(library() + QStringLiteral("/pending-imports")).entryList(QDir::Files), QStringList());
+        },
+        fewChances);
 }
 
 TEST_F(ImportPower, APurgeLeavesNoItemWithoutItsFile)
@@ -184,16 +188,18 @@ TEST_F(ImportPower, WhatALostStoreKnewIsTakenBackWhole)
     begin();
     ASSERT_NO_FATAL_FAILURE(open());
     report();
-    cutThePower([&](int reports) {
-        if (storeValue(store(), QStringLiteral("SELECT 1 FROM sqlite_master WHERE name = 'zq_metadata'")).toInt()) {
-            markStoreUnclean(store());
-        }
-        ASSERT_NO_FATAL_FAILURE(open());
-        expectWholeLibrary();
-        for (const Source &source : std::as_const(m_sources)) {
-            EXPECT_EQ(itemsWith(source.content), 1) << reports << qPrintable(source.path);
-        }
-    });
+    cutThePower(
+        [&](int reports) {
+            if (storeValue(store(), QStringLiteral("SELECT 1 FROM sqlite_master WHERE name = 'zq_metadata'")).toInt()) {
+                markStoreUnclean(store());
+            }
+            ASSERT_NO_FATAL_FAILURE(open());
+            expectWholeLibrary();
+            for (const Source &source : std::as_const(m_sources)) {
+                EXPECT_EQ(itemsWith(source.content), 1) << reports << qPrintable(source.path);
+            }
+        },
+        fewChances);
 }
 
 TEST_F(ImportPower, ADuplicateIsSavedAfterItsFiles)
@@ -213,6 +219,33 @@ TEST_F(ImportPower, ADuplicateIsSavedAfterItsFiles)
         expectWholeLibrary();
         for (const Source &source : std::as_const(m_sources)) {
             EXPECT_GE(itemsWith(source.content), 1 + reports) << qPrintable(source.path);
+        }
+    });
+}
+
+TEST_F(ImportPower, ARequestThatIsDoneNeverComesBackWithoutItsListOfSources)
+{
+    const QString folder = path(QStringLiteral("pending"));
+    constexpr int requests = 10;
+    std::vector<std::shared_ptr<PendingImportFile>> files;
+    for (int i = 0; i < requests; ++i) {
+        PendingImport request;
+        request.paths = QStringList{QStringLiteral("/in/%1.png").arg(i)};
+        files.push_back(PendingImportFile::create(folder, request, nullptr));
+        ASSERT_TRUE(files.back() && files.back()->addSources({{QStringLiteral("item"), request.paths.first(), {}, 0}}));
+    }
+    begin();
+    for (auto &file : files) {
+        file->remove();
+        file.reset();
+        report();
+    }
+    cutThePower([&](int) {
+        const QStringList names = PendingImportFile::cutOff(folder);
+        for (const QString &name : names) {
+            const auto file = PendingImportFile::open(folder, name);
+            ASSERT_TRUE(file);
+            EXPECT_EQ(file->sources().value_or(QList<PendingImportFile::Source>()).size(), 1);
         }
     });
 }

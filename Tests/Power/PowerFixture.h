@@ -38,7 +38,7 @@ protected:
     void report() { m_disk->report(); }
     // For each disk that a power cut may leave: puts it in the world's place and has it looked at, with the number of
     // reports made before. Ends at the first failure.
-    void cutThePower(const std::function<void(int reports)> &look, int chances = 60);
+    void cutThePower(const std::function<void(int reports)> &look, int chances = 45);
 
     // That the open library is whole: its store, the file of each item, the keys.
     void expectWholeLibrary() const;
