@@ -4,6 +4,7 @@
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
 
 #include <QFile>
@@ -65,6 +66,45 @@ TEST_F(MovedFile, GetsWhatItsItemWasGivenMeanwhile)
     EXPECT_EQ(OpenMeta::getRating(moved), 4);
 }
 
+TEST_F(MovedFile, AllOfAMovedFolderGetWhatWasGivenAtOnceAndDeletedOnesHoldNothingUp)
+{
+    const auto delegate = launched();
+    const QString folder = world.filePath(QStringLiteral("files/one/folder"));
+    QDir().mkpath(folder);
+    QList<ZQRef<ZQLibraryImage>> items;
+    constexpr int count = 40;
+    for (int i = 0; i < count; ++i) {
+        const QString path = folder + QStringLiteral("/%1.png").arg(i);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("a") == 1);
+        file.close();
+        items.append(addItem(*delegate, QString::number(i)));
+        items.last()->setManaged(false);
+        items.last()->setItemURLData(zqDataForPersistentURL(path));
+    }
+    delegate->saveAction();
+    ASSERT_TRUE(QFile::remove(folder + QStringLiteral("/0.png")));
+    const QString elsewhere = world.filePath(QStringLiteral("files/two"));
+    ASSERT_TRUE(QDir().rename(folder, elsewhere));
+    for (const auto &item : items) {
+        item->setRating(5);
+    }
+    delegate->saveAction();
+    for (const auto &item : items) {
+        item->writeRatingToDisk();
+    }
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    for (int i = 1; i < count; ++i) {
+        EXPECT_EQ(OpenMeta::getRating(elsewhere + QStringLiteral("/%1.png").arg(i)), 5) << i;
+    }
+    QFile journal(delegate->libraryBundleDirectory() + QStringLiteral("/pending-tags"));
+    EXPECT_GT(journal.size(), 0);
+    items.first()->setNotes(QStringLiteral("saved with everything before"));
+    delegate->saveAction();
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(journal.size(), 0);
+}
+
 TEST_F(MovedFile, GetsTheTagsOfItsItemWhenItsReferenceIsRenewed)
 {
     const auto delegate = launched();
@@ -76,6 +116,25 @@ TEST_F(MovedFile, GetsTheTagsOfItsItemWhenItsReferenceIsRenewed)
     zqRunMainLoopUntil([&] { return item->itemURLData() == zqDataForPersistentURL(moved); });
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_EQ(OpenMeta::getRating(moved), 3);
+}
+
+TEST_F(MovedFile, IsTakenInLaterWhenTheStoreCannotBeReadNow)
+{
+    const auto delegate = launched();
+    const auto item = addMovedItem(*delegate);
+    const QByteArray before = item->itemURLData();
+    EXPECT_EQ(item->itemURL(), QString());
+    zqWaitForPersistentURLSearches();
+    const auto other = ZQSQLiteConnection::open(delegate->libraryBundleDirectory() + QStringLiteral("/storedata"),
+                                                ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    ASSERT_TRUE(other && other->execute(QStringLiteral("ALTER TABLE \"ZQLibraryBaseItem\" RENAME TO away")));
+    zqRunMainLoopFor(std::chrono::milliseconds(50));
+    ASSERT_TRUE(other->execute(QStringLiteral("ALTER TABLE away RENAME TO \"ZQLibraryBaseItem\"")));
+    EXPECT_EQ(item->itemURLData(), before);
+    EXPECT_EQ(item->itemURL(), moved);
+    zqWaitForPersistentURLSearches();
+    zqRunMainLoopUntil([&] { return item->itemURLData() != before; });
+    EXPECT_EQ(item->itemURLData(), zqDataForPersistentURL(moved));
 }
 
 TEST_F(MovedFile, IsNotTakenForWhatTheItemGotMeanwhile)
