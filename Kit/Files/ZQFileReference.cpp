@@ -24,7 +24,7 @@ constexpr quint8 formatNumber = 2;
 constexpr qsizetype longestReference = 16384;
 constexpr qsizetype longestDigest = 64;
 constexpr qint64 readAtEachEnd = 16384;
-constexpr std::size_t leastVariety = 128; // of byte values; white space of two pictures may look the same
+constexpr std::size_t leastVariety = 128; // of byte values; the white margins of two pictures look the same
 constexpr const char *asideEndings[] = {"~", ".bak", ".backup", ".old", ".orig", "_original", "#"};
 
 qint64 nanoseconds(const statx_timestamp &time)
@@ -91,17 +91,16 @@ ZQFileContents ZQFileContents::ofFile(const QByteArray &path)
     }
     ZQFileContents contents;
     contents.size = size;
-    contents.ends = QCryptographicHash::hash(head + tail, QCryptographicHash::Sha1);
-    if (rest == readAtEachEnd && hasVariety(tail)) {
-        contents.tail = QCryptographicHash::hash(tail, QCryptographicHash::Sha1);
+    const bool isAllOfIt = head.size() + rest == size;
+    if (isAllOfIt || hasVariety(head + tail)) {
+        contents.ends = QCryptographicHash::hash(head + tail, QCryptographicHash::Sha1);
     }
     return contents;
 }
 
 bool ZQFileContents::isSavedAs(const ZQFileContents &other) const
 {
-    const bool isSame = !ends.isEmpty() && size == other.size && ends == other.ends;
-    return isSame || (!tail.isEmpty() && tail == other.tail);
+    return !ends.isEmpty() && size == other.size && ends == other.ends;
 }
 
 std::optional<ZQFileReference> ZQFileReference::decoded(const QByteArray &data)
@@ -123,11 +122,10 @@ std::optional<ZQFileReference> ZQFileReference::decoded(const QByteArray &data)
     }
     stream >> reference.isFolder >> reference.path;
     if (format > firstFormat) {
-        stream >> reference.contents.size >> reference.contents.ends >> reference.contents.tail;
+        stream >> reference.contents.size >> reference.contents.ends;
     }
-    const bool isWhole = stream.status() == QDataStream::Ok && stream.atEnd() &&
-                         reference.contents.ends.size() <= longestDigest &&
-                         reference.contents.tail.size() <= longestDigest;
+    const bool isWhole =
+        stream.status() == QDataStream::Ok && stream.atEnd() && reference.contents.ends.size() <= longestDigest;
     if (!isWhole || !reference.path.startsWith('/') || reference.path.contains('\0')) {
         return std::nullopt;
     }
@@ -143,7 +141,7 @@ QByteArray ZQFileReference::encoded() const
     for (const ZQFileIdentity &identity : {file, folder}) {
         stream << identity.fileSystem << identity.inode << identity.birth;
     }
-    stream << isFolder << path << contents.size << contents.ends << contents.tail;
+    stream << isFolder << path << contents.size << contents.ends;
     return data;
 }
 

@@ -19,13 +19,12 @@ struct ZQFileIdentity
 };
 
 // What a file holds, as far as it takes to know it again after a program saved it by putting a new file in its place:
-// its size with a digest of its two ends, and a digest of its end alone, which stays when only what is written before
-// the picture changes.
+// its size with a digest of its two ends. One end alone would not do: unrelated pictures end with the same colour
+// profile.
 struct ZQFileContents
 {
     qint64 size = 0;
-    QByteArray ends; // empty: not known, or nothing in it
-    QByteArray tail; // empty also where the end is too plain to be one file's alone
+    QByteArray ends; // empty: not known, nothing in it, or too plain at its ends to be one file's alone
 
     static ZQFileContents ofFile(const QByteArray &path);
     bool isSavedAs(const ZQFileContents &other) const;

@@ -236,7 +236,8 @@ TEST_F(MissingFiles, RememberedAreBoundedInNumber)
 TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
 {
     const QByteArray picture = noise(60000, 1);
-    const QByteArray plain = noise(20000, 2) + QByteArray(40000, '\0');
+    const QByteArray plain = QByteArray(20000, '\xff') + noise(20000, 2) + QByteArray(20000, '\xff');
+    const QByteArray profile = noise(20000, 9);
     struct Case
     {
         const char *what;
@@ -251,8 +252,10 @@ TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
         {"the same contents", picture, picture, nullptr, "a.png"},
         {"a small one, the same contents", "small", "small", nullptr, "a.png"},
         {"an empty one", "", "", nullptr, nullptr},
-        {"other tags before the picture", picture, noise(500, 4) + picture, nullptr, "a.png"},
-        {"a like end of white space", plain, noise(20000, 5) + QByteArray(40000, '\0'), nullptr, nullptr},
+        {"another picture with the same profile at its end", noise(9000, 4) + profile, noise(8000, 10) + profile,
+         nullptr, nullptr},
+        {"another of that size, white around as well", plain,
+         QByteArray(20000, '\xff') + noise(20000, 5) + QByteArray(20000, '\xff'), nullptr, nullptr},
         {"edited, with the old one kept", picture, noise(60000, 6), "a.png~", "a.png"},
         {"edited, with the old one hidden", picture, noise(60000, 7), ".a.png.bak", "a.png"},
         {"another one, the file renamed", picture, noise(60000, 8), "old a.png", "old a.png"},
