@@ -27,7 +27,7 @@ struct Edit
     bool rates = false;
     std::vector<std::pair<ZQObjectID, Undo>> done;
 
-    bool isQueued() const { return items.size() > ItemEdits::mostAtOnce; }
+    bool isForMany() const { return items.size() > ItemEdits::mostAtOnce; }
 };
 
 // One way through an edit, a batch at a time.
@@ -131,15 +131,18 @@ void run(EditRun &running, Edit &edit, bool isUndo)
     pass.stopAt(position);
 }
 
-void perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
+// Whether it waits for its turn: while the edit queue is busy the few wait there, too, or the many before them would
+// overwrite what was asked for last.
+bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
 {
-    if (edit->isQueued()) {
+    if (edit->isForMany() || window.editQueue.operationCount() > 0) {
         window.editQueue.addOperation(
             std::make_shared<QueuedEdit>(window, [edit, isUndo](EditRun &running) { run(running, *edit, isUndo); }));
-        return;
+        return true;
     }
     EditRun running(window);
     run(running, *edit, isUndo);
+    return false;
 }
 
 class RewriteOperation : public ZQOperation
@@ -180,8 +183,8 @@ public:
     }
     void redo() override
     {
-        perform(m_window, m_edit, false);
-        setObsolete(!m_edit->isQueued() && m_edit->done.empty());
+        const bool waits = perform(m_window, m_edit, false);
+        setObsolete(!waits && m_edit->done.empty());
     }
     void undo() override { perform(m_window, m_edit, true); }
 
@@ -271,7 +274,7 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
 
 void ItemEdits::rewriteFiles(const QList<ZQObjectID> &items)
 {
-    if (items.size() <= mostAtOnce) {
+    if (items.size() <= mostAtOnce && m_window.editQueue.operationCount() == 0) {
         RewriteOperation::rewrite(m_window.context, items);
         return;
     }

@@ -151,6 +151,25 @@ TEST_F(ItemEditsTest, ACancelledUndoLeavesWhatItDidNotComeToForTheNextOne)
     EXPECT_EQ(tagsOf(items[count - 7]), onlyRed);
 }
 
+TEST_F(ItemEditsTest, AFewThatAreAskedForWhileManyAreChangedComeAfterThem)
+{
+    const QList<ZQObjectID> items = addItems(int(ItemEdits::mostAtOnce) + 1);
+    edits.setRating(items, 3);
+    finish();
+    edits.setRating(items, 4);
+    edits.setRating({items[5]}, 5); // before the many were begun
+    finish();
+    EXPECT_EQ(summaryOf({items[5]}).rating, 5);
+    EXPECT_EQ(summaryOf({items[6]}).rating, 4);
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(summaryOf({items[5]}).rating, 4);
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(summaryOf({items[5]}).rating, 3);
+    EXPECT_EQ(summaryOf({items[6]}).rating, 3);
+}
+
 TEST_F(ItemEditsTest, ASummaryTellsWhatItemsShareAndWhatDiffers)
 {
     const QList<ZQObjectID> items = addItems(2);
