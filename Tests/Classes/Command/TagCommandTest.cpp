@@ -44,6 +44,7 @@ protected:
     }
     QStringList fileTags() const
     {
+        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
         QStringList tags = OpenMeta::getUserTagsNoRestore(path()).value_or(QStringList());
         tags.sort();
         return tags;
