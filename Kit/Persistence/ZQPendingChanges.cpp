@@ -121,8 +121,8 @@ void ZQPendingChanges::lookAtChanges()
     m_context.visitDirtyObjects([this](const Object &object) {
         const qint64 key = object->objectID().key;
         for (auto &[place, stop] : m_stops) {
-            if (stop.entity->root != object->entity()->root) {
-                continue;
+            if (!object->entity()->isKindOf(stop.entity)) {
+                continue; // of the same family perhaps, and never in this place
             }
             const bool isNew = object->isInserted();
             if (!isNew && !Private::isTouched(*object, stop.fields, stop.lists)) {
