@@ -111,10 +111,11 @@ TEST_F(TagsPower, StoreAndFilesAgreeAfterTheNextLaunch)
             default:
                 EXPECT_FALSE(hasHarbour || hasNight);
             }
-            // What the store had just come to hold, and nobody was told of yet, may be without its line in the
+            // What the store holds and the writer was still to write may be without its line in the
             // journal; the next look at the file brings it there.
             const QStringList inFile = tagsInFile(*item);
-            const bool isBehind = reports == 1 && hasNight && inFile.contains(harbour) && !inFile.contains(night);
+            const bool isBehind =
+                reports >= 1 && reports <= 2 && hasNight && inFile.contains(harbour) && !inFile.contains(night);
             EXPECT_TRUE(isBehind || inFile == stored) << qPrintable(item->title());
         }
     });
