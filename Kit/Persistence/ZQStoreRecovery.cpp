@@ -157,7 +157,7 @@ bool Recovery::copyRows(const ZQEntityDescription *root, const QStringList &colu
 qint64 Recovery::missingKeys(const ZQEntityDescription *root, qint64 *highest)
 {
     QStringList indexes;
-    scan(QStringLiteral("SELECT name FROM pragma_index_list(?)"), {root->tableName},
+    scan(QStringLiteral("SELECT name FROM pragma_index_list(?) WHERE NOT \"partial\""), {root->tableName},
          [&](ZQSQLiteStatement &row) { indexes.append(row.text(0)); });
     std::vector<qint64> named;
     const QString table = zqQuoted(root->tableName);
