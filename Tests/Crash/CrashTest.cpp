@@ -1,6 +1,7 @@
 // Kills the program (SIGKILL) at random moments of an import and of a purge, starts it again and looks at what is left:
 // the store opens, every item has its file, nothing of the temporary area is lost, leftovers go, the same import
-// completes. Imports that were cut off go on by `import --resume` and end with every file in exactly once.
+// completes. Imports that were cut off go on by `import --resume` and end with every file in exactly once. A kill that
+// came before there was anything to interrupt, or after it was done, proves nothing: too many of those are a failure.
 //
 // zelto_crash_test ZELTO COUNT [SEED]
 
@@ -25,6 +26,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -119,17 +121,57 @@ public:
         return nothingLost() && opensAgain() && isSound() && resumes() && importsAgain();
     }
 
+    // Whether enough of the kills came in the midst of what they were to interrupt.
+    bool didInterrupt(int rounds) const
+    {
+        std::printf("%d of %d kills interrupted an import, %d of %d a purge\n", m_imports.interrupted, m_imports.kills,
+                    m_purges.interrupted, m_purges.kills);
+        constexpr int enoughToTell = 8; // rounds
+        return rounds < enoughToTell || (m_imports.isEnough() && m_purges.isEnough());
+    }
+
     void measure()
     {
         makeInput();
+        const auto process = m_world.start(importArguments());
         QElapsedTimer timer;
         timer.start();
-        int status = 0;
-        m_world.run(importArguments(), &status);
-        m_milliseconds = std::max<qint64>(50, timer.elapsed());
+        waitForWork(*process, [this] { return isImportPending(); });
+        m_startMilliseconds = quint32(std::max<qint64>(20, timer.restart()));
+        process->waitForFinished(120000);
+        m_milliseconds = quint32(std::max<qint64>(20, timer.elapsed()));
     }
 
 private:
+    struct Kills
+    {
+        int kills = 0;
+        int interrupted = 0;
+        bool isEnough() const { return interrupted > 0 && interrupted * 4 >= kills; }
+    };
+
+    // `traceOfWork` is what the work leaves behind until it is done.
+    static void kill(QProcess &process, const std::function<bool()> &traceOfWork, Kills &kills)
+    {
+        process.kill();
+        process.waitForFinished();
+        ++kills.kills;
+        kills.interrupted += process.exitStatus() == QProcess::CrashExit && traceOfWork() ? 1 : 0;
+    }
+    static void waitForWork(QProcess &process, const std::function<bool()> &traceOfWork)
+    {
+        while (process.state() == QProcess::Running && !traceOfWork()) {
+            process.waitForFinished(1);
+        }
+    }
+    bool isImportPending() const
+    {
+        return !QDir(m_world.library() + QStringLiteral("/pending-imports"))
+                    .entryList({QStringLiteral("*.plist")}, QDir::Files)
+                    .isEmpty();
+    }
+    bool isPurgeNoted() const { return QFile::exists(m_world.library() + QStringLiteral("/pending-removals")); }
+
     QStringList importArguments() const
     {
         return {QStringLiteral("import"),   QStringLiteral("--duplicates"),
@@ -166,9 +208,14 @@ private:
     void killDuring(const QStringList &arguments)
     {
         const auto process = m_world.start(arguments);
-        QThread::msleep(m_random.bounded(static_cast<quint32>(m_milliseconds * 5 / 4)));
-        process->kill();
-        process->waitForFinished();
+        if (m_random.bounded(4) == 0) {
+            QThread::msleep(m_random.bounded(m_startMilliseconds));
+        } else {
+            waitForWork(*process, [this] { return isImportPending(); });
+            QThread::msleep(m_random.bounded(m_milliseconds));
+        }
+        kill(
+            *process, [this] { return isImportPending(); }, m_imports);
     }
 
     // Kills an import of many files, then, twice, what goes on with it.
@@ -180,21 +227,21 @@ private:
         for (int i = 0; i < manyFiles; ++i) {
             writePicture(folder + QStringLiteral("/picture %1.png").arg(i), m_random, 8, 6);
         }
+        m_lastImport = digestsBelow(folder); // nothing else is imported in this round
         const QStringList arguments{QStringLiteral("import"), folder, QStringLiteral("--json")};
         for (const QStringList &command : {arguments, resumeArguments(), resumeArguments()}) {
             const auto process = m_world.start(command);
-            QThread::msleep(m_random.bounded(6000U));
-            process->kill();
-            process->waitForFinished();
+            if (command == arguments) {
+                waitForWork(*process, [this] { return isImportPending(); });
+            }
+            QThread::msleep(m_random.bounded(2 * m_milliseconds + m_startMilliseconds));
+            kill(
+                *process, [this] { return isImportPending(); }, m_imports);
         }
         if (!resumes() || !isSound()) {
             return false;
         }
-        const QHash<QString, int> counts = itemsByDigest();
-        const QSet<QString> wanted = digestsBelow(folder);
-        const bool isBegun =
-            std::any_of(wanted.begin(), wanted.end(), [&](const QString &digest) { return counts.contains(digest); });
-        return !isBegun || isInExactlyOnce(wanted, counts); // it may have been killed before it had begun
+        return isInExactlyOnce(m_lastImport, itemsByDigest()); // it had begun when it was killed
     }
 
     static QStringList resumeArguments()
@@ -205,7 +252,7 @@ private:
     bool resumes()
     {
         const QDir pending(m_world.library() + QStringLiteral("/pending-imports"));
-        const bool isPending = !pending.entryList({QStringLiteral("*.plist")}, QDir::Files).isEmpty();
+        const bool isPending = isImportPending();
         int status = 0;
         m_world.run(resumeArguments(), &status);
         if (status != 0 || !pending.entryList(QDir::Files).isEmpty()) {
@@ -253,9 +300,14 @@ private:
         m_temporary.clear(); // imported, and partly deleted on purpose
         m_lastImport.clear();
         const auto process = m_world.start({QStringLiteral("purge")});
-        QThread::msleep(m_random.bounded(150U));
-        process->kill();
-        process->waitForFinished();
+        if (m_random.bounded(4) == 0) {
+            QThread::msleep(m_random.bounded(150U));
+        } else {
+            waitForWork(*process, [this] { return isPurgeNoted(); }); // it is about to save
+            QThread::usleep(m_random.bounded(20000U));
+        }
+        kill(
+            *process, [this] { return isPurgeNoted(); }, m_purges);
     }
 
     bool complain(const QString &what)
@@ -336,7 +388,10 @@ private:
 
     World m_world;
     QRandomGenerator m_random;
-    qint64 m_milliseconds = 1000;
+    quint32 m_startMilliseconds = 0; // until an import has begun
+    quint32 m_milliseconds = 0;      // from there to its end
+    Kills m_imports;
+    Kills m_purges;
     QSet<QString> m_temporary;
     QSet<QString> m_lastImport;
 };
@@ -361,6 +416,10 @@ int main(int argc, char *argv[])
             return 1;
         }
     }
-    std::printf("%d kills: the store opened, every item had its file, nothing was lost\n", count);
+    if (!test.didInterrupt(count)) {
+        std::fprintf(stderr, "FAILED: too few of the kills interrupted anything, seed %u\n", seed);
+        return 1;
+    }
+    std::printf("%d rounds: the store opened, every item had its file, nothing was lost\n", count);
     return 0;
 }
