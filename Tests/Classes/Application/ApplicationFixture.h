@@ -10,7 +10,6 @@
 #include "Tests/Support/UserWorld.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -100,7 +99,6 @@ class ApplicationTest : public testing::Test
 protected:
     void SetUp() override
     {
-        redirectUserWorld(world);
         ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
         for (const QString &key : defaults.keys()) {
             defaults.removeObjectForKey(key);
@@ -150,8 +148,7 @@ protected:
         return item;
     }
 
-    // Not where TMPDIR points: each test redirects that into its own world.
-    QTemporaryDir world{QStringLiteral("/var/tmp/zelto-application-XXXXXX")};
+    UserWorld world{"application"};
     ScriptedUser user;
     FakeImports imports;
     FakeWindow::State window;

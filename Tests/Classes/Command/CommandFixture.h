@@ -13,7 +13,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -23,7 +22,6 @@ class CommandTest : public testing::Test
 protected:
     void SetUp() override
     {
-        redirectUserWorld(world);
         open();
     }
     void TearDown() override
@@ -70,7 +68,7 @@ protected:
     }
 
     // Not in the temporary area: what lies there is moved into the library.
-    QTemporaryDir world{QDir::currentPath() + QStringLiteral("/command-XXXXXX")};
+    UserWorld world{"command"};
     CommandUserInteraction user;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     CommandContext context;

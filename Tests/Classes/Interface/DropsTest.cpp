@@ -19,7 +19,6 @@
 #include <QDir>
 #include <QImage>
 #include <QMimeData>
-#include <QTemporaryDir>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -34,7 +33,6 @@ protected:
 
     void SetUp() override
     {
-        redirectUserWorld(world);
         ApplicationParts parts;
         parts.userInteraction = &user;
         parts.importManager = &AImportManager::sharedAImportManager();
@@ -156,8 +154,7 @@ protected:
         return parts.join(u' ');
     }
 
-    // Not in the temporary area: what lies there is moved into the library.
-    QTemporaryDir world{QDir::currentPath() + QStringLiteral("/drops-XXXXXX")};
+    UserWorld world{"drops"};
     ScriptedUser user;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     QUndoStack undoStack;
