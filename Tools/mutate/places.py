@@ -25,6 +25,10 @@ LEFT_OUT_CALLS = {
     "reserve", "squeeze", "shrink_to_fit", "setObjectName", "setAccessibleName", "setAccessibleDescription", "setToolTip",
     "setWhatsThis", "setStatusTip", "setPlaceholderText", "setWindowTitle", "prctl", "flush", "setProperty",
 }
+# What these do comes later, whichever stands first: repainting, what an event is answered with, what a signal will run.
+LATER = {"update", "accept", "ignore", "connect"}
+# How something looks, which is looked at and not tested: dropping or swapping calls on these is left out.
+LOOKS = re.compile(r"\b(QPainter|QPalette|QPainterPath|Q\w*Layout|QPen|QFont)\b")
 # What stands between their parentheses is text for people or for the log.
 TEXT_CALLS = {"zqLocalized", "zqFormat", "tr", "zqTrace"}
 
@@ -241,7 +245,7 @@ class Finder:
         calls = [self.call_statement(child) for child in children]
         for call in calls:
             if call:
-                start, end, _ = call
+                start, end = call[:2]
                 self.add("call", start, end, b"{ if (!zqMutant(#)) { ", b" } }", b"")
         for one, two in zip(calls, calls[1:]):
             if one and two and not self.is_order_free(one, two):
@@ -253,7 +257,7 @@ class Finder:
                     self.add("swap", one[0], two[1], before, b" } }", second + spaces + first)
 
     def call_statement(self, cursor):
-        """(start, end with the semicolon, name) of a statement that is a call and nothing else."""
+        """(start, end with the semicolon, name, whose function, what it names) of a statement that is a call and nothing else."""
         call = self.peeled(cursor)
         if call.kind != K.CALL_EXPR or call.spelling in LEFT_OUT_CALLS or call.spelling in TEXT_CALLS:
             return None
@@ -261,14 +265,38 @@ class Finder:
         semicolon = re.match(rb"\s*;", self.text[end:end + 40])
         if not semicolon or self.text[start:end].startswith((b"delete ", b"qC", b"qDebug", b"qWarning")):
             return None
-        return start, end + semicolon.end(), call.spelling
+        receiver = self.receiver(call)
+        if receiver is not None and LOOKS.search(receiver.type.get_canonical().spelling):
+            return None
+        return start, end + semicolon.end(), call.spelling, receiver.referenced.get_usr() if receiver is not None else "", self.named(call)
+
+    def receiver(self, call):
+        """The variable or member whose function is called, or None: a free function, or one of the object's own."""
+        callee = next(iter(call.get_children()), None)
+        if call.kind != K.CALL_EXPR or callee is None or callee.kind != K.MEMBER_REF_EXPR:
+            return None
+        of = next(iter(callee.get_children()), None)
+        of = self.peeled(of) if of is not None else None
+        if of is not None and of.kind == K.CALL_EXPR and of.spelling == "operator->":
+            of = self.peeled(next(iter(of.get_children())))
+        is_variable = of is not None and of.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and of.referenced is not None
+        return of if is_variable and of.referenced.kind in (K.VAR_DECL, K.PARM_DECL, K.FIELD_DECL) else None
+
+    @staticmethod
+    def named(call):
+        """The variables, members and functions that the call names."""
+        return {c.referenced.get_usr() for c in call.walk_preorder()
+                if c.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and c.referenced is not None}
 
     @staticmethod
     def is_order_free(one, two):
-        if one[2] == two[2] == "operator=":
+        if one[2] == two[2] == "operator=" or one[2] in LATER or two[2] in LATER:
             return True
-        setters = [name for _, _, name in (one, two) if re.match(r"set[A-Z]", name)]
-        return len(setters) == 2 and setters[0] != setters[1]
+        setters = [call[2] for call in (one, two) if re.match(r"set[A-Z]", call[2])]
+        if len(setters) == 2 and setters[0] != setters[1]:
+            return True
+        # Of two objects, neither of which the other call knows of.
+        return bool(one[3] and two[3]) and one[3] not in two[4] and two[3] not in one[4]
 
 
 def find_places(path, name, arguments):

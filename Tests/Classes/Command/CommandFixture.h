@@ -20,10 +20,7 @@
 class CommandTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        open();
-    }
+    void SetUp() override { open(); }
     void TearDown() override
     {
         delegate.reset();

@@ -54,7 +54,8 @@ void Shelf::tidy()
 
 void Shelf::empty()
 {
-    m_books.clear(); // call: never executed
+    m_books.clear();   // call: never executed
+    m_lending.clear(); // call: never executed
 }
 
 void Shelf::note(int)

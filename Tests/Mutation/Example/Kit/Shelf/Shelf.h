@@ -19,6 +19,7 @@ private:
     void sort();
 
     std::vector<int> m_books;
+    std::vector<int> m_lending;
     int m_notes = 0;
 };
 
