@@ -3,6 +3,7 @@
 #include "Classes/Interface/QueuedEdit.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQOperationQueue.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <algorithm>
@@ -68,9 +69,23 @@ public:
         }
         return changed;
     }
+    bool changesFiles() const { return m_edit.rates || m_edit.rewritesFiles; }
+    // To be kept until `writeFiles`.
+    std::shared_ptr<void> announceFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
+    {
+        ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+        if (!changesFiles() || !environment.writesTagsToFiles()) {
+            return nullptr;
+        }
+        QStringList bundleIDs;
+        for (const auto &item : changed) {
+            bundleIDs.append(item->bundleID());
+        }
+        return environment.willWriteTagsOfItems(bundleIDs);
+    }
     void writeFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
     {
-        if (!m_edit.rates && !m_edit.rewritesFiles) {
+        if (!changesFiles()) {
             return;
         }
         const auto kept = zqPrefetch(changed, QStringLiteral("tags")); // a file gets them with whatever changed
@@ -121,6 +136,7 @@ void run(EditRun &running, Edit &edit, bool isUndo)
     EditPass pass(edit, isUndo, running.context());
     const qsizetype position = running.inBatches(edit.progressText, pass.count(), [&](qsizetype first, qsizetype size) {
         const auto changed = pass.changeBatch(first, size);
+        const auto announced = pass.announceFiles(changed);
         if (!running.save()) {
             return false;
         }
