@@ -161,33 +161,17 @@ bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUn
     return false;
 }
 
-class RewriteOperation : public ZQOperation
+void rewrite(EditRun &running, const QList<ZQObjectID> &items)
 {
-public:
-    RewriteOperation(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QList<ZQObjectID> items)
-        : m_coordinator(std::move(coordinator)), m_items(std::move(items))
-    {
-    }
-    void main() override
-    {
-        ZQManagedObjectContext context(m_coordinator);
-        for (qsizetype first = 0; first < m_items.size() && !isCancelled(); first += EditRun::batchSize) {
-            rewrite(context, m_items.mid(first, EditRun::batchSize));
-        }
-    }
-    static void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
-    {
-        const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(items, context);
+    running.inBatches(zqLocalized("Tagging…"), items.size(), [&](qsizetype first, qsizetype size) {
+        const auto read = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), running.context());
         const auto kept = zqPrefetch(read, QStringLiteral("tags"));
         for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             item->writeOpenMetaToDisk();
         }
-    }
-
-private:
-    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
-    QList<ZQObjectID> m_items;
-};
+        return true;
+    });
+}
 
 // A step that changed nothing leaves the stack again.
 class EditCommand : public QUndoCommand
@@ -291,11 +275,12 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
 void ItemEdits::rewriteFiles(const QList<ZQObjectID> &items)
 {
     if (items.size() <= mostAtOnce && m_window.editQueue.operationCount() == 0) {
-        RewriteOperation::rewrite(m_window.context, items);
+        EditRun running(m_window);
+        rewrite(running, items);
         return;
     }
     m_window.editQueue.addOperation(
-        std::make_shared<RewriteOperation>(m_window.context.persistentStoreCoordinator(), items));
+        std::make_shared<QueuedEdit>(m_window, [items](EditRun &running) { rewrite(running, items); }));
 }
 
 void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)
