@@ -190,6 +190,18 @@ TEST_F(ItemEditsTest, ASummaryTellsWhatItemsShareAndWhatDiffers)
     EXPECT_FALSE(SelectionSummary::of(items, library.context(), [] { return false; }));
 }
 
+TEST_F(ItemEditsTest, ASummaryCountsTheFilesThatAreNotThere)
+{
+    const auto there = library.addImage(QStringLiteral("there"));
+    const auto empty = library.addImage(QStringLiteral("empty"), QStringLiteral("png"), "");
+    const auto gone = library.addImage(QStringLiteral("gone"));
+    library.context().save();
+    ASSERT_TRUE(QFile::remove(gone->itemURL()));
+    const SelectionSummary summary = summaryOf({there->objectID(), empty->objectID(), gone->objectID()});
+    EXPECT_EQ(summary.missing, 1);
+    EXPECT_EQ(summary.bytes, 7);
+}
+
 TEST_F(ItemEditsTest, RatingsAreKeptInTheStoreAndFollowInTheFilesAlsoWhenTakenBack)
 {
     const auto image = library.addImage(QStringLiteral("mark"));
