@@ -198,6 +198,7 @@ struct ZQManagedObjectContext::Private
     ZQIDList newlyUpdated;
     ZQIDList newlyDeleted;
     QSet<ZQObjectID> announcedTemporary;
+    Observers willSaveObservers;
     Observers didSaveObservers;
     Observers didChangeObservers;
 };
