@@ -2,6 +2,8 @@
 
 #include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
+#include "Kit/Imaging/Decoders/ZQVipsPixels.h"
+#include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Tests/Kit/Imaging/Decoders/Bytes.h"
 #include "Tools/samples/SampleFormats.h"
 
@@ -263,6 +265,75 @@ TEST(DecodingTest, APictureIsTurnedAsItsOrientationSays)
     EXPECT_TRUE(zqBitmapOfLab(QByteArray(11, '\0'), {2, 2}).isNull());
     EXPECT_EQ(zqBitmapOfCMYK(QByteArray(16, '\0'), {2, 2}).image().pixelColor(1, 1), QColor(Qt::white));
     EXPECT_EQ(zqBitmapOfLab(QByteArray("\0\x80\x80", 3), {1, 1}).image().pixelColor(0, 0), QColor(Qt::black));
+}
+
+TEST(DecodingTest, AnyNumberOfBandsOfAnyKindBecomesFourBytesAPixel)
+{
+    zqEnterVips();
+    struct Row
+    {
+        const char *what;
+        int bands;
+        VipsBandFormat format;
+        VipsInterpretation interpretation;
+        QColor color;
+    };
+    const float floats[] = {10, 20, 300, 128, 7};
+    const uchar bytes[] = {10, 20, 30, 128, 7};
+    const quint16 words[] = {10 * 257, 20 * 257, 30 * 257, 128 * 257, 7};
+    for (const Row &row : {
+             Row{"grey", 1, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W, QColor(10, 10, 10)},
+             Row{"grey with transparency", 2, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_B_W, QColor(10, 10, 10, 20)},
+             Row{"colours", 3, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB, QColor(10, 20, 30)},
+             Row{"colours with transparency", 4, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB, QColor(10, 20, 30, 128)},
+             Row{"and one more", 5, VIPS_FORMAT_UCHAR, VIPS_INTERPRETATION_sRGB, QColor(10, 20, 30, 128)},
+             Row{"fractions", 3, VIPS_FORMAT_FLOAT, VIPS_INTERPRETATION_sRGB, QColor(10, 20, 255)},
+             Row{"words", 4, VIPS_FORMAT_USHORT, VIPS_INTERPRETATION_RGB16, QColor(10, 20, 30, 128)},
+         }) {
+        const void *const data = row.format == VIPS_FORMAT_FLOAT    ? static_cast<const void *>(floats)
+                                 : row.format == VIPS_FORMAT_USHORT ? static_cast<const void *>(words)
+                                                                    : bytes;
+        const ZQVipsImage raw(vips_image_new_from_memory(data, sizeof floats, 1, 1, row.bands, row.format));
+        VipsImage *tagged = nullptr;
+        ASSERT_EQ(vips_copy(raw.get(), &tagged, "interpretation", row.interpretation, nullptr), 0) << row.what;
+        const ZQVipsImage image(tagged);
+        EXPECT_EQ(zqBitmapOfVips(image.get()).image().pixelColor(0, 0), row.color) << row.what;
+    }
+}
+
+TEST(DecodingTest, WhatHasNoColoursIsNoPicture)
+{
+    zqEnterVips();
+    const double numbers[] = {1, 2};
+    const ZQVipsImage waves(vips_image_new_from_memory(numbers, sizeof numbers, 1, 1, 1, VIPS_FORMAT_DPCOMPLEX));
+    VipsImage *tagged = nullptr;
+    ASSERT_EQ(vips_copy(waves.get(), &tagged, "interpretation", VIPS_INTERPRETATION_FOURIER, nullptr), 0);
+    const ZQVipsImage image(tagged);
+    EXPECT_TRUE(zqBitmapOfVips(image.get()).isNull());
+    zqLogVipsError({});
+}
+
+TEST(DecodingTest, FramesThatSayNextToNothingOfTheirTimeAreShownAsLongAsUsual)
+{
+    const auto gifOf = [](const QList<int> &hundredths) {
+        QByteArray out = "GIF89a" + QByteArray::fromHex("0100 0100 80 00 00  ff0000 0000ff");
+        for (const int delay : hundredths) {
+            out += QByteArray::fromHex("21f904 00") + little(quint16(delay)) + QByteArray::fromHex("00 00") +
+                   QByteArray::fromHex("2c 0000 0000 0100 0100 00  02 02 4401 00");
+        }
+        return fileOf(out + ';', "a.gif");
+    };
+    const auto several = zqVipsDecoder.properties(gifOf({0, 1, 2, 5}), nullptr);
+    ASSERT_TRUE(several);
+    EXPECT_EQ(several->frameCount, 4);
+    EXPECT_EQ(several->frameDurations, (QList<int>{100, 100, 20, 50}));
+    EXPECT_EQ(zqVipsDecoder.properties(gifOf({5, 5}), nullptr)->frameDurations, (QList<int>{50, 50}));
+    EXPECT_EQ(zqVipsDecoder.properties(gifOf({5}), nullptr)->frameDurations, QList<int>());
+    EXPECT_EQ(drawn(zqVipsDecoder, {gifOf({5, 5}), {}, 1}), "1x1 ff0000ff");
+    EXPECT_EQ(drawn(zqVipsDecoder, {gifOf({5, 5}), {}, 2}), "It has no frame 2.");
+    EXPECT_EQ(drawn(zqVipsDecoder, {fileOf("GIF89a", "a.gif"), {}}), damaged);
+    EXPECT_EQ(drawn(zqVipsDecoder, {ZQSourceFile(), {}}), damaged);
+    EXPECT_EQ(described(zqVipsDecoder, ZQSourceFile()), damaged);
 }
 
 TEST(SourceFileTest, ReadsTheStartOnceAndEveryReaderFromTheBeginning)

@@ -276,7 +276,7 @@ TEST(RenderProtocolTest, MessagesStayApartAndBringOneDescriptor)
 {
     Sockets sockets;
     const QByteArray longest(zqRenderMaximumMessage, 'm');
-    ASSERT_TRUE(zqSendMessage(sockets.ends[0], "with a file", STDERR_FILENO));
+    ASSERT_TRUE(zqSendMessage(sockets.ends[0], "with a file", STDIN_FILENO));
     ASSERT_TRUE(zqSendMessage(sockets.ends[0], "without"));
     ASSERT_TRUE(zqSendMessage(sockets.ends[0], longest));
     ASSERT_TRUE(zqSendMessage(sockets.ends[0], longest + 'm'));
