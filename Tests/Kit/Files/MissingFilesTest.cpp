@@ -191,6 +191,20 @@ TEST_F(MissingFiles, AreFoundBesideTheCallerWhoIsToldOnce)
     EXPECT_EQ(resolve(), made);
 }
 
+TEST_F(MissingFiles, AreFoundAtOnceByAProcessThatCanAlwaysWait)
+{
+    const QString made = folder(QStringLiteral("one/two/three")) + QStringLiteral("/a.png");
+    write(made, "a");
+    const QString far = folder(QStringLiteral("one/other/deep")) + QStringLiteral("/b.png");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(rename(made, far));
+    zqSetPersistentURLsWait(true);
+    EXPECT_EQ(zqURLFromPersistentData(reference), far);
+    zqSetPersistentURLsWait(false);
+    zqForgetPersistentURLs();
+    EXPECT_EQ(zqURLFromPersistentData(reference), QString());
+}
+
 TEST_F(MissingFiles, OfOneFolderAreLookedForTogether)
 {
     const QString start = folder(QStringLiteral("one/two"));
