@@ -1,4 +1,5 @@
 #include "Kit/Persistence/ZQContextPrivate.h"
+#include "Tests/Kit/Persistence/OlderStore.h"
 #include "Tests/Kit/Persistence/TestModel.h"
 #include "Tests/Support/DamagedStore.h"
 
@@ -12,55 +13,6 @@
 #include <unistd.h>
 
 namespace {
-
-QByteArray olderModel()
-{
-    // Before: no "TestNote", no "author", "weight" was a narrow "heft", tags were labels, "title" was "caption".
-    return R"JSON({ "versionIdentifiers": ["Version1"], "entities": [
-      { "name": "TestNode", "abstract": true,
-        "attributes": [
-          { "name": "caption", "type": "string" }, { "name": "obsolete", "type": "string" },
-          { "name": "flag", "type": "boolean" }, { "name": "small", "type": "boolean" } ],
-        "relationships": [
-          { "name": "parent", "destination": "TestNode", "inverse": "children" },
-          { "name": "children", "destination": "TestNode", "inverse": "parent", "toMany": true } ] },
-      { "name": "TestFolder", "parent": "TestNode" },
-      { "name": "TestDocument", "parent": "TestNode",
-        "relationships": [ { "name": "labels", "destination": "Label", "inverse": "documents", "toMany": true } ] },
-      { "name": "Label",
-        "attributes": [ { "name": "name", "type": "string", "optional": false }, { "name": "heft", "type": "integer16" } ],
-        "relationships": [ { "name": "documents", "destination": "TestDocument", "inverse": "labels", "toMany": true } ] } ] })JSON";
-}
-
-QByteArray newerModel()
-{
-    QByteArray json = testModelJSON;
-    json.replace("{ \"name\": \"title\",", "{ \"name\": \"title\", \"renamingIdentifier\": \"caption\",");
-    json.replace("{ \"name\": \"weight\",", "{ \"name\": \"weight\", \"renamingIdentifier\": \"heft\",");
-    json.replace("{ \"name\": \"tags\",", "{ \"name\": \"tags\", \"renamingIdentifier\": \"labels\",");
-    json.replace("{ \"name\": \"TestTag\",", "{ \"name\": \"TestTag\", \"renamingIdentifier\": \"Label\",");
-    return json;
-}
-
-// The older store: folder "f" with document "d", which has the label "l" of heft 4.
-void writeOlderStore(TestStore &older)
-{
-    ZQEntityRegistry::registerClass({"Label", TestTag::fields(), makeTestObject<TestTag>});
-    const auto coordinator = older.coordinator();
-    ASSERT_TRUE(coordinator) << qPrintable(older.error.localizedDescription());
-    ZQManagedObjectContext context(coordinator);
-    const auto folder = context.insertNewObject<TestFolder>();
-    const auto document = context.insertNewObject<TestDocument>();
-    document->setParent(folder.get());
-    const auto label = context.insertNewObjectForEntityForName(QStringLiteral("Label"));
-    label->setValueForKey(QStringLiteral("l"), QStringLiteral("name"));
-    document->addRelatedObject(QStringLiteral("labels"), label.get());
-    ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
-    // The classes of today have no fields of these names.
-    ASSERT_TRUE(ZQObjectAccess::connection(context)->execute(QStringLiteral(
-        "UPDATE TestNode SET caption = CASE WHEN parent IS NULL THEN 'f' ELSE 'd' END, small = 1, flag = NULL; "
-        "UPDATE Label SET heft = 4")));
-}
 
 QStringList copiesBeside(const TestStore &store)
 {
@@ -131,9 +83,7 @@ TEST(ZQStoreLife, WhatAMigrationLeftToDoStaysWhileItsNotesCannotBeRead)
         const bool isLastKeys = QLatin1String(key) == QStringLiteral("lastKeysBeforeMigration");
         const QString version = QStringLiteral("Version2");
         TestStore older(olderModel());
-        writeOlderStore(older);
-        older.close();
-        older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+        writeStoreToMigrate(older);
         ASSERT_TRUE(older.coordinator()->setPendingProgress(version, 1));
         older.close();
         makeEntriesUnreadable({QLatin1String(key)}, older.path);
@@ -155,11 +105,7 @@ TEST(ZQStoreLife, WhatAMigrationLeftToDoStaysWhileItsNotesCannotBeRead)
 TEST(ZQStoreLife, ACopyThatAKilledProcessNoLongerNeededGoesWithTheNextOpening)
 {
     TestStore older(olderModel());
-    writeOlderStore(older);
-    older.close();
-    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
-    ASSERT_TRUE(older.coordinator());
-    older.close();
+    writeMigratedStore(older);
     {
         const auto connection = ZQSQLiteConnection::open(older.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
         ASSERT_TRUE(
@@ -177,11 +123,7 @@ TEST(ZQStoreLife, ACopyThatAKilledProcessNoLongerNeededGoesWithTheNextOpening)
 TEST(ZQStoreLife, ARecoveryThatCannotTellWhatIsLeftToDoKeepsTheCopy)
 {
     TestStore older(olderModel());
-    writeOlderStore(older);
-    older.close();
-    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
-    ASSERT_TRUE(older.coordinator());
-    older.close();
+    writeMigratedStore(older);
     makeEntriesUnreadable({QStringLiteral("pendingVersions")}, older.path);
     ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(older.model, older.path, &older.error));
     ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
