@@ -356,14 +356,23 @@ TEST(ZQFailingCalls, WhatIsNotedOfAStoreIsNotedOrRefused)
 // The fault is in what is written: what cannot be read of a damaged store is another matter.
 TEST(ZQFailingCalls, ARecoveryPutsAWholeStoreInPlaceOrNone)
 {
-    for (const Kind kind : {Kind::Database, Kind::Files}) {
+    const std::pair<Kind, bool> cases[] = {{Kind::Database, true}, {Kind::Database, false}, {Kind::Files, true}};
+    for (const auto &each : cases) {
+        const Kind kind = each.first;
+        const bool isReadable = each.second;
         QStringList recovered;
         forEachFailingCall([&](int number) {
-            SCOPED_TRACE(testing::Message() << "kind " << int(kind) << ", call " << number);
+            SCOPED_TRACE(testing::Message()
+                         << "kind " << int(kind) << ", readable " << isReadable << ", call " << number);
             TestStore store;
             fillTestTags(store, 30);
             store.close();
-            damagePageHolding("tag 5 tag", StorePage::Table, store.path);
+            if (isReadable) {
+                damagePageHolding("tag 5 tag", StorePage::Table, store.path);
+            } else {
+                QFile file(store.path);
+                EXPECT_TRUE(file.open(QIODevice::ReadWrite) && file.write(QByteArray(storePageSize, '\0')) > 0);
+            }
             const QByteArray before = contentOfFile(store.path);
             ZQError error;
             std::optional<ZQStoreRecovery> report;

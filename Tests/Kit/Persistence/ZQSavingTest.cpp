@@ -266,6 +266,39 @@ TEST_F(ZQSaving, ChangesAreAnnouncedOnceAndSavesTellPermanentIdentifiers)
     EXPECT_EQ(saves[0].source, &context);
     ASSERT_EQ(changes.size(), 3);
     EXPECT_EQ(changes[2].deleted, QList<ZQObjectID>{temporary});
+    // What was announced and is forgotten is announced as gone; what nobody heard of is not.
+    for (const bool isRolledBack : {false, true}) {
+        changes.clear();
+        const auto heard = context.insertNewObject<TestFolder>();
+        const ZQObjectID heardID = heard->objectID();
+        context.processPendingChanges();
+        const auto unheard = context.insertNewObject<TestFolder>();
+        if (isRolledBack) {
+            context.rollback();
+        } else {
+            context.deleteObject(heard.get());
+            context.deleteObject(unheard.get());
+            context.processPendingChanges();
+        }
+        ASSERT_EQ(changes.size(), 2);
+        EXPECT_EQ(changes[1].deleted, QList<ZQObjectID>{heardID});
+        EXPECT_TRUE(changes[1].inserted.isEmpty());
+    }
+    const auto saved = context.insertNewObject<TestFolder>();
+    ASSERT_TRUE(context.save());
+    const ZQObjectID savedID = saved->objectID();
+    context.mergeChangesFromContextDidSaveNotification(saves.last()); // its own
+    changes.clear();
+    saves.clear();
+    context.deleteObject(saved.get());
+    EXPECT_EQ(context.deletedObjects(), QList<ZQRef<ZQManagedObject>>{saved});
+    ASSERT_TRUE(context.save());
+    ASSERT_EQ(saves.size(), 1);
+    EXPECT_EQ(saves[0].deleted, QList<ZQObjectID>{savedID});
+    EXPECT_TRUE(saves[0].inserted.isEmpty() && saves[0].updated.isEmpty() && context.deletedObjects().isEmpty());
+    ASSERT_EQ(changes.size(), 1);
+    EXPECT_EQ(changes[0].deleted, QList<ZQObjectID>{savedID});
+    changes = {{}, {}, {}};
     changeToken.reset();
     tag->setWeight(4);
     context.processPendingChanges();
