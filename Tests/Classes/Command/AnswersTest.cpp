@@ -261,6 +261,7 @@ TEST_F(AnswersTest, AChangeOfTagsThatCannotBeSavedIsTakenBackFromTheFilesToo)
     if (!OpenMeta::setString(QStringLiteral("probe"), QStringLiteral("probe"), file).isNull()) {
         return skipWithout("extended attributes");
     }
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten(); // the import's
     QStringList before = OpenMeta::getUserTags(file).value_or(QStringList());
     before.sort();
     for (const auto &arguments :

@@ -390,7 +390,11 @@ TEST_F(ResumeTest, AnArchiveIsUnpackedAgainAndWhatIsInOfItIsNotTakenTwice)
         offer(continueButton);
         EXPECT_EQ(project->numberOfItems(), 1);
         ASSERT_EQ(user.notificationTexts().size(), 1);
-        EXPECT_TRUE(user.notificationTexts().first().contains(archive));
+        EXPECT_EQ(
+            user.notificationTexts().first(),
+            QStringLiteral("“%1” cannot be found. The import is kept: go on with it once that is mended, or forget "
+                           "it.")
+                .arg(archive));
         EXPECT_FALSE(user.notificationTexts().first().contains(QStringLiteral("ZeltoTemporaryFolder")));
         ASSERT_TRUE(QDir().rename(path(QStringLiteral("unmounted")), path(QStringLiteral("disk"))));
         offer(continueButton);
@@ -573,4 +577,224 @@ TEST_F(ResumeTest, TheQuestionSaysWhichImportsAndHowMuchOfOneIsIn)
     EXPECT_TRUE(several.startsWith(QStringLiteral("“b\uFFFD.png” and 2 others, “more"))) << several.toStdString();
     EXPECT_EQ(several.count(QStringLiteral("“more")), 2) << several.toStdString();
     EXPECT_TRUE(several.contains(QStringLiteral(".png”, …"))) << several.toStdString();
+}
+
+TEST_F(ResumeTest, WhatWasOutOfReachWhenTheOthersWereGroupedComesAfterThem)
+{
+    const auto top = addProject(QStringLiteral("Top"));
+    const QString a = writeImage(QStringLiteral("in/Top/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("in/Top/b.png"), {21, 20});
+    const QString c = writeImage(QStringLiteral("in/Far/c.png"), {22, 20});
+    import({a}, top.get());
+    PendingImport pending =
+        request({path(QStringLiteral("in/Top")), path(QStringLiteral("in/Far"))}, projectsLabel()->UUID());
+    pending.groups = {{top->UUID(), {a, b}}};
+    pending.ungrouped = {path(QStringLiteral("in/Far"))};
+    cutOff(pending, {a});
+    offer(continueButton);
+    EXPECT_EQ(titles(top->items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_EQ(projectTitles().count(QStringLiteral("Far")), 1);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, WhatComesLaterKeepsItsPlaceInTheProject)
+{
+    const auto project = addProject(QStringLiteral("P"));
+    QStringList sources;
+    for (const char *name : {"a", "b", "c"}) {
+        sources.append(writeImage(QStringLiteral("in/%1.png").arg(QLatin1String(name)), {int(name[0]), 20}));
+    }
+    import({writeImage(QStringLiteral("last.png"), {20, 20})}, project.get());
+    import(sources.mid(0, 1), project.get(), 0);
+    PendingImport pending = request(sources, project->UUID());
+    pending.index = 0;
+    cutOff(pending, sources.mid(0, 1));
+    ASSERT_TRUE(QFile::rename(sources[2], sources[2] + u'~'));
+    offer(continueButton);
+    EXPECT_EQ(
+        user.notificationTexts().last(),
+        QStringLiteral("“%1” cannot be found. The import is kept: go on with it once that is mended, or forget it.")
+            .arg(sources[2]));
+    ASSERT_TRUE(QFile::rename(sources[2] + u'~', sources[2]));
+    offer(continueButton);
+    QStringList order;
+    for (const auto &member : project->pItems()) {
+        order.append(member->item()->title());
+    }
+    EXPECT_EQ(order.join(u' '), QStringLiteral("a b c last"));
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, FilesOfSeveralFoldersAreMissedInTheOneThatHoldsThem)
+{
+    const QString a = writeImage(QStringLiteral("disk/x/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("disk/y/z/b.png"), {21, 20});
+    cutOff(request({a, b}), {});
+    ASSERT_TRUE(QDir().rename(path(QStringLiteral("disk")), path(QStringLiteral("unmounted"))));
+    offer(continueButton);
+    ASSERT_EQ(user.notificationTexts().size(), 1);
+    EXPECT_EQ(
+        user.notificationTexts().first(),
+        QStringLiteral("2 files or folders cannot be found in “%1”. The import is kept: go on with it once that is "
+                       "mended, or forget it.")
+            .arg(path(QStringLiteral("disk"))));
+    EXPECT_EQ(user.notifications.first().position, 1);
+    EXPECT_EQ(user.notifications.first().seconds, 6);
+    offer(forgetButton);
+    cutOff(request({QStringLiteral("/gone1/a.png"), QStringLiteral("/gone2/a.png")}), {});
+    offer(continueButton);
+    EXPECT_TRUE(user.notificationTexts().last().contains(QStringLiteral("found in “/”")));
+}
+
+TEST_F(ResumeTest, APathThatWasAskedForTwiceIsImportedAsOften)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    import({a});
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
+    };
+    cutOff(request({a, a}), {a});
+    offer(continueButton);
+    EXPECT_EQ(items().size(), 2);
+}
+
+TEST_F(ResumeTest, AnArchiveThatIsStillUnpackedGoesOnAndItsFolderGoesOnlyWhereItIsOurs)
+{
+    const QString ours = AImportManager::temporaryDirectory();
+    const QString stranger = path(QStringLiteral("elsewhere/t.1"));
+    int width = 30;
+    for (const QString &holder : {ours, stranger}) {
+        const QString root = holder + QStringLiteral("/Set");
+        ASSERT_TRUE(QDir().mkpath(root));
+        ASSERT_TRUE(
+            QFile::rename(writeImage(QStringLiteral("made/a.png"), {++width, 20}), root + QStringLiteral("/a.png")));
+        ASSERT_TRUE(
+            QFile::rename(writeImage(QStringLiteral("made/b.png"), {++width, 20}), root + QStringLiteral("/note.txt")));
+        PendingImport pending = request({root}, projectsLabel()->UUID());
+        pending.archivePath = path(QStringLiteral("disk/Set.zip")); // which is gone
+        pending.archiveRoot = root;
+        cutOff(pending, {});
+        const qsizetype before = items().size();
+        offer(continueButton);
+        EXPECT_EQ(items().size(), before + 1) << root.toStdString();
+        EXPECT_EQ(QFileInfo::exists(holder), holder == stranger) << holder.toStdString();
+        EXPECT_TRUE(pendingFiles().isEmpty());
+    }
+}
+
+TEST_F(ResumeTest, TheNamesOfImportsAreThoseOfTheirFiles)
+{
+    const QString in = path(QStringLiteral("in/"));
+    const auto said = [&](const PendingImport &asked) {
+        cutOff(asked, {});
+        offer(-1);
+        const QString text = user.questions.last().informativeText.section(u'\n', 0, 0);
+        EXPECT_EQ(user.questions.last().message, QStringLiteral("An import was cut off"));
+        offer(forgetButton);
+        return text;
+    };
+    QDir().mkpath(in + QStringLiteral("folder"));
+    PendingImport archive = request({in + QStringLiteral("x")});
+    archive.archivePath = in + QStringLiteral("Set.zip");
+    archive.archiveRoot = in;
+    PendingImport grouped = request({in + QStringLiteral("folder")});
+    grouped.groups = {{QStringLiteral("p"), {in + QStringLiteral("1.png"), in + QStringLiteral("2.png")}}};
+    grouped.ungrouped = {in + QStringLiteral("3.png")};
+    EXPECT_EQ(said(request({in + QStringLiteral("a.png")})), QStringLiteral("“a.png”, 0 of 1 in the library"));
+    EXPECT_EQ(said(request({in + QStringLiteral("a.png"), in + QStringLiteral("b.png")})),
+              QStringLiteral("“a.png” and one other, 0 of 2 in the library"));
+    EXPECT_EQ(said(request({in + QString(81, u'n')})),
+              QStringLiteral("“%1”, 0 of 1 in the library").arg(QString(80, u'n')));
+    EXPECT_EQ(said(request({in + QStringLiteral("folder")})), QStringLiteral("“folder”"))
+        << "nobody has looked into it";
+    EXPECT_EQ(said(grouped), QStringLiteral("“folder”, 0 of 3 in the library"));
+    EXPECT_EQ(said(archive), QStringLiteral("“Set.zip”, 0 of 1 in the library"));
+    EXPECT_TRUE(said(request({})).startsWith(QStringLiteral("Zelto ended before")));
+    const auto before = AImportManager::sharedAImportManager().cutOffImportSince();
+    EXPECT_FALSE(before);
+}
+
+TEST_F(ResumeTest, ARequestComesBackAsItWas)
+{
+    PendingImport whole{.paths = {QStringLiteral("/a"), QStringLiteral("/b")},
+                        .target = QStringLiteral("target"),
+                        .index = 4294967295U,
+                        .metadata = {{QStringLiteral("int"), 5},
+                                     {QStringLiteral("unsigned"), 4000000000U},
+                                     {QStringLiteral("short"), QVariant::fromValue(short(7))},
+                                     {QStringLiteral("list"), QStringList{QStringLiteral("x")}},
+                                     {QStringLiteral("text"), QStringLiteral("t")}},
+                        .archivePath = QStringLiteral("/a.zip"),
+                        .archiveRoot = QStringLiteral("/root"),
+                        .groups = {{QStringLiteral("p"), {QStringLiteral("/root/1"), QStringLiteral("/2")}}},
+                        .ungrouped = {QStringLiteral("/3")}};
+    const qint64 before = QDateTime::currentMSecsSinceEpoch();
+    ASSERT_TRUE(
+        PendingImportFile::create(folder(), whole)
+            ->addSources({{QStringLiteral("ID"), QStringLiteral("/root/1"), QStringLiteral("/2"), 5000000000}}));
+    const QString name = PendingImportFile::cutOff(folder()).value(0);
+    EXPECT_GE(PendingImportFile::beginning(name).toMSecsSinceEpoch(), before);
+    const auto file = PendingImportFile::open(folder(), name);
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(PendingImportFile::cutOff(folder()).isEmpty()) << "it is somebody's";
+    EXPECT_EQ(file->request().paths, whole.paths);
+    EXPECT_EQ(file->request().target, whole.target);
+    EXPECT_EQ(file->request().index, whole.index);
+    for (auto value = whole.metadata.cbegin(); value != whole.metadata.cend(); ++value) {
+        EXPECT_EQ(file->request().metadata.value(value.key()).toStringList(), value.value().toStringList());
+    }
+    EXPECT_EQ(file->request().archivePath, whole.archivePath);
+    EXPECT_EQ(file->request().archiveRoot, whole.archiveRoot);
+    EXPECT_EQ(file->request().groups.value(0).project, QStringLiteral("p"));
+    EXPECT_EQ(file->request().groups.value(0).files, whole.groups.first().files);
+    EXPECT_EQ(file->request().ungrouped, whole.ungrouped);
+    ASSERT_TRUE(file->moveArchive(QStringLiteral("/new"), QStringLiteral("/new/folder")));
+    EXPECT_EQ(file->request().paths, QStringList{QStringLiteral("/new/folder")});
+    EXPECT_EQ(file->request().groups.value(0).files, (QStringList{QStringLiteral("/new/1"), QStringLiteral("/2")}));
+    const auto sources = file->sources().value_or(QList<PendingImportFile::Source>());
+    ASSERT_EQ(sources.size(), 1);
+    EXPECT_EQ(sources.first().bundleID, QStringLiteral("ID"));
+    EXPECT_EQ(sources.first().path, QStringLiteral("/new/1"));
+    EXPECT_EQ(sources.first().movedPath, QStringLiteral("/2"));
+    EXPECT_EQ(sources.first().movedModification, 5000000000);
+
+    // What cannot be written leaves it as it was.
+    const QString plist = folder() + u'/' + name + QStringLiteral(".plist");
+    ASSERT_TRUE(QFile::rename(plist, plist + u'~') && QDir().mkpath(plist + QStringLiteral("/full")));
+    ZQError error;
+    EXPECT_FALSE(file->narrow(whole, &error));
+    EXPECT_FALSE(error.isNull());
+    EXPECT_EQ(file->request().archiveRoot, QStringLiteral("/new"));
+    EXPECT_EQ(file->sources().value_or(QList<PendingImportFile::Source>()).size(), 1);
+    EXPECT_FALSE(file->moveArchive(QStringLiteral("/other"), QStringLiteral("/other")));
+    EXPECT_FALSE(PendingImportFile::forget(folder(), name));
+    EXPECT_TRUE(QFile::exists(folder() + u'/' + name + QStringLiteral(".sources"))) << "its list is kept with it";
+    ASSERT_TRUE(QDir(plist).removeRecursively() && QFile::rename(plist + u'~', plist));
+    EXPECT_TRUE(file->narrow(whole));
+    EXPECT_EQ(file->sources().value_or(QList<PendingImportFile::Source>(3)).size(), 0);
+    EXPECT_TRUE(file->addSources({}));
+}
+
+TEST_F(ResumeTest, NothingIsReadBeyondWhatAnImportWouldLeave)
+{
+    const auto file = PendingImportFile::create(folder(), request({path(QStringLiteral("in/a.png"))}));
+    ASSERT_TRUE(file && file->addSources({{QStringLiteral("ID"), QStringLiteral("/a"), {}, 0}}));
+    const QString list = QDir(folder()).filePath(QDir(folder()).entryList({QStringLiteral("*.sources")}).value(0));
+    ASSERT_TRUE(QFile::resize(list, (qint64(1) << 30) + 1)); // takes no room
+    ZQError error;
+    EXPECT_FALSE(file->sources(&error));
+    EXPECT_EQ(error.code, 6);
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("it is no file that an import would leave")));
+    EXPECT_FALSE(file->addSources({{QStringLiteral("ID"), QStringLiteral("/a"), {}, 0}}, &error));
+    EXPECT_EQ(error.code, 5);
+    QFile huge(folder() + QStringLiteral("/1000-Y.plist"));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly) && huge.resize((qint64(256) << 20) + 1));
+    EXPECT_FALSE(PendingImportFile::open(folder(), QStringLiteral("1000-Y"), &error));
+    EXPECT_EQ(error.code, 3);
+    ASSERT_TRUE(QDir(folder()).removeRecursively());
+    EXPECT_TRUE(file->sources(&error)) << "nothing is there";
+    writeFile(QStringLiteral("Zelto.ztlibrary/pending-imports"), "a file");
+    EXPECT_FALSE(file->sources(&error)) << "and what is there cannot be told";
+    EXPECT_FALSE(PendingImportFile::create(folder(), request({}), &error));
 }
