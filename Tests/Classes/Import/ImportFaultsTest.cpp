@@ -143,6 +143,9 @@ TEST_F(ImportFaults, ImportsGoOnWhereTheyCannotBeNoted)
 {
     writeFile(QStringLiteral("Zelto.ztlibrary/pending-imports"), "in the way");
     const QString archive = zip(QStringLiteral("in/Set.zip"), {{"b.png", picture(21)}});
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
+    };
     EXPECT_EQ(import({writeImage(QStringLiteral("in/a.png"), {20, 20})})->report().imported().size(), 1);
     EXPECT_EQ(import({path(QStringLiteral("in"))}, projectsLabel().get())->report().imported().size(), 1);
     EXPECT_EQ(items().size(), 3);
@@ -224,14 +227,14 @@ TEST_F(ImportFaults, AnArchiveSaysWhatIsWrongWithItAndHowMuchOfItIsLeftOut)
     EXPECT_TRUE(items().isEmpty() && itemDirectories().isEmpty());
 
     zip(QStringLiteral("in/Set.zip"), {{"a.png", picture(21)}, {"../x.png", picture(22)}});
-    EXPECT_TRUE(reasonOf(*import({archive}), archive).startsWith(QStringLiteral("Left out was ../x.png")))
+    EXPECT_TRUE(reasonOf(*import({archive}), archive).startsWith(QStringLiteral("Left out was “../x.png”: ")))
         << reasonOf(*import({archive}), archive).toStdString();
     user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
         return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
     };
     zip(QStringLiteral("in/Set.zip"), {{"a.png", picture(23)}, {"../x.png", picture(22)}, {"../y.png", picture(22)}});
     EXPECT_TRUE(reasonOf(*import({archive}), archive)
-                    .startsWith(QStringLiteral("2 of its entries were left out, the first is ../x.png")));
+                    .startsWith(QStringLiteral("2 of its entries were left out, the first is “../x.png”: ")));
 }
 
 TEST_F(ImportFaults, EveryKindBecomesAnItemOfItsOwn)
@@ -247,7 +250,7 @@ TEST_F(ImportFaults, EveryKindBecomesAnItemOfItsOwn)
          writeFile(QStringLiteral("targa.tga"), SampleFormats::tgaFile(scene, SampleFormats::Packing::None))});
     const std::tuple<const char *, const char *, QSize> made[] = {
         {"drawing", "ZQLibraryAcorn", {700, 350}},
-        {"page", "ZQLibraryPDF", {200, 100}},
+        {"page", "ZQLibraryPDF", {0, 0}},
         {"photo", "ZQLibraryImage", {60, 40}},
         {"targa", "ZQLibraryImage", {60, 40}},
     };
