@@ -164,7 +164,7 @@ bool ModelEnvironment::fileOfItemDidMove(const ZQObjectID &item, const QByteArra
 void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
 {
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(
-        path, tags.tags, tags.comment.isNull() ? std::nullopt : std::optional(tags.comment), {}, tags.rating);
+        path, tags.tags, tags.comment.isNull() ? std::nullopt : std::optional(tags.comment), tags.rating);
 }
 
 void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags)

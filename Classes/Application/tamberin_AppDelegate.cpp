@@ -28,7 +28,6 @@
 namespace {
 tamberin_AppDelegate *sharedInstance = nullptr;
 
-constexpr std::chrono::milliseconds windowFirst{500};
 constexpr std::chrono::milliseconds retryOpening{200};
 constexpr int activationGateMilliseconds = 200;
 constexpr std::chrono::seconds commandPatience{1}; // for what a window does beside its work
@@ -104,7 +103,7 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
         m_parts.cloudMenuViewController->updateCloudMenu();
     }
     m_observesLocale = true;
-    zqRunMainLoopFor(windowFirst);
+    zqRunMainLoopFor(m_parts.windowFirst);
     if (m_hasQuit) {
         return;
     }

@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QProcess>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,6 +31,7 @@ struct ApplicationParts
     CloudMenuControlling *cloudMenuViewController = nullptr;
     std::function<std::unique_ptr<MainWindowControlling>()> makeMainWindowController;
     std::function<std::unique_ptr<ScreenCaptureControlling>()> makeZeltoKunViewController;
+    std::chrono::milliseconds windowFirst{500}; // for its first picture, before anything beside it begins
 };
 
 enum class TerminateReply { Cancel = 0, Now = 1 };

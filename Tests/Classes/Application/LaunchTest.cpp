@@ -173,7 +173,8 @@ TEST_F(ApplicationTest, WhatIsOlderThanTheStoreIsTakenBackAndNeverRemoved)
     }
     EXPECT_FALSE(QFileInfo::exists(library + QStringLiteral("/Young.ztlibraryitem")));
     ASSERT_EQ(user.questions.size(), 1); // says how many
-    EXPECT_TRUE(user.questions.first().message.contains(QStringLiteral("1 file ")));
+    EXPECT_EQ(user.questions.first().message,
+              QStringLiteral("1 file of the library had lost its entry and was taken back."));
     EXPECT_EQ(user.questions.first().buttons.size(), 1);
 }
 
@@ -271,6 +272,25 @@ TEST_F(ApplicationTest, AThumbnailLiesBesideItsFile)
 {
     EXPECT_EQ(LibraryBundleManager::libraryPathForThumbOfURL(QStringLiteral("/x/abc.jpeg")),
               QStringLiteral("/x/abc_thumb.jpeg"));
+}
+
+TEST_F(ApplicationTest, WithoutAWindowThereIsNothingToReopenAndNothingToImportWith)
+{
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.windowFirst = std::chrono::milliseconds(0);
+    tamberin_AppDelegate delegate(parts);
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidFinishLaunching();
+    EXPECT_FALSE(delegate.applicationShouldHandleReopen(false));
+    delegate.reopenMainWindow();
+    EXPECT_EQ(window.madeKey, 0);
+    EXPECT_TRUE(delegate.persistentStoreCoordinator());
+    ZQError error;
+    EXPECT_TRUE(delegate.openLibraryForCommand(&error));
+    delegate.syncWatchedFolder({});
+    delegate.forceSyncWatchedFolder({});
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminateReply::Now);
 }
 
 TEST_F(ApplicationTest, ReopeningShowsTheWindowOnlyWhenThatIsMeant)
