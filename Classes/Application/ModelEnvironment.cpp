@@ -203,6 +203,29 @@ void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path
     TagFileWriter::sharedTagFileWriter().mergeWithFile(std::move(merge));
 }
 
+std::shared_ptr<void> ModelEnvironment::willWriteTagsOfItems(const QStringList &bundleIDs)
+{
+    if (!m_journal || bundleIDs.isEmpty()) {
+        return nullptr;
+    }
+    for (const QString &bundleID : bundleIDs) {
+        m_journal->willWrite(bundleID, true); // its save is the caller's, and this lives until after it
+    }
+    m_journal->bringToDisk();
+    return {nullptr, [journal = m_journal, count = bundleIDs.size()](void *) {
+                for (qsizetype i = 0; i < count; ++i) {
+                    journal->didWrite();
+                }
+            }};
+}
+
+void ModelEnvironment::willSave()
+{
+    if (m_journal) {
+        m_journal->bringToDisk();
+    }
+}
+
 void ModelEnvironment::finishInterruptedTagWrites()
 {
     ZQManagedObjectContext *context = m_delegate.managedObjectContext();

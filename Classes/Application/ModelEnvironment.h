@@ -30,6 +30,7 @@ public:
     void didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     void takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items) override;
     bool fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QByteArray &renewed) override;
+    std::shared_ptr<void> willWriteTagsOfItems(const QStringList &bundleIDs) override;
     void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     void writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags) override;
     void writeTagsToMovedFileOfItem(const QString &bundleID, const QByteArray &reference,
@@ -38,6 +39,8 @@ public:
 
     // At launch, with the store open: has the tags written again that a killed process was writing. Main thread.
     void finishInterruptedTagWrites();
+    // Before the main context saves: what files are to be written of it is noted on the disk first. Main thread.
+    void willSave();
     // Before the store closes: returns when everything is in the files. Main thread.
     void closeTagFiles();
 

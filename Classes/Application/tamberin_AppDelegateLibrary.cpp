@@ -3,6 +3,7 @@
 #include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/LibraryMove.h"
+#include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
@@ -287,6 +288,7 @@ void tamberin_AppDelegate::moveZeltoLibrary()
     if (m_mainWindowController && !m_mainWindowController->commitEditing()) {
         return;
     }
+    m_environment->willSave();
     if (m_context && !m_context->save(&error)) {
         userInteraction().presentError(error); // what is not saved would be lost on the way
         return;

@@ -1,6 +1,7 @@
 // Quitting: what runs is drained, state is kept, what was deleted goes for good.
 
 #include "Classes/Application/LeftoverSearch.h"
+#include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -87,6 +88,7 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     ZQError error;
     m_notedRemovals += purgedDirectories;
     noteRemovals(m_notedRemovals); // and noted they stay: the next launch drops what the store still names
+    m_environment->willSave();
     if (!m_context->save(&error)) {
         userInteraction().presentError(error);
         const int answer = userInteraction().ask(

@@ -134,6 +134,7 @@ void tamberin_AppDelegate::saveAction()
                         {QStringLiteral("tamberin_AppDelegate"), QStringLiteral("saveAction:")});
     }
     ZQError error;
+    m_environment->willSave();
     if (!m_context->save(&error)) {
         qCWarning(zqLogStore).noquote() << error.localizedDescription();
     }

@@ -49,6 +49,22 @@ void showIn(QLineEdit *field, const CommonText &value, const QString &whenEmpty)
     }
 }
 
+// Of the files that are there, and how many are not.
+QString sizeOf(const SelectionSummary &summary)
+{
+    const QString size = QLocale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeTraditionalFormat);
+    if (summary.missing == 0) {
+        return size;
+    }
+    if (summary.count == 1) {
+        return zqLocalized("the file is missing");
+    }
+    const QString missing = summary.missing == 1
+                                ? zqLocalized("1 file is missing")
+                                : zqFormat(zqLocalized("%@ files are missing"), {QLocale().toString(summary.missing)});
+    return size + QStringLiteral(" · ") + missing;
+}
+
 } // namespace
 
 class InfoPanelViewController::Preview : public QWidget
@@ -290,8 +306,7 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
     m_title->setText(isOne ? first->title() : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
     m_title->setReadOnly(!isOne);
     m_title->setFocusPolicy(isOne ? Qt::StrongFocus : Qt::NoFocus);
-    m_kind->setText(summary.kind.shown() + QStringLiteral(" · ") +
-                    QLocale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeTraditionalFormat));
+    m_kind->setText(summary.kind.shown() + QStringLiteral(" · ") + sizeOf(summary));
     m_rating->setRating(summary.rating, summary.ratingDiffers);
     showTags(summary);
     m_notes->setPlaceholderText(summary.notes.differs ? zqLocalized("Multiple values") : QString());

@@ -3,6 +3,7 @@
 #include "Classes/Interface/QueuedEdit.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQOperationQueue.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <algorithm>
@@ -68,9 +69,23 @@ public:
         }
         return changed;
     }
+    bool changesFiles() const { return m_edit.rates || m_edit.rewritesFiles; }
+    // To be kept until `writeFiles`.
+    std::shared_ptr<void> announceFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
+    {
+        ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+        if (!changesFiles() || !environment.writesTagsToFiles()) {
+            return nullptr;
+        }
+        QStringList bundleIDs;
+        for (const auto &item : changed) {
+            bundleIDs.append(item->bundleID());
+        }
+        return environment.willWriteTagsOfItems(bundleIDs);
+    }
     void writeFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
     {
-        if (!m_edit.rates && !m_edit.rewritesFiles) {
+        if (!changesFiles()) {
             return;
         }
         const auto kept = zqPrefetch(changed, QStringLiteral("tags")); // a file gets them with whatever changed
@@ -121,6 +136,7 @@ void run(EditRun &running, Edit &edit, bool isUndo)
     EditPass pass(edit, isUndo, running.context());
     const qsizetype position = running.inBatches(edit.progressText, pass.count(), [&](qsizetype first, qsizetype size) {
         const auto changed = pass.changeBatch(first, size);
+        const auto announced = pass.announceFiles(changed);
         if (!running.save()) {
             return false;
         }
@@ -145,33 +161,17 @@ bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUn
     return false;
 }
 
-class RewriteOperation : public ZQOperation
+void rewrite(EditRun &running, const QList<ZQObjectID> &items)
 {
-public:
-    RewriteOperation(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QList<ZQObjectID> items)
-        : m_coordinator(std::move(coordinator)), m_items(std::move(items))
-    {
-    }
-    void main() override
-    {
-        ZQManagedObjectContext context(m_coordinator);
-        for (qsizetype first = 0; first < m_items.size() && !isCancelled(); first += EditRun::batchSize) {
-            rewrite(context, m_items.mid(first, EditRun::batchSize));
-        }
-    }
-    static void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
-    {
-        const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(items, context);
+    running.inBatches(zqLocalized("Tagging…"), items.size(), [&](qsizetype first, qsizetype size) {
+        const auto read = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), running.context());
         const auto kept = zqPrefetch(read, QStringLiteral("tags"));
         for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             item->writeOpenMetaToDisk();
         }
-    }
-
-private:
-    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
-    QList<ZQObjectID> m_items;
-};
+        return true;
+    });
+}
 
 // A step that changed nothing leaves the stack again.
 class EditCommand : public QUndoCommand
@@ -275,11 +275,12 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
 void ItemEdits::rewriteFiles(const QList<ZQObjectID> &items)
 {
     if (items.size() <= mostAtOnce && m_window.editQueue.operationCount() == 0) {
-        RewriteOperation::rewrite(m_window.context, items);
+        EditRun running(m_window);
+        rewrite(running, items);
         return;
     }
     m_window.editQueue.addOperation(
-        std::make_shared<RewriteOperation>(m_window.context.persistentStoreCoordinator(), items));
+        std::make_shared<QueuedEdit>(m_window, [items](EditRun &running) { rewrite(running, items); }));
 }
 
 void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)

@@ -5,6 +5,7 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
+#include <QFileInfo>
 #include <QLocale>
 #include <QMimeDatabase>
 #include <QSet>
@@ -60,7 +61,9 @@ void addTags(SelectionSummary &summary, const QStringList &titles, QSet<QString>
 void addItem(SelectionSummary &summary, const ZQLibraryBaseItem &item, QSet<QString> &allTags)
 {
     const bool isFirst = summary.count == 0;
-    summary.bytes += item.byteSize();
+    const qint64 bytes = item.byteSize();
+    summary.bytes += bytes;
+    summary.missing += bytes == 0 && !QFileInfo::exists(item.itemURL()) ? 1 : 0;
     summary.title.add(item.title(), isFirst);
     summary.kind.add(kindText(item), isFirst);
     summary.notes.add(item.notes(), isFirst);

@@ -26,6 +26,7 @@ struct SelectionSummary
 {
     qint64 count = 0;
     qint64 bytes = 0;
+    qint64 missing = 0; // items whose file is not where it was
     CommonText title;
     CommonText kind;
     CommonText notes;

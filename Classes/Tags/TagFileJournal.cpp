@@ -95,6 +95,16 @@ void TagFileJournal::bringToDisk(qint64 line)
     }
 }
 
+void TagFileJournal::bringToDisk()
+{
+    qint64 lines = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        lines = m_lines;
+    }
+    bringToDisk(lines);
+}
+
 void TagFileJournal::didWrite(const QString &path)
 {
     struct stat status = {};

@@ -26,6 +26,7 @@ public:
     // Before the file is touched: returns when the line of `willWrite` is on the disk. Those noted meanwhile come
     // along, so that many writes cost few flushes.
     void bringToDisk(qint64 line);
+    void bringToDisk(); // all that was noted
     // Once for each `willWrite`, after `path` was written to, on a thread that may wait for the disk.
     void didWrite(const QString &path = {});
     void didSave(); // the store is on disk with everything noted so far; `emptyIfSettled` is due

@@ -1,12 +1,35 @@
 #include "Kit/Widgets/ZQGridView.h"
+#include "Kit/Widgets/ZQTheme.h"
 
 #include <QApplication>
 #include <QDrag>
+#include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
 
 #include <algorithm>
+
+namespace {
+
+// How many are dragged, in the corner of the picture that stands for all.
+void paintNumber(QPainter &painter, qint64 count)
+{
+    constexpr int inset = 4;
+    const QString text = QLocale().toString(count);
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int height = metrics.height() + inset;
+    const QRect badge(inset, inset, std::max(height, metrics.horizontalAdvance(text) + 3 * inset), height);
+    painter.setOpacity(1);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(zqColor(ZQColorRole::AccentFill));
+    painter.drawRoundedRect(badge, height / 2.0, height / 2.0);
+    painter.setPen(zqColor(ZQColorRole::AccentText));
+    painter.drawText(badge, Qt::AlignCenter, text);
+}
+
+} // namespace
 
 void ZQGridView::mousePressEvent(QMouseEvent *event)
 {
@@ -124,6 +147,9 @@ void ZQGridView::startDrag()
         QPainter painter(&picture);
         painter.setOpacity(0.8);
         paintPicture(painter, m_source->item(m_current), QRect(0, 0, cell.width(), m_layout.pictureHeight()));
+        if (m_selection.count() > 1) {
+            paintNumber(painter, m_selection.count());
+        }
         painter.end();
         drag->setPixmap(picture);
         drag->setHotSpot({cell.width() / 2, m_layout.pictureHeight() / 2});

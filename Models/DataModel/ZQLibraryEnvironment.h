@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
 #include <optional>
 
 class ZQLibraryBaseItem;
@@ -58,6 +59,9 @@ public:
     // that is not possible now. Main thread.
     virtual bool fileOfItemDidMove(const ZQObjectID &, const QByteArray &, const QByteArray &) { return false; }
 
+    // Before a save of changes whose files are written after it: until what it answers is gone, the next launch writes
+    // the items' files again when the process or the power fails. Waits for the disk.
+    virtual std::shared_ptr<void> willWriteTagsOfItems(const QStringList &) { return nullptr; }
     // Queues writing to a file; returns at once.
     virtual void writeTagsToFile(const QString &path, const ZQFileTags &tags) = 0;
     // The same for a library item's own file: what other programs changed there stays, and what is interrupted is done

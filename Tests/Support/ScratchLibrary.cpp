@@ -125,6 +125,12 @@ std::optional<int> ScratchLibrary::ratingOfFile(const QString &file)
     return found == fileTags.constEnd() ? std::nullopt : std::make_optional(found->rating);
 }
 
+std::shared_ptr<void> ScratchLibrary::willWriteTagsOfItems(const QStringList &bundleIDs)
+{
+    didAnnounce(bundleIDs);
+    return {nullptr, [this](void *) { didEndAnnouncement(); }};
+}
+
 void ScratchLibrary::writeTagsToFile(const QString &file, const ZQFileTags &tags)
 {
     written.append({file, tags.tags, tags.comment, tags.rating});

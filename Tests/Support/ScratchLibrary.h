@@ -6,6 +6,8 @@
 #include <QHash>
 #include <QTemporaryDir>
 
+#include <functional>
+
 class ZQLibraryImage;
 
 // A library of its own in a temporary folder, installed as the current environment while it lives. The user's folders
@@ -53,6 +55,7 @@ public:
     std::optional<QStringList> userTagsOfFile(const QString &path) override;
     std::optional<QString> commentOfFile(const QString &path) override;
     std::optional<int> ratingOfFile(const QString &path) override;
+    std::shared_ptr<void> willWriteTagsOfItems(const QStringList &bundleIDs) override;
     void writeTagsToFile(const QString &path, const ZQFileTags &tags) override;
     bool writesTagsToFiles() override { return tagsAreWritten; }
     bool fileOfItemDidMove(const ZQObjectID &, const QByteArray &, const QByteArray &renewed) override
@@ -66,6 +69,8 @@ public:
     QList<QByteArray> renewedReferences; // told of, used or not
     bool referencesAreRenewed = false;
     QList<WrittenTags> written;
+    std::function<void(const QStringList &bundleIDs)> didAnnounce = [](const QStringList &) {};
+    std::function<void()> didEndAnnouncement = [] {};
     QStringList filesToTakeIn; // titles of items, in the order they were asked for
     QList<ZQError> errors;
     QList<ZQLibraryBaseItem *> thumbRequests;

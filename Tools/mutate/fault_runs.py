@@ -26,7 +26,7 @@ class Baseline:
 class Rooms:
     def __init__(self, build):
         self.build = build  # some tests write beside their program
-        self.top = Path(tempfile.mkdtemp(prefix="zm.", dir="/var/tmp"))
+        self.top = Path(tempfile.mkdtemp(prefix="r.", dir=build.parent))  # not in the temporary area: imports move what lies there
         self.running = set()
         self.is_stopped = False
 
@@ -50,7 +50,7 @@ class Rooms:
         (room / "x").mkdir(mode=0o700)
         (room / "map").write_bytes(bytes(MAP_SIZE))
         environment = {**os.environ, **variables, "HOME": str(room / "h"), "XDG_DATA_HOME": str(room / "d"), "XDG_CONFIG_HOME": str(room / "c"),
-                       "XDG_CACHE_HOME": str(room / "k"), "XDG_RUNTIME_DIR": str(room / "x"), "TMPDIR": str(room / "t"),
+                       "XDG_CACHE_HOME": str(room / "k"), "XDG_RUNTIME_DIR": str(room / "x"), "TMPDIR": str(room / "t"), "SQLITE_TMPDIR": str(room / "t"),
                        "ZELTO_MUTANT": str(fault), "ZELTO_MUTANT_TMP": str(room / "tmp"), "ZELTO_MUTANT_MAP": str(room / "map"), "ZELTO_MUTANT_ROOMS": f"{self.top}:{self.build}"}
         if log:
             environment["ZELTO_MUTANT_LOG"] = str(log)

@@ -164,11 +164,13 @@ class Run:
                     print(f"{name} {found.trouble}", flush=True)
 
     def judged(self, rooms, programs, number, names, everything):
-        """How the fault is noticed by the named programs; with `everything`, by tests that do not seem to come by it too."""
+        """How the fault is noticed by the named programs: by tests that come by it or, with `everything`, by the others."""
         for name in names:
             baseline = self.baselines.get(name)
             if baseline and number in baseline.somewhere:
-                tests = sorted(baseline.seconds, key=baseline.seconds.get) if everything else baseline.tests_reaching(number)
+                reaching = baseline.tests_reaching(number)
+                others = sorted(baseline.seconds.keys() - set(reaching), key=baseline.seconds.get)
+                tests = others if everything else reaching
                 if word := judge(rooms, programs[name], baseline, number, tests):
                     return word
         return None

@@ -190,6 +190,18 @@ TEST_F(ItemEditsTest, ASummaryTellsWhatItemsShareAndWhatDiffers)
     EXPECT_FALSE(SelectionSummary::of(items, library.context(), [] { return false; }));
 }
 
+TEST_F(ItemEditsTest, ASummaryCountsTheFilesThatAreNotThere)
+{
+    const auto there = library.addImage(QStringLiteral("there"));
+    const auto empty = library.addImage(QStringLiteral("empty"), QStringLiteral("png"), "");
+    const auto gone = library.addImage(QStringLiteral("gone"));
+    library.context().save();
+    ASSERT_TRUE(QFile::remove(gone->itemURL()));
+    const SelectionSummary summary = summaryOf({there->objectID(), empty->objectID(), gone->objectID()});
+    EXPECT_EQ(summary.missing, 1);
+    EXPECT_EQ(summary.bytes, 7);
+}
+
 TEST_F(ItemEditsTest, RatingsAreKeptInTheStoreAndFollowInTheFilesAlsoWhenTakenBack)
 {
     const auto image = library.addImage(QStringLiteral("mark"));
@@ -213,4 +225,33 @@ TEST_F(ItemEditsTest, RatingsAreKeptInTheStoreAndFollowInTheFilesAlsoWhenTakenBa
     edits.setRating(many, 5);
     finish();
     EXPECT_EQ(summaryOf(many).rating, 5);
+}
+
+TEST_F(ItemEditsTest, FilesAreAnnouncedFromBeforeTheSaveUntilTheyAreAskedFor)
+{
+    const auto image = library.addImage(QStringLiteral("mark"));
+    library.context().save();
+    QStringList steps;
+    library.didAnnounce = [&](const QStringList &bundleIDs) {
+        ZQManagedObjectContext beside(library.coordinator());
+        const auto stored = zqFetch<ZQLibraryBaseItem>(beside, QStringLiteral("rating > 0")).value();
+        steps.append(QStringLiteral("%1 announced, %2 saved").arg(bundleIDs.size()).arg(stored.size()));
+    };
+    library.didEndAnnouncement = [&] { steps.append(QStringLiteral("%1 written").arg(library.written.size())); };
+    edits.setRating({image->objectID()}, 3);
+    EXPECT_EQ(steps, (QStringList{QStringLiteral("1 announced, 0 saved"), QStringLiteral("1 written")}));
+
+    steps.clear();
+    const qsizetype many = ItemEdits::mostAtOnce + 1;
+    QList<ZQObjectID> items = addItems(int(many));
+    for (const ZQObjectID &item : items) {
+        window.libraryItem(item)->setBundleID(QUuid::createUuid().toString(QUuid::WithoutBraces));
+    }
+    library.context().save();
+    edits.setRating(items, 4);
+    finish();
+    EXPECT_EQ(steps.first(), QStringLiteral("%1 announced, 1 saved").arg(many));
+    EXPECT_EQ(steps.size(), 2);
+    edits.setLicense({image->objectID()}, QStringLiteral("CC BY 4.0"));
+    EXPECT_EQ(steps.size(), 2) << "a license is not in the file";
 }
