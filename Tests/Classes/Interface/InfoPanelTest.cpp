@@ -9,6 +9,7 @@
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QCompleter>
+#include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
 
@@ -107,6 +108,14 @@ TEST_F(InfoPanelTest, SaysWhatIsKnownOfNoneOneAndMany)
     select({QStringLiteral("pages")});
     EXPECT_EQ(field("License")->placeholderText(), QStringLiteral("None given"));
     EXPECT_EQ(field("License")->text(), QString());
+    ASSERT_TRUE(QFile::remove(first->itemURL()));
+    select({red});
+    EXPECT_EQ(kind(), QStringLiteral("PNG image · the file is missing"));
+    select({red, clear});
+    EXPECT_TRUE(kind().endsWith(QStringLiteral(" · 1 file is missing")));
+    ASSERT_TRUE(QFile::remove(image(clear)->itemURL()));
+    select({red, clear, QStringLiteral("pages")});
+    EXPECT_TRUE(kind().endsWith(QStringLiteral(" · 2 files are missing")));
     select({});
     EXPECT_EQ(notice(), QStringLiteral("Nothing selected"));
     EXPECT_FALSE(field("Title"));

@@ -729,3 +729,88 @@ TEST_F(MainWindowTest, ASnapshotShowsWhatItIsAskedFor)
     qunsetenv("QT_SCALE_FACTOR");
     qunsetenv("QT_SCALE_FACTOR_ROUNDING_POLICY");
 }
+
+TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
+{
+    const auto says = [this] {
+        QStringList texts;
+        for (const QLabel *label : browser().findChildren<QLabel *>()) {
+            if (label->isVisible() && !label->text().isEmpty()) {
+                texts.append(label->text());
+            }
+        }
+        return texts.join(u'|').toStdString();
+    };
+    const auto order = [this] { return shown().join(u' ').toStdString(); };
+    EXPECT_EQ(says(), "A|4 items|Sort|4 items");
+    select({QStringLiteral("red"), QStringLiteral("pages")});
+    EXPECT_EQ(says(), "A|4 items|Sort|2 of 4 selected");
+    EXPECT_FALSE(named("Ascending") || named("Descending")) << "by hand there is one order";
+
+    whenMenuOpens(QStringLiteral("Title"));
+    named<QToolButton>("Sort: Manual order")->click();
+    EXPECT_EQ(menu.toStdString(), "Manual order|Import date|Title|Size|Color|Modification date|Creation date");
+    settle();
+    ASSERT_TRUE(named<QToolButton>("Sort: Title"));
+    EXPECT_EQ(named<QToolButton>("Sort: Title")->text(), QStringLiteral("Title"));
+    EXPECT_EQ(selected().size(), 2) << "what was selected stays so";
+    EXPECT_FALSE(context().hasChanges());
+    const bool isAscending = a->sortDirection();
+    const char *const up = "clear moving pages red";
+    const char *const down = "red pages moving clear";
+    EXPECT_EQ(order(), isAscending ? up : down);
+    named<QToolButton>(isAscending ? "Ascending" : "Descending")->click();
+    settle();
+    EXPECT_EQ(order(), isAscending ? down : up);
+    EXPECT_TRUE(named<QToolButton>(isAscending ? "Descending" : "Ascending"));
+    EXPECT_NE(a->sortDirection(), isAscending);
+
+    grid().setFocus();
+    type(QStringLiteral("mov"));
+    EXPECT_TRUE(waitFor([this] { return selected() == QStringList{QStringLiteral("moving")}; }));
+
+    show(b);
+    EXPECT_EQ(says(), "B|0 items|Sort|0 items");
+    EXPECT_EQ(browser().content().emptyText(), QStringLiteral("Drop images here, or press Ctrl+I"));
+    b->addItem(image(QStringLiteral("red")).get());
+    delegate->saveAction();
+    settle();
+    EXPECT_EQ(says(), "B|1 item|Sort|1 item");
+    show(folder);
+    EXPECT_EQ(browser().content().emptyText(), QStringLiteral("The projects of this folder are empty."));
+    EXPECT_FALSE(named("Ascending") || named("Descending"));
+    inner->addItem(image(QStringLiteral("red")).get());
+    delegate->saveAction();
+    settle();
+    ASSERT_EQ(browser().content().groups().size(), 1);
+    EXPECT_EQ(browser().content().groups().first().title, QStringLiteral("Inner"));
+    sidebar().selectItems({a->objectID(), b->objectID()});
+    settle();
+    EXPECT_EQ(says(), "2 items selected|5 items|5 items");
+    EXPECT_EQ(browser().content().groups().size(), 2);
+    EXPECT_FALSE(browser().content().sortAscending());
+    show(special(ZQSidebarKind::Recent));
+    qint64 count = 0;
+    for (const ZQGridGroup &group : browser().content().groups()) {
+        count += group.count;
+    }
+    EXPECT_EQ(count, 4) << "each in one group only";
+    search().setText(QStringLiteral("nothing has this"));
+    settle();
+    EXPECT_TRUE(browser().content().emptyText().startsWith(QStringLiteral("No title contains \"nothing has this\".")));
+    search().clear();
+    show(special(ZQSidebarKind::Library));
+    whenMenuOpens(QStringLiteral("Size"));
+    for (QToolButton *button : browser().findChildren<QToolButton *>(QStringLiteral("Pop"))) {
+        if (button->isVisible()) {
+            button->click();
+        }
+    }
+    EXPECT_EQ(menu.toStdString(), "Import date|Title|Size|Color|Modification date|Creation date");
+    settle();
+    EXPECT_TRUE(named("Sort: Size"));
+    browser().content().setSidebarItems({});
+    EXPECT_EQ(browser().content().emptyText(), QString()) << "not before it is known";
+    EXPECT_TRUE(waitFor([this] { return !browser().content().isLoading(); }));
+    EXPECT_EQ(browser().content().emptyText(), QStringLiteral("Select something in the sidebar."));
+}
