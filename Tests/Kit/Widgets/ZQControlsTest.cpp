@@ -191,6 +191,8 @@ TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
     strip.setTabs({QStringLiteral("One"), QStringLiteral("Two")}, 0);
     const int first = std::max(48, natural(QStringLiteral("One"), 44));
     const QPoint inSecond(first + 2 + 5, 30);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     strip.clearFocus();
     const QColor ground = pixelOf(strip, inSecond);
     EXPECT_EQ(pixelOf(strip, {5, 30}), zqColor(ZQColorRole::Ground));
@@ -201,8 +203,6 @@ TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
     QApplication::sendEvent(&strip, &leave);
     EXPECT_EQ(pixelOf(strip, inSecond), ground);
     EXPECT_EQ(pixelOf(strip, {0, 30}), zqColor(ZQColorRole::Border));
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     strip.setFocus();
     EXPECT_EQ(pixelOf(strip, {0, 30}), zqColor(ZQColorRole::Accent));
     strip.clearFocus();
