@@ -227,6 +227,31 @@ TEST_F(ZQGridViewTest, ScreenReadersSeeTheItems)
     EXPECT_FALSE(grid->child(3)->state().selected);
     EXPECT_EQ(grid->indexOfChild(item), 2);
     EXPECT_EQ(grid->child(1000000), nullptr);
+    EXPECT_EQ(grid->child(-1), nullptr);
+    EXPECT_EQ(grid->child(2), item) << "one for each";
+    EXPECT_EQ(grid->indexOfChild(grid), -1);
+    EXPECT_EQ(grid->focusChild(), item);
+    EXPECT_EQ(grid->childAt(item->rect().center().x(), item->rect().center().y()), item);
+    EXPECT_EQ(item->rect(),
+              QRect(view.viewport()->mapToGlobal(view.visualRect(2).topLeft()), view.visualRect(2).size()));
+    EXPECT_EQ(item->role(), QAccessible::ListItem);
+    EXPECT_EQ(item->parent(), grid);
+    EXPECT_EQ(item->text(QAccessible::Description), QString());
+    EXPECT_TRUE(item->state().selectable);
+    EXPECT_FALSE(item->state().offscreen);
+    EXPECT_TRUE(grid->child(900000)->state().offscreen);
+    EXPECT_FALSE(grid->child(3)->state().focused);
+    auto *action = item->actionInterface();
+    ASSERT_TRUE(action);
+    EXPECT_EQ(action->actionNames(),
+              (QStringList{QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::setFocusAction()}));
+    QSignalSpy activated(&view, &ZQGridView::activated);
+    grid->child(5)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    EXPECT_EQ(view.currentIndex(), 5);
+    EXPECT_EQ(activated.size(), 0);
+    action->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(view.currentIndex(), 2);
+    EXPECT_EQ(activated.size(), 1);
 }
 
 TEST_F(ZQGridViewTest, ThePointerChoosesTogglesAndExtends)
