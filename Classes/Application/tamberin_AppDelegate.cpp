@@ -82,6 +82,9 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
         m_parts.softwareUpdater->configure(appCastURL(m_parts.softwareUpdater->areTestKeysHeld()));
         m_parts.softwareUpdater->setAutomaticChecks(true);
     }
+    if (!managedObjectContext() || m_hasQuit) {
+        return; // what failed was told; without a store there is nothing to show
+    }
     libraryDirectory();
     setupBasicSidebarProjects();
     PreferencesController::registerDefaultPreferences();
@@ -102,6 +105,9 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
     }
     m_observesLocale = true;
     zqRunMainLoopFor(windowFirst);
+    if (m_hasQuit) {
+        return;
+    }
     if (m_parts.importManager) {
         m_parts.importManager->startObservingWatchedFolders();
         m_parts.importManager->syncRootWatchedFolders();

@@ -182,6 +182,7 @@ private:
     bool m_storeFailed = false;
     bool m_observesLocale = false;
     bool m_isTerminating = false;
+    bool m_hasQuit = false; // perhaps while the launch waited for an answer
     bool m_isCheckingLeftovers = false;
     bool m_isTakingBack = false;
     bool m_reopensAfterQuit = false;

@@ -249,7 +249,7 @@ void TagFileWriter::mergeWithFile(Merge request)
             merge(request);
         }
         if (request.done) {
-            request.done();
+            request.done(request.path);
         }
     });
 }

@@ -39,7 +39,7 @@ public:
         bool isFirst = false;       // nothing was seen of this file before, whatever its attributes say
         std::function<void()> willTouch;
         std::function<void(const FileTagsChange &)> adopt;
-        std::function<void()> done;
+        std::function<void(const QString &path)> done; // an empty one: no file was found
     };
     void mergeWithFile(Merge merge);
 

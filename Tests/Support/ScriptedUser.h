@@ -24,6 +24,7 @@ public:
     std::optional<QString> fileToSave;
 
     QList<ZQError> errors;
+    std::function<void()> onError = [] {};
     QList<UserQuestion> questions;
     QList<Notification> notifications;
     QStringList systemNotifications; // titles
@@ -31,7 +32,11 @@ public:
     std::atomic<int> dismissals = 0;
     QStringList notificationTexts() const;
 
-    void presentError(const ZQError &error) override { errors.append(error); }
+    void presentError(const ZQError &error) override
+    {
+        errors.append(error);
+        onError();
+    }
     int ask(const UserQuestion &question) override;
     void showNotificationWithText(const QString &text, int position, double seconds) override;
     void showSystemNotification(const QString &title, const QString &text) override;

@@ -23,6 +23,7 @@ public:
     {
         bool visible = true;
         bool miniaturized = false;
+        int made = 0;
         int madeKey = 0;
         int savedState = 0;
         int templates = 0;
@@ -30,7 +31,7 @@ public:
         bool takesTyping = true;
         QList<ZQObjectID> selected;
     };
-    explicit FakeWindow(State &state) : m_state(state) {}
+    explicit FakeWindow(State &state) : m_state(state) { ++m_state.made; }
     void showWindow() override { m_state.visible = true; }
     void makeKeyAndOrderFront() override { ++m_state.madeKey; }
     bool isMiniaturized() const override { return m_state.miniaturized; }

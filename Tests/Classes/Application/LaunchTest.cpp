@@ -90,6 +90,28 @@ TEST_F(ApplicationTest, ALibraryThatCannotBeMadeIsReportedAndTriedAgain)
     EXPECT_FALSE(delegate->libraryBundleDirectory().isEmpty());
 }
 
+TEST_F(ApplicationTest, NoWindowComesWhenTheStoreDoesNotOpenOrThePersonQuitMeanwhile)
+{
+    for (const bool quits : {true, false}) {
+        const auto delegate = application();
+        QDir().mkpath(delegate->libraryBundleDirectory() + QStringLiteral("/storedata"));
+        user.onError = [&] {
+            if (quits) {
+                delegate->terminate();
+            }
+        };
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+        EXPECT_FALSE(user.errors.isEmpty());
+        EXPECT_EQ(window.made, 0);
+        EXPECT_FALSE(delegate->applicationLauched());
+        user.onError = [] {};
+    }
+    QDir(defaultBundle()).removeRecursively();
+    EXPECT_TRUE(launched()->applicationLauched());
+    EXPECT_EQ(window.made, 1);
+}
+
 TEST_F(ApplicationTest, OneLibraryIsOpenInOneProcessAtATime)
 {
     const auto delegate = launched();

@@ -306,3 +306,19 @@ TEST_F(FileTagsTest, ACopyThatLeavesTheLibraryCarriesNoRecord)
     EXPECT_FALSE(raw(path, SeenFileTags::attributeName));
     EXPECT_EQ(OpenMeta::getRating(path), 5);
 }
+
+TEST_F(FileTagsTest, WhoAskedHearsWhichFileWasWrittenTo)
+{
+    QStringList heard;
+    for (const QString &found : {path, QString()}) {
+        TagFileWriter::Merge merge;
+        merge.find = [found] { return found; };
+        merge.library = {{QStringLiteral("a")}, {}, 0};
+        merge.willTouch = [&heard] { heard.append(QStringLiteral("touched")); };
+        merge.done = [&heard](const QString &written) { heard.append(written); };
+        TagFileWriter::sharedTagFileWriter().mergeWithFile(merge);
+    }
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(heard, (QStringList{QStringLiteral("touched"), path, QString()}));
+    EXPECT_EQ(OpenMeta::getUserTags(path), QStringList{QStringLiteral("a")});
+}
