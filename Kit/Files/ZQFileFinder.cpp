@@ -60,13 +60,15 @@ QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &ref
     if (zqIsFile(reference.path, reference.file)) {
         return reference.path;
     }
-    lookFor({{data, reference, moved}}, waits);
+    if (lookFor({{data, reference, moved}}, waits) > 0) {
+        return {};
+    }
     const QByteArray path = known(data, stampOf(reference)).value_or(Known()).path;
     tell(data, path, moved);
     return path;
 }
 
-void ZQFileFinder::lookFor(const QList<Wanted> &all, bool waits)
+qsizetype ZQFileFinder::lookFor(const QList<Wanted> &all, bool waits)
 {
     const bool looksAround = waits || m_waits;
     QHash<QByteArray, QList<Wanted>> folders;
@@ -91,17 +93,18 @@ void ZQFileFinder::lookFor(const QList<Wanted> &all, bool waits)
         missing += findInFolder(folder.key(), folder.value());
     }
     if (missing.isEmpty()) {
-        return;
+        return 0;
     }
     if (!looksAround) {
         findBeside(missing);
-        return;
+        return missing.size();
     }
     findAround(missing, m_inCallers);
     const std::lock_guard lock(m_mutex);
     for (const Wanted &wanted : std::as_const(missing)) {
         didLookAround(wanted.data);
     }
+    return 0;
 }
 
 ZQFileFinder::Stamp ZQFileFinder::stampOf(const ZQFileReference &reference)

@@ -36,8 +36,8 @@ public:
         Moved moved;
     };
     // Does the work of `find` for many: each folder is read once for all that are missing from it, and what is in none
-    // is looked for in one go. What it found is remembered for the `find` of each.
-    void lookFor(const QList<Wanted> &all, bool waits);
+    // is looked for in one go. What it found is remembered for the `find` of each. How many it left to the thread.
+    qsizetype lookFor(const QList<Wanted> &all, bool waits);
     // Has `moved` called again at the next `find`, when what it said could not be used.
     void tellAgain(const QByteArray &data);
     // From now on every `find` waits. Searches that run on the thread go on.
