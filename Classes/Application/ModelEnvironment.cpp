@@ -241,6 +241,7 @@ void ModelEnvironment::finishInterruptedTagWrites()
             return; // the journal stays for the next launch
         }
         const auto kept = zqPrefetch(*items, QStringLiteral("tags"));
+        ZQLibraryBaseItem::lookForFiles(*items);
         for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
             item->writeOpenMetaToDisk();
         }

@@ -13,6 +13,15 @@
 
 namespace {
 
+std::shared_ptr<void> announce(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    QStringList bundleIDs;
+    for (const auto &item : items) {
+        bundleIDs.append(item->bundleID());
+    }
+    return ZQLibraryEnvironment::current().willWriteTagsOfItems(bundleIDs);
+}
+
 // What is known of one undo step. Touched by one thread at a time: the main one, or the edit queue's.
 struct Edit
 {
@@ -73,15 +82,8 @@ public:
     // To be kept until `writeFiles`.
     std::shared_ptr<void> announceFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
     {
-        ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
-        if (!changesFiles() || !environment.writesTagsToFiles()) {
-            return nullptr;
-        }
-        QStringList bundleIDs;
-        for (const auto &item : changed) {
-            bundleIDs.append(item->bundleID());
-        }
-        return environment.willWriteTagsOfItems(bundleIDs);
+        const bool isForFiles = changesFiles() && ZQLibraryEnvironment::current().writesTagsToFiles();
+        return isForFiles ? announce(changed) : nullptr;
     }
     void writeFiles(const QList<ZQRef<ZQLibraryBaseItem>> &changed) const
     {
@@ -162,16 +164,17 @@ bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUn
     return false;
 }
 
-void rewrite(EditRun &running, const QList<ZQObjectID> &items)
+// Not to be cancelled: the store has it, and so must all files.
+void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
 {
-    running.inBatches(zqLocalized("Tagging…"), items.size(), [&](qsizetype first, qsizetype size) {
-        const auto read = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), running.context());
+    for (qsizetype first = 0; first < items.size(); first += EditRun::batchSize) {
+        const auto read = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, EditRun::batchSize), context);
         const auto kept = zqPrefetch(read, QStringLiteral("tags"));
+        ZQLibraryBaseItem::lookForFiles(read);
         for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             item->writeOpenMetaToDisk();
         }
-        return true;
-    });
+    }
 }
 
 // A step that changed nothing leaves the stack again.
@@ -273,15 +276,22 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
     m_window.undoStack.push(new EditCommand(m_window, zqLocalized("edit tags"), edit));
 }
 
-void ItemEdits::rewriteFiles(const QList<ZQObjectID> &items)
+void ItemEdits::saveAndRewriteFiles(const QList<ZQObjectID> &items)
 {
+    std::vector<std::shared_ptr<void>> announced;
+    if (ZQLibraryEnvironment::current().writesTagsToFiles()) {
+        for (qsizetype first = 0; first < items.size(); first += EditRun::batchSize) {
+            announced.push_back(
+                announce(ZQLibraryBaseItem::itemsWithIDs(items.mid(first, EditRun::batchSize), m_window.context)));
+        }
+    }
+    m_window.save();
     if (items.size() <= mostAtOnce && m_window.editQueue.operationCount() == 0) {
-        EditRun running(m_window);
-        rewrite(running, items);
+        rewrite(m_window.context, items);
         return;
     }
-    m_window.editQueue.addOperation(
-        std::make_shared<QueuedEdit>(m_window, [items](EditRun &running) { rewrite(running, items); }));
+    m_window.editQueue.addOperation(std::make_shared<QueuedEdit>(
+        m_window, [items, announced](EditRun &running) { rewrite(running.context(), items); }));
 }
 
 void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)

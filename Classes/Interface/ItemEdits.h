@@ -19,8 +19,8 @@ public:
     void setSource(const QList<ZQObjectID> &items, const QString &address);
     void setRating(const QList<ZQObjectID> &items, int rating); // 0 to 5 stars, 0 for none
 
-    // Writes the tags, notes and ratings of the saved store to the items' files; no undo step of its own.
-    void rewriteFiles(const QList<ZQObjectID> &items);
+    // Saves, and writes the items' tags, notes and ratings to their files, all of them; no undo step of its own.
+    void saveAndRewriteFiles(const QList<ZQObjectID> &items);
 
     // Beyond so many items the edit queue does it.
     static constexpr qsizetype mostAtOnce = 200;

@@ -325,9 +325,10 @@ void SidebarCommands::renameListItem(const Item &item, const QString &title)
     const auto rename = [&window, id](const QString &to) {
         if (const Item renamed = window.sidebarItem(id)) {
             renamed->setTitle(to);
-            window.save();
             if (renamed->isTag()) { // the files carry the name
-                ItemEdits(window).rewriteFiles(renamed->relatedObjectIDs(QStringLiteral("taggedItems")));
+                ItemEdits(window).saveAndRewriteFiles(renamed->relatedObjectIDs(QStringLiteral("taggedItems")));
+            } else {
+                window.save();
             }
             ZQNotificationCenter::defaultCenter().postNotification(QStringLiteral("SidebarItemTitleDidChange"),
                                                                    renamed.get());

@@ -92,6 +92,8 @@ void TagFileJournal::bringToDisk(qint64 line)
     }
     if (fdatasync(m_file) == 0) {
         m_flushedLines = written;
+    } else {
+        qCWarning(zqLogTags) << "The journal of tag writes was not brought to the disk:" << std::strerror(errno);
     }
 }
 

@@ -21,7 +21,8 @@ QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents conte
 
 // Where the file is now, or nothing (an empty text): the last path when it still has that inode and birth time; the
 // same folder; the last path again, when what took its place there is that file saved by replacing it, which its
-// contents say, or the old one beside it under a name such as "a.png~". Any other newcomer is not the file.
+// contents say, or the old one beside it under a name such as "a.png~" that it got within five seconds of the newcomer's
+// birth. Any other newcomer is not the file.
 //
 // What is in none of these places is looked for around that folder and in the watched roots, once and beside the
 // caller, who gets nothing meanwhile. `moved` is called once, on the thread that looks for files, when the file is
@@ -29,7 +30,8 @@ QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents conte
 // remembered for a minute, as long as the last folder does not change, and no folder is looked into then.
 QString zqURLFromPersistentData(const QByteArray &data, const std::function<void(const QString &path)> &moved = {});
 
-// The same for those who need the answer at once and can wait for it: up to some ten thousand entries of folders.
+// The same for those who need the answer at once and can wait for it: the whole folders it begins with, the one it
+// was in and two above, and some ten thousand entries below and in the watched roots.
 QString zqFindPersistentURL(const QByteArray &data);
 // Looks for many before the functions above are called for each: what is not where it was is looked for in one go, each
 // folder once, beside the caller or not as these would. At most `zqMostPersistentURLs`, or the first are forgotten.

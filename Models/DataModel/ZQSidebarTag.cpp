@@ -216,6 +216,7 @@ void ZQSidebarTag::rewriteFileTags()
 {
     const QList<ZQRef<ZQLibraryBaseItem>> items = taggedItems();
     const auto kept = zqPrefetch(items, QStringLiteral("tags"));
+    ZQLibraryBaseItem::lookForFiles(items);
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         item->writeOpenMetaToDisk();
     }
@@ -251,6 +252,7 @@ bool ZQSidebarTag::addItem(ZQLibraryBaseItem *item, quint32, bool, bool)
 bool ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const QList<quint32> &, ZQError *)
 {
     const auto kept = zqPrefetch(items, QStringLiteral("tags"));
+    ZQLibraryBaseItem::lookForFiles(items);
     addEachItem(items);
     return true;
 }
@@ -258,6 +260,7 @@ bool ZQSidebarTag::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, const 
 void ZQSidebarTag::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
     const auto kept = zqPrefetch(items, QStringLiteral("tags"));
+    ZQLibraryBaseItem::lookForFiles(items);
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         if (item && containsItem(item.get())) {
             item->removeTagsObject(this);

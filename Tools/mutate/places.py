@@ -27,6 +27,9 @@ LEFT_OUT_CALLS = {
 }
 # What these do comes later, whichever stands first: repainting, what an event is answered with, what a signal will run.
 LATER = {"update", "accept", "ignore", "connect"}
+# What reaches the disk, another thread or another process: its order is what faults are for, whoever it is called on.
+ORDERED = re.compile(r"sync|flush|save|write|remove|unlink|rename|move|commit|begin|todisk|truncate|note|close|open|lock|wait|join|notify|stop|start|cancel"
+                     r"|send|post|will|did|exec|^end|reset", re.I)
 # How something looks, which is looked at and not tested: dropping or swapping calls on these is left out.
 LOOKS = re.compile(r"\b(QPainter|QPalette|QPainterPath|Q\w*Layout|QPen|QFont)\b")
 # What stands between their parentheses is text for people or for the log.
@@ -295,6 +298,8 @@ class Finder:
         setters = [call[2] for call in (one, two) if re.match(r"set[A-Z]", call[2])]
         if len(setters) == 2 and setters[0] != setters[1]:
             return True
+        if ORDERED.search(one[2]) or ORDERED.search(two[2]):
+            return False
         # Of two objects, neither of which the other call knows of.
         return bool(one[3] and two[3]) and one[3] not in two[4] and two[3] not in one[4]
 

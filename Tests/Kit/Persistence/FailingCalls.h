@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 
+#include <gtest/gtest.h>
+
 // Lets one call fail, as on a disk that breaks at that moment: to the database (preparing, stepping, executing,
 // opening, copying) or to the file system (second names, renaming, removing, flushing). Counts the calls of its thread
 // from where it is made to where it goes. In this test program nothing is flushed for real: no store has to outlive a
@@ -34,6 +36,7 @@ template <class Round>
 void forEachFailingCall(Round round)
 {
     const int count = round(0);
+    ASSERT_GT(count, 0) << "nothing that could fail was called";
     for (int number = 1; number <= count; ++number) {
         round(number);
     }
