@@ -70,6 +70,11 @@ public:
         done(names.size(), true);
     }
     std::optional<QDateTime> cutOffImportSince() override { return cutOff; }
+    std::function<CutOffImports(const QSet<QString> &)> tracesOfCutOffImports() override
+    {
+        return [traces = CutOffImports{cutOff, saved}](const QSet<QString> &) { return traces; };
+    }
+    void didLookThroughLeftovers(const QDateTime &) override { ++lookedThrough; }
     void offerToResumeImports() override { calls.append(QStringLiteral("resume")); }
     void setKeepsCancelledImports(bool keeps) override { keptCancelled.append(keeps); }
     ZQOperationQueue &syncOperationQueue() override { return m_sync; }
@@ -87,6 +92,8 @@ public:
     QStringList calls;
     QStringList takenBack;
     std::optional<QDateTime> cutOff;
+    QSet<QString> saved; // by imports that were cut off
+    int lookedThrough = 0;
     QList<bool> keptCancelled;
 
 private:
