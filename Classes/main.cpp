@@ -78,7 +78,7 @@ InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delega
     commandLine.setSnapshotDrawer(drawSnapshot);
     int status = 0;
     if (commandLine.parse(request.arguments, context, &status)) {
-        if (!delegate.managedObjectContext()) {
+        if (!delegate.applicationLauched() || !delegate.managedObjectContext()) {
             status = context.fail(
                 zqLocalized("Zelto has the library in use but not open: answer what it asks, then try again"));
         } else if (commandLine.isCommand()) {
@@ -245,7 +245,8 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     }
     InstanceServer server(LibraryLock::socketNameForBundle(bundle),
                           [&](const InstanceRequest &request) { return serve(request, delegate); });
-    server.setIsReady([&delegate] { return delegate.applicationLauched(); });
+    // Requests wait while the library opens, and not for a person who may be away.
+    server.setIsReady([&delegate] { return delegate.applicationLauched() || QApplication::activeModalWidget(); });
     if (!server.listen(&error)) {
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }

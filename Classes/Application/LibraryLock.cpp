@@ -16,40 +16,29 @@
 std::unique_ptr<LibraryLock> LibraryLock::lockBundle(const QString &bundleDirectory, ZQError *error)
 {
     const QByteArray path = QFile::encodeName(bundleDirectory + QStringLiteral("/lock"));
-    const int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
-    if (descriptor < 0) {
+    ZQFileDescriptor file(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644));
+    if (!file.isOpen()) {
         zqSetError(error, ZQError::with(errorDomain, NotWritable,
                                         zqFormat(zqLocalized("The library “%@” can't be written: %@."),
                                                  {bundleDirectory, QString::fromLocal8Bit(std::strerror(errno))}),
                                         zqLocalized("Check its permissions, or choose another library.")));
         return nullptr;
     }
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-        ::close(descriptor);
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
         zqSetError(error, ZQError::with(
                               errorDomain, InUse,
                               zqFormat(zqLocalized("The library “%@” is in use by another Zelto."), {bundleDirectory}),
                               zqLocalized("Quit the other one, or choose another library.")));
         return nullptr;
     }
-    return std::unique_ptr<LibraryLock>(new LibraryLock(descriptor));
+    return std::unique_ptr<LibraryLock>(new LibraryLock(std::move(file)));
 }
 
 bool LibraryLock::isInUse(const QString &bundleDirectory)
 {
     const QByteArray path = QFile::encodeName(bundleDirectory + QStringLiteral("/lock"));
-    const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool isHeld = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    ::close(descriptor);
-    return isHeld;
-}
-
-LibraryLock::~LibraryLock()
-{
-    ::close(m_descriptor);
+    const ZQFileDescriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    return ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; // no file is held by nobody
 }
 
 QString LibraryLock::socketNameForBundle(const QString &bundleDirectory)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/Foundation/ZQError.h"
+#include "Kit/Files/ZQSystemFile.h"
 
 #include <QString>
 
@@ -14,7 +14,6 @@ public:
     // Null with an error (domain "zelto.library") when another process holds the bundle, or the bundle cannot be
     // written.
     static std::unique_ptr<LibraryLock> lockBundle(const QString &bundleDirectory, ZQError *error);
-    ~LibraryLock();
     LibraryLock(const LibraryLock &) = delete;
     LibraryLock &operator=(const LibraryLock &) = delete;
 
@@ -29,6 +28,6 @@ public:
     enum ErrorCode { InUse = 1, NotWritable };
 
 private:
-    explicit LibraryLock(int descriptor) : m_descriptor(descriptor) {}
-    int m_descriptor;
+    explicit LibraryLock(ZQFileDescriptor file) : m_file(std::move(file)) {}
+    ZQFileDescriptor m_file;
 };

@@ -132,6 +132,7 @@ void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &
     };
     QList<Present> all;
     const auto kept = zqPrefetch(items, QStringLiteral("tags"));
+    ZQLibraryBaseItem::lookForFiles(items);
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         const QString path = item && item->active() ? item->itemURL() : QString();
         if (!path.isEmpty()) {
@@ -163,7 +164,7 @@ bool ModelEnvironment::fileOfItemDidMove(const ZQObjectID &item, const QByteArra
 void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
 {
     TagFileWriter::sharedTagFileWriter().writeTagsToFile(
-        path, tags.tags, tags.comment.isNull() ? std::nullopt : std::optional(tags.comment), {}, tags.rating);
+        path, tags.tags, tags.comment.isNull() ? std::nullopt : std::optional(tags.comment), tags.rating);
 }
 
 void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags)
@@ -193,7 +194,7 @@ void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path
     if (m_journal) {
         const qint64 line = m_journal->willWrite(bundleID, tags.isSaved);
         merge.willTouch = [journal = m_journal, line] { journal->bringToDisk(line); };
-        merge.done = [journal = m_journal, path] { journal->didWrite(path); };
+        merge.done = [journal = m_journal](const QString &written) { journal->didWrite(written); };
     }
     if (m_adoption) {
         merge.adopt = [adoption = m_adoption, bundleID](const FileTagsChange &change) {
@@ -219,13 +220,6 @@ std::shared_ptr<void> ModelEnvironment::willWriteTagsOfItems(const QStringList &
             }};
 }
 
-void ModelEnvironment::willSave()
-{
-    if (m_journal) {
-        m_journal->bringToDisk();
-    }
-}
-
 void ModelEnvironment::finishInterruptedTagWrites()
 {
     ZQManagedObjectContext *context = m_delegate.managedObjectContext();
@@ -235,6 +229,7 @@ void ModelEnvironment::finishInterruptedTagWrites()
     m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
     m_adoption = std::make_shared<FileTagAdoption>(m_delegate);
     m_renewal = std::make_shared<FileReferenceRenewal>(m_delegate);
+    m_willSaveObserver = context->observeWillSave([journal = m_journal] { journal->bringToDisk(); });
     m_saveObserver =
         context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { storeDidSave(journal); });
     const QStringList interrupted = m_journal->interrupted();
@@ -265,6 +260,7 @@ void ModelEnvironment::closeTagFiles()
     m_renewal.reset();
     m_adoption.reset(); // what still comes is found in the files at the next launch
     OpenMetaBackup::waitUntilAllWritten();
+    m_willSaveObserver.reset();
     m_saveObserver.reset();
     m_journal.reset(); // what was written and never saved stays in it, and is taken back at the next launch
 }

@@ -39,8 +39,6 @@ public:
 
     // At launch, with the store open: has the tags written again that a killed process was writing. Main thread.
     void finishInterruptedTagWrites();
-    // Before the main context saves: what files are to be written of it is noted on the disk first. Main thread.
-    void willSave();
     // Before the store closes: returns when everything is in the files. Main thread.
     void closeTagFiles();
 
@@ -53,5 +51,6 @@ private:
     std::shared_ptr<FileTagAdoption> m_adoption;
     std::shared_ptr<FileReferenceRenewal> m_renewal; // while the store is open
     ZQOperationQueue m_readings;
+    ZQManagedObjectContext::Token m_willSaveObserver; // what files are to be written is on the disk before the store
     ZQManagedObjectContext::Token m_saveObserver;
 };

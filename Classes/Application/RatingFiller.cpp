@@ -74,17 +74,14 @@ RatingFiller::Result RatingFiller::fill(const QList<ZQObjectID> &batch, ZQManage
                                         const std::function<bool()> &goesOn)
 {
     context.reset();
-    QList<ZQRef<ZQManagedObject>> objects;
-    for (const ZQObjectID &id : batch) {
-        objects.append(context.objectWithID(id));
-    }
-    context.fillFaults(batch);
-    for (const ZQRef<ZQManagedObject> &object : std::as_const(objects)) {
+    QList<ZQRef<ZQLibraryBaseItem>> unrated = ZQLibraryBaseItem::itemsWithIDs(batch, context);
+    unrated.removeIf([](const ZQRef<ZQLibraryBaseItem> &item) { return item->rating() != 0; });
+    ZQLibraryBaseItem::lookForFiles(unrated);
+    for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(unrated)) {
         if (!goesOn()) {
             return Result::Stopped;
         }
-        const auto item = zqCast<ZQLibraryBaseItem>(object);
-        const QString path = item && item->rating() == 0 ? item->findItemURL() : QString();
+        const QString path = item->findItemURL();
         const int rating = path.isEmpty() ? 0 : ZQLibraryEnvironment::current().ratingOfFile(path).value_or(0);
         if (rating > 0) {
             item->setRating(static_cast<qint16>(rating));

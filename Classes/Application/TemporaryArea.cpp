@@ -10,7 +10,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <mutex>
 #include <utility>
 
@@ -68,9 +67,7 @@ bool use(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
     for (int attempt = 0; attempt < 100; ++attempt) {
-        if (::mkdir(name.constData(), ownOnly) != 0 && errno != EEXIST) {
-            return false;
-        }
+        ::mkdir(name.constData(), ownOnly); // or it is there
         ZQFileDescriptor folder = openedOwnFolder(name);
         if (!folder.isOpen()) {
             return false;

@@ -28,7 +28,6 @@
 namespace {
 tamberin_AppDelegate *sharedInstance = nullptr;
 
-constexpr std::chrono::milliseconds windowFirst{500};
 constexpr std::chrono::milliseconds retryOpening{200};
 constexpr int activationGateMilliseconds = 200;
 constexpr std::chrono::seconds commandPatience{1}; // for what a window does beside its work
@@ -83,6 +82,9 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
         m_parts.softwareUpdater->configure(appCastURL(m_parts.softwareUpdater->areTestKeysHeld()));
         m_parts.softwareUpdater->setAutomaticChecks(true);
     }
+    if (!managedObjectContext() || m_hasQuit) {
+        return; // what failed was told; without a store there is nothing to show
+    }
     libraryDirectory();
     setupBasicSidebarProjects();
     PreferencesController::registerDefaultPreferences();
@@ -102,7 +104,10 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
         m_parts.cloudMenuViewController->updateCloudMenu();
     }
     m_observesLocale = true;
-    zqRunMainLoopFor(windowFirst);
+    zqRunMainLoopFor(m_parts.windowFirst);
+    if (m_hasQuit) {
+        return;
+    }
     if (m_parts.importManager) {
         m_parts.importManager->startObservingWatchedFolders();
         m_parts.importManager->syncRootWatchedFolders();

@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QProcess>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,6 +31,7 @@ struct ApplicationParts
     CloudMenuControlling *cloudMenuViewController = nullptr;
     std::function<std::unique_ptr<MainWindowControlling>()> makeMainWindowController;
     std::function<std::unique_ptr<ScreenCaptureControlling>()> makeZeltoKunViewController;
+    std::chrono::milliseconds windowFirst{500}; // for its first picture, before anything beside it begins
 };
 
 enum class TerminateReply { Cancel = 0, Now = 1 };
@@ -184,6 +186,7 @@ private:
     bool m_storeFailed = false;
     bool m_observesLocale = false;
     bool m_isTerminating = false;
+    bool m_hasQuit = false; // perhaps while the launch waited for an answer
     bool m_isCheckingLeftovers = false;
     bool m_isTakingBack = false;
     bool m_reopensAfterQuit = false;

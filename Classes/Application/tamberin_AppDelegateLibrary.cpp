@@ -288,7 +288,6 @@ void tamberin_AppDelegate::moveZeltoLibrary()
     if (m_mainWindowController && !m_mainWindowController->commitEditing()) {
         return;
     }
-    m_environment->willSave();
     if (m_context && !m_context->save(&error)) {
         userInteraction().presentError(error); // what is not saved would be lost on the way
         return;

@@ -88,7 +88,6 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     ZQError error;
     m_notedRemovals += purgedDirectories;
     noteRemovals(m_notedRemovals); // and noted they stay: the next launch drops what the store still names
-    m_environment->willSave();
     if (!m_context->save(&error)) {
         userInteraction().presentError(error);
         const int answer = userInteraction().ask(
@@ -126,6 +125,7 @@ void tamberin_AppDelegate::terminate()
     const TerminateReply reply = applicationShouldTerminate();
     m_isTerminating = false;
     if (reply == TerminateReply::Now) {
+        m_hasQuit = true;
         QCoreApplication::exit(0);
     } else {
         m_reopensAfterQuit = false;

@@ -134,7 +134,6 @@ void tamberin_AppDelegate::saveAction()
                         {QStringLiteral("tamberin_AppDelegate"), QStringLiteral("saveAction:")});
     }
     ZQError error;
-    m_environment->willSave();
     if (!m_context->save(&error)) {
         qCWarning(zqLogStore).noquote() << error.localizedDescription();
     }

@@ -377,7 +377,7 @@ qsizetype editDistance(const QString &one, const QString &other)
 QString CommandLine::commandLike(const QString &word) const
 {
     constexpr qsizetype longestCommand = 32;
-    if (word.contains(u'/') || word.size() > longestCommand) {
+    if (word.size() > longestCommand) {
         return {};
     }
     QString best;

@@ -111,10 +111,10 @@ std::shared_ptr<UserProgress> CommandUserInteraction::beginProgress(const QStrin
                                                                     std::function<void()> cancel)
 {
     auto progress = std::make_shared<TerminalProgress>(text, maximum, std::move(cancel));
-    zqOnMainThread([this, block = progress->cancelBlock] {
-        m_cancel = block;
-        if (m_isCancelled) { // asked for before there was anything to cancel
-            cancelCurrentWork();
+    zqOnMainThread([current = m_current, block = progress->cancelBlock] {
+        current->cancel = block;
+        if (current->isCancelled) { // asked for before there was anything to cancel
+            CommandUserInteraction::cancel(*current);
         }
     });
     return progress;
@@ -122,8 +122,13 @@ std::shared_ptr<UserProgress> CommandUserInteraction::beginProgress(const QStrin
 
 void CommandUserInteraction::cancelCurrentWork()
 {
-    m_isCancelled = true;
-    const auto cancel = m_cancel.lock();
+    m_current->isCancelled = true;
+    cancel(*m_current);
+}
+
+void CommandUserInteraction::cancel(Current &current)
+{
+    const auto cancel = current.cancel.lock();
     if (cancel && *cancel) {
         (*cancel)();
     }

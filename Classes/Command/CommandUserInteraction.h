@@ -31,6 +31,11 @@ public:
 private:
     DuplicatePolicy m_duplicates = DuplicatePolicy::Keep;
     UnreadablePolicy m_unreadable = UnreadablePolicy::Skip;
-    std::weak_ptr<std::function<void()>> m_cancel; // main thread
-    bool m_isCancelled = false;
+    struct Current // work; main thread
+    {
+        std::weak_ptr<std::function<void()>> cancel;
+        bool isCancelled = false;
+    };
+    static void cancel(Current &current);
+    const std::shared_ptr<Current> m_current = std::make_shared<Current>(); // outlives what is on its way there
 };

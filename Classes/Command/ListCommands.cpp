@@ -44,6 +44,7 @@ QJsonArray itemObjects(const QList<ZQRef<ZQLibraryBaseItem>> &items)
         const QList<ZQRef<ZQLibraryBaseItem>> batch = items.mid(start, atATime);
         const auto tags = zqPrefetch(batch, QStringLiteral("tags"));
         const auto projects = zqPrefetch(batch, QStringLiteral("projectsItems.project"));
+        ZQLibraryBaseItem::lookForFiles(batch);
         for (const ZQRef<ZQLibraryBaseItem> &item : batch) {
             array.append(itemObject(*item));
         }

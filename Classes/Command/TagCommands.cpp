@@ -33,6 +33,7 @@ std::optional<Items> activeItems(const QStringList &references, CommandContext &
             return std::nullopt;
         }
     }
+    ZQLibraryBaseItem::lookForFiles(items.value_or(Items()));
     return items;
 }
 

@@ -86,23 +86,18 @@ bool checkItems(bool deep, CommandContext &context, Findings &findings)
     QSet<QString> known;
     constexpr qsizetype atATime = 500;
     for (qsizetype first = 0; first < ids->size(); first += atATime) {
-        const QList<ZQObjectID> batch = ids->mid(first, atATime);
-        QList<ZQRef<ZQManagedObject>> held;
-        for (const ZQObjectID &id : batch) {
-            held.append(context.store().objectWithID(id));
-        }
-        context.store().fillFaults(batch);
-        for (const ZQRef<ZQManagedObject> &object : held) {
-            const auto item = zqCast<ZQLibraryBaseItem>(object);
-            if (!item) {
-                continue;
-            }
+        QList<ZQRef<ZQLibraryBaseItem>> present;
+        for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(ids->mid(first, atATime), context.store())) {
             known.insert(item->bundleID());
             const auto folder = item->watchingFolder();
             if (item->active() && !(folder && (folder->is_missing() || folder->is_trashed()))) {
-                ++findings.items;
-                checkItem(*item, deep, findings);
+                present.append(item);
             }
+        }
+        findings.items += present.size();
+        ZQLibraryBaseItem::lookForFiles(present);
+        for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(present)) {
+            checkItem(*item, deep, findings);
         }
     }
     checkDirectories(context.delegate->libraryDirectory(), known, findings);

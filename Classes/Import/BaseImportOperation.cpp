@@ -158,8 +158,8 @@ void BaseImportOperation::finish()
 {
     collect();
     if (m_fileData && !isCancelled()) {
-        m_fileData->insert(QStringLiteral("itemClass"), itemClass());
-        m_fileData->insert(QStringLiteral("bundleID"), zqBaseName(m_libraryItemBundlePath));
+        m_fileData->insert({{QStringLiteral("itemClass"), itemClass()},
+                            {QStringLiteral("bundleID"), zqBaseName(m_libraryItemBundlePath)}});
         if (m_slot) {
             *m_slot = {.fileData = *m_fileData,
                        .sourcePath = m_sourcePath,
@@ -361,13 +361,13 @@ void BaseImportOperation::fillDates()
     };
     const QDateTime creation = date(m_sourceDates.birth, now);
     const QDateTime modification = date(m_sourceDates.modification, creation);
-    m_fileData->insert(QStringLiteral("creation_date"), creation);
-    m_fileData->insert(QStringLiteral("modification_date"), modification);
-    m_fileData->insert(QStringLiteral("import_date"), now);
-    // Files keep the order of their import; only one from the future sorts by its own date.
-    m_fileData->insert(QStringLiteral("sort_date"), modification > now ? modification : now);
-    m_fileData->insert(QStringLiteral("attributes_modification_date"),
-                       date(m_sourceDates.attributeModification, modification));
+    m_fileData->insert(
+        {{QStringLiteral("creation_date"), creation},
+         {QStringLiteral("modification_date"), modification},
+         {QStringLiteral("import_date"), now},
+         // Files keep the order of their import; only one from the future sorts by its own date.
+         {QStringLiteral("sort_date"), std::max(modification, now)},
+         {QStringLiteral("attributes_modification_date"), date(m_sourceDates.attributeModification, modification)}});
 }
 
 void BaseImportOperation::fillSHA1()
@@ -387,8 +387,8 @@ void BaseImportOperation::fillSHA1()
 void BaseImportOperation::fillExtension()
 {
     const QString extension = zqPathExtension(m_filePath);
-    m_fileData->insert(QStringLiteral("extension"), extension.toLower());
-    m_fileData->insert(QStringLiteral("originalExtension"), extension);
+    m_fileData->insert(
+        {{QStringLiteral("extension"), extension.toLower()}, {QStringLiteral("originalExtension"), extension}});
 }
 
 void BaseImportOperation::fillMetadata()

@@ -46,9 +46,9 @@ void ImageImportOperation::fillMetadata()
         m_fileData->insert(QStringLiteral("pixelTotal"), pixels);
     }
     constexpr int most = std::numeric_limits<qint16>::max();
-    m_fileData->insert(QStringLiteral("pixelDepth"), std::clamp(properties->bitsPerSample, 0, most));
-    m_fileData->insert(QStringLiteral("pixelDpi"), std::clamp(properties->dpi, 0, most));
-    m_fileData->insert(QStringLiteral("animated"), properties->frameCount > 1);
+    m_fileData->insert({{QStringLiteral("pixelDepth"), std::clamp(properties->bitsPerSample, 0, most)},
+                        {QStringLiteral("pixelDpi"), std::clamp(properties->dpi, 0, most)},
+                        {QStringLiteral("animated"), properties->frameCount > 1}});
     if (!properties->colorModel.isEmpty()) {
         m_fileData->insert(QStringLiteral("color_model"), properties->colorModel);
     }
@@ -56,8 +56,7 @@ void ImageImportOperation::fillMetadata()
 
 void ImageImportOperation::setPixelSize(QSize size)
 {
-    m_fileData->insert(QStringLiteral("pixelWidth"), size.width());
-    m_fileData->insert(QStringLiteral("pixelHeight"), size.height());
+    m_fileData->insert({{QStringLiteral("pixelWidth"), size.width()}, {QStringLiteral("pixelHeight"), size.height()}});
 }
 
 QString ImageImportOperation::sizeTag(int width, int height, const ImportSettings &settings)

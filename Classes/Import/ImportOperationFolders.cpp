@@ -73,9 +73,9 @@ DirectoryContent contentOfDirectory(const QString &directory)
             content.dropped.append({path, zqLocalized("Its name is not valid text. Rename it and import it again.")});
         }
     }
-    sortLikeAPerson(content.subfolders);
-    sortLikeAPerson(content.archives);
-    sortLikeAPerson(content.files);
+    for (QStringList *paths : {&content.subfolders, &content.archives, &content.files}) {
+        sortLikeAPerson(*paths);
+    }
     return content;
 }
 

@@ -56,7 +56,8 @@ void ImportOperation::resume()
     }
     importRemainingGroups();
     m_itemsToImport = m_firstRequest.ungrouped;
-    if (!m_itemsToImport.isEmpty() && !isCancelled() && refusal().isEmpty()) {
+    // Making folders saves them, and with them what was imported so far, which is to be noted before.
+    if (!m_itemsToImport.isEmpty() && !isCancelled() && refusal().isEmpty() && saveItems()) {
         m_requestedFiles.append(m_itemsToImport);
         importIntoTarget();
     }

@@ -371,8 +371,9 @@ QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
     for (const ZQObjectID &id : ids) {
         identifiers += id.URIRepresentation(store).toUtf8() + '\n';
     }
-    for (const auto &item :
-         ZQLibraryBaseItem::itemsWithIDs(ids.first(std::min(ids.size(), mostFiles)), m_window.context)) {
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(ids.first(std::min(ids.size(), mostFiles)), m_window.context);
+    ZQLibraryBaseItem::lookForFiles(items);
+    for (const auto &item : items) {
         if (const QString path = item->itemURL(); !path.isEmpty()) {
             urls.append(QUrl::fromLocalFile(path));
         }

@@ -176,16 +176,12 @@ void DetailDocument::drawPage()
             self->m_state = image.isNull() ? State::Failed : State::Shown;
             self->m_reason = reason;
             if (!image.isNull()) {
-                // Pages may be of different sizes, in one measure.
-                if (self->m_isVector) {
-                    const double measure = longerSide(self->m_natural) / double(std::max(1, self->m_drawnSide));
-                    const bool isOtherShape = std::abs(self->m_image.width() * double(image.height()) -
-                                                       self->m_image.height() * double(image.width())) >
-                                              0.01 * self->m_image.width() * double(image.height());
-                    self->m_natural =
-                        isOtherShape && self->m_drawnSide > 0
-                            ? QSizeF(image.size()) * measure * self->m_drawnSide / longerSide(image.size())
-                            : self->m_natural;
+                const bool isOtherShape = std::abs(self->m_image.width() * double(image.height()) -
+                                                   self->m_image.height() * double(image.width())) >
+                                          0.01 * self->m_image.width() * double(image.height());
+                if (self->m_isVector && isOtherShape) { // pages may be of different sizes, in one measure
+                    const double longer = std::max(self->m_natural.width(), self->m_natural.height());
+                    self->m_natural = QSizeF(image.size()).scaled(longer, longer, Qt::KeepAspectRatio);
                 }
                 self->m_image = image;
                 self->m_drawnSide = side;

@@ -89,6 +89,7 @@ public:
             return;
         }
         const auto kept = zqPrefetch(changed, QStringLiteral("tags")); // a file gets them with whatever changed
+        ZQLibraryBaseItem::lookForFiles(changed);
         for (const auto &item : changed) {
             m_edit.rates ? item->writeRatingToDisk() : item->writeOpenMetaToDisk();
         }

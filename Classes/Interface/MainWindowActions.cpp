@@ -229,12 +229,9 @@ void MainWindowController::makeCommands()
     }
     m_menuButton->setMenu(all);
     m_menuButton->setPopupMode(QToolButton::InstantPopup);
-    addCommands(fileCommands());
-    addCommands(editCommands());
+    addCommands(fileCommands() + editCommands());
     makeRatingCommands();
-    addCommands(findCommands());
-    addCommands(viewCommands());
-    addCommands(helpCommands());
+    addCommands(findCommands() + viewCommands() + helpCommands());
     m_undo = commandNamed(QStringLiteral("Undo"));
     m_redo = commandNamed(QStringLiteral("Redo"));
     // In a text field Delete deletes text.
@@ -294,23 +291,30 @@ void MainWindowController::updateCommands()
     }
     const bool inText = textFieldHasFocus();
     const bool hasSelection = m_browser->selectionCount() > 0;
-    const auto enable = [this](const char *title, bool enabled) {
-        m_commands.value(QLatin1StringView(title))->setEnabled(enabled);
+    const std::pair<const char *, bool> enabled[] = {
+        {"Undo", inText || m_undoStack.canUndo()},
+        {"Redo", inText || m_undoStack.canRedo()},
+        {"Copy", inText || hasSelection},
+        {"Duplicate", hasSelection},
+        {"Remove", !inText},
+        {"Delete from Library", !inText && hasSelection},
+        {"Quick Look", hasSelection},
+        {"Open", hasSelection},
+        {"Close Tab", m_tabs.size() > 1},
+        {"Reopen Closed Tab", !m_closedTabs.isEmpty()},
     };
-    m_undo->setEnabled(inText || m_undoStack.canUndo());
-    m_redo->setEnabled(inText || m_undoStack.canRedo());
-    enable("Copy", inText || hasSelection);
-    enable("Duplicate", hasSelection);
-    enable("Remove", !inText);
-    enable("Delete from Library", !inText && hasSelection);
+    for (const auto &[title, isEnabled] : enabled) {
+        commandNamed(QLatin1StringView(title))->setEnabled(isEnabled);
+    }
     m_rating->setEnabled(hasSelection);
-    enable("Quick Look", hasSelection);
-    enable("Open", hasSelection);
-    enable("Close Tab", m_tabs.size() > 1);
-    enable("Reopen Closed Tab", !m_closedTabs.isEmpty());
-    commandNamed(QStringLiteral("Sidebar"))->setChecked(!m_sidebar->isHidden());
-    commandNamed(QStringLiteral("Info Panel"))->setChecked(!m_info->isHidden());
-    commandNamed(QStringLiteral("Dark Theme"))->setChecked(ZQTheme::current().isDark());
+    const std::pair<const char *, bool> checked[] = {
+        {"Sidebar", !m_sidebar->isHidden()},
+        {"Info Panel", !m_info->isHidden()},
+        {"Dark Theme", ZQTheme::current().isDark()},
+    };
+    for (const auto &[title, isChecked] : checked) {
+        commandNamed(QLatin1StringView(title))->setChecked(isChecked);
+    }
 }
 
 void MainWindowController::runSearch()
@@ -406,7 +410,7 @@ void MainWindowController::deleteKey()
 void MainWindowController::showItemMenu(const QPoint &globalPoint)
 {
     QMenu menu(m_mainWindow.get());
-    const auto add = [&](const char *title) { menu.addAction(m_commands.value(QLatin1StringView(title))); };
+    const auto add = [&](const char *title) { menu.addAction(commandNamed(QString::fromUtf8(title))); };
     if (m_browser->selectionCount() > 0) {
         add("Open");
         const QString path = m_browser->firstSelected() ? m_browser->firstSelected()->itemURL() : QString();
@@ -447,9 +451,7 @@ void MainWindowController::showKeys()
             }
         }
     }
-    lines.append(zqLocalized("Space   Quick look"));
-    lines.append(zqLocalized("Enter   Open"));
-    lines.append(zqLocalized("Esc   Back"));
+    lines += {zqLocalized("Space   Quick look"), zqLocalized("Enter   Open"), zqLocalized("Esc   Back")};
     UserQuestion question;
     question.message = zqLocalized("Keyboard");
     question.informativeText = lines.join(u'\n');

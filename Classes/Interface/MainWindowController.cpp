@@ -166,9 +166,6 @@ void MainWindowController::makePanes()
     m_info = new InfoPanelViewController(*m_window, *m_browser, m_splitter);
     m_info->setMinimumWidth(220);
     m_info->setMaximumWidth(520);
-    m_splitter->addWidget(m_sidebar);
-    m_splitter->addWidget(m_browser);
-    m_splitter->addWidget(m_info);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setSizes({ZQMeasure::sidebarWidth, 900, ZQMeasure::infoPanelWidth});
     connect(m_sidebar, &ProjectsSidebarViewController::selectionChanged, this,
@@ -268,10 +265,15 @@ void MainWindowController::savePersistentState()
     zqRunMainLoopUntil([this] { return m_editQueue.operationCount() == 0; });
     m_browser->savePersistentState();
     saveTabs();
-    defaults().setObjectForKey(m_mainWindow->saveGeometry(), geometryKey);
-    defaults().setObjectForKey(m_splitter->saveState(), panesKey);
-    defaults().setObjectForKey(m_sidebar->isHidden(), sidebarHiddenKey);
-    defaults().setObjectForKey(m_info->isHidden(), infoHiddenKey);
+    const std::pair<QString, QVariant> kept[] = {
+        {geometryKey, m_mainWindow->saveGeometry()},
+        {panesKey, m_splitter->saveState()},
+        {sidebarHiddenKey, m_sidebar->isHidden()},
+        {infoHiddenKey, m_info->isHidden()},
+    };
+    for (const auto &[key, value] : kept) {
+        defaults().setObjectForKey(value, key);
+    }
 }
 
 // Tabs.
@@ -397,7 +399,6 @@ QWidget *MainWindowController::window() const
 
 void MainWindowController::showWindow()
 {
-    m_mainWindow->show();
     makeKeyAndOrderFront();
     m_browser->grid().setFocus();
 }

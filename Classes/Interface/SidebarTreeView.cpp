@@ -331,6 +331,7 @@ void SidebarTreeView::showPlace(const SidebarDropPlace *place)
 void SidebarTreeView::dragEnterEvent(QDragEnterEvent *event)
 {
     dragMoveEvent(event);
+    event->accept(); // what enters over a row that refuses may go on to one that does not
 }
 
 void SidebarTreeView::dragMoveEvent(QDragMoveEvent *event)

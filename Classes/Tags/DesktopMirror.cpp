@@ -290,9 +290,6 @@ void DesktopMirror::write(Kind kind, const QByteArray &text, const QString &path
 QStringList DesktopMirror::attributesOfOurs(const QString &path)
 {
     const Record record = recordOf(path).value_or(Record());
-    if (record.isEmpty()) {
-        return {};
-    }
     QStringList names{recordName};
     for (const Mirror &mirror : mirrors()) {
         const QByteArray text = present(mirror, path);

@@ -127,8 +127,9 @@ ZQError OpenMeta::setUserTags(const QVariant &tags, const QString &path)
     const QStringList unique = removeDuplicateTags(*strings);
     const PathLock lock(path);
     setXAttrMetaData(now(), userTagTimeKey, path);
-    setOrDrop(unique, spotlightKey(olderUserTagsKey), path);
-    setOrDrop(unique, openmetaKey(olderUserTagsKey), path);
+    for (const QString &name : {spotlightKey(olderUserTagsKey), openmetaKey(olderUserTagsKey)}) {
+        setOrDrop(unique, name, path);
+    }
     const ZQError error = setBothNames(unique, userTagsKey, path);
     if (error.isNull()) {
         DesktopMirror::write(DesktopMirror::Kind::Tags, DesktopMirror::textForTags(unique), path);

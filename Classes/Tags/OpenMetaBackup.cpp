@@ -396,7 +396,9 @@ void OpenMetaBackup::copyTagsFromOldKeyTokMDItemOMIfNeeded(const QString &path)
     if (isOfSystem(error) || !olderTags.isValid() || olderTags == tags) {
         return;
     }
-    OpenMeta::setXAttr(olderTags, OpenMeta::openmetaKey(OpenMeta::userTagsKey), path);
-    OpenMeta::setXAttr(olderTags, OpenMeta::spotlightKey(OpenMeta::userTagsKey), path);
-    OpenMeta::setXAttr(olderTime, OpenMeta::openmetaTimeKey(OpenMeta::userTagsKey), path);
+    for (const QString &name :
+         {OpenMeta::openmetaKey(OpenMeta::userTagsKey), OpenMeta::spotlightKey(OpenMeta::userTagsKey)}) {
+        OpenMeta::setXAttr(olderTags, name, path);
+    }
+    OpenMeta::setXAttr(olderTime, OpenMeta::openmetaTimeKey(OpenMeta::userTagsKey), path); // it is done
 }

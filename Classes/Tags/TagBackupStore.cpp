@@ -77,10 +77,8 @@ TagBackup decoded(const QVariantMap &map)
 
 QByteArray stampOf(const QString &path)
 {
-    struct stat status = {};
-    if (stat(QFile::encodeName(path).constData(), &status) != 0) {
-        return {};
-    }
+    struct stat status = {}; // of a list that is not there it stays like this
+    stat(QFile::encodeName(path).constData(), &status);
     return QByteArray::number(qulonglong(status.st_ino)) + '-' + QByteArray::number(qlonglong(status.st_size)) + '-' +
            QByteArray::number(qlonglong(status.st_mtim.tv_sec)) + '-' +
            QByteArray::number(qlonglong(status.st_mtim.tv_nsec));
@@ -129,14 +127,9 @@ TagBackupStore::TagBackupStore(const QString &folder, qsizetype longestList)
 
 TagBackupStore::~TagBackupStore()
 {
-    if (m_notes < 0) {
-        return;
-    }
-    struct stat status = {};
-    if (fstat(m_notes, &status) == 0 && status.st_size == 0) {
+    if (m_notes.isOpen() && QFileInfo(m_notesPath).size() == 0) {
         QFile::remove(m_notesPath);
     }
-    close(m_notes);
 }
 
 int TagBackupStore::numberOf(const QByteArray &key)
@@ -301,16 +294,14 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
 
 void TagBackupStore::noteLocked(const QString &path)
 {
-    if (m_notes < 0 && hasFolder()) {
+    if (!m_notes.isOpen() && hasFolder()) {
         QByteArray name = QFile::encodeName(m_folder + QStringLiteral("/noted-XXXXXX"));
-        m_notes = mkostemp(name.data(), O_APPEND | O_CLOEXEC);
-        if (m_notes >= 0) {
-            flock(m_notes, LOCK_EX | LOCK_NB); // whose lock is free, is gone
-            m_notesPath = QFile::decodeName(name);
-        }
+        m_notes = ZQFileDescriptor(mkostemp(name.data(), O_APPEND | O_CLOEXEC));
+        m_notesPath = QFile::decodeName(name);
+        flock(m_notes.get(), LOCK_EX | LOCK_NB); // whose lock is free, is gone
     }
     const QByteArray entry = path.toUtf8() + '\0';
-    if (m_notes >= 0 && !zqWriteAll(m_notes, entry.constData(), entry.size())) {
+    if (m_notes.isOpen() && !zqWriteAll(m_notes.get(), entry.constData(), entry.size())) {
         qCWarning(zqLogTags).noquote() << "Not noted for a tag backup:" << path;
     }
 }
@@ -324,7 +315,7 @@ void TagBackupStore::note(const QString &path)
 void TagBackupStore::setNotes(const QSet<QString> &paths)
 {
     const std::lock_guard lock(m_notesMutex);
-    if (m_notes < 0 || ftruncate(m_notes, 0) != 0) {
+    if (ftruncate(m_notes.get(), 0) != 0) { // or there are none
         return;
     }
     for (const QString &path : paths) {

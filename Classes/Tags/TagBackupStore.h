@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Files/ZQSystemFile.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QSet>
@@ -90,7 +92,7 @@ private:
     QString m_folder;
     qsizetype m_longestList;
     std::mutex m_notesMutex;
-    int m_notes = -1;
+    ZQFileDescriptor m_notes;
     QString m_notesPath;
     std::mutex m_mutex;
     std::map<int, List> m_lists;

@@ -184,14 +184,9 @@ void TagFileWriter::replace(const QString &path, const QStringList &tags, const 
 }
 
 void TagFileWriter::writeTagsToFile(const QString &path, const QStringList &tags, const std::optional<QString> &notes,
-                                    std::function<void()> done, const std::optional<int> &rating)
+                                    const std::optional<int> &rating)
 {
-    m_queue.addOperationWithBlock([this, path, tags, notes, rating, done = std::move(done)] {
-        replace(path, tags, notes, rating);
-        if (done) {
-            done();
-        }
-    });
+    m_queue.addOperationWithBlock([this, path, tags, notes, rating] { replace(path, tags, notes, rating); });
 }
 
 void TagFileWriter::merge(const Merge &merge)
@@ -249,7 +244,7 @@ void TagFileWriter::mergeWithFile(Merge request)
             merge(request);
         }
         if (request.done) {
-            request.done();
+            request.done(request.path);
         }
     });
 }

@@ -21,10 +21,9 @@ public:
     ~TagFileWriter();
 
     // Queues the write and returns. Attributes that hold the same already are left alone. Notes of nothing leave the
-    // file's comment as it is, a rating of nothing its rating. Errors are logged and nobody waits for the answer;
-    // `done` is called on the queue's thread, whatever came of it.
+    // file's comment as it is, a rating of nothing its rating. Errors are logged and nobody waits for the answer.
     void writeTagsToFile(const QString &path, const QStringList &tags, const std::optional<QString> &notes,
-                         std::function<void()> done = {}, const std::optional<int> &rating = {});
+                         const std::optional<int> &rating = {});
 
     // The same for a file that the library keeps in step with: what other programs changed in it since the library last
     // wrote stays, and `adopt` hears of it, on the queue's thread.
@@ -39,7 +38,7 @@ public:
         bool isFirst = false;       // nothing was seen of this file before, whatever its attributes say
         std::function<void()> willTouch;
         std::function<void(const FileTagsChange &)> adopt;
-        std::function<void()> done;
+        std::function<void(const QString &path)> done; // an empty one: no file was found
     };
     void mergeWithFile(Merge merge);
 

@@ -25,6 +25,23 @@ QByteArray startOf(const ZQFileReference &reference)
     return start;
 }
 
+// Which file of its folder it is, where `found` is the one of its identity, if there is one.
+QByteArray pathInFolder(const ZQFileReference &reference, const QByteArray &found)
+{
+    if (!found.isEmpty()) {
+        const bool isAside = !reference.isFolder && reference.isPutAside(found.mid(found.lastIndexOf('/') + 1));
+        const auto newcomer = isAside ? zqLookAtFile(reference.path) : std::nullopt;
+        const auto aside = newcomer ? zqLookAtFile(found) : std::nullopt;
+        const bool wasReplaced = aside && !newcomer->isFolder &&
+                                 (zqAreOfOneSaving(*aside, *newcomer) || reference.isSuccessor(reference.path));
+        return wasReplaced ? reference.path : found;
+    }
+    if (reference.isFolder) {
+        return {}; // one that moved is found before another one at its old place is taken for it
+    }
+    return reference.isSuccessor(reference.path) ? reference.path : QByteArray();
+}
+
 } // namespace
 
 ZQFileFinder::ZQFileFinder()
@@ -40,40 +57,54 @@ ZQFileFinder &ZQFileFinder::shared()
 
 QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &reference, bool waits, const Moved &moved)
 {
-    const bool looksAround = waits || m_waits;
     if (zqIsFile(reference.path, reference.file)) {
         return reference.path;
     }
-    if (looksAround) {
-        waitUntilLookedFor(data);
-    }
-    const Stamp folder = stampOf(reference); // before the folder is read: what changes meanwhile is noticed next time
-    const auto before = known(data, folder);
-    if (before && (!before->path.isEmpty() || before->wasLookedForAround || !looksAround)) {
-        tell(data, before->path, moved);
-        return before->path;
-    }
-    const QByteArray near = before ? QByteArray() : findInFolder(reference);
-    if (!near.isEmpty()) {
-        return didFind(data, reference, near, folder, moved);
-    }
-    remember(data, {.until = trustedUntil(folder),
-                    .path = {},
-                    .identity = {},
-                    .folder = folder,
-                    .wasLookedForAround = false,
-                    .isTold = false});
-    const Wanted wanted{data, reference, moved};
-    if (!looksAround) {
-        findBeside(wanted);
+    if (lookFor({{data, reference, moved}}, waits) > 0) {
         return {};
     }
-    findAround({wanted}, m_inCallers);
-    {
-        const std::lock_guard lock(m_mutex);
-        didLookAround(data);
+    const QByteArray path = known(data, stampOf(reference)).value_or(Known()).path;
+    tell(data, path, moved);
+    return path;
+}
+
+qsizetype ZQFileFinder::lookFor(const QList<Wanted> &all, bool waits)
+{
+    const bool looksAround = waits || m_waits;
+    QHash<QByteArray, QList<Wanted>> folders;
+    QSet<QByteArray> seen;
+    QList<Wanted> missing;
+    for (const Wanted &wanted : all) {
+        if (seen.contains(wanted.data) || zqIsFile(wanted.reference.path, wanted.reference.file)) {
+            continue;
+        }
+        seen.insert(wanted.data);
+        if (looksAround) {
+            waitUntilLookedFor(wanted.data);
+        }
+        const auto before = known(wanted.data, stampOf(wanted.reference));
+        if (!before) {
+            folders[zqFolderOf(wanted.reference.path)].append(wanted);
+        } else if (before->path.isEmpty() && !before->wasLookedForAround && looksAround) {
+            missing.append(wanted);
+        }
     }
-    return known(data, folder).value_or(Known()).path;
+    for (auto folder = folders.cbegin(); folder != folders.cend(); ++folder) {
+        missing += findInFolder(folder.key(), folder.value());
+    }
+    if (missing.isEmpty()) {
+        return 0;
+    }
+    if (!looksAround) {
+        findBeside(missing);
+        return missing.size();
+    }
+    findAround(missing, m_inCallers);
+    const std::lock_guard lock(m_mutex);
+    for (const Wanted &wanted : std::as_const(missing)) {
+        didLookAround(wanted.data);
+    }
+    return 0;
 }
 
 ZQFileFinder::Stamp ZQFileFinder::stampOf(const ZQFileReference &reference)
@@ -135,12 +166,11 @@ void ZQFileFinder::remember(const QByteArray &data, const Known &known)
     }
 }
 
-QByteArray ZQFileFinder::didFind(const QByteArray &data, const ZQFileReference &reference, const QByteArray &path,
-                                 const Stamp &folder, const Moved &moved)
+bool ZQFileFinder::didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder)
 {
     const auto found = zqLookAtFile(path);
-    if (!found || found->isFolder != reference.isFolder) {
-        return {};
+    if (!found || found->isFolder != wanted.reference.isFolder) {
+        return false;
     }
     Known known{.until = {},
                 .path = path,
@@ -149,9 +179,9 @@ QByteArray ZQFileFinder::didFind(const QByteArray &data, const ZQFileReference &
                 .wasLookedForAround = true,
                 .isTold = false};
     known.identity.fileSystem = known.identity.birth == 0 ? zqFileSystemOf(path) : 0;
-    remember(data, known);
-    tell(data, path, moved);
-    return path;
+    remember(wanted.data, known);
+    tell(wanted.data, path, wanted.moved);
+    return true;
 }
 
 void ZQFileFinder::tell(const QByteArray &data, const QByteArray &path, const Moved &moved)
@@ -188,29 +218,38 @@ void ZQFileFinder::didLookAround(const QByteArray &data)
     }
 }
 
-QByteArray ZQFileFinder::findInFolder(const ZQFileReference &reference)
+QList<ZQFileFinder::Wanted> ZQFileFinder::findInFolder(const QByteArray &folder, const QList<Wanted> &wanted)
 {
-    const QByteArray found = ZQFileSearch({&reference}, m_inCallers)
-                                 .run(zqFolderOf(reference.path), ZQFileSearch::Reach::Folder)
-                                 .value(&reference);
-    if (!found.isEmpty()) {
-        const auto newcomer = zqLookAtFile(reference.path);
-        const bool wasReplaced = newcomer && !newcomer->isFolder && !reference.isFolder &&
-                                 reference.isPutAside(found.mid(found.lastIndexOf('/') + 1));
-        return wasReplaced ? reference.path : found;
+    const Stamp stamp = stampOf(wanted.first().reference); // before it is read: what changes meanwhile is noticed
+    QList<const ZQFileReference *> references;
+    for (const Wanted &each : wanted) {
+        references.append(&each.reference);
     }
-    if (reference.isFolder) {
-        return {}; // one that moved is found before another one at its old place is taken for it
+    const auto found = ZQFileSearch(references, m_inCallers).run(folder, ZQFileSearch::Reach::Folder);
+    QList<Wanted> missing;
+    for (const Wanted &each : wanted) {
+        const QByteArray path = pathInFolder(each.reference, found.value(&each.reference));
+        if (path.isEmpty()) {
+            remember(each.data, {.until = trustedUntil(stamp),
+                                 .path = {},
+                                 .identity = {},
+                                 .folder = stamp,
+                                 .wasLookedForAround = false,
+                                 .isTold = false});
+            missing.append(each);
+        } else {
+            didFind(each, path, stamp);
+        }
     }
-    return reference.isSuccessor(reference.path) ? reference.path : QByteArray();
+    return missing;
 }
 
 // Those of one folder are looked for in one go: with a folder all its files are gone.
-void ZQFileFinder::findAround(QList<Wanted> wanted, std::atomic<qint64> &looked)
+void ZQFileFinder::findAround(const QList<Wanted> &wanted, std::atomic<qint64> &looked)
 {
     QHash<QByteArray, QList<const ZQFileReference *>> groups; // by where to begin
     QHash<const ZQFileReference *, const Wanted *> owners;
-    for (const Wanted &each : std::as_const(wanted)) {
+    for (const Wanted &each : wanted) {
         groups[startOf(each.reference)].append(&each.reference);
         owners.insert(&each.reference, &each);
     }
@@ -218,7 +257,7 @@ void ZQFileFinder::findAround(QList<Wanted> wanted, std::atomic<qint64> &looked)
         const auto found = ZQFileSearch(missing, looked).run(start, ZQFileSearch::Reach::Below);
         for (auto place = found.constBegin(); place != found.constEnd(); ++place) {
             const Wanted &owner = *owners.value(place.key());
-            didFind(owner.data, owner.reference, place.value(), stampOf(owner.reference), owner.moved);
+            didFind(owner, place.value(), stampOf(owner.reference));
             missing.removeOne(place.key());
         }
     };
@@ -244,16 +283,18 @@ void ZQFileFinder::findAround(QList<Wanted> wanted, std::atomic<qint64> &looked)
     for (const ZQFileReference *reference : std::as_const(left)) {
         const Wanted &owner = *owners.value(reference);
         if (reference->isFolder && reference->isSuccessor(reference->path)) {
-            didFind(owner.data, *reference, reference->path, stampOf(*reference), owner.moved);
+            didFind(owner, reference->path, stampOf(*reference));
         }
     }
 }
 
-void ZQFileFinder::findBeside(const Wanted &wanted)
+void ZQFileFinder::findBeside(const QList<Wanted> &wanted)
 {
     const std::lock_guard lock(m_mutex);
-    m_wanted.append(wanted);
-    m_lookedFor.insert(wanted.data);
+    for (const Wanted &each : wanted) {
+        m_wanted.append(each);
+        m_lookedFor.insert(each.data);
+    }
     startWork();
 }
 

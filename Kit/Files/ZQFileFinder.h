@@ -29,6 +29,15 @@ public:
     // and what is being looked for on the thread is waited for rather than looked for twice. `moved` is called on the
     // thread, once for what is remembered as found elsewhere; it must not wait for a search.
     QByteArray find(const QByteArray &data, const ZQFileReference &reference, bool waits, const Moved &moved);
+    struct Wanted
+    {
+        QByteArray data;
+        ZQFileReference reference;
+        Moved moved;
+    };
+    // Does the work of `find` for many: each folder is read once for all that are missing from it, and what is in none
+    // is looked for in one go. What it found is remembered for the `find` of each. How many it left to the thread.
+    qsizetype lookFor(const QList<Wanted> &all, bool waits);
     // Has `moved` called again at the next `find`, when what it said could not be used.
     void tellAgain(const QByteArray &data);
     // From now on every `find` waits. Searches that run on the thread go on.
@@ -58,12 +67,6 @@ private:
         bool wasLookedForAround = false;
         bool isTold = false;
     };
-    struct Wanted
-    {
-        QByteArray data;
-        ZQFileReference reference;
-        Moved moved;
-    };
     struct Telling
     {
         QByteArray path;
@@ -82,11 +85,11 @@ private:
     void waitUntilLookedFor(const QByteArray &data);
     void didLookAround(const QByteArray &data); // with the lock
     void tell(const QByteArray &data, const QByteArray &path, const Moved &moved);
-    QByteArray didFind(const QByteArray &data, const ZQFileReference &reference, const QByteArray &path,
-                       const Stamp &folder, const Moved &moved);
-    QByteArray findInFolder(const ZQFileReference &reference);
-    void findAround(QList<Wanted> wanted, std::atomic<qint64> &looked);
-    void findBeside(const Wanted &wanted);
+    bool didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder);
+    // Those of them that are not in `folder`, where all of them were.
+    QList<Wanted> findInFolder(const QByteArray &folder, const QList<Wanted> &wanted);
+    void findAround(const QList<Wanted> &wanted, std::atomic<qint64> &looked);
+    void findBeside(const QList<Wanted> &wanted);
     void startWork(); // with the lock
     void work();
 

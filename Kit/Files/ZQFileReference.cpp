@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <chrono>
 #include <cstring>
 
 namespace {
@@ -24,7 +25,8 @@ constexpr quint8 formatNumber = 2;
 constexpr qsizetype longestReference = 16384;
 constexpr qsizetype longestDigest = 64;
 constexpr qint64 readAtEachEnd = 16384;
-constexpr std::size_t leastVariety = 128; // of byte values; the white margins of two pictures look the same
+constexpr std::size_t leastVariety = 128;        // of byte values; the white margins of two pictures look the same
+constexpr std::chrono::seconds longestSaving{5}; // of a large file
 constexpr const char *asideEndings[] = {"~", ".bak", ".backup", ".old", ".orig", "_original", "#"};
 
 qint64 nanoseconds(const statx_timestamp &time)
@@ -164,6 +166,12 @@ bool ZQFileReference::isPutAside(const QByteArray &name) const
     const QByteArray plain = name.startsWith('.') || name.startsWith('#') ? name.mid(1) : name;
     return std::any_of(std::begin(asideEndings), std::end(asideEndings),
                        [&](const char *ending) { return name == own + ending || plain == own + ending; });
+}
+
+bool zqAreOfOneSaving(const ZQFoundFile &putAside, const ZQFoundFile &newcomer)
+{
+    const qint64 made = newcomer.identity.birth != 0 ? newcomer.identity.birth : newcomer.modification;
+    return std::chrono::abs(std::chrono::nanoseconds(made - putAside.change)) <= longestSaving;
 }
 
 std::optional<ZQFoundFile> zqLookAtFile(const QByteArray &path)

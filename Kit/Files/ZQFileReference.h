@@ -55,6 +55,8 @@ struct ZQFoundFile
     qint64 modification = 0; // nanoseconds since 1970
     qint64 change = 0;       // the same, of its attributes
 };
+// Whether a file was put aside and its newcomer made in one go, as editors save; days later it is another file.
+bool zqAreOfOneSaving(const ZQFoundFile &putAside, const ZQFoundFile &newcomer);
 std::optional<ZQFoundFile> zqLookAtFile(const QByteArray &path); // links are not followed, nothing is mounted
 quint64 zqFileSystemOf(const QByteArray &path);
 bool zqIsFile(const QByteArray &path, const ZQFileIdentity &identity);

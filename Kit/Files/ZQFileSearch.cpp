@@ -33,15 +33,19 @@ QHash<const ZQFileReference *, QByteArray> ZQFileSearch::run(const QByteArray &s
     m_device = found->device;
     m_left = mostEntries;
     m_ahead = {start};
+    if (reach == Reach::Below) {
+        m_ahead.clear();
+        lookIn(start, reach, false); // where it was is looked through whole, however large it is
+    }
     while (!m_ahead.empty() && m_left > 0 && !m_wanted.isEmpty()) {
         const QByteArray folder = m_ahead.front();
         m_ahead.pop_front();
-        lookIn(folder, reach);
+        lookIn(folder, reach, true);
     }
     return m_found;
 }
 
-void ZQFileSearch::lookIn(const QByteArray &folder, Reach reach)
+void ZQFileSearch::lookIn(const QByteArray &folder, Reach reach, bool isCounted)
 {
     const std::unique_ptr<DIR, int (*)(DIR *)> directory(opendir(folder.constData()), closedir);
     while (directory && m_left > 0 && !m_wanted.isEmpty()) {
@@ -52,7 +56,7 @@ void ZQFileSearch::lookIn(const QByteArray &folder, Reach reach)
         if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) {
             continue;
         }
-        --m_left;
+        m_left -= isCounted ? 1 : 0;
         ++m_looked;
         const QByteArray path = below(folder, entry->d_name);
         for (const ZQFileReference *reference : m_wanted.values(entry->d_ino)) {

@@ -9,7 +9,8 @@
 #include <deque>
 
 // Looks for files by their identities in and below a folder, nearest folders first, opening only what may hold one.
-// Stays on the folder's volume and within a fixed number of entries, so it may end without an answer. Any thread.
+// Stays on the folder's volume and within a fixed number of entries, so it may end without an answer; those of the
+// folder it begins with do not count when it looks below, too. Any thread.
 class ZQFileSearch
 {
 public:
@@ -24,7 +25,7 @@ public:
     static constexpr int mostEntries = 6000; // around one start
 
 private:
-    void lookIn(const QByteArray &folder, Reach reach);
+    void lookIn(const QByteArray &folder, Reach reach, bool isCounted);
     void note(const QByteArray &path, quint64 inode);
 
     QMultiHash<quint64, const ZQFileReference *> m_wanted; // by inode

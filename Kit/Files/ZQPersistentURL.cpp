@@ -8,10 +8,16 @@
 
 namespace {
 
+std::optional<ZQFileReference> referenceOf(const QByteArray &data)
+{
+    auto reference = ZQFileReference::decoded(data);
+    return reference && !zqWouldMount(reference->path) ? std::move(reference) : std::nullopt;
+}
+
 QString resolved(const QByteArray &data, bool waits, const ZQFileFinder::Moved &moved)
 {
-    const auto reference = ZQFileReference::decoded(data);
-    if (!reference || zqWouldMount(reference->path)) {
+    const auto reference = referenceOf(data);
+    if (!reference) {
         return {};
     }
     return QFile::decodeName(ZQFileFinder::shared().find(data, *reference, waits, moved));
@@ -53,6 +59,17 @@ QString zqURLFromPersistentData(const QByteArray &data, const std::function<void
 QString zqFindPersistentURL(const QByteArray &data)
 {
     return resolved(data, true, {});
+}
+
+void zqLookForPersistentURLs(const QList<ZQPersistentURL> &all)
+{
+    QList<ZQFileFinder::Wanted> wanted;
+    for (const ZQPersistentURL &each : all) {
+        if (const auto reference = referenceOf(each.data)) {
+            wanted.append({each.data, *reference, each.moved});
+        }
+    }
+    ZQFileFinder::shared().lookFor(wanted, false);
 }
 
 void zqTellPersistentURLAgain(const QByteArray &data)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -30,6 +31,14 @@ QString zqURLFromPersistentData(const QByteArray &data, const std::function<void
 
 // The same for those who need the answer at once and can wait for it: up to some ten thousand entries of folders.
 QString zqFindPersistentURL(const QByteArray &data);
+// Looks for many before the functions above are called for each: what is not where it was is looked for in one go, each
+// folder once, beside the caller or not as these would. At most `zqMostPersistentURLs`, or the first are forgotten.
+struct ZQPersistentURL
+{
+    QByteArray data;
+    std::function<void(const QString &path)> moved;
+};
+void zqLookForPersistentURLs(const QList<ZQPersistentURL> &all);
 // Has `moved` called anew the next time, when the reference could not be renewed.
 void zqTellPersistentURLAgain(const QByteArray &data);
 // For a process whose caller can always wait, as a command has no window: both functions are the same then.

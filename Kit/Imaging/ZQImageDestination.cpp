@@ -1,14 +1,13 @@
 #include "Kit/Imaging/ZQImageDestination.h"
 
+#include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImagingError.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 #include "Kit/Imaging/ZQVips.h"
 
 #include <QFile>
-#include <QRandomGenerator>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -49,45 +48,22 @@ ZQVipsImage vipsImageOf(const QByteArray &pixels, QSize size, Bands bands)
                                                   size.height(), int(bands), VIPS_FORMAT_UCHAR));
 }
 
-bool writeAll(int file, const char *bytes, size_t size)
-{
-    while (size > 0) {
-        const ssize_t written = ::write(file, bytes, size);
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        bytes += written;
-        size -= size_t(written);
-    }
-    return true;
-}
-
 // Written beside its place and renamed into it, so that nobody sees half of it.
 bool writeFile(const QString &path, const void *bytes, size_t size, ZQError *error)
 {
     const QByteArray target = QFile::encodeName(path);
-    const QByteArray temporary = target + '.' + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
-    const int file = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    bool done = file >= 0 && writeAll(file, static_cast<const char *>(bytes), size);
-    int failure = done ? 0 : errno;
-    if (file >= 0 && ::close(file) != 0 && done) {
-        done = false;
-        failure = errno;
+    const QByteArray temporary = zqTemporaryNameBeside(target);
+    ZQFileDescriptor file(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file.isOpen()) {
+        return zqFailWithErrno(error, target);
     }
-    if (done && ::rename(temporary.constData(), target.constData()) != 0) {
-        done = false;
-        failure = errno;
+    if (!zqWriteAll(file.get(), static_cast<const char *>(bytes), qint64(size)) || !file.close() ||
+        ::rename(temporary.constData(), target.constData()) != 0) {
+        zqFailWithErrno(error, target);
+        ::unlink(temporary.constData());
+        return false;
     }
-    if (!done) {
-        if (file >= 0) {
-            ::unlink(temporary.constData());
-        }
-        zqSetError(error, ZQError::posix(failure, path));
-    }
-    return done;
+    return true;
 }
 
 bool refuseNull(const ZQBitmap &bitmap, const QString &path, ZQError *error)

@@ -121,7 +121,6 @@ void ZQRenderPool::close()
     }
     m_keeperCalled.notify_all();
     m_changed.notify_all();
-    m_changed.wait_for(lock, std::chrono::seconds(2), [this] { return m_busy.empty(); });
     lock.unlock();
     m_keeper.join();
     lock.lock();
@@ -162,6 +161,8 @@ void ZQRenderPool::keep()
         expired.clear();
         lock.lock();
     }
+    // The workers end with the thread that started them, which would look as if memory had run out.
+    m_changed.wait_for(lock, std::chrono::seconds(2), [this] { return m_busy.empty(); });
 }
 
 void ZQRenderPool::startOne(std::unique_lock<std::mutex> &lock)

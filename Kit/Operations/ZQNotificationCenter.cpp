@@ -30,15 +30,7 @@ void ZQNotificationCenter::Private::deliver(const ZQNotification &notification)
     std::vector<std::weak_ptr<Observer>> current;
     {
         const std::lock_guard lock(mutex);
-        const auto found = observers.find(notification.name);
-        if (found == observers.end()) {
-            return;
-        }
-        std::erase_if(*found, [](const auto &observer) { return observer.expired(); });
-        current = *found;
-        if (found->empty()) {
-            observers.erase(found);
-        }
+        current = observers.value(notification.name);
     }
     for (const auto &weak : current) {
         // An observer whose token was destroyed by an earlier one is not called; one that destroys its own lives until
@@ -102,9 +94,6 @@ void ZQNotificationCenter::enqueueWhenIdle(const QString &name, const void *obje
             }
         }
         d->waitingForIdle.push_back({name, object, userInfo});
-        if (d->waitingForIdle.size() > 1) {
-            return;
-        }
     }
     // A timer of no time fires once no event is left.
     zqOnMainThread(

@@ -223,7 +223,6 @@ void ZQOperation::setFinished(bool finished)
         d->isAnnounced = true;
         d->announcer = {};
         hooks.swap(d->finishHooks);
-        d->readinessHooks.clear();
         d->announced.notify_all();
     }
     for (const auto &hook : hooks) {

@@ -109,8 +109,10 @@ bool Private::correct(const ZQFetchRequest &request, bool isOrdered, ZQFetchQuer
     if (!request.includesPendingChanges || (inserted.isEmpty() && updated.isEmpty() && deleted.isEmpty())) {
         return true;
     }
+    const quint64 failedBefore = failedReads;
     ZQPendingCorrection correction;
-    if (!ZQPendingChanges(*this, request, query, isOrdered).findCorrection(correction, error)) {
+    if (!ZQPendingChanges(*this, request, query, isOrdered).findCorrection(correction, error) ||
+        hasReadFailed(failedBefore, error)) {
         return false;
     }
     if (!correction.excluded.isEmpty()) {
@@ -187,7 +189,10 @@ std::optional<QList<ZQRef<ZQManagedObject>>> ZQManagedObjectContext::executeFetc
     if (changed.isEmpty()) {
         return objects;
     }
-    return window(merged(objects, changed, d->placesAmong(idsOf(objects), changed, request.sortDescriptors)), request);
+    const quint64 failedBefore = d->failedReads;
+    const QList<qsizetype> places = d->placesAmong(idsOf(objects), changed, request.sortDescriptors);
+    return d->hasReadFailed(failedBefore, error) ? std::nullopt
+                                                 : std::optional(window(merged(objects, changed, places), request));
 }
 
 std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQFetchRequest &request, ZQError *error)
@@ -214,7 +219,10 @@ std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQ
     if (changed.isEmpty()) {
         return ids;
     }
-    return window(merged(ids, idsOf(changed), d->placesAmong(ids, changed, request.sortDescriptors)), request);
+    const quint64 failedBefore = d->failedReads;
+    const QList<qsizetype> places = d->placesAmong(ids, changed, request.sortDescriptors);
+    return d->hasReadFailed(failedBefore, error) ? std::nullopt
+                                                 : std::optional(window(merged(ids, idsOf(changed), places), request));
 }
 
 std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(const ZQFetchRequest &request,

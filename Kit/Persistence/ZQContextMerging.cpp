@@ -222,6 +222,11 @@ ZQManagedObjectContext::Token Private::addObserver(Observers &observers, Observe
     return token;
 }
 
+ZQManagedObjectContext::Token ZQManagedObjectContext::observeWillSave(std::function<void()> observer)
+{
+    return Private::addObserver(d->willSaveObservers, [observer = std::move(observer)](const auto &) { observer(); });
+}
+
 ZQManagedObjectContext::Token
 ZQManagedObjectContext::observeDidSave(std::function<void(const ZQContextDidSave &)> observer)
 {

@@ -121,9 +121,6 @@ bool Private::selectRows(Root &root, const QList<qint64> &keys, const std::funct
         ZQSQLiteStatement select = prepare(QStringLiteral("SELECT %1 FROM %2 t WHERE t.\"id\" IN (%3)")
                                                .arg(root.plan->selection, zqQuoted(root.plan->entity->tableName),
                                                     QStringList(places, QStringLiteral("?")).join(u',')));
-        if (!select.isValid()) {
-            return false;
-        }
         for (qsizetype i = 0; i < places; ++i) {
             select.bind(int(i), keys.at(start + std::min(i, count - 1)));
         }
@@ -131,6 +128,7 @@ bool Private::selectRows(Root &root, const QList<qint64> &keys, const std::funct
             visit(select);
         }
         if (select.failed()) {
+            ++failedReads;
             const ZQError failure = storeError();
             if (failure.code != int(ZQStoreError::Cancelled)) {
                 qCWarning(zqLogStore, "reading rows failed: %s", qUtf8Printable(failure.localizedDescription()));

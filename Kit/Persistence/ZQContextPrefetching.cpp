@@ -42,6 +42,7 @@ bool Private::storedKeysOf(const ZQRelationshipDescription &forward, const QList
     while (select.next()) {
         stored[select.int64(0)].append(select.int64(1));
     }
+    failedReads += select.failed() ? 1 : 0;
     return !select.failed();
 }
 

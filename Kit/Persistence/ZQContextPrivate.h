@@ -71,6 +71,8 @@ struct ZQManagedObjectContext::Private
 
     void assertThread() const;
     ZQError storeError() const; // of the last failed statement
+    // Whether a read failed after there were `before`: what was looked at in memory may then have been looked at empty.
+    bool hasReadFailed(quint64 before, ZQError *error) const;
     ZQSQLiteStatement prepare(const QString &sql);
     ZQObjectID
     idForURI(const QString &uri) const; // null when it names nothing there can be; saved ones are not looked up
@@ -167,7 +169,7 @@ struct ZQManagedObjectContext::Private
     bool noteNeighboursOfDeleted(ZQSaveWork &work);
     bool writeJoins(ZQSaveWork &work);
     bool clearDanglingReferences(ZQSaveWork &work);
-    bool rowExists(const ZQEntityDescription *entity, qint64 key);
+    std::optional<bool> rowExists(const ZQEntityDescription *entity, qint64 key); // nothing after an error
     void applySave(ZQSaveWork &work, ZQContextDidSave &notification, ZQContextDidSave &announcement);
     void replaceTemporaryKeys(const ZQSaveWork &work, ZQManagedObject *object);
 
@@ -184,8 +186,9 @@ struct ZQManagedObjectContext::Private
     ZQMergePolicy mergePolicy;
     std::thread::id thread = std::this_thread::get_id();
     std::shared_ptr<const ZQModelPlan> plan;
-    std::unique_ptr<ZQSQLiteConnection> connection; // null when the store could not be reached
     ZQError connectionError;
+    std::unique_ptr<ZQSQLiteConnection> connection; // null when the store could not be reached
+    quint64 failedReads = 0;                        // of rows and lists, whoever needed them
 
     std::vector<std::unique_ptr<Root>> roots;
     QHash<const ZQEntityDescription *, Root *> rootsByEntity;
@@ -198,6 +201,7 @@ struct ZQManagedObjectContext::Private
     ZQIDList newlyUpdated;
     ZQIDList newlyDeleted;
     QSet<ZQObjectID> announcedTemporary;
+    Observers willSaveObservers;
     Observers didSaveObservers;
     Observers didChangeObservers;
 };

@@ -177,6 +177,7 @@ std::optional<QList<qint64>> Private::storedKeys(const ZQManagedObject *object, 
         keys.append(select.int64(0));
     }
     if (select.failed()) {
+        ++failedReads;
         const ZQError failure = storeError();
         if (failure.code != int(ZQStoreError::Cancelled)) {
             qCWarning(zqLogStore, "reading the list \"%s\" failed: %s", qUtf8Printable(forward.name),

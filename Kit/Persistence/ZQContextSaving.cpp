@@ -47,6 +47,7 @@ bool ZQManagedObjectContext::save(ZQError *error)
         d->lastTouched = nullptr;
         return true;
     }
+    Private::notify(d->willSaveObservers, {});
     if (!d->write(work, error)) {
         return false;
     }

@@ -40,9 +40,6 @@ bool Private::insertRows(ZQSaveWork &work)
     }
     for (const auto &[entityPlan, objects] : byEntity) {
         ZQSQLiteStatement insert = prepare(entityPlan->insertStatement);
-        if (!insert.isValid()) {
-            return false;
-        }
         for (ZQManagedObject *object : objects) {
             insert.bind(0, work.permanent(object->m_key));
             insert.bind(1, entityPlan->entity->code);
@@ -110,9 +107,6 @@ bool Private::updateColumns(ZQSaveWork &work, ZQManagedObject *object, std::opti
         sql += QStringLiteral(" AND \"version\" = ?");
     }
     ZQSQLiteStatement update = prepare(sql);
-    if (!update.isValid()) {
-        return false;
-    }
     int parameter = 0;
     for (const ZQPlanColumn &column : entityPlan.columns) {
         if (!((object->m_changed >> column.field) & 1U)) {
@@ -151,8 +145,14 @@ bool Private::deleteRows(ZQSaveWork &work)
         if (!remove.run()) {
             return false;
         }
-        // A row that somebody else deleted already is as it should be.
-        if (isChecked && connection->changedRows() == 0 && rowExists(object->m_entity, object->m_key)) {
+        if (!isChecked || connection->changedRows() > 0) {
+            continue;
+        }
+        const auto isThere = rowExists(object->m_entity, object->m_key);
+        if (!isThere) {
+            return false;
+        }
+        if (*isThere) { // a row that somebody else deleted already is as it should be
             work.conflicts.append(object->objectID());
         }
     }
@@ -237,12 +237,13 @@ bool Private::writeJoins(ZQSaveWork &work)
     return true;
 }
 
-bool Private::rowExists(const ZQEntityDescription *entity, qint64 key)
+std::optional<bool> Private::rowExists(const ZQEntityDescription *entity, qint64 key)
 {
     ZQSQLiteStatement select =
         prepare(QStringLiteral("SELECT 1 FROM %1 WHERE \"id\" = ?").arg(zqQuoted(entity->tableName)));
     select.bind(0, key);
-    return select.next();
+    const bool isThere = select.next();
+    return select.failed() ? std::nullopt : std::optional(isThere);
 }
 
 // Something written here refers to a row that others deleted: a conflict, or a reference to be dropped.
@@ -254,7 +255,11 @@ bool Private::clearDanglingReferences(ZQSaveWork &work)
             for (size_t i = 0; i < object->m_entity->relationships.size(); ++i) {
                 const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
                 const qint64 target = forward.toMany ? 0 : work.permanent(toOneKey(object.get(), int(i)));
-                if (target == 0 || rowExists(forward.destination, target)) {
+                const auto isThere = target == 0 ? std::optional(true) : rowExists(forward.destination, target);
+                if (!isThere) {
+                    return false;
+                }
+                if (*isThere) {
                     continue;
                 }
                 if (mergePolicy == ZQMergePolicy::Error) {

@@ -120,6 +120,15 @@ ZQError ZQManagedObjectContext::Private::storeError() const
     return error;
 }
 
+bool ZQManagedObjectContext::Private::hasReadFailed(quint64 before, ZQError *error) const
+{
+    if (failedReads == before) {
+        return false;
+    }
+    zqSetError(error, storeError());
+    return true;
+}
+
 void ZQManagedObjectContext::setFetchesAreCancellable(bool areCancellable)
 {
     d->assertThread();

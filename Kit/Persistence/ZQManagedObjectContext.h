@@ -139,6 +139,8 @@ public:
 
     // Observers are called on this context's thread and live until their token is destroyed or reset.
     using Token = std::shared_ptr<void>;
+    // Before a save that has something to write, also one that fails then.
+    [[nodiscard]] Token observeWillSave(std::function<void()> observer);
     [[nodiscard]] Token observeDidSave(std::function<void(const ZQContextDidSave &)> observer);
     // After processPendingChanges, a save or a merge: what became different in this context, temporary identifiers
     // included.

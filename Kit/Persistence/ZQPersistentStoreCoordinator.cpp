@@ -139,6 +139,9 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
     if (!metadata) {
         return false;
     }
+    if (!metadata->isFormKnown) {
+        return failed(); // or it would be taken for an older one, and migrated
+    }
     m_storeUUID = metadata->storeUUID;
     if (!checkAfterUncleanEnd(connection, error)) {
         return false;

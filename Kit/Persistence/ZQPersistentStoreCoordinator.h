@@ -21,6 +21,7 @@ struct ZQStoreMetadata
     QStringList versionIdentifiers;
     QHash<QString, QByteArray> entityVersionHashes;
     QByteArray modelJSON;
+    bool isFormKnown = true;     // false: versions, hashes or model could not be read
     QStringList pendingVersions; // see `ZQPersistentStoreCoordinator::pendingVersions`
 };
 

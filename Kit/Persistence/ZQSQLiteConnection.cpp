@@ -410,9 +410,6 @@ bool ZQSQLiteConnection::execute(const QString &sql)
 QVariant ZQSQLiteConnection::value(const QString &sql, const QVariantList &bindings)
 {
     ZQSQLiteStatement statement = prepare(sql);
-    if (!statement.isValid()) {
-        return {};
-    }
     statement.bindVariants(0, bindings);
     return statement.next() ? statement.variant(0) : QVariant();
 }

@@ -243,9 +243,6 @@ bool Migration::copyEntity(const ZQEntityDescription &to, const ZQEntityDescript
                                  .arg(zqQuoted(to.tableName), columns.join(QStringLiteral(", ")),
                                       expressions.join(QStringLiteral(", ")), aside(from.tableName))
                                  .arg(from.code));
-    if (!copy.isValid()) {
-        return false;
-    }
     copy.bindVariants(0, bindings);
     return copy.run();
 }
@@ -261,11 +258,10 @@ bool Migration::copyEntities()
     for (const ZQEntityDescription *root : zqRootEntities(m_to)) {
         const ZQEntityDescription *old = m_old.value(root);
         if (old && old->root->tableName != root->tableName) {
-            const QVariant last = m_connection.value(
-                QStringLiteral("SELECT \"last\" FROM \"zq_sequence\" WHERE \"name\" = ?"), {old->root->tableName});
-            ZQSQLiteStatement write =
-                m_connection.prepare(QStringLiteral("INSERT OR REPLACE INTO \"zq_sequence\" VALUES (?, ?)"));
-            write.bindVariants(0, {root->tableName, last.toLongLong()});
+            ZQSQLiteStatement write = m_connection.prepare(
+                QStringLiteral("INSERT OR REPLACE INTO \"zq_sequence\" SELECT ?, \"last\" FROM \"zq_sequence\" "
+                               "WHERE \"name\" = ?"));
+            write.bindVariants(0, {root->tableName, old->root->tableName});
             if (!write.run()) {
                 return false;
             }
@@ -366,7 +362,10 @@ bool Migration::notePending()
     QStringList lastKeys;
     for (const ZQEntityDescription *root : zqRootEntities(m_to)) {
         const QVariant highest =
-            m_connection.value(QStringLiteral("SELECT max(\"id\") FROM ") + zqQuoted(root->tableName));
+            m_connection.value(QStringLiteral("SELECT ifnull(max(\"id\"), 0) FROM ") + zqQuoted(root->tableName));
+        if (!highest.isValid()) {
+            return false; // all that is there would count as new
+        }
         lastKeys.append(QStringLiteral("%1=%2").arg(root->tableName).arg(highest.toLongLong()));
     }
     return zqWriteMetadata(m_connection, zqLastKeysKey, lastKeys.join(u'\n')) &&
@@ -444,6 +443,10 @@ bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metad
         QFile::remove(copy);
         return false;
     }
-    return connection.execute(
-        QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY"));
+    if (!connection.execute(
+            QStringLiteral("PRAGMA legacy_alter_table=OFF; PRAGMA foreign_keys=ON; PRAGMA temp_store=MEMORY"))) {
+        zqSetError(error, connection.error());
+        return false;
+    }
+    return true;
 }

@@ -57,9 +57,6 @@ bool Recovery::scan(const QString &sql, const QVariantList &bindings,
                     const std::function<void(ZQSQLiteStatement &)> &row)
 {
     ZQSQLiteStatement statement = m_damaged.prepare(sql);
-    if (!statement.isValid()) {
-        return false;
-    }
     statement.bindVariants(0, bindings);
     while (statement.next()) {
         row(statement);
@@ -120,7 +117,7 @@ bool Recovery::copyRows(const ZQEntityDescription *root, const QStringList &colu
     const QString places = QStringList(columns.size(), QStringLiteral("?")).join(u',');
     ZQSQLiteStatement insert =
         m_sound.prepare(QStringLiteral("INSERT OR IGNORE INTO %1 (%2) VALUES (%3)").arg(table, list, places));
-    bool isWritten = insert.isValid();
+    bool isWritten = true;
     qint64 lastRead = 0;
     const auto copy = [&](ZQSQLiteStatement &row) {
         lastRead = row.int64(0);
@@ -194,7 +191,7 @@ bool Recovery::copyJoin(const ZQJoinTable &join)
     const QString table = zqQuoted(join.relationship->joinTable);
     ZQSQLiteStatement insert =
         m_sound.prepare(QStringLiteral("INSERT OR IGNORE INTO %1 (%2, %3) VALUES (?, ?)").arg(table, own, other));
-    bool isWritten = insert.isValid();
+    bool isWritten = true;
     const auto copy = [&](ZQSQLiteStatement &row) {
         insert.bind(0, row.int64(0));
         insert.bind(1, row.int64(1));

@@ -146,9 +146,6 @@ bool zqWriteMetadata(ZQSQLiteConnection &connection, const QString &key, const Q
 {
     ZQSQLiteStatement statement =
         connection.prepare(QStringLiteral("INSERT OR REPLACE INTO \"zq_metadata\" VALUES (?, ?)"));
-    if (!statement.isValid()) {
-        return false;
-    }
     statement.bindVariants(0, {key, value});
     return statement.run();
 }
@@ -157,9 +154,6 @@ std::optional<QVariant> zqReadMetadata(ZQSQLiteConnection &connection, const QSt
 {
     ZQSQLiteStatement statement =
         connection.prepare(QStringLiteral("SELECT \"value\" FROM \"zq_metadata\" WHERE \"key\" = ?"));
-    if (!statement.isValid()) {
-        return std::nullopt;
-    }
     statement.bindVariants(0, {key});
     const bool isThere = statement.next();
     if (statement.failed()) {
@@ -177,9 +171,12 @@ bool zqWriteModelMetadata(ZQSQLiteConnection &connection, const ZQManagedObjectM
 
 std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connection, ZQError *error)
 {
+    ZQStoreMetadata metadata;
     // A damaged store is to say as much of itself as it can.
     const auto read = [&](const QString &key) {
-        return zqReadMetadata(connection, key).value_or(QVariant()).toString();
+        const auto value = zqReadMetadata(connection, key);
+        metadata.isFormKnown = metadata.isFormKnown && value;
+        return value.value_or(QVariant()).toString();
     };
     const QVariant tables =
         connection.value(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = 'zq_metadata'"));
@@ -187,7 +184,6 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
         zqSetError(error, connection.error());
         return std::nullopt;
     }
-    ZQStoreMetadata metadata;
     if (tables.toInt() == 1) {
         metadata.storeUUID = QUuid::fromString(read(QStringLiteral("uuid")));
     }
@@ -206,8 +202,9 @@ std::optional<ZQStoreMetadata> zqReadStoreMetadata(ZQSQLiteConnection &connectio
     for (auto entry = object.constBegin(); entry != object.constEnd(); ++entry) {
         metadata.entityVersionHashes.insert(entry.key(), entry.value().toString().toLatin1());
     }
-    metadata.pendingVersions = read(zqPendingVersionsKey).split(u'\n', Qt::SkipEmptyParts);
     metadata.modelJSON = read(QStringLiteral("model")).toUtf8();
+    const auto pending = zqReadMetadata(connection, zqPendingVersionsKey);
+    metadata.pendingVersions = pending.value_or(QVariant()).toString().split(u'\n', Qt::SkipEmptyParts);
     return metadata;
 }
 

@@ -12,6 +12,23 @@
 
 #include <QFileInfo>
 
+namespace {
+
+// What is called when the file of an item is found elsewhere.
+std::function<void(const QString &path)> renewalOf(const ZQObjectID &item, const QByteArray &reference)
+{
+    return [item, reference](const QString &path) {
+        const QByteArray renewed = zqDataForPersistentURL(path); // here, since it reads the file
+        zqOnMainThread([item, reference, renewed] {
+            if (!ZQLibraryEnvironment::current().fileOfItemDidMove(item, reference, renewed)) {
+                zqTellPersistentURLAgain(reference);
+            }
+        });
+    };
+}
+
+} // namespace
+
 ZQFetched<ZQLibraryBaseItem> ZQLibraryBaseItem::libraryItemsWithSHA1(const QString &SHA1,
                                                                      ZQManagedObjectContext &context)
 {
@@ -145,25 +162,19 @@ QString ZQLibraryBaseItem::itemURL() const
         return managedItemURL();
     }
     const QByteArray reference = itemURLData();
-    return reference.isEmpty()
-               ? QString()
-               : zqURLFromPersistentData(reference, [id = objectID(), reference](const QString &path) {
-                     const QByteArray renewed = zqDataForPersistentURL(path); // here, since it reads the file
-                     zqOnMainThread([id, reference, renewed] {
-                         if (!ZQLibraryEnvironment::current().fileOfItemDidMove(id, reference, renewed)) {
-                             zqTellPersistentURLAgain(reference);
-                         }
-                     });
-                 });
+    return reference.isEmpty() ? QString() : zqURLFromPersistentData(reference, renewalOf(objectID(), reference));
 }
 
 void ZQLibraryBaseItem::lookForFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
+    QList<ZQPersistentURL> references;
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        if (!item->managed()) {
-            item->itemURL();
+        const QByteArray reference = !item || item->managed() ? QByteArray() : item->itemURLData();
+        if (!reference.isEmpty()) {
+            references.append({reference, renewalOf(item->objectID(), reference)});
         }
     }
+    zqLookForPersistentURLs(references);
 }
 
 QString ZQLibraryBaseItem::findItemURL() const

@@ -528,6 +528,72 @@ TEST_F(LibraryItem, BecomesJSONByAttributeName)
     EXPECT_EQ(json[QStringLiteral("entity")].toString(), QStringLiteral("ZQLibraryImage"));
 }
 
+TEST_F(LibraryItem, SaysWhereItIsAndHowLargeItIs)
+{
+    const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), "12345");
+    const auto folder = liveFolder(QStringLiteral("live"));
+    const auto project = context.insertNewObject<ZQSidebarProject>();
+    const auto tag = context.insertNewObject<ZQSidebarTag>();
+    const auto deletedTag = context.insertNewObject<ZQSidebarTag>();
+    deletedTag->setActive(false);
+    EXPECT_TRUE(item->sidebarItems().isEmpty());
+    project->addItem(item.get());
+    item->addTagsObject(tag.get());
+    item->addTagsObject(deletedTag.get());
+    EXPECT_EQ(item->sidebarItems(), (QList<ZQRef<ZQSidebarBaseItem>>{project, tag, deletedTag}));
+    item->setWatchingFolder(folder.get());
+    EXPECT_EQ(item->sidebarItems(), (QList<ZQRef<ZQSidebarBaseItem>>{project, tag, deletedTag, folder}));
+    EXPECT_EQ(item->itemTagsSet(), QSet<ZQRef<ZQSidebarTag>>{tag});
+    EXPECT_EQ(item->byteSize(), 5);
+    const std::tuple<int, int, QString> sizes[] = {
+        {3, 2, QString::fromUtf8("3 × 2")}, {1, 1, QString::fromUtf8("1 × 1")}, {0, 2, {}}, {3, 0, {}}, {-1, 2, {}}};
+    for (const auto &[width, height, text] : sizes) {
+        item->setPixelWidth(width);
+        item->setPixelHeight(height);
+        EXPECT_EQ(item->pixelSizeString(), text);
+    }
+    ASSERT_TRUE(QFile::remove(item->itemURL()));
+    EXPECT_EQ(item->byteSize(), 0);
+    item->setTitle({});
+    EXPECT_EQ(item->byteSize(), 0) << "it has no place";
+    ZQError error;
+    EXPECT_TRUE(item->exportImageRep(&error).isNull());
+    EXPECT_FALSE(error.isNull());
+}
+
+TEST_F(LibraryItem, AFileWithoutOneOfTagsCommentAndRatingLeavesThatAsItWas)
+{
+    // Reads what each case has; nothing is there for the others.
+    struct Reading : ScratchLibrary
+    {
+        std::optional<QStringList> userTagsOfFile(const QString &) override { return readTags; }
+        std::optional<QString> commentOfFile(const QString &) override { return readComment; }
+        std::optional<int> ratingOfFile(const QString &) override { return readRating; }
+        std::optional<QStringList> readTags;
+        std::optional<QString> readComment;
+        std::optional<int> readRating;
+    } reading;
+    const ZQFileTags present{{QStringLiteral("old")}, QStringLiteral("old"), 3};
+    for (int bits = 0; bits < 8; ++bits) {
+        SCOPED_TRACE(bits);
+        reading.readTags = bits & 1 ? std::optional(QStringList{QStringLiteral("new")}) : std::nullopt;
+        reading.readComment = bits & 2 ? std::optional(QStringLiteral("new")) : std::nullopt;
+        reading.readRating = bits & 4 ? std::optional(1) : std::nullopt;
+        const auto tags = reading.tagsAfterReadingFile(QStringLiteral("/x"), present);
+        EXPECT_EQ(tags.has_value(), bits != 0);
+        if (tags) {
+            EXPECT_EQ(tags->tags, bits & 1 ? *reading.readTags : present.tags);
+            EXPECT_EQ(tags->comment, bits & 2 ? QStringLiteral("new") : present.comment);
+            EXPECT_EQ(tags->rating, bits & 4 ? 1 : 3);
+        }
+    }
+    ZQLibraryEnvironment::setCurrent(nullptr);
+    ZQLibraryEnvironment &none = ZQLibraryEnvironment::current();
+    EXPECT_TRUE(none.libraryDirectory().isEmpty() && none.libraryPathForFilePath(QStringLiteral("/x")).isEmpty());
+    EXPECT_FALSE(none.writesTagsToFiles() || none.tagsAfterReadingFile(QStringLiteral("/x"), present));
+    ZQLibraryEnvironment::setCurrent(&library);
+}
+
 TEST_F(LibraryItem, DescribesItsPlaces)
 {
     const auto item = library.addImage(QStringLiteral("logo"));

@@ -3,6 +3,7 @@
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Models/DataModel/ZQSidebarTag.h"
+#include "Tests/Kit/Persistence/FailingCalls.h"
 #include "Tests/Support/ScratchLibrary.h"
 
 #include <gtest/gtest.h>
@@ -195,6 +196,58 @@ TEST_F(Memberships, AreNotGuessedWhereTheStoreCannotBeRead)
     EXPECT_EQ(places(*project), before);
     EXPECT_TRUE(project->restoreItems({newcomer, returning}, {0, 1}));
     EXPECT_EQ(project->orderOfItem(returning.get()), 2) << "one place taken, and what followed moved up";
+}
+
+TEST_F(Memberships, ChangeWhollyOrNotAtAllWhicheverReadFails)
+{
+    struct
+    {
+        const char *name;
+        std::function<bool(ZQSidebarProject &project, const Items &members, const Items &others, ZQError *error)>
+            change;
+    } const cases[] = {
+        {"at the end", [](auto &project, auto &, auto &others, ZQError *) { return project.addItem(others[0].get()); }},
+        {"at a place",
+         [](auto &project, auto &, auto &others, ZQError *) { return project.addItem(others[0].get(), 2); }},
+        {"many at the end",
+         [](auto &project, auto &, auto &others, ZQError *error) { return project.addItems(others, {}, error); }},
+        {"many at places",
+         [](auto &project, auto &, auto &others, ZQError *error) {
+             return project.addItems(others, {1, 4}, error);
+         }},
+        {"returning",
+         [](auto &project, auto &, auto &others, ZQError *error) {
+             return project.restoreItems(others, {2, 9}, error);
+         }},
+        {"removed", [](auto &project, auto &members, auto &, ZQError *) { return project.removeItems(members), true; }},
+    };
+    projectOf(5);
+    for (const auto &each : cases) {
+        QList<std::pair<QString, qint32>> whole;
+        forEachFailingCall([&](int number) {
+            SCOPED_TRACE(testing::Message() << each.name << ", call " << number);
+            const auto project = reopened();
+            const auto before = places(*project);
+            const Items members = project->items().mid(1, 2);
+            const Items others = makeItems(2);
+            ZQError error;
+            int count = 0;
+            bool isDone = false;
+            {
+                const FailingCalls failing(FailingCalls::Kind::Database, number);
+                isDone = each.change(*project, members, others, &error);
+                count = failing.count();
+            }
+            EXPECT_TRUE(isDone || number > 0);
+            const auto now = places(*project);
+            whole = number == 0 ? now : whole;
+            EXPECT_TRUE(isDone ? now == whole || (number > 0 && now == before && each.name == QByteArray("removed"))
+                               : now == before);
+            EXPECT_NE(whole, before);
+            context().rollback();
+            return count;
+        });
+    }
 }
 
 // The members before the place are not even read; what comes out is as if all had been.

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace {
 
 class Sidebar : public testing::Test
@@ -290,6 +292,32 @@ TEST_F(Sidebar, PlacesChildrenByIndexAndNeverBelowThemselves)
     folder->addChild(children.at(2).get(), 0);
     EXPECT_EQ(order(), QStringLiteral("c0b1a2"));
 
+    const auto fresh = context.insertNewObject<ZQSidebarProject>();
+    fresh->setTitle(QStringLiteral("n"));
+    struct
+    {
+        std::array<int, 3> orders;
+        quint32 index;
+        const char *expected;
+    } const places[] = {{{0, 1, 2}, 0, "n0c1b2a3"}, {{0, 1, 2}, 3, "c0b1a2n3"}, {{0, 1, 2}, 9, "c0b1a2n3"},
+                        {{0, 1, 5}, 2, "c0b1n2a6"}, {{0, 5, 6}, 2, "c0b1n2a3"}, {{0, 0, 1}, 1, "b0n1c2a3"},
+                        {{0, 1, 1}, 2, "c0a1n2b3"}, {{2, 3, 4}, 1, "c0n1b2a3"}, {{-1, 0, 1}, 2, "c0b1n2a3"},
+                        {{0, 1, 2}, 2, "c0b1n2a3"}, {{5, 6, 7}, 0, "n0c6b7a8"}};
+    for (const auto &place : places) {
+        fresh->removeFromFather();
+        for (size_t i = 0; i < 3; ++i) {
+            children.at(std::array{2, 1, 0}[i])->setOrder(place.orders[i]);
+        }
+        folder->addChild(fresh.get(), place.index);
+        EXPECT_EQ(order().toStdString(), place.expected) << place.index;
+    }
+    fresh->removeFromFather();
+    folder->reorderChildren();
+    EXPECT_EQ(order(), QStringLiteral("c0b1a2"));
+    folder->addChild(nullptr, 0);
+    folder->addChild(folder.get(), 0);
+    EXPECT_EQ(order(), QStringLiteral("c0b1a2"));
+
     const auto inner = context.insertNewObject<ZQSidebarFolder>();
     folder->appendChild(inner.get());
     inner->addChild(folder.get(), 0);
@@ -370,6 +398,21 @@ TEST_F(Sidebar, MembersAreKnownAmongMoreThanOneStatementTakesAndDeletedOnesComeB
     EXPECT_FALSE(all->addItem(items.first().get()));
 }
 
+TEST_F(Sidebar, ASpanOfTimeBeginsWithItsFirstMillisecond)
+{
+    const QDateTime first = zqNow();
+    const ZQPredicate since = ZQLibraryBaseItem::predicateFromDate(first, first);
+    const auto item = library.addImage(QStringLiteral("item"));
+    for (const int milliseconds : {-1, 0, 1}) {
+        item->setImport_date(first.addMSecs(milliseconds));
+        item->setModification_date(first.addDays(-1));
+        EXPECT_EQ(since.evaluateWithObject(item.get()), milliseconds >= 0) << milliseconds;
+        item->setModification_date(first.addMSecs(milliseconds));
+        item->setImport_date(first.addDays(-1));
+        EXPECT_EQ(since.evaluateWithObject(item.get()), milliseconds >= 0) << milliseconds;
+    }
+}
+
 TEST_F(Sidebar, RecentReachesBackSevenDaysInFourGroups)
 {
     const QDateTime now = zqNow();
@@ -442,9 +485,57 @@ TEST_F(Sidebar, KindsSayWhatTheyAre)
     EXPECT_TRUE(droppable(201));
     EXPECT_FALSE(droppable(0));
     EXPECT_FALSE(droppable(202));
-    EXPECT_TRUE(ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context)->isLibrary());
-    EXPECT_TRUE(ZQSidebarBaseItem::recentProjectInManagedObjectContext(context)->isRecent());
-    EXPECT_TRUE(ZQSidebarBaseItem::screenshotProjectInManagedObjectContext(context)->isScreenshot());
+    const auto all = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(context);
+    const auto recent = ZQSidebarBaseItem::recentProjectInManagedObjectContext(context);
+    const auto screenshots = ZQSidebarBaseItem::screenshotProjectInManagedObjectContext(context);
+    EXPECT_TRUE(all->isLibrary() && recent->isRecent() && screenshots->isScreenshot());
+    EXPECT_EQ(ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(context)->kind(), 102);
+    const auto said = [&](const ZQRef<ZQSidebarBaseItem> &item) {
+        return (item->typeString() + u'/' + item->icon()).toStdString();
+    };
+    const auto tagOfKind = [&](int kind) {
+        const auto tag = context.insertNewObject<ZQSidebarTag>();
+        tag->setKind(qint16(kind));
+        return ZQRef<ZQSidebarBaseItem>(tag);
+    };
+    EXPECT_EQ(all->typeString(), QStringLiteral("Library"));
+    EXPECT_EQ(recent->typeString(), QStringLiteral("Recent"));
+    EXPECT_EQ(screenshots->typeString(), QStringLiteral("Screenshots"));
+    EXPECT_EQ(ZQRef<ZQSidebarBaseItem>(context.insertNewObject<ZQSidebarProject>())->typeString(),
+              QStringLiteral("Project"));
+    EXPECT_EQ(ZQRef<ZQSidebarBaseItem>(context.insertNewObject<ZQSidebarFolder>())->typeString(),
+              QStringLiteral("Folder"));
+    for (const int label : {101, 102, 201, 202, 203}) {
+        EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(label, context)->typeString(), QStringLiteral("Label")) << label;
+    }
+    const std::pair<int, const char *> tags[] = {{0, "Tag/tag"},      {999, "Tag/tag"},   {1000, "Tag/color"},
+                                                 {1009, "Tag/color"}, {1010, "Tag/tag"},  {2000, "Tag/tag"},
+                                                 {2001, "Tag/size"},  {2005, "Tag/size"}, {2006, "Tag/tag"}};
+    for (const auto &[kind, expected] : tags) {
+        EXPECT_EQ(said(tagOfKind(kind)), expected) << kind;
+    }
+    EXPECT_NE(all->UUID(), recent->UUID());
+
+    // What is put into a list of all items comes back when it was deleted; nothing else can be meant.
+    const auto item = context.insertNewObject<ZQLibraryImage>();
+    item->setImport_date(QDateTime::currentDateTimeUtc());
+    for (const auto &list : {all, recent}) {
+        item->setActive(false);
+        EXPECT_FALSE(list->containsItem(item.get()) || list->containsItem(nullptr));
+        EXPECT_TRUE(list->addItem(item.get()));
+        EXPECT_TRUE(item->active() && list->containsItem(item.get()));
+        item->setActive(false);
+        EXPECT_TRUE(list->addItems({item}));
+        EXPECT_TRUE(item->active());
+        item->setActive(false);
+        EXPECT_TRUE(list->restoreItems({item}, {3}));
+        EXPECT_TRUE(item->active());
+    }
+    EXPECT_TRUE(screenshots->restoreItems({item}, {})) << "as many orders as items, or nothing";
+    EXPECT_FALSE(screenshots->containsItem(item.get()) || screenshots->containsItem(nullptr));
+    EXPECT_EQ(screenshots->orderOfItem(item.get()), -1);
+    EXPECT_TRUE(screenshots->addItem(item.get()));
+    EXPECT_TRUE(screenshots->containsItem(item.get()));
 }
 
 } // namespace

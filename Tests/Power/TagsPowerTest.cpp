@@ -63,8 +63,7 @@ protected:
     }
     void save()
     {
-        delegate->saveAction();
-        ASSERT_FALSE(context().hasChanges());
+        ASSERT_TRUE(context().save());
         report();
     }
     // As many are edited beside the window: their files are written once their batch is saved.

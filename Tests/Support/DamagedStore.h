@@ -65,3 +65,37 @@ inline void markStoreUnclean(const QString &path)
     const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
     ASSERT_TRUE(connection->execute(QStringLiteral("REPLACE INTO zq_metadata VALUES ('inUseBy', '999999999:1')")));
 }
+
+// A store that takes no change of these tables, for as long as this lives; at once, unlike one that another process
+// holds.
+class RefusingStore
+{
+public:
+    RefusingStore(const QString &path, const QStringList &tables)
+        : m_connection(ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr)), m_tables(tables)
+    {
+        for (const QString &table : tables) {
+            for (const char *change : {"INSERT", "UPDATE", "DELETE"}) {
+                EXPECT_TRUE(m_connection->execute(
+                    QStringLiteral("CREATE TRIGGER zq_refused_%1_%2 BEFORE %2 ON \"%1\" BEGIN SELECT RAISE(ABORT, "
+                                   "'the store is as it is'); END")
+                        .arg(table, QLatin1String(change))));
+            }
+        }
+    }
+    ~RefusingStore()
+    {
+        for (const QString &table : m_tables) {
+            for (const char *change : {"INSERT", "UPDATE", "DELETE"}) {
+                EXPECT_TRUE(m_connection->execute(
+                    QStringLiteral("DROP TRIGGER IF EXISTS zq_refused_%1_%2").arg(table, QLatin1String(change))));
+            }
+        }
+    }
+    RefusingStore(const RefusingStore &) = delete;
+    RefusingStore &operator=(const RefusingStore &) = delete;
+
+private:
+    decltype(ZQSQLiteConnection::open({}, ZQSQLiteConnection::Mode::ReadWrite, nullptr)) m_connection;
+    QStringList m_tables;
+};

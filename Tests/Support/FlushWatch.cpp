@@ -13,6 +13,14 @@ namespace {
 std::mutex mutex;
 FlushWatch::Seen watcher;
 
+void tell(int file)
+{
+    const std::lock_guard lock(mutex);
+    if (watcher) {
+        watcher(QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(file)));
+    }
+}
+
 } // namespace
 
 FlushWatch::FlushWatch(Seen seen)
@@ -27,14 +35,18 @@ FlushWatch::~FlushWatch()
     watcher = {};
 }
 
-// The linker takes a program's own function before the C library's.
-extern "C" int fdatasync(int file)
+// The linker takes a program's own functions before the C library's.
+extern "C" {
+
+int fdatasync(int file)
 {
-    {
-        const std::lock_guard lock(mutex);
-        if (watcher) {
-            watcher(QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(file)));
-        }
-    }
+    tell(file);
     return int(syscall(SYS_fdatasync, file));
+}
+
+int fsync(int file)
+{
+    tell(file);
+    return int(syscall(SYS_fsync, file));
+}
 }

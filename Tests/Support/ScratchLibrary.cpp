@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <stdexcept>
+
 ScratchLibrary::ScratchLibrary()
 {
     for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
@@ -24,7 +26,7 @@ ScratchLibrary::ScratchLibrary()
     m_coordinator = ZQPersistentStoreCoordinator::open(zqCurrentModel(),
                                                        path(QStringLiteral("Zelto.ztlibrary/storedata")), {}, &error);
     if (!m_coordinator) {
-        qFatal("The scratch store cannot be opened: %s", qUtf8Printable(error.localizedDescription()));
+        throw std::runtime_error("The scratch store cannot be opened: " + error.localizedDescription().toStdString());
     }
     m_context = std::make_unique<ZQManagedObjectContext>(m_coordinator);
     ZQLibraryEnvironment::setCurrent(this);
@@ -39,7 +41,7 @@ void ScratchLibrary::reopenContext()
 {
     ZQError error;
     if (!m_context->save(&error)) {
-        qFatal("The scratch library cannot be saved: %s", qUtf8Printable(error.localizedDescription()));
+        throw std::runtime_error("The scratch library cannot be saved: " + error.localizedDescription().toStdString());
     }
     m_context = std::make_unique<ZQManagedObjectContext>(m_coordinator);
 }
@@ -50,7 +52,7 @@ QString ScratchLibrary::writeFile(const QString &relative, const QByteArray &con
     QDir().mkpath(QFileInfo(file).path());
     QFile output(file);
     if (!output.open(QIODevice::WriteOnly) || output.write(contents) != contents.size()) {
-        qFatal("%s cannot be written", qUtf8Printable(file));
+        throw std::runtime_error(file.toStdString() + " cannot be written");
     }
     return file;
 }

@@ -4,12 +4,17 @@
 
 namespace {
 
-class UnwatchedProgress : public UserProgress
+class NotedProgress : public UserProgress
 {
 public:
-    void setMaximum(double) override {}
-    void advanceBy(double) override {}
+    explicit NotedProgress(std::shared_ptr<ScriptedUser::Progress> note) : m_note(std::move(note)) {}
+    ~NotedProgress() override { m_note->isOver = true; }
+    void setMaximum(double maximum) override { m_note->maximum = maximum; }
+    void advanceBy(double amount) override { m_note->done += amount; }
     void setText(const QString &) override {}
+
+private:
+    std::shared_ptr<ScriptedUser::Progress> m_note;
 };
 
 } // namespace
@@ -39,13 +44,15 @@ void ScriptedUser::showSystemNotification(const QString &title, const QString &)
     systemNotifications.append(title);
 }
 
-QStringList ScriptedUser::chooseFilesToOpen(const FileChoice &)
+QStringList ScriptedUser::chooseFilesToOpen(const FileChoice &choice)
 {
+    fileChoices.append(choice);
     return filesToOpen;
 }
 
-std::optional<QString> ScriptedUser::chooseFileToSave(const FileChoice &)
+std::optional<QString> ScriptedUser::chooseFileToSave(const FileChoice &choice)
 {
+    fileChoices.append(choice);
     return fileToSave;
 }
 
@@ -66,10 +73,18 @@ std::optional<QList<DuplicateChoice>> ScriptedUser::resolveDuplicates(const QLis
     return choices;
 }
 
-std::shared_ptr<UserProgress> ScriptedUser::beginProgress(const QString &, double, std::function<void()> cancel)
+std::shared_ptr<UserProgress> ScriptedUser::beginProgress(const QString &text, double maximum,
+                                                          std::function<void()> cancel)
 {
+    const auto note = std::make_shared<Progress>();
+    note->text = text;
+    note->maximum = maximum;
+    {
+        const std::lock_guard lock(m_mutex);
+        progresses.append(note);
+    }
     if (onBeginProgress) {
         onBeginProgress(cancel);
     }
-    return std::make_shared<UnwatchedProgress>();
+    return std::make_shared<NotedProgress>(note);
 }

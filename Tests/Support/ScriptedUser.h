@@ -3,6 +3,8 @@
 #include "Classes/Application/UserInteraction.h"
 
 #include <atomic>
+#include <mutex>
+#include <utility>
 
 // A person who answers as the test says and remembers what was shown. Without an answer from the test, the one that
 // changes least.
@@ -23,15 +25,34 @@ public:
     QStringList filesToOpen; // what is chosen in a dialog; empty: cancelled
     std::optional<QString> fileToSave;
 
+    struct Progress
+    {
+        QString text;
+        std::atomic<double> maximum;
+        std::atomic<double> done = 0;
+        std::atomic<bool> isOver = false;
+    };
+    QList<std::shared_ptr<Progress>> progresses; // that were begun
+    QList<FileChoice> fileChoices;               // that were asked for
     QList<ZQError> errors;
+    std::function<void()> onError = [] {};
     QList<UserQuestion> questions;
     QList<Notification> notifications;
     QStringList systemNotifications; // titles
     QList<DuplicatePair> duplicates;
     std::atomic<int> dismissals = 0;
+
+private:
+    std::mutex m_mutex; // for `progresses`, which other threads begin
+
+public:
     QStringList notificationTexts() const;
 
-    void presentError(const ZQError &error) override { errors.append(error); }
+    void presentError(const ZQError &error) override
+    {
+        errors.append(error);
+        onError();
+    }
     int ask(const UserQuestion &question) override;
     void showNotificationWithText(const QString &text, int position, double seconds) override;
     void showSystemNotification(const QString &title, const QString &text) override;

@@ -6,6 +6,7 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -39,18 +40,29 @@ int stopAfterManySteps(void *calls)
     return ++*static_cast<int *>(calls) > mostCalls;
 }
 
+struct Setting
+{
+    int option;
+    int value;
+};
+
+constexpr std::array configurations{Setting{SQLITE_DBCONFIG_DEFENSIVE, 1}, Setting{SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0},
+                                    Setting{SQLITE_DBCONFIG_ENABLE_TRIGGER, 0},
+                                    Setting{SQLITE_DBCONFIG_ENABLE_VIEW, 0}};
+constexpr std::array limits{Setting{SQLITE_LIMIT_LENGTH, int(zqRenderMaximumBytes)},
+                            Setting{SQLITE_LIMIT_EXPR_DEPTH, 100}, Setting{SQLITE_LIMIT_VDBE_OP, 25'000},
+                            Setting{SQLITE_LIMIT_ATTACHED, 0}};
+
 void restrict(sqlite3 *database, int &calls)
 {
     sqlite3_hard_heap_limit64(mostMemory);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    for (const Setting &setting : configurations) {
+        sqlite3_db_config(database, setting.option, setting.value, nullptr);
+    }
+    for (const Setting &setting : limits) {
+        sqlite3_limit(database, setting.option, setting.value);
+    }
     sqlite3_drop_modules(database, nullptr); // no virtual tables
-    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, int(zqRenderMaximumBytes));
-    sqlite3_limit(database, SQLITE_LIMIT_EXPR_DEPTH, 100);
-    sqlite3_limit(database, SQLITE_LIMIT_VDBE_OP, 25'000);
-    sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
     sqlite3_progress_handler(database, stepsBetweenCalls, stopAfterManySteps, &calls);
 }
 

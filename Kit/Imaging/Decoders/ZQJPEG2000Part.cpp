@@ -277,9 +277,6 @@ ZQBitmap zqPartOfJPEG2000(const ZQDecodeRequest &request)
     OPJ_UINT32 reduction = 0;
     const Image decoded = decodeLeniently(content, *layout, request, reduction);
     QImage image = decoded ? imageOfSamples(*decoded) : QImage();
-    if (image.isNull()) {
-        return {};
-    }
     clearMissingTiles(image, *layout);
     ZQBitmap bitmap(image);
     bitmap.setIncomplete(true);

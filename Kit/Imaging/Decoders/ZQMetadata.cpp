@@ -11,7 +11,7 @@ namespace {
 
 QString textOfIPTC(const std::string &bytes)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = decoder(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
     // Before UTF-8 could be declared, writers used the western code page.
     return decoder.hasError() ? QString::fromLatin1(bytes.data(), qsizetype(bytes.size())) : text;

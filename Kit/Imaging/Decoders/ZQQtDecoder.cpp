@@ -28,13 +28,13 @@ std::optional<ZQImageProperties> bmpProperties(const ZQSourceFile &source, ZQErr
     source.openIn(file);
     QImageReader reader(&file, "bmp");
     const QSize size = reader.size();
-    if (!size.isValid()) {
+    if (size.width() < 1) {
         zqSetError(error, zqDamagedError(source.name()));
         return std::nullopt;
     }
     ZQImageProperties out;
     out.pixelWidth = size.width();
-    out.pixelHeight = size.height();
+    out.pixelHeight = qAbs(size.height()); // below zero when the rows come from the top
     out.hasAlpha = QImage::toPixelFormat(reader.imageFormat()).alphaUsage() == QPixelFormat::UsesAlpha;
     out.colorModel = QStringLiteral("RGB");
     return out;

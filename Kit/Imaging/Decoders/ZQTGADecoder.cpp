@@ -99,9 +99,6 @@ public:
             return m_header.type != 1;
         }
         const int bytes = (m_header.mapDepth + 7) / 8;
-        if (bytes < 1 || bytes > 4) {
-            return false;
-        }
         const QByteArray raw = m_file.read(qint64(bytes) * m_header.mapCount);
         for (qsizetype i = 0; i + bytes <= raw.size(); i += bytes) {
             m_map.append(colourOf(reinterpret_cast<const uchar *>(raw.constData() + i), m_header.mapDepth,

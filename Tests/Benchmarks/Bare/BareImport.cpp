@@ -1,10 +1,10 @@
 // What an import cannot do without, and nothing besides: the peer that ./dev bench import measures the import against.
 //
-//   zelto_bare_import LIST FOLDER
+//   zelto_bare_import LIST FOLDER [thumbnails]
 //
 // LIST names files, each ended by a null character. Two threads take them in turn. Each file is copied into a fresh
-// folder below FOLDER, in one pass that also digests it (SHA-1), the copy is decoded with libvips, in this process, to
-// at most 512 pixels a side in sRGB, and a file of more than 256 KB gets that written beside it as its thumbnail: a
+// folder below FOLDER, in one pass that also digests it (SHA-1), and the copy is decoded with libvips, in this process,
+// to at most 512 pixels a side in sRGB. With `thumbnails` a file of more than 256 KB gets that written beside it: a
 // JPEG of quality 85 for a JPEG, a PNG of the import's settings for the rest. The file system is flushed once, at the
 // end.
 //
@@ -22,6 +22,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <strings.h>
 #include <sys/stat.h>
 #include <thread>
@@ -122,7 +123,7 @@ Picture decodedPicture(const std::string &path)
     return vips_image_write(picture.get(), pixels.get()) == 0 ? std::move(pixels) : nullptr;
 }
 
-void importFile(const std::string &path, const std::string &folder)
+void importFile(const std::string &path, const std::string &folder, bool writesThumbnails)
 {
     const std::string copy = folder + path.substr(path.find_last_of('/'));
     if (::mkdir(folder.c_str(), 0777) != 0) {
@@ -130,7 +131,7 @@ void importFile(const std::string &path, const std::string &folder)
     }
     const off_t size = copyAndDigest(path, copy);
     const Picture picture(decodedPicture(copy));
-    if (!picture || (size > cheapToShow && writeThumbnail(picture.get(), copy) != 0)) {
+    if (!picture || (writesThumbnails && size > cheapToShow && writeThumbnail(picture.get(), copy) != 0)) {
         fail(copy);
     }
 }
@@ -139,7 +140,8 @@ void importFile(const std::string &path, const std::string &folder)
 
 int main(int argc, char *argv[])
 {
-    if (argc != 3 || VIPS_INIT(argv[0])) {
+    const bool writesThumbnails = argc == 4 && std::string_view(argv[3]) == "thumbnails";
+    if ((argc != 3 && !writesThumbnails) || VIPS_INIT(argv[0])) {
         return EXIT_FAILURE;
     }
     vips_concurrency_set(1);
@@ -151,7 +153,7 @@ int main(int argc, char *argv[])
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&] {
             for (size_t file = next++; file < files.size(); file = next++) {
-                importFile(files[file], folder + '/' + std::to_string(file));
+                importFile(files[file], folder + '/' + std::to_string(file), writesThumbnails);
             }
             vips_thread_shutdown();
         });

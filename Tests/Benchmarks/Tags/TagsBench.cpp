@@ -72,7 +72,7 @@ int main(int argc, char **argv)
             merge.path = path;
             merge.library = {{tag}, {}, 0};
             merge.willTouch = [&journal, line = journal.willWrite(path)] { journal.bringToDisk(line); };
-            merge.done = [&journal] { journal.didWrite(); };
+            merge.done = [&journal](const QString &written) { journal.didWrite(written); };
             writer.mergeWithFile(std::move(merge));
         }
         writer.waitUntilAllWritten();

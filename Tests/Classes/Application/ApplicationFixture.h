@@ -23,23 +23,34 @@ public:
     {
         bool visible = true;
         bool miniaturized = false;
+        int made = 0;
         int madeKey = 0;
         int savedState = 0;
         int templates = 0;
         int localized = 0;
         bool takesTyping = true;
         QList<ZQObjectID> selected;
+        QStringList calls; // to show and end it
     };
-    explicit FakeWindow(State &state) : m_state(state) {}
-    void showWindow() override { m_state.visible = true; }
+    explicit FakeWindow(State &state) : m_state(state) { ++m_state.made; }
+    ~FakeWindow() override { m_state.calls.append(QStringLiteral("gone")); }
+    void showWindow() override
+    {
+        m_state.visible = true;
+        m_state.calls.append(QStringLiteral("shown"));
+    }
     void makeKeyAndOrderFront() override { ++m_state.madeKey; }
     bool isMiniaturized() const override { return m_state.miniaturized; }
     void deminiaturize() override { m_state.miniaturized = false; }
     bool isVisible() const override { return m_state.visible; }
-    void activateIgnoringOtherApps() override {}
+    void activateIgnoringOtherApps() override { m_state.calls.append(QStringLiteral("activated")); }
     void selectSidebarItem(const ZQObjectID &item) override { m_state.selected.append(item); }
     void newFileFromTemplate() override { ++m_state.templates; }
-    void savePersistentState() override { ++m_state.savedState; }
+    void savePersistentState() override
+    {
+        ++m_state.savedState;
+        m_state.calls.append(QStringLiteral("saved"));
+    }
     bool commitEditing() override { return m_state.takesTyping; }
     void refreshContent() override {}
     void updateLocalization() override { ++m_state.localized; }
@@ -67,7 +78,7 @@ public:
                                  std::function<void(qsizetype takenBack, bool isComplete)> done) override
     {
         takenBack += names;
-        done(names.size(), true);
+        done(takesBack.value_or(names.size()), !takesBack);
     }
     std::optional<QDateTime> cutOffImportSince() override { return cutOff; }
     std::function<CutOffImports(const QSet<QString> &)> tracesOfCutOffImports() override
@@ -86,11 +97,13 @@ public:
     {
         calls.append(force ? QStringLiteral("forced sync") : QStringLiteral("folder sync"));
     }
-    void thumbForLibraryItem(ZQLibraryBaseItem *) override {}
+    void thumbForLibraryItem(ZQLibraryBaseItem *item) override { thumbs.append(item); }
 
     QList<Import> imports;
     QStringList calls;
     QStringList takenBack;
+    QList<ZQLibraryBaseItem *> thumbs;
+    std::optional<qsizetype> takesBack; // and then ends; without it all of them
     std::optional<QDateTime> cutOff;
     QSet<QString> saved; // by imports that were cut off
     int lookedThrough = 0;
@@ -112,11 +125,18 @@ protected:
         }
     }
 
-    std::unique_ptr<tamberin_AppDelegate> application()
+    // Nobody looks at the window.
+    ApplicationParts partsOfAll()
     {
         ApplicationParts parts;
         parts.userInteraction = &user;
         parts.importManager = &imports;
+        parts.windowFirst = std::chrono::milliseconds(0);
+        return parts;
+    }
+    std::unique_ptr<tamberin_AppDelegate> application()
+    {
+        ApplicationParts parts = partsOfAll();
         parts.makeMainWindowController = [this] { return std::make_unique<FakeWindow>(window); };
         return std::make_unique<tamberin_AppDelegate>(parts);
     }

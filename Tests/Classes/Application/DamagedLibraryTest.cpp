@@ -212,6 +212,18 @@ TEST_F(DamagedLibrary, TellsOfARecoveryWhatIsLostAndWhereFilesComeBack)
     EXPECT_FALSE(recovery.text().contains(QStringLiteral("Recovered”")));
     recovery.unreadableEntries = 0;
     EXPECT_TRUE(recovery.text().contains(QStringLiteral("Nothing is known to be lost.")));
+    recovery.unreadableItems = 1;
+    EXPECT_TRUE(recovery.text().contains(QStringLiteral("\nCould not be read, at least: 1 item.\n")));
+    for (qint64 LibraryRecovery::*part : {&LibraryRecovery::sidebarEntries, &LibraryRecovery::tags,
+                                          &LibraryRecovery::memberships, &LibraryRecovery::items}) {
+        LibraryRecovery some;
+        some.*part = 1;
+        EXPECT_TRUE(some.text().startsWith(QStringLiteral("Recovered: ")));
+    }
+    LibraryRecovery none;
+    none.keptPath = QStringLiteral("/kept");
+    EXPECT_EQ(none.text(), QStringLiteral("Nothing could be read from the damaged library, which is kept as /kept\nThe "
+                                          "files in it come back into the project “Recovered” when it is opened."));
     QLocale::setDefault(QLocale::c());
 }
 

@@ -1,9 +1,18 @@
 #include "Classes/Services/InstanceServer.h"
 
+#include "Classes/Services/CrashReporter.h"
+#include "Classes/Services/SoftwareUpdater.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/Skip.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -94,3 +103,153 @@ TEST(InstanceServer, AnAnswererThatEndsIsToldFromNone)
     asker.join();
     EXPECT_EQ(error.code, InstanceServer::EndedMeanwhile);
 }
+
+TEST(InstanceServer, ARequestMayComeInPiecesButNotWithoutEnd)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    ZQError error;
+    InstanceServer nowhere(folder.filePath(QStringLiteral("missing/socket")), {});
+    EXPECT_FALSE(nowhere.listen(&error));
+    EXPECT_EQ(error.code, InstanceServer::NotListening);
+
+    QFile left(name); // of a process that was killed
+    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
+    left.close();
+    QList<QStringList> served;
+    InstanceServer server(name, [&served](const InstanceRequest &request) {
+        served.append(request.arguments);
+        return InstanceReply{};
+    });
+    ASSERT_TRUE(server.listen(&error)) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(QFile::permissions(name) & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteOther),
+              QFile::Permissions());
+
+    QLocalSocket slow;
+    slow.connectToServer(name);
+    ASSERT_TRUE(slow.waitForConnected());
+    slow.write("{\"arguments\":[\"a\",");
+    slow.flush();
+    zqRunMainLoopFor(std::chrono::milliseconds(50));
+    EXPECT_TRUE(served.isEmpty());
+    slow.write("\"b\"]}\n");
+    zqRunMainLoopUntil([&served] { return !served.isEmpty(); });
+    zqRunMainLoopUntil([&slow] { return slow.state() == QLocalSocket::UnconnectedState; });
+    EXPECT_EQ(served, (QList<QStringList>{{QStringLiteral("a"), QStringLiteral("b")}}));
+    EXPECT_EQ(slow.readAll(), "{\"errors\":\"\",\"output\":\"\",\"status\":0}\n");
+
+    QLocalSocket endless;
+    endless.connectToServer(name);
+    ASSERT_TRUE(endless.waitForConnected());
+    const QByteArray piece(1 << 20, 'x');
+    for (int i = 0; i < 40 && endless.state() == QLocalSocket::ConnectedState; ++i) {
+        endless.write(piece);
+        zqRunMainLoopUntil(
+            [&endless] { return endless.bytesToWrite() == 0 || endless.state() != QLocalSocket::ConnectedState; });
+    }
+    EXPECT_NE(endless.state(), QLocalSocket::ConnectedState);
+    EXPECT_EQ(served.size(), 1);
+}
+
+TEST(Services, TheReporterAsksForTheLogOnceTheLoopIsFreeAndUpdatesComeFromTheSystem)
+{
+    int asked = 0;
+    CrashReporter reporter;
+    reporter.start({{},
+                    [&asked] {
+                        ++asked;
+                        return QString();
+                    }},
+                   true);
+    EXPECT_EQ(asked, 0);
+    zqRunMainLoopFor(std::chrono::milliseconds(0));
+    EXPECT_EQ(asked, 1);
+    reporter.start({}, false);
+    zqRunMainLoopFor(std::chrono::milliseconds(0));
+    EXPECT_EQ(asked, 1);
+
+    SoftwareUpdater updater;
+    EXPECT_FALSE(updater.areTestKeysHeld()) << "there is no window";
+    updater.configure(QStringLiteral("feed"));
+    updater.setAutomaticChecks(true);
+    EXPECT_EQ(updater.appCastURL(), QStringLiteral("feed"));
+    EXPECT_TRUE(updater.checksAutomatically());
+}
+
+namespace {
+
+// A bus as that of a desktop, with a file manager on it.
+class SessionBus : public ApplicationTest
+{
+protected:
+    ~SessionBus() override
+    {
+        daemon.kill();
+        daemon.waitForFinished();
+    }
+    bool begin()
+    {
+        daemon.start(QStringLiteral("dbus-daemon"),
+                     {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+                      QStringLiteral("--address=unix:path=") + world.filePath(QStringLiteral("bus"))});
+        if (!daemon.waitForStarted() || !daemon.waitForReadyRead()) {
+            return false;
+        }
+        address = QString::fromUtf8(daemon.readLine()).trimmed();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
+        return QDBusConnection::sessionBus().isConnected();
+    }
+    QProcess daemon;
+    QString address;
+};
+
+class FileManager : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+public:
+    QStringList shown;
+public Q_SLOTS:
+    void ShowItems(const QStringList &uris, const QString &) { shown = uris; }
+};
+
+} // namespace
+
+TEST_F(SessionBus, TheDesktopOpensFilesAndShowsTheLibrary)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty()) {
+        return skipWithout("dbus-daemon");
+    }
+    if (!begin()) {
+        return skipWithout("a session bus of its own");
+    }
+    QList<QStringList> opened;
+    InstanceServer server(world.filePath(QStringLiteral("socket")), {});
+    ASSERT_TRUE(server.registerOnSessionBus([&opened](const QStringList &paths) { opened.append(paths); }));
+    QDBusConnection peer = QDBusConnection::connectToBus(address, QStringLiteral("peer"));
+    const auto call = [&peer](const char *method, const QVariantList &arguments) {
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(QStringLiteral("org.zelto.Zelto"), QStringLiteral("/org/zelto/Zelto"),
+                                           QStringLiteral("org.freedesktop.Application"), QLatin1String(method));
+        message.setArguments(arguments);
+        return peer.send(message);
+    };
+    EXPECT_TRUE(
+        call("Open", {QStringList{QStringLiteral("file:///a%20b.png"), QStringLiteral("http://x/")}, QVariantMap()}));
+    EXPECT_TRUE(comesTrue([&] { return opened.size() == 1; }));
+    EXPECT_EQ(opened.value(0), QStringList{QStringLiteral("/a b.png")});
+    EXPECT_TRUE(call("Activate", {QVariantMap()}));
+    EXPECT_TRUE(comesTrue([&] { return opened.size() == 2; }));
+
+    FileManager files;
+    ASSERT_TRUE(peer.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+    ASSERT_TRUE(
+        peer.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &files, QDBusConnection::ExportAllSlots));
+    const auto delegate = application();
+    delegate->revealLibraryInFinder();
+    EXPECT_TRUE(comesTrue([&] { return !files.shown.isEmpty(); }));
+    EXPECT_EQ(files.shown, QStringList{QStringLiteral("file://") + defaultBundle()});
+    QDBusConnection::disconnectFromBus(QStringLiteral("peer"));
+}
+
+#include "InstanceServerTest.moc"

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QFile>
+#include <QTimer>
 
 namespace {
 
@@ -25,7 +26,11 @@ struct FakeCloud : CloudMenuControlling
 {
     explicit FakeCloud(QStringList &heard) : calls(heard) {}
     void createSharedSession() override { calls.append(QStringLiteral("session")); }
-    void updateCloudMenu() override { calls.append(QStringLiteral("menu")); }
+    void updateCloudMenu() override
+    {
+        calls.append(QStringLiteral("menu"));
+        QTimer::singleShot(0, [heard = &calls] { heard->append(QStringLiteral("drawn")); });
+    }
     QStringList &calls;
 };
 
@@ -54,16 +59,20 @@ class LaunchParts : public ApplicationTest
 protected:
     std::unique_ptr<tamberin_AppDelegate> launchedWithParts()
     {
-        ApplicationParts parts;
-        parts.userInteraction = &user;
-        parts.importManager = &imports;
+        ApplicationParts parts = partsOfAll();
         parts.softwareUpdater = &updater;
         parts.cloudMenuViewController = &cloud;
         parts.crashReporter = &reporter;
         parts.makeZeltoKunViewController = [this] { return std::make_unique<FakeCapture>(imports.calls); };
         parts.makeMainWindowController = [this] {
             imports.calls.append(QStringLiteral("window"));
-            return std::make_unique<FakeWindow>(window);
+            struct Ending : FakeWindow
+            {
+                Ending(State &state, QStringList &heard) : FakeWindow(state), calls(heard) {}
+                ~Ending() override { calls.append(QStringLiteral("window gone")); }
+                QStringList &calls;
+            };
+            return std::make_unique<Ending>(window, imports.calls);
         };
         auto delegate = std::make_unique<tamberin_AppDelegate>(parts);
         delegate->applicationWillFinishLaunching();
@@ -82,13 +91,18 @@ TEST_F(LaunchParts, AreStartedInTheirOrder)
 {
     auto delegate = launchedWithParts();
     EXPECT_EQ(imports.calls.join(u' '), QStringLiteral("updates/release/appcast.xml automatic loaded permission window "
-                                                       "session menu observe sync reporter"));
+                                                       "session menu drawn observe sync reporter"));
     imports.calls.clear();
     delegate->openZeltoKunHelper(); // there is one
     EXPECT_TRUE(imports.calls.isEmpty());
     delegate->quitZeltoKunHelper();
     delegate->openZeltoKunHelper();
     EXPECT_EQ(imports.calls.join(u' '), QStringLiteral("released loaded"));
+    EXPECT_EQ(window.calls, (QStringList{QStringLiteral("shown"), QStringLiteral("activated")}));
+    imports.calls.clear();
+    delegate.reset();
+    EXPECT_EQ(imports.calls.join(u' '), QStringLiteral("window gone released"));
+    EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false}));
 }
 
 TEST_F(LaunchParts, TheFeedIsThatOfTheBetaOrOfTheKeysThatAreHeld)

@@ -90,6 +90,28 @@ TEST_F(ApplicationTest, ALibraryThatCannotBeMadeIsReportedAndTriedAgain)
     EXPECT_FALSE(delegate->libraryBundleDirectory().isEmpty());
 }
 
+TEST_F(ApplicationTest, NoWindowComesWhenTheStoreDoesNotOpenOrThePersonQuitMeanwhile)
+{
+    for (const bool quits : {true, false}) {
+        const auto delegate = application();
+        QDir().mkpath(delegate->libraryBundleDirectory() + QStringLiteral("/storedata"));
+        user.onError = [&] {
+            if (quits) {
+                delegate->terminate();
+            }
+        };
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+        EXPECT_FALSE(user.errors.isEmpty());
+        EXPECT_EQ(window.made, 0);
+        EXPECT_FALSE(delegate->applicationLauched());
+        user.onError = [] {};
+    }
+    QDir(defaultBundle()).removeRecursively();
+    EXPECT_TRUE(launched()->applicationLauched());
+    EXPECT_EQ(window.made, 1);
+}
+
 TEST_F(ApplicationTest, OneLibraryIsOpenInOneProcessAtATime)
 {
     const auto delegate = launched();
@@ -151,7 +173,8 @@ TEST_F(ApplicationTest, WhatIsOlderThanTheStoreIsTakenBackAndNeverRemoved)
     }
     EXPECT_FALSE(QFileInfo::exists(library + QStringLiteral("/Young.ztlibraryitem")));
     ASSERT_EQ(user.questions.size(), 1); // says how many
-    EXPECT_TRUE(user.questions.first().message.contains(QStringLiteral("1 file ")));
+    EXPECT_EQ(user.questions.first().message,
+              QStringLiteral("1 file of the library had lost its entry and was taken back."));
     EXPECT_EQ(user.questions.first().buttons.size(), 1);
 }
 
@@ -249,6 +272,25 @@ TEST_F(ApplicationTest, AThumbnailLiesBesideItsFile)
 {
     EXPECT_EQ(LibraryBundleManager::libraryPathForThumbOfURL(QStringLiteral("/x/abc.jpeg")),
               QStringLiteral("/x/abc_thumb.jpeg"));
+}
+
+TEST_F(ApplicationTest, WithoutAWindowThereIsNothingToReopenAndNothingToImportWith)
+{
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.windowFirst = std::chrono::milliseconds(0);
+    tamberin_AppDelegate delegate(parts);
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidFinishLaunching();
+    EXPECT_FALSE(delegate.applicationShouldHandleReopen(false));
+    delegate.reopenMainWindow();
+    EXPECT_EQ(window.madeKey, 0);
+    EXPECT_TRUE(delegate.persistentStoreCoordinator());
+    ZQError error;
+    EXPECT_TRUE(delegate.openLibraryForCommand(&error));
+    delegate.syncWatchedFolder({});
+    delegate.forceSyncWatchedFolder({});
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminateReply::Now);
 }
 
 TEST_F(ApplicationTest, ReopeningShowsTheWindowOnlyWhenThatIsMeant)

@@ -2,9 +2,14 @@
 
 #include "Classes/Application/LeftoverSearch.h"
 #include "Classes/Application/LibraryBundleManager.h"
+#include "Kit/Files/ZQFileCopy.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include <QTimer>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <atomic>
@@ -29,6 +34,35 @@ protected:
         for (int i = 0; i < count; ++i) {
             QDir().mkpath(library + u'/' + QString::number(i) + ending);
         }
+    }
+    QString store() const { return defaultBundle() + QStringLiteral("/storedata"); }
+    static void execute(const QString &path, const QString &sql)
+    {
+        const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ASSERT_TRUE(connection && connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ") + sql))
+            << qPrintable(sql);
+    }
+    void hideItems(bool isHidden) const
+    {
+        execute(store(), isHidden ? QStringLiteral("ALTER TABLE ZQLibraryBaseItem RENAME TO away")
+                                  : QStringLiteral("ALTER TABLE away RENAME TO ZQLibraryBaseItem"));
+    }
+    // Whoever looks at this item's name gets an error, and nobody who looks at another one's alone.
+    void makeNameUnreadable(const QString &bundleID) const
+    {
+        const QString others = storeValue(store(), QStringLiteral("SELECT group_concat('\"' || name || '\"') FROM "
+                                                                  "pragma_table_info('ZQLibraryBaseItem') "
+                                                                  "WHERE name <> 'bundleID'"))
+                                   .toString();
+        hideItems(true);
+        execute(store(), QStringLiteral("CREATE VIEW ZQLibraryBaseItem AS SELECT %1, CASE WHEN bundleID = '%2' THEN "
+                                        "abs(-9223372036854775807 - 1) ELSE bundleID END AS bundleID FROM away")
+                             .arg(others, bundleID));
+    }
+    void makeNameReadable() const
+    {
+        execute(store(), QStringLiteral("DROP VIEW ZQLibraryBaseItem"));
+        hideItems(false);
     }
     qsizetype directories() const { return QDir(library).entryList({u'*' + ending}, QDir::Dirs).size(); }
     LeftoverSearch searchOf(tamberin_AppDelegate &delegate, const QDateTime &launch) const
@@ -77,7 +111,7 @@ TEST_F(LeftoverCheck, LeavesTheMainThreadFreeAndWhatIsSavedMeanwhileKeepsItsDire
 TEST_F(LeftoverCheck, HoldsABatchOfNamesHoweverLargeTheLibrary)
 {
     makeLibrary(3);
-    constexpr int many = 4000;
+    constexpr int many = 2100;
     {
         const auto delegate = launched();
         for (int i = 0; i < many; ++i) {
@@ -99,7 +133,7 @@ TEST_F(LeftoverCheck, HoldsABatchOfNamesHoweverLargeTheLibrary)
     EXPECT_EQ(found->directories, many + 5);
     EXPECT_EQ(found->leftovers.size(), 3);
     EXPECT_TRUE(found->lost.isEmpty());
-    EXPECT_GE(batches, 8);
+    EXPECT_GE(batches, 7);
     EXPECT_LE(most, 1100);
 }
 
@@ -186,9 +220,7 @@ TEST_F(LeftoverCheck, OffersToResumeImportsOnlyOnceItKnowsWhatTheyLeft)
     makeLibrary(25);
     imports.cutOff = QDateTime::currentDateTimeUtc().addSecs(-60); // accounts for all of them
     LogReporter reporter;
-    ApplicationParts parts;
-    parts.userInteraction = &user;
-    parts.importManager = &imports;
+    ApplicationParts parts = partsOfAll();
     parts.crashReporter = &reporter;
     tamberin_AppDelegate delegate(parts);
     bool wasOfferedBefore = false;
@@ -210,4 +242,162 @@ TEST_F(LeftoverCheck, OffersToResumeImportsOnlyOnceItKnowsWhatTheyLeft)
     EXPECT_EQ(imports.calls.count(QStringLiteral("resume")), 1);
     EXPECT_TRUE(user.questions.isEmpty());
     EXPECT_EQ(directories(), 2); // of the item, and what this process made
+}
+
+TEST_F(LeftoverCheck, AStoreThatCannotBeReadAnswersNothingWhereverThatIsMet)
+{
+    makeLibrary(2);
+    {
+        const auto delegate = launched();
+        addItem(*delegate, QStringLiteral("B"));
+        delegate->saveAction();
+    }
+    const auto delegate = launched();
+    const QDateTime later = QDateTime::currentDateTimeUtc().addSecs(1);
+    ASSERT_EQ(searchOf(*delegate, later).run({}).value_or(LibraryLeftovers()).leftovers.size(), 2);
+    hideItems(true);
+    EXPECT_FALSE(searchOf(*delegate, later).run({}));
+    hideItems(false);
+
+    const QString note = defaultBundle() + QStringLiteral("/pending-removals");
+    const QByteArray noted = "0.ztlibraryitem\ngone.ztlibraryitem\n";
+    QFile file(note);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(noted) == noted.size());
+    file.close();
+    makeNameUnreadable(QStringLiteral("B"));
+    EXPECT_FALSE(searchOf(*delegate, later).run({})) << "with what is left";
+    EXPECT_FALSE(LeftoverSearch({library, note, later, {}, delegate->persistentStoreCoordinator()}).run({}));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), noted) << "what is to go is still noted";
+    for (int i = 10; i < 510; ++i) {
+        QDir().mkpath(library + u'/' + QString::number(i) + ending);
+    }
+    EXPECT_FALSE(searchOf(*delegate, later).run({})) << "in a batch in the midst";
+    makeNameReadable();
+
+    int calls = 0;
+    LeftoverSearch::setObserver([&](qsizetype) {
+        if (++calls == 2) {
+            hideItems(true); // after the directory was read
+        }
+    });
+    EXPECT_FALSE(searchOf(*delegate, later).run({})) << "in the look for other letters";
+    hideItems(false);
+    std::stop_source stop;
+    calls = 0;
+    LeftoverSearch::setObserver([&](qsizetype) {
+        if (++calls == 3) {
+            stop.request_stop();
+        }
+    });
+    EXPECT_FALSE(searchOf(*delegate, later).run(stop.get_token())) << "before the last of it";
+    EXPECT_EQ(calls, 3);
+}
+
+TEST_F(LeftoverCheck, DatesDecideToTheMillisecond)
+{
+    makeLibrary(1);
+    const auto delegate = launched();
+    const QString path = library + QStringLiteral("/0") + ending;
+    const auto coordinator = delegate->persistentStoreCoordinator();
+    const auto birth = [&path] { return QDateTime::fromMSecsSinceEpoch(zqFileDates(path)->birth, Qt::UTC); };
+    const auto found = [&](const QDateTime &launch, const std::optional<QDateTime> &cutOff) {
+        const auto traces = [&cutOff](const QSet<QString> &) { return CutOffImports{cutOff, {}}; };
+        return LeftoverSearch({library, {}, launch, traces, coordinator}).run({}).value_or(LibraryLeftovers());
+    };
+    EXPECT_EQ(found(birth(), {}).leftovers.size(), 1);
+    EXPECT_EQ(found(birth().addMSecs(-1), {}).leftovers.size(), 0) << "of this process";
+    EXPECT_EQ(found(birth(), {}).unexplained, 1);
+    EXPECT_EQ(found(birth(), birth().addMSecs(1000)).unexplained, 0);
+    EXPECT_EQ(found(birth(), birth().addMSecs(1001)).unexplained, 1);
+    EXPECT_FALSE(found(birth(), {}).storeIsEmpty);
+    EXPECT_EQ(found(birth(), {}).directories, 2);
+
+    const qint64 made = coordinator->creationDate().toMSecsSinceEpoch();
+    for (const qint64 after : {0, 1}) {
+        const qint64 time = made + after;
+        const timespec times[] = {{0, UTIME_OMIT}, {time_t(time / 1000), long(time % 1000) * 1000000}};
+        ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times, 0), 0);
+        EXPECT_EQ(found(birth(), {}).lost.size(), after ? 0 : 1) << "as old as the store";
+        EXPECT_EQ(found(birth(), {}).leftovers.size(), after ? 1 : 0);
+    }
+}
+
+TEST_F(LeftoverCheck, RemovesByTheThousandAndTellsItsEnd)
+{
+    constexpr int many = 1001;
+    makeLibrary(many);
+    imports.cutOff = QDateTime::currentDateTimeUtc().addSecs(-3600); // which explains them
+    const auto delegate = launched();
+    int ends = 0;
+    delegate->checkAndDeleteLibraryLeftovers([&ends] { ++ends; });
+    delegate->checkAndDeleteLibraryLeftovers([&ends] { ends += 10; }); // one is under way
+    EXPECT_EQ(ends, 10);
+    EXPECT_TRUE(comesTrue([&] { return !delegate->isCheckingLeftovers(); }));
+    EXPECT_EQ(ends, 11);
+    QList<qsizetype> batches;
+    for (QProcess *removal : delegate->findChildren<QProcess *>()) {
+        batches.append(removal->arguments().size() - 1);
+    }
+    delegate->waitForRemovals();
+    EXPECT_EQ(batches, (QList<qsizetype>{1000, 1}));
+    EXPECT_EQ(directories(), 1);
+    EXPECT_TRUE(user.questions.isEmpty());
+}
+
+TEST_F(LeftoverCheck, ATenthOfALargeLibraryIsNotAskedAbout)
+{
+    makeLibrary(21);
+    for (const bool isATenth : {false, true}) {
+        {
+            const auto delegate = launched();
+            for (int i = isATenth ? 187 : 0; i < (isATenth ? 188 : 187); ++i) {
+                addItem(*delegate, QStringLiteral("item %1").arg(i));
+            }
+            delegate->saveAction();
+        }
+        const auto delegate = launched();
+        user.questions.clear();
+        checkLeftovers(*delegate); // the answer that changes least
+        delegate->waitForRemovals();
+        EXPECT_EQ(user.questions.size(), isATenth ? 0 : 1);
+        if (!isATenth) {
+            EXPECT_EQ(user.questions.first().message, QStringLiteral("21 folders of the library belong to no item"));
+            EXPECT_EQ(user.questions.first().buttons.size(), 3);
+            EXPECT_TRUE(user.questions.first().isDestructive);
+        }
+        EXPECT_EQ(directories(), isATenth ? 189 : 209);
+    }
+}
+
+TEST_F(LeftoverCheck, WhatCannotBeLookedUpOrTakenBackStaysAndTheCheckEnds)
+{
+    makeLibrary(25);
+    const auto delegate = launched();
+    bool isOver = false;
+    hideItems(true);
+    delegate->checkAndDeleteLibraryLeftovers([&isOver] { isOver = true; });
+    EXPECT_TRUE(comesTrue([&] { return isOver; }));
+    hideItems(false);
+    user.answerQuestion = [this](const UserQuestion &) {
+        hideItems(true); // between the look and the removal
+        return 1;
+    };
+    checkLeftovers(*delegate);
+    delegate->waitForRemovals();
+    hideItems(false);
+    EXPECT_EQ(directories(), 26);
+    EXPECT_TRUE(imports.takenBack.isEmpty());
+
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    user.questions.clear();
+    imports.takesBack = 0;
+    checkLeftovers(*delegate);
+    EXPECT_EQ(user.questions.size(), 1) << "and none of what came back";
+    imports.takesBack = 2;
+    checkLeftovers(*delegate);
+    EXPECT_EQ(user.questions.last().message,
+              QStringLiteral("2 files of the library had lost their entries and were taken back."));
+    EXPECT_EQ(imports.takenBack.size(), 50);
+    EXPECT_EQ(directories(), 26);
 }

@@ -45,6 +45,12 @@ TEST_F(LibraryMoves, AChosenLibraryIsRememberedAndTheApplicationQuits)
     const auto delegate = launched();
     delegate->openZeltoLibrary(); // the dialog is cancelled
     delegate->newZeltoLibrary();
+    delegate->moveZeltoLibrary();
+    ASSERT_EQ(user.fileChoices.size(), 3);
+    EXPECT_TRUE(user.fileChoices[0].directory);
+    EXPECT_FALSE(user.fileChoices[1].directory || user.fileChoices[2].directory);
+    EXPECT_EQ(user.fileChoices[2].name, QStringLiteral("Zelto"));
+    EXPECT_EQ(window.calls.last(), QStringLiteral("activated")) << "it goes on";
     EXPECT_TRUE(user.questions.isEmpty() && user.errors.isEmpty());
     EXPECT_TRUE(tamberin_AppDelegate::loadLibraryURL().isEmpty());
 
@@ -228,6 +234,7 @@ TEST_F(LibraryMoves, AMoveThatFailsLeavesTheLibraryWhereItWasAndNoNote)
     QStringList destinations{
         inWorld(QString(300, u'n') + QStringLiteral(".ztlibrary")), // longer than a name may be
         inWorld(QStringLiteral("no name of a library")),            // could not be remembered
+        QStringLiteral("/proc/Mine.ztlibrary"),                     // takes no folders
     };
     if (volume.isOther(world.path())) {
         destinations.append(volume.folder.filePath(QStringLiteral("no name of a library")));

@@ -11,10 +11,8 @@
 #include <QDirIterator>
 #include <QFile>
 
-#include <csignal>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,6 +37,15 @@ TEST_F(LibraryPlaces, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
         EXPECT_TRUE(QDir(QFileInfo(destination).path())
                         .entryList({QStringLiteral("*.moving-*")}, QDir::AllEntries | QDir::Hidden)
                         .isEmpty());
+        for (const QString &folder : {QFileInfo(before).path(), QFileInfo(destination).path()}) {
+            EXPECT_TRUE(
+                QDir(folder).entryList({QStringLiteral(".zelto-*")}, QDir::AllEntries | QDir::Hidden).isEmpty());
+        }
+        EXPECT_EQ(user.progresses.last()->text, QStringLiteral("Moving the library…"));
+        EXPECT_EQ(user.progresses.last()->maximum, 1);
+        EXPECT_NEAR(user.progresses.last()->done,
+                    volume.isOther(QFileInfo(before).path()) == volume.isOther(QFileInfo(destination).path()) ? 0 : 1,
+                    0.001);
         const auto delegate = application();
         ASSERT_TRUE(delegate->managedObjectContext());
         EXPECT_EQ(delegate->managedObjectContext()->fetch<ZQLibraryImage>({ZQLibraryImage::entityName()})->size(),
@@ -174,25 +181,29 @@ TEST_F(LibraryPlaces, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
     }
     const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 3);
     ASSERT_TRUE(LibraryLocation::remember(source));
-    // As on a full disk: nothing more can be written to any file.
-    struct rlimit before = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-    const struct rlimit none = {0, before.rlim_max};
     for (const QString &destination :
          {inWorld(QStringLiteral("Moved.ztlibrary")), volume.folder.filePath(QStringLiteral("Far.ztlibrary"))}) {
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
         ZQError error;
-        const bool isMoved = LibraryMove::move(source, destination, {}, &error);
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-        EXPECT_FALSE(isMoved);
+        {
+            const FullDisk full;
+            EXPECT_FALSE(LibraryMove::move(source, destination, {}, &error));
+        }
         EXPECT_EQ(error.code, LibraryLocation::NotNoted);
         EXPECT_TRUE(isWhole(source, 3));
         EXPECT_FALSE(QFileInfo::exists(destination));
         EXPECT_EQ(LibraryLocation::remembered(), source);
         EXPECT_TRUE(LibraryLocation::notedMove().isNull());
     }
-    std::signal(SIGXFSZ, ignored);
+    const auto delegate = launched();
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    {
+        const FullDisk full;
+        delegate->openFiles({madeLibrary(inWorld(QStringLiteral("Other.ztlibrary")), 0)});
+    }
+    ASSERT_FALSE(user.errors.isEmpty());
+    EXPECT_EQ(user.errors.last().code, LibraryLocation::NotNoted);
+    EXPECT_EQ(LibraryLocation::remembered(), source);
+    EXPECT_EQ(window.savedState, 0) << "it goes on";
 }
 
 TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)
@@ -301,6 +312,29 @@ TEST_F(LibraryPlaces, AScratchFolderThatIsNotThePersonsOwnIsLeftAlone)
         EXPECT_EQ(status.st_uid, ::geteuid());
         EXPECT_TRUE(QDir(elsewhere).isEmpty());
     }
+}
+
+TEST_F(LibraryPlaces, WithoutAPlaceOfItsOwnTheScratchFolderHasAFreshNameOrThereIsNone)
+{
+    const QString usual = QFile::decodeName(qgetenv("TMPDIR")) + QStringLiteral("/ZeltoTemporaryFolder");
+    TemporaryArea::takeForRemoval();
+    QDir(usual).removeRecursively();
+    const QStringList taken{usual, usual + u'-' + QString::number(::geteuid())};
+    for (const QString &file : taken) {
+        written(file, "a file");
+    }
+    const QString folder = TemporaryArea::folder();
+    EXPECT_TRUE(folder.startsWith(usual + u'-') && !taken.contains(folder)) << qPrintable(folder);
+    EXPECT_TRUE(QFileInfo(folder).isDir());
+    EXPECT_EQ(TemporaryArea::folder(), folder) << "and keeps it";
+
+    const QByteArray before = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(inWorld(QStringLiteral("missing"))));
+    ZQError error;
+    EXPECT_TRUE(TemporaryArea::newFolder(&error).isEmpty());
+    EXPECT_EQ(error.code, ENOENT);
+    EXPECT_TRUE(TemporaryArea::takeForRemoval().isEmpty());
+    qputenv("TMPDIR", before);
 }
 
 TEST_F(LibraryPlaces, ALibraryNamedForOneRunIsOneOrMadeOnlyByWhatFillsIt)

@@ -15,7 +15,7 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <sqlite3.h>
+#include <optional>
 
 namespace {
 
@@ -155,17 +155,16 @@ TEST_F(OlderLibrary, StopsAtTheFirstStepThatCannotBeSavedAndSaysSo)
     {
         const auto delegate = application();
         const auto coordinator = delegate->persistentStoreCoordinator();
-        sqlite3 *other = nullptr; // a process that holds the store during the first step alone
+        std::optional<RefusingStore> refusing; // during the first step alone
+        int steps = 0;
         user.onBeginProgress = [&](const auto &) {
-            if (!other) {
-                ASSERT_EQ(sqlite3_open(store().toUtf8().constData(), &other), SQLITE_OK);
-                EXPECT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-            } else {
-                sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+            refusing.reset();
+            if (++steps == 1) {
+                refusing.emplace(store(), QStringList{QStringLiteral("ZQLibraryBaseItem")});
             }
         };
         delegate->checkModelMigration();
-        sqlite3_close(other);
+        refusing.reset();
         user.onBeginProgress = {};
         EXPECT_EQ(user.errors.size(), 1);
         EXPECT_TRUE(items(*delegate).first()->thumbName().isEmpty());

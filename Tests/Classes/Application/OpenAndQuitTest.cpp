@@ -1,13 +1,12 @@
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Tags/FileTags.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
 #include <QThread>
-
-#include <sqlite3.h>
 
 namespace {
 QString made(const QString &path)
@@ -139,6 +138,12 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
         }
     });
     auto waiting = zqBlockOperation([] {});
+    QList<bool> keptThen; // when it was cancelled
+    const auto token = waiting->observe([&](ZQOperation::Key key) {
+        if (key == ZQOperation::Key::IsCancelled) {
+            keptThen = imports.keptCancelled;
+        }
+    });
     delegate->backgroundOperationQueue().addOperation(operation);
     delegate->backgroundOperationQueue().addOperation(waiting);
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Cancel); // the answer that changes least
@@ -152,6 +157,9 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_TRUE(operation->isFinished());
     EXPECT_TRUE(waiting->isCancelled());
+    EXPECT_EQ(keptThen, QList<bool>{true});
+    EXPECT_EQ(user.notifications.first().position, 0);
+    EXPECT_EQ(user.notifications.first().seconds, 2.5);
     EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false})); // it is offered at the next launch
     EXPECT_TRUE(user.notificationTexts().contains(QStringLiteral("Cleaning up library")));
 }
@@ -161,11 +169,13 @@ TEST_F(ApplicationTest, ARunningSyncIsAskedAboutAndEndsTooAndQuestionsOfImportsA
     const auto delegate = launched();
     std::atomic<bool> hasBegun = false;
     std::atomic<bool> hasEnded = false;
+    std::atomic<int> kept = -1; // while it drained
     auto sync = zqBlockOperation([&] {
         hasBegun = true;
         while (user.dismissals == 0) {
             QThread::msleep(1);
         }
+        kept = int(imports.keptCancelled.size());
         hasEnded = true;
     });
     auto waiting = zqBlockOperation([] {});
@@ -177,6 +187,7 @@ TEST_F(ApplicationTest, ARunningSyncIsAskedAboutAndEndsTooAndQuestionsOfImportsA
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     EXPECT_EQ(user.questions.size(), 1);
     EXPECT_TRUE(hasEnded);
+    EXPECT_EQ(kept, 1);
     EXPECT_TRUE(waiting->isCancelled());
 }
 
@@ -211,13 +222,11 @@ TEST_F(ApplicationTest, WhatAFailedQuitHadPurgedIsNoLossToTheNextLaunch)
             const QString file = made(directory + QStringLiteral("/picture.png"));
             SeenFileTags::write(SeenFileTags::of({}), file, SeenFileTags::Empty::IsWritten); // it was saved once
             delegate->saveAction();
-            sqlite3 *other = nullptr; // another process that does not let go of the store
-            ASSERT_EQ(
-                sqlite3_open((delegate->libraryBundleDirectory() + QStringLiteral("/storedata")).toUtf8(), &other),
-                SQLITE_OK);
-            ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-            EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Cancel);
-            sqlite3_close(other);
+            {
+                const RefusingStore refusing(delegate->persistentStoreCoordinator()->path(),
+                                             {QStringLiteral("ZQLibraryBaseItem")});
+                EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Cancel);
+            }
             EXPECT_TRUE(QFileInfo::exists(directory));
             if (isKilled) {
                 delegate->saveAction();

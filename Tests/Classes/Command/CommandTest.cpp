@@ -263,38 +263,3 @@ TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)
     EXPECT_EQ(run("verify --deep"), 0);
     EXPECT_EQ(delegate->backgroundOperationQueue().operationCount(), 0);
 }
-
-TEST_F(CommandTest, AWordThatIsNeitherACommandNorAFileIsNamedWithTheCommandThatWasMeant)
-{
-    struct Case
-    {
-        QStringList arguments;
-        const char *meant;
-    };
-    const Case cases[] = {
-        {{QStringLiteral("imprt"), QStringLiteral("a.png")}, "zelto import"},
-        {{QStringLiteral("Itmes")}, "zelto items"},
-        {{QStringLiteral("side-bar"), QStringLiteral("--json")}, "zelto sidebar"},
-        {{QStringLiteral("elephants")}, "zelto --help"},
-        {{QStringLiteral("gone/imprt.png")}, "there is no file or folder"},
-        {{QStringLiteral("imp")}, "zelto import"},
-    };
-    for (const Case &each : cases) {
-        SCOPED_TRACE(qPrintable(each.arguments.first()));
-        CommandContext words;
-        words.workingDirectory = QDir::rootPath();
-        CommandLine commandLine;
-        int status = 0;
-        EXPECT_FALSE(commandLine.parse(each.arguments, words, &status));
-        EXPECT_EQ(status, 2);
-        EXPECT_TRUE(words.errors.contains(each.arguments.first().toUtf8())) << words.errors.constData();
-        EXPECT_TRUE(words.errors.contains(each.meant)) << words.errors.constData();
-    }
-    CommandContext words;
-    words.workingDirectory = QDir::rootPath();
-    CommandLine commandLine;
-    int status = 0;
-    EXPECT_TRUE(commandLine.parse({QStringLiteral("tmp"), QStringLiteral("gone.png")}, words, &status));
-    EXPECT_EQ(commandLine.filesToOpen(), QStringList{QStringLiteral("tmp")}); // there is one; the other is named
-    EXPECT_TRUE(words.errors.contains("gone.png"));
-}

@@ -318,7 +318,11 @@ TEST_F(ArchiveImportTest, ThePersonsLimitsHold)
     }
     {
         const Preference ratio("ArchiveMaximumRatio", 77);
+        const Preference least("ArchiveMaximumEntryCount", 1);
+        const Preference none("ArchiveMaximumNestingDepth", 0);
         EXPECT_EQ(ArchiveImportOperation::limits().ratio, 77);
+        EXPECT_EQ(ArchiveImportOperation::limits().entryCount, 1);
+        EXPECT_EQ(ArchiveImportOperation::limits().nestingDepth, ZQArchiveLimits().nestingDepth);
     }
     const Preference nonsense("ArchiveMaximumTotalSize", -5);
     EXPECT_EQ(ArchiveImportOperation::limits().totalSize, ZQArchiveLimits().totalSize);

@@ -4,12 +4,13 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Import/ImportFixture.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
-#include <sqlite3.h>
+#include <optional>
 
 namespace {
 
@@ -37,24 +38,18 @@ protected:
         EXPECT_EQ(itemDirectories().size(), items().size());
     }
 
-    // Another process that takes the store and never lets go of it until `release`.
+    // A store that takes nothing more until `release`.
     void lockStore()
     {
-        if (!m_other) {
-            ASSERT_EQ(sqlite3_open(delegate->persistentStoreCoordinator()->path().toUtf8().constData(), &m_other),
-                      SQLITE_OK);
-            EXPECT_EQ(sqlite3_exec(m_other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+        if (!m_refusing) {
+            m_refusing.emplace(delegate->persistentStoreCoordinator()->path(),
+                               QStringList{QStringLiteral("ZQLibraryBaseItem")});
         }
     }
-    void releaseStore()
-    {
-        sqlite3_exec(m_other, "ROLLBACK", nullptr, nullptr, nullptr);
-        sqlite3_close(m_other);
-        m_other = nullptr;
-    }
+    void releaseStore() { m_refusing.reset(); }
 
 private:
-    sqlite3 *m_other = nullptr;
+    std::optional<RefusingStore> m_refusing;
 };
 
 QStringList titlesByImportDate(ZQManagedObjectContext &context)

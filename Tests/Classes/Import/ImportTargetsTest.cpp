@@ -149,14 +149,14 @@ TEST_F(ImportTargets, AGivenUpBatchLeavesNoTagItMadeAndTakesNoneThatWasThere)
                                                                              most = std::max(most, items().size());
                                                                              cancel();
                                                                          });
-    import(sources, nullptr, ZQSidebarBaseItem::appendIndex,
-           {{ QStringLiteral("tags"),
-              QStringList {
-                  QStringLiteral("known"),
-                  QStringLiteral("fresh")
-              } }});
+    const auto operation =
+        import(sources, nullptr, ZQSidebarBaseItem::appendIndex,
+               {{QStringLiteral("tags"), QStringList{QStringLiteral("known"), QStringLiteral("fresh")}}});
     EXPECT_GT(most, 0);
     EXPECT_TRUE(items().isEmpty());
+    EXPECT_TRUE(itemDirectories().isEmpty());
+    EXPECT_TRUE(operation->report().imported().isEmpty());
+    EXPECT_EQ(operation->report().dropped().size(), sources.size());
     EXPECT_TRUE(ZQSidebarTag::tagWithTagName(QStringLiteral("known"), context()));
     EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("fresh"), context()));
     EXPECT_TRUE(user.notifications.isEmpty());

@@ -1,94 +1,12 @@
 // Imports that an earlier process did not end.
 
-#include "Classes/Import/PendingImport.h"
-#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
-#include "Tests/Classes/Import/ImportFixture.h"
+#include "Tests/Classes/Import/ResumeFixture.h"
 #include "Tools/samples/SampleArchives.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QThread>
 
 #include <atomic>
-#include <sqlite3.h>
-#include <sys/stat.h>
-
-namespace {
-
-constexpr int continueButton = 0;
-constexpr int forgetButton = 1;
-
-class ResumeTest : public ImportFixture
-{
-protected:
-    QString folder() const { return path(QStringLiteral("Zelto.ztlibrary/pending-imports")); }
-    QStringList pendingFiles() const { return QDir(folder()).entryList(QDir::Files); }
-
-    // What a killed process leaves: a request, and the sources among `saved` that are items already, by title.
-    void cutOff(const PendingImport &request, const QStringList &saved, const QString &moved = {})
-    {
-        const auto file = PendingImportFile::create(folder(), request);
-        ASSERT_TRUE(file);
-        QList<PendingImportFile::Source> sources;
-        for (const QString &source : saved) {
-            const auto made = item(QFileInfo(source).completeBaseName());
-            sources.append({made ? made->bundleID() : QStringLiteral("NEVER-SAVED"), source,
-                            source == moved ? moved : QString(), QFileInfo(source).lastModified().toMSecsSinceEpoch()});
-        }
-        ASSERT_TRUE(file->addSources(sources));
-        if (sources.isEmpty()) {
-            return;
-        }
-        QFile torn(QDir(folder()).filePath(QDir(folder()).entryList({QStringLiteral("*.sources")}).value(0)));
-        EXPECT_TRUE(torn.open(QIODevice::Append) && torn.write("[\"HALF A LI") > 0);
-    }
-
-    static PendingImport request(const QStringList &paths, const QString &target = {})
-    {
-        return {.paths = paths,
-                .target = target,
-                .index = ImportOperation::appendIndex,
-                .metadata = {},
-                .archivePath = {},
-                .archiveRoot = {},
-                .groups = {}};
-    }
-
-    // A store that cannot be read for a while.
-    void renameTable(const char *from, const char *to) const
-    {
-        sqlite3 *store = nullptr;
-        ASSERT_EQ(sqlite3_open(path(QStringLiteral("Zelto.ztlibrary/storedata")).toUtf8().constData(), &store),
-                  SQLITE_OK);
-        sqlite3_exec(store, (QByteArray("ALTER TABLE ") + from + " RENAME TO " + to).constData(), nullptr, nullptr,
-                     nullptr);
-        sqlite3_close(store);
-    }
-
-    QStringList projectTitles() const
-    {
-        QStringList found;
-        for (const auto &child : projectsLabel()->orderedChildren()) {
-            found.append(child->title());
-        }
-        return found;
-    }
-
-    void offer(int button)
-    {
-        user.answerQuestion = [button](const UserQuestion &question) {
-            return button < 0 ? int(question.buttons.size()) - 1 : button;
-        };
-        AImportManager::sharedAImportManager().offerToResumeImports();
-        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
-        QCoreApplication::processEvents();
-    }
-};
-
-} // namespace
 
 TEST_F(ResumeTest, WhatIsMissingIsImportedAndWhatIsInIsLeftAlone)
 {
@@ -216,33 +134,6 @@ TEST_F(ResumeTest, ABatchIsKeptWhileItRunsAndWhenOnlyTheProcessEnds)
     EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
     EXPECT_EQ(projectTitles().count(QStringLiteral("Next")), 1);
     EXPECT_TRUE(pendingFiles().isEmpty());
-}
-
-TEST_F(ResumeTest, ARequestThatCannotBeReadIsSaidAndLeft)
-{
-    writeFile(QStringLiteral("Zelto.ztlibrary/pending-imports/1000-X.plist"), "bplist00 and no more");
-    offer(continueButton);
-    EXPECT_EQ(user.errors.size(), 1);
-    EXPECT_EQ(pendingFiles().size(), 1);
-}
-
-TEST_F(ResumeTest, ALineThatWasCutOffSwallowsNoOther)
-{
-    QStringList sources;
-    for (int i = 0; i < 4; ++i) {
-        sources.append(writeImage(QStringLiteral("in/%1.png").arg(i), {20 + i, 20}));
-    }
-    import(sources.mid(0, 2));
-    cutOff(request(sources), sources.mid(0, 1)); // and leaves a torn line
-    const QString name = PendingImportFile::cutOff(folder()).value(0);
-    {
-        const auto again = PendingImportFile::open(folder(), name);
-        ASSERT_TRUE(again);
-        ASSERT_TRUE(again->addSources({{item(QStringLiteral("1"))->bundleID(), sources.at(1), QString(), 0}}));
-    }
-    offer(continueButton);
-    EXPECT_EQ(titles(items()),
-              (QStringList{QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
 }
 
 TEST_F(ResumeTest, WhatIsInCannotBeToldSoNothingIsImportedUntilItCan)
@@ -390,7 +281,11 @@ TEST_F(ResumeTest, AnArchiveIsUnpackedAgainAndWhatIsInOfItIsNotTakenTwice)
         offer(continueButton);
         EXPECT_EQ(project->numberOfItems(), 1);
         ASSERT_EQ(user.notificationTexts().size(), 1);
-        EXPECT_TRUE(user.notificationTexts().first().contains(archive));
+        EXPECT_EQ(
+            user.notificationTexts().first(),
+            QStringLiteral("“%1” cannot be found. The import is kept: go on with it once that is mended, or forget "
+                           "it.")
+                .arg(archive));
         EXPECT_FALSE(user.notificationTexts().first().contains(QStringLiteral("ZeltoTemporaryFolder")));
         ASSERT_TRUE(QDir().rename(path(QStringLiteral("unmounted")), path(QStringLiteral("disk"))));
         offer(continueButton);
@@ -497,40 +392,6 @@ TEST_F(ResumeTest, ARecordRemovesOnlyATemporaryCopyOfWhatTheLibraryHas)
     EXPECT_FALSE(QFile::exists(temporary));
 }
 
-TEST_F(ResumeTest, NothingIsReadOrWrittenThroughALinkOrAPipe)
-{
-    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
-    ASSERT_TRUE(QDir().mkpath(folder()));
-    const QString link = folder() + QStringLiteral("/1000-X.plist");
-    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), link));
-    offer(continueButton);
-    EXPECT_EQ(user.errors.size(), 1);
-    ASSERT_TRUE(QFile::remove(link));
-
-    const auto made = PendingImportFile::create(folder(), request({a}));
-    const QString name = QFileInfo(QDir(folder()).entryList({QStringLiteral("*.plist")}).value(0)).completeBaseName();
-    const QString list = folder() + u'/' + name + QStringLiteral(".sources");
-    const QString stranger = writeFile(QStringLiteral("in/notes.txt"), "a person's");
-    const QList<std::function<bool()>> traps{
-        [&] { return QFile::link(QStringLiteral("/dev/zero"), list); },
-        [&] { return ::mkfifo(QFile::encodeName(list).constData(), 0600) == 0; },
-        [&] { return QFile::link(path(QStringLiteral("in/nowhere")), list); },
-        [&] { return QFile::link(stranger, list); },
-    };
-    for (const auto &trap : traps) {
-        ASSERT_TRUE(made && trap());
-        ZQError error;
-        EXPECT_FALSE(made->sources(&error).has_value());
-        EXPECT_FALSE(error.isNull());
-        EXPECT_FALSE(made->addSources({{QStringLiteral("ID"), a, QString(), 0}}));
-        ASSERT_TRUE(QFile::remove(list));
-    }
-    EXPECT_EQ(QFileInfo(stranger).size(), 10);
-    EXPECT_FALSE(QFile::exists(path(QStringLiteral("in/nowhere"))));
-    EXPECT_TRUE(made->addSources({{QStringLiteral("ID"), a, QString(), 0}}));
-    EXPECT_EQ(made->sources().value_or(QList<PendingImportFile::Source>()).size(), 1);
-}
-
 TEST_F(ResumeTest, ADirectoryIsRemovedOnlyByAPlainName)
 {
     const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
@@ -554,23 +415,106 @@ TEST_F(ResumeTest, ADirectoryIsRemovedOnlyByAPlainName)
     EXPECT_TRUE(QFile::exists(victim));
 }
 
-TEST_F(ResumeTest, TheQuestionSaysWhichImportsAndHowMuchOfOneIsIn)
+TEST_F(ResumeTest, WhatWasOutOfReachWhenTheOthersWereGroupedComesAfterThem)
+{
+    const auto top = addProject(QStringLiteral("Top"));
+    const QString a = writeImage(QStringLiteral("in/Top/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("in/Top/b.png"), {21, 20});
+    const QString c = writeImage(QStringLiteral("in/Far/c.png"), {22, 20});
+    import({a}, top.get());
+    PendingImport pending =
+        request({path(QStringLiteral("in/Top")), path(QStringLiteral("in/Far"))}, projectsLabel()->UUID());
+    pending.groups = {{top->UUID(), {a, b}}};
+    pending.ungrouped = {path(QStringLiteral("in/Far"))};
+    cutOff(pending, {a});
+    offer(continueButton);
+    EXPECT_EQ(titles(top->items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_EQ(projectTitles().count(QStringLiteral("Far")), 1);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, WhatComesLaterKeepsItsPlaceInTheProject)
+{
+    const auto project = addProject(QStringLiteral("P"));
+    QStringList sources;
+    for (const char *name : {"a", "b", "c"}) {
+        sources.append(writeImage(QStringLiteral("in/%1.png").arg(QLatin1String(name)), {int(name[0]), 20}));
+    }
+    import({writeImage(QStringLiteral("last.png"), {20, 20})}, project.get());
+    import(sources.mid(0, 1), project.get(), 0);
+    PendingImport pending = request(sources, project->UUID());
+    pending.index = 0;
+    cutOff(pending, sources.mid(0, 1));
+    ASSERT_TRUE(QFile::rename(sources[2], sources[2] + u'~'));
+    offer(continueButton);
+    EXPECT_EQ(
+        user.notificationTexts().last(),
+        QStringLiteral("“%1” cannot be found. The import is kept: go on with it once that is mended, or forget it.")
+            .arg(sources[2]));
+    ASSERT_TRUE(QFile::rename(sources[2] + u'~', sources[2]));
+    offer(continueButton);
+    QStringList order;
+    for (const auto &member : project->pItems()) {
+        order.append(member->item()->title());
+    }
+    EXPECT_EQ(order.join(u' '), QStringLiteral("a b c last"));
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
+TEST_F(ResumeTest, FilesOfSeveralFoldersAreMissedInTheOneThatHoldsThem)
+{
+    const QString a = writeImage(QStringLiteral("disk/x/a.png"), {20, 20});
+    const QString b = writeImage(QStringLiteral("disk/y/z/b.png"), {21, 20});
+    cutOff(request({a, b}), {});
+    ASSERT_TRUE(QDir().rename(path(QStringLiteral("disk")), path(QStringLiteral("unmounted"))));
+    offer(continueButton);
+    ASSERT_EQ(user.notificationTexts().size(), 1);
+    EXPECT_EQ(
+        user.notificationTexts().first(),
+        QStringLiteral("2 files or folders cannot be found in “%1”. The import is kept: go on with it once that is "
+                       "mended, or forget it.")
+            .arg(path(QStringLiteral("disk"))));
+    EXPECT_EQ(user.notifications.first().position, 1);
+    EXPECT_EQ(user.notifications.first().seconds, 6);
+    offer(forgetButton);
+    cutOff(request({QStringLiteral("/gone1/a.png"), QStringLiteral("/gone2/a.png")}), {});
+    offer(continueButton);
+    EXPECT_TRUE(user.notificationTexts().last().contains(QStringLiteral("found in “/”")));
+}
+
+TEST_F(ResumeTest, APathThatWasAskedForTwiceIsImportedAsOften)
 {
     const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
-    const QString b = writeImage(QStringLiteral("in/b\033.png"), {21, 20});
     import({a});
-    cutOff(request({b, a, path(QStringLiteral("in/c.png"))}), {a});
-    offer(-1);
-    EXPECT_TRUE(user.questions.last().informativeText.contains(
-        QStringLiteral("“b\uFFFD.png” and 2 others, 1 of 3 in the library")))
-        << user.questions.last().informativeText.toStdString();
-    for (int i = 0; i < 3; ++i) {
-        cutOff(request({path(QStringLiteral("in/more%1.png").arg(i))}), {});
+    user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
+        return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::KeepBoth);
+    };
+    cutOff(request({a, a}), {a});
+    offer(continueButton);
+    EXPECT_EQ(items().size(), 2);
+}
+
+TEST_F(ResumeTest, AnArchiveThatIsStillUnpackedGoesOnAndItsFolderGoesOnlyWhereItIsOurs)
+{
+    const QString ours = AImportManager::temporaryDirectory();
+    const QString stranger = path(QStringLiteral("elsewhere/t.1"));
+    int width = 30;
+    for (const QString &holder : {ours, stranger}) {
+        const QString root = holder + QStringLiteral("/Set");
+        ASSERT_TRUE(QDir().mkpath(root));
+        ASSERT_TRUE(
+            QFile::rename(writeImage(QStringLiteral("made/a.png"), {++width, 20}), root + QStringLiteral("/a.png")));
+        ASSERT_TRUE(
+            QFile::rename(writeImage(QStringLiteral("made/b.png"), {++width, 20}), root + QStringLiteral("/note.txt")));
+        PendingImport pending = request({root}, projectsLabel()->UUID());
+        pending.archivePath = path(QStringLiteral("disk/Set.zip")); // which is gone
+        pending.archiveRoot = root;
+        cutOff(pending, {});
+        const qsizetype before = items().size();
+        offer(continueButton);
+        EXPECT_EQ(items().size(), before + 1) << root.toStdString();
+        EXPECT_EQ(QFileInfo::exists(holder), holder == stranger) << holder.toStdString();
+        EXPECT_TRUE(pendingFiles().isEmpty());
     }
-    offer(-1);
-    const QString several =
-        user.questions.last().informativeText; // three of the four; requests of one moment in any order
-    EXPECT_TRUE(several.startsWith(QStringLiteral("“b\uFFFD.png” and 2 others, “more"))) << several.toStdString();
-    EXPECT_EQ(several.count(QStringLiteral("“more")), 2) << several.toStdString();
-    EXPECT_TRUE(several.contains(QStringLiteral(".png”, …"))) << several.toStdString();
 }

@@ -8,6 +8,7 @@
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 #include "Models/DataModel/ZQModel.h"
 #include "Tests/Classes/Import/ImportFixture.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -245,4 +246,70 @@ TEST_F(TakeBackTest, WhatIsTakenBackIsAsOldAsItsDirectoryAndInThatOrder)
     for (const auto &item : found) {
         EXPECT_LT(item->import_date(), before);
     }
+}
+
+TEST_F(TakeBackTest, WhatTheStoreCannotTellOrTakeIsLeftForLater)
+{
+    import({writeImage(QStringLiteral("a.png"), {20, 20}), writeImage(QStringLiteral("b.png"), {21, 20})});
+    const QStringList directories = itemDirectories();
+    for (const auto &made : items()) {
+        if (made->title() == QStringLiteral("b")) {
+            made->deletePermanently();
+        }
+    }
+    delegate->saveAction();
+    qsizetype count = -1;
+    bool isComplete = false;
+    const auto takeBack = [&](const QStringList &names) {
+        count = -1;
+        AImportManager::sharedAImportManager().takeBackItemDirectories(names, [&](qsizetype taken, bool complete) {
+            count = taken;
+            isComplete = complete;
+        });
+        zqRunMainLoopUntil([&] { return count >= 0; });
+    };
+    takeBack({});
+    EXPECT_EQ(count, 0);
+    EXPECT_TRUE(isComplete);
+    const auto other = ZQSQLiteConnection::open(storePath(), ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    const auto rename = [&](const char *from, const char *to) {
+        EXPECT_TRUE(other->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                       .arg(QLatin1String(from), QLatin1String(to))));
+    };
+    user.onBeginProgress = [&](const std::function<void()> &) { rename("ZQLibraryBaseItem", "away"); };
+    takeBack(directories);
+    EXPECT_EQ(count, 0);
+    EXPECT_FALSE(isComplete);
+    rename("away", "ZQLibraryBaseItem");
+    user.onBeginProgress = {};
+    {
+        const RefusingStore refusing(storePath(), {QStringLiteral("ZQLibraryBaseItem")});
+        takeBack(directories);
+    }
+    EXPECT_EQ(count, 0);
+    EXPECT_FALSE(isComplete);
+    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    takeBack(directories);
+    EXPECT_FALSE(isComplete);
+    user.onBeginProgress = {};
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("a")});
+    EXPECT_EQ(itemDirectories(), directories);
+    takeBack(directories);
+    EXPECT_EQ(count, 1) << "the other one has its item";
+    EXPECT_TRUE(isComplete);
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_EQ(user.progresses.last()->text, QStringLiteral("Taking files of the library back…"));
+    EXPECT_EQ(user.progresses.last()->maximum, 2);
+    EXPECT_EQ(user.progresses.last()->done, 1);
+    EXPECT_TRUE(user.progresses.last()->isOver && user.errors.isEmpty());
+
+    QDir().mkpath(itemPath(QStringLiteral("Empty.ztlibraryitem")));
+    takeBack({QStringLiteral("Empty.ztlibraryitem")});
+    QCoreApplication::processEvents();
+    ASSERT_EQ(user.errors.size(), 1);
+    EXPECT_TRUE(user.errors.first().localizedDescription().startsWith(
+        QStringLiteral("“Empty.ztlibraryitem” in the library belongs to no item and could not be taken back. They stay "
+                       "as they are in %1.")
+            .arg(delegate->libraryDirectory())))
+        << user.errors.first().localizedDescription().toStdString();
 }

@@ -2,10 +2,22 @@
 #include "Classes/Interface/WindowUserInteraction.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Widgets/ZQProgressLine.h"
+#include "Kit/Widgets/ZQTheme.h"
 
 #include <QAbstractButton>
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QLocale>
 #include <QMainWindow>
+#include <QMessageBox>
+#include <QTemporaryDir>
 #include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
@@ -46,6 +58,48 @@ protected:
             }
         });
         poll->start(20);
+    }
+    // What somebody does once the sheet, or a window of that kind, is there.
+    template <class T>
+    static void when(std::function<void(T &)> act)
+    {
+        auto *poll = new QTimer(qApp);
+        poll->callOnTimeout([act, poll] {
+            for (QWidget *top : QApplication::topLevelWidgets()) {
+                QList<T *> found = top->findChildren<T *>();
+                if (auto *self = qobject_cast<T *>(top)) {
+                    found.prepend(self);
+                }
+                for (T *each : found) {
+                    if (each->isVisible()) {
+                        poll->stop();
+                        poll->deleteLater();
+                        act(*each);
+                        return;
+                    }
+                }
+            }
+        });
+        poll->start(5);
+    }
+    static QAbstractButton *button(const QWidget &in, const char *text)
+    {
+        for (QAbstractButton *each : in.findChildren<QAbstractButton *>()) {
+            if (each->text() == QLatin1StringView(text)) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    static QString texts(const QWidget &in)
+    {
+        QStringList result;
+        for (const QLabel *label : in.findChildren<QLabel *>()) {
+            if (label->isVisible()) {
+                result.append(label->text());
+            }
+        }
+        return result.join(u'|');
     }
     QList<DuplicatePair> pairs(int count) const
     {
@@ -159,4 +213,335 @@ TEST_F(SheetsTest, AQuestionThatGoesWithItsWindowBringsNothingIn)
     zqRunMainLoopUntil([&] { return other->property(Sheet::isShownProperty).toBool(); });
     other.reset();
     EXPECT_EQ(waiting.get(), std::optional(Choices(1, DuplicateChoice::Discard)));
+}
+
+TEST_F(SheetsTest, HangsFromTheTopOfItsWindowAndGivesTheFocusBack)
+{
+    QLineEdit before(&window);
+    before.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    before.setFocus();
+    UserQuestion question;
+    question.message = QStringLiteral("Sure?");
+    question.informativeText = QStringLiteral("More of it");
+    question.buttons = {QStringLiteral("Delete"), QStringLiteral("Keep"), QStringLiteral("Cancel")};
+    question.isDestructive = true;
+    const int top = ZQMeasure::toolbarHeight + 1;
+    when<Sheet>([&](Sheet &sheet) {
+        EXPECT_EQ(texts(sheet), QStringLiteral("Sure?|More of it"));
+        EXPECT_EQ(sheet.width(), 460);
+        EXPECT_EQ(sheet.geometry().topLeft(), QPoint(220, 0));
+        EXPECT_EQ(sheet.height(), sheet.layout()->totalHeightForWidth(460));
+        EXPECT_EQ(sheet.parentWidget()->geometry(), QRect(0, top, 900, 700 - top));
+        EXPECT_EQ(window.childAt(5, 600), sheet.parentWidget()) << "nothing below can be clicked";
+        EXPECT_EQ(QApplication::focusWidget(), button(sheet, "Delete"));
+        EXPECT_TRUE(button(sheet, "Delete")->property("destructive").toBool());
+        EXPECT_TRUE(button(sheet, "Delete")->property("primary").toBool());
+        EXPECT_FALSE(button(sheet, "Keep")->property("destructive").toBool());
+        EXPECT_FALSE(button(sheet, "Keep")->property("primary").toBool());
+        EXPECT_LT(button(sheet, "Cancel")->x(), button(sheet, "Keep")->x());
+        EXPECT_LT(button(sheet, "Keep")->x(), button(sheet, "Delete")->x());
+        const char *const round[] = {"Cancel", "Keep", "Delete"};
+        for (const char *name : round) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            EXPECT_EQ(QApplication::focusWidget(), button(sheet, name)) << "the focus stays in the sheet";
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ShiftModifier);
+        EXPECT_EQ(QApplication::focusWidget(), button(sheet, "Keep"));
+        window.resize(400, 300);
+        EXPECT_EQ(sheet.geometry().left(), 20);
+        EXPECT_EQ(sheet.width(), 360);
+        EXPECT_EQ(sheet.parentWidget()->size(), QSize(400, 300 - top));
+        window.resize(900, 700);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_X);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter);
+    });
+    EXPECT_EQ(QuestionSheet(&window, question).ask(), 1) << "Enter presses what has the focus";
+    EXPECT_EQ(QApplication::focusWidget(), &before);
+    EXPECT_FALSE(window.property(Sheet::isShownProperty).isValid());
+    for (const auto &[text, index] : {std::pair{"Delete", 0}, {"Keep", 1}, {"Cancel", 2}}) {
+        when<Sheet>([text = text](Sheet &sheet) { button(sheet, text)->click(); });
+        EXPECT_EQ(QuestionSheet(&window, question).ask(), index);
+    }
+    when<Sheet>([&](Sheet &sheet) {
+        sheet.setFocus();
+        button(sheet, "Delete")->setEnabled(false);
+        QTest::keyClick(&sheet, Qt::Key_Return);
+        EXPECT_TRUE(sheet.isVisible());
+        QTest::keyClick(&sheet, Qt::Key_Escape);
+    });
+    question.informativeText.clear();
+    EXPECT_EQ(QuestionSheet(&window, question).ask(), 2);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST_F(SheetsTest, WhatIsNotToBeAskedAgainIsKept)
+{
+    auto &defaults = ZQUserDefaults::standardUserDefaults();
+    const QString key = QStringLiteral("sheetsTestSuppress");
+    UserQuestion question;
+    question.buttons = {QStringLiteral("OK"), QStringLiteral("Cancel")};
+    question.suppressionKey = key;
+    defaults.removeObjectForKey(key);
+    for (const bool isTicked : {false, true}) {
+        when<Sheet>([&](Sheet &sheet) {
+            auto *box = sheet.findChild<QCheckBox *>();
+            EXPECT_EQ(box->text(), QStringLiteral("Do not ask again"));
+            box->setChecked(isTicked);
+            button(sheet, "OK")->click();
+        });
+        EXPECT_EQ(QuestionSheet(&window, question).ask(), 0);
+        EXPECT_EQ(defaults.boolForKey(key), isTicked);
+    }
+    defaults.removeObjectForKey(key);
+    question.suppressionKey.clear();
+    when<Sheet>([&](Sheet &sheet) {
+        EXPECT_EQ(sheet.findChild<QCheckBox *>(), nullptr);
+        button(sheet, "OK")->click();
+    });
+    QuestionSheet(&window, question).ask();
+}
+
+TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
+{
+    WindowUserInteraction user;
+    user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
+    const QList<FileConflict> asked = {{QStringLiteral("/in/a"), false, true},
+                                       {QStringLiteral("/in/b"), true, true},
+                                       {QStringLiteral("/in/c"), true, false}};
+    const auto included = [](const QList<FileConflict> &conflicts) {
+        QString result;
+        for (const FileConflict &each : conflicts) {
+            result += each.isIncluded ? u'+' : u'-';
+        }
+        return result.toStdString();
+    };
+    QList<FileConflict> conflicts = asked;
+    when<Sheet>([&](Sheet &sheet) {
+        auto *list = sheet.findChild<QListWidget *>();
+        EXPECT_EQ(sheet.width(), 560);
+        EXPECT_GE(list->height(), 190);
+        ASSERT_EQ(list->count(), 3);
+        QString states;
+        for (int row = 0; row < 3; ++row) {
+            states += list->item(row)->checkState() == Qt::Checked ? u'+' : u'-';
+            EXPECT_TRUE(list->item(row)->flags() & Qt::ItemIsUserCheckable);
+            EXPECT_EQ(list->item(row)->text(), asked[row].path);
+            EXPECT_EQ(list->item(row)->foreground().color(),
+                      zqColor(row == 0 ? ZQColorRole::Danger : ZQColorRole::Text));
+        }
+        EXPECT_EQ(states, QStringLiteral("-+-")) << "what cannot be read is left out";
+        EXPECT_EQ(list->item(0)->toolTip(), QStringLiteral("This file cannot be read."));
+        EXPECT_EQ(list->item(1)->toolTip(), QStringLiteral("/in/b"));
+        list->item(1)->setCheckState(Qt::Unchecked);
+        EXPECT_FALSE(button(sheet, "Continue")->isEnabled()) << "nothing is left to import";
+        list->item(2)->setCheckState(Qt::Checked);
+        EXPECT_TRUE(button(sheet, "Continue")->isEnabled());
+        EXPECT_LT(button(sheet, "Show in Folder")->x(), button(sheet, "Stop Import")->x());
+        button(sheet, "Show in Folder")->click(); // of none
+        QTest::keyClick(&sheet, Qt::Key_Return);
+    });
+    EXPECT_TRUE(user.resolveUnreadableFiles(conflicts));
+    EXPECT_EQ(included(conflicts), "--+");
+    conflicts = asked;
+    when<Sheet>([&](Sheet &sheet) { button(sheet, "Stop Import")->click(); });
+    EXPECT_FALSE(user.resolveUnreadableFiles(conflicts));
+    conflicts = asked;
+    press({Qt::Key_Escape});
+    EXPECT_FALSE(user.resolveUnreadableFiles(conflicts));
+    EXPECT_EQ(user.resolveDuplicates({}), std::optional(Choices()));
+}
+
+TEST_F(SheetsTest, DuplicatesSayWhatIsKnownOfBoth)
+{
+    QList<DuplicatePair> all = pairs(3);
+    all[0].existingPlaces = {QStringLiteral("Brand"), QStringLiteral("Logos")};
+    all[0].existingImportDate = QDateTime(QDate(2024, 2, 3), QTime(12, 0));
+    all[0].bytes = 2048;
+    all[0].pixelWidth = 40;
+    all[0].pixelHeight = 30;
+    all[1].existingImportDate = all[0].existingImportDate;
+    const QString size = QLocale().formattedDataSize(2048, 1, QLocale::DataSizeTraditionalFormat);
+    const QString none = QLocale().formattedDataSize(0, 1, QLocale::DataSizeTraditionalFormat);
+    when<DuplicatesSheet>([&](DuplicatesSheet &sheet) {
+        EXPECT_EQ(sheet.width(), 620);
+        QString shown = texts(sheet);
+        EXPECT_TRUE(
+            shown.contains(QStringLiteral("mark|In your library since 3 Feb 2024 · Brand, Logos\n40 × 30 · ") + size))
+            << shown.toStdString();
+        EXPECT_TRUE(shown.contains(QStringLiteral("mark copy|New\n40 × 30 · ") + size));
+        auto *all3 = sheet.findChild<QCheckBox *>();
+        EXPECT_EQ(all3->text(), QStringLiteral("Apply to all 3 duplicates"));
+        QTest::keyClick(&sheet, Qt::Key_0);
+        QTest::keyClick(&sheet, Qt::Key_4);
+        QTest::keyClick(&sheet, Qt::Key_Return); // discards, since nothing else was chosen
+        shown = texts(sheet);
+        EXPECT_TRUE(shown.contains(QStringLiteral("mark|In your library since 3 Feb 2024\n") + none));
+        EXPECT_EQ(all3->text(), QStringLiteral("Apply to the remaining 2 duplicates"));
+        QTest::keyClick(&sheet, Qt::Key_3);
+        EXPECT_TRUE(QApplication::focusWidget()->inherits("QRadioButton"));
+        button(sheet, "Next")->click();
+        EXPECT_FALSE(all3->isVisible()) << "one is left";
+        QTest::keyClick(&sheet, Qt::Key_A);
+        EXPECT_FALSE(all3->isChecked());
+        button(sheet, "Use the existing item here")->click();
+        button(sheet, "Next")->click();
+    });
+    DuplicatesSheet sheet(&window, all);
+    const int code = sheet.run();
+    EXPECT_EQ(sheet.answer(code),
+              std::optional(Choices{DuplicateChoice::Discard, DuplicateChoice::KeepBoth, DuplicateChoice::Relink}));
+    when<DuplicatesSheet>([&](DuplicatesSheet &shown) { button(shown, "Cancel")->click(); });
+    EXPECT_FALSE(resolved(2));
+}
+
+TEST_F(SheetsTest, ErrorsAndQuestionsWithoutAWindowAreDialogs)
+{
+    WindowUserInteraction user;
+    user.showNotificationWithText(QStringLiteral("nobody sees it"), 0, 1);
+    UserQuestion question;
+    question.message = QStringLiteral("Sure?");
+    question.informativeText = QStringLiteral("More");
+    question.buttons = {QStringLiteral("Delete"), QStringLiteral("Keep"), QStringLiteral("Cancel")};
+    for (const auto &[text, index] : {std::pair{"Delete", 0}, {"Keep", 1}, {"Cancel", 2}}) {
+        when<QMessageBox>([text = text](QMessageBox &box) {
+            EXPECT_EQ(box.text(), QStringLiteral("Sure?"));
+            EXPECT_EQ(box.informativeText(), QStringLiteral("More"));
+            button(box, text)->click();
+        });
+        EXPECT_EQ(user.ask(question), index);
+    }
+    when<QMessageBox>([](QMessageBox &box) { QTest::keyClick(&box, Qt::Key_Escape); });
+    EXPECT_EQ(user.ask(question), 2);
+    user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
+    const ZQError whole{QStringLiteral("Test"),
+                        1,
+                        {{ZQError::descriptionKey, QStringLiteral("It went wrong")},
+                         {ZQError::failureReasonKey, QStringLiteral("Because")}}};
+    const ZQError bare{QStringLiteral("Test"), 7, {}};
+    for (const auto &[error, shown] :
+         {std::pair{whole, QStringLiteral("It went wrong|Because")}, {bare, bare.localizedDescription()}}) {
+        QString said;
+        when<Sheet>([&](Sheet &sheet) {
+            said = texts(sheet);
+            button(sheet, "OK")->click();
+        });
+        user.presentError(error);
+        EXPECT_EQ(said, shown);
+    }
+}
+
+TEST_F(SheetsTest, FilesAreChosenAsTheyAreAskedFor)
+{
+    WindowUserInteraction user;
+    user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.png"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    FileChoice choice;
+    choice.title = QStringLiteral("Import");
+    choice.prompt = QStringLiteral("Take");
+    struct Case
+    {
+        bool isDirectory;
+        bool isSeveral;
+        QFileDialog::FileMode mode;
+    };
+    for (const Case &each : {Case{false, false, QFileDialog::ExistingFile},
+                             {false, true, QFileDialog::ExistingFiles},
+                             {true, false, QFileDialog::Directory}}) {
+        choice.directory = each.isDirectory;
+        choice.several = each.isSeveral;
+        choice.extensions =
+            each.isDirectory ? QStringList() : QStringList{QStringLiteral("png"), QStringLiteral("gif")};
+        when<QFileDialog>([&](QFileDialog &dialog) {
+            EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Import"));
+            EXPECT_EQ(dialog.labelText(QFileDialog::Accept), QStringLiteral("Take"));
+            EXPECT_EQ(dialog.fileMode(), each.mode);
+            EXPECT_EQ(dialog.testOption(QFileDialog::ShowDirsOnly), each.isDirectory);
+            EXPECT_EQ(dialog.nameFilters().first(), each.isDirectory ? dialog.nameFilters().first()
+                                                                     : QStringLiteral("Supported files (*.png *.gif)"));
+            dialog.setDirectory(folder.path());
+            dialog.selectFile(each.isDirectory ? folder.path() : path);
+            static_cast<QDialog &>(dialog).done(QDialog::Accepted);
+        });
+        EXPECT_EQ(user.chooseFilesToOpen(choice), QStringList{each.isDirectory ? folder.path() : path});
+    }
+    when<QFileDialog>([](QFileDialog &dialog) { dialog.reject(); });
+    EXPECT_EQ(user.chooseFilesToOpen(choice), QStringList());
+    choice = {};
+    choice.name = QStringLiteral("new");
+    choice.prompt = QStringLiteral("Make");
+    choice.extensions = {QStringLiteral("ztlibrary")};
+    when<QFileDialog>([&](QFileDialog &dialog) {
+        EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_EQ(dialog.defaultSuffix(), QStringLiteral("ztlibrary"));
+        EXPECT_EQ(dialog.labelText(QFileDialog::Accept), QStringLiteral("Make"));
+        EXPECT_EQ(QFileInfo(dialog.selectedFiles().value(0)).completeBaseName(), QStringLiteral("new"));
+        dialog.setDirectory(folder.path());
+        dialog.selectFile(QStringLiteral("new"));
+        static_cast<QDialog &>(dialog).done(QDialog::Accepted);
+    });
+    EXPECT_EQ(user.chooseFileToSave(choice), std::optional(folder.filePath(QStringLiteral("new.ztlibrary"))));
+    when<QFileDialog>([](QFileDialog &dialog) { dialog.reject(); });
+    EXPECT_FALSE(user.chooseFileToSave(choice));
+}
+
+TEST_F(SheetsTest, LongWorkHasALineInTheSidebarOrAWindowOfItsOwn)
+{
+    WindowUserInteraction user;
+    int cancels = 0;
+    const auto line = [] {
+        for (QWidget *top : QApplication::topLevelWidgets()) {
+            if (auto *found = top->findChild<ZQProgressLine *>()) {
+                return found;
+            }
+        }
+        return static_cast<ZQProgressLine *>(nullptr);
+    };
+    const auto wait = [](const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 20000); };
+    QWidget sidebar(&window);
+    auto *lines = new QVBoxLayout(&sidebar);
+    sidebar.show();
+    for (const bool hasWindow : {false, true}) {
+        if (hasWindow) {
+            user.setPlaces({.window = &window, .browser = {}, .sidebar = &sidebar, .progress = lines});
+        }
+        auto progress = user.beginProgress(QStringLiteral("Working…"), 4, [&] { ++cancels; });
+        EXPECT_EQ(line(), nullptr) << "what is over at once shows nothing";
+        ASSERT_TRUE(wait([&] { return line() != nullptr; }));
+        EXPECT_EQ(line()->window() == &window, hasWindow);
+        EXPECT_EQ(lines->count(), hasWindow ? 1 : 0);
+        if (!hasWindow) {
+            EXPECT_EQ(line()->window()->width(), 420);
+            EXPECT_EQ(line()->geometry().left(), 24);
+            EXPECT_TRUE(line()->window()->isVisible());
+        }
+        const auto says = [&](const char *text, const char *fraction) {
+            QString described;
+            for (const QWidget *child : line()->findChildren<QWidget *>()) {
+                described += child->accessibleDescription();
+            }
+            return line()->findChild<QLabel *>()->text() == QString::fromUtf8(text) &&
+                   described == QLatin1StringView(fraction);
+        };
+        EXPECT_TRUE(says("Working…", "0 %"));
+        progress->advanceBy(1);
+        EXPECT_TRUE(wait([&] { return says("Working…", "25 %"); }));
+        progress->advanceBy(1);
+        progress->setText(QStringLiteral("Still"));
+        progress->setMaximum(8);
+        EXPECT_TRUE(wait([&] { return says("Still", "25 %"); }));
+        progress->setMaximum(0);
+        EXPECT_TRUE(wait([&] { return says("Still", "-100 %"); })) << "how much there is is not known";
+        line()->findChild<QToolButton *>()->click();
+        EXPECT_EQ(cancels, hasWindow ? 2 : 1);
+        std::async(std::launch::async, [&] { progress.reset(); }).get(); // the last one out may be any thread
+        EXPECT_TRUE(wait([&] { return line() == nullptr; }));
+    }
+    const auto uncancellable = user.beginProgress(QStringLiteral("On"), 1, {});
+    ASSERT_TRUE(wait([&] { return line() != nullptr; }));
+    EXPECT_FALSE(line()->findChild<QToolButton *>()->isVisible());
 }

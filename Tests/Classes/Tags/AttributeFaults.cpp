@@ -3,10 +3,12 @@
 #include <QByteArray>
 #include <QHash>
 
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -16,6 +18,9 @@ namespace {
 std::mutex mutex;
 QHash<QByteArray, int> readFaults;
 QHash<QByteArray, int> writeFaults;
+QHash<QByteArray, QByteArray> answers;
+QStringList writtenNames;
+bool hidesBirthTimes = false;
 qsizetype room = -1;
 int readCount = 0;
 int writeCount = 0;
@@ -101,9 +106,30 @@ void AttributeFaults::clear()
     const std::lock_guard lock(mutex);
     readFaults.clear();
     writeFaults.clear();
+    answers.clear();
+    writtenNames.clear();
+    hidesBirthTimes = false;
     room = -1;
     readCount = 0;
     writeCount = 0;
+}
+
+void AttributeFaults::answerReading(const QString &name, const QByteArray &value)
+{
+    const std::lock_guard lock(mutex);
+    answers.insert(systemName(name), value);
+}
+
+void AttributeFaults::hideBirthTimes()
+{
+    const std::lock_guard lock(mutex);
+    hidesBirthTimes = true;
+}
+
+QStringList AttributeFaults::written() const
+{
+    const std::lock_guard lock(mutex);
+    return writtenNames;
 }
 
 int AttributeFaults::reads() const
@@ -127,6 +153,19 @@ ssize_t lgetxattr(const char *path, const char *name, void *value, size_t size) 
         errno = fault;
         return -1;
     }
+    QByteArray answer;
+    {
+        const std::lock_guard lock(mutex);
+        answer = answers.value(name);
+    }
+    if (!answer.isEmpty()) {
+        if (size > 0 && size < size_t(answer.size())) {
+            errno = ERANGE;
+            return -1;
+        }
+        std::memcpy(value, answer.constData(), std::min(size, size_t(answer.size())));
+        return ssize_t(answer.size());
+    }
     return realGet(path, name, value, size);
 }
 
@@ -140,6 +179,10 @@ int lsetxattr(const char *path, const char *name, const void *value, size_t size
         errno = fault;
         return -1;
     }
+    {
+        const std::lock_guard lock(mutex);
+        writtenNames.append(QString::fromUtf8(name).mid(qsizetype(std::strlen("user."))));
+    }
     return int(syscall(SYS_lsetxattr, path, name, value, size, flags));
 }
 
@@ -150,5 +193,16 @@ int lremovexattr(const char *path, const char *name) noexcept
         return -1;
     }
     return int(syscall(SYS_lremovexattr, path, name));
+}
+
+int statx(int folder, const char *path, int flags, unsigned int mask, struct statx *status) noexcept
+{
+    const int result = int(syscall(SYS_statx, folder, path, flags, mask, status));
+    const std::lock_guard lock(mutex);
+    if (result == 0 && hidesBirthTimes) {
+        status->stx_mask &= ~unsigned(STATX_BTIME);
+        status->stx_btime = {};
+    }
+    return result;
 }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
+#include <QStringList>
 
 // Makes the extended attributes of files fail as a bad disk, a full one or a withdrawn permission would, for as long as
 // it lives. One at a time; faults of any thread of this process.
@@ -16,7 +17,10 @@ public:
     void failReading(const QString &name, int errnoValue);
     void failWriting(const QString &name, int errnoValue); // setting and removing
     void setRoom(qsizetype bytes);                         // for names and values of one file; -1: as the disk has
+    void answerReading(const QString &name, const QByteArray &value); // whatever the file holds
+    void hideBirthTimes();                                            // as file systems that keep none
     void clear();
-    int reads() const;  // of one value each, of any file, since it was made
-    int writes() const; // that were asked for, since it was made
+    int reads() const;           // of one value each, of any file, since it was made
+    int writes() const;          // that were asked for, since it was made
+    QStringList written() const; // the names, in their order, since it was made or cleared
 };

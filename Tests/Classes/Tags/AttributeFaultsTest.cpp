@@ -85,7 +85,7 @@ TEST_F(AttributeFaultsTest, ARatingThatCouldNotBeReadStays)
 {
     ASSERT_TRUE(M::setRating(4.5, path).isNull());
     withUnreadable(ratingName, [this] {
-        TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, {}, std::nullopt, {}, 0);
+        TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, {}, std::nullopt, 0);
         TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     });
     EXPECT_EQ(M::getRating(path), 4.5);
@@ -240,6 +240,79 @@ TEST_F(AttributeFaultsTest, AFailedMainNameIsTheWritersErrorAndIsNotMirrored)
     faults.failWriting(M::openmetaKey(M::userTagsKey), EIO);
     EXPECT_TRUE(M::setUserTags(list("c"), path).isNull());
     EXPECT_EQ(tagsOf(path), list("c"));
+    path = newFile(QStringLiteral("second name"));
+    EXPECT_TRUE(M::setUserTags(list("c"), path).isNull());
+    EXPECT_FALSE(raw(path, M::openmetaTimeKey(M::userTagsKey))) << "a time of what was not written";
+}
+
+TEST_F(AttributeFaultsTest, TheMirrorsRecordSpeaksOnlyOfWhatIsThere)
+{
+    ASSERT_TRUE(M::setUserTags(list("a"), path).isNull());
+    const Attributes before = attributes();
+    faults.failWriting(DesktopMirror::tagsName, EIO);
+    ASSERT_TRUE(M::setUserTags(QStringList(), path).isNull());
+    EXPECT_EQ(raw(path, DesktopMirror::recordName), before.value(DesktopMirror::recordName));
+    EXPECT_EQ(raw(path, DesktopMirror::tagsName), QByteArray("a"));
+    ASSERT_TRUE(M::setUserTags(list("b"), path).isNull());
+    EXPECT_FALSE(raw(path, DesktopMirror::recordName)) << "which would say that somebody put it back";
+    faults.clear();
+    EXPECT_EQ(tagsOf(path), list("b a")) << "and then it counts as another program's";
+
+    path = newFile(QStringLiteral("other"));
+    faults.failWriting(DesktopMirror::recordName, EIO);
+    ASSERT_TRUE(M::setUserTags(list("a"), path).isNull());
+    faults.clear();
+    EXPECT_FALSE(raw(path, DesktopMirror::recordName));
+    EXPECT_EQ(tagsOf(path), list("a"));
+}
+
+TEST_F(AttributeFaultsTest, WhatIsWrittenLastSaysThatTheRestIsThere)
+{
+    write({list("a"), QStringLiteral("noted"), 3});
+    EXPECT_EQ(faults.written().last(), SeenFileTags::attributeName);
+    faults.clear();
+    ASSERT_TRUE(M::setXAttr(list("older"), M::openmetaKey(M::olderUserTagsKey), path).isNull());
+    ASSERT_TRUE(M::setXAttr(QDateTime::currentDateTimeUtc().addSecs(60), M::openmetaTimeKey(M::olderUserTagsKey), path)
+                    .isNull());
+    faults.clear();
+    EXPECT_EQ(tagsOf(path).first(), QStringLiteral("older"));
+    EXPECT_EQ(faults.written().mid(0, 3),
+              (QStringList{M::openmetaKey(M::userTagsKey), tagsName, M::openmetaTimeKey(M::userTagsKey)}));
+}
+
+TEST_F(AttributeFaultsTest, AValueIsReadUpToTheLengthThatIsWritten)
+{
+    QString text(4096, u'a');
+    while (ZQPropertyList::toBinary(QStringList{text})->size() > 4096) {
+        text.chop(1);
+    }
+    const QByteArray value = *ZQPropertyList::toBinary(QStringList{text});
+    ASSERT_EQ(value.size(), 4096);
+    const auto read = [this](ZQError *error) { return M::getXAttr(QStringLiteral("x"), path, error); };
+    ZQError error;
+    faults.answerReading(QStringLiteral("x"), value);
+    EXPECT_TRUE(read(&error).isValid());
+    EXPECT_TRUE(error.isNull());
+    faults.answerReading(QStringLiteral("x"), value + 'x');
+    EXPECT_FALSE(read(&error).isValid());
+    EXPECT_EQ(error.code, ERANGE);
+    faults.clear();
+    error = {};
+    faults.failReading(QStringLiteral("x"), EINVAL);
+    EXPECT_FALSE(read(&error).isValid());
+    EXPECT_TRUE(error.isNull());
+}
+
+TEST_F(AttributeFaultsTest, ARecordWithoutRoomIsKeptInTheBackup)
+{
+    faults.failWriting(SeenFileTags::attributeName, ENOSPC);
+    write({list("a"), {}, 3});
+    OpenMetaBackup::waitUntilAllWritten();
+    faults.clear();
+    EXPECT_FALSE(raw(path, SeenFileTags::attributeName));
+    const auto kept = TagBackupStore(OpenMetaBackup::folder()).find(path);
+    ASSERT_TRUE(kept && kept->seen);
+    EXPECT_EQ(SeenFileTags::fromText(*kept->seen), SeenFileTags::of({list("a"), {}, 3}));
 }
 
 TEST_F(AttributeFaultsTest, BackupsOfFilesThatAreGoneAgeAndThoseOfFilesThatAreThereDoNot)

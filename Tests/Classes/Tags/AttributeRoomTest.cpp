@@ -80,6 +80,8 @@ TEST_F(AttributeRoomTest, InEveryRoomTheMainNameHoldsTheNewTagsOrStillTheOldOnes
         leaveRoom(file, room);
         const ZQError error = OpenMeta::setUserTags(longer, file);
         faults.clear();
+        const auto mirror = raw(file, DesktopMirror::tagsName);
+        EXPECT_TRUE(!mirror || *mirror == longer.first().toUtf8()) << room << ": no other program sees what is over";
         const auto tags = tagsOf(file);
         EXPECT_EQ(tags, error.isNull() ? longer : list("old")) << room;
         EXPECT_EQ(tagsOf(file), tags) << room << ": a mirror that found no room is no removal";

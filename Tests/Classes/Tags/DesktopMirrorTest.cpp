@@ -25,10 +25,16 @@ TEST_F(DesktopMirrorTest, WhatIsWrittenShowsUnderTheDesktopsNames)
     EXPECT_EQ(raw(path, DesktopMirror::commentName), QByteArray("noted"));
 
     ASSERT_TRUE(OpenMeta::setUserTags(QStringList(), path).isNull());
+    ASSERT_TRUE(OpenMeta::setRating(0.5, path).isNull());
+    EXPECT_EQ(raw(path, DesktopMirror::ratingName), QByteArray("1"));
     ASSERT_TRUE(OpenMeta::setRating(0, path).isNull());
     EXPECT_FALSE(raw(path, DesktopMirror::tagsName));
     EXPECT_FALSE(raw(path, DesktopMirror::ratingName));
     EXPECT_EQ(tagsOf(path), QStringList());
+
+    path = newFile(QStringLiteral("bare"));
+    ASSERT_TRUE(OpenMeta::setUserTags(QStringList{QStringLiteral("x,y"), QStringLiteral(" z")}, path).isNull());
+    EXPECT_FALSE(raw(path, DesktopMirror::recordName)) << "nothing of them can be mirrored";
 }
 
 TEST_F(DesktopMirrorTest, TagsOfAFileManagerReplaceThoseThatWereMirrored)
@@ -74,11 +80,11 @@ TEST_F(DesktopMirrorTest, AForeignMirrorOfAFileNeverMirroredAddsToItsTags)
 
     path = newFile(QStringLiteral("other.png"));
     ASSERT_TRUE(OpenMeta::setXAttr(list("ours"), OpenMeta::spotlightKey(OpenMeta::userTagsKey), path).isNull());
-    ASSERT_TRUE(OpenMeta::setXAttr(2.0, OpenMeta::spotlightKey(OpenMeta::starRatingKey), path).isNull());
+    ASSERT_TRUE(OpenMeta::setXAttr(1.0, OpenMeta::spotlightKey(OpenMeta::starRatingKey), path).isNull());
     otherWrites(DesktopMirror::tagsName, "theirs");
     otherWrites(DesktopMirror::ratingName, "8");
     EXPECT_EQ(tagsOf(path), list("ours theirs"));
-    EXPECT_EQ(OpenMeta::getRating(path), 2);
+    EXPECT_EQ(OpenMeta::getRating(path), 1);
 }
 
 TEST_F(DesktopMirrorTest, ATagWrittenByAnotherOpenMetaProgramIsNotUndoneByAnOldMirror)

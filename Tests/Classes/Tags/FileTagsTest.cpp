@@ -262,14 +262,27 @@ TEST_F(FileTagsTest, TheRecordIsWrittenAfterTheValuesAndOnlyWhenAllAreInTheFile)
     EXPECT_EQ(raw(path, SeenFileTags::attributeName), record);
     EXPECT_EQ(tagsOf(path), list("a"));
 
-    for (const char *damaged : {"", "r", "r2 t12345", "r9 t", "x2 t", "r2 t123456 c1", "r2 t 3 4"}) {
+    for (const char *damaged : {"", "r", "r2 t12345", "r9 t", "x2 t", "r2 t123456 c1", "r2 t 3 4", "r2 x", "r6 t",
+                                "r/ t", "r22 t", "r2 t x0123456789abcdef", "r2 t c0123456789abcdef x"}) {
         EXPECT_FALSE(SeenFileTags::fromText(damaged)) << damaged;
+    }
+    for (const int rating : {0, 5}) {
+        const SeenFileTags seen = SeenFileTags::of({list("a b"), QStringLiteral("noted"), rating});
+        EXPECT_EQ(SeenFileTags::fromText(seen.text()), seen);
     }
     write(FileTags{});
     EXPECT_EQ(raw(path, SeenFileTags::attributeName), QByteArray("r0 t"));
     path = newFile(QStringLiteral("untouched"));
     write(FileTags{});
     EXPECT_TRUE(ZQExtendedAttributes::list(path).isEmpty());
+}
+
+TEST_F(FileTagsTest, AnUnknownRatingOfTheFileGivesWayToTheLibrarysOwn)
+{
+    ASSERT_TRUE(OpenMeta::setRating(4, path).isNull());
+    write({{}, {}, 1});
+    EXPECT_EQ(OpenMeta::getRating(path), 1);
+    EXPECT_FALSE(adopted);
 }
 
 // A copy brings along the record of another library's file.
@@ -301,8 +314,24 @@ TEST_F(FileTagsTest, AnItemMadeAnewTakesAllThatTheFileSays)
 TEST_F(FileTagsTest, ACopyThatLeavesTheLibraryCarriesNoRecord)
 {
     write({list("a"), {}, 0});
-    TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, list("a"), QStringLiteral("noted"), {}, 5);
+    TagFileWriter::sharedTagFileWriter().writeTagsToFile(path, list("a"), QStringLiteral("noted"), 5);
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_FALSE(raw(path, SeenFileTags::attributeName));
     EXPECT_EQ(OpenMeta::getRating(path), 5);
+}
+
+TEST_F(FileTagsTest, WhoAskedHearsWhichFileWasWrittenTo)
+{
+    QStringList heard;
+    for (const QString &found : {path, QString()}) {
+        TagFileWriter::Merge merge;
+        merge.find = [found] { return found; };
+        merge.library = {{QStringLiteral("a")}, {}, 0};
+        merge.willTouch = [&heard] { heard.append(QStringLiteral("touched")); };
+        merge.done = [&heard](const QString &written) { heard.append(written); };
+        TagFileWriter::sharedTagFileWriter().mergeWithFile(merge);
+    }
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    EXPECT_EQ(heard, (QStringList{QStringLiteral("touched"), path, QString()}));
+    EXPECT_EQ(OpenMeta::getUserTags(path), QStringList{QStringLiteral("a")});
 }

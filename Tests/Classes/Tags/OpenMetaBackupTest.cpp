@@ -184,10 +184,16 @@ TEST_F(OpenMetaBackupTest, ARatingAloneIsKeptToo)
         return skipWithout("room for several kilobytes of attributes in a file");
     }
     tag(path, list("a"));
-    ASSERT_TRUE(OpenMeta::setRating(3, path).isNull());
+    ASSERT_TRUE(OpenMeta::setRating(0.5, path).isNull());
     OpenMetaBackup::waitUntilAllWritten();
     replace(path);
-    EXPECT_EQ(OpenMeta::getRating(path), 3);
+    EXPECT_EQ(OpenMeta::getRating(path), 0.5);
+    const QString other = newFile(QStringLiteral("unrated"), contents);
+    tag(other, list("a"));
+    replace(other);
+    EXPECT_EQ(tagsOf(other), list("a"));
+    EXPECT_FALSE(raw(other, OpenMeta::openmetaTimeKey(OpenMeta::starRatingKey))) << "what there was not, comes not";
+    EXPECT_FALSE(raw(other, OpenMeta::spotlightKey(OpenMeta::finderCommentKey)));
 }
 
 TEST_F(OpenMetaBackupTest, WhileAnotherProcessHoldsTheListsNothingIsLost)

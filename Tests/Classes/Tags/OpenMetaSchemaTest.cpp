@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QPoint>
 
 using OpenMetaSchemaTest = TagsFixture;
 
@@ -53,6 +54,26 @@ TEST_F(OpenMetaSchemaTest, CommonTagsNameATagOnceEvenWhenAFileHasItTwice)
     ASSERT_TRUE(OpenMeta::setXAttrMetaData(list("a A b"), OpenMeta::userTagsKey, path).isNull());
     ASSERT_TRUE(OpenMeta::setUserTags(list("A b"), other).isNull());
     EXPECT_EQ(OpenMeta::getCommonUserTags({path, other}), list("a b"));
+    EXPECT_EQ(OpenMeta::getCommonUserTags({path}), list("a A b")) << "of one file they are its own";
+    ASSERT_TRUE(OpenMeta::setUserTags(list("c"), other).isNull());
+    ZQError error;
+    const QStringList three{path, other, folder.filePath(QStringLiteral("gone"))};
+    EXPECT_TRUE(OpenMeta::getCommonUserTags(three, &error).isEmpty());
+    EXPECT_TRUE(error.isNull()) << "two without a common one say it all";
+}
+
+TEST_F(OpenMetaSchemaTest, WhatCannotBeRegisteredIsAnError)
+{
+    EXPECT_FALSE(
+        OpenMeta::registerOMAttributes({{QStringLiteral("a"), QPoint(1, 2)}}, QStringLiteral("wrong")).isNull());
+    EXPECT_FALSE(QFile::exists(OpenMeta::schemaDirectory() + QStringLiteral("/wrong.openmetaschema")));
+    const QString taken = OpenMeta::schemaDirectory() + QStringLiteral("/taken.openmetaschema");
+    QDir().mkpath(taken);
+    EXPECT_FALSE(OpenMeta::registerOMAttributes({}, QStringLiteral("taken")).isNull());
+    EXPECT_TRUE(QDir().rmdir(taken));
+    EXPECT_TRUE(OpenMeta::registerOMAttributes({}, QStringLiteral("some/where/taken")).isNull());
+    EXPECT_TRUE(OpenMeta::removeSchemaFile(taken));
+    EXPECT_FALSE(OpenMeta::removeSchemaFile({}));
 }
 
 TEST_F(OpenMetaSchemaTest, RecentTagsAreTheEnteredOnesFirstEachOnceAndAtMost201)
@@ -96,4 +117,18 @@ TEST_F(OpenMetaSchemaTest, TheOriginIsReadFromEveryDesktopsNames)
     ASSERT_TRUE(
         OpenMeta::setNSArrayMetaData(list("https://own/a.png https://own/"), WhereFroms::ownKey, path).isNull());
     EXPECT_EQ(urls(), list("https://own/a.png https://own/"));
+    ASSERT_TRUE(OpenMeta::setNSArrayMetaData(list("https://own/b.png"), WhereFroms::ownKey, path).isNull());
+    EXPECT_EQ(urls(), list("https://own/b.png https://xdg/")) << "the page is where there is one";
+    ASSERT_TRUE(OpenMeta::setNSArrayMetaData(QVariantList{3, 4}, WhereFroms::ownKey, path).isNull());
+    EXPECT_EQ(urls(), (QStringList{QString(), QString()}));
+    ASSERT_TRUE(OpenMeta::setNSArrayMetaData(QStringList(), WhereFroms::ownKey, path).isNull());
+    ASSERT_TRUE(
+        OpenMeta::setXAttr(QStringLiteral("https://text/"), OpenMeta::spotlightKey(OpenMeta::whereFromsKey), path)
+            .isNull());
+    EXPECT_EQ(urls(), list("https://text/ https://xdg/"));
+    ZQExtendedAttributes::remove(path, OpenMeta::spotlightKey(OpenMeta::whereFromsKey));
+    ASSERT_TRUE(ZQExtendedAttributes::set(path, QStringLiteral("xdg.origin.url"), " https://xdg/b.png\n"));
+    EXPECT_EQ(urls(), list("https://xdg/b.png https://xdg/"));
+    path.clear();
+    EXPECT_EQ(urls(), (QStringList{QString(), QString()}));
 }

@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QPoint>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -134,6 +135,29 @@ TEST_F(OpenMetaTest, AddingAndClearingTagsKeepsTheOthers)
     ASSERT_TRUE(OpenMeta::clearUserTags(QStringList{QStringLiteral("b"), QStringLiteral("x")}, path).isNull());
     EXPECT_EQ(OpenMeta::getUserTags(path), (QStringList{QStringLiteral("a"), QStringLiteral("c")}));
     EXPECT_EQ(OpenMeta::clearUserTags(3, path).code, -1);
+    EXPECT_EQ(OpenMeta::addUserTags(3, path).code, -1);
+    const QVariant time = OpenMeta::getXAttrMetaData(OpenMeta::userTagTimeKey, path);
+    ASSERT_TRUE(OpenMeta::addUserTags(QStringList{QStringLiteral("C")}, path).isNull());
+    ASSERT_TRUE(OpenMeta::clearUserTags(QStringList{QStringLiteral("x")}, path).isNull());
+    EXPECT_EQ(OpenMeta::getXAttrMetaData(OpenMeta::userTagTimeKey, path), time) << "nothing to write";
+}
+
+TEST_F(OpenMetaTest, WhatNamesNoFileAndWhatIsNoValueIsRefused)
+{
+    for (const QString &none : {QString(), QString(path + QChar(0)), QString(path + QChar(0xd800))}) {
+        ZQError error;
+        EXPECT_EQ(OpenMeta::setXAttr(1, QStringLiteral("x"), none).code, OpenMeta::ParameterError);
+        EXPECT_FALSE(OpenMeta::getXAttr(QStringLiteral("x"), none, &error).isValid());
+        EXPECT_EQ(error.code, OpenMeta::ParameterError);
+    }
+    const ZQError noValue = OpenMeta::setXAttr(QPoint(1, 2), QStringLiteral("x"), path);
+    EXPECT_EQ(noValue.domain, OpenMeta::errorDomain);
+    EXPECT_EQ(noValue.code, OpenMeta::PropertyListError);
+    EXPECT_TRUE(ZQExtendedAttributes::list(path).isEmpty());
+    ASSERT_TRUE(ZQExtendedAttributes::set(path, QStringLiteral("empty"), QByteArray("")));
+    ZQError error;
+    EXPECT_FALSE(OpenMeta::getXAttr(QStringLiteral("empty"), path, &error).isValid());
+    EXPECT_TRUE(error.isNull());
 }
 
 TEST_F(OpenMetaTest, RatingsAreBoundedAndNoneRemovesThem)
@@ -143,11 +167,12 @@ TEST_F(OpenMetaTest, RatingsAreBoundedAndNoneRemovesThem)
         double set;
         double expected;
     };
-    for (const Case &c : {Case{7, 5}, Case{3.5, 3.5}, Case{0, 0}, Case{5, 5}, Case{-1, 0}}) {
+    for (const Case &c : {Case{7, 5}, Case{3.5, 3.5}, Case{0, 0}, Case{5, 5}, Case{-1, 0}, Case{0.5, 0.5}}) {
         EXPECT_TRUE(OpenMeta::setRating(c.set, path).isNull());
         EXPECT_EQ(OpenMeta::getRating(path), c.expected);
+        EXPECT_EQ(OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path).isValid(), c.expected > 0);
+        EXPECT_EQ(OpenMeta::getXAttrMetaDataNoSpotlightMirror(OpenMeta::starRatingKey, path).isValid(), c.expected > 0);
     }
-    EXPECT_FALSE(OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path).isValid());
     EXPECT_TRUE(OpenMeta::getXAttr(OpenMeta::openmetaTimeKey(OpenMeta::starRatingKey), path).isValid());
 }
 
@@ -171,6 +196,7 @@ TEST_F(OpenMetaTest, ReplacingCommonTagsLeavesEachFileItsOwn)
     const ZQError error = OpenMeta::setCommonUserTags({path, folder.filePath(QStringLiteral("missing")), other},
                                                       {QStringLiteral("a")}, {QStringLiteral("d")});
     EXPECT_EQ(error.code, ENOENT);
+    EXPECT_TRUE(OpenMeta::setCommonUserTags({folder.filePath(QStringLiteral("missing"))}, {}, {}).isNull());
     EXPECT_EQ(OpenMeta::getUserTags(path), (QStringList{QStringLiteral("b"), QStringLiteral("d")}));
     EXPECT_EQ(OpenMeta::getUserTags(other), (QStringList{QStringLiteral("c"), QStringLiteral("d")}));
 }
@@ -185,15 +211,24 @@ TEST_F(OpenMetaTest, NewerTagsUnderTheOlderKeyWin)
     };
     write(QDateTime::currentDateTimeUtc());
     EXPECT_EQ(OpenMeta::getUserTags(path), QStringList{QStringLiteral("present")});
-    write(QDateTime::currentDateTimeUtc().addSecs(60));
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(1'500'000'000, Qt::UTC);
+    const QString timeName = OpenMeta::openmetaTimeKey(OpenMeta::userTagsKey);
+    write(time.addMSecs(1999)); // hardly later
+    ASSERT_TRUE(OpenMeta::setXAttr(time, timeName, path).isNull());
+    EXPECT_EQ(OpenMeta::getUserTags(path), QStringList{QStringLiteral("present")});
+    write(time.addMSecs(2000));
+    ASSERT_TRUE(OpenMeta::setXAttr(time, timeName, path).isNull());
     EXPECT_EQ(OpenMeta::getUserTagsNoRestore(path), QStringList{QStringLiteral("present")});
     EXPECT_EQ(OpenMeta::getUserTags(path), older);
+    EXPECT_EQ(OpenMeta::getXAttr(OpenMeta::openmetaKey(OpenMeta::userTagsKey), path).toStringList(), older);
+    EXPECT_EQ(OpenMeta::getXAttr(timeName, path).toDateTime(), time.addMSecs(2000)) << "and that is done with";
 }
 
 TEST_F(OpenMetaTest, AnArrayTakesEachMemberOnceAndNothingButArrays)
 {
     const QString key = QStringLiteral("zeltoWhereFroms");
     EXPECT_EQ(OpenMeta::setNSArrayMetaData(QStringLiteral("a"), key, path).code, -1);
+    EXPECT_EQ(OpenMeta::addToNSArrayMetaData(QStringLiteral("a"), key, path).code, -1);
     ASSERT_TRUE(OpenMeta::setNSArrayMetaData(QStringList{QStringLiteral("a")}, key, path).isNull());
     ASSERT_TRUE(
         OpenMeta::addToNSArrayMetaData(QStringList{QStringLiteral("a"), QStringLiteral("A")}, key, path).isNull());

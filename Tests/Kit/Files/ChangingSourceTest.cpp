@@ -91,7 +91,10 @@ TEST_F(ChangingSource, IsNotCopiedWhileItNeverHoldsStill)
             EXPECT_EQ(read(copy), version(0, row.step));
             continue;
         }
-        EXPECT_EQ(error.code, EBUSY) << qPrintable(error.localizedDescription());
+        EXPECT_EQ(error.code, EBUSY);
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("“%1” changed while it was being copied. Close it in other programs and try again.")
+                      .arg(source));
         EXPECT_FALSE(QFileInfo::exists(copy));
         EXPECT_TRUE(QFileInfo::exists(source));
     }

@@ -65,9 +65,14 @@ TEST_F(FileCopy, NeverTouchesAnExistingDestination)
     EXPECT_FALSE(zqCopyFile(source, there, &error));
     EXPECT_EQ(error.code, EEXIST);
     EXPECT_FALSE(zqCopyFile(folder(QStringLiteral("package")), full, &error));
-    EXPECT_FALSE(zqLinkOrCopyFile(source, there, &error));
-    EXPECT_FALSE(zqMoveNoReplace(source, there, &error));
     EXPECT_EQ(error.code, EEXIST);
+    for (const bool isLink : {true, false}) {
+        error = {};
+        EXPECT_FALSE(isLink ? zqLinkOrCopyFile(source, there, &error).has_value()
+                            : zqMoveNoReplace(source, there, &error));
+        EXPECT_EQ(error.code, EEXIST);
+        EXPECT_EQ(error.localizedDescription(), there + QStringLiteral(": File exists"));
+    }
     EXPECT_EQ(read(there), "old");
     EXPECT_EQ(read(full + QStringLiteral("/kept")), "kept");
     EXPECT_EQ(read(source), "new");
@@ -77,27 +82,47 @@ TEST_F(FileCopy, RefusesWhatIsNoFileAndReportsWhatCannotBeRead)
 {
     const QString pipe = path(QStringLiteral("pipe"));
     ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const QString refused = QStringLiteral("“%1” is neither a file nor a folder, so it cannot be copied.");
     const struct
     {
         QString source;
         int code;
-    } rows[] = {{pipe, EINVAL},
-                {QStringLiteral("/dev/zero"), EINVAL},
-                {path(QStringLiteral("missing")), ENOENT},
-                {QString(), EINVAL},
-                {path(QStringLiteral("a")) + QChar::Null + QStringLiteral("b"), EINVAL},
-                {path(QString(300, u'x')), ENAMETOOLONG}};
+        QString text;
+    } rows[] = {
+        {pipe, EINVAL, refused.arg(pipe)},
+        {QStringLiteral("/dev/zero"), EINVAL, refused.arg(QStringLiteral("/dev/zero"))},
+        {path(QStringLiteral("missing")), ENOENT,
+         path(QStringLiteral("missing")) + QStringLiteral(": No such file or directory")},
+        {QString(), EINVAL, QStringLiteral(": Invalid argument")},
+        {path(QStringLiteral("a")) + QChar::Null + QStringLiteral("b"), EINVAL,
+         path(QStringLiteral("a")) + QChar::Null + QStringLiteral("b: Invalid argument")},
+        {path(QString(300, u'x')), ENAMETOOLONG, path(QString(300, u'x')) + QStringLiteral(": File name too long")}};
     file(QStringLiteral("a"), "a"); // what the name with a null would be cut to
     for (const auto &row : rows) {
-        ZQError error;
-        EXPECT_FALSE(zqCopyFile(row.source, path(QStringLiteral("copy")), &error));
-        EXPECT_EQ(error.code, row.code) << qPrintable(row.source);
-        EXPECT_FALSE(error.localizedDescription().isEmpty());
-        EXPECT_FALSE(QFile::exists(path(QStringLiteral("copy"))));
+        SCOPED_TRACE(qPrintable(row.source));
+        for (const auto &copy : {zqCopyFile, zqLinkOrCopyFile}) {
+            ZQError error;
+            EXPECT_FALSE(copy(row.source, path(QStringLiteral("copy")), &error, {}));
+            EXPECT_EQ(error.code, row.code);
+            EXPECT_EQ(error.localizedDescription(), row.text);
+            EXPECT_FALSE(QFile::exists(path(QStringLiteral("copy"))));
+        }
         ZQError digestError;
         EXPECT_TRUE(zqSHA1OfFile(row.source, &digestError).isEmpty());
-        EXPECT_FALSE(digestError.isNull());
+        EXPECT_EQ(digestError.localizedDescription(), row.text);
     }
+    for (const auto &copy : {zqCopyFile, zqLinkOrCopyFile}) {
+        ZQError error;
+        EXPECT_FALSE(copy(path(QStringLiteral("a")), {}, &error, {}));
+        EXPECT_EQ(error.code, EINVAL);
+        EXPECT_FALSE(copy(path(QStringLiteral("a")), path(QStringLiteral("no/folder")), &error, {}));
+        EXPECT_EQ(error.code, ENOENT);
+    }
+    ZQError error;
+    EXPECT_TRUE(zqSHA1OfFile(folder(QStringLiteral("folder")), &error).isEmpty());
+    EXPECT_EQ(error.code, EISDIR);
+    EXPECT_TRUE(zqSHA1OfFile(QStringLiteral("/proc/self/mem"), &error).isEmpty());
+    EXPECT_EQ(error.localizedDescription(), QStringLiteral("/proc/self/mem: Input/output error"));
 }
 
 TEST_F(FileCopy, TakesEveryNameTheSystemAllows)
@@ -132,8 +157,90 @@ TEST_F(FileCopy, CopiesAPackageWithItsLinksAndOddNames)
     EXPECT_EQ(readlink((QFile::encodeName(copy) + "/link").constData(), target, sizeof target), 10);
     EXPECT_STREQ(target, "inner/file");
     EXPECT_EQ(access((QFile::encodeName(copy) + "/bad\xff\xfename").constData(), F_OK), 0);
-    EXPECT_FALSE(zqCopyFile(package, package + QStringLiteral("/inner/again")));
-    EXPECT_FALSE(QFile::exists(package + QStringLiteral("/inner/again")));
+    ZQError error;
+    for (const char *const inside : {"/again", "/inner/again"}) {
+        EXPECT_FALSE(zqCopyFile(package, package + QLatin1String(inside), &error));
+        EXPECT_EQ(error.localizedDescription(), QStringLiteral("“%1” cannot be copied into itself.").arg(package));
+        EXPECT_FALSE(QFile::exists(package + QLatin1String(inside)));
+    }
+    EXPECT_TRUE(zqLinkOrCopyFile(package, package + QStringLiteral("2"))) << "its name only begins the same";
+    EXPECT_EQ(read(package + QStringLiteral("2/inner/file")), "content");
+}
+
+TEST_F(FileCopy, KeepsWhatFoldersAndLinksInAPackageCarry)
+{
+    const QString inner = folder(QStringLiteral("p/inner"));
+    ASSERT_TRUE(QFile::link(QStringLiteral("nowhere"), inner + QStringLiteral("/link")));
+    ASSERT_TRUE(ZQExtendedAttributes::set(inner, QStringLiteral("note"), "n"));
+    const timespec times[] = {{1000000000, 5}, {1234567890, 123456789}};
+    const auto statusOf = [](const QString &path) {
+        struct stat status = {};
+        EXPECT_EQ(lstat(QFile::encodeName(path).constData(), &status), 0);
+        return status;
+    };
+    for (const QString &each : {inner + QStringLiteral("/link"), inner, path(QStringLiteral("p"))}) {
+        ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(each).constData(), times, AT_SYMLINK_NOFOLLOW), 0);
+    }
+    ASSERT_EQ(chmod(QFile::encodeName(inner).constData(), 0751), 0);
+    ASSERT_TRUE(zqCopyFile(path(QStringLiteral("p")), path(QStringLiteral("copy"))));
+    for (const char *const each : {"copy", "copy/inner", "copy/inner/link"}) {
+        EXPECT_EQ(statusOf(path(QLatin1String(each))).st_mtim.tv_sec, 1234567890) << each;
+        EXPECT_EQ(statusOf(path(QLatin1String(each))).st_mtim.tv_nsec, 123456789) << each;
+    }
+    EXPECT_EQ(statusOf(path(QStringLiteral("copy/inner"))).st_mode & 0777U, 0751U);
+    EXPECT_EQ(ZQExtendedAttributes::get(path(QStringLiteral("copy/inner")), QStringLiteral("note")), QByteArray("n"));
+}
+
+TEST_F(FileCopy, MovesAFileOrAFolderAndSaysWhatStoodInTheWay)
+{
+    const QString made = folder(QStringLiteral("a"));
+    write(made + QStringLiteral("/file"), "content");
+    ZQError error;
+    EXPECT_TRUE(zqMoveNoReplace(made, path(QStringLiteral("b")), &error));
+    EXPECT_TRUE(error.isNull());
+    EXPECT_EQ(read(path(QStringLiteral("b/file"))), "content");
+    EXPECT_FALSE(QFile::exists(made));
+    const struct
+    {
+        QString from;
+        QString to;
+        int code;
+        QString named;
+    } rows[] = {{made, path(QStringLiteral("c")), ENOENT, made},
+                {path(QStringLiteral("b")), path(QStringLiteral("b/inside")), EINVAL, path(QStringLiteral("b"))},
+                {path(QStringLiteral("b")), path(QStringLiteral("no/c")), ENOENT, path(QStringLiteral("b"))},
+                {{}, path(QStringLiteral("c")), EINVAL, {}},
+                {path(QStringLiteral("b")), {}, EINVAL, {}}};
+    for (const auto &row : rows) {
+        EXPECT_FALSE(zqMoveNoReplace(row.from, row.to, &error)) << qPrintable(row.from);
+        EXPECT_EQ(error.code, row.code) << qPrintable(row.from);
+        EXPECT_TRUE(error.localizedDescription().startsWith(row.named + u':')) << qPrintable(row.from);
+    }
+    EXPECT_EQ(read(path(QStringLiteral("b/file"))), "content");
+}
+
+TEST_F(FileCopy, MakesFoldersOnTheWayAndRemovesTreesButNotBehindLinks)
+{
+    EXPECT_TRUE(zqMakeFolder(path(QStringLiteral("one/two/three//"))));
+    EXPECT_TRUE(zqMakeFolder(path(QStringLiteral("one/two"))));
+    EXPECT_TRUE(QFileInfo(path(QStringLiteral("one/two/three"))).isDir());
+    const QString kept = file(QStringLiteral("kept"), "kept");
+    EXPECT_FALSE(zqMakeFolder(kept));
+    EXPECT_FALSE(zqMakeFolder(kept + QStringLiteral("/below")));
+    EXPECT_FALSE(zqMakeFolder({}));
+    folder(QStringLiteral("outside"));
+    write(path(QStringLiteral("outside/file")), "outside");
+    write(path(QStringLiteral("one/two/.hidden")), "x");
+    ASSERT_TRUE(QFile::link(path(QStringLiteral("outside")), path(QStringLiteral("one/link"))));
+    zqRemoveTree(QFile::encodeName(path(QStringLiteral("one"))));
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("one"))));
+    EXPECT_EQ(read(path(QStringLiteral("outside/file"))), "outside");
+    zqRemoveTree(QFile::encodeName(kept));
+    zqRemoveTree(QFile::encodeName(kept));
+    EXPECT_FALSE(QFile::exists(kept));
+    EXPECT_TRUE(zqTemporaryNameBeside("/a/b").startsWith("/a/.zelto-"));
+    EXPECT_TRUE(zqTemporaryNameBeside("b").startsWith(".zelto-"));
+    EXPECT_NE(zqTemporaryNameBeside("b"), zqTemporaryNameBeside("b"));
 }
 
 TEST_F(FileCopy, LeavesNothingOfAPackageThatCannotBeCopiedWhole)
@@ -145,30 +252,6 @@ TEST_F(FileCopy, LeavesNothingOfAPackageThatCannotBeCopiedWhole)
     EXPECT_FALSE(zqCopyFile(package, path(QStringLiteral("copy")), &error));
     EXPECT_EQ(error.code, EINVAL);
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("copy"))));
-}
-
-TEST_F(FileCopy, ReadsAgainAFileThatChangedAndGivesUpOnOneThatKeepsChanging)
-{
-    const QString source = file(QStringLiteral("busy"), content(3 << 20));
-    const auto changing = [&](int times) {
-        return [&, times, asked = 0]() mutable {
-            if (asked++ % 4 == 2 && times-- > 0) {
-                QFile file(source);
-                EXPECT_TRUE(file.open(QIODevice::Append));
-                file.write("more");
-            }
-            return false;
-        };
-    };
-    const auto once = zqCopyFile(source, path(QStringLiteral("once")), nullptr, changing(1));
-    ASSERT_TRUE(once);
-    EXPECT_EQ(read(path(QStringLiteral("once"))), read(source));
-    EXPECT_EQ(once->SHA1, sha1(read(source)));
-    ZQError error;
-    EXPECT_FALSE(zqCopyFile(source, path(QStringLiteral("never")), &error, changing(1000)));
-    EXPECT_EQ(error.code, EBUSY);
-    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("changed while it was being copied")));
-    EXPECT_FALSE(QFile::exists(path(QStringLiteral("never"))));
 }
 
 TEST_F(FileCopy, StopsBetweenBlocksWhenCancelled)
@@ -231,7 +314,20 @@ TEST_F(FileCopy, WritesAtomicallyThroughALink)
     ZQError error;
     EXPECT_FALSE(zqWriteFileAtomically(path(QStringLiteral("no/folder")), "x", &error));
     EXPECT_EQ(error.code, ENOENT);
-    EXPECT_TRUE(zqSyncFileSystem(real));
+    EXPECT_FALSE(zqWriteFileAtomically({}, "x", &error));
+    EXPECT_EQ(error.code, EINVAL);
+    EXPECT_FALSE(zqWriteFileAtomically(folder(QStringLiteral("folder")), "x", &error));
+    EXPECT_EQ(error.localizedDescription(), path(QStringLiteral("folder: Is a directory")));
+    EXPECT_EQ(QDir(path({})).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 4); // TMPDIR too
+    ASSERT_TRUE(zqWriteFileAtomically(path(QStringLiteral("new")), "n"));
+    EXPECT_EQ(read(path(QStringLiteral("new"))), "n");
+    error = {};
+    EXPECT_TRUE(zqSyncFileSystem(real, &error));
+    EXPECT_TRUE(error.isNull());
+    EXPECT_FALSE(zqSyncFileSystem(path(QStringLiteral("missing")), &error));
+    EXPECT_EQ(error.code, ENOENT);
+    EXPECT_FALSE(zqSyncFileSystem({}, &error));
+    EXPECT_EQ(error.code, EINVAL);
 }
 
 TEST_F(FileCopy, AnswersAFilesDates)
@@ -243,6 +339,9 @@ TEST_F(FileCopy, AnswersAFilesDates)
     ASSERT_TRUE(dates);
     EXPECT_EQ(dates->modification, 1234567890123);
     EXPECT_GT(dates->attributeModification, dates->modification);
+    EXPECT_TRUE(dates->birth == dates->modification ||
+                (dates->birth > dates->modification && dates->birth <= dates->attributeModification));
+    EXPECT_FALSE(zqFileDates({}));
     EXPECT_FALSE(zqFileDates(path(QStringLiteral("missing"))));
 }
 
@@ -265,6 +364,24 @@ TEST_F(ExtendedAttributes, AreSetReadListedAndRemoved)
     EXPECT_EQ(names, QStringList({name, QStringLiteral("empty")}));
     EXPECT_TRUE(ZQExtendedAttributes::remove(made, name));
     EXPECT_EQ(ZQExtendedAttributes::get(made, name), std::nullopt);
+    for (const qsizetype size : {511, 512, 513, 2000}) {
+        ASSERT_TRUE(ZQExtendedAttributes::set(made, name, content(size), &error));
+        EXPECT_EQ(ZQExtendedAttributes::get(made, name, &error), content(size));
+    }
+    names.clear();
+    for (int i = 0; i < 12; ++i) { // more names than are read in one go
+        names.append(QStringLiteral("%1-").arg(i + 10).leftJustified(100, u'n'));
+        ASSERT_TRUE(ZQExtendedAttributes::set(made, names.last(), "", &error))
+            << qPrintable(error.localizedDescription());
+    }
+    names.append({name, QStringLiteral("empty")});
+    QStringList found = ZQExtendedAttributes::list(made, &error);
+    found.sort();
+    names.sort();
+    EXPECT_EQ(found, names);
+    EXPECT_TRUE(error.isNull());
+    EXPECT_TRUE(ZQExtendedAttributes::list(file(QStringLiteral("b"), "b"), &error).isEmpty());
+    EXPECT_TRUE(error.isNull());
 }
 
 TEST_F(ExtendedAttributes, ReportMissingFilesAndDoNotFollowLinks)
@@ -277,6 +394,12 @@ TEST_F(ExtendedAttributes, ReportMissingFilesAndDoNotFollowLinks)
     EXPECT_EQ(error.domain, ZQError::posixDomain);
     EXPECT_EQ(ZQExtendedAttributes::get(made, QStringLiteral("x")), std::nullopt);
     EXPECT_FALSE(ZQExtendedAttributes::get(path(QStringLiteral("missing")), QStringLiteral("x"), &error));
+    EXPECT_EQ(error.code, ENOENT);
+    error = {};
+    EXPECT_TRUE(ZQExtendedAttributes::list(path(QStringLiteral("missing")), &error).isEmpty());
+    EXPECT_EQ(error.code, ENOENT);
+    error = {};
+    EXPECT_FALSE(ZQExtendedAttributes::remove(path(QStringLiteral("missing")), QStringLiteral("x"), &error));
     EXPECT_EQ(error.code, ENOENT);
     EXPECT_FALSE(ZQExtendedAttributes::set(made, QString(300, u'x'), "y", &error));
     EXPECT_EQ(error.code, ERANGE);

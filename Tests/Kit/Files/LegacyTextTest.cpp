@@ -37,6 +37,14 @@ TEST(LegacyTextTest, TheEncodingIsFoundFromTheTextsThemselves)
          QLocale::English,
          {u"测试.png"_qs, u"图片/标志.png"_qs}},
         {"CP949, by the language", {"\xBB\xE7\xC1\xF8.png"}, QLocale::Korean, {u"사진.png"_qs}},
+        {"CP949, everyday signs", {"\xB0\xA1\xB3\xAA\xB4\xD9.png"}, QLocale::Korean, {u"가나다.png"_qs}},
+        {"CP737, by the language", {"\x98\x99.png"}, QLocale::Greek, {u"αβ.png"_qs}},
+        {"CP852, by the language", {"\xA5\x88.png"}, QLocale::Polish, {u"ął.png"_qs}},
+        {"CP932, the first everyday one", {"\x88\x9F"}, QLocale::Japanese, {u"亜"_qs}},
+        {"CP932, one of the last everyday ones", {"\x97\x9F"}, QLocale::Japanese, {u"痢"_qs}},
+        {"CP437, which is a rare one in CP932", {"\x98\x9F"}, QLocale::Japanese, {u"ÿƒ"_qs}},
+        {"an accent between letters", {"d\x82j\x85.png"}, QLocale::Japanese, {u"déjà.png"_qs}},
+        {"nothing", {}, QLocale::English, {}},
         {"CP866, by the language", {"\x94\xAE\xE2\xAE.png"}, QLocale::Russian, {u"Фото.png"_qs}},
     };
     for (const Case &row : cases) {
@@ -61,4 +69,7 @@ TEST(LegacyTextTest, NoBytesAreTooOddToDecode)
         EXPECT_TRUE(text.contains(QStringLiteral("ABC"))) << encoding.constData();
     }
     EXPECT_TRUE(ZQLegacyText::decoded({}, "UTF-8").isEmpty());
+    EXPECT_EQ(ZQLegacyText::decoded("\xC3\xA9", "no encoding"), u"é"_qs);
+    EXPECT_EQ(ZQLegacyText::likelyEncoding({}), "UTF-8");
+    EXPECT_NE(ZQLegacyText::likelyEncoding({"caf\xC3"}, QLocale::English), "UTF-8") << "half a character at its end";
 }

@@ -191,6 +191,20 @@ TEST_F(MissingFiles, AreFoundBesideTheCallerWhoIsToldOnce)
     EXPECT_EQ(resolve(), made);
 }
 
+TEST_F(MissingFiles, AreFoundAtOnceByAProcessThatCanAlwaysWait)
+{
+    const QString made = folder(QStringLiteral("one/two/three")) + QStringLiteral("/a.png");
+    write(made, "a");
+    const QString far = folder(QStringLiteral("one/other/deep")) + QStringLiteral("/b.png");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(rename(made, far));
+    zqSetPersistentURLsWait(true);
+    EXPECT_EQ(zqURLFromPersistentData(reference), far);
+    zqSetPersistentURLsWait(false);
+    zqForgetPersistentURLs();
+    EXPECT_EQ(zqURLFromPersistentData(reference), QString());
+}
+
 TEST_F(MissingFiles, OfOneFolderAreLookedForTogether)
 {
     const QString start = folder(QStringLiteral("one/two"));
@@ -211,6 +225,80 @@ TEST_F(MissingFiles, OfOneFolderAreLookedForTogether)
     EXPECT_EQ(found.value(&references[1]), QFile::encodeName(other + QStringLiteral("/2")));
     EXPECT_EQ(found.size(), 2);
     EXPECT_EQ(looked, 2 + 3); // both folders, and what is in the other
+}
+
+TEST_F(MissingFiles, AreLookedForInOneGoBeforeEachIsAskedFor)
+{
+    const QString start = folder(QStringLiteral("one/two"));
+    const QString other = folder(QStringLiteral("one/other"));
+    QList<ZQPersistentURL> references;
+    constexpr int count = 40;
+    for (int i = 0; i < count; ++i) {
+        const QString made = start + QStringLiteral("/%1.png").arg(i);
+        write(made, QByteArray::number(i));
+        write(other + QStringLiteral("/%1").arg(i), "other");
+        references.append({zqDataForPersistentURL(made), {}});
+        ASSERT_TRUE(rename(made, (i % 2 == 0 ? other : start) + QStringLiteral("/moved %1").arg(i)));
+    }
+    for (const bool waits : {false, true}) {
+        zqForgetPersistentURLs();
+        settle();
+        zqSetPersistentURLsWait(waits);
+        const ZQPersistentURLCounts before = zqPersistentURLCounts();
+        zqLookForPersistentURLs(references + references);
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(zqFindPersistentURL(references.at(i).data),
+                      (i % 2 == 0 ? other : start) + QStringLiteral("/moved %1").arg(i));
+        }
+        const ZQPersistentURLCounts after = zqPersistentURLCounts();
+        const qint64 inCallers = after.entriesInCallers - before.entriesInCallers;
+        const qint64 beside = after.entriesBeside - before.entriesBeside;
+        EXPECT_LE(inCallers + beside, 5 * count) << "each folder once, and once more from further up";
+        EXPECT_EQ(beside > 0, !waits);
+    }
+    zqSetPersistentURLsWait(false);
+}
+
+TEST_F(MissingFiles, AreFoundInTheirOwnFolderHoweverLargeItIs)
+{
+    const QString start = folder(QStringLiteral("one/two"));
+    QList<QByteArray> references;
+    for (int i = 0; i < ZQFileSearch::mostEntries + 200; ++i) {
+        const QString made = start + QStringLiteral("/%1").arg(i);
+        write(made, "");
+        if (i % 400 == 0) {
+            references.append(zqDataForPersistentURL(made));
+            ASSERT_TRUE(rename(made, made + QStringLiteral(" renamed")));
+        }
+    }
+    for (qsizetype i = 0; i < references.size(); ++i) {
+        EXPECT_EQ(zqFindPersistentURL(references.at(i)), start + QStringLiteral("/%1 renamed").arg(i * 400));
+    }
+}
+
+TEST(MissingFile, TakesWhatStandsInItsPlaceOnlyWhenItWasPutAsideForIt)
+{
+    constexpr qint64 second = 1000000000;
+    const auto file = [](qint64 birth, qint64 modification, qint64 change) {
+        ZQFoundFile found;
+        found.identity.birth = birth;
+        found.modification = modification;
+        found.change = change;
+        return found;
+    };
+    const ZQFoundFile aside = file(second, 2 * second, 1000 * second);
+    struct Case
+    {
+        qint64 birth, modification;
+        bool isOfOneSaving;
+    };
+    for (const Case &each :
+         {Case{1000 * second, 1, true}, Case{1005 * second, 1, true}, Case{995 * second, 1, true},
+          Case{1005 * second + 1, 1000 * second, false}, Case{995 * second - 1, 1000 * second, false},
+          Case{0, 1005 * second, true}, Case{0, 1005 * second + 1, false}}) {
+        EXPECT_EQ(zqAreOfOneSaving(aside, file(each.birth, each.modification, 0)), each.isOfOneSaving)
+            << each.birth << " " << each.modification;
+    }
 }
 
 TEST_F(MissingFiles, RememberedAreBoundedInNumber)

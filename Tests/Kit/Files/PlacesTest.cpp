@@ -3,10 +3,14 @@
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Tests/Kit/Files/Scratch.h"
+#include "Tests/Support/Skip.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QRegularExpression>
 #include <QSet>
+
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <functional>
@@ -21,6 +25,10 @@ TEST_F(Places, FollowTheEnvironment)
     EXPECT_EQ(ZQPaths::temporaryDir(), path(QStringLiteral("TMPDIR")));
     qputenv("XDG_CONFIG_HOME", "relative/is/ignored");
     EXPECT_EQ(ZQPaths::configHome(), QDir::homePath() + QStringLiteral("/.config"));
+    EXPECT_EQ(ZQPaths::cacheHome(), path(QStringLiteral("XDG_CACHE_HOME")));
+    EXPECT_EQ(ZQPaths::runtimeDir(), path(QStringLiteral("XDG_RUNTIME_DIR")));
+    qputenv("XDG_CACHE_HOME", "/a/../b/");
+    EXPECT_EQ(ZQPaths::cacheHome(), QStringLiteral("/b"));
     qunsetenv("XDG_RUNTIME_DIR");
     EXPECT_EQ(ZQPaths::runtimeDir(), ZQPaths::temporaryDir());
 }
@@ -61,6 +69,18 @@ TEST(TypeIdentifier, EveryRawFormatConformsToTheOneType)
     EXPECT_FALSE(conforms({}, {}));
     EXPECT_EQ(preferredExtension(forMimeType(QStringLiteral("image/JPEG; charset=x"))), QStringLiteral("jpg"));
     EXPECT_EQ(forMimeType(QStringLiteral("image/unheard-of")), QString());
+    EXPECT_EQ(forMimeType(QStringLiteral("image/pjpeg")), JPEG);
+    EXPECT_EQ(forMimeType(QStringLiteral("inode/directory")), QString()) << "a folder has no extension";
+    EXPECT_EQ(mimeType(PNG), QStringLiteral("image/png"));
+    EXPECT_EQ(mimeType(PNG.toUpper()), QStringLiteral("image/png"));
+    EXPECT_EQ(mimeType(QStringLiteral("unheard.of")), QString());
+    EXPECT_EQ(extensions(TIFF), (QStringList{QStringLiteral("tiff"), QStringLiteral("tif")}));
+    EXPECT_EQ(extensions(QStringLiteral("unheard.of")), QStringList());
+    EXPECT_FALSE(conforms(QStringLiteral("unheard.of"), PNG));
+    EXPECT_FALSE(conforms(PNG, {}));
+    EXPECT_FALSE(conforms({}, PNG));
+    EXPECT_TRUE(conforms(QStringLiteral("unheard.of"), QStringLiteral("Unheard.Of")));
+    EXPECT_FALSE(conforms(QStringLiteral("public.image"), PNG));
     EXPECT_EQ(localizedDescription(PNG), QStringLiteral("PNG image"));
     EXPECT_EQ(localizedDescription({}), QStringLiteral("File"));
 }
@@ -95,8 +115,9 @@ TEST_F(Trash, KeepsWhereEachFileWas)
         EXPECT_EQ(trashed, ZQPaths::dataHome() + QStringLiteral("/Trash/files/") + name);
         const QByteArray info =
             read(ZQPaths::dataHome() + QStringLiteral("/Trash/info/") + name + QStringLiteral(".trashinfo"));
-        EXPECT_TRUE(info.startsWith("[Trash Info]\nPath=/")) << info.constData();
-        EXPECT_TRUE(info.contains("/Cat%20%C3%BC%25.png\nDeletionDate=20")) << info.constData();
+        const QRegularExpression note(QStringLiteral("^\\[Trash Info\\]\nPath=/.*/Cat%20%C3%BC%25.png\n"
+                                                     "DeletionDate=20\\d\\d-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\n$"));
+        EXPECT_TRUE(note.match(QString::fromUtf8(info)).hasMatch()) << info.constData();
     }
 }
 
@@ -116,6 +137,73 @@ TEST_F(Trash, TakesFoldersAndTheLongestNames)
     EXPECT_EQ(error.code, ENOENT);
     EXPECT_TRUE(
         QDir(ZQPaths::dataHome() + QStringLiteral("/Trash/info")).entryList({QStringLiteral("missing*")}).isEmpty());
+}
+
+TEST_F(Trash, SaysWhyItTakesNothingAndLeavesNoNote)
+{
+    const QString made = file(QStringLiteral("a"), "a");
+    const QString trash = ZQPaths::dataHome() + QStringLiteral("/Trash");
+    const auto told = [&](const QString &what) {
+        ZQError error;
+        EXPECT_FALSE(ZQTrash::recycle(what, nullptr, &error));
+        EXPECT_EQ(read(made), "a");
+        return error.localizedDescription();
+    };
+    EXPECT_EQ(told({}), QStringLiteral(": Invalid argument"));
+    folder(QStringLiteral("XDG_DATA_HOME"));
+    folder(QStringLiteral("elsewhere"));
+    ASSERT_TRUE(QFile::link(path(QStringLiteral("elsewhere")), trash));
+    EXPECT_EQ(told(made), trash + QStringLiteral(": Permission denied")) << "a link may lead anywhere";
+    ASSERT_TRUE(QFile::remove(trash));
+    write(trash, "in the way");
+    EXPECT_EQ(told(made), trash + QStringLiteral(": Permission denied"));
+    ASSERT_TRUE(QFile::remove(trash));
+    EXPECT_EQ(told(ZQPaths::dataHome()), ZQPaths::dataHome() + QStringLiteral(": Invalid argument")) << "it lies in it";
+    EXPECT_TRUE(QDir(trash + QStringLiteral("/info")).isEmpty());
+    EXPECT_TRUE(QDir(path(QStringLiteral("elsewhere"))).isEmpty());
+}
+
+TEST_F(Trash, NumbersANameUntilThereAreTooMany)
+{
+    const QString trash = ZQPaths::dataHome() + QStringLiteral("/Trash");
+    folder(QStringLiteral("XDG_DATA_HOME/Trash/info"));
+    folder(QStringLiteral("XDG_DATA_HOME/Trash/files"));
+    write(trash + QStringLiteral("/files/a.png"), "without a note");
+    QString trashed;
+    ASSERT_TRUE(ZQTrash::recycle(file(QStringLiteral("a.png"), "a"), &trashed));
+    EXPECT_EQ(trashed, trash + QStringLiteral("/files/a 2.png"));
+    EXPECT_EQ(QDir(trash + QStringLiteral("/info")).entryList(QDir::Files),
+              QStringList{QStringLiteral("a 2.png.trashinfo")});
+    EXPECT_EQ(read(trash + QStringLiteral("/files/a.png")), "without a note");
+    for (int number = 3; number < 10000; ++number) {
+        write(trash + QStringLiteral("/info/a %1.png.trashinfo").arg(number), {});
+    }
+    ASSERT_TRUE(ZQTrash::recycle(file(QStringLiteral("a.png"), "a"), &trashed));
+    EXPECT_EQ(trashed, trash + QStringLiteral("/files/a 10000.png"));
+    ZQError error;
+    EXPECT_FALSE(ZQTrash::recycle(file(QStringLiteral("a.png"), "a"), nullptr, &error));
+    EXPECT_EQ(error.localizedDescription(),
+              QStringLiteral("The trash holds too many files named “a.png”. Empty it and try again."));
+    EXPECT_EQ(read(path(QStringLiteral("a.png"))), "a");
+}
+
+TEST_F(Trash, ShortensNamesThatLeaveNoRoomForTheNote)
+{
+    const struct
+    {
+        QString name;
+        QString trashed;
+    } rows[] = {{QString(245, u'n'), QString(245, u'n')},
+                {QString(246, u'x'), QString(245, u'x')},
+                {QString(245, u'm') + QStringLiteral(".png"), QString(241, u'm') + QStringLiteral(".png")},
+                {QString(215, u'o') + u'.' + QString(32, u'e'), QString(212, u'o') + u'.' + QString(32, u'e')},
+                {QString(215, u'p') + u'.' + QString(33, u'e'), QString(215, u'p') + u'.' + QString(29, u'e')},
+                {QStringLiteral("💡").repeated(62), QStringLiteral("💡").repeated(61)}};
+    for (const auto &row : rows) {
+        QString trashed;
+        ASSERT_TRUE(ZQTrash::recycle(file(row.name, "x"), &trashed));
+        EXPECT_EQ(trashed, ZQPaths::dataHome() + QStringLiteral("/Trash/files/") + row.trashed);
+    }
 }
 
 TEST_F(Trash, IsRecognisedInEveryLayout)
@@ -263,4 +351,85 @@ TEST_F(Watcher, StopsAtARemovedRoot)
     write(two + QStringLiteral("/a"), "x");
     ASSERT_TRUE(watching.waitForChangeOf(two));
     EXPECT_FALSE(watching.changed.contains(one));
+}
+
+TEST_F(Watcher, ForgetsSubfoldersThatGoAndRootsThatGoWithAFolderAroundThem)
+{
+    const QString around = folder(QStringLiteral("around"));
+    const QString root = folder(QStringLiteral("around/a/root"));
+    const QString inner = folder(QStringLiteral("around/a/root/inner"));
+    Watching watching;
+    ASSERT_TRUE(watching.watcher.addPath(around));
+    ASSERT_TRUE(watching.watcher.addPath(root));
+    EXPECT_TRUE(watching.watcher.addPath(root)) << "it is watched";
+    EXPECT_EQ(watching.watcher.paths(), (QStringList{around, root}));
+    ASSERT_TRUE(QDir().rmdir(inner));
+    ASSERT_TRUE(watching.waitForChangeOf(root));
+    EXPECT_TRUE(watching.vanished.isEmpty());
+    folder(QStringLiteral("around/a/root/inner")); // of the same name
+    ASSERT_TRUE(watching.waitForChangeOf(inner));
+    watching.changed.clear();
+    write(inner + QStringLiteral("/file"), "x");
+    ASSERT_TRUE(watching.waitForChangeOf(inner));
+    ASSERT_EQ(::rename(QFile::encodeName(around + QStringLiteral("/a")).constData(),
+                       QFile::encodeName(path(QStringLiteral("away"))).constData()),
+              0);
+    ASSERT_TRUE(watching.waitFor([&] { return !watching.vanished.isEmpty(); }));
+    EXPECT_EQ(watching.vanished, QStringList(root));
+    EXPECT_EQ(watching.watcher.paths(), QStringList(around));
+    ASSERT_TRUE(watching.waitForChangeOf(around));
+    watching.changed.clear();
+    write(path(QStringLiteral("away/root/inner/file")), "y");
+    write(around + QStringLiteral("/marker"), "x");
+    ASSERT_TRUE(watching.waitForChangeOf(around));
+    EXPECT_EQ(watching.changed, QSet<QString>{around});
+}
+
+TEST_F(Watcher, GoesOnWithARootInsideOfOneThatIsRemovedAndTellsNothingOfTheRest)
+{
+    const QString outer = folder(QStringLiteral("outer"));
+    const QString inner = folder(QStringLiteral("outer/inner"));
+    const QString beside = folder(QStringLiteral("outer/beside"));
+    Watching watching;
+    ASSERT_TRUE(watching.watcher.addPath(outer));
+    ASSERT_TRUE(watching.watcher.addPath(inner));
+    write(beside + QStringLiteral("/a"), "x");
+    write(inner + QStringLiteral("/a"), "x");
+    watching.waitFor([&] { // until the events were read, which nothing tells
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        return true;
+    });
+    watching.watcher.removePath(path(QStringLiteral("not watched")));
+    watching.watcher.removePath(outer + u'/');
+    EXPECT_EQ(watching.watcher.paths(), QStringList(inner));
+    write(beside + QStringLiteral("/b"), "x");
+    ASSERT_TRUE(watching.waitForChangeOf(inner));
+    EXPECT_EQ(watching.changed, QSet<QString>{inner});
+}
+
+TEST_F(Watcher, LooksAtEverythingWhenTheSystemLostEvents)
+{
+    const QString root = folder(QStringLiteral("root"));
+    const QString gone = folder(QStringLiteral("gone"));
+    QFile limit(QStringLiteral("/proc/sys/fs/inotify/max_queued_events"));
+    ASSERT_TRUE(limit.open(QIODevice::ReadOnly));
+    const int most = limit.readAll().trimmed().toInt();
+    if (most > 100'000) {
+        return skipWithout("a queue of events that can be filled");
+    }
+    const QByteArray one = QFile::encodeName(file(QStringLiteral("root/one"), "1"));
+    const QByteArray two = QFile::encodeName(file(QStringLiteral("root/two"), "2"));
+    Watching watching;
+    ASSERT_TRUE(watching.watcher.addPath(root));
+    ASSERT_TRUE(watching.watcher.addPath(gone));
+    for (int i = 0; i <= most; ++i) { // one after another, since equal events become one
+        ASSERT_EQ(::chmod((i % 2 ? one : two).constData(), i % 4 < 2 ? 0600 : 0644), 0);
+    }
+    folder(QStringLiteral("root/later")); // nothing tells of it
+    ASSERT_TRUE(QDir().rmdir(gone));
+    ASSERT_TRUE(watching.waitFor([&] { return watching.below.contains(root); }));
+    EXPECT_EQ(watching.vanished, QStringList(gone));
+    watching.changed.clear();
+    write(root + QStringLiteral("/later/file"), "x");
+    ASSERT_TRUE(watching.waitForChangeOf(root + QStringLiteral("/later")));
 }

@@ -2,6 +2,8 @@
 #include "Tests/Kit/Files/Scratch.h"
 
 #include <QDateTime>
+#include <QPoint>
+#include <QUrl>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -146,4 +148,87 @@ TEST_F(UserDefaults, MayBeUsedFromSeveralThreads)
         thread.join();
     }
     EXPECT_EQ(ZQUserDefaults(store).keys().size(), 80);
+}
+
+TEST_F(UserDefaults, AreReadAsTheTypeThatIsAskedFor)
+{
+    ZQUserDefaults defaults(store);
+    defaults.registerDefaults({{key, 2.5}, {QStringLiteral("Registered"), 1}});
+    EXPECT_EQ(defaults.doubleForKey(key), 2.5);
+    EXPECT_EQ(defaults.stringForKey(key), QStringLiteral("2.5"));
+    EXPECT_TRUE(defaults.boolForKey(key));
+    EXPECT_TRUE(defaults.dataForKey(key).isNull());
+    defaults.setObjectForKey(QByteArray("d"), key);
+    EXPECT_EQ(defaults.dataForKey(key), "d");
+    defaults.setObjectForKey(QStringLiteral("text"), key);
+    EXPECT_TRUE(defaults.dataForKey(key).isEmpty());
+    defaults.setObjectForKey(QStringLiteral("Another"), QStringLiteral("Another"));
+    EXPECT_EQ(defaults.keys(), (QStringList{QStringLiteral("Another"), key, QStringLiteral("Registered")}));
+}
+
+TEST_F(UserDefaults, LieInTheirFileAsAnybodyCanReadThem)
+{
+    ZQUserDefaults defaults(store);
+    const struct
+    {
+        QVariant value;
+        const char *json;
+        QVariant back;
+    } rows[] = {
+        {QVariant(), "null", {}},
+        {true, "true", true},
+        {5, "5", qlonglong(5)},
+        {0.5, "0.5", 0.5},
+        {2.0, R"({"$real": "2"})", 2.0},
+        {QByteArray("ab"), R"({"$data": "YWI="})", QByteArray("ab")},
+        {QDateTime::fromMSecsSinceEpoch(1700000000123, Qt::UTC), R"({"$date": "2023-11-14T22:13:20.123Z"})",
+         QDateTime::fromMSecsSinceEpoch(1700000000123, Qt::UTC)},
+        {QStringList{QStringLiteral("a")}, R"(["a"])", QVariantList{QStringLiteral("a")}},
+        {QVariantMap{{QStringLiteral("$x"), 1}}, R"({"$map": {"$x": 1}})", QVariantMap{{QStringLiteral("$x"), 1LL}}},
+        {QVariantMap{{QStringLiteral("x"), QVariant()}}, R"({"x": null})",
+         QVariantMap{{QStringLiteral("x"), QVariant()}}},
+        {QVariantMap{{QStringLiteral("$real"), QStringLiteral("1")}, {QStringLiteral("b"), true}},
+         R"({"$map": {"$real": "1", "b": true}})",
+         QVariantMap{{QStringLiteral("$real"), QStringLiteral("1")}, {QStringLiteral("b"), true}}},
+        {QUrl(QStringLiteral("http://a")), R"("http://a")", QStringLiteral("http://a")},
+        {QVariantList{QPoint()}, "[null]", QVariantList{QVariant()}}};
+    for (const auto &row : rows) {
+        defaults.setObjectForKey(QVariantList{row.value}, key);
+        const QByteArray written = read(store).simplified().replace(" ", "");
+        EXPECT_EQ(written, "{\"Key\":[" + QByteArray(row.json).replace(" ", "") + "]}");
+        EXPECT_EQ(ZQUserDefaults(store).objectForKey(key).toList().value(0), row.back) << row.json;
+    }
+}
+
+TEST_F(UserDefaults, ThatCannotBeWrittenAreKeptEachAndTheirRemovalToo)
+{
+    folder(QStringLiteral("config"));
+    const QString other = QStringLiteral("Other");
+    {
+        ZQUserDefaults before(store);
+        before.setObjectForKey(1, key);
+        before.setObjectForKey(2, other);
+    }
+    ZQUserDefaults defaults(store);
+    EXPECT_EQ(defaults.integerForKey(key), 1);
+    QDir(path(QStringLiteral("config/Zelto"))).removeRecursively();
+    const QString obstacle = file(QStringLiteral("config/Zelto"), "a file where the folder belongs");
+    defaults.setObjectForKey(7, key);
+    defaults.removeObjectForKey(other);
+    EXPECT_EQ(defaults.integerForKey(key), 7);
+    EXPECT_FALSE(defaults.isSet(other));
+    EXPECT_FALSE(defaults.synchronize());
+    ASSERT_TRUE(QFile::remove(obstacle));
+    {
+        ZQUserDefaults another(store); // which knows nothing of it
+        another.setObjectForKey(3, other);
+    }
+    EXPECT_EQ(defaults.integerForKey(key), 7);
+    EXPECT_FALSE(defaults.isSet(other)) << "what was done last here holds";
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 7);
+    EXPECT_FALSE(ZQUserDefaults(store).isSet(other));
+    EXPECT_EQ(QDir(QFileInfo(store).path()).entryList(QDir::Files, QDir::Name),
+              (QStringList{QStringLiteral("defaults.json"), QStringLiteral("defaults.json.lock")}));
 }

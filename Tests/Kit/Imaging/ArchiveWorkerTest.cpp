@@ -50,7 +50,7 @@ protected:
 TEST_F(ArchiveWorkerTest, AWorkerThatFailsOrLiesCostsItsArchiveOnly)
 {
     ZQArchiveWorker worker;
-    for (const char *fault : {"crash", "size", "time", "kind", "unknown", "ended", "block", "nothing"}) {
+    for (const char *fault : {"crash", "size", "time", "kind", "opened", "unknown", "ended", "block", "nothing"}) {
         SCOPED_TRACE(fault);
         EXPECT_FALSE(extract(worker, fault));
         EXPECT_EQ(error.code, ZQArchiveReader::Unreadable);
@@ -122,4 +122,36 @@ TEST_F(ArchiveWorkerTest, SaysWhenNobodyCanUnpack)
     EXPECT_FALSE(extract(worker, "good"));
     EXPECT_EQ(error.code, ZQArchiveReader::Unavailable);
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("install Zelto again")));
+}
+
+TEST_F(ArchiveWorkerTest, ReadsNothingBeforeAnArchiveIsOpenAndNothingThatIsNone)
+{
+    ZQArchiveWorker worker;
+    ZQArchiveEnd end;
+    EXPECT_FALSE(worker.nextEntry(&end));
+    EXPECT_EQ(end.kind, ZQArchiveEnd::Kind::Stopped);
+    end = {};
+    EXPECT_FALSE(worker.nextBlock(&end));
+    EXPECT_EQ(end.kind, ZQArchiveEnd::Kind::Stopped);
+    for (const char *none : {"missing", "."}) {
+        end = {};
+        EXPECT_FALSE(worker.open(path(none), &end));
+        EXPECT_EQ(end.kind, ZQArchiveEnd::Kind::Damaged) << none;
+        EXPECT_EQ(worker.processID(), -1) << "no worker is started for it";
+    }
+    EXPECT_FALSE(worker.open(path("missing"), &end));
+    EXPECT_EQ(end.text, QStringLiteral("No such file or directory"));
+    ASSERT_TRUE(worker.open(archiveOf("good"), &end));
+    const auto entry = worker.nextEntry(&end);
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->name, "good");
+    EXPECT_EQ(entry->kind, ZQArchiveEntry::Kind::File);
+    EXPECT_TRUE(entry->isListed);
+    EXPECT_EQ(entry->size, 7);
+    auto block = worker.nextBlock(&end);
+    ASSERT_TRUE(block);
+    EXPECT_EQ(block->bytes, QByteArrayView("content"));
+    EXPECT_TRUE(block->isLast);
+    EXPECT_FALSE(worker.nextEntry(&end));
+    EXPECT_EQ(end.kind, ZQArchiveEnd::Kind::Whole);
 }

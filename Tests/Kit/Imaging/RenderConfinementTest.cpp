@@ -1,6 +1,7 @@
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Imaging/ZQRenderPool.h"
 #include "Tests/Kit/Imaging/ImagingSupport.h"
+#include "Tests/Support/Skip.h"
 #include "Tools/samples/SampleFormats.h"
 
 #include <QDir>
@@ -20,9 +21,14 @@ namespace {
 using Kind = ZQRenderRequest::Kind;
 constexpr QSize box(100, 100);
 
+long landlockVersion()
+{
+    return ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
+}
+
 bool hasLandlock()
 {
-    return ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) >= 1;
+    return landlockVersion() >= 1;
 }
 
 // Every call a worker may make, whatever its arguments are.
@@ -57,6 +63,7 @@ protected:
     {
         qunsetenv("ZELTO_RENDER");
         qunsetenv("ZELTO_FAULTY_WITHOUT_LANDLOCK");
+        qunsetenv("ZELTO_FAULTY_WITHOUT_SECCOMP");
     }
 
     QString fileNamed(const QString &name, const QByteArray &content)
@@ -114,6 +121,28 @@ TEST_F(RenderConfinementTest, OnlyTheCallsThatDrawingTakesAreCarriedOut)
     QStringList shorter = always;
     shorter.removeAll(QStringLiteral("clone")); // with no flag at all it is a new process
     EXPECT_EQ(allowedCalls().join(u'\n').toStdString(), shorter.join(u'\n').toStdString());
+}
+
+TEST_F(RenderConfinementTest, RulesForFilesAloneKeepAWorkerFromFilesNetworkAndOtherProcesses)
+{
+    constexpr long versionWithSignals = 6;
+    if (landlockVersion() < versionWithSignals) {
+        return skipWithout("Landlock that knows of signals (version 6)");
+    }
+    qputenv("ZELTO_FAULTY_WITHOUT_SECCOMP", "1");
+    ZQRenderPool pool({.processes = 1});
+    const QString secret = fileNamed(QStringLiteral("secret.txt"), "secret");
+    for (const auto &[name, code] : std::initializer_list<std::pair<const char *, int>>{{"read-other.png", EACCES},
+                                                                                        {"write-other.png", EACCES},
+                                                                                        {"cut-other.png", EACCES},
+                                                                                        {"connect.png", EACCES},
+                                                                                        {"listen.png", EACCES},
+                                                                                        {"signal.png", EPERM}}) {
+        EXPECT_EQ(attempt(pool, fileNamed(QLatin1String(name), secret.toUtf8())),
+                  QString::fromLocal8Bit(std::strerror(code)))
+            << name;
+    }
+    EXPECT_EQ(attempt(pool, fileNamed(QStringLiteral("write-own.png"), "x")), QStringLiteral("allowed"));
 }
 
 TEST_F(RenderConfinementTest, WithoutRulesForFilesNothingIsWrittenOrStarted)

@@ -1,5 +1,6 @@
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Imaging/ZQImagingError.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Tests/Kit/Imaging/ImagingSupport.h"
 #include "Tools/samples/SampleCollection.h"
@@ -8,6 +9,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QtEndian>
 
 #include <thread>
@@ -426,10 +428,87 @@ TEST_F(SampleTest, WritesWholeFilesThatReadBackTheSame)
     const QColor corner = colorAt(ZQImageSource::bitmapOfFile(path(QStringLiteral("a.jpg"))), 0, 0);
     EXPECT_GT(qMin(corner.red(), qMin(corner.green(), corner.blue())), 250);
     ZQError error;
-    EXPECT_FALSE(ZQImageDestination::writePNG(logo, path(QStringLiteral("no/such/folder.png")), &error));
-    EXPECT_EQ(error.domain, ZQError::posixDomain);
-    EXPECT_FALSE(ZQImageDestination::writePNG(ZQBitmap(), path(QStringLiteral("b.png")), &error));
-    EXPECT_EQ(QDir(path(QString())).entryList(QDir::Files).size(), 2);
+    const QString nowhere = path(QStringLiteral("no/such/folder.png"));
+    EXPECT_FALSE(ZQImageDestination::writePNG(logo, nowhere, &error));
+    EXPECT_EQ(error.localizedDescription(), nowhere + QStringLiteral(": No such file or directory"));
+    for (const bool isPNG : {true, false}) {
+        const QString none = path(QStringLiteral("b.png"));
+        EXPECT_FALSE(isPNG ? ZQImageDestination::writePNG(ZQBitmap(), none, &error)
+                           : ZQImageDestination::writeJPEG(ZQBitmap(), none, 90, &error));
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("The picture \"b.png\" can't be opened. There is no picture to write."));
+    }
+    ASSERT_TRUE(QDir().mkpath(path(QStringLiteral("folder"))));
+    EXPECT_FALSE(ZQImageDestination::writePNG(logo, path(QStringLiteral("folder")), &error));
+    EXPECT_EQ(error.localizedDescription(), path(QStringLiteral("folder")) + QStringLiteral(": Is a directory"));
+    EXPECT_EQ(QDir(path(QString())).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name),
+              (QStringList{QStringLiteral("a.jpg"), QStringLiteral("a.png"), QStringLiteral("folder")}));
+}
+
+TEST_F(SampleTest, WritesTransparencyWhereThereIsSomeAndWhiteBehindItWhereThereCannotBe)
+{
+    QImage image(2, 1, QImage::Format_RGBA8888);
+    image.setPixelColor(0, 0, QColor(10, 20, 30));
+    image.setPixelColor(1, 0, QColor(200, 100, 50));
+    const QString file = path(QStringLiteral("a.png"));
+    for (const bool hasAlpha : {false, true}) {
+        if (hasAlpha) {
+            image.setPixelColor(1, 0, QColor(200, 100, 50, 128));
+        }
+        ASSERT_TRUE(ZQImageDestination::writePNG(ZQBitmap(image), file));
+        EXPECT_EQ(ZQImageSource::bitmapOfFile(file).image(), image);
+        EXPECT_EQ(ZQImageSource::propertiesOfFile(file)->hasAlpha, hasAlpha);
+    }
+    QImage flat(16, 16, QImage::Format_RGBA8888);
+    flat.fill(QColor(0, 0, 0, 51));
+    const QString jpeg = path(QStringLiteral("a.jpg"));
+    ASSERT_TRUE(ZQImageDestination::writeJPEG(ZQBitmap(flat), jpeg, 100));
+    EXPECT_NEAR(colorAt(ZQImageSource::bitmapOfFile(jpeg), 0.5, 0.5).green(), 204, 1);
+    const ZQBitmap scene(smallScene());
+    QList<qint64> sizes;
+    for (const int quality : {-5, 1, 50, 100, 900}) {
+        ASSERT_TRUE(ZQImageDestination::writeJPEG(scene, jpeg, quality));
+        sizes.append(QFileInfo(jpeg).size());
+    }
+    EXPECT_EQ(sizes.at(0), sizes.at(1));
+    EXPECT_LT(sizes.at(1), sizes.at(2));
+    EXPECT_LT(sizes.at(2), sizes.at(3));
+    EXPECT_EQ(sizes.at(3), sizes.at(4));
+}
+
+TEST_F(SampleTest, APackageShowsTheBestOfItsOwnPreviews)
+{
+    const QString package = path(QStringLiteral("a.sketch"));
+    ASSERT_TRUE(QDir().mkpath(package + QStringLiteral("/QuickLook")));
+    ZQError error;
+    std::optional<ZQImageProperties> properties;
+    const auto width = [&](QSize box) {
+        return ZQPreviewService::previewOfFile(package, box, &error, 0, &properties).width();
+    };
+    EXPECT_EQ(width({50, 50}), 0);
+    EXPECT_EQ(error.localizedDescription(),
+              QStringLiteral("The picture \"a.sketch\" can't be opened. It holds no preview."));
+    int side = 10;
+    for (const char *name : {"Thumbnail.tiff", "Thumbnail.jpg", "Thumbnail.png", "Preview.pdf", "Preview.tiff",
+                             "Preview.jpg", "Preview.png"}) {
+        QImage image(++side, 5, QImage::Format_RGB32);
+        image.fill(Qt::blue);
+        const QString file = package + QStringLiteral("/QuickLook/") + QLatin1String(name);
+        ASSERT_TRUE(image.save(file, "PNG"));
+        EXPECT_EQ(width({50, 50}), side) << name;
+        ASSERT_TRUE(properties);
+        EXPECT_EQ(properties->pixelWidth, side);
+    }
+    error = {};
+    EXPECT_EQ(width({0, 50}), 0);
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::UnknownFormat));
+    std::optional<ZQImageProperties> beside;
+    const QString picture = package + QStringLiteral("/QuickLook/Preview.png");
+    EXPECT_EQ(ZQImageSource::thumbnailOfFile(picture, 0, nullptr, 0, &beside).size(), QSize(1, 1));
+    EXPECT_EQ(beside->pixelWidth, side);
+    for (const char *extension : {"jpg", "psb", "x3f"}) {
+        EXPECT_TRUE(ZQImageSource::supportedExtensions().contains(QLatin1String(extension))) << extension;
+    }
 }
 
 } // namespace

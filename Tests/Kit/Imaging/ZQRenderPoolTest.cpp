@@ -6,9 +6,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <csignal>
 #include <linux/landlock.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
@@ -87,36 +89,131 @@ protected:
 
 TEST_F(RenderPoolTest, AWorkerThatFailsCostsItsOwnRequestOnly)
 {
-    struct Row
-    {
-        const char *name;
-        ZQImagingErrorCode code;
-        const char *words;
-    };
     ZQRenderPool pool({.time = 30s, .processes = 1});
     const QString good = picture();
     ASSERT_TRUE(draws(pool, good));
-    for (const Row &row : {Row{"crash.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"leave.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"garbage.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-short.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-unsealed.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-box.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-huge.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-negative.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-area.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"greet.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"},
-                           Row{"lie-kind.png", ZQImagingErrorCode::RendererStopped, "the renderer stopped"}}) {
-        SCOPED_TRACE(row.name);
+    for (const char *row : {"crash.png", "leave.png", "garbage.png", "lie-short.png", "lie-long.png",
+                            "lie-unsealed.png", "lie-half-sealed.png", "lie-box.png", "lie-tall.png", "lie-huge.png",
+                            "lie-negative.png", "lie-area.png", "greet.png", "lie-kind.png", "bytes.png"}) {
+        SCOPED_TRACE(row);
         ZQError error;
-        const QString bad = fileNamed(QLatin1String(row.name), "x");
+        const QString bad = fileNamed(QLatin1String(row), "x");
         EXPECT_TRUE(pool.perform(Kind::Bitmap, bad, box, 0, &error).bitmap.isNull());
         EXPECT_EQ(error.domain, QStringLiteral("zelto.imaging"));
-        EXPECT_EQ(error.code, int(row.code));
-        EXPECT_TRUE(error.localizedDescription().contains(QLatin1String(row.name)));
-        EXPECT_TRUE(error.localizedDescription().contains(QLatin1String(row.words)));
+        EXPECT_EQ(error.code, int(ZQImagingErrorCode::RendererStopped));
+        EXPECT_EQ(
+            error.localizedDescription(),
+            QStringLiteral("The picture \"%1\" could not be drawn: the renderer stopped.").arg(QLatin1String(row)));
         EXPECT_TRUE(draws(pool, good));
     }
+}
+
+TEST_F(RenderPoolTest, TakesAPictureThatFitsItsBoxAndBytesThatNobodyCanChange)
+{
+    ZQRenderPool pool({.time = 30s, .processes = 1});
+    EXPECT_EQ(pool.perform(Kind::Bitmap, fileNamed(QStringLiteral("fits.png"), "x"), box, 0, nullptr).bitmap.size(),
+              box);
+    EXPECT_EQ(pool.perform(Kind::EmbeddedPicture, fileNamed(QStringLiteral("bytes.png"), "x"), {}, 0, nullptr).bytes,
+              QByteArray("bytes"));
+    for (const char *bad : {"bytes-none.png", "bytes-unsealed.png", "bytes-many.png", "fits.png", "lie-kind.png"}) {
+        ZQError error;
+        EXPECT_TRUE(
+            pool.perform(Kind::EmbeddedPicture, fileNamed(QLatin1String(bad), "x"), {}, 0, &error).bytes.isEmpty());
+        EXPECT_EQ(error.code, int(ZQImagingErrorCode::RendererStopped)) << bad;
+    }
+}
+
+TEST_F(RenderPoolTest, WhatIsNoFileWithAnythingInItIsNotHandedToAWorker)
+{
+    ZQRenderPool pool({.processes = 1});
+    const QString pipe = path(QStringLiteral("pipe"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString &none :
+         {pipe, path({}), path(QStringLiteral("missing")), fileNamed(QStringLiteral("empty"), {})}) {
+        ZQError error;
+        EXPECT_TRUE(pool.perform(Kind::Bitmap, none, box, 0, &error).bitmap.isNull());
+        const bool isEmpty = none.endsWith(QStringLiteral("empty"));
+        EXPECT_EQ(error.code, int(isEmpty ? ZQImagingErrorCode::Empty : ZQImagingErrorCode::CannotRead));
+        EXPECT_EQ(error.userInfo.value(ZQError::failureReasonKey).toString(),
+                  isEmpty ? QStringLiteral("The file is empty.")
+                          : QStringLiteral("It does not exist or you don't have the permission to read it."));
+    }
+    EXPECT_TRUE(pool.processIDs().empty());
+}
+
+TEST_F(RenderPoolTest, PreparesOneWorkerAndRemovesTheFoldersOfThoseLeftBehind)
+{
+    QDir temporary(QDir::tempPath());
+    const QString left = QStringLiteral("zelto-render.999999999.left");
+    const QString used = QStringLiteral("zelto-render.%1.used").arg(::getpid());
+    ASSERT_TRUE(temporary.mkpath(left + QStringLiteral("/inner")) && temporary.mkpath(used));
+    ZQRenderPool pool({.processes = 3});
+    pool.prepare();
+    pool.prepare();
+    std::vector<pid_t> workers;
+    while (workers.empty()) {
+        workers = pool.processIDs();
+        std::this_thread::sleep_for(1ms);
+    }
+    EXPECT_TRUE(draws(pool, picture()));
+    pool.prepare();
+    EXPECT_EQ(pool.processIDs(), workers);
+    EXPECT_FALSE(temporary.exists(left));
+    EXPECT_TRUE(temporary.exists(used));
+    EXPECT_TRUE(temporary.rmdir(used));
+}
+
+TEST_F(RenderPoolTest, ClosingEndsWhatIsBeingDrawnAndStartsNothing)
+{
+    const qsizetype foldersBefore = workerFolders();
+    ZQRenderPool pool({.time = 60s, .processes = 2});
+    const QString good = picture();
+    ASSERT_TRUE(draws(pool, good));
+    ZQError error;
+    std::thread asking([&] { pool.perform(Kind::Bitmap, fileNamed(QStringLiteral("hang.png"), "x"), box, 0, &error); });
+    pid_t worker = -1;
+    while (worker < 0 || processesInGroup(worker) < 2) {
+        const std::vector<pid_t> all = pool.processIDs();
+        worker = all.empty() ? -1 : all.back();
+        std::this_thread::sleep_for(10ms);
+    }
+    pool.close();
+    EXPECT_TRUE(pool.processIDs().empty());
+    asking.join();
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::RendererStopped));
+    pool.close();
+    pool.prepare();
+    EXPECT_TRUE(pool.perform(Kind::Bitmap, good, box, 0, &error).bitmap.isNull());
+    EXPECT_EQ(error.localizedDescription(),
+              QStringLiteral("The picture \"picture.png\" can't be opened. Zelto is about to quit."));
+    EXPECT_TRUE(pool.processIDs().empty());
+    EXPECT_EQ(zombies(), 0);
+    EXPECT_EQ(workerFolders(), foldersBefore);
+}
+
+TEST_F(RenderPoolTest, LimitsSuitTheComputerUnlessTheyAreGiven)
+{
+    EXPECT_EQ((ZQRenderLimits{.memory = 5, .processes = 7}.memoryOrDefault()), 5);
+    EXPECT_EQ((ZQRenderLimits{.memory = 5, .processes = 7}.processesOrDefault()), 7);
+    EXPECT_EQ(ZQRenderLimits{.processes = 1}.processesOrDefault(), 1);
+    EXPECT_EQ(ZQRenderLimits{.memory = 1}.memoryOrDefault(), 1);
+    const int cores = int(std::thread::hardware_concurrency());
+    EXPECT_EQ(ZQRenderLimits().processesOrDefault(), cores < 2 ? 2 : cores > 2 ? 4 : 3);
+    const qint64 gigabyte = qint64(1) << 30;
+    const qint64 physical = qint64(::sysconf(_SC_PHYS_PAGES)) * ::sysconf(_SC_PAGESIZE);
+    const qint64 memory = ZQRenderLimits().memoryOrDefault();
+    EXPECT_TRUE(memory >= 3 * gigabyte && memory <= 12 * gigabyte);
+    EXPECT_TRUE(memory <= qMax(physical, 3 * gigabyte) && (memory == 12 * gigabyte || memory * 2 > physical));
+}
+
+TEST_F(RenderPoolTest, TheProgramIsTheOneNamedOrTheOneBuilt)
+{
+    EXPECT_EQ(zqRenderProgram(), QStringLiteral(ZELTO_FAULTY_RENDERER));
+    qputenv("ZELTO_RENDER", fileNamed(QStringLiteral("text"), "x").toUtf8());
+    EXPECT_EQ(zqRenderProgram(), QString()) << "it cannot be run, and no other is taken for it";
+    qunsetenv("ZELTO_RENDER");
+    EXPECT_TRUE(zqRenderProgram().endsWith(QStringLiteral("/bin/zelto-render")));
+    EXPECT_TRUE(QFileInfo(zqRenderProgram()).isExecutable());
 }
 
 TEST_F(RenderPoolTest, EveryNumberOfAnAnswerIsWithinBounds)
@@ -207,7 +304,8 @@ TEST_F(RenderPoolTest, ACancelEndsTheWorkerAndTheWaitForOne)
     }
     for (const ZQError &error : errors) {
         EXPECT_EQ(error.code, int(ZQImagingErrorCode::Cancelled));
-        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("hang.png")));
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("The picture \"hang.png\" was not drawn: that was cancelled."));
     }
     for (int i = 0; i < 1000 && processesInGroup(worker) > 0; ++i) {
         std::this_thread::sleep_for(10ms);
@@ -229,12 +327,25 @@ TEST_F(RenderPoolTest, EndsAWorkerThatTakesTooLongWithAllItStarted)
     }
     asking.join();
     EXPECT_EQ(error.code, int(ZQImagingErrorCode::TookTooLong));
-    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("took too long")));
+    EXPECT_EQ(error.localizedDescription(),
+              QStringLiteral("The picture \"hang.png\" could not be drawn: it took too long."));
     // The child is somebody else's to wait for now; it goes at once, but not at this very moment.
     for (int i = 0; i < 1000 && processesInGroup(worker) > 0; ++i) {
         std::this_thread::sleep_for(10ms);
     }
     EXPECT_EQ(processesInGroup(worker), 0);
+}
+
+TEST_F(RenderPoolTest, SaysThatMemoryRanOutHoweverMuchThatWas)
+{
+    ZQRenderPool pool({.processes = 1});
+    ZQError error;
+    EXPECT_TRUE(
+        pool.perform(Kind::Bitmap, fileNamed(QStringLiteral("no-memory.png"), "x"), {}, 0, &error).bitmap.isNull());
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::TooMuchMemory));
+    EXPECT_EQ(error.localizedDescription(),
+              QStringLiteral("The picture \"no-memory.png\" could not be drawn: it needs too much memory."));
+    EXPECT_TRUE(draws(pool, picture()));
 }
 
 TEST_F(RenderPoolTest, SaysThatAPictureNeedsTooMuchMemory)

@@ -1,6 +1,9 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Tests/Kit/Operations/ApplicationLife.h"
 
+#include <QCoreApplication>
+#include <QProcess>
 #include <QTimer>
 
 #include <gmock/gmock.h>
@@ -13,8 +16,9 @@
 using testing::ElementsAre;
 
 namespace {
+using namespace std::chrono_literals;
 const QString name = QStringLiteral("TestDidHappen");
-}
+} // namespace
 
 TEST(MainThread, RunsBlocksOfAnotherThreadThereInOrder)
 {
@@ -44,14 +48,52 @@ TEST(MainThread, RunsAtOnceWhenAskedFromItself)
 TEST(MainThread, WaitingThreadsGiveUpWhenCallsAreStopped)
 {
     std::atomic<bool> ran = false;
-    auto waiting = std::async(std::launch::async, [&] { return zqOnMainThreadAndWait([&] { ran = true; }); });
+    const auto call = [&] { return zqOnMainThreadAndWait([&] { ran = true; }); };
+    auto waiting = std::async(std::launch::async, call);
+    std::this_thread::sleep_for(50ms); // so that it does wait; right either way
     zqStopMainThreadCalls();
     EXPECT_FALSE(waiting.get()); // nobody runs the main loop meanwhile
-    auto refused = std::async(std::launch::async, [&] { return zqOnMainThreadAndWait([&] { ran = true; }); });
-    EXPECT_FALSE(refused.get());
+    EXPECT_FALSE(std::async(std::launch::async, call).get());
     zqResumeMainThreadCalls();
-    zqRunMainLoopFor(std::chrono::milliseconds(1));
+    zqServeWaitingMainThreadCalls();
+    zqRunMainLoopFor(1ms);
     EXPECT_FALSE(ran);
+    auto served = std::async(std::launch::async, call);
+    zqRunMainLoopUntil([&] { return ran.load(); });
+    EXPECT_TRUE(served.get());
+}
+
+TEST(MainThread, ServesOnlyWhatIsWaitedForAndOnlyOnItself)
+{
+    bool laterRan = false;
+    zqOnMainThread([&] { laterRan = true; });
+    std::atomic<int> served = 0;
+    const auto call = [&] {
+        return zqOnMainThreadAndWait([&] {
+            EXPECT_TRUE(zqIsMainThread());
+            ++served;
+        });
+    };
+    auto first = std::async(std::launch::async, call);
+    auto second = std::async(std::launch::async, call);
+    std::this_thread::sleep_for(50ms);
+    std::async(std::launch::async, [] { zqServeWaitingMainThreadCalls(); }).wait();
+    while (served < 2) {
+        zqServeWaitingMainThreadCalls();
+    }
+    EXPECT_TRUE(first.get() && second.get());
+    EXPECT_FALSE(laterRan);
+    zqRunMainLoopUntil([&] { return laterRan; });
+}
+
+TEST(MainThread, CallsWaitForTheApplicationAndAreRefusedOnceItEnds)
+{
+    QProcess life;
+    life.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(applicationLifeArgument)});
+    ASSERT_TRUE(life.waitForFinished());
+    EXPECT_EQ(life.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(life.exitCode(), 0);
+    EXPECT_EQ(life.readAllStandardOutput(), "refused\napplication\nfirst\nsecond\nrefused\nrefused\n");
 }
 
 TEST(MainThread, ServesTheNextCallFromALoopNestedInACall)
@@ -148,4 +190,28 @@ TEST(NotificationCenter, MergesWhatWaitsForAnIdleLoopIntoTheFirst)
     center.enqueueWhenIdle(name, nullptr, {{QStringLiteral("n"), 4}});
     zqRunMainLoopUntil([&] { return values.size() > 1; });
     EXPECT_THAT(values, ElementsAre(1, 4));
+}
+
+TEST(NotificationCenter, DeliversEachNameThatWaitsForAnIdleLoopAfterTheEventsThatWaitAlready)
+{
+    auto &center = ZQNotificationCenter::defaultCenter();
+    const QString other = QStringLiteral("OtherDidHappen");
+    std::vector<std::string> events;
+    std::vector<ZQNotificationCenter::Token> tokens;
+    for (const QString &each : {name, other}) {
+        tokens.push_back(center.addObserver(
+            each, nullptr, [&](const ZQNotification &one) { events.push_back(one.name.toStdString()); }));
+    }
+    std::thread([&] {
+        center.enqueueWhenIdle(other);
+        center.enqueueWhenIdle(name);
+        center.enqueueWhenIdle(other);
+    }).join();
+    zqOnMainThread([&] { events.push_back("event"); });
+    zqRunMainLoopUntil([&] { return events.size() >= 3; });
+    zqRunMainLoopFor(1ms);
+    EXPECT_THAT(events, ElementsAre("event", "OtherDidHappen", "TestDidHappen"));
+    tokens.clear();
+    center.postNotification(name);
+    EXPECT_EQ(events.size(), 3U);
 }

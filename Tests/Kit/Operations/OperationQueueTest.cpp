@@ -2,15 +2,22 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
+#include <QThread>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+
 #include <atomic>
 #include <future>
+#include <mutex>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
 using testing::ElementsAre;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -23,12 +30,31 @@ public:
         setExecuting(true);
         m_started.set_value();
     }
+    using ZQOperation::setExecuting;
+    using ZQOperation::setFinished;
     void end() { setFinished(true); }
     void waitUntilStarted() { m_started.get_future().wait(); }
 
 private:
     std::promise<void> m_started;
 };
+
+// "executing", "stopped", "finished", "cancelled" as they are announced, until the token goes.
+ZQOperation::Token note(const std::shared_ptr<ZQOperation> &operation, std::vector<std::string> &events)
+{
+    return operation->observe([&events, raw = operation.get()](ZQOperation::Key key) {
+        events.push_back(key == ZQOperation::Key::IsFinished    ? "finished"
+                         : key == ZQOperation::Key::IsExecuting ? (raw->isExecuting() ? "executing" : "stopped")
+                                                                : "cancelled");
+    });
+}
+
+std::string nameOfThread()
+{
+    char name[32] = "";
+    pthread_getname_np(pthread_self(), name, sizeof name);
+    return name;
+}
 
 // Keeps a queue's thread busy until it is destroyed or opened.
 class Gate
@@ -61,11 +87,16 @@ private:
 TEST(OperationQueue, RunsSeriallyInTheOrderOfAdding)
 {
     std::vector<int> order; // unguarded: one at a time is what is promised
+    std::set<std::thread::id> threads;
     ZQOperationQueue queue;
     for (int i = 0; i < 200; ++i) {
-        queue.addOperationWithBlock([&order, i] { order.push_back(i); });
+        queue.addOperationWithBlock([&, i] {
+            order.push_back(i);
+            threads.insert(std::this_thread::get_id());
+        });
     }
     queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(threads.size(), 1U);
     ASSERT_EQ(order.size(), 200u);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
     EXPECT_EQ(queue.operationCount(), 0);
@@ -77,8 +108,14 @@ TEST(OperationQueue, NeverRunsMoreThanItsMaximumAndDoesReachIt)
     std::atomic<int> running = 0;
     std::atomic<int> most = 0;
     std::atomic<int> arrived = 0;
+    std::mutex mutex;
+    std::set<std::thread::id> threads;
     for (int i = 0; i < 30; ++i) {
         queue.addOperationWithBlock([&, i] {
+            {
+                const std::lock_guard lock(mutex);
+                threads.insert(std::this_thread::get_id());
+            }
             const int now = ++running;
             int seen = most;
             while (now > seen && !most.compare_exchange_weak(seen, now)) {
@@ -92,6 +129,112 @@ TEST(OperationQueue, NeverRunsMoreThanItsMaximumAndDoesReachIt)
     }
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_EQ(most, 3);
+    EXPECT_EQ(threads.size(), 3U);
+}
+
+TEST(OperationQueue, TakesACountBelowOneAsThatOfTheProcessors)
+{
+    ZQOperationQueue queue;
+    for (const auto &[count, taken] : {std::pair(1, 1), std::pair(2, 2), std::pair(0, QThread::idealThreadCount()),
+                                       std::pair(-3, QThread::idealThreadCount()), std::pair(1, 1)}) {
+        queue.setMaxConcurrentOperationCount(count);
+        EXPECT_EQ(queue.maxConcurrentOperationCount(), taken) << count;
+    }
+}
+
+TEST(OperationQueue, GivesItsThreadsAsMuchOfItsNameAsTheSystemTakes)
+{
+    for (const auto &[name, expected] : {std::pair("zelto.a-long-name", std::string("zelto.a-long-na")),
+                                         std::pair("short", std::string("short")), std::pair("", nameOfThread())}) {
+        std::string found;
+        ZQOperationQueue queue(QString::fromLatin1(name));
+        queue.addOperationWithBlock([&] { found = nameOfThread(); });
+        queue.waitUntilAllOperationsAreFinished();
+        EXPECT_EQ(found, expected);
+    }
+}
+
+TEST(OperationQueue, ListsWhatRunsBeforeWhatWaitsAndIgnoresNothing)
+{
+    ZQOperationQueue queue;
+    Gate gate;
+    const auto running = gate.operation();
+    const auto waiting = zqBlockOperation([] {});
+    queue.addOperation(nullptr);
+    queue.addOperation(running);
+    gate.waitUntilEntered();
+    queue.addOperation(waiting);
+    EXPECT_EQ(queue.operations(), (QList<std::shared_ptr<ZQOperation>>{running, waiting}));
+    EXPECT_EQ(queue.operationCount(), 2);
+}
+
+TEST(OperationQueue, TakesOnesThatHaveFinishedAlready)
+{
+    ZQOperationQueue queue;
+    const auto finished = zqBlockOperation([] {});
+    finished->start();
+    const auto dependent = zqBlockOperation([] {});
+    dependent->addDependency(finished);
+    queue.addOperation(finished);
+    queue.addOperation(dependent);
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(queue.operationCount(), 0);
+    EXPECT_TRUE(dependent->isFinished());
+}
+
+TEST(OperationQueue, ACancelEndsTheWaitForADependency)
+{
+    ZQOperationQueue queue;
+    const auto never = std::make_shared<SelfManagedOperation>();
+    const auto waiting = std::make_shared<SelfManagedOperation>();
+    std::vector<std::string> events;
+    const auto token = note(waiting, events);
+    waiting->setCompletionBlock([&] { events.push_back("completion"); });
+    waiting->addDependency(never);
+    queue.addOperation(waiting);
+    waiting->cancel();
+    waiting->cancel(); // once only
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(events, ElementsAre("cancelled", "finished", "completion")) << "without a start";
+}
+
+TEST(OperationQueue, MayBeWaitedForByAnyThreadButItsOwn)
+{
+    ZQOperationQueue queue;
+    Gate gate;
+    queue.addOperation(gate.operation());
+    std::atomic_bool didWait = false;
+    queue.addOperationWithBlock([&] { queue.waitUntilAllOperationsAreFinished(); }); // at once
+    ZQOperationQueue another;
+    another.addOperationWithBlock([&] {
+        queue.waitUntilAllOperationsAreFinished();
+        didWait = queue.operationCount() == 0;
+    });
+    gate.waitUntilEntered();
+    std::this_thread::sleep_for(20ms); // so that the other does wait
+    gate.open();
+    another.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(didWait);
+}
+
+TEST(OperationQueue, CancelsWhatIsLeftWhenItIsDestroyed)
+{
+    std::promise<void> entered;
+    bool waitingRan = false;
+    const auto running = zqBlockOperation([&] {
+        entered.set_value();
+        while (!ZQCancellation::isCurrentCancelled()) {
+            std::this_thread::yield();
+        }
+    });
+    {
+        ZQOperationQueue queue;
+        queue.addOperation(running);
+        queue.addOperationWithBlock([&] { waitingRan = true; });
+        entered.get_future().wait();
+    }
+    EXPECT_TRUE(running->isFinished());
+    EXPECT_FALSE(waitingRan);
 }
 
 TEST(OperationQueue, CountsASelfManagedOperationUntilItFinishes)
@@ -172,12 +315,20 @@ TEST(OperationQueue, RaisingTheMaximumStartsWhatWaits)
 
 TEST(OperationQueue, SurvivesAnOperationThatThrows)
 {
+    class BrokenStart : public ZQOperation
+    {
+        void start() override { throw std::runtime_error("broken"); }
+    };
     ZQOperationQueue queue;
-    queue.addOperationWithBlock([] { throw std::runtime_error("broken"); });
+    const auto broken = zqBlockOperation([] { throw std::runtime_error("broken"); });
+    queue.addOperation(broken);
+    queue.addOperation(std::make_shared<BrokenStart>());
     bool ran = false;
     queue.addOperationWithBlock([&] { ran = true; });
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_TRUE(ran);
+    EXPECT_TRUE(broken->isFinished());
+    EXPECT_FALSE(broken->isExecuting());
 }
 
 TEST(OperationQueue, MayBeDestroyedWhileOperationsFinishElsewhere)
@@ -230,18 +381,85 @@ TEST(Operation, AnnouncesItsStatesInOrderAndTheCompletionLast)
 {
     std::vector<std::string> events;
     const auto operation = zqBlockOperation([&] { events.push_back("work"); });
-    const auto token = operation->observe([&](ZQOperation::Key key) {
-        events.push_back(key == ZQOperation::Key::IsFinished    ? "finished"
-                         : key == ZQOperation::Key::IsExecuting ? (operation->isExecuting() ? "executing" : "stopped")
-                                                                : "cancelled");
-    });
+    const auto token = note(operation, events);
     operation->setCompletionBlock([&] { events.push_back("completion"); });
     operation->start();
     operation->start(); // once only
     operation->cancel();
     EXPECT_THAT(events, ElementsAre("executing", "work", "stopped", "finished", "completion"));
     operation->setCompletionBlock([&] { events.push_back("late"); });
+    operation->setCompletionBlock(nullptr);
     EXPECT_EQ(events.back(), "late");
+    EXPECT_FALSE(operation->isCancelled()) << "it was over";
+}
+
+TEST(Operation, AnnouncesOnlyChangesOfAStateItManagesItself)
+{
+    const auto operation = std::make_shared<SelfManagedOperation>();
+    std::vector<std::string> events;
+    const auto token = note(operation, events);
+    int completions = 0;
+    operation->setCompletionBlock([&] { ++completions; });
+    operation->setExecuting(false);
+    operation->setExecuting(true);
+    operation->setExecuting(true);
+    operation->setFinished(false);
+    EXPECT_FALSE(operation->isFinished());
+    operation->setExecuting(false);
+    operation->ZQOperation::start(); // it was started
+    operation->setFinished(true);
+    operation->setFinished(true);
+    operation->setExecuting(true);
+    EXPECT_FALSE(operation->isExecuting());
+    EXPECT_THAT(events, ElementsAre("executing", "stopped", "finished"));
+    EXPECT_EQ(completions, 1);
+}
+
+TEST(Operation, DoesNotStartOnceItHasFinished)
+{
+    const auto operation = std::make_shared<SelfManagedOperation>();
+    std::vector<std::string> events;
+    const auto token = note(operation, events);
+    operation->end();
+    operation->ZQOperation::start();
+    EXPECT_THAT(events, ElementsAre("finished"));
+}
+
+TEST(Operation, LetsGoOfWhatItDependedOnAndOfItsWork)
+{
+    const auto operation = zqBlockOperation([held = std::make_shared<int>()] { EXPECT_TRUE(held); });
+    auto dependency = zqBlockOperation([] {});
+    const std::weak_ptr<ZQOperation> weak = dependency;
+    operation->addDependency(nullptr);
+    operation->addDependency(operation);
+    EXPECT_TRUE(operation->dependencies().isEmpty());
+    operation->addDependency(std::move(dependency));
+    EXPECT_EQ(operation->dependencies(), QList<std::shared_ptr<ZQOperation>>{weak.lock()});
+    operation->start();
+    EXPECT_TRUE(operation->dependencies().isEmpty());
+    EXPECT_TRUE(weak.expired());
+}
+
+TEST(Operation, IsWaitedForUntilAllWereToldOfItsEnd)
+{
+    std::atomic_bool wasTold = false;
+    std::promise<void> telling;
+    const auto operation = zqBlockOperation([] {});
+    operation->setCompletionBlock([&] {
+        telling.set_value();
+        std::this_thread::sleep_for(50ms); // so that the others do wait; right either way
+        wasTold = true;
+    });
+    ZQOperationQueue queue;
+    queue.addOperation(operation);
+    telling.get_future().wait();
+    auto elsewhere = std::async(std::launch::async, [&] {
+        operation->waitUntilFinished();
+        return wasTold.load();
+    });
+    operation->waitUntilFinished();
+    EXPECT_TRUE(wasTold);
+    EXPECT_TRUE(elsewhere.get());
 }
 
 TEST(Operation, DoesNotCallAnObserverWhoseTokenIsGone)

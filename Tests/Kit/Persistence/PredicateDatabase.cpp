@@ -15,6 +15,11 @@ void bind(sqlite3_stmt *statement, int index, const QVariant &value)
         sqlite3_bind_text(statement, index, text.constData(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
         break;
     }
+    case QMetaType::QByteArray: {
+        const QByteArray bytes = value.toByteArray();
+        sqlite3_bind_blob(statement, index, bytes.constData(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
+        break;
+    }
     case QMetaType::Double:
         sqlite3_bind_double(statement, index, value.toDouble());
         break;

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <functional>
+#include <thread>
 
 // A small model with every kind of attribute and relationship: nodes (folders and documents in one family) form a tree,
 // documents carry tags, and notes die with their node.
@@ -233,6 +235,20 @@ public:
             m_coordinator = ZQPersistentStoreCoordinator::open(model, path, {}, &error);
         }
         return m_coordinator;
+    }
+    // Changes the store from another thread, as a background context does, and answers what it saved.
+    ZQContextDidSave elsewhere(const std::function<void(ZQManagedObjectContext &)> &change)
+    {
+        ZQContextDidSave saved;
+        std::thread([&] {
+            ZQManagedObjectContext other(coordinator());
+            const auto token =
+                other.observeDidSave([&](const ZQContextDidSave &notification) { saved = notification; });
+            change(other);
+            ZQError failure;
+            EXPECT_TRUE(other.save(&failure)) << qPrintable(failure.localizedDescription());
+        }).join();
+        return saved;
     }
     // Contexts made from it must be gone before.
     void close() { m_coordinator.reset(); }

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 namespace {
 
 class ZQConflict : public testing::Test
@@ -31,21 +29,6 @@ protected:
         for (const auto &tag : made) {
             tagIDs.append(tag->objectID());
         }
-    }
-    // Changes the store from another thread, as a background context does, and answers what it saved.
-    ZQContextDidSave elsewhere(const std::function<void(ZQManagedObjectContext &)> &change)
-    {
-        ZQContextDidSave saved;
-        std::thread thread([&] {
-            ZQManagedObjectContext other(store.coordinator());
-            const auto token =
-                other.observeDidSave([&](const ZQContextDidSave &notification) { saved = notification; });
-            change(other);
-            ZQError error;
-            EXPECT_TRUE(other.save(&error)) << qPrintable(error.localizedDescription());
-        });
-        thread.join();
-        return saved;
     }
     ZQRef<TestDocument> document(ZQManagedObjectContext &context) const
     {
@@ -106,7 +89,7 @@ TEST_F(ZQConflict, ADeletionOfWhatChangedElsewhereFollowsThePolicy)
         const auto other = tag(context, 1);
         other->setWeight(isTrump ? 20 : 10);
         context.deleteObject(doomed.get());
-        const ZQContextDidSave theirs = elsewhere(
+        const ZQContextDidSave theirs = store.elsewhere(
             [&](auto &there) { document(there)->setTitle(QStringLiteral("theirs %1").arg(isTrump ? 1 : 0)); });
         ZQError error;
         EXPECT_EQ(context.save(&error), isTrump);
@@ -135,7 +118,7 @@ TEST_F(ZQConflict, ADeletionOfWhatIsGoneAlreadyIsNone)
     const auto doomed = document(context);
     EXPECT_EQ(doomed->title(), QStringLiteral("document"));
     context.deleteObject(doomed.get());
-    elsewhere([&](auto &there) { there.deleteObject(document(there).get()); });
+    store.elsewhere([&](auto &there) { there.deleteObject(document(there).get()); });
     ZQError error;
     EXPECT_TRUE(context.save(&error)) << qPrintable(error.localizedDescription());
     EXPECT_EQ(storedNames(), QStringList{QStringLiteral("(gone)")});
@@ -149,7 +132,7 @@ TEST_F(ZQConflict, PairsThatTwoContextsMakeAndUndoAddUp)
         const auto mine = document(context);
         EXPECT_EQ(names(mine->tags()), a);
         mine->addTag(tag(context, 1).get());
-        const auto added = elsewhere([&](auto &there) {
+        const auto added = store.elsewhere([&](auto &there) {
             document(there)->addTag(tag(there, 1).get()); // the same pair
             document(there)->addTag(tag(there, 2).get());
         });
@@ -160,7 +143,7 @@ TEST_F(ZQConflict, PairsThatTwoContextsMakeAndUndoAddUp)
         EXPECT_EQ(names(mine->tags()), abc);
 
         mine->removeTag(tag(context, 1).get());
-        const auto removed = elsewhere([&](auto &there) {
+        const auto removed = store.elsewhere([&](auto &there) {
             document(there)->removeTag(tag(there, 1).get());
             document(there)->removeTag(tag(there, 2).get());
         });
@@ -185,7 +168,7 @@ TEST_F(ZQConflict, APairWithATagThatIsGoneFollowsThePolicyAndLosesNoOtherPair)
         mine->addTag(tag(context, 1).get());
         mine->addTag(doomed.get());
         const auto theirs =
-            elsewhere([&](auto &there) { there.deleteObject(there.objectWithID(doomed->objectID()).get()); });
+            store.elsewhere([&](auto &there) { there.deleteObject(there.objectWithID(doomed->objectID()).get()); });
         ZQError error;
         EXPECT_EQ(context.save(&error), isTrump);
         if (!isTrump) {
@@ -251,7 +234,7 @@ TEST_F(ZQConflict, ListsThatWereReadFollowAMergeAndKeepUnsavedPairs)
     mine->removeTag(tag(context, 0).get());
     const auto unsaved = context.insertNewObject<TestFolder>();
     unsaved->setParent(parent.get());
-    const auto theirs = elsewhere([&](auto &there) {
+    const auto theirs = store.elsewhere([&](auto &there) {
         document(there)->addTag(tag(there, 2).get());
         const auto child = there.template insertNewObject<TestFolder>();
         child->setParent(folder(there).get());

@@ -248,6 +248,66 @@ TEST(ZQPredicateSQL, TakesListsOfAnyLength)
     EXPECT_EQ(database.keysMatching(parsed("exact in %@", {QVariant(numbers)})), QVariantList{1LL});
 }
 
+TEST(ZQPredicateSQL, FindsEveryTypeAloneAndInListsOfAnyLength)
+{
+    const QDateTime date = QDateTime::fromMSecsSinceEpoch(5000);
+    struct
+    {
+        const char *key;
+        QVariant value;
+        std::function<QVariant(int)> filler;
+    } const cases[] = {
+        {"title", QString(text("a") + QChar(u'\0') + u'b'), [](int i) { return QVariant(QString::number(i)); }},
+        {"blob", QByteArray("\0b", 2), [](int i) { return QVariant(QByteArray::number(i)); }},
+        {"blob", QByteArray(""), [](int i) { return QVariant(QByteArray::number(i)); }},
+        {"date", date, [=](int i) { return QVariant(date.addDays(i + 1)); }},
+        {"large", 1LL << 60, [](int i) { return QVariant(i); }},
+        {"exact", 0.1 + 0.2, [](int i) { return QVariant(i + 0.5); }},
+        {"exact", 2.5, [](int i) { return QVariant(i); }},
+    };
+    for (const auto &each : cases) {
+        PredicateDatabase database;
+        database.addNode(1, {{{text(each.key), each.value}}, 0, {}, {}});
+        database.addNode(2, {});
+        const auto found = [&](const char *format, const QVariant &value) {
+            return database.keysMatching(parsed(format, {text(each.key), value}));
+        };
+        EXPECT_EQ(found("%K == %@", each.value), QVariantList{1LL}) << each.key;
+        EXPECT_EQ(found("%K == %@", each.filler(0)), QVariantList()) << each.key;
+        for (const int length : {0, 1, 15, 16, 17, 40}) {
+            SCOPED_TRACE(testing::Message() << each.key << " among " << length);
+            QVariantList values;
+            for (int i = 0; i < length; ++i) {
+                values.append(each.filler(i));
+            }
+            EXPECT_EQ(found("%K IN %@", values), QVariantList());
+            EXPECT_EQ(found("%K IN %@", values + QVariantList{QVariant()}), QVariantList{2LL});
+            values.append(each.value);
+            EXPECT_EQ(found("%K IN %@", values), QVariantList{1LL});
+            EXPECT_EQ(found("NOT %K IN %@", values), QVariantList{2LL});
+            EXPECT_EQ(found("%K IN %@", values + QVariantList{QVariant()}), (QVariantList{1LL, 2LL}));
+            values.last() = text("x") + QString::number(length); // of another type, mostly
+            EXPECT_EQ(found("%K IN %@", values), QVariantList());
+        }
+    }
+    PredicateDatabase database;
+    database.addNode(1, {{{text("title"), text("t")}, {text("author"), text("t")}}, 0, {}, {}});
+    database.addNode(2, {{{text("title"), text("x")}, {text("author"), text("y")}}, 1, {}, {}});
+    const std::tuple<const char *, QVariantList> lists[] = {
+        {"title IN {author, 'x'}", {1LL, 2LL}},      {"title IN {author}", {1LL}},
+        {"author IN {parent.title, 'z'}", {}},       {"parent.title IN {author, nil}", {1LL}},
+        {"NOT title IN {author, 'a'}", {2LL}},       {"title BETWEEN {author, 'u'}", {1LL}},
+        {"title BETWEEN {'a', author}", {1LL, 2LL}},
+    };
+    for (const auto &[format, expected] : lists) {
+        EXPECT_EQ(database.keysMatching(parsed(format, {})), expected) << format;
+        ZQError error;
+        const QString broken = text(format).replace(text("author"), text("nothing"));
+        EXPECT_FALSE(database.keysMatching(parsed(qPrintable(broken), {}), &error).has_value()) << format;
+        EXPECT_TRUE(error.localizedDescription().contains(text("nothing")));
+    }
+}
+
 TEST(ZQPredicateSQL, RunsTheDeepestAndWidestPredicatesThatParse)
 {
     PredicateDatabase database;
@@ -271,6 +331,11 @@ TEST(ZQPredicateSQL, RunsTheDeepestAndWidestPredicatesThatParse)
 TEST(ZQPredicateSQL, NamesTheKeyPathThatLeadsNowhere)
 {
     PredicateDatabase database;
+    EXPECT_EQ(zqSQLForPredicate({}, database.document(), text("t"))->text, text("1"));
+    const QList<ZQPredicate> tooMany(40000, parsed("title CONTAINS 'a'"));
+    ZQError tooLong;
+    EXPECT_FALSE(database.keysMatching(ZQPredicate::orPredicate(tooMany), &tooLong).has_value());
+    EXPECT_EQ(tooLong.localizedDescription(), text("The condition is too long. Search for less at once."));
     for (const char *path : {"nothing", "parent.nothing", "title.length", "tags.title"}) {
         ZQError error;
         const ZQPredicate predicate = ZQPredicate::predicateWithFormat(text("%K == 1"), {text(path)});

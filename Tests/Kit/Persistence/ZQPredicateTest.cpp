@@ -22,6 +22,7 @@ QVariantMap item()
         {text("date"), QDateTime::fromMSecsSinceEpoch(978307200000 + 1500)},
         {text("tags"), QVariantList{QVariantMap{{text("title"), text("Straße")}}, QVariantMap{{text("title"), {}}}}},
         {text("none"), QVariantList()},
+        {text("hash"), QVariantHash{{text("a"), 1}}},
         {text("owner"), QVariantMap{{text("name"), text("Ann")}}}};
 }
 
@@ -82,6 +83,16 @@ TEST(ZQPredicate, DecidesWhetherAValueMatches)
         {"TRUEPREDICATE AND NOT FALSEPREDICATE", {}, true},
         {"NO == NO OR 1 == 2 AND 1 == 3", {}, true},
         {"(YES == NO)", {}, false},
+        {"title == 'Caf\\u00e9 Logo'", {}, true},
+        {"order == %d", {3.9}, true},
+        {"order == %f", {3}, true},
+        {"order < 1e999 AND order > -1e999", {}, true},
+        {"owner.name IN {title, 'Ann'}", {}, true},
+        {"owner.name IN {title, nil}", {}, false},
+        {"order BETWEEN {1, width}", {}, true},
+        {"order BETWEEN {width, 5}", {}, false},
+        {"CAST('AAE=', 'NSData') == %@", {QByteArray("\0\1", 2)}, true},
+        {"hash.a == 1 AND hash.b == nil", {}, true},
     };
     for (const Case &test : cases) {
         ZQError error;
@@ -136,6 +147,21 @@ TEST(ZQPredicate, SaysWhatIsWrongAndWhere)
         {"a AND b", {}, 3, "a comparison"},
         {"a == 1 ;", {}, 8, "unknown character"},
         {"tags.@sum == 1", {}, 1, "not a key path"},
+        {"a ==[c 'x'", {}, 8, "\"]\""},
+        {"{1} == a", {}, 1, "left of CONTAINS"},
+        {"a == -x", {}, 7, "a number"},
+        {"a == 1x", {}, 6, "malformed number"},
+        {"a == '\\u12'", {}, 7, "malformed \\u"},
+        {"a == CAST 1", {}, 11, "\"(\""},
+        {"a == CAST(1 \"NSDate\")", {}, 13, "\",\""},
+        {"a == CAST(1, \"Text\")", {}, 14, "NSDate"},
+        {"a == CAST(1, \"NSData\")", {}, 14, "NSDate"},
+        {"a == CAST(1, \"NSDate\"", {}, 22, "\")\""},
+        {"a IN {1 2}", {}, 9, "\",\" or \"}\""},
+        {"a IN {{1}}", {}, 7, "cannot hold a list"},
+        {"a IN {1, %@}", {QVariant(QVariantList{1})}, 10, "cannot hold a list"},
+        {"a == %@", {QVariant(QVariantList{QVariantMap()})}, 6, "QVariantMap"},
+        {"a %@ 1", {1}, 3, "found \"%@\""},
     };
     for (const ErrorCase &test : cases) {
         ZQError error;

@@ -47,7 +47,107 @@ protected:
     ZQManagedObjectContext context{store.coordinator()};
 };
 
+// Two families that lead to each other one to one.
+struct TestCoverRow
+{
+    qint64 book = 0;
+};
+
+class TestCover : public ZQManagedObject
+{
+public:
+    static QString entityName() { return QStringLiteral("TestCover"); }
+    static std::span<const ZQField> fields()
+    {
+        static constexpr ZQField table[] = {{"other", ZQAttributeType::Integer64, true, offsetof(TestCoverRow, book)}};
+        return table;
+    }
+    ZQRef<ZQManagedObject> other() const { return relatedObject(QStringLiteral("other")); }
+    void setOther(ZQManagedObject *value) { setRelatedObject(QStringLiteral("other"), value); }
+
+protected:
+    void *row() override { return &m_row; }
+    TestCoverRow m_row;
+};
+
+class TestBook : public TestCover
+{
+public:
+    static QString entityName() { return QStringLiteral("TestBook"); }
+};
+
+// `rule`: what becomes of the cover of a book that is deleted.
+QByteArray booksAndCovers(const char *rule)
+{
+    ZQEntityRegistry::registerClass({"TestCover", TestCover::fields(), makeTestObject<TestCover>});
+    ZQEntityRegistry::registerClass({"TestBook", TestCover::fields(), makeTestObject<TestBook>});
+    return QByteArray(R"JSON({ "versionIdentifiers": ["Version1"], "entities": [
+      { "name": "TestBook", "relationships": [
+        { "name": "other", "destination": "TestCover", "inverse": "other", "deleteRule": "RULE" } ] },
+      { "name": "TestCover", "relationships": [
+        { "name": "other", "destination": "TestBook", "inverse": "other" } ] } ] })JSON")
+        .replace("RULE", rule);
+}
+
 } // namespace
+
+TEST_F(ZQRelationship, BothSidesOfAOneToOneFollowEachOther)
+{
+    TestStore books(booksAndCovers("nullify"));
+    ZQManagedObjectContext writer(books.coordinator());
+    const auto first = writer.insertNewObject<TestBook>();
+    const auto second = writer.insertNewObject<TestBook>();
+    const auto red = writer.insertNewObject<TestCover>();
+    const auto blue = writer.insertNewObject<TestCover>();
+    for (const bool isSaved : {false, true}) {
+        SCOPED_TRACE(isSaved);
+        first->setOther(red.get());
+        EXPECT_EQ(red->other(), first);
+        second->setOther(blue.get());
+        second->setOther(red.get()); // taken from the first, and blue is free
+        EXPECT_EQ(red->other(), second);
+        EXPECT_FALSE(first->other() || blue->other());
+        blue->setOther(second.get());
+        EXPECT_EQ(second->other(), blue);
+        EXPECT_FALSE(red->other());
+        blue->setOther(nullptr);
+        EXPECT_FALSE(second->other());
+        first->setOther(blue.get());
+        ASSERT_TRUE(writer.save(&books.error)) << qPrintable(books.error.localizedDescription());
+        ZQManagedObjectContext reader(books.coordinator());
+        const auto stored = zqCast<TestCover>(reader.existingObjectWithID(blue->objectID()));
+        EXPECT_EQ(stored->other()->objectID(), first->objectID());
+        EXPECT_FALSE(zqCast<TestCover>(reader.existingObjectWithID(red->objectID()))->other());
+    }
+}
+
+TEST_F(ZQRelationship, DeletingOneOfTwoFollowsTheRule)
+{
+    for (const char *rule : {"nullify", "cascade", "deny"}) {
+        SCOPED_TRACE(rule);
+        TestStore books(booksAndCovers(rule));
+        ZQManagedObjectContext writer(books.coordinator());
+        const auto book = writer.insertNewObject<TestBook>();
+        const auto cover = writer.insertNewObject<TestCover>();
+        book->setOther(cover.get());
+        ASSERT_TRUE(writer.save());
+        ZQManagedObjectContext deleter(books.coordinator()); // which has read neither
+        deleter.deleteObject(deleter.objectWithID(book->objectID()).get());
+        ZQError error;
+        const bool isDenied = rule == QByteArray("deny");
+        EXPECT_EQ(deleter.save(&error), !isDenied);
+        EXPECT_EQ(error.localizedDescription().toStdString(),
+                  isDenied ? "The changes cannot be saved. An object that is still used by others through "
+                             "TestBook.other cannot be deleted."
+                           : ZQError().localizedDescription().toStdString());
+        EXPECT_EQ(rows(books, "TestBook"), isDenied ? 1 : 0);
+        EXPECT_EQ(rows(books, "TestCover"), rule == QByteArray("cascade") ? 0 : 1);
+        if (isDenied) {
+            deleter.deleteObject(deleter.objectWithID(cover->objectID()).get());
+            EXPECT_TRUE(deleter.save(&error)) << "nobody is left who could use it";
+        }
+    }
+}
 
 TEST_F(ZQRelationship, BothSidesOfAOneToManyFollowEachOther)
 {

@@ -20,21 +20,6 @@ protected:
         EXPECT_TRUE(writer.save(&store.error)) << qPrintable(store.error.localizedDescription());
         return tag->objectID();
     }
-    // Changes the store from another thread, as a background context does, and answers what it saved.
-    ZQContextDidSave elsewhere(const std::function<void(ZQManagedObjectContext &)> &change)
-    {
-        ZQContextDidSave saved;
-        std::thread thread([&] {
-            ZQManagedObjectContext other(store.coordinator());
-            const auto token =
-                other.observeDidSave([&](const ZQContextDidSave &notification) { saved = notification; });
-            change(other);
-            ZQError error;
-            EXPECT_TRUE(other.save(&error)) << qPrintable(error.localizedDescription());
-        });
-        thread.join();
-        return saved;
-    }
     static ZQRef<TestTag> tagIn(ZQManagedObjectContext &context, const ZQObjectID &id)
     {
         return zqCast<TestTag>(context.objectWithID(id));
@@ -60,7 +45,7 @@ TEST_F(ZQSaving, ErrorPolicyFailsOnAConflictAndKeepsEverythingPending)
     const auto added = context.insertNewObject<TestTag>();
     added->setName(QStringLiteral("added"));
     const ZQContextDidSave theirs =
-        elsewhere([&](auto &other) { tagIn(other, id)->setName(QStringLiteral("theirs")); });
+        store.elsewhere([&](auto &other) { tagIn(other, id)->setName(QStringLiteral("theirs")); });
     ZQError error;
     EXPECT_FALSE(context.save(&error));
     EXPECT_EQ(error.domain, ZQStoreErrorDomain);
@@ -87,7 +72,7 @@ TEST_F(ZQSaving, TrumpPolicyMergesAttributeByAttribute)
     ZQManagedObjectContext context(store.coordinator(), ZQMergePolicy::PropertyObjectTrump);
     const auto tag = tagIn(context, id);
     tag->setWeight(2);
-    elsewhere([&](auto &other) {
+    store.elsewhere([&](auto &other) {
         tagIn(other, id)->setName(QStringLiteral("theirs"));
         tagIn(other, id)->setWeight(99);
     });
@@ -109,7 +94,7 @@ TEST_F(ZQSaving, ARowDeletedElsewhere)
                                        isTrump ? ZQMergePolicy::PropertyObjectTrump : ZQMergePolicy::Error);
         const auto tag = tagIn(context, id);
         tag->setWeight(2);
-        const auto theirs = elsewhere([&](auto &other) { other.deleteObject(tagIn(other, id).get()); });
+        const auto theirs = store.elsewhere([&](auto &other) { other.deleteObject(tagIn(other, id).get()); });
         ZQError error;
         EXPECT_EQ(context.save(&error), isTrump);
         if (!isTrump) {
@@ -133,7 +118,7 @@ TEST_F(ZQSaving, AReferenceToARowDeletedElsewhere)
         const auto tag = context.insertNewObject<TestTag>();
         tag->setName(QStringLiteral("t"));
         ASSERT_TRUE(context.save());
-        elsewhere([&](auto &other) {
+        store.elsewhere([&](auto &other) {
             other.deleteObject(other.objectWithID(folder->objectID()).get());
             other.deleteObject(other.objectWithID(tag->objectID()).get());
         });
@@ -235,7 +220,7 @@ TEST_F(ZQSaving, MergingBringsOthersChangesAndKeepsOwnOnes)
     unsaved->addTag(doomedTag.get());
     ZQContextDidSave announced;
     const auto token = context.observeObjectsDidChange([&](const ZQContextDidSave &change) { announced = change; });
-    const auto theirs = elsewhere([&](auto &other) {
+    const auto theirs = store.elsewhere([&](auto &other) {
         tagIn(other, id)->setWeight(5);
         const auto document = other.template insertNewObject<TestDocument>();
         document->addTag(tagIn(other, id).get());
@@ -281,6 +266,39 @@ TEST_F(ZQSaving, ChangesAreAnnouncedOnceAndSavesTellPermanentIdentifiers)
     EXPECT_EQ(saves[0].source, &context);
     ASSERT_EQ(changes.size(), 3);
     EXPECT_EQ(changes[2].deleted, QList<ZQObjectID>{temporary});
+    // What was announced and is forgotten is announced as gone; what nobody heard of is not.
+    for (const bool isRolledBack : {false, true}) {
+        changes.clear();
+        const auto heard = context.insertNewObject<TestFolder>();
+        const ZQObjectID heardID = heard->objectID();
+        context.processPendingChanges();
+        const auto unheard = context.insertNewObject<TestFolder>();
+        if (isRolledBack) {
+            context.rollback();
+        } else {
+            context.deleteObject(heard.get());
+            context.deleteObject(unheard.get());
+            context.processPendingChanges();
+        }
+        ASSERT_EQ(changes.size(), 2);
+        EXPECT_EQ(changes[1].deleted, QList<ZQObjectID>{heardID});
+        EXPECT_TRUE(changes[1].inserted.isEmpty());
+    }
+    const auto saved = context.insertNewObject<TestFolder>();
+    ASSERT_TRUE(context.save());
+    const ZQObjectID savedID = saved->objectID();
+    context.mergeChangesFromContextDidSaveNotification(saves.last()); // its own
+    changes.clear();
+    saves.clear();
+    context.deleteObject(saved.get());
+    EXPECT_EQ(context.deletedObjects(), QList<ZQRef<ZQManagedObject>>{saved});
+    ASSERT_TRUE(context.save());
+    ASSERT_EQ(saves.size(), 1);
+    EXPECT_EQ(saves[0].deleted, QList<ZQObjectID>{savedID});
+    EXPECT_TRUE(saves[0].inserted.isEmpty() && saves[0].updated.isEmpty() && context.deletedObjects().isEmpty());
+    ASSERT_EQ(changes.size(), 1);
+    EXPECT_EQ(changes[0].deleted, QList<ZQObjectID>{savedID});
+    changes = {{}, {}, {}};
     changeToken.reset();
     tag->setWeight(4);
     context.processPendingChanges();

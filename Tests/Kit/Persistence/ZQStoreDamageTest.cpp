@@ -2,6 +2,7 @@
 #include "Kit/Persistence/ZQStoreCheck.h"
 #include "Kit/Persistence/ZQStoreReplacement.h"
 #include "Tests/Kit/Persistence/TestModel.h"
+#include "Tests/Support/DamagedStore.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,39 +16,11 @@
 
 namespace {
 
-constexpr int pageSize = 4096;
 const QString wal = QStringLiteral("-wal");
 
-// Overwrites the page of the tags' table that holds tag `number`.
 void damageTag(const QString &path, int number)
 {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    const QByteArray all = file.readAll();
-    const QByteArray name = "tag " + QByteArray::number(number) + " tag";
-    constexpr char tableLeaf = 0x0D;
-    for (qsizetype at = all.indexOf(name); at >= 0; at = all.indexOf(name, at + 1)) {
-        const qsizetype page = at / pageSize * pageSize;
-        if (all.at(page) == tableLeaf) {
-            ASSERT_TRUE(file.seek(page));
-            ASSERT_EQ(file.write(QByteArray(pageSize, '\x5A')), pageSize);
-            return;
-        }
-    }
-    FAIL() << "no page of the table holds tag " << number;
-}
-
-QVariant metadata(const TestStore &store, const char *key)
-{
-    const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
-    return connection->value(QStringLiteral("SELECT value FROM zq_metadata WHERE key = ?"), {QLatin1String(key)});
-}
-
-// As a killed process leaves it.
-void markUnclean(const TestStore &store)
-{
-    const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
-    ASSERT_TRUE(connection->execute(QStringLiteral("REPLACE INTO zq_metadata VALUES ('inUseBy', '999999999:1')")));
+    damagePageHolding("tag " + QByteArray::number(number) + " tag", StorePage::Table, path);
 }
 
 qint64 countOf(TestStore &store, const char *entity)
@@ -146,12 +119,14 @@ TEST(ZQStoreDamage, AfterAnUncleanEndTheStoreIsLookedAtBeforeItIsTakenOver)
     damageTag(store.path, 1000);
     ASSERT_TRUE(store.coordinator()) << "a proper end is believed";
     store.close();
-    markUnclean(store);
+    markStoreUnclean(store.path);
     for (int attempt = 0; attempt < 2; ++attempt) {
         EXPECT_FALSE(store.coordinator());
         EXPECT_EQ(store.error.code, int(ZQStoreError::Damaged));
         EXPECT_TRUE(store.error.localizedDescription().contains(QStringLiteral("zelto recover")));
-        EXPECT_EQ(metadata(store, "inUseBy").toString(), QStringLiteral("999999999:1"));
+        EXPECT_EQ(
+            storeValue(store.path, QStringLiteral("SELECT value FROM zq_metadata WHERE key = 'inUseBy'")).toString(),
+            QStringLiteral("999999999:1"));
     }
     const auto problems = ZQPersistentStoreCoordinator::checkStoreAtPath(store.path);
     EXPECT_FALSE(problems.isSound());
@@ -169,7 +144,7 @@ TEST(ZQStoreDamage, OnlyAWholeCheckSettlesAnUncleanEnd)
     }
     EXPECT_FALSE(store.coordinator()->needsCheck());
     store.close();
-    markUnclean(store);
+    markStoreUnclean(store.path);
     EXPECT_TRUE(store.coordinator()->wasUncleanlyClosed());
     EXPECT_TRUE(store.coordinator()->needsCheck());
     store.close(); // a proper end, before the check was over

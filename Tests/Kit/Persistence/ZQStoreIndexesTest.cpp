@@ -89,6 +89,25 @@ TEST(ZQStoreIndexes, AModelDeclaresCompoundPartialAndCoveringOnes)
     EXPECT_EQ(made.size(), indexesOf(*plain).size() + 2) << "the one of the parent's column alone is not needed";
 }
 
+TEST(ZQStoreIndexes, AConditionMayBeThatThereIsNothing)
+{
+    const auto model = ZQManagedObjectModel::modelFromJSON(modelWith(
+        R"([{"properties": ["large"], "where": {"parent": null}}, {"properties": ["title"], "where": {"title": {"not": null}}},
+            {"properties": ["parent"], "where": {"title": {"not": null}}}])"));
+    ASSERT_TRUE(model);
+    QStringList names;
+    for (const ZQStoreIndex &index : zqIndexesOfModel(*model)) {
+        names.append(index.name);
+        EXPECT_EQ(index.sql.contains(QStringLiteral(" WHERE \"parent\" IS NULL")),
+                  index.name == QStringLiteral("zq_index_TestNode_large_without_parent"));
+    }
+    EXPECT_TRUE(names.contains(QStringLiteral("zq_index_TestNode_large_without_parent")));
+    EXPECT_TRUE(names.contains(QStringLiteral("zq_index_TestNode_title_with_title")));
+    EXPECT_FALSE(names.contains(QStringLiteral("zq_index_TestNode_title"))) << "the other finds every title";
+    EXPECT_TRUE(names.contains(QStringLiteral("zq_index_TestNode_parent")))
+        << "the other finds only those with a title";
+}
+
 TEST(ZQStoreIndexes, FaultsAreNamedByEntityAndProperty)
 {
     struct

@@ -1,4 +1,5 @@
 #include "Kit/Persistence/ZQContextPrivate.h"
+#include "Tests/Kit/Persistence/OlderStore.h"
 #include "Tests/Kit/Persistence/TestModel.h"
 #include "Tests/Support/DamagedStore.h"
 
@@ -12,55 +13,6 @@
 #include <unistd.h>
 
 namespace {
-
-QByteArray olderModel()
-{
-    // Before: no "TestNote", no "author", "weight" was a narrow "heft", tags were labels, "title" was "caption".
-    return R"JSON({ "versionIdentifiers": ["Version1"], "entities": [
-      { "name": "TestNode", "abstract": true,
-        "attributes": [
-          { "name": "caption", "type": "string" }, { "name": "obsolete", "type": "string" },
-          { "name": "flag", "type": "boolean" }, { "name": "small", "type": "boolean" } ],
-        "relationships": [
-          { "name": "parent", "destination": "TestNode", "inverse": "children" },
-          { "name": "children", "destination": "TestNode", "inverse": "parent", "toMany": true } ] },
-      { "name": "TestFolder", "parent": "TestNode" },
-      { "name": "TestDocument", "parent": "TestNode",
-        "relationships": [ { "name": "labels", "destination": "Label", "inverse": "documents", "toMany": true } ] },
-      { "name": "Label",
-        "attributes": [ { "name": "name", "type": "string", "optional": false }, { "name": "heft", "type": "integer16" } ],
-        "relationships": [ { "name": "documents", "destination": "TestDocument", "inverse": "labels", "toMany": true } ] } ] })JSON";
-}
-
-QByteArray newerModel()
-{
-    QByteArray json = testModelJSON;
-    json.replace("{ \"name\": \"title\",", "{ \"name\": \"title\", \"renamingIdentifier\": \"caption\",");
-    json.replace("{ \"name\": \"weight\",", "{ \"name\": \"weight\", \"renamingIdentifier\": \"heft\",");
-    json.replace("{ \"name\": \"tags\",", "{ \"name\": \"tags\", \"renamingIdentifier\": \"labels\",");
-    json.replace("{ \"name\": \"TestTag\",", "{ \"name\": \"TestTag\", \"renamingIdentifier\": \"Label\",");
-    return json;
-}
-
-// The older store: folder "f" with document "d", which has the label "l" of heft 4.
-void writeOlderStore(TestStore &older)
-{
-    ZQEntityRegistry::registerClass({"Label", TestTag::fields(), makeTestObject<TestTag>});
-    const auto coordinator = older.coordinator();
-    ASSERT_TRUE(coordinator) << qPrintable(older.error.localizedDescription());
-    ZQManagedObjectContext context(coordinator);
-    const auto folder = context.insertNewObject<TestFolder>();
-    const auto document = context.insertNewObject<TestDocument>();
-    document->setParent(folder.get());
-    const auto label = context.insertNewObjectForEntityForName(QStringLiteral("Label"));
-    label->setValueForKey(QStringLiteral("l"), QStringLiteral("name"));
-    document->addRelatedObject(QStringLiteral("labels"), label.get());
-    ASSERT_TRUE(context.save(&older.error)) << qPrintable(older.error.localizedDescription());
-    // The classes of today have no fields of these names.
-    ASSERT_TRUE(ZQObjectAccess::connection(context)->execute(QStringLiteral(
-        "UPDATE TestNode SET caption = CASE WHEN parent IS NULL THEN 'f' ELSE 'd' END, small = 1, flag = NULL; "
-        "UPDATE Label SET heft = 4")));
-}
 
 QStringList copiesBeside(const TestStore &store)
 {
@@ -131,9 +83,7 @@ TEST(ZQStoreLife, WhatAMigrationLeftToDoStaysWhileItsNotesCannotBeRead)
         const bool isLastKeys = QLatin1String(key) == QStringLiteral("lastKeysBeforeMigration");
         const QString version = QStringLiteral("Version2");
         TestStore older(olderModel());
-        writeOlderStore(older);
-        older.close();
-        older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
+        writeStoreToMigrate(older);
         ASSERT_TRUE(older.coordinator()->setPendingProgress(version, 1));
         older.close();
         makeEntriesUnreadable({QLatin1String(key)}, older.path);
@@ -155,11 +105,7 @@ TEST(ZQStoreLife, WhatAMigrationLeftToDoStaysWhileItsNotesCannotBeRead)
 TEST(ZQStoreLife, ACopyThatAKilledProcessNoLongerNeededGoesWithTheNextOpening)
 {
     TestStore older(olderModel());
-    writeOlderStore(older);
-    older.close();
-    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
-    ASSERT_TRUE(older.coordinator());
-    older.close();
+    writeMigratedStore(older);
     {
         const auto connection = ZQSQLiteConnection::open(older.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
         ASSERT_TRUE(
@@ -177,11 +123,7 @@ TEST(ZQStoreLife, ACopyThatAKilledProcessNoLongerNeededGoesWithTheNextOpening)
 TEST(ZQStoreLife, ARecoveryThatCannotTellWhatIsLeftToDoKeepsTheCopy)
 {
     TestStore older(olderModel());
-    writeOlderStore(older);
-    older.close();
-    older.model = ZQManagedObjectModel::modelFromJSON(newerModel());
-    ASSERT_TRUE(older.coordinator());
-    older.close();
+    writeMigratedStore(older);
     makeEntriesUnreadable({QStringLiteral("pendingVersions")}, older.path);
     ASSERT_TRUE(ZQPersistentStoreCoordinator::recoverStoreAtPath(older.model, older.path, &older.error));
     ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
@@ -238,6 +180,169 @@ TEST(ZQStoreLife, AStoreThatMayNotOrCannotBeMigratedIsUntouched)
         EXPECT_EQ(contentOfFile(older.path), before);
         EXPECT_EQ(QDir(older.folder.path()).entryList(QDir::Files), QStringList{QStringLiteral("storedata")});
         ASSERT_TRUE(older.coordinator()) << "the old model still opens it";
+    }
+}
+
+TEST(ZQStoreLife, AMigrationThatWouldLoseSomethingSaysWhat)
+{
+    struct
+    {
+        const char *before;
+        const char *after;
+        const char *reason;
+    } const cases[] = {
+        {"{ \"name\": \"small\", \"type\": \"integer16\"", "{ \"name\": \"small\", \"type\": \"string\"",
+         "the type of TestNode.small changed in a way that loses values"},
+        {"{ \"name\": \"exact\", \"type\": \"double\"",
+         "{ \"name\": \"exact\", \"renamingIdentifier\": \"caption\", \"type\": \"double\"",
+         "the type of TestNode.exact changed in a way that loses values"},
+        {"\"name\": \"tags\", \"renamingIdentifier\": \"labels\", \"destination\": \"TestTag\", \"inverse\": "
+         "\"documents\", "
+         "\"toMany\": true",
+         "\"name\": \"tags\", \"renamingIdentifier\": \"labels\", \"destination\": \"TestTag\", \"inverse\": "
+         "\"documents\"",
+         "TestDocument.tags holds one object where it held many"},
+        {"\"name\": \"TestNote\",", "\"name\": \"TestNote\", \"renamingIdentifier\": \"TestFolder\",", ""},
+        {"{ \"name\": \"TestFolder\", \"parent\": \"TestNode\",",
+         "{ \"name\": \"TestFolder\", \"parent\": \"TestNode\", \"renamingIdentifier\": \"Label\",",
+         "TestFolder moved to another family of entities"},
+    };
+    for (const auto &each : cases) {
+        SCOPED_TRACE(each.after);
+        TestStore older(olderModel());
+        writeStoreToMigrate(older);
+        const QByteArray json = newerModel().replace(each.before, each.after);
+        ASSERT_NE(json, newerModel());
+        ZQError error;
+        older.model = ZQManagedObjectModel::modelFromJSON(json, &error);
+        ASSERT_TRUE(older.model) << qPrintable(error.localizedDescription());
+        const bool isRefused = *each.reason;
+        EXPECT_EQ(older.coordinator() == nullptr, isRefused) << qPrintable(older.error.localizedDescription());
+        if (isRefused) {
+            EXPECT_EQ(older.error.localizedDescription().toStdString(),
+                      std::string("The library could not be brought to this version; it is unchanged. ") + each.reason);
+            EXPECT_TRUE(copiesBeside(older).isEmpty());
+        }
+    }
+    TestStore older(olderModel());
+    writeStoreToMigrate(older);
+    const QString copy = older.path + QStringLiteral(".before-Version1");
+    ASSERT_TRUE(QDir().mkpath(copy));
+    EXPECT_FALSE(older.coordinator()) << "there is no place for the copy";
+    EXPECT_EQ(older.error.code, int(ZQStoreError::MigrationFailed));
+    EXPECT_TRUE(older.error.localizedDescription().contains(QStringLiteral("cannot be opened")));
+    ASSERT_TRUE(QDir().rmdir(copy));
+    {
+        const auto connection = ZQSQLiteConnection::open(older.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ASSERT_TRUE(connection->execute(QStringLiteral("UPDATE zq_metadata SET value = '{}' WHERE key = 'model'")));
+    }
+    EXPECT_FALSE(older.coordinator()) << "nobody knows what its columns mean";
+    EXPECT_EQ(older.error.code, int(ZQStoreError::MigrationFailed));
+    EXPECT_TRUE(older.error.localizedDescription().endsWith(QStringLiteral("the model has no entities")));
+}
+
+TEST(ZQStoreLife, AMigrationFillsWhatIsRequiredAndWidensWhatItFinds)
+{
+    // One note of a node becomes many of many; numbers become reals; what is new and required is empty.
+    const QByteArray before = R"JSON({ "versionIdentifiers": ["Version1"], "entities": [
+      { "name": "TestTag", "attributes": [ { "name": "weight", "type": "integer16" }, { "name": "name", "type": "string" } ],
+        "relationships": [ { "name": "documents", "destination": "TestNote", "inverse": "tag", "toMany": true },
+                           { "name": "first", "destination": "TestNote", "inverse": "of" } ] },
+      { "name": "TestNote", "relationships": [
+        { "name": "tag", "destination": "TestTag", "inverse": "documents" },
+        { "name": "of", "destination": "TestTag", "inverse": "first", "toMany": true } ] } ] })JSON";
+    const QByteArray after = R"JSON({ "versionIdentifiers": ["Version4"], "entities": [
+      { "name": "TestTag", "attributes": [
+          { "name": "weight", "type": "double", "optional": false }, { "name": "name", "type": "string", "optional": false },
+          { "name": "ratio", "type": "float", "optional": false }, { "name": "blob", "type": "binary", "optional": false },
+          { "name": "count", "type": "integer32", "optional": false }, { "name": "set", "type": "integer32", "default": 5 } ],
+        "relationships": [ { "name": "documents", "destination": "TestNote", "inverse": "tag", "toMany": true },
+                           { "name": "first", "destination": "TestNote", "inverse": "of", "toMany": true } ] },
+      { "name": "TestNote", "relationships": [
+        { "name": "tag", "destination": "TestTag", "inverse": "documents", "toMany": true },
+        { "name": "of", "destination": "TestTag", "inverse": "first", "toMany": true } ] } ] })JSON";
+    TestStore store(before);
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    store.close();
+    {
+        const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        const QString fill =
+            QStringLiteral("PRAGMA foreign_keys=OFF; INSERT INTO TestNote (id, entity, tag) VALUES (1, 1, 11), (2, 1, "
+                           "11), (3, 1, NULL); "
+                           "INSERT INTO TestTag (id, entity, weight, name, first) VALUES (11, 2, 7, 'a', 3), (12, 2, "
+                           "NULL, NULL, NULL)");
+        ASSERT_TRUE(connection->execute(fill)) << qPrintable(connection->error().localizedDescription());
+    }
+    store.model = ZQManagedObjectModel::modelFromJSON(after);
+    const auto coordinator = store.coordinator();
+    ASSERT_TRUE(coordinator) << qPrintable(store.error.localizedDescription());
+    EXPECT_EQ(coordinator->pendingVersions(),
+              (QStringList{QStringLiteral("Version2"), QStringLiteral("Version3"), QStringLiteral("Version4")}));
+    EXPECT_EQ(coordinator->lastKeyBeforeMigration(QStringLiteral("TestTag")), 12);
+    EXPECT_EQ(coordinator->lastKeyBeforeMigration(QStringLiteral("TestNote")), 3);
+    const auto connection = coordinator->newConnection();
+    const auto all = [&](const QString &columns, const QString &table) {
+        return connection
+            ->value(QStringLiteral("SELECT group_concat(%1, ' ') FROM (SELECT * FROM \"%2\" ORDER BY 1, 2)")
+                        .arg(columns, table))
+            .toString()
+            .toStdString();
+    };
+    EXPECT_EQ(
+        all(QStringLiteral("id || '/' || typeof(weight) || weight || '/' || name || '/' || typeof(ratio) || ratio "
+                           "|| '/' || typeof(blob) || length(blob) || '/' || count || '/' || ifnull(\"set\", 'null')"),
+            QStringLiteral("TestTag")),
+        "11/real7.0/a/real0.0/blob0/0/5 12/real0.0//real0.0/blob0/0/5");
+    const auto *tags = coordinator->managedObjectModel()->entity(QStringLiteral("TestNote"));
+    const auto pairs = [&](const char *name) {
+        const ZQRelationshipDescription *relationship = tags->relationship(QLatin1String(name));
+        return all(
+            QStringLiteral("\"%1\" || '-' || \"%2\"").arg(relationship->joinOwnColumn, relationship->joinOtherColumn),
+            relationship->joinTable);
+    };
+    EXPECT_EQ(pairs("tag"), "1-11 2-11");
+    EXPECT_EQ(pairs("of"), "3-11");
+    EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
+}
+
+TEST(ZQStoreLife, WhatACheckOrARecoveryHasToLookAtAgainIsNoted)
+{
+    TestStore store;
+    fillTestTags(store, 2);
+    EXPECT_FALSE(ZQPersistentStoreCoordinator::open(nullptr, store.path, {}, &store.error));
+    EXPECT_EQ(store.error.localizedDescription().toStdString(),
+              "The library has no data model. Install the application again.");
+    store.coordinator()->requestRecovery();
+    const auto suspicion = [&] {
+        return storeValue(store.path, QStringLiteral("SELECT value FROM zq_metadata WHERE key = 'suspicion'"))
+            .toString();
+    };
+    EXPECT_EQ(suspicion(), QStringLiteral("recover"));
+    store.close();
+    EXPECT_EQ(suspicion(), QStringLiteral("recover")) << "a proper end does not settle it";
+    ASSERT_TRUE(store.coordinator()) << "nothing is wrong with it";
+    EXPECT_EQ(suspicion(), QStringLiteral(""));
+    {
+        const auto connection = store.coordinator()->newConnection();
+        ASSERT_TRUE(connection->execute(
+            QStringLiteral("PRAGMA foreign_keys=OFF; UPDATE TestNode SET parent = 99 WHERE id = 1")));
+    }
+    const QStringList dangling{QStringLiteral("TestNode row 1 refers to a missing row of TestNode")};
+    EXPECT_EQ(store.coordinator()->checkIntegrity(), dangling);
+    store.coordinator()->requestRecovery();
+    store.close();
+    EXPECT_EQ(ZQPersistentStoreCoordinator::checkStoreAtPath(store.path).problems, dangling);
+    EXPECT_FALSE(store.coordinator());
+    EXPECT_EQ(store.error.code, int(ZQStoreError::Damaged));
+    EXPECT_EQ(store.error.userInfo.value(QStringLiteral("recoveryWanted")), true);
+    const auto missing = ZQPersistentStoreCoordinator::checkStoreAtPath(store.folder.filePath(QStringLiteral("none")));
+    EXPECT_TRUE(missing.isComplete && !missing.isSound());
+    ZQError error;
+    for (const auto &[model, path] : {std::pair(store.model, store.folder.filePath(QStringLiteral("none"))),
+                                      std::pair(std::shared_ptr<const ZQManagedObjectModel>(), store.path)}) {
+        EXPECT_FALSE(ZQPersistentStoreCoordinator::recoverStoreAtPath(model, path, &error));
+        EXPECT_EQ(error.localizedDescription().toStdString(),
+                  "There is no library database at this place. Choose another library.");
     }
 }
 

@@ -341,6 +341,47 @@ TEST(ZQStoreRoundTrip, UnsavedChangesOfRelatedObjectsCountInFetches)
     EXPECT_EQ(context.fetch<TestDocument>(request)->value(0), other);
 }
 
+TEST(ZQStoreRoundTrip, ARequestThatCannotBeCarriedOutSaysWhy)
+{
+    TestStore store;
+    ZQManagedObjectContext context(store.coordinator());
+    const QString start = QStringLiteral("The request cannot be carried out. ");
+    const auto why = [&](const ZQFetchRequest &request) {
+        QStringList reasons;
+        ZQError error;
+        EXPECT_FALSE(context.executeFetchRequest(request, &error));
+        reasons.append(error.localizedDescription());
+        EXPECT_FALSE(context.fetchObjectIDs(request, &error));
+        reasons.append(error.localizedDescription());
+        EXPECT_FALSE(context.countForFetchRequest(request, &error) && request.sortDescriptors.isEmpty());
+        EXPECT_FALSE(context.fetchObjectIDsWithRelated(request, QStringLiteral("parent"), &error));
+        reasons.append(error.localizedDescription());
+        EXPECT_FALSE(context.fetchDictionaries(request, {}, &error));
+        reasons.append(error.localizedDescription());
+        reasons.removeDuplicates();
+        return reasons.join(u'|');
+    };
+    EXPECT_EQ(why({QStringLiteral("Nothing")}), start + QStringLiteral("There is no entity \"Nothing\"."));
+    EXPECT_TRUE(why({QStringLiteral("TestTag"), ZQPredicate::predicateWithFormat(QStringLiteral("colour == 1"))})
+                    .contains(QStringLiteral("colour")));
+    EXPECT_TRUE(why({QStringLiteral("TestTag"), {}, {{QStringLiteral("colour")}}}).contains(QStringLiteral("colour")));
+    ZQError error;
+    for (const char *name : {"children", "title", "nothing"}) {
+        EXPECT_FALSE(context.fetchObjectIDsWithRelated({QStringLiteral("TestNode")}, QLatin1String(name), &error));
+        EXPECT_EQ(error.localizedDescription(),
+                  start + QStringLiteral("TestNode leads to no one \"%1\".").arg(QLatin1String(name)));
+    }
+    for (const char *name : {"children", "nothing"}) {
+        EXPECT_FALSE(context.fetchDictionaries({QStringLiteral("TestNode")}, {QLatin1String(name)}, &error));
+        EXPECT_EQ(error.localizedDescription(),
+                  start + QStringLiteral("TestNode has no attribute \"%1\".").arg(QLatin1String(name)));
+    }
+    EXPECT_FALSE(context.insertNewObjectForEntityForName(QStringLiteral("Nothing")));
+    EXPECT_FALSE(context.insertNewObjectForEntityForName(QStringLiteral("TestNode"))) << "it is abstract";
+    EXPECT_FALSE(context.hasChanges());
+    EXPECT_FALSE(context.objectWithID({}) || context.existingObjectWithID({}));
+}
+
 TEST(ZQStoreRoundTrip, RowsComeWithWhatTheyLeadTo)
 {
     TestStore store;

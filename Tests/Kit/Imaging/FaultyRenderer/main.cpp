@@ -9,6 +9,9 @@
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
+#include <netinet/in.h>
+#include <new>
+#include <signal.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -57,6 +60,17 @@ bool startsProgram()
     return child > 0;
 }
 
+// At a place of this computer where nobody listens.
+bool usesNetwork(int (*call)(int, const sockaddr *, socklen_t))
+{
+    sockaddr_in place{};
+    place.sin_family = AF_INET;
+    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    place.sin_port = htons(9);
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    return socket >= 0 && call(socket, reinterpret_cast<const sockaddr *>(&place), sizeof place) == 0;
+}
+
 void sendPicture(QSize size, qint64 bytes, int seals)
 {
     const int file = ::memfd_create("lie", MFD_CLOEXEC | MFD_ALLOW_SEALING);
@@ -64,6 +78,18 @@ void sendPicture(QSize size, qint64 bytes, int seals)
         ZQRenderAnswer answer;
         answer.kind = ZQRenderAnswer::Kind::PixelsInFile;
         answer.size = size;
+        send(answer, file);
+    }
+    ::close(file);
+}
+
+void sendBytes(const QByteArray &bytes, qint64 size, int seals)
+{
+    const int file = ::memfd_create("lie", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    if (zqWriteAll(file, bytes.constData(), bytes.size()) && ::ftruncate(file, size) == 0 &&
+        ::fcntl(file, F_ADD_SEALS, seals) == 0) {
+        ZQRenderAnswer answer;
+        answer.kind = ZQRenderAnswer::Kind::BytesInFile;
         send(answer, file);
     }
     ::close(file);
@@ -172,6 +198,7 @@ const QHash<QString, Fault> faults{
          startChild();
          hang();
      }},
+    {QStringLiteral("no-memory"), [](const ZQSourceFile &) { throw std::bad_alloc(); }},
     {QStringLiteral("memory"), [](const ZQSourceFile &) { takeAllMemory(); }},
     {QStringLiteral("garbage"),
      [](const ZQSourceFile &) { zqSendMessage(ZQRenderDescriptor::socket, QByteArray(5000, '\x7f')); }},
@@ -195,6 +222,26 @@ const QHash<QString, Fault> faults{
      [](const ZQSourceFile &) {
          sendPicture({-64, -64}, 64 * 64 * 4, allSeals);
      }},
+    {QStringLiteral("lie-tall"),
+     [](const ZQSourceFile &) {
+         sendPicture({64, 4096}, 64 * 4096 * 4, allSeals);
+     }},
+    {QStringLiteral("lie-long"),
+     [](const ZQSourceFile &) {
+         sendPicture({64, 64}, 64 * 64 * 4 + 1, allSeals);
+     }},
+    {QStringLiteral("lie-half-sealed"),
+     [](const ZQSourceFile &) {
+         sendPicture({64, 64}, 64 * 64 * 4, allSeals & ~F_SEAL_SHRINK);
+     }},
+    {QStringLiteral("fits"),
+     [](const ZQSourceFile &) {
+         sendPicture({100, 100}, 100 * 100 * 4, allSeals);
+     }},
+    {QStringLiteral("bytes"), [](const ZQSourceFile &) { sendBytes("bytes", 5, allSeals); }},
+    {QStringLiteral("bytes-none"), [](const ZQSourceFile &) { sendBytes({}, 0, allSeals); }},
+    {QStringLiteral("bytes-unsealed"), [](const ZQSourceFile &) { sendBytes("bytes", 5, 0); }},
+    {QStringLiteral("bytes-many"), [](const ZQSourceFile &) { sendBytes("b", zqRenderMaximumBytes + 1, allSeals); }},
     {QStringLiteral("lie-properties"), [](const ZQSourceFile &file) { lieAboutProperties(contentOf(file)); }},
     {QStringLiteral("greet"), [](const ZQSourceFile &) { greetForever(); }},
     {QStringLiteral("lie-area"), [](const ZQSourceFile &) { lieAboutArea(); }},
@@ -215,6 +262,9 @@ const QHash<QString, Fault> faults{
     {QStringLiteral("cut-other"),
      [](const ZQSourceFile &file) { report(::truncate(contentOf(file).constData(), 0) == 0); }},
     {QStringLiteral("call-network"), [](const ZQSourceFile &) { report(::socket(AF_INET, SOCK_STREAM, 0) >= 0); }},
+    {QStringLiteral("connect"), [](const ZQSourceFile &) { report(usesNetwork(::connect)); }},
+    {QStringLiteral("listen"), [](const ZQSourceFile &) { report(usesNetwork(::bind)); }},
+    {QStringLiteral("signal"), [](const ZQSourceFile &) { report(::kill(::getppid(), 0) == 0); }},
     {QStringLiteral("call-local"), [](const ZQSourceFile &) { report(::socket(AF_UNIX, SOCK_STREAM, 0) >= 0); }},
 };
 
@@ -254,6 +304,8 @@ void lieAboutArchive(const ZQArchiveQuestion &question, ZQArchiveAnswer &answer)
         answer.entry.timeNanoseconds = std::numeric_limits<int>::max();
     } else if (lie == "kind") {
         answer.kind = ZQArchiveAnswer::Kind::Block;
+    } else if (lie == "opened") {
+        answer.kind = ZQArchiveAnswer::Kind::Opened;
     } else if (lie == "unknown") {
         answer.entry.kind = ZQArchiveEntry::Kind(99);
     } else if (lie == "ended") {

@@ -1,0 +1,375 @@
+// The info panel: what it says of none, one and many, and what each of its fields does.
+
+#include "Classes/Interface/InfoPanelViewController.h"
+#include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/RatingField.h"
+#include "Classes/Interface/TagField.h"
+#include "Classes/Tags/OpenMetaPrefs.h"
+#include "Kit/Widgets/ZQTheme.h"
+#include "Tests/Classes/Interface/MainWindowFixture.h"
+
+#include <QCompleter>
+#include <QFile>
+#include <QLabel>
+#include <QPlainTextEdit>
+
+namespace {
+
+class InfoPanelTest : public MainWindowFixture
+{
+protected:
+    void SetUp() override
+    {
+        MainWindowFixture::SetUp();
+        panel = window().findChild<InfoPanelViewController *>();
+        rating = panel->findChild<RatingField *>();
+        tags = panel->findChild<TagField *>();
+        notes = panel->findChild<QPlainTextEdit *>();
+    }
+    QLineEdit *field(const char *name) { return named<QLineEdit>(name); }
+    // "title|kind|size" and so on: what can be read, from the top.
+    QString values()
+    {
+        QStringList parts = {field("Title")->text()};
+        for (const QLabel *label : panel->findChildren<QLabel *>()) {
+            if (label->isVisible() && label->objectName() == QStringLiteral("Small")) {
+                parts.append(label->text());
+            }
+        }
+        return parts.join(u'|');
+    }
+    QString kind() { return panel->findChild<QLabel *>(QStringLiteral("SmallMuted"))->text(); }
+    QString notice()
+    {
+        const auto *label = panel->findChild<QLabel *>(QStringLiteral("Muted"));
+        return label->isVisible() ? label->text() : QString();
+    }
+    QStringList swatches()
+    {
+        QStringList names;
+        for (const QLabel *label : panel->findChildren<QLabel *>()) {
+            if (label->isVisible() && !label->pixmap().isNull()) {
+                names.append(label->toolTip());
+            }
+        }
+        return names;
+    }
+
+    InfoPanelViewController *panel = nullptr;
+    RatingField *rating = nullptr;
+    TagField *tags = nullptr;
+    QPlainTextEdit *notes = nullptr;
+};
+
+const QString red = QStringLiteral("red");
+const QString clear = QStringLiteral("clear");
+
+} // namespace
+
+TEST_F(InfoPanelTest, SaysWhatIsKnownOfNoneOneAndMany)
+{
+    EXPECT_EQ(notice(), QStringLiteral("Nothing selected"));
+    EXPECT_FALSE(field("Title"));
+    auto first = image(red);
+    first->setImport_date(QDateTime(QDate(2020, 5, 4), QTime(12, 0)));
+    first->setModification_date({});
+    first->setWebPageURL({});
+    first->setWebURL(QStringLiteral("https://example.org/red.png"));
+    first->setLicense(QStringLiteral("CC0"));
+    first->setRating(2);
+    first->addTagsObject(zqCast<ZQSidebarTag>(tag).get());
+    image(clear)->setImport_date(QDateTime(QDate(2021, 5, 4), QTime(12, 0)));
+    delegate->saveAction();
+    select({red});
+    EXPECT_EQ(notice(), QString());
+    EXPECT_EQ(values(), QStringLiteral("red|80 × 60|4 May 2020|Unknown"));
+    EXPECT_EQ(kind(), QStringLiteral("PNG image · ") +
+                          QLocale().formattedDataSize(first->byteSize(), 1, QLocale::DataSizeTraditionalFormat));
+    EXPECT_FALSE(field("Title")->isReadOnly());
+    EXPECT_EQ(field("Title")->focusPolicy(), Qt::StrongFocus);
+    EXPECT_EQ(field("Source")->text(), QStringLiteral("https://example.org/red.png"));
+    EXPECT_EQ(field("License")->text(), QStringLiteral("CC0"));
+    EXPECT_EQ(rating->accessibleName(), QStringLiteral("Rating: 2 of 5"));
+    EXPECT_EQ(tags->tags(), QStringList{QStringLiteral("mine")});
+    EXPECT_EQ(swatches(), QStringList{ZQSidebarTag::colorNameForValue(first->mainColor())});
+    EXPECT_FALSE(swatches().first().isEmpty());
+
+    select({red, clear});
+    EXPECT_EQ(values(), QStringLiteral("2 items|Multiple values|Multiple values|Multiple values"));
+    EXPECT_TRUE(field("Title")->isReadOnly());
+    EXPECT_EQ(field("Title")->focusPolicy(), Qt::NoFocus);
+    EXPECT_EQ(field("Source")->text(), QString());
+    EXPECT_EQ(field("Source")->placeholderText(), QStringLiteral("Multiple values"));
+    EXPECT_EQ(field("License")->placeholderText(), QStringLiteral("Multiple values"));
+    EXPECT_EQ(rating->accessibleName(), QStringLiteral("Rating: Multiple values"));
+    EXPECT_EQ(tags->tags(), QStringList());
+    EXPECT_TRUE(tags->height() > 20);
+    EXPECT_TRUE(swatches().isEmpty()) << "colours are of one";
+    select({QStringLiteral("pages")});
+    EXPECT_EQ(field("License")->placeholderText(), QStringLiteral("None given"));
+    EXPECT_EQ(field("License")->text(), QString());
+    ASSERT_TRUE(QFile::remove(first->itemURL()));
+    select({red});
+    EXPECT_EQ(kind(), QStringLiteral("PNG image · the file is missing"));
+    select({red, clear});
+    EXPECT_TRUE(kind().endsWith(QStringLiteral(" · 1 file is missing")));
+    ASSERT_TRUE(QFile::remove(image(clear)->itemURL()));
+    select({red, clear, QStringLiteral("pages")});
+    EXPECT_TRUE(kind().endsWith(QStringLiteral(" · 2 files are missing")));
+    select({});
+    EXPECT_EQ(notice(), QStringLiteral("Nothing selected"));
+    EXPECT_FALSE(field("Title"));
+    panel->rateItems(4);
+    EXPECT_FALSE(isEnabled("Undo"));
+
+    EXPECT_TRUE(panel->widgetResizable());
+    EXPECT_EQ(panel->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    EXPECT_EQ(notes->height(), 72);
+}
+
+TEST_F(InfoPanelTest, EveryFieldIsAStepThatCanBeTakenBack)
+{
+    select({red, clear});
+    image(clear)->setLicense(QStringLiteral("old"));
+    delegate->saveAction();
+    settle();
+    const auto both = [this](const auto &get) { return get(*image(red)) + u'|' + get(*image(clear)); };
+    const auto license = [](const ZQLibraryBaseItem &item) { return item.license(); };
+    const auto source = [](const ZQLibraryBaseItem &item) { return item.webPageURL(); };
+    const auto said = [](const ZQLibraryBaseItem &item) { return item.notes(); };
+    const auto stars = [](const ZQLibraryBaseItem &item) { return QString::number(item.rating()); };
+    const auto tagged = [](const ZQLibraryBaseItem &item) { return SelectionSummary::userTagsOf(item).join(u','); };
+
+    field("License")->setFocus();
+    type(QStringLiteral(" CC0 "));
+    press(Qt::Key_Return);
+    EXPECT_EQ(both(license), QStringLiteral("CC0|CC0"));
+    settle();
+    EXPECT_EQ(field("License")->text(), QStringLiteral("CC0"));
+    field("License")->setFocus();
+    press(Qt::Key_Tab); // left without a change
+    field("Source")->setFocus();
+    type(QStringLiteral("https://example.org"));
+    grid().setFocus(); // leaving it is enough
+    EXPECT_EQ(both(source), QStringLiteral("https://example.org|https://example.org"));
+    notes->setFocus();
+    type(QStringLiteral("both"));
+    press(Qt::Key_Tab); // does not type one
+    EXPECT_EQ(both(said), QStringLiteral("both|both"));
+    rating->setFocus();
+    press(Qt::Key_5);
+    EXPECT_EQ(both(stars), QStringLiteral("5|5"));
+    QTest::keyClicks(field("Add tag"), QStringLiteral("one,mine,"));
+    EXPECT_EQ(both(tagged), QStringLiteral("mine,one|mine,one"));
+    EXPECT_EQ(OpenMetaPrefs::recentTags().mid(0, 1), QStringList{QStringLiteral("mine")});
+    grid().setFocus();
+    struct Undo
+    {
+        const char *text;
+        std::function<QString()> value;
+        const char *after;
+    };
+    for (const Undo &each : {Undo{"edit tags", [&] { return both(tagged); }, "one|one"},
+                             {"edit tags", [&] { return both(tagged); }, "|"},
+                             {"rate", [&] { return both(stars); }, "0|0"},
+                             {"edit notes", [&] { return both(said); }, "|"},
+                             {"edit source", [&] { return both(source); }, "|"},
+                             {"edit license", [&] { return both(license); }, "|old"}}) {
+        EXPECT_EQ(controller->undoStack().undoText(), QLatin1StringView(each.text));
+        run("Undo");
+        EXPECT_EQ(each.value(), QLatin1StringView(each.after)) << each.text;
+    }
+    EXPECT_FALSE(controller->undoStack().canUndo());
+    settle();
+    EXPECT_EQ(field("License")->placeholderText(), QStringLiteral("Multiple values"));
+    EXPECT_EQ(notes->toPlainText(), QString());
+}
+
+TEST_F(InfoPanelTest, EscapeLeavesAFieldAsItWas)
+{
+    image(red)->setLicense(QStringLiteral("CC0"));
+    image(red)->setWebPageURL(QStringLiteral("https://a"));
+    delegate->saveAction();
+    select({red});
+    for (const char *name : {"License", "Source", "Title"}) {
+        QLineEdit *edited = field(name);
+        const QString before = edited->text();
+        edited->setFocus();
+        edited->selectAll();
+        type(QStringLiteral("x"));
+        press(Qt::Key_Escape);
+        EXPECT_EQ(edited->text(), before) << name;
+        EXPECT_EQ(QApplication::focusWidget(), &grid()) << name;
+        grid().setFocus();
+        edited->setFocus();
+        grid().setFocus();
+    }
+    EXPECT_FALSE(controller->undoStack().canUndo());
+    // What arrives while somebody types does not take it away.
+    QLineEdit *license = field("License");
+    license->setFocus();
+    license->selectAll();
+    type(QStringLiteral("typed"));
+    image(red)->setLicense(QStringLiteral("arrived"));
+    delegate->saveAction();
+    settle();
+    EXPECT_EQ(license->text(), QStringLiteral("typed"));
+    grid().setFocus();
+    EXPECT_EQ(image(red)->license(), QStringLiteral("typed"));
+    image(red)->setLicense(QStringLiteral("again"));
+    delegate->saveAction();
+    settle();
+    EXPECT_EQ(license->text(), QStringLiteral("again"));
+}
+
+TEST_F(InfoPanelTest, TitlesThatCannotBeTakenComeBack)
+{
+    select({red});
+    field("Title")->setText({});
+    EXPECT_FALSE(controller->commitEditing());
+    EXPECT_EQ(field("Title")->text(), red);
+    EXPECT_TRUE(controller->commitEditing());
+    field("Title")->setText(QStringLiteral("scarlet"));
+    notes->setPlainText(QStringLiteral("kept"));
+    controller->savePersistentState();
+    EXPECT_TRUE(image(QStringLiteral("scarlet")));
+    EXPECT_EQ(image(QStringLiteral("scarlet"))->notes(), QStringLiteral("kept"));
+    settle();
+    select({QStringLiteral("scarlet"), clear});
+    EXPECT_TRUE(controller->commitEditing()) << "there is no title of several";
+    EXPECT_EQ(controller->undoStack().count(), 2);
+}
+
+TEST_F(InfoPanelTest, OnlyAddressesOfPagesOpen)
+{
+    select({red});
+    auto *source = field("Source");
+    ASSERT_EQ(source->actions().size(), 1);
+    QAction *open = source->actions().first();
+    EXPECT_FALSE(open->isVisible());
+    struct Case
+    {
+        const char *text;
+        bool opens;
+    };
+    for (const Case &each : {Case{"https://example.org/a", true},
+                             {" http://example.org ", true},
+                             {"example.org", false},
+                             {"https://", false},
+                             {"file:///etc/passwd", false},
+                             {"", false}}) {
+        source->setText(QLatin1StringView(each.text));
+        EXPECT_EQ(open->isVisible(), each.opens) << each.text;
+        if (each.opens) {
+            EXPECT_EQ(open->toolTip(), QStringLiteral("Open example.org"));
+        }
+    }
+}
+
+TEST_F(InfoPanelTest, TagsAreComparedAsTheyAreKept)
+{
+    const QList<ZQObjectID> items = {image(red)->objectID(), image(clear)->objectID()};
+    select({red, clear});
+    EXPECT_FALSE(panel->tagItems(items, {QStringLiteral("Multiple values"), QString()}));
+    EXPECT_FALSE(panel->tagItems(items, {}));
+    EXPECT_EQ(controller->undoStack().count(), 0);
+    EXPECT_TRUE(panel->tagItems(items, {QStringLiteral("a"), QStringLiteral("a\n"), QStringLiteral("b")}));
+    EXPECT_EQ(panel->commonTagsForItems(items), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_FALSE(panel->tagItems(items, {QStringLiteral("b"), QStringLiteral("a")}));
+    EXPECT_TRUE(panel->tagItems({items[0]}, {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    EXPECT_EQ(panel->commonTagsForItems(items), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    EXPECT_TRUE(panel->tagItems(items, {QStringLiteral("b")}));
+    EXPECT_EQ(panel->commonTagsForItems({items[0]}), (QStringList{QStringLiteral("b"), QStringLiteral("c")}))
+        << "what only some have stays";
+    settle();
+    auto *edit = field("Add tag");
+    QStringList known;
+    for (int i = 0; edit->completer()->setCurrentRow(i); ++i) {
+        known.append(edit->completer()->currentCompletion());
+    }
+    for (const char *name : {"a", "b", "c", "mine"}) {
+        EXPECT_EQ(known.count(QLatin1StringView(name)), 1) << name;
+    }
+    edit->setFocus();
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(panel->commonTagsForItems(items), QStringList());
+    EXPECT_EQ(controller->undoStack().undoText(), QStringLiteral("edit tags"));
+}
+
+TEST_F(InfoPanelTest, ColoursAreTheMainOneAndThoseOfItsTags)
+{
+    auto item = image(red);
+    item->setMainColor(1003);
+    const auto green = ZQSidebarTag::tagForColor(1006, context());
+    const auto again = ZQSidebarTag::tagForColor(1003, context());
+    for (const auto &each : {green, again}) {
+        item->addTagsObject(each.get());
+    }
+    item->addTagsObject(zqCast<ZQSidebarTag>(tag).get());
+    delegate->saveAction();
+    select({red});
+    EXPECT_EQ(swatches(), (QStringList{ZQSidebarTag::colorNameForValue(1003), ZQSidebarTag::colorNameForValue(1006)}));
+    for (const QLabel *label : panel->findChildren<QLabel *>()) {
+        if (label->isVisible() && label->toolTip() == swatches().first()) {
+            EXPECT_EQ(label->pixmap().toImage().pixelColor(11, 11), ZQTheme::swatch(1003));
+            EXPECT_EQ(label->pixmap().toImage().pixelColor(0, 0).alpha(), 0);
+        }
+    }
+    EXPECT_EQ(panel->findChild<QLabel *>()->parentWidget()->isVisible(), true);
+    item->setMainColor(0);
+    delegate->saveAction();
+    settle();
+    EXPECT_TRUE(swatches().isEmpty());
+}
+
+TEST_F(InfoPanelTest, ThePreviewShowsTheSelectedInItsShape)
+{
+    select({red});
+    auto *preview = named("Preview");
+    EXPECT_EQ(preview->height(), 176);
+    const auto at = [&](const QPoint &from) {
+        return preview->grab().toImage().pixelColor(preview->rect().center() + from);
+    };
+    EXPECT_TRUE(waitFor([&] { return at({}).red() > 250 && at({}).green() < 10; }));
+    const int half = (preview->height() - 26) * 80 / 60 / 2;
+    EXPECT_GT(at({half - 4, 0}).red(), 250);
+    EXPECT_EQ(at({half + 4, 0}), zqColor(ZQColorRole::Cell));
+    EXPECT_EQ(at({0, -(preview->height() / 2) + 8}), zqColor(ZQColorRole::Cell));
+    select({QStringLiteral("pages")});
+    EXPECT_TRUE(waitFor([&] { return at({}).blue() > 250 && at({}).red() < 10; }));
+}
+
+TEST_F(InfoPanelTest, ManyAreSummedUpBesideTheWindow)
+{
+    QList<ZQRef<ZQLibraryBaseItem>> made;
+    for (int i = 0; i < int(ItemEdits::mostAtOnce) + 1; ++i) {
+        const auto item = context().insertNewObject<ZQLibraryImage>();
+        item->setTitle(QStringLiteral("many"));
+        item->setExtension(QStringLiteral("png"));
+        item->setActive(true);
+        made.append(item);
+    }
+    b->addItems(made);
+    delegate->saveAction();
+    show(b);
+    ASSERT_EQ(shown().size(), made.size());
+    grid().setFocus();
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([this] { return notice() == QStringLiteral("201 items selected"); }));
+    EXPECT_TRUE(waitFor([this] { return notice().isEmpty(); }));
+    EXPECT_EQ(field("Title")->text(), QStringLiteral("201 items"));
+    press(Qt::Key_4);
+    EXPECT_EQ(rating->accessibleName(), QStringLiteral("Rating: 4 of 5"));
+    panel->tagItems(browser().selectedItems(), {QStringLiteral("all")});
+    settle();
+    EXPECT_TRUE(waitFor([this] { return tags->tags() == QStringList{QStringLiteral("all")}; }));
+    EXPECT_EQ(made.last()->rating(), 4);
+    EXPECT_FALSE(panel->tagItems(browser().selectedItems(), {QStringLiteral("all")}));
+    run("Undo");
+    settle();
+    EXPECT_TRUE(waitFor([this] { return tags->tags().isEmpty(); }));
+    EXPECT_EQ(panel->commonTagsForItems(browser().selectedItems()), QStringList());
+    closeWindow();
+    EXPECT_EQ(made.first()->rating(), 4);
+    made.clear();
+}

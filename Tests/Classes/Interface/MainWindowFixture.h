@@ -1,0 +1,109 @@
+#pragma once
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Interface/BrowserViewController.h"
+#include "Classes/Interface/MainWindowController.h"
+#include "Classes/Interface/ProjectsSidebarViewController.h"
+#include "Classes/Interface/Sheet.h"
+#include "Classes/Interface/SidebarTreeView.h"
+#include "Classes/Interface/WindowUserInteraction.h"
+#include "Models/DataModel/ZQLibraryImage.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+#include "Tests/Support/UserWorld.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QTimer>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+// A whole application with its main window, off screen, driven as a person does it. Its library: the projects A, B and
+// Folder{Inner}, the tag "mine"; A holds "red" (80 x 60), "clear" (transparent, 40 x 40), "pages" (a document of three)
+// and "moving" (three frames), imported from real files.
+class MainWindowFixture : public testing::Test
+{
+protected:
+    using Item = ZQRef<ZQSidebarBaseItem>;
+
+    // Talks through the window but for the dialogs of files.
+    class Person : public WindowUserInteraction
+    {
+    public:
+        QStringList files; // chosen in a dialog; none: cancelled
+        QList<FileChoice> choices;
+        QStringList chooseFilesToOpen(const FileChoice &choice) override
+        {
+            choices.append(choice);
+            return files;
+        }
+    };
+
+    void SetUp() override;
+    void TearDown() override;
+    void openWindow();  // with what was kept of the one before
+    void closeWindow(); // keeping what quitting keeps
+
+    ZQManagedObjectContext &context() { return *delegate->managedObjectContext(); }
+    QMainWindow &window() { return *qobject_cast<QMainWindow *>(controller->window()); }
+    ProjectsSidebarViewController &sidebar() { return controller->sidebar(); }
+    BrowserViewController &browser() { return controller->browser(); }
+    ZQGridView &grid() { return controller->browser().grid(); }
+    template <class T>
+    Item add(const QString &title, const Item &father)
+    {
+        const auto item = context().insertNewObject<T>();
+        item->setTitle(title);
+        item->setActive(true);
+        father->appendChild(item.get());
+        return item;
+    }
+    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(int(kind), context()); }
+    ZQRef<ZQLibraryBaseItem> image(const QString &title);
+
+    static bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 20000); }
+    // Everything asked for is there, and what waits for a moment of rest has had it.
+    void settle();
+    SidebarTreeView *tree();     // of the side that is shown
+    void show(const Item &item); // as if clicked in the sidebar
+    void select(const QStringList &titles);
+    QStringList shown(); // titles in the grid
+    QStringList selected();
+    QStringList children(const Item &item);
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier); // where the focus is
+    void type(const QString &text);
+    void run(const char *command);
+    bool isEnabled(const char *command) { return controller->commandNamed(QLatin1StringView(command))->isEnabled(); }
+    // The visible widget a screen reader calls that.
+    template <class T = QWidget>
+    T *named(const char *name)
+    {
+        for (T *widget : window().findChildren<T *>()) {
+            if (widget->isVisible() && widget->accessibleName() == QString::fromUtf8(name)) {
+                return widget;
+            }
+        }
+        return nullptr;
+    }
+    // Once it hangs from the window.
+    void whenAsked(std::function<void(Sheet &)> act);
+    // Takes the entry of the menu that opens, none with an empty text. The texts of the menu are in `menu` then.
+    void whenMenuOpens(const QString &choose = {});
+    QString menu; // "-" for a separator, "(…)" for what is disabled
+    static QString textsOf(const QMenu &menu);
+
+    UserWorld world{"window"};
+    Person person;
+    std::unique_ptr<tamberin_AppDelegate> delegate;
+    std::unique_ptr<MainWindowController> controller;
+    Item projects;
+    Item a;
+    Item b;
+    Item folder;
+    Item inner;
+    Item tag;
+};

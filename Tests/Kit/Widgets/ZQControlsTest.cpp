@@ -1,0 +1,414 @@
+// The small controls: where they are hit, what they tell, what they draw.
+
+#include "Kit/Widgets/ZQNotificationBubble.h"
+#include "Kit/Widgets/ZQProgressLine.h"
+#include "Kit/Widgets/ZQSwitch.h"
+#include "Kit/Widgets/ZQTabStrip.h"
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QGraphicsEffect>
+#include <QHelpEvent>
+#include <QLabel>
+#include <QToolButton>
+#include <QToolTip>
+#include <QVBoxLayout>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QColor pixelOf(QWidget &widget, const QPoint &point)
+{
+    return widget.grab().toImage().pixelColor(point);
+}
+
+// A strip on a window, so that it has the focus, with the signals it sends as text: "current 1", "moved 0 2".
+class Strip : public testing::Test
+{
+protected:
+    Strip()
+    {
+        ZQTheme::current().setDark(true);
+        window.resize(900, 60);
+        strip.resize(800, 36);
+        QObject::connect(&strip, &ZQTabStrip::currentChanged, [this](int i) { tell("current %1", i); });
+        QObject::connect(&strip, &ZQTabStrip::closeRequested, [this](int i) { tell("close %1", i); });
+        QObject::connect(&strip, &ZQTabStrip::newRequested, [this] { told.append(QStringLiteral("new")); });
+        QObject::connect(&strip, &ZQTabStrip::moved,
+                         [this](int from, int to) { told.append(QStringLiteral("moved %1 %2").arg(from).arg(to)); });
+        window.show();
+    }
+    void tell(const char *form, int index) { told.append(QString::fromLatin1(form).arg(index)); }
+    QString take() { return std::exchange(told, {}).join(u','); }
+    // "0 1+": which tab, "x" its close mark, "+" the button for a new one, by clicking every fourth pixel.
+    QString hits(Qt::MouseButton button = Qt::LeftButton)
+    {
+        told.clear();
+        for (int x = 2; x < 800; x += 4) {
+            QTest::mouseClick(&strip, button, {}, {x, 18});
+        }
+        return take();
+    }
+    int natural(const QString &title, int more) const
+    {
+        return QFontMetrics(ZQTheme::current().font()).horizontalAdvance(title) + more;
+    }
+
+    QWidget window;
+    ZQTabStrip strip{&window};
+    QStringList told;
+};
+
+} // namespace
+
+TEST_F(Strip, TabsAreAsWideAsTheirTitlesUntilTheRoomEnds)
+{
+    EXPECT_EQ(strip.sizeHint(), QSize(30, 36)) << "the button alone";
+    EXPECT_EQ(strip.height(), 36);
+    const QString longTitle(80, u'w');
+    struct Case
+    {
+        int width;
+        QStringList titles;
+        QList<int> widths;
+    };
+    for (const Case &each : {Case{800, {QStringLiteral("Alpha")}, {natural(QStringLiteral("Alpha"), 26)}},
+                             {800,
+                              {QStringLiteral("Alpha"), QStringLiteral("B")},
+                              {natural(QStringLiteral("Alpha"), 44), std::max(48, natural(QStringLiteral("B"), 44))}},
+                             {800, {longTitle}, {200}},
+                             {800, {longTitle, longTitle, longTitle, longTitle, longTitle}, {150, 150, 150, 150, 150}},
+                             {199, {longTitle, longTitle}, {200, 200}}, // not laid out yet
+                             {200, {longTitle, longTitle}, {78, 78}},
+                             {201, QStringList(8, longTitle), {48, 48, 48, 48, 48, 48, 48, 48}},
+                             {800, {QString()}, {48}}}) {
+        strip.resize(each.width, 36);
+        strip.setTabs(each.titles, 0);
+        int width = 0;
+        for (const int tab : each.widths) {
+            width += tab + 2;
+        }
+        EXPECT_EQ(strip.sizeHint().width(), width + 4 + 26) << each.width << " " << each.titles.size();
+    }
+}
+
+TEST_F(Strip, ThePointerChoosesClosesOpensAndMoves)
+{
+    strip.setTabs({QStringLiteral("One"), QStringLiteral("Another"), QStringLiteral("Third")}, 1);
+    EXPECT_EQ(strip.accessibleDescription(), QStringLiteral("Another"));
+    const int first = std::max(48, natural(QStringLiteral("One"), 44));
+    const int second = natural(QStringLiteral("Another"), 44);
+    const int third = natural(QStringLiteral("Third"), 44);
+    const QPoint onFirst(5, 10);
+    const QPoint onSecond(first + 2 + 5, 10);
+    const QPoint onThird(first + 2 + second + 2 + 5, 10);
+    const int end = first + second + third + 6;
+    struct Click
+    {
+        const char *what;
+        Qt::MouseButton button;
+        QPoint point;
+        const char *told;
+    };
+    for (const Click &each : {Click{"another tab", Qt::LeftButton, onFirst, "current 0"},
+                              {"its first column", Qt::LeftButton, {0, 1}, "current 0"},
+                              {"its last one", Qt::LeftButton, {first - 1, 35}, "current 0"},
+                              {"between two", Qt::LeftButton, {first, 10}, ""},
+                              {"beside it", Qt::LeftButton, {first + 1, 10}, ""},
+                              {"the current one", Qt::LeftButton, onSecond, ""},
+                              {"with the right button", Qt::RightButton, onFirst, ""},
+                              {"with the middle one", Qt::MiddleButton, onThird, "close 2"},
+                              {"the middle one on nothing", Qt::MiddleButton, {end + 60, 10}, ""},
+                              {"the close mark", Qt::LeftButton, {first - 15, 18}, "close 0"},
+                              {"its left border", Qt::LeftButton, {first - 1 - 22, 10}, "close 0"},
+                              {"left of it", Qt::LeftButton, {first - 1 - 23, 10}, "current 0"},
+                              {"its right border", Qt::LeftButton, {first - 1 - 7, 25}, "close 0"},
+                              {"right of it", Qt::LeftButton, {first - 1 - 6, 10}, "current 0"},
+                              {"above it", Qt::LeftButton, {first - 15, 9}, "current 0"},
+                              {"below it", Qt::LeftButton, {first - 15, 26}, "current 0"},
+                              {"the button", Qt::LeftButton, {end + 4, 5}, "new"},
+                              {"its end", Qt::LeftButton, {end + 29, 30}, "new"},
+                              {"before the button", Qt::LeftButton, {end + 3, 10}, ""},
+                              {"behind it", Qt::LeftButton, {end + 30, 10}, ""},
+                              {"above the button", Qt::LeftButton, {end + 10, 4}, ""},
+                              {"below the button", Qt::LeftButton, {end + 10, 31}, ""}}) {
+        QTest::mouseClick(&strip, each.button, {}, each.point);
+        EXPECT_EQ(take(), QLatin1StringView(each.told)) << each.what;
+    }
+    const auto move = [this](const QPoint &to) {
+        QMouseEvent event(QEvent::MouseMove, to, strip.mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(&strip, &event);
+    };
+    QTest::mousePress(&strip, Qt::LeftButton, {}, {first + 2 + 1, 10});
+    move({first - 9, 10});
+    EXPECT_EQ(take(), QString()) << "twelve pixels are no drag";
+    move({first - 10, 10});
+    EXPECT_EQ(take(), QStringLiteral("moved 1 0"));
+    move({end + 100, 10});
+    move(onThird);
+    EXPECT_EQ(take(), QStringLiteral("moved 0 2")) << "it goes on from where it is";
+    move({onThird.x() + 3, 10});
+    QTest::mouseRelease(&strip, Qt::LeftButton, {}, onThird);
+    move(onFirst);
+    EXPECT_EQ(take(), QString());
+
+    strip.setTabs({QStringLiteral("One")}, 0);
+    const QStringList all = hits().split(u',');
+    EXPECT_EQ(all.count(QStringLiteral("new")), all.size()) << "the last one stays";
+    EXPECT_EQ(hits(Qt::MiddleButton), QString());
+}
+
+TEST_F(Strip, KeysGoToTheNeighboursAndClose)
+{
+    strip.setTabs({QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Three")}, 1);
+    EXPECT_TRUE(strip.focusPolicy() & Qt::TabFocus);
+    struct Case
+    {
+        int current;
+        Qt::Key key;
+        const char *told;
+    };
+    for (const Case &each : {Case{1, Qt::Key_Left, "current 0"},
+                             {1, Qt::Key_Right, "current 2"},
+                             {0, Qt::Key_Left, ""},
+                             {2, Qt::Key_Right, ""},
+                             {1, Qt::Key_Up, ""},
+                             {1, Qt::Key_Delete, "close 1"}}) {
+        strip.setTabs({QStringLiteral("One"), QStringLiteral("Two"), QStringLiteral("Three")}, each.current);
+        QKeyEvent event(QEvent::KeyPress, each.key, {});
+        QApplication::sendEvent(&strip, &event);
+        EXPECT_EQ(take(), QLatin1StringView(each.told)) << int(each.key);
+        EXPECT_EQ(event.isAccepted(), each.told[0] != 0);
+    }
+    strip.setTabs({QStringLiteral("One")}, 0);
+    QTest::keyClick(&strip, Qt::Key_Delete);
+    EXPECT_EQ(take(), QString());
+}
+
+TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
+{
+    strip.setTabs({QStringLiteral("One"), QStringLiteral("Two")}, 0);
+    const int first = std::max(48, natural(QStringLiteral("One"), 44));
+    const QPoint inSecond(first + 2 + 5, 30);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    strip.clearFocus();
+    const QColor ground = pixelOf(strip, inSecond);
+    EXPECT_EQ(pixelOf(strip, {5, 30}), zqColor(ZQColorRole::Ground));
+    const QImage before = strip.grab().toImage();
+    QTest::mouseMove(&strip, inSecond);
+    EXPECT_EQ(pixelOf(strip, inSecond), zqColor(ZQColorRole::Hover));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&strip, &leave);
+    EXPECT_EQ(pixelOf(strip, inSecond), ground);
+    EXPECT_EQ(pixelOf(strip, {0, 30}), zqColor(ZQColorRole::Border));
+    strip.setFocus();
+    EXPECT_EQ(pixelOf(strip, {0, 30}), zqColor(ZQColorRole::Accent));
+    strip.clearFocus();
+    // Marks only where there is something to close.
+    const auto inked = [this](const QRect &rect) {
+        const QImage image = strip.grab().toImage();
+        QSet<QRgb> colors;
+        for (int y = rect.top(); y <= rect.bottom(); ++y) {
+            for (int x = rect.left(); x <= rect.right(); ++x) {
+                colors.insert(image.pixel(x, y));
+            }
+        }
+        return colors.size() > 1;
+    };
+    EXPECT_TRUE(inked({first - 20, 13, 10, 10}));
+    EXPECT_TRUE(inked({12, 8, 20, 20})) << "its title";
+    strip.setTabs({QStringLiteral("mmmmmmmmmmmm")}, 0);
+    const int only = natural(QStringLiteral("mmmmmmmmmmmm"), 26);
+    EXPECT_TRUE(inked({only - 25, 8, 14, 20})) << "the title goes on where no mark is";
+    EXPECT_TRUE(inked({only + 2 + 4 + 8, 13, 10, 10})) << "the button";
+    EXPECT_EQ(strip.grab().toImage().size(), before.size());
+}
+
+TEST_F(Strip, TipsSayTheWholeTitle)
+{
+    strip.setTabs({QStringLiteral("One"), QStringLiteral("Two")}, 0);
+    const int end = strip.sizeHint().width();
+    struct Case
+    {
+        QPoint point;
+        const char *tip;
+    };
+    for (const Case &each : {Case{{5, 10}, "One"}, {{end - 10, 18}, "New Tab"}, {{end + 50, 18}, ""}}) {
+        QHelpEvent event(QEvent::ToolTip, each.point, strip.mapToGlobal(each.point));
+        EXPECT_TRUE(QApplication::sendEvent(&strip, &event));
+        if (each.tip[0] != 0) {
+            EXPECT_EQ(QToolTip::text(), QLatin1StringView(each.tip));
+        }
+    }
+    QToolTip::hideText();
+}
+
+TEST(ZQSwitch, SegmentsAreChosenWithPointerAndKeys)
+{
+    QWidget window;
+    ZQSwitch control({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}, &window);
+    EXPECT_EQ(control.sizeHint(), QSize(270, 28));
+    EXPECT_EQ(control.height(), 28);
+    EXPECT_EQ(control.focusPolicy(), Qt::TabFocus);
+    EXPECT_EQ(control.accessibleName(), QStringLiteral("A"));
+    control.resize(154, 28); // segments of 50 from 2 on
+    window.show();
+    QList<int> told;
+    QObject::connect(&control, &ZQSwitch::currentIndexChanged, [&](int index) { told.append(index); });
+    struct Click
+    {
+        QPoint point;
+        int after;
+    };
+    for (const Click &each : {Click{{52, 14}, 1},
+                              {{51, 14}, 0},
+                              {{101, 2}, 1},
+                              {{102, 25}, 2},
+                              {{1, 14}, 2},
+                              {{2, 14}, 0},
+                              {{151, 14}, 2},
+                              {{60, 1}, 2},
+                              {{60, 26}, 2},
+                              {{60, 25}, 1},
+                              {{152, 14}, 1}}) {
+        QTest::mouseClick(&control, Qt::LeftButton, {}, each.point);
+        EXPECT_EQ(control.currentIndex(), each.after) << each.point.x() << "," << each.point.y();
+    }
+    EXPECT_EQ(control.accessibleName(), QStringLiteral("B"));
+    EXPECT_EQ(told, (QList<int>{1, 0, 1, 2, 0, 2, 1}));
+    struct Press
+    {
+        Qt::Key key;
+        int after;
+        bool isMirrored = false;
+    };
+    for (const Press &each : {Press{Qt::Key_Right, 2},
+                              {Qt::Key_Right, 2},
+                              {Qt::Key_Space, 0},
+                              {Qt::Key_Left, 0},
+                              {Qt::Key_Space, 1},
+                              {Qt::Key_Left, 0},
+                              {Qt::Key_X, 0},
+                              {Qt::Key_Left, 1, true},
+                              {Qt::Key_Right, 0, true}}) {
+        control.setLayoutDirection(each.isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
+        QTest::keyClick(&control, each.key);
+        EXPECT_EQ(control.currentIndex(), each.after) << int(each.key);
+    }
+    control.setCurrentIndex(3);
+    control.setCurrentIndex(-1);
+    EXPECT_EQ(control.currentIndex(), 0);
+
+    ZQTheme::current().setDark(true);
+    const QColor off = zqColor(ZQColorRole::Raised);
+    const QColor on = zqColor(ZQColorRole::Raised2);
+    EXPECT_EQ(pixelOf(control, {10, 14}), on);
+    EXPECT_EQ(pixelOf(control, {60, 14}), off);
+    control.clearFocus();
+    EXPECT_EQ(pixelOf(control, {25, 3}), on);
+    EXPECT_NE(pixelOf(control, {25, 2}), zqColor(ZQColorRole::Accent));
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    control.setFocus();
+    EXPECT_EQ(pixelOf(control, {25, 2}), zqColor(ZQColorRole::Accent));
+    EXPECT_EQ(pixelOf(control, {60, 14}), off);
+}
+
+TEST(ZQProgressLine, ShowsHowFarItIsAndCanBeCancelled)
+{
+    ZQTheme::current().setDark(true);
+    ZQProgressLine line(true);
+    line.resize(228, line.sizeHint().height()); // the bar is 200 wide
+    line.show();
+    line.setText(QStringLiteral("Importing…"));
+    EXPECT_EQ(line.findChild<QLabel *>()->text(), QStringLiteral("Importing…"));
+    auto *cancel = line.findChild<QToolButton *>();
+    EXPECT_TRUE(cancel->isVisible());
+    EXPECT_EQ(cancel->size(), QSize(18, 18));
+    EXPECT_EQ(cancel->iconSize(), QSize(10, 10));
+    int cancels = 0;
+    QObject::connect(&line, &ZQProgressLine::cancelled, [&] { ++cancels; });
+    cancel->click();
+    EXPECT_EQ(cancels, 1);
+    QApplication::processEvents();
+    const QColor done = zqColor(ZQColorRole::Accent);
+    const int y = line.height() - 12;
+    struct Case
+    {
+        double fraction;
+        int part; // of the 200 pixels
+    };
+    for (const Case &each : {Case{0.5, 100}, {0, 0}, {1, 200}, {3, 200}, {-1, 60}}) {
+        line.setFraction(each.fraction);
+        QApplication::processEvents();
+        const QImage image = line.grab().toImage();
+        int count = 0;
+        for (int x = 14; x < 214; ++x) {
+            count += image.pixelColor(x, y) == done ? 1 : 0;
+        }
+        EXPECT_NEAR(count, each.part, 2) << each.fraction;
+    }
+    line.setFraction(0.256);
+    QString described;
+    for (const auto *child : line.findChildren<QWidget *>()) {
+        described += child->accessibleDescription();
+    }
+    EXPECT_EQ(described, QStringLiteral("25 %"));
+    ZQProgressLine other(false);
+    EXPECT_TRUE(other.findChild<QToolButton *>()->isHidden());
+}
+
+TEST(ZQNotificationBubble, StandsWhereItBelongsAndGoesByItself)
+{
+    ZQTheme::current().setDark(true);
+    QWidget window;
+    window.resize(600, 500);
+    QWidget place(&window);
+    place.setGeometry(100, 0, 400, 300);
+    auto *bubble = new ZQNotificationBubble(&window);
+    QWidget over(&window);
+    window.show();
+    EXPECT_FALSE(bubble->isVisible());
+    const QString text = QStringLiteral("Done");
+    const QSize words = QFontMetrics(ZQTheme::current().font())
+                            .boundingRect(QRect(0, 0, 344, 1000), int(Qt::AlignCenter) | Qt::TextWordWrap, text)
+                            .size();
+    const QSize size = words + QSize(54, 40);
+    bubble->showText(text, &place, false, 30);
+    EXPECT_EQ(bubble->text(), text);
+    EXPECT_EQ(bubble->accessibleName(), text);
+    EXPECT_EQ(bubble->geometry(), QRect(QPoint(100 + (400 - size.width()) / 2, 300 - size.height() - 56), size));
+    EXPECT_TRUE(bubble->isVisible());
+    EXPECT_EQ(window.children().last(), bubble) << "above everything";
+    bubble->showText(text, &place, true, 30);
+    EXPECT_EQ(bubble->geometry(), QRect(QPoint(100 + (400 - size.width()) / 2, (300 - size.height()) / 2), size));
+    place.resize(400, 40);
+    bubble->showText(text, &place, false, 30);
+    EXPECT_EQ(bubble->y(), 0) << "stays within the window";
+    place.resize(400, 300);
+    window.resize(600, 501); // the place is laid out anew by then
+    place.setGeometry(0, 0, 500, 300);
+    QApplication::processEvents();
+    EXPECT_EQ(bubble->x(), (500 - size.width()) / 2);
+    // Long ones wrap at the place's width, at most 420.
+    const QString words20 = QStringLiteral("words and words ").repeated(20);
+    for (const auto &[width, widest] : {std::pair{1000, 420 - 32 + 54}, {300, 300 - 24 - 32 + 54}, {50, 80 + 54}}) {
+        place.resize(width, 300);
+        bubble->showText(words20, &place, false, 30);
+        EXPECT_LE(bubble->width(), widest) << width;
+        EXPECT_GT(bubble->width(), widest - 60) << width;
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->graphicsEffect()->property("opacity").toDouble() == 1; }, 20000));
+    place.resize(500, 300);
+    bubble->showText(text, &place, false, 30);
+    EXPECT_EQ(pixelOf(*bubble, {size.width() / 2, 14}), zqColor(ZQColorRole::Raised2));
+    QTest::mouseClick(bubble, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000)) << "a click sends it away";
+    window.resize(600, 510);
+    bubble->showText(text, &place, false, 0);
+    EXPECT_TRUE(bubble->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000)) << "and so does its time";
+    delete bubble;
+}
