@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
@@ -38,6 +39,13 @@ public:
     virtual void updateLocalization() = 0;
 };
 
+// What imports that an earlier process did not end tell about item directories that no item names.
+struct CutOffImports
+{
+    std::optional<QDateTime> since; // what was made from then on may be theirs, if nothing says that it was saved once
+    QSet<QString> saved;            // the bundleIDs of items that the store named once
+};
+
 // The import manager, as the application sees it. Main thread.
 class ImportManaging
 {
@@ -52,6 +60,11 @@ public:
                                          std::function<void(qsizetype takenBack, bool isComplete)> done) = 0;
     // Imports that an earlier process did not end: when the first of them began, and the question about them.
     virtual std::optional<QDateTime> cutOffImportSince() = 0;
+    // Asks for what those that are cut off now tell about the items of these bundleIDs. The answer may be called on any
+    // thread, while they are forgotten or go on, and takes a while for large ones.
+    virtual std::function<CutOffImports(const QSet<QString> &bundleIDs)> tracesOfCutOffImports() = 0;
+    // All that they had made before `launch` was looked through: what is found later is not theirs.
+    virtual void didLookThroughLeftovers(const QDateTime &launch) = 0;
     virtual void offerToResumeImports() = 0;
     // From then on a cancel is no decision of the person's: what was asked for is kept for the next launch.
     virtual void setKeepsCancelledImports(bool keeps) = 0;

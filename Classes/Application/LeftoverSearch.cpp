@@ -1,6 +1,7 @@
 #include "Classes/Application/LeftoverSearch.h"
 
 #include "Classes/Application/LibraryBundleManager.h"
+#include "Classes/Application/RemovalNote.h"
 #include "Classes/Tags/FileTags.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -45,8 +46,7 @@ QString bundleIDOf(const QString &directory)
     return directory.left(directory.lastIndexOf(u'.'));
 }
 
-// Whether an item of this directory was saved once: its file holds the record of what the library last wrote to it. An
-// import's file may bring one from elsewhere, so this counts only where no import that was cut off explains it.
+// Whether an item of this directory was saved once: its file holds the record of what the library last wrote to it.
 bool wasNamedOnce(const QString &directory)
 {
     const QFileInfoList files = QDir(directory).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -120,11 +120,18 @@ std::optional<LibraryLeftovers> LeftoverSearch::run(const std::stop_token &stop)
     if (!keepDueRemovals(stop) || !readDirectory(stop) || !dropThoseInOtherLetters(stop)) {
         return std::nullopt;
     }
-    for (const Candidate &candidate : std::exchange(m_candidates, {})) {
+    const QList<Candidate> candidates = std::exchange(m_candidates, {});
+    QSet<QString> bundleIDs;
+    for (const Candidate &candidate : candidates) {
+        bundleIDs.insert(bundleIDOf(candidate.name));
+    }
+    const CutOffImports imports =
+        m_place.cutOffImports && !bundleIDs.isEmpty() ? m_place.cutOffImports(bundleIDs) : CutOffImports();
+    for (const Candidate &candidate : candidates) {
         if (stop.stop_requested()) {
             return std::nullopt;
         }
-        classify(candidate);
+        classify(candidate, imports);
     }
     return std::move(m_found);
 }
@@ -174,29 +181,15 @@ std::optional<QStringList> LeftoverSearch::unnamedOf(const QStringList &names, c
 // The noted removals that are still to go. One that the store names again is not among them, and not noted any more.
 bool LeftoverSearch::keepDueRemovals(const std::stop_token &stop)
 {
-    constexpr qint64 largestNote = qint64(256) << 20;
     m_dueRemovals.clear();
-    const QFileInfo note(m_place.removalsPath);
-    QFile file(note.filePath());
-    if (note.isSymLink() || !note.isFile() || note.size() > largestNote || !file.open(QIODevice::ReadOnly)) {
-        return true;
-    }
-    const QStringList noted = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-    file.close();
-    QStringList present = noted;
-    present.removeIf([&](const QString &name) {
-        return stop.stop_requested() || name.contains(u'/') || !QFileInfo(m_place.library + u'/' + name).isDir();
-    });
-    const auto due = unnamedOf(present, stop);
+    const RemovalNote note(m_place.removalsPath, m_place.library);
+    const auto due = unnamedOf(note.present(), stop);
     if (!due || stop.stop_requested()) { // then the note stays as it is
         return false;
     }
     m_dueRemovals = {due->begin(), due->end()};
-    ZQError error;
-    if (due->isEmpty()) {
-        QFile::remove(note.filePath());
-    } else if (*due != noted && !zqWriteFileAtomically(note.filePath(), due->join(u'\n').toUtf8(), &error)) {
-        qCWarning(zqLogApplication).noquote() << error.localizedDescription();
+    if (const QStringList noted = note.names(); *due != noted) {
+        note.write(*due);
     }
     return true;
 }
@@ -291,15 +284,17 @@ bool LeftoverSearch::dropThoseInOtherLetters(const std::stop_token &stop)
     return true;
 }
 
-void LeftoverSearch::classify(const Candidate &candidate)
+// When a cut-off import began says little: an older copy of the store that was put back has forgotten what later ones
+// brought, too.
+void LeftoverSearch::classify(const Candidate &candidate, const CutOffImports &imports)
 {
     const QDateTime storeDate = m_place.store->creationDate();
     const bool isNoted = m_dueRemovals.contains(candidate.name);
     const bool isExplained =
-        isNoted || (m_place.cutOffImport && candidate.birth >= m_place.cutOffImport->toMSecsSinceEpoch() - clockGrain);
+        isNoted || (imports.since && candidate.birth >= imports.since->toMSecsSinceEpoch() - clockGrain);
     const bool mayHaveBeenNamed =
         m_place.store->wasRecovered() || !storeDate.isValid() || candidate.since <= storeDate.toMSecsSinceEpoch() ||
-        (!isExplained && wasNamedOnce(m_place.library + u'/' + candidate.name)); // and the store forgot what it saved
+        imports.saved.contains(bundleIDOf(candidate.name)) || wasNamedOnce(m_place.library + u'/' + candidate.name);
     const bool isLost = mayHaveBeenNamed && !isNoted;
     (isLost ? m_found.lost : m_found.leftovers).append(candidate.name);
     m_found.unexplained += !isLost && !isExplained ? 1 : 0;

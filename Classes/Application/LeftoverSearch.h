@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Classes/Application/ControllerInterfaces.h"
+
 #include <QDateTime>
 #include <QSet>
 #include <QString>
@@ -18,7 +20,7 @@ struct LibraryLeftovers
 {
     QStringList lost;          // which a store that is gone may have named
     QStringList leftovers;     // made for items that were never saved, or whose items were removed
-    qsizetype unexplained = 0; // of the leftovers, those that no import which was cut off accounts for
+    qsizetype unexplained = 0; // of the leftovers, those that neither a purge nor a cut-off import accounts for
     qsizetype directories = 0; // all there are
     bool storeIsEmpty = false; // when the search began, the store listed no item at all
 };
@@ -40,7 +42,7 @@ public:
         QString library;      // the "Library" directory
         QString removalsPath; // the note of the directories of purged items
         QDateTime launch;
-        std::optional<QDateTime> cutOffImport; // when the first import that was cut off began
+        std::function<CutOffImports(const QSet<QString> &bundleIDs)> cutOffImports; // may be none
         std::shared_ptr<ZQPersistentStoreCoordinator> store;
     };
 
@@ -63,7 +65,7 @@ private:
     bool readDirectory(const std::stop_token &stop);
     bool judgeBatch(const QStringList &names);
     bool dropThoseInOtherLetters(const std::stop_token &stop);
-    void classify(const Candidate &candidate);
+    void classify(const Candidate &candidate, const CutOffImports &imports);
     void tellObserver(qsizetype namesInBatch) const;
 
     const Place m_place;

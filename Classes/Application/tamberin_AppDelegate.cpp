@@ -60,6 +60,7 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     m_context.reset();
     m_coordinator.reset();
     waitForRemovals(); // destroying a running process object would kill it half way
+    dropNotedRemovals();
     sharedInstance = nullptr;
 }
 

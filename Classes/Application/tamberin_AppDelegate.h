@@ -153,11 +153,13 @@ private:
     void mergeSaved(const ZQContextDidSave &notification);
     QString removalsPath();
     void noteRemovals(const QStringList &directories);
+    void dropNotedRemovals(); // those that are gone
     void stopLeftoverCheck();
     void didSearchLeftovers(std::optional<LibraryLeftovers> found);
     int answerAboutLeftovers(qsizetype count, qsizetype ofAll);
     void removeLeftovers(const QStringList &leftovers, const QStringList &lost);
-    void endLeftoverCheck(const QStringList &lost, bool isComplete);
+    enum class Check { WasCutOff, IsComplete, SawToAll };
+    void endLeftoverCheck(const QStringList &lost, Check end);
     void clearRecovered();
     void takeBack(const QStringList &directories);
     void didTakeBack(qsizetype takenBack, bool isComplete);

@@ -3,6 +3,7 @@
 
 #include "Classes/Application/LeftoverSearch.h"
 #include "Classes/Application/LibraryBundleManager.h"
+#include "Classes/Application/RemovalNote.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -63,9 +64,9 @@ void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers(std::function<void()> 
     m_leftoverStop = std::stop_source();
     m_leftoverQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("leftovers"), 1);
     // Asked before the person can forget those imports.
-    const auto cutOffImport = m_parts.importManager ? m_parts.importManager->cutOffImportSince() : std::nullopt;
+    auto cutOffImports = m_parts.importManager ? m_parts.importManager->tracesOfCutOffImports() : nullptr;
     m_leftoverQueue->addOperationWithBlock(
-        [place = LeftoverSearch::Place{library, removalsPath(), m_launchDate, cutOffImport, m_coordinator},
+        [place = LeftoverSearch::Place{library, removalsPath(), m_launchDate, std::move(cutOffImports), m_coordinator},
          stop = m_leftoverStop.get_token()] {
             const auto found = LeftoverSearch(place).run(stop);
             zqOnMainThread([found, stop] {
@@ -98,10 +99,11 @@ void tamberin_AppDelegate::didSearchLeftovers(std::optional<LibraryLeftovers> fo
 {
     LibraryBundleManager::rememberMadeDirectories(false); // what is made from here on cannot be among those found
     if (!found) {
-        endLeftoverCheck({}, false);
+        endLeftoverCheck({}, Check::WasCutOff);
         return;
     }
-    if (found->storeIsEmpty && !found->leftovers.isEmpty()) {
+    const bool isLeft = found->storeIsEmpty && !found->leftovers.isEmpty();
+    if (isLeft) {
         // A store without a single item beside filled directories is a lost or restored store, not rubbish.
         qCWarning(zqLogApplication) << "The store lists no items, so" << found->leftovers.size()
                                     << "item directories are left where they are";
@@ -113,22 +115,22 @@ void tamberin_AppDelegate::didSearchLeftovers(std::optional<LibraryLeftovers> fo
     if (stop.stop_requested()) {
         return; // the application quit meanwhile; the next launch looks again
     }
-    if (answer == removeButton) {
+    if (answer == removeButton && !isLeft) {
         removeLeftovers(found->leftovers, found->lost);
         return;
     }
     if (answer == takeBackButton) {
         found->lost.append(found->leftovers);
-    } else {
+    } else if (!isLeft) {
         qCWarning(zqLogApplication) << found->leftovers.size() << "item directories of no item are left";
     }
-    endLeftoverCheck(found->lost, true);
+    endLeftoverCheck(found->lost, answer == takeBackButton ? Check::SawToAll : Check::IsComplete);
 }
 
 void tamberin_AppDelegate::removeLeftovers(const QStringList &leftovers, const QStringList &lost)
 {
     if (leftovers.isEmpty()) {
-        endLeftoverCheck(lost, true);
+        endLeftoverCheck(lost, Check::SawToAll);
         return;
     }
     constexpr qsizetype named = 50;
@@ -138,25 +140,28 @@ void tamberin_AppDelegate::removeLeftovers(const QStringList &leftovers, const Q
     m_leftoverQueue->addOperationWithBlock([place = LeftoverSearch::Place{library, {}, {}, {}, m_coordinator},
                                             leftovers, lost, stop = m_leftoverStop.get_token()] {
         LeftoverSearch search(place);
-        for (qsizetype first = 0; first < leftovers.size(); first += pathsPerRemoval) {
+        bool isStarted = true;
+        for (qsizetype first = 0; isStarted && first < leftovers.size(); first += pathsPerRemoval) {
             // What was found may be long ago: an item that was saved since keeps its directory.
             const auto unnamed = search.unnamedOf(leftovers.mid(first, pathsPerRemoval));
-            if (!unnamed || !startRemoval(*unnamed, place.library, stop)) {
-                break;
-            }
+            isStarted = unnamed && startRemoval(*unnamed, place.library, stop);
         }
-        zqOnMainThread([lost, stop] {
+        zqOnMainThread([lost, stop, end = isStarted ? Check::SawToAll : Check::IsComplete] {
             if (!stop.stop_requested()) {
-                sharedDelegate()->endLeftoverCheck(lost, true);
+                sharedDelegate()->endLeftoverCheck(lost, end);
             }
         });
     });
 }
 
-// `isComplete`: the library was looked through, so what a recovery cost is known.
-void tamberin_AppDelegate::endLeftoverCheck(const QStringList &lost, bool isComplete)
+// Once the library was looked through, what a recovery cost is known; once all was seen to, whatever is found later is
+// of another origin.
+void tamberin_AppDelegate::endLeftoverCheck(const QStringList &lost, Check end)
 {
-    if (isComplete) {
+    if (end == Check::SawToAll && m_parts.importManager) {
+        m_parts.importManager->didLookThroughLeftovers(m_launchDate);
+    }
+    if (end != Check::WasCutOff) {
         takeBack(lost);
     }
     m_isCheckingLeftovers = false;
@@ -172,8 +177,6 @@ void tamberin_AppDelegate::clearRecovered()
     }
 }
 
-// The directories of purged items, in a file of the bundle from before their items go until they have gone themselves:
-// what a killed process leaves of them is no loss.
 QString tamberin_AppDelegate::removalsPath()
 {
     return libraryBundleDirectory() + QStringLiteral("/pending-removals");
@@ -181,9 +184,24 @@ QString tamberin_AppDelegate::removalsPath()
 
 void tamberin_AppDelegate::noteRemovals(const QStringList &directories)
 {
-    ZQError error;
-    if (!directories.isEmpty() && !zqWriteFileAtomically(removalsPath(), directories.join(u'\n').toUtf8(), &error)) {
-        qCWarning(zqLogApplication).noquote() << error.localizedDescription(); // they may be taken back then
+    if (directories.isEmpty()) {
+        return;
+    }
+    // Beside them what an earlier process noted and did not come to, but for what the store names again: its items are
+    // wanted.
+    const RemovalNote note(removalsPath(), libraryDirectory());
+    const QStringList earlier = note.present();
+    QStringList names =
+        LeftoverSearch({libraryDirectory(), {}, {}, {}, m_coordinator}).unnamedOf(earlier).value_or(earlier);
+    names.append(directories);
+    names.removeDuplicates();
+    note.write(names);
+}
+
+void tamberin_AppDelegate::dropNotedRemovals()
+{
+    if (m_lock && !m_libraryBundleDirectory.isEmpty() && !m_libraryDirectory.isEmpty()) {
+        RemovalNote(removalsPath(), m_libraryDirectory).dropWhatIsGone();
     }
 }
 

@@ -190,7 +190,7 @@ void CommandLine::defineVerify()
         add("verify", "Check that the store is sound and that every item has its files; exit status 1 when not", true,
             [this](CommandContext &context) { return zqRunVerify(m_options->deep, context); });
     command->add_flag("--deep", m_options->deep, "Also read every file and compare its digest");
-    command->add_flag("--json", m_json, "Print one object: items, problems, orphans");
+    command->add_flag("--json", m_json, "Print one object: items, problems, orphans, otherNames, links");
     CLI::App *recover =
         add("recover",
             "Copy what can be read of a damaged library into a new store, and keep the damaged one beside it; exit "

@@ -17,6 +17,8 @@ struct Findings
     qint64 items = 0;
     QStringList problems;
     QStringList orphans;
+    QStringList otherNames; // differ from those of items in their letters alone
+    QStringList links;
 };
 
 void checkItem(ZQLibraryBaseItem &item, bool deep, Findings &findings)
@@ -46,6 +48,33 @@ void checkItem(ZQLibraryBaseItem &item, bool deep, Findings &findings)
     }
 }
 
+void checkDirectories(const QString &library, const QSet<QString> &known, Findings &findings)
+{
+    QSet<QString> inAnyLetters;
+    QDirIterator entries(library, {QStringLiteral("*.ztlibraryitem")}, QDir::Dirs | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        const QString bundleID = entries.fileInfo().completeBaseName();
+        if (known.contains(bundleID) && entries.fileName().endsWith(ZQLibraryBaseItem::itemDirectoryExtension)) {
+            continue;
+        }
+        if (inAnyLetters.isEmpty()) {
+            for (const QString &name : known) {
+                inAnyLetters.insert(name.toLower());
+            }
+        }
+        if (entries.fileInfo().isSymLink()) {
+            findings.links.append(entries.fileName());
+        } else {
+            (inAnyLetters.contains(bundleID.toLower()) ? findings.otherNames : findings.orphans)
+                .append(entries.fileName());
+        }
+    }
+    findings.orphans.sort();
+    findings.otherNames.sort();
+    findings.links.sort();
+}
+
 bool checkItems(bool deep, CommandContext &context, Findings &findings)
 {
     ZQError error;
@@ -71,15 +100,28 @@ bool checkItems(bool deep, CommandContext &context, Findings &findings)
             checkItem(*item, deep, findings);
         }
     }
-    QDirIterator entries(context.delegate->libraryDirectory(), {QStringLiteral("*.ztlibraryitem")},
-                         QDir::Dirs | QDir::NoDotAndDotDot);
-    while (entries.hasNext()) {
-        entries.next();
-        if (!known.contains(entries.fileInfo().completeBaseName())) {
-            findings.orphans.append(entries.fileName());
-        }
-    }
+    checkDirectories(context.delegate->libraryDirectory(), known, findings);
     return true;
+}
+
+void printText(const Findings &findings, CommandContext &context)
+{
+    context.print(findings.items == 1 ? zqLocalized("1 item checked")
+                                      : zqFormat(zqLocalized("%d items checked"), {findings.items}));
+    for (const QString &problem : findings.problems) {
+        context.print(problem);
+    }
+    for (const QString &orphan : findings.orphans) {
+        context.print(
+            zqFormat(zqLocalized("belongs to no item; the next launch takes it back or removes it: %@"), {orphan}));
+    }
+    for (const QString &name : findings.otherNames) {
+        context.print(zqFormat(
+            zqLocalized("is named like the folder of an item, in other letters, and stays as it is: %@"), {name}));
+    }
+    for (const QString &link : findings.links) {
+        context.print(zqFormat(zqLocalized("is a link and no folder of an item, and stays as it is: %@"), {link}));
+    }
 }
 } // namespace
 
@@ -88,21 +130,14 @@ int zqRunVerify(bool deep, CommandContext &context)
     Findings findings;
     findings.problems = context.delegate->persistentStoreCoordinator()->checkIntegrity();
     checkItems(deep, context, findings);
-    findings.orphans.sort();
     if (context.json) {
         context.printJSON(QJsonObject{{QStringLiteral("items"), findings.items},
                                       {QStringLiteral("problems"), QJsonArray::fromStringList(findings.problems)},
-                                      {QStringLiteral("orphans"), QJsonArray::fromStringList(findings.orphans)}});
+                                      {QStringLiteral("orphans"), QJsonArray::fromStringList(findings.orphans)},
+                                      {QStringLiteral("otherNames"), QJsonArray::fromStringList(findings.otherNames)},
+                                      {QStringLiteral("links"), QJsonArray::fromStringList(findings.links)}});
     } else {
-        context.print(findings.items == 1 ? zqLocalized("1 item checked")
-                                          : zqFormat(zqLocalized("%d items checked"), {findings.items}));
-        for (const QString &problem : findings.problems) {
-            context.print(problem);
-        }
-        for (const QString &orphan : findings.orphans) {
-            context.print(
-                zqFormat(zqLocalized("belongs to no item; the next launch takes it back or removes it: %@"), {orphan}));
-        }
+        printText(findings, context);
     }
     return findings.problems.isEmpty() ? 0 : 1;
 }

@@ -84,6 +84,8 @@ public:
                                                            const std::shared_ptr<PendingImportFile> &pending);
     void forgetImports();
     std::optional<QDateTime> cutOffImportSince() override;
+    std::function<CutOffImports(const QSet<QString> &bundleIDs)> tracesOfCutOffImports() override;
+    void didLookThroughLeftovers(const QDateTime &launch) override;
     void offerToResumeImports() override;
     void setKeepsCancelledImports(bool keeps) override { m_keepsCancelledImports = keeps; }
     bool keepsCancelledImports() const { return m_keepsCancelledImports; } // any thread

@@ -162,6 +162,29 @@ std::optional<QDateTime> AImportManager::cutOffImportSince()
     return names.isEmpty() ? std::nullopt : std::optional(PendingImportFile::beginning(names.first()));
 }
 
+std::function<CutOffImports(const QSet<QString> &)> AImportManager::tracesOfCutOffImports()
+{
+    return [folder = pendingFolder(), names = cutOffImports()](const QSet<QString> &bundleIDs) {
+        CutOffImports all;
+        for (const QString &name : names) {
+            const PendingImportFile::Traces traces = PendingImportFile::traces(folder, name, bundleIDs);
+            all.saved += traces.saved;
+            if (traces.since && (!all.since || *traces.since < *all.since)) {
+                all.since = traces.since;
+            }
+        }
+        return all;
+    };
+}
+
+void AImportManager::didLookThroughLeftovers(const QDateTime &launch)
+{
+    const QStringList names = cutOffImports(); // not those that went on meanwhile
+    for (const QString &name : names) {
+        PendingImportFile::noteLookedThrough(pendingFolder(), name, launch);
+    }
+}
+
 std::shared_ptr<ImportOperation> AImportManager::queue(std::shared_ptr<ImportOperation> operation,
                                                        std::shared_ptr<PendingImportFile> pending)
 {
@@ -184,6 +207,7 @@ std::shared_ptr<ImportOperation> AImportManager::resumeImport(const QString &nam
         application().userInteraction().presentError(error);
         return nullptr;
     }
+    pending->noteGoingOn();
     const PendingImport &request = pending->request();
     const ZQObjectID target = targetOf(request, *application().managedObjectContext());
     const bool isOfArchive = !request.archiveRoot.isEmpty();

@@ -8,6 +8,7 @@
 #include "Classes/Import/KindImportOperations.h"
 #include "Classes/Import/LittleSnapperSnapImportOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
+#include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
@@ -313,6 +314,10 @@ bool BaseImportOperation::copyFile()
     m_filePath = target;
     // Most files carry none, and each name that is looked for takes a call.
     m_hasAttributes = !ZQExtendedAttributes::list(target, &error).isEmpty() || !error.isNull();
+    if (m_hasAttributes && !m_isMove) {
+        // The record of an item of another library would say that this one had been saved once.
+        ZQExtendedAttributes::remove(target, SeenFileTags::attributeName);
+    }
     return true;
 }
 

@@ -159,6 +159,26 @@ bool endsInALine(QFile &file)
     return file.size() == 0 || (file.seek(file.size() - 1) && file.read(1) == "\n");
 }
 
+// A line of the list that is no source.
+enum class Mark { None, NextSave, GoingOn, LookedThrough };
+
+Mark markOf(const QByteArray &line, const QJsonArray &values)
+{
+    const QByteArray text = line.trimmed();
+    if (text.isEmpty()) {
+        return Mark::NextSave;
+    }
+    return text == "[]" ? Mark::GoingOn : values.size() == 1 ? Mark::LookedThrough : Mark::None;
+}
+
+QByteArray lastLine(QFile &file)
+{
+    constexpr qint64 longestMark = 32;
+    file.seek(std::max<qint64>(0, file.size() - longestMark));
+    const QByteArray end = file.read(longestMark).trimmed();
+    return end.mid(end.lastIndexOf('\n') + 1);
+}
+
 ZQError unwritable(const QFile &file, const QString &reason)
 {
     return ZQError::with(QStringLiteral("zelto.import"), 5,
@@ -304,8 +324,8 @@ bool PendingImportFile::addSources(const QList<Source> &sources, ZQError *error)
     QString reason;
     if (openRegular(file, O_RDWR | O_CREAT | O_APPEND, QIODevice::ReadWrite | QIODevice::Append, sourcesLimit,
                     &reason)) {
-        if (!endsInALine(file)) {
-            lines.prepend('\n');
+        if (file.size() > 0) { // the empty line tells this save from the one before
+            lines.prepend(endsInALine(file) ? "\n" : "\n\n");
         }
         if (file.write(lines) == lines.size() && file.flush()) {
             return true;
@@ -339,6 +359,64 @@ std::optional<QList<PendingImportFile::Source>> PendingImportFile::sources(ZQErr
         }
     }
     return sources;
+}
+
+PendingImportFile::Traces PendingImportFile::traces(const QString &folder, const QString &name,
+                                                    const QSet<QString> &bundleIDs)
+{
+    Traces traces{.since = beginning(name), .saved = {}};
+    QFile file(sourcesPath(folder, name));
+    if (!isAnythingAt(file.fileName())) {
+        return traces; // nothing was about to be saved yet
+    }
+    if (!openRegular(file, O_RDONLY, QIODevice::ReadOnly, sourcesLimit)) {
+        return {};
+    }
+    QSet<QString> ofOneSave;
+    bool isLookedThrough = false;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine(lineLimit);
+        const QJsonArray values = QJsonDocument::fromJson(line).array();
+        const Mark mark = markOf(line, values);
+        const QString bundleID = values.size() == 4 ? values.at(0).toString() : QString();
+        if (bundleIDs.contains(bundleID)) {
+            ofOneSave.insert(bundleID);
+        }
+        if (mark == Mark::NextSave) {
+            traces.saved += ofOneSave; // or the import would have ended there
+        }
+        if (mark != Mark::None) {
+            ofOneSave.clear(); // a process that was killed may not have come to save them
+        }
+        if (mark == Mark::LookedThrough) {
+            traces.since = std::max(*traces.since, QDateTime::fromMSecsSinceEpoch(values.at(0).toInteger(), Qt::UTC));
+        }
+        isLookedThrough = mark == Mark::LookedThrough;
+    }
+    if (isLookedThrough) {
+        traces.since.reset();
+    }
+    return traces;
+}
+
+void PendingImportFile::noteLookedThrough(const QString &folder, const QString &name, const QDateTime &launch)
+{
+    QFile file(sourcesPath(folder, name));
+    if (!openRegular(file, O_RDWR | O_CREAT | O_APPEND, QIODevice::ReadWrite | QIODevice::Append, sourcesLimit)) {
+        return;
+    }
+    const QByteArray last = lastLine(file);
+    if (markOf(last, QJsonDocument::fromJson(last).array()) != Mark::LookedThrough) {
+        file.write((endsInALine(file) ? "[" : "\n[") + QByteArray::number(launch.toMSecsSinceEpoch()) + "]\n");
+    }
+}
+
+void PendingImportFile::noteGoingOn()
+{
+    QFile file(sourcesPath(m_folder, m_name));
+    if (openRegular(file, O_RDWR | O_APPEND, QIODevice::ReadWrite | QIODevice::Append, sourcesLimit)) {
+        file.write(endsInALine(file) ? "[]\n" : "\n[]\n");
+    }
 }
 
 bool PendingImportFile::narrow(const PendingImport &rest, ZQError *error)

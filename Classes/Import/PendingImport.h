@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
@@ -46,10 +47,21 @@ public:
         qint64 movedModification = 0;
     };
 
+    // What one tells about item directories that the store does not name.
+    struct Traces
+    {
+        std::optional<QDateTime> since; // made from then on, they may be its own; nothing: they are not
+        QSet<QString> saved;            // bundleIDs: these were in the store once, for it went on after their save
+    };
+
     // Those in `folder` that belong to no batch of this process, oldest first; by their names.
     static QStringList cutOff(const QString &folder);
     static QDateTime beginning(const QString &name);
     static bool forget(const QString &folder, const QString &name);
+    // About the items of these bundleIDs alone. A list that is there and cannot be read explains nothing.
+    static Traces traces(const QString &folder, const QString &name, const QSet<QString> &bundleIDs);
+    // What it had made before `launch` was looked through. Noted in the list, until it goes on.
+    static void noteLookedThrough(const QString &folder, const QString &name, const QDateTime &launch);
     // Files of requests that are gone, or never were whole, as a killed process leaves them.
     static void removeRemains(const QString &folder);
 
@@ -72,6 +84,8 @@ public:
     // Before the save that names them, which must not go ahead without. Reaches the disk with the file system's next
     // flush.
     bool addSources(const QList<Source> &sources, ZQError *error = nullptr);
+    // Another process goes on with it: what is made from here on may be its own again.
+    void noteGoingOn();
     // Nothing when the list is there and cannot be read.
     std::optional<QList<Source>> sources(ZQError *error = nullptr) const;
     void remove();

@@ -81,6 +81,11 @@ public:
         done(takesBack.value_or(names.size()), !takesBack);
     }
     std::optional<QDateTime> cutOffImportSince() override { return cutOff; }
+    std::function<CutOffImports(const QSet<QString> &)> tracesOfCutOffImports() override
+    {
+        return [traces = CutOffImports{cutOff, saved}](const QSet<QString> &) { return traces; };
+    }
+    void didLookThroughLeftovers(const QDateTime &) override { ++lookedThrough; }
     void offerToResumeImports() override { calls.append(QStringLiteral("resume")); }
     void setKeepsCancelledImports(bool keeps) override { keptCancelled.append(keeps); }
     ZQOperationQueue &syncOperationQueue() override { return m_sync; }
@@ -100,6 +105,8 @@ public:
     QList<ZQLibraryBaseItem *> thumbs;
     std::optional<qsizetype> takesBack; // and then ends; without it all of them
     std::optional<QDateTime> cutOff;
+    QSet<QString> saved; // by imports that were cut off
+    int lookedThrough = 0;
     QList<bool> keptCancelled;
 
 private:

@@ -302,7 +302,8 @@ TEST_F(LeftoverCheck, DatesDecideToTheMillisecond)
     const auto coordinator = delegate->persistentStoreCoordinator();
     const auto birth = [&path] { return QDateTime::fromMSecsSinceEpoch(zqFileDates(path)->birth, Qt::UTC); };
     const auto found = [&](const QDateTime &launch, const std::optional<QDateTime> &cutOff) {
-        return LeftoverSearch({library, {}, launch, cutOff, coordinator}).run({}).value_or(LibraryLeftovers());
+        const auto traces = [&cutOff](const QSet<QString> &) { return CutOffImports{cutOff, {}}; };
+        return LeftoverSearch({library, {}, launch, traces, coordinator}).run({}).value_or(LibraryLeftovers());
     };
     EXPECT_EQ(found(birth(), {}).leftovers.size(), 1);
     EXPECT_EQ(found(birth().addMSecs(-1), {}).leftovers.size(), 0) << "of this process";

@@ -103,6 +103,39 @@ TEST_F(CommandTest, VerifyNamesWhatIsMissingChangedOrNobodys)
     EXPECT_EQ(object().value(QStringLiteral("items")).toInt(), 2);
 }
 
+TEST_F(CommandTest, VerifySaysWhatNoLaunchTouches)
+{
+    picture(QStringLiteral("in/a.png"), qRgb(200, 100, 20));
+    picture(QStringLiteral("in/b.png"), qRgb(100, 20, 200));
+    picture(QStringLiteral("in/c.png"), qRgb(20, 100, 200));
+    ASSERT_EQ(run("import in/a.png in/b.png in/c.png"), 0);
+    const QString library = delegate->libraryDirectory();
+    const QStringList names = QDir(library).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    ASSERT_EQ(names.size(), 3);
+    const QString large = names.at(1).toUpper();
+    ASSERT_TRUE(QDir(library).rename(names.at(1), large));
+    const QString small = names.first().toLower();
+    ASSERT_TRUE(QDir(library).rename(names.first(), small));
+    // That of an item may lie elsewhere.
+    ASSERT_TRUE(QDir(library).rename(names.last(), world.filePath(QStringLiteral("elsewhere"))));
+    ASSERT_TRUE(QFile::link(world.filePath(QStringLiteral("elsewhere")), library + u'/' + names.last()));
+    ASSERT_TRUE(QFile::link(world.path(), library + QStringLiteral("/LINK.ztlibraryitem")));
+    QDir().mkpath(library + QStringLiteral("/ORPHAN.ztlibraryitem"));
+
+    run("verify --json");
+    EXPECT_EQ(object().value(QStringLiteral("orphans")).toArray(), QJsonArray{QStringLiteral("ORPHAN.ztlibraryitem")});
+    EXPECT_EQ(object().value(QStringLiteral("otherNames")).toArray(),
+              (QJsonArray{std::min(large, small), std::max(large, small)}));
+    EXPECT_EQ(object().value(QStringLiteral("links")).toArray(), QJsonArray{QStringLiteral("LINK.ztlibraryitem")});
+    run("verify");
+    for (const QString &line :
+         {QStringLiteral("belongs to no item; the next launch takes it back or removes it: ORPHAN.ztlibraryitem\n"),
+          QStringLiteral("is named like the folder of an item, in other letters, and stays as it is: ") + small + u'\n',
+          QStringLiteral("is a link and no folder of an item, and stays as it is: LINK.ztlibraryitem\n")}) {
+        EXPECT_EQ(context.output.count(line.toUtf8()), 1) << qPrintable(line);
+    }
+}
+
 TEST_F(CommandTest, DuplicatesAreKeptUnlessTheFlagSaysOtherwise)
 {
     picture(QStringLiteral("in/a.png"), qRgb(1, 100, 20));
