@@ -1,6 +1,7 @@
 #include "Classes/Interface/ItemEdits.h"
 
 #include "Classes/Interface/QueuedEdit.h"
+#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
@@ -12,6 +13,8 @@
 #include <vector>
 
 namespace {
+
+constexpr int mostWaitingFiles = 10000; // that wait for their tags while more items are changed
 
 // What is known of one undo step. Touched by one thread at a time: the main one, or the edit queue's.
 struct Edit
@@ -126,6 +129,15 @@ private:
     QList<ZQRef<ZQManagedObject>> m_tags;
 };
 
+// Files are written more slowly than the store, and what waits to be written is held in memory.
+void waitForFiles(const EditRun &running)
+{
+    if (running.isQueued()) {
+        TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles,
+                                                                [&running] { return !running.isCancelled(); });
+    }
+}
+
 void run(EditRun &running, Edit &edit, bool isUndo)
 {
     ZQError error;
@@ -142,6 +154,7 @@ void run(EditRun &running, Edit &edit, bool isUndo)
         }
         pass.didSave();
         pass.writeFiles(changed);
+        waitForFiles(running);
         return true;
     });
     pass.stopAt(position);
@@ -152,8 +165,8 @@ void run(EditRun &running, Edit &edit, bool isUndo)
 bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
 {
     if (edit->isForMany() || window.editQueue.operationCount() > 0) {
-        window.editQueue.addOperation(
-            std::make_shared<QueuedEdit>(window, [edit, isUndo](EditRun &running) { run(running, *edit, isUndo); }));
+        QueuedEdit::begin(window, edit->progressText, edit->items.size(),
+                          [edit, isUndo](EditRun &running) { run(running, *edit, isUndo); });
         return true;
     }
     EditRun running(window);
@@ -169,6 +182,7 @@ void rewrite(EditRun &running, const QList<ZQObjectID> &items)
         for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             item->writeOpenMetaToDisk();
         }
+        waitForFiles(running);
         return true;
     });
 }
@@ -279,8 +293,8 @@ void ItemEdits::rewriteFiles(const QList<ZQObjectID> &items)
         rewrite(running, items);
         return;
     }
-    m_window.editQueue.addOperation(
-        std::make_shared<QueuedEdit>(m_window, [items](EditRun &running) { rewrite(running, items); }));
+    QueuedEdit::begin(m_window, zqLocalized("Tagging…"), items.size(),
+                      [items](EditRun &running) { rewrite(running, items); });
 }
 
 void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)

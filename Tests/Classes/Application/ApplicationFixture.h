@@ -25,6 +25,8 @@ public:
         bool miniaturized = false;
         int madeKey = 0;
         int savedState = 0;
+        int cancelledEdits = 0;
+        int cancelledWhenSaved = 0; // edits, when the state was saved
         int templates = 0;
         int localized = 0;
         bool takesTyping = true;
@@ -39,7 +41,12 @@ public:
     void activateIgnoringOtherApps() override {}
     void selectSidebarItem(const ZQObjectID &item) override { m_state.selected.append(item); }
     void newFileFromTemplate() override { ++m_state.templates; }
-    void savePersistentState() override { ++m_state.savedState; }
+    void cancelEdits() override { ++m_state.cancelledEdits; }
+    void savePersistentState() override
+    {
+        ++m_state.savedState;
+        m_state.cancelledWhenSaved = m_state.cancelledEdits;
+    }
     bool commitEditing() override { return m_state.takesTyping; }
     void refreshContent() override {}
     void updateLocalization() override { ++m_state.localized; }

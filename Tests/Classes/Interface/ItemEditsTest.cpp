@@ -1,6 +1,8 @@
 #include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/EditRun.h"
 #include "Classes/Interface/SelectionSummary.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Classes/Interface/EditQueueGate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 namespace {
@@ -114,6 +116,32 @@ TEST_F(ItemEditsTest, ATagThatIsNotThereIsMadeWithTheFirstEditThatNamesIt)
 
     edits.changeTags({items[0]}, {}, {}, {QStringLiteral("Few"), QStringLiteral("New")});
     EXPECT_EQ(tagsOf(items[0]), (QStringList{QStringLiteral("Few"), QStringLiteral("New")}));
+}
+
+TEST_F(ItemEditsTest, AnEditThatWaitsIsShownAtOnceAndCanBeCancelled)
+{
+    const QList<ZQObjectID> items = addItems(int(EditRun::batchSize) + 1);
+    QList<std::function<void()>> cancels;
+    user.onBeginProgress = [&cancels](const std::function<void()> &cancel) { cancels.append(cancel); };
+    const EditQueueGate gate(editQueue);
+    edits.setRating(items, 4);
+    EXPECT_EQ(cancels.size(), 1) << "before its turn has come";
+    edits.setNotes({items[0]}, QStringLiteral("Noted"));
+    edits.setLicense(items, QStringLiteral("None"));
+    ASSERT_EQ(cancels.size(), 3) << "a single item waits, too";
+    cancels[2]();
+    gate.open();
+    finish();
+    EXPECT_EQ(cancels.size(), 3) << "the same bar while it runs";
+    const auto last = window.libraryItem(items.last());
+    EXPECT_EQ(last->rating(), 4);
+    EXPECT_EQ(window.libraryItem(items[0])->notes(), QStringLiteral("Noted"));
+    EXPECT_TRUE(last->license().isEmpty());
+    undoStack.undo(); // there is nothing to take back of what never ran
+    undoStack.undo();
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(window.libraryItem(items.last())->rating(), 0);
 }
 
 TEST_F(ItemEditsTest, ACancelledEditIsUndoneAsFarAsItCame)

@@ -3,6 +3,7 @@
 #include "Tests/Classes/Tags/TagsFixture.h"
 
 #include <cmath>
+#include <future>
 
 namespace {
 
@@ -305,4 +306,23 @@ TEST_F(FileTagsTest, ACopyThatLeavesTheLibraryCarriesNoRecord)
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_FALSE(raw(path, SeenFileTags::attributeName));
     EXPECT_EQ(OpenMeta::getRating(path), 5);
+}
+
+TEST_F(FileTagsTest, WhoAsksForManyFilesWaitsUntilFewAreLeftOrTheyAreNotWanted)
+{
+    TagFileWriter &writer = TagFileWriter::sharedTagFileWriter();
+    std::promise<void> gate;
+    writer.afterWrites([opened = gate.get_future().share()] { opened.wait(); });
+    int written = 0;
+    for (int i = 0; i < 4; ++i) {
+        writer.writeTagsToFile(path, list("a"), std::nullopt, [&written] { ++written; });
+    }
+    int asked = 0;
+    writer.waitUntilFewerWait(2, [&asked] { return ++asked < 3; });
+    EXPECT_EQ(asked, 3) << "it went on waiting until it was not wanted";
+    writer.waitUntilFewerWait(5, [&asked] { return ++asked > 0; });
+    EXPECT_EQ(asked, 3) << "so many may wait";
+    gate.set_value();
+    writer.waitUntilFewerWait(0, [] { return true; });
+    EXPECT_EQ(written, 4);
 }
