@@ -29,14 +29,16 @@ void QueuedEdit::begin(WindowContext &window, const QString &progressText, qint6
 
 void QueuedEdit::main()
 {
-    ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
-    const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
-        zqOnMainThreadAndWait([&] { m_window.context.mergeChangesFromContextDidSaveNotification(saved); });
-    });
-    EditRun run(m_window, context, weak_from_this(), std::move(m_progress));
-    m_change(run);
+    {
+        ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
+        const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
+            zqOnMainThreadAndWait([&] { m_window.context.mergeChangesFromContextDidSaveNotification(saved); });
+        });
+        EditRun run(m_window, context, weak_from_this(), std::move(m_progress));
+        m_change(run);
+    }
+    // What the batches freed lies in the heaps of several threads, and none gives it back by itself.
     if (m_rows > EditRun::batchSize) {
-        ::malloc_trim(
-            0); // what the batches freed lies in the heaps of several threads, and none gives it back by itself
+        ::malloc_trim(0);
     }
 }
