@@ -138,7 +138,7 @@ TEST_F(ItemEditsTest, AnEditThatWaitsIsShownAtOnceAndCanBeCancelled)
 {
     const QList<ZQObjectID> items = addItems(int(EditRun::batchSize) + 1);
     QList<std::function<void()>> cancels;
-    user.onBeginProgress = [&cancels](const std::function<void()> &cancel) { cancels.append(cancel); };
+    user.onBeginProgress = [&cancels](const std::function<void()> &given) { cancels.append(given); };
     const EditQueueGate gate(editQueue);
     edits.setRating(items, 4);
     EXPECT_EQ(cancels.size(), 1) << "before its turn has come";
