@@ -72,6 +72,7 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     stopStoreWork();
     userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow, notificationSeconds);
     if (m_mainWindowController) {
+        m_mainWindowController->cancelEdits();
         m_mainWindowController->savePersistentState();
     }
     if (m_parts.importManager) {

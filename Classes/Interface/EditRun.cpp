@@ -8,8 +8,10 @@
 
 EditRun::EditRun(WindowContext &window) : m_window(window), m_context(window.context), m_isQueued(false) {}
 
-EditRun::EditRun(WindowContext &window, ZQManagedObjectContext &context, std::weak_ptr<ZQOperation> operation)
-    : m_window(window), m_context(context), m_operation(std::move(operation)), m_isQueued(true)
+EditRun::EditRun(WindowContext &window, ZQManagedObjectContext &context, std::weak_ptr<ZQOperation> operation,
+                 std::shared_ptr<UserProgress> progress)
+    : m_window(window), m_context(context), m_operation(std::move(operation)), m_progress(std::move(progress)),
+      m_isQueued(true)
 {
 }
 
@@ -45,13 +47,9 @@ bool EditRun::isCancelled() const
 qsizetype EditRun::inBatches(const QString &progressText, qsizetype count,
                              const std::function<bool(qsizetype first, qsizetype size)> &change)
 {
-    std::shared_ptr<UserProgress> progress;
-    if (m_isQueued && count > batchSize) {
-        progress = m_window.user.beginProgress(progressText, double(count), [operation = m_operation] {
-            if (const auto running = operation.lock()) {
-                running->cancel();
-            }
-        });
+    if (m_progress) {
+        m_progress->setText(progressText);
+        m_progress->setMaximum(double(count));
     }
     qsizetype position = 0;
     while (position < count && !isCancelled()) {
@@ -60,8 +58,8 @@ qsizetype EditRun::inBatches(const QString &progressText, qsizetype count,
             break;
         }
         position += size;
-        if (progress) {
-            progress->advanceBy(double(size));
+        if (m_progress) {
+            m_progress->advanceBy(double(size));
         }
     }
     return position;

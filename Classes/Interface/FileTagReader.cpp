@@ -1,6 +1,7 @@
 #include "Classes/Interface/FileTagReader.h"
 
 #include "Classes/Interface/BrowserViewController.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Widgets/ZQGridView.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
@@ -14,7 +15,13 @@ FileTagReader::FileTagReader(WindowContext &window, BrowserViewController &brows
 {
     m_selected.setSingleShot(true);
     m_selected.setInterval(200); // moving through items with a held key reads only where it stops
-    connect(&m_selected, &QTimer::timeout, this, [this] { read(m_browser.selectedItems()); });
+    connect(&m_selected, &QTimer::timeout, this, [this] {
+        if (m_window.editQueue.operationCount() > 0) {
+            m_selected.start(); // which may change the selection with each batch, and the files it is writing
+        } else {
+            read(m_browser.selectedItems());
+        }
+    });
     connect(&browser, &BrowserViewController::selectionChanged, this, [this] { m_selected.start(); });
     frontWindow->installEventFilter(this);
 }

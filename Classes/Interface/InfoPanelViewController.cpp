@@ -262,14 +262,14 @@ bool InfoPanelViewController::refresh()
         showSummary(items, *SelectionSummary::of(items, m_window.context, [] { return true; }));
         return true;
     }
-    if (items == m_items && m_window.editQueue.operationCount() > 0) {
-        return false;
-    }
     if (items != m_items) { // until it is known what they have in common
         m_nothing->setText(zqFormat(zqLocalized("%@ items selected"), {QLocale().toString(items.size())}));
         m_items.clear();
         m_body->hide();
         m_nothing->show();
+    }
+    if (m_window.editQueue.operationCount() > 0) {
+        return false;
     }
     m_window.fetcher.run(ContentFetcher::Purpose::Summary,
                          [this, items](ZQManagedObjectContext &context, const ContentFetcher::IsWanted &isWanted) {

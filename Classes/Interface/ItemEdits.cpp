@@ -1,6 +1,7 @@
 #include "Classes/Interface/ItemEdits.h"
 
 #include "Classes/Interface/QueuedEdit.h"
+#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
@@ -12,6 +13,27 @@
 #include <vector>
 
 namespace {
+
+// Files that were announced. When the writing is never come to, as quitting drops what waits, the announcement stays
+// for as long as the process lives: so do its lines, and the next launch writes the files.
+struct Announced
+{
+    std::vector<std::shared_ptr<void>> files;
+    bool isDone = false;
+
+    Announced() = default;
+    Announced(const Announced &) = delete;
+    Announced &operator=(const Announced &) = delete;
+    ~Announced()
+    {
+        static auto *const kept = new std::vector<std::vector<std::shared_ptr<void>>>;
+        if (!isDone) {
+            kept->push_back(std::move(files)); // on the thread that ends the edits
+        }
+    }
+};
+
+constexpr int mostWaitingFiles = 10000; // that wait for their tags while more items are changed
 
 std::shared_ptr<void> announce(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
@@ -129,6 +151,15 @@ private:
     QList<ZQRef<ZQManagedObject>> m_tags;
 };
 
+// Files are written more slowly than the store, and what waits to be written is held in memory.
+void waitForFiles(const EditRun &running)
+{
+    if (running.isQueued()) {
+        TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles,
+                                                                [&running] { return !running.isCancelled(); });
+    }
+}
+
 void run(EditRun &running, Edit &edit, bool isUndo)
 {
     ZQError error;
@@ -145,6 +176,7 @@ void run(EditRun &running, Edit &edit, bool isUndo)
         }
         pass.didSave();
         pass.writeFiles(changed);
+        waitForFiles(running);
         return true;
     });
     pass.stopAt(position);
@@ -155,8 +187,8 @@ void run(EditRun &running, Edit &edit, bool isUndo)
 bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUndo)
 {
     if (edit->isForMany() || window.editQueue.operationCount() > 0) {
-        window.editQueue.addOperation(
-            std::make_shared<QueuedEdit>(window, [edit, isUndo](EditRun &running) { run(running, *edit, isUndo); }));
+        QueuedEdit::begin(window, edit->progressText, edit->items.size(),
+                          [edit, isUndo](EditRun &running) { run(running, *edit, isUndo); });
         return true;
     }
     EditRun running(window);
@@ -165,15 +197,16 @@ bool perform(WindowContext &window, const std::shared_ptr<Edit> &edit, bool isUn
 }
 
 // Not to be cancelled: the store has it, and so must all files.
-void rewrite(ZQManagedObjectContext &context, const QList<ZQObjectID> &items)
+void rewrite(EditRun &running, const QList<ZQObjectID> &items)
 {
     for (qsizetype first = 0; first < items.size(); first += EditRun::batchSize) {
-        const auto read = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, EditRun::batchSize), context);
+        const auto read = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, EditRun::batchSize), running.context());
         const auto kept = zqPrefetch(read, QStringLiteral("tags"));
         ZQLibraryBaseItem::lookForFiles(read);
         for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             item->writeOpenMetaToDisk();
         }
+        waitForFiles(running);
     }
 }
 
@@ -278,20 +311,25 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
 
 void ItemEdits::saveAndRewriteFiles(const QList<ZQObjectID> &items)
 {
-    std::vector<std::shared_ptr<void>> announced;
+    const auto announced = std::make_shared<Announced>();
     if (ZQLibraryEnvironment::current().writesTagsToFiles()) {
         for (qsizetype first = 0; first < items.size(); first += EditRun::batchSize) {
-            announced.push_back(
+            announced->files.push_back(
                 announce(ZQLibraryBaseItem::itemsWithIDs(items.mid(first, EditRun::batchSize), m_window.context)));
         }
     }
     m_window.save();
     if (items.size() <= mostAtOnce && m_window.editQueue.operationCount() == 0) {
-        rewrite(m_window.context, items);
+        EditRun running(m_window);
+        rewrite(running, items);
+        announced->isDone = true;
         return;
     }
-    m_window.editQueue.addOperation(std::make_shared<QueuedEdit>(
-        m_window, [items, announced](EditRun &running) { rewrite(running.context(), items); }));
+    m_window.editQueue.addOperation(
+        std::make_shared<QueuedEdit>(m_window, items.size(), [items, announced](EditRun &running) {
+            rewrite(running, items);
+            announced->isDone = true;
+        }));
 }
 
 void ItemEdits::setNotes(const QList<ZQObjectID> &items, const QString &notes)

@@ -16,8 +16,11 @@ using Items = QList<ZQRef<ZQLibraryBaseItem>>;
 using IDs = QList<ZQObjectID>;
 using Done = std::shared_ptr<IDs>; // what a step has changed and not taken back; of one thread at a time
 
-// Answers whether there is anything to take back, or was.
-using Change = std::function<bool(EditRun &run)>;
+struct Change
+{
+    std::function<bool(EditRun &run)> apply; // answers whether there is anything to take back, or was
+    QString progressText;                    // empty for what cannot be cancelled
+};
 
 Items objects(WindowContext &window, const IDs &ids)
 {
@@ -35,11 +38,11 @@ ZQRef<ZQSidebarBaseItem> sidebarItem(ZQManagedObjectContext &context, const ZQOb
 bool perform(WindowContext &window, qint64 rows, const Change &change)
 {
     if (rows > LibraryCommands::mostAtOnce || window.editQueue.operationCount() > 0) {
-        window.editQueue.addOperation(std::make_shared<QueuedEdit>(window, [change](EditRun &run) { change(run); }));
+        QueuedEdit::begin(window, change.progressText, rows, [change](EditRun &run) { change.apply(run); });
         return true;
     }
     EditRun run(window);
-    return change(run);
+    return change.apply(run);
 }
 
 // Made when it was done for the first time; pushing it does nothing more.
@@ -93,39 +96,41 @@ bool takeBack(EditRun &run, const QString &progressText, QList<T> &done,
 // Deletes those that are not yet, and says which they were.
 Change deletion(const IDs &items, const Done &done)
 {
-    return [items, done](EditRun &run) {
-        run.inBatches(zqLocalized("Deleting items…"), items.size(), [&](qsizetype first, qsizetype size) {
-            IDs deleted;
-            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
-            ZQLibraryBaseItem::lookForFiles(batch);
-            for (const auto &item : batch) {
-                if (item->active()) {
-                    item->deleteSelf();
-                    deleted.append(item->objectID());
-                }
-            }
-            if (!run.save()) {
-                return false;
-            }
-            done->append(deleted);
-            return true;
-        });
-        return !done->isEmpty();
-    };
+    return {[items, done](EditRun &run) {
+                run.inBatches(zqLocalized("Deleting items…"), items.size(), [&](qsizetype first, qsizetype size) {
+                    IDs deleted;
+                    const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
+                    ZQLibraryBaseItem::lookForFiles(batch);
+                    for (const auto &item : batch) {
+                        if (item->active()) {
+                            item->deleteSelf();
+                            deleted.append(item->objectID());
+                        }
+                    }
+                    if (!run.save()) {
+                        return false;
+                    }
+                    done->append(deleted);
+                    return true;
+                });
+                return !done->isEmpty();
+            },
+            zqLocalized("Deleting items…")};
 }
 
 Change restoration(const Done &done)
 {
-    return [done](EditRun &run) {
-        return takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, [&run](const IDs &batch) {
-            const auto all = ZQLibraryBaseItem::itemsWithIDs(batch, run.context());
-            ZQLibraryBaseItem::lookForFiles(all);
-            for (const auto &item : all) {
-                item->restoreSelf();
-            }
-            return true;
-        });
-    };
+    return {[done](EditRun &run) {
+                return takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, [&run](const IDs &batch) {
+                    const auto all = ZQLibraryBaseItem::itemsWithIDs(batch, run.context());
+                    ZQLibraryBaseItem::lookForFiles(all);
+                    for (const auto &item : all) {
+                        item->restoreSelf();
+                    }
+                    return true;
+                });
+            },
+            zqLocalized("Restoring items…")};
 }
 
 QString nameFor(WindowContext &window, const IDs &ids)
@@ -174,50 +179,52 @@ std::optional<QList<RemovedPlace>> removeBatch(EditRun &run, ZQSidebarBaseItem &
 
 Change removal(const IDs &items, const ZQObjectID &from, const std::shared_ptr<QList<RemovedPlace>> &done)
 {
-    return [items, from, done](EditRun &run) {
-        const auto container = sidebarItem(run.context(), from);
-        run.inBatches(zqLocalized("Removing items…"), container ? items.size() : 0,
-                      [&](qsizetype first, qsizetype size) {
-                          const auto places = removeBatch(
-                              run, *container, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()));
-                          if (!places || !run.save()) {
-                              return false;
-                          }
-                          done->append(*places);
-                          return true;
-                      });
-        return !done->isEmpty();
-    };
+    return {[items, from, done](EditRun &run) {
+                const auto container = sidebarItem(run.context(), from);
+                run.inBatches(
+                    zqLocalized("Removing items…"), container ? items.size() : 0, [&](qsizetype first, qsizetype size) {
+                        const auto places = removeBatch(
+                            run, *container, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()));
+                        if (!places || !run.save()) {
+                            return false;
+                        }
+                        done->append(*places);
+                        return true;
+                    });
+                return !done->isEmpty();
+            },
+            zqLocalized("Removing items…")};
 }
 
 // The highest orders return first: who has to make room for a batch is then there already.
 Change returnToPlaces(const ZQObjectID &to, const std::shared_ptr<QList<RemovedPlace>> &done)
 {
-    return [to, done](EditRun &run) {
-        const auto into = sidebarItem(run.context(), to);
-        if (!into) {
-            return false;
-        }
-        std::stable_sort(done->begin(), done->end(),
-                         [](const RemovedPlace &a, const RemovedPlace &b) { return a.order < b.order; });
-        const auto restore = [&](const QList<RemovedPlace> &batch) {
-            Items items;
-            QList<qint32> orders;
-            for (const auto &[order, id] : batch) {
-                if (const auto item = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(id))) {
-                    items.append(item);
-                    orders.append(order);
+    return {[to, done](EditRun &run) {
+                const auto into = sidebarItem(run.context(), to);
+                if (!into) {
+                    return false;
                 }
-            }
-            ZQError error;
-            const bool isRestored = into->restoreItems(items, orders, &error);
-            if (!isRestored) {
-                run.presentError(error);
-            }
-            return isRestored;
-        };
-        return takeBack<RemovedPlace>(run, zqLocalized("Adding items…"), *done, restore);
-    };
+                std::stable_sort(done->begin(), done->end(),
+                                 [](const RemovedPlace &a, const RemovedPlace &b) { return a.order < b.order; });
+                const auto restore = [&](const QList<RemovedPlace> &batch) {
+                    Items items;
+                    QList<qint32> orders;
+                    for (const auto &[order, id] : batch) {
+                        if (const auto item = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(id))) {
+                            items.append(item);
+                            orders.append(order);
+                        }
+                    }
+                    ZQError error;
+                    const bool isRestored = into->restoreItems(items, orders, &error);
+                    if (!isRestored) {
+                        run.presentError(error);
+                    }
+                    return isRestored;
+                };
+                return takeBack<RemovedPlace>(run, zqLocalized("Adding items…"), *done, restore);
+            },
+            zqLocalized("Adding items…")};
 }
 
 // Nothing after an error.
@@ -328,46 +335,51 @@ void moveToPlace(EditRun &run, const ZQObjectID &project, const IDs &added, quin
 // Adds those that are not there yet at `atIndex` and behind, and says which they were.
 Change addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const Done &done)
 {
-    return [items, to, atIndex, done](EditRun &run) {
-        const auto into = sidebarItem(run.context(), to);
-        const bool isPlaced = into && into->hasOrderedMembers() && atIndex != ZQSidebarBaseItem::appendIndex;
-        const bool isPlacedAfterwards = isPlaced && items.size() > EditRun::batchSize;
-        IDs added;
-        run.inBatches(zqLocalized("Adding items…"), into ? items.size() : 0, [&](qsizetype first, qsizetype size) {
-            ZQError error;
-            const auto fresh =
-                notYetIn(*into, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()), &error);
-            QList<quint32> indexes;
-            for (qsizetype i = 0; fresh && isPlaced && !isPlacedAfterwards && i < fresh->size(); ++i) {
-                indexes.append(atIndex + quint32(i));
+    return {
+        [items, to, atIndex, done](EditRun &run) {
+            const auto into = sidebarItem(run.context(), to);
+            const bool isPlaced = into && into->hasOrderedMembers() && atIndex != ZQSidebarBaseItem::appendIndex;
+            const bool isPlacedAfterwards = isPlaced && items.size() > EditRun::batchSize;
+            IDs added;
+            run.inBatches(zqLocalized("Adding items…"), into ? items.size() : 0, [&](qsizetype first, qsizetype size) {
+                ZQError error;
+                const auto fresh =
+                    notYetIn(*into, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()), &error);
+                QList<quint32> indexes;
+                for (qsizetype i = 0; fresh && isPlaced && !isPlacedAfterwards && i < fresh->size(); ++i) {
+                    indexes.append(atIndex + quint32(i));
+                }
+                if (!fresh ||
+                    !into->addItems(ZQLibraryBaseItem::itemsWithIDs(*fresh, run.context()), indexes, &error)) {
+                    run.presentError(error);
+                    return false;
+                }
+                if (!run.save()) {
+                    return false;
+                }
+                added.append(*fresh);
+                return true;
+            });
+            done->append(added);
+            if (isPlacedAfterwards && !added.isEmpty()) {
+                moveToPlace(run, to, added, atIndex);
             }
-            if (!fresh || !into->addItems(ZQLibraryBaseItem::itemsWithIDs(*fresh, run.context()), indexes, &error)) {
-                run.presentError(error);
-                return false;
-            }
-            if (!run.save()) {
-                return false;
-            }
-            added.append(*fresh);
-            return true;
-        });
-        done->append(added);
-        if (isPlacedAfterwards && !added.isEmpty()) {
-            moveToPlace(run, to, added, atIndex);
-        }
-        return !done->isEmpty();
-    };
+            return !done->isEmpty();
+        },
+        zqLocalized("Adding items…")};
 }
 
 Change removalOf(const Done &done, const ZQObjectID &from)
 {
-    return [done, from](EditRun &run) {
-        const auto container = sidebarItem(run.context(), from);
-        const auto remove = [&](const IDs &batch) {
-            return removeBatch(run, *container, ZQLibraryBaseItem::itemsWithIDs(batch, run.context())).has_value();
-        };
-        return container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
-    };
+    return {
+        [done, from](EditRun &run) {
+            const auto container = sidebarItem(run.context(), from);
+            const auto remove = [&](const IDs &batch) {
+                return removeBatch(run, *container, ZQLibraryBaseItem::itemsWithIDs(batch, run.context())).has_value();
+            };
+            return container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
+        },
+        zqLocalized("Removing items…")};
 }
 
 } // namespace
@@ -437,7 +449,7 @@ void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID
     const auto undo = [orders, inSidebarItem](EditRun &run) {
         return giveOrders(run, inSidebarItem, *orders, &NewOrder::before);
     };
-    push(m_window, zqLocalized("move items"), project->numberOfItems(), redo, undo);
+    push(m_window, zqLocalized("move items"), project->numberOfItems(), {redo, {}}, {undo, {}});
 }
 
 void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)

@@ -36,6 +36,9 @@ const QString infoHiddenKey = QStringLiteral("InfoPanelHidden");
 const QString tabsKey = QStringLiteral("OpenTabs");
 const QString currentTabKey = QStringLiteral("SelectedTab");
 
+constexpr int infoDelay = 30;  // milliseconds
+constexpr int editDelay = 250; // between two looks at what an edit of many items has changed
+
 QFrame *hairline(QWidget *parent)
 {
     auto *line = new QFrame(parent);
@@ -175,9 +178,11 @@ void MainWindowController::makePanes()
             [this] { m_delegate->reportDamage({m_browser->content().error().localizedDescription()}); });
     connect(m_browser, &BrowserViewController::contextMenuRequested, this, &MainWindowController::showItemMenu);
     m_infoTimer.setSingleShot(true);
-    m_infoTimer.setInterval(30); // moving through items with a held key reads only where it stops
+    m_infoTimer.setInterval(infoDelay); // moving through items with a held key reads only where it stops
     connect(&m_infoTimer, &QTimer::timeout, this, [this] {
-        if (!m_info->refresh()) {
+        const bool isShown = m_info->refresh();
+        m_infoTimer.setInterval(isShown ? infoDelay : editDelay);
+        if (!isShown) {
             m_infoTimer.start();
         }
     });
@@ -213,7 +218,7 @@ void MainWindowController::observe()
         updateTabs();
     });
     m_editTimer.setSingleShot(true);
-    m_editTimer.setInterval(250);
+    m_editTimer.setInterval(editDelay);
     connect(&m_editTimer, &QTimer::timeout, this, [this] {
         m_sidebarTimer.start();
         refreshContent();
@@ -224,20 +229,22 @@ void MainWindowController::observe()
 
 void MainWindowController::contextDidChange(const ZQContextDidSave &change)
 {
-    m_infoTimer.start();
-    // A batch follows the other; the last one is still part of the edit.
-    if (isEditing() && change.deleted.isEmpty()) {
-        if (!m_editTimer.isActive()) {
-            m_editTimer.start();
-        }
-        return;
-    }
     const QString sidebarEntity = ZQSidebarBaseItem::entityName();
     const auto touchesSidebar = [&sidebarEntity](const QList<ZQObjectID> &ids) {
         return std::any_of(ids.begin(), ids.end(), [&](const ZQObjectID &id) {
             return id.rootEntity() && id.rootEntity()->name == sidebarEntity;
         });
     };
+    // A batch follows the other; the last one is still part of the edit. The sidebar shows nothing that is gone.
+    if (isEditing() && !touchesSidebar(change.deleted)) {
+        for (QTimer *timer : {&m_infoTimer, &m_editTimer}) {
+            if (!timer->isActive()) {
+                timer->start();
+            }
+        }
+        return;
+    }
+    m_infoTimer.start();
     if (touchesSidebar(change.inserted) || touchesSidebar(change.updated) || touchesSidebar(change.deleted)) {
         m_sidebarTimer.start();
     } else {
@@ -257,6 +264,11 @@ void MainWindowController::restoreGeometry()
     m_info->setVisible(!defaults().boolForKey(infoHiddenKey));
     m_sidebarButton->setChecked(!m_sidebar->isHidden());
     m_infoButton->setChecked(!m_info->isHidden());
+}
+
+void MainWindowController::cancelEdits()
+{
+    m_editQueue.cancelAllOperations();
 }
 
 void MainWindowController::savePersistentState()
@@ -460,5 +472,5 @@ void MainWindowController::updateLocalization()
 bool MainWindowController::isSettled() const
 {
     return m_fetcher->isIdle() && !isEditing() && m_browser->grid().thumbnailLoader().pendingCount() == 0 &&
-           !m_infoTimer.isActive() && !m_sidebarTimer.isActive();
+           !m_infoTimer.isActive() && !m_sidebarTimer.isActive() && !m_editTimer.isActive();
 }

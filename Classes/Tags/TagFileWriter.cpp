@@ -14,8 +14,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 namespace {
+
+constexpr std::chrono::milliseconds betweenLooks(50);
 
 QSet<QString> setOf(const QStringList &tags)
 {
@@ -258,6 +262,13 @@ ZQError TagFileWriter::writeRatingToFile(const QString &path, double rating)
 void TagFileWriter::afterWrites(std::function<void()> work)
 {
     m_queue.addOperationWithBlock(std::move(work));
+}
+
+void TagFileWriter::waitUntilFewerWait(int most, const std::function<bool()> &isWanted) const
+{
+    while (m_queue.operationCount() > most && isWanted()) {
+        std::this_thread::sleep_for(betweenLooks);
+    }
 }
 
 void TagFileWriter::waitUntilAllWritten()

@@ -51,7 +51,7 @@ constexpr Value itemValues[] = {
 
 constexpr Value projectValues[] = {
     {"title", "'Project ' || i"},
-    {"kind", "3"},
+    {"kind", "0"},
     {"\"order\"", "i"},
     {"active", "1"},
     {"enabled", "1"},

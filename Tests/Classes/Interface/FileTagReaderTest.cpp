@@ -1,8 +1,10 @@
 #include "Classes/Interface/FileTagReader.h"
 #include "Classes/Interface/BrowserViewController.h"
 #include "Classes/Interface/InfoPanelViewController.h"
+#include "Classes/Interface/ItemEdits.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQGridView.h"
+#include "Tests/Classes/Interface/EditQueueGate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 #include <QCoreApplication>
@@ -39,6 +41,36 @@ TEST_F(FileTagReaderTest, FilesAreReadWhenSelectedAndWhenTheWindowComesToTheFron
     QEvent activate(QEvent::WindowActivate);
     QCoreApplication::sendEvent(&front, &activate);
     EXPECT_EQ(library.filesToTakeIn, (QStringList{QStringLiteral("first"), QStringLiteral("second")}));
+}
+
+TEST_F(FileTagReaderTest, NothingOfTheSelectionIsReadWhileItIsEdited)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    QList<ZQRef<ZQLibraryBaseItem>> many;
+    for (qsizetype i = 0; i <= ItemEdits::mostAtOnce; ++i) {
+        many.append(library.context().insertNewObject<ZQLibraryImage>());
+    }
+    project->addItems(many);
+    library.context().save();
+    QWidget front;
+    auto *browser = new BrowserViewController(window, &front);
+    auto *panel = new InfoPanelViewController(window, *browser, &front);
+    new FileTagReader(window, *browser, &front);
+    browser->showSidebarItems({project->objectID()});
+    zqRunMainLoopUntil([&] { return fetcher.isIdle() && browser->content().count() == many.size(); });
+    library.filesToTakeIn.clear();
+
+    const EditQueueGate gate(editQueue);
+    browser->grid().selectAll();
+    EXPECT_FALSE(panel->refresh()) << "it is to be asked again";
+    EXPECT_TRUE(fetcher.isIdle());
+    zqRunMainLoopFor(std::chrono::milliseconds(500));
+    EXPECT_EQ(library.filesToTakeIn, QStringList());
+    gate.open();
+    zqRunMainLoopUntil([this] { return editQueue.operationCount() == 0; });
+    EXPECT_TRUE(panel->refresh());
+    EXPECT_FALSE(fetcher.isIdle());
+    zqRunMainLoopUntil([this] { return fetcher.isIdle() && !library.filesToTakeIn.isEmpty(); });
 }
 
 TEST_F(FileTagReaderTest, NotesThatComeFromTheFileWhileThePersonTypesStayBelow)

@@ -1,6 +1,8 @@
 #include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/EditRun.h"
 #include "Classes/Interface/SelectionSummary.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Classes/Interface/EditQueueGate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 namespace {
@@ -32,6 +34,20 @@ protected:
     {
         zqRunMainLoopUntil([this] { return editQueue.operationCount() == 0; });
     }
+    void cancelAfterABatch()
+    {
+        user.onBeginProgress = [this](const std::function<void()> &given) { cancel = given; };
+        merged = library.context().observeObjectsDidChange([this](const ZQContextDidSave &) {
+            if (cancel) {
+                cancel();
+            }
+        });
+    }
+    void cancelNothing()
+    {
+        user.onBeginProgress = {};
+        merged.reset();
+    }
     QStringList tagsOf(const ZQObjectID &item) { return SelectionSummary::userTagsOf(*window.libraryItem(item)); }
     qsizetype tagged(const ZQRef<ZQSidebarTag> &tag)
     {
@@ -44,6 +60,8 @@ protected:
 
     ZQRef<ZQSidebarTag> red;
     ZQRef<ZQSidebarTag> old;
+    std::function<void()> cancel; // the last edit
+    ZQManagedObjectContext::Token merged;
     ItemEdits edits{window};
 };
 
@@ -116,14 +134,40 @@ TEST_F(ItemEditsTest, ATagThatIsNotThereIsMadeWithTheFirstEditThatNamesIt)
     EXPECT_EQ(tagsOf(items[0]), (QStringList{QStringLiteral("Few"), QStringLiteral("New")}));
 }
 
+TEST_F(ItemEditsTest, AnEditThatWaitsIsShownAtOnceAndCanBeCancelled)
+{
+    const QList<ZQObjectID> items = addItems(int(EditRun::batchSize) + 1);
+    QList<std::function<void()>> cancels;
+    user.onBeginProgress = [&cancels](const std::function<void()> &given) { cancels.append(given); };
+    const EditQueueGate gate(editQueue);
+    edits.setRating(items, 4);
+    EXPECT_EQ(cancels.size(), 1) << "before its turn has come";
+    edits.setNotes({items[0]}, QStringLiteral("Noted"));
+    edits.setLicense(items, QStringLiteral("None"));
+    ASSERT_EQ(cancels.size(), 3) << "a single item waits, too";
+    cancels[2]();
+    gate.open();
+    finish();
+    EXPECT_EQ(cancels.size(), 3) << "the same bar while it runs";
+    const auto last = window.libraryItem(items.last());
+    EXPECT_EQ(last->rating(), 4);
+    EXPECT_EQ(window.libraryItem(items[0])->notes(), QStringLiteral("Noted"));
+    EXPECT_TRUE(last->license().isEmpty());
+    undoStack.undo(); // there is nothing to take back of what never ran
+    undoStack.undo();
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(window.libraryItem(items.last())->rating(), 0);
+}
+
 TEST_F(ItemEditsTest, ACancelledEditIsUndoneAsFarAsItCame)
 {
     const QList<ZQObjectID> items = addItems(3500);
-    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    cancelAfterABatch();
     edits.changeTags(items, {red->objectID()}, {});
     finish();
-    EXPECT_LT(tagged(red), items.size());
-    user.onBeginProgress = {};
+    EXPECT_EQ(tagged(red), EditRun::batchSize);
+    cancelNothing();
     undoStack.undo();
     finish();
     EXPECT_EQ(tagged(red), 0);
@@ -136,11 +180,11 @@ TEST_F(ItemEditsTest, ACancelledUndoLeavesWhatItDidNotComeToForTheNextOne)
     edits.changeTags({items[7], items[count - 7]}, {red->objectID()}, {}); // before, so nobody's to take back
     edits.changeTags(items, {red->objectID()}, {});
     finish();
-    user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+    cancelAfterABatch();
     undoStack.undo();
     finish();
-    EXPECT_GT(tagged(red), 2);
-    user.onBeginProgress = {};
+    EXPECT_EQ(tagged(red), count - EditRun::batchSize);
+    cancelNothing();
     undoStack.redo();
     finish();
     EXPECT_EQ(tagged(red), count);

@@ -3,6 +3,7 @@
 #include "Tests/Classes/Tags/TagsFixture.h"
 
 #include <cmath>
+#include <future>
 
 namespace {
 
@@ -334,4 +335,23 @@ TEST_F(FileTagsTest, WhoAskedHearsWhichFileWasWrittenTo)
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_EQ(heard, (QStringList{QStringLiteral("touched"), path, QString()}));
     EXPECT_EQ(OpenMeta::getUserTags(path), QStringList{QStringLiteral("a")});
+}
+
+TEST_F(FileTagsTest, WhoAsksForManyFilesWaitsUntilFewAreLeftOrTheyAreNotWanted)
+{
+    TagFileWriter &writer = TagFileWriter::sharedTagFileWriter();
+    std::promise<void> gate;
+    writer.afterWrites([opened = gate.get_future().share()] { opened.wait(); });
+    int written = 0;
+    for (int i = 0; i < 4; ++i) {
+        writer.afterWrites([&written] { ++written; });
+    }
+    int asked = 0;
+    writer.waitUntilFewerWait(2, [&asked] { return ++asked < 3; });
+    EXPECT_EQ(asked, 3) << "it went on waiting until it was not wanted";
+    writer.waitUntilFewerWait(5, [&asked] { return ++asked > 0; });
+    EXPECT_EQ(asked, 3) << "so many may wait";
+    gate.set_value();
+    writer.waitUntilFewerWait(0, [] { return true; });
+    EXPECT_EQ(written, 4);
 }
