@@ -398,21 +398,6 @@ TEST_F(Sidebar, MembersAreKnownAmongMoreThanOneStatementTakesAndDeletedOnesComeB
     EXPECT_FALSE(all->addItem(items.first().get()));
 }
 
-TEST_F(Sidebar, ASpanOfTimeBeginsWithItsFirstMillisecond)
-{
-    const QDateTime first = zqNow();
-    const ZQPredicate since = ZQLibraryBaseItem::predicateFromDate(first, first);
-    const auto item = library.addImage(QStringLiteral("item"));
-    for (const int milliseconds : {-1, 0, 1}) {
-        item->setImport_date(first.addMSecs(milliseconds));
-        item->setModification_date(first.addDays(-1));
-        EXPECT_EQ(since.evaluateWithObject(item.get()), milliseconds >= 0) << milliseconds;
-        item->setModification_date(first.addMSecs(milliseconds));
-        item->setImport_date(first.addDays(-1));
-        EXPECT_EQ(since.evaluateWithObject(item.get()), milliseconds >= 0) << milliseconds;
-    }
-}
-
 TEST_F(Sidebar, RecentReachesBackSevenDaysInFourGroups)
 {
     const QDateTime now = zqNow();

@@ -199,9 +199,11 @@ void MainWindowFixture::run(const char *command)
 void MainWindowFixture::whenAsked(std::function<void(Sheet &)> act)
 {
     auto *poll = new QTimer(&window());
-    poll->callOnTimeout([this, poll, act = std::move(act)] {
+    poll->callOnTimeout([this, poll, act = std::move(act), looks = 0]() mutable {
         for (Sheet *sheet : window().findChildren<Sheet *>()) {
-            if (sheet->isVisible()) {
+            // A key pressed before the sheet has the focus would be somebody else's.
+            constexpr int longEnough = 100; // looks
+            if (sheet->isVisible() && (sheet->isAncestorOf(QApplication::focusWidget()) || ++looks > longEnough)) {
                 poll->stop();
                 poll->deleteLater();
                 act(*sheet);
@@ -225,9 +227,10 @@ QString MainWindowFixture::textsOf(const QMenu &menu)
 void MainWindowFixture::whenMenuOpens(const QString &choose)
 {
     auto *poll = new QTimer(&window());
-    poll->callOnTimeout([this, poll, choose] {
+    poll->callOnTimeout([this, poll, choose, looks = 0]() mutable {
         auto *open = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        if (!open) {
+        constexpr int untilItWaits = 4; // looks; one that is closed before its loop runs would never return
+        if (!open || ++looks < untilItWaits) {
             return;
         }
         poll->stop();

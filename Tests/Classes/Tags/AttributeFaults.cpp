@@ -163,7 +163,9 @@ ssize_t lgetxattr(const char *path, const char *name, void *value, size_t size) 
             errno = ERANGE;
             return -1;
         }
-        std::memcpy(value, answer.constData(), std::min(size, size_t(answer.size())));
+        if (size > 0) { // else only its length is asked for
+            std::memcpy(value, answer.constData(), size_t(answer.size()));
+        }
         return ssize_t(answer.size());
     }
     return realGet(path, name, value, size);
