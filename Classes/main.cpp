@@ -8,8 +8,9 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Import/AImportManager.h"
-#include "Classes/Interface/MainWindowController.h"
-#include "Classes/Interface/WindowUserInteraction.h"
+#include "Classes/Interface/Window/WindowSnapshot.h"
+#include "Classes/Interface/Window/MainWindowController.h"
+#include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/Services/CrashReporter.h"
 #include "Classes/Services/InstanceServer.h"
 #include "Classes/Services/SoftwareUpdater.h"
@@ -60,7 +61,7 @@ int drawSnapshot(const SnapshotRequest &request, CommandContext &context)
     }
     QImage picture;
     ZQError error;
-    if (!MainWindowController::renderSnapshot(options, &picture, &error) ||
+    if (!zqRenderWindowSnapshot(options, &picture, &error) ||
         !ZQImageDestination::writePNG(ZQBitmap(picture), request.file, &error)) {
         return context.fail(error.localizedDescription());
     }
@@ -308,7 +309,7 @@ int main(int argc, char *argv[])
     }
     if (commandLine.isSnapshot()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        MainWindowController::prepareSnapshotScale(commandLine.snapshot().scale);
+        zqPrepareSnapshotScale(commandLine.snapshot().scale);
     }
     print(context, 0); // files that are not there are named before the window comes
     context.errors.clear();

@@ -167,6 +167,14 @@ ZQOperationQueue &tamberin_AppDelegate::backgroundOperationQueue()
     return *m_backgroundOperationQueue;
 }
 
+ZQOperationQueue &tamberin_AppDelegate::editQueue()
+{
+    if (!m_editQueue) {
+        m_editQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("Edits"), 1);
+    }
+    return *m_editQueue;
+}
+
 QString tamberin_AppDelegate::appCastURL(bool testKeysHeld) const
 {
     if (ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("PartecipateToBeta"))) {

@@ -129,6 +129,7 @@ public:
     MainWindowControlling *mainWindowController() const { return m_mainWindowController.get(); }
     ScreenCaptureControlling *zeltoKunViewController() const { return m_zeltoKunViewController.get(); }
     ZQOperationQueue &backgroundOperationQueue();
+    ZQOperationQueue &editQueue(); // changes of many items, one after another, whoever asked for them
     ImportManaging *importManager() const { return m_parts.importManager; }
     UserInteraction &userInteraction() const { return *m_parts.userInteraction; } // any thread may ask for it
     bool applicationLauched() const { return m_applicationLauched; }
@@ -168,6 +169,7 @@ private:
     ApplicationParts m_parts;
     std::unique_ptr<ModelEnvironment> m_environment;
     std::unique_ptr<ZQOperationQueue> m_backgroundOperationQueue;
+    std::unique_ptr<ZQOperationQueue> m_editQueue;
     std::unique_ptr<MainWindowControlling> m_mainWindowController;
     std::unique_ptr<ScreenCaptureControlling> m_zeltoKunViewController;
     std::shared_ptr<const ZQManagedObjectModel> m_model;

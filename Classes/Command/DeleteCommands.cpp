@@ -1,41 +1,46 @@
 #include "Classes/Command/Commands.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/CommandEdits.h"
+#include "Classes/Editing/LibraryCommands.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 namespace {
-int changeItems(const QStringList &references, CommandContext &context, void (*change)(ZQLibraryBaseItem &),
-                const char *one, const char *several)
+std::optional<QList<ZQObjectID>> itemIDs(const QStringList &references, CommandContext &context)
 {
     const auto items = zqItemsForReferences(references, context);
     if (!items) {
-        return 2;
+        return std::nullopt;
     }
-    ZQLibraryBaseItem::lookForFiles(*items);
+    QList<ZQObjectID> ids;
     for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-        change(*item);
+        ids.append(item->objectID());
     }
-    ZQError error;
-    if (!context.store().save(&error)) {
-        context.store().rollback();
-        return context.fail(error.localizedDescription());
-    }
-    context.print(items->size() == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {items->size()}));
-    return 0;
+    return ids;
 }
 } // namespace
 
 int zqRunDelete(const QStringList &items, CommandContext &context)
 {
-    return changeItems(
-        items, context, [](ZQLibraryBaseItem &item) { item.deleteSelf(); }, "1 item deleted", "%d items deleted");
+    const auto ids = itemIDs(items, context);
+    if (!ids) {
+        return 2;
+    }
+    CommandEdits edits(context);
+    LibraryCommands(edits.context()).deleteItems(*ids);
+    return edits.finish(ids->size(), "1 item deleted", "%d items deleted");
 }
 
 int zqRunRestore(const QStringList &items, CommandContext &context)
 {
-    return changeItems(
-        items, context, [](ZQLibraryBaseItem &item) { item.restoreSelf(); }, "1 item restored", "%d items restored");
+    const auto ids = itemIDs(items, context);
+    if (!ids) {
+        return 2;
+    }
+    CommandEdits edits(context);
+    LibraryCommands(edits.context()).setDeleted(*ids, false);
+    return edits.finish(ids->size(), "1 item restored", "%d items restored");
 }
 
 int zqRunPurge(CommandContext &context)

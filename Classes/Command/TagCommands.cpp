@@ -1,12 +1,13 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/CommandEdits.h"
 #include "Classes/Command/Commands.h"
+#include "Classes/Editing/ItemEdits.h"
 #include "Classes/Tags/DesktopMirror.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQModelFetch.h"
@@ -33,28 +34,16 @@ std::optional<Items> activeItems(const QStringList &references, CommandContext &
             return std::nullopt;
         }
     }
-    ZQLibraryBaseItem::lookForFiles(items.value_or(Items()));
     return items;
 }
 
-// After the items were changed: the store first, then the files.
-int finish(const Items &items, const char *one, const char *several, CommandContext &context)
+QList<ZQObjectID> idsOf(const Items &items)
 {
-    ZQError error;
-    if (!context.store().save(&error)) {
-        context.store().rollback();
-        for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-            item->writeOpenMetaToDisk(); // as the store has it
-        }
-        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-        return context.fail(error.localizedDescription());
+    QList<ZQObjectID> ids;
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        ids.append(item->objectID());
     }
-    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-    // A file that can't carry its tags is reported there, and what other programs changed comes into the store.
-    zqRunMainLoopFor(std::chrono::milliseconds(0));
-    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-    context.print(items.size() == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {items.size()}));
-    return 0;
+    return ids;
 }
 
 bool isTagName(const QString &text)
@@ -128,22 +117,17 @@ int zqRunTag(const TagRequest &request, CommandContext &context)
     if (!items) {
         return 2;
     }
-    QList<ZQRef<ZQSidebarTag>> removed;
+    QList<ZQObjectID> removed;
     for (const QString &name : request.remove) {
-        removed.append(ZQSidebarTag::tagWithTagName(name, context.store()));
-        if (!removed.last()) {
+        const auto tag = ZQSidebarTag::tagWithTagName(name, context.store());
+        if (!tag) {
             return context.fail(zqFormat(zqLocalized("there is no tag “%@”; `zelto tags` lists them"), {name}));
         }
+        removed.append(tag->objectID());
     }
-    for (const ZQRef<ZQSidebarTag> &tag : removed) {
-        tag->removeItems(*items);
-    }
-    for (const QString &name : request.add) {
-        if (const auto tag = ZQSidebarTag::getOrCreateTagWithName(name, context.store())) {
-            tag->addItems(*items);
-        }
-    }
-    return finish(*items, "1 item tagged", "%d items tagged", context);
+    CommandEdits edits(context);
+    ItemEdits(edits.context()).changeTags(idsOf(*items), {}, removed, request.add);
+    return edits.finish(items->size(), "1 item tagged", "%d items tagged");
 }
 
 int zqRunNote(const QStringList &itemsAndText, CommandContext &context)
@@ -154,11 +138,9 @@ int zqRunNote(const QStringList &itemsAndText, CommandContext &context)
     if (!items) {
         return 2;
     }
-    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-        item->setNotes(text->isNull() ? QLatin1String("") : *text);
-        item->writeOpenMetaToDisk();
-    }
-    return finish(*items, "1 item noted", "%d items noted", context);
+    CommandEdits edits(context);
+    ItemEdits(edits.context()).setNotes(idsOf(*items), text->isNull() ? QLatin1String("") : *text);
+    return edits.finish(items->size(), "1 item noted", "%d items noted");
 }
 
 int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
@@ -175,12 +157,10 @@ int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
     if (!items) {
         return 2;
     }
-    const auto stars = qint16(OpenMeta::starsForRating(rating));
-    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-        item->setRating(stars);
-        item->writeRatingToDisk();
-    }
-    int status = finish(*items, "1 item rated", "%d items rated", context);
+    const int stars = OpenMeta::starsForRating(rating);
+    CommandEdits edits(context);
+    ItemEdits(edits.context()).setRating(idsOf(*items), stars);
+    int status = edits.finish(items->size(), "1 item rated", "%d items rated");
     const bool hasFraction = stars > 0 && rating != stars && ZQLibraryEnvironment::current().writesTagsToFiles();
     for (const ZQRef<ZQLibraryBaseItem> &item : status == 0 && hasFraction ? *items : Items()) {
         const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(item->findItemURL(), rating);

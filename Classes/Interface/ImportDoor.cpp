@@ -20,19 +20,10 @@ QStringList localPaths(const QMimeData *data)
     return paths;
 }
 
-bool areFilesValid(const QStringList &paths, ZQSidebarBaseItem *forSidebarItem)
+SidebarTargetRules::Files filesAtPaths(const QStringList &paths)
 {
-    return AImportManager::areFilesAtPaths(paths, forSidebarItem);
-}
-
-bool anySupported(const QStringList &paths)
-{
-    return AImportManager::filesAtPathsContainsValidItems(paths);
-}
-
-bool anyDirectory(const QStringList &paths)
-{
-    return AImportManager::filesAtPathsContainsDirectory(paths);
+    return {AImportManager::filesAtPathsContainsValidItems(paths), AImportManager::filesAtPathsContainsDirectory(paths),
+            AImportManager::filesAtPathsContainsArchive(paths)};
 }
 
 bool carriesContent(const QMimeData *data)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/Persistence/ZQObjectID.h"
+#include "Classes/Editing/SidebarTargetRules.h"
 
 #include <QStringList>
 
@@ -11,9 +11,7 @@ class ZQSidebarBaseItem;
 namespace ImportDoor {
 
 QStringList localPaths(const QMimeData *data); // of the file addresses it carries
-bool areFilesValid(const QStringList &paths, ZQSidebarBaseItem *forSidebarItem);
-bool anySupported(const QStringList &paths);
-bool anyDirectory(const QStringList &paths);
+SidebarTargetRules::Files filesAtPaths(const QStringList &paths);
 bool carriesContent(const QMimeData *data); // files, a picture or an address
 QStringList openPanelExtensions();
 void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIndex);

@@ -478,6 +478,7 @@ void ZQLibraryBaseItem::writeOwnFile(bool ratingIsMeant)
     }
     ZQFileTags tags = fileTags();
     tags.ratingIsMeant = ratingIsMeant;
+    tags.isSaved = managedObjectContext() && !managedObjectContext()->hasChanges();
     const QString path = itemURL();
     if (!path.isEmpty()) {
         environment.writeTagsToFileOfItem(bundleID(), path, tags);

@@ -87,19 +87,19 @@ ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::colorsLabelInManagedObjectContext(ZQ
     return specialItemOfKind(int(ZQSidebarKind::ColorsLabel), context);
 }
 
-QList<ZQSortDescriptor> ZQSidebarBaseItem::sortDescriptorsForSortValue(int sortValue, bool ascending, int itemKind)
+QList<ZQSortDescriptor> ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue sortValue, bool ascending,
+                                                                       ZQListRows itemKind)
 {
-    if (sortValue == 0) {
+    if (sortValue == ZQSortValue::Manual) {
         return {{QStringLiteral("order"), true, standard}};
     }
     QList<ZQSortDescriptor> descriptors;
-    if (sortValue < 0 || sortValue >= sortKeysByValue.size()) {
+    const auto value = qsizetype(sortValue);
+    if (value < 0 || value >= sortKeysByValue.size()) {
         return descriptors;
     }
-    const bool listsLibraryItems = itemKind == int(ZQSidebarKind::Library) || itemKind == int(ZQSidebarKind::Recent);
-    const QString prefix = listsLibraryItems ? QString() : QStringLiteral("item.");
-    for (const SortKey &key : sortKeysByValue.at(sortValue)) {
-        descriptors.append({prefix + QLatin1String(key.key), ascending, key.comparison});
+    for (const SortKey &key : sortKeysByValue.at(value)) {
+        descriptors.append({zqItemKeyPath(itemKind, QLatin1String(key.key)), ascending, key.comparison});
     }
     return descriptors;
 }

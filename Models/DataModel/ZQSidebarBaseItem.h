@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "Models/DataModel/ZQListRows.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/_ZQSidebarBaseItem.h"
 
@@ -47,9 +48,9 @@ public:
     static ZQRef<ZQSidebarBaseItem> sizeLabelInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQRef<ZQSidebarBaseItem> colorsLabelInManagedObjectContext(ZQManagedObjectContext &context);
 
-    // The keys for a sort value 0 to 7; none for 5 and any other. For `itemKind` 1 and 2, whose lists hold library
-    // items, without the "item." prefix that reaches from a membership to its item.
-    static QList<ZQSortDescriptor> sortDescriptorsForSortValue(int sortValue, bool ascending, int itemKind);
+    // The keys of a sort value for rows of that kind; none for `None` and for what is no value.
+    static QList<ZQSortDescriptor> sortDescriptorsForSortValue(ZQSortValue sortValue, bool ascending,
+                                                               ZQListRows itemKind);
     // Removes every inactive sidebar item with everything below it.
     static void permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
 
@@ -111,6 +112,8 @@ public:
     virtual bool isRecent() const { return false; }
     virtual bool isScreenshot() const { return false; }
     bool isTag() const { return is_Tag(); }
+    // Made by the program, not by a person: special, a label, or a tag that is measured.
+    bool isFixed() const { return is_Special() || is_Label() || kind() != 0; }
     bool isSpecial() const { return is_Special(); }
     bool isLabel() const { return is_Label(); }
     bool isDroppableLabel() const;              // takes dropped items: PROJECTS, LIVE FOLDERS, TAGS

@@ -12,8 +12,6 @@ namespace {
 // How many values one statement is given.
 constexpr qsizetype pieceSize = 500;
 
-const QString itemPrefix = QStringLiteral("item.");
-
 struct Place
 {
     qint32 order;
@@ -102,12 +100,9 @@ void makeRoomAt(QList<Place> &places, qint32 order)
 
 ZQSortDescriptor withItemPrefix(ZQSortDescriptor descriptor, bool isPrefixed)
 {
-    if (descriptor.keyPath.startsWith(itemPrefix)) {
-        descriptor.keyPath.remove(0, itemPrefix.size());
-    }
-    if (isPrefixed && descriptor.keyPath != QStringLiteral("order")) {
-        descriptor.keyPath.prepend(itemPrefix);
-    }
+    const QString key = zqItemKey(descriptor.keyPath);
+    const bool isOfItem = isPrefixed && key != QStringLiteral("order");
+    descriptor.keyPath = isOfItem ? zqItemKeyPath(ZQListRows::Memberships, key) : key;
     return descriptor;
 }
 

@@ -42,7 +42,7 @@ const char *const colorTitles[] = {"white",  "black", "gray", "red",    "orange"
                                    "yellow", "green", "blue", "purple", "pink"};
 
 constexpr float libraryZoom = 0.445F;
-constexpr qint16 sortByImportDate = 1;
+constexpr auto sortByImportDate = qint16(ZQSortValue::ImportDate);
 
 // Null when the entry was there already.
 ZQRef<ZQSidebarBaseItem> addFixedEntry(const FixedEntry &entry, ZQManagedObjectContext &context)

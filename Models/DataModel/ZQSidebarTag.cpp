@@ -16,7 +16,7 @@ constexpr std::array colorNames = {"white",  "black", "gray", "red",    "orange"
 constexpr std::array sizeNames = {"icon", "small", "medium", "large", "vector"};
 
 // The sort value of new tags' items: by title.
-constexpr qint16 tagSortValue = 2;
+constexpr auto tagSortValue = qint16(ZQSortValue::Title);
 
 ZQRef<ZQSidebarTag> generatedTag(int code, int position, const char *name, const ZQRef<ZQSidebarBaseItem> &label,
                                  ZQManagedObjectContext &context)

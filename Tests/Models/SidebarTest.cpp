@@ -217,16 +217,16 @@ TEST_F(Sidebar, SortsMembersByKeysWithAndWithoutPrefix)
     for (const char *title : {"b10", "a", "b9"}) {
         p->addItem(library.addImage(QString::fromLatin1(title)).get());
     }
-    const auto titles = [&](int kind) {
+    const auto titles = [&](ZQListRows rows) {
         QStringList list;
         for (const auto &item :
-             p->itemsWithSortDescriptors(ZQSidebarBaseItem::sortDescriptorsForSortValue(2, true, kind))) {
+             p->itemsWithSortDescriptors(ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, rows))) {
             list.append(item->title());
         }
         return list;
     };
-    EXPECT_EQ(titles(0), (QStringList{QStringLiteral("a"), QStringLiteral("b9"), QStringLiteral("b10")}));
-    EXPECT_EQ(titles(1), titles(0));
+    EXPECT_EQ(titles(ZQListRows::Memberships), (QStringList{QStringLiteral("a"), QStringLiteral("b9"), QStringLiteral("b10")}));
+    EXPECT_EQ(titles(ZQListRows::LibraryItems), titles(ZQListRows::Memberships));
 }
 
 TEST_F(Sidebar, SortValuesNameTheirKeys)
@@ -254,8 +254,8 @@ TEST_F(Sidebar, SortValuesNameTheirKeys)
                           {-1, {}}};
     for (const Case &each : cases) {
         SCOPED_TRACE(each.value);
-        const auto plain = ZQSidebarBaseItem::sortDescriptorsForSortValue(each.value, false, 1);
-        const auto prefixed = ZQSidebarBaseItem::sortDescriptorsForSortValue(each.value, false, 0);
+        const auto plain = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(each.value), false, ZQListRows::LibraryItems);
+        const auto prefixed = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(each.value), false, ZQListRows::Memberships);
         ASSERT_EQ(plain.size(), each.keys.size());
         ASSERT_EQ(prefixed.size(), each.keys.size());
         for (qsizetype i = 0; i < plain.size(); ++i) {
@@ -264,7 +264,7 @@ TEST_F(Sidebar, SortValuesNameTheirKeys)
             EXPECT_FALSE(plain.at(i).ascending);
         }
     }
-    const auto manual = ZQSidebarBaseItem::sortDescriptorsForSortValue(0, false, 0);
+    const auto manual = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Manual, false, ZQListRows::Memberships);
     ASSERT_EQ(manual.size(), 1);
     EXPECT_EQ(manual.first().keyPath, QStringLiteral("order"));
     EXPECT_TRUE(manual.first().ascending);

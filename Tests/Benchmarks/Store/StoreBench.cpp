@@ -3,8 +3,7 @@
 // zelto_store_bench make STORE ITEMS [VERSION]   a store to measure on, of the current model or of an older one
 // zelto_store_bench MEASUREMENT STORE ITEMS      changes the store it is given
 
-#include "Classes/Interface/ContentFetcher.h"
-#include "Classes/Interface/LibraryCommands.h"
+#include "Classes/Editing/LibraryCommands.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -206,7 +205,7 @@ void measureLists(const QString &path, qint64)
     print("total-count-ms", millisecondsFor([&] { count = zqCount(context, all); }));
     print("listed", double(count));
     ZQFetchRequest byTitle = all;
-    byTitle.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(2, true, 1);
+    byTitle.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
     print("by-title-ms", millisecondsFor([&] { count = context.fetchObjectIDs(byTitle)->size(); }));
     print("given-up-ms", longestGivingUp(context, byTitle));
 }
@@ -216,13 +215,12 @@ void measureUndo(const QString &path, qint64)
     ScratchLibrary environment;
     const auto coordinator = opened(path);
     ZQManagedObjectContext context(coordinator);
-    ContentFetcher fetcher(coordinator);
     ScriptedUser user;
     QUndoStack stack;
     ZQOperationQueue queue(QStringLiteral("edits"), 1);
-    WindowContext window{context, user, stack, fetcher, queue, [&context] { context.save(); }};
+    EditContext editing{context, user, queue, [&context] { return context.save(); }, &stack};
     const ZQObjectID project{context.model().entity(ZQSidebarProject::entityName()), StoreLibrary::firstProject};
-    const qint64 before = window.sidebarItem(project)->numberOfItems();
+    const qint64 before = editing.sidebarItem(project)->numberOfItems();
     QList<ZQObjectID> removed;
     for (qint64 key = 1; key <= 30; ++key) {
         removed.append({context.model().entity(ZQLibraryImage::entityName()), key * (before / 40) + 1});
@@ -232,14 +230,14 @@ void measureUndo(const QString &path, qint64)
         zqRunMainLoopUntil([&queue] { return queue.operationCount() == 0; }, std::chrono::milliseconds(1));
         QCoreApplication::sendPostedEvents(); // what was saved there is merged into the window's context
     };
-    LibraryCommands(window).removeItems(removed, project);
+    LibraryCommands(editing).removeItems(removed, project);
     settle();
-    const qint64 between = window.sidebarItem(project)->numberOfItems();
+    const qint64 between = editing.sidebarItem(project)->numberOfItems();
     print("undo-ms", millisecondsFor([&] {
               stack.undo();
               settle();
           }));
-    const qint64 after = window.sidebarItem(project)->numberOfItems();
+    const qint64 after = editing.sidebarItem(project)->numberOfItems();
     if (between != before - removed.size() || after != before) {
         giveUp(QStringLiteral("%1 members, %2 without those removed, %3 after the undo")
                    .arg(before)

@@ -1,9 +1,9 @@
 #include "Tests/Benchmarks/Window/EditsBench.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Interface/BrowserViewController.h"
-#include "Classes/Interface/InfoPanelViewController.h"
-#include "Classes/Interface/MainWindowController.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
+#include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Operations/ZQMainThread.h"
 

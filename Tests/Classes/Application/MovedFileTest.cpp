@@ -98,8 +98,11 @@ TEST_F(MovedFile, AllOfAMovedFolderGetWhatWasGivenAtOnceAndDeletedOnesHoldNothin
         EXPECT_EQ(OpenMeta::getRating(elsewhere + QStringLiteral("/%1.png").arg(i)), 5) << i;
     }
     QFile journal(delegate->libraryBundleDirectory() + QStringLiteral("/pending-tags"));
+    EXPECT_EQ(journal.size(), 0) << "the store has what the files got";
+    items.last()->setNotes(QStringLiteral("not saved yet"));
+    items.last()->writeOpenMetaToDisk();
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_GT(journal.size(), 0);
-    items.first()->setNotes(QStringLiteral("saved with everything before"));
     delegate->saveAction();
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     EXPECT_EQ(journal.size(), 0);

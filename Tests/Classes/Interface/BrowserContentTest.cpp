@@ -1,4 +1,4 @@
-#include "Classes/Interface/BrowserViewController.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
 
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"

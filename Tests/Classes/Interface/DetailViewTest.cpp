@@ -1,6 +1,6 @@
 // One asset, large, as it is looked at with keys and pointer.
 
-#include "Classes/Interface/DetailView.h"
+#include "Classes/Interface/Detail/DetailView.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
@@ -116,9 +116,9 @@ TEST_F(DetailViewTest, KeysOpenStepAndGoBack)
             {Qt::Key_Return, nullptr},
             {Qt::Key_Enter, "pages"},
             {Qt::Key_Enter, nullptr}});
-    run("Quick Look");
+    run(CommandID::QuickLook);
     follow({{Qt::Key_Space, nullptr}});
-    run("Open");
+    run(CommandID::Open);
     follow({{Qt::Key_Space, "moving"}});
     named<QToolButton>("Previous")->click();
     EXPECT_EQ(detail->accessibleName(), QStringLiteral("pages"));

@@ -1,10 +1,10 @@
 // What is dropped on the sidebar and on the grid, by the kind of the target.
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Import/AImportManager.h"
-#include "Classes/Interface/BrowserContent.h"
-#include "Classes/Interface/ContentFetcher.h"
-#include "Classes/Interface/ProjectsSidebarViewController.h"
+#include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -19,6 +19,7 @@
 #include <QDir>
 #include <QImage>
 #include <QMimeData>
+#include <QUndoStack>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -41,8 +42,13 @@ protected:
         ZQError error;
         ASSERT_TRUE(delegate->openLibraryForCommand(&error)) << qPrintable(error.localizedDescription());
         fetcher = std::make_unique<ContentFetcher>(delegate->persistentStoreCoordinator());
-        window.reset(new WindowContext{*delegate->managedObjectContext(), user, undoStack, *fetcher, editQueue,
-                                       [this] { delegate->saveAction(); }});
+        window.reset(new WindowContext{{*delegate->managedObjectContext(), user, delegate->editQueue(),
+                                        [this] {
+                                            delegate->saveAction();
+                                            return true;
+                                        },
+                                        &undoStack},
+                                       *fetcher});
         projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context());
         for (const Item &sample : projects->childsItems()) {
             sample->deletePermanently();
@@ -158,7 +164,6 @@ protected:
     ScriptedUser user;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     QUndoStack undoStack;
-    ZQOperationQueue editQueue{QStringLiteral("Edits"), 1};
     std::unique_ptr<ContentFetcher> fetcher;
     std::unique_ptr<WindowContext> window;
     std::unique_ptr<ProjectsSidebarViewController> sidebar;

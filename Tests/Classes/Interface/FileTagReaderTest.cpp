@@ -1,10 +1,10 @@
-#include "Classes/Interface/FileTagReader.h"
-#include "Classes/Interface/BrowserViewController.h"
-#include "Classes/Interface/InfoPanelViewController.h"
-#include "Classes/Interface/ItemEdits.h"
+#include "Classes/Interface/Window/FileTagReader.h"
+#include "Classes/Editing/ItemEdits.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQGridView.h"
-#include "Tests/Classes/Interface/EditQueueGate.h"
+#include "Tests/Classes/Editing/EditQueueGate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "Classes/Interface/FlowLayout.h"
+#include "Classes/Interface/InfoPanel/FlowLayout.h"
 
 #include <QWidget>
 

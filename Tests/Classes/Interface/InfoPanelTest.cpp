@@ -1,9 +1,9 @@
 // The info panel: what it says of none, one and many, and what each of its fields does.
 
-#include "Classes/Interface/InfoPanelViewController.h"
-#include "Classes/Interface/ItemEdits.h"
-#include "Classes/Interface/RatingField.h"
-#include "Classes/Interface/TagField.h"
+#include "Classes/Editing/ItemEdits.h"
+#include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
+#include "Classes/Interface/InfoPanel/RatingField.h"
+#include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
@@ -120,7 +120,7 @@ TEST_F(InfoPanelTest, SaysWhatIsKnownOfNoneOneAndMany)
     EXPECT_EQ(notice(), QStringLiteral("Nothing selected"));
     EXPECT_FALSE(field("Title"));
     panel->rateItems(4);
-    EXPECT_FALSE(isEnabled("Undo"));
+    EXPECT_FALSE(isEnabled(CommandID::Undo));
 
     EXPECT_TRUE(panel->widgetResizable());
     EXPECT_EQ(panel->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
@@ -176,7 +176,7 @@ TEST_F(InfoPanelTest, EveryFieldIsAStepThatCanBeTakenBack)
                              {"edit source", [&] { return both(source); }, "|"},
                              {"edit license", [&] { return both(license); }, "|old"}}) {
         EXPECT_EQ(controller->undoStack().undoText(), QLatin1StringView(each.text));
-        run("Undo");
+        run(CommandID::Undo);
         EXPECT_EQ(each.value(), QLatin1StringView(each.after)) << each.text;
     }
     EXPECT_FALSE(controller->undoStack().canUndo());
@@ -365,7 +365,7 @@ TEST_F(InfoPanelTest, ManyAreSummedUpBesideTheWindow)
     EXPECT_TRUE(waitFor([this] { return tags->tags() == QStringList{QStringLiteral("all")}; }));
     EXPECT_EQ(made.last()->rating(), 4);
     EXPECT_FALSE(panel->tagItems(browser().selectedItems(), {QStringLiteral("all")}));
-    run("Undo");
+    run(CommandID::Undo);
     settle();
     EXPECT_TRUE(waitFor([this] { return tags->tags().isEmpty(); }));
     EXPECT_EQ(panel->commonTagsForItems(browser().selectedItems()), QStringList());

@@ -1,5 +1,7 @@
 // What the window takes, gives and shows.
 
+#include "Classes/Interface/ItemPictures.h"
+#include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -67,7 +69,7 @@ TEST_F(MainWindowTest, TheClipboardCarriesItemsFilesAndPictures)
     select({QStringLiteral("clear")});
     browser().grid().viewport()->grab();
     ASSERT_TRUE(waitFor([this] { return grid().thumbnailLoader().pendingCount() == 0; }));
-    grid().thumbnailLoader().image(BrowserContent::thumbnailOf(*image(QStringLiteral("clear"))), 1024);
+    grid().thumbnailLoader().image(ItemPictures::thumbnailOf(*image(QStringLiteral("clear"))), 1024);
     ASSERT_TRUE(waitFor([this] { return grid().thumbnailLoader().pendingCount() == 0; }));
     press(Qt::Key_C, Qt::ControlModifier);
     const QMimeData *one = QApplication::clipboard()->mimeData();
@@ -120,7 +122,7 @@ TEST_F(MainWindowTest, TheMenuOfTheGridIsThatOfWhatIsSelected)
     settle();
     EXPECT_EQ(shown().size(), 3);
     EXPECT_EQ(selected(), QStringList{QStringLiteral("clear")});
-    run("Undo");
+    run(CommandID::Undo);
     settle();
     show(special(ZQSidebarKind::Library));
     select({QStringLiteral("red")});
@@ -129,19 +131,19 @@ TEST_F(MainWindowTest, TheMenuOfTheGridIsThatOfWhatIsSelected)
     settle();
     EXPECT_EQ(shown().size(), 3);
     EXPECT_EQ(image(QStringLiteral("red"))->active(), false);
-    run("Undo");
+    run(CommandID::Undo);
     settle();
     select({QStringLiteral("red")});
     menuAt(QStringLiteral("Duplicate"));
     settle();
     EXPECT_EQ(shown().size(), 5);
-    run("Undo");
+    run(CommandID::Undo);
     settle();
 }
 
 TEST_F(MainWindowTest, RenameAndRemoveMeanWhatHasTheFocus)
 {
-    run("Info Panel");
+    run(CommandID::InfoPanel);
     select({QStringLiteral("red")});
     press(Qt::Key_F2);
     auto *title = named<QLineEdit>("Title");
@@ -162,7 +164,7 @@ TEST_F(MainWindowTest, RenameAndRemoveMeanWhatHasTheFocus)
     settle();
     EXPECT_EQ(shown(), (QStringList{QStringLiteral("pages"), QStringLiteral("moving")}));
     EXPECT_EQ(selected(), QStringList{QStringLiteral("pages")});
-    run("Delete from Library");
+    run(CommandID::DeleteFromLibrary);
     settle();
     EXPECT_EQ(shown(), QStringList{QStringLiteral("moving")});
     EXPECT_FALSE(image(QStringLiteral("pages"))->active());
@@ -205,7 +207,7 @@ TEST_F(MainWindowTest, WhatTheStoreBringsIsShown)
         waitFor([&] { return window().findChild<QPlainTextEdit *>()->toPlainText() == QStringLiteral("said"); }));
     b->setTitle(QStringLiteral("Bee"));
     controller->updateLocalization();
-    run("New Tab");
+    run(CommandID::NewTab);
     sidebar().selectItems({b->objectID()});
     EXPECT_EQ(tabs(), QStringLiteral("Bee 1/2"));
 }
@@ -251,8 +253,7 @@ TEST_F(MainWindowTest, ASnapshotShowsWhatItIsAskedFor)
     const auto draw = [](SnapshotOptions options) {
         QImage drawn;
         ZQError error;
-        EXPECT_TRUE(MainWindowController::renderSnapshot(options, &drawn, &error))
-            << qPrintable(error.localizedDescription());
+        EXPECT_TRUE(zqRenderWindowSnapshot(options, &drawn, &error)) << qPrintable(error.localizedDescription());
         return drawn;
     };
     const bool wasDark = ZQTheme::current().isDark();
@@ -286,7 +287,7 @@ TEST_F(MainWindowTest, ASnapshotShowsWhatItIsAskedFor)
     const auto reasonFor = [](const SnapshotOptions &asked) {
         QImage drawn;
         ZQError error;
-        EXPECT_FALSE(MainWindowController::renderSnapshot(asked, &drawn, &error));
+        EXPECT_FALSE(zqRenderWindowSnapshot(asked, &drawn, &error));
         EXPECT_TRUE(drawn.isNull());
         return error.code;
     };
@@ -300,7 +301,7 @@ TEST_F(MainWindowTest, ASnapshotShowsWhatItIsAskedFor)
     }
     delegate.reset();
     EXPECT_EQ(reasonFor(options), 1);
-    MainWindowController::prepareSnapshotScale(1.5);
+    zqPrepareSnapshotScale(1.5);
     EXPECT_EQ(qgetenv("QT_SCALE_FACTOR"), "1.5");
     EXPECT_EQ(qgetenv("QT_SCALE_FACTOR_ROUNDING_POLICY"), "PassThrough");
     qunsetenv("QT_SCALE_FACTOR");
@@ -364,7 +365,7 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     settle();
     EXPECT_EQ(says(), "2 items selected|5 items|5 items");
     EXPECT_EQ(browser().content().groups().size(), 2);
-    EXPECT_FALSE(browser().content().sortAscending());
+    EXPECT_FALSE(browser().content().tab().sortDirectionValue());
     show(special(ZQSidebarKind::Recent));
     qint64 count = 0;
     for (const ZQGridGroup &group : browser().content().groups()) {

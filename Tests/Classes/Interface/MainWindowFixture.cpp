@@ -189,10 +189,10 @@ void MainWindowFixture::type(const QString &text)
     QTest::keyClicks(QApplication::focusWidget(), text);
 }
 
-void MainWindowFixture::run(const char *command)
+void MainWindowFixture::run(CommandID command)
 {
-    QAction *action = controller->commandNamed(QLatin1StringView(command));
-    ASSERT_TRUE(action && action->isEnabled()) << command;
+    QAction *action = controller->command(command);
+    ASSERT_TRUE(action && action->isEnabled()) << int(command);
     action->trigger();
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Interface/BrowserViewController.h"
-#include "Classes/Interface/MainWindowController.h"
-#include "Classes/Interface/ProjectsSidebarViewController.h"
-#include "Classes/Interface/Sheet.h"
-#include "Classes/Interface/SidebarTreeView.h"
-#include "Classes/Interface/WindowUserInteraction.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Window/MainWindowController.h"
+#include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+#include "Classes/Interface/Sheets/Sheet.h"
+#include "Classes/Interface/Sidebar/SidebarTreeView.h"
+#include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Support/UserWorld.h"
@@ -76,8 +76,8 @@ protected:
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier); // where the focus is
     void type(const QString &text);
-    void run(const char *command);
-    bool isEnabled(const char *command) { return controller->commandNamed(QLatin1StringView(command))->isEnabled(); }
+    void run(CommandID command);
+    bool isEnabled(CommandID command) { return controller->command(command)->isEnabled(); }
     // The visible widget a screen reader calls that.
     template <class T = QWidget>
     T *named(const char *name)

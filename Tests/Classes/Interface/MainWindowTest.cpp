@@ -95,9 +95,18 @@ TEST_F(MainWindowTest, CommandsAreEnabledByTheSelectionTheFocusAndTheTabs)
 {
     const auto disabled = [this] {
         QStringList names;
-        for (const char *name : {"Undo", "Redo", "Copy", "Duplicate", "Remove", "Delete from Library", "Quick Look",
-                                 "Open", "Close Tab", "Reopen Closed Tab"}) {
-            if (!isEnabled(name)) {
+        using enum CommandID;
+        for (const auto &[id, name] : {std::pair{Undo, "Undo"},
+                                       {Redo, "Redo"},
+                                       {Copy, "Copy"},
+                                       {Duplicate, "Duplicate"},
+                                       {CommandID::Remove, "Remove"},
+                                       {DeleteFromLibrary, "Delete from Library"},
+                                       {QuickLook, "Quick Look"},
+                                       {Open, "Open"},
+                                       {CloseTab, "Close Tab"},
+                                       {ReopenClosedTab, "Reopen Closed Tab"}}) {
+            if (!isEnabled(id)) {
                 names.append(QLatin1StringView(name));
             }
         }
@@ -115,38 +124,38 @@ TEST_F(MainWindowTest, CommandsAreEnabledByTheSelectionTheFocusAndTheTabs)
     grid().setFocus();
     EXPECT_EQ(disabled(), QStringLiteral("Undo,Redo,Close Tab,Reopen Closed Tab"));
 
-    const auto text = [this](const char *name) { return controller->commandNamed(QLatin1StringView(name))->text(); };
+    const auto text = [this](CommandID id) { return controller->command(id)->text(); };
     press(Qt::Key_3);
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 3);
     EXPECT_EQ(disabled(), QStringLiteral("Redo,Close Tab,Reopen Closed Tab"));
-    EXPECT_EQ(text("Undo"), QStringLiteral("Undo rate"));
-    EXPECT_EQ(text("Redo"), QStringLiteral("Redo"));
+    EXPECT_EQ(text(CommandID::Undo), QStringLiteral("Undo rate"));
+    EXPECT_EQ(text(CommandID::Redo), QStringLiteral("Redo"));
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 0);
     EXPECT_EQ(disabled(), QStringLiteral("Undo,Close Tab,Reopen Closed Tab"));
-    EXPECT_EQ(text("Undo"), QStringLiteral("Undo"));
-    EXPECT_EQ(text("Redo"), QStringLiteral("Redo rate"));
+    EXPECT_EQ(text(CommandID::Undo), QStringLiteral("Undo"));
+    EXPECT_EQ(text(CommandID::Redo), QStringLiteral("Redo rate"));
     press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 3);
-    run("New Tab");
+    run(CommandID::NewTab);
     settle();
     EXPECT_EQ(disabled(), QStringLiteral("Redo,Copy,Duplicate,Delete from Library,Quick Look,Open,Reopen Closed "
                                          "Tab,Rating"));
-    run("Close Tab");
-    EXPECT_TRUE(isEnabled("Reopen Closed Tab"));
-    EXPECT_FALSE(isEnabled("Close Tab"));
+    run(CommandID::CloseTab);
+    EXPECT_TRUE(isEnabled(CommandID::ReopenClosedTab));
+    EXPECT_FALSE(isEnabled(CommandID::CloseTab));
 
     whenAsked([&](Sheet &) {
-        EXPECT_FALSE(isEnabled("New Tab")) << "commands rest while something is asked";
+        EXPECT_FALSE(isEnabled(CommandID::NewTab)) << "commands rest while something is asked";
         search().setFocus();
-        EXPECT_FALSE(isEnabled("Copy"));
+        EXPECT_FALSE(isEnabled(CommandID::Copy));
         QTest::keyClick(&window(), Qt::Key_T, Qt::ControlModifier);
         for (Sheet *sheet : window().findChildren<Sheet *>()) {
             QTest::keyClick(sheet, Qt::Key_Return);
         }
     });
-    run("Keyboard");
-    EXPECT_TRUE(isEnabled("New Tab"));
+    run(CommandID::Keyboard);
+    EXPECT_TRUE(isEnabled(CommandID::NewTab));
     EXPECT_EQ(strip().count(), 1);
 }
 
@@ -158,23 +167,23 @@ TEST_F(MainWindowTest, TypingIsTakenBackInItsFieldBeforeTheStepsOfTheWindow)
     ASSERT_EQ(QApplication::focusWidget(), &search());
     type(QStringLiteral("3"));
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 4) << "a digit is a digit there";
-    run("Undo");
+    run(CommandID::Undo);
     EXPECT_EQ(search().text(), QString());
-    run("Redo");
+    run(CommandID::Redo);
     EXPECT_EQ(search().text(), QStringLiteral("3"));
-    run("Undo");
-    run("Undo");
+    run(CommandID::Undo);
+    run(CommandID::Undo);
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 0);
     search().setText({}); // and nothing to do again there
-    run("Redo");
+    run(CommandID::Redo);
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 4);
     search().setText(QStringLiteral("word"));
-    run("Select All");
+    run(CommandID::SelectAll);
     EXPECT_EQ(search().selectedText(), QStringLiteral("word"));
-    run("Copy");
+    run(CommandID::Copy);
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("word"));
     search().clear();
-    run("Paste");
+    run(CommandID::Paste);
     EXPECT_EQ(search().text(), QStringLiteral("word"));
 }
 
@@ -238,7 +247,7 @@ TEST_F(MainWindowTest, TabsKeepWhatTheyShow)
     EXPECT_EQ(search().text(), QStringLiteral("x"));
     sidebar().selectItems({a->objectID(), b->objectID()});
     EXPECT_EQ(tabs(), QStringLiteral("2 items selected 1/2"));
-    EXPECT_EQ(browser().title(), QStringLiteral("2 items selected"));
+    EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("2 items selected"));
     a->setTitle(QStringLiteral("Renamed"));
     delegate->saveAction();
     EXPECT_TRUE(waitFor([this] {
@@ -270,17 +279,17 @@ TEST_F(MainWindowTest, ATabThatGoesLeavesItsNeighbourInItsPlace)
                              {1, -1, "B 1/3"},
                              {1, 3, "B 1/3"}}) {
         while (strip().count() > 1) {
-            run("Close Tab");
+            run(CommandID::CloseTab);
         }
         sidebar().selectItems({a->objectID()});
         for (const Item &item : {b, inner}) {
-            run("New Tab");
+            run(CommandID::NewTab);
             sidebar().selectItems({item->objectID()});
         }
         Q_EMIT strip().currentChanged(each.current);
         Q_EMIT strip().closeRequested(each.closed);
         EXPECT_EQ(tabs(), QLatin1StringView(each.after)) << each.current << " without " << each.closed;
-        EXPECT_EQ(browser().title(), strip().accessibleDescription());
+        EXPECT_EQ(browser().content().tab().tabName(), strip().accessibleDescription());
     }
     Q_EMIT strip().currentChanged(3);
     Q_EMIT strip().currentChanged(-1);
@@ -296,10 +305,10 @@ TEST_F(MainWindowTest, ATabThatGoesLeavesItsNeighbourInItsPlace)
 TEST_F(MainWindowTest, TheNextWindowIsAsThisOneWasLeft)
 {
     EXPECT_EQ(window().size(), QSize(1280, 800)) << "nothing was kept yet";
-    run("New Tab");
+    run(CommandID::NewTab);
     sidebar().selectItems({b->objectID(), inner->objectID()});
     search().setText(QStringLiteral("e"));
-    run("New Tab");
+    run(CommandID::NewTab);
     sidebar().selectItems({inner->objectID()});
     press(Qt::Key_1, Qt::ControlModifier);
     browser().changeZoom(0.25);
@@ -308,8 +317,8 @@ TEST_F(MainWindowTest, TheNextWindowIsAsThisOneWasLeft)
     auto *splitter = window().findChild<QSplitter *>();
     splitter->setSizes({200, 500, 300});
     const QList<int> sizes = splitter->sizes();
-    run("Sidebar");
-    run("Info Panel");
+    run(CommandID::Sidebar);
+    run(CommandID::InfoPanel);
     EXPECT_FALSE(sidebar().isVisible());
     inner->deleteSelf();
     delegate->saveAction();
@@ -317,7 +326,7 @@ TEST_F(MainWindowTest, TheNextWindowIsAsThisOneWasLeft)
     openWindow();
     EXPECT_EQ(window().size(), QSize(1000, 700));
     EXPECT_FALSE(sidebar().isVisible());
-    EXPECT_FALSE(controller->commandNamed(QStringLiteral("Sidebar"))->isChecked());
+    EXPECT_FALSE(controller->command(CommandID::Sidebar)->isChecked());
     EXPECT_FALSE(named<QToolButton>("Sidebar (Ctrl+B)")->isChecked());
     EXPECT_FALSE(named<QToolButton>("Info Panel (Ctrl+Shift+I)")->isChecked());
     EXPECT_EQ(window().findChild<QSplitter *>()->handleWidth(), 1);
@@ -325,8 +334,8 @@ TEST_F(MainWindowTest, TheNextWindowIsAsThisOneWasLeft)
     EXPECT_EQ(search().text(), QStringLiteral("e"));
     EXPECT_EQ(browser().content().filter(), QStringLiteral("e"));
     EXPECT_EQ(QApplication::focusWidget(), &grid());
-    run("Sidebar");
-    run("Info Panel");
+    run(CommandID::Sidebar);
+    run(CommandID::InfoPanel);
     EXPECT_TRUE(named<QToolButton>("Sidebar (Ctrl+B)")->isChecked());
     EXPECT_TRUE(named<QToolButton>("Info Panel (Ctrl+Shift+I)")->isChecked());
     QApplication::processEvents();
@@ -350,24 +359,24 @@ TEST_F(MainWindowTest, ButtonsAndCommandsOfTheViewAgree)
 {
     const auto isDark = [] { return ZQTheme::current().isDark(); };
     const bool wasDark = isDark();
-    run("Dark Theme");
+    run(CommandID::DarkTheme);
     EXPECT_NE(isDark(), wasDark);
-    EXPECT_EQ(controller->commandNamed(QStringLiteral("Dark Theme"))->isChecked(), isDark());
+    EXPECT_EQ(controller->command(CommandID::DarkTheme)->isChecked(), isDark());
     EXPECT_EQ(ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("UseDarkUI")), isDark());
     ZQTheme::current().setDark(wasDark);
     MainWindowController::applyTheme();
     EXPECT_NE(isDark(), wasDark) << "as was chosen";
-    run("Dark Theme");
+    run(CommandID::DarkTheme);
     EXPECT_EQ(isDark(), wasDark);
 
     named<QToolButton>("Sidebar (Ctrl+B)")->click();
     EXPECT_FALSE(sidebar().isVisible());
-    EXPECT_FALSE(controller->commandNamed(QStringLiteral("Sidebar"))->isChecked());
+    EXPECT_FALSE(controller->command(CommandID::Sidebar)->isChecked());
     press(Qt::Key_B, Qt::ControlModifier);
     EXPECT_TRUE(sidebar().isVisible());
     EXPECT_TRUE(named<QToolButton>("Sidebar (Ctrl+B)")->isChecked());
     named<QToolButton>("Info Panel (Ctrl+Shift+I)")->click();
-    EXPECT_FALSE(controller->commandNamed(QStringLiteral("Info Panel"))->isChecked());
+    EXPECT_FALSE(controller->command(CommandID::InfoPanel)->isChecked());
     select({QStringLiteral("red")});
     press(Qt::Key_I, Qt::ControlModifier | Qt::ShiftModifier);
     settle();

@@ -1,5 +1,5 @@
-#include "Classes/Interface/QuestionSheets.h"
-#include "Classes/Interface/WindowUserInteraction.h"
+#include "Classes/Interface/Sheets/QuestionSheets.h"
+#include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQProgressLine.h"

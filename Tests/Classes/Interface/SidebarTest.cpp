@@ -115,7 +115,7 @@ TEST_F(SidebarTest, SectionsHoldTheirRowsAndOpenAndClose)
     EXPECT_EQ(chosen(), QStringLiteral("A")) << "the void chooses nothing";
     click(row(b).center());
     EXPECT_EQ(chosen(), QStringLiteral("B"));
-    EXPECT_EQ(browser().title(), QStringLiteral("B"));
+    EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("B"));
     click(row(a).center(), Qt::ControlModifier);
     EXPECT_EQ(chosen(), QStringLiteral("A B")) << "from the top";
 
@@ -136,27 +136,28 @@ TEST_F(SidebarTest, SectionsHoldTheirRowsAndOpenAndClose)
     EXPECT_EQ(chosen(), QStringLiteral("mine"));
     sidebar().findChild<ZQSwitch *>()->setCurrentIndex(0);
     EXPECT_EQ(chosen(), QStringLiteral("Inner"));
-    EXPECT_EQ(browser().title(), QStringLiteral("Inner")) << "the side shown is what counts";
+    EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("Inner")) << "the side shown is what counts";
 }
 
 TEST_F(SidebarTest, NewOnesAreNamedAtOnce)
 {
     struct Case
     {
-        const char *command;
+        CommandID command;
+        const char *name; // until it gets another
         Item on;
         const char *made;
         const char *rows; // titles around it
     };
-    for (const Case &each : {Case{"New Project", a, "P", "A P B"},
-                             {"New Folder", inner, "F", "Inner F"},
-                             {"New Project", folder, "Q", "F Q"}}) {
+    for (const Case &each : {Case{CommandID::NewProject, "New Project", a, "P", "A P B"},
+                             {CommandID::NewFolder, "New Folder", inner, "F", "Inner F"},
+                             {CommandID::NewProject, "New Project", folder, "Q", "F Q"}}) {
         show(each.on);
         run(each.command);
         ASSERT_TRUE(editor()) << each.made;
-        EXPECT_EQ(editor()->text(), QLatin1StringView(each.command));
+        EXPECT_EQ(editor()->text(), QLatin1StringView(each.name));
         EXPECT_EQ(editor()->selectedText(), editor()->text());
-        EXPECT_EQ(chosen(), QLatin1StringView(each.command));
+        EXPECT_EQ(chosen(), QLatin1StringView(each.name));
         type(QLatin1StringView(each.made));
         sidebar().reload();
         EXPECT_EQ(editor()->text(), QLatin1StringView(each.made)) << "what is typed stays while rows change";
@@ -164,7 +165,7 @@ TEST_F(SidebarTest, NewOnesAreNamedAtOnce)
         EXPECT_TRUE(waitFor([&] { return rows().contains(QLatin1StringView(each.rows)); })) << rows().toStdString();
     }
     named<QWidget>("New Project (Ctrl+N)")->setFocus();
-    run("New Tag");
+    run(CommandID::NewTag);
     ASSERT_TRUE(editor());
     type(QStringLiteral("mine"));
     press(Qt::Key_Return);
@@ -172,7 +173,7 @@ TEST_F(SidebarTest, NewOnesAreNamedAtOnce)
     EXPECT_TRUE(named("Tag already exist!"));
     EXPECT_FALSE(sidebar().isEditing()) << "a tag keeps its name";
     EXPECT_EQ(chosen(), QStringLiteral("New Tag"));
-    run("New Project");
+    run(CommandID::NewProject);
     EXPECT_EQ(sidebar().findChild<ZQSwitch *>()->currentIndex(), 0);
     editor()->clear();
     press(Qt::Key_Return);

@@ -1,5 +1,5 @@
-#include "Classes/Interface/SidebarTreeModel.h"
-#include "Classes/Interface/SidebarTreeView.h"
+#include "Classes/Interface/Sidebar/SidebarTreeModel.h"
+#include "Classes/Interface/Sidebar/SidebarTreeView.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 

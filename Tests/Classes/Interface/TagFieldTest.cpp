@@ -1,4 +1,4 @@
-#include "Classes/Interface/TagField.h"
+#include "Classes/Interface/InfoPanel/TagField.h"
 
 #include "Kit/Widgets/ZQTheme.h"
 

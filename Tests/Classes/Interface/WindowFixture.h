@@ -1,72 +1,11 @@
 #pragma once
 
-#include "Classes/Interface/ContentFetcher.h"
 #include "Classes/Interface/WindowContext.h"
-#include "Kit/Files/ZQUserDefaults.h"
-#include "Kit/Operations/ZQOperationQueue.h"
-#include "Models/DataModel/ZQLibraryImage.h"
-#include "Models/DataModel/ZQSidebarFolder.h"
-#include "Models/DataModel/ZQSidebarProject.h"
-#include "Models/DataModel/ZQSidebarSeed.h"
-#include "Models/DataModel/ZQSidebarTag.h"
-#include "Tests/Support/ScratchLibrary.h"
-#include "Tests/Support/ScriptedUser.h"
-
-#include <gtest/gtest.h>
+#include "Tests/Classes/Browsing/BrowsingFixture.h"
 
 // A scratch library with the fixed sidebar and what the parts of a window share on it.
-class WindowFixture : public testing::Test
+class WindowFixture : public BrowsingFixture
 {
 protected:
-    using Item = ZQRef<ZQSidebarBaseItem>;
-
-    WindowFixture()
-        : fetcher(library.coordinator()), window{library.context(), user,      undoStack,
-                                                 fetcher,           editQueue, [this] { library.context().save(); }}
-    {
-        zqSeedFixedSidebar(library.context());
-        library.context().save();
-        projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(library.context());
-        for (const Item &sample : projects->childsItems()) {
-            sample->deletePermanently();
-        }
-        library.context().save();
-        for (const char *key : {"removeFromSidebarAlertSuppress", "removeFromSidebarAndContentAlertSuppress"}) {
-            ZQUserDefaults::standardUserDefaults().removeObjectForKey(QLatin1StringView(key));
-        }
-    }
-    template <class T>
-    Item add(const QString &title, const Item &father)
-    {
-        const auto item = library.context().insertNewObject<T>();
-        item->setTitle(title);
-        item->setActive(true);
-        father->appendChild(item.get());
-        library.context().save();
-        return item;
-    }
-    Item addProject(const QString &title, const Item &father = {})
-    {
-        return add<ZQSidebarProject>(title, father ? father : projects);
-    }
-    Item addFolder(const QString &title, const Item &father = {})
-    {
-        return add<ZQSidebarFolder>(title, father ? father : projects);
-    }
-    static QStringList titles(const Item &father)
-    {
-        QStringList result;
-        for (const Item &child : father->orderedChildren()) {
-            result.append(child->title());
-        }
-        return result;
-    }
-
-    ScratchLibrary library;
-    ScriptedUser user;
-    QUndoStack undoStack;
-    ContentFetcher fetcher;
-    ZQOperationQueue editQueue{QStringLiteral("Edits"), 1};
-    WindowContext window;
-    Item projects;
+    WindowContext window{editing, fetcher};
 };

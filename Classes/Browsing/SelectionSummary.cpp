@@ -1,0 +1,127 @@
+#include "Classes/Browsing/SelectionSummary.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QFileInfo>
+#include <QLocale>
+#include <QMimeDatabase>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype batchSize = 500;
+
+QString dateText(const QDateTime &date)
+{
+    if (!date.isValid()) {
+        return zqLocalized("Unknown");
+    }
+    const QDateTime local = date.toLocalTime();
+    const qint64 days = local.date().daysTo(QDate::currentDate());
+    const QLocale locale;
+    // The C locale's short time has seconds.
+    const QString time = locale.language() == QLocale::C ? local.time().toString(QStringLiteral("HH:mm"))
+                                                         : locale.toString(local.time(), QLocale::ShortFormat);
+    if (days == 0) {
+        return zqFormat(zqLocalized("Today, %@"), {time});
+    }
+    return days == 1 ? zqFormat(zqLocalized("Yesterday, %@"), {time})
+                     : locale.toString(local.date(), QStringLiteral("d MMM yyyy"));
+}
+
+QString kindText(const ZQLibraryBaseItem &item)
+{
+    static const QMimeDatabase types;
+    const QString comment =
+        types.mimeTypeForFile(QStringLiteral("x.") + item.extension(), QMimeDatabase::MatchExtension).comment();
+    return comment.isEmpty() ? item.extension().toUpper() : comment.left(1).toUpper() + comment.mid(1);
+}
+
+QString sizeText(const ZQLibraryBaseItem &item)
+{
+    return item.pixelWidth() > 0 ? QStringLiteral("%1 × %2").arg(item.pixelWidth()).arg(item.pixelHeight())
+                                 : zqLocalized("Unknown");
+}
+
+void addTags(SelectionSummary &summary, const QStringList &titles, QSet<QString> &all)
+{
+    if (summary.count == 0) {
+        summary.tags = titles;
+    } else {
+        summary.tags.removeIf([&titles](const QString &title) { return !titles.contains(title); });
+    }
+    all.unite(QSet<QString>(titles.begin(), titles.end()));
+}
+
+void addItem(SelectionSummary &summary, const ZQLibraryBaseItem &item, QSet<QString> &allTags)
+{
+    const bool isFirst = summary.count == 0;
+    const qint64 bytes = item.byteSize();
+    summary.bytes += bytes;
+    summary.missing += bytes == 0 && !QFileInfo::exists(item.itemURL()) ? 1 : 0;
+    summary.title.add(item.title(), isFirst);
+    summary.kind.add(kindText(item), isFirst);
+    summary.notes.add(item.notes(), isFirst);
+    summary.size.add(sizeText(item), isFirst);
+    summary.imported.add(dateText(item.import_date()), isFirst);
+    summary.modified.add(dateText(item.modification_date()), isFirst);
+    summary.source.add(item.webPageURL().isEmpty() ? item.webURL() : item.webPageURL(), isFirst);
+    summary.license.add(item.license(), isFirst);
+    summary.ratingDiffers = summary.ratingDiffers || (!isFirst && item.rating() != summary.rating);
+    summary.rating = isFirst ? item.rating() : summary.rating;
+    addTags(summary, SelectionSummary::userTagsOf(item), allTags);
+    ++summary.count;
+}
+
+} // namespace
+
+void CommonText::add(const QString &next, bool isFirst)
+{
+    if (isFirst) {
+        text = next;
+    } else if (!differs && text != next) {
+        differs = true;
+    }
+}
+
+QString CommonText::shown() const
+{
+    return differs ? zqLocalized("Multiple values") : text;
+}
+
+QStringList SelectionSummary::userTagsOf(const ZQLibraryBaseItem &item)
+{
+    QStringList titles;
+    for (const auto &tag : item.itemTags()) {
+        if (tag->isUserTag()) {
+            titles.append(tag->title());
+        }
+    }
+    titles.sort(Qt::CaseInsensitive);
+    return titles;
+}
+
+std::optional<SelectionSummary> SelectionSummary::of(const QList<ZQObjectID> &items, ZQManagedObjectContext &context,
+                                                     const std::function<bool()> &isWanted)
+{
+    SelectionSummary summary;
+    QSet<QString> allTags;
+    for (qsizetype first = 0; first < items.size(); first += batchSize) {
+        const QList<ZQObjectID> batch = items.mid(first, batchSize);
+        const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(batch, context);
+        const auto kept = zqPrefetch(read, QStringLiteral("tags"));
+        for (const ZQRef<ZQLibraryBaseItem> &item : read) {
+            if (!isWanted()) {
+                return std::nullopt;
+            }
+            addItem(summary, *item, allTags);
+        }
+    }
+    summary.hasOtherTags = allTags.size() > summary.tags.size();
+    return summary;
+}

@@ -1,0 +1,108 @@
+#include "Classes/Command/CommandEdits.h"
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/CommandContext.h"
+#include "Classes/Tags/TagFileWriter.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <utility>
+
+// The application's, apart from errors, and with a cancel for a person who is elsewhere.
+class CommandEdits::User : public UserInteraction
+{
+public:
+    explicit User(CommandContext &command) : m_command(command), m_user(command.delegate->userInteraction()) {}
+
+    void presentError(const ZQError &error) override
+    {
+        hasFailed = true;
+        m_command.fail(error.localizedDescription());
+    }
+    int ask(const UserQuestion &question) override { return m_user.ask(question); }
+    void showNotificationWithText(const QString &text, int position, double seconds) override
+    {
+        m_user.showNotificationWithText(text, position, seconds);
+    }
+    void showSystemNotification(const QString &title, const QString &text) override
+    {
+        m_user.showSystemNotification(title, text);
+    }
+    QStringList chooseFilesToOpen(const FileChoice &choice) override { return m_user.chooseFilesToOpen(choice); }
+    std::optional<QString> chooseFileToSave(const FileChoice &choice) override
+    {
+        return m_user.chooseFileToSave(choice);
+    }
+    bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override
+    {
+        return m_user.resolveUnreadableFiles(conflicts);
+    }
+    std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override
+    {
+        return m_user.resolveDuplicates(pairs);
+    }
+    std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
+                                                std::function<void()> cancel) override
+    {
+        cancelWork = [this, work = std::move(cancel)] {
+            isCancelled = true;
+            work();
+        };
+        return m_user.beginProgress(text, maximum, cancelWork);
+    }
+
+    std::function<void()> cancelWork; // that runs or waits; null for what is too short
+    bool hasFailed = false;
+    bool isCancelled = false;
+
+private:
+    CommandContext &m_command;
+    UserInteraction &m_user;
+};
+
+CommandEdits::CommandEdits(CommandContext &command)
+    : m_command(command), m_user(std::make_unique<User>(command)),
+      m_edits(new EditContext{command.store(), *m_user, command.delegate->editQueue(), [this] {
+                                  ZQError error;
+                                  if (!m_command.store().save(&error)) {
+                                      m_user->presentError(error);
+                                  }
+                                  return error.isNull();
+                              }})
+{
+}
+
+CommandEdits::~CommandEdits()
+{
+    zqRunMainLoopUntil([this] { return !m_edits->isBusy(); });
+}
+
+EditContext &CommandEdits::context()
+{
+    return *m_edits;
+}
+
+int CommandEdits::finish(qsizetype count, const char *one, const char *several)
+{
+    zqRunMainLoopUntil(
+        [this] {
+            if (m_command.isAbandoned && m_command.isAbandoned() && m_user->cancelWork) { // its Ctrl+C
+                m_user->cancelWork();
+            }
+            return !m_edits->isBusy();
+        },
+        std::chrono::milliseconds(5));
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    // A file that can't carry its tags is reported there, and what other programs changed comes into the store.
+    zqRunMainLoopFor(std::chrono::milliseconds(0));
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    if (m_user->hasFailed) {
+        m_command.store().rollback();
+        return 2;
+    }
+    if (m_user->isCancelled) {
+        return m_command.fail(zqLocalized("it was cancelled; what was changed before that stays so"));
+    }
+    m_command.print(count == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {count}));
+    return 0;
+}

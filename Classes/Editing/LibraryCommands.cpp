@@ -1,0 +1,456 @@
+#include "Classes/Editing/LibraryCommands.h"
+
+#include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/ItemEdits.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQProjectItem.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace {
+
+using Items = QList<ZQRef<ZQLibraryBaseItem>>;
+using IDs = QList<ZQObjectID>;
+using Done = std::shared_ptr<IDs>; // what a step has changed and not taken back; of one thread at a time
+
+ZQRef<ZQSidebarBaseItem> sidebarItem(ZQManagedObjectContext &context, const ZQObjectID &id)
+{
+    return zqCast<ZQSidebarBaseItem>(context.objectWithID(id));
+}
+
+// Takes back what `done` holds, the last first, a batch a save; what was not come to stays in it.
+template <class T>
+bool takeBack(EditRun &run, const QString &progressText, QList<T> &done,
+              const std::function<bool(const QList<T> &batch)> &change)
+{
+    const qsizetype count = run.inBatches(progressText, done.size(), [&](qsizetype, qsizetype size) {
+        if (!change(done.last(size)) || !run.save()) {
+            return false;
+        }
+        done.resize(done.size() - size);
+        return true;
+    });
+    return count > 0;
+}
+
+// Deletes those that are not yet, and says which they were.
+EditPass deletion(const IDs &items, const Done &done)
+{
+    return {[items, done](EditRun &run) {
+                run.inBatches(zqLocalized("Deleting items…"), items.size(), [&](qsizetype first, qsizetype size) {
+                    IDs deleted;
+                    const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
+                    ZQLibraryBaseItem::lookForFiles(batch);
+                    for (const auto &item : batch) {
+                        if (item->active()) {
+                            item->deleteSelf();
+                            deleted.append(item->objectID());
+                        }
+                    }
+                    if (!run.save()) {
+                        return false;
+                    }
+                    done->append(deleted);
+                    return true;
+                });
+                return !done->isEmpty();
+            },
+            zqLocalized("Deleting items…")};
+}
+
+EditPass restoration(const Done &done)
+{
+    return {[done](EditRun &run) {
+                return takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, [&run](const IDs &batch) {
+                    const auto all = ZQLibraryBaseItem::itemsWithIDs(batch, run.context());
+                    ZQLibraryBaseItem::lookForFiles(all);
+                    for (const auto &item : all) {
+                        item->restoreSelf();
+                    }
+                    return true;
+                });
+            },
+            zqLocalized("Restoring items…")};
+}
+
+QString nameFor(EditContext &edits, const IDs &ids)
+{
+    const auto item = ids.size() == 1 ? edits.libraryItem(ids.first()) : ZQRef<ZQLibraryBaseItem>();
+    return item ? zqFormat(zqLocalized("delete %@"), {item->title()}) : zqLocalized("delete items");
+}
+
+struct RemovedPlace
+{
+    qint32 order = 0;
+    ZQObjectID item;
+};
+
+// Nothing after an error, which was told: without their places, removing the items could not be taken back.
+std::optional<QList<RemovedPlace>> removeBatch(EditRun &run, ZQSidebarBaseItem &from, const Items &items)
+{
+    QList<RemovedPlace> places;
+    if (!from.hasOrderedMembers()) {
+        for (const auto &item : items) {
+            if (from.containsItem(item.get())) {
+                places.append({0, item->objectID()});
+            }
+        }
+        from.removeItems(items);
+        return places;
+    }
+    ZQError error;
+    const auto memberships = from.membershipsOfItems(items, &error);
+    if (!memberships) {
+        run.presentError(error);
+        return std::nullopt;
+    }
+    QHash<qint64, ZQRef<ZQProjectItem>> members;
+    for (const auto &membership : *memberships) {
+        members.insert(membership->itemKey(), membership);
+    }
+    for (const auto &item : items) {
+        if (const auto membership = members.take(item->objectID().key)) {
+            places.append({membership->order(), item->objectID()});
+            from.removeProjectItem(membership.get());
+        }
+    }
+    return places;
+}
+
+EditPass removal(const IDs &items, const ZQObjectID &from, const std::shared_ptr<QList<RemovedPlace>> &done)
+{
+    return {[items, from, done](EditRun &run) {
+                const auto container = sidebarItem(run.context(), from);
+                run.inBatches(
+                    zqLocalized("Removing items…"), container ? items.size() : 0, [&](qsizetype first, qsizetype size) {
+                        const auto places = removeBatch(
+                            run, *container, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()));
+                        if (!places || !run.save()) {
+                            return false;
+                        }
+                        done->append(*places);
+                        return true;
+                    });
+                return !done->isEmpty();
+            },
+            zqLocalized("Removing items…")};
+}
+
+// The highest orders return first: who has to make room for a batch is then there already.
+EditPass returnToPlaces(const ZQObjectID &to, const std::shared_ptr<QList<RemovedPlace>> &done)
+{
+    return {[to, done](EditRun &run) {
+                const auto into = sidebarItem(run.context(), to);
+                if (!into) {
+                    return false;
+                }
+                std::stable_sort(done->begin(), done->end(),
+                                 [](const RemovedPlace &a, const RemovedPlace &b) { return a.order < b.order; });
+                const auto restore = [&](const QList<RemovedPlace> &batch) {
+                    Items items;
+                    QList<qint32> orders;
+                    for (const auto &[order, id] : batch) {
+                        if (const auto item = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(id))) {
+                            items.append(item);
+                            orders.append(order);
+                        }
+                    }
+                    ZQError error;
+                    const bool isRestored = into->restoreItems(items, orders, &error);
+                    if (!isRestored) {
+                        run.presentError(error);
+                    }
+                    return isRestored;
+                };
+                return takeBack<RemovedPlace>(run, zqLocalized("Adding items…"), *done, restore);
+            },
+            zqLocalized("Adding items…")};
+}
+
+// Nothing after an error.
+std::optional<IDs> notYetIn(const ZQSidebarBaseItem &target, const Items &items, ZQError *error)
+{
+    const auto memberships = target.membershipsOfItems(items, error);
+    if (!memberships) {
+        return std::nullopt;
+    }
+    QSet<qint64> present;
+    for (const auto &membership : *memberships) {
+        present.insert(membership->itemKey());
+    }
+    IDs fresh;
+    for (const auto &item : items) {
+        const bool isThere =
+            target.hasOrderedMembers() ? present.contains(item->objectID().key) : target.containsItem(item.get());
+        if (!isThere) {
+            fresh.append(item->objectID());
+        }
+    }
+    return fresh;
+}
+
+// By item: a membership that is removed and returns is another one.
+struct NewOrder
+{
+    qint64 itemKey;
+    qint32 before;
+    qint32 after;
+};
+
+// The orders that change when those of `members` that belong to `moved` go before the one now at `toIndex`.
+QList<NewOrder> ordersAfterMove(const QList<ZQRef<ZQProjectItem>> &members, const QSet<ZQObjectID> &moved,
+                                quint32 toIndex)
+{
+    QSet<qint64> movedKeys;
+    for (const ZQObjectID &id : moved) {
+        movedKeys.insert(id.key);
+    }
+    QList<ZQRef<ZQProjectItem>> staying;
+    QList<ZQRef<ZQProjectItem>> moving;
+    qsizetype target = 0;
+    for (qsizetype i = 0; i < members.size(); ++i) {
+        const bool moves = movedKeys.contains(members[i]->itemKey());
+        (moves ? moving : staying).append(members[i]);
+        target += !moves && i < qsizetype(toIndex) ? 1 : 0;
+    }
+    QList<NewOrder> changes;
+    if (!moving.isEmpty()) {
+        const auto order = staying.first(target) + moving + staying.sliced(target);
+        for (qsizetype i = 0; i < order.size(); ++i) {
+            if (order[i]->order() != qint32(i)) {
+                changes.append({order[i]->itemKey(), order[i]->order(), qint32(i)});
+            }
+        }
+    }
+    return changes;
+}
+
+// Nothing after an error, which was told.
+ZQFetched<ZQProjectItem> members(EditRun &run, const ZQFetchRequest &request)
+{
+    ZQError error;
+    auto found = zqFetch<ZQProjectItem>(run.context(), request, &error);
+    if (!found) {
+        run.presentError(error);
+    }
+    return found;
+}
+
+ZQFetchRequest allMembersOf(const ZQObjectID &project)
+{
+    return {.entityName = ZQProjectItem::entityName(),
+            .predicate =
+                ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"), {QVariant::fromValue(project)}),
+            .sortDescriptors = {{QStringLiteral("order")}}};
+}
+
+// One save, whatever their number: a project whose orders were changed in part only would be in disorder.
+bool giveOrders(EditRun &run, const ZQObjectID &project, const QList<NewOrder> &orders, qint32 NewOrder::*which)
+{
+    QHash<qint64, qint32> byItem;
+    for (const NewOrder &order : orders) {
+        byItem.insert(order.itemKey, order.*which);
+    }
+    const auto all = byItem.isEmpty() ? std::nullopt : members(run, allMembersOf(project));
+    if (!all) {
+        return false;
+    }
+    for (const auto &membership : *all) {
+        if (const auto order = byItem.constFind(membership->itemKey()); order != byItem.cend()) {
+            membership->setOrder(*order);
+        }
+    }
+    return run.save();
+}
+
+// Many new members come at the end first, where nobody has to move for each batch, and go to their place together.
+void moveToPlace(EditRun &run, const ZQObjectID &project, const IDs &added, quint32 index)
+{
+    const auto all = members(run, allMembersOf(project));
+    if (all) {
+        giveOrders(run, project, ordersAfterMove(*all, {added.begin(), added.end()}, index), &NewOrder::after);
+    }
+}
+
+// Adds those that are not there yet at `atIndex` and behind, and says which they were.
+EditPass addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const Done &done)
+{
+    return {
+        [items, to, atIndex, done](EditRun &run) {
+            const auto into = sidebarItem(run.context(), to);
+            const bool isPlaced = into && into->hasOrderedMembers() && atIndex != ZQSidebarBaseItem::appendIndex;
+            const bool isPlacedAfterwards = isPlaced && items.size() > run.perBatch();
+            IDs added;
+            run.inBatches(zqLocalized("Adding items…"), into ? items.size() : 0, [&](qsizetype first, qsizetype size) {
+                ZQError error;
+                const auto fresh =
+                    notYetIn(*into, ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()), &error);
+                QList<quint32> indexes;
+                for (qsizetype i = 0; fresh && isPlaced && !isPlacedAfterwards && i < fresh->size(); ++i) {
+                    indexes.append(atIndex + quint32(i));
+                }
+                if (!fresh ||
+                    !into->addItems(ZQLibraryBaseItem::itemsWithIDs(*fresh, run.context()), indexes, &error)) {
+                    run.presentError(error);
+                    return false;
+                }
+                if (!run.save()) {
+                    return false;
+                }
+                added.append(*fresh);
+                return true;
+            });
+            done->append(added);
+            if (isPlacedAfterwards && !added.isEmpty()) {
+                moveToPlace(run, to, added, atIndex);
+            }
+            return !done->isEmpty();
+        },
+        zqLocalized("Adding items…")};
+}
+
+EditPass removalOf(const Done &done, const ZQObjectID &from)
+{
+    return {
+        [done, from](EditRun &run) {
+            const auto container = sidebarItem(run.context(), from);
+            const auto remove = [&](const IDs &batch) {
+                return removeBatch(run, *container, ZQLibraryBaseItem::itemsWithIDs(batch, run.context())).has_value();
+            };
+            return container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
+        },
+        zqLocalized("Removing items…")};
+}
+
+constexpr qsizetype filesPerBatch = 16; // copied and flushed before a save names them
+
+// Whether there are copies now; of a batch that could not be saved, the next launch removes what was copied.
+bool copyItems(EditRun &run, const IDs &items, IDs &copies)
+{
+    run.inBatches(zqLocalized("Duplicating items…"), items.size(), [&](qsizetype first, qsizetype size) {
+        const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
+        ZQLibraryBaseItem::lookForFiles(batch);
+        const Items made = ZQLibraryBaseItem::duplicatesOf(batch);
+        if (!run.save()) {
+            return false;
+        }
+        for (const auto &copy : made) {
+            copies.append(copy->objectID());
+        }
+        return true;
+    });
+    return !copies.isEmpty();
+}
+
+} // namespace
+
+void LibraryCommands::deleteItems(const QList<ZQObjectID> &items)
+{
+    const auto done = std::make_shared<IDs>(); // what was deleted before is not revived
+    zqPushEdit(m_edits, nameFor(m_edits, items), {items.size(), mostAtOnce}, deletion(items, done), restoration(done));
+}
+
+void LibraryCommands::setDeleted(const QList<ZQObjectID> &items, bool isDeleted)
+{
+    if (!items.isEmpty()) {
+        zqPerformEdit(m_edits, {items.size(), mostAtOnce},
+                      isDeleted ? deletion(items, std::make_shared<IDs>()) : restoration(std::make_shared<IDs>(items)));
+    }
+}
+
+void LibraryCommands::removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem)
+{
+    const auto container = m_edits.sidebarItem(fromSidebarItem);
+    if (!container) {
+        return;
+    }
+    if (container->isTag()) {
+        ItemEdits(m_edits).changeTags(items, {}, {fromSidebarItem});
+        return;
+    }
+    const auto done = std::make_shared<QList<RemovedPlace>>();
+    zqPushEdit(m_edits, zqLocalized("remove items"), {items.size(), mostAtOnce}, removal(items, fromSidebarItem, done),
+               returnToPlaces(fromSidebarItem, done));
+}
+
+void LibraryCommands::addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex)
+{
+    const auto target = m_edits.sidebarItem(toSidebarItem);
+    if (!target || items.isEmpty()) {
+        return;
+    }
+    if (target->isTag()) {
+        ItemEdits(m_edits).changeTags(items, {toSidebarItem}, {});
+        return;
+    }
+    // Members behind the place move up, too.
+    const bool isAppended = atIndex == ZQSidebarBaseItem::appendIndex || !target->hasOrderedMembers();
+    const qint64 rows = items.size() + (isAppended ? 0 : std::max<qint64>(0, target->numberOfItems() - atIndex));
+    const auto done = std::make_shared<IDs>();
+    zqPushEdit(m_edits, zqLocalized("copy items"), {rows, mostAtOnce}, addition(items, toSidebarItem, atIndex, done),
+               removalOf(done, toSidebarItem));
+}
+
+void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex)
+{
+    const auto project = m_edits.sidebarItem(inSidebarItem);
+    if (!project || items.isEmpty()) {
+        return;
+    }
+    const QSet<ZQObjectID> moved(items.begin(), items.end());
+    const auto orders = std::make_shared<QList<NewOrder>>();
+    const auto redo = [orders, moved, inSidebarItem, toIndex](EditRun &run) {
+        const auto into = orders->isEmpty() ? sidebarItem(run.context(), inSidebarItem) : nullptr;
+        if (const auto all = into ? members(run, into->contentRequest()) : ZQFetched<ZQProjectItem>()) {
+            *orders = ordersAfterMove(*all, moved, toIndex);
+        }
+        return giveOrders(run, inSidebarItem, *orders, &NewOrder::after);
+    };
+    const auto undo = [orders, inSidebarItem](EditRun &run) {
+        return giveOrders(run, inSidebarItem, *orders, &NewOrder::before);
+    };
+    zqPushEdit(m_edits, zqLocalized("move items"), {project->numberOfItems(), mostAtOnce}, {redo, {}}, {undo, {}});
+}
+
+void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)
+{
+    if (items.isEmpty()) {
+        return;
+    }
+    const auto copies = std::make_shared<IDs>(); // all that were made; of one thread at a time
+    const auto gone = std::make_shared<IDs>();   // those of them that were taken back
+    const EditPass make{[items, copies, gone](EditRun &run) {
+                            return copies->isEmpty() ? copyItems(run, items, *copies) : restoration(gone).apply(run);
+                        },
+                        zqLocalized("Duplicating items…")};
+    const EditPass takeBack{[copies, gone](EditRun &run) { return deletion(*copies, gone).apply(run); },
+                            zqLocalized("Deleting items…")};
+    // Files are copied, however few: never at once.
+    zqPushEdit(m_edits, zqLocalized("duplicate items"), {items.size(), 0, filesPerBatch}, make, takeBack);
+}
+
+// One item, its file and its thumbnail: at once, and nothing to cancel.
+void LibraryCommands::renameItem(const ZQObjectID &item, const QString &title)
+{
+    const auto object = m_edits.libraryItem(item);
+    if (!object || title.isEmpty() || title == object->title()) {
+        return;
+    }
+    const QString before = object->title();
+    if (!object->setNewTitle(title)) {
+        return; // the reason was shown
+    }
+    m_edits.save();
+    EditContext &edits = m_edits;
+    const auto rename = [&edits, item](const QString &to) {
+        if (const auto renamed = edits.libraryItem(item); renamed && renamed->title() != to) {
+            renamed->setNewTitle(to);
+            edits.save();
+        }
+    };
+    zqPushBlocks(
+        m_edits, zqFormat(zqLocalized("rename '%@' in '%@'"), {before, title}), [rename, title] { rename(title); },
+        [rename, before] { rename(before); });
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Classes/Editing/EditContext.h"
+
+// The commands on library items, each one undo step and saved. What changes many rows, those that only move up
+// included, is done on the edit queue, with progress and cancel; undo takes back what was done by then. What
+// is there already is looked at when a command's turn comes, and what could not be read is told. Main thread.
+class LibraryCommands
+{
+public:
+    explicit LibraryCommands(EditContext &edits) : m_edits(edits) {}
+
+    void deleteItems(const QList<ZQObjectID> &items);                // soft: undo, or the next launch's purge, decides
+    void setDeleted(const QList<ZQObjectID> &items, bool isDeleted); // as a part of another undo step
+    void removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem);
+    void addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex);
+    // Manual order: the members move before the one now at `toIndex`.
+    void moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex);
+    void duplicateItems(const QList<ZQObjectID> &items);
+    void renameItem(const ZQObjectID &item, const QString &title);
+
+    // Beyond so many rows the edit queue does it.
+    static constexpr qint64 mostAtOnce = 1000;
+
+private:
+    EditContext &m_edits;
+};

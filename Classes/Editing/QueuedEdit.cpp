@@ -1,0 +1,44 @@
+#include "Classes/Editing/QueuedEdit.h"
+
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+
+#include <malloc.h>
+#include <utility>
+
+QueuedEdit::QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change)
+    : m_edits(edits), m_coordinator(edits.context.persistentStoreCoordinator()), m_size(size),
+      m_change(std::move(change))
+{
+}
+
+void QueuedEdit::begin(EditContext &edits, const QString &progressText, EditSize size,
+                       std::function<void(EditRun &)> change)
+{
+    const auto edit = std::make_shared<QueuedEdit>(edits, size, std::move(change));
+    const bool isShown = size.rows > size.perBatch || edits.isBusy();
+    if (isShown && !progressText.isEmpty()) {
+        edit->m_progress = edits.user.beginProgress(progressText, double(size.rows), [weak = edit->weak_from_this()] {
+            if (const auto waitingOrRunning = weak.lock()) {
+                waitingOrRunning->cancel();
+            }
+        });
+    }
+    edits.editQueue.addOperation(edit);
+}
+
+void QueuedEdit::main()
+{
+    {
+        ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
+        const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
+            zqOnMainThreadAndWait([&] { m_edits.context.mergeChangesFromContextDidSaveNotification(saved); });
+        });
+        EditRun run(m_edits, m_size.perBatch, context, weak_from_this(), std::move(m_progress));
+        m_change(run);
+    }
+    // What the batches freed lies in the heaps of several threads, and none gives it back by itself.
+    if (m_size.rows > m_size.perBatch) {
+        ::malloc_trim(0);
+    }
+}

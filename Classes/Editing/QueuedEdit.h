@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Classes/Editing/EditRun.h"
+#include "Kit/Operations/ZQOperation.h"
+
+// A change for the edit queue: in a context of its own, each save merged into that of whoever asked for it. Made on the
+// main thread; `change` runs on the queue's.
+class QueuedEdit : public ZQOperation
+{
+public:
+    // Puts a change of about so many rows on the queue. A person sees at once, and can cancel, one of more than a batch
+    // or one that has to wait for its turn.
+    static void begin(EditContext &edits, const QString &progressText, EditSize size,
+                      std::function<void(EditRun &)> change);
+
+    QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change);
+    void main() override;
+
+private:
+    EditContext &m_edits;
+    std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    EditSize m_size;
+    std::function<void(EditRun &)> m_change;
+    std::shared_ptr<UserProgress> m_progress; // null for none
+};

@@ -1,0 +1,413 @@
+#include "Classes/Editing/SidebarCommands.h"
+
+#include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/ItemEdits.h"
+#include "Classes/Editing/LibraryCommands.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQSidebarFolder.h"
+#include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+// Where an item hung before a step, to hang it there again.
+struct Place
+{
+    ZQObjectID item;
+    ZQObjectID father;
+    quint32 index = 0;
+};
+
+Place placeOf(const SidebarCommands::Item &item)
+{
+    Place place{item->objectID(), {}, 0};
+    if (const SidebarCommands::Item father = item->father()) {
+        place.father = father->objectID();
+        place.index = quint32(std::max<qsizetype>(0, father->orderedChildren().indexOf(item)));
+    }
+    return place;
+}
+
+void collectDescendants(const SidebarCommands::Item &item, QList<ZQObjectID> &into)
+{
+    into.append(item->objectID());
+    for (const SidebarCommands::Item &child : item->childsItems()) {
+        collectDescendants(child, into);
+    }
+}
+
+QList<ZQObjectID> idsOf(const SidebarCommands::Items &items)
+{
+    QList<ZQObjectID> ids;
+    for (const SidebarCommands::Item &item : items) {
+        ids.append(item->objectID());
+    }
+    return ids;
+}
+
+// Without those below another one.
+SidebarCommands::Items topmost(const SidebarCommands::Items &items)
+{
+    SidebarCommands::Items result;
+    for (const SidebarCommands::Item &item : items) {
+        const bool isBelow = std::any_of(items.begin(), items.end(),
+                                         [&](const auto &other) { return item->isDescendantOfItem(other.get()); });
+        if (!isBelow) {
+            result.append(item);
+        }
+    }
+    return result;
+}
+
+struct Confirmation
+{
+    const char *message;
+    const char *informativeText;
+    const char *button;
+};
+
+constexpr Confirmation deleteProject = {"Are you sure you want to delete this project?",
+                                        "The project items will still remain inside your library.", "Delete"};
+constexpr Confirmation removeLiveFolder = {"Are you sure you want to remove this Live Folder?",
+                                           "The original folders will still remain on your disk.", "Remove"};
+constexpr Confirmation deleteFolder = {
+    "Are you sure you want to delete this folder?",
+    "All the child projects will be also deleted, projects items will still remain inside your library.", "Delete"};
+constexpr Confirmation deleteSeveral = {
+    "Are you sure you want to delete these items?",
+    "All the child projects will be also deleted, projects items will still remain inside your library.", "Delete"};
+constexpr Confirmation deleteProjectContent = {"Are you sure you want to delete this project and its content?",
+                                               "All the project items will be deleted from your library.", "Delete"};
+constexpr Confirmation deleteFolderContent = {"Are you sure you want to delete this folder and its content?",
+                                              "All the child projects and their items will be also deleted.", "Delete"};
+constexpr Confirmation deleteSeveralContent = {"Are you sure you want to delete these items and their content?",
+                                               "All the child projects and their items will be also deleted.",
+                                               "Delete"};
+
+const Confirmation &confirmationFor(const SidebarCommands::Items &items, bool withContent)
+{
+    if (items.size() > 1) {
+        return withContent ? deleteSeveralContent : deleteSeveral;
+    }
+    if (withContent) {
+        return items.first()->isFolder() ? deleteFolderContent : deleteProjectContent;
+    }
+    return items.first()->isWatchedFolder() ? removeLiveFolder
+           : items.first()->isFolder()      ? deleteFolder
+                                            : deleteProject;
+}
+
+} // namespace
+
+SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
+{
+    Item father = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(m_edits.context);
+    quint32 index = ZQSidebarBaseItem::appendIndex;
+    if (onItem && !onItem->isSpecial() && !onItem->isLabel() && !onItem->isTag() && !onItem->isWatchedFolder()) {
+        if (onItem->isProject() && onItem->father()) {
+            father = onItem->father();
+            index = placeOf(onItem).index + 1;
+        } else if (onItem->isFolder()) {
+            father = onItem;
+            father->setExpanded(true);
+        }
+    }
+    if (!father) {
+        return {};
+    }
+    Item item;
+    if (kind == NewItem::Folder) {
+        item = m_edits.context.insertNewObject<ZQSidebarFolder>();
+    } else {
+        item = m_edits.context.insertNewObject<ZQSidebarProject>();
+    }
+    item->setTitle(kind == NewItem::Folder ? zqLocalized("New Folder") : zqLocalized("New Project"));
+    item->setActive(true);
+    item->setEnabled(true);
+    if (kind == NewItem::Folder) {
+        item->setSortKeys(qint16(ZQSortValue::None));
+    }
+    return addNewListItem(item, father, index);
+}
+
+SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const Item &father, quint32 order)
+{
+    father->addChild(item.get(), order);
+    m_edits.save();
+    const Place place = placeOf(item);
+    EditContext &edits = m_edits;
+    auto isFirst = std::make_shared<bool>(true);
+    zqPushBlocks(
+        m_edits, item->title(),
+        [&edits, place, isFirst] {
+            if (std::exchange(*isFirst, false)) {
+                return;
+            }
+            const Item again = edits.sidebarItem(place.item);
+            const Item above = edits.sidebarItem(place.father);
+            if (again && above) {
+                again->restoreSelf();
+                above->addChild(again.get(), place.index);
+                edits.save();
+            }
+        },
+        [&edits, place] {
+            if (const Item gone = edits.sidebarItem(place.item)) {
+                gone->removeFromFather();
+                gone->deleteSelf();
+                edits.save();
+            }
+        });
+    return item;
+}
+
+SidebarCommands::Item SidebarCommands::addNewTag()
+{
+    const QString base = zqLocalized("New Tag");
+    QString name = base;
+    for (int number = 2; ZQSidebarTag::tagWithTagName(name, m_edits.context); ++number) {
+        name = base + u' ' + QString::number(number);
+    }
+    const ZQRef<ZQSidebarTag> tag = ZQSidebarTag::addNewTagWithName(name, m_edits.context);
+    const Item father = tag ? tag->father() : Item();
+    return father ? addNewListItem(tag, father, ZQSidebarBaseItem::appendIndex) : Item();
+}
+
+bool SidebarCommands::confirm(const Items &items, bool withContent)
+{
+    if (items.first()->isTag()) {
+        UserQuestion question;
+        question.message = zqLocalized(items.size() == 1 ? "Are you sure you want to delete this tag?"
+                                                         : "Are you sure you want to delete these tags?");
+        question.buttons = {zqLocalized("Delete"), zqLocalized("Cancel")};
+        question.isDestructive = true;
+        return m_edits.user.ask(question) == 0;
+    }
+    const QString key = withContent ? QStringLiteral("removeFromSidebarAndContentAlertSuppress")
+                                    : QStringLiteral("removeFromSidebarAlertSuppress");
+    if (ZQUserDefaults::standardUserDefaults().boolForKey(key)) {
+        return true;
+    }
+    const Confirmation &texts = confirmationFor(items, withContent);
+    UserQuestion question;
+    question.message = zqLocalized(texts.message);
+    question.informativeText = zqLocalized(texts.informativeText);
+    question.buttons = {zqLocalized(texts.button), zqLocalized("Cancel")};
+    question.suppressionKey = key;
+    question.isDestructive = true;
+    return m_edits.user.ask(question) == 0;
+}
+
+bool SidebarCommands::deleteSidebarItem(const Items &items)
+{
+    const Items chosen = topmost(items);
+    if (chosen.isEmpty() || !confirm(chosen, false)) {
+        return false;
+    }
+    deleteListItems(chosen);
+    return true;
+}
+
+void SidebarCommands::deleteListItems(const Items &items)
+{
+    const QString text =
+        items.size() == 1 ? zqFormat(zqLocalized("delete %@"), {items.first()->title()}) : zqLocalized("delete items");
+    pushDeletion(text, items, {});
+}
+
+bool SidebarCommands::deleteSidebarItemAndRemoveContentFromLibrary(const Items &items)
+{
+    const Items chosen = topmost(items);
+    if (chosen.isEmpty() || !confirm(chosen, true)) {
+        return false;
+    }
+    pushDeletion(zqLocalized("delete items and content"), chosen, contentOfItems(chosen));
+    return true;
+}
+
+void SidebarCommands::pushDeletion(const QString &text, const Items &items,
+                                   const QList<ZQRef<ZQLibraryBaseItem>> &content)
+{
+    const QList<ZQObjectID> ids = idsOf(topmost(items));
+    QList<ZQObjectID> contentIDs;
+    for (const auto &item : content) {
+        if (item->active()) {
+            contentIDs.append(item->objectID());
+        }
+    }
+    struct Done
+    {
+        QList<Place> places;
+        QList<ZQObjectID> deleted;
+    };
+    auto done = std::make_shared<Done>();
+    EditContext &edits = m_edits;
+    const auto redo = [&edits, ids, contentIDs, done] {
+        *done = {};
+        LibraryCommands(edits).setDeleted(contentIDs, true);
+        for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
+            const Item item = edits.sidebarItem(*id);
+            if (!item || !item->active()) {
+                continue;
+            }
+            QList<ZQObjectID> below;
+            collectDescendants(item, below);
+            done->places.append(placeOf(item));
+            item->removeFromFather();
+            for (const ZQObjectID &each : below) {
+                if (const Item lower = edits.sidebarItem(each); lower && lower->active()) {
+                    lower->deleteSelf();
+                    done->deleted.append(each);
+                }
+            }
+        }
+        edits.save();
+    };
+    const auto undo = [&edits, contentIDs, done] {
+        for (auto id = done->deleted.rbegin(); id != done->deleted.rend(); ++id) {
+            if (const Item item = edits.sidebarItem(*id)) {
+                item->restoreSelf();
+            }
+        }
+        for (auto place = done->places.rbegin(); place != done->places.rend(); ++place) {
+            const Item item = edits.sidebarItem(place->item);
+            const Item father = edits.sidebarItem(place->father);
+            if (item && father) {
+                father->addChild(item.get(), place->index);
+            }
+        }
+        edits.save();
+        LibraryCommands(edits).setDeleted(contentIDs, false);
+    };
+    zqPushBlocks(m_edits, text, redo, undo);
+}
+
+bool SidebarCommands::validateNewTagTitle(const QString &text, const Item &forTag)
+{
+    const QString title = ZQSidebarTag::tagNameForText(text);
+    const auto other = ZQSidebarTag::tagWithTagName(title, m_edits.context);
+    const bool isTaken = other && other != forTag;
+    if (title.isEmpty() || isTaken) {
+        m_edits.user.showNotificationWithText(zqLocalized(isTaken ? "Tag already exist!" : "Tag needs a name!"), 2,
+                                              2.5);
+        return false;
+    }
+    if (title != forTag->title()) {
+        renameListItem(forTag, title);
+    }
+    return true;
+}
+
+bool SidebarCommands::validateNewTitle(const QString &title, const Item &forSidebarItem)
+{
+    if (forSidebarItem && forSidebarItem->isTag()) {
+        return validateNewTagTitle(title, forSidebarItem);
+    }
+    if (title.isEmpty()) {
+        m_edits.user.showNotificationWithText(zqLocalized("Please pick a name!"), 2, 2.5);
+        return false;
+    }
+    if (forSidebarItem && title != forSidebarItem->title()) {
+        renameListItem(forSidebarItem, title);
+    }
+    return true;
+}
+
+void SidebarCommands::renameListItem(const Item &item, const QString &title)
+{
+    const QString before = item->title();
+    const ZQObjectID id = item->objectID();
+    EditContext &edits = m_edits;
+    const auto rename = [&edits, id](const QString &to) {
+        if (const Item renamed = edits.sidebarItem(id)) {
+            renamed->setTitle(to);
+            if (renamed->isTag()) { // the files carry the name
+                ItemEdits(edits).saveAndRewriteFiles(renamed->relatedObjectIDs(QStringLiteral("taggedItems")));
+            } else {
+                edits.save();
+            }
+            ZQNotificationCenter::defaultCenter().postNotification(QStringLiteral("SidebarItemTitleDidChange"),
+                                                                   renamed.get());
+        }
+    };
+    zqPushBlocks(
+        m_edits, zqFormat(zqLocalized("rename '%@' in '%@'"), {before, title}), [rename, title] { rename(title); },
+        [rename, before] { rename(before); });
+}
+
+void SidebarCommands::moveListItems(const Items &items, const Items &onFathers, const QList<quint32> &atIndexes)
+{
+    QList<Place> targets;
+    for (qsizetype i = 0; i < std::min({items.size(), onFathers.size(), atIndexes.size()}); ++i) {
+        targets.append({items[i]->objectID(), onFathers[i]->objectID(), atIndexes[i]});
+    }
+    auto sources = std::make_shared<QList<Place>>();
+    EditContext &edits = m_edits;
+    const auto put = [&edits](const Place &place) {
+        const Item item = edits.sidebarItem(place.item);
+        const Item father = edits.sidebarItem(place.father);
+        if (item && father) {
+            item->removeFromFather();
+            father->addChild(item.get(), place.index);
+        }
+    };
+    zqPushBlocks(
+        m_edits, zqLocalized("move sidebar items"),
+        [&edits, targets, sources, put] {
+            sources->clear();
+            // All leave before the first arrives, so that the indexes mean what remains.
+            for (const Place &target : targets) {
+                if (const Item item = edits.sidebarItem(target.item)) {
+                    sources->append(placeOf(item));
+                    item->removeFromFather();
+                }
+            }
+            for (const Place &target : targets) {
+                put(target);
+            }
+            edits.save();
+        },
+        [&edits, sources, put] {
+            for (const Place &source : *sources) {
+                if (const Item item = edits.sidebarItem(source.item)) {
+                    item->removeFromFather();
+                }
+            }
+            for (auto source = sources->rbegin(); source != sources->rend(); ++source) {
+                put(*source);
+            }
+            edits.save();
+        });
+}
+
+quint32 SidebarCommands::destinationIndex(const Items &dragged, const Item &target, int index)
+{
+    const int proposed = std::max(0, index);
+    const Items children = target->orderedChildren();
+    qsizetype before = 0;
+    for (const Item &item : dragged) {
+        const qsizetype position = children.indexOf(item);
+        before += position >= 0 && position < proposed ? 1 : 0;
+    }
+    return quint32(proposed - before);
+}
+
+QList<ZQRef<ZQLibraryBaseItem>> SidebarCommands::contentOfItems(const Items &items) const
+{
+    QList<ZQRef<ZQLibraryBaseItem>> result;
+    QSet<ZQObjectID> seen;
+    for (const Item &project : ZQSidebarFolder::expandedProjects(items)) {
+        for (const auto &item : project->items()) {
+            if (!seen.contains(item->objectID())) {
+                seen.insert(item->objectID());
+                result.append(item);
+            }
+        }
+    }
+    return result;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Classes/Editing/EditContext.h"
+
+// The commands on the sidebar tree: add, delete, rename, move. Each is one undo step and is saved. Main thread.
+class SidebarCommands
+{
+public:
+    explicit SidebarCommands(EditContext &edits) : m_edits(edits) {}
+
+    using Item = ZQRef<ZQSidebarBaseItem>;
+    using Items = QList<Item>;
+
+    // Placed by the reference item: after a project, into a folder, else at the end of PROJECTS. Null when the tree is
+    // not there.
+    enum class NewItem { Project, Folder };
+    Item addNewListItem(NewItem kind, const Item &onItem);
+    Item addNewListItem(const Item &item, const Item &father, quint32 order); // inserts, saves, registers the undo
+    Item addNewTag();                                                         // a new last tag
+
+    // Ask, unless told not to; false when the person declined.
+    bool deleteSidebarItem(const Items &items);
+    bool deleteSidebarItemAndRemoveContentFromLibrary(const Items &items);
+    void deleteListItems(const Items &items);
+
+    // Whether the title can be taken; a notification says why not. A tag needs one that no other active tag has.
+    bool validateNewTitle(const QString &title, const Item &forSidebarItem);
+    void renameListItem(const Item &item, const QString &title);
+    void moveListItems(const Items &items, const Items &onFathers, const QList<quint32> &atIndexes);
+
+    // Where they land: children that leave from above the index no longer count.
+    static quint32 destinationIndex(const Items &dragged, const Item &target, int index);
+
+    // Items a folder stands for: those of the projects below it; a project's own otherwise.
+    QList<ZQRef<ZQLibraryBaseItem>> contentOfItems(const Items &items) const;
+
+private:
+    bool confirm(const Items &items, bool withContent);
+    bool validateNewTagTitle(const QString &text, const Item &forTag);
+    void pushDeletion(const QString &text, const Items &items, const QList<ZQRef<ZQLibraryBaseItem>> &content);
+
+    EditContext &m_edits;
+};

@@ -1,0 +1,345 @@
+#include "Classes/Interface/Browser/BrowserContent.h"
+
+#include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Interface/ImportDoor.h"
+#include "Classes/Interface/ItemPictures.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype mostFiles = 5000; // of a drag that another program gets
+
+bool isVector(const QString &extension)
+{
+    static const QStringList vectors = {QStringLiteral("svg"), QStringLiteral("pdf"), QStringLiteral("eps"),
+                                        QStringLiteral("ai"), QStringLiteral("sketch")};
+    return vectors.contains(extension, Qt::CaseInsensitive);
+}
+
+} // namespace
+
+BrowserContent::BrowserContent(WindowContext &window, QObject *parent)
+    : QObject(parent), m_window(window), m_tab(std::make_shared<TabState>(window)),
+      m_contentTicket(window.fetcher, ContentFetcher::Priority::Content),
+      m_typingTicket(window.fetcher, ContentFetcher::Priority::Typing)
+{
+}
+
+void BrowserContent::setTab(std::shared_ptr<TabState> tab)
+{
+    m_tab = std::move(tab);
+    m_isLoaded = false;
+    m_isAskedAnew = true;
+    reload();
+}
+
+void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
+{
+    m_tab->setSidebarSelectedItems(items);
+    setTab(m_tab);
+}
+
+void BrowserContent::setFilter(const QString &text)
+{
+    const QString before = filter();
+    m_tab->setSearchString(text);
+    if (filter() != before) {
+        m_isAskedAnew = true;
+        reload();
+    }
+}
+
+void BrowserContent::reload()
+{
+    m_contentTicket.run([this, query = m_tab->contentQuery()](ZQManagedObjectContext &context,
+                                                              const auto &isWanted) -> ContentFetcher::Ticket::Answer {
+        const auto content = ContentBuilder(query, context).content(isWanted);
+        return content ? [this, content] { take(*content); } : ContentFetcher::Ticket::Answer();
+    });
+}
+
+void BrowserContent::take(const Content &content)
+{
+    QList<qint64> starts;
+    QList<ZQGridGroup> groups;
+    qint64 count = 0;
+    for (qsizetype i = 0; i < content.rows.size(); ++i) {
+        const qsizetype size = content.rows[i].ids.size();
+        starts.append(count);
+        if (!content.titles[i].isEmpty()) {
+            groups.append({content.titles[i], size});
+        }
+        count += size;
+    }
+    // Most changes are to what items say of themselves, and leave every row in its place.
+    const bool isErrorAnew = content.error.code != m_error.code || content.error.domain != m_error.domain;
+    if (!std::exchange(m_isAskedAnew, false) && !isErrorAnew && content.rows == m_rows && groups == m_groups) {
+        return;
+    }
+    Q_EMIT aboutToChange();
+    m_error = content.error;
+    m_rows = content.rows;
+    m_starts = starts;
+    m_groups = groups;
+    m_count = count;
+    m_shown.clear();
+    if (filter().isEmpty() && m_error.isNull()) {
+        m_unfilteredCount = m_count;
+    }
+    m_isLoaded = true;
+    Q_EMIT changed();
+}
+
+void BrowserContent::dropObjects()
+{
+    m_shown.clear();
+    m_thumbnails.clear();
+}
+
+std::pair<qsizetype, qsizetype> BrowserContent::placeOfRow(qint64 index) const
+{
+    const auto section = std::upper_bound(m_starts.begin(), m_starts.end(), index) - m_starts.begin() - 1;
+    return {section, index - m_starts[section]};
+}
+
+const ZQObjectID &BrowserContent::rowID(qint64 index) const
+{
+    const auto [section, position] = placeOfRow(index);
+    return m_rows[section].ids[position];
+}
+
+const ZQObjectID &BrowserContent::itemID(qint64 index) const
+{
+    const auto [section, position] = placeOfRow(index);
+    return m_rows[section].related[position];
+}
+
+void BrowserContent::willShow(qint64 first, qint64 last)
+{
+    constexpr qsizetype kept = 2000;
+    if (m_shown.size() > kept) {
+        m_shown.clear();
+        m_thumbnails.clear();
+    }
+    QList<ZQObjectID> items;
+    for (qint64 index = first; index <= last && index < m_count; ++index) {
+        if (!m_shown.contains(index)) {
+            items.append(itemID(index));
+            m_shown.insert(index, m_window.libraryItem(items.last()));
+        }
+    }
+    m_window.context.fillFaults(items);
+}
+
+ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
+{
+    if (index < 0 || index >= m_count) {
+        return {};
+    }
+    const auto found = m_shown.constFind(index);
+    return found != m_shown.constEnd() ? *found : m_window.libraryItem(itemID(index));
+}
+
+template <class Use>
+void BrowserContent::forEachPlace(const ZQIndexSet &indexes, Use use) const
+{
+    for (const ZQIndexSet::Range &range : indexes.ranges()) {
+        for (qint64 index = range.first; index <= range.last && index < m_count;) {
+            auto [section, position] = placeOfRow(index);
+            for (; position < m_rows[section].ids.size() && index <= range.last; ++position, ++index) {
+                use(m_rows[section], position);
+            }
+        }
+    }
+}
+
+QList<ZQObjectID> BrowserContent::rowIDs(const ZQIndexSet &indexes) const
+{
+    QList<ZQObjectID> result;
+    result.reserve(indexes.count());
+    forEachPlace(indexes, [&](const ZQRelatedIDs &rows, qsizetype position) { result.append(rows.ids[position]); });
+    return result;
+}
+
+QList<ZQObjectID> BrowserContent::libraryItemIDs(const ZQIndexSet &indexes) const
+{
+    QList<ZQObjectID> result;
+    result.reserve(indexes.count());
+    forEachPlace(indexes, [&](const ZQRelatedIDs &rows, qsizetype position) {
+        if (const ZQObjectID &item = rows.related[position]; !item.isNull()) {
+            result.append(item);
+        }
+    });
+    return result;
+}
+
+ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
+{
+    const QSet<ZQObjectID> wanted(rows.begin(), rows.end());
+    ZQIndexSet result;
+    for (qint64 index = 0; index < m_count && !wanted.isEmpty(); ++index) {
+        if (wanted.contains(rowID(index))) {
+            result.insert(index);
+        }
+    }
+    return result;
+}
+
+qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
+{
+    for (qsizetype section = 0; section < m_rows.size(); ++section) {
+        if (const qsizetype position = m_rows[section].related.indexOf(item); position >= 0) {
+            return m_starts[section] + position;
+        }
+    }
+    return -1;
+}
+
+ZQGridItem BrowserContent::item(qint64 index) const
+{
+    const auto object = libraryItem(index);
+    if (!object) {
+        return {};
+    }
+    const ZQObjectID id = object->objectID();
+    auto thumbnail = m_thumbnails.constFind(id);
+    if (thumbnail == m_thumbnails.constEnd() || thumbnail->version != object->thumbVersion()) {
+        thumbnail = m_thumbnails.insert(id, ItemPictures::thumbnailOf(*object));
+    }
+    return {object->title(), object->extension(), QSize(object->pixelWidth(), object->pixelHeight()),
+            isVector(object->extension()), *thumbnail};
+}
+
+// The store looks in the background; among many items that takes longer than a key may.
+qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
+{
+    auto *self = const_cast<BrowserContent *>(this);
+    m_typingTicket.run([self, text, from, query = m_tab->contentQuery()](
+                           ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
+        const auto found = ContentBuilder(query, context).rowsWithTitleBeginning(text, isWanted);
+        if (!found) {
+            return {};
+        }
+        return [self, from, matches = QSet<ZQObjectID>(found->begin(), found->end())] {
+            for (qint64 step = 0; step < self->m_count && !matches.isEmpty(); ++step) {
+                const qint64 index = (from + step) % self->m_count;
+                if (matches.contains(self->rowID(index))) {
+                    Q_EMIT self->typingFound(index);
+                    return;
+                }
+            }
+        };
+    });
+    return -1;
+}
+
+QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
+{
+    QList<QUrl> urls;
+    QByteArray identifiers;
+    const QList<ZQObjectID> ids = libraryItemIDs(indexes);
+    const QUuid store = m_window.context.persistentStoreCoordinator()->storeUUID();
+    for (const ZQObjectID &id : ids) {
+        identifiers += id.URIRepresentation(store).toUtf8() + '\n';
+    }
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(ids.first(std::min(ids.size(), mostFiles)), m_window.context);
+    ZQLibraryBaseItem::lookForFiles(items);
+    for (const auto &item : items) {
+        if (const QString path = item->itemURL(); !path.isEmpty()) {
+            urls.append(QUrl::fromLocalFile(path));
+        }
+    }
+    auto *data = new QMimeData;
+    data->setUrls(urls);
+    data->setData(itemsMimeType, identifiers);
+    return data;
+}
+
+QList<ZQObjectID> BrowserContent::itemsOfMimeData(const QMimeData *data, WindowContext &window)
+{
+    ZQError error;
+    const auto named = window.context.objectIDsWithURIRepresentations(
+        QString::fromUtf8(data->data(itemsMimeType)).split(u'\n', Qt::SkipEmptyParts), &error);
+    if (!named) {
+        window.user.presentError(error);
+        return {};
+    }
+    QList<ZQObjectID> result = *named;
+    const ZQEntityDescription *items = window.context.model().entity(ZQLibraryBaseItem::entityName());
+    result.removeIf([items](const ZQObjectID &id) { return !id.entity->isKindOf(items); });
+    return result;
+}
+
+bool BrowserContent::dropsAtIndex(const QMimeData * /*data*/) const
+{
+    return m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual && filter().isEmpty();
+}
+
+Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*/) const
+{
+    const auto target = singleItem();
+    if (!target) {
+        return Qt::IgnoreAction;
+    }
+    if (data->hasFormat(itemsMimeType)) {
+        return dropsAtIndex(data) ? Qt::MoveAction : Qt::IgnoreAction;
+    }
+    const QStringList paths = ImportDoor::localPaths(data);
+    if (!paths.isEmpty()) {
+        return SidebarTargetRules::files(ImportDoor::filesAtPaths(paths), target.get()) ? Qt::CopyAction
+                                                                                        : Qt::IgnoreAction;
+    }
+    const bool isTarget = bool(SidebarTargetRules::content(target.get(), SidebarTargetRules::Place::Pane));
+    return isTarget && ImportDoor::carriesContent(data) ? Qt::CopyAction : Qt::IgnoreAction;
+}
+
+bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*action*/)
+{
+    const auto target = singleItem();
+    if (!target) {
+        return false;
+    }
+    const quint32 place = dropsAtIndex(data) ? quint32(index) : ZQSidebarBaseItem::appendIndex;
+    if (data->hasFormat(itemsMimeType)) {
+        LibraryCommands(m_window).moveItems(itemsOfMimeData(data, m_window), target->objectID(), place);
+        return true;
+    }
+    const QStringList paths = ImportDoor::localPaths(data);
+    if (!paths.isEmpty()) {
+        ImportDoor::importFiles(paths, target.get(), place);
+    } else {
+        ImportDoor::importPasteboard(data, target.get(), place);
+    }
+    return true;
+}
+
+QString BrowserContent::emptyText() const
+{
+    if (!m_isLoaded || m_isAskedAnew) {
+        return {};
+    }
+    if (!m_error.isNull()) {
+        return ContentFetcher::textForError(m_error);
+    }
+    if (sidebarItems().isEmpty()) {
+        return zqLocalized("Select something in the sidebar.");
+    }
+    if (!filter().isEmpty()) {
+        return zqFormat(zqLocalized("No title contains \"%@\". Press Esc in the search field to show everything."),
+                        {filter()});
+    }
+    const auto single = singleItem();
+    if (single && single->isRecent()) {
+        return zqLocalized("Nothing was added or changed in the last days.");
+    }
+    if (single && single->isFolder()) {
+        return zqLocalized("The projects of this folder are empty.");
+    }
+    return zqLocalized("Drop images here, or press Ctrl+I");
+}

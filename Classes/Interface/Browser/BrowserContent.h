@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/TabState.h"
+#include "Classes/Interface/WindowContext.h"
+#include "Kit/Widgets/ZQGridView.h"
+
+// What a browser shows of a tab: identifiers of all rows in order, objects only for those on screen.
+class BrowserContent : public QObject, public ZQGridDataSource
+{
+    Q_OBJECT
+public:
+    static inline const QString itemsMimeType = QStringLiteral("application/x-zelto-items");
+
+    explicit BrowserContent(WindowContext &window, QObject *parent = nullptr);
+
+    void setTab(std::shared_ptr<TabState> tab); // fetches
+    TabState &tab() { return *m_tab; }
+    // Change the tab and fetch.
+    void setSidebarItems(const QList<ZQObjectID> &items);
+    void setFilter(const QString &text); // titles that contain it
+    QString filter() const { return m_tab->contentQuery().filter; }
+    const QList<ZQObjectID> &sidebarItems() const { return m_tab->sidebarSelectedItems(); }
+    ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }
+    void reload();      // fetches again
+    void dropObjects(); // what is shown changed: reads it again when painted
+    // Null unless the rows could not be read; then there are none, and `emptyText` says why.
+    const ZQError &error() const { return m_error; }
+    // Whether what is shown is not yet that of the sidebar items and the filter.
+    bool isLoading() const { return m_isAskedAnew; }
+    qint64 unfilteredCount() const { return m_unfilteredCount; }
+
+    ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
+    QList<ZQObjectID> libraryItemIDs(const ZQIndexSet &indexes) const;
+    QList<ZQObjectID> rowIDs(const ZQIndexSet &indexes) const;
+    ZQIndexSet indexesOfRows(const QList<ZQObjectID> &rows) const;
+    qint64 indexOfLibraryItem(const ZQObjectID &item) const; // linear; -1 for none
+
+    qint64 count() const override { return m_count; }
+    QList<ZQGridGroup> groups() const override { return m_groups; }
+    void willShow(qint64 first, qint64 last) override;
+    ZQGridItem item(qint64 index) const override;
+    qint64 indexForTyping(const QString &text, qint64 from) const override;
+    QMimeData *mimeData(const ZQIndexSet &indexes) const override;
+    Qt::DropAction dropAction(const QMimeData *data, qint64 index) const override;
+    bool drop(const QMimeData *data, qint64 index, Qt::DropAction action) override;
+    bool dropsAtIndex(const QMimeData *data) const override;
+    QString emptyText() const override;
+
+    static QList<ZQObjectID> itemsOfMimeData(const QMimeData *data, WindowContext &window);
+
+Q_SIGNALS:
+    // What was fetched differs from what is shown. At the first the rows are still the old ones.
+    void aboutToChange();
+    void changed();
+    void typingFound(qint64 index); // what `indexForTyping` was asked for
+
+private:
+    // The place of a row: its section and how far into it.
+    std::pair<qsizetype, qsizetype> placeOfRow(qint64 index) const;
+    const ZQObjectID &rowID(qint64 index) const;
+    const ZQObjectID &itemID(qint64 index) const;
+    template <class Use>
+    void forEachPlace(const ZQIndexSet &indexes, Use use) const; // use(section, position)
+
+    void take(const Content &content);
+
+    WindowContext &m_window;
+    std::shared_ptr<TabState> m_tab;
+    QList<ZQRelatedIDs> m_rows; // one a section
+    QList<qint64> m_starts;
+    QList<ZQGridGroup> m_groups;
+    qint64 m_count = 0;
+    ZQError m_error;
+    qint64 m_unfilteredCount = 0;
+    bool m_isLoaded = false;
+    bool m_isAskedAnew = false; // what comes is announced even if it is the same
+    mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;
+    mutable QHash<ZQObjectID, ZQThumbnailRequest> m_thumbnails;
+    ContentFetcher::Ticket m_contentTicket;
+    mutable ContentFetcher::Ticket m_typingTicket;
+};

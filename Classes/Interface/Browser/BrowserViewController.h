@@ -1,0 +1,87 @@
+#pragma once
+
+#include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/WindowCommand.h"
+
+#include <QTimer>
+#include <QWidget>
+
+class DetailView;
+class QLabel;
+class QSlider;
+class QStackedWidget;
+class QToolButton;
+class ZQGridView;
+
+// The browser: a head with title and order, the grid, a status row with the zoom; and the detail view in their place.
+class BrowserViewController : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit BrowserViewController(WindowContext &window, QWidget *parent = nullptr);
+
+    void showTab(const std::shared_ptr<TabState> &tab);
+    void showSidebarItems(const QList<ZQObjectID> &items); // in the tab that is shown
+    const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
+    void setFilter(const QString &text);
+    BrowserContent &content() { return *m_content; }
+    ZQGridView &grid() { return *m_grid; }
+
+    QList<ZQObjectID> selectedItems() const; // library items; the one shown in the detail view
+    qint64 selectionCount() const;
+    ZQRef<ZQLibraryBaseItem> firstSelected() const;
+    void selectLibraryItem(const ZQObjectID &item);
+
+    void refetch();       // what the store holds changed
+    void redrawVisible(); // attributes of what is shown changed
+    void openDetail(bool quickLook);
+    void closeDetail();
+    bool isDetailOpen() const;
+    void deleteFromLibrary();
+    void removeFromProject();
+    void duplicate();
+    void rate(int stars);
+    void copyToClipboard();
+    void changeZoom(double by);
+    void savePersistentState();
+    QList<WindowCommand> commands();
+
+Q_SIGNALS:
+    void selectionChanged();
+    void contextMenuRequested(const QPoint &globalPoint);
+    void titleChanged();
+    void recoveryRequested(); // what is shown was read from a damaged store
+
+private:
+    QWidget *makeHead();
+    QWidget *makeStatus();
+    QWidget *makeRecovery();
+    QString countText() const;
+    void updateHead();
+    void updateStatus();
+    void showSortMenu();
+    void setSort(ZQSortValue value, bool ascending);
+    void didShowOther();
+    void keepZoom();
+    void showDetailAt(qint64 index);
+
+    WindowContext &m_window;
+    BrowserContent *m_content;
+    QStackedWidget *m_stack;
+    ZQGridView *m_grid;
+    DetailView *m_detail;
+    QLabel *m_title;
+    QLabel *m_count;
+    QLabel *m_sortCaption;
+    QToolButton *m_sort;
+    QToolButton *m_direction;
+    QLabel *m_status;
+    QWidget *m_recovery;
+    QSlider *m_zoom;
+    QTimer m_refetch;
+    QList<ZQObjectID> m_rowsToSelect; // across a refetch
+    bool m_selectsAll = false;
+    ZQObjectID m_itemToSelect;
+    qint64 m_indexToSelect = -1; // when what was selected is gone
+    bool m_keepsScroll = false;
+};

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Classes/Interface/Detail/DetailDocument.h"
+
+#include <QWidget>
+
+class QLabel;
+class QToolButton;
+
+// One asset, large: fitted or at any zoom, panned by dragging, on a checkerboard where it is transparent; with the
+// pages of a document and the frames of an animation.
+class DetailView : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit DetailView(QWidget *parent = nullptr);
+
+    // Shows the stand-in at once and the file when it was read in the background.
+    void showItem(const QString &title, const DetailDocument::Source &source, const QString &position);
+    void setQuickLook(bool quickLook) { m_isQuickLook = quickLook; } // Space closes it, too
+    void zoomToFit();
+    void zoomToActualSize();
+    double scale() const; // device pixels for a pixel of the picture
+    bool isLoading() const { return m_document->state() == DetailDocument::State::Loading; }
+    DetailDocument &document() { return *m_document; }
+
+Q_SIGNALS:
+    void closed();
+    void stepRequested(int step);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+
+private:
+    QRect canvas() const;
+    QSizeF naturalSize() const;
+    QRectF pictureRect() const;
+    void zoomAt(double scale, const QPointF &anchor);
+    void makeHead();
+    void paintGround(QPainter &painter, const QRectF &target) const;
+    void paintMessage(QPainter &painter) const;
+    void documentDidChange();
+    void updateButtons();
+    void updateWantedSide();
+
+    DetailDocument *m_document;
+    bool m_isQuickLook = false;
+    double m_scale = 0;        // 0: fitted
+    QPointF m_center;          // of the picture, where the canvas's middle is, in its pixels
+    bool m_showsFocus = false; // reached by Tab
+    QPoint m_pressed;
+    QLabel *m_title;
+    QLabel *m_position;
+    QWidget *m_pages; // the controls of several pages or frames
+    QLabel *m_pageNumber;
+    QToolButton *m_previousPage;
+    QToolButton *m_nextPage;
+    QToolButton *m_play;
+    QToolButton *m_fit;
+    QToolButton *m_actual;
+};

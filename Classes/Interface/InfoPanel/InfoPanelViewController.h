@@ -1,0 +1,82 @@
+#pragma once
+
+#include "Classes/Browsing/SelectionSummary.h"
+#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Interface/WindowCommand.h"
+#include "Classes/Interface/WindowContext.h"
+
+#include <QScrollArea>
+
+class BrowserViewController;
+class QAction;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QVBoxLayout;
+class RatingField;
+class TagField;
+
+// What is known of the selected items, and the fields to change it. Values that differ read "Multiple values".
+class InfoPanelViewController : public QScrollArea
+{
+    Q_OBJECT
+public:
+    InfoPanelViewController(WindowContext &window, BrowserViewController &browser, QWidget *parent = nullptr);
+    // The selection or what it holds changed. False when that has to be asked again, since the edits of many items
+    // under way change it all the while.
+    bool refresh();
+    void editTitle();
+    bool commitEditing(); // takes what was typed; false when the title cannot be taken
+
+    // Gives the items these tags: common ones no longer entered go, entered ones come, those of only some stay. True
+    // when an item changed. One undo step.
+    bool tagItems(const QList<ZQObjectID> &items, const QStringList &withTags);
+    QStringList commonTagsForItems(const QList<ZQObjectID> &items) const;
+    void rateItems(double rating);
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    class Preview;
+    QLabel *caption(const QString &text);
+    QLabel *addValue(const QString &name);
+    QLineEdit *addField(const QString &name);
+    void addRow(const QString &name, QWidget *value);
+    void addSection(const QString &text, QWidget *content, QWidget *box = nullptr);
+    void makeHead();
+    void makeRows();
+    void showNothing();
+    void showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary);
+    void showPicture(const ZQLibraryBaseItem &item, bool isOne);
+    void showTags(const SelectionSummary &summary);
+    void showColors(const ZQLibraryBaseItem &item);
+    void commitTitle();
+    void commitNotes();
+    void commitField(QLineEdit *field);
+
+    WindowContext &m_window;
+    BrowserViewController &m_browser;
+    QList<ZQObjectID> m_items;
+    SelectionSummary m_summary; // as shown
+    QWidget *m_body;
+    QLabel *m_nothing;
+    QVBoxLayout *m_column;
+    Preview *m_preview;
+    QLineEdit *m_title;
+    QLabel *m_kind;
+    RatingField *m_rating;
+    QWidget *m_colorBox;
+    QWidget *m_colors;
+    TagField *m_tags;
+    QPlainTextEdit *m_notes;
+    QGridLayout *m_rows;
+    QLabel *m_size;
+    QLabel *m_imported;
+    QLabel *m_modified;
+    QLineEdit *m_source;
+    QAction *m_openSource;
+    QLineEdit *m_license;
+    ContentFetcher::Ticket m_summaryTicket;
+};

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Interface/Sheets/Sheet.h"
+
+class QCheckBox;
+class QButtonGroup;
+class QLabel;
+class QListWidget;
+class QPushButton;
+class ZQThumbnailLoader;
+
+// A message with buttons and, when asked for, a box that keeps it from being asked again.
+class QuestionSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    QuestionSheet(QWidget *window, const UserQuestion &question);
+    int ask(); // the index of the button; keeps the suppression when the first was taken
+
+private:
+    QString m_suppressionKey;
+    QCheckBox *m_suppress = nullptr;
+};
+
+// Which of the unreadable files stay in an import.
+class UnreadableFilesSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    UnreadableFilesSheet(QWidget *window, QList<FileConflict> conflicts);
+
+    struct Answer
+    {
+        bool goesOn = false; // else the import stops
+        QList<FileConflict> conflicts;
+    };
+    Answer answer(int code) const; // to the code the sheet ended with
+
+private:
+    void updateImportButtonStatus();
+
+    QList<FileConflict> m_conflicts;
+    QListWidget *m_list;
+    QPushButton *m_continue;
+};
+
+// One duplicate after another: discard, use the one there is, or import anyway.
+class DuplicatesSheet : public Sheet
+{
+    Q_OBJECT
+public:
+    DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs);
+    using Answer = std::optional<QList<DuplicateChoice>>;
+    Answer answer(int code) const; // to the code the sheet ended with
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void done(int code) override;
+
+private:
+    class Card;
+    void showPair();
+
+    QList<DuplicatePair> m_pairs;
+    QList<DuplicateChoice> m_choices;
+    ZQThumbnailLoader *m_pictures;
+    Card *m_existing;
+    Card *m_new;
+    QButtonGroup *m_options;
+    QCheckBox *m_applyToAll;
+};

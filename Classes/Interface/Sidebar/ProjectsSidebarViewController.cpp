@@ -1,0 +1,331 @@
+#include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+
+#include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/ImportDoor.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQSwitch.h"
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QBoxLayout>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QStackedWidget>
+
+ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &window, QWidget *parent)
+    : QWidget(parent), m_window(window), m_commands(window),
+      m_switch(new ZQSwitch({zqLocalized("Projects"), zqLocalized("Tags")}, this)), m_stack(new QStackedWidget(this)),
+      m_projects(new SidebarTreeModel(window, SidebarTreeModel::Side::Projects, this)),
+      m_tags(new SidebarTreeModel(window, SidebarTreeModel::Side::Tags, this)), m_progress(new QVBoxLayout)
+{
+    setObjectName(QStringLiteral("Sidebar"));
+    setAttribute(Qt::WA_StyledBackground);
+    const bool showsBadges = ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SidebarDisplayBadges"));
+    m_projects->setShowsCounts(showsBadges);
+    m_tags->setShowsCounts(showsBadges);
+    m_stack->addWidget(makeTree(m_projects));
+    m_stack->addWidget(makeTree(m_tags));
+    auto *top = new QHBoxLayout;
+    top->setContentsMargins(12, 8, 12, 0);
+    top->addWidget(m_switch);
+    m_progress->setSpacing(0);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(top);
+    layout->addWidget(m_stack, 1);
+    layout->addLayout(m_progress);
+    connect(m_switch, &ZQSwitch::currentIndexChanged, this, [this](int side) {
+        m_stack->setCurrentIndex(side);
+        Q_EMIT selectionChanged();
+    });
+    reload();
+}
+
+SidebarTreeView *ProjectsSidebarViewController::makeTree(SidebarTreeModel *model)
+{
+    auto *view = new SidebarTreeView(this);
+    const bool isTags = model->side() == SidebarTreeModel::Side::Tags;
+    view->setAccessibleName(isTags ? zqLocalized("Tags") : zqLocalized("Projects"));
+    view->setTree(model);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    view->validateDrop = [this](const QMimeData *mime, const SidebarDropPlace &place) { return validate(mime, place); };
+    view->acceptDrop = [this](const QMimeData *mime, const SidebarDropPlace &place) { return accept(mime, place); };
+    view->makeDrag = [this, model](const QModelIndexList &indexes) {
+        QStringList uris;
+        const QUuid store = m_window.context.persistentStoreCoordinator()->storeUUID();
+        for (const QModelIndex &index : indexes) {
+            uris.append(model->item(index)->objectID().URIRepresentation(store));
+        }
+        auto *mime = new QMimeData;
+        mime->setData(SidebarTreeView::elementMimeType, uris.join(u'\n').toUtf8());
+        return mime;
+    };
+    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        if (!m_isReloading) {
+            Q_EMIT selectionChanged();
+        }
+    });
+    const auto keepExpansion = [this, model](const QModelIndex &index, bool expanded) {
+        const auto item = model->item(index);
+        if (!m_isReloading && item && item->expanded() != expanded) {
+            item->setExpanded(expanded);
+            m_window.save();
+        }
+    };
+    connect(view, &QTreeView::expanded, this,
+            [keepExpansion](const QModelIndex &index) { keepExpansion(index, true); });
+    connect(view, &QTreeView::collapsed, this,
+            [keepExpansion](const QModelIndex &index) { keepExpansion(index, false); });
+    connect(view, &QWidget::customContextMenuRequested, this, [this, view](const QPoint &point) {
+        const QModelIndex index = view->indexAt(point);
+        if (index.isValid() && (index.flags() & Qt::ItemIsSelectable) && !view->selectionModel()->isSelected(index)) {
+            view->setCurrentIndex(index);
+        }
+        showMenu(view->viewport()->mapToGlobal(point));
+    });
+    connect(model, &SidebarTreeModel::renamed, this, &ProjectsSidebarViewController::endEditing, Qt::QueuedConnection);
+    return view;
+}
+
+SidebarTreeView *ProjectsSidebarViewController::tree() const
+{
+    return static_cast<SidebarTreeView *>(m_stack->currentWidget());
+}
+
+QList<ZQObjectID> ProjectsSidebarViewController::selectedItems() const
+{
+    QList<ZQObjectID> ids;
+    for (const auto &item : selectedObjects()) {
+        ids.append(item->objectID());
+    }
+    return ids;
+}
+
+SidebarCommands::Items ProjectsSidebarViewController::selectedObjects() const
+{
+    QModelIndexList indexes = tree()->selectionModel()->selectedIndexes();
+    std::sort(indexes.begin(), indexes.end(), [this](const QModelIndex &a, const QModelIndex &b) {
+        return tree()->visualRect(a).top() < tree()->visualRect(b).top();
+    });
+    SidebarCommands::Items items;
+    for (const QModelIndex &index : indexes) {
+        if (const auto item = tree()->tree()->item(index)) {
+            items.append(item);
+        }
+    }
+    return items;
+}
+
+void ProjectsSidebarViewController::selectItems(const QList<ZQObjectID> &items)
+{
+    if (items.isEmpty()) {
+        return;
+    }
+    const bool isTag = !m_projects->indexOf(items.first()).isValid() && m_tags->indexOf(items.first()).isValid();
+    m_switch->setCurrentIndex(isTag ? 1 : 0);
+    QItemSelection selection;
+    for (const ZQObjectID &id : items) {
+        const QModelIndex index = tree()->tree()->indexOf(id);
+        if (index.isValid()) {
+            selection.select(index, index);
+        }
+    }
+    if (selection.isEmpty()) {
+        return;
+    }
+    const QModelIndex first = selection.indexes().first();
+    tree()->selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+    tree()->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    tree()->scrollTo(first);
+}
+
+void ProjectsSidebarViewController::reload()
+{
+    m_isReloading = true;
+    QList<ZQObjectID> before;
+    for (const auto *model : {m_projects, m_tags}) {
+        auto *view = static_cast<SidebarTreeView *>(m_stack->widget(model == m_tags));
+        before.clear();
+        for (const QModelIndex &index : view->selectionModel()->selectedIndexes()) {
+            before.append(model->item(index)->objectID());
+        }
+        (model == m_tags ? m_tags : m_projects)->reload();
+        restoreExpansion(view);
+        for (const ZQObjectID &id : before) {
+            if (const QModelIndex index = model->indexOf(id); index.isValid()) {
+                view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::Select);
+            }
+        }
+    }
+    m_isReloading = false;
+    if (before.size() != tree()->selectionModel()->selectedIndexes().size()) {
+        Q_EMIT selectionChanged();
+    }
+}
+
+void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view)
+{
+    const auto restore = [view](const auto &self, const QModelIndex &parent) -> void {
+        for (int row = 0; row < view->model()->rowCount(parent); ++row) {
+            const QModelIndex index = view->model()->index(row, 0, parent);
+            const auto item = view->tree()->item(index);
+            view->setExpanded(index, item->expanded() || (item->isLabel() && item->expandedIsNull()));
+            self(self, index);
+        }
+    };
+    restore(restore, {});
+}
+
+void ProjectsSidebarViewController::reloadCounts()
+{
+    m_projects->reloadCounts();
+    m_tags->reloadCounts();
+}
+
+QList<WindowCommand> ProjectsSidebarViewController::commands()
+{
+    return {{CommandID::NewProject, zqLocalized("New Project"), {Qt::CTRL | Qt::Key_N}, [this] { addNewProject(); }},
+            {CommandID::NewFolder,
+             zqLocalized("New Folder"),
+             {Qt::CTRL | Qt::SHIFT | Qt::Key_N},
+             [this] { addNewFolder(); }},
+            {CommandID::NewTag, zqLocalized("New Tag"), {}, [this] { addNewTag(); }}};
+}
+
+void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)
+{
+    m_switch->setCurrentIndex(0);
+    const auto selected = selectedObjects();
+    editTitle(m_commands.addNewListItem(kind, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
+}
+
+void ProjectsSidebarViewController::addNewTag()
+{
+    m_switch->setCurrentIndex(1);
+    editTitle(m_commands.addNewTag());
+}
+
+void ProjectsSidebarViewController::editTitle(const SidebarCommands::Item &item)
+{
+    if (!item) {
+        return;
+    }
+    reload();
+    for (auto above = item->father(); above; above = above->father()) {
+        tree()->setExpanded(tree()->tree()->indexOf(above->objectID()), true);
+    }
+    selectItems({item->objectID()});
+    tree()->setFocus();
+    tree()->edit(tree()->tree()->indexOf(item->objectID()));
+}
+
+void ProjectsSidebarViewController::endEditing(const QModelIndex &index, const QString &title)
+{
+    const auto item = tree()->tree()->item(index);
+    if (!item || m_commands.validateNewTitle(title, item) || item->isTag()) {
+        return;
+    }
+    tree()->edit(tree()->tree()->indexOf(item->objectID()));
+}
+
+// The row that takes the selection when the selected ones go: below, else above, never a label or one that goes too.
+ZQObjectID ProjectsSidebarViewController::safeNeighbour() const
+{
+    const auto gone = selectedObjects();
+    const auto isSafe = [&](const QModelIndex &index) {
+        const auto item = tree()->tree()->item(index);
+        const bool goesToo = std::any_of(gone.begin(), gone.end(), [&item](const auto &other) {
+            return item == other || item->isDescendantOfItem(other.get());
+        });
+        return !item->isLabel() && !goesToo;
+    };
+    if (gone.isEmpty()) {
+        return {};
+    }
+    const QModelIndex start = tree()->tree()->indexOf(gone.last()->objectID());
+    for (QModelIndex index = tree()->indexBelow(start); index.isValid(); index = tree()->indexBelow(index)) {
+        if (isSafe(index)) {
+            return tree()->tree()->item(index)->objectID();
+        }
+    }
+    for (QModelIndex index = tree()->indexAbove(start); index.isValid(); index = tree()->indexAbove(index)) {
+        if (isSafe(index)) {
+            return tree()->tree()->item(index)->objectID();
+        }
+    }
+    return {};
+}
+
+void ProjectsSidebarViewController::deleteItem()
+{
+    SidebarCommands::Items items;
+    for (const auto &item : selectedObjects()) {
+        if (!item->isFixed()) {
+            items.append(item);
+        }
+    }
+    const ZQObjectID neighbour = safeNeighbour();
+    if (m_commands.deleteSidebarItem(items)) {
+        selectNeighbourAfterDeletion(neighbour);
+    }
+}
+
+void ProjectsSidebarViewController::deleteItemAndContent()
+{
+    SidebarCommands::Items items;
+    for (const auto &item : selectedObjects()) {
+        if (item->isProject() || (item->isFolder() && !item->isLabel())) {
+            items.append(item);
+        }
+    }
+    const ZQObjectID neighbour = safeNeighbour();
+    if (m_commands.deleteSidebarItemAndRemoveContentFromLibrary(items)) {
+        selectNeighbourAfterDeletion(neighbour);
+    }
+}
+
+void ProjectsSidebarViewController::selectNeighbourAfterDeletion(const ZQObjectID &neighbour)
+{
+    reload();
+    selectItems({neighbour});
+}
+
+void ProjectsSidebarViewController::renameSidebarItem()
+{
+    const QModelIndex index = tree()->currentIndex();
+    if (index.isValid() && (index.flags() & Qt::ItemIsEditable)) {
+        tree()->setFocus();
+        tree()->edit(index);
+    }
+}
+
+void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
+{
+    const auto items = selectedObjects();
+    const auto first = items.isEmpty() ? SidebarCommands::Item() : items.first();
+    QMenu menu(this);
+    if (m_switch->currentIndex() == 1) {
+        menu.addAction(zqLocalized("New Tag"), this, &ProjectsSidebarViewController::addNewTag);
+    } else {
+        menu.addAction(zqLocalized("New Project"), this, &ProjectsSidebarViewController::addNewProject);
+        menu.addAction(zqLocalized("New Folder"), this, &ProjectsSidebarViewController::addNewFolder);
+    }
+    const bool canDelete = first && !first->isFixed();
+    if (canDelete) {
+        const QString name =
+            items.size() == 1 ? first->title() : zqFormat(zqLocalized("%d Items"), {int(items.size())});
+        menu.addSeparator();
+        if (items.size() == 1 && !first->isWatchedFolder()) {
+            menu.addAction(zqLocalized("Rename"), this, &ProjectsSidebarViewController::renameSidebarItem);
+        }
+        menu.addAction(zqFormat(zqLocalized("Delete %@"), {name}), this, &ProjectsSidebarViewController::deleteItem);
+        if (first->isProject() || first->isFolder()) {
+            menu.addAction(zqFormat(zqLocalized("Delete %@ and Content"), {name}), this,
+                           &ProjectsSidebarViewController::deleteItemAndContent);
+        }
+    }
+    menu.exec(globalPoint);
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Classes/Editing/SidebarCommands.h"
+#include "Classes/Interface/Sidebar/SidebarTreeView.h"
+#include "Classes/Interface/WindowCommand.h"
+
+#include <QWidget>
+
+class ZQSwitch;
+class QStackedWidget;
+class QVBoxLayout;
+
+// The sidebar: the projects and the tags behind a switch, and the lines of long work below them.
+class ProjectsSidebarViewController : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit ProjectsSidebarViewController(WindowContext &window, QWidget *parent = nullptr);
+
+    QList<ZQObjectID> selectedItems() const;          // of the side shown
+    void selectItems(const QList<ZQObjectID> &items); // turns to their side
+    void reload();
+    bool isEditing() const { return tree()->isEditing(); }
+    void reloadCounts();
+    QVBoxLayout *progressLayout() const { return m_progress; }
+    QList<WindowCommand> commands();
+
+    void addNewProject() { add(SidebarCommands::NewItem::Project); }
+    void addNewFolder() { add(SidebarCommands::NewItem::Folder); }
+    void addNewTag();
+    void deleteItem(); // the selection
+    void deleteItemAndContent();
+    void renameSidebarItem();
+
+    // What a drop of files on a place does.
+    Qt::DropAction validateFileDrop(const QStringList &paths, const SidebarDropPlace &place) const;
+    bool filesDropCanCreateProjectInSidebar(const QStringList &paths, const SidebarDropPlace &place) const;
+
+Q_SIGNALS:
+    void selectionChanged();
+
+private:
+    SidebarTreeView *tree() const;
+    SidebarTreeView *makeTree(SidebarTreeModel *model);
+    SidebarCommands::Items selectedObjects() const;
+    void add(SidebarCommands::NewItem kind);
+    void editTitle(const SidebarCommands::Item &item);
+    void endEditing(const QModelIndex &index, const QString &title);
+    void selectNeighbourAfterDeletion(const ZQObjectID &neighbour);
+    ZQObjectID safeNeighbour() const;
+    void showMenu(const QPoint &globalPoint);
+    Qt::DropAction validate(const QMimeData *data, const SidebarDropPlace &place) const;
+    bool accept(const QMimeData *data, const SidebarDropPlace &place);
+    bool acceptFiles(const QStringList &paths, const SidebarDropPlace &place);
+    void newSidebarItemFromDropFiles(const QStringList &paths, const SidebarDropPlace &place);
+    SidebarCommands::Items draggedItems(const QMimeData *data) const;
+    void restoreExpansion(SidebarTreeView *view);
+
+    WindowContext &m_window;
+    SidebarCommands m_commands;
+    ZQSwitch *m_switch;
+    QStackedWidget *m_stack;
+    SidebarTreeModel *m_projects;
+    SidebarTreeModel *m_tags;
+    QVBoxLayout *m_progress;
+    bool m_isReloading = false;
+};

@@ -1,0 +1,368 @@
+#include "Classes/Interface/Sidebar/SidebarTreeView.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQIcon.h"
+
+#include <QApplication>
+#include <QDrag>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+
+namespace {
+
+constexpr int rowMargin = 8;
+constexpr int twistyRoom = 14;
+constexpr int levelIndent = 16;
+constexpr int labelHeight = 32;
+
+int depthOf(const QModelIndex &index)
+{
+    int depth = 0;
+    for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) {
+        ++depth;
+    }
+    return depth;
+}
+
+bool isLabel(const QModelIndex &index)
+{
+    return index.data(SidebarTreeModel::LabelRole).toBool();
+}
+
+} // namespace
+
+int SidebarDelegate::titleLeft(const QRect &row, const QModelIndex &index)
+{
+    return row.left() + rowMargin + twistyRoom + levelIndent * std::max(0, depthOf(index) - 1) + ZQMeasure::iconSize +
+           8;
+}
+
+QRect SidebarDelegate::twistyRect(const QRect &row, const QModelIndex &index)
+{
+    const int x = row.left() + rowMargin + 2 + levelIndent * std::max(0, depthOf(index) - 1);
+    return {x, row.top() + (row.height() - 10) / 2, 10, 10};
+}
+
+QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem & /*option*/, const QModelIndex &index) const
+{
+    return {100, isLabel(index) ? labelHeight : ZQMeasure::rowHeight};
+}
+
+void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QRect row = option.rect;
+    const QString title = index.data().toString();
+    if (isLabel(index)) {
+        QFont font = ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::DemiBold);
+        font.setLetterSpacing(QFont::PercentageSpacing, 104);
+        painter->setFont(font);
+        painter->setPen(zqColor(ZQColorRole::TextFaint));
+        painter->drawText(row.adjusted(16, 8, -16, 0), Qt::AlignVCenter, title);
+        painter->restore();
+        return;
+    }
+    const bool selected = option.state & QStyle::State_Selected;
+    const bool isAway = index.data(SidebarTreeModel::StateRole).toBool();
+    const QRectF box = QRectF(row).adjusted(rowMargin, 0.5, -rowMargin, -0.5);
+    const bool focused = (option.state & QStyle::State_HasFocus) && option.widget && option.widget->hasFocus();
+    painter->setPen(focused ? QPen(zqColor(ZQColorRole::Accent), 1) : QPen(Qt::NoPen));
+    painter->setBrush(selected                                   ? QBrush(zqColor(ZQColorRole::Select))
+                      : (option.state & QStyle::State_MouseOver) ? QBrush(zqColor(ZQColorRole::Hover))
+                                                                 : QBrush(Qt::NoBrush));
+    painter->drawRoundedRect(box, ZQMeasure::rowRadius, ZQMeasure::rowRadius);
+    const int left = titleLeft(row, index);
+    const QColor iconColor = zqColor(isAway     ? ZQColorRole::TextFaint
+                                     : selected ? ZQColorRole::Accent
+                                                : ZQColorRole::TextMuted);
+    ZQIcon::paint(*painter,
+                  QRectF(left - ZQMeasure::iconSize - 8, row.top() + (row.height() - ZQMeasure::iconSize) / 2,
+                         ZQMeasure::iconSize, ZQMeasure::iconSize),
+                  index.data(SidebarTreeModel::IconRole).toString(), iconColor);
+    if (index.model()->rowCount(index) > 0) {
+        const auto *tree = qobject_cast<const QTreeView *>(option.widget);
+        ZQIcon::paint(*painter, twistyRect(row, index),
+                      tree && tree->isExpanded(index) ? QStringLiteral("chevron-down")
+                                                      : QStringLiteral("chevron-right"),
+                      zqColor(ZQColorRole::TextFaint));
+    }
+    painter->setFont(ZQTheme::current().font(ZQMeasure::tinyTextSize));
+    const QString badge = index.data(SidebarTreeModel::CountRole).toString();
+    const int badgeWidth = badge.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(badge) + 8;
+    painter->setPen(zqColor(selected ? ZQColorRole::TextMuted : ZQColorRole::TextFaint));
+    painter->drawText(row.adjusted(0, 0, -rowMargin - 8, 0), int(Qt::AlignVCenter | Qt::AlignRight), badge);
+    painter->setFont(ZQTheme::current().font());
+    painter->setPen(zqColor(isAway ? ZQColorRole::TextFaint : ZQColorRole::Text));
+    const QRect text(left, row.top(), row.right() - rowMargin - 8 - badgeWidth - left, row.height());
+    painter->drawText(text, Qt::AlignVCenter, painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
+    painter->restore();
+}
+
+QWidget *SidebarDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem & /*option*/,
+                                       const QModelIndex & /*index*/) const
+{
+    auto *editor = new QLineEdit(parent);
+    editor->setObjectName(QStringLiteral("InlineEditor"));
+    editor->setAccessibleName(zqLocalized("Name"));
+    return editor;
+}
+
+// The rows are refreshed while one is edited; what was typed stays.
+void SidebarDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    constexpr const char *isFilled = "zqIsFilled";
+    if (!editor->property(isFilled).toBool()) {
+        editor->setProperty(isFilled, true);
+        auto *line = static_cast<QLineEdit *>(editor);
+        line->setText(index.data(Qt::EditRole).toString());
+        line->selectAll();
+    }
+}
+
+void SidebarDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                                           const QModelIndex &index) const
+{
+    const QRect row = option.rect;
+    editor->setGeometry(titleLeft(row, index) - 5, row.top() + 2,
+                        row.right() - rowMargin - 2 - titleLeft(row, index) + 5, row.height() - 4);
+}
+
+SidebarTreeView::SidebarTreeView(QWidget *parent) : QTreeView(parent)
+{
+    setItemDelegate(new SidebarDelegate(this));
+    setHeaderHidden(true);
+    setIndentation(0);
+    setRootIsDecorated(false);
+    setItemsExpandable(true);
+    setExpandsOnDoubleClick(false);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setEditTriggers(QAbstractItemView::EditKeyPressed);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(false);
+    setMouseTracking(true);
+    setFrameShape(QFrame::NoFrame);
+    setUniformRowHeights(false);
+}
+
+void SidebarTreeView::setTree(SidebarTreeModel *model)
+{
+    setModel(model);
+    connect(model, &SidebarTreeModel::failed, viewport(), qOverload<>(&QWidget::update));
+}
+
+void SidebarTreeView::drawBranches(QPainter * /*painter*/, const QRect & /*rect*/, const QModelIndex & /*index*/) const
+{
+}
+
+void SidebarTreeView::drawRow(QPainter *painter, const QStyleOptionViewItem &options, const QModelIndex &index) const
+{
+    // The style would fill the row before the delegate draws its rounded one.
+    QStyleOptionViewItem option = options;
+    option.rect = visualRect(index);
+    option.rect.setLeft(0);
+    option.rect.setRight(viewport()->width() - 1);
+    option.widget = this;
+    option.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
+    option.state.setFlag(QStyle::State_HasFocus, hasFocus() && currentIndex() == index);
+    option.state.setFlag(QStyle::State_MouseOver,
+                         indexAt(viewport()->mapFromGlobal(QCursor::pos())) == index && viewport()->underMouse());
+    itemDelegate()->paint(painter, option, index);
+}
+
+void SidebarTreeView::paintEvent(QPaintEvent *event)
+{
+    QTreeView::paintEvent(event);
+    if (const QString text = tree()->emptyText(); !text.isEmpty()) {
+        QPainter painter(viewport());
+        painter.setPen(zqColor(ZQColorRole::TextMuted));
+        const int margin = 2 * rowMargin;
+        painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                         Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
+    }
+    if (m_dropRow.isNull() && m_dropLine.isNull()) {
+        return;
+    }
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!m_dropLine.isNull()) {
+        painter.fillRect(m_dropLine, zqColor(ZQColorRole::Accent));
+    } else {
+        painter.setPen(QPen(zqColor(ZQColorRole::Accent), 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(m_dropRow).adjusted(rowMargin + 1, 1, -rowMargin - 1, -1), ZQMeasure::rowRadius,
+                                ZQMeasure::rowRadius);
+    }
+}
+
+void SidebarTreeView::mousePressEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    m_pressedSelected = QPersistentModelIndex();
+    if (index.isValid() && event->button() == Qt::LeftButton) {
+        const bool isTwisty =
+            model()->rowCount(index) > 0 &&
+            SidebarDelegate::twistyRect(visualRect(index), index).adjusted(-4, -9, 3, 9).contains(event->pos());
+        if (isTwisty || (isLabel(index) && model()->rowCount(index) > 0)) {
+            setExpanded(index, !isExpanded(index));
+            return;
+        }
+        const bool isOnlySelected =
+            selectionModel()->isSelected(index) && selectionModel()->selectedIndexes().size() == 1;
+        if (isOnlySelected && hasFocus() && event->modifiers() == Qt::NoModifier &&
+            event->pos().x() >= SidebarDelegate::titleLeft(visualRect(index), index)) {
+            m_pressedSelected = index;
+        }
+    }
+    if (!index.isValid()) {
+        return; // a click in the void keeps what the browser shows
+    }
+    QTreeView::mousePressEvent(event);
+}
+
+void SidebarTreeView::mouseReleaseEvent(QMouseEvent *event)
+{
+    QTreeView::mouseReleaseEvent(event);
+    const QPersistentModelIndex index = std::exchange(m_pressedSelected, QPersistentModelIndex());
+    if (!index.isValid() || indexAt(event->pos()) != index || !(index.flags() & Qt::ItemIsEditable)) {
+        return;
+    }
+    QTimer::singleShot(QApplication::doubleClickInterval(), this, [this, index] {
+        if (index.isValid() && currentIndex() == index && state() == NoState) {
+            edit(index);
+        }
+    });
+}
+
+void SidebarTreeView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    m_pressedSelected = QPersistentModelIndex();
+    if (index.isValid() && model()->rowCount(index) > 0 && !isLabel(index)) {
+        setExpanded(index, !isExpanded(index));
+    }
+}
+
+void SidebarTreeView::startDrag(Qt::DropActions /*actions*/)
+{
+    QModelIndexList dragged;
+    for (const QModelIndex &index : selectionModel()->selectedIndexes()) {
+        if (index.flags() & Qt::ItemIsDragEnabled) {
+            dragged.append(index);
+        }
+    }
+    QMimeData *mime = makeDrag && !dragged.isEmpty() ? makeDrag(dragged) : nullptr;
+    if (!mime) {
+        return;
+    }
+    auto *drag = new QDrag(this);
+    drag->setMimeData(mime);
+    const QRect row = visualRect(dragged.first());
+    drag->setPixmap(viewport()->grab(row));
+    drag->setHotSpot({20, row.height() / 2});
+    drag->exec(Qt::MoveAction);
+}
+
+QList<SidebarDropPlace> SidebarTreeView::placesAt(const QPoint &point) const
+{
+    const QModelIndex index = indexAt(point);
+    if (!index.isValid()) {
+        return {{}};
+    }
+    const ZQRef<ZQSidebarBaseItem> item = tree()->item(index);
+    const SidebarDropPlace onto{item, -1};
+    const SidebarDropPlace before{tree()->item(index.parent()), index.row()};
+    const bool isOpen = isExpanded(index) && model()->rowCount(index) > 0;
+    const SidebarDropPlace after =
+        isOpen ? SidebarDropPlace{item, 0} : SidebarDropPlace{tree()->item(index.parent()), index.row() + 1};
+    const QRect row = visualRect(index);
+    const int y = point.y() - row.top();
+    if (y < row.height() / 4) {
+        return {before, onto};
+    }
+    if (y > row.height() * 3 / 4) {
+        return {after, onto};
+    }
+    return y < row.height() / 2 ? QList<SidebarDropPlace>{onto, before} : QList<SidebarDropPlace>{onto, after};
+}
+
+bool SidebarTreeView::choosePlace(const QMimeData *mime, const QPoint &point, SidebarDropPlace &place,
+                                  Qt::DropAction &action) const
+{
+    for (const SidebarDropPlace &candidate : placesAt(point)) {
+        action = validateDrop ? validateDrop(mime, candidate) : Qt::IgnoreAction;
+        if (action != Qt::IgnoreAction) {
+            place = candidate;
+            return true;
+        }
+    }
+    return false;
+}
+
+void SidebarTreeView::showPlace(const SidebarDropPlace *place)
+{
+    m_dropRow = m_dropLine = {};
+    if (place && place->target) {
+        const QModelIndex target = tree()->indexOf(place->target->objectID());
+        if (place->index < 0) {
+            m_dropRow = QRect(0, visualRect(target).top(), viewport()->width(), visualRect(target).height());
+        } else {
+            const int rows = model()->rowCount(target);
+            const QModelIndex beside = rows == 0 ? target : model()->index(std::min(place->index, rows - 1), 0, target);
+            const QRect row = visualRect(beside);
+            const int y = rows == 0 || place->index >= rows ? row.bottom() : row.top() - 1;
+            const int left = (rows == 0 ? rowMargin + twistyRoom
+                                        : SidebarDelegate::titleLeft(row, beside) - ZQMeasure::iconSize - 8);
+            m_dropLine = QRect(left, y, viewport()->width() - left - rowMargin, 2);
+        }
+    } else if (place) {
+        m_dropRow = viewport()->rect();
+    }
+    viewport()->update();
+}
+
+void SidebarTreeView::dragEnterEvent(QDragEnterEvent *event)
+{
+    dragMoveEvent(event);
+    event->accept(); // what enters over a row that refuses may go on to one that does not
+}
+
+void SidebarTreeView::dragMoveEvent(QDragMoveEvent *event)
+{
+    SidebarDropPlace place;
+    Qt::DropAction action = Qt::IgnoreAction;
+    if (choosePlace(event->mimeData(), event->position().toPoint(), place, action)) {
+        event->setDropAction(action);
+        event->accept();
+        showPlace(&place);
+    } else {
+        event->ignore();
+        showPlace(nullptr);
+    }
+}
+
+void SidebarTreeView::dragLeaveEvent(QDragLeaveEvent * /*event*/)
+{
+    showPlace(nullptr);
+}
+
+void SidebarTreeView::dropEvent(QDropEvent *event)
+{
+    SidebarDropPlace place;
+    Qt::DropAction action = Qt::IgnoreAction;
+    showPlace(nullptr);
+    if (choosePlace(event->mimeData(), event->position().toPoint(), place, action) && acceptDrop &&
+        acceptDrop(event->mimeData(), place)) {
+        event->setDropAction(action);
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}

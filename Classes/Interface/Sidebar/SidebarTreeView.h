@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Classes/Interface/Sidebar/SidebarTreeModel.h"
+
+#include <QStyledItemDelegate>
+#include <QTreeView>
+
+// Draws the rows of the sidebar: section heads, icons, titles and badges.
+class SidebarDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
+
+    static int titleLeft(const QRect &row, const QModelIndex &index);
+    static QRect twistyRect(const QRect &row, const QModelIndex &index);
+};
+
+// A place in the tree where a drag may end.
+struct SidebarDropPlace
+{
+    ZQRef<ZQSidebarBaseItem> target; // null: the empty area
+    int index = -1;                  // among the target's children; -1: onto it
+};
+
+// The tree of the sidebar with its own twisties, inline editing and drop marks. What may be dropped where, its owner
+// says.
+class SidebarTreeView : public QTreeView
+{
+    Q_OBJECT
+public:
+    static inline const QString elementMimeType = QStringLiteral("SIDEBAR_ELEMENT");
+
+    explicit SidebarTreeView(QWidget *parent = nullptr);
+    void setTree(SidebarTreeModel *model);
+    bool isEditing() const { return state() == EditingState; }
+    SidebarTreeModel *tree() const { return static_cast<SidebarTreeModel *>(model()); }
+
+    std::function<Qt::DropAction(const QMimeData *, const SidebarDropPlace &)> validateDrop;
+    std::function<bool(const QMimeData *, const SidebarDropPlace &)> acceptDrop;
+    std::function<QMimeData *(const QModelIndexList &)> makeDrag;
+
+protected:
+    void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
+    void drawRow(QPainter *painter, const QStyleOptionViewItem &options, const QModelIndex &index) const override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void startDrag(Qt::DropActions actions) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    // The places under the pointer, the likeliest first.
+    QList<SidebarDropPlace> placesAt(const QPoint &point) const;
+    bool choosePlace(const QMimeData *data, const QPoint &point, SidebarDropPlace &place, Qt::DropAction &action) const;
+    void showPlace(const SidebarDropPlace *place);
+
+    QPersistentModelIndex m_pressedSelected; // a click on it edits its title
+    QRect m_dropRow;                         // lit up
+    QRect m_dropLine;                        // insertion mark
+};

@@ -1,0 +1,66 @@
+#include "Classes/Interface/Window/MainToolbar.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQIcon.h"
+#include "Kit/Widgets/ZQTabStrip.h"
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QBoxLayout>
+#include <QLineEdit>
+#include <QToolButton>
+
+MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTabStrip(this))
+{
+    setObjectName(QStringLiteral("Toolbar"));
+    setAttribute(Qt::WA_StyledBackground);
+    setFixedHeight(ZQMeasure::toolbarHeight);
+    m_sidebarButton = makeButton(QStringLiteral("sidebar"), zqLocalized("Sidebar (Ctrl+B)"));
+    m_sidebarButton->setCheckable(true);
+    connect(m_sidebarButton, &QToolButton::clicked, this, &MainToolbar::sidebarRequested);
+    m_menuButton = makeButton(QStringLiteral("menu"), zqLocalized("Menu (F10)"));
+    m_menuButton->setPopupMode(QToolButton::InstantPopup);
+    auto *add = makeButton(QStringLiteral("plus"), zqLocalized("New Project (Ctrl+N)"));
+    connect(add, &QToolButton::clicked, this, &MainToolbar::newProjectRequested);
+    auto *import = makeButton(QStringLiteral("import"), zqLocalized("Import… (Ctrl+I)"));
+    connect(import, &QToolButton::clicked, this, &MainToolbar::importRequested);
+    m_infoButton = makeButton(QStringLiteral("info"), zqLocalized("Info Panel (Ctrl+Shift+I)"));
+    m_infoButton->setCheckable(true);
+    connect(m_infoButton, &QToolButton::clicked, this, &MainToolbar::infoPanelRequested);
+    m_search = new QLineEdit(this);
+    m_search->setObjectName(QStringLiteral("Search"));
+    m_search->setPlaceholderText(zqLocalized("Search titles"));
+    m_search->setAccessibleName(zqLocalized("Search titles"));
+    m_search->addAction(ZQIcon::icon(QStringLiteral("search")), QLineEdit::LeadingPosition);
+    m_search->setFixedSize(320, 30);
+    m_search->setClearButtonEnabled(false);
+
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(10, 0, 10, 0);
+    row->setSpacing(6);
+    row->addWidget(m_sidebarButton);
+    row->addWidget(add);
+    row->addWidget(import);
+    row->addSpacing(8);
+    row->addWidget(m_tabStrip, 1, Qt::AlignBottom);
+    row->addWidget(m_search);
+    row->addWidget(m_infoButton);
+    row->addWidget(m_menuButton);
+}
+
+QToolButton *MainToolbar::makeButton(const QString &icon, const QString &name)
+{
+    auto *made = new QToolButton(this);
+    made->setIcon(ZQIcon::icon(icon));
+    made->setIconSize({ZQMeasure::iconSize, ZQMeasure::iconSize});
+    made->setFixedSize(30, 28);
+    made->setAccessibleName(name);
+    made->setToolTip(name);
+    made->setFocusPolicy(Qt::TabFocus);
+    return made;
+}
+
+void MainToolbar::showPanes(bool isSidebarShown, bool isInfoPanelShown)
+{
+    m_sidebarButton->setChecked(isSidebarShown);
+    m_infoButton->setChecked(isInfoPanelShown);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QWidget>
+
+class QLineEdit;
+class QToolButton;
+class ZQTabStrip;
+
+// The row at the top of the window: its panes' buttons, the tabs, the search field and the menu. Main thread.
+class MainToolbar : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit MainToolbar(QWidget *parent = nullptr);
+
+    ZQTabStrip &tabStrip() { return *m_tabStrip; }
+    QLineEdit &search() { return *m_search; }
+    QToolButton &menuButton() { return *m_menuButton; }
+    void showPanes(bool isSidebarShown, bool isInfoPanelShown);
+
+Q_SIGNALS:
+    void sidebarRequested(); // shown or hidden
+    void infoPanelRequested();
+    void newProjectRequested();
+    void importRequested();
+
+private:
+    QToolButton *makeButton(const QString &icon, const QString &name);
+
+    QToolButton *m_sidebarButton;
+    QToolButton *m_infoButton;
+    QToolButton *m_menuButton;
+    ZQTabStrip *m_tabStrip;
+    QLineEdit *m_search;
+};

@@ -1,0 +1,455 @@
+#include "Classes/Interface/Window/MainWindowController.h"
+
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
+#include "Classes/Interface/Sheets/Sheet.h"
+#include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+#include "Classes/Interface/TextFields.h"
+#include "Classes/Interface/Window/FileTagReader.h"
+#include "Classes/Interface/Window/ImportActions.h"
+#include "Classes/Interface/Window/MainToolbar.h"
+#include "Classes/Interface/Window/MainWindow.h"
+#include "Classes/Interface/Window/TabsController.h"
+#include "Classes/Interface/Window/WindowCommands.h"
+#include "Classes/Interface/Window/WindowFollower.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPreviewService.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QMenu>
+#include <QSplitter>
+#include <QTimer>
+#include <QToolButton>
+#include <QUrl>
+
+namespace {
+
+ZQUserDefaults &defaults()
+{
+    return ZQUserDefaults::standardUserDefaults();
+}
+
+const QString geometryKey = QStringLiteral("MainWindowGeometry");
+const QString panesKey = QStringLiteral("MainWindowPanes");
+const QString sidebarHiddenKey = QStringLiteral("SidebarHidden");
+const QString infoHiddenKey = QStringLiteral("InfoPanelHidden");
+
+QFrame *hairline(QWidget *parent)
+{
+    auto *line = new QFrame(parent);
+    line->setObjectName(QStringLiteral("Hairline"));
+    line->setFixedHeight(1);
+    return line;
+}
+
+} // namespace
+
+MainWindowController::MainWindowController(WindowUserInteraction &user)
+    : m_user(user), m_delegate(tamberin_AppDelegate::sharedDelegate()),
+      m_fetcher(std::make_unique<ContentFetcher>(m_delegate->persistentStoreCoordinator())),
+      m_window(new WindowContext{{*m_delegate->managedObjectContext(), user, m_delegate->editQueue(),
+                                  [this] {
+                                      m_delegate->saveAction();
+                                      return true; // what could not be saved stays, and is saved with what comes
+                                  },
+                                  &m_undoStack},
+                                 *m_fetcher}),
+      m_mainWindow(std::make_unique<MainWindow>())
+{
+    ZQPreviewService::prepare();
+    m_mainWindow->setWindowTitle(QStringLiteral("Zelto"));
+    m_mainWindow->setMinimumSize(720, 480);
+    m_mainWindow->closeRequested = [this] { m_delegate->terminate(); };
+    auto *central = new QWidget(m_mainWindow.get());
+    auto *column = new QVBoxLayout(central);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    m_toolbar = new MainToolbar(m_mainWindow.get());
+    makePanes();
+    column->addWidget(m_toolbar);
+    column->addWidget(hairline(central));
+    column->addWidget(m_splitter, 1);
+    m_mainWindow->setCentralWidget(central);
+    m_imports = std::make_unique<ImportActions>(*m_window, *m_browser);
+    m_tabs = new TabsController(*m_window, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
+    m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
+    makeCommands();
+    m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
+    new FileTagReader(*m_window, *m_browser, m_mainWindow.get());
+    restoreGeometry();
+    m_tabs->restore();
+    updateCommands();
+}
+
+MainWindowController::~MainWindowController()
+{
+    cancelEdits();
+    m_window->editQueue.waitUntilAllOperationsAreFinished();
+    m_user.setPlaces({});
+    m_undoStack.disconnect(this);
+    // A window that goes still moves the focus.
+    qApp->disconnect(this);
+    QApplication::clipboard()->disconnect(this);
+    m_mainWindow.reset();
+}
+
+void MainWindowController::applyTheme()
+{
+    ZQTheme::current().setDark(defaults().boolForKey(QStringLiteral("UseDarkUI")));
+    ZQTheme::current().apply(*static_cast<QApplication *>(QCoreApplication::instance()));
+}
+
+void MainWindowController::makePanes()
+{
+    m_splitter = new QSplitter(Qt::Horizontal, m_mainWindow.get());
+    m_splitter->setHandleWidth(1);
+    m_splitter->setChildrenCollapsible(false);
+    m_sidebar = new ProjectsSidebarViewController(*m_window, m_splitter);
+    m_sidebar->setMinimumWidth(160);
+    m_browser = new BrowserViewController(*m_window, m_splitter);
+    m_browser->setMinimumWidth(320);
+    m_info = new InfoPanelViewController(*m_window, *m_browser, m_splitter);
+    m_info->setMinimumWidth(220);
+    m_info->setMaximumWidth(520);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setSizes({ZQMeasure::sidebarWidth, 900, ZQMeasure::infoPanelWidth});
+    connect(m_browser, &BrowserViewController::recoveryRequested, this,
+            [this] { m_delegate->reportDamage({m_browser->content().error().localizedDescription()}); });
+    connect(m_browser, &BrowserViewController::contextMenuRequested, this, &MainWindowController::showItemMenu);
+}
+
+void MainWindowController::makeCommands()
+{
+    m_commands = new WindowCommands(m_mainWindow.get());
+    for (const auto &contributed : {m_sidebar->commands(), m_imports->commands(), m_tabs->commands(), libraryCommands(),
+                                    editCommands(), m_browser->commands(), viewCommands(), helpCommands()}) {
+        m_commands->add(contributed);
+    }
+    m_toolbar->menuButton().setMenu(m_commands->makeMenus(&m_toolbar->menuButton()));
+    connect(m_toolbar, &MainToolbar::sidebarRequested, this, [this] { toggle(m_sidebar); });
+    connect(m_toolbar, &MainToolbar::infoPanelRequested, this, [this] { toggle(m_info); });
+    connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNewProject);
+    connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
+    connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
+    connect(m_follower, &WindowFollower::sidebarReloaded, m_tabs, &TabsController::updateTitles);
+    connect(m_browser, &BrowserViewController::selectionChanged, this, &MainWindowController::updateCommands);
+    connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateCommands);
+    connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainWindowController::updateCommands);
+    connect(qApp, &QApplication::focusChanged, this, &MainWindowController::updateCommands);
+}
+
+// Tied to the window's own places, or to what several panes share.
+
+QList<WindowCommand> MainWindowController::libraryCommands()
+{
+    return {
+        {CommandID::NewLibrary, zqLocalized("New Library…"), {}, [this] { m_delegate->newZeltoLibrary(); }},
+        {CommandID::OpenLibrary, zqLocalized("Open Library…"), {}, [this] { m_delegate->openZeltoLibrary(); }},
+        {CommandID::MoveLibrary,
+         zqLocalized("Move Library…"),
+         {},
+         [this] { QTimer::singleShot(0, m_delegate, [delegate = m_delegate] { delegate->moveZeltoLibrary(); }); }},
+        {CommandID::ShowLibraryInFiles,
+         zqLocalized("Show Library in Files"),
+         {},
+         [this] { m_delegate->revealLibraryInFinder(); }},
+        {CommandID::Quit, zqLocalized("Quit"), {Qt::CTRL | Qt::Key_Q}, [this] { m_delegate->terminate(); }},
+    };
+}
+
+QList<WindowCommand> MainWindowController::editCommands()
+{
+    const auto named = [](const QString &plain, const QString &format, const QString &step) {
+        return step.isEmpty() ? plain : zqFormat(format, {step});
+    };
+    return {
+        {CommandID::Undo,
+         zqLocalized("Undo"),
+         {Qt::CTRL | Qt::Key_Z},
+         [this] {
+             if (!TextFields::canUndo() || !TextFields::forward("undo")) {
+                 m_undoStack.undo();
+             }
+         },
+         [this] { return TextFields::haveFocus() || m_undoStack.canUndo(); },
+         {},
+         [this, named] { return named(zqLocalized("Undo"), zqLocalized("Undo %@"), m_undoStack.undoText()); }},
+        {CommandID::Redo,
+         zqLocalized("Redo"),
+         {Qt::CTRL | Qt::SHIFT | Qt::Key_Z},
+         [this] {
+             if (!TextFields::canRedo() || !TextFields::forward("redo")) {
+                 m_undoStack.redo();
+             }
+         },
+         [this] { return TextFields::haveFocus() || m_undoStack.canRedo(); },
+         {},
+         [this, named] { return named(zqLocalized("Redo"), zqLocalized("Redo %@"), m_undoStack.redoText()); }},
+        {CommandID::Rename, zqLocalized("Rename"), {Qt::Key_F2}, [this] { rename(); }},
+        {.id = CommandID::Remove,
+         .title = zqLocalized("Remove"),
+         .keys = {Qt::Key_Delete},
+         .run = [this] { deleteKey(); },
+         .isEnabled = [] { return !TextFields::haveFocus(); },
+         .yieldsToFields = true},
+    };
+}
+
+QList<WindowCommand> MainWindowController::viewCommands()
+{
+    return {
+        {CommandID::Sidebar,
+         zqLocalized("Sidebar"),
+         {Qt::CTRL | Qt::Key_B},
+         [this] { toggle(m_sidebar); },
+         {},
+         [this] { return !m_sidebar->isHidden(); }},
+        {CommandID::InfoPanel,
+         zqLocalized("Info Panel"),
+         {Qt::CTRL | Qt::SHIFT | Qt::Key_I},
+         [this] { toggle(m_info); },
+         {},
+         [this] { return !m_info->isHidden(); }},
+        {CommandID::FullScreen,
+         zqLocalized("Full Screen"),
+         {Qt::Key_F11},
+         [this] { m_mainWindow->setWindowState(m_mainWindow->windowState() ^ Qt::WindowFullScreen); }},
+        {CommandID::DarkTheme,
+         zqLocalized("Dark Theme"),
+         {},
+         [this] { toggleTheme(); },
+         {},
+         [] { return ZQTheme::current().isDark(); }},
+    };
+}
+
+QList<WindowCommand> MainWindowController::helpCommands()
+{
+    return {{CommandID::Keyboard, zqLocalized("Keyboard"), {Qt::Key_F1}, [this] { showKeys(); }},
+            {CommandID::Menu, zqLocalized("Menu"), {Qt::Key_F10}, [this] { m_toolbar->menuButton().showMenu(); }}};
+}
+
+QAction *MainWindowController::command(CommandID id) const
+{
+    return m_commands->action(id);
+}
+
+void MainWindowController::updateCommands()
+{
+    if (!m_mainWindow->property(Sheet::isShownProperty).toBool()) {
+        m_commands->update();
+    }
+}
+
+void MainWindowController::toggle(QWidget *pane)
+{
+    pane->setVisible(pane->isHidden());
+    m_toolbar->showPanes(!m_sidebar->isHidden(), !m_info->isHidden());
+    m_follower->refreshInfo();
+    updateCommands();
+}
+
+void MainWindowController::toggleTheme()
+{
+    const bool dark = !ZQTheme::current().isDark();
+    defaults().setObjectForKey(dark, QStringLiteral("UseDarkUI"));
+    ZQTheme::current().setDark(dark);
+    updateCommands();
+}
+
+void MainWindowController::rename()
+{
+    QWidget *focus = QApplication::focusWidget();
+    if (focus && m_sidebar->isAncestorOf(focus)) {
+        m_sidebar->renameSidebarItem();
+        return;
+    }
+    if (m_browser->selectionCount() == 1) {
+        if (m_info->isHidden()) {
+            toggle(m_info);
+        }
+        m_info->refresh();
+        m_info->editTitle();
+    }
+}
+
+// Del means what has the focus: a row of the sidebar, or the items in this project.
+void MainWindowController::deleteKey()
+{
+    QWidget *focus = QApplication::focusWidget();
+    if (focus && m_sidebar->isAncestorOf(focus)) {
+        m_sidebar->deleteItem();
+    } else {
+        m_browser->removeFromProject();
+    }
+}
+
+void MainWindowController::showItemMenu(const QPoint &globalPoint)
+{
+    QMenu menu(m_mainWindow.get());
+    const auto add = [&](CommandID id) { menu.addAction(command(id)); };
+    if (m_browser->selectionCount() > 0) {
+        add(CommandID::Open);
+        const QString path = m_browser->firstSelected() ? m_browser->firstSelected()->itemURL() : QString();
+        if (!path.isEmpty()) {
+            menu.addAction(zqLocalized("Open with Default Program"), this,
+                           [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); });
+            menu.addAction(zqLocalized("Show in Files"), this,
+                           [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath())); });
+        }
+        menu.addSeparator();
+        add(CommandID::Copy);
+        add(CommandID::Duplicate);
+        add(CommandID::Rename);
+        menu.addAction(m_commands->ratingMenu());
+        menu.addSeparator();
+        const auto single = m_browser->content().singleItem();
+        if (SidebarTargetRules::canRemoveItems(single.get())) {
+            menu.addAction(zqFormat(zqLocalized("Remove from %@"), {single->title()}), m_browser,
+                           &BrowserViewController::removeFromProject);
+        }
+        add(CommandID::DeleteFromLibrary);
+    } else {
+        add(CommandID::Import);
+        add(CommandID::Paste);
+        add(CommandID::SelectAll);
+    }
+    menu.exec(globalPoint);
+}
+
+void MainWindowController::showKeys()
+{
+    const QStringList lines =
+        m_commands->keyLines() +
+        QStringList{zqLocalized("Space   Quick look"), zqLocalized("Enter   Open"), zqLocalized("Esc   Back")};
+    UserQuestion question;
+    question.message = zqLocalized("Keyboard");
+    question.informativeText = lines.join(u'\n');
+    question.buttons = {zqLocalized("OK")};
+    m_user.ask(question);
+}
+
+// State.
+
+void MainWindowController::restoreGeometry()
+{
+    if (!m_mainWindow->restoreGeometry(defaults().dataForKey(geometryKey))) {
+        m_mainWindow->resize(1280, 800);
+    }
+    m_splitter->restoreState(defaults().dataForKey(panesKey));
+    m_splitter->setHandleWidth(1);
+    m_sidebar->setVisible(!defaults().boolForKey(sidebarHiddenKey));
+    m_info->setVisible(!defaults().boolForKey(infoHiddenKey));
+    m_toolbar->showPanes(!m_sidebar->isHidden(), !m_info->isHidden());
+}
+
+void MainWindowController::layOutPanes(int width, bool withInfoPanel)
+{
+    m_info->setVisible(withInfoPanel);
+    m_toolbar->showPanes(!m_sidebar->isHidden(), withInfoPanel);
+    m_splitter->setSizes({ZQMeasure::sidebarWidth, width - ZQMeasure::sidebarWidth - ZQMeasure::infoPanelWidth - 2,
+                          ZQMeasure::infoPanelWidth});
+}
+
+void MainWindowController::cancelEdits()
+{
+    m_window->editQueue.cancelAllOperations();
+}
+
+void MainWindowController::savePersistentState()
+{
+    m_info->commitEditing();
+    zqRunMainLoopUntil([this] { return !isEditing(); });
+    m_browser->savePersistentState();
+    m_tabs->save();
+    const std::pair<QString, QVariant> kept[] = {
+        {geometryKey, m_mainWindow->saveGeometry()},
+        {panesKey, m_splitter->saveState()},
+        {sidebarHiddenKey, m_sidebar->isHidden()},
+        {infoHiddenKey, m_info->isHidden()},
+    };
+    for (const auto &[key, value] : kept) {
+        defaults().setObjectForKey(value, key);
+    }
+}
+
+// The window as the application sees it.
+
+QWidget *MainWindowController::window() const
+{
+    return m_mainWindow.get();
+}
+
+void MainWindowController::showWindow()
+{
+    makeKeyAndOrderFront();
+    m_browser->grid().setFocus();
+}
+
+void MainWindowController::makeKeyAndOrderFront()
+{
+    m_mainWindow->show();
+    m_mainWindow->raise();
+    m_mainWindow->activateWindow();
+}
+
+bool MainWindowController::isMiniaturized() const
+{
+    return m_mainWindow->isMinimized();
+}
+
+void MainWindowController::deminiaturize()
+{
+    m_mainWindow->setWindowState(m_mainWindow->windowState() & ~Qt::WindowMinimized);
+}
+
+bool MainWindowController::isVisible() const
+{
+    return m_mainWindow->isVisible();
+}
+
+void MainWindowController::activateIgnoringOtherApps()
+{
+    m_mainWindow->activateWindow();
+}
+
+void MainWindowController::selectSidebarItem(const ZQObjectID &item)
+{
+    m_sidebar->selectItems({item});
+}
+
+void MainWindowController::newFileFromTemplate()
+{
+    m_user.showNotificationWithText(zqLocalized("The template was added"), 0, 2.5);
+}
+
+bool MainWindowController::commitEditing()
+{
+    return m_info->commitEditing();
+}
+
+void MainWindowController::refreshContent()
+{
+    m_follower->refreshContent();
+}
+
+void MainWindowController::updateLocalization()
+{
+    m_sidebar->reload();
+    m_tabs->updateTitles();
+}
+
+bool MainWindowController::isSettled() const
+{
+    return m_fetcher->isIdle() && !isEditing() && m_browser->grid().thumbnailLoader().pendingCount() == 0 &&
+           m_follower->isSettled();
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Interface/Window/WindowUserInteraction.h"
+#include "Classes/Interface/WindowCommand.h"
+#include "Classes/Interface/WindowContext.h"
+
+#include <QObject>
+#include <QUndoStack>
+
+#include <memory>
+
+class BrowserViewController;
+class ImportActions;
+class InfoPanelViewController;
+class MainToolbar;
+class MainWindow;
+class ProjectsSidebarViewController;
+class QAction;
+class QSplitter;
+class TabsController;
+class WindowCommands;
+class WindowFollower;
+class tamberin_AppDelegate;
+
+// The main window: toolbar and tabs over sidebar, browser and info panel. Puts the panes together and their commands
+// into menus; what happens is theirs. Main thread. Needs the application object with an open library.
+class MainWindowController : public QObject, public MainWindowControlling
+{
+    Q_OBJECT
+public:
+    explicit MainWindowController(WindowUserInteraction &user);
+    ~MainWindowController() override;
+
+    void showWindow() override;
+    void makeKeyAndOrderFront() override;
+    bool isMiniaturized() const override;
+    void deminiaturize() override;
+    bool isVisible() const override;
+    void activateIgnoringOtherApps() override;
+    void selectSidebarItem(const ZQObjectID &item) override;
+    void newFileFromTemplate() override;
+    void cancelEdits() override;
+    void savePersistentState() override;
+    bool commitEditing() override;
+    void refreshContent() override;
+    void updateLocalization() override;
+
+    // The application's theme, from the preferences. After the QApplication was made, before the first window.
+    static void applyTheme();
+
+    QWidget *window() const;
+    ProjectsSidebarViewController &sidebar() { return *m_sidebar; }
+    BrowserViewController &browser() { return *m_browser; }
+    QUndoStack &undoStack() { return m_undoStack; }
+    QAction *command(CommandID id) const;
+    bool isEditing() const { return m_window->isBusy(); } // many items are being changed
+    bool isSettled() const;                               // nothing is being fetched or read for what is shown
+    // The browser takes what the other panes, at their usual widths, leave of the window's.
+    void layOutPanes(int width, bool withInfoPanel);
+
+private:
+    void makePanes();
+    void makeCommands();
+    QList<WindowCommand> libraryCommands();
+    QList<WindowCommand> editCommands();
+    QList<WindowCommand> viewCommands();
+    QList<WindowCommand> helpCommands();
+    void updateCommands();
+    void toggle(QWidget *pane);
+    void toggleTheme();
+    void rename();
+    void deleteKey();
+    void showItemMenu(const QPoint &globalPoint);
+    void showKeys();
+    void restoreGeometry();
+
+    WindowUserInteraction &m_user;
+    tamberin_AppDelegate *m_delegate;
+    QUndoStack m_undoStack;
+    std::unique_ptr<ContentFetcher> m_fetcher;
+    std::unique_ptr<WindowContext> m_window;
+    std::unique_ptr<MainWindow> m_mainWindow;
+    std::unique_ptr<ImportActions> m_imports;
+    MainToolbar *m_toolbar = nullptr;
+    QSplitter *m_splitter = nullptr;
+    ProjectsSidebarViewController *m_sidebar = nullptr;
+    BrowserViewController *m_browser = nullptr;
+    InfoPanelViewController *m_info = nullptr;
+    TabsController *m_tabs = nullptr;
+    WindowFollower *m_follower = nullptr;
+    WindowCommands *m_commands = nullptr;
+};

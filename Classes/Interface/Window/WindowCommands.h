@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Classes/Interface/WindowCommand.h"
+
+#include <QHash>
+#include <QObject>
+
+#include <vector>
+
+class QAction;
+class QMenu;
+
+// The commands of one window as actions, their menus, and what is enabled and checked among them. Main thread.
+class WindowCommands : public QObject
+{
+    Q_OBJECT
+public:
+    explicit WindowCommands(QWidget *window);
+
+    void add(const QList<WindowCommand> &commands);
+    QAction *action(CommandID id) const; // null for none
+    QAction *ratingMenu() const { return m_rating; }
+
+    // Once all commands are there.
+    QMenu *makeMenus(QWidget *parent);
+    void update(); // asks every command how it is now
+    QStringList keyLines() const; // "Ctrl+N   New Project", as the menus have them
+
+private:
+    QMenu *makeRatingMenu(QWidget *parent);
+
+    QWidget *m_window;
+    std::vector<WindowCommand> m_commands;
+    QHash<CommandID, QAction *> m_actions;
+    QMenu *m_menus = nullptr;
+    QAction *m_rating = nullptr;
+};

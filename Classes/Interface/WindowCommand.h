@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QKeySequence>
+#include <QList>
+#include <QString>
+
+#include <functional>
+
+class QWidget;
+
+// What the commands of a window are known by. Where each is found in the menus: `WindowCommands`.
+enum class CommandID {
+    NewProject,
+    NewFolder,
+    NewTag,
+    Import,
+    NewTab,
+    CloseTab,
+    ReopenClosedTab,
+    NextTab,
+    PreviousTab,
+    SelectTab1, // to 9, one after the other
+    SelectTab9 = SelectTab1 + 8,
+    NewLibrary,
+    OpenLibrary,
+    MoveLibrary,
+    ShowLibraryInFiles,
+    Quit,
+    Undo,
+    Redo,
+    Copy,
+    Paste,
+    SelectAll,
+    Rename,
+    Duplicate,
+    Remove,
+    DeleteFromLibrary,
+    Rate0, // to 5, one after the other
+    Rate5 = Rate0 + 5,
+    Find,
+    Sidebar,
+    InfoPanel,
+    LargerThumbnails,
+    SmallerThumbnails,
+    QuickLook,
+    Open,
+    FullScreen,
+    DarkTheme,
+    Keyboard,
+    Menu,
+};
+
+// One command of a window, contributed by the pane that does it.
+struct WindowCommand
+{
+    CommandID id;
+    QString title; // localised
+    QList<QKeySequence> keys;
+    std::function<void()> run;
+    std::function<bool()> isEnabled = {};   // null: always
+    std::function<bool()> isChecked = {};   // null: nothing to check
+    std::function<QString()> shown = {};    // the title at the moment; null: always the same
+    QWidget *keysIn = nullptr;              // the keys count only while this has the focus; null: in the window
+    bool yieldsToFields = false;            // a text field takes the keys for itself
+};

@@ -1,0 +1,13 @@
+#include "Models/DataModel/_ZQEntities.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    const QCoreApplication application(argc, argv);
+    zqRegisterEntities();
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,145 @@
+#include "Classes/Interface/Browser/BrowserContent.h"
+#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
+
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QtTest/QTest>
+
+class ShownContentTest : public WindowFixture
+{
+protected:
+    ShownContentTest() : project(addProject(QStringLiteral("Project")))
+    {
+        for (const char *name : {"a", "b", "c", "d"}) {
+            const auto image = library.addImage(QLatin1StringView(name));
+            images.append(image);
+            project->addItem(image.get());
+        }
+        library.context().save();
+    }
+    void settle()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return fetcher.isIdle(); }, 10000));
+    }
+    QStringList shown(BrowserContent &content) const
+    {
+        QStringList result;
+        content.willShow(0, content.count() - 1);
+        for (qint64 i = 0; i < content.count(); ++i) {
+            result.append(content.item(i).title);
+        }
+        return result;
+    }
+    void rename(const char *from, const char *to)
+    {
+        const auto connection = library.coordinator()->newConnection();
+        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                            .arg(QLatin1String(from), QLatin1String(to))));
+    }
+
+    Item project;
+    QList<ZQRef<ZQLibraryImage>> images;
+};
+
+TEST_F(ShownContentTest, ADragCarriesEveryItemAndIsReadInOneGo)
+{
+    constexpr int many = 5200; // more than another program gets files of
+    for (int i = 0; i < many; ++i) {
+        library.context().insertNewObject<ZQLibraryImage>();
+    }
+    library.context().save();
+    const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
+    BrowserContent content(window);
+    content.setSidebarItems({everything->objectID()});
+    settle();
+    ZQIndexSet all;
+    all.insert(0, content.count() - 1);
+    const ZQSQLiteConnection *connection = ZQObjectAccess::connection(library.context());
+    int before = connection->preparedUses();
+    std::unique_ptr<QMimeData> data(content.mimeData(all));
+    EXPECT_LE(connection->preparedUses() - before, 12) << "batches of 500";
+    before = connection->preparedUses();
+    const QList<ZQObjectID> dropped = BrowserContent::itemsOfMimeData(data.get(), window);
+    EXPECT_EQ(connection->preparedUses() - before, 1);
+    EXPECT_EQ(QSet<ZQObjectID>(dropped.begin(), dropped.end()).size(), many + images.size());
+    const QByteArray foreign = project->UUID().toUtf8() + "\nx-zelto://nothing/ZQLibraryImage/p1\nx\n";
+    rename("ZQLibraryBaseItem", "away");
+    EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
+    EXPECT_EQ(user.errors.size(), 1) << "not as if nothing had been dragged";
+    rename("away", "ZQLibraryBaseItem");
+    data->setData(BrowserContent::itemsMimeType, foreign);
+    EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
+}
+
+TEST_F(ShownContentTest, TheBrowserShowsWhatTheSidebarItemHolds)
+{
+    BrowserContent content(window);
+    content.setSidebarItems({project->objectID()});
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"a", "b", "c", "d"}));
+    EXPECT_TRUE(content.groups().isEmpty());
+    EXPECT_TRUE(content.tab().browserCanManuallySort());
+
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item first = addProject(QStringLiteral("One"), folder);
+    const Item second = addProject(QStringLiteral("Two"), folder);
+    addProject(QStringLiteral("Empty"), folder);
+    first->addItem(images[2].get());
+    second->addItem(images[0].get());
+    library.context().save();
+    content.setSidebarItems({folder->objectID()});
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"c", "a"}));
+    ASSERT_EQ(content.groups().size(), 2) << "an empty project has no group";
+    EXPECT_EQ(content.groups()[1].title, QStringLiteral("Two"));
+
+    const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
+    everything->setSortKeys(2);
+    everything->setSortDirection(true);
+    library.context().save();
+    content.setSidebarItems({everything->objectID()});
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"a", "b", "c", "d"}));
+    everything->setSortDirection(false);
+    images[1]->deleteSelf();
+    library.context().save();
+    content.reload();
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"d", "c", "a"}));
+    QSignalSpy found(&content, &BrowserContent::typingFound);
+    content.indexForTyping(QStringLiteral("A"), 0);
+    settle();
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found[0][0].toLongLong(), 2);
+}
+
+TEST_F(ShownContentTest, TheFilterKeepsTitlesThatContainIt)
+{
+    images[0]->setTitle(QStringLiteral("Été"));
+    images[1]->setTitle(QStringLiteral("winter ete"));
+    library.context().save();
+    BrowserContent content(window);
+    content.setSidebarItems({project->objectID()});
+    content.setFilter(QStringLiteral("ete"));
+    settle();
+    EXPECT_EQ(shown(content), (QStringList{"Été", "winter ete"}));
+    content.setFilter(QStringLiteral("nothing like it"));
+    settle();
+    EXPECT_EQ(content.count(), 0);
+    EXPECT_TRUE(content.emptyText().contains(QStringLiteral("nothing like it")));
+    content.setFilter(QString());
+    settle();
+    EXPECT_EQ(content.count(), 4);
+}
+
+TEST_F(ShownContentTest, AQuickSuccessionOfRequestsEndsWithTheLastOne)
+{
+    BrowserContent content(window);
+    for (const char *text : {"a", "b", "c"}) {
+        content.setFilter(QLatin1StringView(text));
+        content.setSidebarItems({project->objectID()});
+    }
+    settle();
+    EXPECT_EQ(shown(content), QStringList{"c"});
+}
