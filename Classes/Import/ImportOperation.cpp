@@ -1,9 +1,10 @@
 #include "Classes/Import/ImportOperation.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportConflictResolver.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ImportOwner.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -14,22 +15,18 @@
 
 #include <algorithm>
 
-ImportOperation::ImportOperation(const QStringList &itemsToImport, const ZQObjectID &rootSidebarItem, quint32 index,
-                                 const QVariantMap &metadata)
-    : m_itemsToImport(itemsToImport), m_rootSidebarItem(rootSidebarItem), m_index(index), m_originalDropIndex(index),
-      m_metadata(metadata), m_settings(ImportSettings::current()),
+ImportOperation::ImportOperation(const BatchRequest &request, ImportOwner &owner)
+    : m_owner(owner), m_itemsToImport(request.paths), m_rootSidebarItem(request.target), m_index(request.index),
+      m_originalDropIndex(request.index), m_metadata(request.metadata), m_settings(ImportSettings::current()),
       m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
-      m_userInteraction(tamberin_AppDelegate::sharedDelegate()->userInteraction())
+      m_userInteraction(tamberin_AppDelegate::sharedDelegate()->userInteraction()), m_origin(request.origin)
 {
+    if (m_origin) {
+        m_report.setOrigin(m_origin->root, m_origin->archivePath);
+    }
 }
 
 ImportOperation::~ImportOperation() = default;
-
-void ImportOperation::setOrigin(const UnfoldedArchive &archive)
-{
-    m_origin = archive;
-    m_report.setOrigin(archive.root, archive.archivePath);
-}
 
 bool ImportOperation::isWhollyFinished() const
 {
@@ -72,8 +69,8 @@ bool ImportOperation::setUp()
             m_importOperationQueue->cancelAllOperations();
         }
     });
-    m_mainThreadSaveObserver = m_moc->observeDidSave([](const ZQContextDidSave &notification) {
-        zqOnMainThreadAndWait([&notification] { AImportManager::sharedAImportManager().mergeChanges(notification); });
+    m_mainThreadSaveObserver = m_moc->observeDidSave([this](const ZQContextDidSave &notification) {
+        zqOnMainThreadAndWait([this, &notification] { m_owner.mergeChanges(notification); });
     });
     return !isCancelled();
 }
@@ -125,7 +122,7 @@ DroppedFile ImportOperation::unsupportedFile(const QString &path)
 
 QStringList ImportOperation::supportedFiles()
 {
-    if (m_origin && !AImportManager::fileAtPathIsSupported(m_origin->folder)) {
+    if (m_origin && !ImportQueries::fileAtPathIsSupported(m_origin->folder)) {
         m_requestedFiles =
             filesBelowDirectory(m_origin->folder); // they stand for the archive, which was asked for as a file
         return remaining(m_requestedFiles);
@@ -133,8 +130,8 @@ QStringList ImportOperation::supportedFiles()
     QStringList files;
     const QStringList paths = remaining(m_itemsToImport);
     for (const QString &path : paths) {
-        if (AImportManager::fileAtPathIsSupported(path)) {
-            if (AImportManager::fileAtPathIsArchive(path)) {
+        if (ImportQueries::fileAtPathIsSupported(path)) {
+            if (ImportQueries::fileAtPathIsArchive(path)) {
                 m_hasArchives = true;
                 m_foldersAndArchivesPathOrdered.append(path);
             }

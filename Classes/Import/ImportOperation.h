@@ -2,6 +2,7 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Import/BaseImportOperation.h"
+#include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/PendingImport.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -21,6 +22,8 @@
 #include <optional>
 #include <vector>
 
+class ImportOwner;
+
 // One import request: sorts paths into folders and files, has each file copied and read on an inner queue, makes
 // library items of the results in a context of its own, puts them where they belong and saves.
 //
@@ -32,12 +35,9 @@ public:
     static inline const QString sidebarItemDidAddItem = QStringLiteral("SidebarItemDidAddItem"); // userInfo "objectID"
     static constexpr quint32 appendIndex = ZQSidebarBaseItem::appendIndex;
 
-    ImportOperation(const QStringList &itemsToImport, const ZQObjectID &rootSidebarItem, quint32 index,
-                    const QVariantMap &metadata);
+    ImportOperation(const BatchRequest &request, ImportOwner &owner);
     ~ImportOperation() override;
 
-    // Before the start: the request is what came out of this archive.
-    void setOrigin(const UnfoldedArchive &archive);
     // Before the start: where the request is kept until it ends. Resumed: go on with what it did not save.
     void setPendingImport(std::shared_ptr<PendingImportFile> file, bool isResumed);
     // Before the start: the archive asked for is unpacked again, and this request of what it held goes on with that.
@@ -181,6 +181,7 @@ private:
     void dropAll(const QStringList &paths, const QString &reason,
                  DroppedFile::Telling telling = DroppedFile::Telling::InWindow);
 
+    ImportOwner &m_owner;
     QStringList m_itemsToImport;
     const ZQObjectID m_rootSidebarItem;
     quint32 m_index;

@@ -1,5 +1,6 @@
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportOwner.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -56,7 +57,7 @@ bool mayRemoveRecordedSource(const QString &path, const QString &itemFile)
     const QString library = QFileInfo(ZQLibraryEnvironment::current().libraryDirectory()).canonicalFilePath();
     const QString copy = QFileInfo(itemFile).canonicalFilePath();
     if (!isRegularFile(path) || QFileInfo(path).canonicalFilePath() != path ||
-        !AImportManager::fileIsInsideTemporaryDirectory(path)) {
+        !ImportQueries::fileIsInsideTemporaryDirectory(path)) {
         return false;
     }
     if (library.isEmpty() || !isRegularFile(itemFile) || !copy.startsWith(library + u'/') || copy == path) {
@@ -135,9 +136,12 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
                      DroppedFile::Telling::Quietly});
         return;
     }
-    AImportManager &manager = AImportManager::sharedAImportManager();
-    const auto followUp = m_requestOfArchive ? manager.resumeImportOfArchive(archive, m_requestOfArchive)
-                                             : manager.startImportOfArchive(archive, indexForArchive(archive));
+    const auto followUp = m_requestOfArchive ? m_owner.resumeImportOfArchive(archive, m_requestOfArchive)
+                                             : m_owner.startImport({.paths = {archive.folder},
+                                                                    .target = archive.sidebarItem,
+                                                                    .index = indexForArchive(archive),
+                                                                    .metadata = archive.metadata,
+                                                                    .origin = archive});
     if (followUp) {
         const PendingImportFile::Source handedOver{
             .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};

@@ -1,5 +1,5 @@
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSortDescriptor.h"
@@ -40,8 +40,8 @@ void addEntry(const QString &path, DirectoryContent &content)
     if (info.isSymLink()) {
         content.dropped.append(
             {path, zqLocalized("It is a link. Import what it leads to."), DroppedFile::Telling::Quietly});
-    } else if (AImportManager::fileAtPathIsSupported(path)) {
-        (AImportManager::fileAtPathIsArchive(path) ? content.archives : content.files).append(path);
+    } else if (ImportQueries::fileAtPathIsSupported(path)) {
+        (ImportQueries::fileAtPathIsArchive(path) ? content.archives : content.files).append(path);
     } else if (info.isDir()) {
         content.subfolders.append(path);
     } else {
@@ -107,12 +107,12 @@ void ImportOperation::importStructured(ZQSidebarBaseItem &target)
     QStringList files;
     const QStringList paths = remaining(m_itemsToImport);
     for (const QString &path : paths) {
-        if (!AImportManager::fileAtPathIsSupported(path) && QFileInfo(path).isDir()) {
+        if (!ImportQueries::fileAtPathIsSupported(path) && QFileInfo(path).isDir()) {
             folders.append(path);
             m_foldersAndArchivesPathOrdered.append(path);
-        } else if (!AImportManager::fileAtPathIsSupported(path)) {
+        } else if (!ImportQueries::fileAtPathIsSupported(path)) {
             fileDidDrop(unsupportedFile(path));
-        } else if (AImportManager::fileAtPathIsArchive(path)) {
+        } else if (ImportQueries::fileAtPathIsArchive(path)) {
             archives.append(path);
             m_foldersAndArchivesPathOrdered.append(path);
         } else {

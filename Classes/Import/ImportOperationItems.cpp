@@ -1,5 +1,5 @@
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -37,7 +37,7 @@ void ImportOperation::importFiles(const Group &group)
 {
     const bool isLarge = m_requestedFiles.size() > largeBatch;
     const qsizetype size = isLarge ? chunkSize : std::max<qsizetype>(group.files.size(), 1);
-    const bool holdsArchives = AImportManager::fileAtPathIsArchive(group.files.value(0));
+    const bool holdsArchives = ImportQueries::fileAtPathIsArchive(group.files.value(0));
     m_isProcessed = m_isProcessed && holdsArchives; // their own requests tell what they gave
 
     Place place{.project = group.project, .position = m_index, .isExplicit = m_index != appendIndex};

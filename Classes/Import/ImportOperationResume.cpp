@@ -1,7 +1,7 @@
 // Going on with a batch that was cut off: what it saved is its own again, and the rest is imported.
 
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportOwner.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -218,7 +218,7 @@ void ImportOperation::endPendingImport(bool wasCancelled)
         return;
     }
     const bool isKept = !m_postponement.isEmpty() || (m_isResumed && (!m_outOfReach.isEmpty() || !refusal().isEmpty()));
-    const bool isPutOff = wasCancelled && AImportManager::sharedAImportManager().keepsCancelledImports();
+    const bool isPutOff = wasCancelled && m_owner.keepsCancelledImports();
     m_isRequestKept = isPutOff || (!wasCancelled && isKept);
     ZQError error;
     if (isPutOff) {
@@ -267,7 +267,7 @@ void ImportOperation::keepPendingImport()
 
 void ImportOperation::endRequestOfArchive(bool wasCancelled)
 {
-    if (m_requestOfArchive && wasCancelled && !AImportManager::sharedAImportManager().keepsCancelledImports()) {
+    if (m_requestOfArchive && wasCancelled && !m_owner.keepsCancelledImports()) {
         m_requestOfArchive->remove();
     } else if (m_requestOfArchive && !wasCancelled && m_followUps.isEmpty()) {
         m_report.setUnfinished();

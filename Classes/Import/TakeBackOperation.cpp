@@ -2,8 +2,9 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ImportOwner.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -59,8 +60,9 @@ ImportSettings settingsForTakingBack()
 
 } // namespace
 
-TakeBackOperation::TakeBackOperation(const QStringList &names)
-    : m_names(names), m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
+TakeBackOperation::TakeBackOperation(const QStringList &names, ImportOwner &owner)
+    : m_names(names), m_owner(owner),
+      m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
       m_userInteraction(tamberin_AppDelegate::sharedDelegate()->userInteraction())
 {
 }
@@ -74,7 +76,7 @@ QString TakeBackOperation::assetInDirectory(const QString &directory)
         const bool canBeItems = kind && kind->importer != Importer::Archive && kind->importer != Importer::Snap;
         if (canBeItems && !isThumbnail(entry, entries) &&
             entry.fileName() != ZQLibraryBaseItem::representationBitmapName &&
-            AImportManager::fileAtPathIsSupported(entry.filePath())) {
+            ImportQueries::fileAtPathIsSupported(entry.filePath())) {
             return entry.filePath();
         }
     }
@@ -88,8 +90,8 @@ void TakeBackOperation::main()
         return;
     }
     m_moc = std::make_unique<ZQManagedObjectContext>(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
-    const auto merging = m_moc->observeDidSave([](const ZQContextDidSave &notification) {
-        zqOnMainThreadAndWait([&notification] { AImportManager::sharedAImportManager().mergeChanges(notification); });
+    const auto merging = m_moc->observeDidSave([this](const ZQContextDidSave &notification) {
+        zqOnMainThreadAndWait([this, &notification] { m_owner.mergeChanges(notification); });
     });
     const std::weak_ptr<ZQOperation> operation = weak_from_this();
     m_progress = m_userInteraction.beginProgress(zqLocalized("Taking files of the library back…"),

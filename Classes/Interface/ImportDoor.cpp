@@ -1,6 +1,7 @@
 #include "Classes/Interface/ImportDoor.h"
 
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
@@ -22,17 +23,17 @@ QStringList localPaths(const QMimeData *data)
 
 bool areFilesValid(const QStringList &paths, ZQSidebarBaseItem *forSidebarItem)
 {
-    return AImportManager::areFilesAtPaths(paths, forSidebarItem);
+    return ImportQueries::areFilesAtPaths(paths, forSidebarItem);
 }
 
 bool anySupported(const QStringList &paths)
 {
-    return AImportManager::filesAtPathsContainsValidItems(paths);
+    return ImportQueries::filesAtPathsContainsValidItems(paths);
 }
 
 bool anyDirectory(const QStringList &paths)
 {
-    return AImportManager::filesAtPathsContainsDirectory(paths);
+    return ImportQueries::filesAtPathsContainsDirectory(paths);
 }
 
 bool carriesContent(const QMimeData *data)
@@ -42,7 +43,7 @@ bool carriesContent(const QMimeData *data)
 
 QStringList openPanelExtensions()
 {
-    return AImportManager::supportedTypeForOpenPanel();
+    return ImportQueries::supportedTypeForOpenPanel();
 }
 
 void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIndex)
