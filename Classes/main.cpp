@@ -10,6 +10,7 @@
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Interface/MainWindowController.h"
 #include "Classes/Interface/WindowUserInteraction.h"
+#include "Classes/LiveFolders/LiveFolderManager.h"
 #include "Classes/Services/CrashReporter.h"
 #include "Classes/Services/InstanceServer.h"
 #include "Classes/Services/SoftwareUpdater.h"
@@ -221,9 +222,11 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     SoftwareUpdater updater;
     CrashReporter crashReporter;
     CloudMenuViewController cloudMenu;
+    LiveFolderManager liveFolders;
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;
     parts.cloudMenuViewController = &cloudMenu;

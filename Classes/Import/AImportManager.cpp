@@ -70,9 +70,7 @@ AImportManager &AImportManager::sharedAImportManager()
     return manager;
 }
 
-AImportManager::AImportManager()
-    : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_syncOperationQueue(QStringLiteral("Live folders"), 1),
-      m_liveFolderManager(m_syncOperationQueue), m_pendingImports(*this)
+AImportManager::AImportManager() : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_pendingImports(*this)
 {
     ZQPreviewService::setUnconfinedHandler(tellThatDrawingIsUnconfined);
 }
@@ -309,9 +307,4 @@ bool AImportManager::libraryOnPath(const QString &volumePath) const
     const QString volume = QDir::cleanPath(volumePath);
     const QString library = application().libraryBundleDirectory();
     return !library.isEmpty() && (library == volume || volume == u"/" || library.startsWith(volume + u'/'));
-}
-
-void AImportManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
-{
-    m_liveFolderManager.syncWatchedFolders({folder}, true, force);
 }

@@ -3,7 +3,6 @@
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportOwner.h"
-#include "Classes/Import/LiveFolderManager.h"
 #include "Classes/Import/PendingImports.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -63,7 +62,6 @@ public:
 
     ZQOperationQueue &importOperationQueue(); // the application's background queue
     ZQOperationQueue &thumbsGenerationQueue() { return m_thumbsGenerationQueue; }
-    ZQOperationQueue &syncOperationQueue() override { return m_syncOperationQueue; }
 
     void mergeChanges(const ZQContextDidSave &notification) override;
     // The active tags of each title become one.
@@ -77,19 +75,10 @@ public:
     // Whether the library lies on this volume.
     bool libraryOnPath(const QString &volumePath) const;
 
-    // Live folders.
-    void getLiveFolderPermissionFromSandbox() override { m_liveFolderManager.getLiveFolderPermissionFromSandbox(); }
-    void startObservingWatchedFolders() override { m_liveFolderManager.startObservingWatchedFolders(); }
-    void stopObservingWatchedFolders() override { m_liveFolderManager.stopObservingWatchedFolders(); }
-    void syncRootWatchedFolders() override { m_liveFolderManager.syncRootWatchedFolders(false); }
-    void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
-
 private:
     AImportManager();
     void announceQueued(const QStringList &paths);
 
     ZQOperationQueue m_thumbsGenerationQueue;
-    ZQOperationQueue m_syncOperationQueue;
-    LiveFolderManager m_liveFolderManager;
     PendingImports m_pendingImports;
 };
