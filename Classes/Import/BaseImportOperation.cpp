@@ -1,13 +1,10 @@
 #include "Classes/Import/BaseImportOperation.h"
 
 #include "Classes/Application/LibraryBundleManager.h"
-#include "Classes/Import/ArchiveImportOperation.h"
 #include "Classes/Import/ColorFinder.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
-#include "Classes/Import/KindImportOperations.h"
-#include "Classes/Import/LittleSnapperSnapImportOperation.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
@@ -59,35 +56,6 @@ ImportSettings ImportSettings::current()
         .smallTagSize = integer("SmallTagSize"),
         .mediumTagSize = integer("MediumTagSize"),
     };
-}
-
-std::shared_ptr<BaseImportOperation> BaseImportOperation::importOperationForFilePath(const QString &path)
-{
-    const ImportKind *kind = importKindForPath(path);
-    if (!kind || !ImportQueries::fileAtPathIsSupported(path)) {
-        return nullptr;
-    }
-    switch (kind->importer) {
-    case Importer::Image:
-        return std::make_shared<ImageImportOperation>(path);
-    case Importer::QuickLook:
-        return std::make_shared<QuickLookImportOperation>(path);
-    case Importer::Acorn:
-        return std::make_shared<AcornImportOperation>(path);
-    case Importer::Sketch:
-        return std::make_shared<SketchImportOperation>(path);
-    case Importer::SVG:
-        return std::make_shared<SVGImportOperation>(path);
-    case Importer::PDF:
-        return std::make_shared<PDFImportOperation>(path);
-    case Importer::Snap:
-        return std::make_shared<LittleSnapperSnapImportOperation>(path);
-    case Importer::Archive:
-        return std::make_shared<ArchiveImportOperation>(path);
-    case Importer::EPS:
-        return std::make_shared<EPSImportOperation>(path);
-    }
-    return nullptr;
 }
 
 BaseImportOperation::BaseImportOperation(const QString &filePath)

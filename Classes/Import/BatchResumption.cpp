@@ -1,7 +1,5 @@
-// Going on with a batch that was cut off: what it saved is its own again, and the rest is imported.
+#include "Classes/Import/BatchResumption.h"
 
-#include "Classes/Import/ImportOperation.h"
-#include "Classes/Import/ImportOwner.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -9,6 +7,7 @@
 #include <QFileInfo>
 
 namespace {
+
 constexpr qsizetype namesInOneQuery = 500;
 
 // The deepest folder that all of them lie in.
@@ -22,53 +21,29 @@ QString commonFolder(const QStringList &paths)
     }
     return folder;
 }
+
 } // namespace
 
-void ImportOperation::setPendingImport(std::shared_ptr<PendingImportFile> file, bool isResumed)
+BatchResumption::BatchResumption(BatchState &batch, const BatchOrigin &origin)
+    : m_batch(batch), m_pending(origin.kind == BatchOrigin::Kind::UnpacksOf ? nullptr : origin.pending),
+      m_requestOfArchive(origin.kind == BatchOrigin::Kind::UnpacksOf ? origin.pending : nullptr),
+      m_isResumed(origin.kind != BatchOrigin::Kind::New),
+      m_firstRequest(m_pending ? m_pending->request() : PendingImport())
 {
-    m_pendingImport = std::move(file);
-    m_isResumed = isResumed;
-    m_firstRequest = m_pendingImport ? m_pendingImport->request() : PendingImport();
 }
 
-void ImportOperation::setRequestOfArchive(std::shared_ptr<PendingImportFile> file)
-{
-    m_requestOfArchive = std::move(file);
-    m_isResumed = true;
-}
-
-// Ends the batch before its time, and not the request.
-void ImportOperation::postpone(const QString &reason)
+void BatchResumption::postpone(const QString &reason)
 {
     m_postponement = reason;
-    setRefusal(reason);
+    m_batch.record.setRefusal(reason);
 }
 
-void ImportOperation::resume()
-{
-    if (!restoreEarlierItems()) {
-        m_requestedFiles.clear(); // told in one sentence
-        return;
-    }
-    if (m_firstRequest.groups.isEmpty()) {
-        importIntoTarget();
-        return;
-    }
-    importRemainingGroups();
-    m_itemsToImport = m_firstRequest.ungrouped;
-    // Making folders saves them, and with them what was imported so far, which is to be noted before.
-    if (!m_itemsToImport.isEmpty() && !isCancelled() && refusal().isEmpty() && saveItems()) {
-        m_requestedFiles.append(m_itemsToImport);
-        importIntoTarget();
-    }
-}
-
-bool ImportOperation::restoreEarlierItems()
+bool BatchResumption::restoreEarlierItems(const Restore &restore)
 {
     const QString reason = zqLocalized("An import cannot go on, since it cannot be told which of its files are in the "
                                        "library. It is kept: go on with it once that is mended, or forget it.");
     ZQError error;
-    const auto noted = m_pendingImport->sources(&error);
+    const auto noted = m_pending->sources(&error);
     if (!noted) {
         qCWarning(zqLogImport).noquote() << error.localizedDescription();
         postpone(reason);
@@ -81,7 +56,7 @@ bool ImportOperation::restoreEarlierItems()
         for (const PendingImportFile::Source &source : sources.mid(first, namesInOneQuery)) {
             names.append(source.bundleID);
         }
-        const auto found = zqFetch<ZQLibraryBaseItem>(*m_moc, QStringLiteral("bundleID in %@"), {names});
+        const auto found = zqFetch<ZQLibraryBaseItem>(*m_batch.context, QStringLiteral("bundleID in %@"), {names});
         if (!found) {
             postpone(reason);
             return false;
@@ -95,37 +70,16 @@ bool ImportOperation::restoreEarlierItems()
                 ++m_earlierPaths[source.path];
             }
             if (item && item->active()) {
-                restoreEarlierItem(source, *item);
+                restore(source, *item);
+                ++m_earlierItemCount;
             }
         }
     }
-    m_savedItemCount = qsizetype(m_createdItems.size());
-    m_isProcessed = m_savedItemCount > 0;
-    qCInfo(zqLogImport) << "An import goes on behind" << m_savedItemCount << "items";
+    qCInfo(zqLogImport) << "An import goes on behind" << m_earlierItemCount << "items";
     return true;
 }
 
-void ImportOperation::restoreEarlierItem(const PendingImportFile::Source &source, ZQLibraryBaseItem &item)
-{
-    CreatedItem created{.objectID = item.objectID(),
-                        .bundleID = item.bundleID(),
-                        .SHA1 = item.SHA1(),
-                        .filePath = item.managedItemURL(),
-                        .thumbName = item.thumbName(),
-                        .sourcePath = source.path,
-                        .movedPath = source.movedPath,
-                        .movedModification = source.movedModification,
-                        .tags = {},
-                        .notes = item.notes(),
-                        .isEarlier = true};
-    for (const ZQRef<ZQSidebarTag> &tag : item.itemTags()) {
-        created.tags.append(tag->title());
-    }
-    m_createdItems.push_back(created);
-}
-
-// Each path as often as it is not in yet, and of a request that was cut off only what is there now.
-QStringList ImportOperation::remaining(const QStringList &files)
+QStringList BatchResumption::remaining(const QStringList &files)
 {
     QStringList rest;
     for (const QString &path : files) {
@@ -141,109 +95,76 @@ QStringList ImportOperation::remaining(const QStringList &files)
     return rest;
 }
 
-// The folders and projects were made before the batch was cut off; what they were to hold goes into them.
-void ImportOperation::importRemainingGroups()
+QSet<QString> BatchResumption::accountedFor() const
 {
-    const ZQRef<ZQSidebarBaseItem> library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*m_moc);
-    m_index = appendIndex;
-    m_originalDropIndex = appendIndex; // where archives were to go has moved since
-    m_requestedFiles.clear();
-    QList<Group> groups;
-    for (const PendingImport::Group &group : m_firstRequest.groups) {
-        m_requestedFiles.append(group.files);
-        ZQRef<ZQSidebarBaseItem> project = zqCast<ZQSidebarBaseItem>(m_moc->objectWithURIRepresentation(group.project));
-        if (!project || !project->active()) {
-            project = library; // somebody removed it meanwhile
-        }
-        const QStringList files = screened(remaining(group.files));
-        if (isCancelled() || !project) {
-            return;
-        }
-        if (!files.isEmpty()) {
-            m_numberOfItemToImport += files.size();
-            groups.append({.project = project, .files = files, .droppedFolder = {}});
-        }
+    QSet<QString> paths(m_outOfReach.begin(), m_outOfReach.end());
+    for (auto earlier = m_earlierPaths.constBegin(); earlier != m_earlierPaths.constEnd(); ++earlier) {
+        paths.insert(earlier.key());
     }
-    if (groups.isEmpty()) {
-        return;
-    }
-    m_target = m_rootSidebarItem;
-    importGroups(groups);
+    return paths;
 }
 
-bool ImportOperation::rememberGroups(const QList<Group> &groups)
+bool BatchResumption::rememberGroups(const QList<FileGroup> &groups, ZQError *error)
 {
-    if (!m_pendingImport) {
+    if (!m_pending) {
         return true;
     }
-    const QUuid store = m_coordinator->storeUUID();
-    PendingImport request = m_pendingImport->request();
-    for (const Group &group : groups) {
+    const QUuid store = m_batch.coordinator->storeUUID();
+    PendingImport request = m_pending->request();
+    for (const FileGroup &group : groups) {
         request.groups.append({group.project->objectID().URIRepresentation(store), group.files});
     }
     request.ungrouped = m_outOfReach;
     for (const PendingImport::Group &group : m_firstRequest.groups) {
         request.ungrouped.removeIf([&group](const QString &path) { return group.files.contains(path); });
     }
-    ZQError error;
-    if (groups.isEmpty() || m_pendingImport->setRequest(request, &error)) {
-        return true;
-    }
-    removeEverythingCreated(); // or going on would make the same projects again
-    postpone(zqFormat(zqLocalized("%@ Import it again once that is mended."), {error.localizedDescription()}));
-    return false;
+    return groups.isEmpty() || m_pending->setRequest(request, error);
 }
 
-bool ImportOperation::rememberUnsavedItems(ZQError *error)
+bool BatchResumption::remember(const QList<PendingImportFile::Source> &sources, ZQError *error)
 {
-    if (!m_pendingImport) {
-        return true;
-    }
-    QList<PendingImportFile::Source> sources;
-    for (std::size_t i = std::size_t(m_savedItemCount); i < m_createdItems.size(); ++i) {
-        const CreatedItem &created = m_createdItems[i];
-        if (!created.isGone) {
-            sources.append({created.bundleID, created.sourcePath, created.movedPath, created.movedModification});
-        }
-    }
-    for (const QString &path : std::as_const(m_discardedPaths)) { // not asked about again
-        sources.append({.bundleID = {}, .path = path, .movedPath = {}, .movedModification = 0});
-    }
-    return m_pendingImport->addSources(sources, error);
+    return !m_pending || m_pending->addSources(sources, error);
 }
 
-void ImportOperation::endPendingImport(bool wasCancelled)
+void BatchResumption::end(bool wasCancelled, bool keepsCancelled, qsizetype savedItemCount, bool hasFollowUps)
 {
-    if (!m_pendingImport) {
+    endPending(wasCancelled, keepsCancelled, savedItemCount);
+    endRequestOfArchive(wasCancelled, keepsCancelled, hasFollowUps);
+}
+
+void BatchResumption::endPending(bool wasCancelled, bool keepsCancelled, qsizetype savedItemCount)
+{
+    if (!m_pending) {
         return;
     }
-    const bool isKept = !m_postponement.isEmpty() || (m_isResumed && (!m_outOfReach.isEmpty() || !refusal().isEmpty()));
-    const bool isPutOff = wasCancelled && m_owner.keepsCancelledImports();
+    const bool isKept =
+        !m_postponement.isEmpty() || (m_isResumed && (!m_outOfReach.isEmpty() || !m_batch.record.refusal().isEmpty()));
+    const bool isPutOff = wasCancelled && keepsCancelled;
     m_isRequestKept = isPutOff || (!wasCancelled && isKept);
     ZQError error;
     if (isPutOff) {
         // What it had made went with it.
-        PendingImport request = m_pendingImport->request();
+        PendingImport request = m_pending->request();
         request.groups = m_firstRequest.groups;
         request.ungrouped = m_firstRequest.ungrouped;
-        if (!m_pendingImport->setRequest(request, &error)) {
+        if (!m_pending->setRequest(request, &error)) {
             qCWarning(zqLogImport).noquote() << error.localizedDescription();
         }
     } else if (m_isRequestKept) {
-        keepPendingImport();
+        keepPending(savedItemCount);
     } else {
-        m_pendingImport->remove();
+        m_pending->remove();
     }
-    m_pendingImport.reset();
+    m_pending.reset();
 }
 
 // What an archive's request asks for is found in the archive alone.
-void ImportOperation::keepPendingImport()
+void BatchResumption::keepPending(qsizetype savedItemCount)
 {
-    m_report.setUnfinished();
-    PendingImport rest = m_pendingImport->request();
+    m_batch.record.report().setUnfinished();
+    PendingImport rest = m_pending->request();
     const bool isFlat = rest.groups.isEmpty();
-    if (!m_postponement.isEmpty() || !refusal().isEmpty() || (isFlat && !rest.archiveRoot.isEmpty())) {
+    if (!m_postponement.isEmpty() || !m_batch.record.refusal().isEmpty() || (isFlat && !rest.archiveRoot.isEmpty())) {
         return;
     }
     const QSet<QString> outOfReach(m_outOfReach.begin(), m_outOfReach.end());
@@ -256,32 +177,32 @@ void ImportOperation::keepPendingImport()
         rest.paths = m_outOfReach;
         rest.ungrouped.clear();
     }
-    if (isFlat && rest.index != appendIndex) {
-        rest.index += quint32(m_savedItemCount);
+    if (isFlat && rest.index != ZQSidebarBaseItem::appendIndex) {
+        rest.index += quint32(savedItemCount);
     }
     ZQError error;
-    if (!m_pendingImport->narrow(rest, &error)) {
+    if (!m_pending->narrow(rest, &error)) {
         qCWarning(zqLogImport).noquote() << error.localizedDescription();
     }
 }
 
-void ImportOperation::endRequestOfArchive(bool wasCancelled)
+void BatchResumption::endRequestOfArchive(bool wasCancelled, bool keepsCancelled, bool hasFollowUps)
 {
-    if (m_requestOfArchive && wasCancelled && !m_owner.keepsCancelledImports()) {
+    if (m_requestOfArchive && wasCancelled && !keepsCancelled) {
         m_requestOfArchive->remove();
-    } else if (m_requestOfArchive && !wasCancelled && m_followUps.isEmpty()) {
-        m_report.setUnfinished();
+    } else if (m_requestOfArchive && !wasCancelled && !hasFollowUps) {
+        m_batch.record.report().setUnfinished();
     }
     m_requestOfArchive.reset();
 }
 
-QString ImportOperation::textForUnfinished() const
+QString BatchResumption::textForUnfinished() const
 {
     const QString whatToDo = zqLocalized("The import is kept: go on with it once that is mended, or forget it.");
-    if (m_origin && !m_outOfReach.isEmpty()) {
+    if (m_batch.request.origin && !m_outOfReach.isEmpty()) {
         return zqFormat(zqLocalized("%d files of “%@” cannot be found. The import is kept: go on with it, or forget "
                                     "it."),
-                        {m_outOfReach.size(), m_origin->archivePath});
+                        {m_outOfReach.size(), m_batch.request.origin->archivePath});
     }
     if (m_outOfReach.isEmpty()) {
         return m_postponement.isEmpty() ? whatToDo : m_postponement;

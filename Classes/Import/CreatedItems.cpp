@@ -1,42 +1,19 @@
-#include "Classes/Import/ImportOperation.h"
-#include "Classes/Import/ImportOwner.h"
-#include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/CreatedItems.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Import/BatchResumption.h"
+#include "Classes/Import/ImportErrors.h"
+#include "Classes/Import/MovedSource.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
-#include "Models/DataModel/ZQProjectItem.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
-#include <cerrno>
-#include <sys/stat.h>
-
 namespace {
-
-constexpr int browserPosition = 1;
-constexpr qsizetype digestsInOneQuery = 500;
-constexpr std::chrono::duration<double> longEnoughToBeElsewhere(20.0);
-
-// A source that was written to after it had been read holds something the library does not have.
-void removeSource(const QString &path, qint64 modification)
-{
-    const auto dates = zqFileDates(path);
-    const QFileInfo info(path);
-    if (info.isSymLink() || !dates || dates->modification != modification) {
-        qCInfo(zqLogImport).noquote() << "The imported file" << path << "has changed and stays where it is";
-        return;
-    }
-    const bool isRemoved = info.isDir() ? QDir(path).removeRecursively() : QFile::remove(path);
-    if (!isRemoved) {
-        qCInfo(zqLogImport).noquote() << "The imported file" << path
-                                      << "could not be removed from the temporary folder";
-    }
-}
 
 // Of an item that was saved before, the store tells it, and a store may come from elsewhere.
 bool isPlainName(const QString &name)
@@ -44,288 +21,162 @@ bool isPlainName(const QString &name)
     return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/') && !name.contains(QChar::Null);
 }
 
-bool isRegularFile(const QString &path)
+QString bundlePath(const QString &bundleID)
 {
-    struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && S_ISREG(status.st_mode);
-}
-
-// A record may have come with a library from elsewhere. It is believed about a file alone that the library holds a true
-// copy of, so that nothing is lost whatever it names; a link anywhere on the way would lead past the place.
-bool mayRemoveRecordedSource(const QString &path, const QString &itemFile)
-{
-    const QString library = QFileInfo(ZQLibraryEnvironment::current().libraryDirectory()).canonicalFilePath();
-    const QString copy = QFileInfo(itemFile).canonicalFilePath();
-    if (!isRegularFile(path) || QFileInfo(path).canonicalFilePath() != path ||
-        !ImportQueries::fileIsInsideTemporaryDirectory(path)) {
-        return false;
-    }
-    if (library.isEmpty() || !isRegularFile(itemFile) || !copy.startsWith(library + u'/') || copy == path) {
-        return false;
-    }
-    const QByteArray digest = zqSHA1OfFile(copy);
-    return !digest.isEmpty() && digest == zqSHA1OfFile(path);
+    return ZQLibraryEnvironment::current().libraryDirectory() + u'/' + bundleID +
+           ZQLibraryBaseItem::itemDirectoryExtension;
 }
 
 } // namespace
 
-void ImportOperation::finish()
+ZQRef<ZQLibraryBaseItem> CreatedItems::object(const CreatedItem &item) const
 {
-    if (!isCancelled() && m_moc) {
-        checkForDuplicateImport();
-    }
-    const bool wasCancelled = isCancelled(); // what comes later comes too late
-    if (m_moc) {
-        if (wasCancelled) {
-            removeEverythingCreated();
-        }
-        ZQError error;
-        const bool isSaved = saveItems(&error);
-        if (!isSaved) {
-            keepWhatCouldNotBeTakenOut(error);
-        } else if (!wasCancelled) {
-            completeItems();
-        }
-        removeBundles();
-        enableSidebarItems();
-        m_mainThreadSaveObserver.reset();
-        m_cancellationObserver.reset();
-        m_moc.reset();
-    }
-    if (!wasCancelled) {
-        importUnfoldedArchives();
-    }
-    m_unfoldedArchives.clear();
-    endPendingImport(wasCancelled);
-    endRequestOfArchive(wasCancelled);
-    writeReport(wasCancelled);
-    tellResult(wasCancelled);
-    m_progress.reset();
-    if (m_origin && m_isRequestKept && m_origin->holder && !QFileInfo::exists(m_origin->archivePath)) {
-        m_origin->holder->keep(); // there is nothing else left of the archive
-    }
-    m_origin.reset(); // and with it the folder it was unpacked into
+    return zqCast<ZQLibraryBaseItem>(m_batch.context->objectWithID(item.objectID));
 }
 
-// In the order of the request, whichever was unpacked first. They are queued before this batch has finished, so whoever
-// waits for an empty queue waits for them too.
-void ImportOperation::importUnfoldedArchives()
+void CreatedItems::add(const ImportedFile &file, const ItemInserter::Inserted &inserted)
 {
-    QHash<QString, qsizetype> order;
-    for (qsizetype i = 0; i < m_requestedFiles.size(); ++i) {
-        order.insert(m_requestedFiles.at(i), i);
-    }
-    std::stable_sort(m_unfoldedArchives.begin(), m_unfoldedArchives.end(),
-                     [&order](const UnfoldedArchive &a, const UnfoldedArchive &b) {
-                         return order.value(a.archivePath) < order.value(b.archivePath);
-                     });
-    for (const UnfoldedArchive &archive : std::as_const(m_unfoldedArchives)) {
-        const bool isServed = zqOnMainThreadAndWait([this, &archive] { importUnfoldedArchive(archive); });
-        if (!isServed) {
-            fileDidDrop({archive.archivePath,
-                         zqLocalized("Zelto was quit before it could be imported. Import it again."),
-                         DroppedFile::Telling::Quietly});
-        }
-    }
+    const ZQRef<ZQLibraryBaseItem> &item = inserted.item;
+    m_unsaved.append(item);
+    m_items.push_back({.objectID = item->objectID(),
+                       .bundleID = item->bundleID(),
+                       .SHA1 = item->SHA1(),
+                       .filePath = file.filePath,
+                       .thumbName = item->thumbName(),
+                       .sourcePath = file.sourcePath,
+                       .movedPath = file.movedPath,
+                       .movedModification = file.movedModification,
+                       .tags = inserted.tags,
+                       .notes = item->notes()});
 }
 
-void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
+void CreatedItems::addEarlier(const PendingImportFile::Source &source, ZQLibraryBaseItem &item)
 {
-    if (isCancelled()) { // by whoever stops all imports; the new one would not be among them
-        fileDidDrop({archive.archivePath, zqLocalized("The import was cancelled. Import it again if you want it."),
-                     DroppedFile::Telling::Quietly});
+    CreatedItem created{.objectID = item.objectID(),
+                        .bundleID = item.bundleID(),
+                        .SHA1 = item.SHA1(),
+                        .filePath = item.managedItemURL(),
+                        .thumbName = item.thumbName(),
+                        .sourcePath = source.path,
+                        .movedPath = source.movedPath,
+                        .movedModification = source.movedModification,
+                        .tags = {},
+                        .notes = item.notes(),
+                        .isEarlier = true};
+    for (const ZQRef<ZQSidebarTag> &tag : item.itemTags()) {
+        created.tags.append(tag->title());
+    }
+    m_items.push_back(created);
+    m_savedCount = qsizetype(m_items.size());
+}
+
+bool CreatedItems::save(ZQError *failure)
+{
+    ZQError error;
+    const bool isRemembered = rememberUnsaved(&error);
+    const QString library = ZQLibraryEnvironment::current().libraryDirectory();
+    const bool isSynced = isRemembered && (m_unsaved.isEmpty() ||
+                                           zqSyncFileSystem(library, &error)); // files are safe before rows name them
+    m_batch.context->processPendingChanges();
+    if (!isSynced || !m_batch.context->save(&error)) {
+        logImportSaveError(error);
+        const QString reason =
+            zqFormat(zqLocalized("The library could not be saved: %@ Import it again once that is mended."),
+                     {error.localizedDescription()});
+        if (!isRemembered) {
+            m_resumption.postpone(reason);
+        }
+        forgetUnsaved(reason);
+        zqSetError(failure, error);
+        return false;
+    }
+    const std::size_t firstSaved = std::size_t(m_savedCount);
+    for (const ZQRef<ZQLibraryBaseItem> &item : std::as_const(m_unsaved)) {
+        m_items[std::size_t(m_savedCount++)].objectID = item->objectID();
+    }
+    m_unsaved.clear();
+    writeTags(firstSaved);
+    return true;
+}
+
+// At once: from here on people change them too, and what they write must not be followed by what was read before.
+void CreatedItems::writeTags(std::size_t first)
+{
+    ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    if (!environment.writesTagsToFiles()) {
         return;
     }
-    const auto followUp = m_requestOfArchive ? m_owner.resumeImportOfArchive(archive, m_requestOfArchive)
-                                             : m_owner.startImport({.paths = {archive.folder},
-                                                                    .target = archive.sidebarItem,
-                                                                    .index = indexForArchive(archive),
-                                                                    .metadata = archive.metadata,
-                                                                    .origin = archive});
-    if (followUp) {
-        const PendingImportFile::Source handedOver{
-            .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};
-        ZQError error;
-        if (m_pendingImport && !m_pendingImport->addSources({handedOver}, &error)) {
-            qCWarning(zqLogImport).noquote() << error.localizedDescription();
+    for (std::size_t i = first; i < m_items.size(); ++i) {
+        const CreatedItem &created = m_items[i];
+        if (!created.isGone) {
+            environment.writeTagsToFileOfItem(
+                created.bundleID, created.filePath,
+                {.tags = created.tags, .comment = created.notes, .rating = {}, .isFirst = true, .isSaved = true});
         }
-        m_followUps.append(followUp);
-        m_followedUpPaths.insert(archive.archivePath);
-    } else {
-        fileDidDrop({archive.archivePath, zqLocalized("The library was closed. Open it and import it again.")});
     }
 }
 
-quint32 ImportOperation::indexForArchive(const UnfoldedArchive &archive) const
+// Those files are where they were before, and no further ones are begun.
+void CreatedItems::forgetUnsaved(const QString &reason)
 {
-    if (m_originalDropIndex == appendIndex || archive.sidebarItem != m_target) {
-        return appendIndex;
+    m_batch.record.setRefusal(reason);
+    m_batch.context->rollback();
+    m_batch.inserter->forgetTags();
+    m_unsaved.clear();
+    for (std::size_t i = std::size_t(m_savedCount); i < m_items.size(); ++i) {
+        m_bundlesToRemove.append(m_items[i].bundleID);
+        if (!m_items[i].isGone) {
+            m_batch.record.fileDidDrop({m_items[i].sourcePath, reason});
+        }
     }
-    const qsizetype place = m_foldersAndArchivesPathOrdered.indexOf(archive.archivePath);
-    return m_originalDropIndex + quint32(std::max<qsizetype>(place, 0));
+    m_items.resize(std::size_t(m_savedCount));
 }
 
-std::optional<std::vector<ImportOperation::Duplicate>> ImportOperation::findDuplicates()
+bool CreatedItems::rememberUnsaved(ZQError *error)
 {
-    QHash<QString, std::vector<std::size_t>> createdBySHA1;
-    QSet<ZQObjectID> created;
-    for (std::size_t i = 0; i < m_createdItems.size(); ++i) {
-        created.insert(m_createdItems[i].objectID);
-        if (!m_createdItems[i].SHA1.isEmpty()) {
-            createdBySHA1[m_createdItems[i].SHA1].push_back(i);
+    QList<PendingImportFile::Source> sources;
+    for (std::size_t i = std::size_t(m_savedCount); i < m_items.size(); ++i) {
+        const CreatedItem &created = m_items[i];
+        if (!created.isGone) {
+            sources.append({created.bundleID, created.sourcePath, created.movedPath, created.movedModification});
         }
     }
-    QHash<QString, ZQRef<ZQLibraryBaseItem>> existing;
-    const QStringList digests = createdBySHA1.keys();
-    for (qsizetype first = 0; first < digests.size(); first += digestsInOneQuery) {
-        // Saved rows only: what this batch has not saved yet cannot be there already.
-        const auto items = zqFetch<ZQLibraryBaseItem>(
-            *m_moc,
-            ZQFetchRequest{.entityName = ZQLibraryBaseItem::entityName(),
-                           .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("SHA1 in %@ AND active == YES"),
-                                                                         {digests.mid(first, digestsInOneQuery)}),
-                           .includesPendingChanges = false});
-        if (!items) {
-            return std::nullopt;
-        }
-        for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-            if (!created.contains(item->objectID())) {
-                existing.insert(item->SHA1(), item);
-            }
-        }
+    for (const QString &path : std::as_const(m_discardedPaths)) { // not asked about again
+        sources.append({.bundleID = {}, .path = path, .movedPath = {}, .movedModification = 0});
     }
-    std::vector<Duplicate> duplicates;
-    for (auto entry = existing.constBegin(); entry != existing.constEnd(); ++entry) {
-        duplicates.push_back({entry.value(), createdBySHA1.value(entry.key())});
-    }
-    std::sort(duplicates.begin(), duplicates.end(),
-              [](const Duplicate &a, const Duplicate &b) { return a.created.front() < b.created.front(); });
-    return duplicates;
-}
-
-QList<DuplicatePair> ImportOperation::duplicatePairs(const std::vector<Duplicate> &duplicates) const
-{
-    QList<DuplicatePair> pairs;
-    for (const Duplicate &duplicate : duplicates) {
-        const CreatedItem &created = m_createdItems[duplicate.created.front()];
-        const ZQRef<ZQLibraryBaseItem> &item = duplicate.existing;
-        QStringList places;
-        for (const ZQRef<ZQSidebarBaseItem> &project : item->projects()) {
-            places.append(project->title());
-        }
-        const QString path = item->itemURL();
-        const QFileInfo file(created.filePath);
-        pairs.append(
-            {.SHA1 = created.SHA1,
-             .existingTitle = item->title(),
-             .existingPath = path,
-             .existingThumbPath = item->thumbURL().isEmpty() ? path : item->thumbURL(),
-             .existingPlaces = places,
-             .existingImportDate = item->import_date(),
-             .newTitle = file.completeBaseName(),
-             .newPath = created.sourcePath,
-             .newThumbPath = created.thumbName.isEmpty() ? created.filePath : file.path() + u'/' + created.thumbName,
-             .bytes = file.size(),
-             .pixelWidth = item->pixelWidth(),
-             .pixelHeight = item->pixelHeight()});
-    }
-    return pairs;
-}
-
-void ImportOperation::checkForDuplicateImport()
-{
-    const auto found = findDuplicates();
-    if (!found) {
-        const QString reason = zqLocalized("It cannot be told whether the library has it already, since the library "
-                                           "cannot be read. Import it again once that is mended.");
-        postpone(reason);
-        forgetUnsavedItems(reason);
-        return;
-    }
-    const std::vector<Duplicate> &duplicates = *found;
-    if (duplicates.empty()) {
-        return;
-    }
-    const auto choices = m_userInteraction.resolveDuplicates(duplicatePairs(duplicates));
-    if (!choices) {
-        cancel();
-        return;
-    }
-    for (std::size_t i = 0; i < duplicates.size(); ++i) {
-        resolveDuplicate(duplicates[i], choices->value(qsizetype(i), DuplicateChoice::KeepBoth));
-    }
-}
-
-void ImportOperation::resolveDuplicate(const Duplicate &duplicate, DuplicateChoice choice)
-{
-    if (choice == DuplicateChoice::KeepBoth) {
-        return;
-    }
-    const bool relinks = choice == DuplicateChoice::Relink;
-    const QString reason =
-        zqFormat(relinks ? zqLocalized("The library has it already, as “%@”; that item was put in its place.")
-                         : zqLocalized("The library has it already, as “%@”; the new copy was discarded."),
-                 {duplicate.existing->title()});
-    for (const std::size_t index : duplicate.created) {
-        const ZQRef<ZQLibraryBaseItem> item = object(m_createdItems[index]);
-        if (!item) {
-            continue;
-        }
-        if (relinks) {
-            relink(*duplicate.existing, *item);
-        }
-        takeOut(index);
-        if (!relinks) {
-            m_discardedPaths.append(m_createdItems[index].sourcePath);
-        }
-        m_droppedOnceSaved.append({m_createdItems[index].sourcePath, reason, DroppedFile::Telling::Quietly});
-    }
+    return m_resumption.remember(sources, error);
 }
 
 // The directory of an item whose row was saved must outlive that row, which goes with the next save or stays.
-void ImportOperation::takeOut(std::size_t index)
+void CreatedItems::takeOut(std::size_t index)
 {
-    CreatedItem &created = m_createdItems[index];
+    CreatedItem &created = m_items[index];
     if (const ZQRef<ZQLibraryBaseItem> item = object(created); item && !created.isGone) {
         item->deletePermanently();
     }
     created.isGone = true;
-    const bool isNamed = index < std::size_t(m_savedItemCount);
+    const bool isNamed = index < std::size_t(m_savedCount);
     (isNamed ? m_bundlesToRemoveOnceSaved : m_bundlesToRemove).append(created.bundleID);
 }
 
-void ImportOperation::relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created)
+void CreatedItems::takeOut(std::size_t index, const DroppedFile &reportedOnceSaved)
 {
-    if (!m_rootSidebarItem.isNull()) {
-        if (const auto tag = zqCast<ZQSidebarTag>(m_moc->objectWithID(m_rootSidebarItem))) {
-            tag->addItem(&existing);
-        }
-    }
-    for (const ZQRef<ZQProjectItem> &membership : created.projectsItems()) {
-        if (const ZQRef<ZQSidebarBaseItem> project = membership->project()) {
-            project->addItem(&existing, quint32(membership->order()), false);
-        }
-    }
+    takeOut(index);
+    m_droppedOnceSaved.append(reportedOnceSaved);
 }
 
-void ImportOperation::removeEverythingCreated()
+void CreatedItems::takeOutAll()
 {
-    for (std::size_t i = 0; i < m_createdItems.size(); ++i) {
-        if (!m_createdItems[i].isEarlier) { // the person has had those since the last launch
+    for (std::size_t i = 0; i < m_items.size(); ++i) {
+        if (!m_items[i].isEarlier) {
             takeOut(i);
         }
     }
-    for (const ZQRef<ZQSidebarBaseItem> &item : std::as_const(m_createdSidebarItems)) {
-        if (item->managedObjectContext() && !item->isDeleted()) { // a father takes its children along
-            item->deletePermanently();
-        }
-    }
 }
 
-// What is due once the items are safe: the moved files leave where they were.
-void ImportOperation::completeItems()
+void CreatedItems::removeSources()
 {
-    for (const CreatedItem &created : m_createdItems) {
+    for (const CreatedItem &created : m_items) {
         if (created.isGone || created.movedPath.isEmpty() || !QFileInfo::exists(created.movedPath)) {
             continue;
         }
@@ -334,12 +185,11 @@ void ImportOperation::completeItems()
                                           << "is no temporary copy of what the library has and stays where it is";
             continue;
         }
-        removeSource(created.movedPath, created.movedModification);
+        removeMovedSource(created.movedPath, created.movedModification);
     }
 }
 
-// After a last save that failed: the store still lists what earlier saves of the batch put there, and it stays whole.
-void ImportOperation::keepWhatCouldNotBeTakenOut(const ZQError &error)
+void CreatedItems::keepWhatCouldNotBeTakenOut(const ZQError &error)
 {
     if (m_bundlesToRemoveOnceSaved.isEmpty()) {
         return;
@@ -347,7 +197,7 @@ void ImportOperation::keepWhatCouldNotBeTakenOut(const ZQError &error)
     const qsizetype count = m_bundlesToRemoveOnceSaved.size();
     qCWarning(zqLogImport).noquote() << count << "items could not be taken out of the library again:"
                                      << error.localizedDescription();
-    for (CreatedItem &created : m_createdItems) {
+    for (CreatedItem &created : m_items) {
         created.isGone = false;
     }
     m_bundlesToRemoveOnceSaved.clear();
@@ -356,15 +206,15 @@ void ImportOperation::keepWhatCouldNotBeTakenOut(const ZQError &error)
         QStringLiteral("zelto.import"), 2,
         zqFormat(zqLocalized("%d imported items could not be taken out of the library again."), {count}),
         zqFormat(zqLocalized("%@ Delete them in the library once that is mended."), {error.localizedDescription()}));
-    zqOnMainThread([&user = m_userInteraction, told] { user.presentError(told); });
+    zqOnMainThread([&user = m_batch.user, told] { user.presentError(told); });
 }
 
-void ImportOperation::removeBundles()
+void CreatedItems::removeDirectories()
 {
     m_bundlesToRemove.append(m_bundlesToRemoveOnceSaved);
     m_bundlesToRemoveOnceSaved.clear();
     for (const DroppedFile &file : std::as_const(m_droppedOnceSaved)) {
-        fileDidDrop(file);
+        m_batch.record.fileDidDrop(file);
     }
     m_droppedOnceSaved.clear();
     for (const QString &bundleID : std::as_const(m_bundlesToRemove)) {
@@ -376,130 +226,4 @@ void ImportOperation::removeBundles()
         }
     }
     m_bundlesToRemove.clear();
-}
-
-void ImportOperation::enableSidebarItems()
-{
-    m_unsavedItems.clear();
-    m_createdSidebarItems.clear();
-    m_tags.clear();
-    m_moc->reset();
-    const auto items = zqFetch<ZQSidebarBaseItem>(*m_moc, QStringLiteral("enabled == %@"), {false});
-    for (const ZQRef<ZQSidebarBaseItem> &item : items.value_or(QList<ZQRef<ZQSidebarBaseItem>>())) {
-        item->setEnabled(true);
-    }
-    ZQError error;
-    if (!m_moc->save(&error)) {
-        logSaveError(error);
-    }
-}
-
-void ImportOperation::writeReport(bool wasCancelled)
-{
-    QStringList imported;
-    QSet<QString> importedPaths;
-    for (const CreatedItem &created : m_createdItems) {
-        if (!created.isGone) {
-            if (!created.isEarlier) {
-                imported.append(created.bundleID);
-            }
-            importedPaths.insert(created.sourcePath);
-        }
-    }
-    m_report.setImported(imported);
-    const QString refused = refusal();
-    const QString reason = wasCancelled ? zqLocalized("The import was cancelled. Import it again if you want it.")
-                           : refused.isEmpty() ? zqLocalized("It was left out. Import it again.")
-                                               : refused;
-    const QSet<QString> outOfReach(m_outOfReach.begin(), m_outOfReach.end()); // told together
-    for (const QString &path : std::as_const(m_requestedFiles)) {
-        const bool isSeenTo = m_followedUpPaths.contains(path) || m_earlierPaths.contains(path);
-        if (!importedPaths.contains(path) && !isSeenTo && !outOfReach.contains(path)) {
-            fileDidDrop({path, reason, wasCancelled ? DroppedFile::Telling::Quietly : DroppedFile::Telling::InWindow});
-        }
-    }
-}
-
-void ImportOperation::tellResult(bool wasCancelled)
-{
-    const bool tookLong = std::chrono::steady_clock::now() - m_startDate > longEnoughToBeElsewhere;
-    const bool isWanted =
-        tookLong && !wasCancelled && !m_report.isUnfinished() && !(m_hasArchives && m_itemsToImport.size() == 1);
-    const bool gaveNothing = m_followUps.isEmpty() && !m_isProcessed;
-    if (m_report.isUnfinished()) {
-        notify(textForUnfinished(), browserPosition, 6.0);
-    } else if (gaveNothing && !wasCancelled) {
-        notify(zqLocalized("Nothing to import!"), browserPosition, 2.0);
-    }
-    if (isWanted) {
-        const QString title = gaveNothing ? zqLocalized("Import Invalid") : zqLocalized("Import Successful");
-        const QString text =
-            gaveNothing ? zqLocalized("Nothing to import") : zqLocalized("Import operation successful");
-        zqOnMainThread([&user = m_userInteraction, title, text] { user.showSystemNotification(title, text); });
-    }
-    if (!wasCancelled) {
-        tellDropped();
-    }
-}
-
-namespace {
-
-QString textForDropped(const QList<DroppedFile> &told)
-{
-    const DroppedFile &first = told.first();
-    const QString name = QFileInfo(first.path).fileName();
-    if (told.size() == 1) {
-        return zqFormat(first.telling == DroppedFile::Telling::InWindowPartly
-                            ? zqLocalized("“%@” was imported in part: %@")
-                            : zqLocalized("“%@” could not be imported: %@"),
-                        {name, first.reason});
-    }
-    if (std::all_of(told.begin(), told.end(), [&first](const auto &file) { return file.reason == first.reason; })) {
-        return zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), first.reason});
-    }
-    return zqFormat(zqLocalized("%d files could not be imported. The first is “%@”: %@"),
-                    {told.size(), name, first.reason});
-}
-
-QString textForIncomplete(const QList<DroppedFile> &told)
-{
-    const QString name = QFileInfo(told.first().path).fileName();
-    return told.size() == 1
-               ? zqFormat(zqLocalized("“%@” is incomplete: only a part of it can be drawn"), {name})
-               : zqFormat(
-                     zqLocalized("%d pictures are incomplete: only a part of each can be drawn. The first is “%@”"),
-                     {told.size(), name});
-}
-
-} // namespace
-
-void ImportOperation::tellDropped()
-{
-    QList<DroppedFile> dropped;
-    QList<DroppedFile> incomplete;
-    for (const DroppedFile &file : m_report.dropped()) {
-        if (file.telling == DroppedFile::Telling::InWindowIncomplete) {
-            incomplete.append(file);
-        } else if (file.telling != DroppedFile::Telling::Quietly) {
-            dropped.append(file);
-        }
-    }
-    QStringList texts;
-    if (!dropped.isEmpty()) {
-        texts.append(textForDropped(dropped));
-    }
-    if (!incomplete.isEmpty()) {
-        texts.append(textForIncomplete(incomplete));
-    }
-    if (!texts.isEmpty()) {
-        notify(texts.join(u'\n'), browserPosition, 6.0);
-    }
-}
-
-void ImportOperation::notify(const QString &text, int position, double seconds)
-{
-    m_report.addNotification(text);
-    zqOnMainThread([&user = m_userInteraction, text, position, seconds] {
-        user.showNotificationWithText(text, position, seconds);
-    });
 }

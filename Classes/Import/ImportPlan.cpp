@@ -1,83 +1,23 @@
-#include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportPlan.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Import/BatchResumption.h"
+#include "Classes/Import/DirectoryContent.h"
+#include "Classes/Import/ImportConflictResolver.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
-#include "Kit/Persistence/ZQSortDescriptor.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 
-#include <QFile>
 #include <QFileInfo>
+#include <QHash>
 
-#include <algorithm>
-#include <cerrno>
 #include <deque>
-#include <dirent.h>
-#include <memory>
 
 namespace {
 
-// What a folder directly holds, each list in the order of a file browser.
-struct DirectoryContent
-{
-    QStringList subfolders;
-    QStringList archives;
-    QStringList files;
-    QStringList refused;
-    QList<DroppedFile> dropped;
-};
-
-void sortLikeAPerson(QStringList &paths)
-{
-    std::sort(paths.begin(), paths.end(), [](const QString &a, const QString &b) {
-        return zqCompareValues(a, b, ZQSortDescriptor::Comparison::LocalizedStandard) < 0;
-    });
-}
-
-void addEntry(const QString &path, DirectoryContent &content)
-{
-    const QFileInfo info(path);
-    if (info.isSymLink()) {
-        content.dropped.append(
-            {path, zqLocalized("It is a link. Import what it leads to."), DroppedFile::Telling::Quietly});
-    } else if (ImportQueries::fileAtPathIsSupported(path)) {
-        (ImportQueries::fileAtPathIsArchive(path) ? content.archives : content.files).append(path);
-    } else if (info.isDir()) {
-        content.subfolders.append(path);
-    } else {
-        content.refused.append(path);
-    }
-}
-
-DirectoryContent contentOfDirectory(const QString &directory)
-{
-    DirectoryContent content;
-    const std::unique_ptr<DIR, int (*)(DIR *)> stream(::opendir(QFile::encodeName(directory).constData()), ::closedir);
-    if (!stream) {
-        content.dropped.append(
-            {directory,
-             ZQError::posix(errno,
-                            zqLocalized("The folder cannot be opened. Change its permissions and import it again"))
-                 .localizedDescription()});
-        return content;
-    }
-    while (const dirent *entry = ::readdir(stream.get())) {
-        const QByteArray name(entry->d_name);
-        if (name.startsWith('.')) {
-            continue;
-        }
-        const QString path = directory + u'/' + QString::fromUtf8(name);
-        if (QFile::encodeName(path).endsWith('/' + name)) {
-            addEntry(path, content);
-        } else {
-            content.dropped.append({path, zqLocalized("Its name is not valid text. Rename it and import it again.")});
-        }
-    }
-    for (QStringList *paths : {&content.subfolders, &content.archives, &content.files}) {
-        sortLikeAPerson(*paths);
-    }
-    return content;
-}
+constexpr quint32 appendIndex = ZQSidebarBaseItem::appendIndex;
 
 // A sidebar item that is made by an import and comes into use at its end.
 template <class T>
@@ -96,107 +36,241 @@ QString titleForDirectory(const QString &directory)
 
 } // namespace
 
-void ImportOperation::importStructured(ZQSidebarBaseItem &target)
+std::optional<ImportPlan::Planned> ImportPlan::groupsForTarget()
 {
-    quint32 dropIndex = m_index == appendIndex ? quint32(target.numberofChilds()) : m_index;
-    m_originalDropIndex = dropIndex;
-    m_index = appendIndex;
+    const ZQRef<ZQSidebarBaseItem> target =
+        m_batch.request.target.isNull()
+            ? ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*m_batch.context)
+            : zqCast<ZQSidebarBaseItem>(m_batch.context->existingObjectWithID(m_batch.request.target));
+    if (!target) {
+        m_batch.record.dropAll(
+            m_batch.request.paths,
+            zqLocalized("The sidebar item it was to go to does not exist any more. Import it into another one."));
+        return std::nullopt;
+    }
+    m_batch.target = target->objectID();
+    const bool takesFiles =
+        target->isProject() || target->isScreenshot() || target->isLibrary() || (target->isTag() && !target->isLabel());
+    const bool takesFolders = !target->isTag() && target->kind() != qint16(ZQSidebarKind::WatchedFoldersLabel) &&
+                              (target->isFolder() || target->isDroppableLabel());
+    if (takesFiles) {
+        return flat(*target);
+    }
+    if (takesFolders) {
+        return structured(*target);
+    }
+    m_batch.record.dropAll(m_batch.request.paths,
+                           zqFormat(zqLocalized("“%@” takes no files. Import it into the library, a project or a tag."),
+                                    {target->title()}));
+    return std::nullopt;
+}
+
+QStringList ImportPlan::supportedFiles()
+{
+    if (m_batch.request.origin && !ImportQueries::fileAtPathIsSupported(m_batch.request.origin->folder)) {
+        m_batch.requestedFiles = filesBelowDirectory(
+            m_batch.request.origin->folder); // they stand for the archive, which was asked for as a file
+        return m_resumption.remaining(m_batch.requestedFiles);
+    }
+    QStringList files;
+    const QStringList paths = m_resumption.remaining(m_batch.request.paths);
+    for (const QString &path : paths) {
+        if (ImportQueries::fileAtPathIsSupported(path)) {
+            if (ImportQueries::fileAtPathIsArchive(path)) {
+                m_batch.hasArchives = true;
+                m_batch.foldersAndArchivesPathOrdered.append(path);
+            }
+            files.append(path);
+        } else {
+            m_batch.record.fileDidDrop(unsupportedFile(path));
+        }
+    }
+    return files;
+}
+
+QStringList ImportPlan::screened(const QStringList &files)
+{
+    ImportConflictResolver resolver(files, m_batch.user);
+    bool isStopped = false;
+    const QStringList valid = resolver.validFilesCancellingOperation(&isStopped);
+    if (isStopped) {
+        m_batch.operation.cancel();
+        return {};
+    }
+    for (const QString &path : resolver.excludedFiles()) {
+        const QString reason =
+            QFileInfo::exists(path)
+                ? zqLocalized("It cannot be read. Change its permissions, or unlock it, and import it again.")
+                : zqLocalized("There is no such file. Check its name.");
+        m_batch.record.fileDidDrop({path, reason});
+    }
+    return valid;
+}
+
+std::optional<ImportPlan::Planned> ImportPlan::flat(ZQSidebarBaseItem &target)
+{
+    const QStringList supported = supportedFiles();
+    if (m_batch.request.origin && m_batch.requestedFiles.isEmpty() && !m_batch.isCancelled()) {
+        m_batch.record.fileDidDrop({m_batch.request.origin->root,
+                                    zqLocalized("The archive holds nothing that can be imported."),
+                                    DroppedFile::Telling::Quietly});
+    }
+    const QStringList files = screened(supported);
+    if (m_batch.request.index != appendIndex) {
+        m_batch.request.index += quint32(m_resumption.earlierItemCount());
+    }
+    if (m_batch.isCancelled() || files.isEmpty()) {
+        return std::nullopt;
+    }
+    return Planned{{{.project = ZQRef<ZQSidebarBaseItem>(&target),
+                     .files = files,
+                     .droppedFolder = m_batch.request.origin ? m_batch.request.origin->folder : QString()}}};
+}
+
+std::optional<ImportPlan::Planned> ImportPlan::structured(ZQSidebarBaseItem &target)
+{
+    quint32 dropIndex = m_batch.request.index == appendIndex ? quint32(target.numberofChilds()) : m_batch.request.index;
+    m_batch.originalDropIndex = dropIndex;
+    m_batch.request.index = appendIndex;
 
     QStringList folders;
     QStringList archives;
     QStringList files;
-    const QStringList paths = remaining(m_itemsToImport);
+    const QStringList paths = m_resumption.remaining(m_batch.request.paths);
     for (const QString &path : paths) {
         if (!ImportQueries::fileAtPathIsSupported(path) && QFileInfo(path).isDir()) {
             folders.append(path);
-            m_foldersAndArchivesPathOrdered.append(path);
+            m_batch.foldersAndArchivesPathOrdered.append(path);
         } else if (!ImportQueries::fileAtPathIsSupported(path)) {
-            fileDidDrop(unsupportedFile(path));
+            m_batch.record.fileDidDrop(unsupportedFile(path));
         } else if (ImportQueries::fileAtPathIsArchive(path)) {
             archives.append(path);
-            m_foldersAndArchivesPathOrdered.append(path);
+            m_batch.foldersAndArchivesPathOrdered.append(path);
         } else {
             files.append(path);
         }
     }
-    m_hasArchives = !archives.isEmpty();
+    m_batch.hasArchives = !archives.isEmpty();
 
-    QList<Group> groups;
+    QList<FileGroup> groups;
     if (!archives.isEmpty()) {
         groups.append({.project = ZQRef<ZQSidebarBaseItem>(&target), .files = archives, .droppedFolder = {}});
-        m_numberOfItemToImport += archives.size();
     }
     addLooseFiles(files, target, dropIndex, groups);
-    if (!folders.isEmpty() && !isCancelled()) {
+    if (!addFolders(folders, target, dropIndex, groups) || m_batch.isCancelled() || !save()) {
+        return std::nullopt;
+    }
+    return Planned{groups, true};
+}
+
+bool ImportPlan::addFolders(const QStringList &folders, ZQSidebarBaseItem &target, quint32 dropIndex,
+                            QList<FileGroup> &groups)
+{
+    if (!folders.isEmpty() && !m_batch.isCancelled()) {
         const QStringList readable = screened(folders); // asks; what cannot be opened is told apart when it is listed
         Q_UNUSED(readable)
     }
     for (const QString &folder : folders) {
-        if (isCancelled()) {
-            return;
+        if (m_batch.isCancelled()) {
+            return false;
         }
-        m_requestedFiles.removeAll(folder); // its files stand for it
-        const QList<Group> found = projectsToImportFromDirectory(folder, &target, dropIndex);
+        m_batch.requestedFiles.removeAll(folder); // its files stand for it
+        const QList<FileGroup> found = projectsToImportFromDirectory(folder, &target, dropIndex);
         if (found.isEmpty()) {
-            m_foldersAndArchivesPathOrdered.removeAll(folder);
-            fileDidDrop(
+            m_batch.foldersAndArchivesPathOrdered.removeAll(folder);
+            m_batch.record.fileDidDrop(
                 {folder, zqLocalized("The folder holds nothing that can be imported."), DroppedFile::Telling::Quietly});
         } else {
             ++dropIndex;
         }
         groups.append(found);
     }
-    if (isCancelled() || !saveStructure() || !rememberGroups(groups)) {
-        return;
-    }
-    importGroups(groups);
+    return true;
 }
 
-void ImportOperation::addLooseFiles(const QStringList &files, ZQSidebarBaseItem &target, quint32 &dropIndex,
-                                    QList<Group> &groups)
+void ImportPlan::addLooseFiles(const QStringList &files, ZQSidebarBaseItem &target, quint32 &dropIndex,
+                               QList<FileGroup> &groups)
 {
     const QStringList valid = files.isEmpty() ? files : screened(files);
-    if (valid.isEmpty() || isCancelled()) {
+    if (valid.isEmpty() || m_batch.isCancelled()) {
         return;
     }
-    const auto project = newSidebarItem<ZQSidebarProject>(*m_moc, zqLocalized("New Project"));
+    const auto project = newSidebarItem<ZQSidebarProject>(*m_batch.context, zqLocalized("New Project"));
     m_createdSidebarItems.append(project);
     target.addChild(project.get(), dropIndex++);
     groups.append({.project = project, .files = valid, .droppedFolder = {}});
-    m_numberOfItemToImport += valid.size();
 }
 
-bool ImportOperation::saveStructure()
+bool ImportPlan::save()
 {
     ZQError error;
-    if (m_moc->save(&error)) {
+    if (m_batch.context->save(&error)) {
         return true;
     }
-    logSaveError(error);
-    m_moc->rollback();
+    logImportSaveError(error);
+    m_batch.context->rollback();
     m_createdSidebarItems.clear();
-    setRefusal(zqFormat(zqLocalized("The library could not be saved: %@"), {error.localizedDescription()}));
+    m_batch.record.setRefusal(
+        zqFormat(zqLocalized("The library could not be saved: %@"), {error.localizedDescription()}));
     return false;
 }
 
-void ImportOperation::dropRefused(const QStringList &refused, const QList<DroppedFile> &dropped)
+std::optional<QList<FileGroup>> ImportPlan::remainingGroups()
 {
-    for (const QString &path : refused) {
-        fileDidDrop(unsupportedFile(path));
+    const ZQRef<ZQSidebarBaseItem> library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*m_batch.context);
+    m_batch.request.index = appendIndex;
+    m_batch.originalDropIndex = appendIndex; // where archives were to go has moved since
+    m_batch.requestedFiles.clear();
+    QList<FileGroup> groups;
+    for (const PendingImport::Group &group : m_resumption.firstRequest().groups) {
+        m_batch.requestedFiles.append(group.files);
+        ZQRef<ZQSidebarBaseItem> project =
+            zqCast<ZQSidebarBaseItem>(m_batch.context->objectWithURIRepresentation(group.project));
+        if (!project || !project->active()) {
+            project = library; // somebody removed it meanwhile
+        }
+        const QStringList files = screened(m_resumption.remaining(group.files));
+        if (m_batch.isCancelled() || !project) {
+            return std::nullopt;
+        }
+        if (!files.isEmpty()) {
+            groups.append({.project = project, .files = files, .droppedFolder = {}});
+        }
     }
-    for (const DroppedFile &file : dropped) {
-        fileDidDrop(file);
+    if (groups.isEmpty()) {
+        return std::nullopt;
+    }
+    m_batch.target = m_batch.request.target;
+    return groups;
+}
+
+void ImportPlan::removeCreatedSidebarItems()
+{
+    for (const ZQRef<ZQSidebarBaseItem> &item : std::as_const(m_createdSidebarItems)) {
+        if (item->managedObjectContext() && !item->isDeleted()) { // a father takes its children along
+            item->deletePermanently();
+        }
+    }
+}
+
+void ImportPlan::dropRefused(const DirectoryContent &content)
+{
+    for (const QString &path : content.refused) {
+        m_batch.record.fileDidDrop(unsupportedFile(path));
+    }
+    for (const DroppedFile &file : content.dropped) {
+        m_batch.record.fileDidDrop(file);
     }
 }
 
 // For a place that takes no folders.
-QStringList ImportOperation::filesBelowDirectory(const QString &directoryPath)
+QStringList ImportPlan::filesBelowDirectory(const QString &directoryPath)
 {
     QStringList files;
     QStringList directories{directoryPath};
-    while (!directories.isEmpty() && !isCancelled()) {
-        DirectoryContent content = contentOfDirectory(directories.takeFirst());
-        dropRefused(content.refused, content.dropped);
+    while (!directories.isEmpty() && !m_batch.isCancelled()) {
+        DirectoryContent content = DirectoryContent::ofDirectory(directories.takeFirst());
+        dropRefused(content);
         files.append(content.files + content.archives);
         directories = content.subfolders + directories;
     }
@@ -205,9 +279,8 @@ QStringList ImportOperation::filesBelowDirectory(const QString &directoryPath)
 
 // A folder with sub-folders stays one node: a sidebar folder that holds them and, for its own files, a project of the
 // same name. An archive counts as a sub-folder, which it becomes when its turn comes.
-QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(const QString &directoryPath,
-                                                                             ZQSidebarBaseItem *inFolder,
-                                                                             quint32 atIndex)
+QList<FileGroup> ImportPlan::projectsToImportFromDirectory(const QString &directoryPath, ZQSidebarBaseItem *inFolder,
+                                                           quint32 atIndex)
 {
     struct Record
     {
@@ -215,7 +288,7 @@ QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(con
         ZQRef<ZQSidebarBaseItem> father;
         bool isRoot;
     };
-    QList<Group> groups;
+    QList<FileGroup> groups;
     const qsizetype firstCreated = m_createdSidebarItems.size();
     QHash<const ZQSidebarBaseItem *, qint32> childCounts; // of the folders made here, which have no other children
     const auto addChild = [&](const Record &record, const ZQRef<ZQSidebarBaseItem> &child) {
@@ -229,16 +302,16 @@ QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(con
     };
     std::deque<Record> records{{directoryPath, ZQRef<ZQSidebarBaseItem>(inFolder), true}};
     while (!records.empty()) {
-        if (isCancelled()) {
+        if (m_batch.isCancelled()) {
             return {};
         }
         Record record = std::move(records.front());
         records.pop_front();
-        DirectoryContent content = contentOfDirectory(record.directoryPath);
-        dropRefused(content.refused, content.dropped);
+        DirectoryContent content = DirectoryContent::ofDirectory(record.directoryPath);
+        dropRefused(content);
         const QString title = titleForDirectory(record.directoryPath);
         if (!content.subfolders.isEmpty() || !content.archives.isEmpty()) {
-            const ZQRef<ZQSidebarBaseItem> folder = newSidebarItem<ZQSidebarFolder>(*m_moc, title);
+            const ZQRef<ZQSidebarBaseItem> folder = newSidebarItem<ZQSidebarFolder>(*m_batch.context, title);
             addChild(record, folder);
             for (const QString &subfolder : std::as_const(content.subfolders)) {
                 records.push_back({subfolder, folder, false});
@@ -246,15 +319,13 @@ QList<ImportOperation::Group> ImportOperation::projectsToImportFromDirectory(con
             record = {record.directoryPath, folder, false};
         }
         if (!content.files.isEmpty()) {
-            const ZQRef<ZQSidebarBaseItem> project = newSidebarItem<ZQSidebarProject>(*m_moc, title);
+            const ZQRef<ZQSidebarBaseItem> project = newSidebarItem<ZQSidebarProject>(*m_batch.context, title);
             addChild(record, project);
-            m_numberOfItemToImport += content.files.size();
-            m_requestedFiles.append(content.files);
+            m_batch.requestedFiles.append(content.files);
             groups.append({.project = project, .files = content.files, .droppedFolder = directoryPath});
         }
         if (!content.archives.isEmpty()) {
-            m_numberOfItemToImport += content.archives.size();
-            m_requestedFiles.append(content.archives);
+            m_batch.requestedFiles.append(content.archives);
             groups.append({.project = record.father, .files = content.archives, .droppedFolder = directoryPath});
         }
     }

@@ -133,7 +133,6 @@ std::shared_ptr<ImportOperation> PendingImports::start(const BatchRequest &reque
     if (!application().managedObjectContext()) {
         return nullptr;
     }
-    auto operation = std::make_shared<ImportOperation>(request, m_owner);
     const QUuid store = application().persistentStoreCoordinator()->storeUUID();
     ZQError error;
     auto pending = PendingImportFile::create(
@@ -150,8 +149,7 @@ std::shared_ptr<ImportOperation> PendingImports::start(const BatchRequest &reque
         qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
                                          << error.localizedDescription();
     }
-    operation->setPendingImport(pending, false);
-    return queue(std::move(operation), pending);
+    return queue(request, {.pending = std::move(pending), .kind = BatchOrigin::Kind::New});
 }
 
 QStringList PendingImports::cutOff() const
@@ -212,10 +210,10 @@ void PendingImports::didLookThroughLeftovers(const QDateTime &launch) const
     }
 }
 
-std::shared_ptr<ImportOperation> PendingImports::queue(std::shared_ptr<ImportOperation> operation,
-                                                       std::shared_ptr<PendingImportFile> pending)
+std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const BatchOrigin &origin)
 {
-    operation->setCompletionBlock([this, pending, weak = std::weak_ptr(operation)] {
+    auto operation = std::make_shared<ImportOperation>(request, origin, m_owner);
+    operation->setCompletionBlock([this, pending = origin.pending, weak = std::weak_ptr(operation)] {
         // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
         const auto ended = weak.lock();
         if (pending && ended && ended->isCancelled() && !ended->hasStarted() && !keepsCancelled()) {
@@ -247,18 +245,11 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name)
                               .holder = holderOf(request.archiveRoot)},
                              pending);
     }
-    auto operation = std::make_shared<ImportOperation>(
-        BatchRequest{.paths = isOfArchive ? QStringList{request.archivePath} : request.paths,
-                     .target = target,
-                     .index = request.index,
-                     .metadata = request.metadata},
-        m_owner);
-    if (isOfArchive) {
-        operation->setRequestOfArchive(pending);
-    } else {
-        operation->setPendingImport(pending, true);
-    }
-    return queue(std::move(operation), pending);
+    return queue({.paths = isOfArchive ? QStringList{request.archivePath} : request.paths,
+                  .target = target,
+                  .index = request.index,
+                  .metadata = request.metadata},
+                 {.pending = pending, .kind = isOfArchive ? BatchOrigin::Kind::UnpacksOf : BatchOrigin::Kind::GoesOn});
 }
 
 std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArchive &archive,
@@ -270,15 +261,12 @@ std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArc
         return nullptr;
     }
     const PendingImport &request = pending->request();
-    auto operation = std::make_shared<ImportOperation>(
-        BatchRequest{.paths = request.paths,
-                     .target = targetOf(request, *application().managedObjectContext()),
-                     .index = request.index,
-                     .metadata = request.metadata,
-                     .origin = archive},
-        m_owner);
-    operation->setPendingImport(pending, true);
-    return queue(std::move(operation), pending);
+    return queue({.paths = request.paths,
+                  .target = targetOf(request, *application().managedObjectContext()),
+                  .index = request.index,
+                  .metadata = request.metadata,
+                  .origin = archive},
+                 {.pending = pending, .kind = BatchOrigin::Kind::GoesOn});
 }
 
 QList<std::shared_ptr<ImportOperation>> PendingImports::resume(qsizetype *unreadable)

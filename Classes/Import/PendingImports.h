@@ -12,6 +12,7 @@
 class ImportOperation;
 class ImportOwner;
 class PendingImportFile;
+struct BatchOrigin;
 struct BatchRequest;
 struct UnfoldedArchive;
 
@@ -50,8 +51,7 @@ public:
 
 private:
     static QString folder();
-    std::shared_ptr<ImportOperation> queue(std::shared_ptr<ImportOperation> operation,
-                                           std::shared_ptr<PendingImportFile> pending);
+    std::shared_ptr<ImportOperation> queue(const BatchRequest &request, const BatchOrigin &origin);
     std::shared_ptr<ImportOperation> resumeOne(const QString &name);
 
     ImportOwner &m_owner;
