@@ -8,9 +8,10 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Import/AImportManager.h"
-#include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/MainWindowController.h"
+#include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
+#include "Classes/LiveFolders/LiveFolderManager.h"
 #include "Classes/Services/CrashReporter.h"
 #include "Classes/Services/InstanceServer.h"
 #include "Classes/Services/SoftwareUpdater.h"
@@ -222,9 +223,11 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     SoftwareUpdater updater;
     CrashReporter crashReporter;
     CloudMenuViewController cloudMenu;
+    LiveFolderManager liveFolders;
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;
     parts.cloudMenuViewController = &cloudMenu;

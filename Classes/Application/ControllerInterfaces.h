@@ -69,13 +69,21 @@ public:
     virtual void offerToResumeImports() = 0;
     // From then on a cancel is no decision of the person's: what was asked for is kept for the next launch.
     virtual void setKeepsCancelledImports(bool keeps) = 0;
+    virtual void thumbForLibraryItem(ZQLibraryBaseItem *item) = 0;
+};
+
+// Live folders, as the application sees them. Main thread.
+class LiveFolderManaging
+{
+public:
+    virtual ~LiveFolderManaging() = default;
+    // What brings them in step with the disk, one after another. Quitting waits for it.
     virtual ZQOperationQueue &syncOperationQueue() = 0;
     virtual void getLiveFolderPermissionFromSandbox() = 0;
     virtual void startObservingWatchedFolders() = 0;
     virtual void stopObservingWatchedFolders() = 0;
     virtual void syncRootWatchedFolders() = 0;
     virtual void syncWatchedFolder(const ZQObjectID &folder, bool force) = 0;
-    virtual void thumbForLibraryItem(ZQLibraryBaseItem *item) = 0;
 };
 
 // The screen-capture controller.

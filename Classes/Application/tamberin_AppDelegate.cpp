@@ -91,8 +91,8 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
     openZeltoKunHelper();
     backgroundOperationQueue().setMaxConcurrentOperationCount(1);
     m_environment->finishInterruptedTagWrites(); // before live folders are looked at, which take in files' tags
-    if (m_parts.importManager) {
-        m_parts.importManager->getLiveFolderPermissionFromSandbox();
+    if (m_parts.liveFolderManager) {
+        m_parts.liveFolderManager->getLiveFolderPermissionFromSandbox();
     }
     if (m_parts.makeMainWindowController) {
         m_mainWindowController = m_parts.makeMainWindowController();
@@ -108,9 +108,9 @@ void tamberin_AppDelegate::applicationDidFinishLaunching()
     if (m_hasQuit) {
         return;
     }
-    if (m_parts.importManager) {
-        m_parts.importManager->startObservingWatchedFolders();
-        m_parts.importManager->syncRootWatchedFolders();
+    if (m_parts.liveFolderManager) {
+        m_parts.liveFolderManager->startObservingWatchedFolders();
+        m_parts.liveFolderManager->syncRootWatchedFolders();
     }
     if (m_parts.crashReporter) {
         m_parts.crashReporter->start({[this] { reopenMainWindow(); },
@@ -198,15 +198,15 @@ void tamberin_AppDelegate::quitZeltoKunHelper()
 
 void tamberin_AppDelegate::syncWatchedFolder(const ZQObjectID &folder)
 {
-    if (m_parts.importManager) {
-        m_parts.importManager->syncWatchedFolder(folder, false);
+    if (m_parts.liveFolderManager) {
+        m_parts.liveFolderManager->syncWatchedFolder(folder, false);
     }
 }
 
 void tamberin_AppDelegate::forceSyncWatchedFolder(const ZQObjectID &folder)
 {
-    if (m_parts.importManager) {
-        m_parts.importManager->syncWatchedFolder(folder, true);
+    if (m_parts.liveFolderManager) {
+        m_parts.liveFolderManager->syncWatchedFolder(folder, true);
     }
 }
 

@@ -26,6 +26,7 @@ struct ApplicationParts
 {
     UserInteraction *userInteraction = nullptr; // required
     ImportManaging *importManager = nullptr;
+    LiveFolderManaging *liveFolderManager = nullptr;
     SoftwareUpdating *softwareUpdater = nullptr;
     CrashReporting *crashReporter = nullptr;
     CloudMenuControlling *cloudMenuViewController = nullptr;

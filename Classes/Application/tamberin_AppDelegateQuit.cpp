@@ -21,7 +21,7 @@ constexpr double notificationSeconds = 2.5;
 
 bool tamberin_AppDelegate::stopRunningImports()
 {
-    ZQOperationQueue *sync = m_parts.importManager ? &m_parts.importManager->syncOperationQueue() : nullptr;
+    ZQOperationQueue *sync = m_parts.liveFolderManager ? &m_parts.liveFolderManager->syncOperationQueue() : nullptr;
     const auto isIdle = [&] {
         return backgroundOperationQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
     };
@@ -75,8 +75,8 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
         m_mainWindowController->cancelEdits();
         m_mainWindowController->savePersistentState();
     }
-    if (m_parts.importManager) {
-        m_parts.importManager->stopObservingWatchedFolders();
+    if (m_parts.liveFolderManager) {
+        m_parts.liveFolderManager->stopObservingWatchedFolders();
     }
     if (!m_context) {
         return TerminateReply::Now; // the library never opened, or was moved away

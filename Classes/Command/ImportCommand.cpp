@@ -1,8 +1,10 @@
 #include "Classes/Command/Commands.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -115,15 +117,15 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
     const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
     const auto start = [&](const QStringList &list, const ZQRef<ZQSidebarBaseItem> &target) {
         if (!list.isEmpty() && target) {
-            operations.push_back(AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
-                list, target->objectID(), index, metadata));
+            operations.push_back(
+                AImportManager::sharedAImportManager().startImport({list, target->objectID(), index, metadata}));
         }
     };
     if (request.into.isEmpty()) {
         QStringList folders;
         QStringList files;
         for (const QString &path : paths) {
-            const bool isFolder = QFileInfo(path).isDir() && !AImportManager::fileAtPathIsSupported(path);
+            const bool isFolder = QFileInfo(path).isDir() && !ImportQueries::fileAtPathIsSupported(path);
             (isFolder ? folders : files).append(path);
         }
         start(folders, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context.store()));
@@ -131,6 +133,13 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
     } else {
         const ZQRef<ZQSidebarBaseItem> target = zqSidebarItemForReference(request.into, context);
         if (!target) {
+            return false;
+        }
+        // Whether it takes any; which of them it does not is reported with the import.
+        const auto answer =
+            SidebarTargetRules::files({.hasSupported = true, .hasFolder = true, .hasArchive = true}, target.get());
+        if (!answer) {
+            context.fail(zqFormat(zqLocalized("“%@” takes no files. %@"), {target->title(), answer.refusal}));
             return false;
         }
         start(paths, target);
@@ -179,11 +188,11 @@ int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operation
 
 void zqTellOfCutOffImports(CommandContext &context)
 {
-    const qsizetype count = AImportManager::sharedAImportManager().cutOffImports().size();
+    const qsizetype count = AImportManager::sharedAImportManager().pendingImports().cutOff().size();
     if (count > 0) {
         const QString text = count == 1 ? zqLocalized("an import was cut off")
                                         : zqFormat(zqLocalized("%d imports were cut off"), {count});
-        const QString which = AImportManager::sharedAImportManager().textForCutOffImports();
+        const QString which = AImportManager::sharedAImportManager().pendingImports().text();
         context.errors += "zelto: " + text.toUtf8() + (which.isEmpty() ? "" : ": " + which.toUtf8()) + "; " +
                           zqLocalized("zelto import --resume goes on with the missing files, zelto import --forget "
                                       "gives them up")
@@ -215,12 +224,12 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
         paths.append(absolute);
     }
     if (request.forgets) {
-        AImportManager::sharedAImportManager().forgetImports();
+        AImportManager::sharedAImportManager().pendingImports().forget();
     }
     std::vector<std::shared_ptr<ImportOperation>> operations;
     qsizetype unreadable = 0;
     if (request.resumes) {
-        for (const auto &operation : AImportManager::sharedAImportManager().resumeImports(&unreadable)) {
+        for (const auto &operation : AImportManager::sharedAImportManager().pendingImports().resume(&unreadable)) {
             operations.push_back(operation);
         }
     }

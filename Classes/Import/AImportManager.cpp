@@ -1,11 +1,13 @@
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/TemporaryFolder.h"
 
-#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
-#include "Classes/Import/PendingImport.h"
 #include "Classes/Import/TakeBackOperation.h"
+#include "Classes/Import/TemporaryFolder.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -22,10 +24,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <cerrno>
-#include <stdlib.h>
-#include <sys/stat.h>
-
 namespace {
 
 constexpr int defaultPosition = 0;
@@ -35,14 +33,13 @@ tamberin_AppDelegate &application()
     return *tamberin_AppDelegate::sharedDelegate();
 }
 
-void presentError(const ZQError &error)
+// One that another context can find; null for no item.
+ZQObjectID savedIdentifier(const ZQSidebarBaseItem *item)
 {
-    qCWarning(zqLogImport).noquote() << error.localizedDescription();
-    zqOnMainThread([error] {
-        if (tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate()) {
-            delegate->userInteraction().presentError(error);
-        }
-    });
+    if (item && item->objectID().isTemporary()) {
+        application().saveAction();
+    }
+    return item ? item->objectID() : ZQObjectID();
 }
 
 // The program that runs into it every time says it once to a person, not once a launch.
@@ -73,9 +70,7 @@ AImportManager &AImportManager::sharedAImportManager()
     return manager;
 }
 
-AImportManager::AImportManager()
-    : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_syncOperationQueue(QStringLiteral("Live folders"), 1),
-      m_liveFolderManager(m_syncOperationQueue)
+AImportManager::AImportManager() : m_thumbsGenerationQueue(QStringLiteral("Thumbnails"), 3), m_pendingImports(*this)
 {
     ZQPreviewService::setUnconfinedHandler(tellThatDrawingIsUnconfined);
 }
@@ -85,54 +80,19 @@ ZQOperationQueue &AImportManager::importOperationQueue()
     return application().backgroundOperationQueue();
 }
 
-std::shared_ptr<ImportOperation> AImportManager::startImportOfFilesAtPaths(const QStringList &paths,
-                                                                           const ZQObjectID &intoSidebarItemID,
-                                                                           quint32 atIndex, const QVariantMap &metadata)
-{
-    return startImport(paths, intoSidebarItemID, atIndex, metadata, nullptr);
-}
-
-std::shared_ptr<ImportOperation> AImportManager::startImportOfArchive(const UnfoldedArchive &archive, quint32 atIndex)
-{
-    return startImport({archive.folder}, archive.sidebarItem, atIndex, archive.metadata, &archive);
-}
-
-std::shared_ptr<ImportOperation> AImportManager::startImport(const QStringList &paths,
-                                                             const ZQObjectID &intoSidebarItemID, quint32 atIndex,
-                                                             const QVariantMap &metadata, const UnfoldedArchive *origin)
+std::shared_ptr<ImportOperation> AImportManager::startImport(const BatchRequest &request)
 {
     Q_ASSERT(zqIsMainThread());
     application().saveAction();
-    if (!application().managedObjectContext()) {
-        presentError(ZQError::with(QStringLiteral("zelto.import"), 1,
-                                   zqLocalized("There is no library to import into."),
-                                   zqLocalized("Open or create a library first.")));
+    auto operation = m_pendingImports.start(request);
+    if (!operation) {
+        presentImportError(ZQError::with(QStringLiteral("zelto.import"), 1,
+                                         zqLocalized("There is no library to import into."),
+                                         zqLocalized("Open or create a library first.")));
         return nullptr;
     }
-    auto operation = std::make_shared<ImportOperation>(paths, intoSidebarItemID, atIndex, metadata);
-    if (origin) {
-        operation->setOrigin(*origin);
-    }
-    const QUuid store = application().persistentStoreCoordinator()->storeUUID();
-    ZQError error;
-    auto pending = PendingImportFile::create(
-        pendingFolder(),
-        {.paths = paths,
-         .target = intoSidebarItemID.isNull() ? QString() : intoSidebarItemID.URIRepresentation(store),
-         .index = atIndex,
-         .metadata = metadata,
-         .archivePath = origin ? origin->archivePath : QString(),
-         .archiveRoot = origin ? origin->root : QString(),
-         .groups = {}},
-        &error);
-    if (!pending) {
-        qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
-                                         << error.localizedDescription();
-    }
-    operation->setPendingImport(pending, false);
-    queue(operation, pending);
     if (importOperationQueue().operationCount() >= 2) {
-        announceQueued(paths);
+        announceQueued(request.paths);
     }
     return operation;
 }
@@ -151,28 +111,13 @@ void AImportManager::announceQueued(const QStringList &paths)
 void AImportManager::importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                                         const QVariantMap &metadata)
 {
-    startImportOfFilesAtPaths(paths, intoSidebarItemID, atIndex, metadata);
-}
-
-std::shared_ptr<ImportOperation> AImportManager::importFilesAtPaths(const QStringList &paths,
-                                                                    const ZQSidebarBaseItem *intoSidebarItem)
-{
-    return importFilesAtPaths(paths, intoSidebarItem, ZQSidebarBaseItem::appendIndex);
+    startImport({.paths = paths, .target = intoSidebarItemID, .index = atIndex, .metadata = metadata});
 }
 
 std::shared_ptr<ImportOperation>
 AImportManager::importFilesAtPaths(const QStringList &paths, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex)
 {
-    if (intoSidebarItem && intoSidebarItem->objectID().isTemporary()) {
-        application().saveAction(); // an identifier that another context can find
-    }
-    return startImportOfFilesAtPaths(paths, intoSidebarItem ? intoSidebarItem->objectID() : ZQObjectID(), atIndex, {});
-}
-
-std::shared_ptr<ImportOperation> AImportManager::importFileURLs(const QList<QUrl> &urls,
-                                                                const ZQSidebarBaseItem *intoSidebarItem)
-{
-    return importFileURLs(urls, intoSidebarItem, ZQSidebarBaseItem::appendIndex);
+    return startImport({.paths = paths, .target = savedIdentifier(intoSidebarItem), .index = atIndex});
 }
 
 std::shared_ptr<ImportOperation>
@@ -184,20 +129,21 @@ AImportManager::importFileURLs(const QList<QUrl> &urls, const ZQSidebarBaseItem 
             paths.append(url.toLocalFile());
         }
     }
-    return importFilesAtPaths(paths, intoSidebarItem, atIndex);
+    return startImport({.paths = paths, .target = savedIdentifier(intoSidebarItem), .index = atIndex});
 }
 
 std::shared_ptr<ImportOperation> AImportManager::importItemsFromPasteboard(const QMimeData *pasteboard,
                                                                            const ZQSidebarBaseItem *intoSidebarItem,
                                                                            quint32 atIndex)
 {
-    const PasteboardFiles files = PasteboardFiles::filesFromMimeData(pasteboard, temporaryDirectory);
+    const PasteboardFiles files = PasteboardFiles::filesFromMimeData(pasteboard, TemporaryFolder::temporaryDirectory);
     if (files.paths.isEmpty()) {
         return nullptr;
     }
-    application().saveAction();
-    return startImportOfFilesAtPaths(files.paths, intoSidebarItem ? intoSidebarItem->objectID() : ZQObjectID(), atIndex,
-                                     files.metadata);
+    return startImport({.paths = files.paths,
+                        .target = savedIdentifier(intoSidebarItem),
+                        .index = atIndex,
+                        .metadata = files.metadata});
 }
 
 void AImportManager::stopAllOperation()
@@ -248,7 +194,7 @@ void tellOfDirectoriesLeft(const QStringList &names, const QString &library)
         return;
     }
     DirectoriesLeft(library).add(names);
-    presentError(ZQError::with(
+    presentImportError(ZQError::with(
         QStringLiteral("zelto.import"), 7,
         names.size() == 1
             ? zqFormat(zqLocalized("“%@” in the library belongs to no item and could not be taken back."),
@@ -274,7 +220,7 @@ void AImportManager::takeBackItemDirectories(const QStringList &names,
     if (known > 0) {
         qCWarning(zqLogImport) << known << "item directories of no item could not be taken back before";
     }
-    auto operation = std::make_shared<TakeBackOperation>(rest);
+    auto operation = std::make_shared<TakeBackOperation>(rest, *this);
     operation->setCompletionBlock([weak = std::weak_ptr(operation), done = std::move(done), library] {
         zqOnMainThread([operation = weak.lock(), done, library] {
             if (operation) {
@@ -284,22 +230,6 @@ void AImportManager::takeBackItemDirectories(const QStringList &names,
         });
     });
     importOperationQueue().addOperation(operation);
-}
-
-QString AImportManager::temporaryDirectory()
-{
-    ZQError error;
-    QString directory = TemporaryArea::newFolder(&error);
-    if (directory.isEmpty()) {
-        presentError(error);
-    }
-    return directory;
-}
-
-QUrl AImportManager::temporaryURL()
-{
-    const QString directory = temporaryDirectory();
-    return directory.isEmpty() ? QUrl() : QUrl::fromLocalFile(directory);
 }
 
 void AImportManager::mergeChanges(const ZQContextDidSave &notification)
@@ -340,7 +270,7 @@ void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
     }
     m_thumbsGenerationQueue.addOperationWithBlock([this, file, bundle, oldThumb, id] {
         QString thumb;
-        if (!canSkipThumbForPath(file)) {
+        if (!ImportQueries::canSkipThumbForPath(file)) {
             ZQError error;
             thumb = ThumbGenerator::thumbPathForImageURL(file, bundle, nullptr, &error);
             if (thumb.isEmpty()) {
@@ -377,9 +307,4 @@ bool AImportManager::libraryOnPath(const QString &volumePath) const
     const QString volume = QDir::cleanPath(volumePath);
     const QString library = application().libraryBundleDirectory();
     return !library.isEmpty() && (library == volume || volume == u"/" || library.startsWith(volume + u'/'));
-}
-
-void AImportManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
-{
-    m_liveFolderManager.syncWatchedFolders({folder}, true, force);
 }

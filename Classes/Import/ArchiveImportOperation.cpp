@@ -1,12 +1,12 @@
 #include "Classes/Import/ArchiveImportOperation.h"
 
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/TemporaryFolder.h"
 #include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Imaging/ZQArchiveWorker.h"
 
 #include <QDir>
@@ -50,13 +50,6 @@ bool endsUnpacking(const ZQError &error)
 
 } // namespace
 
-TemporaryFolder::~TemporaryFolder()
-{
-    if (!m_isKept && !QDir(m_path).removeRecursively()) {
-        qCInfo(zqLogImport).noquote() << "The temporary folder" << m_path << "could not be removed";
-    }
-}
-
 ArchiveImportOperation::ArchiveImportOperation(const QString &filePath) : BaseImportOperation(filePath)
 {
     m_fileData.reset();
@@ -97,7 +90,7 @@ void ArchiveImportOperation::unpack()
                            : zqLocalized("It is not there any more. Look where it went and import it from there."));
         return;
     }
-    const QString temporary = AImportManager::temporaryDirectory();
+    const QString temporary = TemporaryFolder::temporaryDirectory();
     if (temporary.isEmpty()) {
         drop(zqLocalized("It cannot be unpacked, since no temporary folder can be made. Free some space there, or name "
                          "another folder in TMPDIR, and import it again."));
@@ -149,7 +142,7 @@ bool ArchiveImportOperation::unfoldZipsAtPath(const QString &folder, ZQArchiveRe
             if (entry.isSymLink()) {
                 continue;
             }
-            if (entry.isDir() && !AImportManager::fileAtPathIsSupported(path)) {
+            if (entry.isDir() && !ImportQueries::fileAtPathIsSupported(path)) {
                 folders.append({path, current.depth});
             } else if (entry.isFile() && isArchivePath(path)) {
                 const QString unfolded = folderForArchive(path, current.path);

@@ -1,12 +1,10 @@
 #include "Classes/Import/BaseImportOperation.h"
 
 #include "Classes/Application/LibraryBundleManager.h"
-#include "Classes/Import/AImportManager.h"
-#include "Classes/Import/ArchiveImportOperation.h"
 #include "Classes/Import/ColorFinder.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
-#include "Classes/Import/KindImportOperations.h"
-#include "Classes/Import/LittleSnapperSnapImportOperation.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
@@ -37,37 +35,6 @@ bool isPackage(const QString &path)
     return kind && kind->takes == ImportKind::Takes::Package;
 }
 
-bool isFullDisk(const ZQError &error)
-{
-    return error.domain == ZQError::posixDomain && (error.code == ENOSPC || error.code == EDQUOT);
-}
-
-QString fullDiskReason()
-{
-    return zqLocalized("The disk is full. Free some space and import it again.");
-}
-
-QString reasonForError(const ZQError &error)
-{
-    if (error.domain == ZQError::posixDomain) {
-        switch (error.code) {
-        case ENOSPC:
-        case EDQUOT:
-            return fullDiskReason();
-        case EACCES:
-        case EPERM:
-            return zqLocalized("You have no permission to read it. Change its permissions and import it again.");
-        case ENOENT:
-            return zqLocalized("It is not there any more. Look where it went and import it from there.");
-        case EIO:
-            return zqLocalized("Its disk cannot read it. Check the disk, or import it from a copy.");
-        default:
-            break;
-        }
-    }
-    return error.localizedDescription();
-}
-
 QDateTime dateFromMilliseconds(qint64 milliseconds)
 {
     return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::UTC);
@@ -89,35 +56,6 @@ ImportSettings ImportSettings::current()
         .smallTagSize = integer("SmallTagSize"),
         .mediumTagSize = integer("MediumTagSize"),
     };
-}
-
-std::shared_ptr<BaseImportOperation> BaseImportOperation::importOperationForFilePath(const QString &path)
-{
-    const ImportKind *kind = importKindForPath(path);
-    if (!kind || !AImportManager::fileAtPathIsSupported(path)) {
-        return nullptr;
-    }
-    switch (kind->importer) {
-    case Importer::Image:
-        return std::make_shared<ImageImportOperation>(path);
-    case Importer::QuickLook:
-        return std::make_shared<QuickLookImportOperation>(path);
-    case Importer::Acorn:
-        return std::make_shared<AcornImportOperation>(path);
-    case Importer::Sketch:
-        return std::make_shared<SketchImportOperation>(path);
-    case Importer::SVG:
-        return std::make_shared<SVGImportOperation>(path);
-    case Importer::PDF:
-        return std::make_shared<PDFImportOperation>(path);
-    case Importer::Snap:
-        return std::make_shared<LittleSnapperSnapImportOperation>(path);
-    case Importer::Archive:
-        return std::make_shared<ArchiveImportOperation>(path);
-    case Importer::EPS:
-        return std::make_shared<EPSImportOperation>(path);
-    }
-    return nullptr;
 }
 
 BaseImportOperation::BaseImportOperation(const QString &filePath)
@@ -246,7 +184,7 @@ void BaseImportOperation::dropForError(const ZQError &error)
     if (isFullDisk(error) && m_batch) {
         m_batch->setRefusal(fullDiskReason());
     }
-    drop(reasonForError(error));
+    drop(importReasonForError(error));
 }
 
 void BaseImportOperation::removeItemBundle()
@@ -289,8 +227,8 @@ namespace {
 bool isReallyTemporary(const QString &path)
 {
     const QFileInfo info(path);
-    return AImportManager::fileIsInsideTemporaryDirectory(path) && !info.isSymLink() &&
-           AImportManager::fileIsInsideTemporaryDirectory(info.canonicalFilePath());
+    return ImportQueries::fileIsInsideTemporaryDirectory(path) && !info.isSymLink() &&
+           ImportQueries::fileIsInsideTemporaryDirectory(info.canonicalFilePath());
 }
 } // namespace
 
@@ -412,7 +350,7 @@ bool BaseImportOperation::writeRepresentationBitmap(const ZQBitmap &bitmap, cons
         const QString message = zqFormat(QLatin1String(invalidMessage), {m_filePath});
         qCWarning(zqLogImport).noquote() << message;
         drop(error.isNull() ? zqFormat(zqLocalized(invalidMessage), {QFileInfo(m_sourcePath).fileName()})
-                            : reasonForError(error));
+                            : importReasonForError(error));
         return false;
     }
     ZQError writeError;
@@ -428,7 +366,7 @@ bool BaseImportOperation::writeRepresentationBitmap(const ZQBitmap &bitmap, cons
 void BaseImportOperation::drawThumbnail(std::optional<ZQImageProperties> *properties)
 {
     m_isDrawn = true;
-    m_showsFileItself = AImportManager::canSkipThumbForPath(m_filePath);
+    m_showsFileItself = ImportQueries::canSkipThumbForPath(m_filePath);
     // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from this.
     m_thumbnail = m_showsFileItself ? ZQImageSource::thumbnailOfFile(m_filePath, ColorFinder::decodedSize, &m_drawError,
                                                                      0, properties)
@@ -463,7 +401,7 @@ void BaseImportOperation::createThumbForItem()
         qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("can't create thumb for %@"), {m_filePath});
         drop(error.isNull()
                  ? zqLocalized("No picture can be made of it. Open it in another program to see whether it is damaged.")
-                 : reasonForError(error));
+                 : importReasonForError(error));
     } else if (isFullDisk(error)) {
         dropForError(error);
     } else {

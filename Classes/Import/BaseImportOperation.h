@@ -44,9 +44,6 @@ public:
 class BaseImportOperation : public ZQOperation
 {
 public:
-    // Null for a file that no importer takes.
-    static std::shared_ptr<BaseImportOperation> importOperationForFilePath(const QString &path);
-
     explicit BaseImportOperation(const QString &filePath);
     ~BaseImportOperation() override;
 

@@ -1,6 +1,6 @@
 #include "Classes/Import/ImportConflictResolver.h"
 
-#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportQueries.h"
 
 ImportConflictResolver::ImportConflictResolver(const QStringList &filePaths, UserInteraction &userInteraction)
     : m_filePaths(filePaths), m_userInteraction(userInteraction)
@@ -9,7 +9,7 @@ ImportConflictResolver::ImportConflictResolver(const QStringList &filePaths, Use
 
 void ImportConflictResolver::checkReadability(FileConflict &conflict)
 {
-    conflict.isValid = AImportManager::isFileReadableAtPath(conflict.path);
+    conflict.isValid = ImportQueries::isFileReadableAtPath(conflict.path);
 }
 
 QStringList ImportConflictResolver::validFilesCancellingOperation(bool *cancellingOperation)

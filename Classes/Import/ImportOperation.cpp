@@ -1,35 +1,36 @@
 #include "Classes/Import/ImportOperation.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Import/AImportManager.h"
-#include "Classes/Import/ImportConflictResolver.h"
-#include "Classes/Import/ImportKind.h"
+#include "Classes/Import/BatchResult.h"
+#include "Classes/Import/DuplicateCheck.h"
+#include "Classes/Import/GroupImport.h"
+#include "Classes/Import/ImportErrors.h"
+#include "Classes/Import/ImportOwner.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
-#include "Models/DataModel/ZQLibraryEnvironment.h"
 
-#include <QDebug>
 #include <QFileInfo>
+#include <QHash>
 
 #include <algorithm>
 
-ImportOperation::ImportOperation(const QStringList &itemsToImport, const ZQObjectID &rootSidebarItem, quint32 index,
-                                 const QVariantMap &metadata)
-    : m_itemsToImport(itemsToImport), m_rootSidebarItem(rootSidebarItem), m_index(index), m_originalDropIndex(index),
-      m_metadata(metadata), m_settings(ImportSettings::current()),
-      m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
-      m_userInteraction(tamberin_AppDelegate::sharedDelegate()->userInteraction())
+ImportOperation::ImportOperation(const BatchRequest &request, const BatchOrigin &origin, ImportOwner &owner)
+    : m_owner(owner), m_batch{.operation = *this,
+                              .user = tamberin_AppDelegate::sharedDelegate()->userInteraction(),
+                              .settings = ImportSettings::current(),
+                              .coordinator = tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator(),
+                              .request = request,
+                              .originalDropIndex = request.index,
+                              .requestedFiles = request.paths},
+      m_resumption(m_batch, origin), m_plan(m_batch, m_resumption), m_items(m_batch, m_resumption)
 {
+    if (request.origin) {
+        m_batch.record.report().setOrigin(request.origin->root, request.origin->archivePath);
+    }
 }
 
 ImportOperation::~ImportOperation() = default;
-
-void ImportOperation::setOrigin(const UnfoldedArchive &archive)
-{
-    m_origin = archive;
-    m_report.setOrigin(archive.root, archive.archivePath);
-}
 
 bool ImportOperation::isWhollyFinished() const
 {
@@ -46,233 +47,210 @@ bool ImportOperation::isAnyCancelled() const
 void ImportOperation::main()
 {
     m_hasStarted = true;
-    m_startDate = std::chrono::steady_clock::now();
-    m_lastProgress = m_startDate;
+    BatchResult result(m_batch, m_resumption);
     if (setUp()) {
-        if (m_isResumed && m_pendingImport) {
+        if (m_resumption.goesOn()) {
             resume();
         } else {
             importIntoTarget();
         }
     }
-    finish();
+    finish(result);
 }
 
 bool ImportOperation::setUp()
 {
-    m_requestedFiles = m_itemsToImport;
-    if (!m_coordinator) {
-        setRefusal(zqLocalized("The library cannot be opened."));
+    if (!m_batch.coordinator) {
+        m_batch.record.setRefusal(zqLocalized("The library cannot be opened."));
         return false;
     }
-    m_importOperationQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("Import"), 3);
-    m_moc = std::make_unique<ZQManagedObjectContext>(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
+    m_batch.context = std::make_unique<ZQManagedObjectContext>(m_batch.coordinator, ZQMergePolicy::PropertyObjectTrump);
+    m_batch.inserter = std::make_unique<ItemInserter>(*m_batch.context);
+    m_groupImport = std::make_unique<GroupImport>(m_batch, m_items);
     m_cancellationObserver = observe([this](Key key) {
         if (key == Key::IsCancelled) {
-            m_importOperationQueue->cancelAllOperations();
+            m_groupImport->cancelFiles();
         }
     });
-    m_mainThreadSaveObserver = m_moc->observeDidSave([](const ZQContextDidSave &notification) {
-        zqOnMainThreadAndWait([&notification] { AImportManager::sharedAImportManager().mergeChanges(notification); });
+    m_mainThreadSaveObserver = m_batch.context->observeDidSave([this](const ZQContextDidSave &notification) {
+        zqOnMainThreadAndWait([this, &notification] { m_owner.mergeChanges(notification); });
     });
     return !isCancelled();
 }
 
 void ImportOperation::importIntoTarget()
 {
-    const ZQRef<ZQSidebarBaseItem> target =
-        m_rootSidebarItem.isNull() ? ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*m_moc)
-                                   : zqCast<ZQSidebarBaseItem>(m_moc->existingObjectWithID(m_rootSidebarItem));
-    if (!target) {
-        dropAll(m_itemsToImport,
-                zqLocalized("The sidebar item it was to go to does not exist any more. Import it into another one."));
+    auto planned = m_plan.groupsForTarget();
+    if (planned && (!planned->madeFolders || rememberFolders(planned->groups))) {
+        m_groupImport->importGroups(planned->groups);
+    }
+}
+
+bool ImportOperation::rememberFolders(const QList<FileGroup> &groups)
+{
+    ZQError error;
+    if (m_resumption.rememberGroups(groups, &error)) {
+        return true;
+    }
+    removeEverythingCreated(); // or going on would make the same projects again
+    m_resumption.postpone(
+        zqFormat(zqLocalized("%@ Import it again once that is mended."), {error.localizedDescription()}));
+    return false;
+}
+
+void ImportOperation::resume()
+{
+    const bool isRestored = m_resumption.restoreEarlierItems(
+        [this](const PendingImportFile::Source &source, ZQLibraryBaseItem &item) { m_items.addEarlier(source, item); });
+    if (!isRestored) {
+        m_batch.requestedFiles.clear(); // told in one sentence
         return;
     }
-    m_target = target->objectID();
-    const bool takesFiles =
-        target->isProject() || target->isScreenshot() || target->isLibrary() || (target->isTag() && !target->isLabel());
-    const bool takesFolders = !target->isTag() && target->kind() != qint16(ZQSidebarKind::WatchedFoldersLabel) &&
-                              (target->isFolder() || target->isDroppableLabel());
-    if (takesFiles) {
-        importFlat(*target);
-    } else if (takesFolders) {
-        importStructured(*target);
+    m_batch.isProcessed = m_resumption.earlierItemCount() > 0;
+    if (m_resumption.firstRequest().groups.isEmpty()) {
+        importIntoTarget();
+        return;
+    }
+    if (auto groups = m_plan.remainingGroups()) {
+        m_groupImport->importGroups(*groups);
+    }
+    m_batch.request.paths = m_resumption.firstRequest().ungrouped;
+    // Making folders saves them, and with them what was imported so far, which is to be noted before.
+    if (!m_batch.request.paths.isEmpty() && !isCancelled() && m_batch.record.refusal().isEmpty() && m_items.save()) {
+        m_batch.requestedFiles.append(m_batch.request.paths);
+        importIntoTarget();
+    }
+}
+
+void ImportOperation::removeEverythingCreated()
+{
+    m_items.takeOutAll();
+    m_plan.removeCreatedSidebarItems();
+    m_batch.inserter->removeNewTags();
+}
+
+void ImportOperation::finish(BatchResult &result)
+{
+    if (!isCancelled() && m_batch.context) {
+        DuplicateCheck(m_batch, m_items, m_resumption).run();
+    }
+    const bool wasCancelled = isCancelled(); // what comes later comes too late
+    if (m_batch.context) {
+        saveAtTheEnd(wasCancelled);
+    }
+    if (!wasCancelled) {
+        importUnfoldedArchives();
+    }
+    m_batch.record.takeUnfoldedArchives();
+    m_resumption.end(wasCancelled, m_owner.keepsCancelledImports(), m_items.savedCount(), !m_followUps.isEmpty());
+    result.report(m_items, m_followedUpPaths, wasCancelled);
+    result.tell(!m_followUps.isEmpty(), wasCancelled);
+    m_batch.record.endProgress();
+    releaseOrigin();
+}
+
+void ImportOperation::saveAtTheEnd(bool wasCancelled)
+{
+    if (wasCancelled) {
+        removeEverythingCreated();
+    }
+    ZQError error;
+    if (!m_items.save(&error)) {
+        m_items.keepWhatCouldNotBeTakenOut(error);
+    } else if (!wasCancelled) {
+        m_items.removeSources();
+    }
+    m_items.removeDirectories();
+    enableSidebarItems();
+    m_mainThreadSaveObserver.reset();
+    m_cancellationObserver.reset();
+    m_batch.context.reset();
+}
+
+void ImportOperation::enableSidebarItems()
+{
+    ZQManagedObjectContext &context = *m_batch.context;
+    m_items.releaseObjects();
+    m_plan.forgetCreatedSidebarItems();
+    m_batch.inserter.reset();
+    context.reset();
+    const auto items = zqFetch<ZQSidebarBaseItem>(context, QStringLiteral("enabled == %@"), {false});
+    for (const ZQRef<ZQSidebarBaseItem> &item : items.value_or(QList<ZQRef<ZQSidebarBaseItem>>())) {
+        item->setEnabled(true);
+    }
+    ZQError error;
+    if (!context.save(&error)) {
+        logImportSaveError(error);
+    }
+}
+
+// The folder it was unpacked into goes with it.
+void ImportOperation::releaseOrigin()
+{
+    std::optional<UnfoldedArchive> &origin = m_batch.request.origin;
+    if (origin && m_resumption.isRequestKept() && origin->holder && !QFileInfo::exists(origin->archivePath)) {
+        origin->holder->keep(); // there is nothing else left of the archive
+    }
+    origin.reset();
+}
+
+// In the order of the request, whichever was unpacked first. They are queued before this batch has finished, so whoever
+// waits for an empty queue waits for them too.
+void ImportOperation::importUnfoldedArchives()
+{
+    QList<UnfoldedArchive> archives = m_batch.record.takeUnfoldedArchives();
+    QHash<QString, qsizetype> order;
+    for (qsizetype i = 0; i < m_batch.requestedFiles.size(); ++i) {
+        order.insert(m_batch.requestedFiles.at(i), i);
+    }
+    std::stable_sort(archives.begin(), archives.end(), [&order](const UnfoldedArchive &a, const UnfoldedArchive &b) {
+        return order.value(a.archivePath) < order.value(b.archivePath);
+    });
+    for (const UnfoldedArchive &archive : std::as_const(archives)) {
+        const bool isServed = zqOnMainThreadAndWait([this, &archive] { importUnfoldedArchive(archive); });
+        if (!isServed) {
+            m_batch.record.fileDidDrop({archive.archivePath,
+                                        zqLocalized("Zelto was quit before it could be imported. Import it again."),
+                                        DroppedFile::Telling::Quietly});
+        }
+    }
+}
+
+void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
+{
+    if (isCancelled()) { // by whoever stops all imports; the new one would not be among them
+        m_batch.record.fileDidDrop({archive.archivePath,
+                                    zqLocalized("The import was cancelled. Import it again if you want it."),
+                                    DroppedFile::Telling::Quietly});
+        return;
+    }
+    const auto followUp = m_resumption.unpacksOf()
+                              ? m_owner.resumeImportOfArchive(archive, m_resumption.requestOfArchive())
+                              : m_owner.startImport({.paths = {archive.folder},
+                                                     .target = archive.sidebarItem,
+                                                     .index = indexForArchive(archive),
+                                                     .metadata = archive.metadata,
+                                                     .origin = archive});
+    if (followUp) {
+        const PendingImportFile::Source handedOver{
+            .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};
+        ZQError error;
+        if (!m_resumption.remember({handedOver}, &error)) {
+            qCWarning(zqLogImport).noquote() << error.localizedDescription();
+        }
+        m_followUps.append(followUp);
+        m_followedUpPaths.insert(archive.archivePath);
     } else {
-        dropAll(m_itemsToImport,
-                zqFormat(zqLocalized("“%@” takes no files. Import it into the library, a project or a tag."),
-                         {target->title()}));
+        m_batch.record.fileDidDrop(
+            {archive.archivePath, zqLocalized("The library was closed. Open it and import it again.")});
     }
 }
 
-DroppedFile ImportOperation::unsupportedFile(const QString &path)
+quint32 ImportOperation::indexForArchive(const UnfoldedArchive &archive) const
 {
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        return {path, zqLocalized("There is no such file. Check its name."), DroppedFile::Telling::Quietly};
+    if (m_batch.originalDropIndex == appendIndex || archive.sidebarItem != m_batch.target) {
+        return appendIndex;
     }
-    if (info.isDir()) {
-        return {path, zqLocalized("It is a folder. Import it into a folder of the sidebar, or into PROJECTS."),
-                DroppedFile::Telling::Quietly};
-    }
-    if (isSketchFile(path)) {
-        return {path, zqLocalized(
-                          "It is a document of a newer Sketch, which cannot be imported. Export it from Sketch as PNG, "
-                          "SVG or PDF and import that.")};
-    }
-    return {path, zqLocalized("Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first."),
-            DroppedFile::Telling::Quietly};
-}
-
-QStringList ImportOperation::supportedFiles()
-{
-    if (m_origin && !AImportManager::fileAtPathIsSupported(m_origin->folder)) {
-        m_requestedFiles =
-            filesBelowDirectory(m_origin->folder); // they stand for the archive, which was asked for as a file
-        return remaining(m_requestedFiles);
-    }
-    QStringList files;
-    const QStringList paths = remaining(m_itemsToImport);
-    for (const QString &path : paths) {
-        if (AImportManager::fileAtPathIsSupported(path)) {
-            if (AImportManager::fileAtPathIsArchive(path)) {
-                m_hasArchives = true;
-                m_foldersAndArchivesPathOrdered.append(path);
-            }
-            files.append(path);
-        } else {
-            fileDidDrop(unsupportedFile(path));
-        }
-    }
-    return files;
-}
-
-QStringList ImportOperation::screened(const QStringList &files)
-{
-    ImportConflictResolver resolver(files, m_userInteraction);
-    bool isStopped = false;
-    const QStringList valid = resolver.validFilesCancellingOperation(&isStopped);
-    if (isStopped) {
-        cancel();
-        return {};
-    }
-    for (const QString &path : resolver.excludedFiles()) {
-        const QString reason =
-            QFileInfo::exists(path)
-                ? zqLocalized("It cannot be read. Change its permissions, or unlock it, and import it again.")
-                : zqLocalized("There is no such file. Check its name.");
-        fileDidDrop({path, reason});
-    }
-    return valid;
-}
-
-void ImportOperation::importFlat(ZQSidebarBaseItem &target)
-{
-    const QStringList supported = supportedFiles();
-    if (m_origin && m_requestedFiles.isEmpty() && !isCancelled()) {
-        fileDidDrop({m_origin->root, zqLocalized("The archive holds nothing that can be imported."),
-                     DroppedFile::Telling::Quietly});
-    }
-    const QStringList files = screened(supported);
-    if (m_index != appendIndex) {
-        m_index += quint32(m_savedItemCount);
-    }
-    m_numberOfItemToImport = files.size();
-    if (isCancelled() || files.isEmpty()) {
-        return;
-    }
-    QList<Group> groups{{.project = ZQRef<ZQSidebarBaseItem>(&target),
-                         .files = files,
-                         .droppedFolder = m_origin ? m_origin->folder : QString()}};
-    orderLikeTheDrop(groups);
-    beginProgress();
-    importFiles(groups.first());
-}
-
-void ImportOperation::beginProgress()
-{
-    const std::weak_ptr<ZQOperation> operation = weak_from_this();
-    m_progress =
-        m_userInteraction.beginProgress(zqLocalized("Importing…"), double(m_numberOfItemToImport), [operation] {
-            if (const auto running = operation.lock()) {
-                running->cancel();
-            }
-        });
-}
-
-void ImportOperation::fileDidDrop(const DroppedFile &file)
-{
-    if (file.telling != DroppedFile::Telling::InWindowIncomplete) {
-        const std::lock_guard lock(m_mutex);
-        if (m_droppedPaths.contains(file.path)) {
-            return;
-        }
-        m_droppedPaths.insert(file.path);
-    }
-    m_report.addDropped(file);
-}
-
-void ImportOperation::archiveDidUnfold(const UnfoldedArchive &archive)
-{
-    const std::lock_guard lock(m_mutex);
-    m_unfoldedArchives.append(archive);
-}
-
-void ImportOperation::dropAll(const QStringList &paths, const QString &reason, DroppedFile::Telling telling)
-{
-    for (const QString &path : paths) {
-        fileDidDrop({path, reason, telling});
-    }
-}
-
-// The bar moves a few times a second; a call for each of many small files would cost more than the files.
-void ImportOperation::fileDidFinish()
-{
-    constexpr std::chrono::milliseconds interval(60);
-    int amount = 0;
-    {
-        const std::lock_guard lock(m_mutex);
-        ++m_unreportedProgress;
-        const auto now = std::chrono::steady_clock::now();
-        if (now - m_lastProgress < interval) {
-            return;
-        }
-        m_lastProgress = now;
-        amount = std::exchange(m_unreportedProgress, 0);
-    }
-    if (m_progress) {
-        m_progress->advanceBy(amount);
-    }
-}
-
-QString ImportOperation::refusal() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_refusal;
-}
-
-void ImportOperation::setRefusal(const QString &reason)
-{
-    const std::lock_guard lock(m_mutex);
-    if (m_refusal.isEmpty()) {
-        m_refusal = reason;
-    }
-}
-
-void ImportOperation::logSaveError(const ZQError &error)
-{
-    QString details;
-    QDebug(&details).nospace() << error.userInfo;
-    qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("error ->%@ %@"),
-                                                 {error.localizedDescription(), details});
-}
-
-QString ImportOperation::bundlePath(const QString &bundleID)
-{
-    return ZQLibraryEnvironment::current().libraryDirectory() + u'/' + bundleID +
-           ZQLibraryBaseItem::itemDirectoryExtension;
-}
-
-ZQRef<ZQLibraryBaseItem> ImportOperation::object(const CreatedItem &item)
-{
-    return zqCast<ZQLibraryBaseItem>(m_moc->objectWithID(item.objectID));
+    const qsizetype place = m_batch.foldersAndArchivesPathOrdered.indexOf(archive.archivePath);
+    return m_batch.originalDropIndex + quint32(std::max<qsizetype>(place, 0));
 }

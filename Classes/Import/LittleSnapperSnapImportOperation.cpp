@@ -1,6 +1,5 @@
 #include "Classes/Import/LittleSnapperSnapImportOperation.h"
 
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
 #include "Kit/Files/ZQSnapInfo.h"
 #include "Kit/Foundation/ZQLocalized.h"

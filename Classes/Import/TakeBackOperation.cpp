@@ -2,8 +2,11 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ImportOwner.h"
+#include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/ImporterForFile.h"
+#include "Classes/Import/ItemInserter.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -13,7 +16,6 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarProject.h"
-#include "Models/DataModel/ZQSidebarTag.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -59,8 +61,9 @@ ImportSettings settingsForTakingBack()
 
 } // namespace
 
-TakeBackOperation::TakeBackOperation(const QStringList &names)
-    : m_names(names), m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
+TakeBackOperation::TakeBackOperation(const QStringList &names, ImportOwner &owner)
+    : m_names(names), m_owner(owner),
+      m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
       m_userInteraction(tamberin_AppDelegate::sharedDelegate()->userInteraction())
 {
 }
@@ -74,7 +77,7 @@ QString TakeBackOperation::assetInDirectory(const QString &directory)
         const bool canBeItems = kind && kind->importer != Importer::Archive && kind->importer != Importer::Snap;
         if (canBeItems && !isThumbnail(entry, entries) &&
             entry.fileName() != ZQLibraryBaseItem::representationBitmapName &&
-            AImportManager::fileAtPathIsSupported(entry.filePath())) {
+            ImportQueries::fileAtPathIsSupported(entry.filePath())) {
             return entry.filePath();
         }
     }
@@ -88,8 +91,8 @@ void TakeBackOperation::main()
         return;
     }
     m_moc = std::make_unique<ZQManagedObjectContext>(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
-    const auto merging = m_moc->observeDidSave([](const ZQContextDidSave &notification) {
-        zqOnMainThreadAndWait([&notification] { AImportManager::sharedAImportManager().mergeChanges(notification); });
+    const auto merging = m_moc->observeDidSave([this](const ZQContextDidSave &notification) {
+        zqOnMainThreadAndWait([this, &notification] { m_owner.mergeChanges(notification); });
     });
     const std::weak_ptr<ZQOperation> operation = weak_from_this();
     m_progress = m_userInteraction.beginProgress(zqLocalized("Taking files of the library back…"),
@@ -184,7 +187,7 @@ std::vector<ImportedFile> TakeBackOperation::readFiles(const QStringList &names,
     for (qsizetype i = 0; i < names.size() && !isCancelled(); ++i) {
         const QString directory = pathOfDirectory(names.at(i));
         const QString asset = assetInDirectory(directory);
-        const auto operation = asset.isEmpty() ? nullptr : BaseImportOperation::importOperationForFilePath(asset);
+        const auto operation = asset.isEmpty() ? nullptr : importOperationForFilePath(asset);
         if (!operation) {
             qCInfo(zqLogImport).noquote() << "The item directory" << directory
                                           << "belongs to no item, holds no file of a kind that can be imported, and "
@@ -208,29 +211,18 @@ std::vector<ImportedFile> TakeBackOperation::readFiles(const QStringList &names,
 bool TakeBackOperation::insertItems(const std::vector<ImportedFile> &files)
 {
     ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    ItemInserter inserter(*m_moc);
     QList<ZQRef<ZQLibraryBaseItem>> items;
     for (const ImportedFile &file : files) {
-        QVariantMap values = file.fileData;
-        const QStringList tags = values.take(QStringLiteral("tags")).toStringList();
-        const QString itemClass = values.take(QStringLiteral("itemClass")).toString();
-        const auto item = values.isEmpty()
-                              ? ZQRef<ZQLibraryBaseItem>()
-                              : zqCast<ZQLibraryBaseItem>(m_moc->insertNewObjectForEntityForName(itemClass));
-        if (!item) {
+        const ItemInserter::Inserted inserted =
+            file.fileData.isEmpty() ? ItemInserter::Inserted() : inserter.insert(file.fileData);
+        if (!inserted.item) {
             continue;
         }
-        for (auto value = values.constBegin(); value != values.constEnd(); ++value) {
-            item->setValueForKey(value.value(), value.key());
+        if (!file.fileData.contains(QStringLiteral("rating"))) {
+            inserted.item->setRating(qint16(environment.ratingOfFile(file.filePath).value_or(0)));
         }
-        if (!values.contains(QStringLiteral("rating"))) {
-            item->setRating(qint16(environment.ratingOfFile(file.filePath).value_or(0)));
-        }
-        for (const QString &name : tags) {
-            if (const ZQRef<ZQSidebarTag> tag = ZQSidebarTag::getOrCreateTagWithName(name, *m_moc)) {
-                item->addTagsObject(tag.get());
-            }
-        }
-        items.append(item);
+        items.append(inserted.item);
     }
     if (items.isEmpty()) {
         return true;

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <memory>
 
+class ImportOwner;
 class UserInteraction;
 class UserProgress;
 class ZQOperationQueue;
@@ -25,7 +26,7 @@ class ZQOperationQueue;
 class TakeBackOperation : public ZQOperation, private ImportBatch
 {
 public:
-    explicit TakeBackOperation(const QStringList &names); // of the directories
+    TakeBackOperation(const QStringList &names, ImportOwner &owner); // names of the directories
 
     // Once it has finished.
     qsizetype takenBackCount() const { return m_takenBackCount; }
@@ -52,6 +53,7 @@ private:
     ZQRef<ZQSidebarBaseItem> recoveredProject();
 
     QStringList m_names;
+    ImportOwner &m_owner;
     const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     UserInteraction &m_userInteraction;
     std::unique_ptr<ZQManagedObjectContext> m_moc;

@@ -1,29 +1,12 @@
 #pragma once
 
+#include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Persistence/ZQObjectID.h"
 
 #include <QString>
 #include <QVariantMap>
 
-#include <atomic>
 #include <memory>
-
-// A folder of its own in the temporary area; it and what is left in it go with this object. Any thread.
-class TemporaryFolder
-{
-public:
-    explicit TemporaryFolder(const QString &path) : m_path(path) {}
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder &) = delete;
-    TemporaryFolder &operator=(const TemporaryFolder &) = delete;
-
-    QString path() const { return m_path; }
-    void keep() { m_isKept = true; } // it stays after all
-
-private:
-    const QString m_path;
-    std::atomic<bool> m_isKept = false;
-};
 
 // What came out of an archive and is to be imported by a request of its own.
 struct UnfoldedArchive

@@ -1,6 +1,7 @@
 #include "Classes/Interface/ImportDoor.h"
 
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
@@ -22,8 +23,7 @@ QStringList localPaths(const QMimeData *data)
 
 SidebarTargetRules::Files filesAtPaths(const QStringList &paths)
 {
-    return {AImportManager::filesAtPathsContainsValidItems(paths), AImportManager::filesAtPathsContainsDirectory(paths),
-            AImportManager::filesAtPathsContainsArchive(paths)};
+    return ImportQueries::kindsOfFilesAtPaths(paths);
 }
 
 bool carriesContent(const QMimeData *data)
@@ -33,7 +33,7 @@ bool carriesContent(const QMimeData *data)
 
 QStringList openPanelExtensions()
 {
-    return AImportManager::supportedTypeForOpenPanel();
+    return ImportQueries::supportedTypeForOpenPanel();
 }
 
 void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIndex)

@@ -60,8 +60,8 @@ protected:
     }
     void import(const QStringList &paths, const ZQRef<ZQSidebarBaseItem> &into)
     {
-        const auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
-            paths, into->objectID(), ZQSidebarBaseItem::appendIndex, {});
+        const auto operation = AImportManager::sharedAImportManager().startImport(
+            {paths, into->objectID(), ZQSidebarBaseItem::appendIndex, {}});
         waitForImports();
         EXPECT_TRUE(operation->report().dropped().isEmpty());
         report();
@@ -69,8 +69,8 @@ protected:
     void importBefore(const QStringList &paths) const
     {
         const auto label = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context());
-        AImportManager::sharedAImportManager().startImportOfFilesAtPaths(paths, label->objectID(),
-                                                                         ZQSidebarBaseItem::appendIndex, {});
+        AImportManager::sharedAImportManager().startImport(
+            {paths, label->objectID(), ZQSidebarBaseItem::appendIndex, {}});
         waitForImports();
         TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     }

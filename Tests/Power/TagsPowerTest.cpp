@@ -24,9 +24,11 @@ protected:
         for (int i = 0; i < items; ++i) {
             files.append(writePicture(QStringLiteral("in/%1.png").arg(i), i));
         }
-        AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
-            files, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context())->objectID(),
-            ZQSidebarBaseItem::appendIndex, {});
+        AImportManager::sharedAImportManager().startImport(
+            {files,
+             ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context())->objectID(),
+             ZQSidebarBaseItem::appendIndex,
+             {}});
         zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
         QCoreApplication::processEvents();
         TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();

@@ -92,15 +92,6 @@ public:
     void didLookThroughLeftovers(const QDateTime &) override { ++lookedThrough; }
     void offerToResumeImports() override { calls.append(QStringLiteral("resume")); }
     void setKeepsCancelledImports(bool keeps) override { keptCancelled.append(keeps); }
-    ZQOperationQueue &syncOperationQueue() override { return m_sync; }
-    void getLiveFolderPermissionFromSandbox() override { calls.append(QStringLiteral("permission")); }
-    void startObservingWatchedFolders() override { calls.append(QStringLiteral("observe")); }
-    void stopObservingWatchedFolders() override { calls.append(QStringLiteral("stop")); }
-    void syncRootWatchedFolders() override { calls.append(QStringLiteral("sync")); }
-    void syncWatchedFolder(const ZQObjectID &, bool force) override
-    {
-        calls.append(force ? QStringLiteral("forced sync") : QStringLiteral("folder sync"));
-    }
     void thumbForLibraryItem(ZQLibraryBaseItem *item) override { thumbs.append(item); }
 
     QList<Import> imports;
@@ -112,8 +103,25 @@ public:
     QSet<QString> saved; // by imports that were cut off
     int lookedThrough = 0;
     QList<bool> keptCancelled;
+};
+
+// Live folders that only remember, in one list with the imports.
+class FakeLiveFolders : public LiveFolderManaging
+{
+public:
+    explicit FakeLiveFolders(QStringList &calls) : m_calls(calls) {}
+    ZQOperationQueue &syncOperationQueue() override { return m_sync; }
+    void getLiveFolderPermissionFromSandbox() override { m_calls.append(QStringLiteral("permission")); }
+    void startObservingWatchedFolders() override { m_calls.append(QStringLiteral("observe")); }
+    void stopObservingWatchedFolders() override { m_calls.append(QStringLiteral("stop")); }
+    void syncRootWatchedFolders() override { m_calls.append(QStringLiteral("sync")); }
+    void syncWatchedFolder(const ZQObjectID &, bool force) override
+    {
+        m_calls.append(force ? QStringLiteral("forced sync") : QStringLiteral("folder sync"));
+    }
 
 private:
+    QStringList &m_calls;
     ZQOperationQueue m_sync;
 };
 
@@ -135,6 +143,7 @@ protected:
         ApplicationParts parts;
         parts.userInteraction = &user;
         parts.importManager = &imports;
+        parts.liveFolderManager = &liveFolders;
         parts.windowFirst = std::chrono::milliseconds(0);
         return parts;
     }
@@ -182,5 +191,6 @@ protected:
     UserWorld world{"application"};
     ScriptedUser user;
     FakeImports imports;
+    FakeLiveFolders liveFolders{imports.calls};
     FakeWindow::State window;
 };

@@ -179,9 +179,9 @@ TEST_F(ApplicationTest, ARunningSyncIsAskedAboutAndEndsTooAndQuestionsOfImportsA
         hasEnded = true;
     });
     auto waiting = zqBlockOperation([] {});
-    imports.syncOperationQueue().setMaxConcurrentOperationCount(1);
-    imports.syncOperationQueue().addOperation(sync);
-    imports.syncOperationQueue().addOperation(waiting);
+    liveFolders.syncOperationQueue().setMaxConcurrentOperationCount(1);
+    liveFolders.syncOperationQueue().addOperation(sync);
+    liveFolders.syncOperationQueue().addOperation(waiting);
     ASSERT_TRUE(comesTrue([&] { return hasBegun.load(); }));
     user.answerQuestion = [](const UserQuestion &) { return 0; };
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);

@@ -358,8 +358,8 @@ TEST_F(ArchiveImportTest, ACancelLeavesNothingBehind)
 
 TEST_F(ArchiveImportTest, WhoeverStopsAllImportsStopsWhatWouldFollow)
 {
-    auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
-        {zip(QStringLiteral("Set.zip"), {{"a.png", picture(21)}})}, {}, ZQSidebarBaseItem::appendIndex, {});
+    auto operation = AImportManager::sharedAImportManager().startImport(
+        {{zip(QStringLiteral("Set.zip"), {{"a.png", picture(21)}})}, {}, ZQSidebarBaseItem::appendIndex, {}});
     AImportManager::sharedAImportManager().stopAllOperation();
     delegate->backgroundOperationQueue().waitUntilAllOperationsAreFinished();
     EXPECT_TRUE(operation->followUps().isEmpty());

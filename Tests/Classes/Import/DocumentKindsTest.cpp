@@ -215,8 +215,7 @@ TEST_F(DocumentKindsTest, AnImportThatWaitsForAnAnswerEndsWhenTheApplicationDoes
         {writeImage(QStringLiteral("new.png"), {31, 30}), path(QStringLiteral("gone.png"))}, // one unreadable
     };
     for (const QStringList &paths : requests) {
-        const auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
-            paths, {}, ZQSidebarBaseItem::appendIndex, {});
+        const auto operation = AImportManager::sharedAImportManager().startImport({paths});
         zqStopMainThreadCalls(); // no event was served since; the question is still to come or waits
         operation->waitUntilFinished();
         zqResumeMainThreadCalls();

@@ -1,3 +1,4 @@
+#include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Models/DataModel/ZQLibraryImage.h"
@@ -186,7 +187,7 @@ TEST_F(Duplicates, TheSameFileTwiceInOneBatchIsNotAskedAbout)
 TEST_F(Duplicates, ADiscardedTemporaryFileIsNotTakenAway)
 {
     const QString temporary = path(QStringLiteral("TMPDIR/ZeltoTemporaryFolder"));
-    ASSERT_FALSE(AImportManager::temporaryDirectory().isEmpty());
+    ASSERT_FALSE(TemporaryFolder::temporaryDirectory().isEmpty());
     const QString copy = temporary + QStringLiteral("/copy.png");
     ASSERT_TRUE(QFile::copy(source, copy));
     answer(DuplicateChoice::Discard);

@@ -1,8 +1,10 @@
 // What becomes of files, targets and places that are not there any more when their turn comes, and what is said then.
 
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Classes/Import/PendingImport.h"
+#include "Classes/Import/TemporaryFolder.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -97,7 +99,7 @@ TEST_F(ImportFaults, ATargetThatIsGoneAndNamesThatAreNoneAreSaid)
     const ZQObjectID id = project->objectID();
     project->deletePermanently();
     delegate->saveAction();
-    const auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths({source}, id, 0, {});
+    const auto operation = AImportManager::sharedAImportManager().startImport({{source}, id, 0, {}});
     zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
     EXPECT_EQ(reasonOf(*operation, source),
               QStringLiteral("The sidebar item it was to go to does not exist any more. Import it into another one."));
@@ -164,7 +166,7 @@ TEST_F(ImportFaults, WithoutALibraryNothingIsImported)
     ASSERT_FALSE(user.errors.isEmpty());
     EXPECT_EQ(user.errors.last().localizedDescription(),
               QStringLiteral("There is no library to import into. Open or create a library first."));
-    EXPECT_TRUE(manager.resumeImports().isEmpty());
+    EXPECT_TRUE(manager.pendingImports().resume().isEmpty());
     EXPECT_FALSE(manager.libraryOnPath(QStringLiteral("/")));
 }
 
@@ -298,12 +300,12 @@ TEST_F(ImportFaults, WhatCannotBeReadIsNamedWithAllItHolds)
     const QString folder = path(QStringLiteral("in"));
     const QString gone = path(QStringLiteral("gone.png"));
     ASSERT_TRUE(QFile::link(gone, path(QStringLiteral("in/Sub/link.png"))));
-    EXPECT_EQ(AImportManager::unreadableFilesForFilePaths({gone, good, folder}), QStringList{gone});
-    EXPECT_EQ(AImportManager::unreadableFilesForDirectory(gone), QStringList{gone});
-    EXPECT_TRUE(AImportManager::isFileReadableAtPath(folder));
-    EXPECT_EQ(AImportManager::getActualPath(good), good);
-    EXPECT_EQ(AImportManager::getActualPath(gone), gone);
-    EXPECT_TRUE(QFileInfo(AImportManager::temporaryURL().toLocalFile()).isDir());
+    EXPECT_EQ(ImportQueries::unreadableFilesForFilePaths({gone, good, folder}), QStringList{gone});
+    EXPECT_EQ(ImportQueries::unreadableFilesForDirectory(gone), QStringList{gone});
+    EXPECT_TRUE(ImportQueries::isFileReadableAtPath(folder));
+    EXPECT_EQ(ImportQueries::getActualPath(good), good);
+    EXPECT_EQ(ImportQueries::getActualPath(gone), gone);
+    EXPECT_TRUE(QFileInfo(TemporaryFolder::temporaryURL().toLocalFile()).isDir());
 }
 
 TEST_F(ImportFaults, TheClipboardBecomesItemsWhereItIsPasted)

@@ -61,8 +61,8 @@ QString ImportFixture::writeFile(const QString &relative, const QByteArray &cont
 std::shared_ptr<ImportOperation> ImportFixture::import(const QStringList &paths, const ZQSidebarBaseItem *into,
                                                        quint32 atIndex, const QVariantMap &metadata)
 {
-    auto operation = AImportManager::sharedAImportManager().startImportOfFilesAtPaths(
-        paths, into ? into->objectID() : ZQObjectID(), atIndex, metadata);
+    auto operation = AImportManager::sharedAImportManager().startImport(
+        {paths, into ? into->objectID() : ZQObjectID(), atIndex, metadata});
     zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
     QCoreApplication::processEvents(); // the notifications of the end
     return operation;

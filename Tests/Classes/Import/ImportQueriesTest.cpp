@@ -1,6 +1,8 @@
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/ImageImportOperation.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Import/ImportFixture.h"
@@ -13,12 +15,12 @@
 #include <QMimeData>
 
 namespace {
-class ImportQueries : public ImportFixture
+class ImportQueriesTest : public ImportFixture
 {
 };
 } // namespace
 
-TEST_F(ImportQueries, WhatCanBeImportedFollowsFromTheNameAndWhetherItIsAFolder)
+TEST_F(ImportQueriesTest, WhatCanBeImportedFollowsFromTheNameAndWhetherItIsAFolder)
 {
     struct Case
     {
@@ -37,15 +39,15 @@ TEST_F(ImportQueries, WhatCanBeImportedFollowsFromTheNameAndWhetherItIsAFolder)
                           {"bundle.zip", true, false},    {"bundle.RAR", true, false}, {"a.txt", false, false},
                           {"png", false, false},          {"a.", false, false}}) {
         const QString name = QString::fromLatin1(c.name);
-        EXPECT_EQ(AImportManager::fileAtPathIsSupported(writeFile(QStringLiteral("files/") + name, "x")), c.asFile)
+        EXPECT_EQ(ImportQueries::fileAtPathIsSupported(writeFile(QStringLiteral("files/") + name, "x")), c.asFile)
             << c.name;
         const QString folder = path(QStringLiteral("folders/") + name);
         ASSERT_TRUE(QDir().mkpath(folder));
-        EXPECT_EQ(AImportManager::fileAtPathIsSupported(folder), c.asFolder) << c.name;
+        EXPECT_EQ(ImportQueries::fileAtPathIsSupported(folder), c.asFolder) << c.name;
     }
 }
 
-TEST_F(ImportQueries, ASidebarItemTakesTheDropsOfItsKind)
+TEST_F(ImportQueriesTest, ASidebarItemTakesTheDropsOfItsKind)
 {
     const QString image = writeImage(QStringLiteral("a.png"), {1, 1});
     const QString archive = writeFile(QStringLiteral("a.zip"), "x");
@@ -72,19 +74,18 @@ TEST_F(ImportQueries, ASidebarItemTakesTheDropsOfItsKind)
                           {"PROJECTS", projectsLabel(), false, true, true, false},
                           {"TAGS", special(ZQSidebarKind::TagsLabel), false, false, false, false},
                           {"a tag", addTag(QStringLiteral("t")), true, true, false, false}}) {
-        EXPECT_EQ(AImportManager::areFilesAtPaths({image}, c.target.get()), c.image) << c.what;
-        EXPECT_EQ(AImportManager::areFilesAtPaths({archive}, c.target.get()), c.archive) << c.what;
-        EXPECT_EQ(AImportManager::areFilesAtPaths({folder}, c.target.get()), c.folder) << c.what;
-        EXPECT_EQ(AImportManager::areFilesAtPaths({text}, c.target.get()), c.text) << c.what;
-        EXPECT_EQ(AImportManager::areFilesAtPaths({text, image, folder}, c.target.get()), c.image || c.folder)
-            << c.what;
+        EXPECT_EQ(ImportQueries::areFilesAtPaths({image}, c.target.get()), c.image) << c.what;
+        EXPECT_EQ(ImportQueries::areFilesAtPaths({archive}, c.target.get()), c.archive) << c.what;
+        EXPECT_EQ(ImportQueries::areFilesAtPaths({folder}, c.target.get()), c.folder) << c.what;
+        EXPECT_EQ(ImportQueries::areFilesAtPaths({text}, c.target.get()), c.text) << c.what;
+        EXPECT_EQ(ImportQueries::areFilesAtPaths({text, image, folder}, c.target.get()), c.image || c.folder) << c.what;
     }
-    EXPECT_FALSE(AImportManager::areFilesAtPaths({image}, nullptr));
+    EXPECT_FALSE(ImportQueries::areFilesAtPaths({image}, nullptr));
     context().deleteObject(liveFolder.get());
     context().deleteObject(sidebarFolder.get());
 }
 
-TEST_F(ImportQueries, PathsInsideListedPathsGoAndTheOrderStays)
+TEST_F(ImportQueriesTest, PathsInsideListedPathsGoAndTheOrderStays)
 {
     struct Case
     {
@@ -97,60 +98,60 @@ TEST_F(ImportQueries, PathsInsideListedPathsGoAndTheOrderStays)
                           {list("/a/b /a/b /a/b/c"), list("/a/b /a/b")},
                           {list("/a/b-c/x /a/b /a/b-c"), list("/a/b")},
                           {{}, {}}}) {
-        EXPECT_EQ(AImportManager::removeSubFoldersFromPaths(c.paths), c.kept);
+        EXPECT_EQ(ImportQueries::removeSubFoldersFromPaths(c.paths), c.kept);
     }
 }
 
-TEST_F(ImportQueries, TemporaryPlacesAreToldByText)
+TEST_F(ImportQueriesTest, TemporaryPlacesAreToldByText)
 {
     for (const char *inside :
          {"/private/var/x", "/var/x", "/tmp/x", "/home/u/Library/Caches/x", "/data/ZeltoTemporaryFolder/t.1/x"}) {
-        EXPECT_TRUE(AImportManager::fileIsInsideTemporaryDirectory(QString::fromLatin1(inside))) << inside;
+        EXPECT_TRUE(ImportQueries::fileIsInsideTemporaryDirectory(QString::fromLatin1(inside))) << inside;
     }
     for (const char *outside : {"/home/u/var/x", "/tmpx/y", "/home/tmp/x", "var/x"}) {
-        EXPECT_FALSE(AImportManager::fileIsInsideTemporaryDirectory(QString::fromLatin1(outside))) << outside;
+        EXPECT_FALSE(ImportQueries::fileIsInsideTemporaryDirectory(QString::fromLatin1(outside))) << outside;
     }
 }
 
-TEST_F(ImportQueries, EveryTemporaryDirectoryIsANewFolderInOnePlace)
+TEST_F(ImportQueriesTest, EveryTemporaryDirectoryIsANewFolderInOnePlace)
 {
-    const QString first = AImportManager::temporaryDirectory();
-    const QString second = AImportManager::temporaryDirectory();
+    const QString first = TemporaryFolder::temporaryDirectory();
+    const QString second = TemporaryFolder::temporaryDirectory();
     EXPECT_NE(first, second);
     EXPECT_TRUE(QFileInfo(first).isDir());
-    EXPECT_TRUE(AImportManager::fileIsInsideTemporaryDirectory(first));
+    EXPECT_TRUE(ImportQueries::fileIsInsideTemporaryDirectory(first));
     EXPECT_EQ(QFileInfo(first).path(), path(QStringLiteral("TMPDIR/ZeltoTemporaryFolder")));
 }
 
-TEST_F(ImportQueries, ATemporaryDirectoryThatCannotBeMadeIsShownAsAnError)
+TEST_F(ImportQueriesTest, ATemporaryDirectoryThatCannotBeMadeIsShownAsAnError)
 {
     qputenv("TMPDIR", QFile::encodeName(writeFile(QStringLiteral("in-the-way"), "no folder")));
-    EXPECT_TRUE(AImportManager::temporaryDirectory().isEmpty());
+    EXPECT_TRUE(TemporaryFolder::temporaryDirectory().isEmpty());
     QCoreApplication::processEvents();
     EXPECT_EQ(user.errors.size(), 1);
 }
 
-TEST_F(ImportQueries, SmallPicturesOfCommonKindsNeedNoThumbnail)
+TEST_F(ImportQueriesTest, SmallPicturesOfCommonKindsNeedNoThumbnail)
 {
     const QString small = writeFile(QStringLiteral("small.png"), QByteArray(262144, 'x'));
     const QString big = writeFile(QStringLiteral("big.png"), QByteArray(262145, 'x'));
     const QString vector = writeFile(QStringLiteral("vector.svg"), "x");
-    EXPECT_TRUE(AImportManager::canSkipThumbForPath(small));
-    EXPECT_FALSE(AImportManager::canSkipThumbForPath(big));
-    EXPECT_FALSE(AImportManager::canSkipThumbForPath(vector));
+    EXPECT_TRUE(ImportQueries::canSkipThumbForPath(small));
+    EXPECT_FALSE(ImportQueries::canSkipThumbForPath(big));
+    EXPECT_FALSE(ImportQueries::canSkipThumbForPath(vector));
     ZQUserDefaults::standardUserDefaults().setObjectForKey(true, QStringLiteral("AlwaysMakeThumbsWhileImporting"));
-    EXPECT_FALSE(AImportManager::canSkipThumbForPath(small));
+    EXPECT_FALSE(ImportQueries::canSkipThumbForPath(small));
     ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("AlwaysMakeThumbsWhileImporting"));
 }
 
-TEST_F(ImportQueries, TheOpenPanelOffersWhatIsDecodedAndTheDocuments)
+TEST_F(ImportQueriesTest, TheOpenPanelOffersWhatIsDecodedAndTheDocuments)
 {
-    const QStringList types = AImportManager::supportedTypeForOpenPanel();
+    const QStringList types = ImportQueries::supportedTypeForOpenPanel();
     EXPECT_TRUE(types.contains(QStringLiteral("png")));
     EXPECT_EQ(types.mid(types.size() - 10).join(u' '), QStringLiteral("pdf PDF zip ZIP rar RAR eps EPS svg SVG"));
 }
 
-TEST_F(ImportQueries, SizeTagsFollowTheThreeLimits)
+TEST_F(ImportQueriesTest, SizeTagsFollowTheThreeLimits)
 {
     struct Case
     {
@@ -179,9 +180,9 @@ TEST_F(ImportQueries, SizeTagsFollowTheThreeLimits)
     }
 }
 
-TEST_F(ImportQueries, APictureOnTheClipboardBecomesAFileOfItsOwnFormat)
+TEST_F(ImportQueriesTest, APictureOnTheClipboardBecomesAFileOfItsOwnFormat)
 {
-    const auto makeDirectory = [] { return AImportManager::temporaryDirectory(); };
+    const auto makeDirectory = [] { return TemporaryFolder::temporaryDirectory(); };
     // Not looked into: what is no picture at all is a file like any other, which the import refuses.
     for (const auto &[format, name] : std::initializer_list<std::pair<const char *, const char *>>{
              {"image/png", "png"}, {"image/jpeg", "jpg"}, {"image/tiff", "tiff"}, {"image/x-ms-bmp", "bmp"}}) {

@@ -1,5 +1,6 @@
 // Where an import puts what it makes, and what stays of one that is given up.
 
+#include "Classes/Import/GroupImport.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Import/ImportFixture.h"
@@ -73,8 +74,8 @@ TEST_F(ImportTargets, MembershipsAreNumberedOnAndTheGroupIsAnnounced)
 {
     const auto project = addProject(QStringLiteral("P"));
     int announced = 0;
-    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
-        ImportOperation::sidebarItemDidAddItem, nullptr, [&](const ZQNotification &) { ++announced; });
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(GroupImport::sidebarItemDidAddItem, nullptr,
+                                                                         [&](const ZQNotification &) { ++announced; });
     import({writeImage(QStringLiteral("a.png"), {20, 20}), writeImage(QStringLiteral("b.png"), {20, 20})},
            project.get());
     import({writeImage(QStringLiteral("c.png"), {20, 20})}, project.get());
@@ -117,7 +118,7 @@ TEST_F(ImportTargets, WhatAFolderIsMadeIntoComesIntoUseAtTheEnd)
     writeImage(QStringLiteral("drop/Top/a.png"), {20, 20});
     bool wasInUse = false;
     const auto token = ZQNotificationCenter::defaultCenter().addObserver(
-        ImportOperation::sidebarItemDidAddItem, nullptr, [&](const ZQNotification &) {
+        GroupImport::sidebarItemDidAddItem, nullptr, [&](const ZQNotification &) {
             zqOnMainThreadAndWait([&] {
                 for (const auto &child : projectsLabel()->orderedChildren()) {
                     wasInUse = wasInUse || (child->title() == QStringLiteral("Top") && child->enabled());

@@ -1,5 +1,6 @@
 // Imports that an earlier process did not end.
 
+#include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Import/ResumeFixture.h"
 #include "Tools/samples/SampleArchives.h"
@@ -343,7 +344,7 @@ TEST_F(ResumeTest, OneThatIsCancelledBeforeItsTurnEndsAndOneThatIsCancelledTooLa
             QThread::msleep(1);
         }
     });
-    const auto waiting = manager.startImportOfFilesAtPaths({here}, {}, ImportOperation::appendIndex, {});
+    const auto waiting = manager.startImport({{here}, {}, ImportOperation::appendIndex, {}});
     waiting->cancel();
     isReleased = true;
     wait();
@@ -354,7 +355,7 @@ TEST_F(ResumeTest, OneThatIsCancelledBeforeItsTurnEndsAndOneThatIsCancelledTooLa
     QList<std::shared_ptr<ImportOperation>> resumed;
     const auto token = ZQNotificationCenter::defaultCenter().addObserver(
         AImportManager::didFinishImportOperation, nullptr, [&](const ZQNotification &) { resumed.value(0)->cancel(); });
-    resumed = manager.resumeImports();
+    resumed = manager.pendingImports().resume();
     wait();
     EXPECT_TRUE(resumed.first()->isCancelled());
     EXPECT_EQ(titles(items()), QStringList{QStringLiteral("here")});
@@ -497,7 +498,7 @@ TEST_F(ResumeTest, APathThatWasAskedForTwiceIsImportedAsOften)
 
 TEST_F(ResumeTest, AnArchiveThatIsStillUnpackedGoesOnAndItsFolderGoesOnlyWhereItIsOurs)
 {
-    const QString ours = AImportManager::temporaryDirectory();
+    const QString ours = TemporaryFolder::temporaryDirectory();
     const QString stranger = path(QStringLiteral("elsewhere/t.1"));
     int width = 30;
     for (const QString &holder : {ours, stranger}) {

@@ -1,5 +1,6 @@
-#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
@@ -31,7 +32,7 @@ bool anyPath(const QStringList &paths, Test test)
 
 } // namespace
 
-bool AImportManager::fileAtPathIsSupported(const QString &path)
+bool ImportQueries::fileAtPathIsSupported(const QString &path)
 {
     const ImportKind *kind = importKindForPath(path);
     if (!kind || kind->takes == ImportKind::Takes::Nothing) {
@@ -40,45 +41,38 @@ bool AImportManager::fileAtPathIsSupported(const QString &path)
     return isDirectory(path) == (kind->takes == ImportKind::Takes::Package);
 }
 
-bool AImportManager::fileAtPathIsArchive(const QString &path)
+bool ImportQueries::fileAtPathIsArchive(const QString &path)
 {
     return isArchivePath(path);
 }
 
-bool AImportManager::filesAtPathsContainsValidItems(const QStringList &paths)
+bool ImportQueries::filesAtPathsContainsValidItems(const QStringList &paths)
 {
     return anyPath(paths, fileAtPathIsSupported);
 }
 
-bool AImportManager::filesAtPathsContainsDirectory(const QStringList &paths)
+bool ImportQueries::filesAtPathsContainsDirectory(const QStringList &paths)
 {
     return anyPath(paths, isDirectory);
 }
 
-bool AImportManager::filesAtPathsContainsArchive(const QStringList &paths)
+bool ImportQueries::filesAtPathsContainsArchive(const QStringList &paths)
 {
     return anyPath(paths, isArchivePath);
 }
 
-bool AImportManager::areFilesAtPaths(const QStringList &paths, const ZQSidebarBaseItem *validForSidebarItem)
+SidebarTargetRules::Files ImportQueries::kindsOfFilesAtPaths(const QStringList &paths)
 {
-    const ZQSidebarBaseItem *item = validForSidebarItem;
-    if (!item || item->isRecent() || item->kind() == qint16(ZQSidebarKind::WatchedFoldersLabel)) {
-        return false;
-    }
-    if (item->isWatchedFolder()) {
-        return filesAtPathsContainsValidItems(paths) || filesAtPathsContainsDirectory(paths);
-    }
-    if (item->isLibrary() || item->isProject()) {
-        return filesAtPathsContainsValidItems(paths);
-    }
-    if (item->isFolder() || (item->isDroppableLabel() && !item->isTag())) {
-        return filesAtPathsContainsDirectory(paths) || filesAtPathsContainsArchive(paths);
-    }
-    return !item->isLabel() && item->isTag() && filesAtPathsContainsValidItems(paths);
+    return {filesAtPathsContainsValidItems(paths), filesAtPathsContainsDirectory(paths),
+            filesAtPathsContainsArchive(paths)};
 }
 
-QStringList AImportManager::supportedTypeForOpenPanel()
+bool ImportQueries::areFilesAtPaths(const QStringList &paths, const ZQSidebarBaseItem *validForSidebarItem)
+{
+    return bool(SidebarTargetRules::files(kindsOfFilesAtPaths(paths), validForSidebarItem));
+}
+
+QStringList ImportQueries::supportedTypeForOpenPanel()
 {
     static const QStringList others{QStringLiteral("pdf"), QStringLiteral("PDF"), QStringLiteral("zip"),
                                     QStringLiteral("ZIP"), QStringLiteral("rar"), QStringLiteral("RAR"),
@@ -87,7 +81,7 @@ QStringList AImportManager::supportedTypeForOpenPanel()
     return ZQImageSource::supportedExtensions() + others;
 }
 
-QStringList AImportManager::removeSubFoldersFromPaths(const QStringList &paths)
+QStringList ImportQueries::removeSubFoldersFromPaths(const QStringList &paths)
 {
     // A path goes when a different one is its beginning; that one has its own fate, but whatever it lies in begins this
     // path too.
@@ -108,13 +102,13 @@ QStringList AImportManager::removeSubFoldersFromPaths(const QStringList &paths)
     return kept;
 }
 
-QString AImportManager::getActualPath(const QString &path)
+QString ImportQueries::getActualPath(const QString &path)
 {
     const QString actual = zqURLFromPersistentData(zqDataForPersistentURL(path, ZQReferenceContents::NotNoted));
     return actual.isEmpty() ? path : actual;
 }
 
-bool AImportManager::isFileReadableAtPath(const QString &path)
+bool ImportQueries::isFileReadableAtPath(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
     struct statx attributes = {};
@@ -126,7 +120,7 @@ bool AImportManager::isFileReadableAtPath(const QString &path)
     return !isLocked || S_ISDIR(attributes.stx_mode);
 }
 
-QStringList AImportManager::unreadableFilesForFilePaths(const QStringList &paths)
+QStringList ImportQueries::unreadableFilesForFilePaths(const QStringList &paths)
 {
     QStringList unreadable;
     for (const QString &path : paths) {
@@ -139,7 +133,7 @@ QStringList AImportManager::unreadableFilesForFilePaths(const QStringList &paths
     return unreadable;
 }
 
-QStringList AImportManager::unreadableFilesForDirectory(const QString &directory)
+QStringList ImportQueries::unreadableFilesForDirectory(const QString &directory)
 {
     QStringList unreadable;
     if (!isFileReadableAtPath(directory)) {
@@ -156,7 +150,7 @@ QStringList AImportManager::unreadableFilesForDirectory(const QString &directory
     return unreadable;
 }
 
-bool AImportManager::fileIsInsideTemporaryDirectory(const QString &path)
+bool ImportQueries::fileIsInsideTemporaryDirectory(const QString &path)
 {
     static const QStringList beginnings{QStringLiteral("/private/var/"), QStringLiteral("/var/"),
                                         QStringLiteral("/tmp/")};
@@ -165,7 +159,7 @@ bool AImportManager::fileIsInsideTemporaryDirectory(const QString &path)
            anyPath(parts, [&path](const QString &part) { return path.contains(part); });
 }
 
-bool AImportManager::canSkipThumbForPath(const QString &path)
+bool ImportQueries::canSkipThumbForPath(const QString &path)
 {
     constexpr qint64 cheapToShow = 262144;
     return !ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("AlwaysMakeThumbsWhileImporting")) &&

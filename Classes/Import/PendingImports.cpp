@@ -1,9 +1,10 @@
-// Imports that an earlier process did not end.
+#include "Classes/Import/PendingImports.h"
 
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportOperation.h"
+#include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PendingImport.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -29,7 +30,7 @@ tamberin_AppDelegate &application()
 bool holdsFolder(const PendingImport &request)
 {
     return std::any_of(request.paths.begin(), request.paths.end(), [](const QString &path) {
-        return QFileInfo(path).isDir() && !AImportManager::fileAtPathIsSupported(path);
+        return QFileInfo(path).isDir() && !ImportQueries::fileAtPathIsSupported(path);
     });
 }
 
@@ -122,22 +123,46 @@ std::shared_ptr<TemporaryFolder> holderOf(const QString &root)
 
 } // namespace
 
-QString AImportManager::pendingFolder()
+QString PendingImports::folder()
 {
     return application().libraryBundleDirectory() + QStringLiteral("/pending-imports");
 }
 
-QStringList AImportManager::cutOffImports() const
+std::shared_ptr<ImportOperation> PendingImports::start(const BatchRequest &request)
 {
-    return PendingImportFile::cutOff(pendingFolder());
+    if (!application().managedObjectContext()) {
+        return nullptr;
+    }
+    const QUuid store = application().persistentStoreCoordinator()->storeUUID();
+    ZQError error;
+    auto pending = PendingImportFile::create(
+        folder(),
+        {.paths = request.paths,
+         .target = request.target.isNull() ? QString() : request.target.URIRepresentation(store),
+         .index = request.index,
+         .metadata = request.metadata,
+         .archivePath = request.origin ? request.origin->archivePath : QString(),
+         .archiveRoot = request.origin ? request.origin->root : QString(),
+         .groups = {}},
+        &error);
+    if (!pending) {
+        qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
+                                         << error.localizedDescription();
+    }
+    return queue(request, {.pending = std::move(pending), .kind = BatchOrigin::Kind::New});
 }
 
-QString AImportManager::textForCutOffImports() const
+QStringList PendingImports::cutOff() const
 {
-    const QStringList names = cutOffImports();
+    return PendingImportFile::cutOff(folder());
+}
+
+QString PendingImports::text() const
+{
+    const QStringList names = cutOff();
     QStringList texts;
     for (const QString &name : names.mid(0, namesShown)) {
-        const auto file = PendingImportFile::open(pendingFolder(), name);
+        const auto file = PendingImportFile::open(folder(), name);
         QString text = file ? textForRequest(file->request()) : QString();
         const qsizetype count = file && names.size() == 1 ? fileCount(file->request()) : 0;
         if (!text.isEmpty() && count > 0 && application().managedObjectContext()) {
@@ -156,15 +181,15 @@ QString AImportManager::textForCutOffImports() const
     return texts.join(QStringLiteral(", "));
 }
 
-std::optional<QDateTime> AImportManager::cutOffImportSince()
+std::optional<QDateTime> PendingImports::cutOffSince() const
 {
-    const QStringList names = cutOffImports();
+    const QStringList names = cutOff();
     return names.isEmpty() ? std::nullopt : std::optional(PendingImportFile::beginning(names.first()));
 }
 
-std::function<CutOffImports(const QSet<QString> &)> AImportManager::tracesOfCutOffImports()
+std::function<CutOffImports(const QSet<QString> &)> PendingImports::traces() const
 {
-    return [folder = pendingFolder(), names = cutOffImports()](const QSet<QString> &bundleIDs) {
+    return [folder = folder(), names = cutOff()](const QSet<QString> &bundleIDs) {
         CutOffImports all;
         for (const QString &name : names) {
             const PendingImportFile::Traces traces = PendingImportFile::traces(folder, name, bundleIDs);
@@ -177,32 +202,32 @@ std::function<CutOffImports(const QSet<QString> &)> AImportManager::tracesOfCutO
     };
 }
 
-void AImportManager::didLookThroughLeftovers(const QDateTime &launch)
+void PendingImports::didLookThroughLeftovers(const QDateTime &launch) const
 {
-    const QStringList names = cutOffImports(); // not those that went on meanwhile
+    const QStringList names = cutOff(); // not those that went on meanwhile
     for (const QString &name : names) {
-        PendingImportFile::noteLookedThrough(pendingFolder(), name, launch);
+        PendingImportFile::noteLookedThrough(folder(), name, launch);
     }
 }
 
-std::shared_ptr<ImportOperation> AImportManager::queue(std::shared_ptr<ImportOperation> operation,
-                                                       std::shared_ptr<PendingImportFile> pending)
+std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const BatchOrigin &origin)
 {
-    operation->setCompletionBlock([this, pending, weak = std::weak_ptr(operation)] {
+    auto operation = std::make_shared<ImportOperation>(request, origin, m_owner);
+    operation->setCompletionBlock([this, pending = origin.pending, weak = std::weak_ptr(operation)] {
         // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
         const auto ended = weak.lock();
-        if (pending && ended && ended->isCancelled() && !ended->hasStarted() && !keepsCancelledImports()) {
+        if (pending && ended && ended->isCancelled() && !ended->hasStarted() && !keepsCancelled()) {
             pending->remove();
         }
     });
-    importOperationQueue().addOperation(operation);
+    application().backgroundOperationQueue().addOperation(operation);
     return operation;
 }
 
-std::shared_ptr<ImportOperation> AImportManager::resumeImport(const QString &name)
+std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name)
 {
     ZQError error;
-    const auto pending = PendingImportFile::open(pendingFolder(), name, &error);
+    const auto pending = PendingImportFile::open(folder(), name, &error);
     if (!pending) {
         application().userInteraction().presentError(error);
         return nullptr;
@@ -212,26 +237,23 @@ std::shared_ptr<ImportOperation> AImportManager::resumeImport(const QString &nam
     const ZQObjectID target = targetOf(request, *application().managedObjectContext());
     const bool isOfArchive = !request.archiveRoot.isEmpty();
     if (isOfArchive && QFileInfo(request.archiveRoot).isDir() && !request.paths.isEmpty()) {
-        return resumeImportOfArchive({.archivePath = request.archivePath,
-                                      .root = request.archiveRoot,
-                                      .folder = request.paths.first(),
-                                      .sidebarItem = target,
-                                      .metadata = request.metadata,
-                                      .holder = holderOf(request.archiveRoot)},
-                                     pending);
+        return resumeArchive({.archivePath = request.archivePath,
+                              .root = request.archiveRoot,
+                              .folder = request.paths.first(),
+                              .sidebarItem = target,
+                              .metadata = request.metadata,
+                              .holder = holderOf(request.archiveRoot)},
+                             pending);
     }
-    auto operation = std::make_shared<ImportOperation>(isOfArchive ? QStringList{request.archivePath} : request.paths,
-                                                       target, request.index, request.metadata);
-    if (isOfArchive) {
-        operation->setRequestOfArchive(pending);
-    } else {
-        operation->setPendingImport(pending, true);
-    }
-    return queue(std::move(operation), pending);
+    return queue({.paths = isOfArchive ? QStringList{request.archivePath} : request.paths,
+                  .target = target,
+                  .index = request.index,
+                  .metadata = request.metadata},
+                 {.pending = pending, .kind = isOfArchive ? BatchOrigin::Kind::UnpacksOf : BatchOrigin::Kind::GoesOn});
 }
 
-std::shared_ptr<ImportOperation>
-AImportManager::resumeImportOfArchive(const UnfoldedArchive &archive, const std::shared_ptr<PendingImportFile> &pending)
+std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArchive &archive,
+                                                               const std::shared_ptr<PendingImportFile> &pending)
 {
     ZQError error;
     if (!application().managedObjectContext() || !pending->moveArchive(archive.root, archive.folder, &error)) {
@@ -239,23 +261,24 @@ AImportManager::resumeImportOfArchive(const UnfoldedArchive &archive, const std:
         return nullptr;
     }
     const PendingImport &request = pending->request();
-    auto operation = std::make_shared<ImportOperation>(
-        request.paths, targetOf(request, *application().managedObjectContext()), request.index, request.metadata);
-    operation->setOrigin(archive);
-    operation->setPendingImport(pending, true);
-    return queue(std::move(operation), pending);
+    return queue({.paths = request.paths,
+                  .target = targetOf(request, *application().managedObjectContext()),
+                  .index = request.index,
+                  .metadata = request.metadata,
+                  .origin = archive},
+                 {.pending = pending, .kind = BatchOrigin::Kind::GoesOn});
 }
 
-QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports(qsizetype *unreadable)
+QList<std::shared_ptr<ImportOperation>> PendingImports::resume(qsizetype *unreadable)
 {
     QList<std::shared_ptr<ImportOperation>> operations;
     application().saveAction();
     if (!application().managedObjectContext()) {
         return operations;
     }
-    const QStringList names = cutOffImports();
+    const QStringList names = cutOff();
     for (const QString &name : names) {
-        if (const auto operation = resumeImport(name)) {
+        if (const auto operation = resumeOne(name)) {
             operations.append(operation);
         } else if (unreadable) {
             ++*unreadable;
@@ -264,25 +287,25 @@ QList<std::shared_ptr<ImportOperation>> AImportManager::resumeImports(qsizetype 
     return operations;
 }
 
-void AImportManager::forgetImports()
+void PendingImports::forget()
 {
-    PendingImportFile::removeRemains(pendingFolder());
-    const QStringList names = cutOffImports();
+    PendingImportFile::removeRemains(folder());
+    const QStringList names = cutOff();
     for (const QString &name : names) {
-        if (!PendingImportFile::forget(pendingFolder(), name)) {
+        if (!PendingImportFile::forget(folder(), name)) {
             qCWarning(zqLogImport).noquote() << "An import that was cut off could not be forgotten:" << name;
         }
     }
 }
 
-void AImportManager::offerToResumeImports()
+void PendingImports::offerToResume()
 {
-    PendingImportFile::removeRemains(pendingFolder());
-    const qsizetype count = cutOffImports().size();
+    PendingImportFile::removeRemains(folder());
+    const qsizetype count = cutOff().size();
     if (count == 0) {
         return;
     }
-    const QString which = textForCutOffImports();
+    const QString which = text();
     const QString explanation =
         zqLocalized("Zelto ended before all files were in the library. It can go on with those that are missing. "
                     "What is in the library stays there either way.");
@@ -293,8 +316,8 @@ void AImportManager::offerToResumeImports()
          {},
          false});
     if (answer == continueButton) {
-        resumeImports();
+        resume();
     } else if (answer == forgetButton) {
-        forgetImports();
+        forget();
     }
 }

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Classes/Import/BaseImportOperation.h"
+#include "Classes/Import/ImportReport.h"
+
+#include <QList>
+#include <QSet>
+#include <QStringList>
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+
+class UserInteraction;
+class UserProgress;
+
+// What is told of the files of one batch while they are read: those that were dropped, why no further one can be taken,
+// the archives that were unpacked, and how many are through. Any thread, except where stated.
+class BatchRecord : public ImportBatch
+{
+public:
+    ImportReport &report() { return m_report; }
+    const ImportReport &report() const { return m_report; }
+
+    // A path that was dropped is reported once, with the first reason.
+    void fileDidDrop(const DroppedFile &file) override;
+    void dropAll(const QStringList &paths, const QString &reason);
+    void fileDidFinish() override;
+    QString refusal() const override;
+    void setRefusal(const QString &reason) override; // the first one counts
+    void archiveDidUnfold(const UnfoldedArchive &archive) override;
+
+    // The batch's thread. The person sees how far it is between the two, and may cancel it.
+    void beginProgress(UserInteraction &user, qsizetype fileCount, const std::weak_ptr<ZQOperation> &operation);
+    void endProgress();
+    QList<UnfoldedArchive> takeUnfoldedArchives();
+
+private:
+    ImportReport m_report;
+    std::shared_ptr<UserProgress> m_progress;
+    mutable std::mutex m_mutex;
+    QString m_refusal;
+    QList<UnfoldedArchive> m_unfoldedArchives;
+    QSet<QString> m_droppedPaths;
+    int m_unreportedProgress = 0;
+    std::chrono::steady_clock::time_point m_lastProgress;
+};

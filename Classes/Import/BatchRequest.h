@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Classes/Import/UnfoldedArchive.h"
+#include "Kit/Persistence/ZQObjectID.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <QStringList>
+#include <QVariantMap>
+
+#include <optional>
+
+// What is to be imported, and where to.
+struct BatchRequest
+{
+    QStringList paths = {};                         // in drop order
+    ZQObjectID target = {};                         // a saved sidebar item; null: the library
+    quint32 index = ZQSidebarBaseItem::appendIndex; // among the target's children or items
+    QVariantMap metadata = {};                      // attribute values of every item
+    std::optional<UnfoldedArchive> origin = {};     // what `paths` came out of; its folder goes with the request
+};

@@ -1,0 +1,128 @@
+#include "Classes/Import/BatchResult.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Import/BatchResumption.h"
+#include "Classes/Import/CreatedItems.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int browserPosition = 1;
+constexpr std::chrono::duration<double> longEnoughToBeElsewhere(20.0);
+
+QString textForDropped(const QList<DroppedFile> &told)
+{
+    const DroppedFile &first = told.first();
+    const QString name = QFileInfo(first.path).fileName();
+    if (told.size() == 1) {
+        return zqFormat(first.telling == DroppedFile::Telling::InWindowPartly
+                            ? zqLocalized("“%@” was imported in part: %@")
+                            : zqLocalized("“%@” could not be imported: %@"),
+                        {name, first.reason});
+    }
+    if (std::all_of(told.begin(), told.end(), [&first](const auto &file) { return file.reason == first.reason; })) {
+        return zqFormat(zqLocalized("%d files could not be imported: %@"), {told.size(), first.reason});
+    }
+    return zqFormat(zqLocalized("%d files could not be imported. The first is “%@”: %@"),
+                    {told.size(), name, first.reason});
+}
+
+QString textForIncomplete(const QList<DroppedFile> &told)
+{
+    const QString name = QFileInfo(told.first().path).fileName();
+    return told.size() == 1
+               ? zqFormat(zqLocalized("“%@” is incomplete: only a part of it can be drawn"), {name})
+               : zqFormat(
+                     zqLocalized("%d pictures are incomplete: only a part of each can be drawn. The first is “%@”"),
+                     {told.size(), name});
+}
+
+} // namespace
+
+BatchResult::BatchResult(BatchState &batch, const BatchResumption &resumption)
+    : m_batch(batch), m_resumption(resumption), m_startDate(std::chrono::steady_clock::now())
+{
+}
+
+void BatchResult::report(const CreatedItems &items, const QSet<QString> &followedUp, bool wasCancelled)
+{
+    QStringList imported;
+    QSet<QString> importedPaths;
+    for (const CreatedItem &created : items.all()) {
+        if (!created.isGone) {
+            if (!created.isEarlier) {
+                imported.append(created.bundleID);
+            }
+            importedPaths.insert(created.sourcePath);
+        }
+    }
+    m_batch.record.report().setImported(imported);
+    const QString refused = m_batch.record.refusal();
+    const QString reason = wasCancelled ? zqLocalized("The import was cancelled. Import it again if you want it.")
+                           : refused.isEmpty() ? zqLocalized("It was left out. Import it again.")
+                                               : refused;
+    const QSet<QString> accountedFor = m_resumption.accountedFor();
+    for (const QString &path : std::as_const(m_batch.requestedFiles)) {
+        if (!importedPaths.contains(path) && !followedUp.contains(path) && !accountedFor.contains(path)) {
+            m_batch.record.fileDidDrop(
+                {path, reason, wasCancelled ? DroppedFile::Telling::Quietly : DroppedFile::Telling::InWindow});
+        }
+    }
+}
+
+void BatchResult::tell(bool hasFollowUps, bool wasCancelled)
+{
+    const bool tookLong = std::chrono::steady_clock::now() - m_startDate > longEnoughToBeElsewhere;
+    const bool isWanted = tookLong && !wasCancelled && !m_batch.record.report().isUnfinished() &&
+                          !(m_batch.hasArchives && m_batch.request.paths.size() == 1);
+    const bool gaveNothing = !hasFollowUps && !m_batch.isProcessed;
+    if (m_batch.record.report().isUnfinished()) {
+        notify(m_resumption.textForUnfinished(), 6.0);
+    } else if (gaveNothing && !wasCancelled) {
+        notify(zqLocalized("Nothing to import!"), 2.0);
+    }
+    if (isWanted) {
+        const QString title = gaveNothing ? zqLocalized("Import Invalid") : zqLocalized("Import Successful");
+        const QString text =
+            gaveNothing ? zqLocalized("Nothing to import") : zqLocalized("Import operation successful");
+        zqOnMainThread([&user = m_batch.user, title, text] { user.showSystemNotification(title, text); });
+    }
+    if (!wasCancelled) {
+        tellDropped();
+    }
+}
+
+void BatchResult::tellDropped()
+{
+    QList<DroppedFile> dropped;
+    QList<DroppedFile> incomplete;
+    for (const DroppedFile &file : m_batch.record.report().dropped()) {
+        if (file.telling == DroppedFile::Telling::InWindowIncomplete) {
+            incomplete.append(file);
+        } else if (file.telling != DroppedFile::Telling::Quietly) {
+            dropped.append(file);
+        }
+    }
+    QStringList texts;
+    if (!dropped.isEmpty()) {
+        texts.append(textForDropped(dropped));
+    }
+    if (!incomplete.isEmpty()) {
+        texts.append(textForIncomplete(incomplete));
+    }
+    if (!texts.isEmpty()) {
+        notify(texts.join(u'\n'), 6.0);
+    }
+}
+
+void BatchResult::notify(const QString &text, double seconds)
+{
+    m_batch.record.report().addNotification(text);
+    zqOnMainThread(
+        [&user = m_batch.user, text, seconds] { user.showNotificationWithText(text, browserPosition, seconds); });
+}

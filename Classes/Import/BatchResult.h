@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+
+#include <chrono>
+
+class BatchResumption;
+class CreatedItems;
+struct BatchState;
+
+// What became of one batch, for the person: the last lines of its report, a notification in the window, and one of the
+// desktop's when the batch took so long that the person may be elsewhere. The batch's thread, once the batch's items
+// are safe; what is shown is shown by the main thread later.
+class BatchResult
+{
+public:
+    BatchResult(BatchState &batch, const BatchResumption &resumption);
+
+    // Every file asked for is in the report afterwards, imported or with a reason. `followedUp`: archives whose own
+    // requests report what was in them.
+    void report(const CreatedItems &items, const QSet<QString> &followedUp, bool wasCancelled);
+    void tell(bool hasFollowUps, bool wasCancelled);
+
+private:
+    void tellDropped();
+    void notify(const QString &text, double seconds);
+
+    BatchState &m_batch;
+    const BatchResumption &m_resumption;
+    const std::chrono::steady_clock::time_point m_startDate;
+};
