@@ -26,6 +26,11 @@ LEFT_OUT_CALLS = {
     "setWhatsThis", "setStatusTip", "setPlaceholderText", "setWindowTitle", "prctl", "flush", "setProperty",
 }
 # What these do comes later, whichever stands first: repainting, what an event is answered with, what a signal will run.
+VARIABLES = (K.VAR_DECL, K.PARM_DECL, K.FIELD_DECL)
+# Operators that change what stands before them.
+CHANGING = {"operator=", "operator+=", "operator-=", "operator|=", "operator&="}
+# Values in memory: what their functions are called says nothing of disk, threads or processes.
+CONTAINERS = re.compile(r"\b(QList|QHash|QMultiHash|QMap|QSet|QString|QByteArray|vector|deque|map|set|array|basic_string)\b")
 LATER = {"update", "accept", "ignore", "connect"}
 # What reaches the disk, another thread or another process: its order is what faults are for, whoever it is called on.
 ORDERED = re.compile(r"sync|flush|save|write|remove|unlink|rename|move|commit|begin|todisk|truncate|note|close|open|lock|wait|join|notify|stop|start|cancel"
@@ -260,7 +265,8 @@ class Finder:
                     self.add("swap", one[0], two[1], before, b" } }", second + spaces + first)
 
     def call_statement(self, cursor):
-        """(start, end with the semicolon, name, whose function, what it names) of a statement that is a call and nothing else."""
+        """(start, end with the semicolon, name, whose function, what it names, whether that is of a container, what a free function
+        is given) of a statement that is a call and nothing else."""
         call = self.peeled(cursor)
         if call.kind != K.CALL_EXPR or call.spelling in LEFT_OUT_CALLS or call.spelling in TEXT_CALLS:
             return None
@@ -271,10 +277,22 @@ class Finder:
         receiver = self.receiver(call)
         if receiver is not None and LOOKS.search(receiver.type.get_canonical().spelling):
             return None
-        return start, end + semicolon.end(), call.spelling, receiver.referenced.get_usr() if receiver is not None else "", self.named(call)
+        of = receiver.referenced.get_usr() if receiver is not None else ""
+        is_container = receiver is not None and bool(CONTAINERS.search(receiver.type.get_canonical().spelling))
+        return start, end + semicolon.end(), call.spelling, of, self.named(call), is_container, self.given(call)
+
+    @staticmethod
+    def given(call):
+        """The variables and members that a free function is given; none for any other call."""
+        if call.referenced is None or call.referenced.kind != K.FUNCTION_DECL or call.spelling.startswith("operator"):
+            return set()
+        return {c.referenced.get_usr() for c in call.walk_preorder()
+                if c.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and c.referenced is not None and c.referenced.kind in VARIABLES}
 
     def receiver(self, call):
         """The variable or member whose function is called, or None: a free function, or one of the object's own."""
+        if call.kind == K.CALL_EXPR and call.spelling in CHANGING:
+            return self.changed(next(iter(call.get_children()), None))
         callee = next(iter(call.get_children()), None)
         if call.kind != K.CALL_EXPR or callee is None or callee.kind != K.MEMBER_REF_EXPR:
             return None
@@ -283,7 +301,16 @@ class Finder:
         if of is not None and of.kind == K.CALL_EXPR and of.spelling == "operator->":
             of = self.peeled(next(iter(of.get_children())))
         is_variable = of is not None and of.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and of.referenced is not None
-        return of if is_variable and of.referenced.kind in (K.VAR_DECL, K.PARM_DECL, K.FIELD_DECL) else None
+        return of if is_variable and of.referenced.kind in VARIABLES else None
+
+    def changed(self, target):
+        """The variable or member that an assignment changes, or part of which."""
+        while target is not None:
+            target = self.peeled(target)
+            if target.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and target.referenced is not None:
+                return target if target.referenced.kind in VARIABLES else None
+            target = next(iter(target.get_children()), None) if target.kind == K.CALL_EXPR and target.spelling == "operator[]" else None
+        return None
 
     @staticmethod
     def named(call):
@@ -298,10 +325,12 @@ class Finder:
         setters = [call[2] for call in (one, two) if re.match(r"set[A-Z]", call[2])]
         if len(setters) == 2 and setters[0] != setters[1]:
             return True
-        if ORDERED.search(one[2]) or ORDERED.search(two[2]):
+        if any(ORDERED.search(call[2]) and not call[5] for call in (one, two)):
             return False
-        # Of two objects, neither of which the other call knows of.
-        return bool(one[3] and two[3]) and one[3] not in two[4] and two[3] not in one[4]
+        # Of two objects, neither of which the other call knows of; or of two functions that are given nothing in common.
+        if one[3] and two[3]:
+            return one[3] not in two[4] and two[3] not in one[4]
+        return bool(one[6] and two[6]) and not (one[6] & two[6])
 
 
 def find_places(path, name, arguments):
