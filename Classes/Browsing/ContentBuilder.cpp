@@ -47,9 +47,8 @@ void ContentBuilder::restrictToTitles(ZQFetchRequest &request, const char *compa
 {
     const QString title = zqItemKeyPath(zqListRowsOfEntity(request.entityName), QStringLiteral("title"));
     request.predicate = ZQPredicate::andPredicate(
-        {request.predicate,
-         ZQPredicate::predicateWithFormat(title + u' ' + QLatin1StringView(comparison) + u' ' + QStringLiteral("%@"),
-                                          {text})});
+        {request.predicate, ZQPredicate::predicateWithFormat(
+                                title + u' ' + QLatin1StringView(comparison) + u' ' + QStringLiteral("%@"), {text})});
 }
 
 void ContentBuilder::prepare(ZQFetchRequest &request) const
@@ -74,19 +73,20 @@ std::optional<QList<ContentBuilder::Section>> ContentBuilder::sections(ZQError *
     for (const ZQObjectID &id : m_query.sidebarItems) {
         ids.append(QVariant::fromValue(id));
     }
-    const auto found = zqFetch<ZQSidebarBaseItem>(
-        m_context,
-        {.entityName = ZQSidebarBaseItem::entityName(),
-         .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("SELF IN %@ AND active == YES"), {ids})},
-        error);
+    const auto found =
+        zqFetch<ZQSidebarBaseItem>(m_context,
+                                   {.entityName = ZQSidebarBaseItem::entityName(),
+                                    .predicate = ZQPredicate::predicateWithFormat(
+                                        QStringLiteral("SELF IN %@ AND active == YES"), {QVariant(ids)})},
+                                   error);
     if (!found) {
         return std::nullopt;
     }
     QList<Section> result;
     ZQRef<ZQSidebarBaseItem> single;
     for (const ZQObjectID &id : m_query.sidebarItems) {
-        const auto item = std::find_if(found->begin(), found->end(),
-                                       [&id](const auto &each) { return each->objectID() == id; });
+        const auto item =
+            std::find_if(found->begin(), found->end(), [&id](const auto &each) { return each->objectID() == id; });
         if (item != found->end()) {
             addSections(*item, result);
             single = *item;

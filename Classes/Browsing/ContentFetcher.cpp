@@ -72,10 +72,7 @@ ContentFetcher::~ContentFetcher()
     d->thread.join();
 }
 
-ContentFetcher::Ticket::Ticket(ContentFetcher &fetcher, Priority priority)
-    : m_state(new State{priority, fetcher.d})
-{
-}
+ContentFetcher::Ticket::Ticket(ContentFetcher &fetcher, Priority priority) : m_state(new State{priority, fetcher.d}) {}
 
 ContentFetcher::Ticket::~Ticket()
 {
@@ -192,7 +189,8 @@ namespace {
 
 // What `fetch(context, request, error)` gives for each request; none after an error.
 template <class Result, class Fetch>
-ContentFetcher::Ticket::Work each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>)> answer, Fetch fetch)
+ContentFetcher::Ticket::Work each(QList<ZQFetchRequest> requests, std::function<void(QList<Result>)> answer,
+                                  Fetch fetch)
 {
     return [requests = std::move(requests), answer = std::move(answer),
             fetch](ZQManagedObjectContext &context,

@@ -111,8 +111,8 @@ void OpenTabs::restore()
     }
     if (tabs.isEmpty()) {
         const auto library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_edits.context);
-        tabs.append(std::make_shared<TabState>(m_edits, library ? QList<ZQObjectID>{library->objectID()}
-                                                                : QList<ZQObjectID>()));
+        tabs.append(std::make_shared<TabState>(m_edits,
+                                               library ? QList<ZQObjectID>{library->objectID()} : QList<ZQObjectID>()));
     }
     m_tabs = std::move(tabs);
     select(std::clamp(int(defaults.integerForKey(currentKey)), 0, count() - 1));

@@ -454,6 +454,7 @@ void BrowserViewController::rate(int stars)
 {
     if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
         ItemEdits(m_window).setRating(items, stars);
+        Q_EMIT rated(stars);
     }
 }
 

@@ -1,15 +1,15 @@
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 
+#include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
-#include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
+#include "Classes/Interface/ItemPictures.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
-#include "Classes/Interface/ItemPictures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -167,7 +167,9 @@ void InfoPanelViewController::makeHead()
     connect(m_title, &QLineEdit::editingFinished, this, &InfoPanelViewController::commitTitle);
     m_kind->setObjectName(QStringLiteral("SmallMuted"));
     m_kind->setWordWrap(true);
-    connect(m_rating, &RatingField::edited, this, &InfoPanelViewController::rateItems);
+    connect(m_rating, &RatingField::edited, this,
+            [this](double rating) { m_browser.rate(OpenMeta::starsForRating(rating)); });
+    connect(&m_browser, &BrowserViewController::rated, this, [this](int stars) { m_rating->setRating(stars, false); });
     auto *names = new QVBoxLayout;
     names->setSpacing(1);
     names->addWidget(m_title);
@@ -274,13 +276,13 @@ bool InfoPanelViewController::refresh()
         return false;
     }
     m_summaryTicket.run([this, items](ZQManagedObjectContext &context, const auto &isWanted) {
-                             const auto summary = SelectionSummary::of(items, context, isWanted);
-                             return [this, items, summary] {
-                                 if (summary && m_browser.selectionCount() == items.size()) {
-                                     showSummary(items, *summary);
-                                 }
-                             };
-                         });
+        const auto summary = SelectionSummary::of(items, context, isWanted);
+        return [this, items, summary] {
+            if (summary && m_browser.selectionCount() == items.size()) {
+                showSummary(items, *summary);
+            }
+        };
+    });
     return true;
 }
 
@@ -415,15 +417,6 @@ bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QSt
     OpenMetaPrefs::updatePrefsRecentTags(shared, entered);
     ItemEdits(m_window).changeTags(items, {}, removed, added);
     return true;
-}
-
-void InfoPanelViewController::rateItems(double rating)
-{
-    const QList<ZQObjectID> items = m_browser.selectedItems();
-    if (!items.isEmpty()) {
-        m_rating->setRating(rating, false);
-        ItemEdits(m_window).setRating(items, OpenMeta::starsForRating(rating));
-    }
 }
 
 void InfoPanelViewController::editTitle()

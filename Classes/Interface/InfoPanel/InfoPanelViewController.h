@@ -33,7 +33,6 @@ public:
     // when an item changed. One undo step.
     bool tagItems(const QList<ZQObjectID> &items, const QStringList &withTags);
     QStringList commonTagsForItems(const QList<ZQObjectID> &items) const;
-    void rateItems(double rating);
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;

@@ -2,7 +2,6 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
-#include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -66,7 +65,6 @@ void settleWindow(const MainWindowController &controller)
 void measureEdits(MainWindowController &controller)
 {
     ZQGridView &grid = controller.browser().grid();
-    auto *info = controller.window()->findChild<InfoPanelViewController *>();
     const auto selectAll = [&] {
         grid.selectAll();
         settleWindow(controller);
@@ -76,6 +74,6 @@ void measureEdits(MainWindowController &controller)
     measure("removing", controller, [&] { controller.browser().removeFromProject(); });
     measure("returning", controller, [&] { controller.undoStack().undo(); });
     selectAll();
-    measure("rating", controller, [info] { info->rateItems(1); });
+    measure("rating", controller, [&controller] { controller.browser().rate(1); });
     measure("rating-undone", controller, [&] { controller.undoStack().undo(); });
 }

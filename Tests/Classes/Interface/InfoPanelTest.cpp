@@ -119,7 +119,7 @@ TEST_F(InfoPanelTest, SaysWhatIsKnownOfNoneOneAndMany)
     select({});
     EXPECT_EQ(notice(), QStringLiteral("Nothing selected"));
     EXPECT_FALSE(field("Title"));
-    panel->rateItems(4);
+    browser().rate(4);
     EXPECT_FALSE(isEnabled(CommandID::Undo));
 
     EXPECT_TRUE(panel->widgetResizable());
