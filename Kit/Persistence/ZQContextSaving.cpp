@@ -3,8 +3,6 @@
 #include "Kit/Persistence/ZQContextPrivate.h"
 #include "Kit/Persistence/ZQSaveWork.h"
 
-#include <mutex>
-
 using Private = ZQManagedObjectContext::Private;
 
 namespace {
@@ -130,7 +128,7 @@ bool Private::write(ZQSaveWork &work, ZQError *error)
         zqSetError(error, connectionError);
         return false;
     }
-    const std::lock_guard<std::mutex> lock(coordinator->writeLock());
+    const ZQLockGuard lock(coordinator->writeLock());
     ZQSQLiteTransaction transaction(*connection);
     const bool isWritten = transaction.isOpen() && allocateKeys(work) && insertRows(work) && updateRows(work) &&
                            deleteRows(work) && writeJoins(work) &&
