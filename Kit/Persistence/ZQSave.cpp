@@ -1,9 +1,9 @@
-#include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
-#include "Kit/Persistence/ZQContextPrivate.h"
-#include "Kit/Persistence/ZQSaveWork.h"
+#include "Kit/Persistence/ZQSave.h"
 
-using Private = ZQManagedObjectContext::Private;
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Persistence/ZQChangeMerger.h"
+#include "Kit/Persistence/ZQDeleteRules.h"
+#include "Kit/Persistence/ZQRowWriter.h"
 
 namespace {
 
@@ -32,46 +32,17 @@ ZQError conflictError(const QList<ZQObjectID> &conflicts)
 
 } // namespace
 
-bool ZQManagedObjectContext::save(ZQError *error)
+bool ZQSave::collect(ZQError *error)
 {
-    d->assertThread();
-    ZQTrace trace("store", "save");
-    ZQSaveWork work;
-    if (!d->collect(work, error)) {
-        return false;
-    }
-    if (work.isEmpty()) {
-        d->updated.clear();
-        d->lastTouched = nullptr;
-        return true;
-    }
-    Private::notify(d->willSaveObservers, {});
-    if (!d->write(work, error)) {
-        return false;
-    }
-    ZQContextDidSave notification;
-    ZQContextDidSave announcement;
-    d->applySave(work, notification, announcement);
-    Private::notify(d->didSaveObservers, notification);
-    Private::notify(d->didChangeObservers, announcement);
-    return true;
+    m_work.inserted = m_context.changes.inserted().objects();
+    m_work.deleted = m_context.changes.deleted().objects();
+    m_work.updated = m_context.changes.reallyUpdated();
+    return validate(error);
 }
 
-bool Private::collect(ZQSaveWork &work, ZQError *error)
+bool ZQSave::validate(ZQError *error)
 {
-    work.inserted = inserted.objects();
-    work.deleted = deleted.objects();
-    for (const Object &object : updated.objects()) {
-        if (isDirty(object.get())) {
-            work.updated.append(object);
-        }
-    }
-    return validate(work, error);
-}
-
-bool Private::validate(const ZQSaveWork &work, ZQError *error)
-{
-    for (const QList<Object> *objects : {&work.inserted, &work.updated}) {
+    for (const QList<Object> *objects : {&m_work.inserted, &m_work.updated}) {
         for (const Object &object : *objects) {
             const quint64 looked = object->m_isInserted ? ~quint64(0) : object->m_changed;
             if (!(looked & object->m_nulls)) {
@@ -89,63 +60,45 @@ bool Private::validate(const ZQSaveWork &work, ZQError *error)
             }
         }
     }
-    for (const Object &object : work.deleted) {
-        if (isDenied(object.get(), error)) {
+    for (const Object &object : m_work.deleted) {
+        const auto denying = ZQDeleteRules(m_context).denyingRelationship(object.get());
+        if (!denying) {
+            zqSetError(error, m_context.store.error());
+            return false;
+        }
+        if (!denying->isEmpty()) {
+            zqSetError(error, validationError(*object, *denying,
+                                              "An object that is still used by others through %@ cannot be deleted."));
             return false;
         }
     }
     return true;
 }
 
-bool Private::isDenied(ZQManagedObject *object, ZQError *error)
+bool ZQSave::write(ZQError *error)
 {
-    for (size_t i = 0; i < object->m_entity->relationships.size(); ++i) {
-        const ZQRelationshipDescription &forward = object->m_entity->relationships[i];
-        if (forward.deleteRule != ZQDeleteRule::Deny) {
-            continue;
-        }
-        QList<qint64> keys = forward.toMany ? loadedKeys(object, int(i)) : QList<qint64>{toOneKey(object, int(i))};
-        if (forward.toMany && !list(object, int(i)).isLoaded) { // it could not be read
-            zqSetError(error, storeError());
-            return true;
-        }
-        keys.removeIf([&](qint64 key) {
-            const ZQManagedObject *target = held(forward.destination, key);
-            return key == 0 || (target && target->m_isDeleted);
-        });
-        if (!keys.isEmpty()) {
-            zqSetError(error, validationError(*object, forward.name,
-                                              "An object that is still used by others through %@ cannot be deleted."));
-            return true;
-        }
-    }
-    return false;
-}
-
-bool Private::write(ZQSaveWork &work, ZQError *error)
-{
+    ZQSQLiteConnection *connection = m_context.store.connection();
     if (!connection) {
-        zqSetError(error, connectionError);
+        zqSetError(error, m_context.store.error());
         return false;
     }
+    const auto &coordinator = m_context.store.coordinator();
     const ZQLockGuard lock(coordinator->writeLock());
     ZQSQLiteTransaction transaction(*connection);
-    const bool isWritten = transaction.isOpen() && allocateKeys(work) && insertRows(work) && updateRows(work) &&
-                           deleteRows(work) && writeJoins(work) &&
-                           (!connection->hasDanglingReferences() || clearDanglingReferences(work));
-    if (isWritten && !work.conflicts.isEmpty()) {
-        zqSetError(error, conflictError(work.conflicts));
+    const bool isWritten = transaction.isOpen() && ZQRowWriter(m_context, m_work).write();
+    if (isWritten && !m_work.conflicts.isEmpty()) {
+        zqSetError(error, conflictError(m_work.conflicts));
         return false;
     }
     if (!isWritten || !transaction.commit()) {
-        zqSetError(error, storeError());
+        zqSetError(error, m_context.store.error());
         return false;
     }
-    coordinator->noteSavedRows(*connection, work.inserted.size() + work.deleted.size());
+    coordinator->noteSavedRows(*connection, m_work.inserted.size() + m_work.deleted.size());
     return true;
 }
 
-void Private::replaceTemporaryKeys(const ZQSaveWork &work, ZQManagedObject *object)
+void ZQSave::replaceTemporaryKeys(ZQManagedObject *object)
 {
     for (size_t i = 0; i < object->m_plan->relationshipFields.size(); ++i) {
         const int field = object->m_plan->relationshipFields[i];
@@ -154,82 +107,83 @@ void Private::replaceTemporaryKeys(const ZQSaveWork &work, ZQManagedObject *obje
         }
         qint64 &key = zqKeySlot(object->m_plan->root->fields[size_t(field)], object->row());
         if (key < 0) {
-            key = work.permanent(key);
+            key = m_work.permanent(key);
             if (key == 0) {
                 object->m_nulls |= quint64(1) << field;
             }
         }
     }
-    for (ToMany &many : object->m_toMany) {
+    for (ZQRelationships::ToMany &many : object->m_toMany) {
         many.added.clear();
         many.removed.clear();
         for (qint64 &key : many.keys) {
             if (key < 0) {
-                key = work.permanent(key);
+                key = m_work.permanent(key);
             }
         }
     }
 }
 
-void Private::applySave(ZQSaveWork &work, ZQContextDidSave &notification, ZQContextDidSave &announcement)
+void ZQSave::applyKeys()
 {
-    notification.source = q;
-    ZQIDList touched;
-    for (const Object &object : work.inserted) {
-        Root &root = rootOf(object.get());
-        root.objects.remove(object->m_key);
-        object->m_key = work.permanent(object->m_key);
+    for (const Object &object : m_work.inserted) {
+        m_context.rows.changeKey(object.get(), m_work.permanent(object->m_key));
         object->m_version = 1;
         object->m_isInserted = false;
         object->m_changed = 0;
-        root.objects.insert(object->m_key, object.get());
+    }
+    for (const Object &object : m_work.inserted) {
+        replaceTemporaryKeys(object.get());
+    }
+    for (const Object &object : m_work.updated) {
+        replaceTemporaryKeys(object.get());
+        object->m_changed = 0;
+        object->m_version = m_work.versions.value(object.get(), object->m_version);
+    }
+}
+
+ZQSave::Outcome ZQSave::apply()
+{
+    Outcome outcome;
+    ZQContextDidSave &notification = outcome.notification;
+    notification.source = m_context.q;
+    applyKeys();
+    ZQIDList touched;
+    for (const Object &object : m_work.inserted) {
         notification.inserted.append(object->objectID());
     }
-    for (const Object &object : work.inserted) {
-        replaceTemporaryKeys(work, object.get());
-    }
-    for (const Object &object : work.updated) {
-        replaceTemporaryKeys(work, object.get());
-        object->m_changed = 0;
-        object->m_version = work.versions.value(object.get(), object->m_version);
-        if (!work.goneFromStore.contains(object.get())) {
+    for (const Object &object : m_work.updated) {
+        if (!m_work.goneFromStore.contains(object.get())) {
             touched.add(object->objectID());
         }
     }
     // A row written for an inserted object may have been put right as well.
-    for (ZQManagedObject *object : std::as_const(work.mergedWithStore)) {
-        if (!work.goneFromStore.contains(object)) {
-            becomeFault(object);
+    for (ZQManagedObject *object : std::as_const(m_work.mergedWithStore)) {
+        if (!m_work.goneFromStore.contains(object)) {
+            m_context.rows.becomeFault(object);
         }
     }
     QSet<ZQObjectID> gone;
-    for (const Object &object : work.deleted) {
+    for (const Object &object : m_work.deleted) {
         notification.deleted.append(object->objectID());
         gone.insert(object->objectID());
-        orphan(object.get());
+        m_context.orphan(object.get());
     }
     const QSet<ZQObjectID> fresh(notification.inserted.cbegin(), notification.inserted.cend());
-    for (const ZQObjectID &id : std::as_const(work.neighbours)) {
+    for (const ZQObjectID &id : std::as_const(m_work.neighbours)) {
         if (!gone.contains(id) && !fresh.contains(id)) {
             touched.add(id);
         }
     }
     notification.updated = touched.list;
-    announcement = notification;
-    for (const Object &object : work.updated) {
-        if (work.goneFromStore.contains(object.get())) {
-            announcement.deleted.append(object->objectID());
-            mergeDeleted(object.get());
+    outcome.announcement = notification;
+    for (const Object &object : m_work.updated) {
+        if (m_work.goneFromStore.contains(object.get())) {
+            outcome.announcement.deleted.append(object->objectID());
+            ZQChangeMerger(m_context).removeDeleted(object.get());
         }
     }
     // Who was told of a temporary identifier learns that it stands for nothing any more.
-    announcement.deleted += announcedTemporary.values();
-    announcedTemporary.clear();
-    for (ZQIDList *list : {&newlyInserted, &newlyUpdated, &newlyDeleted}) {
-        list->clear();
-    }
-    lastTouched = nullptr;
-    inserted.clear();
-    updated.clear();
-    deleted.clear();
+    outcome.announcement.deleted += m_context.changes.didSave();
+    return outcome;
 }
