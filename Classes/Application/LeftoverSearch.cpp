@@ -5,6 +5,7 @@
 #include "Classes/Tags/FileTags.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
@@ -20,7 +21,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <mutex>
 #include <utility>
 
 namespace {
@@ -32,8 +32,8 @@ const QString bundleIDKey = QStringLiteral("bundleID");
 
 struct Observer
 {
-    std::mutex mutex;
-    std::function<void(qsizetype)> block;
+    ZQMutex mutex;
+    std::function<void(qsizetype)> block ZQ_GUARDED_BY(mutex);
 };
 Observer &observer()
 {
@@ -88,7 +88,7 @@ LeftoverSearch::~LeftoverSearch() = default;
 
 void LeftoverSearch::setObserver(std::function<void(qsizetype namesHeld)> block)
 {
-    const std::lock_guard lock(observer().mutex);
+    const ZQLockGuard lock(observer().mutex);
     observer().block = std::move(block);
 }
 
@@ -96,7 +96,7 @@ void LeftoverSearch::tellObserver(qsizetype namesInBatch) const
 {
     std::function<void(qsizetype)> block;
     {
-        const std::lock_guard lock(observer().mutex);
+        const ZQLockGuard lock(observer().mutex);
         block = observer().block;
     }
     if (block) {

@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
 #include <QDir>
@@ -13,16 +14,15 @@
 
 #include <cerrno>
 #include <cstring>
-#include <mutex>
 #include <sys/stat.h>
 
 namespace {
 
 struct Made
 {
-    std::mutex mutex;
-    bool isKept = false;
-    QSet<QUuid> bundleIDs;
+    ZQMutex mutex;
+    bool isKept ZQ_GUARDED_BY(mutex) = false;
+    QSet<QUuid> bundleIDs ZQ_GUARDED_BY(mutex);
 };
 Made &made()
 {
@@ -34,7 +34,7 @@ Made &made()
 
 void LibraryBundleManager::rememberMadeDirectories(bool remembers)
 {
-    const std::lock_guard lock(made().mutex);
+    const ZQLockGuard lock(made().mutex);
     made().isKept = remembers;
     made().bundleIDs = {};
 }
@@ -42,7 +42,7 @@ void LibraryBundleManager::rememberMadeDirectories(bool remembers)
 bool LibraryBundleManager::didMake(const QString &directoryName)
 {
     const QUuid bundleID = QUuid::fromString(QFileInfo(directoryName).completeBaseName());
-    const std::lock_guard lock(made().mutex);
+    const ZQLockGuard lock(made().mutex);
     return !bundleID.isNull() && made().bundleIDs.contains(bundleID);
 }
 
@@ -55,7 +55,7 @@ QString LibraryBundleManager::newLibraryItemBundlePath()
     const QUuid bundleID = QUuid::createUuid();
     const QString name = bundleID.toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".ztlibraryitem");
     {
-        const std::lock_guard lock(made().mutex); // before it is there for anyone to see
+        const ZQLockGuard lock(made().mutex); // before it is there for anyone to see
         if (made().isKept) {
             made().bundleIDs.insert(bundleID);
         }

@@ -2,6 +2,7 @@
 
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QFile>
 
@@ -10,7 +11,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <mutex>
 #include <utility>
 
 namespace {
@@ -26,8 +26,8 @@ struct Area
     QStringList made;            // by this process
 };
 
-std::mutex areaMutex;
-Area area;
+ZQMutex areaMutex;
+Area area ZQ_GUARDED_BY(areaMutex);
 
 QString withFreshName(const QString &path, ZQError *error)
 {
@@ -63,7 +63,7 @@ bool isAt(const ZQFileDescriptor &folder, const QByteArray &path)
 }
 
 // Takes the folder at `path` into use; false when it is not ours to use.
-bool use(const QString &path)
+bool use(const QString &path) ZQ_REQUIRES(areaMutex)
 {
     const QByteArray name = QFile::encodeName(path);
     for (int attempt = 0; attempt < 100; ++attempt) {
@@ -82,7 +82,7 @@ bool use(const QString &path)
     return false;
 }
 
-QString folderLocked(ZQError *error)
+QString folderLocked(ZQError *error) ZQ_REQUIRES(areaMutex)
 {
     const QString base = ZQPaths::temporaryDir();
     if (area.base == base && isAt(area.descriptor, QFile::encodeName(area.path))) {
@@ -110,13 +110,13 @@ QString folderLocked(ZQError *error)
 
 QString TemporaryArea::folder(ZQError *error)
 {
-    const std::lock_guard lock(areaMutex);
+    const ZQLockGuard lock(areaMutex);
     return folderLocked(error);
 }
 
 QString TemporaryArea::newFolder(ZQError *error)
 {
-    const std::lock_guard lock(areaMutex);
+    const ZQLockGuard lock(areaMutex);
     const QString base = folderLocked(error);
     if (base.isEmpty()) {
         return {};
@@ -132,7 +132,7 @@ QString TemporaryArea::newFolder(ZQError *error)
 
 QStringList TemporaryArea::takeForRemoval()
 {
-    const std::lock_guard lock(areaMutex);
+    const ZQLockGuard lock(areaMutex);
     const QString usual = ZQPaths::temporaryDir() + u'/' + usualName;
     struct stat status = {};
     const bool isUnused = area.base != ZQPaths::temporaryDir();

@@ -1,10 +1,10 @@
 #include "Classes/Command/CommandUserInteraction.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <cstdio>
-#include <mutex>
 #include <unistd.h>
 
 namespace {
@@ -30,37 +30,37 @@ public:
     }
     void setMaximum(double maximum) override
     {
-        const std::scoped_lock lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         m_maximum = maximum;
     }
     void advanceBy(double amount) override
     {
-        const std::scoped_lock lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         m_done += amount;
         draw();
     }
     void setText(const QString &text) override
     {
-        const std::scoped_lock lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         m_text = text;
     }
 
     std::shared_ptr<std::function<void()>> cancelBlock;
 
 private:
-    void draw()
+    void draw() ZQ_REQUIRES(m_mutex)
     {
         if (m_isShown) {
             std::fprintf(stderr, "\r\033[K%s %.0f / %.0f", m_text.toUtf8().constData(), m_done, m_maximum);
             m_drawn = true;
         }
     }
-    std::mutex m_mutex;
-    QString m_text;
-    double m_maximum;
-    double m_done = 0;
-    bool m_isShown;
-    bool m_drawn = false;
+    ZQMutex m_mutex;
+    QString m_text ZQ_GUARDED_BY(m_mutex);
+    double m_maximum ZQ_GUARDED_BY(m_mutex);
+    double m_done ZQ_GUARDED_BY(m_mutex) = 0;
+    const bool m_isShown;
+    bool m_drawn ZQ_GUARDED_BY(m_mutex) = false;
 };
 } // namespace
 

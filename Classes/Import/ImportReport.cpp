@@ -2,38 +2,38 @@
 
 QStringList ImportReport::imported() const
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return m_imported;
 }
 
 QList<DroppedFile> ImportReport::dropped() const
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return m_dropped;
 }
 
 QStringList ImportReport::notifications() const
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return m_notifications;
 }
 
 void ImportReport::setImported(const QStringList &bundleIDs)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_imported = bundleIDs;
 }
 
 void ImportReport::setOrigin(const QString &folder, const QString &shownAs)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_originFolder = folder;
     m_originShownAs = shownAs;
 }
 
 void ImportReport::addDropped(const DroppedFile &file)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     DroppedFile shown = file;
     QString &path = shown.path;
     if (!m_originFolder.isEmpty() && (path == m_originFolder || path.startsWith(m_originFolder + u'/'))) {
@@ -50,18 +50,18 @@ void ImportReport::addDropped(const DroppedFile &file)
 
 void ImportReport::addNotification(const QString &text)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_notifications.append(text);
 }
 
 bool ImportReport::isUnfinished() const
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return m_isUnfinished;
 }
 
 void ImportReport::setUnfinished()
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_isUnfinished = true;
 }

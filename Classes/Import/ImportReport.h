@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Kit/Foundation/ZQThreadSafety.h"
+
 #include <QList>
 #include <QSet>
 #include <QString>
 #include <QStringList>
-
-#include <mutex>
 
 // A file that was asked for and did not become an item, or not wholly, with a sentence that says why and what to do.
 struct DroppedFile
@@ -44,12 +44,12 @@ public:
     void setUnfinished();
 
 private:
-    mutable std::mutex m_mutex;
-    QString m_originFolder;
-    QString m_originShownAs;
-    QStringList m_imported;
-    QList<DroppedFile> m_dropped;
-    QSet<QString> m_incomplete; // the paths among them
-    QStringList m_notifications;
-    bool m_isUnfinished = false;
+    mutable ZQMutex m_mutex;
+    QString m_originFolder ZQ_GUARDED_BY(m_mutex);
+    QString m_originShownAs ZQ_GUARDED_BY(m_mutex);
+    QStringList m_imported ZQ_GUARDED_BY(m_mutex);
+    QList<DroppedFile> m_dropped ZQ_GUARDED_BY(m_mutex);
+    QSet<QString> m_incomplete ZQ_GUARDED_BY(m_mutex); // the paths among them
+    QStringList m_notifications ZQ_GUARDED_BY(m_mutex);
+    bool m_isUnfinished ZQ_GUARDED_BY(m_mutex) = false;
 };

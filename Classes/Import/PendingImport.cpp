@@ -4,6 +4,7 @@
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,7 +18,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -34,8 +34,8 @@ constexpr qint64 lineLimit = mebibyte;
 
 struct Active
 {
-    std::mutex mutex;
-    QSet<QString> paths;
+    ZQMutex mutex;
+    QSet<QString> paths ZQ_GUARDED_BY(mutex);
 };
 
 Active &active()
@@ -193,10 +193,11 @@ QStringList PendingImportFile::cutOff(const QString &folder)
 {
     QStringList names;
     const QStringList files = QDir(folder).entryList({u'*' + requestEnding}, QDir::Files, QDir::Name);
-    const std::lock_guard lock(active().mutex);
+    Active &current = active();
+    const ZQLockGuard lock(current.mutex);
     for (const QString &file : files) {
         const QString name = file.chopped(requestEnding.size());
-        if (!active().paths.contains(requestPath(folder, name))) {
+        if (!current.paths.contains(requestPath(folder, name))) {
             names.append(name);
         }
     }
@@ -226,12 +227,13 @@ void PendingImportFile::removeRemains(const QString &folder)
         QStringLiteral("\\A([0-9]+-[0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12})\\.sources\\z"));
     static const QRegularExpression halfWrittenName(QStringLiteral("\\A\\.zelto-[0-9a-z]+\\z"));
     const QStringList files = QDir(folder).entryList(QDir::Files | QDir::Hidden);
-    const std::lock_guard lock(active().mutex);
+    Active &current = active();
+    const ZQLockGuard lock(current.mutex);
     for (const QString &file : files) {
         const auto sources = sourcesName.match(file);
         const QString request = requestPath(folder, sources.captured(1));
-        const bool isOfNone = sources.hasMatch() && !QFileInfo::exists(request) && !active().paths.contains(request);
-        const bool isHalfWritten = halfWrittenName.match(file).hasMatch() && active().paths.isEmpty();
+        const bool isOfNone = sources.hasMatch() && !QFileInfo::exists(request) && !current.paths.contains(request);
+        const bool isHalfWritten = halfWrittenName.match(file).hasMatch() && current.paths.isEmpty();
         if (isOfNone || isHalfWritten) {
             QFile::remove(folder + u'/' + file);
         }
@@ -240,14 +242,16 @@ void PendingImportFile::removeRemains(const QString &folder)
 
 PendingImportFile::PendingImportFile(const QString &folder, const QString &name) : m_folder(folder), m_name(name)
 {
-    const std::lock_guard lock(active().mutex);
-    active().paths.insert(requestPath(m_folder, m_name));
+    Active &current = active();
+    const ZQLockGuard lock(current.mutex);
+    current.paths.insert(requestPath(m_folder, m_name));
 }
 
 PendingImportFile::~PendingImportFile()
 {
-    const std::lock_guard lock(active().mutex);
-    active().paths.remove(requestPath(m_folder, m_name));
+    Active &current = active();
+    const ZQLockGuard lock(current.mutex);
+    current.paths.remove(requestPath(m_folder, m_name));
 }
 
 std::shared_ptr<PendingImportFile> PendingImportFile::create(const QString &folder, const PendingImport &request,

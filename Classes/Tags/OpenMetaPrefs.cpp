@@ -2,12 +2,12 @@
 
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QHash>
 
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace {
@@ -17,17 +17,17 @@ constexpr std::chrono::seconds aWhile{10};
 
 struct State
 {
-    std::mutex mutex;
-    std::unique_ptr<ZQUserDefaults> domain; // null: the application's own
-    std::optional<Clock::time_point> lastSynch;
+    ZQMutex mutex;
+    std::unique_ptr<ZQUserDefaults> domain ZQ_GUARDED_BY(mutex); // null: the application's own
+    std::optional<Clock::time_point> lastSynch ZQ_GUARDED_BY(mutex);
 
-    ZQUserDefaults &defaults() { return domain ? *domain : ZQUserDefaults::standardUserDefaults(); }
-    void synch()
+    ZQUserDefaults &defaults() ZQ_REQUIRES(mutex) { return domain ? *domain : ZQUserDefaults::standardUserDefaults(); }
+    void synch() ZQ_REQUIRES(mutex)
     {
         defaults().synchronize();
         lastSynch = Clock::now();
     }
-    bool synchIfItsBeenAWhile()
+    bool synchIfItsBeenAWhile() ZQ_REQUIRES(mutex)
     {
         if (lastSynch && Clock::now() - *lastSynch < aWhile) {
             return false;
@@ -35,7 +35,10 @@ struct State
         synch();
         return true;
     }
-    QStringList stored() { return defaults().objectForKey(OpenMetaPrefs::recentTagsKey).toStringList(); }
+    QStringList stored() ZQ_REQUIRES(mutex)
+    {
+        return defaults().objectForKey(OpenMetaPrefs::recentTagsKey).toStringList();
+    }
 };
 
 State &state()
@@ -51,7 +54,7 @@ void OpenMetaPrefs::setPrefsFile(const QString &domain)
     QString name = domain;
     name.replace(u'/', u'_');
     State &prefs = state();
-    const std::lock_guard lock(prefs.mutex);
+    const ZQLockGuard lock(prefs.mutex);
     prefs.domain = name.isEmpty() ? nullptr
                                   : std::make_unique<ZQUserDefaults>(ZQPaths::configHome() + QStringLiteral("/Zelto/") +
                                                                      name + QStringLiteral(".json"));
@@ -61,14 +64,14 @@ void OpenMetaPrefs::setPrefsFile(const QString &domain)
 bool OpenMetaPrefs::synchPrefsIfItsBeenAWhile()
 {
     State &prefs = state();
-    const std::lock_guard lock(prefs.mutex);
+    const ZQLockGuard lock(prefs.mutex);
     return prefs.synchIfItsBeenAWhile();
 }
 
 QStringList OpenMetaPrefs::recentTags()
 {
     State &prefs = state();
-    const std::lock_guard lock(prefs.mutex);
+    const ZQLockGuard lock(prefs.mutex);
     prefs.synchIfItsBeenAWhile();
     return prefs.stored();
 }
@@ -85,7 +88,7 @@ void OpenMetaPrefs::updatePrefsRecentTags(const QStringList &oldTags, const QStr
         return;
     }
     State &prefs = state();
-    const std::lock_guard lock(prefs.mutex);
+    const ZQLockGuard lock(prefs.mutex);
     prefs.synch();
     const QStringList stored = prefs.stored();
     QHash<QString, QString> spelling;

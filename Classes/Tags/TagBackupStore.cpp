@@ -229,13 +229,13 @@ void TagBackupStore::prune(List &list) const
 
 bool TagBackupStore::contains(const QString &path)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return list(numberOf(path.toUtf8())).files.contains(path);
 }
 
 std::optional<TagBackup> TagBackupStore::find(const QString &path)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     const List &found = list(numberOf(path.toUtf8()));
     const auto entry = found.files.constFind(path);
     return entry == found.files.cend() ? std::nullopt : std::optional(*entry);
@@ -243,7 +243,7 @@ std::optional<TagBackup> TagBackupStore::find(const QString &path)
 
 QString TagBackupStore::pathOfIdentity(const QByteArray &identity)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return list(numberOf(identity)).identities.value(identity);
 }
 
@@ -259,14 +259,14 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
     if (backups.isEmpty() || !hasFolder()) {
         return true;
     }
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     QLockFile processes(m_folder + QStringLiteral("/lock"));
     if (!processes.tryLock(lockMilliseconds)) {
         qCInfo(zqLogTags).noquote() << "The tag backups in" << m_folder << "are held by another process";
         return false;
     }
     std::set<int> changed;
-    const auto take = [&](const QByteArray &key) -> List & {
+    const auto take = [&](const QByteArray &key) ZQ_REQUIRES(m_mutex) -> List & {
         const int number = numberOf(key);
         changed.insert(number);
         return list(number);
@@ -308,13 +308,13 @@ void TagBackupStore::noteLocked(const QString &path)
 
 void TagBackupStore::note(const QString &path)
 {
-    const std::lock_guard lock(m_notesMutex);
+    const ZQLockGuard lock(m_notesMutex);
     noteLocked(path);
 }
 
 void TagBackupStore::setNotes(const QSet<QString> &paths)
 {
-    const std::lock_guard lock(m_notesMutex);
+    const ZQLockGuard lock(m_notesMutex);
     if (ftruncate(m_notes.get(), 0) != 0) { // or there are none
         return;
     }
@@ -326,7 +326,7 @@ void TagBackupStore::setNotes(const QSet<QString> &paths)
 QStringList TagBackupStore::takeOverNotes()
 {
     QStringList paths;
-    const std::lock_guard lock(m_notesMutex);
+    const ZQLockGuard lock(m_notesMutex);
     const QStringList names = QDir(m_folder).entryList({QStringLiteral("noted-*")}, QDir::Files);
     for (const QString &name : names) {
         const QString notes = m_folder + u'/' + name;

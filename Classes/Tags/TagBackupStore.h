@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -9,7 +10,6 @@
 #include <QStringList>
 
 #include <map>
-#include <mutex>
 #include <optional>
 
 // What a file is, apart from its name.
@@ -82,18 +82,18 @@ private:
     };
     static int numberOf(const QByteArray &key);
     QString pathOf(int number) const;
-    List &list(int number);
+    List &list(int number) ZQ_REQUIRES(m_mutex);
     void read(int number, List &list) const;
     bool write(int number, List &list) const;
     void prune(List &list) const;
     bool hasFolder() const;
-    void noteLocked(const QString &path);
+    void noteLocked(const QString &path) ZQ_REQUIRES(m_notesMutex);
 
     QString m_folder;
     qsizetype m_longestList;
-    std::mutex m_notesMutex;
-    ZQFileDescriptor m_notes;
-    QString m_notesPath;
-    std::mutex m_mutex;
-    std::map<int, List> m_lists;
+    ZQMutex m_notesMutex;
+    ZQFileDescriptor m_notes ZQ_GUARDED_BY(m_notesMutex);
+    QString m_notesPath ZQ_GUARDED_BY(m_notesMutex);
+    ZQMutex m_mutex;
+    std::map<int, List> m_lists ZQ_GUARDED_BY(m_mutex);
 };

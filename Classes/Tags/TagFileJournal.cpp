@@ -62,7 +62,7 @@ TagFileJournal::~TagFileJournal()
 
 qint64 TagFileJournal::willWrite(const QString &item, bool isSaved)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     ++m_outstanding;
     m_isAllSaved = m_isAllSaved && isSaved;
     if (m_file < 0) {
@@ -81,13 +81,13 @@ qint64 TagFileJournal::willWrite(const QString &item, bool isSaved)
 
 void TagFileJournal::bringToDisk(qint64 line)
 {
-    const std::lock_guard flush(m_flushMutex);
+    const ZQLockGuard flush(m_flushMutex);
     if (m_file < 0 || m_flushedLines >= line) {
         return;
     }
     qint64 written = 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         written = m_lines;
     }
     if (fdatasync(m_file) == 0) {
@@ -101,7 +101,7 @@ void TagFileJournal::bringToDisk()
 {
     qint64 lines = 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         lines = m_lines;
     }
     bringToDisk(lines);
@@ -113,7 +113,7 @@ void TagFileJournal::didWrite(const QString &path)
     const QString folder = path.isEmpty() ? QString() : QFileInfo(path).path();
     const bool isKnown = !folder.isEmpty() && ::stat(QFile::encodeName(folder).constData(), &status) == 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         --m_outstanding;
         if (isKnown) {
             m_touched.insert(status.st_dev, folder);
@@ -124,7 +124,7 @@ void TagFileJournal::didWrite(const QString &path)
 
 void TagFileJournal::didSave()
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_isAllSaved = true;
 }
 
@@ -138,7 +138,7 @@ void TagFileJournal::emptyIfSettled()
     qint64 lines = 0;
     QStringList folders;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         if (!isSettled()) {
             return;
         }
@@ -149,7 +149,7 @@ void TagFileJournal::emptyIfSettled()
     if (!flush(folders)) {
         return;
     }
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (isSettled() && m_lines == lines && ftruncate(m_file, 0) == 0) {
         m_isEmpty = true;
         m_noted.clear();

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "Kit/Foundation/ZQThreadSafety.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QString>
 #include <QStringList>
 
 #include <memory>
-#include <mutex>
 
 // The items whose tags are on their way into their files, in a file of the library bundle: one line each, added before
 // the write is queued. It is emptied when everything noted is both in the files and in the saved store. What a killed
@@ -34,18 +35,23 @@ public:
     void emptyIfSettled();
 
 private:
-    bool isSettled() const; // with the lock held
+    bool isSettled() const ZQ_REQUIRES(m_mutex);
     static bool flush(const QStringList &folders);
 
-    std::mutex m_mutex;
+    // As they were when it was opened.
     int m_file = -1;
     QStringList m_interrupted;
-    QHash<QString, qint64> m_noted; // in the file since it was last emptied, and which line it was
-    std::mutex m_flushMutex;
-    qint64 m_lines = 0; // written by this process
-    qint64 m_flushedLines = 0;
-    qint64 m_outstanding = 0;
-    bool m_isAllSaved = true;
-    bool m_isEmpty = true;
-    QHash<quint64, QString> m_touched; // a folder of each file system written to since it was last emptied
+
+    ZQMutex m_flushMutex; // the first to be taken, where both are
+    qint64 m_flushedLines ZQ_GUARDED_BY(m_flushMutex) = 0;
+
+    ZQMutex m_mutex;
+    // In the file since it was last emptied, and which line it was.
+    QHash<QString, qint64> m_noted ZQ_GUARDED_BY(m_mutex);
+    qint64 m_lines ZQ_GUARDED_BY(m_mutex) = 0; // written by this process
+    qint64 m_outstanding ZQ_GUARDED_BY(m_mutex) = 0;
+    bool m_isAllSaved ZQ_GUARDED_BY(m_mutex) = true;
+    bool m_isEmpty ZQ_GUARDED_BY(m_mutex) = true;
+    // A folder of each file system written to since it was last emptied.
+    QHash<quint64, QString> m_touched ZQ_GUARDED_BY(m_mutex);
 };

@@ -90,7 +90,7 @@ TagFileWriter::~TagFileWriter()
 
 void TagFileWriter::setProblemHandler(ProblemHandler handler)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_problemHandler = std::move(handler);
 }
 
@@ -100,7 +100,7 @@ bool TagFileWriter::report(const QString &path, const ZQError &error)
     if (!reason) {
         return false;
     }
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     const quint64 device = deviceOf(path);
     if (!m_problemHandler || m_toldDevices.contains(device)) {
         return m_problemHandler != nullptr;

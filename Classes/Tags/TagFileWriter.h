@@ -2,6 +2,7 @@
 
 #include "Classes/Tags/FileTags.h"
 #include "Kit/Foundation/ZQError.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QSet>
@@ -9,7 +10,6 @@
 #include <QStringList>
 
 #include <functional>
-#include <mutex>
 #include <optional>
 
 // The one serial queue on which items' tags, notes and ratings are written to their files, in the order of the
@@ -73,8 +73,8 @@ private:
     void complain(const QString &path, const ZQError &error, bool isAboutSomething);
     bool report(const QString &path, const ZQError &error); // whether somebody was told, now or before
 
-    std::mutex m_mutex;
-    ProblemHandler m_problemHandler;
-    QSet<quint64> m_toldDevices;
+    ZQMutex m_mutex;
+    ProblemHandler m_problemHandler ZQ_GUARDED_BY(m_mutex);
+    QSet<quint64> m_toldDevices ZQ_GUARDED_BY(m_mutex);
     ZQOperationQueue m_queue;
 };

@@ -100,7 +100,7 @@ qsizetype ZQFileFinder::lookFor(const QList<Wanted> &all, bool waits)
         return missing.size();
     }
     findAround(missing, m_inCallers);
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     for (const Wanted &wanted : std::as_const(missing)) {
         didLookAround(wanted.data);
     }
@@ -140,7 +140,7 @@ std::optional<ZQFileFinder::Known> ZQFileFinder::known(const QByteArray &data, c
 {
     std::optional<Known> known;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         const auto place = m_known.constFind(data);
         if (place != m_known.constEnd()) {
             known = *place;
@@ -155,7 +155,7 @@ std::optional<ZQFileFinder::Known> ZQFileFinder::known(const QByteArray &data, c
 
 void ZQFileFinder::remember(const QByteArray &data, const Known &known)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (!m_known.contains(data)) {
         m_order.push_back(data);
     }
@@ -189,7 +189,7 @@ void ZQFileFinder::tell(const QByteArray &data, const QByteArray &path, const Mo
     if (path.isEmpty() || !moved) {
         return;
     }
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     const auto place = m_known.find(data);
     if (place != m_known.end() && !std::exchange(place->isTold, true)) {
         m_tellings.append({path, moved});
@@ -199,7 +199,7 @@ void ZQFileFinder::tell(const QByteArray &data, const QByteArray &path, const Mo
 
 void ZQFileFinder::tellAgain(const QByteArray &data)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (const auto place = m_known.find(data); place != m_known.end()) {
         place->isTold = false;
     }
@@ -207,8 +207,10 @@ void ZQFileFinder::tellAgain(const QByteArray &data)
 
 void ZQFileFinder::waitUntilLookedFor(const QByteArray &data)
 {
-    std::unique_lock lock(m_mutex);
-    m_idle.wait(lock, [&] { return !m_lookedFor.contains(data); });
+    const ZQLockGuard lock(m_mutex);
+    while (m_lookedFor.contains(data)) {
+        m_idle.wait(m_mutex);
+    }
 }
 
 void ZQFileFinder::didLookAround(const QByteArray &data)
@@ -272,7 +274,7 @@ void ZQFileFinder::findAround(const QList<Wanted> &wanted, std::atomic<qint64> &
     }
     QList<QByteArray> roots;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         roots = m_roots;
     }
     for (const QByteArray &root : std::as_const(roots)) {
@@ -290,7 +292,7 @@ void ZQFileFinder::findAround(const QList<Wanted> &wanted, std::atomic<qint64> &
 
 void ZQFileFinder::findBeside(const QList<Wanted> &wanted)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     for (const Wanted &each : wanted) {
         m_wanted.append(each);
         m_lookedFor.insert(each.data);
@@ -307,12 +309,13 @@ void ZQFileFinder::startWork()
 
 void ZQFileFinder::work()
 {
-    std::unique_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     while (!m_wanted.isEmpty() || !m_tellings.isEmpty()) {
         const QList<Wanted> wanted = std::exchange(m_wanted, {});
-        lock.unlock();
-        findAround(wanted, m_beside);
-        lock.lock();
+        {
+            const ZQUnlockGuard open(m_mutex);
+            findAround(wanted, m_beside);
+        }
         for (const Wanted &each : wanted) {
             didLookAround(each.data);
             m_lookedFor.remove(each.data);
@@ -320,21 +323,20 @@ void ZQFileFinder::work()
         for (const Wanted &again : std::as_const(m_wanted)) {
             m_lookedFor.insert(again.data);
         }
-        m_idle.notify_all();
+        m_idle.notifyAll();
         const QList<Telling> tellings = std::exchange(m_tellings, {});
-        lock.unlock();
+        const ZQUnlockGuard open(m_mutex);
         for (const Telling &telling : tellings) {
             telling.moved(QFile::decodeName(telling.path));
         }
-        lock.lock();
     }
     m_isWorking = false;
-    m_idle.notify_all();
+    m_idle.notifyAll();
 }
 
 void ZQFileFinder::setRoots(const QList<QByteArray> &roots)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_roots = roots;
     m_known.clear();
     m_order.clear();
@@ -342,13 +344,15 @@ void ZQFileFinder::setRoots(const QList<QByteArray> &roots)
 
 void ZQFileFinder::forget()
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_known.clear();
     m_order.clear();
 }
 
 void ZQFileFinder::wait()
 {
-    std::unique_lock lock(m_mutex);
-    m_idle.wait(lock, [this] { return !m_isWorking; });
+    const ZQLockGuard lock(m_mutex);
+    while (m_isWorking) {
+        m_idle.wait(m_mutex);
+    }
 }

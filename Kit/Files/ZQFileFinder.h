@@ -2,6 +2,7 @@
 
 #include "Kit/Files/ZQFileReference.h"
 #include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QHash>
 #include <QList>
@@ -10,9 +11,7 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <optional>
 
 // What the process knows of files that are not where their references say: found ones, missing ones, and those being
@@ -83,25 +82,25 @@ private:
     // Takes the place of what was known of `data`; the oldest goes when there are too many. Nobody is told.
     void remember(const QByteArray &data, const Known &known);
     void waitUntilLookedFor(const QByteArray &data);
-    void didLookAround(const QByteArray &data); // with the lock
+    void didLookAround(const QByteArray &data) ZQ_REQUIRES(m_mutex);
     void tell(const QByteArray &data, const QByteArray &path, const Moved &moved);
     bool didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder);
     // Those of them that are not in `folder`, where all of them were.
     QList<Wanted> findInFolder(const QByteArray &folder, const QList<Wanted> &wanted);
     void findAround(const QList<Wanted> &wanted, std::atomic<qint64> &looked);
     void findBeside(const QList<Wanted> &wanted);
-    void startWork(); // with the lock
+    void startWork() ZQ_REQUIRES(m_mutex);
     void work();
 
-    std::mutex m_mutex;
-    std::condition_variable m_idle;
-    QHash<QByteArray, Known> m_known;
-    std::deque<QByteArray> m_order; // of m_known, oldest first
-    QList<Wanted> m_wanted;
-    QSet<QByteArray> m_lookedFor; // those of m_wanted, and those the thread is at
-    QList<Telling> m_tellings;
-    QList<QByteArray> m_roots;
-    bool m_isWorking = false;
+    ZQMutex m_mutex;
+    ZQCondition m_idle;
+    QHash<QByteArray, Known> m_known ZQ_GUARDED_BY(m_mutex);
+    std::deque<QByteArray> m_order ZQ_GUARDED_BY(m_mutex); // of m_known, oldest first
+    QList<Wanted> m_wanted ZQ_GUARDED_BY(m_mutex);
+    QSet<QByteArray> m_lookedFor ZQ_GUARDED_BY(m_mutex); // those of m_wanted, and those the thread is at
+    QList<Telling> m_tellings ZQ_GUARDED_BY(m_mutex);
+    QList<QByteArray> m_roots ZQ_GUARDED_BY(m_mutex);
+    bool m_isWorking ZQ_GUARDED_BY(m_mutex) = false;
     std::atomic<bool> m_waits = false;
     std::atomic<qint64> m_time = 0; // nanoseconds; 0: the real one
     std::atomic<qint64> m_inCallers = 0;

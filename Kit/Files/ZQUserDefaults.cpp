@@ -5,6 +5,7 @@
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Files/ZQUserDefaultsCoding.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,7 +18,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <mutex>
 #include <vector>
 
 namespace {
@@ -41,19 +41,19 @@ struct Observer
 struct ZQUserDefaults::Private
 {
     QString path;
-    mutable std::mutex mutex;
-    QVariantMap registered;
-    QVariantMap values;    // as the file has them, with `unwritten` over them
-    QVariantMap unwritten; // changes the file could not take; an invalid value removes
-    Stamp stamp = {};
-    std::vector<std::weak_ptr<Observer>> observers;
+    ZQMutex mutex;
+    QVariantMap registered ZQ_GUARDED_BY(mutex);
+    QVariantMap values ZQ_GUARDED_BY(mutex);    // as the file has them, with `unwritten` over them
+    QVariantMap unwritten ZQ_GUARDED_BY(mutex); // changes the file could not take; an invalid value removes
+    Stamp stamp ZQ_GUARDED_BY(mutex) = {};
+    std::vector<std::weak_ptr<Observer>> observers ZQ_GUARDED_BY(mutex);
 
     ZQFileDescriptor lockFile() const;
     enum class Reading { Done, Damaged };
-    Reading read();
-    void refresh();
-    void readLocked();
-    bool write();
+    Reading read() ZQ_REQUIRES(mutex);
+    void refresh() ZQ_REQUIRES(mutex);
+    void readLocked() ZQ_REQUIRES(mutex);
+    bool write() ZQ_REQUIRES(mutex);
     void change(const QString &key, const QVariant &value);
 };
 
@@ -144,7 +144,7 @@ void ZQUserDefaults::Private::change(const QString &key, const QVariant &value)
 {
     std::vector<std::weak_ptr<Observer>> told;
     {
-        const std::lock_guard guard(mutex);
+        const ZQLockGuard guard(mutex);
         const ZQFileDescriptor lock = lockFile();
         readLocked();
         if (unwritten.isEmpty() && values.contains(key) == value.isValid() && values.value(key) == value) {
@@ -178,13 +178,13 @@ ZQUserDefaults::~ZQUserDefaults() = default;
 
 void ZQUserDefaults::registerDefaults(const QVariantMap &defaults)
 {
-    const std::lock_guard guard(d->mutex);
+    const ZQLockGuard guard(d->mutex);
     d->registered.insert(defaults);
 }
 
 QVariant ZQUserDefaults::objectForKey(const QString &key) const
 {
-    const std::lock_guard guard(d->mutex);
+    const ZQLockGuard guard(d->mutex);
     d->refresh();
     return d->values.contains(key) ? d->values.value(key) : d->registered.value(key);
 }
@@ -223,7 +223,7 @@ void ZQUserDefaults::removeObjectForKey(const QString &key)
 
 QStringList ZQUserDefaults::keys() const
 {
-    const std::lock_guard guard(d->mutex);
+    const ZQLockGuard guard(d->mutex);
     d->refresh();
     QVariantMap all = d->registered;
     all.insert(d->values);
@@ -232,14 +232,14 @@ QStringList ZQUserDefaults::keys() const
 
 bool ZQUserDefaults::isSet(const QString &key) const
 {
-    const std::lock_guard guard(d->mutex);
+    const ZQLockGuard guard(d->mutex);
     d->refresh();
     return d->values.contains(key);
 }
 
 bool ZQUserDefaults::synchronize()
 {
-    const std::lock_guard guard(d->mutex);
+    const ZQLockGuard guard(d->mutex);
     const ZQFileDescriptor lock = d->lockFile();
     d->readLocked();
     return d->unwritten.isEmpty() || d->write();
@@ -248,7 +248,7 @@ bool ZQUserDefaults::synchronize()
 ZQUserDefaults::Token ZQUserDefaults::observe(std::function<void(const QString &)> observer)
 {
     auto token = std::make_shared<Observer>(Observer{std::move(observer)});
-    const std::lock_guard guard(d->mutex);
+    const ZQLockGuard guard(d->mutex);
     d->observers.push_back(token);
     return token;
 }

@@ -1,34 +1,30 @@
 #include "Kit/Imaging/ZQRenderNotice.h"
 
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Imaging/ZQRenderProtocol.h"
 
-#include <mutex>
 #include <utility>
 
 namespace {
 
 struct Notice
 {
-    std::mutex mutex;
-    std::function<void()> handler;
-    bool isKnown = false;
+    ZQMutex mutex;
+    std::function<void()> handler ZQ_GUARDED_BY(mutex);
+    bool isKnown ZQ_GUARDED_BY(mutex) = false;
+
+    // What is to be called now, without the lock.
+    std::function<void()> takeHandlerWhenKnown() ZQ_REQUIRES(mutex)
+    {
+        return isKnown ? std::exchange(handler, nullptr) : std::function<void()>();
+    }
 };
 
 Notice &notice()
 {
     static auto *const made = new Notice; // workers may still start while the program ends
     return *made;
-}
-
-void callWhenKnown(std::unique_lock<std::mutex> lock)
-{
-    const std::function<void()> handler =
-        notice().isKnown ? std::exchange(notice().handler, nullptr) : std::function<void()>();
-    lock.unlock();
-    if (handler) {
-        handler();
-    }
 }
 
 } // namespace
@@ -38,18 +34,32 @@ void zqNoteRestrictions(const ZQRenderAnswer &hello)
     if (hello.restrictsFiles && hello.restrictsCalls) {
         return;
     }
-    std::unique_lock lock(notice().mutex);
-    if (!notice().isKnown) {
-        qCWarning(zqLogImaging, "this system cannot confine zelto-render: files %s (Landlock), calls %s (seccomp)",
-                  hello.restrictsFiles ? "yes" : "no", hello.restrictsCalls ? "yes" : "no");
+    Notice &noted = notice();
+    std::function<void()> due;
+    {
+        const ZQLockGuard lock(noted.mutex);
+        if (!noted.isKnown) {
+            qCWarning(zqLogImaging, "this system cannot confine zelto-render: files %s (Landlock), calls %s (seccomp)",
+                      hello.restrictsFiles ? "yes" : "no", hello.restrictsCalls ? "yes" : "no");
+        }
+        noted.isKnown = true;
+        due = noted.takeHandlerWhenKnown();
     }
-    notice().isKnown = true;
-    callWhenKnown(std::move(lock));
+    if (due) {
+        due();
+    }
 }
 
 void zqSetUnconfinedHandler(std::function<void()> handler)
 {
-    std::unique_lock lock(notice().mutex);
-    notice().handler = std::move(handler);
-    callWhenKnown(std::move(lock));
+    Notice &noted = notice();
+    std::function<void()> due;
+    {
+        const ZQLockGuard lock(noted.mutex);
+        noted.handler = std::move(handler);
+        due = noted.takeHandlerWhenKnown();
+    }
+    if (due) {
+        due();
+    }
 }

@@ -111,27 +111,27 @@ ZQRenderPool &ZQRenderPool::shared()
 
 void ZQRenderPool::close()
 {
-    std::unique_lock lock(m_mutex);
-    if (m_closed) {
-        return;
+    {
+        const ZQLockGuard lock(m_mutex);
+        if (m_closed) {
+            return;
+        }
+        m_closed = true;
+        for (const ZQRenderProcess *process : m_busy) {
+            process->interrupt();
+        }
+        m_keeperCalled.notifyAll();
+        m_changed.notifyAll();
     }
-    m_closed = true;
-    for (const ZQRenderProcess *process : m_busy) {
-        process->interrupt();
-    }
-    m_keeperCalled.notify_all();
-    m_changed.notify_all();
-    lock.unlock();
     m_keeper.join();
-    lock.lock();
-    const std::vector<Idle> idle = std::move(m_idle);
-    m_idle.clear();
-    lock.unlock();
+    std::vector<Idle> idle; // ended without the lock
+    const ZQLockGuard lock(m_mutex);
+    idle.swap(m_idle);
 }
 
 std::vector<pid_t> ZQRenderPool::processIDs() const
 {
-    const std::scoped_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     std::vector<pid_t> out;
     for (const Idle &idle : m_idle) {
         out.push_back(idle.process->processID());
@@ -145,40 +145,42 @@ std::vector<pid_t> ZQRenderPool::processIDs() const
 void ZQRenderPool::keep()
 {
     removeLeftFolders();
-    std::unique_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     while (!m_closed) {
         if (m_wanted > 0) {
-            startOne(lock);
+            startOne();
             continue;
         }
         if (m_count == 0) {
-            m_keeperCalled.wait(lock);
+            m_keeperCalled.wait(m_mutex);
         } else {
-            m_keeperCalled.wait_for(lock, m_limits.idle);
+            m_keeperCalled.waitFor(m_mutex, m_limits.idle);
         }
         std::vector<Process> expired = takeExpired();
-        lock.unlock();
+        const ZQUnlockGuard open(m_mutex);
         expired.clear();
-        lock.lock();
     }
     // The workers end with the thread that started them, which would look as if memory had run out.
-    m_changed.wait_for(lock, std::chrono::seconds(2), [this] { return m_busy.empty(); });
+    const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    while (!m_busy.empty() && m_changed.waitUntil(m_mutex, latest)) {
+    }
 }
 
-void ZQRenderPool::startOne(std::unique_lock<std::mutex> &lock)
+void ZQRenderPool::startOne()
 {
     constexpr std::chrono::milliseconds longestStart{5000};
-    lock.unlock();
     QString failure;
-    Process process = ZQRenderProcess::start(m_limits, -1, &failure);
+    Process process;
+    {
+        const ZQUnlockGuard open(m_mutex);
+        process = ZQRenderProcess::start(m_limits, -1, &failure);
+    }
     if (process) {
         // One after another: two that load their libraries at once are both late, and the first may be enough.
-        lock.lock();
         m_busy.push_back(process.get()); // closing the pool interrupts it
-        lock.unlock();
+        const ZQUnlockGuard open(m_mutex);
         process->waitUntilReady(longestStart);
     }
-    lock.lock();
     std::erase(m_busy, process.get());
     --m_wanted;
     if (process) {
@@ -189,7 +191,7 @@ void ZQRenderPool::startOne(std::unique_lock<std::mutex> &lock)
         ++m_failures;
         m_failure = failure;
     }
-    m_changed.notify_all();
+    m_changed.notifyAll();
 }
 
 std::vector<ZQRenderPool::Process> ZQRenderPool::takeExpired()
@@ -209,28 +211,28 @@ std::vector<ZQRenderPool::Process> ZQRenderPool::takeExpired()
 
 void ZQRenderPool::prepare()
 {
-    const std::scoped_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (m_count == 0 && !m_closed) {
         ++m_count;
         ++m_wanted;
-        m_keeperCalled.notify_one();
+        m_keeperCalled.notifyOne();
     }
 }
 
 ZQRenderPool::Taken ZQRenderPool::take(Idle &out, QString *failure)
 {
-    std::unique_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     const quint64 failures = m_failures;
     while (m_idle.empty() && !m_closed && m_failures == failures) {
         if (m_count < m_limits.processesOrDefault() && m_wanted == 0) {
             ++m_count;
             ++m_wanted;
-            m_keeperCalled.notify_one();
+            m_keeperCalled.notifyOne();
         }
         if (ZQCancellation::isCurrentCancelled()) {
             return Taken::Cancelled;
         }
-        m_changed.wait_for(lock, cancellationStep);
+        m_changed.waitFor(m_mutex, cancellationStep);
     }
     if (m_closed) {
         *failure = zqLocalized("Zelto is about to quit.");
@@ -254,26 +256,26 @@ void ZQRenderPool::giveBack(Idle idle)
         return;
     }
     {
-        const std::scoped_lock lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         std::erase(m_busy, idle.process.get());
         idle.since = std::chrono::steady_clock::now();
         m_idle.push_back(std::move(idle));
     }
-    m_changed.notify_all();
+    m_changed.notifyAll();
 }
 
 void ZQRenderPool::drop(Idle idle)
 {
     {
-        const std::scoped_lock lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         std::erase(m_busy, idle.process.get());
     }
     idle.process.reset(); // before another takes its place
     {
-        const std::scoped_lock lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         --m_count;
     }
-    m_changed.notify_all();
+    m_changed.notifyAll();
 }
 
 ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int file, QString *failure)

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Imaging/ZQRenderProcess.h"
 
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -55,21 +54,21 @@ private:
     void giveBack(Idle idle);
     void drop(Idle idle);
     void keep();
-    void startOne(std::unique_lock<std::mutex> &lock);
-    std::vector<Process> takeExpired();
+    void startOne() ZQ_REQUIRES(m_mutex);
+    std::vector<Process> takeExpired() ZQ_REQUIRES(m_mutex);
     ZQRenderProcess::Reply ask(const ZQRenderRequest &request, int file, QString *failure);
     ZQBitmap askThumbnailer(const QString &path, QSize box, int file);
 
     const ZQRenderLimits m_limits;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;      // a worker came back, or could not be started
-    std::condition_variable m_keeperCalled; // a worker is wanted, or the end has come
-    std::vector<Idle> m_idle;               // the last one is the warmest
-    std::vector<ZQRenderProcess *> m_busy;
-    int m_count = 0;  // idle, busy and to be started
-    int m_wanted = 0; // to be started
-    quint64 m_failures = 0;
-    QString m_failure;
-    bool m_closed = false;
+    mutable ZQMutex m_mutex;
+    ZQCondition m_changed;                           // a worker came back, or could not be started
+    ZQCondition m_keeperCalled;                      // a worker is wanted, or the end has come
+    std::vector<Idle> m_idle ZQ_GUARDED_BY(m_mutex); // the last one is the warmest
+    std::vector<ZQRenderProcess *> m_busy ZQ_GUARDED_BY(m_mutex);
+    int m_count ZQ_GUARDED_BY(m_mutex) = 0;  // idle, busy and to be started
+    int m_wanted ZQ_GUARDED_BY(m_mutex) = 0; // to be started
+    quint64 m_failures ZQ_GUARDED_BY(m_mutex) = 0;
+    QString m_failure ZQ_GUARDED_BY(m_mutex);
+    bool m_closed ZQ_GUARDED_BY(m_mutex) = false;
     std::thread m_keeper; // starts the workers: each of them ends when the thread that started it does
 };

@@ -1,5 +1,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 
+#include "Kit/Foundation/ZQThreadSafety.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
@@ -9,10 +11,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <condition_variable>
 #include <deque>
 #include <memory>
-#include <mutex>
 
 namespace {
 
@@ -27,11 +27,15 @@ struct Call
 // Every call is announced by one event of its own, so that an event loop nested in one call still serves the next.
 struct Calls
 {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::deque<std::shared_ptr<Call>> pending;
-    QObject *receiver = nullptr; // there as long as the application object is
-    bool stopped = false;
+    ZQMutex mutex;
+    ZQCondition changed;
+    std::deque<std::shared_ptr<Call>> pending ZQ_GUARDED_BY(mutex);
+    QObject *receiver ZQ_GUARDED_BY(mutex) = nullptr; // there as long as the application object is
+    bool stopped ZQ_GUARDED_BY(mutex) = false;
+
+    void run(std::deque<std::shared_ptr<Call>>::iterator which) ZQ_REQUIRES(mutex);
+    void enqueue(const std::shared_ptr<Call> &call) ZQ_REQUIRES(mutex);
+    bool refuses() const ZQ_REQUIRES(mutex) { return stopped || !receiver; }
 };
 
 Calls &calls()
@@ -40,17 +44,18 @@ Calls &calls()
     return *instance;
 }
 
-void run(std::unique_lock<std::mutex> &lock, std::deque<std::shared_ptr<Call>>::iterator which)
+void Calls::run(std::deque<std::shared_ptr<Call>>::iterator which)
 {
     const std::shared_ptr<Call> call = *which;
-    calls().pending.erase(which);
+    pending.erase(which);
     call->state = Call::State::Running;
-    lock.unlock();
-    call->block();
-    call->block = nullptr;
-    lock.lock();
+    {
+        const ZQUnlockGuard open(mutex);
+        call->block();
+        call->block = nullptr;
+    }
     call->state = Call::State::Done;
-    calls().changed.notify_all();
+    changed.notifyAll();
 }
 
 class Receiver : public QObject
@@ -61,9 +66,10 @@ public:
         if (event->type() != QEvent::User) {
             return QObject::event(event);
         }
-        std::unique_lock lock(calls().mutex);
-        if (!calls().pending.empty()) {
-            run(lock, calls().pending.begin());
+        Calls &all = calls();
+        const ZQLockGuard lock(all.mutex);
+        if (!all.pending.empty()) {
+            all.run(all.pending.begin());
         }
         return true;
     }
@@ -72,30 +78,32 @@ public:
 void applicationWillEnd()
 {
     QObject *receiver = nullptr;
+    Calls &all = calls();
     {
-        const std::lock_guard lock(calls().mutex);
-        receiver = std::exchange(calls().receiver, nullptr);
-        calls().changed.notify_all();
+        const ZQLockGuard lock(all.mutex);
+        receiver = std::exchange(all.receiver, nullptr);
+        all.changed.notifyAll();
     }
     delete receiver;
 }
 
 void applicationDidStart()
 {
-    const std::lock_guard lock(calls().mutex);
-    calls().receiver = new Receiver;
-    for (size_t i = 0; i < calls().pending.size(); ++i) {
-        QCoreApplication::postEvent(calls().receiver, new QEvent(QEvent::User));
+    Calls &all = calls();
+    const ZQLockGuard lock(all.mutex);
+    all.receiver = new Receiver;
+    for (size_t i = 0; i < all.pending.size(); ++i) {
+        QCoreApplication::postEvent(all.receiver, new QEvent(QEvent::User));
     }
     qAddPostRoutine(applicationWillEnd);
 }
 
-void enqueue(const std::shared_ptr<Call> &call)
+void Calls::enqueue(const std::shared_ptr<Call> &call)
 {
-    calls().pending.push_back(call);
-    calls().changed.notify_all();
-    if (calls().receiver) {
-        QCoreApplication::postEvent(calls().receiver, new QEvent(QEvent::User));
+    pending.push_back(call);
+    changed.notifyAll();
+    if (receiver) {
+        QCoreApplication::postEvent(receiver, new QEvent(QEvent::User));
     }
 }
 
@@ -113,8 +121,9 @@ void zqOnMainThread(std::function<void()> block)
 {
     const auto call = std::make_shared<Call>();
     call->block = std::move(block);
-    const std::lock_guard lock(calls().mutex);
-    enqueue(call);
+    Calls &all = calls();
+    const ZQLockGuard lock(all.mutex);
+    all.enqueue(call);
 }
 
 bool zqOnMainThreadAndWait(std::function<void()> block)
@@ -126,16 +135,17 @@ bool zqOnMainThreadAndWait(std::function<void()> block)
     const auto call = std::make_shared<Call>();
     call->block = std::move(block);
     call->isAwaited = true;
-    std::unique_lock lock(calls().mutex);
-    const auto isRefused = [] { return calls().stopped || !calls().receiver; };
-    if (isRefused()) {
+    Calls &all = calls();
+    const ZQLockGuard lock(all.mutex);
+    if (all.refuses()) {
         return false;
     }
-    enqueue(call);
-    calls().changed.wait(
-        lock, [&] { return call->state == Call::State::Done || (call->state == Call::State::Pending && isRefused()); });
+    all.enqueue(call);
+    while (call->state != Call::State::Done && !(call->state == Call::State::Pending && all.refuses())) {
+        all.changed.wait(all.mutex);
+    }
     if (call->state == Call::State::Pending) {
-        std::erase(calls().pending, call);
+        std::erase(all.pending, call);
         return false;
     }
     return true;
@@ -143,15 +153,17 @@ bool zqOnMainThreadAndWait(std::function<void()> block)
 
 void zqStopMainThreadCalls()
 {
-    const std::lock_guard lock(calls().mutex);
-    calls().stopped = true;
-    calls().changed.notify_all();
+    Calls &all = calls();
+    const ZQLockGuard lock(all.mutex);
+    all.stopped = true;
+    all.changed.notifyAll();
 }
 
 void zqResumeMainThreadCalls()
 {
-    const std::lock_guard lock(calls().mutex);
-    calls().stopped = false;
+    Calls &all = calls();
+    const ZQLockGuard lock(all.mutex);
+    all.stopped = false;
 }
 
 void zqServeWaitingMainThreadCalls()
@@ -159,15 +171,16 @@ void zqServeWaitingMainThreadCalls()
     if (!zqIsMainThread()) {
         return;
     }
-    std::unique_lock lock(calls().mutex);
+    Calls &all = calls();
+    const ZQLockGuard lock(all.mutex);
     for (;;) {
-        auto &pending = calls().pending;
+        auto &pending = all.pending;
         const auto next =
             std::find_if(pending.begin(), pending.end(), [](const auto &call) { return call->isAwaited; });
         if (next == pending.end()) {
             return;
         }
-        run(lock, next);
+        all.run(next);
     }
 }
 

@@ -1,12 +1,12 @@
 #include "Kit/Operations/ZQNotificationCenter.h"
 
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QCoreApplication>
 #include <QHash>
 #include <QTimer>
 
-#include <mutex>
 #include <vector>
 
 struct ZQNotificationCenter::Private : std::enable_shared_from_this<ZQNotificationCenter::Private>
@@ -17,9 +17,9 @@ struct ZQNotificationCenter::Private : std::enable_shared_from_this<ZQNotificati
         std::function<void(const ZQNotification &)> function;
     };
 
-    std::mutex mutex;
-    QHash<QString, std::vector<std::weak_ptr<Observer>>> observers;
-    std::vector<ZQNotification> waitingForIdle;
+    ZQMutex mutex;
+    QHash<QString, std::vector<std::weak_ptr<Observer>>> observers ZQ_GUARDED_BY(mutex);
+    std::vector<ZQNotification> waitingForIdle ZQ_GUARDED_BY(mutex);
 
     void deliver(const ZQNotification &notification);
     void deliverWaiting();
@@ -29,7 +29,7 @@ void ZQNotificationCenter::Private::deliver(const ZQNotification &notification)
 {
     std::vector<std::weak_ptr<Observer>> current;
     {
-        const std::lock_guard lock(mutex);
+        const ZQLockGuard lock(mutex);
         current = observers.value(notification.name);
     }
     for (const auto &weak : current) {
@@ -46,7 +46,7 @@ void ZQNotificationCenter::Private::deliverWaiting()
 {
     std::vector<ZQNotification> notifications;
     {
-        const std::lock_guard lock(mutex);
+        const ZQLockGuard lock(mutex);
         notifications.swap(waitingForIdle);
     }
     for (const ZQNotification &notification : notifications) {
@@ -67,7 +67,7 @@ ZQNotificationCenter::Token ZQNotificationCenter::addObserver(const QString &nam
                                                               std::function<void(const ZQNotification &)> observer)
 {
     auto token = std::make_shared<Private::Observer>(Private::Observer{object, std::move(observer)});
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     auto &list = d->observers[name];
     std::erase_if(list, [](const auto &one) { return one.expired(); });
     list.push_back(token);
@@ -87,7 +87,7 @@ void ZQNotificationCenter::postNotification(const QString &name, const void *obj
 void ZQNotificationCenter::enqueueWhenIdle(const QString &name, const void *object, const QVariantMap &userInfo)
 {
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         for (const ZQNotification &waiting : d->waitingForIdle) {
             if (waiting.name == name) {
                 return;

@@ -9,7 +9,7 @@
 
 bool ZQOperation::Private::isReady()
 {
-    const std::lock_guard lock(mutex);
+    const ZQLockGuard lock(mutex);
     return isCancelled || std::all_of(dependencies.cbegin(), dependencies.cend(),
                                       [](const auto &dependency) { return dependency->isFinished(); });
 }
@@ -17,7 +17,7 @@ bool ZQOperation::Private::isReady()
 void ZQOperation::Private::addFinishHook(std::function<void()> hook)
 {
     {
-        const std::lock_guard lock(mutex);
+        const ZQLockGuard lock(mutex);
         if (!isAnnounced) {
             finishHooks.push_back(std::move(hook));
             return;
@@ -26,7 +26,6 @@ void ZQOperation::Private::addFinishHook(std::function<void()> hook)
     hook();
 }
 
-// With `mutex` held.
 std::vector<std::shared_ptr<ZQOperation::Private::Observer>> ZQOperation::Private::currentObservers()
 {
     std::erase_if(observers, [](const auto &observer) { return observer.expired(); });
@@ -64,7 +63,7 @@ void ZQOperation::start()
     const std::shared_ptr<ZQOperation> self = weak_from_this().lock();
     bool skipsWork = false;
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         if (d->isStarted || d->isFinished) {
             return;
         }
@@ -89,7 +88,7 @@ void ZQOperation::cancel()
     std::vector<std::shared_ptr<Private::Observer>> observers;
     std::vector<std::function<void()>> hooks;
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         if (d->isCancelled || d->isFinished) {
             return;
         }
@@ -106,40 +105,40 @@ void ZQOperation::cancel()
 
 bool ZQOperation::isCancelled() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     return d->isCancelled;
 }
 
 bool ZQOperation::isExecuting() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     return d->isExecuting;
 }
 
 bool ZQOperation::isFinished() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     return d->isFinished;
 }
 
 void ZQOperation::addDependency(std::shared_ptr<ZQOperation> operation)
 {
     if (operation && operation.get() != this) {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         d->dependencies.push_back(std::move(operation));
     }
 }
 
 QList<std::shared_ptr<ZQOperation>> ZQOperation::dependencies() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     return {d->dependencies.begin(), d->dependencies.end()};
 }
 
 void ZQOperation::setCompletionBlock(std::function<void()> block)
 {
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         if (!d->completionIsDue) {
             d->completion = std::move(block);
             return;
@@ -153,7 +152,7 @@ void ZQOperation::setCompletionBlock(std::function<void()> block)
 ZQOperation::Token ZQOperation::observe(std::function<void(Key)> observer)
 {
     auto token = std::make_shared<Private::Observer>(Private::Observer{std::move(observer)});
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     d->observers.push_back(token);
     return token;
 }
@@ -161,18 +160,18 @@ ZQOperation::Token ZQOperation::observe(std::function<void(Key)> observer)
 void ZQOperation::waitUntilFinished()
 {
     const std::shared_ptr<ZQOperation> self = weak_from_this().lock();
-    std::unique_lock lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     if (d->isFinished && d->announcer == std::this_thread::get_id()) {
         return; // asked by an observer that is being told of the end
     }
-    zqWaitServingMainThread(lock, d->announced, [this] { return d->isAnnounced; });
+    zqWaitServingMainThread(d->mutex, d->announced, [this]() ZQ_REQUIRES(d->mutex) { return d->isAnnounced; });
 }
 
 void ZQOperation::setExecuting(bool executing)
 {
     std::vector<std::shared_ptr<Private::Observer>> observers;
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         if (d->isExecuting == executing || d->isFinished) {
             return;
         }
@@ -194,7 +193,7 @@ void ZQOperation::setFinished(bool finished)
     std::vector<std::shared_ptr<Private::Observer>> observers;
     std::vector<std::shared_ptr<ZQOperation>> dependencies;
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         if (d->isFinished) {
             return;
         }
@@ -210,7 +209,7 @@ void ZQOperation::setFinished(bool finished)
     announce(std::move(observers), Key::IsFinished);
     std::function<void()> completion;
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         d->completionIsDue = true;
         completion.swap(d->completion);
     }
@@ -219,11 +218,11 @@ void ZQOperation::setFinished(bool finished)
     }
     std::vector<std::function<void()>> hooks;
     {
-        const std::lock_guard lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         d->isAnnounced = true;
         d->announcer = {};
         hooks.swap(d->finishHooks);
-        d->announced.notify_all();
+        d->announced.notifyAll();
     }
     for (const auto &hook : hooks) {
         hook();

@@ -18,25 +18,25 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     using Operation = std::shared_ptr<ZQOperation>;
 
     QString name;
-    std::mutex mutex;
-    std::condition_variable workToDo;
-    std::condition_variable operationEnded;
-    int maximum = 1;
+    ZQMutex mutex;
+    ZQCondition workToDo;
+    ZQCondition operationEnded;
+    int maximum ZQ_GUARDED_BY(mutex) = 1;
     // No lists with implicit sharing: a copy given to a caller would share its cells beyond the lock.
-    std::deque<Operation> waiting;
-    std::deque<Operation> running;  // given to a thread and not yet finished
-    std::deque<Operation> starting; // those of `running` no thread has picked up
-    std::vector<std::thread> threads;
-    size_t idleThreads = 0;
-    bool isStopping = false;
+    std::deque<Operation> waiting ZQ_GUARDED_BY(mutex);
+    std::deque<Operation> running ZQ_GUARDED_BY(mutex);  // given to a thread and not yet finished
+    std::deque<Operation> starting ZQ_GUARDED_BY(mutex); // those of `running` no thread has picked up
+    std::vector<std::thread> threads ZQ_GUARDED_BY(mutex);
+    size_t idleThreads ZQ_GUARDED_BY(mutex) = 0;
+    bool isStopping ZQ_GUARDED_BY(mutex) = false;
 
     void add(const Operation &operation);
     void schedule();
-    void scheduleLocked();
+    void scheduleLocked() ZQ_REQUIRES(mutex);
     void didFinish(const ZQOperation *operation);
     void work();
     static void run(const Operation &operation);
-    bool isEmpty() const { return waiting.empty() && running.empty(); }
+    bool isEmpty() const ZQ_REQUIRES(mutex) { return waiting.empty() && running.empty(); }
 };
 
 namespace {
@@ -57,7 +57,7 @@ std::shared_ptr<ZQOperation> take(std::deque<std::shared_ptr<ZQOperation>> &list
 void ZQOperationQueue::Private::add(const Operation &operation)
 {
     {
-        const std::lock_guard lock(mutex);
+        const ZQLockGuard lock(mutex);
         waiting.push_back(operation);
     }
     const std::weak_ptr<Private> weakQueue = weak_from_this();
@@ -70,7 +70,7 @@ void ZQOperationQueue::Private::add(const Operation &operation)
         dependency->d->addFinishHook(reschedule);
     }
     {
-        const std::lock_guard lock(operation->d->mutex);
+        const ZQLockGuard lock(operation->d->mutex);
         operation->d->readinessHooks.push_back(reschedule);
     }
     operation->d->addFinishHook([weakQueue, raw = operation.get()] {
@@ -83,7 +83,7 @@ void ZQOperationQueue::Private::add(const Operation &operation)
 
 void ZQOperationQueue::Private::schedule()
 {
-    const std::lock_guard lock(mutex);
+    const ZQLockGuard lock(mutex);
     scheduleLocked();
 }
 
@@ -103,7 +103,7 @@ void ZQOperationQueue::Private::scheduleLocked()
             ++idleThreads;
             threads.emplace_back([self = shared_from_this()] { self->work(); });
         }
-        workToDo.notify_one();
+        workToDo.notifyOne();
     }
 }
 
@@ -111,11 +111,11 @@ void ZQOperationQueue::Private::didFinish(const ZQOperation *operation)
 {
     Operation keptWaiting; // their destructors are not to run under the lock
     Operation keptRunning;
-    const std::lock_guard lock(mutex);
+    const ZQLockGuard lock(mutex);
     keptWaiting = take(waiting, operation);
     keptRunning = take(running, operation);
     scheduleLocked();
-    operationEnded.notify_all();
+    operationEnded.notifyAll();
 }
 
 void ZQOperationQueue::Private::work()
@@ -124,19 +124,22 @@ void ZQOperationQueue::Private::work()
     if (!name.isEmpty()) {
         pthread_setname_np(pthread_self(), name.toUtf8().left(15).constData());
     }
-    std::unique_lock lock(mutex);
+    const ZQLockGuard lock(mutex);
     for (;;) {
-        workToDo.wait(lock, [this] { return !starting.empty() || isStopping; });
+        while (starting.empty() && !isStopping) {
+            workToDo.wait(mutex);
+        }
         if (starting.empty()) {
             return;
         }
         Operation operation = std::move(starting.front());
         starting.pop_front();
         --idleThreads;
-        lock.unlock();
-        run(operation);
-        operation.reset();
-        lock.lock();
+        {
+            const ZQUnlockGuard open(mutex);
+            run(operation);
+            operation.reset();
+        }
         ++idleThreads;
     }
 }
@@ -168,12 +171,13 @@ ZQOperationQueue::~ZQOperationQueue()
     std::vector<std::thread> threads;
     const bool isInside = currentQueue == d.get();
     {
-        std::unique_lock lock(d->mutex);
+        const ZQLockGuard lock(d->mutex);
         if (!isInside) {
-            zqWaitServingMainThread(lock, d->operationEnded, [this] { return d->isEmpty(); });
+            zqWaitServingMainThread(d->mutex, d->operationEnded,
+                                    [this]() ZQ_REQUIRES(d->mutex) { return d->isEmpty(); });
         }
         d->isStopping = true;
-        d->workToDo.notify_all();
+        d->workToDo.notifyAll();
         threads.swap(d->threads);
     }
     for (std::thread &thread : threads) {
@@ -187,14 +191,14 @@ ZQOperationQueue::~ZQOperationQueue()
 
 void ZQOperationQueue::setMaxConcurrentOperationCount(int count)
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     d->maximum = count < 1 ? std::max(1, QThread::idealThreadCount()) : count;
     d->scheduleLocked();
 }
 
 int ZQOperationQueue::maxConcurrentOperationCount() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     return d->maximum;
 }
 
@@ -212,7 +216,7 @@ void ZQOperationQueue::addOperationWithBlock(std::function<void()> block)
 
 QList<std::shared_ptr<ZQOperation>> ZQOperationQueue::operations() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     QList<std::shared_ptr<ZQOperation>> all(d->running.begin(), d->running.end());
     for (const auto &operation : d->waiting) {
         all.append(operation);
@@ -222,7 +226,7 @@ QList<std::shared_ptr<ZQOperation>> ZQOperationQueue::operations() const
 
 int ZQOperationQueue::operationCount() const
 {
-    const std::lock_guard lock(d->mutex);
+    const ZQLockGuard lock(d->mutex);
     return static_cast<int>(d->running.size() + d->waiting.size());
 }
 
@@ -239,6 +243,6 @@ void ZQOperationQueue::waitUntilAllOperationsAreFinished()
         qCWarning(zqLogApplication, "An operation waits for its own queue");
         return;
     }
-    std::unique_lock lock(d->mutex);
-    zqWaitServingMainThread(lock, d->operationEnded, [this] { return d->isEmpty(); });
+    const ZQLockGuard lock(d->mutex);
+    zqWaitServingMainThread(d->mutex, d->operationEnded, [this]() ZQ_REQUIRES(d->mutex) { return d->isEmpty(); });
 }

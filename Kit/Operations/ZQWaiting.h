@@ -1,23 +1,23 @@
 #pragma once
 
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 
 // Waits on `condition` until `isTrue`. On the main thread the calls that wait for that thread are served meanwhile,
 // since what is waited for may be behind one of them.
 template <class Predicate>
-void zqWaitServingMainThread(std::unique_lock<std::mutex> &lock, std::condition_variable &condition, Predicate isTrue)
+void zqWaitServingMainThread(ZQMutex &mutex, ZQCondition &condition, Predicate isTrue)
+    ZQ_REQUIRES(mutex) ZQ_NO_THREAD_SAFETY_ANALYSIS
 {
-    if (!zqIsMainThread()) {
-        condition.wait(lock, isTrue);
-        return;
-    }
-    while (!condition.wait_for(lock, std::chrono::milliseconds(4), isTrue)) {
-        lock.unlock();
-        zqServeWaitingMainThreadCalls();
-        lock.lock();
+    const bool serves = zqIsMainThread();
+    while (!isTrue()) {
+        if (!serves) {
+            condition.wait(mutex);
+        } else if (!condition.waitFor(mutex, std::chrono::milliseconds(4))) {
+            const ZQUnlockGuard open(mutex);
+            zqServeWaitingMainThreadCalls();
+        }
     }
 }

@@ -1,17 +1,21 @@
 #pragma once
 
-#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQRowCache.h"
+
+struct ZQFetchRequest;
 
 // A request as SQL, in the parts its uses put together.
 struct ZQFetchQuery
 {
     const ZQEntityDescription *entity = nullptr;
-    ZQManagedObjectContext::Private::Root *root = nullptr;
+    ZQRowCache::Root *root = nullptr;
     QString where; // with the keyword, or empty
     QString joins;
     QString order; // with the keyword
     QVariantList bindings;
 
+    // Takes the request apart; false when it names what the model does not have. Of an empty query only.
+    bool prepare(const ZQFetchRequest &request, ZQRowCache &rows, ZQError *error);
     QString from() const { return QStringLiteral(" FROM %1 t ").arg(zqQuoted(entity->tableName)); }
     QString select(const QString &columns, qint64 limit, qint64 offset) const
     {

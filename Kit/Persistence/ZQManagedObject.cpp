@@ -31,12 +31,12 @@ void ZQManagedObject::release() const
 
 bool ZQManagedObject::isUpdated() const
 {
-    return m_context && !m_isInserted && !m_isDeleted && ZQManagedObjectContext::Private::isDirty(this);
+    return m_context && !m_isInserted && !m_isDeleted && ZQChangeTracker::isDirty(this);
 }
 
 bool ZQManagedObject::hasChanges() const
 {
-    return m_context && ZQManagedObjectContext::Private::isDirty(this);
+    return m_context && ZQChangeTracker::isDirty(this);
 }
 
 bool ZQManagedObject::hasChangeForKey(const QString &key) const
@@ -60,7 +60,7 @@ void ZQManagedObject::fireFault() const
 {
     if (m_context) {
         // The fault fills itself and its neighbours; a constant object changes only in that it now has values.
-        m_context->d->fire(const_cast<ZQManagedObject *>(this));
+        m_context->d->rows.fire(const_cast<ZQManagedObject *>(this));
     }
 }
 
@@ -68,7 +68,7 @@ void ZQManagedObject::didChangeField(int field)
 {
     if (m_context && !m_isDeleted) {
         m_changed |= quint64(1) << field;
-        m_context->d->touch(this);
+        m_context->d->changes.touch(this);
     }
 }
 
@@ -94,11 +94,11 @@ QVariant ZQManagedObject::valueForKey(const QString &key) const
         return list;
     }
     willAccess();
-    const qint64 target = ZQManagedObjectContext::Private::toOneKey(this, property.index);
+    const qint64 target = ZQRelationships::toOneKey(this, property.index);
     if (target == 0) {
         return {};
     }
-    const ZQManagedObject *held = m_context ? m_context->d->held(relationship.destination, target) : nullptr;
+    const ZQManagedObject *held = m_context ? m_context->d->rows.held(relationship.destination, target) : nullptr;
     return QVariant::fromValue(held ? held->objectID() : ZQObjectID{relationship.destination, target});
 }
 
@@ -168,8 +168,8 @@ ZQRef<ZQManagedObject> ZQManagedObject::relatedObject(const QString &toOne) cons
         return nullptr;
     }
     willAccess();
-    const qint64 target = ZQManagedObjectContext::Private::toOneKey(this, property.index);
-    return target ? m_context->d->objectForKey(m_entity->relationships[size_t(property.index)].destination, target)
+    const qint64 target = ZQRelationships::toOneKey(this, property.index);
+    return target ? m_context->d->rows.objectForKey(m_entity->relationships[size_t(property.index)].destination, target)
                   : nullptr;
 }
 
@@ -188,7 +188,7 @@ void ZQManagedObject::setRelatedObject(const QString &toOne, ZQManagedObject *ta
             return;
         }
         willAccess();
-        m_context->d->setToOne(this, property.index, target && target->m_isDeleted ? nullptr : target);
+        m_context->d->relationships.setToOne(this, property.index, target && target->m_isDeleted ? nullptr : target);
     }
 }
 
@@ -199,7 +199,7 @@ QList<ZQRef<ZQManagedObject>> ZQManagedObject::relatedObjects(const QString &toM
         logUnknownKey(*this, toMany);
         return {};
     }
-    return m_context ? m_context->d->related(this, property.index) : QList<ZQRef<ZQManagedObject>>();
+    return m_context ? m_context->d->relationships.related(this, property.index) : QList<ZQRef<ZQManagedObject>>();
 }
 
 QList<ZQObjectID> ZQManagedObject::relatedObjectIDs(const QString &toMany) const
@@ -212,14 +212,14 @@ QList<ZQObjectID> ZQManagedObject::relatedObjectIDs(const QString &toMany) const
     const ZQEntityDescription *destination = m_entity->relationships[size_t(property.index)].destination;
     QList<qint64> keys;
     if (m_context) {
-        keys = m_context->d->loadedKeys(this, property.index);
+        keys = m_context->d->relationships.loadedKeys(this, property.index);
     } else if (!m_toMany.empty()) {
         keys = m_toMany[size_t(property.index)].keys;
     }
     QList<ZQObjectID> ids;
     ids.reserve(keys.size());
     for (const qint64 key : keys) {
-        const ZQManagedObject *held = m_context ? m_context->d->held(destination, key) : nullptr;
+        const ZQManagedObject *held = m_context ? m_context->d->rows.held(destination, key) : nullptr;
         ids.append(held ? held->objectID() : ZQObjectID{destination, key});
     }
     return ids;
@@ -241,7 +241,7 @@ void ZQManagedObject::addRelatedObject(const QString &toMany, ZQManagedObject *t
                   qUtf8Printable(target->m_entity->name));
         return;
     }
-    m_context->d->addToMany(this, property.index, target);
+    m_context->d->relationships.addToMany(this, property.index, target);
 }
 
 void ZQManagedObject::removeRelatedObject(const QString &toMany, ZQManagedObject *target)
@@ -253,7 +253,7 @@ void ZQManagedObject::removeRelatedObject(const QString &toMany, ZQManagedObject
     }
     if (m_context && !m_isDeleted && target && target->m_context == m_context &&
         target->m_entity->isKindOf(m_entity->relationships[size_t(property.index)].destination)) {
-        m_context->d->removeFromMany(this, property.index, target);
+        m_context->d->relationships.removeFromMany(this, property.index, target);
     }
 }
 

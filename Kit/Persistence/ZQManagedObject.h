@@ -116,8 +116,16 @@ protected:
     }
 
 private:
+    // The context and its parts, which are of this folder only.
     friend class ZQManagedObjectContext;
-    friend class ZQObjectAccess; // the context's own helpers in Kit/Persistence
+    friend class ZQRowCache;
+    friend class ZQChangeTracker;
+    friend class ZQRelationships;
+    friend class ZQPrefetcher;
+    friend class ZQDeleteRules;
+    friend class ZQRowWriter;
+    friend class ZQSave;
+    friend class ZQChangeMerger;
 
     void fireFault() const;
     void didChangeField(int field);

@@ -1,11 +1,13 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 
-#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Persistence/ZQChangeMerger.h"
 #include "Kit/Persistence/ZQContextPrivate.h"
-#include "Kit/Persistence/ZQSQLList.h"
-
-#include <QUrl>
+#include "Kit/Persistence/ZQDeleteRules.h"
+#include "Kit/Persistence/ZQFetcher.h"
+#include "Kit/Persistence/ZQObjectURIs.h"
+#include "Kit/Persistence/ZQPrefetcher.h"
+#include "Kit/Persistence/ZQSave.h"
 
 #include <atomic>
 
@@ -19,127 +21,35 @@ qint64 nextTemporaryKey()
 
 } // namespace
 
-void ZQObjectList::add(ZQManagedObject *object)
-{
-    if (!m_positions.contains(object)) {
-        m_positions.insert(object, m_objects.size());
-        m_objects.emplace_back(object);
-    }
-}
-
-void ZQObjectList::remove(ZQManagedObject *object)
-{
-    const auto found = m_positions.constFind(object);
-    if (found == m_positions.cend()) {
-        return;
-    }
-    const Object kept = std::exchange(m_objects[*found], Object());
-    m_positions.erase(found);
-    if (m_positions.isEmpty()) {
-        m_objects.clear();
-    }
-}
-
-void ZQObjectList::clear()
-{
-    // Letting go of an object may reach back into the context, which must not find it here any more.
-    const auto objects = std::exchange(m_objects, {});
-    m_positions.clear();
-}
-
-QList<ZQObjectList::Object> ZQObjectList::objects() const
-{
-    QList<Object> all;
-    all.reserve(m_positions.size());
-    for (const Object &object : m_objects) {
-        if (object) {
-            all.append(object);
-        }
-    }
-    return all;
-}
-
-void ZQIDList::add(const ZQObjectID &id)
-{
-    if (!set.contains(id)) {
-        set.insert(id);
-        list.append(id);
-    }
-}
-
-void ZQIDList::remove(const ZQObjectID &id)
-{
-    if (set.remove(id)) {
-        list.removeOne(id);
-    }
-}
-
-void ZQIDList::clear()
-{
-    list.clear();
-    set.clear();
-}
-
 qsizetype ZQObjectAccess::heldObjects(const ZQManagedObjectContext &context)
 {
     qsizetype count = 0;
-    for (const auto &root : context.d->roots) {
+    for (const auto &root : context.d->rows.roots()) {
         count += root->objects.size();
     }
     return count;
 }
 
 ZQManagedObjectContext::Private::Private(ZQManagedObjectContext *context,
-                                         std::shared_ptr<ZQPersistentStoreCoordinator> store, ZQMergePolicy policy)
-    : q(context), coordinator(std::move(store)), mergePolicy(policy),
-      plan(std::make_shared<ZQModelPlan>(coordinator->managedObjectModel())),
-      connection(coordinator->newConnection(&connectionError))
+                                         std::shared_ptr<ZQPersistentStoreCoordinator> coordinator,
+                                         ZQMergePolicy policy)
+    : q(context), mergePolicy(policy), store(std::move(coordinator)), rows(context, store), changes(store),
+      relationships(store, rows, changes)
 {
-    for (const auto &rootPlan : plan->roots()) {
-        roots.push_back(std::make_unique<Root>());
-        roots.back()->plan = rootPlan.get();
-        rootsByEntity.insert(rootPlan->entity, roots.back().get());
-    }
-    if (!connection) {
-        qCWarning(zqLogStore, "%s", qUtf8Printable(connectionError.localizedDescription()));
-    }
 }
 
-void ZQManagedObjectContext::Private::assertThread() const
+void ZQManagedObjectContext::Private::released(ZQManagedObject *object)
 {
-    Q_ASSERT_X(thread == std::this_thread::get_id(), "ZQManagedObjectContext",
-               "used on another thread than it was made on");
-}
-
-ZQError ZQManagedObjectContext::Private::storeError() const
-{
-    const ZQError error = connection ? connection->error() : connectionError;
-    if (error.domain == ZQStoreErrorDomain && error.code == int(ZQStoreError::Damaged)) {
-        coordinator->noteDamage();
-    }
-    return error;
-}
-
-bool ZQManagedObjectContext::Private::hasReadFailed(quint64 before, ZQError *error) const
-{
-    if (failedReads == before) {
-        return false;
-    }
-    zqSetError(error, storeError());
-    return true;
+    orphan(object);
+    delete object;
 }
 
 void ZQManagedObjectContext::setFetchesAreCancellable(bool areCancellable)
 {
-    d->assertThread();
-    if (d->connection) {
-        d->connection->setReadsAreCancellable(areCancellable);
+    d->store.assertThread();
+    if (ZQSQLiteConnection *connection = d->store.connection()) {
+        connection->setReadsAreCancellable(areCancellable);
     }
-}
-
-ZQSQLiteStatement ZQManagedObjectContext::Private::prepare(const QString &sql)
-{
-    return connection ? connection->prepare(sql) : ZQSQLiteStatement();
 }
 
 ZQManagedObjectContext::ZQManagedObjectContext(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator,
@@ -155,12 +65,12 @@ ZQManagedObjectContext::~ZQManagedObjectContext()
 
 const std::shared_ptr<ZQPersistentStoreCoordinator> &ZQManagedObjectContext::persistentStoreCoordinator() const
 {
-    return d->coordinator;
+    return d->store.coordinator();
 }
 
 const ZQManagedObjectModel &ZQManagedObjectContext::model() const
 {
-    return d->plan->model();
+    return d->rows.plan().model();
 }
 
 ZQMergePolicy ZQManagedObjectContext::mergePolicy() const
@@ -170,18 +80,17 @@ ZQMergePolicy ZQManagedObjectContext::mergePolicy() const
 
 ZQRef<ZQManagedObject> ZQManagedObjectContext::insertNewObjectForEntityForName(const QString &entityName)
 {
-    d->assertThread();
+    d->store.assertThread();
     const ZQEntityDescription *entity = model().entity(entityName);
     if (!entity || entity->isAbstract) {
         qCWarning(zqLogStore, "no objects of the entity \"%s\" can be made", qUtf8Printable(entityName));
         return nullptr;
     }
-    ZQRef<ZQManagedObject> object = d->make(*d->plan->planFor(entity), nextTemporaryKey());
+    ZQRef<ZQManagedObject> object = d->rows.make(*d->rows.plan().planFor(entity), nextTemporaryKey());
     if (object) {
         object->m_isInserted = true;
-        d->setDefaults(object.get());
-        d->inserted.add(object.get());
-        d->newlyInserted.add(object->objectID());
+        d->rows.setDefaults(object.get());
+        d->changes.didInsert(object.get());
         object->awakeFromInsert();
     }
     return object;
@@ -189,67 +98,44 @@ ZQRef<ZQManagedObject> ZQManagedObjectContext::insertNewObjectForEntityForName(c
 
 void ZQManagedObjectContext::deleteObject(ZQManagedObject *object)
 {
-    d->assertThread();
+    d->store.assertThread();
     if (object && object->m_context == this) {
-        d->deleteWithRules(object);
+        ZQDeleteRules(*d).deleteObject(object);
     }
 }
 
 ZQRef<ZQManagedObject> ZQManagedObjectContext::objectWithID(const ZQObjectID &id)
 {
-    d->assertThread();
-    if (id.isNull() || !id.entity || !d->rootsByEntity.contains(id.entity->root)) {
+    d->store.assertThread();
+    if (id.isNull() || !d->rows.findRoot(id.entity)) {
         return nullptr;
     }
-    return d->objectForKey(id.entity, id.key);
+    return d->rows.objectForKey(id.entity, id.key);
 }
 
 ZQRef<ZQManagedObject> ZQManagedObjectContext::existingObjectWithID(const ZQObjectID &id, ZQError *error)
 {
-    d->assertThread();
-    if (id.isNull() || !id.entity || !d->rootsByEntity.contains(id.entity->root)) {
+    d->store.assertThread();
+    if (id.isNull() || !d->rows.findRoot(id.entity)) {
         return nullptr;
     }
     if (id.isTemporary()) {
-        return ZQRef<ZQManagedObject>(d->held(id.entity, id.key));
+        return ZQRef<ZQManagedObject>(d->rows.held(id.entity, id.key));
     }
     ZQRef<ZQManagedObject> object;
-    Private::Root &root = d->rootOf(id.entity);
+    ZQRowCache::Root &root = d->rows.rootOf(id.entity);
     const bool isRead =
-        d->selectRows(root, {id.key}, [&](ZQSQLiteStatement &row) { object = d->objectFromRow(row, root); });
+        d->rows.selectRows(root, {id.key}, [&](ZQSQLiteStatement &row) { object = d->rows.objectFromRow(row, root); });
     if (!isRead) {
-        zqSetError(error, d->storeError());
+        zqSetError(error, d->store.error());
     }
     return object;
 }
 
-ZQObjectID ZQManagedObjectContext::Private::idForURI(const QString &uri) const
-{
-    const QUuid store = coordinator->storeUUID();
-    const QStringList parts = uri.split(u'/');
-    const ZQEntityDescription *entity = parts.size() == 5 ? plan->model().entity(parts.at(3)) : nullptr;
-    if (!entity || parts.at(0) != QStringLiteral("x-zelto:") || !parts.at(1).isEmpty()) {
-        return {};
-    }
-    if (parts.at(2).isEmpty()) {
-        for (const Object &object : inserted.objects()) {
-            if (object->objectID().URIRepresentation(store) == uri) {
-                return object->objectID();
-            }
-        }
-        return {};
-    }
-    bool isNumber = false;
-    const qint64 key = parts.at(4).mid(1).toLongLong(&isNumber);
-    const bool isOfStore =
-        QUuid::fromString(parts.at(2)) == store && parts.at(4).startsWith(u'p') && isNumber && key > 0;
-    return isOfStore ? ZQObjectID{entity, key} : ZQObjectID();
-}
-
 ZQRef<ZQManagedObject> ZQManagedObjectContext::objectWithURIRepresentation(const QString &uri)
 {
-    d->assertThread();
-    const ZQObjectID id = d->idForURI(uri);
+    d->store.assertThread();
+    const ZQObjectID id = ZQObjectURIs(*d).possibleID(uri);
     ZQRef<ZQManagedObject> object = existingObjectWithID(id);
     return object && object->entity()->isKindOf(id.entity) ? object : nullptr;
 }
@@ -257,103 +143,154 @@ ZQRef<ZQManagedObject> ZQManagedObjectContext::objectWithURIRepresentation(const
 std::optional<QList<ZQObjectID>> ZQManagedObjectContext::objectIDsWithURIRepresentations(const QStringList &uris,
                                                                                          ZQError *error)
 {
-    d->assertThread();
-    QList<ZQObjectID> named;
-    QHash<Private::Root *, QList<qint64>> keys;
-    for (const QString &uri : uris) {
-        if (const ZQObjectID id = d->idForURI(uri); !id.isNull()) {
-            named.append(id);
-            if (!id.isTemporary()) {
-                keys[&d->rootOf(id.entity)].append(id.key);
-            }
-        }
-    }
-    QHash<Private::Root *, QHash<qint64, const ZQEntityDescription *>> entities;
-    for (auto entry = keys.cbegin(); entry != keys.cend(); ++entry) {
-        ZQSQLiteStatement select = d->prepare(
-            QStringLiteral("SELECT \"id\", \"entity\" FROM %1 WHERE \"id\" IN (SELECT value FROM json_each(?))")
-                .arg(zqQuoted(entry.key()->plan->entity->tableName)));
-        const QString list = zqKeysAsJSON(entry.value());
-        select.bind(0, list);
-        while (select.next()) {
-            const ZQEntityPlan *entityPlan = d->plan->planForCode(int(select.int64(1)));
-            entities[entry.key()].insert(select.int64(0), entityPlan ? entityPlan->entity : nullptr);
-        }
-        if (select.failed()) {
-            zqSetError(error, d->storeError());
-            return std::nullopt;
-        }
-    }
-    QList<ZQObjectID> ids;
-    for (const ZQObjectID &id : std::as_const(named)) {
-        const ZQEntityDescription *entity =
-            id.isTemporary() ? id.entity : entities[&d->rootOf(id.entity)].value(id.key);
-        if (entity && entity->isKindOf(id.entity)) {
-            ids.append({entity, id.key});
-        }
-    }
-    return ids;
+    d->store.assertThread();
+    return ZQObjectURIs(*d).existingIDs(uris, error);
+}
+
+std::optional<QList<ZQRef<ZQManagedObject>>> ZQManagedObjectContext::executeFetchRequest(const ZQFetchRequest &request,
+                                                                                         ZQError *error)
+{
+    return ZQFetcher(*d).objects(request, error);
+}
+
+std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQFetchRequest &request, ZQError *error)
+{
+    return ZQFetcher(*d).objectIDs(request, error);
+}
+
+std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(const ZQFetchRequest &request,
+                                                                              const QString &relationship,
+                                                                              ZQError *error)
+{
+    return ZQFetcher(*d).objectIDsWithRelated(request, relationship, error);
+}
+
+std::optional<qint64> ZQManagedObjectContext::countForFetchRequest(const ZQFetchRequest &request, ZQError *error)
+{
+    return ZQFetcher(*d).count(request, error);
+}
+
+std::optional<QList<QVariantMap>>
+ZQManagedObjectContext::fetchDictionaries(const ZQFetchRequest &request, const QStringList &attributes, ZQError *error)
+{
+    return ZQFetcher(*d).dictionaries(request, attributes, error);
+}
+
+QList<ZQRef<ZQManagedObject>> ZQManagedObjectContext::prefetchObjects(const QList<ZQRef<ZQManagedObject>> &objects,
+                                                                      const QString &keyPath)
+{
+    return ZQPrefetcher(*d).prefetch(objects, keyPath.split(u'.'), true);
 }
 
 void ZQManagedObjectContext::fillFaults(const QList<ZQObjectID> &ids)
 {
-    d->assertThread();
-    QHash<Private::Root *, QList<qint64>> faults;
+    d->store.assertThread();
+    QHash<ZQRowCache::Root *, QList<qint64>> faults;
     for (const ZQObjectID &id : ids) {
-        Private::Root *root = id.entity ? d->rootsByEntity.value(id.entity->root) : nullptr;
+        ZQRowCache::Root *root = d->rows.findRoot(id.entity);
         const ZQManagedObject *object = root ? root->objects.value(id.key) : nullptr;
         if (object && object->m_isFault) {
             faults[root].append(id.key);
         }
     }
     for (auto entry = faults.cbegin(); entry != faults.cend(); ++entry) {
-        d->fillObjects(*entry.key(), entry.value());
+        d->rows.fill(*entry.key(), entry.value());
     }
 }
 
 bool ZQManagedObjectContext::hasChanges() const
 {
-    if (!d->inserted.isEmpty() || !d->deleted.isEmpty()) {
-        return true;
-    }
-    const QList<ZQRef<ZQManagedObject>> updated = d->updated.objects();
-    return std::any_of(updated.begin(), updated.end(),
-                       [](const auto &object) { return Private::isDirty(object.get()); });
+    return d->changes.hasChanges();
 }
 
 QList<ZQRef<ZQManagedObject>> ZQManagedObjectContext::insertedObjects() const
 {
-    return d->inserted.objects();
+    return d->changes.inserted().objects();
 }
 
 QList<ZQRef<ZQManagedObject>> ZQManagedObjectContext::updatedObjects() const
 {
-    QList<ZQRef<ZQManagedObject>> objects = d->updated.objects();
-    objects.removeIf([](const auto &object) { return !Private::isDirty(object.get()); });
-    return objects;
+    return d->changes.reallyUpdated();
 }
 
 QList<ZQRef<ZQManagedObject>> ZQManagedObjectContext::deletedObjects() const
 {
-    return d->deleted.objects();
+    return d->changes.deleted().objects();
+}
+
+bool ZQManagedObjectContext::save(ZQError *error)
+{
+    d->store.assertThread();
+    ZQTrace trace("store", "save");
+    ZQSave save(*d);
+    if (!save.collect(error)) {
+        return false;
+    }
+    if (save.isEmpty()) {
+        d->changes.didFindNothingToSave();
+        return true;
+    }
+    d->willSaveObservers.notify({});
+    if (!save.write(error)) {
+        return false;
+    }
+    const ZQSave::Outcome outcome = save.apply();
+    d->didSaveObservers.notify(outcome.notification);
+    d->didChangeObservers.notify(outcome.announcement);
+    return true;
+}
+
+void ZQManagedObjectContext::rollback()
+{
+    d->store.assertThread();
+    ZQChangeMerger(*d).rollBack();
+    processPendingChanges();
 }
 
 void ZQManagedObjectContext::reset()
 {
-    d->assertThread();
-    for (const auto &root : d->roots) {
-        const auto objects = std::exchange(root->objects, {});
-        for (ZQManagedObject *object : objects) {
-            d->unlinkFault(object);
-            d->orphan(object);
-        }
+    d->store.assertThread();
+    d->rows.orphanAll();
+    d->changes.clear();
+}
+
+void ZQManagedObjectContext::refreshObject(ZQManagedObject *object, bool mergeChanges)
+{
+    d->store.assertThread();
+    if (object && object->m_context == this && !object->m_isInserted && !object->m_isDeleted) {
+        ZQChangeMerger(*d).refresh(object, mergeChanges);
     }
-    d->inserted.clear();
-    d->updated.clear();
-    d->deleted.clear();
-    d->lastTouched = nullptr;
-    for (ZQIDList *list : {&d->newlyInserted, &d->newlyUpdated, &d->newlyDeleted}) {
-        list->clear();
+}
+
+void ZQManagedObjectContext::mergeChangesFromContextDidSaveNotification(const ZQContextDidSave &notification)
+{
+    d->store.assertThread();
+    if (notification.source != this) {
+        d->didChangeObservers.notify(ZQChangeMerger(*d).merge(notification));
     }
-    d->announcedTemporary.clear();
+}
+
+void ZQManagedObjectContext::processPendingChanges()
+{
+    d->store.assertThread();
+    if (const auto announcement = d->changes.takeAnnouncement(this)) {
+        d->didChangeObservers.notify(*announcement);
+    }
+}
+
+ZQManagedObjectContext::Token ZQManagedObjectContext::observeWillSave(std::function<void()> observer)
+{
+    return d->willSaveObservers.add([observer = std::move(observer)](const auto &) { observer(); });
+}
+
+ZQManagedObjectContext::Token
+ZQManagedObjectContext::observeDidSave(std::function<void(const ZQContextDidSave &)> observer)
+{
+    return d->didSaveObservers.add(std::move(observer));
+}
+
+ZQManagedObjectContext::Token
+ZQManagedObjectContext::observeObjectsDidChange(std::function<void(const ZQContextDidSave &)> observer)
+{
+    return d->didChangeObservers.add(std::move(observer));
 }

@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQPendingChanges.h"
 
 #include "Kit/Persistence/ZQFetchQuery.h"
+#include "Kit/Persistence/ZQPrefetcher.h"
 #include "Kit/Persistence/ZQSQLList.h"
 
 #include <algorithm>
@@ -87,7 +88,7 @@ void ZQPendingChanges::addPath(const QStringList &keys)
     QString place;
     const ZQEntityDescription *here = m_query.entity;
     for (const QString &key : keys) {
-        const ZQPlanProperty property = m_context.plan->planFor(here)->properties.value(key);
+        const ZQPlanProperty property = m_context.rows.plan().planFor(here)->properties.value(key);
         Stop &stop = m_stops[place];
         if (property.field >= 0) {
             stop.fields |= quint64(1) << property.field;
@@ -118,14 +119,14 @@ bool ZQPendingChanges::isMeant(const ZQManagedObject &object) const
 
 void ZQPendingChanges::lookAtChanges()
 {
-    m_context.visitDirtyObjects([this](const Object &object) {
+    m_context.changes.visit([this](const Object &object) {
         const qint64 key = object->objectID().key;
         for (auto &[place, stop] : m_stops) {
             if (!object->entity()->isKindOf(stop.entity)) {
                 continue; // of the same family perhaps, and never in this place
             }
             const bool isNew = object->isInserted();
-            if (!isNew && !Private::isTouched(*object, stop.fields, stop.lists)) {
+            if (!isNew && !ZQChangeTracker::isTouched(*object, stop.fields, stop.lists)) {
                 continue;
             }
             if (!stop.way.empty()) {
@@ -181,19 +182,19 @@ bool ZQPendingChanges::findAffectedRows(QList<Object> &affected, ZQError *error)
     }
     request.predicate = ZQPredicate::andPredicate(unaltered);
     ZQFetchQuery query;
-    if (!m_context.prepareQuery(request, query, error)) {
+    if (!query.prepare(request, m_context.rows, error)) {
         return false;
     }
     query.addCondition(u'(' + ways.join(QStringLiteral(" OR ")) + u')', bindings);
-    ZQSQLiteStatement select = m_context.prepare(query.select(query.root->plan->selection, -1, 0));
+    ZQSQLiteStatement select = m_context.store.prepare(query.select(query.root->plan->selection, -1, 0));
     select.bindVariants(0, query.bindings);
     while (select.next()) {
-        if (Object object = m_context.objectFromRow(select, *query.root)) {
+        if (Object object = m_context.rows.objectFromRow(select, *query.root)) {
             affected.append(std::move(object));
         }
     }
     if (select.failed()) {
-        zqSetError(error, m_context.storeError());
+        zqSetError(error, m_context.store.error());
         return false;
     }
     return true;
@@ -216,7 +217,7 @@ void ZQPendingChanges::keepMatching(QList<Object> &candidates)
     for (const Part *part : order) {
         QList<Object> kept;
         for (const QStringList &path : reaches(*part) ? part->paths : QList<QStringList>()) {
-            kept += m_context.prefetch(candidates, path, false);
+            kept += ZQPrefetcher(m_context).prefetch(candidates, path, false);
         }
         candidates.removeIf([&](const Object &object) { return !part->predicate.evaluateWithObject(object.get()); });
     }
@@ -242,7 +243,7 @@ bool ZQPendingChanges::findCorrection(ZQPendingCorrection &correction, ZQError *
     if (m_isOrdered && m_candidates.size() > 1) {
         QList<Object> kept;
         for (const ZQSortDescriptor &descriptor : m_request.sortDescriptors) {
-            kept += m_context.prefetch(m_candidates, descriptor.keyPath.split(u'.'), false);
+            kept += ZQPrefetcher(m_context).prefetch(m_candidates, descriptor.keyPath.split(u'.'), false);
         }
         std::sort(m_candidates.begin(), m_candidates.end(), [this](const Object &a, const Object &b) {
             return zqCompareObjects(a.get(), b.get(), m_request.sortDescriptors) < 0;

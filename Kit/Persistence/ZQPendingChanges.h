@@ -19,7 +19,7 @@ class ZQPendingChanges
 {
 public:
     using Private = ZQManagedObjectContext::Private;
-    using Object = Private::Object;
+    using Object = ZQRef<ZQManagedObject>;
 
     // `isOrdered` says that the order counts as well, not only the condition.
     ZQPendingChanges(Private &context, const ZQFetchRequest &request, const ZQFetchQuery &query, bool isOrdered);

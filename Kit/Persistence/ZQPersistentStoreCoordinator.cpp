@@ -192,7 +192,7 @@ bool ZQPersistentStoreCoordinator::readOrigin(ZQSQLiteConnection &connection, ZQ
 
 bool ZQPersistentStoreCoordinator::clearRecovered()
 {
-    const std::lock_guard guard(m_writeLock);
+    const ZQLockGuard guard(m_writeLock);
     const auto connection = newConnection();
     if (!connection || !zqWriteMetadata(*connection, zqRecoveredKey, 0)) {
         return false;
@@ -320,7 +320,7 @@ ZQStoreCheckResult ZQPersistentStoreCoordinator::check(const std::stop_token &st
         noteDamage();
     }
     if (isSettled || !result.isSound()) {
-        const std::lock_guard guard(m_writeLock);
+        const ZQLockGuard guard(m_writeLock);
         if (zqWriteMetadata(*connection, zqSuspicionKey, isSettled ? QStringLiteral("") : damagedMark)) {
             m_needsCheck = !isSettled;
         }
@@ -331,7 +331,7 @@ ZQStoreCheckResult ZQPersistentStoreCoordinator::check(const std::stop_token &st
 void ZQPersistentStoreCoordinator::requestRecovery()
 {
     m_isRecoveryWanted = true;
-    const std::lock_guard guard(m_writeLock);
+    const ZQLockGuard guard(m_writeLock);
     if (const auto connection = newConnection()) {
         zqWriteMetadata(*connection, zqSuspicionKey, recoverMark);
     }
@@ -345,7 +345,7 @@ std::optional<QStringList> ZQPersistentStoreCoordinator::pendingVersions() const
 
 bool ZQPersistentStoreCoordinator::clearPendingVersion(const QString &version)
 {
-    const std::lock_guard guard(m_writeLock);
+    const ZQLockGuard guard(m_writeLock);
     const auto connection = newConnection();
     if (!connection) {
         return false;
@@ -398,7 +398,7 @@ std::optional<qint64> ZQPersistentStoreCoordinator::lastKeyBeforeMigration(const
 
 bool ZQPersistentStoreCoordinator::setPendingProgress(const QString &version, qint64 key)
 {
-    const std::lock_guard guard(m_writeLock);
+    const ZQLockGuard guard(m_writeLock);
     const auto connection = newConnection();
     if (!connection) {
         return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Foundation/ZQError.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Persistence/ZQManagedObjectModel.h"
 
 #include <QDateTime>
@@ -8,7 +9,6 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stop_token>
 
@@ -135,9 +135,9 @@ public:
     // For contexts: a read met damage.
     void noteDamage() { m_isDamaged = true; }
     // For contexts, after a save, while they hold the lock: keeps the planner's statistics in step with the store.
-    void noteSavedRows(ZQSQLiteConnection &connection, qsizetype rows);
+    void noteSavedRows(ZQSQLiteConnection &connection, qsizetype rows) ZQ_REQUIRES(m_writeLock);
     // For contexts: held while a save writes, so that saves of one process queue instead of meeting the busy timeout.
-    std::mutex &writeLock() const { return m_writeLock; }
+    ZQMutex &writeLock() const ZQ_RETURN_CAPABILITY(m_writeLock) { return m_writeLock; }
 
 private:
     ZQPersistentStoreCoordinator() = default;
@@ -160,6 +160,6 @@ private:
     std::atomic<bool> m_isDamaged = false;
     std::atomic<bool> m_isRecoveryWanted = false;
     bool m_isMarked = false;
-    qint64 m_savedRows = 0; // since the statistics were last looked at; under the lock of writing
-    mutable std::mutex m_writeLock;
+    mutable ZQMutex m_writeLock;
+    qint64 m_savedRows ZQ_GUARDED_BY(m_writeLock) = 0; // since the statistics were last looked at
 };

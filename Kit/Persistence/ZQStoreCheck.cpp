@@ -1,10 +1,10 @@
 #include "Kit/Persistence/ZQStoreCheck.h"
 
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 
 #include <condition_variable>
-#include <mutex>
 #include <thread>
 
 #include <sqlite3.h>
@@ -25,8 +25,8 @@ class Alarm
 public:
     Alarm(sqlite3 *handle, std::chrono::milliseconds patience)
         : m_thread([this, handle, patience](const std::stop_token &stop) {
-              std::unique_lock guard(m_lock);
-              m_wake.wait_for(guard, stop, patience, [] { return false; });
+              const ZQLockGuard guard(m_lock);
+              m_wake.wait_for(m_lock, stop, patience, [] { return false; });
               if (!stop.stop_requested()) {
                   m_rang = true;
                   sqlite3_interrupt(handle);
@@ -37,7 +37,7 @@ public:
     bool rang() const { return m_rang; }
 
 private:
-    std::mutex m_lock;
+    ZQMutex m_lock; // guards nothing: a wait needs one
     std::condition_variable_any m_wake;
     std::atomic<bool> m_rang = false;
     std::jthread m_thread; // last: it uses the others

@@ -1,14 +1,14 @@
 #include "Kit/Widgets/ZQThumbnailLoader.h"
 
+#include "Kit/Foundation/ZQThreadSafety.h"
+
 #include <QCache>
 #include <QPointer>
 #include <QSet>
 
 #include <algorithm>
 #include <array>
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <thread>
 
 namespace {
@@ -59,45 +59,58 @@ struct ZQThumbnailLoader::Private
         QString key;
     };
 
-    std::mutex lock;
-    std::condition_variable wake;
-    std::deque<Job> waiting; // the latest at the end
-    QSet<QString> known;     // waiting or being read
-    int reading = 0;
-    bool stopping = false;
-    Decoder decoder;
-    std::vector<std::thread> threads;
+    ZQMutex lock;
+    ZQCondition wake;
+    std::deque<Job> waiting ZQ_GUARDED_BY(lock); // the latest at the end
+    QSet<QString> known ZQ_GUARDED_BY(lock);     // waiting or being read
+    int reading ZQ_GUARDED_BY(lock) = 0;
+    bool stopping ZQ_GUARDED_BY(lock) = false;
+
+    Decoder decoder; // set before the first thread is there
 
     // Main thread only.
+    std::vector<std::thread> threads;
     QCache<QString, QImage> cache;
     QSet<QString> failed; // by file
     QSet<QString> wanted;
     bool collecting = false;
 
     void run(ZQThumbnailLoader *owner);
+    QImage read(const Job &job) const;
 };
+
+// In the form that is painted without a conversion.
+QImage ZQThumbnailLoader::Private::read(const Job &job) const
+{
+    QImage image = decoder ? decoder(job.request, job.resolution) : QImage();
+    if (image.hasAlphaChannel() && isOpaque(image)) {
+        image.convertTo(QImage::Format_RGB32);
+    }
+    if (!image.isNull() && image.format() != QImage::Format_RGB32 &&
+        image.format() != QImage::Format_ARGB32_Premultiplied) {
+        image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    }
+    return image;
+}
 
 void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
 {
-    std::unique_lock guard(lock);
+    const ZQLockGuard guard(lock);
     while (true) {
-        wake.wait(guard, [this] { return stopping || !waiting.empty(); });
+        while (!stopping && waiting.empty()) {
+            wake.wait(lock);
+        }
         if (stopping) {
             return;
         }
         const Job job = std::move(waiting.back());
         waiting.pop_back();
         ++reading;
-        guard.unlock();
-        QImage image = decoder ? decoder(job.request, job.resolution) : QImage();
-        if (image.hasAlphaChannel() && isOpaque(image)) {
-            image.convertTo(QImage::Format_RGB32);
+        QImage image;
+        {
+            const ZQUnlockGuard open(lock);
+            image = read(job);
         }
-        if (!image.isNull() && image.format() != QImage::Format_RGB32 &&
-            image.format() != QImage::Format_ARGB32_Premultiplied) {
-            image.convertTo(QImage::Format_ARGB32_Premultiplied);
-        }
-        guard.lock();
         --reading;
         if (stopping) {
             return;
@@ -109,7 +122,7 @@ void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
             [owner, job, image] {
                 Private &d = *owner->d;
                 {
-                    const std::lock_guard inner(d.lock);
+                    const ZQLockGuard inner(d.lock);
                     d.known.remove(job.key);
                 }
                 if (image.isNull()) {
@@ -132,10 +145,10 @@ ZQThumbnailLoader::ZQThumbnailLoader(qsizetype cacheBytes, QObject *parent)
 ZQThumbnailLoader::~ZQThumbnailLoader()
 {
     {
-        const std::lock_guard guard(d->lock);
+        const ZQLockGuard guard(d->lock);
         d->stopping = true;
     }
-    d->wake.notify_all();
+    d->wake.notifyAll();
     for (std::thread &thread : d->threads) {
         thread.join();
     }
@@ -143,7 +156,6 @@ ZQThumbnailLoader::~ZQThumbnailLoader()
 
 void ZQThumbnailLoader::setDecoder(Decoder decoder)
 {
-    const std::lock_guard guard(d->lock);
     d->decoder = std::move(decoder);
 }
 
@@ -162,7 +174,7 @@ QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
         return {};
     }
     {
-        const std::lock_guard guard(d->lock);
+        const ZQLockGuard guard(d->lock);
         if (!d->known.contains(key)) {
             d->known.insert(key);
             d->waiting.push_back({request, resolution, key});
@@ -173,7 +185,7 @@ QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
             d->threads.emplace_back([this] { d->run(this); });
         }
     }
-    d->wake.notify_one();
+    d->wake.notifyOne();
     if (d->collecting) {
         d->wanted.insert(key);
     }
@@ -199,8 +211,8 @@ void ZQThumbnailLoader::beginVisible()
 void ZQThumbnailLoader::endVisible()
 {
     d->collecting = false;
-    const std::lock_guard guard(d->lock);
-    std::erase_if(d->waiting, [this](const Private::Job &job) {
+    const ZQLockGuard guard(d->lock);
+    std::erase_if(d->waiting, [this](const Private::Job &job) ZQ_REQUIRES(d->lock) {
         const bool drop = !d->wanted.contains(job.key);
         if (drop) {
             d->known.remove(job.key);
@@ -216,6 +228,6 @@ qsizetype ZQThumbnailLoader::cachedBytes() const
 
 int ZQThumbnailLoader::pendingCount() const
 {
-    const std::lock_guard guard(d->lock);
+    const ZQLockGuard guard(d->lock);
     return int(d->known.size());
 }

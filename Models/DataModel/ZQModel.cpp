@@ -1,11 +1,10 @@
 #include "Models/DataModel/ZQModel.h"
 
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QFile>
 #include <QHash>
-
-#include <mutex>
 
 namespace {
 
@@ -37,9 +36,9 @@ static void initModelResources()
 
 std::shared_ptr<const ZQManagedObjectModel> zqModelVersion(const QString &identifier)
 {
-    static std::mutex mutex;
-    static QHash<QString, std::shared_ptr<const ZQManagedObjectModel>> models;
-    const std::lock_guard lock(mutex);
+    static ZQMutex mutex;
+    static QHash<QString, std::shared_ptr<const ZQManagedObjectModel>> models ZQ_GUARDED_BY(mutex);
+    const ZQLockGuard lock(mutex);
     const auto found = models.constFind(identifier);
     if (found != models.constEnd()) {
         return *found;

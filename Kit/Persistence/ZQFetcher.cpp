@@ -1,12 +1,12 @@
+#include "Kit/Persistence/ZQFetcher.h"
+
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQFetchQuery.h"
 #include "Kit/Persistence/ZQPendingChanges.h"
+#include "Kit/Persistence/ZQPrefetcher.h"
 #include "Kit/Persistence/ZQSQLList.h"
 
 #include <algorithm>
-
-using Private = ZQManagedObjectContext::Private;
 
 namespace {
 
@@ -62,57 +62,21 @@ QList<ZQObjectID> idsOf(const QList<ZQRef<ZQManagedObject>> &objects)
 
 } // namespace
 
-bool Private::prepareQuery(const ZQFetchRequest &request, ZQFetchQuery &query, ZQError *error)
+ZQFetcher::ZQFetcher(ZQManagedObjectContext::Private &context) : m_context(context)
 {
-    assertThread();
-    query.entity = plan->model().entity(request.entityName);
-    if (!query.entity) {
-        zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Other),
-                                        zqLocalized("The request cannot be carried out."),
-                                        QStringLiteral("There is no entity \"%1\".").arg(request.entityName)));
-        return false;
-    }
-    query.root = &rootOf(query.entity);
-    QStringList conditions;
-    const QList<int> codes =
-        request.includesSubentities ? query.entity->codesIncludingSubentities() : QList<int>{query.entity->code};
-    if (codes.size() < qsizetype(query.root->plan->entities.size())) {
-        QStringList texts;
-        for (const int code : codes) {
-            texts.append(QString::number(code));
-        }
-        conditions.append(QStringLiteral("t.\"entity\" IN (%1)").arg(texts.join(u',')));
-    }
-    if (!request.predicate.isNull()) {
-        const auto fragment = zqSQLForPredicate(request.predicate, query.entity, QStringLiteral("t"), error);
-        if (!fragment) {
-            return false;
-        }
-        conditions.append(u'(' + fragment->text + u')');
-        query.bindings = fragment->bindings;
-    }
-    const auto order = zqSQLForSortDescriptors(request.sortDescriptors, query.entity, QStringLiteral("t"), error);
-    if (!order) {
-        return false;
-    }
-    query.joins = order->joins;
-    query.order = QStringLiteral(" ORDER BY ") + order->orderBy;
-    if (!conditions.isEmpty()) {
-        query.where = QStringLiteral(" WHERE ") + conditions.join(QStringLiteral(" AND "));
-    }
-    return true;
+    m_context.store.assertThread();
 }
 
-bool Private::correct(const ZQFetchRequest &request, bool isOrdered, ZQFetchQuery &query, QList<Object> &matching,
-                      ZQError *error)
+bool ZQFetcher::correct(const ZQFetchRequest &request, bool isOrdered, ZQFetchQuery &query, QList<Object> &matching,
+                        ZQError *error)
 {
-    if (!request.includesPendingChanges || (inserted.isEmpty() && updated.isEmpty() && deleted.isEmpty())) {
+    if (!request.includesPendingChanges || m_context.changes.isUntouched()) {
         return true;
     }
-    const quint64 failedBefore = failedReads;
+    const quint64 failedBefore = m_context.store.failedReads();
     ZQPendingCorrection correction;
-    if (!ZQPendingChanges(*this, request, query, isOrdered).findCorrection(correction, error) ||
-        hasReadFailed(failedBefore, error)) {
+    if (!ZQPendingChanges(m_context, request, query, isOrdered).findCorrection(correction, error) ||
+        m_context.store.hasReadFailed(failedBefore, error)) {
         return false;
     }
     if (!correction.excluded.isEmpty()) {
@@ -123,30 +87,39 @@ bool Private::correct(const ZQFetchRequest &request, bool isOrdered, ZQFetchQuer
     return true;
 }
 
-// All of them look for their places at once, so that what a step compares with is read in a few queries.
-QList<qsizetype> Private::placesAmong(const QList<ZQObjectID> &ids, const QList<Object> &sorted,
-                                      const QList<ZQSortDescriptor> &descriptors)
+QList<ZQRef<ZQManagedObject>> ZQFetcher::readMiddles(const QList<ZQObjectID> &ids, const QList<qsizetype> &low,
+                                                     const QList<qsizetype> &high,
+                                                     const QList<ZQSortDescriptor> &descriptors)
 {
+    if (descriptors.isEmpty()) {
+        return {};
+    }
+    QHash<const ZQEntityDescription *, QSet<qint64>> wanted;
+    for (qsizetype i = 0; i < low.size(); ++i) {
+        if (low[i] < high[i]) {
+            const ZQObjectID &id = ids.at((low[i] + high[i]) / 2);
+            wanted[id.entity].insert(id.key);
+        }
+    }
+    QList<Object> kept;
+    for (auto entry = wanted.cbegin(); entry != wanted.cend(); ++entry) {
+        kept += m_context.rows.objectsForKeys(entry.key(), entry.value());
+    }
+    for (const ZQSortDescriptor &descriptor : descriptors) {
+        kept += ZQPrefetcher(m_context).prefetch(kept, descriptor.keyPath.split(u'.'), false);
+    }
+    return kept;
+}
+
+// All of them look for their places at once, so that what a step compares with is read in a few queries.
+std::optional<QList<qsizetype>> ZQFetcher::placesAmong(const QList<ZQObjectID> &ids, const QList<Object> &sorted,
+                                                       const QList<ZQSortDescriptor> &descriptors, ZQError *error)
+{
+    const quint64 failedBefore = m_context.store.failedReads();
     QList<qsizetype> low(sorted.size(), 0);
     QList<qsizetype> high(sorted.size(), ids.size());
     for (bool isDone = ids.isEmpty(); !isDone;) {
-        QHash<qsizetype, Object> middles;
-        QList<Object> kept;
-        if (!descriptors.isEmpty()) {
-            QHash<const ZQEntityDescription *, QSet<qint64>> wanted;
-            for (qsizetype i = 0; i < sorted.size(); ++i) {
-                if (low[i] < high[i]) {
-                    const ZQObjectID &id = ids.at((low[i] + high[i]) / 2);
-                    wanted[id.entity].insert(id.key);
-                }
-            }
-            for (auto entry = wanted.cbegin(); entry != wanted.cend(); ++entry) {
-                kept += objectsForKeys(entry.key(), entry.value());
-            }
-            for (const ZQSortDescriptor &descriptor : descriptors) {
-                kept += prefetch(kept, descriptor.keyPath.split(u'.'), false);
-            }
-        }
+        const QList<Object> kept = readMiddles(ids, low, high, descriptors);
         isDone = true;
         for (qsizetype i = 0; i < sorted.size(); ++i) {
             if (low[i] >= high[i]) {
@@ -154,83 +127,78 @@ QList<qsizetype> Private::placesAmong(const QList<ZQObjectID> &ids, const QList<
             }
             const qsizetype middle = (low[i] + high[i]) / 2;
             const ZQObjectID &id = ids.at(middle);
-            const ZQManagedObject *other = descriptors.isEmpty() ? nullptr : held(id.entity, id.key);
+            const ZQManagedObject *other = descriptors.isEmpty() ? nullptr : m_context.rows.held(id.entity, id.key);
             const int order = other ? zqCompareObjects(sorted.at(i).get(), other, descriptors)
                                     : zqCompareObjectIDs(sorted.at(i)->objectID(), id);
             (order < 0 ? high[i] : low[i]) = order < 0 ? middle : middle + 1;
             isDone = isDone && low[i] >= high[i];
         }
     }
-    return low;
+    return m_context.store.hasReadFailed(failedBefore, error) ? std::nullopt : std::optional(low);
 }
 
-std::optional<QList<ZQRef<ZQManagedObject>>> ZQManagedObjectContext::executeFetchRequest(const ZQFetchRequest &request,
-                                                                                         ZQError *error)
+std::optional<QList<ZQRef<ZQManagedObject>>> ZQFetcher::objects(const ZQFetchRequest &request, ZQError *error)
 {
     ZQFetchQuery query;
     QList<ZQRef<ZQManagedObject>> changed;
-    if (!d->prepareQuery(request, query, error) || !d->correct(request, true, query, changed, error)) {
+    if (!query.prepare(request, m_context.rows, error) || !correct(request, true, query, changed, error)) {
         return std::nullopt;
     }
     const auto [limit, offset] = limitAndOffset(request, changed.size());
-    ZQSQLiteStatement select = d->prepare(query.select(query.root->plan->selection, limit, offset));
+    ZQSQLiteStatement select = m_context.store.prepare(query.select(query.root->plan->selection, limit, offset));
     select.bindVariants(0, query.bindings);
     QList<ZQRef<ZQManagedObject>> objects;
     while (select.next()) {
-        if (ZQRef<ZQManagedObject> object = d->objectFromRow(select, *query.root)) {
+        if (ZQRef<ZQManagedObject> object = m_context.rows.objectFromRow(select, *query.root)) {
             objects.append(std::move(object));
         }
     }
     if (select.failed()) {
-        zqSetError(error, d->storeError());
+        zqSetError(error, m_context.store.error());
         return std::nullopt;
     }
     select = {};
     if (changed.isEmpty()) {
         return objects;
     }
-    const quint64 failedBefore = d->failedReads;
-    const QList<qsizetype> places = d->placesAmong(idsOf(objects), changed, request.sortDescriptors);
-    return d->hasReadFailed(failedBefore, error) ? std::nullopt
-                                                 : std::optional(window(merged(objects, changed, places), request));
+    const auto places = placesAmong(idsOf(objects), changed, request.sortDescriptors, error);
+    return places ? std::optional(window(merged(objects, changed, *places), request)) : std::nullopt;
 }
 
-std::optional<QList<ZQObjectID>> ZQManagedObjectContext::fetchObjectIDs(const ZQFetchRequest &request, ZQError *error)
+std::optional<QList<ZQObjectID>> ZQFetcher::objectIDs(const ZQFetchRequest &request, ZQError *error)
 {
     ZQFetchQuery query;
     QList<ZQRef<ZQManagedObject>> changed;
-    if (!d->prepareQuery(request, query, error) || !d->correct(request, true, query, changed, error)) {
+    if (!query.prepare(request, m_context.rows, error) || !correct(request, true, query, changed, error)) {
         return std::nullopt;
     }
     const auto [limit, offset] = limitAndOffset(request, changed.size());
-    ZQSQLiteStatement select = d->prepare(query.select(QStringLiteral("t.\"id\", t.\"entity\""), limit, offset));
+    ZQSQLiteStatement select =
+        m_context.store.prepare(query.select(QStringLiteral("t.\"id\", t.\"entity\""), limit, offset));
     select.bindVariants(0, query.bindings);
     QList<ZQObjectID> ids;
     while (select.next()) {
-        if (const ZQEntityPlan *entityPlan = d->plan->planForCode(int(select.int64(1)))) {
+        if (const ZQEntityPlan *entityPlan = m_context.rows.plan().planForCode(int(select.int64(1)))) {
             ids.append({entityPlan->entity, select.int64(0)});
         }
     }
     if (select.failed()) {
-        zqSetError(error, d->storeError());
+        zqSetError(error, m_context.store.error());
         return std::nullopt;
     }
     select = {};
     if (changed.isEmpty()) {
         return ids;
     }
-    const quint64 failedBefore = d->failedReads;
-    const QList<qsizetype> places = d->placesAmong(ids, changed, request.sortDescriptors);
-    return d->hasReadFailed(failedBefore, error) ? std::nullopt
-                                                 : std::optional(window(merged(ids, idsOf(changed), places), request));
+    const auto places = placesAmong(ids, changed, request.sortDescriptors, error);
+    return places ? std::optional(window(merged(ids, idsOf(changed), *places), request)) : std::nullopt;
 }
 
-std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(const ZQFetchRequest &request,
-                                                                              const QString &relationship,
-                                                                              ZQError *error)
+std::optional<ZQRelatedIDs> ZQFetcher::objectIDsWithRelated(const ZQFetchRequest &request, const QString &relationship,
+                                                            ZQError *error)
 {
     ZQFetchQuery query;
-    if (!d->prepareQuery(request, query, error)) {
+    if (!query.prepare(request, m_context.rows, error)) {
         return std::nullopt;
     }
     const ZQRelationshipDescription *toOne = query.entity->relationship(relationship);
@@ -243,47 +211,47 @@ std::optional<ZQRelatedIDs> ZQManagedObjectContext::fetchObjectIDsWithRelated(co
     }
     query.joins += QStringLiteral(" LEFT JOIN %1 zq_related ON zq_related.\"id\" = t.%2 ")
                        .arg(zqQuoted(toOne->destination->root->tableName), zqQuoted(toOne->columnName));
-    ZQSQLiteStatement select =
-        d->prepare(query.select(QStringLiteral("t.\"id\", t.\"entity\", zq_related.\"id\", zq_related.\"entity\""),
-                                limitOf(request), std::max(0, request.fetchOffset)));
+    ZQSQLiteStatement select = m_context.store.prepare(
+        query.select(QStringLiteral("t.\"id\", t.\"entity\", zq_related.\"id\", zq_related.\"entity\""),
+                     limitOf(request), std::max(0, request.fetchOffset)));
     select.bindVariants(0, query.bindings);
     ZQRelatedIDs result;
     while (select.next()) {
-        if (const ZQEntityPlan *plan = d->plan->planForCode(int(select.int64(1)))) {
-            const ZQEntityPlan *related = d->plan->planForCode(int(select.int64(3)));
+        if (const ZQEntityPlan *plan = m_context.rows.plan().planForCode(int(select.int64(1)))) {
+            const ZQEntityPlan *related = m_context.rows.plan().planForCode(int(select.int64(3)));
             result.ids.append({plan->entity, select.int64(0)});
             result.related.append(related ? ZQObjectID{related->entity, select.int64(2)} : ZQObjectID());
         }
     }
     if (select.failed()) {
-        zqSetError(error, d->storeError());
+        zqSetError(error, m_context.store.error());
         return std::nullopt;
     }
     return result;
 }
 
-std::optional<qint64> ZQManagedObjectContext::countForFetchRequest(const ZQFetchRequest &request, ZQError *error)
+std::optional<qint64> ZQFetcher::count(const ZQFetchRequest &request, ZQError *error)
 {
     ZQFetchQuery query;
     QList<ZQRef<ZQManagedObject>> changed;
-    if (!d->prepareQuery(request, query, error) || !d->correct(request, false, query, changed, error)) {
+    if (!query.prepare(request, m_context.rows, error) || !correct(request, false, query, changed, error)) {
         return std::nullopt;
     }
-    ZQSQLiteStatement select = d->prepare(QStringLiteral("SELECT count(*)") + query.from() + query.where);
+    ZQSQLiteStatement select = m_context.store.prepare(QStringLiteral("SELECT count(*)") + query.from() + query.where);
     select.bindVariants(0, query.bindings);
     if (!select.next()) {
-        zqSetError(error, d->storeError());
+        zqSetError(error, m_context.store.error());
         return std::nullopt;
     }
     const qint64 count = std::max<qint64>(0, changed.size() + select.int64(0) - std::max(0, request.fetchOffset));
     return request.fetchLimit > 0 ? std::min<qint64>(count, request.fetchLimit) : count;
 }
 
-std::optional<QList<QVariantMap>>
-ZQManagedObjectContext::fetchDictionaries(const ZQFetchRequest &request, const QStringList &attributes, ZQError *error)
+std::optional<QList<QVariantMap>> ZQFetcher::dictionaries(const ZQFetchRequest &request, const QStringList &attributes,
+                                                          ZQError *error)
 {
     ZQFetchQuery query;
-    if (!d->prepareQuery(request, query, error)) {
+    if (!query.prepare(request, m_context.rows, error)) {
         return std::nullopt;
     }
     QStringList columns;
@@ -304,7 +272,8 @@ ZQManagedObjectContext::fetchDictionaries(const ZQFetchRequest &request, const Q
         destinations.append(attribute ? nullptr : relationship->destination);
     }
     const QString selection = columns.isEmpty() ? QStringLiteral("1") : columns.join(QStringLiteral(", "));
-    ZQSQLiteStatement select = d->prepare(query.select(selection, limitOf(request), std::max(0, request.fetchOffset)));
+    ZQSQLiteStatement select =
+        m_context.store.prepare(query.select(selection, limitOf(request), std::max(0, request.fetchOffset)));
     select.bindVariants(0, query.bindings);
     QList<QVariantMap> maps;
     while (select.next()) {
@@ -318,7 +287,7 @@ ZQManagedObjectContext::fetchDictionaries(const ZQFetchRequest &request, const Q
         maps.append(map);
     }
     if (select.failed()) {
-        zqSetError(error, d->storeError());
+        zqSetError(error, m_context.store.error());
         return std::nullopt;
     }
     return maps;

@@ -1,5 +1,9 @@
+#include "Kit/Persistence/ZQRowCache.h"
+
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQSQLList.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -20,16 +24,25 @@ qsizetype placesFor(qsizetype keys)
 
 } // namespace
 
-using Private = ZQManagedObjectContext::Private;
+ZQRowCache::ZQRowCache(ZQManagedObjectContext *context, ZQContextStore &store)
+    : m_context(context), m_store(store),
+      m_plan(std::make_shared<ZQModelPlan>(store.coordinator()->managedObjectModel()))
+{
+    for (const auto &rootPlan : m_plan->roots()) {
+        m_roots.push_back(std::make_unique<Root>());
+        m_roots.back()->plan = rootPlan.get();
+        m_rootsByEntity.insert(rootPlan->entity, m_roots.back().get());
+    }
+}
 
-ZQRef<ZQManagedObject> Private::make(const ZQEntityPlan &entityPlan, qint64 key)
+ZQRef<ZQManagedObject> ZQRowCache::make(const ZQEntityPlan &entityPlan, qint64 key)
 {
     if (!entityPlan.entityClass) {
         qCWarning(zqLogStore, "no class is registered for the entity \"%s\"", qUtf8Printable(entityPlan.entity->name));
         return nullptr;
     }
     Object object(entityPlan.entityClass->create());
-    object->m_context = q;
+    object->m_context = m_context;
     object->m_entity = entityPlan.entity;
     object->m_plan = &entityPlan;
     object->m_key = key;
@@ -37,7 +50,7 @@ ZQRef<ZQManagedObject> Private::make(const ZQEntityPlan &entityPlan, qint64 key)
     return object;
 }
 
-void Private::setDefaults(ZQManagedObject *object)
+void ZQRowCache::setDefaults(ZQManagedObject *object)
 {
     const ZQEntityPlan &entityPlan = *object->m_plan;
     for (const ZQAttributeDescription &attribute : object->m_entity->attributes) {
@@ -53,7 +66,7 @@ void Private::setDefaults(ZQManagedObject *object)
     }
 }
 
-ZQRef<ZQManagedObject> Private::objectForKey(const ZQEntityDescription *entity, qint64 key)
+ZQRef<ZQManagedObject> ZQRowCache::objectForKey(const ZQEntityDescription *entity, qint64 key)
 {
     Root &root = rootOf(entity);
     if (ZQManagedObject *object = root.objects.value(key)) {
@@ -63,7 +76,7 @@ ZQRef<ZQManagedObject> Private::objectForKey(const ZQEntityDescription *entity, 
         return nullptr;
     }
     if (entity->subentities.empty() && !entity->isAbstract) {
-        Object fault = make(*plan->planFor(entity), key);
+        Object fault = make(*m_plan->planFor(entity), key);
         if (fault) {
             linkFault(fault.get());
         }
@@ -74,7 +87,7 @@ ZQRef<ZQManagedObject> Private::objectForKey(const ZQEntityDescription *entity, 
     return object;
 }
 
-ZQRef<ZQManagedObject> Private::objectFromRow(ZQSQLiteStatement &row, Root &root)
+ZQRef<ZQManagedObject> ZQRowCache::objectFromRow(ZQSQLiteStatement &row, Root &root)
 {
     const qint64 key = row.int64(0);
     Object object(root.objects.value(key));
@@ -84,7 +97,7 @@ ZQRef<ZQManagedObject> Private::objectFromRow(ZQSQLiteStatement &row, Root &root
     if (object) {
         unlinkFault(object.get());
     } else {
-        const ZQEntityPlan *entityPlan = plan->planForCode(int(row.int64(1)));
+        const ZQEntityPlan *entityPlan = m_plan->planForCode(int(row.int64(1)));
         object = entityPlan && entityPlan->root == root.plan ? make(*entityPlan, key) : Object();
     }
     if (object) {
@@ -93,7 +106,7 @@ ZQRef<ZQManagedObject> Private::objectFromRow(ZQSQLiteStatement &row, Root &root
     return object;
 }
 
-void Private::readRow(ZQSQLiteStatement &row, ZQManagedObject *object, quint64 keptFields)
+void ZQRowCache::readRow(ZQSQLiteStatement &row, ZQManagedObject *object, quint64 keptFields)
 {
     const ZQRootPlan &root = *object->m_plan->root;
     void *slots_ = object->row();
@@ -113,14 +126,16 @@ void Private::readRow(ZQSQLiteStatement &row, ZQManagedObject *object, quint64 k
     }
 }
 
-bool Private::selectRows(Root &root, const QList<qint64> &keys, const std::function<void(ZQSQLiteStatement &)> &visit)
+bool ZQRowCache::selectRows(Root &root, const QList<qint64> &keys,
+                            const std::function<void(ZQSQLiteStatement &)> &visit)
 {
     for (qsizetype start = 0; start < keys.size(); start += keysOfAQuery) {
         const qsizetype count = std::min(keysOfAQuery, keys.size() - start);
         const qsizetype places = placesFor(count);
-        ZQSQLiteStatement select = prepare(QStringLiteral("SELECT %1 FROM %2 t WHERE t.\"id\" IN (%3)")
-                                               .arg(root.plan->selection, zqQuoted(root.plan->entity->tableName),
-                                                    QStringList(places, QStringLiteral("?")).join(u',')));
+        ZQSQLiteStatement select =
+            m_store.prepare(QStringLiteral("SELECT %1 FROM %2 t WHERE t.\"id\" IN (%3)")
+                                .arg(root.plan->selection, zqQuoted(root.plan->entity->tableName),
+                                     QStringList(places, QStringLiteral("?")).join(u',')));
         for (qsizetype i = 0; i < places; ++i) {
             select.bind(int(i), keys.at(start + std::min(i, count - 1)));
         }
@@ -128,21 +143,40 @@ bool Private::selectRows(Root &root, const QList<qint64> &keys, const std::funct
             visit(select);
         }
         if (select.failed()) {
-            ++failedReads;
-            const ZQError failure = storeError();
-            if (failure.code != int(ZQStoreError::Cancelled)) {
-                qCWarning(zqLogStore, "reading rows failed: %s", qUtf8Printable(failure.localizedDescription()));
-            }
+            m_store.noteFailedRead(QStringLiteral("rows"));
             return false;
         }
     }
     return true;
 }
 
-// Who reads one fault soon reads its neighbours, mostly the following ones.
-void Private::fire(ZQManagedObject *object)
+QList<ZQRef<ZQManagedObject>> ZQRowCache::objectsForKeys(const ZQEntityDescription *entity, const QSet<qint64> &keys)
 {
-    assertThread();
+    Root &root = rootOf(entity);
+    QList<Object> objects;
+    QList<qint64> missing;
+    for (const qint64 key : keys) {
+        ZQManagedObject *object = root.objects.value(key);
+        if (object) {
+            objects.append(Object(object));
+        }
+        if (key > 0 && (!object || object->m_isFault)) {
+            missing.append(key);
+        }
+    }
+    std::sort(missing.begin(), missing.end()); // neighbours are on one page
+    selectRows(root, missing, [&](ZQSQLiteStatement &row) {
+        if (Object object = objectFromRow(row, root)) {
+            objects.append(std::move(object));
+        }
+    });
+    return objects;
+}
+
+// Who reads one fault soon reads its neighbours, mostly the following ones.
+void ZQRowCache::fire(ZQManagedObject *object)
+{
+    m_store.assertThread();
     Root &root = rootOf(object);
     QList<qint64> keys{object->m_key};
     const ZQManagedObject *neighbour = object->m_nextFault;
@@ -154,23 +188,23 @@ void Private::fire(ZQManagedObject *object)
         keys.append(neighbour->m_key);
     }
     const bool isRead = selectRows(root, keys, [&](ZQSQLiteStatement &row) { objectFromRow(row, root); });
-    if (!isRead && storeError().code == int(ZQStoreError::Cancelled)) {
+    if (!isRead && m_store.error().code == int(ZQStoreError::Cancelled)) {
         return; // still a fault, for when it is wanted again
     }
     if (object->m_isFault) {
         // The row is gone or cannot be read; the object keeps what it has.
         unlinkFault(object);
         qCWarning(zqLogStore, "%s has no row",
-                  qUtf8Printable(object->objectID().URIRepresentation(coordinator->storeUUID())));
+                  qUtf8Printable(object->objectID().URIRepresentation(m_store.coordinator()->storeUUID())));
     }
 }
 
-void Private::fillObjects(Root &root, const QList<qint64> &keys)
+void ZQRowCache::fill(Root &root, const QList<qint64> &keys)
 {
     selectRows(root, keys, [&](ZQSQLiteStatement &row) { objectFromRow(row, root); });
 }
 
-void Private::becomeFault(ZQManagedObject *object)
+void ZQRowCache::becomeFault(ZQManagedObject *object)
 {
     object->m_changed = 0;
     object->m_toMany.clear();
@@ -179,7 +213,7 @@ void Private::becomeFault(ZQManagedObject *object)
     }
 }
 
-void Private::linkFault(ZQManagedObject *object)
+void ZQRowCache::linkFault(ZQManagedObject *object)
 {
     Root &root = rootOf(object);
     object->m_isFault = true;
@@ -189,7 +223,7 @@ void Private::linkFault(ZQManagedObject *object)
     root.lastFault = object;
 }
 
-void Private::unlinkFault(ZQManagedObject *object)
+void ZQRowCache::unlinkFault(ZQManagedObject *object)
 {
     if (!object->m_isFault) {
         return;
@@ -202,62 +236,33 @@ void Private::unlinkFault(ZQManagedObject *object)
     object->m_isFault = false;
 }
 
-void Private::orphan(ZQManagedObject *object)
+void ZQRowCache::changeKey(ZQManagedObject *object, qint64 key)
+{
+    Root &root = rootOf(object);
+    root.objects.remove(object->m_key);
+    object->m_key = key;
+    root.objects.insert(key, object);
+}
+
+void ZQRowCache::orphan(ZQManagedObject *object)
 {
     unlinkFault(object);
     Root &root = rootOf(object);
     if (root.objects.value(object->m_key) == object) {
         root.objects.remove(object->m_key);
     }
-    if (lastTouched == object) {
-        lastTouched = nullptr;
-    }
     object->m_context = nullptr;
     object->m_isInserted = false;
     object->m_changed = 0;
-    object->m_keptPlan = plan;
+    object->m_keptPlan = m_plan;
 }
 
-void Private::released(ZQManagedObject *object)
+void ZQRowCache::orphanAll()
 {
-    orphan(object);
-    delete object;
-}
-
-void Private::touch(ZQManagedObject *object)
-{
-    assertThread();
-    if (lastTouched == object) {
-        return;
+    for (const auto &root : m_roots) {
+        const auto objects = std::exchange(root->objects, {});
+        for (ZQManagedObject *object : objects) {
+            orphan(object);
+        }
     }
-    lastTouched = object;
-    if (!object->m_isInserted) {
-        updated.add(object);
-    }
-    const ZQObjectID id = object->objectID();
-    if (!newlyInserted.set.contains(id)) {
-        newlyUpdated.add(id);
-    }
-}
-
-bool Private::hasListChanges(const ZQManagedObject *object)
-{
-    return std::any_of(object->m_toMany.begin(), object->m_toMany.end(),
-                       [](const ToMany &list) { return !list.added.isEmpty() || !list.removed.isEmpty(); });
-}
-
-bool Private::isDirty(const ZQManagedObject *object)
-{
-    return object->m_isInserted || object->m_isDeleted || object->m_changed || hasListChanges(object);
-}
-
-bool Private::isTouched(const ZQManagedObject &object, quint64 fields, const QSet<int> &lists)
-{
-    if (object.m_isDeleted || (object.m_changed & fields)) {
-        return true;
-    }
-    return !object.m_toMany.empty() && std::any_of(lists.begin(), lists.end(), [&object](int index) {
-        const ToMany &list = object.m_toMany[size_t(index)];
-        return !list.added.isEmpty() || !list.removed.isEmpty();
-    });
 }

@@ -1,21 +1,17 @@
-#include "Kit/Foundation/ZQLog.h"
-#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQRelationships.h"
 
-using Private = ZQManagedObjectContext::Private;
+#include "Kit/Persistence/ZQSQLList.h"
 
 namespace {
 constexpr qsizetype shortList = 1000; // that may be searched from one end to the other
 }
 
-// Both sides of a relationship change together. A to-one side is a field of the row; a to-many side is a list that may
-// not have been read yet, so it records what was added to and removed from the stored list.
-
-const ZQRelationshipDescription &Private::relationship(const ZQManagedObject *object, int index)
+const ZQRelationshipDescription &ZQRelationships::relationship(const ZQManagedObject *object, int index)
 {
     return object->m_entity->relationships[size_t(index)];
 }
 
-ZQManagedObject::ToMany &Private::list(const ZQManagedObject *object, int index)
+ZQManagedObject::ToMany &ZQRelationships::list(const ZQManagedObject *object, int index)
 {
     if (object->m_toMany.empty()) {
         object->m_toMany.resize(object->m_entity->relationships.size());
@@ -23,13 +19,21 @@ ZQManagedObject::ToMany &Private::list(const ZQManagedObject *object, int index)
     return object->m_toMany[size_t(index)];
 }
 
-qint64 Private::toOneKey(const ZQManagedObject *object, int index)
+qint64 ZQRelationships::toOneKey(const ZQManagedObject *object, int index)
 {
     const int field = object->m_plan->relationshipFields[size_t(index)];
     return field < 0 ? 0 : zqKeySlot(object->m_plan->root->fields[size_t(field)], const_cast<void *>(object->row()));
 }
 
-void Private::writeToOne(ZQManagedObject *object, int index, qint64 key)
+void ZQRelationships::forgetLoadedLists(ZQManagedObject *object)
+{
+    for (ToMany &many : object->m_toMany) {
+        many.isLoaded = false;
+        many.keys.clear();
+    }
+}
+
+void ZQRelationships::writeToOne(ZQManagedObject *object, int index, qint64 key)
 {
     const int field = object->m_plan->relationshipFields[size_t(index)];
     if (field < 0) {
@@ -46,7 +50,7 @@ void Private::writeToOne(ZQManagedObject *object, int index, qint64 key)
     object->didChangeField(field);
 }
 
-void Private::setToOne(ZQManagedObject *object, int index, ZQManagedObject *target)
+void ZQRelationships::setToOne(ZQManagedObject *object, int index, ZQManagedObject *target)
 {
     object->willAccess();
     const qint64 before = toOneKey(object, index);
@@ -56,9 +60,9 @@ void Private::setToOne(ZQManagedObject *object, int index, ZQManagedObject *targ
     const ZQRelationshipDescription &forward = relationship(object, index);
     const int inverse = object->m_plan->inverses[size_t(index)];
     if (before != 0) {
-        if (const Object old = objectForKey(forward.destination, before)) {
+        if (const Object old = m_rows.objectForKey(forward.destination, before)) {
             if (forward.inverse->toMany) {
-                listRemove(old.get(), inverse, object->m_key);
+                removeFromList(old.get(), inverse, object->m_key);
             } else {
                 writeToOne(old.get(), inverse, 0);
             }
@@ -69,31 +73,31 @@ void Private::setToOne(ZQManagedObject *object, int index, ZQManagedObject *targ
         return;
     }
     if (forward.inverse->toMany) {
-        listAdd(target, inverse, object->m_key);
+        addToList(target, inverse, object->m_key);
         return;
     }
     target->willAccess();
     const qint64 partner = toOneKey(target, inverse);
     if (partner != 0 && partner != object->m_key) {
-        if (const Object old = objectForKey(forward.inverse->destination, partner)) {
+        if (const Object old = m_rows.objectForKey(forward.inverse->destination, partner)) {
             writeToOne(old.get(), index, 0);
         }
     }
     writeToOne(target, inverse, object->m_key);
 }
 
-void Private::addToMany(ZQManagedObject *object, int index, ZQManagedObject *target)
+void ZQRelationships::addToMany(ZQManagedObject *object, int index, ZQManagedObject *target)
 {
     const int inverse = object->m_plan->inverses[size_t(index)];
     if (!relationship(object, index).inverse->toMany) {
         setToOne(target, inverse, object);
     } else if (!isRelated(object, index, target)) {
-        listAdd(object, index, target->m_key);
-        listAdd(target, inverse, object->m_key);
+        addToList(object, index, target->m_key);
+        addToList(target, inverse, object->m_key);
     }
 }
 
-void Private::removeFromMany(ZQManagedObject *object, int index, ZQManagedObject *target)
+void ZQRelationships::removeFromMany(ZQManagedObject *object, int index, ZQManagedObject *target)
 {
     const int inverse = object->m_plan->inverses[size_t(index)];
     if (!relationship(object, index).inverse->toMany) {
@@ -102,12 +106,12 @@ void Private::removeFromMany(ZQManagedObject *object, int index, ZQManagedObject
             setToOne(target, inverse, nullptr);
         }
     } else if (isRelated(object, index, target)) {
-        listRemove(object, index, target->m_key);
-        listRemove(target, inverse, object->m_key);
+        removeFromList(object, index, target->m_key);
+        removeFromList(target, inverse, object->m_key);
     }
 }
 
-void Private::listAdd(ZQManagedObject *object, int index, qint64 key)
+void ZQRelationships::addToList(ZQManagedObject *object, int index, qint64 key)
 {
     ToMany &many = list(object, index);
     if (!many.removed.removeOne(key)) {
@@ -116,10 +120,10 @@ void Private::listAdd(ZQManagedObject *object, int index, qint64 key)
     if (many.isLoaded) {
         many.keys.append(key);
     }
-    touch(object);
+    m_changes.touch(object);
 }
 
-void Private::listRemove(ZQManagedObject *object, int index, qint64 key)
+void ZQRelationships::removeFromList(ZQManagedObject *object, int index, qint64 key)
 {
     // A long list is read again when it is next asked for: cheaper than closing one gap after the other.
     ToMany &many = list(object, index);
@@ -132,11 +136,11 @@ void Private::listRemove(ZQManagedObject *object, int index, qint64 key)
         many.isLoaded = false;
         many.keys.clear();
     }
-    touch(object);
+    m_changes.touch(object);
 }
 
 // Many-to-many only. Membership is symmetric, so the shorter record answers.
-bool Private::isRelated(ZQManagedObject *object, int index, ZQManagedObject *target)
+bool ZQRelationships::isRelated(ZQManagedObject *object, int index, ZQManagedObject *target)
 {
     const int inverse = object->m_plan->inverses[size_t(index)];
     const ToMany &here = list(object, index);
@@ -154,7 +158,7 @@ bool Private::isRelated(ZQManagedObject *object, int index, ZQManagedObject *tar
         return here.keys.contains(target->m_key);
     }
     const ZQRelationshipDescription &forward = relationship(object, index);
-    ZQSQLiteStatement select = prepare(
+    ZQSQLiteStatement select = m_store.prepare(
         QStringLiteral("SELECT 1 FROM %1 WHERE %2 = ? AND %3 = ?")
             .arg(zqQuoted(forward.joinTable), zqQuoted(forward.joinOwnColumn), zqQuoted(forward.joinOtherColumn)));
     select.bind(0, object->m_key);
@@ -162,35 +166,30 @@ bool Private::isRelated(ZQManagedObject *object, int index, ZQManagedObject *tar
     return select.next();
 }
 
-std::optional<QList<qint64>> Private::storedKeys(const ZQManagedObject *object, int index)
+std::optional<QList<qint64>> ZQRelationships::storedKeys(const ZQManagedObject *object, int index)
 {
     const ZQRelationshipDescription &forward = relationship(object, index);
     const QString sql = QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? ORDER BY %1");
-    ZQSQLiteStatement select =
-        prepare(forward.isManyToMany() ? sql.arg(zqQuoted(forward.joinOtherColumn), zqQuoted(forward.joinTable),
-                                                 zqQuoted(forward.joinOwnColumn))
-                                       : sql.arg(QStringLiteral("\"id\""), zqQuoted(forward.destination->tableName),
-                                                 zqQuoted(forward.inverse->columnName)));
+    ZQSQLiteStatement select = m_store.prepare(
+        forward.isManyToMany()
+            ? sql.arg(zqQuoted(forward.joinOtherColumn), zqQuoted(forward.joinTable), zqQuoted(forward.joinOwnColumn))
+            : sql.arg(QStringLiteral("\"id\""), zqQuoted(forward.destination->tableName),
+                      zqQuoted(forward.inverse->columnName)));
     QList<qint64> keys;
     select.bind(0, object->m_key);
     while (select.next()) {
         keys.append(select.int64(0));
     }
     if (select.failed()) {
-        ++failedReads;
-        const ZQError failure = storeError();
-        if (failure.code != int(ZQStoreError::Cancelled)) {
-            qCWarning(zqLogStore, "reading the list \"%s\" failed: %s", qUtf8Printable(forward.name),
-                      qUtf8Printable(failure.localizedDescription()));
-        }
+        m_store.noteFailedRead(QStringLiteral("the list \"%1\"").arg(forward.name));
         return std::nullopt;
     }
     return keys;
 }
 
-const QList<qint64> &Private::loadedKeys(const ZQManagedObject *object, int index)
+const QList<qint64> &ZQRelationships::loadedKeys(const ZQManagedObject *object, int index)
 {
-    assertThread();
+    m_store.assertThread();
     ToMany &many = list(object, index);
     if (!many.isLoaded) {
         const auto stored = object->m_key > 0 ? storedKeys(object, index) : QList<qint64>();
@@ -201,14 +200,14 @@ const QList<qint64> &Private::loadedKeys(const ZQManagedObject *object, int inde
 }
 
 // The list as it is now: what is stored, and what changed since.
-void Private::takeStoredKeys(const ZQManagedObject *object, int index, const QList<qint64> &stored)
+void ZQRelationships::takeStoredKeys(const ZQManagedObject *object, int index, const QList<qint64> &stored)
 {
     ToMany &many = list(object, index);
     many.keys.clear();
     const QSet<qint64> removed(many.removed.cbegin(), many.removed.cend());
-    const Root &destination = rootOf(relationship(object, index).destination);
+    const ZQRowCache::Root &destination = m_rows.rootOf(relationship(object, index).destination);
     for (const qint64 key : stored) {
-        const ZQManagedObject *other = deleted.isEmpty() ? nullptr : destination.objects.value(key);
+        const ZQManagedObject *other = m_changes.deleted().isEmpty() ? nullptr : destination.objects.value(key);
         if (!removed.contains(key) && !(other && other->m_isDeleted)) {
             many.keys.append(key);
         }
@@ -223,10 +222,48 @@ void Private::takeStoredKeys(const ZQManagedObject *object, int index, const QLi
     many.isLoaded = true;
 }
 
-QList<ZQRef<ZQManagedObject>> Private::related(const ZQManagedObject *object, int index)
+bool ZQRelationships::storedKeysOf(const ZQRelationshipDescription &forward, const QList<qint64> &owners,
+                                   QHash<qint64, QList<qint64>> &stored)
+{
+    const bool isJoined = forward.isManyToMany();
+    const QString own = zqQuoted(isJoined ? forward.joinOwnColumn : forward.inverse->columnName);
+    const QString other = isJoined ? zqQuoted(forward.joinOtherColumn) : QStringLiteral("\"id\"");
+    ZQSQLiteStatement select = m_store.prepare(
+        QStringLiteral("SELECT %1, %2 FROM %3 WHERE %1 IN (SELECT value FROM json_each(?)) ORDER BY %1, %2")
+            .arg(own, other, zqQuoted(isJoined ? forward.joinTable : forward.destination->tableName)));
+    const QString keys = zqKeysAsJSON(owners);
+    select.bind(0, keys);
+    while (select.next()) {
+        stored[select.int64(0)].append(select.int64(1));
+    }
+    if (select.failed()) {
+        m_store.noteFailedRead(QStringLiteral("the lists \"%1\"").arg(forward.name));
+        return false;
+    }
+    return true;
+}
+
+void ZQRelationships::loadLists(const QList<Object> &objects, int index)
+{
+    QHash<qint64, const ZQManagedObject *> waiting;
+    for (const Object &object : objects) {
+        if (!list(object.get(), index).isLoaded && object->m_key > 0) {
+            waiting.insert(object->m_key, object.get());
+        }
+    }
+    QHash<qint64, QList<qint64>> stored;
+    // Where that fails, each is read when it is asked for.
+    if (!waiting.isEmpty() && storedKeysOf(relationship(objects.first().get(), index), waiting.keys(), stored)) {
+        for (auto entry = waiting.cbegin(); entry != waiting.cend(); ++entry) {
+            takeStoredKeys(entry.value(), index, stored.value(entry.key()));
+        }
+    }
+}
+
+QList<ZQRef<ZQManagedObject>> ZQRelationships::related(const ZQManagedObject *object, int index)
 {
     const QList<qint64> keys = loadedKeys(object, index);
-    Root &root = rootOf(relationship(object, index).destination);
+    ZQRowCache::Root &root = m_rows.rootOf(relationship(object, index).destination);
     QList<qint64> missing;
     for (const qint64 key : keys) {
         const ZQManagedObject *other = root.objects.value(key);
@@ -235,8 +272,8 @@ QList<ZQRef<ZQManagedObject>> Private::related(const ZQManagedObject *object, in
         }
     }
     QHash<qint64, Object> read; // keeps the new ones alive until they are in the answer
-    selectRows(root, missing, [&](ZQSQLiteStatement &row) {
-        if (const Object other = objectFromRow(row, root)) {
+    m_rows.selectRows(root, missing, [&](ZQSQLiteStatement &row) {
+        if (const Object other = m_rows.objectFromRow(row, root)) {
             read.insert(other->m_key, other);
         }
     });
@@ -248,84 +285,4 @@ QList<ZQRef<ZQManagedObject>> Private::related(const ZQManagedObject *object, in
         }
     }
     return objects;
-}
-
-// Cascades are a list of work rather than a recursion: a tree may be deep.
-void Private::deleteWithRules(ZQManagedObject *object)
-{
-    QList<Object> work{Object(object)};
-    while (!work.isEmpty()) {
-        const Object next = work.takeLast();
-        if (next->m_context == q && !next->m_isDeleted) {
-            deleteOne(next.get(), work);
-        }
-    }
-}
-
-void Private::deleteOne(ZQManagedObject *object, QList<Object> &cascade)
-{
-    object->willAccess();
-    object->m_isDeleted = true;
-    for (size_t i = 0; i < object->m_entity->relationships.size(); ++i) {
-        releaseTargets(object, int(i), cascade);
-    }
-    const ZQObjectID id = object->objectID();
-    newlyUpdated.remove(id);
-    if (object->m_isInserted) {
-        newlyInserted.remove(id);
-        if (announcedTemporary.remove(id)) {
-            newlyDeleted.add(id);
-        }
-        const Object kept(object);
-        inserted.remove(object);
-        orphan(object);
-    } else {
-        newlyDeleted.add(id);
-        deleted.add(object);
-        updated.remove(object);
-    }
-}
-
-void Private::releaseTargets(ZQManagedObject *object, int index, QList<Object> &cascade)
-{
-    const ZQRelationshipDescription &forward = relationship(object, index);
-    const int inverse = object->m_plan->inverses[size_t(index)];
-    if (forward.deleteRule == ZQDeleteRule::Deny) {
-        return; // looked at when saving: the targets may be deleted by then
-    }
-    if (forward.toMany) {
-        if (forward.deleteRule == ZQDeleteRule::Cascade) {
-            cascade += related(object, index);
-        } else if (!forward.inverse->toMany) {
-            for (const Object &target : related(object, index)) {
-                writeToOne(target.get(), inverse, 0);
-            }
-            return;
-        }
-        if (forward.inverse->toMany) {
-            // The store removes the pairs with the row; only what is in memory has to follow.
-            for (const qint64 key : QList<qint64>(loadedKeys(object, index))) {
-                if (ZQManagedObject *target = held(forward.destination, key)) {
-                    listRemove(target, inverse, object->m_key);
-                }
-            }
-        }
-        return;
-    }
-    const qint64 key = toOneKey(object, index);
-    const bool needsTarget = forward.deleteRule == ZQDeleteRule::Cascade || !forward.inverse->toMany;
-    const Object target = key == 0      ? Object()
-                          : needsTarget ? objectForKey(forward.destination, key)
-                                        : Object(held(forward.destination, key));
-    if (!target || target->m_isDeleted) {
-        return;
-    }
-    if (forward.inverse->toMany) {
-        listRemove(target.get(), inverse, object->m_key);
-    } else {
-        writeToOne(target.get(), inverse, 0);
-    }
-    if (forward.deleteRule == ZQDeleteRule::Cascade) {
-        cascade.append(target);
-    }
 }
