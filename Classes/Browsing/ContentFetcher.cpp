@@ -3,13 +3,13 @@
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <deque>
-#include <mutex>
+#include <optional>
 #include <thread>
 
 struct ContentFetcher::Ticket::State
@@ -28,26 +28,29 @@ struct ContentFetcher::Private
         Ticket::Work work;
     };
     std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
-    mutable std::mutex lock;
-    std::condition_variable wake;
-    std::deque<Job> waiting;
-    quint64 next = 0;
-    int unanswered = 0;
-    bool stopping = false;
-    std::shared_ptr<Ticket::State> runningTicket;
-    std::shared_ptr<ZQCancellation> running; // null while nothing runs
+    mutable ZQMutex lock;
+    ZQCondition wake;
+    std::deque<Job> waiting ZQ_GUARDED_BY(lock);
+    quint64 next ZQ_GUARDED_BY(lock) = 0;
+    int unanswered ZQ_GUARDED_BY(lock) = 0;
+    bool stopping ZQ_GUARDED_BY(lock) = false;
+    std::shared_ptr<Ticket::State> runningTicket ZQ_GUARDED_BY(lock);
+    std::shared_ptr<ZQCancellation> running ZQ_GUARDED_BY(lock); // null while nothing runs
     std::thread thread;
 
     void add(Job job);
     void end(const std::shared_ptr<Ticket::State> &ticket);
-    void dropWaiting(const std::shared_ptr<Ticket::State> &ticket);
+    void dropWaiting(const std::shared_ptr<Ticket::State> &ticket) ZQ_REQUIRES(lock);
+    Job takeFirst() ZQ_REQUIRES(lock);
+    // Waits for one; nothing when the fetcher ends.
+    std::optional<Job> take(std::shared_ptr<ZQCancellation> &cancellation);
     void run(ContentFetcher *owner);
     void perform(ContentFetcher *owner, ZQManagedObjectContext &context, const Job &job,
                  const std::shared_ptr<ZQCancellation> &cancellation);
     bool putBack(const Job &job); // false for one that is not wanted any more
     bool isLatest(const Job &job) const
     {
-        const std::lock_guard guard(lock);
+        const ZQLockGuard guard(lock);
         return job.ticket->latest == job.number;
     }
 };
@@ -62,13 +65,13 @@ ContentFetcher::ContentFetcher(std::shared_ptr<ZQPersistentStoreCoordinator> coo
 ContentFetcher::~ContentFetcher()
 {
     {
-        const std::lock_guard guard(d->lock);
+        const ZQLockGuard guard(d->lock);
         d->stopping = true;
         if (d->running) {
             d->running->cancel();
         }
     }
-    d->wake.notify_all();
+    d->wake.notifyAll();
     d->thread.join();
 }
 
@@ -88,7 +91,7 @@ void ContentFetcher::Private::dropWaiting(const std::shared_ptr<Ticket::State> &
 
 void ContentFetcher::Private::end(const std::shared_ptr<Ticket::State> &ticket)
 {
-    const std::lock_guard guard(lock);
+    const ZQLockGuard guard(lock);
     ticket->latest = 0;
     dropWaiting(ticket);
     if (running && runningTicket == ticket) {
@@ -98,7 +101,7 @@ void ContentFetcher::Private::end(const std::shared_ptr<Ticket::State> &ticket)
 
 void ContentFetcher::Private::add(Job job)
 {
-    const std::lock_guard guard(lock);
+    const ZQLockGuard guard(lock);
     job.number = ++next;
     job.ticket->latest = job.number;
     dropWaiting(job.ticket);
@@ -107,36 +110,48 @@ void ContentFetcher::Private::add(Job job)
         running->cancel();
     }
     waiting.push_back(std::move(job));
-    wake.notify_one();
+    wake.notifyOne();
+}
+
+ContentFetcher::Private::Job ContentFetcher::Private::takeFirst()
+{
+    const auto first = std::min_element(waiting.begin(), waiting.end(), [](const Job &a, const Job &b) {
+        return a.ticket->priority < b.ticket->priority;
+    });
+    Job job = std::move(*first);
+    waiting.erase(first);
+    return job;
+}
+
+std::optional<ContentFetcher::Private::Job> ContentFetcher::Private::take(std::shared_ptr<ZQCancellation> &cancellation)
+{
+    const ZQLockGuard guard(lock);
+    while (!stopping && waiting.empty()) {
+        wake.wait(lock);
+    }
+    if (stopping) {
+        return std::nullopt;
+    }
+    Job job = takeFirst();
+    running = cancellation = std::make_shared<ZQCancellation>();
+    runningTicket = job.ticket;
+    return job;
 }
 
 void ContentFetcher::Private::run(ContentFetcher *owner)
 {
     ZQManagedObjectContext context(coordinator);
     context.setFetchesAreCancellable(true);
-    while (true) {
-        std::unique_lock guard(lock);
-        wake.wait(guard, [this] { return stopping || !waiting.empty(); });
-        if (stopping) {
-            return;
-        }
-        const auto first = std::min_element(waiting.begin(), waiting.end(), [](const Job &a, const Job &b) {
-            return a.ticket->priority < b.ticket->priority;
-        });
-        const Job job = std::move(*first);
-        waiting.erase(first);
-        const auto cancellation = std::make_shared<ZQCancellation>();
-        running = cancellation;
-        runningTicket = job.ticket;
-        guard.unlock();
-        perform(owner, context, job, cancellation);
+    std::shared_ptr<ZQCancellation> cancellation;
+    while (const auto job = take(cancellation)) {
+        perform(owner, context, *job, cancellation);
         context.reset();
     }
 }
 
 bool ContentFetcher::Private::putBack(const Job &job)
 {
-    const std::lock_guard guard(lock);
+    const ZQLockGuard guard(lock);
     if (stopping || job.ticket->latest != job.number) {
         return false;
     }
@@ -153,7 +168,7 @@ void ContentFetcher::Private::perform(ContentFetcher *owner, ZQManagedObjectCont
         answer = job.work(context, [&] { return isLatest(job) && !cancellation->isCancelled(); });
     }
     {
-        const std::lock_guard guard(lock);
+        const ZQLockGuard guard(lock);
         running.reset();
         runningTicket.reset();
     }
@@ -168,7 +183,7 @@ void ContentFetcher::Private::perform(ContentFetcher *owner, ZQManagedObjectCont
         [owner, job, answer = std::move(answer)] {
             const bool isCurrent = owner->d->isLatest(job);
             {
-                const std::lock_guard guard(owner->d->lock);
+                const ZQLockGuard guard(owner->d->lock);
                 --owner->d->unanswered;
             }
             if (isCurrent && answer) {
@@ -245,7 +260,7 @@ std::optional<ZQRelatedIDs> ContentFetcher::rows(const ZQFetchRequest &request, 
 
 bool ContentFetcher::isIdle() const
 {
-    const std::lock_guard guard(d->lock);
+    const ZQLockGuard guard(d->lock);
     return d->unanswered == 0;
 }
 

@@ -3,12 +3,12 @@
 #include "Classes/Editing/EditStep.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <algorithm>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -28,7 +28,7 @@ struct Announced
     {
         if (!isDone) {
             static auto *const kept = new Kept;
-            const std::lock_guard guard(kept->lock);
+            const ZQLockGuard guard(kept->lock);
             kept->files.push_back(std::move(files));
         }
     }
@@ -36,8 +36,8 @@ struct Announced
 private:
     struct Kept
     {
-        std::mutex lock;
-        std::vector<std::vector<std::shared_ptr<void>>> files;
+        ZQMutex lock;
+        std::vector<std::vector<std::shared_ptr<void>>> files ZQ_GUARDED_BY(lock);
     };
 };
 

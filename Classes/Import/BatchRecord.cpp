@@ -12,7 +12,7 @@ void BatchRecord::beginProgress(UserInteraction &user, qsizetype fileCount, cons
             running->cancel();
         }
     });
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_lastProgress = std::chrono::steady_clock::now();
 }
 
@@ -24,7 +24,7 @@ void BatchRecord::endProgress()
 void BatchRecord::fileDidDrop(const DroppedFile &file)
 {
     if (file.telling != DroppedFile::Telling::InWindowIncomplete) {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         if (m_droppedPaths.contains(file.path)) {
             return;
         }
@@ -42,13 +42,13 @@ void BatchRecord::dropAll(const QStringList &paths, const QString &reason)
 
 void BatchRecord::archiveDidUnfold(const UnfoldedArchive &archive)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_unfoldedArchives.append(archive);
 }
 
 QList<UnfoldedArchive> BatchRecord::takeUnfoldedArchives()
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return std::exchange(m_unfoldedArchives, {});
 }
 
@@ -58,7 +58,7 @@ void BatchRecord::fileDidFinish()
     constexpr std::chrono::milliseconds interval(60);
     int amount = 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         ++m_unreportedProgress;
         const auto now = std::chrono::steady_clock::now();
         if (now - m_lastProgress < interval) {
@@ -74,13 +74,13 @@ void BatchRecord::fileDidFinish()
 
 QString BatchRecord::refusal() const
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return m_refusal;
 }
 
 void BatchRecord::setRefusal(const QString &reason)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (m_refusal.isEmpty()) {
         m_refusal = reason;
     }

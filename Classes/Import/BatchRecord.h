@@ -2,6 +2,7 @@
 
 #include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/ImportReport.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QList>
 #include <QSet>
@@ -9,7 +10,6 @@
 
 #include <chrono>
 #include <memory>
-#include <mutex>
 
 class UserInteraction;
 class UserProgress;
@@ -38,10 +38,10 @@ public:
 private:
     ImportReport m_report;
     std::shared_ptr<UserProgress> m_progress;
-    mutable std::mutex m_mutex;
-    QString m_refusal;
-    QList<UnfoldedArchive> m_unfoldedArchives;
-    QSet<QString> m_droppedPaths;
-    int m_unreportedProgress = 0;
-    std::chrono::steady_clock::time_point m_lastProgress;
+    mutable ZQMutex m_mutex;
+    QString m_refusal ZQ_GUARDED_BY(m_mutex);
+    QList<UnfoldedArchive> m_unfoldedArchives ZQ_GUARDED_BY(m_mutex);
+    QSet<QString> m_droppedPaths ZQ_GUARDED_BY(m_mutex);
+    int m_unreportedProgress ZQ_GUARDED_BY(m_mutex) = 0;
+    std::chrono::steady_clock::time_point m_lastProgress ZQ_GUARDED_BY(m_mutex);
 };

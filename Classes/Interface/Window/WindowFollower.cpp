@@ -18,9 +18,8 @@ constexpr auto editDelay = 250ms; // between two looks at what an edit of many i
 bool touchesSidebar(const QList<ZQObjectID> &ids)
 {
     const QString sidebarEntity = ZQSidebarBaseItem::entityName();
-    return std::any_of(ids.begin(), ids.end(), [&](const ZQObjectID &id) {
-        return id.rootEntity() && id.rootEntity()->name == sidebarEntity;
-    });
+    return std::any_of(ids.begin(), ids.end(),
+                       [&](const ZQObjectID &id) { return id.rootEntity() && id.rootEntity()->name == sidebarEntity; });
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "Classes/Interface/Sheets/QuestionSheets.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQNotificationBubble.h"
 #include "Kit/Widgets/ZQProgressLine.h"
@@ -18,7 +19,6 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
-#include <mutex>
 
 namespace {
 
@@ -37,7 +37,7 @@ public:
     void setMaximum(double maximum) override
     {
         {
-            const std::lock_guard guard(m_lock);
+            const ZQLockGuard guard(m_lock);
             m_maximum = maximum;
         }
         show();
@@ -45,7 +45,7 @@ public:
     void advanceBy(double amount) override
     {
         {
-            const std::lock_guard guard(m_lock);
+            const ZQLockGuard guard(m_lock);
             m_value += amount;
         }
         show();
@@ -53,7 +53,7 @@ public:
     void setText(const QString &text) override
     {
         {
-            const std::lock_guard guard(m_lock);
+            const ZQLockGuard guard(m_lock);
             m_text = text;
         }
         show();
@@ -79,17 +79,17 @@ private:
     }
     void apply()
     {
-        const std::lock_guard guard(m_lock);
+        const ZQLockGuard guard(m_lock);
         if (m_line) {
             m_line->setText(m_text);
             m_line->setFraction(m_maximum > 0 ? m_value / m_maximum : -1);
         }
     }
 
-    std::mutex m_lock;
-    double m_maximum;
-    double m_value = 0;
-    QString m_text;
+    ZQMutex m_lock;
+    double m_maximum ZQ_GUARDED_BY(m_lock);
+    double m_value ZQ_GUARDED_BY(m_lock) = 0;
+    QString m_text ZQ_GUARDED_BY(m_lock);
     std::atomic<bool> m_isPending = false;
     QPointer<ZQProgressLine> m_line;
 };

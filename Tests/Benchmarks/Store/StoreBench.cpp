@@ -20,6 +20,7 @@
 #include "Tests/Support/ScriptedUser.h"
 #include "Tests/Support/StoreLibrary.h"
 
+#include <QUndoStack>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
