@@ -2,6 +2,7 @@
 #include "Classes/Import/TemporaryFolder.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/DirectoriesLeft.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
@@ -19,7 +20,6 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -153,40 +153,6 @@ void AImportManager::stopAllOperation()
 }
 
 namespace {
-
-// Item directories that gave no item are read again only when they, or the program, have changed.
-class DirectoriesLeft
-{
-public:
-    explicit DirectoriesLeft(const QString &library)
-        : m_library(library + u'/'), m_marks(ZQUserDefaults::standardUserDefaults().objectForKey(key).toStringList())
-    {
-    }
-    bool contains(const QString &name) const { return m_marks.contains(mark(name)); }
-    void add(const QStringList &names)
-    {
-        m_marks.removeIf([this](const QString &mark) {
-            return mark.startsWith(m_library) && !QFileInfo::exists(mark.section(u'\n', 0, 0));
-        });
-        for (const QString &name : names) {
-            m_marks.append(mark(name));
-        }
-        ZQUserDefaults::standardUserDefaults().setObjectForKey(m_marks, key);
-    }
-
-private:
-    static inline const QString key = QStringLiteral("DirectoriesNotTakenBack");
-
-    QString mark(const QString &name) const
-    {
-        const QString path = m_library + name;
-        const auto changed = QFileInfo(path).lastModified().toMSecsSinceEpoch();
-        return QStringList{path, QString::number(changed), QCoreApplication::applicationVersion()}.join(u'\n');
-    }
-
-    const QString m_library;
-    QStringList m_marks;
-};
 
 void tellOfDirectoriesLeft(const QStringList &names, const QString &library)
 {

@@ -1,5 +1,6 @@
 #include "Classes/Import/ArchiveImportOperation.h"
 
+#include "Classes/Import/ImportBatch.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/TemporaryFolder.h"

@@ -2,22 +2,20 @@
 
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Import/ColorFinder.h"
+#include "Classes/Import/ImportBatch.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
-#include "Classes/Import/ThumbGenerator.h"
+#include "Classes/Import/ImportedFile.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Imaging/ZQImageDestination.h"
-#include "Kit/Imaging/ZQImageSource.h"
-#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModelFetch.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,7 +23,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
 
 namespace {
 
@@ -41,22 +38,6 @@ QDateTime dateFromMilliseconds(qint64 milliseconds)
 }
 
 } // namespace
-
-ImportSettings ImportSettings::current()
-{
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    const auto integer = [&defaults](const char *key) {
-        return int(std::clamp<qint64>(defaults.integerForKey(QLatin1String(key)), 0, std::numeric_limits<int>::max()));
-    };
-    return {
-        .useAutoTagging = defaults.boolForKey(QStringLiteral("UseAutoTagging")),
-        .importIPTCTags = defaults.boolForKey(QStringLiteral("ImportIPTCTags")),
-        .importOpenMetaTags = defaults.boolForKey(QStringLiteral("ImportOpenMetaTags")),
-        .iconTagSize = integer("IconTagSize"),
-        .smallTagSize = integer("SmallTagSize"),
-        .mediumTagSize = integer("MediumTagSize"),
-    };
-}
 
 BaseImportOperation::BaseImportOperation(const QString &filePath)
     : m_fileData(QVariantMap{{QStringLiteral("tags"), QStringList()}}), m_sourcePath(filePath), m_filePath(filePath),
@@ -108,8 +89,7 @@ void BaseImportOperation::finish()
     } else {
         removeItemBundle();
     }
-    m_representationBitmap = {};
-    m_thumbnail = {};
+    m_picture.release();
     tellBatchOfEnd();
 }
 
@@ -171,9 +151,9 @@ void BaseImportOperation::tell(const QString &reason, DroppedFile::Telling telli
 }
 
 // The item stays: what is there of the picture may be all that a person has of it.
-void BaseImportOperation::tellIfIncomplete(const ZQBitmap &bitmap)
+void BaseImportOperation::tellIfIncomplete()
 {
-    if (bitmap.isIncomplete()) {
+    if (m_picture.isIncomplete()) {
         tell(zqLocalized("It is incomplete: only a part of it can be drawn. Import it again from where it came."),
              DroppedFile::Telling::InWindowIncomplete);
     }
@@ -354,30 +334,16 @@ bool BaseImportOperation::writeRepresentationBitmap(const ZQBitmap &bitmap, cons
         return false;
     }
     ZQError writeError;
-    if (!ZQImageDestination::writePNG(
-            bitmap, m_libraryItemBundlePath + u'/' + ZQLibraryBaseItem::representationBitmapName, &writeError)) {
+    if (!m_picture.writeRepresentation(bitmap, m_libraryItemBundlePath, &writeError)) {
         dropForError(writeError);
         return false;
     }
-    m_representationBitmap = bitmap;
     return true;
-}
-
-void BaseImportOperation::drawThumbnail(std::optional<ZQImageProperties> *properties)
-{
-    m_isDrawn = true;
-    m_showsFileItself = ImportQueries::canSkipThumbForPath(m_filePath);
-    // Views will decode the file again and again: one that cannot be decoded is told now. The colours come from this.
-    m_thumbnail = m_showsFileItself ? ZQImageSource::thumbnailOfFile(m_filePath, ColorFinder::decodedSize, &m_drawError,
-                                                                     0, properties)
-                                    : ThumbGenerator::newThumbForImageURL(m_filePath, properties, &m_drawError);
 }
 
 std::optional<ZQImageProperties> BaseImportOperation::readPicture()
 {
-    std::optional<ZQImageProperties> properties;
-    drawThumbnail(&properties);
-    return properties;
+    return m_picture.drawWithProperties(m_filePath);
 }
 
 void BaseImportOperation::createThumbForItem()
@@ -386,18 +352,14 @@ void BaseImportOperation::createThumbForItem()
     if (!m_fileData) {
         return;
     }
-    if (!m_isDrawn) {
-        drawThumbnail(nullptr);
-    }
-    ZQError error = m_drawError;
-    if (!m_showsFileItself && !m_thumbnail.isNull()) {
-        m_thumbnailPath = ThumbGenerator::writeThumb(m_thumbnail, m_filePath, m_libraryItemBundlePath, &error);
-    }
-    tellIfIncomplete(m_representationBitmap.isNull() ? m_thumbnail : m_representationBitmap);
-    if (m_showsFileItself && !m_thumbnail.isNull()) {
+    ZQError error;
+    m_picture.finish(m_filePath, m_libraryItemBundlePath, &error);
+    tellIfIncomplete();
+    if (m_picture.isShownByItself()) {
         return;
     }
-    if (m_thumbnailPath.isEmpty()) {
+    const QString thumbName = m_picture.thumbnailName();
+    if (thumbName.isEmpty()) {
         qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("can't create thumb for %@"), {m_filePath});
         drop(error.isNull()
                  ? zqLocalized("No picture can be made of it. Open it in another program to see whether it is damaged.")
@@ -405,7 +367,7 @@ void BaseImportOperation::createThumbForItem()
     } else if (isFullDisk(error)) {
         dropForError(error);
     } else {
-        m_fileData->insert(QStringLiteral("thumbName"), QFileInfo(m_thumbnailPath).fileName());
+        m_fileData->insert(QStringLiteral("thumbName"), thumbName);
     }
 }
 
@@ -429,6 +391,31 @@ void BaseImportOperation::addTags(const QStringList &tags)
         }
     }
     m_fileData->insert(QStringLiteral("tags"), all);
+}
+
+void BaseImportOperation::setPixelSize(QSize size)
+{
+    m_fileData->insert({{QStringLiteral("pixelWidth"), size.width()}, {QStringLiteral("pixelHeight"), size.height()}});
+}
+
+bool BaseImportOperation::addSizeTag()
+{
+    const int width = m_fileData->value(QStringLiteral("pixelWidth")).toInt();
+    const int height = m_fileData->value(QStringLiteral("pixelHeight")).toInt();
+    if (width <= 0 || height <= 0) {
+        return false;
+    }
+    if (settings().useAutoTagging) {
+        addTags({zqLocalized(settings().sizeTag(width, height))});
+    }
+    return true;
+}
+
+void BaseImportOperation::addVectorTag()
+{
+    if (settings().useAutoTagging) {
+        addTags({zqLocalized("vector")});
+    }
 }
 
 void BaseImportOperation::importIPTCTags()
@@ -465,13 +452,7 @@ void BaseImportOperation::importOpenMetaNotes()
 
 QStringList BaseImportOperation::findColors()
 {
-    if (m_thumbnailPath.isEmpty()) {
-        return m_thumbnail.isNull() ? ColorFinder::colorsForImageURL(m_filePath)
-                                    : ColorFinder::colorsForBitmap(m_thumbnail);
-    }
-    // A PNG thumbnail holds the very pixels that were made; those of a JPEG are known only after reading it back.
-    const bool isExact = m_thumbnailPath.endsWith(QStringLiteral(".png")) && !m_thumbnail.isNull();
-    return isExact ? ColorFinder::colorsForBitmap(m_thumbnail) : ColorFinder::colorsForImageURL(m_thumbnailPath);
+    return m_picture.colors(m_filePath);
 }
 
 void BaseImportOperation::fillColors()

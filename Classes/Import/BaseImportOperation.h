@@ -2,42 +2,19 @@
 
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImportSettings.h"
-#include "Classes/Import/UnfoldedArchive.h"
+#include "Classes/Import/ItemPicture.h"
 #include "Kit/Files/ZQFileCopy.h"
-#include "Kit/Imaging/ZQBitmap.h"
-#include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQOperation.h"
+#include "Kit/Persistence/ZQObjectID.h"
 
 #include <QDateTime>
+#include <QSize>
 #include <QVariantMap>
 
 #include <optional>
 
-// What one file gave. `fileData` holds attribute values of the item to be, by attribute name, and besides "itemClass"
-// and "tags".
-struct ImportedFile
-{
-    QVariantMap fileData; // empty: nothing came of the file
-    QString sourcePath;   // what was asked for
-    QString filePath;     // where the item's file is
-    // What is to be removed once the item is saved, and when it had last been written (milliseconds since 1970 UTC).
-    // Empty: nothing, the file was copied.
-    QString movedPath;
-    qint64 movedModification = 0;
-};
-
-// Whom a file's operation reports to. Any thread.
-class ImportBatch
-{
-public:
-    virtual ~ImportBatch() = default;
-    virtual void fileDidDrop(const DroppedFile &file) = 0;
-    virtual void fileDidFinish() = 0;
-    // Why no further file can be taken (a full disk); empty as long as there is no reason.
-    virtual QString refusal() const = 0;
-    virtual void setRefusal(const QString &reason) = 0;
-    virtual void archiveDidUnfold(const UnfoldedArchive &archive) = 0;
-};
+class ImportBatch;
+struct ImportedFile;
 
 // Brings one file into the library: copies it into an item directory of its own and collects what the item will say.
 // Touches no store. A file that fails is reported to the batch and leaves nothing behind. Kinds override the steps.
@@ -92,13 +69,15 @@ protected:
     void fillWebURLAsNotes();
 
     void addTags(const QStringList &tags);
+    void setPixelSize(QSize size);
+    bool addSizeTag(); // for the pixel size, if the person wants it; false when that is not known
+    void addVectorTag();
     // Adds to the report without ending this file's import.
     void tell(const QString &reason, DroppedFile::Telling telling);
     void tellBatchOfEnd();
     // Ends this file's import.
     void drop(const QString &reason);
     void dropForError(const ZQError &error);
-    void tellIfIncomplete(const ZQBitmap &bitmap);
     // Writes "___itemBitmap.png" and keeps the bitmap for the thumbnail. False when that dropped the file.
     bool writeRepresentationBitmap(const ZQBitmap &bitmap, const char *invalidMessage, const ZQError &error);
 
@@ -117,18 +96,13 @@ private:
     bool checkSource();
     bool copyFile();
     void removeItemBundle();
-    void drawThumbnail(std::optional<ZQImageProperties> *properties);
+    void tellIfIncomplete();
 
     QString m_sourcePath;
     QString m_filePath;
     QString m_readPath; // the source, links followed
     QString m_libraryItemBundlePath;
-    QString m_thumbnailPath;
-    ZQBitmap m_representationBitmap;
-    ZQBitmap m_thumbnail;
-    ZQError m_drawError; // why there is no thumbnail, once drawn
-    bool m_isDrawn = false;
-    bool m_showsFileItself = false; // views draw the file: no thumbnail is kept
+    ItemPicture m_picture;
     QVariantMap m_metadata;
     ZQObjectID m_sidebarItem;
     QString m_SHA1;

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQOperation.h"
 
 #include <utility>
 

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "Classes/Import/BaseImportOperation.h"
+#include "Classes/Import/ImportBatch.h"
 #include "Classes/Import/ImportReport.h"
+#include "Classes/Import/UnfoldedArchive.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QList>
@@ -13,6 +14,7 @@
 
 class UserInteraction;
 class UserProgress;
+class ZQOperation;
 
 // What is told of the files of one batch while they are read: those that were dropped, why no further one can be taken,
 // the archives that were unpacked, and how many are through. Any thread, except where stated.

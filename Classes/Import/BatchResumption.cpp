@@ -24,10 +24,10 @@ QString commonFolder(const QStringList &paths)
 
 } // namespace
 
-BatchResumption::BatchResumption(BatchState &batch, const BatchOrigin &origin)
-    : m_batch(batch), m_pending(origin.kind == BatchOrigin::Kind::UnpacksOf ? nullptr : origin.pending),
-      m_requestOfArchive(origin.kind == BatchOrigin::Kind::UnpacksOf ? origin.pending : nullptr),
-      m_isResumed(origin.kind != BatchOrigin::Kind::New),
+BatchResumption::BatchResumption(BatchState &batch, const KeptRequest &kept)
+    : m_batch(batch), m_pending(kept.kind == KeptRequest::Kind::UnpacksOf ? nullptr : kept.pending),
+      m_requestOfArchive(kept.kind == KeptRequest::Kind::UnpacksOf ? kept.pending : nullptr),
+      m_isResumed(kept.kind != KeptRequest::Kind::New),
       m_firstRequest(m_pending ? m_pending->request() : PendingImport())
 {
 }

@@ -9,7 +9,7 @@
 #include <functional>
 
 // How a batch stands to the request that the bundle keeps.
-struct BatchOrigin
+struct KeptRequest
 {
     enum class Kind : quint8 {
         New,      // it was noted just now
@@ -31,7 +31,7 @@ class BatchResumption
 public:
     using Restore = std::function<void(const PendingImportFile::Source &source, ZQLibraryBaseItem &item)>;
 
-    BatchResumption(BatchState &batch, const BatchOrigin &origin);
+    BatchResumption(BatchState &batch, const KeptRequest &kept);
 
     bool goesOn() const { return m_isResumed && m_pending; }
     bool unpacksOf() const { return m_requestOfArchive != nullptr; }

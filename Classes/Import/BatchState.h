@@ -4,6 +4,7 @@
 #include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportSettings.h"
 #include "Classes/Import/ItemInserter.h"
+#include "Kit/Operations/ZQOperation.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 
 #include <QList>

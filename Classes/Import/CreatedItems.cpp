@@ -3,6 +3,7 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Import/BatchResumption.h"
 #include "Classes/Import/ImportErrors.h"
+#include "Classes/Import/ImportedFile.h"
 #include "Classes/Import/MovedSource.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"

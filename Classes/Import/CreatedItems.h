@@ -8,6 +8,7 @@
 #include <vector>
 
 class BatchResumption;
+struct ImportedFile;
 
 // What is kept of an item once a batch made it.
 struct CreatedItem

@@ -1,5 +1,6 @@
 #include "Classes/Import/GroupImport.h"
 
+#include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/CreatedItems.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportQueries.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Import/BatchState.h"
+#include "Classes/Import/ImportedFile.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QDateTime>
@@ -8,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+class BaseImportOperation;
 class CreatedItems;
 
 // Imports the files of one batch, a group after the other: has each file copied and read by an operation of its kind on

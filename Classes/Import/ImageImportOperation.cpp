@@ -54,46 +54,9 @@ void ImageImportOperation::fillMetadata()
     }
 }
 
-void ImageImportOperation::setPixelSize(QSize size)
-{
-    m_fileData->insert({{QStringLiteral("pixelWidth"), size.width()}, {QStringLiteral("pixelHeight"), size.height()}});
-}
-
-QString ImageImportOperation::sizeTag(int width, int height, const ImportSettings &settings)
-{
-    int iconLimit = settings.iconTagSize < 1 ? 32 : settings.iconTagSize;
-    if (settings.mediumTagSize < 1) { // without the larger limits, whatever they bounded counts as an icon
-        iconLimit = 512;
-    } else if (settings.smallTagSize < 1) {
-        iconLimit = 128;
-    }
-    const int longerSide = std::max(width, height);
-    if (longerSide <= iconLimit) {
-        return QStringLiteral("icon");
-    }
-    if (longerSide > settings.smallTagSize) {
-        return longerSide <= settings.mediumTagSize ? QStringLiteral("medium") : QStringLiteral("large");
-    }
-    return QStringLiteral("small");
-}
-
 void ImageImportOperation::fillSize()
 {
-    if (!settings().useAutoTagging) {
-        return;
-    }
-    const int width = m_fileData->value(QStringLiteral("pixelWidth")).toInt();
-    const int height = m_fileData->value(QStringLiteral("pixelHeight")).toInt();
-    if (width > 0 && height > 0) {
-        addTags({zqLocalized(sizeTag(width, height, settings()))});
-    } else if (m_fileData->value(QStringLiteral("extension")) == QStringLiteral("ai")) {
+    if (!addSizeTag() && m_fileData->value(QStringLiteral("extension")) == QStringLiteral("ai")) {
         addVectorTag();
-    }
-}
-
-void ImageImportOperation::addVectorTag()
-{
-    if (settings().useAutoTagging) {
-        addTags({zqLocalized("vector")});
     }
 }

@@ -15,7 +15,7 @@
 
 #include <algorithm>
 
-ImportOperation::ImportOperation(const BatchRequest &request, const BatchOrigin &origin, ImportOwner &owner)
+ImportOperation::ImportOperation(const BatchRequest &request, const KeptRequest &kept, ImportOwner &owner)
     : m_owner(owner), m_batch{.operation = *this,
                               .user = tamberin_AppDelegate::sharedDelegate()->userInteraction(),
                               .settings = ImportSettings::current(),
@@ -23,7 +23,7 @@ ImportOperation::ImportOperation(const BatchRequest &request, const BatchOrigin 
                               .request = request,
                               .originalDropIndex = request.index,
                               .requestedFiles = request.paths},
-      m_resumption(m_batch, origin), m_plan(m_batch, m_resumption), m_items(m_batch, m_resumption)
+      m_resumption(m_batch, kept), m_plan(m_batch, m_resumption), m_items(m_batch, m_resumption)
 {
     if (request.origin) {
         m_batch.record.report().setOrigin(request.origin->root, request.origin->archivePath);

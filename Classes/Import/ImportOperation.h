@@ -24,7 +24,7 @@ class ImportOperation : public ZQOperation
 public:
     static constexpr quint32 appendIndex = ZQSidebarBaseItem::appendIndex;
 
-    ImportOperation(const BatchRequest &request, const BatchOrigin &origin, ImportOwner &owner);
+    ImportOperation(const BatchRequest &request, const KeptRequest &kept, ImportOwner &owner);
     ~ImportOperation() override;
 
     bool hasStarted() const { return m_hasStarted; } // any thread

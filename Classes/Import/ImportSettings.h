@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 // What the person set about imports, read once for a batch.
 struct ImportSettings
 {
@@ -11,4 +13,7 @@ struct ImportSettings
     int mediumTagSize = 0;
 
     static ImportSettings current();
+
+    // "icon", "small", "medium" or "large", for pixels on both sides.
+    QString sizeTag(int width, int height) const;
 };

@@ -1,6 +1,7 @@
 #include "Classes/Import/ImporterForFile.h"
 
 #include "Classes/Import/ArchiveImportOperation.h"
+#include "Classes/Import/ImageImportOperation.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/KindImportOperations.h"

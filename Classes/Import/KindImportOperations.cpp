@@ -54,25 +54,19 @@ void SVGImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ZQPreviewService::previewOfFile(filePath(), previewBox, &error);
-    if (writeRepresentationBitmap(bitmap, "SVG %@ is not a valid image", error)) {
-        setPixelSize(bitmap.size());
-    }
+    keepRepresentation(bitmap, "SVG %@ is not a valid image", error);
 }
 
 void EPSImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(filePath(), &error);
-    if (writeRepresentationBitmap(bitmap, "EPS %@ is not a valid image", error)) {
-        setPixelSize(bitmap.size());
-    }
+    keepRepresentation(bitmap, "EPS %@ is not a valid image", error);
 }
 
 void AcornImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ThumbGenerator::grabAcornBitmapImageRepAtPath(filePath(), &error);
-    if (writeRepresentationBitmap(bitmap, "Acorn %@ is not a valid image", error)) {
-        setPixelSize(bitmap.size());
-    }
+    keepRepresentation(bitmap, "Acorn %@ is not a valid image", error);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Import/ImageImportOperation.h"
+#include "Classes/Import/DocumentImportOperation.h"
 
 // The importers of documents that the image decoder cannot show by itself.
 
@@ -25,47 +25,43 @@ protected:
     void createRepresentationBitmap() override;
 };
 
-class SVGImportOperation : public ImageImportOperation
+class SVGImportOperation : public DocumentImportOperation
 {
 public:
-    using ImageImportOperation::ImageImportOperation;
+    using DocumentImportOperation::DocumentImportOperation;
 
 protected:
     QString itemClass() const override;
-    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
     void fillSize() override { addVectorTag(); }
     void createRepresentationBitmap() override;
 };
 
-class EPSImportOperation : public ImageImportOperation
+class EPSImportOperation : public DocumentImportOperation
 {
 public:
-    using ImageImportOperation::ImageImportOperation;
+    using DocumentImportOperation::DocumentImportOperation;
 
 protected:
     QString itemClass() const override;
-    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
     void createRepresentationBitmap() override;
 };
 
-class AcornImportOperation : public ImageImportOperation
+class AcornImportOperation : public DocumentImportOperation
 {
 public:
-    using ImageImportOperation::ImageImportOperation;
+    using DocumentImportOperation::DocumentImportOperation;
 
 protected:
     QString itemClass() const override;
-    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
     void createRepresentationBitmap() override;
 };
 
-class SketchImportOperation : public ImageImportOperation
+class SketchImportOperation : public DocumentImportOperation
 {
 public:
-    using ImageImportOperation::ImageImportOperation;
+    using DocumentImportOperation::DocumentImportOperation;
 
 protected:
     QString itemClass() const override;
-    void fillMetadata() override { BaseImportOperation::fillMetadata(); }
     void fillSize() override { addVectorTag(); }
 };

@@ -149,7 +149,7 @@ std::shared_ptr<ImportOperation> PendingImports::start(const BatchRequest &reque
         qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
                                          << error.localizedDescription();
     }
-    return queue(request, {.pending = std::move(pending), .kind = BatchOrigin::Kind::New});
+    return queue(request, {.pending = std::move(pending), .kind = KeptRequest::Kind::New});
 }
 
 QStringList PendingImports::cutOff() const
@@ -210,10 +210,10 @@ void PendingImports::didLookThroughLeftovers(const QDateTime &launch) const
     }
 }
 
-std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const BatchOrigin &origin)
+std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const KeptRequest &kept)
 {
-    auto operation = std::make_shared<ImportOperation>(request, origin, m_owner);
-    operation->setCompletionBlock([this, pending = origin.pending, weak = std::weak_ptr(operation)] {
+    auto operation = std::make_shared<ImportOperation>(request, kept, m_owner);
+    operation->setCompletionBlock([this, pending = kept.pending, weak = std::weak_ptr(operation)] {
         // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
         const auto ended = weak.lock();
         if (pending && ended && ended->isCancelled() && !ended->hasStarted() && !keepsCancelled()) {
@@ -249,7 +249,7 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name)
                   .target = target,
                   .index = request.index,
                   .metadata = request.metadata},
-                 {.pending = pending, .kind = isOfArchive ? BatchOrigin::Kind::UnpacksOf : BatchOrigin::Kind::GoesOn});
+                 {.pending = pending, .kind = isOfArchive ? KeptRequest::Kind::UnpacksOf : KeptRequest::Kind::GoesOn});
 }
 
 std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArchive &archive,
@@ -266,7 +266,7 @@ std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArc
                   .index = request.index,
                   .metadata = request.metadata,
                   .origin = archive},
-                 {.pending = pending, .kind = BatchOrigin::Kind::GoesOn});
+                 {.pending = pending, .kind = KeptRequest::Kind::GoesOn});
 }
 
 QList<std::shared_ptr<ImportOperation>> PendingImports::resume(qsizetype *unreadable)

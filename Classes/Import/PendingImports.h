@@ -12,7 +12,7 @@
 class ImportOperation;
 class ImportOwner;
 class PendingImportFile;
-struct BatchOrigin;
+struct KeptRequest;
 struct BatchRequest;
 struct UnfoldedArchive;
 
@@ -51,7 +51,7 @@ public:
 
 private:
     static QString folder();
-    std::shared_ptr<ImportOperation> queue(const BatchRequest &request, const BatchOrigin &origin);
+    std::shared_ptr<ImportOperation> queue(const BatchRequest &request, const KeptRequest &kept);
     std::shared_ptr<ImportOperation> resumeOne(const QString &name);
 
     ImportOwner &m_owner;

@@ -2,9 +2,11 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportOwner.h"
 #include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImporterForFile.h"
 #include "Classes/Import/ItemInserter.h"
 #include "Kit/Files/ZQFileCopy.h"

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "Classes/Import/BaseImportOperation.h"
+#include "Classes/Import/ImportBatch.h"
+#include "Classes/Import/ImportedFile.h"
+#include "Kit/Operations/ZQOperation.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 

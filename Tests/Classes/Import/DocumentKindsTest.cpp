@@ -1,3 +1,4 @@
+#include "Classes/Import/ImportedFile.h"
 #include "Classes/Import/KindImportOperations.h"
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Operations/ZQMainThread.h"

@@ -1,6 +1,6 @@
 #include "Classes/Import/ImportQueries.h"
-#include "Classes/Import/ImageImportOperation.h"
 #include "Classes/Import/ImportKind.h"
+#include "Classes/Import/ImportSettings.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -175,8 +175,7 @@ TEST_F(ImportQueriesTest, SizeTagsFollowTheThreeLimits)
                           {0, 128, 512, 32, 32, "icon"},
                           {0, 128, 512, 33, 33, "small"}}) {
         const ImportSettings settings{.iconTagSize = c.icon, .smallTagSize = c.small, .mediumTagSize = c.medium};
-        EXPECT_EQ(ImageImportOperation::sizeTag(c.width, c.height, settings), QString::fromLatin1(c.tag))
-            << c.width << "x" << c.height;
+        EXPECT_EQ(settings.sizeTag(c.width, c.height), QString::fromLatin1(c.tag)) << c.width << "x" << c.height;
     }
 }
 
