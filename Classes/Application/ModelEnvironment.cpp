@@ -3,7 +3,9 @@
 #include "Classes/Application/FileReferenceRenewal.h"
 #include "Classes/Application/FileTagAdoption.h"
 #include "Classes/Application/LibraryBundleManager.h"
-#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Application/LibraryPlaces.h"
+#include "Classes/Application/LibraryStore.h"
+#include "Classes/Application/RunningParts.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/TagFileJournal.h"
@@ -33,17 +35,12 @@ void storeDidSave(const std::shared_ptr<TagFileJournal> &journal)
 
 } // namespace
 
-ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate)
-    : m_delegate(delegate), m_readings(QStringLiteral("tags of files"), 1)
+ModelEnvironment::ModelEnvironment(RunningParts &running, LibraryPlaces &places, LibraryStore &store)
+    : m_running(running), m_places(places), m_store(store), m_readings(QStringLiteral("tags of files"), 1)
 {
     ZQLibraryEnvironment::setCurrent(this);
-    TagFileWriter::sharedTagFileWriter().setProblemHandler([](const ZQError &error) {
-        zqOnMainThread([error] {
-            if (tamberin_AppDelegate *shared = tamberin_AppDelegate::sharedDelegate()) {
-                shared->userInteraction().presentError(error);
-            }
-        });
-    });
+    TagFileWriter::sharedTagFileWriter().setProblemHandler(
+        [](const ZQError &error) { zqOnMainThread([error] { current().presentError(error); }); });
 }
 
 ModelEnvironment::~ModelEnvironment()
@@ -54,7 +51,7 @@ ModelEnvironment::~ModelEnvironment()
 
 QString ModelEnvironment::libraryDirectory()
 {
-    return m_delegate.libraryDirectory();
+    return m_places.libraryDirectory();
 }
 
 QString ModelEnvironment::libraryPathForFilePath(const QString &path)
@@ -64,14 +61,14 @@ QString ModelEnvironment::libraryPathForFilePath(const QString &path)
 
 void ModelEnvironment::thumbForLibraryItem(ZQLibraryBaseItem *item)
 {
-    if (ImportManaging *manager = m_delegate.importManager()) {
+    if (ImportManaging *manager = m_running.importManager()) {
         manager->thumbForLibraryItem(item);
     }
 }
 
 void ModelEnvironment::presentError(const ZQError &error)
 {
-    zqOnMainThreadAndWait([&] { m_delegate.userInteraction().presentError(error); });
+    zqOnMainThreadAndWait([&] { m_running.userInteraction().presentError(error); });
 }
 
 std::optional<QStringList> ModelEnvironment::userTagsOfFile(const QString &path)
@@ -186,7 +183,7 @@ void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path
                                .library = valuesOf(tags),
                                .takesRating = !tags.rating,
                                .ratingIsMeant = tags.ratingIsMeant,
-                               .isLibrarysOwn = path.startsWith(m_delegate.libraryDirectory() + u'/'),
+                               .isLibrarysOwn = path.startsWith(m_places.libraryDirectory() + u'/'),
                                .isFirst = tags.isFirst,
                                .willTouch = {},
                                .adopt = {},
@@ -222,13 +219,13 @@ std::shared_ptr<void> ModelEnvironment::willWriteTagsOfItems(const QStringList &
 
 void ModelEnvironment::finishInterruptedTagWrites()
 {
-    ZQManagedObjectContext *context = m_delegate.managedObjectContext();
+    ZQManagedObjectContext *context = m_store.managedObjectContext();
     if (m_journal || !context) {
         return;
     }
-    m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
-    m_adoption = std::make_shared<FileTagAdoption>(m_delegate);
-    m_renewal = std::make_shared<FileReferenceRenewal>(m_delegate);
+    m_journal = std::make_shared<TagFileJournal>(m_places.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
+    m_adoption = std::make_shared<FileTagAdoption>(m_store);
+    m_renewal = std::make_shared<FileReferenceRenewal>(m_store);
     m_willSaveObserver = context->observeWillSave([journal = m_journal] { journal->bringToDisk(); });
     m_saveObserver =
         context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { storeDidSave(journal); });

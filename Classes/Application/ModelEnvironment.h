@@ -9,14 +9,16 @@
 
 class FileReferenceRenewal;
 class FileTagAdoption;
+class LibraryPlaces;
+class LibraryStore;
+class RunningParts;
 class TagFileJournal;
-class tamberin_AppDelegate;
 
 // What the entities ask of the running application.
 class ModelEnvironment : public ZQLibraryEnvironment
 {
 public:
-    explicit ModelEnvironment(tamberin_AppDelegate &delegate);
+    ModelEnvironment(RunningParts &running, LibraryPlaces &places, LibraryStore &store);
     ~ModelEnvironment() override;
 
     QString libraryDirectory() override;
@@ -46,7 +48,9 @@ private:
     void queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags,
                       const std::function<QString()> &find = {});
 
-    tamberin_AppDelegate &m_delegate;
+    RunningParts &m_running;
+    LibraryPlaces &m_places;
+    LibraryStore &m_store;
     std::shared_ptr<TagFileJournal> m_journal;
     std::shared_ptr<FileTagAdoption> m_adoption;
     std::shared_ptr<FileReferenceRenewal> m_renewal; // while the store is open

@@ -1,5 +1,6 @@
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/Quit.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
