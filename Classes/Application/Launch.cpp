@@ -2,12 +2,12 @@
 
 #include "Classes/Application/DesktopRequests.h"
 #include "Classes/Application/FixedSidebar.h"
+#include "Classes/Application/ItemTagSync.h"
 #include "Classes/Application/LeftoverCheck.h"
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryMigration.h"
 #include "Classes/Application/LibraryPlaces.h"
 #include "Classes/Application/LibraryStore.h"
-#include "Classes/Application/ModelEnvironment.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/Quit.h"
 #include "Classes/Application/RatingFiller.h"
@@ -49,7 +49,7 @@ void Launch::applicationDidFinishLaunching()
     PreferencesController::registerDefaultPreferences();
     m_uses.running.makeCapture();
     m_uses.running.backgroundQueue().setMaxConcurrentOperationCount(1);
-    m_uses.environment.finishInterruptedTagWrites(); // before live folders are looked at, which take in files' tags
+    m_uses.tags.open(); // before live folders are looked at, which take in files' tags
     if (parts.importManager) {
         parts.importManager->getLiveFolderPermissionFromSandbox();
     }
@@ -110,7 +110,7 @@ bool Launch::openLibraryForCommand(ZQError *error)
     });
     m_uses.sidebar.setupBasicSidebarProjects();
     m_uses.running.backgroundQueue().setMaxConcurrentOperationCount(1);
-    m_uses.environment.finishInterruptedTagWrites();
+    m_uses.tags.open();
     const auto coordinator = store.coordinatorIfOpen();
     const bool isNewStore = coordinator->creationDate() >= m_launchDate;
     if (coordinator->wasUncleanlyClosed() || coordinator->wasRecovered() || isNewStore) {

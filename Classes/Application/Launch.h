@@ -7,11 +7,11 @@
 
 class DesktopRequests;
 class FixedSidebar;
+class ItemTagSync;
 class LeftoverCheck;
 class LibraryMigration;
 class LibraryPlaces;
 class LibraryStore;
-class ModelEnvironment;
 class Quit;
 class RunningParts;
 class StoreWork;
@@ -29,7 +29,7 @@ public:
         LibraryStore &store;
         LibraryMigration &migration;
         FixedSidebar &sidebar;
-        ModelEnvironment &environment;
+        ItemTagSync &tags;
         LeftoverCheck &leftovers;
         StoreWork &storeWork;
         Quit &quit;

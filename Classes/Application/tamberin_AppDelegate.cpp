@@ -3,6 +3,7 @@
 #include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/DesktopRequests.h"
 #include "Classes/Application/FixedSidebar.h"
+#include "Classes/Application/ItemTagSync.h"
 #include "Classes/Application/Launch.h"
 #include "Classes/Application/LeftoverCheck.h"
 #include "Classes/Application/LibraryBundleManager.h"
@@ -33,7 +34,8 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
     m_running = std::make_unique<RunningParts>(std::move(parts));
     m_places = std::make_unique<LibraryPlaces>();
     m_store = std::make_unique<LibraryStore>(*m_places, *m_running);
-    m_environment = std::make_unique<ModelEnvironment>(*m_running, *m_places, *m_store);
+    m_tags = std::make_unique<ItemTagSync>(*m_places, *m_store);
+    m_environment = std::make_unique<ModelEnvironment>(*m_running, *m_places, *m_tags);
     m_migration = std::make_unique<LibraryMigration>(*m_places, *m_store, *m_running);
     m_sidebar = std::make_unique<FixedSidebar>(*m_places, *m_store, *m_running);
     m_removals = std::make_unique<LibraryRemovals>(*m_places, *m_store, this);
@@ -44,8 +46,8 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
     m_switch = std::make_unique<LibrarySwitch>(*m_running, *m_places, *m_store, *m_quit,
                                                [this] { removeManagedObjectContext(); });
     m_requests = std::make_unique<DesktopRequests>(*m_running, *m_places, *m_store, *m_switch);
-    m_launch = std::make_unique<Launch>(Launch::Uses{*m_running, *m_places, *m_store, *m_migration, *m_sidebar,
-                                                     *m_environment, *m_leftovers, *m_storeWork, *m_quit, *m_requests},
+    m_launch = std::make_unique<Launch>(Launch::Uses{*m_running, *m_places, *m_store, *m_migration, *m_sidebar, *m_tags,
+                                                     *m_leftovers, *m_storeWork, *m_quit, *m_requests},
                                         launchDate);
     sharedInstance = this;
     LibraryBundleManager::rememberMadeDirectories(true);
@@ -59,7 +61,7 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     m_running->closeCapture();
     m_storeWork->stop();
     m_running->endBackgroundQueue();
-    m_environment->closeTagFiles();
+    m_tags->close();
     m_store->close();
     waitForRemovals(); // destroying a running process object would kill it half way
     m_removals->dropNotedRemovals();
@@ -167,7 +169,7 @@ ZQManagedObjectContext *tamberin_AppDelegate::managedObjectContext()
 void tamberin_AppDelegate::removeManagedObjectContext()
 {
     m_running->endEdits();
-    m_environment->closeTagFiles(); // the journal lies in the bundle, which is about to move
+    m_tags->close(); // the journal lies in the bundle, which is about to move
     m_storeWork->stop();
     m_store->close();
     m_store->unlock();

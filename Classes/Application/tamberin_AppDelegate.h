@@ -11,6 +11,7 @@
 class DesktopRequests;
 class FixedSidebar;
 class ImportManaging;
+class ItemTagSync;
 class Launch;
 class LeftoverCheck;
 class LibraryMigration;
@@ -135,6 +136,7 @@ private:
     std::unique_ptr<RunningParts> m_running;
     std::unique_ptr<LibraryPlaces> m_places;
     std::unique_ptr<LibraryStore> m_store;
+    std::unique_ptr<ItemTagSync> m_tags;
     std::unique_ptr<ModelEnvironment> m_environment;
     std::unique_ptr<LibraryMigration> m_migration;
     std::unique_ptr<FixedSidebar> m_sidebar;
