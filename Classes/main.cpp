@@ -1,5 +1,6 @@
 // Puts the parts of the application together: a window, or one command.
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/LibraryLocation.h"
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/PreferencesController.h"

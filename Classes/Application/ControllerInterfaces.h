@@ -31,7 +31,6 @@ public:
     virtual void activateIgnoringOtherApps() = 0;
     virtual void selectSidebarItem(const ZQObjectID &item) = 0;
     virtual void newFileFromTemplate() = 0;
-    virtual void cancelEdits() {} // of many items, that run or wait: they end with the batch they are at
     // Keeps the state of, in this order: the content view controller, the current image browser, the current tab state,
     // the window.
     virtual void savePersistentState() = 0;

@@ -1,6 +1,6 @@
 #include "Classes/Application/FileReferenceRenewal.h"
 
-#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Application/LibraryStore.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -48,7 +48,7 @@ void FileReferenceRenewal::apply()
 {
     const QList<Found> batch = m_found.mid(0, atATime);
     m_found.remove(0, batch.size());
-    ZQManagedObjectContext *const context = m_delegate.managedObjectContext();
+    ZQManagedObjectContext *const context = m_store.managedObjectContext();
     if (!context) {
         for (const Found &found : batch) {
             zqTellPersistentURLAgain(found.reference);

@@ -8,9 +8,9 @@
 
 #include <memory>
 
+class LibraryStore;
 class ZQLibraryBaseItem;
 class ZQManagedObjectContext;
-class tamberin_AppDelegate;
 
 // Brings into the store where files of unmanaged items were found, many at a save: with a folder all its files move.
 // Each file gets its item's tags, which could not be written while it was missing. An item that cannot be read now is
@@ -25,7 +25,7 @@ public:
         QByteArray renewed;   // empty when the file is gone again
     };
 
-    explicit FileReferenceRenewal(tamberin_AppDelegate &delegate) : m_delegate(delegate) {}
+    explicit FileReferenceRenewal(LibraryStore &store) : m_store(store) {}
     void add(const Found &found);
 
 private:
@@ -33,6 +33,6 @@ private:
     void apply();
     QList<ZQRef<ZQLibraryBaseItem>> renew(const QList<Found> &batch, ZQManagedObjectContext &context);
 
-    tamberin_AppDelegate &m_delegate;
+    LibraryStore &m_store;
     QList<Found> m_found;
 };

@@ -1,6 +1,6 @@
 #include "Classes/Application/FileTagAdoption.h"
 
-#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Application/LibraryStore.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -50,7 +50,7 @@ bool FileTagAdoption::apply()
         const std::lock_guard lock(m_mutex);
         changes.swap(m_changes);
     }
-    ZQManagedObjectContext *const context = changes.isEmpty() ? nullptr : m_delegate.managedObjectContext();
+    ZQManagedObjectContext *const context = changes.isEmpty() ? nullptr : m_store.managedObjectContext();
     if (!context) {
         return false;
     }

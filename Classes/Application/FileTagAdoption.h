@@ -8,8 +8,8 @@
 #include <memory>
 #include <mutex>
 
+class LibraryStore;
 class ZQLibraryBaseItem;
-class tamberin_AppDelegate;
 
 // Brings what other programs changed in items' files into the store: many changes with one save, on the main thread,
 // and announced item by item. Each item is written to its file again, which confirms what was taken in; a change that
@@ -17,7 +17,7 @@ class tamberin_AppDelegate;
 class FileTagAdoption : public std::enable_shared_from_this<FileTagAdoption>
 {
 public:
-    explicit FileTagAdoption(tamberin_AppDelegate &delegate) : m_delegate(delegate) {}
+    explicit FileTagAdoption(LibraryStore &store) : m_store(store) {}
 
     // Any thread. A change of nothing only has the item written to its file.
     void add(const QString &bundleID, const FileTagsChange &change);
@@ -28,7 +28,7 @@ public:
 private:
     static bool applyTo(ZQLibraryBaseItem &item, const FileTagsChange &change);
 
-    tamberin_AppDelegate &m_delegate;
+    LibraryStore &m_store;
     std::mutex m_mutex;
     QHash<QString, QList<FileTagsChange>> m_changes; // by the item's bundleID
 };

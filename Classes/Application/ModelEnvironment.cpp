@@ -1,49 +1,23 @@
 #include "Classes/Application/ModelEnvironment.h"
 
-#include "Classes/Application/FileReferenceRenewal.h"
-#include "Classes/Application/FileTagAdoption.h"
+#include "Classes/Application/ItemTagSync.h"
 #include "Classes/Application/LibraryBundleManager.h"
-#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Application/LibraryPlaces.h"
+#include "Classes/Application/RunningParts.h"
 #include "Classes/Tags/OpenMeta.h"
-#include "Classes/Tags/OpenMetaBackup.h"
-#include "Classes/Tags/TagFileJournal.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
-#include "Models/DataModel/ZQModelFetch.h"
 
-#include <QFileInfo>
-
-namespace {
-
-FileTags valuesOf(const ZQFileTags &tags)
-{
-    return {tags.tags, tags.comment, tags.rating.value_or(0), tags.measured};
-}
-
-// The main thread does not wait for the files to reach the disk.
-void storeDidSave(const std::shared_ptr<TagFileJournal> &journal)
-{
-    journal->didSave();
-    TagFileWriter::sharedTagFileWriter().afterWrites([journal] { journal->emptyIfSettled(); });
-}
-
-} // namespace
-
-ModelEnvironment::ModelEnvironment(tamberin_AppDelegate &delegate)
-    : m_delegate(delegate), m_readings(QStringLiteral("tags of files"), 1)
+ModelEnvironment::ModelEnvironment(RunningParts &running, LibraryPlaces &places, ItemTagSync &tags)
+    : m_running(running), m_places(places), m_tags(tags)
 {
     ZQLibraryEnvironment::setCurrent(this);
-    TagFileWriter::sharedTagFileWriter().setProblemHandler([](const ZQError &error) {
-        zqOnMainThread([error] {
-            if (tamberin_AppDelegate *shared = tamberin_AppDelegate::sharedDelegate()) {
-                shared->userInteraction().presentError(error);
-            }
-        });
-    });
+    TagFileWriter::sharedTagFileWriter().setProblemHandler(
+        [](const ZQError &error) { zqOnMainThread([error] { current().presentError(error); }); });
 }
 
 ModelEnvironment::~ModelEnvironment()
@@ -54,7 +28,7 @@ ModelEnvironment::~ModelEnvironment()
 
 QString ModelEnvironment::libraryDirectory()
 {
-    return m_delegate.libraryDirectory();
+    return m_places.libraryDirectory();
 }
 
 QString ModelEnvironment::libraryPathForFilePath(const QString &path)
@@ -64,14 +38,14 @@ QString ModelEnvironment::libraryPathForFilePath(const QString &path)
 
 void ModelEnvironment::thumbForLibraryItem(ZQLibraryBaseItem *item)
 {
-    if (ImportManaging *manager = m_delegate.importManager()) {
+    if (ImportManaging *manager = m_running.importManager()) {
         manager->thumbForLibraryItem(item);
     }
 }
 
 void ModelEnvironment::presentError(const ZQError &error)
 {
-    zqOnMainThreadAndWait([&] { m_delegate.userInteraction().presentError(error); });
+    zqOnMainThreadAndWait([&] { m_running.userInteraction().presentError(error); });
 }
 
 std::optional<QStringList> ModelEnvironment::userTagsOfFile(const QString &path)
@@ -102,8 +76,8 @@ std::optional<int> ModelEnvironment::ratingOfFile(const QString &path)
 std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &path, const ZQFileTags &present)
 {
     ZQError error;
-    const auto file =
-        FileTagsMerge::ofFile(path, valuesOf(present), FileTagsMerge::Unknown::TakesFile, present.isFirst, &error);
+    const auto file = FileTagsMerge::ofFile(path, ItemTagSync::valuesOf(present), FileTagsMerge::Unknown::TakesFile,
+                                            present.isFirst, &error);
     if (!file) {
         qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not read:" << error.localizedDescription();
         return std::nullopt;
@@ -114,51 +88,25 @@ std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &
 void ModelEnvironment::didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags)
 {
     if (writesTagsToFiles()) {
-        queueMerging(bundleID, path, tags);
+        m_tags.write(bundleID, path, tags);
     }
 }
 
 void ModelEnvironment::takeInTagsOfFiles(const QList<ZQRef<ZQLibraryBaseItem>> &items)
 {
-    if (!m_adoption || !writesTagsToFiles()) {
-        return;
+    if (writesTagsToFiles()) {
+        m_tags.takeInTagsOfFiles(items);
     }
-    struct Present
-    {
-        QString bundleID;
-        QString path;
-        FileTags values;
-        bool isManaged; // a person's own file is not written to because it was looked at
-    };
-    QList<Present> all;
-    const auto kept = zqPrefetch(items, QStringLiteral("tags"));
-    ZQLibraryBaseItem::lookForFiles(items);
-    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        const QString path = item && item->active() ? item->itemURL() : QString();
-        if (!path.isEmpty()) {
-            all.append({item->bundleID(), path, valuesOf(item->fileTags()), item->managed()});
-        }
-    }
-    m_readings.addOperationWithBlock([all, adoption = m_adoption] {
-        for (const Present &present : all) {
-            ZQError error;
-            const auto file =
-                FileTagsMerge::ofFile(present.path, present.values, FileTagsMerge::Unknown::KeepsBoth, false, &error);
-            const bool canBeRecorded =
-                file && !file->isRecorded && present.isManaged && QFileInfo(present.path).isWritable();
-            if (file && (!file->change.isEmpty() || canBeRecorded)) {
-                adoption->add(present.bundleID, file->change);
-            }
-        }
-    });
 }
 
 bool ModelEnvironment::fileOfItemDidMove(const ZQObjectID &item, const QByteArray &reference, const QByteArray &renewed)
 {
-    if (m_renewal) {
-        m_renewal->add({item, reference, renewed});
-    }
-    return m_renewal != nullptr;
+    return m_tags.fileOfItemDidMove(item, reference, renewed);
+}
+
+std::shared_ptr<void> ModelEnvironment::willWriteTagsOfItems(const QStringList &bundleIDs)
+{
+    return m_tags.willWriteTagsOfItems(bundleIDs);
 }
 
 void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &tags)
@@ -169,101 +117,13 @@ void ModelEnvironment::writeTagsToFile(const QString &path, const ZQFileTags &ta
 
 void ModelEnvironment::writeTagsToFileOfItem(const QString &bundleID, const QString &path, const ZQFileTags &tags)
 {
-    queueMerging(bundleID, path, tags);
+    m_tags.write(bundleID, path, tags);
 }
 
 void ModelEnvironment::writeTagsToMovedFileOfItem(const QString &bundleID, const QByteArray &reference,
                                                   const ZQFileTags &tags)
 {
-    queueMerging(bundleID, {}, tags, [reference] { return zqFindPersistentURL(reference); });
-}
-
-void ModelEnvironment::queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags,
-                                    const std::function<QString()> &find)
-{
-    TagFileWriter::Merge merge{.path = path,
-                               .find = find,
-                               .library = valuesOf(tags),
-                               .takesRating = !tags.rating,
-                               .ratingIsMeant = tags.ratingIsMeant,
-                               .isLibrarysOwn = path.startsWith(m_delegate.libraryDirectory() + u'/'),
-                               .isFirst = tags.isFirst,
-                               .willTouch = {},
-                               .adopt = {},
-                               .done = {}};
-    if (m_journal) {
-        const qint64 line = m_journal->willWrite(bundleID, tags.isSaved);
-        merge.willTouch = [journal = m_journal, line] { journal->bringToDisk(line); };
-        merge.done = [journal = m_journal](const QString &written) { journal->didWrite(written); };
-    }
-    if (m_adoption) {
-        merge.adopt = [adoption = m_adoption, bundleID](const FileTagsChange &change) {
-            adoption->add(bundleID, change);
-        };
-    }
-    TagFileWriter::sharedTagFileWriter().mergeWithFile(std::move(merge));
-}
-
-std::shared_ptr<void> ModelEnvironment::willWriteTagsOfItems(const QStringList &bundleIDs)
-{
-    if (!m_journal || bundleIDs.isEmpty()) {
-        return nullptr;
-    }
-    for (const QString &bundleID : bundleIDs) {
-        m_journal->willWrite(bundleID, true); // its save is the caller's, and this lives until after it
-    }
-    m_journal->bringToDisk();
-    return {nullptr, [journal = m_journal, count = bundleIDs.size()](void *) {
-                for (qsizetype i = 0; i < count; ++i) {
-                    journal->didWrite();
-                }
-            }};
-}
-
-void ModelEnvironment::finishInterruptedTagWrites()
-{
-    ZQManagedObjectContext *context = m_delegate.managedObjectContext();
-    if (m_journal || !context) {
-        return;
-    }
-    m_journal = std::make_shared<TagFileJournal>(m_delegate.libraryBundleDirectory() + QStringLiteral("/pending-tags"));
-    m_adoption = std::make_shared<FileTagAdoption>(m_delegate);
-    m_renewal = std::make_shared<FileReferenceRenewal>(m_delegate);
-    m_willSaveObserver = context->observeWillSave([journal = m_journal] { journal->bringToDisk(); });
-    m_saveObserver =
-        context->observeDidSave([journal = m_journal](const ZQContextDidSave &) { storeDidSave(journal); });
-    const QStringList interrupted = m_journal->interrupted();
-    constexpr qsizetype atATime = 500;
-    for (qsizetype first = 0; first < interrupted.size(); first += atATime) {
-        const auto items =
-            zqFetch<ZQLibraryBaseItem>(*context, QStringLiteral("bundleID in %@"), {interrupted.mid(first, atATime)});
-        if (!items) {
-            return; // the journal stays for the next launch
-        }
-        const auto kept = zqPrefetch(*items, QStringLiteral("tags"));
-        ZQLibraryBaseItem::lookForFiles(*items);
-        for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-            item->writeOpenMetaToDisk();
-        }
-    }
-    if (!interrupted.isEmpty()) {
-        storeDidSave(m_journal); // what is written again comes from the saved store
-    }
-}
-
-void ModelEnvironment::closeTagFiles()
-{
-    m_readings.waitUntilAllOperationsAreFinished();
-    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-    if (m_adoption && m_adoption->apply()) {
-        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-    }
-    m_renewal.reset();
-    m_adoption.reset(); // what still comes is found in the files at the next launch
-    OpenMetaBackup::waitUntilAllWritten();
-    m_willSaveObserver.reset();
-    m_saveObserver.reset();
-    m_journal.reset(); // what was written and never saved stays in it, and is taken back at the next launch
+    m_tags.write(bundleID, {}, tags, [reference] { return zqFindPersistentURL(reference); });
 }
 
 bool ModelEnvironment::writesTagsToFiles()

@@ -1,22 +1,19 @@
 #pragma once
 
-#include "Kit/Operations/ZQOperationQueue.h"
-#include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 
-#include <functional>
 #include <memory>
 
-class FileReferenceRenewal;
-class FileTagAdoption;
-class TagFileJournal;
-class tamberin_AppDelegate;
+class ItemTagSync;
+class LibraryPlaces;
+class RunningParts;
 
-// What the entities ask of the running application.
+// What the entities ask of the running application, passed on to whoever knows. It holds nothing. Any thread, as said
+// where each is declared.
 class ModelEnvironment : public ZQLibraryEnvironment
 {
 public:
-    explicit ModelEnvironment(tamberin_AppDelegate &delegate);
+    ModelEnvironment(RunningParts &running, LibraryPlaces &places, ItemTagSync &tags);
     ~ModelEnvironment() override;
 
     QString libraryDirectory() override;
@@ -37,20 +34,8 @@ public:
                                     const ZQFileTags &tags) override;
     bool writesTagsToFiles() override;
 
-    // At launch, with the store open: has the tags written again that a killed process was writing. Main thread.
-    void finishInterruptedTagWrites();
-    // Before the store closes: returns when everything is in the files. Main thread.
-    void closeTagFiles();
-
 private:
-    void queueMerging(const QString &bundleID, const QString &path, const ZQFileTags &tags,
-                      const std::function<QString()> &find = {});
-
-    tamberin_AppDelegate &m_delegate;
-    std::shared_ptr<TagFileJournal> m_journal;
-    std::shared_ptr<FileTagAdoption> m_adoption;
-    std::shared_ptr<FileReferenceRenewal> m_renewal; // while the store is open
-    ZQOperationQueue m_readings;
-    ZQManagedObjectContext::Token m_willSaveObserver; // what files are to be written is on the disk before the store
-    ZQManagedObjectContext::Token m_saveObserver;
+    RunningParts &m_running;
+    LibraryPlaces &m_places;
+    ItemTagSync &m_tags;
 };

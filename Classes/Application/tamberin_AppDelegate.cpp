@@ -1,43 +1,54 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 
-#include "Classes/Application/LeftoverSearch.h"
+#include "Classes/Application/ApplicationParts.h"
+#include "Classes/Application/DesktopRequests.h"
+#include "Classes/Application/FixedSidebar.h"
+#include "Classes/Application/ItemTagSync.h"
+#include "Classes/Application/Launch.h"
+#include "Classes/Application/LeftoverCheck.h"
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryLocation.h"
-#include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryMigration.h"
+#include "Classes/Application/LibraryPlaces.h"
+#include "Classes/Application/LibraryRemovals.h"
+#include "Classes/Application/LibraryStore.h"
+#include "Classes/Application/LibrarySwitch.h"
 #include "Classes/Application/ModelEnvironment.h"
-#include "Classes/Application/PreferencesController.h"
-#include "Classes/Application/RatingFiller.h"
-#include "Kit/Files/ZQFileCopy.h"
-#include "Kit/Files/ZQPersistentURL.h"
-#include "Kit/Files/ZQTypeIdentifier.h"
-#include "Kit/Files/ZQUserDefaults.h"
-#include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
-#include "Kit/Operations/ZQMainThread.h"
-#include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Classes/Application/Quit.h"
+#include "Classes/Application/RunningParts.h"
+#include "Classes/Application/StoreWork.h"
+#include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/_ZQEntities.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QDateTime>
 #include <QEvent>
-#include <QFileInfo>
-#include <QTimer>
-
-#include <chrono>
 
 namespace {
 tamberin_AppDelegate *sharedInstance = nullptr;
-
-constexpr std::chrono::milliseconds retryOpening{200};
-constexpr int activationGateMilliseconds = 200;
-constexpr std::chrono::seconds commandPatience{1}; // for what a window does beside its work
 } // namespace
 
 tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
-    : m_parts(std::move(parts)), m_environment(std::make_unique<ModelEnvironment>(*this)),
-      m_launchDate(QDateTime::currentDateTimeUtc())
 {
-    Q_ASSERT(m_parts.userInteraction);
+    const QDateTime launchDate = QDateTime::currentDateTimeUtc();
+    m_running = std::make_unique<RunningParts>(std::move(parts));
+    m_places = std::make_unique<LibraryPlaces>();
+    m_store = std::make_unique<LibraryStore>(*m_places, *m_running);
+    m_tags = std::make_unique<ItemTagSync>(*m_places, *m_store);
+    m_environment = std::make_unique<ModelEnvironment>(*m_running, *m_places, *m_tags);
+    m_migration = std::make_unique<LibraryMigration>(*m_places, *m_store, *m_running);
+    m_sidebar = std::make_unique<FixedSidebar>(*m_places, *m_store, *m_running);
+    m_removals = std::make_unique<LibraryRemovals>(*m_places, *m_store, this);
+    m_leftovers = std::make_unique<LeftoverCheck>(*m_running, *m_places, *m_store, *m_removals, launchDate);
+    m_storeWork = std::make_unique<StoreWork>(*m_store, *m_leftovers,
+                                              [this](const QStringList &problems) { reportDamage(problems); });
+    m_quit = std::make_unique<Quit>(*m_running, *m_places, *m_store, *m_leftovers, *m_storeWork, *m_removals);
+    m_switch = std::make_unique<LibrarySwitch>(*m_running, *m_places, *m_store, *m_quit,
+                                               [this] { removeManagedObjectContext(); });
+    m_requests = std::make_unique<DesktopRequests>(*m_running, *m_places, *m_store, *m_switch);
+    m_launch = std::make_unique<Launch>(Launch::Uses{*m_running, *m_places, *m_store, *m_migration, *m_sidebar, *m_tags,
+                                                     *m_leftovers, *m_storeWork, *m_quit, *m_requests},
+                                        launchDate);
     sharedInstance = this;
     LibraryBundleManager::rememberMadeDirectories(true);
     zqRegisterEntities();
@@ -46,21 +57,17 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
 
 tamberin_AppDelegate::~tamberin_AppDelegate()
 {
-    m_mainWindowController.reset();
-    m_zeltoKunViewController.reset();
-    stopStoreWork();
-    if (m_parts.importManager) { // what ends with the process was not given up by anybody
-        m_parts.importManager->setKeepsCancelledImports(true);
-    }
-    m_backgroundOperationQueue.reset();
-    if (m_parts.importManager) {
-        m_parts.importManager->setKeepsCancelledImports(false);
-    }
-    m_environment->closeTagFiles();
-    m_context.reset();
-    m_coordinator.reset();
+    m_running->closeWindow();
+    m_running->closeCapture();
+    m_storeWork->stop();
+    m_running->endBackgroundQueue();
+    m_tags->close();
+    m_store->close();
     waitForRemovals(); // destroying a running process object would kill it half way
-    dropNotedRemovals();
+    m_removals->dropNotedRemovals();
+    if (QCoreApplication *const application = QCoreApplication::instance()) {
+        application->removeEventFilter(this); // the end of a member is an event, and needs those that ended before it
+    }
     sharedInstance = nullptr;
 }
 
@@ -71,291 +78,297 @@ tamberin_AppDelegate *tamberin_AppDelegate::sharedDelegate()
 
 void tamberin_AppDelegate::applicationWillFinishLaunching()
 {
-    applicationSupportFolder();
+    m_launch->applicationWillFinishLaunching();
 }
 
 void tamberin_AppDelegate::applicationDidFinishLaunching()
 {
-    zqSetPersistentURLsWait(false); // a window does not
-    checkModelMigration();
-    if (m_parts.softwareUpdater) {
-        m_parts.softwareUpdater->configure(appCastURL(m_parts.softwareUpdater->areTestKeysHeld()));
-        m_parts.softwareUpdater->setAutomaticChecks(true);
-    }
-    if (!managedObjectContext() || m_hasQuit) {
-        return; // what failed was told; without a store there is nothing to show
-    }
-    libraryDirectory();
-    setupBasicSidebarProjects();
-    PreferencesController::registerDefaultPreferences();
-    openZeltoKunHelper();
-    backgroundOperationQueue().setMaxConcurrentOperationCount(1);
-    m_environment->finishInterruptedTagWrites(); // before live folders are looked at, which take in files' tags
-    if (m_parts.liveFolderManager) {
-        m_parts.liveFolderManager->getLiveFolderPermissionFromSandbox();
-    }
-    if (m_parts.makeMainWindowController) {
-        m_mainWindowController = m_parts.makeMainWindowController();
-        m_mainWindowController->showWindow();
-        m_mainWindowController->activateIgnoringOtherApps();
-    }
-    if (m_parts.cloudMenuViewController) {
-        m_parts.cloudMenuViewController->createSharedSession();
-        m_parts.cloudMenuViewController->updateCloudMenu();
-    }
-    m_observesLocale = true;
-    zqRunMainLoopFor(m_parts.windowFirst);
-    if (m_hasQuit) {
-        return;
-    }
-    if (m_parts.liveFolderManager) {
-        m_parts.liveFolderManager->startObservingWatchedFolders();
-        m_parts.liveFolderManager->syncRootWatchedFolders();
-    }
-    if (m_parts.crashReporter) {
-        m_parts.crashReporter->start({[this] { reopenMainWindow(); },
-                                      [this] {
-                                          checkAndDeleteLibraryLeftovers([this] {
-                                              if (m_parts.importManager) { // makes new directories
-                                                  m_parts.importManager->offerToResumeImports();
-                                              }
-                                          });
-                                          return QString();
-                                      }},
-                                     true);
-    }
-    if (!m_parts.crashReporter) { // nothing asks for the check, which ends this; the reporter does so later
-        LibraryBundleManager::rememberMadeDirectories(false);
-    }
-    setApplicationLauched(true);
-    startStoreWork();
+    m_launch->applicationDidFinishLaunching();
 }
 
 bool tamberin_AppDelegate::openLibraryForCommand(ZQError *error)
 {
-    zqSetPersistentURLsWait(true);
-    PreferencesController::registerDefaultPreferences();
-    if (!lockLibrary(error) || libraryDirectory().isEmpty()) {
-        return false;
-    }
-    if (!openStore(error)) {
-        return false;
-    }
-    checkModelMigration();
-    RatingFiller(m_coordinator, [this](const ZQContextDidSave &saved) {
-        mergeSaved(saved);
-    }).run([deadline = std::chrono::steady_clock::now() + commandPatience] {
-        return std::chrono::steady_clock::now() < deadline;
-    });
-    setupBasicSidebarProjects();
-    backgroundOperationQueue().setMaxConcurrentOperationCount(1);
-    m_environment->finishInterruptedTagWrites();
-    const bool isNewStore = m_coordinator->creationDate() >= m_launchDate;
-    if (m_coordinator->wasUncleanlyClosed() || m_coordinator->wasRecovered() || isNewStore) {
-        checkAndDeleteLibraryLeftovers();
-        zqRunMainLoopUntil([this] { return !isCheckingLeftovers(); }); // the command is about all of the library
-    }
-    LibraryBundleManager::rememberMadeDirectories(false);
-    return true;
+    return m_launch->openLibraryForCommand(error);
 }
 
-ZQOperationQueue &tamberin_AppDelegate::backgroundOperationQueue()
+bool tamberin_AppDelegate::lockLibrary(ZQError *error)
 {
-    if (!m_backgroundOperationQueue) {
-        m_backgroundOperationQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("background"), 1);
-    }
-    return *m_backgroundOperationQueue;
+    return m_store->lockLibrary(error);
 }
 
-ZQOperationQueue &tamberin_AppDelegate::editQueue()
+bool tamberin_AppDelegate::applicationLauched() const
 {
-    if (!m_editQueue) {
-        m_editQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("Edits"), 1);
-    }
-    return *m_editQueue;
+    return m_launch->isLaunched();
+}
+
+void tamberin_AppDelegate::setApplicationLauched(bool launched)
+{
+    m_launch->setLaunched(launched);
 }
 
 QString tamberin_AppDelegate::appCastURL(bool testKeysHeld) const
 {
-    if (ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("PartecipateToBeta"))) {
-        return QStringLiteral("updates/beta/appcast.xml");
-    }
-    return testKeysHeld ? QStringLiteral("updates/test/appcast.xml") : QStringLiteral("updates/release/appcast.xml");
+    return Launch::appCastURL(testKeysHeld);
+}
+
+bool tamberin_AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)
+{
+    return m_requests->applicationShouldHandleReopen(hasVisibleWindows);
+}
+
+void tamberin_AppDelegate::applicationWillBecomeActive()
+{
+    m_requests->applicationWillBecomeActive();
+}
+
+void tamberin_AppDelegate::reopenMainWindow()
+{
+    m_requests->reopenMainWindow();
+}
+
+void tamberin_AppDelegate::openFiles(const QStringList &paths)
+{
+    m_requests->openFiles(paths);
+}
+
+TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
+{
+    return m_quit->applicationShouldTerminate();
+}
+
+void tamberin_AppDelegate::terminate()
+{
+    m_quit->terminate();
+}
+
+void tamberin_AppDelegate::reportDamage(const QStringList &problems)
+{
+    m_quit->reportDamage(problems);
+}
+
+bool tamberin_AppDelegate::reopensAfterQuit() const
+{
+    return m_quit->reopensAfterQuit();
+}
+
+std::shared_ptr<const ZQManagedObjectModel> tamberin_AppDelegate::managedObjectModel()
+{
+    return m_store->managedObjectModel();
+}
+
+std::shared_ptr<ZQPersistentStoreCoordinator> tamberin_AppDelegate::persistentStoreCoordinator()
+{
+    return m_store->persistentStoreCoordinator();
+}
+
+ZQManagedObjectContext *tamberin_AppDelegate::managedObjectContext()
+{
+    return m_store->managedObjectContext();
+}
+
+void tamberin_AppDelegate::removeManagedObjectContext()
+{
+    m_running->endEdits();
+    m_tags->close(); // the journal lies in the bundle, which is about to move
+    m_storeWork->stop();
+    m_store->close();
+    m_store->unlock();
+    m_places->forgetLibrary();
+}
+
+void tamberin_AppDelegate::saveAction()
+{
+    m_store->saveAction();
+}
+
+void tamberin_AppDelegate::checkModelMigration()
+{
+    m_migration->checkModelMigration();
+}
+
+bool tamberin_AppDelegate::migrateToModelVersion(const QString &version)
+{
+    return m_migration->migrateToModelVersion(version);
+}
+
+std::optional<LibraryRecovery> tamberin_AppDelegate::recoverLibrary(ZQError *error)
+{
+    return m_store->recoverLibrary(error);
+}
+
+void tamberin_AppDelegate::checkAndDeleteLibraryLeftovers(std::function<void()> done)
+{
+    m_leftovers->start(std::move(done));
+}
+
+bool tamberin_AppDelegate::isCheckingLeftovers() const
+{
+    return m_leftovers->isRunning();
+}
+
+QString tamberin_AppDelegate::applicationSupportFolder()
+{
+    return m_places->applicationSupportFolder();
+}
+
+QString tamberin_AppDelegate::libraryBundleDirectory()
+{
+    return m_places->libraryBundleDirectory();
+}
+
+QString tamberin_AppDelegate::libraryDirectory()
+{
+    return m_places->libraryDirectory();
+}
+
+QString tamberin_AppDelegate::exportIconDirectory()
+{
+    return m_places->exportIconDirectory();
+}
+
+QString tamberin_AppDelegate::wallpaperDirectory()
+{
+    return m_places->wallpaperDirectory();
+}
+
+QString tamberin_AppDelegate::templateDirectory()
+{
+    return m_places->templateDirectory();
+}
+
+void tamberin_AppDelegate::setLibraryBundleDirectory(const QString &path)
+{
+    m_places->setLibraryBundleDirectory(path);
+}
+
+void tamberin_AppDelegate::tryToRecuperateSandboxedLibraryToDestination(const QString &destination)
+{
+    m_places->tryToRecuperateSandboxedLibraryToDestination(destination);
+}
+
+void tamberin_AppDelegate::deleteFilesAtPaths(const QStringList &paths, const QString &baseDirectory)
+{
+    m_removals->deleteFilesAtPaths(paths, baseDirectory);
+}
+
+QProcess *tamberin_AppDelegate::deleteTask() const
+{
+    return m_removals->deleteTask();
+}
+
+void tamberin_AppDelegate::waitForRemovals()
+{
+    m_removals->waitForRemovals();
+}
+
+void tamberin_AppDelegate::setupBasicSidebarProjects()
+{
+    m_sidebar->setupBasicSidebarProjects();
+}
+
+void tamberin_AppDelegate::updateLocalization()
+{
+    m_sidebar->updateLocalization();
+}
+
+void tamberin_AppDelegate::updateSidebarElementNamesWithCurrentLocale()
+{
+    m_sidebar->updateSidebarElementNamesWithCurrentLocale();
+}
+
+void tamberin_AppDelegate::localeChanged()
+{
+    updateLocalization();
+}
+
+void tamberin_AppDelegate::newZeltoLibrary()
+{
+    m_switch->newZeltoLibrary();
+}
+
+void tamberin_AppDelegate::openZeltoLibrary()
+{
+    m_switch->openZeltoLibrary();
+}
+
+void tamberin_AppDelegate::moveZeltoLibrary()
+{
+    m_switch->moveZeltoLibrary();
+}
+
+void tamberin_AppDelegate::revealLibraryInFinder()
+{
+    m_switch->revealLibraryInFinder();
+}
+
+bool tamberin_AppDelegate::saveNewLibraryURL(const QString &path, ZQError *error)
+{
+    return LibraryLocation::remember(path, error);
+}
+
+QString tamberin_AppDelegate::loadLibraryURL()
+{
+    return LibraryLocation::remembered();
 }
 
 void tamberin_AppDelegate::openZeltoKunHelper()
 {
-    if (!m_zeltoKunViewController && m_parts.makeZeltoKunViewController) {
-        m_zeltoKunViewController = m_parts.makeZeltoKunViewController();
-        m_zeltoKunViewController->loadView();
-    }
+    m_running->makeCapture();
 }
 
 void tamberin_AppDelegate::quitZeltoKunHelper()
 {
-    m_zeltoKunViewController.reset();
+    m_running->closeCapture();
 }
 
 void tamberin_AppDelegate::syncWatchedFolder(const ZQObjectID &folder)
 {
-    if (m_parts.liveFolderManager) {
-        m_parts.liveFolderManager->syncWatchedFolder(folder, false);
+    if (LiveFolderManaging *const manager = m_running->liveFolderManager()) {
+        manager->syncWatchedFolder(folder, false);
     }
 }
 
 void tamberin_AppDelegate::forceSyncWatchedFolder(const ZQObjectID &folder)
 {
-    if (m_parts.liveFolderManager) {
-        m_parts.liveFolderManager->syncWatchedFolder(folder, true);
+    if (LiveFolderManaging *const manager = m_running->liveFolderManager()) {
+        manager->syncWatchedFolder(folder, true);
     }
+}
+
+MainWindowControlling *tamberin_AppDelegate::mainWindowController() const
+{
+    return m_running->window();
+}
+
+ScreenCaptureControlling *tamberin_AppDelegate::zeltoKunViewController() const
+{
+    return m_running->capture();
+}
+
+ZQOperationQueue &tamberin_AppDelegate::backgroundOperationQueue()
+{
+    return m_running->backgroundQueue();
+}
+
+ZQOperationQueue &tamberin_AppDelegate::editQueue()
+{
+    return m_running->editQueue();
+}
+
+ImportManaging *tamberin_AppDelegate::importManager() const
+{
+    return m_running->importManager();
+}
+
+UserInteraction &tamberin_AppDelegate::userInteraction() const
+{
+    return m_running->userInteraction();
 }
 
 bool tamberin_AppDelegate::eventFilter(QObject *watched, QEvent *event)
 {
-    if (m_observesLocale && watched == QCoreApplication::instance() && event->type() == QEvent::LocaleChange) {
+    if (m_launch->followsLocale() && watched == QCoreApplication::instance() && event->type() == QEvent::LocaleChange) {
         localeChanged();
     }
     return QObject::eventFilter(watched, event);
-}
-
-void tamberin_AppDelegate::applicationWillBecomeActive()
-{
-    m_shouldShowMainWindowOnActivation = false;
-    QTimer::singleShot(activationGateMilliseconds, this, [this] { m_shouldShowMainWindowOnActivation = true; });
-}
-
-bool tamberin_AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows)
-{
-    if (!m_mainWindowController) {
-        return false;
-    }
-    if (!hasVisibleWindows) {
-        m_mainWindowController->makeKeyAndOrderFront();
-        return true;
-    }
-    if (m_mainWindowController->isMiniaturized()) {
-        m_mainWindowController->deminiaturize();
-        return true;
-    }
-    if (m_mainWindowController->isVisible() || !m_shouldShowMainWindowOnActivation) {
-        return false;
-    }
-    m_mainWindowController->makeKeyAndOrderFront();
-    return true;
-}
-
-void tamberin_AppDelegate::reopenMainWindow()
-{
-    if (!m_mainWindowController) {
-        return;
-    }
-    if (m_mainWindowController->isMiniaturized()) {
-        m_mainWindowController->deminiaturize();
-    }
-    m_mainWindowController->makeKeyAndOrderFront();
-}
-
-bool tamberin_AppDelegate::switchToLibrary(const QString &path)
-{
-    ZQError error = LibraryLocation::refusal(path);
-    if (!error.isNull()) {
-        userInteraction().presentError(error);
-        return false;
-    }
-    if (LibraryLocation::isSamePlace(path, libraryBundleDirectory())) {
-        return false; // it is open
-    }
-    if (m_mainWindowController) {
-        const int answer = userInteraction().ask({zqLocalized("Opening a new library requires Zelto to relaunch"),
-                                                  zqLocalized("Do you want to switch library and quit Zelto?"),
-                                                  {zqLocalized("Quit"), zqLocalized("Cancel")},
-                                                  {},
-                                                  false});
-        if (answer != 0) {
-            return false;
-        }
-    }
-    if (!saveNewLibraryURL(path, &error)) {
-        userInteraction().presentError(error);
-        return false;
-    }
-    if (m_mainWindowController) {
-        terminate();
-    }
-    return true;
-}
-
-bool tamberin_AppDelegate::moveTemplate(const QString &path)
-{
-    const QString directory = templateDirectory();
-    ZQError error;
-    if (!directory.isEmpty() && zqMoveNoReplace(path, directory + u'/' + QFileInfo(path).fileName(), &error)) {
-        return true;
-    }
-    userInteraction().presentError(error);
-    return false;
-}
-
-void tamberin_AppDelegate::openFiles(const QStringList &paths)
-{
-    QStringList rest;
-    bool templateMoved = false;
-    for (const QString &path : paths) {
-        const QString extension = zqPathExtension(path);
-        if (extension.toLower() == QStringLiteral("ztlibrary")) {
-            switchToLibrary(path);
-        } else if (extension == QStringLiteral("zttemplate")) {
-            templateMoved = moveTemplate(path) || templateMoved;
-        } else {
-            rest.append(path);
-        }
-    }
-    if (!m_mainWindowController) {
-        // Nothing of what was done above is done twice: the moved templates and remembered libraries are not in the
-        // list.
-        QTimer::singleShot(retryOpening, this, [this, rest, templateMoved] {
-            if (!rest.isEmpty()) {
-                openFiles(rest);
-            } else if (templateMoved && m_mainWindowController) {
-                m_mainWindowController->newFileFromTemplate();
-            }
-        });
-        return;
-    }
-    if (!rest.isEmpty()) {
-        importOpenedFiles(rest);
-    } else if (templateMoved) {
-        m_mainWindowController->newFileFromTemplate();
-    }
-}
-
-void tamberin_AppDelegate::importOpenedFiles(const QStringList &paths)
-{
-    ZQManagedObjectContext *context = managedObjectContext();
-    if (!context || !m_parts.importManager) {
-        return;
-    }
-    QStringList directories;
-    QStringList files;
-    for (const QString &path : paths) {
-        const QFileInfo info(path);
-        if (info.exists()) {
-            (info.isDir() ? directories : files).append(path);
-        }
-    }
-    constexpr quint32 atTheEnd = 4294967295U;
-    const auto importInto = [&](const QStringList &list, const ZQRef<ZQSidebarBaseItem> &target) {
-        if (!list.isEmpty() && target) {
-            m_parts.importManager->importFilesAtPaths(list, target->objectID(), atTheEnd, {});
-        }
-    };
-    importInto(directories, ZQSidebarBaseItem::projectsLabelInManagedObjectContext(*context));
-    importInto(files, ZQSidebarBaseItem::libraryProjectInManagedObjectContext(*context));
-
-    if (directories.isEmpty() &&
-        ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("ShowRecentItemsAfterDropOnDock"))) {
-        if (const auto recent = ZQSidebarBaseItem::recentProjectInManagedObjectContext(*context)) {
-            m_mainWindowController->selectSidebarItem(recent->objectID());
-        }
-    }
 }

@@ -1,5 +1,6 @@
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/Quit.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Command/CommandEdits.h"
 #include "Classes/Editing/LibraryCommands.h"

@@ -1,4 +1,6 @@
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/LibraryLock.h"
+#include "Classes/Application/LibraryRecovery.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Command/CommandUserInteraction.h"

@@ -1,8 +1,7 @@
 #include "Classes/Tags/AttributeRoom.h"
 
+#include "Classes/Tags/AttributeStore.h"
 #include "Classes/Tags/DesktopMirror.h"
-#include "Classes/Tags/FileTags.h"
-#include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 
 #include <cerrno>
@@ -15,12 +14,12 @@ using Attributes = QList<std::pair<QString, QByteArray>>;
 // What gives way, step by step.
 QList<QStringList> steps(const QString &path)
 {
-    using M = OpenMeta;
+    using M = AttributeStore;
     return {
         DesktopMirror::attributesOfOurs(path),
         {M::spotlightKey(M::olderUserTagsKey), M::openmetaKey(M::olderUserTagsKey)},
         {M::openmetaKey(M::userTagTimeKey), M::openmetaTimeKey(M::userTagTimeKey), M::openmetaTimeKey(M::userTagsKey),
-         M::openmetaTimeKey(M::starRatingKey), M::spotlightKey(M::userTagTimeKey), SeenFileTags::attributeName},
+         M::openmetaTimeKey(M::starRatingKey), M::spotlightKey(M::userTagTimeKey), M::seenName},
         {M::openmetaKey(M::userTagsKey), M::openmetaKey(M::starRatingKey)},
     };
 }

@@ -1,7 +1,6 @@
 #include "Classes/Tags/DesktopMirror.h"
 
-#include "Classes/Tags/OpenMeta.h"
-#include "Classes/Tags/PathLock.h"
+#include "Classes/Tags/AttributeStore.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQText.h"
@@ -122,8 +121,8 @@ std::optional<QStringList> mergedTags(const QStringList &ours, const QStringList
     for (const QString &tag : theirs) {
         result.append(ourSpelling.value(zqPlainLine(tag), tag));
     }
-    result = OpenMeta::removeDuplicateTags(result + hidden);
-    return result == OpenMeta::removeDuplicateTags(ours) ? std::nullopt : std::optional(result);
+    result = AttributeStore::removeDuplicateTags(result + hidden);
+    return result == AttributeStore::removeDuplicateTags(ours) ? std::nullopt : std::optional(result);
 }
 
 // What the mirror says, where it counts. A value of ours that cannot be read is not replaced.
@@ -131,17 +130,17 @@ void takeNewer(DesktopMirror::Newer &newer, Kind kind, const QString &text, bool
 {
     ZQError error;
     if (kind == Kind::Tags) {
-        const auto ours = OpenMeta::getUserTagsNoRestore(path, &error);
+        const auto ours = AttributeStore::getUserTagsNoRestore(path, &error);
         const auto merged =
             mergedTags(ours.value_or(QStringList()), DesktopMirror::tagsOfText(text.toUtf8()), wasMirrored);
         newer.tags = error.isNull() ? merged : std::nullopt;
     } else if (kind == Kind::Comment) {
-        const QString ours = OpenMeta::getString(OpenMeta::finderCommentKey, path, &error);
+        const QString ours = AttributeStore::getString(AttributeStore::finderCommentKey, path, &error);
         if (error.isNull() && ours != text && (wasMirrored || ours.isEmpty())) {
             newer.comment = text;
         }
     } else {
-        const double ours = OpenMeta::getXAttrMetaData(OpenMeta::starRatingKey, path, &error).toDouble();
+        const double ours = AttributeStore::getXAttrMetaData(AttributeStore::starRatingKey, path, &error).toDouble();
         const std::optional<double> theirs = DesktopMirror::ratingOfText(text.toUtf8());
         const bool isChange = theirs && DesktopMirror::textForRating(ours) != DesktopMirror::textForRating(*theirs);
         if (error.isNull() && isChange && (wasMirrored || ours <= 0)) {
@@ -183,7 +182,7 @@ QStringList DesktopMirror::tagsOfText(const QByteArray &text)
             tags.append(tag);
         }
     }
-    return OpenMeta::removeDuplicateTags(tags);
+    return AttributeStore::removeDuplicateTags(tags);
 }
 
 std::optional<double> DesktopMirror::ratingOfText(const QByteArray &text)
@@ -222,29 +221,10 @@ DesktopMirror::Newer DesktopMirror::newer(const QString &path)
     return newer;
 }
 
-bool DesktopMirror::mayBeNewer(const QStringList &names)
+bool DesktopMirror::isAmong(const QStringList &names)
 {
     return names.contains(recordName) || names.contains(tagsName) || names.contains(commentName) ||
            names.contains(ratingName);
-}
-
-DesktopMirror::Newer DesktopMirror::takeIn(const QString &path)
-{
-    if (!OpenMeta::canNameAFile(path) || !isOn()) {
-        return {};
-    }
-    const PathLock lock(path);
-    const Newer found = newer(path);
-    if (found.tags) {
-        OpenMeta::setUserTags(*found.tags, path);
-    }
-    if (found.comment) {
-        OpenMeta::setFinderComment(*found.comment, path);
-    }
-    if (found.rating) {
-        OpenMeta::setRating(*found.rating, path);
-    }
-    return found;
 }
 
 void DesktopMirror::write(Kind kind, const QByteArray &text, const QString &path)

@@ -41,9 +41,7 @@ public:
         bool isEmpty() const { return !tags && !comment && !rating; }
     };
     static Newer newer(const QString &path);
-    static bool mayBeNewer(const QStringList &names); // by the names of a file's attributes
-    // The same, written into the file's own attributes as far as it can be written to.
-    static Newer takeIn(const QString &path);
+    static bool isAmong(const QStringList &names); // whether a file with these attributes was mirrored by anybody
 
     // After the file's own value was written. A mirror that cannot be written is withdrawn.
     static void write(Kind kind, const QByteArray &text, const QString &path);

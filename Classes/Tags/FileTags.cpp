@@ -169,6 +169,8 @@ FileTagsChange changeFrom(const FileTags &library, const FileTags &merged)
 
 } // namespace
 
+const QString SeenFileTags::attributeName = AttributeStore::seenName;
+
 QString FileTags::joinedComments(const QString &first, const QString &second)
 {
     if (first.contains(second)) {

@@ -31,7 +31,7 @@ struct FileTags
 // of it, is another program's change that the library has not confirmed yet, also after a crash.
 struct SeenFileTags
 {
-    static inline const QString attributeName = QStringLiteral("org.zelto.seen");
+    static const QString attributeName;
 
     QSet<QByteArray> tags;
     QByteArray comment; // empty: none

@@ -1,6 +1,6 @@
-// The description of the keys for programs that index files.
+#include "Classes/Tags/OpenMetaSchema.h"
 
-#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/AttributeStore.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQPropertyList.h"
@@ -18,12 +18,12 @@ namespace {
 constexpr std::chrono::seconds indexersHaveSeenIt{2};
 }
 
-QString OpenMeta::schemaDirectory()
+QString OpenMetaSchema::schemaDirectory()
 {
     return ZQPaths::dataHome() + QStringLiteral("/OpenMeta/schemaregister");
 }
 
-ZQError OpenMeta::registerUsualOMAttributes()
+ZQError OpenMetaSchema::registerUsualOMAttributes()
 {
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const QVariantMap typical{
@@ -36,7 +36,7 @@ ZQError OpenMeta::registerUsualOMAttributes()
     return registerOMAttributes(typical, QFileInfo(QCoreApplication::applicationFilePath()).fileName());
 }
 
-ZQError OpenMeta::registerOMAttributes(const QVariantMap &typicalAttributes, const QString &appName)
+ZQError OpenMetaSchema::registerOMAttributes(const QVariantMap &typicalAttributes, const QString &appName)
 {
     ZQError error;
     const auto data = ZQPropertyList::toXML(typicalAttributes, &error);
@@ -54,8 +54,9 @@ ZQError OpenMeta::registerOMAttributes(const QVariantMap &typicalAttributes, con
     return {};
 }
 
-bool OpenMeta::removeSchemaFile(const QString &path)
+bool OpenMetaSchema::removeSchemaFile(const QString &path)
 {
     // Cleaned, so that no ".." leads out of the directory.
-    return canNameAFile(path) && QDir::cleanPath(path).startsWith(schemaDirectory() + u'/') && QFile::remove(path);
+    return AttributeStore::canNameAFile(path) && QDir::cleanPath(path).startsWith(schemaDirectory() + u'/') &&
+           QFile::remove(path);
 }

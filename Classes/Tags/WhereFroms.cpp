@@ -1,6 +1,6 @@
 #include "Classes/Tags/WhereFroms.h"
 
-#include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/AttributeStore.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 
 namespace {
@@ -18,16 +18,16 @@ QString textAt(const QVariantList &list, qsizetype index)
 
 WhereFroms WhereFroms::urlsOfFile(const QString &path)
 {
-    if (!OpenMeta::canNameAFile(path)) {
+    if (!AttributeStore::canNameAFile(path)) {
         return {};
     }
-    const QVariant origin = OpenMeta::getXAttrMetaData(OpenMeta::whereFromsKey, path);
+    const QVariant origin = AttributeStore::getXAttrMetaData(AttributeStore::whereFromsKey, path);
     WhereFroms urls{origin.typeId() == QMetaType::QString ? origin.toString() : textAt(origin.toList(), 0), {}};
     if (urls.webURL.isEmpty()) {
         urls.webURL = address(path, originName);
     }
     urls.webPageURL = address(path, referrerName);
-    const auto own = OpenMeta::getNSArrayMetaData(ownKey, path);
+    const auto own = AttributeStore::getNSArrayMetaData(ownKey, path);
     if (own && !own->isEmpty()) {
         urls.webURL = textAt(*own, 0);
         if (own->size() > 1) {

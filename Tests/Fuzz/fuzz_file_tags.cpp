@@ -97,7 +97,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     DesktopMirror::newer(path);
     checkMerge(path, false);
     checkMerge(path, true);
-    DesktopMirror::takeIn(path);
+    OpenMeta::getUserTags(path);
     OpenMeta::getValues(path);
     return 0;
 }

@@ -1,6 +1,7 @@
 // A power cut while files are imported: each is where it was or in the library, what was reported is in the library,
 // and what was cut off can go on.
 
+#include "Classes/Application/Quit.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PendingImport.h"

@@ -1,5 +1,6 @@
 #include "Tests/Power/PowerFixture.h"
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/TagFileWriter.h"

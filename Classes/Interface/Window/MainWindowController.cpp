@@ -92,7 +92,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
 
 MainWindowController::~MainWindowController()
 {
-    cancelEdits();
+    m_window->editQueue.cancelAllOperations();
     m_window->editQueue.waitUntilAllOperationsAreFinished();
     m_user.setPlaces({});
     m_undoStack.disconnect(this);
@@ -358,11 +358,6 @@ void MainWindowController::layOutPanes(int width, bool withInfoPanel)
     m_toolbar->showPanes(!m_sidebar->isHidden(), withInfoPanel);
     m_splitter->setSizes({ZQMeasure::sidebarWidth, width - ZQMeasure::sidebarWidth - ZQMeasure::infoPanelWidth - 2,
                           ZQMeasure::infoPanelWidth});
-}
-
-void MainWindowController::cancelEdits()
-{
-    m_window->editQueue.cancelAllOperations();
 }
 
 void MainWindowController::savePersistentState()

@@ -41,7 +41,6 @@ public:
     void activateIgnoringOtherApps() override;
     void selectSidebarItem(const ZQObjectID &item) override;
     void newFileFromTemplate() override;
-    void cancelEdits() override;
     void savePersistentState() override;
     bool commitEditing() override;
     void refreshContent() override;

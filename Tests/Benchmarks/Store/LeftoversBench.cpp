@@ -1,5 +1,6 @@
 #include "Tests/Benchmarks/Store/LeftoversBench.h"
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Tests/Support/ScriptedUser.h"

@@ -6,6 +6,7 @@
 // The grid is scrolled and painted for each sixtieth of a second. A frame whose picture is there only after its time is
 // late; the times between two pictures are printed as well.
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"

@@ -1,15 +1,21 @@
 #pragma once
 
+#include "Classes/Application/ApplicationParts.h"
+#include "Classes/Application/LibraryRecovery.h"
+#include "Classes/Application/LibraryStore.h"
 #include "Classes/Application/PreferencesController.h"
+#include "Classes/Application/Quit.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 #include "Tests/Support/ScriptedUser.h"
 #include "Tests/Support/UserWorld.h"
 
 #include <QDir>
+#include <QProcess>
 
 #include <gtest/gtest.h>
 

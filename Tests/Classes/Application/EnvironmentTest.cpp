@@ -22,7 +22,7 @@
 
 namespace {
 
-class Environment : public LibraryPlaces
+class Environment : public LibraryPlacesTest
 {
 protected:
     static ZQLibraryEnvironment &environment() { return ZQLibraryEnvironment::current(); }

@@ -19,7 +19,7 @@ namespace {
 
 const QString ending = QStringLiteral(".ztlibraryitem");
 
-class LeftoverCheck : public ApplicationTest
+class LeftoverCheckTest : public ApplicationTest
 {
 protected:
     void TearDown() override { LeftoverSearch::setObserver({}); }
@@ -85,7 +85,7 @@ public:
 
 } // namespace
 
-TEST_F(LeftoverCheck, LeavesTheMainThreadFreeAndWhatIsSavedMeanwhileKeepsItsDirectory)
+TEST_F(LeftoverCheckTest, LeavesTheMainThreadFreeAndWhatIsSavedMeanwhileKeepsItsDirectory)
 {
     makeLibrary(2);
     const auto delegate = launched();
@@ -108,7 +108,7 @@ TEST_F(LeftoverCheck, LeavesTheMainThreadFreeAndWhatIsSavedMeanwhileKeepsItsDire
               (QStringList{QStringLiteral("1") + ending, QStringLiteral("A") + ending}));
 }
 
-TEST_F(LeftoverCheck, HoldsABatchOfNamesHoweverLargeTheLibrary)
+TEST_F(LeftoverCheckTest, HoldsABatchOfNamesHoweverLargeTheLibrary)
 {
     makeLibrary(3);
     constexpr int many = 2100;
@@ -137,7 +137,7 @@ TEST_F(LeftoverCheck, HoldsABatchOfNamesHoweverLargeTheLibrary)
     EXPECT_LE(most, 1100);
 }
 
-TEST_F(LeftoverCheck, SparesWhatThisProcessMakesWhateverTheClockSays)
+TEST_F(LeftoverCheckTest, SparesWhatThisProcessMakesWhateverTheClockSays)
 {
     makeLibrary(1);
     const auto delegate = application(); // remembers from here on
@@ -152,7 +152,7 @@ TEST_F(LeftoverCheck, SparesWhatThisProcessMakesWhateverTheClockSays)
     EXPECT_EQ(search.run({}).value_or(LibraryLeftovers()).leftovers.size(), 2);
 }
 
-TEST_F(LeftoverCheck, AStopOrADirectoryThatCannotBeReadAnswersNothing)
+TEST_F(LeftoverCheckTest, AStopOrADirectoryThatCannotBeReadAnswersNothing)
 {
     makeLibrary(1200);
     const auto delegate = launched();
@@ -170,7 +170,7 @@ TEST_F(LeftoverCheck, AStopOrADirectoryThatCannotBeReadAnswersNothing)
     EXPECT_FALSE(searchOf(*delegate, QDateTime::currentDateTimeUtc()).run({}));
 }
 
-TEST_F(LeftoverCheck, QuittingEndsItAndTheNextLaunchLooksAgain)
+TEST_F(LeftoverCheckTest, QuittingEndsItAndTheNextLaunchLooksAgain)
 {
     constexpr int many = 25; // enough to ask about
     makeLibrary(many);
@@ -215,7 +215,7 @@ TEST_F(LeftoverCheck, QuittingEndsItAndTheNextLaunchLooksAgain)
     EXPECT_EQ(directories(), 1);
 }
 
-TEST_F(LeftoverCheck, OffersToResumeImportsOnlyOnceItKnowsWhatTheyLeft)
+TEST_F(LeftoverCheckTest, OffersToResumeImportsOnlyOnceItKnowsWhatTheyLeft)
 {
     makeLibrary(25);
     imports.cutOff = QDateTime::currentDateTimeUtc().addSecs(-60); // accounts for all of them
@@ -244,7 +244,7 @@ TEST_F(LeftoverCheck, OffersToResumeImportsOnlyOnceItKnowsWhatTheyLeft)
     EXPECT_EQ(directories(), 2); // of the item, and what this process made
 }
 
-TEST_F(LeftoverCheck, AStoreThatCannotBeReadAnswersNothingWhereverThatIsMet)
+TEST_F(LeftoverCheckTest, AStoreThatCannotBeReadAnswersNothingWhereverThatIsMet)
 {
     makeLibrary(2);
     {
@@ -294,7 +294,7 @@ TEST_F(LeftoverCheck, AStoreThatCannotBeReadAnswersNothingWhereverThatIsMet)
     EXPECT_EQ(calls, 3);
 }
 
-TEST_F(LeftoverCheck, DatesDecideToTheMillisecond)
+TEST_F(LeftoverCheckTest, DatesDecideToTheMillisecond)
 {
     makeLibrary(1);
     const auto delegate = launched();
@@ -323,7 +323,7 @@ TEST_F(LeftoverCheck, DatesDecideToTheMillisecond)
     }
 }
 
-TEST_F(LeftoverCheck, RemovesByTheThousandAndTellsItsEnd)
+TEST_F(LeftoverCheckTest, RemovesByTheThousandAndTellsItsEnd)
 {
     constexpr int many = 1001;
     makeLibrary(many);
@@ -345,7 +345,7 @@ TEST_F(LeftoverCheck, RemovesByTheThousandAndTellsItsEnd)
     EXPECT_TRUE(user.questions.isEmpty());
 }
 
-TEST_F(LeftoverCheck, ATenthOfALargeLibraryIsNotAskedAbout)
+TEST_F(LeftoverCheckTest, ATenthOfALargeLibraryIsNotAskedAbout)
 {
     makeLibrary(21);
     for (const bool isATenth : {false, true}) {
@@ -370,7 +370,7 @@ TEST_F(LeftoverCheck, ATenthOfALargeLibraryIsNotAskedAbout)
     }
 }
 
-TEST_F(LeftoverCheck, WhatCannotBeLookedUpOrTakenBackStaysAndTheCheckEnds)
+TEST_F(LeftoverCheckTest, WhatCannotBeLookedUpOrTakenBackStaysAndTheCheckEnds)
 {
     makeLibrary(25);
     const auto delegate = launched();

@@ -13,7 +13,7 @@
 
 namespace {
 
-class LibraryMoves : public LibraryPlaces
+class LibraryMoves : public LibraryPlacesTest
 {
 protected:
     QStringList messages() const

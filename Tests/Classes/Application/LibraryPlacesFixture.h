@@ -78,7 +78,7 @@ public:
     }
 };
 
-class LibraryPlaces : public ApplicationTest
+class LibraryPlacesTest : public ApplicationTest
 {
 protected:
     QString inWorld(const QString &name) const { return world.filePath(name); }

@@ -17,7 +17,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-TEST_F(LibraryPlaces, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
+TEST_F(LibraryPlacesTest, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
 {
     const OtherVolume volume;
     if (!volume.isOther(world.path())) {
@@ -53,7 +53,7 @@ TEST_F(LibraryPlaces, AMovedLibraryIsWholeAtItsNewPlaceAndFoundThere)
     }
 }
 
-TEST_F(LibraryPlaces, AMoveOntoIntoOrAroundItselfIsRefusedAndChangesNothing)
+TEST_F(LibraryPlacesTest, AMoveOntoIntoOrAroundItselfIsRefusedAndChangesNothing)
 {
     const QString real = inWorld(QStringLiteral("real"));
     QDir().mkpath(real);
@@ -97,7 +97,7 @@ TEST_F(LibraryPlaces, AMoveOntoIntoOrAroundItselfIsRefusedAndChangesNothing)
     }
 }
 
-TEST_F(LibraryPlaces, WhatStandsAtTheDestinationGoesToTheTrashAndOnlyWhenThePersonAgrees)
+TEST_F(LibraryPlacesTest, WhatStandsAtTheDestinationGoesToTheTrashAndOnlyWhenThePersonAgrees)
 {
     const QString destination = inWorld(QStringLiteral("Old.ztlibrary"));
     madeLibrary(destination, 2);
@@ -115,7 +115,7 @@ TEST_F(LibraryPlaces, WhatStandsAtTheDestinationGoesToTheTrashAndOnlyWhenThePers
     EXPECT_TRUE(isInTrash);
 }
 
-TEST_F(LibraryPlaces, AKillWhileTheLibraryIsCopiedLeavesItWhereItWas)
+TEST_F(LibraryPlacesTest, AKillWhileTheLibraryIsCopiedLeavesItWhereItWas)
 {
     const OtherVolume volume;
     if (!volume.isOther(world.path())) {
@@ -155,7 +155,7 @@ TEST_F(LibraryPlaces, AKillWhileTheLibraryIsCopiedLeavesItWhereItWas)
     }
 }
 
-TEST_F(LibraryPlaces, AKillRightAfterTheRenamingLeavesALibraryThatIsFound)
+TEST_F(LibraryPlacesTest, AKillRightAfterTheRenamingLeavesALibraryThatIsFound)
 {
     const QString source = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 3);
     const QString destination = inWorld(QStringLiteral("far/away/Mine.ztlibrary"));
@@ -173,7 +173,7 @@ TEST_F(LibraryPlaces, AKillRightAfterTheRenamingLeavesALibraryThatIsFound)
     EXPECT_EQ(openedNext(), destination);
 }
 
-TEST_F(LibraryPlaces, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
+TEST_F(LibraryPlacesTest, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
 {
     const OtherVolume volume;
     if (!volume.isOther(world.path())) {
@@ -206,7 +206,7 @@ TEST_F(LibraryPlaces, ALibraryIsNotMovedWhileItsNewPlaceCannotBeNoted)
     EXPECT_EQ(window.savedState, 0) << "it goes on";
 }
 
-TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)
+TEST_F(LibraryPlacesTest, OnlyALibraryThatIsThereIsRemembered)
 {
     const QString library = madeLibrary(inWorld(QStringLiteral("Mine.ztlibrary")), 1);
     ASSERT_TRUE(tamberin_AppDelegate::saveNewLibraryURL(library));
@@ -233,7 +233,7 @@ TEST_F(LibraryPlaces, OnlyALibraryThatIsThereIsRemembered)
     EXPECT_TRUE(tamberin_AppDelegate::loadLibraryURL().isEmpty());
 }
 
-TEST_F(LibraryPlaces, ANewLibraryIsMadeAndRemembered)
+TEST_F(LibraryPlacesTest, ANewLibraryIsMadeAndRemembered)
 {
     const auto delegate = launched();
     user.fileToSave = inWorld(QStringLiteral("Fresh"));
@@ -243,7 +243,7 @@ TEST_F(LibraryPlaces, ANewLibraryIsMadeAndRemembered)
     EXPECT_EQ(user.errors.size(), 1);
 }
 
-TEST_F(LibraryPlaces, AnotherProcessKeepsItsScratchFolders)
+TEST_F(LibraryPlacesTest, AnotherProcessKeepsItsScratchFolders)
 {
     const QString mine = TemporaryArea::newFolder();
     ASSERT_FALSE(mine.isEmpty());
@@ -278,7 +278,7 @@ TEST_F(LibraryPlaces, AnotherProcessKeepsItsScratchFolders)
     EXPECT_FALSE(QFileInfo::exists(usual));
 }
 
-TEST_F(LibraryPlaces, AScratchFolderThatIsNotThePersonsOwnIsLeftAlone)
+TEST_F(LibraryPlacesTest, AScratchFolderThatIsNotThePersonsOwnIsLeftAlone)
 {
     const QString usual = QFile::decodeName(qgetenv("TMPDIR")) + QStringLiteral("/ZeltoTemporaryFolder");
     const QString elsewhere = inWorld(QStringLiteral("elsewhere"));
@@ -314,7 +314,7 @@ TEST_F(LibraryPlaces, AScratchFolderThatIsNotThePersonsOwnIsLeftAlone)
     }
 }
 
-TEST_F(LibraryPlaces, WithoutAPlaceOfItsOwnTheScratchFolderHasAFreshNameOrThereIsNone)
+TEST_F(LibraryPlacesTest, WithoutAPlaceOfItsOwnTheScratchFolderHasAFreshNameOrThereIsNone)
 {
     const QString usual = QFile::decodeName(qgetenv("TMPDIR")) + QStringLiteral("/ZeltoTemporaryFolder");
     TemporaryArea::takeForRemoval();
@@ -337,7 +337,7 @@ TEST_F(LibraryPlaces, WithoutAPlaceOfItsOwnTheScratchFolderHasAFreshNameOrThereI
     qputenv("TMPDIR", before);
 }
 
-TEST_F(LibraryPlaces, ALibraryNamedForOneRunIsOneOrMadeOnlyByWhatFillsIt)
+TEST_F(LibraryPlacesTest, ALibraryNamedForOneRunIsOneOrMadeOnlyByWhatFillsIt)
 {
     using LibraryLocation::Missing;
     const QString plain = inWorld(QStringLiteral("pictures"));

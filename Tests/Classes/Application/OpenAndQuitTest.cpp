@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QThread>
 
+#include <atomic>
+
 namespace {
 QString made(const QString &path)
 {
@@ -15,6 +17,26 @@ QString made(const QString &path)
     QFile file(path);
     return file.open(QIODevice::WriteOnly) ? path : QString();
 }
+
+// Changes items until it is cancelled, and finishes the batch it is at.
+class EndlessEdit : public ZQOperation
+{
+public:
+    explicit EndlessEdit(std::function<void()> lastBatch) : m_lastBatch(std::move(lastBatch)) {}
+    void main() override
+    {
+        m_hasBegun = true;
+        while (!isCancelled()) {
+            QThread::msleep(1);
+        }
+        zqOnMainThreadAndWait(m_lastBatch);
+    }
+    bool hasBegun() const { return m_hasBegun; }
+
+private:
+    std::function<void()> m_lastBatch;
+    std::atomic<bool> m_hasBegun = false;
+};
 } // namespace
 
 TEST_F(ApplicationTest, AFolderBecomesAProjectAndAFileGoesToTheLibrary)
@@ -288,4 +310,48 @@ TEST_F(ApplicationTest, RelativePathsAreRemovedOnlyBelowABase)
     delegate->waitForRemovals();
     EXPECT_TRUE(QFileInfo::exists(outside));
     EXPECT_FALSE(QFileInfo::exists(strange) || QFileInfo::exists(inside));
+}
+
+TEST_F(ApplicationTest, EditsEndWithTheBatchTheyAreAtBeforeTheWindowAndTheStoreDo)
+{
+    const QString ended = QStringLiteral("edits ended");
+    const QString saved = QStringLiteral("saved");
+    const QString gone = QStringLiteral("gone");
+    struct Case
+    {
+        const char *what;
+        std::function<void(std::unique_ptr<tamberin_AppDelegate> &)> end;
+        QStringList calls;
+    };
+    const Case cases[] = {
+        {"quitting",
+         [](auto &delegate) { EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now); },
+         {ended, saved, gone}},
+        {"the end of the process", [](auto &delegate) { delegate.reset(); }, {ended, gone}},
+        {"closing the library", [](auto &delegate) { delegate->removeManagedObjectContext(); }, {ended, gone}},
+        {"moving the library",
+         [this](auto &delegate) {
+             user.fileToSave = world.filePath(QStringLiteral("Moved.ztlibrary"));
+             delegate->moveZeltoLibrary();
+         },
+         {saved, ended, gone}},
+    };
+    for (const Case &c : cases) {
+        auto delegate = launched();
+        ZQOperationQueue &queue = delegate->editQueue();
+        EXPECT_EQ(&queue, &delegate->editQueue());
+        EXPECT_EQ(queue.maxConcurrentOperationCount(), 1);
+        window.calls.clear();
+        const LibraryStore &store = delegate->libraryStore();
+        const auto edit = std::make_shared<EndlessEdit>([&] {
+            EXPECT_TRUE(store.contextIfOpen()) << c.what;
+            window.calls.append(ended);
+        });
+        queue.addOperation(edit);
+        queue.addOperation(std::make_shared<EndlessEdit>([] { ADD_FAILURE() << "it had not begun"; }));
+        ASSERT_TRUE(comesTrue([&edit] { return edit->hasBegun(); }));
+        c.end(delegate);
+        delegate.reset();
+        EXPECT_EQ(window.calls, c.calls) << c.what;
+    }
 }

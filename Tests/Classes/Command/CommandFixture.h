@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"

@@ -392,7 +392,7 @@ TEST_F(TagCommandTest, WhatCannotBeBroughtIntoTheStoreIsLoggedAndStaysInTheFile)
     logged.clear();
     ASSERT_TRUE(OpenMeta::addUserTags(QStringList{QStringLiteral("theirs")}, path()).isNull());
     const QStringList found = fileTags();
-    const auto adoption = std::make_shared<FileTagAdoption>(*delegate);
+    const auto adoption = std::make_shared<FileTagAdoption>(delegate->libraryStore());
     FileTagsChange change;
     change.added = QStringList{QStringLiteral("theirs")};
     const auto connection = delegate->persistentStoreCoordinator()->newConnection();

@@ -1,5 +1,6 @@
 // What becomes of files, targets and places that are not there any more when their turn comes, and what is said then.
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"

@@ -1,5 +1,6 @@
 #include "Tests/Classes/Import/ImportFixture.h"
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"

@@ -1,5 +1,6 @@
 // What is dropped on the sidebar and on the grid, by the kind of the target.
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Import/AImportManager.h"

@@ -1,5 +1,6 @@
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
+#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Interface/ImportDoor.h"
 #include "Kit/Files/ZQUserDefaults.h"

@@ -268,3 +268,16 @@ TEST_F(OpenMetaBackupTest, ListsGrowWithTheFilesThereAre)
     EXPECT_EQ(there, files);
     EXPECT_LT(gone, files);
 }
+
+TEST_F(OpenMetaBackupTest, WritingTagsAsksForABackupAndTheBareStoreDoesNot)
+{
+    const QString name = AttributeStore::spotlightKey(AttributeStore::userTagsKey);
+    ASSERT_TRUE(AttributeStore::write(QStringList{QStringLiteral("a")}, name, path).isNull());
+    OpenMetaBackup::waitUntilAllWritten();
+    EXPECT_FALSE(OpenMetaBackup::lastKnown(path));
+    ASSERT_TRUE(TagAttributes::setXAttr(QStringList{QStringLiteral("b")}, name, path).isNull());
+    OpenMetaBackup::waitUntilAllWritten();
+    const auto known = OpenMetaBackup::lastKnown(path);
+    ASSERT_TRUE(known);
+    EXPECT_EQ(known->tags, QStringList{QStringLiteral("b")});
+}

@@ -1,17 +1,15 @@
-// What a library of an older version lacks after its store was migrated, and what is looked after beside the window.
+#include "Classes/Application/LibraryMigration.h"
 
 #include "Classes/Application/CoreDataMigrationWindowController.h"
+#include "Classes/Application/LibraryPlaces.h"
+#include "Classes/Application/LibraryStore.h"
 #include "Classes/Application/RatingFiller.h"
-#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Application/RunningParts.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPersistentURL.h"
-#include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
-#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QTimeZone>
 
@@ -101,19 +99,24 @@ bool applyTo(const QList<ZQObjectID> &batch, const FixUp &fixUp, ZQManagedObject
 
 } // namespace
 
-void tamberin_AppDelegate::checkModelMigration()
+LibraryMigration::LibraryMigration(LibraryPlaces &places, LibraryStore &store, RunningParts &running)
+    : m_places(places), m_store(store), m_running(running)
 {
-    const QString bundle = libraryBundleDirectory();
-    const QString path = bundle + QStringLiteral("/storedata");
+}
+
+void LibraryMigration::checkModelMigration()
+{
+    const QString bundle = m_places.libraryBundleDirectory();
+    const QString path = m_places.storePath();
     if (bundle.isEmpty() || !QFileInfo::exists(path)) {
         return;
     }
     const auto metadata = ZQPersistentStoreCoordinator::metadataForStoreAtPath(path);
-    if (!metadata || (ZQPersistentStoreCoordinator::isModelCompatible(*managedObjectModel(), *metadata) &&
+    if (!metadata || (ZQPersistentStoreCoordinator::isModelCompatible(*m_store.managedObjectModel(), *metadata) &&
                       metadata->pendingVersions.isEmpty())) {
         return;
     }
-    const auto coordinator = persistentStoreCoordinator();
+    const auto coordinator = m_store.persistentStoreCoordinator();
     if (!coordinator) {
         return;
     }
@@ -125,25 +128,25 @@ void tamberin_AppDelegate::checkModelMigration()
     }
 }
 
-bool tamberin_AppDelegate::migrateToModelVersion(const QString &version)
+bool LibraryMigration::migrateToModelVersion(const QString &version)
 {
     const auto *fixUp = std::find_if(std::begin(fixUps), std::end(fixUps),
                                      [&](const FixUp &each) { return version == QLatin1String(each.version); });
-    const auto coordinator = persistentStoreCoordinator();
+    const auto coordinator = m_store.persistentStoreCoordinator();
     if (!coordinator) {
         return false;
     }
     if (fixUp == std::end(fixUps)) {
         return version == RatingFiller::version || coordinator->clearPendingVersion(version);
     }
-    CoreDataMigrationWindowController window(userInteraction());
+    CoreDataMigrationWindowController window(m_running.userInteraction());
     window.showWindow();
     ZQManagedObjectContext context(coordinator);
     const auto ids = itemsLacking(*fixUp, context);
     if (!ids) {
         return false;
     }
-    const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) { mergeSaved(saved); });
+    const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) { m_store.mergeSaved(saved); });
     window.setMaximum(static_cast<double>(ids->size()));
     std::optional<LiveFolderRoots> roots;
     if (fixUp->findsFiles) {
@@ -154,64 +157,10 @@ bool tamberin_AppDelegate::migrateToModelVersion(const QString &version)
         ZQError error;
         if (!applyTo(batch, *fixUp, context, &error)) {
             window.hideWindow();
-            userInteraction().presentError(error);
+            m_running.userInteraction().presentError(error);
             return false;
         }
         window.advanceBy(static_cast<double>(batch.size()));
     }
     return coordinator->clearPendingVersion(version);
-}
-
-void tamberin_AppDelegate::mergeSaved(const ZQContextDidSave &notification)
-{
-    if (m_context) {
-        m_context->mergeChangesFromContextDidSaveNotification(notification);
-    }
-}
-
-void tamberin_AppDelegate::startStoreWork()
-{
-    const auto coordinator = m_coordinator;
-    if (!coordinator) {
-        return;
-    }
-    m_storeStop = std::stop_source();
-    // Not among the imports: those would wait for it, and quitting would ask about it.
-    m_storeQueue = std::make_unique<ZQOperationQueue>(QStringLiteral("store"), 1);
-    const std::stop_token stop = m_storeStop.get_token();
-    if (coordinator->needsCheck()) {
-        m_storeQueue->addOperationWithBlock([coordinator, stop] {
-            const ZQStoreCheckResult result = coordinator->check(stop);
-            if (!result.problems.isEmpty()) {
-                zqOnMainThread([problems = result.problems] {
-                    if (tamberin_AppDelegate *delegate = sharedDelegate()) {
-                        delegate->reportDamage(problems);
-                    }
-                });
-            }
-        });
-    }
-    m_storeQueue->addOperationWithBlock([coordinator, stop] {
-        RatingFiller(coordinator, [](const ZQContextDidSave &saved) {
-            zqOnMainThread([saved] {
-                if (tamberin_AppDelegate *delegate = sharedDelegate()) {
-                    delegate->mergeSaved(saved);
-                }
-            });
-        }).run([&stop] { return !stop.stop_requested(); });
-    });
-}
-
-void tamberin_AppDelegate::stopStoreWork()
-{
-    stopLeftoverCheck();
-    if (!m_storeQueue) {
-        return;
-    }
-    m_storeStop.request_stop();
-    m_storeQueue->cancelAllOperations();
-    // What it saved last is on its way into the main context, whose own save would otherwise meet newer rows.
-    zqRunMainLoopUntil([this] { return m_storeQueue->operationCount() == 0; });
-    m_storeQueue.reset();
-    QCoreApplication::sendPostedEvents();
 }

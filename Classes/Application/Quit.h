@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QStringList>
+
+class LeftoverCheck;
+class LibraryPlaces;
+class LibraryRemovals;
+class LibraryStore;
+class RunningParts;
+class StoreWork;
+
+enum class TerminateReply { Cancel = 0, Now = 1 };
+
+// Quitting: what runs is drained, state is kept, what was deleted goes for good. The store is written before any file
+// is removed, so that a kill in between leaves directories without items, never items without files. Main thread; the
+// main loop is served while imports and edits end.
+class Quit
+{
+public:
+    Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, LeftoverCheck &leftovers,
+         StoreWork &storeWork, LibraryRemovals &removals);
+
+    // Called off by the person, everything goes on. A save that fails is asked about.
+    TerminateReply applicationShouldTerminate();
+    // Asks that and, when it agrees, ends the event loop.
+    void terminate();
+    // Whether imports ended, or none ran; false when the person wants them to go on.
+    bool stopRunningImports();
+    // Of the open store: offers to quit, recover it and open again.
+    void reportDamage(const QStringList &problems);
+
+    bool hasQuit() const { return m_hasQuit; } // perhaps while the launch waited for an answer
+    // Whether the person agreed to quit only so that the next launch recovers the library.
+    bool reopensAfterQuit() const { return m_reopensAfterQuit; }
+
+private:
+    QStringList purge();
+    void removePurged();
+
+    RunningParts &m_running;
+    LibraryPlaces &m_places;
+    LibraryStore &m_store;
+    LeftoverCheck &m_leftovers;
+    StoreWork &m_storeWork;
+    LibraryRemovals &m_removals;
+    QStringList m_notedRemovals; // by every attempt to quit
+    bool m_isTerminating = false;
+    bool m_hasQuit = false;
+    bool m_reopensAfterQuit = false;
+};

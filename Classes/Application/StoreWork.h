@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+class LeftoverCheck;
+class LibraryStore;
+class ZQOperationQueue;
+
+// What the open store still needs and the person need not wait for: the whole check of a suspected store, then the
+// ratings of an older library, on a queue of its own. Called on the main thread; what it finds arrives there.
+class StoreWork : public QObject
+{
+public:
+    StoreWork(LibraryStore &store, LeftoverCheck &leftovers,
+              std::function<void(const QStringList &problems)> didFindDamage);
+    ~StoreWork() override;
+
+    void start();
+    // Ends it and the check of leftovers, with the main loop served until what was saved last has arrived. Before the
+    // store closes; no harm where nothing runs.
+    void stop();
+
+private:
+    LibraryStore &m_store;
+    LeftoverCheck &m_leftovers;
+    std::function<void(const QStringList &)> m_didFindDamage;
+    std::unique_ptr<ZQOperationQueue> m_queue;
+    std::stop_source m_stop;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "Classes/Tags/TagBackupStore.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+// Makes the copies of files' tags, on a thread of its own, once for all requests of about half a second.
+//
+// No request is lost: it is noted in a file before `add` returns, what another process or a full disk holds up is tried
+// again, and what a killed process leaves is copied by the next one. Any thread; costs its callers a lock and, for a
+// path that does not wait already, a line of the note. Never takes a lock on a path while it holds its own.
+class TagBackupQueue
+{
+public:
+    static TagBackupQueue &shared();
+    ~TagBackupQueue();
+
+    void add(const QString &path, const QByteArray &seen = {}); // `seen`: a record that found no room in the file
+    // Returns also when the copies cannot be made; they stay noted.
+    void flush();
+    // Whether the copy is known to be older than what the file had.
+    bool isOutdated(const QString &path);
+    std::shared_ptr<TagBackupStore> store();
+
+    static QString folder(); // where the copies are
+    // What a copy of this file would hold. Nothing: the file says nothing of its tags, or not everything could be read,
+    // so what is kept of it stays. An empty backup: it says that it has none.
+    static std::optional<TagBackup> backupOf(const QString &path);
+    static bool hasAnyOfOurs(const QStringList &names); // of a file's attributes
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::shared_ptr<TagBackupStore> storeOfFolder();
+    void enqueue(const QString &path);
+    void gather(std::unique_lock<std::mutex> &lock);
+    void run();
+    void finishRound(bool isStored, const QSet<QString> &paths, const QHash<QString, QByteArray> &seen,
+                     TagBackupStore &store);
+    static bool copy(const QSet<QString> &paths, const QHash<QString, QByteArray> &seen, TagBackupStore &store);
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::condition_variable m_done;
+    QSet<QString> m_pending;
+    QSet<QString> m_takenOver;               // of them, those that a killed process left
+    QHash<QString, QByteArray> m_seen;       // records that found no room in the files
+    int m_failures = 0;                      // rounds since the last that succeeded
+    std::shared_ptr<TagBackupStore> m_store; // for what is pending
+    std::shared_ptr<TagBackupStore> m_current;
+    QString m_currentFolder;
+    Clock::time_point m_lastRequest;
+    bool m_flushes = false;
+    bool m_isBusy = false;
+    bool m_stops = false;
+    std::thread m_thread;
+};
