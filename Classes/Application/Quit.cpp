@@ -20,8 +20,6 @@
 namespace {
 constexpr std::chrono::milliseconds drainStep{400};
 constexpr int pathsPerRemoval = 1000;
-constexpr int centreOfWindow = 0;
-constexpr double notificationSeconds = 2.5;
 } // namespace
 
 Quit::Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, LeftoverCheck &leftovers,
@@ -33,7 +31,8 @@ Quit::Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, Le
 
 bool Quit::stopRunningImports()
 {
-    ZQOperationQueue *sync = m_running.liveFolderManager() ? &m_running.liveFolderManager()->syncOperationQueue() : nullptr;
+    ZQOperationQueue *sync =
+        m_running.liveFolderManager() ? &m_running.liveFolderManager()->syncOperationQueue() : nullptr;
     const auto isIdle = [&] {
         return m_running.backgroundQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
     };
@@ -54,8 +53,8 @@ bool Quit::stopRunningImports()
     if (sync) {
         sync->cancelAllOperations();
     }
-    m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow,
-                                                         notificationSeconds);
+    m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), NotificationPlace::Window,
+                                                         usualNotificationTime);
     const auto isDrained = [&] {
         m_running.userInteraction().dismissQuestions(); // an import may come to one while it ends
         return isIdle();
@@ -94,8 +93,8 @@ TerminateReply Quit::applicationShouldTerminate()
         return TerminateReply::Cancel;
     }
     m_storeWork.stop();
-    m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), centreOfWindow,
-                                                         notificationSeconds);
+    m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), NotificationPlace::Window,
+                                                         usualNotificationTime);
     m_running.cancelEdits();
     if (MainWindowControlling *const window = m_running.window()) {
         window->savePersistentState();

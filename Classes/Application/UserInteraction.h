@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -69,6 +70,11 @@ struct FileChoice
     bool several = false;
 };
 
+// Where a notification is shown.
+enum class NotificationPlace { Window = 0, Browser = 1, Sidebar = 2 };
+
+constexpr std::chrono::milliseconds usualNotificationTime{2500};
+
 // The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's
 // sheets, the command line's flags and prompts, a script in tests. A question without a person to answer it takes the
 // answer that changes least.
@@ -79,8 +85,9 @@ public:
 
     virtual void presentError(const ZQError &error) = 0; // an alert with "OK"
     virtual int ask(const UserQuestion &question) = 0;   // the index of the button
-    // Fades in and goes by itself. Position: 0 centre of the window, 1 browser, 2 sidebar.
-    virtual void showNotificationWithText(const QString &text, int position, double seconds) = 0;
+    // Fades in over its place and goes by itself.
+    virtual void showNotificationWithText(const QString &text, NotificationPlace position,
+                                          std::chrono::milliseconds time) = 0;
     virtual void showSystemNotification(const QString &title, const QString &text) = 0;
     virtual QStringList chooseFilesToOpen(const FileChoice &choice) = 0; // empty: cancelled
     virtual std::optional<QString> chooseFileToSave(const FileChoice &choice) = 0;

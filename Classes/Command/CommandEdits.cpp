@@ -20,9 +20,10 @@ public:
         m_command.fail(error.localizedDescription());
     }
     int ask(const UserQuestion &question) override { return m_user.ask(question); }
-    void showNotificationWithText(const QString &text, int position, double seconds) override
+    void showNotificationWithText(const QString &text, NotificationPlace position,
+                                  std::chrono::milliseconds time) override
     {
-        m_user.showNotificationWithText(text, position, seconds);
+        m_user.showNotificationWithText(text, position, time);
     }
     void showSystemNotification(const QString &title, const QString &text) override
     {

@@ -74,7 +74,7 @@ int CommandUserInteraction::ask(const UserQuestion &question)
     return static_cast<int>(question.buttons.size()) - 1;
 }
 
-void CommandUserInteraction::showNotificationWithText(const QString &, int, double)
+void CommandUserInteraction::showNotificationWithText(const QString &, NotificationPlace, std::chrono::milliseconds)
 {
     // The command's own report says it; a line of its own would say it twice.
 }

@@ -1,5 +1,6 @@
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"

@@ -293,8 +293,8 @@ bool SidebarCommands::validateNewTagTitle(const QString &text, const Item &forTa
     const auto other = ZQSidebarTag::tagWithTagName(title, m_edits.context);
     const bool isTaken = other && other != forTag;
     if (title.isEmpty() || isTaken) {
-        m_edits.user.showNotificationWithText(zqLocalized(isTaken ? "Tag already exist!" : "Tag needs a name!"), 2,
-                                              2.5);
+        m_edits.user.showNotificationWithText(zqLocalized(isTaken ? "Tag already exist!" : "Tag needs a name!"),
+                                              NotificationPlace::Sidebar, usualNotificationTime);
         return false;
     }
     if (title != forTag->title()) {
@@ -309,7 +309,8 @@ bool SidebarCommands::validateNewTitle(const QString &title, const Item &forSide
         return validateNewTagTitle(title, forSidebarItem);
     }
     if (title.isEmpty()) {
-        m_edits.user.showNotificationWithText(zqLocalized("Please pick a name!"), 2, 2.5);
+        m_edits.user.showNotificationWithText(zqLocalized("Please pick a name!"), NotificationPlace::Sidebar,
+                                              usualNotificationTime);
         return false;
     }
     if (forSidebarItem && title != forSidebarItem->title()) {

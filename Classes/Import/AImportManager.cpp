@@ -1,6 +1,7 @@
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/TemporaryFolder.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/DirectoriesLeft.h"
 #include "Classes/Import/ImportErrors.h"
@@ -25,8 +26,6 @@
 #include <QFileInfo>
 
 namespace {
-
-constexpr int defaultPosition = 0;
 
 tamberin_AppDelegate &application()
 {
@@ -105,7 +104,7 @@ void AImportManager::announceQueued(const QStringList &paths)
     const QString text = paths.size() == 1
                              ? zqLocalized("1 item added to the import queue")
                              : zqFormat(zqLocalized("%d items added to the import queue"), {paths.size()});
-    application().userInteraction().showNotificationWithText(text, defaultPosition, 2.5);
+    application().userInteraction().showNotificationWithText(text, NotificationPlace::Window, usualNotificationTime);
 }
 
 void AImportManager::importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr int browserPosition = 1;
 constexpr std::chrono::duration<double> longEnoughToBeElsewhere(20.0);
 
 QString textForDropped(const QList<DroppedFile> &told)
@@ -82,9 +81,9 @@ void BatchResult::tell(bool hasFollowUps, bool wasCancelled)
                           !(m_batch.hasArchives && m_batch.request.paths.size() == 1);
     const bool gaveNothing = !hasFollowUps && !m_batch.isProcessed;
     if (m_batch.record.report().isUnfinished()) {
-        notify(m_resumption.textForUnfinished(), 6.0);
+        notify(m_resumption.textForUnfinished(), std::chrono::seconds(6));
     } else if (gaveNothing && !wasCancelled) {
-        notify(zqLocalized("Nothing to import!"), 2.0);
+        notify(zqLocalized("Nothing to import!"), std::chrono::seconds(2));
     }
     if (isWanted) {
         const QString title = gaveNothing ? zqLocalized("Import Invalid") : zqLocalized("Import Successful");
@@ -116,13 +115,13 @@ void BatchResult::tellDropped()
         texts.append(textForIncomplete(incomplete));
     }
     if (!texts.isEmpty()) {
-        notify(texts.join(u'\n'), 6.0);
+        notify(texts.join(u'\n'), std::chrono::seconds(6));
     }
 }
 
-void BatchResult::notify(const QString &text, double seconds)
+void BatchResult::notify(const QString &text, std::chrono::milliseconds time)
 {
     m_batch.record.report().addNotification(text);
     zqOnMainThread(
-        [&user = m_batch.user, text, seconds] { user.showNotificationWithText(text, browserPosition, seconds); });
+        [&user = m_batch.user, text, time] { user.showNotificationWithText(text, NotificationPlace::Browser, time); });
 }

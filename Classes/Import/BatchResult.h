@@ -24,7 +24,7 @@ public:
 
 private:
     void tellDropped();
-    void notify(const QString &text, double seconds);
+    void notify(const QString &text, std::chrono::milliseconds time);
 
     BatchState &m_batch;
     const BatchResumption &m_resumption;

@@ -1,5 +1,6 @@
 #include "Classes/Import/ImportErrors.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/ImportKind.h"
 #include "Kit/Foundation/ZQLocalized.h"

@@ -1,6 +1,7 @@
 #include "Classes/Import/PendingImports.h"
 
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportOperation.h"
@@ -8,6 +9,7 @@
 #include "Classes/Import/PendingImport.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <QFileInfo>

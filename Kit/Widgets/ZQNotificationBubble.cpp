@@ -26,7 +26,7 @@ ZQNotificationBubble::ZQNotificationBubble(QWidget *window) : QWidget(window)
     hide();
 }
 
-void ZQNotificationBubble::showText(const QString &text, QWidget *place, bool inMiddle, double seconds)
+void ZQNotificationBubble::showText(const QString &text, QWidget *place, bool inMiddle, std::chrono::milliseconds time)
 {
     m_text = text;
     m_place = place;
@@ -37,7 +37,7 @@ void ZQNotificationBubble::showText(const QString &text, QWidget *place, bool in
     show();
     update();
     fade(1);
-    m_timer.start(int(std::max(0.5, seconds) * 1000));
+    m_timer.start(std::max<std::chrono::milliseconds>(std::chrono::milliseconds(500), time));
     QAccessibleEvent event(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);
 }

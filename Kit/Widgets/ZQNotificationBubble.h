@@ -4,6 +4,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <chrono>
+
 class QPropertyAnimation;
 
 // A short text that fades in over a widget, goes by itself and is read out by screen readers. One at a time for each
@@ -14,7 +16,7 @@ class ZQNotificationBubble : public QWidget
 public:
     explicit ZQNotificationBubble(QWidget *window);
     // In the lower part of `place` (a child of the window, or the window), or in its middle.
-    void showText(const QString &text, QWidget *place, bool inMiddle, double seconds);
+    void showText(const QString &text, QWidget *place, bool inMiddle, std::chrono::milliseconds time);
     QString text() const { return m_text; }
 
 protected:

@@ -34,9 +34,10 @@ int ScriptedUser::ask(const UserQuestion &question)
     return answerQuestion ? answerQuestion(question) : int(question.buttons.size()) - 1;
 }
 
-void ScriptedUser::showNotificationWithText(const QString &text, int position, double seconds)
+void ScriptedUser::showNotificationWithText(const QString &text, NotificationPlace position,
+                                            std::chrono::milliseconds time)
 {
-    notifications.append({text, position, seconds});
+    notifications.append({text, position, time});
 }
 
 void ScriptedUser::showSystemNotification(const QString &title, const QString &)

@@ -14,8 +14,8 @@ public:
     struct Notification
     {
         QString text;
-        int position;
-        double seconds;
+        NotificationPlace position;
+        std::chrono::milliseconds time;
     };
 
     std::function<int(const UserQuestion &)> answerQuestion;
@@ -54,7 +54,8 @@ public:
         onError();
     }
     int ask(const UserQuestion &question) override;
-    void showNotificationWithText(const QString &text, int position, double seconds) override;
+    void showNotificationWithText(const QString &text, NotificationPlace position,
+                                  std::chrono::milliseconds time) override;
     void showSystemNotification(const QString &title, const QString &text) override;
     QStringList chooseFilesToOpen(const FileChoice &choice) override;
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;

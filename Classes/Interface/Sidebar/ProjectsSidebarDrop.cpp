@@ -135,5 +135,6 @@ void ProjectsSidebarViewController::newSidebarItemFromDropFiles(const QStringLis
             editTitle(project);
         }
     }
-    m_window.user.showNotificationWithText(zqLocalized("New project created"), 2, 2.5);
+    m_window.user.showNotificationWithText(zqLocalized("New project created"), NotificationPlace::Sidebar,
+                                           usualNotificationTime);
 }

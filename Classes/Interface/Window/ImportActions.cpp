@@ -46,7 +46,8 @@ void ImportActions::pasteFromClipboard()
     const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
     const auto into = target(takesContent);
     if (!into || !mime || !ImportDoor::carriesContent(mime)) {
-        m_window.user.showNotificationWithText(zqLocalized("There is no picture or file on the clipboard"), 1, 2.5);
+        m_window.user.showNotificationWithText(zqLocalized("There is no picture or file on the clipboard"),
+                                               NotificationPlace::Browser, usualNotificationTime);
         return;
     }
     ImportDoor::importPasteboard(mime, into.get(), ZQSidebarBaseItem::appendIndex);

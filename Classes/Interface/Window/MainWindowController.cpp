@@ -18,6 +18,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QApplication>
@@ -424,7 +425,8 @@ void MainWindowController::selectSidebarItem(const ZQObjectID &item)
 
 void MainWindowController::newFileFromTemplate()
 {
-    m_user.showNotificationWithText(zqLocalized("The template was added"), 0, 2.5);
+    m_user.showNotificationWithText(zqLocalized("The template was added"), NotificationPlace::Window,
+                                    usualNotificationTime);
 }
 
 bool MainWindowController::commitEditing()

@@ -167,22 +167,23 @@ int WindowUserInteraction::ask(const UserQuestion &question)
     return int(chosen < 0 ? question.buttons.size() - 1 : chosen);
 }
 
-void WindowUserInteraction::showNotificationWithText(const QString &text, int position, double seconds)
+void WindowUserInteraction::showNotificationWithText(const QString &text, NotificationPlace position,
+                                                     std::chrono::milliseconds time)
 {
     if (!zqIsMainThread()) {
-        zqOnMainThread([this, text, position, seconds] { showNotificationWithText(text, position, seconds); });
+        zqOnMainThread([this, text, position, time] { showNotificationWithText(text, position, time); });
         return;
     }
     if (!hasWindow()) {
         return;
     }
-    const int slot = std::clamp(position, 0, 2);
+    const auto slot = size_t(position);
     QWidget *places[] = {m_places.window, m_places.browser, m_places.sidebar};
     QWidget *place = places[slot] && places[slot]->isVisible() ? places[slot] : m_places.window.data();
     if (!m_bubbles[slot]) {
         m_bubbles[slot] = new ZQNotificationBubble(m_places.window);
     }
-    m_bubbles[slot]->showText(text, place, slot == 0, seconds);
+    m_bubbles[slot]->showText(text, place, position == NotificationPlace::Window, time);
 }
 
 void WindowUserInteraction::showSystemNotification(const QString &title, const QString &text)
@@ -193,7 +194,7 @@ void WindowUserInteraction::showSystemNotification(const QString &title, const Q
     call << QStringLiteral("Zelto") << 0U << QStringLiteral("zelto") << title << text << QStringList() << QVariantMap()
          << -1;
     if (!QDBusConnection::sessionBus().send(call)) {
-        showNotificationWithText(title, 0, 3);
+        showNotificationWithText(title, NotificationPlace::Window, std::chrono::seconds(3));
     }
 }
 

@@ -28,7 +28,8 @@ public:
 
     void presentError(const ZQError &error) override;
     int ask(const UserQuestion &question) override;
-    void showNotificationWithText(const QString &text, int position, double seconds) override;
+    void showNotificationWithText(const QString &text, NotificationPlace position,
+                                  std::chrono::milliseconds time) override;
     void showSystemNotification(const QString &title, const QString &text) override;
     QStringList chooseFilesToOpen(const FileChoice &choice) override;
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;

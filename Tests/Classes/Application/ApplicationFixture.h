@@ -32,8 +32,6 @@ public:
         int made = 0;
         int madeKey = 0;
         int savedState = 0;
-        int cancelledEdits = 0;
-        int cancelledWhenSaved = 0; // edits, when the state was saved
         int templates = 0;
         int localized = 0;
         bool takesTyping = true;
@@ -54,11 +52,9 @@ public:
     void activateIgnoringOtherApps() override { m_state.calls.append(QStringLiteral("activated")); }
     void selectSidebarItem(const ZQObjectID &item) override { m_state.selected.append(item); }
     void newFileFromTemplate() override { ++m_state.templates; }
-    void cancelEdits() override { ++m_state.cancelledEdits; }
     void savePersistentState() override
     {
         ++m_state.savedState;
-        m_state.cancelledWhenSaved = m_state.cancelledEdits;
         m_state.calls.append(QStringLiteral("saved"));
     }
     bool commitEditing() override { return m_state.takesTyping; }

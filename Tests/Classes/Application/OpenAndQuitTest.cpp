@@ -180,8 +180,8 @@ TEST_F(ApplicationTest, RunningImportsAreAskedAboutAndCancelledOnlyWhenThePerson
     EXPECT_TRUE(operation->isFinished());
     EXPECT_TRUE(waiting->isCancelled());
     EXPECT_EQ(keptThen, QList<bool>{true});
-    EXPECT_EQ(user.notifications.first().position, 0);
-    EXPECT_EQ(user.notifications.first().seconds, 2.5);
+    EXPECT_EQ(user.notifications.first().position, NotificationPlace::Window);
+    EXPECT_EQ(user.notifications.first().time, usualNotificationTime);
     EXPECT_EQ(imports.keptCancelled, (QList<bool>{true, false})); // it is offered at the next launch
     EXPECT_TRUE(user.notificationTexts().contains(QStringLiteral("Cleaning up library")));
 }

@@ -182,7 +182,7 @@ TEST(CommandUserInteraction, AnswersWithWhatChangesLeastOrAsItWasTold)
     EXPECT_FALSE(user.chooseFileToSave({}));
     testing::internal::CaptureStderr();
     user.presentError(ZQError::with(QStringLiteral("domain"), 1, QStringLiteral("it broke")));
-    user.showNotificationWithText(QStringLiteral("shown"), 0, 1);
+    user.showNotificationWithText(QStringLiteral("shown"), NotificationPlace::Window, std::chrono::seconds(1));
     user.showSystemNotification(QStringLiteral("shown"), QStringLiteral("shown"));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "zelto: it broke\n");
 

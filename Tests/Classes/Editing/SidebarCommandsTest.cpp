@@ -180,7 +180,7 @@ TEST_F(SidebarCommandsTest, RenamingRefusesAnEmptyTitleAndCanBeUndone)
     const Item project = addProject(QStringLiteral("Old"));
     EXPECT_FALSE(commands.validateNewTitle(QString(), project));
     EXPECT_EQ(user.notificationTexts(), QStringList{"Please pick a name!"});
-    EXPECT_EQ(user.notifications.first().position, 2);
+    EXPECT_EQ(user.notifications.first().position, NotificationPlace::Sidebar);
     EXPECT_EQ(project->title(), QStringLiteral("Old"));
     int told = 0;
     const auto token = ZQNotificationCenter::defaultCenter().addObserver(

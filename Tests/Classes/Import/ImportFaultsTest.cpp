@@ -192,8 +192,8 @@ TEST_F(ImportFaults, WhatWasDroppedIsToldInOneSentence)
         const auto operation = import(paths);
         ASSERT_EQ(user.notifications.size(), 1);
         EXPECT_TRUE(user.notifications.first().text.startsWith(said)) << user.notifications.first().text.toStdString();
-        EXPECT_EQ(user.notifications.first().position, 1);
-        EXPECT_EQ(user.notifications.first().seconds, 6);
+        EXPECT_EQ(user.notifications.first().position, NotificationPlace::Browser);
+        EXPECT_EQ(user.notifications.first().time, std::chrono::seconds(6));
         EXPECT_EQ(operation->report().notifications(), user.notificationTexts());
         ASSERT_FALSE(user.progresses.isEmpty());
         EXPECT_EQ(user.progresses.last()->text, QStringLiteral("Importing…"));

@@ -189,8 +189,8 @@ TEST_F(ImportOperationTest, ImportingNothingUsefulSaysSo)
     import({writeFile(QStringLiteral("text.txt"), "x")});
     ASSERT_EQ(user.notifications.size(), 1);
     EXPECT_EQ(user.notifications.first().text, QStringLiteral("Nothing to import!"));
-    EXPECT_EQ(user.notifications.first().position, 1);
-    EXPECT_EQ(user.notifications.first().seconds, 2.0);
+    EXPECT_EQ(user.notifications.first().position, NotificationPlace::Browser);
+    EXPECT_EQ(user.notifications.first().time, std::chrono::seconds(2));
     EXPECT_TRUE(user.systemNotifications.isEmpty());
 }
 
@@ -391,7 +391,7 @@ TEST_F(ImportOperationTest, TheQueueIsAnnouncedFromTheSecondImportOn)
     manager.importFilesAtPaths({a, b}, nullptr);
     ASSERT_FALSE(user.notifications.isEmpty());
     EXPECT_EQ(user.notifications.first().text, QStringLiteral("2 items added to the import queue"));
-    EXPECT_EQ(user.notifications.first().seconds, 2.5);
+    EXPECT_EQ(user.notifications.first().time, usualNotificationTime);
     user.answerDuplicates = [](const QList<DuplicatePair> &pairs) {
         return QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard);
     };

@@ -476,8 +476,8 @@ TEST_F(ResumeTest, FilesOfSeveralFoldersAreMissedInTheOneThatHoldsThem)
         QStringLiteral("2 files or folders cannot be found in “%1”. The import is kept: go on with it once that is "
                        "mended, or forget it.")
             .arg(path(QStringLiteral("disk"))));
-    EXPECT_EQ(user.notifications.first().position, 1);
-    EXPECT_EQ(user.notifications.first().seconds, 6);
+    EXPECT_EQ(user.notifications.first().position, NotificationPlace::Browser);
+    EXPECT_EQ(user.notifications.first().time, std::chrono::seconds(6));
     offer(forgetButton);
     cutOff(request({QStringLiteral("/gone1/a.png"), QStringLiteral("/gone2/a.png")}), {});
     offer(continueButton);

@@ -399,7 +399,7 @@ TEST_F(SheetsTest, DuplicatesSayWhatIsKnownOfBoth)
 TEST_F(SheetsTest, ErrorsAndQuestionsWithoutAWindowAreDialogs)
 {
     WindowUserInteraction user;
-    user.showNotificationWithText(QStringLiteral("nobody sees it"), 0, 1);
+    user.showNotificationWithText(QStringLiteral("nobody sees it"), NotificationPlace::Window, std::chrono::seconds(1));
     UserQuestion question;
     question.message = QStringLiteral("Sure?");
     question.informativeText = QStringLiteral("More");

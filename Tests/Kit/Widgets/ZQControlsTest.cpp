@@ -376,16 +376,16 @@ TEST(ZQNotificationBubble, StandsWhereItBelongsAndGoesByItself)
                             .boundingRect(QRect(0, 0, 344, 1000), int(Qt::AlignCenter) | Qt::TextWordWrap, text)
                             .size();
     const QSize size = words + QSize(54, 40);
-    bubble->showText(text, &place, false, 30);
+    bubble->showText(text, &place, false, std::chrono::seconds(30));
     EXPECT_EQ(bubble->text(), text);
     EXPECT_EQ(bubble->accessibleName(), text);
     EXPECT_EQ(bubble->geometry(), QRect(QPoint(100 + (400 - size.width()) / 2, 300 - size.height() - 56), size));
     EXPECT_TRUE(bubble->isVisible());
     EXPECT_EQ(window.children().last(), bubble) << "above everything";
-    bubble->showText(text, &place, true, 30);
+    bubble->showText(text, &place, true, std::chrono::seconds(30));
     EXPECT_EQ(bubble->geometry(), QRect(QPoint(100 + (400 - size.width()) / 2, (300 - size.height()) / 2), size));
     place.resize(400, 40);
-    bubble->showText(text, &place, false, 30);
+    bubble->showText(text, &place, false, std::chrono::seconds(30));
     EXPECT_EQ(bubble->y(), 0) << "stays within the window";
     place.resize(400, 300);
     window.resize(600, 501); // the place is laid out anew by then
@@ -396,18 +396,18 @@ TEST(ZQNotificationBubble, StandsWhereItBelongsAndGoesByItself)
     const QString words20 = QStringLiteral("words and words ").repeated(20);
     for (const auto &[width, widest] : {std::pair{1000, 420 - 32 + 54}, {300, 300 - 24 - 32 + 54}, {50, 80 + 54}}) {
         place.resize(width, 300);
-        bubble->showText(words20, &place, false, 30);
+        bubble->showText(words20, &place, false, std::chrono::seconds(30));
         EXPECT_LE(bubble->width(), widest) << width;
         EXPECT_GT(bubble->width(), widest - 60) << width;
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->graphicsEffect()->property("opacity").toDouble() == 1; }, 20000));
     place.resize(500, 300);
-    bubble->showText(text, &place, false, 30);
+    bubble->showText(text, &place, false, std::chrono::seconds(30));
     EXPECT_EQ(pixelOf(*bubble, {size.width() / 2, 14}), zqColor(ZQColorRole::Raised2));
     QTest::mouseClick(bubble, Qt::LeftButton);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000)) << "a click sends it away";
     window.resize(600, 510);
-    bubble->showText(text, &place, false, 0);
+    bubble->showText(text, &place, false, std::chrono::seconds(0));
     EXPECT_TRUE(bubble->isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000)) << "and so does its time";
     delete bubble;
