@@ -45,8 +45,8 @@ public:
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override
     {
-        cancelWork = [this, work = std::move(cancel)] {
-            isCancelled = true;
+        cancelWork = [isCancelled = isCancelled, work = std::move(cancel)] {
+            *isCancelled = true;
             work();
         };
         return m_user.beginProgress(text, maximum, cancelWork);
@@ -54,7 +54,7 @@ public:
 
     std::function<void()> cancelWork; // that runs or waits; null for what is too short
     bool hasFailed = false;
-    bool isCancelled = false;
+    const std::shared_ptr<bool> isCancelled = std::make_shared<bool>(false); // the button may outlive this
 
 private:
     CommandContext &m_command;
@@ -101,7 +101,7 @@ int CommandEdits::finish(qsizetype count, const char *one, const char *several)
         m_command.store().rollback();
         return 2;
     }
-    if (m_user->isCancelled) {
+    if (*m_user->isCancelled) {
         return m_command.fail(zqLocalized("it was cancelled; what was changed before that stays so"));
     }
     m_command.print(count == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {count}));

@@ -228,6 +228,8 @@ TEST_F(SidebarCommandsTest, NewTagsAreNumberedAndOnlyGoWhenThePersonAgrees)
     EXPECT_EQ(user.questions.first().message, QStringLiteral("Are you sure you want to delete these tags?"));
     EXPECT_EQ(user.questions.last().message, QStringLiteral("Are you sure you want to delete this tag?"));
     EXPECT_TRUE(user.questions.last().suppressionKey.isEmpty());
+    EXPECT_EQ(user.questions.last().buttons, (QStringList{QStringLiteral("Delete"), QStringLiteral("Cancel")}));
+    EXPECT_TRUE(user.questions.last().isDestructive);
 }
 
 TEST_F(SidebarCommandsTest, ARenamedTagIsWrittenToTheFilesOfAllItTags)

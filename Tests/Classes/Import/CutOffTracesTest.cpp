@@ -133,6 +133,22 @@ TEST_F(CutOffTraces, OnlyTheLastSaveOfAListMayHaveFailed)
     EXPECT_FALSE(traces().since) << "a list that cannot be read explains nothing";
 }
 
+TEST_F(CutOffTraces, SeveralAccountForAllTheySavedSinceTheFirstBegan)
+{
+    EXPECT_FALSE(AImportManager::sharedAImportManager().cutOffImportSince());
+    for (const char *saved : {"1", "2"}) {
+        const auto file = request();
+        ASSERT_TRUE(file && file->addSources(source(QString::fromLatin1(saved))) && file->addSources(source({})));
+    }
+    reopen();
+    auto &manager = AImportManager::sharedAImportManager();
+    const auto first = manager.cutOffImportSince();
+    const CutOffImports all = manager.tracesOfCutOffImports()({QStringLiteral("1"), QStringLiteral("2")});
+    EXPECT_EQ(all.saved, (QSet<QString>{QStringLiteral("1"), QStringLiteral("2")}));
+    ASSERT_TRUE(first && all.since);
+    EXPECT_EQ(*all.since, *first);
+}
+
 TEST_F(CutOffTraces, WhatWasLookedThroughExplainsNothingUntilItGoesOn)
 {
     {

@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <numeric>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -414,6 +415,8 @@ TEST_F(ImportOperationTest, TagsOfOneTitleBecomeOneWithAllTheirItems)
     const auto first = addTag(QStringLiteral("Red"));
     const auto second = addTag(QStringLiteral("Red"));
     const auto other = addTag(QStringLiteral("red "));
+    second->setOrder(first->order() + 1);
+    other->setOrder(first->order() + 2);
     item(QStringLiteral("a"))->addTagsObject(first.get());
     item(QStringLiteral("b"))->addTagsObject(second.get());
     delegate->saveAction();
@@ -424,6 +427,14 @@ TEST_F(ImportOperationTest, TagsOfOneTitleBecomeOneWithAllTheirItems)
     ASSERT_EQ(tags->size(), 1);
     EXPECT_EQ(tags->first()->taggedItems().size(), 2);
     EXPECT_TRUE(other->managedObjectContext());
+    const auto label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(context());
+    QList<qint32> orders;
+    for (const auto &tag : label->orderedChildren()) {
+        orders.append(tag->order());
+    }
+    QList<qint32> numbers(orders.size());
+    std::iota(numbers.begin(), numbers.end(), 0);
+    EXPECT_EQ(orders, numbers) << "none is missing where one went";
 }
 
 TEST_F(ImportOperationTest, AFailedSaveLosesNoSourceAndLeavesNoDirectory)

@@ -4,6 +4,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQProgressLine.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Tests/Classes/Interface/DesktopListener.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -305,6 +306,7 @@ TEST_F(SheetsTest, WhatIsNotToBeAskedAgainIsKept)
 
 TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
 {
+    const DesktopListener desktop;
     WindowUserInteraction user;
     user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
     const QList<FileConflict> asked = {{QStringLiteral("/in/a"), false, true},
@@ -326,7 +328,7 @@ TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
         QString states;
         for (int row = 0; row < 3; ++row) {
             states += list->item(row)->checkState() == Qt::Checked ? u'+' : u'-';
-            EXPECT_TRUE(list->item(row)->flags() & Qt::ItemIsUserCheckable);
+            EXPECT_EQ(list->item(row)->flags(), Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
             EXPECT_EQ(list->item(row)->text(), asked[row].path);
             EXPECT_EQ(list->item(row)->foreground().color(),
                       zqColor(row == 0 ? ZQColorRole::Danger : ZQColorRole::Text));
@@ -340,6 +342,10 @@ TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
         EXPECT_TRUE(button(sheet, "Continue")->isEnabled());
         EXPECT_LT(button(sheet, "Show in Folder")->x(), button(sheet, "Stop Import")->x());
         button(sheet, "Show in Folder")->click(); // of none
+        EXPECT_TRUE(desktop.opened.isEmpty());
+        list->setCurrentRow(2);
+        button(sheet, "Show in Folder")->click();
+        EXPECT_EQ(desktop.opened, QList<QUrl>{QUrl(QStringLiteral("file:///in"))});
         QTest::keyClick(&sheet, Qt::Key_Return);
     });
     EXPECT_TRUE(user.resolveUnreadableFiles(conflicts));

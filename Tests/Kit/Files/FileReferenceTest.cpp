@@ -181,6 +181,20 @@ TEST_F(FileReference, AFileIsItselfUnderAnyNameAndNoOtherIs)
     EXPECT_EQ(zqFileSystemOf("/no/such/file"), 0U);
 }
 
+TEST_F(FileReference, NoFileFollowsAFolderNorAFolderAFile)
+{
+    const QByteArray made = system(file(QStringLiteral("a"), "a"));
+    const QByteArray folder = system(path({}));
+    ZQFileReference ofFolder;
+    ofFolder.isFolder = true;
+    EXPECT_TRUE(ofFolder.isSuccessor(folder)) << "known by its name";
+    EXPECT_FALSE(ofFolder.isSuccessor(made));
+    EXPECT_FALSE(ofFolder.isSuccessor("/no/such/folder"));
+    ZQFileReference ofFile; // without birth or contents, as of the first format
+    EXPECT_FALSE(ofFile.isSuccessor(folder));
+    EXPECT_FALSE(ofFile.isSuccessor("/no/such/file"));
+}
+
 TEST_F(FileReference, ASearchStaysInItsReach)
 {
     const QString deep = folder(QStringLiteral("one/two"));

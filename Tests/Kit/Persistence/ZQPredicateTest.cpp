@@ -243,4 +243,6 @@ TEST(ZQPredicate, ManyEqualitiesStayOneQuickLookup)
     EXPECT_TRUE(matches("39999"));
     EXPECT_FALSE(matches("40000"));
     EXPECT_TRUE(predicate.predicateFormat().startsWith(text("item.SHA1 IN {")));
+    const QString spaced = ZQPredicate::predicateWithFormat(text("title == \"a b\\tc\"")).predicateFormat();
+    EXPECT_TRUE(spaced.contains(text("a b"))) << spaced.toStdString() << ": only what is not to be seen is escaped";
 }

@@ -87,6 +87,12 @@ TEST_F(ZQGridViewTest, ZoomKeepsTheItemUnderThePointer)
                              view.visualRect(index).height();
         EXPECT_NEAR(after, before, 0.05) << zoom;
     }
+    view.setZoom(0.2);
+    view.setScrollOffset(0);
+    const QRect first = view.visualRect(0);
+    view.setZoom(0.9, first.center());
+    EXPECT_NEAR(double(first.center().y() - view.visualRect(0).top()) / view.visualRect(0).height(), 0.5, 0.05)
+        << "the first item is one like any other";
 }
 
 TEST_F(ZQGridViewTest, AGroupHeadSticksUntilTheNextOnePushesIt)
@@ -268,6 +274,7 @@ TEST_F(ZQGridViewTest, DropsSayTheirPlace)
 {
     Numbers numbers(400);
     show(numbers);
+    EXPECT_TRUE(view.viewport()->acceptDrops());
     QMimeData files;
     files.setUrls({QUrl(QStringLiteral("file:///a"))});
     const QMimeData words;
