@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Checks that the classes of a folder build on each other in one direction.
+"""Checks that the classes of a folder build on each other in one direction, and the folders in it likewise.
 
 check_circles.py FOLDER…
 
-A source counts as its header's class: what either of them includes, the class builds on. With a circle the classes in
-it are named and the status is 1, as it is for a folder without sources.
+A source counts as its header's class: what either of them includes, the class builds on. A folder builds on those that
+anything below it includes from. With a circle the classes or folders in it are named and the status is 1, as it is for a
+folder without sources.
 """
 import re
 import sys
@@ -26,6 +27,20 @@ def builds_on(folder):
     return graph
 
 
+def folders_build_on(folder):
+    """The folders in the folder, each with those beside it that something below it includes from."""
+    here = [part.name for part in sorted(folder.iterdir()) if part.is_dir()]
+    graph = {}
+    for name in here:
+        sources = [*(folder / name).rglob("*.h"), *(folder / name).rglob("*.cpp")]
+        if sources:
+            included = {Path(path) for source in sources for path in INCLUDE.findall(source.read_text(encoding="utf-8"))}
+            graph[name] = {other for other in here if other != name
+                           and any(str(folder.resolve()).endswith("/" + str(above.parent)) and above.name == other
+                                   for path in included for above in path.parents if above.name)}
+    return graph
+
+
 def without_ends(graph):
     """What is left of the graph once everything went that builds on nothing left, or on which nothing left builds."""
     left = dict(graph)
@@ -41,13 +56,14 @@ def without_ends(graph):
 def main(arguments):
     status = 0
     for folder in map(Path, arguments):
-        graph = builds_on(folder)
-        if not graph:
+        graphs = builds_on(folder), folders_build_on(folder)
+        if not any(graphs):
             print(f"{folder}: no sources")
             status = 1
-        for name, used in sorted(without_ends(graph).items()):
-            print(f"{folder}: {name} is in a circle with {', '.join(used)}")
-            status = 1
+        for graph in graphs:
+            for name, used in sorted(without_ends(graph).items()):
+                print(f"{folder}: {name} is in a circle with {', '.join(used)}")
+                status = 1
     return status if arguments else 1
 
 

@@ -17,6 +17,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 DROPPED_WITH_VALUE = {"-o", "-MF", "-MT", "-MQ"}
 DROPPED = re.compile(r"-c$|-M[DMP]*$|-W[^lap]|-W(all|error)\b|-g\d?$|-O")
+UNSEEN = re.compile(r"\bstd::(mutex|shared_mutex|condition_variable)\b")  # clang sees no fault in the use of these
 INCLUDED = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
 
 
@@ -46,7 +47,7 @@ def flags_of(entry):
 
 
 def wanted_sources(names, entries, root):
-    """Those of the database that were named, or that include a named header by its path or its plain name."""
+    """Those of the database that were named, or that a named header reaches through others, by its path or plain name."""
     if not names:
         return sorted(entries)
     named = {Path(name).resolve() for name in names}
@@ -54,10 +55,18 @@ def wanted_sources(names, entries, root):
     spellings = {str(path.relative_to(root)) for path in headers if path.is_relative_to(root)}
     beside = {(path.parent, path.name) for path in headers}
     wanted = {path for path in named if path in entries}
-    for source in entries if headers else ():
-        included = INCLUDED.findall(source.read_text(errors="replace"))
-        if any(name in spellings or (source.parent, name) in beside for name in included):
-            wanted.add(source)
+    everything = [*entries, *root.rglob("*.h")] if headers else []
+    includes = {path: INCLUDED.findall(path.read_text(errors="replace")) for path in everything if "build" not in path.parts}
+    while True:
+        reached = {path for path, included in includes.items()
+                   if any(name in spellings or (path.parent, name) in beside for name in included)}
+        wanted |= reached & entries.keys()
+        new = {path for path in reached if path.suffix == ".h"} - headers
+        if not new:
+            break
+        headers |= new
+        spellings |= {str(path.relative_to(root)) for path in new if path.is_relative_to(root)}
+        beside |= {(path.parent, path.name) for path in new}
     for path in sorted(named - wanted - headers):
         print(f"not part of the build, and not checked: {path}", file=sys.stderr)
     return sorted(wanted)
@@ -70,6 +79,13 @@ def check(source, entry, generated):
             Path(generated, name).touch()
     done = subprocess.run([*command, f"-I{generated}", str(source)], cwd=entry["directory"], text=True, capture_output=True)
     return done.returncode, done.stdout + done.stderr
+
+
+def with_unseen_locks(names, root):
+    """Of the named files, or else of the program's, those with mutexes that the check is blind to."""
+    paths = map(Path, names) if names else (path for folder in ("Classes", "Kit", "Models") for path in Path(root, folder).rglob("*"))
+    return sorted(path for path in paths if path.suffix in (".h", ".cpp") and path.is_file() and path.name != "ZQThreadSafety.h"
+                  and "Tests" not in path.parts and UNSEEN.search(path.read_text(errors="replace")))
 
 
 def main():
@@ -90,6 +106,9 @@ def main():
                     print(said, end="")
         except FileNotFoundError as error:
             sys.exit(f"{error.filename} is missing. Install it: apt-get install clang")
+    for path in with_unseen_locks(options.files, options.root):
+        failed.append(path)
+        print(f"{path}: use ZQMutex and ZQCondition, whose use is checked (Kit/Foundation/ZQThreadSafety.h)")
     if failed:
         print(f"locks: {len(failed)} of {len(sources)} sources are at fault: " + ", ".join(path.name for path in failed))
         return 1

@@ -14,7 +14,7 @@ constexpr qsizetype atATime = 200; // so that the window is free in between
 
 void FileTagAdoption::add(const QString &bundleID, const FileTagsChange &change)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (m_changes.isEmpty()) {
         zqOnMainThread([self = weak_from_this()] {
             if (const auto adoption = self.lock()) {
@@ -45,9 +45,9 @@ bool FileTagAdoption::applyTo(ZQLibraryBaseItem &item, const FileTagsChange &cha
 
 bool FileTagAdoption::apply()
 {
-    decltype(m_changes) changes;
+    QHash<QString, QList<FileTagsChange>> changes;
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         changes.swap(m_changes);
     }
     ZQManagedObjectContext *const context = changes.isEmpty() ? nullptr : m_store.managedObjectContext();

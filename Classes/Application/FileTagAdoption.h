@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Classes/Tags/FileTags.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QHash>
 #include <QList>
 
 #include <memory>
-#include <mutex>
 
 class LibraryStore;
 class ZQLibraryBaseItem;
@@ -29,6 +29,6 @@ private:
     static bool applyTo(ZQLibraryBaseItem &item, const FileTagsChange &change);
 
     LibraryStore &m_store;
-    std::mutex m_mutex;
-    QHash<QString, QList<FileTagsChange>> m_changes; // by the item's bundleID
+    ZQMutex m_mutex;
+    QHash<QString, QList<FileTagsChange>> m_changes ZQ_GUARDED_BY(m_mutex); // by the item's bundleID
 };

@@ -20,9 +20,9 @@ void FixedSidebar::setupBasicSidebarProjects()
     if (!context) {
         return;
     }
-    constexpr qint16 libraryLabelKind = 0;
     ZQError error;
-    const bool hasFixedItems = storeExisted && ZQSidebarBaseItem::specialItemOfKind(libraryLabelKind, *context, &error);
+    const bool hasFixedItems =
+        storeExisted && ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::LibraryLabel, *context, &error);
     if (!hasFixedItems && error.isNull() && zqSeedFixedSidebar(*context, &error)) {
         m_store.saveAction();
     }

@@ -71,7 +71,9 @@ ZQOperationQueue &RunningParts::editQueue()
 void RunningParts::cancelEdits()
 {
     if (m_editQueue) {
-        m_editQueue->cancelAllOperations();
+        for (const auto &edit : m_editQueue->operations()) {
+            edit->endSoon();
+        }
         zqRunMainLoopUntil([this] { return m_editQueue->operationCount() == 0; });
     }
 }

@@ -31,8 +31,8 @@ public:
     void endBackgroundQueue(); // cancels what is left and waits for what runs, keeping what was asked for
     // Changes of many items, one after the other.
     ZQOperationQueue &editQueue();
-    // Ends what the edit queue does at the batch it is at. The first serves the main loop until then; the second
-    // blocks.
+    // Ends what the edit queue does. The first lets what is short come to its end, ends the rest at the batch it is at,
+    // and serves the main loop until then; the second cancels everything and blocks.
     void cancelEdits();
     void endEdits();
 

@@ -37,7 +37,7 @@ struct CommandContext
 
     void print(const QString &line) { output += line.toUtf8() + '\n'; }
     void printJSON(const QJsonValue &value);
-    // Exit status 2: nothing was changed.
+    // Exit status 2: nothing was changed, or of many items only some.
     int fail(const QString &message)
     {
         errors += "zelto: " + message.toUtf8() + '\n';

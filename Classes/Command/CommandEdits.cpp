@@ -45,16 +45,12 @@ public:
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override
     {
-        cancelWork = [isCancelled = isCancelled, work = std::move(cancel)] {
-            *isCancelled = true;
-            work();
-        };
-        return m_user.beginProgress(text, maximum, cancelWork);
+        cancelWork = cancel;
+        return m_user.beginProgress(text, maximum, std::move(cancel));
     }
 
     std::function<void()> cancelWork; // that runs or waits; null for what is too short
     bool hasFailed = false;
-    const std::shared_ptr<bool> isCancelled = std::make_shared<bool>(false); // the button may outlive this
 
 private:
     CommandContext &m_command;
@@ -62,25 +58,37 @@ private:
 };
 
 CommandEdits::CommandEdits(CommandContext &command)
-    : m_command(command), m_user(std::make_unique<User>(command)),
-      m_edits(new EditContext{command.store(), *m_user, command.delegate->editQueue(), [this] {
-                                  ZQError error;
-                                  if (!m_command.store().save(&error)) {
-                                      m_user->presentError(error);
-                                  }
-                                  return error.isNull();
-                              }})
+    : m_command(command), m_user(std::make_unique<User>(command)), m_isCancelled(std::make_shared<bool>(false)),
+      m_context(command.delegate->persistentStoreCoordinator(), ZQMergePolicy::PropertyObjectTrump),
+      m_edits{.context = m_context,
+              .user = *m_user,
+              .editQueue = command.delegate->editQueue(),
+              .save = [this] { return save(); },
+              .writesUnchangedFiles = true,
+              .merge = [this](const ZQContextDidSave &saved) { takeIn(saved); },
+              .wasCancelled = [isCancelled = m_isCancelled] { *isCancelled = true; }}
 {
 }
 
 CommandEdits::~CommandEdits()
 {
-    zqRunMainLoopUntil([this] { return !m_edits->isBusy(); });
+    zqRunMainLoopUntil([this] { return *m_edits.queued == 0; });
 }
 
-EditContext &CommandEdits::context()
+void CommandEdits::takeIn(const ZQContextDidSave &saved)
 {
-    return *m_edits;
+    m_command.store().mergeChangesFromContextDidSaveNotification(saved);
+}
+
+bool CommandEdits::save()
+{
+    ZQError error;
+    const auto merging = m_context.observeDidSave([this](const ZQContextDidSave &saved) { takeIn(saved); });
+    if (!m_context.save(&error)) {
+        m_context.rollback();
+        m_user->presentError(error);
+    }
+    return error.isNull();
 }
 
 int CommandEdits::finish(qsizetype count, const char *one, const char *several)
@@ -90,7 +98,7 @@ int CommandEdits::finish(qsizetype count, const char *one, const char *several)
             if (m_command.isAbandoned && m_command.isAbandoned() && m_user->cancelWork) { // its Ctrl+C
                 m_user->cancelWork();
             }
-            return !m_edits->isBusy();
+            return *m_edits.queued == 0;
         },
         std::chrono::milliseconds(5));
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
@@ -98,10 +106,9 @@ int CommandEdits::finish(qsizetype count, const char *one, const char *several)
     zqRunMainLoopFor(std::chrono::milliseconds(0));
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     if (m_user->hasFailed) {
-        m_command.store().rollback();
         return 2;
     }
-    if (*m_user->isCancelled) {
+    if (*m_isCancelled) {
         return m_command.fail(zqLocalized("it was cancelled; what was changed before that stays so"));
     }
     m_command.print(count == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {count}));

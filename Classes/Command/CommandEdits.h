@@ -6,17 +6,17 @@
 
 struct CommandContext;
 
-// What a command edits with: the same edits as a window's, without undo. Errors go to who asked for the command. Main
-// thread.
+// What a command edits with: the same edits as a window's, without undo, in a context of its own, so that what fails
+// takes nothing of the window's with it. Errors go to who asked for the command. Main thread.
 class CommandEdits
 {
 public:
     explicit CommandEdits(CommandContext &command);
-    ~CommandEdits();
+    ~CommandEdits(); // waits for what was asked for
     CommandEdits(const CommandEdits &) = delete;
     CommandEdits &operator=(const CommandEdits &) = delete;
 
-    EditContext &context();
+    EditContext &context() { return m_edits; }
 
     // Waits until what was asked for is done and written to the files; then prints `one`, or `several` with the count,
     // and answers 0. After an error, or when it was cancelled, says so and answers 2.
@@ -25,7 +25,12 @@ public:
 private:
     class User;
 
+    bool save();
+    void takeIn(const ZQContextDidSave &saved); // into the application's context
+
     CommandContext &m_command;
-    std::unique_ptr<User> m_user;
-    std::unique_ptr<EditContext> m_edits;
+    const std::unique_ptr<User> m_user;
+    const std::shared_ptr<bool> m_isCancelled; // set from the edit queue, perhaps when this is gone
+    ZQManagedObjectContext m_context;
+    EditContext m_edits;
 };

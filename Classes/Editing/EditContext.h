@@ -5,7 +5,9 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
+#include <atomic>
 #include <functional>
+#include <memory>
 
 class QUndoStack;
 class ZQOperationQueue;
@@ -16,9 +18,16 @@ struct EditContext
     ZQManagedObjectContext &context;
     UserInteraction &user;
     ZQOperationQueue &editQueue; // changes of many items, one after another; the application's
-    // Saves `context`. A failure was told; false when what was changed is gone with it.
+    // Saves `context`. False when that failed, which was told, and what was changed is given up; a window keeps what it
+    // could not save for the next time instead, and answers true.
     std::function<bool()> save;
     QUndoStack *undoStack = nullptr; // null: nothing is taken back
+    // Files are written also where the store needs no change: who names an item wants its file to say so.
+    bool writesUnchangedFiles = false;
+    // Takes in what the edit queue saved; null: `context` does.
+    std::function<void(const ZQContextDidSave &)> merge = {};
+    std::function<void()> wasCancelled = {}; // something asked for did not come to its end; null: nobody asks
+    std::shared_ptr<std::atomic<int>> queued = std::make_shared<std::atomic<int>>(0); // of these, what runs or waits
 
     ZQRef<ZQSidebarBaseItem> sidebarItem(const ZQObjectID &id) const
     {
@@ -28,5 +37,5 @@ struct EditContext
     {
         return zqCast<ZQLibraryBaseItem>(context.objectWithID(id));
     }
-    bool isBusy() const; // many items are being changed, or wait to be
+    bool isBusy() const; // many items are being changed, or wait to be, whoever asked for it
 };

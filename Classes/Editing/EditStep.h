@@ -21,10 +21,11 @@ struct EditPass
 // Whether anything was changed, or is going to be looked at.
 bool zqPerformEdit(EditContext &edits, EditSize size, const EditPass &pass);
 
-// Changes, and makes an undo step of it unless there was nothing to change. What `undo` does not come to, because the
+// Changes, and makes an undo step of it unless there was nothing to change. What waits for its turn gets a step before
+// that is known. What `undo` does not come to, because the
 // person cancelled, it has to leave for the next time.
 void zqPushEdit(EditContext &edits, const QString &name, EditSize size, EditPass redo, EditPass undo);
 
-// A step of the caller's context alone: rows of the sidebar, or the name of one item. It finds what it touches by
-// identifier, since objects come and go, and saves. `redo` is called at once.
+// A step of the caller's context alone: rows of the sidebar. It finds what it touches by identifier, since objects come
+// and go, and saves. `redo` is called at once.
 void zqPushBlocks(EditContext &edits, const QString &name, std::function<void()> redo, std::function<void()> undo);

@@ -66,6 +66,7 @@ struct Edit
     QList<ZQObjectID> tags; // held in memory meanwhile
     bool rewritesFiles = false;
     bool rates = false;
+    bool writesUnchangedFiles = false;
     std::vector<std::pair<ZQObjectID, Undo>> done;
 };
 
@@ -101,7 +102,7 @@ public:
         QList<ZQRef<ZQLibraryBaseItem>> changed;
         for (qsizetype i = 0; i < ids.size(); ++i) {
             const auto item = zqCast<ZQLibraryBaseItem>(m_context.objectWithID(ids[i]));
-            if (item && changeItem(*item, size_t(first + i))) {
+            if (item && (changeItem(*item, size_t(first + i)) || m_edit.writesUnchangedFiles)) {
                 changed.append(item);
             }
         }
@@ -197,6 +198,7 @@ EditSize sizeOf(const QList<ZQObjectID> &items)
 // A step that changes nothing is none.
 void push(EditContext &edits, const QString &name, const std::shared_ptr<Edit> &edit)
 {
+    edit->writesUnchangedFiles = edits.writesUnchangedFiles;
     const auto pass = [&edit](bool isUndo) {
         return EditPass{[edit, isUndo](EditRun &running) {
                             run(running, *edit, isUndo);
@@ -290,7 +292,7 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
         QList<ZQObjectID> added = *all;
         added.removeIf([&present](const ZQObjectID &tag) { return present.contains(tag); });
         QList<ZQObjectID> removed = remove;
-        removed.removeIf([&present](const ZQObjectID &tag) { return !present.contains(tag); });
+        removed.removeIf([&](const ZQObjectID &tag) { return !present.contains(tag) || all->contains(tag); });
         if (added.isEmpty() && removed.isEmpty()) {
             return {};
         }

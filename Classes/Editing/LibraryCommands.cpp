@@ -326,7 +326,8 @@ EditPass removalOf(const Done &done, const ZQObjectID &from)
 
 constexpr qsizetype filesPerBatch = 16; // copied and flushed before a save names them
 
-// Whether there are copies now; of a batch that could not be saved, the next launch removes what was copied.
+// Whether there are copies now. What was copied for a batch that could not be saved is left over: the next launch sees to
+// it.
 bool copyItems(EditRun &run, const IDs &items, IDs &copies)
 {
     run.inBatches(zqLocalized("Duplicating items…"), items.size(), [&](qsizetype first, qsizetype size) {
@@ -431,7 +432,6 @@ void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)
     zqPushEdit(m_edits, zqLocalized("duplicate items"), {items.size(), 0, filesPerBatch}, make, takeBack);
 }
 
-// One item, its file and its thumbnail: at once, and nothing to cancel.
 void LibraryCommands::renameItem(const ZQObjectID &item, const QString &title)
 {
     const auto object = m_edits.libraryItem(item);
@@ -439,18 +439,14 @@ void LibraryCommands::renameItem(const ZQObjectID &item, const QString &title)
         return;
     }
     const QString before = object->title();
-    if (!object->setNewTitle(title)) {
-        return; // the reason was shown
-    }
-    m_edits.save();
-    EditContext &edits = m_edits;
-    const auto rename = [&edits, item](const QString &to) {
-        if (const auto renamed = edits.libraryItem(item); renamed && renamed->title() != to) {
-            renamed->setNewTitle(to);
-            edits.save();
-        }
+    const auto renaming = [item](const QString &to) {
+        return EditPass{[item, to](EditRun &run) {
+                            const auto renamed = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(item));
+                            // The reason why it can't be was shown.
+                            return renamed && renamed->title() != to && renamed->setNewTitle(to) && run.save();
+                        },
+                        {}};
     };
-    zqPushBlocks(
-        m_edits, zqFormat(zqLocalized("rename '%@' in '%@'"), {before, title}), [rename, title] { rename(title); },
-        [rename, before] { rename(before); });
+    zqPushEdit(m_edits, zqFormat(zqLocalized("rename '%@' in '%@'"), {before, title}), {1, 1}, renaming(title),
+               renaming(before));
 }

@@ -8,8 +8,17 @@
 
 QueuedEdit::QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change)
     : m_edits(edits), m_coordinator(edits.context.persistentStoreCoordinator()), m_size(size),
-      m_change(std::move(change))
+      m_change(std::move(change)), m_wasCancelled(edits.wasCancelled), m_queued(edits.queued)
 {
+    ++*m_queued;
+}
+
+QueuedEdit::~QueuedEdit()
+{
+    if (isCancelled() && m_wasCancelled) {
+        zqOnMainThread(m_wasCancelled);
+    }
+    --*m_queued;
 }
 
 void QueuedEdit::begin(EditContext &edits, const QString &progressText, EditSize size,
@@ -27,12 +36,22 @@ void QueuedEdit::begin(EditContext &edits, const QString &progressText, EditSize
     edits.editQueue.addOperation(edit);
 }
 
+void QueuedEdit::endSoon()
+{
+    if (m_size.rows > m_size.perBatch) {
+        cancel();
+    }
+}
+
 void QueuedEdit::main()
 {
     {
         ZQManagedObjectContext context(m_coordinator, ZQMergePolicy::PropertyObjectTrump);
         const auto merging = context.observeDidSave([this](const ZQContextDidSave &saved) {
-            zqOnMainThreadAndWait([&] { m_edits.context.mergeChangesFromContextDidSaveNotification(saved); });
+            zqOnMainThreadAndWait([&] {
+                m_edits.merge ? m_edits.merge(saved)
+                              : m_edits.context.mergeChangesFromContextDidSaveNotification(saved);
+            });
         });
         EditRun run(m_edits, m_size.perBatch, context, weak_from_this(), std::move(m_progress));
         m_change(run);

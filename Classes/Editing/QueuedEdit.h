@@ -14,7 +14,9 @@ public:
                       std::function<void(EditRun &)> change);
 
     QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change);
+    ~QueuedEdit() override;
     void main() override;
+    void endSoon() override; // one that is no more than a batch is not lost
 
 private:
     EditContext &m_edits;
@@ -22,4 +24,6 @@ private:
     EditSize m_size;
     std::function<void(EditRun &)> m_change;
     std::shared_ptr<UserProgress> m_progress; // null for none
+    std::function<void()> m_wasCancelled;     // of the context, which may be gone by then
+    std::shared_ptr<std::atomic<int>> m_queued;
 };

@@ -1,5 +1,4 @@
 #include "Classes/Import/AImportManager.h"
-#include "Classes/Import/TemporaryFolder.h"
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"

@@ -69,10 +69,10 @@ std::optional<TagBackup> TagBackupQueue::backupOf(const QString &path)
 TagBackupQueue::~TagBackupQueue()
 {
     {
-        const std::lock_guard lock(m_mutex);
+        const ZQLockGuard lock(m_mutex);
         m_stops = true;
     }
-    m_changed.notify_all();
+    m_changed.notifyAll();
     if (m_thread.joinable()) {
         m_thread.join();
     }
@@ -80,7 +80,7 @@ TagBackupQueue::~TagBackupQueue()
 
 void TagBackupQueue::add(const QString &path, const QByteArray &seen)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     if (m_pending.isEmpty()) {
         m_store = storeOfFolder();
     }
@@ -96,23 +96,25 @@ void TagBackupQueue::add(const QString &path, const QByteArray &seen)
 
 void TagBackupQueue::flush()
 {
-    std::unique_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     m_flushes = true;
     m_failures = 0;
-    m_changed.notify_all();
-    m_done.wait(lock, [this] { return (m_pending.isEmpty() && !m_isBusy) || m_failures >= mostFailures; });
+    m_changed.notifyAll();
+    while ((!m_pending.isEmpty() || m_isBusy) && m_failures < mostFailures) {
+        m_done.wait(m_mutex);
+    }
     m_flushes = false;
 }
 
 bool TagBackupQueue::isOutdated(const QString &path)
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return m_takenOver.contains(path);
 }
 
 std::shared_ptr<TagBackupStore> TagBackupQueue::store()
 {
-    const std::lock_guard lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     return storeOfFolder();
 }
 
@@ -141,45 +143,54 @@ void TagBackupQueue::enqueue(const QString &path)
     if (!m_thread.joinable()) {
         m_thread = std::thread([this] { run(); });
     } else if (m_pending.size() == 1) {
-        m_changed.notify_all();
+        m_changed.notifyAll();
     }
 }
 
-void TagBackupQueue::gather(std::unique_lock<std::mutex> &lock)
+void TagBackupQueue::gather()
 {
-    const auto isHurried = [this] { return m_stops || m_flushes; };
     const Clock::time_point latest = Clock::now() + longestGathering;
-    Clock::time_point due = std::min(m_lastRequest + quiet, latest);
-    while (!m_changed.wait_until(lock, due, isHurried) && due < latest && m_lastRequest + quiet > due) {
-        due = std::min(m_lastRequest + quiet, latest);
+    while (!m_stops && !m_flushes) {
+        const Clock::time_point due = std::min(m_lastRequest + quiet, latest);
+        if (Clock::now() >= due) {
+            return;
+        }
+        m_changed.waitUntil(m_mutex, due);
     }
 }
 
 void TagBackupQueue::run()
 {
     setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), niceness);
-    std::unique_lock lock(m_mutex);
+    const ZQLockGuard lock(m_mutex);
     while (true) {
-        m_changed.wait(lock, [this] { return m_stops || !m_pending.isEmpty(); });
+        while (!m_stops && m_pending.isEmpty()) {
+            m_changed.wait(m_mutex);
+        }
         if (m_pending.isEmpty()) {
             return;
         }
-        gather(lock);
+        gather();
         const QSet<QString> paths = std::exchange(m_pending, {});
         const QHash<QString, QByteArray> seen = std::exchange(m_seen, {});
         const std::shared_ptr<TagBackupStore> store = m_store;
         m_isBusy = true;
-        lock.unlock();
-        const bool isStored = copy(paths, seen, *store);
-        lock.lock();
+        bool isStored = false;
+        {
+            const ZQUnlockGuard unlocked(m_mutex);
+            isStored = copy(paths, seen, *store);
+        }
         m_isBusy = false;
         finishRound(isStored, paths, seen, *store);
-        m_done.notify_all();
+        m_done.notifyAll();
         if (!isStored) {
             if (m_stops && m_failures >= mostFailures) {
                 return; // the notes stay
             }
-            m_changed.wait_for(lock, quiet, [this] { return m_stops; });
+            const Clock::time_point again = Clock::now() + quiet;
+            while (!m_stops && Clock::now() < again) {
+                m_changed.waitUntil(m_mutex, again);
+            }
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Tags/TagBackupStore.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -9,9 +10,7 @@
 #include <QStringList>
 
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -42,27 +41,27 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    std::shared_ptr<TagBackupStore> storeOfFolder();
-    void enqueue(const QString &path);
-    void gather(std::unique_lock<std::mutex> &lock);
+    std::shared_ptr<TagBackupStore> storeOfFolder() ZQ_REQUIRES(m_mutex);
+    void enqueue(const QString &path) ZQ_REQUIRES(m_mutex);
+    void gather() ZQ_REQUIRES(m_mutex); // more requests, for a moment
     void run();
     void finishRound(bool isStored, const QSet<QString> &paths, const QHash<QString, QByteArray> &seen,
-                     TagBackupStore &store);
+                     TagBackupStore &store) ZQ_REQUIRES(m_mutex);
     static bool copy(const QSet<QString> &paths, const QHash<QString, QByteArray> &seen, TagBackupStore &store);
 
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::condition_variable m_done;
-    QSet<QString> m_pending;
-    QSet<QString> m_takenOver;               // of them, those that a killed process left
-    QHash<QString, QByteArray> m_seen;       // records that found no room in the files
-    int m_failures = 0;                      // rounds since the last that succeeded
-    std::shared_ptr<TagBackupStore> m_store; // for what is pending
-    std::shared_ptr<TagBackupStore> m_current;
-    QString m_currentFolder;
-    Clock::time_point m_lastRequest;
-    bool m_flushes = false;
-    bool m_isBusy = false;
-    bool m_stops = false;
+    ZQMutex m_mutex;
+    ZQCondition m_changed;
+    ZQCondition m_done;
+    QSet<QString> m_pending ZQ_GUARDED_BY(m_mutex);
+    QSet<QString> m_takenOver ZQ_GUARDED_BY(m_mutex);               // of them, those that a killed process left
+    QHash<QString, QByteArray> m_seen ZQ_GUARDED_BY(m_mutex);       // records that found no room in the files
+    int m_failures ZQ_GUARDED_BY(m_mutex) = 0;                      // rounds since the last that succeeded
+    std::shared_ptr<TagBackupStore> m_store ZQ_GUARDED_BY(m_mutex); // for what is pending
+    std::shared_ptr<TagBackupStore> m_current ZQ_GUARDED_BY(m_mutex);
+    QString m_currentFolder ZQ_GUARDED_BY(m_mutex);
+    Clock::time_point m_lastRequest ZQ_GUARDED_BY(m_mutex);
+    bool m_flushes ZQ_GUARDED_BY(m_mutex) = false;
+    bool m_isBusy ZQ_GUARDED_BY(m_mutex) = false;
+    bool m_stops ZQ_GUARDED_BY(m_mutex) = false;
     std::thread m_thread;
 };

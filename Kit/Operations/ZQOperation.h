@@ -29,6 +29,8 @@ public:
     // Cooperative: sets the flag and tells the observers. Work that never started is finished by its queue when its
     // turn comes, without `start()`, and no longer waits for its dependencies.
     virtual void cancel();
+    // The application is about to end. The base: cancels; what is soon done and not to be lost may come to its end.
+    virtual void endSoon() { cancel(); }
 
     bool isCancelled() const;
     bool isExecuting() const;

@@ -38,53 +38,53 @@ bool isOrdered(const ZQRef<ZQSidebarBaseItem> &a, const ZQRef<ZQSidebarBaseItem>
 
 } // namespace
 
-ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::specialItemOfKind(int kind, ZQManagedObjectContext &context,
+ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind kind, ZQManagedObjectContext &context,
                                                               ZQError *failure)
 {
     // Everything a person made has kind 0 as well; only the label is fixed.
-    const QString format = kind == int(ZQSidebarKind::LibraryLabel) ? QStringLiteral("kind == %@ AND is_Label == YES")
-                                                                    : QStringLiteral("kind == %@");
-    return zqFetchFirst<ZQSidebarBaseItem>(context, format, {kind}, failure);
+    const QString format = kind == ZQSidebarKind::LibraryLabel ? QStringLiteral("kind == %@ AND is_Label == YES")
+                                                               : QStringLiteral("kind == %@");
+    return zqFetchFirst<ZQSidebarBaseItem>(context, format, {qint16(kind)}, failure);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::libraryProjectInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::Library), context);
+    return specialItemOfKind(ZQSidebarKind::Library, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::recentProjectInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::Recent), context);
+    return specialItemOfKind(ZQSidebarKind::Recent, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::screenshotProjectInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::Screenshots), context);
+    return specialItemOfKind(ZQSidebarKind::Screenshots, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::projectsLabelInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::ProjectsLabel), context);
+    return specialItemOfKind(ZQSidebarKind::ProjectsLabel, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::WatchedFoldersLabel), context);
+    return specialItemOfKind(ZQSidebarKind::WatchedFoldersLabel, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::tagsLabelInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::TagsLabel), context);
+    return specialItemOfKind(ZQSidebarKind::TagsLabel, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::sizeLabelInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::SizesLabel), context);
+    return specialItemOfKind(ZQSidebarKind::SizesLabel, context);
 }
 
 ZQRef<ZQSidebarBaseItem> ZQSidebarBaseItem::colorsLabelInManagedObjectContext(ZQManagedObjectContext &context)
 {
-    return specialItemOfKind(int(ZQSidebarKind::ColorsLabel), context);
+    return specialItemOfKind(ZQSidebarKind::ColorsLabel, context);
 }
 
 QList<ZQSortDescriptor> ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue sortValue, bool ascending,

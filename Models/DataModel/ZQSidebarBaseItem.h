@@ -37,8 +37,8 @@ public:
     static constexpr quint32 appendIndex = 4294967295U;
 
     // The fixed entries; null when there is none or the fetch failed (logged; then `failure` is set).
-    static ZQRef<ZQSidebarBaseItem> specialItemOfKind(int kind, ZQManagedObjectContext &inManagedObjectContext,
-                                                      ZQError *failure = nullptr);
+    static ZQRef<ZQSidebarBaseItem>
+    specialItemOfKind(ZQSidebarKind kind, ZQManagedObjectContext &inManagedObjectContext, ZQError *failure = nullptr);
     static ZQRef<ZQSidebarBaseItem> libraryProjectInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQRef<ZQSidebarBaseItem> recentProjectInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQRef<ZQSidebarBaseItem> screenshotProjectInManagedObjectContext(ZQManagedObjectContext &context);

@@ -47,7 +47,7 @@ constexpr auto sortByImportDate = qint16(ZQSortValue::ImportDate);
 // Null when the entry was there already.
 ZQRef<ZQSidebarBaseItem> addFixedEntry(const FixedEntry &entry, ZQManagedObjectContext &context)
 {
-    if (ZQSidebarBaseItem::specialItemOfKind(int(entry.kind), context)) {
+    if (ZQSidebarBaseItem::specialItemOfKind(entry.kind, context)) {
         return {};
     }
     auto item = zqCast<ZQSidebarBaseItem>(context.insertNewObjectForEntityForName(entry.entityName()));
@@ -60,7 +60,7 @@ ZQRef<ZQSidebarBaseItem> addFixedEntry(const FixedEntry &entry, ZQManagedObjectC
     item->setEnabled(!(entry.flags & Label));
     item->setExpanded(entry.flags & Label);
     if (entry.parent != noParent) {
-        item->setFather(ZQSidebarBaseItem::specialItemOfKind(entry.parent, context).get());
+        item->setFather(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(entry.parent), context).get());
     }
     if (entry.flags & Special) {
         item->setSortKeys(sortByImportDate);
@@ -87,7 +87,7 @@ bool canTellWhatIsMissing(ZQManagedObjectContext &context, ZQError *error)
     }
     for (const int kind : std::as_const(kinds)) {
         ZQError failure;
-        ZQSidebarBaseItem::specialItemOfKind(kind, context, &failure);
+        ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(kind), context, &failure);
         if (!failure.isNull()) {
             zqSetError(error, failure);
             return false;
@@ -113,7 +113,7 @@ void addSampleTag(ZQSidebarBaseItem &label, ZQManagedObjectContext &context)
 
 void updateTitle(int kind, const char *title, ZQManagedObjectContext &context)
 {
-    const auto item = ZQSidebarBaseItem::specialItemOfKind(kind, context);
+    const auto item = ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(kind), context);
     const QString localizedTitle = zqLocalized(title);
     if (item && item->title() != localizedTitle) {
         item->setTitle(localizedTitle);

@@ -21,7 +21,7 @@ constexpr auto tagSortValue = qint16(ZQSortValue::Title);
 ZQRef<ZQSidebarTag> generatedTag(int code, int position, const char *name, const ZQRef<ZQSidebarBaseItem> &label,
                                  ZQManagedObjectContext &context)
 {
-    if (auto existing = zqCast<ZQSidebarTag>(ZQSidebarBaseItem::specialItemOfKind(code, context))) {
+    if (auto existing = zqCast<ZQSidebarTag>(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(code), context))) {
         return existing;
     }
     auto tag = context.insertNewObject<ZQSidebarTag>();

@@ -34,6 +34,26 @@ def failure(files, expected):
     return None if is_right and not names & {"X", "Z"} else result.stdout or "nothing found"
 
 
-failed = [f"{name}: {text}" for name, (files, expected) in CASES.items() if (text := failure(files, expected))]
+def folder_failure(files, expected):
+    """Sources of several folders: {name: what they include}."""
+    with tempfile.TemporaryDirectory() as root:
+        for name, included in files.items():
+            source = Path(root) / "Classes" / name
+            source.parent.mkdir(parents=True, exist_ok=True)
+            source.write_text("".join(f'#include "Classes/{other}"\n' for other in included.split()), encoding="utf-8")
+        result = run(Path(root) / "Classes")
+    is_right = result.returncode == 0 if expected is None else result.returncode == 1 and expected in result.stdout
+    return None if is_right else result.stdout or "nothing found"
+
+
+FOLDER_CASES = {
+    "one direction": ({"One/A.h": "", "Two/B.h": "One/A.h", "Two/Part/C.cpp": "One/A.h Two/B.h"}, None),
+    "two folders": ({"One/A.h": "", "One/B.cpp": "Two/C.h", "Two/C.h": "One/A.h"}, "One is in a circle with Two"),
+    "from a folder below": ({"One/A.h": "", "One/B.cpp": "Two/C.h", "Two/C.h": "", "Two/Part/D.cpp": "One/A.h"},
+                            "Two is in a circle with One"),
+}
+
+failed = [f"{name}: {text}" for name, (files, expected) in FOLDER_CASES.items() if (text := folder_failure(files, expected))]
+failed += [f"{name}: {text}" for name, (files, expected) in CASES.items() if (text := failure(files, expected))]
 print("\n".join(failed))
 sys.exit(bool(failed))

@@ -81,6 +81,20 @@ class Locks(unittest.TestCase):
         self.assertEqual(status, 0)
         self.assertIn(f"not checked: {self.folder}/Other.cpp", said)
 
+    def test_a_header_reaches_its_users_through_others(self):
+        Path(self.folder, "Between.h").write_text('#include "Counter.h"\n')
+        body = "} void far(Counter &of) { of.count = 1;"
+        self.check(Faulty=FAULTS["taken twice"])
+        source = Path(self.folder, "Faulty.cpp")
+        source.write_text(f'#include "Between.h"\nvoid Counter::wait()\n{{\n    {body}\n}}\n')
+        self.assertEqual(self.check("Counter.h")[0], 1)
+
+    def test_a_mutex_that_the_check_is_blind_to_is_refused(self):
+        Path(self.folder, "Bare.h").write_text("#include <mutex>\nstd::mutex mutex;\n")
+        status, said = self.check("Sound.cpp", "Bare.h", Sound=SOUND)
+        self.assertEqual(status, 1)
+        self.assertIn("Bare.h: use ZQMutex", said)
+
     def test_without_a_configured_build_it_says_what_to_do(self):
         status, said = self.check()
         self.assertEqual(status, 1)

@@ -64,7 +64,7 @@ TEST_F(Sidebar, SeedsTheFixedTree)
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.title);
-        const auto item = ZQSidebarBaseItem::specialItemOfKind(row.kind, context);
+        const auto item = ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(row.kind), context);
         ASSERT_TRUE(item);
         EXPECT_EQ(item->entity()->name, QLatin1String(row.entity));
         EXPECT_EQ(item->title(), QLatin1String(row.title));
@@ -108,11 +108,11 @@ TEST_F(Sidebar, SeedsTheGeneratedTagsInCodeOrderAndOnlyOnce)
 TEST_F(Sidebar, GivesFixedEntriesTheirTitlesBackAndLeavesOthersAlone)
 {
     zqSeedFixedSidebar(context);
-    ZQSidebarBaseItem::specialItemOfKind(0, context)->setTitle(QStringLiteral("x"));
-    ZQSidebarBaseItem::specialItemOfKind(1004, context)->setTitle(QStringLiteral("x"));
+    ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(0), context)->setTitle(QStringLiteral("x"));
+    ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(1004), context)->setTitle(QStringLiteral("x"));
     zqUpdateFixedTitles(context);
-    EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(0, context)->title(), QStringLiteral("LIBRARY"));
-    EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(1004, context)->title(), QStringLiteral("orange"));
+    EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(0), context)->title(), QStringLiteral("LIBRARY"));
+    EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(1004), context)->title(), QStringLiteral("orange"));
     EXPECT_TRUE(ZQSidebarTag::tagWithTagName(QStringLiteral("Sample tag"), context));
 }
 
@@ -219,13 +219,14 @@ TEST_F(Sidebar, SortsMembersByKeysWithAndWithoutPrefix)
     }
     const auto titles = [&](ZQListRows rows) {
         QStringList list;
-        for (const auto &item :
-             p->itemsWithSortDescriptors(ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, rows))) {
+        for (const auto &item : p->itemsWithSortDescriptors(
+                 ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, rows))) {
             list.append(item->title());
         }
         return list;
     };
-    EXPECT_EQ(titles(ZQListRows::Memberships), (QStringList{QStringLiteral("a"), QStringLiteral("b9"), QStringLiteral("b10")}));
+    EXPECT_EQ(titles(ZQListRows::Memberships),
+              (QStringList{QStringLiteral("a"), QStringLiteral("b9"), QStringLiteral("b10")}));
     EXPECT_EQ(titles(ZQListRows::LibraryItems), titles(ZQListRows::Memberships));
 }
 
@@ -254,8 +255,10 @@ TEST_F(Sidebar, SortValuesNameTheirKeys)
                           {-1, {}}};
     for (const Case &each : cases) {
         SCOPED_TRACE(each.value);
-        const auto plain = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(each.value), false, ZQListRows::LibraryItems);
-        const auto prefixed = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(each.value), false, ZQListRows::Memberships);
+        const auto plain =
+            ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(each.value), false, ZQListRows::LibraryItems);
+        const auto prefixed =
+            ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(each.value), false, ZQListRows::Memberships);
         ASSERT_EQ(plain.size(), each.keys.size());
         ASSERT_EQ(prefixed.size(), each.keys.size());
         for (qsizetype i = 0; i < plain.size(); ++i) {
@@ -264,7 +267,8 @@ TEST_F(Sidebar, SortValuesNameTheirKeys)
             EXPECT_FALSE(plain.at(i).ascending);
         }
     }
-    const auto manual = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Manual, false, ZQListRows::Memberships);
+    const auto manual =
+        ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Manual, false, ZQListRows::Memberships);
     ASSERT_EQ(manual.size(), 1);
     EXPECT_EQ(manual.first().keyPath, QStringLiteral("order"));
     EXPECT_TRUE(manual.first().ascending);
@@ -463,7 +467,7 @@ TEST_F(Sidebar, KindsSayWhatTheyAre)
 {
     zqSeedFixedSidebar(context);
     const auto droppable = [&](int kind) {
-        return ZQSidebarBaseItem::specialItemOfKind(kind, context)->isDroppableLabel();
+        return ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(kind), context)->isDroppableLabel();
     };
     EXPECT_TRUE(droppable(101));
     EXPECT_TRUE(droppable(102));
@@ -491,7 +495,9 @@ TEST_F(Sidebar, KindsSayWhatTheyAre)
     EXPECT_EQ(ZQRef<ZQSidebarBaseItem>(context.insertNewObject<ZQSidebarFolder>())->typeString(),
               QStringLiteral("Folder"));
     for (const int label : {101, 102, 201, 202, 203}) {
-        EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(label, context)->typeString(), QStringLiteral("Label")) << label;
+        EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(label), context)->typeString(),
+                  QStringLiteral("Label"))
+            << label;
     }
     const std::pair<int, const char *> tags[] = {{0, "Tag/tag"},      {999, "Tag/tag"},   {1000, "Tag/color"},
                                                  {1009, "Tag/color"}, {1010, "Tag/tag"},  {2000, "Tag/tag"},

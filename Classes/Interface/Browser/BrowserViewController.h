@@ -24,6 +24,7 @@ public:
     void showSidebarItems(const QList<ZQObjectID> &items); // in the tab that is shown
     const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
     void setFilter(const QString &text);
+    void updateHead(); // title, count and order of what is shown
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
 
@@ -58,7 +59,6 @@ private:
     QWidget *makeStatus();
     QWidget *makeRecovery();
     QString countText() const;
-    void updateHead();
     void updateStatus();
     void showSortMenu();
     void setSort(ZQSortValue value, bool ascending);

@@ -256,8 +256,10 @@ void InfoPanelViewController::addRow(const QString &name, QWidget *value)
 
 bool InfoPanelViewController::refresh()
 {
-    commitNotes();
     const QList<ZQObjectID> items = m_browser.selectedItems();
+    if (items != m_items || !isTypingNotes()) { // what is typed is one edit, not one a batch of another
+        commitNotes();
+    }
     if (items.isEmpty()) {
         showNothing();
         return true;
@@ -303,22 +305,37 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
         return;
     }
     const bool isOne = items.size() == 1;
+    const bool isTyping = items == m_items && isTypingNotes();
+    const auto isTyped = [isSame = items == m_items](const QLineEdit *field) {
+        return isSame && field->hasFocus() && field->isModified();
+    };
+    const CommonText notesBefore = m_summary.notes;
     m_items = items;
     m_summary = summary;
     showPicture(*first, isOne);
-    m_title->setText(isOne ? first->title() : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
+    if (!isTyped(m_title)) {
+        m_title->setText(isOne ? first->title()
+                               : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
+    }
     m_title->setReadOnly(!isOne);
     m_title->setFocusPolicy(isOne ? Qt::StrongFocus : Qt::NoFocus);
     m_kind->setText(summary.kind.shown() + QStringLiteral(" · ") + sizeOf(summary));
     m_rating->setRating(summary.rating, summary.ratingDiffers);
     showTags(summary);
     m_notes->setPlaceholderText(summary.notes.differs ? zqLocalized("Multiple values") : QString());
-    m_notes->setPlainText(summary.notes.differs ? QString() : summary.notes.text);
+    if (isTyping) {
+        m_summary.notes = notesBefore; // what the typing began from
+    } else {
+        m_notes->setPlainText(summary.notes.differs ? QString() : summary.notes.text);
+    }
     m_size->setText(summary.size.shown());
     m_imported->setText(summary.imported.shown());
     m_modified->setText(summary.modified.shown());
-    showIn(m_source, summary.source, zqLocalized("None given"));
-    showIn(m_license, summary.license, zqLocalized("None given"));
+    for (const auto &[field, value] : {std::pair{m_source, summary.source}, {m_license, summary.license}}) {
+        if (!isTyped(field)) {
+            showIn(field, value, zqLocalized("None given"));
+        }
+    }
     m_nothing->hide();
     m_body->show();
 }
@@ -443,6 +460,12 @@ void InfoPanelViewController::commitTitle()
         LibraryCommands(m_window).renameItem(m_items.first(), m_title->text());
         m_title->setText(item->title());
     }
+}
+
+bool InfoPanelViewController::isTypingNotes() const
+{
+    const QString shown = m_summary.notes.differs ? QString() : m_summary.notes.text;
+    return m_notes->hasFocus() && m_notes->toPlainText() != shown;
 }
 
 void InfoPanelViewController::commitNotes()

@@ -52,6 +52,7 @@ private:
     void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
     void commitTitle();
+    bool isTypingNotes() const; // and has not left the field
     void commitNotes();
     void commitField(QLineEdit *field);
 

@@ -65,6 +65,7 @@ void TabsController::sidebarSelectionChanged()
 void TabsController::updateTitles()
 {
     const QStringList titles = m_tabs.titles();
+    m_browser.updateHead();
     m_toolbar.tabStrip().setTabs(titles, m_tabs.currentIndex());
     m_toolbar.window()->setWindowTitle(titles.value(m_tabs.currentIndex()) + QStringLiteral(" — Zelto"));
 }

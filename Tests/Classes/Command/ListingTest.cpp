@@ -1,5 +1,6 @@
 // What commands print, in which order, and what they refuse or cannot do.
 
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Command/CommandFixture.h"
@@ -168,11 +169,17 @@ TEST_F(ListingTest, AChangeThatCannotBeSavedIsTakenBack)
     picture(QStringLiteral("in/a.png"), qRgb(1, 2, 3));
     ASSERT_EQ(run("import in/a.png"), 0);
     const auto made = item(QStringLiteral("a"));
-    ASSERT_NO_FATAL_FAILURE(changeElsewhere(made));
+    const auto connection = delegate->persistentStoreCoordinator()->newConnection();
+    ASSERT_TRUE(connection->execute(QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON ZQLibraryBaseItem "
+                                                   "BEGIN SELECT RAISE(ABORT, 'full'); END")));
     EXPECT_NE(run(QStringList{QStringLiteral("delete"), made->bundleID()}), 0);
     EXPECT_FALSE(context.errors.isEmpty());
     EXPECT_FALSE(store().hasChanges());
     EXPECT_EQ((run("items --json"), array().size()), 1);
+    ASSERT_TRUE(connection->execute(QStringLiteral("DROP TRIGGER refuse")));
+    ASSERT_NO_FATAL_FAILURE(changeElsewhere(made));
+    EXPECT_EQ(run(QStringList{QStringLiteral("delete"), made->bundleID()}), 0) << "it sees what others saved";
+    EXPECT_EQ((run("items --json"), array().size()), 0);
 }
 
 TEST_F(ListingTest, AnImportThatItsAskerGaveUpKeepsNothing)

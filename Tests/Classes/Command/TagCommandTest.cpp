@@ -73,6 +73,58 @@ protected:
     QJsonObject item;
 };
 
+TEST_F(TagCommandTest, TheFileIsWrittenAlsoWhereTheStoreNeedsNoChange)
+{
+    const auto write = [](bool writes) {
+        ZQUserDefaults::standardUserDefaults().setObjectForKey(writes, QStringLiteral("ImportOpenMetaTags"));
+    };
+    write(false);
+    ASSERT_EQ(run({QStringLiteral("rate"), path(), QStringLiteral("5")}), 0);
+    ASSERT_EQ(run({QStringLiteral("note"), path(), QStringLiteral("said")}), 0);
+    ASSERT_EQ(run({QStringLiteral("tag"), path(), QStringLiteral("--add"), QStringLiteral("foo")}), 0);
+    EXPECT_EQ(OpenMeta::getRating(path()), 0);
+    write(true);
+    ASSERT_EQ(run({QStringLiteral("rate"), path(), QStringLiteral("5")}), 0);
+    EXPECT_EQ(OpenMeta::getRating(path()), 5);
+    ASSERT_EQ(run({QStringLiteral("note"), path(), QStringLiteral("said")}), 0);
+    EXPECT_EQ(OpenMeta::getString(OpenMeta::finderCommentKey, path()), QStringLiteral("said"));
+    EXPECT_TRUE(fileTags().contains(QStringLiteral("foo")));
+}
+
+TEST_F(TagCommandTest, ATagThatIsAddedAndRemovedIsThere)
+{
+    for (int round = 0; round < 2; ++round) { // it was not there, and then it was
+        ASSERT_EQ(
+            run({QStringLiteral("tag"), path(), QStringLiteral("--remove"), QStringLiteral("both"),
+                 QStringLiteral("--add"), QStringLiteral("both"), QStringLiteral("--add"), QStringLiteral("other")}),
+            round == 0 ? 2 : 0)
+            << "a tag that nobody has cannot be removed";
+        ASSERT_EQ(run({QStringLiteral("tag"), path(), QStringLiteral("--add"), QStringLiteral("both")}), 0);
+    }
+    EXPECT_TRUE(storedTags().contains(QStringLiteral("both")));
+    EXPECT_TRUE(fileTags().contains(QStringLiteral("both")));
+}
+
+TEST_F(TagCommandTest, AFailingCommandTakesNothingOfTheWindowsWithIt)
+{
+    const auto shown = storedItem();
+    shown->setLicense(QStringLiteral("not saved yet"));
+    {
+        const auto connection = delegate->persistentStoreCoordinator()->newConnection();
+        ASSERT_TRUE(connection->execute(QStringLiteral("CREATE TRIGGER refuse BEFORE UPDATE ON ZQLibraryBaseItem "
+                                                       "BEGIN SELECT RAISE(ABORT, 'full'); END")));
+        EXPECT_EQ(run({QStringLiteral("rate"), path(), QStringLiteral("3")}), 2);
+        ASSERT_TRUE(connection->execute(QStringLiteral("DROP TRIGGER refuse")));
+    }
+    EXPECT_FALSE(context.errors.isEmpty());
+    EXPECT_EQ(shown->rating(), 0);
+    EXPECT_EQ(shown->license(), QStringLiteral("not saved yet"));
+    delegate->saveAction();
+    EXPECT_EQ(run({QStringLiteral("rate"), path(), QStringLiteral("3")}), 0);
+    EXPECT_EQ(shown->rating(), 3) << "the window's object follows";
+    EXPECT_EQ(shown->license(), QStringLiteral("not saved yet"));
+}
+
 TEST_F(TagCommandTest, TagsGoToTheStoreAndToTheFileBeforeTheCommandEnds)
 {
     const QStringList before = storedTags();

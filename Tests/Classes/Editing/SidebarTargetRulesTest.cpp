@@ -6,7 +6,7 @@
 class SidebarTargetRulesTest : public EditFixture
 {
 protected:
-    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(int(kind), library.context()); }
+    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(kind, library.context()); }
 };
 
 TEST_F(SidebarTargetRulesTest, EachTargetTakesWhatItCanHold)

@@ -56,9 +56,7 @@ TEST_F(ImportQueriesTest, ASidebarItemTakesTheDropsOfItsKind)
     ASSERT_TRUE(QDir().mkpath(folder));
     const auto liveFolder = context().insertNewObject<ZQSidebarWatchedFolder>();
     const auto sidebarFolder = context().insertNewObject<ZQSidebarFolder>();
-    const auto special = [this](ZQSidebarKind kind) {
-        return ZQSidebarBaseItem::specialItemOfKind(int(kind), context());
-    };
+    const auto special = [this](ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(kind, context()); };
     struct Case
     {
         const char *what;

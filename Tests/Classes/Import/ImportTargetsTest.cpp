@@ -22,7 +22,7 @@ class ImportTargets : public ImportFixture
 protected:
     ZQRef<ZQSidebarBaseItem> special(ZQSidebarKind kind) const
     {
-        return ZQSidebarBaseItem::specialItemOfKind(int(kind), context());
+        return ZQSidebarBaseItem::specialItemOfKind(kind, context());
     }
     static QStringList childTitles(const ZQSidebarBaseItem &father)
     {

@@ -76,7 +76,7 @@ protected:
     }
 
     ZQManagedObjectContext &context() { return *delegate->managedObjectContext(); }
-    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(int(kind), context()); }
+    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(kind, context()); }
     template <class T>
     Item add(const QString &title, const Item &father)
     {

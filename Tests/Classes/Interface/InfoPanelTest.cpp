@@ -5,7 +5,9 @@
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Tags/OpenMetaPrefs.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Tests/Classes/Editing/EditQueueGate.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QCompleter>
@@ -337,6 +339,31 @@ TEST_F(InfoPanelTest, ThePreviewShowsTheSelectedInItsShape)
     EXPECT_EQ(at({0, -(preview->height() / 2) + 8}), zqColor(ZQColorRole::Cell));
     select({QStringLiteral("pages")});
     EXPECT_TRUE(waitFor([&] { return at({}).blue() > 250 && at({}).red() < 10; }));
+}
+
+TEST_F(InfoPanelTest, WhatIsTypedWhileAnEditRunsIsOneEditAndStays)
+{
+    select({QStringLiteral("red")});
+    const auto gate = std::make_unique<EditQueueGate>(delegate->editQueue());
+    notes->setFocus();
+    for (const QChar letter : QStringLiteral("precious")) {
+        type(letter);
+        zqRunMainLoopFor(std::chrono::milliseconds(1));
+        panel->refresh(); // as after each batch
+    }
+    EXPECT_EQ(notes->toPlainText(), QStringLiteral("precious"));
+    EXPECT_EQ(delegate->editQueue().operationCount(), 1) << "nothing is asked for before the field is left";
+    field("License")->setFocus();
+    type(QStringLiteral("CC0"));
+    panel->refresh();
+    EXPECT_EQ(field("License")->text(), QStringLiteral("CC0"));
+    grid().setFocus();
+    EXPECT_EQ(delegate->editQueue().operationCount(), 3);
+    gate->open();
+    settle();
+    EXPECT_EQ(image(QStringLiteral("red"))->notes(), QStringLiteral("precious"));
+    EXPECT_EQ(image(QStringLiteral("red"))->license(), QStringLiteral("CC0"));
+    EXPECT_EQ(notes->toPlainText(), QStringLiteral("precious"));
 }
 
 TEST_F(InfoPanelTest, ManyAreSummedUpBesideTheWindow)

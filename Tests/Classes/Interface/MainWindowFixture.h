@@ -62,7 +62,7 @@ protected:
         father->appendChild(item.get());
         return item;
     }
-    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(int(kind), context()); }
+    Item special(ZQSidebarKind kind) { return ZQSidebarBaseItem::specialItemOfKind(kind, context()); }
     ZQRef<ZQLibraryBaseItem> image(const QString &title);
 
     static bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 20000); }

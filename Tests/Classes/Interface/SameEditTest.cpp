@@ -16,7 +16,7 @@
 
 namespace {
 
-// An edit by each of its faces; all three are one function below.
+// An edit by each of its faces, all of which are one function below; null where no command makes it.
 struct Edit
 {
     const char *name;
@@ -71,7 +71,11 @@ protected:
             tags.append(each->title());
         }
         tags.sort();
-        return {QString::number(edited->rating()), edited->notes(), tags.join(u','),
+        return {QString::number(edited->rating()),
+                edited->notes(),
+                edited->license(),
+                edited->webPageURL(),
+                tags.join(u','),
                 edited->active() ? QStringLiteral("active") : QStringLiteral("deleted")};
     }
     std::string state(int index)
@@ -156,11 +160,33 @@ TEST_F(SameEditTest, WindowCommandAndCallLeaveTheSameStoreFilesJournalAndUndo)
          [this](const auto &chosen, EditContext &context) {
              ItemEdits(context).changeTags(chosen, {}, {tag->objectID()});
          }},
+        {"license",
+         [this](const QString &) {
+             named<QLineEdit>("License")->setFocus();
+             type(QStringLiteral("CC0"));
+             press(Qt::Key_Return);
+         },
+         {}, // by no command
+         [](const auto &chosen, EditContext &context) {
+             ItemEdits(context).setLicense(chosen, QStringLiteral("CC0"));
+         }},
+        {"source",
+         [this](const QString &) {
+             named<QLineEdit>("Source")->setFocus();
+             type(QStringLiteral("https://example.org"));
+             press(Qt::Key_Return);
+         },
+         {},
+         [](const auto &chosen, EditContext &context) {
+             ItemEdits(context).setSource(chosen, QStringLiteral("https://example.org"));
+         }},
         {"deletion", [this](const QString &) { run(CommandID::DeleteFromLibrary); },
          [](const QString &id, CommandContext &command) { return zqRunDelete({id}, command); },
          [](const auto &chosen, EditContext &context) { LibraryCommands(context).deleteItems(chosen); }},
     };
     EditContext editing = editContext();
+    EditContext commandless = editContext();
+    commandless.undoStack = nullptr;
     std::vector<std::string> meanings;
     std::string last = state(0);
     for (const Edit &edit : edits) {
@@ -168,13 +194,18 @@ TEST_F(SameEditTest, WindowCommandAndCallLeaveTheSameStoreFilesJournalAndUndo)
         meanings.push_back(meaning(0));
         show(a);
         select({titles[0]});
+        grid().setFocus();
         const int windowSteps = controller->undoStack().count();
         edit.inWindow(titles[0]);
         settleEdits();
         EXPECT_EQ(controller->undoStack().count(), windowSteps + 1);
         CommandContext command;
         command.delegate = delegate.get();
-        EXPECT_EQ(edit.onCommandLine(item(1)->bundleID(), command), 0) << command.errors.toStdString();
+        if (edit.onCommandLine) {
+            EXPECT_EQ(edit.onCommandLine(item(1)->bundleID(), command), 0) << command.errors.toStdString();
+        } else {
+            edit.byCall(ids(1), commandless);
+        }
         EXPECT_EQ(controller->undoStack().count(), windowSteps + 1) << "a command leaves no step in the window";
         const int steps = undoStack.count();
         edit.byCall(ids(2), editing);

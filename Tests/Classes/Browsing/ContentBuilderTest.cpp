@@ -1,0 +1,96 @@
+#include "Classes/Browsing/ContentBuilder.h"
+
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Models/DataModel/ZQLibraryImage.h"
+#include "Tests/Classes/Browsing/BrowsingFixture.h"
+
+namespace {
+
+class ContentBuilderTest : public BrowsingFixture
+{
+protected:
+    ContentBuilderTest()
+    {
+        for (const char *title : {"b10", "a", "b9"}) {
+            images.append(library.addImage(QLatin1StringView(title)));
+        }
+        project->addItems({images[0], images[1], images[2]});
+        other->addItems({images[1]});
+        library.context().save();
+    }
+    // "title: item item | title: item", as read by a context of its own.
+    std::string content(const ContentQuery &query)
+    {
+        ZQManagedObjectContext context(library.coordinator());
+        const auto built = ContentBuilder(query, context).content([] { return true; });
+        QStringList sections;
+        for (qsizetype i = 0; built && i < built->rows.size(); ++i) {
+            QStringList items;
+            for (const ZQObjectID &id : built->rows[i].related) {
+                items.append(zqCast<ZQLibraryBaseItem>(context.objectWithID(id))->title());
+            }
+            sections.append(built->titles[i] + QStringLiteral(": ") + items.join(u' '));
+        }
+        return (built && built->error.isNull() ? sections.join(QStringLiteral(" | ")) : QStringLiteral("error"))
+            .toStdString();
+    }
+
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item project = addProject(QStringLiteral("Project"), folder);
+    const Item empty = addProject(QStringLiteral("Empty"), folder);
+    const Item other = addProject(QStringLiteral("Other"), folder);
+    const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
+    QList<ZQRef<ZQLibraryBaseItem>> images;
+};
+
+} // namespace
+
+TEST_F(ContentBuilderTest, SectionsFollowTheSelectionAndEmptyOnesAreLeftOut)
+{
+    const auto of = [](const QList<Item> &items, ZQSortValue sort = ZQSortValue::Manual, bool isAscending = true) {
+        ContentQuery query{{}, {}, sort, isAscending};
+        for (const Item &item : items) {
+            query.sidebarItems.append(item->objectID());
+        }
+        return query;
+    };
+    EXPECT_EQ(content(of({project})), ": b10 a b9") << "one alone has no head";
+    EXPECT_EQ(content(of({other, empty, project})), "Other: a | Project: b10 a b9");
+    EXPECT_EQ(content(of({folder})), "Project: b10 a b9 | Other: a");
+    EXPECT_EQ(content(of({project}, ZQSortValue::Title)), ": a b9 b10");
+    EXPECT_EQ(content(of({project}, ZQSortValue::Title, false)), ": b10 b9 a");
+    EXPECT_EQ(content(of({everything}, ZQSortValue::Title)), ": a b9 b10");
+    EXPECT_EQ(content(of({empty})), "");
+    EXPECT_EQ(content({}), "");
+    other->deleteSelf();
+    images[0]->deleteSelf();
+    library.context().save();
+    EXPECT_EQ(content(of({other, project})), "Project: a b9") << "deleted rows are no sections";
+    for (const Item &item : {project, everything}) {
+        ContentQuery filtered = of({item}, ZQSortValue::Title);
+        filtered.filter = QStringLiteral("B");
+        EXPECT_EQ(content(filtered), ": b9");
+    }
+}
+
+TEST_F(ContentBuilderTest, WhatCannotBeReadIsAnErrorAndWhatIsGivenUpIsNothing)
+{
+    const ContentQuery query{{project->objectID()}, {}, ZQSortValue::Manual, true};
+    ZQManagedObjectContext context(library.coordinator());
+    EXPECT_FALSE(ContentBuilder(query, context).content([] { return false; }));
+    EXPECT_FALSE(ContentBuilder(query, context).rowsWithTitleBeginning(QStringLiteral("a"), [] { return false; }));
+    EXPECT_EQ(ContentBuilder(query, context).rowsWithTitleBeginning(QStringLiteral("B"), [] { return true; })->size(),
+              2);
+    for (const char *table : {"ZQProjectItem", "ZQSidebarBaseItem"}) {
+        const auto connection = library.coordinator()->newConnection();
+        const auto rename = [&](const char *from, const char *to) {
+            ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                                .arg(QLatin1StringView(from), QLatin1StringView(to))));
+        };
+        rename(table, "away");
+        EXPECT_EQ(content(query), "error") << table;
+        ZQManagedObjectContext fresh(library.coordinator());
+        EXPECT_FALSE(ContentBuilder(query, fresh).rowsWithTitleBeginning(QStringLiteral("a"), [] { return true; }));
+        rename("away", table);
+    }
+}
