@@ -19,8 +19,8 @@ public:
     // Those named first go first: what runs gives way to them, and begins anew afterwards.
     enum class Priority { Content, Typing, Counts, Summary };
 
-    // What its owner is waiting for: one request at a time. A new one replaces the one before, also while that runs, and
-    // only the answer of the latest is delivered. When the ticket ends, what was asked for ends with it: no answer
+    // What its owner is waiting for: one request at a time. A new one replaces the one before, also while that runs,
+    // and only the answer of the latest is delivered. When the ticket ends, what was asked for ends with it: no answer
     // reaches an owner that is gone. May outlive the fetcher.
     class Ticket
     {

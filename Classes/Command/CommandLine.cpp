@@ -442,7 +442,8 @@ QString CommandLine::markdown() const
                                  "window's process, so that two processes never write one library.\n\n"
                                  "Only data goes to standard output; errors go to standard error. The exit status is "
                                  "0, 1 when `verify` found something wrong or `recover` met an open library, "
-                                 "and 2 after an error, in which case nothing was changed; a change of many items that fails or is cancelled keeps what was done before that.\n");
+                                 "and 2 after an error, in which case nothing was changed; a change of many items that "
+                                 "fails or is cancelled keeps what was done before that.\n");
     describe(*m_app, QStringLiteral("zelto"), out);
     return out;
 }

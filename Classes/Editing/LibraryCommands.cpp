@@ -326,8 +326,8 @@ EditPass removalOf(const Done &done, const ZQObjectID &from)
 
 constexpr qsizetype filesPerBatch = 16; // copied and flushed before a save names them
 
-// Whether there are copies now. What was copied for a batch that could not be saved is left over: the next launch sees to
-// it.
+// Whether there are copies now. What was copied for a batch that could not be saved is left over: the next launch sees
+// to it.
 bool copyItems(EditRun &run, const IDs &items, IDs &copies)
 {
     run.inBatches(zqLocalized("Duplicating items…"), items.size(), [&](qsizetype first, qsizetype size) {

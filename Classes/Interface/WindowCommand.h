@@ -57,9 +57,9 @@ struct WindowCommand
     QString title; // localised
     QList<QKeySequence> keys;
     std::function<void()> run;
-    std::function<bool()> isEnabled = {};   // null: always
-    std::function<bool()> isChecked = {};   // null: nothing to check
-    std::function<QString()> shown = {};    // the title at the moment; null: always the same
-    QWidget *keysIn = nullptr;              // the keys count only while this has the focus; null: in the window
-    bool yieldsToFields = false;            // a text field takes the keys for itself
+    std::function<bool()> isEnabled = {}; // null: always
+    std::function<bool()> isChecked = {}; // null: nothing to check
+    std::function<QString()> shown = {};  // the title at the moment; null: always the same
+    QWidget *keysIn = nullptr;            // the keys count only while this has the focus; null: in the window
+    bool yieldsToFields = false;          // a text field takes the keys for itself
 };

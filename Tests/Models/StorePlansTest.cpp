@@ -95,21 +95,24 @@ const Question questions[] = {
     {"library, oldest first",
      [](auto &context) {
          ZQFetchRequest request = contentOf<ZQSidebarLibrary>(context);
-         request.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::ImportDate, true, ZQListRows::LibraryItems);
+         request.sortDescriptors =
+             ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::ImportDate, true, ZQListRows::LibraryItems);
          context.fetchObjectIDs(request);
      },
      "USING COVERING INDEX zq_index_ZQLibraryBaseItem_import_date_descending_title_active_covering", true, true},
     {"library, by title",
      [](auto &context) {
          ZQFetchRequest request = contentOf<ZQSidebarLibrary>(context);
-         request.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
+         request.sortDescriptors =
+             ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
          context.fetchObjectIDs(request);
      },
      "USING COVERING INDEX zq_index_ZQLibraryBaseItem_import_date_descending_title_active_covering", false, true},
     {"library, last changed first",
      [](auto &context) {
          ZQFetchRequest request = contentOf<ZQSidebarLibrary>(context);
-         request.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::ModificationDate, false, ZQListRows::LibraryItems);
+         request.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::ModificationDate, false,
+                                                                                  ZQListRows::LibraryItems);
          context.fetchObjectIDs(request);
      },
      "USING INDEX zq_index_ZQLibraryBaseItem_modification_date", true, true},

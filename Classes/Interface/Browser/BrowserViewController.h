@@ -51,7 +51,7 @@ Q_SIGNALS:
     void selectionChanged();
     void contextMenuRequested(const QPoint &globalPoint);
     void titleChanged();
-    void rated(int stars); // the selected items, which may take a while
+    void rated(int stars);    // the selected items, which may take a while
     void recoveryRequested(); // what is shown was read from a damaged store
 
 private:

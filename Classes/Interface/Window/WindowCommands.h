@@ -23,7 +23,7 @@ public:
 
     // Once all commands are there.
     QMenu *makeMenus(QWidget *parent);
-    void update(); // asks every command how it is now
+    void update();                // asks every command how it is now
     QStringList keyLines() const; // "Ctrl+N   New Project", as the menus have them
 
 private:

@@ -20,10 +20,10 @@
 #include "Tests/Support/ScriptedUser.h"
 #include "Tests/Support/StoreLibrary.h"
 
-#include <QUndoStack>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QUndoStack>
 
 #include <algorithm>
 #include <cstdio>
@@ -206,7 +206,8 @@ void measureLists(const QString &path, qint64)
     print("total-count-ms", millisecondsFor([&] { count = zqCount(context, all); }));
     print("listed", double(count));
     ZQFetchRequest byTitle = all;
-    byTitle.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
+    byTitle.sortDescriptors =
+        ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
     print("by-title-ms", millisecondsFor([&] { count = context.fetchObjectIDs(byTitle)->size(); }));
     print("given-up-ms", longestGivingUp(context, byTitle));
 }
