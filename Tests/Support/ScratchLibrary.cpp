@@ -2,6 +2,7 @@
 
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/_ZQEntities.h"
@@ -44,6 +45,16 @@ void ScratchLibrary::reopenContext()
         throw std::runtime_error("The scratch library cannot be saved: " + error.localizedDescription().toStdString());
     }
     m_context = std::make_unique<ZQManagedObjectContext>(m_coordinator);
+}
+
+void ScratchLibrary::renameTable(const char *from, const char *to)
+{
+    const auto connection = m_coordinator->newConnection();
+    const QString statement = QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                  .arg(QLatin1StringView(from), QLatin1StringView(to));
+    if (!connection->execute(statement)) {
+        qFatal("the table %s cannot be renamed", from);
+    }
 }
 
 QString ScratchLibrary::writeFile(const QString &relative, const QByteArray &contents)

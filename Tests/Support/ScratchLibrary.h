@@ -39,6 +39,9 @@ public:
     // Saves, forgets every object and opens a new context on the same store.
     void reopenContext();
 
+    // Takes a table away from the store, as damage would, or puts it back.
+    void renameTable(const char *from, const char *to);
+
     // Writes a file below the temporary folder, making folders as needed, and answers its path.
     QString writeFile(const QString &relative, const QByteArray &contents);
     static QByteArray readFile(const QString &path);

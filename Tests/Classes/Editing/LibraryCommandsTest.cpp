@@ -65,13 +65,6 @@ protected:
         return isQueued;
     }
 
-    void rename(const char *from, const char *to)
-    {
-        const auto connection = library.coordinator()->newConnection();
-        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
-                                            .arg(QLatin1String(from), QLatin1String(to))));
-    }
-
     Item project;
     QList<ZQRef<ZQLibraryImage>> images;
     LibraryCommands commands{editing};
@@ -338,20 +331,20 @@ TEST_F(LibraryCommandsTest, WhatCannotBeReadIsToldAndLeavesNoStep)
     for (const auto &step : steps) {
         SCOPED_TRACE(&step - steps);
         user.errors.clear();
-        rename("ZQProjectItem", "away");
+        library.renameTable("ZQProjectItem", "away");
         step();
         EXPECT_EQ(user.errors.size(), 1);
         EXPECT_EQ(undoStack.count(), 0);
-        rename("away", "ZQProjectItem");
+        library.renameTable("away", "ZQProjectItem");
         EXPECT_EQ(places(), before);
         EXPECT_EQ(other->numberOfItems(), 0);
     }
     commands.removeItems(ids({1, 2}), project->objectID());
     user.errors.clear();
-    rename("ZQProjectItem", "away");
+    library.renameTable("ZQProjectItem", "away");
     undoStack.undo();
     EXPECT_EQ(user.errors.size(), 1);
-    rename("away", "ZQProjectItem");
+    library.renameTable("away", "ZQProjectItem");
     undoStack.redo();
     undoStack.undo();
     EXPECT_EQ(places(), before) << "taken back once it can be";

@@ -31,13 +31,6 @@ protected:
         }
         return result;
     }
-    void rename(const char *from, const char *to)
-    {
-        const auto connection = library.coordinator()->newConnection();
-        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
-                                            .arg(QLatin1String(from), QLatin1String(to))));
-    }
-
     Item project;
     QList<ZQRef<ZQLibraryImage>> images;
 };
@@ -64,10 +57,10 @@ TEST_F(ShownContentTest, ADragCarriesEveryItemAndIsReadInOneGo)
     EXPECT_EQ(connection->preparedUses() - before, 1);
     EXPECT_EQ(QSet<ZQObjectID>(dropped.begin(), dropped.end()).size(), many + images.size());
     const QByteArray foreign = project->UUID().toUtf8() + "\nx-zelto://nothing/ZQLibraryImage/p1\nx\n";
-    rename("ZQLibraryBaseItem", "away");
+    library.renameTable("ZQLibraryBaseItem", "away");
     EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
     EXPECT_EQ(user.errors.size(), 1) << "not as if nothing had been dragged";
-    rename("away", "ZQLibraryBaseItem");
+    library.renameTable("away", "ZQLibraryBaseItem");
     data->setData(BrowserContent::itemsMimeType, foreign);
     EXPECT_TRUE(BrowserContent::itemsOfMimeData(data.get(), window).isEmpty());
 }
