@@ -7,6 +7,9 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
 endif()
 target_compile_definitions(zelto_settings INTERFACE QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)
 target_include_directories(zelto_settings INTERFACE "${CMAKE_SOURCE_DIR}")
+if(ZELTO_PRECOMPILED_HEADERS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(zelto_settings INTERFACE -fpch-preprocess) # for ccache
+endif()
 if(ZELTO_SANITIZE STREQUAL "address")
   target_compile_options(zelto_settings INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   target_link_options(zelto_settings INTERFACE -fsanitize=address,undefined)
@@ -15,6 +18,17 @@ elseif(ZELTO_SANITIZE STREQUAL "thread")
   target_link_options(zelto_settings INTERFACE -fsanitize=thread)
 endif()
 
+# Gives a target the precompiled headers that suit what it links (Tools/headers): core or widgets, for tests with theirs.
+function(zelto_precompiled name prefix)
+  if(ZELTO_PRECOMPILED_HEADERS)
+    set(kind core)
+    if("${ARGN}" MATCHES "[Ww]idgets|zelto_interface")
+      set(kind widgets)
+    endif()
+    target_precompile_headers(${name} REUSE_FROM zelto_headers_${prefix}${kind})
+  endif()
+endfunction()
+
 # zelto_library(NAME [dependencies...]): a static library of every source in the current folder.
 # What it links is what it may include; there is no other way to another folder.
 function(zelto_library name)
@@ -22,6 +36,7 @@ function(zelto_library name)
   add_library(${name} STATIC ${sources})
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX) # a folder may hold headers only
   target_link_libraries(${name} PUBLIC zelto_settings ${ARGN})
+  zelto_precompiled(${name} "" ${ARGN})
 endfunction()
 
 # zelto_test(NAME [dependencies...]): one test program of every source in the current folder.
@@ -29,6 +44,7 @@ function(zelto_test name)
   file(GLOB sources CONFIGURE_DEPENDS "*.cpp" "*.h")
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest GTest::gmock)
+  zelto_precompiled(${name} tests_ ${ARGN})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
                        TIMEOUT 600)
