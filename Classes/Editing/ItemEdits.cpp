@@ -1,6 +1,7 @@
 #include "Classes/Editing/ItemEdits.h"
 
 #include "Classes/Editing/EditStep.h"
+#include "Classes/Tags/OpenMetaPrefs.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
@@ -300,6 +301,37 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
         return [added, removed](ZQLibraryBaseItem &changed) { applyTags(changed, removed, added); };
     };
     push(m_edits, zqLocalized("edit tags"), edit);
+}
+
+bool ItemEdits::tagItems(const QList<ZQObjectID> &items, const QStringList &shared, const QStringList &entered)
+{
+    QStringList wanted;
+    for (const QString &text : entered) {
+        const QString name = ZQSidebarTag::tagNameForText(text);
+        if (!name.isEmpty() && text != zqLocalized("Multiple values") && !wanted.contains(name)) {
+            wanted.append(name);
+        }
+    }
+    QStringList present;
+    for (const QString &title : shared) {
+        present.append(ZQSidebarTag::tagNameForText(title));
+    }
+    QStringList added = wanted;
+    added.removeIf([&present](const QString &name) { return present.contains(name); });
+    QList<ZQObjectID> removed;
+    for (const QString &name : present) {
+        const auto tag =
+            wanted.contains(name) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(name, m_edits.context);
+        if (tag) {
+            removed.append(tag->objectID());
+        }
+    }
+    if (added.isEmpty() && removed.isEmpty()) {
+        return false;
+    }
+    OpenMetaPrefs::updatePrefsRecentTags(present, wanted);
+    changeTags(items, {}, removed, added);
+    return true;
 }
 
 void ItemEdits::saveAndRewriteFiles(const QList<ZQObjectID> &items)

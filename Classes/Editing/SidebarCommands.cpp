@@ -102,6 +102,54 @@ const Confirmation &confirmationFor(const SidebarCommands::Items &items, bool wi
                                             : deleteProject;
 }
 
+// Rows that are deleted or restored together. The files of tags are rewritten after the save, many beside the window.
+class Activation
+{
+public:
+    explicit Activation(EditContext &edits) : m_edits(edits) {}
+    void remove(const SidebarCommands::Item &item)
+    {
+        if (item->isTag()) {
+            item->ZQSidebarBaseItem::deleteSelf(); // its own would write the files at once
+            add(item);
+        } else {
+            item->deleteSelf();
+        }
+    }
+    void restore(const SidebarCommands::Item &item)
+    {
+        if (item->isTag()) {
+            item->ZQSidebarBaseItem::restoreSelf();
+            add(item);
+        } else {
+            item->restoreSelf();
+        }
+    }
+    void save()
+    {
+        if (m_tagged.isEmpty()) {
+            m_edits.save();
+        } else {
+            ItemEdits(m_edits).saveAndRewriteFiles(m_tagged);
+        }
+    }
+
+private:
+    void add(const SidebarCommands::Item &tag)
+    {
+        for (const ZQObjectID &id : tag->relatedObjectIDs(QStringLiteral("taggedItems"))) {
+            if (!m_known.contains(id)) {
+                m_known.insert(id);
+                m_tagged.append(id);
+            }
+        }
+    }
+
+    EditContext &m_edits;
+    QList<ZQObjectID> m_tagged;
+    QSet<ZQObjectID> m_known;
+};
+
 } // namespace
 
 SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
@@ -151,16 +199,18 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
             const Item again = edits.sidebarItem(place.item);
             const Item above = edits.sidebarItem(place.father);
             if (again && above) {
-                again->restoreSelf();
+                Activation activation(edits);
+                activation.restore(again);
                 above->addChild(again.get(), place.index);
-                edits.save();
+                activation.save();
             }
         },
         [&edits, place] {
             if (const Item gone = edits.sidebarItem(place.item)) {
+                Activation activation(edits);
                 gone->removeFromFather();
-                gone->deleteSelf();
-                edits.save();
+                activation.remove(gone);
+                activation.save();
             }
         });
     return item;
@@ -250,6 +300,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
     const auto redo = [&edits, ids, contentIDs, done] {
         *done = {};
         LibraryCommands(edits).setDeleted(contentIDs, true);
+        Activation activation(edits);
         for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
             const Item item = edits.sidebarItem(*id);
             if (!item || !item->active()) {
@@ -261,17 +312,18 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
             item->removeFromFather();
             for (const ZQObjectID &each : below) {
                 if (const Item lower = edits.sidebarItem(each); lower && lower->active()) {
-                    lower->deleteSelf();
+                    activation.remove(lower);
                     done->deleted.append(each);
                 }
             }
         }
-        edits.save();
+        activation.save();
     };
     const auto undo = [&edits, contentIDs, done] {
+        Activation activation(edits);
         for (auto id = done->deleted.rbegin(); id != done->deleted.rend(); ++id) {
             if (const Item item = edits.sidebarItem(*id)) {
-                item->restoreSelf();
+                activation.restore(item);
             }
         }
         for (auto place = done->places.rbegin(); place != done->places.rend(); ++place) {
@@ -281,7 +333,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
                 father->addChild(item.get(), place->index);
             }
         }
-        edits.save();
+        activation.save();
         LibraryCommands(edits).setDeleted(contentIDs, false);
     };
     zqPushBlocks(m_edits, text, redo, undo);

@@ -288,7 +288,7 @@ Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*
         return Qt::IgnoreAction;
     }
     if (data->hasFormat(itemsMimeType)) {
-        return dropsAtIndex(data) ? Qt::MoveAction : Qt::IgnoreAction;
+        return dropsAtIndex(data) && SidebarTargetRules::items(target.get()) ? Qt::MoveAction : Qt::IgnoreAction;
     }
     const QStringList paths = ImportDoor::localPaths(data);
     if (!paths.isEmpty()) {

@@ -407,33 +407,7 @@ QStringList InfoPanelViewController::commonTagsForItems(const QList<ZQObjectID> 
 
 bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QStringList &withTags)
 {
-    QStringList entered;
-    for (const QString &text : withTags) {
-        const QString name = ZQSidebarTag::tagNameForText(text);
-        if (!name.isEmpty() && text != zqLocalized("Multiple values") && !entered.contains(name)) {
-            entered.append(name);
-        }
-    }
-    QStringList shared;
-    for (const QString &title : commonTagsForItems(items)) {
-        shared.append(ZQSidebarTag::tagNameForText(title));
-    }
-    QStringList added = entered;
-    added.removeIf([&shared](const QString &name) { return shared.contains(name); });
-    QList<ZQObjectID> removed;
-    for (const QString &name : shared) {
-        const auto tag =
-            entered.contains(name) ? ZQRef<ZQSidebarTag>() : ZQSidebarTag::tagWithTagName(name, m_window.context);
-        if (tag) {
-            removed.append(tag->objectID());
-        }
-    }
-    if (added.isEmpty() && removed.isEmpty()) {
-        return false;
-    }
-    OpenMetaPrefs::updatePrefsRecentTags(shared, entered);
-    ItemEdits(m_window).changeTags(items, {}, removed, added);
-    return true;
+    return ItemEdits(m_window).tagItems(items, commonTagsForItems(items), withTags);
 }
 
 void InfoPanelViewController::editTitle()

@@ -28,6 +28,16 @@ ZQRef<ZQSidebarBaseItem> ImportActions::target(bool (*takes)(const ZQSidebarBase
     return takes(single.get()) ? single : ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_window.context);
 }
 
+void ImportActions::tellWhereItGoes(const ZQSidebarBaseItem *into) const
+{
+    const auto single = m_browser.content().singleItem();
+    if (single && single.get() != into) {
+        m_window.user.showNotificationWithText(
+            zqFormat(zqLocalized("“%@” takes no files: they go to the library"), {single->title()}),
+            NotificationPlace::Browser, usualNotificationTime);
+    }
+}
+
 void ImportActions::importWithDialog()
 {
     FileChoice choice;
@@ -37,6 +47,7 @@ void ImportActions::importWithDialog()
     choice.several = true;
     const QStringList paths = m_window.user.chooseFilesToOpen(choice);
     if (const auto into = target(takesFiles); into && !paths.isEmpty()) {
+        tellWhereItGoes(into.get());
         ImportDoor::importFiles(paths, into.get(), ZQSidebarBaseItem::appendIndex);
     }
 }
@@ -50,6 +61,7 @@ void ImportActions::pasteFromClipboard()
                                                NotificationPlace::Browser, usualNotificationTime);
         return;
     }
+    tellWhereItGoes(into.get());
     ImportDoor::importPasteboard(mime, into.get(), ZQSidebarBaseItem::appendIndex);
 }
 

@@ -19,6 +19,7 @@ public:
 private:
     // What the browser shows when `takes` says so, else the library.
     ZQRef<ZQSidebarBaseItem> target(bool (*takes)(const ZQSidebarBaseItem *)) const;
+    void tellWhereItGoes(const ZQSidebarBaseItem *into) const; // when that is not what the browser shows
 
     WindowContext &m_window;
     BrowserViewController &m_browser;

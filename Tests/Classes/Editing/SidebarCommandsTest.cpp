@@ -245,3 +245,35 @@ TEST_F(SidebarCommandsTest, ARenamedTagIsWrittenToTheFilesOfAllItTags)
     undoStack.undo();
     EXPECT_EQ(lastWritten(), QStringList{QStringLiteral("Red")});
 }
+
+TEST_F(SidebarCommandsTest, ADeletedTagLeavesTheFilesOnceTheStoreWasSaved)
+{
+    const auto red = ZQSidebarTag::addNewTagWithName(QStringLiteral("Red"), library.context());
+    const auto blue = ZQSidebarTag::addNewTagWithName(QStringLiteral("Blue"), library.context());
+    const auto image = library.addImage(QStringLiteral("mark"));
+    for (const auto &tag : {red, blue}) {
+        image->addTagsObject(tag.get());
+    }
+    library.context().save();
+    library.written.clear();
+    bool isSavedFirst = true;
+    EditContext watched = editing;
+    watched.save = [&] {
+        isSavedFirst = isSavedFirst && library.written.isEmpty();
+        return library.context().save();
+    };
+    SidebarCommands deleting(watched);
+    deleting.deleteListItems({red, blue});
+    EXPECT_TRUE(isSavedFirst);
+    ASSERT_EQ(library.written.size(), 1) << "once, though it lost both";
+    EXPECT_EQ(library.written.last().tags, QStringList());
+    undoStack.undo();
+    ASSERT_EQ(library.written.size(), 2);
+    EXPECT_EQ(library.written.last().tags.size(), 2);
+    watched.save = [this] {
+        library.context().rollback();
+        return false;
+    };
+    deleting.deleteListItems({red});
+    EXPECT_EQ(library.written.size(), 2) << "the store has it still";
+}

@@ -206,6 +206,23 @@ TEST_F(MainWindowTest, TheSearchFieldFiltersAndGivesTheFocusBack)
     EXPECT_EQ(shown().size(), 4);
 }
 
+TEST_F(MainWindowTest, WhatRecentTakesNotIsSaidToGoToTheLibrary)
+{
+    const auto importInto = [this](ZQSidebarKind shown, const QColor &color) {
+        const QString path = world.filePath(QStringLiteral("in/") + color.name().mid(1) + QStringLiteral(".png"));
+        QImage picture(12, 12, QImage::Format_RGB32);
+        picture.fill(color);
+        EXPECT_TRUE(picture.save(path));
+        person.files = {path};
+        show(special(shown));
+        run(CommandID::Import);
+        settle();
+        return named("“Recent” takes no files: they go to the library") != nullptr;
+    };
+    EXPECT_FALSE(importInto(ZQSidebarKind::Library, Qt::blue));
+    EXPECT_TRUE(importInto(ZQSidebarKind::Recent, Qt::yellow));
+}
+
 TEST_F(MainWindowTest, TabsKeepWhatTheyShow)
 {
     EXPECT_EQ(tabs(), QStringLiteral("A 0/1"));
