@@ -14,9 +14,9 @@ public:
     // nothing there.
     void changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectID> &add, const QList<ZQObjectID> &remove,
                     const QStringList &addByTitle = {});
-    // What a field with the tags that all items share (`shared`) says once it was edited (`entered`): those missing in it
-    // are taken away, new ones added; the tags of only some items, for which "Multiple values" stands, stay. False when
-    // nothing changes.
+    // What a field with the tags that all items share (`shared`) says once it was edited (`entered`): those missing in
+    // it are taken away, new ones added; the tags of only some items, for which "Multiple values" stands, stay. False
+    // when nothing changes.
     bool tagItems(const QList<ZQObjectID> &items, const QStringList &shared, const QStringList &entered);
     void setNotes(const QList<ZQObjectID> &items, const QString &notes);
     void setLicense(const QList<ZQObjectID> &items, const QString &license);
