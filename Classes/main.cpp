@@ -127,9 +127,14 @@ int handOver(const QString &bundle, const QStringList &arguments, CommandContext
     if (!reply) {
         const bool hasEnded =
             error.domain == InstanceServer::errorDomain && error.code == InstanceServer::EndedMeanwhile;
+        if (!hasEnded) {
+            return context.fail(inUse.localizedDescription());
+        }
         const QString what =
-            zqLocalized("%@ What it had not finished of an import, `zelto import --resume` goes on with.");
-        return context.fail(hasEnded ? zqFormat(what, {error.localizedDescription()}) : inUse.localizedDescription());
+            arguments.contains(QStringLiteral("import"))
+                ? zqLocalized("%@ What it had not finished of the import, `zelto import --resume` goes on with.")
+                : zqLocalized("%@ What it changed before that stays so; ask again for the rest.");
+        return context.fail(zqFormat(what, {error.localizedDescription()}));
     }
     context.output += reply->output;
     context.errors += reply->errors;
@@ -165,9 +170,10 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
     tamberin_AppDelegate delegate(parts);
-    // An import takes back what it did; everything else can be ended anywhere, as the system does it.
+    // An import takes back what it did, and an edit ends at a batch and says so; everything else can be ended anywhere,
+    // as the system does it.
     std::optional<SignalWatcher> signalWatcher;
-    if (commandLine.isImport()) {
+    if (commandLine.isImport() || commandLine.isEdit()) {
         signalWatcher.emplace([&user] { user.cancelCurrentWork(); });
     }
     return runOnLibrary(delegate, commandLine, arguments, context);

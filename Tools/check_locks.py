@@ -17,7 +17,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 DROPPED_WITH_VALUE = {"-o", "-MF", "-MT", "-MQ"}
 DROPPED = re.compile(r"-c$|-M[DMP]*$|-W[^lap]|-W(all|error)\b|-g\d?$|-O")
-UNSEEN = re.compile(r"\bstd::(mutex|shared_mutex|condition_variable)\b")  # clang sees no fault in the use of these
+UNSEEN = re.compile(r"\b(std::(recursive_|timed_|shared_|recursive_timed_|shared_timed_)?mutex|std::condition_variable(_any)?|Q(Recursive)?Mutex|QReadWriteLock|QWaitCondition)\b")  # clang sees no fault in the use of these
 INCLUDED = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
 
 

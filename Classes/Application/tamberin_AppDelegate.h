@@ -123,8 +123,8 @@ public:
     MainWindowControlling *mainWindowController() const;
     ScreenCaptureControlling *zeltoKunViewController() const;
     ZQOperationQueue &backgroundOperationQueue();
-    // Changes of many items, one after the other. Quitting cancels them at the batch they are at; they end before the
-    // window and the store do.
+    // Changes of many items, one after the other. Quitting cancels them at the batch they are at, and lets those of one
+    // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
     UserInteraction &userInteraction() const; // any thread may ask for it

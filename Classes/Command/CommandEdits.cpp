@@ -1,6 +1,7 @@
 #include "Classes/Command/CommandEdits.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/AbandonWatch.h"
 #include "Classes/Command/CommandContext.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -93,14 +94,12 @@ bool CommandEdits::save()
 
 int CommandEdits::finish(qsizetype count, const char *one, const char *several)
 {
-    zqRunMainLoopUntil(
-        [this] {
-            if (m_command.isAbandoned && m_command.isAbandoned() && m_user->cancelWork) { // its Ctrl+C
-                m_user->cancelWork();
-            }
-            return *m_edits.queued == 0;
-        },
-        std::chrono::milliseconds(5));
+    const AbandonWatch watch(m_command, [this] {
+        if (m_user->cancelWork) {
+            m_user->cancelWork();
+        }
+    });
+    zqRunMainLoopUntil([this] { return *m_edits.queued == 0; }, std::chrono::milliseconds(5));
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     // A file that can't carry its tags is reported there, and what other programs changed comes into the store.
     zqRunMainLoopFor(std::chrono::milliseconds(0));

@@ -298,6 +298,9 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                                                             : DuplicatePolicy::Keep;
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
     m_isImport = m_app->got_subcommand("import");
+    for (const char *edit : {"tag", "note", "rate", "delete", "restore"}) {
+        m_isEdit = m_isEdit || m_app->got_subcommand(edit);
+    }
     m_isSnapshot = m_app->got_subcommand("snapshot");
     if (m_isSnapshot) {
         static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));

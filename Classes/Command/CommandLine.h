@@ -39,6 +39,7 @@ public:
     bool isCommand() const { return m_run != nullptr; } // otherwise a window, perhaps with files
     bool needsLibrary() const { return m_needsLibrary; }
     bool isImport() const { return m_isImport; }
+    bool isEdit() const { return m_isEdit; } // of items
     bool isSnapshot() const { return m_isSnapshot; }
     QString library() const { return m_library; } // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
@@ -75,6 +76,7 @@ private:
     std::function<int(const SnapshotRequest &, CommandContext &)> m_drawSnapshot;
     bool m_needsLibrary = true;
     bool m_isImport = false;
+    bool m_isEdit = false;
     bool m_isSnapshot = false;
     bool m_json = false;
     QString m_library;

@@ -40,7 +40,7 @@ int zqRunRestore(const QStringList &items, CommandContext &context)
         return 2;
     }
     CommandEdits edits(context);
-    LibraryCommands(edits.context()).setDeleted(*ids, false);
+    LibraryCommands(edits.context()).restoreItems(std::make_shared<QList<ZQObjectID>>(*ids));
     return edits.finish(ids->size(), "1 item restored", "%d items restored");
 }
 

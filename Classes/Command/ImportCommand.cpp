@@ -1,3 +1,4 @@
+#include "Classes/Command/AbandonWatch.h"
 #include "Classes/Command/Commands.h"
 
 #include "Classes/Application/UserInteraction.h"
@@ -136,9 +137,11 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
         if (!target) {
             return false;
         }
-        // Whether it takes any; which of them it does not is reported with the import.
-        const auto answer =
-            SidebarTargetRules::files({.hasSupported = true, .hasFolder = true, .hasArchive = true}, target.get());
+        const SidebarTargetRules::Files kinds = ImportQueries::kindsOfFilesAtPaths(paths);
+        // What nobody takes is told file by file, with the reason of each, by the import.
+        const bool isForSomebody = kinds.hasSupported || kinds.hasFolder || kinds.hasArchive;
+        const auto answer = SidebarTargetRules::files(
+            isForSomebody ? kinds : SidebarTargetRules::Files{true, true, true}, target.get());
         if (!answer) {
             context.fail(zqFormat(zqLocalized("“%@” takes no files. %@"), {target->title(), answer.refusal}));
             return false;
@@ -161,12 +164,12 @@ void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
 // Waits for the imports and all that follows from them.
 int reportImports(const std::vector<std::shared_ptr<ImportOperation>> &operations, CommandContext &context)
 {
+    const AbandonWatch watch(context, [&] {
+        context.delegate->userInteraction().dismissQuestions();
+        std::for_each(operations.begin(), operations.end(), cancelWholly);
+    });
     zqRunMainLoopUntil(
         [&] {
-            if (context.isAbandoned && context.isAbandoned()) { // its Ctrl+C
-                context.delegate->userInteraction().dismissQuestions();
-                std::for_each(operations.begin(), operations.end(), cancelWholly);
-            }
             return std::all_of(operations.begin(), operations.end(),
                                [](const auto &operation) { return operation->isWhollyFinished(); });
         },

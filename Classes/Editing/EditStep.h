@@ -22,8 +22,7 @@ struct EditPass
 bool zqPerformEdit(EditContext &edits, EditSize size, const EditPass &pass);
 
 // Changes, and makes an undo step of it unless there was nothing to change. What waits for its turn gets a step before
-// that is known. What `undo` does not come to, because the
-// person cancelled, it has to leave for the next time.
+// that is known. What `undo` does not come to, because the person cancelled, it has to leave for the next time.
 void zqPushEdit(EditContext &edits, const QString &name, EditSize size, EditPass redo, EditPass undo);
 
 // A step of the caller's context alone: rows of the sidebar. It finds what it touches by identifier, since objects come

@@ -234,7 +234,11 @@ Edit::Change textChange(const QString &value, Get get, Set set)
             return {};
         }
         set(item, value);
-        return [before, set](ZQLibraryBaseItem &changed) { set(changed, before); };
+        return [before, value, get, set](ZQLibraryBaseItem &changed) {
+            if (get(changed) == value) { // else somebody wrote another text since, which is not this step's to take
+                set(changed, before);
+            }
+        };
     };
 }
 
@@ -347,6 +351,9 @@ void ItemEdits::saveAndRewriteFiles(const QList<ZQObjectID> &items)
         announced->isDone = true; // there is nothing to write
         return;
     }
+    if (m_edits.context.hasChanges()) {
+        return; // kept for the next time: the files are written once the store says so, at the next launch
+    }
     zqPerformEdit(m_edits, sizeOf(items),
                   {[items, announced](EditRun &running) {
                        rewrite(running, items);
@@ -403,7 +410,11 @@ void ItemEdits::setRating(const QList<ZQObjectID> &items, int rating)
             return {};
         }
         item.setRating(stars);
-        return [before](ZQLibraryBaseItem &changed) { changed.setRating(before); };
+        return [before, stars](ZQLibraryBaseItem &changed) {
+            if (changed.rating() == stars) { // else somebody rated it anew since
+                changed.setRating(before);
+            }
+        };
     };
     push(m_edits, rating > 0 ? zqLocalized("rate") : zqLocalized("remove rating"), edit);
 }

@@ -5,6 +5,8 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -13,7 +15,7 @@ namespace {
 
 using Items = QList<ZQRef<ZQLibraryBaseItem>>;
 using IDs = QList<ZQObjectID>;
-using Done = std::shared_ptr<IDs>; // what a step has changed and not taken back; of one thread at a time
+using Done = LibraryCommands::Done; // what a step has changed and not taken back; of one thread at a time
 
 ZQRef<ZQSidebarBaseItem> sidebarItem(ZQManagedObjectContext &context, const ZQObjectID &id)
 {
@@ -324,7 +326,19 @@ EditPass removalOf(const Done &done, const ZQObjectID &from)
         zqLocalized("Removing items…")};
 }
 
-constexpr qsizetype filesPerBatch = 16; // copied and flushed before a save names them
+constexpr qsizetype filesPerBatch = 16;   // copied and flushed before a save names them
+constexpr qint64 bytesPerRow = 8LL << 20; // copying so much takes about as long as a small file
+
+// How much work copying is; of a few large files as of many small ones.
+qint64 weightOf(const IDs &items, EditContext &edits)
+{
+    qint64 bytes = 0;
+    for (qsizetype i = 0; i < items.size() && items.size() <= filesPerBatch; ++i) {
+        const auto item = edits.libraryItem(items[i]);
+        bytes += item ? QFileInfo(item->findItemURL()).size() : 0;
+    }
+    return std::max<qint64>(items.size(), bytes / bytesPerRow);
+}
 
 // Whether there are copies now. What was copied for a batch that could not be saved is left over: the next launch sees
 // to it.
@@ -333,7 +347,7 @@ bool copyItems(EditRun &run, const IDs &items, IDs &copies)
     run.inBatches(zqLocalized("Duplicating items…"), items.size(), [&](qsizetype first, qsizetype size) {
         const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
         ZQLibraryBaseItem::lookForFiles(batch);
-        const Items made = ZQLibraryBaseItem::duplicatesOf(batch);
+        const Items made = ZQLibraryBaseItem::duplicatesOf(batch, [&run] { return !run.isCancelled(); });
         if (!run.save()) {
             return false;
         }
@@ -345,6 +359,24 @@ bool copyItems(EditRun &run, const IDs &items, IDs &copies)
     return !copies.isEmpty();
 }
 
+// False when it has that title already, cannot have it, which was shown, or the store could not be saved: the files are
+// under the old name again then.
+bool rename(EditRun &run, ZQLibraryBaseItem &item, const QString &title)
+{
+    const QString before = item.title();
+    if (before == title || !item.setNewTitle(title)) {
+        return false;
+    }
+    const QString thumb = item.thumbName();
+    if (run.save()) {
+        return true;
+    }
+    item.setTitle(title); // as the files are named, whatever became of the change
+    item.setThumbName(thumb);
+    item.setNewTitle(before);
+    return false;
+}
+
 } // namespace
 
 void LibraryCommands::deleteItems(const QList<ZQObjectID> &items)
@@ -353,11 +385,17 @@ void LibraryCommands::deleteItems(const QList<ZQObjectID> &items)
     zqPushEdit(m_edits, nameFor(m_edits, items), {items.size(), mostAtOnce}, deletion(items, done), restoration(done));
 }
 
-void LibraryCommands::setDeleted(const QList<ZQObjectID> &items, bool isDeleted)
+void LibraryCommands::deleteItems(const QList<ZQObjectID> &items, const Done &done)
 {
     if (!items.isEmpty()) {
-        zqPerformEdit(m_edits, {items.size(), mostAtOnce},
-                      isDeleted ? deletion(items, std::make_shared<IDs>()) : restoration(std::make_shared<IDs>(items)));
+        zqPerformEdit(m_edits, {items.size(), mostAtOnce}, deletion(items, done));
+    }
+}
+
+void LibraryCommands::restoreItems(const Done &done)
+{
+    if (m_edits.isBusy() || !done->isEmpty()) { // what is being deleted is not in there yet
+        zqPerformEdit(m_edits, {done->size(), mostAtOnce}, restoration(done));
     }
 }
 
@@ -429,24 +467,28 @@ void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)
     const EditPass takeBack{[copies, gone](EditRun &run) { return deletion(*copies, gone).apply(run); },
                             zqLocalized("Deleting items…")};
     // Files are copied, however few: never at once.
-    zqPushEdit(m_edits, zqLocalized("duplicate items"), {items.size(), 0, filesPerBatch}, make, takeBack);
+    zqPushEdit(m_edits, zqLocalized("duplicate items"), {weightOf(items, m_edits), 0, filesPerBatch}, make, takeBack);
 }
 
 void LibraryCommands::renameItem(const ZQObjectID &item, const QString &title)
 {
     const auto object = m_edits.libraryItem(item);
-    if (!object || title.isEmpty() || title == object->title()) {
+    if (!object || title.isEmpty() || (title == object->title() && !m_edits.isBusy())) {
         return;
     }
-    const QString before = object->title();
-    const auto renaming = [item](const QString &to) {
-        return EditPass{[item, to](EditRun &run) {
+    const auto before = std::make_shared<QString>(); // when its turn came: another renaming may wait before it
+    const EditPass redo{[item, title, before](EditRun &run) {
                             const auto renamed = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(item));
-                            // The reason why it can't be was shown.
-                            return renamed && renamed->title() != to && renamed->setNewTitle(to) && run.save();
+                            *before = renamed ? renamed->title() : title;
+                            return renamed && rename(run, *renamed, title);
                         },
                         {}};
-    };
-    zqPushEdit(m_edits, zqFormat(zqLocalized("rename '%@' in '%@'"), {before, title}), {1, 1}, renaming(title),
-               renaming(before));
+    const EditPass undo{[item, title, before](EditRun &run) {
+                            const auto renamed = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(item));
+                            // Somebody may have named it anew since.
+                            return renamed && renamed->title() == title && *before != title &&
+                                   rename(run, *renamed, *before);
+                        },
+                        {}};
+    zqPushEdit(m_edits, zqFormat(zqLocalized("rename '%@' in '%@'"), {object->title(), title}), {1, 1}, redo, undo);
 }

@@ -2,6 +2,8 @@
 
 #include "Classes/Editing/EditContext.h"
 
+#include <memory>
+
 // The commands on library items, each one undo step and saved. What changes many rows, those that only move up
 // included, is done on the edit queue, with progress and cancel; undo takes back what was done by then. What
 // is there already is looked at when a command's turn comes, and what could not be read is told. Main thread.
@@ -10,8 +12,12 @@ class LibraryCommands
 public:
     explicit LibraryCommands(EditContext &edits) : m_edits(edits) {}
 
-    void deleteItems(const QList<ZQObjectID> &items);                // soft: undo, or the next launch's purge, decides
-    void setDeleted(const QList<ZQObjectID> &items, bool isDeleted); // as a part of another undo step
+    void deleteItems(const QList<ZQObjectID> &items); // soft: undo, or the next launch's purge, decides
+    // As parts of another undo step, or of none: `done` are those that are deleted and not restored, of those only that
+    // were not deleted before.
+    using Done = std::shared_ptr<QList<ZQObjectID>>;
+    void deleteItems(const QList<ZQObjectID> &items, const Done &done);
+    void restoreItems(const Done &done);
     void removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem);
     void addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex);
     // Manual order: the members move before the one now at `toIndex`.

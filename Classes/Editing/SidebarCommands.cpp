@@ -102,7 +102,8 @@ const Confirmation &confirmationFor(const SidebarCommands::Items &items, bool wi
                                             : deleteProject;
 }
 
-// Rows that are deleted or restored together. The files of tags are rewritten after the save, many beside the window.
+// Rows that are deleted or restored together. Files lose and get tags after the save, many beside the window; a tag's
+// own `deleteSelf` would write them at once.
 class Activation
 {
 public:
@@ -110,7 +111,7 @@ public:
     void remove(const SidebarCommands::Item &item)
     {
         if (item->isTag()) {
-            item->ZQSidebarBaseItem::deleteSelf(); // its own would write the files at once
+            item->setActive(false);
             add(item);
         } else {
             item->deleteSelf();
@@ -119,7 +120,7 @@ public:
     void restore(const SidebarCommands::Item &item)
     {
         if (item->isTag()) {
-            item->ZQSidebarBaseItem::restoreSelf();
+            item->setActive(true);
             add(item);
         } else {
             item->restoreSelf();
@@ -294,12 +295,13 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
     {
         QList<Place> places;
         QList<ZQObjectID> deleted;
+        std::shared_ptr<QList<ZQObjectID>> items = std::make_shared<QList<ZQObjectID>>(); // of the content
     };
     auto done = std::make_shared<Done>();
     EditContext &edits = m_edits;
     const auto redo = [&edits, ids, contentIDs, done] {
         *done = {};
-        LibraryCommands(edits).setDeleted(contentIDs, true);
+        LibraryCommands(edits).deleteItems(contentIDs, done->items);
         Activation activation(edits);
         for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
             const Item item = edits.sidebarItem(*id);
@@ -319,7 +321,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
         }
         activation.save();
     };
-    const auto undo = [&edits, contentIDs, done] {
+    const auto undo = [&edits, done] {
         Activation activation(edits);
         for (auto id = done->deleted.rbegin(); id != done->deleted.rend(); ++id) {
             if (const Item item = edits.sidebarItem(*id)) {
@@ -334,7 +336,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
             }
         }
         activation.save();
-        LibraryCommands(edits).setDeleted(contentIDs, false);
+        LibraryCommands(edits).restoreItems(done->items);
     };
     zqPushBlocks(m_edits, text, redo, undo);
 }

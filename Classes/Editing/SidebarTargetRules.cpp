@@ -44,7 +44,7 @@ constexpr std::array<Rule, 10> rules = {{
     {Target::Library, Supported, Takes::InItsPane, false, false, Holding::Items,
      "Everything is in the library already. Choose a project or a tag."},
     {Target::Recents, NoFiles, Takes::Never, false, false, Holding::Nothing,
-     "Recents shows what is new by itself. Choose the library, a project or a tag."},
+     "Recent shows what is new by itself. Choose the library, a project or a tag."},
     {Target::Screenshots, NoFiles, Takes::Never, true, true, Holding::Items,
      "Screenshots is for captures. Choose the library, a project or a tag."},
     {Target::Project, Supported, Takes::Always, true, true, Holding::Items,

@@ -91,6 +91,7 @@ void InstanceServer::readFrom(QLocalSocket *socket)
     alive->write(line({{QStringLiteral("status"), reply.exitStatus},
                        {QStringLiteral("output"), QString::fromLatin1(reply.output.toBase64())},
                        {QStringLiteral("errors"), QString::fromLatin1(reply.errors.toBase64())}}));
+    alive->flush(); // the main loop may be over: no other would
     alive->disconnectFromServer();
 }
 

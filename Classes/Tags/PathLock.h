@@ -1,24 +1,29 @@
 #pragma once
 
+#include "Kit/Foundation/ZQThreadSafety.h"
+
 #include <QHash>
 #include <QString>
 
 #include <array>
-#include <mutex>
 
 // Held while several attributes of one file are read or written together, so that another thread of this process sees
-// either what was before or what comes after. One path at a time a thread; taking the same again is fine.
+// either what was before or what comes after. One path at a time a thread; taking the same again is fine. Guards files,
+// not members: the check of locks has nothing to follow here.
 class PathLock
 {
 public:
-    explicit PathLock(const QString &path) : m_guard(mutexFor(path)) {}
+    explicit PathLock(const QString &path) ZQ_NO_THREAD_SAFETY_ANALYSIS : m_mutex(mutexFor(path)) { m_mutex.lock(); }
+    ~PathLock() ZQ_NO_THREAD_SAFETY_ANALYSIS { m_mutex.unlock(); }
+    PathLock(const PathLock &) = delete;
+    PathLock &operator=(const PathLock &) = delete;
 
 private:
-    static std::recursive_mutex &mutexFor(const QString &path)
+    static ZQRecursiveMutex &mutexFor(const QString &path)
     {
-        static std::array<std::recursive_mutex, 31> mutexes;
+        static std::array<ZQRecursiveMutex, 31> mutexes;
         return mutexes[qHash(path) % mutexes.size()];
     }
 
-    std::lock_guard<std::recursive_mutex> m_guard;
+    ZQRecursiveMutex &m_mutex;
 };

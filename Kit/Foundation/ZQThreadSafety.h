@@ -37,6 +37,17 @@ private:
     std::mutex m_mutex;
 };
 
+// A std::recursive_mutex: who holds it may take it again. Any thread.
+class ZQ_CAPABILITY("mutex") ZQRecursiveMutex
+{
+public:
+    void lock() ZQ_ACQUIRE() { m_mutex.lock(); }
+    void unlock() ZQ_RELEASE() { m_mutex.unlock(); }
+
+private:
+    std::recursive_mutex m_mutex;
+};
+
 // Holds a mutex until its block ends.
 class ZQ_SCOPED_CAPABILITY ZQLockGuard
 {

@@ -24,23 +24,38 @@ class Alarm
 {
 public:
     Alarm(sqlite3 *handle, std::chrono::milliseconds patience)
-        : m_thread([this, handle, patience](const std::stop_token &stop) {
+        : m_thread([this, handle, latest = std::chrono::steady_clock::now() + patience] {
               const ZQLockGuard guard(m_lock);
-              m_wake.wait_for(m_lock, stop, patience, [] { return false; });
-              if (!stop.stop_requested()) {
+              bool isInTime = true;
+              while (!m_isOver && isInTime) {
+                  isInTime = m_wake.waitUntil(m_lock, latest);
+              }
+              if (!m_isOver) {
                   m_rang = true;
                   sqlite3_interrupt(handle);
               }
           })
     {
     }
+    ~Alarm()
+    {
+        {
+            const ZQLockGuard guard(m_lock);
+            m_isOver = true;
+        }
+        m_wake.notifyAll();
+        m_thread.join();
+    }
+    Alarm(const Alarm &) = delete;
+    Alarm &operator=(const Alarm &) = delete;
     bool rang() const { return m_rang; }
 
 private:
-    ZQMutex m_lock; // guards nothing: a wait needs one
-    std::condition_variable_any m_wake;
+    ZQMutex m_lock;
+    ZQCondition m_wake;
+    bool m_isOver ZQ_GUARDED_BY(m_lock) = false;
     std::atomic<bool> m_rang = false;
-    std::jthread m_thread; // last: it uses the others
+    std::thread m_thread; // last: it uses the others
 };
 
 QStringList tableNames(ZQSQLiteConnection &connection)

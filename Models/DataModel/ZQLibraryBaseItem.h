@@ -70,7 +70,8 @@ public:
     ZQRef<ZQLibraryBaseItem> duplicate();
     // Those of all that have one, with their files on the disk: a row of the store never names a file that a power cut
     // can take. Waits for the disk once.
-    static QList<ZQRef<ZQLibraryBaseItem>> duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items);
+    static QList<ZQRef<ZQLibraryBaseItem>> duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                        const std::function<bool()> &isWanted);
 
     void deleteSelf();
     void restoreSelf();

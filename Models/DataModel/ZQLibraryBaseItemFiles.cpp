@@ -281,10 +281,14 @@ ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
     return copy;
 }
 
-QList<ZQRef<ZQLibraryBaseItem>> ZQLibraryBaseItem::duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+QList<ZQRef<ZQLibraryBaseItem>> ZQLibraryBaseItem::duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items,
+                                                                const std::function<bool()> &isWanted)
 {
     QList<ZQRef<ZQLibraryBaseItem>> copies;
     for (const auto &item : items) {
+        if (!isWanted()) {
+            break;
+        }
         if (auto copy = item->duplicate()) {
             copies.append(std::move(copy));
         }

@@ -154,6 +154,14 @@ TEST_F(LibraryItemFiles, ADuplicateHasItsOwnFilesAndTagsButNoProject)
     EXPECT_GT(second->import_date(), zqNow().addDays(-1));
 }
 
+TEST_F(LibraryItemFiles, CopiesEndWhereTheyAreNotWantedAnyMore)
+{
+    const QList<ZQRef<ZQLibraryBaseItem>> items = {library.addImage(QStringLiteral("a")),
+                                                   library.addImage(QStringLiteral("b"))};
+    int asked = 0;
+    EXPECT_EQ(ZQLibraryBaseItem::duplicatesOf(items, [&asked] { return asked++ == 0; }).size(), 1);
+}
+
 TEST_F(LibraryItemFiles, DeletingALiveItemHidesItsFileAndRestoringShowsIt)
 {
     const auto folder = liveFolder(QStringLiteral("live"));

@@ -5,6 +5,8 @@ target_compile_options(zelto_settings INTERFACE -Wall -Wextra -Wconversion -Wsha
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(zelto_settings INTERFACE -Wthread-safety)
 endif()
+target_compile_options(zelto_settings INTERFACE -pthread) # it sets a macro, which precompiled headers want alike everywhere
+target_link_libraries(zelto_settings INTERFACE Threads::Threads)
 target_compile_definitions(zelto_settings INTERFACE QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)
 target_include_directories(zelto_settings INTERFACE "${CMAKE_SOURCE_DIR}")
 if(ZELTO_PRECOMPILED_HEADERS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -219,6 +219,9 @@ ZQGridItem BrowserContent::item(qint64 index) const
 // The store looks in the background; among many items that takes longer than a key may.
 qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 {
+    if (text.front() >= u'0' && text.front() <= u'5') {
+        return -1; // a rating, though nothing is selected to take it
+    }
     auto *self = const_cast<BrowserContent *>(this);
     m_typingTicket.run([self, text, from, query = m_tab->contentQuery()](
                            ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {

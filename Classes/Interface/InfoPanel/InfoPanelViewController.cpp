@@ -41,12 +41,25 @@ QUrl linkOf(const QString &text)
 }
 
 // Differing values stand in the placeholder: typing replaces them, leaving the field does not.
+// Leaves cursor and selection alone where nothing changes, and all selected where all was.
+void setShown(QLineEdit *field, const QString &text)
+{
+    if (field->text() == text) {
+        return;
+    }
+    const bool isAllSelected = field->hasFocus() && field->hasSelectedText() && field->selectedText() == field->text();
+    field->setText(text);
+    field->setCursorPosition(0);
+    if (isAllSelected) {
+        field->selectAll();
+    }
+}
+
 void showIn(QLineEdit *field, const CommonText &value, const QString &whenEmpty)
 {
     field->setPlaceholderText(value.differs ? zqLocalized("Multiple values") : whenEmpty);
     if (!field->hasFocus() || !field->isModified()) {
-        field->setText(value.differs ? QString() : value.text);
-        field->setCursorPosition(0);
+        setShown(field, value.differs ? QString() : value.text);
     }
 }
 
@@ -310,12 +323,13 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
         return isSame && field->hasFocus() && field->isModified();
     };
     const CommonText notesBefore = m_summary.notes;
+    const bool keepsTitle = isTyped(m_title) || isTitleToCome(*first, items == m_items);
     m_items = items;
     m_summary = summary;
     showPicture(*first, isOne);
-    if (!isTyped(m_title)) {
-        m_title->setText(isOne ? first->title()
-                               : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
+    if (!keepsTitle) {
+        setShown(m_title,
+                 isOne ? first->title() : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
     }
     m_title->setReadOnly(!isOne);
     m_title->setFocusPolicy(isOne ? Qt::StrongFocus : Qt::NoFocus);
@@ -430,10 +444,26 @@ void InfoPanelViewController::commitTitle()
         return;
     }
     const auto item = m_window.libraryItem(m_items.first());
-    if (item && m_title->text() != item->title()) {
-        LibraryCommands(m_window).renameItem(m_items.first(), m_title->text());
+    if (!item || m_title->text() == (m_titleToCome.isEmpty() ? item->title() : m_titleToCome)) {
+        return;
+    }
+    const QString typed = m_title->text();
+    LibraryCommands(m_window).renameItem(m_items.first(), typed);
+    if (m_window.isBusy()) { // it waits for its turn
+        m_titleToCome = typed;
+        m_title->setModified(false);
+    } else {
         m_title->setText(item->title());
     }
+}
+
+// Whether the field shows the title that the item is going to have.
+bool InfoPanelViewController::isTitleToCome(const ZQLibraryBaseItem &item, bool isSameSelection)
+{
+    if (!isSameSelection || !m_window.isBusy() || item.title() == m_titleToCome) {
+        m_titleToCome.clear();
+    }
+    return !m_titleToCome.isEmpty();
 }
 
 bool InfoPanelViewController::isTypingNotes() const

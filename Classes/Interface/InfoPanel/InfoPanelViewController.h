@@ -52,6 +52,7 @@ private:
     void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
     void commitTitle();
+    bool isTitleToCome(const ZQLibraryBaseItem &item, bool isSameSelection);
     bool isTypingNotes() const; // and has not left the field
     void commitNotes();
     void commitField(QLineEdit *field);
@@ -60,6 +61,7 @@ private:
     BrowserViewController &m_browser;
     QList<ZQObjectID> m_items;
     SelectionSummary m_summary; // as shown
+    QString m_titleToCome;      // of a renaming that waits for its turn; empty: of none
     QWidget *m_body;
     QLabel *m_nothing;
     QVBoxLayout *m_column;

@@ -8,34 +8,25 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
-namespace {
-
-bool takesFiles(const ZQSidebarBaseItem *target)
-{
-    return bool(SidebarTargetRules::files({.hasSupported = true}, target));
-}
-
-bool takesContent(const ZQSidebarBaseItem *target)
-{
-    return bool(SidebarTargetRules::content(target, SidebarTargetRules::Place::Pane));
-}
-
-} // namespace
-
-ZQRef<ZQSidebarBaseItem> ImportActions::target(bool (*takes)(const ZQSidebarBaseItem *)) const
+ZQRef<ZQSidebarBaseItem> ImportActions::target(const Rule &rule) const
 {
     const auto single = m_browser.content().singleItem();
-    return takes(single.get()) ? single : ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_window.context);
-}
-
-void ImportActions::tellWhereItGoes(const ZQSidebarBaseItem *into) const
-{
-    const auto single = m_browser.content().singleItem();
-    if (single && single.get() != into) {
+    if (rule(single.get())) {
+        return single;
+    }
+    if (single) {
         m_window.user.showNotificationWithText(
-            zqFormat(zqLocalized("“%@” takes no files: they go to the library"), {single->title()}),
+            zqFormat(zqLocalized("“%@” does not take this: it goes to the library"), {single->title()}),
             NotificationPlace::Browser, usualNotificationTime);
     }
+    return ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_window.context);
+}
+
+ImportActions::Rule ImportActions::forFiles(const QStringList &paths)
+{
+    return [files = ImportDoor::filesAtPaths(paths)](const ZQSidebarBaseItem *item) {
+        return SidebarTargetRules::files(files, item);
+    };
 }
 
 void ImportActions::importWithDialog()
@@ -46,8 +37,10 @@ void ImportActions::importWithDialog()
     choice.extensions = ImportDoor::openPanelExtensions();
     choice.several = true;
     const QStringList paths = m_window.user.chooseFilesToOpen(choice);
-    if (const auto into = target(takesFiles); into && !paths.isEmpty()) {
-        tellWhereItGoes(into.get());
+    if (paths.isEmpty()) {
+        return;
+    }
+    if (const auto into = target(forFiles(paths))) {
         ImportDoor::importFiles(paths, into.get(), ZQSidebarBaseItem::appendIndex);
     }
 }
@@ -55,14 +48,18 @@ void ImportActions::importWithDialog()
 void ImportActions::pasteFromClipboard()
 {
     const QMimeData *mime = QGuiApplication::clipboard()->mimeData();
-    const auto into = target(takesContent);
-    if (!into || !mime || !ImportDoor::carriesContent(mime)) {
+    if (!mime || !ImportDoor::carriesContent(mime)) {
         m_window.user.showNotificationWithText(zqLocalized("There is no picture or file on the clipboard"),
                                                NotificationPlace::Browser, usualNotificationTime);
         return;
     }
-    tellWhereItGoes(into.get());
-    ImportDoor::importPasteboard(mime, into.get(), ZQSidebarBaseItem::appendIndex);
+    const QStringList paths = ImportDoor::localPaths(mime);
+    const Rule forContent = [](const ZQSidebarBaseItem *item) {
+        return SidebarTargetRules::content(item, SidebarTargetRules::Place::Pane);
+    };
+    if (const auto into = target(paths.isEmpty() ? forContent : forFiles(paths))) {
+        ImportDoor::importPasteboard(mime, into.get(), ZQSidebarBaseItem::appendIndex);
+    }
 }
 
 QList<WindowCommand> ImportActions::commands()

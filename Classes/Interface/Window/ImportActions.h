@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/WindowCommand.h"
 #include "Classes/Interface/WindowContext.h"
 
@@ -17,9 +18,10 @@ public:
     QList<WindowCommand> commands();
 
 private:
-    // What the browser shows when `takes` says so, else the library.
-    ZQRef<ZQSidebarBaseItem> target(bool (*takes)(const ZQSidebarBaseItem *)) const;
-    void tellWhereItGoes(const ZQSidebarBaseItem *into) const; // when that is not what the browser shows
+    using Rule = std::function<SidebarTargetRules::Answer(const ZQSidebarBaseItem *target)>;
+    static Rule forFiles(const QStringList &paths);
+    // What the browser shows when that takes it, else the library, which is told.
+    ZQRef<ZQSidebarBaseItem> target(const Rule &rule) const;
 
     WindowContext &m_window;
     BrowserViewController &m_browser;

@@ -83,6 +83,33 @@ TEST(InstanceServer, WhatIsAskedBeforeItIsReadyWaits)
     EXPECT_EQ(served, 1);
 }
 
+TEST(InstanceServer, AnAnswerIsOnItsWayWithoutAMainLoopThatGoesOn)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    bool isServed = false;
+    InstanceServer server(name, [&](const InstanceRequest &) {
+        isServed = true;
+        return InstanceReply{3, "done", {}};
+    });
+    ASSERT_TRUE(server.listen());
+    std::atomic<bool> isOver = false;
+    std::optional<InstanceReply> reply;
+    std::thread asker([&] {
+        reply = InstanceServer::send(name, {{QStringLiteral("a")}, QStringLiteral("/x"), {}});
+        isOver = true;
+    });
+    zqRunMainLoopUntil([&isServed] { return isServed; });
+    for (int i = 0; i < 500 && !isOver; ++i) { // as when quitting
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(isOver);
+    zqRunMainLoopUntil([&isOver] { return isOver.load(); });
+    asker.join();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->exitStatus, 3);
+}
+
 TEST(InstanceServer, AnAnswererThatEndsIsToldFromNone)
 {
     const QTemporaryDir folder;

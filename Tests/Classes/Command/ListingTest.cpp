@@ -1,5 +1,7 @@
 // What commands print, in which order, and what they refuse or cannot do.
 
+#include "Classes/Command/AbandonWatch.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
@@ -83,6 +85,8 @@ TEST_F(ListingTest, ImportedItemsGoToTheIndexWithValuesOfTheirType)
         picture(QStringLiteral("in/%1.png").arg(QLatin1String(name)), qRgb(int(name[0]), 5, 6));
     }
     ASSERT_EQ(run("import in/a.png in/b.png --into PROJECTS/Missing"), 2) << "there is no such project";
+    ASSERT_EQ(run("import in/a.png --into PROJECTS"), 2) << "the window refuses that drop, too";
+    EXPECT_TRUE(context.errors.contains("A folder takes folders and archives.")) << context.errors.constData();
     const QStringList into{QStringLiteral("--into"), QStringLiteral("PROJECTS/Sample project")};
     ASSERT_EQ(run(QStringList{QStringLiteral("import"), QStringLiteral("in/a.png"), QStringLiteral("in/b.png")} + into),
               0)
@@ -180,6 +184,20 @@ TEST_F(ListingTest, AChangeThatCannotBeSavedIsTakenBack)
     ASSERT_NO_FATAL_FAILURE(changeElsewhere(made));
     EXPECT_EQ(run(QStringList{QStringLiteral("delete"), made->bundleID()}), 0) << "it sees what others saved";
     EXPECT_EQ((run("items --json"), array().size()), 0);
+}
+
+TEST_F(ListingTest, WhoGaveUpIsSeenInWhateverLoopRuns)
+{
+    bool isGone = false;
+    int cancelled = 0;
+    context = {};
+    context.isAbandoned = [&isGone] { return isGone; };
+    const AbandonWatch watch(context, [&cancelled] { ++cancelled; });
+    zqRunMainLoopFor(std::chrono::milliseconds(60));
+    EXPECT_EQ(cancelled, 0);
+    isGone = true;
+    zqRunMainLoopUntil([&cancelled] { return cancelled > 1; });
+    EXPECT_GT(cancelled, 1) << "also when the first time was too early";
 }
 
 TEST_F(ListingTest, AnImportThatItsAskerGaveUpKeepsNothing)

@@ -97,6 +97,23 @@ TEST_F(ItemEditsTest, UndoGivesEachItemBackTheTagsItHad)
     EXPECT_EQ(undoStack.count(), steps) << "what changes nothing is no step";
 }
 
+TEST_F(ItemEditsTest, UndoLeavesAloneWhatSomebodyElseWroteSince)
+{
+    const QList<ZQObjectID> items = addItems(2);
+    edits.setNotes(items, QStringLiteral("mine"));
+    edits.setRating(items, 3);
+    const auto theirs = editing.libraryItem(items[1]); // as a command or another program's file does
+    theirs->setNotes(QStringLiteral("theirs"));
+    theirs->setRating(5);
+    library.context().save();
+    undoStack.undo();
+    undoStack.undo();
+    EXPECT_EQ(editing.libraryItem(items[0])->notes(), QString());
+    EXPECT_EQ(ratingOf(items[0]), 0);
+    EXPECT_EQ(theirs->notes(), QStringLiteral("theirs"));
+    EXPECT_EQ(theirs->rating(), 5);
+}
+
 TEST_F(ItemEditsTest, ManyItemsAreChangedBesideTheWindowInOrder)
 {
     const int count = int(ItemEdits::mostAtOnce) + 1500;

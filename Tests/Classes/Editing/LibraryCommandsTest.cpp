@@ -349,3 +349,38 @@ TEST_F(LibraryCommandsTest, WhatCannotBeReadIsToldAndLeavesNoStep)
     undoStack.undo();
     EXPECT_EQ(places(), before) << "taken back once it can be";
 }
+
+TEST_F(LibraryCommandsTest, ARenameThatIsNotSavedLeavesTheFilesAsTheyWere)
+{
+    const QString path = images[0]->findItemURL();
+    EditContext failing = editing;
+    failing.save = [this] {
+        library.context().rollback();
+        return false;
+    };
+    LibraryCommands(failing).renameItem(images[0]->objectID(), QStringLiteral("new"));
+    EXPECT_EQ(undoStack.count(), 0);
+    EXPECT_EQ(images[0]->title(), QStringLiteral("a"));
+    EXPECT_TRUE(QFile::exists(path));
+    EXPECT_EQ(images[0]->findItemURL(), path);
+}
+
+TEST_F(LibraryCommandsTest, CopyingMuchCanBeCancelledHoweverFewTheFiles)
+{
+    int shown = 0;
+    user.onBeginProgress = [&](const std::function<void()> &cancel) {
+        ++shown;
+        cancel();
+    };
+    commands.duplicateItems(ids({0, 1}));
+    finish();
+    EXPECT_EQ(shown, 0) << "over before anybody could read it";
+    const qint64 before =
+        library.context().countForFetchRequest({.entityName = ZQLibraryImage::entityName()}).value_or(0);
+    QFile large(images[0]->findItemURL());
+    ASSERT_TRUE(large.resize(qint64(200) << 20)); // a hole
+    commands.duplicateItems(ids({0, 1}));
+    finish();
+    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(library.context().countForFetchRequest({.entityName = ZQLibraryImage::entityName()}), before);
+}

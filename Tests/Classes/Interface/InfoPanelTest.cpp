@@ -366,6 +366,34 @@ TEST_F(InfoPanelTest, WhatIsTypedWhileAnEditRunsIsOneEditAndStays)
     EXPECT_EQ(notes->toPlainText(), QStringLiteral("precious"));
 }
 
+TEST_F(InfoPanelTest, TitlesThatWaitForAnEditStayAndAreEachOneStep)
+{
+    select({QStringLiteral("red")});
+    const auto gate = std::make_unique<EditQueueGate>(delegate->editQueue());
+    for (const char *title : {"first", "second"}) {
+        run(CommandID::Rename);
+        panel->refresh(); // as after each batch
+        type(QLatin1StringView(title));
+        press(Qt::Key_Return);
+        EXPECT_TRUE(controller->commitEditing()) << "it waits, and is not refused";
+        panel->refresh();
+        EXPECT_EQ(field("Title")->text(), QLatin1StringView(title));
+    }
+    EXPECT_EQ(delegate->editQueue().operationCount(), 3);
+    gate->open();
+    settle();
+    EXPECT_EQ(field("Title")->text(), QStringLiteral("second"));
+    const auto item = image(QStringLiteral("second"));
+    ASSERT_TRUE(item);
+    EXPECT_EQ(QFileInfo(item->findItemURL()).fileName(), QStringLiteral("second.png"));
+    for (const char *title : {"first", "red"}) {
+        controller->undoStack().undo();
+        settle();
+        EXPECT_EQ(QFileInfo(item->findItemURL()).completeBaseName(), QLatin1StringView(title));
+        EXPECT_EQ(field("Title")->text(), QLatin1StringView(title));
+    }
+}
+
 TEST_F(InfoPanelTest, ManyAreSummedUpBesideTheWindow)
 {
     QList<ZQRef<ZQLibraryBaseItem>> made;

@@ -191,7 +191,7 @@ TEST_F(MainWindowTest, WhatTheStoreBringsIsShown)
         return tree()->tree()->indexOf(item->objectID()).data(SidebarTreeModel::CountRole).toString();
     };
     EXPECT_TRUE(waitFor([&] { return badge(a) == QStringLiteral("4"); }));
-    a->addItem(ZQLibraryBaseItem::duplicatesOf({image(QStringLiteral("red"))}).first().get());
+    a->addItem(ZQLibraryBaseItem::duplicatesOf({image(QStringLiteral("red"))}, [] { return true; }).first().get());
     delegate->saveAction();
     EXPECT_TRUE(waitFor([&] { return badge(a) == QStringLiteral("5") && shown().size() == 5; }));
     const Item added = add<ZQSidebarProject>(QStringLiteral("Added"), projects);

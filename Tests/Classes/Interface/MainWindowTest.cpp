@@ -206,6 +206,35 @@ TEST_F(MainWindowTest, TheSearchFieldFiltersAndGivesTheFocusBack)
     EXPECT_EQ(shown().size(), 4);
 }
 
+TEST_F(MainWindowTest, ADigitChoosesNothingWhereNothingIsChosen)
+{
+    image(QStringLiteral("pages"))->setTitle(QStringLiteral("4 pages"));
+    delegate->saveAction();
+    show(b);
+    show(a);
+    grid().setSelection({});
+    grid().setFocus();
+    press(Qt::Key_4);
+    settle();
+    EXPECT_EQ(selected(), QStringList());
+}
+
+TEST_F(MainWindowTest, APastedFolderGoesWhereADroppedOneWould)
+{
+    QDir().mkpath(world.filePath(QStringLiteral("in/Set")));
+    QImage picture(9, 9, QImage::Format_RGB32);
+    picture.fill(Qt::cyan);
+    ASSERT_TRUE(picture.save(world.filePath(QStringLiteral("in/Set/one.png"))));
+    auto *copied = new QMimeData;
+    copied->setUrls({QUrl::fromLocalFile(world.filePath(QStringLiteral("in/Set")))});
+    QApplication::clipboard()->setMimeData(copied);
+    show(folder);
+    grid().setFocus();
+    run(CommandID::Paste);
+    settle();
+    EXPECT_EQ(children(folder), (QStringList{QStringLiteral("Inner"), QStringLiteral("Set")}));
+}
+
 TEST_F(MainWindowTest, WhatRecentTakesNotIsSaidToGoToTheLibrary)
 {
     const auto importInto = [this](ZQSidebarKind shown, const QColor &color) {
@@ -217,7 +246,7 @@ TEST_F(MainWindowTest, WhatRecentTakesNotIsSaidToGoToTheLibrary)
         show(special(shown));
         run(CommandID::Import);
         settle();
-        return named("“Recent” takes no files: they go to the library") != nullptr;
+        return named("“Recent” does not take this: it goes to the library") != nullptr;
     };
     EXPECT_FALSE(importInto(ZQSidebarKind::Library, Qt::blue));
     EXPECT_TRUE(importInto(ZQSidebarKind::Recent, Qt::yellow));

@@ -1,9 +1,11 @@
 #include "Classes/Command/Commands.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarCommands.h"
+#include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Widgets/ZQSwitch.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -13,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QUndoStack>
 
 #include <string>
@@ -27,6 +30,7 @@ struct Corner
     ZQRef<ZQSidebarBaseItem> folder;
     ZQRef<ZQSidebarBaseItem> from;
     ZQRef<ZQSidebarBaseItem> to;
+    ZQRef<ZQSidebarBaseItem> tag;     // on nothing yet
     QHash<QString, ZQObjectID> items; // by the title they had at first
     QList<ZQObjectID> fresh;          // those that appeared since
 };
@@ -47,12 +51,15 @@ protected:
     void SetUp() override
     {
         MainWindowFixture::SetUp();
-        ZQUserDefaults::standardUserDefaults().setObjectForKey(true, QStringLiteral("removeFromSidebarAlertSuppress"));
+        for (const QString &key : suppressions) {
+            ZQUserDefaults::standardUserDefaults().setObjectForKey(true, key);
+        }
         for (Corner *corner : {&inWindow, &onCommandLine, &byCall}) {
             corner->folder = add<ZQSidebarFolder>(QStringLiteral("Set"), projects);
             corner->folder->setExpanded(true);
             corner->from = add<ZQSidebarProject>(QStringLiteral("From"), corner->folder);
             corner->to = add<ZQSidebarProject>(QStringLiteral("To"), corner->folder);
+            corner->tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("Tag%1").arg(++tags), context());
             fill(*corner);
         }
         sidebar().reload();
@@ -60,7 +67,9 @@ protected:
     }
     void TearDown() override
     {
-        ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("removeFromSidebarAlertSuppress"));
+        for (const QString &key : suppressions) {
+            ZQUserDefaults::standardUserDefaults().removeObjectForKey(key);
+        }
         MainWindowFixture::TearDown();
     }
     void fill(Corner &corner)
@@ -119,6 +128,8 @@ protected:
                 lines.append(QString::number(member->order()) + u' ' + stateOf(member->item()));
             }
         }
+        context().refreshObject(corner.tag.get(), false);
+        lines.append(QStringLiteral("tag %1 %2").arg(corner.tag->title().mid(4)).arg(corner.tag->active()));
         for (const ZQObjectID &id : corner.fresh) {
             lines.append(QStringLiteral("new ") + stateOf(zqCast<ZQLibraryBaseItem>(context().objectWithID(id))));
         }
@@ -128,7 +139,12 @@ protected:
     {
         context().refreshObject(item.get(), false);
         const QString path = item->findItemURL();
-        return QStringLiteral("%1 %2 %3").arg(item->title(), QFileInfo(path).fileName()).arg(item->active());
+        QStringList inFile = OpenMeta::getUserTagsNoRestore(path, nullptr).value_or(QStringList());
+        inFile.replaceInStrings(QRegularExpression(QStringLiteral("^Tag\\d")), QStringLiteral("Tag"));
+        return QStringLiteral("%1 %2 %3 [%4]")
+            .arg(item->title(), QFileInfo(path).fileName())
+            .arg(item->active())
+            .arg(inFile.join(u','));
     }
     static ZQObjectID member(const Corner &corner, const char *title)
     {
@@ -165,18 +181,21 @@ protected:
         select(titles);
         grid().setFocus();
     }
-    void nameRow(const char *title)
+    void nameRow(const QString &title)
     {
         auto *editor = tree()->findChild<QLineEdit *>(QStringLiteral("InlineEditor"));
         ASSERT_TRUE(editor);
         editor->selectAll();
-        type(QLatin1StringView(title));
+        type(title);
         press(Qt::Key_Return);
     }
 
     std::vector<RowEdit> edits();
     void editAt(const RowEdit &edit);
 
+    const QStringList suppressions{QStringLiteral("removeFromSidebarAlertSuppress"),
+                                   QStringLiteral("removeFromSidebarAndContentAlertSuppress")};
+    int tags = 0;
     Corner inWindow;
     Corner onCommandLine;
     Corner byCall;
@@ -233,6 +252,44 @@ std::vector<RowEdit> SameRowEditTest::edits()
          [](Corner &corner, EditContext &context) {
              LibraryCommands(context).duplicateItems({member(corner, "two")});
          }},
+        {"tag by a drop",
+         [=, this](Corner &corner) {
+             choose(corner.from, {two, three});
+             const auto mime = selection();
+             sidebar().findChild<ZQSwitch *>()->setCurrentIndex(1);
+             settle();
+             dropOn(corner.tag, *mime, Qt::CopyAction, Where::Middle);
+         },
+         [](Corner &corner, EditContext &context) {
+             LibraryCommands(context).addItems({member(corner, "two"), member(corner, "three")}, corner.tag->objectID(),
+                                               ZQSidebarBaseItem::appendIndex);
+         }},
+        {"rename a tag",
+         [this](Corner &corner) {
+             show(corner.tag);
+             tree()->setFocus();
+             run(CommandID::Rename);
+             nameRow(corner.tag->title() + QStringLiteral(" new"));
+         },
+         [](Corner &corner, EditContext &context) {
+             SidebarCommands(context).validateNewTitle(corner.tag->title() + QStringLiteral(" new"), corner.tag);
+         }},
+        {"take from a tag",
+         [=, this](Corner &corner) {
+             choose(corner.tag, {two});
+             run(CommandID::Remove);
+         },
+         [](Corner &corner, EditContext &context) {
+             LibraryCommands(context).removeItems({member(corner, "two")}, corner.tag->objectID());
+         }},
+        {"delete a tag",
+         [this](Corner &corner) {
+             show(corner.tag);
+             tree()->setFocus();
+             whenAsked([](Sheet &sheet) { QTest::keyClick(&sheet, Qt::Key_Return); });
+             run(CommandID::Remove);
+         },
+         [](Corner &corner, EditContext &context) { SidebarCommands(context).deleteListItems({corner.tag}); }},
         {"delete",
          [=, this](Corner &corner) {
              choose(corner.from, {two});
@@ -249,7 +306,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
          [this](Corner &corner) {
              show(corner.to);
              run(CommandID::NewProject);
-             nameRow("Fresh");
+             nameRow(QStringLiteral("Fresh"));
          },
          [](Corner &corner, EditContext &context) {
              SidebarCommands commands(context);
@@ -259,7 +316,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
          [this](Corner &corner) {
              show(corner.folder);
              run(CommandID::NewFolder);
-             nameRow("Deep");
+             nameRow(QStringLiteral("Deep"));
          },
          [](Corner &corner, EditContext &context) {
              SidebarCommands commands(context);
@@ -270,7 +327,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
              show(corner.from);
              tree()->setFocus();
              run(CommandID::Rename);
-             nameRow("Source");
+             nameRow(QStringLiteral("Source"));
          },
          [](Corner &corner, EditContext &context) {
              SidebarCommands(context).validateNewTitle(QStringLiteral("Source"), corner.from);
@@ -282,6 +339,16 @@ std::vector<RowEdit> SameRowEditTest::edits()
          },
          [](Corner &corner, EditContext &context) {
              SidebarCommands(context).moveListItems({corner.to}, {corner.folder}, {0});
+         }},
+        {"delete a row and what it holds",
+         [this](Corner &corner) {
+             show(corner.to);
+             whenMenuOpens(QStringLiteral("Delete To and Content"));
+             const QRect row = tree()->visualRect(tree()->tree()->indexOf(corner.to->objectID()));
+             Q_EMIT tree()->customContextMenuRequested(row.center());
+         },
+         [](Corner &corner, EditContext &context) {
+             SidebarCommands(context).deleteSidebarItemAndRemoveContentFromLibrary({corner.to});
          }},
         {"delete a row",
          [this](Corner &corner) {
