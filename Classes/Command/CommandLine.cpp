@@ -160,6 +160,7 @@ void CommandLine::defineSearch()
     search->add_flag("--count", m_options->counts, "Print how many there are, and nothing else");
     search->add_flag("--explain", m_options->explains, "Print the condition that is asked of the store instead");
     search->add_flag("--json", m_json, "Print an array of objects keyed by attribute names");
+    search->footer(zqSearchLanguage().toStdString());
 }
 
 // A search may begin with "-", which elsewhere begins an option: what is no option of a search is a word of it, and
@@ -479,6 +480,9 @@ void describe(const CLI::App &command, const QString &name, QString &out)
     out += QStringLiteral("\n## `%1`\n\n%2.\n\n```\n%3\n```\n").arg(name, text(command.get_description()), synopsis);
     if (!rows.isEmpty()) {
         out += QStringLiteral("\n| Option | Meaning |\n|---|---|\n") + rows;
+    }
+    if (!command.get_footer().empty()) {
+        out += QStringLiteral("\n```\n%1\n```\n").arg(text(command.get_footer()));
     }
 }
 } // namespace

@@ -37,6 +37,7 @@ struct SearchRequest
     bool explains = false;
 };
 int zqRunSearch(const SearchRequest &request, CommandContext &context);
+QString zqSearchLanguage(); // what can be searched for, a line each token
 
 int zqRunDelete(const QStringList &items, CommandContext &context);
 int zqRunRestore(const QStringList &items, CommandContext &context);

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/SearchToken.h"
 #include "Classes/Command/Commands.h"
 #include "Classes/Command/ItemListing.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -9,6 +10,8 @@
 #include <QJsonObject>
 
 namespace {
+
+constexpr int tokenColumn = 36; // characters, wider than the longest token
 
 // What the window shows of the sidebar entry; the whole library in the order of `zelto items` without one.
 std::optional<ContentQuery> queryFor(const SearchRequest &request, CommandContext &context)
@@ -57,6 +60,23 @@ int explain(const ContentBuilder &builder, CommandContext &context)
 }
 
 } // namespace
+
+QString zqSearchLanguage()
+{
+    QString lines = zqLocalized("A word is looked for in titles, notes, extensions and tags. AND, + or nothing between "
+                                "two words finds both,\nOR one of them; brackets group, - or NOT leaves out, double "
+                                "quotes keep a text together. Dates are 25/12/2026,\n2026-12-25, 2026-12, 2026, today, "
+                                "yesterday or 7d. Numbers and dates are compared by <, =, >, <= or >=.\n");
+    for (const SearchToken &token : SearchToken::all()) {
+        const QString comparison = token.compares() ? QStringLiteral("=") : QString();
+        const QString hint = token.argumentHint().isEmpty() ? QString() : u' ' + token.argumentHint();
+        const QString form = token.name() + comparison +
+                             (token.shortName().isEmpty() ? QString() : QStringLiteral(", ") + token.shortName()) +
+                             (token.shortName().isEmpty() ? QString() : comparison) + hint;
+        lines += u'\n' + form.leftJustified(tokenColumn) + token.meaning();
+    }
+    return lines;
+}
 
 int zqRunSearch(const SearchRequest &request, CommandContext &context)
 {
