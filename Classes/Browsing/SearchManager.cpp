@@ -31,29 +31,31 @@ Parts clausesOf(const QString &text)
     return clauses;
 }
 
-bool isKind(const Parts &parts, qsizetype index, Kind kind)
+bool isBracket(const Parts &parts, qsizetype index, QStringView text)
 {
-    return index >= 0 && index < parts.size() && parts.at(index).kind == kind;
+    return index >= 0 && index < parts.size() && parts.at(index).kind == Kind::Bracket && parts.at(index).text == text;
+}
+
+bool isOperator(const Parts &parts, qsizetype index, bool joins)
+{
+    static const QStringList joining = {QStringLiteral("AND"), QStringLiteral("OR"), QStringLiteral("+")};
+    return index >= 0 && index < parts.size() && parts.at(index).kind == Kind::Operator &&
+           joining.contains(parts.at(index).text) == joins;
 }
 
 // The parts from `first` to `last` with what would be left of them: brackets that hold nothing else, and what joined
 // them to the rest.
 std::pair<qsizetype, qsizetype> withLeftovers(const Parts &parts, qsizetype first, qsizetype last)
 {
-    while (isKind(parts, first - 1, Kind::Bracket) && isKind(parts, last + 1, Kind::Bracket) &&
-           parts.at(first - 1).text == u"(" && parts.at(last + 1).text == u")") {
-        --first;
+    while (isBracket(parts, first - 1, u"(") && isBracket(parts, last + 1, u")")) {
         ++last;
-        const bool isExcluded = isKind(parts, first - 1, Kind::Operator) && parts.at(first).isNegated;
-        first -= isExcluded ? 1 : 0;
+        first -= isOperator(parts, first - 2, false) ? 2 : 1;
     }
-    const bool isFirst = first == 0 || (isKind(parts, first - 1, Kind::Bracket) && parts.at(first - 1).text == u"(");
-    if (isKind(parts, first - 1, Kind::Operator)) {
-        --first;
-    } else if (isFirst && isKind(parts, last + 1, Kind::Operator) && !isKind(parts, last + 2, Kind::Bracket)) {
-        ++last;
+    if (isOperator(parts, first - 1, true)) {
+        return {first - 1, last};
     }
-    return {first, last};
+    const bool isFirst = first == 0 || isBracket(parts, first - 1, u"(");
+    return {first, isFirst && isOperator(parts, last + 1, true) ? last + 1 : last};
 }
 
 QString withoutClause(const QString &text, const Parts &parts, qsizetype index)

@@ -121,6 +121,7 @@ TEST(SearchExpressionTest, EachTokenHasItsClauseForMembershipsAndForItems)
         {"#title a\"b", "item.title contains[cd] \"ab\""},
         {"#title a\\b", "item.title contains[cd] \"a\\\\b\""},
         {"#title -a", "item.title contains[cd] \"-a\""},
+        {"#title %1%@", "item.title contains[cd] \"%1%@\""},
     };
     for (const auto &[text, expected] : cases) {
         EXPECT_EQ(query(QLatin1StringView(text)), wrapped(expected).toStdString()) << text;
@@ -274,6 +275,9 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"#c red OR a", "#c red", "a"},
         {"a OR #c red", "#c red", "a"},
         {"a -(#c red)", "#c red", "a"},
+        {"a OR --(#c red)", "#c red", "a"},
+        {"#c red OR (a b)", "#c red", "(a b)"},
+        {"#c red -(a b)", "#c red", "-(a b)"},
         {"a ((#c red)) b", "#c red", "a b"},
         {"(a OR #c red) b", "#c red", "(a) b"},
         {"a -#c red", "-#c red", "a"},

@@ -221,6 +221,30 @@ TEST_F(SearchResultsTest, NotBindsClosestThenAndThenOr)
     }
 }
 
+TEST_F(SearchResultsTest, TheMostThatIsSearchedIsNoMoreThanTheStoreTakes)
+{
+    Item deepest = inner;
+    for (int depth = 3; depth <= SearchQueries::deepestFolder; ++depth) {
+        deepest = addLiveFolder(QStringLiteral("deep"), deepest);
+    }
+    const auto repeated = [](const char *text, int times) { return QString::fromUtf8(text).repeated(times); };
+    const std::pair<QString, const char *> texts[] = {
+        {repeated("logo ", 1000), "LPs"},
+        {repeated("nothing OR ", 1000) + QStringLiteral("logo"), ""}, // cut off before the last
+        {repeated("-#project x ", 1000), "CLPdsw"},
+        {repeated("#f inner ", 1000), "w"},
+        {repeated("#kind image ", 1000), "CLPdsw"},
+        {repeated("-#kind font OR ", 1000), "CLPdsw"},
+        {repeated("#w>0 -#d=2013 ", 1000), "CLPdw"},
+        {repeated("#duplicates ", 1000), "Ls"},
+        {repeated("-(x OR -(y ", 1000) + repeated("))", 1000), ""},
+        {repeated("-(#untagged -(#np OR ", 5) + QStringLiteral("logo") + repeated("))", 5), "CLPds"},
+    };
+    for (const auto &[text, expected] : texts) {
+        EXPECT_EQ(found(text), expected) << text.left(20).toStdString();
+    }
+}
+
 TEST_F(SearchResultsTest, WhateverIsTypedCanBeAskedAndBothWaysAgree)
 {
     static const QStringList pieces = {
