@@ -1,6 +1,8 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
 #include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/StoreSearch.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
@@ -43,12 +45,11 @@ void ContentBuilder::addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Sec
     }
 }
 
-void ContentBuilder::restrictToTitles(ZQFetchRequest &request, const char *comparison, const QString &text)
+void ContentBuilder::restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text)
 {
     const QString title = zqItemKeyPath(zqListRowsOfEntity(request.entityName), QStringLiteral("title"));
     request.predicate = ZQPredicate::andPredicate(
-        {request.predicate, ZQPredicate::predicateWithFormat(
-                                title + u' ' + QLatin1StringView(comparison) + u' ' + QStringLiteral("%@"), {text})});
+        {request.predicate, ZQPredicate::predicateWithFormat(title + QStringLiteral(" BEGINSWITH[cd] %@"), {text})});
 }
 
 void ContentBuilder::prepare(ZQFetchRequest &request) const
@@ -62,12 +63,54 @@ void ContentBuilder::prepare(ZQFetchRequest &request) const
     if (!descriptors.isEmpty()) {
         request.sortDescriptors = descriptors;
     }
-    if (!m_query.filter.isEmpty()) {
-        restrictToTitles(request, "contains[cd]", m_query.filter);
+}
+
+SearchContext ContentBuilder::searchContext(ZQListRows rows, const QList<Section> &sections) const
+{
+    QList<ZQFetchRequest> requests;
+    for (const Section &section : sections) {
+        requests.append(section.request);
+    }
+    return StoreSearch::context(rows, requests, m_context);
+}
+
+void ContentBuilder::addSearch(QList<Section> &sections) const
+{
+    const QList<Section> whole = sections;
+    for (const ZQListRows rows : {ZQListRows::LibraryItems, ZQListRows::Memberships}) {
+        ZQPredicate predicate;
+        for (Section &section : sections) {
+            if (zqListRowsOfEntity(section.request.entityName) == rows) {
+                predicate = predicate.isNull()
+                                ? SearchManager::predicateForSearchString(m_query.filter, searchContext(rows, whole))
+                                : predicate;
+                section.request.predicate = ZQPredicate::andPredicate({section.request.predicate, predicate});
+            }
+        }
     }
 }
 
 std::optional<QList<ContentBuilder::Section>> ContentBuilder::sections(ZQError *error) const
+{
+    auto built = sectionsWithoutSearch(error);
+    if (built && !m_query.filter.isEmpty()) {
+        addSearch(*built);
+    }
+    return built;
+}
+
+std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
+{
+    const auto built = sectionsWithoutSearch(error);
+    if (!built) {
+        return std::nullopt;
+    }
+    const ZQListRows rows =
+        built->isEmpty() ? ZQListRows::Memberships : zqListRowsOfEntity(built->first().request.entityName);
+    return SearchManager::predicateStringForSearchString(m_query.filter, searchContext(rows, *built));
+}
+
+std::optional<QList<ContentBuilder::Section>> ContentBuilder::sectionsWithoutSearch(ZQError *error) const
 {
     QVariantList ids;
     for (const ZQObjectID &id : m_query.sidebarItems) {
@@ -139,7 +182,7 @@ std::optional<QList<ZQObjectID>> ContentBuilder::rowsWithTitleBeginning(const QS
     }
     QList<ZQObjectID> result;
     for (Section &section : *built) {
-        restrictToTitles(section.request, "BEGINSWITH[cd]", text);
+        restrictToTitlesBeginning(section.request, text);
         section.request.sortDescriptors.clear();
         const auto found = isWanted() ? m_context.fetchObjectIDs(section.request) : std::nullopt;
         if (!found) {

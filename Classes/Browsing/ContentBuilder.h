@@ -10,12 +10,13 @@
 #include <optional>
 
 class ZQSidebarBaseItem;
+struct SearchContext;
 
 // What a tab is to show.
 struct ContentQuery
 {
     QList<ZQObjectID> sidebarItems;
-    QString filter; // titles that contain it; empty: all
+    QString filter; // a search text; all rows when there is nothing in it to search for
     ZQSortValue sortValue = ZQSortValue::Manual;
     bool isAscending = false;
 };
@@ -42,6 +43,8 @@ public:
     std::optional<Content> content(const IsWanted &isWanted) const;
     // The rows whose items' titles begin with `text`, in no order. Nothing after an error or when given up.
     std::optional<QList<ZQObjectID>> rowsWithTitleBeginning(const QString &text, const IsWanted &isWanted) const;
+    // The condition of the search text on the rows of the first section, for a person; nothing after an error.
+    std::optional<QString> predicateString(ZQError *error) const;
 
 private:
     struct Section
@@ -49,10 +52,14 @@ private:
         QString title;
         ZQFetchRequest request;
     };
-    std::optional<QList<Section>> sections(ZQError *error) const; // nothing when the sidebar items cannot be read
+    // Nothing when the sidebar items cannot be read.
+    std::optional<QList<Section>> sections(ZQError *error) const;
+    std::optional<QList<Section>> sectionsWithoutSearch(ZQError *error) const;
     static void addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Section> &into);
-    static void restrictToTitles(ZQFetchRequest &request, const char *comparison, const QString &text);
+    static void restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text);
     void prepare(ZQFetchRequest &request) const;
+    void addSearch(QList<Section> &sections) const;
+    SearchContext searchContext(ZQListRows rows, const QList<Section> &sections) const;
 
     ContentQuery m_query;
     ZQManagedObjectContext &m_context;

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/SelectionSummary.h"
 
+#include "Classes/Browsing/KindNames.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -7,7 +8,6 @@
 
 #include <QFileInfo>
 #include <QLocale>
-#include <QMimeDatabase>
 #include <QSet>
 
 #include <algorithm>
@@ -34,14 +34,6 @@ QString dateText(const QDateTime &date)
                      : locale.toString(local.date(), QStringLiteral("d MMM yyyy"));
 }
 
-QString kindText(const ZQLibraryBaseItem &item)
-{
-    static const QMimeDatabase types;
-    const QString comment =
-        types.mimeTypeForFile(QStringLiteral("x.") + item.extension(), QMimeDatabase::MatchExtension).comment();
-    return comment.isEmpty() ? item.extension().toUpper() : comment.left(1).toUpper() + comment.mid(1);
-}
-
 QString sizeText(const ZQLibraryBaseItem &item)
 {
     return item.pixelWidth() > 0 ? QStringLiteral("%1 × %2").arg(item.pixelWidth()).arg(item.pixelHeight())
@@ -65,7 +57,7 @@ void addItem(SelectionSummary &summary, const ZQLibraryBaseItem &item, QSet<QStr
     summary.bytes += bytes;
     summary.missing += bytes == 0 && !QFileInfo::exists(item.itemURL()) ? 1 : 0;
     summary.title.add(item.title(), isFirst);
-    summary.kind.add(kindText(item), isFirst);
+    summary.kind.add(KindNames::nameOfExtension(item.extension()), isFirst);
     summary.notes.add(item.notes(), isFirst);
     summary.size.add(sizeText(item), isFirst);
     summary.imported.add(dateText(item.import_date()), isFirst);

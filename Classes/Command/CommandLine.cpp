@@ -20,6 +20,9 @@ struct CommandLine::Options
     std::vector<std::string> paths;
     std::vector<std::string> metadata;
     std::vector<std::string> items;
+    std::vector<std::string> words;
+    bool counts = false;
+    bool explains = false;
     std::vector<std::string> addedTags;
     std::vector<std::string> removedTags;
     std::string reference;
@@ -69,6 +72,7 @@ CommandLine::CommandLine()
         ->type_name("FILE");
     defineImport();
     defineItems();
+    defineSearch();
     defineDeletion();
     defineTags();
     defineVerify();
@@ -137,6 +141,54 @@ void CommandLine::defineItems()
     CLI::App *sidebar =
         add("sidebar", "List the sidebar", true, [](CommandContext &context) { return zqRunSidebar(context); });
     sidebar->add_flag("--json", m_json, "Print an array of the top-level entries with their children");
+}
+
+void CommandLine::defineSearch()
+{
+    CLI::App *search =
+        add("search", "Find items, as the window's search field does", true, [this](CommandContext &context) {
+            return zqRunSearch({texts(m_options->words).join(u' '), text(m_options->reference), m_options->counts,
+                                m_options->explains},
+                               context);
+        });
+    search
+        ->add_option("text", m_options->words,
+                     "Words and tokens, as '#tag draft -#width<1000'; several are joined by blanks")
+        ->required()
+        ->type_name("TEXT");
+    search->add_option("--in", m_options->reference, referenceHelp)->type_name("REF");
+    search->add_flag("--count", m_options->counts, "Print how many there are, and nothing else");
+    search->add_flag("--explain", m_options->explains, "Print the condition that is asked of the store instead");
+    search->add_flag("--json", m_json, "Print an array of objects keyed by attribute names");
+    search->footer(zqSearchLanguage().toStdString());
+}
+
+// A search may begin with "-", which elsewhere begins an option: what is no option of a search is a word of it, and
+// words come behind "--".
+QStringList CommandLine::withSearchTextLast(const QStringList &arguments)
+{
+    qsizetype command = 0;
+    while (command < arguments.size() && arguments[command].startsWith(u'-')) {
+        command += arguments[command] == u"--library" ? 2 : 1;
+    }
+    if (arguments.value(command) != u"search") {
+        return arguments;
+    }
+    QStringList options = arguments.mid(0, command + 1);
+    QStringList words;
+    for (qsizetype i = command + 1; i < arguments.size(); ++i) {
+        const QString &word = arguments[i];
+        if (word == u"--") {
+            words += arguments.mid(i + 1);
+            break;
+        }
+        const bool isOption = word.startsWith(u"--") || word == u"-h";
+        (isOption ? options : words).append(word);
+        if ((word == u"--in" || word == u"--library") && i + 1 < arguments.size()) {
+            options.append(arguments[++i]);
+        }
+    }
+    return words.isEmpty() ? options : options + QStringList{QStringLiteral("--")} + words;
 }
 
 void CommandLine::defineDeletion()
@@ -269,8 +321,9 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
         *exitStatus = 2;
         return false;
     }
+    const QStringList ordered = withSearchTextLast(arguments);
     std::vector<std::string> reversed;
-    for (auto it = arguments.rbegin(); it != arguments.rend(); ++it) {
+    for (auto it = ordered.rbegin(); it != ordered.rend(); ++it) {
         reversed.push_back(it->toStdString());
     }
     try {
@@ -430,6 +483,9 @@ void describe(const CLI::App &command, const QString &name, QString &out)
     out += QStringLiteral("\n## `%1`\n\n%2.\n\n```\n%3\n```\n").arg(name, text(command.get_description()), synopsis);
     if (!rows.isEmpty()) {
         out += QStringLiteral("\n| Option | Meaning |\n|---|---|\n") + rows;
+    }
+    if (!command.get_footer().empty()) {
+        out += QStringLiteral("\n```\n%1\n```\n").arg(text(command.get_footer()));
     }
 }
 } // namespace

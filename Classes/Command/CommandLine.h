@@ -60,6 +60,7 @@ public:
 private:
     void defineImport();
     void defineItems();
+    void defineSearch();
     void defineDeletion();
     void defineTags();
     void defineVerify();
@@ -69,6 +70,7 @@ private:
     bool isNothing(const QString &word, CommandContext &context) const;
     bool checkWords(const QStringList &arguments, CommandContext &context) const;
     QString commandLike(const QString &word) const;
+    static QStringList withSearchTextLast(const QStringList &arguments);
     CLI::App *add(const char *name, const char *help, bool needsLibrary, std::function<int(CommandContext &)> run);
 
     std::unique_ptr<CLI::App> m_app;

@@ -29,6 +29,16 @@ struct ItemsRequest
 int zqRunItems(const ItemsRequest &request, CommandContext &context);
 int zqRunSidebar(CommandContext &context);
 
+struct SearchRequest
+{
+    QString text;
+    QString in; // REF; empty: the whole library
+    bool counts = false;
+    bool explains = false;
+};
+int zqRunSearch(const SearchRequest &request, CommandContext &context);
+QString zqSearchLanguage(); // what can be searched for, a line each token
+
 int zqRunDelete(const QStringList &items, CommandContext &context);
 int zqRunRestore(const QStringList &items, CommandContext &context);
 int zqRunPurge(CommandContext &context);

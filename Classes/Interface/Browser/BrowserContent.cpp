@@ -334,7 +334,7 @@ QString BrowserContent::emptyText() const
         return zqLocalized("Select something in the sidebar.");
     }
     if (!filter().isEmpty()) {
-        return zqFormat(zqLocalized("No title contains \"%@\". Press Esc in the search field to show everything."),
+        return zqFormat(zqLocalized("Nothing matches \"%@\". Press Esc in the search field to show everything."),
                         {filter()});
     }
     const auto single = singleItem();

@@ -18,7 +18,7 @@ public:
     TabState &tab() { return *m_tab; }
     // Change the tab and fetch.
     void setSidebarItems(const QList<ZQObjectID> &items);
-    void setFilter(const QString &text); // titles that contain it
+    void setFilter(const QString &text); // a search text
     QString filter() const { return m_tab->contentQuery().filter; }
     const QList<ZQObjectID> &sidebarItems() const { return m_tab->sidebarSelectedItems(); }
     ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }

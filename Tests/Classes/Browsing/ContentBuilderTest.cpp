@@ -73,6 +73,32 @@ TEST_F(ContentBuilderTest, SectionsFollowTheSelectionAndEmptyOnesAreLeftOut)
     }
 }
 
+TEST_F(ContentBuilderTest, ASearchIsOneLanguageInEverySection)
+{
+    images[0]->setSHA1(QStringLiteral("same"));
+    images[2]->setSHA1(QStringLiteral("same"));
+    images[1]->setNotes(QStringLiteral("b in the notes"));
+    library.context().save();
+    const auto of = [this](const QList<Item> &items, const char *filter) {
+        ContentQuery query{{}, QLatin1StringView(filter), ZQSortValue::Title, true};
+        for (const Item &item : items) {
+            query.sidebarItems.append(item->objectID());
+        }
+        return content(query);
+    };
+    for (const Item &item : {project, everything}) {
+        EXPECT_EQ(of({item}, "b -#title b"), ": a");
+        EXPECT_EQ(of({item}, "#duplicates"), ": b9 b10");
+        EXPECT_EQ(of({item}, "#foo ("), ": a b9 b10") << "wholly wrong: everything";
+    }
+    EXPECT_EQ(of({project, other}, "#duplicates"), "Project: b9 b10") << "one item in two projects is one";
+    EXPECT_EQ(of({folder}, "a OR b10"), "Project: a b10 | Other: a");
+    EXPECT_EQ(of({other, everything}, "a"), "Other: a | Library: a");
+    ZQManagedObjectContext context(library.coordinator());
+    const ContentQuery query{{project->objectID()}, QStringLiteral("#live"), ZQSortValue::Title, true};
+    EXPECT_EQ(ContentBuilder(query, context).predicateString(nullptr), QStringLiteral(" (  ( item.managed == NO ) )"));
+}
+
 TEST_F(ContentBuilderTest, WhatCannotBeReadIsAnErrorAndWhatIsGivenUpIsNothing)
 {
     const ContentQuery query{{project->objectID()}, {}, ZQSortValue::Manual, true};

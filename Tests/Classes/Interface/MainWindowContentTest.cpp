@@ -374,7 +374,7 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     EXPECT_EQ(count, 4) << "each in one group only";
     search().setText(QStringLiteral("nothing has this"));
     settle();
-    EXPECT_TRUE(browser().content().emptyText().startsWith(QStringLiteral("No title contains \"nothing has this\".")));
+    EXPECT_TRUE(browser().content().emptyText().startsWith(QStringLiteral("Nothing matches \"nothing has this\".")));
     search().clear();
     show(special(ZQSidebarKind::Library));
     whenMenuOpens(QStringLiteral("Size"));

@@ -1,0 +1,89 @@
+#include "Models/DataModel/ZQSidebarFolder.h"
+#include "Tests/Classes/Command/CommandFixture.h"
+
+namespace {
+
+class SearchCommandTest : public CommandTest
+{
+protected:
+    void SetUp() override
+    {
+        CommandTest::SetUp();
+        picture(QStringLiteral("Brand/logo.png"), qRgb(1, 2, 3));
+        picture(QStringLiteral("Brand/poster.png"), qRgb(4, 5, 6));
+        picture(QStringLiteral("loose.png"), qRgb(7, 8, 9));
+        ASSERT_EQ(run("import Brand loose.png"), 0) << context.errors.constData();
+        ASSERT_EQ(run(QStringList{QStringLiteral("tag"), bundleID("poster"), QStringLiteral("--add"),
+                                  QStringLiteral("summer 2026")}),
+                  0);
+    }
+    QString bundleID(const char *title)
+    {
+        const auto item = zqFetchFirst<ZQLibraryBaseItem>(*delegate->managedObjectContext(),
+                                                          QStringLiteral("title == %@"), {QLatin1StringView(title)});
+        return item ? item->bundleID() : QString();
+    }
+    // The names found, sorted.
+    std::string found(QStringList arguments)
+    {
+        arguments.prepend(QStringLiteral("search"));
+        EXPECT_EQ(run(arguments), 0) << context.errors.constData();
+        QStringList names;
+        for (const QString &line : QString::fromUtf8(context.output).split(u'\n', Qt::SkipEmptyParts)) {
+            names.append(line.section(u'\t', 1));
+        }
+        names.sort();
+        return names.join(u' ').toStdString();
+    }
+    std::string found(const char *text) { return found(QStringList{QLatin1StringView(text)}); }
+};
+
+} // namespace
+
+TEST_F(SearchCommandTest, FindsInTheLibraryAndBelowAnEntryAndPrintsItsWays)
+{
+    EXPECT_EQ(found("o"), "logo.png loose.png poster.png");
+    EXPECT_EQ(found("#project brand -#tag \"summer 2026\""), "logo.png");
+    EXPECT_EQ(found("-#noproject"), "logo.png poster.png") << "a text may begin like an option";
+    EXPECT_EQ(found(""), "logo.png loose.png poster.png");
+    EXPECT_EQ(found({QStringLiteral("lo"), QStringLiteral("-logo"), QStringLiteral("--in"),
+                     QStringLiteral("LIBRARY/Library")}),
+              "loose.png");
+    EXPECT_EQ(found({QStringLiteral("--in"), QStringLiteral("PROJECTS/Brand"), QStringLiteral("--"),
+                     QStringLiteral("-#tag sum*")}),
+              "logo.png");
+    EXPECT_EQ(found({QStringLiteral("o"), QStringLiteral("--in"), QStringLiteral("PROJECTS")}), "logo.png poster.png");
+    EXPECT_EQ(run("search o --count"), 0);
+    EXPECT_EQ(context.output, "3\n");
+    EXPECT_EQ(run("search nothing --count"), 0);
+    EXPECT_EQ(context.output, "0\n");
+    EXPECT_EQ(run("search logo --json"), 0);
+    ASSERT_EQ(array().size(), 1);
+    EXPECT_EQ(array().first().toObject().value(QStringLiteral("bundleID")), bundleID("logo"));
+}
+
+TEST_F(SearchCommandTest, ExplainsTheConditionOfTheRowsItIsAskedFor)
+{
+    EXPECT_EQ(run("search #live --explain"), 0);
+    EXPECT_EQ(context.output, " (  ( managed == NO ) )\n");
+    EXPECT_EQ(run("search #live --explain --in PROJECTS/Brand"), 0);
+    EXPECT_EQ(context.output, " (  ( item.managed == NO ) )\n");
+    EXPECT_EQ(run("search #live --explain --json"), 0);
+    EXPECT_EQ(object().value(QStringLiteral("predicate")), QStringLiteral(" (  ( managed == NO ) )"));
+    EXPECT_EQ(run(QStringList{QStringLiteral("search"), QString(), QStringLiteral("--explain")}), 0);
+    EXPECT_EQ(context.output, "TRUEPREDICATE\n");
+}
+
+TEST_F(SearchCommandTest, AMistakeIsNamedWithItsPlaceAndNothingIsFound)
+{
+    EXPECT_EQ(run(QStringList{QStringLiteral("search"), QStringLiteral("logo #d=31/02/2026 (")}), 2);
+    EXPECT_TRUE(context.output.isEmpty());
+    EXPECT_TRUE(context.errors.contains("at character 6 of the search, “#d=31/02/2026”: "))
+        << context.errors.constData();
+    EXPECT_TRUE(context.errors.contains("at character 20 of the search, “(”: ")) << context.errors.constData();
+    EXPECT_EQ(run("search #foo --explain"), 2);
+    EXPECT_EQ(run("search logo --in PROJECTS/Missing"), 2);
+    EXPECT_TRUE(context.errors.contains("Missing"));
+    EXPECT_EQ(run("search"), 2);
+    EXPECT_EQ(run("search logo --colour"), 2) << "a misspelt option is no word";
+}
