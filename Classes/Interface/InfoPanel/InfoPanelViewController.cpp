@@ -304,6 +304,7 @@ bool InfoPanelViewController::refresh()
 void InfoPanelViewController::showNothing()
 {
     m_items.clear();
+    m_tags->dropTyped();
     m_summary = {};
     m_nothing->setText(zqLocalized("Nothing selected"));
     m_body->hide();
@@ -323,6 +324,9 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
         return isSame && field->hasFocus() && field->isModified();
     };
     const CommonText notesBefore = m_summary.notes;
+    if (items != m_items) {
+        m_tags->dropTyped();
+    }
     const bool keepsTitle = isTyped(m_title) || isTitleToCome(*first, items == m_items);
     m_items = items;
     m_summary = summary;
@@ -444,14 +448,16 @@ void InfoPanelViewController::commitTitle()
         return;
     }
     const auto item = m_window.libraryItem(m_items.first());
-    if (!item || m_title->text() == (m_titleToCome.isEmpty() ? item->title() : m_titleToCome)) {
+    // What nobody typed is not taken: the field may be behind what another edit made of the title.
+    if (!item || !m_title->isModified() ||
+        m_title->text() == (m_titleToCome.isEmpty() ? item->title() : m_titleToCome)) {
         return;
     }
     const QString typed = m_title->text();
     LibraryCommands(m_window).renameItem(m_items.first(), typed);
     if (m_window.isBusy()) { // it waits for its turn
         m_titleToCome = typed;
-        m_title->setModified(false);
+        m_title->setText(typed); // typed and taken: undo is the window's from here on
     } else {
         m_title->setText(item->title());
     }

@@ -94,6 +94,11 @@ void TagField::setKnownTags(const QStringList &tags)
     static_cast<QStringListModel *>(m_edit->completer()->model())->setStringList(tags);
 }
 
+void TagField::dropTyped()
+{
+    m_edit->clear();
+}
+
 void TagField::setTags(const QStringList &tags, bool hasOthers)
 {
     if (tags == m_tags && hasOthers == m_hasOthers) {

@@ -16,6 +16,7 @@ public:
     void setTags(const QStringList &tags, bool hasOthers); // others: some items carry more
     void setKnownTags(const QStringList &tags);
     QStringList tags() const { return m_tags; }
+    void dropTyped(); // what is half typed was meant for other items
 
 Q_SIGNALS:
     void edited(const QStringList &tags);

@@ -86,6 +86,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     new FileTagReader(*m_window, *m_browser, m_mainWindow.get());
+    TextFields::yieldUndo(m_mainWindow.get());
     restoreGeometry();
     m_tabs->restore();
     updateCommands();

@@ -116,12 +116,16 @@ void WindowCommands::update()
 
 QStringList WindowCommands::keyLines() const
 {
+    QHash<const QAction *, QString> titles; // whatever they do at the moment
+    for (const WindowCommand &command : m_commands) {
+        titles.insert(m_actions.value(command.id), command.title);
+    }
     QStringList lines;
     for (const QMenu *menu : m_menus->findChildren<QMenu *>()) {
         for (const QAction *action : menu->actions()) {
             if (!action->shortcut().isEmpty()) {
                 lines.append(action->shortcut().toString(QKeySequence::NativeText) + QStringLiteral("   ") +
-                             action->text());
+                             titles.value(action, action->text()));
             }
         }
     }

@@ -1,5 +1,6 @@
 // The info panel: what it says of none, one and many, and what each of its fields does.
 
+#include "Classes/Browsing/SelectionSummary.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
@@ -227,11 +228,14 @@ TEST_F(InfoPanelTest, EscapeLeavesAFieldAsItWas)
 TEST_F(InfoPanelTest, TitlesThatCannotBeTakenComeBack)
 {
     select({red});
-    field("Title")->setText({});
+    field("Title")->setFocus();
+    field("Title")->selectAll();
+    press(Qt::Key_Backspace);
     EXPECT_FALSE(controller->commitEditing());
     EXPECT_EQ(field("Title")->text(), red);
     EXPECT_TRUE(controller->commitEditing());
-    field("Title")->setText(QStringLiteral("scarlet"));
+    field("Title")->selectAll();
+    type(QStringLiteral("scarlet"));
     notes->setPlainText(QStringLiteral("kept"));
     controller->savePersistentState();
     EXPECT_TRUE(image(QStringLiteral("scarlet")));
@@ -364,6 +368,26 @@ TEST_F(InfoPanelTest, WhatIsTypedWhileAnEditRunsIsOneEditAndStays)
     EXPECT_EQ(image(QStringLiteral("red"))->notes(), QStringLiteral("precious"));
     EXPECT_EQ(image(QStringLiteral("red"))->license(), QStringLiteral("CC0"));
     EXPECT_EQ(notes->toPlainText(), QStringLiteral("precious"));
+}
+
+TEST_F(InfoPanelTest, SavingTakesNothingThatNobodyTyped)
+{
+    select({QStringLiteral("red")});
+    run(CommandID::Rename);
+    type(QStringLiteral("first"));
+    press(Qt::Key_Return);
+    press(Qt::Key_Z, Qt::ControlModifier); // right after Enter, where the caret still is
+    delegate->saveAction();
+    settle();
+    EXPECT_EQ(field("Title")->text(), QStringLiteral("red"));
+    EXPECT_TRUE(image(QStringLiteral("red")));
+    EXPECT_EQ(controller->undoStack().index(), 0);
+    auto *const typed = panel->findChild<TagField *>()->findChild<QLineEdit *>();
+    typed->setFocus();
+    type(QStringLiteral("hal"));
+    select({QStringLiteral("clear")});
+    EXPECT_EQ(typed->text(), QString()) << "it was meant for the other one";
+    EXPECT_EQ(SelectionSummary::userTagsOf(*image(QStringLiteral("clear"))), QStringList());
 }
 
 TEST_F(InfoPanelTest, TitlesThatWaitForAnEditStayAndAreEachOneStep)

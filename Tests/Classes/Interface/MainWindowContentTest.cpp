@@ -231,7 +231,8 @@ TEST_F(MainWindowTest, TheApplicationFindsAndAsksTheWindow)
     EXPECT_EQ(tabs(), QStringLiteral("B 0/1"));
     show(a);
     select({QStringLiteral("red")});
-    named<QLineEdit>("Title")->setText(QStringLiteral("scarlet"));
+    run(CommandID::Rename);
+    type(QStringLiteral("scarlet"));
     EXPECT_TRUE(controller->commitEditing());
     EXPECT_TRUE(image(QStringLiteral("scarlet")));
 

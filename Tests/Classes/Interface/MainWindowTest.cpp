@@ -120,7 +120,7 @@ TEST_F(MainWindowTest, CommandsAreEnabledByTheSelectionTheFocusAndTheTabs)
     select({QStringLiteral("red")});
     EXPECT_EQ(disabled(), QStringLiteral("Undo,Redo,Close Tab,Reopen Closed Tab"));
     search().setFocus();
-    EXPECT_EQ(disabled(), QStringLiteral("Remove,Delete from Library,Close Tab,Reopen Closed Tab"));
+    EXPECT_EQ(disabled(), QStringLiteral("Duplicate,Remove,Delete from Library,Close Tab,Reopen Closed Tab"));
     grid().setFocus();
     EXPECT_EQ(disabled(), QStringLiteral("Undo,Redo,Close Tab,Reopen Closed Tab"));
 
