@@ -64,6 +64,8 @@ private:
 
     void readLexeme(const SearchLexeme &lexeme);
     void readClause(const SearchLexeme &lexeme);
+    void addClausePart(const SearchLexeme &lexeme, const SearchClause &clause, qsizetype position);
+    void addUnclosedQuote(const SearchLexeme &lexeme);
     void readJoin(const SearchLexeme &lexeme);
     void readNot(const SearchLexeme &lexeme);
     void open(const SearchLexeme &lexeme);
@@ -165,7 +167,13 @@ void Reader::takeNots()
 void Reader::readClause(const SearchLexeme &lexeme)
 {
     SearchClause clause = SearchClause::ofLexeme(lexeme, m_context);
-    const bool isNegated = level().notCount % 2 == 1;
+    const bool isClosed = lexeme.unclosedQuote < 0;
+    m_result.closing = isClosed ? QString() : QStringLiteral("\"");
+    if (clause.problem == SearchProblem::EmptyQuotes && !isClosed) {
+        takeNots();
+        addUnclosedQuote(lexeme);
+        return addOperand(std::nullopt);
+    }
     const qsizetype position = level().notCount > 0 ? level().notPosition : lexeme.position;
     if (clause.problem != SearchProblem::None) {
         addProblem(clause.problem, position, lexeme.end(), clause.meaning);
@@ -177,22 +185,31 @@ void Reader::readClause(const SearchLexeme &lexeme)
         return addProblem(SearchProblem::TooMuch, position, m_text.size(),
                           zqLocalized("This is more than can be searched at once; from here on it is left out."));
     }
+    addClausePart(lexeme, clause, position);
+    addOperand(Operand{.compose = std::move(clause.compose)});
+}
+
+void Reader::addUnclosedQuote(const SearchLexeme &lexeme)
+{
+    addProblem(SearchProblem::UnclosedQuote, lexeme.unclosedQuote, lexeme.end(),
+               zqLocalized("This quote is not closed."));
+}
+
+void Reader::addClausePart(const SearchLexeme &lexeme, const SearchClause &clause, qsizetype position)
+{
     const bool isToken = lexeme.kind == Kind::Token;
     const bool isClosed = lexeme.unclosedQuote < 0;
     if (isClosed || isToken) {
         SearchPart &part = addPart(isToken ? SearchPart::Kind::Token : SearchPart::Kind::Word, position,
                                    isClosed ? lexeme.end() : lexeme.unclosedQuote, clause.meaning);
-        part.isNegated = isNegated;
+        part.isNegated = level().notCount % 2 == 1;
         part.normalized = isClosed ? clause.normalized : QString();
     } else {
         takeNots();
     }
     if (!isClosed) {
-        addProblem(SearchProblem::UnclosedQuote, lexeme.unclosedQuote, lexeme.end(),
-                   zqLocalized("This quote is not closed."));
-        m_result.closing = u'"';
+        addUnclosedQuote(lexeme);
     }
-    addOperand(Operand{.compose = std::move(clause.compose)});
 }
 
 void Reader::addOperand(std::optional<Operand> operand)

@@ -170,6 +170,7 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
         {"a OR #foo b", 5, 4, P::UnknownToken, "a OR b"},
         {"\"\" a", 0, 2, P::EmptyQuotes, "a"},
         {"a \"b c", 2, 4, P::UnclosedQuote, "a \"b c\""},
+        {"a \"", 2, 1, P::UnclosedQuote, "a"},
         {"#tag \"b c", 5, 4, P::UnclosedQuote, "#tag \"b c\""},
     };
     for (const Mistake &each : mistakes) {
@@ -266,6 +267,7 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"a \"b", "#c red", "a \"b\" #c red"},
         {"a (b OR c", "#c red", "a (b OR c) #c red"},
         {"a NOT", "#c red", "(a NOT) #c red"},
+        {"a OR b) c", "#c red", "(a OR b() c) #c red"},
         {"#tag", "x", "(#tag) x"},
         {"-#c red", "#c red", "-#c red #c red"},
         {"logo #color Red", "#c red", "logo"},
