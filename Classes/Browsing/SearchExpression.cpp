@@ -14,7 +14,6 @@ using Kind = SearchLexeme::Kind;
 
 // Less than a predicate takes, since who searches puts it beside other conditions.
 constexpr int deepestTree = zqMaximumPredicateDepth - 10;
-constexpr int mostBrackets = 150;
 constexpr int highestCost = 2000; // a statement of the store has a length and values at most
 
 // Something that can be joined: a clause, or brackets with several.
@@ -24,7 +23,6 @@ struct Operand
     bool isExcluded = false;
     bool startsAlternative = false; // OR stands before it, otherwise AND
     int depth = 4;                  // levels of the tree, at most; a clause has up to four
-    int brackets = 4;               // in each other, in the predicate's text
 };
 
 // What stands between two brackets.
@@ -41,6 +39,18 @@ struct Level
     int notCount = 0;
 };
 
+QString joined(const QList<Operand> &operands)
+{
+    QString text;
+    for (const Operand &each : operands) {
+        const QString operand = text.isEmpty()           ? QString()
+                                : each.startsAlternative ? QStringLiteral("OR")
+                                                         : QStringLiteral("AND");
+        text += each.compose(operand, each.isExcluded);
+    }
+    return text;
+}
+
 class Reader
 {
 public:
@@ -56,6 +66,7 @@ public:
             readLexeme(lexeme);
         }
         finish();
+        m_result.predicateString = joined(level().operands);
         return std::move(m_result);
     }
 
@@ -88,18 +99,6 @@ private:
     SearchExpression m_result;
     int m_cost = 0;
 };
-
-QString joined(const QList<Operand> &operands)
-{
-    QString text;
-    for (const Operand &each : operands) {
-        const QString operand = text.isEmpty()           ? QString()
-                                : each.startsAlternative ? QStringLiteral("OR")
-                                                         : QStringLiteral("AND");
-        text += each.compose(operand, each.isExcluded);
-    }
-    return text;
-}
 
 SearchPart &Reader::addPart(SearchPart::Kind kind, qsizetype position, qsizetype end, const QString &meaning)
 {
@@ -290,10 +289,9 @@ void Reader::close(const SearchLexeme &lexeme)
     endJoins();
     const qsizetype openPart = level().openPart;
     if (openPart == m_result.parts.size() - 1) {
-        SearchPart &brackets = m_result.parts.last();
-        brackets.length = lexeme.end() - brackets.position;
-        brackets.text = typed(brackets.position, lexeme.end());
-        becomeProblem(openPart, SearchProblem::EmptyBrackets, zqLocalized("There is nothing between the brackets."));
+        const qsizetype position = m_result.parts.takeLast().position;
+        addProblem(SearchProblem::EmptyBrackets, position, lexeme.end(),
+                   zqLocalized("There is nothing between the brackets."));
     } else {
         addPart(SearchPart::Kind::Bracket, lexeme.position, lexeme.end(), zqLocalized("Searched as one"));
     }
@@ -310,22 +308,20 @@ void Reader::closeLevel()
     }
     Operand operand = closed.operands.size() == 1 ? closed.operands.first() : grouped(closed);
     operand.isExcluded = operand.isExcluded != closed.isExcluded;
-    if (operand.depth <= deepestTree && operand.brackets <= mostBrackets) {
-        return addOperand(std::move(operand));
+    const bool isTooDeep = operand.depth > deepestTree;
+    if (isTooDeep) {
+        becomeProblem(closed.openPart, SearchProblem::TooDeep,
+                      zqLocalized("Too many brackets stand in these; what they hold is left out."));
     }
-    becomeProblem(closed.openPart, SearchProblem::TooDeep,
-                  zqLocalized("Too many brackets stand in these; what they hold is left out."));
-    addOperand(std::nullopt);
+    addOperand(isTooDeep ? std::nullopt : std::optional(std::move(operand)));
 }
 
 Operand Reader::grouped(const Level &level) const
 {
     Operand group;
     group.depth = 3; // what is left out of alternatives of all of them
-    group.brackets = 2;
     for (const Operand &each : level.operands) {
         group.depth = std::max(group.depth, each.depth + 3);
-        group.brackets = std::max(group.brackets, each.brackets + 2);
     }
     group.compose = [text = joined(level.operands)](const QString &operand, bool exclude) {
         return SearchQueries::composeQueryStringWithQuery(text, operand, exclude);
@@ -339,9 +335,11 @@ void Reader::finish()
     const bool waits = level().joinPart >= 0 || level().notCount > 0 || last == SearchProblem::NoArgument ||
                        last == SearchProblem::NoComparison;
     m_result.needsBrackets = m_result.needsBrackets || (waits && m_levels.size() == 1);
+    if (!m_result.isCut) {
+        m_result.closing += QString(qsizetype(m_levels.size()) - 1, u')');
+    }
     while (m_levels.size() > 1) {
         endJoins();
-        m_result.closing += m_result.isCut ? QString() : QStringLiteral(")");
         const qsizetype openPart = level().openPart;
         closeLevel();
         if (!m_result.isCut && m_result.parts.at(openPart).problem == SearchProblem::None) {
@@ -349,7 +347,6 @@ void Reader::finish()
         }
     }
     endJoins();
-    m_result.predicateString = joined(level().operands);
 }
 
 // Half a character is none, and the store would keep another.
