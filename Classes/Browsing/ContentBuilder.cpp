@@ -78,14 +78,15 @@ void ContentBuilder::addSearch(QList<Section> &sections) const
 {
     const QList<Section> whole = sections;
     for (const ZQListRows rows : {ZQListRows::LibraryItems, ZQListRows::Memberships}) {
-        ZQPredicate predicate;
+        std::optional<ZQPredicate> predicate; // once for all sections, since it may have to look at all of them
         for (Section &section : sections) {
-            if (zqListRowsOfEntity(section.request.entityName) == rows) {
-                predicate = predicate.isNull()
-                                ? SearchManager::predicateForSearchString(m_query.filter, searchContext(rows, whole))
-                                : predicate;
-                section.request.predicate = ZQPredicate::andPredicate({section.request.predicate, predicate});
+            if (zqListRowsOfEntity(section.request.entityName) != rows) {
+                continue;
             }
+            if (!predicate) {
+                predicate = SearchManager::predicateForSearchString(m_query.filter, searchContext(rows, whole));
+            }
+            section.request.predicate = ZQPredicate::andPredicate({section.request.predicate, *predicate});
         }
     }
 }

@@ -14,7 +14,6 @@ using Kind = SearchLexeme::Kind;
 
 // Less than a predicate takes, since who searches puts it beside other conditions.
 constexpr int deepestTree = zqMaximumPredicateDepth - 10;
-constexpr int mostBrackets = 150;
 constexpr int highestCost = 2000; // a statement of the store has a length and values at most
 
 // Something that can be joined: a clause, or brackets with several.
@@ -24,7 +23,6 @@ struct Operand
     bool isExcluded = false;
     bool startsAlternative = false; // OR stands before it, otherwise AND
     int depth = 4;                  // levels of the tree, at most; a clause has up to four
-    int brackets = 4;               // in each other, in the predicate's text
 };
 
 // What stands between two brackets.
@@ -41,6 +39,18 @@ struct Level
     int notCount = 0;
 };
 
+QString joined(const QList<Operand> &operands)
+{
+    QString text;
+    for (const Operand &each : operands) {
+        const QString operand = text.isEmpty()           ? QString()
+                                : each.startsAlternative ? QStringLiteral("OR")
+                                                         : QStringLiteral("AND");
+        text += each.compose(operand, each.isExcluded);
+    }
+    return text;
+}
+
 class Reader
 {
 public:
@@ -56,6 +66,7 @@ public:
             readLexeme(lexeme);
         }
         finish();
+        m_result.predicateString = joined(level().operands);
         return std::move(m_result);
     }
 
@@ -64,6 +75,8 @@ private:
 
     void readLexeme(const SearchLexeme &lexeme);
     void readClause(const SearchLexeme &lexeme);
+    void addClausePart(const SearchLexeme &lexeme, const SearchClause &clause, qsizetype position);
+    void addUnclosedQuote(const SearchLexeme &lexeme);
     void readJoin(const SearchLexeme &lexeme);
     void readNot(const SearchLexeme &lexeme);
     void open(const SearchLexeme &lexeme);
@@ -86,18 +99,6 @@ private:
     SearchExpression m_result;
     int m_cost = 0;
 };
-
-QString joined(const QList<Operand> &operands)
-{
-    QString text;
-    for (const Operand &each : operands) {
-        const QString operand = text.isEmpty()           ? QString()
-                                : each.startsAlternative ? QStringLiteral("OR")
-                                                         : QStringLiteral("AND");
-        text += each.compose(operand, each.isExcluded);
-    }
-    return text;
-}
 
 SearchPart &Reader::addPart(SearchPart::Kind kind, qsizetype position, qsizetype end, const QString &meaning)
 {
@@ -165,7 +166,13 @@ void Reader::takeNots()
 void Reader::readClause(const SearchLexeme &lexeme)
 {
     SearchClause clause = SearchClause::ofLexeme(lexeme, m_context);
-    const bool isNegated = level().notCount % 2 == 1;
+    const bool isClosed = lexeme.unclosedQuote < 0;
+    m_result.closing = isClosed ? QString() : QStringLiteral("\"");
+    if (clause.problem == SearchProblem::EmptyQuotes && !isClosed) {
+        takeNots();
+        addUnclosedQuote(lexeme);
+        return addOperand(std::nullopt);
+    }
     const qsizetype position = level().notCount > 0 ? level().notPosition : lexeme.position;
     if (clause.problem != SearchProblem::None) {
         addProblem(clause.problem, position, lexeme.end(), clause.meaning);
@@ -177,22 +184,31 @@ void Reader::readClause(const SearchLexeme &lexeme)
         return addProblem(SearchProblem::TooMuch, position, m_text.size(),
                           zqLocalized("This is more than can be searched at once; from here on it is left out."));
     }
+    addClausePart(lexeme, clause, position);
+    addOperand(Operand{.compose = std::move(clause.compose)});
+}
+
+void Reader::addUnclosedQuote(const SearchLexeme &lexeme)
+{
+    addProblem(SearchProblem::UnclosedQuote, lexeme.unclosedQuote, lexeme.end(),
+               zqLocalized("This quote is not closed."));
+}
+
+void Reader::addClausePart(const SearchLexeme &lexeme, const SearchClause &clause, qsizetype position)
+{
     const bool isToken = lexeme.kind == Kind::Token;
     const bool isClosed = lexeme.unclosedQuote < 0;
     if (isClosed || isToken) {
         SearchPart &part = addPart(isToken ? SearchPart::Kind::Token : SearchPart::Kind::Word, position,
                                    isClosed ? lexeme.end() : lexeme.unclosedQuote, clause.meaning);
-        part.isNegated = isNegated;
+        part.isNegated = level().notCount % 2 == 1;
         part.normalized = isClosed ? clause.normalized : QString();
     } else {
         takeNots();
     }
     if (!isClosed) {
-        addProblem(SearchProblem::UnclosedQuote, lexeme.unclosedQuote, lexeme.end(),
-                   zqLocalized("This quote is not closed."));
-        m_result.closing = u'"';
+        addUnclosedQuote(lexeme);
     }
-    addOperand(Operand{.compose = std::move(clause.compose)});
 }
 
 void Reader::addOperand(std::optional<Operand> operand)
@@ -273,10 +289,9 @@ void Reader::close(const SearchLexeme &lexeme)
     endJoins();
     const qsizetype openPart = level().openPart;
     if (openPart == m_result.parts.size() - 1) {
-        SearchPart &brackets = m_result.parts.last();
-        brackets.length = lexeme.end() - brackets.position;
-        brackets.text = typed(brackets.position, lexeme.end());
-        becomeProblem(openPart, SearchProblem::EmptyBrackets, zqLocalized("There is nothing between the brackets."));
+        const qsizetype position = m_result.parts.takeLast().position;
+        addProblem(SearchProblem::EmptyBrackets, position, lexeme.end(),
+                   zqLocalized("There is nothing between the brackets."));
     } else {
         addPart(SearchPart::Kind::Bracket, lexeme.position, lexeme.end(), zqLocalized("Searched as one"));
     }
@@ -293,22 +308,20 @@ void Reader::closeLevel()
     }
     Operand operand = closed.operands.size() == 1 ? closed.operands.first() : grouped(closed);
     operand.isExcluded = operand.isExcluded != closed.isExcluded;
-    if (operand.depth <= deepestTree && operand.brackets <= mostBrackets) {
-        return addOperand(std::move(operand));
+    const bool isTooDeep = operand.depth > deepestTree;
+    if (isTooDeep) {
+        becomeProblem(closed.openPart, SearchProblem::TooDeep,
+                      zqLocalized("Too many brackets stand in these; what they hold is left out."));
     }
-    becomeProblem(closed.openPart, SearchProblem::TooDeep,
-                  zqLocalized("Too many brackets stand in these; what they hold is left out."));
-    addOperand(std::nullopt);
+    addOperand(isTooDeep ? std::nullopt : std::optional(std::move(operand)));
 }
 
 Operand Reader::grouped(const Level &level) const
 {
     Operand group;
     group.depth = 3; // what is left out of alternatives of all of them
-    group.brackets = 2;
     for (const Operand &each : level.operands) {
         group.depth = std::max(group.depth, each.depth + 3);
-        group.brackets = std::max(group.brackets, each.brackets + 2);
     }
     group.compose = [text = joined(level.operands)](const QString &operand, bool exclude) {
         return SearchQueries::composeQueryStringWithQuery(text, operand, exclude);
@@ -322,9 +335,11 @@ void Reader::finish()
     const bool waits = level().joinPart >= 0 || level().notCount > 0 || last == SearchProblem::NoArgument ||
                        last == SearchProblem::NoComparison;
     m_result.needsBrackets = m_result.needsBrackets || (waits && m_levels.size() == 1);
+    if (!m_result.isCut) {
+        m_result.closing += QString(qsizetype(m_levels.size()) - 1, u')');
+    }
     while (m_levels.size() > 1) {
         endJoins();
-        m_result.closing += m_result.isCut ? QString() : QStringLiteral(")");
         const qsizetype openPart = level().openPart;
         closeLevel();
         if (!m_result.isCut && m_result.parts.at(openPart).problem == SearchProblem::None) {
@@ -332,7 +347,6 @@ void Reader::finish()
         }
     }
     endJoins();
-    m_result.predicateString = joined(level().operands);
 }
 
 // Half a character is none, and the store would keep another.

@@ -119,6 +119,12 @@ QString SearchManager::toggled(const QString &searchText, const QString &tokenTe
         return text;
     }
     const SearchExpression before = read(searchText);
+    const Parts problems = before.needsBrackets ? before.problems() : Parts();
+    for (auto problem = problems.rbegin(); problem != problems.rend(); ++problem) {
+        if (problem->problem == SearchProblem::ClosedBracket) { // would close the brackets around all
+            text.insert(problem->position, u'(');
+        }
+    }
     text += before.closing;
     if (before.needsBrackets) {
         text = u'(' + text.trimmed() + u')';

@@ -85,14 +85,14 @@ QString SearchQueries::methodForWithOrHeight(const QString &token)
 
 QString SearchQueries::queryForField(SearchField field, const QString &argument, ZQListRows rows)
 {
-    const auto clause = std::find_if(std::begin(clauses), std::end(clauses),
-                                     [field](const Clause &each) { return each.field == field; });
-    if (clause == std::end(clauses)) {
-        return {};
-    }
-    const QString format = QLatin1StringView(clause->format);
     const QString prefix = zqItemKeyPath(rows, QString());
-    return format.contains(u"%2") ? format.arg(prefix, safeSearchString(argument)) : format.arg(prefix);
+    for (const Clause &clause : clauses) {
+        if (clause.field == field) {
+            const QString format = QLatin1StringView(clause.format);
+            return format.contains(u"%2") ? format.arg(prefix, safeSearchString(argument)) : format.arg(prefix);
+        }
+    }
+    return {};
 }
 
 QString SearchQueries::numberQuery(const QString &field, const QString &method, qint64 value)

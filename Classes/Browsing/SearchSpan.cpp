@@ -59,10 +59,7 @@ std::optional<SearchSpan> SearchSpan::forText(const QString &text, const QDate &
         }
         return span;
     }
-    const auto match = yearFirst.match(text);
-    if (!match.hasMatch()) {
-        return std::nullopt;
-    }
+    const auto match = yearFirst.match(text); // of no date the year is 0, which there is none of
     const bool hasMonth = match.hasCaptured(2);
     const bool hasDay = match.hasCaptured(3);
     const QDate first(match.captured(1).toInt(), hasMonth ? match.captured(2).toInt() : 1,

@@ -98,7 +98,7 @@ QString SearchTokenizer::quotedText(SearchLexeme &lexeme)
 {
     const qsizetype start = m_position + 1;
     const qsizetype close = m_text.indexOf(u'"', start);
-    if (close < 0) {
+    if (close == -1) {
         lexeme.unclosedQuote = m_position;
         m_position = m_text.size();
         return m_text.mid(start).toString();

@@ -18,15 +18,12 @@ const QString none = QStringLiteral("none");
 
 SizeClasses::Limits SizeClasses::Limits::current()
 {
-    Limits limits;
-    const auto take = [](const char *key, qint64 &limit) {
+    const auto limit = [](const char *key, qint64 usual) {
         const qint64 set = ZQUserDefaults::standardUserDefaults().integerForKey(QLatin1StringView(key));
-        limit = set > 0 ? set : limit;
+        return set > 0 ? set : usual;
     };
-    take("IconTagSize", limits.icon);
-    take("SmallTagSize", limits.small);
-    take("MediumTagSize", limits.medium);
-    return limits;
+    const Limits usual;
+    return {limit("IconTagSize", usual.icon), limit("SmallTagSize", usual.small), limit("MediumTagSize", usual.medium)};
 }
 
 const QStringList &SizeClasses::keys()

@@ -36,15 +36,14 @@ QMap<QString, qint64> StoreSearch::hashCounts(const QList<ZQFetchRequest> &reque
     constexpr qsizetype batchSize = 500;
     QMap<QString, qint64> counts;
     if (requests.size() == 1 && zqListRowsOfEntity(requests.first().entityName) == ZQListRows::LibraryItems) {
-        ZQFetchRequest request = requests.first();
-        request.sortDescriptors.clear();
-        addCounts(request, context, counts);
+        addCounts({.entityName = requests.first().entityName, .predicate = requests.first().predicate}, context,
+                  counts);
         return counts;
     }
     ZQIDList items;
-    for (ZQFetchRequest request : requests) {
-        request.sortDescriptors.clear();
-        const auto rows = ContentFetcher::rows(request, context, nullptr);
+    for (const ZQFetchRequest &request : requests) {
+        const auto rows =
+            ContentFetcher::rows({.entityName = request.entityName, .predicate = request.predicate}, context, nullptr);
         for (const ZQObjectID &item : rows ? rows->related : QList<ZQObjectID>()) {
             items.add(item);
         }

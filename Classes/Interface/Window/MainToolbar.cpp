@@ -28,8 +28,8 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     connect(m_infoButton, &QToolButton::clicked, this, &MainToolbar::infoPanelRequested);
     m_search = new QLineEdit(this);
     m_search->setObjectName(QStringLiteral("Search"));
-    m_search->setPlaceholderText(zqLocalized("Search titles"));
-    m_search->setAccessibleName(zqLocalized("Search titles"));
+    m_search->setPlaceholderText(zqLocalized("Search or #token"));
+    m_search->setAccessibleName(zqLocalized("Search"));
     m_search->addAction(ZQIcon::icon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->setFixedSize(320, 30);
     m_search->setClearButtonEnabled(false);

@@ -115,6 +115,10 @@ TEST_F(ContentBuilderTest, WhatCannotBeReadIsAnErrorAndWhatIsGivenUpIsNothing)
         };
         rename(table, "away");
         EXPECT_EQ(content(query), "error") << table;
+        ZQError error;
+        const bool isExplained = ContentBuilder(query, context).predicateString(&error).has_value();
+        EXPECT_EQ(isExplained, error.isNull()) << table;
+        EXPECT_EQ(isExplained, QLatin1StringView(table) == "ZQProjectItem");
         ZQManagedObjectContext fresh(library.coordinator());
         EXPECT_FALSE(ContentBuilder(query, fresh).rowsWithTitleBeginning(QStringLiteral("a"), [] { return true; }));
         rename("away", table);

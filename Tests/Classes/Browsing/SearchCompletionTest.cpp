@@ -56,6 +56,8 @@ TEST(SearchCompletionTest, OptionsFitWhatIsTypedBeforeTheCursor)
     EXPECT_EQ(options("#d |"), "") << "first comes what to compare by";
     EXPECT_EQ(options("#d=2|"), "2026-03 2026");
     EXPECT_EQ(options("#r>|"), "5 4 3 2 1 0");
+    EXPECT_EQ(options("#kind |"), "image font brush document video");
+    EXPECT_EQ(options("#c |"), "white black gray red orange yellow green blue purple pink none");
     const SearchCompletions tag = at(QStringLiteral("a #tag \"summer 2|"));
     ASSERT_TRUE(tag.token);
     EXPECT_EQ(tag.token->field, SearchField::Tag);

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace {
 
 const QDate today(2026, 3, 14);
@@ -101,6 +103,8 @@ TEST(SearchExpressionTest, EachTokenHasItsClauseForMembershipsAndForItems)
                       "contains[cd] \"x\" )"},
         {"#r>3", "item.rating > 3"},
         {"#c blue", "item.mainColor == 1007"},
+        {"#c grey", "item.mainColor == 1002"},
+        {"#c 1009", "item.mainColor == 1009"},
         {"#size large", "item.pixelWidth >= 512 OR item.pixelHeight >= 512"},
         {"#size none", "(item.pixelWidth <= 0 OR item.pixelHeight <= 0) && NOT (item.extension IN {\"ai\", "
                        "\"sketch\", \"svg\"})"},
@@ -114,6 +118,8 @@ TEST(SearchExpressionTest, EachTokenHasItsClauseForMembershipsAndForItems)
         {"#d=2026", whole(QDate(2026, 1, 1), QDate(2026, 12, 31))},
         {"#d=yesterday", whole(QDate(2026, 3, 13), QDate(2026, 3, 13))},
         {"#d=7D", whole(QDate(2026, 3, 7), today)},
+        {"#d=36500d", whole(today.addDays(-36500), today)},
+        {"#d=1d", whole(today.addDays(-1), today)},
         {"#di<01/01/2013", "item.import_date < " + cast(QDate(2013, 1, 1).startOfDay())},
         {"#dc<1/1/2013", "item.creation_date < " + cast(QDate(2013, 1, 1).startOfDay())},
         {"#title \"a b\"", "item.title contains[cd] \"a b\""},
@@ -139,7 +145,10 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
     using P = SearchProblem;
     static constexpr Mistake mistakes[] = {
         {"a #d=31/02/2026 b", 2, 13, P::BadDate, "a b"},
-        {"#d=99999d", 0, 9, P::BadDate, ""},
+        {"#d=36501d", 0, 9, P::BadDate, ""},
+        {"#d=0d", 0, 5, P::BadDate, ""},
+        {"#d=2026-3", 0, 9, P::BadDate, ""},
+        {"#d=9999999999", 0, 13, P::BadDate, ""},
         {"#d=0000", 0, 7, P::BadDate, ""},
         {"#w>wide a", 0, 7, P::BadNumber, "a"},
         {"#w>99999999999999999999", 0, 23, P::BadNumber, ""},
@@ -170,6 +179,7 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
         {"a OR #foo b", 5, 4, P::UnknownToken, "a OR b"},
         {"\"\" a", 0, 2, P::EmptyQuotes, "a"},
         {"a \"b c", 2, 4, P::UnclosedQuote, "a \"b c\""},
+        {"a \"", 2, 1, P::UnclosedQuote, "a"},
         {"#tag \"b c", 5, 4, P::UnclosedQuote, "#tag \"b c\""},
     };
     for (const Mistake &each : mistakes) {
@@ -180,10 +190,13 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
         EXPECT_EQ(problems.first().length, each.length) << each.text;
         EXPECT_EQ(problems.first().problem, each.problem) << each.text;
         EXPECT_GT(problems.first().meaning.size(), 10) << each.text;
+        EXPECT_EQ(problems.first().text, QString::fromLatin1(each.text).mid(each.position, each.length)) << each.text;
         EXPECT_EQ(read.predicateString.toStdString(), query(QLatin1StringView(each.rest))) << each.text;
     }
-    const auto all = SearchExpression::read(QStringLiteral(") #foo a #d=x ("), {}).problems();
-    EXPECT_EQ(all.size(), 4);
+    const auto all = SearchExpression::read(QStringLiteral(") #foo #c mauve #size huge ("), {}).problems();
+    ASSERT_EQ(all.size(), 5);
+    EXPECT_TRUE(all.at(2).meaning.contains(QStringLiteral("white")) && all.at(2).meaning.contains("pink"));
+    EXPECT_TRUE(all.at(3).meaning.contains(QStringLiteral("none")) && all.at(3).meaning.contains("vector"));
 }
 
 TEST(SearchExpressionTest, PartsSayWhatIsUnderstood)
@@ -249,6 +262,16 @@ TEST(SearchExpressionTest, HostileTextsEndSoonAndInAConditionThatCanBeRead)
     EXPECT_TRUE(query(QString(5, QChar(0)) + u'a') == query(QStringLiteral("a")));
 }
 
+TEST(SearchManagerTest, WhatIsTooLongToBeAskedFindsNothingRatherThanEverything)
+{
+    SearchContext context;
+    context.hashCounts = [] { return QMap<QString, qint64>{{QString(20'000'000, u'a'), 2}}; };
+    const auto predicate = SearchManager::predicateForSearchString(QStringLiteral("#duplicates"), context);
+    EXPECT_FALSE(predicate.isNull());
+    EXPECT_FALSE(predicate.evaluateWithObject(QVariant(1)));
+    EXPECT_TRUE(SearchManager::predicateForSearchString(QStringLiteral("#foo"), context).isNull());
+}
+
 TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
 {
     struct Case
@@ -266,6 +289,7 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"a \"b", "#c red", "a \"b\" #c red"},
         {"a (b OR c", "#c red", "a (b OR c) #c red"},
         {"a NOT", "#c red", "(a NOT) #c red"},
+        {"a OR b) c", "#c red", "(a OR b() c) #c red"},
         {"#tag", "x", "(#tag) x"},
         {"-#c red", "#c red", "-#c red #c red"},
         {"logo #color Red", "#c red", "logo"},
@@ -277,6 +301,7 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"a -(#c red)", "#c red", "a"},
         {"a OR --(#c red)", "#c red", "a"},
         {"#c red OR (a b)", "#c red", "(a b)"},
+        {"(#c red) a", "#c red", "a"},
         {"#c red -(a b)", "#c red", "-(a b)"},
         {"a ((#c red)) b", "#c red", "a b"},
         {"(a OR #c red) b", "#c red", "(a) b"},
@@ -312,12 +337,19 @@ TEST(SearchManagerTest, AnArgumentThatWasQuotedIsReadAsItWas)
 TEST(SizeClassesTest, LimitsAreThoseOfThePersonOrTheUsualOnes)
 {
     ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    const QString key = QStringLiteral("SmallTagSize");
-    for (const auto &[value, expected] : {std::pair{200, 200}, {0, 128}, {-5, 128}}) {
-        defaults.setObjectForKey(value, key);
-        EXPECT_EQ(SizeClasses::Limits::current().small, expected);
+    const char *const keys[] = {"IconTagSize", "SmallTagSize", "MediumTagSize"};
+    const auto limits = [&](const std::array<int, 3> &set) {
+        for (std::size_t i = 0; i < set.size(); ++i) {
+            defaults.setObjectForKey(set[i], QLatin1StringView(keys[i]));
+        }
+        const auto current = SizeClasses::Limits::current();
+        return std::array<qint64, 3>{current.icon, current.small, current.medium};
+    };
+    EXPECT_EQ(limits({50, 200, 700}), (std::array<qint64, 3>{50, 200, 700}));
+    EXPECT_EQ(limits({0, -5, 1}), (std::array<qint64, 3>{32, 128, 1}));
+    for (const char *key : keys) {
+        defaults.removeObjectForKey(QLatin1StringView(key));
     }
-    defaults.removeObjectForKey(key);
     EXPECT_EQ(SizeClasses::titleForKey(QStringLiteral("vector")), QStringLiteral("Vector"));
     const auto isIn = [](const char *size, int width, int height) {
         return SizeClasses::predicateForKey(QLatin1StringView(size), ZQListRows::LibraryItems, {})
@@ -340,5 +372,6 @@ TEST(KindNamesTest, AKindIsFoundByItsNameAndByWhatItIs)
         return KindNames::extensionsOfKind(QLatin1StringView(kind)).contains(QLatin1StringView(extension));
     };
     EXPECT_TRUE(has("jpeg", "jpg") && has("Photoshop", "psd") && has("FONT", "otf") && has("font", "ttf"));
+    EXPECT_TRUE(has("sketch doc", "sketch") && has("brush", "abr") && !has("brush", "png"));
     EXPECT_TRUE(has("image", "svg") && has("pdf", "pdf") && has("zzz", "zzz") && !has("png", "jpg"));
 }

@@ -29,7 +29,7 @@ protected:
             {"Logo brand", "png", 1200, 800, 5, 1007, "2012-12-25T12:00:00", "final artwork", "Draft", "aa"},
             {"Café", "jpg", 900, 1000, 3, 1003, "2012-12-24T23:59:59.999", "", "summer 2026", "bb"},
             {"seal", "svg", 0, 0, 0, 1001, "2012-12-26T00:00:00", "back\\slash", "logo kit", "aa"},
-            {"dot", "gif", 32, 32, 1, 0, "2026-03-01T00:00:00", "50%@", "", "0"},
+            {"dot", "gif", 32, 32, 1, 7, "2026-03-01T00:00:00", "50%@", "", "0"},
             {"Photo (1)", "JPG", 512, 300, 0, 1003, "2026-03-31T23:59:59.999", "logo", "small", "0"},
             {"wide", "psd", 1001, 20, 4, 1000, "2025-12-31T23:59:59.999", "", "", "cc"},
         };
@@ -41,6 +41,7 @@ protected:
                 project->addItem(item.get());
             }
         }
+        items[3]->setWatchingFolder(zqCast<ZQSidebarWatchedFolder>(outer).get());
         items[5]->setManaged(false);
         items[5]->setWatchingFolder(zqCast<ZQSidebarWatchedFolder>(inner).get());
         library.context().save();

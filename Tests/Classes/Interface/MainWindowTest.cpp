@@ -55,7 +55,7 @@ TEST_F(MainWindowTest, EveryControlIsReachedByKeyAndHasItsSize)
                                 {"New Project (Ctrl+N)", {30, 28}},
                                 {"Import… (Ctrl+I)", {30, 28}},
                                 {"Info Panel (Ctrl+Shift+I)", {30, 28}},
-                                {"Search titles", {320, 30}},
+                                {"Search", {320, 30}},
                                 {"Ascending", {26, 26}},
                                 {"Thumbnail size", {130, 0}}}) {
         QWidget *widget = nullptr;
