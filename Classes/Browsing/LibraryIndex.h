@@ -53,8 +53,6 @@ struct IndexSizes
     static IndexSizes fromDefaults();
 };
 
-class LibraryColumns;
-
 // What is searched, sorted and grouped of all items of a library, as columns in memory: under 300 bytes an item.
 //
 // Built by one pass over the store on threads of its own, and kept by reading again, on its own thread, the rows that
@@ -63,8 +61,7 @@ class LibraryColumns;
 //
 // Read in place under a shared lock, not as snapshots: a snapshot for each save would copy columns of a hundred
 // megabytes for one changed item, while what a save changes here is written in a few milliseconds. Readers do not wait
-// for each other. Numbers of rows stay those of their items as long as `epoch` is the same; those of deleted items
-// answer no identifier.
+// for each other. Numbers of rows are good within one `Reading`; across changes, only identifiers are.
 //
 // All functions may be called from any thread, except where said.
 class LibraryIndex : public QObject
@@ -98,11 +95,10 @@ public:
         Reading(const Reading &) = delete;
         Reading &operator=(const Reading &) = delete;
 
-        quint64 epoch() const;
         quint64 generation() const;
-        size_t rowCount() const;        // numbers of rows are below this
-        const ZQRowSet &items() const;  // rows that name an item, active or not
-        const ZQRowSet &active() const; // those whose item is not deleted
+        size_t rowCount() const;       // numbers of rows are below this
+        const ZQRowSet &items() const; // rows that name an item, active or not
+        ZQRowSet active() const;       // those whose item is not deleted
 
         // A null identifier for a row of no item; nothing for an item that is not in the index.
         ZQObjectID itemID(quint32 row) const;

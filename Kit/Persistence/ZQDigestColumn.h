@@ -21,6 +21,7 @@ public:
     void append(std::optional<std::string_view> text);
     void set(size_t row, std::optional<std::string_view> text);
     void appendAll(const ZQDigests &other);
+    void reserve(size_t rows) { m_digests.reserve(rows); }
     void shrink() { m_digests.shrink_to_fit(); }
 
     bool isNull(size_t row) const { return m_nulls.contains(row); }
