@@ -32,7 +32,6 @@ struct LibraryIndex::Private
     quint64 announced ZQ_GUARDED_BY(lock) = 1; // the first is the whole library
     quint64 tried ZQ_GUARDED_BY(lock) = 0;
     quint64 current ZQ_GUARDED_BY(lock) = 0; // so many are in
-    bool hasFailed ZQ_GUARDED_BY(lock) = false;
     bool isStopping ZQ_GUARDED_BY(lock) = false;
 
     std::shared_ptr<ZQCancellation> cancellation = std::make_shared<ZQCancellation>();
@@ -49,8 +48,12 @@ struct LibraryIndex::Private
     static void tell(LibraryIndex *owner, Signal signal)
     {
         QMetaObject::invokeMethod(
-            owner, [owner, signal] { Q_EMIT(owner->*signal)
-                                     (); }, Qt::QueuedConnection);
+            owner,
+            [owner, signal] {
+                Q_EMIT(owner->*signal)
+                ();
+            },
+            Qt::QueuedConnection);
     }
 };
 
@@ -118,7 +121,7 @@ bool LibraryIndex::waitUntilCurrent()
 {
     const ZQLockGuard guard(d->lock);
     const quint64 wanted = d->announced;
-    while (d->current < wanted && !d->hasFailed && !d->isStopping) {
+    while (d->tried < wanted && !d->isStopping) {
         d->taken.wait(d->lock);
     }
     return d->current >= wanted;
@@ -152,7 +155,6 @@ void LibraryIndex::Private::did(quint64 number, bool isDone)
 {
     const ZQLockGuard guard(lock);
     tried = number; // what failed is tried again with what is announced next
-    hasFailed = !isDone;
     current = isDone ? number : current;
     taken.notifyAll();
 }
