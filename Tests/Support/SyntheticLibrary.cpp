@@ -1,7 +1,6 @@
 #include "Tests/Support/SyntheticLibrary.h"
 
 #include "Kit/Persistence/ZQContextPrivate.h"
-#include "Kit/Persistence/ZQStoreIndexes.h"
 #include "Models/DataModel/ZQLibraryEPS.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQLibraryPDF.h"
@@ -69,16 +68,36 @@ public:
             return false;
         }
         addSidebar();
+        if (!save(error)) {
+            return false;
+        }
         for (qint64 number = 0; number < m_library.items; ++number) {
             addItem(number);
-            if ((number + 1) % itemsOfSave == 0 && !m_context.save(error)) {
+            if ((number + 1) % itemsOfSave == 0 && !save(error)) {
                 return false;
             }
         }
-        return m_context.save(error);
+        return save(error);
     }
 
 private:
+    bool save(ZQError *error)
+    {
+        const bool isSaved = m_context.save(error);
+        // What they lead to is not needed, and would be looked through again and again.
+        for (const auto *tags : {&m_tags, &m_colors, &m_sizes}) {
+            for (const auto &tag : *tags) {
+                m_context.refreshObject(tag.get(), false);
+            }
+        }
+        for (const auto &project : std::as_const(m_projects)) {
+            m_context.refreshObject(project.get(), false);
+        }
+        for (const auto &folder : std::as_const(m_folders)) {
+            m_context.refreshObject(folder.get(), false);
+        }
+        return isSaved;
+    }
     int upTo(int count) { return int(m_random() % unsigned(count)); }
     bool happens(int percent) { return upTo(100) < percent; }
     // Small numbers much more often than large ones.
@@ -263,16 +282,8 @@ bool SyntheticLibrary::make(const QString &path) const
     ZQManagedObjectContext context(coordinator);
     ZQSQLiteConnection *connection = ZQObjectAccess::connection(context);
     // A library that is lost with the power is made again.
-    bool isDone =
-        connection && connection->execute(QStringLiteral("PRAGMA synchronous=OFF; PRAGMA cache_size=-262144"));
-    for (const ZQStoreIndex &index : zqIndexesOfModel(context.model())) { // random keys are put in order at the end
-        isDone = isDone && connection->execute(QStringLiteral("DROP INDEX ") + zqQuoted(index.name));
-    }
-    if (!isDone) {
+    if (!connection || !connection->execute(QStringLiteral("PRAGMA synchronous=OFF; PRAGMA cache_size=-262144"))) {
         return report(connection ? connection->error() : error);
     }
-    if (!Maker(*this, context).make(&error)) {
-        return report(error);
-    }
-    return zqUpdateIndexes(*connection, context.model()) || report(connection->error());
+    return Maker(*this, context).make(&error) || report(error);
 }
