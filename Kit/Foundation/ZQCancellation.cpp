@@ -4,21 +4,26 @@
 
 namespace {
 
-thread_local std::shared_ptr<const ZQCancellation> current;
+thread_local std::shared_ptr<const ZQCancellation> currentOne;
 
 } // namespace
 
 ZQCancellation::Scope::Scope(std::shared_ptr<const ZQCancellation> cancellation)
-    : m_previous(std::exchange(current, std::move(cancellation)))
+    : m_previous(std::exchange(currentOne, std::move(cancellation)))
 {
 }
 
 ZQCancellation::Scope::~Scope()
 {
-    current = std::move(m_previous);
+    currentOne = std::move(m_previous);
 }
 
 bool ZQCancellation::isCurrentCancelled()
 {
-    return current && current->isCancelled();
+    return currentOne && currentOne->isCancelled();
+}
+
+std::shared_ptr<const ZQCancellation> ZQCancellation::current()
+{
+    return currentOne;
 }

@@ -25,6 +25,8 @@ public:
         std::shared_ptr<const ZQCancellation> m_previous;
     };
     static bool isCurrentCancelled();
+    // The thread's own, for another thread that works for it; null for none.
+    static std::shared_ptr<const ZQCancellation> current();
 
 private:
     std::atomic_bool m_isCancelled = false;

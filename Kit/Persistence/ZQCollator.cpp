@@ -46,6 +46,25 @@ int ZQCollator::compareUTF8(std::string_view a, std::string_view b) const
                             b.empty() ? "" : b.data(), static_cast<int32_t>(b.size()), &status);
 }
 
+void ZQCollator::appendSortKey(const QString &text, std::string &to) const
+{
+    if (!m_collator) {
+        to += text.toStdString();
+        return;
+    }
+    const auto *units = reinterpret_cast<const UChar *>(text.utf16());
+    const auto length = static_cast<int32_t>(text.size());
+    uint8_t key[512];
+    const int32_t size = ucol_getSortKey(m_collator.get(), units, length, key, sizeof key);
+    const size_t before = to.size();
+    if (size <= int32_t(sizeof key)) {
+        to.append(reinterpret_cast<const char *>(key), size_t(size));
+        return;
+    }
+    to.resize(before + size_t(size));
+    ucol_getSortKey(m_collator.get(), units, length, reinterpret_cast<uint8_t *>(to.data() + before), size);
+}
+
 const ZQCollator &ZQCollator::forThisThread()
 {
     thread_local const ZQCollator collator;

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 struct UCollator;
@@ -15,6 +16,8 @@ public:
     ZQCollator();
     int compare(const QString &a, const QString &b) const;
     int compareUTF8(std::string_view a, std::string_view b) const;
+    // Appends bytes whose order is that of the texts.
+    void appendSortKey(const QString &text, std::string &to) const;
 
     static const ZQCollator &forThisThread();
 

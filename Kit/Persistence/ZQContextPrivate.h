@@ -38,5 +38,6 @@ class ZQObjectAccess
 {
 public:
     static ZQSQLiteConnection *connection(ZQManagedObjectContext &context) { return context.d->store.connection(); }
+    static ZQManagedObjectContext::Private &parts(ZQManagedObjectContext &context) { return *context.d; }
     static qsizetype heldObjects(const ZQManagedObjectContext &context);
 };

@@ -1,11 +1,8 @@
 #include "Kit/Persistence/ZQManagedObject.h"
 #include "Kit/Persistence/ZQPredicate.h"
-#include "Kit/Persistence/ZQPredicateNode.h"
+#include "Kit/Persistence/ZQPredicateComparing.h"
 
 #include <algorithm>
-
-using Op = ZQComparisonOperator;
-using Modifier = ZQComparisonModifier;
 
 namespace {
 
@@ -13,6 +10,10 @@ struct Subject
 {
     const ZQManagedObject *object = nullptr; // when null, `value` is the subject
     const QVariant *value = nullptr;
+
+    template <class Visit>
+    bool visit(const QStringList &keys, const Visit &visit) const;
+    ZQScalar count(const QStringList &keys) const;
 };
 
 // Whether following `keys` from `index` on, from any object of `entity`, can lead to many values.
@@ -85,13 +86,13 @@ bool visitObject(const ZQManagedObject &object, const QStringList &keys, qsizety
 }
 
 template <class Visit>
-bool visitKeyPath(const Subject &subject, const QStringList &keys, const Visit &visit)
+bool Subject::visit(const QStringList &keys, const Visit &visit) const
 {
-    if (subject.object) {
-        return visitObject(*subject.object, keys, 0, false, visit);
+    if (object) {
+        return visitObject(*object, keys, 0, false, visit);
     }
-    return visitVariant(*subject.value, keys, 0, false, [&visit](const QVariant &value, bool isElement) {
-        return visit(zqScalarFromVariant(value), isElement);
+    return visitVariant(*value, keys, 0, false, [&visit](const QVariant &each, bool isElement) {
+        return visit(zqScalarFromVariant(each), isElement);
     });
 }
 
@@ -109,94 +110,26 @@ bool endsBeforeToMany(const ZQManagedObject *object, const QStringList &keys)
     return !object;
 }
 
-ZQScalar countOf(const Subject &subject, const QStringList &keys)
+ZQScalar Subject::count(const QStringList &keys) const
 {
-    qint64 count = 0;
-    if (!subject.object) {
-        visitVariant(*subject.value, keys, 0, false, [&count](const QVariant &value, bool) {
+    qint64 number = 0;
+    if (!object) {
+        visitVariant(*value, keys, 0, false, [&number](const QVariant &each, bool) {
             bool isScalar = true; // a map is a thing to count, though not to compare
-            const bool isNull = zqIsNull(zqScalarFromVariant(value, &isScalar)) && isScalar;
-            count += isNull ? 0 : 1;
+            const bool isNull = zqIsNull(zqScalarFromVariant(each, &isScalar)) && isScalar;
+            number += isNull ? 0 : 1;
             return false;
         });
-        return count;
+        return number;
     }
-    if (endsBeforeToMany(subject.object, keys)) {
+    if (endsBeforeToMany(object, keys)) {
         return {};
     }
-    visitObject(*subject.object, keys, 0, false, [&count](const ZQScalar &value, bool) {
-        count += zqIsNull(value) ? 0 : 1;
+    visitObject(*object, keys, 0, false, [&number](const ZQScalar &each, bool) {
+        number += zqIsNull(each) ? 0 : 1;
         return false;
     });
-    return count;
-}
-
-template <class Visit>
-bool visitExpression(const ZQExpression &expression, const ZQScalar &foldedConstant, const ZQComparison &comparison,
-                     const Subject &subject, const Visit &visit)
-{
-    if (expression.kind == ZQExpression::Kind::Constant) {
-        return visit(foldedConstant, false);
-    }
-    if (expression.isCount) {
-        return visit(countOf(subject, expression.keys), false);
-    }
-    if (!comparison.options.any()) {
-        return visitKeyPath(subject, expression.keys, visit);
-    }
-    return visitKeyPath(subject, expression.keys, [&](const ZQScalar &value, bool isElement) {
-        return visit(zqFoldedFor(value, comparison.op, comparison.options), isElement);
-    });
-}
-
-bool isInList(const ZQComparison &comparison, const ZQScalar &left, const Subject &subject)
-{
-    if (comparison.set) {
-        return comparison.set->find(left) != comparison.set->end();
-    }
-    const std::vector<ZQExpression> &elements = comparison.right.elements;
-    return std::any_of(elements.begin(), elements.end(), [&](const ZQExpression &element) {
-        const ZQScalar folded = zqFoldedFor(element.constant, comparison.op, comparison.options);
-        return visitExpression(element, folded, comparison, subject,
-                               [&](const ZQScalar &value, bool) { return left == value; });
-    });
-}
-
-bool isBetween(const ZQComparison &comparison, const ZQScalar &left, const Subject &subject)
-{
-    const auto satisfies = [&](const ZQExpression &bound, Op op) {
-        const ZQScalar folded = zqFoldedFor(bound.constant, comparison.op, comparison.options);
-        return visitExpression(bound, folded, comparison, subject, [&](const ZQScalar &value, bool) {
-            return zqCompareScalars(left, value, op, comparison.options, false);
-        });
-    };
-    return satisfies(comparison.right.elements[0], Op::GreaterOrEqual) &&
-           satisfies(comparison.right.elements[1], Op::LessOrEqual);
-}
-
-bool comparesLeft(const ZQComparison &comparison, const ZQScalar &left, const Subject &subject)
-{
-    if (comparison.op == Op::Between) {
-        return isBetween(comparison, left, subject);
-    }
-    if (comparison.right.kind == ZQExpression::Kind::List) {
-        return isInList(comparison, left, subject);
-    }
-    return visitExpression(comparison.right, comparison.foldedRight, comparison, subject,
-                           [&](const ZQScalar &right, bool isElement) {
-                               return zqCompareScalars(left, right, comparison.op, comparison.options, isElement);
-                           });
-}
-
-bool evaluateComparison(const ZQComparison &comparison, const Subject &subject)
-{
-    // ALL is that no value fails; ANY and NONE look for one that holds.
-    const bool wanted = comparison.modifier != Modifier::All;
-    const bool isFound =
-        visitExpression(comparison.left, comparison.foldedLeft, comparison, subject,
-                        [&](const ZQScalar &left, bool) { return comparesLeft(comparison, left, subject) == wanted; });
-    const bool isAny = comparison.modifier == Modifier::Direct || comparison.modifier == Modifier::Any;
-    return isFound == isAny;
+    return number;
 }
 
 bool evaluate(const ZQPredicateNode &node, const Subject &subject)
@@ -212,7 +145,7 @@ bool evaluate(const ZQPredicateNode &node, const Subject &subject)
     case ZQPredicateNode::Kind::Not:
         return !evaluate(*node.children.front(), subject);
     case ZQPredicateNode::Kind::Comparison:
-        return evaluateComparison(node.comparison, subject);
+        return zqEvaluateComparison(node.comparison, subject);
     }
     return false;
 }

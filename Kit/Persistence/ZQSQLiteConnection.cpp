@@ -242,6 +242,14 @@ QString ZQSQLiteStatement::text(int column) const
     return bytes && size > 0 ? QString::fromUtf8(bytes, size) : QStringLiteral("");
 }
 
+std::string_view ZQSQLiteStatement::utf8(int column) const
+{
+    const auto *bytes = m_statement ? sqlite3_column_text(m_statement, column) : nullptr;
+    return bytes ? std::string_view(reinterpret_cast<const char *>(bytes),
+                                    size_t(sqlite3_column_bytes(m_statement, column)))
+                 : std::string_view();
+}
+
 QByteArray ZQSQLiteStatement::blob(int column) const
 {
     if (isNull(column)) {

@@ -1,0 +1,307 @@
+#include "Classes/Browsing/IndexReader.h"
+
+#include "Kit/Foundation/ZQCancellation.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <thread>
+
+namespace {
+
+const QString tagsKey = QStringLiteral("tags");
+
+const QStringList &membershipProperties()
+{
+    static const QStringList names = {QStringLiteral("item"), QStringLiteral("project"), QStringLiteral("order")};
+    return names;
+}
+
+LibraryColumns::Changes::Membership membershipOf(const ZQRowStream::Row &row)
+{
+    return {row.key, row.number(0), row.number(1), row.isNull(2) ? std::nullopt : std::optional(row.number(2))};
+}
+
+// Finds rows of keys that come nearly in order.
+class Finder
+{
+public:
+    explicit Finder(const IndexKeys &keys) : m_keys(keys) {}
+    std::optional<quint32> rowOf(qint64 key)
+    {
+        for (const size_t row : {m_last, m_last + 1}) {
+            if (row < m_keys.size() && m_keys[row] == key) {
+                m_last = row;
+                return quint32(row);
+            }
+        }
+        const auto row = m_keys.rowOf(key);
+        m_last = row.value_or(quint32(m_last));
+        return row;
+    }
+
+private:
+    const IndexKeys &m_keys;
+    size_t m_last = 0;
+};
+
+// What one of the threads reads: items from one key to before another one, and memberships likewise.
+struct Part
+{
+    ZQRowStream::Keys itemKeys;
+    ZQRowStream::Keys membershipKeys;
+    IndexItems items;
+    std::vector<std::pair<qint64, qint64>> tags; // item, tag
+    std::vector<LibraryColumns::Changes::Membership> memberships;
+    ZQError error;
+    bool isRead = false;
+
+    void read(ZQRowStream &stream)
+    {
+        isRead = stream.rows(
+                     ZQLibraryBaseItem::entityName(), IndexItems::properties(), itemKeys,
+                     [this](const ZQRowStream::Row &row) { items.append(row); }, &error) &&
+                 stream.links(
+                     ZQLibraryBaseItem::entityName(), tagsKey, itemKeys,
+                     [this](qint64 item, qint64 tag) { tags.emplace_back(item, tag); }, &error) &&
+                 stream.rows(
+                     ZQProjectItem::entityName(), membershipProperties(), membershipKeys,
+                     [this](const ZQRowStream::Row &row) { memberships.push_back(membershipOf(row)); }, &error);
+    }
+};
+
+void takeMemberships(LibraryColumns &columns, const std::vector<LibraryColumns::Changes::Membership> &memberships)
+{
+    Finder finder(columns.items.keys);
+    for (const LibraryColumns::Changes::Membership &membership : memberships) {
+        const auto item = finder.rowOf(membership.item);
+        columns.memberships.append(
+            {membership.key, item.value_or(IndexMemberships::none),
+             membership.project ? columns.sidebar.numberFor(membership.project) : IndexSidebar::none,
+             membership.order});
+    }
+}
+
+void takeTags(LibraryColumns &columns, const Part (&parts)[2])
+{
+    IndexTags::Links links;
+    links.reserve(parts[0].tags.size() + parts[1].tags.size());
+    Finder finder(columns.items.keys);
+    for (const Part &part : parts) {
+        for (const auto &[item, tag] : part.tags) {
+            if (const auto row = finder.rowOf(item)) {
+                links.emplace_back(*row, columns.sidebar.numberFor(tag));
+            }
+        }
+    }
+    columns.tags.build(columns.items.size(), columns.sidebar.size(), links);
+}
+
+void join(LibraryColumns &columns, Part (&parts)[2])
+{
+    columns.items = std::move(parts[0].items);
+    columns.items.appendAll(std::move(parts[1].items));
+    columns.items.resolveFolders(columns.sidebar);
+    columns.items.shrink();
+    takeTags(columns, parts);
+    columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
+    takeMemberships(columns, parts[0].memberships);
+    takeMemberships(columns, parts[1].memberships);
+    columns.memberships.link(columns.items.size(), columns.sidebar.size());
+}
+
+// Reads rows of which only some keys are known, and notes those that are not there.
+class Rereading
+{
+public:
+    Rereading(ZQManagedObjectContext &context, const LibraryColumns &columns, ZQError *error)
+        : m_stream(context), m_columns(columns), m_error(error)
+    {
+    }
+    bool read(const IndexReader::Asked &asked)
+    {
+        if (!readMemberships(asked.memberships) || !readItems(asked.items) || !readSidebar(asked.sidebar)) {
+            return false;
+        }
+        // What was saved since may lead to rows that nobody told of yet.
+        return readItems(missingItems()) && readSidebar(missingSidebar());
+    }
+    LibraryColumns::Changes changes;
+
+private:
+    static ZQRowStream::Keys keysOf(const QSet<qint64> &keys) { return {.list = QList<qint64>(keys.values())}; }
+    bool readItems(const QSet<qint64> &keys);
+    bool readSidebar(QSet<qint64> keys);
+    bool readMemberships(const QSet<qint64> &keys);
+    QSet<qint64> missingItems() const;
+    QSet<qint64> missingSidebar() const;
+    bool isMissing(qint64 key) const
+    {
+        const auto number = m_columns.sidebar.numberOf(key);
+        return key && !changes.sidebar.contains(key) && !(number && m_columns.sidebar.exists(*number));
+    }
+
+    ZQRowStream m_stream;
+    const LibraryColumns &m_columns;
+    ZQError *m_error;
+};
+
+bool Rereading::readItems(const QSet<qint64> &keys)
+{
+    if (keys.isEmpty()) {
+        return true;
+    }
+    QSet<qint64> left = keys;
+    const auto take = [&](const ZQRowStream::Row &row) {
+        changes.items.append(row);
+        left.remove(row.key);
+    };
+    const bool isRead =
+        m_stream.rows(ZQLibraryBaseItem::entityName(), IndexItems::properties(), keysOf(keys), take, m_error) &&
+        m_stream.links(
+            ZQLibraryBaseItem::entityName(), tagsKey, keysOf(keys),
+            [this](qint64 item, qint64 tag) { changes.tags[item].push_back(tag); }, m_error);
+    changes.goneItems += left.values();
+    return isRead;
+}
+
+bool Rereading::readSidebar(QSet<qint64> keys)
+{
+    while (!keys.isEmpty()) { // fathers that are not known either
+        for (const qint64 key : std::as_const(keys)) {
+            changes.sidebar.insert(key, std::nullopt);
+        }
+        QSet<qint64> fathers;
+        const auto take = [&](const ZQRowStream::Row &row) {
+            const auto &entry = changes.sidebar.insert(row.key, IndexSidebar::entryOf(row)).value();
+            fathers.insert(entry->father);
+        };
+        if (!m_stream.rows(ZQSidebarBaseItem::entityName(), IndexSidebar::properties(), keysOf(keys), take, m_error)) {
+            return false;
+        }
+        keys.clear();
+        for (const qint64 father : std::as_const(fathers)) {
+            if (isMissing(father)) {
+                keys.insert(father);
+            }
+        }
+    }
+    return true;
+}
+
+bool Rereading::readMemberships(const QSet<qint64> &keys)
+{
+    if (keys.isEmpty()) {
+        return true;
+    }
+    QSet<qint64> left = keys;
+    const auto take = [&](const ZQRowStream::Row &row) {
+        changes.memberships.push_back(membershipOf(row));
+        left.remove(row.key);
+    };
+    const bool isRead = m_stream.rows(ZQProjectItem::entityName(), membershipProperties(), keysOf(keys), take, m_error);
+    changes.goneMemberships = left.values();
+    return isRead;
+}
+
+QSet<qint64> Rereading::missingItems() const
+{
+    QSet<qint64> missing;
+    for (const LibraryColumns::Changes::Membership &membership : changes.memberships) {
+        const auto row = m_columns.items.keys.rowOf(membership.item);
+        const bool isKnown = row && m_columns.items.present.contains(*row);
+        if (membership.item && !isKnown && !changes.items.keys.rowOf(membership.item) &&
+            !changes.goneItems.contains(membership.item)) {
+            missing.insert(membership.item);
+        }
+    }
+    return missing;
+}
+
+QSet<qint64> Rereading::missingSidebar() const
+{
+    QSet<qint64> missing;
+    const auto look = [&](qint64 key) {
+        if (isMissing(key)) {
+            missing.insert(key);
+        }
+    };
+    for (const LibraryColumns::Changes::Membership &membership : changes.memberships) {
+        look(membership.project);
+    }
+    for (const std::vector<qint64> &tags : changes.tags) {
+        std::for_each(tags.begin(), tags.end(), look);
+    }
+    std::for_each(changes.items.folderKeys.begin(), changes.items.folderKeys.end(), look);
+    return missing;
+}
+
+} // namespace
+
+void IndexReader::Asked::add(const ZQContextDidSave &saved)
+{
+    for (const QList<ZQObjectID> *ids : {&saved.inserted, &saved.updated, &saved.deleted}) {
+        for (const ZQObjectID &id : *ids) {
+            if (id.isNull() || id.isTemporary()) {
+                continue;
+            }
+            const QString root = id.rootEntity()->name;
+            if (root == ZQLibraryBaseItem::entityName()) {
+                items.insert(id.key);
+            } else if (root == ZQSidebarBaseItem::entityName()) {
+                sidebar.insert(id.key);
+            } else if (root == ZQProjectItem::entityName()) {
+                memberships.insert(id.key);
+            }
+        }
+    }
+}
+
+std::unique_ptr<LibraryColumns> IndexReader::readAll(const std::shared_ptr<ZQPersistentStoreCoordinator> &coordinator,
+                                                     ZQError *error)
+{
+    auto columns = std::make_unique<LibraryColumns>();
+    columns->itemEntity = coordinator->managedObjectModel()->entity(ZQLibraryBaseItem::entityName());
+    columns->membershipEntity = coordinator->managedObjectModel()->entity(ZQProjectItem::entityName());
+    Part parts[2];
+    {
+        ZQManagedObjectContext context(coordinator);
+        ZQRowStream stream(context);
+        const auto items = stream.highestKey(ZQLibraryBaseItem::entityName(), error);
+        const auto memberships = stream.highestKey(ZQProjectItem::entityName(), error);
+        if (!items || !memberships) {
+            return nullptr;
+        }
+        parts[0].itemKeys.end = parts[1].itemKeys.first = *items / 2;
+        parts[0].membershipKeys.end = parts[1].membershipKeys.first = *memberships / 2;
+        std::thread other([&coordinator, &part = parts[1], cancellation = ZQCancellation::current()] {
+            const ZQCancellation::Scope scope(cancellation);
+            ZQManagedObjectContext own(coordinator);
+            ZQRowStream ownStream(own);
+            part.read(ownStream);
+        });
+        const bool isSidebarRead = stream.rows(
+            ZQSidebarBaseItem::entityName(), IndexSidebar::properties(), {},
+            [&](const ZQRowStream::Row &row) { columns->sidebar.set(row.key, IndexSidebar::entryOf(row)); },
+            &parts[0].error);
+        if (isSidebarRead) {
+            parts[0].read(stream);
+        }
+        other.join();
+    }
+    for (const Part &part : parts) {
+        if (!part.isRead) {
+            zqSetError(error, part.error);
+            return nullptr;
+        }
+    }
+    join(*columns, parts);
+    return columns->titles.build(columns->items.title) ? std::move(columns) : nullptr;
+}
+
+std::optional<LibraryColumns::Changes> IndexReader::read(ZQManagedObjectContext &context, const LibraryColumns &columns,
+                                                         const Asked &asked, ZQError *error)
+{
+    Rereading rereading(context, columns, error);
+    return rereading.read(asked) ? std::optional(std::move(rereading.changes)) : std::nullopt;
+}

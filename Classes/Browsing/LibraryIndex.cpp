@@ -1,0 +1,375 @@
+#include "Classes/Browsing/LibraryIndex.h"
+
+#include "Classes/Browsing/IndexGroups.h"
+#include "Classes/Browsing/IndexReader.h"
+#include "Classes/Browsing/IndexRequests.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQCancellation.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
+#include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/ZQSidebarBaseItem.h"
+
+#include <atomic>
+#include <shared_mutex>
+#include <thread>
+#include <unordered_map>
+
+struct LibraryIndex::Private
+{
+    std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
+
+    // Many readers, and the index's thread, which alone writes and so may read without it.
+    mutable std::shared_mutex columnsLock;
+    std::unique_ptr<LibraryColumns> columns; // null until it is ready
+    std::atomic<quint64> generation = 0;
+    mutable IndexRequests::Orders orders;
+
+    mutable ZQMutex lock;
+    ZQCondition wake;
+    ZQCondition taken;
+    IndexReader::Asked asked ZQ_GUARDED_BY(lock);
+    quint64 announced ZQ_GUARDED_BY(lock) = 1; // the first is the whole library
+    quint64 tried ZQ_GUARDED_BY(lock) = 0;
+    quint64 current ZQ_GUARDED_BY(lock) = 0; // so many are in
+    bool isStopping ZQ_GUARDED_BY(lock) = false;
+
+    std::shared_ptr<ZQCancellation> cancellation = std::make_shared<ZQCancellation>();
+    std::vector<ZQManagedObjectContext::Token> tokens; // of the thread that follows
+    std::thread thread;
+
+    void run(LibraryIndex *owner);
+    bool build(LibraryIndex *owner);
+    bool update(ZQManagedObjectContext &context, const IndexReader::Asked &batch, LibraryIndex *owner);
+    // Waits for something to do; nothing when the index ends.
+    std::optional<IndexReader::Asked> take(quint64 &number);
+    void did(quint64 number, bool isDone);
+    template <class Signal>
+    static void tell(LibraryIndex *owner, Signal signal)
+    {
+        QMetaObject::invokeMethod(
+            owner,
+            [owner, signal] {
+                Q_EMIT(owner->*signal)
+                ();
+            },
+            Qt::QueuedConnection);
+    }
+};
+
+struct LibraryIndex::Reading::State
+{
+    std::shared_ptr<Private> index;
+    std::shared_lock<std::shared_mutex> lock;
+    const LibraryColumns &columns;
+    quint64 generation;
+
+    IndexRequests requests() const { return {columns, index->orders, generation}; }
+};
+
+IndexSizes IndexSizes::fromDefaults()
+{
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    return {qint32(defaults.integerForKey(QStringLiteral("IconTagSize"))),
+            qint32(defaults.integerForKey(QStringLiteral("SmallTagSize"))),
+            qint32(defaults.integerForKey(QStringLiteral("MediumTagSize")))};
+}
+
+LibraryIndex::LibraryIndex(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent)
+    : QObject(parent), d(std::make_shared<Private>())
+{
+    d->coordinator = std::move(coordinator);
+    d->thread = std::thread([this] { d->run(this); });
+}
+
+LibraryIndex::~LibraryIndex()
+{
+    d->tokens.clear();
+    {
+        const ZQLockGuard guard(d->lock);
+        d->isStopping = true;
+    }
+    d->cancellation->cancel();
+    d->wake.notifyAll();
+    d->taken.notifyAll();
+    d->thread.join();
+}
+
+void LibraryIndex::follow(ZQManagedObjectContext &context)
+{
+    d->tokens.push_back(context.observeObjectsDidChange([this](const ZQContextDidSave &change) { take(change); }));
+    d->tokens.push_back(context.observeDidSave([this](const ZQContextDidSave &saved) { take(saved); }));
+}
+
+void LibraryIndex::take(const ZQContextDidSave &saved)
+{
+    const ZQLockGuard guard(d->lock);
+    d->asked.add(saved);
+    if (!d->asked.isEmpty()) {
+        ++d->announced;
+        d->wake.notifyAll();
+    }
+}
+
+bool LibraryIndex::isReady() const
+{
+    const std::shared_lock guard(d->columnsLock);
+    return d->columns != nullptr;
+}
+
+bool LibraryIndex::waitUntilCurrent()
+{
+    const ZQLockGuard guard(d->lock);
+    const quint64 wanted = d->announced;
+    while (d->tried < wanted && !d->isStopping) {
+        d->taken.wait(d->lock);
+    }
+    return d->current >= wanted;
+}
+
+quint64 LibraryIndex::generation() const
+{
+    return d->generation;
+}
+
+size_t LibraryIndex::bytes() const
+{
+    const std::shared_lock guard(d->columnsLock);
+    return d->columns ? d->columns->bytes() : 0;
+}
+
+std::optional<IndexReader::Asked> LibraryIndex::Private::take(quint64 &number)
+{
+    const ZQLockGuard guard(lock);
+    while (!isStopping && tried == announced) {
+        wake.wait(lock);
+    }
+    if (isStopping) {
+        return std::nullopt;
+    }
+    number = announced;
+    return std::exchange(asked, {});
+}
+
+void LibraryIndex::Private::did(quint64 number, bool isDone)
+{
+    const ZQLockGuard guard(lock);
+    tried = number; // what failed is tried again with what is announced next
+    current = isDone ? number : current;
+    taken.notifyAll();
+}
+
+bool LibraryIndex::Private::build(LibraryIndex *owner)
+{
+    ZQError error;
+    auto built = IndexReader::readAll(coordinator, &error);
+    if (!built) {
+        if (!cancellation->isCancelled()) {
+            zqLogFetchError(error);
+        }
+        return false;
+    }
+    {
+        const std::unique_lock guard(columnsLock);
+        columns = std::move(built);
+        ++generation;
+    }
+    tell(owner, &LibraryIndex::ready);
+    return true;
+}
+
+bool LibraryIndex::Private::update(ZQManagedObjectContext &context, const IndexReader::Asked &batch,
+                                   LibraryIndex *owner)
+{
+    ZQError error;
+    auto changes = IndexReader::read(context, *columns, batch, &error);
+    if (!changes) {
+        if (!cancellation->isCancelled()) {
+            zqLogFetchError(error);
+        }
+        return false;
+    }
+    auto titles = columns->titlesAfter(*changes);
+    {
+        const std::unique_lock guard(columnsLock);
+        columns->apply(std::move(*changes), std::move(titles));
+        ++generation;
+    }
+    tell(owner, &LibraryIndex::changed);
+    return true;
+}
+
+void LibraryIndex::Private::run(LibraryIndex *owner)
+{
+    const ZQCancellation::Scope scope(cancellation);
+    std::unique_ptr<ZQManagedObjectContext> context;
+    quint64 number = 0;
+    while (const auto batch = take(number)) {
+        if (!context) {
+            context = std::make_unique<ZQManagedObjectContext>(coordinator);
+        }
+        if (columns && !update(*context, *batch, owner)) {
+            // Nobody will say again what could not be read now: rather no index than one that lacks it.
+            const std::unique_lock guard(columnsLock);
+            columns.reset();
+        }
+        if (!columns) {
+            build(owner); // with all that was announced before it began
+        }
+        did(number, columns != nullptr);
+    }
+}
+
+std::optional<LibraryIndex::Reading> LibraryIndex::read() const
+{
+    std::shared_lock guard(d->columnsLock);
+    if (!d->columns) {
+        return std::nullopt;
+    }
+    return Reading(
+        std::unique_ptr<Reading::State>(new Reading::State{d, std::move(guard), *d->columns, d->generation}));
+}
+
+LibraryIndex::Reading::Reading(std::unique_ptr<State> state) : d(std::move(state)) {}
+LibraryIndex::Reading::Reading(Reading &&other) noexcept = default;
+LibraryIndex::Reading::~Reading() = default;
+
+quint64 LibraryIndex::Reading::generation() const
+{
+    return d->generation;
+}
+
+size_t LibraryIndex::Reading::rowCount() const
+{
+    return d->columns.items.size();
+}
+
+const ZQRowSet &LibraryIndex::Reading::items() const
+{
+    return d->columns.items.present;
+}
+
+ZQRowSet LibraryIndex::Reading::active() const
+{
+    ZQRowSet rows = d->columns.items.present;
+    rows &= d->columns.items.active.rows();
+    return rows;
+}
+
+ZQObjectID LibraryIndex::Reading::itemID(quint32 row) const
+{
+    return d->columns.items.id(row);
+}
+
+ZQObjectID LibraryIndex::Reading::membershipID(quint32 membership) const
+{
+    const IndexMemberships &memberships = d->columns.memberships;
+    return memberships.exists(membership) ? ZQObjectID{d->columns.membershipEntity, memberships.keys()[membership]}
+                                          : ZQObjectID();
+}
+
+std::optional<quint32> LibraryIndex::Reading::rowOfItem(const ZQObjectID &id) const
+{
+    const auto row = id.rootEntity() == d->columns.itemEntity ? d->columns.items.keys.rowOf(id.key) : std::nullopt;
+    return row && d->columns.items.present.contains(*row) ? row : std::nullopt;
+}
+
+std::optional<quint32> LibraryIndex::Reading::membership(const ZQObjectID &id) const
+{
+    const auto found =
+        id.rootEntity() == d->columns.membershipEntity ? d->columns.memberships.keys().rowOf(id.key) : std::nullopt;
+    return found && d->columns.memberships.exists(*found) ? found : std::nullopt;
+}
+
+ZQRelatedIDs LibraryIndex::Reading::ids(const IndexRows &rows) const
+{
+    ZQRelatedIDs result;
+    result.related.reserve(qsizetype(rows.size()));
+    for (const quint32 row : rows.items) {
+        result.related.append(itemID(row));
+    }
+    if (rows.kind == ZQListRows::LibraryItems) {
+        result.ids = result.related;
+        return result;
+    }
+    result.ids.reserve(qsizetype(rows.size()));
+    for (const quint32 membership : rows.memberships) {
+        result.ids.append(membershipID(membership));
+    }
+    return result;
+}
+
+std::optional<IndexRows> LibraryIndex::Reading::rows(const ZQFetchRequest &request) const
+{
+    auto found = d->requests().rows({request}, {});
+    return found ? std::optional(std::move(found->front())) : std::nullopt;
+}
+
+std::optional<std::vector<IndexRows>> LibraryIndex::Reading::rows(const QList<ZQFetchRequest> &requests,
+                                                                  const ZQPredicate &search) const
+{
+    return d->requests().rows(requests, search);
+}
+
+std::optional<ZQRowSet> LibraryIndex::Reading::matching(const ZQPredicate &predicate, ZQListRows prefix,
+                                                        const ZQRowSet &among) const
+{
+    return d->requests().matching(predicate, prefix, among);
+}
+
+std::optional<IndexRows> LibraryIndex::Reading::sorted(IndexRows rows, ZQSortValue value, bool ascending) const
+{
+    const bool hasNoOrder = value == ZQSortValue::Manual && rows.kind == ZQListRows::LibraryItems;
+    const auto descriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(value, ascending, rows.kind);
+    if (hasNoOrder || descriptors.isEmpty()) {
+        return rows;
+    }
+    return d->requests().sorted(std::move(rows), descriptors);
+}
+
+std::optional<IndexRows> LibraryIndex::Reading::sorted(IndexRows rows, const QList<ZQSortDescriptor> &descriptors) const
+{
+    return d->requests().sorted(std::move(rows), descriptors);
+}
+
+std::vector<IndexGroup> LibraryIndex::Reading::grouped(IndexRows &rows, IndexGrouping grouping,
+                                                       const IndexSizes &sizes) const
+{
+    return IndexGroups(d->columns, sizes).group(rows, grouping);
+}
+
+std::vector<IndexCount> LibraryIndex::Reading::counts(IndexFacet facet, const ZQRowSet &rows,
+                                                      const IndexSizes &sizes) const
+{
+    return IndexGroups(d->columns, sizes).counts(facet, rows);
+}
+
+QStringList LibraryIndex::Reading::repeatedDigests(const ZQRowSet &rows) const
+{
+    const ZQDigests &digests = d->columns.items.digests;
+    std::vector<quint32> having;
+    rows.forEach([&](size_t row) {
+        if (!digests.isNull(row)) {
+            having.push_back(quint32(row));
+        }
+    });
+    std::sort(having.begin(), having.end(), [&](quint32 a, quint32 b) { return digests.compare(a, b) < 0; });
+    QStringList repeated;
+    for (size_t i = 1; i < having.size(); ++i) {
+        const bool isSame = digests.compare(having[i - 1], having[i]) == 0;
+        const bool isFirst = i == 1 || digests.compare(having[i - 2], having[i]) != 0;
+        if (isSame && isFirst && digests.string(having[i]) != QStringLiteral("0")) {
+            repeated.append(digests.string(having[i]));
+        }
+    }
+    return repeated;
+}
+
+ZQRowSet LibraryIndex::Reading::setOf(const IndexRows &rows, size_t rowCount)
+{
+    ZQRowSet set(rowCount);
+    for (const quint32 row : rows.items) {
+        set.insert(row);
+    }
+    return set;
+}

@@ -1,0 +1,152 @@
+#pragma once
+
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+#include "Kit/Persistence/ZQRowSet.h"
+#include "Models/DataModel/ZQListRows.h"
+
+#include <QDate>
+#include <QObject>
+#include <QVariant>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+// A list of the library by numbers of rows: of items, or of memberships with the items they lead to at the same places.
+struct IndexRows
+{
+    ZQListRows kind = ZQListRows::LibraryItems;
+    std::vector<quint32> items;
+    std::vector<quint32> memberships; // empty where the rows are items
+
+    size_t size() const { return items.size(); }
+};
+
+// Where a part of a list begins, how long it is, and what its rows have in common: the extension as text, the main
+// colour as number, the key of the size class's title ("none", "icon", …) as text. Invalid for rows without a value.
+struct IndexGroup
+{
+    QVariant value;
+    size_t first = 0;
+    size_t count = 0;
+};
+
+enum class IndexGrouping { Extension, MainColor, SizeClass };
+
+// What rows are counted by. The value of a count is: the name of the entity; the colour's number; the tag, live folder
+// or project as ZQObjectID; the stars; the key of the size class's title; the first day of the month of the
+// modification, in local time.
+enum class IndexFacet { Kind, MainColor, Tag, Rating, SizeClass, ModificationMonth, LiveFolder, Project };
+
+struct IndexCount
+{
+    QVariant value;
+    qint64 count = 0;
+};
+
+// The edges of the size classes, in pixels.
+struct IndexSizes
+{
+    qint32 icon = 32;
+    qint32 small = 128;
+    qint32 medium = 512;
+    static IndexSizes fromDefaults();
+};
+
+// What is searched, sorted and grouped of all items of a library, as columns in memory: under 300 bytes an item.
+//
+// Built by one pass over the store on threads of its own, and kept by reading again, on its own thread, the rows that
+// saves announce. It is never a second truth: it answers what the saved store would answer, a moment later, and says
+// nothing where it has no column, so that the caller asks the store instead.
+//
+// Read in place under a shared lock, not as snapshots: a snapshot for each save would copy columns of a hundred
+// megabytes for one changed item, while what a save changes here is written in a few milliseconds. Readers do not wait
+// for each other. Numbers of rows are good within one `Reading`; across changes, only identifiers are.
+//
+// All functions may be called from any thread, except where said.
+class LibraryIndex : public QObject
+{
+    Q_OBJECT
+public:
+    explicit LibraryIndex(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent = nullptr);
+    ~LibraryIndex() override; // ends the build, if need be
+
+    // Hears of what this context saves and of what is merged into it. On the context's thread; before the first
+    // change that is to be in the index.
+    void follow(ZQManagedObjectContext &context);
+    // A save of another context.
+    void take(const ZQContextDidSave &saved);
+
+    bool isReady() const;
+    // Waits until what was announced before the call is in. False when the store could not be read.
+    bool waitUntilCurrent();
+    // Goes up with each change that readers can see.
+    quint64 generation() const;
+
+    // Looks at one state of the index, as long as it lives; changes wait meanwhile, so it lives no longer than one
+    // answer takes. Fetches and saves of the same thread have no place in it.
+    //
+    // Long answers give up, with nothing, once the thread's ZQCancellation is cancelled.
+    class Reading
+    {
+    public:
+        ~Reading();
+        Reading(Reading &&other) noexcept;
+        Reading(const Reading &) = delete;
+        Reading &operator=(const Reading &) = delete;
+
+        quint64 generation() const;
+        size_t rowCount() const;       // numbers of rows are below this
+        const ZQRowSet &items() const; // rows that name an item, active or not
+        ZQRowSet active() const;       // those whose item is not deleted
+
+        // A null identifier for a row of no item; nothing for an item that is not in the index.
+        ZQObjectID itemID(quint32 row) const;
+        ZQObjectID membershipID(quint32 membership) const;
+        std::optional<quint32> rowOfItem(const ZQObjectID &id) const;
+        std::optional<quint32> membership(const ZQObjectID &id) const;
+        // As a fetch of identifiers gives them; `related` are the items.
+        ZQRelatedIDs ids(const IndexRows &rows) const;
+
+        // What a fetch of library items, or of the memberships of one project, gives: predicate, order, and ties by
+        // key. `contentRequest` of each kind of sidebar item is such a request, also with a search added to it. Nothing
+        // for a request that needs the store.
+        std::optional<IndexRows> rows(const ZQFetchRequest &request) const;
+        // The same for each of several requests with a search in common, whose items are looked for once.
+        std::optional<std::vector<IndexRows>> rows(const QList<ZQFetchRequest> &requests,
+                                                   const ZQPredicate &search) const;
+        // The rows among `among` that match; key paths begin with "item." where `prefix` is Memberships.
+        std::optional<ZQRowSet> matching(const ZQPredicate &predicate, ZQListRows prefix, const ZQRowSet &among) const;
+
+        // In the order of a sort value, as `sortDescriptorsForSortValue` and a fetch order them. Unchanged for `None`,
+        // and for `Manual` where the rows are items. Nothing for sort keys without a column.
+        std::optional<IndexRows> sorted(IndexRows rows, ZQSortValue value, bool ascending) const;
+        std::optional<IndexRows> sorted(IndexRows rows, const QList<ZQSortDescriptor> &descriptors) const;
+        // Parts the rows into groups, and puts them in that order; within a group they stay in theirs. Extensions are
+        // in the order of a person, rows without one come last; colours by number. A row can be in two size classes.
+        std::vector<IndexGroup> grouped(IndexRows &rows, IndexGrouping grouping, const IndexSizes &sizes) const;
+        // The value of each with its count, none of 0: tags, folders and projects by key, the others in their order.
+        std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows, const IndexSizes &sizes) const;
+        // The digests that more than one of the rows have, "0" left out.
+        QStringList repeatedDigests(const ZQRowSet &rows) const;
+
+        static ZQRowSet setOf(const IndexRows &rows, size_t rowCount);
+
+    private:
+        friend class LibraryIndex;
+        struct State;
+        explicit Reading(std::unique_ptr<State> state);
+        std::unique_ptr<State> d;
+    };
+    std::optional<Reading> read() const; // nothing while it is not ready
+
+    size_t bytes() const; // of memory
+
+Q_SIGNALS:
+    void ready();   // on the index's thread of affinity
+    void changed(); // the same, after what was announced is in
+
+private:
+    struct Private;
+    std::shared_ptr<Private> d;
+};

@@ -1,0 +1,64 @@
+#include "Classes/Browsing/LibraryLists.h"
+
+#include <algorithm>
+
+void TagList::addRows(size_t element, ZQRowSet &rows) const
+{
+    if (element < m_tags.tagCount()) {
+        for (const quint32 row : m_tags.rowsOf(element)) {
+            rows.insert(row);
+        }
+    }
+}
+
+bool TagList::visit(size_t row, const std::function<bool(size_t)> &visit) const
+{
+    const std::span<const quint32> tags = m_tags.tagsOf(row);
+    return std::any_of(tags.begin(), tags.end(), visit);
+}
+
+void ProjectList::addRows(size_t element, ZQRowSet &rows) const
+{
+    if (element < m_memberships.projectCount()) {
+        for (const quint32 membership : m_memberships.ofProject(element)) {
+            rows.insert(m_memberships.item(membership));
+        }
+    }
+}
+
+size_t ProjectList::size(size_t row) const
+{
+    size_t count = 0;
+    m_memberships.ofItem(row, [&count](quint32) {
+        ++count;
+        return false;
+    });
+    return count;
+}
+
+bool ProjectList::visit(size_t row, const std::function<bool(size_t)> &visit) const
+{
+    return m_memberships.ofItem(row, [&](quint32 membership) { return visit(m_memberships.project(membership)); });
+}
+
+void MembershipList::addRows(size_t element, ZQRowSet &rows) const
+{
+    if (m_memberships.exists(quint32(element))) {
+        rows.insert(m_memberships.item(quint32(element)));
+    }
+}
+
+size_t MembershipList::size(size_t row) const
+{
+    size_t count = 0;
+    m_memberships.ofItem(row, [&count](quint32) {
+        ++count;
+        return false;
+    });
+    return count;
+}
+
+bool MembershipList::visit(size_t row, const std::function<bool(size_t)> &visit) const
+{
+    return m_memberships.ofItem(row, visit);
+}

@@ -1,0 +1,101 @@
+#include "Kit/Persistence/ZQDigestColumn.h"
+
+#include "Kit/Persistence/ZQScalar.h"
+
+#include <cstring>
+
+namespace {
+
+int hexValue(char digit)
+{
+    if (digit >= '0' && digit <= '9') {
+        return digit - '0';
+    }
+    return digit >= 'a' && digit <= 'f' ? digit - 'a' + 10 : -1;
+}
+
+} // namespace
+
+std::optional<ZQDigests::Digest> ZQDigests::digestOf(std::string_view text)
+{
+    Digest digest{};
+    if (text.size() != 2 * digest.size()) {
+        return std::nullopt;
+    }
+    for (size_t i = 0; i < digest.size(); ++i) {
+        const int high = hexValue(text[2 * i]);
+        const int low = hexValue(text[2 * i + 1]);
+        if (high < 0 || low < 0) {
+            return std::nullopt;
+        }
+        digest[i] = quint8(high << 4 | low);
+    }
+    return digest;
+}
+
+void ZQDigests::append(std::optional<std::string_view> text)
+{
+    const size_t row = m_digests.size();
+    m_digests.emplace_back();
+    m_nulls.resize(row + 1);
+    m_isOther.resize(row + 1);
+    set(row, text);
+}
+
+void ZQDigests::set(size_t row, std::optional<std::string_view> text)
+{
+    const auto digest = text ? digestOf(*text) : std::nullopt;
+    m_digests[row] = digest.value_or(Digest{});
+    m_nulls.set(row, !text);
+    if (m_isOther.contains(row)) {
+        m_others.remove(quint32(row));
+    }
+    m_isOther.set(row, text && !digest);
+    if (text && !digest) {
+        m_others.insert(quint32(row),
+                        text->empty() ? QStringLiteral("") : QString::fromUtf8(text->data(), qsizetype(text->size())));
+    }
+}
+
+void ZQDigests::appendAll(const ZQDigests &other)
+{
+    const size_t before = rowCount();
+    m_digests.insert(m_digests.end(), other.m_digests.begin(), other.m_digests.end());
+    m_nulls.resize(m_digests.size());
+    m_isOther.resize(m_digests.size());
+    other.m_nulls.forEach([&](size_t row) { m_nulls.insert(before + row); });
+    other.m_isOther.forEach([&](size_t row) {
+        m_isOther.insert(before + row);
+        m_others.insert(quint32(before + row), other.m_others.value(quint32(row)));
+    });
+}
+
+QString ZQDigests::string(size_t row) const
+{
+    if (isNull(row)) {
+        return {};
+    }
+    if (isOther(row)) {
+        return m_others.value(quint32(row));
+    }
+    const Digest &digest = m_digests[row];
+    return QString::fromLatin1(
+        QByteArray::fromRawData(reinterpret_cast<const char *>(digest.data()), qsizetype(digest.size())).toHex());
+}
+
+int ZQDigests::compare(size_t a, size_t b) const
+{
+    if (isNull(a) || isNull(b)) {
+        return int(isNull(b)) - int(isNull(a));
+    }
+    if (isOther(a) || isOther(b)) {
+        return zqCompareByCodePoint(string(a), string(b));
+    }
+    return std::memcmp(m_digests[a].data(), m_digests[b].data(), m_digests[a].size());
+}
+
+size_t ZQDigests::bytes() const
+{
+    return m_digests.capacity() * sizeof(Digest) + m_nulls.bytes() + m_isOther.bytes() +
+           size_t(m_others.capacity()) * (sizeof(QString) + sizeof(quint32));
+}

@@ -1,0 +1,544 @@
+#include "Classes/Browsing/LibraryIndex.h"
+
+#include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Models/DataModel/ZQLibraryPDF.h"
+#include "Models/DataModel/ZQLibrarySVG.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+#include "Tests/Classes/Browsing/BrowsingFixture.h"
+
+#include <QSignalSpy>
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+const std::vector<QString> texts = {{},
+                                    QStringLiteral(""),
+                                    QStringLiteral("logo"),
+                                    QStringLiteral("Logo 10"),
+                                    QStringLiteral("logo 9"),
+                                    QStringLiteral("Lögo"),
+                                    QStringLiteral("Straße"),
+                                    QStringLiteral("STRASSE"),
+                                    QStringLiteral("ικον Σ"),
+                                    QStringLiteral("夜の街"),
+                                    QStringLiteral("a*b"),
+                                    QStringLiteral("😀 face")};
+const std::vector<QString> extensions = {{},
+                                         QStringLiteral("png"),
+                                         QStringLiteral("PNG"),
+                                         QStringLiteral("svg"),
+                                         QStringLiteral("ai"),
+                                         QStringLiteral("jpg")};
+const std::vector<QString> digests = {{},
+                                      QStringLiteral("0"),
+                                      QStringLiteral("da39a3ee5e6b4b0d3255bfef95601890afd80709"),
+                                      QStringLiteral("da39a3ee5e6b4b0d3255bfef95601890afd80700"),
+                                      QStringLiteral("DA39A3EE5E6B4B0D3255BFEF95601890AFD80709"),
+                                      QStringLiteral("ffffffffffffffffffffffffffffffffffffffff")};
+
+// A library that is filled and changed at random, and what follows it.
+class LibraryIndexTest : public BrowsingFixture
+{
+protected:
+    LibraryIndexTest()
+    {
+        index.follow(library.context());
+        for (const char *name : {"One", "Two", "Straße"}) {
+            homes.append(addProject(QString::fromUtf8(name)));
+        }
+        folder = addFolder(QStringLiteral("Folder"));
+        homes.append(addProject(QStringLiteral("Inner"), folder));
+        const Item label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(library.context());
+        for (const char *name : {"draft", "Entwürfe", "final"}) {
+            tags.append(add<ZQSidebarTag>(QString::fromUtf8(name), label));
+            tags.last()->setIs_Tag(true);
+        }
+        tags.append(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::FirstSize, library.context()));
+        const Item live = ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context());
+        watched.append(add<ZQSidebarWatchedFolder>(QStringLiteral("Live"), live));
+        watched.append(add<ZQSidebarWatchedFolder>(QStringLiteral("Lower"), watched.first()));
+        library.context().save();
+    }
+
+    template <class T>
+    T oneOf(const std::vector<T> &values)
+    {
+        return values[random() % values.size()];
+    }
+    bool oneIn(unsigned count) { return random() % count == 0; }
+    std::optional<QDateTime> date()
+    {
+        const QDateTime start(QDate(2024, 1, 30), QTime(23, 59, 59), Qt::UTC);
+        return oneIn(5) ? std::nullopt : std::optional(start.addSecs(qint64(random() % 8) * 86400 * 11));
+    }
+    void change(ZQLibraryBaseItem &item)
+    {
+        item.setTitle(oneOf(texts));
+        item.setNotes(oneIn(3) ? oneOf(texts) : QString());
+        item.setExtension(oneOf(extensions));
+        item.setSHA1(oneOf(digests));
+        item.setActive(!oneIn(6));
+        item.setManaged(!oneIn(4));
+        item.setRating(qint16(random() % 6));
+        item.setMainColor(oneIn(4) ? 0 : qint32(1000 + random() % 10));
+        const std::vector<qint32> edges = {0, 10, 32, 33, 128, 129, 512, 513, 4000};
+        item.setPixelWidth(oneOf(edges));
+        item.setPixelHeight(oneOf(edges));
+        item.setPixelTotal(qint64(item.pixelWidth()) * item.pixelHeight());
+        for (const char *key : {"import_date", "modification_date", "creation_date"}) {
+            const auto value = date();
+            item.setValueForKey(value ? QVariant(*value) : QVariant(), QLatin1StringView(key));
+        }
+        for (const char *key : {"pixelWidth", "mainColor", "rating"}) {
+            if (oneIn(12)) {
+                item.setValueForKey({}, QLatin1StringView(key));
+            }
+        }
+        item.setWatchingFolder(oneIn(4) ? zqCast<ZQSidebarWatchedFolder>(watched[random() % 2]).get() : nullptr);
+        for (const Item &tag : tags) {
+            if (oneIn(3)) {
+                item.addTagsObject(zqCast<ZQSidebarTag>(tag).get());
+            } else {
+                item.removeTagsObject(zqCast<ZQSidebarTag>(tag).get());
+            }
+        }
+    }
+    ZQRef<ZQLibraryBaseItem> addItem()
+    {
+        ZQManagedObjectContext &context = library.context();
+        ZQRef<ZQLibraryBaseItem> item;
+        switch (random() % 3) {
+        case 0:
+            item = context.insertNewObject<ZQLibraryImage>();
+            break;
+        case 1:
+            item = context.insertNewObject<ZQLibraryPDF>();
+            break;
+        default:
+            item = context.insertNewObject<ZQLibrarySVG>();
+        }
+        change(*item);
+        items.append(item);
+        for (const Item &home : homes) {
+            if (oneIn(3)) {
+                const auto membership = context.insertNewObject<ZQProjectItem>();
+                membership->setItem(item.get());
+                membership->setProject(home.get());
+                membership->setOrder(qint32(random() % 4));
+            }
+        }
+        return item;
+    }
+    void fill(int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            addItem();
+        }
+        ASSERT_TRUE(library.context().save());
+    }
+
+    LibraryIndex::Reading current(LibraryIndex &of)
+    {
+        EXPECT_TRUE(of.waitUntilCurrent());
+        auto reading = of.read();
+        EXPECT_TRUE(reading.has_value());
+        return std::move(*reading);
+    }
+    // What the store says, by a context of its own.
+    static ZQRelatedIDs stored(ZQManagedObjectContext &context, const ZQFetchRequest &request)
+    {
+        if (request.entityName == ZQProjectItem::entityName()) {
+            return context.fetchObjectIDsWithRelated(request, QStringLiteral("item")).value_or(ZQRelatedIDs());
+        }
+        const auto ids = context.fetchObjectIDs(request).value_or(QList<ZQObjectID>());
+        return {ids, ids};
+    }
+    QList<ZQFetchRequest> contents()
+    {
+        QList<ZQFetchRequest> requests;
+        for (const ZQSidebarKind kind : {ZQSidebarKind::Library, ZQSidebarKind::Recent, ZQSidebarKind::Screenshots}) {
+            requests.append(ZQSidebarBaseItem::specialItemOfKind(kind, library.context())->contentRequest());
+        }
+        for (const QList<Item> &of : {homes, tags, watched}) {
+            for (const Item &each : of) {
+                requests.append(each->contentRequest());
+            }
+        }
+        return requests;
+    }
+    static QStringList searches()
+    {
+        const auto word = [](const char *text) {
+            return QStringLiteral("item.title contains[cd] \"%1\" OR item.notes contains[cd] \"%1\" OR "
+                                  "item.extension contains[cd] \"%1\" OR ANY item.tags.title contains[cd] \"%1\"")
+                .arg(QString::fromUtf8(text));
+        };
+        return {word("logo"),
+                word("STRASSE"),
+                word("ö"),
+                word("png"),
+                word("entwurfe"),
+                QStringLiteral("item.extension LIKE[cd] \"PN?\""),
+                QStringLiteral("ANY item.tags.title LIKE[cd] \"dr*\""),
+                QStringLiteral("ANY item.projectsItems.project.title contains[cd] \"strasse\""),
+                QStringLiteral("item.SHA1 == \"da39a3ee5e6b4b0d3255bfef95601890afd80709\""),
+                QStringLiteral("item.SHA1 == \"0\""),
+                QStringLiteral("item.pixelWidth > 32"),
+                QStringLiteral("item.pixelHeight == 512"),
+                QStringLiteral("item.modification_date > CAST(729000000.000000, \"NSDate\")"),
+                QStringLiteral("item.import_date >= CAST(728000000.000000, \"NSDate\") AND (item.import_date <= "
+                               "CAST(730000000.000000, \"NSDate\"))"),
+                QStringLiteral("item.managed == NO"),
+                QStringLiteral("ALL item.tags.is_Special == YES"),
+                QStringLiteral("item.tags.@count == 0"),
+                QStringLiteral("item.projectsItems.@count == 0 OR ALL item.projectsItems.project.active == NO"),
+                QStringLiteral("( item.watchingFolder.title contains[cd] \"low\" ) OR "
+                               "( item.watchingFolder.father.title contains[cd] \"liv\" )"),
+                QStringLiteral("item.rating >= 3 AND NOT (item.mainColor == 1003)"),
+                QStringLiteral("item.watchingFolder == nil"),
+                QStringLiteral("NONE item.tags.title ==[cd] \"final\" AND item.title != nil")};
+    }
+    void expectTheStoresAnswers(LibraryIndex &of);
+
+    LibraryIndex index{library.coordinator()};
+    std::mt19937 random{20240501};
+    QList<Item> homes;
+    QList<Item> tags;
+    QList<Item> watched;
+    Item folder;
+    QList<ZQRef<ZQLibraryBaseItem>> items;
+};
+
+void LibraryIndexTest::expectTheStoresAnswers(LibraryIndex &of)
+{
+    const QList<ZQFetchRequest> requests = contents();
+    QList<ZQRelatedIDs> expected;
+    ZQManagedObjectContext context(library.coordinator());
+    for (const ZQFetchRequest &request : requests) {
+        expected.append(stored(context, request));
+    }
+    const auto reading = current(of);
+    for (qsizetype i = 0; i < requests.size(); ++i) {
+        const auto rows = reading.rows(requests[i]);
+        ASSERT_TRUE(rows) << requests[i].predicate.predicateFormat().toStdString();
+        EXPECT_EQ(reading.ids(*rows), expected[i]) << requests[i].predicate.predicateFormat().toStdString();
+    }
+}
+
+} // namespace
+
+TEST_F(LibraryIndexTest, AnswersWhatTheStoreAnswersForEverySidebarItemSearchAndOrder)
+{
+    fill(300);
+    expectTheStoresAnswers(index);
+    ZQManagedObjectContext context(library.coordinator());
+    for (const QString &format : searches()) {
+        const ZQPredicate search = ZQPredicate::predicateWithFormat(format);
+        ZQFetchRequest request = homes.first()->contentRequest();
+        request.predicate = ZQPredicate::andPredicate({request.predicate, search});
+        const ZQRelatedIDs expected = stored(context, request);
+        const ZQFetchRequest all{.entityName = ZQLibraryBaseItem::entityName(),
+                                 .predicate =
+                                     ZQPredicate::predicateWithFormat(QString(format).remove(QStringLiteral("item.")))};
+        const ZQRelatedIDs expectedItems = stored(context, all);
+        const auto reading = current(index);
+        const auto both = reading.rows({homes.first()->contentRequest(), {.entityName = all.entityName}}, search);
+        ASSERT_TRUE(both) << format.toStdString();
+        EXPECT_EQ(reading.ids(both->at(0)), expected) << format.toStdString();
+        EXPECT_EQ(reading.ids(both->at(1)), expectedItems) << format.toStdString();
+        EXPECT_EQ(reading.ids(*reading.rows(all)), expectedItems) << format.toStdString();
+        EXPECT_FALSE(expectedItems.ids.isEmpty() || expectedItems.ids.size() == 300)
+            << "says little: " << format.toStdString();
+    }
+    for (int value = 0; value <= 8; ++value) {
+        for (const bool isAscending : {true, false}) {
+            SCOPED_TRACE(testing::Message() << "sort value " << value << (isAscending ? " up" : " down"));
+            for (ZQFetchRequest request :
+                 {homes.first()->contentRequest(), contents().first(), tags.first()->contentRequest()}) {
+                const ZQListRows kind = zqListRowsOfEntity(request.entityName);
+                const auto descriptors =
+                    ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(value), isAscending, kind);
+                if (kind == ZQListRows::LibraryItems && value == 0) {
+                    continue;
+                }
+                request.sortDescriptors = descriptors;
+                const ZQRelatedIDs expected = stored(context, request);
+                const auto reading = current(index);
+                EXPECT_EQ(reading.ids(*reading.rows(request)), expected);
+                request.fetchOffset = 3;
+                request.fetchLimit = 5;
+                EXPECT_EQ(reading.ids(*reading.rows(request)).ids, expected.ids.mid(3, 5));
+                request.fetchOffset = request.fetchLimit = 0;
+                request.sortDescriptors = {};
+                if (!descriptors.isEmpty()) {
+                    const auto sorted = reading.sorted(*reading.rows(request), ZQSortValue(value), isAscending);
+                    EXPECT_EQ(reading.ids(*sorted), expected);
+                }
+            }
+        }
+    }
+}
+
+TEST_F(LibraryIndexTest, LeavesToTheStoreWhatItHasNoColumnFor)
+{
+    fill(20);
+    const auto reading = current(index);
+    const auto request = [](const char *format, QString entity = ZQLibraryBaseItem::entityName()) {
+        return ZQFetchRequest{.entityName = std::move(entity),
+                              .predicate = ZQPredicate::predicateWithFormat(QString::fromLatin1(format))};
+    };
+    EXPECT_FALSE(reading.rows(request("webURL == 'x'")));
+    EXPECT_FALSE(reading.rows(request("notes == 'x'"))) << "notes are folded";
+    EXPECT_TRUE(reading.rows(request("title == 'x'")));
+    EXPECT_FALSE(reading.rows(request("order == 1", ZQProjectItem::entityName())));
+    EXPECT_FALSE(reading.rows(request("title != 'x'", ZQSidebarBaseItem::entityName())));
+    ZQFetchRequest members = homes.first()->contentRequest();
+    members.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@"),
+                                                         {QVariant::fromValue(homes.first()->objectID())});
+    EXPECT_FALSE(reading.rows(members)) << "memberships of no item are the store's";
+    ZQFetchRequest sorted = request("active == YES");
+    sorted.sortDescriptors = {{QStringLiteral("webURL")}};
+    EXPECT_FALSE(reading.rows(sorted));
+}
+
+TEST_F(LibraryIndexTest, FollowsEditsAndIsAsIfBuiltAnew)
+{
+    fill(60);
+    ZQManagedObjectContext &context = library.context();
+    for (int round = 0; round < 40; ++round) {
+        for (int step = 0; step < 5 && !items.isEmpty(); ++step) {
+            const auto item = items[qsizetype(random() % size_t(items.size()))];
+            switch (random() % 6) {
+            case 0:
+                addItem();
+                break;
+            case 1:
+                items.removeOne(item);
+                context.deleteObject(item.get());
+                break;
+            case 2:
+                homes[qsizetype(random() % size_t(homes.size()))]->addItem(item.get(), quint32(random() % 3));
+                break;
+            case 3:
+                homes[qsizetype(random() % size_t(homes.size()))]->removeItem(item.get());
+                break;
+            default:
+                change(*item);
+            }
+        }
+        if (round % 8 == 3) {
+            context.rollback();
+            items.removeIf([&](const auto &each) { return !each->managedObjectContext(); });
+        } else if (round % 8 == 5) {
+            const Item tag = tags.takeFirst();
+            context.deleteObject(tag.get());
+            tags.append(add<ZQSidebarTag>(QStringLiteral("tag %1").arg(round),
+                                          ZQSidebarBaseItem::tagsLabelInManagedObjectContext(context)));
+        } else if (round % 8 == 7) {
+            const Item home = homes.takeFirst();
+            context.deleteObject(home.get());
+            homes.append(addProject(QStringLiteral("Project %1").arg(round)));
+        }
+        ASSERT_TRUE(context.save());
+        expectTheStoresAnswers(index);
+    }
+    // Of what only announcements keep, nothing may differ from a fresh look.
+    LibraryIndex anew(library.coordinator());
+    const auto fresh = current(anew);
+    const auto followed = current(index);
+    const ZQRowSet all = followed.items();
+    EXPECT_EQ(all.count(), fresh.items().count());
+    for (const QString &format : searches()) {
+        const ZQFetchRequest request{.entityName = ZQLibraryBaseItem::entityName()};
+        const ZQPredicate search = ZQPredicate::predicateWithFormat(format);
+        EXPECT_EQ(followed.ids(followed.rows({request}, search)->front()),
+                  fresh.ids(fresh.rows({request}, search)->front()));
+    }
+    for (const IndexFacet facet : {IndexFacet::Tag, IndexFacet::Project, IndexFacet::LiveFolder, IndexFacet::Kind}) {
+        const auto values = [](const std::vector<IndexCount> &counts) {
+            QList<std::pair<QVariant, qint64>> result;
+            for (const IndexCount &count : counts) {
+                result.append({count.value, count.count});
+            }
+            std::sort(result.begin(), result.end(),
+                      [](const auto &a, const auto &b) { return a.first.toString() < b.first.toString(); });
+            return result;
+        };
+        EXPECT_EQ(values(followed.counts(facet, followed.active(), {})),
+                  values(fresh.counts(facet, fresh.active(), {})));
+    }
+}
+
+TEST_F(LibraryIndexTest, TakesInWhatOtherContextsSavedAndTellsOfIt)
+{
+    fill(10);
+    EXPECT_EQ(current(index).items().count(), 10U);
+    QSignalSpy changed(&index, &LibraryIndex::changed);
+    QCoreApplication::processEvents();
+    changed.clear();
+    ZQManagedObjectContext other(library.coordinator());
+    const auto telling = other.observeDidSave([this](const ZQContextDidSave &saved) { index.take(saved); });
+    const auto added = other.insertNewObject<ZQLibraryImage>();
+    added->setTitle(QStringLiteral("elsewhere"));
+    const auto tag = other.insertNewObject<ZQSidebarTag>();
+    tag->setTitle(QStringLiteral("new tag"));
+    added->addTagsObject(tag.get());
+    ASSERT_TRUE(other.save());
+    const auto reading = current(index);
+    const ZQFetchRequest request{.entityName = ZQLibraryBaseItem::entityName(),
+                                 .predicate =
+                                     ZQPredicate::predicateWithFormat(QStringLiteral("ANY tags.title == 'new tag'"))};
+    EXPECT_EQ(reading.ids(*reading.rows(request)).ids, QList<ZQObjectID>{added->objectID()});
+    EXPECT_EQ(reading.rowOfItem(added->objectID()), reading.rows(request)->items.front());
+    QCoreApplication::processEvents();
+    EXPECT_GE(changed.count(), 1);
+    EXPECT_FALSE(reading.rowOfItem(homes.first()->objectID())) << "that is no item";
+}
+
+TEST_F(LibraryIndexTest, GroupsAndCountsAsOneByOne)
+{
+    fill(250);
+    ZQFetchRequest request = contents().first();
+    request.sortDescriptors =
+        ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
+    ZQManagedObjectContext context(library.coordinator());
+    const auto sorted = *context.fetch<ZQLibraryBaseItem>(request);
+    const IndexSizes sizes;
+    const QString vectors = QStringLiteral("{'ai', 'sketch', 'svg'}");
+    // Each group as its condition picks it from the list.
+    const auto picked = [&](const QString &format) {
+        QList<ZQObjectID> ids;
+        const ZQPredicate predicate = ZQPredicate::predicateWithFormat(format);
+        for (const auto &item : sorted) {
+            if (predicate.evaluateWithObject(item.get())) {
+                ids.append(item->objectID());
+            }
+        }
+        return ids;
+    };
+    const auto edges = [](const char *format, qint32 upper, qint32 lower) {
+        return QString::fromLatin1(format).arg(upper).arg(lower);
+    };
+    const char *between = "pixelWidth <= %1 AND pixelHeight <= %1 AND (pixelWidth > %2 OR pixelHeight > %2)";
+    const std::pair<const char *, QString> classes[] = {
+        {"none", QStringLiteral("(pixelWidth <= 0 OR pixelHeight <= 0) && NOT (extension IN %1)").arg(vectors)},
+        {"icon", QStringLiteral("pixelWidth <= 32 AND pixelHeight <= 32 AND pixelWidth > 0 AND pixelHeight > 0")},
+        {"small", edges(between, 128, 32)},
+        {"medium", edges(between, 512, 128)},
+        {"large", QStringLiteral("pixelWidth >= 512 OR pixelHeight >= 512")},
+        {"vector", QStringLiteral("extension IN %1").arg(vectors)}};
+
+    const auto reading = current(index);
+    const ZQRowSet active = reading.active();
+    const auto check = [&](IndexGrouping grouping, const std::function<QList<ZQObjectID>(const QVariant &)> &expected) {
+        IndexRows rows = *reading.rows(request);
+        const std::vector<IndexGroup> groups = reading.grouped(rows, grouping, sizes);
+        const QList<ZQObjectID> ids = reading.ids(rows).ids;
+        size_t next = 0;
+        for (const IndexGroup &group : groups) {
+            EXPECT_EQ(group.first, next) << "ranges follow each other";
+            next += group.count;
+            EXPECT_EQ(ids.mid(qsizetype(group.first), qsizetype(group.count)), expected(group.value))
+                << group.value.toString().toStdString();
+        }
+        EXPECT_EQ(next, rows.size());
+        return groups;
+    };
+    const auto byExtension = check(IndexGrouping::Extension, [&](const QVariant &value) {
+        return picked(value.isValid() ? QStringLiteral("extension == '%1'").arg(value.toString())
+                                      : QStringLiteral("extension == nil"));
+    });
+    QStringList order;
+    for (const IndexGroup &group : byExtension) {
+        order.append(group.value.toString());
+    }
+    EXPECT_EQ(order, (QStringList{QStringLiteral("ai"), QStringLiteral("jpg"), QStringLiteral("PNG"),
+                                  QStringLiteral("png"), QStringLiteral("svg"), QString()}));
+    const auto byColor = check(IndexGrouping::MainColor, [&](const QVariant &value) {
+        return picked(value.isValid() ? QStringLiteral("mainColor == %1").arg(value.toInt())
+                                      : QStringLiteral("mainColor == nil"));
+    });
+    EXPECT_GE(byColor.size(), 11U);
+    const auto bySize = check(IndexGrouping::SizeClass, [&](const QVariant &value) {
+        for (const auto &[name, format] : classes) {
+            if (value.toString() == QLatin1StringView(name)) {
+                return picked(format);
+            }
+        }
+        return QList<ZQObjectID>();
+    });
+    EXPECT_EQ(bySize.size(), std::size(classes));
+
+    const auto countsOf = [&](IndexFacet facet) { return reading.counts(facet, active, sizes); };
+    for (const IndexCount &count : countsOf(IndexFacet::SizeClass)) {
+        const auto group = std::find_if(bySize.begin(), bySize.end(),
+                                        [&](const IndexGroup &each) { return each.value == count.value; });
+        EXPECT_EQ(size_t(count.count), group->count);
+    }
+    for (const IndexCount &count : countsOf(IndexFacet::Rating)) {
+        EXPECT_EQ(count.count, picked(count.value.isValid() ? QStringLiteral("rating == %1").arg(count.value.toInt())
+                                                            : QStringLiteral("rating == nil"))
+                                   .size());
+    }
+    qint64 dated = 0;
+    for (const IndexCount &count : countsOf(IndexFacet::ModificationMonth)) {
+        const QDate month = count.value.toDate();
+        dated += count.count;
+        EXPECT_EQ(count.count, std::count_if(sorted.begin(), sorted.end(), [&](const auto &item) {
+                      const QDate day = item->modification_date().toLocalTime().date();
+                      return month.isValid() ? day.year() == month.year() && day.month() == month.month()
+                                             : !day.isValid();
+                  }));
+    }
+    EXPECT_EQ(dated, sorted.size());
+    const auto countOf = [&](IndexFacet facet, const Item &item) {
+        for (const IndexCount &count : countsOf(facet)) {
+            if (count.value.value<ZQObjectID>() == item->objectID()) {
+                return count.count;
+            }
+        }
+        return qint64(0);
+    };
+    for (const Item &tag : tags) {
+        EXPECT_EQ(countOf(IndexFacet::Tag, tag), tag->numberOfItems());
+    }
+    for (const Item &home : homes) {
+        EXPECT_EQ(countOf(IndexFacet::Project, home), home->numberOfItems());
+    }
+    for (const Item &live : watched) {
+        EXPECT_EQ(countOf(IndexFacet::LiveFolder, live), live->numberOfItems());
+    }
+    qint64 kinds = 0;
+    for (const IndexCount &count : countsOf(IndexFacet::Kind)) {
+        kinds += count.count;
+        EXPECT_TRUE(count.value.toString().startsWith(QStringLiteral("ZQLibrary")));
+    }
+    EXPECT_EQ(kinds, sorted.size());
+    QStringList repeated = reading.repeatedDigests(active);
+    repeated.sort();
+    EXPECT_EQ(repeated, (QStringList{digests[4], digests[3], digests[2], digests[5]})) << "all but \"0\"";
+}
+
+TEST(LibraryIndexDamage, IsNotReadyWhenTheStoreCannotBeReadAndTriesAgain)
+{
+    ScratchLibrary library;
+    const auto connection = library.coordinator()->newConnection();
+    const auto rename = [&](const char *from, const char *to) {
+        ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                            .arg(QLatin1StringView(from), QLatin1StringView(to))));
+    };
+    rename("ZQProjectItem", "away");
+    LibraryIndex index(library.coordinator());
+    EXPECT_FALSE(index.waitUntilCurrent());
+    EXPECT_FALSE(index.isReady());
+    EXPECT_FALSE(index.read());
+    rename("away", "ZQProjectItem");
+    index.follow(library.context());
+    library.context().insertNewObject<ZQLibraryImage>()->setTitle(QStringLiteral("later"));
+    ASSERT_TRUE(library.context().save());
+    EXPECT_TRUE(index.waitUntilCurrent());
+    EXPECT_EQ(index.read()->items().count(), 1U);
+}
