@@ -1,46 +1,79 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
-#include "Classes/Browsing/ContentFetcher.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
-#include "Models/DataModel/ZQSidebarRecent.h"
+#include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+using SidebarItem = ZQRef<ZQSidebarBaseItem>;
+using SidebarItems = QList<SidebarItem>;
+
+void addOnce(const SidebarItem &item, SidebarItems &into)
+{
+    if (!into.contains(item)) {
+        into.append(item);
+    }
+}
+
+void addWatchedFolders(const SidebarItem &item, SidebarItems &into)
+{
+    addOnce(item, into);
+    for (const auto &below : zqCast<ZQSidebarWatchedFolder>(item)->orderedChildrenAndSubChildren()) {
+        addOnce(below, into);
+    }
+}
+
+ContentPart partOf(const SidebarItem &item)
+{
+    using Holding = ContentPart::Holding;
+    const ZQFetchRequest request = item->contentRequest();
+    const Holding holding = item->hasOrderedMembers()          ? Holding::Memberships
+                            : item->isWatchedFolder()          ? Holding::WatchedFolder
+                            : bool(zqCast<ZQSidebarTag>(item)) ? Holding::Tag
+                                                               : Holding::Other;
+    return {item->objectID(), item->title(), holding, item->isRecent(), request};
+}
+
+ContentParts partsOf(const SidebarItems &selection, bool isSingle)
+{
+    SidebarItems projects;
+    SidebarItems watchedFolders;
+    bool hasTags = false;
+    for (const SidebarItem &item : selection) {
+        hasTags = hasTags || item->isTag();
+        if (item->isFolder() && !item->isSpecial()) {
+            for (const SidebarItem &below : ZQSidebarFolder::expandedProjects({item})) {
+                below->isWatchedFolder() ? addWatchedFolders(below, watchedFolders) : addOnce(below, projects);
+            }
+        } else if (item->isWatchedFolder() && !item->isSpecial() && !item->isTag()) {
+            addWatchedFolders(item, watchedFolders);
+        } else {
+            addOnce(item, projects);
+        }
+    }
+    const bool isSpecial = isSingle && selection.first()->isSpecial() && !selection.first()->isScreenshot();
+    ContentParts result;
+    result.showsItems = isSpecial || (!projects.isEmpty() && projects.first()->isTag());
+    // Tags behind a project bring nothing: each of the two trees is selected in by itself.
+    const SidebarItems shown = result.showsItems || !hasTags ? projects + watchedFolders : watchedFolders;
+    for (const SidebarItem &item : shown) {
+        result.parts.append(partOf(item));
+    }
+    return result;
+}
+
+} // namespace
+
 ContentBuilder::ContentBuilder(ContentQuery query, ZQManagedObjectContext &context)
     : m_query(std::move(query)), m_context(context)
 {
-}
-
-void ContentBuilder::addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Section> &into)
-{
-    if (item->isRecent()) {
-        ZQPredicate earlier;
-        for (const ZQSidebarRecent::Group &group : ZQSidebarRecent::groups()) {
-            ZQFetchRequest request = item->contentRequest();
-            const ZQPredicate notEarlier = earlier.isNull() ? ZQPredicate() : ZQPredicate::notPredicate(earlier);
-            request.predicate = ZQPredicate::andPredicate({request.predicate, group.predicate, notEarlier});
-            earlier = earlier.isNull() ? group.predicate : ZQPredicate::orPredicate({earlier, group.predicate});
-            into.append({group.title, request});
-        }
-    } else if (item->isWatchedFolder()) {
-        into.append({item->title(), item->contentRequest()});
-        const auto folder = zqCast<ZQSidebarWatchedFolder>(item);
-        for (const auto &child : folder->orderedChildrenAndSubChildren()) {
-            if (child != item) {
-                into.append({child->title(), child->contentRequest()});
-            }
-        }
-    } else if (item->isFolder()) {
-        for (const auto &project : ZQSidebarFolder::expandedProjects({item})) {
-            into.append({project->title(), project->contentRequest()});
-        }
-    } else {
-        into.append({item->title(), item->contentRequest()});
-    }
+    m_query.settleOrder();
 }
 
 void ContentBuilder::restrictToTitles(ZQFetchRequest &request, const char *comparison, const QString &text)
@@ -55,10 +88,10 @@ void ContentBuilder::prepare(ZQFetchRequest &request) const
 {
     const ZQListRows rows = zqListRowsOfEntity(request.entityName);
     // Only memberships have an order of their own.
-    const bool isManual = m_query.sortValue == ZQSortValue::Manual;
-    const ZQSortValue value =
-        isManual && rows == ZQListRows::LibraryItems ? ZQSortValue::ImportDate : m_query.sortValue;
-    const auto descriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(value, m_query.isAscending, rows);
+    const bool hasNoOrder = m_query.sortValue == ZQSortValue::Manual && rows == ZQListRows::LibraryItems;
+    const auto descriptors =
+        hasNoOrder ? QList<ZQSortDescriptor>()
+                   : ZQSidebarBaseItem::sortDescriptorsForSortValue(m_query.sortValue, m_query.isAscending, rows);
     if (!descriptors.isEmpty()) {
         request.sortDescriptors = descriptors;
     }
@@ -67,7 +100,7 @@ void ContentBuilder::prepare(ZQFetchRequest &request) const
     }
 }
 
-std::optional<QList<ContentBuilder::Section>> ContentBuilder::sections(ZQError *error) const
+std::optional<ContentParts> ContentBuilder::parts(ZQError *error) const
 {
     QVariantList ids;
     for (const ZQObjectID &id : m_query.sidebarItems) {
@@ -82,70 +115,39 @@ std::optional<QList<ContentBuilder::Section>> ContentBuilder::sections(ZQError *
     if (!found) {
         return std::nullopt;
     }
-    QList<Section> result;
-    ZQRef<ZQSidebarBaseItem> single;
+    SidebarItems selection;
     for (const ZQObjectID &id : m_query.sidebarItems) {
         const auto item =
             std::find_if(found->begin(), found->end(), [&id](const auto &each) { return each->objectID() == id; });
         if (item != found->end()) {
-            addSections(*item, result);
-            single = *item;
+            selection.append(*item);
         }
     }
-    const bool isOne = m_query.sidebarItems.size() == 1 && !result.isEmpty();
-    if (isOne && !single->isRecent() && !single->isFolder() && !single->isWatchedFolder()) {
-        result.first().title.clear();
-    }
-    for (Section &section : result) {
-        prepare(section.request);
-    }
-    return result;
+    return partsOf(selection, m_query.sidebarItems.size() == 1 && selection.size() == 1);
+}
+
+ContentRows ContentBuilder::rows(ContentParts parts) const
+{
+    return {std::move(parts), m_query.displayStyle, m_context, [this](ZQFetchRequest &request) { prepare(request); }};
 }
 
 std::optional<Content> ContentBuilder::content(const IsWanted &isWanted) const
 {
     ZQError error;
-    const auto built = sections(&error);
-    if (!built) {
+    auto found = parts(&error);
+    if (!found) {
         return ZQCancellation::isCurrentCancelled() ? std::nullopt : std::optional(Content{{}, {}, error});
     }
-    Content result;
-    for (const Section &section : *built) {
-        if (!isWanted()) {
-            return std::nullopt;
-        }
-        auto rows = ContentFetcher::rows(section.request, m_context, &error);
-        if (!rows && ZQCancellation::isCurrentCancelled()) {
-            return std::nullopt;
-        }
-        if (!rows) {
-            zqLogFetchError(error);
-            return Content{{}, {}, error};
-        }
-        if (!rows->ids.isEmpty()) {
-            result.titles.append(section.title);
-            result.rows.append(std::move(*rows));
-        }
-    }
-    return result;
+    return rows(std::move(*found)).content(isWanted);
 }
 
 std::optional<QList<ZQObjectID>> ContentBuilder::rowsWithTitleBeginning(const QString &text,
                                                                         const IsWanted &isWanted) const
 {
-    auto built = sections(nullptr);
-    if (!built) {
+    auto found = parts(nullptr);
+    if (!found) {
         return std::nullopt;
     }
-    QList<ZQObjectID> result;
-    for (Section &section : *built) {
-        restrictToTitles(section.request, "BEGINSWITH[cd]", text);
-        section.request.sortDescriptors.clear();
-        const auto found = isWanted() ? m_context.fetchObjectIDs(section.request) : std::nullopt;
-        if (!found) {
-            return std::nullopt;
-        }
-        result += *found;
-    }
-    return result;
+    return rows(std::move(*found))
+        .identifiers([&text](ZQFetchRequest &request) { restrictToTitles(request, "BEGINSWITH[cd]", text); }, isWanted);
 }

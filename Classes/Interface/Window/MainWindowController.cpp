@@ -81,7 +81,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     column->addWidget(m_splitter, 1);
     m_mainWindow->setCentralWidget(central);
     m_imports = std::make_unique<ImportActions>(*m_window, *m_browser);
-    m_tabs = new TabsController(*m_window, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
+    const QString tabsPath = m_delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist");
+    m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
@@ -141,6 +142,12 @@ void MainWindowController::makeCommands()
     connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNewProject);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
+    connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
+    connect(m_tabs, &TabsController::infoPanelRequested, this, [this](bool isOpen) {
+        if (m_info->isHidden() == isOpen) {
+            toggle(m_info);
+        }
+    });
     connect(m_follower, &WindowFollower::sidebarReloaded, m_tabs, &TabsController::updateTitles);
     connect(m_browser, &BrowserViewController::selectionChanged, this, &MainWindowController::updateCommands);
     connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateCommands);
@@ -255,6 +262,9 @@ void MainWindowController::toggle(QWidget *pane)
 {
     pane->setVisible(pane->isHidden());
     m_toolbar->showPanes(!m_sidebar->isHidden(), !m_info->isHidden());
+    if (pane == m_info) {
+        m_tabs->setInfoPanelOpen(!m_info->isHidden());
+    }
     m_follower->refreshInfo();
     updateCommands();
 }
