@@ -7,6 +7,7 @@
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
+#include <QUndoCommand>
 #include <QUndoStack>
 
 #include <algorithm>
@@ -16,6 +17,25 @@
 namespace {
 constexpr double usualZoom = 0.5;
 constexpr double leastZoomChange = 0.001;
+
+// The part of a step that has its tab come to the front, also when it is taken back.
+class FrontCommand : public QUndoCommand
+{
+public:
+    explicit FrontCommand(std::weak_ptr<TabState> tab) : m_tab(std::move(tab)) {}
+    void redo() override { bringToFront(); }
+    void undo() override { bringToFront(); }
+
+private:
+    void bringToFront()
+    {
+        if (const auto tab = m_tab.lock(); tab && tab->selectTabForState) {
+            tab->selectTabForState(*tab);
+        }
+    }
+
+    std::weak_ptr<TabState> m_tab;
+};
 } // namespace
 
 TabState::TabState(EditContext &edits, QList<ZQObjectID> sidebarSelectedItems)
@@ -246,20 +266,20 @@ QList<ZQObjectID> TabState::holdersOf(const QList<ZQObjectID> &items, const QLis
     return result;
 }
 
-void TabState::removeItems(const QList<ZQObjectID> &items, const QList<ZQObjectID> &forSidebarItems, bool updateBrowser)
+void TabState::changeMembers(const QString &name, const QList<ZQObjectID> &sidebarItems, bool updateBrowser,
+                             const std::function<void(qsizetype index)> &change)
 {
     if (selectTabForState) {
         selectTabForState(*this);
     }
-    const QList<ZQObjectID> holders = holdersOf(items, forSidebarItems);
-    const bool isMacro = m_edits.undoStack && holders.size() > 1;
-    if (isMacro) {
-        m_edits.undoStack->beginMacro(zqLocalized("remove items"));
+    if (m_edits.undoStack && !sidebarItems.isEmpty()) {
+        m_edits.undoStack->beginMacro(name);
+        m_edits.undoStack->push(new FrontCommand(weak_from_this()));
     }
-    for (const ZQObjectID &holder : holders) {
-        LibraryCommands(m_edits).removeItems(items, holder);
+    for (qsizetype i = 0; i < sidebarItems.size(); ++i) {
+        change(i);
     }
-    if (isMacro) {
+    if (m_edits.undoStack && !sidebarItems.isEmpty()) {
         m_edits.undoStack->endMacro();
     }
     if (updateBrowser) {
@@ -267,23 +287,18 @@ void TabState::removeItems(const QList<ZQObjectID> &items, const QList<ZQObjectI
     }
 }
 
+void TabState::removeItems(const QList<ZQObjectID> &items, const QList<ZQObjectID> &forSidebarItems, bool updateBrowser)
+{
+    const QList<ZQObjectID> holders = holdersOf(items, forSidebarItems);
+    changeMembers(zqLocalized("remove items"), holders, updateBrowser,
+                  [&](qsizetype index) { LibraryCommands(m_edits).removeItems(items, holders[index]); });
+}
+
 void TabState::addItems(const QList<ZQObjectID> &items, const QList<ZQObjectID> &toSidebarItems,
                         const QList<quint32> &atIndexes, bool updateBrowser)
 {
-    if (selectTabForState) {
-        selectTabForState(*this);
-    }
-    const bool isMacro = m_edits.undoStack && toSidebarItems.size() > 1;
-    if (isMacro) {
-        m_edits.undoStack->beginMacro(zqLocalized("copy items"));
-    }
-    for (qsizetype i = 0; i < toSidebarItems.size(); ++i) {
-        LibraryCommands(m_edits).addItems(items, toSidebarItems[i], atIndexes.value(i, ZQSidebarBaseItem::appendIndex));
-    }
-    if (isMacro) {
-        m_edits.undoStack->endMacro();
-    }
-    if (updateBrowser) {
-        invalidateCache();
-    }
+    changeMembers(zqLocalized("copy items"), toSidebarItems, updateBrowser, [&](qsizetype index) {
+        LibraryCommands(m_edits).addItems(items, toSidebarItems[index],
+                                          atIndexes.value(index, ZQSidebarBaseItem::appendIndex));
+    });
 }

@@ -82,7 +82,7 @@ public:
     bool hasWatchedFolders() const;
     bool hasDisabledWatchedFolders() const;
 
-    // Membership, one undo step each. The tab comes to the front.
+    // Membership, one undo step each. The tab comes to the front, also when the step is taken back.
     void addItems(const QList<ZQObjectID> &items, const QList<ZQObjectID> &toSidebarItems,
                   const QList<quint32> &atIndexes, bool updateBrowser); // one index a sidebar item; none: at the end
     void removeItems(const QList<ZQObjectID> &items, const QList<ZQObjectID> &forSidebarItems, bool updateBrowser);
@@ -109,6 +109,8 @@ private:
     bool isBelowSelection(const ZQObjectID &sidebarItem) const;
     bool belongsToSelection(const ZQObjectID &libraryItem) const;
     bool isTouchedBy(const ZQContextDidSave &change) const;
+    void changeMembers(const QString &name, const QList<ZQObjectID> &sidebarItems, bool updateBrowser,
+                       const std::function<void(qsizetype index)> &change);
     QList<ZQObjectID> holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems) const;
 
     EditContext &m_edits;

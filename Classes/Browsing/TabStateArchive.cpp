@@ -157,6 +157,7 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
         items.append(id.URIRepresentation(store));
     }
     const TabViewState &view = tab.view;
+    const ZQPredicate &predicate = tab.filterPredicate();
     const auto textOrNothing = [](const QString &text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     const bool keepsSelection = !view.selectionIndexes.isEmpty() && view.selectionIndexes.ranges().size() <= mostRanges;
     return {className,
@@ -167,7 +168,7 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
              {sortKey, numberOf(tab.sortKeys())},
              {directionKey, numberOf(tab.sortDirection())},
              {zoomKey, valueOf(tab.zoom())},
-             {predicateKey, textOrNothing(tab.filterPredicate().predicateFormat())},
+             {predicateKey, predicate.isNull() ? QVariant() : predicate.predicateFormat()},
              {searchKey, textOrNothing(tab.searchString())},
              {selectionKey, keepsSelection ? QVariant::fromValue(view.selectionIndexes) : QVariant()},
              {styleKey, numberOf(tab.browserDisplayStyle())},

@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr qsizetype mostLookedAt = 200; // changes; of more, some are taken to touch what is shown
+constexpr qsizetype mostLookedAt = 200;         // changes; of more, some are taken to touch what is shown
+constexpr qsizetype mostLookedThrough = 100000; // rows; more of them take longer than reading them anew is worth
 
 bool isOf(const ZQObjectID &id, const QString &rootEntity)
 {
@@ -90,7 +91,7 @@ bool TabState::belongsToSelection(const ZQObjectID &id) const
 bool TabState::isTouchedBy(const ZQContextDidSave &change) const
 {
     const QList<ZQObjectID> present = change.inserted + change.updated;
-    if (present.size() + change.deleted.size() > mostLookedAt) {
+    if (present.size() + change.deleted.size() > mostLookedAt || m_content->rows.ids.size() > mostLookedThrough) {
         return true;
     }
     const QList<ZQObjectID> all = present + change.deleted;

@@ -75,12 +75,13 @@ int ZQTabStrip::visibleCount() const
         return count();
     }
     int all = 0;
+    int widest = 0;
     for (int i = 0; i < count(); ++i) {
         all += naturalWidth(i) + gap;
+        widest = std::max(widest, naturalWidth(i));
     }
-    return all <= width() - newRoom
-               ? count()
-               : std::min(count(), std::max(1, (width() - newRoom - allRoom) / (narrowestOfMany + gap)));
+    const int each = std::min(widest, narrowestOfMany) + gap;
+    return all <= width() - newRoom ? count() : std::clamp((width() - newRoom - allRoom) / each, 1, count());
 }
 
 int ZQTabStrip::tabWidth(int index) const

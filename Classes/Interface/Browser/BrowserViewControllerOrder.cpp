@@ -58,8 +58,9 @@ void BrowserViewController::updateHead()
     m_title->setText(tab.tabName());
     m_count->setText(countText());
     const BrowserDisplayStyle style = tab.browserDisplayStyleValue();
-    m_group->setText(titleOf(groupChoices, &GroupChoice::style, style));
-    m_group->setAccessibleName(zqFormat(zqLocalized("Group: %@"), {m_group->text()}));
+    const QString grouping = titleOf(groupChoices, &GroupChoice::style, style);
+    m_group->setText(grouping + QStringLiteral(" ▾"));
+    m_group->setAccessibleName(zqFormat(zqLocalized("Group: %@"), {grouping}));
     const ZQSortValue value = tab.sortKeysValue();
     // What has no order of its own is listed by title.
     const bool isByTitle = value == ZQSortValue::Manual && tab.hasWatchedFolders();

@@ -97,7 +97,9 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
               "sortDirection sortKeys tabName zoom");
     EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), QStringLiteral("title CONTAINS[cd] \"x\""));
     EXPECT_EQ(fields(0).value(QStringLiteral("tabName")), QStringLiteral("2 items selected"));
-    EXPECT_FALSE(fields(1).value(QStringLiteral("zoom")).isValid());
+    for (const char *key : {"zoom", "sortKeys", "filterPredicate", "searchString", "selectionIndexes", "scroll"}) {
+        EXPECT_FALSE(fields(1).value(QLatin1StringView(key)).isValid()) << key;
+    }
 
     const auto back = OpenTabsFile(path).read(editing);
     ASSERT_TRUE(back);

@@ -226,7 +226,11 @@ TEST_F(TabsTest, UndoOfARemovalFindsItsTab)
     settle();
     EXPECT_EQ(shown().join(u' '), QStringLiteral("red pages moving"));
     EXPECT_EQ(selected(), QStringList{QStringLiteral("pages")});
+    press(Qt::Key_T, Qt::ControlModifier);
+    show(b);
+    EXPECT_EQ(controller->command(CommandID::Undo)->text(), QStringLiteral("Undo remove items"));
     press(Qt::Key_Z, Qt::ControlModifier);
     settle();
+    EXPECT_EQ(tabs(), QStringLiteral("A 0/2"));
     EXPECT_EQ(shown().join(u' '), QStringLiteral("red clear pages moving"));
 }
