@@ -104,6 +104,9 @@ void OpenTabs::insertBesideCurrent(const std::shared_ptr<TabState> &tab)
 
 void OpenTabs::newTab()
 {
+    if (count() >= OpenTabsFile::mostTabs) {
+        return;
+    }
     const auto tab = std::make_shared<TabState>(m_edits);
     adopt(tab);
     const QList<ZQObjectID> items = current()->sidebarSelectedItems();
@@ -135,7 +138,7 @@ void OpenTabs::closeTab(int index)
 
 void OpenTabs::reopenTab()
 {
-    if (canReopen()) {
+    if (canReopen() && count() < OpenTabsFile::mostTabs) {
         insertBesideCurrent(m_closed.takeLast());
     }
 }

@@ -26,7 +26,7 @@ public:
 
     static constexpr int mostSetAside = 5;
     static constexpr qint64 largest = 16 << 20; // bytes
-    static constexpr qsizetype mostTabs = 1000;
+    static constexpr qsizetype mostTabs = 200;
 
 private:
     std::optional<Tabs> tabsOf(const QByteArray &data, EditContext &edits, QString *problem) const;

@@ -2,6 +2,7 @@
 
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -153,7 +154,8 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
     saveWhatIsTemporary(tab, edits);
     const QUuid store = edits.context.persistentStoreCoordinator()->storeUUID();
     QStringList items;
-    for (const ZQObjectID &id : tab.sidebarSelectedItems()) {
+    for (const ZQObjectID &id :
+         tab.sidebarSelectedItems().first(std::min(mostItems, tab.sidebarSelectedItems().size()))) {
         items.append(id.URIRepresentation(store));
     }
     const TabViewState &view = tab.view;

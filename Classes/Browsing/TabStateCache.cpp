@@ -42,7 +42,7 @@ void TabState::buildCache(ContentFetcher::Ticket &ticket, std::function<void(con
         }
         return [state, content = *content, done] {
             if (const auto tab = state.lock()) {
-                tab->setContent(content);
+                content.error.isNull() ? tab->setContent(content) : tab->invalidateCache();
             }
             done(content);
         };

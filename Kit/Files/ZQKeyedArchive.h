@@ -22,7 +22,7 @@ struct Object
 };
 
 constexpr int deepest = 64;
-constexpr int mostValues = 100000; // counted as if shared ones were written out, so that few bytes stay few values
+constexpr int mostValues = 500000; // counted as if shared ones were written out, so that few bytes stay few values
 
 // Nothing, with an error, for a value of another type and for one that is too deep.
 std::optional<QByteArray> toData(const QVariant &root, ZQError *error = nullptr);

@@ -37,12 +37,15 @@ void BrowserContent::setTab(std::shared_ptr<TabState> tab)
     m_tab = std::move(tab);
     m_isLoaded = false;
     m_isAskedAnew = true;
+    const auto single = singleItem();
     if (m_tab->content()) {
+        take(Content(*m_tab->content()));
+    }
+    if (m_isLoaded && !(single && single->isRecent())) {
         // What another tab asked for is not wanted any more.
         m_contentTicket.run([](auto &, const auto &) { return ContentFetcher::Ticket::Answer(); });
-        take(*m_tab->content());
     } else {
-        reload();
+        reload(); // what is recent goes by the clock
     }
 }
 

@@ -128,6 +128,23 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
     EXPECT_EQ(aside(), QStringList());
 }
 
+TEST_F(OpenTabsFileTest, WhatIsTooMuchToReadIsNotWritten)
+{
+    OpenTabsFile::Tabs tabs;
+    for (int i = 0; i < 3; ++i) {
+        tabs.tabs.append(std::make_shared<TabState>(editing, QList<ZQObjectID>(1500, a->objectID())));
+        for (qint64 index = 0; index < 100000; index += 2) {
+            tabs.tabs[i]->view.selectionIndexes.insert(index);
+        }
+    }
+    ASSERT_TRUE(OpenTabsFile(path).write(tabs, editing));
+    const auto back = OpenTabsFile(path).read(editing);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->tabs.size(), 3);
+    EXPECT_EQ(back->tabs[0]->sidebarSelectedItems().size(), 1000);
+    EXPECT_TRUE(back->tabs[0]->view.selectionIndexes.isEmpty());
+}
+
 TEST_F(OpenTabsFileTest, WhatHasNoLastingIdentifierIsSavedFirst)
 {
     const auto fresh = library.context().insertNewObject<ZQSidebarProject>();
