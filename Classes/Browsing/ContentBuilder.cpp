@@ -1,48 +1,92 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
-#include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Classes/Browsing/StoreSearch.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
-#include "Models/DataModel/ZQSidebarRecent.h"
+#include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <utility>
 
-ContentBuilder::ContentBuilder(ContentQuery query, ZQManagedObjectContext &context)
-    : m_query(std::move(query)), m_context(context)
+namespace {
+
+using SidebarItem = ZQRef<ZQSidebarBaseItem>;
+using SidebarItems = QList<SidebarItem>;
+
+void addOnce(const SidebarItem &item, SidebarItems &into)
 {
+    if (!into.contains(item)) {
+        into.append(item);
+    }
 }
 
-void ContentBuilder::addSections(const ZQRef<ZQSidebarBaseItem> &item, QList<Section> &into)
+void addWatchedFolders(const SidebarItem &item, SidebarItems &into)
 {
-    if (item->isRecent()) {
-        ZQPredicate earlier;
-        for (const ZQSidebarRecent::Group &group : ZQSidebarRecent::groups()) {
-            ZQFetchRequest request = item->contentRequest();
-            const ZQPredicate notEarlier = earlier.isNull() ? ZQPredicate() : ZQPredicate::notPredicate(earlier);
-            request.predicate = ZQPredicate::andPredicate({request.predicate, group.predicate, notEarlier});
-            earlier = earlier.isNull() ? group.predicate : ZQPredicate::orPredicate({earlier, group.predicate});
-            into.append({group.title, request});
-        }
-    } else if (item->isWatchedFolder()) {
-        into.append({item->title(), item->contentRequest()});
-        const auto folder = zqCast<ZQSidebarWatchedFolder>(item);
-        for (const auto &child : folder->orderedChildrenAndSubChildren()) {
-            if (child != item) {
-                into.append({child->title(), child->contentRequest()});
-            }
-        }
-    } else if (item->isFolder()) {
-        for (const auto &project : ZQSidebarFolder::expandedProjects({item})) {
-            into.append({project->title(), project->contentRequest()});
-        }
-    } else {
-        into.append({item->title(), item->contentRequest()});
+    addOnce(item, into);
+    for (const auto &below : zqCast<ZQSidebarWatchedFolder>(item)->orderedChildrenAndSubChildren()) {
+        addOnce(below, into);
     }
+}
+
+ContentPart partOf(const SidebarItem &item)
+{
+    using Holding = ContentPart::Holding;
+    const ZQFetchRequest request = item->contentRequest();
+    const Holding holding = item->hasOrderedMembers()          ? Holding::Memberships
+                            : item->isWatchedFolder()          ? Holding::WatchedFolder
+                            : bool(zqCast<ZQSidebarTag>(item)) ? Holding::Tag
+                                                               : Holding::Other;
+    return {item->objectID(), item->title(), holding, item->isRecent(), request};
+}
+
+ContentParts partsOf(const SidebarItems &selection, bool isSingle)
+{
+    SidebarItems projects;
+    SidebarItems watchedFolders;
+    bool hasTags = false;
+    for (const SidebarItem &item : selection) {
+        hasTags = hasTags || item->isTag();
+        if (item->isFolder() && !item->isSpecial()) {
+            for (const SidebarItem &below : ZQSidebarFolder::expandedProjects({item})) {
+                below->isWatchedFolder() ? addWatchedFolders(below, watchedFolders) : addOnce(below, projects);
+            }
+        } else if (item->isWatchedFolder() && !item->isSpecial() && !item->isTag()) {
+            addWatchedFolders(item, watchedFolders);
+        } else {
+            addOnce(item, projects);
+        }
+    }
+    const bool isSpecial = isSingle && selection.first()->isSpecial() && !selection.first()->isScreenshot();
+    ContentParts result;
+    result.showsItems = isSpecial || (!projects.isEmpty() && projects.first()->isTag());
+    // Tags behind a project bring nothing: each of the two trees is selected in by itself.
+    const SidebarItems shown = result.showsItems || !hasTags ? projects + watchedFolders : watchedFolders;
+    for (const SidebarItem &item : shown) {
+        result.parts.append(partOf(item));
+    }
+    return result;
+}
+
+} // namespace
+
+ContentBuilder::ContentBuilder(ContentQuery query, ZQManagedObjectContext &context, LibraryIndex *index)
+    : m_query(std::move(query)), m_context(context), m_index(index)
+{
+    m_query.settleOrder();
+}
+
+QList<ZQFetchRequest> ContentBuilder::requestsOf(const ContentParts &parts)
+{
+    QList<ZQFetchRequest> requests;
+    for (const ContentPart &part : parts.parts) {
+        requests.append(part.request);
+    }
+    return requests;
 }
 
 void ContentBuilder::restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text)
@@ -56,62 +100,16 @@ void ContentBuilder::prepare(ZQFetchRequest &request) const
 {
     const ZQListRows rows = zqListRowsOfEntity(request.entityName);
     // Only memberships have an order of their own.
-    const bool isManual = m_query.sortValue == ZQSortValue::Manual;
-    const ZQSortValue value =
-        isManual && rows == ZQListRows::LibraryItems ? ZQSortValue::ImportDate : m_query.sortValue;
-    const auto descriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(value, m_query.isAscending, rows);
+    const bool hasNoOrder = m_query.sortValue == ZQSortValue::Manual && rows == ZQListRows::LibraryItems;
+    const auto descriptors =
+        hasNoOrder ? QList<ZQSortDescriptor>()
+                   : ZQSidebarBaseItem::sortDescriptorsForSortValue(m_query.sortValue, m_query.isAscending, rows);
     if (!descriptors.isEmpty()) {
         request.sortDescriptors = descriptors;
     }
 }
 
-SearchContext ContentBuilder::searchContext(ZQListRows rows, const QList<Section> &sections) const
-{
-    QList<ZQFetchRequest> requests;
-    for (const Section &section : sections) {
-        requests.append(section.request);
-    }
-    return StoreSearch::context(rows, requests, m_context);
-}
-
-void ContentBuilder::addSearch(QList<Section> &sections) const
-{
-    const QList<Section> whole = sections;
-    for (const ZQListRows rows : {ZQListRows::LibraryItems, ZQListRows::Memberships}) {
-        std::optional<ZQPredicate> predicate; // once for all sections, since it may have to look at all of them
-        for (Section &section : sections) {
-            if (zqListRowsOfEntity(section.request.entityName) != rows) {
-                continue;
-            }
-            if (!predicate) {
-                predicate = SearchManager::predicateForSearchString(m_query.filter, searchContext(rows, whole));
-            }
-            section.request.predicate = ZQPredicate::andPredicate({section.request.predicate, *predicate});
-        }
-    }
-}
-
-std::optional<QList<ContentBuilder::Section>> ContentBuilder::sections(ZQError *error) const
-{
-    auto built = sectionsWithoutSearch(error);
-    if (built && !m_query.filter.isEmpty()) {
-        addSearch(*built);
-    }
-    return built;
-}
-
-std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
-{
-    const auto built = sectionsWithoutSearch(error);
-    if (!built) {
-        return std::nullopt;
-    }
-    const ZQListRows rows =
-        built->isEmpty() ? ZQListRows::Memberships : zqListRowsOfEntity(built->first().request.entityName);
-    return SearchManager::predicateStringForSearchString(m_query.filter, searchContext(rows, *built));
-}
-
-std::optional<QList<ContentBuilder::Section>> ContentBuilder::sectionsWithoutSearch(ZQError *error) const
+std::optional<ContentParts> ContentBuilder::parts(ZQError *error) const
 {
     QVariantList ids;
     for (const ZQObjectID &id : m_query.sidebarItems) {
@@ -126,70 +124,69 @@ std::optional<QList<ContentBuilder::Section>> ContentBuilder::sectionsWithoutSea
     if (!found) {
         return std::nullopt;
     }
-    QList<Section> result;
-    ZQRef<ZQSidebarBaseItem> single;
+    SidebarItems selection;
     for (const ZQObjectID &id : m_query.sidebarItems) {
         const auto item =
             std::find_if(found->begin(), found->end(), [&id](const auto &each) { return each->objectID() == id; });
         if (item != found->end()) {
-            addSections(*item, result);
-            single = *item;
+            selection.append(*item);
         }
     }
-    const bool isOne = m_query.sidebarItems.size() == 1 && !result.isEmpty();
-    if (isOne && !single->isRecent() && !single->isFolder() && !single->isWatchedFolder()) {
-        result.first().title.clear();
+    return partsOf(selection, m_query.sidebarItems.size() == 1 && selection.size() == 1);
+}
+
+std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
+{
+    const auto found = parts(error);
+    if (!found) {
+        return std::nullopt;
     }
-    for (Section &section : result) {
-        prepare(section.request);
+    const QList<ZQFetchRequest> requests = requestsOf(*found);
+    const ZQListRows kind =
+        requests.isEmpty() ? ZQListRows::Memberships : zqListRowsOfEntity(requests.first().entityName);
+    return SearchManager::predicateStringForSearchString(m_query.filter,
+                                                         StoreSearch::context(kind, requests, m_context));
+}
+
+ContentRows ContentBuilder::rows(ContentParts parts) const
+{
+    if (m_query.filter.isEmpty()) {
+        return {std::move(parts), m_query.displayStyle, m_context,
+                [this](ZQFetchRequest &request) { prepare(request); }, m_index};
     }
-    return result;
+    // Once for all requests, since it may have to look at all of them.
+    const auto conditions = std::make_shared<std::map<ZQListRows, ZQPredicate>>();
+    const auto search = [this, conditions, requests = requestsOf(parts)](ZQFetchRequest &request) {
+        prepare(request);
+        const ZQListRows kind = zqListRowsOfEntity(request.entityName);
+        auto condition = conditions->find(kind);
+        if (condition == conditions->end()) {
+            const SearchContext context = StoreSearch::context(kind, requests, m_context);
+            condition =
+                conditions->emplace(kind, SearchManager::predicateForSearchString(m_query.filter, context)).first;
+        }
+        request.predicate = ZQPredicate::andPredicate({request.predicate, condition->second});
+    };
+    return {std::move(parts), m_query.displayStyle, m_context, search, m_index};
 }
 
 std::optional<Content> ContentBuilder::content(const IsWanted &isWanted) const
 {
     ZQError error;
-    const auto built = sections(&error);
-    if (!built) {
+    auto found = parts(&error);
+    if (!found) {
         return ZQCancellation::isCurrentCancelled() ? std::nullopt : std::optional(Content{{}, {}, error});
     }
-    Content result;
-    for (const Section &section : *built) {
-        if (!isWanted()) {
-            return std::nullopt;
-        }
-        auto rows = ContentFetcher::rows(section.request, m_context, &error);
-        if (!rows && ZQCancellation::isCurrentCancelled()) {
-            return std::nullopt;
-        }
-        if (!rows) {
-            zqLogFetchError(error);
-            return Content{{}, {}, error};
-        }
-        if (!rows->ids.isEmpty()) {
-            result.titles.append(section.title);
-            result.rows.append(std::move(*rows));
-        }
-    }
-    return result;
+    return rows(std::move(*found)).content(isWanted);
 }
 
 std::optional<QList<ZQObjectID>> ContentBuilder::rowsWithTitleBeginning(const QString &text,
                                                                         const IsWanted &isWanted) const
 {
-    auto built = sections(nullptr);
-    if (!built) {
+    auto found = parts(nullptr);
+    if (!found) {
         return std::nullopt;
     }
-    QList<ZQObjectID> result;
-    for (Section &section : *built) {
-        restrictToTitlesBeginning(section.request, text);
-        section.request.sortDescriptors.clear();
-        const auto found = isWanted() ? m_context.fetchObjectIDs(section.request) : std::nullopt;
-        if (!found) {
-            return std::nullopt;
-        }
-        result += *found;
-    }
-    return result;
+    return rows(std::move(*found))
+        .identifiers([&text](ZQFetchRequest &request) { restrictToTitlesBeginning(request, text); }, isWanted);
 }

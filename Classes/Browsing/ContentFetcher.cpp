@@ -28,6 +28,7 @@ struct ContentFetcher::Private
         Ticket::Work work;
     };
     std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
+    std::shared_ptr<LibraryIndex> index; // of the main thread
     mutable ZQMutex lock;
     ZQCondition wake;
     std::deque<Job> waiting ZQ_GUARDED_BY(lock);
@@ -73,6 +74,17 @@ ContentFetcher::~ContentFetcher()
     }
     d->wake.notifyAll();
     d->thread.join();
+}
+
+void ContentFetcher::setIndex(std::shared_ptr<LibraryIndex> index)
+{
+    d->index = std::move(index);
+}
+
+std::shared_ptr<LibraryIndex> ContentFetcher::Ticket::index() const
+{
+    const auto fetcher = m_state->fetcher.lock();
+    return fetcher ? fetcher->index : nullptr;
 }
 
 ContentFetcher::Ticket::Ticket(ContentFetcher &fetcher, Priority priority) : m_state(new State{priority, fetcher.d}) {}

@@ -7,6 +7,8 @@
 #include <functional>
 #include <memory>
 
+class LibraryIndex;
+
 // Runs fetches on a thread and context of its own, so that long lists and many counts never hold up the window.
 // It sees what was saved. Used from the main thread; answers arrive there.
 class ContentFetcher : public QObject
@@ -15,6 +17,9 @@ class ContentFetcher : public QObject
 public:
     explicit ContentFetcher(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent = nullptr);
     ~ContentFetcher() override;
+
+    // What answers instead of the store once it is ready; null: nothing. Before the first request.
+    void setIndex(std::shared_ptr<LibraryIndex> index);
 
     // Those named first go first: what runs gives way to them, and begins anew afterwards.
     enum class Priority { Content, Typing, Counts, Summary };
@@ -41,6 +46,8 @@ public:
         using Answer = std::function<void()>;
         using Work = std::function<Answer(ZQManagedObjectContext &, const IsWanted &isWanted)>;
         void run(Work work);
+        // Of the fetcher; null without one. For the work, which shares it.
+        std::shared_ptr<LibraryIndex> index() const;
 
     private:
         friend class ContentFetcher;

@@ -2,21 +2,42 @@
 
 #include "Kit/Files/ZQUserDefaults.h"
 
-#include <QUuid>
-
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
+using namespace std::chrono_literals;
+
 namespace {
+// Of the user defaults, as an older version kept them.
 const QString tabsKey = QStringLiteral("OpenTabs");
 const QString currentKey = QStringLiteral("SelectedTab");
 const QString itemsKey = QStringLiteral("items");
 const QString searchKey = QStringLiteral("search");
+
+constexpr auto saveDelay = 1s;
+constexpr qsizetype mostRowsBehind = 100000; // that a tab behind another keeps
+constexpr qsizetype mostClosed = 50;         // that can be opened again
 } // namespace
 
-OpenTabs::OpenTabs(EditContext &edits, QObject *parent)
-    : QObject(parent), m_edits(edits), m_tabs({std::make_shared<TabState>(edits)})
+OpenTabs::OpenTabs(EditContext &edits, const QString &path, QObject *parent)
+    : QObject(parent), m_edits(edits), m_file(path), m_tabs({std::make_shared<TabState>(edits)})
 {
+    adopt(m_tabs.first());
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setInterval(saveDelay);
+    connect(&m_saveTimer, &QTimer::timeout, this, &OpenTabs::save);
+    for (const auto signal : {&OpenTabs::currentChanged, &OpenTabs::tabsChanged}) {
+        connect(this, signal, this, &OpenTabs::saveSoon);
+    }
+    m_contextToken = edits.context.observeObjectsDidChange([this](const ZQContextDidSave &change) {
+        for (const auto &tab : std::as_const(m_tabs)) {
+            tab->evaluateCache(change);
+        }
+        for (const auto &tab : std::as_const(m_closed)) {
+            tab->evaluateCache(change);
+        }
+    });
 }
 
 QStringList OpenTabs::titles() const
@@ -28,11 +49,33 @@ QStringList OpenTabs::titles() const
     return result;
 }
 
+void OpenTabs::adopt(const std::shared_ptr<TabState> &tab)
+{
+    tab->selectTabForState = [this](TabState &state) { selectTabForState(state); };
+}
+
+// Which one is in front.
+
+void OpenTabs::leaveCurrent()
+{
+    Q_EMIT aboutToLeave();
+    current()->savePersistentStateInformations();
+    if (current()->content() && current()->content()->rows.ids.size() > mostRowsBehind) {
+        current()->invalidateCache();
+    }
+}
+
+void OpenTabs::show(int index)
+{
+    m_current = index;
+    Q_EMIT currentChanged();
+}
+
 void OpenTabs::select(int index)
 {
-    if (index >= 0 && index < count()) {
-        m_current = index;
-        Q_EMIT currentChanged();
+    if (index >= 0 && index < count() && index != m_current) {
+        leaveCurrent();
+        show(index);
     }
 }
 
@@ -41,15 +84,34 @@ void OpenTabs::selectNext(int step)
     select((m_current + step + count()) % count());
 }
 
-void OpenTabs::insertBesideCurrent(std::shared_ptr<TabState> tab)
+void OpenTabs::selectTabForState(const TabState &state)
 {
-    m_tabs.insert(m_current + 1, std::move(tab));
-    select(m_current + 1);
+    for (int index = 0; index < count(); ++index) {
+        if (m_tabs[index].get() == &state) {
+            select(index);
+        }
+    }
+}
+
+// Which ones there are.
+
+void OpenTabs::insertBesideCurrent(const std::shared_ptr<TabState> &tab)
+{
+    leaveCurrent();
+    m_tabs.insert(m_current + 1, tab);
+    show(m_current + 1);
 }
 
 void OpenTabs::newTab()
 {
-    insertBesideCurrent(std::make_shared<TabState>(m_edits, current()->sidebarSelectedItems()));
+    if (count() >= OpenTabsFile::mostTabs) {
+        return;
+    }
+    const auto tab = std::make_shared<TabState>(m_edits);
+    adopt(tab);
+    const QList<ZQObjectID> items = current()->sidebarSelectedItems();
+    tab->goToSidebarItems(items);
+    insertBesideCurrent(tab);
 }
 
 void OpenTabs::closeTab(int index)
@@ -57,46 +119,69 @@ void OpenTabs::closeTab(int index)
     if (count() < 2 || index < 0 || index >= count()) {
         return;
     }
+    if (index == m_current) {
+        leaveCurrent();
+    }
+    m_tabs[index]->savePersistentStateInformations();
+    m_tabs[index]->invalidateCache();
     m_closed.append(m_tabs.takeAt(index));
-    // The one in front stays there; when it is closed, the next one comes, or the last.
-    const int next = index < m_current ? m_current - 1 : m_current;
-    select(std::min(next, count() - 1));
+    if (m_closed.size() > mostClosed) {
+        m_closed.removeFirst();
+    }
+    if (index != m_current) {
+        m_current -= index < m_current ? 1 : 0;
+        Q_EMIT tabsChanged();
+        return;
+    }
+    show(std::min(index, count() - 1)); // the next one comes, or the last
 }
 
 void OpenTabs::reopenTab()
 {
-    if (canReopen()) {
+    if (canReopen() && count() < OpenTabsFile::mostTabs) {
         insertBesideCurrent(m_closed.takeLast());
     }
 }
 
 void OpenTabs::moveTab(int from, int to)
 {
+    if (from < 0 || to < 0 || from >= count() || to >= count()) {
+        return;
+    }
+    const auto inFront = current();
     m_tabs.move(from, to);
-    m_current = to;
+    m_current = int(m_tabs.indexOf(inFront));
     Q_EMIT tabsChanged();
 }
 
-void OpenTabs::save() const
+// From one launch to the next.
+
+void OpenTabs::saveSoon()
 {
-    QVariantList tabs;
-    const QUuid store = m_edits.context.persistentStoreCoordinator()->storeUUID();
-    for (const auto &tab : m_tabs) {
-        QStringList items;
-        for (const ZQObjectID &id : tab->sidebarSelectedItems()) {
-            items.append(id.URIRepresentation(store));
-        }
-        tabs.append(QVariantMap{{itemsKey, items}, {searchKey, tab->searchString()}});
+    if (!m_saveTimer.isActive()) {
+        m_saveTimer.start();
     }
-    auto &defaults = ZQUserDefaults::standardUserDefaults();
-    defaults.setObjectForKey(tabs, tabsKey);
-    defaults.setObjectForKey(m_current, currentKey);
 }
 
-void OpenTabs::restore()
+void OpenTabs::save()
+{
+    m_saveTimer.stop();
+    Q_EMIT aboutToSave();
+    if (!m_file.write({m_tabs, m_current}, m_edits)) {
+        return;
+    }
+    auto &defaults = ZQUserDefaults::standardUserDefaults();
+    for (const QString &key : {tabsKey, currentKey}) {
+        if (defaults.isSet(key)) {
+            defaults.removeObjectForKey(key);
+        }
+    }
+}
+
+std::optional<OpenTabsFile::Tabs> OpenTabs::tabsOfDefaults() const
 {
     const auto &defaults = ZQUserDefaults::standardUserDefaults();
-    QList<std::shared_ptr<TabState>> tabs;
+    OpenTabsFile::Tabs result;
     for (const QVariant &value : defaults.objectForKey(tabsKey).toList()) {
         QList<ZQObjectID> items;
         for (const QString &uri : value.toMap().value(itemsKey).toStringList()) {
@@ -106,14 +191,33 @@ void OpenTabs::restore()
             }
         }
         if (!items.isEmpty()) {
-            tabs.append(std::make_shared<TabState>(m_edits, items, value.toMap().value(searchKey).toString()));
+            auto tab = std::make_shared<TabState>(m_edits);
+            tab->goToSidebarItems(items);
+            tab->setSearchString(value.toMap().value(searchKey).toString());
+            result.tabs.append(std::move(tab));
         }
     }
-    if (tabs.isEmpty()) {
-        const auto library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_edits.context);
-        tabs.append(std::make_shared<TabState>(m_edits,
-                                               library ? QList<ZQObjectID>{library->objectID()} : QList<ZQObjectID>()));
+    if (result.tabs.isEmpty()) {
+        return std::nullopt;
     }
-    m_tabs = std::move(tabs);
-    select(std::clamp(int(defaults.integerForKey(currentKey)), 0, count() - 1));
+    result.indexOfSelectedTab = int(std::clamp<qint64>(defaults.integerForKey(currentKey), 0, result.tabs.size() - 1));
+    return result;
+}
+
+void OpenTabs::restore()
+{
+    auto found = m_file.read(m_edits);
+    if (!found) {
+        found = tabsOfDefaults();
+    }
+    if (!found) {
+        const auto library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_edits.context);
+        const QList<ZQObjectID> items = library ? QList<ZQObjectID>{library->objectID()} : QList<ZQObjectID>();
+        found = OpenTabsFile::Tabs{{std::make_shared<TabState>(m_edits, items)}, 0};
+    }
+    m_tabs = found->tabs;
+    for (const auto &tab : std::as_const(m_tabs)) {
+        adopt(tab);
+    }
+    show(found->indexOfSelectedTab);
 }

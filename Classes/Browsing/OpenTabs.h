@@ -1,19 +1,20 @@
 #pragma once
 
-#include "Classes/Browsing/TabState.h"
+#include "Classes/Browsing/OpenTabsFile.h"
 
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 
 #include <memory>
 
 // The open tabs of a window in their order, those that were closed, and which one is in front. There is always one.
-// Kept in the user defaults from one launch to the next. Main thread.
+// Kept in a file from one launch to the next. Main thread.
 class OpenTabs : public QObject
 {
     Q_OBJECT
 public:
-    explicit OpenTabs(EditContext &edits, QObject *parent = nullptr);
+    OpenTabs(EditContext &edits, const QString &path, QObject *parent = nullptr);
 
     int count() const { return int(m_tabs.size()); }
     int currentIndex() const { return m_current; }
@@ -21,25 +22,37 @@ public:
     bool canReopen() const { return !m_closed.isEmpty(); }
     QStringList titles() const;
 
-    void select(int index); // none when there is no such tab
+    void select(int index); // nothing for the one in front, and when there is no such tab
     void selectNext(int step);
+    void selectTabForState(const TabState &state);
     void newTab(); // beside the one in front, with the same sidebar items
     void closeTab(int index);
     void reopenTab();
     void moveTab(int from, int to);
 
-    void save() const;
-    void restore(); // sidebar items that are gone are left out, and tabs of only those
+    void save();
+    void saveSoon(); // at most once a second
+    // Of the file; else of what an older version kept in the user defaults, which goes when the file is written.
+    void restore();
 
 Q_SIGNALS:
+    void aboutToLeave();   // the one in front
     void currentChanged(); // another state is in front
     void tabsChanged();    // their number, order or titles
+    void aboutToSave();    // the one in front may be told how it looks at the moment
 
 private:
-    void insertBesideCurrent(std::shared_ptr<TabState> tab);
+    void show(int index);
+    void leaveCurrent();
+    void adopt(const std::shared_ptr<TabState> &tab);
+    void insertBesideCurrent(const std::shared_ptr<TabState> &tab);
+    std::optional<OpenTabsFile::Tabs> tabsOfDefaults() const;
 
     EditContext &m_edits;
+    OpenTabsFile m_file;
     QList<std::shared_ptr<TabState>> m_tabs;
     QList<std::shared_ptr<TabState>> m_closed;
     int m_current = 0;
+    QTimer m_saveTimer;
+    ZQManagedObjectContext::Token m_contextToken;
 };

@@ -98,10 +98,7 @@ int zqRunSearch(const SearchRequest &request, CommandContext &context)
     if (!content->error.isNull()) {
         return context.fail(content->error.localizedDescription());
     }
-    QList<ZQObjectID> found;
-    for (const ZQRelatedIDs &section : content->rows) {
-        found += section.related;
-    }
+    const QList<ZQObjectID> &found = content->rows.related;
     if (request.counts) {
         context.print(QString::number(found.size()));
     } else {

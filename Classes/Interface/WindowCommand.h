@@ -40,6 +40,12 @@ enum class CommandID {
     Find,
     Sidebar,
     InfoPanel,
+    GroupPlain, // and the other ways to group, one after the other
+    GroupBySize = GroupPlain + 4,
+    SortManually, // and the other orders, one after the other
+    SortByCreationDate = SortManually + 7,
+    SortAscending,
+    SortDescending,
     LargerThumbnails,
     SmallerThumbnails,
     QuickLook,

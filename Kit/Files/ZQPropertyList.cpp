@@ -110,6 +110,9 @@ Node nodeOf(const QVariant &value, int depth)
     case QMetaType::QVariantMap:
         return mapNode(value.toMap(), depth);
     default:
+        if (value.metaType() == QMetaType::fromType<ZQPropertyListUID>()) {
+            return node(plist_new_uid(value.value<ZQPropertyListUID>().value));
+        }
         if (value.metaType() != QMetaType::fromType<system_clock::time_point>()) {
             return node(nullptr);
         }

@@ -1,3 +1,4 @@
+#include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Files/ZQPropertyListReader.h"
 
 #include <QtEndian>
@@ -154,8 +155,12 @@ private:
         if (!bits) {
             return false;
         }
-        if (kind == 1 || kind == 8) {
+        if (kind == 1) {
             object.value = static_cast<qlonglong>(*bits);
+            return true;
+        }
+        if (kind == 8) {
+            object.value = QVariant::fromValue(ZQPropertyListUID{*bits});
             return true;
         }
         if (size != 4 && size != 8) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/Widgets/ZQIndexSet.h"
+#include "Kit/Foundation/ZQIndexSet.h"
 
 #include <QList>
 #include <QRect>

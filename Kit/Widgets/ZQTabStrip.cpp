@@ -5,23 +5,41 @@
 
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QToolButton>
 #include <QToolTip>
+
+#include <algorithm>
 
 namespace {
 constexpr int tabHeight = 36;
 constexpr int widestTab = 200;
+constexpr int narrowestTab = 48;
+constexpr int narrowestOfMany = 72; // below that tabs are left out
+constexpr int laidOut = 200;        // a strip that is narrower waits for its place in the window
 constexpr int gap = 2;
+constexpr int newRoom = 40;
+constexpr int allRoom = 30;
 } // namespace
 
-ZQTabStrip::ZQTabStrip(QWidget *parent) : QWidget(parent)
+ZQTabStrip::ZQTabStrip(QWidget *parent) : QWidget(parent), m_all(new QToolButton(this))
 {
     setFixedHeight(tabHeight);
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
     setAccessibleName(zqLocalized("Tabs"));
+    m_all->setIcon(ZQIcon::icon(QStringLiteral("chevron-down")));
+    m_all->setIconSize({14, 14});
+    m_all->setAccessibleName(zqLocalized("All Tabs"));
+    m_all->setToolTip(m_all->accessibleName());
+    m_all->setFocusPolicy(Qt::TabFocus);
+    m_all->setPopupMode(QToolButton::InstantPopup);
+    m_all->setMenu(new QMenu(m_all));
+    m_all->hide();
+    connect(m_all->menu(), &QMenu::aboutToShow, this, &ZQTabStrip::fillMenu);
 }
 
 void ZQTabStrip::setTabs(const QStringList &titles, int current)
@@ -29,6 +47,7 @@ void ZQTabStrip::setTabs(const QStringList &titles, int current)
     m_titles = titles;
     m_current = current;
     setAccessibleDescription(titles.value(current));
+    showCurrent();
     updateGeometry();
     update();
 }
@@ -38,21 +57,76 @@ QSize ZQTabStrip::sizeHint() const
     return {newRect().right() + 1, tabHeight};
 }
 
-int ZQTabStrip::tabWidth(int index) const
+int ZQTabStrip::naturalWidth(int index) const
 {
     const int natural = 12 + QFontMetrics(ZQTheme::current().font()).horizontalAdvance(m_titles[index]) +
                         (count() > 1 ? 8 + 16 + 8 : 14);
-    const int room = m_titles.isEmpty() || width() < 200 ? widestTab : (width() - 40) / int(m_titles.size()) - gap;
-    return std::max(48, std::min({natural, widestTab, room}));
+    return std::clamp(natural, narrowestTab, widestTab);
+}
+
+int ZQTabStrip::room() const
+{
+    return width() - newRoom - (visibleCount() < count() ? allRoom : 0);
+}
+
+int ZQTabStrip::visibleCount() const
+{
+    if (width() < laidOut || count() == 0 || (width() - newRoom) / count() - gap >= narrowestOfMany) {
+        return count();
+    }
+    int all = 0;
+    int widest = 0;
+    for (int i = 0; i < count(); ++i) {
+        all += naturalWidth(i) + gap;
+        widest = std::max(widest, naturalWidth(i));
+    }
+    const int each = std::min(widest, narrowestOfMany) + gap;
+    return all <= width() - newRoom ? count() : std::clamp((width() - newRoom - allRoom) / each, 1, count());
+}
+
+int ZQTabStrip::tabWidth(int index) const
+{
+    const int share = width() < laidOut ? widestTab : room() / visibleCount() - gap;
+    return std::max(narrowestTab, std::min(naturalWidth(index), std::max(share, narrowestTab)));
 }
 
 QRect ZQTabStrip::tabRect(int index) const
 {
+    if (index < m_first || index >= m_first + visibleCount()) {
+        return {};
+    }
     int x = 0;
-    for (int i = 0; i < index; ++i) {
+    for (int i = m_first; i < index; ++i) {
         x += tabWidth(i) + gap;
     }
     return {x, 0, tabWidth(index), tabHeight};
+}
+
+void ZQTabStrip::showCurrent()
+{
+    const int visible = visibleCount();
+    m_first = std::clamp(m_first, std::max(0, m_current - visible + 1), std::max(0, m_current));
+    m_first = std::clamp(m_first, 0, std::max(0, count() - visible));
+    m_all->setGeometry(width() - 27, (tabHeight - 26) / 2, 26, 26);
+    m_all->setVisible(visible < count());
+}
+
+void ZQTabStrip::fillMenu()
+{
+    QMenu *menu = m_all->menu();
+    menu->clear();
+    for (int i = 0; i < count(); ++i) {
+        QAction *action = menu->addAction(QString(m_titles[i]).replace(u'&', QStringLiteral("&&")), this,
+                                          [this, i] { Q_EMIT currentChanged(i); });
+        action->setCheckable(true);
+        action->setChecked(i == m_current);
+    }
+}
+
+void ZQTabStrip::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    showCurrent();
 }
 
 QRect ZQTabStrip::closeRect(int index) const
@@ -63,7 +137,8 @@ QRect ZQTabStrip::closeRect(int index) const
 
 QRect ZQTabStrip::newRect() const
 {
-    const int x = m_titles.isEmpty() ? 0 : tabRect(int(m_titles.size()) - 1).right() + 1 + gap;
+    const int last = m_first + visibleCount() - 1;
+    const int x = m_titles.isEmpty() ? 0 : tabRect(last).right() + 1 + gap;
     return {x + 4, (tabHeight - 26) / 2, 26, 26};
 }
 
@@ -82,7 +157,7 @@ void ZQTabStrip::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(ZQTheme::current().font());
-    for (int i = 0; i < m_titles.size(); ++i) {
+    for (int i = m_first; i < m_first + visibleCount(); ++i) {
         const QRect tab = tabRect(i);
         const bool isCurrent = i == m_current;
         if (isCurrent) {

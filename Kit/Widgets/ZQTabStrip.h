@@ -3,7 +3,10 @@
 #include <QStringList>
 #include <QWidget>
 
-// Tabs with a close mark each and a button for a new one. Tabs are dragged to reorder; the middle button closes.
+class QToolButton;
+
+// Tabs with a close mark each and a button for a new one. Tabs are dragged to reorder; the middle button closes. Where
+// they would get too narrow to be told apart only some are shown, the current one among them, and a menu lists all.
 // It only draws and tells: the owner changes the titles in answer to its signals.
 class ZQTabStrip : public QWidget
 {
@@ -13,6 +16,7 @@ public:
     void setTabs(const QStringList &titles, int current);
     int currentIndex() const { return m_current; }
     int count() const { return int(m_titles.size()); }
+    int visibleCount() const; // tabs that have room
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -28,6 +32,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     bool event(QEvent *event) override;
 
 private:
@@ -35,10 +40,16 @@ private:
     QRect closeRect(int index) const;
     QRect newRect() const;
     int tabAt(const QPoint &point) const;
+    int naturalWidth(int index) const;
     int tabWidth(int index) const;
+    int room() const; // for tabs
+    void showCurrent();
+    void fillMenu();
 
     QStringList m_titles;
+    QToolButton *m_all; // the menu of all tabs
     int m_current = -1;
+    int m_first = 0; // the first that is shown
     int m_hovered = -1;
     int m_dragged = -1;
     QPoint m_pressPoint;

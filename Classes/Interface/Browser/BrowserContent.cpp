@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/BrowserContent.h"
 
+#include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -36,13 +37,34 @@ void BrowserContent::setTab(std::shared_ptr<TabState> tab)
     m_tab = std::move(tab);
     m_isLoaded = false;
     m_isAskedAnew = true;
-    reload();
+    const auto single = singleItem();
+    if (m_tab->content()) {
+        take(Content(*m_tab->content()));
+    }
+    if (m_isLoaded && !(single && single->isRecent())) {
+        // What another tab asked for is not wanted any more.
+        m_contentTicket.run([](auto &, const auto &) { return ContentFetcher::Ticket::Answer(); });
+    } else {
+        reload(); // what is recent goes by the clock
+    }
 }
 
 void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
 {
-    m_tab->setSidebarSelectedItems(items);
+    m_tab->goToSidebarItems(items);
     setTab(m_tab);
+}
+
+void BrowserContent::setSort(ZQSortValue value, bool isAscending)
+{
+    m_tab->setSort(value, isAscending);
+    reload();
+}
+
+void BrowserContent::setDisplayStyle(BrowserDisplayStyle style)
+{
+    m_tab->setBrowserDisplayStyle(style);
+    reload();
 }
 
 void BrowserContent::setFilter(const QString &text)
@@ -57,40 +79,37 @@ void BrowserContent::setFilter(const QString &text)
 
 void BrowserContent::reload()
 {
-    m_contentTicket.run([this, query = m_tab->contentQuery()](ZQManagedObjectContext &context,
-                                                              const auto &isWanted) -> ContentFetcher::Ticket::Answer {
-        const auto content = ContentBuilder(query, context).content(isWanted);
-        return content ? [this, content] { take(*content); } : ContentFetcher::Ticket::Answer();
-    });
+    m_tab->buildCache(m_contentTicket, [this](const Content &content) { take(content); });
+}
+
+// One group that is the sidebar item itself has its name in the head already.
+QList<ZQGridGroup> BrowserContent::headsOf(const Content &content) const
+{
+    const auto single = singleItem();
+    const bool isOne = content.groups.size() == 1 && single && !single->isRecent() &&
+                       content.groups.first().sidebarItem == single->objectID();
+    QList<ZQGridGroup> heads;
+    for (const ContentGroup &group : content.groups) {
+        heads.append({group.title, group.count});
+    }
+    return isOne ? QList<ZQGridGroup>() : heads;
 }
 
 void BrowserContent::take(const Content &content)
 {
-    QList<qint64> starts;
-    QList<ZQGridGroup> groups;
-    qint64 count = 0;
-    for (qsizetype i = 0; i < content.rows.size(); ++i) {
-        const qsizetype size = content.rows[i].ids.size();
-        starts.append(count);
-        if (!content.titles[i].isEmpty()) {
-            groups.append({content.titles[i], size});
-        }
-        count += size;
-    }
+    const QList<ZQGridGroup> heads = headsOf(content);
     // Most changes are to what items say of themselves, and leave every row in its place.
-    const bool isErrorAnew = content.error.code != m_error.code || content.error.domain != m_error.domain;
-    if (!std::exchange(m_isAskedAnew, false) && !isErrorAnew && content.rows == m_rows && groups == m_groups) {
+    const ZQError &before = m_content.error;
+    const bool isErrorAnew = content.error.code != before.code || content.error.domain != before.domain;
+    if (!std::exchange(m_isAskedAnew, false) && !isErrorAnew && content.rows == m_content.rows && heads == m_groups) {
         return;
     }
     Q_EMIT aboutToChange();
-    m_error = content.error;
-    m_rows = content.rows;
-    m_starts = starts;
-    m_groups = groups;
-    m_count = count;
+    m_content = content;
+    m_groups = heads;
     m_shown.clear();
-    if (filter().isEmpty() && m_error.isNull()) {
-        m_unfilteredCount = m_count;
+    if (filter().isEmpty() && error().isNull()) {
+        m_unfilteredCount = count();
     }
     m_isLoaded = true;
     Q_EMIT changed();
@@ -102,24 +121,6 @@ void BrowserContent::dropObjects()
     m_thumbnails.clear();
 }
 
-std::pair<qsizetype, qsizetype> BrowserContent::placeOfRow(qint64 index) const
-{
-    const auto section = std::upper_bound(m_starts.begin(), m_starts.end(), index) - m_starts.begin() - 1;
-    return {section, index - m_starts[section]};
-}
-
-const ZQObjectID &BrowserContent::rowID(qint64 index) const
-{
-    const auto [section, position] = placeOfRow(index);
-    return m_rows[section].ids[position];
-}
-
-const ZQObjectID &BrowserContent::itemID(qint64 index) const
-{
-    const auto [section, position] = placeOfRow(index);
-    return m_rows[section].related[position];
-}
-
 void BrowserContent::willShow(qint64 first, qint64 last)
 {
     constexpr qsizetype kept = 2000;
@@ -128,9 +129,9 @@ void BrowserContent::willShow(qint64 first, qint64 last)
         m_thumbnails.clear();
     }
     QList<ZQObjectID> items;
-    for (qint64 index = first; index <= last && index < m_count; ++index) {
+    for (qint64 index = first; index <= last && index < count(); ++index) {
         if (!m_shown.contains(index)) {
-            items.append(itemID(index));
+            items.append(m_content.rows.related[index]);
             m_shown.insert(index, m_window.libraryItem(items.last()));
         }
     }
@@ -139,22 +140,19 @@ void BrowserContent::willShow(qint64 first, qint64 last)
 
 ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
 {
-    if (index < 0 || index >= m_count) {
+    if (index < 0 || index >= count()) {
         return {};
     }
     const auto found = m_shown.constFind(index);
-    return found != m_shown.constEnd() ? *found : m_window.libraryItem(itemID(index));
+    return found != m_shown.constEnd() ? *found : m_window.libraryItem(m_content.rows.related[index]);
 }
 
 template <class Use>
-void BrowserContent::forEachPlace(const ZQIndexSet &indexes, Use use) const
+void BrowserContent::forEachRow(const ZQIndexSet &indexes, Use use) const
 {
     for (const ZQIndexSet::Range &range : indexes.ranges()) {
-        for (qint64 index = range.first; index <= range.last && index < m_count;) {
-            auto [section, position] = placeOfRow(index);
-            for (; position < m_rows[section].ids.size() && index <= range.last; ++position, ++index) {
-                use(m_rows[section], position);
-            }
+        for (qint64 index = range.first; index <= range.last && index < count(); ++index) {
+            use(index);
         }
     }
 }
@@ -163,7 +161,7 @@ QList<ZQObjectID> BrowserContent::rowIDs(const ZQIndexSet &indexes) const
 {
     QList<ZQObjectID> result;
     result.reserve(indexes.count());
-    forEachPlace(indexes, [&](const ZQRelatedIDs &rows, qsizetype position) { result.append(rows.ids[position]); });
+    forEachRow(indexes, [&](qint64 index) { result.append(m_content.rows.ids[index]); });
     return result;
 }
 
@@ -171,8 +169,8 @@ QList<ZQObjectID> BrowserContent::libraryItemIDs(const ZQIndexSet &indexes) cons
 {
     QList<ZQObjectID> result;
     result.reserve(indexes.count());
-    forEachPlace(indexes, [&](const ZQRelatedIDs &rows, qsizetype position) {
-        if (const ZQObjectID &item = rows.related[position]; !item.isNull()) {
+    forEachRow(indexes, [&](qint64 index) {
+        if (const ZQObjectID &item = m_content.rows.related[index]; !item.isNull()) {
             result.append(item);
         }
     });
@@ -183,8 +181,8 @@ ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
 {
     const QSet<ZQObjectID> wanted(rows.begin(), rows.end());
     ZQIndexSet result;
-    for (qint64 index = 0; index < m_count && !wanted.isEmpty(); ++index) {
-        if (wanted.contains(rowID(index))) {
+    for (qint64 index = 0; index < count() && !wanted.isEmpty(); ++index) {
+        if (wanted.contains(m_content.rows.ids[index])) {
             result.insert(index);
         }
     }
@@ -193,12 +191,7 @@ ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
 
 qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
 {
-    for (qsizetype section = 0; section < m_rows.size(); ++section) {
-        if (const qsizetype position = m_rows[section].related.indexOf(item); position >= 0) {
-            return m_starts[section] + position;
-        }
-    }
-    return -1;
+    return m_content.rows.related.indexOf(item);
 }
 
 ZQGridItem BrowserContent::item(qint64 index) const
@@ -223,16 +216,16 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
         return -1; // a rating, though nothing is selected to take it
     }
     auto *self = const_cast<BrowserContent *>(this);
-    m_typingTicket.run([self, text, from, query = m_tab->contentQuery()](
+    m_typingTicket.run([self, text, from, query = m_tab->contentQuery(), index = m_typingTicket.index()](
                            ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
-        const auto found = ContentBuilder(query, context).rowsWithTitleBeginning(text, isWanted);
+        const auto found = ContentBuilder(query, context, index.get()).rowsWithTitleBeginning(text, isWanted);
         if (!found) {
             return {};
         }
         return [self, from, matches = QSet<ZQObjectID>(found->begin(), found->end())] {
-            for (qint64 step = 0; step < self->m_count && !matches.isEmpty(); ++step) {
-                const qint64 index = (from + step) % self->m_count;
-                if (matches.contains(self->rowID(index))) {
+            for (qint64 step = 0; step < self->count() && !matches.isEmpty(); ++step) {
+                const qint64 index = (from + step) % self->count();
+                if (matches.contains(self->m_content.rows.ids[index])) {
                     Q_EMIT self->typingFound(index);
                     return;
                 }
@@ -327,8 +320,8 @@ QString BrowserContent::emptyText() const
     if (!m_isLoaded || m_isAskedAnew) {
         return {};
     }
-    if (!m_error.isNull()) {
-        return ContentFetcher::textForError(m_error);
+    if (!error().isNull()) {
+        return ContentFetcher::textForError(error());
     }
     if (sidebarItems().isEmpty()) {
         return zqLocalized("Select something in the sidebar.");

@@ -14,18 +14,20 @@ public:
 
     explicit BrowserContent(WindowContext &window, QObject *parent = nullptr);
 
-    void setTab(std::shared_ptr<TabState> tab); // fetches
+    void setTab(std::shared_ptr<TabState> tab); // fetches, unless the tab knows its rows
     TabState &tab() { return *m_tab; }
     // Change the tab and fetch.
     void setSidebarItems(const QList<ZQObjectID> &items);
     void setFilter(const QString &text); // a search text
-    QString filter() const { return m_tab->contentQuery().filter; }
+    QString filter() const { return m_tab->filter(); }
     const QList<ZQObjectID> &sidebarItems() const { return m_tab->sidebarSelectedItems(); }
     ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }
+    void setSort(ZQSortValue value, bool isAscending);
+    void setDisplayStyle(BrowserDisplayStyle style);
     void reload();      // fetches again
     void dropObjects(); // what is shown changed: reads it again when painted
     // Null unless the rows could not be read; then there are none, and `emptyText` says why.
-    const ZQError &error() const { return m_error; }
+    const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
     bool isLoading() const { return m_isAskedAnew; }
     qint64 unfilteredCount() const { return m_unfilteredCount; }
@@ -36,7 +38,7 @@ public:
     ZQIndexSet indexesOfRows(const QList<ZQObjectID> &rows) const;
     qint64 indexOfLibraryItem(const ZQObjectID &item) const; // linear; -1 for none
 
-    qint64 count() const override { return m_count; }
+    qint64 count() const override { return m_content.rows.ids.size(); }
     QList<ZQGridGroup> groups() const override { return m_groups; }
     void willShow(qint64 first, qint64 last) override;
     ZQGridItem item(qint64 index) const override;
@@ -56,22 +58,16 @@ Q_SIGNALS:
     void typingFound(qint64 index); // what `indexForTyping` was asked for
 
 private:
-    // The place of a row: its section and how far into it.
-    std::pair<qsizetype, qsizetype> placeOfRow(qint64 index) const;
-    const ZQObjectID &rowID(qint64 index) const;
-    const ZQObjectID &itemID(qint64 index) const;
     template <class Use>
-    void forEachPlace(const ZQIndexSet &indexes, Use use) const; // use(section, position)
+    void forEachRow(const ZQIndexSet &indexes, Use use) const; // use(index)
+    QList<ZQGridGroup> headsOf(const Content &content) const;
 
     void take(const Content &content);
 
     WindowContext &m_window;
     std::shared_ptr<TabState> m_tab;
-    QList<ZQRelatedIDs> m_rows; // one a section
-    QList<qint64> m_starts;
+    Content m_content; // what is shown
     QList<ZQGridGroup> m_groups;
-    qint64 m_count = 0;
-    ZQError m_error;
     qint64 m_unfilteredCount = 0;
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same

@@ -25,31 +25,6 @@
 
 namespace {
 
-struct SortChoice
-{
-    ZQSortValue value;
-    const char *title;
-};
-constexpr SortChoice sortChoices[] = {
-    {ZQSortValue::Manual, "Manual order"},
-    {ZQSortValue::ImportDate, "Import date"},
-    {ZQSortValue::Title, "Title"},
-    {ZQSortValue::Size, "Size"},
-    {ZQSortValue::Color, "Color"},
-    {ZQSortValue::ModificationDate, "Modification date"},
-    {ZQSortValue::CreationDate, "Creation date"},
-};
-
-QString sortTitle(ZQSortValue value)
-{
-    for (const SortChoice &choice : sortChoices) {
-        if (choice.value == value) {
-            return zqLocalized(choice.title);
-        }
-    }
-    return zqLocalized("None");
-}
-
 constexpr double sliderSteps = 1000;
 constexpr double zoomStep = 0.08;
 constexpr qsizetype mostKeptRows = 20000; // a larger selection is kept by index
@@ -87,37 +62,8 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     m_refetch.setSingleShot(true);
     m_refetch.setInterval(40); // several changes in a row are one fetch
     connect(&m_refetch, &QTimer::timeout, m_content, &BrowserContent::reload);
-    connect(m_content, &BrowserContent::aboutToChange, this, [this] {
-        const ZQIndexSet selection = m_grid->selection();
-        m_selectsAll = selection.count() > 1 && selection.count() == m_content->count();
-        m_rowsToSelect = selection.count() > mostKeptRows ? QList<ZQObjectID>() : m_content->rowIDs(selection);
-    });
-    connect(m_content, &BrowserContent::changed, this, [this] {
-        m_grid->reloadData();
-        if (!std::exchange(m_keepsScroll, true)) {
-            m_grid->setScrollOffset(0);
-        }
-        ZQIndexSet selection =
-            m_selectsAll ? ZQIndexSet(0, m_content->count() - 1) : m_content->indexesOfRows(m_rowsToSelect);
-        if (!m_itemToSelect.isNull()) {
-            const qint64 index = m_content->indexOfLibraryItem(m_itemToSelect);
-            selection = index < 0 ? selection : ZQIndexSet(index, index);
-            m_itemToSelect = {};
-        }
-        const qint64 place = std::exchange(m_indexToSelect, -1);
-        if (selection.isEmpty() && place >= 0 && m_content->count() > 0) {
-            const qint64 index = std::min(place, m_content->count() - 1);
-            selection = ZQIndexSet(index, index);
-        }
-        m_grid->setSelection(selection);
-        if (selection.count() == 1) {
-            m_grid->scrollToIndex(selection.first());
-        }
-        m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
-        updateHead();
-        updateStatus();
-        Q_EMIT selectionChanged();
-    });
+    connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
+    connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
         updateStatus();
         Q_EMIT selectionChanged();
@@ -127,6 +73,9 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     connect(m_grid, &ZQGridView::quickLookRequested, this, [this] { openDetail(true); });
     connect(m_grid, &ZQGridView::contextMenuRequested, this, &BrowserViewController::contextMenuRequested);
     connect(m_grid, &ZQGridView::zoomChanged, this, [this](double zoom) {
+        if (!m_isShowingOther) {
+            m_content->tab().setZoom(zoom);
+        }
         const QSignalBlocker blocker(m_zoom);
         m_zoom->setValue(int(zoom * sliderSteps));
     });
@@ -143,12 +92,21 @@ QWidget *BrowserViewController::makeHead()
     m_title->setObjectName(QStringLiteral("Title"));
     m_count = new QLabel(head);
     m_count->setObjectName(QStringLiteral("Muted"));
-    m_sortCaption = new QLabel(zqLocalized("Sort"), head);
-    m_sortCaption->setObjectName(QStringLiteral("Muted"));
-    m_sort = new QToolButton(head);
-    m_sort->setObjectName(QStringLiteral("Pop"));
-    m_sort->setAccessibleName(zqLocalized("Sort by"));
-    m_sort->setToolTip(zqLocalized("Sort by"));
+    const auto choice = [head](const QString &caption, const QString &tip) {
+        auto *label = new QLabel(caption, head);
+        label->setObjectName(QStringLiteral("Muted"));
+        auto *button = new QToolButton(head);
+        button->setObjectName(QStringLiteral("Pop"));
+        button->setAccessibleName(tip);
+        button->setToolTip(tip);
+        button->setFocusPolicy(Qt::TabFocus);
+        return std::pair(label, button);
+    };
+    const auto [groupCaption, group] = choice(zqLocalized("Group"), zqLocalized("Group by"));
+    m_group = group;
+    connect(m_group, &QToolButton::clicked, this, &BrowserViewController::showGroupMenu);
+    const auto [sortCaption, sort] = choice(zqLocalized("Sort"), zqLocalized("Sort by"));
+    m_sort = sort;
     connect(m_sort, &QToolButton::clicked, this, &BrowserViewController::showSortMenu);
     m_direction = new QToolButton(head);
     m_direction->setFixedSize(26, 26);
@@ -162,7 +120,10 @@ QWidget *BrowserViewController::makeHead()
     row->addSpacing(8);
     row->addWidget(m_count);
     row->addStretch(1);
-    row->addWidget(m_sortCaption);
+    row->addWidget(groupCaption);
+    row->addWidget(m_group);
+    row->addSpacing(6);
+    row->addWidget(sortCaption);
     row->addWidget(m_sort);
     row->setSpacing(2);
     row->addWidget(m_direction);
@@ -231,36 +192,157 @@ QWidget *BrowserViewController::makeRecovery()
 
 void BrowserViewController::showTab(const std::shared_ptr<TabState> &tab)
 {
-    keepZoom();
-    m_content->setTab(tab);
-    didShowOther();
+    showOther([&] { m_content->setTab(tab); });
 }
 
 void BrowserViewController::showSidebarItems(const QList<ZQObjectID> &items)
 {
-    keepZoom();
-    m_content->setSidebarItems(items);
-    didShowOther();
+    showOther([&] { m_content->setSidebarItems(items); });
 }
 
-void BrowserViewController::didShowOther()
+// The rows may be there at once, or later.
+void BrowserViewController::showOther(const std::function<void()> &change)
 {
     closeDetail();
+    m_refetch.stop();
+    m_isShowingOther = true;
+    m_restoresView = true;
     m_keepsScroll = false;
     m_grid->setSelection({});
+    change();
     m_grid->setZoom(m_content->tab().zoomValue());
     {
         const QSignalBlocker blocker(m_zoom);
         m_zoom->setValue(int(m_grid->zoom() * sliderSteps));
     }
+    m_isShowingOther = false;
+    restoreView();
     updateHead();
     Q_EMIT titleChanged();
+    Q_EMIT orderChanged();
+}
+
+void BrowserViewController::contentWillChange()
+{
+    if (m_restoresView) {
+        return; // what is selected is another tab's
+    }
+    const ZQIndexSet selection = m_grid->selection();
+    m_selectsAll = selection.count() > 1 && selection.count() == m_content->count();
+    m_rowsToSelect = selection.count() > mostKeptRows ? QList<ZQObjectID>() : m_content->rowIDs(selection);
+}
+
+void BrowserViewController::contentDidChange()
+{
+    m_grid->reloadData();
+    if (m_restoresView) {
+        restoreView();
+    } else {
+        if (!std::exchange(m_keepsScroll, true)) {
+            m_grid->setScrollOffset(0);
+        }
+        selectWhatIsWanted(m_selectsAll ? ZQIndexSet(0, m_content->count() - 1)
+                                        : m_content->indexesOfRows(m_rowsToSelect));
+        if (m_grid->selection().count() == 1) {
+            m_grid->scrollToIndex(m_grid->selection().first());
+        }
+    }
+    m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
+    updateHead();
+    updateStatus();
+    Q_EMIT selectionChanged();
+}
+
+void BrowserViewController::selectWhatIsWanted(ZQIndexSet selection)
+{
+    if (!m_itemToSelect.isNull()) {
+        const qint64 index = m_content->indexOfLibraryItem(m_itemToSelect);
+        selection = index < 0 ? selection : ZQIndexSet(index, index);
+        m_itemToSelect = {};
+    }
+    const qint64 place = std::exchange(m_indexToSelect, -1);
+    if (selection.isEmpty() && place >= 0 && m_content->count() > 0) {
+        const qint64 index = std::min(place, m_content->count() - 1);
+        selection = ZQIndexSet(index, index);
+    }
+    m_grid->setSelection(selection);
+}
+
+void BrowserViewController::restoreView()
+{
+    if (!m_restoresView || m_isShowingOther || m_content->isLoading()) {
+        return;
+    }
+    m_restoresView = false;
+    m_keepsScroll = true;
+    const TabViewState view = m_content->tab().view;
+    ZQIndexSet selection = m_content->indexesOfRows(view.selectedRows);
+    if (selection.isEmpty()) {
+        selection = view.selectionIndexes;
+    }
+    const bool selectsOther = !m_itemToSelect.isNull();
+    selectWhatIsWanted(selection);
+    if (selectsOther) {
+        m_grid->scrollToIndex(m_grid->selection().first());
+    } else {
+        m_grid->setScrollOffset(view.scroll ? qint64(view.scroll->y()) : 0);
+        m_scrollsWhenLaidOut = true;
+        QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
+    }
+    const qint64 detail =
+        view.detailItem.isNull() || selectsOther ? -1 : m_content->indexOfLibraryItem(view.detailItem);
+    if (detail >= 0) {
+        m_grid->setCurrentIndex(detail);
+        openDetail(false);
+        m_detail->setView(view.detailZoom.value_or(0), view.detailScroll.value_or(QPointF()));
+    }
+}
+
+// The grid gets its size with the window, and another one when its scroll bar comes or goes.
+void BrowserViewController::scrollWhenLaidOut()
+{
+    if (!m_grid->isVisible() && !isDetailOpen()) {
+        return; // when it is shown
+    }
+    if (const auto scroll = m_content->tab().view.scroll; std::exchange(m_scrollsWhenLaidOut, false) && scroll) {
+        m_grid->setScrollOffset(qint64(scroll->y()));
+    }
+}
+
+void BrowserViewController::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
+}
+
+void BrowserViewController::keepViewState()
+{
+    if (m_restoresView || m_content->isLoading()) {
+        return; // what was kept has yet to be shown
+    }
+    TabViewState &view = m_content->tab().view;
+    if (!m_scrollsWhenLaidOut) {
+        view.scroll = QPointF(0, double(m_grid->scrollOffset()));
+    }
+    view.selectionIndexes = m_grid->selection();
+    view.selectedRows =
+        m_grid->selection().count() > mostKeptRows ? QList<ZQObjectID>() : m_content->rowIDs(m_grid->selection());
+    const bool isOpen = isDetailOpen() && !m_detail->isQuickLook();
+    const auto item = isOpen ? m_content->libraryItem(m_grid->currentIndex()) : ZQRef<ZQLibraryBaseItem>();
+    view.detailItem = item ? item->objectID() : ZQObjectID();
+    view.detailZoom.reset();
+    view.detailScroll.reset();
+    if (item && m_detail->isZoomed()) {
+        view.detailZoom = m_detail->scale();
+        view.detailScroll = m_detail->center();
+    }
 }
 
 void BrowserViewController::setFilter(const QString &text)
 {
     m_keepsScroll = false;
     m_content->setFilter(text);
+    Q_EMIT viewChanged();
 }
 
 QString BrowserViewController::countText() const
@@ -275,26 +357,6 @@ QString BrowserViewController::countText() const
     return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
 }
 
-void BrowserViewController::updateHead()
-{
-    const TabState &tab = m_content->tab();
-    m_title->setText(tab.tabName());
-    m_count->setText(countText());
-    const ZQSortValue value = tab.sortKeysValue();
-    const bool isByDate = value == ZQSortValue::Manual && !tab.browserCanManuallySort();
-    const ZQSortValue shown = isByDate ? ZQSortValue::ImportDate : value;
-    m_sort->setText(sortTitle(shown));
-    m_sort->setAccessibleName(zqFormat(zqLocalized("Sort: %@"), {sortTitle(shown)}));
-    m_sortCaption->setVisible(bool(m_content->singleItem()));
-    m_sort->setVisible(bool(m_content->singleItem()));
-    const bool ascending = tab.sortDirectionValue();
-    m_direction->setVisible(bool(m_content->singleItem()) && shown != ZQSortValue::Manual &&
-                            shown != ZQSortValue::None);
-    m_direction->setIcon(ZQIcon::icon(ascending ? QStringLiteral("arrow-up") : QStringLiteral("arrow-down")));
-    m_direction->setAccessibleName(ascending ? zqLocalized("Ascending") : zqLocalized("Descending"));
-    m_direction->setToolTip(m_direction->accessibleName());
-}
-
 void BrowserViewController::updateStatus()
 {
     const QLocale locale;
@@ -304,40 +366,10 @@ void BrowserViewController::updateStatus()
                                                {locale.toString(selected), locale.toString(m_content->count())}));
 }
 
-void BrowserViewController::showSortMenu()
-{
-    QMenu menu(this);
-    const TabState &tab = m_content->tab();
-    for (const SortChoice &choice : sortChoices) {
-        if (choice.value == ZQSortValue::Manual && !tab.browserCanManuallySort()) {
-            continue;
-        }
-        QAction *action = menu.addAction(zqLocalized(choice.title), this, [this, choice] {
-            setSort(choice.value, m_content->tab().sortDirectionValue());
-        });
-        action->setCheckable(true);
-        action->setChecked(choice.value == tab.sortKeysValue());
-    }
-    menu.exec(m_sort->mapToGlobal(QPoint(0, m_sort->height() + 2)));
-}
-
-void BrowserViewController::setSort(ZQSortValue value, bool ascending)
-{
-    m_content->tab().setSort(value, ascending);
-    m_content->reload();
-    updateHead();
-}
-
-void BrowserViewController::keepZoom()
-{
-    if (m_grid->isVisible()) {
-        m_content->tab().keepZoom(m_grid->zoom());
-    }
-}
-
 void BrowserViewController::savePersistentState()
 {
-    keepZoom();
+    keepViewState();
+    m_content->tab().savePersistentStateInformations();
 }
 
 void BrowserViewController::changeZoom(double by)
@@ -391,6 +423,7 @@ void BrowserViewController::openDetail(bool quickLook)
         m_detail->setQuickLook(quickLook);
         showDetailAt(m_grid->currentIndex());
         m_detail->setFocus();
+        Q_EMIT viewChanged();
     }
 }
 
@@ -414,6 +447,7 @@ void BrowserViewController::closeDetail()
     if (isDetailOpen()) {
         m_stack->setCurrentIndex(0);
         m_grid->setFocus();
+        Q_EMIT viewChanged();
     }
 }
 
@@ -439,7 +473,7 @@ void BrowserViewController::removeFromProject()
     if (!items.isEmpty() && SidebarTargetRules::canRemoveItems(single.get())) {
         m_indexToSelect = m_grid->selection().first();
         closeDetail();
-        LibraryCommands(m_window).removeItems(items, single->objectID());
+        m_content->tab().removeItems(items, {single->objectID()}, true);
     }
 }
 
@@ -511,7 +545,7 @@ QList<WindowCommand> BrowserViewController::commands()
                        .isEnabled = hasSelection,
                        .keysIn = m_grid});
     }
-    return result;
+    return result + orderCommands();
 }
 
 void BrowserViewController::copyToClipboard()

@@ -44,6 +44,7 @@ public:
     void rate(int stars);
     void copyToClipboard();
     void changeZoom(double by);
+    void keepViewState(); // selection, scroll and detail view, in the tab that is shown
     void savePersistentState();
     QList<WindowCommand> commands();
 
@@ -53,6 +54,8 @@ Q_SIGNALS:
     void titleChanged();
     void rated(int stars);    // the selected items, which may take a while
     void recoveryRequested(); // what is shown was read from a damaged store
+    void orderChanged();      // or the groups
+    void viewChanged();       // what the tab keeps of its view may be another
 
 private:
     QWidget *makeHead();
@@ -61,11 +64,24 @@ private:
     QString countText() const;
     void updateStatus();
     void showSortMenu();
+    void showGroupMenu();
     void setSort(ZQSortValue value, bool ascending);
-    void didShowOther();
-    void keepZoom();
+    void setDisplayStyle(BrowserDisplayStyle style);
+    bool canSortBy(ZQSortValue value) const;
+    bool hasDirection() const;
+    QList<WindowCommand> orderCommands();
+    void showOther(const std::function<void()> &change); // `change` has the content be another
+    void contentWillChange();
+    void contentDidChange();
+    void scrollWhenLaidOut();
+    void restoreView(); // as the tab was left, once its rows are there
+    void selectWhatIsWanted(ZQIndexSet selection);
     void showDetailAt(qint64 index);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
     WindowContext &m_window;
     BrowserContent *m_content;
     QStackedWidget *m_stack;
@@ -73,7 +89,7 @@ private:
     DetailView *m_detail;
     QLabel *m_title;
     QLabel *m_count;
-    QLabel *m_sortCaption;
+    QToolButton *m_group;
     QToolButton *m_sort;
     QToolButton *m_direction;
     QLabel *m_status;
@@ -85,4 +101,7 @@ private:
     ZQObjectID m_itemToSelect;
     qint64 m_indexToSelect = -1; // when what was selected is gone
     bool m_keepsScroll = false;
+    bool m_restoresView = false;       // what the tab says of its view is not shown yet
+    bool m_scrollsWhenLaidOut = false; // the grid has no size yet
+    bool m_isShowingOther = false;     // the zoom is the tab's, and not chosen
 };

@@ -197,6 +197,15 @@ void DetailView::zoomToFit()
     update();
 }
 
+void DetailView::setView(double newScale, const QPointF &center)
+{
+    m_scale = newScale > 0 ? std::clamp(newScale, smallestScale, largestScale) : 0;
+    m_center = center;
+    updateWantedSide();
+    updateButtons();
+    update();
+}
+
 void DetailView::zoomToActualSize()
 {
     zoomAt(1, QRectF(canvas()).center());

@@ -20,7 +20,11 @@ public:
     void setQuickLook(bool quickLook) { m_isQuickLook = quickLook; } // Space closes it, too
     void zoomToFit();
     void zoomToActualSize();
-    double scale() const; // device pixels for a pixel of the picture
+    double scale() const;                              // device pixels for a pixel of the picture
+    bool isZoomed() const { return m_scale > 0; }      // not fitted
+    QPointF center() const { return m_center; }        // what a zoomed picture has in the middle, in its pixels
+    void setView(double scale, const QPointF &center); // 0: fitted. As another time; what does not fit is brought near
+    bool isQuickLook() const { return m_isQuickLook; }
     bool isLoading() const { return m_document->state() == DetailDocument::State::Loading; }
     DetailDocument &document() { return *m_document; }
 

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/MainWindowController.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -66,6 +67,9 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
                                  *m_fetcher}),
       m_mainWindow(std::make_unique<MainWindow>())
 {
+    const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
+    index->follow(m_window->context);
+    m_fetcher->setIndex(index);
     ZQPreviewService::prepare();
     m_mainWindow->setWindowTitle(QStringLiteral("Zelto"));
     m_mainWindow->setMinimumSize(720, 480);
@@ -81,7 +85,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     column->addWidget(m_splitter, 1);
     m_mainWindow->setCentralWidget(central);
     m_imports = std::make_unique<ImportActions>(*m_window, *m_browser);
-    m_tabs = new TabsController(*m_window, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
+    const QString tabsPath = m_delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist");
+    m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
@@ -142,6 +147,12 @@ void MainWindowController::makeCommands()
     connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNewProject);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
+    connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
+    connect(m_tabs, &TabsController::infoPanelRequested, this, [this](bool isOpen) {
+        if (m_info->isHidden() == isOpen) {
+            toggle(m_info);
+        }
+    });
     connect(m_follower, &WindowFollower::sidebarReloaded, m_tabs, &TabsController::updateTitles);
     connect(m_browser, &BrowserViewController::selectionChanged, this, &MainWindowController::updateCommands);
     connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateCommands);
@@ -256,6 +267,9 @@ void MainWindowController::toggle(QWidget *pane)
 {
     pane->setVisible(pane->isHidden());
     m_toolbar->showPanes(!m_sidebar->isHidden(), !m_info->isHidden());
+    if (pane == m_info) {
+        m_tabs->setInfoPanelOpen(!m_info->isHidden());
+    }
     m_follower->refreshInfo();
     updateCommands();
 }

@@ -10,12 +10,18 @@
 #include <QAction>
 #include <QLineEdit>
 
-TabsController::TabsController(EditContext &edits, MainToolbar &toolbar, ProjectsSidebarViewController &sidebar,
-                               BrowserViewController &browser, QObject *parent)
-    : QObject(parent), m_tabs(edits), m_toolbar(toolbar), m_sidebar(sidebar), m_browser(browser)
+TabsController::TabsController(EditContext &edits, const QString &path, MainToolbar &toolbar,
+                               ProjectsSidebarViewController &sidebar, BrowserViewController &browser, QObject *parent)
+    : QObject(parent), m_tabs(edits, path), m_toolbar(toolbar), m_sidebar(sidebar), m_browser(browser)
 {
     connect(&m_tabs, &OpenTabs::currentChanged, this, &TabsController::showCurrent);
-    connect(&m_tabs, &OpenTabs::tabsChanged, this, &TabsController::updateTitles);
+    connect(&m_tabs, &OpenTabs::tabsChanged, this, [this] {
+        updateTitles();
+        Q_EMIT changed();
+    });
+    connect(&m_tabs, &OpenTabs::aboutToLeave, &browser, &BrowserViewController::keepViewState);
+    connect(&m_tabs, &OpenTabs::aboutToSave, &browser, &BrowserViewController::keepViewState);
+    connect(&browser, &BrowserViewController::viewChanged, &m_tabs, &OpenTabs::saveSoon);
     ZQTabStrip &strip = toolbar.tabStrip();
     connect(&strip, &ZQTabStrip::currentChanged, &m_tabs, &OpenTabs::select);
     connect(&strip, &ZQTabStrip::closeRequested, &m_tabs, &OpenTabs::closeTab);
@@ -48,7 +54,16 @@ void TabsController::showCurrent()
     }
     m_browser.showTab(tab);
     updateTitles();
+    if (const auto isOpen = tab->view.infoPanelOpen) {
+        Q_EMIT infoPanelRequested(*isOpen);
+    }
     Q_EMIT changed();
+}
+
+void TabsController::setInfoPanelOpen(bool isOpen)
+{
+    m_tabs.current()->view.infoPanelOpen = isOpen;
+    m_tabs.saveSoon();
 }
 
 void TabsController::sidebarSelectionChanged()
@@ -58,6 +73,7 @@ void TabsController::sidebarSelectionChanged()
         return;
     }
     m_browser.showSidebarItems(items);
+    m_tabs.saveSoon();
     updateTitles();
     Q_EMIT changed();
 }

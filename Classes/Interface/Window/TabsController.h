@@ -15,16 +15,19 @@ class TabsController : public QObject
 {
     Q_OBJECT
 public:
-    TabsController(EditContext &edits, MainToolbar &toolbar, ProjectsSidebarViewController &sidebar,
-                   BrowserViewController &browser, QObject *parent = nullptr);
+    // `path`: of the file that keeps them.
+    TabsController(EditContext &edits, const QString &path, MainToolbar &toolbar,
+                   ProjectsSidebarViewController &sidebar, BrowserViewController &browser, QObject *parent = nullptr);
 
     void restore() { m_tabs.restore(); }
-    void save() const { m_tabs.save(); }
+    void save() { m_tabs.save(); }
+    void setInfoPanelOpen(bool isOpen); // of the tab in front
     void updateTitles();
     QList<WindowCommand> commands();
 
 Q_SIGNALS:
-    void changed(); // what is shown, or how many tabs there are
+    void changed();                       // what is shown, or how many tabs there are
+    void infoPanelRequested(bool isOpen); // as the tab that came to the front had it
 
 private:
     void showCurrent();

@@ -31,8 +31,8 @@ const std::vector<MenuPlan> &menuPlans()
          {Undo, Redo, separator, Copy, Paste, SelectAll, separator, CommandID::Rename, Duplicate, Remove,
           DeleteFromLibrary, separator, Rate0, separator, Find}},
         {"View",
-         {Sidebar, InfoPanel, separator, LargerThumbnails, SmallerThumbnails, separator, QuickLook, Open, FullScreen,
-          separator, DarkTheme}},
+         {Sidebar, InfoPanel, separator, GroupPlain, SortManually, separator, LargerThumbnails, SmallerThumbnails,
+          separator, QuickLook, Open, FullScreen, separator, DarkTheme}},
         {"Help", {Keyboard}},
     };
     return plans;
@@ -76,6 +76,23 @@ QMenu *WindowCommands::makeRatingMenu(QWidget *parent)
     return menu;
 }
 
+QMenu *WindowCommands::makeOrderMenu(CommandID first, QWidget *parent)
+{
+    const bool isGroups = first == CommandID::GroupPlain;
+    auto *menu = new QMenu(isGroups ? zqLocalized("Group") : zqLocalized("Sort"), parent);
+    menu->setObjectName(isGroups ? QStringLiteral("Group") : QStringLiteral("Sort"));
+    const CommandID last = isGroups ? CommandID::GroupBySize : CommandID::SortByCreationDate;
+    for (int id = int(first); id <= int(last); ++id) {
+        menu->addAction(action(CommandID(id)));
+    }
+    if (!isGroups) {
+        menu->addSeparator();
+        menu->addAction(action(CommandID::SortAscending));
+        menu->addAction(action(CommandID::SortDescending));
+    }
+    return menu;
+}
+
 QMenu *WindowCommands::makeMenus(QWidget *parent)
 {
     m_menus = new QMenu(parent);
@@ -87,6 +104,8 @@ QMenu *WindowCommands::makeMenus(QWidget *parent)
                 menu->addSeparator();
             } else if (*entry == CommandID::Rate0) {
                 menu->addMenu(makeRatingMenu(menu));
+            } else if (*entry == CommandID::GroupPlain || *entry == CommandID::SortManually) {
+                menu->addMenu(makeOrderMenu(*entry, menu));
             } else {
                 menu->addAction(action(*entry));
             }

@@ -28,6 +28,7 @@ public:
 
 private:
     QMenu *makeRatingMenu(QWidget *parent);
+    QMenu *makeOrderMenu(CommandID first, QWidget *parent); // to group, or to sort
 
     QWidget *m_window;
     std::vector<WindowCommand> m_commands;

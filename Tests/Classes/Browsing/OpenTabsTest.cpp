@@ -2,6 +2,9 @@
 
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
+#include <QFileInfo>
+#include <QtTest/QTest>
+
 namespace {
 
 class OpenTabsTest : public BrowsingFixture
@@ -23,7 +26,8 @@ protected:
     const Item a = addProject(QStringLiteral("A"));
     const Item b = addProject(QStringLiteral("B"));
     const Item c = addProject(QStringLiteral("C"));
-    OpenTabs tabs{editing};
+    const QString path = library.path(QStringLiteral("tabs/opened_tabs.plist"));
+    OpenTabs tabs{editing, path};
     int changes = 0;
 };
 
@@ -66,6 +70,44 @@ TEST_F(OpenTabsTest, OneIsAlwaysInFrontWhateverIsClosed)
     EXPECT_GT(changes, 0);
 }
 
+TEST_F(OpenTabsTest, TheOneInFrontIsLeftOnlyForAnother)
+{
+    int lefts = 0;
+    QObject::connect(&tabs, &OpenTabs::aboutToLeave, [&lefts] { ++lefts; });
+    tabs.restore();
+    show(tabs, a);
+    tabs.newTab();
+    const auto second = tabs.current();
+    show(tabs, b);
+    second->setSort(ZQSortValue::Title, false);
+    changes = lefts = 0;
+    tabs.select(1);
+    EXPECT_EQ(changes, 0) << "it is in front";
+    tabs.select(0);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(lefts, 1);
+    EXPECT_EQ(b->sortKeys(), qint16(ZQSortValue::Title)) << "what is left keeps its order";
+    tabs.selectTabForState(*second);
+    EXPECT_EQ(shown(tabs), "A B | B");
+    second->setSort(ZQSortValue::Size, false);
+    tabs.closeTab(1);
+    EXPECT_EQ(b->sortKeys(), qint16(ZQSortValue::Size)) << "what is closed, too";
+    tabs.selectTabForState(*second);
+    EXPECT_EQ(shown(tabs), "A | A") << "it is closed";
+    for (int i = 0; i < 60; ++i) {
+        tabs.newTab();
+        tabs.closeTab(1);
+    }
+    int reopened = 0;
+    for (; tabs.canReopen(); ++reopened) {
+        tabs.reopenTab();
+    }
+    EXPECT_EQ(reopened, 50);
+    tabs.moveTab(0, 99);
+    tabs.moveTab(-1, 0);
+    EXPECT_EQ(tabs.count(), 51);
+}
+
 TEST_F(OpenTabsTest, WhatIsOpenComesBackWithoutWhatIsGone)
 {
     show(tabs, a);
@@ -80,33 +122,62 @@ TEST_F(OpenTabsTest, WhatIsOpenComesBackWithoutWhatIsGone)
     c->deleteSelf();
     library.context().save();
 
-    OpenTabs again(editing);
+    OpenTabs again(editing, path);
+    again.restore();
+    EXPECT_EQ(shown(again), "A B nothing selected | B");
+    again.select(0);
+    EXPECT_EQ(again.current()->searchString(), QStringLiteral(" words "));
+    EXPECT_EQ(again.current()->filter(), QStringLiteral("words"));
+}
+
+TEST_F(OpenTabsTest, WhatAnOlderVersionKeptIsTakenOverOnce)
+{
+    auto &defaults = ZQUserDefaults::standardUserDefaults();
+    const QUuid store = library.coordinator()->storeUUID();
+    const auto tab = [&store](const QList<Item> &items, const QString &search) {
+        QStringList uris;
+        for (const Item &item : items) {
+            uris.append(item->objectID().URIRepresentation(store));
+        }
+        return QVariantMap{{QStringLiteral("items"), uris}, {QStringLiteral("search"), search}};
+    };
+    c->deleteSelf();
+    library.context().save();
+    defaults.setObjectForKey(QVariantList{tab({a, c}, QStringLiteral("words")), tab({c}, {}), tab({b}, {})},
+                             QStringLiteral("OpenTabs"));
+    defaults.setObjectForKey(1, QStringLiteral("SelectedTab"));
+    tabs.restore();
+    EXPECT_EQ(shown(tabs), "A B | B");
+    EXPECT_TRUE(defaults.isSet(QStringLiteral("OpenTabs"))) << "until the file is written";
+    EXPECT_EQ(tabs.current()->browserDisplayStyleValue(), BrowserDisplayStyle::BySidebarItem)
+        << "in the order it was left in";
+    tabs.save();
+    EXPECT_FALSE(defaults.isSet(QStringLiteral("OpenTabs")));
+    EXPECT_FALSE(defaults.isSet(QStringLiteral("SelectedTab")));
+    OpenTabs again(editing, path);
     again.restore();
     EXPECT_EQ(shown(again), "A B | B");
     again.select(0);
-    EXPECT_EQ(again.current()->searchString(), QStringLiteral(" words "));
-    EXPECT_EQ(again.current()->contentQuery().filter, QStringLiteral("words"));
+    EXPECT_EQ(again.current()->searchString(), QStringLiteral("words"));
+
+    // Where no file can be written, it stays.
+    defaults.setObjectForKey(QVariantList{tab({a}, {})}, QStringLiteral("OpenTabs"));
+    library.writeFile(QStringLiteral("blocked"), "a file");
+    OpenTabs blocked(editing, library.path(QStringLiteral("blocked/opened_tabs.plist")));
+    blocked.restore();
+    EXPECT_EQ(shown(blocked), "A | A");
+    blocked.save();
+    EXPECT_TRUE(defaults.isSet(QStringLiteral("OpenTabs")));
+    defaults.removeObjectForKey(QStringLiteral("OpenTabs"));
 }
 
-TEST_F(OpenTabsTest, ATabFollowsItsSingleItemAndSeveralHaveNoOrder)
+TEST_F(OpenTabsTest, ChangesAreWrittenByThemselves)
 {
-    TabState tab(editing);
-    EXPECT_EQ(tab.tabName(), QStringLiteral("nothing selected"));
-    EXPECT_EQ(tab.sortKeysValue(), ZQSortValue::Manual);
-    EXPECT_EQ(tab.zoomValue(), 0.5);
-    tab.setSort(ZQSortValue::Title, true); // of nothing
-    tab.setSidebarSelectedItems({a->objectID(), b->objectID()});
-    EXPECT_EQ(tab.tabName(), QStringLiteral("2 items selected"));
-    EXPECT_EQ(tab.sortKeysValue(), ZQSortValue::None);
-    EXPECT_FALSE(tab.browserCanManuallySort());
-    tab.setSidebarSelectedItems({a->objectID()});
-    EXPECT_TRUE(tab.browserCanManuallySort());
-    tab.setSort(ZQSortValue::Size, true);
-    tab.keepZoom(0.75);
-    EXPECT_FALSE(library.context().hasChanges()) << "both are saved";
-    EXPECT_EQ(a->sortKeys(), qint16(ZQSortValue::Size));
-    EXPECT_TRUE(TabState(editing, {a->objectID()}).sortDirectionValue());
-    EXPECT_EQ(TabState(editing, {a->objectID()}).zoomValue(), 0.75);
-    const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
-    EXPECT_FALSE(TabState(editing, {everything->objectID()}).browserCanManuallySort());
+    tabs.restore();
+    show(tabs, a);
+    tabs.newTab();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return QFileInfo::exists(path); }, 20000));
+    OpenTabs again(editing, path);
+    again.restore();
+    EXPECT_EQ(shown(again), "A A | A");
 }

@@ -5,6 +5,7 @@
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QClipboard>
+#include <QFile>
 #include <QLabel>
 #include <QSlider>
 #include <QSplitter>
@@ -21,8 +22,9 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                              "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
                              "Find Ctrl+F"));
     EXPECT_EQ(commandsOf(menuOf("View")),
-              QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
-                             "Smaller Thumbnails Ctrl+-\n-\nQuick Look\nOpen\nFull Screen F11\n-\nDark Theme ✓"));
+              QStringLiteral(
+                  "Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
+                  "Smaller Thumbnails Ctrl+-\n-\nQuick Look\nOpen\nFull Screen F11\n-\nDark Theme ✓"));
     EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1"));
     EXPECT_EQ(commandsOf(menuOf("Rating")),
               QStringLiteral("None 0\n1 Star 1\n2 Stars 2\n3 Stars 3\n4 Stars 4\n5 Stars 5"));
@@ -376,7 +378,7 @@ TEST_F(MainWindowTest, TheNextWindowIsAsThisOneWasLeft)
     EXPECT_FALSE(named<QToolButton>("Sidebar (Ctrl+B)")->isChecked());
     EXPECT_FALSE(named<QToolButton>("Info Panel (Ctrl+Shift+I)")->isChecked());
     EXPECT_EQ(window().findChild<QSplitter *>()->handleWidth(), 1);
-    EXPECT_EQ(tabs(), QStringLiteral("B 1/2")) << "what is gone is left out";
+    EXPECT_EQ(tabs(), QStringLiteral("B 1/3")) << "what is gone is left out";
     EXPECT_EQ(search().text(), QStringLiteral("e"));
     EXPECT_EQ(browser().content().filter(), QStringLiteral("e"));
     EXPECT_EQ(QApplication::focusWidget(), &grid());
@@ -390,13 +392,7 @@ TEST_F(MainWindowTest, TheNextWindowIsAsThisOneWasLeft)
     EXPECT_NEAR(grid().zoom(), 0.695, 1e-6);
     EXPECT_EQ(named<QSlider>("Thumbnail size")->value(), 694);
     closeWindow();
-
-    ZQUserDefaults::standardUserDefaults().setObjectForKey(99, QStringLiteral("SelectedTab"));
-    openWindow();
-    EXPECT_EQ(tabs(), QStringLiteral("B 1/2"));
-    EXPECT_TRUE(sidebar().isVisible());
-    closeWindow();
-    ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("OpenTabs"));
+    QFile::remove(delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist"));
     openWindow();
     EXPECT_EQ(tabs(), QStringLiteral("Library 0/1"));
 }

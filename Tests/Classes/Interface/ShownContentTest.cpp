@@ -136,3 +136,32 @@ TEST_F(ShownContentTest, AQuickSuccessionOfRequestsEndsWithTheLastOne)
     settle();
     EXPECT_EQ(shown(content), QStringList{"c"});
 }
+
+TEST_F(ShownContentTest, ATabThatComesBackShowsItsRowsAtOnceAndRecentOnesAnew)
+{
+    for (const auto &image : std::as_const(images)) {
+        image->setImport_date(zqNow());
+    }
+    library.context().save();
+    BrowserContent content(window);
+    const auto tab = std::make_shared<TabState>(window, QList<ZQObjectID>{project->objectID()});
+    const auto recent = std::make_shared<TabState>(
+        window,
+        QList<ZQObjectID>{ZQSidebarBaseItem::recentProjectInManagedObjectContext(library.context())->objectID()});
+    content.setTab(tab);
+    settle();
+    const QStringList rows = shown(content);
+    content.setTab(recent);
+    settle();
+    EXPECT_EQ(content.count(), 4);
+    content.setTab(tab);
+    EXPECT_FALSE(content.isLoading());
+    EXPECT_EQ(shown(content), rows);
+    images[0]->setImport_date(zqNow().addDays(-30));
+    images[0]->setModification_date(zqNow().addDays(-30));
+    library.context().save();
+    content.setTab(recent);
+    EXPECT_EQ(content.count(), 4) << "as it was";
+    settle();
+    EXPECT_EQ(content.count(), 3);
+}

@@ -9,6 +9,7 @@
 #include <QGraphicsEffect>
 #include <QHelpEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QToolButton>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -81,7 +82,8 @@ TEST_F(Strip, TabsAreAsWideAsTheirTitlesUntilTheRoomEnds)
                              {800, {longTitle, longTitle, longTitle, longTitle, longTitle}, {150, 150, 150, 150, 150}},
                              {199, {longTitle, longTitle}, {200, 200}}, // not laid out yet
                              {200, {longTitle, longTitle}, {78, 78}},
-                             {201, QStringList(8, longTitle), {48, 48, 48, 48, 48, 48, 48, 48}},
+                             {201, QStringList(8, longTitle), {129}}, // and seven in the menu
+                             {199, {QStringLiteral("A")}, {std::max(48, natural(QStringLiteral("A"), 26))}},
                              {800, {QString()}, {48}}}) {
         strip.resize(each.width, 36);
         strip.setTabs(each.titles, 0);
@@ -224,6 +226,50 @@ TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
     EXPECT_TRUE(inked({only - 25, 8, 14, 20})) << "the title goes on where no mark is";
     EXPECT_TRUE(inked({only + 2 + 4 + 8, 13, 10, 10})) << "the button";
     EXPECT_EQ(strip.grab().toImage().size(), before.size());
+}
+
+TEST_F(Strip, TabsWithoutRoomAreInAMenuOfAll)
+{
+    auto *all = strip.findChild<QToolButton *>();
+    strip.resize(400, 36);
+    QStringList titles;
+    for (int i = 0; i < 14; ++i) {
+        titles.append(QStringLiteral("Some long title & %1").arg(i));
+    }
+    strip.setTabs(titles.first(3), 0);
+    EXPECT_FALSE(all->isVisibleTo(&strip));
+    strip.setTabs(titles, 0);
+    EXPECT_EQ(strip.visibleCount(), 4);
+    EXPECT_TRUE(all->isVisibleTo(&strip));
+    EXPECT_EQ(all->accessibleName(), QStringLiteral("All Tabs"));
+    EXPECT_TRUE(all->focusPolicy() & Qt::TabFocus);
+    EXPECT_GT(all->geometry().left(), strip.sizeHint().width()) << "beside the tabs and the button for a new one";
+    const auto chosen = [this] {
+        QStringList parts = hits().split(u',');
+        parts.removeDuplicates();
+        return parts.filter(QStringLiteral("current")).join(u' ');
+    };
+    EXPECT_EQ(chosen(), QStringLiteral("current 1 current 2 current 3"));
+    strip.setTabs(titles, 9);
+    EXPECT_EQ(chosen(), QStringLiteral("current 6 current 7 current 8")) << "the current one is shown";
+    strip.setTabs(titles, 7);
+    EXPECT_EQ(chosen(), QStringLiteral("current 6 current 8 current 9")) << "and nothing moves without need";
+    strip.setTabs(titles, 13);
+    strip.setTabs(titles.first(5), 4);
+    EXPECT_EQ(strip.visibleCount(), 4);
+    EXPECT_EQ(chosen(), QStringLiteral("current 1 current 2 current 3"));
+    strip.setTabs(titles, 2);
+    take();
+    Q_EMIT all->menu()->aboutToShow();
+    ASSERT_EQ(all->menu()->actions().size(), 14);
+    EXPECT_EQ(all->menu()->actions()[13]->text(), QStringLiteral("Some long title && 13"));
+    EXPECT_TRUE(all->menu()->actions()[2]->isChecked());
+    EXPECT_FALSE(all->menu()->actions()[3]->isChecked());
+    all->menu()->actions()[13]->trigger();
+    EXPECT_EQ(take(), QStringLiteral("current 13"));
+    strip.resize(3000, 36);
+    EXPECT_EQ(strip.visibleCount(), 14);
+    EXPECT_FALSE(all->isVisibleTo(&strip));
 }
 
 TEST_F(Strip, TipsSayTheWholeTitle)

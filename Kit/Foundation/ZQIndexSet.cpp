@@ -1,4 +1,4 @@
-#include "Kit/Widgets/ZQIndexSet.h"
+#include "Kit/Foundation/ZQIndexSet.h"
 
 #include <algorithm>
 

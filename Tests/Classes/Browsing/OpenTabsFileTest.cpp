@@ -1,0 +1,286 @@
+#include "Classes/Browsing/OpenTabsFile.h"
+
+#include "Kit/Files/ZQKeyedArchive.h"
+#include "Tests/Classes/Browsing/BrowsingFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLoggingCategory>
+
+#include <random>
+
+using ZQKeyedArchive::Object;
+
+namespace {
+
+class OpenTabsFileTest : public BrowsingFixture
+{
+protected:
+    OpenTabsFileTest() { QLoggingCategory::setFilterRules(QStringLiteral("zelto.interface.warning=false")); }
+    ~OpenTabsFileTest() override { QLoggingCategory::setFilterRules({}); }
+    // A tab of every property, and one of none.
+    OpenTabsFile::Tabs everyProperty()
+    {
+        auto full = std::make_shared<TabState>(editing, QList<ZQObjectID>{a->objectID(), b->objectID()});
+        full->setSearchString(QStringLiteral("wörds"));
+        full->setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("title CONTAINS[cd] \"x\"")));
+        full->setSortKeys(ZQSortValue::Color);
+        full->setSortDirection(false);
+        full->setZoom(0.445);
+        full->setBrowserDisplayStyle(BrowserDisplayStyle::BySize);
+        full->view.scroll = QPointF(0, 12345678);
+        full->view.selectionIndexes.insert(2, 5);
+        full->view.selectionIndexes.insert(900000);
+        full->view.detailItem = image->objectID();
+        full->view.detailZoom = 2.5;
+        full->view.detailScroll = QPointF(10.5, 20.25);
+        full->view.infoPanelOpen = false;
+        full->view.infoPanelHeight = 320;
+        full->view.exportPanelOpen = true;
+        return {{full, std::make_shared<TabState>(editing, QList<ZQObjectID>{b->objectID()})}, 1};
+    }
+    QByteArray written()
+    {
+        EXPECT_TRUE(OpenTabsFile(path).write(everyProperty(), editing));
+        return ScratchLibrary::readFile(path);
+    }
+    bool reads(const QByteArray &data)
+    {
+        library.writeFile(QStringLiteral("opened_tabs.plist"), data);
+        return OpenTabsFile(path).read(editing).has_value();
+    }
+    QStringList aside() const
+    {
+        return QDir(library.path(QStringLiteral("."))).entryList({QStringLiteral("opened_tabs (*")});
+    }
+    void removeAside()
+    {
+        for (const QString &name : aside()) {
+            QFile::remove(library.path(name));
+        }
+    }
+    static QByteArray archive(const QVariant &tabs, const QVariant &index = 0)
+    {
+        return *ZQKeyedArchive::toData(
+            QVariantMap{{QStringLiteral("tabs"), tabs}, {QStringLiteral("indexOfSelectedTab"), index}});
+    }
+    static QByteArray tabWith(const char *key, const QVariant &value, const char *className = "TabState")
+    {
+        return archive(QVariantList{
+            QVariant::fromValue(Object{QString::fromLatin1(className), {{QString::fromLatin1(key), value}}})});
+    }
+
+    const QString path = library.path(QStringLiteral("opened_tabs.plist"));
+    const Item a = addProject(QStringLiteral("A"));
+    const Item b = addProject(QStringLiteral("B"));
+    const ZQRef<ZQLibraryBaseItem> image = library.addImage(QStringLiteral("image"));
+    const bool isSaved = library.context().save();
+};
+
+} // namespace
+
+TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
+{
+    const QByteArray data = written();
+    const auto fields = [&data](int tab) {
+        return ZQKeyedArchive::fromData(data)
+            ->toMap()
+            .value(QStringLiteral("tabs"))
+            .toList()
+            .at(tab)
+            .value<Object>()
+            .fields;
+    };
+    EXPECT_EQ(fields(0).keys().join(u' ').toStdString(),
+              "browserDisplayStyle detailObjectIDString detailScroll detailZoom exportPanelOpen filterPredicate "
+              "infoPanelHeight infoPanelOpen scroll searchString selectionIndexes sidebarSelectedItemIDStrings "
+              "sortDirection sortKeys tabName zoom");
+    EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), QStringLiteral("title CONTAINS[cd] \"x\""));
+    EXPECT_EQ(fields(0).value(QStringLiteral("tabName")), QStringLiteral("2 items selected"));
+    for (const char *key : {"zoom", "sortKeys", "filterPredicate", "searchString", "selectionIndexes", "scroll"}) {
+        EXPECT_FALSE(fields(1).value(QLatin1StringView(key)).isValid()) << key;
+    }
+
+    const auto back = OpenTabsFile(path).read(editing);
+    ASSERT_TRUE(back);
+    ASSERT_EQ(back->tabs.size(), 2);
+    EXPECT_EQ(back->indexOfSelectedTab, 1);
+    const TabState &full = *back->tabs[0];
+    EXPECT_EQ(full.sidebarSelectedItems(), (QList<ZQObjectID>{a->objectID(), b->objectID()}));
+    EXPECT_EQ(full.searchString(), QStringLiteral("wörds"));
+    EXPECT_EQ(full.filterPredicate().predicateFormat(), QStringLiteral("title CONTAINS[cd] \"x\""));
+    EXPECT_EQ(full.sortKeys(), ZQSortValue::Color);
+    EXPECT_EQ(full.sortDirection(), false);
+    EXPECT_EQ(full.zoom(), 0.445);
+    EXPECT_EQ(full.browserDisplayStyle(), BrowserDisplayStyle::BySize);
+    EXPECT_EQ(full.view.scroll, QPointF(0, 12345678));
+    EXPECT_EQ(full.view.selectionIndexes.count(), 5);
+    EXPECT_EQ(full.view.detailItem, image->objectID());
+    EXPECT_EQ(full.view.detailZoom, 2.5);
+    EXPECT_EQ(full.view.detailScroll, QPointF(10.5, 20.25));
+    EXPECT_EQ(full.view.infoPanelOpen, false);
+    EXPECT_EQ(full.view.infoPanelHeight, 320);
+    EXPECT_EQ(full.view.exportPanelOpen, true);
+    const TabState &empty = *back->tabs[1];
+    EXPECT_FALSE(empty.sortKeys() || empty.sortDirection() || empty.zoom() || empty.browserDisplayStyle());
+    EXPECT_FALSE(empty.view.scroll || empty.view.detailZoom || empty.view.infoPanelOpen);
+    EXPECT_TRUE(empty.view.selectionIndexes.isEmpty() && empty.view.detailItem.isNull());
+    EXPECT_EQ(aside(), QStringList());
+}
+
+TEST_F(OpenTabsFileTest, WhatIsTooMuchToReadIsNotWritten)
+{
+    OpenTabsFile::Tabs tabs;
+    for (int i = 0; i < 3; ++i) {
+        tabs.tabs.append(std::make_shared<TabState>(editing, QList<ZQObjectID>(1500, a->objectID())));
+        for (qint64 index = 0; index < 100000; index += 2) {
+            tabs.tabs[i]->view.selectionIndexes.insert(index);
+        }
+    }
+    ASSERT_TRUE(OpenTabsFile(path).write(tabs, editing));
+    const auto back = OpenTabsFile(path).read(editing);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->tabs.size(), 3);
+    EXPECT_EQ(back->tabs[0]->sidebarSelectedItems().size(), 1000);
+    EXPECT_TRUE(back->tabs[0]->view.selectionIndexes.isEmpty());
+}
+
+TEST_F(OpenTabsFileTest, WhatHasNoLastingIdentifierIsSavedFirst)
+{
+    const auto fresh = library.context().insertNewObject<ZQSidebarProject>();
+    fresh->setTitle(QStringLiteral("Fresh"));
+    fresh->setActive(true);
+    ASSERT_TRUE(fresh->objectID().isTemporary());
+    const auto tab = std::make_shared<TabState>(editing, QList<ZQObjectID>{fresh->objectID()});
+    ASSERT_TRUE(OpenTabsFile(path).write({{tab}, 0}, editing));
+    EXPECT_FALSE(fresh->objectID().isTemporary());
+    EXPECT_EQ(tab->sidebarSelectedItems(), QList<ZQObjectID>{fresh->objectID()});
+    EXPECT_EQ(OpenTabsFile(path).read(editing)->tabs.first()->tabName(), QStringLiteral("Fresh"));
+}
+
+TEST_F(OpenTabsFileTest, WhatIsGoneIsLeftOutAndTabsOfAnotherLibraryAreNotOpened)
+{
+    written();
+    a->deleteSelf();
+    image->setActive(false);
+    library.context().save();
+    const auto back = OpenTabsFile(path).read(editing);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->tabs[0]->tabName(), QStringLiteral("B"));
+    EXPECT_TRUE(back->tabs[0]->view.detailItem.isNull());
+    ScratchLibrary other;
+    EditContext there{other.context(), user, editQueue, [] { return true; }};
+    EXPECT_FALSE(OpenTabsFile(path).read(there));
+    EXPECT_EQ(aside(), QStringList());
+    EXPECT_FALSE(reads(*ZQKeyedArchive::toData(QVariantMap())));
+    EXPECT_FALSE(reads(archive(QVariantList())));
+    EXPECT_EQ(aside(), QStringList()) << "nothing was kept, which is no damage";
+    EXPECT_EQ(OpenTabsFile(library.path(QStringLiteral("nowhere/tabs.plist"))).read(editing).has_value(), false);
+}
+
+TEST_F(OpenTabsFileTest, AFileCutAnywhereIsSetAsideAndNeverReadAsAnother)
+{
+    const QByteArray whole = written();
+    EXPECT_TRUE(reads(whole));
+    for (qsizetype size = 0; size < whole.size(); ++size) {
+        ASSERT_FALSE(reads(whole.first(size))) << size;
+        ASSERT_EQ(aside().size(), 1) << size;
+        ASSERT_EQ(ScratchLibrary::readFile(library.path(aside().first())), whole.first(size));
+        ASSERT_FALSE(QFile::exists(path)) << size;
+        removeAside();
+    }
+}
+
+TEST_F(OpenTabsFileTest, FlippedBitsGiveTabsOrAreSetAside)
+{
+    const QByteArray whole = written();
+    std::mt19937 random(3);
+    int kept = 0;
+    for (int round = 0; round < 1500; ++round) {
+        QByteArray damaged = whole;
+        for (auto flips = 1 + random() % 4; flips > 0; --flips) {
+            const auto at = qsizetype(random() % size_t(damaged.size()));
+            damaged[at] = char(damaged.at(at) ^ (1 << random() % 8));
+        }
+        library.writeFile(QStringLiteral("opened_tabs.plist"), damaged);
+        const auto tabs = OpenTabsFile(path).read(editing);
+        ASSERT_TRUE(!tabs || (!tabs->tabs.isEmpty() && tabs->indexOfSelectedTab < tabs->tabs.size()));
+        ASSERT_TRUE(!tabs || !QFile::exists(path) == !aside().isEmpty());
+        kept += aside().isEmpty() ? 0 : 1;
+        removeAside();
+    }
+    EXPECT_GT(kept, 0);
+}
+
+TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
+{
+    QVariantList many(OpenTabsFile::mostTabs + 1, QVariant::fromValue(Object{QStringLiteral("TabState"), {}}));
+    QVariantList uris(1001, a->objectID().URIRepresentation(library.coordinator()->storeUUID()));
+    const QByteArray hostile[] = {
+        {},
+        "no list at all",
+        QByteArray(1000, '\0'),
+        archive(QStringLiteral("tabs")),
+        archive(many),
+        archive(QVariantList{QStringLiteral("tab")}),
+        archive(QVariantList{QVariant::fromValue(Object{QStringLiteral("TabState"), {}})}, QStringLiteral("one")),
+        *ZQKeyedArchive::toData(QVariantList()),
+        tabWith("zoom", 0.5, "Other"),
+        tabWith("zoom", QStringLiteral("0.5")),
+        tabWith("zoom", 1.5),
+        tabWith("zoom", std::numeric_limits<double>::quiet_NaN()),
+        tabWith("sortKeys", 99),
+        tabWith("sortKeys", -1),
+        tabWith("sortKeys", 1.5),
+        tabWith("sortDirection", 2),
+        tabWith("browserDisplayStyle", 5),
+        tabWith("searchString", 5),
+        tabWith("searchString", QString(70000, u'x')),
+        tabWith("scroll", QStringLiteral("{0, 0}")),
+        tabWith("scroll", QPointF(0, 1e300)),
+        tabWith("selectionIndexes", QVariantList{1}),
+        tabWith("sidebarSelectedItemIDStrings", QStringLiteral("uri")),
+        tabWith("sidebarSelectedItemIDStrings", QVariantList{1}),
+        tabWith("sidebarSelectedItemIDStrings", uris),
+        tabWith("detailObjectIDString", 7),
+        tabWith("tabName", QVariantList()),
+    };
+    int row = 0;
+    for (const QByteArray &data : hostile) {
+        EXPECT_FALSE(reads(data)) << row;
+        EXPECT_EQ(aside().size(), 1) << row;
+        removeAside();
+        ++row;
+    }
+    EXPECT_TRUE(reads(tabWith("filterPredicate", QStringLiteral("no ( predicate")))) << "searched anew from the text";
+    EXPECT_TRUE(reads(tabWith("sortDirection", true)));
+
+    for (int number = 1; number <= OpenTabsFile::mostSetAside + 2; ++number) {
+        EXPECT_FALSE(reads("damaged " + QByteArray::number(number)));
+        EXPECT_EQ(aside().size(), std::min(number, OpenTabsFile::mostSetAside));
+    }
+    for (int number = 1; number <= OpenTabsFile::mostSetAside; ++number) {
+        EXPECT_EQ(ScratchLibrary::readFile(library.path(QStringLiteral("opened_tabs (damaged %1).plist").arg(number))),
+                  "damaged " + QByteArray::number(number));
+    }
+    removeAside();
+    QFile::remove(path);
+    QDir().mkpath(path);
+    EXPECT_FALSE(OpenTabsFile(path).read(editing)) << "a folder";
+    EXPECT_EQ(aside().size(), 1);
+}
+
+TEST_F(OpenTabsFileTest, NothingIsWrittenAnewThatIsThereAlready)
+{
+    OpenTabsFile file(path);
+    const OpenTabsFile::Tabs tabs = everyProperty();
+    ASSERT_TRUE(file.write(tabs, editing));
+    QFile::remove(path);
+    EXPECT_TRUE(file.write(tabs, editing));
+    EXPECT_FALSE(QFile::exists(path));
+    tabs.tabs[0]->setZoom(0.1);
+    EXPECT_TRUE(file.write(tabs, editing));
+    EXPECT_TRUE(QFile::exists(path));
+    library.writeFile(QStringLiteral("blocked"), "a file");
+    EXPECT_FALSE(OpenTabsFile(library.path(QStringLiteral("blocked/tabs.plist"))).write(tabs, editing));
+}
