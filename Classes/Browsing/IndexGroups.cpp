@@ -5,6 +5,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <numeric>
 
@@ -61,50 +62,57 @@ QVariant textOf(const ZQScalar &value)
     return text ? QVariant(*text) : QVariant();
 }
 
-// The months of local time, found again quickly for dates that lie near each other.
-class Months
+QDate monthOf(qint64 milliseconds)
 {
-public:
-    QDate monthOf(qint64 milliseconds)
-    {
-        if (milliseconds < m_start || milliseconds >= m_end) {
-            const auto found = m_known.upper_bound(milliseconds);
-            if (found == m_known.begin() || milliseconds >= std::prev(found)->second.end) {
-                add(milliseconds);
-            } else {
-                use(std::prev(found));
-            }
+    const QDate date = QDateTime::fromMSecsSinceEpoch(milliseconds).date();
+    return {date.year(), date.month(), 1};
+}
+
+// Counts the months of local time that dates are in: a day tells the month, but for the days on which one begins.
+void countMonthsOf(const std::vector<qint64> &times, std::map<QDate, qint64> &counts)
+{
+    constexpr qint64 day = 24 * 60 * 60 * 1000;
+    constexpr qint64 mostDays = 200000; // five hundred years; who has dates beyond can wait
+    if (times.empty()) {
+        return;
+    }
+    const auto [lowest, highest] = std::minmax_element(times.begin(), times.end());
+    const qint64 firstDay = *lowest / day - 1;
+    if (*highest / day - firstDay > mostDays) {
+        for (const qint64 time : times) {
+            ++counts[monthOf(time)];
         }
-        return m_month;
+        return;
     }
-
-private:
-    struct Month
-    {
-        qint64 end;
-        QDate first;
-    };
-    void use(std::map<qint64, Month>::const_iterator found)
-    {
-        m_start = found->first;
-        m_end = found->second.end;
-        m_month = found->second.first;
+    std::vector<QDate> months;
+    std::vector<qint64> ends;
+    for (QDate month = monthOf(firstDay * day - day); ends.empty() || ends.back() <= *highest;
+         month = month.addMonths(1)) {
+        months.push_back(month);
+        ends.push_back(month.addMonths(1).startOfDay().toMSecsSinceEpoch());
     }
-    void add(qint64 milliseconds)
-    {
-        const QDate day = QDateTime::fromMSecsSinceEpoch(milliseconds).date();
-        const QDate first(day.year(), day.month(), 1);
-        use(m_known
-                .insert({first.startOfDay().toMSecsSinceEpoch(),
-                         Month{first.addMonths(1).startOfDay().toMSecsSinceEpoch(), first}})
-                .first);
+    std::vector<quint32> monthOfDay;
+    for (qint64 each = firstDay; each <= *highest / day; ++each) {
+        quint32 month = monthOfDay.empty() ? 0 : monthOfDay.back();
+        while (ends[month] <= (each - 1) * day) { // division takes times before 1970 to the day after
+            ++month;
+        }
+        monthOfDay.push_back(month);
     }
-
-    std::map<qint64, Month> m_known; // by start
-    qint64 m_start = 0;
-    qint64 m_end = 0;
-    QDate m_month;
-};
+    std::vector<qint64> found(months.size(), 0);
+    for (const qint64 time : times) {
+        quint32 month = monthOfDay[size_t(time / day - firstDay)];
+        while (ends[month] <= time) {
+            ++month;
+        }
+        ++found[month];
+    }
+    for (size_t month = 0; month < months.size(); ++month) {
+        if (found[month]) {
+            counts[months[month]] += found[month];
+        }
+    }
+}
 
 } // namespace
 
@@ -151,19 +159,35 @@ std::vector<IndexGroup> IndexGroups::groupByExtension(IndexRows &rows) const
 std::vector<IndexGroup> IndexGroups::groupByColor(IndexRows &rows) const
 {
     const IndexNumbers<qint32> &colors = m_columns.items.mainColor;
+    // The colours there are are few and small numbers; any others are looked up.
+    constexpr qint32 listed = 4096;
+    std::vector<quint32> small(listed, 0);
     std::map<std::optional<qint64>, quint32> known;
+    const auto isListed = [&](quint32 row) { return colors[row] > 0 && colors[row] < listed; };
     for (const quint32 row : rows.items) {
-        known.emplace(colors.value(row), 0);
+        if (isListed(row)) {
+            small[size_t(colors[row])] = 1;
+        } else {
+            known.emplace(colors.value(row), 0);
+        }
+    }
+    for (qint32 color = 0; color < listed; ++color) {
+        if (small[size_t(color)]) {
+            known.emplace(qint64(color), 0);
+        }
     }
     std::vector<QVariant> values;
     for (auto &[color, group] : known) {
         group = quint32(values.size());
         values.push_back(color ? QVariant(*color) : QVariant());
+        if (color && *color > 0 && *color < listed) {
+            small[size_t(*color)] = group;
+        }
     }
     std::vector<quint32> groups;
     groups.reserve(rows.size());
     for (const quint32 row : rows.items) {
-        groups.push_back(known.find(colors.value(row))->second);
+        groups.push_back(isListed(row) ? small[size_t(colors[row])] : known.find(colors.value(row))->second);
     }
     return groupsOf(part(rows, groups, values.size()), values);
 }
@@ -201,21 +225,25 @@ quint32 IndexGroups::sizesOf(quint32 row, const std::vector<quint8> &isVector) c
 std::vector<IndexGroup> IndexGroups::groupBySize(IndexRows &rows) const
 {
     const std::vector<quint8> isVector = vectorExtensions();
-    std::vector<quint32> places[std::size(sizeNames)];
+    std::vector<quint8> sizes(rows.size());
+    size_t counts[std::size(sizeNames)] = {};
     for (size_t i = 0; i < rows.size(); ++i) {
-        const quint32 sizes = sizesOf(rows.items[i], isVector);
+        sizes[i] = quint8(sizesOf(rows.items[i], isVector));
         for (size_t size = 0; size < std::size(sizeNames); ++size) {
-            if (sizes >> size & 1U) {
-                places[size].push_back(quint32(i));
-            }
+            counts[size] += sizes[i] >> size & 1U;
         }
     }
     std::vector<quint32> all;
+    all.reserve(std::accumulate(std::begin(counts), std::end(counts), size_t(0)));
     std::vector<IndexGroup> groups;
     for (size_t size = 0; size < std::size(sizeNames); ++size) {
-        if (!places[size].empty()) {
-            groups.push_back({QLatin1StringView(sizeNames[size]), all.size(), places[size].size()});
-            all.insert(all.end(), places[size].begin(), places[size].end());
+        if (counts[size]) {
+            groups.push_back({QLatin1StringView(sizeNames[size]), all.size(), counts[size]});
+        }
+        for (size_t i = 0; i < rows.size() && counts[size]; ++i) {
+            if (sizes[i] >> size & 1U) {
+                all.push_back(quint32(i));
+            }
         }
     }
     rows = picked(rows, all);
@@ -224,21 +252,37 @@ std::vector<IndexGroup> IndexGroups::groupBySize(IndexRows &rows) const
 
 namespace {
 
-template <class Key, class ValueOf, class Name>
-std::vector<IndexCount> counted(const ZQRowSet &rows, const ValueOf &valueOf, const Name &name)
+// How often each value occurs: null first, then by number. Small numbers, which nearly all are, are counted in a list.
+template <class T>
+std::vector<IndexCount> countedNumbers(const ZQRowSet &rows, const IndexNumbers<T> &numbers)
 {
-    std::map<Key, qint64> found;
-    rows.forEach([&](size_t row) { ++found[valueOf(row)]; });
-    std::vector<IndexCount> counts;
-    for (const auto &[key, count] : found) {
-        counts.push_back({name(key), count});
+    constexpr qint64 listed = 4096;
+    qint64 nulls = 0;
+    std::vector<qint64> small(listed, 0);
+    std::map<qint64, qint64> counts;
+    rows.forEach([&](size_t row) {
+        const qint64 value = numbers[row];
+        if (value > 0 && value < listed) {
+            ++small[size_t(value)];
+        } else if (numbers.isNull(row)) {
+            ++nulls;
+        } else {
+            ++counts[value];
+        }
+    });
+    for (qint64 value = 0; value < listed; ++value) {
+        if (small[size_t(value)]) {
+            counts[value] += small[size_t(value)];
+        }
     }
-    return counts;
-}
-
-QVariant numberOrNothing(const std::optional<qint64> &number)
-{
-    return number ? QVariant(*number) : QVariant();
+    std::vector<IndexCount> result;
+    if (nulls) {
+        result.push_back({QVariant(), nulls});
+    }
+    for (const auto &[value, count] : counts) {
+        result.push_back({QVariant(value), count});
+    }
+    return result;
 }
 
 } // namespace
@@ -276,9 +320,20 @@ std::vector<IndexCount> IndexGroups::countSidebar(IndexFacet facet, const ZQRowS
 std::vector<IndexCount> IndexGroups::countMonths(const ZQRowSet &rows) const
 {
     const IndexNumbers<qint64> &dates = m_columns.items.modificationDate;
-    Months months;
+    std::vector<qint64> times;
+    qint64 nulls = 0;
+    rows.forEach([&](size_t row) {
+        if (dates.isNull(row)) {
+            ++nulls;
+        } else {
+            times.push_back(dates[row]);
+        }
+    });
     std::map<QDate, qint64> found;
-    rows.forEach([&](size_t row) { ++found[dates.isNull(row) ? QDate() : months.monthOf(dates[row])]; });
+    if (nulls) {
+        found[QDate()] = nulls;
+    }
+    countMonthsOf(times, found);
     std::vector<IndexCount> counts;
     for (const auto &[month, count] : found) {
         counts.push_back({month.isValid() ? QVariant(month) : QVariant(), count});
@@ -290,16 +345,21 @@ std::vector<IndexCount> IndexGroups::counts(IndexFacet facet, const ZQRowSet &ro
 {
     const IndexItems &items = m_columns.items;
     switch (facet) {
-    case IndexFacet::Kind:
-        return counted<quint8>(
-            rows, [&](size_t row) { return items.kinds[row]; },
-            [&](quint8 kind) { return QVariant(items.entities[kind]->name); });
+    case IndexFacet::Kind: {
+        std::vector<qint64> found(items.entities.size(), 0);
+        rows.forEach([&](size_t row) { ++found[items.kinds[row]]; });
+        std::vector<IndexCount> counts;
+        for (size_t kind = 0; kind < found.size(); ++kind) {
+            if (found[kind]) {
+                counts.push_back({items.entities[kind]->name, found[kind]});
+            }
+        }
+        return counts;
+    }
     case IndexFacet::MainColor:
-        return counted<std::optional<qint64>>(
-            rows, [&](size_t row) { return items.mainColor.value(row); }, numberOrNothing);
+        return countedNumbers(rows, items.mainColor);
     case IndexFacet::Rating:
-        return counted<std::optional<qint64>>(
-            rows, [&](size_t row) { return items.rating.value(row); }, numberOrNothing);
+        return countedNumbers(rows, items.rating);
     case IndexFacet::ModificationMonth:
         return countMonths(rows);
     case IndexFacet::SizeClass: {
@@ -322,4 +382,43 @@ std::vector<IndexCount> IndexGroups::counts(IndexFacet facet, const ZQRowSet &ro
     default:
         return countSidebar(facet, rows);
     }
+}
+
+QStringList IndexGroups::repeatedDigests(const ZQRowSet &rows) const
+{
+    struct Start
+    {
+        quint64 bytes;
+        quint32 row;
+    };
+    const ZQDigests &digests = m_columns.items.digests;
+    // First parted by what a digest begins with, so that what is sorted then are a few that lie together.
+    constexpr size_t parts = 65536;
+    std::vector<size_t> ends(parts, 0);
+    const auto partOf = [&](size_t row) { return size_t(digests.digests()[row][0]) << 8 | digests.digests()[row][1]; };
+    rows.forEach([&](size_t row) { ends[partOf(row)] += digests.isNull(row) ? 0 : 1; });
+    std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), size_t(0));
+    std::vector<Start> starts(rows.count());
+    rows.forEach([&](size_t row) {
+        if (!digests.isNull(row)) {
+            Start &start = starts[ends[partOf(row)]++];
+            start.row = quint32(row);
+            std::memcpy(&start.bytes, digests.digests()[row].data() + 2, sizeof start.bytes);
+        }
+    });
+    QStringList repeated;
+    const auto isBefore = [&](const Start &a, const Start &b) {
+        return a.bytes != b.bytes ? a.bytes < b.bytes : digests.compare(a.row, b.row) < 0;
+    };
+    for (size_t part = 0, first = 0; part < parts; first = ends[part++]) {
+        std::sort(starts.begin() + qsizetype(first), starts.begin() + qsizetype(ends[part]), isBefore);
+        for (size_t i = first + 1; i < ends[part]; ++i) {
+            const auto isSame = [&](size_t a, size_t b) { return digests.compare(starts[a].row, starts[b].row) == 0; };
+            if (starts[i].bytes == starts[i - 1].bytes && isSame(i - 1, i) && (i == first + 1 || !isSame(i - 2, i))) {
+                repeated.append(digests.string(starts[i].row));
+            }
+        }
+    }
+    repeated.removeAll(QStringLiteral("0"));
+    return repeated;
 }

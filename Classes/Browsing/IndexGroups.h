@@ -12,6 +12,8 @@ public:
     std::vector<IndexGroup> group(IndexRows &rows, IndexGrouping grouping) const;
     std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows) const;
 
+    QStringList repeatedDigests(const ZQRowSet &rows) const;
+
     static constexpr const char *sizeNames[] = {"none", "icon", "small", "medium", "large", "vector"};
 
 private:

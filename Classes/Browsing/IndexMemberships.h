@@ -43,6 +43,11 @@ public:
         }
         return false;
     }
+    // Adds to each item's number how many it has.
+    void addSizes(std::vector<quint32> &sizes) const
+    {
+        m_exists.forEach([&](size_t membership) { ++sizes[m_items[membership]]; });
+    }
     size_t bytes() const;
 
 private:

@@ -97,17 +97,24 @@ void takeTags(LibraryColumns &columns, const Part (&parts)[2])
     columns.tags.build(columns.items.size(), columns.sidebar.size(), links);
 }
 
-void join(LibraryColumns &columns, Part (&parts)[2])
+// False when cancelled.
+bool join(LibraryColumns &columns, Part (&parts)[2])
 {
     columns.items = std::move(parts[0].items);
     columns.items.appendAll(std::move(parts[1].items));
-    columns.items.resolveFolders(columns.sidebar);
+    // Titles have nothing to do with what leads to the sidebar.
+    std::thread leading([&] {
+        columns.items.resolveFolders(columns.sidebar);
+        takeTags(columns, parts);
+        columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
+        takeMemberships(columns, parts[0].memberships);
+        takeMemberships(columns, parts[1].memberships);
+        columns.memberships.link(columns.items.size(), columns.sidebar.size());
+    });
+    const bool isBuilt = columns.titles.build(columns.items.title);
+    leading.join();
     columns.items.shrink();
-    takeTags(columns, parts);
-    columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
-    takeMemberships(columns, parts[0].memberships);
-    takeMemberships(columns, parts[1].memberships);
-    columns.memberships.link(columns.items.size(), columns.sidebar.size());
+    return isBuilt;
 }
 
 // Reads rows of which only some keys are known, and notes those that are not there.
@@ -295,8 +302,7 @@ std::unique_ptr<LibraryColumns> IndexReader::readAll(const std::shared_ptr<ZQPer
             return nullptr;
         }
     }
-    join(*columns, parts);
-    return columns->titles.build(columns->items.title) ? std::move(columns) : nullptr;
+    return join(*columns, parts) ? std::move(columns) : nullptr;
 }
 
 std::optional<LibraryColumns::Changes> IndexReader::read(ZQManagedObjectContext &context, const LibraryColumns &columns,

@@ -143,12 +143,14 @@ std::optional<IndexRows> IndexRequests::sortedItems(const ZQRowSet &rows,
         order = std::make_shared<const std::vector<quint32>>(std::move(ordered->items));
         m_orders.keep(name, m_generation, order);
     }
-    result.items.reserve(count);
+    // Written without a branch, which would be guessed wrong at every other row; the last write may be one too many.
+    result.items.resize(count + 1);
+    size_t taken = 0;
     for (const quint32 row : *order) {
-        if (rows.contains(row)) {
-            result.items.push_back(row);
-        }
+        result.items[std::min(taken, count)] = row;
+        taken += rows.contains(row) ? 1 : 0;
     }
+    result.items.resize(count);
     return result;
 }
 

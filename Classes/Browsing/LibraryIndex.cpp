@@ -10,6 +10,7 @@
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
+#include <algorithm>
 #include <atomic>
 #include <shared_mutex>
 #include <thread>
@@ -283,19 +284,18 @@ std::optional<quint32> LibraryIndex::Reading::membership(const ZQObjectID &id) c
 
 ZQRelatedIDs LibraryIndex::Reading::ids(const IndexRows &rows) const
 {
+    const IndexItems &items = d->columns.items;
     ZQRelatedIDs result;
-    result.related.reserve(qsizetype(rows.size()));
-    for (const quint32 row : rows.items) {
-        result.related.append(itemID(row));
-    }
+    result.related.resize(qsizetype(rows.size()));
+    std::transform(rows.items.begin(), rows.items.end(), result.related.begin(),
+                   [&items](quint32 row) { return items.id(row); });
     if (rows.kind == ZQListRows::LibraryItems) {
         result.ids = result.related;
         return result;
     }
-    result.ids.reserve(qsizetype(rows.size()));
-    for (const quint32 membership : rows.memberships) {
-        result.ids.append(membershipID(membership));
-    }
+    result.ids.resize(qsizetype(rows.size()));
+    std::transform(rows.memberships.begin(), rows.memberships.end(), result.ids.begin(),
+                   [this](quint32 membership) { return membershipID(membership); });
     return result;
 }
 
@@ -346,23 +346,7 @@ std::vector<IndexCount> LibraryIndex::Reading::counts(IndexFacet facet, const ZQ
 
 QStringList LibraryIndex::Reading::repeatedDigests(const ZQRowSet &rows) const
 {
-    const ZQDigests &digests = d->columns.items.digests;
-    std::vector<quint32> having;
-    rows.forEach([&](size_t row) {
-        if (!digests.isNull(row)) {
-            having.push_back(quint32(row));
-        }
-    });
-    std::sort(having.begin(), having.end(), [&](quint32 a, quint32 b) { return digests.compare(a, b) < 0; });
-    QStringList repeated;
-    for (size_t i = 1; i < having.size(); ++i) {
-        const bool isSame = digests.compare(having[i - 1], having[i]) == 0;
-        const bool isFirst = i == 1 || digests.compare(having[i - 2], having[i]) != 0;
-        if (isSame && isFirst && digests.string(having[i]) != QStringLiteral("0")) {
-            repeated.append(digests.string(having[i]));
-        }
-    }
-    return repeated;
+    return IndexGroups(d->columns, {}).repeatedDigests(rows);
 }
 
 ZQRowSet LibraryIndex::Reading::setOf(const IndexRows &rows, size_t rowCount)

@@ -11,6 +11,13 @@ void TagList::addRows(size_t element, ZQRowSet &rows) const
     }
 }
 
+void TagList::addSizes(std::vector<quint32> &sizes) const
+{
+    for (size_t row = 0; row < sizes.size(); ++row) {
+        sizes[row] += quint32(m_tags.tagsOf(row).size());
+    }
+}
+
 bool TagList::visit(size_t row, const std::function<bool(size_t)> &visit) const
 {
     const std::span<const quint32> tags = m_tags.tagsOf(row);
@@ -26,16 +33,6 @@ void ProjectList::addRows(size_t element, ZQRowSet &rows) const
     }
 }
 
-size_t ProjectList::size(size_t row) const
-{
-    size_t count = 0;
-    m_memberships.ofItem(row, [&count](quint32) {
-        ++count;
-        return false;
-    });
-    return count;
-}
-
 bool ProjectList::visit(size_t row, const std::function<bool(size_t)> &visit) const
 {
     return m_memberships.ofItem(row, [&](quint32 membership) { return visit(m_memberships.project(membership)); });
@@ -46,16 +43,6 @@ void MembershipList::addRows(size_t element, ZQRowSet &rows) const
     if (m_memberships.exists(quint32(element))) {
         rows.insert(m_memberships.item(quint32(element)));
     }
-}
-
-size_t MembershipList::size(size_t row) const
-{
-    size_t count = 0;
-    m_memberships.ofItem(row, [&count](quint32) {
-        ++count;
-        return false;
-    });
-    return count;
 }
 
 bool MembershipList::visit(size_t row, const std::function<bool(size_t)> &visit) const

@@ -11,7 +11,7 @@ public:
     size_t elementCount() const override { return m_values.size(); }
     ZQScalar element(size_t element) const override { return m_values[element]; }
     void addRows(size_t element, ZQRowSet &rows) const override;
-    size_t size(size_t row) const override { return m_tags.tagsOf(row).size(); }
+    void addSizes(std::vector<quint32> &sizes) const override;
     bool visit(size_t row, const std::function<bool(size_t)> &visit) const override;
 
 private:
@@ -30,7 +30,7 @@ public:
     size_t elementCount() const override { return m_values.size(); }
     ZQScalar element(size_t element) const override { return m_values[element]; }
     void addRows(size_t element, ZQRowSet &rows) const override;
-    size_t size(size_t row) const override;
+    void addSizes(std::vector<quint32> &sizes) const override { m_memberships.addSizes(sizes); }
     bool visit(size_t row, const std::function<bool(size_t)> &visit) const override;
 
 private:
@@ -48,7 +48,7 @@ public:
     size_t elementCount() const override { return m_memberships.size(); }
     ZQScalar element(size_t element) const override { return ZQObjectID{m_entity, m_memberships.keys()[element]}; }
     void addRows(size_t element, ZQRowSet &rows) const override;
-    size_t size(size_t row) const override;
+    void addSizes(std::vector<quint32> &sizes) const override { m_memberships.addSizes(sizes); }
     bool visit(size_t row, const std::function<bool(size_t)> &visit) const override;
 
 private:

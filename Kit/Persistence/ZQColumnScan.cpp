@@ -240,22 +240,27 @@ bool ZQColumnScan::markCounts(const ZQColumn &column, const ZQRowSet &among, ZQR
         return zqMarkWhere(among, found,
                            [&](size_t row) { return zqIsNull(zqColumnScalar(column, row)) ? none : one; });
     }
-    std::vector<quint8> isCounted((*list)->elementCount());
-    for (size_t element = 0; element < isCounted.size(); ++element) {
-        isCounted[element] = !zqIsNull((*list)->element(element));
+    ZQRowSet withNulls(among.rowCount()); // which are not counted
+    for (size_t element = 0; element < (*list)->elementCount(); ++element) {
+        if (zqIsNull((*list)->element(element))) {
+            (*list)->addRows(element, withNulls);
+        }
     }
-    const bool countsAll = std::all_of(isCounted.begin(), isCounted.end(), [](quint8 each) { return each != 0; });
-    std::vector<qint8> known; // by count: -1 for not yet
-    return zqMarkWhere(among, found, [&](size_t row) {
-        size_t count = 0;
-        if (countsAll) {
-            count = (*list)->size(row);
-        } else {
+    const bool countsAll = withNulls.isEmpty();
+    std::vector<quint32> sizes(among.rowCount(), 0);
+    if (countsAll) {
+        (*list)->addSizes(sizes);
+    } else {
+        among.forEach([&](size_t row) {
             (*list)->visit(row, [&](size_t element) {
-                count += isCounted[element];
+                sizes[row] += zqIsNull((*list)->element(element)) ? 0 : 1;
                 return false;
             });
-        }
+        });
+    }
+    std::vector<qint8> known; // by count: -1 for not yet
+    return zqMarkWhere(among, found, [&](size_t row) {
+        const quint32 count = sizes[row];
         if (count >= known.size()) {
             known.resize(count + 1, -1);
         }

@@ -57,7 +57,7 @@ public:
     virtual size_t elementCount() const = 0;
     virtual ZQScalar element(size_t element) const = 0;
     virtual void addRows(size_t element, ZQRowSet &rows) const = 0; // those that lead to it
-    virtual size_t size(size_t row) const = 0;                      // of the row's list
+    virtual void addSizes(std::vector<quint32> &sizes) const = 0;   // of the lists of all rows, to what is there
     // The elements of a row, until `visit` answers true, which is then the answer.
     virtual bool visit(size_t row, const std::function<bool(size_t element)> &visit) const = 0;
 };

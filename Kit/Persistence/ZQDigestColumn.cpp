@@ -6,13 +6,18 @@
 
 namespace {
 
-int hexValue(char digit)
-{
-    if (digit >= '0' && digit <= '9') {
-        return digit - '0';
+// The values of hexadecimal digits, -1 for what is none.
+constexpr std::array<qint8, 256> hexValues = [] {
+    std::array<qint8, 256> values{};
+    values.fill(-1);
+    for (qint8 i = 0; i < 10; ++i) {
+        values[size_t('0' + i)] = i;
     }
-    return digit >= 'a' && digit <= 'f' ? digit - 'a' + 10 : -1;
-}
+    for (qint8 i = 0; i < 6; ++i) {
+        values[size_t('a' + i)] = qint8(10 + i);
+    }
+    return values;
+}();
 
 } // namespace
 
@@ -22,13 +27,15 @@ std::optional<ZQDigests::Digest> ZQDigests::digestOf(std::string_view text)
     if (text.size() != 2 * digest.size()) {
         return std::nullopt;
     }
+    int all = 0; // negative once one of them is none
     for (size_t i = 0; i < digest.size(); ++i) {
-        const int high = hexValue(text[2 * i]);
-        const int low = hexValue(text[2 * i + 1]);
-        if (high < 0 || low < 0) {
-            return std::nullopt;
-        }
-        digest[i] = quint8(high << 4 | low);
+        const int high = hexValues[quint8(text[2 * i])];
+        const int low = hexValues[quint8(text[2 * i + 1])];
+        all |= high | low;
+        digest[i] = quint8(quint32(high) << 4 | quint32(low));
+    }
+    if (all < 0) {
+        return std::nullopt;
     }
     return digest;
 }

@@ -244,6 +244,7 @@ void Bench::measureOrders()
                 giveUp(QStringLiteral("no groups"));
             }
         });
+        std::fprintf(stderr, "    grouping %d %9.2f ms\n", int(grouping), time);
         slowest = std::max(slowest, time);
     }
     print("group-ms", slowest);

@@ -48,7 +48,12 @@ public:
                               std::find(m_rows[row].begin(), m_rows[row].end(), element) != m_rows[row].end());
         }
     }
-    size_t size(size_t row) const override { return m_rows[row].size(); }
+    void addSizes(std::vector<quint32> &sizes) const override
+    {
+        for (size_t row = 0; row < sizes.size(); ++row) {
+            sizes[row] += quint32(m_rows[row].size());
+        }
+    }
     bool visit(size_t row, const std::function<bool(size_t)> &visit) const override
     {
         return std::any_of(m_rows[row].begin(), m_rows[row].end(), visit);
