@@ -143,7 +143,7 @@ std::optional<int> colorForName(const QString &text)
         return 0;
     }
     const int known = ZQSidebarTag::colorValueForName(name == u"grey" ? QStringLiteral("gray") : name);
-    if (known > 0) {
+    if (known != -1) {
         return known;
     }
     for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
@@ -165,7 +165,7 @@ SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &contex
         return wrong(SearchProblem::BadColor, "“%@” is no color; there are %@.",
                      {shown(lexeme.text), names.join(QStringLiteral(", "))});
     }
-    const QString name = *color > 0 ? ZQSidebarTag::colorNameForValue(*color) : zqLocalized("none");
+    const QString name = *color != 0 ? ZQSidebarTag::colorNameForValue(*color) : zqLocalized("none");
     return plainClause(SearchQueries::colorQuery(*color, context.rows), sentenceForText(SearchField::Color, name));
 }
 

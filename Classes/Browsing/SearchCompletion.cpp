@@ -114,10 +114,9 @@ SearchCompletions SearchCompletions::at(const QString &text, qsizetype cursor, c
     }
     const bool isComplete = last.token && last.token->argument != SearchArgument::None &&
                             (!last.token->compares() || !last.comparison.isEmpty());
-    const bool isInside = cursor <= last.end() || (!last.hasArgument && last.argumentPosition >= 0);
-    return isComplete && last.argumentPosition >= 0 && cursor >= last.argumentPosition && isInside
-               ? forArgument(last, text, cursor, today)
-               : SearchCompletions();
+    const bool isInside = cursor <= last.end() || (!last.hasArgument && last.argumentPosition != -1);
+    return isComplete && cursor >= last.argumentPosition && isInside ? forArgument(last, text, cursor, today)
+                                                                     : SearchCompletions();
 }
 
 SearchCompletions::Completed SearchCompletions::completed(const QString &text, const SearchCompletion &completion) const

@@ -33,14 +33,15 @@ Parts clausesOf(const QString &text)
 
 bool isBracket(const Parts &parts, qsizetype index, QStringView text)
 {
-    return index >= 0 && index < parts.size() && parts.at(index).kind == Kind::Bracket && parts.at(index).text == text;
+    const SearchPart part = parts.value(index);
+    return part.kind == Kind::Bracket && part.text == text;
 }
 
 bool isOperator(const Parts &parts, qsizetype index, bool joins)
 {
     static const QStringList joining = {QStringLiteral("AND"), QStringLiteral("OR"), QStringLiteral("+")};
-    return index >= 0 && index < parts.size() && parts.at(index).kind == Kind::Operator &&
-           joining.contains(parts.at(index).text) == joins;
+    const SearchPart part = parts.value(index);
+    return part.kind == Kind::Operator && joining.contains(part.text) == joins;
 }
 
 // The parts from `first` to `last` with what would be left of them: brackets that hold nothing else, and what joined

@@ -134,9 +134,8 @@ QString SearchQueries::folderSearchForString(const QString &text, bool exclude, 
     for (int level = 0; level < std::clamp(depth, 1, deepestFolder); ++level) {
         const QString condition =
             zqFormat(QStringLiteral("%@title contains[cd] \"%@\""), {path, safeSearchString(text)});
-        levels.append(level > 0 && meansLabel
-                          ? condition + QStringLiteral(" AND ") + path + QStringLiteral("is_Label == NO")
-                          : condition);
+        levels.append(meansLabel ? condition + QStringLiteral(" AND ") + path + QStringLiteral("is_Label == NO")
+                                 : condition);
         path += QStringLiteral("father.");
     }
     return composeQueryStringWithQuery(inBrackets(levels), operand, exclude);

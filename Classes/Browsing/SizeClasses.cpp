@@ -41,7 +41,7 @@ const QStringList &SizeClasses::vectorExtensions()
 QString SizeClasses::keyForName(const QString &name)
 {
     const auto found = std::find_if(keys().begin(), keys().end(), [&name](const QString &key) {
-        return name.compare(key, Qt::CaseInsensitive) == 0 || name.compare(zqLocalized(key), Qt::CaseInsensitive) == 0;
+        return QStringList{key, zqLocalized(key)}.contains(name, Qt::CaseInsensitive);
     });
     return found != keys().end() ? *found : QString();
 }

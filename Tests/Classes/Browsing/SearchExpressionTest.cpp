@@ -193,6 +193,10 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
         EXPECT_EQ(problems.first().text, QString::fromLatin1(each.text).mid(each.position, each.length)) << each.text;
         EXPECT_EQ(read.predicateString.toStdString(), query(QLatin1StringView(each.rest))) << each.text;
     }
+    EXPECT_EQ(SearchExpression::read(QStringLiteral("(a OR"), {}).problems().size(), 2);
+    const auto excluded = SearchExpression::read(QStringLiteral("-\""), {}).parts;
+    ASSERT_EQ(excluded.size(), 2);
+    EXPECT_EQ(excluded.first().kind, SearchPart::Kind::Operator);
     const auto all = SearchExpression::read(QStringLiteral(") #foo #c mauve #size huge ("), {}).problems();
     ASSERT_EQ(all.size(), 5);
     EXPECT_TRUE(all.at(2).meaning.contains(QStringLiteral("white")) && all.at(2).meaning.contains("pink"));
@@ -216,6 +220,8 @@ TEST(SearchExpressionTest, PartsSayWhatIsUnderstood)
     EXPECT_EQ(meaning("#d>25/12/2012"), QStringLiteral("Modified since 25 Dec 2012"));
     EXPECT_EQ(meaning("#d>2012-12-25"), QStringLiteral("Modified after 25 Dec 2012"));
     EXPECT_EQ(meaning("#di=2012-12"), QStringLiteral("Imported from 1 Dec 2012 to 31 Dec 2012"));
+    EXPECT_EQ(meaning("#c none"), QStringLiteral("Color is “none”"));
+    EXPECT_EQ(meaning("#c 1000"), QStringLiteral("Color is “white”"));
     EXPECT_EQ(meaning("#w>=100"), QStringLiteral("Width >= 100"));
 }
 
@@ -311,6 +317,10 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"#d=01/03/2026", "#date=2026-03-01", ""},
         {"#t a #kind PNG", "#kind png", "#t a"},
         {"x #r>3", "#rating > 3", "x"},
+        {"#duplicates x", "#DUPLICATES", "x"},
+        {"#duplicateshashes aa", "#duplicateshashes AA", ""},
+        {"#duplicateshashes aa", "#duplicateshashes bb", "#duplicateshashes aa #duplicateshashes bb"},
+        {"#f Inner", "#folder inner", ""},
     };
     for (const Case &each : cases) {
         const QString text = QLatin1StringView(each.text);

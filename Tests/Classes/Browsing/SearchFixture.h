@@ -128,7 +128,7 @@ protected:
 
     const Item project = addProject(QStringLiteral("Brand 2026"));
     const Item label = ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context());
-    const Item outer = addLiveFolder(QStringLiteral("Outer"), label);
+    const Item outer = addLiveFolder(QStringLiteral("Outer fold"), label);
     const Item inner = addLiveFolder(QStringLiteral("Inner"), outer);
     QList<ZQRef<ZQLibraryImage>> items;
 };

@@ -75,6 +75,7 @@ TEST_F(SearchResultsTest, WordsAndTokensFindWhatTheySay)
         {"#kind image", "CLPdsw"},
         {"#folder inner", "w"},
         {"#f OUTER", "dw"},
+        {"#f fold", "dw"},
         {"#f live", ""}, // the title of their label is no folder's
         {"#folder brand", ""},
         {"#duplicates", "Ls"}, // "0" is no digest
