@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Classes/Browsing/IndexRows.h"
 #include "Classes/Browsing/LibraryColumns.h"
-#include "Classes/Browsing/LibraryIndex.h"
 
 // Parts rows into groups and counts what they have in common, in one pass over them each.
 class IndexGroups

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Classes/Browsing/IndexRows.h"
 #include "Classes/Browsing/LibraryColumns.h"
-#include "Classes/Browsing/LibraryIndex.h"
 
 #include <memory>
 

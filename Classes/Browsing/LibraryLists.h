@@ -1,6 +1,8 @@
 #pragma once
 
-#include "Classes/Browsing/LibraryColumns.h"
+#include "Classes/Browsing/IndexMemberships.h"
+#include "Classes/Browsing/IndexTags.h"
+#include "Kit/Persistence/ZQColumns.h"
 
 // What the to-many relationships of library items lead to, as lists for predicates. Each holds the columns it reads.
 

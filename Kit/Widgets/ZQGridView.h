@@ -120,6 +120,7 @@ private:
     bool isTyping() const;
     void typeToJump(const QString &text);
     void updateRubberBand(const QPoint &viewportPoint);
+    void showDropPlace(QDragMoveEvent *event);
     void startDrag();
     int headAt(const QPoint &viewportPoint) const;
     void paintCell(QPainter &painter, qint64 index, const QRect &rect);

@@ -139,30 +139,34 @@ void ZQGridView::startDrag()
     }
     auto *drag = new QDrag(this);
     drag->setMimeData(mime);
-    const QRect cell = visualRect(m_current).intersected(viewport()->rect());
-    if (!cell.isEmpty()) {
-        QPixmap picture(cell.size() * devicePixelRatioF());
+    if (m_current >= 0 && m_current < m_source->count()) {
+        // Small and beside the pointer, so that it covers no target.
+        constexpr QSize size(72, 64);
+        constexpr int distance = 14;
+        QPixmap picture(size * devicePixelRatioF());
         picture.setDevicePixelRatio(devicePixelRatioF());
         picture.fill(Qt::transparent);
         QPainter painter(&picture);
-        painter.setOpacity(0.8);
-        paintPicture(painter, m_source->item(m_current), QRect(0, 0, cell.width(), m_layout.pictureHeight()));
+        painter.setOpacity(0.85);
+        paintPicture(painter, m_source->item(m_current), QRect({}, size));
+        painter.setOpacity(1);
         if (m_selection.count() > 1) {
             paintNumber(painter, m_selection.count());
         }
         painter.end();
         drag->setPixmap(picture);
-        drag->setHotSpot({cell.width() / 2, m_layout.pictureHeight() / 2});
+        drag->setHotSpot({-distance, -distance});
     }
     drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
 }
 
 void ZQGridView::dragEnterEvent(QDragEnterEvent *event)
 {
-    dragMoveEvent(event);
+    showDropPlace(event);
+    event->accept(); // what enters where it is refused may go on to where it is not
 }
 
-void ZQGridView::dragMoveEvent(QDragMoveEvent *event)
+void ZQGridView::showDropPlace(QDragMoveEvent *event)
 {
     const QPoint point = event->position().toPoint();
     const qint64 index = m_layout.insertionIndexAt(point.x(), scrollOffset() + point.y());
@@ -175,13 +179,19 @@ void ZQGridView::dragMoveEvent(QDragMoveEvent *event)
     } else {
         event->ignore();
     }
+    viewport()->update();
+}
+
+void ZQGridView::dragMoveEvent(QDragMoveEvent *event)
+{
+    showDropPlace(event);
+    const QPoint point = event->position().toPoint();
     constexpr int edge = 28;
     if (point.y() < edge) {
         setScrollOffset(scrollOffset() - edge);
     } else if (point.y() > viewport()->height() - edge) {
         setScrollOffset(scrollOffset() + edge);
     }
-    viewport()->update();
 }
 
 void ZQGridView::dragLeaveEvent(QDragLeaveEvent * /*event*/)

@@ -224,9 +224,9 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
         }
         return [self, from, matches = QSet<ZQObjectID>(found->begin(), found->end())] {
             for (qint64 step = 0; step < self->count() && !matches.isEmpty(); ++step) {
-                const qint64 index = (from + step) % self->count();
-                if (matches.contains(self->m_content.rows.ids[index])) {
-                    Q_EMIT self->typingFound(index);
+                const qint64 row = (from + step) % self->count();
+                if (matches.contains(self->m_content.rows.ids[row])) {
+                    Q_EMIT self->typingFound(row);
                     return;
                 }
             }

@@ -66,7 +66,7 @@ void showIn(QLineEdit *field, const CommonText &value, const QString &whenEmpty)
 // Of the files that are there, and how many are not.
 QString sizeOf(const SelectionSummary &summary)
 {
-    const QString size = QLocale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeTraditionalFormat);
+    const QString size = QLocale().formattedDataSize(summary.bytes, 1, QLocale::DataSizeSIFormat);
     if (summary.missing == 0) {
         return size;
     }

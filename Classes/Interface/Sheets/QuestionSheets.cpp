@@ -202,7 +202,7 @@ void DuplicatesSheet::showPair()
 {
     const DuplicatePair &pair = m_pairs[m_choices.size()];
     const QLocale locale;
-    QString facts = locale.formattedDataSize(pair.bytes, 1, QLocale::DataSizeTraditionalFormat);
+    QString facts = locale.formattedDataSize(pair.bytes, 1, QLocale::DataSizeSIFormat);
     if (pair.pixelWidth > 0) {
         facts = QStringLiteral("%1 × %2 · ").arg(pair.pixelWidth).arg(pair.pixelHeight) + facts;
     }

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/ContentFetcher.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QLocale>
@@ -220,6 +221,8 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
         return item->isLabel();
     case IconRole:
         return item->icon();
+    case SwatchRole:
+        return item->isTag() && !ZQSidebarTag::colorNameForValue(item->kind()).isEmpty() ? int(item->kind()) : 0;
     case StateRole:
         return isAway;
     case CountRole: {

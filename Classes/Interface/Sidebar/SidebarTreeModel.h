@@ -13,7 +13,13 @@ class SidebarTreeModel : public QAbstractItemModel
     Q_OBJECT
 public:
     enum class Side { Projects, Tags };
-    enum Role { CountRole = Qt::UserRole, IconRole, LabelRole, StateRole };
+    enum Role {
+        CountRole = Qt::UserRole,
+        IconRole,
+        LabelRole,
+        StateRole,
+        SwatchRole
+    }; // the code of a tag's colour, or 0
 
     SidebarTreeModel(WindowContext &window, Side side, QObject *parent = nullptr);
     ~SidebarTreeModel() override;

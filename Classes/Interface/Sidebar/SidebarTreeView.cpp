@@ -80,10 +80,15 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const QColor iconColor = zqColor(isAway     ? ZQColorRole::TextFaint
                                      : selected ? ZQColorRole::Accent
                                                 : ZQColorRole::TextMuted);
-    ZQIcon::paint(*painter,
-                  QRectF(left - ZQMeasure::iconSize - 8, row.top() + (row.height() - ZQMeasure::iconSize) / 2,
-                         ZQMeasure::iconSize, ZQMeasure::iconSize),
-                  index.data(SidebarTreeModel::IconRole).toString(), iconColor);
+    const QRectF icon(left - ZQMeasure::iconSize - 8, row.top() + (row.height() - ZQMeasure::iconSize) / 2,
+                      ZQMeasure::iconSize, ZQMeasure::iconSize);
+    if (const int swatch = index.data(SidebarTreeModel::SwatchRole).toInt()) {
+        painter->setPen(QPen(zqColor(ZQColorRole::Border), 1));
+        painter->setBrush(ZQTheme::swatch(swatch));
+        painter->drawEllipse(icon.adjusted(2.5, 2.5, -2.5, -2.5));
+    } else {
+        ZQIcon::paint(*painter, icon, index.data(SidebarTreeModel::IconRole).toString(), iconColor);
+    }
     if (index.model()->rowCount(index) > 0) {
         const auto *tree = qobject_cast<const QTreeView *>(option.widget);
         ZQIcon::paint(*painter, twistyRect(row, index),

@@ -87,7 +87,7 @@ TEST_F(InfoPanelTest, SaysWhatIsKnownOfNoneOneAndMany)
     EXPECT_EQ(notice(), QString());
     EXPECT_EQ(values(), QStringLiteral("red|80 × 60|4 May 2020|Unknown"));
     EXPECT_EQ(kind(), QStringLiteral("PNG image · ") +
-                          QLocale().formattedDataSize(first->byteSize(), 1, QLocale::DataSizeTraditionalFormat));
+                          QLocale().formattedDataSize(first->byteSize(), 1, QLocale::DataSizeSIFormat));
     EXPECT_FALSE(field("Title")->isReadOnly());
     EXPECT_EQ(field("Title")->focusPolicy(), Qt::StrongFocus);
     EXPECT_EQ(field("Source")->text(), QStringLiteral("https://example.org/red.png"));

@@ -369,8 +369,8 @@ TEST_F(SheetsTest, DuplicatesSayWhatIsKnownOfBoth)
     all[0].pixelWidth = 40;
     all[0].pixelHeight = 30;
     all[1].existingImportDate = all[0].existingImportDate;
-    const QString size = QLocale().formattedDataSize(2048, 1, QLocale::DataSizeTraditionalFormat);
-    const QString none = QLocale().formattedDataSize(0, 1, QLocale::DataSizeTraditionalFormat);
+    const QString size = QLocale().formattedDataSize(2048, 1, QLocale::DataSizeSIFormat);
+    const QString none = QLocale().formattedDataSize(0, 1, QLocale::DataSizeSIFormat);
     when<DuplicatesSheet>([&](DuplicatesSheet &sheet) {
         EXPECT_EQ(sheet.width(), 620);
         QString shown = texts(sheet);

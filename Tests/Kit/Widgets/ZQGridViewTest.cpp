@@ -280,7 +280,11 @@ TEST_F(ZQGridViewTest, DropsSayTheirPlace)
     const QMimeData words;
     const QColor accent = zqColor(ZQColorRole::Accent);
     const auto over = [this](const QMimeData &mime, const QPoint &point) {
-        QDragEnterEvent event(point, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
+        QDragEnterEvent enter(point, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
+        QApplication::sendEvent(view.viewport(), &enter);
+        EXPECT_TRUE(enter.isAccepted()) << "or no move would follow to where it is taken";
+        QDragMoveEvent event(point, Qt::CopyAction | Qt::MoveAction, &mime, Qt::LeftButton, {});
+        event.ignore();
         QApplication::sendEvent(view.viewport(), &event);
         return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
     };
