@@ -5,6 +5,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <map>
 #include <numeric>
@@ -225,25 +226,34 @@ quint32 IndexGroups::sizesOf(quint32 row, const std::vector<quint8> &isVector) c
 std::vector<IndexGroup> IndexGroups::groupBySize(IndexRows &rows) const
 {
     const std::vector<quint8> isVector = vectorExtensions();
+    // Of many rows in some order it is quicker to look at all columns from front to back.
+    std::vector<quint8> ofAll(rows.size() > m_columns.items.size() / 8 ? m_columns.items.size() : 0);
+    for (size_t row = 0; row < ofAll.size(); ++row) {
+        ofAll[row] = quint8(sizesOf(quint32(row), isVector));
+    }
     std::vector<quint8> sizes(rows.size());
     size_t counts[std::size(sizeNames)] = {};
     for (size_t i = 0; i < rows.size(); ++i) {
-        sizes[i] = quint8(sizesOf(rows.items[i], isVector));
+        const quint32 row = rows.items[i];
+        sizes[i] = ofAll.empty() ? quint8(sizesOf(row, isVector)) : ofAll[row];
         for (size_t size = 0; size < std::size(sizeNames); ++size) {
             counts[size] += sizes[i] >> size & 1U;
         }
     }
-    std::vector<quint32> all;
-    all.reserve(std::accumulate(std::begin(counts), std::end(counts), size_t(0)));
     std::vector<IndexGroup> groups;
+    size_t places[std::size(sizeNames)] = {};
+    size_t total = 0;
     for (size_t size = 0; size < std::size(sizeNames); ++size) {
         if (counts[size]) {
-            groups.push_back({QLatin1StringView(sizeNames[size]), all.size(), counts[size]});
+            groups.push_back({QLatin1StringView(sizeNames[size]), total, counts[size]});
         }
-        for (size_t i = 0; i < rows.size() && counts[size]; ++i) {
-            if (sizes[i] >> size & 1U) {
-                all.push_back(quint32(i));
-            }
+        places[size] = total;
+        total += counts[size];
+    }
+    std::vector<quint32> all(total);
+    for (size_t i = 0; i < rows.size(); ++i) {
+        for (quint32 left = sizes[i]; left; left &= left - 1) {
+            all[places[std::countr_zero(left)]++] = quint32(i);
         }
     }
     rows = picked(rows, all);

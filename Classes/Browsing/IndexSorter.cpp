@@ -276,9 +276,12 @@ void IndexSorter::sort(IndexRows &rows) const
         }
         return false;
     };
+    const auto areSame = [&](size_t a, size_t b) { // by what they were ordered by so far
+        return words.words.size() == 1 ? placed[a].number == placed[b].number : words.areEqual(places[a], places[b]);
+    };
     for (size_t first = 0; firstPart != m_terms.end() && first < places.size();) {
         size_t end = first + 1;
-        while (end < places.size() && words.areEqual(places[first], places[end])) {
+        while (end < places.size() && areSame(first, end)) {
             ++end;
         }
         if (end - first > 1) { // stable: they are in the order of their keys

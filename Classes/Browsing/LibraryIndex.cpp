@@ -12,16 +12,14 @@
 
 #include <algorithm>
 #include <atomic>
-#include <shared_mutex>
 #include <thread>
-#include <unordered_map>
 
 struct LibraryIndex::Private
 {
     std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
 
     // Many readers, and the index's thread, which alone writes and so may read without it.
-    mutable std::shared_mutex columnsLock;
+    mutable ZQSharedMutex columnsLock;
     std::unique_ptr<LibraryColumns> columns; // null until it is ready
     std::atomic<quint64> generation = 0;
     mutable IndexRequests::Orders orders;
@@ -61,7 +59,7 @@ struct LibraryIndex::Private
 struct LibraryIndex::Reading::State
 {
     std::shared_ptr<Private> index;
-    std::shared_lock<std::shared_mutex> lock;
+    std::unique_ptr<ZQReadHold> hold;
     const LibraryColumns &columns;
     quint64 generation;
 
@@ -114,7 +112,7 @@ void LibraryIndex::take(const ZQContextDidSave &saved)
 
 bool LibraryIndex::isReady() const
 {
-    const std::shared_lock guard(d->columnsLock);
+    const ZQReadHold guard(d->columnsLock);
     return d->columns != nullptr;
 }
 
@@ -135,7 +133,7 @@ quint64 LibraryIndex::generation() const
 
 size_t LibraryIndex::bytes() const
 {
-    const std::shared_lock guard(d->columnsLock);
+    const ZQReadHold guard(d->columnsLock);
     return d->columns ? d->columns->bytes() : 0;
 }
 
@@ -171,7 +169,7 @@ bool LibraryIndex::Private::build(LibraryIndex *owner)
         return false;
     }
     {
-        const std::unique_lock guard(columnsLock);
+        const ZQWriteGuard guard(columnsLock);
         columns = std::move(built);
         ++generation;
     }
@@ -192,7 +190,7 @@ bool LibraryIndex::Private::update(ZQManagedObjectContext &context, const IndexR
     }
     auto titles = columns->titlesAfter(*changes);
     {
-        const std::unique_lock guard(columnsLock);
+        const ZQWriteGuard guard(columnsLock);
         columns->apply(std::move(*changes), std::move(titles));
         ++generation;
     }
@@ -211,7 +209,7 @@ void LibraryIndex::Private::run(LibraryIndex *owner)
         }
         if (columns && !update(*context, *batch, owner)) {
             // Nobody will say again what could not be read now: rather no index than one that lacks it.
-            const std::unique_lock guard(columnsLock);
+            const ZQWriteGuard guard(columnsLock);
             columns.reset();
         }
         if (!columns) {
@@ -223,12 +221,11 @@ void LibraryIndex::Private::run(LibraryIndex *owner)
 
 std::optional<LibraryIndex::Reading> LibraryIndex::read() const
 {
-    std::shared_lock guard(d->columnsLock);
+    auto hold = std::make_unique<ZQReadHold>(d->columnsLock);
     if (!d->columns) {
         return std::nullopt;
     }
-    return Reading(
-        std::unique_ptr<Reading::State>(new Reading::State{d, std::move(guard), *d->columns, d->generation}));
+    return Reading(std::unique_ptr<Reading::State>(new Reading::State{d, std::move(hold), *d->columns, d->generation}));
 }
 
 LibraryIndex::Reading::Reading(std::unique_ptr<State> state) : d(std::move(state)) {}

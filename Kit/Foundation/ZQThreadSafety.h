@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <shared_mutex>
 
 // Mutexes whose use the compiler checks: what is ZQ_GUARDED_BY a mutex may only be touched by code that holds it, and
 // what ZQ_REQUIRES one may only be called by such code. `./dev lint` has clang look; for other compilers the words mean
@@ -21,6 +22,8 @@
 #define ZQ_REQUIRES(...) ZQ_THREAD_SAFETY(requires_capability(__VA_ARGS__))
 #define ZQ_ACQUIRE(...) ZQ_THREAD_SAFETY(acquire_capability(__VA_ARGS__))
 #define ZQ_RELEASE(...) ZQ_THREAD_SAFETY(release_capability(__VA_ARGS__))
+#define ZQ_ACQUIRE_SHARED(...) ZQ_THREAD_SAFETY(acquire_shared_capability(__VA_ARGS__))
+#define ZQ_RELEASE_SHARED(...) ZQ_THREAD_SAFETY(release_shared_capability(__VA_ARGS__))
 #define ZQ_RETURN_CAPABILITY(mutex) ZQ_THREAD_SAFETY(lock_returned(mutex))
 // For what the check cannot follow, such as calling a condition that was handed in.
 #define ZQ_NO_THREAD_SAFETY_ANALYSIS ZQ_THREAD_SAFETY(no_thread_safety_analysis)
@@ -104,4 +107,43 @@ public:
 
 private:
     std::condition_variable m_condition;
+};
+
+// A std::shared_mutex: one thread writes, or any number read. Any thread.
+class ZQ_CAPABILITY("mutex") ZQSharedMutex
+{
+public:
+    void lock() ZQ_ACQUIRE() { m_mutex.lock(); }
+    void unlock() ZQ_RELEASE() { m_mutex.unlock(); }
+    void lockShared() ZQ_ACQUIRE_SHARED() { m_mutex.lock_shared(); }
+    void unlockShared() ZQ_RELEASE_SHARED() { m_mutex.unlock_shared(); }
+
+private:
+    std::shared_mutex m_mutex;
+};
+
+// Holds one for writing until its block ends.
+class ZQ_SCOPED_CAPABILITY ZQWriteGuard
+{
+public:
+    explicit ZQWriteGuard(ZQSharedMutex &mutex) ZQ_ACQUIRE(mutex) : m_mutex(mutex) { m_mutex.lock(); }
+    ~ZQWriteGuard() ZQ_RELEASE() { m_mutex.unlock(); }
+    ZQWriteGuard(const ZQWriteGuard &) = delete;
+    ZQWriteGuard &operator=(const ZQWriteGuard &) = delete;
+
+private:
+    ZQSharedMutex &m_mutex;
+};
+
+// Holds one for reading as long as it lives, in whatever object that is; nothing of it is checked.
+class ZQReadHold
+{
+public:
+    explicit ZQReadHold(ZQSharedMutex &mutex) ZQ_NO_THREAD_SAFETY_ANALYSIS : m_mutex(mutex) { m_mutex.lockShared(); }
+    ~ZQReadHold() ZQ_NO_THREAD_SAFETY_ANALYSIS { m_mutex.unlockShared(); }
+    ZQReadHold(const ZQReadHold &) = delete;
+    ZQReadHold &operator=(const ZQReadHold &) = delete;
+
+private:
+    ZQSharedMutex &m_mutex;
 };
