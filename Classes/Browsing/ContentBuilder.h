@@ -5,8 +5,6 @@
 #include <functional>
 #include <optional>
 
-class ZQSidebarBaseItem;
-
 // Builds what a tab shows out of the sidebar items that are selected: their filter, order and groups. On the thread of
 // its context; a few sidebar items are read, and identifiers of the rows.
 class ContentBuilder

@@ -90,6 +90,7 @@ QWidget *BrowserViewController::makeHead()
     head->setFixedHeight(ZQMeasure::headHeight);
     m_title = new QLabel(head);
     m_title->setObjectName(QStringLiteral("Title"));
+    m_title->setMinimumWidth(1); // a long one is cut before what is chosen is
     m_count = new QLabel(head);
     m_count->setObjectName(QStringLiteral("Muted"));
     const auto choice = [head](const QString &caption, const QString &tip) {
@@ -107,6 +108,7 @@ QWidget *BrowserViewController::makeHead()
     connect(m_group, &QToolButton::clicked, this, &BrowserViewController::showGroupMenu);
     const auto [sortCaption, sort] = choice(zqLocalized("Sort"), zqLocalized("Sort by"));
     m_sort = sort;
+    m_captions = {groupCaption, sortCaption};
     connect(m_sort, &QToolButton::clicked, this, &BrowserViewController::showSortMenu);
     m_direction = new QToolButton(head);
     m_direction->setFixedSize(26, 26);
@@ -313,6 +315,16 @@ void BrowserViewController::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
+}
+
+// Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
+void BrowserViewController::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    constexpr int roomForAll = 600;
+    for (QLabel *label : m_captions + QList<QLabel *>{m_count}) {
+        label->setVisible(width() >= roomForAll);
+    }
 }
 
 void BrowserViewController::keepViewState()

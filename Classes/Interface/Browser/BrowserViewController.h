@@ -80,6 +80,7 @@ private:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     WindowContext &m_window;
@@ -89,6 +90,7 @@ private:
     DetailView *m_detail;
     QLabel *m_title;
     QLabel *m_count;
+    QList<QLabel *> m_captions; // of what is chosen in the head
     QToolButton *m_group;
     QToolButton *m_sort;
     QToolButton *m_direction;

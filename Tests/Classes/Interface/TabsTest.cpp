@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QToolButton>
 
 namespace {
@@ -155,6 +156,27 @@ TEST_F(TabsTest, GroupsAreChosenInTheHeadAndInTheMenu)
     EXPECT_FALSE(isEnabled(CommandID::SortAscending));
     show(special(ZQSidebarKind::Library));
     EXPECT_FALSE(isEnabled(CommandID::SortManually));
+}
+
+TEST_F(TabsTest, WhatIsChosenIsReadableInANarrowWindowToo)
+{
+    a->setTitle(QStringLiteral("A project with a title that is longer than there is room for"));
+    delegate->saveAction();
+    run(CommandID::GroupBySize);
+    window().resize(window().minimumSize());
+    settle();
+    for (const char *name : {"Group: Size", "Sort: Modification date", "Ascending"}) {
+        const auto *button = named<QToolButton>(name);
+        ASSERT_TRUE(button) << name;
+        EXPECT_GE(button->width(), button->minimumSizeHint().width()) << name;
+        EXPECT_LE(button->geometry().right(), button->parentWidget()->width()) << name;
+    }
+    window().resize(1280, 800);
+    settle();
+    const auto labels = browser().findChildren<QLabel *>();
+    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
+        return label->isVisible() && label->text() == QStringLiteral("Group");
+    }));
 }
 
 TEST_F(TabsTest, TheInfoPanelIsOpenWhereItWasLeftOpen)

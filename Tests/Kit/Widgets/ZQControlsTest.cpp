@@ -80,7 +80,8 @@ TEST_F(Strip, TabsAreAsWideAsTheirTitlesUntilTheRoomEnds)
                               {natural(QStringLiteral("Alpha"), 44), std::max(48, natural(QStringLiteral("B"), 44))}},
                              {800, {longTitle}, {200}},
                              {800, {longTitle, longTitle, longTitle, longTitle, longTitle}, {150, 150, 150, 150, 150}},
-                             {199, {longTitle, longTitle}, {200, 200}}, // not laid out yet
+                             {100, {longTitle, longTitle}, {200, 200}}, // not laid out yet
+                             {180, {longTitle, longTitle}, {108}},
                              {200, {longTitle, longTitle}, {78, 78}},
                              {201, QStringList(8, longTitle), {129}}, // and seven in the menu
                              {199, {QStringLiteral("A")}, {std::max(48, natural(QStringLiteral("A"), 26))}},
