@@ -3,6 +3,7 @@
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/TextFields.h"
@@ -48,6 +49,8 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(makeHead());
+    m_chips = new SearchChips(page);
+    column->addWidget(m_chips);
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
     cell->addWidget(m_grid, 0, 0);
     cell->addWidget(makeRecovery(), 0, 0, Qt::AlignCenter);
@@ -251,6 +254,7 @@ void BrowserViewController::contentDidChange()
     }
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
     updateHead();
+    m_chips->setText(m_content->filter());
     updateStatus();
     Q_EMIT selectionChanged();
 }
@@ -354,6 +358,7 @@ void BrowserViewController::setFilter(const QString &text)
 {
     m_keepsScroll = false;
     m_content->setFilter(text);
+    m_chips->setText(m_content->filter());
     Q_EMIT viewChanged();
 }
 

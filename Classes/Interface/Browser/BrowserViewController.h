@@ -11,6 +11,7 @@ class QLabel;
 class QSlider;
 class QStackedWidget;
 class QToolButton;
+class SearchChips;
 class ZQGridView;
 
 // The browser: a head with title and order, the grid, a status row with the zoom; and the detail view in their place.
@@ -95,6 +96,7 @@ private:
     QToolButton *m_sort;
     QToolButton *m_direction;
     QLabel *m_status;
+    SearchChips *m_chips;
     QWidget *m_recovery;
     QSlider *m_zoom;
     QTimer m_refetch;

@@ -254,6 +254,32 @@ TEST_F(MainWindowTest, WhatRecentTakesNotIsSaidToGoToTheLibrary)
     EXPECT_TRUE(importInto(ZQSidebarKind::Recent, Qt::yellow));
 }
 
+TEST_F(MainWindowTest, WhatASearchUnderstoodAndWhatNotIsSaid)
+{
+    auto *const chips = window().findChild<QWidget *>(QStringLiteral("SearchChips"));
+    ASSERT_TRUE(chips);
+    EXPECT_FALSE(chips->isVisible());
+    search().setFocus();
+    type(QStringLiteral("red"));
+    settle();
+    EXPECT_FALSE(chips->isVisible()) << "a word needs no explanation";
+    type(QStringLiteral(" #foo #w>10"));
+    settle();
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("red")}) << "the rest still searches";
+    EXPECT_TRUE(chips->isVisible());
+    EXPECT_TRUE(chips->accessibleName().contains(QStringLiteral("#foo: ")));
+    EXPECT_TRUE(chips->accessibleName().contains(QStringLiteral("#w>10: ")));
+    const QImage drawn = chips->grab().toImage();
+    bool isMarked = false;
+    for (int x = 0; x < drawn.width(); ++x) {
+        isMarked = isMarked || drawn.pixelColor(x, drawn.height() / 2) == zqColor(ZQColorRole::Danger);
+    }
+    EXPECT_TRUE(isMarked) << "the wrong one stands out";
+    press(Qt::Key_Escape);
+    settle();
+    EXPECT_FALSE(chips->isVisible());
+}
+
 TEST_F(MainWindowTest, TabsKeepWhatTheyShow)
 {
     EXPECT_EQ(tabs(), QStringLiteral("A 0/1"));
