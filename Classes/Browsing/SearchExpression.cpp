@@ -332,7 +332,7 @@ Operand Reader::grouped(const Level &level) const
 void Reader::finish()
 {
     const SearchProblem last = m_result.parts.isEmpty() ? SearchProblem::None : m_result.parts.last().problem;
-    const bool waits = level().joinPart >= 0 || level().notCount > 0 || last == SearchProblem::NoArgument ||
+    const bool waits = level().joinPart != -1 || level().notCount > 0 || last == SearchProblem::NoArgument ||
                        last == SearchProblem::NoComparison;
     m_result.needsBrackets = m_result.needsBrackets || (waits && m_levels.size() == 1);
     if (!m_result.isCut) {

@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QRegularExpression>
+#include <QStringList>
 
 namespace {
 
@@ -31,8 +32,7 @@ std::optional<SearchSpan> lastDays(const QString &number, const QDate &today)
 
 bool isWord(const QString &text, const char *word)
 {
-    return text.compare(QLatin1StringView(word), Qt::CaseInsensitive) == 0 ||
-           text.compare(zqLocalized(word), Qt::CaseInsensitive) == 0;
+    return QStringList{QLatin1StringView(word), zqLocalized(word)}.contains(text, Qt::CaseInsensitive);
 }
 
 } // namespace

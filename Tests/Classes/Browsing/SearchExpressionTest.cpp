@@ -308,6 +308,8 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"a OR --(#c red)", "#c red", "a"},
         {"#c red OR (a b)", "#c red", "(a b)"},
         {"(#c red) a", "#c red", "a"},
+        {"a #c red OR b", "#c red", "a OR b"},
+        {"(#c red OR a) b", "#c red", "(a) b"},
         {"#c red -(a b)", "#c red", "-(a b)"},
         {"a ((#c red)) b", "#c red", "a b"},
         {"(a OR #c red) b", "#c red", "(a) b"},

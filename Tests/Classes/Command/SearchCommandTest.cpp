@@ -1,4 +1,4 @@
-#include "Models/DataModel/ZQSidebarFolder.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Tests/Classes/Command/CommandFixture.h"
 
 namespace {
@@ -86,4 +86,27 @@ TEST_F(SearchCommandTest, AMistakeIsNamedWithItsPlaceAndNothingIsFound)
     EXPECT_TRUE(context.errors.contains("Missing"));
     EXPECT_EQ(run("search"), 2);
     EXPECT_EQ(run("search logo --colour"), 2) << "a misspelt option is no word";
+}
+
+TEST_F(SearchCommandTest, WhatCannotBeReadIsAnErrorAndNotNothing)
+{
+    const auto connection = delegate->persistentStoreCoordinator()->newConnection();
+    for (const char *table : {"ZQSidebarBaseItem", "ZQLibraryBaseItem"}) {
+        const auto rename = [&](const char *from, const char *to) {
+            ASSERT_TRUE(connection->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                                .arg(QLatin1StringView(from), QLatin1StringView(to))));
+        };
+        rename(table, "away");
+        EXPECT_EQ(run("search logo --count"), 2) << table;
+        EXPECT_TRUE(context.output.isEmpty() && !context.errors.isEmpty()) << table;
+        rename("away", table);
+    }
+    CommandLine commandLine;
+    context = {};
+    context.delegate = delegate.get();
+    context.isAbandoned = [] { return true; };
+    int status = 0;
+    ASSERT_TRUE(commandLine.parse({QStringLiteral("search"), QStringLiteral("logo")}, context, &status));
+    EXPECT_EQ(commandLine.run(context), 2) << "who asked has gone";
+    EXPECT_TRUE(context.output.isEmpty());
 }
