@@ -326,6 +326,8 @@ void BrowserViewController::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     constexpr int roomForAll = 600;
+    constexpr int roomForTitle = 420; // with less, half a word would be left of it
+    m_title->setVisible(width() >= roomForTitle);
     for (QLabel *label : m_captions + QList<QLabel *>{m_count}) {
         label->setVisible(width() >= roomForAll);
     }
