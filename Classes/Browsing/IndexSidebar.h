@@ -6,8 +6,8 @@
 
 #include <QStringList>
 
-#include <array>
-#include <set>
+#include <optional>
+#include <vector>
 
 // The sidebar items that library items lead to, by number: their attributes, and their fathers. Number 0 is none: what
 // leads nowhere leads there. One that the store does not have is all null.

@@ -1,8 +1,9 @@
 #include "Classes/Browsing/IndexTags.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <limits>
-#include <set>
 
 void IndexTags::build(size_t rows, size_t tags, const Links &links)
 {
@@ -46,36 +47,35 @@ void IndexTags::write(quint32 row, const std::vector<quint32> &tags)
     std::copy_n(tags.begin(), count, m_pool.begin() + m_starts[row]);
 }
 
-void IndexTags::removeRows(const QHash<quint32, ZQRowSet> &byTag)
-{
-    for (auto entry = byTag.cbegin(); entry != byTag.cend(); ++entry) {
-        std::erase_if(m_rowsOf[entry.key()], [&entry](quint32 row) { return entry->contains(row); });
-    }
-}
-
 void IndexTags::set(const QHash<quint32, std::vector<quint32>> &lists, size_t rows, size_t tags)
 {
+    const auto has = [](const auto &list, quint32 tag) {
+        return std::find(list.begin(), list.end(), tag) != list.end();
+    };
     m_starts.resize(rows, 0);
     m_counts.resize(rows, 0);
     m_rowsOf.resize(tags);
-    QHash<quint32, ZQRowSet> removed;
+    ZQRowSet changed(rows);
+    QSet<quint32> left; // by some row
     QHash<quint32, std::vector<quint32>> added;
     for (auto entry = lists.cbegin(); entry != lists.cend(); ++entry) {
         const std::span<const quint32> before = tagsOf(entry.key());
+        changed.insert(entry.key());
         for (const quint32 tag : before) {
-            if (std::find(entry->begin(), entry->end(), tag) == entry->end()) {
-                ZQRowSet &set = removed[tag];
-                set.resize(rows);
-                set.insert(entry.key());
+            if (!has(*entry, tag)) {
+                left.insert(tag);
             }
         }
         for (const quint32 tag : *entry) {
-            if (std::find(before.begin(), before.end(), tag) == before.end()) {
+            if (!has(before, tag)) {
                 added[tag].push_back(entry.key());
             }
         }
     }
-    removeRows(removed);
+    for (const quint32 tag : std::as_const(left)) {
+        std::erase_if(m_rowsOf[tag],
+                      [&](quint32 row) { return changed.contains(row) && !has(*lists.constFind(row), tag); });
+    }
     for (auto entry = added.cbegin(); entry != added.cend(); ++entry) {
         std::vector<quint32> &of = m_rowsOf[entry.key()];
         of.insert(of.end(), entry->begin(), entry->end());

@@ -29,7 +29,6 @@ public:
 
 private:
     void write(quint32 row, const std::vector<quint32> &tags);
-    void removeRows(const QHash<quint32, ZQRowSet> &byTag);
     void compact();
 
     std::vector<quint32> m_starts; // by row, into the pool

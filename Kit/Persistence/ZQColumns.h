@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/Persistence/ZQDigestColumn.h"
+#include "Kit/Persistence/ZQDigests.h"
 #include "Kit/Persistence/ZQPredicate.h"
 #include "Kit/Persistence/ZQScalar.h"
 #include "Kit/Persistence/ZQTextBlocks.h"

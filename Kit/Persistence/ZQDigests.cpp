@@ -1,4 +1,4 @@
-#include "Kit/Persistence/ZQDigestColumn.h"
+#include "Kit/Persistence/ZQDigests.h"
 
 #include "Kit/Persistence/ZQScalar.h"
 
