@@ -1,5 +1,6 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
+#include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Classes/Browsing/StoreSearch.h"
 #include "Kit/Foundation/ZQCancellation.h"
@@ -72,6 +73,26 @@ ContentParts partsOf(const SidebarItems &selection, bool isSingle)
     return result;
 }
 
+// Those of more than one item; nothing where the index has no answer.
+std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading &reading,
+                                                     const QList<ZQFetchRequest> &requests)
+{
+    ZQRowSet all(reading.rowCount());
+    for (const ZQFetchRequest &request : requests) {
+        const auto found = reading.rows(request);
+        if (!found) {
+            return std::nullopt;
+        }
+        all |= LibraryIndex::Reading::setOf(*found, reading.rowCount());
+    }
+    constexpr qint64 several = 2; // how many makes no difference
+    QMap<QString, qint64> counts;
+    for (const QString &digest : reading.repeatedDigests(all)) {
+        counts.insert(digest, several);
+    }
+    return counts;
+}
+
 } // namespace
 
 ContentBuilder::ContentBuilder(ContentQuery query, ZQManagedObjectContext &context, LibraryIndex *index)
@@ -87,6 +108,21 @@ QList<ZQFetchRequest> ContentBuilder::requestsOf(const ContentParts &parts)
         requests.append(part.request);
     }
     return requests;
+}
+
+// Digests that occur twice are looked for in the whole content, which takes the store seconds in a large library.
+SearchContext ContentBuilder::searchContext(ZQListRows rows, const QList<ZQFetchRequest> &requests) const
+{
+    SearchContext result = StoreSearch::context(rows, requests, m_context);
+    if (m_index) {
+        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts]() -> QMap<QString, qint64> {
+            const auto reading =
+                index->isReady() && index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
+            const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
+            return repeated ? *repeated : ofStore();
+        };
+    }
+    return result;
 }
 
 void ContentBuilder::restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text)
@@ -144,8 +180,7 @@ std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
     const QList<ZQFetchRequest> requests = requestsOf(*found);
     const ZQListRows kind =
         requests.isEmpty() ? ZQListRows::Memberships : zqListRowsOfEntity(requests.first().entityName);
-    return SearchManager::predicateStringForSearchString(m_query.filter,
-                                                         StoreSearch::context(kind, requests, m_context));
+    return SearchManager::predicateStringForSearchString(m_query.filter, searchContext(kind, requests));
 }
 
 ContentRows ContentBuilder::rows(ContentParts parts) const
@@ -161,7 +196,7 @@ ContentRows ContentBuilder::rows(ContentParts parts) const
         const ZQListRows kind = zqListRowsOfEntity(request.entityName);
         auto condition = conditions->find(kind);
         if (condition == conditions->end()) {
-            const SearchContext context = StoreSearch::context(kind, requests, m_context);
+            const SearchContext context = searchContext(kind, requests);
             condition =
                 conditions->emplace(kind, SearchManager::predicateForSearchString(m_query.filter, context)).first;
         }

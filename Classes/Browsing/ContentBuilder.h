@@ -5,6 +5,8 @@
 #include <functional>
 #include <optional>
 
+struct SearchContext;
+
 // Builds what a tab shows out of the sidebar items that are selected: their filter, order and groups. On the thread of
 // its context; a few sidebar items are read, and identifiers of the rows.
 class ContentBuilder
@@ -26,6 +28,7 @@ private:
     std::optional<ContentParts> parts(ZQError *error) const; // nothing when the sidebar items cannot be read
     ContentRows rows(ContentParts parts) const;
     static QList<ZQFetchRequest> requestsOf(const ContentParts &parts);
+    SearchContext searchContext(ZQListRows rows, const QList<ZQFetchRequest> &requests) const;
     static void restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text);
     void prepare(ZQFetchRequest &request) const;
 

@@ -1,7 +1,9 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
+#include "Classes/Browsing/LibraryIndex.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryImage.h"
+#include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
 namespace {
@@ -19,10 +21,10 @@ protected:
         library.context().save();
     }
     // "title: item item | title: item", as read by a context of its own.
-    std::string content(const ContentQuery &query)
+    std::string content(const ContentQuery &query, LibraryIndex *index = nullptr)
     {
         ZQManagedObjectContext context(library.coordinator());
-        const auto built = ContentBuilder(query, context).content([] { return true; });
+        const auto built = ContentBuilder(query, context, index).content([] { return true; });
         QStringList sections;
         for (qsizetype i = 0; built && i < built->groups.size(); ++i) {
             QStringList items;
@@ -72,6 +74,37 @@ TEST_F(ContentBuilderTest, SectionsFollowTheSelectionAndEmptyOnesAreLeftOut)
         filtered.filter = QStringLiteral("B");
         EXPECT_EQ(content(filtered), (item == project ? "Project: b9" : "Library: b9"));
     }
+}
+
+TEST_F(ContentBuilderTest, TheIndexAnswersAsTheStoreDoes)
+{
+    LibraryIndex index(library.coordinator());
+    index.follow(library.context());
+    ASSERT_TRUE(index.waitUntilCurrent());
+    images[0]->setSHA1(QStringLiteral("same"));
+    images[2]->setSHA1(QStringLiteral("same"));
+    images[1]->setExtension(QStringLiteral("svg"));
+    const auto blue = ZQSidebarTag::addNewTagWithName(QStringLiteral("Blue"), library.context());
+    images[2]->addTagsObject(blue.get());
+    library.context().save();
+    int compared = 0;
+    for (const QList<Item> &selection :
+         {QList<Item>{project}, {everything}, {folder}, {other, project}, {project, everything}, {blue}}) {
+        for (const int style : {0, 1, 2, 3, 4}) {
+            for (const ZQSortValue sort : {ZQSortValue::Manual, ZQSortValue::Title, ZQSortValue::ModificationDate}) {
+                for (const char *filter : {"", "b", "#duplicates", "#tag blue OR #e svg", "-b"}) {
+                    ContentQuery query{{}, QLatin1StringView(filter), sort, true, BrowserDisplayStyle(style)};
+                    for (const Item &item : selection) {
+                        query.sidebarItems.append(item->objectID());
+                    }
+                    const std::string expected = content(query);
+                    EXPECT_EQ(content(query, &index), expected) << filter << " style " << style;
+                    compared += expected.empty() ? 0 : 1;
+                }
+            }
+        }
+    }
+    EXPECT_GT(compared, 100);
 }
 
 TEST_F(ContentBuilderTest, ASearchIsOneLanguageInEverySection)
