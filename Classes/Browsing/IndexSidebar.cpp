@@ -99,12 +99,16 @@ std::optional<ZQScalar> IndexSidebar::value(quint32 number, const QStringList &k
     for (; from < keys.size() && keys[from] == father; ++from) {
         number = m_keys.rowOf(m_entries[number].father).value_or(none);
     }
+    std::optional<ZQScalar> result;
     if (from == keys.size()) {
-        const ZQObjectID reached = id(number);
-        return reached.isNull() ? ZQScalar() : ZQScalar(reached);
+        result.emplace();
+        if (const ZQObjectID reached = id(number); !reached.isNull()) {
+            *result = reached;
+        }
+    } else if (const auto position = from + 1 == keys.size() ? positionOf(keys[from]) : std::nullopt) {
+        result.emplace(m_entries[number].values[*position]);
     }
-    const auto position = from + 1 == keys.size() ? positionOf(keys[from]) : std::nullopt;
-    return position ? std::optional(m_entries[number].values[*position]) : std::nullopt;
+    return result;
 }
 
 std::optional<std::vector<ZQScalar>> IndexSidebar::values(const QStringList &keys, qsizetype from) const
