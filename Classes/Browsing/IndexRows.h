@@ -44,5 +44,4 @@ struct IndexSizes
     qint32 icon = 32;
     qint32 small = 128;
     qint32 medium = 512;
-    static IndexSizes fromDefaults();
 };

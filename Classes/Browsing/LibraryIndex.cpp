@@ -3,7 +3,6 @@
 #include "Classes/Browsing/IndexGroups.h"
 #include "Classes/Browsing/IndexReader.h"
 #include "Classes/Browsing/IndexRequests.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
@@ -65,14 +64,6 @@ struct LibraryIndex::Reading::State
 
     IndexRequests requests() const { return {columns, index->orders, generation}; }
 };
-
-IndexSizes IndexSizes::fromDefaults()
-{
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    return {qint32(defaults.integerForKey(QStringLiteral("IconTagSize"))),
-            qint32(defaults.integerForKey(QStringLiteral("SmallTagSize"))),
-            qint32(defaults.integerForKey(QStringLiteral("MediumTagSize")))};
-}
 
 LibraryIndex::LibraryIndex(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent)
     : QObject(parent), d(std::make_shared<Private>())
