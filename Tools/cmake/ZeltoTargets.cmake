@@ -20,6 +20,9 @@ elseif(ZELTO_SANITIZE STREQUAL "thread")
   target_link_options(zelto_settings INTERFACE -fsanitize=thread)
 endif()
 
+# A test is built more often than it runs, and most of its time passes in what it tests.
+set(zelto_test_options -O0)
+
 # Gives a target the precompiled headers that suit what it links (Tools/headers): core or widgets, for tests with theirs.
 function(zelto_precompiled name prefix)
   if(ZELTO_PRECOMPILED_HEADERS)
@@ -46,6 +49,7 @@ function(zelto_test name)
   file(GLOB sources CONFIGURE_DEPENDS "*.cpp" "*.h")
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest GTest::gmock)
+  target_compile_options(${name} PRIVATE ${zelto_test_options})
   zelto_precompiled(${name} tests_ ${ARGN})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
