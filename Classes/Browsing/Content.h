@@ -23,6 +23,8 @@ struct ContentQuery
     ZQSortValue sortValue = ZQSortValue::Manual;
     bool isAscending = false;
     BrowserDisplayStyle displayStyle = BrowserDisplayStyle::BySidebarItem;
+    // Only so many rows, where the store has the first ones at once; 0 for all.
+    int firstRows = 0;
 
     // Projects have an order of their own, and several sidebar items none. A list that is not by sidebar item has
     // neither: it goes by modification date then, the oldest first. Whether that changed anything.
@@ -47,6 +49,7 @@ struct Content
     ZQRelatedIDs rows;
     QList<ContentGroup> groups;
     ZQError error = {};
+    bool isBeginning = false; // the first rows, and there are more
 
     // The groups when only these rows remain, one behind the other from 0; `matches` has an entry a row.
     QList<ContentGroup> filteredGroups(const QList<bool> &matches) const;

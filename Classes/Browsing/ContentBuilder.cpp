@@ -116,8 +116,7 @@ SearchContext ContentBuilder::searchContext(ZQListRows rows, const QList<ZQFetch
     SearchContext result = StoreSearch::context(rows, requests, m_context);
     if (m_index) {
         result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts]() -> QMap<QString, qint64> {
-            const auto reading =
-                index->isReady() && index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
+            const auto reading = index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
             const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
             return repeated ? *repeated : ofStore();
         };
@@ -212,7 +211,11 @@ std::optional<Content> ContentBuilder::content(const IsWanted &isWanted) const
     if (!found) {
         return ZQCancellation::isCurrentCancelled() ? std::nullopt : std::optional(Content{{}, {}, error});
     }
-    return rows(std::move(*found)).content(isWanted);
+    ContentRows wanted = rows(std::move(*found));
+    if (m_query.firstRows > 0 && m_query.filter.isEmpty()) {
+        wanted.stopAfter(m_query.firstRows, m_query.sortValue);
+    }
+    return wanted.content(isWanted);
 }
 
 std::optional<QList<ZQObjectID>> ContentBuilder::rowsWithTitleBeginning(const QString &text,

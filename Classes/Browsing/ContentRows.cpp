@@ -77,6 +77,23 @@ ContentRows::ContentRows(ContentParts parts, BrowserDisplayStyle style, ZQManage
 {
 }
 
+// Dates of items and the order by hand have indexes of the store; any other order looks at all rows.
+void ContentRows::stopAfter(int count, ZQSortValue sortValue)
+{
+    const bool isOneList = m_parts.parts.size() == 1 && !m_parts.parts.first().hasOwnGroups &&
+                           (m_style == BrowserDisplayStyle::BySidebarItem || m_style == BrowserDisplayStyle::Plain);
+    if (!isOneList) {
+        return;
+    }
+    const bool holdsItems = m_parts.parts.first().holding == ContentPart::Holding::Other;
+    const bool isIndexed = sortValue == ZQSortValue::ImportDate || sortValue == ZQSortValue::ModificationDate;
+    const bool isByHand = m_parts.parts.first().holding == ContentPart::Holding::Memberships && !showsItems() &&
+                          sortValue == ZQSortValue::Manual;
+    if ((holdsItems && isIndexed) || isByHand) {
+        m_mostRows = count;
+    }
+}
+
 std::optional<Content> ContentRows::content(const IsWanted &isWanted)
 {
     m_content = {};
@@ -107,6 +124,7 @@ std::optional<Content> ContentRows::content(const IsWanted &isWanted)
         zqLogFetchError(m_content.error);
         return Content{{}, {}, m_content.error};
     }
+    m_content.isBeginning = m_mostRows > 0 && m_content.rows.ids.size() >= m_mostRows;
     return std::move(m_content);
 }
 
@@ -288,15 +306,16 @@ ContentRows::Rows ContentRows::rows(ZQFetchRequest request, const QString &leadi
     if (!leadingKey.isEmpty()) {
         request.sortDescriptors.prepend({zqItemKeyPath(kind, leadingKey)});
     }
+    request.fetchLimit = m_mostRows;
     return answer(request);
 }
 
 ContentRows::Rows ContentRows::answer(const ZQFetchRequest &request)
 {
-    if (m_index && m_index->isReady() && m_index->waitUntilCurrent()) {
-        const auto reading = m_index->read();
-        if (const auto found = reading ? reading->rows(request) : std::nullopt) {
-            return reading->ids(*found);
+    if (m_index && request.fetchLimit == 0) {
+        const auto found = m_index->answer(request);
+        if (found || ZQCancellation::isCurrentCancelled()) {
+            return found;
         }
     }
     return ContentFetcher::rows(request, m_context, &m_content.error);

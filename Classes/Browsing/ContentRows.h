@@ -35,6 +35,8 @@ public:
     // The query's order is settled.
     ContentRows(ContentParts parts, BrowserDisplayStyle style, ZQManagedObjectContext &context, Prepare prepare,
                 LibraryIndex *index);
+    // Reads no more than `count` rows if the store has the first ones at once, in the order of `sortValue`.
+    void stopAfter(int count, ZQSortValue sortValue);
 
     // Nothing when it was given up meanwhile.
     std::optional<Content> content(const IsWanted &isWanted);
@@ -67,5 +69,6 @@ private:
     ZQManagedObjectContext &m_context;
     Prepare m_prepare;
     LibraryIndex *m_index; // null, or not ready: the store answers
+    int m_mostRows = 0;    // 0: all
     Content m_content;
 };

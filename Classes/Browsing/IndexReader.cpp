@@ -97,24 +97,17 @@ void takeTags(LibraryColumns &columns, const Part (&parts)[2])
     columns.tags.build(columns.items.size(), columns.sidebar.size(), links);
 }
 
-// False when cancelled.
-bool join(LibraryColumns &columns, Part (&parts)[2])
+void join(LibraryColumns &columns, Part (&parts)[2])
 {
     columns.items = std::move(parts[0].items);
     columns.items.appendAll(std::move(parts[1].items));
-    // Titles have nothing to do with what leads to the sidebar.
-    std::thread leading([&] {
-        columns.items.resolveFolders(columns.sidebar);
-        takeTags(columns, parts);
-        columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
-        takeMemberships(columns, parts[0].memberships);
-        takeMemberships(columns, parts[1].memberships);
-        columns.memberships.link(columns.items.size(), columns.sidebar.size());
-    });
-    const bool isBuilt = columns.titles.build(columns.items.title);
-    leading.join();
+    columns.items.resolveFolders(columns.sidebar);
+    takeTags(columns, parts);
+    columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
+    takeMemberships(columns, parts[0].memberships);
+    takeMemberships(columns, parts[1].memberships);
+    columns.memberships.link(columns.items.size(), columns.sidebar.size());
     columns.items.shrink();
-    return isBuilt;
 }
 
 // Reads rows of which only some keys are known, and notes those that are not there.
@@ -302,7 +295,8 @@ std::unique_ptr<LibraryColumns> IndexReader::readAll(const std::shared_ptr<ZQPer
             return nullptr;
         }
     }
-    return join(*columns, parts) ? std::move(columns) : nullptr;
+    join(*columns, parts);
+    return columns;
 }
 
 std::optional<LibraryColumns::Changes> IndexReader::read(ZQManagedObjectContext &context, const LibraryColumns &columns,

@@ -20,8 +20,8 @@ public:
         bool isEmpty() const { return items.isEmpty() && sidebar.isEmpty() && memberships.isEmpty(); }
     };
 
-    // All of it, on two threads with a context each; what is saved meanwhile may be in it in part, and has to be asked
-    // for afterwards.
+    // All of it but the places of titles, on two threads with a context each; what is saved meanwhile may be in it in
+    // part, and has to be asked for afterwards.
     static std::unique_ptr<LibraryColumns> readAll(const std::shared_ptr<ZQPersistentStoreCoordinator> &coordinator,
                                                    ZQError *error);
     // What became of some rows, with what they lead to that `columns` does not have. Nothing after an error.

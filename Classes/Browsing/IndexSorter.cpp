@@ -181,7 +181,7 @@ std::shared_ptr<const IndexSorter::Key> IndexSorter::keyFor(const LibraryColumns
     const IndexItems &items = columns.items;
     if (name == QStringLiteral("title")) {
         if (comparison == ZQSortDescriptor::Comparison::LocalizedStandard) {
-            return std::make_shared<RankKey>(columns.titles);
+            return columns.titles.isBuilt() ? std::make_shared<RankKey>(columns.titles) : nullptr;
         }
         return std::make_shared<TextKey>(items.title);
     }

@@ -132,6 +132,7 @@ bool IndexTitles::build(const ZQTextBlocks &titles)
         m_order.push_back(key.row);
         before = {part, places[part]++};
     }
+    m_isBuilt = true;
     return true;
 }
 
@@ -165,6 +166,7 @@ IndexTitles IndexTitles::updated(const ZQTextBlocks &titles, const QHash<quint32
     }
     result.m_order.insert(result.m_order.end(), from, kept.end());
     result.m_ranks.assign(rows, 0);
+    result.m_isBuilt = true;
     quint32 rank = 0;
     for (size_t i = 0; i < result.m_order.size(); ++i) {
         const quint32 row = result.m_order[i];

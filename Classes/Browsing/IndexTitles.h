@@ -16,10 +16,12 @@ public:
 
     // 0 for no title; titles that a person takes for the same have the same.
     quint32 rank(size_t row) const { return m_ranks[row]; }
+    bool isBuilt() const { return m_isBuilt; }
     size_t size() const { return m_ranks.size(); }
     size_t bytes() const { return 4 * (m_ranks.capacity() + m_order.capacity()); }
 
 private:
+    bool m_isBuilt = false;
     std::vector<quint32> m_ranks;
     std::vector<quint32> m_order; // all rows, by rank
 };

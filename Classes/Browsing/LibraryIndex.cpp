@@ -29,7 +29,8 @@ struct LibraryIndex::Private
     IndexReader::Asked asked ZQ_GUARDED_BY(lock);
     quint64 announced ZQ_GUARDED_BY(lock) = 1; // the first is the whole library
     quint64 tried ZQ_GUARDED_BY(lock) = 0;
-    quint64 current ZQ_GUARDED_BY(lock) = 0; // so many are in
+    quint64 current ZQ_GUARDED_BY(lock) = 0;     // so many are in
+    bool isOrdering ZQ_GUARDED_BY(lock) = false; // titles, after the rest was built
     bool isStopping ZQ_GUARDED_BY(lock) = false;
 
     std::shared_ptr<ZQCancellation> cancellation = std::make_shared<ZQCancellation>();
@@ -38,6 +39,9 @@ struct LibraryIndex::Private
 
     void run(LibraryIndex *owner);
     bool build(LibraryIndex *owner);
+    void order();
+    template <class Done>
+    bool wait(Done done) ZQ_REQUIRES(lock);
     bool update(ZQManagedObjectContext &context, const IndexReader::Asked &batch, LibraryIndex *owner);
     // Waits for something to do; nothing when the index ends.
     std::optional<IndexReader::Asked> take(quint64 &number);
@@ -107,14 +111,45 @@ bool LibraryIndex::isReady() const
     return d->columns != nullptr;
 }
 
+// A cancellation wakes nobody.
+template <class Done>
+bool LibraryIndex::Private::wait(Done done)
+{
+    constexpr std::chrono::milliseconds look{10};
+    while (!done() && !isStopping && !ZQCancellation::isCurrentCancelled()) {
+        taken.waitFor(lock, look);
+    }
+    return done();
+}
+
 bool LibraryIndex::waitUntilCurrent()
 {
     const ZQLockGuard guard(d->lock);
     const quint64 wanted = d->announced;
-    while (d->tried < wanted && !d->isStopping) {
-        d->taken.wait(d->lock);
+    return d->wait([this, wanted]() ZQ_REQUIRES(d->lock) { return d->tried >= wanted; }) && d->current >= wanted;
+}
+
+bool LibraryIndex::waitUntilOrdered()
+{
+    if (!waitUntilCurrent()) {
+        return false;
     }
-    return d->current >= wanted;
+    const ZQLockGuard guard(d->lock);
+    return d->wait([this]() ZQ_REQUIRES(d->lock) { return !d->isOrdering; });
+}
+
+std::optional<ZQRelatedIDs> LibraryIndex::answer(const ZQFetchRequest &request)
+{
+    for (const bool isOrderWanted : {false, true}) {
+        if (!(isOrderWanted ? waitUntilOrdered() : waitUntilCurrent())) {
+            return std::nullopt;
+        }
+        const auto reading = read();
+        if (const auto found = reading ? reading->rows(request) : std::nullopt) {
+            return reading->ids(*found);
+        }
+    }
+    return std::nullopt;
 }
 
 quint64 LibraryIndex::generation() const
@@ -164,8 +199,28 @@ bool LibraryIndex::Private::build(LibraryIndex *owner)
         columns = std::move(built);
         ++generation;
     }
+    {
+        const ZQLockGuard guard(lock);
+        isOrdering = true;
+    }
     tell(owner, &LibraryIndex::ready);
     return true;
+}
+
+// The longest step of all, without which everything but an order by title can be answered.
+void LibraryIndex::Private::order()
+{
+    IndexTitles titles;
+    const bool isBuilt = titles.build(columns->items.title);
+    {
+        const ZQWriteGuard guard(columnsLock);
+        if (isBuilt) {
+            columns->titles = std::move(titles);
+        }
+    }
+    const ZQLockGuard guard(lock);
+    isOrdering = false;
+    taken.notifyAll();
 }
 
 bool LibraryIndex::Private::update(ZQManagedObjectContext &context, const IndexReader::Asked &batch,
@@ -203,10 +258,11 @@ void LibraryIndex::Private::run(LibraryIndex *owner)
             const ZQWriteGuard guard(columnsLock);
             columns.reset();
         }
-        if (!columns) {
-            build(owner); // with all that was announced before it began
-        }
+        const bool isAnew = !columns && build(owner); // with all that was announced before it began
         did(number, columns != nullptr);
+        if (isAnew) {
+            order();
+        }
     }
 }
 

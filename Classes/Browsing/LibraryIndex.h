@@ -37,9 +37,16 @@ public:
     // A save of another context.
     void take(const ZQContextDidSave &saved);
 
+    // It answers, though for a moment not yet in the order of titles.
     bool isReady() const;
-    // Waits until what was announced before the call is in. False when the store could not be read.
+    // Waits until what was announced before the call is in, all of the library the first time. False when the store
+    // could not be read, or the thread's ZQCancellation was cancelled meanwhile.
     bool waitUntilCurrent();
+    // The same, and until titles have their order, which comes last.
+    bool waitUntilOrdered();
+    // What a fetch of all that is in when it is asked gives; waits for that. Nothing for a request that needs the
+    // store, or when it was cancelled.
+    std::optional<ZQRelatedIDs> answer(const ZQFetchRequest &request);
     // Goes up with each change that readers can see.
     quint64 generation() const;
 

@@ -93,6 +93,7 @@ public:
     // Null while it is not known, or no longer.
     const Content *content() const { return m_content ? &*m_content : nullptr; }
     void setContent(const Content &content) { m_content = content; }
+    // `done` comes twice when there is a beginning first.
     void buildCache(ContentFetcher::Ticket &ticket, std::function<void(const Content &)> done);
     void invalidateCache() { m_content.reset(); }
     // When the change touches what the tab shows.
@@ -106,6 +107,7 @@ public:
     TabViewState view;
 
 private:
+    void ask(ContentFetcher::Ticket &ticket, const ContentQuery &query, std::function<void(const Content &)> done);
     bool isBelowSelection(const ZQObjectID &sidebarItem) const;
     bool belongsToSelection(const ZQObjectID &libraryItem) const;
     bool isTouchedBy(const ZQContextDidSave &change) const;

@@ -1,6 +1,7 @@
 // What a tab knows of its rows, and when it no longer does.
 
 #include "Classes/Browsing/ContentBuilder.h"
+#include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Browsing/TabState.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -11,6 +12,7 @@
 
 namespace {
 
+constexpr int rowsOfBeginning = 400;            // more than a screen shows
 constexpr qsizetype mostLookedAt = 200;         // changes; of more, some are taken to touch what is shown
 constexpr qsizetype mostLookedThrough = 100000; // rows; more of them take longer than reading them anew is worth
 
@@ -32,9 +34,28 @@ ContentQuery TabState::contentQuery()
     return query;
 }
 
+// While the index is being built, the first rows come from the store; all of them would take it longer than the index.
 void TabState::buildCache(ContentFetcher::Ticket &ticket, std::function<void(const Content &)> done)
 {
-    ticket.run([state = weak_from_this(), query = contentQuery(), index = ticket.index(), done = std::move(done)](
+    const auto index = ticket.index();
+    const bool isAtTop = !view.scroll || view.scroll->y() < 1;
+    ContentQuery query = contentQuery();
+    if (!index || index->isReady() || m_content || !isAtTop || !query.filter.isEmpty()) {
+        ask(ticket, query, std::move(done));
+        return;
+    }
+    query.firstRows = rowsOfBeginning;
+    ask(ticket, query, [this, &ticket, state = weak_from_this(), done](const Content &content) {
+        done(content);
+        if (content.isBeginning && !state.expired()) {
+            ask(ticket, contentQuery(), done);
+        }
+    });
+}
+
+void TabState::ask(ContentFetcher::Ticket &ticket, const ContentQuery &query, std::function<void(const Content &)> done)
+{
+    ticket.run([state = weak_from_this(), query, index = ticket.index(), done = std::move(done)](
                    ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
         const auto content = ContentBuilder(query, context, index.get()).content(isWanted);
         if (!content) {
@@ -42,7 +63,7 @@ void TabState::buildCache(ContentFetcher::Ticket &ticket, std::function<void(con
         }
         return [state, content = *content, done] {
             if (const auto tab = state.lock()) {
-                content.error.isNull() ? tab->setContent(content) : tab->invalidateCache();
+                content.error.isNull() && !content.isBeginning ? tab->setContent(content) : tab->invalidateCache();
             }
             done(content);
         };

@@ -108,7 +108,7 @@ void BrowserContent::take(const Content &content)
     m_content = content;
     m_groups = heads;
     m_shown.clear();
-    if (filter().isEmpty() && error().isNull()) {
+    if (filter().isEmpty() && error().isNull() && !content.isBeginning) {
         m_unfilteredCount = count();
     }
     m_isLoaded = true;

@@ -29,7 +29,7 @@ public:
     // Null unless the rows could not be read; then there are none, and `emptyText` says why.
     const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
-    bool isLoading() const { return m_isAskedAnew; }
+    bool isLoading() const { return m_isAskedAnew || m_content.isBeginning; }
     qint64 unfilteredCount() const { return m_unfilteredCount; }
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;

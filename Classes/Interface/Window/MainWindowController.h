@@ -53,6 +53,7 @@ public:
     ProjectsSidebarViewController &sidebar() { return *m_sidebar; }
     BrowserViewController &browser() { return *m_browser; }
     QUndoStack &undoStack() { return m_undoStack; }
+    ContentFetcher &fetcher() { return *m_fetcher; }
     QAction *command(CommandID id) const;
     bool isEditing() const { return m_window->isBusy(); } // many items are being changed
     bool isSettled() const;                               // nothing is being fetched or read for what is shown

@@ -294,6 +294,7 @@ void Bench::measure(const QString &path)
                   giveUp(QStringLiteral("the index cannot be built"));
               }
           }));
+    m_index->waitUntilOrdered();
     print("bytes-an-item", double(m_index->bytes()) / double(m_index->read()->items().count()));
     sqlite3 *database = nullptr;
     sqlite3_open_v2(path.toUtf8().constData(), &database, SQLITE_OPEN_READONLY, nullptr);

@@ -6,6 +6,8 @@
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
+#include <QDateTime>
+
 namespace {
 
 class ContentBuilderTest : public BrowsingFixture
@@ -105,6 +107,36 @@ TEST_F(ContentBuilderTest, TheIndexAnswersAsTheStoreDoes)
         }
     }
     EXPECT_GT(compared, 100);
+}
+
+TEST_F(ContentBuilderTest, TheFirstRowsComeAloneWhereTheStoreHasThemAtOnce)
+{
+    int date = 0;
+    for (const auto &image : images) {
+        image->setImport_date(QDateTime::fromSecsSinceEpoch(++date));
+    }
+    library.context().save();
+    const auto of = [this](const Item &item, ZQSortValue sort, int firstRows, BrowserDisplayStyle style) {
+        const ContentQuery query{{item->objectID()}, {}, sort, false, style, firstRows};
+        ZQManagedObjectContext context(library.coordinator());
+        return *ContentBuilder(query, context).content([] { return true; });
+    };
+    const auto isBeginning = [&](const Item &item, ZQSortValue sort,
+                                 BrowserDisplayStyle style = BrowserDisplayStyle::BySidebarItem) {
+        const Content whole = of(item, sort, 0, style);
+        const Content first = of(item, sort, 2, style);
+        EXPECT_EQ(first.rows.ids, whole.rows.ids.first(first.rows.ids.size()));
+        EXPECT_EQ(first.rows.ids.size(), first.isBeginning ? 2 : 3);
+        return first.isBeginning;
+    };
+    EXPECT_TRUE(isBeginning(everything, ZQSortValue::ImportDate));
+    EXPECT_TRUE(isBeginning(everything, ZQSortValue::ImportDate, BrowserDisplayStyle::Plain));
+    EXPECT_TRUE(isBeginning(project, ZQSortValue::Manual));
+    EXPECT_FALSE(isBeginning(everything, ZQSortValue::Title)) << "which takes looking at all of them";
+    EXPECT_FALSE(isBeginning(project, ZQSortValue::ImportDate));
+    EXPECT_FALSE(isBeginning(everything, ZQSortValue::ImportDate, BrowserDisplayStyle::ByExtension));
+    EXPECT_FALSE(of(everything, ZQSortValue::ImportDate, 4, BrowserDisplayStyle::BySidebarItem).isBeginning)
+        << "it is all there is";
 }
 
 TEST_F(ContentBuilderTest, ASearchIsOneLanguageInEverySection)

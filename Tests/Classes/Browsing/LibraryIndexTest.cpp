@@ -1,5 +1,6 @@
 #include "Classes/Browsing/LibraryIndex.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryPDF.h"
 #include "Models/DataModel/ZQLibrarySVG.h"
@@ -142,7 +143,7 @@ protected:
 
     LibraryIndex::Reading current(LibraryIndex &of)
     {
-        EXPECT_TRUE(of.waitUntilCurrent());
+        EXPECT_TRUE(of.waitUntilOrdered());
         auto reading = of.read();
         EXPECT_TRUE(reading.has_value());
         return std::move(*reading);
@@ -229,6 +230,27 @@ void LibraryIndexTest::expectTheStoresAnswers(LibraryIndex &of)
 }
 
 } // namespace
+
+TEST_F(LibraryIndexTest, AnswersWaitForWhatTheyNeedOfANewIndex)
+{
+    fill(3000);
+    ZQFetchRequest request = contents().first();
+    request.sortDescriptors =
+        ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
+    const ZQRelatedIDs expected = stored(library.context(), request);
+    for (int round = 0; round < 10; ++round) {
+        LibraryIndex fresh(library.coordinator());
+        const auto answer = fresh.answer(request);
+        ASSERT_TRUE(answer.has_value()) << "by title, though that comes last";
+        EXPECT_EQ(answer->ids, expected.ids);
+    }
+    LibraryIndex fresh(library.coordinator());
+    const auto cancellation = std::make_shared<ZQCancellation>();
+    cancellation->cancel();
+    const ZQCancellation::Scope scope(cancellation);
+    request.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("SELF == nil AND sourceURL == nil"));
+    EXPECT_FALSE(fresh.answer(request).has_value()) << "given up";
+}
 
 TEST_F(LibraryIndexTest, AnswersWhatTheStoreAnswersForEverySidebarItemSearchAndOrder)
 {
