@@ -2,6 +2,9 @@
 //
 // zelto_window_bench LIBRARY SIDEBAR-TITLE TAG
 // zelto_window_bench LIBRARY SIDEBAR-TITLE       edits of everything in a project instead
+// zelto_window_bench --first LIBRARY             the first screen alone
+// zelto_window_bench --browse LIBRARY [PICTURES] what a person waits for who browses; with edits where there are
+// pictures
 //
 // The grid is scrolled and painted for each sixtieth of a second. A frame whose picture is there only after its time is
 // late; the times between two pictures are printed as well.
@@ -19,6 +22,7 @@
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
+#include "Tests/Benchmarks/Window/BrowsingBench.h"
 #include "Tests/Benchmarks/Window/EditsBench.h"
 
 #include <QApplication>
@@ -100,14 +104,29 @@ int fail(const char *text)
     return 2;
 }
 
+// As the window opens with the whole library.
+void browse(WindowUserInteraction &user, bool everything, const QString &pictures)
+{
+    MainWindowController::applyTheme();
+    MainWindowController controller(user);
+    controller.showWindow();
+    measureFirstScreen(controller);
+    if (everything) {
+        measureBrowsing(controller, pictures);
+    }
+    zqStopMainThreadCalls();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3 && arguments.size() != 4) {
+    QStringList arguments = QCoreApplication::arguments();
+    const bool opens = arguments.removeAll(QStringLiteral("--first")) > 0;
+    const bool browses = arguments.removeAll(QStringLiteral("--browse")) > 0;
+    if (!browses && !opens && arguments.size() != 3 && arguments.size() != 4) {
         return fail("zelto_window_bench LIBRARY SIDEBAR-TITLE [TAG]");
     }
     ZQImageSource::initialize(argv[0]);
@@ -120,6 +139,10 @@ int main(int argc, char **argv)
     ZQError error;
     if (!delegate.openLibraryForCommand(&error)) {
         return fail(qPrintable(error.localizedDescription()));
+    }
+    if (browses || opens) {
+        browse(user, browses, arguments.value(2));
+        return 0;
     }
     const auto shown = zqFetchFirst<ZQSidebarBaseItem>(*delegate.managedObjectContext(), QStringLiteral("title == %@"),
                                                        {arguments.at(2)});
