@@ -81,6 +81,43 @@ private:
     const ZQTextBlocks &m_texts;
 };
 
+// Of the few texts that many rows have in common, the places among each other.
+class ExtensionKey : public IndexSorter::Key
+{
+public:
+    explicit ExtensionKey(const IndexItems &items) : m_extensions(items.extensions)
+    {
+        const std::vector<ZQScalar> &texts = items.extensionTexts;
+        std::vector<quint32> order(texts.size());
+        std::iota(order.begin(), order.end(), 0);
+        std::sort(order.begin(), order.end(), [&texts](quint32 a, quint32 b) {
+            const bool hasBoth = !zqIsNull(texts[a]) && !zqIsNull(texts[b]);
+            return hasBoth ? zqOrderOfScalars(texts[a], texts[b]) < 0 : zqIsNull(texts[a]) && !zqIsNull(texts[b]);
+        });
+        m_places.resize(texts.size());
+        for (size_t place = 0; place < order.size(); ++place) {
+            m_places[order[place]] = quint32(place);
+        }
+    }
+    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    {
+        for (size_t i = 0; i < rows.size(); ++i) {
+            numbers[i] = m_places[m_extensions[rows[i]]];
+        }
+    }
+    bool isWhole() const override { return true; }
+    int compare(quint32 a, quint32 b) const override
+    {
+        const quint32 x = m_places[m_extensions[a]];
+        const quint32 y = m_places[m_extensions[b]];
+        return x < y ? -1 : (y < x ? 1 : 0);
+    }
+
+private:
+    const std::vector<quint32> &m_extensions;
+    std::vector<quint32> m_places; // by position among the texts
+};
+
 class DigestKey : public IndexSorter::Key
 {
 public:
@@ -184,6 +221,9 @@ std::shared_ptr<const IndexSorter::Key> IndexSorter::keyFor(const LibraryColumns
             return columns.titles.isBuilt() ? std::make_shared<RankKey>(columns.titles) : nullptr;
         }
         return std::make_shared<TextKey>(items.title);
+    }
+    if (name == QStringLiteral("extension") && comparison == ZQSortDescriptor::Comparison::Standard) {
+        return std::make_shared<ExtensionKey>(items);
     }
     if (name == QStringLiteral("SHA1") && comparison == ZQSortDescriptor::Comparison::Standard) {
         return std::make_shared<DigestKey>(items.digests);

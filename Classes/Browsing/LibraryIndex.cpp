@@ -30,6 +30,7 @@ struct LibraryIndex::Private
     quint64 announced ZQ_GUARDED_BY(lock) = 1; // the first is the whole library
     quint64 tried ZQ_GUARDED_BY(lock) = 0;
     quint64 current ZQ_GUARDED_BY(lock) = 0;     // so many are in
+    bool isStarted ZQ_GUARDED_BY(lock) = false;
     bool isOrdering ZQ_GUARDED_BY(lock) = false; // titles, after the rest was built
     bool isStopping ZQ_GUARDED_BY(lock) = false;
 
@@ -89,6 +90,13 @@ LibraryIndex::~LibraryIndex()
     d->thread.join();
 }
 
+void LibraryIndex::start()
+{
+    const ZQLockGuard guard(d->lock);
+    d->isStarted = true;
+    d->wake.notifyAll();
+}
+
 void LibraryIndex::follow(ZQManagedObjectContext &context)
 {
     d->tokens.push_back(context.observeObjectsDidChange([this](const ZQContextDidSave &change) { take(change); }));
@@ -124,6 +132,7 @@ bool LibraryIndex::Private::wait(Done done)
 
 bool LibraryIndex::waitUntilCurrent()
 {
+    start();
     const ZQLockGuard guard(d->lock);
     const quint64 wanted = d->announced;
     return d->wait([this, wanted]() ZQ_REQUIRES(d->lock) { return d->tried >= wanted; }) && d->current >= wanted;
@@ -166,7 +175,7 @@ size_t LibraryIndex::bytes() const
 std::optional<IndexReader::Asked> LibraryIndex::Private::take(quint64 &number)
 {
     const ZQLockGuard guard(lock);
-    while (!isStopping && tried == announced) {
+    while (!isStopping && (!isStarted || tried == announced)) {
         wake.wait(lock);
     }
     if (isStopping) {

@@ -28,8 +28,11 @@ class LibraryIndex : public QObject
 {
     Q_OBJECT
 public:
+    // Begins when it is first waited for, or at `start`.
     explicit LibraryIndex(std::shared_ptr<ZQPersistentStoreCoordinator> coordinator, QObject *parent = nullptr);
     ~LibraryIndex() override; // ends the build, if need be
+
+    void start();
 
     // Hears of what this context saves and of what is merged into it. On the context's thread; before the first
     // change that is to be in the index.

@@ -35,6 +35,8 @@
 
 namespace {
 
+constexpr int millisecondsBeforeIndex = 250;
+
 ZQUserDefaults &defaults()
 {
     return ZQUserDefaults::standardUserDefaults();
@@ -70,6 +72,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
     index->follow(m_window->context);
     m_fetcher->setIndex(index);
+    // The first screen comes first; they would share the processors.
+    QTimer::singleShot(millisecondsBeforeIndex, index.get(), &LibraryIndex::start);
     ZQPreviewService::prepare();
     m_mainWindow->setWindowTitle(QStringLiteral("Zelto"));
     m_mainWindow->setMinimumSize(720, 480);

@@ -290,6 +290,9 @@ TEST_F(LibraryIndexTest, AnswersWhatTheStoreAnswersForEverySidebarItemSearchAndO
                 const ZQRelatedIDs expected = stored(context, request);
                 const auto reading = current(index);
                 EXPECT_EQ(reading.ids(*reading.rows(request)), expected);
+                ZQFetchRequest byExtension = request;
+                byExtension.sortDescriptors.prepend({zqItemKeyPath(kind, QStringLiteral("extension"))});
+                EXPECT_EQ(reading.ids(*reading.rows(byExtension)), stored(context, byExtension));
                 request.fetchOffset = 3;
                 request.fetchLimit = 5;
                 EXPECT_EQ(reading.ids(*reading.rows(request)).ids, expected.ids.mid(3, 5));
