@@ -21,6 +21,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageDestination.h"
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
@@ -175,6 +176,9 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     std::optional<SignalWatcher> signalWatcher;
     if (commandLine.isImport() || commandLine.isEdit()) {
         signalWatcher.emplace([&user] { user.cancelCurrentWork(); });
+    }
+    if (commandLine.isImport()) {
+        ZQPreviewService::prepare(); // while the library opens
     }
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
