@@ -3,6 +3,7 @@
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -17,12 +18,10 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
-#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
-#include <QToolButton>
 
 namespace {
 
@@ -48,7 +47,8 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     auto *column = new QVBoxLayout(page);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(makeHead());
+    m_head = new BrowserHead(*m_content, page);
+    column->addWidget(m_head);
     m_chips = new SearchChips(page);
     column->addWidget(m_chips);
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
@@ -65,6 +65,11 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     m_refetch.setSingleShot(true);
     m_refetch.setInterval(40); // several changes in a row are one fetch
     connect(&m_refetch, &QTimer::timeout, m_content, &BrowserContent::reload);
+    connect(m_head, &BrowserHead::orderChanged, this, [this] {
+        updateHead();
+        Q_EMIT orderChanged();
+        Q_EMIT viewChanged();
+    });
     connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
     connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
@@ -85,54 +90,6 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     connect(m_detail, &DetailView::closed, this, &BrowserViewController::closeDetail);
     connect(m_detail, &DetailView::stepRequested, this,
             [this](int step) { showDetailAt(m_grid->currentIndex() + step); });
-}
-
-QWidget *BrowserViewController::makeHead()
-{
-    auto *head = new QWidget(this);
-    head->setFixedHeight(ZQMeasure::headHeight);
-    m_title = new QLabel(head);
-    m_title->setObjectName(QStringLiteral("Title"));
-    m_title->setMinimumWidth(1); // a long one is cut before what is chosen is
-    m_count = new QLabel(head);
-    m_count->setObjectName(QStringLiteral("Muted"));
-    const auto choice = [head](const QString &caption, const QString &tip) {
-        auto *label = new QLabel(caption, head);
-        label->setObjectName(QStringLiteral("Muted"));
-        auto *button = new QToolButton(head);
-        button->setObjectName(QStringLiteral("Pop"));
-        button->setAccessibleName(tip);
-        button->setToolTip(tip);
-        button->setFocusPolicy(Qt::TabFocus);
-        return std::pair(label, button);
-    };
-    const auto [groupCaption, group] = choice(zqLocalized("Group"), zqLocalized("Group by"));
-    m_group = group;
-    connect(m_group, &QToolButton::clicked, this, &BrowserViewController::showGroupMenu);
-    const auto [sortCaption, sort] = choice(zqLocalized("Sort"), zqLocalized("Sort by"));
-    m_sort = sort;
-    m_captions = {groupCaption, sortCaption};
-    connect(m_sort, &QToolButton::clicked, this, &BrowserViewController::showSortMenu);
-    m_direction = new QToolButton(head);
-    m_direction->setFixedSize(26, 26);
-    m_direction->setIconSize({14, 14});
-    connect(m_direction, &QToolButton::clicked, this,
-            [this] { setSort(m_content->tab().sortKeysValue(), !m_content->tab().sortDirectionValue()); });
-    auto *row = new QHBoxLayout(head);
-    row->setContentsMargins(20, 0, 14, 0);
-    row->setSpacing(10);
-    row->addWidget(m_title);
-    row->addSpacing(8);
-    row->addWidget(m_count);
-    row->addStretch(1);
-    row->addWidget(groupCaption);
-    row->addWidget(m_group);
-    row->addSpacing(6);
-    row->addWidget(sortCaption);
-    row->addWidget(m_sort);
-    row->setSpacing(2);
-    row->addWidget(m_direction);
-    return head;
 }
 
 QWidget *BrowserViewController::makeStatus()
@@ -321,18 +278,6 @@ void BrowserViewController::showEvent(QShowEvent *event)
     QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
 }
 
-// Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
-void BrowserViewController::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    constexpr int roomForAll = 600;
-    constexpr int roomForTitle = 420; // with less, half a word would be left of it
-    m_title->setVisible(width() >= roomForTitle);
-    for (QLabel *label : m_captions + QList<QLabel *>{m_count}) {
-        label->setVisible(width() >= roomForAll);
-    }
-}
-
 void BrowserViewController::keepViewState()
 {
     if (m_restoresView || m_content->isLoading()) {
@@ -362,6 +307,11 @@ void BrowserViewController::setFilter(const QString &text)
     m_content->setFilter(text);
     m_chips->setText(m_content->filter());
     Q_EMIT viewChanged();
+}
+
+void BrowserViewController::updateHead()
+{
+    m_head->showTab(countText());
 }
 
 QString BrowserViewController::countText() const
@@ -564,7 +514,7 @@ QList<WindowCommand> BrowserViewController::commands()
                        .isEnabled = hasSelection,
                        .keysIn = m_grid});
     }
-    return result + orderCommands();
+    return result + m_head->commands();
 }
 
 void BrowserViewController::copyToClipboard()

@@ -6,11 +6,11 @@
 #include <QTimer>
 #include <QWidget>
 
+class BrowserHead;
 class DetailView;
 class QLabel;
 class QSlider;
 class QStackedWidget;
-class QToolButton;
 class SearchChips;
 class ZQGridView;
 
@@ -26,6 +26,7 @@ public:
     const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
     void setFilter(const QString &text);
     void updateHead(); // title, count and order of what is shown
+    BrowserHead &head() { return *m_head; }
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
 
@@ -59,18 +60,10 @@ Q_SIGNALS:
     void viewChanged();       // what the tab keeps of its view may be another
 
 private:
-    QWidget *makeHead();
     QWidget *makeStatus();
     QWidget *makeRecovery();
     QString countText() const;
     void updateStatus();
-    void showSortMenu();
-    void showGroupMenu();
-    void setSort(ZQSortValue value, bool ascending);
-    void setDisplayStyle(BrowserDisplayStyle style);
-    bool canSortBy(ZQSortValue value) const;
-    bool hasDirection() const;
-    QList<WindowCommand> orderCommands();
     void showOther(const std::function<void()> &change); // `change` has the content be another
     void contentWillChange();
     void contentDidChange();
@@ -81,7 +74,6 @@ private:
 
 protected:
     void showEvent(QShowEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
 
 private:
     WindowContext &m_window;
@@ -89,12 +81,7 @@ private:
     QStackedWidget *m_stack;
     ZQGridView *m_grid;
     DetailView *m_detail;
-    QLabel *m_title;
-    QLabel *m_count;
-    QList<QLabel *> m_captions; // of what is chosen in the head
-    QToolButton *m_group;
-    QToolButton *m_sort;
-    QToolButton *m_direction;
+    BrowserHead *m_head;
     QLabel *m_status;
     SearchChips *m_chips;
     QWidget *m_recovery;
