@@ -66,7 +66,8 @@ BrowserHead::BrowserHead(BrowserContent &content, QWidget *parent)
     connect(m_group, &QToolButton::clicked, this, &BrowserHead::showGroupMenu);
     const auto [sortCaption, sort] = makeChoice(zqLocalized("Sort"), zqLocalized("Sort by"));
     m_sort = sort;
-    m_captions = {groupCaption, sortCaption};
+    m_groupCaption = groupCaption;
+    m_sortCaption = sortCaption;
     connect(m_sort, &QToolButton::clicked, this, &BrowserHead::showSortMenu);
     m_direction = new QToolButton(this);
     m_direction->setFixedSize(26, 26);
@@ -108,16 +109,29 @@ void BrowserHead::addButton(QWidget *button)
     m_buttons->addWidget(button);
 }
 
-// Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
 void BrowserHead::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
+    makeRoom();
+}
+
+void BrowserHead::setShowsOrder(bool showsOrder)
+{
+    m_showsOrder = showsOrder;
+    makeRoom();
+}
+
+// Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
+void BrowserHead::makeRoom()
+{
     constexpr int roomForAll = 600;
     constexpr int roomForTitle = 420; // with less, half a word would be left of it
     m_title->setVisible(width() >= roomForTitle);
-    for (QLabel *label : m_captions + QList<QLabel *>{m_count}) {
-        label->setVisible(width() >= roomForAll);
-    }
+    m_count->setVisible(width() >= roomForAll);
+    m_groupCaption->setVisible(width() >= roomForAll);
+    m_sortCaption->setVisible(width() >= roomForAll && m_showsOrder);
+    m_sort->setVisible(m_showsOrder);
+    m_direction->setVisible(m_showsOrder && hasDirection());
 }
 
 void BrowserHead::showTab(const QString &count)
@@ -135,7 +149,7 @@ void BrowserHead::showTab(const QString &count)
     m_sort->setText(titleOf(sortChoices, &SortChoice::value, isByTitle ? ZQSortValue::Title : value));
     m_sort->setAccessibleName(zqFormat(zqLocalized("Sort: %@"), {m_sort->text()}));
     const bool ascending = tab.sortDirectionValue();
-    m_direction->setVisible(hasDirection());
+    m_direction->setVisible(m_showsOrder && hasDirection());
     m_direction->setIcon(ZQIcon::icon(ascending ? QStringLiteral("arrow-up") : QStringLiteral("arrow-down")));
     m_direction->setAccessibleName(ascending ? zqLocalized("Ascending") : zqLocalized("Descending"));
     m_direction->setToolTip(m_direction->accessibleName());

@@ -26,7 +26,8 @@ public:
     bool canSortBy(ZQSortValue value) const;
     bool hasDirection() const;
     QList<WindowCommand> commands();
-    void addButton(QWidget *button); // after title and count, before what can be chosen
+    void setShowsOrder(bool showsOrder); // while nothing else says it
+    void addButton(QWidget *button);     // after title and count, before what can be chosen
 
 Q_SIGNALS:
     void orderChanged(); // or the groups
@@ -38,13 +39,16 @@ private:
     std::pair<QLabel *, QToolButton *> makeChoice(const QString &caption, const QString &tip);
     void showSortMenu();
     void showGroupMenu();
+    void makeRoom();
 
     BrowserContent &m_content;
     QLabel *m_title;
     QLabel *m_count;
     QHBoxLayout *m_buttons;
-    QList<QLabel *> m_captions; // of what is chosen
+    QLabel *m_groupCaption;
+    QLabel *m_sortCaption;
     QToolButton *m_group;
     QToolButton *m_sort;
     QToolButton *m_direction;
+    bool m_showsOrder = true;
 };

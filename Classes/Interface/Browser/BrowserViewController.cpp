@@ -4,6 +4,7 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
+#include "Classes/Interface/Browser/BrowserListStyle.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -22,6 +23,7 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
+#include <QThread>
 
 namespace {
 
@@ -39,9 +41,12 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     setAttribute(Qt::WA_StyledBackground);
     m_grid->setAccessibleName(zqLocalized("Items"));
     m_grid->thumbnailLoader().setDecoder(&ItemPictures::pictureFor);
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
-                           defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));
+    followPreferences();
+    m_preferences = ZQUserDefaults::standardUserDefaults().observe([this](const QString &) {
+        if (QThread::currentThread() == thread()) {
+            followPreferences();
+        }
+    });
     m_grid->setDataSource(m_content);
     auto *page = new QWidget(this);
     auto *column = new QVBoxLayout(page);
@@ -49,6 +54,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->setSpacing(0);
     m_head = new BrowserHead(*m_content, page);
     column->addWidget(m_head);
+    m_style = new BrowserListStyle(*m_content, *m_head, *m_grid, this);
     m_chips = new SearchChips(page);
     column->addWidget(m_chips);
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
@@ -70,6 +76,11 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
         Q_EMIT orderChanged();
         Q_EMIT viewChanged();
     });
+    connect(m_style, &BrowserListStyle::changed, this, [this] {
+        Q_EMIT orderChanged();
+        Q_EMIT viewChanged();
+    });
+    connect(m_content, &BrowserContent::valuesArrived, m_grid, &ZQGridView::updateVisible);
     connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
     connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
@@ -172,6 +183,7 @@ void BrowserViewController::showOther(const std::function<void()> &change)
     m_keepsScroll = false;
     m_grid->setSelection({});
     change();
+    m_style->showTab();
     m_grid->setZoom(m_content->tab().zoomValue());
     {
         const QSignalBlocker blocker(m_zoom);
@@ -312,6 +324,7 @@ void BrowserViewController::setFilter(const QString &text)
 void BrowserViewController::updateHead()
 {
     m_head->showTab(countText());
+    m_style->showTab();
 }
 
 QString BrowserViewController::countText() const
@@ -339,6 +352,14 @@ void BrowserViewController::savePersistentState()
 {
     keepViewState();
     m_content->tab().savePersistentStateInformations();
+}
+
+void BrowserViewController::followPreferences()
+{
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
+                           defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));
+    m_grid->setFillsCells(defaults.boolForKey(fillsCellsPreference));
 }
 
 void BrowserViewController::changeZoom(double by)
@@ -514,7 +535,7 @@ QList<WindowCommand> BrowserViewController::commands()
                        .isEnabled = hasSelection,
                        .keysIn = m_grid});
     }
-    return result + m_head->commands();
+    return result + m_head->commands() + m_style->commands();
 }
 
 void BrowserViewController::copyToClipboard()

@@ -2,11 +2,13 @@
 
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/WindowCommand.h"
+#include "Kit/Files/ZQUserDefaults.h"
 
 #include <QTimer>
 #include <QWidget>
 
 class BrowserHead;
+class BrowserListStyle;
 class DetailView;
 class QLabel;
 class QSlider;
@@ -19,6 +21,9 @@ class BrowserViewController : public QWidget
 {
     Q_OBJECT
 public:
+    // Small pictures fill their cells, or keep their size.
+    static inline const QString fillsCellsPreference = QStringLiteral("BrowserFillsCells");
+
     explicit BrowserViewController(WindowContext &window, QWidget *parent = nullptr);
 
     void showTab(const std::shared_ptr<TabState> &tab);
@@ -46,7 +51,8 @@ public:
     void rate(int stars);
     void copyToClipboard();
     void changeZoom(double by);
-    void keepViewState(); // selection, scroll and detail view, in the tab that is shown
+    void followPreferences(); // how cells are drawn
+    void keepViewState();     // selection, scroll and detail view, in the tab that is shown
     void savePersistentState();
     QList<WindowCommand> commands();
 
@@ -82,6 +88,8 @@ private:
     ZQGridView *m_grid;
     DetailView *m_detail;
     BrowserHead *m_head;
+    BrowserListStyle *m_style;
+    ZQUserDefaults::Token m_preferences;
     QLabel *m_status;
     SearchChips *m_chips;
     QWidget *m_recovery;
