@@ -102,7 +102,11 @@ void zqPaintArtworkGround(QPainter &painter, const QRectF &target, ZQArtworkGrou
         return;
     }
     if (ground == ZQArtworkGround::Middle) {
-        zqPaintCheckerboard(painter, target, target.toAlignedRect(), ground);
+        const QRectF plate({}, target.size());
+        painter.save();
+        painter.translate(target.topLeft()); // the squares go where it goes
+        zqPaintCheckerboard(painter, plate, plate.toAlignedRect(), ground);
+        painter.restore();
         return;
     }
     painter.setPen(Qt::NoPen);

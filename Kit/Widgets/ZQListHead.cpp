@@ -12,7 +12,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -209,9 +209,14 @@ void ZQListHead::showMenu(const QPoint &globalPoint)
             }
         });
     }
-    if (!actions().isEmpty()) {
-        menu.addSeparator();
-        menu.addActions(actions());
+    bool isFirst = true;
+    for (QAction *action : actions()) {
+        if (action->isVisible() && std::exchange(isFirst, false)) {
+            menu.addSeparator();
+        }
+        if (action->isVisible()) {
+            menu.addAction(action);
+        }
     }
     menu.exec(globalPoint);
 }

@@ -34,6 +34,7 @@ BrowserListStyle::BrowserListStyle(BrowserContent &content, BrowserHead &head, Z
     columns.restore(ZQUserDefaults::standardUserDefaults().objectForKey(columnsPreference).toMap());
     titles.setColumns(columns);
     m_byHand = new QAction(zqLocalized("Manual order"), &titles);
+    m_byHand->setCheckable(true);
     connect(m_byHand, &QAction::triggered, this,
             [this] { m_head.setSort(ZQSortValue::Manual, m_content.tab().sortDirectionValue()); });
     titles.addAction(m_byHand);
@@ -78,7 +79,6 @@ void BrowserListStyle::showOrder()
     const QString column = BrowserListColumns::columnOf(tab.sortKeysValue());
     m_grid.listHead().setSort(column, tab.sortDirectionValue());
     m_byHand->setVisible(m_head.canSortBy(ZQSortValue::Manual));
-    m_byHand->setCheckable(true);
     m_byHand->setChecked(tab.sortKeysValue() == ZQSortValue::Manual);
     m_head.setShowsOrder(!showsList() || column.isEmpty() || !m_grid.listHead().columns().isShown(column));
 }
