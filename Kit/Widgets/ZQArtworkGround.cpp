@@ -69,8 +69,9 @@ ZQArtworkTone zqArtworkTone(const QImage &image)
     double light = 0;
     const int stepX = std::max(1, image.width() / samplesPerSide);
     const int stepY = std::max(1, image.height() / samplesPerSide);
-    for (int y = stepY / 2; y < image.height(); y += stepY) {
-        for (int x = stepX / 2; x < image.width(); x += stepX) {
+    for (int row = 0; row * stepY < image.height(); ++row) {
+        const int y = std::min(image.height() - 1, row * stepY + stepY / 2);
+        for (int x = row % stepX; x < image.width(); x += stepX) { // stripes have no place to hide
             const QRgb pixel = image.pixel(x, y);
             const double weight = qAlpha(pixel) / 255.0;
             tone.isTransparent = tone.isTransparent || weight < 1;

@@ -71,7 +71,7 @@ private:
         const QStringList names = m_view->listColumns();
         const QList<ZQListValue> values = m_view->dataSource()->listValues(m_index, names);
         QStringList parts;
-        for (const ZQListColumn &column : m_view->listHead().columns().all()) {
+        for (const ZQViewColumn &column : m_view->listHead().columns().all()) {
             const ZQListValue value = values.value(names.indexOf(column.identifier));
             const QString text = value.stars > 0          ? QString::number(value.stars)
                                  : !value.chips.isEmpty() ? value.chips.join(QStringLiteral(", "))

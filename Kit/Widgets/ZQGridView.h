@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Kit/Widgets/ZQGridLayout.h"
-#include "Kit/Widgets/ZQListColumns.h"
 #include "Kit/Widgets/ZQThumbnailLoader.h"
+#include "Kit/Widgets/ZQViewColumns.h"
 
 #include <QAbstractScrollArea>
 #include <QElapsedTimer>
@@ -181,7 +181,7 @@ private:
     double m_zoom = 0.5;
     bool m_showsList = false;
     ZQListHead *m_listHead;
-    QList<ZQListColumns::Place> m_listPlaces;
+    QList<ZQViewColumns::Place> m_listPlaces;
     bool m_fillsCells = false;
     bool m_showsTitles = true;
     bool m_showsExtensions = true;

@@ -75,11 +75,11 @@ void ZQGridView::paintRow(QPainter &painter, qint64 index, const QRect &rect)
     }
     const int inset = std::min(pictureInset, rect.height() / 8);
     paintPicture(painter, item,
-                 QRect(rect.left(), rect.top() + inset, ZQListColumns::pictureWidth, rect.height() - 2 * inset), 0);
+                 QRect(rect.left(), rect.top() + inset, ZQViewColumns::pictureWidth, rect.height() - 2 * inset), 0);
     if (m_listPlaces.isEmpty()) {
         return;
     }
-    const auto boxOf = [&](const ZQListColumns::Place &place) {
+    const auto boxOf = [&](const ZQViewColumns::Place &place) {
         return QRect(rect.left() + place.left, rect.top(), place.width, rect.height());
     };
     painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize, QFont::Medium));

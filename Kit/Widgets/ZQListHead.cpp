@@ -26,7 +26,7 @@ class Title : public QAbstractButton
 public:
     using QAbstractButton::QAbstractButton;
 
-    void show(const ZQListColumn &column, Sorted sorted)
+    void show(const ZQViewColumn &column, Sorted sorted)
     {
         m_isSortable = column.isSortable;
         m_sorted = sorted;
@@ -80,7 +80,7 @@ ZQListHead::ZQListHead(QWidget *parent) : QWidget(parent)
     connect(&ZQTheme::current(), &ZQTheme::changed, this, QOverload<>::of(&QWidget::update));
 }
 
-void ZQListHead::setColumns(const ZQListColumns &columns)
+void ZQListHead::setColumns(const ZQViewColumns &columns)
 {
     m_columns = columns;
     layOut();
@@ -100,7 +100,7 @@ int ZQListHead::rowWidth() const
 
 void ZQListHead::layOut()
 {
-    const QList<ZQListColumns::Place> places = m_columns.places(rowWidth());
+    const QList<ZQViewColumns::Place> places = m_columns.places(rowWidth());
     while (m_titles.size() > places.size()) {
         delete m_titles.takeLast();
     }
@@ -110,7 +110,7 @@ void ZQListHead::layOut()
         title->installEventFilter(this);
         connect(title, &QAbstractButton::clicked, this, [this, place = m_titles.size()] {
             const auto shown = m_columns.places(rowWidth());
-            if (const ZQListColumn &column = m_columns.all()[shown[place].column]; column.isSortable) {
+            if (const ZQViewColumn &column = m_columns.all()[shown[place].column]; column.isSortable) {
                 Q_EMIT sortRequested(column.identifier);
             }
         });
@@ -118,7 +118,7 @@ void ZQListHead::layOut()
         m_titles.append(title);
     }
     for (qsizetype i = 0; i < places.size(); ++i) {
-        const ZQListColumn &column = m_columns.all()[places[i].column];
+        const ZQViewColumn &column = m_columns.all()[places[i].column];
         const Sorted sorted = column.identifier != m_sort ? Sorted::No : m_isAscending ? Sorted::Up : Sorted::Down;
         static_cast<Title *>(m_titles[i])->show(column, sorted);
         m_titles[i]->setGeometry(ZQGridLayout::sideMargin + places[i].left, 0, places[i].width, height - 1);
@@ -141,7 +141,7 @@ void ZQListHead::paintEvent(QPaintEvent * /*event*/)
         return;
     }
     for (qsizetype i = 1; i < m_titles.size(); ++i) { // where the lines are that can be dragged
-        painter.fillRect(QRect(m_titles[i]->x() - ZQListColumns::gap / 2, 8, 1, height - 16), line);
+        painter.fillRect(QRect(m_titles[i]->x() - ZQViewColumns::gap / 2, 8, 1, height - 16), line);
     }
 }
 
@@ -150,7 +150,7 @@ void ZQListHead::paintEvent(QPaintEvent * /*event*/)
 qsizetype ZQListHead::boundaryAt(int x) const
 {
     for (qsizetype i = 1; i < m_titles.size(); ++i) {
-        if (x < m_titles[i]->x() && x >= m_titles[i]->x() - ZQListColumns::gap) {
+        if (x < m_titles[i]->x() && x >= m_titles[i]->x() - ZQViewColumns::gap) {
             return i - 1;
         }
     }
@@ -198,7 +198,7 @@ void ZQListHead::showMenu(const QPoint &globalPoint)
 {
     QMenu menu(this);
     for (qsizetype i = 1; i < m_columns.all().size(); ++i) {
-        const ZQListColumn &column = m_columns.all()[i];
+        const ZQViewColumn &column = m_columns.all()[i];
         QAction *action = menu.addAction(column.title);
         action->setCheckable(true);
         action->setChecked(column.isShown);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Kit/Widgets/ZQListColumns.h"
+#include "Kit/Widgets/ZQViewColumns.h"
 
 #include <QWidget>
 
@@ -19,8 +19,8 @@ public:
 
     explicit ZQListHead(QWidget *parent = nullptr);
 
-    const ZQListColumns &columns() const { return m_columns; }
-    void setColumns(const ZQListColumns &columns);
+    const ZQViewColumns &columns() const { return m_columns; }
+    void setColumns(const ZQViewColumns &columns);
     // What the rows are ordered by; an empty one when no column is.
     void setSort(const QString &identifier, bool isAscending);
     void showMenu(const QPoint &globalPoint);
@@ -45,7 +45,7 @@ private:
     void moveBoundary(qsizetype place, int by);
     void focusPlace(qsizetype place);
 
-    ZQListColumns m_columns;
+    ZQViewColumns m_columns;
     QString m_sort;
     bool m_isAscending = false;
     QList<QAbstractButton *> m_titles; // by place

@@ -58,14 +58,14 @@ constexpr Column columns[] = {
 
 } // namespace
 
-ZQListColumns BrowserListColumns::all()
+ZQViewColumns BrowserListColumns::all()
 {
-    QList<ZQListColumn> result;
+    QList<ZQViewColumn> result;
     for (const Column &column : columns) {
         result.append({QString::fromLatin1(column.identifier), zqLocalized(column.title), column.width,
                        column.minimumWidth, column.sort != ZQSortValue::None, column.isShown});
     }
-    return ZQListColumns(result);
+    return ZQViewColumns(result);
 }
 
 std::optional<ZQSortValue> BrowserListColumns::sortOf(const QString &identifier)

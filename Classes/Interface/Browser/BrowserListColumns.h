@@ -11,7 +11,7 @@ class ZQLibraryBaseItem;
 // The columns of the browser's list style. Main thread.
 namespace BrowserListColumns {
 
-ZQListColumns all(); // as they are until a person chooses others
+ZQViewColumns all(); // as they are until a person chooses others
 std::optional<ZQSortValue> sortOf(const QString &identifier);
 QString columnOf(ZQSortValue value); // empty for an order that no column shows
 // `read` is null while it is not known.

@@ -30,7 +30,7 @@ BrowserListStyle::BrowserListStyle(BrowserContent &content, BrowserHead &head, Z
     m_asList = button("menu", zqLocalized("As List"), true);
 
     ZQListHead &titles = grid.listHead();
-    ZQListColumns columns = BrowserListColumns::all();
+    ZQViewColumns columns = BrowserListColumns::all();
     columns.restore(ZQUserDefaults::standardUserDefaults().objectForKey(columnsPreference).toMap());
     titles.setColumns(columns);
     m_byHand = new QAction(zqLocalized("Manual order"), &titles);

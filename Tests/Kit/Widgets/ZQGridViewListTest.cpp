@@ -39,7 +39,7 @@ protected:
     void showList(Numbers &rows)
     {
         ZQTheme::current().setDark(true);
-        head().setColumns(ZQListColumns({{QStringLiteral("title"), QStringLiteral("Title"), 0, 0, true},
+        head().setColumns(ZQViewColumns({{QStringLiteral("title"), QStringLiteral("Title"), 0, 0, true},
                                          {QStringLiteral("number"), QStringLiteral("Number"), 100, 40, true},
                                          {QStringLiteral("stars"), QStringLiteral("Stars"), 84, 40, false},
                                          {QStringLiteral("tags"), QStringLiteral("Tags"), 150, 40, false}}));

@@ -1,23 +1,23 @@
-#include "Kit/Widgets/ZQListColumns.h"
+#include "Kit/Widgets/ZQViewColumns.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-ZQListColumns columns()
+ZQViewColumns columns()
 {
     const auto column = [](const char *name, int width, int least, bool isShown) {
-        return ZQListColumn{QString::fromLatin1(name), QString::fromLatin1(name), width, least, true, isShown};
+        return ZQViewColumn{QString::fromLatin1(name), QString::fromLatin1(name), width, least, true, isShown};
     };
-    return ZQListColumns({column("title", 0, 0, true), column("kind", 54, 40, true), column("size", 100, 60, true),
+    return ZQViewColumns({column("title", 0, 0, true), column("kind", 54, 40, true), column("size", 100, 60, true),
                           column("made", 80, 60, false), column("date", 110, 70, true)});
 }
 
 // "NAME LEFT+WIDTH" of each place.
-std::string places(const ZQListColumns &columns, int width)
+std::string places(const ZQViewColumns &columns, int width)
 {
     QStringList texts;
-    for (const ZQListColumns::Place &place : columns.places(width)) {
+    for (const ZQViewColumns::Place &place : columns.places(width)) {
         texts.append(
             QStringLiteral("%1 %2+%3").arg(columns.all()[place.column].identifier).arg(place.left).arg(place.width));
     }
@@ -26,7 +26,7 @@ std::string places(const ZQListColumns &columns, int width)
 
 } // namespace
 
-TEST(ZQListColumns, TheTitleTakesWhatTheOthersLeaveAndTheLastGiveWay)
+TEST(ZQViewColumns, TheTitleTakesWhatTheOthersLeaveAndTheLastGiveWay)
 {
     struct Case
     {
@@ -42,8 +42,8 @@ TEST(ZQListColumns, TheTitleTakesWhatTheOthersLeaveAndTheLastGiveWay)
                              {40, "title 54+1"}}) {
         EXPECT_EQ(places(columns(), each.width), each.places) << each.width;
     }
-    EXPECT_TRUE(ZQListColumns().places(500).isEmpty());
-    ZQListColumns chosen = columns();
+    EXPECT_TRUE(ZQViewColumns().places(500).isEmpty());
+    ZQViewColumns chosen = columns();
     EXPECT_TRUE(chosen.setShown(QStringLiteral("made"), true));
     EXPECT_FALSE(chosen.setShown(QStringLiteral("made"), true));
     EXPECT_TRUE(chosen.setShown(QStringLiteral("kind"), false));
@@ -52,7 +52,7 @@ TEST(ZQListColumns, TheTitleTakesWhatTheOthersLeaveAndTheLastGiveWay)
     EXPECT_EQ(places(chosen, 600), "title 54+226|size 290+100|made 400+80|date 490+110");
 }
 
-TEST(ZQListColumns, ABoundaryMovesWithThePointerAndStopsAtTheLeastWidths)
+TEST(ZQViewColumns, ABoundaryMovesWithThePointerAndStopsAtTheLeastWidths)
 {
     struct Case
     {
@@ -70,22 +70,22 @@ TEST(ZQListColumns, ABoundaryMovesWithThePointerAndStopsAtTheLeastWidths)
                              {2, 500, true, "title 54+252|kind 316+54|size 380+140|date 530+70"},
                              {3, 10, false, "title 54+252|kind 316+54|size 380+100|date 490+110"},
                              {-1, 10, false, "title 54+252|kind 316+54|size 380+100|date 490+110"}}) {
-        ZQListColumns moved = columns();
+        ZQViewColumns moved = columns();
         EXPECT_EQ(moved.moveBoundary(each.place, each.by, 600), each.moves);
         EXPECT_EQ(places(moved, 600), each.places) << each.place << " by " << each.by;
     }
-    ZQListColumns stuck = columns();
+    ZQViewColumns stuck = columns();
     stuck.moveBoundary(0, 500, 600);
     EXPECT_FALSE(stuck.moveBoundary(0, 1, 600));
 }
 
-TEST(ZQListColumns, WhatWasChosenComesBackAndNonsenseDoesNot)
+TEST(ZQViewColumns, WhatWasChosenComesBackAndNonsenseDoesNot)
 {
-    ZQListColumns chosen = columns();
+    ZQViewColumns chosen = columns();
     chosen.setShown(QStringLiteral("made"), true);
     chosen.setShown(QStringLiteral("size"), false);
     chosen.moveBoundary(0, -20, 600);
-    ZQListColumns back = columns();
+    ZQViewColumns back = columns();
     back.restore(chosen.state());
     EXPECT_EQ(places(back, 600), places(chosen, 600));
 
@@ -96,11 +96,11 @@ TEST(ZQListColumns, WhatWasChosenComesBackAndNonsenseDoesNot)
                                      QVariantMap{{widths, QStringLiteral("wide")}},
                                      QVariantMap{{widths, QVariantMap{{QStringLiteral("kind"), QStringLiteral("wide")},
                                                                       {QStringLiteral("none"), 5}}}}}) {
-        ZQListColumns same = columns();
+        ZQViewColumns same = columns();
         same.restore(state);
         EXPECT_EQ(places(same, 600), usual) << state.keys().join(u' ').toStdString();
     }
-    ZQListColumns bounded = columns();
+    ZQViewColumns bounded = columns();
     bounded.restore({{shown, QStringList{QStringLiteral("kind"), QStringLiteral("none")}},
                      {widths, QVariantMap{{QStringLiteral("kind"), -4}}}});
     EXPECT_EQ(places(bounded, 600), "title 54+496|kind 560+40");

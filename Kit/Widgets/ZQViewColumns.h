@@ -4,7 +4,7 @@
 #include <QString>
 #include <QVariantMap>
 
-struct ZQListColumn
+struct ZQViewColumn
 {
     QString identifier;
     QString title; // localised
@@ -18,7 +18,7 @@ struct ZQListColumn
 // the picture; it takes what the others leave. Where there is too little room, the last ones give way.
 //
 // Lengths are device-independent pixels.
-class ZQListColumns
+class ZQViewColumns
 {
 public:
     static constexpr int pictureWidth = 36;
@@ -26,9 +26,9 @@ public:
     static constexpr int gap = 10;
     static constexpr int leastTitleWidth = 140;
 
-    explicit ZQListColumns(QList<ZQListColumn> all = {}) : m_all(std::move(all)) {}
+    explicit ZQViewColumns(QList<ZQViewColumn> all = {}) : m_all(std::move(all)) {}
 
-    const QList<ZQListColumn> &all() const { return m_all; }
+    const QList<ZQViewColumn> &all() const { return m_all; }
     bool isShown(const QString &identifier) const;
     bool setShown(const QString &identifier, bool isShown); // false when that changes nothing
 
@@ -49,5 +49,5 @@ public:
     void restore(const QVariantMap &state);
 
 private:
-    QList<ZQListColumn> m_all;
+    QList<ZQViewColumn> m_all;
 };

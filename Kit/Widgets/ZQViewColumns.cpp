@@ -1,4 +1,4 @@
-#include "Kit/Widgets/ZQListColumns.h"
+#include "Kit/Widgets/ZQViewColumns.h"
 
 #include <QStringList>
 
@@ -12,14 +12,14 @@ constexpr int widest = 1200;
 
 } // namespace
 
-bool ZQListColumns::isShown(const QString &identifier) const
+bool ZQViewColumns::isShown(const QString &identifier) const
 {
-    return std::any_of(m_all.begin(), m_all.end(), [&identifier](const ZQListColumn &column) {
+    return std::any_of(m_all.begin(), m_all.end(), [&identifier](const ZQViewColumn &column) {
         return column.isShown && column.identifier == identifier;
     });
 }
 
-bool ZQListColumns::setShown(const QString &identifier, bool isShown)
+bool ZQViewColumns::setShown(const QString &identifier, bool isShown)
 {
     for (qsizetype i = 1; i < m_all.size(); ++i) {
         if (m_all[i].identifier == identifier && m_all[i].isShown != isShown) {
@@ -30,7 +30,7 @@ bool ZQListColumns::setShown(const QString &identifier, bool isShown)
     return false;
 }
 
-QList<ZQListColumns::Place> ZQListColumns::places(int width) const
+QList<ZQViewColumns::Place> ZQViewColumns::places(int width) const
 {
     if (m_all.isEmpty()) {
         return {};
@@ -56,7 +56,7 @@ QList<ZQListColumns::Place> ZQListColumns::places(int width) const
     return result;
 }
 
-bool ZQListColumns::moveBoundary(qsizetype place, int by, int width)
+bool ZQViewColumns::moveBoundary(qsizetype place, int by, int width)
 {
     const QList<Place> shown = places(width);
     if (place < 0 || place + 1 >= shown.size() || by == 0) {
@@ -74,7 +74,7 @@ bool ZQListColumns::moveBoundary(qsizetype place, int by, int width)
     return moved != 0;
 }
 
-QVariantMap ZQListColumns::state() const
+QVariantMap ZQViewColumns::state() const
 {
     QStringList shown;
     QVariantMap widths;
@@ -87,14 +87,14 @@ QVariantMap ZQListColumns::state() const
     return {{shownKey, shown}, {widthsKey, widths}};
 }
 
-void ZQListColumns::restore(const QVariantMap &state)
+void ZQViewColumns::restore(const QVariantMap &state)
 {
     const QVariant shown = state.value(shownKey);
     const bool saysWhichAreShown = shown.canConvert<QStringList>();
     const QStringList identifiers = shown.toStringList();
     const QVariantMap widths = state.value(widthsKey).toMap();
     for (qsizetype i = 1; i < m_all.size(); ++i) {
-        ZQListColumn &column = m_all[i];
+        ZQViewColumn &column = m_all[i];
         if (saysWhichAreShown) {
             column.isShown = identifiers.contains(column.identifier);
         }
