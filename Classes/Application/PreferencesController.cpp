@@ -22,6 +22,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("UseBackgroundTextures"), true},
         {QStringLiteral("ShowLibraryItemsTitles"), true},
         {QStringLiteral("ShowLibraryItemsExtensions"), true},
+        {QStringLiteral("BrowserFillsCells"), false},
         {QStringLiteral("UseDarkUI"), true},
         {QStringLiteral("SidebarDisplayBadges"), true},
         {QStringLiteral("ScreenshotAreaHotkey"), hotkey(18)},

@@ -1,13 +1,13 @@
 #include "Classes/Browsing/SelectionSummary.h"
 
 #include "Classes/Browsing/KindNames.h"
+#include "Classes/Browsing/ShortDate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <QFileInfo>
-#include <QLocale>
 #include <QSet>
 
 #include <algorithm>
@@ -18,20 +18,7 @@ constexpr qsizetype batchSize = 500;
 
 QString dateText(const QDateTime &date)
 {
-    if (!date.isValid()) {
-        return zqLocalized("Unknown");
-    }
-    const QDateTime local = date.toLocalTime();
-    const qint64 days = local.date().daysTo(QDate::currentDate());
-    const QLocale locale;
-    // The C locale's short time has seconds.
-    const QString time = locale.language() == QLocale::C ? local.time().toString(QStringLiteral("HH:mm"))
-                                                         : locale.toString(local.time(), QLocale::ShortFormat);
-    if (days == 0) {
-        return zqFormat(zqLocalized("Today, %@"), {time});
-    }
-    return days == 1 ? zqFormat(zqLocalized("Yesterday, %@"), {time})
-                     : locale.toString(local.date(), QStringLiteral("d MMM yyyy"));
+    return date.isValid() ? zqShortDate(date) : zqLocalized("Unknown");
 }
 
 QString sizeText(const ZQLibraryBaseItem &item)

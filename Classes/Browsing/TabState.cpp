@@ -62,6 +62,7 @@ void TabState::goToSidebarItems(const QList<ZQObjectID> &items)
     view.infoPanelOpen = left.infoPanelOpen;
     view.infoPanelHeight = left.infoPanelHeight;
     view.exportPanelOpen = left.exportPanelOpen;
+    view.showsList = left.showsList;
     // Groups by what items are mean the same everywhere.
     if (m_browserDisplayStyle && *m_browserDisplayStyle <= BrowserDisplayStyle::BySidebarItem) {
         m_browserDisplayStyle.reset();

@@ -6,6 +6,7 @@
 #include "Kit/Foundation/ZQIndexSet.h"
 
 #include <QPointF>
+#include <QSet>
 #include <QString>
 
 #include <functional>
@@ -24,6 +25,8 @@ struct TabViewState
     std::optional<bool> infoPanelOpen;
     std::optional<double> infoPanelHeight;
     std::optional<bool> exportPanelOpen;
+    std::optional<bool> showsList; // columns in place of thumbnails, where that can be
+    QSet<QString> collapsedGroups; // by title, while the program runs
 };
 
 // What one tab shows: which sidebar items, filtered by what, in which order, groups and size. The one home of that:

@@ -18,6 +18,7 @@ const QString predicateKey = QStringLiteral("filterPredicate");
 const QString searchKey = QStringLiteral("searchString");
 const QString selectionKey = QStringLiteral("selectionIndexes");
 const QString styleKey = QStringLiteral("browserDisplayStyle");
+const QString listKey = QStringLiteral("browserShowsList");
 const QString infoOpenKey = QStringLiteral("infoPanelOpen");
 const QString infoHeightKey = QStringLiteral("infoPanelHeight");
 const QString exportOpenKey = QStringLiteral("exportPanelOpen");
@@ -174,6 +175,7 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
              {searchKey, textOrNothing(tab.searchString())},
              {selectionKey, keepsSelection ? QVariant::fromValue(view.selectionIndexes) : QVariant()},
              {styleKey, numberOf(tab.browserDisplayStyle())},
+             {listKey, numberOf(view.showsList)},
              {infoOpenKey, numberOf(view.infoPanelOpen)},
              {infoHeightKey, valueOf(view.infoPanelHeight)},
              {exportOpenKey, numberOf(view.exportPanelOpen)},
@@ -222,6 +224,7 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     view.selectionIndexes = fields.indexes(selectionKey);
     view.detailZoom = fields.number(detailZoomKey, 0, furthest);
     view.detailScroll = fields.point(detailScrollKey);
+    view.showsList = fields.flag(listKey);
     view.infoPanelOpen = fields.flag(infoOpenKey);
     view.infoPanelHeight = fields.number(infoHeightKey, 0, furthest);
     view.exportPanelOpen = fields.flag(exportOpenKey);

@@ -1,6 +1,7 @@
 #include "Kit/Widgets/ZQGridAccessible.h"
 
 #include "Kit/Widgets/ZQGridView.h"
+#include "Kit/Widgets/ZQListHead.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -22,10 +23,13 @@ public:
     QAccessible::Role role() const override { return QAccessible::ListItem; }
     QString text(QAccessible::Text kind) const override
     {
-        if (kind != QAccessible::Name || !isValid()) {
+        if ((kind != QAccessible::Name && kind != QAccessible::Description) || !isValid()) {
             return {};
         }
         m_view->dataSource()->willShow(m_index, m_index);
+        if (kind == QAccessible::Description) {
+            return m_view->showsList() ? rowText() : QString();
+        }
         const ZQGridItem item = m_view->dataSource()->item(m_index);
         return item.extension.isEmpty() ? item.title : item.title + u'.' + item.extension;
     }
@@ -61,6 +65,24 @@ public:
     qint64 index() const { return m_index; }
 
 private:
+    // What the columns say, each with its title.
+    QString rowText() const
+    {
+        const QStringList names = m_view->listColumns();
+        const QList<ZQListValue> values = m_view->dataSource()->listValues(m_index, names);
+        QStringList parts;
+        for (const ZQViewColumn &column : m_view->listHead().columns().all()) {
+            const ZQListValue value = values.value(names.indexOf(column.identifier));
+            const QString text = value.stars > 0          ? QString::number(value.stars)
+                                 : !value.chips.isEmpty() ? value.chips.join(QStringLiteral(", "))
+                                                          : value.text;
+            if (!text.isEmpty()) {
+                parts.append(column.title + u' ' + text);
+            }
+        }
+        return parts.join(QStringLiteral("; "));
+    }
+
     ZQGridView *m_view;
     qint64 m_index;
 };

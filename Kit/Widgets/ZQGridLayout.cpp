@@ -12,6 +12,13 @@ int ZQGridLayout::cellWidthForZoom(double zoom)
     return int(std::lround(smallest * std::pow(largest / smallest, std::clamp(zoom, 0.0, 1.0))));
 }
 
+int ZQGridLayout::rowHeightForZoom(double zoom)
+{
+    constexpr double smallest = 28;
+    constexpr double largest = 60;
+    return int(std::lround(smallest + (largest - smallest) * std::clamp(zoom, 0.0, 1.0)));
+}
+
 void ZQGridLayout::setContent(const QList<qint64> &groupCounts, bool hasHeads, const QList<bool> &collapsed)
 {
     m_groups.clear();
@@ -27,22 +34,31 @@ void ZQGridLayout::setContent(const QList<qint64> &groupCounts, bool hasHeads, c
 
 void ZQGridLayout::setGeometry(int width, double zoom, bool hasTitles)
 {
-    m_width = width;
-    m_zoom = zoom;
-    m_hasTitles = hasTitles;
+    m_isList = false;
     const int room = std::max(1, width - 2 * sideMargin);
-    const int wanted = cellWidthForZoom(zoom);
-    m_columns = std::max(1, (room + columnGap) / (wanted + columnGap));
-    m_pitch = double(room + columnGap) / m_columns;
-    m_cellWidth = std::max(1, int(m_pitch) - columnGap);
+    m_cellWidth = std::min(room, cellWidthForZoom(zoom));
+    m_columns = std::max(1, (room + columnGap) / (m_cellWidth + columnGap));
+    m_pitch = m_columns > 1 ? double(room - m_cellWidth) / (m_columns - 1) : room + columnGap;
     m_pictureHeight = std::max(40, int(std::lround(m_cellWidth * 0.76)));
-    m_rowHeight = m_pictureHeight + (hasTitles ? titleGap + titleHeight : 0) + rowGap;
+    m_rowGap = rowGap;
+    m_rowHeight = m_pictureHeight + (hasTitles ? titleGap + titleHeight : 0) + m_rowGap;
+    place();
+}
+
+void ZQGridLayout::setListGeometry(int width, double zoom)
+{
+    m_isList = true;
+    m_columns = 1;
+    m_cellWidth = std::max(1, width - 2 * sideMargin);
+    m_pitch = m_cellWidth + columnGap;
+    m_rowGap = 0;
+    m_rowHeight = m_pictureHeight = rowHeightForZoom(zoom);
     place();
 }
 
 void ZQGridLayout::place()
 {
-    qint64 y = m_hasHeads ? 0 : 12;
+    qint64 y = m_hasHeads ? 0 : m_isList ? 6 : 12;
     for (Group &group : m_groups) {
         group.top = y;
         y = cellsTop(group) + rowsOf(group) * m_rowHeight;
@@ -52,7 +68,12 @@ void ZQGridLayout::place()
 
 qint64 ZQGridLayout::cellsTop(const Group &group) const
 {
-    return group.top + (m_hasHeads ? ZQMeasure::groupHeadHeight + (group.collapsed ? 4 : headGap) : 0);
+    return group.top + (m_hasHeads ? ZQMeasure::groupHeadHeight + gapBelowHead(group) : 0);
+}
+
+int ZQGridLayout::gapBelowHead(const Group &group) const
+{
+    return group.collapsed ? 4 : m_isList ? 6 : headGap;
 }
 
 qint64 ZQGridLayout::groupBottom(int group) const
@@ -83,7 +104,7 @@ ZQGridLayout::Cell ZQGridLayout::cell(qint64 index) const
     const Group &group = m_groups[position];
     Cell result;
     result.width = m_cellWidth;
-    result.height = m_rowHeight - rowGap;
+    result.height = m_rowHeight - m_rowGap;
     if (group.collapsed) {
         result.top = group.top;
         result.left = sideMargin;
@@ -107,7 +128,7 @@ qint64 ZQGridLayout::indexAt(int x, qint64 y) const
     int column = int((x - sideMargin + 1) / m_pitch);
     column -= int(column * m_pitch) > x - sideMargin ? 1 : 0; // left edges are rounded down
     if (group.collapsed || inside < 0 || x < sideMargin || column >= m_columns ||
-        inside % m_rowHeight >= m_rowHeight - rowGap || x - sideMargin - int(column * m_pitch) >= m_cellWidth) {
+        inside % m_rowHeight >= m_rowHeight - m_rowGap || x - sideMargin - int(column * m_pitch) >= m_cellWidth) {
         return -1;
     }
     const qint64 inGroup = inside / m_rowHeight * m_columns + column;
@@ -121,8 +142,13 @@ qint64 ZQGridLayout::insertionIndexAt(int x, qint64 y) const
         return 0;
     }
     const Group &group = m_groups[position];
+    if (m_isList) {
+        const qint64 row = (std::max<qint64>(0, y - cellsTop(group)) + m_rowHeight / 2) / m_rowHeight;
+        return group.first + std::min(group.count, row);
+    }
     const qint64 row = std::max<qint64>(0, (y - cellsTop(group)) / m_rowHeight);
-    const int column = std::clamp(int(std::floor((x - sideMargin + columnGap / 2.0) / m_pitch + 0.5)), 0, m_columns);
+    const double gap = m_pitch - m_cellWidth;
+    const int column = std::clamp(int(std::floor((x - sideMargin + gap / 2) / m_pitch + 0.5)), 0, m_columns);
     return group.first + std::min(group.count, row * m_columns + column);
 }
 
@@ -203,9 +229,11 @@ qint64 ZQGridLayout::movedByRows(qint64 index, int rows) const
     if (position < 0) {
         return firstShown();
     }
-    qint64 row = (index - m_groups[position].first) / m_columns + rows;
-    const qint64 column = (index - m_groups[position].first) % m_columns;
+    const qint64 inGroup = m_groups[position].collapsed ? 0 : index - m_groups[position].first;
     const int step = rows < 0 ? -1 : 1;
+    // From a head, the first row below it is one on.
+    qint64 row = inGroup / m_columns + rows - (m_groups[position].collapsed && rows > 0 ? 1 : 0);
+    const qint64 column = inGroup % m_columns;
     int best = position;
     qint64 bestRow = std::clamp<qint64>(row, 0, std::max<qint64>(0, rowsOf(m_groups[position]) - 1));
     while (row < 0 || row >= rowsOf(m_groups[position])) {
@@ -227,6 +255,9 @@ qint64 ZQGridLayout::movedByRows(qint64 index, int rows) const
     }
     const Group &group = m_groups[best];
     const qint64 target = group.first + std::min(group.count - 1, bestRow * m_columns + column);
+    if (group.collapsed) {
+        return index; // nothing else can be seen that way
+    }
     const bool isLastRow = bestRow == rowsOf(group) - 1;
     return rows > 0 && best == groupOfIndex(index) && isLastRow && target < index ? index : target;
 }

@@ -7,8 +7,8 @@
 
 #include <functional>
 
-// Where the cells of a grid are. Cells have one size, so every question is answered by arithmetic: constant without
-// groups, logarithmic in the number of groups with them; nothing is kept for an item.
+// Where the cells of a grid, or the rows of a list, are. Cells have one size, so every question is answered by
+// arithmetic: constant without groups, logarithmic in the number of groups with them; nothing is kept for an item.
 //
 // Lengths are device-independent pixels of the content, whose height may exceed what an int holds.
 class ZQGridLayout
@@ -24,7 +24,9 @@ public:
 
     // Counts of consecutive groups; one nameless group without a head is the plain grid.
     void setContent(const QList<qint64> &groupCounts, bool hasHeads, const QList<bool> &collapsed = {});
+    // A grid: the zoom alone says how large cells are, as long as one has room; what is left goes between the columns.
     void setGeometry(int width, double zoom, bool hasTitles);
+    void setListGeometry(int width, double zoom); // a list: one cell a row, as wide as there is room
 
     qint64 count() const { return m_count; }
     int columns() const { return m_columns; }
@@ -33,6 +35,7 @@ public:
     qint64 contentHeight() const { return m_contentHeight; }
     int groupCount() const { return int(m_groups.size()); }
     bool hasHeads() const { return m_hasHeads; }
+    bool isList() const { return m_isList; }
 
     int groupOfIndex(qint64 index) const;
     int groupAtY(qint64 y) const; // the last one beginning at or above y; -1 when there is none
@@ -62,6 +65,7 @@ public:
     static constexpr int titleHeight = 18;
     static constexpr int headGap = 14;
     static int cellWidthForZoom(double zoom); // 0 to 1
+    static int rowHeightForZoom(double zoom); // of a list
 
 private:
     struct Group
@@ -72,19 +76,19 @@ private:
         bool collapsed = false;
     };
     void place();
+    int gapBelowHead(const Group &group) const;
     qint64 rowsOf(const Group &group) const { return group.collapsed ? 0 : (group.count + m_columns - 1) / m_columns; }
     qint64 cellsTop(const Group &group) const;
 
     QList<Group> m_groups;
     bool m_hasHeads = false;
     qint64 m_count = 0;
-    int m_width = 0;
-    double m_zoom = 0.5;
-    bool m_hasTitles = true;
+    bool m_isList = false;
     int m_columns = 1;
     double m_pitch = 1; // from one column to the next
     int m_cellWidth = 1;
     int m_pictureHeight = 1;
     int m_rowHeight = 1;
+    int m_rowGap = rowGap;
     qint64 m_contentHeight = 0;
 };

@@ -1,6 +1,7 @@
 #include "Kit/Widgets/ZQGridView.h"
 
 #include "Kit/Widgets/ZQGridAccessible.h"
+#include "Kit/Widgets/ZQListHead.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QAccessible>
@@ -26,8 +27,11 @@ qint64 ZQGridDataSource::indexForTyping(const QString &text, qint64 from) const
     return -1;
 }
 
-ZQGridView::ZQGridView(QWidget *parent) : QAbstractScrollArea(parent), m_loader(std::make_unique<ZQThumbnailLoader>())
+ZQGridView::ZQGridView(QWidget *parent)
+    : QAbstractScrollArea(parent), m_loader(std::make_unique<ZQThumbnailLoader>()), m_listHead(new ZQListHead(this))
 {
+    m_listHead->hide();
+    connect(m_listHead, &ZQListHead::columnsChanged, this, &ZQGridView::relayout);
     zqInstallGridAccessibility();
     setFocusPolicy(Qt::StrongFocus);
     setFrameShape(QFrame::NoFrame);
@@ -87,7 +91,13 @@ void ZQGridView::updateVisible()
 
 void ZQGridView::relayout()
 {
-    m_layout.setGeometry(viewport()->width(), m_zoom, m_showsTitles);
+    if (m_showsList) {
+        m_layout.setListGeometry(viewport()->width(), m_zoom);
+        m_listPlaces = m_listHead->columns().places(viewport()->width() - 2 * ZQGridLayout::sideMargin);
+        m_listHead->setGeometry(viewport()->x(), 0, viewport()->width(), ZQListHead::height);
+    } else {
+        m_layout.setGeometry(viewport()->width(), m_zoom, m_showsTitles);
+    }
     updateScrollBar();
     viewport()->update();
     Q_EMIT visibleChanged();
@@ -163,23 +173,6 @@ void ZQGridView::setZoom(double zoom, const QPoint &anchor)
     Q_EMIT zoomChanged(zoom);
 }
 
-void ZQGridView::setGroupCollapsed(int group, bool collapsed)
-{
-    if (group < 0 || group >= m_groups.size()) {
-        return;
-    }
-    if (collapsed) {
-        m_collapsedTitles.insert(m_groups[group].title);
-    } else {
-        m_collapsedTitles.remove(m_groups[group].title);
-    }
-    const bool wasSticky = stickyGroup() == group;
-    reloadData();
-    if (wasSticky) {
-        setScrollOffset(m_layout.groupTop(group));
-    }
-}
-
 int ZQGridView::stickyGroup() const
 {
     return m_layout.hasHeads() ? m_layout.groupAtY(scrollOffset()) : -1;
@@ -246,6 +239,9 @@ void ZQGridView::setCurrentIndex(qint64 index)
     if (index < 0 || index >= m_layout.count()) {
         return;
     }
+    if (const int group = m_layout.groupOfIndex(index); m_layout.isCollapsed(group)) {
+        setGroupCollapsed(group, false); // it is to be seen
+    }
     moveCurrent(index, Qt::NoModifier);
 }
 
@@ -308,9 +304,8 @@ void ZQGridView::keyPressEvent(QKeyEvent *event)
     switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
-        if (isAlt && m_layout.hasHeads()) {
-            setGroupCollapsed(current < 0 ? stickyGroup() : m_layout.groupOfIndex(current),
-                              event->key() == Qt::Key_Left);
+        if (m_layout.hasHeads() && (isAlt || m_showsList)) {
+            collapseCurrentGroup((event->key() == Qt::Key_Left) != rightToLeft);
         } else {
             moveCurrent(step((event->key() == Qt::Key_Right) != rightToLeft ? 1 : -1), modifiers);
         }

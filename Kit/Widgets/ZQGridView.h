@@ -2,6 +2,7 @@
 
 #include "Kit/Widgets/ZQGridLayout.h"
 #include "Kit/Widgets/ZQThumbnailLoader.h"
+#include "Kit/Widgets/ZQViewColumns.h"
 
 #include <QAbstractScrollArea>
 #include <QElapsedTimer>
@@ -20,6 +21,14 @@ struct ZQGridItem
     ZQThumbnailRequest thumbnail;
 };
 
+// What a row of a list says in one of its columns.
+struct ZQListValue
+{
+    QString text;
+    int stars = -1;    // in place of a text
+    QStringList chips; // the same
+};
+
 struct ZQGridGroup
 {
     QString title;
@@ -36,6 +45,8 @@ public:
     virtual QList<ZQGridGroup> groups() const { return {}; }    // consecutive; empty: no groups
     virtual void willShow(qint64 /*first*/, qint64 /*last*/) {} // before the items of this range are asked for
     virtual ZQGridItem item(qint64 index) const = 0;
+    // In the columns of these names, for a list.
+    virtual QList<ZQListValue> listValues(qint64 /*index*/, const QStringList & /*columns*/) const { return {}; }
     // The first item from `from` on, going round, whose title begins with `text`; -1 when there is none, or when the
     // source finds it later and sets the current index itself.
     virtual qint64 indexForTyping(const QString &text, qint64 from) const;
@@ -47,7 +58,9 @@ public:
     virtual QString emptyText() const { return {}; }
 };
 
-// A grid of pictures with titles that lays out and paints only what is visible.
+class ZQListHead;
+
+// A grid of pictures with titles, or a list of them with columns, that lays out and paints only what is visible.
 class ZQGridView : public QAbstractScrollArea
 {
     Q_OBJECT
@@ -72,8 +85,21 @@ public:
     void setZoom(double zoom);                       // keeps the middle of the view where it is
     void setZoom(double zoom, const QPoint &anchor); // keeps the item under the anchor under it
     void setShowsTitles(bool titles, bool extensions);
+    // Pictures smaller than their cell are enlarged by the largest whole factor that fits; else they keep their size.
+    void setFillsCells(bool fillsCells);
+    bool fillsCells() const { return m_fillsCells; }
 
+    bool showsList() const { return m_showsList; }
+    void setShowsList(bool showsList); // keeps what is in view in view
+    ZQListHead &listHead() { return *m_listHead; }
+    QStringList listColumns() const; // names of those with room, after the title
+
+    // Groups stay collapsed by their titles, also those that come later.
     void setGroupCollapsed(int group, bool collapsed);
+    void setAllGroupsCollapsed(bool collapsed);
+    const QSet<QString> &collapsedGroups() const { return m_collapsedTitles; }
+    void setCollapsedGroups(const QSet<QString> &titles);
+    int currentGroup() const; // of the current item, else the one on top; -1 for none
     const ZQGridLayout &gridLayout() const { return m_layout; }
     // Where the item is in the viewport; may lie outside it.
     QRect visualRect(qint64 index) const;
@@ -91,6 +117,7 @@ Q_SIGNALS:
     void zoomChanged(double zoom);
     void contextMenuRequested(const QPoint &globalPoint);
     void visibleChanged();
+    void collapsedGroupsChanged();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -123,8 +150,21 @@ private:
     void showDropPlace(QDragMoveEvent *event);
     void startDrag();
     int headAt(const QPoint &viewportPoint) const;
+    bool isBesideContent(const QPoint &viewportPoint) const;
+    void collapseCurrentGroup(bool collapsed);
     void paintCell(QPainter &painter, qint64 index, const QRect &rect);
-    void paintPicture(QPainter &painter, const ZQGridItem &item, const QRect &box);
+    void paintRow(QPainter &painter, qint64 index, const QRect &rect);
+    void paintValue(QPainter &painter, const ZQListValue &value, const QRect &box, bool selected);
+    void paintChips(QPainter &painter, const QStringList &chips, const QRect &box, bool selected);
+    struct PicturePlace
+    {
+        QRectF target;
+        bool isPixelForPixel = false; // a pixel of the picture is a whole number of those of the screen
+        bool isEnlarged = false;
+    };
+    PicturePlace placeOfPicture(const ZQGridItem &item, const QImage &image, const QRectF &room) const;
+    static constexpr int picturePadding = 6;
+    void paintPicture(QPainter &painter, const ZQGridItem &item, const QRect &box, int padding = picturePadding);
     void paintTitle(QPainter &painter, const ZQGridItem &item, const QRect &box, bool selected);
     void paintHead(QPainter &painter, int group, int y);
     void paintOverlays(QPainter &painter);
@@ -139,6 +179,10 @@ private:
     qint64 m_current = -1;
     qint64 m_anchor = -1; // where a Shift selection begins
     double m_zoom = 0.5;
+    bool m_showsList = false;
+    ZQListHead *m_listHead;
+    QList<ZQViewColumns::Place> m_listPlaces;
+    bool m_fillsCells = false;
     bool m_showsTitles = true;
     bool m_showsExtensions = true;
     qint64 m_unit = 1; // content pixels a scroll bar step stands for

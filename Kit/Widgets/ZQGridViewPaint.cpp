@@ -11,9 +11,17 @@
 #include <cmath>
 
 namespace {
-constexpr int picturePadding = 6;
 constexpr int pictureRadius = 3;
+constexpr int cornerSize = 64; // smaller pictures keep their corners
 constexpr int cellRadius = 6;
+
+// The painter's own filter would leave gaps in what is shrunk by more than half.
+QImage sharpFor(const QImage &image, const QSizeF &pixels)
+{
+    return pixels.width() >= image.width() / 2.0
+               ? image
+               : image.scaled(pixels.toSize().expandedTo(QSize(1, 1)), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
 
 QString withDot(const QString &extension)
 {
@@ -62,6 +70,10 @@ void ZQGridView::paintEvent(QPaintEvent * /*event*/)
 
 void ZQGridView::paintCell(QPainter &painter, qint64 index, const QRect &rect)
 {
+    if (m_showsList) {
+        paintRow(painter, index, rect);
+        return;
+    }
     const ZQGridItem item = m_source->item(index);
     const bool selected = m_selection.contains(index);
     const QRect box(rect.left(), rect.top(), rect.width(), m_layout.pictureHeight());
@@ -84,11 +96,11 @@ void ZQGridView::paintCell(QPainter &painter, qint64 index, const QRect &rect)
     }
 }
 
-void ZQGridView::paintPicture(QPainter &painter, const ZQGridItem &item, const QRect &box)
+// Where a picture goes in its box, in whole device pixels.
+ZQGridView::PicturePlace ZQGridView::placeOfPicture(const ZQGridItem &item, const QImage &image,
+                                                    const QRectF &room) const
 {
     const qreal ratio = devicePixelRatioF();
-    const QSize room = box.size() - QSize(2 * picturePadding, 2 * picturePadding);
-    const QImage image = m_loader->image(item.thumbnail, int(std::ceil(std::max(room.width(), room.height()) * ratio)));
     QSizeF natural = !item.pixelSize.isEmpty() ? QSizeF(item.pixelSize)
                      : !image.isNull()         ? QSizeF(image.size())
                                                : QSizeF(1, 1);
@@ -97,46 +109,63 @@ void ZQGridView::paintPicture(QPainter &painter, const ZQGridItem &item, const Q
     if (!image.isNull() && (natural.width() > natural.height()) != (image.width() > image.height())) {
         natural.transpose();
     }
-    QSizeF size = natural.scaled(room, Qt::KeepAspectRatio);
-    if (!item.isScalable && !item.pixelSize.isEmpty() && size.width() * ratio > natural.width()) {
-        size = natural / ratio;
+    PicturePlace result;
+    QSizeF pixels = natural.scaled(room.size() * ratio, Qt::KeepAspectRatio);
+    if (!item.isScalable && !item.pixelSize.isEmpty() && pixels.width() > natural.width()) {
+        const double factor = m_fillsCells ? std::max(1.0, std::floor(pixels.width() / natural.width())) : 1;
+        pixels = natural * factor;
+        result.isPixelForPixel = image.size() == natural.toSize();
+        result.isEnlarged = factor > 1;
     }
-    size = size.expandedTo(QSizeF(1, 1));
-    QRectF target(QPointF(box.x() + (box.width() - size.width()) / 2, box.y() + (box.height() - size.height()) / 2),
-                  size);
-    target = QRectF(target.toAlignedRect());
+    pixels = QSizeF(pixels.toSize().expandedTo(QSize(1, 1)));
+    const QPointF corner = (room.center() * ratio - QPointF(pixels.width() / 2, pixels.height() / 2));
+    result.target = QRectF(QPointF(std::round(corner.x()), std::round(corner.y())) / ratio, pixels / ratio);
+    return result;
+}
+
+void ZQGridView::paintPicture(QPainter &painter, const ZQGridItem &item, const QRect &box, int padding)
+{
+    const qreal ratio = devicePixelRatioF();
+    const QRectF room = QRectF(box).adjusted(padding, padding, -padding, -padding);
+    const ZQThumbnail thumbnail =
+        m_loader->thumbnail(item.thumbnail, int(std::ceil(std::max(room.width(), room.height()) * ratio)));
+    const QImage &image = thumbnail.image;
+    const PicturePlace place = placeOfPicture(item, image, room);
+    painter.setPen(Qt::NoPen);
     if (image.isNull()) {
-        painter.setPen(Qt::NoPen);
         painter.setBrush(zqColor(ZQColorRole::Cell));
-        painter.drawRoundedRect(target, pictureRadius, pictureRadius);
+        painter.drawRoundedRect(place.target, pictureRadius, pictureRadius);
         if (m_loader->hasFailed(item.thumbnail)) {
-            ZQIcon::paint(painter, QRectF(target.center() - QPointF(8, 8), QSizeF(16, 16)), QStringLiteral("project"),
-                          zqColor(ZQColorRole::TextFaint));
+            ZQIcon::paint(painter, QRectF(place.target.center() - QPointF(8, 8), QSizeF(16, 16)),
+                          QStringLiteral("project"), zqColor(ZQColorRole::TextFaint));
         }
         return;
     }
-    if (!image.hasAlphaChannel()) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(zqColor(ZQColorRole::Shadow));
-        painter.drawRoundedRect(target.translated(0, 1), pictureRadius, pictureRadius);
-        const QSizeF pixels = target.size() * ratio;
-        QBrush brush(image);
-        QTransform transform;
-        transform.translate(target.x(), target.y());
-        transform.scale(target.width() / image.width(), target.height() / image.height());
-        if (pixels.width() < image.width() / 2.0) { // the painter's own filter would leave gaps
-            const QImage smaller =
-                image.scaled(pixels.toSize().expandedTo(QSize(1, 1)), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-            brush = QBrush(smaller);
-            transform = QTransform().translate(target.x(), target.y());
-            transform.scale(target.width() / smaller.width(), target.height() / smaller.height());
-        }
-        brush.setTransform(transform);
-        painter.setBrush(brush);
-        painter.drawRoundedRect(target, pictureRadius, pictureRadius);
+    const bool isTransparent = image.hasAlphaChannel();
+    const bool hasCorners = isTransparent || place.isEnlarged || std::min(image.width(), image.height()) < cornerSize;
+    if (isTransparent) {
+        zqPaintArtworkGround(painter, place.target, zqArtworkGround(thumbnail.tone, ZQTheme::current().isDark()));
     } else {
-        painter.drawImage(target, image);
+        painter.setBrush(zqColor(ZQColorRole::Shadow));
+        painter.drawRoundedRect(place.target.translated(0, 1), hasCorners ? 0 : pictureRadius,
+                                hasCorners ? 0 : pictureRadius);
     }
+    if (hasCorners) {
+        painter.save();
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, !place.isPixelForPixel);
+        painter.setRenderHint(QPainter::Antialiasing, !place.isPixelForPixel);
+        painter.drawImage(place.target, sharpFor(image, place.target.size() * ratio));
+        painter.restore();
+        return;
+    }
+    const QImage shown = sharpFor(image, place.target.size() * ratio);
+    QBrush brush(shown);
+    QTransform transform;
+    transform.translate(place.target.x(), place.target.y());
+    transform.scale(place.target.width() / shown.width(), place.target.height() / shown.height());
+    brush.setTransform(transform);
+    painter.setBrush(brush);
+    painter.drawRoundedRect(place.target, pictureRadius, pictureRadius);
 }
 
 void ZQGridView::paintTitle(QPainter &painter, const ZQGridItem &item, const QRect &box, bool selected)
@@ -167,6 +196,11 @@ void ZQGridView::paintHead(QPainter &painter, int group, int y)
     const int right = viewport()->width() - ZQGridLayout::sideMargin;
     const QRect head(0, y, viewport()->width(), ZQMeasure::groupHeadHeight);
     painter.fillRect(head, zqColor(ZQColorRole::Ground));
+    if (hasFocus() && m_layout.isCollapsed(group) && m_layout.groupOfIndex(m_current) == group) {
+        painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1, Qt::DotLine));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(head).adjusted(left - 7.5, 4.5, 7.5 - left, -4.5), cellRadius, cellRadius);
+    }
     painter.fillRect(QRect(left, head.bottom(), right - left, 1), zqColor(ZQColorRole::Border));
     painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize, QFont::DemiBold));
     painter.setPen(zqColor(ZQColorRole::Text));
@@ -207,6 +241,11 @@ void ZQGridView::paintOverlays(QPainter &painter)
     }
     if (m_dropIndex >= 0 && m_layout.count() > 0) {
         const bool isAfter = m_dropIndex >= m_layout.count();
+        if (m_showsList) {
+            const QRect row = visualRect(isAfter ? m_layout.count() - 1 : m_dropIndex);
+            painter.fillRect(QRect(row.left(), (isAfter ? row.bottom() + 1 : row.top()) - 1, row.width(), 2), accent);
+            return;
+        }
         const QRect cell = visualRect(isAfter ? m_layout.count() - 1 : m_dropIndex);
         const int x = isAfter ? cell.right() + ZQGridLayout::columnGap / 2 : cell.left() - ZQGridLayout::columnGap / 2;
         painter.fillRect(QRect(x - 1, cell.top(), 2, m_layout.pictureHeight()), accent);

@@ -54,6 +54,12 @@ void ZQGridView::mousePressEvent(QMouseEvent *event)
         return;
     }
     m_press = Press::Item;
+    const bool startsBand = isBesideContent(event->pos()) && !m_selection.contains(index);
+    if (startsBand) { // of one row until the pointer moves
+        m_press = Press::Band;
+        m_bandToggles = modifiers & Qt::ControlModifier;
+        m_bandBase = modifiers & (Qt::ControlModifier | Qt::ShiftModifier) ? m_selection : ZQIndexSet();
+    }
     if (modifiers & Qt::ControlModifier) {
         ZQIndexSet selection = m_selection;
         selection.toggle(index);

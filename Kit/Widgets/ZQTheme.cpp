@@ -63,6 +63,12 @@ constexpr RoleColors roleColors[] = {
     {ZQColorRole::DangerFill, "dangerFill", 0xffc8382b, 0xffc8382b},
     {ZQColorRole::ScrollHandle, "scrollHandle", 0xff3d4047, 0xffc9cad0},
     {ZQColorRole::Shadow, "shadow", 0x59000000, 0x2e000000},
+    {ZQColorRole::ArtworkLight, "artworkLight", 0xffe4e5e9, 0xffffffff},
+    {ZQColorRole::ArtworkLight2, "artworkLight2", 0xfff2f3f5, 0xffececef},
+    {ZQColorRole::ArtworkDark, "artworkDark", 0xff1f2024, 0xff2d2f34},
+    {ZQColorRole::ArtworkDark2, "artworkDark2", 0xff2b2d32, 0xff3a3c42},
+    {ZQColorRole::ArtworkMiddle, "artworkMiddle", 0xff7b7e86, 0xff7b7e86},
+    {ZQColorRole::ArtworkMiddle2, "artworkMiddle2", 0xff878a92, 0xff878a92},
 };
 
 // White, black, gray, red, orange, yellow, green, blue, purple, pink.

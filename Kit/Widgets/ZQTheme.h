@@ -26,6 +26,12 @@ enum class ZQColorRole {
     DangerFill, // destructive buttons, under AccentText
     ScrollHandle,
     Shadow,
+    ArtworkLight, // behind dark artwork with transparent places, and the other squares of a checkerboard
+    ArtworkLight2,
+    ArtworkDark, // behind light artwork
+    ArtworkDark2,
+    ArtworkMiddle, // behind what is both
+    ArtworkMiddle2,
 };
 
 // Lengths in device-independent pixels.

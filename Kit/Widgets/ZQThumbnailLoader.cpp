@@ -70,17 +70,16 @@ struct ZQThumbnailLoader::Private
 
     // Main thread only.
     std::vector<std::thread> threads;
-    QCache<QString, QImage> cache;
+    QCache<QString, ZQThumbnail> cache;
     QSet<QString> failed; // by file
     QSet<QString> wanted;
     bool collecting = false;
 
     void run(ZQThumbnailLoader *owner);
-    QImage read(const Job &job) const;
+    ZQThumbnail read(const Job &job) const;
 };
 
-// In the form that is painted without a conversion.
-QImage ZQThumbnailLoader::Private::read(const Job &job) const
+ZQThumbnail ZQThumbnailLoader::Private::read(const Job &job) const
 {
     QImage image = decoder ? decoder(job.request, job.resolution) : QImage();
     if (image.hasAlphaChannel() && isOpaque(image)) {
@@ -90,7 +89,7 @@ QImage ZQThumbnailLoader::Private::read(const Job &job) const
         image.format() != QImage::Format_ARGB32_Premultiplied) {
         image.convertTo(QImage::Format_ARGB32_Premultiplied);
     }
-    return image;
+    return {image, zqArtworkTone(image)};
 }
 
 void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
@@ -106,10 +105,10 @@ void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
         const Job job = std::move(waiting.back());
         waiting.pop_back();
         ++reading;
-        QImage image;
+        ZQThumbnail thumbnail;
         {
             const ZQUnlockGuard open(lock);
-            image = read(job);
+            thumbnail = read(job);
         }
         --reading;
         if (stopping) {
@@ -119,16 +118,16 @@ void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
         // to the dead.
         QMetaObject::invokeMethod(
             owner,
-            [owner, job, image] {
+            [owner, job, thumbnail] {
                 Private &d = *owner->d;
                 {
                     const ZQLockGuard inner(d.lock);
                     d.known.remove(job.key);
                 }
-                if (image.isNull()) {
+                if (thumbnail.image.isNull()) {
                     d.failed.insert(keyFor(job.request));
                 } else {
-                    d.cache.insert(job.key, new QImage(image), image.sizeInBytes());
+                    d.cache.insert(job.key, new ZQThumbnail(thumbnail), thumbnail.image.sizeInBytes());
                 }
                 Q_EMIT owner->loaded(job.request.path);
             },
@@ -159,7 +158,7 @@ void ZQThumbnailLoader::setDecoder(Decoder decoder)
     d->decoder = std::move(decoder);
 }
 
-QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
+ZQThumbnail ZQThumbnailLoader::thumbnail(const ZQThumbnailRequest &request, int pixels)
 {
     if (request.path.isEmpty()) {
         return {};
@@ -167,7 +166,7 @@ QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
     const QString file = keyFor(request);
     const int resolution = resolutionFor(pixels);
     const QString key = keyFor(file, resolution);
-    if (const QImage *found = d->cache.object(key)) {
+    if (const ZQThumbnail *found = d->cache.object(key)) {
         return *found;
     }
     if (d->failed.contains(file)) {
@@ -190,7 +189,7 @@ QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
         d->wanted.insert(key);
     }
     for (auto it = resolutions.rbegin(); it != resolutions.rend(); ++it) {
-        if (const QImage *other = d->cache.object(keyFor(file, *it))) {
+        if (const ZQThumbnail *other = d->cache.object(keyFor(file, *it))) {
             return *other;
         }
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Widgets/ZQArtworkGround.h"
+
 #include <QHash>
 #include <QImage>
 #include <QObject>
@@ -15,6 +17,12 @@ struct ZQThumbnailRequest
     qint64 version = 0;
     bool isForeign = false; // an original, of any kind; else a thumbnail that was made of one
     bool operator==(const ZQThumbnailRequest &) const = default;
+};
+
+struct ZQThumbnail
+{
+    QImage image; // in a form that is painted without a conversion
+    ZQArtworkTone tone;
 };
 
 // Loads pictures on a few background threads, the latest asked first, and keeps those used last within a limit of
@@ -34,7 +42,8 @@ public:
 
     // The picture when it is there at a resolution for `pixels` (device pixels of the longer side); otherwise the best
     // other resolution, which may be null, and a load is begun.
-    QImage image(const ZQThumbnailRequest &request, int pixels);
+    ZQThumbnail thumbnail(const ZQThumbnailRequest &request, int pixels);
+    QImage image(const ZQThumbnailRequest &request, int pixels) { return thumbnail(request, pixels).image; }
     bool hasFailed(const ZQThumbnailRequest &request) const;
 
     // Between these two, requests are noted as still wanted; those not asked for again are dropped from the queue.

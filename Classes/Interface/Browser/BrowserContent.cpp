@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Interface/Browser/BrowserListColumns.h"
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -23,13 +24,26 @@ bool isVector(const QString &extension)
     return vectors.contains(extension, Qt::CaseInsensitive);
 }
 
+// The first row from `from` on, going round; -1 for none.
+qint64 firstOf(const QSet<ZQObjectID> &wanted, const QList<ZQObjectID> &rows, qint64 from)
+{
+    for (qsizetype step = 0; step < rows.size() && !wanted.isEmpty(); ++step) {
+        const qsizetype row = (from + step) % rows.size();
+        if (wanted.contains(rows[row])) {
+            return row;
+        }
+    }
+    return -1;
+}
+
 } // namespace
 
 BrowserContent::BrowserContent(WindowContext &window, QObject *parent)
-    : QObject(parent), m_window(window), m_tab(std::make_shared<TabState>(window)),
+    : QObject(parent), m_window(window), m_tab(std::make_shared<TabState>(window)), m_values(window),
       m_contentTicket(window.fetcher, ContentFetcher::Priority::Content),
       m_typingTicket(window.fetcher, ContentFetcher::Priority::Typing)
 {
+    connect(&m_values, &BrowserRowValues::arrived, this, &BrowserContent::valuesArrived);
 }
 
 void BrowserContent::setTab(std::shared_ptr<TabState> tab)
@@ -119,6 +133,12 @@ void BrowserContent::dropObjects()
 {
     m_shown.clear();
     m_thumbnails.clear();
+    m_values.expire();
+}
+
+void BrowserContent::setShowsValues(bool showsValues)
+{
+    m_showsValues = showsValues;
 }
 
 void BrowserContent::willShow(qint64 first, qint64 last)
@@ -136,6 +156,9 @@ void BrowserContent::willShow(qint64 first, qint64 last)
         }
     }
     m_window.context.fillFaults(items);
+    if (m_showsValues) {
+        m_values.want(m_content.rows.related.mid(first, last - first + 1));
+    }
 }
 
 ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
@@ -209,26 +232,40 @@ ZQGridItem BrowserContent::item(qint64 index) const
             isVector(object->extension()), *thumbnail};
 }
 
-// The store looks in the background; among many items that takes longer than a key may.
+QList<ZQListValue> BrowserContent::listValues(qint64 index, const QStringList &columns) const
+{
+    const auto object = libraryItem(index);
+    QList<ZQListValue> result;
+    for (const QString &column : columns) {
+        result.append(object ? BrowserListColumns::value(column, *object, m_values.find(object->objectID()))
+                             : ZQListValue());
+    }
+    return result;
+}
+
+// All of it in the background: among many items both looking for them and finding the next one take longer than a key
+// may.
 qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 {
     if (text.front() >= u'0' && text.front() <= u'5') {
         return -1; // a rating, though nothing is selected to take it
     }
     auto *self = const_cast<BrowserContent *>(this);
-    m_typingTicket.run([self, text, from, query = m_tab->contentQuery(), index = m_typingTicket.index()](
-                           ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
+    m_typingTicket.run([self, text, from, rows = m_content.rows.ids, query = m_tab->contentQuery(),
+                        index = m_typingTicket.index()](ZQManagedObjectContext &context,
+                                                        const auto &isWanted) -> ContentFetcher::Ticket::Answer {
         const auto found = ContentBuilder(query, context, index.get()).rowsWithTitleBeginning(text, isWanted);
         if (!found) {
             return {};
         }
-        return [self, from, matches = QSet<ZQObjectID>(found->begin(), found->end())] {
-            for (qint64 step = 0; step < self->count() && !matches.isEmpty(); ++step) {
-                const qint64 row = (from + step) % self->count();
-                if (matches.contains(self->m_content.rows.ids[row])) {
-                    Q_EMIT self->typingFound(row);
-                    return;
+        const qint64 row = firstOf(QSet<ZQObjectID>(found->begin(), found->end()), rows, from);
+        return [self, text, from, rows, row] {
+            if (rows.constData() != self->m_content.rows.ids.constData()) {
+                if (self->count() > 0) { // they are others by now
+                    self->indexForTyping(text, from % self->count());
                 }
+            } else if (row >= 0) {
+                Q_EMIT self->typingFound(row);
             }
         };
     });

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Browsing/TabState.h"
+#include "Classes/Interface/Browser/BrowserRowValues.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Widgets/ZQGridView.h"
 
@@ -24,8 +25,9 @@ public:
     ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }
     void setSort(ZQSortValue value, bool isAscending);
     void setDisplayStyle(BrowserDisplayStyle style);
-    void reload();      // fetches again
-    void dropObjects(); // what is shown changed: reads it again when painted
+    void setShowsValues(bool showsValues); // of a list, which are read for the rows that are shown
+    void reload();                         // fetches again
+    void dropObjects();                    // what is shown changed: reads it again when painted
     // Null unless the rows could not be read; then there are none, and `emptyText` says why.
     const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
@@ -42,6 +44,7 @@ public:
     QList<ZQGridGroup> groups() const override { return m_groups; }
     void willShow(qint64 first, qint64 last) override;
     ZQGridItem item(qint64 index) const override;
+    QList<ZQListValue> listValues(qint64 index, const QStringList &columns) const override;
     qint64 indexForTyping(const QString &text, qint64 from) const override;
     QMimeData *mimeData(const ZQIndexSet &indexes) const override;
     Qt::DropAction dropAction(const QMimeData *data, qint64 index) const override;
@@ -56,6 +59,7 @@ Q_SIGNALS:
     void aboutToChange();
     void changed();
     void typingFound(qint64 index); // what `indexForTyping` was asked for
+    void valuesArrived();
 
 private:
     template <class Use>
@@ -69,6 +73,8 @@ private:
     Content m_content; // what is shown
     QList<ZQGridGroup> m_groups;
     qint64 m_unfilteredCount = 0;
+    BrowserRowValues m_values;
+    bool m_showsValues = false;
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same
     mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;

@@ -3,6 +3,8 @@
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Interface/Browser/BrowserHead.h"
+#include "Classes/Interface/Browser/BrowserListStyle.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -17,12 +19,11 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
-#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
-#include <QToolButton>
+#include <QThread>
 
 namespace {
 
@@ -40,15 +41,20 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     setAttribute(Qt::WA_StyledBackground);
     m_grid->setAccessibleName(zqLocalized("Items"));
     m_grid->thumbnailLoader().setDecoder(&ItemPictures::pictureFor);
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
-                           defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));
+    followPreferences();
+    m_preferences = ZQUserDefaults::standardUserDefaults().observe([this](const QString &) {
+        if (QThread::currentThread() == thread()) {
+            followPreferences();
+        }
+    });
     m_grid->setDataSource(m_content);
     auto *page = new QWidget(this);
     auto *column = new QVBoxLayout(page);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(makeHead());
+    m_head = new BrowserHead(*m_content, page);
+    column->addWidget(m_head);
+    m_style = new BrowserListStyle(*m_content, *m_head, *m_grid, this);
     m_chips = new SearchChips(page);
     column->addWidget(m_chips);
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
@@ -65,6 +71,16 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     m_refetch.setSingleShot(true);
     m_refetch.setInterval(40); // several changes in a row are one fetch
     connect(&m_refetch, &QTimer::timeout, m_content, &BrowserContent::reload);
+    connect(m_head, &BrowserHead::orderChanged, this, [this] {
+        updateHead();
+        Q_EMIT orderChanged();
+        Q_EMIT viewChanged();
+    });
+    connect(m_style, &BrowserListStyle::changed, this, [this] {
+        Q_EMIT orderChanged();
+        Q_EMIT viewChanged();
+    });
+    connect(m_content, &BrowserContent::valuesArrived, m_grid, &ZQGridView::updateVisible);
     connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
     connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
@@ -85,54 +101,6 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     connect(m_detail, &DetailView::closed, this, &BrowserViewController::closeDetail);
     connect(m_detail, &DetailView::stepRequested, this,
             [this](int step) { showDetailAt(m_grid->currentIndex() + step); });
-}
-
-QWidget *BrowserViewController::makeHead()
-{
-    auto *head = new QWidget(this);
-    head->setFixedHeight(ZQMeasure::headHeight);
-    m_title = new QLabel(head);
-    m_title->setObjectName(QStringLiteral("Title"));
-    m_title->setMinimumWidth(1); // a long one is cut before what is chosen is
-    m_count = new QLabel(head);
-    m_count->setObjectName(QStringLiteral("Muted"));
-    const auto choice = [head](const QString &caption, const QString &tip) {
-        auto *label = new QLabel(caption, head);
-        label->setObjectName(QStringLiteral("Muted"));
-        auto *button = new QToolButton(head);
-        button->setObjectName(QStringLiteral("Pop"));
-        button->setAccessibleName(tip);
-        button->setToolTip(tip);
-        button->setFocusPolicy(Qt::TabFocus);
-        return std::pair(label, button);
-    };
-    const auto [groupCaption, group] = choice(zqLocalized("Group"), zqLocalized("Group by"));
-    m_group = group;
-    connect(m_group, &QToolButton::clicked, this, &BrowserViewController::showGroupMenu);
-    const auto [sortCaption, sort] = choice(zqLocalized("Sort"), zqLocalized("Sort by"));
-    m_sort = sort;
-    m_captions = {groupCaption, sortCaption};
-    connect(m_sort, &QToolButton::clicked, this, &BrowserViewController::showSortMenu);
-    m_direction = new QToolButton(head);
-    m_direction->setFixedSize(26, 26);
-    m_direction->setIconSize({14, 14});
-    connect(m_direction, &QToolButton::clicked, this,
-            [this] { setSort(m_content->tab().sortKeysValue(), !m_content->tab().sortDirectionValue()); });
-    auto *row = new QHBoxLayout(head);
-    row->setContentsMargins(20, 0, 14, 0);
-    row->setSpacing(10);
-    row->addWidget(m_title);
-    row->addSpacing(8);
-    row->addWidget(m_count);
-    row->addStretch(1);
-    row->addWidget(groupCaption);
-    row->addWidget(m_group);
-    row->addSpacing(6);
-    row->addWidget(sortCaption);
-    row->addWidget(m_sort);
-    row->setSpacing(2);
-    row->addWidget(m_direction);
-    return head;
 }
 
 QWidget *BrowserViewController::makeStatus()
@@ -215,6 +183,7 @@ void BrowserViewController::showOther(const std::function<void()> &change)
     m_keepsScroll = false;
     m_grid->setSelection({});
     change();
+    m_style->showTab();
     m_grid->setZoom(m_content->tab().zoomValue());
     {
         const QSignalBlocker blocker(m_zoom);
@@ -321,18 +290,6 @@ void BrowserViewController::showEvent(QShowEvent *event)
     QTimer::singleShot(0, this, &BrowserViewController::scrollWhenLaidOut);
 }
 
-// Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
-void BrowserViewController::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    constexpr int roomForAll = 600;
-    constexpr int roomForTitle = 420; // with less, half a word would be left of it
-    m_title->setVisible(width() >= roomForTitle);
-    for (QLabel *label : m_captions + QList<QLabel *>{m_count}) {
-        label->setVisible(width() >= roomForAll);
-    }
-}
-
 void BrowserViewController::keepViewState()
 {
     if (m_restoresView || m_content->isLoading()) {
@@ -364,6 +321,12 @@ void BrowserViewController::setFilter(const QString &text)
     Q_EMIT viewChanged();
 }
 
+void BrowserViewController::updateHead()
+{
+    m_head->showTab(countText());
+    m_style->showTab();
+}
+
 QString BrowserViewController::countText() const
 {
     if (!m_content->error().isNull()) {
@@ -389,6 +352,14 @@ void BrowserViewController::savePersistentState()
 {
     keepViewState();
     m_content->tab().savePersistentStateInformations();
+}
+
+void BrowserViewController::followPreferences()
+{
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
+                           defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));
+    m_grid->setFillsCells(defaults.boolForKey(fillsCellsPreference));
 }
 
 void BrowserViewController::changeZoom(double by)
@@ -564,7 +535,7 @@ QList<WindowCommand> BrowserViewController::commands()
                        .isEnabled = hasSelection,
                        .keysIn = m_grid});
     }
-    return result + orderCommands();
+    return result + m_head->commands() + m_style->commands();
 }
 
 void BrowserViewController::copyToClipboard()

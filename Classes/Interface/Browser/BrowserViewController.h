@@ -2,15 +2,17 @@
 
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/WindowCommand.h"
+#include "Kit/Files/ZQUserDefaults.h"
 
 #include <QTimer>
 #include <QWidget>
 
+class BrowserHead;
+class BrowserListStyle;
 class DetailView;
 class QLabel;
 class QSlider;
 class QStackedWidget;
-class QToolButton;
 class SearchChips;
 class ZQGridView;
 
@@ -19,6 +21,9 @@ class BrowserViewController : public QWidget
 {
     Q_OBJECT
 public:
+    // Small pictures fill their cells, or keep their size.
+    static inline const QString fillsCellsPreference = QStringLiteral("BrowserFillsCells");
+
     explicit BrowserViewController(WindowContext &window, QWidget *parent = nullptr);
 
     void showTab(const std::shared_ptr<TabState> &tab);
@@ -26,6 +31,7 @@ public:
     const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
     void setFilter(const QString &text);
     void updateHead(); // title, count and order of what is shown
+    BrowserHead &head() { return *m_head; }
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
 
@@ -45,7 +51,8 @@ public:
     void rate(int stars);
     void copyToClipboard();
     void changeZoom(double by);
-    void keepViewState(); // selection, scroll and detail view, in the tab that is shown
+    void followPreferences(); // how cells are drawn
+    void keepViewState();     // selection, scroll and detail view, in the tab that is shown
     void savePersistentState();
     QList<WindowCommand> commands();
 
@@ -59,18 +66,10 @@ Q_SIGNALS:
     void viewChanged();       // what the tab keeps of its view may be another
 
 private:
-    QWidget *makeHead();
     QWidget *makeStatus();
     QWidget *makeRecovery();
     QString countText() const;
     void updateStatus();
-    void showSortMenu();
-    void showGroupMenu();
-    void setSort(ZQSortValue value, bool ascending);
-    void setDisplayStyle(BrowserDisplayStyle style);
-    bool canSortBy(ZQSortValue value) const;
-    bool hasDirection() const;
-    QList<WindowCommand> orderCommands();
     void showOther(const std::function<void()> &change); // `change` has the content be another
     void contentWillChange();
     void contentDidChange();
@@ -81,7 +80,6 @@ private:
 
 protected:
     void showEvent(QShowEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
 
 private:
     WindowContext &m_window;
@@ -89,12 +87,9 @@ private:
     QStackedWidget *m_stack;
     ZQGridView *m_grid;
     DetailView *m_detail;
-    QLabel *m_title;
-    QLabel *m_count;
-    QList<QLabel *> m_captions; // of what is chosen in the head
-    QToolButton *m_group;
-    QToolButton *m_sort;
-    QToolButton *m_direction;
+    BrowserHead *m_head;
+    BrowserListStyle *m_style;
+    ZQUserDefaults::Token m_preferences;
     QLabel *m_status;
     SearchChips *m_chips;
     QWidget *m_recovery;

@@ -19,6 +19,8 @@ constexpr int margin = 24;
 constexpr double largestScale = 16;
 constexpr double smallestScale = 0.02;
 constexpr double keyZoom = 1.25;
+constexpr double sharpScale = 4; // from here on pixels are what is looked at
+constexpr double wholeFactor = 0.001;
 } // namespace
 
 DetailView::DetailView(QWidget *parent)
@@ -105,6 +107,7 @@ void DetailView::showItem(const QString &title, const DetailDocument::Source &so
 
 void DetailView::documentDidChange()
 {
+    m_tone = zqArtworkTone(m_document->image());
     const int count = m_document->pageCount();
     const bool isAnimation = m_document->isAnimation();
     m_pages->setVisible(count > 1);
@@ -217,21 +220,6 @@ void DetailView::updateButtons()
     m_actual->setChecked(m_scale > 0 && std::abs(m_scale - 1) < 0.001);
 }
 
-void DetailView::paintGround(QPainter &painter, const QRectF &target) const
-{
-    constexpr int square = 10;
-    painter.fillRect(target, zqColor(ZQColorRole::Cell));
-    painter.save();
-    painter.setClipRect(target, Qt::IntersectClip);
-    const QRect seen = target.toAlignedRect().intersected(canvas());
-    for (int y = seen.top() / square; y <= seen.bottom() / square; ++y) {
-        for (int x = seen.left() / square + (seen.left() / square + y) % 2; x <= seen.right() / square; x += 2) {
-            painter.fillRect(QRect(x * square, y * square, square, square), zqColor(ZQColorRole::Raised2));
-        }
-    }
-    painter.restore();
-}
-
 void DetailView::paintMessage(QPainter &painter) const
 {
     using State = DetailDocument::State;
@@ -255,12 +243,19 @@ void DetailView::paintEvent(QPaintEvent * /*event*/)
     painter.setClipRect(canvas());
     const QImage &image = m_document->image();
     if (!image.isNull()) {
-        const QRectF target = pictureRect();
+        QRectF target = pictureRect();
+        const qreal ratio = devicePixelRatioF();
+        // Where a pixel of it is a whole number of those of the screen, its edges are sharp.
+        const double factor = target.width() * ratio / image.width();
+        const bool isWhole = factor > 1 - wholeFactor && std::abs(factor - std::round(factor)) < wholeFactor;
+        if (isWhole) {
+            target.moveTo(std::round(target.x() * ratio) / ratio, std::round(target.y() * ratio) / ratio);
+        }
         if (image.hasAlphaChannel()) {
-            paintGround(painter, target);
+            zqPaintCheckerboard(painter, target, canvas(), zqArtworkGround(m_tone, ZQTheme::current().isDark()));
         }
         painter.setOpacity(m_document->state() == DetailDocument::State::Missing ? 0.4 : 1);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, scale() < 4);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, scale() < sharpScale && !isWhole);
         if (target.width() * devicePixelRatioF() < image.width() / 2.0) {
             const QSize pixels = (target.size() * devicePixelRatioF()).toSize().expandedTo(QSize(1, 1));
             painter.drawImage(target, image.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));

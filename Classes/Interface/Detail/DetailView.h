@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Interface/Detail/DetailDocument.h"
+#include "Kit/Widgets/ZQArtworkGround.h"
 
 #include <QWidget>
 
@@ -49,13 +50,13 @@ private:
     QRectF pictureRect() const;
     void zoomAt(double scale, const QPointF &anchor);
     void makeHead();
-    void paintGround(QPainter &painter, const QRectF &target) const;
     void paintMessage(QPainter &painter) const;
     void documentDidChange();
     void updateButtons();
     void updateWantedSide();
 
     DetailDocument *m_document;
+    ZQArtworkTone m_tone; // of what is shown
     bool m_isQuickLook = false;
     double m_scale = 0;        // 0: fitted
     QPointF m_center;          // of the picture, where the canvas's middle is, in its pixels

@@ -111,7 +111,7 @@ protected:
         painter.setBrush(zqColor(ZQColorRole::Cell));
         painter.drawRoundedRect(rect(), 6, 6);
         const QSize room = size() - QSize(26, 26);
-        const QImage image = m_browser.grid().thumbnailLoader().image(
+        const auto [image, tone] = m_browser.grid().thumbnailLoader().thumbnail(
             m_request, int(std::max(room.width(), room.height()) * devicePixelRatioF()));
         if (image.isNull()) {
             return;
@@ -119,6 +119,7 @@ protected:
         const QSizeF natural = m_pixelSize.isEmpty() ? QSizeF(image.size()) : QSizeF(m_pixelSize);
         const QSize shown = natural.scaled(room, Qt::KeepAspectRatio).toSize();
         const QRect target(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown);
+        zqPaintArtworkGround(painter, target, zqArtworkGround(tone, ZQTheme::current().isDark()));
         painter.drawImage(target,
                           image.scaled(shown * devicePixelRatioF(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     }

@@ -31,8 +31,8 @@ const std::vector<MenuPlan> &menuPlans()
          {Undo, Redo, separator, Copy, Paste, SelectAll, separator, CommandID::Rename, Duplicate, Remove,
           DeleteFromLibrary, separator, Rate0, separator, Find}},
         {"View",
-         {Sidebar, InfoPanel, separator, GroupPlain, SortManually, separator, LargerThumbnails, SmallerThumbnails,
-          separator, QuickLook, Open, FullScreen, separator, DarkTheme}},
+         {Sidebar, InfoPanel, separator, ShowAsGrid, ShowAsList, separator, GroupPlain, SortManually, separator,
+          LargerThumbnails, SmallerThumbnails, separator, QuickLook, Open, FullScreen, separator, DarkTheme}},
         {"Help", {Keyboard}},
     };
     return plans;
@@ -85,10 +85,11 @@ QMenu *WindowCommands::makeOrderMenu(CommandID first, QWidget *parent)
     for (int id = int(first); id <= int(last); ++id) {
         menu->addAction(action(CommandID(id)));
     }
-    if (!isGroups) {
-        menu->addSeparator();
-        menu->addAction(action(CommandID::SortAscending));
-        menu->addAction(action(CommandID::SortDescending));
+    using enum CommandID;
+    menu->addSeparator();
+    for (const CommandID id : isGroups ? std::vector{CollapseGroup, ExpandGroup, CollapseAllGroups, ExpandAllGroups}
+                                       : std::vector{SortAscending, SortDescending}) {
+        menu->addAction(action(id));
     }
     return menu;
 }

@@ -37,6 +37,7 @@ protected:
         full->view.infoPanelOpen = false;
         full->view.infoPanelHeight = 320;
         full->view.exportPanelOpen = true;
+        full->view.showsList = true;
         return {{full, std::make_shared<TabState>(editing, QList<ZQObjectID>{b->objectID()})}, 1};
     }
     QByteArray written()
@@ -92,7 +93,8 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
             .fields;
     };
     EXPECT_EQ(fields(0).keys().join(u' ').toStdString(),
-              "browserDisplayStyle detailObjectIDString detailScroll detailZoom exportPanelOpen filterPredicate "
+              "browserDisplayStyle browserShowsList detailObjectIDString detailScroll detailZoom exportPanelOpen "
+              "filterPredicate "
               "infoPanelHeight infoPanelOpen scroll searchString selectionIndexes sidebarSelectedItemIDStrings "
               "sortDirection sortKeys tabName zoom");
     EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), QStringLiteral("title CONTAINS[cd] \"x\""));
@@ -121,8 +123,10 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
     EXPECT_EQ(full.view.infoPanelOpen, false);
     EXPECT_EQ(full.view.infoPanelHeight, 320);
     EXPECT_EQ(full.view.exportPanelOpen, true);
+    EXPECT_EQ(full.view.showsList, true);
     const TabState &empty = *back->tabs[1];
     EXPECT_FALSE(empty.sortKeys() || empty.sortDirection() || empty.zoom() || empty.browserDisplayStyle());
+    EXPECT_FALSE(empty.view.showsList.has_value());
     EXPECT_FALSE(empty.view.scroll || empty.view.detailZoom || empty.view.infoPanelOpen);
     EXPECT_TRUE(empty.view.selectionIndexes.isEmpty() && empty.view.detailItem.isNull());
     EXPECT_EQ(aside(), QStringList());
@@ -228,6 +232,8 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
         tabWith("zoom", 0.5, "Other"),
         tabWith("zoom", QStringLiteral("0.5")),
         tabWith("zoom", 1.5),
+        tabWith("browserShowsList", 2),
+        tabWith("browserShowsList", QStringLiteral("1")),
         tabWith("zoom", std::numeric_limits<double>::quiet_NaN()),
         tabWith("sortKeys", 99),
         tabWith("sortKeys", -1),

@@ -115,6 +115,40 @@ TEST_F(BrowserContentTest, TellsOnlyOfRowsThatCameWentOrMoved)
     EXPECT_EQ(content.unfilteredCount(), 3);
 }
 
+TEST_F(BrowserContentTest, TypingFindsTheNextTitleRoundTheEndAndWithoutAccents)
+{
+    const Item project = addProject(QStringLiteral("Brand"));
+    items[1]->setTitle(QStringLiteral("Éclair"));
+    project->addItems(items);
+    library.context().save();
+    show(project);
+    QList<qint64> found;
+    QObject::connect(&content, &BrowserContent::typingFound, [&](qint64 index) { found.append(index); });
+    struct Case
+    {
+        const char *text;
+        qint64 from;
+        qint64 found; // -1: nothing
+    };
+    for (const Case &each : {Case{"ga", 0, 2},
+                             {"ecl", 0, 1},
+                             {"ÉCLAIR", 2, 1},
+                             {"al", 0, 0},
+                             {"al", 2, 0},
+                             {"g", 2, 2},
+                             {"lpha", 0, -1}}) {
+        found.clear();
+        EXPECT_EQ(content.indexForTyping(QString::fromUtf8(each.text), each.from), -1) << "it comes later";
+        wait();
+        EXPECT_EQ(found, each.found < 0 ? QList<qint64>() : QList<qint64>{each.found})
+            << each.text << " from " << each.from;
+    }
+    found.clear();
+    EXPECT_EQ(content.indexForTyping(QStringLiteral("3d"), 0), -1);
+    wait();
+    EXPECT_EQ(found, QList<qint64>()) << "a digit rates";
+}
+
 TEST_F(BrowserContentTest, RowsThatCannotBeReadAreAnErrorAndNotAnEmptyList)
 {
     const Item project = addProject(QStringLiteral("Brand"));

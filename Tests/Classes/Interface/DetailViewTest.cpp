@@ -413,3 +413,62 @@ TEST_F(DetailViewTest, TheFocusShowsWhenItCameByKey)
     window().findChild<QLineEdit *>(QStringLiteral("Search"))->setFocus();
     EXPECT_NE(pixel(edge), zqColor(ZQColorRole::Accent));
 }
+
+TEST_F(DetailViewTest, ClearPicturesStandOutFromTheirSquaresInBothThemes)
+{
+    const bool wasDark = ZQTheme::current().isDark();
+    open("clear");
+    int made = 0;
+    for (const bool isDark : {true, false}) {
+        ZQTheme::current().setDark(isDark);
+        for (const QList<QColor> &colors : {QList<QColor>{Qt::black}, {Qt::white}, {Qt::black, Qt::white}}) {
+            QImage image(200, 120, QImage::Format_ARGB32);
+            image.fill(Qt::transparent);
+            for (int x = 40; x < 160; ++x) {
+                for (int y = 40; y < 80; ++y) {
+                    image.setPixelColor(x, y, colors[x % colors.size()]);
+                }
+            }
+            const QString path = world.filePath(QStringLiteral("clear%1.png").arg(++made));
+            ASSERT_TRUE(image.save(path));
+            detail->showItem(QStringLiteral("clear"), {path, {}, image.size(), {}}, {});
+            ASSERT_TRUE(waitFor([this] { return !detail->isLoading(); }));
+            const QImage drawn = detail->grab().toImage();
+            QSet<QRgb> squares;
+            for (int x = -90; x < 90; x += 3) {
+                squares.insert(drawn.pixel(middle() + QPoint(x, 45)));
+            }
+            EXPECT_EQ(squares.size(), 2) << isDark;
+            for (const QRgb square : squares) {
+                for (const QColor &color : colors) {
+                    EXPECT_GE(ZQTheme::contrast(QColor(square), color), 3)
+                        << isDark << " " << color.name().toStdString() << " on " << std::hex << square;
+                }
+            }
+        }
+    }
+    ZQTheme::current().setDark(wasDark);
+}
+
+TEST_F(DetailViewTest, PixelsAreSharpAtWholeFactors)
+{
+    QImage image(81, 61, QImage::Format_RGB32); // in the middle of an even room it lies on half pixels
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            image.setPixelColor(x, y, (x + y) % 2 == 0 ? Qt::red : Qt::blue);
+        }
+    }
+    const QString path = world.filePath(QStringLiteral("sharp.png"));
+    ASSERT_TRUE(image.save(path));
+    open("red");
+    for (const double scale : {1.0, 2.0, 3.0}) {
+        detail->showItem(QStringLiteral("sharp"), {path, {}, image.size(), {}}, {});
+        ASSERT_TRUE(waitFor([this] { return !detail->isLoading(); }));
+        detail->setView(scale, QPointF(40.5, 30.5));
+        const QImage drawn = detail->grab().toImage();
+        for (int x = -20; x < 20; ++x) {
+            const QColor at = drawn.pixelColor(middle() + QPoint(x, 0));
+            ASSERT_TRUE(at == QColor(Qt::red) || at == QColor(Qt::blue)) << scale << " " << at.name().toStdString();
+        }
+    }
+}

@@ -22,9 +22,9 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                              "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
                              "Find Ctrl+F"));
     EXPECT_EQ(commandsOf(menuOf("View")),
-              QStringLiteral(
-                  "Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
-                  "Smaller Thumbnails Ctrl+-\n-\nQuick Look\nOpen\nFull Screen F11\n-\nDark Theme ✓"));
+              QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\n-\nAs Grid Ctrl+Alt+1 ✓\nAs List Ctrl+Alt+2 "
+                             "✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
+                             "Smaller Thumbnails Ctrl+-\n-\nQuick Look\nOpen\nFull Screen F11\n-\nDark Theme ✓"));
     EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1"));
     EXPECT_EQ(commandsOf(menuOf("Rating")),
               QStringLiteral("None 0\n1 Star 1\n2 Stars 2\n3 Stars 3\n4 Stars 4\n5 Stars 5"));
@@ -40,8 +40,8 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
     });
     press(Qt::Key_F1);
     EXPECT_EQ(lines.value(0), QStringLiteral("Ctrl+N   New Project"));
-    EXPECT_EQ(lines.size(), 32);
-    EXPECT_EQ(lines.mid(29), (QStringList{QStringLiteral("Space   Quick look"), QStringLiteral("Enter   Open"),
+    EXPECT_EQ(lines.size(), 38);
+    EXPECT_EQ(lines.mid(35), (QStringList{QStringLiteral("Space   Quick look"), QStringLiteral("Enter   Open"),
                                           QStringLiteral("Esc   Back")}));
 }
 

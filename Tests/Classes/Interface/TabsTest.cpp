@@ -134,7 +134,10 @@ TEST_F(TabsTest, GroupsAreChosenInTheHeadAndInTheMenu)
     EXPECT_FALSE(isChecked(CommandID::GroupPlain, 1));
     EXPECT_TRUE(isChecked(CommandID::SortManually, 6));
     EXPECT_TRUE(controller->command(CommandID::SortAscending)->isChecked());
-    EXPECT_EQ(commandsOf(menuOf("Group")), QStringLiteral("None ✓\nSidebar item ✓\nExtension ✓\nColor ✓\nSize ✓"));
+    EXPECT_EQ(commandsOf(menuOf("Group")),
+              QStringLiteral("None ✓\nSidebar item ✓\nExtension ✓\nColor ✓\nSize ✓\n-\nCollapse Group Alt+Left\n"
+                             "Expand Group Alt+Right\nCollapse All Groups Alt+Shift+Left\n"
+                             "Expand All Groups Alt+Shift+Right"));
 
     run(CommandID::SortDescending);
     settle();

@@ -1,9 +1,10 @@
-// The order and the groups of what the browser shows: its head, menus and commands.
+#include "Classes/Interface/Browser/BrowserHead.h"
 
-#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 
+#include <QBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QToolButton>
@@ -52,11 +53,92 @@ QString titleOf(const Choice (&choices)[count], Value Choice::*key, Value value)
 
 } // namespace
 
-void BrowserViewController::updateHead()
+BrowserHead::BrowserHead(BrowserContent &content, QWidget *parent)
+    : QWidget(parent), m_content(content), m_title(new QLabel(this)), m_count(new QLabel(this)),
+      m_buttons(new QHBoxLayout)
 {
-    const TabState &tab = m_content->tab();
+    setFixedHeight(ZQMeasure::headHeight);
+    m_title->setObjectName(QStringLiteral("Title"));
+    m_title->setMinimumWidth(1); // a long one is cut before what is chosen is
+    m_count->setObjectName(QStringLiteral("Muted"));
+    const auto [groupCaption, group] = makeChoice(zqLocalized("Group"), zqLocalized("Group by"));
+    m_group = group;
+    connect(m_group, &QToolButton::clicked, this, &BrowserHead::showGroupMenu);
+    const auto [sortCaption, sort] = makeChoice(zqLocalized("Sort"), zqLocalized("Sort by"));
+    m_sort = sort;
+    m_groupCaption = groupCaption;
+    m_sortCaption = sortCaption;
+    connect(m_sort, &QToolButton::clicked, this, &BrowserHead::showSortMenu);
+    m_direction = new QToolButton(this);
+    m_direction->setFixedSize(26, 26);
+    m_direction->setIconSize({14, 14});
+    connect(m_direction, &QToolButton::clicked, this,
+            [this] { setSort(m_content.tab().sortKeysValue(), !m_content.tab().sortDirectionValue()); });
+    m_buttons->setContentsMargins(0, 0, 0, 0);
+    m_buttons->setSpacing(2);
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(20, 0, 14, 0);
+    row->addWidget(m_title);
+    row->addSpacing(8);
+    row->addWidget(m_count);
+    row->addStretch(1);
+    row->addLayout(m_buttons);
+    row->addWidget(groupCaption);
+    row->addWidget(m_group);
+    row->addSpacing(6);
+    row->addWidget(sortCaption);
+    row->addWidget(m_sort);
+    row->setSpacing(2);
+    row->addWidget(m_direction);
+}
+
+std::pair<QLabel *, QToolButton *> BrowserHead::makeChoice(const QString &caption, const QString &tip)
+{
+    auto *label = new QLabel(caption, this);
+    label->setObjectName(QStringLiteral("Muted"));
+    auto *button = new QToolButton(this);
+    button->setObjectName(QStringLiteral("Pop"));
+    button->setAccessibleName(tip);
+    button->setToolTip(tip);
+    button->setFocusPolicy(Qt::TabFocus);
+    return {label, button};
+}
+
+void BrowserHead::addButton(QWidget *button)
+{
+    m_buttons->addWidget(button);
+}
+
+void BrowserHead::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    makeRoom();
+}
+
+void BrowserHead::setShowsOrder(bool showsOrder)
+{
+    m_showsOrder = showsOrder;
+    makeRoom();
+}
+
+// Where there is little room, what is said elsewhere gives way: the status row counts, the tips name what is chosen.
+void BrowserHead::makeRoom()
+{
+    constexpr int roomForAll = 600;
+    constexpr int roomForTitle = 420; // with less, half a word would be left of it
+    m_title->setVisible(width() >= roomForTitle);
+    m_count->setVisible(width() >= roomForAll);
+    m_groupCaption->setVisible(width() >= roomForAll);
+    m_sortCaption->setVisible(width() >= roomForAll && m_showsOrder);
+    m_sort->setVisible(m_showsOrder);
+    m_direction->setVisible(m_showsOrder && hasDirection());
+}
+
+void BrowserHead::showTab(const QString &count)
+{
+    const TabState &tab = m_content.tab();
     m_title->setText(tab.tabName());
-    m_count->setText(countText());
+    m_count->setText(count);
     const BrowserDisplayStyle style = tab.browserDisplayStyleValue();
     const QString grouping = titleOf(groupChoices, &GroupChoice::style, style);
     m_group->setText(grouping + QStringLiteral(" ▾"));
@@ -67,31 +149,31 @@ void BrowserViewController::updateHead()
     m_sort->setText(titleOf(sortChoices, &SortChoice::value, isByTitle ? ZQSortValue::Title : value));
     m_sort->setAccessibleName(zqFormat(zqLocalized("Sort: %@"), {m_sort->text()}));
     const bool ascending = tab.sortDirectionValue();
-    m_direction->setVisible(hasDirection());
+    m_direction->setVisible(m_showsOrder && hasDirection());
     m_direction->setIcon(ZQIcon::icon(ascending ? QStringLiteral("arrow-up") : QStringLiteral("arrow-down")));
     m_direction->setAccessibleName(ascending ? zqLocalized("Ascending") : zqLocalized("Descending"));
     m_direction->setToolTip(m_direction->accessibleName());
 }
 
-bool BrowserViewController::canSortBy(ZQSortValue value) const
+bool BrowserHead::canSortBy(ZQSortValue value) const
 {
-    const TabState &tab = m_content->tab();
+    const TabState &tab = m_content.tab();
     if (value == ZQSortValue::Manual) {
         return tab.browserCanManuallySort();
     }
     return value != ZQSortValue::None || tab.sidebarSelectedItems().size() > 1;
 }
 
-bool BrowserViewController::hasDirection() const
+bool BrowserHead::hasDirection() const
 {
-    const ZQSortValue value = m_content->tab().sortKeysValue();
+    const ZQSortValue value = m_content.tab().sortKeysValue();
     return value != ZQSortValue::Manual && value != ZQSortValue::None;
 }
 
-void BrowserViewController::showSortMenu()
+void BrowserHead::showSortMenu()
 {
     QMenu menu(this);
-    const TabState &tab = m_content->tab();
+    const TabState &tab = m_content.tab();
     const bool ascending = tab.sortDirectionValue();
     const auto add = [&](const QString &title, ZQSortValue value, bool direction, bool isChecked) {
         QAction *action = menu.addAction(title, this, [this, value, direction] { setSort(value, direction); });
@@ -111,35 +193,31 @@ void BrowserViewController::showSortMenu()
     menu.exec(m_sort->mapToGlobal(QPoint(0, m_sort->height() + 2)));
 }
 
-void BrowserViewController::showGroupMenu()
+void BrowserHead::showGroupMenu()
 {
     QMenu menu(this);
     for (const GroupChoice &choice : groupChoices) {
         QAction *action =
             menu.addAction(zqLocalized(choice.title), this, [this, choice] { setDisplayStyle(choice.style); });
         action->setCheckable(true);
-        action->setChecked(choice.style == m_content->tab().browserDisplayStyleValue());
+        action->setChecked(choice.style == m_content.tab().browserDisplayStyleValue());
     }
     menu.exec(m_group->mapToGlobal(QPoint(0, m_group->height() + 2)));
 }
 
-void BrowserViewController::setSort(ZQSortValue value, bool ascending)
+void BrowserHead::setSort(ZQSortValue value, bool ascending)
 {
-    m_content->setSort(value, ascending);
-    updateHead();
+    m_content.setSort(value, ascending);
     Q_EMIT orderChanged();
-    Q_EMIT viewChanged();
 }
 
-void BrowserViewController::setDisplayStyle(BrowserDisplayStyle style)
+void BrowserHead::setDisplayStyle(BrowserDisplayStyle style)
 {
-    m_content->setDisplayStyle(style);
-    updateHead();
+    m_content.setDisplayStyle(style);
     Q_EMIT orderChanged();
-    Q_EMIT viewChanged();
 }
 
-QList<WindowCommand> BrowserViewController::orderCommands()
+QList<WindowCommand> BrowserHead::commands()
 {
     const auto id = [](CommandID first, auto value) { return CommandID(int(first) + int(value)); };
     QList<WindowCommand> result;
@@ -149,25 +227,25 @@ QList<WindowCommand> BrowserViewController::orderCommands()
              .title = zqLocalized(choice.title),
              .keys = {},
              .run = [this, choice] { setDisplayStyle(choice.style); },
-             .isChecked = [this, choice] { return m_content->tab().browserDisplayStyleValue() == choice.style; }});
+             .isChecked = [this, choice] { return m_content.tab().browserDisplayStyleValue() == choice.style; }});
     }
     for (const SortChoice &choice : sortChoices) {
         result.append({.id = id(CommandID::SortManually, choice.value),
                        .title = zqLocalized(choice.title),
                        .keys = {},
-                       .run = [this, choice] { setSort(choice.value, m_content->tab().sortDirectionValue()); },
+                       .run = [this, choice] { setSort(choice.value, m_content.tab().sortDirectionValue()); },
                        .isEnabled = [this, choice] { return canSortBy(choice.value); },
-                       .isChecked = [this, choice] { return m_content->tab().sortKeysValue() == choice.value; }});
+                       .isChecked = [this, choice] { return m_content.tab().sortKeysValue() == choice.value; }});
     }
     for (const bool ascending : {true, false}) {
         result.append(
             {.id = ascending ? CommandID::SortAscending : CommandID::SortDescending,
              .title = ascending ? zqLocalized("Ascending") : zqLocalized("Descending"),
              .keys = {},
-             .run = [this, ascending] { setSort(m_content->tab().sortKeysValue(), ascending); },
+             .run = [this, ascending] { setSort(m_content.tab().sortKeysValue(), ascending); },
              .isEnabled = [this] { return hasDirection(); },
-             .isChecked =
-                 [this, ascending] { return hasDirection() && m_content->tab().sortDirectionValue() == ascending; }});
+             .isChecked = [this,
+                           ascending] { return hasDirection() && m_content.tab().sortDirectionValue() == ascending; }});
     }
     return result;
 }

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Classes/Browsing/TabState.h"
+#include "Classes/Interface/WindowCommand.h"
+
+#include <QWidget>
+
+#include <utility>
+
+class BrowserContent;
+class QHBoxLayout;
+class QLabel;
+class QToolButton;
+
+// The line above what a browser shows: its title and count, and what is chosen of groups and order. What is chosen here
+// or by a command of it changes the content's tab at once.
+class BrowserHead : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit BrowserHead(BrowserContent &content, QWidget *parent = nullptr);
+
+    void showTab(const QString &count); // what the tab says of itself, and how many there are
+    void setSort(ZQSortValue value, bool ascending);
+    void setDisplayStyle(BrowserDisplayStyle style);
+    bool canSortBy(ZQSortValue value) const;
+    bool hasDirection() const;
+    QList<WindowCommand> commands();
+    void setShowsOrder(bool showsOrder); // while nothing else says it
+    void addButton(QWidget *button);     // after title and count, before what can be chosen
+
+Q_SIGNALS:
+    void orderChanged(); // or the groups
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    std::pair<QLabel *, QToolButton *> makeChoice(const QString &caption, const QString &tip);
+    void showSortMenu();
+    void showGroupMenu();
+    void makeRoom();
+
+    BrowserContent &m_content;
+    QLabel *m_title;
+    QLabel *m_count;
+    QHBoxLayout *m_buttons;
+    QLabel *m_groupCaption;
+    QLabel *m_sortCaption;
+    QToolButton *m_group;
+    QToolButton *m_sort;
+    QToolButton *m_direction;
+    bool m_showsOrder = true;
+};

@@ -1,0 +1,100 @@
+#include "Classes/Interface/Browser/BrowserListColumns.h"
+
+#include "Classes/Browsing/ShortDate.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QLocale>
+
+namespace {
+
+using Item = ZQLibraryBaseItem;
+using Read = BrowserRowValues::Values;
+
+struct Column
+{
+    const char *identifier;
+    const char *title;
+    int width;
+    int minimumWidth;
+    bool isShown;
+    ZQSortValue sort; // None: not by this
+    ZQListValue (*value)(const Item &item, const Read *read);
+};
+
+ZQListValue text(const QString &text)
+{
+    return {.text = text, .chips = {}};
+}
+
+constexpr Column columns[] = {
+    {"title", "Title", 0, 0, true, ZQSortValue::Title, [](const Item &, const Read *) { return ZQListValue(); }},
+    {"kind", "Kind", 54, 40, true, ZQSortValue::None,
+     [](const Item &item, const Read *) { return text(item.extension().toLower()); }},
+    {"size", "Size", 100, 60, true, ZQSortValue::Size,
+     [](const Item &item, const Read *) { return text(item.pixelSizeString()); }},
+    {"bytes", "Bytes", 70, 50, true, ZQSortValue::None,
+     [](const Item &, const Read *read) {
+         return text(!read              ? QString()
+                     : read->bytes <= 0 ? zqLocalized("missing")
+                                        : QLocale().formattedDataSize(read->bytes, 1, QLocale::DataSizeSIFormat));
+     }},
+    {"rating", "Rating", 84, 60, true, ZQSortValue::None,
+     [](const Item &item, const Read *) { return ZQListValue{.text = {}, .stars = item.rating(), .chips = {}}; }},
+    {"tags", "Tags", 150, 60, true, ZQSortValue::None,
+     [](const Item &, const Read *read) {
+         return ZQListValue{.text = {}, .chips = read ? read->tags : QStringList()};
+     }},
+    {"imported", "Imported", 110, 70, true, ZQSortValue::ImportDate,
+     [](const Item &item, const Read *) { return text(zqShortDate(item.import_date())); }},
+    {"modified", "Modified", 110, 70, false, ZQSortValue::ModificationDate,
+     [](const Item &item, const Read *) { return text(zqShortDate(item.modification_date())); }},
+    {"created", "Created", 110, 70, false, ZQSortValue::CreationDate,
+     [](const Item &item, const Read *) { return text(zqShortDate(item.creation_date())); }},
+    {"color", "Color", 70, 50, false, ZQSortValue::Color,
+     [](const Item &item, const Read *) { return text(ZQSidebarTag::colorNameForValue(item.mainColor())); }},
+};
+
+} // namespace
+
+ZQViewColumns BrowserListColumns::all()
+{
+    QList<ZQViewColumn> result;
+    for (const Column &column : columns) {
+        result.append({QString::fromLatin1(column.identifier), zqLocalized(column.title), column.width,
+                       column.minimumWidth, column.sort != ZQSortValue::None, column.isShown});
+    }
+    return ZQViewColumns(result);
+}
+
+std::optional<ZQSortValue> BrowserListColumns::sortOf(const QString &identifier)
+{
+    for (const Column &column : columns) {
+        if (identifier == QLatin1StringView(column.identifier) && column.sort != ZQSortValue::None) {
+            return column.sort;
+        }
+    }
+    return std::nullopt;
+}
+
+QString BrowserListColumns::columnOf(ZQSortValue value)
+{
+    for (const Column &column : columns) {
+        if (column.sort == value && value != ZQSortValue::None) {
+            return QString::fromLatin1(column.identifier);
+        }
+    }
+    return {};
+}
+
+ZQListValue BrowserListColumns::value(const QString &identifier, const ZQLibraryBaseItem &item,
+                                      const BrowserRowValues::Values *read)
+{
+    for (const Column &column : columns) {
+        if (identifier == QLatin1StringView(column.identifier)) {
+            return column.value(item, read);
+        }
+    }
+    return {};
+}
