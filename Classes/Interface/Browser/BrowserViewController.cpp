@@ -3,6 +3,7 @@
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -125,6 +126,8 @@ QWidget *BrowserViewController::makeHead()
     row->addSpacing(8);
     row->addWidget(m_count);
     row->addStretch(1);
+    m_savedSearch = new SavedSearchButtons(head);
+    row->addWidget(m_savedSearch);
     row->addWidget(groupCaption);
     row->addWidget(m_group);
     row->addSpacing(6);
@@ -254,7 +257,7 @@ void BrowserViewController::contentDidChange()
     }
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
     updateHead();
-    m_chips->setText(m_content->filter());
+    m_chips->setText(m_content->shownSearch());
     updateStatus();
     Q_EMIT selectionChanged();
 }
@@ -360,7 +363,7 @@ void BrowserViewController::setFilter(const QString &text)
 {
     m_keepsScroll = false;
     m_content->setFilter(text);
-    m_chips->setText(m_content->filter());
+    m_chips->setText(m_content->shownSearch());
     Q_EMIT viewChanged();
 }
 
@@ -426,6 +429,7 @@ void BrowserViewController::refetch()
     m_keepsScroll = true;
     m_content->dropObjects();
     m_grid->updateVisible();
+    m_chips->setText(m_content->shownSearch()); // a saved one may be another
     m_refetch.start();
 }
 

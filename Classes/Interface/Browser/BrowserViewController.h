@@ -11,6 +11,7 @@ class QLabel;
 class QSlider;
 class QStackedWidget;
 class QToolButton;
+class SavedSearchButtons;
 class SearchChips;
 class ZQGridView;
 
@@ -28,6 +29,7 @@ public:
     void updateHead(); // title, count and order of what is shown
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
+    SavedSearchButtons &savedSearchButtons() { return *m_savedSearch; } // in the head
 
     QList<ZQObjectID> selectedItems() const; // library items; the one shown in the detail view
     qint64 selectionCount() const;
@@ -96,6 +98,7 @@ private:
     QToolButton *m_sort;
     QToolButton *m_direction;
     QLabel *m_status;
+    SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;
     QWidget *m_recovery;
     QSlider *m_zoom;
