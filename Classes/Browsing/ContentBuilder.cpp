@@ -2,7 +2,6 @@
 
 #include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Browsing/SearchManager.h"
-#include "Classes/Browsing/StoreSearch.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
@@ -34,10 +33,9 @@ void addWatchedFolders(const SidebarItem &item, SidebarItems &into)
     }
 }
 
-ContentPart partOf(const SidebarItem &item)
+ContentPart partOf(const SidebarItem &item, const ZQFetchRequest &request)
 {
     using Holding = ContentPart::Holding;
-    const ZQFetchRequest request = item->contentRequest();
     const Holding holding = item->hasOrderedMembers()          ? Holding::Memberships
                             : item->isWatchedFolder()          ? Holding::WatchedFolder
                             : bool(zqCast<ZQSidebarTag>(item)) ? Holding::Tag
@@ -45,7 +43,8 @@ ContentPart partOf(const SidebarItem &item)
     return {item->objectID(), item->title(), holding, item->isRecent(), request};
 }
 
-ContentParts partsOf(const SidebarItems &selection, bool isSingle)
+ContentParts partsOf(const SidebarItems &selection, bool isSingle,
+                     const std::function<ZQFetchRequest(const ZQSidebarBaseItem &)> &requestOf)
 {
     SidebarItems projects;
     SidebarItems watchedFolders;
@@ -68,35 +67,15 @@ ContentParts partsOf(const SidebarItems &selection, bool isSingle)
     // Tags behind a project bring nothing: each of the two trees is selected in by itself.
     const SidebarItems shown = result.showsItems || !hasTags ? projects + watchedFolders : watchedFolders;
     for (const SidebarItem &item : shown) {
-        result.parts.append(partOf(item));
+        result.parts.append(partOf(item, requestOf(*item)));
     }
     return result;
-}
-
-// Those of more than one item; nothing where the index has no answer.
-std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading &reading,
-                                                     const QList<ZQFetchRequest> &requests)
-{
-    ZQRowSet all(reading.rowCount());
-    for (const ZQFetchRequest &request : requests) {
-        const auto found = reading.rows(request);
-        if (!found) {
-            return std::nullopt;
-        }
-        all |= LibraryIndex::Reading::setOf(*found, reading.rowCount());
-    }
-    constexpr qint64 several = 2; // how many makes no difference
-    QMap<QString, qint64> counts;
-    for (const QString &digest : reading.repeatedDigests(all)) {
-        counts.insert(digest, several);
-    }
-    return counts;
 }
 
 } // namespace
 
 ContentBuilder::ContentBuilder(ContentQuery query, ZQManagedObjectContext &context, LibraryIndex *index)
-    : m_query(std::move(query)), m_context(context), m_index(index)
+    : m_query(std::move(query)), m_context(context), m_index(index), m_contents(context, index)
 {
     m_query.settleOrder();
 }
@@ -110,18 +89,10 @@ QList<ZQFetchRequest> ContentBuilder::requestsOf(const ContentParts &parts)
     return requests;
 }
 
-// Digests that occur twice are looked for in the whole content, which takes the store seconds in a large library.
-SearchContext ContentBuilder::searchContext(ZQListRows rows, const QList<ZQFetchRequest> &requests) const
+ZQFetchRequest ContentBuilder::requestOf(const ZQSidebarBaseItem &item) const
 {
-    SearchContext result = StoreSearch::context(rows, requests, m_context);
-    if (m_index) {
-        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts]() -> QMap<QString, qint64> {
-            const auto reading = index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
-            const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
-            return repeated ? *repeated : ofStore();
-        };
-    }
-    return result;
+    const bool isEdited = m_query.editsSearch && item.isSmartFolder() && m_query.sidebarItems.size() == 1;
+    return isEdited ? SidebarContents::wholeLibrary() : m_contents.request(item);
 }
 
 void ContentBuilder::restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text)
@@ -167,7 +138,8 @@ std::optional<ContentParts> ContentBuilder::parts(ZQError *error) const
             selection.append(*item);
         }
     }
-    return partsOf(selection, m_query.sidebarItems.size() == 1 && selection.size() == 1);
+    return partsOf(selection, m_query.sidebarItems.size() == 1 && selection.size() == 1,
+                   [this](const ZQSidebarBaseItem &item) { return requestOf(item); });
 }
 
 std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
@@ -179,7 +151,7 @@ std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
     const QList<ZQFetchRequest> requests = requestsOf(*found);
     const ZQListRows kind =
         requests.isEmpty() ? ZQListRows::Memberships : zqListRowsOfEntity(requests.first().entityName);
-    return SearchManager::predicateStringForSearchString(m_query.filter, searchContext(kind, requests));
+    return SearchManager::predicateStringForSearchString(m_query.filter, m_contents.searchContext(kind, requests));
 }
 
 ContentRows ContentBuilder::rows(ContentParts parts) const
@@ -195,7 +167,7 @@ ContentRows ContentBuilder::rows(ContentParts parts) const
         const ZQListRows kind = zqListRowsOfEntity(request.entityName);
         auto condition = conditions->find(kind);
         if (condition == conditions->end()) {
-            const SearchContext context = searchContext(kind, requests);
+            const SearchContext context = m_contents.searchContext(kind, requests);
             condition =
                 conditions->emplace(kind, SearchManager::predicateForSearchString(m_query.filter, context)).first;
         }

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "Classes/Browsing/ContentRows.h"
+#include "Classes/Browsing/SidebarContents.h"
 
 #include <functional>
 #include <optional>
-
-struct SearchContext;
 
 // Builds what a tab shows out of the sidebar items that are selected: their filter, order and groups. On the thread of
 // its context; a few sidebar items are read, and identifiers of the rows.
@@ -28,11 +27,12 @@ private:
     std::optional<ContentParts> parts(ZQError *error) const; // nothing when the sidebar items cannot be read
     ContentRows rows(ContentParts parts) const;
     static QList<ZQFetchRequest> requestsOf(const ContentParts &parts);
-    SearchContext searchContext(ZQListRows rows, const QList<ZQFetchRequest> &requests) const;
+    ZQFetchRequest requestOf(const ZQSidebarBaseItem &item) const;
     static void restrictToTitlesBeginning(ZQFetchRequest &request, const QString &text);
     void prepare(ZQFetchRequest &request) const;
 
     ContentQuery m_query;
     ZQManagedObjectContext &m_context;
     LibraryIndex *m_index;
+    SidebarContents m_contents;
 };

@@ -4,6 +4,7 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
@@ -48,12 +49,16 @@ TabState::TabState(EditContext &edits, QList<ZQObjectID> sidebarSelectedItems)
 void TabState::setSidebarSelectedItems(const QList<ZQObjectID> &items)
 {
     m_sidebarSelectedItems = items;
+    m_editsSearch = false;
     invalidateCache();
 }
 
 void TabState::goToSidebarItems(const QList<ZQObjectID> &items)
 {
     savePersistentStateInformations();
+    if (m_editsSearch) {
+        setSearchString({}); // it belongs to what was shown
+    }
     setSidebarSelectedItems(items);
     m_sortKeys.reset();
     m_sortDirection.reset();
@@ -108,6 +113,18 @@ void TabState::setSearchString(const QString &text)
     if (const QString before = filter(); m_searchString = text, filter() != before) {
         invalidateCache();
     }
+}
+
+void TabState::setEditsSearch(bool edits)
+{
+    m_editsSearch = edits;
+    invalidateCache();
+}
+
+bool TabState::showsSavedSearch() const
+{
+    const auto shown = ZQSidebarFolder::expandedProjects(selectedSidebarElements());
+    return std::any_of(shown.begin(), shown.end(), [](const auto &item) { return item->isSmartFolder(); });
 }
 
 // Order, groups and size.

@@ -51,6 +51,11 @@ public:
     const QString &searchString() const { return m_searchString; } // as it was typed
     void setSearchString(const QString &text);
     QString filter() const { return m_searchString.trimmed(); }
+    // While a person edits the text of the smart folder that is shown, the field has it and all of it.
+    bool editsSearch() const { return m_editsSearch; }
+    void setEditsSearch(bool edits);
+    // Whether what is shown is found by a saved search, so that any change may touch it.
+    bool showsSavedSearch() const;
     // Of rows of library items; null: all. What the search makes of the text.
     const ZQPredicate &filterPredicate() const { return m_filterPredicate; }
     void setFilterPredicate(const ZQPredicate &predicate) { m_filterPredicate = predicate; }
@@ -121,6 +126,7 @@ private:
     EditContext &m_edits;
     QList<ZQObjectID> m_sidebarSelectedItems;
     QString m_searchString;
+    bool m_editsSearch = false;
     ZQPredicate m_filterPredicate;
     std::optional<ZQSortValue> m_sortKeys;
     std::optional<bool> m_sortDirection;

@@ -25,8 +25,8 @@ bool isOf(const ZQObjectID &id, const QString &rootEntity)
 
 ContentQuery TabState::contentQuery()
 {
-    ContentQuery query{m_sidebarSelectedItems, filter(), sortKeysValue(), sortDirectionValue(),
-                       browserDisplayStyleValue()};
+    ContentQuery query{m_sidebarSelectedItems,     filter(),     sortKeysValue(), sortDirectionValue(),
+                       browserDisplayStyleValue(), m_editsSearch};
     if (query.settleOrder()) {
         m_sortKeys = query.sortValue;
         m_sortDirection = query.isAscending;
@@ -151,7 +151,7 @@ void TabState::evaluateCache(const ZQContextDidSave &change)
         return;
     }
     const auto single = singleSidebarElement();
-    if ((single && single->isSpecial()) || isTouchedBy(change)) {
+    if ((single && single->isSpecial()) || showsSavedSearch() || isTouchedBy(change)) {
         invalidateCache();
     }
 }

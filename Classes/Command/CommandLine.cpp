@@ -26,6 +26,7 @@ struct CommandLine::Options
     std::vector<std::string> addedTags;
     std::vector<std::string> removedTags;
     std::string reference;
+    std::string changed;
     qint64 index = -1;
     bool resumes = false;
     bool forgets = false;
@@ -73,6 +74,7 @@ CommandLine::CommandLine()
     defineImport();
     defineItems();
     defineSearch();
+    defineSmartFolder();
     defineDeletion();
     defineTags();
     defineVerify();
@@ -163,6 +165,31 @@ void CommandLine::defineSearch()
     search->footer(zqSearchLanguage().toStdString());
 }
 
+void CommandLine::defineSmartFolder()
+{
+    CLI::App *smart =
+        add("smart", "Save a search as a smart folder, which shows what its text finds", true,
+            [this](CommandContext &context) {
+                return zqRunSmartFolder({texts(m_options->words), text(m_options->reference), text(m_options->changed)},
+                                        context);
+            });
+    smart
+        ->add_option("text", m_options->words,
+                     "The title, and behind it words and tokens as `zelto search` takes them; several are joined by "
+                     "blanks")
+        ->required()
+        ->type_name("TEXT");
+    smart
+        ->add_option("--in", m_options->reference,
+                     "The folder it goes into: titles from the top, as PROJECTS/Clients, or its UUID text; without it "
+                     "at the end of PROJECTS")
+        ->type_name("REF");
+    smart
+        ->add_option("--change", m_options->changed,
+                     "A smart folder that gets the text instead, which is then given without a title")
+        ->type_name("REF");
+}
+
 // A search may begin with "-", which elsewhere begins an option: what is no option of a search is a word of it, and
 // words come behind "--".
 QStringList CommandLine::withSearchTextLast(const QStringList &arguments)
@@ -171,7 +198,7 @@ QStringList CommandLine::withSearchTextLast(const QStringList &arguments)
     while (command < arguments.size() && arguments[command].startsWith(u'-')) {
         command += arguments[command] == u"--library" ? 2 : 1;
     }
-    if (arguments.value(command) != u"search") {
+    if (arguments.value(command) != u"search" && arguments.value(command) != u"smart") {
         return arguments;
     }
     QStringList options = arguments.mid(0, command + 1);
@@ -184,7 +211,7 @@ QStringList CommandLine::withSearchTextLast(const QStringList &arguments)
         }
         const bool isOption = word.startsWith(u"--") || word == u"-h";
         (isOption ? options : words).append(word);
-        if ((word == u"--in" || word == u"--library") && i + 1 < arguments.size()) {
+        if ((word == u"--in" || word == u"--change" || word == u"--library") && i + 1 < arguments.size()) {
             options.append(arguments[++i]);
         }
     }

@@ -61,6 +61,7 @@ private:
     void defineImport();
     void defineItems();
     void defineSearch();
+    void defineSmartFolder();
     void defineDeletion();
     void defineTags();
     void defineVerify();

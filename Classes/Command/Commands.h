@@ -37,6 +37,14 @@ struct SearchRequest
     bool explains = false;
 };
 int zqRunSearch(const SearchRequest &request, CommandContext &context);
+
+struct SmartFolderRequest
+{
+    QStringList words; // the title and behind it the text; only the text for one that is changed
+    QString in;        // REF of a folder; empty: PROJECTS
+    QString change;    // REF of the smart folder that gets the text; empty: a new one
+};
+int zqRunSmartFolder(const SmartFolderRequest &request, CommandContext &context);
 QString zqSearchLanguage(); // what can be searched for, a line each token
 
 int zqRunDelete(const QStringList &items, CommandContext &context);

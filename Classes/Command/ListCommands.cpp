@@ -1,16 +1,34 @@
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Browsing/SidebarContents.h"
 #include "Classes/Command/ItemListing.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
-#include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 
 namespace {
+const QString searchTextKey = QStringLiteral("searchText");
+
+// What a project, tag or live folder holds, or what a smart folder finds at the moment.
+ZQFetched<ZQLibraryBaseItem> shownItems(const ZQSidebarBaseItem &sidebarItem, CommandContext &context)
+{
+    if (!sidebarItem.isSmartFolder()) {
+        return sidebarItem.items();
+    }
+    ZQError error;
+    auto items =
+        context.store().fetch<ZQLibraryBaseItem>(SidebarContents(context.store()).request(sidebarItem), &error);
+    if (!items) {
+        context.fail(error.localizedDescription());
+    }
+    return items;
+}
+
 // The items asked for; nothing after an error, which is in `context`.
 ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContext &context)
 {
@@ -30,7 +48,7 @@ ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContex
         return std::nullopt;
     }
     if (!request.deleted) {
-        return sidebarItem->items();
+        return shownItems(*sidebarItem, context);
     }
     QList<ZQRef<ZQLibraryBaseItem>> deleted;
     const auto memberships = sidebarItem->pItemsWithActiveItemsOnly(false);
@@ -44,23 +62,33 @@ ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContex
     return deleted;
 }
 
-QJsonObject sidebarObject(ZQSidebarBaseItem &item)
+qint64 countOf(const ZQSidebarBaseItem &item, CommandContext &context)
+{
+    return item.isSmartFolder() ? zqCount(context.store(), SidebarContents(context.store()).request(item))
+                                : item.numberOfItems();
+}
+
+QJsonObject sidebarObject(const ZQSidebarBaseItem &item, CommandContext &context)
 {
     QJsonArray children;
     for (const ZQRef<ZQSidebarBaseItem> &child : item.orderedChildren()) {
-        children.append(sidebarObject(*child));
+        children.append(sidebarObject(*child, context));
     }
-    return {{QStringLiteral("title"), item.title()},
-            {QStringLiteral("kind"), item.kind()},
-            {QStringLiteral("order"), item.order()},
-            {QStringLiteral("entity"), item.entity()->name},
-            {QStringLiteral("is_Label"), item.is_Label()},
-            {QStringLiteral("is_Special"), item.is_Special()},
-            {QStringLiteral("is_Tag"), item.is_Tag()},
-            {QStringLiteral("active"), item.active()},
-            {QStringLiteral("numberOfItems"), item.numberOfItems()},
-            {QStringLiteral("UUID"), item.UUID()},
-            {QStringLiteral("children"), children}};
+    QJsonObject object{{QStringLiteral("title"), item.title()},
+                       {QStringLiteral("kind"), item.kind()},
+                       {QStringLiteral("order"), item.order()},
+                       {QStringLiteral("entity"), item.entity()->name},
+                       {QStringLiteral("is_Label"), item.is_Label()},
+                       {QStringLiteral("is_Special"), item.is_Special()},
+                       {QStringLiteral("is_Tag"), item.is_Tag()},
+                       {QStringLiteral("active"), item.active()},
+                       {QStringLiteral("numberOfItems"), countOf(item, context)},
+                       {QStringLiteral("UUID"), item.UUID()},
+                       {QStringLiteral("children"), children}};
+    if (const auto *smart = dynamic_cast<const ZQSidebarSmartFolder *>(&item)) {
+        object.insert(searchTextKey, smart->searchText());
+    }
+    return object;
 }
 
 void printTree(const QJsonObject &node, int depth, CommandContext &context)
@@ -68,7 +96,10 @@ void printTree(const QJsonObject &node, int depth, CommandContext &context)
     const qint64 count = node.value(QStringLiteral("numberOfItems")).toInteger();
     const QString counted =
         node.value(QStringLiteral("is_Label")).toBool() ? QString() : QStringLiteral("  (%1)").arg(count);
-    context.print(QString(qsizetype(depth) * 2, u' ') + node.value(QStringLiteral("title")).toString() + counted);
+    const QString search =
+        node.contains(searchTextKey) ? QStringLiteral("  ") + node.value(searchTextKey).toString() : QString();
+    context.print(QString(qsizetype(depth) * 2, u' ') + node.value(QStringLiteral("title")).toString() + counted +
+                  search);
     for (const QJsonValue child : node.value(QStringLiteral("children")).toArray()) {
         printTree(child.toObject(), depth + 1, context);
     }
@@ -97,7 +128,7 @@ int zqRunSidebar(CommandContext &context)
     }
     QJsonArray array;
     for (const ZQRef<ZQSidebarBaseItem> &node : *nodes) {
-        array.append(sidebarObject(*node));
+        array.append(sidebarObject(*node, context));
     }
     if (context.json) {
         context.printJSON(array);

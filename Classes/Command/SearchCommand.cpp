@@ -1,8 +1,10 @@
 #include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Classes/Browsing/SearchToken.h"
+#include "Classes/Command/CommandEdits.h"
 #include "Classes/Command/Commands.h"
 #include "Classes/Command/ItemListing.h"
+#include "Classes/Editing/SidebarCommands.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -59,6 +61,48 @@ int explain(const ContentBuilder &builder, CommandContext &context)
     return 0;
 }
 
+int makeSmartFolder(const QString &title, const QString &text, const QString &in, CommandContext &context)
+{
+    if (title.isEmpty()) {
+        return context.fail(zqLocalized("a smart folder needs a title"));
+    }
+    ZQObjectID folder;
+    if (!in.isEmpty()) {
+        const auto item = zqSidebarItemForReference(in, context);
+        if (!item) {
+            return 2;
+        }
+        const bool isPlace =
+            item->isFolder() && ZQSidebarKind(item->kind()) != ZQSidebarKind::WatchedFoldersLabel && !item->isTag();
+        if (!isPlace) {
+            return context.fail(
+                zqFormat(zqLocalized("“%@” holds no smart folders; name PROJECTS or a folder in it"), {item->title()}));
+        }
+        folder = item->objectID();
+    }
+    CommandEdits edits(context);
+    const auto place = folder.isNull() ? ZQRef<ZQSidebarBaseItem>() : edits.context().sidebarItem(folder);
+    if (!SidebarCommands(edits.context()).addSmartFolder(text, title, place)) {
+        return context.fail(zqLocalized("this library has no entry “PROJECTS”; `zelto verify` checks it"));
+    }
+    return edits.finish(1, "1 smart folder made", "%d smart folders made");
+}
+
+int changeSmartFolder(const QString &reference, const QString &text, CommandContext &context)
+{
+    const auto item = zqSidebarItemForReference(reference, context);
+    if (!item) {
+        return 2;
+    }
+    if (!item->isSmartFolder()) {
+        return context.fail(zqFormat(zqLocalized("“%@” is no smart folder; `zelto sidebar` shows them with their text"),
+                                     {item->title()}));
+    }
+    CommandEdits edits(context);
+    SidebarCommands(edits.context()).setSearchText(edits.context().sidebarItem(item->objectID()), text);
+    return edits.finish(1, "1 smart folder changed", "%d smart folders changed");
+}
+
 } // namespace
 
 QString zqSearchLanguage()
@@ -105,4 +149,19 @@ int zqRunSearch(const SearchRequest &request, CommandContext &context)
         zqPrintItems(ZQLibraryBaseItem::itemsWithIDs(found, context.store()), context);
     }
     return 0;
+}
+
+int zqRunSmartFolder(const SmartFolderRequest &request, CommandContext &context)
+{
+    const bool isNew = request.change.isEmpty();
+    const QString text = request.words.mid(isNew ? 1 : 0).join(u' ');
+    if (hasMistakes(text, context)) {
+        return 2;
+    }
+    if (SearchExpression::read(text, {}).predicateString.isEmpty()) {
+        return context.fail(isNew ? zqLocalized("there is nothing to search for; give a text behind the title")
+                                  : zqLocalized("there is nothing to search for; give a text"));
+    }
+    return isNew ? makeSmartFolder(request.words.value(0).simplified(), text, request.in, context)
+                 : changeSmartFolder(request.change, text, context);
 }

@@ -62,6 +62,7 @@ struct Edit
 
     QString progressText;
     std::function<bool(ZQManagedObjectContext &, ZQError *)> prepare; // saves what it makes; null for none
+    std::function<void(ZQManagedObjectContext &)> takeBack; // what `prepare` made, once all is undone; null for none
     Change change;
     QList<ZQObjectID> items;
     QList<ZQObjectID> tags; // held in memory meanwhile
@@ -189,6 +190,10 @@ void run(EditRun &running, Edit &edit, bool isUndo)
         return true;
     });
     pass.stopAt(position);
+    if (isUndo && edit.takeBack && position == pass.count()) {
+        edit.takeBack(running.context());
+        running.save();
+    }
 }
 
 EditSize sizeOf(const QList<ZQObjectID> &items)
@@ -247,6 +252,41 @@ ZQRef<ZQSidebarTag> tagIn(const ZQLibraryBaseItem &item, const ZQObjectID &tag)
     return zqCast<ZQSidebarTag>(item.managedObjectContext()->objectWithID(tag));
 }
 
+// The tags that a step makes because it names them, by title. They go when it is taken back, unless somebody else uses
+// them meanwhile, and come back with it.
+class MadeTags
+{
+public:
+    ZQRef<ZQSidebarTag> tag(const QString &title, ZQManagedObjectContext &context, bool *isNew) const
+    {
+        const auto known = m_tags.constFind(title);
+        const auto made = known != m_tags.constEnd() ? tagIn(context, *known) : ZQRef<ZQSidebarTag>();
+        if (made && !made->active() && !ZQSidebarTag::tagWithTagName(title, context)) {
+            made->setActive(true);
+            return made;
+        }
+        return ZQSidebarTag::getOrCreateTagWithName(title, context, isNew);
+    }
+    void insert(const QString &title, const ZQObjectID &saved) { m_tags.insert(title, saved); }
+    void takeBack(ZQManagedObjectContext &context) const
+    {
+        for (const ZQObjectID &id : m_tags) {
+            const auto tag = tagIn(context, id);
+            if (tag && tag->active() && tag->relatedObjectIDs(QStringLiteral("taggedItems")).isEmpty()) {
+                tag->setActive(false);
+            }
+        }
+    }
+
+private:
+    static ZQRef<ZQSidebarTag> tagIn(ZQManagedObjectContext &context, const ZQObjectID &id)
+    {
+        return zqCast<ZQSidebarTag>(context.existingObjectWithID(id));
+    }
+
+    QHash<QString, ZQObjectID> m_tags;
+};
+
 void applyTags(ZQLibraryBaseItem &item, const QList<ZQObjectID> &add, const QList<ZQObjectID> &remove)
 {
     for (const ZQObjectID &id : remove) {
@@ -275,16 +315,25 @@ void ItemEdits::changeTags(const QList<ZQObjectID> &items, const QList<ZQObjectI
     edit->rewritesFiles = true;
     // A tag is made where the items are changed: a save waits for the disk, which is busy when many files are written.
     const auto all = std::make_shared<QList<ZQObjectID>>(add);
-    edit->prepare = [edit = edit.get(), add, remove, addByTitle, all](ZQManagedObjectContext &context, ZQError *error) {
+    const auto made = std::make_shared<MadeTags>();
+    edit->takeBack = [made](ZQManagedObjectContext &context) { made->takeBack(context); };
+    edit->prepare = [edit = edit.get(), add, remove, addByTitle, all, made](ZQManagedObjectContext &context,
+                                                                            ZQError *error) {
         QList<ZQRef<ZQSidebarTag>> named;
+        QList<ZQRef<ZQSidebarTag>> fresh;
         for (const QString &title : addByTitle) {
-            if (const auto tag = ZQSidebarTag::getOrCreateTagWithName(title, context)) {
-                named.append(tag);
+            bool isNew = false;
+            if (const auto tag = made->tag(title, context, &isNew)) {
+                (isNew ? fresh : named).append(tag);
             }
         }
         if (!context.save(error)) {
             return false;
         }
+        for (const auto &tag : std::as_const(fresh)) {
+            made->insert(tag->title(), tag->objectID());
+        }
+        named += fresh;
         *all = add;
         for (const auto &tag : named) {
             all->append(tag->objectID());

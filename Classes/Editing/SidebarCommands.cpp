@@ -8,6 +8,7 @@
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <algorithm>
@@ -75,6 +76,8 @@ constexpr Confirmation deleteProject = {"Are you sure you want to delete this pr
                                         "The project items will still remain inside your library.", "Delete"};
 constexpr Confirmation removeLiveFolder = {"Are you sure you want to remove this Live Folder?",
                                            "The original folders will still remain on your disk.", "Remove"};
+constexpr Confirmation deleteSmartFolder = {"Are you sure you want to delete this smart folder?",
+                                            "The items it finds will still remain inside your library.", "Delete"};
 constexpr Confirmation deleteFolder = {
     "Are you sure you want to delete this folder?",
     "All the child projects will be also deleted, projects items will still remain inside your library.", "Delete"};
@@ -98,6 +101,7 @@ const Confirmation &confirmationFor(const SidebarCommands::Items &items, bool wi
         return items.first()->isFolder() ? deleteFolderContent : deleteProjectContent;
     }
     return items.first()->isWatchedFolder() ? removeLiveFolder
+           : items.first()->isSmartFolder() ? deleteSmartFolder
            : items.first()->isFolder()      ? deleteFolder
                                             : deleteProject;
 }
@@ -153,19 +157,23 @@ private:
 
 } // namespace
 
-SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
+SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
 {
-    Item father = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(m_edits.context);
-    quint32 index = ZQSidebarBaseItem::appendIndex;
+    Spot spot{ZQSidebarBaseItem::projectsLabelInManagedObjectContext(m_edits.context), ZQSidebarBaseItem::appendIndex};
     if (onItem && !onItem->isSpecial() && !onItem->isLabel() && !onItem->isTag() && !onItem->isWatchedFolder()) {
-        if (onItem->isProject() && onItem->father()) {
-            father = onItem->father();
-            index = placeOf(onItem).index + 1;
+        if ((onItem->isProject() || onItem->isSmartFolder()) && onItem->father()) {
+            spot = {onItem->father(), placeOf(onItem).index + 1};
         } else if (onItem->isFolder()) {
-            father = onItem;
-            father->setExpanded(true);
+            spot.father = onItem;
+            onItem->setExpanded(true);
         }
     }
+    return spot;
+}
+
+SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
+{
+    const auto [father, index] = spotFor(onItem);
     if (!father) {
         return {};
     }
@@ -215,6 +223,42 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
             }
         });
     return item;
+}
+
+SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText, const QString &title,
+                                                      const Item &onItem)
+{
+    constexpr qsizetype longestName = 80;
+    const auto [father, index] = spotFor(onItem);
+    if (!father) {
+        return {};
+    }
+    const QString name = title.isEmpty() ? searchText.simplified().left(longestName) : title;
+    const auto item = m_edits.context.insertNewObject<ZQSidebarSmartFolder>();
+    item->setTitle(name.isEmpty() ? zqLocalized("New Smart Folder") : name);
+    item->setSearchText(searchText);
+    item->setActive(true);
+    item->setEnabled(true);
+    return addNewListItem(item, father, index);
+}
+
+void SidebarCommands::setSearchText(const Item &smartFolder, const QString &searchText)
+{
+    const auto item = zqCast<ZQSidebarSmartFolder>(smartFolder);
+    if (!item || item->searchText() == searchText) {
+        return;
+    }
+    const QString before = item->searchText();
+    EditContext &edits = m_edits;
+    const auto change = [&edits, id = item->objectID()](const QString &to) {
+        if (const auto changed = zqCast<ZQSidebarSmartFolder>(edits.sidebarItem(id))) {
+            changed->setSearchText(to);
+            edits.save();
+        }
+    };
+    zqPushBlocks(
+        m_edits, zqFormat(zqLocalized("change search of '%@'"), {item->title()}),
+        [change, searchText] { change(searchText); }, [change, before] { change(before); });
 }
 
 SidebarCommands::Item SidebarCommands::addNewTag()
@@ -362,7 +406,7 @@ bool SidebarCommands::validateNewTitle(const QString &title, const Item &forSide
     if (forSidebarItem && forSidebarItem->isTag()) {
         return validateNewTagTitle(title, forSidebarItem);
     }
-    if (title.isEmpty()) {
+    if (title.trimmed().isEmpty()) {
         m_edits.user.showNotificationWithText(zqLocalized("Please pick a name!"), NotificationPlace::Sidebar,
                                               usualNotificationTime);
         return false;

@@ -11,12 +11,15 @@ public:
     using Item = ZQRef<ZQSidebarBaseItem>;
     using Items = QList<Item>;
 
-    // Placed by the reference item: after a project, into a folder, else at the end of PROJECTS. Null when the tree is
-    // not there.
+    // Placed by the reference item: after a project or smart folder, into a folder, else at the end of PROJECTS. Null
+    // when the tree is not there.
     enum class NewItem { Project, Folder };
     Item addNewListItem(NewItem kind, const Item &onItem);
     Item addNewListItem(const Item &item, const Item &father, quint32 order); // inserts, saves, registers the undo
     Item addNewTag();                                                         // a new last tag
+    // A saved search, placed as a project is. Named after its text where that is all there is to name it by.
+    Item addSmartFolder(const QString &searchText, const QString &title, const Item &onItem);
+    void setSearchText(const Item &smartFolder, const QString &searchText);
 
     // Ask, unless told not to; false when the person declined.
     bool deleteSidebarItem(const Items &items);
@@ -35,6 +38,13 @@ public:
     QList<ZQRef<ZQLibraryBaseItem>> contentOfItems(const Items &items) const;
 
 private:
+    // Where a new item goes.
+    struct Spot
+    {
+        Item father; // null when the tree is not there
+        quint32 index = 0;
+    };
+    Spot spotFor(const Item &onItem) const;
     bool confirm(const Items &items, bool withContent);
     bool validateNewTagTitle(const QString &text, const Item &forTag);
     void pushDeletion(const QString &text, const Items &items, const QList<ZQRef<ZQLibraryBaseItem>> &content);

@@ -14,6 +14,7 @@ enum class Target {
     Recents,
     Screenshots,
     Project,
+    SmartFolder,
     Folder, // and PROJECTS
     LiveFolder,
     LiveFoldersLabel,
@@ -39,7 +40,7 @@ struct Rule
     const char *refusal;
 };
 
-constexpr std::array<Rule, 10> rules = {{
+constexpr std::array<Rule, 11> rules = {{
     {Target::None, NoFiles, Takes::Never, false, false, Holding::Nothing, "Choose where it is to go."},
     {Target::Library, Supported, Takes::InItsPane, false, false, Holding::Items,
      "Everything is in the library already. Choose a project or a tag."},
@@ -49,6 +50,8 @@ constexpr std::array<Rule, 10> rules = {{
      "Screenshots is for captures. Choose the library, a project or a tag."},
     {Target::Project, Supported, Takes::Always, true, true, Holding::Items,
      "None of this can be imported into a project."},
+    {Target::SmartFolder, NoFiles, Takes::Never, false, false, Holding::Nothing,
+     "A smart folder finds its items by itself. Choose the library, a project or a tag."},
     {Target::Folder, Folders | Archives, Takes::Never, false, false, Holding::Tree,
      "A folder takes folders and archives. Choose a project in it."},
     {Target::LiveFolder, Supported | Folders, Takes::Always, true, false, Holding::Nothing,
@@ -82,6 +85,9 @@ Target targetOf(const ZQSidebarBaseItem *item)
     }
     if (item->isProject()) {
         return Target::Project;
+    }
+    if (item->isSmartFolder()) {
+        return Target::SmartFolder;
     }
     if (!item->isTag() && (item->isFolder() || item->isDroppableLabel())) {
         return Target::Folder;
@@ -145,10 +151,14 @@ bool SidebarTargetRules::rows(const Rows &dragged, const ZQRef<ZQSidebarBaseItem
         target->isWatchedFolder()) {
         return false;
     }
+    // The other tree comes under the pointer when a drag turns the switch.
+    if (any([&target](const auto &item) { return item->isTag() != target->isTag(); })) {
+        return false;
+    }
     if (ZQSidebarKind(target->kind()) != ZQSidebarKind::WatchedFoldersLabel) {
         return !any([](const auto &item) { return item->isWatchedFolder(); });
     }
-    return !any([](const auto &item) { return item->isProject() || item->isFolder(); });
+    return !any([](const auto &item) { return item->isProject() || item->isFolder() || item->isSmartFolder(); });
 }
 
 SidebarTargetRules::Holding SidebarTargetRules::holding(const ZQSidebarBaseItem &target)

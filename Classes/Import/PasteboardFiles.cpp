@@ -110,6 +110,14 @@ private:
     QStringList m_paths;
 };
 
+// Browsers give the address of what is dragged, or of the link around it, with its title in the next line.
+QUrl linkOf(const QMimeData &mimeData)
+{
+    const QByteArray text = mimeData.data(QStringLiteral("_NETSCAPE_URL"));
+    const QUrl link(QString::fromUtf8(text.left(text.indexOf('\n'))).trimmed(), QUrl::StrictMode);
+    return link.isValid() && (link.scheme() == u"http" || link.scheme() == u"https") ? link : QUrl();
+}
+
 bool writePicture(const QMimeData &mimeData, const QString &baseName, PictureWriter &writer)
 {
     for (const QString &format : encodedFormats()) {
@@ -121,6 +129,14 @@ bool writePicture(const QMimeData &mimeData, const QString &baseName, PictureWri
 }
 
 } // namespace
+
+bool PasteboardFiles::hasContent(const QMimeData &mimeData)
+{
+    const QList<QUrl> urls = mimeData.urls();
+    return hasPicture(mimeData) || std::any_of(urls.begin(), urls.end(), [](const QUrl &url) {
+               return url.isLocalFile() || url.scheme() == u"data";
+           });
+}
 
 bool PasteboardFiles::hasPicture(const QMimeData &mimeData)
 {
@@ -150,9 +166,14 @@ PasteboardFiles PasteboardFiles::filesFromMimeData(const QMimeData *mimeData,
         }
     }
     if (files.paths.isEmpty() && writer.paths().isEmpty()) {
+        const QUrl link = linkOf(*mimeData);
+        webURL = webURL.isEmpty() ? link : webURL;
         const QString name = baseNameFromURL(webURL);
         if (writePicture(*mimeData, name.isEmpty() ? defaultName : name, writer) && !webURL.isEmpty()) {
             files.metadata.insert(QStringLiteral("webURL"), webURL.toString());
+            if (!link.isEmpty() && link != webURL) {
+                files.metadata.insert(QStringLiteral("webPageURL"), link.toString());
+            }
         }
     }
     files.paths.append(writer.paths());

@@ -11,12 +11,15 @@ class QMimeData;
 struct PasteboardFiles
 {
     QStringList paths;
-    QVariantMap metadata; // "webURL" when a picture came with its address
+    QVariantMap metadata; // "webURL" when a picture came with its address, "webPageURL" with that of its link
 
     // Files on the clipboard are answered as they are. Otherwise the picture there, as its program has encoded it, is
     // written into a folder that `makeDirectory` makes, asked for at most once. Nothing is downloaded. Main thread.
     // Whether there is a picture in a format the library takes. Looks at the names of the formats only.
     static bool hasPicture(const QMimeData &mimeData);
+    // Whether anything can come of it: a picture, also one in an address, or files. An address of the web alone is
+    // none.
+    static bool hasContent(const QMimeData &mimeData);
 
     static PasteboardFiles filesFromMimeData(const QMimeData *mimeData, const std::function<QString()> &makeDirectory);
 };

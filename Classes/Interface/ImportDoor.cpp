@@ -28,7 +28,7 @@ SidebarTargetRules::Files filesAtPaths(const QStringList &paths)
 
 bool carriesContent(const QMimeData *data)
 {
-    return data->hasUrls() || PasteboardFiles::hasPicture(*data);
+    return PasteboardFiles::hasContent(*data);
 }
 
 QStringList openPanelExtensions()

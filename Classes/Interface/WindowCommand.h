@@ -38,6 +38,9 @@ enum class CommandID {
     Rate0, // to 5, one after the other
     Rate5 = Rate0 + 5,
     Find,
+    SaveSearch,
+    EditSearch,
+    UpdateSearch,
     Sidebar,
     InfoPanel,
     GroupPlain, // and the other ways to group, one after the other

@@ -3,15 +3,28 @@
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QAccessible>
+#include <QDragMoveEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+
+#include <chrono>
+
+namespace {
+
+constexpr std::chrono::milliseconds restBeforeTurning(450); // of a drag that may only be on its way past
+
+} // namespace
 
 ZQSwitch::ZQSwitch(const QStringList &segments, QWidget *parent) : QWidget(parent), m_segments(segments)
 {
     setFocusPolicy(Qt::TabFocus);
     setFixedHeight(28);
     setAccessibleName(segments.value(0));
+    setAcceptDrops(true);
+    m_turn.setSingleShot(true);
+    m_turn.setInterval(restBeforeTurning);
+    connect(&m_turn, &QTimer::timeout, this, [this] { setCurrentIndex(m_dragged); });
 }
 
 QSize ZQSwitch::sizeHint() const
@@ -60,13 +73,41 @@ void ZQSwitch::paintEvent(QPaintEvent * /*event*/)
     }
 }
 
-void ZQSwitch::mousePressEvent(QMouseEvent *event)
+int ZQSwitch::segmentAt(const QPoint &point) const
 {
     for (int i = 0; i < m_segments.size(); ++i) {
-        if (segmentRect(i).contains(event->pos())) {
-            setCurrentIndex(i);
+        if (segmentRect(i).contains(point)) {
+            return i;
         }
     }
+    return -1;
+}
+
+void ZQSwitch::mousePressEvent(QMouseEvent *event)
+{
+    setCurrentIndex(segmentAt(event->pos()));
+}
+
+void ZQSwitch::dragEnterEvent(QDragEnterEvent *event)
+{
+    dragMoveEvent(event);
+    event->accept(); // otherwise no move follows
+}
+
+// Nothing can be dropped here.
+void ZQSwitch::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (const int segment = segmentAt(event->position().toPoint()); segment != m_dragged) {
+        m_dragged = segment;
+        m_turn.start();
+    }
+    event->ignore();
+}
+
+void ZQSwitch::dragLeaveEvent(QDragLeaveEvent * /*event*/)
+{
+    m_dragged = -1;
+    m_turn.stop();
 }
 
 void ZQSwitch::keyPressEvent(QKeyEvent *event)

@@ -8,7 +8,7 @@
 
 namespace {
 
-const QString currentVersion = QStringLiteral("Version8");
+const QString currentVersion = QStringLiteral("Version9");
 
 std::shared_ptr<const ZQManagedObjectModel> readModel(const QString &identifier)
 {

@@ -8,6 +8,7 @@
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Models/DataModel/ZQSidebarRecent.h"
 #include "Models/DataModel/ZQSidebarScreenshot.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 namespace {
 
@@ -142,6 +143,42 @@ QString ZQSidebarScreenshot::typeString() const
 QString ZQSidebarProject::typeString() const
 {
     return zqLocalized("Project");
+}
+
+QString ZQSidebarSmartFolder::typeString() const
+{
+    return zqLocalized("Smart Folder");
+}
+
+ZQFetchRequest ZQSidebarSmartFolder::contentRequest() const
+{
+    return {.entityName = ZQLibraryBaseItem::entityName(),
+            .predicate = ZQPredicate::notPredicate({}),
+            .sortDescriptors = newestFirst()};
+}
+
+bool ZQSidebarSmartFolder::addItem(ZQLibraryBaseItem *, quint32, bool, bool)
+{
+    return false;
+}
+
+bool ZQSidebarSmartFolder::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &, const QList<quint32> &, ZQError *)
+{
+    return false;
+}
+
+void ZQSidebarSmartFolder::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &) {}
+
+bool ZQSidebarSmartFolder::containsItem(const ZQLibraryBaseItem *) const
+{
+    return false;
+}
+
+void ZQSidebarSmartFolder::awakeFromInsert()
+{
+    ZQSidebarBaseItem::awakeFromInsert();
+    setSortKeys(qint16(ZQSortValue::ImportDate));
+    setSortDirection(false);
 }
 
 QString ZQSidebarFolder::typeString() const

@@ -2,10 +2,13 @@
 #include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Models/DataModel/_ZQEntities.h"
 #include "Tests/Support/ScratchLibrary.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -17,12 +20,13 @@ TEST(Model, EveryVersionReadsAndKnowsItsOwnAttributes)
     struct Case
     {
         const char *version;
-        bool hasCreationDate, hasThumbName, hasRating;
+        bool hasCreationDate, hasThumbName, hasRating, hasSmartFolders;
     };
-    const Case cases[] = {{"Version5", false, false, false},
-                          {"Version6", true, false, false},
-                          {"Version7", true, true, false},
-                          {"Version8", true, true, true}};
+    const Case cases[] = {{"Version5", false, false, false, false},
+                          {"Version6", true, false, false, false},
+                          {"Version7", true, true, false, false},
+                          {"Version8", true, true, true, false},
+                          {"Version9", true, true, true, true}};
     for (const Case &each : cases) {
         SCOPED_TRACE(each.version);
         const auto model = zqModelVersion(QString::fromLatin1(each.version));
@@ -33,8 +37,9 @@ TEST(Model, EveryVersionReadsAndKnowsItsOwnAttributes)
         EXPECT_EQ(item->attribute(QStringLiteral("creation_date")) != nullptr, each.hasCreationDate);
         EXPECT_EQ(item->attribute(QStringLiteral("thumbName")) != nullptr, each.hasThumbName);
         EXPECT_EQ(item->attribute(QStringLiteral("rating")) != nullptr, each.hasRating);
+        EXPECT_EQ(model->entity(QStringLiteral("ZQSidebarSmartFolder")) != nullptr, each.hasSmartFolders);
     }
-    EXPECT_EQ(zqCurrentModel(), zqModelVersion(QStringLiteral("Version8")));
+    EXPECT_EQ(zqCurrentModel(), zqModelVersion(QStringLiteral("Version9")));
     EXPECT_FALSE(zqModelVersion(QStringLiteral("Version99")));
 }
 
@@ -101,6 +106,54 @@ TEST(Model, AnOldStoreOpensWithEverythingItHeld)
     EXPECT_FALSE(items.first()->creation_date().isValid());
     items.first()->setThumbName(QStringLiteral("2_thumb.png"));
     EXPECT_TRUE(context.save());
+}
+
+// Every kind has another code in a store that knows one more of them.
+TEST(Model, AStoreFromBeforeSmartFoldersKeepsItsKindsAndTakesSmartFolders)
+{
+    zqRegisterEntities();
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("storedata"));
+    {
+        const auto old = ZQPersistentStoreCoordinator::open(zqModelVersion(QStringLiteral("Version8")), path);
+        ASSERT_TRUE(old);
+        ZQManagedObjectContext context(old);
+        const auto live = context.insertNewObject<ZQSidebarWatchedFolder>();
+        live->setTitle(QStringLiteral("Live"));
+        live->setFolderPath(QStringLiteral("/pictures"));
+        const auto tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("red"), context);
+        const auto item = context.insertNewObject<ZQLibraryImage>();
+        item->setRating(4);
+        item->addTagsObject(tag.get());
+        const auto project = context.insertNewObject<ZQSidebarProject>();
+        project->setTitle(QStringLiteral("Work"));
+        project->addItem(item.get());
+        ASSERT_TRUE(context.save());
+    }
+    ZQError error;
+    const auto migrated = ZQPersistentStoreCoordinator::open(zqCurrentModel(), path, {}, &error);
+    ASSERT_TRUE(migrated) << qPrintable(error.localizedDescription());
+    EXPECT_TRUE(QFile::exists(path + QStringLiteral(".before-Version8")));
+    {
+        ZQManagedObjectContext context(migrated);
+        const auto live = zqFetchFirst<ZQSidebarWatchedFolder>(context, QStringLiteral("active == YES"), {});
+        ASSERT_TRUE(live);
+        EXPECT_EQ(live->folderPath(), QStringLiteral("/pictures"));
+        const auto tag = ZQSidebarTag::tagWithTagName(QStringLiteral("red"), context);
+        ASSERT_TRUE(tag);
+        ASSERT_EQ(tag->items().size(), 1);
+        EXPECT_EQ(tag->items().first()->rating(), 4);
+        const auto project = zqFetchFirst<ZQSidebarProject>(context, QStringLiteral("active == YES"), {});
+        ASSERT_TRUE(project);
+        EXPECT_EQ(project->numberOfItems(), 1);
+        const auto smart = context.insertNewObject<ZQSidebarSmartFolder>();
+        smart->setSearchText(QStringLiteral("#r>3 “ä”"));
+        ASSERT_TRUE(context.save(&error)) << qPrintable(error.localizedDescription());
+    }
+    ZQManagedObjectContext again(migrated);
+    const auto found = again.fetch<ZQSidebarSmartFolder>({ZQSidebarSmartFolder::entityName()});
+    ASSERT_TRUE(found && found->size() == 1);
+    EXPECT_EQ(found->first()->searchText(), QStringLiteral("#r>3 “ä”"));
 }
 
 } // namespace

@@ -1,11 +1,13 @@
 #include "Classes/Interface/Browser/BrowserContent.h"
 
 #include "Classes/Browsing/ContentBuilder.h"
+#include "Classes/Browsing/SearchExpression.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserListColumns.h"
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 #include <QMimeData>
 #include <QUrl>
@@ -55,11 +57,11 @@ void BrowserContent::setTab(std::shared_ptr<TabState> tab)
     if (m_tab->content()) {
         take(Content(*m_tab->content()));
     }
-    if (m_isLoaded && !(single && single->isRecent())) {
+    if (m_isLoaded && !(single && single->isRecent()) && !m_tab->showsSavedSearch()) {
         // What another tab asked for is not wanted any more.
         m_contentTicket.run([](auto &, const auto &) { return ContentFetcher::Ticket::Answer(); });
     } else {
-        reload(); // what is recent goes by the clock
+        reload(); // what is recent goes by the clock, and so may a search
     }
 }
 
@@ -89,6 +91,21 @@ void BrowserContent::setFilter(const QString &text)
         m_isAskedAnew = true;
         reload();
     }
+}
+
+void BrowserContent::setEditsSearch(bool edits)
+{
+    if (edits != m_tab->editsSearch()) {
+        m_tab->setEditsSearch(edits);
+        m_isAskedAnew = true;
+        reload();
+    }
+}
+
+QString BrowserContent::shownSearch() const
+{
+    const auto smart = zqCast<ZQSidebarSmartFolder>(singleItem());
+    return filter().isEmpty() && smart && !m_tab->editsSearch() ? smart->searchText() : filter();
 }
 
 void BrowserContent::reload()
@@ -352,6 +369,21 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
     return true;
 }
 
+QString BrowserContent::emptySearchText() const
+{
+    const QString search = shownSearch().trimmed();
+    const SearchExpression expression = SearchExpression::read(search, {});
+    if (!expression.predicateString.isEmpty()) {
+        return zqFormat(zqLocalized("Nothing in the library matches \"%@\"."), {search});
+    }
+    const QList<SearchPart> problems = expression.problems();
+    const QString advice = zqLocalized("Edit Search… in its menu gives it another text.");
+    return problems.isEmpty()
+               ? zqLocalized("This smart folder has nothing to search for.") + u'\n' + advice
+               : zqLocalized("The search of this smart folder cannot be understood.") + u'\n' + problems.first().text +
+                     QStringLiteral(": ") + problems.first().meaning + u'\n' + advice;
+}
+
 QString BrowserContent::emptyText() const
 {
     if (!m_isLoaded || m_isAskedAnew) {
@@ -368,6 +400,9 @@ QString BrowserContent::emptyText() const
                         {filter()});
     }
     const auto single = singleItem();
+    if (single && single->isSmartFolder()) {
+        return emptySearchText();
+    }
     if (single && single->isRecent()) {
         return zqLocalized("Nothing was added or changed in the last days.");
     }

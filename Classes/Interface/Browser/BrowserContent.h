@@ -21,6 +21,9 @@ public:
     void setSidebarItems(const QList<ZQObjectID> &items);
     void setFilter(const QString &text); // a search text
     QString filter() const { return m_tab->filter(); }
+    // While true the filter stands in the place of the text of the smart folder that is shown.
+    void setEditsSearch(bool edits);
+    QString shownSearch() const; // the filter, else the text of the smart folder that is shown
     const QList<ZQObjectID> &sidebarItems() const { return m_tab->sidebarSelectedItems(); }
     ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }
     void setSort(ZQSortValue value, bool isAscending);
@@ -64,6 +67,7 @@ Q_SIGNALS:
 private:
     template <class Use>
     void forEachRow(const ZQIndexSet &indexes, Use use) const; // use(index)
+    QString emptySearchText() const;
     QList<ZQGridGroup> headsOf(const Content &content) const;
 
     void take(const Content &content);

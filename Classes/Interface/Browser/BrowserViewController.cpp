@@ -5,6 +5,7 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
+#include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -54,6 +55,8 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     column->setSpacing(0);
     m_head = new BrowserHead(*m_content, page);
     column->addWidget(m_head);
+    m_savedSearch = new SavedSearchButtons(m_head);
+    m_head->addButton(m_savedSearch);
     m_style = new BrowserListStyle(*m_content, *m_head, *m_grid, this);
     m_chips = new SearchChips(page);
     column->addWidget(m_chips);
@@ -223,7 +226,7 @@ void BrowserViewController::contentDidChange()
     }
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
     updateHead();
-    m_chips->setText(m_content->filter());
+    m_chips->setText(m_content->shownSearch());
     updateStatus();
     Q_EMIT selectionChanged();
 }
@@ -317,7 +320,7 @@ void BrowserViewController::setFilter(const QString &text)
 {
     m_keepsScroll = false;
     m_content->setFilter(text);
-    m_chips->setText(m_content->filter());
+    m_chips->setText(m_content->shownSearch());
     Q_EMIT viewChanged();
 }
 
@@ -397,6 +400,7 @@ void BrowserViewController::refetch()
     m_keepsScroll = true;
     m_content->dropObjects();
     m_grid->updateVisible();
+    m_chips->setText(m_content->shownSearch()); // a saved one may be another
     m_refetch.start();
 }
 

@@ -13,6 +13,7 @@ class DetailView;
 class QLabel;
 class QSlider;
 class QStackedWidget;
+class SavedSearchButtons;
 class SearchChips;
 class ZQGridView;
 
@@ -34,6 +35,7 @@ public:
     BrowserHead &head() { return *m_head; }
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
+    SavedSearchButtons &savedSearchButtons() { return *m_savedSearch; } // in the head
 
     QList<ZQObjectID> selectedItems() const; // library items; the one shown in the detail view
     qint64 selectionCount() const;
@@ -91,6 +93,7 @@ private:
     BrowserListStyle *m_style;
     ZQUserDefaults::Token m_preferences;
     QLabel *m_status;
+    SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;
     QWidget *m_recovery;
     QSlider *m_zoom;

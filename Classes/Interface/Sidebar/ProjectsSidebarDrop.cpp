@@ -35,8 +35,10 @@ SidebarCommands::Items ProjectsSidebarViewController::draggedItems(const QMimeDa
 Qt::DropAction ProjectsSidebarViewController::validate(const QMimeData *mime, const SidebarDropPlace &place) const
 {
     if (mime->hasFormat(SidebarTreeView::elementMimeType)) {
-        return SidebarTargetRules::rows(draggedItems(mime), place.target, place.index) ? Qt::MoveAction
-                                                                                       : Qt::IgnoreAction;
+        const bool isPlaceLost = place.index >= 0 && place.target && SidebarTreeModel::isSortedByTitle(*place.target);
+        return !isPlaceLost && SidebarTargetRules::rows(draggedItems(mime), place.target, place.index)
+                   ? Qt::MoveAction
+                   : Qt::IgnoreAction;
     }
     const bool isOnto = place.index < 0;
     if (mime->hasFormat(BrowserContent::itemsMimeType)) {
@@ -65,6 +67,16 @@ bool ProjectsSidebarViewController::filesDropCanCreateProjectInSidebar(const QSt
 {
     return tree()->tree()->side() == SidebarTreeModel::Side::Projects &&
            SidebarTargetRules::filesMakeProject(ImportDoor::filesAtPaths(paths), place.target.get(), place.index);
+}
+
+// What a drop does where that is not seen by the place alone.
+QString ProjectsSidebarViewController::dropHint(const QMimeData *mime, const SidebarDropPlace &place) const
+{
+    const QStringList paths =
+        mime->hasFormat(BrowserContent::itemsMimeType) ? QStringList() : ImportDoor::localPaths(mime);
+    return !paths.isEmpty() && filesDropCanCreateProjectInSidebar(paths, place)
+               ? zqLocalized("Drop to create a project")
+               : QString();
 }
 
 bool ProjectsSidebarViewController::accept(const QMimeData *mime, const SidebarDropPlace &place)
@@ -129,7 +141,7 @@ void ProjectsSidebarViewController::newSidebarItemFromDropFiles(const QStringLis
         const auto last =
             father->orderedChildren().value(place.index < 0 ? father->numberofChilds() - 1 : place.index - 1);
         const auto project =
-            m_commands.addNewListItem(SidebarCommands::NewItem::Project, last && last->isProject() ? last : father);
+            m_commands.addNewListItem(SidebarCommands::NewItem::Project, last && !last->isFolder() ? last : father);
         if (project) {
             ImportDoor::importFiles(files, project.get(), ZQSidebarBaseItem::appendIndex);
             editTitle(project);

@@ -39,7 +39,7 @@ ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &wind
     layout->addLayout(m_progress);
     connect(m_switch, &ZQSwitch::currentIndexChanged, this, [this](int side) {
         m_stack->setCurrentIndex(side);
-        Q_EMIT selectionChanged();
+        Q_EMIT sideChanged(side == 1);
     });
     reload();
 }
@@ -52,6 +52,7 @@ SidebarTreeView *ProjectsSidebarViewController::makeTree(SidebarTreeModel *model
     view->setTree(model);
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     view->validateDrop = [this](const QMimeData *mime, const SidebarDropPlace &place) { return validate(mime, place); };
+    view->dropHint = [this](const QMimeData *mime, const SidebarDropPlace &place) { return dropHint(mime, place); };
     view->acceptDrop = [this](const QMimeData *mime, const SidebarDropPlace &place) { return accept(mime, place); };
     view->makeDrag = [this, model](const QModelIndexList &indexes) {
         QStringList uris;
@@ -63,11 +64,9 @@ SidebarTreeView *ProjectsSidebarViewController::makeTree(SidebarTreeModel *model
         mime->setData(SidebarTreeView::elementMimeType, uris.join(u'\n').toUtf8());
         return mime;
     };
-    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
-        if (!m_isReloading) {
-            Q_EMIT selectionChanged();
-        }
-    });
+    connect(view, &SidebarTreeView::labelMenuRequested, this, &ProjectsSidebarViewController::showTagOrder);
+    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this, view] { selectionDidChange(view); });
     const auto keepExpansion = [this, model](const QModelIndex &index, bool expanded) {
         const auto item = model->item(index);
         if (!m_isReloading && item && item->expanded() != expanded) {
@@ -95,24 +94,55 @@ SidebarTreeView *ProjectsSidebarViewController::tree() const
     return static_cast<SidebarTreeView *>(m_stack->currentWidget());
 }
 
+SidebarTreeView *ProjectsSidebarViewController::view(const SidebarTreeModel *model) const
+{
+    return static_cast<SidebarTreeView *>(m_stack->widget(model == m_tags ? 1 : 0));
+}
+
+bool ProjectsSidebarViewController::isTagsSide() const
+{
+    return m_switch->currentIndex() == 1;
+}
+
+// What is shown is chosen on one side: turning to the other chooses nothing, so that items can be dragged there.
+void ProjectsSidebarViewController::selectionDidChange(SidebarTreeView *changed)
+{
+    if (m_isReloading) {
+        return;
+    }
+    if (changed->selectionModel()->hasSelection()) {
+        m_isReloading = true;
+        view(changed->tree() == m_tags ? m_projects : m_tags)->clearSelection();
+        m_isReloading = false;
+    }
+    Q_EMIT selectionChanged();
+}
+
 QList<ZQObjectID> ProjectsSidebarViewController::selectedItems() const
 {
     QList<ZQObjectID> ids;
-    for (const auto &item : selectedObjects()) {
-        ids.append(item->objectID());
+    for (const SidebarTreeModel *model : {m_projects, m_tags}) {
+        for (const auto &item : selectedObjects(view(model))) {
+            ids.append(item->objectID());
+        }
     }
     return ids;
 }
 
 SidebarCommands::Items ProjectsSidebarViewController::selectedObjects() const
 {
-    QModelIndexList indexes = tree()->selectionModel()->selectedIndexes();
-    std::sort(indexes.begin(), indexes.end(), [this](const QModelIndex &a, const QModelIndex &b) {
-        return tree()->visualRect(a).top() < tree()->visualRect(b).top();
+    return selectedObjects(tree());
+}
+
+SidebarCommands::Items ProjectsSidebarViewController::selectedObjects(const SidebarTreeView *view)
+{
+    QModelIndexList indexes = view->selectionModel()->selectedIndexes();
+    std::sort(indexes.begin(), indexes.end(), [view](const QModelIndex &a, const QModelIndex &b) {
+        return view->visualRect(a).top() < view->visualRect(b).top();
     });
     SidebarCommands::Items items;
-    for (const QModelIndex &index : indexes) {
-        if (const auto item = tree()->tree()->item(index)) {
+    for (const QModelIndex &index : std::as_const(indexes)) {
+        if (const auto item = view->tree()->item(index)) {
             items.append(item);
         }
     }
@@ -145,25 +175,40 @@ void ProjectsSidebarViewController::selectItems(const QList<ZQObjectID> &items)
 void ProjectsSidebarViewController::reload()
 {
     m_isReloading = true;
-    QList<ZQObjectID> before;
-    for (const auto *model : {m_projects, m_tags}) {
-        auto *view = static_cast<SidebarTreeView *>(m_stack->widget(model == m_tags));
-        before.clear();
-        for (const QModelIndex &index : view->selectionModel()->selectedIndexes()) {
-            before.append(model->item(index)->objectID());
-        }
-        (model == m_tags ? m_tags : m_projects)->reload();
-        restoreExpansion(view);
-        for (const ZQObjectID &id : before) {
-            if (const QModelIndex index = model->indexOf(id); index.isValid()) {
-                view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::Select);
-            }
-        }
-    }
+    const bool projects = reload(m_projects);
+    const bool tags = reload(m_tags);
     m_isReloading = false;
-    if (before.size() != tree()->selectionModel()->selectedIndexes().size()) {
+    if (projects || tags) {
         Q_EMIT selectionChanged();
     }
+}
+
+// Whether something else is selected afterwards: when all of what was selected is gone, the row that is nearest.
+bool ProjectsSidebarViewController::reload(SidebarTreeModel *model)
+{
+    SidebarTreeView *const tree = view(model);
+    QList<ZQObjectID> before;
+    for (const auto &item : selectedObjects(tree)) {
+        before.append(item->objectID());
+    }
+    const QList<ZQObjectID> neighbours = before.isEmpty() ? before : tree->neighboursOfSelection();
+    model->reload();
+    restoreExpansion(tree);
+    const auto select = [&](const ZQObjectID &id) {
+        const QModelIndex index = model->indexOf(id);
+        if (index.isValid()) {
+            tree->selectionModel()->setCurrentIndex(index, QItemSelectionModel::Select);
+        }
+        return index.isValid();
+    };
+    qsizetype kept = 0;
+    for (const ZQObjectID &id : before) {
+        kept += select(id) ? 1 : 0;
+    }
+    if (kept == 0) {
+        std::any_of(neighbours.begin(), neighbours.end(), select);
+    }
+    return kept != before.size();
 }
 
 void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view)
@@ -202,10 +247,12 @@ void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)
     editTitle(m_commands.addNewListItem(kind, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
 }
 
-void ProjectsSidebarViewController::addNewTag()
+void ProjectsSidebarViewController::addSmartFolder(const QString &searchText)
 {
-    m_switch->setCurrentIndex(1);
-    editTitle(m_commands.addNewTag());
+    m_switch->setCurrentIndex(0);
+    const auto selected = selectedObjects();
+    editTitle(
+        m_commands.addSmartFolder(searchText, {}, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
 }
 
 void ProjectsSidebarViewController::editTitle(const SidebarCommands::Item &item)
@@ -277,7 +324,7 @@ void ProjectsSidebarViewController::deleteItemAndContent()
 {
     SidebarCommands::Items items;
     for (const auto &item : selectedObjects()) {
-        if (item->isProject() || (item->isFolder() && !item->isLabel())) {
+        if (item->isProject() || (item->isFolder() && !item->isFixed())) {
             items.append(item);
         }
     }
@@ -307,8 +354,10 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
     const auto items = selectedObjects();
     const auto first = items.isEmpty() ? SidebarCommands::Item() : items.first();
     QMenu menu(this);
-    if (m_switch->currentIndex() == 1) {
+    if (isTagsSide()) {
         menu.addAction(zqLocalized("New Tag"), this, &ProjectsSidebarViewController::addNewTag);
+        menu.addSeparator();
+        addTagOrder(menu);
     } else {
         menu.addAction(zqLocalized("New Project"), this, &ProjectsSidebarViewController::addNewProject);
         menu.addAction(zqLocalized("New Folder"), this, &ProjectsSidebarViewController::addNewFolder);
@@ -318,6 +367,9 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
         const QString name =
             items.size() == 1 ? first->title() : zqFormat(zqLocalized("%d Items"), {int(items.size())});
         menu.addSeparator();
+        if (items.size() == 1 && first->isSmartFolder()) {
+            menu.addAction(zqLocalized("Edit Search…"), this, &ProjectsSidebarViewController::editSearchRequested);
+        }
         if (items.size() == 1 && !first->isWatchedFolder()) {
             menu.addAction(zqLocalized("Rename"), this, &ProjectsSidebarViewController::renameSidebarItem);
         }

@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+class QMenu;
 class ZQSwitch;
 class QStackedWidget;
 class QVBoxLayout;
@@ -17,7 +18,7 @@ class ProjectsSidebarViewController : public QWidget
 public:
     explicit ProjectsSidebarViewController(WindowContext &window, QWidget *parent = nullptr);
 
-    QList<ZQObjectID> selectedItems() const;          // of the side shown
+    QList<ZQObjectID> selectedItems() const;          // of the one side where something is
     void selectItems(const QList<ZQObjectID> &items); // turns to their side
     void reload();
     bool isEditing() const { return tree()->isEditing(); }
@@ -28,6 +29,11 @@ public:
     void addNewProject() { add(SidebarCommands::NewItem::Project); }
     void addNewFolder() { add(SidebarCommands::NewItem::Folder); }
     void addNewTag();
+    void addNew(); // a tag or a project, by the side that is shown
+    // After what is selected, with its name to be edited.
+    void addSmartFolder(const QString &searchText);
+    void sortTagsByTitle(bool byTitle); // or as they were ordered by hand; kept
+    bool areTagsSortedByTitle() const;
     void deleteItem(); // the selection
     void deleteItemAndContent();
     void renameSidebarItem();
@@ -37,12 +43,22 @@ public:
     bool filesDropCanCreateProjectInSidebar(const QStringList &paths, const SidebarDropPlace &place) const;
 
 Q_SIGNALS:
-    void selectionChanged();
+    void selectionChanged(); // not when only the other side is shown
+    void sideChanged(bool isTags);
+    void editSearchRequested(); // of the smart folder that is selected
 
 private:
     SidebarTreeView *tree() const;
+    SidebarTreeView *view(const SidebarTreeModel *model) const;
+    bool isTagsSide() const;
+    void selectionDidChange(SidebarTreeView *view);
+    bool reload(SidebarTreeModel *model);
+    void addTagOrder(QMenu &menu);
+    void showTagOrder(const QPoint &globalPoint);
+    QString dropHint(const QMimeData *data, const SidebarDropPlace &place) const;
     SidebarTreeView *makeTree(SidebarTreeModel *model);
-    SidebarCommands::Items selectedObjects() const;
+    SidebarCommands::Items selectedObjects() const; // of the side shown
+    static SidebarCommands::Items selectedObjects(const SidebarTreeView *view);
     void add(SidebarCommands::NewItem kind);
     void editTitle(const SidebarCommands::Item &item);
     void endEditing(const QModelIndex &index, const QString &title);

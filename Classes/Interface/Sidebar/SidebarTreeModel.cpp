@@ -1,7 +1,8 @@
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
 
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/SidebarContents.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
@@ -109,9 +110,15 @@ void SidebarTreeModel::build(Node &parentNode, const ZQRef<ZQSidebarBaseItem> &i
     m_nodes.insert(item->objectID(), node.get());
     Node &built = *node;
     parentNode.children.push_back(std::move(node));
-    for (const auto &child : item->orderedChildren()) {
+    for (const auto &child : isSortedByTitle(*item) ? item->alphabeticOrderedChildren() : item->orderedChildren()) {
         build(built, child);
     }
+}
+
+bool SidebarTreeModel::isSortedByTitle(const ZQSidebarBaseItem &label)
+{
+    return ZQSidebarKind(label.kind()) == ZQSidebarKind::TagsLabel &&
+           ZQSortValue(label.sortKeys()) == ZQSortValue::Title;
 }
 
 void SidebarTreeModel::reloadCounts()
@@ -121,21 +128,25 @@ void SidebarTreeModel::reloadCounts()
         announceAll({});
         return;
     }
-    QList<ZQObjectID> ids;
-    QList<ZQFetchRequest> requests;
+    QList<SidebarContents::Entry> entries;
     for (const auto &[id, node] : m_nodes.asKeyValueRange()) {
         const bool hasOwn = !node->item->isLabel() && !node->item->isFolder() && !node->item->isRecent();
         if (hasOwn) {
-            ids.append(id);
-            requests.append(node->item->contentRequest());
+            entries.append(SidebarContents::entryFor(*node->item));
         }
     }
-    m_countsTicket.count(requests, [this, ids](const QList<qint64> &counts) {
-        m_counts.clear();
-        for (qsizetype i = 0; i < std::min(ids.size(), counts.size()); ++i) {
-            m_counts.insert(ids[i], counts[i]);
+    m_countsTicket.run([this, entries, index = m_countsTicket.index()](
+                           ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
+        const auto counts = SidebarContents(context, index.get()).counts(entries, isWanted);
+        if (!counts) {
+            return {}; // what is shown stays
         }
-        announceAll({});
+        return [this, counts = *counts] {
+            if (m_counts != counts) {
+                m_counts = counts;
+                announceAll({});
+            }
+        };
     });
 }
 
@@ -216,9 +227,14 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
             return folder->is_trashed() ? zqLocalized("This folder is in the trash.")
                                         : zqLocalized("This folder cannot be found.");
         }
+        if (const auto smart = zqCast<ZQSidebarSmartFolder>(item)) {
+            return smart->searchText();
+        }
         return folder ? folder->folderPath() : QString();
     case LabelRole:
         return item->isLabel();
+    case MenuRole:
+        return item->isLabel() && ZQSidebarKind(item->kind()) == ZQSidebarKind::TagsLabel;
     case IconRole:
         return item->icon();
     case SwatchRole:

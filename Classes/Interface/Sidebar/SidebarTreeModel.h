@@ -18,8 +18,9 @@ public:
         IconRole,
         LabelRole,
         StateRole,
-        SwatchRole
-    }; // the code of a tag's colour, or 0
+        SwatchRole, // the code of a tag's colour, or 0
+        MenuRole    // whether a section head has a menu of its own
+    };
 
     SidebarTreeModel(WindowContext &window, Side side, QObject *parent = nullptr);
     ~SidebarTreeModel() override;
@@ -35,6 +36,7 @@ public:
     ZQRef<ZQSidebarBaseItem> item(const QModelIndex &index) const;
     QModelIndex indexOf(const ZQObjectID &item) const;
     QModelIndex indexOfKind(ZQSidebarKind kind) const;
+    static bool isSortedByTitle(const ZQSidebarBaseItem &label); // TAGS, as the person chose it
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;

@@ -7,9 +7,11 @@
 #include <QDrag>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTimer>
 
 namespace {
@@ -47,6 +49,12 @@ QRect SidebarDelegate::twistyRect(const QRect &row, const QModelIndex &index)
     return {x, row.top() + (row.height() - 10) / 2, 10, 10};
 }
 
+QRect SidebarDelegate::labelMenuRect(const QRect &row)
+{
+    constexpr int size = 14;
+    return {row.right() - rowMargin - 8 - size, row.center().y() + 4 - size / 2, size, size};
+}
+
 QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem & /*option*/, const QModelIndex &index) const
 {
     return {100, isLabel(index) ? labelHeight : ZQMeasure::rowHeight};
@@ -64,6 +72,9 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
         painter->setFont(font);
         painter->setPen(zqColor(ZQColorRole::TextFaint));
         painter->drawText(row.adjusted(16, 8, -16, 0), Qt::AlignVCenter, title);
+        if (index.data(SidebarTreeModel::MenuRole).toBool()) {
+            ZQIcon::paint(*painter, labelMenuRect(row), QStringLiteral("menu"), zqColor(ZQColorRole::TextFaint));
+        }
         painter->restore();
         return;
     }
@@ -197,6 +208,7 @@ void SidebarTreeView::paintEvent(QPaintEvent *event)
     }
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
+    paintDropHint(painter);
     if (!m_dropLine.isNull()) {
         painter.fillRect(m_dropLine, zqColor(ZQColorRole::Accent));
     } else {
@@ -207,11 +219,60 @@ void SidebarTreeView::paintEvent(QPaintEvent *event)
     }
 }
 
+void SidebarTreeView::paintDropHint(QPainter &painter) const
+{
+    if (m_dropHint.isEmpty()) {
+        return;
+    }
+    painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize));
+    const int height = painter.fontMetrics().height() + 10;
+    const QRect box(rowMargin + 4, viewport()->height() - height - 12, viewport()->width() - 2 * (rowMargin + 4),
+                    height);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(zqColor(ZQColorRole::AccentFill));
+    painter.drawRoundedRect(box, ZQMeasure::rowRadius, ZQMeasure::rowRadius);
+    painter.setPen(zqColor(ZQColorRole::AccentText));
+    painter.drawText(box, Qt::AlignCenter,
+                     painter.fontMetrics().elidedText(m_dropHint, Qt::ElideRight, box.width() - 12));
+}
+
+QList<ZQObjectID> SidebarTreeView::neighboursOfSelection() const
+{
+    constexpr int furthest = 50;
+    QModelIndexList selected = selectionModel()->selectedIndexes();
+    if (selected.isEmpty()) {
+        return {};
+    }
+    std::sort(selected.begin(), selected.end(),
+              [this](const QModelIndex &a, const QModelIndex &b) { return visualRect(a).top() < visualRect(b).top(); });
+    QList<ZQObjectID> result;
+    const auto add = [&](const QModelIndex &index) {
+        if (index.flags() & Qt::ItemIsSelectable) {
+            result.append(tree()->item(index)->objectID());
+        }
+    };
+    int left = furthest;
+    for (QModelIndex at = indexBelow(selected.last()); at.isValid() && left > 0; at = indexBelow(at), --left) {
+        add(at);
+    }
+    left = furthest;
+    for (QModelIndex at = indexAbove(selected.first()); at.isValid() && left > 0; at = indexAbove(at), --left) {
+        add(at);
+    }
+    return result;
+}
+
 void SidebarTreeView::mousePressEvent(QMouseEvent *event)
 {
     const QModelIndex index = indexAt(event->pos());
     m_pressedSelected = QPersistentModelIndex();
     if (index.isValid() && event->button() == Qt::LeftButton) {
+        const bool hasMenu = index.data(SidebarTreeModel::MenuRole).toBool();
+        const QRect menu = SidebarDelegate::labelMenuRect(visualRect(index));
+        if (hasMenu && menu.adjusted(-6, -6, 6, 6).contains(event->pos())) {
+            Q_EMIT labelMenuRequested(viewport()->mapToGlobal(menu.bottomLeft()));
+            return;
+        }
         const bool isTwisty =
             model()->rowCount(index) > 0 &&
             SidebarDelegate::twistyRect(visualRect(index), index).adjusted(-4, -9, 3, 9).contains(event->pos());
@@ -255,6 +316,33 @@ void SidebarTreeView::mouseDoubleClickEvent(QMouseEvent *event)
     }
 }
 
+// The first row's title, and how many come with it.
+QPixmap SidebarTreeView::dragPicture(const QModelIndexList &dragged) const
+{
+    constexpr int padding = 8;
+    constexpr int widest = 180;
+    const QFont font = ZQTheme::current().font(ZQMeasure::smallTextSize);
+    const QFontMetrics metrics(font);
+    QString text = metrics.elidedText(dragged.first().data().toString(), Qt::ElideRight, widest);
+    if (dragged.size() > 1) {
+        text += QStringLiteral("  +") + QLocale().toString(dragged.size() - 1);
+    }
+    const QSize size(metrics.horizontalAdvance(text) + 2 * padding, ZQMeasure::rowHeight - 4);
+    QPixmap picture(size * devicePixelRatioF());
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
+    painter.setBrush(zqColor(ZQColorRole::Raised2));
+    painter.drawRoundedRect(QRectF({}, size).adjusted(0.5, 0.5, -0.5, -0.5), ZQMeasure::rowRadius,
+                            ZQMeasure::rowRadius);
+    painter.setFont(font);
+    painter.setPen(zqColor(ZQColorRole::Text));
+    painter.drawText(QRect({}, size), Qt::AlignCenter, text);
+    return picture;
+}
+
 void SidebarTreeView::startDrag(Qt::DropActions /*actions*/)
 {
     QModelIndexList dragged;
@@ -269,9 +357,9 @@ void SidebarTreeView::startDrag(Qt::DropActions /*actions*/)
     }
     auto *drag = new QDrag(this);
     drag->setMimeData(mime);
-    const QRect row = visualRect(dragged.first());
-    drag->setPixmap(viewport()->grab(row));
-    drag->setHotSpot({20, row.height() / 2});
+    constexpr int distance = 14; // so that it covers no target
+    drag->setPixmap(dragPicture(dragged));
+    drag->setHotSpot({-distance, -distance});
     drag->exec(Qt::MoveAction);
 }
 
@@ -314,6 +402,7 @@ bool SidebarTreeView::choosePlace(const QMimeData *mime, const QPoint &point, Si
 void SidebarTreeView::showPlace(const SidebarDropPlace *place)
 {
     m_dropRow = m_dropLine = {};
+    m_dropHint = place ? m_dropHint : QString();
     if (place && place->target) {
         const QModelIndex target = tree()->indexOf(place->target->objectID());
         if (place->index < 0) {
@@ -341,11 +430,16 @@ void SidebarTreeView::dragEnterEvent(QDragEnterEvent *event)
 
 void SidebarTreeView::dragMoveEvent(QDragMoveEvent *event)
 {
+    constexpr int edge = 20;
+    const int y = event->position().toPoint().y();
+    const int step = y < edge ? -edge : y > viewport()->height() - edge ? edge : 0;
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + step);
     SidebarDropPlace place;
     Qt::DropAction action = Qt::IgnoreAction;
     if (choosePlace(event->mimeData(), event->position().toPoint(), place, action)) {
         event->setDropAction(action);
         event->accept();
+        m_dropHint = dropHint ? dropHint(event->mimeData(), place) : QString();
         showPlace(&place);
     } else {
         event->ignore();

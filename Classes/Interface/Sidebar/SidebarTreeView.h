@@ -20,6 +20,7 @@ public:
 
     static int titleLeft(const QRect &row, const QModelIndex &index);
     static QRect twistyRect(const QRect &row, const QModelIndex &index);
+    static QRect labelMenuRect(const QRect &row); // of a section head with a menu
 };
 
 // A place in the tree where a drag may end.
@@ -40,11 +41,19 @@ public:
     explicit SidebarTreeView(QWidget *parent = nullptr);
     void setTree(SidebarTreeModel *model);
     bool isEditing() const { return state() == EditingState; }
+    // The rows that can be selected beside those that are: below the last of them, then above the first; the nearest
+    // first, of each side a few.
+    QList<ZQObjectID> neighboursOfSelection() const;
     SidebarTreeModel *tree() const { return static_cast<SidebarTreeModel *>(model()); }
 
     std::function<Qt::DropAction(const QMimeData *, const SidebarDropPlace &)> validateDrop;
     std::function<bool(const QMimeData *, const SidebarDropPlace &)> acceptDrop;
+    // Said while something would be dropped there; null or an empty text: nothing.
+    std::function<QString(const QMimeData *, const SidebarDropPlace &)> dropHint;
     std::function<QMimeData *(const QModelIndexList &)> makeDrag;
+
+Q_SIGNALS:
+    void labelMenuRequested(const QPoint &globalPoint); // of a section head that has one
 
 protected:
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
@@ -64,8 +73,11 @@ private:
     QList<SidebarDropPlace> placesAt(const QPoint &point) const;
     bool choosePlace(const QMimeData *data, const QPoint &point, SidebarDropPlace &place, Qt::DropAction &action) const;
     void showPlace(const SidebarDropPlace *place);
+    void paintDropHint(QPainter &painter) const;
+    QPixmap dragPicture(const QModelIndexList &dragged) const;
 
     QPersistentModelIndex m_pressedSelected; // a click on it edits its title
     QRect m_dropRow;                         // lit up
     QRect m_dropLine;                        // insertion mark
+    QString m_dropHint;
 };

@@ -19,8 +19,8 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     connect(m_sidebarButton, &QToolButton::clicked, this, &MainToolbar::sidebarRequested);
     m_menuButton = makeButton(QStringLiteral("menu"), zqLocalized("Menu (F10)"));
     m_menuButton->setPopupMode(QToolButton::InstantPopup);
-    auto *add = makeButton(QStringLiteral("plus"), zqLocalized("New Project (Ctrl+N)"));
-    connect(add, &QToolButton::clicked, this, &MainToolbar::newProjectRequested);
+    m_addButton = makeButton(QStringLiteral("plus"), zqLocalized("New Project (Ctrl+N)"));
+    connect(m_addButton, &QToolButton::clicked, this, &MainToolbar::newProjectRequested);
     auto *import = makeButton(QStringLiteral("import"), zqLocalized("Import… (Ctrl+I)"));
     connect(import, &QToolButton::clicked, this, &MainToolbar::importRequested);
     m_infoButton = makeButton(QStringLiteral("info"), zqLocalized("Info Panel (Ctrl+Shift+I)"));
@@ -38,7 +38,7 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     row->setContentsMargins(10, 0, 10, 0);
     row->setSpacing(6);
     row->addWidget(m_sidebarButton);
-    row->addWidget(add);
+    row->addWidget(m_addButton);
     row->addWidget(import);
     row->addSpacing(8);
     row->addWidget(m_tabStrip, 1, Qt::AlignBottom);
@@ -57,6 +57,13 @@ QToolButton *MainToolbar::makeButton(const QString &icon, const QString &name)
     made->setToolTip(name);
     made->setFocusPolicy(Qt::TabFocus);
     return made;
+}
+
+void MainToolbar::showAdds(bool tags)
+{
+    const QString name = tags ? zqLocalized("New Tag") : zqLocalized("New Project (Ctrl+N)");
+    m_addButton->setAccessibleName(name);
+    m_addButton->setToolTip(name);
 }
 
 void MainToolbar::showPanes(bool isSidebarShown, bool isInfoPanelShown)

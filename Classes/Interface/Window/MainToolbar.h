@@ -16,6 +16,7 @@ public:
     ZQTabStrip &tabStrip() { return *m_tabStrip; }
     QLineEdit &search() { return *m_search; }
     QToolButton &menuButton() { return *m_menuButton; }
+    void showAdds(bool tags); // what the button of a new entry makes: a tag, or a project
     void showPanes(bool isSidebarShown, bool isInfoPanelShown);
 
 Q_SIGNALS:
@@ -30,6 +31,7 @@ private:
     QToolButton *m_sidebarButton;
     QToolButton *m_infoButton;
     QToolButton *m_menuButton;
+    QToolButton *m_addButton;
     ZQTabStrip *m_tabStrip;
     QLineEdit *m_search;
 };

@@ -12,6 +12,7 @@
 #include "Classes/Interface/Window/ImportActions.h"
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
+#include "Classes/Interface/Window/SavedSearchActions.h"
 #include "Classes/Interface/Window/TabsController.h"
 #include "Classes/Interface/Window/WindowCommands.h"
 #include "Classes/Interface/Window/WindowFollower.h"
@@ -91,6 +92,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     m_imports = std::make_unique<ImportActions>(*m_window, *m_browser);
     const QString tabsPath = m_delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist");
     m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
+    m_savedSearches =
+        new SavedSearchActions(*m_window, *m_browser, *m_sidebar, m_toolbar->search(), m_mainWindow.get());
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
@@ -141,16 +144,19 @@ void MainWindowController::makePanes()
 void MainWindowController::makeCommands()
 {
     m_commands = new WindowCommands(m_mainWindow.get());
-    for (const auto &contributed : {m_sidebar->commands(), m_imports->commands(), m_tabs->commands(), libraryCommands(),
-                                    editCommands(), m_browser->commands(), viewCommands(), helpCommands()}) {
+    for (const auto &contributed :
+         {m_sidebar->commands(), m_imports->commands(), m_tabs->commands(), libraryCommands(), editCommands(),
+          m_browser->commands(), m_savedSearches->commands(), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
     m_toolbar->menuButton().setMenu(m_commands->makeMenus(&m_toolbar->menuButton()));
     connect(m_toolbar, &MainToolbar::sidebarRequested, this, [this] { toggle(m_sidebar); });
     connect(m_toolbar, &MainToolbar::infoPanelRequested, this, [this] { toggle(m_info); });
-    connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNewProject);
+    connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNew);
+    connect(m_sidebar, &ProjectsSidebarViewController::sideChanged, m_toolbar, &MainToolbar::showAdds);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
+    connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);
     connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
     connect(m_tabs, &TabsController::infoPanelRequested, this, [this](bool isOpen) {
         if (m_info->isHidden() == isOpen) {

@@ -19,6 +19,7 @@ class MainWindow;
 class ProjectsSidebarViewController;
 class QAction;
 class QSplitter;
+class SavedSearchActions;
 class TabsController;
 class WindowCommands;
 class WindowFollower;
@@ -89,6 +90,7 @@ private:
     BrowserViewController *m_browser = nullptr;
     InfoPanelViewController *m_info = nullptr;
     TabsController *m_tabs = nullptr;
+    SavedSearchActions *m_savedSearches = nullptr;
     WindowFollower *m_follower = nullptr;
     WindowCommands *m_commands = nullptr;
 };

@@ -29,7 +29,7 @@ const std::vector<MenuPlan> &menuPlans()
           NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator, Quit}},
         {"Edit",
          {Undo, Redo, separator, Copy, Paste, SelectAll, separator, CommandID::Rename, Duplicate, Remove,
-          DeleteFromLibrary, separator, Rate0, separator, Find}},
+          DeleteFromLibrary, separator, Rate0, separator, Find, SaveSearch, EditSearch, UpdateSearch}},
         {"View",
          {Sidebar, InfoPanel, separator, ShowAsGrid, ShowAsList, separator, GroupPlain, SortManually, separator,
           LargerThumbnails, SmallerThumbnails, separator, QuickLook, Open, FullScreen, separator, DarkTheme}},

@@ -118,9 +118,18 @@ TEST_F(OlderLibrary, GetsWhatEveryVersionItPassedBrought)
     zqRunMainLoopUntil([&] { return copies().isEmpty(); });
 }
 
+TEST_F(OlderLibrary, OneThatOnlyLacksSmartFoldersHasNothingToBeFilledIn)
+{
+    makeLibrary("Version8", 2);
+    const auto delegate = launched();
+    EXPECT_EQ(items(*delegate).size(), 2);
+    EXPECT_EQ(pending(*delegate), QStringList());
+    EXPECT_EQ(copies(), QStringList());
+}
+
 TEST_F(OlderLibrary, ALargeOneIsGivenItsIndexesWhileTheWindowAnswers)
 {
-    makeLibrary("Version8", 1);
+    makeLibrary("Version9", 1);
     auto writer = ZQSQLiteConnection::open(store(), ZQSQLiteConnection::Mode::ReadWrite, nullptr);
     ASSERT_TRUE(writer->execute(QStringLiteral("DROP INDEX zq_index_ZQLibraryBaseItem_SHA1; "
                                                "UPDATE ZQLibraryBaseItem SET itemURLData = zeroblob(40000000)")));

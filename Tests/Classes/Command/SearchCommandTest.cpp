@@ -110,3 +110,47 @@ TEST_F(SearchCommandTest, WhatCannotBeReadIsAnErrorAndNotNothing)
     EXPECT_EQ(commandLine.run(context), 2) << "who asked has gone";
     EXPECT_TRUE(context.output.isEmpty());
 }
+
+TEST_F(SearchCommandTest, ASavedSearchIsAnEntryThatFindsWhatItsTextDoes)
+{
+    ASSERT_EQ(run("smart Posters -logo #project brand"), 0) << context.errors.constData();
+    EXPECT_EQ(context.output, "1 smart folder made\n");
+    const QStringList in = {QStringLiteral("--in"), QStringLiteral("PROJECTS/Posters")};
+    EXPECT_EQ(found(QStringList{QString()} + in), "poster.png");
+    EXPECT_EQ(found(QStringList{QStringLiteral("loose")} + in), "") << "a search in it narrows it";
+    ASSERT_EQ(run(QStringList{QStringLiteral("items")} + in), 0);
+    EXPECT_EQ(context.output, bundleID("poster").toUtf8() + "\tposter.png\n");
+    ASSERT_EQ(run("sidebar"), 0);
+    EXPECT_TRUE(context.output.contains("\n  Posters  (1)  -logo #project brand\n")) << context.output.constData();
+    ASSERT_EQ(run("sidebar --json"), 0);
+    const QJsonObject smart = array().at(1).toObject().value(QStringLiteral("children")).toArray().last().toObject();
+    EXPECT_EQ(smart.value(QStringLiteral("searchText")), QStringLiteral("-logo #project brand"));
+    EXPECT_EQ(smart.value(QStringLiteral("entity")), QStringLiteral("ZQSidebarSmartFolder"));
+    EXPECT_EQ(smart.value(QStringLiteral("numberOfItems")), 1);
+
+    picture(QStringLiteral("Brand/new.png"), qRgb(9, 9, 9));
+    ASSERT_EQ(run(QStringList{QStringLiteral("import"), QStringLiteral("Brand/new.png"), QStringLiteral("--into"),
+                              QStringLiteral("PROJECTS/Brand")}),
+              0);
+    EXPECT_EQ(found(QStringList{QString()} + in), "new.png poster.png");
+    EXPECT_EQ(run(QStringList{QStringLiteral("import"), QStringLiteral("loose.png"), QStringLiteral("--into"),
+                              QStringLiteral("PROJECTS/Posters")}),
+              2);
+    EXPECT_TRUE(context.errors.contains("finds its items by itself")) << context.errors.constData();
+
+    ASSERT_EQ(run("smart --change PROJECTS/Posters logo"), 0) << context.errors.constData();
+    EXPECT_EQ(context.output, "1 smart folder changed\n");
+    EXPECT_EQ(found(QStringList{QString()} + in), "logo.png");
+
+    for (const auto &[arguments, reason] : {std::pair{"smart Posters #d=31/02/2026", "at character 1 of the search"},
+                                            {"smart Posters", "nothing to search for"},
+                                            {"smart --in PROJECTS/Posters Other logo", "holds no smart folders"},
+                                            {"smart --change PROJECTS/Brand logo", "is no smart folder"},
+                                            {"smart --change PROJECTS/Posters #d=x", "of the search"},
+                                            {"smart --in TAGS Other logo", "holds no smart folders"},
+                                            {"smart --in Nowhere Other logo", "there is no sidebar entry"}}) {
+        EXPECT_EQ(run(arguments), 2) << arguments;
+        EXPECT_TRUE(context.errors.contains(reason)) << arguments << ": " << context.errors.constData();
+    }
+    EXPECT_EQ(run(QStringList{QStringLiteral("smart"), QStringLiteral(" "), QStringLiteral("logo")}), 2);
+}

@@ -1,5 +1,6 @@
 #include "Classes/Editing/SidebarCommands.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Editing/EditFixture.h"
 
@@ -36,6 +37,64 @@ TEST_F(SidebarCommandsTest, NewItemsGoAfterAProjectIntoAFolderElseToTheEnd)
     EXPECT_EQ(titles(folder), QStringList{"Inside"});
     undoStack.redo();
     EXPECT_EQ(titles(folder), (QStringList{"Inside", "New Folder"}));
+}
+
+TEST_F(SidebarCommandsTest, ASearchIsSavedWhereAProjectWouldGoAndItsTextChangesWithUndo)
+{
+    const Item first = addProject(QStringLiteral("First"));
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const auto textOf = [](const Item &item) { return zqCast<ZQSidebarSmartFolder>(item)->searchText(); };
+    const Item beside = commands.addSmartFolder(QStringLiteral("  #r>3\n logo "), {}, first);
+    ASSERT_TRUE(beside && beside->isSmartFolder());
+    EXPECT_EQ(beside->title(), QStringLiteral("#r>3 logo")) << "named after its text";
+    EXPECT_EQ(textOf(beside), QStringLiteral("  #r>3\n logo ")) << "which stays as it is";
+    EXPECT_EQ(beside->kind(), 0);
+    EXPECT_FALSE(beside->isFixed());
+    const Item after = commands.addSmartFolder(QStringLiteral("x"), QStringLiteral("After"), beside);
+    commands.addSmartFolder(QStringLiteral("y"), QStringLiteral("Inside"), folder);
+    commands.addNewListItem(SidebarCommands::NewItem::Project, after);
+    EXPECT_EQ(titles(projects), (QStringList{"First", "#r>3 logo", "After", "New Project", "Folder"}));
+    EXPECT_EQ(titles(folder), QStringList{"Inside"});
+    undoStack.undo();
+    undoStack.undo();
+    EXPECT_EQ(titles(folder), QStringList());
+    undoStack.redo();
+    EXPECT_EQ(titles(folder), QStringList{"Inside"});
+
+    commands.setSearchText(after, QStringLiteral("z"));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("change search of 'After'"));
+    EXPECT_FALSE(library.context().hasChanges());
+    const int steps = undoStack.count();
+    commands.setSearchText(after, QStringLiteral("z"));
+    commands.setSearchText(first, QStringLiteral("z"));
+    EXPECT_EQ(undoStack.count(), steps) << "nothing to change";
+    undoStack.undo();
+    EXPECT_EQ(textOf(after), QStringLiteral("x"));
+    undoStack.redo();
+    EXPECT_EQ(textOf(after), QStringLiteral("z"));
+    EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Best"), after));
+    EXPECT_EQ(after->title(), QStringLiteral("Best"));
+}
+
+TEST_F(SidebarCommandsTest, WhatASmartFolderFindsIsNotDeletedWithIt)
+{
+    const Item folder = addFolder(QStringLiteral("Folder"));
+    const Item project = addProject(QStringLiteral("Project"), folder);
+    const auto inside = library.addImage(QStringLiteral("inside"));
+    const auto found = library.addImage(QStringLiteral("found"));
+    project->addItem(inside.get());
+    const Item smart = commands.addSmartFolder(QStringLiteral("found"), {}, folder);
+    EXPECT_FALSE(smart->addItem(found.get()));
+    EXPECT_FALSE(smart->containsItem(found.get()));
+    library.context().save();
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    EXPECT_TRUE(commands.deleteSidebarItemAndRemoveContentFromLibrary({folder}));
+    EXPECT_FALSE(inside->active());
+    EXPECT_TRUE(found->active());
+    EXPECT_FALSE(smart->active());
+    undoStack.undo();
+    EXPECT_TRUE(inside->active() && smart->active());
+    EXPECT_EQ(titles(folder), (QStringList{"Project", "found"}));
 }
 
 TEST_F(SidebarCommandsTest, MovedItemsLandWhereTheyWereDroppedAndComeBack)
@@ -127,6 +186,11 @@ TEST_F(SidebarCommandsTest, DeletingAsksWithTheTextsOfTheSelection)
          "The original folders will still remain on your disk.",
          "Remove"},
         {{folder}, false, "Are you sure you want to delete this folder?", children, "Delete"},
+        {{add<ZQSidebarSmartFolder>(QStringLiteral("Smart"), projects)},
+         false,
+         "Are you sure you want to delete this smart folder?",
+         "The items it finds will still remain inside your library.",
+         "Delete"},
         {{project, folder}, false, "Are you sure you want to delete these items?", children, "Delete"},
         {{project},
          true,
@@ -179,7 +243,8 @@ TEST_F(SidebarCommandsTest, RenamingRefusesAnEmptyTitleAndCanBeUndone)
 {
     const Item project = addProject(QStringLiteral("Old"));
     EXPECT_FALSE(commands.validateNewTitle(QString(), project));
-    EXPECT_EQ(user.notificationTexts(), QStringList{"Please pick a name!"});
+    EXPECT_FALSE(commands.validateNewTitle(QStringLiteral(" \t"), project)) << "nobody could see it";
+    EXPECT_EQ(user.notificationTexts(), (QStringList{"Please pick a name!", "Please pick a name!"}));
     EXPECT_EQ(user.notifications.first().position, NotificationPlace::Sidebar);
     EXPECT_EQ(project->title(), QStringLiteral("Old"));
     int told = 0;

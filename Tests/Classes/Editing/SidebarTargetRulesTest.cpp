@@ -1,5 +1,6 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Editing/EditFixture.h"
 
@@ -29,6 +30,8 @@ TEST_F(SidebarTargetRulesTest, EachTargetTakesWhatItCanHold)
              Case{"Recents", special(ZQSidebarKind::Recent), "", false, false, false, false, Holding::Nothing},
              Case{"Screenshots", special(ZQSidebarKind::Screenshots), "", false, false, true, true, Holding::Items},
              Case{"a project", addProject(QStringLiteral("P")), "s", true, true, true, true, Holding::Items},
+             Case{"a smart folder", add<ZQSidebarSmartFolder>(QStringLiteral("S"), projects), "", false, false, false,
+                  false, Holding::Nothing},
              Case{"a folder", addFolder(QStringLiteral("F")), "fa", false, false, false, false, Holding::Tree},
              Case{"PROJECTS", projects, "fa", false, false, false, false, Holding::Tree},
              Case{"a live folder", live, "sf", true, true, true, false, Holding::Nothing},
@@ -81,6 +84,9 @@ TEST_F(SidebarTargetRulesTest, RowsAreMovedByNineRules)
     const Item live = add<ZQSidebarWatchedFolder>(QStringLiteral("Live"), liveLabel);
     const Item special = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
     const Item libraryLabel = special->father();
+    const Item smart = add<ZQSidebarSmartFolder>(QStringLiteral("Smart"), projects);
+    const Item tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("tag"), library.context());
+    const Item tags = tag->father();
     struct Case
     {
         const char *what;
@@ -106,6 +112,13 @@ TEST_F(SidebarTargetRulesTest, RowsAreMovedByNineRules)
         {"onto a folder", {a, b}, folder, -1, true},
         {"into a folder in a folder", {a}, inner, 0, true},
         {"live folders among themselves", {live}, liveLabel, 0, true},
+        {"a smart folder among projects", {smart}, projects, 1, true},
+        {"a smart folder onto a folder", {smart, a}, folder, -1, true},
+        {"onto a smart folder", {a}, smart, -1, false},
+        {"a smart folder among live folders", {smart}, liveLabel, 0, false},
+        {"tags among themselves", {tag}, tags, 0, true},
+        {"a tag among projects", {tag}, projects, 0, false},
+        {"a project among tags", {a}, tags, 0, false},
     };
     for (const Case &c : cases) {
         EXPECT_EQ(SidebarTargetRules::rows(c.dragged, c.target, c.index), c.accepted) << c.what;

@@ -216,6 +216,28 @@ TEST_F(ImportQueriesTest, APictureOnTheClipboardBecomesAFileOfItsOwnFormat)
     ASSERT_EQ(fromData.paths.size(), 1);
     EXPECT_TRUE(fromData.paths.first().endsWith(QStringLiteral("/Pasted image.gif")));
 
+    // A picture dragged out of a page, with the address of the link around it.
+    encoded.setData(QStringLiteral("_NETSCAPE_URL"), "https://example.org/page\nA page");
+    const PasteboardFiles linked = PasteboardFiles::filesFromMimeData(&encoded, makeDirectory);
+    EXPECT_EQ(linked.metadata,
+              (QVariantMap{{QStringLiteral("webURL"), fromWeb.metadata.value(QStringLiteral("webURL"))},
+                           {QStringLiteral("webPageURL"), QStringLiteral("https://example.org/page")}}));
+    encoded.setUrls({});
+    const PasteboardFiles onlyLink = PasteboardFiles::filesFromMimeData(&encoded, makeDirectory);
+    EXPECT_EQ(QFileInfo(onlyLink.paths.value(0)).fileName(), QStringLiteral("page.svg"));
+    EXPECT_EQ(onlyLink.metadata, (QVariantMap{{QStringLiteral("webURL"), QStringLiteral("https://example.org/page")}}));
+    encoded.setData(QStringLiteral("_NETSCAPE_URL"), "file:///etc/passwd\nA page");
+    EXPECT_TRUE(PasteboardFiles::filesFromMimeData(&encoded, makeDirectory).metadata.isEmpty());
+
+    QMimeData address;
+    address.setUrls({QUrl(QStringLiteral("https://example.org/logo.png"))});
+    EXPECT_FALSE(PasteboardFiles::hasContent(address)) << "nothing is downloaded";
+    EXPECT_TRUE(PasteboardFiles::hasContent(inlined));
+    EXPECT_TRUE(PasteboardFiles::hasContent(encoded));
+    QMimeData local;
+    local.setUrls({QUrl::fromLocalFile(QStringLiteral("/x/logo.png"))});
+    EXPECT_TRUE(PasteboardFiles::hasContent(local));
+
     QMimeData text;
     text.setText(QStringLiteral("words"));
     EXPECT_TRUE(PasteboardFiles::filesFromMimeData(&text, makeDirectory).paths.isEmpty());

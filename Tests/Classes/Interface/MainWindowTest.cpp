@@ -20,7 +20,7 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
     EXPECT_EQ(commandsOf(menuOf("Edit")),
               QStringLiteral("Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"
                              "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
-                             "Find Ctrl+F"));
+                             "Find Ctrl+F\nSave Search… Ctrl+S\nEdit Search…\nUpdate Search Ctrl+Shift+S"));
     EXPECT_EQ(commandsOf(menuOf("View")),
               QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\n-\nAs Grid Ctrl+Alt+1 ✓\nAs List Ctrl+Alt+2 "
                              "✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
@@ -40,8 +40,8 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
     });
     press(Qt::Key_F1);
     EXPECT_EQ(lines.value(0), QStringLiteral("Ctrl+N   New Project"));
-    EXPECT_EQ(lines.size(), 38);
-    EXPECT_EQ(lines.mid(35), (QStringList{QStringLiteral("Space   Quick look"), QStringLiteral("Enter   Open"),
+    EXPECT_EQ(lines.size(), 39);
+    EXPECT_EQ(lines.mid(36), (QStringList{QStringLiteral("Space   Quick look"), QStringLiteral("Enter   Open"),
                                           QStringLiteral("Esc   Back")}));
 }
 

@@ -135,8 +135,11 @@ TEST_F(SidebarTest, SectionsHoldTheirRowsAndOpenAndClose)
     sidebar().selectItems({});
     EXPECT_EQ(chosen(), QStringLiteral("mine"));
     sidebar().findChild<ZQSwitch *>()->setCurrentIndex(0);
-    EXPECT_EQ(chosen(), QStringLiteral("Inner"));
-    EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("Inner")) << "the side shown is what counts";
+    EXPECT_EQ(chosen(), QStringLiteral("mine"));
+    EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("mine")) << "looking at the others chooses none";
+    click(row(a).center());
+    EXPECT_EQ(chosen(), QStringLiteral("A"));
+    EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("A"));
 }
 
 TEST_F(SidebarTest, NewOnesAreNamedAtOnce)
@@ -266,7 +269,7 @@ TEST_F(SidebarTest, MenusOfferWhatTheRowsAllow)
     EXPECT_FALSE(a->active());
     EXPECT_FALSE(image(QStringLiteral("red"))->active());
     sidebar().selectItems({tag->objectID()});
-    EXPECT_EQ(menuAt(row(tag).center()).toStdString(), "New Tag|-|Rename|Delete mine");
+    EXPECT_EQ(menuAt(row(tag).center()).toStdString(), "New Tag|-|Sort by Hand|Sort by Title|-|Rename|Delete mine");
     menuAt(row(tag).center(), QStringLiteral("New Tag"));
     EXPECT_EQ(chosen(), QStringLiteral("New Tag"));
 }

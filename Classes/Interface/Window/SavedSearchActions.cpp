@@ -1,0 +1,155 @@
+#include "Classes/Interface/Window/SavedSearchActions.h"
+
+#include "Classes/Browsing/SearchExpression.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Browser/SavedSearchButtons.h"
+#include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
+
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+namespace {
+
+bool searches(const QString &text)
+{
+    return !SearchExpression::read(text, {}).predicateString.isEmpty();
+}
+
+// As a part of a text that says more.
+QString asPart(const QString &text)
+{
+    const SearchExpression expression = SearchExpression::read(text, {});
+    const QString closed = text.trimmed() + expression.closing;
+    return expression.needsBrackets ? u'(' + closed + u')' : closed;
+}
+
+} // namespace
+
+SavedSearchActions::SavedSearchActions(WindowContext &window, BrowserViewController &browser,
+                                       ProjectsSidebarViewController &sidebar, QLineEdit &search, QObject *parent)
+    : QObject(parent), m_commands(window), m_browser(browser), m_sidebar(sidebar), m_search(search)
+{
+    SavedSearchButtons &buttons = browser.savedSearchButtons();
+    connect(&buttons, &SavedSearchButtons::saveRequested, this, &SavedSearchActions::saveSearch);
+    connect(&buttons, &SavedSearchButtons::updateRequested, this, &SavedSearchActions::updateSearch);
+    connect(&sidebar, &ProjectsSidebarViewController::editSearchRequested, this, &SavedSearchActions::editSearch);
+    connect(&browser, &BrowserViewController::viewChanged, this, &SavedSearchActions::update);
+    connect(&browser, &BrowserViewController::titleChanged, this, &SavedSearchActions::update);
+    connect(&search, &QLineEdit::editingFinished, this, [this] {
+        if (isEditing() && m_browser.content().filter().isEmpty()) {
+            endEditing(); // Esc, or nothing typed
+        }
+    });
+}
+
+ZQRef<ZQSidebarBaseItem> SavedSearchActions::shownSmartFolder() const
+{
+    const auto single = m_browser.content().singleItem();
+    return single && single->isSmartFolder() ? single : nullptr;
+}
+
+QString SavedSearchActions::savedText() const
+{
+    const auto smart = zqCast<ZQSidebarSmartFolder>(shownSmartFolder());
+    return smart ? smart->searchText() : QString();
+}
+
+bool SavedSearchActions::isEditing() const
+{
+    return m_browser.content().tab().editsSearch();
+}
+
+bool SavedSearchActions::canSave() const
+{
+    const QString text = m_browser.content().filter();
+    const bool isUnchanged = isEditing() && text == savedText().trimmed();
+    return !isUnchanged && searches(text);
+}
+
+QString SavedSearchActions::wholeText() const
+{
+    const QString text = m_browser.content().filter();
+    const QString saved = savedText().trimmed();
+    if (isEditing() || saved.isEmpty() || saved == text) {
+        return text;
+    }
+    return asPart(saved) + u' ' + asPart(text);
+}
+
+void SavedSearchActions::update()
+{
+    // Who goes elsewhere leaves the text that was edited behind.
+    if (const QString text = m_browser.content().tab().searchString(); m_search.text() != text) {
+        const QSignalBlocker blocker(&m_search);
+        m_search.setText(text);
+    }
+    const bool save = canSave();
+    const bool mayUpdate = canUpdate();
+    const bool mayEdit = bool(shownSmartFolder());
+    m_browser.savedSearchButtons().setOffers(save, mayUpdate);
+    const bool isSame = save == m_couldSave && mayUpdate == m_couldUpdate && mayEdit == m_couldEdit;
+    m_couldSave = save;
+    m_couldUpdate = mayUpdate;
+    m_couldEdit = mayEdit;
+    if (!isSame) {
+        Q_EMIT changed();
+    }
+}
+
+void SavedSearchActions::endEditing()
+{
+    m_browser.content().setEditsSearch(false);
+    m_search.clear();
+    update();
+}
+
+void SavedSearchActions::saveSearch()
+{
+    if (!canSave()) {
+        return;
+    }
+    const QString text = wholeText();
+    endEditing();
+    m_sidebar.addSmartFolder(text);
+}
+
+void SavedSearchActions::editSearch()
+{
+    if (!shownSmartFolder()) {
+        return;
+    }
+    m_browser.content().setEditsSearch(true);
+    m_search.setText(savedText());
+    m_search.setFocus();
+    update();
+}
+
+void SavedSearchActions::updateSearch()
+{
+    if (!canUpdate()) {
+        return;
+    }
+    m_commands.setSearchText(shownSmartFolder(), wholeText());
+    endEditing();
+}
+
+QList<WindowCommand> SavedSearchActions::commands()
+{
+    return {{CommandID::SaveSearch,
+             zqLocalized("Save Search…"),
+             {Qt::CTRL | Qt::Key_S},
+             [this] { saveSearch(); },
+             [this] { return canSave(); }},
+            {CommandID::EditSearch,
+             zqLocalized("Edit Search…"),
+             {},
+             [this] { editSearch(); },
+             [this] { return bool(shownSmartFolder()); }},
+            {CommandID::UpdateSearch,
+             zqLocalized("Update Search"),
+             {Qt::CTRL | Qt::SHIFT | Qt::Key_S},
+             [this] { updateSearch(); },
+             [this] { return canUpdate(); }}};
+}

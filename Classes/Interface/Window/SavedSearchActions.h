@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Classes/Editing/SidebarCommands.h"
+#include "Classes/Interface/WindowCommand.h"
+#include "Classes/Interface/WindowContext.h"
+
+#include <QObject>
+
+class BrowserViewController;
+class ProjectsSidebarViewController;
+class QLineEdit;
+
+// Smart folders as the window makes and changes them: a search is saved as what is shown, so that the smart folder
+// finds the same again. Main thread.
+class SavedSearchActions : public QObject
+{
+    Q_OBJECT
+public:
+    // `search`: the field.
+    SavedSearchActions(WindowContext &window, BrowserViewController &browser, ProjectsSidebarViewController &sidebar,
+                       QLineEdit &search, QObject *parent = nullptr);
+
+    void saveSearch();   // as a new smart folder, whose name is then edited
+    void editSearch();   // puts the text of the smart folder that is shown into the field
+    void updateSearch(); // the smart folder that is shown finds what is shown from now on
+    QList<WindowCommand> commands();
+
+Q_SIGNALS:
+    void changed(); // what can be done
+
+private:
+    void update();
+    void endEditing();
+    ZQRef<ZQSidebarBaseItem> shownSmartFolder() const; // null for none
+    QString savedText() const;                         // of it
+    bool isEditing() const;                            // its text
+    bool canSave() const;
+    bool canUpdate() const { return canSave() && shownSmartFolder(); }
+    QString wholeText() const; // a text that finds what is shown, in the whole library
+
+    SidebarCommands m_commands;
+    BrowserViewController &m_browser;
+    ProjectsSidebarViewController &m_sidebar;
+    QLineEdit &m_search;
+    bool m_couldSave = false;
+    bool m_couldUpdate = false;
+    bool m_couldEdit = false;
+};
