@@ -87,7 +87,13 @@ bool checkItems(bool deep, CommandContext &context, Findings &findings)
     constexpr qsizetype atATime = 500;
     for (qsizetype first = 0; first < ids->size(); first += atATime) {
         QList<ZQRef<ZQLibraryBaseItem>> present;
-        for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(ids->mid(first, atATime), context.store())) {
+        const QList<ZQObjectID> batch = ids->mid(first, atATime);
+        const auto read = ZQLibraryBaseItem::itemsWithIDs(batch, context.store());
+        if (read.size() < batch.size()) {
+            findings.problems.append(zqFormat(zqLocalized("%d items can't be read, so that their files were not checked"),
+                                              {batch.size() - read.size()}));
+        }
+        for (const auto &item : read) {
             known.insert(item->bundleID());
             const auto folder = item->watchingFolder();
             if (item->active() && !(folder && (folder->is_missing() || folder->is_trashed()))) {

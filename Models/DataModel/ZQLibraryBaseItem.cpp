@@ -63,6 +63,8 @@ QList<ZQRef<ZQLibraryBaseItem>> ZQLibraryBaseItem::itemsWithIDs(const QList<ZQOb
         }
     }
     context.fillFaults(ids);
+    // One without a row would say of itself that it is unrated, untagged and deleted.
+    items.removeIf([](const ZQRef<ZQLibraryBaseItem> &item) { return item->isFault(); });
     return items;
 }
 

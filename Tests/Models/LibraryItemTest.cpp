@@ -62,6 +62,23 @@ TEST_F(LibraryItem, IsFoundByDigestAmongMoreThanOneStatementTakes)
     EXPECT_EQ(last->SHA1(), digests.last());
 }
 
+TEST_F(LibraryItem, AreReadTogetherAndWithoutThoseThatHaveNoRow)
+{
+    QList<ZQObjectID> ids;
+    for (const char *title : {"first", "gone", "last"}) {
+        ids.append(library.addImage(QLatin1StringView(title))->objectID());
+    }
+    ZQManagedObjectContext other(library.coordinator());
+    const auto gone = zqCast<ZQLibraryBaseItem>(context.objectWithID(ids[1]));
+    context.deleteObject(gone.get());
+    ASSERT_TRUE(context.save());
+    QStringList titles;
+    for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(ids, other)) {
+        titles.append(item->title());
+    }
+    EXPECT_EQ(titles, (QStringList{QStringLiteral("first"), QStringLiteral("last")}));
+}
+
 TEST_F(LibraryItem, FindsItemsByDigestBundleAndDate)
 {
     const QDateTime now = zqNow();
