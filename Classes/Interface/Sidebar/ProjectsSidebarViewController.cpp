@@ -14,6 +14,8 @@
 #include <QMimeData>
 #include <QStackedWidget>
 
+#include <algorithm>
+
 ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &window, QWidget *parent)
     : QWidget(parent), m_window(window), m_commands(window),
       m_switch(new ZQSwitch({zqLocalized("Projects"), zqLocalized("Tags")}, this)), m_stack(new QStackedWidget(this)),
@@ -145,6 +147,8 @@ void ProjectsSidebarViewController::selectItems(const QList<ZQObjectID> &items)
 void ProjectsSidebarViewController::reload()
 {
     m_isReloading = true;
+    const QList<ZQObjectID> rowsBefore = rows();
+    const QList<ZQObjectID> chosenBefore = selectedItems();
     QList<ZQObjectID> before;
     for (const auto *model : {m_projects, m_tags}) {
         auto *view = static_cast<SidebarTreeView *>(m_stack->widget(model == m_tags));
@@ -161,9 +165,38 @@ void ProjectsSidebarViewController::reload()
         }
     }
     m_isReloading = false;
-    if (before.size() != tree()->selectionModel()->selectedIndexes().size()) {
+    const QList<ZQObjectID> chosen = selectedItems();
+    if (chosen.isEmpty() && !chosenBefore.isEmpty()) {
+        selectNearest(rowsBefore, chosenBefore.last());
+    } else if (chosen.size() != chosenBefore.size()) {
         Q_EMIT selectionChanged();
     }
+}
+
+QList<ZQObjectID> ProjectsSidebarViewController::rows() const
+{
+    QList<ZQObjectID> ids;
+    for (QModelIndex index = tree()->model()->index(0, 0); index.isValid(); index = tree()->indexBelow(index)) {
+        ids.append(tree()->tree()->item(index)->objectID());
+    }
+    return ids;
+}
+
+// What is chosen may go by undo, or in another process: what stays shown would take drops for something that is gone.
+void ProjectsSidebarViewController::selectNearest(const QList<ZQObjectID> &rowsBefore, const ZQObjectID &gone)
+{
+    const qsizetype place = rowsBefore.indexOf(gone);
+    const QList<ZQObjectID> below = rowsBefore.mid(place + 1);
+    QList<ZQObjectID> nearest = rowsBefore.first(std::max<qsizetype>(place, 0));
+    std::reverse(nearest.begin(), nearest.end());
+    for (const ZQObjectID &id : below + nearest) {
+        const QModelIndex index = tree()->tree()->indexOf(id);
+        if (index.isValid() && !tree()->tree()->item(index)->isLabel()) {
+            selectItems({id});
+            return;
+        }
+    }
+    Q_EMIT selectionChanged();
 }
 
 void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view)

@@ -47,6 +47,8 @@ private:
     void editTitle(const SidebarCommands::Item &item);
     void endEditing(const QModelIndex &index, const QString &title);
     void selectNeighbourAfterDeletion(const ZQObjectID &neighbour);
+    QList<ZQObjectID> rows() const; // of the side shown, from top to bottom
+    void selectNearest(const QList<ZQObjectID> &rowsBefore, const ZQObjectID &gone);
     ZQObjectID safeNeighbour() const;
     void showMenu(const QPoint &globalPoint);
     Qt::DropAction validate(const QMimeData *data, const SidebarDropPlace &place) const;
