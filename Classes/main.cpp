@@ -32,9 +32,12 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <optional>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -117,11 +120,34 @@ ZQError refusalOfLibrary(const CommandLine &commandLine)
                                                                                 : LibraryLocation::Missing::IsRefused);
 }
 
-// Hands the whole command line to the process that holds the library; its exit status.
-int handOver(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &inUse)
+// A signal ends this process as the system does it; the other one notices that it went.
+class UncaughtSignals
 {
-    std::signal(SIGINT, SIG_DFL); // the other process notices that this one went
-    std::signal(SIGTERM, SIG_DFL);
+public:
+    UncaughtSignals()
+    {
+        struct sigaction usual = {};
+        usual.sa_handler = SIG_DFL;
+        ::sigaction(SIGINT, &usual, &m_interrupt);
+        ::sigaction(SIGTERM, &usual, &m_terminate);
+    }
+    ~UncaughtSignals()
+    {
+        ::sigaction(SIGINT, &m_interrupt, nullptr);
+        ::sigaction(SIGTERM, &m_terminate, nullptr);
+    }
+    UncaughtSignals(const UncaughtSignals &) = delete;
+    UncaughtSignals &operator=(const UncaughtSignals &) = delete;
+
+private:
+    struct sigaction m_interrupt = {};
+    struct sigaction m_terminate = {};
+};
+
+// Hands the whole command line to the process that holds the library; its exit status, or nothing when nobody takes it.
+std::optional<int> handOver(const QString &bundle, const QStringList &arguments, CommandContext &context)
+{
+    const UncaughtSignals uncaught;
     ZQError error;
     const auto reply =
         InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath(), {}}, &error);
@@ -129,7 +155,7 @@ int handOver(const QString &bundle, const QStringList &arguments, CommandContext
         const bool hasEnded =
             error.domain == InstanceServer::errorDomain && error.code == InstanceServer::EndedMeanwhile;
         if (!hasEnded) {
-            return context.fail(inUse.localizedDescription());
+            return std::nullopt;
         }
         const QString what =
             arguments.contains(QStringLiteral("import"))
@@ -142,16 +168,40 @@ int handOver(const QString &bundle, const QStringList &arguments, CommandContext
     return reply->exitStatus;
 }
 
+bool isInUse(const ZQError &error)
+{
+    return error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse;
+}
+
+// Nothing once `take` has the library for this process, else the exit status: of the process that has it, or of a
+// refusal, which is in `error`. A window that quits takes no more requests, and soon gives the library up.
+std::optional<int> takeLibrary(const std::function<bool(ZQError *)> &take, const QString &bundle,
+                               const QStringList &arguments, CommandContext &context, ZQError *error)
+{
+    constexpr std::chrono::seconds longEnough(5);
+    constexpr std::chrono::milliseconds pause(50);
+    const auto latest = std::chrono::steady_clock::now() + longEnough;
+    while (!take(error)) {
+        const auto status = isInUse(*error) ? handOver(bundle, arguments, context) : std::nullopt;
+        if (status) {
+            return status;
+        }
+        if (!isInUse(*error) || std::chrono::steady_clock::now() >= latest) {
+            return context.fail(error->localizedDescription());
+        }
+        std::this_thread::sleep_for(pause);
+    }
+    return std::nullopt;
+}
+
 int runOnLibrary(tamberin_AppDelegate &delegate, const CommandLine &commandLine, const QStringList &arguments,
                  CommandContext &context)
 {
     const QString bundle = bundleFor(delegate, commandLine);
     ZQError error;
-    if (!delegate.openLibraryForCommand(&error)) {
-        if (error.domain == LibraryLock::errorDomain && error.code == LibraryLock::InUse) {
-            return handOver(bundle, arguments, context, error);
-        }
-        return context.fail(error.localizedDescription());
+    const auto take = [&delegate](ZQError *taken) { return delegate.openLibraryForCommand(taken); };
+    if (const auto status = takeLibrary(take, bundle, arguments, context, &error)) {
+        return *status;
     }
     if (!delegate.managedObjectContext()) {
         return context.fail(zqLocalized("the library can't be opened"));
@@ -194,15 +244,16 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
 
-// For a window that finds its library taken. Started from a desktop, nobody reads what it prints.
-int handOverWindow(const QString &bundle, const QStringList &arguments, CommandContext &context, const ZQError &taken,
-                   UserInteraction &user)
+// For a window that may find its library taken. Started from a desktop, nobody reads what it prints.
+std::optional<int> takeLibraryForWindow(tamberin_AppDelegate &delegate, const QString &bundle,
+                                        const QStringList &arguments, CommandContext &context, UserInteraction &user)
 {
     const qsizetype printed = context.errors.size();
-    const int status = taken.code == LibraryLock::InUse ? handOver(bundle, arguments, context, taken)
-                                                        : context.fail(taken.localizedDescription());
-    if (status != 0 && context.errors.size() > printed && ::isatty(STDERR_FILENO) == 0) {
-        user.presentError(taken);
+    ZQError error;
+    const auto take = [&delegate](ZQError *taken) { return delegate.lockLibrary(taken); };
+    const auto status = takeLibrary(take, bundle, arguments, context, &error);
+    if (status && *status != 0 && context.errors.size() > printed && ::isatty(STDERR_FILENO) == 0) {
+        user.presentError(error);
     }
     return status;
 }
@@ -255,13 +306,15 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         return context.fail(error.localizedDescription());
     }
     const QString bundle = bundleFor(delegate, commandLine);
-    if (!delegate.lockLibrary(&error)) {
-        return handOverWindow(bundle, arguments, context, error, user);
+    if (const auto status = takeLibraryForWindow(delegate, bundle, arguments, context, user)) {
+        return *status;
     }
     InstanceServer server(LibraryLock::socketNameForBundle(bundle),
                           [&](const InstanceRequest &request) { return serve(request, delegate); });
-    // Requests wait while the library opens, and not for a person who may be away.
-    server.setIsReady([&delegate] { return delegate.applicationLauched() || QApplication::activeModalWidget(); });
+    // Requests wait while the library opens or is given up, and not for a person who may be away.
+    server.setIsReady([&delegate] {
+        return (delegate.applicationLauched() && !delegate.isTerminating()) || QApplication::activeModalWidget();
+    });
     if (!server.listen(&error)) {
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }

@@ -36,6 +36,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("IconTagSize"), 32},
         {QStringLiteral("SmallTagSize"), 128},
         {QStringLiteral("MediumTagSize"), 512},
+        {QStringLiteral("ImportShowsAfter"), 500},                     // milliseconds
         {QStringLiteral("ArchiveMaximumTotalSize"), qint64(16) << 30}, // bytes
         {QStringLiteral("ArchiveMaximumEntryCount"), 100000},
         {QStringLiteral("ArchiveMaximumRatio"), 250},

@@ -47,6 +47,7 @@ bool Quit::stopRunningImports()
     if (answer != 0) {
         return false;
     }
+    m_isEnding = true;
     m_leftovers.stop(); // it might queue more, and ask below the loop that drains
     m_running.setKeepsCancelledImports(true);
     m_running.backgroundQueue().cancelAllOperations();
@@ -92,6 +93,7 @@ TerminateReply Quit::applicationShouldTerminate()
     if (!stopRunningImports()) {
         return TerminateReply::Cancel;
     }
+    m_isEnding = true;
     m_storeWork.stop();
     m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), NotificationPlace::Window,
                                                          usualNotificationTime);
@@ -139,7 +141,7 @@ void Quit::terminate()
     }
     m_isTerminating = true;
     const TerminateReply reply = applicationShouldTerminate();
-    m_isTerminating = false;
+    m_isTerminating = m_isEnding = false;
     if (reply == TerminateReply::Now) {
         m_hasQuit = true;
         QCoreApplication::exit(0);

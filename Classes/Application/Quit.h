@@ -29,7 +29,8 @@ public:
     // Of the open store: offers to quit, recover it and open again.
     void reportDamage(const QStringList &problems);
 
-    bool hasQuit() const { return m_hasQuit; } // perhaps while the launch waited for an answer
+    bool isTerminating() const { return m_isEnding || m_hasQuit; } // and the person has agreed
+    bool hasQuit() const { return m_hasQuit; }                     // perhaps while the launch waited for an answer
     // Whether the person agreed to quit only so that the next launch recovers the library.
     bool reopensAfterQuit() const { return m_reopensAfterQuit; }
 
@@ -45,6 +46,7 @@ private:
     LibraryRemovals &m_removals;
     QStringList m_notedRemovals; // by every attempt to quit
     bool m_isTerminating = false;
+    bool m_isEnding = false;
     bool m_hasQuit = false;
     bool m_reopensAfterQuit = false;
 };

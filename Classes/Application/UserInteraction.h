@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Foundation/ZQError.h"
+#include "Kit/Persistence/ZQObjectID.h"
 
 #include <QDateTime>
 #include <QList>
@@ -58,6 +59,8 @@ public:
     virtual void setMaximum(double maximum) = 0;
     virtual void advanceBy(double amount) = 0;
     virtual void setText(const QString &text) = 0;
+    // Where there is room for one line only: instead of the text, with what is done and the maximum for each "%@".
+    virtual void setCountText(const QString & /*format*/) {}
 };
 
 struct FileChoice
@@ -75,6 +78,24 @@ enum class NotificationPlace { Window = 0, Browser = 1, Sidebar = 2 };
 
 constexpr std::chrono::milliseconds usualNotificationTime{2500};
 
+// A file that was to be imported and was not, and why.
+struct RefusedFile
+{
+    QString path;
+    QString reason; // with what to do
+};
+
+// What became of an import, once its items are safe.
+struct ImportOutcome
+{
+    QString text;    // what there is to say in any case; empty: all went well
+    QString summary; // instead of it where the refused files can be listed; empty: the text
+    std::chrono::milliseconds time{};
+    ZQObjectID target; // the sidebar item it went to
+    QList<ZQObjectID> imported;
+    QList<RefusedFile> refused; // those whose reasons are for a person
+};
+
 // The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's
 // sheets, the command line's flags and prompts, a script in tests. A question without a person to answer it takes the
 // answer that changes least.
@@ -88,6 +109,12 @@ public:
     // Fades in over its place and goes by itself.
     virtual void showNotificationWithText(const QString &text, NotificationPlace position,
                                           std::chrono::milliseconds time) = 0;
+    virtual void importDidEnd(const ImportOutcome &outcome)
+    {
+        if (!outcome.text.isEmpty()) {
+            showNotificationWithText(outcome.text, NotificationPlace::Browser, outcome.time);
+        }
+    }
     virtual void showSystemNotification(const QString &title, const QString &text) = 0;
     virtual QStringList chooseFilesToOpen(const FileChoice &choice) = 0; // empty: cancelled
     virtual std::optional<QString> chooseFileToSave(const FileChoice &choice) = 0;

@@ -136,6 +136,11 @@ TerminateReply tamberin_AppDelegate::applicationShouldTerminate()
     return m_quit->applicationShouldTerminate();
 }
 
+bool tamberin_AppDelegate::isTerminating() const
+{
+    return m_quit->isTerminating();
+}
+
 void tamberin_AppDelegate::terminate()
 {
     m_quit->terminate();

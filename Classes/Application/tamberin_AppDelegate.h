@@ -66,6 +66,7 @@ public:
     // Quit.
     TerminateReply applicationShouldTerminate();
     void terminate();
+    bool isTerminating() const; // the person has agreed, or it has
     void reportDamage(const QStringList &problems);
     bool reopensAfterQuit() const;
 

@@ -1,8 +1,10 @@
 #include "Classes/Editing/LibraryCommands.h"
 
+#include "Classes/Editing/CopiesBesideOriginals.h"
 #include "Classes/Editing/EditStep.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQProjectItem.h"
 
 #include <QFileInfo>
@@ -340,23 +342,25 @@ qint64 weightOf(const IDs &items, EditContext &edits)
     return std::max<qint64>(items.size(), bytes / bytesPerRow);
 }
 
-// Whether there are copies now. What was copied for a batch that could not be saved is left over: the next launch sees
-// to it.
-bool copyItems(EditRun &run, const IDs &items, IDs &copies)
+// What was copied for a batch that could not be saved is left over: the next launch sees to it.
+QList<CopyOfItem> copyItems(EditRun &run, const IDs &items)
 {
+    QList<CopyOfItem> copies;
     run.inBatches(zqLocalized("Duplicating items…"), items.size(), [&](qsizetype first, qsizetype size) {
         const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
         ZQLibraryBaseItem::lookForFiles(batch);
-        const Items made = ZQLibraryBaseItem::duplicatesOf(batch, [&run] { return !run.isCancelled(); });
+        QList<qsizetype> which;
+        const Items made = ZQLibraryBaseItem::duplicatesOf(
+            batch, [&run] { return !run.isCancelled(); }, &which);
         if (!run.save()) {
             return false;
         }
-        for (const auto &copy : made) {
-            copies.append(copy->objectID());
+        for (qsizetype i = 0; i < made.size(); ++i) {
+            copies.append({batch[which[i]]->objectID(), made[i]->objectID()});
         }
         return true;
     });
-    return !copies.isEmpty();
+    return copies;
 }
 
 // False when it has that title already, cannot have it, which was shown, or the store could not be saved: the files are
@@ -453,15 +457,27 @@ void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID
     zqPushEdit(m_edits, zqLocalized("move items"), {project->numberOfItems(), mostAtOnce}, {redo, {}}, {undo, {}});
 }
 
-void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items)
+void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem,
+                                     const std::function<void(const QList<ZQObjectID> &copies)> &didMake)
 {
     if (items.isEmpty()) {
         return;
     }
     const auto copies = std::make_shared<IDs>(); // all that were made; of one thread at a time
     const auto gone = std::make_shared<IDs>();   // those of them that were taken back
-    const EditPass make{[items, copies, gone](EditRun &run) {
-                            return copies->isEmpty() ? copyItems(run, items, *copies) : restoration(gone).apply(run);
+    const EditPass make{[items, copies, gone, inSidebarItem, didMake](EditRun &run) {
+                            if (!copies->isEmpty()) {
+                                return restoration(gone).apply(run);
+                            }
+                            const QList<CopyOfItem> made = copyItems(run, items);
+                            zqPutBesideOriginals(run, inSidebarItem, made);
+                            for (const CopyOfItem &each : made) {
+                                copies->append(each.copy);
+                            }
+                            if (didMake && !made.isEmpty()) {
+                                zqOnMainThread([didMake, known = *copies] { didMake(known); });
+                            }
+                            return !made.isEmpty();
                         },
                         zqLocalized("Duplicating items…")};
     const EditPass takeBack{[copies, gone](EditRun &run) { return deletion(*copies, gone).apply(run); },

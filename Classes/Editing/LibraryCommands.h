@@ -2,6 +2,7 @@
 
 #include "Classes/Editing/EditContext.h"
 
+#include <functional>
 #include <memory>
 
 // The commands on library items, each one undo step and saved. What changes many rows, those that only move up
@@ -22,7 +23,10 @@ public:
     void addItems(const QList<ZQObjectID> &items, const ZQObjectID &toSidebarItem, quint32 atIndex);
     // Manual order: the members move before the one now at `toIndex`.
     void moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex);
-    void duplicateItems(const QList<ZQObjectID> &items);
+    // The copies of members of that sidebar item become members, each beside its original. `didMake` is told of them
+    // the first time, on the main thread, when the caller's context knows them.
+    void duplicateItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem = {},
+                        const std::function<void(const QList<ZQObjectID> &copies)> &didMake = {});
     void renameItem(const ZQObjectID &item, const QString &title);
 
     // Beyond so many rows the edit queue does it.

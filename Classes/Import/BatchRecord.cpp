@@ -13,8 +13,23 @@ void BatchRecord::beginProgress(UserInteraction &user, qsizetype fileCount, cons
             running->cancel();
         }
     });
+    if (m_progress && fileCount > 1) {
+        m_progress->setCountText(zqLocalized("Importing %@ of %@"));
+    }
     const ZQLockGuard lock(m_mutex);
     m_lastProgress = std::chrono::steady_clock::now();
+}
+
+void BatchRecord::showWholeProgress()
+{
+    int amount = 0;
+    {
+        const ZQLockGuard lock(m_mutex);
+        amount = std::exchange(m_unreportedProgress, 0);
+    }
+    if (m_progress && amount > 0) {
+        m_progress->advanceBy(amount);
+    }
 }
 
 void BatchRecord::endProgress()

@@ -34,6 +34,7 @@ public:
 
     // The batch's thread. The person sees how far it is between the two, and may cancel it.
     void beginProgress(UserInteraction &user, qsizetype fileCount, const std::weak_ptr<ZQOperation> &operation);
+    void showWholeProgress(); // those too that came too soon after the last to be shown by themselves
     void endProgress();
     QList<UnfoldedArchive> takeUnfoldedArchives();
 

@@ -1,6 +1,7 @@
 #include "Classes/Import/BatchResult.h"
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/BatchResumption.h"
 #include "Classes/Import/CreatedItems.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -56,6 +57,7 @@ void BatchResult::report(const CreatedItems &items, const QSet<QString> &followe
         if (!created.isGone) {
             if (!created.isEarlier) {
                 imported.append(created.bundleID);
+                m_imported.append(created.objectID);
             }
             importedPaths.insert(created.sourcePath);
         }
@@ -82,8 +84,6 @@ void BatchResult::tell(bool hasFollowUps, bool wasCancelled)
     const bool gaveNothing = !hasFollowUps && !m_batch.isProcessed;
     if (m_batch.record.report().isUnfinished()) {
         notify(m_resumption.textForUnfinished(), std::chrono::seconds(6));
-    } else if (gaveNothing && !wasCancelled) {
-        notify(zqLocalized("Nothing to import!"), std::chrono::seconds(2));
     }
     if (isWanted) {
         const QString title = gaveNothing ? zqLocalized("Import Invalid") : zqLocalized("Import Successful");
@@ -92,18 +92,36 @@ void BatchResult::tell(bool hasFollowUps, bool wasCancelled)
         zqOnMainThread([&user = m_batch.user, title, text] { user.showSystemNotification(title, text); });
     }
     if (!wasCancelled) {
-        tellDropped();
+        tellOutcome(gaveNothing && !m_batch.record.report().isUnfinished());
     }
 }
 
-void BatchResult::tellDropped()
+bool BatchResult::isTold(const DroppedFile &file) const
+{
+    return file.telling == DroppedFile::Telling::Quietly ? m_batch.request.paths.contains(file.path)
+                                                         : file.telling != DroppedFile::Telling::Decided;
+}
+
+ImportOutcome BatchResult::outcome() const
 {
     QList<DroppedFile> dropped;
     QList<DroppedFile> incomplete;
+    ImportOutcome outcome{.text = {},
+                          .summary = {},
+                          .time = std::chrono::seconds(6),
+                          .target = m_batch.target,
+                          .imported = m_imported,
+                          .refused = {}};
+    qsizetype notImported = 0;
     for (const DroppedFile &file : m_batch.record.report().dropped()) {
+        if (isTold(file)) {
+            outcome.refused.append({file.path, file.reason});
+            notImported += file.isImportedInPart() ? 0 : 1;
+        }
         if (file.telling == DroppedFile::Telling::InWindowIncomplete) {
             incomplete.append(file);
-        } else if (file.telling != DroppedFile::Telling::Quietly) {
+        } else if (file.telling == DroppedFile::Telling::InWindow ||
+                   file.telling == DroppedFile::Telling::InWindowPartly) {
             dropped.append(file);
         }
     }
@@ -114,9 +132,36 @@ void BatchResult::tellDropped()
     if (!incomplete.isEmpty()) {
         texts.append(textForIncomplete(incomplete));
     }
-    if (!texts.isEmpty()) {
-        notify(texts.join(u'\n'), std::chrono::seconds(6));
+    outcome.text = texts.join(u'\n');
+    const bool saysWhy = notImported == 1 && outcome.refused.size() == 1 && !outcome.text.isEmpty();
+    if (notImported > 0 && !m_imported.isEmpty() && !saysWhy) {
+        outcome.summary = zqFormat(zqLocalized("%d imported, %d not"), {m_imported.size(), notImported});
     }
+    return outcome;
+}
+
+// The reasons come last: what is said first goes sooner.
+void BatchResult::tellOutcome(bool gaveNothing)
+{
+    ImportOutcome told = outcome();
+    if (gaveNothing) {
+        const QString nothing = zqLocalized("Nothing to import!");
+        constexpr std::chrono::seconds time(2);
+        if (told.text.isEmpty()) {
+            told.text = nothing;
+            told.time = time;
+        } else {
+            notify(nothing, time);
+        }
+    }
+    if (!told.text.isEmpty()) {
+        m_batch.record.report().addNotification(told.text);
+    }
+    zqOnMainThread([told] {
+        if (tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate()) {
+            delegate->userInteraction().importDidEnd(told);
+        }
+    });
 }
 
 void BatchResult::notify(const QString &text, std::chrono::milliseconds time)

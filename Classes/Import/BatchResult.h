@@ -1,11 +1,16 @@
 #pragma once
 
+#include "Kit/Persistence/ZQObjectID.h"
+
+#include <QList>
 #include <QSet>
 #include <QString>
 
 #include <chrono>
 
 class BatchResumption;
+struct DroppedFile;
+struct ImportOutcome;
 class CreatedItems;
 struct BatchState;
 
@@ -23,10 +28,13 @@ public:
     void tell(bool hasFollowUps, bool wasCancelled);
 
 private:
-    void tellDropped();
+    bool isTold(const DroppedFile &file) const;
+    ImportOutcome outcome() const;
+    void tellOutcome(bool gaveNothing);
     void notify(const QString &text, std::chrono::milliseconds time);
 
     BatchState &m_batch;
     const BatchResumption &m_resumption;
     const std::chrono::steady_clock::time_point m_startDate;
+    QList<ZQObjectID> m_imported;
 };

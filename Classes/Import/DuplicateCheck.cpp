@@ -125,7 +125,7 @@ void DuplicateCheck::resolve(const Duplicate &duplicate, DuplicateChoice choice)
             relink(*duplicate.existing, *item);
         }
         const QString source = m_items.all()[index].sourcePath;
-        m_items.takeOut(index, {source, reason, DroppedFile::Telling::Quietly});
+        m_items.takeOut(index, {source, reason, DroppedFile::Telling::Decided});
         if (!relinks) {
             m_items.discard(source);
         }

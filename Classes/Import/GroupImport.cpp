@@ -12,14 +12,18 @@
 #include <QHash>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr qsizetype largeBatch = 1000;
-constexpr qsizetype chunkSize = 256;
+constexpr qsizetype mostUnsaved = 256; // of a large batch
+constexpr qsizetype mostReading = 2 * mostUnsaved;
+constexpr int longestInterval = 4; // times the first
 } // namespace
 
 GroupImport::GroupImport(BatchState &batch, CreatedItems &items)
-    : m_batch(batch), m_items(items), m_queue(QStringLiteral("Import"), 3)
+    : m_batch(batch), m_items(items), m_queue(QStringLiteral("Import"), 3), m_arrival(std::make_shared<Arrival>()),
+      m_saveInterval(batch.settings.firstSaveAfter), m_nextSave(Clock::now() + m_saveInterval)
 {
 }
 
@@ -37,33 +41,32 @@ void GroupImport::importGroups(QList<FileGroup> &groups)
         }
         importFiles(group);
     }
+    m_batch.record.showWholeProgress(); // what comes now may take a while, or asks
 }
 
 void GroupImport::importFiles(const FileGroup &group)
 {
-    const bool isLarge = m_batch.requestedFiles.size() > largeBatch;
-    const qsizetype size = isLarge ? chunkSize : std::max<qsizetype>(group.files.size(), 1);
     const bool holdsArchives = ImportQueries::fileAtPathIsArchive(group.files.value(0));
     m_batch.isProcessed = m_batch.isProcessed && holdsArchives; // their own requests tell what they gave
 
     ItemInserter::Place place{.project = group.project,
                               .position = m_batch.request.index,
                               .isExplicit = m_batch.request.index != ZQSidebarBaseItem::appendIndex};
-    std::unique_ptr<Chunk> running = startChunk(group, 0, size);
+    qsizetype next = 0;
+    startFurther(group, next);
     if (!place.isExplicit && !place.project->isLibrary() && !place.project->isTag()) {
         place.position = quint32(place.project->numberOfItems());
     }
-    for (qsizetype next = size; running; next += size) {
-        std::unique_ptr<Chunk> following;
-        if (next < group.files.size() && !m_batch.isCancelled()) {
-            following = startChunk(group, next, size);
+    while (!m_reading.empty()) {
+        if (waitForFirst()) {
+            takeFirst(place);
+            startFurther(group, next);
         }
-        finishChunk(*running, place);
-        if (isLarge && m_items.unsavedCount() >= chunkSize && !m_batch.isCancelled()) {
-            m_items.save();
+        if (isSaveDue()) {
+            save(place);
         }
-        running = std::move(following);
     }
+    m_batch.inserter->putWaiting(place);
     ZQNotificationCenter::defaultCenter().postNotification(
         sidebarItemDidAddItem, nullptr, {{QStringLiteral("objectID"), QVariant::fromValue(group.project->objectID())}});
 }
@@ -98,52 +101,91 @@ void GroupImport::orderLikeTheDrop(QList<FileGroup> &groups)
     m_firstImportDate = zqNow();
 }
 
-std::unique_ptr<GroupImport::Chunk> GroupImport::startChunk(const FileGroup &group, qsizetype first, qsizetype count)
+void GroupImport::startFurther(const FileGroup &group, qsizetype &next)
 {
-    auto chunk = std::make_unique<Chunk>();
-    const qsizetype end = std::min(first + count, group.files.size());
-    chunk->fileProcessed.resize(std::size_t(std::max<qsizetype>(end - first, 0)));
-    for (qsizetype i = first; i < end; ++i) {
-        const QString &path = group.files.at(i);
-        const auto operation = importOperationForFilePath(path);
+    while (qsizetype(m_reading.size()) < mostReading && next < group.files.size() && !m_batch.isCancelled()) {
+        const qsizetype file = next++;
+        auto operation = operationFor(group, file);
         if (!operation) {
-            m_batch.record.fileDidDrop(unsupportedFile(path)); // it is not what it was a moment ago
+            m_batch.record.fileDidDrop(unsupportedFile(group.files.at(file))); // it is not what it was a moment ago
             continue;
         }
-        operation->setMetadata(m_batch.request.metadata);
-        operation->setSettings(m_batch.settings);
-        operation->setSidebarItem(group.project->objectID());
-        operation->setImportDate(m_firstImportDate.addMSecs(group.milliseconds[std::size_t(i)]));
-        operation->setImportData(&chunk->fileProcessed[chunk->operations.size()]);
-        operation->setFatherOperation(&m_batch.record);
-        chunk->operations.push_back(operation);
+        Reading &reading = m_reading.emplace_back();
+        reading.operation = operation;
+        operation->setImportData(&reading.file);
+        operation->setCompletionBlock([arrival = m_arrival] {
+            const ZQLockGuard lock(arrival->mutex);
+            arrival->arrived.notifyAll();
+        });
         m_queue.addOperation(operation);
     }
     if (m_batch.isCancelled()) {
         m_queue.cancelAllOperations(); // the cancel may have come before the last of them was queued
     }
-    return chunk;
 }
 
-void GroupImport::finishChunk(Chunk &chunk, ItemInserter::Place &place)
+std::shared_ptr<BaseImportOperation> GroupImport::operationFor(const FileGroup &group, qsizetype file)
 {
-    for (const auto &operation : chunk.operations) {
-        operation->waitUntilFinished();
+    auto operation = importOperationForFilePath(group.files.at(file));
+    if (operation) {
+        operation->setMetadata(m_batch.request.metadata);
+        operation->setSettings(m_batch.settings);
+        operation->setSidebarItem(group.project->objectID());
+        operation->setImportDate(m_firstImportDate.addMSecs(group.milliseconds[std::size_t(file)]));
+        operation->setFatherOperation(&m_batch.record);
     }
-    chunk.operations.clear();
-    for (const ImportedFile &file : chunk.fileProcessed) {
-        if (file.fileData.isEmpty()) {
-            qCDebug(zqLogImport) << "NULL Found in file array!!";
-            continue;
-        }
-        m_batch.isProcessed = true;
-        if (m_batch.isCancelled()) {
-            m_items.giveUpDirectory(file.fileData.value(QStringLiteral("bundleID")).toString());
-        } else {
-            insertItem(file, place);
+    return operation;
+}
+
+// False when a save was due first.
+bool GroupImport::waitForFirst()
+{
+    BaseImportOperation &first = *m_reading.front().operation;
+    {
+        const ZQLockGuard lock(m_arrival->mutex);
+        while (!first.isFinished()) {
+            if (m_items.unsavedCount() == 0 || m_batch.isCancelled()) {
+                m_arrival->arrived.wait(m_arrival->mutex);
+            } else if (!m_arrival->arrived.waitUntil(m_arrival->mutex, m_nextSave) && !first.isFinished()) {
+                return false;
+            }
         }
     }
+    first.waitUntilFinished(); // whoever looks at its end has been told
+    return true;
+}
+
+void GroupImport::takeFirst(ItemInserter::Place &place)
+{
+    const ImportedFile file = std::move(m_reading.front().file);
+    m_reading.pop_front();
+    if (file.fileData.isEmpty()) {
+        qCDebug(zqLogImport) << "NULL Found in file array!!";
+        return;
+    }
+    m_batch.isProcessed = true;
+    if (m_batch.isCancelled()) {
+        m_items.giveUpDirectory(file.fileData.value(QStringLiteral("bundleID")).toString());
+    } else {
+        insertItem(file, place);
+    }
+}
+
+bool GroupImport::isSaveDue() const
+{
+    const qsizetype unsaved = m_items.unsavedCount();
+    const bool isLarge = m_batch.requestedFiles.size() > largeBatch;
+    const bool isDue = (isLarge && unsaved >= mostUnsaved) || Clock::now() >= m_nextSave;
+    return unsaved > 0 && isDue && !m_batch.isCancelled();
+}
+
+// What is saved is fetched and shown anew each time: the longer the batch takes, the more seldom.
+void GroupImport::save(ItemInserter::Place &place)
+{
     m_batch.inserter->putWaiting(place);
+    m_items.save();
+    m_saveInterval = std::min<Clock::duration>(2 * m_saveInterval, longestInterval * m_batch.settings.firstSaveAfter);
+    m_nextSave = Clock::now() + m_saveInterval;
 }
 
 void GroupImport::insertItem(const ImportedFile &file, ItemInserter::Place &place)

@@ -2,12 +2,14 @@
 
 #include "Classes/Import/BatchState.h"
 #include "Classes/Import/ImportedFile.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QDateTime>
 
+#include <chrono>
+#include <deque>
 #include <memory>
-#include <vector>
 
 class BaseImportOperation;
 class CreatedItems;
@@ -15,11 +17,11 @@ class CreatedItems;
 // Imports the files of one batch, a group after the other: has each file copied and read by an operation of its kind on
 // an inner queue, three at a time, and makes items of the results in the order of the files.
 //
-// A group becomes items once all its files have been read. A batch of very many files would show nothing for minutes
-// that way and keep every result in memory, so it goes in chunks of one group after another: while one chunk becomes
-// items and is saved, the files of the next are being read. The order, the positions and the tags come out the same,
-// since chunks follow each other in the order of the files and the positions run on. What a chunk saved stays on the
-// batch's account until the end: a cancel removes it, and duplicates are asked about once, after the last file.
+// What is there is saved soon after the start and then now and then, so that the first items are on screen within a
+// second and the rest follows: by time, since some files take seconds, and by number, since results are kept in memory
+// until then. Meanwhile further files are being read. Order, positions and tags come out as in a single save: a file
+// becomes an item when those before it have. What was saved stays on the batch's account until the end: a cancel
+// removes it, and duplicates are asked about once, after the last file.
 //
 // The batch's thread; `cancelFiles` any. A file that fails is told to the batch's record by its operation.
 class GroupImport
@@ -33,21 +35,37 @@ public:
     void cancelFiles() { m_queue.cancelAllOperations(); } // those that are read, or wait for that
 
 private:
-    // Files whose operations run together, each with its slot.
-    struct Chunk
+    using Clock = std::chrono::steady_clock;
+
+    // A file that is read, or waits for that, and the slot for its result.
+    struct Reading
     {
-        std::vector<ImportedFile> fileProcessed;
-        std::vector<std::shared_ptr<BaseImportOperation>> operations;
+        std::shared_ptr<BaseImportOperation> operation;
+        ImportedFile file;
+    };
+    // Told when a file has been read; the last operation may outlive the batch.
+    struct Arrival
+    {
+        ZQMutex mutex;
+        ZQCondition arrived;
     };
 
     void orderLikeTheDrop(QList<FileGroup> &groups);
     void importFiles(const FileGroup &group);
-    std::unique_ptr<Chunk> startChunk(const FileGroup &group, qsizetype first, qsizetype count);
-    void finishChunk(Chunk &chunk, ItemInserter::Place &place);
+    void startFurther(const FileGroup &group, qsizetype &next);
+    std::shared_ptr<BaseImportOperation> operationFor(const FileGroup &group, qsizetype file);
+    bool waitForFirst();
+    void takeFirst(ItemInserter::Place &place);
     void insertItem(const ImportedFile &file, ItemInserter::Place &place);
+    bool isSaveDue() const;
+    void save(ItemInserter::Place &place);
 
     BatchState &m_batch;
     CreatedItems &m_items;
     ZQOperationQueue m_queue;
+    std::shared_ptr<Arrival> m_arrival;
+    std::deque<Reading> m_reading; // in the order of the files; slots stay where they are
+    Clock::duration m_saveInterval;
+    Clock::time_point m_nextSave;
     QDateTime m_firstImportDate;
 };

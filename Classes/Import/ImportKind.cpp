@@ -1,6 +1,7 @@
 #include "Classes/Import/ImportKind.h"
 
 #include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Imaging/ZQImageSource.h"
 
 #include <QFileInfo>
 
@@ -63,6 +64,21 @@ const ImportKind *importKindForPath(const QString &path)
         }
     }
     return nullptr;
+}
+
+QStringList importableExtensions()
+{
+    QStringList candidates = ZQImageSource::supportedExtensions();
+    for (const ImportKind &kind : importKinds) {
+        const QString name = QString::fromLatin1(kind.name);
+        candidates += kind.match == Match::Extension ? QStringList(name) : ZQTypeIdentifier::extensions(name);
+    }
+    candidates.removeDuplicates();
+    candidates.removeIf([](const QString &extension) {
+        const ImportKind *kind = importKindForPath(QStringLiteral("file.") + extension);
+        return !kind || kind->takes != Takes::File;
+    });
+    return candidates;
 }
 
 bool isArchivePath(const QString &path)

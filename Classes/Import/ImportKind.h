@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 // Which files can be imported, and by what: one table, by the name's extension alone. Any thread.
 
@@ -19,6 +20,8 @@ struct ImportKind
 
 // The row for a name; null for a kind nobody knows here.
 const ImportKind *importKindForPath(const QString &path);
+// Of the files that are taken, in lower case: what a dialogue offers.
+QStringList importableExtensions();
 bool isArchivePath(const QString &path); // "zip" or "rar"
 // A Sketch document that is a single file, as newer versions write it, and no package.
 bool isSketchFile(const QString &path);

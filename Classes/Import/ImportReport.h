@@ -14,7 +14,8 @@ struct DroppedFile
         InWindow,           // a person at the window is told
         InWindowPartly,     // too; the rest of an archive was taken
         InWindowIncomplete, // too; the picture was imported, but only a part of it can be drawn
-        Quietly, // only who asks for the report: kinds nobody expected to be taken, duplicates the person decided about
+        Quietly, // only who asks for the report, and who dropped just that: kinds nobody expected to be taken
+        Decided, // only who asks for the report: duplicates the person decided about
     };
     QString path;
     QString reason;

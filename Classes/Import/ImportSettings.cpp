@@ -18,6 +18,7 @@ ImportSettings ImportSettings::current()
         .iconTagSize = integer("IconTagSize"),
         .smallTagSize = integer("SmallTagSize"),
         .mediumTagSize = integer("MediumTagSize"),
+        .firstSaveAfter = std::chrono::milliseconds(integer("ImportShowsAfter")),
     };
 }
 

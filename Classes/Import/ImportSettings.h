@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <chrono>
+
 // What the person set about imports, read once for a batch.
 struct ImportSettings
 {
@@ -11,6 +13,7 @@ struct ImportSettings
     int iconTagSize = 0;
     int smallTagSize = 0;
     int mediumTagSize = 0;
+    std::chrono::milliseconds firstSaveAfter{500}; // when the first items of a batch are to be seen
 
     static ImportSettings current();
 

@@ -1,6 +1,7 @@
 #include "Classes/Interface/ImportDoor.h"
 
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -33,7 +34,7 @@ bool carriesContent(const QMimeData *data)
 
 QStringList openPanelExtensions()
 {
-    return ImportQueries::supportedTypeForOpenPanel();
+    return importableExtensions();
 }
 
 void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIndex)

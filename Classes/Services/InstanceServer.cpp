@@ -29,17 +29,33 @@ InstanceServer::InstanceServer(const QString &socketName, Handler handler, QObje
     : QObject(parent), m_socketName(socketName), m_handler(std::move(handler))
 {
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    connect(&m_server, &QLocalServer::newConnection, this, [this] {
-        while (QLocalSocket *socket = m_server.nextPendingConnection()) {
-            // Queued: the handler may run the event loop, and the socket may not go while its own signal is out.
-            connect(
-                socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(socket); }, Qt::QueuedConnection);
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        }
-    });
+    connect(&m_server, &QLocalServer::newConnection, this, &InstanceServer::accept);
 }
 
-InstanceServer::~InstanceServer() = default;
+InstanceServer::~InstanceServer()
+{
+    m_server.waitForNewConnection(0); // those that came while nobody served the loop
+    accept();
+    for (const QPointer<QLocalSocket> &socket : std::as_const(m_connected)) {
+        if (socket) {
+            socket->write(line({{QStringLiteral("notBegun"), true}}));
+            socket->waitForBytesWritten(connectMilliseconds);
+            socket->disconnectFromServer();
+        }
+    }
+}
+
+void InstanceServer::accept()
+{
+    while (QLocalSocket *socket = m_server.nextPendingConnection()) {
+        m_connected.removeIf([](const QPointer<QLocalSocket> &known) { return !known; });
+        m_connected.append(socket);
+        // Queued: the handler may run the event loop, and the socket may not go while its own signal is out.
+        connect(
+            socket, &QLocalSocket::readyRead, this, [this, socket] { readFrom(socket); }, Qt::QueuedConnection);
+        connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
 
 bool InstanceServer::listen(ZQError *error)
 {
@@ -75,6 +91,7 @@ void InstanceServer::readFrom(QLocalSocket *socket)
         QTimer::singleShot(retryMilliseconds, socket, [this, socket] { readFrom(socket); });
         return;
     }
+    m_connected.removeAll(socket);
     const QJsonObject request = QJsonDocument::fromJson(socket->readLine()).object();
     InstanceRequest parsed;
     for (const QJsonValue &argument : request.value(QStringLiteral("arguments")).toArray()) {
@@ -118,6 +135,11 @@ std::optional<InstanceReply> InstanceServer::send(const QString &socketName, con
         received += socket.readAll();
     }
     const QJsonObject reply = QJsonDocument::fromJson(received).object();
+    if (reply.value(QStringLiteral("notBegun")).toBool()) {
+        zqSetError(error, ZQError::with(errorDomain, NobodyAnswers,
+                                        zqLocalized("The Zelto that has this library open is ending.")));
+        return std::nullopt;
+    }
     const auto bytes = [&](const char *key) {
         return QByteArray::fromBase64(reply.value(QLatin1String(key)).toString().toLatin1());
     };

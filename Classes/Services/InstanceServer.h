@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QLocalServer>
+#include <QPointer>
 #include <QStringList>
 
 #include <functional>
@@ -29,7 +30,9 @@ struct InstanceReply
 // Lets processes of the same user hand their work to the one that holds a library: a local socket named after the
 // bundle, and the desktop's activation interface (org.freedesktop.Application) on the session bus. Main thread.
 //
-// One request a connection: a line of JSON {"arguments", "cwd"}, answered by a line {"status", "output", "errors"}.
+// One request a connection: a line of JSON {"arguments", "cwd"}, answered by a line {"status", "output", "errors"}, or
+// by
+// {"notBegun"} when the process ends before it comes to it.
 class InstanceServer : public QObject
 {
     Q_OBJECT
@@ -37,7 +40,7 @@ public:
     using Handler = std::function<InstanceReply(const InstanceRequest &)>;
 
     InstanceServer(const QString &socketName, Handler handler, QObject *parent = nullptr);
-    ~InstanceServer() override;
+    ~InstanceServer() override; // what still waits is told that nothing of it was done
 
     bool listen(ZQError *error = nullptr);
     // While this says no, as during the launch, requests wait. Some event loops deliver them whatever they are told.
@@ -47,16 +50,18 @@ public:
 
     enum Error { NotListening = 1, NobodyAnswers, EndedMeanwhile };
     static inline const QString errorDomain = QStringLiteral("zelto.instance");
-    // The other side: nothing, with an error, when nobody answers on that socket. Waits for the reply as long as the
-    // work takes.
+    // The other side: nothing, with an error, when nobody answers on that socket, or who did ends before it begins
+    // (`NobodyAnswers`: nothing was done) or in the midst of it. Waits for the reply as long as the work takes.
     static std::optional<InstanceReply> send(const QString &socketName, const InstanceRequest &request,
                                              ZQError *error = nullptr);
 
 private:
+    void accept();
     void readFrom(QLocalSocket *socket);
 
     QString m_socketName;
     Handler m_handler;
     std::function<bool()> m_isReady; // null: always
     QLocalServer m_server;
+    QList<QPointer<QLocalSocket>> m_connected; // whose requests were not begun
 };

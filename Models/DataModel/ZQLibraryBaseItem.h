@@ -69,9 +69,10 @@ public:
     // can be made. Its files need not be on the disk yet; `duplicatesOf` is for copies that are saved.
     ZQRef<ZQLibraryBaseItem> duplicate();
     // Those of all that have one, with their files on the disk: a row of the store never names a file that a power cut
-    // can take. Waits for the disk once.
+    // can take. Waits for the disk once. `which`: the index of each copy's original.
     static QList<ZQRef<ZQLibraryBaseItem>> duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items,
-                                                        const std::function<bool()> &isWanted);
+                                                        const std::function<bool()> &isWanted,
+                                                        QList<qsizetype> *which = nullptr);
 
     void deleteSelf();
     void restoreSelf();

@@ -282,15 +282,16 @@ ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
 }
 
 QList<ZQRef<ZQLibraryBaseItem>> ZQLibraryBaseItem::duplicatesOf(const QList<ZQRef<ZQLibraryBaseItem>> &items,
-                                                                const std::function<bool()> &isWanted)
+                                                                const std::function<bool()> &isWanted,
+                                                                QList<qsizetype> *which)
 {
     QList<ZQRef<ZQLibraryBaseItem>> copies;
-    for (const auto &item : items) {
-        if (!isWanted()) {
-            break;
-        }
-        if (auto copy = item->duplicate()) {
+    for (qsizetype i = 0; i < items.size() && isWanted(); ++i) {
+        if (auto copy = items[i]->duplicate()) {
             copies.append(std::move(copy));
+            if (which) {
+                which->append(i);
+            }
         }
     }
     ZQError error;

@@ -12,6 +12,7 @@ public:
     void setMaximum(double maximum) override { m_note->maximum = maximum; }
     void advanceBy(double amount) override { m_note->done += amount; }
     void setText(const QString &) override {}
+    void setCountText(const QString &format) override { m_note->countText = format; }
 
 private:
     std::shared_ptr<ScriptedUser::Progress> m_note;

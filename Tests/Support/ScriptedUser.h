@@ -31,6 +31,7 @@ public:
         std::atomic<double> maximum;
         std::atomic<double> done = 0;
         std::atomic<bool> isOver = false;
+        QString countText; // of the thread that works, until it is over
     };
     QList<std::shared_ptr<Progress>> progresses; // that were begun
     QList<FileChoice> fileChoices;               // that were asked for

@@ -7,8 +7,12 @@
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QUrl>
 
@@ -18,6 +22,23 @@
 namespace {
 
 constexpr qsizetype mostFiles = 5000; // of a drag that another program gets
+
+QByteArray libraryName()
+{
+    return QFile::encodeName(QFileInfo(ZQLibraryEnvironment::current().libraryDirectory()).canonicalFilePath());
+}
+
+ZQIndexSet indexesOf(const QList<ZQObjectID> &rows, const QList<ZQObjectID> &wanted, qint64 first, qint64 end)
+{
+    ZQIndexSet result;
+    const QSet<ZQObjectID> set(wanted.begin(), wanted.end());
+    for (qint64 index = first; index < end && !set.isEmpty(); ++index) {
+        if (set.contains(rows[index])) {
+            result.insert(index);
+        }
+    }
+    return result;
+}
 
 bool isVector(const QString &extension)
 {
@@ -139,6 +160,9 @@ void BrowserContent::take(const Content &content)
     m_content = content;
     m_groups = heads;
     m_shown.clear();
+    const auto liveFolder = zqCast<ZQSidebarWatchedFolder>(singleItem());
+    const QString folder = liveFolder ? liveFolder->folderPath() : QString();
+    m_missingFolder = QFileInfo(folder).isDir() ? QString() : folder;
     if (filter().isEmpty() && error().isNull() && !content.isBeginning) {
         m_unfilteredCount = count();
     }
@@ -219,14 +243,30 @@ QList<ZQObjectID> BrowserContent::libraryItemIDs(const ZQIndexSet &indexes) cons
 
 ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
 {
-    const QSet<ZQObjectID> wanted(rows.begin(), rows.end());
-    ZQIndexSet result;
-    for (qint64 index = 0; index < count() && !wanted.isEmpty(); ++index) {
-        if (wanted.contains(m_content.rows.ids[index])) {
-            result.insert(index);
-        }
+    // When all of many rows were wanted, most stay where they were.
+    const QList<ZQObjectID> &ids = m_content.rows.ids;
+    const qsizetype shorter = std::min(ids.size(), rows.size());
+    qsizetype same = 0; // at the beginning
+    while (same < shorter && ids[same] == rows[same]) {
+        ++same;
+    }
+    qsizetype sameAtEnd = 0;
+    while (sameAtEnd < shorter - same && ids[ids.size() - 1 - sameAtEnd] == rows[rows.size() - 1 - sameAtEnd]) {
+        ++sameAtEnd;
+    }
+    ZQIndexSet result = indexesOf(ids, rows.sliced(same, rows.size() - same - sameAtEnd), same, ids.size() - sameAtEnd);
+    if (same > 0) {
+        result.unite(ZQIndexSet(0, same - 1));
+    }
+    if (sameAtEnd > 0) {
+        result.unite(ZQIndexSet(ids.size() - sameAtEnd, ids.size() - 1));
     }
     return result;
+}
+
+ZQIndexSet BrowserContent::indexesOfLibraryItems(const QList<ZQObjectID> &items) const
+{
+    return indexesOf(m_content.rows.related, items, 0, count());
 }
 
 qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
@@ -308,6 +348,7 @@ QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
     auto *data = new QMimeData;
     data->setUrls(urls);
     data->setData(itemsMimeType, identifiers);
+    data->setData(libraryMimeType, libraryName());
     return data;
 }
 
@@ -326,9 +367,25 @@ QList<ZQObjectID> BrowserContent::itemsOfMimeData(const QMimeData *data, WindowC
     return result;
 }
 
+QList<ZQObjectID> BrowserContent::itemsToLink(const QMimeData *data, WindowContext &window)
+{
+    if (!data->hasFormat(itemsMimeType) || data->data(libraryMimeType) != libraryName()) {
+        return {};
+    }
+    QList<ZQObjectID> result;
+    for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(itemsOfMimeData(data, window), window.context)) {
+        if (item->active()) {
+            result.append(item->objectID());
+        }
+    }
+    return result;
+}
+
 bool BrowserContent::dropsAtIndex(const QMimeData * /*data*/) const
 {
-    return m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual && filter().isEmpty();
+    const bool isInGroups = m_groups.size() > 1; // the rows are not in the order of the members then
+    return m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual && filter().isEmpty() &&
+           !isInGroups;
 }
 
 Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*/) const
@@ -357,7 +414,12 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
     }
     const quint32 place = dropsAtIndex(data) ? quint32(index) : ZQSidebarBaseItem::appendIndex;
     if (data->hasFormat(itemsMimeType)) {
-        LibraryCommands(m_window).moveItems(itemsOfMimeData(data, m_window), target->objectID(), place);
+        const QList<ZQObjectID> items = itemsOfMimeData(data, m_window);
+        if (indexesOfLibraryItems(items).isEmpty()) { // of what was shown when the drag began
+            LibraryCommands(m_window).addItems(items, target->objectID(), place);
+        } else {
+            LibraryCommands(m_window).moveItems(items, target->objectID(), place);
+        }
         return true;
     }
     const QStringList paths = ImportDoor::localPaths(data);
@@ -400,14 +462,29 @@ QString BrowserContent::emptyText() const
                         {filter()});
     }
     const auto single = singleItem();
-    if (single && single->isSmartFolder()) {
+    if (!single) {
+        return zqLocalized("What is selected in the sidebar is empty.");
+    }
+    if (isFolderMissing()) {
+        return zqFormat(zqLocalized("The folder “%@” is not there. Connect its disk, or put it back."),
+                        {m_missingFolder});
+    }
+    if (single->isSmartFolder()) {
         return emptySearchText();
     }
-    if (single && single->isRecent()) {
+    if (single->isRecent()) {
         return zqLocalized("Nothing was added or changed in the last days.");
     }
-    if (single && single->isFolder()) {
+    if (single->isFolder()) {
         return zqLocalized("The projects of this folder are empty.");
+    }
+    if (single->isScreenshot()) {
+        return zqLocalized("What you capture of the screen comes here.");
+    }
+    if (single->isTag()) {
+        return SidebarTargetRules::items(single.get())
+                   ? zqLocalized("Nothing has this tag. Drop images here, or drag items onto it in the sidebar.")
+                   : zqLocalized("Images get this tag by themselves when they are imported.");
     }
     return zqLocalized("Drop images here, or press Ctrl+I");
 }

@@ -12,6 +12,8 @@ class BrowserContent : public QObject, public ZQGridDataSource
     Q_OBJECT
 public:
     static inline const QString itemsMimeType = QStringLiteral("application/x-zelto-items");
+    // The library they are of, by its folder: copies of a library have its store's identity, too.
+    static inline const QString libraryMimeType = QStringLiteral("application/x-zelto-library");
 
     explicit BrowserContent(WindowContext &window, QObject *parent = nullptr);
 
@@ -35,12 +37,15 @@ public:
     const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
     bool isLoading() const { return m_isAskedAnew || m_content.isBeginning; }
+    bool isFolderMissing() const { return !m_missingFolder.isEmpty(); } // of a live folder that is shown alone
     qint64 unfilteredCount() const { return m_unfilteredCount; }
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
     QList<ZQObjectID> libraryItemIDs(const ZQIndexSet &indexes) const;
     QList<ZQObjectID> rowIDs(const ZQIndexSet &indexes) const;
+    const QList<ZQObjectID> &rowIDs() const { return m_content.rows.ids; } // all
     ZQIndexSet indexesOfRows(const QList<ZQObjectID> &rows) const;
+    ZQIndexSet indexesOfLibraryItems(const QList<ZQObjectID> &items) const;
     qint64 indexOfLibraryItem(const ZQObjectID &item) const; // linear; -1 for none
 
     qint64 count() const override { return m_content.rows.ids.size(); }
@@ -56,6 +61,8 @@ public:
     QString emptyText() const override;
 
     static QList<ZQObjectID> itemsOfMimeData(const QMimeData *data, WindowContext &window);
+    // Those of them that this library has and did not delete; none of what another library's window copied.
+    static QList<ZQObjectID> itemsToLink(const QMimeData *data, WindowContext &window);
 
 Q_SIGNALS:
     // What was fetched differs from what is shown. At the first the rows are still the old ones.
@@ -76,6 +83,7 @@ private:
     std::shared_ptr<TabState> m_tab;
     Content m_content; // what is shown
     QList<ZQGridGroup> m_groups;
+    QString m_missingFolder;
     qint64 m_unfilteredCount = 0;
     BrowserRowValues m_values;
     bool m_showsValues = false;

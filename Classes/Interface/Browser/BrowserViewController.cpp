@@ -5,6 +5,7 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
+#include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
@@ -21,6 +22,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
@@ -63,6 +65,8 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
     cell->addWidget(m_grid, 0, 0);
     cell->addWidget(makeRecovery(), 0, 0, Qt::AlignCenter);
+    m_empty = new EmptyState(page);
+    cell->addWidget(m_empty, 0, 0, Qt::AlignCenter);
     column->addLayout(cell, 1);
     column->addWidget(makeStatus());
     m_stack->addWidget(page);
@@ -205,8 +209,11 @@ void BrowserViewController::contentWillChange()
         return; // what is selected is another tab's
     }
     const ZQIndexSet selection = m_grid->selection();
-    m_selectsAll = selection.count() > 1 && selection.count() == m_content->count();
-    m_rowsToSelect = selection.count() > mostKeptRows ? QList<ZQObjectID>() : m_content->rowIDs(selection);
+    if (selection.count() == m_content->count()) {
+        m_rowsToSelect = m_content->rowIDs(); // what arrives does not join them
+    } else {
+        m_rowsToSelect = selection.count() > mostKeptRows ? QList<ZQObjectID>() : m_content->rowIDs(selection);
+    }
 }
 
 void BrowserViewController::contentDidChange()
@@ -218,13 +225,14 @@ void BrowserViewController::contentDidChange()
         if (!std::exchange(m_keepsScroll, true)) {
             m_grid->setScrollOffset(0);
         }
-        selectWhatIsWanted(m_selectsAll ? ZQIndexSet(0, m_content->count() - 1)
-                                        : m_content->indexesOfRows(m_rowsToSelect));
-        if (m_grid->selection().count() == 1) {
+        const bool selectsOther = !m_itemsToSelect.isEmpty();
+        selectWhatIsWanted(m_content->indexesOfRows(std::exchange(m_rowsToSelect, {})));
+        if (selectsOther || m_grid->selection().count() == 1) {
             m_grid->scrollToIndex(m_grid->selection().first());
         }
     }
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
+    m_empty->showFor(*m_content);
     updateHead();
     m_chips->setText(m_content->shownSearch());
     updateStatus();
@@ -233,10 +241,9 @@ void BrowserViewController::contentDidChange()
 
 void BrowserViewController::selectWhatIsWanted(ZQIndexSet selection)
 {
-    if (!m_itemToSelect.isNull()) {
-        const qint64 index = m_content->indexOfLibraryItem(m_itemToSelect);
-        selection = index < 0 ? selection : ZQIndexSet(index, index);
-        m_itemToSelect = {};
+    if (!m_itemsToSelect.isEmpty()) {
+        const ZQIndexSet wanted = m_content->indexesOfLibraryItems(std::exchange(m_itemsToSelect, {}));
+        selection = wanted.isEmpty() ? selection : wanted;
     }
     const qint64 place = std::exchange(m_indexToSelect, -1);
     if (selection.isEmpty() && place >= 0 && m_content->count() > 0) {
@@ -258,7 +265,7 @@ void BrowserViewController::restoreView()
     if (selection.isEmpty()) {
         selection = view.selectionIndexes;
     }
-    const bool selectsOther = !m_itemToSelect.isNull();
+    const bool selectsOther = !m_itemsToSelect.isEmpty();
     selectWhatIsWanted(selection);
     if (selectsOther) {
         m_grid->scrollToIndex(m_grid->selection().first());
@@ -385,13 +392,14 @@ ZQRef<ZQLibraryBaseItem> BrowserViewController::firstSelected() const
     return m_content->libraryItem(m_grid->selection().first());
 }
 
-void BrowserViewController::selectLibraryItem(const ZQObjectID &item)
+void BrowserViewController::selectLibraryItems(const QList<ZQObjectID> &items)
 {
-    const qint64 index = m_content->indexOfLibraryItem(item);
-    if (index >= 0) {
-        m_grid->setCurrentIndex(index);
-    } else {
-        m_itemToSelect = item;
+    const ZQIndexSet indexes = m_restoresView ? ZQIndexSet() : m_content->indexesOfLibraryItems(items);
+    const bool areMoreToCome = m_restoresView || m_refetch.isActive() || !m_window.fetcher.isIdle();
+    m_itemsToSelect = areMoreToCome ? items : QList<ZQObjectID>();
+    if (!indexes.isEmpty()) {
+        m_grid->setSelection(indexes);
+        m_grid->scrollToIndex(indexes.first());
     }
 }
 
@@ -474,7 +482,13 @@ void BrowserViewController::removeFromProject()
 void BrowserViewController::duplicate()
 {
     if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
-        LibraryCommands(m_window).duplicateItems(items);
+        const auto single = m_content->singleItem();
+        LibraryCommands(m_window).duplicateItems(items, single ? single->objectID() : ZQObjectID(),
+                                                 [self = QPointer(this)](const QList<ZQObjectID> &copies) {
+                                                     if (self && !self->isDetailOpen()) {
+                                                         self->selectLibraryItems(copies);
+                                                     }
+                                                 });
     }
 }
 

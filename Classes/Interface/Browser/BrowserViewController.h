@@ -10,6 +10,7 @@
 class BrowserHead;
 class BrowserListStyle;
 class DetailView;
+class EmptyState;
 class QLabel;
 class QSlider;
 class QStackedWidget;
@@ -36,11 +37,14 @@ public:
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
     SavedSearchButtons &savedSearchButtons() { return *m_savedSearch; } // in the head
+    EmptyState &emptyState() { return *m_empty; }
 
     QList<ZQObjectID> selectedItems() const; // library items; the one shown in the detail view
     qint64 selectionCount() const;
     ZQRef<ZQLibraryBaseItem> firstSelected() const;
-    void selectLibraryItem(const ZQObjectID &item);
+    // At once, or when they are there; scrolled to.
+    void selectLibraryItem(const ZQObjectID &item) { selectLibraryItems({item}); }
+    void selectLibraryItems(const QList<ZQObjectID> &items);
 
     void refetch();       // what the store holds changed
     void redrawVisible(); // attributes of what is shown changed
@@ -96,11 +100,11 @@ private:
     SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;
     QWidget *m_recovery;
+    EmptyState *m_empty;
     QSlider *m_zoom;
     QTimer m_refetch;
     QList<ZQObjectID> m_rowsToSelect; // across a refetch
-    bool m_selectsAll = false;
-    ZQObjectID m_itemToSelect;
+    QList<ZQObjectID> m_itemsToSelect;
     qint64 m_indexToSelect = -1; // when what was selected is gone
     bool m_keepsScroll = false;
     bool m_restoresView = false;       // what the tab says of its view is not shown yet

@@ -14,6 +14,8 @@
 #include <QMimeData>
 #include <QStackedWidget>
 
+#include <algorithm>
+
 ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &window, QWidget *parent)
     : QWidget(parent), m_window(window), m_commands(window),
       m_switch(new ZQSwitch({zqLocalized("Projects"), zqLocalized("Tags")}, this)), m_stack(new QStackedWidget(this)),

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Window/ImportActions.h"
 
+#include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/TextFields.h"
@@ -53,6 +54,11 @@ void ImportActions::pasteFromClipboard()
                                                NotificationPlace::Browser, usualNotificationTime);
         return;
     }
+    // What is in this library is not brought a second time; what is gone from it comes as files, as from elsewhere.
+    if (const QList<ZQObjectID> items = BrowserContent::itemsToLink(mime, m_window); !items.isEmpty()) {
+        link(items);
+        return;
+    }
     const QStringList paths = ImportDoor::localPaths(mime);
     const Rule forContent = [](const ZQSidebarBaseItem *item) {
         return SidebarTargetRules::content(item, SidebarTargetRules::Place::Pane);
@@ -60,6 +66,26 @@ void ImportActions::pasteFromClipboard()
     if (const auto into = target(paths.isEmpty() ? forContent : forFiles(paths))) {
         ImportDoor::importPasteboard(mime, into.get(), ZQSidebarBaseItem::appendIndex);
     }
+}
+
+void ImportActions::link(const QList<ZQObjectID> &items)
+{
+    const auto tell = [this](const QString &text) {
+        m_window.user.showNotificationWithText(text, NotificationPlace::Browser, usualNotificationTime);
+    };
+    const auto single = m_browser.content().singleItem();
+    if (const auto answer = SidebarTargetRules::items(single.get()); !answer) {
+        tell(answer.refusal);
+        return;
+    }
+    const bool areAllThere = m_browser.content().filter().isEmpty() &&
+                             m_browser.content().indexesOfLibraryItems(items).count() >= items.size();
+    if (areAllThere) {
+        tell(zqFormat(zqLocalized("“%@” has them already"), {single->title()}));
+    } else {
+        LibraryCommands(m_window).addItems(items, single->objectID(), ZQSidebarBaseItem::appendIndex);
+    }
+    m_browser.selectLibraryItems(items);
 }
 
 QList<WindowCommand> ImportActions::commands()

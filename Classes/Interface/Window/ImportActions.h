@@ -18,6 +18,7 @@ public:
     QList<WindowCommand> commands();
 
 private:
+    void link(const QList<ZQObjectID> &items); // of this library, to what is shown
     using Rule = std::function<SidebarTargetRules::Answer(const ZQSidebarBaseItem *target)>;
     static Rule forFiles(const QStringList &paths);
     // What the browser shows when that takes it, else the library, which is told.

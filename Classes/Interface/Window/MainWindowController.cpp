@@ -4,10 +4,12 @@
 #include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/Sheets/Sheet.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/TextFields.h"
+#include "Classes/Interface/Window/ArrivedItems.h"
 #include "Classes/Interface/Window/FileTagReader.h"
 #include "Classes/Interface/Window/ImportActions.h"
 #include "Classes/Interface/Window/MainToolbar.h"
@@ -28,6 +30,7 @@
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMenu>
 #include <QSplitter>
 #include <QTimer>
@@ -95,6 +98,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     m_savedSearches =
         new SavedSearchActions(*m_window, *m_browser, *m_sidebar, m_toolbar->search(), m_mainWindow.get());
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
+    new ArrivedItems(
+        *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     new FileTagReader(*m_window, *m_browser, m_mainWindow.get());
@@ -155,6 +160,8 @@ void MainWindowController::makeCommands()
     connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNew);
     connect(m_sidebar, &ProjectsSidebarViewController::sideChanged, m_toolbar, &MainToolbar::showAdds);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
+    connect(&m_browser->emptyState(), &EmptyState::importRequested, this, [this] { m_imports->importWithDialog(); });
+    connect(&m_browser->emptyState(), &EmptyState::everythingRequested, &m_toolbar->search(), &QLineEdit::clear);
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);
     connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);

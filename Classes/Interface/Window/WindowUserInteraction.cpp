@@ -5,7 +5,6 @@
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
-#include "Kit/Widgets/ZQNotificationBubble.h"
 #include "Kit/Widgets/ZQProgressLine.h"
 
 #include <QApplication>
@@ -13,6 +12,7 @@
 #include <QDBusInterface>
 #include <QDBusMessage>
 #include <QFileDialog>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -58,6 +58,14 @@ public:
         }
         show();
     }
+    void setCountText(const QString &format) override
+    {
+        {
+            const ZQLockGuard guard(m_lock);
+            m_countText = format;
+        }
+        show();
+    }
     void setLine(ZQProgressLine *line) // main thread, before others hold it
     {
         m_line = line;
@@ -81,7 +89,10 @@ private:
     {
         const ZQLockGuard guard(m_lock);
         if (m_line) {
-            m_line->setText(m_text);
+            const QLocale locale;
+            m_line->setText(m_countText.isEmpty() ? m_text
+                                                  : zqFormat(m_countText, {locale.toString(qint64(m_value)),
+                                                                           locale.toString(qint64(m_maximum))}));
             m_line->setFraction(m_maximum > 0 ? m_value / m_maximum : -1);
         }
     }
@@ -90,6 +101,7 @@ private:
     double m_maximum ZQ_GUARDED_BY(m_lock);
     double m_value ZQ_GUARDED_BY(m_lock) = 0;
     QString m_text ZQ_GUARDED_BY(m_lock);
+    QString m_countText ZQ_GUARDED_BY(m_lock);
     std::atomic<bool> m_isPending = false;
     QPointer<ZQProgressLine> m_line;
 };
@@ -174,6 +186,12 @@ void WindowUserInteraction::showNotificationWithText(const QString &text, Notifi
         zqOnMainThread([this, text, position, time] { showNotificationWithText(text, position, time); });
         return;
     }
+    showNotification(text, position, time, {});
+}
+
+void WindowUserInteraction::showNotification(const QString &text, NotificationPlace position,
+                                             std::chrono::milliseconds time, const QList<ZQNotificationAction> &actions)
+{
     if (!hasWindow()) {
         return;
     }
@@ -183,7 +201,16 @@ void WindowUserInteraction::showNotificationWithText(const QString &text, Notifi
     if (!m_bubbles[slot]) {
         m_bubbles[slot] = new ZQNotificationBubble(m_places.window);
     }
-    m_bubbles[slot]->showText(text, place, position == NotificationPlace::Window, time);
+    m_bubbles[slot]->showText(text, place, position == NotificationPlace::Window, time, actions);
+}
+
+void WindowUserInteraction::importDidEnd(const ImportOutcome &outcome)
+{
+    if (onImportEnd) {
+        onImportEnd(outcome);
+    } else {
+        UserInteraction::importDidEnd(outcome);
+    }
 }
 
 void WindowUserInteraction::showSystemNotification(const QString &title, const QString &text)

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Classes/Application/UserInteraction.h"
+#include "Kit/Widgets/ZQNotificationBubble.h"
 
 #include <QPointer>
 #include <QWidget>
 
 class QVBoxLayout;
-class ZQNotificationBubble;
 
 // Talks to the person through the main window: sheets, bubbles, progress lines. Before there is a window, alerts are
 // plain dialogs and the rest waits or is dropped.
@@ -30,6 +30,11 @@ public:
     int ask(const UserQuestion &question) override;
     void showNotificationWithText(const QString &text, NotificationPlace position,
                                   std::chrono::milliseconds time) override;
+    // With things a person may do about it, of which each ends it.
+    void showNotification(const QString &text, NotificationPlace position, std::chrono::milliseconds time,
+                          const QList<ZQNotificationAction> &actions);
+    void importDidEnd(const ImportOutcome &outcome) override;
+    std::function<void(const ImportOutcome &)> onImportEnd; // who shows it; null: its text is shown
     void showSystemNotification(const QString &title, const QString &text) override;
     QStringList chooseFilesToOpen(const FileChoice &choice) override;
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;

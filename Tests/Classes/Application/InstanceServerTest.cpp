@@ -83,6 +83,29 @@ TEST(InstanceServer, WhatIsAskedBeforeItIsReadyWaits)
     EXPECT_EQ(served, 1);
 }
 
+TEST(InstanceServer, WhatItDidNotComeToIsSaidNotToHaveBegun)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    for (const bool isRead : {true, false}) { // one the loop served, and one that came too late for it
+        auto server = std::make_unique<InstanceServer>(name, [](const InstanceRequest &) { return InstanceReply{}; });
+        server->setIsReady([] { return false; });
+        ASSERT_TRUE(server->listen());
+        std::optional<InstanceReply> reply;
+        ZQError error;
+        std::thread asker([&] { reply = InstanceServer::send(name, {{QStringLiteral("a")}, {}, {}}, &error); });
+        if (isRead) {
+            zqRunMainLoopFor(std::chrono::milliseconds(200));
+        } else {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        }
+        server.reset();
+        asker.join();
+        EXPECT_FALSE(reply);
+        EXPECT_EQ(error.code, int(InstanceServer::NobodyAnswers)) << error.localizedDescription().toStdString();
+    }
+}
+
 TEST(InstanceServer, AnAnswerIsOnItsWayWithoutAMainLoopThatGoesOn)
 {
     const QTemporaryDir folder;

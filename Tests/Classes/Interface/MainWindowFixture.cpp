@@ -80,6 +80,7 @@ void MainWindowFixture::SetUp()
     ImportDoor::importFiles({path("red.png"), path("clear.png"), path("pages.pdf"), path("moving.gif")}, a.get(),
                             ZQSidebarBaseItem::appendIndex);
     zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+    QCoreApplication::processEvents(); // what is said at the end is not for the window that comes
     openWindow();
     show(a);
 }

@@ -10,6 +10,7 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QToolButton>
 #include <QToolTip>
 #include <QVBoxLayout>
@@ -443,13 +444,16 @@ TEST(ZQNotificationBubble, StandsWhereItBelongsAndGoesByItself)
     const QString words20 = QStringLiteral("words and words ").repeated(20);
     for (const auto &[width, widest] : {std::pair{1000, 420 - 32 + 54}, {300, 300 - 24 - 32 + 54}, {50, 80 + 54}}) {
         place.resize(width, 300);
+        QTest::mouseClick(bubble, Qt::LeftButton); // what is shown makes room
         bubble->showText(words20, &place, false, std::chrono::seconds(30));
         EXPECT_LE(bubble->width(), widest) << width;
         EXPECT_GT(bubble->width(), widest - 60) << width;
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->graphicsEffect()->property("opacity").toDouble() == 1; }, 20000));
     place.resize(500, 300);
+    QTest::mouseClick(bubble, Qt::LeftButton);
     bubble->showText(text, &place, false, std::chrono::seconds(30));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bubble->graphicsEffect()->property("opacity").toDouble() == 1; }, 20000));
     EXPECT_EQ(pixelOf(*bubble, {size.width() / 2, 14}), zqColor(ZQColorRole::Raised2));
     QTest::mouseClick(bubble, Qt::LeftButton);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000)) << "a click sends it away";
@@ -458,4 +462,62 @@ TEST(ZQNotificationBubble, StandsWhereItBelongsAndGoesByItself)
     EXPECT_TRUE(bubble->isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000)) << "and so does its time";
     delete bubble;
+}
+
+TEST(ZQNotificationBubble, OneMessageFollowsTheOtherAndEachIsSaidOnce)
+{
+    QWidget window;
+    window.resize(600, 500);
+    auto *bubble = new ZQNotificationBubble(&window);
+    window.show();
+    const auto say = [&](const char *text, const QList<ZQNotificationAction> &actions = {}) {
+        bubble->showText(QLatin1StringView(text), &window, false, std::chrono::seconds(30), actions);
+    };
+    say("first");
+    int done = 0;
+    say("second", {{QStringLiteral("Do"), [&done] { ++done; }}, {QStringLiteral("Leave"), [] {}}});
+    say("third");
+    say("third");
+    say("first");
+    EXPECT_EQ(bubble->text(), QStringLiteral("first"));
+    EXPECT_EQ(bubble->waitingCount(), 2);
+    EXPECT_TRUE(bubble->findChildren<QPushButton *>().isEmpty());
+    QTest::mouseClick(bubble, Qt::LeftButton);
+    EXPECT_EQ(bubble->text(), QStringLiteral("second"));
+    const auto buttons = bubble->findChildren<QPushButton *>();
+    ASSERT_EQ(buttons.size(), 2);
+    EXPECT_TRUE(bubble->rect().contains(buttons[0]->geometry() | buttons[1]->geometry()));
+    EXPECT_FALSE(buttons[0]->geometry().intersects(buttons[1]->geometry()));
+    buttons[0]->setFocus();
+    QTest::keyClick(buttons[0], Qt::Key_Space);
+    EXPECT_EQ(done, 1);
+    EXPECT_EQ(bubble->text(), QStringLiteral("third")) << "what was done ends it";
+    QTest::mouseClick(bubble, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !bubble->isVisible(); }, 20000));
+}
+
+TEST(ZQNotificationBubble, WhatWaitsIsShownByItselfAndNotWhereItsPlaceIsGone)
+{
+    QWidget window;
+    window.resize(600, 500);
+    auto *bubble = new ZQNotificationBubble(&window);
+    auto *place = new QWidget(&window);
+    window.show();
+    const auto say = [&](const char *text, QWidget *where) {
+        bubble->showText(QLatin1StringView(text), where, false, std::chrono::seconds(0));
+    };
+    say("first", &window);
+    say("gone", place);
+    say("last", &window);
+    delete place;
+    QStringList seen{bubble->text()};
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            if (seen.last() != bubble->text()) {
+                seen.append(bubble->text());
+            }
+            return !bubble->isVisible();
+        },
+        20000));
+    EXPECT_EQ(seen, (QStringList{"first", "last"}));
 }

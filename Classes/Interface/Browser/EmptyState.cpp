@@ -1,0 +1,38 @@
+#include "Classes/Interface/Browser/EmptyState.h"
+
+#include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Interface/Browser/BrowserContent.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QBoxLayout>
+#include <QPushButton>
+
+EmptyState::EmptyState(QWidget *parent)
+    : QWidget(parent), m_everything(new QPushButton(zqLocalized("Show All"), this)),
+      m_import(new QPushButton(zqLocalized("Import…"), this))
+{
+    m_everything->setAccessibleName(zqLocalized("Show everything, without the search"));
+    m_import->setAccessibleName(zqLocalized("Import files here"));
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(16, 136, 16, 0);
+    row->addStretch(1);
+    for (QPushButton *button : {m_everything, m_import}) {
+        button->setAutoDefault(true); // Return presses it, as in a sheet
+        row->addWidget(button);
+    }
+    row->addStretch(1);
+    connect(m_everything, &QPushButton::clicked, this, &EmptyState::everythingRequested);
+    connect(m_import, &QPushButton::clicked, this, &EmptyState::importRequested);
+    hide();
+}
+
+void EmptyState::showFor(const BrowserContent &content)
+{
+    const bool isEmpty = content.count() == 0 && content.error().isNull() && !content.isLoading();
+    const auto single = content.singleItem();
+    const bool isSearched = !content.filter().isEmpty();
+    const bool takesFiles = single && SidebarTargetRules::files({.hasSupported = true}, single.get());
+    m_everything->setVisible(isSearched);
+    m_import->setVisible(!isSearched && takesFiles && !content.isFolderMissing());
+    setVisible(isEmpty && (isSearched || takesFiles) && !content.isFolderMissing());
+}

@@ -1,0 +1,106 @@
+#include "Classes/Interface/Window/ArrivedItems.h"
+
+#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Sheets/RefusedFilesSheet.h"
+#include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+#include "Classes/Interface/Window/WindowUserInteraction.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QLocale>
+#include <QSet>
+#include <QTimer>
+
+#include <algorithm>
+
+using namespace std::chrono_literals;
+
+namespace {
+constexpr auto lookInterval = 100ms;
+constexpr int mostLooks = 30;         // something else is being fetched all the time
+constexpr auto timeToDecide = 8000ms; // with a button
+} // namespace
+
+ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, ProjectsSidebarViewController &sidebar,
+                           BrowserViewController &browser, std::function<void()> showEverything, QObject *parent)
+    : QObject(parent), m_window(window), m_user(user), m_sidebar(sidebar), m_browser(browser),
+      m_showEverything(std::move(showEverything))
+{
+    m_user.onImportEnd = [this](const ImportOutcome &outcome) { tellWhenShown(outcome, 0); };
+}
+
+ArrivedItems::~ArrivedItems()
+{
+    m_user.onImportEnd = nullptr;
+}
+
+// The rows come a moment after the items: whether they are in view is not known before.
+void ArrivedItems::tellWhenShown(const ImportOutcome &outcome, int looks)
+{
+    if (outcome.imported.isEmpty() || looks == mostLooks || (looks > 0 && m_window.fetcher.isIdle())) {
+        tell(outcome);
+    } else {
+        QTimer::singleShot(lookInterval, this, [this, outcome, looks] { tellWhenShown(outcome, looks + 1); });
+    }
+}
+
+void ArrivedItems::tell(const ImportOutcome &outcome)
+{
+    QString text = outcome.summary.isEmpty() ? outcome.text : outcome.summary;
+    QList<ZQNotificationAction> actions;
+    if (!outcome.imported.isEmpty() && !areInView(outcome.imported)) {
+        if (text.isEmpty()) {
+            text = zqFormat(zqLocalized("%@ imported"), {QLocale().toString(outcome.imported.size())});
+        }
+        actions.append({zqLocalized("Show"), [this, outcome] { show(outcome.imported, outcome.target); }});
+    }
+    if (!outcome.refused.isEmpty() && !text.isEmpty()) {
+        actions.append({zqLocalized("Reasons…"), [this, outcome] { showRefused(outcome); }});
+    }
+    if (!text.isEmpty()) {
+        m_user.showNotification(text, NotificationPlace::Browser,
+                                actions.isEmpty() ? outcome.time
+                                                  : std::max<std::chrono::milliseconds>(outcome.time, timeToDecide),
+                                actions);
+    }
+}
+
+bool ArrivedItems::areInView(const QList<ZQObjectID> &items) const
+{
+    if (m_browser.isDetailOpen()) {
+        return false;
+    }
+    const auto visible = m_browser.content().libraryItemIDs(m_browser.grid().visibleIndexes());
+    const QSet<ZQObjectID> arrived(items.begin(), items.end());
+    return std::any_of(visible.begin(), visible.end(),
+                       [&arrived](const ZQObjectID &id) { return arrived.contains(id); });
+}
+
+// Labels cannot be chosen; what went there is in the library, as everything.
+ZQObjectID ArrivedItems::placeOf(const ZQObjectID &target) const
+{
+    const auto item = target.isNull() ? ZQRef<ZQSidebarBaseItem>() : m_window.sidebarItem(target);
+    if (item && item->active() && !item->isLabel()) {
+        return target;
+    }
+    const auto library = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_window.context);
+    return library ? library->objectID() : ZQObjectID();
+}
+
+void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target)
+{
+    m_browser.closeDetail();
+    if (m_browser.content().indexesOfLibraryItems(items).isEmpty()) {
+        m_showEverything();
+        m_sidebar.selectItems({placeOf(target)});
+    }
+    m_browser.selectLibraryItems(items);
+    m_browser.grid().setFocus();
+}
+
+void ArrivedItems::showRefused(const ImportOutcome &outcome)
+{
+    QWidget *window = m_browser.window();
+    const QString title = zqLocalized("These files were not imported, or not wholly");
+    (new RefusedFilesSheet(window, title, outcome.refused))->open([](std::optional<int>) {});
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Interface/WindowContext.h"
+
+#include <QObject>
+
+class BrowserViewController;
+class ProjectsSidebarViewController;
+class WindowUserInteraction;
+
+// What the window says at the end of an import: how much came and how much did not, with a way to the items unless they
+// are in view, and to the reasons. Main thread.
+class ArrivedItems : public QObject
+{
+    Q_OBJECT
+public:
+    // `showEverything` takes the search of the tab away.
+    ArrivedItems(WindowContext &window, WindowUserInteraction &user, ProjectsSidebarViewController &sidebar,
+                 BrowserViewController &browser, std::function<void()> showEverything, QObject *parent = nullptr);
+    ~ArrivedItems() override;
+
+    // Goes to where the items are, and selects them.
+    void show(const QList<ZQObjectID> &items, const ZQObjectID &target);
+
+private:
+    void tellWhenShown(const ImportOutcome &outcome, int looks);
+    void tell(const ImportOutcome &outcome);
+    bool areInView(const QList<ZQObjectID> &items) const;
+    ZQObjectID placeOf(const ZQObjectID &target) const;
+    void showRefused(const ImportOutcome &outcome);
+
+    WindowContext &m_window;
+    WindowUserInteraction &m_user;
+    ProjectsSidebarViewController &m_sidebar;
+    BrowserViewController &m_browser;
+    std::function<void()> m_showEverything;
+};

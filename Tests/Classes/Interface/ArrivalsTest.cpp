@@ -1,0 +1,337 @@
+// What arrives while a person looks at something, and what is said of it.
+
+#include "Classes/Interface/Browser/EmptyState.h"
+#include "Classes/Interface/ImportDoor.h"
+#include "Classes/Interface/InfoPanel/RatingField.h"
+#include "Classes/Interface/Sheets/RefusedFilesSheet.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Widgets/ZQNotificationBubble.h"
+#include "Tests/Classes/Interface/DesktopListener.h"
+#include "Tests/Classes/Interface/MainWindowTest.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPushButton>
+
+namespace {
+
+class ArrivalsTest : public MainWindowTest
+{
+protected:
+    QString write(const QString &name, const QByteArray &contents = {})
+    {
+        QDir().mkpath(world.filePath(QStringLiteral("more")));
+        const QString path = world.filePath(QStringLiteral("more/") + name);
+        if (contents.isEmpty()) {
+            QImage picture(4, 4 + ++m_number, QImage::Format_RGB32);
+            picture.fill(Qt::blue);
+            EXPECT_TRUE(picture.save(path));
+        } else {
+            QFile file(path);
+            EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size());
+        }
+        return path;
+    }
+    void import(const QStringList &paths, const Item &into)
+    {
+        ImportDoor::importFiles(paths, into.get(), ZQSidebarBaseItem::appendIndex);
+        settle();
+    }
+    QPushButton *button(const char *text)
+    {
+        for (auto *each : window().findChildren<QPushButton *>()) {
+            if (each->isVisible() && each->text() == QString::fromUtf8(text)) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    QStringList titlesIn(const Item &project)
+    {
+        QStringList titles;
+        for (const auto &item : project->items()) {
+            titles.append(item->title());
+        }
+        return titles;
+    }
+    void undo()
+    {
+        press(Qt::Key_Z, Qt::ControlModifier);
+        settle();
+        settle();
+    }
+    ZQNotificationBubble *bubble()
+    {
+        for (auto *each : window().findChildren<ZQNotificationBubble *>()) {
+            if (each->isVisible()) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+
+private:
+    int m_number = 0;
+};
+
+} // namespace
+
+TEST_F(ArrivalsTest, WhatIsInViewIsNotAnnounced)
+{
+    import({write(QStringLiteral("seen.png"))}, a);
+    EXPECT_TRUE(shown().contains(QStringLiteral("seen")));
+    zqRunMainLoopFor(std::chrono::milliseconds(600)); // longer than it is looked for
+    EXPECT_FALSE(bubble());
+}
+
+TEST_F(ArrivalsTest, ShowGoesToTheItemsWhateverTheTabShows)
+{
+    struct Case
+    {
+        const char *what;
+        Item into;
+        const char *search; // in the tab, which shows A
+        const char *title;  // of what is shown then
+    };
+    for (const Case &each : {Case{"another project", b, "", "B"},
+                             {"what a search hides", a, "nothing like it", "A"},
+                             {"a tag", tag, "", "mine"},
+                             {"the library", special(ZQSidebarKind::Library), "", "Library"}}) {
+        SCOPED_TRACE(each.what);
+        show(a);
+        search().setText(QLatin1StringView(each.search));
+        settle();
+        const QString one = QString::fromLatin1(each.what).left(5).simplified().remove(u' ');
+        import({write(one + QStringLiteral("1.png")), write(one + QStringLiteral("2.png"))}, each.into);
+        ASSERT_TRUE(waitFor([this] { return button("Show") != nullptr; }));
+        EXPECT_EQ(bubble()->text(), QStringLiteral("2 imported"));
+        QTest::mouseClick(button("Show"), Qt::LeftButton);
+        settle();
+        QStringList chosen = selected();
+        chosen.sort();
+        EXPECT_EQ(chosen, (QStringList{one + u'1', one + u'2'}));
+        EXPECT_EQ(browser().content().singleItem()->title(), QLatin1StringView(each.title));
+        EXPECT_TRUE(search().text().isEmpty());
+        const ZQIndexSet visible = grid().visibleIndexes();
+        EXPECT_TRUE(visible.contains(grid().selection().first()));
+        EXPECT_TRUE(waitFor([this] { return !bubble(); }));
+    }
+}
+
+TEST_F(ArrivalsTest, TheReasonsOfAllThatWasNotImportedCanBeListed)
+{
+    const QString broken = write(QStringLiteral("broken.pdf"), "not a document");
+    const QString text = write(QStringLiteral("text.txt"), "words");
+    import({write(QStringLiteral("good.png")), broken, text}, a);
+    ASSERT_TRUE(waitFor([this] { return named("1 imported, 2 not") != nullptr; }));
+    DesktopListener desktop;
+    QStringList rows;
+    QString toolTip;
+    whenAsked([&](Sheet &sheet) {
+        auto *list = sheet.findChild<QListWidget *>();
+        for (int row = 0; list && row < list->count(); ++row) {
+            rows.append(list->item(row)->text());
+        }
+        toolTip = list->item(0)->toolTip();
+        QTest::mouseClick(button("Show in Folder"), Qt::LeftButton);
+        press(Qt::Key_Escape);
+    });
+    QTest::mouseClick(button("Reasons…"), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return rows.size() == 2 && !window().findChild<RefusedFilesSheet *>(); }));
+    EXPECT_TRUE(rows[0].startsWith(QStringLiteral("text.txt\n")) || rows[1].startsWith(QStringLiteral("text.txt\n")));
+    EXPECT_TRUE(rows[0].startsWith(QStringLiteral("broken.pdf\n")) ||
+                rows[1].startsWith(QStringLiteral("broken.pdf\n")));
+    EXPECT_TRUE(QFile::exists(toolTip));
+    EXPECT_EQ(desktop.opened, QList<QUrl>{QUrl::fromLocalFile(world.filePath(QStringLiteral("more")))});
+    EXPECT_EQ(RefusedFilesSheet::folderToShow(world.filePath(QStringLiteral("more/set.zip/in/it.png"))),
+              world.filePath(QStringLiteral("more")));
+
+    import({broken}, a);
+    ASSERT_TRUE(waitFor([this] { return named("Nothing to import!") != nullptr; }));
+    EXPECT_TRUE(waitFor([this] { return bubble() && bubble()->text().startsWith(QStringLiteral("“broken.pdf”")); }))
+        << "the reason follows, and is not replaced";
+}
+
+TEST_F(ArrivalsTest, WhatThisLibraryHasIsLinkedAndNotImportedAgain)
+{
+    select({QStringLiteral("red"), QStringLiteral("clear")});
+    press(Qt::Key_C, Qt::ControlModifier);
+    show(b);
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(delegate->backgroundOperationQueue().operationCount(), 0);
+    settle();
+    EXPECT_EQ(titlesIn(b), (QStringList{"red", "clear"}));
+    EXPECT_EQ(selected(), (QStringList{"red", "clear"}));
+    press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([this] { return named("“B” has them already") != nullptr; }));
+    undo();
+    EXPECT_EQ(titlesIn(b), QStringList());
+    EXPECT_EQ(titlesIn(a).size(), 4);
+
+    show(tag);
+    press(Qt::Key_V, Qt::ControlModifier);
+    settle();
+    EXPECT_TRUE(tag->containsItem(image(QStringLiteral("red")).get()));
+    undo();
+
+    const auto number = [this] {
+        return context().countForFetchRequest({ZQLibraryBaseItem::entityName()}).value_or(0);
+    };
+    const auto before = number();
+    show(special(ZQSidebarKind::Library));
+    press(Qt::Key_V, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(number(), before);
+
+    // Of a copy of this library, or of what was deleted since, the files are all there is.
+    select({QStringLiteral("red")});
+    press(Qt::Key_C, Qt::ControlModifier);
+    auto *other = new QMimeData;
+    other->setUrls(QApplication::clipboard()->mimeData()->urls());
+    other->setData(BrowserContent::itemsMimeType,
+                   QApplication::clipboard()->mimeData()->data(BrowserContent::itemsMimeType));
+    other->setData(BrowserContent::libraryMimeType, "/somewhere/Else.ztlibrary/Library");
+    QApplication::clipboard()->setMimeData(other);
+    show(b);
+    whenAsked([this](Sheet &) {
+        press(Qt::Key_3); // both
+        press(Qt::Key_Return);
+    });
+    press(Qt::Key_V, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(number(), before + 1);
+    EXPECT_EQ(titlesIn(b), QStringList{"red"});
+}
+
+TEST_F(ArrivalsTest, ACopyStandsBesideItsOriginalSelectedAndIsOneStep)
+{
+    const QStringList before = titlesIn(a);
+    select({before[0], before[2]});
+    press(Qt::Key_D, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([&] {
+        settle();
+        return shown().size() == 6;
+    }));
+    EXPECT_EQ(shown(), (QStringList{before[0], before[0], before[1], before[2], before[2], before[3]}));
+    ZQIndexSet copies(1, 1);
+    copies.insert(4);
+    EXPECT_EQ(grid().selection(), copies);
+    undo();
+    EXPECT_TRUE(waitFor([&] {
+        settle();
+        return shown() == before;
+    }));
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(waitFor([&] {
+        settle();
+        return shown().size() == 6;
+    }));
+    show(special(ZQSidebarKind::Library));
+    EXPECT_EQ(shown().size(), 6) << "and once only";
+}
+
+TEST_F(ArrivalsTest, WhatGoesByUndoLeavesItsNeighbourShown)
+{
+    show(b);
+    press(Qt::Key_N, Qt::ControlModifier);
+    type(QStringLiteral("Passing"));
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(browser().content().singleItem()->title(), QStringLiteral("Passing"));
+    EXPECT_EQ(window().findChild<QLabel *>(QStringLiteral("Title"))->text(), QStringLiteral("Passing"))
+        << "the head follows a renaming";
+    grid().setFocus();
+    undo(); // the name
+    undo(); // the project
+    EXPECT_FALSE(children(projects).contains(QStringLiteral("Passing")));
+    ASSERT_TRUE(browser().content().singleItem());
+    EXPECT_TRUE(browser().content().singleItem()->active());
+    EXPECT_EQ(sidebar().selectedItems(), browser().sidebarItems());
+    EXPECT_EQ(children(projects).contains(browser().content().singleItem()->title()), true);
+}
+
+TEST_F(ArrivalsTest, ThePanelFollowsARatingThatIsTakenBack)
+{
+    select({QStringLiteral("red")});
+    grid().setFocus();
+    press(Qt::Key_4);
+    settle();
+    const auto *rating = window().findChild<RatingField *>();
+    ASSERT_TRUE(rating);
+    const QString rated = rating->accessibleName();
+    EXPECT_TRUE(rated.contains(u'4')) << rated.toStdString();
+    undo();
+    EXPECT_EQ(image(QStringLiteral("red"))->rating(), 0);
+    EXPECT_FALSE(rating->accessibleName().contains(u'4')) << rating->accessibleName().toStdString();
+}
+
+TEST_F(ArrivalsTest, WhereNothingIsTheWayOnIsAButton)
+{
+    show(b);
+    ASSERT_TRUE(button("Import…"));
+    EXPECT_FALSE(button("Show All"));
+    person.files = {write(QStringLiteral("first.png"))};
+    button("Import…")->click();
+    settle();
+    EXPECT_EQ(shown(), QStringList{"first"});
+    EXPECT_FALSE(button("Import…"));
+    search().setText(QStringLiteral("nothing like it"));
+    settle();
+    EXPECT_FALSE(button("Import…"));
+    ASSERT_TRUE(button("Show All"));
+    button("Show All")->click();
+    settle();
+    EXPECT_EQ(search().text(), QString());
+    EXPECT_EQ(shown(), QStringList{"first"});
+    EXPECT_FALSE(button("Show All"));
+    show(special(ZQSidebarKind::Recent));
+    EXPECT_FALSE(button("Import…")) << "it takes none";
+}
+
+TEST_F(ArrivalsTest, ADragShowsWhereItGoesAndGoesThere)
+{
+    const QStringList before = titlesIn(a);
+    const auto mime = std::unique_ptr<QMimeData>(browser().content().mimeData(ZQIndexSet(0, 0)));
+    QWidget &viewport = *grid().viewport();
+    const auto dragTo = [&](qint64 index, bool drops) {
+        const QPoint point = grid().visualRect(index).center() - QPoint(grid().visualRect(index).width() / 3, 0);
+        constexpr Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(point, actions, mime.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&viewport, &enter);
+        QDragMoveEvent move(point, actions, mime.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&viewport, &move);
+        if (drops) {
+            QDropEvent drop(point, actions, mime.get(), Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(&viewport, &drop);
+            settle();
+        }
+        return move.isAccepted();
+    };
+    const QImage plain = viewport.grab().toImage();
+    EXPECT_TRUE(dragTo(2, false));
+    const QImage marked = viewport.grab().toImage();
+    const QRect cell = grid().visualRect(2);
+    bool isMarked = false;
+    for (int x = cell.left() - 12; x < cell.left() + 4; ++x) {
+        isMarked = isMarked || plain.pixel(x, cell.center().y()) != marked.pixel(x, cell.center().y());
+    }
+    EXPECT_TRUE(isMarked);
+    dragTo(2, true);
+    EXPECT_EQ(titlesIn(a), (QStringList{before[1], before[0], before[2], before[3]}));
+    undo();
+    EXPECT_EQ(titlesIn(a), before);
+
+    import({write(QStringLiteral("there.png"))}, b);
+    show(b); // turned to while the drag went on
+    dragTo(0, true);
+    EXPECT_EQ(titlesIn(b), (QStringList{before[0], "there"})) << "what comes from elsewhere is linked at the place";
+
+    show(a);
+    run(CommandID(int(CommandID::GroupPlain) + int(BrowserDisplayStyle::ByExtension)));
+    settle();
+    EXPECT_FALSE(browser().content().dropsAtIndex(mime.get())) << "the rows are in another order";
+}
