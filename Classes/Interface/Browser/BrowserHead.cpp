@@ -55,7 +55,7 @@ QString titleOf(const Choice (&choices)[count], Value Choice::*key, Value value)
 
 BrowserHead::BrowserHead(BrowserContent &content, QWidget *parent)
     : QWidget(parent), m_content(content), m_title(new QLabel(this)), m_count(new QLabel(this)),
-      m_buttons(new QHBoxLayout)
+      m_buttons(new QWidget(this))
 {
     setFixedHeight(ZQMeasure::headHeight);
     m_title->setObjectName(QStringLiteral("Title"));
@@ -74,15 +74,16 @@ BrowserHead::BrowserHead(BrowserContent &content, QWidget *parent)
     m_direction->setIconSize({14, 14});
     connect(m_direction, &QToolButton::clicked, this,
             [this] { setSort(m_content.tab().sortKeysValue(), !m_content.tab().sortDirectionValue()); });
-    m_buttons->setContentsMargins(0, 0, 0, 0);
-    m_buttons->setSpacing(2);
+    auto *buttons = new QHBoxLayout(m_buttons);
+    buttons->setContentsMargins(0, 0, 8, 0);
+    buttons->setSpacing(2);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(20, 0, 14, 0);
     row->addWidget(m_title);
     row->addSpacing(8);
     row->addWidget(m_count);
     row->addStretch(1);
-    row->addLayout(m_buttons);
+    row->addWidget(m_buttons);
     row->addWidget(groupCaption);
     row->addWidget(m_group);
     row->addSpacing(6);
@@ -106,7 +107,7 @@ std::pair<QLabel *, QToolButton *> BrowserHead::makeChoice(const QString &captio
 
 void BrowserHead::addButton(QWidget *button)
 {
-    m_buttons->addWidget(button);
+    m_buttons->layout()->addWidget(button);
 }
 
 void BrowserHead::resizeEvent(QResizeEvent *event)
@@ -127,6 +128,7 @@ void BrowserHead::makeRoom()
     constexpr int roomForAll = 600;
     constexpr int roomForTitle = 420; // with less, half a word would be left of it
     m_title->setVisible(width() >= roomForTitle);
+    m_buttons->setVisible(width() >= roomForTitle);
     m_count->setVisible(width() >= roomForAll);
     m_groupCaption->setVisible(width() >= roomForAll);
     m_sortCaption->setVisible(width() >= roomForAll && m_showsOrder);

@@ -8,7 +8,6 @@
 #include <utility>
 
 class BrowserContent;
-class QHBoxLayout;
 class QLabel;
 class QToolButton;
 
@@ -27,7 +26,9 @@ public:
     bool hasDirection() const;
     QList<WindowCommand> commands();
     void setShowsOrder(bool showsOrder); // while nothing else says it
-    void addButton(QWidget *button);     // after title and count, before what can be chosen
+    // After title and count, before what can be chosen. It gives way where there is little room, so a command does the
+    // same.
+    void addButton(QWidget *button);
 
 Q_SIGNALS:
     void orderChanged(); // or the groups
@@ -44,7 +45,7 @@ private:
     BrowserContent &m_content;
     QLabel *m_title;
     QLabel *m_count;
-    QHBoxLayout *m_buttons;
+    QWidget *m_buttons;
     QLabel *m_groupCaption;
     QLabel *m_sortCaption;
     QToolButton *m_group;

@@ -138,6 +138,7 @@ TEST_F(BrowserListTest, TitlesOrderTheRowsAndShowTheOrder)
 TEST_F(BrowserListTest, EachTabHasItsStyleAndItsFoldedGroups)
 {
     EXPECT_TRUE(named<QToolButton>("As Grid")->isChecked());
+    ASSERT_TRUE(named<QToolButton>("As List"));
     named<QToolButton>("As List")->click();
     EXPECT_TRUE(grid().showsList());
     EXPECT_TRUE(controller->command(CommandID::ShowAsList)->isChecked());
