@@ -154,6 +154,17 @@ std::optional<QString> ContentBuilder::predicateString(ZQError *error) const
     return SearchManager::predicateStringForSearchString(m_query.filter, m_contents.searchContext(kind, requests));
 }
 
+std::optional<ContentBuilder::Scope> ContentBuilder::scope(ZQError *error) const
+{
+    const auto found = parts(error);
+    if (!found) {
+        return std::nullopt;
+    }
+    Scope scope{requestsOf(*found), {}};
+    scope.search = m_contents.searchContext(ZQListRows::LibraryItems, scope.requests);
+    return scope;
+}
+
 ContentRows ContentBuilder::rows(ContentParts parts) const
 {
     if (m_query.filter.isEmpty()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/ContentRows.h"
+#include "Classes/Browsing/SearchContext.h"
 #include "Classes/Browsing/SidebarContents.h"
 
 #include <functional>
@@ -20,6 +21,14 @@ public:
     std::optional<Content> content(const IsWanted &isWanted) const;
     // The rows whose items' titles begin with `text`, in no order. Nothing after an error or when given up.
     std::optional<QList<ZQObjectID>> rowsWithTitleBeginning(const QString &text, const IsWanted &isWanted) const;
+    // What the tab shows without its search text, a request a sidebar item, and what texts are searched in there, by
+    // their items. Used on the builder's thread, while it lives.
+    struct Scope
+    {
+        QList<ZQFetchRequest> requests;
+        SearchContext search;
+    };
+    std::optional<Scope> scope(ZQError *error = nullptr) const; // nothing after an error
     // The condition of the search text on the rows of the first sidebar item, for a person; nothing after an error.
     std::optional<QString> predicateString(ZQError *error) const;
 

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/IndexGroups.h"
 
+#include "Classes/Browsing/IndexNames.h"
 #include "Kit/Persistence/ZQCollator.h"
 
 #include <QDateTime>
@@ -366,6 +367,12 @@ std::vector<IndexCount> IndexGroups::counts(IndexFacet facet, const ZQRowSet &ro
         }
         return counts;
     }
+    case IndexFacet::ExtensionName:
+        return IndexNames(m_columns).extensions(rows);
+    case IndexFacet::TagName:
+        return IndexNames(m_columns).tags(rows);
+    case IndexFacet::LiveFolderName:
+        return IndexNames(m_columns).folders(rows);
     case IndexFacet::MainColor:
         return countedNumbers(rows, items.mainColor);
     case IndexFacet::Rating:

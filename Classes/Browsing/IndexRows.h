@@ -29,8 +29,20 @@ enum class IndexGrouping { Extension, MainColor, SizeClass };
 
 // What rows are counted by. The value of a count is: the name of the entity; the colour's number; the tag, live folder
 // or project as ZQObjectID; the stars; the key of the size class's title; the first day of the month of the
-// modification, in local time.
-enum class IndexFacet { Kind, MainColor, Tag, Rating, SizeClass, ModificationMonth, LiveFolder, Project };
+// modification, in local time; a name, in any of its spellings, as a search for it finds it.
+enum class IndexFacet {
+    Kind,
+    MainColor,
+    Tag,
+    Rating,
+    SizeClass,
+    ModificationMonth,
+    LiveFolder,
+    Project,
+    ExtensionName,
+    TagName,
+    LiveFolderName,
+};
 
 struct IndexCount
 {

@@ -1,10 +1,12 @@
 #include "Classes/Browsing/KindNames.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Persistence/ZQPredicate.h"
 
 #include <QMimeDatabase>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -84,6 +86,26 @@ QString KindNames::nameOfExtension(const QString &extension)
     const QMimeType type = typeOf(extension);
     const QString comment = type.isDefault() ? QString() : type.comment();
     return comment.isEmpty() ? extension.toUpper() : comment.left(1).toUpper() + comment.mid(1);
+}
+
+QString KindNames::wordOfExtension(const QString &extension)
+{
+    static ZQMutex lock;
+    static std::map<QString, QString> known;
+    const QString key = folded(extension);
+    const ZQLockGuard guard(lock);
+    if (const auto found = known.find(key); found != known.end()) {
+        return found->second;
+    }
+    const QString name = nameOfExtension(key);
+    const auto isOfOneKind = [&](const QString &text) {
+        const QStringList found = extensionsOfKind(text);
+        return found.contains(key) && std::all_of(found.begin(), found.end(), [&](const QString &each) {
+                   return each == text || nameOfExtension(each) == name;
+               });
+    };
+    const QString word = folded(name.section(u' ', 0, 0));
+    return known[key] = isOfOneKind(word) ? word : isOfOneKind(folded(name)) ? folded(name) : key;
 }
 
 QStringList KindNames::extensionsOfKind(const QString &text)

@@ -29,6 +29,7 @@ QList<SearchCompletion> optionsForArgument(SearchArgument argument, const QDate 
     case SearchArgument::Color:
         for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
             options.append(value(ZQSidebarTag::colorNameForValue(code)));
+            options.last().color = code;
         }
         options.append(value(zqLocalized("none")));
         break;

@@ -11,6 +11,7 @@ struct SearchCompletion
     QString shortForm;    // "#w"; empty for none
     QString argumentHint; // localised
     QString meaning;      // one line, localised
+    int color = 0;        // the code of the colour it stands for; 0 for none
 };
 
 // What fits where somebody types.

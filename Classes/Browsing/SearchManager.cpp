@@ -134,12 +134,18 @@ QString SearchManager::toggled(const QString &searchText, const QString &tokenTe
     return text + (needsBlank ? QStringLiteral(" ") : QString()) + tokenText;
 }
 
+QString SearchManager::without(const QString &searchText, qsizetype index)
+{
+    const Parts parts = read(searchText).parts;
+    return index >= 0 && index < parts.size() ? withoutClause(searchText, parts, index) : searchText;
+}
+
 QString SearchManager::quoted(const QString &argument)
 {
     const auto isSpecial = [](QChar c) { return SearchTokenizer::isBlank(c) || c == u'(' || c == u')'; };
     static const QStringList operators = {QStringLiteral("AND"), QStringLiteral("OR"), QStringLiteral("NOT"),
                                           QStringLiteral("==")};
     const bool needsQuotes = argument.isEmpty() || std::any_of(argument.begin(), argument.end(), isSpecial) ||
-                             operators.contains(argument) || QStringView(u"#+-").contains(argument.front());
+                             operators.contains(argument) || QStringView(u"#+-=<>").contains(argument.front());
     return needsQuotes ? u'"' + QString(argument).remove(u'"') + u'"' : argument;
 }

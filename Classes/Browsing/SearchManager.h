@@ -20,6 +20,8 @@ public:
     // The text with `tokenText` behind it, so that it finds less; or without it, where the text contains it. The rest
     // stays as it was typed, in brackets where it would mean something else.
     static QString toggled(const QString &searchText, const QString &tokenText);
+    // The text without the part at `index` of its `SearchExpression`'s parts, and without what only joined it.
+    static QString without(const QString &searchText, qsizetype index);
     // `argument` as it is typed behind a token: in quotes where it needs them.
     static QString quoted(const QString &argument);
 };

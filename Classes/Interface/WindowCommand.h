@@ -43,6 +43,7 @@ enum class CommandID {
     UpdateSearch,
     Sidebar,
     InfoPanel,
+    RefineBar,
     GroupPlain, // and the other ways to group, one after the other
     GroupBySize = GroupPlain + 4,
     SortManually, // and the other orders, one after the other

@@ -163,9 +163,6 @@ void BrowserContent::take(const Content &content)
     const auto liveFolder = zqCast<ZQSidebarWatchedFolder>(singleItem());
     const QString folder = liveFolder ? liveFolder->folderPath() : QString();
     m_missingFolder = QFileInfo(folder).isDir() ? QString() : folder;
-    if (filter().isEmpty() && error().isNull() && !content.isBeginning) {
-        m_unfilteredCount = count();
-    }
     m_isLoaded = true;
     Q_EMIT changed();
 }

@@ -38,7 +38,6 @@ public:
     // Whether what is shown is not yet that of the sidebar items and the filter.
     bool isLoading() const { return m_isAskedAnew || m_content.isBeginning; }
     bool isFolderMissing() const { return !m_missingFolder.isEmpty(); } // of a live folder that is shown alone
-    qint64 unfilteredCount() const { return m_unfilteredCount; }
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
     QList<ZQObjectID> libraryItemIDs(const ZQIndexSet &indexes) const;
@@ -84,7 +83,6 @@ private:
     Content m_content; // what is shown
     QList<ZQGridGroup> m_groups;
     QString m_missingFolder;
-    qint64 m_unfilteredCount = 0;
     BrowserRowValues m_values;
     bool m_showsValues = false;
     bool m_isLoaded = false;

@@ -6,6 +6,8 @@
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
 #include "Classes/Interface/Browser/EmptyState.h"
+#include "Classes/Interface/Browser/HiddenItems.h"
+#include "Classes/Interface/Browser/RefineBar.h"
 #include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Detail/DetailView.h"
@@ -60,8 +62,9 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     m_savedSearch = new SavedSearchButtons(m_head);
     m_head->addButton(m_savedSearch);
     m_style = new BrowserListStyle(*m_content, *m_head, *m_grid, this);
-    m_chips = new SearchChips(page);
+    makeSearchRows(page);
     column->addWidget(m_chips);
+    column->addWidget(m_refine);
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
     cell->addWidget(m_grid, 0, 0);
     cell->addWidget(makeRecovery(), 0, 0, Qt::AlignCenter);
@@ -88,6 +91,8 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
         Q_EMIT viewChanged();
     });
     connect(m_content, &BrowserContent::valuesArrived, m_grid, &ZQGridView::updateVisible);
+    connect(&m_refetch, &QTimer::timeout, m_refine, &RefineBar::recount);
+    connect(&m_refetch, &QTimer::timeout, m_hidden, &HiddenItems::recount);
     connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
     connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
@@ -141,6 +146,16 @@ QWidget *BrowserViewController::makeStatus()
     row->setContentsMargins(16, 0, 16, 0);
     row->setSpacing(10);
     row->addWidget(m_status);
+    m_hidden = new HiddenItems(m_window, status);
+    row->addWidget(m_hidden);
+    connect(m_hidden, &HiddenItems::changed, this, [this] {
+        updateHead();
+        updateStatus();
+    });
+    connect(m_hidden, &HiddenItems::showAllRequested, this, [this] {
+        m_grid->setFocus(); // the button goes
+        Q_EMIT searchRequested(QString());
+    });
     row->addStretch(1);
     row->addWidget(picture(12));
     row->addWidget(m_zoom);
@@ -234,7 +249,11 @@ void BrowserViewController::contentDidChange()
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
     m_empty->showFor(*m_content);
     updateHead();
-    m_chips->setText(m_content->shownSearch());
+    showChips();
+    m_refine->setContent(m_content->tab().contentQuery(), m_content->tab().searchString());
+    if (!m_content->isLoading()) {
+        m_hidden->setContent(m_content->tab().contentQuery(), m_content->count());
+    }
     updateStatus();
     Q_EMIT selectionChanged();
 }
@@ -327,7 +346,7 @@ void BrowserViewController::setFilter(const QString &text)
 {
     m_keepsScroll = false;
     m_content->setFilter(text);
-    m_chips->setText(m_content->shownSearch());
+    showChips();
     Q_EMIT viewChanged();
 }
 
@@ -335,27 +354,6 @@ void BrowserViewController::updateHead()
 {
     m_head->showTab(countText());
     m_style->showTab();
-}
-
-QString BrowserViewController::countText() const
-{
-    if (!m_content->error().isNull()) {
-        return {}; // how many there are is not known
-    }
-    if (m_content->isLoading()) {
-        return {}; // yet
-    }
-    const qint64 count = m_content->count();
-    return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
-}
-
-void BrowserViewController::updateStatus()
-{
-    const QLocale locale;
-    const qint64 selected = m_grid->selection().count();
-    m_status->setText(selected == 0 ? countText()
-                                    : zqFormat(zqLocalized("%@ of %@ selected"),
-                                               {locale.toString(selected), locale.toString(m_content->count())}));
 }
 
 void BrowserViewController::savePersistentState()
@@ -408,7 +406,7 @@ void BrowserViewController::refetch()
     m_keepsScroll = true;
     m_content->dropObjects();
     m_grid->updateVisible();
-    m_chips->setText(m_content->shownSearch()); // a saved one may be another
+    showChips(); // a saved one may be another
     m_refetch.start();
 }
 
@@ -539,6 +537,16 @@ QList<WindowCommand> BrowserViewController::commands()
          zqLocalized("Smaller Thumbnails"),
          {Qt::CTRL | Qt::Key_Minus},
          [this] { changeZoom(-zoomStep); }},
+        {CommandID::RefineBar,
+         zqLocalized("Refine Bar"),
+         {Qt::CTRL | Qt::ALT | Qt::Key_F},
+         [this] {
+             m_refine->setVisible(m_refine->isHidden());
+             RefineBar::setWanted(!m_refine->isHidden());
+             Q_EMIT refineBarToggled();
+         },
+         {},
+         [this] { return !m_refine->isHidden(); }},
         {CommandID::QuickLook, zqLocalized("Quick Look"), {}, [this] { openDetail(true); }, hasSelection},
         {CommandID::Open, zqLocalized("Open"), {}, [this] { openDetail(false); }, hasSelection},
     };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Browsing/Facets.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/WindowCommand.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -11,9 +12,11 @@ class BrowserHead;
 class BrowserListStyle;
 class DetailView;
 class EmptyState;
+class HiddenItems;
 class QLabel;
 class QSlider;
 class QStackedWidget;
+class RefineBar;
 class SavedSearchButtons;
 class SearchChips;
 class ZQGridView;
@@ -32,7 +35,8 @@ public:
     void showSidebarItems(const QList<ZQObjectID> &items); // in the tab that is shown
     const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
     void setFilter(const QString &text);
-    void updateHead(); // title, count and order of what is shown
+    void refine(FacetKind kind, const QString &token); // chooses a value of a facet, or takes it away
+    void updateHead();                                 // title, count and order of what is shown
     BrowserHead &head() { return *m_head; }
     BrowserContent &content() { return *m_content; }
     ZQGridView &grid() { return *m_grid; }
@@ -70,9 +74,14 @@ Q_SIGNALS:
     void recoveryRequested(); // what is shown was read from a damaged store
     void orderChanged();      // or the groups
     void viewChanged();       // what the tab keeps of its view may be another
+    void searchRequested(const QString &text);
+    void searchPartRequested(qsizetype position, qsizetype length); // to be selected in the search field
+    void refineBarToggled();
 
 private:
     QWidget *makeStatus();
+    void showChips();
+    void makeSearchRows(QWidget *page); // what stands above the grid of what is searched
     QWidget *makeRecovery();
     QString countText() const;
     void updateStatus();
@@ -99,6 +108,8 @@ private:
     QLabel *m_status;
     SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;
+    RefineBar *m_refine;
+    HiddenItems *m_hidden;
     QWidget *m_recovery;
     EmptyState *m_empty;
     QSlider *m_zoom;

@@ -1,9 +1,12 @@
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 
 #include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/SearchToken.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -398,19 +401,11 @@ void InfoPanelViewController::showColors(const ZQLibraryBaseItem &item)
         if (name.isEmpty()) {
             continue;
         }
-        auto *swatch = new QLabel(m_colors);
-        QPixmap pixmap(QSize(22, 22) * devicePixelRatioF());
-        pixmap.setDevicePixelRatio(devicePixelRatioF());
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
-        painter.setBrush(ZQTheme::swatch(code));
-        painter.drawRoundedRect(QRectF(0.5, 0.5, 21, 21), 5, 5);
-        painter.end();
-        swatch->setPixmap(pixmap);
-        swatch->setToolTip(name);
-        swatch->setAccessibleName(name);
+        auto *swatch = new ColorSwatch(code, name, m_colors);
+        connect(swatch, &ColorSwatch::clicked, &m_browser, [this, name] {
+            m_browser.refine(FacetKind::Color,
+                             SearchToken::ofField(SearchField::Color).name() + u' ' + SearchManager::quoted(name));
+        });
         row->addWidget(swatch);
     }
     row->addStretch(1);

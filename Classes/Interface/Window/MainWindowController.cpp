@@ -15,6 +15,7 @@
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
 #include "Classes/Interface/Window/SavedSearchActions.h"
+#include "Classes/Interface/Window/SearchAssistant.h"
 #include "Classes/Interface/Window/TabsController.h"
 #include "Classes/Interface/Window/WindowCommands.h"
 #include "Classes/Interface/Window/WindowFollower.h"
@@ -97,6 +98,9 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
     m_savedSearches =
         new SavedSearchActions(*m_window, *m_browser, *m_sidebar, m_toolbar->search(), m_mainWindow.get());
+    auto *assistant = new SearchAssistant(*m_window, m_toolbar->search(), m_mainWindow.get());
+    connect(m_browser, &BrowserViewController::searchRequested, assistant, &SearchAssistant::setText);
+    connect(m_browser, &BrowserViewController::searchPartRequested, assistant, &SearchAssistant::select);
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     new ArrivedItems(
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
@@ -165,6 +169,7 @@ void MainWindowController::makeCommands()
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);
     connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
+    connect(m_browser, &BrowserViewController::refineBarToggled, this, &MainWindowController::updateCommands);
     connect(m_tabs, &TabsController::infoPanelRequested, this, [this](bool isOpen) {
         if (m_info->isHidden() == isOpen) {
             toggle(m_info);

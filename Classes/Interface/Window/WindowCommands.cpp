@@ -31,8 +31,9 @@ const std::vector<MenuPlan> &menuPlans()
          {Undo, Redo, separator, Copy, Paste, SelectAll, separator, CommandID::Rename, Duplicate, Remove,
           DeleteFromLibrary, separator, Rate0, separator, Find, SaveSearch, EditSearch, UpdateSearch}},
         {"View",
-         {Sidebar, InfoPanel, separator, ShowAsGrid, ShowAsList, separator, GroupPlain, SortManually, separator,
-          LargerThumbnails, SmallerThumbnails, separator, QuickLook, Open, FullScreen, separator, DarkTheme}},
+         {Sidebar, InfoPanel, CommandID::RefineBar, separator, ShowAsGrid, ShowAsList, separator, GroupPlain,
+          SortManually, separator, LargerThumbnails, SmallerThumbnails, separator, QuickLook, Open, FullScreen,
+          separator, DarkTheme}},
         {"Help", {Keyboard}},
     };
     return plans;

@@ -337,7 +337,7 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
 
 TEST(SearchManagerTest, AnArgumentThatWasQuotedIsReadAsItWas)
 {
-    for (const char *argument : {"draft", "summer 2026", "OR", "-x", "#1", "a(b)", "a\\b", "+"}) {
+    for (const char *argument : {"draft", "summer 2026", "OR", "-x", "#1", "a(b)", "a\\b", "+", "=b", "<3", ">"}) {
         const QString text = QLatin1StringView(argument);
         const auto quoted = query(QStringLiteral("#tag ") + SearchManager::quoted(text));
         const QString expected =

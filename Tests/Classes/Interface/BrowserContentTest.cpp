@@ -112,7 +112,6 @@ TEST_F(BrowserContentTest, TellsOnlyOfRowsThatCameWentOrMoved)
     content.setFilter(QStringLiteral("a")); // all three
     wait();
     EXPECT_EQ(changes, 3) << "a filter that leaves the rows as they are is still answered";
-    EXPECT_EQ(content.unfilteredCount(), 3);
 }
 
 TEST_F(BrowserContentTest, TypingFindsTheNextTitleRoundTheEndAndWithoutAccents)
@@ -170,7 +169,6 @@ TEST_F(BrowserContentTest, RowsThatCannotBeReadAreAnErrorAndNotAnEmptyList)
     EXPECT_EQ(content.count(), 0);
     EXPECT_TRUE(content.emptyText().startsWith(QStringLiteral("The library could not be read\n\n")));
     EXPECT_GT(content.emptyText().size(), QStringLiteral("The library could not be read\n\n").size());
-    EXPECT_EQ(content.unfilteredCount(), 1) << "how many there are is not known to have changed";
     rename("away", "ZQProjectItem");
     content.reload();
     wait();

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/SelectionSummary.h"
 #include "Classes/Editing/ItemEdits.h"
+#include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
@@ -50,9 +51,9 @@ protected:
     QStringList swatches()
     {
         QStringList names;
-        for (const QLabel *label : panel->findChildren<QLabel *>()) {
-            if (label->isVisible() && !label->pixmap().isNull()) {
-                names.append(label->toolTip());
+        for (const ColorSwatch *swatch : panel->findChildren<ColorSwatch *>()) {
+            if (swatch->isVisible()) {
+                names.append(swatch->accessibleName());
             }
         }
         return names;
@@ -315,12 +316,21 @@ TEST_F(InfoPanelTest, ColoursAreTheMainOneAndThoseOfItsTags)
     delegate->saveAction();
     select({red});
     EXPECT_EQ(swatches(), (QStringList{ZQSidebarTag::colorNameForValue(1003), ZQSidebarTag::colorNameForValue(1006)}));
-    for (const QLabel *label : panel->findChildren<QLabel *>()) {
-        if (label->isVisible() && label->toolTip() == swatches().first()) {
-            EXPECT_EQ(label->pixmap().toImage().pixelColor(11, 11), ZQTheme::swatch(1003));
-            EXPECT_EQ(label->pixmap().toImage().pixelColor(0, 0).alpha(), 0);
-        }
-    }
+    auto *swatch = named<ColorSwatch>(qPrintable(swatches().first()));
+    EXPECT_EQ(swatch->grab().toImage().pixelColor(11, 11), ZQTheme::swatch(1003));
+    auto *field = window().findChild<QLineEdit *>(QStringLiteral("Search"));
+    QTest::mouseClick(swatch, Qt::LeftButton);
+    EXPECT_EQ(field->text(), QStringLiteral("#color red"));
+    settle();
+    swatch = named<ColorSwatch>("green");
+    swatch->setFocus();
+    press(Qt::Key_Return);
+    EXPECT_EQ(field->text(), QStringLiteral("#color green")) << "a picture has one main color";
+    settle();
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("clear")});
+    field->clear();
+    settle();
+    select({red});
     EXPECT_EQ(panel->findChild<QLabel *>()->parentWidget()->isVisible(), true);
     item->setMainColor(0);
     delegate->saveAction();

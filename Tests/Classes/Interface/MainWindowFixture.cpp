@@ -46,7 +46,7 @@ void writeDocument(const QString &path)
 void MainWindowFixture::SetUp()
 {
     for (const char *key : {"OpenTabs", "SelectedTab", "MainWindowGeometry", "MainWindowPanes", "SidebarHidden",
-                            "InfoPanelHidden", "UseDarkUI", "removeFromSidebarAlertSuppress"}) {
+                            "InfoPanelHidden", "RefineBarShown", "UseDarkUI", "removeFromSidebarAlertSuppress"}) {
         ZQUserDefaults::standardUserDefaults().removeObjectForKey(QLatin1StringView(key));
     }
     ApplicationParts parts;

@@ -22,7 +22,8 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                              "Rename F2\nDuplicate Ctrl+D\nRemove Del\nDelete from Library Ctrl+Del\n-\nRating\n-\n"
                              "Find Ctrl+F\nSave Search… Ctrl+S\nEdit Search…\nUpdate Search Ctrl+Shift+S"));
     EXPECT_EQ(commandsOf(menuOf("View")),
-              QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\n-\nAs Grid Ctrl+Alt+1 ✓\nAs List Ctrl+Alt+2 "
+              QStringLiteral("Sidebar Ctrl+B ✓\nInfo Panel Ctrl+Shift+I ✓\nRefine Bar Ctrl+Alt+F ✓\n-\nAs Grid "
+                             "Ctrl+Alt+1 ✓\nAs List Ctrl+Alt+2 "
                              "✓\n-\nGroup\nSort\n-\nLarger Thumbnails Ctrl++ Ctrl+=\n"
                              "Smaller Thumbnails Ctrl+-\n-\nQuick Look\nOpen\nFull Screen F11\n-\nDark Theme ✓"));
     EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1"));
@@ -40,8 +41,8 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
     });
     press(Qt::Key_F1);
     EXPECT_EQ(lines.value(0), QStringLiteral("Ctrl+N   New Project"));
-    EXPECT_EQ(lines.size(), 39);
-    EXPECT_EQ(lines.mid(36), (QStringList{QStringLiteral("Space   Quick look"), QStringLiteral("Enter   Open"),
+    EXPECT_EQ(lines.size(), 40);
+    EXPECT_EQ(lines.mid(37), (QStringList{QStringLiteral("Space   Quick look"), QStringLiteral("Enter   Open"),
                                           QStringLiteral("Esc   Back")}));
 }
 

@@ -1,0 +1,327 @@
+#include "Classes/Browsing/FacetCounts.h"
+
+#include "Classes/Browsing/KindNames.h"
+#include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/StoreSearch.h"
+#include "Kit/Foundation/ZQCancellation.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+constexpr FacetKind facetKinds[] = {FacetKind::Kind, FacetKind::Color,    FacetKind::Rating, FacetKind::Tag,
+                                    FacetKind::Size, FacetKind::Imported, FacetKind::Folder};
+constexpr int mostStars = 5;
+
+QString tokenOf(SearchField field, const QString &argument)
+{
+    return SearchToken::ofField(field).name() + u' ' + SearchManager::quoted(argument);
+}
+
+// What of a name a search takes for something else than the name.
+bool isPlainName(const QString &name)
+{
+    static const QRegularExpression special(QStringLiteral("[*?\"\\\\\\x00-\\x1f]"));
+    return !name.isEmpty() && !name.contains(special);
+}
+
+void orderByCount(QList<FacetValue> &values)
+{
+    std::stable_sort(values.begin(), values.end(),
+                     [](const FacetValue &a, const FacetValue &b) { return a.count > b.count; });
+}
+
+IndexSizes sizesOf(const SizeClasses::Limits &limits)
+{
+    return {qint32(limits.icon), qint32(limits.small), qint32(limits.medium)};
+}
+
+} // namespace
+
+FacetCounts::FacetCounts(const QString &text, ContentBuilder::Scope scope)
+    : m_text(text), m_read(text, scope.search.today), m_scope(std::move(scope))
+{
+    // What has to be asked of the store is asked before the index is looked at.
+    m_conditions[text] = SearchManager::predicateForSearchString(text, m_scope.search);
+    for (const FacetKind kind : facetKinds) {
+        const QString others = m_read.without(kind);
+        if (!m_conditions.contains(others)) {
+            m_conditions[others] = SearchManager::predicateForSearchString(others, m_scope.search);
+        }
+    }
+}
+
+std::optional<QList<Facet>> FacetCounts::of(const ContentQuery &query, ZQManagedObjectContext &context,
+                                            LibraryIndex &index, const ContentBuilder::IsWanted &isWanted)
+{
+    const ContentBuilder builder(query, context, &index);
+    auto scope = builder.scope();
+    if (!scope || !isWanted()) {
+        return std::nullopt;
+    }
+    scope->search.liveFolderDepth = [depth = StoreSearch::liveFolderDepth(context)] { return depth; };
+    FacetCounts counts(query.filter, std::move(*scope));
+    if (!isWanted() || !index.isReady() || !index.waitUntilCurrent()) {
+        return std::nullopt;
+    }
+    const auto reading = index.read();
+    return reading ? counts.count(*reading, isWanted) : std::nullopt;
+}
+
+std::optional<ZQRowSet> FacetCounts::content(const LibraryIndex::Reading &reading) const
+{
+    ZQRowSet all(reading.rowCount());
+    QList<ZQFetchRequest> memberships; // a folder has thousands of them with one condition
+    for (const ZQFetchRequest &request : m_scope.requests) {
+        if (zqListRowsOfEntity(request.entityName) == ZQListRows::Memberships) {
+            memberships.append(request);
+            memberships.last().sortDescriptors.clear();
+            continue;
+        }
+        const auto found = reading.matching(request.predicate, ZQListRows::LibraryItems, reading.items());
+        if (!found) {
+            return std::nullopt;
+        }
+        all |= *found;
+    }
+    const auto found = reading.rows(memberships, {});
+    for (const IndexRows &rows : found ? *found : std::vector<IndexRows>()) {
+        for (const quint32 row : rows.items) {
+            all.insert(row);
+        }
+    }
+    return found ? std::optional(std::move(all)) : std::nullopt;
+}
+
+const ZQRowSet &FacetCounts::rowsFor(FacetKind kind, const LibraryIndex::Reading &reading)
+{
+    const QString text = m_read.without(kind);
+    auto rows = m_rows.find(text);
+    if (rows == m_rows.end()) {
+        const ZQPredicate &condition = m_conditions[text];
+        auto found = condition.isNull() ? std::optional(m_content)
+                                        : reading.matching(condition, ZQListRows::LibraryItems, m_content);
+        m_isComplete = m_isComplete && found;
+        rows = m_rows.emplace(text, found ? std::move(*found) : ZQRowSet(reading.rowCount())).first;
+    }
+    return rows->second;
+}
+
+std::optional<QList<Facet>> FacetCounts::count(const LibraryIndex::Reading &reading,
+                                               const ContentBuilder::IsWanted &isWanted)
+{
+    auto all = content(reading);
+    if (!all) {
+        return std::nullopt;
+    }
+    m_content = std::move(*all);
+    QList<Facet> facets;
+    for (const FacetKind kind : facetKinds) {
+        QList<FacetValue> found = values(kind, reading);
+        for (FacetValue &value : found) {
+            value.isChosen = m_read.contains(kind, value.token);
+        }
+        addTyped(kind, found, reading);
+        if (!isWanted() || ZQCancellation::isCurrentCancelled() || !m_isComplete) {
+            return std::nullopt;
+        }
+        if (!found.isEmpty()) {
+            facets.append({kind, found});
+        }
+    }
+    return facets;
+}
+
+// What was typed as a value of the facet, and is none of those that are counted.
+void FacetCounts::addTyped(FacetKind kind, QList<FacetValue> &values, const LibraryIndex::Reading &reading)
+{
+    for (const QString &token : m_read.tokens(kind)) {
+        const FacetText typed(token, m_scope.search.today);
+        const bool isKnown = std::any_of(values.begin(), values.end(), [&](const FacetValue &value) {
+            return value.isChosen && typed.contains(kind, value.token);
+        });
+        if (!isKnown) {
+            QString title = token.section(u' ', 1).remove(u'"');
+            title = title.isEmpty() ? token : title;
+            values.prepend({.token = token, .title = title, .count = countOf(token, kind, reading), .isChosen = true});
+        }
+    }
+}
+
+qint64 FacetCounts::countOf(const QString &token, FacetKind kind, const LibraryIndex::Reading &reading)
+{
+    const ZQPredicate condition = SearchManager::predicateForSearchString(token, m_scope.search);
+    const auto found = reading.matching(condition, ZQListRows::LibraryItems, rowsFor(kind, reading));
+    m_isComplete = m_isComplete && found;
+    return found ? qint64(found->count()) : 0;
+}
+
+QList<FacetValue> FacetCounts::values(FacetKind kind, const LibraryIndex::Reading &reading)
+{
+    switch (kind) {
+    case FacetKind::Kind:
+        return kinds(reading);
+    case FacetKind::Color:
+        return colors(reading);
+    case FacetKind::Rating:
+        return ratings(reading);
+    case FacetKind::Size:
+        return sizes(reading);
+    case FacetKind::Imported:
+        return dates(reading);
+    case FacetKind::Tag:
+    case FacetKind::Folder:
+        break;
+    }
+    return names(kind, reading);
+}
+
+QList<FacetValue> FacetCounts::kinds(const LibraryIndex::Reading &reading)
+{
+    std::map<QString, qint64> byExtension;
+    for (const IndexCount &each : reading.counts(IndexFacet::ExtensionName, rowsFor(FacetKind::Kind, reading), {})) {
+        if (isPlainName(each.value.toString())) {
+            byExtension[zqFold(each.value.toString(), true, true)] = each.count;
+        }
+    }
+    std::map<QString, qint64> byWord;
+    for (const auto &[extension, count] : byExtension) {
+        byWord[KindNames::wordOfExtension(extension)] = 0;
+    }
+    QList<FacetValue> values;
+    for (auto &[word, count] : byWord) {
+        for (const QString &extension : KindNames::extensionsOfKind(word)) {
+            const auto found = byExtension.find(extension);
+            count += found != byExtension.end() ? found->second : 0;
+        }
+        values.append(
+            {.token = tokenOf(SearchField::Kind, word), .title = word.section(u' ', 0, 0).toUpper(), .count = count});
+    }
+    orderByCount(values);
+    return values;
+}
+
+// What is chosen is shown with nothing to find, too.
+void FacetCounts::add(FacetKind kind, const FacetValue &value, QList<FacetValue> &values) const
+{
+    if (value.count > 0 || m_read.contains(kind, value.token)) {
+        values.append(value);
+    }
+}
+
+QList<FacetValue> FacetCounts::colors(const LibraryIndex::Reading &reading)
+{
+    std::map<int, qint64> counts;
+    for (const IndexCount &each : reading.counts(IndexFacet::MainColor, rowsFor(FacetKind::Color, reading), {})) {
+        counts[each.value.isValid() ? each.value.toInt() : 0] = each.count;
+    }
+    QList<FacetValue> values;
+    for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
+        const QString name = ZQSidebarTag::colorNameForValue(code);
+        add(FacetKind::Color,
+            {.token = tokenOf(SearchField::Color, name), .title = name, .color = code, .count = counts[code]}, values);
+    }
+    return values;
+}
+
+QList<FacetValue> FacetCounts::ratings(const LibraryIndex::Reading &reading)
+{
+    qint64 atLeast[mostStars + 1] = {};
+    qint64 unrated = 0;
+    for (const IndexCount &each : reading.counts(IndexFacet::Rating, rowsFor(FacetKind::Rating, reading), {})) {
+        const qint64 rating = each.value.isValid() ? each.value.toLongLong() : -1;
+        unrated += rating == 0 ? each.count : 0;
+        for (int stars = 1; stars <= mostStars; ++stars) {
+            atLeast[stars] += rating >= stars ? each.count : 0;
+        }
+    }
+    const QString name = SearchToken::ofField(SearchField::Rating).name();
+    QList<FacetValue> values;
+    for (int stars = mostStars; stars > 0; --stars) {
+        const QString title = stars == mostStars ? zqFormat(zqLocalized("%d Stars"), {stars})
+                              : stars == 1       ? zqLocalized("1 star or more")
+                                                 : zqFormat(zqLocalized("%d stars or more"), {stars});
+        add(FacetKind::Rating,
+            {.token = name + u'>' + QString::number(stars - 1),
+             .title = title,
+             .stars = stars,
+             .count = atLeast[stars]},
+            values);
+    }
+    add(FacetKind::Rating, {.token = name + QStringLiteral("=0"), .title = zqLocalized("unrated"), .count = unrated},
+        values);
+    return values;
+}
+
+QList<FacetValue> FacetCounts::sizes(const LibraryIndex::Reading &reading)
+{
+    QList<FacetValue> values;
+    for (const IndexCount &each :
+         reading.counts(IndexFacet::SizeClass, rowsFor(FacetKind::Size, reading), sizesOf(m_scope.search.sizes))) {
+        const QString name = zqLocalized(each.value.toString());
+        values.append({.token = tokenOf(SearchField::Size, name), .title = name, .count = each.count});
+    }
+    return values;
+}
+
+QList<FacetValue> FacetCounts::dates(const LibraryIndex::Reading &reading)
+{
+    struct Span
+    {
+        QString argument; // with its comparison
+        QString title;
+        bool isWider = false; // than those before it, which it holds
+    };
+    constexpr int years = 4;
+    const QDate &today = m_scope.search.today;
+    QList<Span> spans = {
+        {u'=' + zqLocalized("today"), zqLocalized("today")},
+        {u'=' + zqLocalized("yesterday"), zqLocalized("yesterday")},
+        {QStringLiteral("=7d"), zqLocalized("last 7 days"), true},
+        {u'=' + today.toString(QStringLiteral("yyyy-MM")), zqLocalized("this month"), today.day() > 7},
+        {u'=' + today.toString(QStringLiteral("yyyy")), zqLocalized("this year"), true},
+    };
+    for (int year = today.year() - 1; year >= today.year() - years; --year) {
+        spans.append({u'=' + QString::number(year), QString::number(year)});
+    }
+    const QString before = QString::number(today.year() - years);
+    spans.append({u'<' + before, zqFormat(zqLocalized("before %@"), {before})});
+    QList<FacetValue> values;
+    qint64 narrower = 0;
+    for (const Span &span : std::as_const(spans)) {
+        const QString token = SearchToken::ofField(SearchField::Imported).name() + span.argument;
+        const qint64 count = countOf(token, FacetKind::Imported, reading);
+        const bool saysMore = !span.isWider || count != narrower || m_read.contains(FacetKind::Imported, token);
+        if (saysMore) {
+            add(FacetKind::Imported, {.token = token, .title = span.title, .count = count}, values);
+        }
+        narrower = span.isWider ? count : narrower + count;
+    }
+    return values;
+}
+
+QList<FacetValue> FacetCounts::names(FacetKind kind, const LibraryIndex::Reading &reading)
+{
+    constexpr int mostAsked = 20; // names that are patterns are looked for one by one
+    const bool isTag = kind == FacetKind::Tag;
+    const SearchField field = isTag ? SearchField::Tag : SearchField::Folder;
+    int asked = 0;
+    QList<FacetValue> values;
+    for (const IndexCount &each :
+         reading.counts(isTag ? IndexFacet::TagName : IndexFacet::LiveFolderName, rowsFor(kind, reading), {})) {
+        const QString name = each.value.toString();
+        FacetValue value{.token = tokenOf(field, name), .title = name, .count = each.count};
+        if (!isPlainName(name)) {
+            value.count = ++asked <= mostAsked ? countOf(value.token, kind, reading) : 0;
+        }
+        if (value.count > 0) {
+            values.append(value);
+        }
+    }
+    orderByCount(values);
+    return values;
+}

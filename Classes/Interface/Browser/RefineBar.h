@@ -1,0 +1,63 @@
+#pragma once
+
+#include "Classes/Browsing/Content.h"
+#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Facets.h"
+
+#include <QWidget>
+
+class FacetButton;
+class QLabel;
+struct WindowContext;
+
+// By what the items that are shown can be refined, with counts; a choice writes the search text. Counts only while it
+// is visible. One stop of the Tab key: the arrow keys go from value to value.
+class RefineBar : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit RefineBar(WindowContext &window, QWidget *parent = nullptr);
+
+    // What is shown, with its text as it was typed.
+    void setContent(const ContentQuery &query, const QString &searchText);
+    void recount(); // what the store holds changed
+    const QList<Facet> &facets() const { return m_facets; }
+    void choose(FacetKind kind, const QString &token); // or takes it away
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override { return place(width, false); }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return {1, heightForWidth(width())}; }
+
+    static bool isWanted(); // as it was left
+    static void setWanted(bool isWanted);
+
+Q_SIGNALS:
+    void searchRequested(const QString &searchText);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void showFacets(const QList<Facet> &facets);
+    void showFacet(const Facet &facet);
+    FacetButton *nextButton();
+    QLabel *nextCaption();
+    int place(int width, bool moves) const; // the height that takes
+    void openMenu(const FacetButton &button);
+    void moveFrom(const FacetButton &button, int key);
+    void setStop(const FacetButton *button); // of the Tab key
+    static QList<FacetValue> shownValues(const Facet &facet);
+
+    ContentQuery m_query;
+    QString m_searchText;
+    QList<Facet> m_facets;
+    QList<QWidget *> m_shown;       // captions and buttons in their order
+    QList<FacetButton *> m_buttons; // those in use first
+    QList<QLabel *> m_captions;     // the same
+    qsizetype m_buttonCount = 0;
+    qsizetype m_captionCount = 0;
+    QLabel *m_waiting;
+    ContentFetcher::Ticket m_ticket;
+};

@@ -1,0 +1,45 @@
+#include "Classes/Interface/InfoPanel/ColorSwatch.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQTheme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace {
+constexpr int edge = 22;
+} // namespace
+
+ColorSwatch::ColorSwatch(int code, const QString &name, QWidget *parent) : QAbstractButton(parent), m_code(code)
+{
+    setFixedSize(edge, edge);
+    setFocusPolicy(Qt::TabFocus);
+    setCursor(Qt::PointingHandCursor);
+    setAccessibleName(name);
+    setAccessibleDescription(zqFormat(zqLocalized("Search for %@"), {name}));
+    setToolTip(accessibleDescription());
+}
+
+QSize ColorSwatch::sizeHint() const
+{
+    return {edge, edge};
+}
+
+void ColorSwatch::paintEvent(QPaintEvent * /*event*/)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(hasFocus() ? QPen(zqColor(ZQColorRole::Accent), 2) : QPen(zqColor(ZQColorRole::Border), 1));
+    painter.setBrush(ZQTheme::swatch(m_code));
+    const double inset = hasFocus() ? 1 : 0.5;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 5, 5);
+}
+
+void ColorSwatch::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
+        return;
+    }
+    QAbstractButton::keyPressEvent(event);
+}

@@ -1,0 +1,172 @@
+// What helps in the search field: completions, chips, and what is wrong.
+
+#include "Classes/Interface/Browser/SearchChips.h"
+#include "Classes/Interface/Window/CompletionList.h"
+#include "Tests/Classes/Interface/MainWindowTest.h"
+
+#include <QLabel>
+
+namespace {
+
+class SearchFieldTest : public MainWindowTest
+{
+protected:
+    CompletionList &list() { return *window().findChild<CompletionList *>(); }
+    SearchChips &chips() { return *window().findChild<SearchChips *>(); }
+    QString hint()
+    {
+        const auto *label = window().findChild<QLabel *>(QStringLiteral("FieldHint"));
+        return label->isVisible() ? label->text() : QString();
+    }
+    QString options()
+    {
+        QStringList texts;
+        for (const SearchCompletion &option : list().isVisible() ? list().options() : QList<SearchCompletion>()) {
+            texts.append(option.text);
+        }
+        return texts.join(u' ');
+    }
+    void enter(const char *text)
+    {
+        search().setFocus();
+        search().clear();
+        type(QString::fromUtf8(text));
+    }
+};
+
+} // namespace
+
+TEST_F(SearchFieldTest, TokensAreCompletedByKeys)
+{
+    enter("#");
+    EXPECT_TRUE(options().startsWith(QStringLiteral("#title #notes #ext #tag"))) << options().toStdString();
+    const QPoint corner = search().mapTo(&window(), QPoint(search().width(), search().height()));
+    EXPECT_GE(list().y(), corner.y()) << "not over the field";
+    EXPECT_EQ(list().geometry().right() + 1, corner.x());
+    EXPECT_EQ(QApplication::focusWidget(), &search());
+    type(QStringLiteral("co"));
+    EXPECT_EQ(options(), QStringLiteral("#color"));
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_EQ(search().text(), QStringLiteral("#color "));
+    EXPECT_EQ(QApplication::focusWidget(), &search());
+    ASSERT_TRUE(options().startsWith(QStringLiteral("white black"))) << options().toStdString();
+    EXPECT_EQ(list().options().first().color, int(ZQSidebarKind::FirstColor));
+    press(Qt::Key_Up);
+    EXPECT_EQ(list().current()->text, QStringLiteral("none")) << "up begins at the end";
+    press(Qt::Key_Down);
+    EXPECT_FALSE(list().current());
+    type(QStringLiteral("bl"));
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color blue "));
+    EXPECT_EQ(QApplication::focusWidget(), &search());
+    EXPECT_EQ(options(), QString());
+    search().undo();
+    EXPECT_EQ(search().text(), QStringLiteral("#color bl")) << "as if it had been typed";
+}
+
+TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
+{
+    enter("#ti");
+    EXPECT_EQ(options(), QStringLiteral("#title"));
+    press(Qt::Key_Return);
+    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+    EXPECT_FALSE(list().isVisible());
+    enter("#ti");
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
+    EXPECT_NE(QApplication::focusWidget(), &search());
+    enter("#ti");
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(list().isVisible());
+    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
+    press(Qt::Key_Down);
+    EXPECT_EQ(options(), QStringLiteral("#title")) << "it comes back when it is asked for";
+    press(Qt::Key_Escape);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(search().text(), QString());
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
+TEST_F(SearchFieldTest, NamesOfTheLibraryAreOfferedAndTakenByAClick)
+{
+    const auto often = ZQSidebarTag::getOrCreateTagWithName(QStringLiteral("summer 2026"), context());
+    often->addItems({image(QStringLiteral("red"))});
+    delegate->saveAction();
+    settle();
+    enter("#tag ");
+    EXPECT_TRUE(waitFor([this] { return options().startsWith(QStringLiteral("summer 2026 mine")); }))
+        << options().toStdString();
+    EXPECT_EQ(list().options().first().meaning, QStringLiteral("1 item"));
+    type(QStringLiteral("mi"));
+    EXPECT_EQ(options(), QStringLiteral("mine"));
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Backspace);
+    QTest::mouseMove(&list(), list().rowRect(0).center());
+    QTest::mouseClick(&list(), Qt::LeftButton, {}, list().rowRect(0).center());
+    EXPECT_EQ(search().text(), QStringLiteral("#tag \"summer 2026\" "));
+    settle();
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("red")});
+    enter("#project i");
+    EXPECT_TRUE(waitFor([this] { return options() == QStringLiteral("Inner"); })) << options().toStdString();
+    enter("#kind p");
+    EXPECT_TRUE(waitFor([this] { return options() == QStringLiteral("png pdf"); })) << options().toStdString();
+}
+
+TEST_F(SearchFieldTest, AChipSelectsItsPartAndIsTakenOut)
+{
+    enter("red #w>10 #d=31/02");
+    settle();
+    ASSERT_EQ(chips().count(), 3);
+    const auto click = [this](const QPoint &place) {
+        QTest::mouseClick(&chips(), Qt::LeftButton, {}, place);
+        settle();
+    };
+    click(chips().chipRect(1).center() - QPoint(9, 0));
+    EXPECT_EQ(search().selectedText(), QStringLiteral("#w>10"));
+    EXPECT_EQ(QApplication::focusWidget(), &search());
+    click(chips().chipRect(2).topLeft() + QPoint(10, 10));
+    EXPECT_EQ(search().selectedText(), QStringLiteral("#d=31/02"));
+    EXPECT_TRUE(hint().startsWith(QStringLiteral("“31/02” is no date"))) << hint().toStdString();
+    click(chips().crossRect(2).center());
+    EXPECT_EQ(search().text(), QStringLiteral("red #w>10"));
+    EXPECT_EQ(hint(), QString());
+
+    grid().setFocus();
+    for (int i = 0; i < 60 && QApplication::focusWidget() != &chips(); ++i) {
+        press(Qt::Key_Backtab, Qt::ShiftModifier);
+    }
+    ASSERT_EQ(QApplication::focusWidget(), &chips());
+    press(Qt::Key_End);
+    EXPECT_TRUE(chips().accessibleDescription().startsWith(QStringLiteral("#w>10: Width > 10")));
+    press(Qt::Key_Left);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(search().text(), QStringLiteral("#w>10"));
+    EXPECT_EQ(QApplication::focusWidget(), &chips()) << "nothing else is deleted";
+    EXPECT_TRUE(a->containsItem(image(QStringLiteral("red")).get()));
+    press(Qt::Key_Return);
+    EXPECT_EQ(search().selectedText(), QStringLiteral("#w>10"));
+}
+
+TEST_F(SearchFieldTest, WhatIsWrongIsSaidBelowTheFieldWhileItHasTheFocus)
+{
+    enter("#d=31/02 ");
+    EXPECT_TRUE(hint().startsWith(QStringLiteral("“31/02” is no date"))) << hint().toStdString();
+    const auto *label = window().findChild<QLabel *>(QStringLiteral("FieldHint"));
+    const QPoint corner = search().mapTo(&window(), QPoint(search().width(), search().height()));
+    EXPECT_GE(label->y(), corner.y());
+    EXPECT_LE(label->geometry().right(), window().width());
+    press(Qt::Key_Return);
+    EXPECT_EQ(hint(), QString()) << "the chip says it from then on";
+    enter("red (");
+    EXPECT_EQ(hint(), QString()) << "more may come";
+    EXPECT_TRUE(waitFor([this] { return !hint().isEmpty(); })) << "nothing came";
+    press(Qt::Key_Escape);
+    EXPECT_EQ(hint(), QString());
+    enter("#");
+    EXPECT_TRUE(list().isVisible());
+    EXPECT_EQ(hint(), QString()) << "the list lies there";
+}
