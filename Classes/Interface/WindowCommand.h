@@ -38,6 +38,7 @@ enum class CommandID {
     Rate0, // to 5, one after the other
     Rate5 = Rate0 + 5,
     Find,
+    Preferences,
     Sidebar,
     InfoPanel,
     GroupPlain, // and the other ways to group, one after the other
@@ -50,6 +51,10 @@ enum class CommandID {
     SmallerThumbnails,
     QuickLook,
     Open,
+    ZoomToFit,
+    ZoomToActualSize,
+    ZoomIn,
+    ZoomOut,
     FullScreen,
     DarkTheme,
     Keyboard,
@@ -67,5 +72,6 @@ struct WindowCommand
     std::function<bool()> isChecked = {}; // null: nothing to check
     std::function<QString()> shown = {};  // the title at the moment; null: always the same
     QWidget *keysIn = nullptr;            // the keys count only while this has the focus; null: in the window
-    bool yieldsToFields = false;          // a text field takes the keys for itself
+    bool yieldsToFields = false;          // a text field takes the keys for itself; what lies in `keysIn` counts, too
+    QString viewKeys = {};                // that a view takes itself, as menus say them
 };

@@ -71,6 +71,7 @@ private:
     bool canSortBy(ZQSortValue value) const;
     bool hasDirection() const;
     QList<WindowCommand> orderCommands();
+    QList<WindowCommand> zoomCommands();                 // of the detail view
     void showOther(const std::function<void()> &change); // `change` has the content be another
     void contentWillChange();
     void contentDidChange();

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QAbstractButton>
+
+// One of an asset's colours, to be searched with a click. Main thread.
+class ColorSwatch : public QAbstractButton
+{
+    Q_OBJECT
+public:
+    // `code`: see ZQTheme::swatch.
+    ColorSwatch(int code, const QString &name, QWidget *parent = nullptr);
+    QSize sizeHint() const override { return {22, 22}; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    int m_code;
+};
