@@ -29,7 +29,8 @@ struct FileConflict
     QString path;
     bool isValid = true;    // readable
     bool isIncluded = true; // kept in the import
-    static FileConflict fileConflictWithPath(const QString &path) { return {path, true, true}; }
+    QString reason = {};    // why it is not readable, and what to do: a sentence; empty where nobody looked
+    static FileConflict fileConflictWithPath(const QString &path) { return {path, true, true, {}}; }
 };
 
 enum class DuplicateChoice { Discard = 1, Relink = 2, KeepBoth = 3 };

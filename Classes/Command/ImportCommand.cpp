@@ -5,6 +5,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -84,6 +85,25 @@ void addReports(const ImportOperation &operation, ImportReport &sum)
     }
 }
 
+// Who cancels an import of thousands knows why they did not come, and wants to see the rest.
+void printDropped(const QList<DroppedFile> &dropped, CommandContext &context)
+{
+    constexpr qsizetype mostByName = 5;
+    const QString cancelled = cancelledImportReason();
+    const qsizetype count = std::count_if(dropped.begin(), dropped.end(),
+                                          [&](const DroppedFile &file) { return file.reason == cancelled; });
+    for (const DroppedFile &file : dropped) {
+        const QString format =
+            file.isImportedInPart() ? zqLocalized("imported in part: %@: %@") : zqLocalized("not imported: %@: %@");
+        if (count <= mostByName || file.reason != cancelled) {
+            context.print(zqFormat(format, {file.path, file.reason}));
+        }
+    }
+    if (count > mostByName) {
+        context.print(zqFormat(zqLocalized("not imported: %d files: %@"), {count, cancelled}));
+    }
+}
+
 void printReport(const ImportReport &report, CommandContext &context)
 {
     if (context.json) {
@@ -102,11 +122,7 @@ void printReport(const ImportReport &report, CommandContext &context)
     }
     const qsizetype count = report.imported().size();
     context.print(count == 1 ? zqLocalized("1 item imported") : zqFormat(zqLocalized("%d items imported"), {count}));
-    for (const DroppedFile &file : report.dropped()) {
-        const QString format =
-            file.isImportedInPart() ? zqLocalized("imported in part: %@: %@") : zqLocalized("not imported: %@: %@");
-        context.print(zqFormat(format, {file.path, file.reason}));
-    }
+    printDropped(report.dropped(), context);
     for (const QString &text : report.notifications()) {
         context.print(text);
     }

@@ -239,7 +239,7 @@ void AImportManager::thumbForLibraryItem(ZQLibraryBaseItem *item)
             thumb = ThumbGenerator::thumbPathForImageURL(file, bundle, nullptr, &error);
             if (thumb.isEmpty()) {
                 qCWarning(zqLogImport).noquote()
-                    << zqFormat(QStringLiteral("can't create thumb for %@"), {file}) << error.localizedDescription();
+                    << zqFormat(QStringLiteral("can't create thumb for %@: %@"), {file, error.localizedDescription()});
                 return;
             }
         }

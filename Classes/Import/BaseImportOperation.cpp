@@ -327,10 +327,11 @@ bool BaseImportOperation::writeRepresentationBitmap(const ZQBitmap &bitmap, cons
                                                     const ZQError &error)
 {
     if (bitmap.isNull()) {
-        const QString message = zqFormat(QLatin1String(invalidMessage), {m_filePath});
-        qCWarning(zqLogImport).noquote() << message;
-        drop(error.isNull() ? zqFormat(zqLocalized(invalidMessage), {QFileInfo(m_sourcePath).fileName()})
-                            : importReasonForError(error));
+        const QString reason = error.isNull()
+                                   ? zqFormat(zqLocalized(invalidMessage), {QFileInfo(m_sourcePath).fileName()})
+                                   : importReasonForError(error);
+        qCWarning(zqLogImport).noquote() << zqFormat(QLatin1String(invalidMessage), {m_filePath}) << reason;
+        drop(reason);
         return false;
     }
     ZQError writeError;
@@ -360,10 +361,13 @@ void BaseImportOperation::createThumbForItem()
     }
     const QString thumbName = m_picture.thumbnailName();
     if (thumbName.isEmpty()) {
-        qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("can't create thumb for %@"), {m_filePath});
-        drop(error.isNull()
-                 ? zqLocalized("No picture can be made of it. Open it in another program to see whether it is damaged.")
-                 : importReasonForError(error));
+        const QString reason =
+            error.isNull()
+                ? zqLocalized("No picture can be made of it. Open it in another program to see whether it is damaged.")
+                : importReasonForError(error);
+        qCWarning(zqLogImport).noquote() << zqFormat(QStringLiteral("can't create thumb for %@: %@"),
+                                                     {m_filePath, reason});
+        drop(reason);
     } else if (isFullDisk(error)) {
         dropForError(error);
     } else {

@@ -1,5 +1,7 @@
 #include "Classes/Import/BatchResult.h"
 
+#include "Classes/Import/ImportErrors.h"
+
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/BatchResumption.h"
@@ -64,7 +66,7 @@ void BatchResult::report(const CreatedItems &items, const QSet<QString> &followe
     }
     m_batch.record.report().setImported(imported);
     const QString refused = m_batch.record.refusal();
-    const QString reason = wasCancelled ? zqLocalized("The import was cancelled. Import it again if you want it.")
+    const QString reason = wasCancelled        ? cancelledImportReason()
                            : refused.isEmpty() ? zqLocalized("It was left out. Import it again.")
                                                : refused;
     const QSet<QString> accountedFor = m_resumption.accountedFor();

@@ -9,7 +9,7 @@ ImportConflictResolver::ImportConflictResolver(const QStringList &filePaths, Use
 
 void ImportConflictResolver::checkReadability(FileConflict &conflict)
 {
-    conflict.isValid = ImportQueries::isFileReadableAtPath(conflict.path);
+    conflict.isValid = ImportQueries::isFileReadableAtPath(conflict.path, &conflict.reason);
 }
 
 QStringList ImportConflictResolver::validFilesCancellingOperation(bool *cancellingOperation)

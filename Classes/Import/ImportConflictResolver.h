@@ -16,7 +16,7 @@ public:
     // After that: the paths left out.
     QStringList excludedFiles() const { return m_excluded; }
 
-    // Sets `isValid`.
+    // Sets `isValid` and the reason.
     static void checkReadability(FileConflict &conflict);
 
 private:

@@ -43,6 +43,11 @@ QString importReasonForError(const ZQError &error)
     return error.localizedDescription();
 }
 
+QString cancelledImportReason()
+{
+    return zqLocalized("The import was cancelled. Import it again if you want it.");
+}
+
 DroppedFile unsupportedFile(const QString &path)
 {
     const QFileInfo info(path);

@@ -11,6 +11,8 @@ bool isFullDisk(const ZQError &error);
 QString fullDiskReason();
 // Why a file could not be imported, and what to do about it: a sentence for its line in the report.
 QString importReasonForError(const ZQError &error);
+// Of what a cancel kept out.
+QString cancelledImportReason();
 // Why a path can be no item, whatever it is.
 DroppedFile unsupportedFile(const QString &path);
 void logImportSaveError(const ZQError &error);

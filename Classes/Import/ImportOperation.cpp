@@ -219,9 +219,7 @@ void ImportOperation::importUnfoldedArchives()
 void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
 {
     if (isCancelled()) { // by whoever stops all imports; the new one would not be among them
-        m_batch.record.fileDidDrop({archive.archivePath,
-                                    zqLocalized("The import was cancelled. Import it again if you want it."),
-                                    DroppedFile::Telling::Quietly});
+        m_batch.record.fileDidDrop({archive.archivePath, cancelledImportReason(), DroppedFile::Telling::Quietly});
         return;
     }
     const auto followUp = m_resumption.unpacksOf()

@@ -1,10 +1,12 @@
 #include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/ThumbGenerator.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
@@ -13,6 +15,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -108,16 +111,21 @@ QString ImportQueries::getActualPath(const QString &path)
     return actual.isEmpty() ? path : actual;
 }
 
-bool ImportQueries::isFileReadableAtPath(const QString &path)
+bool ImportQueries::isFileReadableAtPath(const QString &path, QString *reason)
 {
     const QByteArray name = QFile::encodeName(path);
     struct statx attributes = {};
+    QString why;
     if (::statx(AT_FDCWD, name.constData(), AT_STATX_SYNC_AS_STAT, STATX_TYPE, &attributes) != 0 ||
         ::access(name.constData(), R_OK) != 0) {
-        return false;
+        why = importReasonForError(ZQError::posix(errno, path));
+    } else if ((attributes.stx_attributes & STATX_ATTR_IMMUTABLE) && !S_ISDIR(attributes.stx_mode)) {
+        why = zqLocalized("It is locked against every change. Unlock it, or import a copy of it.");
     }
-    const bool isLocked = attributes.stx_attributes & STATX_ATTR_IMMUTABLE;
-    return !isLocked || S_ISDIR(attributes.stx_mode);
+    if (reason) {
+        *reason = why;
+    }
+    return why.isEmpty();
 }
 
 QStringList ImportQueries::unreadableFilesForFilePaths(const QStringList &paths)

@@ -26,7 +26,8 @@ public:
     // Textual: "/a/bc" counts as inside "/a/b". The order is kept.
     static QStringList removeSubFoldersFromPaths(const QStringList &paths);
     static QString getActualPath(const QString &path); // where the file is now
-    static bool isFileReadableAtPath(const QString &path);
+    // `reason`: why not, and what to do about it.
+    static bool isFileReadableAtPath(const QString &path, QString *reason = nullptr);
     static QStringList unreadableFilesForFilePaths(const QStringList &paths); // folders with all they hold
     static QStringList unreadableFilesForDirectory(const QString &directory);
     // Textual. What lies in one is moved into the library instead of copied.

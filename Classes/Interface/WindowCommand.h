@@ -41,6 +41,7 @@ enum class CommandID {
     SaveSearch,
     EditSearch,
     UpdateSearch,
+    Preferences,
     Sidebar,
     InfoPanel,
     RefineBar,
@@ -60,6 +61,10 @@ enum class CommandID {
     SmallerThumbnails,
     QuickLook,
     Open,
+    ZoomToFit,
+    ZoomToActualSize,
+    ZoomIn,
+    ZoomOut,
     FullScreen,
     DarkTheme,
     Keyboard,
@@ -77,5 +82,6 @@ struct WindowCommand
     std::function<bool()> isChecked = {}; // null: nothing to check
     std::function<QString()> shown = {};  // the title at the moment; null: always the same
     QWidget *keysIn = nullptr;            // the keys count only while this has the focus; null: in the window
-    bool yieldsToFields = false;          // a text field takes the keys for itself
+    bool yieldsToFields = false;          // a text field takes the keys for itself; what lies in `keysIn` counts, too
+    QString viewKeys = {};                // that a view takes itself, as menus say them
 };

@@ -439,6 +439,7 @@ void ZQGridView::contextMenuEvent(QContextMenuEvent *event)
 void ZQGridView::focusInEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusInEvent(event);
+    m_isReachedByKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
     viewport()->update();
 }
 

@@ -199,6 +199,7 @@ private:
     QTimer m_autoScroll;
     qint64 m_dropIndex = -1;
     bool m_isDropTarget = false;
+    bool m_isReachedByKey = false; // by Tab
     QString m_typed;
     QElapsedTimer m_typedAt;
 };

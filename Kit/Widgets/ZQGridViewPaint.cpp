@@ -82,6 +82,10 @@ void ZQGridView::paintCell(QPainter &painter, qint64 index, const QRect &rect)
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 2));
         painter.setBrush(zqColor(ZQColorRole::Select));
         painter.drawRoundedRect(QRectF(box).adjusted(1, 1, -1, -1), cellRadius, cellRadius);
+        if (isFocused && m_isReachedByKey) {
+            painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1));
+            painter.drawRoundedRect(QRectF(box).adjusted(3.5, 3.5, -3.5, -3.5), cellRadius - 2, cellRadius - 2);
+        }
     } else if (isFocused) {
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1, Qt::DotLine));
         painter.setBrush(Qt::NoBrush);
@@ -170,7 +174,7 @@ void ZQGridView::paintPicture(QPainter &painter, const ZQGridItem &item, const Q
 
 void ZQGridView::paintTitle(QPainter &painter, const ZQGridItem &item, const QRect &box, bool selected)
 {
-    painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize));
+    painter.setFont(ZQTheme::fontForName(ZQTheme::current().font(ZQMeasure::smallTextSize), item.title));
     const QFontMetrics metrics = painter.fontMetrics();
     const QString extension = m_showsExtensions ? withDot(item.extension) : QString();
     const int extensionWidth = metrics.horizontalAdvance(extension);
@@ -233,6 +237,11 @@ void ZQGridView::paintOverlays(QPainter &painter)
         painter.setBrush(fill);
         painter.drawRect(
             QRectF(QRect(QPoint(m_pressPoint.x(), y), m_lastPoint).normalized()).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
+    if (hasFocus() && m_isReachedByKey && !visibleIndexes().contains(m_current)) { // no item shows it
+        painter.setPen(QPen(accent, 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(QRectF(viewport()->rect()).adjusted(0.5, 0.5, -0.5, -0.5));
     }
     if (m_isDropTarget) {
         painter.setPen(QPen(accent, 2));

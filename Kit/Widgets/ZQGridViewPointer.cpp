@@ -34,6 +34,7 @@ void paintNumber(QPainter &painter, qint64 count)
 void ZQGridView::mousePressEvent(QMouseEvent *event)
 {
     m_press = Press::None;
+    m_isReachedByKey = false;
     m_selectOnRelease = false;
     if (event->button() != Qt::LeftButton) {
         return;

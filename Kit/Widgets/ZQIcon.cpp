@@ -110,6 +110,22 @@ void ZQIcon::paint(QPainter &painter, const QRectF &rect, const QString &name, c
     painter.drawPixmap(rect.topLeft(), pixmap);
 }
 
+QIcon ZQIcon::application()
+{
+    ZQTheme::current();
+    QSvgRenderer renderer(QStringLiteral(":/zelto/application.svg"));
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
+        QPixmap pixmap(side, side);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        renderer.render(&painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
 QStringList ZQIcon::names()
 {
     ZQTheme::current();

@@ -17,4 +17,5 @@ public:
                       ZQColorRole checkedRole = ZQColorRole::Text);
     static void paint(QPainter &painter, const QRectF &rect, const QString &name, const QColor &color);
     static QStringList names();
+    static QIcon application(); // in its own colours, for windows
 };

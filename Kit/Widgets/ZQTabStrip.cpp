@@ -25,12 +25,18 @@ constexpr int newRoom = 40;
 constexpr int allRoom = 30;
 } // namespace
 
-ZQTabStrip::ZQTabStrip(QWidget *parent) : QWidget(parent), m_all(new QToolButton(this))
+ZQTabStrip::ZQTabStrip(QWidget *parent) : QWidget(parent), m_new(new QToolButton(this)), m_all(new QToolButton(this))
 {
     setFixedHeight(tabHeight);
     setMouseTracking(true);
     setFocusPolicy(Qt::TabFocus);
     setAccessibleName(zqLocalized("Tabs"));
+    m_new->setIcon(ZQIcon::icon(QStringLiteral("plus")));
+    m_new->setIconSize({16, 16});
+    m_new->setAccessibleName(zqLocalized("New Tab"));
+    m_new->setToolTip(m_new->accessibleName());
+    m_new->setFocusPolicy(Qt::TabFocus);
+    connect(m_new, &QToolButton::clicked, this, &ZQTabStrip::newRequested);
     m_all->setIcon(ZQIcon::icon(QStringLiteral("chevron-down")));
     m_all->setIconSize({14, 14});
     m_all->setAccessibleName(zqLocalized("All Tabs"));
@@ -50,6 +56,11 @@ void ZQTabStrip::setTabs(const QStringList &titles, int current)
     showCurrent();
     updateGeometry();
     update();
+}
+
+QList<QWidget *> ZQTabStrip::focusStops()
+{
+    return {this, m_new, m_all};
 }
 
 QSize ZQTabStrip::sizeHint() const
@@ -107,6 +118,7 @@ void ZQTabStrip::showCurrent()
     const int visible = visibleCount();
     m_first = std::clamp(m_first, std::max(0, m_current - visible + 1), std::max(0, m_current));
     m_first = std::clamp(m_first, 0, std::max(0, count() - visible));
+    m_new->setGeometry(newRect());
     m_all->setGeometry(width() - 27, (tabHeight - 26) / 2, 26, 26);
     m_all->setVisible(visible < count());
 }
@@ -178,6 +190,7 @@ void ZQTabStrip::paintEvent(QPaintEvent * /*event*/)
             painter.drawRoundedRect(tab.adjusted(0, 3, 0, -3), 6, 6);
         }
         painter.setPen(zqColor(isCurrent ? ZQColorRole::Text : ZQColorRole::TextMuted));
+        painter.setFont(ZQTheme::fontForName(ZQTheme::current().font(), m_titles[i]));
         const QRect text = tab.adjusted(12, 0, count() > 1 ? -28 : -10, 0);
         painter.drawText(text, Qt::AlignVCenter,
                          painter.fontMetrics().elidedText(m_titles[i], Qt::ElideRight, text.width() + 2));
@@ -186,8 +199,6 @@ void ZQTabStrip::paintEvent(QPaintEvent * /*event*/)
                           zqColor(ZQColorRole::TextFaint));
         }
     }
-    ZQIcon::paint(painter, QRectF(newRect()).adjusted(5, 5, -5, -5), QStringLiteral("plus"),
-                  zqColor(ZQColorRole::TextMuted));
 }
 
 void ZQTabStrip::mousePressEvent(QMouseEvent *event)
@@ -201,9 +212,6 @@ void ZQTabStrip::mousePressEvent(QMouseEvent *event)
         return;
     }
     if (index < 0) {
-        if (newRect().contains(event->pos())) {
-            Q_EMIT newRequested();
-        }
         return;
     }
     if (m_titles.size() > 1 && closeRect(index).contains(event->pos())) {
@@ -259,11 +267,7 @@ bool ZQTabStrip::event(QEvent *event)
     if (event->type() == QEvent::ToolTip) {
         const auto *help = static_cast<QHelpEvent *>(event);
         const int index = tabAt(help->pos());
-        QToolTip::showText(help->globalPos(),
-                           index >= 0                        ? m_titles[index]
-                           : newRect().contains(help->pos()) ? zqLocalized("New Tab")
-                                                             : QString(),
-                           this);
+        QToolTip::showText(help->globalPos(), index >= 0 ? m_titles[index] : QString(), this);
         return true;
     }
     return QWidget::event(event);

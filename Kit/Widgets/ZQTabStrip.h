@@ -16,7 +16,8 @@ public:
     void setTabs(const QStringList &titles, int current);
     int currentIndex() const { return m_current; }
     int count() const { return int(m_titles.size()); }
-    int visibleCount() const; // tabs that have room
+    int visibleCount() const;      // tabs that have room
+    QList<QWidget *> focusStops(); // in the order of Tab
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -47,6 +48,7 @@ private:
     void fillMenu();
 
     QStringList m_titles;
+    QToolButton *m_new; // for a new tab
     QToolButton *m_all; // the menu of all tabs
     int m_current = -1;
     int m_first = 0; // the first that is shown

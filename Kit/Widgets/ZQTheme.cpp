@@ -4,11 +4,15 @@
 #include <QFile>
 #include <QFontDatabase>
 #include <QLabel>
+#include <QPainter>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
+#include <QToolButton>
 
 #include <cmath>
 
@@ -33,6 +37,34 @@ public:
             label->setTextFormat(Qt::PlainText);
         }
         QProxyStyle::polish(widget);
+    }
+
+    void drawItemText(QPainter *painter, const QRect &rect, int flags, const QPalette &palette, bool enabled,
+                      const QString &text, QPalette::ColorRole role) const override
+    {
+        const QFont font = painter->font();
+        painter->setFont(ZQTheme::fontForName(font, text));
+        QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, text, role);
+        painter->setFont(font);
+    }
+
+    // What has a border of its own shows the focus there.
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        if (element != PE_FrameFocusRect) {
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+            return;
+        }
+        if (qobject_cast<const QPushButton *>(widget) || qobject_cast<const QToolButton *>(widget)) {
+            return;
+        }
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(zqColor(ZQColorRole::Accent), 1));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(QRectF(option->rect).adjusted(-4.5, 0.5, 3.5, -0.5), 4, 4);
+        painter->restore();
     }
 };
 
@@ -152,6 +184,18 @@ QFont ZQTheme::font(int pixelSize, QFont::Weight weight) const
     QFont font = m_family.isEmpty() ? QFont() : QFont(m_family);
     font.setPixelSize(pixelSize);
     font.setWeight(weight);
+    return font;
+}
+
+QFont ZQTheme::fontForName(QFont font, QStringView name)
+{
+    for (qsizetype i = 1; i + 1 < name.size(); ++i) {
+        const bool isBetweenDigits = name[i].toLower() == u'x' && name[i - 1].isDigit() && name[i + 1].isDigit();
+        if (isBetweenDigits) {
+            font.setStyleStrategy(QFont::StyleStrategy(font.styleStrategy() | QFont::PreferNoShaping));
+            break;
+        }
+    }
     return font;
 }
 

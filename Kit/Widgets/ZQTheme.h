@@ -68,6 +68,8 @@ public:
     // The desktop's accent colour; an invalid one means the theme's own. Shades of it are moved until text on and in it
     // can be read.
     void setAccent(const QColor &accent);
+    // The same font, for a name: with all it can do, the typeface draws the x of 5120x2880 as a multiplication sign.
+    static QFont fontForName(QFont font, QStringView name);
 
     // Installs style, palette, font and style sheet, and takes the accent from the desktop's palette where it tells
     // one.

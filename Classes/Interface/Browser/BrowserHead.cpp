@@ -24,7 +24,7 @@ constexpr SortChoice sortChoices[] = {
     {ZQSortValue::Color, "Color"},
     {ZQSortValue::ModificationDate, "Modification date"},
     {ZQSortValue::CreationDate, "Creation date"},
-    {ZQSortValue::None, "Unsorted"},
+    {ZQSortValue::None, "Sidebar order"},
 };
 
 struct GroupChoice
@@ -163,7 +163,8 @@ bool BrowserHead::canSortBy(ZQSortValue value) const
     if (value == ZQSortValue::Manual) {
         return tab.browserCanManuallySort();
     }
-    return value != ZQSortValue::None || tab.sidebarSelectedItems().size() > 1;
+    const auto single = m_content->singleItem();
+    return value != ZQSortValue::None || tab.sidebarSelectedItems().size() > 1 || (single && single->isFolder());
 }
 
 bool BrowserHead::hasDirection() const

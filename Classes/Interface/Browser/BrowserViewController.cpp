@@ -13,7 +13,6 @@
 #include "Classes/Interface/Detail/DetailView.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/TextFields.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 
@@ -28,7 +27,6 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QStackedWidget>
-#include <QThread>
 
 namespace {
 
@@ -46,12 +44,6 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     setAttribute(Qt::WA_StyledBackground);
     m_grid->setAccessibleName(zqLocalized("Items"));
     m_grid->thumbnailLoader().setDecoder(&ItemPictures::pictureFor);
-    followPreferences();
-    m_preferences = ZQUserDefaults::standardUserDefaults().observe([this](const QString &) {
-        if (QThread::currentThread() == thread()) {
-            followPreferences();
-        }
-    });
     m_grid->setDataSource(m_content);
     auto *page = new QWidget(this);
     auto *column = new QVBoxLayout(page);
@@ -362,14 +354,6 @@ void BrowserViewController::savePersistentState()
     m_content->tab().savePersistentStateInformations();
 }
 
-void BrowserViewController::followPreferences()
-{
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    m_grid->setShowsTitles(defaults.boolForKey(QStringLiteral("ShowLibraryItemsTitles")),
-                           defaults.boolForKey(QStringLiteral("ShowLibraryItemsExtensions")));
-    m_grid->setFillsCells(defaults.boolForKey(fillsCellsPreference));
-}
-
 void BrowserViewController::changeZoom(double by)
 {
     m_grid->setZoom(m_grid->zoom() + by);
@@ -547,10 +531,20 @@ QList<WindowCommand> BrowserViewController::commands()
          },
          {},
          [this] { return !m_refine->isHidden(); }},
-        {CommandID::QuickLook, zqLocalized("Quick Look"), {}, [this] { openDetail(true); }, hasSelection},
-        {CommandID::Open, zqLocalized("Open"), {}, [this] { openDetail(false); }, hasSelection},
+        {.id = CommandID::QuickLook,
+         .title = zqLocalized("Quick Look"),
+         .keys = {},
+         .run = [this] { openDetail(true); },
+         .isEnabled = hasSelection,
+         .viewKeys = zqLocalized("Space")},
+        {.id = CommandID::Open,
+         .title = zqLocalized("Open"),
+         .keys = {},
+         .run = [this] { openDetail(false); },
+         .isEnabled = hasSelection,
+         .viewKeys = zqLocalized("Enter")},
     };
-    // Only the grid takes their keys: in a field a digit is a digit.
+    // Only what shows items takes their keys: in a field a digit is a digit.
     for (int stars = 0; stars <= 5; ++stars) {
         result.append({.id = CommandID(int(CommandID::Rate0) + stars),
                        .title = stars == 0   ? zqLocalized("None")
@@ -559,9 +553,38 @@ QList<WindowCommand> BrowserViewController::commands()
                        .keys = {Qt::Key(Qt::Key_0 + stars)},
                        .run = [this, stars] { rate(stars); },
                        .isEnabled = hasSelection,
-                       .keysIn = m_grid});
+                       .keysIn = m_stack,
+                       .yieldsToFields = true});
     }
-    return result + m_head->commands() + m_style->commands();
+    return result + zoomCommands() + m_head->commands() + m_style->commands();
+}
+
+QList<WindowCommand> BrowserViewController::zoomCommands()
+{
+    struct Zoom
+    {
+        CommandID id;
+        const char *title;
+        QList<QKeySequence> keys;
+        void (DetailView::*run)();
+    };
+    const Zoom zooms[] = {
+        {CommandID::ZoomToFit, "Fit", {Qt::CTRL | Qt::Key_0}, &DetailView::zoomToFit},
+        {CommandID::ZoomToActualSize, "Actual Size", {Qt::Key_Z}, &DetailView::zoomToActualSize},
+        {CommandID::ZoomIn, "Zoom In", {Qt::Key_Plus, Qt::Key_Equal}, &DetailView::zoomIn},
+        {CommandID::ZoomOut, "Zoom Out", {Qt::Key_Minus}, &DetailView::zoomOut},
+    };
+    QList<WindowCommand> result;
+    for (const Zoom &zoom : zooms) {
+        result.append({.id = zoom.id,
+                       .title = zqLocalized(zoom.title),
+                       .keys = zoom.keys,
+                       .run = [this, run = zoom.run] { (m_detail->*run)(); },
+                       .isEnabled = [this] { return isDetailOpen(); },
+                       .keysIn = m_detail,
+                       .yieldsToFields = true});
+    }
+    return result;
 }
 
 void BrowserViewController::copyToClipboard()

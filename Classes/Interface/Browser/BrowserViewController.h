@@ -3,7 +3,6 @@
 #include "Classes/Browsing/Facets.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/WindowCommand.h"
-#include "Kit/Files/ZQUserDefaults.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -26,9 +25,6 @@ class BrowserViewController : public QWidget
 {
     Q_OBJECT
 public:
-    // Small pictures fill their cells, or keep their size.
-    static inline const QString fillsCellsPreference = QStringLiteral("BrowserFillsCells");
-
     explicit BrowserViewController(WindowContext &window, QWidget *parent = nullptr);
 
     void showTab(const std::shared_ptr<TabState> &tab);
@@ -61,8 +57,7 @@ public:
     void rate(int stars);
     void copyToClipboard();
     void changeZoom(double by);
-    void followPreferences(); // how cells are drawn
-    void keepViewState();     // selection, scroll and detail view, in the tab that is shown
+    void keepViewState(); // selection, scroll and detail view, in the tab that is shown
     void savePersistentState();
     QList<WindowCommand> commands();
 
@@ -85,6 +80,7 @@ private:
     QWidget *makeRecovery();
     QString countText() const;
     void updateStatus();
+    QList<WindowCommand> zoomCommands();                 // of the detail view
     void showOther(const std::function<void()> &change); // `change` has the content be another
     void contentWillChange();
     void contentDidChange();
@@ -104,7 +100,6 @@ private:
     DetailView *m_detail;
     BrowserHead *m_head;
     BrowserListStyle *m_style;
-    ZQUserDefaults::Token m_preferences;
     QLabel *m_status;
     SavedSearchButtons *m_savedSearch;
     SearchChips *m_chips;

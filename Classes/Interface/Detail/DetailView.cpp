@@ -6,6 +6,7 @@
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLocale>
 #include <QPainter>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -56,7 +57,13 @@ void DetailView::makeHead()
         return made;
     };
     m_fit = textButton(zqLocalized("Fit"));
+    m_fit->setToolTip(zqLocalized("Fit (Ctrl+0)"));
     m_actual = textButton(zqLocalized("100 %"));
+    m_actual->setToolTip(zqLocalized("Actual size (Z)"));
+    m_zoom = new QLabel(this);
+    m_zoom->setObjectName(QStringLiteral("Muted"));
+    m_zoom->setAccessibleName(zqLocalized("Zoom"));
+    m_zoom->setToolTip(zqLocalized("Zoom (+ and −)"));
     connect(m_fit, &QToolButton::clicked, this, &DetailView::zoomToFit);
     connect(m_actual, &QToolButton::clicked, this, &DetailView::zoomToActualSize);
     m_previousPage = button(QStringLiteral("arrow-up"), zqLocalized("Previous page (Page Up)"),
@@ -82,6 +89,7 @@ void DetailView::makeHead()
     head->addWidget(m_position);
     head->addStretch(1);
     head->addWidget(m_pages);
+    head->addWidget(m_zoom);
     head->addWidget(m_fit);
     head->addWidget(m_actual);
     head->addWidget(
@@ -137,6 +145,7 @@ void DetailView::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     updateWantedSide();
+    updateButtons();
 }
 
 void DetailView::updateWantedSide()
@@ -214,8 +223,21 @@ void DetailView::zoomToActualSize()
     zoomAt(1, QRectF(canvas()).center());
 }
 
+void DetailView::zoomIn()
+{
+    zoomAt(scale() * keyZoom, QRectF(canvas()).center());
+}
+
+void DetailView::zoomOut()
+{
+    zoomAt(scale() / keyZoom, QRectF(canvas()).center());
+}
+
 void DetailView::updateButtons()
 {
+    m_zoom->setText(naturalSize().isEmpty()
+                        ? QString()
+                        : zqFormat(zqLocalized("%@ %%"), {QLocale().toString(int(std::lround(scale() * 100)))}));
     m_fit->setChecked(m_scale <= 0);
     m_actual->setChecked(m_scale > 0 && std::abs(m_scale - 1) < 0.001);
 }
@@ -310,19 +332,6 @@ void DetailView::keyPressEvent(QKeyEvent *event)
         return;
     case Qt::Key_P:
         m_document->setPlaying(!m_document->isPlaying());
-        return;
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-        zoomAt(scale() * keyZoom, QRectF(canvas()).center());
-        return;
-    case Qt::Key_Minus:
-        zoomAt(scale() / keyZoom, QRectF(canvas()).center());
-        return;
-    case Qt::Key_0:
-        zoomToFit();
-        return;
-    case Qt::Key_1:
-        zoomToActualSize();
         return;
     default:
         QWidget::keyPressEvent(event);

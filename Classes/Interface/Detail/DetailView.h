@@ -21,6 +21,8 @@ public:
     void setQuickLook(bool quickLook) { m_isQuickLook = quickLook; } // Space closes it, too
     void zoomToFit();
     void zoomToActualSize();
+    void zoomIn();
+    void zoomOut();
     double scale() const;                              // device pixels for a pixel of the picture
     bool isZoomed() const { return m_scale > 0; }      // not fitted
     QPointF center() const { return m_center; }        // what a zoomed picture has in the middle, in its pixels
@@ -71,4 +73,5 @@ private:
     QToolButton *m_play;
     QToolButton *m_fit;
     QToolButton *m_actual;
+    QLabel *m_zoom; // in percent of the picture's own pixels
 };

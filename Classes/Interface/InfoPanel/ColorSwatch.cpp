@@ -29,9 +29,15 @@ void ColorSwatch::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(hasFocus() ? QPen(zqColor(ZQColorRole::Accent), 2) : QPen(zqColor(ZQColorRole::Border), 1));
+    const bool focused = hasFocus();
+    if (focused) { // a ring at a distance: the colour itself may be that of the focus
+        painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), 6, 6);
+    }
+    const double inset = focused ? 3.5 : 0.5;
+    painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
     painter.setBrush(ZQTheme::swatch(m_code));
-    const double inset = hasFocus() ? 1 : 0.5;
     painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 5, 5);
 }
 

@@ -2,11 +2,12 @@
 
 #include <QAbstractButton>
 
-// A colour of an item, as a button.
+// One of an asset's colours, to be searched with a click. Main thread.
 class ColorSwatch : public QAbstractButton
 {
     Q_OBJECT
 public:
+    // `code`: see ZQTheme::swatch.
     ColorSwatch(int code, const QString &name, QWidget *parent = nullptr);
     QSize sizeHint() const override;
 

@@ -7,6 +7,7 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
+#include "Classes/Interface/InfoPanel/DocumentSize.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -142,6 +143,7 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
       m_summaryTicket(window.fetcher, ContentFetcher::Priority::Summary)
 {
     setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus); // its fields take it
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *page = new QWidget(this);
     page->setObjectName(QStringLiteral("InfoPanel"));
@@ -182,6 +184,11 @@ void InfoPanelViewController::makeHead()
     m_title->setAccessibleName(zqLocalized("Title"));
     m_title->installEventFilter(this);
     connect(m_title, &QLineEdit::editingFinished, this, &InfoPanelViewController::commitTitle);
+    connect(m_title, &QLineEdit::textChanged, this, [this](const QString &text) {
+        QFont plain = m_title->font();
+        plain.setStyleStrategy(QFont::PreferDefault);
+        m_title->setFont(ZQTheme::fontForName(plain, text));
+    });
     m_kind->setObjectName(QStringLiteral("SmallMuted"));
     m_kind->setWordWrap(true);
     connect(m_rating, &RatingField::edited, this,
@@ -203,6 +210,13 @@ void InfoPanelViewController::makeRows()
     m_rows->setColumnMinimumWidth(0, 70);
     m_rows->setColumnStretch(1, 1);
     m_size = addValue(zqLocalized("Size"));
+    m_documentSize = new DocumentSize(this);
+    connect(m_documentSize, &DocumentSize::didRead, this, [this](const QString &path, const QString &text) {
+        const auto item = m_items.size() == 1 ? m_window.libraryItem(m_items.first()) : ZQRef<ZQLibraryBaseItem>();
+        if (item && item->itemURL() == path) {
+            m_size->setText(text);
+        }
+    });
     m_imported = addValue(zqLocalized("Imported"));
     m_modified = addValue(zqLocalized("Modified"));
     m_source = addField(zqLocalized("Source"));
@@ -350,7 +364,7 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
     } else {
         m_notes->setPlainText(summary.notes.differs ? QString() : summary.notes.text);
     }
-    m_size->setText(summary.size.shown());
+    showSize(*first);
     m_imported->setText(summary.imported.shown());
     m_modified->setText(summary.modified.shown());
     for (const auto &[field, value] : {std::pair{m_source, summary.source}, {m_license, summary.license}}) {
@@ -367,6 +381,17 @@ void InfoPanelViewController::showPicture(const ZQLibraryBaseItem &item, bool is
     m_preview->setItem(ItemPictures::thumbnailOf(item), QSize(item.pixelWidth(), item.pixelHeight()));
     showColors(item);
     m_colorBox->setVisible(isOne && !ZQSidebarTag::colorNameForValue(item.mainColor()).isEmpty());
+}
+
+void InfoPanelViewController::showSize(const ZQLibraryBaseItem &item)
+{
+    QString text = m_summary.size.shown();
+    const QString path = item.itemURL();
+    if (m_items.size() == 1 && item.pixelWidth() == 0 && DocumentSize::isDocument(path)) {
+        const QString known = m_documentSize->textFor(path);
+        text = known.isEmpty() ? text : known;
+    }
+    m_size->setText(text);
 }
 
 void InfoPanelViewController::showTags(const SelectionSummary &summary)

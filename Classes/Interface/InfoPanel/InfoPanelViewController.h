@@ -13,6 +13,7 @@ class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+class DocumentSize;
 class QVBoxLayout;
 class RatingField;
 class TagField;
@@ -49,6 +50,7 @@ private:
     void showNothing();
     void showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary);
     void showPicture(const ZQLibraryBaseItem &item, bool isOne);
+    void showSize(const ZQLibraryBaseItem &item);
     void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
     void commitTitle();
@@ -75,6 +77,7 @@ private:
     QPlainTextEdit *m_notes;
     QGridLayout *m_rows;
     QLabel *m_size;
+    DocumentSize *m_documentSize;
     QLabel *m_imported;
     QLabel *m_modified;
     QLineEdit *m_source;

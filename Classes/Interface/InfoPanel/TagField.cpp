@@ -4,12 +4,14 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QStringListModel>
+#include <QStyledItemDelegate>
 #include <QToolButton>
 
 namespace {
@@ -75,6 +77,8 @@ TagField::TagField(QWidget *parent) : QFrame(parent), m_flow(new FlowLayout), m_
     m_edit->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto *completer = new QCompleter(QStringList(), this);
     completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->popup()->setObjectName(QStringLiteral("Completion"));
+    completer->popup()->setItemDelegate(new QStyledItemDelegate(completer)); // its own follows no style sheet
     m_edit->setCompleter(completer);
     m_edit->installEventFilter(this);
     connect(m_edit, &QLineEdit::textEdited, this, [this](const QString &text) {
@@ -179,6 +183,12 @@ bool TagField::eventFilter(QObject *object, QEvent *event)
         return true;
     }
     return QFrame::eventFilter(object, event);
+}
+
+// Wherever it is, and on a tag, too.
+void TagField::mousePressEvent(QMouseEvent * /*event*/)
+{
+    m_edit->setFocus(Qt::MouseFocusReason);
 }
 
 void TagField::paintEvent(QPaintEvent * /*event*/)

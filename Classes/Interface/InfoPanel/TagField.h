@@ -24,6 +24,7 @@ Q_SIGNALS:
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
 
 private:
     void rebuild();

@@ -24,6 +24,13 @@ namespace {
 constexpr int acceptCode = 1;
 constexpr int cancelCode = 2;
 constexpr qsizetype pictureBytes = qsizetype(16) << 20;
+
+// A title as the file is called.
+QString withExtension(const QString &title, const QString &path)
+{
+    const QString extension = QFileInfo(path).suffix();
+    return extension.isEmpty() || title.endsWith(u'.' + extension) ? title : title + u'.' + extension;
+}
 } // namespace
 
 QuestionSheet::QuestionSheet(QWidget *window, const UserQuestion &question)
@@ -62,18 +69,23 @@ UnreadableFilesSheet::UnreadableFilesSheet(QWidget *window, QList<FileConflict> 
     m_list->setAccessibleName(zqLocalized("Files"));
     m_list->setMinimumHeight(190);
     for (const FileConflict &conflict : std::as_const(m_conflicts)) {
-        auto *row = new QListWidgetItem(conflict.path, m_list);
+        const QString reason = conflict.isValid            ? QString()
+                               : conflict.reason.isEmpty() ? zqLocalized("This file cannot be read.")
+                                                           : conflict.reason;
+        auto *row = new QListWidgetItem(reason.isEmpty() ? conflict.path : conflict.path + u'\n' + reason, m_list);
+        row->setData(Qt::UserRole, conflict.path);
         row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
         row->setCheckState(conflict.isIncluded && conflict.isValid ? Qt::Checked : Qt::Unchecked);
         row->setForeground(zqColor(conflict.isValid ? ZQColorRole::Text : ZQColorRole::Danger));
-        row->setToolTip(conflict.isValid ? conflict.path : zqLocalized("This file cannot be read."));
+        row->setToolTip(row->text());
     }
     content()->addWidget(m_list);
     auto *reveal = new QPushButton(zqLocalized("Show in Folder"), this);
     reveal->setAutoDefault(false);
     connect(reveal, &QPushButton::clicked, this, [this] {
         if (const QListWidgetItem *row = m_list->currentItem()) {
-            QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(row->text()).absolutePath()));
+            QDesktopServices::openUrl(
+                QUrl::fromLocalFile(QFileInfo(row->data(Qt::UserRole).toString()).absolutePath()));
         }
     });
     footer()->insertWidget(0, reveal);
@@ -212,8 +224,11 @@ void DuplicatesSheet::showPair()
     if (!pair.existingPlaces.isEmpty()) {
         since += QStringLiteral(" · ") + pair.existingPlaces.join(QStringLiteral(", "));
     }
-    m_existing->show(pair.existingTitle, since + u'\n' + facts, pair.existingThumbPath);
-    m_new->show(pair.newTitle, zqLocalized("New") + u'\n' + facts,
+    m_existing->show(withExtension(pair.existingTitle, pair.existingPath), since + u'\n' + facts,
+                     pair.existingThumbPath);
+    const QString folder = QFileInfo(pair.newPath).absolutePath();
+    const QString from = pair.newPath.isEmpty() ? zqLocalized("New") : zqFormat(zqLocalized("New, from %@"), {folder});
+    m_new->show(withExtension(pair.newTitle, pair.newPath), from + u'\n' + facts,
                 pair.newThumbPath.isEmpty() ? pair.newPath : pair.newThumbPath);
     const int left = int(m_pairs.size() - m_choices.size());
     m_applyToAll->setText(left == int(m_pairs.size())

@@ -25,8 +25,7 @@ ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &wind
     setObjectName(QStringLiteral("Sidebar"));
     setAttribute(Qt::WA_StyledBackground);
     const bool showsBadges = ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SidebarDisplayBadges"));
-    m_projects->setShowsCounts(showsBadges);
-    m_tags->setShowsCounts(showsBadges);
+    setShowsCounts(showsBadges);
     m_stack->addWidget(makeTree(m_projects));
     m_stack->addWidget(makeTree(m_tags));
     auto *top = new QHBoxLayout;
@@ -224,6 +223,12 @@ void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view)
         }
     };
     restore(restore, {});
+}
+
+void ProjectsSidebarViewController::setShowsCounts(bool shows)
+{
+    m_projects->setShowsCounts(shows);
+    m_tags->setShowsCounts(shows);
 }
 
 void ProjectsSidebarViewController::reloadCounts()

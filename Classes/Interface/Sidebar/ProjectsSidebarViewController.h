@@ -23,6 +23,7 @@ public:
     void reload();
     bool isEditing() const { return tree()->isEditing(); }
     void reloadCounts();
+    void setShowsCounts(bool shows);
     QVBoxLayout *progressLayout() const { return m_progress; }
     QList<WindowCommand> commands();
 

@@ -112,7 +112,7 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const int badgeWidth = badge.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(badge) + 8;
     painter->setPen(zqColor(selected ? ZQColorRole::TextMuted : ZQColorRole::TextFaint));
     painter->drawText(row.adjusted(0, 0, -rowMargin - 8, 0), int(Qt::AlignVCenter | Qt::AlignRight), badge);
-    painter->setFont(ZQTheme::current().font());
+    painter->setFont(ZQTheme::fontForName(ZQTheme::current().font(), title));
     painter->setPen(zqColor(isAway ? ZQColorRole::TextFaint : ZQColorRole::Text));
     const QRect text(left, row.top(), row.right() - rowMargin - 8 - badgeWidth - left, row.height());
     painter->drawText(text, Qt::AlignVCenter, painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));

@@ -6,6 +6,8 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
+#include "Classes/Interface/Preferences/PreferencesFollower.h"
+#include "Classes/Interface/Preferences/PreferencesWindow.h"
 #include "Classes/Interface/Sheets/Sheet.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/TextFields.h"
@@ -24,6 +26,7 @@
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
+#include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QApplication>
@@ -129,6 +132,7 @@ void MainWindowController::applyTheme()
 {
     ZQTheme::current().setDark(defaults().boolForKey(QStringLiteral("UseDarkUI")));
     ZQTheme::current().apply(*static_cast<QApplication *>(QCoreApplication::instance()));
+    QApplication::setWindowIcon(ZQIcon::application());
 }
 
 void MainWindowController::makePanes()
@@ -180,6 +184,8 @@ void MainWindowController::makeCommands()
     connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateCommands);
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainWindowController::updateCommands);
     connect(qApp, &QApplication::focusChanged, this, &MainWindowController::updateCommands);
+    auto *preferences = new PreferencesFollower(*m_sidebar, *m_browser, m_mainWindow.get());
+    connect(preferences, &PreferencesFollower::followed, this, &MainWindowController::updateCommands);
 }
 
 // Tied to the window's own places, or to what several panes share.
@@ -230,6 +236,10 @@ QList<WindowCommand> MainWindowController::editCommands()
          {},
          [this, named] { return named(zqLocalized("Redo"), zqLocalized("Redo %@"), m_undoStack.redoText()); }},
         {CommandID::Rename, zqLocalized("Rename"), {Qt::Key_F2}, [this] { rename(); }},
+        {CommandID::Preferences,
+         zqLocalized("Preferences…"),
+         {Qt::CTRL | Qt::Key_Comma},
+         [this] { showPreferences(); }},
         {.id = CommandID::Remove,
          .title = zqLocalized("Remove"),
          .keys = {Qt::Key_Delete},
@@ -304,6 +314,16 @@ void MainWindowController::toggleTheme()
     updateCommands();
 }
 
+void MainWindowController::showPreferences()
+{
+    if (!m_preferences) {
+        m_preferences = new PreferencesWindow(*m_delegate, m_mainWindow.get());
+    }
+    m_preferences->show();
+    m_preferences->raise();
+    m_preferences->activateWindow();
+}
+
 void MainWindowController::rename()
 {
     QWidget *focus = QApplication::focusWidget();
@@ -366,14 +386,9 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
 
 void MainWindowController::showKeys()
 {
-    const QStringList lines =
-        m_commands->keyLines() +
-        QStringList{zqLocalized("Space   Quick look"), zqLocalized("Enter   Open"), zqLocalized("Esc   Back")};
-    UserQuestion question;
-    question.message = zqLocalized("Keyboard");
-    question.informativeText = lines.join(u'\n');
-    question.buttons = {zqLocalized("OK")};
-    m_user.ask(question);
+    const QList<KeyLine> others = {{zqLocalized("F10"), zqLocalized("Menu")},
+                                   {zqLocalized("Esc"), zqLocalized("Back, or clear the search")}};
+    KeysSheet(m_mainWindow.get(), m_commands->keyLines() + others).run();
 }
 
 // State.

@@ -7,6 +7,7 @@
 #include "Classes/Interface/WindowContext.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QUndoStack>
 
 #include <memory>
@@ -16,6 +17,7 @@ class ImportActions;
 class InfoPanelViewController;
 class MainToolbar;
 class MainWindow;
+class PreferencesWindow;
 class ProjectsSidebarViewController;
 class QAction;
 class QSplitter;
@@ -75,6 +77,7 @@ private:
     void deleteKey();
     void showItemMenu(const QPoint &globalPoint);
     void showKeys();
+    void showPreferences();
     void restoreGeometry();
 
     WindowUserInteraction &m_user;
@@ -93,4 +96,5 @@ private:
     SavedSearchActions *m_savedSearches = nullptr;
     WindowFollower *m_follower = nullptr;
     WindowCommands *m_commands = nullptr;
+    QPointer<PreferencesWindow> m_preferences; // while it is open
 };

@@ -103,7 +103,7 @@ QList<WindowCommand> TabsController::commands()
         {CommandID::NextTab, zqLocalized("Next Tab"), {Qt::CTRL | Qt::Key_Tab}, [this] { m_tabs.selectNext(1); }},
         {CommandID::PreviousTab,
          zqLocalized("Previous Tab"),
-         {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, Qt::CTRL | Qt::Key_Backtab},
+         {Qt::CTRL | Qt::SHIFT | Qt::Key_Tab},
          [this] { m_tabs.selectNext(-1); }},
         {CommandID::Find,
          zqLocalized("Find"),

@@ -28,12 +28,18 @@ const std::vector<MenuPlan> &menuPlans()
          {NewProject, NewFolder, NewTag, separator, Import, separator, NewTab, CloseTab, ReopenClosedTab, separator,
           NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator, Quit}},
         {"Edit",
-         {Undo, Redo, separator, Copy, Paste, SelectAll, separator, CommandID::Rename, Duplicate, Remove,
-          DeleteFromLibrary, separator, Rate0, separator, Find, SaveSearch, EditSearch, UpdateSearch}},
-        {"View",
-         {Sidebar, InfoPanel, CommandID::RefineBar, separator, ShowAsGrid, ShowAsList, separator, GroupPlain,
-          SortManually, separator, LargerThumbnails, SmallerThumbnails, separator, QuickLook, Open, FullScreen,
-          separator, DarkTheme}},
+         {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
+          Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,
+          EditSearch, UpdateSearch, separator,         Preferences}},
+        {"View", {Sidebar,     InfoPanel,        CommandID::RefineBar,
+                  separator,   ShowAsGrid,       ShowAsList,
+                  separator,   GroupPlain,       SortManually,
+                  separator,   LargerThumbnails, SmallerThumbnails,
+                  separator,   QuickLook,        Open,
+                  ZoomToFit,   ZoomToActualSize, ZoomIn,
+                  ZoomOut,     separator,        NextTab,
+                  PreviousTab, SelectTab1,       separator,
+                  FullScreen,  DarkTheme}},
         {"Help", {Keyboard}},
     };
     return plans;
@@ -46,13 +52,15 @@ WindowCommands::WindowCommands(QWidget *window) : QObject(window), m_window(wind
 void WindowCommands::add(const QList<WindowCommand> &commands)
 {
     for (const WindowCommand &command : commands) {
-        auto *action = new QAction(command.title, m_window);
+        // What follows a tab a menu shows as keys.
+        const QString viewKeys = command.viewKeys.isEmpty() ? QString() : u'\t' + command.viewKeys;
+        auto *action = new QAction(command.title + viewKeys, m_window);
         action->setShortcuts(command.keys);
         action->setCheckable(bool(command.isChecked));
-        if (command.keysIn) {
-            action->setShortcutContext(Qt::WidgetShortcut);
-        } else if (command.yieldsToFields) {
+        if (command.yieldsToFields) {
             action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        } else if (command.keysIn) {
+            action->setShortcutContext(Qt::WidgetShortcut);
         }
         connect(action, &QAction::triggered, this, [run = command.run] { run(); });
         (command.keysIn ? command.keysIn : m_window)->addAction(action);
@@ -74,6 +82,16 @@ QMenu *WindowCommands::makeRatingMenu(QWidget *parent)
         menu->addAction(action(CommandID(int(CommandID::Rate0) + stars)));
     }
     m_rating = menu->menuAction();
+    return menu;
+}
+
+QMenu *WindowCommands::makeTabMenu(QWidget *parent)
+{
+    auto *menu = new QMenu(zqLocalized("Go to Tab"), parent);
+    menu->setObjectName(QStringLiteral("Go to Tab"));
+    for (int id = int(CommandID::SelectTab1); id <= int(CommandID::SelectTab9); ++id) {
+        menu->addAction(action(CommandID(id)));
+    }
     return menu;
 }
 
@@ -106,6 +124,8 @@ QMenu *WindowCommands::makeMenus(QWidget *parent)
                 menu->addSeparator();
             } else if (*entry == CommandID::Rate0) {
                 menu->addMenu(makeRatingMenu(menu));
+            } else if (*entry == CommandID::SelectTab1) {
+                menu->addMenu(makeTabMenu(menu));
             } else if (*entry == CommandID::GroupPlain || *entry == CommandID::SortManually) {
                 menu->addMenu(makeOrderMenu(*entry, menu));
             } else {
@@ -135,18 +155,20 @@ void WindowCommands::update()
     }
 }
 
-QStringList WindowCommands::keyLines() const
+QList<KeyLine> WindowCommands::keyLines() const
 {
-    QHash<const QAction *, QString> titles; // whatever they do at the moment
+    QHash<const QAction *, const WindowCommand *> commands;
     for (const WindowCommand &command : m_commands) {
-        titles.insert(m_actions.value(command.id), command.title);
+        commands.insert(m_actions.value(command.id), &command);
     }
-    QStringList lines;
+    QList<KeyLine> lines;
     for (const QMenu *menu : m_menus->findChildren<QMenu *>()) {
         for (const QAction *action : menu->actions()) {
-            if (!action->shortcut().isEmpty()) {
-                lines.append(action->shortcut().toString(QKeySequence::NativeText) + QStringLiteral("   ") +
-                             titles.value(action, action->text()));
+            const WindowCommand *command = commands.value(action);
+            if (command && (!command->keys.isEmpty() || !command->viewKeys.isEmpty())) {
+                lines.append({command->keys.isEmpty() ? command->viewKeys
+                                                      : command->keys.first().toString(QKeySequence::NativeText),
+                              command->title}); // whatever it does at the moment
             }
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Interface/Sheets/KeysSheet.h"
 #include "Classes/Interface/WindowCommand.h"
 
 #include <QHash>
@@ -23,11 +24,12 @@ public:
 
     // Once all commands are there.
     QMenu *makeMenus(QWidget *parent);
-    void update();                // asks every command how it is now
-    QStringList keyLines() const; // "Ctrl+N   New Project", as the menus have them
+    void update();                   // asks every command how it is now
+    QList<KeyLine> keyLines() const; // as the menus have them
 
 private:
     QMenu *makeRatingMenu(QWidget *parent);
+    QMenu *makeTabMenu(QWidget *parent);
     QMenu *makeOrderMenu(CommandID first, QWidget *parent); // to group, or to sort
 
     QWidget *m_window;

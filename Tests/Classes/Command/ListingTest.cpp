@@ -202,7 +202,10 @@ TEST_F(ListingTest, WhoGaveUpIsSeenInWhateverLoopRuns)
 
 TEST_F(ListingTest, AnImportThatItsAskerGaveUpKeepsNothing)
 {
-    picture(QStringLiteral("in/a.png"), qRgb(1, 2, 3));
+    QStringList arguments = {QStringLiteral("import")};
+    for (int i = 0; i < 20; ++i) {
+        arguments.append(picture(QStringLiteral("in/%1.png").arg(i), qRgb(i, 2, 3)));
+    }
     CommandLine commandLine;
     context = {};
     context.delegate = delegate.get();
@@ -215,8 +218,10 @@ TEST_F(ListingTest, AnImportThatItsAskerGaveUpKeepsNothing)
         }
     });
     int status = 0;
-    ASSERT_TRUE(commandLine.parse({QStringLiteral("import"), QStringLiteral("in/a.png")}, context, &status));
+    ASSERT_TRUE(commandLine.parse(arguments, context, &status));
     EXPECT_NE(commandLine.run(context), 0);
+    EXPECT_EQ(context.output.count('\n'), 2) << "not a line for each: " << context.output.constData();
+    EXPECT_TRUE(context.output.contains("not imported: 20 files: The import was cancelled."));
     EXPECT_TRUE(context.errors.contains("cancelled")) << context.errors.constData();
     EXPECT_EQ((run("items --json"), array().size()), 0);
 }

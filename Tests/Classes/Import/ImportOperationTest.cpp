@@ -55,6 +55,10 @@ QString tree(const ZQSidebarBaseItem &item)
 
 } // namespace
 
+namespace {
+QStringList logged;
+} // namespace
+
 TEST_F(ImportOperationTest, AnImageBecomesAnItemWithACopyOfItsFile)
 {
     const QString source = writeImage(QStringLiteral("Logo.PNG"), {300, 200}, Qt::white);
@@ -307,12 +311,20 @@ TEST_F(ImportOperationTest, APictureOfWhichAPartIsThereIsImportedAndToldOnce)
     user.notifications.clear();
 
     const QString unreadable = writeFile(QStringLiteral("none.png"), "no picture at all");
+    logged.clear();
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) { logged.append(text); });
     const auto several = import(cut.mid(1) + QStringList{unreadable}, project.get());
+    qInstallMessageHandler(before);
     EXPECT_EQ(items().size(), 3);
     EXPECT_EQ(several->report().imported().size(), 2);
     ASSERT_EQ(several->report().dropped().size(), 3);
     for (const DroppedFile &file : several->report().dropped()) {
         EXPECT_EQ(file.isImportedInPart(), file.path != unreadable);
+        if (file.path == unreadable) {
+            const QStringList lines = logged.filter(QStringLiteral("none.png"));
+            EXPECT_EQ(lines.filter(file.reason).size(), 1) << "the log says why: " << lines.join(u'|').toStdString();
+        }
     }
     ASSERT_EQ(user.notifications.size(), 1);
     const QString told = user.notifications.first().text;
@@ -379,6 +391,9 @@ TEST_F(ImportOperationTest, AnUnreadableFileIsAskedAboutAndTheAnswerDecides)
     ASSERT_EQ(asked.size(), 2);
     EXPECT_TRUE(asked.first().isValid);
     EXPECT_FALSE(asked.last().isValid);
+    EXPECT_EQ(asked.first().reason, QString());
+    EXPECT_EQ(asked.last().reason,
+              QStringLiteral("It is not there any more. Look where it went and import it from there."));
     EXPECT_EQ(titles(items()), QStringList{QStringLiteral("good")});
     EXPECT_EQ(droppedPaths(operation->report()), QStringList{gone});
 }

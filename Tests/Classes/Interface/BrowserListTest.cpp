@@ -189,14 +189,17 @@ TEST_F(BrowserListTest, WhatIsPreferredIsDrawnAtOnce)
     ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     EXPECT_FALSE(grid().fillsCells());
     const int withTitles = grid().gridLayout().rowHeight();
-    defaults.setObjectForKey(true, BrowserViewController::fillsCellsPreference);
+    defaults.setObjectForKey(true, QStringLiteral("BrowserFillsCells"));
+    settle();
     EXPECT_TRUE(grid().fillsCells());
     defaults.setObjectForKey(false, QStringLiteral("ShowLibraryItemsTitles"));
     defaults.setObjectForKey(false, QStringLiteral("ShowLibraryItemsExtensions"));
+    settle();
     EXPECT_LT(grid().gridLayout().rowHeight(), withTitles);
     for (const char *key : {"BrowserFillsCells", "ShowLibraryItemsTitles", "ShowLibraryItemsExtensions"}) {
         defaults.removeObjectForKey(QString::fromLatin1(key));
     }
+    settle();
     EXPECT_FALSE(grid().fillsCells());
     EXPECT_EQ(grid().gridLayout().rowHeight(), withTitles);
 }

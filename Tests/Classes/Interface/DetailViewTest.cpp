@@ -36,7 +36,7 @@ protected:
     {
         QStringList texts;
         for (const QLabel *label : detail->findChildren<QLabel *>()) {
-            if (label->isVisible()) {
+            if (label->isVisible() && label->accessibleName() != QStringLiteral("Zoom")) {
                 texts.append(label->text());
             }
         }
@@ -49,6 +49,7 @@ protected:
         }
         return texts.join(u' ');
     }
+    QString zoom() { return named<QLabel>("Zoom")->text(); }
     QColor pixel(const QPoint &point) { return detail->grab().toImage().pixelColor(point); }
     QPoint middle() { return detail->rect().adjusted(0, ZQMeasure::headHeight, 0, 0).center(); }
     QSize seen(const QColor &color) // the box around all of that colour
@@ -254,9 +255,11 @@ TEST_F(DetailViewTest, PicturesAreFittedZoomedAndMoved)
     const QColor drawn = pixel(middle());
     EXPECT_GT(drawn.red(), 250);
     EXPECT_DOUBLE_EQ(detail->scale(), 1) << "never enlarged by itself";
+    EXPECT_EQ(zoom(), QStringLiteral("100 %"));
     EXPECT_EQ(seen(drawn), QSize(80, 60));
     press(Qt::Key_Plus);
     EXPECT_DOUBLE_EQ(detail->scale(), 1.25);
+    EXPECT_EQ(zoom(), QStringLiteral("125 %"));
     EXPECT_FALSE(head().contains(QStringLiteral("[Fit*]")));
     EXPECT_FALSE(head().contains(QStringLiteral("[100 %*]")));
     EXPECT_EQ(pixel(middle()), drawn) << "the middle stays";
@@ -267,7 +270,7 @@ TEST_F(DetailViewTest, PicturesAreFittedZoomedAndMoved)
     EXPECT_TRUE(head().contains(QStringLiteral("[Fit] [100 %*]")));
     press(Qt::Key_Minus);
     EXPECT_DOUBLE_EQ(detail->scale(), 0.8);
-    press(Qt::Key_1);
+    press(Qt::Key_Z);
     EXPECT_DOUBLE_EQ(detail->scale(), 1);
     for (int i = 0; i < 30; ++i) {
         press(Qt::Key_Plus);
@@ -277,7 +280,9 @@ TEST_F(DetailViewTest, PicturesAreFittedZoomedAndMoved)
         press(Qt::Key_Minus);
     }
     EXPECT_DOUBLE_EQ(detail->scale(), 0.02);
-    press(Qt::Key_0);
+    EXPECT_EQ(zoom(), QStringLiteral("2 %"));
+    press(Qt::Key_0, Qt::ControlModifier);
+    EXPECT_EQ(zoom(), QStringLiteral("100 %"));
     EXPECT_TRUE(head().contains(QStringLiteral("[Fit*] [100 %]")));
     for (QToolButton *button : detail->findChildren<QToolButton *>()) {
         if (button->text() == QStringLiteral("100 %")) {
@@ -471,4 +476,26 @@ TEST_F(DetailViewTest, PixelsAreSharpAtWholeFactors)
             ASSERT_TRUE(at == QColor(Qt::red) || at == QColor(Qt::blue)) << scale << " " << at.name().toStdString();
         }
     }
+}
+
+TEST_F(DetailViewTest, DigitsRateWhatIsShown)
+{
+    open("red");
+    for (const auto &[key, stars] : {std::pair{Qt::Key_4, 4}, {Qt::Key_1, 1}, {Qt::Key_0, 0}}) {
+        press(key);
+        EXPECT_EQ(image(QStringLiteral("red"))->rating(), stars);
+        EXPECT_TRUE(browser().isDetailOpen());
+    }
+    EXPECT_TRUE(head().contains(QStringLiteral("[Fit*]"))) << "the zoom has keys of its own";
+    press(Qt::Key_Right);
+    press(Qt::Key_5);
+    EXPECT_EQ(image(QStringLiteral("clear"))->rating(), 5);
+    named<QToolButton>("Next")->setFocus();
+    press(Qt::Key_2);
+    EXPECT_EQ(image(QStringLiteral("clear"))->rating(), 2) << "wherever in the view the focus is";
+    EXPECT_TRUE(isEnabled(CommandID::ZoomIn));
+    press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_TRUE(browser().isDetailOpen()) << "that is for tabs, and this one is in front";
+    browser().closeDetail();
+    EXPECT_FALSE(isEnabled(CommandID::ZoomIn));
 }

@@ -12,10 +12,12 @@
 #include "Tests/Classes/Editing/EditQueueGate.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QStyledItemDelegate>
 
 namespace {
 
@@ -461,4 +463,50 @@ TEST_F(InfoPanelTest, ManyAreSummedUpBesideTheWindow)
     closeWindow();
     EXPECT_EQ(made.first()->rating(), 4);
     made.clear();
+}
+
+TEST_F(InfoPanelTest, ADocumentSaysItsPagesAndTheirSizeOnPaper)
+{
+    select({QStringLiteral("pages")});
+    image(QStringLiteral("pages"))->setPixelWidth(0);
+    delegate->saveAction();
+    select({red});
+    EXPECT_TRUE(values().startsWith(QStringLiteral("red|80 × 60|")));
+    select({QStringLiteral("pages")});
+    EXPECT_TRUE(waitFor([this] { return values().startsWith(QStringLiteral("pages|3 pages · 71 × 35 mm|")); }))
+        << qPrintable(values());
+    select({red});
+    select({QStringLiteral("pages")});
+    EXPECT_TRUE(waitFor([this] { return values().startsWith(QStringLiteral("pages|3 pages · 71 × 35 mm|")); }));
+}
+
+TEST_F(InfoPanelTest, ASwatchSearchesItsColour)
+{
+    select({red});
+    auto *swatch = panel->findChild<ColorSwatch *>();
+    ASSERT_TRUE(swatch);
+    swatch->setFocus();
+    press(Qt::Key_Space);
+    settle();
+    EXPECT_EQ(browser().content().filter(), QStringLiteral("#color ") + swatch->accessibleName());
+    EXPECT_EQ(window().findChild<QLineEdit *>(QStringLiteral("Search"))->text(), browser().content().filter());
+    EXPECT_TRUE(shown().contains(red));
+    EXPECT_FALSE(shown().contains(QStringLiteral("clear")));
+}
+
+TEST_F(InfoPanelTest, AClickOnWhatDiffersBeginsATag)
+{
+    ASSERT_TRUE(panel->tagItems({image(red)->objectID()}, {QStringLiteral("mine")}));
+    select({red, clear});
+    QWidget *others = nullptr;
+    for (QWidget *child : tags->findChildren<QWidget *>()) {
+        others = child->isVisible() && child != field("Add tag") ? child : others;
+    }
+    ASSERT_TRUE(others) << "the chip of those that only some have";
+    grid().setFocus();
+    QTest::mouseClick(others, Qt::LeftButton);
+    EXPECT_EQ(QApplication::focusWidget(), field("Add tag"));
+    const QAbstractItemView *popup = field("Add tag")->completer()->popup();
+    EXPECT_EQ(popup->objectName(), QStringLiteral("Completion"));
+    EXPECT_TRUE(qobject_cast<QStyledItemDelegate *>(popup->itemDelegate())) << "the other kind has its own look";
 }

@@ -390,3 +390,25 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     EXPECT_TRUE(waitFor([this] { return !browser().content().isLoading(); }));
     EXPECT_EQ(browser().content().emptyText(), QStringLiteral("Select something in the sidebar."));
 }
+
+TEST_F(MainWindowTest, AFolderIsInTheOrderOfTheSidebarAndCanBeAgain)
+{
+    folder->setSortKeys(qint16(ZQSortValue::None));
+    delegate->saveAction();
+    show(folder);
+    ASSERT_TRUE(named<QToolButton>("Sort: Sidebar order"));
+    whenMenuOpens(QStringLiteral("Title"));
+    named<QToolButton>("Sort: Sidebar order")->click();
+    EXPECT_TRUE(menu.contains(QStringLiteral("|Sidebar order"))) << menu.toStdString();
+    EXPECT_FALSE(menu.contains(QStringLiteral("None")));
+    settle();
+    ASSERT_TRUE(named<QToolButton>("Sort: Title"));
+    whenMenuOpens(QStringLiteral("Sidebar order"));
+    named<QToolButton>("Sort: Title")->click();
+    settle();
+    EXPECT_TRUE(named<QToolButton>("Sort: Sidebar order"));
+    show(a);
+    whenMenuOpens();
+    named<QToolButton>("Sort: Manual order")->click();
+    EXPECT_FALSE(menu.contains(QStringLiteral("Sidebar order"))) << "a project has an order of its own";
+}

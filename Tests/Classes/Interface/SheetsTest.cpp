@@ -309,7 +309,8 @@ TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
     const DesktopListener desktop;
     WindowUserInteraction user;
     user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
-    const QList<FileConflict> asked = {{QStringLiteral("/in/a"), false, true},
+    const QString why = QStringLiteral("You have no permission to read it.");
+    const QList<FileConflict> asked = {{QStringLiteral("/in/a"), false, true, why},
                                        {QStringLiteral("/in/b"), true, true},
                                        {QStringLiteral("/in/c"), true, false}};
     const auto included = [](const QList<FileConflict> &conflicts) {
@@ -329,12 +330,12 @@ TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
         for (int row = 0; row < 3; ++row) {
             states += list->item(row)->checkState() == Qt::Checked ? u'+' : u'-';
             EXPECT_EQ(list->item(row)->flags(), Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
-            EXPECT_EQ(list->item(row)->text(), asked[row].path);
+            EXPECT_EQ(list->item(row)->text(), row == 0 ? asked[row].path + u'\n' + why : asked[row].path);
             EXPECT_EQ(list->item(row)->foreground().color(),
                       zqColor(row == 0 ? ZQColorRole::Danger : ZQColorRole::Text));
         }
         EXPECT_EQ(states, QStringLiteral("-+-")) << "what cannot be read is left out";
-        EXPECT_EQ(list->item(0)->toolTip(), QStringLiteral("This file cannot be read."));
+        EXPECT_EQ(list->item(0)->toolTip(), list->item(0)->text());
         EXPECT_EQ(list->item(1)->toolTip(), QStringLiteral("/in/b"));
         list->item(1)->setCheckState(Qt::Unchecked);
         EXPECT_FALSE(button(sheet, "Continue")->isEnabled()) << "nothing is left to import";
@@ -551,4 +552,22 @@ TEST_F(SheetsTest, LongWorkHasALineInTheSidebarOrAWindowOfItsOwn)
     const auto uncancellable = user.beginProgress(QStringLiteral("On"), 1, {});
     ASSERT_TRUE(wait([&] { return line() != nullptr; }));
     EXPECT_FALSE(line()->findChild<QToolButton *>()->isVisible());
+}
+
+TEST_F(SheetsTest, DuplicatesAreNamedWithTheirExtensionsAndWhereTheNewOneComesFrom)
+{
+    DuplicatePair pair;
+    pair.existingTitle = QStringLiteral("mark");
+    pair.existingPath = QStringLiteral("/library/x/old name.PNG");
+    pair.newTitle = QStringLiteral("mark copy");
+    pair.newPath = QStringLiteral("/home/me/Pictures/mark copy.png");
+    pair.existingImportDate = QDateTime(QDate(2020, 5, 4), QTime(12, 0));
+    when<Sheet>([](Sheet &sheet) {
+        const QString shown = texts(sheet);
+        EXPECT_TRUE(shown.contains(QStringLiteral("mark.PNG|"))) << shown.toStdString();
+        EXPECT_TRUE(shown.contains(QStringLiteral("mark copy.png|"))) << shown.toStdString();
+        EXPECT_TRUE(shown.contains(QStringLiteral("New, from /home/me/Pictures\n"))) << shown.toStdString();
+        button(sheet, "Cancel")->click();
+    });
+    DuplicatesSheet(&window, {pair}).run();
 }

@@ -48,9 +48,17 @@ protected:
     {
         told.clear();
         for (int x = 2; x < 800; x += 4) {
-            QTest::mouseClick(&strip, button, {}, {x, 18});
+            click(button, {x, 18});
         }
         return take();
+    }
+    // Where a person's click arrives.
+    void click(Qt::MouseButton button, const QPoint &point)
+    {
+        QWidget *child = strip.childAt(point);
+        if (auto *opener = qobject_cast<QToolButton *>(child); !opener || !opener->menu()) {
+            QTest::mouseClick(child ? child : &strip, button, {}, child ? child->mapFrom(&strip, point) : point);
+        }
     }
     int natural(const QString &title, int more) const
     {
@@ -137,7 +145,7 @@ TEST_F(Strip, ThePointerChoosesClosesOpensAndMoves)
                               {"behind it", Qt::LeftButton, {end + 30, 10}, ""},
                               {"above the button", Qt::LeftButton, {end + 10, 4}, ""},
                               {"below the button", Qt::LeftButton, {end + 10, 31}, ""}}) {
-        QTest::mouseClick(&strip, each.button, {}, each.point);
+        click(each.button, each.point);
         EXPECT_EQ(take(), QLatin1StringView(each.told)) << each.what;
     }
     const auto move = [this](const QPoint &to) {
@@ -232,7 +240,7 @@ TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
 
 TEST_F(Strip, TabsWithoutRoomAreInAMenuOfAll)
 {
-    auto *all = strip.findChild<QToolButton *>();
+    auto *all = qobject_cast<QToolButton *>(strip.focusStops().last());
     strip.resize(400, 36);
     QStringList titles;
     for (int i = 0; i < 14; ++i) {

@@ -2,9 +2,15 @@
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QApplication>
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QGlyphRun>
 #include <QImage>
 #include <QLabel>
 #include <QPainter>
+#include <QRadioButton>
+#include <QTextLayout>
+#include <QtTest/QTest>
 
 #include <gtest/gtest.h>
 
@@ -97,4 +103,81 @@ TEST(ZQTheme, LabelsShowMarkupAsItIsWritten)
     plain.show();
     EXPECT_EQ(plain.textFormat(), Qt::PlainText);
     EXPECT_GT(plain.sizeHint().width(), other.sizeHint().width() / 2);
+}
+
+// The glyphs of a text, by their numbers in the font.
+static QList<quint32> glyphsOf(const QString &text, const QFont &font)
+{
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    layout.createLine().setLineWidth(1000);
+    layout.endLayout();
+    QList<quint32> glyphs;
+    for (const QGlyphRun &run : layout.glyphRuns()) {
+        glyphs += run.glyphIndexes();
+    }
+    return glyphs;
+}
+
+TEST(ZQTheme, TheXOfASizeInANameStaysAnX)
+{
+    ZQTheme::current().apply(*qobject_cast<QApplication *>(QCoreApplication::instance()));
+    const QFont font = ZQTheme::current().font();
+    for (const char *name : {"5120x2880", "wall 1920X1080 dark", "1x2"}) {
+        const QString text = QLatin1StringView(name);
+        const QFont plain = ZQTheme::fontForName(font, text);
+        const qsizetype at = text.toLower().indexOf(u'x');
+        EXPECT_EQ(glyphsOf(text, plain).value(at), glyphsOf(text.mid(at, 1), font).value(0)) << name;
+    }
+    for (const char *name : {"Box", "x2", "2x", "a1xb", "5x y"}) {
+        EXPECT_EQ(ZQTheme::fontForName(font, QString::fromLatin1(name)), font) << name << " is shaped as ever";
+    }
+    QLabel size(QStringLiteral("5120x2880"));
+    QLabel crosses(QStringLiteral("5120×2880"));
+    for (QLabel *label : {&size, &crosses}) {
+        label->setFont(font);
+        label->resize(120, 20);
+    }
+    EXPECT_NE(size.grab().toImage(), crosses.grab().toImage()) << "in a label, too";
+}
+
+TEST(ZQTheme, CheckBoxesAndRadioButtonsShowTheFocusInTheThemesColour)
+{
+    ZQTheme::current().setDark(true);
+    ZQTheme::current().apply(*qobject_cast<QApplication *>(QCoreApplication::instance()));
+    QWidget window;
+    auto *column = new QVBoxLayout(&window);
+    QCheckBox box(QStringLiteral("Box"));
+    QRadioButton radio(QStringLiteral("Radio"));
+    column->addWidget(&box);
+    column->addWidget(&radio);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    for (QWidget *widget : {static_cast<QWidget *>(&box), static_cast<QWidget *>(&radio)}) {
+        const auto accents = [widget] {
+            const QImage image = widget->grab().toImage();
+            int count = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 20; x < image.width(); ++x) { // right of the mark
+                    count += image.pixelColor(x, y) == zqColor(ZQColorRole::Accent) ? 1 : 0;
+                }
+            }
+            return count;
+        };
+        widget->clearFocus();
+        EXPECT_EQ(accents(), 0);
+        widget->setFocus(Qt::TabFocusReason);
+        EXPECT_GT(accents(), 20) << "a ring around the text";
+    }
+}
+
+TEST(ZQIcon, TheApplicationHasAnIconAtEverySize)
+{
+    const QIcon icon = ZQIcon::application();
+    for (const int side : {16, 32, 128}) {
+        const QImage image = icon.pixmap(side, side).toImage();
+        EXPECT_EQ(image.width(), side);
+        EXPECT_EQ(image.pixelColor(side / 2, side / 2).alpha(), 255);
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << "its corners are round";
+    }
 }

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Classes/Application/LibraryCheck.h"
+#include "Classes/Interface/Preferences/PreferencesPane.h"
+
+#include <memory>
+
+class QBoxLayout;
+class QPlainTextEdit;
+class QPushButton;
+class ZQOperationQueue;
+class tamberin_AppDelegate;
+
+// The open library: where it is, another one in its place, and whether it is whole. A look at all of it goes on beside
+// the window and ends with the pane. Main thread.
+class LibraryPane : public PreferencesPane
+{
+    Q_OBJECT
+public:
+    explicit LibraryPane(tamberin_AppDelegate &delegate, QWidget *parent = nullptr);
+    ~LibraryPane() override;
+
+    bool isVerifying() const { return m_isVerifying; }
+
+private:
+    QPushButton *addButton(QBoxLayout *row, const QString &text, std::function<void()> run);
+    void verify();
+    void showFindings(const LibraryFindings &findings);
+    void setVerifying(bool isVerifying);
+
+    tamberin_AppDelegate &m_delegate;
+    QCheckBox *m_deep;
+    QPushButton *m_verify;
+    QLabel *m_state;
+    QPlainTextEdit *m_findings;
+    bool m_isVerifying = false;
+    std::stop_source m_stop;
+    std::unique_ptr<ZQOperationQueue> m_queue; // last: it goes first, and waits for what runs
+};

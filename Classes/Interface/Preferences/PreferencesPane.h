@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QHash>
+#include <QWidget>
+
+#include <functional>
+
+class QCheckBox;
+class QGridLayout;
+class QLabel;
+class QSpinBox;
+class QVBoxLayout;
+
+// The settings of one subject in a column. Each control shows one preference, writes it as soon as it is changed, and
+// follows it when it is changed elsewhere. Main thread.
+class PreferencesPane : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit PreferencesPane(const QString &title, QWidget *parent = nullptr);
+
+    struct Choice
+    {
+        QVariant value;
+        QString text;
+    };
+    struct Number
+    {
+        int smallest = 1;
+        int largest = 1;
+        qint64 unit = 1; // what 1 stands for in the preference
+        QString suffix = {};
+    };
+
+    void addHeading(const QString &text);
+    void addNote(const QString &text);
+    // On while the preference is `onValue`.
+    QCheckBox *addSwitch(const QString &key, const QString &text, const QString &meaning = {}, bool onValue = true);
+    void addChoices(const QString &key, const QString &name, const QList<Choice> &choices);
+    // A preference out of the range counts, and is shown, as its default.
+    QSpinBox *addNumber(const QString &key, const QString &text, const Number &number);
+
+    void showPreference(const QString &key); // as it is now
+
+protected:
+    QVBoxLayout *column() const { return m_column; }
+
+private:
+    void setShown(const QString &key, std::function<void()> show);
+    QLabel *addLabel(const QString &text, const QString &style);
+
+    QVBoxLayout *m_column;
+    QGridLayout *m_numbers = nullptr; // to which the next number is added, too
+    QHash<QString, std::function<void()>> m_shown;
+};

@@ -1,0 +1,114 @@
+#include "Classes/Interface/Preferences/PreferencesWindow.h"
+
+#include "Classes/Interface/Preferences/LibraryPane.h"
+#include "Classes/Interface/Preferences/PreferencesPanes.h"
+#include "Classes/Interface/Sheets/Sheet.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Widgets/ZQIcon.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QBoxLayout>
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QPushButton>
+#include <QStackedWidget>
+
+namespace {
+
+const QString geometryKey = QStringLiteral("PreferencesGeometry");
+const QString paneKey = QStringLiteral("PreferencesPane");
+constexpr int namesWidth = 190;
+
+} // namespace
+
+PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *mainWindow)
+    : QDialog(mainWindow), m_mainWindow(mainWindow), m_names(new QListWidget(this)), m_stack(new QStackedWidget(this))
+{
+    setObjectName(QStringLiteral("Preferences"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(zqLocalized("Preferences"));
+    setMinimumSize(640, 540);
+    m_names->setObjectName(QStringLiteral("PaneNames"));
+    m_names->setAccessibleName(zqLocalized("Panes"));
+    m_names->setFixedWidth(namesWidth);
+    m_names->setIconSize({ZQMeasure::iconSize, ZQMeasure::iconSize});
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(m_names);
+    row->addWidget(m_stack, 1);
+    for (const PreferencesPanes::Plan &plan : PreferencesPanes::all()) {
+        auto *pane = new PreferencesPane(zqLocalized(plan.title));
+        plan.fill(*pane);
+        addPane(pane, QLatin1StringView(plan.icon));
+    }
+    addPane(new LibraryPane(delegate), QStringLiteral("library"));
+    connect(m_names, &QListWidget::currentRowChanged, this, [this](int index) {
+        m_stack->setCurrentIndex(index);
+        ZQUserDefaults::standardUserDefaults().setObjectForKey(index, paneKey);
+    });
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    m_names->setCurrentRow(std::clamp(int(defaults.integerForKey(paneKey)), 0, m_names->count() - 1));
+    if (!restoreGeometry(defaults.dataForKey(geometryKey))) {
+        resize(760, 560);
+    }
+    auto *close = new QAction(this);
+    close->setShortcut(Qt::CTRL | Qt::Key_W);
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    addAction(close);
+    mainWindow->installEventFilter(this);
+    m_token = ZQUserDefaults::standardUserDefaults().observe([self = QPointer(this)](const QString &key) {
+        zqOnMainThread([self, key] {
+            if (self) {
+                self->preferenceDidChange(key);
+            }
+        });
+    });
+}
+
+void PreferencesWindow::addPane(PreferencesPane *pane, const QString &icon)
+{
+    auto *name = new QListWidgetItem(ZQIcon::icon(icon), pane->accessibleName(), m_names);
+    name->setSizeHint({0, ZQMeasure::rowHeight});
+    m_stack->addWidget(pane);
+}
+
+void PreferencesWindow::preferenceDidChange(const QString &key)
+{
+    for (int i = 0; i < m_stack->count(); ++i) {
+        static_cast<PreferencesPane *>(m_stack->widget(i))->showPreference(key);
+    }
+}
+
+// Return presses the button that has the focus, and no other.
+void PreferencesWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QDialog::keyPressEvent(event);
+    } else if (auto *button = qobject_cast<QPushButton *>(QApplication::focusWidget())) {
+        button->click();
+    }
+}
+
+void PreferencesWindow::hideEvent(QHideEvent *event)
+{
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(saveGeometry(), geometryKey);
+    QDialog::hideEvent(event);
+}
+
+bool PreferencesWindow::eventFilter(QObject *object, QEvent *event)
+{
+    if (object == m_mainWindow && event->type() == QEvent::DynamicPropertyChange) {
+        const bool isAsking = m_mainWindow->property(Sheet::isShownProperty).toBool();
+        if (isAsking && isVisible()) {
+            m_makesRoom = true;
+            hide();
+            m_mainWindow->activateWindow();
+        } else if (!isAsking && std::exchange(m_makesRoom, false)) {
+            show();
+        }
+    }
+    return QDialog::eventFilter(object, event);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Kit/Files/ZQUserDefaults.h"
+
+#include <QDialog>
+#include <QPointer>
+
+class PreferencesPane;
+class QListWidget;
+class QStackedWidget;
+class tamberin_AppDelegate;
+
+// The preferences: the names of the panes and the one that is chosen, as it was left. Lies above its main window, which
+// goes on working, and makes room while that one asks something. Deletes itself when it is closed. Main thread.
+class PreferencesWindow : public QDialog
+{
+    Q_OBJECT
+public:
+    PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *mainWindow);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    void addPane(PreferencesPane *pane, const QString &icon);
+    void preferenceDidChange(const QString &key);
+
+    QPointer<QWidget> m_mainWindow;
+    QListWidget *m_names;
+    QStackedWidget *m_stack;
+    bool m_makesRoom = false;
+    ZQUserDefaults::Token m_token;
+};

@@ -1,0 +1,191 @@
+// The keyboard alone: every command's keys are in the menus, and Tab reaches every control, which shows it.
+
+#include "Tests/Classes/Interface/MainWindowTest.h"
+
+#include <QAccessible>
+#include <QSet>
+#include <QToolButton>
+
+namespace {
+
+class KeysTest : public MainWindowTest
+{
+protected:
+    void SetUp() override
+    {
+        MainWindowController::applyTheme();
+        MainWindowTest::SetUp();
+    }
+    // "Ctrl+N New Project" and so on, of all menus.
+    QStringList menuKeys()
+    {
+        QStringList lines;
+        const auto *menus = window().findChild<QMenu *>(QStringLiteral("File"))->parentWidget();
+        for (const QMenu *each : menus->findChildren<QMenu *>()) {
+            for (const QAction *action : each->actions()) {
+                for (const QKeySequence &keys : action->shortcuts()) {
+                    lines.append(keys.toString() + u' ' + action->text());
+                }
+                if (const qsizetype tab = action->text().indexOf(u'\t'); tab >= 0) {
+                    lines.append(action->text().mid(tab + 1) + u' ' + action->text().left(tab));
+                }
+            }
+        }
+        return lines;
+    }
+    static QString spoken(QWidget *widget)
+    {
+        return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+    }
+    // What is drawn where the widget is, with the ring that may lie around it.
+    QImage drawn(const QWidget *widget)
+    {
+        const QRect place(widget->mapTo(&window(), QPoint(0, 0)), widget->size());
+        return window().grab(place.adjusted(-8, -8, 8, 8)).toImage();
+    }
+    // By Tab, or back, from the grid until it has the focus again.
+    QList<QWidget *> walk(Qt::Key key)
+    {
+        constexpr int tooMany = 100;
+        QList<QWidget *> stops;
+        search().setFocus();
+        grid().setFocus(Qt::TabFocusReason);
+        do {
+            QWidget *before = QApplication::focusWidget();
+            stops.append(before);
+            const QImage focused = drawn(before);
+            press(key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+            EXPECT_NE(drawn(before), focused) << "nothing shows the focus of " << nameOf(before);
+        } while (QApplication::focusWidget() != &grid() && stops.size() < tooMany);
+        return stops;
+    }
+    static std::string nameOf(QWidget *widget)
+    {
+        return (spoken(widget) + QStringLiteral(" (%1)").arg(QLatin1StringView(widget->metaObject()->className())))
+            .toStdString();
+    }
+    void expectAllSeen(const QList<QWidget *> &stops)
+    {
+        for (QWidget *stop : stops) {
+            EXPECT_TRUE(stop->isVisible() && !stop->size().isEmpty()) << nameOf(stop);
+            EXPECT_FALSE(spoken(stop).isEmpty()) << nameOf(stop);
+            EXPECT_EQ(stops.count(stop), 1) << nameOf(stop);
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(KeysTest, EveryCommandOfTheKeyboardIsInAMenu)
+{
+    const QStringList lines = menuKeys();
+    for (const char *line : {
+             "Ctrl+I Import…",
+             "Ctrl+T New Tab",
+             "Ctrl+W Close Tab",
+             "Ctrl+Shift+T Reopen Closed Tab",
+             "Ctrl+Shift+N New Folder",
+             "Ctrl+N New Project",
+             "Ctrl+1 Tab 1",
+             "Ctrl+9 Tab 9",
+             "Ctrl+Tab Next Tab",
+             "Ctrl+Shift+Tab Previous Tab",
+             "Ctrl+F Find",
+             "Space Quick Look",
+             "Enter Open",
+             "Del Remove",
+             "Ctrl+Del Delete from Library",
+             "Ctrl+D Duplicate",
+             "Ctrl+Z Undo",
+             "Ctrl+Shift+Z Redo",
+             "0 None",
+             "1 1 Star",
+             "5 5 Stars",
+             "Ctrl+B Sidebar",
+             "Ctrl+Shift+I Info Panel",
+             "F2 Rename",
+             "Ctrl+C Copy",
+             "Ctrl+V Paste",
+             "Ctrl+, Preferences…",
+             "Z Actual Size",
+             "Ctrl+0 Fit",
+             "+ Zoom In",
+             "- Zoom Out",
+             "F1 Keyboard",
+             "Ctrl+A Select All",
+         }) {
+        EXPECT_TRUE(lines.contains(QString::fromUtf8(line))) << line;
+    }
+}
+
+TEST_F(KeysTest, NoKeysMeanTwoThings)
+{
+    QSet<QString> seen;
+    for (const QAction *action : window().findChildren<QAction *>()) {
+        for (const QKeySequence &keys : action->shortcuts()) {
+            // The keyboard sends one for the other.
+            const QString pressed = keys.toString().replace(QStringLiteral("Backtab"), QStringLiteral("Shift+Tab"));
+            const bool isOfAField = action->shortcutContext() == Qt::WidgetShortcut;
+            EXPECT_TRUE(isOfAField || !seen.contains(pressed)) << pressed.toStdString();
+            seen.insert(pressed);
+        }
+    }
+    EXPECT_TRUE(seen.contains(QStringLiteral("Ctrl+Shift+Tab")));
+    EXPECT_GT(seen.size(), 40);
+}
+
+TEST_F(KeysTest, TabReachesEveryControlAndEachShowsIt)
+{
+    run(CommandID::NewTab);
+    show(a);
+    grid().setSelection({});
+    const QList<QWidget *> unselected = walk(Qt::Key_Tab);
+    expectAllSeen(unselected);
+
+    select({QStringLiteral("red")});
+    const QList<QWidget *> stops = walk(Qt::Key_Tab);
+    expectAllSeen(stops);
+    QStringList names;
+    for (QWidget *stop : stops) {
+        names.append(spoken(stop));
+    }
+    for (const char *name :
+         {"Sidebar (Ctrl+B)", "New Project (Ctrl+N)", "Import… (Ctrl+I)", "Tabs", "New Tab", "Search",
+          "Info Panel (Ctrl+Shift+I)", "Menu (F10)", "Projects", "Group: None", "Thumbnail size", "Title",
+          "Rating: 0 of 5", "red", "Add tag", "Notes", "Source", "License"}) {
+        EXPECT_TRUE(names.contains(QString::fromUtf8(name))) << name << " in " << names.join(u'|').toStdString();
+    }
+    QList<QWidget *> back = walk(Qt::Key_Backtab);
+    std::reverse(back.begin() + 1, back.end());
+    EXPECT_EQ(back, stops) << "and the same way back";
+
+    int left = -1;
+    for (QWidget *stop : stops) {
+        if (QWidget *bar = window().findChild<QWidget *>(QStringLiteral("Toolbar")); bar->isAncestorOf(stop)) {
+            const int x = stop->mapTo(bar, QPoint(0, 0)).x();
+            EXPECT_GT(x, left) << "as they stand: " << nameOf(stop);
+            left = x;
+        }
+    }
+    EXPECT_GT(left, 0);
+}
+
+TEST_F(KeysTest, TabGoesRoundInTheDetailViewToo)
+{
+    select({QStringLiteral("pages")});
+    run(CommandID::Open);
+    settle();
+    QWidget *first = QApplication::focusWidget();
+    QList<QWidget *> stops;
+    constexpr int tooMany = 100;
+    do {
+        QWidget *before = QApplication::focusWidget();
+        const QImage focused = drawn(before);
+        press(Qt::Key_Tab);
+        EXPECT_TRUE(before == first || drawn(before) != focused) << nameOf(before);
+        stops.append(before);
+    } while (QApplication::focusWidget() != first && stops.size() < tooMany);
+    EXPECT_LT(stops.size(), tooMany);
+    expectAllSeen(stops);
+    EXPECT_TRUE(stops.contains(named<QToolButton>("Next page (Page Down)")));
+}

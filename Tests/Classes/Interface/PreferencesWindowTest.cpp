@@ -1,0 +1,266 @@
+// The preferences: a window beside the main one, whose controls write at once and whose main window follows at once.
+
+#include "Classes/Interface/Preferences/PreferencesWindow.h"
+#include "Classes/Application/LibraryCheck.h"
+#include "Classes/Interface/Preferences/LibraryPane.h"
+#include "Classes/Interface/Sidebar/SidebarTreeModel.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Widgets/ZQTheme.h"
+#include "Tests/Classes/Interface/MainWindowFixture.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QCheckBox>
+#include <QFile>
+#include <QLabel>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QStackedWidget>
+
+namespace {
+
+ZQUserDefaults &defaults()
+{
+    return ZQUserDefaults::standardUserDefaults();
+}
+
+class PreferencesWindowTest : public MainWindowFixture
+{
+protected:
+    void SetUp() override
+    {
+        forget();
+        MainWindowFixture::SetUp();
+    }
+    void TearDown() override
+    {
+        MainWindowFixture::TearDown();
+        forget();
+        ZQTheme::current().setDark(true);
+    }
+    static void forget()
+    {
+        for (const char *key : {"PreferencesGeometry", "PreferencesPane", "ShowLibraryItemsTitles", "UseDarkUI",
+                                "ShowLibraryItemsExtensions", "SidebarDisplayBadges", "IconTagSize", "SmallTagSize",
+                                "ArchiveMaximumTotalSize", "removeFromSidebarAlertSuppress", "UseAutoTagging"}) {
+            defaults().removeObjectForKey(QLatin1StringView(key));
+        }
+    }
+    PreferencesWindow *preferences() { return window().findChild<PreferencesWindow *>(); }
+    void open()
+    {
+        press(Qt::Key_Comma, Qt::ControlModifier);
+        ASSERT_TRUE(preferences() && QTest::qWaitForWindowActive(preferences()));
+    }
+    void close()
+    {
+        preferences()->close();
+        EXPECT_TRUE(waitFor([this] { return !preferences(); }));
+    }
+    QListWidget &names() { return *preferences()->findChild<QListWidget *>(); }
+    QWidget &pane() { return *preferences()->findChild<QStackedWidget *>()->currentWidget(); }
+    void choose(const char *title)
+    {
+        names().setCurrentItem(names().findItems(QLatin1StringView(title), Qt::MatchExactly).value(0));
+        ASSERT_EQ(pane().accessibleName(), QLatin1StringView(title));
+    }
+    static QString spoken(QWidget *widget)
+    {
+        return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+    }
+    template <class T>
+    T *control(const char *name)
+    {
+        for (T *each : pane().findChildren<T *>()) {
+            if (each->isVisible() && spoken(each) == QLatin1StringView(name)) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    static bool isOn(const char *key) { return defaults().boolForKey(QLatin1StringView(key)); }
+    LibraryPane &library() { return *qobject_cast<LibraryPane *>(&pane()); }
+    QString findings() { return pane().findChild<QPlainTextEdit *>()->toPlainText(); }
+};
+
+} // namespace
+
+TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
+{
+    open();
+    EXPECT_EQ(QApplication::focusWidget(), &names());
+    QStringList titles;
+    for (int row = 0; row < names().count(); ++row) {
+        titles.append(pane().accessibleName());
+        press(Qt::Key_Down);
+    }
+    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Advanced"));
+    press(Qt::Key_Up);
+    EXPECT_EQ(pane().accessibleName(), QStringLiteral("Tags"));
+    run(CommandID::Preferences);
+    EXPECT_EQ(window().findChildren<PreferencesWindow *>().size(), 1);
+    preferences()->resize(820, 600);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([this] { return !preferences(); }));
+    EXPECT_TRUE(window().isVisible());
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    open();
+    EXPECT_EQ(preferences()->size(), QSize(820, 600));
+    EXPECT_EQ(pane().accessibleName(), QStringLiteral("Tags"));
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(waitFor([this] { return !preferences(); }));
+    EXPECT_EQ(window().isVisible(), true) << "only the one in front";
+}
+
+TEST_F(PreferencesWindowTest, TheWindowFollowsEachSwitchAtOnce)
+{
+    open();
+    control<QRadioButton>("Light")->click();
+    EXPECT_TRUE(waitFor([] { return !ZQTheme::current().isDark(); }));
+    EXPECT_FALSE(isOn("UseDarkUI"));
+    EXPECT_TRUE(waitFor([this] { return !controller->command(CommandID::DarkTheme)->isChecked(); }));
+    run(CommandID::DarkTheme);
+    EXPECT_TRUE(waitFor([this] { return control<QRadioButton>("Dark")->isChecked(); })) << "and it follows the window";
+
+    const int withTitle = grid().visualRect(0).height();
+    control<QCheckBox>("Show titles below thumbnails")->click();
+    EXPECT_TRUE(waitFor([&] { return grid().visualRect(0).height() < withTitle; }));
+    EXPECT_FALSE(control<QCheckBox>("Show extensions")->isEnabled()) << "without titles there are none";
+    control<QCheckBox>("Show titles below thumbnails")->click();
+    EXPECT_TRUE(waitFor([&] { return grid().visualRect(0).height() == withTitle; }));
+    const QImage withExtension = grid().grab().toImage();
+    control<QCheckBox>("Show extensions")->click();
+    EXPECT_TRUE(waitFor([&] { return grid().grab().toImage() != withExtension; }));
+
+    const auto count = [this] {
+        return tree()->tree()->indexOf(a->objectID()).data(SidebarTreeModel::CountRole).toString();
+    };
+    EXPECT_TRUE(waitFor([&] { return count() == QStringLiteral("4"); }));
+    control<QCheckBox>("Show how many items each row has")->click();
+    EXPECT_TRUE(waitFor([&] { return count().isEmpty(); }));
+    control<QCheckBox>("Show how many items each row has")->click();
+    EXPECT_TRUE(waitFor([&] { return count() == QStringLiteral("4"); }));
+
+    auto *asks = control<QCheckBox>("Ask before a row is removed");
+    EXPECT_TRUE(asks->isChecked());
+    asks->click();
+    EXPECT_TRUE(isOn("removeFromSidebarAlertSuppress"));
+    defaults().setObjectForKey(false, QStringLiteral("removeFromSidebarAlertSuppress"));
+    EXPECT_TRUE(waitFor([&] { return asks->isChecked(); }));
+}
+
+TEST_F(PreferencesWindowTest, ANumberCountsWhenItIsWholeAndADefaultWhereItIsNone)
+{
+    defaults().setObjectForKey(0, QStringLiteral("SmallTagSize"));
+    open();
+    choose("Tags");
+    EXPECT_EQ(control<QSpinBox>("Small")->value(), 128);
+    EXPECT_EQ(defaults().integerForKey(QStringLiteral("SmallTagSize")), 0) << "what is shown is not what was chosen";
+    auto *icon = control<QSpinBox>("Icon");
+    icon->setFocus();
+    icon->selectAll();
+    QTest::keyClicks(icon, QStringLiteral("64"));
+    EXPECT_EQ(defaults().integerForKey(QStringLiteral("IconTagSize")), 32) << "6 was on the way to it";
+    QTest::keyClick(icon, Qt::Key_Return);
+    EXPECT_EQ(defaults().integerForKey(QStringLiteral("IconTagSize")), 64);
+    EXPECT_TRUE(preferences()->isVisible()) << "Return presses nothing";
+    choose("Import");
+    auto *size = control<QSpinBox>("Unpacked size, at most");
+    EXPECT_EQ(size->value(), 16);
+    size->stepUp();
+    EXPECT_EQ(defaults().integerForKey(QStringLiteral("ArchiveMaximumTotalSize")), qint64(17) << 30);
+    defaults().setObjectForKey(qint64(5) << 30, QStringLiteral("ArchiveMaximumTotalSize"));
+    EXPECT_TRUE(waitFor([&] { return size->value() == 5; }));
+}
+
+TEST_F(PreferencesWindowTest, EachControlHasANameAndAKeyOfItsOwn)
+{
+    open();
+    for (int row = 0; row < names().count(); ++row) {
+        names().setCurrentRow(row);
+        QStringList keys;
+        const auto keep = [&](const QString &text) {
+            if (const QKeySequence key = QKeySequence::mnemonic(text); !key.isEmpty()) {
+                keys.append(key.toString());
+            }
+        };
+        int stops = 0;
+        for (QWidget *widget : pane().findChildren<QWidget *>()) {
+            if (const auto *label = qobject_cast<QLabel *>(widget); label && label->buddy()) {
+                keep(label->text());
+            }
+            if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy()) {
+                continue;
+            }
+            ++stops;
+            EXPECT_FALSE(spoken(widget).isEmpty())
+                << pane().accessibleName().toStdString() << ' ' << widget->metaObject()->className();
+            if (const auto *button = qobject_cast<QAbstractButton *>(widget)) {
+                keep(button->text());
+            }
+        }
+        EXPECT_GE(stops, 5);
+        EXPECT_GE(keys.size(), stops - 1) << pane().accessibleName().toStdString();
+        QStringList different = keys;
+        different.removeDuplicates();
+        EXPECT_EQ(different, keys) << pane().accessibleName().toStdString();
+    }
+    choose("Tags");
+    QTest::keyClick(preferences(), Qt::Key_T, Qt::AltModifier);
+    EXPECT_FALSE(isOn("UseAutoTagging"));
+}
+
+TEST_F(PreferencesWindowTest, TheLibraryIsOpenedAndVerifiedAsByTheCommands)
+{
+    open();
+    choose("Advanced");
+    EXPECT_EQ(pane().findChild<QLabel *>(QStringLiteral("LibraryPath"))->text(), delegate->libraryBundleDirectory());
+    control<QPushButton>("Open…")->click();
+    EXPECT_TRUE(waitFor([this] { return person.choices.size() == 1; }));
+    EXPECT_EQ(person.choices[0].title, QStringLiteral("Please choose the library that you want to open"));
+
+    const auto verify = [this] {
+        control<QPushButton>("Verify")->click();
+        EXPECT_TRUE(library().isVerifying());
+        EXPECT_TRUE(control<QPushButton>("Stop"));
+        EXPECT_TRUE(waitFor([this] { return !library().isVerifying(); }));
+    };
+    verify();
+    EXPECT_TRUE(waitFor([this] {
+        for (const QLabel *label : pane().findChildren<QLabel *>()) {
+            if (label->text() == QStringLiteral("4 items checked. Everything is there.")) {
+                return true;
+            }
+        }
+        return false;
+    }));
+    ASSERT_TRUE(QFile::remove(image(QStringLiteral("red"))->itemURL()));
+    QFile changed(image(QStringLiteral("clear"))->itemURL());
+    ASSERT_TRUE(changed.open(QIODevice::Append) && changed.write("more") == 4);
+    changed.close();
+    verify();
+    EXPECT_EQ(findings(), LibraryCheck(context(), delegate->libraryDirectory()).run(false).lines().mid(1).join(u'\n'));
+    EXPECT_TRUE(findings().contains(QStringLiteral("red"))) << findings().toStdString();
+    control<QCheckBox>("Read all of every file, too")->click();
+    verify();
+    EXPECT_EQ(findings(), LibraryCheck(context(), delegate->libraryDirectory()).run(true).lines().mid(1).join(u'\n'));
+    EXPECT_TRUE(findings().contains(QStringLiteral("clear")));
+    control<QPushButton>("Verify")->click();
+    close(); // in the middle of it
+}
+
+TEST_F(PreferencesWindowTest, AQuestionOfTheWindowIsNotHiddenByIt)
+{
+    open();
+    whenAsked([this](Sheet &) {
+        EXPECT_FALSE(preferences()->isVisible());
+        press(Qt::Key_Return);
+    });
+    run(CommandID::Keyboard);
+    ASSERT_TRUE(preferences());
+    EXPECT_TRUE(preferences()->isVisible());
+}
