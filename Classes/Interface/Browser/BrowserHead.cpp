@@ -163,7 +163,7 @@ bool BrowserHead::canSortBy(ZQSortValue value) const
     if (value == ZQSortValue::Manual) {
         return tab.browserCanManuallySort();
     }
-    const auto single = m_content->singleItem();
+    const auto single = m_content.singleItem();
     return value != ZQSortValue::None || tab.sidebarSelectedItems().size() > 1 || (single && single->isFolder());
 }
 

@@ -45,7 +45,7 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     row->addWidget(m_search);
     row->addWidget(m_infoButton);
     row->addWidget(m_menuButton);
-    const QList<QWidget *> stops = QList<QWidget *>{m_sidebarButton, add, import} + m_tabStrip->focusStops() +
+    const QList<QWidget *> stops = QList<QWidget *>{m_sidebarButton, m_addButton, import} + m_tabStrip->focusStops() +
                                    QList<QWidget *>{m_search, m_infoButton, m_menuButton};
     for (qsizetype i = 1; i < stops.size(); ++i) { // Tab goes as they stand
         setTabOrder(stops[i - 1], stops[i]);

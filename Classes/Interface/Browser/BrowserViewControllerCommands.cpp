@@ -1,0 +1,122 @@
+// The commands of the browser and of the detail view in its place.
+
+#include "Classes/Interface/Browser/BrowserHead.h"
+#include "Classes/Interface/Browser/BrowserListStyle.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Browser/RefineBar.h"
+#include "Classes/Interface/Detail/DetailView.h"
+#include "Classes/Interface/TextFields.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QStackedWidget>
+
+namespace {
+
+constexpr double zoomStep = 0.08;
+
+} // namespace
+
+QList<WindowCommand> BrowserViewController::commands()
+{
+    const auto hasSelection = [this] { return selectionCount() > 0; };
+    QList<WindowCommand> result = {
+        {CommandID::Copy,
+         zqLocalized("Copy"),
+         {Qt::CTRL | Qt::Key_C},
+         [this] {
+             if (!TextFields::forward("copy")) {
+                 copyToClipboard();
+             }
+         },
+         [hasSelection] { return TextFields::haveFocus() || hasSelection(); }},
+        {CommandID::SelectAll,
+         zqLocalized("Select All"),
+         {Qt::CTRL | Qt::Key_A},
+         [this] {
+             if (!TextFields::forward("selectAll")) {
+                 m_grid->selectAll();
+             }
+         }},
+        {CommandID::Duplicate,
+         zqLocalized("Duplicate"),
+         {Qt::CTRL | Qt::Key_D},
+         [this] { duplicate(); },
+         [hasSelection] { return !TextFields::haveFocus() && hasSelection(); }},
+        {CommandID::DeleteFromLibrary,
+         zqLocalized("Delete from Library"),
+         {Qt::CTRL | Qt::Key_Delete},
+         [this] { deleteFromLibrary(); },
+         [hasSelection] { return !TextFields::haveFocus() && hasSelection(); }},
+        {CommandID::LargerThumbnails,
+         zqLocalized("Larger Thumbnails"),
+         {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal},
+         [this] { changeZoom(zoomStep); }},
+        {CommandID::SmallerThumbnails,
+         zqLocalized("Smaller Thumbnails"),
+         {Qt::CTRL | Qt::Key_Minus},
+         [this] { changeZoom(-zoomStep); }},
+        {CommandID::RefineBar,
+         zqLocalized("Refine Bar"),
+         {Qt::CTRL | Qt::ALT | Qt::Key_F},
+         [this] {
+             m_refine->setVisible(m_refine->isHidden());
+             RefineBar::setWanted(!m_refine->isHidden());
+             Q_EMIT refineBarToggled();
+         },
+         {},
+         [this] { return !m_refine->isHidden(); }},
+        {.id = CommandID::QuickLook,
+         .title = zqLocalized("Quick Look"),
+         .keys = {},
+         .run = [this] { openDetail(true); },
+         .isEnabled = hasSelection,
+         .viewKeys = zqLocalized("Space")},
+        {.id = CommandID::Open,
+         .title = zqLocalized("Open"),
+         .keys = {},
+         .run = [this] { openDetail(false); },
+         .isEnabled = hasSelection,
+         .viewKeys = zqLocalized("Enter")},
+    };
+    // Only what shows items takes their keys: in a field a digit is a digit.
+    for (int stars = 0; stars <= 5; ++stars) {
+        result.append({.id = CommandID(int(CommandID::Rate0) + stars),
+                       .title = stars == 0   ? zqLocalized("None")
+                                : stars == 1 ? zqLocalized("1 Star")
+                                             : zqFormat(zqLocalized("%d Stars"), {stars}),
+                       .keys = {Qt::Key(Qt::Key_0 + stars)},
+                       .run = [this, stars] { rate(stars); },
+                       .isEnabled = hasSelection,
+                       .keysIn = m_stack,
+                       .yieldsToFields = true});
+    }
+    return result + zoomCommands() + m_head->commands() + m_style->commands();
+}
+
+QList<WindowCommand> BrowserViewController::zoomCommands()
+{
+    struct Zoom
+    {
+        CommandID id;
+        const char *title;
+        QList<QKeySequence> keys;
+        void (DetailView::*run)();
+    };
+    const Zoom zooms[] = {
+        {CommandID::ZoomToFit, "Fit", {Qt::CTRL | Qt::Key_0}, &DetailView::zoomToFit},
+        {CommandID::ZoomToActualSize, "Actual Size", {Qt::Key_Z}, &DetailView::zoomToActualSize},
+        {CommandID::ZoomIn, "Zoom In", {Qt::Key_Plus, Qt::Key_Equal}, &DetailView::zoomIn},
+        {CommandID::ZoomOut, "Zoom Out", {Qt::Key_Minus}, &DetailView::zoomOut},
+    };
+    QList<WindowCommand> result;
+    for (const Zoom &zoom : zooms) {
+        result.append({.id = zoom.id,
+                       .title = zqLocalized(zoom.title),
+                       .keys = zoom.keys,
+                       .run = [this, run = zoom.run] { (m_detail->*run)(); },
+                       .isEnabled = [this] { return isDetailOpen(); },
+                       .keysIn = m_detail,
+                       .yieldsToFields = true});
+    }
+    return result;
+}
