@@ -52,8 +52,9 @@ LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, QWidget *parent)
     m_findings->setReadOnly(true);
     m_findings->setTabChangesFocus(true);
     m_findings->setAccessibleName(zqLocalized("What was found"));
+    m_findings->setMinimumHeight(150);
     m_findings->hide();
-    column()->addWidget(m_findings, 1);
+    column()->addWidget(m_findings);
     setVerifying(false);
 }
 

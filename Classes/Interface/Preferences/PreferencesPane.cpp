@@ -28,8 +28,8 @@ PreferencesPane::PreferencesPane(const QString &title, QWidget *parent) : QWidge
     setAccessibleName(title);
     auto *all = new QVBoxLayout(this);
     all->setContentsMargins(26, 22, 26, 22);
-    all->addLayout(m_column, 1);
-    all->addStretch();
+    all->addLayout(m_column);
+    all->addStretch(1);
     m_column->setSpacing(8);
     addLabel(title, QStringLiteral("Title"));
 }
@@ -121,6 +121,7 @@ QSpinBox *PreferencesPane::addNumber(const QString &key, const QString &text, co
     auto *field = new QSpinBox(this);
     field->setButtonSymbols(QAbstractSpinBox::NoButtons);
     field->setRange(number.smallest, number.largest);
+    field->setGroupSeparatorShown(true);
     field->setKeyboardTracking(false); // half a number is none
     field->setSuffix(number.suffix);
     field->setFixedWidth(140);

@@ -54,6 +54,7 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *ma
     if (!restoreGeometry(defaults.dataForKey(geometryKey))) {
         resize(760, 560);
     }
+    m_names->setFocus();
     auto *close = new QAction(this);
     close->setShortcut(Qt::CTRL | Qt::Key_W);
     connect(close, &QAction::triggered, this, &QWidget::close);

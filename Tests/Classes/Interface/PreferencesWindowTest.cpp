@@ -75,7 +75,7 @@ protected:
     T *control(const char *name)
     {
         for (T *each : pane().findChildren<T *>()) {
-            if (each->isVisible() && spoken(each) == QLatin1StringView(name)) {
+            if (each->isVisible() && spoken(each) == QString::fromUtf8(name)) {
                 return each;
             }
         }
@@ -210,7 +210,7 @@ TEST_F(PreferencesWindowTest, EachControlHasANameAndAKeyOfItsOwn)
         EXPECT_EQ(different, keys) << pane().accessibleName().toStdString();
     }
     choose("Tags");
-    QTest::keyClick(preferences(), Qt::Key_T, Qt::AltModifier);
+    press(Qt::Key_T, Qt::AltModifier);
     EXPECT_FALSE(isOn("UseAutoTagging"));
 }
 

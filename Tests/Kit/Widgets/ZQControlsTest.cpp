@@ -292,8 +292,10 @@ TEST_F(Strip, TipsSayTheWholeTitle)
         const char *tip;
     };
     for (const Case &each : {Case{{5, 10}, "One"}, {{end - 10, 18}, "New Tab"}, {{end + 50, 18}, ""}}) {
-        QHelpEvent event(QEvent::ToolTip, each.point, strip.mapToGlobal(each.point));
-        EXPECT_TRUE(QApplication::sendEvent(&strip, &event));
+        QWidget *child = strip.childAt(each.point);
+        QHelpEvent event(QEvent::ToolTip, child ? child->mapFrom(&strip, each.point) : each.point,
+                         strip.mapToGlobal(each.point));
+        EXPECT_TRUE(QApplication::sendEvent(child ? child : &strip, &event));
         if (each.tip[0] != 0) {
             EXPECT_EQ(QToolTip::text(), QLatin1StringView(each.tip));
         }
