@@ -71,7 +71,7 @@ class Mutate(unittest.TestCase):
         finally:
             path.write_text(old)
             shutil.rmtree(self.source / ".git")
-        self.assertEqual({line for line, _ in found(done.stdout)}, {46}, done.stdout)
+        self.assertEqual({line for line, _ in found(done.stdout)}, {51}, done.stdout)
 
 
 if __name__ == "__main__":

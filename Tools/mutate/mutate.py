@@ -15,9 +15,9 @@ Kinds of faults:
   swap        two calls that follow each other change places
 
 Left out: logging (the q… macros, zqTrace), text for people (zqLocalized, zqFormat, tr), reserve and squeeze, names and tips of
-widgets, calls on painters, palettes and layouts, setters and assignments in a row, swapping calls on two objects that know
-nothing of each other, what a macro holds, constexpr, static_assert, case labels, tables and declarations, headers, generated
-entity bases. What changes nothing, whatever the tests: Tests/equivalent-mutants; it is not counted.
+widgets, calls on painters, palettes and layouts, setters and assignments in a row, swapping two calls neither of which changes
+what the other looks at (unless the names of both say that they reach the disk, a thread or a process), what a macro holds,
+constexpr, static_assert, case labels, tables and declarations, headers, generated entity bases. What changes nothing, whatever the tests: Tests/equivalent-mutants; it is not counted.
 
 Ends with 1 when fewer than 85 % were noticed."""
 import argparse

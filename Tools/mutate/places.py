@@ -27,16 +27,17 @@ LEFT_OUT_CALLS = {
 }
 # What these do comes later, whichever stands first: repainting, what an event is answered with, what a signal will run.
 VARIABLES = (K.VAR_DECL, K.PARM_DECL, K.FIELD_DECL)
-# Operators that change what stands before them.
-CHANGING = {"operator=", "operator+=", "operator-=", "operator|=", "operator&="}
-# Values in memory: what their functions are called says nothing of disk, threads or processes.
-CONTAINERS = re.compile(r"\b(QList|QHash|QMultiHash|QMap|QSet|QString|QByteArray|vector|deque|map|set|array|basic_string)\b")
-LATER = {"update", "accept", "ignore", "connect"}
+# Values in memory: what their functions are called says nothing of disk, threads or processes. A timer goes off later, too.
+CONTAINERS = re.compile(r"\b(QList|QHash|QMultiHash|QMap|QSet|QString|QByteArray|vector|deque|map|set|array|basic_string|QTimer|QBasicTimer)\b")
+LATER = {"update", "accept", "ignore", "connect", "show", "hide", "raise", "lower", "setFocus", "setVisible", "setEnabled", "repaint"}
+# What files one thing under one key, or gives one thing one property: two of them on different keys have no order.
+KEYED = re.compile(r"^(insert|insert_or_assign|emplace|try_emplace|bind\w*|setValue|setObjectForKey|set[A-Z]\w*)$")
+POSITIONED = re.compile(r"\b(QList|vector|deque|QString|QByteArray|basic_string|QJsonArray)\b")
 # What reaches the disk, another thread or another process: its order is what faults are for, whoever it is called on.
 ORDERED = re.compile(r"sync|flush|save|write|remove|unlink|rename|move|commit|begin|todisk|truncate|note|close|open|lock|wait|join|notify|stop|start|cancel"
-                     r"|send|post|will|did|exec|^end|reset", re.I)
+                     r"|send|post|will|did|exec|^end|reset|^ask|terminate|kill|quit|spawn|migrat|mainloop|seek|finish|replac|recover|errno", re.I)
 # How something looks, which is looked at and not tested: dropping or swapping calls on these is left out.
-LOOKS = re.compile(r"\b(QPainter|QPalette|QPainterPath|Q\w*Layout|QPen|QFont)\b")
+LOOKS = re.compile(r"\b(QPainter|QPalette|QPainterPath|Q\w*Layout|QPen|QFont|QPixmap)\b")
 # What stands between their parentheses is text for people or for the log.
 TEXT_CALLS = {"zqLocalized", "zqFormat", "tr", "zqTrace"}
 
@@ -66,6 +67,24 @@ class Place:
 
     def end_line(self, text):
         return self.line + text[self.start:self.end].count(b"\n")
+
+
+@dataclass
+class Call:
+    """A statement that is a call and nothing else."""
+    start: int
+    end: int  # with the semicolon
+    name: str
+    is_ordered: bool  # what it does reaches the disk, another thread or another process, as far as its name tells
+    key: str  # what its first argument says, for one that is filed under it; "" for a setter, None for any other
+    touched: "Touched"
+
+
+@dataclass
+class Touched:
+    """The variables and members that are changed, and those that are looked at."""
+    changed: set = field(default_factory=set)
+    seen: set = field(default_factory=set)
 
 
 def one_line(text):
@@ -253,20 +272,17 @@ class Finder:
         calls = [self.call_statement(child) for child in children]
         for call in calls:
             if call:
-                start, end = call[:2]
-                self.add("call", start, end, b"{ if (!zqMutant(#)) { ", b" } }", b"")
+                self.add("call", call.start, call.end, b"{ if (!zqMutant(#)) { ", b" } }", b"")
         for one, two in zip(calls, calls[1:]):
             if one and two and not self.is_order_free(one, two):
-                first, second = self.text[one[0]:one[1]], self.text[two[0]:two[1]]
-                between = self.text[one[1]:two[0]]
-                if first != second and not self.is_in_macro(one[0], one[1]) and not self.is_in_macro(two[0], two[1]):
+                first, second = self.text[one.start:one.end], self.text[two.start:two.end]
+                between = self.text[one.end:two.start]
+                if first != second and not self.is_in_macro(one.start, one.end) and not self.is_in_macro(two.start, two.end):
                     before = b"{ if (zqMutant(#)) { " + one_line(second + b" " + first) + b" } else { "
                     spaces = re.search(rb"\n?[ \t]*$", between).group()
-                    self.add("swap", one[0], two[1], before, b" } }", second + spaces + first)
+                    self.add("swap", one.start, two.end, before, b" } }", second + spaces + first)
 
     def call_statement(self, cursor):
-        """(start, end with the semicolon, name, whose function, what it names, whether that is of a container, what a free function
-        is given) of a statement that is a call and nothing else."""
         call = self.peeled(cursor)
         if call.kind != K.CALL_EXPR or call.spelling in LEFT_OUT_CALLS or call.spelling in TEXT_CALLS:
             return None
@@ -275,62 +291,109 @@ class Finder:
         if not semicolon or self.text[start:end].startswith((b"delete ", b"qC", b"qDebug", b"qWarning")):
             return None
         receiver = self.receiver(call)
-        if receiver is not None and LOOKS.search(receiver.type.get_canonical().spelling):
+        of = receiver.type.get_canonical().spelling if receiver is not None else ""
+        if LOOKS.search(of):
             return None
-        of = receiver.referenced.get_usr() if receiver is not None else ""
-        is_container = receiver is not None and bool(CONTAINERS.search(receiver.type.get_canonical().spelling))
-        return start, end + semicolon.end(), call.spelling, of, self.named(call), is_container, self.given(call)
+        touched = Touched()
+        self.touch(call, touched, [])
+        held = next(call.get_children()) if call.spelling == "operator()" else None  # a function that stands in a variable
+        is_ordered = bool(ORDERED.search(held.spelling if held is not None else call.spelling)) and not CONTAINERS.search(of)
+        return Call(start, end + semicolon.end(), call.spelling, is_ordered, self.key(call, of), touched)
 
-    @staticmethod
-    def given(call):
-        """The variables and members that a free function is given; none for any other call."""
-        if call.referenced is None or call.referenced.kind != K.FUNCTION_DECL or call.spelling.startswith("operator"):
-            return set()
-        return {c.referenced.get_usr() for c in call.walk_preorder()
-                if c.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and c.referenced is not None and c.referenced.kind in VARIABLES}
+    def key(self, call, of):
+        if not KEYED.search(call.spelling) or (call.spelling in ("insert", "emplace") and POSITIONED.search(of)):
+            return None
+        arguments = list(call.get_arguments())
+        return call.spelling + "(" + (self.text[slice(*self.extent(arguments[0]))].decode() if len(arguments) > 1 else "")
 
     def receiver(self, call):
         """The variable or member whose function is called, or None: a free function, or one of the object's own."""
-        if call.kind == K.CALL_EXPR and call.spelling in CHANGING:
-            return self.changed(next(iter(call.get_children()), None))
         callee = next(iter(call.get_children()), None)
+        if call.kind == K.CALL_EXPR and call.spelling.startswith("operator") and call.spelling != "operator()":
+            return self.variable(callee)
         if call.kind != K.CALL_EXPR or callee is None or callee.kind != K.MEMBER_REF_EXPR:
             return None
-        of = next(iter(callee.get_children()), None)
-        of = self.peeled(of) if of is not None else None
-        if of is not None and of.kind == K.CALL_EXPR and of.spelling == "operator->":
-            of = self.peeled(next(iter(of.get_children())))
-        is_variable = of is not None and of.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and of.referenced is not None
-        return of if is_variable and of.referenced.kind in VARIABLES else None
+        return self.variable(next(iter(callee.get_children()), None))
 
-    def changed(self, target):
-        """The variable or member that an assignment changes, or part of which."""
+    def variable(self, target):
+        """The variable or member that is named, or part of which is; or the function that is asked for it."""
         while target is not None:
             target = self.peeled(target)
+            if self.is_getter(target):
+                return target
             if target.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and target.referenced is not None:
                 return target if target.referenced.kind in VARIABLES else None
-            target = next(iter(target.get_children()), None) if target.kind == K.CALL_EXPR and target.spelling == "operator[]" else None
+            inside = target.kind == K.CALL_EXPR and target.spelling in ("operator[]", "operator->", "operator*") or target.kind in (
+                K.ARRAY_SUBSCRIPT_EXPR, K.UNARY_OPERATOR, K.PAREN_EXPR)
+            target = next(iter(target.get_children()), None) if inside else None
         return None
 
     @staticmethod
-    def named(call):
-        """The variables, members and functions that the call names."""
-        return {c.referenced.get_usr() for c in call.walk_preorder()
-                if c.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and c.referenced is not None}
+    def is_getter(cursor):
+        return (cursor.kind == K.CALL_EXPR and cursor.referenced is not None and cursor.referenced.kind in (K.CXX_METHOD, K.FUNCTION_DECL)
+                and not cursor.spelling.startswith("operator") and not list(cursor.get_arguments()))
+
+    def touch(self, cursor, touched, within):
+        """Adds what the code at the cursor changes and looks at, and what those functions of this file do that it calls."""
+        for each in cursor.walk_preorder():
+            if each.kind in (K.DECL_REF_EXPR, K.MEMBER_REF_EXPR) and each.referenced is not None and each.referenced.kind in VARIABLES:
+                touched.seen.add(each.referenced.get_usr())
+            elif each.kind in (K.BINARY_OPERATOR, K.COMPOUND_ASSIGNMENT_OPERATOR, K.UNARY_OPERATOR):
+                if self.is_changing(each):
+                    self.note_changed(next(iter(each.get_children()), None), touched)
+            elif each.kind == K.CALL_EXPR:
+                self.touch_call(each, touched, within)
+
+    def is_changing(self, cursor):
+        children = list(cursor.get_children())
+        if cursor.kind == K.UNARY_OPERATOR:
+            start, end = self.extent(cursor)
+            text = self.text[start:end]
+            return text[:2] in (b"++", b"--") or text[-2:] in (b"++", b"--")
+        if cursor.kind == K.COMPOUND_ASSIGNMENT_OPERATOR:
+            return True
+        return len(children) == 2 and one_line(self.text[children[0].extent.end.offset:children[1].extent.start.offset]).strip() == b"="
+
+    def note_changed(self, target, touched):
+        """A member of a local value changes that value, too; the object's own members are each by themselves."""
+        variable = self.variable(target)
+        while variable is not None:
+            touched.changed.add(variable.referenced.get_usr())
+            of = self.variable(next(iter(variable.get_children()), None)) if variable.kind == K.MEMBER_REF_EXPR else None
+            variable = of if of is not None and of.kind == K.DECL_REF_EXPR else None
+
+    def touch_call(self, call, touched, within):
+        function = call.referenced
+        if self.is_getter(call):
+            touched.seen.add(function.get_usr())
+        is_member = function is not None and function.kind in (K.CXX_METHOD, K.FUNCTION_TEMPLATE) and not function.is_static_method()
+        if is_member and not function.is_const_method():
+            self.note_changed(self.receiver(call), touched)
+        type_of = function.type.get_canonical() if function is not None else None
+        kinds = type_of.argument_types() if type_of is not None and type_of.kind == cindex.TypeKind.FUNCTIONPROTO else []
+        for argument, kind in zip(call.get_arguments(), kinds):
+            if kind.kind in (cindex.TypeKind.LVALUEREFERENCE, cindex.TypeKind.POINTER) and not kind.get_pointee().is_const_qualified():
+                self.note_changed(argument, touched)
+        body = function.get_definition() if function is not None else None
+        if body is not None and body.location.file and body.location.file.name == self.path and body.get_usr() not in within and len(within) < 5:
+            self.touch(body, touched, within + [body.get_usr()])
+        elif call.spelling == "operator()":  # a function that stands in a variable
+            held = next((c.referenced for c in call.walk_preorder() if c.kind == K.DECL_REF_EXPR and c.referenced is not None
+                         and c.referenced.kind == K.VAR_DECL and "lambda" in c.referenced.type.get_canonical().spelling), None)
+            if held is not None and held.get_usr() not in within and len(within) < 5:
+                self.touch(held, touched, within + [held.get_usr()])
 
     @staticmethod
     def is_order_free(one, two):
-        if one[2] == two[2] == "operator=" or one[2] in LATER or two[2] in LATER:
+        """Whether nobody can tell which of the two came first."""
+        if one.name == two.name == "operator=" or one.name in LATER or two.name in LATER:
             return True
-        setters = [call[2] for call in (one, two) if re.match(r"set[A-Z]", call[2])]
-        if len(setters) == 2 and setters[0] != setters[1]:
+        if one.key is not None and two.key is not None and one.key != two.key:
             return True
-        if any(ORDERED.search(call[2]) and not call[5] for call in (one, two)):
+        if one.is_ordered and two.is_ordered:
             return False
-        # Of two objects, neither of which the other call knows of; or of two functions that are given nothing in common.
-        if one[3] and two[3]:
-            return one[3] not in two[4] and two[3] not in one[4]
-        return bool(one[6] and two[6]) and not (one[6] & two[6])
+        a, b = one.touched, two.touched
+        return not (a.changed & (b.seen | b.changed) or b.changed & a.seen)
 
 
 def find_places(path, name, arguments):

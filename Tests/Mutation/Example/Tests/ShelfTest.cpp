@@ -2,6 +2,20 @@
 
 #include <gtest/gtest.h>
 
+namespace {
+std::string doings;
+}
+
+void sendKeys()
+{
+    doings += "keys sent, ";
+}
+
+void closeDoor()
+{
+    doings += "door closed";
+}
+
 TEST(Shelf, KeepsWhatFits)
 {
     Shelf shelf;
@@ -37,4 +51,25 @@ TEST(Shelf, TidiesBeforeItAdds)
 TEST(Shelf, IsNarrowAtFirst)
 {
     EXPECT_FALSE(Shelf().isWide());
+    EXPECT_EQ(Shelf().widthWith(3), 1);
+}
+
+TEST(Shelf, IsLabelled)
+{
+    Shelf shelf;
+    shelf.put(7);
+    std::map<std::string, int> labels;
+    std::string text;
+    shelf.label(labels, text);
+    EXPECT_EQ(labels, (std::map<std::string, int>{{"books", 1}, {"lowest", 7}}));
+    EXPECT_EQ(text, "shelf of books");
+}
+
+TEST(Shelf, IsLeftBeforeTheDoorIsClosed)
+{
+    Shelf shelf;
+    doings.clear();
+    shelf.leave();
+    EXPECT_EQ(doings, "keys sent, door closed");
+    EXPECT_EQ(shelf.lendingCount(), 0u);
 }

@@ -12,6 +12,11 @@ constexpr int narrow(int width)
 }
 static_assert(narrow(5) < 5);
 
+void measure(Board &board)
+{
+    board.width = int(board.books.size());
+}
+
 const bool isTableWide = 3 < 4;
 
 } // namespace
@@ -25,7 +30,7 @@ bool Shelf::put(int book)
         return false;
     }
     m_books.reserve(3);
-    m_books.push_back(book); // call: noticed, swap: survived
+    m_books.push_back(book); // call: noticed
     note(book);              // call: survived
     return true;
 }
@@ -71,6 +76,14 @@ void Shelf::sort()
     std::ranges::sort(m_books); // call: noticed
 }
 
+int Shelf::widthWith(int book) const
+{
+    Board board;
+    board.books.push_back(book); // call: noticed, swap: noticed
+    measure(board);              // call: noticed
+    return board.width;
+}
+
 bool Shelf::isWide() const
 {
     switch (m_books.size()) {
@@ -79,4 +92,21 @@ bool Shelf::isWide() const
     default:
         return m_books.size() > 2 + 0; // bound: survived, bound: noticed, bound: noticed
     }
+}
+
+void Shelf::label(std::map<std::string, int> &labels, std::string &text) const
+{
+    labels.insert_or_assign("books", int(m_books.size())); // call: noticed
+    labels.insert_or_assign("lowest", lowest());           // call: noticed
+    text += "shelf ";                                      // call: noticed, swap: noticed
+    text += "of books";                                    // call: noticed
+}
+
+void Shelf::leave()
+{
+    const auto lend = [this] { m_lending.push_back(1); }; // call: survived
+    lend();                                               // call: survived, swap: noticed
+    m_lending.clear();                                    // call: noticed
+    sendKeys();                                           // call: noticed, swap: noticed
+    closeDoor();                                          // call: noticed
 }

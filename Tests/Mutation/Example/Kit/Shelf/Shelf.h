@@ -1,6 +1,14 @@
 #pragma once
 
+#include <map>
+#include <string>
 #include <vector>
+
+struct Board
+{
+    std::vector<int> books;
+    int width = 0;
+};
 
 // What mutate_test.py puts faults into: each line of Shelf.cpp says which faults it has, and what becomes of them.
 class Shelf
@@ -12,6 +20,10 @@ public:
     void tidy();
     void empty();
     bool isWide() const;
+    int widthWith(int book) const;
+    void label(std::map<std::string, int> &labels, std::string &text) const;
+    void leave();
+    std::size_t lendingCount() const { return m_lending.size(); }
     const std::vector<int> &books() const { return m_books; }
 
 private:
@@ -24,3 +36,7 @@ private:
 };
 
 int widthOf(int book);
+
+// The house's.
+void sendKeys();
+void closeDoor();
