@@ -350,7 +350,7 @@ void ProjectsSidebarViewController::selectNeighbourAfterDeletion(const ZQObjectI
 void ProjectsSidebarViewController::renameSidebarItem()
 {
     const QModelIndex index = tree()->currentIndex();
-    if (index.isValid() && (index.flags() & Qt::ItemIsEditable)) {
+    if (tree()->selectionModel()->isSelected(index) && (index.flags() & Qt::ItemIsEditable)) {
         tree()->setFocus();
         tree()->edit(index);
     }

@@ -172,6 +172,11 @@ void MainWindowController::makeCommands()
     connect(&m_browser->emptyState(), &EmptyState::everythingRequested, &m_toolbar->search(), &QLineEdit::clear);
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);
+    connect(m_savedSearches, &SavedSearchActions::sidebarRequested, this, [this] {
+        if (m_sidebar->isHidden()) {
+            toggle(m_sidebar);
+        }
+    });
     connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
     connect(m_browser, &BrowserViewController::refineBarToggled, this, &MainWindowController::updateCommands);
     connect(m_tabs, &TabsController::infoPanelRequested, this, [this](bool isOpen) {

@@ -112,6 +112,7 @@ void SavedSearchActions::saveSearch()
     }
     const QString text = wholeText();
     endEditing();
+    Q_EMIT sidebarRequested();
     m_sidebar.addSmartFolder(text);
 }
 

@@ -26,7 +26,8 @@ public:
     QList<WindowCommand> commands();
 
 Q_SIGNALS:
-    void changed(); // what can be done
+    void changed();          // what can be done
+    void sidebarRequested(); // a row of it is about to be named
 
 private:
     void update();

@@ -92,9 +92,13 @@ protected:
     {
         return QDir(defaultBundle()).entryList({QStringLiteral("storedata.before-*")}, QDir::Files);
     }
+    static QStringList pending(const ZQPersistentStoreCoordinator &coordinator)
+    {
+        return coordinator.pendingVersions().value_or(QStringList{QStringLiteral("?")});
+    }
     static QStringList pending(tamberin_AppDelegate &delegate)
     {
-        return delegate.persistentStoreCoordinator()->pendingVersions().value_or(QStringList{QStringLiteral("?")});
+        return pending(*delegate.persistentStoreCoordinator());
     }
 };
 
@@ -308,7 +312,7 @@ TEST_F(OlderLibrary, TakesTheRatingsOfItsFilesBesideTheWindowAndGoesOnWhereItSto
         ASSERT_TRUE(context.save());
         RatingFiller filler(coordinator, [](const ZQContextDidSave &) {});
         EXPECT_FALSE(filler.run([] { return false; }));
-        EXPECT_EQ(coordinator->pendingVersions(), QStringList{RatingFiller::version});
+        EXPECT_TRUE(pending(*coordinator).contains(RatingFiller::version));
     }
     const auto delegate = launched();
     const auto all = items(*delegate);
@@ -344,7 +348,7 @@ TEST_F(OlderLibrary, TakesNoRatingTwiceAndNoneForLaterItems)
     EXPECT_EQ(ratingOf(ids[300], context), 3);
     EXPECT_EQ(ratingOf(ids[649], context), 3);
     EXPECT_EQ(ratingOf(identifiers(context)[650], context), 0);
-    EXPECT_EQ(coordinator->pendingVersions(), QStringList());
+    EXPECT_FALSE(pending(*coordinator).contains(RatingFiller::version));
 }
 
 TEST_F(OlderLibrary, NotesNowAndThenHowFarItsRatingsAre)
@@ -386,6 +390,6 @@ TEST_F(OlderLibrary, YieldsToAPersonWhoChangesAnItemMeanwhile)
         EXPECT_EQ(isDone, changes < 3);
         ZQManagedObjectContext context(coordinator);
         EXPECT_EQ(ratingOf(id, context), isDone ? 3 : 0);
-        EXPECT_EQ(pending(*delegate), isDone ? QStringList() : QStringList{RatingFiller::version});
+        EXPECT_EQ(pending(*coordinator).contains(RatingFiller::version), !isDone);
     }
 }

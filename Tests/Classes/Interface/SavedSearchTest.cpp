@@ -103,8 +103,12 @@ TEST_F(SavedSearchTest, ASearchIsSavedBesideWhatIsSelectedAndNamedAtOnce)
 
 TEST_F(SavedSearchTest, AnUndoneOneLeavesItsNeighbourOpen)
 {
+    run(CommandID::Sidebar);
+    ASSERT_FALSE(sidebar().isVisible());
     const auto smart = saved("#tt e", "Mine");
+    EXPECT_TRUE(sidebar().isVisible()) << "its name is typed there";
     ASSERT_TRUE(smart);
+    EXPECT_EQ(smart->title(), QStringLiteral("Mine"));
     controller->undoStack().undo(); // the name
     controller->undoStack().undo();
     settle();

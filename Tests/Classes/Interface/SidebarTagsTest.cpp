@@ -44,7 +44,11 @@ TEST_F(SidebarTagsTest, ThePlusMakesWhatTheSideHolds)
 {
     auto *plus = named<QToolButton>("New Project (Ctrl+N)");
     ASSERT_TRUE(plus);
+    show(tag);
+    show(a);
     sides().setCurrentIndex(1);
+    sidebar().renameSidebarItem();
+    EXPECT_FALSE(sidebar().isEditing()) << "no tag is selected";
     EXPECT_EQ(plus->accessibleName(), QStringLiteral("New Tag"));
     QTest::mouseClick(plus, Qt::LeftButton);
     type(QStringLiteral("fresh"));
