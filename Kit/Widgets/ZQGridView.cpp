@@ -294,7 +294,7 @@ void ZQGridView::keyPressEvent(QKeyEvent *event)
         return;
     }
     const Qt::KeyboardModifiers modifiers = event->modifiers();
-    const bool rightToLeft = isRightToLeft();
+    const bool isForward = (event->key() == Qt::Key_Right) != isRightToLeft();
     const qint64 current = m_current;
     const int pageRows = std::max(1, viewport()->height() / std::max(1, m_layout.rowHeight()));
     const auto step = [&](qint64 items) {
@@ -304,10 +304,10 @@ void ZQGridView::keyPressEvent(QKeyEvent *event)
     switch (event->key()) {
     case Qt::Key_Left:
     case Qt::Key_Right:
-        if (m_layout.hasHeads() && (isAlt || m_showsList)) {
-            collapseCurrentGroup((event->key() == Qt::Key_Left) != rightToLeft);
+        if (m_layout.hasHeads() && (isAlt || m_showsList || (isOnHead() && isForward))) {
+            collapseCurrentGroup(!isForward);
         } else {
-            moveCurrent(step((event->key() == Qt::Key_Right) != rightToLeft ? 1 : -1), modifiers);
+            moveCurrent(step(isForward ? 1 : -1), modifiers);
         }
         return;
     case Qt::Key_Up:

@@ -152,6 +152,7 @@ private:
     int headAt(const QPoint &viewportPoint) const;
     bool isBesideContent(const QPoint &viewportPoint) const;
     void collapseCurrentGroup(bool collapsed);
+    bool isOnHead() const; // the current item is folded away
     void paintCell(QPainter &painter, qint64 index, const QRect &rect);
     void paintRow(QPainter &painter, qint64 index, const QRect &rect);
     void paintValue(QPainter &painter, const ZQListValue &value, const QRect &box, bool selected);

@@ -184,6 +184,12 @@ int ZQGridView::currentGroup() const
     return !m_layout.hasHeads() ? -1 : m_current < 0 ? stickyGroup() : m_layout.groupOfIndex(m_current);
 }
 
+bool ZQGridView::isOnHead() const
+{
+    const int group = m_layout.groupOfIndex(m_current);
+    return group >= 0 && m_layout.isCollapsed(group);
+}
+
 void ZQGridView::collapseCurrentGroup(bool collapsed)
 {
     setGroupCollapsed(currentGroup(), collapsed);

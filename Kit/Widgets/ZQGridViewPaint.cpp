@@ -200,7 +200,7 @@ void ZQGridView::paintHead(QPainter &painter, int group, int y)
     const int right = viewport()->width() - ZQGridLayout::sideMargin;
     const QRect head(0, y, viewport()->width(), ZQMeasure::groupHeadHeight);
     painter.fillRect(head, zqColor(ZQColorRole::Ground));
-    if (hasFocus() && m_layout.isCollapsed(group) && m_layout.groupOfIndex(m_current) == group) {
+    if (hasFocus() && isOnHead() && m_layout.groupOfIndex(m_current) == group) {
         painter.setPen(QPen(zqColor(ZQColorRole::Accent), 1, Qt::DotLine));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(head).adjusted(left - 7.5, 4.5, 7.5 - left, -4.5), cellRadius, cellRadius);

@@ -295,6 +295,15 @@ TEST_F(ZQGridViewListTest, GroupsAreFoldedByTheArrowKeysAndAllAtOnce)
     EXPECT_TRUE(view.viewport()->rect().contains(view.visualRect(25)));
     view.setAllGroupsCollapsed(false);
     EXPECT_EQ(folded(), "000");
+    view.setShowsList(false);
+    view.setCurrentIndex(13);
+    key(Qt::Key_Left);
+    EXPECT_EQ(folded(), "000") << "in a grid that is the way to the one before";
+    key(Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(folded(), "010");
+    key(Qt::Key_Right);
+    EXPECT_EQ(folded(), "000") << "from the head into the group";
+    EXPECT_EQ(view.currentIndex(), 12);
 }
 
 TEST_F(ZQGridViewListTest, TheStyleChangesWithoutLosingThePlace)
