@@ -17,7 +17,8 @@ constexpr int shadowRoom = 10;
 constexpr int widest = 420;
 constexpr int buttonGap = 8;
 constexpr std::chrono::milliseconds shortestTime(500);
-constexpr std::chrono::milliseconds usualTime(2500);
+constexpr std::chrono::milliseconds timeToRead(2500); // where others wait
+constexpr std::chrono::milliseconds timeToDecide(5000);
 constexpr std::chrono::milliseconds heldTime(500); // until it is looked again whether somebody still reads it
 } // namespace
 
@@ -55,8 +56,9 @@ void ZQNotificationBubble::showText(const QString &text, QWidget *place, bool in
         return;
     }
     m_waiting.append(message);
-    if (m_shown.actions.isEmpty() && m_timer.remainingTimeAsDuration() > usualTime) {
-        m_timer.start(usualTime); // long enough to be read
+    const auto enough = m_shown.actions.isEmpty() ? timeToRead : timeToDecide;
+    if (m_timer.remainingTimeAsDuration() > enough) {
+        m_timer.start(enough);
     }
 }
 

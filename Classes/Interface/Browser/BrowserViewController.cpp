@@ -376,8 +376,7 @@ ZQRef<ZQLibraryBaseItem> BrowserViewController::firstSelected() const
 void BrowserViewController::selectLibraryItems(const QList<ZQObjectID> &items)
 {
     const ZQIndexSet indexes = m_restoresView ? ZQIndexSet() : m_content->indexesOfLibraryItems(items);
-    const bool areMoreToCome = m_restoresView || m_refetch.isActive() || !m_window.fetcher.isIdle();
-    m_itemsToSelect = areMoreToCome ? items : QList<ZQObjectID>();
+    m_itemsToSelect = indexes.count() < items.size() ? items : QList<ZQObjectID>();
     if (!indexes.isEmpty()) {
         m_grid->setSelection(indexes);
         m_grid->scrollToIndex(indexes.first());

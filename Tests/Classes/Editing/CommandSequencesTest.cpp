@@ -122,8 +122,8 @@ void CommandSequencesTest::act()
         }
         return;
     case 4:
-        if (tag && m_rows.validateNewTitle(name, tag)) {
-            m_rows.renameListItem(tag, name);
+        if (tag) {
+            m_rows.validateNewTitle(name, tag); // which renames
         }
         return;
     case 5: {

@@ -217,9 +217,11 @@ TEST_F(ArrivalsTest, ACopyStandsBesideItsOriginalSelectedAndIsOneStep)
         return shown().size() == 6;
     }));
     EXPECT_EQ(shown(), (QStringList{before[0], before[0], before[1], before[2], before[2], before[3]}));
-    ZQIndexSet copies(1, 1);
-    copies.insert(4);
-    EXPECT_EQ(grid().selection(), copies);
+    EXPECT_TRUE(waitFor([this] {
+        settle();
+        return grid().selection().count() == 2 && grid().selection().contains(1) && grid().selection().contains(4);
+    })) << grid().selection().count()
+        << " from " << grid().selection().first() << " to " << grid().selection().last();
     undo();
     EXPECT_TRUE(waitFor([&] {
         settle();
@@ -242,8 +244,11 @@ TEST_F(ArrivalsTest, WhatGoesByUndoLeavesItsNeighbourShown)
     press(Qt::Key_Return);
     settle();
     EXPECT_EQ(browser().content().singleItem()->title(), QStringLiteral("Passing"));
-    EXPECT_EQ(window().findChild<QLabel *>(QStringLiteral("Title"))->text(), QStringLiteral("Passing"))
-        << "the head follows a renaming";
+    QStringList heads;
+    for (const auto *head : browser().findChildren<QLabel *>(QStringLiteral("Title"))) {
+        heads.append(head->isVisible() ? head->text() : QString());
+    }
+    EXPECT_TRUE(heads.contains(QStringLiteral("Passing"))) << "the head follows a renaming";
     grid().setFocus();
     undo(); // the name
     undo(); // the project

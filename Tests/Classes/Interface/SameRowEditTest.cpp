@@ -250,7 +250,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
              run(CommandID::Duplicate);
          },
          [](Corner &corner, EditContext &context) {
-             LibraryCommands(context).duplicateItems({member(corner, "two")});
+             LibraryCommands(context).duplicateItems({member(corner, "two")}, corner.from->objectID());
          }},
         {"tag by a drop",
          [=, this](Corner &corner) {
