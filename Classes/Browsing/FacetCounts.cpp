@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/KindNames.h"
 #include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/SearchSpan.h"
 #include "Classes/Browsing/StoreSearch.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -33,6 +34,43 @@ void orderByCount(QList<FacetValue> &values)
 {
     std::stable_sort(values.begin(), values.end(),
                      [](const FacetValue &a, const FacetValue &b) { return a.count > b.count; });
+}
+
+struct ImportSpan
+{
+    QString argument; // with its comparison
+    QString title;
+    bool isWider = false; // than those before it, which it holds
+    bool isOpen = false;  // without a beginning
+    qint64 from = 0;      // milliseconds
+    qint64 to = 0;        // not in it any more
+};
+
+std::vector<ImportSpan> importSpans(const QDate &today)
+{
+    constexpr int years = 4;
+    const QString month = today.toString(QStringLiteral("yyyy-MM"));
+    const QString before = QString::number(today.year() - years);
+    std::vector<ImportSpan> spans = {
+        {zqLocalized("today"), zqLocalized("today")},
+        {zqLocalized("yesterday"), zqLocalized("yesterday")},
+        {QStringLiteral("7d"), zqLocalized("last 7 days"), true},
+        {month, zqLocalized("this month"), today.day() > 7},
+        {QString::number(today.year()), zqLocalized("this year"), true},
+    };
+    for (int year = today.year() - 1; year >= today.year() - years; --year) {
+        spans.push_back({QString::number(year), QString::number(year)});
+    }
+    spans.push_back({before, zqFormat(zqLocalized("before %@"), {before}), false, true});
+    for (ImportSpan &span : spans) {
+        const auto dates = SearchSpan::forText(span.argument, today);
+        if (dates) {
+            span.from = dates->start.toMSecsSinceEpoch();
+            span.to = span.isOpen ? span.from : dates->end.toMSecsSinceEpoch() + 1;
+        }
+        span.argument.prepend(span.isOpen ? u'<' : u'=');
+    }
+    return spans;
 }
 
 IndexSizes sizesOf(const SizeClasses::Limits &limits)
@@ -270,31 +308,24 @@ QList<FacetValue> FacetCounts::sizes(const LibraryIndex::Reading &reading)
 
 QList<FacetValue> FacetCounts::dates(const LibraryIndex::Reading &reading)
 {
-    struct Span
-    {
-        QString argument; // with its comparison
-        QString title;
-        bool isWider = false; // than those before it, which it holds
-    };
-    constexpr int years = 4;
     const QDate &today = m_scope.search.today;
-    QList<Span> spans = {
-        {u'=' + zqLocalized("today"), zqLocalized("today")},
-        {u'=' + zqLocalized("yesterday"), zqLocalized("yesterday")},
-        {QStringLiteral("=7d"), zqLocalized("last 7 days"), true},
-        {u'=' + today.toString(QStringLiteral("yyyy-MM")), zqLocalized("this month"), today.day() > 7},
-        {u'=' + today.toString(QStringLiteral("yyyy")), zqLocalized("this year"), true},
-    };
-    for (int year = today.year() - 1; year >= today.year() - years; --year) {
-        spans.append({u'=' + QString::number(year), QString::number(year)});
+    const std::vector<ImportSpan> spans = importSpans(today);
+    std::vector<qint64> bounds;
+    for (const ImportSpan &span : spans) {
+        bounds.insert(bounds.end(), {span.from, span.to});
     }
-    const QString before = QString::number(today.year() - years);
-    spans.append({u'<' + before, zqFormat(zqLocalized("before %@"), {before})});
+    std::sort(bounds.begin(), bounds.end());
+    const std::vector<qint64> counts = reading.importedBetween(bounds, rowsFor(FacetKind::Imported, reading));
     QList<FacetValue> values;
     qint64 narrower = 0;
-    for (const Span &span : std::as_const(spans)) {
+    for (const ImportSpan &span : spans) {
+        qint64 count = 0;
+        for (size_t place = 0; place < counts.size(); ++place) {
+            const bool begins = span.isOpen || (place > 0 && bounds[place - 1] >= span.from);
+            const bool ends = place < bounds.size() && bounds[place] <= span.to;
+            count += begins && ends ? counts[place] : 0;
+        }
         const QString token = SearchToken::ofField(SearchField::Imported).name() + span.argument;
-        const qint64 count = countOf(token, FacetKind::Imported, reading);
         const bool saysMore = !span.isWider || count != narrower || m_read.contains(FacetKind::Imported, token);
         if (saysMore) {
             add(FacetKind::Imported, {.token = token, .title = span.title, .count = count}, values);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <numeric>
 
@@ -399,6 +400,26 @@ std::vector<IndexCount> IndexGroups::counts(IndexFacet facet, const ZQRowSet &ro
     default:
         return countSidebar(facet, rows);
     }
+}
+
+// What was imported together stands together: nearly every date is between the bounds of the one before it.
+std::vector<qint64> IndexGroups::importedBetween(const std::vector<qint64> &bounds, const ZQRowSet &rows) const
+{
+    const IndexNumbers<qint64> &dates = m_columns.items.importDate;
+    std::vector<qint64> counts(bounds.size() + 1, 0);
+    size_t place = 0;
+    qint64 from = 1; // to `from` - 1: nothing is between them
+    qint64 to = 0;
+    rows.forEach([&](size_t row) {
+        const qint64 date = dates[row];
+        if (date < from || date >= to) {
+            place = size_t(std::upper_bound(bounds.begin(), bounds.end(), date) - bounds.begin());
+            from = place > 0 ? bounds[place - 1] : std::numeric_limits<qint64>::min();
+            to = place < bounds.size() ? bounds[place] : std::numeric_limits<qint64>::max();
+        }
+        counts[place] += dates.isNull(row) ? 0 : 1;
+    });
+    return counts;
 }
 
 QStringList IndexGroups::repeatedDigests(const ZQRowSet &rows) const

@@ -12,6 +12,7 @@ public:
     std::vector<IndexGroup> group(IndexRows &rows, IndexGrouping grouping) const;
     std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows) const;
 
+    std::vector<qint64> importedBetween(const std::vector<qint64> &bounds, const ZQRowSet &rows) const;
     QStringList repeatedDigests(const ZQRowSet &rows) const;
 
     static constexpr const char *sizeNames[] = {"none", "icon", "small", "medium", "large", "vector"};

@@ -397,6 +397,12 @@ std::vector<IndexCount> LibraryIndex::Reading::counts(IndexFacet facet, const ZQ
     return IndexGroups(d->columns, sizes).counts(facet, rows);
 }
 
+std::vector<qint64> LibraryIndex::Reading::importedBetween(const std::vector<qint64> &bounds,
+                                                           const ZQRowSet &rows) const
+{
+    return IndexGroups(d->columns, {}).importedBetween(bounds, rows);
+}
+
 QStringList LibraryIndex::Reading::repeatedDigests(const ZQRowSet &rows) const
 {
     return IndexGroups(d->columns, {}).repeatedDigests(rows);

@@ -97,6 +97,9 @@ public:
         std::vector<IndexGroup> grouped(IndexRows &rows, IndexGrouping grouping, const IndexSizes &sizes) const;
         // The value of each with its count, none of 0: tags, folders and projects by key, the others in their order.
         std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows, const IndexSizes &sizes) const;
+        // How many rows were imported before the first of `bounds`, from each to the next, and from the last on.
+        // Milliseconds since 1970, ascending.
+        std::vector<qint64> importedBetween(const std::vector<qint64> &bounds, const ZQRowSet &rows) const;
         // The digests that more than one of the rows have, "0" left out.
         QStringList repeatedDigests(const ZQRowSet &rows) const;
 

@@ -242,7 +242,7 @@ void BrowserViewController::contentDidChange()
     updateHead();
     showChips();
     m_refine->setContent(m_content->tab().contentQuery(), m_content->tab().searchString());
-    if (!m_content->isLoading()) {
+    if (!m_content->isLoading() && m_content->error().isNull()) {
         m_hidden->setContent(m_content->tab().contentQuery(), m_content->count());
     }
     updateStatus();
