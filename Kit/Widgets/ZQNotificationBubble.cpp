@@ -87,6 +87,7 @@ void ZQNotificationBubble::makeButtons()
     for (const ZQNotificationAction &action : std::as_const(m_shown.actions)) {
         auto *button = new QPushButton(action.title, this);
         button->setAutoDefault(true);
+        button->setProperty("primary", m_buttons.isEmpty());
         connect(button, &QPushButton::clicked, this, [this, run = action.run] {
             end();
             run();

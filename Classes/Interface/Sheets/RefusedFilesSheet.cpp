@@ -20,6 +20,7 @@ RefusedFilesSheet::RefusedFilesSheet(QWidget *window, const QString &title, cons
     m_list->setAccessibleName(zqLocalized("Files that were not imported"));
     m_list->setMinimumHeight(220);
     m_list->setWordWrap(true);
+    m_list->setSpacing(3);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (const RefusedFile &file : files) {
         auto *row = new QListWidgetItem(QFileInfo(file.path).fileName() + u'\n' + file.reason, m_list);
