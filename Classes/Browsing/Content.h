@@ -23,9 +23,9 @@ struct ContentQuery
     ZQSortValue sortValue = ZQSortValue::Manual;
     bool isAscending = false;
     BrowserDisplayStyle displayStyle = BrowserDisplayStyle::BySidebarItem;
+    bool editsSearch = false; // of the one smart folder that is shown: `filter` stands in the place of its text
     // Only so many rows, where the store has the first ones at once; 0 for all.
     int firstRows = 0;
-    bool editsSearch = false; // of the one smart folder that is shown: `filter` stands in the place of its text
 
     // Projects have an order of their own, and several sidebar items none. A list that is not by sidebar item has
     // neither: it goes by modification date then, the oldest first. Whether that changed anything.

@@ -113,7 +113,8 @@ void ZQIcon::paint(QPainter &painter, const QRectF &rect, const QString &name, c
 QIcon ZQIcon::application()
 {
     ZQTheme::current();
-    QSvgRenderer renderer(QStringLiteral(":/zelto/application.svg"));
+    QFile file(QStringLiteral(":/zelto/application.svg"));
+    QSvgRenderer renderer(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
     QIcon icon;
     for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
         QPixmap pixmap(side, side);

@@ -64,13 +64,17 @@ TEST_F(LibraryItem, IsFoundByDigestAmongMoreThanOneStatementTakes)
 
 TEST_F(LibraryItem, AreReadTogetherAndWithoutThoseThatHaveNoRow)
 {
-    QList<ZQObjectID> ids;
+    QList<ZQRef<ZQLibraryImage>> images;
     for (const char *title : {"first", "gone", "last"}) {
-        ids.append(library.addImage(QLatin1StringView(title))->objectID());
+        images.append(library.addImage(QLatin1StringView(title)));
+    }
+    ASSERT_TRUE(context.save());
+    QList<ZQObjectID> ids;
+    for (const auto &image : images) {
+        ids.append(image->objectID());
     }
     ZQManagedObjectContext other(library.coordinator());
-    const auto gone = zqCast<ZQLibraryBaseItem>(context.objectWithID(ids[1]));
-    context.deleteObject(gone.get());
+    context.deleteObject(images[1].get());
     ASSERT_TRUE(context.save());
     QStringList titles;
     for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(ids, other)) {

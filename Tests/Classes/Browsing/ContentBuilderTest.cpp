@@ -117,7 +117,8 @@ TEST_F(ContentBuilderTest, TheFirstRowsComeAloneWhereTheStoreHasThemAtOnce)
     }
     library.context().save();
     const auto of = [this](const Item &item, ZQSortValue sort, int firstRows, BrowserDisplayStyle style) {
-        const ContentQuery query{{item->objectID()}, {}, sort, false, style, firstRows};
+        ContentQuery query{{item->objectID()}, {}, sort, false, style};
+        query.firstRows = firstRows;
         ZQManagedObjectContext context(library.coordinator());
         return *ContentBuilder(query, context).content([] { return true; });
     };

@@ -10,7 +10,6 @@
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
-#include <QSignalSpy>
 
 namespace {
 
@@ -40,7 +39,7 @@ protected:
     {
         return SidebarCommands(editing).addSmartFolder(text, QStringLiteral("Smart"), in);
     }
-    void waitForIndex() { ASSERT_TRUE(index.isReady() || QSignalSpy(&index, &LibraryIndex::ready).wait(20000)); }
+    void waitForIndex() { ASSERT_TRUE(index.waitUntilCurrent()); }
     // The titles in order, as a context of its own reads them.
     std::string shown(const ContentQuery &query, LibraryIndex *from)
     {

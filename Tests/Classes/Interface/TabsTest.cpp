@@ -207,7 +207,7 @@ TEST_F(TabsTest, TheInfoPanelIsOpenWhereItWasLeftOpen)
 TEST_F(TabsTest, ManyTabsAreInAMenu)
 {
     window().resize(900, 600);
-    auto *all = strip().findChild<QToolButton *>();
+    auto *all = named<QToolButton>("All Tabs");
     EXPECT_FALSE(all->isVisible());
     for (int i = 0; i < 13; ++i) {
         press(Qt::Key_T, Qt::ControlModifier);
