@@ -76,7 +76,7 @@ bool orderBehindOriginals(EditRun &run, const ZQObjectID &project,
 
 } // namespace
 
-bool zqPutBesideOriginals(EditRun &run, const ZQObjectID &project, const QList<CopyOfItem> &copies)
+bool zqPutBesideOriginals(EditRun &run, const ZQObjectID &project, const QList<CopyOfItem> &copies, bool areMembers)
 {
     const auto into =
         project.isNull() ? ZQRef<ZQSidebarBaseItem>() : zqCast<ZQSidebarBaseItem>(run.context().objectWithID(project));
@@ -89,7 +89,7 @@ bool zqPutBesideOriginals(EditRun &run, const ZQObjectID &project, const QList<C
         return true;
     }
     // Orders are given to memberships that the store has.
-    if (!error.isNull() || !into->addItems(members.values(), {}, &error) || !run.save() ||
+    if (!error.isNull() || !(areMembers || into->addItems(members.values(), {}, &error)) || !run.save() ||
         !orderBehindOriginals(run, project, members, &error)) {
         if (!error.isNull()) {
             run.presentError(error);

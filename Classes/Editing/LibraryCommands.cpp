@@ -463,14 +463,17 @@ void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items, const ZQObj
     if (items.isEmpty()) {
         return;
     }
+    const auto pairs = std::make_shared<QList<CopyOfItem>>();
     const auto copies = std::make_shared<IDs>(); // all that were made; of one thread at a time
     const auto gone = std::make_shared<IDs>();   // those of them that were taken back
-    const EditPass make{[items, copies, gone, inSidebarItem, didMake](EditRun &run) {
-                            if (!copies->isEmpty()) {
-                                return restoration(gone).apply(run);
+    const EditPass make{[items, pairs, copies, gone, inSidebarItem, didMake](EditRun &run) {
+                            if (!copies->isEmpty()) { // meanwhile the others may have been numbered anew
+                                return restoration(gone).apply(run) &&
+                                       zqPutBesideOriginals(run, inSidebarItem, *pairs, true);
                             }
                             const QList<CopyOfItem> made = copyItems(run, items);
                             zqPutBesideOriginals(run, inSidebarItem, made);
+                            *pairs = made;
                             for (const CopyOfItem &each : made) {
                                 copies->append(each.copy);
                             }
