@@ -410,16 +410,20 @@ void InfoPanelViewController::showTags(const SelectionSummary &summary)
 
 void InfoPanelViewController::showColors(const ZQLibraryBaseItem &item)
 {
-    auto *row = static_cast<QHBoxLayout *>(m_colors->layout());
-    while (QLayoutItem *old = row->takeAt(0)) {
-        delete old->widget();
-        delete old;
-    }
     QList<int> codes = {item.mainColor()};
     for (const auto &tag : item.tags()) {
         if (tag->active() && !ZQSidebarTag::colorNameForValue(tag->kind()).isEmpty() && !codes.contains(tag->kind())) {
             codes.append(tag->kind());
         }
+    }
+    if (codes == m_shownColors) { // one of them may have the focus
+        return;
+    }
+    m_shownColors = codes;
+    auto *row = static_cast<QHBoxLayout *>(m_colors->layout());
+    while (QLayoutItem *old = row->takeAt(0)) {
+        delete old->widget();
+        delete old;
     }
     for (const int code : codes) {
         const QString name = ZQSidebarTag::colorNameForValue(code);

@@ -73,6 +73,7 @@ private:
     RatingField *m_rating;
     QWidget *m_colorBox;
     QWidget *m_colors;
+    QList<int> m_shownColors; // their codes
     TagField *m_tags;
     QPlainTextEdit *m_notes;
     QGridLayout *m_rows;

@@ -488,6 +488,8 @@ TEST_F(InfoPanelTest, ASwatchSearchesItsColour)
     swatch->setFocus();
     press(Qt::Key_Space);
     settle();
+    ASSERT_EQ(panel->findChild<ColorSwatch *>(), swatch) << "it stays where nothing else is to be shown";
+    EXPECT_EQ(QApplication::focusWidget(), swatch);
     EXPECT_EQ(browser().content().filter(), QStringLiteral("#color ") + swatch->accessibleName());
     EXPECT_EQ(window().findChild<QLineEdit *>(QStringLiteral("Search"))->text(), browser().content().filter());
     EXPECT_TRUE(shown().contains(red));
