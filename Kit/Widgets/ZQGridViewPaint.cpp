@@ -32,9 +32,10 @@ QString withDot(const QString &extension)
 void ZQGridView::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(viewport());
+    // At a fraction of a scale the last pixels belong to it in part, and nobody else paints them.
+    painter.fillRect(viewport()->rect().adjusted(-1, -1, 1, 1), zqColor(ZQColorRole::Ground));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.fillRect(viewport()->rect(), zqColor(ZQColorRole::Ground));
     if (!m_source || m_layout.count() == 0) {
         painter.setPen(zqColor(ZQColorRole::TextMuted));
         painter.setFont(ZQTheme::current().font());

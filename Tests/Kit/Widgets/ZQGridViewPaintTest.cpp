@@ -105,6 +105,26 @@ TEST_F(ZQGridViewTest, PicturesAreDrawnInTheirShapeWithinTheCell)
     EXPECT_EQ(draw({1, 2000}, false, {1, 2000}, Qt::red).height(), height);
 }
 
+TEST_F(ZQGridViewTest, NothingOfWhatWasThereIsLeftAtAFractionOfAScale)
+{
+    constexpr double scale = 1.5;
+    Numbers numbers(4);
+    show(numbers);
+    view.resize(933, 701);
+    QWidget *viewport = view.viewport();
+    QImage drawn((QSizeF(viewport->size()) * scale).toSize(), QImage::Format_RGB32);
+    drawn.setDevicePixelRatio(scale);
+    drawn.fill(Qt::magenta);
+    viewport->render(&drawn, {}, {}, QWidget::DrawChildren);
+    const QColor ground = zqColor(ZQColorRole::Ground);
+    for (int y = 0; y < drawn.height(); y += 7) {
+        ASSERT_EQ(drawn.pixelColor(drawn.width() - 1, y), ground) << y;
+    }
+    for (int x = 0; x < drawn.width(); x += 7) {
+        ASSERT_EQ(drawn.pixelColor(x, drawn.height() - 1), ground) << x;
+    }
+}
+
 TEST_F(ZQGridViewTest, HeadsSayTheirGroupAndAreFoldedByPointerAndKey)
 {
     Numbers numbers(30, {{QStringLiteral("One"), 12}, {QStringLiteral("Two"), 18}});
