@@ -23,7 +23,8 @@ QHash<qint64, ZQRef<ZQLibraryBaseItem>> copiesOfMembers(EditRun &run, const ZQSi
     QHash<qint64, ZQRef<ZQLibraryBaseItem>> result;
     for (const auto &membership : memberships.value_or(QList<ZQRef<ZQProjectItem>>())) {
         const qint64 key = membership->itemKey();
-        if (auto copy = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(copyOf.value(key)))) {
+        const auto copy = zqCast<ZQLibraryBaseItem>(run.context().objectWithID(copyOf.value(key)));
+        if (copy && copy->active()) {
             result.insert(key, copy);
         }
     }
@@ -74,13 +75,18 @@ bool orderBehindOriginals(EditRun &run, const ZQObjectID &project,
     return true;
 }
 
+ZQRef<ZQSidebarBaseItem> orderedProject(EditRun &run, const ZQObjectID &id)
+{
+    auto project = id.isNull() ? ZQRef<ZQSidebarBaseItem>() : zqCast<ZQSidebarBaseItem>(run.context().objectWithID(id));
+    return project && project->hasOrderedMembers() ? project : ZQRef<ZQSidebarBaseItem>();
+}
+
 } // namespace
 
-bool zqPutBesideOriginals(EditRun &run, const ZQObjectID &project, const QList<CopyOfItem> &copies, bool areMembers)
+bool zqPutBesideOriginals(EditRun &run, const ZQObjectID &project, const QList<CopyOfItem> &copies)
 {
-    const auto into =
-        project.isNull() ? ZQRef<ZQSidebarBaseItem>() : zqCast<ZQSidebarBaseItem>(run.context().objectWithID(project));
-    if (!into || !into->hasOrderedMembers() || copies.isEmpty()) {
+    const auto into = orderedProject(run, project);
+    if (!into || copies.isEmpty()) {
         return true;
     }
     ZQError error;
@@ -89,12 +95,22 @@ bool zqPutBesideOriginals(EditRun &run, const ZQObjectID &project, const QList<C
         return true;
     }
     // Orders are given to memberships that the store has.
-    if (!error.isNull() || !(areMembers || into->addItems(members.values(), {}, &error)) || !run.save() ||
+    if (!error.isNull() || !into->addItems(members.values(), {}, &error) || !run.save() ||
         !orderBehindOriginals(run, project, members, &error)) {
         if (!error.isNull()) {
             run.presentError(error);
         }
         return false;
     }
+    return run.save();
+}
+
+bool zqTakeFromOriginals(EditRun &run, const ZQObjectID &project, const QList<ZQObjectID> &copies)
+{
+    const auto from = orderedProject(run, project);
+    if (!from || copies.isEmpty()) {
+        return true;
+    }
+    from->removeItems(ZQLibraryBaseItem::itemsWithIDs(copies, run.context()));
     return run.save();
 }

@@ -342,6 +342,15 @@ qint64 weightOf(const IDs &items, EditContext &edits)
     return std::max<qint64>(items.size(), bytes / bytesPerRow);
 }
 
+IDs idsOf(const QList<CopyOfItem> &copies)
+{
+    IDs ids;
+    for (const CopyOfItem &each : copies) {
+        ids.append(each.copy);
+    }
+    return ids;
+}
+
 // What was copied for a batch that could not be saved is left over: the next launch sees to it.
 QList<CopyOfItem> copyItems(EditRun &run, const IDs &items)
 {
@@ -463,27 +472,26 @@ void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items, const ZQObj
     if (items.isEmpty()) {
         return;
     }
-    const auto pairs = std::make_shared<QList<CopyOfItem>>();
-    const auto copies = std::make_shared<IDs>(); // all that were made; of one thread at a time
-    const auto gone = std::make_shared<IDs>();   // those of them that were taken back
-    const EditPass make{[items, pairs, copies, gone, inSidebarItem, didMake](EditRun &run) {
-                            if (!copies->isEmpty()) { // meanwhile the others may have been numbered anew
-                                return restoration(gone).apply(run) &&
-                                       zqPutBesideOriginals(run, inSidebarItem, *pairs, true);
+    const auto copies = std::make_shared<QList<CopyOfItem>>(); // all that were made; of one thread at a time
+    const auto gone = std::make_shared<IDs>();                 // those of them that were taken back
+    const EditPass make{[items, copies, gone, inSidebarItem, didMake](EditRun &run) {
+                            const bool isFirst = copies->isEmpty();
+                            if (isFirst) {
+                                *copies = copyItems(run, items);
                             }
-                            const QList<CopyOfItem> made = copyItems(run, items);
-                            zqPutBesideOriginals(run, inSidebarItem, made);
-                            *pairs = made;
-                            for (const CopyOfItem &each : made) {
-                                copies->append(each.copy);
+                            const bool isDone = isFirst ? !copies->isEmpty() : restoration(gone).apply(run);
+                            zqPutBesideOriginals(run, inSidebarItem, *copies);
+                            if (isFirst && isDone && didMake) {
+                                zqOnMainThread([didMake, made = idsOf(*copies)] { didMake(made); });
                             }
-                            if (didMake && !made.isEmpty()) {
-                                zqOnMainThread([didMake, known = *copies] { didMake(known); });
-                            }
-                            return !made.isEmpty();
+                            return isDone;
                         },
                         zqLocalized("Duplicating items…")};
-    const EditPass takeBack{[copies, gone](EditRun &run) { return deletion(*copies, gone).apply(run); },
+    const EditPass takeBack{[copies, gone, inSidebarItem](EditRun &run) {
+                                const bool isDone = deletion(idsOf(*copies), gone).apply(run);
+                                zqTakeFromOriginals(run, inSidebarItem, *gone);
+                                return isDone;
+                            },
                             zqLocalized("Deleting items…")};
     // Files are copied, however few: never at once.
     zqPushEdit(m_edits, zqLocalized("duplicate items"), {weightOf(items, m_edits), 0, filesPerBatch}, make, takeBack);
