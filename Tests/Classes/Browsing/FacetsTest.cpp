@@ -332,7 +332,7 @@ TEST(FacetTextTest, TheWordOfAKindFindsTheKindAndNoOther)
         << "JPEG 2000 is another";
     EXPECT_EQ(KindNames::wordOfExtension(QStringLiteral("jpeg")), QStringLiteral("jpeg image"));
     EXPECT_EQ(KindNames::wordOfExtension(QStringLiteral("zz")), QStringLiteral("zz"));
-    EXPECT_EQ(KindNames::wordOfExtension(QStringLiteral("abr")), QStringLiteral("abr"))
+    EXPECT_EQ(KindNames::wordOfExtension(QStringLiteral("abr")), QStringLiteral("photoshop brush"))
         << "a Photoshop picture is another";
     for (const char *extension : {"png", "svg", "psd", "pdf", "gif", "tiff", "otf", "webp"}) {
         const QString word = KindNames::wordOfExtension(QLatin1StringView(extension));
