@@ -61,6 +61,23 @@ private:
     int m_code;
 };
 
+// Something stands in its item directory where the picture of the document belongs.
+class ObstructedImport : public BaseImportOperation
+{
+public:
+    using BaseImportOperation::BaseImportOperation;
+
+protected:
+    QString itemClass() const override { return QStringLiteral("ZQLibraryEPS"); }
+    void createRepresentationBitmap() override
+    {
+        QFileInfo(filePath()).dir().mkpath(ZQLibraryBaseItem::representationBitmapName + QStringLiteral("/inside"));
+        QImage image(8, 8, QImage::Format_RGBA8888);
+        image.fill(Qt::red);
+        writeRepresentationBitmap(ZQBitmap(image), "EPS %@ is not a valid image", {});
+    }
+};
+
 } // namespace
 
 TEST_F(DocumentKindsTest, ASnapGivesItsPictureWithTagsAndAddress)
@@ -219,6 +236,22 @@ TEST_F(DocumentKindsTest, AnErrorIsSaidInWordsAndAFullDiskEndsTheWholeImport)
         EXPECT_EQ(listener.refused, said == full ? full : QString());
         EXPECT_EQ(listener.finished, 1);
     }
+}
+
+TEST_F(DocumentKindsTest, ADocumentWhosePictureCannotBeKeptIsNoItem)
+{
+    const QString file = writeImage(QStringLiteral("drawing.png"), {28, 18});
+    Listener listener;
+    ImportedFile made;
+    const auto operation = std::make_shared<ObstructedImport>(file);
+    operation->setImportData(&made);
+    operation->setFatherOperation(&listener);
+    operation->start();
+    EXPECT_TRUE(made.fileData.isEmpty());
+    ASSERT_EQ(listener.dropped.size(), 1);
+    EXPECT_EQ(listener.dropped.first().path, file);
+    EXPECT_FALSE(listener.dropped.first().reason.isEmpty());
+    EXPECT_TRUE(QFile::exists(file));
 }
 
 TEST_F(DocumentKindsTest, AnEPSFileThatIsNonePleadsItsReasonAndLeavesNothing)
