@@ -166,11 +166,11 @@ void ZQFileFinder::remember(const QByteArray &data, const Known &known)
     }
 }
 
-bool ZQFileFinder::didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder)
+void ZQFileFinder::didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder)
 {
     const auto found = zqLookAtFile(path);
-    if (!found || found->isFolder != wanted.reference.isFolder) {
-        return false;
+    if (!found) {
+        return; // gone since
     }
     Known known{.until = {},
                 .path = path,
@@ -181,7 +181,6 @@ bool ZQFileFinder::didFind(const Wanted &wanted, const QByteArray &path, const S
     known.identity.fileSystem = known.identity.birth == 0 ? zqFileSystemOf(path) : 0;
     remember(wanted.data, known);
     tell(wanted.data, path, wanted.moved);
-    return true;
 }
 
 void ZQFileFinder::tell(const QByteArray &data, const QByteArray &path, const Moved &moved)

@@ -84,7 +84,7 @@ private:
     void waitUntilLookedFor(const QByteArray &data);
     void didLookAround(const QByteArray &data) ZQ_REQUIRES(m_mutex);
     void tell(const QByteArray &data, const QByteArray &path, const Moved &moved);
-    bool didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder);
+    void didFind(const Wanted &wanted, const QByteArray &path, const Stamp &folder);
     // Those of them that are not in `folder`, where all of them were.
     QList<Wanted> findInFolder(const QByteArray &folder, const QList<Wanted> &wanted);
     void findAround(const QList<Wanted> &wanted, std::atomic<qint64> &looked);

@@ -34,18 +34,13 @@ std::optional<struct stat> statusOf(const QString &path)
 }
 
 // The status of the nearest folder on the way to `path` that is there.
-std::optional<struct stat> nearestStatus(QString path)
+struct stat nearestStatus(QString path)
 {
-    for (;;) {
-        struct stat status = {};
-        if (stat(QFile::encodeName(path).constData(), &status) == 0) {
-            return status;
-        }
-        if (path == u"/") {
-            return std::nullopt;
-        }
+    struct stat status = {};
+    while (stat(QFile::encodeName(path).constData(), &status) != 0 && path != u"/") {
         path = QDir::cleanPath(path + QStringLiteral("/.."));
     }
+    return status;
 }
 
 QString mountPointOf(const QString &path, dev_t device)
@@ -76,8 +71,7 @@ Trash trashAt(const QString &top)
 Trash trashFor(const QString &path, dev_t device)
 {
     const QString home = ZQPaths::dataHome() + QStringLiteral("/Trash");
-    const auto homeStatus = nearestStatus(home);
-    if (homeStatus && homeStatus->st_dev == device) {
+    if (nearestStatus(home).st_dev == device) {
         return {home, {}};
     }
     return trashAt(mountPointOf(path, device));

@@ -28,19 +28,16 @@ const QString recoverMark = QStringLiteral("recover");
 QString processMark(qint64 pid)
 {
     QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    const QByteArray stat = file.readAll();
+    const QByteArray stat = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     // The name in parentheses may hold blanks; the start time is the 20th field after it.
     const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
     return fields.size() > 19 ? QStringLiteral("%1:%2").arg(pid).arg(QString::fromLatin1(fields.at(19))) : QString();
 }
 
+// `mark` is not empty.
 bool isRunning(const QString &mark)
 {
-    const qint64 pid = mark.section(u':', 0, 0).toLongLong();
-    return pid > 0 && processMark(pid) == mark;
+    return processMark(mark.section(u':', 0, 0).toLongLong()) == mark;
 }
 
 // When a file appeared at its place; now where the file system does not keep that.
@@ -239,9 +236,10 @@ void ZQPersistentStoreCoordinator::markInUse(ZQSQLiteConnection &connection)
     const bool isKept =
         (noted && noted->toString() == suspicion) || zqWriteMetadata(connection, zqSuspicionKey, suspicion);
     m_isMarked = isKept && zqWriteMetadata(connection, inUseKey, own);
-    if (!m_isMarked) {
-        qCInfo(zqLogStore, "opened for reading: %s", qUtf8Printable(connection.error().localizedDescription()));
+    if (m_isMarked) {
+        return;
     }
+    qCInfo(zqLogStore, "opened for reading: %s", qUtf8Printable(connection.error().localizedDescription()));
 }
 
 ZQPersistentStoreCoordinator::~ZQPersistentStoreCoordinator()

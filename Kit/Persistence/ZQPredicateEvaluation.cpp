@@ -100,7 +100,7 @@ bool Subject::visit(const QStringList &keys, const Visit &visit) const
 bool endsBeforeToMany(const ZQManagedObject *object, const QStringList &keys)
 {
     ZQRef<ZQManagedObject> held;
-    for (qsizetype i = 0; object && i < keys.size() && leadsToMany(object->entity(), keys, i); ++i) {
+    for (qsizetype i = 0; object && leadsToMany(object->entity(), keys, i); ++i) {
         if (object->entity()->relationship(keys[i])->toMany) {
             return false;
         }

@@ -113,12 +113,10 @@ ZQRef<ZQSidebarTag> ZQSidebarTag::tagForColor(int color, ZQManagedObjectContext 
 
 int ZQSidebarTag::colorValueForName(const QString &name)
 {
-    for (size_t position = 0; position < colorNames.size(); ++position) {
-        if (name == QLatin1String(colorNames[position]) || name == zqLocalized(colorNames[position])) {
-            return firstColor + int(position);
-        }
-    }
-    return -1;
+    const auto found = std::find_if(colorNames.begin(), colorNames.end(), [&name](const char *color) {
+        return name == QLatin1String(color) || name == zqLocalized(color);
+    });
+    return found == colorNames.end() ? -1 : firstColor + int(found - colorNames.begin());
 }
 
 QString ZQSidebarTag::colorNameForValue(int value)

@@ -168,6 +168,8 @@ TEST_F(LibraryItem, TakesTagsAndCommentFromItsFileAndGivesThemBack)
     EXPECT_EQ(item->itemTags().size(), 2);
     EXPECT_EQ(item->notes(), QStringLiteral("note"));
     EXPECT_EQ(item->rating(), 4);
+    EXPECT_TRUE(item->modification_date().isValid());
+    EXPECT_EQ(item->attributes_modification_date(), item->modification_date()) << "what is known of the file is as new";
     EXPECT_FALSE(item->readOpenMetaFromDisk());
 
     item->writeOpenMetaToDisk();

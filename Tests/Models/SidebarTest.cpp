@@ -515,6 +515,7 @@ TEST_F(Sidebar, KindsSayWhatTheyAre)
         EXPECT_FALSE(list->containsItem(item.get()) || list->containsItem(nullptr));
         EXPECT_TRUE(list->addItem(item.get()));
         EXPECT_TRUE(item->active() && list->containsItem(item.get()));
+        EXPECT_FALSE(list->addItem(item.get())) << "it is there";
         item->setActive(false);
         EXPECT_TRUE(list->addItems({item}));
         EXPECT_TRUE(item->active());

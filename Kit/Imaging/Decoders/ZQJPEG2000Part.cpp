@@ -88,7 +88,7 @@ OPJ_UINT32 halvings(opj_codec_t *codec, QSize size, const ZQDecodeRequest &reque
     const QSize fitted = zqFittedSize(size, request);
     const OPJ_UINT32 levels = information->m_default_tile_info.tccp_info[0].numresolutions;
     OPJ_UINT32 count = 0;
-    while (count + 1 < levels && count < 30 && size.width() >> (count + 1) >= fitted.width() &&
+    while (count + 1 < levels && size.width() >> (count + 1) >= fitted.width() &&
            size.height() >> (count + 1) >= fitted.height()) {
         ++count;
     }

@@ -88,10 +88,15 @@ std::unique_ptr<RawFile> openPadded(const ZQSourceFile &source, qint64 dataOffse
 
 std::optional<ZQImageProperties> rawProperties(const ZQSourceFile &source, ZQError *error)
 {
-    const std::unique_ptr<RawFile> raw = openRaw(source, error);
+    ZQError failure;
+    const std::unique_ptr<RawFile> raw = openRaw(source, &failure);
     if (!raw) {
         // Some of these extensions also name plain TIFF files.
-        return zqVipsDecoder.properties(source, nullptr);
+        const auto plain = zqVipsDecoder.properties(source, nullptr);
+        if (!plain) {
+            zqSetError(error, failure);
+        }
+        return plain;
     }
     ZQImageProperties out;
     out.pixelWidth = raw->library.imgdata.sizes.width;

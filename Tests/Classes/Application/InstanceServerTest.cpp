@@ -275,8 +275,13 @@ TEST_F(SessionBus, TheDesktopOpensFilesAndShowsTheLibrary)
     }
     QList<QStringList> opened;
     InstanceServer server(world.filePath(QStringLiteral("socket")), {});
-    ASSERT_TRUE(server.registerOnSessionBus([&opened](const QStringList &paths) { opened.append(paths); }));
+    const auto open = [&opened](const QStringList &paths) { opened.append(paths); };
     QDBusConnection peer = QDBusConnection::connectToBus(address, QStringLiteral("peer"));
+    ASSERT_TRUE(peer.registerService(QStringLiteral("org.zelto.Zelto")));
+    EXPECT_FALSE(server.registerOnSessionBus(open)) << "the name is another's";
+    ASSERT_TRUE(peer.unregisterService(QStringLiteral("org.zelto.Zelto")));
+    ASSERT_TRUE(server.registerOnSessionBus(open));
+    EXPECT_FALSE(server.registerOnSessionBus([](const QStringList &) {})) << "it is asked already";
     const auto call = [&peer](const char *method, const QVariantList &arguments) {
         QDBusMessage message =
             QDBusMessage::createMethodCall(QStringLiteral("org.zelto.Zelto"), QStringLiteral("/org/zelto/Zelto"),

@@ -55,7 +55,12 @@ TEST_F(LibraryMoves, AChosenLibraryIsRememberedAndTheApplicationQuits)
     EXPECT_TRUE(tamberin_AppDelegate::loadLibraryURL().isEmpty());
 
     user.filesToOpen = {other};
+    user.answerQuestion = [this](const UserQuestion &) {
+        EXPECT_EQ(window.savedState, 0) << "it is said before it quits";
+        return 0;
+    };
     delegate->openZeltoLibrary();
+    user.answerQuestion = {};
     EXPECT_EQ(tamberin_AppDelegate::loadLibraryURL(), other);
     EXPECT_EQ(messages(), QStringList{goodbye});
     EXPECT_EQ(user.questions.first().buttons, QStringList{QStringLiteral("Quit")});

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/FileSizeLimit.h"
 
 #include <QFile>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 inline QString written(const QString &path, const QByteArray &content)
@@ -44,24 +43,7 @@ inline bool isWhole(const QString &library, int count)
 // As on a full disk: nothing more can be written to any file while it lives.
 class FullDisk
 {
-public:
-    FullDisk() : m_ignored(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_before), 0);
-        const struct rlimit none = {0, m_before.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &none), 0);
-    }
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_ignored);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    void (*m_ignored)(int);
-    struct rlimit m_before = {};
+    FileSizeLimit m_limit{0};
 };
 
 // Another file system than that of the tests' world.

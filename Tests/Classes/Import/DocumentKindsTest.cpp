@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QImage>
 
+#include <cerrno>
 #include <unistd.h>
 
 namespace {
@@ -38,11 +39,43 @@ public:
     void fileDidDrop(const DroppedFile &file) override { dropped.append(file); }
     void fileDidFinish() override { ++finished; }
     QString refusal() const override { return {}; }
-    void setRefusal(const QString &) override {}
+    void setRefusal(const QString &reason) override { refused = reason; }
     void archiveDidUnfold(const UnfoldedArchive &) override {}
 
     QList<DroppedFile> dropped;
+    QString refused; // why no further file is to be tried
     int finished = 0;
+};
+
+// Meets an error when it puts the picture of the document into its item directory.
+class FailingImport : public BaseImportOperation
+{
+public:
+    FailingImport(const QString &file, int code) : BaseImportOperation(file), m_code(code) {}
+
+protected:
+    QString itemClass() const override { return QStringLiteral("ZQLibraryEPS"); }
+    void createRepresentationBitmap() override { dropForError(ZQError::posix(m_code, filePath())); }
+
+private:
+    int m_code;
+};
+
+// Something stands in its item directory where the picture of the document belongs.
+class ObstructedImport : public BaseImportOperation
+{
+public:
+    using BaseImportOperation::BaseImportOperation;
+
+protected:
+    QString itemClass() const override { return QStringLiteral("ZQLibraryEPS"); }
+    void createRepresentationBitmap() override
+    {
+        QFileInfo(filePath()).dir().mkpath(ZQLibraryBaseItem::representationBitmapName + QStringLiteral("/inside"));
+        QImage image(8, 8, QImage::Format_RGBA8888);
+        image.fill(Qt::red);
+        writeRepresentationBitmap(ZQBitmap(image), "EPS %@ is not a valid image", {});
+    }
 };
 
 } // namespace
@@ -174,6 +207,51 @@ TEST_F(DocumentKindsTest, AnEPSFileIsRefusedThoughItsImporterDrawsItAtItsBoundin
         EXPECT_FALSE(thumb.isNull());
         EXPECT_EQ(listener.finished, 1);
     }
+}
+
+TEST_F(DocumentKindsTest, AnErrorIsSaidInWordsAndAFullDiskEndsTheWholeImport)
+{
+    const QString full = QStringLiteral("The disk is full. Free some space and import it again.");
+    const QString locked =
+        QStringLiteral("You have no permission to read it. Change its permissions and import it again.");
+    const std::pair<int, QString> cases[] = {
+        {ENOSPC, full},
+        {EDQUOT, full},
+        {EACCES, locked},
+        {EPERM, locked},
+        {ENOENT, QStringLiteral("It is not there any more. Look where it went and import it from there.")},
+        {EIO, QStringLiteral("Its disk cannot read it. Check the disk, or import it from a copy.")},
+    };
+    for (const auto &[code, said] : cases) {
+        SCOPED_TRACE(code);
+        Listener listener;
+        ImportedFile made;
+        const auto operation = std::make_shared<FailingImport>(writeFile(QStringLiteral("a.eps"), "drawing"), code);
+        operation->setImportData(&made);
+        operation->setFatherOperation(&listener);
+        operation->start();
+        EXPECT_TRUE(made.fileData.isEmpty() && itemDirectories().isEmpty());
+        ASSERT_EQ(listener.dropped.size(), 1);
+        EXPECT_EQ(listener.dropped.first().reason, said);
+        EXPECT_EQ(listener.refused, said == full ? full : QString());
+        EXPECT_EQ(listener.finished, 1);
+    }
+}
+
+TEST_F(DocumentKindsTest, ADocumentWhosePictureCannotBeKeptIsNoItem)
+{
+    const QString file = writeImage(QStringLiteral("drawing.png"), {28, 18});
+    Listener listener;
+    ImportedFile made;
+    const auto operation = std::make_shared<ObstructedImport>(file);
+    operation->setImportData(&made);
+    operation->setFatherOperation(&listener);
+    operation->start();
+    EXPECT_TRUE(made.fileData.isEmpty());
+    ASSERT_EQ(listener.dropped.size(), 1);
+    EXPECT_EQ(listener.dropped.first().path, file);
+    EXPECT_FALSE(listener.dropped.first().reason.isEmpty());
+    EXPECT_TRUE(QFile::exists(file));
 }
 
 TEST_F(DocumentKindsTest, AnEPSFileThatIsNonePleadsItsReasonAndLeavesNothing)

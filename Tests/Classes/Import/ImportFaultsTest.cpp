@@ -12,6 +12,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 #include "Tests/Support/DamagedStore.h"
+#include "Tests/Support/FileSizeLimit.h"
 #include "Tools/samples/SampleArchives.h"
 #include "Tools/samples/SampleFormats.h"
 #include "Tools/samples/SampleRaw.h"
@@ -24,7 +25,9 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <cstring>
 #include <fcntl.h>
+#include <optional>
 
 namespace {
 
@@ -236,6 +239,24 @@ TEST_F(ImportFaults, AnArchiveSaysWhatIsWrongWithItAndHowMuchOfItIsLeftOut)
     zip(QStringLiteral("in/Set.zip"), {{"a.png", picture(23)}, {"../x.png", picture(22)}, {"../y.png", picture(22)}});
     EXPECT_TRUE(reasonOf(*import({archive}), archive)
                     .startsWith(QStringLiteral("2 of its entries were left out, the first is “../x.png”: ")));
+}
+
+TEST_F(ImportFaults, AFileThatCannotBeCopiedWholeSaysWhyAndLeavesNothing)
+{
+    const QString source = writeFile(QStringLiteral("in/a.png"), picture(21) + QByteArray(12 << 20, 'x'));
+    std::optional<FileSizeLimit> limit;
+    user.onBeginProgress = [&limit](const std::function<void()> &) {
+        if (!limit) {
+            limit.emplace(8 << 20);
+        }
+    };
+    const auto operation = import({source});
+    limit.reset();
+    user.onBeginProgress = {};
+    EXPECT_TRUE(reasonOf(*operation, source).contains(QString::fromLocal8Bit(std::strerror(EFBIG))))
+        << reasonOf(*operation, source).toStdString();
+    EXPECT_TRUE(items().isEmpty() && itemDirectories().isEmpty());
+    EXPECT_TRUE(QFile::exists(source));
 }
 
 TEST_F(ImportFaults, EveryKindBecomesAnItemOfItsOwn)

@@ -133,6 +133,13 @@ TEST(ColorFinder, NamesThePicture)
     EXPECT_EQ(ColorFinder::colorsForBitmap(ZQBitmap(halves)),
               QStringList({QStringLiteral("red"), QStringLiteral("blue")}));
     EXPECT_EQ(ColorFinder::colorsForImageURL(QStringLiteral("/no/such/file.png")), QStringList());
+    // Of two that cover as much the one that is met later: here red is met first, though blue comes up twice before it.
+    constexpr int side = 24;
+    QImage even = filled(Qt::red, {side, side}).image();
+    for (int i = 1; i <= side * side / 2; ++i) {
+        even.setPixelColor(i % side, i / side, Qt::blue);
+    }
+    EXPECT_EQ(ColorFinder::colorsForBitmap(ZQBitmap(even)), QStringList(QStringLiteral("blue")));
 }
 
 TEST(ColorFinder, CountsASmoothAndASharpSample)

@@ -1,3 +1,4 @@
+#include "Classes/Tags/TagBackupQueue.h"
 #include "Tests/Classes/Tags/TagsFixture.h"
 #include "Tests/Support/Skip.h"
 
@@ -207,6 +208,25 @@ TEST_F(OpenMetaBackupTest, WhileAnotherProcessHoldsTheListsNothingIsLost)
     other.unlock();
     OpenMetaBackup::waitUntilAllWritten();
     EXPECT_EQ(TagBackupStore(OpenMetaBackup::folder()).find(path)->tags, list("b"));
+}
+
+TEST_F(OpenMetaBackupTest, AQueueEndsThoughTheListsStayHeldAndLeavesItsNotes)
+{
+    tag(path, list("a"));
+    QLockFile other(OpenMetaBackup::folder() + QStringLiteral("/lock"));
+    ASSERT_TRUE(other.tryLock());
+    {
+        TagBackupQueue queue;
+        queue.add(path);
+        queue.flush(); // gives up
+    }
+    bool isNoted = false;
+    const QDir lists(OpenMetaBackup::folder());
+    for (const QString &name : lists.entryList({QStringLiteral("noted-*")}, QDir::Files)) {
+        QFile notes(lists.filePath(name));
+        isNoted = isNoted || (notes.open(QIODevice::ReadOnly) && notes.readAll().contains(QFile::encodeName(path)));
+    }
+    EXPECT_TRUE(isNoted);
 }
 
 // What is left in the notes of a process that is gone was never copied: the copy is older than the tags were.

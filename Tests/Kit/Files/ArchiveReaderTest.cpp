@@ -1,12 +1,10 @@
 #include "Kit/Files/ZQArchiveReader.h"
 #include "Kit/Imaging/ZQArchiveWorker.h"
 #include "Tests/Kit/Files/Scratch.h"
+#include "Tests/Support/FileSizeLimit.h"
 #include "Tools/samples/SampleArchives.h"
 
 #include <QDirIterator>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -342,17 +340,12 @@ TEST_F(ArchiveReaderTest, AFolderThatIsThereIsLeftAlone)
 TEST_F(ArchiveReaderTest, ADiskThatTakesNoMoreIsSaidAndNothingKept)
 {
     // Past the largest size a file may have here, writing fails as on a full disk.
-    rlimit before = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto signalBefore = ::signal(SIGXFSZ, SIG_IGN);
     const QByteArray big = SampleArchives::zipFile({{"a", QByteArray(3000000, 'a')}});
     ASSERT_TRUE(extract(SampleArchives::zipFile({}))); // the worker has what it needs by then
-    const rlimit small{1000000, before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool isExtracted = extract(big);
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    ::signal(SIGXFSZ, signalBefore);
-    EXPECT_FALSE(isExtracted);
+    {
+        const FileSizeLimit limit(1000000);
+        EXPECT_FALSE(extract(big));
+    }
     EXPECT_EQ(error.code, ZQArchiveReader::NotWritable);
     EXPECT_FALSE(error.localizedDescription().isEmpty());
     expectNothingExtracted();

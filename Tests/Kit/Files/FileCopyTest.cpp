@@ -1,17 +1,16 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Tests/Kit/Files/Scratch.h"
+#include "Tests/Support/FileSizeLimit.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 
 using FileCopy = Scratch;
 
@@ -268,22 +267,15 @@ TEST_F(FileCopy, StopsBetweenBlocksWhenCancelled)
 TEST_F(FileCopy, RemovesThePartWrittenWhenTheSpaceEnds)
 {
     const QString source = file(QStringLiteral("big"), content(4 << 20));
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small = {2 << 20, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    ZQError error;
-    const auto result = zqCopyFile(source, path(QStringLiteral("copy")), &error);
-    ZQError writeError;
     const QString kept = file(QStringLiteral("kept"), "old");
-    const bool written = zqWriteFileAtomically(kept, content(4 << 20), &writeError);
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(result);
+    ZQError error;
+    {
+        const FileSizeLimit limit(2 << 20);
+        EXPECT_FALSE(zqCopyFile(source, path(QStringLiteral("copy")), &error));
+        EXPECT_FALSE(zqWriteFileAtomically(kept, content(4 << 20), nullptr));
+    }
     EXPECT_EQ(error.code, EFBIG);
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("copy"))));
-    EXPECT_FALSE(written);
     EXPECT_EQ(read(kept), "old");
     EXPECT_EQ(QDir(path({})).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }

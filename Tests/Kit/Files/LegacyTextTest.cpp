@@ -43,6 +43,8 @@ TEST(LegacyTextTest, TheEncodingIsFoundFromTheTextsThemselves)
         {"CP932, the first everyday one", {"\x88\x9F"}, QLocale::Japanese, {u"亜"_qs}},
         {"CP932, one of the last everyday ones", {"\x97\x9F"}, QLocale::Japanese, {u"痢"_qs}},
         {"CP437, which is a rare one in CP932", {"\x98\x9F"}, QLocale::Japanese, {u"ÿƒ"_qs}},
+        {"signs between the first and the last letter", {"a\x94\xE1z.png"}, QLocale::Japanese, {u"aößz.png"_qs}},
+        {"signs between capitals", {"A\x94\xE1Z.png"}, QLocale::Japanese, {u"AößZ.png"_qs}},
         {"an accent between letters", {"d\x82j\x85.png"}, QLocale::Japanese, {u"déjà.png"_qs}},
         {"nothing", {}, QLocale::English, {}},
         {"CP866, by the language", {"\x94\xAE\xE2\xAE.png"}, QLocale::Russian, {u"Фото.png"_qs}},

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <future>
 #include <mutex>
 #include <random>
 #include <thread>
@@ -113,6 +114,30 @@ TEST_F(MissingFiles, AreRememberedForAMinuteOrASecondWhileTheirFolderMayStillCha
         EXPECT_EQ(costOf(reference), 1) << c.sinceTheChange.count();
         zqWaitForPersistentURLSearches();
     }
+}
+
+TEST_F(MissingFiles, WhoWaitsForOneGoesOnBeforeThoseWhoAreTold)
+{
+    const QString made = folder(QStringLiteral("one/two/three")) + QStringLiteral("/a.png");
+    write(made, "a");
+    for (int i = 0; i < 2000; ++i) { // so that the others wait before it is found
+        folder(QStringLiteral("one/two/%1").arg(i));
+    }
+    const QByteArray reference = zqDataForPersistentURL(made);
+    const QString far = folder(QStringLiteral("one/other/deep")) + QStringLiteral("/b.png");
+    ASSERT_TRUE(rename(made, far));
+    std::promise<void> wentOn;
+    std::promise<bool> told;
+    const auto moved = [&, goesOn = wentOn.get_future().share()](const QString &) {
+        told.set_value(goesOn.wait_for(std::chrono::seconds(20)) == std::future_status::ready);
+    };
+    EXPECT_EQ(zqURLFromPersistentData(reference, moved), QString()); // looked for beside
+    std::thread waiting([&] {
+        EXPECT_EQ(zqFindPersistentURL(reference), far);
+        wentOn.set_value();
+    });
+    EXPECT_TRUE(told.get_future().get());
+    waiting.join();
 }
 
 TEST_F(MissingFiles, AreFoundForEveryoneWhoWaitsAndToldAgainWhenTheNewsWereLost)

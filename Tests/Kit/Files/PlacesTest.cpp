@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Tests/Kit/Files/Scratch.h"
+#include "Tests/Support/FileSizeLimit.h"
 #include "Tests/Support/Skip.h"
 
 #include <QCoreApplication>
@@ -161,6 +162,21 @@ TEST_F(Trash, SaysWhyItTakesNothingAndLeavesNoNote)
     EXPECT_EQ(told(ZQPaths::dataHome()), ZQPaths::dataHome() + QStringLiteral(": Invalid argument")) << "it lies in it";
     EXPECT_TRUE(QDir(trash + QStringLiteral("/info")).isEmpty());
     EXPECT_TRUE(QDir(path(QStringLiteral("elsewhere"))).isEmpty());
+}
+
+TEST_F(Trash, LeavesAFileWhereItIsWhenItsNoteCannotBeWritten)
+{
+    const QString made = file(QStringLiteral("a"), "a");
+    ZQError error;
+    {
+        const FileSizeLimit limit(0);
+        EXPECT_FALSE(ZQTrash::recycle(made, nullptr, &error));
+    }
+    EXPECT_EQ(error.code, EFBIG);
+    EXPECT_EQ(read(made), "a");
+    const QDir trash(ZQPaths::dataHome() + QStringLiteral("/Trash"));
+    EXPECT_TRUE(QDir(trash.filePath(QStringLiteral("info"))).isEmpty());
+    EXPECT_TRUE(QDir(trash.filePath(QStringLiteral("files"))).isEmpty());
 }
 
 TEST_F(Trash, NumbersANameUntilThereAreTooMany)

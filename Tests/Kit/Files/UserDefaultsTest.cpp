@@ -105,6 +105,16 @@ TEST_F(UserDefaults, SetADamagedFileAsideAndGoOn)
     EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 2);
 }
 
+TEST_F(UserDefaults, BeginAnewWhenTheirFileIsDamagedWhileTheyAreInUse)
+{
+    ZQUserDefaults defaults(store);
+    defaults.setObjectForKey(1, key);
+    write(store, "damaged");
+    EXPECT_FALSE(defaults.isSet(key)) << "as for the next process";
+    EXPECT_EQ(read(store + QStringLiteral(".damaged")), "damaged");
+    EXPECT_FALSE(QFile::exists(store));
+}
+
 TEST_F(UserDefaults, KeepInMemoryWhatCannotBeWrittenAndWriteItLater)
 {
     folder(QStringLiteral("config"));

@@ -2,6 +2,7 @@
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Tests/Kit/Imaging/ImagingSupport.h"
+#include "Tests/Support/FileSizeLimit.h"
 #include "Tools/samples/SampleFormats.h"
 
 #include <QDir>
@@ -498,6 +499,20 @@ TEST_F(RenderPoolTest, SaysWhenTheProgramIsMissingOrNoProgram)
         EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("zelto-render")))
             << qPrintable(error.localizedDescription());
     }
+}
+
+TEST_F(RenderPoolTest, SaysWhenThereIsNoRoomForPictures)
+{
+    const QString file = picture();
+    ZQRenderPool pool({.processes = 1});
+    ZQError error;
+    {
+        const FileSizeLimit limit(4096);
+        EXPECT_TRUE(pool.perform(Kind::Bitmap, file, box, 0, &error).bitmap.isNull());
+    }
+    EXPECT_TRUE(error.localizedDescription().contains(QString::fromLocal8Bit(std::strerror(EFBIG))))
+        << qPrintable(error.localizedDescription());
+    EXPECT_TRUE(draws(pool, file)) << "once there is";
 }
 
 TEST_F(RenderPoolTest, LargePicturesComeWhole)

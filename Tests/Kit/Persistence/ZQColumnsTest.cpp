@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQColumns.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQByteSearch.h"
+#include "Kit/Persistence/ZQTextScan.h"
 #include "Tests/Kit/Persistence/RandomPredicates.h"
 
 #include <gtest/gtest.h>
@@ -281,4 +282,21 @@ TEST(ZQColumns, SearchEveryBlockAndSeeWhatWasChangedInOne)
     const ZQCancellation::Scope scope(cancellation);
     cancellation->cancel();
     EXPECT_EQ(rows.matching("text contains[cd] 'row'"), ManyRows::count + 1);
+}
+
+TEST(ZQColumns, ASearchOfTextsEndsWhereItIsCancelled)
+{
+    ZQTextBlocks texts;
+    texts.append(std::string_view("a text"));
+    const ZQRowSet all(1, true);
+    for (const bool isCancelled : {false, true}) {
+        const auto cancellation = std::make_shared<ZQCancellation>();
+        const ZQCancellation::Scope scope(cancellation);
+        if (isCancelled) {
+            cancellation->cancel();
+        }
+        ZQRowSet found(1);
+        EXPECT_EQ(zqMarkTextsWith("text", texts, all, found), !isCancelled);
+        EXPECT_EQ(found.isEmpty(), isCancelled);
+    }
 }

@@ -405,6 +405,30 @@ TEST(ZQFailingCalls, ARecoveryPutsAWholeStoreInPlaceOrNone)
     }
 }
 
+TEST(ZQFailingCalls, ARecoveryTakesAlongWhatIsStillToDoOrPutsNothingInPlace)
+{
+    const QString keys = QStringLiteral("'pendingVersions', 'pendingProgress', 'lastKeysBeforeMigration'");
+    forEachFailingCall([&](int number) {
+        SCOPED_TRACE(testing::Message() << "call " << number);
+        TestStore store;
+        writeStore(store, Form::Migrated);
+        EXPECT_TRUE(store.coordinator()->setPendingProgress(QStringLiteral("Version2"), 3));
+        store.close();
+        const QStringList before = rowsOf(store.path, keys);
+        EXPECT_EQ(before.size(), 3);
+        ZQError error;
+        int count = 0;
+        {
+            const FailingCalls failing(Kind::Database, number, ".recovering");
+            const auto report = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+            EXPECT_EQ(report.has_value(), error.isNull()) << qPrintable(error.localizedDescription());
+            count = failing.count();
+        }
+        EXPECT_EQ(rowsOf(store.path, keys), before);
+        return count;
+    });
+}
+
 TEST(ZQFailingCalls, AReplacementIsMadeOrNotBegunWhateverItsFileSystemRefuses)
 {
     for (const bool hasLog : {false, true}) {

@@ -91,6 +91,7 @@ TEST(ZQPredicateSQL, ComparesObjectsByIdentity)
         {"NOT SELF in %@", {QVariant(QVariantList{node(1), node(7)})}, {2LL}},
         {"ANY tags == %@", {tag(2)}, {2LL}},
         {"tags CONTAINS %@", {tag(1)}, {1LL, 2LL}},
+        {"tags CONTAINS %@", {node(1)}, {}},
         {"%@ IN tags", {tag(2)}, {2LL}},
         {"NONE tags in %@", {QVariant(QVariantList{tag(2)})}, {1LL}},
         {"parent.children.@count == 0", {}, {}},

@@ -243,6 +243,8 @@ TEST(ZQPredicate, ManyEqualitiesStayOneQuickLookup)
     EXPECT_TRUE(matches("39999"));
     EXPECT_FALSE(matches("40000"));
     EXPECT_TRUE(predicate.predicateFormat().startsWith(text("item.SHA1 IN {")));
+    EXPECT_EQ(ZQPredicate::predicateWithFormat(text("title contains[dc] 'a'")).predicateFormat(),
+              text("title CONTAINS[cd] \"a\""));
     const QString spaced = ZQPredicate::predicateWithFormat(text("title == \"a b\\tc\"")).predicateFormat();
     EXPECT_TRUE(spaced.contains(text("a b"))) << spaced.toStdString() << ": only what is not to be seen is escaped";
 }

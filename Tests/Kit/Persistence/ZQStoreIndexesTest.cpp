@@ -230,3 +230,13 @@ TEST(ZQStoreIndexes, ThePlannerIsToldHowMuchThereIsAsTheStoreGrows)
         EXPECT_GE(thousandsByStatistics(store.path).toInt(), 10) << "after large saves";
     }
 }
+
+TEST(ZQStoreIndexes, AreMadeOnceThoughTheyAreDeclaredTwice)
+{
+    TestStore store(modelWith(R"([ {"properties": ["small", "flag"]}, {"properties": ["small", "flag"]} ])"));
+    ASSERT_TRUE(store.model);
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    store.close();
+    EXPECT_EQ(indexesOf(store.path), indexesOf(*store.model));
+    EXPECT_EQ(zqIndexesOfModel(*store.model).size(), indexesOf(*store.model).size());
+}

@@ -443,3 +443,15 @@ TEST_F(ThumbnailerTest, IsGivenWhatItsCommandAsksFor)
     EXPECT_TRUE(zqThumbnailerPreview(unknown, {40, 10}).isNull());
     EXPECT_FALSE(zqHasThumbnailer(ZQSourceFile()));
 }
+
+TEST(RawDecoder, SaysOfWhatIsNeitherRawNorAPlainPictureThatItIsDamaged)
+{
+    ZQError error;
+    EXPECT_FALSE(zqRawDecoder.properties(fileOf("neither of them", "a.nef"), &error));
+    EXPECT_EQ(error.code, int(ZQImagingErrorCode::Damaged));
+    error = {};
+    const auto plain = zqRawDecoder.properties(fileOf(encoded(gradient({30, 20}), "PNG"), "a.nef"), &error);
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(QSize(plain->pixelWidth, plain->pixelHeight), QSize(30, 20));
+    EXPECT_TRUE(error.isNull()) << qPrintable(error.localizedDescription());
+}
