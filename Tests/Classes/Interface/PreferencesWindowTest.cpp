@@ -213,7 +213,7 @@ TEST_F(PreferencesWindowTest, EachControlHasANameAndAKeyOfItsOwn)
     }
     choose("Tags");
     press(Qt::Key_T, Qt::AltModifier);
-    EXPECT_FALSE(isOn("UseAutoTagging"));
+    EXPECT_TRUE(waitFor([] { return !isOn("UseAutoTagging"); }));
 }
 
 TEST_F(PreferencesWindowTest, TheLibraryIsOpenedAndVerifiedAsByTheCommands)
