@@ -25,8 +25,12 @@ bool isOf(const ZQObjectID &id, const QString &rootEntity)
 
 ContentQuery TabState::contentQuery()
 {
-    ContentQuery query{m_sidebarSelectedItems,     filter(),     sortKeysValue(), sortDirectionValue(),
-                       browserDisplayStyleValue(), m_editsSearch};
+    ContentQuery query{.sidebarItems = m_sidebarSelectedItems,
+                       .filter = filter(),
+                       .sortValue = sortKeysValue(),
+                       .isAscending = sortDirectionValue(),
+                       .displayStyle = browserDisplayStyleValue(),
+                       .editsSearch = m_editsSearch};
     if (query.settleOrder()) {
         m_sortKeys = query.sortValue;
         m_sortDirection = query.isAscending;
