@@ -269,6 +269,38 @@ bool giveOrders(EditRun &run, const ZQObjectID &project, const QList<NewOrder> &
     return run.save();
 }
 
+using Orders = QHash<qint64, qint32>; // by item
+
+// From the order `first` on; empty after an error, which whoever changes them runs into, and tells.
+Orders ordersOf(EditRun &run, const ZQObjectID &project, quint32 first)
+{
+    if (project.isNull()) {
+        return {};
+    }
+    ZQFetchRequest request = allMembersOf(project);
+    request.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("project == %@ AND order >= %@"),
+                                                         {QVariant::fromValue(project), qint64(first)});
+    Orders orders;
+    const auto all = zqFetch<ZQProjectItem>(run.context(), request);
+    for (const auto &membership : all.value_or(QList<ZQRef<ZQProjectItem>>())) {
+        orders.insert(membership->itemKey(), membership->order());
+    }
+    return orders;
+}
+
+// Steps that are taken back before this one say where members were by their orders: what made room for others has to go
+// back to where it was.
+QList<NewOrder> changesFrom(const Orders &before, const Orders &after)
+{
+    QList<NewOrder> changes;
+    for (auto each = before.cbegin(); each != before.cend(); ++each) {
+        if (const auto now = after.constFind(each.key()); now != after.cend() && *now != each.value()) {
+            changes.append({each.key(), each.value(), *now});
+        }
+    }
+    return changes;
+}
+
 // Many new members come at the end first, where nobody has to move for each batch, and go to their place together.
 void moveToPlace(EditRun &run, const ZQObjectID &project, const IDs &added, quint32 index)
 {
@@ -279,13 +311,15 @@ void moveToPlace(EditRun &run, const ZQObjectID &project, const IDs &added, quin
 }
 
 // Adds those that are not there yet at `atIndex` and behind, and says which they were.
-EditPass addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const Done &done)
+EditPass addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const Done &done,
+                  const std::shared_ptr<QList<NewOrder>> &moved)
 {
     return {
-        [items, to, atIndex, done](EditRun &run) {
+        [items, to, atIndex, done, moved](EditRun &run) {
             const auto into = sidebarItem(run.context(), to);
             const bool isPlaced = into && into->hasOrderedMembers() && atIndex != ZQSidebarBaseItem::appendIndex;
             const bool isPlacedAfterwards = isPlaced && items.size() > run.perBatch();
+            const Orders before = isPlaced ? ordersOf(run, to, atIndex) : Orders();
             IDs added;
             run.inBatches(zqLocalized("Adding items…"), into ? items.size() : 0, [&](qsizetype first, qsizetype size) {
                 ZQError error;
@@ -310,20 +344,25 @@ EditPass addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const
             if (isPlacedAfterwards && !added.isEmpty()) {
                 moveToPlace(run, to, added, atIndex);
             }
+            *moved = before.isEmpty() ? QList<NewOrder>() : changesFrom(before, ordersOf(run, to, atIndex));
             return !done->isEmpty();
         },
         zqLocalized("Adding items…")};
 }
 
-EditPass removalOf(const Done &done, const ZQObjectID &from)
+EditPass removalOf(const Done &done, const ZQObjectID &from, const std::shared_ptr<QList<NewOrder>> &moved)
 {
     return {
-        [done, from](EditRun &run) {
+        [done, from, moved](EditRun &run) {
             const auto container = sidebarItem(run.context(), from);
             const auto remove = [&](const IDs &batch) {
                 return removeBatch(run, *container, ZQLibraryBaseItem::itemsWithIDs(batch, run.context())).has_value();
             };
-            return container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
+            const bool isDone = container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
+            if (isDone && done->isEmpty()) {
+                giveOrders(run, from, *moved, &NewOrder::before);
+            }
+            return isDone;
         },
         zqLocalized("Removing items…")};
 }
@@ -441,8 +480,9 @@ void LibraryCommands::addItems(const QList<ZQObjectID> &items, const ZQObjectID 
     const bool isAppended = atIndex == ZQSidebarBaseItem::appendIndex || !target->hasOrderedMembers();
     const qint64 rows = items.size() + (isAppended ? 0 : std::max<qint64>(0, target->numberOfItems() - atIndex));
     const auto done = std::make_shared<IDs>();
-    zqPushEdit(m_edits, zqLocalized("copy items"), {rows, mostAtOnce}, addition(items, toSidebarItem, atIndex, done),
-               removalOf(done, toSidebarItem));
+    const auto moved = std::make_shared<QList<NewOrder>>();
+    zqPushEdit(m_edits, zqLocalized("copy items"), {rows, mostAtOnce},
+               addition(items, toSidebarItem, atIndex, done, moved), removalOf(done, toSidebarItem, moved));
 }
 
 void LibraryCommands::moveItems(const QList<ZQObjectID> &items, const ZQObjectID &inSidebarItem, quint32 toIndex)
@@ -474,22 +514,28 @@ void LibraryCommands::duplicateItems(const QList<ZQObjectID> &items, const ZQObj
     }
     const auto copies = std::make_shared<QList<CopyOfItem>>(); // all that were made; of one thread at a time
     const auto gone = std::make_shared<IDs>();                 // those of them that were taken back
-    const EditPass make{[items, copies, gone, inSidebarItem, didMake](EditRun &run) {
+    const auto moved = std::make_shared<QList<NewOrder>>();
+    const EditPass make{[items, copies, gone, moved, inSidebarItem, didMake](EditRun &run) {
                             const bool isFirst = copies->isEmpty();
                             if (isFirst) {
                                 *copies = copyItems(run, items);
                             }
                             const bool isDone = isFirst ? !copies->isEmpty() : restoration(gone).apply(run);
+                            const Orders before = ordersOf(run, inSidebarItem, 0);
                             zqPutBesideOriginals(run, inSidebarItem, *copies);
+                            *moved = changesFrom(before, ordersOf(run, inSidebarItem, 0));
                             if (isFirst && isDone && didMake) {
                                 zqOnMainThread([didMake, made = idsOf(*copies)] { didMake(made); });
                             }
                             return isDone;
                         },
                         zqLocalized("Duplicating items…")};
-    const EditPass takeBack{[copies, gone, inSidebarItem](EditRun &run) {
+    const EditPass takeBack{[copies, gone, moved, inSidebarItem](EditRun &run) {
                                 const bool isDone = deletion(idsOf(*copies), gone).apply(run);
                                 zqTakeFromOriginals(run, inSidebarItem, *gone);
+                                if (gone->size() == copies->size()) {
+                                    giveOrders(run, inSidebarItem, *moved, &NewOrder::before);
+                                }
                                 return isDone;
                             },
                             zqLocalized("Deleting items…")};

@@ -6,6 +6,7 @@
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQNotificationBubble.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Interface/DesktopListener.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
 
@@ -295,6 +296,17 @@ TEST_F(ArrivalsTest, WhereNothingIsTheWayOnIsAButton)
     EXPECT_FALSE(button("Show All"));
     show(special(ZQSidebarKind::Recent));
     EXPECT_FALSE(button("Import…")) << "it takes none";
+    const auto live = zqCast<ZQSidebarWatchedFolder>(
+        add<ZQSidebarWatchedFolder>(QStringLiteral("Live"), special(ZQSidebarKind::WatchedFoldersLabel)));
+    live->setFolderPath(world.filePath(QStringLiteral("not there")));
+    delegate->saveAction();
+    settle();
+    show(live);
+    EXPECT_TRUE(browser().content().emptyText().contains(live->folderPath()));
+    EXPECT_FALSE(browser().emptyState().isVisible());
+    sidebar().selectItems({a->objectID(), b->objectID()});
+    settle();
+    EXPECT_FALSE(button("Import…"));
 }
 
 TEST_F(ArrivalsTest, ADragShowsWhereItGoesAndGoesThere)
