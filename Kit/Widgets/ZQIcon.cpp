@@ -54,8 +54,8 @@ QPixmap pixmapFor(const QString &name, const QColor &color, const QSize &pixels)
 class LineIconEngine : public QIconEngine
 {
 public:
-    LineIconEngine(QString name, ZQColorRole role, ZQColorRole checkedRole)
-        : m_name(std::move(name)), m_role(role), m_checkedRole(checkedRole)
+    LineIconEngine(QString name, ZQColorRole role, ZQColorRole checkedRole, ZQColorRole selectedRole)
+        : m_name(std::move(name)), m_role(role), m_checkedRole(checkedRole), m_selectedRole(selectedRole)
     {
     }
     void paint(QPainter *painter, const QRect &rect, QIcon::Mode mode, QIcon::State state) override
@@ -77,9 +77,7 @@ public:
 private:
     QColor color(QIcon::Mode mode, QIcon::State state) const
     {
-        QColor result = zqColor(mode == QIcon::Selected ? ZQColorRole::AccentText
-                                : state == QIcon::On    ? m_checkedRole
-                                                        : m_role);
+        QColor result = zqColor(mode == QIcon::Selected ? m_selectedRole : state == QIcon::On ? m_checkedRole : m_role);
         if (mode == QIcon::Disabled) {
             result.setAlphaF(0.45F);
         }
@@ -89,13 +87,14 @@ private:
     QString m_name;
     ZQColorRole m_role;
     ZQColorRole m_checkedRole;
+    ZQColorRole m_selectedRole;
 };
 
 } // namespace
 
-QIcon ZQIcon::icon(const QString &name, ZQColorRole role, ZQColorRole checkedRole)
+QIcon ZQIcon::icon(const QString &name, ZQColorRole role, ZQColorRole checkedRole, ZQColorRole selectedRole)
 {
-    return QIcon(new LineIconEngine(name, role, checkedRole));
+    return QIcon(new LineIconEngine(name, role, checkedRole, selectedRole));
 }
 
 void ZQIcon::paint(QPainter &painter, const QRectF &rect, const QString &name, const QColor &color)

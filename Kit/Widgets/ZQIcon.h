@@ -12,9 +12,9 @@ class QPainter;
 class ZQIcon
 {
 public:
-    // Follows the theme and the device pixel ratio; checked buttons take `checkedRole`.
+    // Follows the theme and the device pixel ratio; checked buttons take `checkedRole`, selected rows `selectedRole`.
     static QIcon icon(const QString &name, ZQColorRole role = ZQColorRole::TextMuted,
-                      ZQColorRole checkedRole = ZQColorRole::Text);
+                      ZQColorRole checkedRole = ZQColorRole::Text, ZQColorRole selectedRole = ZQColorRole::AccentText);
     static void paint(QPainter &painter, const QRectF &rect, const QString &name, const QColor &color);
     static QStringList names();
     static QIcon application(); // in its own colours, for windows

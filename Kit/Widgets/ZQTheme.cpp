@@ -8,6 +8,7 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QRegularExpression>
 #include <QStyle>
 #include <QStyleFactory>
@@ -59,12 +60,30 @@ public:
         if (qobject_cast<const QPushButton *>(widget) || qobject_cast<const QToolButton *>(widget)) {
             return;
         }
+        const auto *box = qobject_cast<const QAbstractButton *>(widget); // with its text beside a mark
+        const QRectF ring =
+            box ? QRectF(textRect(*box)).adjusted(-4, -1, 4, 1).intersected(box->rect()) : QRectF(option->rect);
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(QPen(zqColor(ZQColorRole::Accent), 1));
         painter->setBrush(Qt::NoBrush);
-        painter->drawRoundedRect(QRectF(option->rect).adjusted(-4.5, 0.5, 3.5, -0.5), 4, 4);
+        painter->drawRoundedRect(ring.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
         painter->restore();
+    }
+
+private:
+    static QRect textRect(const QAbstractButton &box)
+    {
+        QStyleOptionButton option;
+        option.initFrom(&box);
+        option.text = box.text();
+        const bool isRadio = qobject_cast<const QRadioButton *>(&box) != nullptr;
+        const QStyle &style = *box.style(); // with the style sheet's measures
+        const QRect contents =
+            style.subElementRect(isRadio ? SE_RadioButtonContents : SE_CheckBoxContents, &option, &box);
+        const int flags =
+            int(visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter)) | Qt::TextShowMnemonic;
+        return style.itemTextRect(option.fontMetrics, contents, flags, true, option.text);
     }
 };
 

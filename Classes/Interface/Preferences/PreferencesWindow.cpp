@@ -71,7 +71,9 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *ma
 
 void PreferencesWindow::addPane(PreferencesPane *pane, const QString &icon)
 {
-    auto *name = new QListWidgetItem(ZQIcon::icon(icon), pane->accessibleName(), m_names);
+    constexpr ZQColorRole shown = ZQColorRole::Text; // on the ground of what is selected, in both themes
+    auto *name =
+        new QListWidgetItem(ZQIcon::icon(icon, ZQColorRole::TextMuted, shown, shown), pane->accessibleName(), m_names);
     name->setSizeHint({0, ZQMeasure::rowHeight});
     m_stack->addWidget(pane);
 }

@@ -154,20 +154,26 @@ TEST(ZQTheme, CheckBoxesAndRadioButtonsShowTheFocusInTheThemesColour)
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     for (QWidget *widget : {static_cast<QWidget *>(&box), static_cast<QWidget *>(&radio)}) {
-        const auto accents = [widget] {
+        widget->resize(300, 24); // more room than the text takes
+        const auto ring = [widget] {
             const QImage image = widget->grab().toImage();
-            int count = 0;
+            QRect found;
             for (int y = 0; y < image.height(); ++y) {
                 for (int x = 20; x < image.width(); ++x) { // right of the mark
-                    count += image.pixelColor(x, y) == zqColor(ZQColorRole::Accent) ? 1 : 0;
+                    if (image.pixelColor(x, y) == zqColor(ZQColorRole::Accent)) {
+                        found |= QRect(x, y, 1, 1);
+                    }
                 }
             }
-            return count;
+            return found;
         };
         widget->clearFocus();
-        EXPECT_EQ(accents(), 0);
+        EXPECT_TRUE(ring().isEmpty());
         widget->setFocus(Qt::TabFocusReason);
-        EXPECT_GT(accents(), 20) << "a ring around the text";
+        const int text = widget->fontMetrics().horizontalAdvance(widget == &box ? box.text() : radio.text());
+        EXPECT_GT(ring().left(), 20) << "around the text";
+        EXPECT_NEAR(ring().width(), text + 8, 3);
+        EXPECT_GE(ring().height(), widget->fontMetrics().height());
     }
 }
 
@@ -180,4 +186,24 @@ TEST(ZQIcon, TheApplicationHasAnIconAtEverySize)
         EXPECT_EQ(image.pixelColor(side / 2, side / 2).alpha(), 255);
         EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << "its corners are round";
     }
+}
+
+TEST(ZQIcon, ASelectedRowTakesTheColourItsGroundNeeds)
+{
+    ZQTheme::current().setDark(false);
+    const auto drawn = [](const QIcon &icon) {
+        const QImage image = icon.pixmap(QSize(16, 16), QIcon::Selected).toImage();
+        QColor strongest(Qt::transparent);
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor color = image.pixelColor(x, y);
+                strongest = color.alpha() > strongest.alpha() ? color : strongest;
+            }
+        }
+        return strongest.rgb();
+    };
+    EXPECT_EQ(drawn(ZQIcon::icon(QStringLiteral("plus"))), zqColor(ZQColorRole::AccentText).rgb());
+    EXPECT_EQ(drawn(ZQIcon::icon(QStringLiteral("plus"), ZQColorRole::TextMuted, ZQColorRole::Text, ZQColorRole::Text)),
+              zqColor(ZQColorRole::Text).rgb());
+    ZQTheme::current().setDark(true);
 }
