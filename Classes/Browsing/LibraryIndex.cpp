@@ -29,7 +29,7 @@ struct LibraryIndex::Private
     IndexReader::Asked asked ZQ_GUARDED_BY(lock);
     quint64 announced ZQ_GUARDED_BY(lock) = 1; // the first is the whole library
     quint64 tried ZQ_GUARDED_BY(lock) = 0;
-    quint64 current ZQ_GUARDED_BY(lock) = 0;     // so many are in
+    quint64 current ZQ_GUARDED_BY(lock) = 0; // so many are in
     bool isStarted ZQ_GUARDED_BY(lock) = false;
     bool isOrdering ZQ_GUARDED_BY(lock) = false; // titles, after the rest was built
     bool isStopping ZQ_GUARDED_BY(lock) = false;

@@ -10,7 +10,6 @@
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
-
 namespace {
 
 class SidebarContentsTest : public BrowsingFixture
