@@ -226,18 +226,19 @@ QList<FacetValue> FacetCounts::kinds(const LibraryIndex::Reading &reading)
             byExtension[zqFold(each.value.toString(), true, true)] = each.count;
         }
     }
-    std::map<QString, qint64> byWord;
+    std::map<QString, QStringList> words; // and what there is of them
     for (const auto &[extension, count] : byExtension) {
-        byWord[KindNames::wordOfExtension(extension)] = 0;
+        words[KindNames::wordOfExtension(extension)].append(extension);
     }
     QList<FacetValue> values;
-    for (auto &[word, count] : byWord) {
+    for (const auto &[word, extensions] : words) {
+        qint64 count = 0;
         for (const QString &extension : KindNames::extensionsOfKind(word)) {
             const auto found = byExtension.find(extension);
             count += found != byExtension.end() ? found->second : 0;
         }
-        values.append(
-            {.token = tokenOf(SearchField::Kind, word), .title = word.section(u' ', 0, 0).toUpper(), .count = count});
+        const QString title = extensions.size() == 1 ? extensions.first() : word.section(u' ', 0, 0);
+        values.append({.token = tokenOf(SearchField::Kind, word), .title = title.toUpper(), .count = count});
     }
     orderByCount(values);
     return values;

@@ -188,6 +188,13 @@ TEST_F(FacetsTest, NothingThatIsThereIsLeftOut)
     EXPECT_EQ(sums[FacetKind::Color], colored);
     EXPECT_GE(sums[FacetKind::Kind], withExtension);
     EXPECT_GE(sums[FacetKind::Size], active / 2);
+    QStringList kinds;
+    for (const FacetValue &value : facetOf(*counted, FacetKind::Kind)->values) {
+        kinds.append(value.title);
+    }
+    kinds.sort();
+    EXPECT_EQ(kinds.join(u'|').toStdString(), "AI|JPEG|PNG|SVG|ZZ")
+        << "files of one kind are one, whatever they end in";
     QStringList names;
     const Facet *tagFacet = facetOf(*counted, FacetKind::Tag);
     ASSERT_TRUE(tagFacet);
