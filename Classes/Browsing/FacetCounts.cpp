@@ -73,11 +73,6 @@ std::vector<ImportSpan> importSpans(const QDate &today)
     return spans;
 }
 
-IndexSizes sizesOf(const SizeClasses::Limits &limits)
-{
-    return {qint32(limits.icon), qint32(limits.small), qint32(limits.medium)};
-}
-
 } // namespace
 
 FacetCounts::FacetCounts(const QString &text, ContentBuilder::Scope scope)
@@ -300,7 +295,7 @@ QList<FacetValue> FacetCounts::sizes(const LibraryIndex::Reading &reading)
 {
     QList<FacetValue> values;
     for (const IndexCount &each :
-         reading.counts(IndexFacet::SizeClass, rowsFor(FacetKind::Size, reading), sizesOf(m_scope.search.sizes))) {
+         reading.counts(IndexFacet::SizeClass, rowsFor(FacetKind::Size, reading), m_scope.search.sizes)) {
         const QString name = zqLocalized(each.value.toString());
         values.append({.token = tokenOf(SearchField::Size, name), .title = name, .count = each.count});
     }

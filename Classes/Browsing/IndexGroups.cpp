@@ -217,9 +217,9 @@ quint32 IndexGroups::sizesOf(quint32 row, const std::vector<quint8> &isVector) c
     const auto fits = [&](qint32 edge) { return hasWidth && hasHeight && width <= edge && height <= edge; };
     const auto exceeds = [&](qint32 edge) { return (hasWidth && width > edge) || (hasHeight && height > edge); };
     const bool isNone = ((hasWidth && width <= 0) || (hasHeight && height <= 0)) && !isOfVectors;
-    const bool isIcon = fits(m_sizes.icon) && width > 0 && height > 0;
-    const bool isSmall = fits(m_sizes.small) && exceeds(m_sizes.icon);
-    const bool isMedium = fits(m_sizes.medium) && exceeds(m_sizes.small);
+    const bool isIcon = fits(qint32(m_sizes.icon)) && width > 0 && height > 0;
+    const bool isSmall = fits(qint32(m_sizes.small)) && exceeds(qint32(m_sizes.icon));
+    const bool isMedium = fits(qint32(m_sizes.medium)) && exceeds(qint32(m_sizes.small));
     const bool isLarge = (hasWidth && width >= m_sizes.medium) || (hasHeight && height >= m_sizes.medium);
     return quint32(isNone) | quint32(isIcon) << 1 | quint32(isSmall) << 2 | quint32(isMedium) << 3 |
            quint32(isLarge) << 4 | quint32(isOfVectors) << 5;

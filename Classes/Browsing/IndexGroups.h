@@ -2,12 +2,13 @@
 
 #include "Classes/Browsing/IndexRows.h"
 #include "Classes/Browsing/LibraryColumns.h"
+#include "Classes/Browsing/SizeClasses.h"
 
 // Parts rows into groups and counts what they have in common, in one pass over them each.
 class IndexGroups
 {
 public:
-    IndexGroups(const LibraryColumns &columns, const IndexSizes &sizes) : m_columns(columns), m_sizes(sizes) {}
+    IndexGroups(const LibraryColumns &columns, const SizeClasses::Limits &sizes) : m_columns(columns), m_sizes(sizes) {}
 
     std::vector<IndexGroup> group(IndexRows &rows, IndexGrouping grouping) const;
     std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows) const;
@@ -28,5 +29,5 @@ private:
     std::vector<IndexCount> countMonths(const ZQRowSet &rows) const;
 
     const LibraryColumns &m_columns;
-    IndexSizes m_sizes;
+    SizeClasses::Limits m_sizes;
 };

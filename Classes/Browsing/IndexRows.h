@@ -49,11 +49,3 @@ struct IndexCount
     QVariant value;
     qint64 count = 0;
 };
-
-// The edges of the size classes, in pixels.
-struct IndexSizes
-{
-    qint32 icon = 32;
-    qint32 small = 128;
-    qint32 medium = 512;
-};

@@ -386,13 +386,13 @@ std::optional<IndexRows> LibraryIndex::Reading::sorted(IndexRows rows, const QLi
 }
 
 std::vector<IndexGroup> LibraryIndex::Reading::grouped(IndexRows &rows, IndexGrouping grouping,
-                                                       const IndexSizes &sizes) const
+                                                       const SizeClasses::Limits &sizes) const
 {
     return IndexGroups(d->columns, sizes).group(rows, grouping);
 }
 
 std::vector<IndexCount> LibraryIndex::Reading::counts(IndexFacet facet, const ZQRowSet &rows,
-                                                      const IndexSizes &sizes) const
+                                                      const SizeClasses::Limits &sizes) const
 {
     return IndexGroups(d->columns, sizes).counts(facet, rows);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/IndexRows.h"
+#include "Classes/Browsing/SizeClasses.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Kit/Persistence/ZQRowSet.h"
 #include "Models/DataModel/ZQListRows.h"
@@ -94,9 +95,10 @@ public:
         std::optional<IndexRows> sorted(IndexRows rows, const QList<ZQSortDescriptor> &descriptors) const;
         // Parts the rows into groups, and puts them in that order; within a group they stay in theirs. Extensions are
         // in the order of a person, rows without one come last; colours by number. A row can be in two size classes.
-        std::vector<IndexGroup> grouped(IndexRows &rows, IndexGrouping grouping, const IndexSizes &sizes) const;
+        std::vector<IndexGroup> grouped(IndexRows &rows, IndexGrouping grouping,
+                                        const SizeClasses::Limits &sizes) const;
         // The value of each with its count, none of 0: tags, folders and projects by key, the others in their order.
-        std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows, const IndexSizes &sizes) const;
+        std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows, const SizeClasses::Limits &sizes) const;
         // How many rows were imported before the first of `bounds`, from each to the next, and from the last on.
         // Milliseconds since 1970, ascending.
         std::vector<qint64> importedBetween(const std::vector<qint64> &bounds, const ZQRowSet &rows) const;

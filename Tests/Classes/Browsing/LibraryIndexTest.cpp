@@ -431,7 +431,7 @@ TEST_F(LibraryIndexTest, GroupsAndCountsAsOneByOne)
         ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue::Title, true, ZQListRows::LibraryItems);
     ZQManagedObjectContext context(library.coordinator());
     const auto sorted = *context.fetch<ZQLibraryBaseItem>(request);
-    const IndexSizes sizes;
+    const SizeClasses::Limits sizes;
     const QString vectors = QStringLiteral("{'ai', 'sketch', 'svg'}");
     // Each group as its condition picks it from the list.
     const auto picked = [&](const QString &format) {
