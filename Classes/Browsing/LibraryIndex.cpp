@@ -1,6 +1,6 @@
 #include "Classes/Browsing/LibraryIndex.h"
 
-#include "Classes/Browsing/IndexGroups.h"
+#include "Classes/Browsing/IndexCounts.h"
 #include "Classes/Browsing/IndexReader.h"
 #include "Classes/Browsing/IndexRequests.h"
 #include "Kit/Foundation/ZQCancellation.h"
@@ -161,11 +161,6 @@ std::optional<ZQRelatedIDs> LibraryIndex::answer(const ZQFetchRequest &request)
     return std::nullopt;
 }
 
-quint64 LibraryIndex::generation() const
-{
-    return d->generation;
-}
-
 size_t LibraryIndex::bytes() const
 {
     const ZQReadHold guard(d->columnsLock);
@@ -288,11 +283,6 @@ LibraryIndex::Reading::Reading(std::unique_ptr<State> state) : d(std::move(state
 LibraryIndex::Reading::Reading(Reading &&other) noexcept = default;
 LibraryIndex::Reading::~Reading() = default;
 
-quint64 LibraryIndex::Reading::generation() const
-{
-    return d->generation;
-}
-
 size_t LibraryIndex::Reading::rowCount() const
 {
     return d->columns.items.size();
@@ -310,31 +300,6 @@ ZQRowSet LibraryIndex::Reading::active() const
     return rows;
 }
 
-ZQObjectID LibraryIndex::Reading::itemID(quint32 row) const
-{
-    return d->columns.items.id(row);
-}
-
-ZQObjectID LibraryIndex::Reading::membershipID(quint32 membership) const
-{
-    const IndexMemberships &memberships = d->columns.memberships;
-    return memberships.exists(membership) ? ZQObjectID{d->columns.membershipEntity, memberships.keys()[membership]}
-                                          : ZQObjectID();
-}
-
-std::optional<quint32> LibraryIndex::Reading::rowOfItem(const ZQObjectID &id) const
-{
-    const auto row = id.rootEntity() == d->columns.itemEntity ? d->columns.items.keys.rowOf(id.key) : std::nullopt;
-    return row && d->columns.items.present.contains(*row) ? row : std::nullopt;
-}
-
-std::optional<quint32> LibraryIndex::Reading::membership(const ZQObjectID &id) const
-{
-    const auto found =
-        id.rootEntity() == d->columns.membershipEntity ? d->columns.memberships.keys().rowOf(id.key) : std::nullopt;
-    return found && d->columns.memberships.exists(*found) ? found : std::nullopt;
-}
-
 ZQRelatedIDs LibraryIndex::Reading::ids(const IndexRows &rows) const
 {
     const IndexItems &items = d->columns.items;
@@ -347,8 +312,11 @@ ZQRelatedIDs LibraryIndex::Reading::ids(const IndexRows &rows) const
         return result;
     }
     result.ids.resize(qsizetype(rows.size()));
-    std::transform(rows.memberships.begin(), rows.memberships.end(), result.ids.begin(),
-                   [this](quint32 membership) { return membershipID(membership); });
+    std::transform(rows.memberships.begin(), rows.memberships.end(), result.ids.begin(), [this](quint32 membership) {
+        const IndexMemberships &memberships = d->columns.memberships;
+        return memberships.exists(membership) ? ZQObjectID{d->columns.membershipEntity, memberships.keys()[membership]}
+                                              : ZQObjectID();
+    });
     return result;
 }
 
@@ -370,42 +338,21 @@ std::optional<ZQRowSet> LibraryIndex::Reading::matching(const ZQPredicate &predi
     return d->requests().matching(predicate, prefix, among);
 }
 
-std::optional<IndexRows> LibraryIndex::Reading::sorted(IndexRows rows, ZQSortValue value, bool ascending) const
-{
-    const bool hasNoOrder = value == ZQSortValue::Manual && rows.kind == ZQListRows::LibraryItems;
-    const auto descriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(value, ascending, rows.kind);
-    if (hasNoOrder || descriptors.isEmpty()) {
-        return rows;
-    }
-    return d->requests().sorted(std::move(rows), descriptors);
-}
-
-std::optional<IndexRows> LibraryIndex::Reading::sorted(IndexRows rows, const QList<ZQSortDescriptor> &descriptors) const
-{
-    return d->requests().sorted(std::move(rows), descriptors);
-}
-
-std::vector<IndexGroup> LibraryIndex::Reading::grouped(IndexRows &rows, IndexGrouping grouping,
-                                                       const SizeClasses::Limits &sizes) const
-{
-    return IndexGroups(d->columns, sizes).group(rows, grouping);
-}
-
 std::vector<IndexCount> LibraryIndex::Reading::counts(IndexFacet facet, const ZQRowSet &rows,
                                                       const SizeClasses::Limits &sizes) const
 {
-    return IndexGroups(d->columns, sizes).counts(facet, rows);
+    return IndexCounts(d->columns, sizes).counts(facet, rows);
 }
 
 std::vector<qint64> LibraryIndex::Reading::importedBetween(const std::vector<qint64> &bounds,
                                                            const ZQRowSet &rows) const
 {
-    return IndexGroups(d->columns, {}).importedBetween(bounds, rows);
+    return IndexCounts(d->columns, {}).importedBetween(bounds, rows);
 }
 
 QStringList LibraryIndex::Reading::repeatedDigests(const ZQRowSet &rows) const
 {
-    return IndexGroups(d->columns, {}).repeatedDigests(rows);
+    return IndexCounts(d->columns, {}).repeatedDigests(rows);
 }
 
 ZQRowSet LibraryIndex::Reading::setOf(const IndexRows &rows, size_t rowCount)

@@ -51,8 +51,6 @@ public:
     // What a fetch of all that is in when it is asked gives; waits for that. Nothing for a request that needs the
     // store, or when it was cancelled.
     std::optional<ZQRelatedIDs> answer(const ZQFetchRequest &request);
-    // Goes up with each change that readers can see.
-    quint64 generation() const;
 
     // Looks at one state of the index, as long as it lives; changes wait meanwhile, so it lives no longer than one
     // answer takes. Fetches and saves of the same thread have no place in it.
@@ -66,16 +64,10 @@ public:
         Reading(const Reading &) = delete;
         Reading &operator=(const Reading &) = delete;
 
-        quint64 generation() const;
         size_t rowCount() const;       // numbers of rows are below this
         const ZQRowSet &items() const; // rows that name an item, active or not
         ZQRowSet active() const;       // those whose item is not deleted
 
-        // A null identifier for a row of no item; nothing for an item that is not in the index.
-        ZQObjectID itemID(quint32 row) const;
-        ZQObjectID membershipID(quint32 membership) const;
-        std::optional<quint32> rowOfItem(const ZQObjectID &id) const;
-        std::optional<quint32> membership(const ZQObjectID &id) const;
         // As a fetch of identifiers gives them; `related` are the items.
         ZQRelatedIDs ids(const IndexRows &rows) const;
 
@@ -89,14 +81,6 @@ public:
         // The rows among `among` that match; key paths begin with "item." where `prefix` is Memberships.
         std::optional<ZQRowSet> matching(const ZQPredicate &predicate, ZQListRows prefix, const ZQRowSet &among) const;
 
-        // In the order of a sort value, as `sortDescriptorsForSortValue` and a fetch order them. Unchanged for `None`,
-        // and for `Manual` where the rows are items. Nothing for sort keys without a column.
-        std::optional<IndexRows> sorted(IndexRows rows, ZQSortValue value, bool ascending) const;
-        std::optional<IndexRows> sorted(IndexRows rows, const QList<ZQSortDescriptor> &descriptors) const;
-        // Parts the rows into groups, and puts them in that order; within a group they stay in theirs. Extensions are
-        // in the order of a person, rows without one come last; colours by number. A row can be in two size classes.
-        std::vector<IndexGroup> grouped(IndexRows &rows, IndexGrouping grouping,
-                                        const SizeClasses::Limits &sizes) const;
         // The value of each with its count, none of 0: tags, folders and projects by key, the others in their order.
         std::vector<IndexCount> counts(IndexFacet facet, const ZQRowSet &rows, const SizeClasses::Limits &sizes) const;
         // How many rows were imported before the first of `bounds`, from each to the next, and from the last on.

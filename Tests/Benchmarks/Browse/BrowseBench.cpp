@@ -4,6 +4,7 @@
 // zelto_browse_bench make STORE ITEMS
 // zelto_browse_bench measure STORE ITEMS
 
+#include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Browsing/FacetCounts.h"
 #include "Classes/Browsing/LibraryIndex.h"
 #include "Models/DataModel/ZQModel.h"
@@ -236,16 +237,19 @@ void Bench::measureOrders()
     }
     print("sort-ms", slowest);
     slowest = 0;
-    for (const IndexGrouping grouping :
-         {IndexGrouping::Extension, IndexGrouping::MainColor, IndexGrouping::SizeClass}) {
+    ContentQuery query;
+    query.sidebarItems = {ZQSidebarBaseItem::libraryProjectInManagedObjectContext(m_context)->objectID()};
+    query.sortValue = ZQSortValue::ImportDate;
+    for (const BrowserDisplayStyle style :
+         {BrowserDisplayStyle::ByExtension, BrowserDisplayStyle::ByColor, BrowserDisplayStyle::BySize}) {
+        query.displayStyle = style;
         const double time = medianMilliseconds([&] {
-            const auto reading = m_index->read();
-            IndexRows rows = *reading->rows(m_library);
-            if (reading->grouped(rows, grouping, {}).empty() || reading->ids(rows).ids.isEmpty()) {
+            const auto content = ContentBuilder(query, m_context, m_index.get()).content([] { return true; });
+            if (!content || content->groups.isEmpty()) {
                 giveUp(QStringLiteral("no groups"));
             }
         });
-        std::fprintf(stderr, "    grouping %d %9.2f ms\n", int(grouping), time);
+        std::fprintf(stderr, "    grouping %d %9.2f ms\n", int(style), time);
         slowest = std::max(slowest, time);
     }
     print("group-ms", slowest);
