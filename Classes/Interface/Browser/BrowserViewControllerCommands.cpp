@@ -110,13 +110,12 @@ QList<WindowCommand> BrowserViewController::zoomCommands()
     };
     QList<WindowCommand> result;
     for (const Zoom &zoom : zooms) {
-        result.append({.id = zoom.id,
-                       .title = zqLocalized(zoom.title),
-                       .keys = zoom.keys,
-                       .run = [this, run = zoom.run] { (m_detail->*run)(); },
-                       .isEnabled = [this] { return isDetailOpen(); },
-                       .keysIn = m_detail,
-                       .yieldsToFields = true});
+        WindowCommand command{zoom.id, zqLocalized(zoom.title), zoom.keys,
+                              [this, run = zoom.run] { (m_detail->*run)(); }};
+        command.isEnabled = [this] { return isDetailOpen(); };
+        command.keysIn = m_detail;
+        command.yieldsToFields = true;
+        result.append(command);
     }
     return result;
 }

@@ -300,8 +300,9 @@ void SidebarTreeView::mouseReleaseEvent(QMouseEvent *event)
     if (!index.isValid() || indexAt(event->pos()) != index || !(index.flags() & Qt::ItemIsEditable)) {
         return;
     }
+    m_renamed = index;
     QTimer::singleShot(QApplication::doubleClickInterval(), this, [this, index] {
-        if (index.isValid() && currentIndex() == index && state() == NoState) {
+        if (index.isValid() && m_renamed == index && currentIndex() == index && state() == NoState && hasFocus()) {
             edit(index);
         }
     });
