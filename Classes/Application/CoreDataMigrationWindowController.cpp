@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QThread>
 
 #include <atomic>
 #include <chrono>
@@ -16,6 +17,9 @@ void draw(std::chrono::milliseconds time)
     const QDeadlineTimer deadline(time);
     do {
         QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers, 20);
+        if (!deadline.hasExpired()) {
+            QThread::msleep(5); // which the other thread needs more
+        }
     } while (!deadline.hasExpired());
 }
 } // namespace

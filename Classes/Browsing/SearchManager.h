@@ -10,6 +10,9 @@
 class SearchManager : public SearchQueries
 {
 public:
+    // Characters of a text that is typed or saved.
+    static constexpr qsizetype longestText = 1 << 16;
+
     // The condition of a text on the rows of `andArrayController`; empty when there is nothing to search for.
     static QString predicateStringForSearchString(const QString &searchString, const SearchContext &andArrayController);
     // The same as a predicate; null when there is nothing to search for, which is everything.

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/TabStateArchive.h"
 
+#include "Classes/Browsing/SearchManager.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
 #include <algorithm>
@@ -27,7 +28,7 @@ const QString detailScrollKey = QStringLiteral("detailScroll");
 
 constexpr qsizetype mostItems = 1000;      // of one tab; each is looked for
 constexpr double furthest = 1e15;          // a place on a screen
-constexpr qsizetype longestText = 1 << 16; // of a search
+constexpr qsizetype longestText = SearchManager::longestText;
 constexpr qsizetype mostRanges = 20000;    // of a selection; in more pieces it is not kept
 
 template <class T>
@@ -213,7 +214,6 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     if (const QString format = fields.text(predicateKey); !format.isEmpty()) {
         tab->setFilterPredicate(ZQPredicate::predicateWithFormat(format)); // null when it is none any more
     }
-    fields.text(nameKey); // the sidebar items may have other titles now
     TabViewState &view = tab->view;
     const QString detailURI = fields.text(detailKey);
     const auto detail = detailURI.isEmpty()

@@ -61,10 +61,18 @@ int explain(const ContentBuilder &builder, CommandContext &context)
     return 0;
 }
 
+QString tooLong()
+{
+    return zqFormat(zqLocalized("a search has at most %d characters"), {SearchManager::longestText});
+}
+
 int makeSmartFolder(const QString &title, const QString &text, const QString &in, CommandContext &context)
 {
     if (title.isEmpty()) {
         return context.fail(zqLocalized("a smart folder needs a title"));
+    }
+    if (text.size() > SearchManager::longestText) {
+        return context.fail(tooLong());
     }
     ZQObjectID folder;
     if (!in.isEmpty()) {
@@ -93,6 +101,9 @@ int changeSmartFolder(const QString &reference, const QString &text, CommandCont
     const auto item = zqSidebarItemForReference(reference, context);
     if (!item) {
         return 2;
+    }
+    if (text.size() > SearchManager::longestText) {
+        return context.fail(tooLong());
     }
     if (!item->isSmartFolder()) {
         return context.fail(zqFormat(zqLocalized("“%@” is no smart folder; `zelto sidebar` shows them with their text"),

@@ -226,7 +226,7 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
 }
 
 SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText, const QString &title,
-                                                      const Item &onItem)
+                                                      const Item &onItem, const std::optional<Order> &order)
 {
     constexpr qsizetype longestName = 80;
     const auto [father, index] = spotFor(onItem);
@@ -237,6 +237,10 @@ SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText,
     const auto item = m_edits.context.insertNewObject<ZQSidebarSmartFolder>();
     item->setTitle(name.isEmpty() ? zqLocalized("New Smart Folder") : name);
     item->setSearchText(searchText);
+    if (order && order->value != ZQSortValue::Manual && order->value != ZQSortValue::None) { // it holds nothing itself
+        item->setSortKeys(qint16(order->value));
+        item->setSortDirection(order->isAscending);
+    }
     item->setActive(true);
     item->setEnabled(true);
     return addNewListItem(item, father, index);

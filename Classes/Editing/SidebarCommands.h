@@ -2,6 +2,8 @@
 
 #include "Classes/Editing/EditContext.h"
 
+#include <optional>
+
 // The commands on the sidebar tree: add, delete, rename, move. Each is one undo step and is saved. Main thread.
 class SidebarCommands
 {
@@ -18,7 +20,13 @@ public:
     Item addNewListItem(const Item &item, const Item &father, quint32 order); // inserts, saves, registers the undo
     Item addNewTag();                                                         // a new last tag
     // A saved search, placed as a project is. Named after its text where that is all there is to name it by.
-    Item addSmartFolder(const QString &searchText, const QString &title, const Item &onItem);
+    struct Order
+    {
+        ZQSortValue value;
+        bool isAscending;
+    };
+    Item addSmartFolder(const QString &searchText, const QString &title, const Item &onItem,
+                        const std::optional<Order> &order = {});
     void setSearchText(const Item &smartFolder, const QString &searchText);
 
     // Ask, unless told not to; false when the person declined.

@@ -184,6 +184,7 @@ void InfoPanelViewController::makeHead()
     m_title->setAccessibleName(zqLocalized("Title"));
     m_title->installEventFilter(this);
     connect(m_title, &QLineEdit::editingFinished, this, &InfoPanelViewController::commitTitle);
+    connect(m_title, &QLineEdit::returnPressed, this, &InfoPanelViewController::returnToItems);
     connect(m_title, &QLineEdit::textChanged, this, [this](const QString &text) {
         QFont plain = m_title->font();
         plain.setStyleStrategy(QFont::PreferDefault);
@@ -453,6 +454,14 @@ bool InfoPanelViewController::tagItems(const QList<ZQObjectID> &items, const QSt
     return ItemEdits(m_window).tagItems(items, commonTagsForItems(items), withTags);
 }
 
+// The next key is for the items again.
+void InfoPanelViewController::returnToItems()
+{
+    if (m_browser.grid().isVisible()) {
+        m_browser.grid().setFocus();
+    }
+}
+
 void InfoPanelViewController::editTitle()
 {
     m_title->setFocus();
@@ -542,6 +551,10 @@ bool InfoPanelViewController::eventFilter(QObject *object, QEvent *event)
         field->setModified(false);
         m_browser.grid().setFocus();
         showIn(field, object == m_source ? m_summary.source : m_summary.license, zqLocalized("None given"));
+        return true;
+    }
+    if (isEscape && object == m_notes) {
+        returnToItems();
         return true;
     }
     if (isEscape && object == m_title) {

@@ -53,6 +53,7 @@ private:
     void showSize(const ZQLibraryBaseItem &item);
     void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
+    void returnToItems();
     void commitTitle();
     bool isTitleToCome(const ZQLibraryBaseItem &item, bool isSameSelection);
     bool isTypingNotes() const; // and has not left the field

@@ -160,11 +160,11 @@ void ProjectsSidebarViewController::selectItems(const QList<ZQObjectID> &items)
     QItemSelection selection;
     for (const ZQObjectID &id : items) {
         const QModelIndex index = tree()->tree()->indexOf(id);
-        if (index.isValid()) {
+        if (index.isValid() && index.flags() & Qt::ItemIsSelectable) {
             selection.select(index, index);
         }
     }
-    if (selection.isEmpty()) {
+    if (selection.indexes().isEmpty()) {
         return;
     }
     const QModelIndex first = selection.indexes().first();
@@ -254,12 +254,12 @@ void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)
     editTitle(m_commands.addNewListItem(kind, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
 }
 
-void ProjectsSidebarViewController::addSmartFolder(const QString &searchText)
+void ProjectsSidebarViewController::addSmartFolder(const QString &searchText, const SidebarCommands::Order &order)
 {
     m_switch->setCurrentIndex(0);
     const auto selected = selectedObjects();
-    editTitle(
-        m_commands.addSmartFolder(searchText, {}, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
+    const auto beside = selected.isEmpty() ? SidebarCommands::Item() : selected.last();
+    editTitle(m_commands.addSmartFolder(searchText, {}, beside, order));
 }
 
 void ProjectsSidebarViewController::editTitle(const SidebarCommands::Item &item)

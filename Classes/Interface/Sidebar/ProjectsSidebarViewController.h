@@ -32,7 +32,7 @@ public:
     void addNewTag();
     void addNew(); // a tag or a project, by the side that is shown
     // After what is selected, with its name to be edited.
-    void addSmartFolder(const QString &searchText);
+    void addSmartFolder(const QString &searchText, const SidebarCommands::Order &order);
     void sortTagsByTitle(bool byTitle); // or as they were ordered by hand; kept
     bool areTagsSortedByTitle() const;
     void deleteItem(); // the selection

@@ -293,6 +293,24 @@ void SidebarTreeView::mousePressEvent(QMouseEvent *event)
     QTreeView::mousePressEvent(event);
 }
 
+void SidebarTreeView::keyPressEvent(QKeyEvent *event)
+{
+    m_renamed = QPersistentModelIndex();
+    QTreeView::keyPressEvent(event);
+}
+
+// Labels are no rows of a person: what stands on one is seen nowhere.
+QModelIndex SidebarTreeView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const bool isUp = action == MoveUp || action == MovePrevious || action == MoveHome || action == MovePageUp;
+    const bool turnsAround = action == MoveHome || action == MoveEnd;
+    QModelIndex index = QTreeView::moveCursor(action, modifiers);
+    while (index.isValid() && isLabel(index)) {
+        index = isUp != turnsAround ? indexAbove(index) : indexBelow(index);
+    }
+    return index.isValid() ? index : currentIndex();
+}
+
 void SidebarTreeView::mouseReleaseEvent(QMouseEvent *event)
 {
     QTreeView::mouseReleaseEvent(event);

@@ -59,6 +59,8 @@ protected:
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &options, const QModelIndex &index) const override;
     void paintEvent(QPaintEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
@@ -77,6 +79,7 @@ private:
     QPixmap dragPicture(const QModelIndexList &dragged) const;
 
     QPersistentModelIndex m_pressedSelected; // a click on it edits its title
+    QPersistentModelIndex m_renamed;         // soon, unless a key says otherwise
     QRect m_dropRow;                         // lit up
     QRect m_dropLine;                        // insertion mark
     QString m_dropHint;

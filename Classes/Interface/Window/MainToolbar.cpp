@@ -1,5 +1,6 @@
 #include "Classes/Interface/Window/MainToolbar.h"
 
+#include "Classes/Browsing/SearchManager.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTabStrip.h"
@@ -32,6 +33,7 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     m_search->setAccessibleName(zqLocalized("Search"));
     m_search->addAction(ZQIcon::icon(QStringLiteral("search")), QLineEdit::LeadingPosition);
     m_search->setFixedSize(320, 30);
+    m_search->setMaxLength(int(SearchManager::longestText));
     m_search->setClearButtonEnabled(false);
 
     auto *row = new QHBoxLayout(this);

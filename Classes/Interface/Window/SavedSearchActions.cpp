@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/SavedSearchActions.h"
 
 #include "Classes/Browsing/SearchExpression.h"
+#include "Classes/Browsing/SearchManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
@@ -68,6 +69,11 @@ bool SavedSearchActions::canSave() const
     return !isUnchanged && searches(text);
 }
 
+bool SavedSearchActions::canUpdate() const
+{
+    return canSave() && shownSmartFolder() && savedText().size() <= SearchManager::longestText;
+}
+
 QString SavedSearchActions::wholeText() const
 {
     const QString text = m_browser.content().filter();
@@ -111,9 +117,11 @@ void SavedSearchActions::saveSearch()
         return;
     }
     const QString text = wholeText();
+    const TabState &tab = m_browser.content().tab();
+    const SidebarCommands::Order order{tab.sortKeysValue(), tab.sortDirectionValue()};
     endEditing();
     Q_EMIT sidebarRequested();
-    m_sidebar.addSmartFolder(text);
+    m_sidebar.addSmartFolder(text, order);
 }
 
 void SavedSearchActions::editSearch()
