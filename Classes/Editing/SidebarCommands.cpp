@@ -174,6 +174,11 @@ SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
 SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
 {
     const auto [father, index] = spotFor(onItem);
+    return addNewListItem(kind, father, index);
+}
+
+SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &father, quint32 order)
+{
     if (!father) {
         return {};
     }
@@ -189,7 +194,7 @@ SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &
     if (kind == NewItem::Folder) {
         item->setSortKeys(qint16(ZQSortValue::None));
     }
-    return addNewListItem(item, father, index);
+    return addNewListItem(item, father, order);
 }
 
 SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const Item &father, quint32 order)

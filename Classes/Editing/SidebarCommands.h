@@ -17,6 +17,7 @@ public:
     // when the tree is not there.
     enum class NewItem { Project, Folder };
     Item addNewListItem(NewItem kind, const Item &onItem);
+    Item addNewListItem(NewItem kind, const Item &father, quint32 order);     // exactly there
     Item addNewListItem(const Item &item, const Item &father, quint32 order); // inserts, saves, registers the undo
     Item addNewTag();                                                         // a new last tag
     // A saved search, placed as a project is. Named after its text where that is all there is to name it by.

@@ -311,6 +311,7 @@ QList<FileGroup> ImportPlan::projectsToImportFromDirectory(const QString &direct
         const QString title = titleForDirectory(record.directoryPath);
         if (!content.subfolders.isEmpty() || !content.archives.isEmpty()) {
             const ZQRef<ZQSidebarBaseItem> folder = newSidebarItem<ZQSidebarFolder>(*m_batch.context, title);
+            folder->setSortKeys(qint16(ZQSortValue::None)); // the items of several projects have no order by hand
             addChild(record, folder);
             for (const QString &subfolder : std::as_const(content.subfolders)) {
                 records.push_back({subfolder, folder, false});

@@ -138,10 +138,7 @@ void ProjectsSidebarViewController::newSidebarItemFromDropFiles(const QStringLis
         ImportDoor::importFiles(folders, father.get(), indexOf(place));
     }
     if (!files.isEmpty()) {
-        const auto last =
-            father->orderedChildren().value(place.index < 0 ? father->numberofChilds() - 1 : place.index - 1);
-        const auto project =
-            m_commands.addNewListItem(SidebarCommands::NewItem::Project, last && !last->isFolder() ? last : father);
+        const auto project = m_commands.addNewListItem(SidebarCommands::NewItem::Project, father, indexOf(place));
         if (project) {
             ImportDoor::importFiles(files, project.get(), ZQSidebarBaseItem::appendIndex);
             editTitle(project);

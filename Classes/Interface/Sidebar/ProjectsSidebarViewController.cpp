@@ -313,14 +313,18 @@ ZQObjectID ProjectsSidebarViewController::safeNeighbour() const
     return {};
 }
 
+SidebarCommands::Items ProjectsSidebarViewController::deletableItems(bool withContent) const
+{
+    SidebarCommands::Items items = selectedObjects();
+    items.removeIf([withContent](const auto &item) {
+        return item->isFixed() || (withContent && !item->isProject() && !item->isFolder());
+    });
+    return items;
+}
+
 void ProjectsSidebarViewController::deleteItem()
 {
-    SidebarCommands::Items items;
-    for (const auto &item : selectedObjects()) {
-        if (!item->isFixed()) {
-            items.append(item);
-        }
-    }
+    const SidebarCommands::Items items = deletableItems(false);
     const ZQObjectID neighbour = safeNeighbour();
     if (m_commands.deleteSidebarItem(items)) {
         selectNeighbourAfterDeletion(neighbour);
@@ -329,12 +333,7 @@ void ProjectsSidebarViewController::deleteItem()
 
 void ProjectsSidebarViewController::deleteItemAndContent()
 {
-    SidebarCommands::Items items;
-    for (const auto &item : selectedObjects()) {
-        if (item->isProject() || (item->isFolder() && !item->isFixed())) {
-            items.append(item);
-        }
-    }
+    const SidebarCommands::Items items = deletableItems(true);
     const ZQObjectID neighbour = safeNeighbour();
     if (m_commands.deleteSidebarItemAndRemoveContentFromLibrary(items)) {
         selectNeighbourAfterDeletion(neighbour);
@@ -356,10 +355,34 @@ void ProjectsSidebarViewController::renameSidebarItem()
     }
 }
 
+void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
+{
+    const SidebarCommands::Items selected = selectedObjects();
+    const SidebarCommands::Items deletable = deletableItems(false);
+    if (deletable.isEmpty()) {
+        return;
+    }
+    menu.addSeparator();
+    if (selected.size() == 1 && selected.first()->isSmartFolder()) {
+        menu.addAction(zqLocalized("Edit Search…"), this, &ProjectsSidebarViewController::editSearchRequested);
+    }
+    if (selected.size() == 1 && !selected.first()->isWatchedFolder()) {
+        menu.addAction(zqLocalized("Rename"), this, &ProjectsSidebarViewController::renameSidebarItem);
+    }
+    // Of a mixed selection each entry says what it takes.
+    const auto nameOf = [](const SidebarCommands::Items &items) {
+        return items.size() == 1 ? items.first()->title() : zqFormat(zqLocalized("%d Items"), {int(items.size())});
+    };
+    menu.addAction(zqFormat(zqLocalized("Delete %@"), {nameOf(deletable)}), this,
+                   &ProjectsSidebarViewController::deleteItem);
+    if (const auto withContent = deletableItems(true); !withContent.isEmpty()) {
+        menu.addAction(zqFormat(zqLocalized("Delete %@ and Content"), {nameOf(withContent)}), this,
+                       &ProjectsSidebarViewController::deleteItemAndContent);
+    }
+}
+
 void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
 {
-    const auto items = selectedObjects();
-    const auto first = items.isEmpty() ? SidebarCommands::Item() : items.first();
     QMenu menu(this);
     if (isTagsSide()) {
         menu.addAction(zqLocalized("New Tag"), this, &ProjectsSidebarViewController::addNewTag);
@@ -369,22 +392,6 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
         menu.addAction(zqLocalized("New Project"), this, &ProjectsSidebarViewController::addNewProject);
         menu.addAction(zqLocalized("New Folder"), this, &ProjectsSidebarViewController::addNewFolder);
     }
-    const bool canDelete = first && !first->isFixed();
-    if (canDelete) {
-        const QString name =
-            items.size() == 1 ? first->title() : zqFormat(zqLocalized("%d Items"), {int(items.size())});
-        menu.addSeparator();
-        if (items.size() == 1 && first->isSmartFolder()) {
-            menu.addAction(zqLocalized("Edit Search…"), this, &ProjectsSidebarViewController::editSearchRequested);
-        }
-        if (items.size() == 1 && !first->isWatchedFolder()) {
-            menu.addAction(zqLocalized("Rename"), this, &ProjectsSidebarViewController::renameSidebarItem);
-        }
-        menu.addAction(zqFormat(zqLocalized("Delete %@"), {name}), this, &ProjectsSidebarViewController::deleteItem);
-        if (first->isProject() || first->isFolder()) {
-            menu.addAction(zqFormat(zqLocalized("Delete %@ and Content"), {name}), this,
-                           &ProjectsSidebarViewController::deleteItemAndContent);
-        }
-    }
+    addWhatChangesSelection(menu);
     menu.exec(globalPoint);
 }

@@ -65,6 +65,8 @@ private:
     void endEditing(const QModelIndex &index, const QString &title);
     void selectNeighbourAfterDeletion(const ZQObjectID &neighbour);
     ZQObjectID safeNeighbour() const;
+    SidebarCommands::Items deletableItems(bool withContent) const; // of what is selected
+    void addWhatChangesSelection(QMenu &menu);
     void showMenu(const QPoint &globalPoint);
     Qt::DropAction validate(const QMimeData *data, const SidebarDropPlace &place) const;
     bool accept(const QMimeData *data, const SidebarDropPlace &place);

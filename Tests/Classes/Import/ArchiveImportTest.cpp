@@ -234,6 +234,7 @@ TEST_F(ArchiveImportTest, AnArchiveInADroppedFolderComesIntoThatFolder)
     zip(QStringLiteral("Dir/Set.zip"), {{"b.png", picture(21)}});
     const auto operation = import({path(QStringLiteral("Dir"))}, projectsLabel().get(), 0);
     EXPECT_EQ(projects().section(u' ', 0, 1), QStringLiteral("Dir{Dir[a] Set[b]}"));
+    EXPECT_EQ(ZQSortValue(projectsLabel()->orderedChildren().first()->sortKeys()), ZQSortValue::None);
     EXPECT_TRUE(allDropped(*operation).isEmpty());
     EXPECT_TRUE(user.notificationTexts().isEmpty());
 }

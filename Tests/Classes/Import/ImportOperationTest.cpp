@@ -281,6 +281,7 @@ TEST_F(ImportOperationTest, FoldersBecomeFoldersAndProjects)
     for (const auto &child : folder->orderedChildren()) {
         EXPECT_TRUE(child->enabled());
     }
+    EXPECT_EQ(ZQSortValue(folder->orderedChildren().last()->sortKeys()), ZQSortValue::None);
     EXPECT_EQ(operation->foldersAndArchivesPathOrdered(), QStringList{path(QStringLiteral("drop/Top"))});
 }
 

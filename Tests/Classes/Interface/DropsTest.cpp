@@ -251,6 +251,20 @@ TEST_F(Drops, FilesBetweenProjectsAndOnTheEmptyAreaMakeProjects)
     EXPECT_EQ(folder->numberofChilds(), 2) << "not into the folder that came last";
 }
 
+TEST_F(Drops, AProjectOfDroppedFilesStandsWhereTheDropWasShown)
+{
+    drop(*mimeOf({picture(QStringLiteral("one.png"))}), {projects, 0});
+    EXPECT_EQ(treeBelow(projects), QStringLiteral("New Project[one] A[] B[] Folder{}"));
+    const Item last = add<ZQSidebarProject>(QStringLiteral("Last"), projects);
+    delegate->saveAction();
+    drop(*mimeOf({picture(QStringLiteral("two.png"))}), {projects, 4});
+    EXPECT_EQ(treeBelow(projects), QStringLiteral("New Project[one] A[] B[] Folder{} New Project[two] Last[]"));
+    undoStack.undo();
+    undoStack.undo();
+    EXPECT_FALSE(treeBelow(projects).contains(QStringLiteral("Folder{} New Project")));
+    EXPECT_TRUE(treeBelow(projects).endsWith(QStringLiteral("Last[]")));
+}
+
 TEST_F(Drops, DraggedEntriesMoveAndTheSelectionFollowsOnlyWhenTheyWereSelected)
 {
     sidebar->selectItems({b->objectID()});

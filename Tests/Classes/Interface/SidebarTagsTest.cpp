@@ -138,6 +138,24 @@ TEST_F(SidebarTagsTest, ADragThatRestsOnTheSwitchTurnsItAndGoesOnToATag)
     EXPECT_EQ(browser().content().tab().tabName(), QStringLiteral("A"));
 }
 
+TEST_F(SidebarTagsTest, AProjectThatIsTakenBackWhileTheTagsAreShownIsNotLeftOpen)
+{
+    show(b);
+    press(Qt::Key_N, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    settle();
+    ASSERT_EQ(browser().content().tab().tabName(), QStringLiteral("New Project"));
+    sides().setCurrentIndex(1);
+    settle();
+    run(CommandID::Undo);
+    settle();
+    EXPECT_FALSE(children(projects).contains(QStringLiteral("New Project")));
+    ASSERT_TRUE(browser().content().singleItem());
+    EXPECT_TRUE(browser().content().singleItem()->active());
+    EXPECT_EQ(sidebar().selectedItems(), browser().sidebarItems());
+    EXPECT_EQ(sides().currentIndex(), 1);
+}
+
 TEST_F(SidebarTagsTest, FilesThatWouldMakeAProjectAreToldSoWhileTheyAreDragged)
 {
     QMimeData files;

@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
@@ -247,6 +248,21 @@ TEST_F(SidebarTest, MenusOfferWhatTheRowsAllow)
         }
         sidebar().selectItems(ids);
         EXPECT_EQ(menuAt(row(each.chosen.first()).center()).toStdString(), each.menu);
+    }
+    const Item smart = add<ZQSidebarSmartFolder>(QStringLiteral("Smart"), projects);
+    delegate->saveAction();
+    sidebar().reload();
+    for (const Case &each :
+         {Case{{a, smart}, "New Project|New Folder|-|Delete 2 Items|Delete A and Content"},
+          {{a, b, smart}, "New Project|New Folder|-|Delete 3 Items|Delete 2 Items and Content"},
+          {{smart, live}, "New Project|New Folder|-|Delete 2 Items"},
+          {{special(ZQSidebarKind::Library), a}, "New Project|New Folder|-|Delete A|Delete A and Content"}}) {
+        QList<ZQObjectID> ids;
+        for (const Item &item : each.chosen) {
+            ids.append(item->objectID());
+        }
+        sidebar().selectItems(ids);
+        EXPECT_EQ(menuAt(row(each.chosen.first()).center()).toStdString(), each.menu) << "what each would delete";
     }
     EXPECT_EQ(menuAt(row(b).center()).toStdString(), "New Project|New Folder|-|Rename|Delete B|Delete B and Content")
         << "the row under the pointer is chosen";
