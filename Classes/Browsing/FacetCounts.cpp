@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -79,13 +80,30 @@ FacetCounts::FacetCounts(const QString &text, ContentBuilder::Scope scope)
     : m_text(text), m_read(text, scope.search.today), m_scope(std::move(scope))
 {
     // What has to be asked of the store is asked before the index is looked at.
-    m_conditions[text] = SearchManager::predicateForSearchString(text, m_scope.search);
+    prepare(text);
     for (const FacetKind kind : facetKinds) {
-        const QString others = m_read.without(kind);
-        if (!m_conditions.contains(others)) {
-            m_conditions[others] = SearchManager::predicateForSearchString(others, m_scope.search);
+        prepare(m_read.without(kind));
+        for (const QString &token : m_read.tokens(kind)) {
+            prepare(token);
         }
     }
+}
+
+void FacetCounts::prepare(const QString &text)
+{
+    if (!m_conditions.contains(text)) {
+        m_conditions.emplace(text, SearchManager::predicateForSearchString(text, m_scope.search));
+    }
+}
+
+const ZQPredicate *FacetCounts::conditionOf(const QString &text)
+{
+    const auto found = m_conditions.find(text);
+    if (found == m_conditions.end()) {
+        m_unprepared.append(text);
+        return nullptr;
+    }
+    return &found->second;
 }
 
 std::optional<QList<Facet>> FacetCounts::of(const ContentQuery &query, ZQManagedObjectContext &context,
@@ -98,11 +116,22 @@ std::optional<QList<Facet>> FacetCounts::of(const ContentQuery &query, ZQManaged
     }
     scope->search.liveFolderDepth = [depth = StoreSearch::liveFolderDepth(context)] { return depth; };
     FacetCounts counts(query.filter, std::move(*scope));
-    if (!isWanted() || !index.isReady() || !index.waitUntilCurrent()) {
-        return std::nullopt;
+    constexpr int mostReadings = 3; // names that are patterns are known from the index, and may be others each time
+    std::optional<QList<Facet>> counted;
+    for (int readings = 0; readings < mostReadings && (readings == 0 || !counts.m_unprepared.isEmpty()); ++readings) {
+        for (const QString &text : std::exchange(counts.m_unprepared, {})) {
+            counts.prepare(text);
+        }
+        if (!isWanted() || !index.isReady() || !index.waitUntilCurrent()) {
+            return std::nullopt;
+        }
+        const auto reading = index.read();
+        counted = reading ? counts.count(*reading, isWanted) : std::nullopt;
+        if (!counted) {
+            return std::nullopt;
+        }
     }
-    const auto reading = index.read();
-    return reading ? counts.count(*reading, isWanted) : std::nullopt;
+    return counted;
 }
 
 std::optional<ZQRowSet> FacetCounts::content(const LibraryIndex::Reading &reading) const
@@ -135,9 +164,10 @@ const ZQRowSet &FacetCounts::rowsFor(FacetKind kind, const LibraryIndex::Reading
     const QString text = m_read.without(kind);
     auto rows = m_rows.find(text);
     if (rows == m_rows.end()) {
-        const ZQPredicate &condition = m_conditions[text];
-        auto found = condition.isNull() ? std::optional(m_content)
-                                        : reading.matching(condition, ZQListRows::LibraryItems, m_content);
+        const ZQPredicate *condition = conditionOf(text);
+        Q_ASSERT(condition); // all of them were prepared
+        auto found = condition->isNull() ? std::optional(m_content)
+                                         : reading.matching(*condition, ZQListRows::LibraryItems, m_content);
         m_isComplete = m_isComplete && found;
         rows = m_rows.emplace(text, found ? std::move(*found) : ZQRowSet(reading.rowCount())).first;
     }
@@ -152,6 +182,7 @@ std::optional<QList<Facet>> FacetCounts::count(const LibraryIndex::Reading &read
         return std::nullopt;
     }
     m_content = std::move(*all);
+    m_rows.clear();
     QList<Facet> facets;
     for (const FacetKind kind : facetKinds) {
         QList<FacetValue> found = values(kind, reading);
@@ -187,8 +218,11 @@ void FacetCounts::addTyped(FacetKind kind, QList<FacetValue> &values, const Libr
 
 qint64 FacetCounts::countOf(const QString &token, FacetKind kind, const LibraryIndex::Reading &reading)
 {
-    const ZQPredicate condition = SearchManager::predicateForSearchString(token, m_scope.search);
-    const auto found = reading.matching(condition, ZQListRows::LibraryItems, rowsFor(kind, reading));
+    const ZQPredicate *condition = conditionOf(token);
+    if (!condition) {
+        return 0;
+    }
+    const auto found = reading.matching(*condition, ZQListRows::LibraryItems, rowsFor(kind, reading));
     m_isComplete = m_isComplete && found;
     return found ? qint64(found->count()) : 0;
 }

@@ -20,7 +20,10 @@ public:
 
 private:
     FacetCounts(const QString &text, ContentBuilder::Scope scope);
+    void prepare(const QString &text); // its condition, before the index is read
+    // Afterwards `m_unprepared` has the texts that came up meanwhile, and were counted as none.
     std::optional<QList<Facet>> count(const LibraryIndex::Reading &reading, const ContentBuilder::IsWanted &isWanted);
+    const ZQPredicate *conditionOf(const QString &text);
     std::optional<ZQRowSet> content(const LibraryIndex::Reading &reading) const;
     const ZQRowSet &rowsFor(FacetKind kind, const LibraryIndex::Reading &reading);
     QList<FacetValue> values(FacetKind kind, const LibraryIndex::Reading &reading);
@@ -38,6 +41,7 @@ private:
     FacetText m_read;
     ContentBuilder::Scope m_scope;
     std::map<QString, ZQPredicate> m_conditions; // by text
+    QStringList m_unprepared;
     std::map<QString, ZQRowSet> m_rows;
     ZQRowSet m_content;
     bool m_isComplete = true; // the index had an answer to all

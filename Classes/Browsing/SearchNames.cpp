@@ -1,15 +1,13 @@
 #include "Classes/Browsing/SearchNames.h"
 
+#include "Classes/Browsing/ItemCount.h"
 #include "Classes/Browsing/KindNames.h"
 #include "Classes/Browsing/LibraryIndex.h"
-#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Persistence/ZQCollator.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
-
-#include <QLocale>
 
 #include <algorithm>
 #include <map>
@@ -131,10 +129,7 @@ std::optional<QList<SearchCompletion>> SearchNames::of(SearchField field, ZQMana
     });
     QList<SearchCompletion> result;
     for (const Named &each : sorted) {
-        const QString meaning = each.count == 0   ? QString()
-                                : each.count == 1 ? zqLocalized("1 item")
-                                                  : zqFormat(zqLocalized("%@ items"), {QLocale().toString(each.count)});
-        result.append({each.name, {}, {}, meaning});
+        result.append({each.name, {}, {}, each.count == 0 ? QString() : zqItemCount(each.count)});
     }
     return result;
 }

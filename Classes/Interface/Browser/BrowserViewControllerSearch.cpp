@@ -1,5 +1,6 @@
 // What a search shows and what it hides: chips, refine bar, and the counts of the head and the status row.
 
+#include "Classes/Browsing/ItemCount.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
 #include "Classes/Interface/Browser/RefineBar.h"
@@ -43,7 +44,7 @@ QString BrowserViewController::countText() const
     if (const auto total = m_hidden->total(); total && *total > count) {
         return zqFormat(zqLocalized("%@ of %@ items"), {QLocale().toString(count), QLocale().toString(*total)});
     }
-    return count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(count)});
+    return zqItemCount(count);
 }
 
 void BrowserViewController::updateStatus()

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/FacetButton.h"
 
+#include "Classes/Browsing/ItemCount.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQTheme.h"
 
@@ -35,10 +36,8 @@ FacetButton::FacetButton(QWidget *parent) : QAbstractButton(parent)
 
 QString FacetButton::spoken(const FacetValue &value)
 {
-    const QString items =
-        value.count == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%@ items"), {QLocale().toString(value.count)});
     const QString state = value.isChosen ? zqLocalized("chosen") : zqLocalized("not chosen");
-    return QStringList{value.title, items, state}.join(QStringLiteral(", "));
+    return QStringList{value.title, zqItemCount(value.count), state}.join(QStringLiteral(", "));
 }
 
 void FacetButton::showValue(FacetKind kind, const FacetValue &value)

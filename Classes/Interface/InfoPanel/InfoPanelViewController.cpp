@@ -1,6 +1,7 @@
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 
 #include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/ItemCount.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Classes/Browsing/SearchToken.h"
 #include "Classes/Editing/ItemEdits.h"
@@ -351,8 +352,7 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
     m_summary = summary;
     showPicture(*first, isOne);
     if (!keepsTitle) {
-        setShown(m_title,
-                 isOne ? first->title() : zqFormat(zqLocalized("%@ items"), {QLocale().toString(items.size())}));
+        setShown(m_title, isOne ? first->title() : zqItemCount(items.size()));
     }
     m_title->setReadOnly(!isOne);
     m_title->setFocusPolicy(isOne ? Qt::StrongFocus : Qt::NoFocus);
