@@ -26,10 +26,10 @@ const QString exportOpenKey = QStringLiteral("exportPanelOpen");
 const QString detailZoomKey = QStringLiteral("detailZoom");
 const QString detailScrollKey = QStringLiteral("detailScroll");
 
-constexpr qsizetype mostItems = 1000;      // of one tab; each is looked for
-constexpr double furthest = 1e15;          // a place on a screen
+constexpr qsizetype mostItems = 1000; // of one tab; each is looked for
+constexpr double furthest = 1e15;     // a place on a screen
 constexpr qsizetype longestText = SearchManager::longestText;
-constexpr qsizetype mostRanges = 20000;    // of a selection; in more pieces it is not kept
+constexpr qsizetype mostRanges = 20000; // of a selection; in more pieces it is not kept
 
 template <class T>
 QVariant valueOf(const std::optional<T> &value)
@@ -56,6 +56,7 @@ public:
         m_areFine = m_areFine && value.toString().size() <= longestText;
         return value.toString();
     }
+    void ignoredText(const QString &key) { take(key, QMetaType::fromType<QString>()); }
     QStringList texts(const QString &key)
     {
         QStringList result;
@@ -214,6 +215,7 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     if (const QString format = fields.text(predicateKey); !format.isEmpty()) {
         tab->setFilterPredicate(ZQPredicate::predicateWithFormat(format)); // null when it is none any more
     }
+    fields.ignoredText(nameKey); // the sidebar items may have other titles now
     TabViewState &view = tab->view;
     const QString detailURI = fields.text(detailKey);
     const auto detail = detailURI.isEmpty()

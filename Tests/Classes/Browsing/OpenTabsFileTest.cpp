@@ -260,6 +260,7 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
     }
     EXPECT_TRUE(reads(tabWith("filterPredicate", QStringLiteral("no ( predicate")))) << "searched anew from the text";
     EXPECT_TRUE(reads(tabWith("sortDirection", true)));
+    EXPECT_TRUE(reads(tabWith("tabName", QString(70000, u'x')))) << "a title may be as long as it likes";
 
     for (int number = 1; number <= OpenTabsFile::mostSetAside + 2; ++number) {
         EXPECT_FALSE(reads("damaged " + QByteArray::number(number)));
