@@ -215,3 +215,25 @@ TEST_F(SavedSearchTest, OneThatFindsNothingSaysWhy)
     searchFor("red");
     EXPECT_TRUE(browser().content().emptyText().contains(QStringLiteral("red")));
 }
+
+TEST_F(SavedSearchTest, ItKeepsTheOrderThatWasShown)
+{
+    run(CommandID(int(CommandID::SortManually) + int(ZQSortValue::Title)));
+    run(CommandID::SortDescending);
+    const auto smart = saved("#tt e", "Mine");
+    ASSERT_TRUE(smart);
+    EXPECT_EQ(smart->sortKeys(), int(ZQSortValue::Title));
+    EXPECT_FALSE(smart->sortDirection());
+}
+
+TEST_F(SavedSearchTest, ATextThatTheFieldWouldCutIsNotTakenFromIt)
+{
+    const auto smart = saved("#tt e", "Mine");
+    ASSERT_TRUE(smart);
+    zqCast<ZQSidebarSmartFolder>(smart)->setSearchText(QStringLiteral("e ").repeated(40000));
+    delegate->saveAction();
+    settle();
+    run(CommandID::EditSearch);
+    settle();
+    EXPECT_FALSE(isEnabled(CommandID::UpdateSearch));
+}

@@ -504,3 +504,18 @@ TEST_F(SidebarTest, RowsShowWhatIsChosenFocusedAndAway)
     EXPECT_EQ(index(a).data(SidebarTreeModel::CountRole).toString(), QString());
     EXPECT_EQ(index(a).data(Qt::AccessibleTextRole).toString(), QStringLiteral("A"));
 }
+
+TEST_F(SidebarTest, LabelsAreNeitherChosenNorSteppedOn)
+{
+    sidebar().selectItems({projects->objectID()});
+    EXPECT_TRUE(sidebar().selectedItems().isEmpty() || !sidebar().selectedItems().contains(projects->objectID()));
+    sidebar().selectItems({ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::Screenshots, context())->objectID()});
+    tree()->setFocus();
+    press(Qt::Key_Down);
+    ASSERT_EQ(sidebar().selectedItems().size(), 1);
+    EXPECT_NE(sidebar().selectedItems().first(), projects->objectID());
+    EXPECT_FALSE(tree()->selectionModel()->selectedIndexes().isEmpty()) << "where it stands is seen";
+    press(Qt::Key_Up);
+    EXPECT_TRUE(sidebar().selectedItems().contains(
+        ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::Screenshots, context())->objectID()));
+}
