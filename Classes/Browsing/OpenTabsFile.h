@@ -5,7 +5,9 @@
 #include <memory>
 #include <optional>
 
-// The file of a window's open tabs: a keyed archive of a dictionary with "tabs" and "indexOfSelectedTab". Main thread.
+// The file of a window's open tabs: a keyed archive of a dictionary with "tabs" and "indexOfSelectedTab". There is one
+// place for all libraries; what it holds of another one than is open is kept beside it, under that one's identifier,
+// until that one is opened again. Main thread.
 class OpenTabsFile
 {
 public:
@@ -17,21 +19,28 @@ public:
 
     explicit OpenTabsFile(QString path) : m_path(std::move(path)) {}
 
-    // Nothing when there is no file, when it lists no tab, and when none of its tabs is of this library. One that
-    // cannot be read as what it should be is set aside, so that the next one does not overwrite it.
-    std::optional<Tabs> read(EditContext &edits) const;
-    // Beside the file, flushed and renamed over it. False when that failed, which was logged; true without a write when
-    // nothing differs from what was written last.
+    // Of this library, from the file or from what was kept beside it. Nothing when there is neither or no tab is
+    // listed; a tab of which all is gone has an empty selection. A file that cannot be read as what it should be is set
+    // aside, so that the next one does not overwrite it.
+    std::optional<Tabs> read(EditContext &edits);
+    // Beside the file, flushed and renamed over it, after what is there of another library was kept. False when one of
+    // them failed, which was logged; true without a write when nothing differs from what was written last.
     bool write(const Tabs &tabs, EditContext &edits);
 
     static constexpr int mostSetAside = 5;
+    static constexpr int mostOthers = 50;       // libraries whose tabs are kept beside the file
     static constexpr qint64 largest = 16 << 20; // bytes
     static constexpr qsizetype mostTabs = 200;
 
 private:
-    std::optional<Tabs> tabsOf(const QByteArray &data, EditContext &edits, QString *problem) const;
-    void setAside(const QString &problem) const;
+    std::optional<QVariantMap> archiveAt(const QString &path) const;
+    std::optional<Tabs> tabsOf(const QVariantMap &archive, EditContext &edits, QString *problem) const;
+    void setAside(const QString &path, const QString &problem) const;
+    QString pathFor(const QUuid &store) const;
+    bool keepOther(const QUuid &store) const;
+    void removeOldestOthers(const QUuid &kept, const QUuid &open) const;
 
     QString m_path;
     QByteArray m_written;
+    bool m_hasOwn = false; // what was kept of this library was read, if there was any
 };

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -127,6 +128,12 @@ ZQObjectID lasting(const ZQObjectID &id, const ZQRef<T> &object)
     return now.isTemporary() ? ZQObjectID() : now;
 }
 
+// Of what `ZQObjectID::URIRepresentation` gave; null while temporary and for other texts.
+QUuid storeOfURI(const QString &uri)
+{
+    return uri.startsWith(QStringLiteral("x-zelto://")) ? QUuid::fromString(uri.section(u'/', 2, 2)) : QUuid();
+}
+
 void saveWhatIsTemporary(TabState &tab, EditContext &edits)
 {
     const QList<ZQObjectID> &items = tab.sidebarSelectedItems();
@@ -185,7 +192,21 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
              {detailScrollKey, valueOf(view.detailScroll)}}};
 }
 
-std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, EditContext &edits, Naming &naming)
+QSet<QUuid> TabStateArchive::storesNamedBy(const QVariant &archive)
+{
+    const QVariantMap fields = archive.value<ZQKeyedArchive::Object>().fields;
+    QVariantList uris = fields.value(sidebarKey).toList();
+    uris.append(fields.value(detailKey));
+    QSet<QUuid> stores;
+    for (const QVariant &uri : std::as_const(uris)) {
+        if (const QUuid store = storeOfURI(uri.toString()); !store.isNull()) {
+            stores.insert(store);
+        }
+    }
+    return stores;
+}
+
+std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, EditContext &edits)
 {
     const auto object = archive.value<ZQKeyedArchive::Object>();
     if (object.className != className) {
@@ -200,8 +221,6 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
             items.append(item->objectID());
         }
     }
-    naming.named += uris.size();
-    naming.found += items.size();
     auto tab = std::make_shared<TabState>(edits, items);
     tab->setSearchString(fields.text(searchKey));
     if (const auto value = fields.whole(sortKey, int(ZQSortValue::CreationDate))) {

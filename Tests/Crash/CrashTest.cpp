@@ -57,7 +57,7 @@ class World
 {
 public:
     explicit World(const QString &zelto)
-        : m_zelto(zelto), m_folder(QDir::currentPath() + QStringLiteral("/crash-XXXXXX"))
+        : m_zelto(zelto), m_folder(QCoreApplication::applicationDirPath() + QStringLiteral("/crash-XXXXXX"))
     {
         for (const char *name : {"data", "config", "run", "tmp", "input"}) {
             QDir().mkpath(path(QLatin1String(name)));

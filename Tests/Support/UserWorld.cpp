@@ -1,11 +1,12 @@
 #include "Tests/Support/UserWorld.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 namespace {
 QString templateFor(const char *name)
 {
-    return QDir::currentPath() + u'/' + QString::fromLatin1(name) + QStringLiteral("-XXXXXX");
+    return QCoreApplication::applicationDirPath() + u'/' + QString::fromLatin1(name) + QStringLiteral("-XXXXXX");
 }
 } // namespace
 

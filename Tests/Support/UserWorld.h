@@ -5,7 +5,8 @@
 #include <QTemporaryDir>
 
 // Everything the application keeps for a person, and its temporary files, go into folders below a folder of the test's
-// own while this lives. The folder is not in the temporary area: what lies there is moved into the library.
+// own while this lives. The folder is beside the test program: in the temporary area what is imported would be moved,
+// and in the current folder a test that is killed would leave it to the sources.
 class UserWorld
 {
 public:

@@ -45,6 +45,15 @@ protected:
 
 } // namespace
 
+TEST_F(Environment, TheWorldOfATestLiesBesideItsProgramWhereverItIsStarted)
+{
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(world.path()));
+    const UserWorld inner("inner");
+    QDir::setCurrent(before);
+    EXPECT_EQ(QFileInfo(inner.path()).path(), QCoreApplication::applicationDirPath());
+}
+
 TEST_F(Environment, ReadsWhatAFileCarriesAndTellsNothingFromNone)
 {
     if (!keepsAttributes()) {

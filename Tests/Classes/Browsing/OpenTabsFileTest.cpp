@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQKeyedArchive.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
@@ -180,6 +181,102 @@ TEST_F(OpenTabsFileTest, WhatIsGoneIsLeftOutAndTabsOfAnotherLibraryAreNotOpened)
     EXPECT_FALSE(reads(archive(QVariantList())));
     EXPECT_EQ(aside(), QStringList()) << "nothing was kept, which is no damage";
     EXPECT_EQ(OpenTabsFile(library.path(QStringLiteral("nowhere/tabs.plist"))).read(editing).has_value(), false);
+}
+
+TEST_F(OpenTabsFileTest, TabsWhoseItemsAreAllGoneStayWithWhatWasSearchedInThem)
+{
+    written();
+    a->deleteSelf();
+    b->deleteSelf();
+    library.context().save();
+    const auto back = OpenTabsFile(path).read(editing);
+    ASSERT_TRUE(back);
+    ASSERT_EQ(back->tabs.size(), 2);
+    EXPECT_EQ(back->indexOfSelectedTab, 1);
+    EXPECT_TRUE(back->tabs[0]->sidebarSelectedItems().isEmpty());
+    EXPECT_EQ(back->tabs[0]->searchString(), QStringLiteral("wörds"));
+}
+
+TEST_F(OpenTabsFileTest, EveryLibraryGetsItsOwnTabsBack)
+{
+    ScratchLibrary other;
+    EditContext there{other.context(), user, editQueue, [] { return true; }};
+    const auto project = other.context().insertNewObject<ZQSidebarProject>();
+    project->setTitle(QStringLiteral("There"));
+    project->setActive(true);
+    ASSERT_TRUE(other.context().save());
+    const OpenTabsFile::Tabs othersTabs{{std::make_shared<TabState>(there, QList<ZQObjectID>{project->objectID()})}, 0};
+    const auto kept = [this](const ScratchLibrary &of) {
+        return library.path(
+            QStringLiteral("opened_tabs-%1.plist").arg(of.coordinator()->storeUUID().toString(QUuid::WithoutBraces)));
+    };
+
+    const QByteArray ours = written();
+    OpenTabsFile thereFile(path);
+    EXPECT_FALSE(thereFile.read(there));
+    EXPECT_EQ(ScratchLibrary::readFile(path), ours) << "opening changes nothing";
+    ASSERT_TRUE(thereFile.write(othersTabs, there));
+    EXPECT_EQ(ScratchLibrary::readFile(kept(library)), ours);
+    const QByteArray theirs = ScratchLibrary::readFile(path);
+
+    OpenTabsFile hereFile(path);
+    auto back = hereFile.read(editing);
+    ASSERT_TRUE(back);
+    ASSERT_EQ(back->tabs.size(), 2);
+    EXPECT_EQ(back->tabs[0]->searchString(), QStringLiteral("wörds"));
+    EXPECT_TRUE(QFile::exists(kept(library))) << "it is not written yet";
+    ASSERT_TRUE(hereFile.write(*back, editing));
+    EXPECT_FALSE(QFile::exists(kept(library)));
+    EXPECT_EQ(ScratchLibrary::readFile(kept(other)), theirs);
+    back->tabs[1]->setZoom(0.1);
+    ASSERT_TRUE(hereFile.write(*back, editing));
+    EXPECT_EQ(ScratchLibrary::readFile(kept(other)), theirs);
+
+    // Where the other one's cannot be kept, they are not overwritten.
+    library.writeFile(QStringLiteral("opened_tabs.plist"), theirs);
+    QFile::remove(kept(other));
+    QDir().mkpath(kept(other));
+    EXPECT_FALSE(OpenTabsFile(path).write(*back, editing));
+    EXPECT_EQ(ScratchLibrary::readFile(path), theirs);
+    QDir().rmdir(kept(other));
+
+    // A file that names nothing may be anyone's: what is known to be this library's comes first.
+    library.writeFile(QFileInfo(kept(library)).fileName(), ours);
+    library.writeFile(QStringLiteral("opened_tabs.plist"), tabWith("sortDirection", true));
+    EXPECT_EQ(OpenTabsFile(path).read(editing)->tabs.size(), 2);
+    library.writeFile(QFileInfo(kept(library)).fileName(), "damaged");
+    EXPECT_EQ(OpenTabsFile(path).read(editing)->tabs.size(), 1);
+    EXPECT_FALSE(QFile::exists(kept(library))) << "set aside";
+}
+
+TEST_F(OpenTabsFileTest, TabsOfManyLibrariesAreKeptAndNoOtherFileEverGoes)
+{
+    const auto of = [](const QUuid &store) {
+        return tabWith(
+            "sidebarSelectedItemIDStrings",
+            QVariantList{QStringLiteral("x-zelto://%1/SidebarProject/p1").arg(store.toString(QUuid::WithoutBraces))});
+    };
+    const QStringList foreign{QStringLiteral("opened_tabs-mine.plist"), QStringLiteral("opened_tabs (damaged 1).plist"),
+                              QStringLiteral("opened_tabs-%1.plist").arg(QUuid::createUuid().toString())};
+    for (const QString &name : foreign) {
+        library.writeFile(name, "a person's");
+        QFile file(library.path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) &&
+                    file.setFileTime(QDateTime::fromSecsSinceEpoch(1), QFileDevice::FileModificationTime));
+    }
+    QUuid last;
+    for (int number = 0; number < OpenTabsFile::mostOthers + 3; ++number) {
+        last = QUuid::createUuid();
+        library.writeFile(QStringLiteral("opened_tabs.plist"), of(last));
+        ASSERT_TRUE(OpenTabsFile(path).write(everyProperty(), editing));
+    }
+    const auto kept =
+        QDir(library.path(QStringLiteral("."))).entryList({QStringLiteral("opened_tabs-[0-9a-f]*.plist")});
+    EXPECT_EQ(kept.size(), OpenTabsFile::mostOthers);
+    EXPECT_TRUE(kept.contains(QStringLiteral("opened_tabs-%1.plist").arg(last.toString(QUuid::WithoutBraces))));
+    for (const QString &name : foreign) {
+        EXPECT_TRUE(QFile::exists(library.path(name))) << name.toStdString();
+    }
 }
 
 TEST_F(OpenTabsFileTest, AFileCutAnywhereIsSetAsideAndNeverReadAsAnother)

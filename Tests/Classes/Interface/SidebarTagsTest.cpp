@@ -140,20 +140,29 @@ TEST_F(SidebarTagsTest, ADragThatRestsOnTheSwitchTurnsItAndGoesOnToATag)
 
 TEST_F(SidebarTagsTest, AProjectThatIsTakenBackWhileTheTagsAreShownIsNotLeftOpen)
 {
-    show(b);
-    press(Qt::Key_N, Qt::ControlModifier);
-    press(Qt::Key_Return);
-    settle();
-    ASSERT_EQ(browser().content().tab().tabName(), QStringLiteral("New Project"));
-    sides().setCurrentIndex(1);
-    settle();
-    run(CommandID::Undo);
-    settle();
-    EXPECT_FALSE(children(projects).contains(QStringLiteral("New Project")));
-    ASSERT_TRUE(browser().content().singleItem());
-    EXPECT_TRUE(browser().content().singleItem()->active());
-    EXPECT_EQ(sidebar().selectedItems(), browser().sidebarItems());
-    EXPECT_EQ(sides().currentIndex(), 1);
+    // Made beside a project; in a folder, that was closed since; and seen in a tab of its own.
+    for (const auto &[from, closes, isTab] : {std::tuple{b, false, false}, {folder, true, false}, {b, false, true}}) {
+        show(from);
+        if (isTab) {
+            run(CommandID::NewTab);
+        }
+        press(Qt::Key_N, Qt::ControlModifier);
+        press(Qt::Key_Return);
+        settle();
+        ASSERT_EQ(browser().content().tab().tabName(), QStringLiteral("New Project"));
+        if (closes) {
+            tree()->collapse(tree()->tree()->indexOf(folder->objectID()));
+            settle();
+        }
+        sides().setCurrentIndex(1);
+        settle();
+        run(CommandID::Undo);
+        settle();
+        ASSERT_TRUE(browser().content().singleItem()) << closes << isTab;
+        EXPECT_TRUE(browser().content().singleItem()->active()) << closes << isTab;
+        EXPECT_EQ(sidebar().selectedItems(), browser().sidebarItems());
+        EXPECT_EQ(sides().currentIndex(), 1) << "the side that is looked at stays";
+    }
 }
 
 TEST_F(SidebarTagsTest, FilesThatWouldMakeAProjectAreToldSoWhileTheyAreDragged)

@@ -8,6 +8,7 @@
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Tests/Support/Skip.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -59,6 +60,6 @@ protected:
         return ZQExtendedAttributes::get(file, name);
     }
 
-    QTemporaryDir folder{QDir::currentPath() + QStringLiteral("/tags-XXXXXX")};
+    QTemporaryDir folder{QCoreApplication::applicationDirPath() + QStringLiteral("/tags-XXXXXX")};
     QString path;
 };

@@ -6,13 +6,13 @@
 
 int main(int argc, char **argv)
 {
-    const QTemporaryDir world(QDir::currentPath() + QStringLiteral("/tags-world-XXXXXX"));
+    const QCoreApplication application(argc, argv);
+    const QTemporaryDir world(QCoreApplication::applicationDirPath() + QStringLiteral("/tags-world-XXXXXX"));
     for (const char *name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR"}) {
         const QString folder = world.filePath(QString::fromLatin1(name).toLower());
         QDir().mkpath(folder);
         qputenv(name, folder.toLocal8Bit());
     }
-    const QCoreApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
