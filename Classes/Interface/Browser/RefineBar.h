@@ -11,7 +11,7 @@ class QLabel;
 struct WindowContext;
 
 // By what the items that are shown can be refined, with counts; a choice writes the search text. Counts only while it
-// is visible. One stop of the Tab key: the arrow keys go from value to value.
+// is visible, and says so while it cannot. One stop of the Tab key: the arrow keys go from value to value.
 class RefineBar : public QWidget
 {
     Q_OBJECT
@@ -41,6 +41,7 @@ protected:
 
 private:
     void showFacets(const QList<Facet> &facets);
+    void showNoFacets(); // and why
     void showFacet(const Facet &facet);
     FacetButton *nextButton();
     QLabel *nextCaption();
@@ -58,6 +59,6 @@ private:
     QList<QLabel *> m_captions;     // the same
     qsizetype m_buttonCount = 0;
     qsizetype m_captionCount = 0;
-    QLabel *m_waiting;
+    QLabel *m_absent; // stands for the facets while there are none
     ContentFetcher::Ticket m_ticket;
 };
