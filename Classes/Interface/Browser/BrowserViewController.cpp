@@ -69,6 +69,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_stack);
+    m_refine->setNextStop(m_grid);
 
     m_refetch.setSingleShot(true);
     m_refetch.setInterval(40); // several changes in a row are one fetch

@@ -132,11 +132,27 @@ QList<FacetValue> RefineBar::shownValues(const Facet &facet)
     return shown;
 }
 
+// What takes no focus just now has no place in the order of the Tab key that could be set.
+void RefineBar::putAfter(QWidget *before, QWidget *widget)
+{
+    const Qt::FocusPolicy policies[] = {before->focusPolicy(), widget->focusPolicy()};
+    before->setFocusPolicy(Qt::StrongFocus);
+    widget->setFocusPolicy(Qt::StrongFocus);
+    setTabOrder(before, widget);
+    before->setFocusPolicy(policies[0]);
+    widget->setFocusPolicy(policies[1]);
+}
+
+void RefineBar::setNextStop(QWidget *widget)
+{
+    putAfter(m_buttons.isEmpty() ? static_cast<QWidget *>(this) : m_buttons.last(), widget);
+}
+
 FacetButton *RefineBar::nextButton()
 {
     if (m_buttonCount == m_buttons.size()) {
         auto *button = new FacetButton(this);
-        setTabOrder(m_buttons.isEmpty() ? static_cast<QWidget *>(this) : m_buttons.last(), button);
+        putAfter(m_buttons.isEmpty() ? static_cast<QWidget *>(this) : m_buttons.last(), button);
         m_buttons.append(button);
         connect(button, &FacetButton::clicked, this, [this, button] {
             if (button->isMore()) {

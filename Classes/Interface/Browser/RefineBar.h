@@ -20,7 +20,8 @@ public:
 
     // What is shown, with its text as it was typed.
     void setContent(const ContentQuery &query, const QString &searchText);
-    void recount(); // what the store holds changed
+    void recount();                    // what the store holds changed
+    void setNextStop(QWidget *widget); // of the Tab key, after its values
     const QList<Facet> &facets() const { return m_facets; }
     void choose(FacetKind kind, const QString &token); // or takes it away
 
@@ -43,6 +44,7 @@ private:
     void showFacets(const QList<Facet> &facets);
     void showNoFacets(); // and why
     void showFacet(const Facet &facet);
+    static void putAfter(QWidget *before, QWidget *widget); // in the order of the Tab key
     FacetButton *nextButton();
     QLabel *nextCaption();
     int place(int width, bool moves) const; // the height that takes

@@ -242,6 +242,16 @@ TEST_F(RefineBarTest, ItIsOneTabStopInWhichTheArrowsMove)
     EXPECT_FALSE(qobject_cast<FacetButton *>(QApplication::focusWidget()));
 }
 
+TEST_F(RefineBarTest, ItComesRightBeforeTheGrid)
+{
+    open();
+    grid().setFocus();
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), buttons().first());
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
 TEST_F(RefineBarTest, AMenuHasAllValuesAndFindsAmongThem)
 {
     for (int i = 1; i <= 9; ++i) {
