@@ -119,6 +119,12 @@ bool LibraryIndex::isReady() const
     return d->columns != nullptr;
 }
 
+bool LibraryIndex::hasFailed() const
+{
+    const ZQLockGuard guard(d->lock);
+    return d->tried > d->current;
+}
+
 // A cancellation wakes nobody.
 template <class Done>
 bool LibraryIndex::Private::wait(Done done)
@@ -266,6 +272,8 @@ void LibraryIndex::Private::run(LibraryIndex *owner)
         did(number, columns != nullptr);
         if (isAnew) {
             order();
+        } else if (!columns && !cancellation->isCancelled()) {
+            tell(owner, &LibraryIndex::failed);
         }
     }
 }

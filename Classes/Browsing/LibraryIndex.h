@@ -43,6 +43,8 @@ public:
 
     // It answers, though for a moment not yet in the order of titles.
     bool isReady() const;
+    // It could not be read, and is tried again with what is announced next.
+    bool hasFailed() const;
     // Waits until what was announced before the call is in, all of the library the first time. False when the store
     // could not be read, or the thread's ZQCancellation was cancelled meanwhile.
     bool waitUntilCurrent();
@@ -103,6 +105,7 @@ public:
 
 Q_SIGNALS:
     void ready();   // on the index's thread of affinity
+    void failed();  // the same; what was ready is no more
     void changed(); // the same, after what was announced is in
 
 private:

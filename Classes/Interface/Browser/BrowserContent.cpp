@@ -131,7 +131,12 @@ QString BrowserContent::shownSearch() const
 
 void BrowserContent::reload()
 {
-    m_tab->buildCache(m_contentTicket, [this](const Content &content) { take(content); });
+    m_tab->buildCache(m_contentTicket, [this, fetch = ++m_fetches](const Content &content) {
+        take(content);
+        if (!content.isBeginning) {
+            Q_EMIT answered(fetch);
+        }
+    });
 }
 
 // One group that is the sidebar item itself has its name in the head already.

@@ -30,9 +30,10 @@ public:
     ZQRef<ZQSidebarBaseItem> singleItem() const { return m_tab->singleSidebarElement(); }
     void setSort(ZQSortValue value, bool isAscending);
     void setDisplayStyle(BrowserDisplayStyle style);
-    void setShowsValues(bool showsValues); // of a list, which are read for the rows that are shown
-    void reload();                         // fetches again
-    void dropObjects();                    // what is shown changed: reads it again when painted
+    void setShowsValues(bool showsValues);        // of a list, which are read for the rows that are shown
+    void reload();                                // fetches again
+    quint64 fetches() const { return m_fetches; } // so many have begun
+    void dropObjects();                           // what is shown changed: reads it again when painted
     // Null unless the rows could not be read; then there are none, and `emptyText` says why.
     const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
@@ -67,6 +68,7 @@ Q_SIGNALS:
     // What was fetched differs from what is shown. At the first the rows are still the old ones.
     void aboutToChange();
     void changed();
+    void answered(quint64 fetch);   // the one of this number is wholly there, changed or not
     void typingFound(qint64 index); // what `indexForTyping` was asked for
     void valuesArrived();
 
@@ -85,6 +87,7 @@ private:
     QString m_missingFolder;
     BrowserRowValues m_values;
     bool m_showsValues = false;
+    quint64 m_fetches = 0;
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same
     mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;

@@ -25,6 +25,7 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSlider>
 #include <QStackedWidget>
 
@@ -68,6 +69,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_stack);
+    m_refine->setNextStop(m_grid);
 
     m_refetch.setSingleShot(true);
     m_refetch.setInterval(40); // several changes in a row are one fetch
@@ -86,7 +88,11 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     connect(&m_refetch, &QTimer::timeout, m_hidden, &HiddenItems::recount);
     connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
     connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
+    connect(m_content, &BrowserContent::answered, this, &BrowserViewController::endWaiting);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
+        if (!m_isSelecting) {
+            forgetWanted();
+        }
         updateStatus();
         Q_EMIT selectionChanged();
     });
@@ -189,6 +195,8 @@ void BrowserViewController::showSidebarItems(const QList<ZQObjectID> &items)
 // The rows may be there at once, or later.
 void BrowserViewController::showOther(const std::function<void()> &change)
 {
+    const QScopedValueRollback selecting(m_isSelecting, true);
+    forgetWanted();
     closeDetail();
     m_refetch.stop();
     m_isShowingOther = true;
@@ -224,6 +232,7 @@ void BrowserViewController::contentWillChange()
 
 void BrowserViewController::contentDidChange()
 {
+    const QScopedValueRollback selecting(m_isSelecting, true);
     m_grid->reloadData();
     if (m_restoresView) {
         restoreView();
@@ -231,8 +240,7 @@ void BrowserViewController::contentDidChange()
         if (!std::exchange(m_keepsScroll, true)) {
             m_grid->setScrollOffset(0);
         }
-        const bool selectsOther = !m_itemsToSelect.isEmpty();
-        selectWhatIsWanted(m_content->indexesOfRows(std::exchange(m_rowsToSelect, {})));
+        const bool selectsOther = selectWhatIsWanted(m_content->indexesOfRows(std::exchange(m_rowsToSelect, {})));
         if (selectsOther || m_grid->selection().count() == 1) {
             m_grid->scrollToIndex(m_grid->selection().first());
         }
@@ -249,11 +257,14 @@ void BrowserViewController::contentDidChange()
     Q_EMIT selectionChanged();
 }
 
-void BrowserViewController::selectWhatIsWanted(ZQIndexSet selection)
+bool BrowserViewController::selectWhatIsWanted(ZQIndexSet selection)
 {
-    if (!m_itemsToSelect.isEmpty()) {
-        const ZQIndexSet wanted = m_content->indexesOfLibraryItems(std::exchange(m_itemsToSelect, {}));
-        selection = wanted.isEmpty() ? selection : wanted;
+    const ZQIndexSet wanted = m_content->indexesOfLibraryItems(m_itemsToSelect);
+    if (!wanted.isEmpty()) {
+        selection = wanted;
+    }
+    if (wanted.count() >= m_itemsToSelect.size()) {
+        m_itemsToSelect.clear();
     }
     const qint64 place = std::exchange(m_indexToSelect, -1);
     if (selection.isEmpty() && place >= 0 && m_content->count() > 0) {
@@ -261,6 +272,23 @@ void BrowserViewController::selectWhatIsWanted(ZQIndexSet selection)
         selection = ZQIndexSet(index, index);
     }
     m_grid->setSelection(selection);
+    return !wanted.isEmpty();
+}
+
+void BrowserViewController::forgetWanted()
+{
+    ++m_moment;
+    m_itemsToSelect.clear();
+    m_indexToSelect = -1;
+}
+
+// What that fetch did not bring is not shown here: it was deleted, or a search hides it.
+void BrowserViewController::endWaiting(quint64 fetch)
+{
+    const bool isMoreToCome = m_refetch.isActive() || m_window.isBusy();
+    if (fetch > m_wantedSince && !isMoreToCome) {
+        m_itemsToSelect.clear();
+    }
 }
 
 void BrowserViewController::restoreView()
@@ -268,6 +296,7 @@ void BrowserViewController::restoreView()
     if (!m_restoresView || m_isShowingOther || m_content->isLoading()) {
         return;
     }
+    const QScopedValueRollback selecting(m_isSelecting, true);
     m_restoresView = false;
     m_keepsScroll = true;
     const TabViewState view = m_content->tab().view;
@@ -275,8 +304,7 @@ void BrowserViewController::restoreView()
     if (selection.isEmpty()) {
         selection = view.selectionIndexes;
     }
-    const bool selectsOther = !m_itemsToSelect.isEmpty();
-    selectWhatIsWanted(selection);
+    const bool selectsOther = selectWhatIsWanted(selection);
     if (selectsOther) {
         m_grid->scrollToIndex(m_grid->selection().first());
     } else {
@@ -376,7 +404,9 @@ ZQRef<ZQLibraryBaseItem> BrowserViewController::firstSelected() const
 void BrowserViewController::selectLibraryItems(const QList<ZQObjectID> &items)
 {
     const ZQIndexSet indexes = m_restoresView ? ZQIndexSet() : m_content->indexesOfLibraryItems(items);
+    const QScopedValueRollback selecting(m_isSelecting, true);
     m_itemsToSelect = indexes.count() < items.size() ? items : QList<ZQObjectID>();
+    m_wantedSince = m_content->fetches();
     if (!indexes.isEmpty()) {
         m_grid->setSelection(indexes);
         m_grid->scrollToIndex(indexes.first());
@@ -463,12 +493,13 @@ void BrowserViewController::duplicate()
 {
     if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
         const auto single = m_content->singleItem();
-        LibraryCommands(m_window).duplicateItems(items, single ? single->objectID() : ZQObjectID(),
-                                                 [self = QPointer(this)](const QList<ZQObjectID> &copies) {
-                                                     if (self && !self->isDetailOpen()) {
-                                                         self->selectLibraryItems(copies);
-                                                     }
-                                                 });
+        LibraryCommands(m_window).duplicateItems(
+            items, single ? single->objectID() : ZQObjectID(),
+            [self = QPointer(this), moment = m_moment](const QList<ZQObjectID> &copies) {
+                if (self && self->m_moment == moment && !self->isDetailOpen()) {
+                    self->selectLibraryItems(copies);
+                }
+            });
     }
 }
 

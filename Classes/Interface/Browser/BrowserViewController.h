@@ -42,7 +42,7 @@ public:
     QList<ZQObjectID> selectedItems() const; // library items; the one shown in the detail view
     qint64 selectionCount() const;
     ZQRef<ZQLibraryBaseItem> firstSelected() const;
-    // At once, or when they are there; scrolled to.
+    // At once, or when the next fetch brings them, unless a person went on by then; scrolled to.
     void selectLibraryItem(const ZQObjectID &item) { selectLibraryItems({item}); }
     void selectLibraryItems(const QList<ZQObjectID> &items);
 
@@ -85,8 +85,10 @@ private:
     void contentWillChange();
     void contentDidChange();
     void scrollWhenLaidOut();
-    void restoreView(); // as the tab was left, once its rows are there
-    void selectWhatIsWanted(ZQIndexSet selection);
+    void restoreView();                            // as the tab was left, once its rows are there
+    bool selectWhatIsWanted(ZQIndexSet selection); // false: nothing of what was wanted is there
+    void forgetWanted();                           // a person went on
+    void endWaiting(quint64 fetch);
     void showDetailAt(qint64 index);
 
 protected:
@@ -109,9 +111,12 @@ private:
     EmptyState *m_empty;
     QSlider *m_zoom;
     QTimer m_refetch;
-    QList<ZQObjectID> m_rowsToSelect; // across a refetch
-    QList<ZQObjectID> m_itemsToSelect;
-    qint64 m_indexToSelect = -1; // when what was selected is gone
+    QList<ZQObjectID> m_rowsToSelect;  // across a refetch
+    QList<ZQObjectID> m_itemsToSelect; // of what is shown, as soon as they are there
+    quint64 m_wantedSince = 0;         // the last fetch that began before they were wanted
+    quint64 m_moment = 0;              // goes up when a person selects, or goes elsewhere
+    qint64 m_indexToSelect = -1;       // when what was selected is gone
+    bool m_isSelecting = false;        // by itself, and no person
     bool m_keepsScroll = false;
     bool m_restoresView = false;       // what the tab says of its view is not shown yet
     bool m_scrollsWhenLaidOut = false; // the grid has no size yet

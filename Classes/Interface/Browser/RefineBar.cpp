@@ -39,19 +39,20 @@ qsizetype mostValues(FacetKind kind)
 } // namespace
 
 RefineBar::RefineBar(WindowContext &window, QWidget *parent)
-    : QWidget(parent), m_waiting(new QLabel(zqLocalized("Counting…"), this)),
+    : QWidget(parent), m_absent(new QLabel(zqLocalized("Counting…"), this)),
       m_ticket(window.fetcher, ContentFetcher::Priority::Counts)
 {
     setObjectName(QStringLiteral("RefineBar"));
     setAccessibleName(zqLocalized("Refine"));
-    m_waiting->setObjectName(QStringLiteral("SmallMuted"));
-    m_shown = {m_waiting};
+    m_absent->setObjectName(QStringLiteral("SmallMuted"));
+    m_shown = {m_absent};
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setVisible(isWanted());
     if (const auto index = m_ticket.index()) {
         connect(index.get(), &LibraryIndex::ready, this, &RefineBar::recount);
+        connect(index.get(), &LibraryIndex::failed, this, &RefineBar::recount);
     }
 }
 
@@ -85,14 +86,32 @@ void RefineBar::showEvent(QShowEvent *event)
 
 void RefineBar::recount()
 {
-    if (isHidden() || m_query.sidebarItems.isEmpty()) {
+    if (isHidden()) {
+        return;
+    }
+    if (m_query.sidebarItems.isEmpty()) {
+        m_ticket.run([](auto &, const auto &) { return ContentFetcher::Ticket::Answer(); });
+        showFacets({});
         return;
     }
     m_ticket.run([this, query = m_query, index = m_ticket.index()](
                      ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
         const auto facets = index ? FacetCounts::of(query, context, *index, isWanted) : std::nullopt;
-        return facets ? ContentFetcher::Ticket::Answer([this, counted = *facets] { showFacets(counted); }) : nullptr;
+        return [this, facets] { facets ? showFacets(*facets) : showNoFacets(); };
     });
+}
+
+// Counts of before would be chosen by who takes them for those of what is shown.
+void RefineBar::showNoFacets()
+{
+    const auto index = m_ticket.index();
+    const bool isToCome = index && !index->isReady() && !index->hasFailed();
+    showFacets({});
+    m_absent->setText(isToCome ? zqLocalized("Counting…") : zqLocalized("The items could not be counted"));
+    m_shown = {m_absent};
+    m_absent->show();
+    updateGeometry();
+    RefineBar::place(width(), true);
 }
 
 void RefineBar::choose(FacetKind kind, const QString &token)
@@ -113,11 +132,27 @@ QList<FacetValue> RefineBar::shownValues(const Facet &facet)
     return shown;
 }
 
+// What takes no focus just now has no place in the order of the Tab key that could be set.
+void RefineBar::putAfter(QWidget *before, QWidget *widget)
+{
+    const Qt::FocusPolicy policies[] = {before->focusPolicy(), widget->focusPolicy()};
+    before->setFocusPolicy(Qt::StrongFocus);
+    widget->setFocusPolicy(Qt::StrongFocus);
+    setTabOrder(before, widget);
+    before->setFocusPolicy(policies[0]);
+    widget->setFocusPolicy(policies[1]);
+}
+
+void RefineBar::setNextStop(QWidget *widget)
+{
+    putAfter(m_buttons.isEmpty() ? static_cast<QWidget *>(this) : m_buttons.last(), widget);
+}
+
 FacetButton *RefineBar::nextButton()
 {
     if (m_buttonCount == m_buttons.size()) {
         auto *button = new FacetButton(this);
-        setTabOrder(m_buttons.isEmpty() ? static_cast<QWidget *>(this) : m_buttons.last(), button);
+        putAfter(m_buttons.isEmpty() ? static_cast<QWidget *>(this) : m_buttons.last(), button);
         m_buttons.append(button);
         connect(button, &FacetButton::clicked, this, [this, button] {
             if (button->isMore()) {
@@ -175,7 +210,7 @@ void RefineBar::showFacets(const QList<Facet> &facets)
     for (const Facet &facet : facets) {
         showFacet(facet);
     }
-    m_waiting->hide();
+    m_absent->hide();
     FacetButton *stop = m_buttonCount > 0 ? m_buttons.first() : nullptr;
     for (qsizetype i = 0; hadFocus && i < m_buttonCount; ++i) {
         const bool isSame = m_buttons[i]->kind() == before.first && m_buttons[i]->token() == before.second;

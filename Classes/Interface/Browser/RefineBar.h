@@ -11,7 +11,7 @@ class QLabel;
 struct WindowContext;
 
 // By what the items that are shown can be refined, with counts; a choice writes the search text. Counts only while it
-// is visible. One stop of the Tab key: the arrow keys go from value to value.
+// is visible, and says so while it cannot. One stop of the Tab key: the arrow keys go from value to value.
 class RefineBar : public QWidget
 {
     Q_OBJECT
@@ -20,7 +20,8 @@ public:
 
     // What is shown, with its text as it was typed.
     void setContent(const ContentQuery &query, const QString &searchText);
-    void recount(); // what the store holds changed
+    void recount();                    // what the store holds changed
+    void setNextStop(QWidget *widget); // of the Tab key, after its values
     const QList<Facet> &facets() const { return m_facets; }
     void choose(FacetKind kind, const QString &token); // or takes it away
 
@@ -41,7 +42,9 @@ protected:
 
 private:
     void showFacets(const QList<Facet> &facets);
+    void showNoFacets(); // and why
     void showFacet(const Facet &facet);
+    static void putAfter(QWidget *before, QWidget *widget); // in the order of the Tab key
     FacetButton *nextButton();
     QLabel *nextCaption();
     int place(int width, bool moves) const; // the height that takes
@@ -58,6 +61,6 @@ private:
     QList<QLabel *> m_captions;     // the same
     qsizetype m_buttonCount = 0;
     qsizetype m_captionCount = 0;
-    QLabel *m_waiting;
+    QLabel *m_absent; // stands for the facets while there are none
     ContentFetcher::Ticket m_ticket;
 };

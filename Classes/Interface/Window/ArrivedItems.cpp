@@ -87,14 +87,31 @@ ZQObjectID ArrivedItems::placeOf(const ZQObjectID &target) const
     return library ? library->objectID() : ZQObjectID();
 }
 
+QList<ZQObjectID> ArrivedItems::stillThere(const QList<ZQObjectID> &items) const
+{
+    QList<ZQObjectID> result;
+    for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(items, m_window.context)) {
+        if (item->active()) {
+            result.append(item->objectID());
+        }
+    }
+    return result;
+}
+
 void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target)
 {
+    const QList<ZQObjectID> left = stillThere(items);
+    if (left.isEmpty()) {
+        m_user.showNotificationWithText(zqLocalized("What was imported was deleted since. Undo brings it back."),
+                                        NotificationPlace::Browser, usualNotificationTime);
+        return;
+    }
     m_browser.closeDetail();
-    if (m_browser.content().indexesOfLibraryItems(items).isEmpty()) {
+    if (m_browser.content().indexesOfLibraryItems(left).isEmpty()) {
         m_showEverything();
         m_sidebar.selectItems({placeOf(target)});
     }
-    m_browser.selectLibraryItems(items);
+    m_browser.selectLibraryItems(left);
     m_browser.grid().setFocus();
 }
 

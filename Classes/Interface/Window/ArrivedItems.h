@@ -20,13 +20,14 @@ public:
                  BrowserViewController &browser, std::function<void()> showEverything, QObject *parent = nullptr);
     ~ArrivedItems() override;
 
-    // Goes to where the items are, and selects them.
+    // Goes to where the items are, and selects those that are still there; says so when none is.
     void show(const QList<ZQObjectID> &items, const ZQObjectID &target);
 
 private:
     void tellWhenShown(const ImportOutcome &outcome, int looks);
     void tell(const ImportOutcome &outcome);
     bool areInView(const QList<ZQObjectID> &items) const;
+    QList<ZQObjectID> stillThere(const QList<ZQObjectID> &items) const;
     ZQObjectID placeOf(const ZQObjectID &target) const;
     void showRefused(const ImportOutcome &outcome);
 

@@ -123,6 +123,55 @@ TEST_F(ArrivalsTest, ShowGoesToTheItemsWhateverTheTabShows)
     }
 }
 
+TEST_F(ArrivalsTest, ShowGoesToWhatIsLeftAndWaitsForNothing)
+{
+    import({write(QStringLiteral("one.png")), write(QStringLiteral("two.png"))}, b);
+    ASSERT_TRUE(waitFor([this] { return button("Show") != nullptr; }));
+    image(QStringLiteral("one"))->setActive(false);
+    delegate->saveAction();
+    QTest::mouseClick(button("Show"), Qt::LeftButton);
+    settle();
+    EXPECT_EQ(selected(), QStringList{"two"});
+    image(QStringLiteral("one"))->setActive(true);
+    delegate->saveAction();
+    settle();
+    EXPECT_EQ(shown().size(), 2);
+    EXPECT_EQ(selected(), QStringList{"two"});
+
+    show(a);
+    import({write(QStringLiteral("three.png"))}, b);
+    ASSERT_TRUE(waitFor([this] { return button("Show") != nullptr; }));
+    image(QStringLiteral("three"))->setActive(false);
+    delegate->saveAction();
+    QTest::mouseClick(button("Show"), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([this] { return named("What was imported was deleted since. Undo brings it back."); }));
+    settle();
+    EXPECT_EQ(browser().content().singleItem(), a);
+}
+
+TEST_F(ArrivalsTest, ACopyThatASearchHidesIsNotSelectedLater)
+{
+    search().setFocus();
+    type(QStringLiteral("#tag mine"));
+    tag->addItems({image(QStringLiteral("red")), image(QStringLiteral("pages"))});
+    delegate->saveAction();
+    settle();
+    ASSERT_EQ(shown().size(), 2);
+    select({QStringLiteral("red")});
+    grid().setFocus();
+    press(Qt::Key_D, Qt::ControlModifier);
+    settle();
+    settle();
+    search().setText(QStringLiteral("pages"));
+    settle();
+    ASSERT_EQ(shown(), QStringList{"pages"});
+    select({QStringLiteral("pages")});
+    search().clear();
+    settle();
+    EXPECT_EQ(shown().size(), 5);
+    EXPECT_EQ(selected(), QStringList{"pages"});
+}
+
 TEST_F(ArrivalsTest, TheReasonsOfAllThatWasNotImportedCanBeListed)
 {
     const QString broken = write(QStringLiteral("broken.pdf"), "not a document");

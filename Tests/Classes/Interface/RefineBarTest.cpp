@@ -1,10 +1,12 @@
 // What is shown is refined by a click, and the text says so.
 
 #include "Classes/Interface/Browser/RefineBar.h"
+#include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Interface/Browser/FacetButton.h"
 #include "Classes/Interface/Browser/FacetMenu.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
+#include "Tests/Classes/Interface/WindowFixture.h"
 
 #include <QLabel>
 #include <QListWidget>
@@ -82,7 +84,77 @@ protected:
     }
 };
 
+class RefineBarStates : public WindowFixture
+{
+protected:
+    RefineBarStates() : project(addProject(QStringLiteral("Project"))), image(library.addImage(QStringLiteral("a")))
+    {
+        project->addItem(image.get());
+        library.context().save();
+        index->follow(library.context());
+        fetcher.setIndex(index);
+        bar = std::make_unique<RefineBar>(window);
+        bar->resize(800, 100);
+        bar->show();
+        ContentQuery query;
+        query.sidebarItems = {project->objectID()};
+        bar->setContent(query, {});
+    }
+    bool waitUntilItSays(const QString &text)
+    {
+        return QTest::qWaitFor([&] { return fetcher.isIdle() && said() == text; }, 10000);
+    }
+    // What stands there instead of values; "values" for those.
+    QString said() const
+    {
+        QStringList texts;
+        for (const QWidget *each : bar->findChildren<QWidget *>()) {
+            const auto *label = qobject_cast<const QLabel *>(each);
+            if (each->isVisible() && label && label->objectName() == QStringLiteral("SmallMuted")) {
+                texts.append(label->text());
+            } else if (each->isVisible() && !texts.contains(QStringLiteral("values"))) {
+                texts.append(QStringLiteral("values"));
+            }
+        }
+        return texts.join(u'|');
+    }
+
+    const QString values = QStringLiteral("values");
+    const QString failed = QStringLiteral("The items could not be counted");
+    Item project;
+    ZQRef<ZQLibraryImage> image;
+    std::shared_ptr<LibraryIndex> index = std::make_shared<LibraryIndex>(library.coordinator());
+    std::unique_ptr<RefineBar> bar;
+};
+
 } // namespace
+
+TEST_F(RefineBarStates, ItCountsUntilTheIndexIsThereAndSaysWhenACountFails)
+{
+    EXPECT_TRUE(waitUntilItSays(QStringLiteral("Counting…")));
+    index->start();
+    EXPECT_TRUE(waitUntilItSays(values)) << said().toStdString();
+    library.renameTable("ZQSidebarBaseItem", "away");
+    bar->recount();
+    EXPECT_TRUE(waitUntilItSays(failed)) << said().toStdString();
+    EXPECT_TRUE(bar->facets().isEmpty());
+    library.renameTable("away", "ZQSidebarBaseItem");
+    bar->recount();
+    EXPECT_TRUE(waitUntilItSays(values)) << said().toStdString();
+    bar->setContent({}, {});
+    EXPECT_TRUE(waitUntilItSays(QString())) << "nothing is shown that could be refined";
+}
+
+TEST_F(RefineBarStates, AnIndexThatCannotBeBuiltIsNotWaitedFor)
+{
+    library.renameTable("ZQLibraryBaseItem", "away");
+    index->start();
+    EXPECT_TRUE(waitUntilItSays(failed)) << said().toStdString();
+    library.renameTable("away", "ZQLibraryBaseItem");
+    image->setRating(3);
+    library.context().save();
+    EXPECT_TRUE(waitUntilItSays(values)) << said().toStdString();
+}
 
 TEST_F(RefineBarTest, AClickPutsATokenIntoTheTextAndTakesItOutAgain)
 {
@@ -168,6 +240,16 @@ TEST_F(RefineBarTest, ItIsOneTabStopInWhichTheArrowsMove)
     settle();
     press(Qt::Key_Tab);
     EXPECT_FALSE(qobject_cast<FacetButton *>(QApplication::focusWidget()));
+}
+
+TEST_F(RefineBarTest, ItComesRightBeforeTheGrid)
+{
+    open();
+    grid().setFocus();
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), buttons().first());
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
 }
 
 TEST_F(RefineBarTest, AMenuHasAllValuesAndFindsAmongThem)

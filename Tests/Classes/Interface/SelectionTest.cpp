@@ -139,6 +139,82 @@ TEST_F(GridSelection, StaysOnItsItemsWhenOthersComeAndGo)
     EXPECT_EQ(selected(), QStringLiteral("y"));
 }
 
+TEST_F(GridSelection, WhatIsWantedIsForgottenWhenItsMomentIsOver)
+{
+    const Item other = addProject(QStringLiteral("Other"));
+    struct Case
+    {
+        const char *what;
+        std::function<void()> pass;
+        const char *selected;
+    };
+    const Case cases[] = {
+        {"a fetch did not bring it",
+         [this] {
+             QSignalSpy answered(&browser.content(), &BrowserContent::answered);
+             browser.refetch();
+             ASSERT_TRUE(answered.wait(10000));
+         },
+         "a"},
+        {"a person selected", [this] { browser.grid().setCurrentIndex(1); }, "b"},
+        {"a person selected nothing", [this] { browser.grid().setSelection({}); }, ""},
+        {"another place was shown",
+         [&] {
+             show({other->objectID()});
+             show({project->objectID()});
+             browser.grid().setCurrentIndex(2);
+         },
+         "c"},
+    };
+    for (const Case &each : cases) {
+        SCOPED_TRACE(each.what);
+        browser.grid().setCurrentIndex(0);
+        const auto late = library.addImage(QStringLiteral("late"));
+        library.context().save();
+        browser.selectLibraryItem(late->objectID());
+        ASSERT_NO_FATAL_FAILURE(each.pass());
+        project->addItem(late.get());
+        library.context().save();
+        ASSERT_NO_FATAL_FAILURE(refetched());
+        EXPECT_EQ(selected(), QLatin1StringView(each.selected));
+    }
+}
+
+TEST_F(GridSelection, WhatIsWantedInOnePlaceIsNotSelectedInAnother)
+{
+    const auto late = library.addImage(QStringLiteral("late"));
+    const Item other = addProject(QStringLiteral("Other"));
+    other->addItem(images[4].get());
+    other->addItem(late.get());
+    library.context().save();
+    browser.selectLibraryItem(late->objectID());
+    show({other->objectID()});
+    EXPECT_EQ(selected(), QString());
+
+    show({project->objectID()});
+    browser.grid().setCurrentIndex(0);
+    browser.duplicate();
+    browser.grid().setCurrentIndex(3); // before the copy is there, or after
+    ASSERT_NO_FATAL_FAILURE(refetched());
+    EXPECT_EQ(browser.content().count(), 6);
+    EXPECT_EQ(selected().left(1), QStringLiteral("d"));
+}
+
+TEST_F(GridSelection, ATabIsShownAsItWasLeftThoughSomethingIsWaitedFor)
+{
+    const auto tab = std::make_shared<TabState>(window);
+    tab->goToSidebarItems({project->objectID()});
+    tab->view.selectionIndexes = ZQIndexSet(3, 3);
+    tab->view.detailItem = images[3]->objectID();
+    const auto late = library.addImage(QStringLiteral("late"));
+    library.context().save();
+    browser.showTab(tab);
+    browser.selectLibraryItem(late->objectID());
+    settle();
+    EXPECT_EQ(selected(), QStringLiteral("d"));
+    EXPECT_TRUE(browser.isDetailOpen());
+}
+
 TEST_F(GridSelection, NothingIsRemovedFromWhatHoldsNothingByItself)
 {
     const auto tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("mine"), library.context());
