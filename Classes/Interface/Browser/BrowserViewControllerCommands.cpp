@@ -95,27 +95,19 @@ QList<WindowCommand> BrowserViewController::commands()
 
 QList<WindowCommand> BrowserViewController::zoomCommands()
 {
-    struct Zoom
-    {
-        CommandID id;
-        const char *title;
-        QList<QKeySequence> keys;
-        void (DetailView::*run)();
+    QList<WindowCommand> result = {
+        {CommandID::ZoomToFit, zqLocalized("Fit"), {Qt::CTRL | Qt::Key_0}, [this] { m_detail->zoomToFit(); }},
+        {CommandID::ZoomToActualSize,
+         zqLocalized("Actual Size"),
+         {Qt::Key_Z},
+         [this] { m_detail->zoomToActualSize(); }},
+        {CommandID::ZoomIn, zqLocalized("Zoom In"), {Qt::Key_Plus, Qt::Key_Equal}, [this] { m_detail->zoomIn(); }},
+        {CommandID::ZoomOut, zqLocalized("Zoom Out"), {Qt::Key_Minus}, [this] { m_detail->zoomOut(); }},
     };
-    const Zoom zooms[] = {
-        {CommandID::ZoomToFit, "Fit", {Qt::CTRL | Qt::Key_0}, &DetailView::zoomToFit},
-        {CommandID::ZoomToActualSize, "Actual Size", {Qt::Key_Z}, &DetailView::zoomToActualSize},
-        {CommandID::ZoomIn, "Zoom In", {Qt::Key_Plus, Qt::Key_Equal}, &DetailView::zoomIn},
-        {CommandID::ZoomOut, "Zoom Out", {Qt::Key_Minus}, &DetailView::zoomOut},
-    };
-    QList<WindowCommand> result;
-    for (const Zoom &zoom : zooms) {
-        WindowCommand command{zoom.id, zqLocalized(zoom.title), zoom.keys,
-                              [this, run = zoom.run] { (m_detail->*run)(); }};
+    for (WindowCommand &command : result) {
         command.isEnabled = [this] { return isDetailOpen(); };
         command.keysIn = m_detail;
         command.yieldsToFields = true;
-        result.append(command);
     }
     return result;
 }
