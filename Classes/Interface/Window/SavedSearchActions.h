@@ -36,7 +36,7 @@ private:
     QString savedText() const;                         // of it
     bool isEditing() const;                            // its text
     bool canSave() const;
-    bool canUpdate() const; // not of a text that the field had to cut
+    bool canUpdate() const;    // not of a text that the field had to cut
     QString wholeText() const; // a text that finds what is shown, in the whole library
 
     SidebarCommands m_commands;
