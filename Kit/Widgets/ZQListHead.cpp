@@ -236,7 +236,7 @@ void ZQListHead::focusPlace(qsizetype place)
 
 bool ZQListHead::eventFilter(QObject *watched, QEvent *event)
 {
-    const qsizetype place = m_titles.indexOf(static_cast<QAbstractButton *>(watched));
+    const qsizetype place = m_titles.indexOf(qobject_cast<QAbstractButton *>(watched)); // null is none of them
     if (event->type() != QEvent::KeyPress || place < 0) {
         return QWidget::eventFilter(watched, event);
     }

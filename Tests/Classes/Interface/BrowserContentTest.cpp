@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include <sqlite3.h>
+#include <vector>
 
 namespace {
 
@@ -121,8 +122,8 @@ TEST_F(BrowserContentTest, TypingFindsTheNextTitleRoundTheEndAndWithoutAccents)
     project->addItems(items);
     library.context().save();
     show(project);
-    QList<qint64> found;
-    QObject::connect(&content, &BrowserContent::typingFound, [&](qint64 index) { found.append(index); });
+    std::vector<qint64> found;
+    QObject::connect(&content, &BrowserContent::typingFound, [&](qint64 index) { found.push_back(index); });
     struct Case
     {
         const char *text;
@@ -139,13 +140,13 @@ TEST_F(BrowserContentTest, TypingFindsTheNextTitleRoundTheEndAndWithoutAccents)
         found.clear();
         EXPECT_EQ(content.indexForTyping(QString::fromUtf8(each.text), each.from), -1) << "it comes later";
         wait();
-        EXPECT_EQ(found, each.found < 0 ? QList<qint64>() : QList<qint64>{each.found})
+        EXPECT_EQ(found, each.found < 0 ? std::vector<qint64>() : std::vector<qint64>{each.found})
             << each.text << " from " << each.from;
     }
     found.clear();
     EXPECT_EQ(content.indexForTyping(QStringLiteral("3d"), 0), -1);
     wait();
-    EXPECT_EQ(found, QList<qint64>()) << "a digit rates";
+    EXPECT_TRUE(found.empty()) << "a digit rates";
 }
 
 TEST_F(BrowserContentTest, RowsThatCannotBeReadAreAnErrorAndNotAnEmptyList)
