@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <malloc.h>
 #include <thread>
 
 struct LibraryIndex::Private
@@ -272,6 +273,7 @@ void LibraryIndex::Private::run(LibraryIndex *owner)
         did(number, columns != nullptr);
         if (isAnew) {
             order();
+            malloc_trim(0); // what reading and ordering took is as much again, and lies between what stays
         } else if (!columns && !cancellation->isCancelled()) {
             tell(owner, &LibraryIndex::failed);
         }
