@@ -344,9 +344,10 @@ Parser::Expression Parser::keyPath(const QString &path, qsizetype position)
         if (key == QStringLiteral("@distinctUnionOfObjects") && !isLast && parts.last() != QStringLiteral("@count")) {
             continue;
         }
-        const bool isKey = !key.isEmpty() && !key.at(0).isDigit() && std::all_of(key.begin(), key.end(), [](QChar c) {
-            return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c == u'_';
-        });
+        const bool isKey = !key.isEmpty() && (key.at(0).isLetter() || key.at(0) == u'_') &&
+                           std::all_of(key.begin(), key.end(), [](QChar c) {
+                               return c.isLetterOrNumber() || c.isMark() || c.isSurrogate() || c == u'_';
+                           });
         if (!isKey) {
             fail(position, zqFormat(zqLocalized("\"%@\" is not a key path"), {path}));
             return std::nullopt;

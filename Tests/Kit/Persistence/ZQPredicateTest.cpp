@@ -157,6 +157,8 @@ TEST(ZQPredicate, SaysWhatIsWrongAndWhere)
         {"a == CAST(1, \"Text\")", {}, 14, "NSDate"},
         {"a == CAST(1, \"NSData\")", {}, 14, "NSDate"},
         {"a == CAST(1, \"NSDate\"", {}, 22, "\")\""},
+        {"#3 == 1", {}, 1, "not a key path"}, // what begins no word without the sign would not read back
+        {"a.#\u059c == 1", {}, 1, "not a key path"},
         {"a IN {1 2}", {}, 9, "\",\" or \"}\""},
         {"a IN {{1}}", {}, 7, "cannot hold a list"},
         {"a IN {1, %@}", {QVariant(QVariantList{1})}, 10, "cannot hold a list"},
