@@ -3,6 +3,7 @@
 #include "Kit/Persistence/ZQPredicate.h"
 
 #include <algorithm>
+#include <utility>
 
 using Op = ZQComparisonOperator;
 using Modifier = ZQComparisonModifier;
@@ -100,50 +101,40 @@ bool isSimpleEquality(const ZQPredicateNode &node)
            comparison.right.kind == ZQExpression::Kind::Constant && !zqIsNull(comparison.right.constant);
 }
 
+QString keyOfEquality(const ZQComparison &comparison)
+{
+    return QStringLiteral("%1 %2 %3")
+        .arg(comparison.options.flags())
+        .arg(int(comparison.left.isCount))
+        .arg(comparison.left.keys.join(u'.'));
+}
+
 // A search for duplicates asks for thousands of digests by equality; as one IN it is one look-up in memory and in the
-// store.
+// store. It stands where the first of them stood, the rest keeps its order: what is written reads back to the same.
 std::vector<ZQPredicateNodePtr> withEqualitiesMerged(const std::vector<ZQPredicateNodePtr> &alternatives)
 {
     constexpr size_t worthwhile = 8;
     if (alternatives.size() < worthwhile) {
         return alternatives;
     }
-    struct Group
-    {
-        ZQComparison comparison;
-        std::vector<ZQPredicateNodePtr> members;
-    };
-    QHash<QString, Group> groups;
+    QHash<QString, std::vector<ZQExpression>> values;
+    for (const ZQPredicateNodePtr &node : alternatives) {
+        if (isSimpleEquality(*node)) {
+            values[keyOfEquality(node->comparison)].push_back(node->comparison.right);
+        }
+    }
     std::vector<ZQPredicateNodePtr> result;
     for (const ZQPredicateNodePtr &node : alternatives) {
-        if (!isSimpleEquality(*node)) {
+        const auto group = isSimpleEquality(*node) ? values.find(keyOfEquality(node->comparison)) : values.end();
+        if (group == values.end() || (!group->empty() && group->size() < worthwhile)) {
             result.push_back(node);
-            continue;
+        } else if (!group->empty()) {
+            ZQComparison merged = node->comparison;
+            merged.op = Op::In;
+            merged.right = {.kind = ZQExpression::Kind::List};
+            merged.right.elements = std::exchange(*group, {});
+            result.push_back(zqMakeComparison(std::move(merged)));
         }
-        const ZQComparison &comparison = node->comparison;
-        const QString key = QStringLiteral("%1 %2 %3")
-                                .arg(comparison.options.flags())
-                                .arg(int(comparison.left.isCount))
-                                .arg(comparison.left.keys.join(u'.'));
-        Group &group = groups[key];
-        group.comparison = comparison;
-        group.members.push_back(node);
-    }
-    QStringList keys = groups.keys();
-    keys.sort();
-    for (const QString &key : keys) {
-        Group &group = groups[key];
-        if (group.members.size() < worthwhile) {
-            result.insert(result.end(), group.members.begin(), group.members.end());
-            continue;
-        }
-        ZQComparison merged = group.comparison;
-        merged.op = Op::In;
-        merged.right = {.kind = ZQExpression::Kind::List};
-        for (const ZQPredicateNodePtr &member : group.members) {
-            merged.right.elements.push_back(member->comparison.right);
-        }
-        result.push_back(zqMakeComparison(std::move(merged)));
     }
     return result;
 }

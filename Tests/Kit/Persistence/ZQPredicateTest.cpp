@@ -245,6 +245,12 @@ TEST(ZQPredicate, ManyEqualitiesStayOneQuickLookup)
     EXPECT_TRUE(matches("39999"));
     EXPECT_FALSE(matches("40000"));
     EXPECT_TRUE(predicate.predicateFormat().startsWith(text("item.SHA1 IN {")));
+    const QString mixed =
+        QStringList(alternatives.mid(0, 10) + alternatives.mid(0, 7).replaceInStrings(text("SHA1"), text("kind")))
+            .join(text(" OR ")) +
+        text(" OR b > 1");
+    const ZQPredicate merged = ZQPredicate::predicateWithFormat(mixed);
+    EXPECT_EQ(ZQPredicate::predicateWithFormat(merged.predicateFormat()), merged) << "keeps its order";
     EXPECT_EQ(ZQPredicate::predicateWithFormat(text("title contains[dc] 'a'")).predicateFormat(),
               text("title CONTAINS[cd] \"a\""));
     const QString spaced = ZQPredicate::predicateWithFormat(text("title == \"a b\\tc\"")).predicateFormat();
