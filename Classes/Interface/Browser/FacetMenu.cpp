@@ -6,6 +6,7 @@
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QBoxLayout>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
