@@ -166,8 +166,7 @@ private:
 void waitForFiles(const EditRun &running)
 {
     if (running.isQueued()) {
-        TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles,
-                                                                [&running] { return !running.isCancelled(); });
+        TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles, running.operation().get());
     }
 }
 
