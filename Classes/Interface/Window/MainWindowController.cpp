@@ -130,7 +130,7 @@ MainWindowController::~MainWindowController()
 
 void MainWindowController::applyTheme()
 {
-    ZQTheme::current().setDark(defaults().boolForKey(QStringLiteral("UseDarkUI")));
+    PreferencesFollower::showTheme();
     ZQTheme::current().apply(*static_cast<QApplication *>(QCoreApplication::instance()));
     QApplication::setWindowIcon(ZQIcon::application());
 }
@@ -313,9 +313,7 @@ void MainWindowController::toggle(QWidget *pane)
 
 void MainWindowController::toggleTheme()
 {
-    const bool dark = !ZQTheme::current().isDark();
-    defaults().setObjectForKey(dark, QStringLiteral("UseDarkUI"));
-    ZQTheme::current().setDark(dark);
+    PreferencesFollower::setDark(!ZQTheme::current().isDark());
     updateCommands();
 }
 
