@@ -18,6 +18,7 @@ ROOT = Path(__file__).resolve().parent.parent
 DROPPED_WITH_VALUE = {"-o", "-MF", "-MT", "-MQ"}
 DROPPED = re.compile(r"-c$|-M[DMP]*$|-W[^lap]|-W(all|error)\b|-g\d?$|-O")
 UNSEEN = re.compile(r"\b(std::(recursive_|timed_|shared_|recursive_timed_|shared_timed_)?mutex|std::condition_variable(_any)?|Q(Recursive)?Mutex|QReadWriteLock|QWaitCondition)\b")  # clang sees no fault in the use of these
+GUARDED = re.compile(r"\bZQ_(GUARDED_BY|REQUIRES|ACQUIRE|RELEASE)|\bZQ(Lock|Unlock|Write)Guard\b")
 INCLUDED = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
 
 
@@ -43,6 +44,17 @@ def flags_of(entry):
         if not (skips or is_source or argument in DROPPED_WITH_VALUE or DROPPED.match(argument)):
             kept.append(argument)
         skips = argument in DROPPED_WITH_VALUE
+    return without_precompiled(kept)
+
+
+def without_precompiled(arguments):
+    """Less what another compiler precompiled: each source includes all it needs."""
+    kept = []
+    for argument in arguments:
+        if kept and kept[-1] == "-include" and Path(argument).name == "cmake_pch.hxx":
+            kept.pop()
+        else:
+            kept.append(argument)
     return kept
 
 
@@ -72,6 +84,18 @@ def wanted_sources(names, entries, root):
     return sorted(wanted)
 
 
+def near_locks(entries, root):
+    """Those of the database that name a lock, or include what does: only they can touch what one guards."""
+    def names_lock(path):
+        return path.name != "ZQThreadSafety.h" and GUARDED.search(path.read_text(errors="replace"))
+
+    def included_by(path):
+        for name in INCLUDED.findall(path.read_text(errors="replace")):
+            yield from (found for found in (root / name, path.parent / name) if found.is_file())
+
+    return sorted(path for path in entries if names_lock(path) or any(map(names_lock, included_by(path))))
+
+
 def check(source, entry, generated):
     command = ["clang++", *flags_of(entry), "-fsyntax-only", "-Wno-everything", "-Wthread-safety", "-Werror=thread-safety"]
     for name in INCLUDED.findall(source.read_text(errors="replace")):
@@ -91,11 +115,13 @@ def with_unseen_locks(names, root):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("files", nargs="*", metavar="FILE", help="sources and headers; without any, all of the build")
+    parser.add_argument("--near", action="store_true", help="without files: only sources that name a lock, or include what does")
     parser.add_argument("--build", default="build/debug", metavar="FOLDER", help="the configured build (build/debug)")
     parser.add_argument("--root", default=ROOT, type=Path, metavar="FOLDER", help="where the paths of includes begin")
     options = parser.parse_args()
     entries = database(options.build)
-    sources = wanted_sources(options.files, entries, options.root.resolve())
+    root = options.root.resolve()
+    sources = near_locks(entries, root) if options.near else wanted_sources(options.files, entries, root)
     failed = []
     with tempfile.TemporaryDirectory() as generated, ThreadPoolExecutor(os.cpu_count()) as pool:
         try:

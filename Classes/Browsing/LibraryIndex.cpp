@@ -43,7 +43,7 @@ struct LibraryIndex::Private
     bool build(LibraryIndex *owner);
     void order();
     template <class Done>
-    bool wait(Done done) ZQ_REQUIRES(lock);
+    bool wait(Done done) ZQ_REQUIRES(lock) ZQ_NO_THREAD_SAFETY_ANALYSIS; // of `done`
     bool update(ZQManagedObjectContext &context, const IndexReader::Asked &batch, LibraryIndex *owner);
     // Waits for something to do; nothing when the index ends.
     std::optional<IndexReader::Asked> take(quint64 &number);

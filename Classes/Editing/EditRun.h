@@ -34,6 +34,7 @@ public:
     qsizetype perBatch() const { return m_perBatch; }
     bool isQueued() const { return m_isQueued; }
     bool isCancelled() const;
+    std::shared_ptr<ZQOperation> operation() const { return m_operation.lock(); } // null when it is not queued
 
 private:
     EditContext &m_edits;

@@ -104,7 +104,8 @@ public:
         QList<ZQRef<ZQLibraryBaseItem>> changed;
         for (qsizetype i = 0; i < ids.size(); ++i) {
             const auto item = zqCast<ZQLibraryBaseItem>(m_context.objectWithID(ids[i]));
-            if (item && (changeItem(*item, size_t(first + i)) || m_edit.writesUnchangedFiles)) {
+            const bool isThere = item && !item->isFault(); // else somebody deleted it meanwhile
+            if (isThere && (changeItem(*item, size_t(first + i)) || m_edit.writesUnchangedFiles)) {
                 changed.append(item);
             }
         }
@@ -165,8 +166,7 @@ private:
 void waitForFiles(const EditRun &running)
 {
     if (running.isQueued()) {
-        TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles,
-                                                                [&running] { return !running.isCancelled(); });
+        TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingFiles, running.operation().get());
     }
 }
 

@@ -14,12 +14,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <thread>
 
 namespace {
-
-constexpr std::chrono::milliseconds betweenLooks(50);
 
 QSet<QString> setOf(const QStringList &tags)
 {
@@ -264,11 +260,9 @@ void TagFileWriter::afterWrites(std::function<void()> work)
     m_queue.addOperationWithBlock(std::move(work));
 }
 
-void TagFileWriter::waitUntilFewerWait(int most, const std::function<bool()> &isWanted) const
+void TagFileWriter::waitUntilFewerWait(int most, ZQOperation *asking)
 {
-    while (m_queue.operationCount() > most && isWanted()) {
-        std::this_thread::sleep_for(betweenLooks);
-    }
+    m_queue.waitUntilOperationCount(most, asking);
 }
 
 void TagFileWriter::waitUntilAllWritten()

@@ -47,9 +47,9 @@ public:
     // What takes time and has to do with what was written: called on the queue's thread, after what was asked for
     // before.
     void afterWrites(std::function<void()> work);
-    // For who asks for many files: returns once at most `most` wait, or when `isWanted` says no meanwhile, which is
-    // asked a few times a second. Not on the queue's thread.
-    void waitUntilFewerWait(int most, const std::function<bool()> &isWanted) const;
+    // For an operation that asks for many files: returns once at most `most` are left to be written, or `asking` was
+    // cancelled (null: never). Not on the queue's thread.
+    void waitUntilFewerWait(int most, ZQOperation *asking);
     // Before the process ends or a library is closed: returns when everything asked for is written.
     void waitUntilAllWritten();
 

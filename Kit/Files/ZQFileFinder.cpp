@@ -57,7 +57,7 @@ ZQFileFinder &ZQFileFinder::shared()
 
 QByteArray ZQFileFinder::find(const QByteArray &data, const ZQFileReference &reference, bool waits, const Moved &moved)
 {
-    if (zqIsFile(reference.path, reference.file)) {
+    if (reference.isAt(reference.path)) {
         return reference.path;
     }
     if (lookFor({{data, reference, moved}}, waits) > 0) {
@@ -75,7 +75,7 @@ qsizetype ZQFileFinder::lookFor(const QList<Wanted> &all, bool waits)
     QSet<QByteArray> seen;
     QList<Wanted> missing;
     for (const Wanted &wanted : all) {
-        if (seen.contains(wanted.data) || zqIsFile(wanted.reference.path, wanted.reference.file)) {
+        if (seen.contains(wanted.data) || wanted.reference.isAt(wanted.reference.path)) {
             continue;
         }
         seen.insert(wanted.data);

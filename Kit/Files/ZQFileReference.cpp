@@ -1,6 +1,7 @@
 #include "Kit/Files/ZQFileReference.h"
 
 #include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Files/ZQTrash.h"
 
 #include <QCryptographicHash>
 #include <QDataStream>
@@ -147,10 +148,15 @@ QByteArray ZQFileReference::encoded() const
     return data;
 }
 
+bool ZQFileReference::isAt(const QByteArray &place) const
+{
+    return zqIsFile(place, file) && (isFolder || !ZQTrash::contains(QFile::decodeName(place)));
+}
+
 bool ZQFileReference::isSuccessor(const QByteArray &place) const
 {
     const auto found = zqLookAtFile(place);
-    if (!found || found->isFolder != isFolder) {
+    if (!found || found->isFolder != isFolder || (!isFolder && ZQTrash::contains(QFile::decodeName(place)))) {
         return false;
     }
     // A folder that was put back from a copy or mounted anew has nothing else to be known by. Nor has a file of the

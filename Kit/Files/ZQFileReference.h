@@ -41,6 +41,9 @@ struct ZQFileReference
     static std::optional<ZQFileReference> decoded(const QByteArray &data);
     QByteArray encoded() const;
 
+    // Whether the file is at `path`. One in the trash is deleted, whatever its name there; of a folder is asked where
+    // it is even then.
+    bool isAt(const QByteArray &path) const;
     // Whether the file at `path`, another one than the referenced, is that one saved by replacing it.
     bool isSuccessor(const QByteArray &path) const;
     // Whether a file of this name in the same folder is one that an editor put aside when it saved a new one.

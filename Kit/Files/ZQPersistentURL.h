@@ -22,7 +22,8 @@ QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents conte
 // Where the file is now, or nothing (an empty text): the last path when it still has that inode and birth time; the
 // same folder; the last path again, when what took its place there is that file saved by replacing it, which its
 // contents say, or the old one beside it under a name such as "a.png~" that it got within five seconds of the
-// newcomer's birth. Any other newcomer is not the file.
+// newcomer's birth. Any other newcomer is not the file. Another name of the same inode is the file once the old name is
+// gone. A file in the trash is deleted and found again when it was put back; a folder is found there, too.
 //
 // What is in none of these places is looked for around that folder and in the watched roots, once and beside the
 // caller, who gets nothing meanwhile. `moved` is called once, on the thread that looks for files, when the file is

@@ -20,7 +20,7 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     QString name;
     ZQMutex mutex;
     ZQCondition workToDo;
-    ZQCondition operationEnded;
+    ZQCondition stateChanged; // of the queue, or of who waits for it
     int maximum ZQ_GUARDED_BY(mutex) = 1;
     // No lists with implicit sharing: a copy given to a caller would share its cells beyond the lock.
     std::deque<Operation> waiting ZQ_GUARDED_BY(mutex);
@@ -36,7 +36,7 @@ struct ZQOperationQueue::Private : std::enable_shared_from_this<ZQOperationQueue
     void didFinish(const ZQOperation *operation);
     void work();
     static void run(const Operation &operation);
-    bool isEmpty() const ZQ_REQUIRES(mutex) { return waiting.empty() && running.empty(); }
+    int count() const ZQ_REQUIRES(mutex) { return static_cast<int>(waiting.size() + running.size()); }
 };
 
 namespace {
@@ -115,7 +115,7 @@ void ZQOperationQueue::Private::didFinish(const ZQOperation *operation)
     keptWaiting = take(waiting, operation);
     keptRunning = take(running, operation);
     scheduleLocked();
-    operationEnded.notifyAll();
+    stateChanged.notifyAll();
 }
 
 void ZQOperationQueue::Private::work()
@@ -173,8 +173,8 @@ ZQOperationQueue::~ZQOperationQueue()
     {
         const ZQLockGuard lock(d->mutex);
         if (!isInside) {
-            zqWaitServingMainThread(d->mutex, d->operationEnded,
-                                    [this]() ZQ_REQUIRES(d->mutex) { return d->isEmpty(); });
+            zqWaitServingMainThread(d->mutex, d->stateChanged,
+                                    [this]() ZQ_REQUIRES(d->mutex) { return d->count() == 0; });
         }
         d->isStopping = true;
         d->workToDo.notifyAll();
@@ -227,7 +227,7 @@ QList<std::shared_ptr<ZQOperation>> ZQOperationQueue::operations() const
 int ZQOperationQueue::operationCount() const
 {
     const ZQLockGuard lock(d->mutex);
-    return static_cast<int>(d->running.size() + d->waiting.size());
+    return d->count();
 }
 
 void ZQOperationQueue::cancelAllOperations()
@@ -239,10 +239,26 @@ void ZQOperationQueue::cancelAllOperations()
 
 void ZQOperationQueue::waitUntilAllOperationsAreFinished()
 {
+    waitUntilOperationCount(0);
+}
+
+void ZQOperationQueue::waitUntilOperationCount(int most, ZQOperation *waiting)
+{
     if (currentQueue == d.get()) {
         qCWarning(zqLogApplication, "An operation waits for its own queue");
         return;
     }
+    ZQOperation::Token cancelling;
+    if (waiting) {
+        cancelling = waiting->observe([queue = d](ZQOperation::Key key) {
+            if (key == ZQOperation::Key::IsCancelled) {
+                const ZQLockGuard lock(queue->mutex); // else it could come between the look and the wait
+                queue->stateChanged.notifyAll();
+            }
+        });
+    }
     const ZQLockGuard lock(d->mutex);
-    zqWaitServingMainThread(d->mutex, d->operationEnded, [this]() ZQ_REQUIRES(d->mutex) { return d->isEmpty(); });
+    zqWaitServingMainThread(d->mutex, d->stateChanged, [this, most, waiting]() ZQ_REQUIRES(d->mutex) {
+        return d->count() <= most || (waiting && waiting->isCancelled());
+    });
 }

@@ -28,6 +28,9 @@ public:
     // serves only `zqOnMainThreadAndWait`. An operation must not wait for its own queue; that returns at once with a
     // warning.
     void waitUntilAllOperationsAreFinished();
+    // The same until at most `most` of them are left, or `waiting`, which does work elsewhere, is cancelled; null: for
+    // nobody who could be.
+    void waitUntilOperationCount(int most, ZQOperation *waiting = nullptr);
 
 private:
     struct Private;

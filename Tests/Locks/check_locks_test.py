@@ -55,7 +55,7 @@ class Locks(unittest.TestCase):
             entries.append({"directory": str(self.folder), "command": command, "file": str(source)})
         if bodies:
             Path(build, "compile_commands.json").write_text(json.dumps(entries))
-        paths = [str(Path(self.folder, name)) for name in names]
+        paths = [name if name.startswith("--") else str(Path(self.folder, name)) for name in names]
         done = subprocess.run([sys.executable, TOOL, "--build", str(build), "--root", str(self.folder), *paths],
                               text=True, capture_output=True, cwd=self.folder)
         return done.returncode, done.stdout + done.stderr
@@ -80,6 +80,19 @@ class Locks(unittest.TestCase):
         status, said = self.check("Sound.cpp", "Other.cpp", **bodies)
         self.assertEqual(status, 0)
         self.assertIn(f"not checked: {self.folder}/Other.cpp", said)
+
+    def test_of_all_only_those_near_a_lock_are_looked_at_when_that_is_asked_for(self):
+        self.check(Sound=SOUND, Faulty=FAULTS["taken twice"], Far="")
+        Path(self.folder, "Far.cpp").write_text("#error not looked at\n")
+        status, said = self.check("--near")
+        self.assertEqual(status, 1)
+        self.assertIn("1 of 2 sources are at fault: Faulty.cpp", said)
+
+    def test_headers_that_another_compiler_precompiled_are_left_out(self):
+        self.check(Sound=SOUND)
+        database = Path(self.folder, "build", "compile_commands.json")
+        database.write_text(database.read_text().replace("-std", "-include build/cmake_pch.hxx -std"))
+        self.assertEqual(self.check()[0], 0)
 
     def test_a_header_reaches_its_users_through_others(self):
         Path(self.folder, "Between.h").write_text('#include "Counter.h"\n')

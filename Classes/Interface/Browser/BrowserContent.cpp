@@ -3,9 +3,10 @@
 #include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Browsing/SearchExpression.h"
 #include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserListColumns.h"
-#include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/ItemPictures.h"
+#include "Kit/Files/ZQVectorTypes.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
@@ -38,13 +39,6 @@ ZQIndexSet indexesOf(const QList<ZQObjectID> &rows, const QList<ZQObjectID> &wan
         }
     }
     return result;
-}
-
-bool isVector(const QString &extension)
-{
-    static const QStringList vectors = {QStringLiteral("svg"), QStringLiteral("pdf"), QStringLiteral("eps"),
-                                        QStringLiteral("ai"), QStringLiteral("sketch")};
-    return vectors.contains(extension, Qt::CaseInsensitive);
 }
 
 // The first row from `from` on, going round; -1 for none.
@@ -288,7 +282,7 @@ ZQGridItem BrowserContent::item(qint64 index) const
         thumbnail = m_thumbnails.insert(id, ItemPictures::thumbnailOf(*object));
     }
     return {object->title(), object->extension(), QSize(object->pixelWidth(), object->pixelHeight()),
-            isVector(object->extension()), *thumbnail};
+            ZQVectorTypes::contains(object->extension()), *thumbnail};
 }
 
 QList<ZQListValue> BrowserContent::listValues(qint64 index, const QStringList &columns) const

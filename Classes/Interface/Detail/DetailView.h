@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Interface/Detail/DetailDocument.h"
+#include "Classes/Browsing/DetailDocument.h"
 #include "Kit/Widgets/ZQArtworkGround.h"
 
 #include <QWidget>

@@ -1,5 +1,7 @@
 #include "Classes/Interface/InfoPanel/DocumentSize.h"
 
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQVectorTypes.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -37,8 +39,7 @@ DocumentSize::~DocumentSize() = default;
 
 bool DocumentSize::isDocument(const QString &path)
 {
-    static const QStringList extensions = {QStringLiteral("pdf"), QStringLiteral("ai"), QStringLiteral("eps")};
-    return extensions.contains(QFileInfo(path).suffix().toLower());
+    return ZQVectorTypes::havePages(zqPathExtension(path));
 }
 
 QString DocumentSize::textFor(const QString &path)

@@ -32,6 +32,17 @@ PreferencesFollower::PreferencesFollower(ProjectsSidebarViewController &sidebar,
     });
 }
 
+void PreferencesFollower::showTheme()
+{
+    ZQTheme::current().setDark(ZQUserDefaults::standardUserDefaults().boolForKey(themeKey));
+}
+
+void PreferencesFollower::setDark(bool isDark)
+{
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(isDark, themeKey);
+    showTheme();
+}
+
 void PreferencesFollower::showItems()
 {
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
@@ -44,7 +55,7 @@ void PreferencesFollower::preferenceDidChange(const QString &key)
 {
     const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     if (key == themeKey) {
-        ZQTheme::current().setDark(defaults.boolForKey(themeKey));
+        showTheme();
         Q_EMIT followed();
     } else if (key == titlesKey || key == extensionsKey || key == fillsCellsKey) {
         showItems();

@@ -15,6 +15,9 @@ public:
     PreferencesFollower(ProjectsSidebarViewController &sidebar, BrowserViewController &browser,
                         QObject *parent = nullptr);
 
+    static void showTheme();
+    static void setDark(bool isDark); // the preference, and what is shown
+
 Q_SIGNALS:
     void followed(); // what commands show as checked may be another
 

@@ -2,8 +2,8 @@
 
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
-#include "Classes/Interface/ImportDoor.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QFileInfo>

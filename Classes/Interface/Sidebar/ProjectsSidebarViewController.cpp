@@ -1,8 +1,8 @@
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 
 #include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
-#include "Classes/Interface/ImportDoor.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQSwitch.h"

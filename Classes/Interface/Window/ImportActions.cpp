@@ -1,8 +1,8 @@
 #include "Classes/Interface/Window/ImportActions.h"
 
 #include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
-#include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/TextFields.h"
 #include "Kit/Foundation/ZQLocalized.h"
 

@@ -2,6 +2,14 @@
 
 #include <QCloseEvent>
 
+bool MainWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate && activated) {
+        activated();
+    }
+    return QMainWindow::event(event);
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (closeRequested) {

@@ -11,7 +11,9 @@ class MainWindow : public QMainWindow
 public:
     using QMainWindow::QMainWindow;
     std::function<void()> closeRequested;
+    std::function<void()> activated; // came to the front
 
 protected:
+    bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 };

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/MainWindowController.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Browsing/FileTagReader.h"
 #include "Classes/Browsing/LibraryIndex.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
@@ -12,7 +13,6 @@
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/TextFields.h"
 #include "Classes/Interface/Window/ArrivedItems.h"
-#include "Classes/Interface/Window/FileTagReader.h"
 #include "Classes/Interface/Window/ImportActions.h"
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
@@ -109,7 +109,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
-    new FileTagReader(*m_window, *m_browser, m_mainWindow.get());
+    readFileTags();
     TextFields::yieldUndo(m_mainWindow.get());
     restoreGeometry();
     m_tabs->restore();
@@ -128,9 +128,18 @@ MainWindowController::~MainWindowController()
     m_mainWindow.reset();
 }
 
+void MainWindowController::readFileTags()
+{
+    auto *reader = new FileTagReader(
+        *m_window, [this] { return m_browser->selectedItems(); },
+        [this] { return m_browser->content().libraryItemIDs(m_browser->grid().visibleIndexes()); }, m_mainWindow.get());
+    connect(m_browser, &BrowserViewController::selectionChanged, reader, &FileTagReader::selectionDidChange);
+    m_mainWindow->activated = [reader] { reader->windowDidActivate(); };
+}
+
 void MainWindowController::applyTheme()
 {
-    ZQTheme::current().setDark(defaults().boolForKey(QStringLiteral("UseDarkUI")));
+    PreferencesFollower::showTheme();
     ZQTheme::current().apply(*static_cast<QApplication *>(QCoreApplication::instance()));
     QApplication::setWindowIcon(ZQIcon::application());
 }
@@ -313,9 +322,7 @@ void MainWindowController::toggle(QWidget *pane)
 
 void MainWindowController::toggleTheme()
 {
-    const bool dark = !ZQTheme::current().isDark();
-    defaults().setObjectForKey(dark, QStringLiteral("UseDarkUI"));
-    ZQTheme::current().setDark(dark);
+    PreferencesFollower::setDark(!ZQTheme::current().isDark());
     updateCommands();
 }
 

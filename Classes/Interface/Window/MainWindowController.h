@@ -51,6 +51,7 @@ public:
 
     // The application's theme, from the preferences. After the QApplication was made, before the first window.
     static void applyTheme();
+    void readFileTags();
 
     QWidget *window() const;
     ProjectsSidebarViewController &sidebar() { return *m_sidebar; }

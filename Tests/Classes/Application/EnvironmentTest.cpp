@@ -15,6 +15,7 @@
 #include "Tests/Support/DamagedStore.h"
 #include "Tests/Support/Skip.h"
 
+#include <QCoreApplication>
 #include <QThread>
 
 #include <cerrno>

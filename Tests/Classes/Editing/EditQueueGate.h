@@ -17,6 +17,7 @@ public:
     EditQueueGate(const EditQueueGate &) = delete;
     EditQueueGate &operator=(const EditQueueGate &) = delete;
 
+    bool isOpen() const { return *m_isOpen; }
     void open() const
     {
         if (!*m_isOpen) {

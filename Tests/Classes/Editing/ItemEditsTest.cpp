@@ -310,3 +310,30 @@ TEST_F(ItemEditsTest, FilesAreAnnouncedFromBeforeTheSaveUntilTheyAreAskedFor)
     edits.setLicense({image->objectID()}, QStringLiteral("CC BY 4.0"));
     EXPECT_EQ(steps.size(), 2) << "a license is not in the file";
 }
+
+TEST_F(ItemEditsTest, ItemsThatSomebodyDeletesBetweenTwoBatchesAreLeftOut)
+{
+    const QList<ZQObjectID> items = addItems(int(EditSize().perBatch) + 2);
+    const ZQObjectID gone = items[items.size() - 2];
+    QList<qsizetype> announced;
+    library.didAnnounce = [&](const QStringList &bundleIDs) {
+        announced.append(bundleIDs.size());
+        if (announced.size() == 1) {
+            ZQManagedObjectContext beside(library.coordinator());
+            beside.deleteObject(beside.objectWithID(gone).get());
+            ZQError error;
+            EXPECT_TRUE(beside.save(&error)) << error.localizedDescription().toStdString();
+        }
+    };
+    edits.setRating(items, 4);
+    finish();
+    EXPECT_EQ(announced, (QList<qsizetype>{EditSize().perBatch, 1}));
+    EXPECT_EQ(ratingOf(items.first()), 4);
+    EXPECT_EQ(ratingOf(items.last()), 4);
+    undoStack.undo();
+    finish();
+    EXPECT_EQ(ratingOf(items.last()), 0);
+    EXPECT_TRUE(user.errors.isEmpty());
+    const auto stored = zqFetch<ZQLibraryBaseItem>(library.context(), QStringLiteral("TRUEPREDICATE"));
+    EXPECT_EQ(stored ? stored->size() : 0, items.size() - 1);
+}

@@ -1,7 +1,7 @@
 // What arrives while a person looks at something, and what is said of it.
 
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/EmptyState.h"
-#include "Classes/Interface/ImportDoor.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Kit/Operations/ZQMainThread.h"

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
+#include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -14,6 +15,8 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QToolButton>
+
+#include <algorithm>
 
 TEST_F(MainWindowTest, ImportsGoWhereTheShownTakesThem)
 {
@@ -211,6 +214,27 @@ TEST_F(MainWindowTest, WhatTheStoreBringsIsShown)
     run(CommandID::NewTab);
     sidebar().selectItems({b->objectID()});
     EXPECT_EQ(tabs(), QStringLiteral("Bee 1/2"));
+}
+
+TEST_F(MainWindowTest, WhatOtherProgramsWroteIsReadForWhatIsSelectedAndWhenTheWindowComesToTheFront)
+{
+    const auto writeBeside = [this](const QString &title) {
+        const ZQError error = OpenMeta::setUserTags({QStringLiteral("theirs")}, image(title)->findItemURL());
+        EXPECT_TRUE(error.isNull()) << error.localizedDescription().toStdString();
+    };
+    const auto hasTheirs = [this](const QString &title) {
+        const auto tags = image(title)->itemTags();
+        return std::any_of(tags.begin(), tags.end(),
+                           [](const auto &each) { return each->title() == QStringLiteral("theirs"); });
+    };
+    writeBeside(QStringLiteral("red"));
+    writeBeside(QStringLiteral("clear"));
+    select({QStringLiteral("clear")});
+    EXPECT_TRUE(waitFor([&] { return hasTheirs(QStringLiteral("clear")); }));
+    EXPECT_FALSE(hasTheirs(QStringLiteral("red")));
+    QEvent activate(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(&window(), &activate);
+    EXPECT_TRUE(waitFor([&] { return hasTheirs(QStringLiteral("red")); }));
 }
 
 TEST_F(MainWindowTest, TheApplicationFindsAndAsksTheWindow)

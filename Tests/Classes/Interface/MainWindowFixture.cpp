@@ -2,7 +2,7 @@
 
 #include "Classes/Application/ApplicationParts.h"
 #include "Classes/Import/AImportManager.h"
-#include "Classes/Interface/ImportDoor.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQSidebarFolder.h"

@@ -3,12 +3,9 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Tags/OpenMeta.h"
-#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
-#include "Kit/Operations/ZQMainThread.h"
-#include "Tests/Classes/Interface/MainWindowFixture.h"
+#include "Tests/Classes/Interface/SameEditFixture.h"
 
-#include <QFile>
 #include <QPlainTextEdit>
 
 #include <string>
@@ -25,14 +22,14 @@ struct Edit
     std::function<void(const QList<ZQObjectID> &, EditContext &)> byCall;
 };
 
-class SameEditTest : public MainWindowFixture
+class SameEditTest : public SameEditFixture
 {
 protected:
     void SetUp() override
     {
         MainWindowFixture::SetUp();
         select({QStringLiteral("red")});
-        EditContext editing = editContext();
+        EditContext editing = editContext(&undoStack);
         for (int i = 0; i < 2; ++i) {
             LibraryCommands(editing).duplicateItems({image(QStringLiteral("red"))->objectID()});
         }
@@ -47,18 +44,6 @@ protected:
             titles.append(item->title());
             items.append(item->objectID());
         }
-    }
-    EditContext editContext()
-    {
-        return {context(), person, delegate->editQueue(), [this] { return context().save(); }, &undoStack};
-    }
-    void settleEdits()
-    {
-        settle();
-        zqRunMainLoopUntil([this] { return delegate->editQueue().operationCount() == 0; });
-        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
-        settle();
-        TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
     }
     ZQRef<ZQLibraryBaseItem> item(int index) { return zqCast<ZQLibraryBaseItem>(context().objectWithID(items[index])); }
     // What the store and the file hold, apart from what is each item's own.
@@ -102,21 +87,17 @@ protected:
             .join(u'\n')
             .toStdString();
     }
-    std::string journal()
-    {
-        QFile file(delegate->libraryBundleDirectory() + QStringLiteral("/pending-tags"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
-    }
     InfoPanelViewController &panel() { return *window().findChild<InfoPanelViewController *>(); }
 
     QStringList titles;
     QList<ZQObjectID> items;
-    QUndoStack undoStack;
 };
 
 } // namespace
 
-TEST_F(SameEditTest, WindowCommandAndCallLeaveTheSameStoreFilesJournalAndUndo)
+INSTANTIATE_TEST_SUITE_P(Ways, SameEditTest, testing::Values(EditWay::AtOnce, EditWay::Queued), nameOfWay);
+
+TEST_P(SameEditTest, WindowCommandAndCallLeaveTheSameStoreFilesJournalAndUndo)
 {
     const auto ids = [this](int index) { return QList<ZQObjectID>{items[index]}; };
     const QString fresh = QStringLiteral("fresh");
@@ -184,34 +165,33 @@ TEST_F(SameEditTest, WindowCommandAndCallLeaveTheSameStoreFilesJournalAndUndo)
          [](const QString &id, CommandContext &command) { return zqRunDelete({id}, command); },
          [](const auto &chosen, EditContext &context) { LibraryCommands(context).deleteItems(chosen); }},
     };
-    EditContext editing = editContext();
-    EditContext commandless = editContext();
-    commandless.undoStack = nullptr;
+    EditContext editing = editContext(&undoStack);
+    EditContext commandless = editContext(nullptr);
     std::vector<std::string> meanings;
     std::string last = state(0);
-    for (const Edit &edit : edits) {
-        SCOPED_TRACE(edit.name);
+    for (const Edit &each : edits) {
+        SCOPED_TRACE(each.name);
         meanings.push_back(meaning(0));
         show(a);
         select({titles[0]});
         grid().setFocus();
         const int windowSteps = controller->undoStack().count();
-        edit.inWindow(titles[0]);
-        settleEdits();
+        edit([&] { each.inWindow(titles[0]); });
         EXPECT_EQ(controller->undoStack().count(), windowSteps + 1);
         CommandContext command;
         command.delegate = delegate.get();
-        if (edit.onCommandLine) {
-            EXPECT_EQ(edit.onCommandLine(item(1)->bundleID(), command), 0) << command.errors.toStdString();
-        } else {
-            edit.byCall(ids(1), commandless);
-        }
+        edit([&] {
+            if (each.onCommandLine) {
+                EXPECT_EQ(each.onCommandLine(item(1)->bundleID(), command), 0) << command.errors.toStdString();
+            } else {
+                each.byCall(ids(1), commandless);
+            }
+        });
         EXPECT_EQ(controller->undoStack().count(), windowSteps + 1) << "a command leaves no step in the window";
         const int steps = undoStack.count();
-        edit.byCall(ids(2), editing);
-        settleEdits();
+        edit([&] { each.byCall(ids(2), editing); });
         EXPECT_EQ(undoStack.count(), steps + 1);
-        EXPECT_EQ(journal(), "");
+        EXPECT_EQ(journal(), QByteArray());
         EXPECT_FALSE(context().hasChanges());
         const std::string now = state(0);
         EXPECT_NE(now, last) << "it does something";
@@ -221,11 +201,12 @@ TEST_F(SameEditTest, WindowCommandAndCallLeaveTheSameStoreFilesJournalAndUndo)
     }
     for (size_t step = std::size(edits); step-- > 0;) {
         SCOPED_TRACE(edits[step].name);
-        controller->undoStack().undo();
-        undoStack.undo();
-        settleEdits();
+        edit([&] {
+            controller->undoStack().undo();
+            undoStack.undo();
+        });
         EXPECT_EQ(meaning(0), meanings[step]);
         EXPECT_EQ(meaning(2), meanings[step]);
-        EXPECT_EQ(journal(), "");
+        EXPECT_EQ(journal(), QByteArray());
     }
 }

@@ -2,21 +2,17 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarCommands.h"
 #include "Classes/Tags/OpenMeta.h"
-#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQUserDefaults.h"
-#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarProject.h"
-#include "Tests/Classes/Interface/MainWindowFixture.h"
+#include "Tests/Classes/Interface/SameEditFixture.h"
 
 #include <QDropEvent>
-#include <QFile>
 #include <QFileInfo>
 #include <QMimeData>
 #include <QRegularExpression>
-#include <QUndoStack>
 
 #include <string>
 #include <vector>
@@ -45,7 +41,7 @@ struct RowEdit
     std::function<int(Corner &, CommandContext &)> takenBack = {};     // by a command
 };
 
-class SameRowEditTest : public MainWindowFixture
+class SameRowEditTest : public SameEditFixture
 {
 protected:
     void SetUp() override
@@ -85,18 +81,6 @@ protected:
             commands.renameItem(made.first(), QLatin1StringView(title));
             corner.items.insert(QLatin1StringView(title), made.first());
             commands.addItems(made, corner.from->objectID(), ZQSidebarBaseItem::appendIndex);
-        }
-    }
-    EditContext editContext(QUndoStack *stack)
-    {
-        return {context(), person, delegate->editQueue(), [this] { return context().save(); }, stack};
-    }
-    void settleEdits()
-    {
-        for (int i = 0; i < 2; ++i) {
-            settle();
-            zqRunMainLoopUntil([this] { return delegate->editQueue().operationCount() == 0; });
-            TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
         }
     }
     QList<ZQObjectID> allItems()
@@ -154,11 +138,6 @@ protected:
     {
         return {zqCast<ZQLibraryBaseItem>(context().objectWithID(item))->bundleID()};
     }
-    QByteArray journal()
-    {
-        QFile file(delegate->libraryBundleDirectory() + QStringLiteral("/pending-tags"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
     // Drags what is selected, or a row of the sidebar, onto a row: its middle, or its upper border.
     enum class Where { Middle, UpperBorder };
     void dropOn(const Item &target, const QMimeData &mime, Qt::DropAction action, Where where)
@@ -190,7 +169,8 @@ protected:
         press(Qt::Key_Return);
     }
 
-    std::vector<RowEdit> edits();
+    std::vector<RowEdit> editsOfItems();
+    std::vector<RowEdit> editsOfRows();
     void editAt(const RowEdit &edit);
 
     const QStringList suppressions{QStringLiteral("removeFromSidebarAlertSuppress"),
@@ -199,19 +179,19 @@ protected:
     Corner inWindow;
     Corner onCommandLine;
     Corner byCall;
-    QUndoStack undoStack;
 };
 
-std::vector<RowEdit> SameRowEditTest::edits()
+// Of items and where they are: what can take long.
+std::vector<RowEdit> SameRowEditTest::editsOfItems()
 {
     const QString one = QStringLiteral("one");
     const QString two = QStringLiteral("two");
     const QString three = QStringLiteral("three");
-    using NewItem = SidebarCommands::NewItem;
     return {
         {"rename an item",
          [=, this](Corner &corner) {
              choose(corner.from, {one});
+             holdEdits();
              run(CommandID::Rename);
              type(QStringLiteral("first"));
              press(Qt::Key_Return);
@@ -222,6 +202,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
         {"add to a project",
          [=, this](Corner &corner) {
              choose(corner.from, {two, three});
+             holdEdits();
              dropOn(corner.to, *selection(), Qt::CopyAction, Where::Middle);
          },
          [](Corner &corner, EditContext &context) {
@@ -231,6 +212,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
         {"move in a project",
          [=, this](Corner &corner) {
              choose(corner.from, {three});
+             holdEdits();
              browser().content().drop(selection().get(), 0, Qt::MoveAction);
          },
          [](Corner &corner, EditContext &context) {
@@ -239,6 +221,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
         {"remove from a project",
          [=, this](Corner &corner) {
              choose(corner.to, {two});
+             holdEdits();
              run(CommandID::Remove);
          },
          [](Corner &corner, EditContext &context) {
@@ -247,6 +230,7 @@ std::vector<RowEdit> SameRowEditTest::edits()
         {"duplicate",
          [=, this](Corner &corner) {
              choose(corner.from, {two});
+             holdEdits();
              run(CommandID::Duplicate);
          },
          [](Corner &corner, EditContext &context) {
@@ -258,12 +242,42 @@ std::vector<RowEdit> SameRowEditTest::edits()
              const auto mime = selection();
              sidebar().findChild<ZQSwitch *>()->setCurrentIndex(1);
              settle();
+             holdEdits();
              dropOn(corner.tag, *mime, Qt::CopyAction, Where::Middle);
          },
          [](Corner &corner, EditContext &context) {
              LibraryCommands(context).addItems({member(corner, "two"), member(corner, "three")}, corner.tag->objectID(),
                                                ZQSidebarBaseItem::appendIndex);
          }},
+        {"take from a tag",
+         [=, this](Corner &corner) {
+             choose(corner.tag, {two});
+             holdEdits();
+             run(CommandID::Remove);
+         },
+         [](Corner &corner, EditContext &context) {
+             LibraryCommands(context).removeItems({member(corner, "two")}, corner.tag->objectID());
+         }},
+        {"delete",
+         [=, this](Corner &corner) {
+             choose(corner.from, {two});
+             holdEdits();
+             run(CommandID::DeleteFromLibrary);
+         },
+         [](Corner &corner, EditContext &context) { LibraryCommands(context).deleteItems({member(corner, "two")}); },
+         [this](Corner &corner, CommandContext &command) {
+             return zqRunDelete(bundleIDOf(member(corner, "two")), command);
+         },
+         [this](Corner &corner, CommandContext &command) {
+             return zqRunRestore(bundleIDOf(member(corner, "two")), command);
+         }},
+    };
+}
+
+std::vector<RowEdit> SameRowEditTest::editsOfRows()
+{
+    using NewItem = SidebarCommands::NewItem;
+    return {
         {"rename a tag",
          [this](Corner &corner) {
              show(corner.tag);
@@ -274,14 +288,6 @@ std::vector<RowEdit> SameRowEditTest::edits()
          [](Corner &corner, EditContext &context) {
              SidebarCommands(context).validateNewTitle(corner.tag->title() + QStringLiteral(" new"), corner.tag);
          }},
-        {"take from a tag",
-         [=, this](Corner &corner) {
-             choose(corner.tag, {two});
-             run(CommandID::Remove);
-         },
-         [](Corner &corner, EditContext &context) {
-             LibraryCommands(context).removeItems({member(corner, "two")}, corner.tag->objectID());
-         }},
         {"delete a tag",
          [this](Corner &corner) {
              show(corner.tag);
@@ -290,18 +296,6 @@ std::vector<RowEdit> SameRowEditTest::edits()
              run(CommandID::Remove);
          },
          [](Corner &corner, EditContext &context) { SidebarCommands(context).deleteListItems({corner.tag}); }},
-        {"delete",
-         [=, this](Corner &corner) {
-             choose(corner.from, {two});
-             run(CommandID::DeleteFromLibrary);
-         },
-         [](Corner &corner, EditContext &context) { LibraryCommands(context).deleteItems({member(corner, "two")}); },
-         [this](Corner &corner, CommandContext &command) {
-             return zqRunDelete(bundleIDOf(member(corner, "two")), command);
-         },
-         [this](Corner &corner, CommandContext &command) {
-             return zqRunRestore(bundleIDOf(member(corner, "two")), command);
-         }},
         {"new project",
          [this](Corner &corner) {
              show(corner.to);
@@ -360,17 +354,17 @@ std::vector<RowEdit> SameRowEditTest::edits()
     };
 }
 
-void SameRowEditTest::editAt(const RowEdit &edit)
+void SameRowEditTest::editAt(const RowEdit &one)
 {
     const auto made = [this](const std::function<void()> &change, Corner &corner) {
         const auto known = allItems();
         change();
-        settleEdits();
+        expectEdited();
         corner.fresh += since(known);
     };
     const std::string before = stateOf(inWindow);
     const int windowSteps = controller->undoStack().count();
-    made([&] { edit.inWindow(inWindow); }, inWindow);
+    made([&] { one.inWindow(inWindow); }, inWindow);
     const int taken = controller->undoStack().count() - windowSteps;
     EXPECT_GT(taken, 0);
     CommandContext command;
@@ -378,17 +372,23 @@ void SameRowEditTest::editAt(const RowEdit &edit)
     EditContext commandless = editContext(nullptr);
     made(
         [&] {
-            if (edit.onCommandLine) {
-                EXPECT_EQ(edit.onCommandLine(onCommandLine, command), 0) << command.errors.toStdString();
+            holdEdits();
+            if (one.onCommandLine) {
+                EXPECT_EQ(one.onCommandLine(onCommandLine, command), 0) << command.errors.toStdString();
             } else {
-                edit.byCall(onCommandLine, commandless);
+                one.byCall(onCommandLine, commandless);
             }
         },
         onCommandLine);
     EXPECT_EQ(controller->undoStack().count(), windowSteps + taken) << "a command leaves no step in the window";
     const int steps = undoStack.count();
     EditContext editing = editContext(&undoStack);
-    made([&] { edit.byCall(byCall, editing); }, byCall);
+    made(
+        [&] {
+            holdEdits();
+            one.byCall(byCall, editing);
+        },
+        byCall);
     EXPECT_EQ(undoStack.count(), steps + taken);
     EXPECT_EQ(journal(), QByteArray());
     EXPECT_FALSE(context().hasChanges());
@@ -397,9 +397,10 @@ void SameRowEditTest::editAt(const RowEdit &edit)
     EXPECT_EQ(stateOf(onCommandLine), now);
     EXPECT_EQ(stateOf(byCall), now);
     for (int i = 0; i < taken; ++i) {
-        controller->undoStack().undo();
-        undoStack.undo();
-        settleEdits();
+        edit([this] {
+            controller->undoStack().undo();
+            undoStack.undo();
+        });
     }
     EXPECT_EQ(stateOf(byCall), stateOf(inWindow));
     if (inWindow.fresh.isEmpty()) {
@@ -407,15 +408,16 @@ void SameRowEditTest::editAt(const RowEdit &edit)
     } else { // a copy stays, deleted
         EXPECT_NE(stateOf(inWindow), now);
     }
-    if (edit.takenBack) {
-        EXPECT_EQ(edit.takenBack(onCommandLine, command), 0) << command.errors.toStdString();
+    if (one.takenBack) {
+        edit([&] { EXPECT_EQ(one.takenBack(onCommandLine, command), 0) << command.errors.toStdString(); });
         EXPECT_EQ(stateOf(onCommandLine), stateOf(inWindow));
-        EXPECT_EQ(edit.onCommandLine(onCommandLine, command), 0) << command.errors.toStdString();
+        edit([&] { EXPECT_EQ(one.onCommandLine(onCommandLine, command), 0) << command.errors.toStdString(); });
     }
     for (int i = 0; i < taken; ++i) {
-        controller->undoStack().redo();
-        undoStack.redo();
-        settleEdits();
+        edit([this] {
+            controller->undoStack().redo();
+            undoStack.redo();
+        });
     }
     EXPECT_EQ(stateOf(inWindow), now);
     EXPECT_EQ(stateOf(onCommandLine), now);
@@ -424,11 +426,18 @@ void SameRowEditTest::editAt(const RowEdit &edit)
 
 } // namespace
 
-TEST_F(SameRowEditTest, WindowCommandAndCallLeaveTheSameRowsFilesJournalAndUndo)
+INSTANTIATE_TEST_SUITE_P(Ways, SameRowEditTest, testing::Values(EditWay::AtOnce, EditWay::Queued), nameOfWay);
+
+TEST_P(SameRowEditTest, WindowCommandAndCallLeaveTheSameRowsFilesJournalAndUndo)
 {
     ASSERT_EQ(stateOf(onCommandLine), stateOf(inWindow));
     ASSERT_EQ(stateOf(byCall), stateOf(inWindow));
-    for (const RowEdit &edit : edits()) {
+    std::vector<RowEdit> edits = editsOfItems();
+    if (!isQueued()) {
+        const std::vector<RowEdit> ofRows = editsOfRows(); // wait for nothing
+        edits.insert(edits.end(), ofRows.begin(), ofRows.end());
+    }
+    for (const RowEdit &edit : edits) {
         SCOPED_TRACE(edit.name);
         editAt(edit);
     }

@@ -16,6 +16,8 @@
 #include <thread>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 class MissingFiles : public Scratch
@@ -392,6 +394,67 @@ TEST_F(MissingFiles, ANewcomerIsTheFileOnlyWhenItIsThatFileSavedByReplacingIt)
         EXPECT_EQ(told, expected) << c.what;
         EXPECT_EQ(zqFindPersistentURL(reference), expected) << c.what;
     }
+}
+
+TEST_F(MissingFiles, InATrashAreDeletedUntilTheyArePutBack)
+{
+    const QString around = folder(QStringLiteral("one/two"));
+    const QString user = folder(QStringLiteral(".Trash-1000/files"));
+    const QString desktop = folder(QStringLiteral("XDG_DATA_HOME/Trash/files"));
+    for (const QString &trash : {user, desktop, folder(QStringLiteral("one/.Trash/1000/files"))}) {
+        const QString set = folder(QStringLiteral("one/two/set"));
+        const QString alone = around + QStringLiteral("/a.png");
+        const QString inSet = set + QStringLiteral("/b.png");
+        write(alone, "a");
+        write(inSet, "b");
+        const QByteArray toAlone = zqDataForPersistentURL(alone);
+        const QByteArray toInSet = zqDataForPersistentURL(inSet);
+        const QByteArray toSet = zqDataForPersistentURL(set);
+        ASSERT_TRUE(rename(alone, trash + QStringLiteral("/a.png")) && rename(set, trash + QStringLiteral("/set")));
+        QStringList told;
+        const auto moved = [&told](const QString &path) { told.append(path); };
+        for (const QByteArray &reference :
+             {toAlone, toInSet, zqDataForPersistentURL(trash + QStringLiteral("/a.png"))}) {
+            EXPECT_EQ(zqFindPersistentURL(reference), QString());
+            EXPECT_EQ(zqURLFromPersistentData(reference, moved), QString());
+        }
+        EXPECT_EQ(zqFindPersistentURL(toSet), trash + QStringLiteral("/set")) << "so that it is known to be there";
+        zqWaitForPersistentURLSearches();
+        EXPECT_EQ(told, QStringList());
+        ASSERT_TRUE(rename(trash + QStringLiteral("/a.png"), alone) && rename(trash + QStringLiteral("/set"), set));
+        EXPECT_EQ(zqURLFromPersistentData(toAlone), alone);
+        EXPECT_EQ(zqURLFromPersistentData(toInSet), inSet);
+        ASSERT_TRUE(QFile::remove(alone) && QFile::remove(inSet));
+    }
+}
+
+TEST_F(MissingFiles, AnotherNameIsTheFileOnceTheOldOneIsGone)
+{
+    const auto link = [](const QString &from, const QString &to) {
+        return ::link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    };
+    const QString made = folder(QStringLiteral("one/two")) + QStringLiteral("/a.png");
+    const QString near = folder(QStringLiteral("one/two")) + QStringLiteral("/b.png");
+    const QString far = folder(QStringLiteral("one/other")) + QStringLiteral("/a.png");
+    const QString trashed = folder(QStringLiteral("one/two/.Trash-1000/files")) + QStringLiteral("/a.png");
+    write(made, "a");
+    const QByteArray reference = zqDataForPersistentURL(made);
+    ASSERT_TRUE(link(made, trashed) && link(made, far) && link(made, near));
+    const auto lookAtAll = [&] {
+        zqLookForPersistentURLs({{reference, {}}});
+        zqWaitForPersistentURLSearches();
+        EXPECT_EQ(zqURLFromPersistentData(reference), zqFindPersistentURL(reference));
+        return zqFindPersistentURL(reference);
+    };
+    EXPECT_EQ(lookAtAll(), made);
+    ASSERT_TRUE(QFile::remove(made));
+    EXPECT_EQ(lookAtAll(), near);
+    ASSERT_TRUE(link(near, made));
+    EXPECT_EQ(lookAtAll(), made) << "the old name is back";
+    ASSERT_TRUE(QFile::remove(made) && QFile::remove(near));
+    EXPECT_EQ(lookAtAll(), far);
+    ASSERT_TRUE(QFile::remove(far));
+    EXPECT_EQ(lookAtAll(), QString());
 }
 
 TEST_F(MissingFiles, AStrangerThatTakesTheNameAtOnceIsNotTheFile)

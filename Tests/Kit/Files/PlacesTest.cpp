@@ -2,6 +2,7 @@
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQVectorTypes.h"
 #include "Tests/Kit/Files/Scratch.h"
 #include "Tests/Support/FileSizeLimit.h"
 #include "Tests/Support/Skip.h"
@@ -50,6 +51,22 @@ TEST(TypeIdentifier, KnowsExtensionsInAnyCase)
                 {"a.", QString()}};
     for (const auto &row : rows) {
         EXPECT_EQ(forPath(QString::fromLatin1(row.name)), row.type) << row.name;
+    }
+}
+
+TEST(VectorTypes, AreKnownByTheirExtensionsAndSomeHavePages)
+{
+    for (const char *const extension : {"ai", "EPS", "pdf", "Pdf"}) {
+        EXPECT_TRUE(ZQVectorTypes::contains(QLatin1StringView(extension))) << extension;
+        EXPECT_TRUE(ZQVectorTypes::havePages(QLatin1StringView(extension))) << extension;
+    }
+    for (const char *const extension : {"sketch", "SVG"}) {
+        EXPECT_TRUE(ZQVectorTypes::contains(QLatin1StringView(extension))) << extension;
+        EXPECT_FALSE(ZQVectorTypes::havePages(QLatin1StringView(extension))) << extension;
+    }
+    for (const char *const extension : {"png", "", "pd"}) {
+        EXPECT_FALSE(ZQVectorTypes::contains(QLatin1StringView(extension))) << extension;
+        EXPECT_FALSE(ZQVectorTypes::havePages(QLatin1StringView(extension))) << extension;
     }
 }
 

@@ -1,4 +1,4 @@
-#include "Classes/Interface/Detail/DetailDocument.h"
+#include "Classes/Browsing/DetailDocument.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"

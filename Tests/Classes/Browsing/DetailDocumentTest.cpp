@@ -1,4 +1,4 @@
-#include "Classes/Interface/Detail/DetailDocument.h"
+#include "Classes/Browsing/DetailDocument.h"
 #include "Kit/Imaging/ZQRenderPool.h"
 #include "Kit/Operations/ZQMainThread.h"
 

@@ -7,7 +7,7 @@
 class QMimeData;
 class ZQSidebarBaseItem;
 
-// The window's way into the import manager. Main thread.
+// The way into the import manager for files and clipboards that a person hands over. Main thread.
 namespace ImportDoor {
 
 QStringList localPaths(const QMimeData *data); // of the file addresses it carries

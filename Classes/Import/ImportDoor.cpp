@@ -1,4 +1,4 @@
-#include "Classes/Interface/ImportDoor.h"
+#include "Classes/Import/ImportDoor.h"
 
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImportKind.h"
