@@ -131,7 +131,7 @@ std::optional<QList<Facet>> FacetCounts::of(const ContentQuery &query, ZQManaged
             return std::nullopt;
         }
     }
-    return counted;
+    return counts.m_unprepared.isEmpty() ? counted : std::nullopt;
 }
 
 std::optional<ZQRowSet> FacetCounts::content(const LibraryIndex::Reading &reading) const
@@ -165,9 +165,11 @@ const ZQRowSet &FacetCounts::rowsFor(FacetKind kind, const LibraryIndex::Reading
     auto rows = m_rows.find(text);
     if (rows == m_rows.end()) {
         const ZQPredicate *condition = conditionOf(text);
-        Q_ASSERT(condition); // all of them were prepared
-        auto found = condition->isNull() ? std::optional(m_content)
-                                         : reading.matching(*condition, ZQListRows::LibraryItems, m_content);
+        std::optional<ZQRowSet> found; // none yet of a condition that is prepared for the next reading
+        if (condition) {
+            found = condition->isNull() ? std::optional(m_content)
+                                        : reading.matching(*condition, ZQListRows::LibraryItems, m_content);
+        }
         m_isComplete = m_isComplete && found;
         rows = m_rows.emplace(text, found ? std::move(*found) : ZQRowSet(reading.rowCount())).first;
     }
@@ -293,6 +295,9 @@ QList<FacetValue> FacetCounts::colors(const LibraryIndex::Reading &reading)
         add(FacetKind::Color,
             {.token = tokenOf(SearchField::Color, name), .title = name, .color = code, .count = counts[code]}, values);
     }
+    const QString none = QStringLiteral("none");
+    add(FacetKind::Color,
+        {.token = tokenOf(SearchField::Color, none), .title = zqLocalized("none"), .count = counts[0]}, values);
     return values;
 }
 

@@ -143,7 +143,11 @@ QString OpenTabsFile::pathFor(const QUuid &store) const
 bool OpenTabsFile::keepOther(const QUuid &store) const
 {
     const auto data = contentsOf(m_path);
-    if (!data || *data == m_written) {
+    if (!data) { // what is there and was neither read nor set aside is not overwritten
+        const QFileInfo info(m_path);
+        return !info.exists() && !info.isSymLink();
+    }
+    if (*data == m_written) {
         return true;
     }
     const auto root = ZQKeyedArchive::fromData(*data);
@@ -180,13 +184,18 @@ void OpenTabsFile::removeOldestOthers(const QUuid &kept, const QUuid &open) cons
 
 bool OpenTabsFile::write(const Tabs &tabs, EditContext &edits)
 {
-    QVariantList list;
-    for (const auto &tab : tabs.tabs) {
-        list.append(QVariant::fromValue(TabStateArchive::archived(*tab, edits)));
-    }
+    const auto archive = [&](TabStateArchive::Kept kept, ZQError *error) {
+        QVariantList list;
+        for (const auto &tab : tabs.tabs) {
+            list.append(QVariant::fromValue(TabStateArchive::archived(*tab, edits, kept)));
+        }
+        return ZQKeyedArchive::toData(QVariantMap{{tabsKey, list}, {selectedKey, tabs.indexOfSelectedTab}}, error);
+    };
     ZQError error;
-    const auto data =
-        ZQKeyedArchive::toData(QVariantMap{{tabsKey, list}, {selectedKey, tabs.indexOfSelectedTab}}, &error);
+    auto data = archive(TabStateArchive::Kept::Everything, &error);
+    if (data && data->size() > largest) { // it would not be read
+        data = archive(TabStateArchive::Kept::AllButSelection, &error);
+    }
     if (data && *data == m_written) {
         return true;
     }

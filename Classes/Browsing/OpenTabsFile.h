@@ -29,7 +29,7 @@ public:
 
     static constexpr int mostSetAside = 5;
     static constexpr int mostOthers = 50;       // libraries whose tabs are kept beside the file
-    static constexpr qint64 largest = 16 << 20; // bytes
+    static constexpr qint64 largest = 64 << 20; // bytes; more than 200 tabs with the longest texts have
     static constexpr qsizetype mostTabs = 200;
 
 private:

@@ -3,6 +3,7 @@
 #include "Classes/Browsing/SearchExpression.h"
 #include "Classes/Browsing/SearchQueries.h"
 #include "Kit/Persistence/ZQPredicate.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 // The search language, as the search field, the refine bar, saved searches and the command line speak it: words and
 // tokens ("#width>1000", "#tag draft", `SearchToken`), joined by AND, OR and brackets, left out by NOT or "-", and
@@ -11,7 +12,7 @@ class SearchManager : public SearchQueries
 {
 public:
     // Characters of a text that is typed or saved.
-    static constexpr qsizetype longestText = 1 << 16;
+    static constexpr qsizetype longestText = ZQSidebarSmartFolder::longestSearchText;
 
     // The condition of a text on the rows of `andArrayController`; empty when there is nothing to search for.
     static QString predicateStringForSearchString(const QString &searchString, const SearchContext &andArrayController);

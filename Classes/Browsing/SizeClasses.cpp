@@ -4,6 +4,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -20,7 +21,7 @@ SizeClasses::Limits SizeClasses::Limits::current()
 {
     const auto limit = [](const char *key, qint64 usual) {
         const qint64 set = ZQUserDefaults::standardUserDefaults().integerForKey(QLatin1StringView(key));
-        return set > 0 ? set : usual;
+        return set > 0 ? std::min<qint64>(set, std::numeric_limits<qint32>::max()) : usual; // pixels have no more bits
     };
     const Limits usual;
     return {limit("IconTagSize", usual.icon), limit("SmallTagSize", usual.small), limit("MediumTagSize", usual.medium)};

@@ -159,7 +159,7 @@ void saveWhatIsTemporary(TabState &tab, EditContext &edits)
 
 } // namespace
 
-ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edits)
+ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edits, Kept kept)
 {
     saveWhatIsTemporary(tab, edits);
     const QUuid store = edits.context.persistentStoreCoordinator()->storeUUID();
@@ -171,7 +171,8 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
     const TabViewState &view = tab.view;
     const ZQPredicate &predicate = tab.filterPredicate();
     const auto textOrNothing = [](const QString &text) { return text.isEmpty() ? QVariant() : QVariant(text); };
-    const bool keepsSelection = !view.selectionIndexes.isEmpty() && view.selectionIndexes.ranges().size() <= mostRanges;
+    const bool keepsSelection = kept == Kept::Everything && !view.selectionIndexes.isEmpty() &&
+                                view.selectionIndexes.ranges().size() <= mostRanges;
     return {className,
             {{sidebarKey, items},
              {detailKey, view.detailItem.isNull() ? QVariant() : view.detailItem.URIRepresentation(store)},

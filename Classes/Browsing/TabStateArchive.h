@@ -13,8 +13,9 @@ namespace TabStateArchive {
 
 inline const QString className = QStringLiteral("TabState");
 
+enum class Kept { Everything, AllButSelection };
 // Saves what has no lasting identifier yet.
-ZQKeyedArchive::Object archived(TabState &tab, EditContext &edits);
+ZQKeyedArchive::Object archived(TabState &tab, EditContext &edits, Kept kept = Kept::Everything);
 
 // The stores whose objects it names, of whatever it is an archive.
 QSet<QUuid> storesNamedBy(const QVariant &archive);

@@ -235,7 +235,7 @@ SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText,
 {
     constexpr qsizetype longestName = 80;
     const auto [father, index] = spotFor(onItem);
-    if (!father) {
+    if (!father || searchText.size() > ZQSidebarSmartFolder::longestSearchText) {
         return {};
     }
     const QString name = title.isEmpty() ? searchText.simplified().left(longestName) : title;
@@ -254,7 +254,7 @@ SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText,
 void SidebarCommands::setSearchText(const Item &smartFolder, const QString &searchText)
 {
     const auto item = zqCast<ZQSidebarSmartFolder>(smartFolder);
-    if (!item || item->searchText() == searchText) {
+    if (!item || item->searchText() == searchText || searchText.size() > ZQSidebarSmartFolder::longestSearchText) {
         return;
     }
     const QString before = item->searchText();

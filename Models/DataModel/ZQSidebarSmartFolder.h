@@ -7,6 +7,8 @@
 class ZQSidebarSmartFolder : public _ZQSidebarSmartFolder
 {
 public:
+    static constexpr qsizetype longestSearchText = 1 << 16; // characters
+
     bool isSmartFolder() const override { return true; }
     QString typeString() const override;
     QString icon() const override { return QStringLiteral("smart"); }

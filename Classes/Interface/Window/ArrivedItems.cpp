@@ -19,12 +19,38 @@ namespace {
 constexpr auto lookInterval = 100ms;
 constexpr int mostLooks = 30;         // something else is being fetched all the time
 constexpr auto timeToDecide = 8000ms; // with a button
+
+// In their order. Nothing when the store cannot be read, which is no sign of deletion.
+std::optional<QList<ZQObjectID>> stillThere(const QList<ZQObjectID> &items, ZQManagedObjectContext &context,
+                                            ZQError *error)
+{
+    constexpr qsizetype atOnce = 1000;
+    QSet<ZQObjectID> left;
+    for (qsizetype start = 0; start < items.size(); start += atOnce) {
+        QVariantList batch;
+        for (const ZQObjectID &id : items.sliced(start, std::min(atOnce, items.size() - start))) {
+            batch.append(QVariant::fromValue(id));
+        }
+        const auto found =
+            context.fetchObjectIDs({.entityName = ZQLibraryBaseItem::entityName(),
+                                    .predicate = ZQPredicate::predicateWithFormat(
+                                        QStringLiteral("SELF IN %@ AND active == YES"), {QVariant(batch)})},
+                                   error);
+        if (!found) {
+            return std::nullopt;
+        }
+        left.unite(QSet<ZQObjectID>(found->begin(), found->end()));
+    }
+    QList<ZQObjectID> result = items;
+    result.removeIf([&left](const ZQObjectID &id) { return !left.contains(id); });
+    return result;
+}
 } // namespace
 
 ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, ProjectsSidebarViewController &sidebar,
                            BrowserViewController &browser, std::function<void()> showEverything, QObject *parent)
     : QObject(parent), m_window(window), m_user(user), m_sidebar(sidebar), m_browser(browser),
-      m_showEverything(std::move(showEverything))
+      m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content)
 {
     m_user.onImportEnd = [this](const ImportOutcome &outcome) { tellWhenShown(outcome, 0); };
 }
@@ -87,23 +113,29 @@ ZQObjectID ArrivedItems::placeOf(const ZQObjectID &target) const
     return library ? library->objectID() : ZQObjectID();
 }
 
-QList<ZQObjectID> ArrivedItems::stillThere(const QList<ZQObjectID> &items) const
-{
-    QList<ZQObjectID> result;
-    for (const auto &item : ZQLibraryBaseItem::itemsWithIDs(items, m_window.context)) {
-        if (item->active()) {
-            result.append(item->objectID());
-        }
-    }
-    return result;
-}
-
 void ArrivedItems::show(const QList<ZQObjectID> &items, const ZQObjectID &target)
 {
-    const QList<ZQObjectID> left = stillThere(items);
+    m_ticket.run(
+        [this, items, target](ZQManagedObjectContext &context, const auto &) -> ContentFetcher::Ticket::Answer {
+            ZQError error;
+            const auto left = stillThere(items, context, &error);
+            return [this, left, target, error] {
+                if (!left) {
+                    const QString text = zqFormat(zqLocalized("What was imported could not be looked up: %@"),
+                                                  {error.localizedDescription()});
+                    m_user.showNotificationWithText(text, NotificationPlace::Browser, usualNotificationTime);
+                } else {
+                    showLeft(*left, target);
+                }
+            };
+        });
+}
+
+void ArrivedItems::showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target)
+{
     if (left.isEmpty()) {
-        m_user.showNotificationWithText(zqLocalized("What was imported was deleted since. Undo brings it back."),
-                                        NotificationPlace::Browser, usualNotificationTime);
+        m_user.showNotificationWithText(zqLocalized("What was imported was deleted since."), NotificationPlace::Browser,
+                                        usualNotificationTime);
         return;
     }
     m_browser.closeDetail();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Interface/WindowContext.h"
 
 #include <QObject>
@@ -20,14 +21,14 @@ public:
                  BrowserViewController &browser, std::function<void()> showEverything, QObject *parent = nullptr);
     ~ArrivedItems() override;
 
-    // Goes to where the items are, and selects those that are still there; says so when none is.
+    // Goes to where the items are, and selects those that are still there; says so when none is, or it is not known.
     void show(const QList<ZQObjectID> &items, const ZQObjectID &target);
 
 private:
     void tellWhenShown(const ImportOutcome &outcome, int looks);
     void tell(const ImportOutcome &outcome);
     bool areInView(const QList<ZQObjectID> &items) const;
-    QList<ZQObjectID> stillThere(const QList<ZQObjectID> &items) const;
+    void showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target);
     ZQObjectID placeOf(const ZQObjectID &target) const;
     void showRefused(const ImportOutcome &outcome);
 
@@ -36,4 +37,5 @@ private:
     ProjectsSidebarViewController &m_sidebar;
     BrowserViewController &m_browser;
     std::function<void()> m_showEverything;
+    ContentFetcher::Ticket m_ticket;
 };

@@ -66,12 +66,12 @@ bool SavedSearchActions::canSave() const
 {
     const QString text = m_browser.content().filter();
     const bool isUnchanged = isEditing() && text == savedText().trimmed();
-    return !isUnchanged && searches(text);
+    return !isUnchanged && searches(text) && wholeText().size() <= SearchManager::longestText;
 }
 
 bool SavedSearchActions::canUpdate() const
 {
-    return canSave() && shownSmartFolder() && savedText().size() <= SearchManager::longestText;
+    return canSave() && shownSmartFolder();
 }
 
 QString SavedSearchActions::wholeText() const
