@@ -84,7 +84,7 @@ TEST_F(SidebarLaunchTest, TheOtherSideIsOpenOnceItIsTurnedTo)
 {
     sidebar().findChild<ZQSwitch *>()->setCurrentIndex(1);
     const QString rows = rowsFrom(tree()->model()->index(0, 0));
-    EXPECT_TRUE(rows.startsWith(QStringLiteral("TAGS mine "))) << qPrintable(rows);
+    EXPECT_TRUE(rows.startsWith(QStringLiteral("TAGS Sample tag mine SIZES icon "))) << qPrintable(rows);
     EXPECT_TRUE(rows.contains(QStringLiteral("COLORS white"))) << qPrintable(rows);
     tree()->collapse(tree()->tree()->indexOfKind(ZQSidebarKind::TagsLabel));
     settle();
@@ -120,11 +120,11 @@ TEST_F(SidebarLaunchTest, RowsThatOpenAreCountedToo)
     EXPECT_TRUE(waitFor([&] { return badge(box) == QStringLiteral("1"); }));
 }
 
-TEST_F(SidebarLaunchTest, ADropIntoAClosedFolderGoesBehindWhatItHolds)
+TEST_F(SidebarLaunchTest, ADropIntoAClosedFolderGoesBeforeWhatItHolds)
 {
     drop(a, folder);
-    EXPECT_EQ(children(folder), (QStringList{QStringLiteral("Inner"), QStringLiteral("Shelf"), QStringLiteral("A")}));
-    EXPECT_EQ(rowsFrom(index(projects)), QStringLiteral("PROJECTS B Folder Inner Shelf Box A"));
+    EXPECT_EQ(children(folder), (QStringList{QStringLiteral("A"), QStringLiteral("Inner"), QStringLiteral("Shelf")}));
+    EXPECT_EQ(rowsFrom(index(projects)), QStringLiteral("PROJECTS B Folder A Inner Shelf Box"));
     run(CommandID::Undo);
     settle();
     EXPECT_EQ(children(folder), (QStringList{QStringLiteral("Inner"), QStringLiteral("Shelf")}));
@@ -136,7 +136,7 @@ TEST_F(SidebarLaunchTest, WhatLiesInAClosedFolderCanBeDraggedOutAndTakenBack)
     const QStringList before = children(folder);
     drop(inner, projects);
     EXPECT_EQ(children(folder), QStringList{QStringLiteral("Shelf")});
-    EXPECT_EQ(children(projects).last(), QStringLiteral("Inner"));
+    EXPECT_EQ(children(projects).first(), QStringLiteral("Inner"));
     run(CommandID::Undo);
     settle();
     EXPECT_EQ(children(folder), before);
