@@ -3,7 +3,6 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
@@ -12,6 +11,7 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QStackedWidget>
 
 #include <algorithm>
@@ -24,8 +24,6 @@ ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &wind
 {
     setObjectName(QStringLiteral("Sidebar"));
     setAttribute(Qt::WA_StyledBackground);
-    const bool showsBadges = ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("SidebarDisplayBadges"));
-    setShowsCounts(showsBadges);
     m_stack->addWidget(makeTree(m_projects));
     m_stack->addWidget(makeTree(m_tags));
     auto *top = new QHBoxLayout;
@@ -40,6 +38,9 @@ ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &wind
     layout->addLayout(m_progress);
     connect(m_switch, &ZQSwitch::currentIndexChanged, this, [this](int side) {
         m_stack->setCurrentIndex(side);
+        if (m_restoredWhenShown == tree()) {
+            restoreExpansion(tree());
+        }
         Q_EMIT sideChanged(side == 1);
     });
     reload();
@@ -70,13 +71,17 @@ SidebarTreeView *ProjectsSidebarViewController::makeTree(SidebarTreeModel *model
             [this, view] { selectionDidChange(view); });
     const auto keepExpansion = [this, model](const QModelIndex &index, bool expanded) {
         const auto item = model->item(index);
-        if (!m_isReloading && item && item->expanded() != expanded) {
+        if (!m_isReloading && !m_isRestoring && item && item->expanded() != expanded) {
             item->setExpanded(expanded);
             m_window.save();
         }
     };
-    connect(view, &QTreeView::expanded, this,
-            [keepExpansion](const QModelIndex &index) { keepExpansion(index, true); });
+    connect(view, &QTreeView::expanded, this, [this, view, keepExpansion](const QModelIndex &index) {
+        keepExpansion(index, true);
+        if (!m_isRestoring) {
+            restoreExpansion(view, index);
+        }
+    });
     connect(view, &QTreeView::collapsed, this,
             [keepExpansion](const QModelIndex &index) { keepExpansion(index, false); });
     connect(view, &QWidget::customContextMenuRequested, this, [this, view](const QPoint &point) {
@@ -209,20 +214,38 @@ bool ProjectsSidebarViewController::reload(SidebarTreeModel *model)
     if (kept == 0) {
         std::any_of(neighbours.begin(), neighbours.end(), select);
     }
+    if (model->hasUncounted()) {
+        model->reloadCounts();
+    }
     return kept != before.size();
 }
 
-void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view)
+void ProjectsSidebarViewController::restoreExpansion(SidebarTreeView *view, const QModelIndex &from)
 {
+    if (view != tree()) {
+        m_restoredWhenShown = view;
+        return;
+    }
+    m_restoredWhenShown = from.isValid() ? m_restoredWhenShown : nullptr;
     const auto restore = [view](const auto &self, const QModelIndex &parent) -> void {
         for (int row = 0; row < view->model()->rowCount(parent); ++row) {
             const QModelIndex index = view->model()->index(row, 0, parent);
+            if (!view->model()->hasChildren(index)) {
+                continue;
+            }
             const auto item = view->tree()->item(index);
-            view->setExpanded(index, item->expanded() || (item->isLabel() && item->expandedIsNull()));
-            self(self, index);
+            const bool isOpen = item->expanded() || (item->isLabel() && item->expandedIsNull());
+            view->setExpanded(index, isOpen);
+            if (isOpen) { // what is closed is gone through when it opens
+                self(self, index);
+            }
         }
     };
-    restore(restore, {});
+    const QScopedValueRollback restoring(m_isRestoring, true);
+    restore(restore, from);
+    if (view->tree()->hasUncounted()) {
+        view->tree()->reloadCounts();
+    }
 }
 
 void ProjectsSidebarViewController::setShowsCounts(bool shows)

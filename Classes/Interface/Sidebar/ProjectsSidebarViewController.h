@@ -23,7 +23,7 @@ public:
     void reload();
     bool isEditing() const { return tree()->isEditing(); }
     void reloadCounts();
-    void setShowsCounts(bool shows);
+    void setShowsCounts(bool shows); // none before it is said
     QVBoxLayout *progressLayout() const { return m_progress; }
     QList<WindowCommand> commands();
 
@@ -73,7 +73,8 @@ private:
     bool acceptFiles(const QStringList &paths, const SidebarDropPlace &place);
     void newSidebarItemFromDropFiles(const QStringList &paths, const SidebarDropPlace &place);
     SidebarCommands::Items draggedItems(const QMimeData *data) const;
-    void restoreExpansion(SidebarTreeView *view);
+    // From there on down, as it was kept; of a side that is not shown once it is.
+    void restoreExpansion(SidebarTreeView *view, const QModelIndex &from = {});
 
     WindowContext &m_window;
     SidebarCommands m_commands;
@@ -83,4 +84,6 @@ private:
     SidebarTreeModel *m_tags;
     QVBoxLayout *m_progress;
     bool m_isReloading = false;
+    bool m_isRestoring = false; // rows open, but nobody opened them
+    SidebarTreeView *m_restoredWhenShown = nullptr;
 };

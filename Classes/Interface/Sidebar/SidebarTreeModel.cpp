@@ -13,9 +13,11 @@
 
 struct SidebarTreeModel::Node
 {
-    ZQRef<ZQSidebarBaseItem> item;
+    ZQRef<ZQSidebarBaseItem> item; // null: above the labels
     Node *parent = nullptr;
     int row = 0;
+    bool hasChildren = false; // known before they are
+    bool isRead = false;
     std::vector<std::unique_ptr<Node>> children;
 };
 
@@ -33,42 +35,91 @@ void SidebarTreeModel::setShowsCounts(bool shows)
     reloadCounts();
 }
 
+ZQFetchRequest SidebarTreeModel::requestBelow(const Node &node) const
+{
+    const ZQSortDescriptor byOrder{QStringLiteral("order"), true, ZQSortDescriptor::Comparison::Standard};
+    ZQFetchRequest request{.entityName = ZQSidebarBaseItem::entityName()};
+    if (!node.item) {
+        request.predicate = ZQPredicate::predicateWithFormat(
+            QStringLiteral("father == nil && is_Tag == %@ && active == YES"), {m_side == Side::Tags});
+        request.sortDescriptors = {byOrder, {QStringLiteral("kind"), true, ZQSortDescriptor::Comparison::Standard}};
+        return request;
+    }
+    request.predicate = ZQPredicate::predicateWithFormat(QStringLiteral("father == %@ && active == YES"),
+                                                         {QVariant::fromValue(node.item->objectID())});
+    request.sortDescriptors = {byOrder};
+    if (isSortedByTitle(*node.item)) {
+        request.sortDescriptors.prepend(
+            {QStringLiteral("title"), true, ZQSortDescriptor::Comparison::LocalizedStandard});
+    }
+    return request;
+}
+
+// The rows right below, and which of them have rows below them: two questions, however many there are.
+bool SidebarTreeModel::read(Node &node, Nodes &nodes, ZQError *error) const
+{
+    ZQFetchRequest request = requestBelow(node);
+    const auto items = zqFetch<ZQSidebarBaseItem>(m_window.context, request, error);
+    request.predicate = ZQPredicate::andPredicate(
+        {request.predicate, ZQPredicate::predicateWithFormat(QStringLiteral("ANY childs.active == YES"))});
+    request.sortDescriptors.clear();
+    const auto fathers = items && !items->isEmpty() ? m_window.context.fetchObjectIDs(request, error)
+                                                    : std::optional(QList<ZQObjectID>());
+    if (!items || !fathers) {
+        return false;
+    }
+    const QSet<ZQObjectID> withChildren(fathers->begin(), fathers->end());
+    for (const auto &item : *items) {
+        const bool hasChildren = withChildren.contains(item->objectID());
+        // What is nobody's child and no section has lost its place.
+        if (node.item || isSectionShown(*item, hasChildren)) {
+            const auto row = int(node.children.size());
+            node.children.push_back(std::make_unique<Node>(Node{item, &node, row, hasChildren, !hasChildren, {}}));
+            nodes.insert(item->objectID(), node.children.back().get());
+        }
+    }
+    node.isRead = true;
+    node.hasChildren = !node.children.empty();
+    return true;
+}
+
+// As far down as the tree was read before.
+bool SidebarTreeModel::readAgain(Node &node, Nodes &nodes, ZQError *error) const
+{
+    return read(node, nodes, error) &&
+           std::all_of(node.children.begin(), node.children.end(), [&](const std::unique_ptr<Node> &child) {
+               const Node *before = m_nodes.value(child->item->objectID());
+               return child->isRead || !before || !before->isRead || readAgain(*child, nodes, error);
+           });
+}
+
 void SidebarTreeModel::reload()
 {
-    const bool isTags = m_side == Side::Tags;
-    ZQFetchRequest request{.entityName = ZQSidebarBaseItem::entityName()};
-    request.predicate = isTags ? ZQPredicate::predicateWithFormat(QStringLiteral("father == nil &&  active == YES"))
-                               : ZQPredicate::predicateWithFormat(
-                                     QStringLiteral("father == nil && is_Tag == %@ && active == %@"), {false, true});
-    request.sortDescriptors = {{QStringLiteral("order"), true, ZQSortDescriptor::Comparison::Standard},
-                               {QStringLiteral("kind"), true, ZQSortDescriptor::Comparison::Standard}};
+    auto root = std::make_unique<Node>();
+    Nodes nodes;
     m_error = {};
-    const auto roots = zqFetch<ZQSidebarBaseItem>(m_window.context, request, &m_error);
-    if (!roots) {
+    if (!readAgain(*root, nodes, &m_error)) {
         Q_EMIT failed();
         return;
     }
-    auto before = std::exchange(m_root, std::make_unique<Node>());
-    auto nodesBefore = std::exchange(m_nodes, {});
-    for (const auto &root : *roots) {
-        // The other side's condition leaves the projects in; they have their own.
-        if (root->is_Tag() == isTags && isSectionShown(*root)) {
-            build(*m_root, root);
-        }
-    }
+    m_isUncounted = true;
     // Most changes leave the shape as it is: the rows, and what the view knows of them, then stay.
-    const bool isSame = haveSameShape(*before, *m_root);
-    std::swap(before, m_root);
-    std::swap(nodesBefore, m_nodes);
-    if (!isSame) {
-        beginResetModel();
-        std::swap(before, m_root);
-        std::swap(nodesBefore, m_nodes);
-        endResetModel();
-    } else {
+    if (haveSameShape(*m_root, *root)) {
         announceAll({});
+        return;
     }
-    reloadCounts();
+    beginResetModel();
+    std::swap(m_root, root);
+    std::swap(m_nodes, nodes);
+    endResetModel();
+}
+
+SidebarTreeModel::Node *SidebarTreeModel::opened(Node *node) const
+{
+    if (node->item && !node->isRead && read(*node, m_nodes, nullptr)) {
+        m_isUncounted = true;
+    }
+    return node;
 }
 
 QString SidebarTreeModel::emptyText() const
@@ -78,41 +129,28 @@ QString SidebarTreeModel::emptyText() const
 
 bool SidebarTreeModel::haveSameShape(const Node &a, const Node &b)
 {
-    return a.item == b.item && std::equal(a.children.begin(), a.children.end(), b.children.begin(), b.children.end(),
-                                          [](const auto &x, const auto &y) { return haveSameShape(*x, *y); });
+    return a.item == b.item && a.hasChildren == b.hasChildren && a.isRead == b.isRead &&
+           std::equal(a.children.begin(), a.children.end(), b.children.begin(), b.children.end(),
+                      [](const auto &x, const auto &y) { return haveSameShape(*x, *y); });
 }
 
 void SidebarTreeModel::announceAll(const QModelIndex &above)
 {
-    const int rows = rowCount(above);
-    if (rows == 0) {
+    const Node *const shown = node(above);
+    if (shown->children.empty()) {
         return;
     }
+    const int rows = int(shown->children.size());
     Q_EMIT dataChanged(index(0, 0, above), index(rows - 1, 0, above));
     for (int row = 0; row < rows; ++row) {
         announceAll(index(row, 0, above));
     }
 }
 
-bool SidebarTreeModel::isSectionShown(const ZQSidebarBaseItem &label) const
+bool SidebarTreeModel::isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren)
 {
     // An empty section that nothing can be put into only takes room.
-    return label.is_Label() &&
-           (ZQSidebarKind(label.kind()) != ZQSidebarKind::WatchedFoldersLabel || label.numberofChilds() > 0);
-}
-
-void SidebarTreeModel::build(Node &parentNode, const ZQRef<ZQSidebarBaseItem> &item)
-{
-    auto node = std::make_unique<Node>();
-    node->item = item;
-    node->parent = &parentNode;
-    node->row = int(parentNode.children.size());
-    m_nodes.insert(item->objectID(), node.get());
-    Node &built = *node;
-    parentNode.children.push_back(std::move(node));
-    for (const auto &child : isSortedByTitle(*item) ? item->alphabeticOrderedChildren() : item->orderedChildren()) {
-        build(built, child);
-    }
+    return label.is_Label() && (ZQSidebarKind(label.kind()) != ZQSidebarKind::WatchedFoldersLabel || hasChildren);
 }
 
 bool SidebarTreeModel::isSortedByTitle(const ZQSidebarBaseItem &label)
@@ -123,20 +161,29 @@ bool SidebarTreeModel::isSortedByTitle(const ZQSidebarBaseItem &label)
 
 void SidebarTreeModel::reloadCounts()
 {
+    m_isUncounted = false;
     if (!m_showsCounts) {
-        m_counts.clear();
-        announceAll({});
+        if (!m_counts.isEmpty()) {
+            m_counts.clear();
+            announceAll({});
+        }
         return;
     }
-    QList<SidebarContents::Entry> entries;
+    QList<ZQObjectID> ids;
     for (const auto &[id, node] : m_nodes.asKeyValueRange()) {
         const bool hasOwn = !node->item->isLabel() && !node->item->isFolder() && !node->item->isRecent();
         if (hasOwn) {
-            entries.append(SidebarContents::entryFor(*node->item));
+            ids.append(id);
         }
     }
-    m_countsTicket.run([this, entries, index = m_countsTicket.index()](
+    m_countsTicket.run([this, ids, index = m_countsTicket.index()](
                            ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
+        QList<SidebarContents::Entry> entries;
+        for (const ZQObjectID &id : ids) {
+            if (const auto item = zqCast<ZQSidebarBaseItem>(context.objectWithID(id))) {
+                entries.append(SidebarContents::entryFor(*item));
+            }
+        }
         const auto counts = SidebarContents(context, index.get()).counts(entries, isWanted);
         if (!counts) {
             return {}; // what is shown stays
@@ -150,9 +197,9 @@ void SidebarTreeModel::reloadCounts()
     });
 }
 
-const SidebarTreeModel::Node *SidebarTreeModel::node(const QModelIndex &index) const
+SidebarTreeModel::Node *SidebarTreeModel::node(const QModelIndex &index) const
 {
-    return index.isValid() ? static_cast<const Node *>(index.constInternalPointer()) : m_root.get();
+    return index.isValid() ? static_cast<Node *>(index.internalPointer()) : m_root.get();
 }
 
 ZQRef<ZQSidebarBaseItem> SidebarTreeModel::item(const QModelIndex &index) const
@@ -160,26 +207,42 @@ ZQRef<ZQSidebarBaseItem> SidebarTreeModel::item(const QModelIndex &index) const
     return index.isValid() ? node(index)->item : ZQRef<ZQSidebarBaseItem>();
 }
 
+// Folders that nobody opened yet lie on the way to it.
+SidebarTreeModel::Node *SidebarTreeModel::nodeOf(const ZQObjectID &id) const
+{
+    constexpr qsizetype deepest = 1000; // of a damaged tree
+    QList<ZQObjectID> way = {id};
+    while (!m_nodes.contains(way.last())) {
+        const auto item = m_window.sidebarItem(way.last());
+        const auto father = item ? item->father() : ZQRef<ZQSidebarBaseItem>();
+        if (!father || way.size() > deepest) {
+            return nullptr;
+        }
+        way.append(father->objectID());
+    }
+    Node *node = m_nodes.value(way.takeLast());
+    while (node && !way.isEmpty()) {
+        opened(node);
+        node = m_nodes.value(way.takeLast()); // none: it is not active
+    }
+    return node;
+}
+
 QModelIndex SidebarTreeModel::indexOf(const ZQObjectID &item) const
 {
-    const auto found = m_nodes.constFind(item);
-    return found == m_nodes.constEnd() ? QModelIndex() : createIndex((*found)->row, 0, *found);
+    Node *const found = nodeOf(item);
+    return found ? createIndex(found->row, 0, found) : QModelIndex();
 }
 
 QModelIndex SidebarTreeModel::indexOfKind(ZQSidebarKind kind) const
 {
-    for (Node *const node : m_nodes) {
-        const bool isFixed = node->item->isLabel() || node->item->isSpecial();
-        if (isFixed && ZQSidebarKind(node->item->kind()) == kind) {
-            return createIndex(node->row, 0, node);
-        }
-    }
-    return {};
+    const auto item = ZQSidebarBaseItem::specialItemOfKind(kind, m_window.context);
+    return item ? indexOf(item->objectID()) : QModelIndex();
 }
 
 QModelIndex SidebarTreeModel::index(int row, int column, const QModelIndex &parent) const
 {
-    const Node *above = node(parent);
+    const Node *above = opened(node(parent));
     if (column != 0 || row < 0 || row >= int(above->children.size())) {
         return {};
     }
@@ -197,7 +260,12 @@ QModelIndex SidebarTreeModel::parent(const QModelIndex &child) const
 
 int SidebarTreeModel::rowCount(const QModelIndex &parent) const
 {
-    return int(node(parent)->children.size());
+    return int(opened(node(parent))->children.size());
+}
+
+bool SidebarTreeModel::hasChildren(const QModelIndex &parent) const
+{
+    return node(parent)->hasChildren;
 }
 
 int SidebarTreeModel::columnCount(const QModelIndex & /*parent*/) const

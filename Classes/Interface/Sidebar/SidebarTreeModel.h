@@ -7,7 +7,10 @@
 
 #include <memory>
 
-// One side of the sidebar as a tree of its active items in their order, with counts beside them.
+// One side of the sidebar as a tree of its active items in their order, with counts beside them. What stands below a
+// row is read when it is first asked for, and whoever asks gets all of it: a closed folder costs a row. A read that
+// fails answers nothing and is tried again at the next question, so that commands, which may not take that for an empty
+// folder, go by the store.
 class SidebarTreeModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -25,22 +28,24 @@ public:
     SidebarTreeModel(WindowContext &window, Side side, QObject *parent = nullptr);
     ~SidebarTreeModel() override;
 
-    // The tree again from the store; identifiers keep their meaning, indexes do not. One that cannot be read leaves the
-    // tree as it is.
+    // What was read, again from the store; identifiers keep their meaning, indexes do not. One that cannot be read
+    // leaves the tree as it is. Its counts are asked for afterwards.
     void reload();
-    void reloadCounts(); // asked in the background
+    void reloadCounts();                                // of the rows that were read; asked in the background
+    bool hasUncounted() const { return m_isUncounted; } // rows were read since
     Side side() const { return m_side; }
     void setShowsCounts(bool shows);
     QString emptyText() const; // why there is no tree; empty when there is one, or none to be shown
 
     ZQRef<ZQSidebarBaseItem> item(const QModelIndex &index) const;
-    QModelIndex indexOf(const ZQObjectID &item) const;
+    QModelIndex indexOf(const ZQObjectID &item) const; // reads the way to it
     QModelIndex indexOfKind(ZQSidebarKind kind) const;
     static bool isSortedByTitle(const ZQSidebarBaseItem &label); // TAGS, as the person chose it
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
+    bool hasChildren(const QModelIndex &parent = {}) const override; // reads nothing
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
@@ -52,18 +57,24 @@ Q_SIGNALS:
 
 private:
     struct Node;
-    void build(Node &node, const ZQRef<ZQSidebarBaseItem> &item);
-    const Node *node(const QModelIndex &index) const;
+    using Nodes = QHash<ZQObjectID, Node *>;
+    ZQFetchRequest requestBelow(const Node &node) const;
+    bool read(Node &node, Nodes &nodes, ZQError *error) const;
+    bool readAgain(Node &node, Nodes &nodes, ZQError *error) const;
+    Node *node(const QModelIndex &index) const;
+    Node *opened(Node *node) const;
+    Node *nodeOf(const ZQObjectID &item) const;
     static bool haveSameShape(const Node &a, const Node &b);
     void announceAll(const QModelIndex &above); // everything below may look different
-    bool isSectionShown(const ZQSidebarBaseItem &label) const;
+    static bool isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren);
 
     WindowContext &m_window;
     Side m_side;
-    bool m_showsCounts = true;
+    bool m_showsCounts = false;
     ZQError m_error;
     std::unique_ptr<Node> m_root;
-    QHash<ZQObjectID, Node *> m_nodes;
+    mutable Nodes m_nodes;
+    mutable bool m_isUncounted = false;
     QHash<ZQObjectID, qint64> m_counts;
     ContentFetcher::Ticket m_countsTicket;
 };

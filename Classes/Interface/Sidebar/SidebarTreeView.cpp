@@ -100,7 +100,7 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     } else {
         ZQIcon::paint(*painter, icon, index.data(SidebarTreeModel::IconRole).toString(), iconColor);
     }
-    if (index.model()->rowCount(index) > 0) {
+    if (index.model()->hasChildren(index)) {
         const auto *tree = qobject_cast<const QTreeView *>(option.widget);
         ZQIcon::paint(*painter, twistyRect(row, index),
                       tree && tree->isExpanded(index) ? QStringLiteral("chevron-down")
@@ -274,9 +274,9 @@ void SidebarTreeView::mousePressEvent(QMouseEvent *event)
             return;
         }
         const bool isTwisty =
-            model()->rowCount(index) > 0 &&
+            model()->hasChildren(index) &&
             SidebarDelegate::twistyRect(visualRect(index), index).adjusted(-4, -9, 3, 9).contains(event->pos());
-        if (isTwisty || (isLabel(index) && model()->rowCount(index) > 0)) {
+        if (isTwisty || (isLabel(index) && model()->hasChildren(index))) {
             setExpanded(index, !isExpanded(index));
             return;
         }
@@ -330,7 +330,7 @@ void SidebarTreeView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     const QModelIndex index = indexAt(event->pos());
     m_pressedSelected = QPersistentModelIndex();
-    if (index.isValid() && model()->rowCount(index) > 0 && !isLabel(index)) {
+    if (index.isValid() && model()->hasChildren(index) && !isLabel(index)) {
         setExpanded(index, !isExpanded(index));
     }
 }

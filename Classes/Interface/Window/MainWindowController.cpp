@@ -43,7 +43,7 @@
 
 namespace {
 
-constexpr int millisecondsBeforeIndex = 250;
+constexpr int longestBeforeFirstScreen = 250; // milliseconds
 
 ZQUserDefaults &defaults()
 {
@@ -80,8 +80,6 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
     index->follow(m_window->context);
     m_fetcher->setIndex(index);
-    // The first screen comes first; they would share the processors.
-    QTimer::singleShot(millisecondsBeforeIndex, index.get(), &LibraryIndex::start);
     ZQPreviewService::prepare();
     m_mainWindow->setWindowTitle(QStringLiteral("Zelto"));
     m_mainWindow->setMinimumSize(720, 480);
@@ -114,6 +112,20 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     restoreGeometry();
     m_tabs->restore();
     updateCommands();
+    startAfterFirstScreen(*index);
+}
+
+// It comes first; they would share the processors.
+void MainWindowController::startAfterFirstScreen(LibraryIndex &index)
+{
+    auto *timer = new QTimer(m_sidebar);
+    timer->setSingleShot(true);
+    connect(timer, &QTimer::timeout, m_sidebar,
+            [this] { m_sidebar->setShowsCounts(defaults().boolForKey(QStringLiteral("SidebarDisplayBadges"))); });
+    connect(timer, &QTimer::timeout, &index, &LibraryIndex::start);
+    connect(timer, &QTimer::timeout, timer, &QObject::deleteLater);
+    connect(&m_browser->content(), &BrowserContent::changed, timer, [timer] { timer->start(0); });
+    timer->start(longestBeforeFirstScreen);
 }
 
 MainWindowController::~MainWindowController()

@@ -15,6 +15,7 @@
 class BrowserViewController;
 class ImportActions;
 class InfoPanelViewController;
+class LibraryIndex;
 class MainToolbar;
 class MainWindow;
 class PreferencesWindow;
@@ -67,6 +68,7 @@ public:
 private:
     void makePanes();
     void makeCommands();
+    void startAfterFirstScreen(LibraryIndex &index);
     QList<WindowCommand> libraryCommands();
     QList<WindowCommand> editCommands();
     QList<WindowCommand> viewCommands();
