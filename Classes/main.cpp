@@ -242,6 +242,7 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
     // An import takes back what it did, and an edit ends at a batch and says so; everything else can be ended anywhere,
     // as the system does it.
@@ -262,6 +263,7 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
@@ -311,6 +313,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
     parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;
@@ -353,7 +356,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     QTimer::singleShot(0, &delegate, [&] {
         delegate.applicationDidFinishLaunching();
         if (!delegate.managedObjectContext()) {
-            QCoreApplication::exit(2);
+            QCoreApplication::exit(SignalWatcher::hasCome() ? 0 : 2);
         }
     });
     const int status = application.exec();
