@@ -7,9 +7,11 @@
 namespace {
 // Written by the handler, which may do nothing but write.
 int handlerEnd = -1;
+volatile std::sig_atomic_t signalHasCome = 0;
 
 void noteSignal(int)
 {
+    signalHasCome = 1;
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(handlerEnd, &byte, 1);
 }
@@ -38,6 +40,11 @@ SignalWatcher::SignalWatcher(std::function<void()> react)
         react();
     });
     setHandler(noteSignal);
+}
+
+bool SignalWatcher::hasCome()
+{
+    return signalHasCome != 0;
 }
 
 SignalWatcher::~SignalWatcher()

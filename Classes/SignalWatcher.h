@@ -12,6 +12,8 @@ class SignalWatcher
 public:
     explicit SignalWatcher(std::function<void()> react);
     ~SignalWatcher();
+    // Whether a signal came to any of them yet. Any thread.
+    static bool hasCome();
     SignalWatcher(const SignalWatcher &) = delete;
     SignalWatcher &operator=(const SignalWatcher &) = delete;
 

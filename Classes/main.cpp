@@ -144,13 +144,25 @@ private:
     struct sigaction m_terminate = {};
 };
 
+// At once, and not with the rest of what the command says: a person who waits wonders why.
+void tellOfWaiting(const QString &format, const QString &bundle)
+{
+    std::fprintf(stderr, "zelto: %s\n", zqFormat(format, {bundle}).toUtf8().constData());
+}
+
 // Hands the whole command line to the process that holds the library; its exit status, or nothing when nobody takes it.
 std::optional<int> handOver(const QString &bundle, const QStringList &arguments, CommandContext &context)
 {
-    const UncaughtSignals uncaught;
     ZQError error;
-    const auto reply =
-        InstanceServer::send(LibraryLock::socketNameForBundle(bundle), {arguments, QDir::currentPath(), {}}, &error);
+    const auto tell = [&bundle](bool hasBegun) {
+        tellOfWaiting(hasBegun
+                          ? zqLocalized("the Zelto that has the library “%@” open is at it; Ctrl+C stops it")
+                          : zqLocalized("waiting for the Zelto that has the library “%@” open, which does something "
+                                        "else first; Ctrl+C ends the waiting"),
+                      bundle);
+    };
+    const auto reply = InstanceServer::send(LibraryLock::socketNameForBundle(bundle),
+                                            {arguments, QDir::currentPath(), {}}, &error, tell);
     if (!reply) {
         const bool hasEnded =
             error.domain == InstanceServer::errorDomain && error.code == InstanceServer::EndedMeanwhile;
@@ -180,14 +192,24 @@ std::optional<int> takeLibrary(const std::function<bool(ZQError *)> &take, const
 {
     constexpr std::chrono::seconds longEnough(5);
     constexpr std::chrono::milliseconds pause(50);
-    const auto latest = std::chrono::steady_clock::now() + longEnough;
+    constexpr std::chrono::seconds patience(1);
+    const auto start = std::chrono::steady_clock::now();
+    const auto latest = start + longEnough;
+    bool isTold = false;
     while (!take(error)) {
+        const UncaughtSignals uncaught; // nothing is begun here that a signal could cut off
         const auto status = isInUse(*error) ? handOver(bundle, arguments, context) : std::nullopt;
         if (status) {
             return status;
         }
         if (!isInUse(*error) || std::chrono::steady_clock::now() >= latest) {
             return context.fail(error->localizedDescription());
+        }
+        if (!isTold && std::chrono::steady_clock::now() - start >= patience) {
+            tellOfWaiting(zqLocalized("waiting for another Zelto, which works on the library “%@”; Ctrl+C ends the "
+                                      "waiting"),
+                          bundle);
+            isTold = true;
         }
         std::this_thread::sleep_for(pause);
     }
@@ -220,6 +242,7 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
     // An import takes back what it did, and an edit ends at a batch and says so; everything else can be ended anywhere,
     // as the system does it.
@@ -240,6 +263,7 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
@@ -289,6 +313,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
     parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;
@@ -331,7 +356,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     QTimer::singleShot(0, &delegate, [&] {
         delegate.applicationDidFinishLaunching();
         if (!delegate.managedObjectContext()) {
-            QCoreApplication::exit(2);
+            QCoreApplication::exit(SignalWatcher::hasCome() ? 0 : 2);
         }
     });
     const int status = application.exec();

@@ -1,5 +1,6 @@
 #include "Classes/Application/CoreDataMigrationWindowController.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QCoreApplication>
@@ -24,14 +25,16 @@ void draw(std::chrono::milliseconds time)
 }
 } // namespace
 
-CoreDataMigrationWindowController::CoreDataMigrationWindowController(UserInteraction &userInteraction)
-    : m_userInteraction(userInteraction)
+CoreDataMigrationWindowController::CoreDataMigrationWindowController(UserInteraction &userInteraction,
+                                                                     std::function<bool()> isEndWanted)
+    : m_userInteraction(userInteraction), m_isEndWanted(std::move(isEndWanted))
 {
 }
 
 void CoreDataMigrationWindowController::showWindow()
 {
-    m_progress = m_userInteraction.beginProgress(zqLocalized("Updating your library"), 1, {});
+    m_progress = m_userInteraction.beginProgress(zqLocalized("Updating your library"), 1,
+                                                 [cancelled = m_isCancelled] { *cancelled = true; });
     draw(std::chrono::milliseconds(400));
 }
 
@@ -54,14 +57,28 @@ void CoreDataMigrationWindowController::showWhile(const std::function<void()> &w
 {
     setMaximum(0); // how far it is cannot be told, only that it goes on
     std::atomic_bool isDone = false;
+    const auto cancellation = std::make_shared<ZQCancellation>();
+    const auto cancelIfWanted = [&] {
+        if (isCancelled()) {
+            cancellation->cancel();
+        }
+    };
+    cancelIfWanted();
     std::jthread thread([&] {
+        const ZQCancellation::Scope scope(cancellation);
         work();
         isDone = true;
     });
     while (!isDone) {
         draw(std::chrono::milliseconds(20));
+        cancelIfWanted();
     }
     setMaximum(1);
+}
+
+bool CoreDataMigrationWindowController::isCancelled() const
+{
+    return *m_isCancelled || (m_isEndWanted && m_isEndWanted());
 }
 
 void CoreDataMigrationWindowController::hideWindow()

@@ -139,7 +139,7 @@ bool LibraryMigration::migrateToModelVersion(const QString &version)
     if (fixUp == std::end(fixUps)) {
         return version == RatingFiller::version || coordinator->clearPendingVersion(version);
     }
-    CoreDataMigrationWindowController window(m_running.userInteraction());
+    CoreDataMigrationWindowController window(m_running.userInteraction(), m_running.parts().isEndWanted);
     window.showWindow();
     ZQManagedObjectContext context(coordinator);
     const auto ids = itemsLacking(*fixUp, context);
@@ -161,6 +161,9 @@ bool LibraryMigration::migrateToModelVersion(const QString &version)
             return false;
         }
         window.advanceBy(static_cast<double>(batch.size()));
+        if (window.isCancelled() && first + itemsPerSave < ids->size()) {
+            return false;
+        }
     }
     return coordinator->clearPendingVersion(version);
 }

@@ -7,8 +7,8 @@ class LibraryStore;
 class RunningParts;
 
 // Fills in what a library of an older version lacks after its store was migrated, a thousand items a save, with a
-// window that shows how far it is. What fails is presented or logged, and stays noted in the store for the next launch.
-// Main thread.
+// window that shows how far it is. What fails is presented or logged, and or is cancelled, stays noted in the store for
+// the next launch. Main thread.
 class LibraryMigration
 {
 public:

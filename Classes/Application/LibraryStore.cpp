@@ -60,7 +60,7 @@ bool LibraryStore::open(ZQError *error)
         const auto model = managedObjectModel();
         const bool isSlow = metadata && ZQPersistentStoreCoordinator::opensSlowly(*model, path);
         if (isSlow || (metadata && !ZQPersistentStoreCoordinator::isModelCompatible(*model, *metadata))) {
-            window.emplace(m_running.userInteraction());
+            window.emplace(m_running.userInteraction(), m_running.parts().isEndWanted);
             window->showWindow();
         }
         const auto openIt = [&] { m_coordinator = ZQPersistentStoreCoordinator::open(model, path, {}, &opening); };
@@ -87,7 +87,8 @@ std::shared_ptr<ZQPersistentStoreCoordinator> LibraryStore::persistentStoreCoord
     ZQError error;
     if (!m_coordinator && !m_hasFailed && !open(&error)) {
         m_hasFailed = true; // presented once; every later call answers nothing
-        if (!error.isNull()) {
+        m_wasCancelled = error.domain == ZQStoreErrorDomain && error.code == int(ZQStoreError::Cancelled);
+        if (!error.isNull() && !m_wasCancelled) {
             m_running.userInteraction().presentError(error);
         }
     }
@@ -102,7 +103,7 @@ ZQManagedObjectContext *LibraryStore::managedObjectContext()
     const bool failedBefore = m_hasFailed;
     const auto coordinator = persistentStoreCoordinator();
     if (!coordinator) {
-        if (!failedBefore) {
+        if (!failedBefore && !m_wasCancelled) {
             m_running.userInteraction().presentError(
                 ZQError::with(QStringLiteral("YOUR_ERROR_DOMAIN"), 9999, zqLocalized("Failed to initialize the store"),
                               zqLocalized("There was an error building up the data file.")));

@@ -55,4 +55,5 @@ private:
     std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     std::unique_ptr<ZQManagedObjectContext> m_context;
     bool m_hasFailed = false;
+    bool m_wasCancelled = false; // while it was opened: nothing failed that a person could be told
 };

@@ -95,6 +95,7 @@ struct ImportOutcome
     ZQObjectID target; // the sidebar item it went to
     QList<ZQObjectID> imported;
     QList<RefusedFile> refused; // those whose reasons are for a person
+    qsizetype notImported = 0;  // of them; the others came in part
 };
 
 // The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's

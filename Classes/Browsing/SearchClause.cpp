@@ -4,6 +4,7 @@
 #include "Classes/Browsing/SearchQueries.h"
 #include "Classes/Browsing/SearchSpan.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <QLocale>
@@ -17,7 +18,7 @@ constexpr int shownLength = 60; // of an argument in a sentence
 
 QString shown(const QString &text)
 {
-    return text.size() > shownLength ? text.left(shownLength) + u'…' : text;
+    return zqShortened(text, shownLength);
 }
 
 SearchClause wrong(SearchProblem problem, const char *format, const QVariantList &arguments = {})

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
@@ -18,6 +19,13 @@ ZQManagedObjectContext &CommandContext::store() const
 void CommandContext::printJSON(const QJsonValue &value)
 {
     output += value.isArray() ? QJsonDocument(value.toArray()).toJson() : QJsonDocument(value.toObject()).toJson();
+}
+
+int CommandContext::fail(const QString &message)
+{
+    constexpr qsizetype longest = 4000; // several paths in full, and no whole file
+    errors += "zelto: " + zqShortened(message, longest).toUtf8() + '\n';
+    return 2;
 }
 
 namespace {

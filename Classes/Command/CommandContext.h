@@ -38,11 +38,7 @@ struct CommandContext
     void print(const QString &line) { output += line.toUtf8() + '\n'; }
     void printJSON(const QJsonValue &value);
     // Exit status 2: nothing was changed, or of many items only some.
-    int fail(const QString &message)
-    {
-        errors += "zelto: " + message.toUtf8() + '\n';
-        return 2;
-    }
+    int fail(const QString &message);
 };
 
 // REF: titles from a top-level entry down ("PROJECTS/Clients/Brand"; a title may itself hold a slash), or an entry's

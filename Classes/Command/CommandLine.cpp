@@ -2,6 +2,7 @@
 
 #include "Classes/Command/Commands.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -32,7 +33,7 @@ struct CommandLine::Options
     bool forgets = false;
     bool deleted = false;
     bool deep = false;
-    std::string duplicates = "keep";
+    std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
     std::string value;
@@ -55,6 +56,16 @@ QStringList texts(const std::vector<std::string> &values)
         list.append(text(value));
     }
     return list;
+}
+
+// The parser quotes whatever it was given.
+QString shortLines(const QString &message)
+{
+    constexpr qsizetype longest = 600;
+    QStringList lines = message.split(u'\n');
+    std::transform(lines.begin(), lines.end(), lines.begin(),
+                   [](const QString &line) { return zqShortened(line, longest); });
+    return lines.join(u'\n');
 }
 
 const char *const referenceHelp = "A sidebar entry: titles from the top, as PROJECTS/Clients/Brand, or its UUID text";
@@ -102,7 +113,8 @@ void CommandLine::defineImport()
         add("import", "Import files and folders, and say what became items and what did not", true,
             [this](CommandContext &context) {
                 ImportRequest request{texts(m_options->paths),    text(m_options->reference), m_options->index,
-                                      texts(m_options->metadata), m_options->resumes,         m_options->forgets};
+                                      texts(m_options->metadata), m_options->resumes,         m_options->forgets,
+                                      text(m_options->duplicates)};
                 return zqRunImport(request, context);
             });
     command->add_option("paths", m_options->paths, "What to import")->type_name("PATH");
@@ -117,8 +129,10 @@ void CommandLine::defineImport()
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
     command
-        ->add_option("--duplicates", m_options->duplicates,
-                     "What to do with a file the library has: keep both, discard the new one, or relink the old one")
+        ->add_option(
+            "--duplicates", m_options->duplicates,
+            "What to do with a file the library has: keep both, discard the new one, or relink the old one; holds "
+            "for an import that goes on, too, also when it was said at its start")
         ->check(CLI::IsMember({"keep", "discard", "relink"}));
     command
         ->add_option("--unreadable", m_options->unreadable,
@@ -360,7 +374,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
         std::ostringstream errors;
         const int code = m_app->exit(error, output, errors);
         context.output += QByteArray::fromStdString(output.str());
-        context.errors += QByteArray::fromStdString(errors.str());
+        context.errors += shortLines(QString::fromStdString(errors.str())).toUtf8();
         *exitStatus = code == 0 ? 0 : 2;
         return false;
     }

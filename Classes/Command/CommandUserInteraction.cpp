@@ -1,6 +1,7 @@
 #include "Classes/Command/CommandUserInteraction.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
 
@@ -10,7 +11,8 @@
 namespace {
 void printError(const QString &text)
 {
-    std::fprintf(stderr, "zelto: %s\n", text.toUtf8().constData());
+    constexpr qsizetype longest = 4000;
+    std::fprintf(stderr, "zelto: %s\n", zqShortened(text, longest).toUtf8().constData());
 }
 
 // A bar of numbers that rewrites its line; silent unless a terminal watches.

@@ -16,6 +16,7 @@ struct ImportRequest
     QStringList metadata; // "key=value"
     bool resumes = false; // goes on with imports that were cut off, before anything else
     bool forgets = false; // gives them up
+    QString duplicates;   // keep, discard or relink; empty: what is kept with the import, or the person, decides
 };
 int zqRunImport(const ImportRequest &request, CommandContext &context);
 // Says on the errors' side that there are imports which were cut off.

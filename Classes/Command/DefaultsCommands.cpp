@@ -3,6 +3,7 @@
 #include "Classes/Application/PreferencesController.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -40,6 +41,12 @@ QVariant parsed(const QString &value)
         return document.array().first().toVariant();
     }
     return value;
+}
+
+int written(CommandContext &context)
+{
+    ZQError error;
+    return ZQUserDefaults::standardUserDefaults().synchronize(&error) ? 0 : context.fail(error.localizedDescription());
 }
 } // namespace
 
@@ -81,12 +88,11 @@ int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext 
     const bool isNumber = before.typeId() == QMetaType::Int;
     if ((before.typeId() == QMetaType::Bool && wanted.typeId() != QMetaType::Bool) ||
         (isNumber && !wanted.canConvert<double>()) || (isNumber && wanted.typeId() == QMetaType::QString)) {
-        return context.fail(
-            zqFormat(zqLocalized("“%@” is no value for %@; it is now %@"), {value, key, plainText(before)}));
+        return context.fail(zqFormat(zqLocalized("“%@” is no value for %@; it is now %@"),
+                                     {value, zqShortened(key), zqShortened(plainText(before))}));
     }
     ZQUserDefaults::standardUserDefaults().setObjectForKey(wanted, key);
-    ZQUserDefaults::standardUserDefaults().synchronize();
-    return 0;
+    return written(context);
 }
 
 int zqRunDefaultsDelete(const QString &key, CommandContext &context)
@@ -96,6 +102,5 @@ int zqRunDefaultsDelete(const QString &key, CommandContext &context)
         return context.fail(zqFormat(zqLocalized("the preference “%@” is not set"), {key}));
     }
     defaults.removeObjectForKey(key);
-    defaults.synchronize();
-    return 0;
+    return written(context);
 }

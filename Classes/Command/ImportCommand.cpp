@@ -5,6 +5,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/DuplicateAnswer.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
@@ -135,8 +136,12 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
     const quint32 index = request.index < 0 ? ImportOperation::appendIndex : static_cast<quint32>(request.index);
     const auto start = [&](const QStringList &list, const ZQRef<ZQSidebarBaseItem> &target) {
         if (!list.isEmpty() && target) {
-            operations.push_back(
-                AImportManager::sharedAImportManager().startImport({list, target->objectID(), index, metadata}));
+            operations.push_back(AImportManager::sharedAImportManager().startImport(
+                {.paths = list,
+                 .target = target->objectID(),
+                 .index = index,
+                 .metadata = metadata,
+                 .duplicates = duplicateAnswerNamed(request.duplicates)}));
         }
     };
     if (request.into.isEmpty()) {
@@ -249,7 +254,8 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
     std::vector<std::shared_ptr<ImportOperation>> operations;
     qsizetype unreadable = 0;
     if (request.resumes) {
-        for (const auto &operation : AImportManager::sharedAImportManager().pendingImports().resume(&unreadable)) {
+        for (const auto &operation : AImportManager::sharedAImportManager().pendingImports().resume(
+                 &unreadable, duplicateAnswerNamed(request.duplicates))) {
             operations.push_back(operation);
         }
     }

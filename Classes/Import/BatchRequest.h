@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Import/UnfoldedArchive.h"
 #include "Kit/Persistence/ZQObjectID.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -17,4 +18,5 @@ struct BatchRequest
     quint32 index = ZQSidebarBaseItem::appendIndex; // among the target's children or items
     QVariantMap metadata = {};                      // attribute values of every item
     std::optional<UnfoldedArchive> origin = {};     // what `paths` came out of; its folder goes with the request
+    std::optional<DuplicateChoice> duplicates = {}; // what becomes of them; nothing: the person is asked
 };

@@ -114,7 +114,7 @@ ImportOutcome BatchResult::outcome() const
                           .target = m_batch.target,
                           .imported = m_imported,
                           .refused = {}};
-    qsizetype notImported = 0;
+    qsizetype &notImported = outcome.notImported;
     for (const DroppedFile &file : m_batch.record.report().dropped()) {
         if (isTold(file)) {
             outcome.refused.append({file.path, file.reason});

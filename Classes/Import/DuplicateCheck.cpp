@@ -29,7 +29,9 @@ void DuplicateCheck::run()
     if (duplicates.empty()) {
         return;
     }
-    const auto choices = m_batch.user.resolveDuplicates(pairs(duplicates));
+    const auto &answer = m_batch.request.duplicates;
+    const auto choices = answer ? QList<DuplicateChoice>(qsizetype(duplicates.size()), *answer)
+                                : m_batch.user.resolveDuplicates(pairs(duplicates));
     if (!choices) {
         m_batch.operation.cancel();
         return;

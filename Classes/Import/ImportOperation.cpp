@@ -228,7 +228,8 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
                                                      .target = archive.sidebarItem,
                                                      .index = indexForArchive(archive),
                                                      .metadata = archive.metadata,
-                                                     .origin = archive});
+                                                     .origin = archive,
+                                                     .duplicates = m_batch.request.duplicates});
     if (followUp) {
         const PendingImportFile::Source handedOver{
             .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};

@@ -90,7 +90,8 @@ QVariantMap valuesOf(const PendingImport &request)
             {QStringLiteral("archivePath"), request.archivePath},
             {QStringLiteral("archiveRoot"), request.archiveRoot},
             {QStringLiteral("groups"), groups},
-            {QStringLiteral("ungrouped"), QVariant(request.ungrouped).toList()}};
+            {QStringLiteral("ungrouped"), QVariant(request.ungrouped).toList()},
+            {QStringLiteral("duplicates"), request.duplicates}};
 }
 
 PendingImport requestFrom(const QVariantMap &values)
@@ -102,7 +103,8 @@ PendingImport requestFrom(const QVariantMap &values)
                           .archivePath = values.value(QStringLiteral("archivePath")).toString(),
                           .archiveRoot = values.value(QStringLiteral("archiveRoot")).toString(),
                           .groups = {},
-                          .ungrouped = values.value(QStringLiteral("ungrouped")).toStringList()};
+                          .ungrouped = values.value(QStringLiteral("ungrouped")).toStringList(),
+                          .duplicates = values.value(QStringLiteral("duplicates")).toString()};
     const QVariantList groups = values.value(QStringLiteral("groups")).toList();
     for (const QVariant &group : groups) {
         const QVariantMap map = group.toMap();

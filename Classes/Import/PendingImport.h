@@ -30,6 +30,7 @@ struct PendingImport
     QString archiveRoot;
     QList<Group> groups;
     QStringList ungrouped = {}; // of the paths, those that were out of reach when the groups were made of the others
+    QString duplicates = {};    // see `duplicateAnswerNamed`; empty: nobody has answered yet
 };
 
 // A PendingImport in a file of the bundle, from before the first file is touched until the batch ends; a batch that a

@@ -4,11 +4,13 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/BatchRequest.h"
+#include "Classes/Import/DuplicateAnswer.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PendingImport.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
@@ -52,7 +54,7 @@ ZQObjectID targetOf(const PendingImport &request, ZQManagedObjectContext &contex
 // A name may come with a library from elsewhere, and the text is shown in a terminal too.
 QString shownName(const QString &path)
 {
-    QString name = QFileInfo(path).fileName().left(longestShownName);
+    QString name = zqShortened(QFileInfo(path).fileName(), longestShownName);
     for (QChar &character : name) {
         if (!character.isPrint() && !character.isSurrogate()) {
             character = QChar::ReplacementCharacter;
@@ -145,7 +147,9 @@ std::shared_ptr<ImportOperation> PendingImports::start(const BatchRequest &reque
          .metadata = request.metadata,
          .archivePath = request.origin ? request.origin->archivePath : QString(),
          .archiveRoot = request.origin ? request.origin->root : QString(),
-         .groups = {}},
+         .groups = {},
+         .ungrouped = {},
+         .duplicates = nameOfDuplicateAnswer(request.duplicates)},
         &error);
     if (!pending) {
         qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
@@ -226,13 +230,22 @@ std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &reque
     return operation;
 }
 
-std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name)
+std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name,
+                                                           std::optional<DuplicateChoice> duplicates)
 {
     ZQError error;
     const auto pending = PendingImportFile::open(folder(), name, &error);
     if (!pending) {
         application().userInteraction().presentError(error);
         return nullptr;
+    }
+    if (duplicates) {
+        PendingImport answered = pending->request();
+        answered.duplicates = nameOfDuplicateAnswer(duplicates);
+        if (!pending->setRequest(answered, &error)) {
+            application().userInteraction().presentError(error);
+            return nullptr;
+        }
     }
     pending->noteGoingOn();
     const PendingImport &request = pending->request();
@@ -250,7 +263,8 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name)
     return queue({.paths = isOfArchive ? QStringList{request.archivePath} : request.paths,
                   .target = target,
                   .index = request.index,
-                  .metadata = request.metadata},
+                  .metadata = request.metadata,
+                  .duplicates = duplicateAnswerNamed(request.duplicates)},
                  {.pending = pending, .kind = isOfArchive ? KeptRequest::Kind::UnpacksOf : KeptRequest::Kind::GoesOn});
 }
 
@@ -267,11 +281,13 @@ std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArc
                   .target = targetOf(request, *application().managedObjectContext()),
                   .index = request.index,
                   .metadata = request.metadata,
-                  .origin = archive},
+                  .origin = archive,
+                  .duplicates = duplicateAnswerNamed(request.duplicates)},
                  {.pending = pending, .kind = KeptRequest::Kind::GoesOn});
 }
 
-QList<std::shared_ptr<ImportOperation>> PendingImports::resume(qsizetype *unreadable)
+QList<std::shared_ptr<ImportOperation>> PendingImports::resume(qsizetype *unreadable,
+                                                               std::optional<DuplicateChoice> duplicates)
 {
     QList<std::shared_ptr<ImportOperation>> operations;
     application().saveAction();
@@ -280,7 +296,7 @@ QList<std::shared_ptr<ImportOperation>> PendingImports::resume(qsizetype *unread
     }
     const QStringList names = cutOff();
     for (const QString &name : names) {
-        if (const auto operation = resumeOne(name)) {
+        if (const auto operation = resumeOne(name, duplicates)) {
             operations.append(operation);
         } else if (unreadable) {
             ++*unreadable;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/UserInteraction.h"
 
 #include <QList>
 #include <QStringList>
@@ -33,8 +34,10 @@ public:
     QStringList cutOff() const; // by the names of their files, oldest first
     // Which those are, in a few words; empty when none can be read.
     QString text() const;
-    // Goes on with all of them. `unreadable`: how many requests cannot be read.
-    QList<std::shared_ptr<ImportOperation>> resume(qsizetype *unreadable = nullptr);
+    // Goes on with all of them. `unreadable`: how many requests cannot be read. `duplicates` replaces the answer that
+    // is kept with each.
+    QList<std::shared_ptr<ImportOperation>> resume(qsizetype *unreadable = nullptr,
+                                                   std::optional<DuplicateChoice> duplicates = {});
     // See `ImportOwner`.
     std::shared_ptr<ImportOperation> resumeArchive(const UnfoldedArchive &archive,
                                                    const std::shared_ptr<PendingImportFile> &pending);
@@ -52,7 +55,7 @@ public:
 private:
     static QString folder();
     std::shared_ptr<ImportOperation> queue(const BatchRequest &request, const KeptRequest &kept);
-    std::shared_ptr<ImportOperation> resumeOne(const QString &name);
+    std::shared_ptr<ImportOperation> resumeOne(const QString &name, std::optional<DuplicateChoice> duplicates);
 
     ImportOwner &m_owner;
     std::atomic<bool> m_keepsCancelled = false;

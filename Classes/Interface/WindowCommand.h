@@ -14,6 +14,7 @@ enum class CommandID {
     NewFolder,
     NewTag,
     Import,
+    LastImport,
     NewTab,
     CloseTab,
     ReopenClosedTab,

@@ -5,6 +5,7 @@
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,10 +13,15 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
 namespace {
 constexpr qint64 largestRequest = 16 << 20;
 constexpr int connectMilliseconds = 2000;
 constexpr int retryMilliseconds = 50;
+constexpr std::chrono::seconds patience(1);
 const QString busName = QStringLiteral("org.zelto.Zelto");
 const QString busPath = QStringLiteral("/org/zelto/Zelto");
 
@@ -98,6 +104,10 @@ void InstanceServer::readFrom(QLocalSocket *socket)
         parsed.arguments.append(argument.toString());
     }
     parsed.workingDirectory = request.value(QStringLiteral("cwd")).toString();
+    if (request.value(QStringLiteral("tells")).toBool()) {
+        socket->write(line({{QStringLiteral("begun"), true}}));
+        socket->flush(); // the work may keep the main loop
+    }
     // The handler may run the event loop, in which the other side can go away.
     QPointer<QLocalSocket> alive(socket);
     parsed.isAbandoned = [alive] { return !alive || alive->state() == QLocalSocket::UnconnectedState; };
@@ -112,8 +122,58 @@ void InstanceServer::readFrom(QLocalSocket *socket)
     alive->disconnectFromServer();
 }
 
+namespace {
+
+// The lines that come back, one after the other.
+class Answers
+{
+public:
+    explicit Answers(QLocalSocket &socket, InstanceServer::Patience tellPatience)
+        : m_socket(socket), m_tellPatience(std::move(tellPatience))
+    {
+    }
+
+    // Empty when the connection ends before. Says once that it takes long.
+    QJsonObject next()
+    {
+        while (!m_received.contains('\n')) {
+            if (m_socket.bytesAvailable() == 0 && !waitForMore()) {
+                return {};
+            }
+            m_received += m_socket.readAll();
+        }
+        const qsizetype end = m_received.indexOf('\n');
+        const QJsonObject answer = QJsonDocument::fromJson(m_received.left(end)).object();
+        m_received.remove(0, end + 1);
+        m_hasBegun = m_hasBegun || answer.contains(QStringLiteral("begun"));
+        return answer;
+    }
+
+private:
+    bool waitForMore()
+    {
+        const auto left = m_tellPatience ? std::max<qint64>(0, m_patienceEnds.remainingTime()) : -1;
+        if (m_socket.waitForReadyRead(int(left))) {
+            return true;
+        }
+        if (left < 0 || m_socket.state() != QLocalSocket::ConnectedState) {
+            return m_socket.bytesAvailable() > 0;
+        }
+        std::exchange(m_tellPatience, nullptr)(m_hasBegun);
+        return true;
+    }
+
+    QLocalSocket &m_socket;
+    InstanceServer::Patience m_tellPatience;
+    const QDeadlineTimer m_patienceEnds{patience};
+    QByteArray m_received;
+    bool m_hasBegun = false;
+};
+
+} // namespace
+
 std::optional<InstanceReply> InstanceServer::send(const QString &socketName, const InstanceRequest &request,
-                                                  ZQError *error)
+                                                  ZQError *error, const Patience &tellPatience)
 {
     QLocalSocket socket;
     socket.connectToServer(socketName);
@@ -122,19 +182,19 @@ std::optional<InstanceReply> InstanceServer::send(const QString &socketName, con
         return std::nullopt;
     }
     socket.write(line({{QStringLiteral("arguments"), QJsonArray::fromStringList(request.arguments)},
-                       {QStringLiteral("cwd"), request.workingDirectory}}));
+                       {QStringLiteral("cwd"), request.workingDirectory},
+                       {QStringLiteral("tells"), bool(tellPatience)}}));
     socket.flush();
-    QByteArray received;
-    while (!received.endsWith('\n')) {
-        if (!socket.bytesAvailable() && !socket.waitForReadyRead(-1)) {
-            zqSetError(error,
-                       ZQError::with(errorDomain, EndedMeanwhile,
-                                     zqLocalized("The Zelto that has this library open ended before it answered.")));
-            return std::nullopt;
-        }
-        received += socket.readAll();
+    Answers answers(socket, tellPatience);
+    QJsonObject reply = answers.next();
+    if (reply.contains(QStringLiteral("begun"))) {
+        reply = answers.next();
     }
-    const QJsonObject reply = QJsonDocument::fromJson(received).object();
+    if (reply.isEmpty()) {
+        zqSetError(error, ZQError::with(errorDomain, EndedMeanwhile,
+                                        zqLocalized("The Zelto that has this library open ended before it answered.")));
+        return std::nullopt;
+    }
     if (reply.value(QStringLiteral("notBegun")).toBool()) {
         zqSetError(error, ZQError::with(errorDomain, NobodyAnswers,
                                         zqLocalized("The Zelto that has this library open is ending.")));

@@ -30,9 +30,9 @@ struct InstanceReply
 // Lets processes of the same user hand their work to the one that holds a library: a local socket named after the
 // bundle, and the desktop's activation interface (org.freedesktop.Application) on the session bus. Main thread.
 //
-// One request a connection: a line of JSON {"arguments", "cwd"}, answered by a line {"status", "output", "errors"}, or
-// by
-// {"notBegun"} when the process ends before it comes to it.
+// One request a connection: a line of JSON {"arguments", "cwd", "tells"}, answered by a line {"status", "output",
+// "errors"}, or by {"notBegun"} when the process ends before it comes to it. With "tells", a line {"begun"} comes
+// before that, once its turn has come.
 class InstanceServer : public QObject
 {
     Q_OBJECT
@@ -50,10 +50,13 @@ public:
 
     enum Error { NotListening = 1, NobodyAnswers, EndedMeanwhile };
     static inline const QString errorDomain = QStringLiteral("zelto.instance");
+    // What the asking side hears when there is no answer after a second: whether the request waits for other work, or
+    // is being done.
+    using Patience = std::function<void(bool hasBegun)>;
     // The other side: nothing, with an error, when nobody answers on that socket, or who did ends before it begins
     // (`NobodyAnswers`: nothing was done) or in the midst of it. Waits for the reply as long as the work takes.
     static std::optional<InstanceReply> send(const QString &socketName, const InstanceRequest &request,
-                                             ZQError *error = nullptr);
+                                             ZQError *error = nullptr, const Patience &tellPatience = {});
 
 private:
     void accept();

@@ -4,6 +4,7 @@
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Files/ZQUserDefaultsCoding.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 
@@ -13,8 +14,10 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -46,6 +49,7 @@ struct ZQUserDefaults::Private
     QVariantMap values ZQ_GUARDED_BY(mutex);    // as the file has them, with `unwritten` over them
     QVariantMap unwritten ZQ_GUARDED_BY(mutex); // changes the file could not take; an invalid value removes
     Stamp stamp ZQ_GUARDED_BY(mutex) = {};
+    int readingProblem ZQ_GUARDED_BY(mutex) = 0; // errno: there is a file, and what it holds is not known
     std::vector<std::weak_ptr<Observer>> observers ZQ_GUARDED_BY(mutex);
 
     ZQFileDescriptor lockFile() const;
@@ -53,7 +57,8 @@ struct ZQUserDefaults::Private
     Reading read() ZQ_REQUIRES(mutex);
     void refresh() ZQ_REQUIRES(mutex);
     void readLocked() ZQ_REQUIRES(mutex);
-    bool write() ZQ_REQUIRES(mutex);
+    ZQError refusal() const ZQ_REQUIRES(mutex);
+    bool write(ZQError *error) ZQ_REQUIRES(mutex);
     void change(const QString &key, const QVariant &value);
 };
 
@@ -74,6 +79,7 @@ ZQUserDefaults::Private::Reading ZQUserDefaults::Private::read()
     QFile file(path);
     QVariantMap found;
     Stamp seen = {};
+    readingProblem = 0;
     if (file.open(QIODevice::ReadOnly)) {
         struct stat status = {};
         if (fstat(file.handle(), &status) == 0) {
@@ -87,6 +93,9 @@ ZQUserDefaults::Private::Reading ZQUserDefaults::Private::read()
         for (auto it = object.begin(); it != object.end(); ++it) {
             found.insert(it.key(), zqVariantFromJSON(it.value()));
         }
+    } else if (QFileInfo::exists(path)) {
+        readingProblem = QFileInfo(path).isDir() ? EISDIR : EACCES;
+        found = values; // as they were known last
     }
     values = found;
     stamp = seen;
@@ -123,15 +132,31 @@ void ZQUserDefaults::Private::refresh()
     }
 }
 
-bool ZQUserDefaults::Private::write()
+// Replacing a file takes a writable folder only: what a person protected by the file's own permissions stays.
+ZQError ZQUserDefaults::Private::refusal() const
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status = {};
+    const bool isThere = stat(name.constData(), &status) == 0;
+    const bool isProtected =
+        isThere && ((status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || access(name.constData(), W_OK) != 0);
+    const int code = readingProblem != 0 ? readingProblem : isProtected ? EACCES : 0;
+    return code != 0 ? ZQError::posix(code, path) : ZQError();
+}
+
+bool ZQUserDefaults::Private::write(ZQError *error)
 {
     QJsonObject object;
     for (auto it = values.cbegin(); it != values.cend(); ++it) {
         object.insert(it.key(), zqJSONFromVariant(it.value()));
     }
-    ZQError error;
-    if (!zqWriteFileAtomically(path, QJsonDocument(object).toJson(), &error)) {
-        qCWarning(zqLogFiles, "The settings could not be written: %s", qUtf8Printable(error.localizedDescription()));
+    ZQError cause = refusal();
+    if (!cause.isNull() || !zqWriteFileAtomically(path, QJsonDocument(object).toJson(), &cause)) {
+        zqSetError(error, ZQError::with(cause.domain, cause.code,
+                                        zqFormat(zqLocalized("The preferences could not be written (%@)."),
+                                                 {cause.localizedDescription()}),
+                                        zqLocalized("Make that file and its folder writable and see that there is room "
+                                                    "on the disk, then try again.")));
         return false;
     }
     unwritten.clear();
@@ -152,7 +177,9 @@ void ZQUserDefaults::Private::change(const QString &key, const QVariant &value)
         }
         unwritten.insert(key, value);
         value.isValid() ? void(values.insert(key, value)) : void(values.remove(key));
-        write();
+        if (ZQError error; !write(&error)) {
+            qCWarning(zqLogFiles, "%s", qUtf8Printable(error.localizedDescription()));
+        }
         std::erase_if(observers, [](const auto &observer) { return observer.expired(); });
         told = observers;
     }
@@ -237,12 +264,12 @@ bool ZQUserDefaults::isSet(const QString &key) const
     return d->values.contains(key);
 }
 
-bool ZQUserDefaults::synchronize()
+bool ZQUserDefaults::synchronize(ZQError *error)
 {
     const ZQLockGuard guard(d->mutex);
     const ZQFileDescriptor lock = d->lockFile();
     d->readLocked();
-    return d->unwritten.isEmpty() || d->write();
+    return d->unwritten.isEmpty() || d->write(error);
 }
 
 ZQUserDefaults::Token ZQUserDefaults::observe(std::function<void(const QString &)> observer)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Foundation/ZQError.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -32,8 +34,9 @@ public:
     void removeObjectForKey(const QString &key);
     QStringList keys() const; // set or registered, sorted
     bool isSet(const QString &key) const;
-    // Writes what is not on the disk yet; false when that cannot be done, which was logged. It stays to be written.
-    bool synchronize();
+    // Writes what is not on the disk yet; false with an error when that cannot be done. It stays to be written. A file
+    // that is write-protected, or cannot be read, is left as it is.
+    bool synchronize(ZQError *error = nullptr);
 
     // Called after a value changed in this process, on the thread that changed it.
     using Token = std::shared_ptr<void>;

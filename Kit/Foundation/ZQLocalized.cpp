@@ -1,5 +1,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include "Kit/Foundation/ZQShortened.h"
+
 #include <QCoreApplication>
 
 QString zqLocalized(const QString &key)
@@ -11,6 +13,21 @@ QString zqLocalized(const char *key)
 {
     return QCoreApplication::translate("Zelto", key);
 }
+
+namespace {
+// Whether what lies from `begin` up to `end` in a format is all that two quotation marks hold.
+bool isQuoted(const QString &format, qsizetype begin, qsizetype end)
+{
+    if (begin == 0 || end >= format.size()) {
+        return false;
+    }
+    const auto opens = format.at(begin - 1).category();
+    const auto closes = format.at(end).category();
+    return (opens == QChar::Punctuation_InitialQuote && closes == QChar::Punctuation_FinalQuote) ||
+           (format.at(begin - 1) == u'„' && format.at(end) == u'“') ||
+           (format.at(begin - 1) == u'»' && format.at(end) == u'«');
+}
+} // namespace
 
 QString zqFormat(const QString &format, const QVariantList &arguments)
 {
@@ -31,7 +48,8 @@ QString zqFormat(const QString &format, const QVariantList &arguments)
         if (code == u'%' && kind == i + 1) {
             out += u'%';
         } else if (code == u'@' || code == u's') {
-            out += take().toString();
+            const QString text = take().toString();
+            out += isQuoted(format, i, kind + 1) ? zqShortened(text) : text;
         } else if (code == u'd' || code == u'i' || code == u'u') {
             out += QString::number(take().toLongLong());
         } else if (code == u'f') {

@@ -10,4 +10,5 @@ QString zqLocalized(const char *key);
 
 // Fills `%@`, `%d`, `%ld`, `%f`, `%s` and `%%` of `format` with `arguments` in order. An argument too few leaves its
 // place empty; one too many is ignored. A `%f` is written with six decimals.
+// What stands alone between typographic quotation marks is quoted for a reader, and shortened when it is long.
 QString zqFormat(const QString &format, const QVariantList &arguments);

@@ -449,7 +449,11 @@ bool ZQSQLiteConnection::copyTo(const QString &path, ZQError *error)
     sqlite3_backup *backup = sqlite3_backup_init(target->m_handle, "main", m_handle, "main");
     int code = backup ? SQLITE_OK : sqlite3_errcode(target->m_handle);
     if (backup) {
-        code = sqlite3_backup_step(backup, -1);
+        constexpr int pagesBetweenChecks = 4096;
+        do {
+            code = ZQCancellation::isCurrentCancelled() ? SQLITE_INTERRUPT
+                                                        : sqlite3_backup_step(backup, pagesBetweenChecks);
+        } while (code == SQLITE_OK);
         sqlite3_backup_finish(backup);
     }
     if (code != SQLITE_DONE) {

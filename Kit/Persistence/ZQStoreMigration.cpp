@@ -1,5 +1,6 @@
 #include "Kit/Persistence/ZQStoreMigration.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
@@ -8,6 +9,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -392,6 +395,24 @@ bool mayMigrate(const ZQStoreMetadata &metadata, const ZQManagedObjectModel &mod
     return true;
 }
 
+// While it lives, whatever the connection does ends once the thread's ZQCancellation is cancelled.
+class Interruption
+{
+public:
+    explicit Interruption(ZQSQLiteConnection &connection) : m_handle(connection.handle())
+    {
+        constexpr int stepsBetweenChecks = 10000;
+        sqlite3_progress_handler(
+            m_handle, stepsBetweenChecks, [](void *) { return ZQCancellation::isCurrentCancelled() ? 1 : 0; }, nullptr);
+    }
+    ~Interruption() { sqlite3_progress_handler(m_handle, 0, nullptr, nullptr); }
+    Interruption(const Interruption &) = delete;
+    Interruption &operator=(const Interruption &) = delete;
+
+private:
+    sqlite3 *m_handle;
+};
+
 bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
 {
     // References must not follow the tables that are set aside, nor be enforced between the steps. What is sorted for
@@ -401,7 +422,11 @@ bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
         return false;
     }
     ZQSQLiteTransaction transaction(connection);
-    return transaction.isOpen() && migration.run() && transaction.commit();
+    const auto run = [&] {
+        const Interruption interruption(connection);
+        return migration.run();
+    };
+    return transaction.isOpen() && run() && !ZQCancellation::isCurrentCancelled() && transaction.commit();
 }
 
 } // namespace
@@ -426,6 +451,10 @@ bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metad
     ZQError copyError;
     if (!connection.copyTo(copy, &copyError)) {
         QFile::remove(copy);
+        if (copyError.code == int(ZQStoreError::Cancelled)) {
+            zqSetError(error, copyError);
+            return false;
+        }
         const auto code =
             copyError.code == int(ZQStoreError::DiskFull) ? ZQStoreError::DiskFull : ZQStoreError::MigrationFailed;
         zqSetError(error, migrationError(code, description, copyError.localizedDescription()));
@@ -433,6 +462,11 @@ bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metad
     }
     Migration migration(connection, *oldModel, model, copy);
     if (!migrateInTransaction(connection, migration)) {
+        QFile::remove(copy);
+        if (ZQCancellation::isCurrentCancelled()) {
+            zqSetError(error, zqStoreErrorForSQLite(SQLITE_INTERRUPT, {}, connection.path()));
+            return false;
+        }
         const ZQError cause = connection.error();
         const QString reason = migration.problem().isEmpty() ? cause.localizedDescription() : migration.problem();
         // A damaged store can be recovered, in its old form, and migrated then.
@@ -441,7 +475,6 @@ bool zqMigrateStore(ZQSQLiteConnection &connection, const ZQStoreMetadata &metad
                               : migrationError(ZQStoreError::MigrationFailed, description, reason));
         qCWarning(zqLogStore, "migration failed: %s (%s)", qUtf8Printable(reason),
                   qUtf8Printable(cause.userInfo.value(QStringLiteral("sqliteMessage")).toString()));
-        QFile::remove(copy);
         return false;
     }
     if (!connection.execute(

@@ -1,5 +1,6 @@
 #include "Kit/Widgets/ZQNotificationBubble.h"
 
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QAccessible>
@@ -16,6 +17,7 @@ namespace {
 constexpr int shadowRoom = 10;
 constexpr int widest = 420;
 constexpr int buttonGap = 8;
+constexpr qsizetype longestText = 500;
 constexpr std::chrono::milliseconds shortestTime(500);
 constexpr std::chrono::milliseconds timeToRead(2500); // where others wait
 constexpr std::chrono::milliseconds timeToDecide(5000);
@@ -41,9 +43,10 @@ ZQNotificationBubble::ZQNotificationBubble(QWidget *window) : QWidget(window)
     hide();
 }
 
-void ZQNotificationBubble::showText(const QString &text, QWidget *place, bool inMiddle, std::chrono::milliseconds time,
+void ZQNotificationBubble::showText(const QString &given, QWidget *place, bool inMiddle, std::chrono::milliseconds time,
                                     const QList<ZQNotificationAction> &actions)
 {
+    const QString text = zqForLabel(given, longestText);
     const Message message{text, place, inMiddle, std::max(shortestTime, time), actions};
     const bool isShowing = m_timer.isActive();
     const auto saysSame = [&text](const Message &other) { return other.text == text; };

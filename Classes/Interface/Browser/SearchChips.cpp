@@ -3,6 +3,7 @@
 #include "Classes/Browsing/SearchExpression.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QAccessible>
@@ -28,7 +29,7 @@ QString shownText(const SearchPart &part)
 {
     constexpr qsizetype longest = 40;
     const QString text = part.text.simplified();
-    return text.size() > longest ? text.left(longest - 1) + u'…' : text;
+    return zqShortened(text, longest);
 }
 
 } // namespace
@@ -68,7 +69,7 @@ void SearchChips::setText(const QString &searchText, bool isInField)
                                 index,
                                 part.position,
                                 part.length});
-                said.append(part.text + QStringLiteral(": ") + part.meaning);
+                said.append(zqShortened(part.text) + QStringLiteral(": ") + part.meaning);
             }
         }
     }

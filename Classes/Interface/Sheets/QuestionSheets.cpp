@@ -3,6 +3,7 @@
 #include "Classes/Interface/ItemPictures.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Kit/Widgets/ZQThumbnailLoader.h"
 
@@ -23,6 +24,7 @@
 namespace {
 constexpr int acceptCode = 1;
 constexpr int cancelCode = 2;
+constexpr qsizetype longestText = 1500;
 constexpr qsizetype pictureBytes = qsizetype(16) << 20;
 
 // A title as the file is called.
@@ -37,7 +39,7 @@ QuestionSheet::QuestionSheet(QWidget *window, const UserQuestion &question)
     : Sheet(window, question.message), m_suppressionKey(question.suppressionKey)
 {
     if (!question.informativeText.isEmpty()) {
-        auto *text = new QLabel(question.informativeText, this);
+        auto *text = new QLabel(zqForLabel(question.informativeText, longestText), this);
         text->setObjectName(QStringLiteral("Muted"));
         text->setWordWrap(true);
         content()->addWidget(text);
@@ -71,7 +73,7 @@ UnreadableFilesSheet::UnreadableFilesSheet(QWidget *window, QList<FileConflict> 
     for (const FileConflict &conflict : std::as_const(m_conflicts)) {
         const QString reason = conflict.isValid            ? QString()
                                : conflict.reason.isEmpty() ? zqLocalized("This file cannot be read.")
-                                                           : conflict.reason;
+                                                           : zqShortened(conflict.reason, longestText);
         auto *row = new QListWidgetItem(reason.isEmpty() ? conflict.path : conflict.path + u'\n' + reason, m_list);
         row->setData(Qt::UserRole, conflict.path);
         row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
@@ -137,7 +139,7 @@ public:
     }
     void show(const QString &name, const QString &details, const QString &picture)
     {
-        m_name->setText(name);
+        m_name->setText(zqShortened(name));
         m_details->setText(details);
         m_picture = {picture, 0, true};
         update();
@@ -222,12 +224,14 @@ void DuplicatesSheet::showPair()
         zqFormat(zqLocalized("In your library since %@"),
                  {locale.toString(pair.existingImportDate.toLocalTime().date(), QStringLiteral("d MMM yyyy"))});
     if (!pair.existingPlaces.isEmpty()) {
-        since += QStringLiteral(" · ") + pair.existingPlaces.join(QStringLiteral(", "));
+        since += QStringLiteral(" · ") + zqForLabel(pair.existingPlaces.join(QStringLiteral(", ")), zqLongestQuotation);
     }
     m_existing->show(withExtension(pair.existingTitle, pair.existingPath), since + u'\n' + facts,
                      pair.existingThumbPath);
     const QString folder = QFileInfo(pair.newPath).absolutePath();
-    const QString from = pair.newPath.isEmpty() ? zqLocalized("New") : zqFormat(zqLocalized("New, from %@"), {folder});
+    const QString from = pair.newPath.isEmpty()
+                             ? zqLocalized("New")
+                             : zqFormat(zqLocalized("New, from %@"), {zqForLabel(folder, zqLongestQuotation)});
     m_new->show(withExtension(pair.newTitle, pair.newPath), from + u'\n' + facts,
                 pair.newThumbPath.isEmpty() ? pair.newPath : pair.newThumbPath);
     const int left = int(m_pairs.size() - m_choices.size());

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 
 #include <QBoxLayout>
 #include <QDesktopServices>
@@ -11,9 +12,10 @@
 
 namespace {
 constexpr int closeCode = 1;
+constexpr qsizetype longestReason = 600;
 } // namespace
 
-RefusedFilesSheet::RefusedFilesSheet(QWidget *window, const QString &title, const QList<RefusedFile> &files)
+RefusedFilesSheet::RefusedFilesSheet(QWidget *window, const QString &title, const QList<RefusedFile> &files, Way way)
     : Sheet(window, title), m_list(new QListWidget(this))
 {
     setWidth(600);
@@ -23,7 +25,8 @@ RefusedFilesSheet::RefusedFilesSheet(QWidget *window, const QString &title, cons
     m_list->setSpacing(3);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     for (const RefusedFile &file : files) {
-        auto *row = new QListWidgetItem(QFileInfo(file.path).fileName() + u'\n' + file.reason, m_list);
+        auto *row = new QListWidgetItem(
+            QFileInfo(file.path).fileName() + u'\n' + zqShortened(file.reason, longestReason), m_list);
         row->setData(Qt::UserRole, file.path);
         row->setToolTip(file.path);
     }
@@ -34,6 +37,12 @@ RefusedFilesSheet::RefusedFilesSheet(QWidget *window, const QString &title, cons
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, &RefusedFilesSheet::reveal);
     footer()->insertWidget(0, button);
+    if (way == Way::ToImported) {
+        auto *imported = new QPushButton(zqLocalized("Show Imported"), this);
+        imported->setAutoDefault(false);
+        connect(imported, &QPushButton::clicked, this, [this] { done(showCode); });
+        footer()->insertWidget(1, imported);
+    }
     addButton(zqLocalized("Close"), closeCode, true);
 }
 

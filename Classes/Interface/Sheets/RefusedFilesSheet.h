@@ -10,7 +10,10 @@ class RefusedFilesSheet : public Sheet
 {
     Q_OBJECT
 public:
-    RefusedFilesSheet(QWidget *window, const QString &title, const QList<RefusedFile> &files);
+    static constexpr int showCode = 2; // the person wants to see what was imported
+    enum class Way { None, ToImported };
+
+    RefusedFilesSheet(QWidget *window, const QString &title, const QList<RefusedFile> &files, Way way);
 
     // Shows the folder a file lies in; of a path below an archive, that of the archive.
     static QString folderToShow(const QString &path);

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Sheets/Sheet.h"
 
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QPainterPath>
 #include <QPushButton>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -33,6 +35,14 @@ protected:
 
 constexpr int radius = 12;
 
+// Those that hang from their windows, the topmost last. Main thread.
+QList<Sheet *> &shownSheets()
+{
+    static QList<Sheet *> sheets;
+    return sheets;
+}
+constexpr qsizetype longestTitle = 400;
+
 } // namespace
 
 Sheet::Sheet(QWidget *window, const QString &title)
@@ -41,8 +51,8 @@ Sheet::Sheet(QWidget *window, const QString &title)
 {
     setParent(m_cover, Qt::Widget);
     setObjectName(QStringLiteral("Sheet"));
-    setAccessibleName(title);
-    auto *heading = new QLabel(title, this);
+    setAccessibleName(zqShortened(title, longestTitle));
+    auto *heading = new QLabel(zqForLabel(title, longestTitle), this);
     heading->setObjectName(QStringLiteral("SheetTitle"));
     heading->setWordWrap(true);
     auto *layout = new QVBoxLayout(this);
@@ -55,7 +65,6 @@ Sheet::Sheet(QWidget *window, const QString &title)
     layout->addLayout(m_footer);
     m_footer->setSpacing(10);
     m_footer->addStretch(1);
-    window->installEventFilter(this);
 }
 
 QPushButton *Sheet::addButton(const QString &text, int code, bool isDefault)
@@ -102,9 +111,30 @@ void Sheet::begin()
     m_cover->raise();
     m_cover->show();
     show();
-    if (m_default) {
-        m_default->setFocus();
+    shownSheets().append(this);
+    qApp->installEventFilter(this);
+    takeFocus();
+}
+
+bool Sheet::isOnTop() const
+{
+    const auto &sheets = shownSheets();
+    const auto top =
+        std::find_if(sheets.rbegin(), sheets.rend(), [this](const Sheet *each) { return each->m_window == m_window; });
+    return top != sheets.rend() && *top == this;
+}
+
+void Sheet::takeFocus()
+{
+    if (!isOnTop() || isInside(m_window->focusWidget())) {
+        return;
     }
+    QWidget *wanted = m_default && m_default->isEnabled() ? m_default : nullptr;
+    for (QWidget *next = nextInFocusChain(); !wanted && next != this; next = next->nextInFocusChain()) {
+        const bool takesTab = (next->focusPolicy() & Qt::TabFocus) != 0;
+        wanted = takesTab && isAncestorOf(next) && next->isVisible() && next->isEnabled() ? next : nullptr;
+    }
+    (wanted ? wanted : this)->setFocus();
 }
 
 // The window is there still.
@@ -117,10 +147,18 @@ void Sheet::end()
             action->setEnabled(true);
         }
     }
+    const bool wasOnTop = isOnTop();
+    qApp->removeEventFilter(this);
+    shownSheets().removeAll(this);
+    for (Sheet *other : std::as_const(shownSheets())) {
+        if (other->m_focusBefore && isInside(other->m_focusBefore)) {
+            other->m_focusBefore = m_focusBefore; // it outlives the sheet it lies over
+        }
+    }
     m_cover->hide();
     setParent(nullptr);
     m_cover->deleteLater();
-    if (m_focusBefore) {
+    if (wasOnTop && m_focusBefore) {
         m_focusBefore->setFocus();
     }
 }
@@ -155,6 +193,7 @@ void Sheet::open(std::function<void(std::optional<int>)> then)
 
 Sheet::~Sheet()
 {
+    shownSheets().removeAll(this);
     if (m_then) {
         m_then(std::nullopt);
     }
@@ -193,7 +232,39 @@ bool Sheet::eventFilter(QObject *object, QEvent *event)
     if (object == m_window && event->type() == QEvent::Resize) {
         place();
     }
+    auto *widget = object->isWidgetType() ? static_cast<QWidget *>(object) : nullptr;
+    if (widget && widget->window() == m_window && isOnTop()) {
+        if (event->type() == QEvent::ShortcutOverride) {
+            event->accept(); // the key goes to what has the focus, and is no shortcut of the window
+            return true;
+        }
+        if (!isInside(widget) && keepsFrom(widget, event)) {
+            return true;
+        }
+    }
     return QDialog::eventFilter(object, event);
+}
+
+bool Sheet::keepsFrom(QWidget *widget, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        // Whoever moved the focus may still be about it.
+        QMetaObject::invokeMethod(this, &Sheet::takeFocus, Qt::QueuedConnection);
+        return false;
+    case QEvent::KeyPress:
+        takeFocus();
+        return true;
+    case QEvent::KeyRelease:
+    case QEvent::InputMethod:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::ContextMenu:
+    case QEvent::Wheel:
+        return widget != m_cover;
+    default:
+        return false;
+    }
 }
 
 bool Sheet::focusNextPrevChild(bool next)

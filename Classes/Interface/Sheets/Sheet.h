@@ -11,8 +11,9 @@
 class QBoxLayout;
 class QPushButton;
 
-// A question on its window: hangs from the top of it, takes the keyboard and the pointer until it is answered. Enter
-// takes the default button, Esc the last one.
+// A question on its window: hangs from the top of it, takes the keyboard and the pointer until it is answered. The
+// focus stays within it and returns to where it was; the window's shortcuts do nothing meanwhile. Enter takes the
+// default button, Esc the last one.
 class Sheet : public QDialog
 {
     Q_OBJECT
@@ -45,6 +46,11 @@ private:
     void place();
     void begin();
     void end();
+    bool isOnTop() const;
+    bool isInside(const QWidget *widget) const { return widget == this || isAncestorOf(widget); }
+    void takeFocus();
+    // Whether what comes for a widget of the window outside of the sheet is kept from it.
+    bool keepsFrom(QWidget *widget, QEvent *event);
 
     QWidget *m_window;
     QPointer<QWidget> m_cover;

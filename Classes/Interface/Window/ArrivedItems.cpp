@@ -16,6 +16,15 @@
 using namespace std::chrono_literals;
 
 namespace {
+QString countsOf(const ImportOutcome &outcome)
+{
+    const QLocale locale;
+    const QString came = locale.toString(outcome.imported.size());
+    return outcome.refused.isEmpty()
+               ? zqFormat(zqLocalized("%@ imported"), {came})
+               : zqFormat(zqLocalized("%@ imported, %@ not"), {came, locale.toString(outcome.notImported)});
+}
+
 constexpr auto lookInterval = 100ms;
 constexpr int mostLooks = 30;         // something else is being fetched all the time
 constexpr auto timeToDecide = 8000ms; // with a button
@@ -52,7 +61,13 @@ ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, P
     : QObject(parent), m_window(window), m_user(user), m_sidebar(sidebar), m_browser(browser),
       m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content)
 {
-    m_user.onImportEnd = [this](const ImportOutcome &outcome) { tellWhenShown(outcome, 0); };
+    m_user.onImportEnd = [this](const ImportOutcome &outcome) {
+        if (!outcome.imported.isEmpty() || !outcome.refused.isEmpty()) {
+            m_last = outcome;
+            Q_EMIT lastImportChanged();
+        }
+        tellWhenShown(outcome, 0);
+    };
 }
 
 ArrivedItems::~ArrivedItems()
@@ -151,5 +166,33 @@ void ArrivedItems::showRefused(const ImportOutcome &outcome)
 {
     QWidget *window = m_browser.window();
     const QString title = zqLocalized("These files were not imported, or not wholly");
-    (new RefusedFilesSheet(window, title, outcome.refused))->open([](std::optional<int>) {});
+    const auto way = outcome.imported.isEmpty() ? RefusedFilesSheet::Way::None : RefusedFilesSheet::Way::ToImported;
+    (new RefusedFilesSheet(window, title, outcome.refused, way))->open([this, outcome](std::optional<int> code) {
+        if (code == RefusedFilesSheet::showCode) {
+            show(outcome.imported, outcome.target);
+        }
+    });
+}
+
+void ArrivedItems::showLastImport()
+{
+    if (m_last && m_last->refused.isEmpty()) {
+        show(m_last->imported, m_last->target);
+    } else if (m_last) {
+        showRefused(*m_last);
+    }
+}
+
+QList<WindowCommand> ArrivedItems::commands()
+{
+    return {{.id = CommandID::LastImport,
+             .title = zqLocalized("Last Import"),
+             .keys = {Qt::CTRL | Qt::ALT | Qt::Key_I},
+             .run = [this] { showLastImport(); },
+             .isEnabled = [this] { return m_last.has_value(); },
+             .shown =
+                 [this] {
+                     return m_last ? zqFormat(zqLocalized("Last Import: %@"), {countsOf(*m_last)})
+                                   : zqLocalized("Last Import");
+                 }}};
 }

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Interface/WindowCommand.h"
 #include "Classes/Interface/WindowContext.h"
 
 #include <QObject>
@@ -11,7 +12,7 @@ class ProjectsSidebarViewController;
 class WindowUserInteraction;
 
 // What the window says at the end of an import: how much came and how much did not, with a way to the items unless they
-// are in view, and to the reasons. Main thread.
+// are in view, and to the reasons. What the last import brought can be asked for until the next one. Main thread.
 class ArrivedItems : public QObject
 {
     Q_OBJECT
@@ -23,6 +24,12 @@ public:
 
     // Goes to where the items are, and selects those that are still there; says so when none is, or it is not known.
     void show(const QList<ZQObjectID> &items, const ZQObjectID &target);
+    // Lists what was refused, with a way to what came; goes there at once when nothing was refused.
+    void showLastImport();
+    QList<WindowCommand> commands();
+
+Q_SIGNALS:
+    void lastImportChanged();
 
 private:
     void tellWhenShown(const ImportOutcome &outcome, int looks);
@@ -38,4 +45,5 @@ private:
     BrowserViewController &m_browser;
     std::function<void()> m_showEverything;
     ContentFetcher::Ticket m_ticket;
+    std::optional<ImportOutcome> m_last;
 };

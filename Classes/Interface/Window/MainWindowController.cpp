@@ -23,6 +23,7 @@
 #include "Classes/Interface/Window/WindowFollower.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -44,6 +45,7 @@
 namespace {
 
 constexpr int longestBeforeFirstScreen = 250; // milliseconds
+constexpr qsizetype longestInMenu = 120;
 
 ZQUserDefaults &defaults()
 {
@@ -103,8 +105,9 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     connect(m_browser, &BrowserViewController::searchRequested, assistant, &SearchAssistant::setText);
     connect(m_browser, &BrowserViewController::searchPartRequested, assistant, &SearchAssistant::select);
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
-    new ArrivedItems(
+    m_arrived = new ArrivedItems(
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
+    connect(m_arrived, &ArrivedItems::lastImportChanged, this, &MainWindowController::updateCommands);
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     readFileTags();
@@ -179,8 +182,8 @@ void MainWindowController::makeCommands()
 {
     m_commands = new WindowCommands(m_mainWindow.get());
     for (const auto &contributed :
-         {m_sidebar->commands(), m_imports->commands(), m_tabs->commands(), libraryCommands(), editCommands(),
-          m_browser->commands(), m_savedSearches->commands(), viewCommands(), helpCommands()}) {
+         {m_sidebar->commands(), m_imports->commands(), m_arrived->commands(), m_tabs->commands(), libraryCommands(),
+          editCommands(), m_browser->commands(), m_savedSearches->commands(), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
     m_toolbar->menuButton().setMenu(m_commands->makeMenus(&m_toolbar->menuButton()));
@@ -236,7 +239,7 @@ QList<WindowCommand> MainWindowController::libraryCommands()
 QList<WindowCommand> MainWindowController::editCommands()
 {
     const auto named = [](const QString &plain, const QString &format, const QString &step) {
-        return step.isEmpty() ? plain : zqFormat(format, {step});
+        return step.isEmpty() ? plain : zqFormat(format, {zqShortened(step, longestInMenu)});
     };
     return {
         {CommandID::Undo,
@@ -396,8 +399,8 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
         if (SidebarTargetRules::canRemoveItems(single.get())) {
-            menu.addAction(zqFormat(zqLocalized("Remove from %@"), {single->title()}), m_browser,
-                           &BrowserViewController::removeFromProject);
+            menu.addAction(zqFormat(zqLocalized("Remove from %@"), {zqShortened(single->title(), longestInMenu)}),
+                           m_browser, &BrowserViewController::removeFromProject);
         }
         add(CommandID::DeleteFromLibrary);
     } else {

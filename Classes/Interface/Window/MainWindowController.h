@@ -12,6 +12,7 @@
 
 #include <memory>
 
+class ArrivedItems;
 class BrowserViewController;
 class ImportActions;
 class InfoPanelViewController;
@@ -95,6 +96,7 @@ private:
     ProjectsSidebarViewController *m_sidebar = nullptr;
     BrowserViewController *m_browser = nullptr;
     InfoPanelViewController *m_info = nullptr;
+    ArrivedItems *m_arrived = nullptr;
     TabsController *m_tabs = nullptr;
     SavedSearchActions *m_savedSearches = nullptr;
     WindowFollower *m_follower = nullptr;

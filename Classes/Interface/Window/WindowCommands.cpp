@@ -25,8 +25,8 @@ const std::vector<MenuPlan> &menuPlans()
     using enum CommandID;
     static const std::vector<MenuPlan> plans = {
         {"File",
-         {NewProject, NewFolder, NewTag, separator, Import, separator, NewTab, CloseTab, ReopenClosedTab, separator,
-          NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator, Quit}},
+         {NewProject, NewFolder, NewTag, separator, Import, LastImport, separator, NewTab, CloseTab, ReopenClosedTab,
+          separator, NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator, Quit}},
         {"Edit",
          {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
           Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,

@@ -3,6 +3,7 @@
 #include "Classes/Interface/Sheets/QuestionSheets.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQProgressLine.h"
@@ -167,8 +168,9 @@ int WindowUserInteraction::ask(const UserQuestion &question)
         return QuestionSheet(m_places.window, question).ask();
     }
     QMessageBox box;
-    box.setText(question.message);
-    box.setInformativeText(question.informativeText);
+    constexpr qsizetype longest = 1500;
+    box.setText(zqForLabel(question.message, longest));
+    box.setInformativeText(zqForLabel(question.informativeText, longest));
     QList<QAbstractButton *> buttons;
     for (qsizetype i = 0; i < question.buttons.size(); ++i) {
         const bool isLast = i + 1 == question.buttons.size();

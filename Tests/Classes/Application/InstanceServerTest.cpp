@@ -83,6 +83,41 @@ TEST(InstanceServer, WhatIsAskedBeforeItIsReadyWaits)
     EXPECT_EQ(served, 1);
 }
 
+TEST(InstanceServer, WhoWaitsLongIsToldWhetherItsTurnHasCome)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    for (const bool begins : {false, true}) {
+        std::atomic<int> told = 0;
+        std::atomic<bool> saidBegun = false;
+        const auto isTold = [&told] { return told > 0; };
+        InstanceServer server(name, [&](const InstanceRequest &) {
+            if (begins) {
+                zqRunMainLoopUntil(isTold);
+            }
+            return InstanceReply{4, "done", "why"};
+        });
+        server.setIsReady([&] { return begins || isTold(); });
+        ASSERT_TRUE(server.listen());
+        std::optional<InstanceReply> reply;
+        std::atomic<bool> isOver = false;
+        std::thread asker([&] {
+            reply = InstanceServer::send(name, {{QStringLiteral("a")}, {}, {}}, nullptr, [&](bool hasBegun) {
+                saidBegun = hasBegun;
+                ++told;
+            });
+            isOver = true;
+        });
+        zqRunMainLoopUntil([&isOver] { return isOver.load(); });
+        asker.join();
+        EXPECT_EQ(told, 1);
+        EXPECT_EQ(saidBegun, begins);
+        ASSERT_TRUE(reply);
+        EXPECT_EQ(reply->exitStatus, 4);
+        EXPECT_EQ(reply->output + reply->errors, "donewhy");
+    }
+}
+
 TEST(InstanceServer, WhatItDidNotComeToIsSaidNotToHaveBegun)
 {
     const QTemporaryDir folder;

@@ -148,6 +148,60 @@ TEST_F(OlderLibrary, ALargeOneIsGivenItsIndexesWhileTheWindowAnswers)
     EXPECT_TRUE(zqHasIndexes(*coordinator->newConnection(), *zqCurrentModel()));
 }
 
+TEST_F(OlderLibrary, OneWhoseMigrationIsCancelledIsAsItWasAndMigratesTheNextTime)
+{
+    makeLibrary("Version5", 3);
+    {
+        const auto writer = ZQSQLiteConnection::open(store(), ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ASSERT_TRUE(writer->execute(QStringLiteral("UPDATE ZQLibraryBaseItem SET itemURLData = zeroblob(40000000) "
+                                                   "WHERE title = 'file 2'")));
+        writer->value(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+    }
+    const auto before = ZQPersistentStoreCoordinator::metadataForStoreAtPath(store());
+    ASSERT_TRUE(before);
+    for (const bool byPerson : {true, false}) {
+        ApplicationParts parts = partsOfAll();
+        user.onBeginProgress = {};
+        if (byPerson) {
+            user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+        } else {
+            parts.isEndWanted = [] { return true; };
+        }
+        tamberin_AppDelegate delegate(parts);
+        EXPECT_FALSE(delegate.managedObjectContext());
+        EXPECT_TRUE(user.errors.isEmpty()) << "nothing failed";
+        const auto after = ZQPersistentStoreCoordinator::metadataForStoreAtPath(store());
+        EXPECT_TRUE(after && after->entityVersionHashes == before->entityVersionHashes);
+        EXPECT_EQ(copies(), QStringList());
+    }
+    user.onBeginProgress = {};
+    const auto delegate = launched();
+    EXPECT_EQ(items(*delegate).size(), 3);
+    EXPECT_EQ(items(*delegate).value(0)->thumbName(), QStringLiteral("file 0_thumb.png"));
+}
+
+TEST_F(OlderLibrary, WhatIsFilledInEndsWithABatchWhenCancelled)
+{
+    constexpr int moreThanOneSave = 1001;
+    makeLibrary("Version6", moreThanOneSave);
+    const auto named = [](tamberin_AppDelegate &delegate) {
+        const auto all = items(delegate);
+        return std::count_if(all.begin(), all.end(), [](const auto &item) { return !item->thumbName().isEmpty(); });
+    };
+    {
+        user.onBeginProgress = [](const std::function<void()> &cancel) { cancel(); };
+        const auto delegate = application();
+        delegate->checkModelMigration();
+        EXPECT_EQ(named(*delegate), moreThanOneSave - 1);
+        EXPECT_TRUE(pending(*delegate).contains(QStringLiteral("Version7")));
+    }
+    user.onBeginProgress = {};
+    const auto delegate = application();
+    delegate->checkModelMigration();
+    EXPECT_EQ(named(*delegate), moreThanOneSave);
+    EXPECT_FALSE(pending(*delegate).contains(QStringLiteral("Version7")));
+}
+
 TEST_F(OlderLibrary, GetsItForEveryItemAlsoOfMoreThanOneSave)
 {
     constexpr int moreThanOneSave = 1001;

@@ -5,6 +5,7 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Import/AImportManager.h"
+#include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -21,7 +22,16 @@
 class CommandTest : public testing::Test
 {
 protected:
-    void SetUp() override { open(); }
+    void SetUp() override
+    {
+        preferencesPath(); // one for the process, of its first world
+        open();
+    }
+    static const QString &preferencesPath()
+    {
+        static const QString path = ZQPaths::configHome() + QStringLiteral("/Zelto/defaults.json");
+        return path;
+    }
     void TearDown() override
     {
         delegate.reset();

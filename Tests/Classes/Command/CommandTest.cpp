@@ -1,6 +1,7 @@
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/PendingImport.h"
 #include "Tests/Classes/Command/CommandFixture.h"
+#include "Tests/Support/FileSizeLimit.h"
 #include "Tools/samples/SampleArchives.h"
 
 TEST_F(CommandTest, AnImportedPictureIsListedWithItsAttributes)
@@ -171,6 +172,52 @@ TEST_F(CommandTest, PreferencesAreReadOverTheirDefaults)
     EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n");
 }
 
+TEST_F(CommandTest, PreferencesThatCannotBeWrittenAreAFailure)
+{
+    ASSERT_EQ(run("defaults write UseDarkUI false"), 0);
+    QFile file(preferencesPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    const auto fails = [&](const char *arguments) {
+        EXPECT_EQ(run(arguments), 2) << arguments;
+        EXPECT_TRUE(context.errors.contains(QFile::encodeName(file.fileName()))) << context.errors.constData();
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), before) << arguments;
+        file.close();
+    };
+    ASSERT_TRUE(file.setPermissions(QFileDevice::ReadOwner));
+    fails("defaults write UseDarkUI true");
+    fails("defaults delete UseDarkUI");
+    ASSERT_TRUE(file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+    {
+        const FileSizeLimit full(0);
+        fails("defaults write UseDarkUI true");
+    }
+    EXPECT_EQ(run("defaults delete UseDarkUI"), 0) << context.errors.constData();
+}
+
+TEST_F(CommandTest, WhatIsQuotedOfLongTextsIsShort)
+{
+    const QString endless = QString(100'000, u'x');
+    const QList<QStringList> wrong{
+        {QStringLiteral("defaults"), QStringLiteral("read"), endless},
+        {QStringLiteral("defaults"), QStringLiteral("write"), QStringLiteral("UseDarkUI"), endless},
+        {QStringLiteral("items"), QStringLiteral("--in"), endless},
+        {QStringLiteral("items"), QStringLiteral("--") + endless},
+        {QStringLiteral("tag"), endless, QStringLiteral("--add"), QStringLiteral("a")},
+        {QStringLiteral("search"), QStringLiteral("#date=") + endless},
+        {QStringLiteral("search"), QStringLiteral("#") + endless},
+        {QStringLiteral("import"), endless},
+        {endless}};
+    for (const QStringList &arguments : wrong) {
+        EXPECT_EQ(run(arguments), 2) << qPrintable(arguments.first().left(20));
+        EXPECT_FALSE(context.errors.isEmpty());
+        EXPECT_LT(context.errors.size(), 1500) << qPrintable(arguments.first().left(20));
+        EXPECT_TRUE(context.errors.contains("…") || !context.errors.contains("xxx"));
+    }
+}
+
 TEST_F(CommandTest, WithoutATargetFoldersBecomeProjectsAndFilesGoIntoTheLibrary)
 {
     picture(QStringLiteral("in/Brand/logo.png"), qRgb(20, 20, 220));
@@ -222,6 +269,35 @@ TEST_F(CommandTest, ImportsThatWereCutOffAreSpokenOfAndGoOnOrAreForgotten)
     EXPECT_EQ((run("items --json"), array().size()), 1);
     EXPECT_EQ(run("import"), 2);
     EXPECT_EQ(run("import --resume --forget"), 2);
+}
+
+TEST_F(CommandTest, TheAnswerAboutDuplicatesHoldsForAnImportThatGoesOn)
+{
+    const QString a = picture(QStringLiteral("in/a.png"), qRgb(20, 20, 220));
+    ASSERT_EQ(run("import in/a.png"), 0);
+    struct Case
+    {
+        QString kept;
+        const char *arguments;
+        qsizetype items;
+    };
+    for (const Case &each : {Case{QStringLiteral("discard"), "import --resume", 1},
+                             {QStringLiteral("discard"), "import --resume --duplicates keep", 2},
+                             {QString(), "import --resume --duplicates discard", 2},
+                             {QStringLiteral("no answer"), "import --resume", 3}}) {
+        ASSERT_TRUE(PendingImportFile::create(world.filePath(QStringLiteral("Test.ztlibrary/pending-imports")),
+                                              {.paths = {a},
+                                               .target = {},
+                                               .index = ImportOperation::appendIndex,
+                                               .metadata = {},
+                                               .archivePath = {},
+                                               .archiveRoot = {},
+                                               .groups = {},
+                                               .ungrouped = {},
+                                               .duplicates = each.kept}));
+        EXPECT_EQ(run(each.arguments), 0) << context.errors.constData();
+        EXPECT_EQ((run("items --json"), array().size()), each.items) << each.arguments;
+    }
 }
 
 TEST_F(CommandTest, AnArchiveIsReportedTogetherWithAllItHeld)

@@ -109,7 +109,7 @@ TEST_F(ResumeTest, TheNamesOfImportsAreThoseOfTheirFiles)
     EXPECT_EQ(said(request({in + QStringLiteral("a.png"), in + QStringLiteral("b.png")})),
               QStringLiteral("“a.png” and one other, 0 of 2 in the library"));
     EXPECT_EQ(said(request({in + QString(81, u'n')})),
-              QStringLiteral("“%1”, 0 of 1 in the library").arg(QString(80, u'n')));
+              QStringLiteral("“%1”, 0 of 1 in the library").arg(QString(40, u'n') + u'…' + QString(39, u'n')));
     EXPECT_EQ(said(request({in + QStringLiteral("folder")})), QStringLiteral("“folder”"))
         << "nobody has looked into it";
     EXPECT_EQ(said(grouped), QStringLiteral("“folder”, 0 of 3 in the library"));

@@ -252,6 +252,39 @@ TEST_F(ResumeTest, FoldersOutOfReachBecomeProjectsOnceTheyAreBack)
     EXPECT_TRUE(pendingFiles().isEmpty());
 }
 
+TEST_F(ResumeTest, TheAnswerAboutDuplicatesIsKeptWithTheRequestAndGoesOnWithWhatAnArchiveHeld)
+{
+    const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
+    import({a});
+    QFile picture(a);
+    ASSERT_TRUE(picture.open(QIODevice::ReadOnly));
+    const QString archive =
+        writeFile(QStringLiteral("disk/set.zip"), SampleArchives::zipFile({{"copy.png", picture.readAll()}}));
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    const auto finish = [this] {
+        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+        QCoreApplication::processEvents();
+    };
+    manager.pendingImports().setKeepsCancelled(true);
+    manager.startImport({.paths = {archive}, .duplicates = DuplicateChoice::Discard})->cancel();
+    finish();
+    manager.pendingImports().setKeepsCancelled(false);
+    ASSERT_EQ(PendingImportFile::cutOff(folder()).size(), 1);
+    EXPECT_EQ(PendingImportFile::open(folder(), PendingImportFile::cutOff(folder()).first())->request().duplicates,
+              QStringLiteral("discard"));
+
+    const QString root = path(QStringLiteral("ZeltoTemporaryFolder/t.1/set"));
+    PendingImport unpacked = request({root}, projectsLabel()->UUID());
+    unpacked.archivePath = archive;
+    unpacked.archiveRoot = root;
+    unpacked.duplicates = QStringLiteral("discard");
+    ASSERT_TRUE(PendingImportFile::create(folder(), unpacked));
+    offer(continueButton);
+    EXPECT_TRUE(user.duplicates.isEmpty()) << "it was answered before";
+    EXPECT_EQ(items().size(), 1);
+    EXPECT_TRUE(pendingFiles().isEmpty());
+}
+
 TEST_F(ResumeTest, AnArchiveIsUnpackedAgainAndWhatIsInOfItIsNotTakenTwice)
 {
     const auto bytes = [this](const char *name, int width) {

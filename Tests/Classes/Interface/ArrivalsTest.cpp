@@ -206,6 +206,55 @@ TEST_F(ArrivalsTest, TheReasonsOfAllThatWasNotImportedCanBeListed)
         << "the reason follows, and is not replaced";
 }
 
+TEST_F(ArrivalsTest, TheLastImportCanBeAskedForUntilTheNextOne)
+{
+    const auto menuText = [this] {
+        for (const QAction *action : menuOf("File").actions()) {
+            if (action->text().startsWith(QStringLiteral("Last Import"))) {
+                return action->isEnabled() ? action->text() : QString();
+            }
+        }
+        return QStringLiteral("missing");
+    };
+    EXPECT_EQ(menuText(), QString());
+    const QString text = write(QStringLiteral("text.txt"), "words");
+    import({write(QStringLiteral("good.png")), text}, b);
+    ASSERT_TRUE(waitFor([this] { return named("1 imported, 1 not") || bubble(); }));
+    EXPECT_EQ(menuText(), QStringLiteral("Last Import: 1 imported, 1 not"));
+    QTest::mouseClick(bubble(), Qt::LeftButton, {}, QPoint(12, 12));
+    ASSERT_TRUE(waitFor([this] { return !bubble(); })) << "gone, as after its time";
+    QStringList rows;
+    const int tabsBefore = strip().count();
+    whenAsked([&](Sheet &sheet) {
+        auto *list = sheet.findChild<QListWidget *>();
+        for (int row = 0; list && row < list->count(); ++row) {
+            rows.append(list->item(row)->text());
+        }
+        press(Qt::Key_T, Qt::ControlModifier); // the window's keys rest
+        press(Qt::Key_Delete);
+        press(Qt::Key_3);
+        for (int i = 0; i < 6 && QApplication::focusWidget() != button("Show Imported"); ++i) {
+            press(Qt::Key_Tab);
+        }
+        press(Qt::Key_Space);
+    });
+    grid().setFocus();
+    press(Qt::Key_I, Qt::ControlModifier | Qt::AltModifier);
+    ASSERT_TRUE(waitFor([&] { return !rows.isEmpty() && !window().findChild<RefusedFilesSheet *>(); }));
+    EXPECT_TRUE(rows.value(0).startsWith(QStringLiteral("text.txt\n")));
+    settle();
+    EXPECT_EQ(strip().count(), tabsBefore);
+    EXPECT_EQ(selected(), QStringList{"good"});
+    EXPECT_EQ(image(QStringLiteral("good"))->rating(), 0);
+
+    show(a);
+    import({write(QStringLiteral("next.png"))}, b);
+    ASSERT_TRUE(waitFor([&] { return menuText() == QStringLiteral("Last Import: 1 imported"); }));
+    press(Qt::Key_I, Qt::ControlModifier | Qt::AltModifier);
+    settle();
+    EXPECT_EQ(selected(), QStringList{"next"}) << "there is nothing to list";
+}
+
 TEST_F(ArrivalsTest, WhatThisLibraryHasIsLinkedAndNotImportedAgain)
 {
     select({QStringLiteral("red"), QStringLiteral("clear")});

@@ -15,6 +15,7 @@
 #include <QLocale>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QShortcut>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QToolButton>
@@ -275,6 +276,84 @@ TEST_F(SheetsTest, HangsFromTheTopOfItsWindowAndGivesTheFocusBack)
     question.informativeText.clear();
     EXPECT_EQ(QuestionSheet(&window, question).ask(), 2);
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+TEST_F(SheetsTest, HoldsTheFocusAndTheKeysAgainstItsWindow)
+{
+    QLineEdit field(&window); // where the toolbar is, above the cover
+    field.setGeometry(10, 5, 200, 30);
+    QLineEdit other(&window);
+    other.setGeometry(10, 300, 200, 30);
+    QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_1), &window);
+    QAction later;
+    later.setShortcut(Qt::Key_5);
+    later.setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    int fired = 0;
+    QObject::connect(&shortcut, &QShortcut::activated, &window, [&fired] { ++fired; });
+    QObject::connect(&later, &QAction::triggered, &window, [&fired] { ++fired; });
+    field.show();
+    other.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    other.setFocus();
+    const auto focusIsHeld = [&](const Sheet &sheet) {
+        QApplication::processEvents();
+        QWidget *focus = QApplication::focusWidget();
+        return focus && (focus == &sheet || sheet.isAncestorOf(focus));
+    };
+    QList<FileConflict> conflicts{{QStringLiteral("/a.png"), false, true}}; // none can be taken: no default button
+    when<UnreadableFilesSheet>([&](UnreadableFilesSheet &sheet) {
+        window.addAction(&later); // and what becomes enabled meanwhile
+        EXPECT_TRUE(focusIsHeld(sheet)) << "without a button that Enter could take";
+        for (int i = 0; i < 8; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, i < 5 ? Qt::NoModifier : Qt::ShiftModifier);
+            EXPECT_TRUE(focusIsHeld(sheet)) << i;
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_1, Qt::ControlModifier);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_5);
+        QTest::mouseClick(&field, Qt::LeftButton);
+        EXPECT_TRUE(focusIsHeld(sheet));
+        other.setFocus(); // by something that ends meanwhile
+        EXPECT_TRUE(focusIsHeld(sheet));
+        QTest::keyClick(&field, Qt::Key_X);
+        when<QuestionSheet>([&](QuestionSheet &above) {
+            QTest::keyClick(button(sheet, "Stop Import"), Qt::Key_Space);
+            EXPECT_TRUE(focusIsHeld(above)) << "the one above has it";
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        });
+        UserQuestion question;
+        question.buttons = {QStringLiteral("OK")};
+        QuestionSheet(&window, question).ask();
+        EXPECT_TRUE(sheet.isVisible());
+        EXPECT_TRUE(focusIsHeld(sheet));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    });
+    UnreadableFilesSheet(&window, conflicts).run();
+    EXPECT_EQ(fired, 0);
+    EXPECT_TRUE(field.text().isEmpty());
+    EXPECT_EQ(QApplication::focusWidget(), &other);
+    QTest::keyClick(&other, Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(fired, 1) << "and then they are the window's again";
+    window.removeAction(&later);
+}
+
+TEST_F(SheetsTest, LongTextsAreShortAndStayWithinIt)
+{
+    const QString endless(100'000, u'x');
+    UserQuestion question;
+    question.message = endless;
+    question.informativeText = endless;
+    question.buttons = {QStringLiteral("OK")};
+    when<Sheet>([&](Sheet &sheet) {
+        EXPECT_LT(texts(sheet).size(), 3000);
+        for (const QLabel *label : sheet.findChildren<QLabel *>()) {
+            EXPECT_LE(label->minimumSizeHint().width(), sheet.width()) << label->text().size();
+        }
+        EXPECT_TRUE(
+            window.rect().contains(QRect(button(sheet, "OK")->mapTo(&window, QPoint()), button(sheet, "OK")->size())));
+        button(sheet, "OK")->click();
+    });
+    QuestionSheet(&window, question).ask();
 }
 
 TEST_F(SheetsTest, WhatIsNotToBeAskedAgainIsKept)

@@ -127,6 +127,31 @@ TEST_F(UserDefaults, KeepInMemoryWhatCannotBeWrittenAndWriteItLater)
     EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 7);
 }
 
+TEST_F(UserDefaults, LeaveAFileAloneThatIsProtectedOrCannotBeRead)
+{
+    ZQUserDefaults(store).setObjectForKey(1, QStringLiteral("Other"));
+    const QByteArray before = read(store);
+    ASSERT_TRUE(QFile::setPermissions(store, QFileDevice::ReadOwner));
+    ZQUserDefaults defaults(store);
+    defaults.setObjectForKey(7, key);
+    ZQError error;
+    EXPECT_FALSE(defaults.synchronize(&error));
+    EXPECT_TRUE(error.localizedDescription().contains(store)) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(read(store), before);
+    ASSERT_TRUE(QFile::setPermissions(store, QFileDevice::ReadOwner | QFileDevice::WriteOwner));
+    EXPECT_TRUE(defaults.synchronize(&error));
+    EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 7);
+    EXPECT_EQ(ZQUserDefaults(store).integerForKey(QStringLiteral("Other")), 1);
+
+    ASSERT_TRUE(QFile::remove(store));
+    folder(QStringLiteral("config/Zelto/defaults.json/kept"));
+    ZQUserDefaults unreadable(store);
+    unreadable.setObjectForKey(8, key);
+    EXPECT_FALSE(unreadable.synchronize(&error));
+    EXPECT_EQ(unreadable.integerForKey(key), 8);
+    EXPECT_TRUE(QFileInfo(store + QStringLiteral("/kept")).isDir());
+}
+
 TEST_F(UserDefaults, TellObserversOfChangesOnly)
 {
     ZQUserDefaults defaults(store);

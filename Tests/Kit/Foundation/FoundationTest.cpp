@@ -2,6 +2,7 @@
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Foundation/ZQText.h"
 
 #include <QRegularExpression>
@@ -41,6 +42,46 @@ TEST(Format, FillsItsPlacesInOrder)
     for (const auto &row : rows) {
         EXPECT_EQ(zqFormat(QString::fromUtf16(row.format), row.arguments), QString::fromUtf16(row.expected));
     }
+}
+
+TEST(Format, QuotesOfLongTextsTheirBeginAndEnd)
+{
+    const QString endless = QStringLiteral("first") + QString(100'000, u'x') + QStringLiteral("last");
+    const QString quoted = zqFormat(QStringLiteral("“%@” or „%@“ or «%@»"), {endless, endless, endless});
+    EXPECT_LT(quoted.size(), 3 * zqLongestQuotation + 20);
+    EXPECT_EQ(quoted.count(QStringLiteral("first")), 3);
+    EXPECT_EQ(quoted.count(QStringLiteral("last")), 3);
+    EXPECT_EQ(zqFormat(QStringLiteral("/%@.png"), {endless}).size(), endless.size() + 5) << "a path stays one";
+    EXPECT_EQ(zqFormat(QStringLiteral("a \"%@\""), {endless}).size(), endless.size() + 4);
+}
+
+TEST(Shortened, CutsNoCharacter)
+{
+    EXPECT_EQ(zqShortened(QStringLiteral("12345"), 5), QStringLiteral("12345"));
+    EXPECT_EQ(zqShortened(QStringLiteral("123456"), 5), QStringLiteral("12…56"));
+    const char16_t *const characters[] = {u"😀", u"e\u0301", u"👩\u200d👩\u200d👧", u"g\u0308\u0323", u"한"};
+    for (const char16_t *each : characters) {
+        const QString character = QString::fromUtf16(each);
+        for (qsizetype longest = 1; longest < 24; ++longest) {
+            const QString text = zqShortened(character.repeated(40), longest);
+            EXPECT_LE(text.size(), longest);
+            EXPECT_EQ(QString(text).remove(character), QStringLiteral("…")) << longest;
+        }
+    }
+    const QString heap = u'a' + QString(50'000, QChar(0x0301)) + u'b';
+    EXPECT_LE(zqShortened(heap, 100).size(), 100) << "one character of many marks";
+}
+
+TEST(Shortened, ALabelBreaksWithinWhatHasNoBlanks)
+{
+    const QString blank = QString(QChar(0x200B));
+    EXPECT_EQ(zqForLabel(QStringLiteral("a few words that are as they were"), 500),
+              QStringLiteral("a few words that are as they were"));
+    const QString run = QStringLiteral("e\u0301").repeated(100);
+    const QString label = zqForLabel(run, 500);
+    EXPECT_EQ(QString(label).remove(blank), run);
+    EXPECT_GE(label.count(blank), 4);
+    EXPECT_FALSE(label.contains(blank + QChar(0x0301)));
 }
 
 TEST(Localized, IsTheKeyItselfWithoutATranslation)

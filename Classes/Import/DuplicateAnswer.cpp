@@ -1,0 +1,31 @@
+#include "Classes/Import/DuplicateAnswer.h"
+
+namespace {
+struct Name
+{
+    DuplicateChoice answer;
+    const char *name;
+};
+constexpr Name names[] = {
+    {DuplicateChoice::KeepBoth, "keep"}, {DuplicateChoice::Discard, "discard"}, {DuplicateChoice::Relink, "relink"}};
+} // namespace
+
+QString nameOfDuplicateAnswer(std::optional<DuplicateChoice> answer)
+{
+    for (const Name &each : names) {
+        if (answer == each.answer) {
+            return QLatin1String(each.name);
+        }
+    }
+    return {};
+}
+
+std::optional<DuplicateChoice> duplicateAnswerNamed(const QString &name)
+{
+    for (const Name &each : names) {
+        if (name == QLatin1String(each.name)) {
+            return each.answer;
+        }
+    }
+    return std::nullopt;
+}
