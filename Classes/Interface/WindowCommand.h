@@ -48,7 +48,8 @@ enum class CommandID {
     GroupPlain, // and the other ways to group, one after the other
     GroupBySize = GroupPlain + 4,
     SortManually, // and the other orders, one after the other
-    SortByCreationDate = SortManually + 7,
+    SortByKind = SortManually + 8,
+    SortByBytes = SortByKind + 3,
     SortAscending,
     SortDescending,
     ShowAsGrid,
