@@ -72,6 +72,12 @@ enum class CommandID {
     Menu,
 };
 
+// As a menu of the moment shows it, whose entries leave the keys to the commands of the window.
+inline QString zqTitleWithKeys(const QString &title, const QKeySequence &keys)
+{
+    return title + u'\t' + keys.toString(QKeySequence::NativeText);
+}
+
 // One command of a window, contributed by the pane that does it.
 struct WindowCommand
 {
