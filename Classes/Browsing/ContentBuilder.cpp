@@ -1,6 +1,7 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
 #include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/ListOrder.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQModelFetch.h"
@@ -108,8 +109,7 @@ void ContentBuilder::prepare(ZQFetchRequest &request) const
     // Only memberships have an order of their own.
     const bool hasNoOrder = m_query.sortValue == ZQSortValue::Manual && rows == ZQListRows::LibraryItems;
     const auto descriptors =
-        hasNoOrder ? QList<ZQSortDescriptor>()
-                   : ZQSidebarBaseItem::sortDescriptorsForSortValue(m_query.sortValue, m_query.isAscending, rows);
+        hasNoOrder ? QList<ZQSortDescriptor>() : ListOrder::descriptors(m_query.sortValue, m_query.isAscending, rows);
     if (!descriptors.isEmpty()) {
         request.sortDescriptors = descriptors;
     }

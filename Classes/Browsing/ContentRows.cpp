@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/ContentFetcher.h"
 #include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/ListOrder.h"
 #include "Classes/Browsing/SizeClasses.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -317,6 +318,9 @@ ContentRows::Rows ContentRows::answer(const ZQFetchRequest &request)
         if (found || ZQCancellation::isCurrentCancelled()) {
             return found;
         }
+    }
+    if (ListOrder::needsItems(request.sortDescriptors)) {
+        return ListOrder::rows(request, m_context, [this](const ZQFetchRequest &plain) { return answer(plain); });
     }
     return ContentFetcher::rows(request, m_context, &m_content.error);
 }

@@ -1,5 +1,7 @@
 #include "Classes/Browsing/IndexSorter.h"
 
+#include "Classes/Browsing/ListOrder.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -81,10 +83,30 @@ private:
     const ZQTextBlocks &m_texts;
 };
 
+// Places among each other; those that `compare` finds equal share one. The first is `from`.
+template <class T, class Compare>
+std::vector<quint32> sharedPlaces(const std::vector<T> &values, quint32 from, Compare compare)
+{
+    std::vector<quint32> order(values.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [&](quint32 a, quint32 b) { return compare(values[a], values[b]) < 0; });
+    std::vector<quint32> places(values.size());
+    for (size_t i = 0; i < order.size(); ++i) {
+        const bool isNext = i > 0 && compare(values[order[i - 1]], values[order[i]]) != 0;
+        from += isNext ? 1 : 0;
+        places[order[i]] = from;
+    }
+    return places;
+}
+
 // Of the few texts that many rows have in common, the places among each other.
 class ExtensionKey : public IndexSorter::Key
 {
 public:
+    ExtensionKey(const std::vector<quint32> &extensions, std::vector<quint32> places)
+        : m_extensions(extensions), m_places(std::move(places))
+    {
+    }
     explicit ExtensionKey(const IndexItems &items) : m_extensions(items.extensions)
     {
         const std::vector<ZQScalar> &texts = items.extensionTexts;
@@ -116,6 +138,113 @@ public:
 private:
     const std::vector<quint32> &m_extensions;
     std::vector<quint32> m_places; // by position among the texts
+};
+
+QString textOf(const ZQScalar &value)
+{
+    const QString *text = std::get_if<QString>(&value);
+    return text ? *text : QString();
+}
+
+std::shared_ptr<const IndexSorter::Key> kindKey(const IndexItems &items)
+{
+    std::vector<QString> texts;
+    for (const ZQScalar &text : items.extensionTexts) {
+        texts.push_back(textOf(text).toLower());
+    }
+    return std::make_shared<ExtensionKey>(
+        items.extensions,
+        sharedPlaces(texts, 0, [](const QString &a, const QString &b) { return QString::compare(a, b); }));
+}
+
+// The places of a person's tags by title, from 1, by number of the sidebar; 0 for what is none.
+class TagPlaces
+{
+public:
+    explicit TagPlaces(const LibraryColumns &columns) : m_places(columns.tags.tagCount(), 0)
+    {
+        const IndexSidebar &sidebar = columns.sidebar;
+        std::vector<quint32> tags;
+        std::vector<QString> titles;
+        for (quint32 number = 1; number < m_places.size(); ++number) {
+            const auto is = [&](const char *name) { return sidebar.attribute(number, name) == ZQScalar(qint64(1)); };
+            const ZQScalar kind = sidebar.attribute(number, "kind");
+            const bool isNoOther = zqIsNull(kind) || kind == ZQScalar(qint64(0));
+            if (sidebar.exists(number) && isNoOther && is("is_Tag") && is("active") && !is("is_Label")) {
+                tags.push_back(number);
+                titles.push_back(textOf(sidebar.attribute(number, "title")));
+            }
+        }
+        const auto places = sharedPlaces(
+            titles, 1, [](const QString &a, const QString &b) { return QString::compare(a, b, Qt::CaseInsensitive); });
+        for (size_t i = 0; i < tags.size(); ++i) {
+            m_places[tags[i]] = places[i];
+            m_last = std::max(m_last, places[i]);
+        }
+    }
+    quint32 operator[](quint32 number) const { return m_places[number]; }
+    // Of a number that holds a place, and one more above all of them.
+    int bits() const { return int(std::bit_width(m_last + 1)); }
+
+private:
+    std::vector<quint32> m_places;
+    quint32 m_last = 0;
+};
+
+// A few of the tags that are compared, from the one at `first` on, in one number.
+class TagKey : public IndexSorter::Key
+{
+public:
+    static constexpr int tagsInOne = 3;
+    static_assert(ListOrder::tagsCompared % tagsInOne == 0);
+
+    TagKey(const LibraryColumns &columns, std::shared_ptr<const TagPlaces> places, int first)
+        : m_tags(columns.tags), m_places(std::move(places)), m_first(first)
+    {
+    }
+    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    {
+        std::transform(rows.begin(), rows.end(), numbers.begin(), [this](quint32 row) { return number(row); });
+    }
+    bool isWhole() const override { return true; }
+    int compare(quint32 a, quint32 b) const override
+    {
+        const quint64 x = number(a);
+        const quint64 y = number(b);
+        return x < y ? -1 : (y < x ? 1 : 0);
+    }
+
+private:
+    quint64 number(quint32 row) const
+    {
+        const int bits = std::min(m_places->bits(), 64 / tagsInOne);
+        quint32 lowest[ListOrder::tagsCompared]; // in their order
+        int count = 0;
+        for (const quint32 tag : m_tags.tagsOf(row)) {
+            quint32 place = (*m_places)[tag];
+            for (int i = 0; i < count && place; ++i) {
+                if (place < lowest[i]) {
+                    std::swap(place, lowest[i]);
+                }
+            }
+            if (place && count < ListOrder::tagsCompared) {
+                lowest[count++] = place;
+            }
+        }
+        if (count == 0) {
+            return m_first == 0 ? (quint64(1) << (bits * tagsInOne)) - 1 : 0;
+        }
+        const quint64 most = (quint64(1) << bits) - 2; // places beyond are alike
+        quint64 result = 0;
+        for (int i = m_first; i < m_first + tagsInOne; ++i) {
+            result = result << bits | (i < count ? std::min<quint64>(lowest[i], most) : 0);
+        }
+        return result;
+    }
+
+    const IndexTags &m_tags;
+    std::shared_ptr<const TagPlaces> m_places;
+    int m_first;
 };
 
 class DigestKey : public IndexSorter::Key
@@ -225,6 +354,9 @@ std::shared_ptr<const IndexSorter::Key> IndexSorter::keyFor(const LibraryColumns
     if (name == QStringLiteral("extension") && comparison == ZQSortDescriptor::Comparison::Standard) {
         return std::make_shared<ExtensionKey>(items);
     }
+    if (name == ListOrder::kindKey) {
+        return kindKey(items);
+    }
     if (name == QStringLiteral("SHA1") && comparison == ZQSortDescriptor::Comparison::Standard) {
         return std::make_shared<DigestKey>(items.digests);
     }
@@ -249,6 +381,14 @@ std::shared_ptr<const IndexSorter::Key> IndexSorter::keyFor(const LibraryColumns
     return name == QStringLiteral("rating") ? std::make_shared<NumberKey<qint16>>(items.rating) : nullptr;
 }
 
+void IndexSorter::addTags(bool isAscending)
+{
+    const auto places = std::make_shared<const TagPlaces>(m_columns);
+    for (int first = 0; first < ListOrder::tagsCompared; first += TagKey::tagsInOne) {
+        m_terms.push_back({std::make_shared<TagKey>(m_columns, places, first), isAscending, false});
+    }
+}
+
 std::optional<IndexSorter> IndexSorter::make(const LibraryColumns &columns, ZQListRows kind,
                                              const QList<ZQSortDescriptor> &descriptors)
 {
@@ -260,6 +400,9 @@ std::optional<IndexSorter> IndexSorter::make(const LibraryColumns &columns, ZQLi
         if (kind == ZQListRows::Memberships && descriptor.keyPath == QStringLiteral("order")) {
             term.key = std::make_shared<NumberKey<qint32>>(columns.memberships.orders());
             term.isOfMembership = true;
+        } else if (isPrefixed == (kind == ZQListRows::Memberships) && key == ListOrder::tagsKey) {
+            sorter.addTags(descriptor.ascending);
+            continue;
         } else if (isPrefixed == (kind == ZQListRows::Memberships)) {
             term.key = keyFor(columns, key, descriptor.comparison);
         }

@@ -37,6 +37,7 @@ private:
     static std::shared_ptr<const Key> keyFor(const LibraryColumns &columns, const QString &name,
                                              ZQSortDescriptor::Comparison comparison);
     IndexSorter(const LibraryColumns &columns, ZQListRows kind) : m_columns(columns), m_kind(kind) {}
+    void addTags(bool isAscending);
     std::vector<quint32> inKeyOrder(const IndexRows &rows) const;
     const std::vector<quint32> &rowsOf(const Term &term, const IndexRows &rows) const
     {

@@ -74,6 +74,9 @@ void OpenTabs::show(int index)
 void OpenTabs::select(int index)
 {
     if (index >= 0 && index < count() && index != m_current) {
+        if (openerOf(m_tabs[index]) != current() && openerOf(current()) != m_tabs[index]) {
+            m_openers.clear(); // a person went on
+        }
         leaveCurrent();
         show(index);
     }
@@ -95,9 +98,15 @@ void OpenTabs::selectTabForState(const TabState &state)
 
 // Which ones there are.
 
+std::shared_ptr<TabState> OpenTabs::openerOf(const std::shared_ptr<TabState> &tab) const
+{
+    return m_openers.value(tab.get()).lock();
+}
+
 void OpenTabs::insertBesideCurrent(const std::shared_ptr<TabState> &tab)
 {
     leaveCurrent();
+    m_openers.insert(tab.get(), current());
     m_tabs.insert(m_current + 1, tab);
     show(m_current + 1);
 }
@@ -124,6 +133,8 @@ void OpenTabs::closeTab(int index)
     }
     m_tabs[index]->savePersistentStateInformations();
     m_tabs[index]->invalidateCache();
+    const auto opener = openerOf(m_tabs[index]);
+    m_openers.remove(m_tabs[index].get());
     m_closed.append(m_tabs.takeAt(index));
     if (m_closed.size() > mostClosed) {
         m_closed.removeFirst();
@@ -133,7 +144,8 @@ void OpenTabs::closeTab(int index)
         Q_EMIT tabsChanged();
         return;
     }
-    show(std::min(index, count() - 1)); // the next one comes, or the last
+    const auto back = opener ? m_tabs.indexOf(opener) : -1; // which may be closed, too
+    show(back >= 0 ? int(back) : std::min(index, count() - 1));
 }
 
 void OpenTabs::reopenTab()

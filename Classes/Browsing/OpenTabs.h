@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/OpenTabsFile.h"
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
@@ -26,6 +27,8 @@ public:
     void selectNext(int step);
     void selectTabForState(const TabState &state);
     void newTab(); // beside the one in front, with the same sidebar items
+    // Who closes the one in front comes back to the one it was opened from, unless a third one was chosen since;
+    // else to the next one.
     void closeTab(int index);
     void reopenTab();
     void moveTab(int from, int to);
@@ -44,6 +47,7 @@ Q_SIGNALS:
 private:
     void show(int index);
     void leaveCurrent();
+    std::shared_ptr<TabState> openerOf(const std::shared_ptr<TabState> &tab) const; // null for none
     void adopt(const std::shared_ptr<TabState> &tab);
     void insertBesideCurrent(const std::shared_ptr<TabState> &tab);
     std::optional<OpenTabsFile::Tabs> tabsOfDefaults() const;
@@ -52,6 +56,7 @@ private:
     OpenTabsFile m_file;
     QList<std::shared_ptr<TabState>> m_tabs;
     QList<std::shared_ptr<TabState>> m_closed;
+    QHash<const TabState *, std::weak_ptr<TabState>> m_openers; // of open tabs: what was in front when they came
     int m_current = 0;
     QTimer m_saveTimer;
     ZQManagedObjectContext::Token m_contextToken;

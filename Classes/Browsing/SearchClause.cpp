@@ -100,9 +100,6 @@ QString sentenceForDate(const QString &verb, const QString &method, const Search
     if (method == u"<=") {
         return zqFormat(zqLocalized("%@ until %@"), {verb, dayText(span.end)});
     }
-    if (method == u">" && span.after == span.end) {
-        return zqFormat(zqLocalized("%@ after %@"), {verb, dayText(span.after)});
-    }
     if (method == u">" || method == u">=") {
         return zqFormat(zqLocalized("%@ since %@"), {verb, dayText(span.start)});
     }

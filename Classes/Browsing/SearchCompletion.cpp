@@ -72,7 +72,7 @@ QList<SearchCompletion> tokensBeginning(const QString &typed)
 
 bool endsName(QChar c)
 {
-    return c == u'<' || c == u'=' || c == u'>' || c == u'"' || SearchTokenizer::isBlank(c);
+    return c == u'<' || c == u'=' || c == u'>' || c == u':' || c == u'"' || SearchTokenizer::isBlank(c);
 }
 
 SearchCompletions forArgument(const SearchLexeme &lexeme, const QString &text, qsizetype cursor, const QDate &today)

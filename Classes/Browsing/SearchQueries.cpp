@@ -43,7 +43,7 @@ QString dateQuery(const QString &field, const QString &method, const SearchSpan 
         return zqFormat(QStringLiteral("%@ >= CAST(%f, \"NSDate\") AND (%@ <= CAST(%f, \"NSDate\"))"),
                         {field, sinceReferenceDate(span.start), field, sinceReferenceDate(span.end)});
     }
-    const QDateTime &bound = method == u">" ? span.after : method == u"<=" ? span.end : span.start;
+    const QDateTime &bound = method == u"<=" ? span.end : span.start;
     return zqFormat(QStringLiteral("%@ %@ CAST(%f, \"NSDate\")"), {field, method, sinceReferenceDate(bound)});
 }
 

@@ -14,7 +14,7 @@ std::optional<SearchSpan> daysBetween(const QDate &first, const QDate &last)
     if (!first.isValid() || !last.isValid() || first.year() < 1) {
         return std::nullopt;
     }
-    return SearchSpan{first.startOfDay(), last.endOfDay(), last.endOfDay()};
+    return SearchSpan{first.startOfDay(), last.endOfDay()};
 }
 
 std::optional<SearchSpan> lastDays(const QString &number, const QDate &today)
@@ -23,11 +23,7 @@ std::optional<SearchSpan> lastDays(const QString &number, const QDate &today)
     if (days < 1 || days > mostDays) {
         return std::nullopt;
     }
-    auto span = daysBetween(today.addDays(-days), today);
-    if (span) {
-        span->after = span->start.addMSecs(-1);
-    }
-    return span;
+    return daysBetween(today.addDays(-days), today);
 }
 
 bool isWord(const QString &text, const char *word)
@@ -53,11 +49,7 @@ std::optional<SearchSpan> SearchSpan::forText(const QString &text, const QDate &
     }
     if (const auto match = slashed.match(text); match.hasMatch()) {
         const QDate day(match.captured(3).toInt(), match.captured(2).toInt(), match.captured(1).toInt());
-        auto span = daysBetween(day, day);
-        if (span) {
-            span->after = span->start;
-        }
-        return span;
+        return daysBetween(day, day);
     }
     const auto match = yearFirst.match(text); // of no date the year is 0, which there is none of
     const bool hasMonth = match.hasCaptured(2);

@@ -26,6 +26,8 @@ Kind kindOfWord(QStringView word)
     return Kind::Word;
 }
 
+constexpr QChar colon = u':'; // as "=", which is what other programs have there
+
 bool isComparison(QChar c)
 {
     return c == u'<' || c == u'=' || c == u'>';
@@ -118,11 +120,16 @@ SearchLexeme SearchTokenizer::word()
 SearchLexeme SearchTokenizer::token()
 {
     SearchLexeme lexeme{Kind::Token, m_position};
-    const auto endsName = [](QChar c) { return isComparison(c) || isBlank(c) || c == u'"' || c == u'(' || c == u')'; };
+    const auto endsName = [](QChar c) {
+        return isComparison(c) || c == colon || isBlank(c) || c == u'"' || c == u'(' || c == u')';
+    };
     const auto nameEnd = std::find_if(m_text.begin() + m_position + 1, m_text.end(), endsName);
     const QString name = m_text.mid(m_position, nameEnd - m_text.begin() - m_position).toString();
     m_position += name.size();
     const auto readComparison = [this](qsizetype from) {
+        if (at(from) == colon) {
+            return m_text.mid(from, 1);
+        }
         const auto end = std::find_if_not(m_text.begin() + from, m_text.end(), isComparison);
         return m_text.mid(from, end - m_text.begin() - from);
     };
@@ -133,7 +140,7 @@ SearchLexeme SearchTokenizer::token()
         comparisonAt = skipBlanks(m_position);
         comparison = readComparison(comparisonAt);
     }
-    lexeme.comparison = comparison.toString();
+    lexeme.comparison = comparison == QStringView(&colon, 1) ? QStringLiteral("=") : comparison.toString();
     lexeme.token = SearchToken::named(name, !comparison.isEmpty());
     m_position = comparison.isEmpty() ? m_position : comparisonAt + comparison.size();
     if (!lexeme.token) {

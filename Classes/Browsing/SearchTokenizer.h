@@ -28,7 +28,7 @@ struct SearchLexeme
     bool isPrefix = false; // "+" right before something
 
     const SearchToken *token = nullptr; // null: unknown
-    QString comparison = {};            // as typed
+    QString comparison = {};            // as typed; "=" for ":"
     bool hasArgument = false;
     qsizetype argumentPosition = -1; // where it stands or is to stand, behind "#tag=" or a blank. -1: nowhere yet
 

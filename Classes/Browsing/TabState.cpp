@@ -5,6 +5,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
@@ -56,10 +57,18 @@ void TabState::setSidebarSelectedItems(const QList<ZQObjectID> &items)
 void TabState::goToSidebarItems(const QList<ZQObjectID> &items)
 {
     savePersistentStateInformations();
+    const auto smart = zqCast<ZQSidebarSmartFolder>(singleSidebarElement());
     if (m_editsSearch) {
+        if (smart && !filter().isEmpty() && filter() != smart->searchText().trimmed()) {
+            m_unsavedSearches.insert(smart->objectID(), m_searchString);
+        }
         setSearchString({}); // it belongs to what was shown
     }
     setSidebarSelectedItems(items);
+    if (items.size() == 1 && filter().isEmpty() && m_unsavedSearches.contains(items.first())) {
+        m_searchString = m_unsavedSearches.take(items.first());
+        m_editsSearch = true;
+    }
     m_sortKeys.reset();
     m_sortDirection.reset();
     m_zoom.reset();

@@ -5,6 +5,7 @@
 #include "Classes/Editing/EditContext.h"
 #include "Kit/Foundation/ZQIndexSet.h"
 
+#include <QHash>
 #include <QPointF>
 #include <QSet>
 #include <QString>
@@ -53,7 +54,7 @@ public:
     QString filter() const { return m_searchString.trimmed(); }
     // While a person edits the text of the smart folder that is shown, the field has it and all of it.
     bool editsSearch() const { return m_editsSearch; }
-    void setEditsSearch(bool edits);
+    void setEditsSearch(bool edits); // `goToSidebarItems` keeps what was edited, for when it comes back there
     // Whether what is shown is found by a saved search, so that any change may touch it.
     bool showsSavedSearch() const;
     // Of rows of library items; null: all. What the search makes of the text.
@@ -127,6 +128,7 @@ private:
     QList<ZQObjectID> m_sidebarSelectedItems;
     QString m_searchString;
     bool m_editsSearch = false;
+    QHash<ZQObjectID, QString> m_unsavedSearches; // of smart folders that were left while their texts were edited
     ZQPredicate m_filterPredicate;
     std::optional<ZQSortValue> m_sortKeys;
     std::optional<bool> m_sortDirection;

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/TabStateArchive.h"
 
+#include "Classes/Browsing/ListOrder.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
@@ -94,6 +95,12 @@ public:
         const auto found = number(key, 0, most);
         m_areFine = m_areFine && (!found || *found == std::floor(*found));
         return found && m_areFine ? std::optional(int(*found)) : std::nullopt;
+    }
+    std::optional<int> sortValue(const QString &key)
+    {
+        const auto found = whole(key, int(ListOrder::byBytes));
+        m_areFine = m_areFine && (!found || ListOrder::isKnown(*found));
+        return found && m_areFine ? found : std::nullopt;
     }
     std::optional<bool> flag(const QString &key)
     {
@@ -224,7 +231,7 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     }
     auto tab = std::make_shared<TabState>(edits, items);
     tab->setSearchString(fields.text(searchKey));
-    if (const auto value = fields.whole(sortKey, int(ZQSortValue::CreationDate))) {
+    if (const auto value = fields.sortValue(sortKey)) {
         tab->setSortKeys(ZQSortValue(*value));
     }
     tab->setSortDirection(fields.flag(directionKey));

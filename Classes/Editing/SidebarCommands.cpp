@@ -251,6 +251,16 @@ SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText,
     return addNewListItem(item, father, index);
 }
 
+SidebarCommands::Item SidebarCommands::duplicateSmartFolder(const Item &smartFolder)
+{
+    const auto item = zqCast<ZQSidebarSmartFolder>(smartFolder);
+    if (!item) {
+        return {};
+    }
+    return addSmartFolder(item->searchText(), zqFormat(zqLocalized("%@ copy"), {item->title()}), item,
+                          Order{ZQSortValue(item->sortKeys()), item->sortDirection()});
+}
+
 void SidebarCommands::setSearchText(const Item &smartFolder, const QString &searchText)
 {
     const auto item = zqCast<ZQSidebarSmartFolder>(smartFolder);

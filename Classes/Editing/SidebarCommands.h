@@ -28,6 +28,7 @@ public:
     };
     Item addSmartFolder(const QString &searchText, const QString &title, const Item &onItem,
                         const std::optional<Order> &order = {});
+    Item duplicateSmartFolder(const Item &smartFolder); // beside it; null for what is none
     void setSearchText(const Item &smartFolder, const QString &searchText);
 
     // Ask, unless told not to; false when the person declined.

@@ -49,7 +49,8 @@ enum class CommandID {
     GroupPlain, // and the other ways to group, one after the other
     GroupBySize = GroupPlain + 4,
     SortManually, // and the other orders, one after the other
-    SortByCreationDate = SortManually + 7,
+    SortByKind = SortManually + 8,
+    SortByBytes = SortByKind + 3,
     SortAscending,
     SortDescending,
     ShowAsGrid,
@@ -71,6 +72,12 @@ enum class CommandID {
     Keyboard,
     Menu,
 };
+
+// As a menu of the moment shows it, whose entries leave the keys to the commands of the window.
+inline QString zqTitleWithKeys(const QString &title, const QKeySequence &keys)
+{
+    return title + u'\t' + keys.toString(QKeySequence::NativeText);
+}
 
 // One command of a window, contributed by the pane that does it.
 struct WindowCommand

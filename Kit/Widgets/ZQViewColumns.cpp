@@ -39,13 +39,19 @@ QList<ZQViewColumns::Place> ZQViewColumns::places(int width) const
     int room = std::max(1, width - titleLeft);
     QList<Place> result = {{0, titleLeft, room}};
     room -= leastTitleWidth;
+    int wanted = 0; // beyond the least widths
     for (qsizetype i = 1; i < m_all.size(); ++i) {
-        if (m_all[i].isShown && room >= m_all[i].width + gap) {
+        if (m_all[i].isShown && room >= m_all[i].minimumWidth + gap) {
             result.append({i, 0, m_all[i].width});
-            room -= m_all[i].width + gap;
+            room -= m_all[i].minimumWidth + gap;
+            wanted += m_all[i].width - m_all[i].minimumWidth;
         } else if (m_all[i].isShown) {
             break;
         }
+    }
+    for (qsizetype i = 1; i < result.size() && wanted > room; ++i) {
+        const ZQViewColumn &column = m_all[result[i].column];
+        result[i].width = column.minimumWidth + (column.width - column.minimumWidth) * room / wanted;
     }
     int right = width;
     for (qsizetype i = result.size() - 1; i > 0; --i) {
@@ -67,11 +73,17 @@ bool ZQViewColumns::moveBoundary(qsizetype place, int by, int width)
     const int back = std::min(0, leastBefore - shown[place].width);
     const int on = std::max(0, shown[place + 1].width - leastAfter);
     const int moved = std::clamp(by, back, on);
+    if (moved == 0) {
+        return false;
+    }
+    for (qsizetype i = 1; i < shown.size(); ++i) { // as they look, so that only the two change
+        m_all[shown[i].column].width = shown[i].width;
+    }
     if (place > 0) {
         m_all[shown[place].column].width += moved;
     }
     m_all[shown[place + 1].column].width -= moved;
-    return moved != 0;
+    return true;
 }
 
 QVariantMap ZQViewColumns::state() const

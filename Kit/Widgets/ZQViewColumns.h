@@ -15,7 +15,8 @@ struct ZQViewColumn
 };
 
 // The columns of a list: which there are, which are shown and how wide. The first is the title, always there, beside
-// the picture; it takes what the others leave. Where there is too little room, the last ones give way.
+// the picture; it takes what the others leave. Where there is too little room, they shrink down to their least widths,
+// and then the last ones give way.
 //
 // Lengths are device-independent pixels.
 class ZQViewColumns
@@ -24,7 +25,7 @@ public:
     static constexpr int pictureWidth = 36;
     static constexpr int pictureGap = 18;
     static constexpr int gap = 10;
-    static constexpr int leastTitleWidth = 140;
+    static constexpr int leastTitleWidth = 120;
 
     explicit ZQViewColumns(QList<ZQViewColumn> all = {}) : m_all(std::move(all)) {}
 

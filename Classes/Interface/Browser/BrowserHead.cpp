@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/BrowserHead.h"
 
+#include "Classes/Browsing/ListOrder.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -24,8 +25,18 @@ constexpr SortChoice sortChoices[] = {
     {ZQSortValue::Color, "Color"},
     {ZQSortValue::ModificationDate, "Modification date"},
     {ZQSortValue::CreationDate, "Creation date"},
+    {ListOrder::byKind, "Kind"},
+    {ListOrder::byRating, "Rating"},
+    {ListOrder::byTags, "Tags"},
+    {ListOrder::byBytes, "Bytes"},
     {ZQSortValue::None, "Sidebar order"},
 };
+
+CommandID idOfSort(ZQSortValue value)
+{
+    return value < ListOrder::byKind ? CommandID(int(CommandID::SortManually) + int(value))
+                                     : CommandID(int(CommandID::SortByKind) + int(value) - int(ListOrder::byKind));
+}
 
 struct GroupChoice
 {
@@ -233,7 +244,7 @@ QList<WindowCommand> BrowserHead::commands()
              .isChecked = [this, choice] { return m_content.tab().browserDisplayStyleValue() == choice.style; }});
     }
     for (const SortChoice &choice : sortChoices) {
-        result.append({.id = id(CommandID::SortManually, choice.value),
+        result.append({.id = idOfSort(choice.value),
                        .title = zqLocalized(choice.title),
                        .keys = {},
                        .run = [this, choice] { setSort(choice.value, m_content.tab().sortDirectionValue()); },

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Browser/BrowserListColumns.h"
 
+#include "Classes/Browsing/ListOrder.h"
 #include "Classes/Browsing/ShortDate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -19,7 +20,8 @@ struct Column
     int width;
     int minimumWidth;
     bool isShown;
-    ZQSortValue sort; // None: not by this
+    ZQSortValue sort;
+    bool isAscendingFirst; // when it is chosen: from A, or from 1; else the newest and the largest come first
     ZQListValue (*value)(const Item &item, const Read *read);
 };
 
@@ -29,30 +31,30 @@ ZQListValue text(const QString &text)
 }
 
 constexpr Column columns[] = {
-    {"title", "Title", 0, 0, true, ZQSortValue::Title, [](const Item &, const Read *) { return ZQListValue(); }},
-    {"kind", "Kind", 54, 40, true, ZQSortValue::None,
+    {"title", "Title", 0, 0, true, ZQSortValue::Title, true, [](const Item &, const Read *) { return ZQListValue(); }},
+    {"kind", "Kind", 54, 36, true, ListOrder::byKind, true,
      [](const Item &item, const Read *) { return text(item.extension().toLower()); }},
-    {"size", "Size", 100, 60, true, ZQSortValue::Size,
+    {"size", "Size", 100, 62, true, ZQSortValue::Size, false,
      [](const Item &item, const Read *) { return text(item.pixelSizeString()); }},
-    {"bytes", "Bytes", 70, 50, true, ZQSortValue::None,
+    {"bytes", "Bytes", 70, 44, true, ListOrder::byBytes, false,
      [](const Item &, const Read *read) {
          return text(!read              ? QString()
                      : read->bytes <= 0 ? zqLocalized("missing")
                                         : QLocale().formattedDataSize(read->bytes, 1, QLocale::DataSizeSIFormat));
      }},
-    {"rating", "Rating", 84, 60, true, ZQSortValue::None,
+    {"rating", "Rating", 84, 62, true, ListOrder::byRating, false,
      [](const Item &item, const Read *) { return ZQListValue{.text = {}, .stars = item.rating(), .chips = {}}; }},
-    {"tags", "Tags", 150, 60, true, ZQSortValue::None,
+    {"tags", "Tags", 150, 44, true, ListOrder::byTags, true,
      [](const Item &, const Read *read) {
          return ZQListValue{.text = {}, .chips = read ? read->tags : QStringList()};
      }},
-    {"imported", "Imported", 110, 70, true, ZQSortValue::ImportDate,
+    {"imported", "Imported", 110, 56, true, ZQSortValue::ImportDate, false,
      [](const Item &item, const Read *) { return text(zqShortDate(item.import_date())); }},
-    {"modified", "Modified", 110, 70, false, ZQSortValue::ModificationDate,
+    {"modified", "Modified", 110, 56, false, ZQSortValue::ModificationDate, false,
      [](const Item &item, const Read *) { return text(zqShortDate(item.modification_date())); }},
-    {"created", "Created", 110, 70, false, ZQSortValue::CreationDate,
+    {"created", "Created", 110, 56, false, ZQSortValue::CreationDate, false,
      [](const Item &item, const Read *) { return text(zqShortDate(item.creation_date())); }},
-    {"color", "Color", 70, 50, false, ZQSortValue::Color,
+    {"color", "Color", 70, 50, false, ZQSortValue::Color, true,
      [](const Item &item, const Read *) { return text(ZQSidebarTag::colorNameForValue(item.mainColor())); }},
 };
 
@@ -63,16 +65,16 @@ ZQViewColumns BrowserListColumns::all()
     QList<ZQViewColumn> result;
     for (const Column &column : columns) {
         result.append({QString::fromLatin1(column.identifier), zqLocalized(column.title), column.width,
-                       column.minimumWidth, column.sort != ZQSortValue::None, column.isShown});
+                       column.minimumWidth, true, column.isShown});
     }
     return ZQViewColumns(result);
 }
 
-std::optional<ZQSortValue> BrowserListColumns::sortOf(const QString &identifier)
+std::optional<BrowserListColumns::Sort> BrowserListColumns::sortOf(const QString &identifier)
 {
     for (const Column &column : columns) {
-        if (identifier == QLatin1StringView(column.identifier) && column.sort != ZQSortValue::None) {
-            return column.sort;
+        if (identifier == QLatin1StringView(column.identifier)) {
+            return Sort{column.sort, column.isAscendingFirst};
         }
     }
     return std::nullopt;
@@ -81,7 +83,7 @@ std::optional<ZQSortValue> BrowserListColumns::sortOf(const QString &identifier)
 QString BrowserListColumns::columnOf(ZQSortValue value)
 {
     for (const Column &column : columns) {
-        if (column.sort == value && value != ZQSortValue::None) {
+        if (column.sort == value) {
             return QString::fromLatin1(column.identifier);
         }
     }

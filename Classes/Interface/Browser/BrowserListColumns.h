@@ -12,7 +12,12 @@ class ZQLibraryBaseItem;
 namespace BrowserListColumns {
 
 ZQViewColumns all(); // as they are until a person chooses others
-std::optional<ZQSortValue> sortOf(const QString &identifier);
+struct Sort
+{
+    ZQSortValue value;
+    bool isAscendingFirst; // until its column is chosen once more
+};
+std::optional<Sort> sortOf(const QString &identifier);
 QString columnOf(ZQSortValue value); // empty for an order that no column shows
 // `read` is null while it is not known.
 ZQListValue value(const QString &identifier, const ZQLibraryBaseItem &item, const BrowserRowValues::Values *read);

@@ -83,16 +83,16 @@ void BrowserListStyle::showOrder()
     m_head.setShowsOrder(!showsList() || column.isEmpty() || !m_grid.listHead().columns().isShown(column));
 }
 
-// The same column once more turns the order round. The newest and the largest come first, titles from A.
+// The same column once more turns the order round.
 void BrowserListStyle::sortBy(const QString &column)
 {
-    const auto value = BrowserListColumns::sortOf(column);
-    if (!value) {
+    const auto sort = BrowserListColumns::sortOf(column);
+    if (!sort) {
         return;
     }
     const TabState &tab = m_content.tab();
-    const bool isSame = tab.sortKeysValue() == *value;
-    m_head.setSort(*value, isSame ? !tab.sortDirectionValue() : *value == ZQSortValue::Title);
+    const bool isSame = tab.sortKeysValue() == sort->value;
+    m_head.setSort(sort->value, isSame ? !tab.sortDirectionValue() : sort->isAscendingFirst);
 }
 
 QList<WindowCommand> BrowserListStyle::commands()

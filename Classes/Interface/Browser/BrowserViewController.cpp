@@ -200,6 +200,7 @@ void BrowserViewController::showOther(const std::function<void()> &change)
     closeDetail();
     m_refetch.stop();
     m_isShowingOther = true;
+    m_refine->expire();
     m_restoresView = true;
     m_keepsScroll = false;
     m_grid->setSelection({});
@@ -245,6 +246,7 @@ void BrowserViewController::contentDidChange()
             m_grid->scrollToIndex(m_grid->selection().first());
         }
     }
+    followInDetail();
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
     m_empty->showFor(*m_content);
     updateHead();
@@ -447,11 +449,36 @@ void BrowserViewController::showDetailAt(qint64 index)
     }
     m_grid->setCurrentIndex(index);
     const ZQThumbnailRequest thumbnail = ItemPictures::thumbnailOf(*item);
-    m_detail->showItem(
-        item->title(),
-        {item->itemURL(), item->detailItemURL(), QSize(item->pixelWidth(), item->pixelHeight()),
-         m_grid->thumbnailLoader().image(thumbnail, 512)},
-        zqFormat(zqLocalized("%@ of %@"), {QLocale().toString(index + 1), QLocale().toString(m_content->count())}));
+    m_detail->showItem(item->title(),
+                       {item->itemURL(), item->detailItemURL(), QSize(item->pixelWidth(), item->pixelHeight()),
+                        m_grid->thumbnailLoader().image(thumbnail, 512)},
+                       detailPosition(index));
+    m_detailItem = item->objectID();
+}
+
+QString BrowserViewController::detailPosition(qint64 index) const
+{
+    return zqFormat(zqLocalized("%@ of %@"), {QLocale().toString(index + 1), QLocale().toString(m_content->count())});
+}
+
+// It stays with its item, wherever that is now, and ends with it.
+void BrowserViewController::followInDetail()
+{
+    if (!isDetailOpen() || m_content->isLoading() || !m_content->error().isNull()) {
+        return;
+    }
+    const qint64 current = m_grid->currentIndex();
+    const auto item = m_content->libraryItem(current);
+    const bool isCurrent = item && item->objectID() == m_detailItem; // an item may be in several groups
+    const qint64 index = isCurrent ? current : m_content->indexOfLibraryItem(m_detailItem);
+    if (index < 0) {
+        closeDetail();
+        return;
+    }
+    if (!isCurrent) {
+        m_grid->setCurrentIndex(index);
+    }
+    m_detail->setPosition(detailPosition(index));
 }
 
 void BrowserViewController::closeDetail()

@@ -90,6 +90,8 @@ private:
     void forgetWanted();                           // a person went on
     void endWaiting(quint64 fetch);
     void showDetailAt(qint64 index);
+    QString detailPosition(qint64 index) const;
+    void followInDetail(); // what the content became
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -100,6 +102,7 @@ private:
     QStackedWidget *m_stack;
     ZQGridView *m_grid;
     DetailView *m_detail;
+    ZQObjectID m_detailItem; // shown in it
     BrowserHead *m_head;
     BrowserListStyle *m_style;
     QLabel *m_status;

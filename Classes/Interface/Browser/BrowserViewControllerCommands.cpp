@@ -37,11 +37,6 @@ QList<WindowCommand> BrowserViewController::commands()
                  m_grid->selectAll();
              }
          }},
-        {CommandID::Duplicate,
-         zqLocalized("Duplicate"),
-         {Qt::CTRL | Qt::Key_D},
-         [this] { duplicate(); },
-         [hasSelection] { return !TextFields::haveFocus() && hasSelection(); }},
         {CommandID::DeleteFromLibrary,
          zqLocalized("Delete from Library"),
          {Qt::CTRL | Qt::Key_Delete},

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/ItemCount.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQSwatch.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QKeyEvent>
@@ -14,6 +15,7 @@ constexpr int buttonHeight = 22;
 constexpr int padding = 8;
 constexpr int gap = 5;
 constexpr int dotSize = 12;
+constexpr double dimmed = 0.45;        // while it cannot be chosen
 constexpr qsizetype longestTitle = 24; // characters
 
 QFont titleFont()
@@ -94,6 +96,7 @@ void FacetButton::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(isEnabled() ? 1 : dimmed);
     const QRectF box = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     const ZQColorRole ground = isChecked()                ? ZQColorRole::Select
                                : isDown() || underMouse() ? ZQColorRole::Raised2
@@ -103,7 +106,7 @@ void FacetButton::paintEvent(QPaintEvent * /*event*/)
     painter.drawRoundedRect(box, box.height() / 2, box.height() / 2);
     int x = padding;
     if (m_value.color != 0) {
-        painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
+        painter.setPen(QPen(zqSwatchRing(m_value.color, zqColor(ground)), 1));
         painter.setBrush(ZQTheme::swatch(m_value.color));
         painter.drawEllipse(QRectF(x + 0.5, (height() - dotSize) / 2.0 + 0.5, dotSize - 1, dotSize - 1));
         x += dotSize + gap;

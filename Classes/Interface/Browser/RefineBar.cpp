@@ -78,6 +78,12 @@ void RefineBar::setContent(const ContentQuery &query, const QString &searchText)
     recount();
 }
 
+// Until the counts of the new place are there; those for each key that is typed take their place at once.
+void RefineBar::expire()
+{
+    setEnabled(false);
+}
+
 void RefineBar::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
@@ -116,7 +122,9 @@ void RefineBar::showNoFacets()
 
 void RefineBar::choose(FacetKind kind, const QString &token)
 {
-    Q_EMIT searchRequested(FacetText(m_searchText).toggled(kind, token));
+    if (isEnabled()) { // a menu may still be open
+        Q_EMIT searchRequested(FacetText(m_searchText).toggled(kind, token));
+    }
 }
 
 // The most frequent ones, and those that are chosen.
@@ -211,6 +219,7 @@ void RefineBar::showFacets(const QList<Facet> &facets)
         showFacet(facet);
     }
     m_absent->hide();
+    setEnabled(true);
     FacetButton *stop = m_buttonCount > 0 ? m_buttons.first() : nullptr;
     for (qsizetype i = 0; hadFocus && i < m_buttonCount; ++i) {
         const bool isSame = m_buttons[i]->kind() == before.first && m_buttons[i]->token() == before.second;

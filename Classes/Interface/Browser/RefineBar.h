@@ -20,6 +20,7 @@ public:
 
     // What is shown, with its text as it was typed.
     void setContent(const ContentQuery &query, const QString &searchText);
+    void expire();                     // another place is about to be shown: what is there can be chosen no more
     void recount();                    // what the store holds changed
     void setNextStop(QWidget *widget); // of the Tab key, after its values
     const QList<Facet> &facets() const { return m_facets; }

@@ -104,10 +104,15 @@ void DetailView::makeHead()
     layout->addStretch(1);
 }
 
+void DetailView::setPosition(const QString &position)
+{
+    m_position->setText(position);
+}
+
 void DetailView::showItem(const QString &title, const DetailDocument::Source &source, const QString &position)
 {
     m_title->setText(title);
-    m_position->setText(position);
+    setPosition(position);
     setAccessibleName(title);
     m_scale = 0;
     m_document->open(source, int(std::max(width(), height()) * devicePixelRatioF()));

@@ -18,6 +18,7 @@ public:
 
     // Shows the stand-in at once and the file when it was read in the background.
     void showItem(const QString &title, const DetailDocument::Source &source, const QString &position);
+    void setPosition(const QString &position);                       // of the same item, among others
     void setQuickLook(bool quickLook) { m_isQuickLook = quickLook; } // Space closes it, too
     void zoomToFit();
     void zoomToActualSize();

@@ -1,6 +1,7 @@
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQSwatch.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QKeyEvent>
@@ -36,7 +37,7 @@ void ColorSwatch::paintEvent(QPaintEvent * /*event*/)
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), 6, 6);
     }
     const double inset = focused ? 3.5 : 0.5;
-    painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
+    painter.setPen(QPen(zqSwatchRing(m_code, zqColor(ZQColorRole::Sunken)), 1));
     painter.setBrush(ZQTheme::swatch(m_code));
     painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 5, 5);
 }

@@ -378,6 +378,23 @@ void ProjectsSidebarViewController::renameSidebarItem()
     }
 }
 
+bool ProjectsSidebarViewController::canDuplicate() const
+{
+    const SidebarCommands::Items selected = selectedObjects();
+    return selected.size() == 1 && selected.first()->isSmartFolder();
+}
+
+void ProjectsSidebarViewController::duplicateItem()
+{
+    if (!canDuplicate()) {
+        return;
+    }
+    if (const auto copy = m_commands.duplicateSmartFolder(selectedObjects().first())) {
+        reload();
+        selectItems({copy->objectID()});
+    }
+}
+
 void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
 {
     const SidebarCommands::Items selected = selectedObjects();
@@ -388,16 +405,19 @@ void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
     menu.addSeparator();
     if (selected.size() == 1 && selected.first()->isSmartFolder()) {
         menu.addAction(zqLocalized("Edit Search…"), this, &ProjectsSidebarViewController::editSearchRequested);
+        menu.addAction(zqTitleWithKeys(zqLocalized("Duplicate"), Qt::CTRL | Qt::Key_D), this,
+                       &ProjectsSidebarViewController::duplicateItem);
     }
     if (selected.size() == 1 && !selected.first()->isWatchedFolder()) {
-        menu.addAction(zqLocalized("Rename"), this, &ProjectsSidebarViewController::renameSidebarItem);
+        menu.addAction(zqTitleWithKeys(zqLocalized("Rename"), Qt::Key_F2), this,
+                       &ProjectsSidebarViewController::renameSidebarItem);
     }
     // Of a mixed selection each entry says what it takes.
     const auto nameOf = [](const SidebarCommands::Items &items) {
         return items.size() == 1 ? items.first()->title() : zqFormat(zqLocalized("%d Items"), {int(items.size())});
     };
-    menu.addAction(zqFormat(zqLocalized("Delete %@"), {nameOf(deletable)}), this,
-                   &ProjectsSidebarViewController::deleteItem);
+    const QString deletion = zqFormat(zqLocalized("Delete %@"), {nameOf(deletable)});
+    menu.addAction(zqTitleWithKeys(deletion, Qt::Key_Delete), this, &ProjectsSidebarViewController::deleteItem);
     if (const auto withContent = deletableItems(true); !withContent.isEmpty()) {
         menu.addAction(zqFormat(zqLocalized("Delete %@ and Content"), {nameOf(withContent)}), this,
                        &ProjectsSidebarViewController::deleteItemAndContent);
@@ -412,8 +432,10 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
         menu.addSeparator();
         addTagOrder(menu);
     } else {
-        menu.addAction(zqLocalized("New Project"), this, &ProjectsSidebarViewController::addNewProject);
-        menu.addAction(zqLocalized("New Folder"), this, &ProjectsSidebarViewController::addNewFolder);
+        menu.addAction(zqTitleWithKeys(zqLocalized("New Project"), Qt::CTRL | Qt::Key_N), this,
+                       &ProjectsSidebarViewController::addNewProject);
+        menu.addAction(zqTitleWithKeys(zqLocalized("New Folder"), Qt::CTRL | Qt::SHIFT | Qt::Key_N), this,
+                       &ProjectsSidebarViewController::addNewFolder);
     }
     addWhatChangesSelection(menu);
     menu.exec(globalPoint);

@@ -38,6 +38,8 @@ public:
     void deleteItem(); // the selection
     void deleteItemAndContent();
     void renameSidebarItem();
+    bool canDuplicate() const; // one smart folder
+    void duplicateItem();
 
     // What a drop of files on a place does.
     Qt::DropAction validateFileDrop(const QStringList &paths, const SidebarDropPlace &place) const;

@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
+#include "Kit/Widgets/ZQSwatch.h"
 
 #include <QApplication>
 #include <QDrag>
@@ -93,8 +94,9 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
                                                 : ZQColorRole::TextMuted);
     const QRectF icon(left - ZQMeasure::iconSize - 8, row.top() + (row.height() - ZQMeasure::iconSize) / 2,
                       ZQMeasure::iconSize, ZQMeasure::iconSize);
+    const ZQColorRole ground = selected ? ZQColorRole::Select : ZQColorRole::Sunken;
     if (const int swatch = index.data(SidebarTreeModel::SwatchRole).toInt()) {
-        painter->setPen(QPen(zqColor(ZQColorRole::Border), 1));
+        painter->setPen(QPen(zqSwatchRing(swatch, zqColor(ground)), 1));
         painter->setBrush(ZQTheme::swatch(swatch));
         painter->drawEllipse(icon.adjusted(2.5, 2.5, -2.5, -2.5));
     } else {

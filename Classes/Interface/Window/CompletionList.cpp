@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/CompletionList.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Widgets/ZQSwatch.h"
 #include "Kit/Widgets/ZQTheme.h"
 
 #include <QAccessible>
@@ -155,7 +156,7 @@ void CompletionList::paintRow(QPainter &painter, int row) const
 void CompletionList::paintName(QPainter &painter, const SearchCompletion &option, QRect place)
 {
     if (option.color != 0) {
-        painter.setPen(QPen(zqColor(ZQColorRole::Border), 1));
+        painter.setPen(QPen(zqSwatchRing(option.color, zqColor(ZQColorRole::Raised)), 1));
         painter.setBrush(ZQTheme::swatch(option.color));
         painter.drawEllipse(QRectF(place.left() + 0.5, place.center().y() - dotSize / 2 + 1, dotSize - 1, dotSize - 1));
         place.setLeft(place.left() + dotSize + padding);

@@ -265,6 +265,11 @@ QList<WindowCommand> MainWindowController::editCommands()
          {},
          [this, named] { return named(zqLocalized("Redo"), zqLocalized("Redo %@"), m_undoStack.redoText()); }},
         {CommandID::Rename, zqLocalized("Rename"), {Qt::Key_F2}, [this] { rename(); }},
+        {CommandID::Duplicate,
+         zqLocalized("Duplicate"),
+         {Qt::CTRL | Qt::Key_D},
+         [this] { meansSidebarRow() ? m_sidebar->duplicateItem() : m_browser->duplicate(); },
+         [this] { return !TextFields::haveFocus() && (meansSidebarRow() || m_browser->selectionCount() > 0); }},
         {CommandID::Preferences,
          zqLocalized("Preferences…"),
          {Qt::CTRL | Qt::Key_Comma},
@@ -367,6 +372,12 @@ void MainWindowController::rename()
     }
 }
 
+bool MainWindowController::meansSidebarRow() const
+{
+    const QWidget *focus = QApplication::focusWidget();
+    return focus && m_sidebar->isAncestorOf(focus) && m_sidebar->canDuplicate();
+}
+
 // Del means what has the focus: a row of the sidebar, or the items in this project.
 void MainWindowController::deleteKey()
 {
@@ -399,8 +410,9 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
         if (SidebarTargetRules::canRemoveItems(single.get())) {
-            menu.addAction(zqFormat(zqLocalized("Remove from %@"), {zqShortened(single->title(), longestInMenu)}),
-                           m_browser, &BrowserViewController::removeFromProject);
+            const QString title = zqFormat(zqLocalized("Remove from %@"), {zqShortened(single->title(), longestInMenu)});
+            menu.addAction(zqTitleWithKeys(title, command(CommandID::Remove)->shortcut()), m_browser,
+                           &BrowserViewController::removeFromProject);
         }
         add(CommandID::DeleteFromLibrary);
     } else {

@@ -78,6 +78,7 @@ private:
     void toggle(QWidget *pane);
     void toggleTheme();
     void rename();
+    bool meansSidebarRow() const; // Ctrl+D does
     void deleteKey();
     void showItemMenu(const QPoint &globalPoint);
     void showKeys();

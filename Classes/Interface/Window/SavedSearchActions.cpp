@@ -86,7 +86,7 @@ QString SavedSearchActions::wholeText() const
 
 void SavedSearchActions::update()
 {
-    // Who goes elsewhere leaves the text that was edited behind.
+    // Who goes elsewhere leaves the text that was edited behind, and finds it again there.
     if (const QString text = m_browser.content().tab().searchString(); m_search.text() != text) {
         const QSignalBlocker blocker(&m_search);
         m_search.setText(text);

@@ -7,6 +7,7 @@
 #include "Classes/Browsing/ContentBuilder.h"
 #include "Classes/Browsing/FacetCounts.h"
 #include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/ListOrder.h"
 #include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
@@ -222,10 +223,11 @@ void Bench::measureOrders()
     // One after another, so that none is still there from the time before.
     std::map<int, std::vector<double>> times;
     for (int run = 0; run < runs; ++run) {
-        for (const int value : {1, 2, 3, 4, 6, 7}) {
+        for (const int value :
+             {1, 2, 3, 4, 6, 7, int(ListOrder::byKind), int(ListOrder::byRating), int(ListOrder::byTags)}) {
             ZQFetchRequest request = m_library;
-            request.sortDescriptors = ZQSidebarBaseItem::sortDescriptorsForSortValue(ZQSortValue(value), run % 2 == 0,
-                                                                                     ZQListRows::LibraryItems);
+            request.sortDescriptors =
+                ListOrder::descriptors(ZQSortValue(value), run % 2 == 0, ZQListRows::LibraryItems);
             times[value].push_back(millisecondsFor([&] { list({request}); }));
         }
     }

@@ -1,6 +1,7 @@
 #include "Classes/Browsing/ContentBuilder.h"
 
 #include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/ListOrder.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -40,12 +41,13 @@ protected:
             .toStdString();
     }
 
+    using Images = QList<ZQRef<ZQLibraryImage>>;
     const Item folder = addFolder(QStringLiteral("Folder"));
     const Item project = addProject(QStringLiteral("Project"), folder);
     const Item empty = addProject(QStringLiteral("Empty"), folder);
     const Item other = addProject(QStringLiteral("Other"), folder);
     const Item everything = ZQSidebarBaseItem::libraryProjectInManagedObjectContext(library.context());
-    QList<ZQRef<ZQLibraryBaseItem>> images;
+    Images images;
 };
 
 } // namespace
@@ -107,6 +109,61 @@ TEST_F(ContentBuilderTest, TheIndexAnswersAsTheStoreDoes)
         }
     }
     EXPECT_GT(compared, 100);
+}
+
+TEST_F(ContentBuilderTest, EveryColumnOfAListIsAnOrderWithTheIndexAndWithoutIt)
+{
+    const auto tag = [this](const char *title, const Images &tagged) {
+        const auto added = ZQSidebarTag::addNewTagWithName(QLatin1StringView(title), library.context());
+        for (const auto &image : tagged) {
+            image->addTagsObject(added.get());
+        }
+    };
+    images.append(library.addImage(QStringLiteral("c"), QStringLiteral("JPG"), QByteArray(300, 'x')));
+    images.append(library.addImage(QStringLiteral("d"), QStringLiteral("jpg"), QByteArray(20, 'x')));
+    images[0]->setExtension(QStringLiteral("svg"));
+    images[1]->setExtension(QStringLiteral("jpg"));
+    ASSERT_TRUE(QFile::resize(images[1]->itemURL(), 4000));
+    ASSERT_TRUE(QFile::remove(images[2]->itemURL()));
+    for (const auto &[image, stars] : {std::pair(1, 3), std::pair(2, 5), std::pair(4, 3)}) {
+        images[image]->setRating(qint16(stars));
+    }
+    int date = 0;
+    for (const auto &image : images) {
+        image->setImport_date(QDateTime::fromSecsSinceEpoch(++date));
+    }
+    // A tag that a colour or a size brought says nothing here.
+    images[0]->addTagsObject(
+        zqCast<ZQSidebarTag>(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::FirstSize, library.context())).get());
+    tag("zebra", {images[1], images[3], images[4]});
+    tag("Beach", {images[1], images[4]});
+    tag("apple", {images[2], images[3]});
+    tag("cat", {images[4]});
+    library.context().save();
+    LibraryIndex index(library.coordinator());
+    ASSERT_TRUE(index.waitUntilOrdered());
+    struct Case
+    {
+        ZQSortValue order;
+        const char *ascending;
+        const char *descending;
+    };
+    for (const Case &each : {Case{ListOrder::byKind, "a c d b9 b10", "b10 b9 d c a"},
+                             {ListOrder::byRating, "b10 c a d b9", "b9 d a c b10"},
+                             {ListOrder::byTags, "b9 c d a b10", "b10 a d c b9"},
+                             {ListOrder::byBytes, "b9 b10 d c a", "a c d b10 b9"}}) {
+        for (LibraryIndex *const by : {&index, static_cast<LibraryIndex *>(nullptr)}) {
+            for (const bool isAscending : {true, false}) {
+                const ContentQuery query{{everything->objectID()}, {}, each.order, isAscending};
+                EXPECT_EQ(content(query, by),
+                          std::string("Library: ") + (isAscending ? each.ascending : each.descending))
+                    << int(each.order) << (by ? " by the index" : " by the items");
+            }
+        }
+    }
+    const ContentQuery grouped{{everything->objectID()}, {}, ListOrder::byTags, true, BrowserDisplayStyle::ByExtension};
+    EXPECT_EQ(content(grouped), "JPG: c | jpg: d a | png: b9 | svg: b10");
+    EXPECT_EQ(content(grouped, &index), content(grouped));
 }
 
 TEST_F(ContentBuilderTest, TheFirstRowsComeAloneWhereTheStoreHasThemAtOnce)

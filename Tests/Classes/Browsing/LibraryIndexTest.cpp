@@ -1,5 +1,6 @@
 #include "Classes/Browsing/LibraryIndex.h"
 
+#include "Classes/Browsing/ListOrder.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryPDF.h"
@@ -297,6 +298,41 @@ TEST_F(LibraryIndexTest, AnswersWhatTheStoreAnswersForEverySidebarItemSearchAndO
                 request.fetchLimit = 5;
                 EXPECT_EQ(reading.ids(*reading.rows(request)).ids, expected.ids.mid(3, 5));
                 request.fetchOffset = request.fetchLimit = 0;
+            }
+        }
+    }
+}
+
+TEST_F(LibraryIndexTest, OrdersByColumnsOfAListAsTheItemsThemselvesSay)
+{
+    const Item label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(library.context());
+    for (const char *name : {"Final", "draft 10", "DRAFT 2", "", "ärmel", "b", "B", "z"}) { // some only differ in case
+        tags.append(add<ZQSidebarTag>(QString::fromUtf8(name), label));
+        tags.last()->setIs_Tag(true);
+    }
+    tags.last()->setActive(false);
+    fill(250);
+    ZQManagedObjectContext context(library.coordinator());
+    const auto fetch = [&](const ZQFetchRequest &request) { return std::optional(stored(context, request)); };
+    for (const ZQSortValue order : {ListOrder::byKind, ListOrder::byRating, ListOrder::byTags}) {
+        for (const bool isAscending : {true, false}) {
+            for (ZQFetchRequest request : {homes.first()->contentRequest(), contents().first()}) {
+                SCOPED_TRACE(testing::Message() << int(order) << isAscending << request.entityName.toStdString());
+                const ZQListRows kind = zqListRowsOfEntity(request.entityName);
+                request.sortDescriptors = ListOrder::descriptors(order, isAscending, kind);
+                for (const bool isGrouped : {false, true}) {
+                    if (isGrouped) {
+                        request.sortDescriptors.prepend({zqItemKeyPath(kind, QStringLiteral("mainColor"))});
+                    }
+                    const auto expected = ListOrder::needsItems(request.sortDescriptors)
+                                              ? ListOrder::rows(request, context, fetch)
+                                              : fetch(request);
+                    const auto reading = current(index);
+                    const auto rows = reading.rows(request);
+                    ASSERT_TRUE(rows && expected);
+                    EXPECT_GT(expected->ids.size(), 50);
+                    EXPECT_EQ(reading.ids(*rows), *expected);
+                }
             }
         }
     }

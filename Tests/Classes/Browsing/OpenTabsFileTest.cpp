@@ -1,5 +1,6 @@
 #include "Classes/Browsing/OpenTabsFile.h"
 
+#include "Classes/Browsing/ListOrder.h"
 #include "Kit/Files/ZQKeyedArchive.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
@@ -25,7 +26,7 @@ protected:
         auto full = std::make_shared<TabState>(editing, QList<ZQObjectID>{a->objectID(), b->objectID()});
         full->setSearchString(QStringLiteral("wörds"));
         full->setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("title CONTAINS[cd] \"x\"")));
-        full->setSortKeys(ZQSortValue::Color);
+        full->setSortKeys(ListOrder::byBytes);
         full->setSortDirection(false);
         full->setZoom(0.445);
         full->setBrowserDisplayStyle(BrowserDisplayStyle::BySize);
@@ -112,7 +113,7 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
     EXPECT_EQ(full.sidebarSelectedItems(), (QList<ZQObjectID>{a->objectID(), b->objectID()}));
     EXPECT_EQ(full.searchString(), QStringLiteral("wörds"));
     EXPECT_EQ(full.filterPredicate().predicateFormat(), QStringLiteral("title CONTAINS[cd] \"x\""));
-    EXPECT_EQ(full.sortKeys(), ZQSortValue::Color);
+    EXPECT_EQ(full.sortKeys(), ListOrder::byBytes);
     EXPECT_EQ(full.sortDirection(), false);
     EXPECT_EQ(full.zoom(), 0.445);
     EXPECT_EQ(full.browserDisplayStyle(), BrowserDisplayStyle::BySize);
@@ -333,6 +334,7 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
         tabWith("browserShowsList", QStringLiteral("1")),
         tabWith("zoom", std::numeric_limits<double>::quiet_NaN()),
         tabWith("sortKeys", 99),
+        tabWith("sortKeys", 105),
         tabWith("sortKeys", -1),
         tabWith("sortKeys", 1.5),
         tabWith("sortDirection", 2),

@@ -70,6 +70,48 @@ TEST_F(OpenTabsTest, OneIsAlwaysInFrontWhateverIsClosed)
     EXPECT_GT(changes, 0);
 }
 
+TEST_F(OpenTabsTest, AClosedOneGivesWayToTheOneItWasOpenedFrom)
+{
+    tabs.restore();
+    show(tabs, a);
+    for (const Item &item : {b, c}) {
+        tabs.newTab();
+        show(tabs, item);
+    }
+    const auto open = [this] {
+        tabs.newTab();
+        show(tabs, c);
+    };
+    tabs.select(0);
+    open();
+    EXPECT_EQ(shown(tabs), "A C B C | C");
+    tabs.closeTab(1);
+    EXPECT_EQ(shown(tabs), "A B C | A") << "and not B, which is next";
+    open();
+    open();
+    tabs.closeTab(2);
+    tabs.closeTab(1);
+    EXPECT_EQ(shown(tabs), "A B C | A") << "one after the other";
+    open();
+    tabs.select(0);
+    tabs.select(1);
+    tabs.moveTab(1, 2);
+    tabs.closeTab(2);
+    EXPECT_EQ(shown(tabs), "A B C | A") << "a look back is no other way";
+    open();
+    tabs.select(3);
+    tabs.select(1);
+    tabs.closeTab(1);
+    EXPECT_EQ(shown(tabs), "A B C | B") << "a person went on";
+    open();
+    tabs.closeTab(1); // what it was opened from
+    tabs.closeTab(1);
+    EXPECT_EQ(shown(tabs), "A C | C");
+    tabs.reopenTab();
+    tabs.closeTab(tabs.currentIndex());
+    EXPECT_EQ(shown(tabs), "A C | C") << "the same for one that was opened again";
+}
+
 TEST_F(OpenTabsTest, TheOneInFrontIsLeftOnlyForAnother)
 {
     int lefts = 0;

@@ -113,7 +113,10 @@ TEST(SearchExpressionTest, EachTokenHasItsClauseForMembershipsAndForItems)
         {"#d=25/12/2012", whole(christmas, christmas)},
         {"#d<25/12/2012", "item.modification_date < " + cast(christmas.startOfDay())},
         {"#d>25/12/2012", "item.modification_date > " + cast(christmas.startOfDay())},
-        {"#d>2012-12-25", "item.modification_date > " + cast(christmas.endOfDay())},
+        {"#d>2012-12-25", "item.modification_date > " + cast(christmas.startOfDay())},
+        {"#d>2026-02", "item.modification_date > " + cast(QDate(2026, 2, 1).startOfDay())},
+        {"#d>yesterday", "item.modification_date > " + cast(QDate(2026, 3, 13).startOfDay())},
+        {"#d:25/12/2012", whole(christmas, christmas)},
         {"#d=2026-02", whole(QDate(2026, 2, 1), QDate(2026, 2, 28))},
         {"#d=2026", whole(QDate(2026, 1, 1), QDate(2026, 12, 31))},
         {"#d=yesterday", whole(QDate(2026, 3, 13), QDate(2026, 3, 13))},
@@ -218,7 +221,7 @@ TEST(SearchExpressionTest, PartsSayWhatIsUnderstood)
         return SearchExpression::read(QLatin1StringView(text), context).parts.first().meaning;
     };
     EXPECT_EQ(meaning("#d>25/12/2012"), QStringLiteral("Modified since 25 Dec 2012"));
-    EXPECT_EQ(meaning("#d>2012-12-25"), QStringLiteral("Modified after 25 Dec 2012"));
+    EXPECT_EQ(meaning("#d>2012-12-25"), QStringLiteral("Modified since 25 Dec 2012"));
     EXPECT_EQ(meaning("#di=2012-12"), QStringLiteral("Imported from 1 Dec 2012 to 31 Dec 2012"));
     EXPECT_EQ(meaning("#c none"), QStringLiteral("Color is “none”"));
     EXPECT_EQ(meaning("#c 1000"), QStringLiteral("Color is “white”"));

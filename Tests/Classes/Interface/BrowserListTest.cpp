@@ -110,8 +110,6 @@ TEST_F(BrowserListTest, TitlesOrderTheRowsAndShowTheOrder)
     EXPECT_EQ(title("Title")->accessibleName(), QStringLiteral("Title"));
     clickTitle("Size");
     EXPECT_EQ(order().substr(order().size() - 4), " red");
-    clickTitle("Kind");
-    EXPECT_TRUE(browser().content().tab().sortKeysValue() == ZQSortValue::Size) << "kinds have no order";
     EXPECT_TRUE(controller->command(CommandID(int(CommandID::SortManually) + int(ZQSortValue::Size)))->isChecked());
 
     EXPECT_EQ(menuOfTitles("Size"), "Kind|Size|Bytes|Rating|Tags|Imported|Modified|Created|Color|-|Manual order");
@@ -133,6 +131,55 @@ TEST_F(BrowserListTest, TitlesOrderTheRowsAndShowTheOrder)
     EXPECT_TRUE(grid().showsList());
     EXPECT_EQ(grid().listColumns(), columns) << "kept";
     ZQUserDefaults::standardUserDefaults().removeObjectForKey(BrowserListStyle::columnsPreference);
+}
+
+TEST_F(BrowserListTest, EveryColumnThatIsShownOrdersTheRowsAndSoItStays)
+{
+    const auto red = image(QStringLiteral("red"));
+    red->setRating(3);
+    red->addTagsObject(zqCast<ZQSidebarTag>(tag).get());
+    delegate->saveAction();
+    for (const int width : {1100, 1440}) {
+        window().resize(width, 800);
+        settle();
+        showList();
+        for (const char *column : {"Title", "Kind", "Size", "Bytes", "Rating", "Tags", "Imported"}) {
+            ASSERT_TRUE(title(column)) << column << " at " << width;
+            EXPECT_GE(title(column)->width(), column == std::string("Title") ? 120 : 36) << column;
+        }
+    }
+    struct Case
+    {
+        const char *column;
+        const char *first; // direction
+        const char *second;
+    };
+    for (const Case &each : {Case{"Kind", "ascending", "descending"},
+                             {"Bytes", "descending", "ascending"},
+                             {"Rating", "descending", "ascending"},
+                             {"Tags", "ascending", "descending"},
+                             {"Imported", "descending", "ascending"}}) {
+        const QString name = QString::fromLatin1(each.column);
+        clickTitle(each.column);
+        EXPECT_EQ(title(each.column)->accessibleName(), name + QStringLiteral(", ") + QLatin1StringView(each.first));
+        const std::string before = order();
+        clickTitle(each.column);
+        EXPECT_EQ(title(each.column)->accessibleName(), name + QStringLiteral(", ") + QLatin1StringView(each.second));
+        EXPECT_NE(order(), before) << each.column;
+    }
+    clickTitle("Tags");
+    EXPECT_EQ(order().substr(0, 4), "red ") << "those without a tag come last";
+    clickTitle("Rating");
+    EXPECT_EQ(order().substr(0, 4), "red ") << "the best first";
+    EXPECT_TRUE(controller->command(CommandID(int(CommandID::SortByKind) + 1))->isChecked());
+    const std::string kept = order();
+    closeWindow();
+    openWindow();
+    window().resize(1440, 800);
+    settle();
+    EXPECT_EQ(order(), kept);
+    ASSERT_TRUE(title("Rating"));
+    EXPECT_EQ(title("Rating")->accessibleName(), QStringLiteral("Rating, descending"));
 }
 
 TEST_F(BrowserListTest, EachTabHasItsStyleAndItsFoldedGroups)

@@ -78,6 +78,25 @@ protected:
 
 } // namespace
 
+TEST_F(DetailViewTest, ThePlaceFollowsTheContentAndTheViewEndsWithItsItem)
+{
+    open("red");
+    const auto head = [this] { return this->head().left(this->head().indexOf(u'[')).trimmed().toStdString(); };
+    EXPECT_EQ(head(), "1 of 4 red");
+    const auto other = image(QStringLiteral("clear"));
+    other->setActive(false);
+    delegate->saveAction();
+    settle();
+    EXPECT_EQ(head(), "1 of 3 red");
+    run(CommandID(int(CommandID::SortManually) + int(ZQSortValue::Title)));
+    settle();
+    EXPECT_EQ(head(), "3 of 3 red") << "the same item, at another place";
+    image(QStringLiteral("red"))->setActive(false);
+    delegate->saveAction();
+    settle();
+    EXPECT_FALSE(browser().isDetailOpen());
+}
+
 TEST_F(DetailViewTest, KeysOpenStepAndGoBack)
 {
     open("red");

@@ -144,6 +144,33 @@ TEST_F(KeysTest, TheToolkitHasNothingToSayOfMenusAndPanes)
     EXPECT_EQ(logged.join(u'\n').toStdString(), "");
 }
 
+TEST_F(KeysTest, MenusOfTheMomentShowTheKeysOfTheCommands)
+{
+    const auto compare = [this](const QHash<QString, CommandID> &commands) {
+        for (auto each = commands.begin(); each != commands.end(); ++each) {
+            ASSERT_TRUE(shownKeys.contains(each.key())) << each.key().toStdString();
+            const QString wanted = controller->command(each.value())->shortcut().toString(QKeySequence::NativeText);
+            EXPECT_FALSE(wanted.isEmpty());
+            EXPECT_EQ(shownKeys.value(each.key()), wanted) << each.key().toStdString();
+        }
+    };
+    show(a);
+    select({QStringLiteral("red")});
+    whenMenuOpens();
+    Q_EMIT grid().contextMenuRequested(window().mapToGlobal(QPoint(400, 300)));
+    compare({{QStringLiteral("Remove from A"), CommandID::Remove},
+             {QStringLiteral("Delete from Library"), CommandID::DeleteFromLibrary},
+             {QStringLiteral("Copy"), CommandID::Copy},
+             {QStringLiteral("Duplicate"), CommandID::Duplicate},
+             {QStringLiteral("Rename"), CommandID::Rename}});
+    whenMenuOpens();
+    Q_EMIT tree()->customContextMenuRequested(tree()->visualRect(tree()->tree()->indexOf(a->objectID())).center());
+    compare({{QStringLiteral("New Project"), CommandID::NewProject},
+             {QStringLiteral("New Folder"), CommandID::NewFolder},
+             {QStringLiteral("Rename"), CommandID::Rename},
+             {QStringLiteral("Delete A"), CommandID::Remove}});
+}
+
 TEST_F(KeysTest, NoKeysMeanTwoThings)
 {
     QSet<QString> seen;

@@ -220,7 +220,8 @@ QString MainWindowFixture::textsOf(const QMenu &menu)
 {
     QStringList texts;
     for (const QAction *action : menu.actions()) {
-        const QString text = action->isSeparator() ? QStringLiteral("-") : action->text();
+        const QString title = action->text().section(u'\t', 0, 0);
+        const QString text = action->isSeparator() ? QStringLiteral("-") : title;
         texts.append(action->isEnabled() || action->isSeparator() ? text : u'(' + text + u')');
     }
     return texts.join(u'|');
@@ -238,9 +239,13 @@ void MainWindowFixture::whenMenuOpens(const QString &choose)
         poll->stop();
         poll->deleteLater();
         menu = textsOf(*open);
+        shownKeys.clear();
         QAction *chosen = nullptr;
         for (QAction *action : open->actions()) {
-            chosen = action->text() == choose ? action : chosen;
+            const QString title = action->text().section(u'\t', 0, 0);
+            const QString keys = action->text().section(u'\t', 1);
+            shownKeys.insert(title, keys.isEmpty() ? action->shortcut().toString(QKeySequence::NativeText) : keys);
+            chosen = title == choose ? action : chosen;
         }
         open->close();
         if (chosen && !choose.isEmpty()) {

@@ -94,7 +94,8 @@ protected:
     void whenAsked(std::function<void(Sheet &)> act);
     // Takes the entry of the menu that opens, none with an empty text. The texts of the menu are in `menu` then.
     void whenMenuOpens(const QString &choose = {});
-    QString menu; // "-" for a separator, "(…)" for what is disabled
+    QHash<QString, QString> shownKeys; // of its entries, as they show them
+    QString menu;                      // "-" for a separator, "(…)" for what is disabled
     static QString textsOf(const QMenu &menu);
 
     UserWorld world{"window"};

@@ -364,7 +364,7 @@ TEST_F(MainWindowTest, ATabThatGoesLeavesItsNeighbourInItsPlace)
         const char *after;
     };
     for (const Case &each : {Case{1, 0, "B 0/2"},
-                             {1, 1, "Inner 1/2"},
+                             {1, 1, "A 0/2"}, // which it was opened from
                              {1, 2, "B 1/2"},
                              {2, 2, "B 1/2"},
                              {2, 0, "Inner 1/2"},

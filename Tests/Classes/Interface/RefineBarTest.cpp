@@ -156,6 +156,27 @@ TEST_F(RefineBarStates, AnIndexThatCannotBeBuiltIsNotWaitedFor)
     EXPECT_TRUE(waitUntilItSays(values)) << said().toStdString();
 }
 
+TEST_F(RefineBarTest, WhatStandsThereOfAnotherPlaceCannotBeChosen)
+{
+    open();
+    FacetButton *const chosen = buttons().first();
+    ASSERT_TRUE(chosen->isEnabled());
+    search().setFocus();
+    type(QStringLiteral("e"));
+    EXPECT_TRUE(chosen->isEnabled()) << "a key leaves it as it is";
+    settle();
+    search().clear();
+    settle();
+    browser().showSidebarItems({b->objectID()});
+    EXPECT_FALSE(chosen->isEnabled()) << "the new counts are not there";
+    const QString before = search().text();
+    chosen->click();
+    bar().choose(chosen->kind(), chosen->token());
+    EXPECT_EQ(search().text(), before);
+    settle();
+    EXPECT_TRUE(waitFor([this] { return bar().isEnabled(); }));
+}
+
 TEST_F(RefineBarTest, AClickPutsATokenIntoTheTextAndTakesItOutAgain)
 {
     EXPECT_FALSE(bar().isVisible());

@@ -159,7 +159,7 @@ TEST_F(SavedSearchTest, ItsTextIsEditedInTheFieldAndShowsWhatItWouldFind)
     whenMenuOpens(QStringLiteral("Edit Search…"));
     const QPoint row = tree()->visualRect(tree()->tree()->indexOf(smart->objectID())).center();
     Q_EMIT tree()->customContextMenuRequested(row);
-    EXPECT_EQ(menu, QStringLiteral("New Project|New Folder|-|Edit Search…|Rename|Delete Mine"));
+    EXPECT_EQ(menu, QStringLiteral("New Project|New Folder|-|Edit Search…|Duplicate|Rename|Delete Mine"));
     settle();
     EXPECT_EQ(search().text(), QStringLiteral("#tt moving"));
     EXPECT_TRUE(search().hasFocus());
@@ -181,7 +181,16 @@ TEST_F(SavedSearchTest, ItsTextIsEditedInTheFieldAndShowsWhatItWouldFind)
     EXPECT_TRUE(search().text().isEmpty()) << "it belongs to the smart folder";
     EXPECT_EQ(shown().size(), 4);
     show(smart);
-    EXPECT_EQ(shown(), QStringList{QStringLiteral("moving")});
+    EXPECT_EQ(search().text(), QStringLiteral("#tt red")) << "what was typed is not lost";
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("red")});
+    ASSERT_TRUE(updateButton());
+    search().setFocus();
+    press(Qt::Key_Escape);
+    settle();
+    show(a);
+    show(smart);
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("moving")}) << "given up is given up";
+    EXPECT_TRUE(search().text().isEmpty());
 
     run(CommandID::EditSearch);
     search().selectAll();
@@ -191,6 +200,36 @@ TEST_F(SavedSearchTest, ItsTextIsEditedInTheFieldAndShowsWhatItWouldFind)
     EXPECT_EQ(smart->searchText(), QStringLiteral("#tt red"));
     EXPECT_EQ(shown(), QStringList{QStringLiteral("red")});
     EXPECT_TRUE(search().text().isEmpty());
+}
+
+TEST_F(SavedSearchTest, ACopyStandsBesideItAndCanBeTakenBack)
+{
+    const auto smart = saved("#tt moving", "Mine");
+    ASSERT_TRUE(smart);
+    const QStringList before = children(projects);
+    const qsizetype items = sorted().size();
+    browser().grid().setFocus();
+    browser().grid().selectAll();
+    tree()->setFocus();
+    settle();
+    press(Qt::Key_D, Qt::ControlModifier);
+    settle();
+    const auto copy = chosen();
+    ASSERT_TRUE(copy && copy != smart);
+    EXPECT_EQ(copy->title(), QStringLiteral("Mine copy"));
+    EXPECT_EQ(copy->searchText(), QStringLiteral("#tt moving"));
+    EXPECT_EQ(copy->sortKeys(), smart->sortKeys());
+    EXPECT_EQ(sorted().size(), items) << "its items are not what was meant";
+    QStringList expected = before;
+    expected.insert(before.indexOf(QStringLiteral("Mine")) + 1, QStringLiteral("Mine copy"));
+    EXPECT_EQ(children(projects), expected);
+    controller->undoStack().undo();
+    settle();
+    EXPECT_EQ(children(projects), before);
+    show(a);
+    tree()->setFocus();
+    settle();
+    EXPECT_FALSE(isEnabled(CommandID::Duplicate)) << "no smart folder, and no item";
 }
 
 TEST_F(SavedSearchTest, OneThatFindsNothingSaysWhy)

@@ -1,5 +1,7 @@
 #include "Kit/Widgets/ZQTheme.h"
+
 #include "Kit/Widgets/ZQIcon.h"
+#include "Kit/Widgets/ZQSwatch.h"
 
 #include <QApplication>
 #include <QBoxLayout>
@@ -206,4 +208,26 @@ TEST(ZQIcon, ASelectedRowTakesTheColourItsGroundNeeds)
     EXPECT_EQ(drawn(ZQIcon::icon(QStringLiteral("plus"), ZQColorRole::TextMuted, ZQColorRole::Text, ZQColorRole::Text)),
               zqColor(ZQColorRole::Text).rgb());
     ZQTheme::current().setDark(true);
+}
+
+TEST(ZQTheme, ASwatchOfTheColorOfItsGroundHasARingThatIsSeen)
+{
+    const bool wasDark = ZQTheme::current().isDark();
+    for (const bool isDark : {true, false}) {
+        ZQTheme::current().setDark(isDark);
+        for (const ZQColorRole role :
+             {ZQColorRole::Raised, ZQColorRole::Raised2, ZQColorRole::Select, ZQColorRole::Sunken}) {
+            const QColor ground = zqColor(role);
+            for (int code = 1000; code <= 1009; ++code) {
+                const double own = ZQTheme::contrast(ZQTheme::swatch(code), ground);
+                const double ring = ZQTheme::contrast(zqSwatchRing(code, ground), ground);
+                EXPECT_GE(std::max(own, ring), 1.5) << code << (isDark ? " dark" : " light");
+            }
+        }
+        const int hardest = isDark ? 1001 : 1000;
+        const QColor ground = zqColor(ZQColorRole::Sunken);
+        EXPECT_GE(ZQTheme::contrast(zqSwatchRing(hardest, ground), ground), 3);
+        EXPECT_EQ(zqSwatchRing(1003, ground), zqColor(ZQColorRole::Border)) << "red needs none";
+    }
+    ZQTheme::current().setDark(wasDark);
 }

@@ -26,7 +26,7 @@ std::string places(const ZQViewColumns &columns, int width)
 
 } // namespace
 
-TEST(ZQViewColumns, TheTitleTakesWhatTheOthersLeaveAndTheLastGiveWay)
+TEST(ZQViewColumns, TheTitleTakesWhatTheOthersLeaveWhichShrinkBeforeTheLastGiveWay)
 {
     struct Case
     {
@@ -34,11 +34,12 @@ TEST(ZQViewColumns, TheTitleTakesWhatTheOthersLeaveAndTheLastGiveWay)
         const char *places;
     };
     for (const Case &each : {Case{600, "title 54+252|kind 316+54|size 380+100|date 490+110"},
-                             {488, "title 54+140|kind 204+54|size 268+100|date 378+110"},
-                             {487, "title 54+259|kind 323+54|size 387+100"},
-                             {300, "title 54+182|kind 246+54"},
-                             {258, "title 54+140|kind 204+54"},
-                             {257, "title 54+203"},
+                             {468, "title 54+120|kind 184+54|size 248+100|date 358+110"},
+                             {467, "title 54+122|kind 186+53|size 249+99|date 358+109"},
+                             {374, "title 54+120|kind 184+40|size 234+60|date 304+70"},
+                             {373, "title 54+145|kind 209+54|size 273+100"},
+                             {224, "title 54+120|kind 184+40"},
+                             {223, "title 54+169"},
                              {40, "title 54+1"}}) {
         EXPECT_EQ(places(columns(), each.width), each.places) << each.width;
     }
@@ -64,7 +65,7 @@ TEST(ZQViewColumns, ABoundaryMovesWithThePointerAndStopsAtTheLeastWidths)
     for (const Case &each : {Case{0, 10, true, "title 54+262|kind 326+44|size 380+100|date 490+110"},
                              {0, -10, true, "title 54+242|kind 306+64|size 380+100|date 490+110"},
                              {0, 500, true, "title 54+266|kind 330+40|size 380+100|date 490+110"},
-                             {0, -500, true, "title 54+140|kind 204+166|size 380+100|date 490+110"},
+                             {0, -500, true, "title 54+120|kind 184+186|size 380+100|date 490+110"},
                              {1, 30, true, "title 54+252|kind 316+84|size 410+70|date 490+110"},
                              {1, -500, true, "title 54+252|kind 316+40|size 366+114|date 490+110"},
                              {2, 500, true, "title 54+252|kind 316+54|size 380+140|date 530+70"},
@@ -74,6 +75,9 @@ TEST(ZQViewColumns, ABoundaryMovesWithThePointerAndStopsAtTheLeastWidths)
         EXPECT_EQ(moved.moveBoundary(each.place, each.by, 600), each.moves);
         EXPECT_EQ(places(moved, 600), each.places) << each.place << " by " << each.by;
     }
+    ZQViewColumns shrunk = columns();
+    EXPECT_TRUE(shrunk.moveBoundary(1, 10, 400));
+    EXPECT_EQ(places(shrunk, 400), "title 54+121|kind 185+53|size 248+61|date 319+81") << "from where it looks to be";
     ZQViewColumns stuck = columns();
     stuck.moveBoundary(0, 500, 600);
     EXPECT_FALSE(stuck.moveBoundary(0, 1, 600));

@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QColor>
+
+// Of the line around a swatch of ZQTheme, so that it can be seen where its colour is nearly that of the ground.
+QColor zqSwatchRing(int code, const QColor &ground);
