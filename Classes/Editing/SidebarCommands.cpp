@@ -5,6 +5,7 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
 #include "Models/DataModel/ZQSidebarProject.h"
@@ -238,7 +239,7 @@ SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText,
     if (!father || searchText.size() > ZQSidebarSmartFolder::longestSearchText) {
         return {};
     }
-    const QString name = title.isEmpty() ? searchText.simplified().left(longestName) : title;
+    const QString name = title.isEmpty() ? zqShortened(searchText.simplified(), longestName) : title;
     const auto item = m_edits.context.insertNewObject<ZQSidebarSmartFolder>();
     item->setTitle(name.isEmpty() ? zqLocalized("New Smart Folder") : name);
     item->setSearchText(searchText);

@@ -71,6 +71,11 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
         QFont font = ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::DemiBold);
         font.setLetterSpacing(QFont::PercentageSpacing, 104);
         painter->setFont(font);
+        if ((option.state & QStyle::State_HasFocus) && option.widget && option.widget->hasFocus()) {
+            painter->setPen(QPen(zqColor(ZQColorRole::Accent), 1));
+            painter->drawRoundedRect(QRectF(row).adjusted(rowMargin, 8.5, -rowMargin, -0.5), ZQMeasure::rowRadius,
+                                     ZQMeasure::rowRadius);
+        }
         painter->setPen(zqColor(ZQColorRole::TextFaint));
         painter->drawText(row.adjusted(16, 8, -16, 0), Qt::AlignVCenter, title);
         if (index.data(SidebarTreeModel::MenuRole).toBool()) {
@@ -298,19 +303,49 @@ void SidebarTreeView::mousePressEvent(QMouseEvent *event)
 void SidebarTreeView::keyPressEvent(QKeyEvent *event)
 {
     m_renamed = QPersistentModelIndex();
+    const bool turns = event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (turns && isSection(currentIndex())) {
+        setExpanded(currentIndex(), !isExpanded(currentIndex()));
+        return;
+    }
     QTreeView::keyPressEvent(event);
 }
 
-// Labels are no rows of a person: what stands on one is seen nowhere.
+bool SidebarTreeView::isSection(const QModelIndex &index) const
+{
+    return index.isValid() && isLabel(index) && model()->hasChildren(index);
+}
+
+// Labels are no rows of a person: what stands on one is seen nowhere. Only where a section is closed or about to be do
+// the arrows stop at its label, so that it can be opened and closed.
 QModelIndex SidebarTreeView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
-    const bool isUp = action == MoveUp || action == MovePrevious || action == MoveHome || action == MovePageUp;
-    const bool turnsAround = action == MoveHome || action == MoveEnd;
-    QModelIndex index = QTreeView::moveCursor(action, modifiers);
-    while (index.isValid() && isLabel(index)) {
-        index = isUp != turnsAround ? indexAbove(index) : indexBelow(index);
+    const QModelIndex next = QTreeView::moveCursor(action, modifiers);
+    const bool isStep = action == MoveUp || action == MoveDown || action == MovePrevious || action == MoveNext;
+    if (!next.isValid() || !isLabel(next) ||
+        (isSection(next) && (action == MoveLeft || (isStep && !isExpanded(next))))) {
+        return next.isValid() ? next : currentIndex();
     }
-    return index.isValid() ? index : currentIndex();
+    const bool isUp = action == MoveUp || action == MovePrevious || action == MoveHome || action == MovePageUp;
+    QModelIndex above = next;
+    QModelIndex below = next;
+    while (above.isValid() && isLabel(above)) {
+        above = indexAbove(above);
+    }
+    while (below.isValid() && isLabel(below)) {
+        below = indexBelow(below);
+    }
+    const QModelIndex wanted = isUp ? above : below;
+    const QModelIndex other = isStep ? currentIndex() : isUp ? below : above; // a page or an end stops at the last row
+    return wanted.isValid() ? wanted : other.isValid() ? other : currentIndex();
+}
+
+// What is shown stays while the arrows stand on a label.
+QItemSelectionModel::SelectionFlags SidebarTreeView::selectionCommand(const QModelIndex &index,
+                                                                      const QEvent *event) const
+{
+    return index.isValid() && isLabel(index) ? QItemSelectionModel::NoUpdate
+                                             : QTreeView::selectionCommand(index, event);
 }
 
 void SidebarTreeView::mouseReleaseEvent(QMouseEvent *event)

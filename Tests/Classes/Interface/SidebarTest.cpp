@@ -519,3 +519,43 @@ TEST_F(SidebarTest, LabelsAreNeitherChosenNorSteppedOn)
     EXPECT_TRUE(sidebar().selectedItems().contains(
         ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::Screenshots, context())->objectID()));
 }
+
+TEST_F(SidebarTest, KeysOpenAndCloseSectionsAndKeepWhatIsShown)
+{
+    const auto chosen = [this] { return sidebar().selectedItems(); };
+    const auto screenshots = ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind::Screenshots, context())->objectID();
+    sidebar().selectItems({screenshots});
+    tree()->setFocus();
+    press(Qt::Key_Left);
+    EXPECT_EQ(chosen(), QList<ZQObjectID>{screenshots});
+    press(Qt::Key_Down);
+    const auto first = chosen();
+    ASSERT_NE(first, QList<ZQObjectID>{screenshots});
+    const QModelIndex label = tree()->currentIndex().parent();
+
+    press(Qt::Key_PageUp);
+    EXPECT_NE(chosen(), first);
+    press(Qt::Key_End);
+    const auto last = chosen();
+    press(Qt::Key_Home);
+    press(Qt::Key_PageDown);
+    EXPECT_EQ(chosen(), last);
+
+    sidebar().selectItems(first);
+    press(Qt::Key_Left); // to the label
+    EXPECT_EQ(chosen(), first);
+    EXPECT_EQ(tree()->currentIndex(), label);
+    press(Qt::Key_Space);
+    EXPECT_FALSE(tree()->isExpanded(label));
+    press(Qt::Key_Up);
+    EXPECT_EQ(chosen(), QList<ZQObjectID>{screenshots});
+    press(Qt::Key_Down); // where it is closed the arrows stop
+    EXPECT_EQ(chosen(), QList<ZQObjectID>{screenshots});
+    press(Qt::Key_Return);
+    EXPECT_TRUE(tree()->isExpanded(label));
+    press(Qt::Key_Left);
+    EXPECT_FALSE(tree()->isExpanded(label));
+    press(Qt::Key_Right);
+    press(Qt::Key_Down);
+    EXPECT_EQ(chosen(), first);
+}
