@@ -2,6 +2,9 @@
 
 #include "Classes/Browsing/IndexText.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 enum Property {
@@ -22,14 +25,17 @@ enum Property {
     WatchingFolder
 };
 
+// Null reads as 0 and as an empty text, and nearly nothing is either.
 std::optional<qint64> numberOf(const ZQRowStream::Row &row, Property property)
 {
-    return row.isNull(property) ? std::nullopt : std::optional(row.number(property));
+    const qint64 number = row.number(property);
+    return number == 0 && row.isNull(property) ? std::nullopt : std::optional(number);
 }
 
 std::optional<std::string_view> textOf(const ZQRowStream::Row &row, Property property)
 {
-    return row.isNull(property) ? std::nullopt : std::optional(row.text(property));
+    const std::string_view text = row.text(property);
+    return text.empty() && row.isNull(property) ? std::nullopt : std::optional(text);
 }
 
 std::optional<std::string_view> textAt(const ZQTextBlocks &texts, size_t row)
@@ -152,15 +158,36 @@ void IndexItems::appendFrom(const IndexItems &other, size_t row)
     extensions.push_back(extensionOf(other.extensionTexts[other.extensions[row]]));
 }
 
-void IndexItems::appendAll(IndexItems &&other)
+void IndexItems::appendKeys(const IndexItems &other)
 {
-    for (size_t row = 0; row < other.size(); ++row) {
-        appendFrom(other, row);
+    const size_t before = size();
+    keys.appendAll(other.keys);
+    present.resize(size());
+    other.present.forEach([&](size_t row) { present.insert(before + row); });
+}
+
+void IndexItems::appendValues(const IndexItems &other)
+{
+    const auto append = [](auto &to, const auto &from, const auto &changed) {
+        to.reserve(to.size() + from.size());
+        std::transform(from.begin(), from.end(), std::back_inserter(to), changed);
+    };
+    std::vector<quint8> ownKinds;
+    for (const ZQEntityDescription *entity : other.entities) {
+        ownKinds.push_back(kindOf(entity));
     }
-    forEachPlain(other, [](auto &own, const auto &more) { own.appendAll(more); });
+    std::vector<quint32> ownExtensions;
+    for (const ZQScalar &text : other.extensionTexts) {
+        ownExtensions.push_back(extensionOf(text));
+    }
+    append(kinds, other.kinds, [&](quint8 kind) { return ownKinds[kind]; });
+    append(extensions, other.extensions, [&](quint32 extension) { return ownExtensions[extension]; });
+    append(folders, other.folders, [](quint32 folder) { return folder; });
+    title.appendAll(other.title);
+    foldedTitle.appendAll(other.foldedTitle);
+    foldedNotes.appendAll(other.foldedNotes);
     digests.appendAll(other.digests);
-    folderKeys.insert(folderKeys.end(), other.folderKeys.begin(), other.folderKeys.end());
-    other = {};
+    forEachPlain(other, [](auto &own, const auto &more) { own.appendAll(more); });
 }
 
 void IndexItems::assignFrom(const IndexItems &other, size_t otherRow, size_t row)
@@ -176,26 +203,29 @@ void IndexItems::assignFrom(const IndexItems &other, size_t otherRow, size_t row
     folders[row] = other.folders[otherRow];
 }
 
+void IndexItems::reserve(size_t rows)
+{
+    keys.reserve(rows);
+    kinds.reserve(rows);
+    extensions.reserve(rows);
+    folders.reserve(rows);
+    digests.reserve(rows);
+    pixelWidth.reserve(rows);
+    pixelHeight.reserve(rows);
+    pixelTotal.reserve(rows);
+    rating.reserve(rows);
+    mainColor.reserve(rows);
+    importDate.reserve(rows);
+    modificationDate.reserve(rows);
+    creationDate.reserve(rows);
+}
+
 // A vector that grows by itself would take twice the memory for one more item.
 void IndexItems::makeRoom(size_t rows)
 {
-    if (rows <= kinds.capacity()) {
-        return;
+    if (rows > kinds.capacity()) {
+        reserve(rows + rows / 16);
     }
-    const size_t room = rows + rows / 16;
-    keys.reserve(room);
-    kinds.reserve(room);
-    extensions.reserve(room);
-    folders.reserve(room);
-    digests.reserve(room);
-    pixelWidth.reserve(room);
-    pixelHeight.reserve(room);
-    pixelTotal.reserve(room);
-    rating.reserve(room);
-    mainColor.reserve(room);
-    importDate.reserve(room);
-    modificationDate.reserve(room);
-    creationDate.reserve(room);
 }
 
 std::vector<quint32> IndexItems::take(const IndexItems &fresh)
@@ -243,12 +273,12 @@ void IndexItems::resolveFolders(const IndexSidebar &sidebar)
 void IndexItems::shrink()
 {
     keys.shrink();
-    kinds.shrink_to_fit();
+    zqShrink(kinds);
     title.shrink();
     foldedTitle.shrink();
     foldedNotes.shrink();
     digests.shrink();
-    extensions.shrink_to_fit();
+    zqShrink(extensions);
     pixelWidth.shrink();
     pixelHeight.shrink();
     pixelTotal.shrink();
@@ -257,7 +287,7 @@ void IndexItems::shrink()
     importDate.shrink();
     modificationDate.shrink();
     creationDate.shrink();
-    folders.shrink_to_fit();
+    zqShrink(folders);
 }
 
 size_t IndexItems::bytes() const

@@ -15,12 +15,15 @@ public:
 
     // Also of an item whose row is there: it gets its new values.
     void append(const ZQRowStream::Row &row);
-    void appendAll(IndexItems &&other); // the same kinds of rows, all of other keys
+    // All of other keys, and to be followed by `appendValues`.
+    void appendKeys(const IndexItems &other);
+    void appendValues(const IndexItems &other); // touches neither keys nor `present`
     // Takes over what `fresh` holds; answers the row of each of its rows.
     std::vector<quint32> take(const IndexItems &fresh);
     void remove(quint32 row) { present.remove(row); }
     // The live folders, once all of the sidebar is known.
     void resolveFolders(const IndexSidebar &sidebar);
+    void reserve(size_t rows);
     void shrink();
     size_t bytes() const;
     size_t size() const { return keys.size(); }
@@ -32,14 +35,14 @@ public:
     IndexKeys keys;
     ZQRowSet present;
     std::vector<const ZQEntityDescription *> entities; // those that `kinds` are about
-    std::vector<quint8> kinds;
+    ZQPagedVector<quint8> kinds;
     IndexFlags active;
     IndexFlags managed;
     ZQTextBlocks title;
     ZQTextBlocks foldedTitle;
     ZQTextBlocks foldedNotes;
     ZQDigests digests;
-    std::vector<quint32> extensions; // by position among:
+    ZQPagedVector<quint32> extensions; // by position among:
     std::vector<ZQScalar> extensionTexts = {ZQScalar()};
     IndexNumbers<qint32> pixelWidth;
     IndexNumbers<qint32> pixelHeight;
@@ -49,8 +52,8 @@ public:
     IndexNumbers<qint64> importDate;
     IndexNumbers<qint64> modificationDate;
     IndexNumbers<qint64> creationDate;
-    std::vector<quint32> folders;   // numbers of the sidebar
-    std::vector<qint64> folderKeys; // of the rows beyond those of `folders`
+    ZQPagedVector<quint32> folders;   // numbers of the sidebar
+    ZQPagedVector<qint64> folderKeys; // of the rows beyond those of `folders`
 
 private:
     quint8 kindOf(const ZQEntityDescription *entity);

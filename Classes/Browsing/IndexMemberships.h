@@ -56,10 +56,10 @@ private:
 
     IndexKeys m_keys;
     ZQRowSet m_exists;
-    std::vector<quint32> m_items;
-    std::vector<quint32> m_projects;
+    ZQPagedVector<quint32> m_items;
+    ZQPagedVector<quint32> m_projects;
     IndexNumbers<qint32> m_orders;
-    std::vector<quint32> m_first; // by item; then from one membership of it to the next
-    std::vector<quint32> m_next;
+    ZQPagedVector<quint32> m_first; // by item; then from one membership of it to the next
+    ZQPagedVector<quint32> m_next;
     std::vector<std::vector<quint32>> m_ofProject;
 };

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Kit/Foundation/ZQPages.h"
 #include "Kit/Persistence/ZQColumns.h"
 
 #include <algorithm>
 #include <limits>
 #include <optional>
-#include <vector>
 
 // Whole numbers or dates by row, some of them null. What does not fit the type is cut to its range, which no value that
 // was saved through the model needs.
@@ -41,11 +41,11 @@ public:
         other.m_nulls.forEach([&](size_t row) { m_nulls.insert(before + row); });
     }
     void reserve(size_t rows) { m_values.reserve(rows); }
-    void shrink() { m_values.shrink_to_fit(); }
+    void shrink() { zqShrink(m_values); }
     size_t bytes() const { return m_values.capacity() * sizeof(T) + m_nulls.bytes(); }
     ZQNumberColumn column(bool isDate = false) const { return {std::span<const T>(m_values), &m_nulls, isDate}; }
 
 private:
-    std::vector<T> m_values;
+    ZQPagedVector<T> m_values;
     ZQRowSet m_nulls;
 };

@@ -5,7 +5,9 @@
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
+#include <algorithm>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -45,69 +47,102 @@ private:
     size_t m_last = 0;
 };
 
-// What one of the threads reads: items from one key to before another one, and memberships likewise.
+// What one of the threads reads: items from one key to before another one, and memberships likewise. What they lead to
+// is looked for in `sidebar`, which is not changed meanwhile.
 struct Part
 {
     ZQRowStream::Keys itemKeys;
     ZQRowStream::Keys membershipKeys;
     IndexItems items;
-    std::vector<std::pair<qint64, qint64>> tags; // item, tag
-    std::vector<LibraryColumns::Changes::Membership> memberships;
+    IndexTags::Links tags;                               // by row of the part and number
+    std::vector<std::pair<quint32, qint64>> unknownTags; // by row of the part and key
+    ZQPagedVector<LibraryColumns::Changes::Membership> memberships;
     ZQError error;
     bool isRead = false;
 
-    void read(ZQRowStream &stream)
+    void read(ZQRowStream &stream, const IndexSidebar &sidebar)
     {
         isRead = stream.rows(
                      ZQLibraryBaseItem::entityName(), IndexItems::properties(), itemKeys,
                      [this](const ZQRowStream::Row &row) { items.append(row); }, &error) &&
-                 stream.links(
-                     ZQLibraryBaseItem::entityName(), tagsKey, itemKeys,
-                     [this](qint64 item, qint64 tag) { tags.emplace_back(item, tag); }, &error) &&
+                 readTags(stream, sidebar) &&
                  stream.rows(
                      ZQProjectItem::entityName(), membershipProperties(), membershipKeys,
                      [this](const ZQRowStream::Row &row) { memberships.push_back(membershipOf(row)); }, &error);
+        items.resolveFolders(sidebar);
+    }
+
+private:
+    bool readTags(ZQRowStream &stream, const IndexSidebar &sidebar)
+    {
+        Finder finder(items.keys);
+        const auto take = [&](qint64 item, qint64 tag) {
+            const auto row = finder.rowOf(item);
+            const auto number = row ? sidebar.numberOf(tag) : std::nullopt;
+            if (number) {
+                tags.emplace_back(*row, *number);
+            } else if (row) {
+                unknownTags.emplace_back(*row, tag);
+            }
+        };
+        return stream.links(ZQLibraryBaseItem::entityName(), tagsKey, itemKeys, take, &error);
     }
 };
 
-void takeMemberships(LibraryColumns &columns, const std::vector<LibraryColumns::Changes::Membership> &memberships)
+void takeMemberships(LibraryColumns &columns, const Part (&parts)[2])
 {
-    Finder finder(columns.items.keys);
-    for (const LibraryColumns::Changes::Membership &membership : memberships) {
-        const auto item = finder.rowOf(membership.item);
-        columns.memberships.append(
-            {membership.key, item.value_or(IndexMemberships::none),
-             membership.project ? columns.sidebar.numberFor(membership.project) : IndexSidebar::none,
-             membership.order});
-    }
-}
-
-void takeTags(LibraryColumns &columns, const Part (&parts)[2])
-{
-    IndexTags::Links links;
-    links.reserve(parts[0].tags.size() + parts[1].tags.size());
+    columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
     Finder finder(columns.items.keys);
     for (const Part &part : parts) {
-        for (const auto &[item, tag] : part.tags) {
-            if (const auto row = finder.rowOf(item)) {
-                links.emplace_back(*row, columns.sidebar.numberFor(tag));
-            }
+        for (const LibraryColumns::Changes::Membership &membership : part.memberships) {
+            const auto item = finder.rowOf(membership.item);
+            columns.memberships.append(
+                {membership.key, item.value_or(IndexMemberships::none),
+                 membership.project ? columns.sidebar.numberFor(membership.project) : IndexSidebar::none,
+                 membership.order});
+        }
+    }
+    columns.memberships.link(columns.items.size(), columns.sidebar.size());
+}
+
+void takeTags(LibraryColumns &columns, Part (&parts)[2], size_t firstOfSecond)
+{
+    IndexTags::Links links = std::move(parts[0].tags);
+    links.reserve(links.size() + parts[1].tags.size() + parts[0].unknownTags.size() + parts[1].unknownTags.size());
+    for (const auto &[row, tag] : std::exchange(parts[1].tags, {})) {
+        links.emplace_back(quint32(firstOfSecond + row), tag);
+    }
+    for (const Part &part : parts) {
+        const size_t first = &part == parts ? 0 : firstOfSecond;
+        for (const auto &[row, tag] : part.unknownTags) {
+            links.emplace_back(quint32(first + row), columns.sidebar.numberFor(tag));
         }
     }
     columns.tags.build(columns.items.size(), columns.sidebar.size(), links);
 }
 
+// On two threads: the second one's items are copied behind the first one's, while ways to all of them are made.
 void join(LibraryColumns &columns, Part (&parts)[2])
 {
     columns.items = std::move(parts[0].items);
-    columns.items.appendAll(std::move(parts[1].items));
-    columns.items.resolveFolders(columns.sidebar);
-    takeTags(columns, parts);
-    columns.memberships.reserve(parts[0].memberships.size() + parts[1].memberships.size());
-    takeMemberships(columns, parts[0].memberships);
-    takeMemberships(columns, parts[1].memberships);
-    columns.memberships.link(columns.items.size(), columns.sidebar.size());
+    const size_t firstOfSecond = columns.items.size();
+    columns.items.appendKeys(parts[1].items);
+    std::thread values([&items = columns.items, &more = parts[1].items] {
+        items.appendValues(more);
+        more = {};
+    });
+    takeTags(columns, parts, firstOfSecond);
+    takeMemberships(columns, parts);
+    values.join();
     columns.items.shrink();
+}
+
+// Rows that are missing between the keys would take no memory; that keys were damaged is no reason to ask for all there
+// is.
+size_t rowsUpTo(qint64 key)
+{
+    constexpr qint64 most = qint64(1) << 22;
+    return size_t(std::clamp<qint64>(key, 0, most));
 }
 
 // Reads rows of which only some keys are known, and notes those that are not there.
@@ -274,19 +309,22 @@ std::unique_ptr<LibraryColumns> IndexReader::readAll(const std::shared_ptr<ZQPer
         }
         parts[0].itemKeys.end = parts[1].itemKeys.first = *items / 2;
         parts[0].membershipKeys.end = parts[1].membershipKeys.first = *memberships / 2;
-        std::thread other([&coordinator, &part = parts[1], cancellation = ZQCancellation::current()] {
+        const bool isSidebarRead = stream.rows(
+            ZQSidebarBaseItem::entityName(), IndexSidebar::properties(), {},
+            [&](const ZQRowStream::Row &row) { columns->sidebar.set(row.key, IndexSidebar::entryOf(row)); }, error);
+        if (!isSidebarRead) {
+            return nullptr;
+        }
+        parts[0].items.reserve(rowsUpTo(*items));
+        parts[1].items.reserve(rowsUpTo(*items - *items / 2));
+        std::thread other([&coordinator, &part = parts[1], &sidebar = std::as_const(columns->sidebar),
+                           cancellation = ZQCancellation::current()] {
             const ZQCancellation::Scope scope(cancellation);
             ZQManagedObjectContext own(coordinator);
             ZQRowStream ownStream(own);
-            part.read(ownStream);
+            part.read(ownStream, sidebar);
         });
-        const bool isSidebarRead = stream.rows(
-            ZQSidebarBaseItem::entityName(), IndexSidebar::properties(), {},
-            [&](const ZQRowStream::Row &row) { columns->sidebar.set(row.key, IndexSidebar::entryOf(row)); },
-            &parts[0].error);
-        if (isSidebarRead) {
-            parts[0].read(stream);
-        }
+        parts[0].read(stream, columns->sidebar);
         other.join();
     }
     for (const Part &part : parts) {

@@ -21,7 +21,7 @@ class NumberKey : public IndexSorter::Key
 {
 public:
     explicit NumberKey(const IndexNumbers<T> &numbers) : m_numbers(numbers) {}
-    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
     {
         for (size_t i = 0; i < rows.size(); ++i) {
             numbers[i] = m_numbers.isNull(rows[i]) ? 0 : ordered(m_numbers[rows[i]]);
@@ -43,7 +43,7 @@ class RankKey : public IndexSorter::Key
 {
 public:
     explicit RankKey(const IndexTitles &titles) : m_titles(titles) {}
-    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
     {
         for (size_t i = 0; i < rows.size(); ++i) {
             numbers[i] = m_titles.rank(rows[i]);
@@ -66,7 +66,7 @@ class TextKey : public IndexSorter::Key
 {
 public:
     explicit TextKey(const ZQTextBlocks &texts) : m_texts(texts) {}
-    void fill(const std::vector<quint32> &, std::vector<quint64> &numbers) const override
+    void fill(const std::vector<quint32> &, std::span<quint64> numbers) const override
     {
         std::fill(numbers.begin(), numbers.end(), 0);
     }
@@ -121,7 +121,7 @@ public:
             m_places[order[place]] = quint32(place);
         }
     }
-    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
     {
         for (size_t i = 0; i < rows.size(); ++i) {
             numbers[i] = m_places[m_extensions[rows[i]]];
@@ -136,7 +136,7 @@ public:
     }
 
 private:
-    const std::vector<quint32> &m_extensions;
+    const ZQPagedVector<quint32> &m_extensions;
     std::vector<quint32> m_places; // by position among the texts
 };
 
@@ -251,7 +251,7 @@ class DigestKey : public IndexSorter::Key
 {
 public:
     explicit DigestKey(const ZQDigests &digests) : m_digests(digests), m_hasOthers(!digests.others().isEmpty()) {}
-    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
     {
         // The first bits part them well enough; where there are texts that are no digests, nothing does.
         for (size_t i = 0; i < rows.size(); ++i) {
@@ -275,7 +275,7 @@ struct Placed
 };
 
 // Stable, in time linear in their count.
-void sortByNumber(std::vector<Placed> &placed, std::vector<Placed> &buffer, int bits)
+void sortByNumber(ZQPagedVector<Placed> &placed, ZQPagedVector<Placed> &buffer, int bits)
 {
     constexpr int digitBits = 11;
     constexpr size_t digits = size_t(1) << digitBits;
@@ -295,10 +295,10 @@ void sortByNumber(std::vector<Placed> &placed, std::vector<Placed> &buffer, int 
 // The numbers of several keys, the last one lowest, in as few words as they fit.
 struct Words
 {
-    std::vector<std::vector<quint64>> words; // the least significant first
+    std::vector<ZQPagedVector<quint64>> words; // the least significant first
     std::vector<int> bits;
 
-    void addHigher(std::vector<quint64> numbers, bool isAscending)
+    void addHigher(ZQPagedVector<quint64> numbers, bool isAscending)
     {
         quint64 lowest = ~quint64(0);
         quint64 highest = 0;
@@ -317,7 +317,7 @@ struct Words
             bits.push_back(needed);
             return;
         }
-        std::vector<quint64> &word = words.back();
+        ZQPagedVector<quint64> &word = words.back();
         for (size_t i = 0; i < word.size() && needed; ++i) {
             word[i] |= numbers[i] << bits.back();
         }
@@ -435,13 +435,13 @@ void IndexSorter::sort(IndexRows &rows) const
     const size_t used = size_t(firstPart - m_terms.begin()) + (firstPart == m_terms.end() ? 0 : 1);
     Words words;
     for (size_t i = used; i-- > 0;) {
-        std::vector<quint64> numbers(rows.size());
+        ZQPagedVector<quint64> numbers(rows.size());
         m_terms[i].key->fill(rowsOf(m_terms[i], rows), numbers);
         words.addHigher(std::move(numbers), m_terms[i].isAscending);
     }
     std::vector<quint32> places = inKeyOrder(rows);
-    std::vector<Placed> placed(rows.size());
-    std::vector<Placed> buffer(rows.size());
+    ZQPagedVector<Placed> placed(rows.size());
+    ZQPagedVector<Placed> buffer(rows.size());
     for (size_t i = 0; i < words.words.size(); ++i) {
         for (size_t place = 0; place < places.size(); ++place) {
             placed[place] = {words.words[i][places[place]], places[place]};

@@ -4,6 +4,7 @@
 #include "Classes/Browsing/LibraryColumns.h"
 
 #include <memory>
+#include <span>
 
 // Puts rows of the index into the order that a fetch with these descriptors gives them, ties by key.
 class IndexSorter
@@ -22,7 +23,7 @@ public:
         virtual ~Key() = default;
         // Numbers in the order of the values, 0 for null. Rows with the same number may still differ when the key is
         // not `isWhole`.
-        virtual void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const = 0;
+        virtual void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const = 0;
         virtual bool isWhole() const = 0;
         virtual int compare(quint32 a, quint32 b) const = 0;
     };

@@ -104,7 +104,7 @@ void IndexTags::compact()
     if (2 * m_unused < m_pool.size() + 1024) {
         return;
     }
-    std::vector<quint32> pool;
+    ZQPagedVector<quint32> pool;
     pool.reserve(m_pool.size() - m_unused);
     for (size_t row = 0; row < m_starts.size(); ++row) {
         const std::span<const quint32> tags = tagsOf(row);

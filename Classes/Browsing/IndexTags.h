@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Foundation/ZQPages.h"
 #include "Kit/Persistence/ZQRowSet.h"
 
 #include <QHash>
@@ -12,7 +13,7 @@
 class IndexTags
 {
 public:
-    using Links = std::vector<std::pair<quint32, quint32>>; // row, tag
+    using Links = ZQPagedVector<std::pair<quint32, quint32>>; // row, tag
 
     void build(size_t rows, size_t tags, const Links &links);
     // Other lists for some rows; rows and tags beyond what there was are added.
@@ -31,9 +32,9 @@ private:
     void write(quint32 row, const std::vector<quint32> &tags);
     void compact();
 
-    std::vector<quint32> m_starts; // by row, into the pool
-    std::vector<quint16> m_counts;
-    std::vector<quint32> m_pool;
+    ZQPagedVector<quint32> m_starts; // by row, into the pool
+    ZQPagedVector<quint16> m_counts;
+    ZQPagedVector<quint32> m_pool;
     size_t m_unused = 0; // in the pool
     std::vector<std::vector<quint32>> m_rowsOf;
 };

@@ -4,7 +4,7 @@
 #include "Kit/Persistence/ZQCollator.h"
 
 #include <algorithm>
-#include <cstring>
+#include <numeric>
 #include <thread>
 
 namespace {
@@ -21,10 +21,10 @@ struct Key
 // The rows from `first` to before `end`, by their titles.
 struct Part
 {
-    std::string pool;
-    std::vector<Key> keys;
+    ZQPagedVector<char> pool;
+    ZQPagedVector<Key> keys;
 
-    std::string_view whole(const Key &key) const { return std::string_view(pool).substr(key.place, key.size); }
+    std::string_view whole(const Key &key) const { return {pool.data() + key.place, key.size}; }
     void make(const ZQTextBlocks &titles, size_t first, size_t end);
 };
 
@@ -52,6 +52,7 @@ int compare(const Part &partA, const Key &a, const Part &partB, const Key &b)
 void Part::make(const ZQTextBlocks &titles, size_t first, size_t end)
 {
     const ZQCollator collator; // of this thread
+    std::string whole;
     keys.reserve(end - first);
     pool.reserve((end - first) * 24);
     for (size_t row = first; row < end; ++row) {
@@ -59,9 +60,11 @@ void Part::make(const ZQTextBlocks &titles, size_t first, size_t end)
         key.row = quint32(row);
         key.place = quint32(pool.size());
         key.isNull = titles.isNull(row);
-        collator.appendSortKey(titles.string(row), pool);
-        key.size = quint32(pool.size() - key.place);
-        key.start = startOf(whole(key));
+        whole.clear();
+        collator.appendSortKey(titles.string(row), whole);
+        pool.insert(pool.end(), whole.begin(), whole.end());
+        key.size = quint32(whole.size());
+        key.start = startOf(whole);
         keys.push_back(key);
     }
     std::sort(keys.begin(), keys.end(), [this](const Key &a, const Key &b) {
@@ -113,13 +116,11 @@ bool IndexTitles::build(const ZQTextBlocks &titles)
     if (ZQCancellation::isCurrentCancelled()) {
         return false;
     }
-    m_order.clear();
-    m_order.reserve(rows);
     m_ranks.assign(rows, 0);
     size_t places[2] = {0, 0};
     quint32 rank = 0;
     std::pair<int, size_t> before{-1, 0};
-    while (m_order.size() < rows) {
+    for (size_t ranked = 0; ranked < rows; ++ranked) {
         const bool isFirst = places[1] == parts[1].keys.size() ||
                              (places[0] < parts[0].keys.size() &&
                               compare(parts[0], parts[0].keys[places[0]], parts[1], parts[1].keys[places[1]]) <= 0);
@@ -129,11 +130,30 @@ bool IndexTitles::build(const ZQTextBlocks &titles)
                                                          parts[part], key) == 0;
         rank += isSame ? 0 : 1;
         m_ranks[key.row] = key.isNull ? 0 : rank;
-        m_order.push_back(key.row);
         before = {part, places[part]++};
     }
     m_isBuilt = true;
     return true;
+}
+
+ZQPagedVector<quint32> IndexTitles::inOrder(const ZQRowSet &without) const
+{
+    const quint32 highest = m_ranks.empty() ? 0 : *std::max_element(m_ranks.begin(), m_ranks.end());
+    ZQPagedVector<quint32> ends(size_t(highest) + 1, 0);
+    for (size_t row = 0; row < m_ranks.size(); ++row) {
+        ends[m_ranks[row]] += without.contains(row) ? 0 : 1;
+    }
+    std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), quint32(0));
+    ZQPagedVector<quint32> order(m_ranks.size());
+    size_t count = 0;
+    for (size_t row = 0; row < m_ranks.size(); ++row) {
+        if (!without.contains(row)) {
+            order[ends[m_ranks[row]]++] = quint32(row);
+            ++count;
+        }
+    }
+    order.resize(count);
+    return order;
 }
 
 IndexTitles IndexTitles::updated(const ZQTextBlocks &titles, const QHash<quint32, std::optional<std::string>> &changed,
@@ -150,27 +170,25 @@ IndexTitles IndexTitles::updated(const ZQTextBlocks &titles, const QHash<quint32
         const int order = future.compare(a, b);
         return order ? order < 0 : a < b;
     });
-    std::vector<quint32> kept;
-    kept.reserve(m_order.size());
-    std::copy_if(m_order.begin(), m_order.end(), std::back_inserter(kept),
-                 [&isChanged](quint32 row) { return !isChanged.contains(row); });
-    IndexTitles result;
-    result.m_order.reserve(rows);
+    const ZQPagedVector<quint32> kept = inOrder(isChanged);
+    ZQPagedVector<quint32> order;
+    order.reserve(rows);
     auto from = kept.begin();
     for (const quint32 row : moved) {
         const auto place = std::upper_bound(from, kept.end(), row,
                                             [&future](quint32 a, quint32 b) { return future.compare(a, b) < 0; });
-        result.m_order.insert(result.m_order.end(), from, place);
-        result.m_order.push_back(row);
+        order.insert(order.end(), from, place);
+        order.push_back(row);
         from = place;
     }
-    result.m_order.insert(result.m_order.end(), from, kept.end());
+    order.insert(order.end(), from, kept.end());
+    IndexTitles result;
     result.m_ranks.assign(rows, 0);
     result.m_isBuilt = true;
     quint32 rank = 0;
-    for (size_t i = 0; i < result.m_order.size(); ++i) {
-        const quint32 row = result.m_order[i];
-        const quint32 before = i ? result.m_order[i - 1] : row;
+    for (size_t i = 0; i < order.size(); ++i) {
+        const quint32 row = order[i];
+        const quint32 before = i ? order[i - 1] : row;
         const bool areOld = !isChanged.contains(row) && !isChanged.contains(before);
         const bool isSame = i && (areOld ? m_ranks[row] == m_ranks[before] : future.compare(row, before) == 0);
         rank += isSame ? 0 : 1;

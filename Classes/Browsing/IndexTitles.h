@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Foundation/ZQPages.h"
 #include "Kit/Persistence/ZQTextBlocks.h"
 
 #include <QHash>
@@ -18,10 +19,11 @@ public:
     quint32 rank(size_t row) const { return m_ranks[row]; }
     bool isBuilt() const { return m_isBuilt; }
     size_t size() const { return m_ranks.size(); }
-    size_t bytes() const { return 4 * (m_ranks.capacity() + m_order.capacity()); }
+    size_t bytes() const { return sizeof(quint32) * m_ranks.capacity(); }
 
 private:
+    ZQPagedVector<quint32> inOrder(const ZQRowSet &without) const; // by rank, then by row
+
     bool m_isBuilt = false;
-    std::vector<quint32> m_ranks;
-    std::vector<quint32> m_order; // all rows, by rank
+    ZQPagedVector<quint32> m_ranks;
 };

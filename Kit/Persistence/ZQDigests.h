@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Foundation/ZQPages.h"
 #include "Kit/Persistence/ZQRowSet.h"
 
 #include <QHash>
@@ -22,20 +23,20 @@ public:
     void set(size_t row, std::optional<std::string_view> text);
     void appendAll(const ZQDigests &other);
     void reserve(size_t rows) { m_digests.reserve(rows); }
-    void shrink() { m_digests.shrink_to_fit(); }
+    void shrink() { zqShrink(m_digests); }
 
     bool isNull(size_t row) const { return m_nulls.contains(row); }
     bool isOther(size_t row) const { return m_isOther.contains(row); }
     const ZQRowSet &nulls() const { return m_nulls; }
-    const ZQRowSet &others() const { return m_isOther; }             // rows whose text is no digest
-    const std::vector<Digest> &digests() const { return m_digests; } // zeros where there is none
-    QString string(size_t row) const;                                // null where there is none
+    const ZQRowSet &others() const { return m_isOther; }               // rows whose text is no digest
+    const ZQPagedVector<Digest> &digests() const { return m_digests; } // zeros where there is none
+    QString string(size_t row) const;                                  // null where there is none
     // As the texts order, by code point; null comes first.
     int compare(size_t a, size_t b) const;
     size_t bytes() const;
 
 private:
-    std::vector<Digest> m_digests;
+    ZQPagedVector<Digest> m_digests;
     ZQRowSet m_nulls;
     ZQRowSet m_isOther;
     QHash<quint32, QString> m_others;

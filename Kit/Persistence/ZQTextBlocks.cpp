@@ -1,5 +1,6 @@
 #include "Kit/Persistence/ZQTextBlocks.h"
 
+#include <algorithm>
 #include <map>
 
 QString ZQTextBlocks::string(size_t row) const
@@ -11,29 +12,52 @@ QString ZQTextBlocks::string(size_t row) const
     return utf8.empty() ? QStringLiteral("") : QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
 }
 
+// A full block is about as large as the next one will be.
+ZQTextBlocks::Block &ZQTextBlocks::blockForNext()
+{
+    if (m_blocks.empty() || m_blocks.back().rows() == rowsPerBlock) {
+        Block next;
+        if (!m_blocks.empty()) {
+            Block &full = m_blocks.back();
+            zqShrink(full.bytes);
+            zqShrink(full.offsets);
+            next.bytes.reserve(full.bytes.size() + full.bytes.size() / 16);
+            next.offsets.reserve(rowsPerBlock + 1);
+        }
+        next.offsets.push_back(0);
+        m_blocks.push_back(std::move(next));
+    }
+    return m_blocks.back();
+}
+
 void ZQTextBlocks::append(Text text)
 {
     const size_t row = rowCount();
-    if (row % rowsPerBlock == 0) {
-        m_blocks.emplace_back().offsets.push_back(0);
-    }
+    Block &block = blockForNext();
     m_nulls.resize(row + 1);
     m_nulls.set(row, !text);
-    Block &block = m_blocks.back();
     block.bytes.append(text.value_or(std::string_view()));
     block.bytes.push_back(separator);
     block.offsets.push_back(quint32(block.bytes.size()));
 }
 
-void ZQTextBlocks::appendAll(ZQTextBlocks &&other)
+void ZQTextBlocks::appendAll(const ZQTextBlocks &other)
 {
     const size_t before = rowCount();
-    Q_ASSERT(before % rowsPerBlock == 0);
     m_nulls.resize(before + other.rowCount());
     other.m_nulls.forEach([&](size_t row) { m_nulls.insert(before + row); });
-    m_blocks.insert(m_blocks.end(), std::make_move_iterator(other.m_blocks.begin()),
-                    std::make_move_iterator(other.m_blocks.end()));
-    other = {};
+    for (const Block &block : other.m_blocks) {
+        for (size_t row = 0; row < block.rows();) { // as many at once as the last block has room for
+            Block &last = blockForNext();
+            const size_t end = std::min(block.rows(), row + rowsPerBlock - last.rows());
+            const size_t start = last.bytes.size();
+            const quint32 from = block.offsets[row];
+            last.bytes.append(block.bytes, from, block.offsets[end] - from);
+            for (; row < end; ++row) {
+                last.offsets.push_back(quint32(start + block.offsets[row + 1] - from));
+            }
+        }
+    }
 }
 
 void ZQTextBlocks::replace(const QHash<quint32, std::optional<std::string>> &texts)
@@ -65,9 +89,9 @@ void ZQTextBlocks::replace(const QHash<quint32, std::optional<std::string>> &tex
 
 void ZQTextBlocks::shrink()
 {
-    for (Block &block : m_blocks) {
-        block.bytes.shrink_to_fit();
-        block.offsets.shrink_to_fit();
+    if (!m_blocks.empty()) {
+        m_blocks.back().bytes.shrink_to_fit();
+        m_blocks.back().offsets.shrink_to_fit();
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Foundation/ZQPages.h"
 #include "Kit/Persistence/ZQRowSet.h"
 
 #include <QHash>
@@ -21,8 +22,8 @@ public:
 
     struct Block
     {
-        std::string bytes;
-        std::vector<quint32> offsets; // one more than rows; the last is where the bytes end
+        ZQPagedString bytes;
+        ZQPagedVector<quint32> offsets; // one more than rows; the last is where the bytes end
 
         size_t rows() const { return offsets.size() - 1; }
         std::string_view text(size_t row) const
@@ -43,12 +44,14 @@ public:
 
     using Text = std::optional<std::string_view>; // nothing: the row has none
     void append(Text text);
-    void appendAll(ZQTextBlocks &&other); // must follow a number of rows that fills the last block
+    void appendAll(const ZQTextBlocks &other);
     void replace(const QHash<quint32, std::optional<std::string>> &texts);
-    void shrink(); // gives back memory kept for growing
+    void shrink(); // gives back memory kept for growing, which only the last block has
     size_t bytes() const;
 
 private:
+    Block &blockForNext();
+
     std::vector<Block> m_blocks;
     ZQRowSet m_nulls;
 };

@@ -76,3 +76,26 @@ TEST(IndexTags, KnowWhereTheTagsEnd)
     ASSERT_EQ(tags.tagsOf(0).size(), 1U);
     EXPECT_EQ(tags.tagsOf(0)[0], 0U);
 }
+
+TEST(IndexKeys, AreFoundAmongGapsAndOutOfOrder)
+{
+    IndexKeys keys;
+    EXPECT_FALSE(keys.rowOf(1));
+    IndexKeys more;
+    for (const qint64 key : {1000, 1001, 3, 1002}) {
+        more.append(key);
+    }
+    const std::vector<qint64> all = {5, 6, 9, 20, 21, 22, 900, 1000, 1001, 3, 1002};
+    for (size_t i = 0; i < 7; ++i) {
+        keys.append(all[i]);
+    }
+    keys.appendAll(more);
+    for (size_t row = 0; row < all.size(); ++row) {
+        EXPECT_EQ(keys.rowOf(all[row]), std::optional(quint32(row))) << all[row];
+    }
+    for (const qint64 key : {-7, 0, 4, 7, 8, 10, 19, 23, 899, 901, 1003, 100000}) {
+        EXPECT_FALSE(keys.rowOf(key)) << key;
+    }
+    EXPECT_FALSE(keys.rowOf(std::numeric_limits<qint64>::max()));
+    EXPECT_FALSE(keys.rowOf(std::numeric_limits<qint64>::min()));
+}

@@ -300,3 +300,25 @@ TEST(ZQColumns, ASearchOfTextsEndsWhereItIsCancelled)
         EXPECT_EQ(found.isEmpty(), isCancelled);
     }
 }
+
+TEST(ZQColumns, TextsThatAreJoinedInTheMiddleOfABlockStayWhatTheyAre)
+{
+    constexpr size_t first = ZQTextBlocks::rowsPerBlock + 5;
+    constexpr size_t count = first + 2 * ZQTextBlocks::rowsPerBlock + 9;
+    ZQTextBlocks texts;
+    ZQTextBlocks more;
+    for (size_t row = 0; row < count; ++row) {
+        (row < first ? texts : more).append(row % 3 ? ZQTextBlocks::Text("row " + std::to_string(row)) : std::nullopt);
+    }
+    texts.appendAll(more);
+    ASSERT_EQ(texts.rowCount(), count);
+    for (size_t row = 0; row < count; ++row) {
+        ASSERT_EQ(texts.isNull(row), row % 3 == 0) << row;
+        ASSERT_EQ(texts.text(row), row % 3 ? "row " + std::to_string(row) : std::string()) << row;
+    }
+    ZQRowSet found(count);
+    ASSERT_TRUE(zqMarkTextsWith("row " + std::to_string(first + 1), texts, ZQRowSet(count, true), found));
+    EXPECT_EQ(found.count(), (first + 1) % 3 ? 1U : 0U);
+    texts.append(std::string_view("last"));
+    EXPECT_EQ(texts.text(count), "last");
+}
