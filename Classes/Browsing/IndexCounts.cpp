@@ -1,20 +1,12 @@
 #include "Classes/Browsing/IndexCounts.h"
 
 #include "Classes/Browsing/IndexNames.h"
-#include "Kit/Persistence/ZQCollator.h"
-
-#include <QDateTime>
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
 #include <limits>
 #include <map>
-#include <numeric>
-
-namespace {
-
-} // namespace
 
 std::vector<quint8> IndexCounts::vectorExtensions() const
 {
@@ -171,37 +163,37 @@ std::vector<qint64> IndexCounts::importedBetween(const std::vector<qint64> &boun
 
 QStringList IndexCounts::repeatedDigests(const ZQRowSet &rows) const
 {
-    struct Start
-    {
-        quint64 bytes;
-        quint32 row;
-    };
     const ZQDigests &digests = m_columns.items.digests;
-    // First parted by what a digest begins with, so that what is sorted then are a few that lie together.
-    constexpr size_t parts = 65536;
-    std::vector<size_t> ends(parts, 0);
-    const auto partOf = [&](size_t row) { return size_t(digests.digests()[row][0]) << 8 | digests.digests()[row][1]; };
-    rows.forEach([&](size_t row) { ends[partOf(row)] += digests.isNull(row) ? 0 : 1; });
-    std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), size_t(0));
-    std::vector<Start> starts(rows.count());
+    // Two digests that are the same begin with the same bits. So many beginnings are told apart that few others do, and
+    // what is left to compare is little.
+    constexpr size_t placesForEach = 16;
+    const size_t places = std::bit_ceil(std::clamp<size_t>(rows.count() * placesForEach, 1 << 10, size_t(1) << 28));
+    std::vector<quint64> seen(places / 64);
+    std::vector<quint64> seenAgain(places / 64);
+    const auto placeOf = [&](size_t row) {
+        quint32 beginning = 0;
+        std::memcpy(&beginning, digests.digests()[row].data(), sizeof beginning);
+        return beginning & (places - 1);
+    };
     rows.forEach([&](size_t row) {
-        if (!digests.isNull(row)) {
-            Start &start = starts[ends[partOf(row)]++];
-            start.row = quint32(row);
-            std::memcpy(&start.bytes, digests.digests()[row].data() + 2, sizeof start.bytes);
+        const size_t place = placeOf(row);
+        const quint64 bit = digests.isNull(row) ? 0 : quint64(1) << place % 64;
+        seenAgain[place / 64] |= seen[place / 64] & bit;
+        seen[place / 64] |= bit;
+    });
+    std::vector<quint32> candidates;
+    rows.forEach([&](size_t row) {
+        const size_t place = placeOf(row);
+        if (seenAgain[place / 64] >> place % 64 & 1 && !digests.isNull(row)) {
+            candidates.push_back(quint32(row));
         }
     });
+    std::sort(candidates.begin(), candidates.end(), [&](quint32 a, quint32 b) { return digests.compare(a, b) < 0; });
     QStringList repeated;
-    const auto isBefore = [&](const Start &a, const Start &b) {
-        return a.bytes != b.bytes ? a.bytes < b.bytes : digests.compare(a.row, b.row) < 0;
-    };
-    for (size_t part = 0, first = 0; part < parts; first = ends[part++]) {
-        std::sort(starts.begin() + qsizetype(first), starts.begin() + qsizetype(ends[part]), isBefore);
-        for (size_t i = first + 1; i < ends[part]; ++i) {
-            const auto isSame = [&](size_t a, size_t b) { return digests.compare(starts[a].row, starts[b].row) == 0; };
-            if (starts[i].bytes == starts[i - 1].bytes && isSame(i - 1, i) && (i == first + 1 || !isSame(i - 2, i))) {
-                repeated.append(digests.string(starts[i].row));
-            }
+    const auto isSame = [&](size_t a, size_t b) { return digests.compare(candidates[a], candidates[b]) == 0; };
+    for (size_t i = 1; i < candidates.size(); ++i) {
+        if (isSame(i - 1, i) && (i == 1 || !isSame(i - 2, i))) {
+            repeated.append(digests.string(candidates[i]));
         }
     }
     repeated.removeAll(QStringLiteral("0"));

@@ -16,7 +16,18 @@ std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading
                                                      const QList<ZQFetchRequest> &requests)
 {
     ZQRowSet all(reading.rowCount());
-    for (const ZQFetchRequest &request : requests) {
+    for (ZQFetchRequest request : requests) {
+        if (zqListRowsOfEntity(request.entityName) == ZQListRows::LibraryItems && request.fetchLimit == 0) {
+            const auto found = reading.matching(request.predicate, ZQListRows::LibraryItems, reading.items());
+            if (!found) {
+                return std::nullopt;
+            }
+            all |= *found;
+            continue;
+        }
+        if (request.fetchLimit == 0) {
+            request.sortDescriptors.clear(); // in any order
+        }
         const auto found = reading.rows(request);
         if (!found) {
             return std::nullopt;
