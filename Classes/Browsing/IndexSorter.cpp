@@ -103,7 +103,7 @@ std::vector<quint32> sharedPlaces(const std::vector<T> &values, quint32 from, Co
 class ExtensionKey : public IndexSorter::Key
 {
 public:
-    ExtensionKey(const std::vector<quint32> &extensions, std::vector<quint32> places)
+    ExtensionKey(const ZQPagedVector<quint32> &extensions, std::vector<quint32> places)
         : m_extensions(extensions), m_places(std::move(places))
     {
     }
@@ -202,7 +202,7 @@ public:
         : m_tags(columns.tags), m_places(std::move(places)), m_first(first)
     {
     }
-    void fill(const std::vector<quint32> &rows, std::vector<quint64> &numbers) const override
+    void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
     {
         std::transform(rows.begin(), rows.end(), numbers.begin(), [this](quint32 row) { return number(row); });
     }

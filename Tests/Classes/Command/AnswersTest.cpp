@@ -384,6 +384,7 @@ TEST_F(AnswersTest, PreferencesAreValuesOfTheirType)
         {"Mine", "{\"a\":true}", "{\"a\":true}"},
         {"Mine", "1,2", "1,2"},
     };
+    EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n") << "the default";
     for (const Case &each : cases) {
         int flushes = 0;
         int status = 0;
@@ -424,6 +425,7 @@ TEST_F(AnswersTest, PreferencesAreValuesOfTheirType)
         EXPECT_GT(flushes, 0) << key;
         EXPECT_FALSE(defaults.isSet(QLatin1String(key)));
     }
+    EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n") << "the default again";
     EXPECT_EQ(run("defaults delete Mine"), 2);
     EXPECT_EQ(errors(), QStringLiteral("zelto: the preference “Mine” is not set\n"));
     EXPECT_EQ(run("defaults read Mine"), 2);

@@ -162,16 +162,6 @@ TEST_F(CommandTest, WhatCannotBeUnderstoodChangesNothingAndSaysWhy)
     EXPECT_EQ((run("items --json"), array().size()), 0);
 }
 
-TEST_F(CommandTest, PreferencesAreReadOverTheirDefaults)
-{
-    EXPECT_EQ(run("defaults read UseDarkUI"), 0);
-    EXPECT_EQ(context.output, "true\n");
-    EXPECT_EQ(run("defaults write UseDarkUI false"), 0);
-    EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "false\n");
-    EXPECT_EQ(run("defaults delete UseDarkUI"), 0);
-    EXPECT_EQ((run("defaults read UseDarkUI"), context.output), "true\n");
-}
-
 TEST_F(CommandTest, PreferencesThatCannotBeWrittenAreAFailure)
 {
     ASSERT_EQ(run("defaults write UseDarkUI false"), 0);

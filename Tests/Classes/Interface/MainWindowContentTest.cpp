@@ -218,7 +218,7 @@ TEST_F(MainWindowTest, WhatTheStoreBringsIsShown)
 TEST_F(MainWindowTest, WhatOtherProgramsWroteIsReadForWhatIsSelectedAndWhenTheWindowComesToTheFront)
 {
     const auto writeBeside = [this](const QString &title) {
-        const ZQError error = OpenMeta::setUserTags({QStringLiteral("theirs")}, image(title)->findItemURL());
+        const ZQError error = OpenMeta::setUserTags(QStringList{QStringLiteral("theirs")}, image(title)->findItemURL());
         EXPECT_TRUE(error.isNull()) << error.localizedDescription().toStdString();
     };
     const auto hasTheirs = [this](const QString &title) {
