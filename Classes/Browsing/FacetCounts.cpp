@@ -287,7 +287,7 @@ QList<FacetValue> FacetCounts::colors(const LibraryIndex::Reading &reading)
 {
     std::map<int, qint64> counts;
     for (const IndexCount &each : reading.counts(IndexFacet::MainColor, rowsFor(FacetKind::Color, reading), {})) {
-        counts[each.value.isValid() ? each.value.toInt() : 0] = each.count;
+        counts[each.value.isValid() ? each.value.toInt() : 0] += each.count;
     }
     QList<FacetValue> values;
     for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {

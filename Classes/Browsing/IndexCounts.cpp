@@ -114,6 +114,8 @@ std::vector<IndexCount> IndexCounts::counts(IndexFacet facet, const ZQRowSet &ro
         return IndexNames(m_columns).tags(rows);
     case IndexFacet::LiveFolderName:
         return IndexNames(m_columns).folders(rows);
+    case IndexFacet::ProjectName:
+        return IndexNames(m_columns).projects(rows);
     case IndexFacet::MainColor:
         return countedNumbers(rows, items.mainColor);
     case IndexFacet::Rating:

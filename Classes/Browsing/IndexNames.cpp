@@ -131,3 +131,40 @@ std::vector<IndexCount> IndexNames::folders(const ZQRowSet &rows) const
     }
     return countsOf(named);
 }
+
+std::vector<IndexCount> IndexNames::projects(const ZQRowSet &rows) const
+{
+    // The titles as one text, so that those that contain another are found by one look through it.
+    const QChar between(0xffff);
+    QString titles(between);
+    std::vector<quint32> numbers;
+    std::vector<qsizetype> ends;
+    std::map<QString, Named> named;
+    for (quint32 number = 1; number < m_columns.memberships.projectCount(); ++number) {
+        const QString title = textOf(m_columns.sidebar.attribute(number, "title"));
+        if (!m_columns.memberships.ofProject(number).empty() && !title.isEmpty()) {
+            titles += folded(title) + between;
+            numbers.push_back(number);
+            ends.push_back(titles.size());
+            named[folded(title)].shown = title;
+        }
+    }
+    for (auto &[name, each] : named) {
+        std::vector<size_t> holding;
+        for (qsizetype at = titles.indexOf(name); at >= 0; at = titles.indexOf(name, ends[holding.back()] - 1)) {
+            holding.push_back(size_t(std::upper_bound(ends.begin(), ends.end(), at) - ends.begin()));
+        }
+        ZQRowSet several(holding.size() > 1 ? rows.rowCount() : 0);
+        for (const size_t project : holding) {
+            for (const quint32 membership : m_columns.memberships.ofProject(numbers[project])) {
+                const quint32 row = m_columns.memberships.item(membership);
+                const bool counts = rows.contains(row) && (holding.size() == 1 || !several.contains(row));
+                each.count += counts;
+                if (counts && holding.size() > 1) {
+                    several.insert(row);
+                }
+            }
+        }
+    }
+    return countsOf(named);
+}

@@ -15,6 +15,8 @@ public:
     std::vector<IndexCount> tags(const ZQRowSet &rows) const;
     // By the name of a live folder: rows in folders whose name contains it, and in those below them.
     std::vector<IndexCount> folders(const ZQRowSet &rows) const;
+    // By the title of a project: rows in projects whose title contains it, each once.
+    std::vector<IndexCount> projects(const ZQRowSet &rows) const;
 
 private:
     QStringList foldedPath(quint32 folder) const; // its name, and those above it

@@ -29,6 +29,7 @@ enum class IndexFacet {
     ExtensionName,
     TagName,
     LiveFolderName,
+    ProjectName,
 };
 
 struct IndexCount

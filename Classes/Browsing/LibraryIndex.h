@@ -14,7 +14,7 @@
 #include <optional>
 #include <vector>
 
-// What is searched, sorted and grouped of all items of a library, as columns in memory: under 300 bytes an item.
+// What is searched, sorted and counted of all items of a library, as columns in memory: under 300 bytes an item.
 //
 // Built by one pass over the store on threads of its own, and kept by reading again, on its own thread, the rows that
 // saves announce. It is never a second truth: it answers what the saved store would answer, a moment later, and says

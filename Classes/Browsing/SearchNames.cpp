@@ -32,9 +32,9 @@ struct Source
     bool isOfSidebar; // its names are titles of sidebar items, those of no items too
 };
 constexpr Source sources[] = {
-    {SearchField::Tag, IndexFacet::Tag, true},
-    {SearchField::Project, IndexFacet::Project, true},
-    {SearchField::Folder, IndexFacet::LiveFolder, true},
+    {SearchField::Tag, IndexFacet::TagName, true},
+    {SearchField::Project, IndexFacet::ProjectName, true},
+    {SearchField::Folder, IndexFacet::LiveFolderName, true},
     {SearchField::Kind, IndexFacet::ExtensionName, false},
     {SearchField::Extension, IndexFacet::ExtensionName, false},
 };
@@ -74,15 +74,15 @@ std::optional<std::map<QString, Named>> titles(const Source &source, ZQManagedOb
     if (!items) {
         return std::nullopt;
     }
-    QHash<ZQObjectID, qint64> counts;
-    for (const IndexCount &count : countsOf(source.facet, index)) {
-        counts.insert(count.value.value<ZQObjectID>(), count.count);
-    }
     std::map<QString, Named> names;
     for (const auto &item : *items) {
-        Named &each = names[folded(item->title())];
-        each.name = item->title();
-        each.count += counts.value(item->objectID());
+        names[folded(item->title())].name = item->title();
+    }
+    for (const IndexCount &count : countsOf(source.facet, index)) { // what a search for the name finds
+        const auto name = names.find(folded(count.value.toString()));
+        if (name != names.end()) {
+            name->second.count = count.count;
+        }
     }
     return names;
 }

@@ -323,7 +323,7 @@ QModelIndex SidebarTreeView::moveCursor(CursorAction action, Qt::KeyboardModifie
     const QModelIndex next = QTreeView::moveCursor(action, modifiers);
     const bool isStep = action == MoveUp || action == MoveDown || action == MovePrevious || action == MoveNext;
     if (!next.isValid() || !isLabel(next) ||
-        (isSection(next) && (action == MoveLeft || (isStep && !isExpanded(next))))) {
+        (isSection(next) && (action == MoveLeft || action == MoveRight || (isStep && !isExpanded(next))))) {
         return next.isValid() ? next : currentIndex();
     }
     const bool isUp = action == MoveUp || action == MovePrevious || action == MoveHome || action == MovePageUp;

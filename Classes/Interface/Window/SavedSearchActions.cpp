@@ -71,7 +71,7 @@ bool SavedSearchActions::canSave() const
 
 bool SavedSearchActions::canUpdate() const
 {
-    return canSave() && shownSmartFolder();
+    return canSave() && shownSmartFolder() && savedText().size() <= SearchManager::longestText;
 }
 
 QString SavedSearchActions::wholeText() const

@@ -295,10 +295,11 @@ TEST(ZQStoreDamage, AReplacementThatCannotBeMadeLeavesTheDamagedStore)
 TEST(ZQStoreDamage, AProcessKilledWhileRecoveringLeavesOneOfTheTwoStoresWhole)
 {
     constexpr int rounds = 12;
+    constexpr int most = 120; // on a busy machine many come too early or too late
     constexpr int enough = rounds / 4;
     std::chrono::microseconds whole{0}; // what a recovery takes here; the kills are spread over it
     int interrupted = 0;
-    for (int round = 0; round <= rounds; ++round) {
+    for (int round = 0; round <= rounds || (interrupted < enough && round <= most); ++round) {
         TestStore store;
         fillTestTags(store, 600);
         store.close();
@@ -310,13 +311,15 @@ TEST(ZQStoreDamage, AProcessKilledWhileRecoveringLeavesOneOfTheTwoStoresWhole)
             _exit(0);
         }
         if (round > 0) {
-            std::this_thread::sleep_for(whole * (round - 1) / rounds);
+            std::this_thread::sleep_for(whole * ((round - 1) % rounds) / rounds);
             kill(child, SIGKILL);
         }
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
-        if (round == 0) {
-            whole = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+        const auto took =
+            std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+        if (round == 0 || (WIFEXITED(status) && took < whole)) {
+            whole = took;
         }
         const bool hasBegun = filesOf(store).size() > 1;
         interrupted += WIFSIGNALED(status) && hasBegun ? 1 : 0;
