@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <limits>
 #include <map>
 
@@ -166,17 +165,13 @@ std::vector<qint64> IndexCounts::importedBetween(const std::vector<qint64> &boun
 QStringList IndexCounts::repeatedDigests(const ZQRowSet &rows) const
 {
     const ZQDigests &digests = m_columns.items.digests;
-    // Two digests that are the same begin with the same bits. So many beginnings are told apart that few others do, and
-    // what is left to compare is little.
+    // Two digests that are the same have the same hash. So many hashes are told apart that few others do, and what is
+    // left to compare is little.
     constexpr size_t placesForEach = 16;
     const size_t places = std::bit_ceil(std::clamp<size_t>(rows.count() * placesForEach, 1 << 10, size_t(1) << 28));
     std::vector<quint64> seen(places / 64);
     std::vector<quint64> seenAgain(places / 64);
-    const auto placeOf = [&](size_t row) {
-        quint32 beginning = 0;
-        std::memcpy(&beginning, digests.digests()[row].data(), sizeof beginning);
-        return beginning & (places - 1);
-    };
+    const auto placeOf = [&](size_t row) { return ZQDigests::hashOf(digests.digests()[row]) >> 32 & (places - 1); };
     rows.forEach([&](size_t row) {
         const size_t place = placeOf(row);
         const quint64 bit = digests.isNull(row) ? 0 : quint64(1) << place % 64;

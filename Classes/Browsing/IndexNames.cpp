@@ -142,11 +142,12 @@ std::vector<IndexCount> IndexNames::projects(const ZQRowSet &rows) const
     std::map<QString, Named> named;
     for (quint32 number = 1; number < m_columns.memberships.projectCount(); ++number) {
         const QString title = textOf(m_columns.sidebar.attribute(number, "title"));
-        if (!m_columns.memberships.ofProject(number).empty() && !title.isEmpty()) {
-            titles += folded(title) + between;
+        const QString key = folded(title).remove(between);
+        if (!m_columns.memberships.ofProject(number).empty() && !key.isEmpty()) { // accents alone leave nothing
+            titles += key + between;
             numbers.push_back(number);
             ends.push_back(titles.size());
-            named[folded(title)].shown = title;
+            named[key].shown = title;
         }
     }
     for (auto &[name, each] : named) {

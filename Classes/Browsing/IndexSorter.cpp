@@ -195,7 +195,7 @@ private:
 class TagKey : public IndexSorter::Key
 {
 public:
-    static constexpr int tagsInOne = 3;
+    static constexpr int tagsInOne = 4;
     static_assert(ListOrder::tagsCompared % tagsInOne == 0);
 
     TagKey(const LibraryColumns &columns, std::shared_ptr<const TagPlaces> places, int first)
@@ -217,7 +217,7 @@ public:
 private:
     quint64 number(quint32 row) const
     {
-        const int bits = std::min(m_places->bits(), 64 / tagsInOne);
+        const int bits = std::min(m_places->bits(), 63 / tagsInOne);
         quint32 lowest[ListOrder::tagsCompared]; // in their order
         int count = 0;
         for (const quint32 tag : m_tags.tagsOf(row)) {

@@ -19,7 +19,7 @@ constexpr auto localized = ZQSortDescriptor::Comparison::LocalizedStandard;
 bool isOfItems(const ZQSortDescriptor &descriptor)
 {
     const QString key = zqItemKey(descriptor.keyPath);
-    return key == ListOrder::kindKey || key == ListOrder::tagsKey || key == ListOrder::bytesKey;
+    return key == ListOrder::kindKey || key == ListOrder::tagsKey;
 }
 
 struct Value
@@ -27,7 +27,6 @@ struct Value
     QVariantList leading; // of the descriptors before
     QString kind;
     QStringList tags;
-    qint64 bytes = 0;
 };
 
 int compare(const Value &a, const Value &b)
@@ -55,9 +54,7 @@ int compare(const Value &a, const Value &b, const QList<ZQSortDescriptor> &leadi
         }
     }
     const int byTags = compare(a, b);
-    const int order = byTags != 0          ? byTags
-                      : a.bytes != b.bytes ? (a.bytes < b.bytes ? -1 : 1)
-                                           : QString::compare(a.kind, b.kind);
+    const int order = byTags != 0 ? byTags : QString::compare(a.kind, b.kind);
     return own.ascending ? order : -order;
 }
 
@@ -70,10 +67,8 @@ Value valueOf(const ZQLibraryBaseItem &item, const QList<ZQSortDescriptor> &lead
     }
     if (key == ListOrder::kindKey) {
         value.kind = item.extension().toLower();
-    } else if (key == ListOrder::tagsKey) {
-        value.tags = SelectionSummary::userTagsOf(item);
     } else {
-        value.bytes = item.byteSize();
+        value.tags = SelectionSummary::userTagsOf(item);
     }
     return value;
 }
@@ -107,7 +102,7 @@ std::optional<std::vector<Value>> valuesOf(const QList<ZQObjectID> &items, ZQMan
 bool ListOrder::isKnown(int value)
 {
     return (value >= int(ZQSortValue::Manual) && value <= int(ZQSortValue::CreationDate)) ||
-           (value >= int(byKind) && value <= int(byBytes));
+           (value >= int(byKind) && value <= int(byTags));
 }
 
 QList<ZQSortDescriptor> ListOrder::descriptors(ZQSortValue value, bool isAscending, ZQListRows rows)
@@ -122,8 +117,6 @@ QList<ZQSortDescriptor> ListOrder::descriptors(ZQSortValue value, bool isAscendi
                 {path(QStringLiteral("import_date")), isAscending, standard}};
     case int(byTags):
         return {{path(tagsKey), isAscending, standard}, byTitle};
-    case int(byBytes):
-        return {{path(bytesKey), isAscending, standard}, byTitle};
     default:
         return ZQSidebarBaseItem::sortDescriptorsForSortValue(value, isAscending, rows);
     }

@@ -8,14 +8,14 @@
 
 // The orders of a list: those of ZQSortValue, and those by which a column of a list can be ordered besides. What the
 // store has no column for, or none in that order, has a sort key of its own: the index has columns for it, and where
-// the store must answer, the items themselves are looked at. Both give the same order.
+// the store must answer, the items themselves are looked at. Both give the same order. How many bytes a file has is
+// known to its disk alone, which would have to be asked for all of them: nothing is ordered by that.
 namespace ListOrder {
 
 // The numbers are those of the store and of the open tabs' file.
-inline constexpr auto byKind = ZQSortValue(101); // extensions, upper and lower case alike
-inline constexpr auto byRating = ZQSortValue(102);
-inline constexpr auto byTags = ZQSortValue(103);  // a person's, by the titles that are shown first; none come last
-inline constexpr auto byBytes = ZQSortValue(104); // of the files, a missing one has none
+inline constexpr auto byKind = ZQSortValue::ListKind; // extensions, upper and lower case alike
+inline constexpr auto byRating = ZQSortValue::ListRating;
+inline constexpr auto byTags = ZQSortValue::ListTags; // a person's, by the titles that are shown first; none come last
 
 bool isKnown(int value); // the number of an order
 
@@ -24,10 +24,9 @@ QList<ZQSortDescriptor> descriptors(ZQSortValue value, bool isAscending, ZQListR
 
 inline const QString kindKey = QStringLiteral("lowercaseExtension");
 inline const QString tagsKey = QStringLiteral("tagTitles");
-inline const QString bytesKey = QStringLiteral("byteSize");
 
 // Titles are compared by their letters, upper and lower case alike, and so many of an item.
-inline constexpr int tagsCompared = 6;
+inline constexpr int tagsCompared = 4;
 
 // Whether the store cannot order by them.
 bool needsItems(const QList<ZQSortDescriptor> &descriptors);

@@ -1,5 +1,6 @@
 #include "Classes/Browsing/TabState.h"
 
+#include "Classes/Browsing/SearchManager.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -120,8 +121,16 @@ QString TabState::generateTabTitleForItems(const QList<ZQObjectID> &items) const
 void TabState::setSearchString(const QString &text)
 {
     if (const QString before = filter(); m_searchString = text, filter() != before) {
+        m_filterPredicate = ZQPredicate();
         invalidateCache();
     }
+}
+
+ZQPredicate TabState::filterPredicate() const
+{
+    return m_filterPredicate.isNull() && !filter().isEmpty()
+               ? SearchManager::predicateForSearchString(filter(), {.rows = ZQListRows::LibraryItems})
+               : m_filterPredicate;
 }
 
 void TabState::setEditsSearch(bool edits)

@@ -54,11 +54,16 @@ public:
     QString filter() const { return m_searchString.trimmed(); }
     // While a person edits the text of the smart folder that is shown, the field has it and all of it.
     bool editsSearch() const { return m_editsSearch; }
+    const QHash<ZQObjectID, QString> &unsavedSearches() const { return m_unsavedSearches; }
+    void setUnsavedSearch(const ZQObjectID &smartFolder, const QString &text)
+    {
+        m_unsavedSearches.insert(smartFolder, text);
+    }
     void setEditsSearch(bool edits); // `goToSidebarItems` keeps what was edited, for when it comes back there
     // Whether what is shown is found by a saved search, so that any change may touch it.
     bool showsSavedSearch() const;
-    // Of rows of library items; null: all. What the search makes of the text.
-    const ZQPredicate &filterPredicate() const { return m_filterPredicate; }
+    // Of rows of library items; null: all. What the search makes of the text, unless it was set since.
+    ZQPredicate filterPredicate() const;
     void setFilterPredicate(const ZQPredicate &predicate) { m_filterPredicate = predicate; }
 
     // The tab's own values; what is unset is taken from the single element.

@@ -3,6 +3,7 @@
 #include "Classes/Browsing/ListOrder.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +20,9 @@ const QString directionKey = QStringLiteral("sortDirection");
 const QString zoomKey = QStringLiteral("zoom");
 const QString predicateKey = QStringLiteral("filterPredicate");
 const QString searchKey = QStringLiteral("searchString");
+const QString editsKey = QStringLiteral("editsSearch");
+const QString editedItemsKey = QStringLiteral("unsavedSearchItemIDStrings");
+const QString editedTextsKey = QStringLiteral("unsavedSearchStrings");
 const QString selectionKey = QStringLiteral("selectionIndexes");
 const QString styleKey = QStringLiteral("browserDisplayStyle");
 const QString listKey = QStringLiteral("browserShowsList");
@@ -31,6 +35,7 @@ const QString detailScrollKey = QStringLiteral("detailScroll");
 constexpr qsizetype mostItems = 1000; // of one tab; each is looked for
 constexpr double furthest = 1e15;     // a place on a screen
 constexpr qsizetype longestText = SearchManager::longestText;
+constexpr qsizetype mostUnsaved = 20;   // texts of smart folders
 constexpr qsizetype mostRanges = 20000; // of a selection; in more pieces it is not kept
 
 template <class T>
@@ -98,7 +103,7 @@ public:
     }
     std::optional<int> sortValue(const QString &key)
     {
-        const auto found = whole(key, int(ListOrder::byBytes));
+        const auto found = whole(key, int(ListOrder::byTags));
         m_areFine = m_areFine && (!found || ListOrder::isKnown(*found));
         return found && m_areFine ? found : std::nullopt;
     }
@@ -164,6 +169,17 @@ void saveWhatIsTemporary(TabState &tab, EditContext &edits)
     tab.view.detailItem = lasting(tab.view.detailItem, detail);
 }
 
+// Of smart folders that are still there.
+void restoreUnsaved(TabState &tab, const QStringList &uris, const QStringList &texts, EditContext &edits)
+{
+    for (qsizetype i = 0; i < std::min({uris.size(), texts.size(), mostUnsaved}); ++i) {
+        const auto item = zqCast<ZQSidebarSmartFolder>(edits.context.objectWithURIRepresentation(uris[i]));
+        if (item && item->active() && texts[i].size() <= longestText) {
+            tab.setUnsavedSearch(item->objectID(), texts[i]);
+        }
+    }
+}
+
 } // namespace
 
 ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edits, Kept kept)
@@ -176,7 +192,15 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
         items.append(id.URIRepresentation(store));
     }
     const TabViewState &view = tab.view;
-    const ZQPredicate &predicate = tab.filterPredicate();
+    const QString predicate = tab.filterPredicate().isNull() ? QString() : tab.filterPredicate().predicateFormat();
+    QStringList editedItems;
+    QStringList editedTexts;
+    for (auto each = tab.unsavedSearches().begin(); each != tab.unsavedSearches().end(); ++each) {
+        if (!each.key().isTemporary() && editedItems.size() < mostUnsaved) {
+            editedItems.append(each.key().URIRepresentation(store));
+            editedTexts.append(each.value());
+        }
+    }
     const auto textOrNothing = [](const QString &text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     const bool keepsSelection = kept == Kept::Everything && !view.selectionIndexes.isEmpty() &&
                                 view.selectionIndexes.ranges().size() <= mostRanges;
@@ -188,8 +212,11 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
              {sortKey, numberOf(tab.sortKeys())},
              {directionKey, numberOf(tab.sortDirection())},
              {zoomKey, valueOf(tab.zoom())},
-             {predicateKey, predicate.isNull() ? QVariant() : predicate.predicateFormat()},
+             {predicateKey, predicate.size() > longestText ? QVariant() : textOrNothing(predicate)},
              {searchKey, textOrNothing(tab.searchString())},
+             {editsKey, tab.editsSearch() ? QVariant(1) : QVariant()},
+             {editedItemsKey, editedItems.isEmpty() ? QVariant() : QVariant(editedItems)},
+             {editedTextsKey, editedTexts.isEmpty() ? QVariant() : QVariant(editedTexts)},
              {selectionKey, keepsSelection ? QVariant::fromValue(view.selectionIndexes) : QVariant()},
              {styleKey, numberOf(tab.browserDisplayStyle())},
              {listKey, numberOf(view.showsList)},
@@ -231,6 +258,10 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     }
     auto tab = std::make_shared<TabState>(edits, items);
     tab->setSearchString(fields.text(searchKey));
+    if (fields.flag(editsKey).value_or(false) && zqCast<ZQSidebarSmartFolder>(tab->singleSidebarElement())) {
+        tab->setEditsSearch(true);
+    }
+    restoreUnsaved(*tab, fields.texts(editedItemsKey), fields.texts(editedTextsKey), edits);
     if (const auto value = fields.sortValue(sortKey)) {
         tab->setSortKeys(ZQSortValue(*value));
     }

@@ -162,7 +162,8 @@ void TabState::evaluateCache(const ZQContextDidSave &change)
 
 QList<ContentGroup> TabState::filteredGroups() const
 {
-    if (!m_content || m_filterPredicate.isNull()) {
+    const ZQPredicate filtering = filterPredicate();
+    if (!m_content || filtering.isNull()) {
         return groups();
     }
     QVariantList items;
@@ -172,7 +173,7 @@ QList<ContentGroup> TabState::filteredGroups() const
     const auto matching = m_edits.context.fetchObjectIDs(
         {.entityName = ZQLibraryBaseItem::entityName(),
          .predicate = ZQPredicate::andPredicate(
-             {m_filterPredicate, ZQPredicate::predicateWithFormat(QStringLiteral("SELF IN %@"), {QVariant(items)})})});
+             {filtering, ZQPredicate::predicateWithFormat(QStringLiteral("SELF IN %@"), {QVariant(items)})})});
     const QSet<ZQObjectID> kept = matching ? QSet<ZQObjectID>(matching->begin(), matching->end()) : QSet<ZQObjectID>();
     QList<bool> matches;
     matches.reserve(m_content->rows.related.size());

@@ -5,6 +5,7 @@
 namespace {
 
 constexpr size_t leastLarge = size_t(64) << 10;
+constexpr size_t leastHuge = size_t(4) << 20; // from here on in pages of two megabytes, of which a few are quickly had
 
 } // namespace
 
@@ -16,6 +17,9 @@ void *zqTakeMemory(size_t bytes)
     void *memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
         throw std::bad_alloc();
+    }
+    if (bytes >= leastHuge) {
+        madvise(memory, bytes, MADV_HUGEPAGE); // where the system has none, small ones do
     }
     return memory;
 }

@@ -43,22 +43,17 @@ ZQScalar scalarOf(qint64 number, bool isDate)
     return isDate ? ZQScalar(ZQDateValue{number}) : ZQScalar(number);
 }
 
-// Digests to look for; the first two bytes say no for nearly all others.
+// Digests to look for; a few bits say no for nearly all others.
 struct WantedDigests
 {
     struct Hash
     {
-        size_t operator()(const ZQDigests::Digest &digest) const
-        {
-            size_t hash = 0;
-            std::memcpy(&hash, digest.data() + 2, sizeof hash);
-            return hash;
-        }
+        size_t operator()(const ZQDigests::Digest &digest) const { return ZQDigests::hashOf(digest); }
     };
     std::unordered_set<ZQDigests::Digest, Hash> digests;
     std::bitset<65536> starts;
 
-    static size_t start(const ZQDigests::Digest &digest) { return size_t(digest[0]) << 8 | digest[1]; }
+    static size_t start(const ZQDigests::Digest &digest) { return ZQDigests::hashOf(digest) >> 48; }
     void add(const ZQScalar &value)
     {
         const QString *text = std::get_if<QString>(&value);

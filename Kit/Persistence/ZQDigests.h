@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <array>
+#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -17,6 +18,19 @@ public:
     using Digest = std::array<quint8, 20>;
 
     static std::optional<Digest> digestOf(std::string_view text); // nothing for any other text
+    // Of all its bytes, evenly in all bits: not every digest in a library is one of a file.
+    static quint64 hashOf(const Digest &digest)
+    {
+        quint64 first = 0;
+        quint64 second = 0;
+        quint32 last = 0;
+        std::memcpy(&first, digest.data(), sizeof first);
+        std::memcpy(&second, digest.data() + sizeof first, sizeof second);
+        std::memcpy(&last, digest.data() + sizeof first + sizeof second, sizeof last);
+        constexpr quint64 odd = 0x9e3779b97f4a7c15; // 2⁶⁴ by the golden ratio
+        const quint64 mixed = (first ^ (second * odd) ^ (quint64(last) << 31)) * odd;
+        return (mixed ^ mixed >> 32) * odd;
+    }
 
     size_t rowCount() const { return m_digests.size(); }
     void append(std::optional<std::string_view> text);

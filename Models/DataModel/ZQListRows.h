@@ -12,6 +12,10 @@ enum class ZQSortValue {
     None = 5, // several sidebar items at once
     ModificationDate = 6,
     CreationDate = 7,
+    // Columns of a list besides; see ListOrder.
+    ListKind = 101,
+    ListRating = 102,
+    ListTags = 103,
 };
 
 // What the rows of a list are: library items, or the memberships through which a project holds them.

@@ -28,7 +28,6 @@ constexpr SortChoice sortChoices[] = {
     {ListOrder::byKind, "Kind"},
     {ListOrder::byRating, "Rating"},
     {ListOrder::byTags, "Tags"},
-    {ListOrder::byBytes, "Bytes"},
     {ZQSortValue::None, "Sidebar order"},
 };
 

@@ -20,7 +20,7 @@ struct Column
     int width;
     int minimumWidth;
     bool isShown;
-    ZQSortValue sort;
+    ZQSortValue sort; // None: it orders nothing
     bool isAscendingFirst; // when it is chosen: from A, or from 1; else the newest and the largest come first
     ZQListValue (*value)(const Item &item, const Read *read);
 };
@@ -36,7 +36,7 @@ constexpr Column columns[] = {
      [](const Item &item, const Read *) { return text(item.extension().toLower()); }},
     {"size", "Size", 100, 62, true, ZQSortValue::Size, false,
      [](const Item &item, const Read *) { return text(item.pixelSizeString()); }},
-    {"bytes", "Bytes", 70, 44, true, ListOrder::byBytes, false,
+    {"bytes", "Bytes", 70, 44, true, ZQSortValue::None, false,
      [](const Item &, const Read *read) {
          return text(!read              ? QString()
                      : read->bytes <= 0 ? zqLocalized("missing")
@@ -65,7 +65,7 @@ ZQViewColumns BrowserListColumns::all()
     QList<ZQViewColumn> result;
     for (const Column &column : columns) {
         result.append({QString::fromLatin1(column.identifier), zqLocalized(column.title), column.width,
-                       column.minimumWidth, true, column.isShown});
+                       column.minimumWidth, column.sort != ZQSortValue::None, column.isShown});
     }
     return ZQViewColumns(result);
 }
@@ -73,7 +73,7 @@ ZQViewColumns BrowserListColumns::all()
 std::optional<BrowserListColumns::Sort> BrowserListColumns::sortOf(const QString &identifier)
 {
     for (const Column &column : columns) {
-        if (identifier == QLatin1StringView(column.identifier)) {
+        if (identifier == QLatin1StringView(column.identifier) && column.sort != ZQSortValue::None) {
             return Sort{column.sort, column.isAscendingFirst};
         }
     }
@@ -83,7 +83,7 @@ std::optional<BrowserListColumns::Sort> BrowserListColumns::sortOf(const QString
 QString BrowserListColumns::columnOf(ZQSortValue value)
 {
     for (const Column &column : columns) {
-        if (column.sort == value) {
+        if (column.sort == value && value != ZQSortValue::None) {
             return QString::fromLatin1(column.identifier);
         }
     }

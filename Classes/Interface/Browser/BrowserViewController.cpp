@@ -235,14 +235,18 @@ void BrowserViewController::contentDidChange()
 {
     const QScopedValueRollback selecting(m_isSelecting, true);
     m_grid->reloadData();
+    const TabState &tab = m_content->tab();
+    const Order order{tab.sortKeysValue(), tab.sortDirectionValue(), tab.browserDisplayStyleValue()};
+    const bool isInOtherOrder = std::exchange(m_order, order) != order;
     if (m_restoresView) {
         restoreView();
     } else {
-        if (!std::exchange(m_keepsScroll, true)) {
+        if (!std::exchange(m_keepsScroll, true) || isInOtherOrder) { // what is first is not what was
             m_grid->setScrollOffset(0);
         }
         const bool selectsOther = selectWhatIsWanted(m_content->indexesOfRows(std::exchange(m_rowsToSelect, {})));
-        if (selectsOther || m_grid->selection().count() == 1) {
+        const bool follows = isInOtherOrder && !m_grid->selection().isEmpty();
+        if (selectsOther || follows || m_grid->selection().count() == 1) {
             m_grid->scrollToIndex(m_grid->selection().first());
         }
     }

@@ -121,6 +121,14 @@ private:
     qint64 m_indexToSelect = -1;       // when what was selected is gone
     bool m_isSelecting = false;        // by itself, and no person
     bool m_keepsScroll = false;
+    struct Order
+    {
+        ZQSortValue value = ZQSortValue::None;
+        bool isAscending = true;
+        BrowserDisplayStyle groups{};
+        bool operator==(const Order &) const = default;
+    };
+    Order m_order;                     // of what was shown last
     bool m_restoresView = false;       // what the tab says of its view is not shown yet
     bool m_scrollsWhenLaidOut = false; // the grid has no size yet
     bool m_isShowingOther = false;     // the zoom is the tab's, and not chosen

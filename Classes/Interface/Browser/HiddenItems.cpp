@@ -72,9 +72,11 @@ void HiddenItems::recount()
 
 void HiddenItems::count()
 {
-    m_ticket.run([this, query = withoutText(m_query), index = m_ticket.index()](
+    ContentQuery counted = withoutText(m_query);
+    counted.sortValue = ZQSortValue::ImportDate; // no order makes a difference; this one costs little
+    m_ticket.run([this, query = withoutText(m_query), counted, index = m_ticket.index()](
                      ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
-        const auto content = ContentBuilder(query, context, index.get()).content(isWanted);
+        const auto content = ContentBuilder(counted, context, index.get()).content(isWanted);
         if (!content || !content->error.isNull()) {
             return {};
         }

@@ -9,7 +9,10 @@
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QSignalBlocker>
+
+#include <utility>
 
 namespace {
 
@@ -74,10 +77,27 @@ bool SavedSearchActions::canUpdate() const
     return canSave() && shownSmartFolder() && savedText().size() <= SearchManager::longestText;
 }
 
+// Nothing where everything is searched, and for a title that means something else in a search.
+QString SavedSearchActions::placePart() const
+{
+    static const QRegularExpression special(QStringLiteral("[*?\"\\\\\\x00-\\x1f]"));
+    const auto item = m_browser.content().singleItem();
+    const bool isTag = item && item->isTag() && item->kind() == 0; // of a person
+    const bool isPlace = item && (isTag || item->isProject()) && !item->isSpecial();
+    if (!isPlace || item->title().isEmpty() || item->title().contains(special)) {
+        return {};
+    }
+    const SearchField field = isTag ? SearchField::Tag : SearchField::Project;
+    return SearchToken::ofField(field).name() + u' ' + SearchManager::quoted(item->title());
+}
+
 QString SavedSearchActions::wholeText() const
 {
     const QString text = m_browser.content().filter();
     const QString saved = savedText().trimmed();
+    if (const QString place = placePart(); !place.isEmpty()) {
+        return asPart(text) + u' ' + place;
+    }
     if (isEditing() || saved.isEmpty() || saved == text) {
         return text;
     }
@@ -86,8 +106,11 @@ QString SavedSearchActions::wholeText() const
 
 void SavedSearchActions::update()
 {
-    // Who goes elsewhere leaves the text that was edited behind, and finds it again there.
-    if (const QString text = m_browser.content().tab().searchString(); m_search.text() != text) {
+    // Who goes elsewhere leaves the text that was edited behind, and what could be undone in it, and finds it again
+    // there.
+    const TabState &tab = m_browser.content().tab();
+    const bool isElsewhere = std::exchange(m_place, tab.sidebarSelectedItems()) != tab.sidebarSelectedItems();
+    if (const QString text = tab.searchString(); isElsewhere || m_search.text() != text) {
         const QSignalBlocker blocker(&m_search);
         m_search.setText(text);
     }
@@ -107,7 +130,7 @@ void SavedSearchActions::update()
 void SavedSearchActions::endEditing()
 {
     m_browser.content().setEditsSearch(false);
-    m_search.clear();
+    m_search.setText(QString()); // not to be undone there: what comes of it is undone as a change of the library
     update();
 }
 

@@ -37,12 +37,14 @@ private:
     bool isEditing() const;                            // its text
     bool canSave() const;
     bool canUpdate() const;    // not of a text that the field had to cut
+    QString placePart() const; // a text that finds what is in the project or tag that is shown
     QString wholeText() const; // a text that finds what is shown, in the whole library
 
     SidebarCommands m_commands;
     BrowserViewController &m_browser;
     ProjectsSidebarViewController &m_sidebar;
     QLineEdit &m_search;
+    QList<ZQObjectID> m_place; // that was shown last
     bool m_couldSave = false;
     bool m_couldUpdate = false;
     bool m_couldEdit = false;

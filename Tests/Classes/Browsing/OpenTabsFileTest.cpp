@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/ListOrder.h"
 #include "Kit/Files/ZQKeyedArchive.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
 #include <QDateTime>
@@ -26,7 +27,7 @@ protected:
         auto full = std::make_shared<TabState>(editing, QList<ZQObjectID>{a->objectID(), b->objectID()});
         full->setSearchString(QStringLiteral("wörds"));
         full->setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("title CONTAINS[cd] \"x\"")));
-        full->setSortKeys(ListOrder::byBytes);
+        full->setSortKeys(ListOrder::byTags);
         full->setSortDirection(false);
         full->setZoom(0.445);
         full->setBrowserDisplayStyle(BrowserDisplayStyle::BySize);
@@ -82,6 +83,32 @@ protected:
 
 } // namespace
 
+TEST_F(OpenTabsFileTest, TextsOfSmartFoldersThatAreBeingEditedAreKept)
+{
+    const auto smart = zqCast<ZQSidebarSmartFolder>(add<ZQSidebarSmartFolder>(QStringLiteral("S"), a->father()));
+    smart->setSearchText(QStringLiteral("twice"));
+    const auto again = [this](const std::shared_ptr<TabState> &tab) {
+        EXPECT_TRUE(OpenTabsFile(path).write({{tab}, 0}, editing));
+        const auto back = OpenTabsFile(path).read(editing);
+        return back ? back->tabs.first() : std::make_shared<TabState>(editing, QList<ZQObjectID>());
+    };
+    auto tab = std::make_shared<TabState>(editing, QList<ZQObjectID>{smart->objectID()});
+    tab->setSearchString(QStringLiteral("narrower"));
+    EXPECT_FALSE(again(tab)->editsSearch());
+    tab->setEditsSearch(true);
+    tab->setSearchString(QStringLiteral("trefoil"));
+    tab = again(tab);
+    EXPECT_TRUE(tab->editsSearch());
+    EXPECT_EQ(tab->searchString(), QStringLiteral("trefoil"));
+    EXPECT_FALSE(tab->filterPredicate().isNull()) << "what the text asks for";
+    tab->goToSidebarItems({a->objectID()});
+    EXPECT_EQ(tab->searchString(), QString());
+    tab = again(tab);
+    tab->goToSidebarItems({smart->objectID()});
+    EXPECT_TRUE(tab->editsSearch());
+    EXPECT_EQ(tab->searchString(), QStringLiteral("trefoil"));
+}
+
 TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
 {
     const QByteArray data = written();
@@ -94,11 +121,12 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
             .value<Object>()
             .fields;
     };
-    EXPECT_EQ(fields(0).keys().join(u' ').toStdString(),
-              "browserDisplayStyle browserShowsList detailObjectIDString detailScroll detailZoom exportPanelOpen "
-              "filterPredicate "
-              "infoPanelHeight infoPanelOpen scroll searchString selectionIndexes sidebarSelectedItemIDStrings "
-              "sortDirection sortKeys tabName zoom");
+    EXPECT_EQ(
+        fields(0).keys().join(u' ').toStdString(),
+        "browserDisplayStyle browserShowsList detailObjectIDString detailScroll detailZoom editsSearch exportPanelOpen "
+        "filterPredicate "
+        "infoPanelHeight infoPanelOpen scroll searchString selectionIndexes sidebarSelectedItemIDStrings "
+        "sortDirection sortKeys tabName unsavedSearchItemIDStrings unsavedSearchStrings zoom");
     EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), QStringLiteral("title CONTAINS[cd] \"x\""));
     EXPECT_EQ(fields(0).value(QStringLiteral("tabName")), QStringLiteral("2 items selected"));
     for (const char *key : {"zoom", "sortKeys", "filterPredicate", "searchString", "selectionIndexes", "scroll"}) {
@@ -113,7 +141,7 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
     EXPECT_EQ(full.sidebarSelectedItems(), (QList<ZQObjectID>{a->objectID(), b->objectID()}));
     EXPECT_EQ(full.searchString(), QStringLiteral("wörds"));
     EXPECT_EQ(full.filterPredicate().predicateFormat(), QStringLiteral("title CONTAINS[cd] \"x\""));
-    EXPECT_EQ(full.sortKeys(), ListOrder::byBytes);
+    EXPECT_EQ(full.sortKeys(), ListOrder::byTags);
     EXPECT_EQ(full.sortDirection(), false);
     EXPECT_EQ(full.zoom(), 0.445);
     EXPECT_EQ(full.browserDisplayStyle(), BrowserDisplayStyle::BySize);

@@ -155,7 +155,6 @@ TEST_F(BrowserListTest, EveryColumnThatIsShownOrdersTheRowsAndSoItStays)
         const char *second;
     };
     for (const Case &each : {Case{"Kind", "ascending", "descending"},
-                             {"Bytes", "descending", "ascending"},
                              {"Rating", "descending", "ascending"},
                              {"Tags", "ascending", "descending"},
                              {"Imported", "descending", "ascending"}}) {

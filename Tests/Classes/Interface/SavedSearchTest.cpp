@@ -276,3 +276,23 @@ TEST_F(SavedSearchTest, ATextThatTheFieldWouldCutIsNotTakenFromIt)
     settle();
     EXPECT_FALSE(isEnabled(CommandID::UpdateSearch));
 }
+
+TEST_F(SavedSearchTest, WhatWasSearchedInAProjectIsSavedWithIt)
+{
+    show(b);
+    searchFor("#tt e OR #tt i");
+    const auto smart = saved("#tt e OR #tt i", "in B");
+    ASSERT_TRUE(smart);
+    EXPECT_EQ(smart->searchText(), QStringLiteral("(#tt e OR #tt i) #project B"));
+}
+
+TEST_F(SavedSearchTest, WhatWasTypedElsewhereIsNotBroughtBackByUndo)
+{
+    searchFor("red");
+    press(Qt::Key_Escape);
+    show(b);
+    run(CommandID::Find);
+    press(Qt::Key_Z, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(search().text(), QString());
+}
