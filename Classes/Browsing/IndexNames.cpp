@@ -1,5 +1,6 @@
 #include "Classes/Browsing/IndexNames.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQPredicate.h"
 
 #include <algorithm>
@@ -151,6 +152,9 @@ std::vector<IndexCount> IndexNames::projects(const ZQRowSet &rows) const
         }
     }
     for (auto &[name, each] : named) {
+        if (ZQCancellation::isCurrentCancelled()) {
+            return {};
+        }
         std::vector<size_t> holding;
         for (qsizetype at = titles.indexOf(name); at >= 0; at = titles.indexOf(name, ends[holding.back()] - 1)) {
             holding.push_back(size_t(std::upper_bound(ends.begin(), ends.end(), at) - ends.begin()));

@@ -231,15 +231,20 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
     return item;
 }
 
+QString SidebarCommands::nameOfSearch(const QString &text)
+{
+    constexpr qsizetype longestName = 80;
+    return zqShortened(text.simplified(), longestName);
+}
+
 SidebarCommands::Item SidebarCommands::addSmartFolder(const QString &searchText, const QString &title,
                                                       const Item &onItem, const std::optional<Order> &order)
 {
-    constexpr qsizetype longestName = 80;
     const auto [father, index] = spotFor(onItem);
     if (!father || searchText.size() > ZQSidebarSmartFolder::longestSearchText) {
         return {};
     }
-    const QString name = title.isEmpty() ? zqShortened(searchText.simplified(), longestName) : title;
+    const QString name = title.isEmpty() ? nameOfSearch(searchText) : title;
     const auto item = m_edits.context.insertNewObject<ZQSidebarSmartFolder>();
     item->setTitle(name.isEmpty() ? zqLocalized("New Smart Folder") : name);
     item->setSearchText(searchText);

@@ -29,6 +29,7 @@ public:
     Item addSmartFolder(const QString &searchText, const QString &title, const Item &onItem,
                         const std::optional<Order> &order = {});
     Item duplicateSmartFolder(const Item &smartFolder); // beside it; null for what is none
+    static QString nameOfSearch(const QString &text);   // what a smart folder is called that gets no other name
     void setSearchText(const Item &smartFolder, const QString &searchText);
 
     // Ask, unless told not to; false when the person declined.

@@ -277,12 +277,13 @@ void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)
     editTitle(m_commands.addNewListItem(kind, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
 }
 
-void ProjectsSidebarViewController::addSmartFolder(const QString &searchText, const SidebarCommands::Order &order)
+void ProjectsSidebarViewController::addSmartFolder(const QString &searchText, const QString &typed,
+                                                   const SidebarCommands::Order &order)
 {
     m_switch->setCurrentIndex(0);
     const auto selected = selectedObjects();
     const auto beside = selected.isEmpty() ? SidebarCommands::Item() : selected.last();
-    editTitle(m_commands.addSmartFolder(searchText, {}, beside, order));
+    editTitle(m_commands.addSmartFolder(searchText, SidebarCommands::nameOfSearch(typed), beside, order));
 }
 
 void ProjectsSidebarViewController::editTitle(const SidebarCommands::Item &item)

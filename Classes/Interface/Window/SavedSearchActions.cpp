@@ -83,7 +83,7 @@ QString SavedSearchActions::placePart() const
     static const QRegularExpression special(QStringLiteral("[*?\"\\\\\\x00-\\x1f]"));
     const auto item = m_browser.content().singleItem();
     const bool isTag = item && item->isTag() && item->kind() == 0; // of a person
-    const bool isPlace = item && (isTag || item->isProject()) && !item->isSpecial();
+    const bool isPlace = item && (isTag || item->isProject()) && !item->isSpecial() && !item->isSmartFolder();
     if (!isPlace || item->title().isEmpty() || item->title().contains(special)) {
         return {};
     }
@@ -140,11 +140,12 @@ void SavedSearchActions::saveSearch()
         return;
     }
     const QString text = wholeText();
+    const QString typed = m_browser.content().filter();
     const TabState &tab = m_browser.content().tab();
     const SidebarCommands::Order order{tab.sortKeysValue(), tab.sortDirectionValue()};
     endEditing();
     Q_EMIT sidebarRequested();
-    m_sidebar.addSmartFolder(text, order);
+    m_sidebar.addSmartFolder(text, typed, order);
 }
 
 void SavedSearchActions::editSearch()

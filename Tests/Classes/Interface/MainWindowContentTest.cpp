@@ -353,7 +353,7 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     whenMenuOpens(QStringLiteral("Title"));
     named<QToolButton>("Sort: Manual order")->click();
     EXPECT_EQ(menu.toStdString(),
-              "Manual order|Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|Bytes");
+              "Manual order|Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags");
     settle();
     ASSERT_TRUE(named<QToolButton>("Sort: Title"));
     EXPECT_EQ(named<QToolButton>("Sort: Title")->text(), QStringLiteral("Title"));
@@ -408,7 +408,7 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     named<QToolButton>("Sort: Import date")->click();
     EXPECT_EQ(
         menu.toStdString(),
-        "Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|Bytes|-|Ascending|Descending");
+        "Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|-|Ascending|Descending");
     settle();
     EXPECT_TRUE(named("Sort: Size"));
     browser().content().setSidebarItems({});

@@ -128,7 +128,7 @@ TEST_F(SavedSearchTest, WhatIsTypedInASmartFolderNarrowsItUntilItBecomesItsText)
     ASSERT_TRUE(updateButton());
     QTest::mouseClick(updateButton(), Qt::LeftButton);
     settle();
-    EXPECT_EQ(smart->searchText(), QStringLiteral("(#tt e OR #tt moving) (#tt ed OR #tt ing)"))
+    EXPECT_EQ(smart->searchText(), QStringLiteral("(#tt e OR #tt moving) #project A (#tt ed OR #tt ing)"))
         << "it finds what was shown";
     EXPECT_TRUE(search().text().isEmpty());
     EXPECT_EQ(sorted(), (QStringList{QStringLiteral("moving"), QStringLiteral("red")}));
@@ -144,8 +144,8 @@ TEST_F(SavedSearchTest, WhatIsTypedInASmartFolderNarrowsItUntilItBecomesItsText)
     settle();
     ASSERT_TRUE(chosen());
     EXPECT_NE(chosen(), smart);
-    EXPECT_EQ(chosen()->searchText(), QStringLiteral("(#tt e OR #tt moving) #tt ed"));
-    EXPECT_EQ(smart->searchText(), QStringLiteral("#tt e OR #tt moving"));
+    EXPECT_EQ(chosen()->searchText(), QStringLiteral("(#tt e OR #tt moving) #project A #tt ed"));
+    EXPECT_EQ(smart->searchText(), QStringLiteral("(#tt e OR #tt moving) #project A"));
 }
 
 TEST_F(SavedSearchTest, ItsTextIsEditedInTheFieldAndShowsWhatItWouldFind)
@@ -161,14 +161,14 @@ TEST_F(SavedSearchTest, ItsTextIsEditedInTheFieldAndShowsWhatItWouldFind)
     Q_EMIT tree()->customContextMenuRequested(row);
     EXPECT_EQ(menu, QStringLiteral("New Project|New Folder|-|Edit Search…|Duplicate|Rename|Delete Mine"));
     settle();
-    EXPECT_EQ(search().text(), QStringLiteral("#tt moving"));
+    EXPECT_EQ(search().text(), QStringLiteral("#tt moving #project A"));
     EXPECT_TRUE(search().hasFocus());
     EXPECT_FALSE(updateButton()) << "nothing was changed";
     search().selectAll();
     type(QStringLiteral("#tt red"));
     settle();
     EXPECT_EQ(shown(), QStringList{QStringLiteral("red")}) << "not what also matches the old text";
-    EXPECT_EQ(smart->searchText(), QStringLiteral("#tt moving"));
+    EXPECT_EQ(smart->searchText(), QStringLiteral("#tt moving #project A"));
     press(Qt::Key_Escape);
     settle();
     EXPECT_EQ(shown(), QStringList{QStringLiteral("moving")}) << "given up";
@@ -217,7 +217,7 @@ TEST_F(SavedSearchTest, ACopyStandsBesideItAndCanBeTakenBack)
     const auto copy = chosen();
     ASSERT_TRUE(copy && copy != smart);
     EXPECT_EQ(copy->title(), QStringLiteral("Mine copy"));
-    EXPECT_EQ(copy->searchText(), QStringLiteral("#tt moving"));
+    EXPECT_EQ(copy->searchText(), QStringLiteral("#tt moving #project A"));
     EXPECT_EQ(copy->sortKeys(), smart->sortKeys());
     EXPECT_EQ(sorted().size(), items) << "its items are not what was meant";
     QStringList expected = before;
