@@ -98,7 +98,7 @@ TEST_F(KeysTest, EveryCommandOfTheKeyboardIsInAMenu)
              "Ctrl+D Duplicate",
              "Ctrl+Z Undo",
              "Ctrl+Shift+Z Redo",
-             "0 None",
+             "0 No rating",
              "1 1 Star",
              "5 5 Stars",
              "Ctrl+B Sidebar",
