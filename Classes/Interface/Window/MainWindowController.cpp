@@ -186,6 +186,7 @@ void MainWindowController::makeCommands()
           editCommands(), m_browser->commands(), m_savedSearches->commands(), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
+    m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
     m_toolbar->menuButton().setMenu(m_commands->makeMenus(&m_toolbar->menuButton()));
     connect(m_toolbar, &MainToolbar::sidebarRequested, this, [this] { toggle(m_sidebar); });
     connect(m_toolbar, &MainToolbar::infoPanelRequested, this, [this] { toggle(m_info); });

@@ -185,6 +185,11 @@ TEST_F(KeysTest, MenusOfTheMomentShowTheKeysOfTheCommands)
              {QStringLiteral("New Folder"), CommandID::NewFolder},
              {QStringLiteral("Rename"), CommandID::Rename},
              {QStringLiteral("Delete A"), CommandID::Remove}});
+    controller->command(CommandID::NewFolder)->setShortcut(Qt::CTRL | Qt::ALT | Qt::Key_N);
+    controller->command(CommandID::Remove)->setShortcut(Qt::CTRL | Qt::Key_Backspace);
+    whenMenuOpens();
+    Q_EMIT tree()->customContextMenuRequested(tree()->visualRect(tree()->tree()->indexOf(a->objectID())).center());
+    compare({{QStringLiteral("New Folder"), CommandID::NewFolder}, {QStringLiteral("Delete A"), CommandID::Remove}});
 }
 
 TEST_F(KeysTest, NoKeysMeanTwoThings)
