@@ -68,7 +68,7 @@ TEST_F(SearchFieldTest, TokensAreCompletedByKeys)
     EXPECT_EQ(search().text(), QStringLiteral("#color bl")) << "as if it had been typed";
 }
 
-TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
+TEST_F(SearchFieldTest, EnterGoesOnWhereNothingIsChosenAndEscGoesStepByStep)
 {
     enter("#ti");
     EXPECT_EQ(options(), QStringLiteral("#title"));
@@ -76,10 +76,6 @@ TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
     EXPECT_EQ(search().text(), QStringLiteral("#ti"));
     EXPECT_EQ(QApplication::focusWidget(), &grid());
     EXPECT_FALSE(list().isVisible());
-    enter("#ti");
-    press(Qt::Key_Tab);
-    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
-    EXPECT_NE(QApplication::focusWidget(), &search());
     enter("#ti");
     press(Qt::Key_Escape);
     EXPECT_FALSE(list().isVisible());
@@ -90,6 +86,51 @@ TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
     press(Qt::Key_Escape);
     EXPECT_EQ(search().text(), QString());
     EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
+TEST_F(SearchFieldTest, TabTakesWhatIsOfferedAndGoesOnWhereNothingIs)
+{
+    const auto often = ZQSidebarTag::getOrCreateTagWithName(QStringLiteral("minestrone"), context());
+    often->addItems({image(QStringLiteral("red"))});
+    delegate->saveAction();
+    settle();
+    enter("#co");
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color "));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color white "));
+    EXPECT_EQ(QApplication::focusWidget(), &search());
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color white "));
+    EXPECT_NE(QApplication::focusWidget(), &search()) << "nothing is offered any more";
+    enter("#tag mine");
+    ASSERT_TRUE(waitFor([this] { return options() == QStringLiteral("minestrone mine"); })) << options().toStdString();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#tag mine ")) << "it was typed to the end";
+    enter("#ti");
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
+    EXPECT_NE(QApplication::focusWidget(), &search());
+}
+
+TEST_F(SearchFieldTest, ATokenThatIsOnlyBegunIsNoMistakeUntilTheFocusLeaves)
+{
+    enter("red #");
+    settle();
+    EXPECT_FALSE(chips().isVisible());
+    type(QStringLiteral("zz"));
+    settle();
+    EXPECT_TRUE(chips().isVisible());
+    EXPECT_EQ(chips().count(), 2);
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Backspace);
+    settle();
+    EXPECT_FALSE(chips().isVisible());
+    grid().setFocus();
+    EXPECT_TRUE(chips().isVisible());
+    EXPECT_EQ(chips().count(), 2);
+    search().setFocus();
+    EXPECT_FALSE(chips().isVisible());
 }
 
 TEST_F(SearchFieldTest, AllChipsHaveRoomInTheWindow)
