@@ -3,6 +3,7 @@
 #include "Classes/Browsing/KindNames.h"
 #include "Classes/Browsing/SearchManager.h"
 #include "Classes/Browsing/SearchSpan.h"
+#include "Classes/Browsing/SearchTokenizer.h"
 #include "Classes/Browsing/StoreSearch.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -29,6 +30,14 @@ bool isPlainName(const QString &name)
 {
     static const QRegularExpression special(QStringLiteral("[*?\"\\\\\\x00-\\x1f]"));
     return !name.isEmpty() && !name.contains(special);
+}
+
+// What a typed token asks of the extension, folded; empty for another token.
+QString extensionOf(const QString &token, const QDate &today)
+{
+    const SearchLexeme lexeme = SearchTokenizer(token, today).next();
+    const bool isExtension = lexeme.token && lexeme.token->field == SearchField::Extension;
+    return isExtension ? zqFold(lexeme.text, true, true) : QString();
 }
 
 void orderByCount(QList<FacetValue> &values)
@@ -249,6 +258,20 @@ QList<FacetValue> FacetCounts::values(FacetKind kind, const LibraryIndex::Readin
     return names(kind, reading);
 }
 
+// Of a kind that is there with one extension only, a search for that extension is the same value, typed otherwise.
+QString FacetCounts::tokenOfKind(const QString &word, const QString &extension) const
+{
+    const QString own = tokenOf(SearchField::Kind, word);
+    if (!m_read.contains(FacetKind::Kind, own)) {
+        for (const QString &typed : m_read.tokens(FacetKind::Kind)) {
+            if (extensionOf(typed, m_scope.search.today) == extension) {
+                return typed;
+            }
+        }
+    }
+    return own;
+}
+
 QList<FacetValue> FacetCounts::kinds(const LibraryIndex::Reading &reading)
 {
     std::map<QString, qint64> byExtension;
@@ -269,7 +292,9 @@ QList<FacetValue> FacetCounts::kinds(const LibraryIndex::Reading &reading)
             count += found != byExtension.end() ? found->second : 0;
         }
         const QString title = extensions.size() == 1 ? extensions.first() : word.section(u' ', 0, 0);
-        values.append({.token = tokenOf(SearchField::Kind, word), .title = title.toUpper(), .count = count});
+        const QString token =
+            extensions.size() == 1 ? tokenOfKind(word, extensions.first()) : tokenOf(SearchField::Kind, word);
+        values.append({.token = token, .title = title.toUpper(), .count = count});
     }
     orderByCount(values);
     return values;

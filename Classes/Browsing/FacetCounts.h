@@ -27,6 +27,7 @@ private:
     std::optional<ZQRowSet> content(const LibraryIndex::Reading &reading) const;
     const ZQRowSet &rowsFor(FacetKind kind, const LibraryIndex::Reading &reading);
     QList<FacetValue> values(FacetKind kind, const LibraryIndex::Reading &reading);
+    QString tokenOfKind(const QString &word, const QString &extension) const;
     QList<FacetValue> kinds(const LibraryIndex::Reading &reading);
     QList<FacetValue> colors(const LibraryIndex::Reading &reading);
     QList<FacetValue> ratings(const LibraryIndex::Reading &reading);

@@ -118,6 +118,22 @@ std::pair<QLabel *, QToolButton *> BrowserHead::makeChoice(const QString &captio
 void BrowserHead::addButton(QWidget *button)
 {
     m_buttons->layout()->addWidget(button);
+    orderStops();
+}
+
+// Tab goes as they stand.
+void BrowserHead::orderStops()
+{
+    QList<QWidget *> stops;
+    for (int i = 0; i < m_buttons->layout()->count(); ++i) {
+        QWidget *added = m_buttons->layout()->itemAt(i)->widget();
+        const QList<QToolButton *> parts = added->findChildren<QToolButton *>();
+        stops += parts.isEmpty() ? QList<QWidget *>{added} : QList<QWidget *>(parts.begin(), parts.end());
+    }
+    stops += {m_group, m_sort, m_direction};
+    for (qsizetype i = 1; i < stops.size(); ++i) {
+        setTabOrder(stops[i - 1], stops[i]);
+    }
 }
 
 void BrowserHead::resizeEvent(QResizeEvent *event)

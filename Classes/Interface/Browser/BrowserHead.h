@@ -37,6 +37,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void orderStops(); // of the Tab key
     std::pair<QLabel *, QToolButton *> makeChoice(const QString &caption, const QString &tip);
     void showSortMenu();
     void showGroupMenu();

@@ -76,7 +76,7 @@ QList<WindowCommand> BrowserViewController::commands()
     // Only what shows items takes their keys: in a field a digit is a digit.
     for (int stars = 0; stars <= 5; ++stars) {
         result.append({.id = CommandID(int(CommandID::Rate0) + stars),
-                       .title = stars == 0   ? zqLocalized("None")
+                       .title = stars == 0   ? zqLocalized("No rating")
                                 : stars == 1 ? zqLocalized("1 Star")
                                              : zqFormat(zqLocalized("%d Stars"), {stars}),
                        .keys = {Qt::Key(Qt::Key_0 + stars)},

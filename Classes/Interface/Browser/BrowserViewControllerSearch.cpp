@@ -32,6 +32,11 @@ void BrowserViewController::showChips()
     m_chips->setText(isTyped ? tab.searchString() : m_content->shownSearch(), isTyped);
 }
 
+void BrowserViewController::setIsTyped(bool isTyped)
+{
+    m_chips->setIsTyped(isTyped);
+}
+
 QString BrowserViewController::countText() const
 {
     if (!m_content->error().isNull()) {

@@ -12,6 +12,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -22,14 +23,35 @@ constexpr int chipHeight = 22;
 constexpr int chipPadding = 8;
 constexpr int chipGap = 6;
 constexpr int crossSize = 8;
-constexpr int crossRoom = 18;       // where a click takes the chip out
-constexpr qsizetype mostChips = 30; // no window is wide enough for more
+constexpr int crossRoom = 18; // where a click takes the chip out
+constexpr int joinGap = 5;    // between a chip and what joins it
+constexpr int rowGap = 4;
+constexpr int mostRows = 3;
+constexpr int mostJoins = 12;        // of one chip; who nests deeper cannot count them either
+constexpr qsizetype mostChips = 300; // laid out for each key that is typed
 
 QString shownText(const SearchPart &part)
 {
     constexpr qsizetype longest = 40;
     const QString text = part.text.simplified();
     return zqShortened(text, longest);
+}
+
+QFont chipFont()
+{
+    return ZQTheme::current().font(ZQMeasure::smallTextSize);
+}
+
+// Nothing for what joins as a blank does.
+QString joinOf(const SearchPart &part)
+{
+    if (part.kind == SearchPart::Kind::Bracket) {
+        return part.text;
+    }
+    return part.text == QStringLiteral("OR")    ? zqLocalized("or")
+           : part.text == QStringLiteral("AND") ? zqLocalized("and")
+           : part.isNegated                     ? zqLocalized("not")
+                                                : QString();
 }
 
 } // namespace
@@ -51,60 +73,185 @@ void SearchChips::setText(const QString &searchText, bool isInField)
 {
     m_text = searchText;
     m_isInField = isInField;
-    m_chips.clear();
     m_hovered = -1;
-    bool needsExplanation = false;
-    QStringList said;
-    if (!searchText.trimmed().isEmpty()) {
-        const QList<SearchPart> parts = SearchExpression::read(searchText, SearchContext()).parts;
-        for (qsizetype index = 0; index < parts.size(); ++index) {
-            const SearchPart &part = parts[index];
-            const bool isWrong = part.kind == SearchPart::Kind::Problem;
-            needsExplanation = needsExplanation || isWrong || part.kind != SearchPart::Kind::Word;
-            if ((isWrong || part.isClause()) && m_chips.size() < mostChips) {
-                m_chips.append({shownText(part),
-                                isWrong ? part.meaning : QString(),
-                                part.meaning,
-                                {},
-                                index,
-                                part.position,
-                                part.length});
-                said.append(zqShortened(part.text) + QStringLiteral(": ") + part.meaning);
-            }
-        }
-    }
+    readParts();
     m_current = std::clamp(m_current, 0, std::max(0, count() - 1));
+    QStringList said;
+    for (const Chip &chip : std::as_const(m_chips)) {
+        said.append(spoken(chip));
+    }
     setAccessibleName(said.isEmpty() ? QString() : zqLocalized("Search") + QStringLiteral(": ") + said.join(u'\n'));
     layOut();
-    setVisible(needsExplanation && !m_chips.isEmpty());
+    setVisible(m_needsExplanation && !m_chips.isEmpty());
     update();
+}
+
+void SearchChips::setIsTyped(bool isTyped)
+{
+    if (std::exchange(m_isTyped, isTyped) != isTyped && m_text.endsWith(u'#')) {
+        setText(m_text, m_isInField);
+    }
+}
+
+bool SearchChips::isOnlyBegun(const SearchPart &part) const
+{
+    return m_isTyped && m_isInField && part.problem == SearchProblem::UnknownToken && part.end() == m_text.size() &&
+           part.text.indexOf(u'#') == part.text.size() - 1;
+}
+
+void SearchChips::readParts()
+{
+    m_chips.clear();
+    m_leftOut = 0;
+    m_needsExplanation = false;
+    if (m_text.trimmed().isEmpty()) {
+        return;
+    }
+    const QList<SearchPart> parts = SearchExpression::read(m_text, SearchContext()).parts;
+    QStringList joins;
+    for (qsizetype index = 0; index < parts.size(); ++index) {
+        const SearchPart &part = parts[index];
+        const bool isWrong = part.kind == SearchPart::Kind::Problem;
+        if (isOnlyBegun(part)) {
+            continue;
+        }
+        m_needsExplanation = m_needsExplanation || isWrong || part.kind != SearchPart::Kind::Word;
+        const bool isChip = isWrong || part.isClause();
+        if (isChip && m_chips.size() == mostChips) {
+            ++m_leftOut;
+        } else if (isChip) {
+            m_chips.append({.text = shownText(part),
+                            .reason = isWrong ? part.meaning : QString(),
+                            .meaning = part.meaning,
+                            .before = std::exchange(joins, {}),
+                            .index = index,
+                            .position = part.position,
+                            .length = part.length});
+        } else if (part.text == QStringLiteral(")") && m_leftOut == 0 && !m_chips.isEmpty()) {
+            m_chips.last().closings = std::min(m_chips.last().closings + 1, mostJoins);
+        } else if (const QString join = joinOf(part); !join.isEmpty() && joins.size() < mostJoins) {
+            joins.append(join);
+        }
+    }
+}
+
+// Brackets are no words, and many voices leave them out.
+QString SearchChips::spoken(const Chip &chip)
+{
+    QStringList words;
+    for (const QString &join : chip.before) {
+        words.append(join == QStringLiteral("(") ? zqLocalized("open bracket") : join);
+    }
+    words.append(chip.text + QStringLiteral(": ") + chip.meaning);
+    for (int i = 0; i < chip.closings; ++i) {
+        words.append(zqLocalized("close bracket"));
+    }
+    return words.join(u' ');
+}
+
+QString SearchChips::joins(int index) const
+{
+    return m_chips[index].before.join(u' ');
+}
+
+QString SearchChips::closings(int index) const
+{
+    return QString(m_chips[index].closings, u')');
+}
+
+int SearchChips::shownRows() const
+{
+    return std::min(mostRows, m_rows);
+}
+
+bool SearchChips::isShown(int index) const
+{
+    const int row = m_chips[index].row;
+    return row >= m_firstRow && row < m_firstRow + shownRows();
+}
+
+QString SearchChips::moreText() const
+{
+    int others = m_leftOut;
+    for (int index = 0; index < count(); ++index) {
+        others += isShown(index) ? 0 : 1;
+    }
+    return others > 0 ? zqFormat(zqLocalized("%d more"), {others}) : QString();
+}
+
+QRect SearchChips::moreRect() const
+{
+    const QString text = moreText();
+    if (text.isEmpty()) {
+        return {};
+    }
+    const int wide = QFontMetrics(chipFont()).horizontalAdvance(text);
+    const int top = (ZQMeasure::groupHeadHeight - chipHeight) / 2 + (shownRows() - 1) * (chipHeight + rowGap);
+    return {width() - sideMargin - wide, top, wide, chipHeight};
 }
 
 void SearchChips::layOut()
 {
-    const QFontMetrics metrics(ZQTheme::current().font(ZQMeasure::smallTextSize));
+    const int room = std::max(1, width() - 2 * sideMargin);
+    breakRows(room);
+    if (m_rows > mostRows || m_leftOut > 0) {
+        const QString widest = zqFormat(zqLocalized("%d more"), {count() + m_leftOut});
+        breakRows(std::max(1, room - chipGap - QFontMetrics(chipFont()).horizontalAdvance(widest)));
+    }
+    const int row = m_current < count() ? m_chips[m_current].row : 0;
+    m_firstRow = hasFocus() ? std::clamp(m_firstRow, row - shownRows() + 1, row) : m_firstRow;
+    m_firstRow = std::clamp(m_firstRow, 0, m_rows - shownRows());
+    placeRows();
+    setFixedHeight(ZQMeasure::groupHeadHeight + (shownRows() - 1) * (chipHeight + rowGap));
+}
+
+// A chip stays with what joins it, and is cut only where it has a row for itself and that is too narrow.
+void SearchChips::breakRows(int room)
+{
+    const QFontMetrics metrics(chipFont());
     const int roomBehind = m_isInField ? crossRoom : chipPadding;
-    int x = sideMargin;
-    for (Chip &chip : m_chips) {
+    const auto widthOf = [&metrics](const QString &text) {
+        return text.isEmpty() ? 0 : metrics.horizontalAdvance(text) + joinGap;
+    };
+    int x = 0;
+    int row = 0;
+    for (int index = 0; index < count(); ++index) {
+        Chip &chip = m_chips[index];
         const QString text = chip.reason.isEmpty() ? chip.text : chip.text + QStringLiteral("  ") + chip.reason;
-        const int width = metrics.horizontalAdvance(text) + chipPadding + roomBehind;
-        chip.place = QRect(x, (height() - chipHeight) / 2, width, chipHeight);
-        x += width + chipGap;
-    }
-    // The reason of the last may have no room: the cross does.
-    for (Chip &chip : m_chips) {
-        const int left = width() - sideMargin - chip.place.left();
-        if (!chip.reason.isEmpty() && chip.place.width() > left) {
-            const int least = metrics.horizontalAdvance(chip.text) + chipPadding + roomBehind;
-            chip.place.setWidth(std::max(least, left));
+        const int before = widthOf(joins(index));
+        const int behind = widthOf(closings(index));
+        const int whole = metrics.horizontalAdvance(text) + chipPadding + roomBehind;
+        if (x > 0 && x + before + whole + behind > room) {
+            x = 0;
+            ++row;
         }
+        const int least = chipPadding + roomBehind;
+        chip.row = row;
+        chip.place =
+            QRect(sideMargin + x + before, 0, std::max(least, std::min(whole, room - before - behind)), chipHeight);
+        x += before + chip.place.width() + behind + chipGap;
     }
-    updateGeometry();
+    m_rows = row + 1;
+}
+
+void SearchChips::placeRows()
+{
+    const int top = (ZQMeasure::groupHeadHeight - chipHeight) / 2;
+    for (Chip &chip : m_chips) {
+        chip.place.moveTop(top + (chip.row - m_firstRow) * (chipHeight + rowGap));
+    }
+}
+
+void SearchChips::scrollTo(int firstRow)
+{
+    m_firstRow = std::clamp(firstRow, 0, m_rows - shownRows());
+    placeRows();
+    update();
 }
 
 QSize SearchChips::sizeHint() const
 {
-    return {2 * sideMargin, ZQMeasure::groupHeadHeight}; // as wide as there is room
+    return {2 * sideMargin, height()}; // as wide as there is room
 }
 
 QRect SearchChips::crossRect(int index) const
@@ -115,9 +262,12 @@ QRect SearchChips::crossRect(int index) const
 
 int SearchChips::chipAt(const QPoint &place) const
 {
-    const auto chip =
-        std::find_if(m_chips.begin(), m_chips.end(), [&place](const Chip &each) { return each.place.contains(place); });
-    return chip != m_chips.end() ? int(chip - m_chips.begin()) : -1;
+    for (int index = 0; index < count(); ++index) {
+        if (isShown(index) && m_chips[index].place.contains(place)) {
+            return index;
+        }
+    }
+    return -1;
 }
 
 void SearchChips::makeCurrent(int index)
@@ -126,7 +276,9 @@ void SearchChips::makeCurrent(int index)
         return;
     }
     m_current = index;
-    setAccessibleDescription(m_chips[index].text + QStringLiteral(": ") + m_chips[index].meaning);
+    const int row = m_chips[index].row;
+    scrollTo(std::clamp(m_firstRow, row - shownRows() + 1, row));
+    setAccessibleDescription(spoken(m_chips[index]));
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
     update();
@@ -177,6 +329,10 @@ void SearchChips::mousePressEvent(QMouseEvent *event)
 {
     const int chip = event->button() == Qt::LeftButton ? chipAt(event->pos()) : -1;
     if (chip < 0) {
+        if (event->button() == Qt::LeftButton && moreRect().contains(event->pos())) {
+            const bool isAtEnd = m_firstRow + shownRows() >= m_rows;
+            scrollTo(isAtEnd ? 0 : m_firstRow + shownRows());
+        }
         return;
     }
     crossRect(chip).contains(event->pos()) ? takeOut(chip) : choose(chip);
@@ -185,10 +341,20 @@ void SearchChips::mousePressEvent(QMouseEvent *event)
 void SearchChips::mouseMoveEvent(QMouseEvent *event)
 {
     const int hovered = chipAt(event->pos());
-    setCursor(hovered >= 0 && m_isInField ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    const bool isMore = m_rows > mostRows && moreRect().contains(event->pos());
+    setCursor(isMore || (hovered >= 0 && m_isInField) ? Qt::PointingHandCursor : Qt::ArrowCursor);
     if (std::exchange(m_hovered, hovered) != hovered) {
         update();
     }
+}
+
+void SearchChips::wheelEvent(QWheelEvent *event)
+{
+    const int turned = event->angleDelta().y();
+    if (m_rows > mostRows && turned != 0) {
+        scrollTo(m_firstRow + (turned < 0 ? 1 : -1));
+    }
+    event->accept();
 }
 
 void SearchChips::leaveEvent(QEvent *event)
@@ -244,7 +410,8 @@ void SearchChips::paintChip(QPainter &painter, int index) const
     painter.drawRoundedRect(box, 5, 5);
     const QRect text = chip.place.adjusted(chipPadding, 0, m_isInField ? -crossRoom : -chipPadding, 0);
     painter.setPen(zqColor(isWrong ? ZQColorRole::Danger : ZQColorRole::Text));
-    painter.drawText(text, Qt::AlignVCenter, chip.text);
+    painter.drawText(text, Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(chip.text, Qt::ElideRight, text.width() + 1));
     if (isWrong) {
         painter.setPen(zqColor(ZQColorRole::TextMuted));
         const QRect rest =
@@ -261,12 +428,27 @@ void SearchChips::paintChip(QPainter &painter, int index) const
                   zqColor(index == m_hovered || hasFocus ? ZQColorRole::Text : ZQColorRole::TextMuted));
 }
 
+void SearchChips::paintJoins(QPainter &painter, int index) const
+{
+    const QRect &place = m_chips[index].place;
+    painter.setPen(zqColor(ZQColorRole::TextMuted));
+    painter.drawText(QRect(0, place.top(), place.left() - joinGap, place.height()), Qt::AlignVCenter | Qt::AlignRight,
+                     joins(index));
+    painter.drawText(QRect(place.right() + 1 + joinGap, place.top(), width(), place.height()), Qt::AlignVCenter,
+                     closings(index));
+}
+
 void SearchChips::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize));
+    painter.setFont(chipFont());
     for (int index = 0; index < count(); ++index) {
-        paintChip(painter, index);
+        if (isShown(index)) {
+            paintJoins(painter, index);
+            paintChip(painter, index);
+        }
     }
+    painter.setPen(zqColor(ZQColorRole::TextMuted));
+    painter.drawText(moreRect(), Qt::AlignVCenter, moreText());
 }

@@ -396,6 +396,12 @@ void ProjectsSidebarViewController::duplicateItem()
     }
 }
 
+QString ProjectsSidebarViewController::withKeys(const QString &title, CommandID id) const
+{
+    const QKeySequence keys = keysOf ? keysOf(id) : QKeySequence();
+    return keys.isEmpty() ? title : zqTitleWithKeys(title, keys);
+}
+
 void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
 {
     const SidebarCommands::Items selected = selectedObjects();
@@ -406,11 +412,11 @@ void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
     menu.addSeparator();
     if (selected.size() == 1 && selected.first()->isSmartFolder()) {
         menu.addAction(zqLocalized("Edit Search…"), this, &ProjectsSidebarViewController::editSearchRequested);
-        menu.addAction(zqTitleWithKeys(zqLocalized("Duplicate"), Qt::CTRL | Qt::Key_D), this,
+        menu.addAction(withKeys(zqLocalized("Duplicate"), CommandID::Duplicate), this,
                        &ProjectsSidebarViewController::duplicateItem);
     }
     if (selected.size() == 1 && !selected.first()->isWatchedFolder()) {
-        menu.addAction(zqTitleWithKeys(zqLocalized("Rename"), Qt::Key_F2), this,
+        menu.addAction(withKeys(zqLocalized("Rename"), CommandID::Rename), this,
                        &ProjectsSidebarViewController::renameSidebarItem);
     }
     // Of a mixed selection each entry says what it takes.
@@ -418,7 +424,7 @@ void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
         return items.size() == 1 ? items.first()->title() : zqFormat(zqLocalized("%d Items"), {int(items.size())});
     };
     const QString deletion = zqFormat(zqLocalized("Delete %@"), {nameOf(deletable)});
-    menu.addAction(zqTitleWithKeys(deletion, Qt::Key_Delete), this, &ProjectsSidebarViewController::deleteItem);
+    menu.addAction(withKeys(deletion, CommandID::Remove), this, &ProjectsSidebarViewController::deleteItem);
     if (const auto withContent = deletableItems(true); !withContent.isEmpty()) {
         menu.addAction(zqFormat(zqLocalized("Delete %@ and Content"), {nameOf(withContent)}), this,
                        &ProjectsSidebarViewController::deleteItemAndContent);
@@ -429,13 +435,14 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
 {
     QMenu menu(this);
     if (isTagsSide()) {
-        menu.addAction(zqLocalized("New Tag"), this, &ProjectsSidebarViewController::addNewTag);
+        menu.addAction(withKeys(zqLocalized("New Tag"), CommandID::NewTag), this,
+                       &ProjectsSidebarViewController::addNewTag);
         menu.addSeparator();
         addTagOrder(menu);
     } else {
-        menu.addAction(zqTitleWithKeys(zqLocalized("New Project"), Qt::CTRL | Qt::Key_N), this,
+        menu.addAction(withKeys(zqLocalized("New Project"), CommandID::NewProject), this,
                        &ProjectsSidebarViewController::addNewProject);
-        menu.addAction(zqTitleWithKeys(zqLocalized("New Folder"), Qt::CTRL | Qt::SHIFT | Qt::Key_N), this,
+        menu.addAction(withKeys(zqLocalized("New Folder"), CommandID::NewFolder), this,
                        &ProjectsSidebarViewController::addNewFolder);
     }
     addWhatChangesSelection(menu);

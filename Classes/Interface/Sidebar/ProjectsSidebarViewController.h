@@ -26,6 +26,8 @@ public:
     void setShowsCounts(bool shows); // none before it is said
     QVBoxLayout *progressLayout() const { return m_progress; }
     QList<WindowCommand> commands();
+    // The keys of a command of the window, which the menu shows; the window sets it. Null: none.
+    std::function<QKeySequence(CommandID)> keysOf;
 
     void addNewProject() { add(SidebarCommands::NewItem::Project); }
     void addNewFolder() { add(SidebarCommands::NewItem::Folder); }
@@ -68,6 +70,7 @@ private:
     void selectNeighbourAfterDeletion(const ZQObjectID &neighbour);
     ZQObjectID safeNeighbour() const;
     SidebarCommands::Items deletableItems(bool withContent) const; // of what is selected
+    QString withKeys(const QString &title, CommandID id) const;
     void addWhatChangesSelection(QMenu &menu);
     void showMenu(const QPoint &globalPoint);
     Qt::DropAction validate(const QMimeData *data, const SidebarDropPlace &place) const;

@@ -104,6 +104,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     auto *assistant = new SearchAssistant(*m_window, m_toolbar->search(), m_mainWindow.get());
     connect(m_browser, &BrowserViewController::searchRequested, assistant, &SearchAssistant::setText);
     connect(m_browser, &BrowserViewController::searchPartRequested, assistant, &SearchAssistant::select);
+    connect(assistant, &SearchAssistant::typingChanged, m_browser, &BrowserViewController::setIsTyped);
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     m_arrived = new ArrivedItems(
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
@@ -186,6 +187,7 @@ void MainWindowController::makeCommands()
           editCommands(), m_browser->commands(), m_savedSearches->commands(), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
+    m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
     m_toolbar->menuButton().setMenu(m_commands->makeMenus(&m_toolbar->menuButton()));
     connect(m_toolbar, &MainToolbar::sidebarRequested, this, [this] { toggle(m_sidebar); });
     connect(m_toolbar, &MainToolbar::infoPanelRequested, this, [this] { toggle(m_info); });

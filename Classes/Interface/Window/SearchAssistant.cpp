@@ -165,6 +165,19 @@ void SearchAssistant::take(int row)
     offer();
 }
 
+// What is there already, or else what is offered first.
+int SearchAssistant::rowForTab() const
+{
+    const QList<SearchCompletion> &options = m_list->options();
+    const QString typed =
+        m_completions.token ? m_completions.typed : m_field.text().mid(m_completions.position, m_completions.length);
+    const auto same = std::find_if(options.begin(), options.end(), [&typed](const SearchCompletion &option) {
+        return option.text.compare(typed, Qt::CaseInsensitive) == 0 ||
+               (!option.shortForm.isEmpty() && option.shortForm.compare(typed, Qt::CaseInsensitive) == 0);
+    });
+    return same != options.end() ? int(same - options.begin()) : 0;
+}
+
 void SearchAssistant::closeList()
 {
     m_list->hide();
@@ -196,9 +209,11 @@ bool SearchAssistant::pressed(const QKeyEvent &keys)
     case Qt::Key_Escape:
         closeList();
         return true;
+    case Qt::Key_Tab:
+        take(m_list->current() ? m_list->currentRow() : rowForTab());
+        return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-    case Qt::Key_Tab:
         if (m_list->current()) {
             take(m_list->currentRow());
             return true;
@@ -223,8 +238,10 @@ bool SearchAssistant::eventFilter(QObject *object, QEvent *event)
         return pressed(*static_cast<QKeyEvent *>(event));
     case QEvent::FocusIn:
         showHint();
+        Q_EMIT typingChanged(true);
         break;
     case QEvent::FocusOut:
+        Q_EMIT typingChanged(false);
         m_list->hide();
         m_hint->hide();
         break;

@@ -24,6 +24,9 @@ public:
     void setText(const QString &text);
     void select(qsizetype position, qsizetype length);
 
+Q_SIGNALS:
+    void typingChanged(bool isTyping); // the field got the focus, or lost it
+
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
@@ -35,6 +38,7 @@ private:
     void fetchNames(SearchField field);
     void take(int row);
     bool pressed(const QKeyEvent &keys); // whether the list took it
+    int rowForTab() const;               // where nothing is chosen
     void closeList();
     void showHint();
     void place(QWidget &widget) const; // below the field

@@ -229,6 +229,30 @@ TEST_F(FacetsTest, WhatIsChosenStaysThereWithNothingToFind)
     EXPECT_EQ(facets(query), QList<Facet>());
 }
 
+TEST_F(FacetsTest, AnExtensionThatFindsAllOfAKindIsThatKind)
+{
+    ContentQuery query;
+    query.sidebarItems = {everything->objectID()};
+    const auto chosen = [&](const char *text, const char *title) {
+        query.filter = QString::fromUtf8(text);
+        const auto counted = facets(query);
+        QStringList found;
+        for (const FacetValue &value : counted ? facetOf(*counted, FacetKind::Kind)->values : QList<FacetValue>()) {
+            if (value.title.compare(QLatin1StringView(title), Qt::CaseInsensitive) == 0 || value.isChosen) {
+                found.append((value.isChosen ? u'+' + value.token : value.token));
+                EXPECT_EQ(value.count, shown(query, value.token).size()) << value.token.toStdString();
+            }
+        }
+        return found.join(u'|').toStdString();
+    };
+    EXPECT_EQ(chosen("#e png", "PNG"), "+#e png");
+    EXPECT_EQ(chosen("logo OR #ext PNG", "PNG"), "+#ext PNG");
+    EXPECT_EQ(chosen("#kind png", "PNG"), "+#kind png");
+    EXPECT_EQ(chosen("-#e png", "PNG"), "") << "left out is not chosen";
+    EXPECT_EQ(chosen("#e jpg", "JPEG"), "+#e jpg|#kind \"jpeg image\"") << "jpeg is there too";
+    EXPECT_EQ(FacetText(QStringLiteral("#e png")).toggled(FacetKind::Kind, QStringLiteral("#e png")), QString());
+}
+
 TEST_F(FacetsTest, CountsFollowTheStoreAndEndWhenNobodyWantsThem)
 {
     ContentQuery query{.sidebarItems = {project->objectID()}, .filter = QStringLiteral("#tag summer*")};

@@ -1,5 +1,6 @@
 // The keyboard alone: every command's keys are in the menus, and Tab reaches every control, which shows it.
 
+#include "Classes/Interface/Browser/BrowserHead.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
 
 #include <QAccessible>
@@ -64,6 +65,21 @@ protected:
         return (spoken(widget) + QStringLiteral(" (%1)").arg(QLatin1StringView(widget->metaObject()->className())))
             .toStdString();
     }
+    // From left to right, as they stand. How many lie there.
+    static int expectInOrder(const QList<QWidget *> &stops, const QWidget &row)
+    {
+        int left = -1;
+        int count = 0;
+        for (QWidget *stop : stops) {
+            if (row.isAncestorOf(stop)) {
+                const int x = stop->mapTo(&row, QPoint(0, 0)).x();
+                EXPECT_GT(x, left) << nameOf(stop);
+                left = x;
+                ++count;
+            }
+        }
+        return count;
+    }
     void expectAllSeen(const QList<QWidget *> &stops)
     {
         for (QWidget *stop : stops) {
@@ -98,7 +114,7 @@ TEST_F(KeysTest, EveryCommandOfTheKeyboardIsInAMenu)
              "Ctrl+D Duplicate",
              "Ctrl+Z Undo",
              "Ctrl+Shift+Z Redo",
-             "0 None",
+             "0 No rating",
              "1 1 Star",
              "5 5 Stars",
              "Ctrl+B Sidebar",
@@ -169,6 +185,11 @@ TEST_F(KeysTest, MenusOfTheMomentShowTheKeysOfTheCommands)
              {QStringLiteral("New Folder"), CommandID::NewFolder},
              {QStringLiteral("Rename"), CommandID::Rename},
              {QStringLiteral("Delete A"), CommandID::Remove}});
+    controller->command(CommandID::NewFolder)->setShortcut(Qt::CTRL | Qt::ALT | Qt::Key_N);
+    controller->command(CommandID::Remove)->setShortcut(Qt::CTRL | Qt::Key_Backspace);
+    whenMenuOpens();
+    Q_EMIT tree()->customContextMenuRequested(tree()->visualRect(tree()->tree()->indexOf(a->objectID())).center());
+    compare({{QStringLiteral("New Folder"), CommandID::NewFolder}, {QStringLiteral("Delete A"), CommandID::Remove}});
 }
 
 TEST_F(KeysTest, NoKeysMeanTwoThings)
@@ -212,15 +233,14 @@ TEST_F(KeysTest, TabReachesEveryControlAndEachShowsIt)
     std::reverse(back.begin() + 1, back.end());
     EXPECT_EQ(back, stops) << "and the same way back";
 
-    int left = -1;
-    for (QWidget *stop : stops) {
-        if (QWidget *bar = window().findChild<QWidget *>(QStringLiteral("Toolbar")); bar->isAncestorOf(stop)) {
-            const int x = stop->mapTo(bar, QPoint(0, 0)).x();
-            EXPECT_GT(x, left) << "as they stand: " << nameOf(stop);
-            left = x;
-        }
-    }
-    EXPECT_GT(left, 0);
+    EXPECT_GT(expectInOrder(stops, *window().findChild<QWidget *>(QStringLiteral("Toolbar"))), 3);
+
+    window().findChild<QLineEdit *>(QStringLiteral("Search"))->setText(QStringLiteral("e"));
+    run(CommandID::SortByKind);
+    settle();
+    ASSERT_TRUE(named("Save Search"));
+    constexpr int controls = 6; // Save Search, grid, list, Group, Sort, direction
+    EXPECT_EQ(expectInOrder(walk(Qt::Key_Tab), browser().head()), controls);
 }
 
 TEST_F(KeysTest, TabGoesRoundInTheDetailViewToo)

@@ -34,7 +34,7 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
     EXPECT_TRUE(commandsOf(menuOf("Go to Tab")).startsWith(QStringLiteral("Tab 1 Ctrl+1\nTab 2 Ctrl+2\n")));
     EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1"));
     EXPECT_EQ(commandsOf(menuOf("Rating")),
-              QStringLiteral("None 0\n1 Star 1\n2 Stars 2\n3 Stars 3\n4 Stars 4\n5 Stars 5"));
+              QStringLiteral("No rating 0\n1 Star 1\n2 Stars 2\n3 Stars 3\n4 Stars 4\n5 Stars 5"));
     whenMenuOpens();
     press(Qt::Key_F10);
     EXPECT_EQ(menu, QStringLiteral("File|Edit|View|Help"));
@@ -61,7 +61,8 @@ TEST_F(MainWindowTest, TheKeysAreListedBelowEachOther)
     ASSERT_EQ(columns.size(), 3);
     EXPECT_EQ(columns.first().first(), QStringLiteral("Ctrl+N"));
     EXPECT_EQ(titles.first(), QStringLiteral("New Project"));
-    for (const char *title : {"Quick Look", "Open", "Preferences…", "Tab 9", "3 Stars", "Back, or clear the search"}) {
+    for (const char *title :
+         {"Quick Look", "Open", "Preferences…", "Tab 9", "3 Stars", "No rating", "Back, or clear the search"}) {
         EXPECT_TRUE(titles.contains(QString::fromUtf8(title))) << title;
     }
 }

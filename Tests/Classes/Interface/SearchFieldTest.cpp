@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Browser/SearchChips.h"
 #include "Classes/Interface/Window/CompletionList.h"
+#include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
 
 #include <QLabel>
@@ -67,7 +68,7 @@ TEST_F(SearchFieldTest, TokensAreCompletedByKeys)
     EXPECT_EQ(search().text(), QStringLiteral("#color bl")) << "as if it had been typed";
 }
 
-TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
+TEST_F(SearchFieldTest, EnterGoesOnWhereNothingIsChosenAndEscGoesStepByStep)
 {
     enter("#ti");
     EXPECT_EQ(options(), QStringLiteral("#title"));
@@ -75,10 +76,6 @@ TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
     EXPECT_EQ(search().text(), QStringLiteral("#ti"));
     EXPECT_EQ(QApplication::focusWidget(), &grid());
     EXPECT_FALSE(list().isVisible());
-    enter("#ti");
-    press(Qt::Key_Tab);
-    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
-    EXPECT_NE(QApplication::focusWidget(), &search());
     enter("#ti");
     press(Qt::Key_Escape);
     EXPECT_FALSE(list().isVisible());
@@ -89,6 +86,144 @@ TEST_F(SearchFieldTest, EnterAndTabGoOnWhereNothingIsChosenAndEscGoesStepByStep)
     press(Qt::Key_Escape);
     EXPECT_EQ(search().text(), QString());
     EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
+TEST_F(SearchFieldTest, TabTakesWhatIsOfferedAndGoesOnWhereNothingIs)
+{
+    const auto often = ZQSidebarTag::getOrCreateTagWithName(QStringLiteral("minestrone"), context());
+    often->addItems({image(QStringLiteral("red"))});
+    delegate->saveAction();
+    settle();
+    enter("#co");
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color "));
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color white "));
+    EXPECT_EQ(QApplication::focusWidget(), &search());
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#color white "));
+    EXPECT_NE(QApplication::focusWidget(), &search()) << "nothing is offered any more";
+    enter("#tag mine");
+    ASSERT_TRUE(waitFor([this] { return options() == QStringLiteral("minestrone mine"); })) << options().toStdString();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#tag mine ")) << "it was typed to the end";
+    enter("#ti");
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(search().text(), QStringLiteral("#ti"));
+    EXPECT_NE(QApplication::focusWidget(), &search());
+}
+
+TEST_F(SearchFieldTest, ATokenThatIsOnlyBegunIsNoMistakeUntilTheFocusLeaves)
+{
+    enter("red #");
+    settle();
+    EXPECT_FALSE(chips().isVisible());
+    type(QStringLiteral("zz"));
+    settle();
+    EXPECT_TRUE(chips().isVisible());
+    EXPECT_EQ(chips().count(), 2);
+    press(Qt::Key_Backspace);
+    press(Qt::Key_Backspace);
+    settle();
+    EXPECT_FALSE(chips().isVisible());
+    grid().setFocus();
+    EXPECT_TRUE(chips().isVisible());
+    EXPECT_EQ(chips().count(), 2);
+    search().setFocus();
+    EXPECT_FALSE(chips().isVisible());
+}
+
+TEST_F(SearchFieldTest, AllChipsHaveRoomInTheWindow)
+{
+    enter(
+        "#w>10 #h>10 #r>2 #c blue #kind png #tag mine #e png #di=7d #d=today #w<9000 #h<9000 #title red #notes a #f x");
+    settle();
+    ASSERT_EQ(chips().count(), 14);
+    const int oneRow = ZQMeasure::groupHeadHeight;
+    EXPECT_GT(chips().height(), oneRow);
+    for (int i = 0; i < chips().count(); ++i) {
+        EXPECT_TRUE(chips().rect().contains(chips().chipRect(i))) << i;
+        EXPECT_TRUE(i == 0 || !chips().chipRect(i).intersects(chips().chipRect(i - 1))) << i;
+    }
+    EXPECT_LE(chips().geometry().bottom(), grid().mapTo(chips().parentWidget(), QPoint()).y());
+    enter("#w>10");
+    settle();
+    EXPECT_EQ(chips().height(), oneRow);
+}
+
+TEST(SearchChipsTest, OfMoreRowsThanThreeTheOneWithTheFocusIsShown)
+{
+    SearchChips chips;
+    chips.resize(300, ZQMeasure::groupHeadHeight);
+    QString text;
+    for (int i = 0; i < 20; ++i) {
+        text += QStringLiteral("#width>%1 ").arg(1000 + i);
+    }
+    chips.setText(text);
+    const auto shown = [&chips] {
+        int count = 0;
+        for (int i = 0; i < chips.count(); ++i) {
+            const bool isInside = chips.rect().contains(chips.chipRect(i));
+            EXPECT_EQ(isInside, chips.isShown(i)) << i;
+            EXPECT_FALSE(isInside && chips.chipRect(i).intersects(chips.moreRect())) << i;
+            count += isInside ? 1 : 0;
+        }
+        EXPECT_EQ(chips.moreText(), QStringLiteral("%1 more").arg(chips.count() - count));
+        EXPECT_TRUE(chips.rect().contains(chips.moreRect()));
+        return count;
+    };
+    EXPECT_GE(shown(), 3);
+    for (int i = 1; i < chips.count(); ++i) {
+        QTest::keyClick(&chips, Qt::Key_Right);
+        EXPECT_TRUE(chips.accessibleDescription().startsWith(QStringLiteral("#width>%1:").arg(1000 + i)));
+        EXPECT_TRUE(chips.isShown(i)) << i;
+    }
+    EXPECT_GE(shown(), 1);
+    QTest::keyClick(&chips, Qt::Key_Home);
+    EXPECT_TRUE(chips.isShown(0));
+    const int first = shown();
+    QTest::mouseClick(&chips, Qt::LeftButton, {}, chips.moreRect().center());
+    EXPECT_FALSE(chips.isShown(0));
+    EXPECT_TRUE(chips.isShown(first)) << "those that come next";
+    chips.resize(3000, chips.height());
+    EXPECT_EQ(chips.moreText(), QString());
+    EXPECT_TRUE(chips.isShown(0));
+    chips.setText(QStringLiteral("#title %1 ").arg(QString(60, u'm')));
+    chips.resize(200, chips.height());
+    EXPECT_TRUE(chips.rect().contains(chips.crossRect(0))) << "a long one can be taken out";
+}
+
+TEST(SearchChipsTest, WhatJoinsTheChipsStandsBetweenThemAndIsSaid)
+{
+    SearchChips chips;
+    chips.resize(1200, ZQMeasure::groupHeadHeight);
+    chips.setText(QStringLiteral("(#rating>3 OR map) #c blue AND NOT ((red x) OR +y)"));
+    QStringList drawn;
+    for (int i = 0; i < chips.count(); ++i) {
+        drawn.append(chips.joins(i) + u'|' + chips.closings(i));
+    }
+    EXPECT_EQ(drawn.join(u' ').toStdString(), "(| or|) | and not ( (| |) or|)");
+    const QStringList said = chips.accessibleName().split(u'\n');
+    ASSERT_EQ(said.size(), 6);
+    EXPECT_TRUE(said[0].startsWith(QStringLiteral("Search: open bracket #rating>3: "))) << said[0].toStdString();
+    EXPECT_TRUE(said[1].startsWith(QStringLiteral("or map: "))) << said[1].toStdString();
+    EXPECT_TRUE(said[1].endsWith(QStringLiteral(" close bracket"))) << said[1].toStdString();
+    QTest::keyClick(&chips, Qt::Key_Right);
+    EXPECT_EQ(chips.accessibleDescription(), said[1]);
+    const QImage picture = chips.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const qreal scale = picture.devicePixelRatio();
+    const auto colorsBetween = [&](int from, int to) {
+        QSet<QRgb> colors;
+        for (int x = from; x < to; ++x) {
+            for (int y = 0; y < chips.height(); ++y) {
+                colors.insert(picture.pixel(int(x * scale), int(y * scale)));
+            }
+        }
+        return colors.size();
+    };
+    EXPECT_GT(colorsBetween(0, chips.chipRect(0).left() - 1), 1) << "the bracket";
+    EXPECT_GT(colorsBetween(chips.chipRect(0).right() + 2, chips.chipRect(1).left() - 1), 1) << "or";
+    EXPECT_EQ(colorsBetween(chips.chipRect(3).right() + 2, chips.chipRect(4).left() - 1), 1) << "nothing is there";
 }
 
 TEST_F(SearchFieldTest, NamesOfTheLibraryAreOfferedAndTakenByAClick)
