@@ -146,9 +146,10 @@ void ZQUserDefaults::Private::hold(const QVariantMap &now)
     QVariantMap all = before;
     all.insert(now);
     for (auto it = all.cbegin(); it != all.cend(); ++it) {
+        const QVariant was = before.value(it.key());
         // As the file has them: there, a list of texts is any list.
         const bool isSame = before.contains(it.key()) == now.contains(it.key()) &&
-                            zqJSONFromVariant(before.value(it.key())) == zqJSONFromVariant(it.value());
+                            (was == it.value() || zqJSONFromVariant(was) == zqJSONFromVariant(it.value()));
         if (!isSame && !changed.contains(it.key())) {
             changed.append(it.key());
         }
