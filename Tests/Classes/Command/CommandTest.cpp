@@ -176,7 +176,7 @@ TEST_F(CommandTest, PreferencesThatCannotBeWrittenAreAFailure)
             [](QtMsgType, const QMessageLogContext &, const QString &text) { logged.append(text); });
         EXPECT_EQ(run(arguments), 2) << arguments;
         qInstallMessageHandler(handler);
-        EXPECT_EQ(logged, QStringList()) << "it is said once";
+        EXPECT_EQ(logged.filter(file.fileName()), QStringList()) << "it is said once";
         EXPECT_EQ(context.errors.count(QFile::encodeName(file.fileName())), 1) << context.errors.constData();
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         EXPECT_EQ(file.readAll(), before) << arguments;
