@@ -43,10 +43,11 @@ QVariant parsed(const QString &value)
     return value;
 }
 
-int written(CommandContext &context)
+int stored(const QVariant &value, const QString &key, CommandContext &context)
 {
     ZQError error;
-    return ZQUserDefaults::standardUserDefaults().synchronize(&error) ? 0 : context.fail(error.localizedDescription());
+    const bool isStored = ZQUserDefaults::standardUserDefaults().storeObjectForKey(value, key, &error);
+    return isStored ? 0 : context.fail(error.localizedDescription());
 }
 } // namespace
 
@@ -91,16 +92,13 @@ int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext 
         return context.fail(zqFormat(zqLocalized("“%@” is no value for %@; it is now %@"),
                                      {value, zqShortened(key), zqShortened(plainText(before))}));
     }
-    ZQUserDefaults::standardUserDefaults().setObjectForKey(wanted, key);
-    return written(context);
+    return stored(wanted, key, context);
 }
 
 int zqRunDefaultsDelete(const QString &key, CommandContext &context)
 {
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    if (!defaults.isSet(key)) {
+    if (!ZQUserDefaults::standardUserDefaults().isSet(key)) {
         return context.fail(zqFormat(zqLocalized("the preference “%@” is not set"), {key}));
     }
-    defaults.removeObjectForKey(key);
-    return written(context);
+    return stored({}, key, context);
 }

@@ -15,12 +15,14 @@
 #include <QJsonObject>
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -51,15 +53,48 @@ struct ZQUserDefaults::Private
     Stamp stamp ZQ_GUARDED_BY(mutex) = {};
     int readingProblem ZQ_GUARDED_BY(mutex) = 0; // errno: there is a file, and what it holds is not known
     std::vector<std::weak_ptr<Observer>> observers ZQ_GUARDED_BY(mutex);
+    QStringList changed ZQ_GUARDED_BY(mutex); // keys of which the observers were not told yet
 
+    class Access;
     ZQFileDescriptor lockFile() const;
     enum class Reading { Done, Damaged };
     Reading read() ZQ_REQUIRES(mutex);
     void refresh() ZQ_REQUIRES(mutex);
     void readLocked() ZQ_REQUIRES(mutex);
+    Stamp stampOfFile() const;
+    void hold(const QVariantMap &now) ZQ_REQUIRES(mutex);
     ZQError refusal() const ZQ_REQUIRES(mutex);
     bool write(ZQError *error) ZQ_REQUIRES(mutex);
-    void change(const QString &key, const QVariant &value);
+    bool change(const QString &key, const QVariant &value, ZQError *error) ZQ_REQUIRES(mutex);
+};
+
+// Holds the mutex. Once that is free again, tells the observers of what was changed, or found changed, meanwhile.
+class ZQ_SCOPED_CAPABILITY ZQUserDefaults::Private::Access
+{
+public:
+    explicit Access(Private &defaults) ZQ_ACQUIRE(defaults.mutex) : m_defaults(defaults) { m_defaults.mutex.lock(); }
+    ~Access() ZQ_RELEASE()
+    {
+        const QStringList keys = std::exchange(m_defaults.changed, {});
+        std::vector<std::weak_ptr<Observer>> told;
+        if (!keys.isEmpty()) {
+            std::erase_if(m_defaults.observers, [](const auto &observer) { return observer.expired(); });
+            told = m_defaults.observers;
+        }
+        m_defaults.mutex.unlock();
+        for (const QString &key : keys) {
+            for (const auto &weak : told) {
+                if (const auto observer = weak.lock()) {
+                    observer->function(key);
+                }
+            }
+        }
+    }
+    Access(const Access &) = delete;
+    Access &operator=(const Access &) = delete;
+
+private:
+    Private &m_defaults;
 };
 
 // Shared with other processes until it is closed. A folder that cannot be written to gives none, and no write succeeds
@@ -97,36 +132,59 @@ ZQUserDefaults::Private::Reading ZQUserDefaults::Private::read()
         readingProblem = QFileInfo(path).isDir() ? EISDIR : EACCES;
         found = values; // as they were known last
     }
-    values = found;
-    stamp = seen;
     for (auto it = unwritten.cbegin(); it != unwritten.cend(); ++it) {
-        it.value().isValid() ? void(values.insert(it.key(), it.value())) : void(values.remove(it.key()));
+        it.value().isValid() ? void(found.insert(it.key(), it.value())) : void(found.remove(it.key()));
     }
+    stamp = seen;
+    hold(found);
     return Reading::Done;
 }
 
-// With the lock file held: what is damaged now was not just being written.
+void ZQUserDefaults::Private::hold(const QVariantMap &now)
+{
+    const QVariantMap before = std::exchange(values, now);
+    QVariantMap all = before;
+    all.insert(now);
+    for (auto it = all.cbegin(); it != all.cend(); ++it) {
+        const QVariant was = before.value(it.key());
+        // As the file has them: there, a list of texts is any list.
+        const bool isSame = before.contains(it.key()) == now.contains(it.key()) &&
+                            (was == it.value() || zqJSONFromVariant(was) == zqJSONFromVariant(it.value()));
+        if (!isSame && !changed.contains(it.key())) {
+            changed.append(it.key());
+        }
+    }
+}
+
+Stamp ZQUserDefaults::Private::stampOfFile() const
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 ? stampOf(status) : Stamp{};
+}
+
+// With the lock file held: what is damaged now was not just being written. Where it cannot be set aside it stays, and
+// nothing is written over it.
 void ZQUserDefaults::Private::readLocked()
 {
     if (read() == Reading::Done) {
         return;
     }
     const QString aside = path + QStringLiteral(".damaged");
-    qCWarning(zqLogFiles, "The settings in %s are damaged. They were set aside as %s.", qUtf8Printable(path),
-              qUtf8Printable(aside));
     if (rename(QFile::encodeName(path).constData(), QFile::encodeName(aside).constData()) == 0) {
+        qCWarning(zqLogFiles, "The settings in %s are damaged. They were set aside as %s.", qUtf8Printable(path),
+                  qUtf8Printable(aside));
         read();
+        return;
     }
+    readingProblem = errno;
+    stamp = stampOfFile();
+    qCWarning(zqLogFiles, "The settings in %s are damaged, and cannot be set aside as %s: %s.", qUtf8Printable(path),
+              qUtf8Printable(aside), std::strerror(readingProblem));
 }
 
 void ZQUserDefaults::Private::refresh()
 {
-    struct stat status = {};
-    const bool isThere = stat(QFile::encodeName(path).constData(), &status) == 0;
-    if ((isThere ? stampOf(status) : Stamp{}) == stamp) {
-        return;
-    }
-    if (read() == Reading::Damaged) {
+    if (stampOfFile() != stamp && read() == Reading::Damaged) {
         const ZQFileDescriptor lock = lockFile();
         readLocked();
     }
@@ -160,34 +218,21 @@ bool ZQUserDefaults::Private::write(ZQError *error)
         return false;
     }
     unwritten.clear();
-    struct stat status = {};
-    stamp = stat(QFile::encodeName(path).constData(), &status) == 0 ? stampOf(status) : Stamp{};
+    stamp = stampOfFile();
     return true;
 }
 
-void ZQUserDefaults::Private::change(const QString &key, const QVariant &value)
+// With the lock file held and the file read. False where the file does not take it; it holds all the same.
+bool ZQUserDefaults::Private::change(const QString &key, const QVariant &value, ZQError *error)
 {
-    std::vector<std::weak_ptr<Observer>> told;
-    {
-        const ZQLockGuard guard(mutex);
-        const ZQFileDescriptor lock = lockFile();
-        readLocked();
-        if (unwritten.isEmpty() && values.contains(key) == value.isValid() && values.value(key) == value) {
-            return;
-        }
-        unwritten.insert(key, value);
-        value.isValid() ? void(values.insert(key, value)) : void(values.remove(key));
-        if (ZQError error; !write(&error)) {
-            qCWarning(zqLogFiles, "%s", qUtf8Printable(error.localizedDescription()));
-        }
-        std::erase_if(observers, [](const auto &observer) { return observer.expired(); });
-        told = observers;
+    QVariantMap wanted = values;
+    value.isValid() ? void(wanted.insert(key, value)) : void(wanted.remove(key));
+    if (wanted == values && unwritten.isEmpty()) {
+        return true;
     }
-    for (const auto &weak : told) {
-        if (const auto observer = weak.lock()) {
-            observer->function(key);
-        }
-    }
+    unwritten.insert(key, value);
+    hold(wanted);
+    return write(error);
 }
 
 ZQUserDefaults &ZQUserDefaults::standardUserDefaults()
@@ -211,7 +256,7 @@ void ZQUserDefaults::registerDefaults(const QVariantMap &defaults)
 
 QVariant ZQUserDefaults::objectForKey(const QString &key) const
 {
-    const ZQLockGuard guard(d->mutex);
+    const Private::Access access(*d);
     d->refresh();
     return d->values.contains(key) ? d->values.value(key) : d->registered.value(key);
 }
@@ -241,16 +286,38 @@ QByteArray ZQUserDefaults::dataForKey(const QString &key) const
 
 void ZQUserDefaults::setObjectForKey(const QVariant &value, const QString &key)
 {
-    d->change(key, value);
+    const Private::Access access(*d);
+    const ZQFileDescriptor lock = d->lockFile();
+    d->readLocked();
+    if (ZQError error; !d->change(key, value, &error)) {
+        qCWarning(zqLogFiles, "%s", qUtf8Printable(error.localizedDescription()));
+    }
 }
 void ZQUserDefaults::removeObjectForKey(const QString &key)
 {
-    d->change(key, {});
+    setObjectForKey({}, key);
+}
+
+bool ZQUserDefaults::storeObjectForKey(const QVariant &value, const QString &key, ZQError *error)
+{
+    const Private::Access access(*d);
+    const ZQFileDescriptor lock = d->lockFile();
+    d->readLocked();
+    const QVariantMap unwritten = d->unwritten;
+    const QVariantMap values = d->values;
+    const QStringList changed = d->changed;
+    if (d->change(key, value, error)) {
+        return true;
+    }
+    d->unwritten = unwritten;
+    d->values = values;
+    d->changed = changed;
+    return false;
 }
 
 QStringList ZQUserDefaults::keys() const
 {
-    const ZQLockGuard guard(d->mutex);
+    const Private::Access access(*d);
     d->refresh();
     QVariantMap all = d->registered;
     all.insert(d->values);
@@ -259,14 +326,14 @@ QStringList ZQUserDefaults::keys() const
 
 bool ZQUserDefaults::isSet(const QString &key) const
 {
-    const ZQLockGuard guard(d->mutex);
+    const Private::Access access(*d);
     d->refresh();
     return d->values.contains(key);
 }
 
 bool ZQUserDefaults::synchronize(ZQError *error)
 {
-    const ZQLockGuard guard(d->mutex);
+    const Private::Access access(*d);
     const ZQFileDescriptor lock = d->lockFile();
     d->readLocked();
     return d->unwritten.isEmpty() || d->write(error);
@@ -275,7 +342,19 @@ bool ZQUserDefaults::synchronize(ZQError *error)
 ZQUserDefaults::Token ZQUserDefaults::observe(std::function<void(const QString &)> observer)
 {
     auto token = std::make_shared<Observer>(Observer{std::move(observer)});
-    const ZQLockGuard guard(d->mutex);
+    refresh(); // what holds now is no change
+    const Private::Access access(*d);
     d->observers.push_back(token);
     return token;
+}
+
+const QString &ZQUserDefaults::path() const
+{
+    return d->path;
+}
+
+void ZQUserDefaults::refresh() const
+{
+    const Private::Access access(*d);
+    d->refresh();
 }

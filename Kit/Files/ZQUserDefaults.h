@@ -32,13 +32,18 @@ public:
 
     void setObjectForKey(const QVariant &value, const QString &key); // an invalid value removes the key
     void removeObjectForKey(const QString &key);
+    // The same for what a person chooses: false with an error, and as it was, where it cannot be written.
+    bool storeObjectForKey(const QVariant &value, const QString &key, ZQError *error = nullptr);
     QStringList keys() const; // set or registered, sorted
     bool isSet(const QString &key) const;
     // Writes what is not on the disk yet; false with an error when that cannot be done. It stays to be written. A file
-    // that is write-protected, or cannot be read, is left as it is.
+    // that is write-protected, cannot be read, or is damaged and cannot be set aside, is left as it is.
     bool synchronize(ZQError *error = nullptr);
 
-    // Called after a value changed in this process, on the thread that changed it.
+    const QString &path() const;
+    void refresh() const; // looks whether another process changed the file, as each reading does
+
+    // Called after a value changed, on the thread that changed it or found the file changed by another process.
     using Token = std::shared_ptr<void>;
     [[nodiscard]] Token observe(std::function<void(const QString &key)> observer);
 

@@ -1,11 +1,16 @@
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
+#include "Classes/Interface/Preferences/PreferencesPane.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
+#include "Kit/Files/ZQFileWatcher.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQGridView.h"
 #include "Kit/Widgets/ZQTheme.h"
 
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QPointer>
 
 namespace {
@@ -19,8 +24,8 @@ const QStringList sizeKeys = {QStringLiteral("IconTagSize"), QStringLiteral("Sma
 } // namespace
 
 PreferencesFollower::PreferencesFollower(ProjectsSidebarViewController &sidebar, BrowserViewController &browser,
-                                         QObject *parent)
-    : QObject(parent), m_sidebar(sidebar), m_browser(browser)
+                                         UserInteraction &user, QObject *parent)
+    : QObject(parent), m_sidebar(sidebar), m_browser(browser), m_user(user), m_watcher(new ZQFileWatcher(this))
 {
     showItems();
     m_token = ZQUserDefaults::standardUserDefaults().observe([self = QPointer(this)](const QString &key) {
@@ -30,6 +35,20 @@ PreferencesFollower::PreferencesFollower(ProjectsSidebarViewController &sidebar,
             }
         });
     });
+    connect(m_watcher, &ZQFileWatcher::folderDidChange, this, &PreferencesFollower::lookAtFile);
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, &PreferencesFollower::lookAtFile);
+    lookAtFile();
+}
+
+// The folder may come, or come back, at any time.
+void PreferencesFollower::lookAtFile()
+{
+    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    const QString folder = QFileInfo(defaults.path()).path();
+    if (m_watcher->paths().isEmpty() && QFileInfo(folder).isDir()) {
+        m_watcher->addPath(folder);
+    }
+    defaults.refresh();
 }
 
 void PreferencesFollower::showTheme()
@@ -39,8 +58,16 @@ void PreferencesFollower::showTheme()
 
 void PreferencesFollower::setDark(bool isDark)
 {
-    ZQUserDefaults::standardUserDefaults().setObjectForKey(isDark, themeKey);
+    if (ZQError error; !ZQUserDefaults::standardUserDefaults().storeObjectForKey(isDark, themeKey, &error)) {
+        m_user.showNotificationWithText(error.localizedDescription(), NotificationPlace::Window,
+                                        PreferencesPane::refusalTime);
+    }
     showTheme();
+}
+
+void PreferencesFollower::showCounts()
+{
+    m_sidebar.setShowsCounts(ZQUserDefaults::standardUserDefaults().boolForKey(badgesKey));
 }
 
 void PreferencesFollower::showItems()
@@ -53,14 +80,13 @@ void PreferencesFollower::showItems()
 
 void PreferencesFollower::preferenceDidChange(const QString &key)
 {
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
     if (key == themeKey) {
         showTheme();
         Q_EMIT followed();
     } else if (key == titlesKey || key == extensionsKey || key == fillsCellsKey) {
         showItems();
     } else if (key == badgesKey) {
-        m_sidebar.setShowsCounts(defaults.boolForKey(badgesKey));
+        showCounts();
     } else if (sizeKeys.contains(key)) {
         m_browser.refetch(); // groups and searches by size have other edges
     }

@@ -9,6 +9,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QRadioButton>
+#include <QScopedValueRollback>
 #include <QSpinBox>
 
 namespace {
@@ -64,7 +65,23 @@ void PreferencesPane::setShown(const QString &key, std::function<void()> show)
 void PreferencesPane::showPreference(const QString &key)
 {
     if (const auto show = m_shown.value(key)) {
+        const QScopedValueRollback showing(m_isShowing, true);
         show();
+    }
+}
+
+void PreferencesPane::choose(const QVariant &value, const QString &key)
+{
+    if (m_isShowing) {
+        return;
+    }
+    if (ZQError error; !defaults().storeObjectForKey(value, key, &error)) {
+        // Later: others are still to be told what the control shows now.
+        const auto goBack = [this, key, error] {
+            showPreference(key);
+            Q_EMIT refused(error);
+        };
+        QMetaObject::invokeMethod(this, goBack, Qt::QueuedConnection);
     }
 }
 
@@ -79,8 +96,7 @@ QCheckBox *PreferencesPane::addSwitch(const QString &key, const QString &text, c
         label->setContentsMargins(meaningIndent, 0, 0, 4);
     }
     setShown(key, [box, key, onValue] { box->setChecked(defaults().boolForKey(key) == onValue); });
-    connect(box, &QCheckBox::toggled, this,
-            [key, onValue](bool isOn) { defaults().setObjectForKey(isOn == onValue, key); });
+    connect(box, &QCheckBox::toggled, this, [this, key, onValue](bool isOn) { choose(isOn == onValue, key); });
     return box;
 }
 
@@ -102,9 +118,9 @@ void PreferencesPane::addChoices(const QString &key, const QString &name, const 
             }
         }
     });
-    connect(group, &QButtonGroup::idToggled, this, [key, choices](int id, bool isOn) {
+    connect(group, &QButtonGroup::idToggled, this, [this, key, choices](int id, bool isOn) {
         if (isOn) {
-            defaults().setObjectForKey(choices[id].value, key);
+            choose(choices[id].value, key);
         }
     });
 }
@@ -140,6 +156,6 @@ QSpinBox *PreferencesPane::addNumber(const QString &key, const QString &text, co
         field->setValue(int(std::clamp<qint64>(value / number.unit, number.smallest, number.largest)));
     });
     connect(field, &QSpinBox::valueChanged, this,
-            [key, unit = number.unit](int value) { defaults().setObjectForKey(value * unit, key); });
+            [this, key, unit = number.unit](int value) { choose(value * unit, key); });
     return field;
 }

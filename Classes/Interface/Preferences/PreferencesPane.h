@@ -1,8 +1,11 @@
 #pragma once
 
+#include "Kit/Foundation/ZQError.h"
+
 #include <QHash>
 #include <QWidget>
 
+#include <chrono>
 #include <functional>
 
 class QCheckBox;
@@ -12,7 +15,7 @@ class QSpinBox;
 class QVBoxLayout;
 
 // The settings of one subject in a column. Each control shows one preference, writes it as soon as it is changed, and
-// follows it when it is changed elsewhere. Main thread.
+// follows it when it is changed elsewhere. Where it cannot be written the control goes back to what holds. Main thread.
 class PreferencesPane : public QWidget
 {
     Q_OBJECT
@@ -42,14 +45,21 @@ public:
 
     void showPreference(const QString &key); // as it is now
 
+    static constexpr std::chrono::milliseconds refusalTime{8000}; // for the text of `refused`
+
+Q_SIGNALS:
+    void refused(const ZQError &error); // what was chosen could not be written
+
 protected:
     QVBoxLayout *column() const { return m_column; }
 
 private:
     void setShown(const QString &key, std::function<void()> show);
+    void choose(const QVariant &value, const QString &key);
     QLabel *addLabel(const QString &text, const QString &style);
 
     QVBoxLayout *m_column;
     QGridLayout *m_numbers = nullptr; // to which the next number is added, too
     QHash<QString, std::function<void()>> m_shown;
+    bool m_isShowing = false; // what controls tell meanwhile nobody chose
 };

@@ -6,6 +6,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Widgets/ZQIcon.h"
+#include "Kit/Widgets/ZQNotificationBubble.h"
 
 #include <QAction>
 #include <QApplication>
@@ -24,7 +25,8 @@ constexpr int namesWidth = 190;
 } // namespace
 
 PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *mainWindow)
-    : QDialog(mainWindow), m_mainWindow(mainWindow), m_names(new QListWidget(this)), m_stack(new QStackedWidget(this))
+    : QDialog(mainWindow), m_mainWindow(mainWindow), m_names(new QListWidget(this)), m_stack(new QStackedWidget(this)),
+      m_bubble(new ZQNotificationBubble(this))
 {
     setObjectName(QStringLiteral("Preferences"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -76,6 +78,9 @@ void PreferencesWindow::addPane(PreferencesPane *pane, const QString &icon)
         new QListWidgetItem(ZQIcon::icon(icon, ZQColorRole::TextMuted, shown, shown), pane->accessibleName(), m_names);
     name->setSizeHint({0, ZQMeasure::rowHeight});
     m_stack->addWidget(pane);
+    connect(pane, &PreferencesPane::refused, this, [this](const ZQError &error) {
+        m_bubble->showText(error.localizedDescription(), m_stack, false, PreferencesPane::refusalTime);
+    });
 }
 
 void PreferencesWindow::preferenceDidChange(const QString &key)

@@ -8,6 +8,7 @@
 class PreferencesPane;
 class QListWidget;
 class QStackedWidget;
+class ZQNotificationBubble;
 class tamberin_AppDelegate;
 
 // The preferences: the names of the panes and the one that is chosen, as it was left. Lies above its main window, which
@@ -30,6 +31,7 @@ private:
     QPointer<QWidget> m_mainWindow;
     QListWidget *m_names;
     QStackedWidget *m_stack;
+    ZQNotificationBubble *m_bubble;
     bool m_makesRoom = false;
     ZQUserDefaults::Token m_token;
 };

@@ -124,8 +124,7 @@ void MainWindowController::startAfterFirstScreen(LibraryIndex &index)
 {
     auto *timer = new QTimer(m_sidebar);
     timer->setSingleShot(true);
-    connect(timer, &QTimer::timeout, m_sidebar,
-            [this] { m_sidebar->setShowsCounts(defaults().boolForKey(QStringLiteral("SidebarDisplayBadges"))); });
+    connect(timer, &QTimer::timeout, m_preferencesFollower, &PreferencesFollower::showCounts);
     connect(timer, &QTimer::timeout, &index, &LibraryIndex::start);
     connect(timer, &QTimer::timeout, timer, &QObject::deleteLater);
     connect(&m_browser->content(), &BrowserContent::changed, timer, [timer] { timer->start(0); });
@@ -215,8 +214,8 @@ void MainWindowController::makeCommands()
     connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateCommands);
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainWindowController::updateCommands);
     connect(qApp, &QApplication::focusChanged, this, &MainWindowController::updateCommands);
-    auto *preferences = new PreferencesFollower(*m_sidebar, *m_browser, m_mainWindow.get());
-    connect(preferences, &PreferencesFollower::followed, this, &MainWindowController::updateCommands);
+    m_preferencesFollower = new PreferencesFollower(*m_sidebar, *m_browser, m_user, m_mainWindow.get());
+    connect(m_preferencesFollower, &PreferencesFollower::followed, this, &MainWindowController::updateCommands);
 }
 
 // Tied to the window's own places, or to what several panes share.
@@ -344,7 +343,7 @@ void MainWindowController::toggle(QWidget *pane)
 
 void MainWindowController::toggleTheme()
 {
-    PreferencesFollower::setDark(!ZQTheme::current().isDark());
+    m_preferencesFollower->setDark(!ZQTheme::current().isDark());
     updateCommands();
 }
 
@@ -412,7 +411,8 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
         if (SidebarTargetRules::canRemoveItems(single.get())) {
-            const QString title = zqFormat(zqLocalized("Remove from %@"), {zqShortened(single->title(), longestInMenu)});
+            const QString title =
+                zqFormat(zqLocalized("Remove from %@"), {zqShortened(single->title(), longestInMenu)});
             menu.addAction(zqTitleWithKeys(title, command(CommandID::Remove)->shortcut()), m_browser,
                            &BrowserViewController::removeFromProject);
         }

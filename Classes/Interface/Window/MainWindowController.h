@@ -19,6 +19,7 @@ class InfoPanelViewController;
 class LibraryIndex;
 class MainToolbar;
 class MainWindow;
+class PreferencesFollower;
 class PreferencesWindow;
 class ProjectsSidebarViewController;
 class QAction;
@@ -101,6 +102,7 @@ private:
     TabsController *m_tabs = nullptr;
     SavedSearchActions *m_savedSearches = nullptr;
     WindowFollower *m_follower = nullptr;
+    PreferencesFollower *m_preferencesFollower = nullptr;
     WindowCommands *m_commands = nullptr;
     QPointer<PreferencesWindow> m_preferences; // while it is open
 };

@@ -5,6 +5,7 @@
 #include "Classes/Interface/Preferences/LibraryPane.h"
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Widgets/ZQNotificationBubble.h"
 #include "Kit/Widgets/ZQTheme.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
@@ -26,6 +27,22 @@ ZQUserDefaults &defaults()
 {
     return ZQUserDefaults::standardUserDefaults();
 }
+
+// As a person protects a file, until the block ends.
+class Protected
+{
+public:
+    explicit Protected(const QString &path) : m_path(path)
+    {
+        EXPECT_TRUE(QFile::setPermissions(m_path, QFileDevice::ReadOwner));
+    }
+    ~Protected() { QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner); }
+    Protected(const Protected &) = delete;
+    Protected &operator=(const Protected &) = delete;
+
+private:
+    QString m_path;
+};
 
 class PreferencesWindowTest : public MainWindowFixture
 {
@@ -153,6 +170,47 @@ TEST_F(PreferencesWindowTest, TheWindowFollowsEachSwitchAtOnce)
     EXPECT_TRUE(isOn("removeFromSidebarAlertSuppress"));
     defaults().setObjectForKey(false, QStringLiteral("removeFromSidebarAlertSuppress"));
     EXPECT_TRUE(waitFor([&] { return asks->isChecked(); }));
+}
+
+TEST_F(PreferencesWindowTest, WhatCannotBeWrittenGoesBackAndSaysWhy)
+{
+    open();
+    const auto said = [](QWidget &place) {
+        const auto *bubble = place.findChild<ZQNotificationBubble *>(QString(), Qt::FindDirectChildrenOnly);
+        return bubble && bubble->isVisible() ? bubble->text() : QString();
+    };
+    auto *extensions = control<QCheckBox>("Show extensions");
+    auto *titles = control<QCheckBox>("Show titles below thumbnails");
+    ASSERT_TRUE(defaults().synchronize());
+    const Protected file(defaults().path());
+    control<QRadioButton>("Light")->click();
+    EXPECT_TRUE(waitFor([&] { return said(*preferences()).contains(defaults().path()); }));
+    EXPECT_TRUE(control<QRadioButton>("Dark")->isChecked());
+    EXPECT_TRUE(ZQTheme::current().isDark());
+    titles->click();
+    EXPECT_TRUE(waitFor([&] { return titles->isChecked(); }));
+    EXPECT_TRUE(extensions->isEnabled()) << "with what belongs to it";
+    choose("Tags");
+    auto *icon = control<QSpinBox>("Icon");
+    icon->stepUp();
+    EXPECT_TRUE(waitFor([&] { return icon->value() == 32; }));
+    close();
+    run(CommandID::DarkTheme);
+    EXPECT_TRUE(waitFor([&] { return said(window()).contains(defaults().path()); }));
+    EXPECT_TRUE(ZQTheme::current().isDark());
+    EXPECT_TRUE(controller->command(CommandID::DarkTheme)->isChecked());
+}
+
+TEST_F(PreferencesWindowTest, AnotherProcessIsFollowedWithoutBeingAsked)
+{
+    open();
+    ZQUserDefaults other(defaults().path());
+    other.setObjectForKey(false, QStringLiteral("UseDarkUI"));
+    EXPECT_TRUE(waitFor([] { return !ZQTheme::current().isDark(); }));
+    EXPECT_TRUE(waitFor([this] { return control<QRadioButton>("Light")->isChecked(); }));
+    other.removeObjectForKey(QStringLiteral("UseDarkUI"));
+    EXPECT_TRUE(waitFor([this] { return control<QRadioButton>("Dark")->isChecked(); }));
+    EXPECT_FALSE(defaults().isSet(QStringLiteral("UseDarkUI"))) << "what is shown is not what was chosen";
 }
 
 TEST_F(PreferencesWindowTest, ANumberCountsWhenItIsWholeAndADefaultWhereItIsNone)

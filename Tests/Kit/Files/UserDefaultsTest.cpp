@@ -167,6 +167,76 @@ TEST_F(UserDefaults, TellObserversOfChangesOnly)
     EXPECT_EQ(told, QStringList({QStringLiteral("Key1"), QStringLiteral("Key0")}));
 }
 
+TEST_F(UserDefaults, TellObserversOfWhatAnotherProcessChanged)
+{
+    const QString list = QStringLiteral("List");
+    const QString gone = QStringLiteral("Gone");
+    ZQUserDefaults other(store);
+    other.setObjectForKey(1, key);
+    other.setObjectForKey(1, gone);
+    ZQUserDefaults defaults(store);
+    defaults.setObjectForKey(QStringList{QStringLiteral("a")}, list);
+    QStringList told;
+    const auto token = defaults.observe(
+        [&](const QString &changed) { told.append(changed + QString::number(defaults.integerForKey(changed))); });
+    defaults.refresh();
+    EXPECT_EQ(told, QStringList()) << "what held when they began is no change";
+
+    other.setObjectForKey(2, key);
+    other.removeObjectForKey(gone);
+    defaults.refresh();
+    told.sort();
+    EXPECT_EQ(told, QStringList({QStringLiteral("Gone0"), QStringLiteral("Key2")}));
+
+    other.setObjectForKey(3, key);
+    told.clear();
+    EXPECT_EQ(defaults.integerForKey(key), 3);
+    EXPECT_EQ(told, QStringList(QStringLiteral("Key3"))) << "by any reading";
+    other.setObjectForKey(4, key);
+    told.clear();
+    defaults.setObjectForKey(4, key);
+    EXPECT_EQ(told, QStringList(QStringLiteral("Key4"))) << "also when it is what is chosen here";
+}
+
+TEST_F(UserDefaults, ThatAPersonChoosesHoldOnceTheyAreWritten)
+{
+    folder(QStringLiteral("config"));
+    const QString obstacle = file(QStringLiteral("config/Zelto"), "a file where the folder belongs");
+    const QString kept = QStringLiteral("Kept");
+    ZQUserDefaults defaults(store);
+    defaults.registerDefaults({{key, 5}});
+    defaults.setObjectForKey(1, kept);
+    QStringList told;
+    const auto token = defaults.observe([&](const QString &changed) { told.append(changed); });
+    ZQError error;
+    EXPECT_FALSE(defaults.storeObjectForKey(7, key, &error));
+    EXPECT_TRUE(error.localizedDescription().contains(store)) << qPrintable(error.localizedDescription());
+    EXPECT_FALSE(defaults.storeObjectForKey({}, kept));
+    EXPECT_EQ(defaults.integerForKey(key), 5);
+    EXPECT_EQ(defaults.integerForKey(kept), 1);
+    EXPECT_EQ(told, QStringList());
+    ASSERT_TRUE(QFile::remove(obstacle));
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(ZQUserDefaults(store).keys(), QStringList(kept)) << "nothing comes back that was refused";
+    EXPECT_TRUE(defaults.storeObjectForKey(7, key, &error));
+    EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 7);
+    EXPECT_EQ(told, QStringList(key));
+}
+
+TEST_F(UserDefaults, WriteNothingOverADamagedFileThatCannotBeSetAside)
+{
+    folder(QStringLiteral("config/Zelto/defaults.json.damaged/kept"));
+    write(store, "damaged");
+    ZQUserDefaults defaults(store);
+    EXPECT_FALSE(defaults.objectForKey(key).isValid());
+    EXPECT_FALSE(defaults.storeObjectForKey(1, key));
+    EXPECT_EQ(read(store), "damaged");
+    ASSERT_TRUE(QDir(store + QStringLiteral(".damaged")).removeRecursively());
+    EXPECT_TRUE(defaults.storeObjectForKey(1, key));
+    EXPECT_EQ(read(store + QStringLiteral(".damaged")), "damaged");
+    EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 1);
+}
+
 TEST_F(UserDefaults, MayBeUsedFromSeveralThreads)
 {
     ZQUserDefaults defaults(store);
