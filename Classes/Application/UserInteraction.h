@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Classes/Application/ImportOutcome.h"
 #include "Kit/Foundation/ZQError.h"
-#include "Kit/Persistence/ZQObjectID.h"
 
 #include <QDateTime>
 #include <QList>
@@ -45,11 +45,12 @@ struct DuplicatePair
     QStringList existingPlaces; // titles of the projects it is in
     QDateTime existingImportDate;
     QString newTitle;
-    QString newPath;
+    QString newPath; // in an archive: below the archive's path
     QString newThumbPath;
     qint64 bytes = 0;
     int pixelWidth = 0;
     int pixelHeight = 0;
+    bool archivesFollow = false; // the import has archives whose duplicates are asked about later
 };
 
 // A line of long work with its bar. Ends when destroyed. Any thread.
@@ -79,25 +80,6 @@ enum class NotificationPlace { Window = 0, Browser = 1, Sidebar = 2 };
 
 constexpr std::chrono::milliseconds usualNotificationTime{2500};
 
-// A file that was to be imported and was not, and why.
-struct RefusedFile
-{
-    QString path;
-    QString reason; // with what to do
-};
-
-// What became of an import, once its items are safe.
-struct ImportOutcome
-{
-    QString text;    // what there is to say in any case; empty: all went well
-    QString summary; // instead of it where the refused files can be listed; empty: the text
-    std::chrono::milliseconds time{};
-    ZQObjectID target; // the sidebar item it went to
-    QList<ZQObjectID> imported;
-    QList<RefusedFile> refused; // those whose reasons are for a person
-    qsizetype notImported = 0;  // of them; the others came in part
-};
-
 // The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's
 // sheets, the command line's flags and prompts, a script in tests. A question without a person to answer it takes the
 // answer that changes least.
@@ -124,7 +106,8 @@ public:
     // The two questions of an import. Any thread: they wait for the answer, or for `dismissQuestions`.
     // Lets the person uncheck files that cannot be read. False stops the import.
     virtual bool resolveUnreadableFiles(QList<FileConflict> &conflicts) = 0;
-    // One choice for each pair, in order; nothing when the person cancelled the import.
+    // One choice for each pair, in order; nothing when the person cancelled the import. Where archives follow, one more
+    // is for all that those bring.
     virtual std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) = 0;
 
     // Ends the questions that other threads wait for, as if the person had cancelled each.

@@ -62,6 +62,12 @@ void BatchRecord::archiveDidUnfold(const UnfoldedArchive &archive)
     m_unfoldedArchives.append(archive);
 }
 
+bool BatchRecord::hasUnfoldedArchives() const
+{
+    const ZQLockGuard lock(m_mutex);
+    return !m_unfoldedArchives.isEmpty();
+}
+
 QList<UnfoldedArchive> BatchRecord::takeUnfoldedArchives()
 {
     const ZQLockGuard lock(m_mutex);

@@ -36,6 +36,7 @@ public:
     void beginProgress(UserInteraction &user, qsizetype fileCount, const std::weak_ptr<ZQOperation> &operation);
     void showWholeProgress(); // those too that came too soon after the last to be shown by themselves
     void endProgress();
+    bool hasUnfoldedArchives() const;
     QList<UnfoldedArchive> takeUnfoldedArchives();
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Import/ImportWhole.h"
 #include "Classes/Import/UnfoldedArchive.h"
 #include "Kit/Persistence/ZQObjectID.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -8,6 +9,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <memory>
 #include <optional>
 
 // What is to be imported, and where to.
@@ -19,4 +21,5 @@ struct BatchRequest
     QVariantMap metadata = {};                      // attribute values of every item
     std::optional<UnfoldedArchive> origin = {};     // what `paths` came out of; its folder goes with the request
     std::optional<DuplicateChoice> duplicates = {}; // what becomes of them; nothing: the person is asked
+    std::shared_ptr<ImportWhole> whole = std::make_shared<ImportWhole>(); // that it is a part of
 };

@@ -78,12 +78,12 @@ void BatchResult::report(const CreatedItems &items, const QSet<QString> &followe
     }
 }
 
-void BatchResult::tell(bool hasFollowUps, bool wasCancelled)
+void BatchResult::tell(const End &end)
 {
     const bool tookLong = std::chrono::steady_clock::now() - m_startDate > longEnoughToBeElsewhere;
-    const bool isWanted = tookLong && !wasCancelled && !m_batch.record.report().isUnfinished() &&
+    const bool isWanted = tookLong && !end.wasCancelled && !m_batch.record.report().isUnfinished() &&
                           !(m_batch.hasArchives && m_batch.request.paths.size() == 1);
-    const bool gaveNothing = !hasFollowUps && !m_batch.isProcessed;
+    const bool gaveNothing = !end.hasFollowUps && !m_batch.isProcessed;
     if (m_batch.record.report().isUnfinished()) {
         notify(m_resumption.textForUnfinished(), std::chrono::seconds(6));
     }
@@ -93,8 +93,10 @@ void BatchResult::tell(bool hasFollowUps, bool wasCancelled)
             gaveNothing ? zqLocalized("Nothing to import") : zqLocalized("Import operation successful");
         zqOnMainThread([&user = m_batch.user, title, text] { user.showSystemNotification(title, text); });
     }
-    if (!wasCancelled) {
+    if (!end.wasCancelled) {
         tellOutcome(gaveNothing && !m_batch.record.report().isUnfinished());
+    } else if (!end.isKept && !m_batch.record.report().isUnfinished()) {
+        tellOfCancel(m_batch.request);
     }
 }
 
@@ -113,7 +115,9 @@ ImportOutcome BatchResult::outcome() const
                           .time = std::chrono::seconds(6),
                           .target = m_batch.target,
                           .imported = m_imported,
-                          .refused = {}};
+                          .refused = {},
+                          .import = m_batch.request.whole->identifier(),
+                          .hasMore = m_batch.request.whole->hasPartsToCome()};
     qsizetype &notImported = outcome.notImported;
     for (const DroppedFile &file : m_batch.record.report().dropped()) {
         if (isTold(file)) {
@@ -135,10 +139,7 @@ ImportOutcome BatchResult::outcome() const
         texts.append(textForIncomplete(incomplete));
     }
     outcome.text = texts.join(u'\n');
-    const bool saysWhy = notImported == 1 && outcome.refused.size() == 1 && !outcome.text.isEmpty();
-    if (notImported > 0 && !m_imported.isEmpty() && !saysWhy) {
-        outcome.summary = zqFormat(zqLocalized("%d imported, %d not"), {m_imported.size(), notImported});
-    }
+    outcome.summarize();
     return outcome;
 }
 
@@ -150,8 +151,14 @@ void BatchResult::tellOutcome(bool gaveNothing)
         const QString nothing = zqLocalized("Nothing to import!");
         constexpr std::chrono::seconds time(2);
         if (told.text.isEmpty()) {
+            if (m_batch.request.origin && told.refused.isEmpty()) {
+                told.refused.append({m_batch.request.origin->archivePath,
+                                     zqLocalized("The archive holds nothing that can be imported.")});
+                told.notImported = 1;
+            }
             told.text = nothing;
             told.time = time;
+            told.saysNothingCame = true;
         } else {
             notify(nothing, time);
         }
@@ -159,11 +166,29 @@ void BatchResult::tellOutcome(bool gaveNothing)
     if (!told.text.isEmpty()) {
         m_batch.record.report().addNotification(told.text);
     }
-    zqOnMainThread([told] {
+    tell(told);
+}
+
+void BatchResult::tell(const ImportOutcome &outcome)
+{
+    zqOnMainThread([outcome] {
         if (tamberin_AppDelegate *delegate = tamberin_AppDelegate::sharedDelegate()) {
-            delegate->userInteraction().importDidEnd(told);
+            delegate->userInteraction().importDidEnd(outcome);
         }
     });
+}
+
+void BatchResult::tellOfCancel(const BatchRequest &request)
+{
+    tell(ImportOutcome{.text = zqLocalized("Import cancelled"),
+                       .summary = {},
+                       .time = usualNotificationTime,
+                       .target = request.target,
+                       .imported = {},
+                       .refused = {},
+                       .import = request.whole->identifier(),
+                       .hasMore = request.whole->hasPartsToCome(),
+                       .isCancelled = true});
 }
 
 void BatchResult::notify(const QString &text, std::chrono::milliseconds time)

@@ -12,6 +12,7 @@ class BatchResumption;
 struct DroppedFile;
 struct ImportOutcome;
 class CreatedItems;
+struct BatchRequest;
 struct BatchState;
 
 // What became of one batch, for the person: the last lines of its report, a notification in the window, and one of the
@@ -25,12 +26,21 @@ public:
     // Every file asked for is in the report afterwards, imported or with a reason. `followedUp`: archives whose own
     // requests report what was in them.
     void report(const CreatedItems &items, const QSet<QString> &followedUp, bool wasCancelled);
-    void tell(bool hasFollowUps, bool wasCancelled);
+    struct End
+    {
+        bool hasFollowUps = false; // what came out of archives is yet to be imported
+        bool wasCancelled = false;
+        bool isKept = false; // a cancel is not the person's, and keeps the request
+    };
+    void tell(const End &end);
+    // Of a request that was cancelled before its turn.
+    static void tellOfCancel(const BatchRequest &request);
 
 private:
     bool isTold(const DroppedFile &file) const;
     ImportOutcome outcome() const;
     void tellOutcome(bool gaveNothing);
+    static void tell(const ImportOutcome &outcome);
     void notify(const QString &text, std::chrono::milliseconds time);
 
     BatchState &m_batch;

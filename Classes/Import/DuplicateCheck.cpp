@@ -29,12 +29,16 @@ void DuplicateCheck::run()
     if (duplicates.empty()) {
         return;
     }
-    const auto &answer = m_batch.request.duplicates;
+    ImportWhole &whole = *m_batch.request.whole;
+    const auto answer = m_batch.request.duplicates ? m_batch.request.duplicates : whole.duplicates();
     const auto choices = answer ? QList<DuplicateChoice>(qsizetype(duplicates.size()), *answer)
                                 : m_batch.user.resolveDuplicates(pairs(duplicates));
     if (!choices) {
         m_batch.operation.cancel();
         return;
+    }
+    if (choices->size() > qsizetype(duplicates.size())) {
+        whole.setDuplicates(choices->last());
     }
     for (std::size_t i = 0; i < duplicates.size(); ++i) {
         resolve(duplicates[i], choices->value(qsizetype(i), DuplicateChoice::KeepBoth));
@@ -99,13 +103,19 @@ QList<DuplicatePair> DuplicateCheck::pairs(const std::vector<Duplicate> &duplica
              .existingPlaces = places,
              .existingImportDate = item->import_date(),
              .newTitle = file.completeBaseName(),
-             .newPath = created.sourcePath,
+             .newPath = m_batch.record.report().shownPath(created.sourcePath),
              .newThumbPath = created.thumbName.isEmpty() ? created.filePath : file.path() + u'/' + created.thumbName,
              .bytes = file.size(),
              .pixelWidth = item->pixelWidth(),
-             .pixelHeight = item->pixelHeight()});
+             .pixelHeight = item->pixelHeight(),
+             .archivesFollow = doArchivesFollow()});
     }
     return pairs;
+}
+
+bool DuplicateCheck::doArchivesFollow() const
+{
+    return m_batch.record.hasUnfoldedArchives() || m_batch.request.whole->hasPartsToCome();
 }
 
 void DuplicateCheck::resolve(const Duplicate &duplicate, DuplicateChoice choice)

@@ -10,7 +10,8 @@ class BatchResumption;
 class CreatedItems;
 
 // Finds out which of the items that a batch made the library had already, by their digests, and asks the person about
-// them, once for the whole batch. Each is kept, discarded, or discarded with the library's item put in its place.
+// them, once for the whole batch. Each is kept, discarded, or discarded with the library's item put in its place. An
+// answer for all that the import brings holds for the batches of its archives too.
 //
 // The batch's thread, which waits for the answer; the person may cancel the batch there. One query for 500 digests.
 // When the library cannot be read the batch is postponed and what is unsaved given up.
@@ -35,6 +36,7 @@ private:
     std::optional<std::vector<Duplicate>> find();
     QList<DuplicatePair> pairs(const std::vector<Duplicate> &duplicates) const;
     void resolve(const Duplicate &duplicate, DuplicateChoice choice);
+    bool doArchivesFollow() const;
     void relink(ZQLibraryBaseItem &existing, ZQLibraryBaseItem &created);
 
     BatchState &m_batch;

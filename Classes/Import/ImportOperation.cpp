@@ -131,6 +131,9 @@ void ImportOperation::removeEverythingCreated()
 
 void ImportOperation::finish(BatchResult &result)
 {
+    if (m_batch.request.origin) {
+        m_batch.request.whole->partDidCome();
+    }
     if (!isCancelled() && m_batch.context) {
         DuplicateCheck(m_batch, m_items, m_resumption).run();
     }
@@ -144,7 +147,9 @@ void ImportOperation::finish(BatchResult &result)
     m_batch.record.takeUnfoldedArchives();
     m_resumption.end(wasCancelled, m_owner.keepsCancelledImports(), m_items.savedCount(), !m_followUps.isEmpty());
     result.report(m_items, m_followedUpPaths, wasCancelled);
-    result.tell(!m_followUps.isEmpty(), wasCancelled);
+    result.tell({.hasFollowUps = !m_followUps.isEmpty(),
+                 .wasCancelled = wasCancelled,
+                 .isKept = m_owner.keepsCancelledImports()});
     m_batch.record.endProgress();
     releaseOrigin();
 }
@@ -222,6 +227,8 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
         m_batch.record.fileDidDrop({archive.archivePath, cancelledImportReason(), DroppedFile::Telling::Quietly});
         return;
     }
+    const auto &duplicates = m_batch.request.duplicates;
+    const auto &whole = m_batch.request.whole;
     const auto followUp = m_resumption.unpacksOf()
                               ? m_owner.resumeImportOfArchive(archive, m_resumption.requestOfArchive())
                               : m_owner.startImport({.paths = {archive.folder},
@@ -229,8 +236,12 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
                                                      .index = indexForArchive(archive),
                                                      .metadata = archive.metadata,
                                                      .origin = archive,
-                                                     .duplicates = m_batch.request.duplicates});
+                                                     .duplicates = duplicates ? duplicates : whole->duplicates(),
+                                                     .whole = whole});
     if (followUp) {
+        if (!m_resumption.unpacksOf()) {
+            whole->expectPart();
+        }
         const PendingImportFile::Source handedOver{
             .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};
         ZQError error;

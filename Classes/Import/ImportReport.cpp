@@ -31,21 +31,30 @@ void ImportReport::setOrigin(const QString &folder, const QString &shownAs)
     m_originShownAs = shownAs;
 }
 
+QString ImportReport::shown(const QString &path) const
+{
+    const bool isInOrigin =
+        !m_originFolder.isEmpty() && (path == m_originFolder || path.startsWith(m_originFolder + u'/'));
+    return isInOrigin ? m_originShownAs + path.mid(m_originFolder.size()) : path;
+}
+
+QString ImportReport::shownPath(const QString &path) const
+{
+    const ZQLockGuard lock(m_mutex);
+    return shown(path);
+}
+
 void ImportReport::addDropped(const DroppedFile &file)
 {
     const ZQLockGuard lock(m_mutex);
-    DroppedFile shown = file;
-    QString &path = shown.path;
-    if (!m_originFolder.isEmpty() && (path == m_originFolder || path.startsWith(m_originFolder + u'/'))) {
-        path.replace(0, m_originFolder.size(), m_originShownAs);
-    }
+    const QString path = shown(file.path);
     if (m_incomplete.remove(path)) {
         m_dropped.removeIf([&path](const DroppedFile &earlier) { return earlier.path == path; });
     }
-    if (shown.telling == DroppedFile::Telling::InWindowIncomplete) {
+    if (file.telling == DroppedFile::Telling::InWindowIncomplete) {
         m_incomplete.insert(path);
     }
-    m_dropped.append(shown);
+    m_dropped.append({path, file.reason, file.telling});
 }
 
 void ImportReport::addNotification(const QString &text)

@@ -38,6 +38,7 @@ public:
 
     // From then on a path below `folder` is reported as one below `shownAs`: what lies there has no place of its own.
     void setOrigin(const QString &folder, const QString &shownAs);
+    QString shownPath(const QString &path) const;
     void setImported(const QStringList &bundleIDs);
     // What is said last of a path that is incomplete counts: the import may go on with it and drop it later.
     void addDropped(const DroppedFile &file);
@@ -45,6 +46,8 @@ public:
     void setUnfinished();
 
 private:
+    QString shown(const QString &path) const ZQ_REQUIRES(m_mutex);
+
     mutable ZQMutex m_mutex;
     QString m_originFolder ZQ_GUARDED_BY(m_mutex);
     QString m_originShownAs ZQ_GUARDED_BY(m_mutex);

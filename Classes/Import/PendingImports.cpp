@@ -4,6 +4,7 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/BatchRequest.h"
+#include "Classes/Import/BatchResult.h"
 #include "Classes/Import/DuplicateAnswer.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
@@ -219,13 +220,26 @@ void PendingImports::didLookThroughLeftovers(const QDateTime &launch) const
 std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const KeptRequest &kept)
 {
     auto operation = std::make_shared<ImportOperation>(request, kept, m_owner);
-    operation->setCompletionBlock([this, pending = kept.pending, weak = std::weak_ptr(operation)] {
-        // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
-        const auto ended = weak.lock();
-        if (pending && ended && ended->isCancelled() && !ended->hasStarted() && !keepsCancelled()) {
-            pending->remove();
-        }
-    });
+    BatchRequest asked = request;
+    asked.origin.reset(); // its folder goes with the operation
+    operation->setCompletionBlock(
+        [this, pending = kept.pending, asked, isPart = request.origin.has_value(), weak = std::weak_ptr(operation)] {
+            // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
+            const auto ended = weak.lock();
+            if (!ended || !ended->isCancelled() || ended->hasStarted()) {
+                return;
+            }
+            if (isPart) {
+                asked.whole->partDidCome();
+            }
+            if (keepsCancelled()) {
+                return;
+            }
+            if (pending) {
+                pending->remove();
+            }
+            BatchResult::tellOfCancel(asked);
+        });
     application().backgroundOperationQueue().addOperation(operation);
     return operation;
 }

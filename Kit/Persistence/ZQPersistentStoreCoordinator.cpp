@@ -1,10 +1,12 @@
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Kit/Persistence/ZQStoreCheck.h"
 #include "Kit/Persistence/ZQStoreIndexes.h"
+#include "Kit/Persistence/ZQStoreInterruption.h"
 #include "Kit/Persistence/ZQStoreMigration.h"
 #include "Kit/Persistence/ZQStoreReplacement.h"
 #include "Kit/Persistence/ZQStoreSchema.h"
@@ -143,14 +145,26 @@ bool ZQPersistentStoreCoordinator::prepareStore(ZQSQLiteConnection &connection, 
     if (!checkAfterUncleanEnd(connection, error)) {
         return false;
     }
-    const bool isMigrated = !isModelCompatible(*m_model, *metadata);
-    if (isMigrated && !zqMigrateStore(connection, *metadata, *m_model, options, error)) {
+    return bringUpToDate(connection, *metadata, options, error);
+}
+
+bool ZQPersistentStoreCoordinator::bringUpToDate(ZQSQLiteConnection &connection, const ZQStoreMetadata &metadata,
+                                                 const ZQStoreOptions &options, ZQError *error)
+{
+    const ZQStoreInterruption interruption(connection);
+    const bool isMigrated = !isModelCompatible(*m_model, metadata);
+    if (isMigrated && !zqMigrateStore(connection, metadata, *m_model, options, error)) {
         return false;
     }
     // A store that cannot be written works without them.
     if (!zqUpdateIndexes(connection, *m_model) ||
         !(isMigrated ? zqGatherStatistics(connection, *m_model) : zqUpdateStatistics(connection, *m_model))) {
         qCInfo(zqLogStore, "indexes as they were: %s", qUtf8Printable(connection.error().localizedDescription()));
+    }
+    // What is committed stays; the rest is made at the next opening.
+    if (ZQCancellation::isCurrentCancelled()) {
+        zqSetError(error, zqStoreErrorForSQLite(SQLITE_INTERRUPT, {}, m_path));
+        return false;
     }
     return true;
 }

@@ -72,8 +72,9 @@ public:
     // transaction after a copy was put beside it (PATH.before-VERSION, which stays while
     // `pendingVersions` has any); a failed migration leaves it as it was. A store of a newer version is refused.
     // After an unclean end the store is looked at for about a second first, and refused as Damaged, unchanged, when
-    // that finds something. What a killed recovery left is finished or removed, so nobody may be recovering it. Null
-    // with `error` (domain ZQStoreErrorDomain).
+    // that finds something. What a killed recovery left is finished or removed, so nobody may be recovering it. The
+    // thread's ZQCancellation ends a migration, which leaves the store as it was, and what comes behind it, which goes
+    // on at the next opening. Null with `error` (domain ZQStoreErrorDomain).
     static std::shared_ptr<ZQPersistentStoreCoordinator> open(std::shared_ptr<const ZQManagedObjectModel> model,
                                                               const QString &path, const ZQStoreOptions &options = {},
                                                               ZQError *error = nullptr);
@@ -142,6 +143,8 @@ public:
 private:
     ZQPersistentStoreCoordinator() = default;
     bool prepareStore(ZQSQLiteConnection &connection, const ZQStoreOptions &options, ZQError *error);
+    bool bringUpToDate(ZQSQLiteConnection &connection, const ZQStoreMetadata &metadata, const ZQStoreOptions &options,
+                       ZQError *error);
     // `otherwise` when no line has the name.
     std::optional<qint64> numberNamed(const QString &name, const QString &metadataKey,
                                       std::optional<qint64> otherwise) const;

@@ -89,8 +89,8 @@ public:
     bool isInTransaction() const;
     // Whether the open transaction holds references to rows that do not exist (yet).
     bool hasDanglingReferences() const;
-    bool copyTo(const QString &path,
-                ZQError *error); // a consistent copy of the whole database; ends with the thread's ZQCancellation
+    // A consistent copy of the whole database; ends with the thread's ZQCancellation.
+    bool copyTo(const QString &path, ZQError *error);
 
     // The last error as the store's: domain, code, and sentences that say what to do.
     ZQError error() const;

@@ -215,7 +215,8 @@ bool zqUpdateIndexes(ZQSQLiteConnection &connection, const ZQManagedObjectModel 
     if (difference->missing.isEmpty() && difference->needless.isEmpty()) {
         return true;
     }
-    if (!connection.execute(QStringLiteral("PRAGMA temp_store=FILE"))) { // what is sorted has the size of the index
+    if (!zqForgetStatistics(connection) || // or nobody takes them when this is cut off behind the last index
+        !connection.execute(QStringLiteral("PRAGMA temp_store=FILE"))) { // what is sorted has the size of the index
         return false;
     }
     QStringList statements = difference->missing;
@@ -244,6 +245,11 @@ bool zqGatherStatistics(ZQSQLiteConnection &connection, const ZQManagedObjectMod
                "WHERE m.\"type\" = 'table' AND i.\"partial\")")) &&
            connection.execute(QStringLiteral("ANALYZE sqlite_master")) &&
            zqWriteMetadata(connection, statisticsKey, lastKeys(connection, model)) && transaction.commit();
+}
+
+bool zqForgetStatistics(ZQSQLiteConnection &connection)
+{
+    return zqWriteMetadata(connection, statisticsKey, 0);
 }
 
 bool zqUpdateStatistics(ZQSQLiteConnection &connection, const ZQManagedObjectModel &model)

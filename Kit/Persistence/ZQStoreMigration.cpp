@@ -85,7 +85,8 @@ public:
     {
         return match() && setOldTablesAside() && zqExecuteAll(m_connection, zqTableStatements(m_to)) &&
                copyEntities() && copyJoins() && clearDanglingReferences() && dropOldTables() &&
-               zqCreateIndexes(m_connection, m_to) && notePending() && zqWriteModelMetadata(m_connection, m_to);
+               zqCreateIndexes(m_connection, m_to) && zqForgetStatistics(m_connection) && notePending() &&
+               zqWriteModelMetadata(m_connection, m_to);
     }
     QString problem() const { return m_problem; } // empty when the database failed
 
@@ -395,24 +396,6 @@ bool mayMigrate(const ZQStoreMetadata &metadata, const ZQManagedObjectModel &mod
     return true;
 }
 
-// While it lives, whatever the connection does ends once the thread's ZQCancellation is cancelled.
-class Interruption
-{
-public:
-    explicit Interruption(ZQSQLiteConnection &connection) : m_handle(connection.handle())
-    {
-        constexpr int stepsBetweenChecks = 10000;
-        sqlite3_progress_handler(
-            m_handle, stepsBetweenChecks, [](void *) { return ZQCancellation::isCurrentCancelled() ? 1 : 0; }, nullptr);
-    }
-    ~Interruption() { sqlite3_progress_handler(m_handle, 0, nullptr, nullptr); }
-    Interruption(const Interruption &) = delete;
-    Interruption &operator=(const Interruption &) = delete;
-
-private:
-    sqlite3 *m_handle;
-};
-
 bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
 {
     // References must not follow the tables that are set aside, nor be enforced between the steps. What is sorted for
@@ -422,11 +405,7 @@ bool migrateInTransaction(ZQSQLiteConnection &connection, Migration &migration)
         return false;
     }
     ZQSQLiteTransaction transaction(connection);
-    const auto run = [&] {
-        const Interruption interruption(connection);
-        return migration.run();
-    };
-    return transaction.isOpen() && run() && !ZQCancellation::isCurrentCancelled() && transaction.commit();
+    return transaction.isOpen() && migration.run() && !ZQCancellation::isCurrentCancelled() && transaction.commit();
 }
 
 } // namespace

@@ -235,11 +235,12 @@ void DuplicatesSheet::showPair()
     m_new->show(withExtension(pair.newTitle, pair.newPath), from + u'\n' + facts,
                 pair.newThumbPath.isEmpty() ? pair.newPath : pair.newThumbPath);
     const int left = int(m_pairs.size() - m_choices.size());
-    m_applyToAll->setText(left == int(m_pairs.size())
+    m_applyToAll->setText(pair.archivesFollow ? zqLocalized("Apply to all duplicates of this import")
+                          : left == int(m_pairs.size())
                               ? zqFormat(zqLocalized("Apply to all %d duplicates"), {left})
                               : zqFormat(zqLocalized("Apply to the remaining %d duplicates"), {left}));
     m_applyToAll->setToolTip(zqLocalized("A switches this; 1, 2 and 3 choose."));
-    m_applyToAll->setVisible(left > 1);
+    m_applyToAll->setVisible(left > 1 || pair.archivesFollow);
 }
 
 void DuplicatesSheet::done(int code)
@@ -252,6 +253,9 @@ void DuplicatesSheet::done(int code)
         if (m_choices.size() < m_pairs.size()) {
             showPair();
             return;
+        }
+        if (m_applyToAll->isChecked() && m_pairs.last().archivesFollow) {
+            m_choices.append(choice);
         }
     }
     Sheet::done(code);

@@ -62,11 +62,12 @@ ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, P
       m_showEverything(std::move(showEverything)), m_ticket(window.fetcher, ContentFetcher::Priority::Content)
 {
     m_user.onImportEnd = [this](const ImportOutcome &outcome) {
-        if (!outcome.imported.isEmpty() || !outcome.refused.isEmpty()) {
-            m_last = outcome;
+        const ImportOutcome total = withEarlierParts(outcome);
+        if (!total.imported.isEmpty() || !total.refused.isEmpty()) {
+            m_last = total;
             Q_EMIT lastImportChanged();
         }
-        tellWhenShown(outcome, 0);
+        tellWhenShown(total, m_toldCount, 0);
     };
 }
 
@@ -75,13 +76,34 @@ ArrivedItems::~ArrivedItems()
     m_user.onImportEnd = nullptr;
 }
 
-// The rows come a moment after the items: whether they are in view is not known before.
-void ArrivedItems::tellWhenShown(const ImportOutcome &outcome, int looks)
+// What belongs to another import may have come in between.
+ImportOutcome ArrivedItems::withEarlierParts(const ImportOutcome &part)
 {
+    ImportOutcome total = m_unfinished.take(part.import);
+    if (total.import.isNull()) {
+        total = part;
+    } else {
+        total.add(part);
+    }
+    if (total.hasMore) {
+        m_unfinished.insert(total.import, total);
+    }
+    m_lastTold = total.import;
+    ++m_toldCount;
+    return total;
+}
+
+// The rows come a moment after the items: whether they are in view is not known before.
+void ArrivedItems::tellWhenShown(const ImportOutcome &outcome, int count, int looks)
+{
+    if (m_lastTold == outcome.import && m_toldCount != count) {
+        return; // a later part says it all
+    }
     if (outcome.imported.isEmpty() || looks == mostLooks || (looks > 0 && m_window.fetcher.isIdle())) {
         tell(outcome);
     } else {
-        QTimer::singleShot(lookInterval, this, [this, outcome, looks] { tellWhenShown(outcome, looks + 1); });
+        QTimer::singleShot(lookInterval, this,
+                           [this, outcome, count, looks] { tellWhenShown(outcome, count, looks + 1); });
     }
 }
 

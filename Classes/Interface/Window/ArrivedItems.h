@@ -5,14 +5,17 @@
 #include "Classes/Interface/WindowCommand.h"
 #include "Classes/Interface/WindowContext.h"
 
+#include <QHash>
 #include <QObject>
+#include <QUuid>
 
 class BrowserViewController;
 class ProjectsSidebarViewController;
 class WindowUserInteraction;
 
 // What the window says at the end of an import: how much came and how much did not, with a way to the items unless they
-// are in view, and to the reasons. What the last import brought can be asked for until the next one. Main thread.
+// are in view, and to the reasons. The parts of one are told as one that grows. What the last import brought can be
+// asked for until the next one. Main thread.
 class ArrivedItems : public QObject
 {
     Q_OBJECT
@@ -32,7 +35,8 @@ Q_SIGNALS:
     void lastImportChanged();
 
 private:
-    void tellWhenShown(const ImportOutcome &outcome, int looks);
+    ImportOutcome withEarlierParts(const ImportOutcome &part);
+    void tellWhenShown(const ImportOutcome &outcome, int count, int looks);
     void tell(const ImportOutcome &outcome);
     bool areInView(const QList<ZQObjectID> &items) const;
     void showLeft(const QList<ZQObjectID> &left, const ZQObjectID &target);
@@ -46,4 +50,7 @@ private:
     std::function<void()> m_showEverything;
     ContentFetcher::Ticket m_ticket;
     std::optional<ImportOutcome> m_last;
+    QHash<QUuid, ImportOutcome> m_unfinished; // imports of which parts are still to come, as far as they are
+    QUuid m_lastTold;
+    int m_toldCount = 0;
 };

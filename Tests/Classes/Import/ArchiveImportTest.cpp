@@ -352,7 +352,8 @@ TEST_F(ArchiveImportTest, ACancelLeavesNothingBehind)
         }
         EXPECT_FALSE(allDropped(*operation).isEmpty());
         EXPECT_EQ(tree(*projectsLabel()), QStringLiteral("Sample project[]"));
-        EXPECT_TRUE(user.notificationTexts().isEmpty());
+        EXPECT_EQ(user.notificationTexts(), QStringList{QStringLiteral("Import cancelled")});
+        user.notifications.clear();
         expectNothingLeft();
     }
 }
@@ -379,4 +380,38 @@ TEST_F(ArchiveImportTest, DuplicatesInAnArchiveAreAskedAbout)
     EXPECT_EQ(asked, 1);
     EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("c")}));
     EXPECT_EQ(allDropped(*operation).size(), 1);
+}
+
+TEST_F(ArchiveImportTest, DuplicatesInAnArchiveAreNamedByItAndAnAnswerForAllHoldsForThem)
+{
+    const QString there = writeFile(QStringLiteral("a.png"), picture(21));
+    import({there, writeFile(QStringLiteral("b.png"), picture(22)), writeFile(QStringLiteral("c.png"), picture(23))});
+    const QString again = path(QStringLiteral("again.png"));
+    ASSERT_TRUE(QFile::copy(there, again));
+    const QStringList archives{zip(QStringLiteral("One.zip"), {{"x.png", picture(22)}, {"sub/y.png", picture(30)}}),
+                               zip(QStringLiteral("Two.zip"), {{"z.png", picture(23)}})};
+    const auto before = items().size();
+    for (const bool isForAll : {true, false}) {
+        SCOPED_TRACE(isForAll);
+        QStringList asked;
+        QList<bool> follow;
+        user.answerDuplicates = [&](const QList<DuplicatePair> &pairs) {
+            for (const DuplicatePair &pair : pairs) {
+                asked.append(pair.newPath);
+                follow.append(pair.archivesFollow);
+            }
+            return QList<DuplicateChoice>(pairs.size() + (isForAll ? 1 : 0), DuplicateChoice::Discard);
+        };
+        const auto operation = import(QStringList{again} + archives, projectsLabel().get());
+        EXPECT_TRUE(operation->isWhollyFinished());
+        if (isForAll) {
+            EXPECT_EQ(asked, QStringList{again});
+        } else {
+            EXPECT_EQ(asked.mid(0, 2), (QStringList{again, archives[0] + QStringLiteral("/x.png")}));
+            EXPECT_EQ(asked.last(), archives[1] + QStringLiteral("/z.png"));
+        }
+        EXPECT_TRUE(follow.first());
+        EXPECT_EQ(follow.last(), isForAll) << "nothing comes after the last archive";
+        EXPECT_EQ(items().size(), before + 1) << "y, which is a duplicate the second time";
+    }
 }

@@ -163,6 +163,7 @@ TEST_F(Duplicates, CancellingTheQuestionCancelsTheBatch)
     EXPECT_EQ(titles(items()), QStringList{QStringLiteral("a")});
     EXPECT_EQ(itemDirectories().size(), 1);
     EXPECT_EQ(operation->report().dropped().size(), 2);
+    EXPECT_EQ(user.notificationTexts(), QStringList{QStringLiteral("Import cancelled")});
 }
 
 TEST_F(Duplicates, AnInactiveItemIsNoDuplicate)

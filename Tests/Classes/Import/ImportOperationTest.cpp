@@ -345,7 +345,7 @@ TEST_F(ImportOperationTest, CancellingRemovesEverythingTheBatchMade)
     EXPECT_TRUE(itemDirectories().isEmpty());
     EXPECT_EQ(zqFetch<ZQSidebarBaseItem>(context(), QStringLiteral("active == YES"))->size(), before);
     EXPECT_TRUE(QFile::exists(moved));
-    EXPECT_TRUE(user.notifications.isEmpty());
+    EXPECT_EQ(user.notificationTexts(), QStringList{QStringLiteral("Import cancelled")});
     EXPECT_EQ(operation->report().dropped().size(), 2);
 }
 

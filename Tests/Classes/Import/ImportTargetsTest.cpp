@@ -160,7 +160,7 @@ TEST_F(ImportTargets, AGivenUpBatchLeavesNoTagItMadeAndTakesNoneThatWasThere)
     EXPECT_EQ(operation->report().dropped().size(), sources.size());
     EXPECT_TRUE(ZQSidebarTag::tagWithTagName(QStringLiteral("known"), context()));
     EXPECT_FALSE(ZQSidebarTag::tagWithTagName(QStringLiteral("fresh"), context()));
-    EXPECT_TRUE(user.notifications.isEmpty());
+    EXPECT_EQ(user.notificationTexts(), QStringList{QStringLiteral("Import cancelled")});
 }
 
 TEST_F(ImportTargets, AStopEndsWhatRunsAndSaysSo)
@@ -203,6 +203,31 @@ TEST_F(ImportTargets, AQueuedRequestIsAnnouncedByItsCountAndATemporaryFileNotAtA
     stop = true;
     zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
     EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+}
+
+TEST_F(ImportTargets, AnImportThatIsCancelledBeforeItsTurnSaysSoUnlessItIsKept)
+{
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    for (const bool isKept : {true, false}) {
+        SCOPED_TRACE(isKept);
+        manager.setKeepsCancelledImports(isKept);
+        std::atomic<bool> stop = false;
+        delegate->backgroundOperationQueue().addOperationWithBlock([&stop] {
+            while (!stop) {
+                QThread::msleep(1);
+            }
+        });
+        const auto operation = manager.startImport({.paths = {writeImage(QStringLiteral("a.png"), {20, 20})}});
+        ASSERT_TRUE(operation);
+        user.notifications.clear();
+        operation->cancel();
+        stop = true;
+        zqRunMainLoopUntil([&] { return operation->isFinished(); });
+        zqRunMainLoopFor(std::chrono::milliseconds(100));
+        EXPECT_FALSE(operation->hasStarted());
+        EXPECT_EQ(user.notificationTexts(), isKept ? QStringList() : QStringList{QStringLiteral("Import cancelled")});
+    }
+    EXPECT_TRUE(items().isEmpty());
 }
 
 TEST_F(ImportTargets, AProjectThatWasNeverSavedIsATargetToo)

@@ -9,6 +9,7 @@
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Interface/DesktopListener.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
+#include "Tools/samples/SampleArchives.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -253,6 +254,42 @@ TEST_F(ArrivalsTest, TheLastImportCanBeAskedForUntilTheNextOne)
     press(Qt::Key_I, Qt::ControlModifier | Qt::AltModifier);
     settle();
     EXPECT_EQ(selected(), QStringList{"next"}) << "there is nothing to list";
+}
+
+TEST_F(ArrivalsTest, PartsOfOneImportAreToldAsOne)
+{
+    const auto contents = [this](const QString &name) {
+        QFile file(write(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const QByteArray set = SampleArchives::zipFile({{"x.png", contents(QStringLiteral("x.png"))},
+                                                    {"y.png", contents(QStringLiteral("y.png"))},
+                                                    {"worse.pdf", "no document either"}});
+    const QByteArray words = SampleArchives::zipFile({{"words.txt", "words"}});
+    const QStringList paths{write(QStringLiteral("good.png")), write(QStringLiteral("broken.pdf"), "not a document"),
+                            write(QStringLiteral("text.txt"), "words"), write(QStringLiteral("set.zip"), set),
+                            write(QStringLiteral("words.zip"), words)};
+    import(paths, b);
+    EXPECT_TRUE(waitFor([this] { return named("3 imported, 4 not") != nullptr; }))
+        << (bubble() ? bubble()->text().toStdString() : std::string());
+    settle();
+    EXPECT_TRUE(named("3 imported, 4 not")) << "no part says less later";
+    QStringList rows;
+    whenAsked([&](Sheet &sheet) {
+        auto *list = sheet.findChild<QListWidget *>();
+        for (int row = 0; list && row < list->count(); ++row) {
+            rows.append(list->item(row)->text().section(u'\n', 0, 0));
+        }
+        QTest::mouseClick(button("Show Imported"), Qt::LeftButton);
+    });
+    press(Qt::Key_I, Qt::ControlModifier | Qt::AltModifier);
+    ASSERT_TRUE(waitFor([&] { return !rows.isEmpty() && !window().findChild<RefusedFilesSheet *>(); }));
+    rows.sort();
+    EXPECT_EQ(rows, (QStringList{"broken.pdf", "text.txt", "words.zip", "worse.pdf"}));
+    settle();
+    QStringList chosen = selected();
+    chosen.sort();
+    EXPECT_EQ(chosen, (QStringList{"good", "x", "y"}));
 }
 
 TEST_F(ArrivalsTest, WhatThisLibraryHasIsLinkedAndNotImportedAgain)

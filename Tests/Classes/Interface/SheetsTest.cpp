@@ -650,3 +650,17 @@ TEST_F(SheetsTest, DuplicatesAreNamedWithTheirExtensionsAndWhereTheNewOneComesFr
     });
     DuplicatesSheet(&window, {pair}).run();
 }
+
+TEST_F(SheetsTest, AnAnswerForAllIsOneMoreWhereArchivesFollow)
+{
+    const auto answered = [this](const QList<Qt::Key> &keys) {
+        QList<DuplicatePair> one = pairs(1);
+        one.first().archivesFollow = true;
+        press(keys);
+        DuplicatesSheet sheet(&window, one);
+        const int code = sheet.run();
+        return sheet.answer(code);
+    };
+    EXPECT_EQ(answered({Qt::Key_2, Qt::Key_A, Qt::Key_Return}), std::optional(Choices(2, DuplicateChoice::Relink)));
+    EXPECT_EQ(answered({Qt::Key_2, Qt::Key_Return}), std::optional(Choices(1, DuplicateChoice::Relink)));
+}

@@ -1,8 +1,14 @@
 #include "Kit/Persistence/ZQStoreIndexes.h"
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
+#include "Kit/Persistence/ZQStoreInterruption.h"
 #include "Tests/Kit/Persistence/TestModel.h"
 
+#include <QFileInfo>
+
 #include <gtest/gtest.h>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -239,4 +245,65 @@ TEST(ZQStoreIndexes, AreMadeOnceThoughTheyAreDeclaredTwice)
     store.close();
     EXPECT_EQ(indexesOf(store.path), indexesOf(*store.model));
     EXPECT_EQ(zqIndexesOfModel(*store.model).size(), indexesOf(*store.model).size());
+}
+
+TEST(ZQStoreIndexes, AnOpeningThatIsCancelledIsGoneOnWithAtTheNext)
+{
+    TestStore store;
+    ASSERT_TRUE(store.coordinator());
+    store.close();
+    addNodes(store.path, 1, 30000);
+    ASSERT_TRUE(store.coordinator()); // which knows how much there is, and nothing of the indexes to come
+    store.close();
+    store.model = ZQManagedObjectModel::modelFromJSON(modelWith(wanted));
+    const auto before = indexesOf(store.path);
+    const auto missing = [&] {
+        QHash<QString, QString> result = indexesOf(*store.model);
+        const auto there = indexesOf(store.path);
+        result.removeIf([&there](const auto &entry) { return there.contains(entry.key()); });
+        return result.size();
+    };
+    ASSERT_GE(missing(), 2);
+    {
+        const auto cancellation = std::make_shared<ZQCancellation>();
+        cancellation->cancel();
+        const ZQCancellation::Scope scope(cancellation);
+        EXPECT_FALSE(store.coordinator());
+        EXPECT_EQ(store.error.code, int(ZQStoreError::Cancelled));
+        EXPECT_EQ(indexesOf(store.path), before);
+        EXPECT_GT(QFileInfo(store.path + QStringLiteral("-wal")).size(), 0)
+            << "the log is not worked in before the end";
+    }
+    // Behind the first of them that is made, and behind the last, of which nothing but the statistics is missing then.
+    for (const qsizetype left : {missing() - 1, qsizetype(0)}) {
+        SCOPED_TRACE(left);
+        struct Commits
+        {
+            qsizetype left;
+            std::shared_ptr<ZQCancellation> cancellation = std::make_shared<ZQCancellation>();
+        } commits{1 + missing() - left}; // the first one forgets the statistics
+        const ZQCancellation::Scope scope(commits.cancellation);
+        const auto connection = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        const ZQStoreInterruption interruption(*connection);
+        sqlite3_commit_hook(
+            connection->handle(),
+            [](void *context) {
+                auto *self = static_cast<Commits *>(context);
+                if (--self->left == 0) {
+                    self->cancellation->cancel();
+                }
+                return self->left < 0 ? 1 : 0; // however quick the next one is
+            },
+            &commits);
+        EXPECT_FALSE(zqUpdateIndexes(*connection, *store.model));
+        EXPECT_EQ(missing(), left);
+    }
+    store.error = {};
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    EXPECT_EQ(indexesOf(store.path), indexesOf(*store.model));
+    EXPECT_EQ(value(store.path, QStringLiteral("SELECT count(*) > 0 FROM sqlite_stat1 WHERE idx LIKE '%date%'")),
+              QStringLiteral("1"))
+        << "those of the new ones were taken too";
+    EXPECT_EQ(value(store.path, QStringLiteral("SELECT count(*) FROM TestNode")), QStringLiteral("30000"));
+    EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
 }
