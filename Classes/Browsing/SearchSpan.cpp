@@ -23,7 +23,7 @@ std::optional<SearchSpan> lastDays(const QString &number, const QDate &today)
     if (days < 1 || days > mostDays) {
         return std::nullopt;
     }
-    return daysBetween(today.addDays(1 - days), today);
+    return daysBetween(today.addDays(-days), today);
 }
 
 bool isWord(const QString &text, const char *word)

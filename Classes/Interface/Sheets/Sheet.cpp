@@ -43,6 +43,21 @@ QList<Sheet *> &shownSheets()
 }
 constexpr qsizetype longestTitle = 400;
 
+// As they are seen, from the top and from the left; of a group of buttons also those that Tab passes by for now.
+void appendFocusable(QLayout &layout, QList<QWidget *> &widgets)
+{
+    for (int i = 0; i < layout.count(); ++i) {
+        QLayoutItem &item = *layout.itemAt(i);
+        if (item.layout()) {
+            appendFocusable(*item.layout(), widgets);
+        } else if (QWidget *widget = item.widget(); widget && widget->focusPolicy() != Qt::NoFocus) {
+            widgets.append(widget);
+        } else if (widget && widget->layout()) {
+            appendFocusable(*widget->layout(), widgets);
+        }
+    }
+}
+
 } // namespace
 
 Sheet::Sheet(QWidget *window, const QString &title)
@@ -97,8 +112,19 @@ void Sheet::place()
     setGeometry((m_cover->width() - width) / 2, 0, width, std::min(height, m_cover->height()));
 }
 
+// Parts are made in whatever order, and the footer takes some before others that are there.
+void Sheet::orderFocus()
+{
+    QList<QWidget *> widgets;
+    appendFocusable(*layout(), widgets);
+    for (qsizetype i = 1; i < widgets.size(); ++i) {
+        setTabOrder(widgets[i - 1], widgets[i]);
+    }
+}
+
 void Sheet::begin()
 {
+    orderFocus();
     m_focusBefore = m_window->focusWidget();
     m_window->setProperty(isShownProperty, m_window->property(isShownProperty).toInt() + 1);
     for (QAction *action : m_window->actions()) {

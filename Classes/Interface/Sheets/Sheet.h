@@ -12,8 +12,8 @@ class QBoxLayout;
 class QPushButton;
 
 // A question on its window: hangs from the top of it, takes the keyboard and the pointer until it is answered. The
-// focus stays within it and returns to where it was; the window's shortcuts do nothing meanwhile. Enter takes the
-// default button, Esc the last one.
+// focus stays within it, goes through it as it is seen, and returns to where it was; the window's shortcuts do nothing
+// meanwhile. Enter takes the default button, Esc the last one.
 class Sheet : public QDialog
 {
     Q_OBJECT
@@ -44,6 +44,7 @@ protected:
 
 private:
     void place();
+    void orderFocus();
     void begin();
     void end();
     bool isOnTop() const;

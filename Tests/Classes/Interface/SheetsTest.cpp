@@ -1,4 +1,5 @@
 #include "Classes/Interface/Sheets/QuestionSheets.h"
+#include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -649,6 +650,45 @@ TEST_F(SheetsTest, DuplicatesAreNamedWithTheirExtensionsAndWhereTheNewOneComesFr
         button(sheet, "Cancel")->click();
     });
     DuplicatesSheet(&window, {pair}).run();
+}
+
+TEST_F(SheetsTest, TabGoesThroughASheetAsItIsSeen)
+{
+    UserQuestion question;
+    question.message = QStringLiteral("Sure?");
+    question.buttons = {QStringLiteral("Delete"), QStringLiteral("Keep"), QStringLiteral("Cancel")};
+    question.suppressionKey = QStringLiteral("SheetsTestOrder");
+    const QList<RefusedFile> refused{{QStringLiteral("/in/a"), QStringLiteral("why")}};
+    struct Case
+    {
+        Sheet *sheet;
+        const char *order; // from the first to the default, which has the focus
+        Qt::Key before = Qt::Key_Shift;
+    };
+    for (const Case &each :
+         {Case{new DuplicatesSheet(&window, pairs(2)), "Discard the new copy|Apply to all 2 duplicates|Cancel|Next"},
+          Case{new DuplicatesSheet(&window, pairs(2)),
+               "Apply to all 2 duplicates|Cancel|Next|Use the existing item here", Qt::Key_2},
+          Case{new QuestionSheet(&window, question), "Do not ask again|Cancel|Keep|Delete"},
+          Case{new UnreadableFilesSheet(&window, {{QStringLiteral("/in/a"), true, true}}),
+               "Files|Show in Folder|Stop Import|Continue"},
+          Case{new RefusedFilesSheet(&window, QStringLiteral("Left out"), refused, RefusedFilesSheet::Way::ToImported),
+               "Files that were not imported|Show in Folder|Show Imported|Close"}}) {
+        SCOPED_TRACE(each.order);
+        const QStringList expected = QString::fromLatin1(each.order).split(u'|');
+        each.sheet->open([](std::optional<int>) {});
+        ASSERT_TRUE(QTest::qWaitFor([] { return isSheetFocused(); }));
+        QTest::keyClick(QApplication::focusWidget(), each.before);
+        QStringList order;
+        for (qsizetype i = 0; i < expected.size(); ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            const QString text = QApplication::focusWidget()->property("text").toString();
+            order.append(text.isEmpty() ? QApplication::focusWidget()->accessibleName() : text);
+        }
+        EXPECT_EQ(order, expected) << order.join(u'|').toStdString();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 }
 
 TEST_F(SheetsTest, AnAnswerForAllIsOneMoreWhereArchivesFollow)
