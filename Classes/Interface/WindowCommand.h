@@ -50,7 +50,7 @@ enum class CommandID {
     GroupBySize = GroupPlain + 4,
     SortManually, // and the other orders, one after the other
     SortByKind = SortManually + 8,
-    SortByBytes = SortByKind + 3,
+    SortByTags = SortByKind + 2,
     SortAscending,
     SortDescending,
     ShowAsGrid,
