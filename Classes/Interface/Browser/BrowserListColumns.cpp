@@ -20,7 +20,7 @@ struct Column
     int width;
     int minimumWidth;
     bool isShown;
-    ZQSortValue sort; // None: it orders nothing
+    ZQSortValue sort;      // None: it orders nothing
     bool isAscendingFirst; // when it is chosen: from A, or from 1; else the newest and the largest come first
     ZQListValue (*value)(const Item &item, const Read *read);
 };

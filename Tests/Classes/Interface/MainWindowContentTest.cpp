@@ -406,9 +406,8 @@ TEST_F(MainWindowTest, TheBrowserSaysWhatItShowsAndInWhichOrder)
     show(special(ZQSidebarKind::Library));
     whenMenuOpens(QStringLiteral("Size"));
     named<QToolButton>("Sort: Import date")->click();
-    EXPECT_EQ(
-        menu.toStdString(),
-        "Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|-|Ascending|Descending");
+    EXPECT_EQ(menu.toStdString(),
+              "Import date|Title|Size|Color|Modification date|Creation date|Kind|Rating|Tags|-|Ascending|Descending");
     settle();
     EXPECT_TRUE(named("Sort: Size"));
     browser().content().setSidebarItems({});
