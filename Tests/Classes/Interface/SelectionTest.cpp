@@ -195,7 +195,9 @@ TEST_F(GridSelection, WhatIsWantedInOnePlaceIsNotSelectedInAnother)
     browser.grid().setCurrentIndex(0);
     browser.duplicate();
     browser.grid().setCurrentIndex(3); // before the copy is there, or after
-    ASSERT_TRUE(QTest::qWaitFor([this] { return browser.content().count() == 6; }, 10000));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return project->numberOfItems() == 6; }, 10000));
+    ASSERT_NO_FATAL_FAILURE(refetched());
+    EXPECT_EQ(browser.content().count(), 6);
     EXPECT_EQ(selected().left(1), QStringLiteral("d"));
 }
 
