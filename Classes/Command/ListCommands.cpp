@@ -1,6 +1,6 @@
 #include "Classes/Command/Commands.h"
 
-#include "Classes/Browsing/SidebarContents.h"
+#include "Classes/Browsing/Content/SidebarContents.h"
 #include "Classes/Command/ItemListing.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"

@@ -76,4 +76,4 @@ struct sqlite3;
 int zqRegisterSQLFunctions(sqlite3 *connection);
 
 // The folding of [c] (case), [d] (diacritics): the one function both back ends use.
-QString zqFold(const QString &text, bool caseInsensitive, bool diacriticInsensitive);
+QString zqFold(const QString &text, bool caseInsensitive = true, bool diacriticInsensitive = true);

@@ -239,6 +239,18 @@ QSet<ZQRef<ZQSidebarTag>> ZQLibraryBaseItem::itemTagsSet() const
     return {list.begin(), list.end()};
 }
 
+QStringList ZQLibraryBaseItem::userTagTitles() const
+{
+    QStringList titles;
+    for (const auto &tag : itemTags()) {
+        if (tag->isUserTag()) {
+            titles.append(tag->title());
+        }
+    }
+    titles.sort(Qt::CaseInsensitive);
+    return titles;
+}
+
 QList<ZQRef<ZQSidebarBaseItem>> ZQLibraryBaseItem::sidebarItems() const
 {
     QList<ZQRef<ZQSidebarBaseItem>> all = projects();

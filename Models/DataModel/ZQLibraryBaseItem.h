@@ -60,6 +60,7 @@ public:
     ZQRef<ZQProjectItem> projectItemForSidebarItem(const ZQSidebarBaseItem *sidebarItem) const;
     QList<ZQRef<ZQSidebarTag>> itemTags() const; // active ones
     QSet<ZQRef<ZQSidebarTag>> itemTagsSet() const;
+    QStringList userTagTitles() const;                    // of active tags that a person made, sorted
     QList<ZQRef<ZQSidebarBaseItem>> sidebarItems() const; // projects, then tags, then the live folder
 
     // Renames the file, its thumbnail and the item. False, with the error shown and nothing changed, for a title no

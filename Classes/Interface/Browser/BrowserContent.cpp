@@ -1,7 +1,7 @@
 #include "Classes/Interface/Browser/BrowserContent.h"
 
-#include "Classes/Browsing/ContentBuilder.h"
-#include "Classes/Browsing/SearchExpression.h"
+#include "Classes/Browsing/Content/ContentBuilder.h"
+#include "Classes/Browsing/Search/SearchExpression.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserListColumns.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Classes/Browsing/ContentFetcher.h"
-#include "Classes/Browsing/TabState.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Tabs/TabState.h"
 #include "Classes/Interface/Browser/BrowserRowValues.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Widgets/ZQGridView.h"

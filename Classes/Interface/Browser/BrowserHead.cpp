@@ -1,6 +1,6 @@
 #include "Classes/Interface/Browser/BrowserHead.h"
 
-#include "Classes/Browsing/ListOrder.h"
+#include "Classes/Browsing/Index/ListOrder.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/TabState.h"
+#include "Classes/Browsing/Tabs/TabState.h"
 #include "Classes/Interface/WindowCommand.h"
 
 #include <QWidget>

@@ -1,7 +1,7 @@
 #include "Classes/Interface/Browser/BrowserListColumns.h"
 
-#include "Classes/Browsing/ListOrder.h"
-#include "Classes/Browsing/ShortDate.h"
+#include "Classes/Browsing/Index/ListOrder.h"
+#include "Classes/Browsing/Search/ShortDate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"

@@ -1,6 +1,5 @@
 #include "Classes/Interface/Browser/BrowserRowValues.h"
 
-#include "Classes/Browsing/SelectionSummary.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 namespace {
@@ -52,7 +51,7 @@ void BrowserRowValues::want(const QList<ZQObjectID> &items)
             if (!isWanted()) {
                 return {};
             }
-            read.insert(item->objectID(), {SelectionSummary::userTagsOf(*item), item->byteSize()});
+            read.insert(item->objectID(), {item->userTagTitles(), item->byteSize()});
         }
         return [this, read, missing, generation] { take(read, missing, generation); };
     });

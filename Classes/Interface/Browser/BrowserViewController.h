@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/Facets.h"
+#include "Classes/Browsing/Content/Facets.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/WindowCommand.h"
 

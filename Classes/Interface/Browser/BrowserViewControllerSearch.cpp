@@ -1,6 +1,6 @@
 // What a search shows and what it hides: chips, refine bar, and the counts of the head and the status row.
 
-#include "Classes/Browsing/ItemCount.h"
+#include "Classes/Browsing/Index/ItemCount.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/HiddenItems.h"
 #include "Classes/Interface/Browser/RefineBar.h"

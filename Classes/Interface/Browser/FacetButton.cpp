@@ -1,6 +1,6 @@
 #include "Classes/Interface/Browser/FacetButton.h"
 
-#include "Classes/Browsing/ItemCount.h"
+#include "Classes/Browsing/Index/ItemCount.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQSwatch.h"
 #include "Kit/Widgets/ZQTheme.h"

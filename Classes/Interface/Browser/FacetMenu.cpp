@@ -75,10 +75,10 @@ void FacetMenu::popUp(const QPoint &globalPoint)
 
 void FacetMenu::find(const QString &text)
 {
-    const QString wanted = zqFold(text.trimmed(), true, true);
+    const QString wanted = zqFold(text.trimmed());
     QListWidgetItem *first = nullptr;
     for (int row = 0; row < m_list->count(); ++row) {
-        const bool isFound = zqFold(m_facet.values.at(row).title, true, true).contains(wanted);
+        const bool isFound = zqFold(m_facet.values.at(row).title).contains(wanted);
         m_list->item(row)->setHidden(!isFound);
         first = first || !isFound ? first : m_list->item(row);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/Facets.h"
+#include "Classes/Browsing/Content/Facets.h"
 
 #include <QFrame>
 

@@ -1,6 +1,6 @@
 #include "Classes/Interface/Browser/HiddenItems.h"
 
-#include "Classes/Browsing/ContentBuilder.h"
+#include "Classes/Browsing/Content/ContentBuilder.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Foundation/ZQLocalized.h"
 

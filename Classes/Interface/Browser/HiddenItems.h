@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Classes/Browsing/Content.h"
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/Content.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "Classes/Interface/Browser/RefineBar.h"
 
-#include "Classes/Browsing/FacetCounts.h"
+#include "Classes/Browsing/Content/FacetCounts.h"
 #include "Classes/Interface/Browser/FacetButton.h"
 #include "Classes/Interface/Browser/FacetMenu.h"
 #include "Classes/Interface/WindowContext.h"

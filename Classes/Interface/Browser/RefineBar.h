@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Classes/Browsing/Content.h"
-#include "Classes/Browsing/ContentFetcher.h"
-#include "Classes/Browsing/Facets.h"
+#include "Classes/Browsing/Content/Content.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Content/Facets.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #include "Classes/Interface/Browser/SearchChips.h"
 
-#include "Classes/Browsing/SearchExpression.h"
-#include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/Search/SearchExpression.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQIcon.h"

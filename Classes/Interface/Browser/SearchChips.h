@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/SearchPart.h"
+#include "Classes/Browsing/Search/SearchPart.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/DetailDocument.h"
+#include "Classes/Browsing/Content/DetailDocument.h"
 #include "Kit/Widgets/ZQArtworkGround.h"
 
 #include <QWidget>

@@ -1,9 +1,9 @@
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 
-#include "Classes/Browsing/ContentFetcher.h"
-#include "Classes/Browsing/ItemCount.h"
-#include "Classes/Browsing/SearchManager.h"
-#include "Classes/Browsing/SearchToken.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Index/ItemCount.h"
+#include "Classes/Browsing/Search/SearchManager.h"
+#include "Classes/Browsing/Search/SearchToken.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"

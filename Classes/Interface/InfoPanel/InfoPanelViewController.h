@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Classes/Browsing/ContentFetcher.h"
-#include "Classes/Browsing/SelectionSummary.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Content/SelectionSummary.h"
 #include "Classes/Interface/WindowCommand.h"
 #include "Classes/Interface/WindowContext.h"
 

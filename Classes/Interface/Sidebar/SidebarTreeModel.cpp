@@ -1,6 +1,6 @@
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
 
-#include "Classes/Browsing/SidebarContents.h"
+#include "Classes/Browsing/Content/SidebarContents.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Interface/WindowContext.h"
 
 #include <QAbstractItemModel>

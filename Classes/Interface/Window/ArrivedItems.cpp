@@ -1,6 +1,6 @@
 #include "Classes/Interface/Window/ArrivedItems.h"
 
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/SearchCompletion.h"
+#include "Classes/Browsing/Search/SearchCompletion.h"
 
 #include <QWidget>
 

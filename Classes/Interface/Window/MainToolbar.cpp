@@ -1,6 +1,6 @@
 #include "Classes/Interface/Window/MainToolbar.h"
 
-#include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTabStrip.h"

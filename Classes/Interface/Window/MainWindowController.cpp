@@ -1,8 +1,8 @@
 #include "Classes/Interface/Window/MainWindowController.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Browsing/FileTagReader.h"
-#include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/Content/FileTagReader.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/Interface/WindowCommand.h"
 #include "Classes/Interface/WindowContext.h"

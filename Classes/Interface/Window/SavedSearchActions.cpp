@@ -1,7 +1,7 @@
 #include "Classes/Interface/Window/SavedSearchActions.h"
 
-#include "Classes/Browsing/SearchExpression.h"
-#include "Classes/Browsing/SearchManager.h"
+#include "Classes/Browsing/Search/SearchExpression.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/SavedSearchButtons.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
@@ -9,7 +9,6 @@
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 
 #include <QLineEdit>
-#include <QRegularExpression>
 #include <QSignalBlocker>
 
 #include <utility>
@@ -80,11 +79,10 @@ bool SavedSearchActions::canUpdate() const
 // Nothing where everything is searched, and for a title that means something else in a search.
 QString SavedSearchActions::placePart() const
 {
-    static const QRegularExpression special(QStringLiteral("[*?\"\\\\\\x00-\\x1f]"));
     const auto item = m_browser.content().singleItem();
     const bool isTag = item && item->isTag() && item->kind() == 0; // of a person
     const bool isPlace = item && (isTag || item->isProject()) && !item->isSpecial() && !item->isSmartFolder();
-    if (!isPlace || item->title().isEmpty() || item->title().contains(special)) {
+    if (!isPlace || !SearchManager::isPlain(item->title())) {
         return {};
     }
     const SearchField field = isTag ? SearchField::Tag : SearchField::Project;

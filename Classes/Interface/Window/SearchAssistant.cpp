@@ -1,7 +1,7 @@
 #include "Classes/Interface/Window/SearchAssistant.h"
 
-#include "Classes/Browsing/SearchExpression.h"
-#include "Classes/Browsing/SearchNames.h"
+#include "Classes/Browsing/Search/SearchExpression.h"
+#include "Classes/Browsing/Search/SearchNames.h"
 #include "Classes/Interface/Window/CompletionList.h"
 #include "Classes/Interface/WindowContext.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Classes/Browsing/ContentFetcher.h"
-#include "Classes/Browsing/SearchCompletion.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Search/SearchCompletion.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/OpenTabs.h"
+#include "Classes/Browsing/Tabs/OpenTabs.h"
 #include "Classes/Interface/WindowCommand.h"
 
 #include <QObject>

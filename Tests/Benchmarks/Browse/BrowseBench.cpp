@@ -4,10 +4,10 @@
 // zelto_browse_bench make STORE ITEMS
 // zelto_browse_bench measure STORE ITEMS
 
-#include "Classes/Browsing/ContentBuilder.h"
-#include "Classes/Browsing/FacetCounts.h"
-#include "Classes/Browsing/LibraryIndex.h"
-#include "Classes/Browsing/ListOrder.h"
+#include "Classes/Browsing/Content/ContentBuilder.h"
+#include "Classes/Browsing/Content/FacetCounts.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Browsing/Index/ListOrder.h"
 #include "Models/DataModel/ZQModel.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"

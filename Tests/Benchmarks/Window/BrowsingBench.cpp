@@ -1,7 +1,7 @@
 #include "Tests/Benchmarks/Window/BrowsingBench.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/InfoPanel/TagField.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Tests/Classes/Editing/EditFixture.h"
 
 // A scratch library with the fixed sidebar, and what looks at it.

@@ -1,7 +1,7 @@
-#include "Classes/Browsing/ContentBuilder.h"
+#include "Classes/Browsing/Content/ContentBuilder.h"
 
-#include "Classes/Browsing/LibraryIndex.h"
-#include "Classes/Browsing/ListOrder.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Browsing/Index/ListOrder.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Models/DataModel/ZQSidebarTag.h"

@@ -1,4 +1,4 @@
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 

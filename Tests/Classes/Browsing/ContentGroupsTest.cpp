@@ -1,6 +1,6 @@
 // What a tab shows, against the plain way over objects in memory.
 
-#include "Classes/Browsing/ContentBuilder.h"
+#include "Classes/Browsing/Content/ContentBuilder.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarRecent.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"

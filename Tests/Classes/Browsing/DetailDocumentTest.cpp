@@ -1,4 +1,4 @@
-#include "Classes/Browsing/DetailDocument.h"
+#include "Classes/Browsing/Content/DetailDocument.h"
 #include "Kit/Imaging/ZQRenderPool.h"
 #include "Kit/Operations/ZQMainThread.h"
 

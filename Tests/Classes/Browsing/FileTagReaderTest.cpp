@@ -1,4 +1,4 @@
-#include "Classes/Browsing/FileTagReader.h"
+#include "Classes/Browsing/Content/FileTagReader.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 #include "Tests/Classes/Editing/EditQueueGate.h"

@@ -1,4 +1,4 @@
-#include "Classes/Browsing/IndexReader.h"
+#include "Classes/Browsing/Index/IndexReader.h"
 
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"

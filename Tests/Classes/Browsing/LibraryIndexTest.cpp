@@ -1,6 +1,6 @@
-#include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 
-#include "Classes/Browsing/ListOrder.h"
+#include "Classes/Browsing/Index/ListOrder.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryPDF.h"

@@ -1,6 +1,6 @@
-#include "Classes/Browsing/OpenTabsFile.h"
+#include "Classes/Browsing/Tabs/OpenTabsFile.h"
 
-#include "Classes/Browsing/ListOrder.h"
+#include "Classes/Browsing/Index/ListOrder.h"
 #include "Kit/Files/ZQKeyedArchive.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"

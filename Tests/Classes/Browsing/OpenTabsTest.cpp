@@ -1,4 +1,4 @@
-#include "Classes/Browsing/OpenTabs.h"
+#include "Classes/Browsing/Tabs/OpenTabs.h"
 
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 

@@ -1,4 +1,4 @@
-#include "Classes/Browsing/SearchCompletion.h"
+#include "Classes/Browsing/Search/SearchCompletion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "Classes/Browsing/KindNames.h"
-#include "Classes/Browsing/SearchManager.h"
-#include "Classes/Browsing/SearchSpan.h"
+#include "Classes/Browsing/Index/KindNames.h"
+#include "Classes/Browsing/Search/SearchManager.h"
+#include "Classes/Browsing/Search/SearchSpan.h"
 #include "Kit/Files/ZQUserDefaults.h"
 
 #include <gtest/gtest.h>

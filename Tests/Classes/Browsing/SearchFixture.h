@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Classes/Browsing/SearchManager.h"
-#include "Classes/Browsing/StoreSearch.h"
+#include "Classes/Browsing/Content/StoreSearch.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"

@@ -1,4 +1,4 @@
-#include "Classes/Browsing/SelectionSummary.h"
+#include "Classes/Browsing/Content/SelectionSummary.h"
 
 #include "Classes/Editing/ItemEdits.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"

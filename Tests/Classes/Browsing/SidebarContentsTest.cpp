@@ -1,10 +1,10 @@
 // What smart folders show, of the store and of the index, and the numbers beside the entries of the sidebar.
 
-#include "Classes/Browsing/SidebarContents.h"
+#include "Classes/Browsing/Content/SidebarContents.h"
 
-#include "Classes/Browsing/ContentBuilder.h"
-#include "Classes/Browsing/LibraryIndex.h"
-#include "Classes/Browsing/TabState.h"
+#include "Classes/Browsing/Content/ContentBuilder.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Browsing/Tabs/TabState.h"
 #include "Classes/Editing/SidebarCommands.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"

@@ -1,4 +1,4 @@
-#include "Classes/Browsing/TabState.h"
+#include "Classes/Browsing/Tabs/TabState.h"
 
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"

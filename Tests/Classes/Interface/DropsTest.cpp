@@ -2,7 +2,7 @@
 
 #include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Browsing/ContentFetcher.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"

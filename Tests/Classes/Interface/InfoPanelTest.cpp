@@ -1,6 +1,5 @@
 // The info panel: what it says of none, one and many, and what each of its fields does.
 
-#include "Classes/Browsing/SelectionSummary.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -144,7 +143,7 @@ TEST_F(InfoPanelTest, EveryFieldIsAStepThatCanBeTakenBack)
     const auto source = [](const ZQLibraryBaseItem &item) { return item.webPageURL(); };
     const auto said = [](const ZQLibraryBaseItem &item) { return item.notes(); };
     const auto stars = [](const ZQLibraryBaseItem &item) { return QString::number(item.rating()); };
-    const auto tagged = [](const ZQLibraryBaseItem &item) { return SelectionSummary::userTagsOf(item).join(u','); };
+    const auto tagged = [](const ZQLibraryBaseItem &item) { return item.userTagTitles().join(u','); };
 
     field("License")->setFocus();
     type(QStringLiteral(" CC0 "));
@@ -399,7 +398,7 @@ TEST_F(InfoPanelTest, SavingTakesNothingThatNobodyTyped)
     type(QStringLiteral("hal"));
     select({QStringLiteral("clear")});
     EXPECT_EQ(typed->text(), QString()) << "it was meant for the other one";
-    EXPECT_EQ(SelectionSummary::userTagsOf(*image(QStringLiteral("clear"))), QStringList());
+    EXPECT_EQ(image(QStringLiteral("clear"))->userTagTitles(), QStringList());
 }
 
 TEST_F(InfoPanelTest, TitlesThatWaitForAnEditStayAndAreEachOneStep)

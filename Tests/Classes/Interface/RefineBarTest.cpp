@@ -1,7 +1,7 @@
 // What is shown is refined by a click, and the text says so.
 
 #include "Classes/Interface/Browser/RefineBar.h"
-#include "Classes/Browsing/LibraryIndex.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Interface/Browser/FacetButton.h"
 #include "Classes/Interface/Browser/FacetMenu.h"
 #include "Classes/Interface/Browser/HiddenItems.h"

@@ -130,7 +130,7 @@ private:
             const QString *text = std::get_if<QString>(&value);
             const auto utf8 = [&](const QString &string) { return string.toStdString(); };
             const std::string exact = text ? utf8(*text) : std::string();
-            const std::string folded = text ? utf8(zqFold(*text, true, true)) : std::string();
+            const std::string folded = text ? utf8(zqFold(*text)) : std::string();
             held.exact.append(text ? ZQTextBlocks::Text(exact) : std::nullopt);
             held.folded.append(text ? ZQTextBlocks::Text(folded) : std::nullopt);
             held.digests.append(text ? std::optional<std::string_view>(exact) : std::nullopt);

@@ -1,0 +1,156 @@
+#include "Classes/Browsing/Content/SidebarContents.h"
+
+#include "Classes/Browsing/Content/StoreSearch.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Browsing/Search/SearchManager.h"
+#include "Kit/Foundation/ZQCancellation.h"
+#include "Models/DataModel/ZQLibraryBaseItem.h"
+#include "Models/DataModel/ZQModelFetch.h"
+#include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarSmartFolder.h"
+
+namespace {
+
+// Those of more than one item; nothing where the index has no answer.
+std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading &reading,
+                                                     const QList<ZQFetchRequest> &requests)
+{
+    ZQRowSet all(reading.rowCount());
+    for (ZQFetchRequest request : requests) {
+        if (zqListRowsOfEntity(request.entityName) == ZQListRows::LibraryItems && request.fetchLimit == 0) {
+            const auto found = reading.matching(request.predicate, ZQListRows::LibraryItems, reading.items());
+            if (!found) {
+                return std::nullopt;
+            }
+            all |= *found;
+            continue;
+        }
+        if (request.fetchLimit == 0) {
+            request.sortDescriptors.clear(); // in any order
+        }
+        const auto found = reading.rows(request);
+        if (!found) {
+            return std::nullopt;
+        }
+        all |= LibraryIndex::Reading::setOf(*found, reading.rowCount());
+    }
+    constexpr qint64 several = 2; // how many makes no difference
+    QMap<QString, qint64> counts;
+    for (const QString &digest : reading.repeatedDigests(all)) {
+        counts.insert(digest, several);
+    }
+    return counts;
+}
+
+} // namespace
+
+ZQFetchRequest SidebarContents::wholeLibrary()
+{
+    return {.entityName = ZQLibraryBaseItem::entityName(),
+            .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("active == YES")),
+            .sortDescriptors = {{QStringLiteral("import_date"), false},
+                                {QStringLiteral("title"), false, ZQSortDescriptor::Comparison::LocalizedStandard}}};
+}
+
+ZQFetchRequest SidebarContents::request(const ZQSidebarBaseItem &item) const
+{
+    const auto *smart = dynamic_cast<const ZQSidebarSmartFolder *>(&item);
+    return smart ? requestForSearchText(smart->searchText()) : item.contentRequest();
+}
+
+ZQFetchRequest SidebarContents::requestForSearchText(const QString &text) const
+{
+    ZQFetchRequest request = wholeLibrary();
+    const ZQPredicate found =
+        SearchManager::predicateForSearchString(text, searchContext(ZQListRows::LibraryItems, {request}));
+    request.predicate =
+        found.isNull() ? ZQPredicate::notPredicate({}) : ZQPredicate::andPredicate({request.predicate, found});
+    return request;
+}
+
+// Digests that occur twice are looked for in the whole content, which takes the store seconds in a large library.
+SearchContext SidebarContents::searchContext(ZQListRows rows, const QList<ZQFetchRequest> &requests) const
+{
+    SearchContext result = StoreSearch::context(rows, requests, m_context);
+    if (m_index) {
+        result.hashCounts = [index = m_index, requests, ofStore = result.hashCounts]() -> QMap<QString, qint64> {
+            const auto reading = index->waitUntilCurrent() ? index->read() : std::optional<LibraryIndex::Reading>();
+            const auto repeated = reading ? repeatedDigests(*reading, requests) : std::nullopt;
+            return repeated ? *repeated : ofStore();
+        };
+    }
+    return result;
+}
+
+SidebarContents::Entry SidebarContents::entryFor(const ZQSidebarBaseItem &item)
+{
+    const auto *smart = dynamic_cast<const ZQSidebarSmartFolder *>(&item);
+    return {item.objectID(), item.contentRequest(), smart != nullptr, smart ? smart->searchText() : QString()};
+}
+
+bool SidebarContents::isIndexCurrent() const
+{
+    return m_index && m_index->waitUntilCurrent();
+}
+
+// One pass over the lists of the index counts all projects, tags and live folders; only what is found by a condition
+// takes one of its own.
+SidebarContents::Counts SidebarContents::countsOfIndex(const QList<Entry> &entries) const
+{
+    Counts result;
+    const auto reading = isIndexCurrent() ? m_index->read() : std::nullopt;
+    if (!reading) {
+        return result;
+    }
+    const ZQRowSet active = reading->active();
+    Counts held;
+    for (const IndexFacet facet : {IndexFacet::Tag, IndexFacet::Project, IndexFacet::LiveFolder}) {
+        for (const IndexCount &count : reading->counts(facet, active, {})) {
+            held.insert(count.value.value<ZQObjectID>(), count.count);
+        }
+    }
+    const ZQEntityDescription *tags = m_context.model().entity(QStringLiteral("ZQSidebarTag"));
+    const ZQEntityDescription *folders = m_context.model().entity(QStringLiteral("ZQSidebarWatchedFolder"));
+    for (const Entry &entry : entries) {
+        const bool isHeld = entry.request.entityName == ZQProjectItem::entityName() ||
+                            entry.item.entity->isKindOf(tags) || entry.item.entity->isKindOf(folders);
+        if (isHeld) {
+            result.insert(entry.item, held.value(entry.item, 0));
+        } else if (const auto found =
+                       reading->matching(entry.request.predicate, ZQListRows::LibraryItems, reading->items())) {
+            result.insert(entry.item, qint64(found->count()));
+        }
+    }
+    return result;
+}
+
+std::optional<SidebarContents::Counts> SidebarContents::counts(const QList<Entry> &entries,
+                                                               const std::function<bool()> &isWanted) const
+{
+    QList<Entry> asked = entries;
+    for (Entry &entry : asked) { // before the index is read, which a search may do itself
+        if (entry.isSmart) {
+            entry.request = requestForSearchText(entry.searchText);
+        }
+        entry.request.sortDescriptors.clear();
+    }
+    Counts result = countsOfIndex(asked);
+    for (const Entry &entry : std::as_const(asked)) {
+        if (!isWanted()) {
+            return std::nullopt;
+        }
+        if (result.contains(entry.item)) {
+            continue;
+        }
+        ZQError error;
+        const auto count = m_context.countForFetchRequest(entry.request, &error);
+        if (!count) {
+            if (!ZQCancellation::isCurrentCancelled()) {
+                zqLogFetchError(error);
+            }
+            return std::nullopt;
+        }
+        result.insert(entry.item, *count);
+    }
+    return result;
+}

@@ -1,0 +1,41 @@
+#include "Classes/Browsing/Index/IndexText.h"
+
+#include "Kit/Persistence/ZQPredicate.h"
+
+#include <QUtf8StringView>
+
+#include <algorithm>
+
+namespace {
+
+bool isASCII(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char each) { return static_cast<signed char>(each) >= 0; });
+}
+
+char lowered(char letter)
+{
+    return letter >= 'A' && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
+}
+
+} // namespace
+
+std::string_view indexFolded(std::string_view text, std::string &buffer)
+{
+    if (isASCII(text)) {
+        buffer.resize(text.size());
+        std::transform(text.begin(), text.end(), buffer.begin(), lowered);
+    } else {
+        buffer = zqFold(QString::fromUtf8(text.data(), qsizetype(text.size()))).toStdString();
+    }
+    return buffer;
+}
+
+std::string_view indexExact(std::string_view text, std::string &buffer)
+{
+    if (isASCII(text) || QUtf8StringView(text.data(), qsizetype(text.size())).isValidUtf8()) {
+        return text;
+    }
+    buffer = QString::fromUtf8(text.data(), qsizetype(text.size())).toStdString();
+    return buffer;
+}

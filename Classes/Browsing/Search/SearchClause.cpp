@@ -1,0 +1,301 @@
+#include "Classes/Browsing/Search/SearchClause.h"
+
+#include "Classes/Browsing/Index/KindNames.h"
+#include "Classes/Browsing/Search/SearchQueries.h"
+#include "Classes/Browsing/Search/SearchSpan.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
+#include "Models/DataModel/ZQSidebarTag.h"
+
+#include <QLocale>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int mostStars = 5;
+constexpr int shownLength = 60; // of an argument in a sentence
+
+QString shown(const QString &text)
+{
+    return zqShortened(text, shownLength);
+}
+
+SearchClause wrong(SearchProblem problem, const char *format, const QVariantList &arguments = {})
+{
+    SearchClause clause;
+    clause.problem = problem;
+    clause.meaning = zqFormat(zqLocalized(format), arguments);
+    return clause;
+}
+
+SearchClause plainClause(const QString &query, const QString &meaning)
+{
+    SearchClause clause;
+    clause.meaning = meaning;
+    clause.normalized = zqFold(query);
+    clause.compose = [query](const QString &operand, bool exclude) {
+        return SearchQueries::composeQueryStringWithQuery(query, operand, exclude);
+    };
+    return clause;
+}
+
+QString sentenceForText(SearchField field, const QString &text)
+{
+    struct Sentence
+    {
+        SearchField field;
+        const char *format;
+    };
+    static constexpr Sentence sentences[] = {
+        {SearchField::Word, "“%@” in the title, the notes, the extension or a tag"},
+        {SearchField::Title, "Title contains “%@”"},
+        {SearchField::Notes, "Notes contain “%@”"},
+        {SearchField::Extension, "Extension is “%@”"},
+        {SearchField::Tag, "Has the tag “%@”"},
+        {SearchField::Project, "In a project named “%@”"},
+        {SearchField::Folder, "In a live folder named “%@”, or below it"},
+        {SearchField::Kind, "Kind is “%@”"},
+        {SearchField::Size, "Size class is “%@”"},
+        {SearchField::Color, "Color is “%@”"},
+        {SearchField::Hash, "Digest is %@"},
+    };
+    for (const Sentence &each : sentences) {
+        if (each.field == field) {
+            return zqFormat(zqLocalized(each.format), {shown(text)});
+        }
+    }
+    return SearchToken::ofField(field).meaning();
+}
+
+SearchClause numberClause(const SearchLexeme &lexeme, const QString &method, const SearchContext &context)
+{
+    const bool isRating = lexeme.token->field == SearchField::Rating;
+    bool isNumber = false;
+    const qint64 value = lexeme.text.toLongLong(&isNumber);
+    if (!isNumber) {
+        return wrong(SearchProblem::BadNumber, "“%@” is no whole number.", {shown(lexeme.text)});
+    }
+    if (isRating && (value < 0 || value > mostStars)) {
+        return wrong(SearchProblem::BadRating, "A rating is a number of stars from 0 to 5.");
+    }
+    const bool isWidth = lexeme.token->field == SearchField::Width;
+    const char *key = isRating ? "rating" : isWidth ? "pixelWidth" : "pixelHeight";
+    const QString name = isRating ? zqLocalized("Rating") : isWidth ? zqLocalized("Width") : zqLocalized("Height");
+    const QString field = zqItemKeyPath(context.rows, QLatin1StringView(key));
+    return plainClause(SearchQueries::numberQuery(field, method, value),
+                       zqFormat(QStringLiteral("%@ %@ %ld"), {name, lexeme.comparison, value}));
+}
+
+QString dayText(const QDateTime &moment)
+{
+    return QLocale().toString(moment.date(), QStringLiteral("d MMM yyyy"));
+}
+
+QString sentenceForDate(const QString &verb, const QString &method, const SearchSpan &span)
+{
+    if (method == u"<") {
+        return zqFormat(zqLocalized("%@ before %@"), {verb, dayText(span.start)});
+    }
+    if (method == u"<=") {
+        return zqFormat(zqLocalized("%@ until %@"), {verb, dayText(span.end)});
+    }
+    if (method == u">" || method == u">=") {
+        return zqFormat(zqLocalized("%@ since %@"), {verb, dayText(span.start)});
+    }
+    return span.start.date() == span.end.date()
+               ? zqFormat(zqLocalized("%@ on %@"), {verb, dayText(span.start)})
+               : zqFormat(zqLocalized("%@ from %@ to %@"), {verb, dayText(span.start), dayText(span.end)});
+}
+
+SearchClause dateClause(const SearchLexeme &lexeme, const QString &method, const SearchContext &context)
+{
+    const auto span = SearchSpan::forText(lexeme.text, context.today);
+    if (!span) {
+        return wrong(SearchProblem::BadDate,
+                     "“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.",
+                     {shown(lexeme.text)});
+    }
+    const SearchField kind = lexeme.token->field;
+    const char *key = kind == SearchField::Imported  ? "import_date"
+                      : kind == SearchField::Created ? "creation_date"
+                                                     : "modification_date";
+    const QString verb = kind == SearchField::Imported  ? zqLocalized("Imported")
+                         : kind == SearchField::Created ? zqLocalized("Created")
+                                                        : zqLocalized("Modified");
+    const QString field = zqItemKeyPath(context.rows, QLatin1StringView(key));
+    SearchClause clause;
+    clause.meaning = sentenceForDate(verb, method, *span);
+    clause.compose = [text = lexeme.text, method, field, today = context.today](const QString &operand, bool exclude) {
+        return SearchQueries::searchForDate(text, method, exclude, field, operand, today);
+    };
+    clause.normalized = clause.compose({}, false);
+    return clause;
+}
+
+// 0 for "none", nothing for what is no colour.
+std::optional<int> colorForName(const QString &text)
+{
+    const QString name = zqFold(text);
+    if (name == u"none" || name == zqFold(zqLocalized("none"))) {
+        return 0;
+    }
+    const int known = ZQSidebarTag::colorValueForName(name == u"grey" ? QStringLiteral("gray") : name);
+    if (known != -1) {
+        return known;
+    }
+    for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
+        if (name == QString::number(code) || name == zqFold(ZQSidebarTag::colorNameForValue(code))) {
+            return code;
+        }
+    }
+    return std::nullopt;
+}
+
+SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    const auto color = colorForName(lexeme.text);
+    if (!color) {
+        QStringList names;
+        for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
+            names.append(ZQSidebarTag::colorNameForValue(code));
+        }
+        return wrong(SearchProblem::BadColor, "“%@” is no color; there are %@.",
+                     {shown(lexeme.text), names.join(QStringLiteral(", "))});
+    }
+    const QString name = *color != 0 ? ZQSidebarTag::colorNameForValue(*color) : zqLocalized("none");
+    return plainClause(SearchQueries::colorQuery(*color, context.rows), sentenceForText(SearchField::Color, name));
+}
+
+SearchClause sizeClause(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    const QString key = SizeClasses::keyForName(lexeme.text);
+    if (key.isEmpty()) {
+        QStringList names;
+        for (const QString &each : SizeClasses::keys()) {
+            names.append(zqLocalized(each));
+        }
+        return wrong(SearchProblem::BadSize, "“%@” is no size class; there are %@.",
+                     {shown(lexeme.text), names.join(QStringLiteral(", "))});
+    }
+    return plainClause(SizeClasses::queryForKey(key, context.rows, context.sizes),
+                       sentenceForText(SearchField::Size, zqLocalized(key)));
+}
+
+SearchClause kindClause(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    constexpr qsizetype extensionsForOne = 16; // a list is looked up, not gone through
+    SearchClause clause = plainClause(SearchQueries::kindQuery(lexeme.text, context.rows),
+                                      sentenceForText(SearchField::Kind, lexeme.text));
+    clause.cost = 1 + int(KindNames::extensionsOfKind(lexeme.text).size() / extensionsForOne);
+    return clause;
+}
+
+SearchClause folderClause(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    const int depth =
+        std::clamp(context.liveFolderDepth ? context.liveFolderDepth() : 1, 1, SearchQueries::deepestFolder);
+    SearchClause clause;
+    clause.meaning = sentenceForText(SearchField::Folder, lexeme.text);
+    clause.cost = depth + depth * depth / 8; // each level joins one table more
+    clause.compose = [text = lexeme.text, rows = context.rows, depth](const QString &operand, bool exclude) {
+        return SearchQueries::folderSearchForString(text, exclude, operand, rows, depth);
+    };
+    clause.normalized = lexeme.token->name() + u' ' + zqFold(lexeme.text);
+    return clause;
+}
+
+SearchClause duplicatesClause(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    constexpr qsizetype hashesForOne = 200;   // equalities of one attribute are looked up as one
+    constexpr qsizetype mostHashes = 200'000; // so that the condition can be read; nobody looks at more
+    const QStringList content =
+        context.hashCounts ? SearchQueries::repeatedHashes(context.hashCounts()).mid(0, mostHashes) : QStringList();
+    SearchClause clause;
+    clause.meaning = sentenceForText(lexeme.token->field, {});
+    clause.cost = 1 + int((content.size() + lexeme.text.count(u'_')) / hashesForOne);
+    clause.compose = [content, hashes = lexeme.text, rows = context.rows](const QString &operand, bool exclude) {
+        return SearchQueries::duplicatesSearchWithArrayController(content, exclude, operand, hashes, rows);
+    };
+    clause.normalized = lexeme.token->name() + u' ' + lexeme.text.toLower();
+    return clause;
+}
+
+SearchClause textClause(SearchField field, const QString &text, const SearchContext &context)
+{
+    constexpr int comparisonsOfWord = 4;
+    SearchClause clause =
+        plainClause(SearchQueries::queryForField(field, text, context.rows), sentenceForText(field, text));
+    clause.cost = field == SearchField::Word ? comparisonsOfWord : 2;
+    return clause;
+}
+
+SearchClause clauseOfToken(const SearchLexeme &lexeme, const QString &method, const SearchContext &context)
+{
+    switch (lexeme.token->argument) {
+    case SearchArgument::Pixels:
+    case SearchArgument::Rating:
+        return numberClause(lexeme, method, context);
+    case SearchArgument::Date:
+        return dateClause(lexeme, method, context);
+    case SearchArgument::Color:
+        return colorClause(lexeme, context);
+    case SearchArgument::Size:
+        return sizeClause(lexeme, context);
+    case SearchArgument::Kind:
+        return kindClause(lexeme, context);
+    default:
+        break;
+    }
+    switch (lexeme.token->field) {
+    case SearchField::Folder:
+        return folderClause(lexeme, context);
+    case SearchField::Duplicates:
+    case SearchField::DuplicatesHashes:
+        return duplicatesClause(lexeme, context);
+    default:
+        return textClause(lexeme.token->field, lexeme.text, context);
+    }
+}
+
+// What is wrong with the form of a token, before its argument is looked at.
+std::optional<SearchClause> problemOfForm(const SearchLexeme &lexeme, const QString &name, const QString &method)
+{
+    const SearchToken *token = lexeme.token;
+    if (!token) {
+        return wrong(SearchProblem::UnknownToken, "There is no token “%@”. Put it in quotes to find it as a text.",
+                     {shown(name)});
+    }
+    const bool isEqual = lexeme.comparison.isEmpty() || lexeme.comparison == u"=" || lexeme.comparison == u"==";
+    if (!token->compares() && (!isEqual || (token->argument == SearchArgument::None && !method.isEmpty()))) {
+        return wrong(SearchProblem::NoComparison, "“%@” compares nothing; leave “%@” away.",
+                     {token->name(), lexeme.comparison});
+    }
+    const bool isUnknown = lexeme.comparison.size() > 2 || lexeme.comparison == u"<>" || lexeme.comparison == u"><" ||
+                           lexeme.comparison == u"<<" || lexeme.comparison == u">>";
+    if (token->compares() && (method.isEmpty() || isUnknown)) {
+        return wrong(SearchProblem::NoComparison, "Write <, = or > behind “%@”, and then what to compare with.",
+                     {token->name()});
+    }
+    if (token->argument != SearchArgument::None && SearchQueries::safeSearchString(lexeme.text).isEmpty()) {
+        return wrong(SearchProblem::NoArgument, "Behind “%@” stands what to look for: %@.",
+                     {token->name(), token->argumentHint()});
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+SearchClause SearchClause::ofLexeme(const SearchLexeme &lexeme, const SearchContext &context)
+{
+    if (lexeme.kind == SearchLexeme::Kind::Word) {
+        return SearchQueries::safeSearchString(lexeme.text).isEmpty()
+                   ? wrong(SearchProblem::EmptyQuotes, "There is nothing between the quotes.")
+                   : textClause(SearchField::Word, lexeme.text, context);
+    }
+    const QString method = SearchQueries::methodForWithOrHeight(lexeme.comparison);
+    if (auto problem = problemOfForm(lexeme, lexeme.text, method)) {
+        return *problem;
+    }
+    return clauseOfToken(lexeme, method, context);
+}

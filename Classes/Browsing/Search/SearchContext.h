@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Classes/Browsing/Index/SizeClasses.h"
+#include "Models/DataModel/ZQListRows.h"
+
+#include <QDate>
+#include <QMap>
+#include <QString>
+
+#include <functional>
+
+// What a search is about: the rows it is applied to, and what it has to ask of them. The functions are called on the
+// thread that searches, once for each token that needs them, and not at all for most texts.
+struct SearchContext
+{
+    ZQListRows rows = ZQListRows::Memberships;
+    // How many items of the content have each SHA-1. Those of one item may be left out. Null: none has a double.
+    std::function<QMap<QString, qint64>()> hashCounts = nullptr;
+    // How many live folders lie in each other at most; 1 when none holds another. Null: 1.
+    std::function<int()> liveFolderDepth = nullptr;
+    QDate today = QDate::currentDate();
+    SizeClasses::Limits sizes = SizeClasses::Limits::current();
+};
