@@ -10,13 +10,12 @@ ZQRowSet::ZQRowSet(size_t rows, bool isFull)
     }
 }
 
-void ZQRowSet::resize(size_t rows)
+void ZQRowSet::resizeWords(size_t rows)
 {
     m_words.resize((rows + 63) / 64);
     if (rows < m_rows && rows % 64) {
         m_words.back() &= (quint64(1) << (rows % 64)) - 1;
     }
-    m_rows = rows;
 }
 
 size_t ZQRowSet::count() const

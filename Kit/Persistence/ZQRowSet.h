@@ -14,7 +14,13 @@ public:
     explicit ZQRowSet(size_t rows, bool isFull = false);
 
     size_t rowCount() const { return m_rows; }
-    void resize(size_t rows); // new rows are not in it
+    void resize(size_t rows) // new rows are not in it
+    {
+        if (rows < m_rows || (rows + 63) / 64 != m_words.size()) {
+            resizeWords(rows);
+        }
+        m_rows = rows;
+    }
     bool contains(size_t row) const { return (m_words[row / 64] >> (row % 64)) & 1U; }
     void insert(size_t row) { m_words[row / 64] |= quint64(1) << (row % 64); }
     void remove(size_t row) { m_words[row / 64] &= ~(quint64(1) << (row % 64)); }
@@ -43,6 +49,8 @@ public:
     }
 
 private:
+    void resizeWords(size_t rows);
+
     size_t m_rows = 0;
     std::vector<quint64> m_words;
 };

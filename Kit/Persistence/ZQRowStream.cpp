@@ -100,14 +100,18 @@ bool ZQRowStream::rows(const QString &entityName, const QStringList &properties,
     const QString sql = QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY \"id\"")
                             .arg(columns, zqQuoted(entity->tableName), condition(QStringLiteral("\"id\""), keys));
     Row row;
+    qint64 code = 0; // of the row before, which nearly always is of the same entity
     return step(
         sql, keys,
         [&](ZQSQLiteStatement &select) {
-            const ZQEntityDescription *own = m_context.rows.plan().model().entityWithCode(int(select.int64(1)));
-            if (own && own->isKindOf(entity)) {
-                row.key = select.int64(0);
-                row.entity = own;
+            if (const qint64 own = select.int64(1); !row.m_statement || own != code) {
+                const ZQEntityDescription *found = m_context.rows.plan().model().entityWithCode(int(own));
+                row.entity = found && found->isKindOf(entity) ? found : nullptr;
                 row.m_statement = &select;
+                code = own;
+            }
+            if (row.entity) {
+                row.key = select.int64(0);
                 visit(row);
             }
             return true;

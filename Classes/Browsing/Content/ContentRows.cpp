@@ -13,6 +13,7 @@
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -49,6 +50,11 @@ ZQRelatedIDs eachOnce(const QList<ZQObjectID> &ids, const QList<ZQObjectID> &rel
 ZQRelatedIDs asItems(const QList<ZQObjectID> &items)
 {
     return {items, items};
+}
+
+bool areOneList(const ZQRelatedIDs &a, const ZQRelatedIDs &b)
+{
+    return a.ids.constData() == b.ids.constData() && a.related.constData() == b.related.constData();
 }
 
 QString titleOfKey(const QVariant &key, BrowserDisplayStyle style)
@@ -98,6 +104,7 @@ void ContentRows::stopAfter(int count, ZQSortValue sortValue)
 std::optional<Content> ContentRows::content(const IsWanted &isWanted)
 {
     m_content = {};
+    m_pieces.clear();
     if (!isWanted()) {
         return std::nullopt;
     }
@@ -120,6 +127,9 @@ std::optional<Content> ContentRows::content(const IsWanted &isWanted)
     }
     if (!isWanted() || ZQCancellation::isCurrentCancelled()) {
         return std::nullopt;
+    }
+    if (!m_pieces.isEmpty()) {
+        joinPieces();
     }
     if (!m_content.error.isNull()) {
         zqLogFetchError(m_content.error);
@@ -151,16 +161,40 @@ void ContentRows::addGroup(ContentGroup group, const ZQRelatedIDs &rows, qsizety
     if (count == 0) {
         return;
     }
-    group.first = m_content.rows.ids.size();
+    const ContentGroup *before = m_content.groups.isEmpty() ? nullptr : &m_content.groups.constLast();
+    group.first = before ? before->first + before->count : 0;
     group.count = count;
     m_content.groups.append(group);
-    const bool isWhole = group.first == 0 && first == 0 && count == rows.ids.size();
-    if (isWhole) {
-        m_content.rows = rows;
+    m_pieces.append({rows, first, count});
+}
+
+// Groups that follow each other as their rows do are that one list; nothing is copied then.
+void ContentRows::joinPieces()
+{
+    const QList<Piece> pieces = std::exchange(m_pieces, {});
+    qsizetype count = 0;
+    bool isOneList = true;
+    bool areItems = true; // rows are the items they stand for
+    for (const Piece &piece : pieces) {
+        isOneList = isOneList && areOneList(piece.rows, pieces.first().rows) && piece.first == count;
+        areItems = areItems && piece.rows.ids.constData() == piece.rows.related.constData();
+        count += piece.count;
+    }
+    if (isOneList && count == pieces.first().rows.ids.size()) {
+        m_content.rows = pieces.first().rows;
         return;
     }
-    m_content.rows.ids += rows.ids.sliced(first, count);
-    m_content.rows.related += rows.related.sliced(first, count);
+    const auto joined = [&](QList<ZQObjectID> ZQRelatedIDs::*list) {
+        QList<ZQObjectID> result;
+        result.reserve(count);
+        for (const Piece &piece : pieces) {
+            const auto from = (piece.rows.*list).constBegin() + piece.first;
+            std::copy(from, from + piece.count, std::back_inserter(result));
+        }
+        return result;
+    };
+    m_content.rows.ids = joined(&ZQRelatedIDs::ids);
+    m_content.rows.related = areItems ? m_content.rows.ids : joined(&ZQRelatedIDs::related);
 }
 
 // By sidebar item.

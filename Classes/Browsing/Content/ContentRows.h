@@ -53,6 +53,7 @@ private:
     void addKeyGroups();
     void addSizeGroups(const IsWanted &isWanted);
     void addGroup(ContentGroup group, const ZQRelatedIDs &rows, qsizetype first, qsizetype count);
+    void joinPieces();
 
     // Of all parts together, each row once, ordered by `leadingKey` of the items first where one is named.
     Rows all(const QString &leadingKey = {}, const Condition &condition = nullptr);
@@ -70,5 +71,12 @@ private:
     Prepare m_prepare;
     LibraryIndex *m_index; // null, or not ready: the store answers
     int m_mostRows = 0;    // 0: all
+    struct Piece           // the rows of a group, among others
+    {
+        ZQRelatedIDs rows;
+        qsizetype first;
+        qsizetype count;
+    };
     Content m_content;
+    QList<Piece> m_pieces;
 };

@@ -6,6 +6,7 @@
 #include <bit>
 #include <limits>
 #include <map>
+#include <span>
 
 std::vector<quint8> IndexCounts::vectorExtensions() const
 {
@@ -69,6 +70,20 @@ std::vector<IndexCount> countedNumbers(const ZQRowSet &rows, const IndexNumbers<
         result.push_back({QVariant(value), count});
     }
     return result;
+}
+
+// Calls `visit` with the rows of a set, up to 64 at once.
+template <class Visit>
+void forEachWord(const ZQRowSet &rows, const Visit &visit)
+{
+    quint32 some[64];
+    for (size_t i = 0; i < rows.words().size(); ++i) {
+        size_t count = 0;
+        for (quint64 word = rows.words()[i]; word; word &= word - 1) {
+            some[count++] = quint32(64 * i + size_t(std::countr_zero(word)));
+        }
+        visit(std::span<const quint32>(some, count));
+    }
 }
 
 } // namespace
@@ -169,20 +184,34 @@ QStringList IndexCounts::repeatedDigests(const ZQRowSet &rows) const
     // left to compare is little.
     constexpr size_t placesForEach = 16;
     const size_t places = std::bit_ceil(std::clamp<size_t>(rows.count() * placesForEach, 1 << 10, size_t(1) << 28));
-    std::vector<quint64> seen(places / 64);
-    std::vector<quint64> seenAgain(places / 64);
-    const auto placeOf = [&](size_t row) { return ZQDigests::hashOf(digests.digests()[row]) >> 32 & (places - 1); };
-    rows.forEach([&](size_t row) {
-        const size_t place = placeOf(row);
-        const quint64 bit = digests.isNull(row) ? 0 : quint64(1) << place % 64;
-        seenAgain[place / 64] |= seen[place / 64] & bit;
-        seen[place / 64] |= bit;
+    struct Seen // of 64 places
+    {
+        quint64 once = 0;
+        quint64 again = 0;
+    };
+    std::vector<Seen> seen(places / 64);
+    // Each place is somewhere else in memory: those of some rows are asked for before the first one is needed.
+    const auto forEachPlace = [&](const auto &visit) {
+        size_t ofRows[64];
+        forEachWord(rows, [&](std::span<const quint32> some) {
+            for (size_t i = 0; i < some.size(); ++i) {
+                ofRows[i] = ZQDigests::hashOf(digests.digests()[some[i]]) >> 32 & (places - 1);
+                __builtin_prefetch(&seen[ofRows[i] / 64]);
+            }
+            for (size_t i = 0; i < some.size(); ++i) {
+                const quint64 bit = digests.isNull(some[i]) ? 0 : quint64(1) << ofRows[i] % 64;
+                visit(some[i], seen[ofRows[i] / 64], bit);
+            }
+        });
+    };
+    forEachPlace([](quint32, Seen &at, quint64 bit) {
+        at.again |= at.once & bit;
+        at.once |= bit;
     });
     std::vector<quint32> candidates;
-    rows.forEach([&](size_t row) {
-        const size_t place = placeOf(row);
-        if (seenAgain[place / 64] >> place % 64 & 1 && !digests.isNull(row)) {
-            candidates.push_back(quint32(row));
+    forEachPlace([&](quint32 row, const Seen &at, quint64 bit) {
+        if (at.again & bit) {
+            candidates.push_back(row);
         }
     });
     std::sort(candidates.begin(), candidates.end(), [&](quint32 a, quint32 b) { return digests.compare(a, b) < 0; });

@@ -1,6 +1,7 @@
 #include "Classes/Browsing/Index/IndexItems.h"
 
 #include "Classes/Browsing/Index/IndexText.h"
+#include "Kit/Persistence/ZQFoldedText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -123,13 +124,13 @@ void IndexItems::append(const ZQRowStream::Row &row)
     managed.append(numberOf(row, Managed));
     if (const auto text = textOf(row, Title)) {
         title.append(indexExact(*text, exact));
-        foldedTitle.append(indexFolded(*text, folded));
+        foldedTitle.append(zqFoldedUTF8(*text, folded));
     } else {
         title.append(std::nullopt);
         foldedTitle.append(std::nullopt);
     }
     const auto notes = textOf(row, Notes);
-    foldedNotes.append(notes ? std::optional(indexFolded(*notes, folded)) : std::nullopt);
+    foldedNotes.append(notes ? std::optional(zqFoldedUTF8(*notes, folded)) : std::nullopt);
     const auto extension = textOf(row, Extension);
     extensions.push_back(extension ? extensionOf(QString::fromUtf8(extension->data(), qsizetype(extension->size())) +
                                                  QLatin1StringView(""))
@@ -267,7 +268,7 @@ void IndexItems::resolveFolders(const IndexSidebar &sidebar)
     for (const qint64 key : folderKeys) {
         folders.push_back(sidebar.numberOf(key).value_or(IndexSidebar::none));
     }
-    folderKeys = {};
+    ZQPagedVector<qint64>().swap(folderKeys); // an empty list would keep its memory
 }
 
 void IndexItems::shrink()

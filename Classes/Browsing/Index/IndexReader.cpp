@@ -60,6 +60,15 @@ struct Part
     ZQError error;
     bool isRead = false;
 
+    // For so many, as far as keys say it: memory that is not written to costs nothing, and growing writes it twice.
+    void reserve(size_t rows, size_t membershipRows)
+    {
+        constexpr size_t usualTags = 4;
+        items.reserve(rows);
+        items.folderKeys.reserve(rows);
+        tags.reserve(rows * usualTags);
+        memberships.reserve(membershipRows);
+    }
     void read(ZQRowStream &stream, const IndexSidebar &sidebar)
     {
         isRead = stream.rows(
@@ -315,8 +324,8 @@ std::unique_ptr<LibraryColumns> IndexReader::readAll(const std::shared_ptr<ZQPer
         if (!isSidebarRead) {
             return nullptr;
         }
-        parts[0].items.reserve(rowsUpTo(*items));
-        parts[1].items.reserve(rowsUpTo(*items - *items / 2));
+        parts[0].reserve(rowsUpTo(*items), rowsUpTo(*memberships / 2)); // its columns take those of the other, too
+        parts[1].reserve(rowsUpTo(*items - *items / 2), rowsUpTo(*memberships - *memberships / 2));
         std::thread other([&coordinator, &part = parts[1], &sidebar = std::as_const(columns->sidebar),
                            cancellation = ZQCancellation::current()] {
             const ZQCancellation::Scope scope(cancellation);

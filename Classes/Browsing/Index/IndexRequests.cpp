@@ -76,20 +76,33 @@ void limit(IndexRows &rows, const ZQFetchRequest &request)
     }
 }
 
+QString nameOf(const QList<ZQSortDescriptor> &descriptors)
+{
+    QString name;
+    for (const ZQSortDescriptor &descriptor : descriptors) {
+        name += descriptor.keyPath + QString::number(int(descriptor.ascending) + 2 * int(descriptor.comparison));
+    }
+    return name;
+}
+
 } // namespace
 
-IndexRequests::Orders::Order IndexRequests::Orders::find(const QString &name, quint64 generation) const
+IndexRequests::Orders::Order IndexRequests::Orders::find(const QString &name, quint64 generation)
 {
     const ZQLockGuard guard(m_lock);
     const auto found = std::find_if(m_kept.begin(), m_kept.end(), [&](const Kept &kept) {
         return kept.name == name && kept.generation == generation;
     });
-    return found == m_kept.end() ? nullptr : found->order;
+    if (found == m_kept.end()) {
+        return nullptr;
+    }
+    std::rotate(found, found + 1, m_kept.end());
+    return m_kept.back().order;
 }
 
 void IndexRequests::Orders::keep(const QString &name, quint64 generation, Order order)
 {
-    constexpr size_t kept = 2;
+    constexpr size_t kept = 3;
     const ZQLockGuard guard(m_lock);
     std::erase_if(m_kept, [&](const Kept &each) { return each.name == name || each.generation < generation; });
     m_kept.push_back({name, generation, std::move(order)});
@@ -117,6 +130,32 @@ std::optional<IndexRows> IndexRequests::sorted(IndexRows rows, const QList<ZQSor
     return rows;
 }
 
+// Of all items. What is to be parted by one more key was shown in the order of the others just before, mostly.
+IndexRequests::Orders::Order IndexRequests::order(const QList<ZQSortDescriptor> &descriptors) const
+{
+    const QString name = nameOf(descriptors);
+    if (auto kept = m_orders.find(name, m_generation)) {
+        return kept;
+    }
+    const auto rest = descriptors.size() > 1 ? m_orders.find(nameOf(descriptors.sliced(1)), m_generation) : nullptr;
+    const auto sorter =
+        IndexSorter::make(m_columns, ZQListRows::LibraryItems, rest ? descriptors.first(1) : descriptors);
+    if (!sorter) {
+        return nullptr;
+    }
+    IndexRows all;
+    if (rest) {
+        all.items = *rest;
+        sorter->sort(all, IndexSorter::Ties::AsTheyAre);
+    } else {
+        m_columns.items.present.forEach([&](size_t row) { all.items.push_back(quint32(row)); });
+        sorter->sort(all);
+    }
+    auto order = std::make_shared<const std::vector<quint32>>(std::move(all.items));
+    m_orders.keep(name, m_generation, order);
+    return order;
+}
+
 std::optional<IndexRows> IndexRequests::sortedItems(const ZQRowSet &rows,
                                                     const QList<ZQSortDescriptor> &descriptors) const
 {
@@ -128,20 +167,9 @@ std::optional<IndexRows> IndexRequests::sortedItems(const ZQRowSet &rows,
         rows.forEach([&](size_t row) { result.items.push_back(quint32(row)); });
         return sorted(std::move(result), descriptors);
     }
-    QString name;
-    for (const ZQSortDescriptor &descriptor : descriptors) {
-        name += descriptor.keyPath + QString::number(int(descriptor.ascending) + 2 * int(descriptor.comparison));
-    }
-    auto order = m_orders.find(name, m_generation);
+    const auto order = this->order(descriptors);
     if (!order) {
-        IndexRows all;
-        m_columns.items.present.forEach([&](size_t row) { all.items.push_back(quint32(row)); });
-        auto ordered = sorted(std::move(all), descriptors);
-        if (!ordered) {
-            return std::nullopt;
-        }
-        order = std::make_shared<const std::vector<quint32>>(std::move(ordered->items));
-        m_orders.keep(name, m_generation, order);
+        return std::nullopt;
     }
     // Written without a branch, which would be guessed wrong at every other row; the last write may be one too many.
     result.items.resize(count + 1);

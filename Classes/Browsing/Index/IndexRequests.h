@@ -12,7 +12,7 @@ public:
     {
     public:
         using Order = std::shared_ptr<const std::vector<quint32>>;
-        Order find(const QString &name, quint64 generation) const;
+        Order find(const QString &name, quint64 generation);
         void keep(const QString &name, quint64 generation, Order order);
 
     private:
@@ -22,7 +22,7 @@ public:
             quint64 generation = 0;
             Order order;
         };
-        mutable ZQMutex m_lock;
+        ZQMutex m_lock;
         std::vector<Kept> m_kept ZQ_GUARDED_BY(m_lock); // the latest last
     };
 
@@ -44,6 +44,7 @@ private:
     std::optional<IndexRows> itemRows(const ZQFetchRequest &request, const ZQRowSet &found) const;
     std::optional<IndexRows> membershipRows(const ZQFetchRequest &request, const ZQRowSet &among,
                                             const ZQPredicate &search, Found &last) const;
+    Orders::Order order(const QList<ZQSortDescriptor> &descriptors) const; // null where it lacks a column
     std::optional<IndexRows> sortedItems(const ZQRowSet &rows, const QList<ZQSortDescriptor> &descriptors) const;
 
     const LibraryColumns &m_columns;

@@ -274,21 +274,22 @@ struct Placed
     quint32 place;
 };
 
-// Stable, in time linear in their count.
-void sortByNumber(ZQPagedVector<Placed> &placed, ZQPagedVector<Placed> &buffer, int bits)
+// Stable, in time linear in their count, by the bits of `numberOf` from `first` to before `end`.
+template <class Each, class Number>
+void sortByNumber(ZQPagedVector<Each> &all, ZQPagedVector<Each> &buffer, int first, int end, Number numberOf)
 {
     constexpr int digitBits = 11;
     constexpr size_t digits = size_t(1) << digitBits;
-    for (int shift = 0; shift < bits; shift += digitBits) {
+    for (int shift = first; shift < end; shift += digitBits) {
         size_t starts[digits] = {};
-        for (const Placed &each : placed) {
-            ++starts[(each.number >> shift) % digits];
+        for (const Each &each : all) {
+            ++starts[(numberOf(each) >> shift) % digits];
         }
         std::exclusive_scan(std::begin(starts), std::end(starts), std::begin(starts), size_t(0));
-        for (const Placed &each : placed) {
-            buffer[starts[(each.number >> shift) % digits]++] = each;
+        for (const Each &each : all) {
+            buffer[starts[(numberOf(each) >> shift) % digits]++] = each;
         }
-        placed.swap(buffer);
+        all.swap(buffer);
     }
 }
 
@@ -322,6 +323,31 @@ struct Words
             word[i] |= numbers[i] << bits.back();
         }
         bits.back() += needed;
+    }
+    // Stable.
+    void sort(std::vector<quint32> &places) const
+    {
+        const auto placeBits = int(std::bit_width(places.size()));
+        if (words.size() == 1 && bits[0] + placeBits <= 64) { // half the memory to move
+            ZQPagedVector<quint64> packed(places.size());
+            ZQPagedVector<quint64> buffer(places.size());
+            std::transform(places.begin(), places.end(), packed.begin(),
+                           [&](quint32 place) { return words[0][place] << placeBits | place; });
+            sortByNumber(packed, buffer, placeBits, placeBits + bits[0], [](quint64 each) { return each; });
+            const quint64 mask = (quint64(1) << placeBits) - 1;
+            std::transform(packed.begin(), packed.end(), places.begin(),
+                           [mask](quint64 each) { return quint32(each & mask); });
+            return;
+        }
+        ZQPagedVector<Placed> placed(words.empty() ? 0 : places.size());
+        ZQPagedVector<Placed> buffer(placed.size());
+        for (size_t i = 0; i < words.size(); ++i) {
+            std::transform(places.begin(), places.end(), placed.begin(), [&](quint32 place) {
+                return Placed{words[i][place], place};
+            });
+            sortByNumber(placed, buffer, 0, bits[i], [](const Placed &each) { return each.number; });
+            std::transform(placed.begin(), placed.end(), places.begin(), [](const Placed &each) { return each.place; });
+        }
     }
     bool areEqual(quint32 a, quint32 b) const
     {
@@ -414,10 +440,13 @@ std::optional<IndexSorter> IndexSorter::make(const LibraryColumns &columns, ZQLi
     return sorter;
 }
 
-std::vector<quint32> IndexSorter::inKeyOrder(const IndexRows &rows) const
+std::vector<quint32> IndexSorter::placesOf(const IndexRows &rows, Ties ties) const
 {
     std::vector<quint32> places(rows.size());
     std::iota(places.begin(), places.end(), 0U);
+    if (ties == Ties::AsTheyAre) {
+        return places;
+    }
     const bool isOfItems = m_kind == ZQListRows::LibraryItems;
     const IndexKeys &keys = isOfItems ? m_columns.items.keys : m_columns.memberships.keys();
     const std::vector<quint32> &own = isOfItems ? rows.items : rows.memberships;
@@ -428,7 +457,7 @@ std::vector<quint32> IndexSorter::inKeyOrder(const IndexRows &rows) const
     return places;
 }
 
-void IndexSorter::sort(IndexRows &rows) const
+void IndexSorter::sort(IndexRows &rows, Ties ties) const
 {
     const auto firstPart =
         std::find_if(m_terms.begin(), m_terms.end(), [](const Term &term) { return !term.key->isWhole(); });
@@ -439,16 +468,8 @@ void IndexSorter::sort(IndexRows &rows) const
         m_terms[i].key->fill(rowsOf(m_terms[i], rows), numbers);
         words.addHigher(std::move(numbers), m_terms[i].isAscending);
     }
-    std::vector<quint32> places = inKeyOrder(rows);
-    ZQPagedVector<Placed> placed(rows.size());
-    ZQPagedVector<Placed> buffer(rows.size());
-    for (size_t i = 0; i < words.words.size(); ++i) {
-        for (size_t place = 0; place < places.size(); ++place) {
-            placed[place] = {words.words[i][places[place]], places[place]};
-        }
-        sortByNumber(placed, buffer, words.bits[i]);
-        std::transform(placed.begin(), placed.end(), places.begin(), [](const Placed &each) { return each.place; });
-    }
+    std::vector<quint32> places = placesOf(rows, ties);
+    words.sort(places);
     const auto isBefore = [&](quint32 a, quint32 b) {
         for (auto term = firstPart; term != m_terms.end(); ++term) {
             const std::vector<quint32> &own = rowsOf(*term, rows);
@@ -459,15 +480,12 @@ void IndexSorter::sort(IndexRows &rows) const
         }
         return false;
     };
-    const auto areSame = [&](size_t a, size_t b) { // by what they were ordered by so far
-        return words.words.size() == 1 ? placed[a].number == placed[b].number : words.areEqual(places[a], places[b]);
-    };
     for (size_t first = 0; firstPart != m_terms.end() && first < places.size();) {
         size_t end = first + 1;
-        while (end < places.size() && areSame(first, end)) {
+        while (end < places.size() && words.areEqual(places[first], places[end])) {
             ++end;
         }
-        if (end - first > 1) { // stable: they are in the order of their keys
+        if (end - first > 1) { // stable: ties are in their order
             std::stable_sort(places.begin() + qsizetype(first), places.begin() + qsizetype(end), isBefore);
         }
         first = end;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <span>
 
-// Puts rows of the index into the order that a fetch with these descriptors gives them, ties by key.
+// Puts rows of the index into the order that a fetch with these descriptors gives them.
 class IndexSorter
 {
 public:
@@ -14,7 +14,8 @@ public:
     static std::optional<IndexSorter> make(const LibraryColumns &columns, ZQListRows kind,
                                            const QList<ZQSortDescriptor> &descriptors);
 
-    void sort(IndexRows &rows) const;
+    enum class Ties { ByKey, AsTheyAre }; // as a fetch has them, or in the order that the rows have already
+    void sort(IndexRows &rows, Ties ties = Ties::ByKey) const;
 
     // One sort key over rows.
     class Key
@@ -39,7 +40,7 @@ private:
                                              ZQSortDescriptor::Comparison comparison);
     IndexSorter(const LibraryColumns &columns, ZQListRows kind) : m_columns(columns), m_kind(kind) {}
     void addTags(bool isAscending);
-    std::vector<quint32> inKeyOrder(const IndexRows &rows) const;
+    std::vector<quint32> placesOf(const IndexRows &rows, Ties ties) const;
     const std::vector<quint32> &rowsOf(const Term &term, const IndexRows &rows) const
     {
         return term.isOfMembership ? rows.memberships : rows.items;

@@ -1,7 +1,6 @@
 #include "Classes/Browsing/Index/IndexText.h"
 
-#include "Kit/Persistence/ZQPredicate.h"
-
+#include <QString>
 #include <QUtf8StringView>
 
 #include <algorithm>
@@ -13,23 +12,7 @@ bool isASCII(std::string_view text)
     return std::all_of(text.begin(), text.end(), [](char each) { return static_cast<signed char>(each) >= 0; });
 }
 
-char lowered(char letter)
-{
-    return letter >= 'A' && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
-}
-
 } // namespace
-
-std::string_view indexFolded(std::string_view text, std::string &buffer)
-{
-    if (isASCII(text)) {
-        buffer.resize(text.size());
-        std::transform(text.begin(), text.end(), buffer.begin(), lowered);
-    } else {
-        buffer = zqFold(QString::fromUtf8(text.data(), qsizetype(text.size()))).toStdString();
-    }
-    return buffer;
-}
 
 std::string_view indexExact(std::string_view text, std::string &buffer)
 {

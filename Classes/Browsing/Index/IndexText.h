@@ -3,7 +3,5 @@
 #include <string>
 #include <string_view>
 
-// `text` as `zqFold` leaves it with both options, in UTF-8. Kept in `buffer`.
-std::string_view indexFolded(std::string_view text, std::string &buffer);
 // `text` as reading it as a string leaves it: what is no UTF-8 is replaced. Kept in `buffer` when that changes it.
 std::string_view indexExact(std::string_view text, std::string &buffer);

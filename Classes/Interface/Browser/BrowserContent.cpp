@@ -185,16 +185,17 @@ void BrowserContent::willShow(qint64 first, qint64 last)
         m_shown.clear();
         m_thumbnails.clear();
     }
+    const QList<ZQObjectID> &related = m_content.rows.related; // to change it would copy all rows
     QList<ZQObjectID> items;
     for (qint64 index = first; index <= last && index < count(); ++index) {
         if (!m_shown.contains(index)) {
-            items.append(m_content.rows.related[index]);
+            items.append(related[index]);
             m_shown.insert(index, m_window.libraryItem(items.last()));
         }
     }
     m_window.context.fillFaults(items);
     if (m_showsValues) {
-        m_values.want(m_content.rows.related.mid(first, last - first + 1));
+        m_values.want(related.mid(first, last - first + 1));
     }
 }
 

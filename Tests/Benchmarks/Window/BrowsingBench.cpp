@@ -23,6 +23,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
+#include <map>
 #include <time.h>
 #include <unistd.h>
 
@@ -131,6 +133,8 @@ public:
 
 private:
     double slowest(const char *what, const QStringList &texts);
+    double slowestCommand(const char *what, const QList<CommandID> &commands,
+                          const std::function<void(int)> &beginRound);
     void measureStall(const char *name, const std::function<void()> &work);
 
     MainWindowController &m_controller;
@@ -175,29 +179,43 @@ void Person::useTokens()
     print("several-ms", slowest("several", {QStringLiteral("logo OR city -draft #width > 1000 OR NOT #tag photo")}));
 }
 
-void Person::order()
+// Round by round, so that nothing is asked for that is remembered from the round before.
+double Person::slowestCommand(const char *what, const QList<CommandID> &commands,
+                              const std::function<void(int)> &beginRound)
 {
-    double sorting = 0;
-    double grouping = 0;
-    for (int run = 0; run < 2; ++run) {
-        for (int each = 1; each < 8; ++each) {
-            QAction *action = m_controller.command(CommandID(int(CommandID::SortManually) + each));
+    std::map<QString, std::vector<double>> times;
+    for (int run = 0; run < runs; ++run) {
+        beginRound(run);
+        for (const CommandID id : commands) {
+            QAction *action = m_controller.command(id);
             if (action && action->isEnabled() && !action->isChecked()) {
-                const double time = painted([action] { action->trigger(); });
-                std::fprintf(stderr, "    sort     %-44s %9.2f ms\n", qPrintable(action->text()), time);
-                sorting = std::max(sorting, time);
+                times[action->text()].push_back(painted([action] { action->trigger(); }));
             }
         }
     }
-    for (const CommandID id : {CommandID(int(CommandID::GroupPlain) + 2), CommandID(int(CommandID::GroupPlain) + 3),
-                               CommandID::GroupBySize, CommandID(int(CommandID::GroupPlain) + 1)}) {
-        QAction *action = m_controller.command(id);
-        const double time = painted([action] { action->trigger(); });
-        std::fprintf(stderr, "    group    %-44s %9.2f ms\n", qPrintable(action->text()), time);
-        grouping = std::max(grouping, time);
+    double result = 0;
+    for (auto &[name, each] : times) {
+        std::sort(each.begin(), each.end());
+        const double median = each[each.size() / 2];
+        std::fprintf(stderr, "    %-8s %-44s %9.2f ms\n", what, qPrintable(name), median);
+        result = std::max(result, median);
     }
-    print("sort-ms", sorting);
-    print("group-ms", grouping);
+    return result;
+}
+
+void Person::order()
+{
+    QList<CommandID> orders;
+    for (int each = 1; each < 8; ++each) {
+        orders.append(CommandID(int(CommandID::SortManually) + each));
+    }
+    print("sort-ms", slowestCommand("sort", orders, [](int) {}));
+    const QList<CommandID> groupings{CommandID(int(CommandID::GroupPlain) + 2),
+                                     CommandID(int(CommandID::GroupPlain) + 3), CommandID::GroupBySize,
+                                     CommandID(int(CommandID::GroupPlain) + 1)};
+    print("group-ms", slowestCommand("group", groupings, [&](int run) {
+              painted([&] { m_controller.command(orders.at(run))->trigger(); });
+          }));
 }
 
 void Person::openLists()

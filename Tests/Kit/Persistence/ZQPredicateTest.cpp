@@ -1,8 +1,12 @@
 #include "Kit/Persistence/ZQPredicate.h"
+#include "Kit/Persistence/ZQFoldedText.h"
 
 #include <QDateTime>
 
 #include <gtest/gtest.h>
+
+#include <iterator>
+#include <random>
 
 namespace {
 
@@ -217,6 +221,25 @@ TEST(ZQPredicate, FoldsCaseAndAccents)
         EXPECT_EQ(zqFold(text(test.text), true, false), text(test.caseFolded)) << test.text;
         EXPECT_EQ(zqFold(text(test.text), false, true), text(test.plain)) << test.text;
         EXPECT_EQ(zqFold(text(test.text)), text(test.both)) << test.text;
+    }
+}
+
+// What is remembered of single characters must not be used where a neighbour changes what they fold to.
+TEST(ZQFold, OfTextsInUTF8IsTheSameWhateverStandsBesideACharacter)
+{
+    std::mt19937 random(7);
+    const auto anyUnit = [&random] { return char16_t(random() % 0x10000); };
+    std::string buffer;
+    for (int unit = 0x80; unit < 0x10000; ++unit) {
+        const char16_t middle[] = {u'E',           char16_t(unit), anyUnit(),     u'\u0301',
+                                   char16_t(unit), u'\u09be',      char16_t(unit)};
+        // Halves of pairs are no text: they become what reading makes of them.
+        const QByteArray text = QString::fromUtf8(QStringView(middle, std::size(middle)).toUtf8()).toUtf8();
+        const std::string_view bytes(text.constData(), size_t(text.size()));
+        ASSERT_EQ(zqFoldedUTF8(bytes, buffer), zqFold(QString::fromUtf8(text)).toStdString()) << text.toHex().constData();
+    }
+    for (const char *broken : {"\xc3", "a\xe2\x82", "\xc0\xaf", "\xed\xa0\x80x", "\xf0\x90\x90\x80\xc3\xa9"}) {
+        EXPECT_EQ(zqFoldedUTF8(broken, buffer), zqFold(QString::fromUtf8(broken)).toStdString()) << broken;
     }
 }
 
