@@ -22,6 +22,9 @@ endif()
 
 # A test is built more often than it runs, and most of its time passes in what it tests.
 set(zelto_test_options -O0)
+# They are nearly half of a build. Who builds to use the program or to measure it does without them.
+option(ZELTO_TESTS_IN_ALL "Build the tests with everything else" ON)
+add_custom_target(zelto_tests)
 
 # Gives a target the precompiled headers that suit what it links (Tools/headers): core or widgets, for tests with theirs.
 function(zelto_precompiled name prefix)
@@ -51,6 +54,10 @@ function(zelto_test name)
   target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest GTest::gmock)
   target_compile_options(${name} PRIVATE ${zelto_test_options})
   zelto_precompiled(${name} tests_ ${ARGN})
+  add_dependencies(zelto_tests ${name})
+  if(NOT ZELTO_TESTS_IN_ALL)
+    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+  endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
                        TIMEOUT 600)

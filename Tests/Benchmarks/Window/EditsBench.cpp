@@ -1,6 +1,8 @@
 #include "Tests/Benchmarks/Window/EditsBench.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Tags/TagFileWriter.h"
@@ -65,6 +67,10 @@ void settleWindow(const MainWindowController &controller)
 void measureEdits(MainWindowController &controller)
 {
     ZQGridView &grid = controller.browser().grid();
+    // Else the first edit would be charged with what the index takes while it is built.
+    const auto index = ContentFetcher::Ticket(controller.fetcher(), ContentFetcher::Priority::Counts).index();
+    zqRunMainLoopUntil([&index] { return index->isReady(); });
+    index->waitUntilOrdered();
     const auto selectAll = [&] {
         grid.selectAll();
         settleWindow(controller);
