@@ -5,6 +5,7 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
@@ -175,6 +176,7 @@ SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
 SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
 {
     const auto [father, index] = spotFor(onItem);
+    qCInfo(zqLogFeatures, "%s", kind == NewItem::Folder ? "Add New Folder" : "Add New Project");
     return addNewListItem(kind, father, index);
 }
 

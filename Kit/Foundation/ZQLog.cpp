@@ -9,6 +9,7 @@ Q_LOGGING_CATEGORY(zqLogImport, "zelto.import", QtInfoMsg)
 Q_LOGGING_CATEGORY(zqLogImaging, "zelto.imaging", QtInfoMsg)
 Q_LOGGING_CATEGORY(zqLogTags, "zelto.tags", QtInfoMsg)
 Q_LOGGING_CATEGORY(zqLogInterface, "zelto.interface", QtInfoMsg)
+Q_LOGGING_CATEGORY(zqLogFeatures, "zelto.features", QtWarningMsg)
 
 namespace {
 bool isTraced(const char *subsystem)
