@@ -51,6 +51,7 @@ struct ZQUserDefaults::Private
     QVariantMap values ZQ_GUARDED_BY(mutex);    // as the file has them, with `unwritten` over them
     QVariantMap unwritten ZQ_GUARDED_BY(mutex); // changes the file could not take; an invalid value removes
     Stamp stamp ZQ_GUARDED_BY(mutex) = {};
+    Stamp damageStamp ZQ_GUARDED_BY(mutex) = {}; // of a damaged file that stays, which was logged
     int readingProblem ZQ_GUARDED_BY(mutex) = 0; // errno: there is a file, and what it holds is not known
     std::vector<std::weak_ptr<Observer>> observers ZQ_GUARDED_BY(mutex);
     QStringList changed ZQ_GUARDED_BY(mutex); // keys of which the observers were not told yet
@@ -178,6 +179,9 @@ void ZQUserDefaults::Private::readLocked()
     }
     readingProblem = errno;
     stamp = stampOfFile();
+    if (std::exchange(damageStamp, stamp) == stamp) {
+        return;
+    }
     qCWarning(zqLogFiles, "The settings in %s are damaged, and cannot be set aside as %s: %s.", qUtf8Printable(path),
               qUtf8Printable(aside), std::strerror(readingProblem));
 }
