@@ -2,13 +2,21 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 
-#include <QStringList>
-
 #include <algorithm>
+
+QString ImportOutcome::textForNothing()
+{
+    return zqLocalized("Nothing to import!");
+}
+
+QString ImportOutcome::text() const
+{
+    return (saysNothingCame ? texts + QStringList(textForNothing()) : texts).join(u'\n');
+}
 
 void ImportOutcome::summarize()
 {
-    const bool saysWhy = notImported == 1 && refused.size() == 1 && !text.isEmpty() && !isCancelled;
+    const bool saysWhy = notImported == 1 && refused.size() == 1 && !text().isEmpty() && !isCancelled;
     summary = notImported > 0 && !imported.isEmpty() && !saysWhy
                   ? zqFormat(zqLocalized("%d imported, %d not"), {imported.size(), notImported})
                   : QString();
@@ -19,16 +27,12 @@ void ImportOutcome::summarize()
 
 void ImportOutcome::add(const ImportOutcome &part)
 {
-    QStringList texts;
-    for (const ImportOutcome *each : {static_cast<const ImportOutcome *>(this), &part}) {
-        const ImportOutcome &other = each == this ? part : *this;
-        const bool isContradicted = each->saysNothingCame && !other.imported.isEmpty();
-        if (!each->text.isEmpty() && !isContradicted && !texts.contains(each->text)) {
-            texts.append(each->text);
+    for (const QString &each : part.texts) {
+        if (!texts.contains(each)) {
+            texts.append(each);
         }
     }
-    text = texts.join(u'\n');
-    saysNothingCame = saysNothingCame && part.saysNothingCame;
+    saysNothingCame = (saysNothingCame && part.imported.isEmpty()) || (part.saysNothingCame && imported.isEmpty());
     time = std::max(time, part.time);
     target = imported.isEmpty() ? part.target : target;
     imported += part.imported;

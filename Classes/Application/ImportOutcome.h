@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QUuid>
 
 #include <chrono>
@@ -19,8 +20,8 @@ struct RefusedFile
 // own, which add up.
 struct ImportOutcome
 {
-    QString text;    // what there is to say in any case; empty: all went well
-    QString summary; // instead of it where the refused files can be listed; empty: the text
+    QStringList texts; // what there is to say in any case; empty: all went well
+    QString summary;   // instead of it where the refused files can be listed; empty: the texts
     std::chrono::milliseconds time{};
     ZQObjectID target; // the sidebar item it went to
     QList<ZQObjectID> imported;
@@ -29,7 +30,10 @@ struct ImportOutcome
     QUuid import = {};            // the same for all parts of one
     bool hasMore = false;         // parts of it are still to come
     bool isCancelled = false;     // or one of its parts is
-    bool saysNothingCame = false; // that is all the text says
+    bool saysNothingCame = false; // besides the texts
+
+    QString text() const; // all of it
+    static QString textForNothing();
 
     // Adds a later part of the same import.
     void add(const ImportOutcome &part);

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 // A question with its buttons; the first is the default, "Cancel" (or the answer that changes least) the last.
 struct UserQuestion
@@ -50,7 +51,20 @@ struct DuplicatePair
     qint64 bytes = 0;
     int pixelWidth = 0;
     int pixelHeight = 0;
-    bool archivesFollow = false; // the import has archives whose duplicates are asked about later
+};
+
+// What is to become of duplicates.
+struct DuplicateAnswers
+{
+    DuplicateAnswers() = default;
+    DuplicateAnswers(QList<DuplicateChoice> forPairs, std::optional<DuplicateChoice> forOthers = {})
+        : choices(std::move(forPairs)), forTheRest(forOthers)
+    {
+    }
+    bool operator==(const DuplicateAnswers &) const = default;
+
+    QList<DuplicateChoice> choices;            // of the pairs asked about, in their order
+    std::optional<DuplicateChoice> forTheRest; // of all that archives bring later; nothing: the person is asked then
 };
 
 // A line of long work with its bar. Ends when destroyed. Any thread.
@@ -95,8 +109,8 @@ public:
                                           std::chrono::milliseconds time) = 0;
     virtual void importDidEnd(const ImportOutcome &outcome)
     {
-        if (!outcome.text.isEmpty()) {
-            showNotificationWithText(outcome.text, NotificationPlace::Browser, outcome.time);
+        if (const QString text = outcome.text(); !text.isEmpty()) {
+            showNotificationWithText(text, NotificationPlace::Browser, outcome.time);
         }
     }
     virtual void showSystemNotification(const QString &title, const QString &text) = 0;
@@ -106,9 +120,10 @@ public:
     // The two questions of an import. Any thread: they wait for the answer, or for `dismissQuestions`.
     // Lets the person uncheck files that cannot be read. False stops the import.
     virtual bool resolveUnreadableFiles(QList<FileConflict> &conflicts) = 0;
-    // One choice for each pair, in order; nothing when the person cancelled the import. Where archives follow, one more
-    // is for all that those bring.
-    virtual std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) = 0;
+    // Nothing when the person cancelled the import. `archivesFollow`: it has archives, whose duplicates are asked about
+    // later where the answer is not for them too.
+    virtual std::optional<DuplicateAnswers> resolveDuplicates(const QList<DuplicatePair> &pairs,
+                                                              bool archivesFollow) = 0;
 
     // Ends the questions that other threads wait for, as if the person had cancelled each.
     virtual void dismissQuestions() {}

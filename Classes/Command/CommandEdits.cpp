@@ -39,9 +39,9 @@ public:
     {
         return m_user.resolveUnreadableFiles(conflicts);
     }
-    std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override
+    std::optional<DuplicateAnswers> resolveDuplicates(const QList<DuplicatePair> &pairs, bool archivesFollow) override
     {
-        return m_user.resolveDuplicates(pairs);
+        return m_user.resolveDuplicates(pairs, archivesFollow);
     }
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override

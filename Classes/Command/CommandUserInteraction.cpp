@@ -101,7 +101,9 @@ bool CommandUserInteraction::resolveUnreadableFiles(QList<FileConflict> &conflic
     return m_unreadable == UnreadablePolicy::Skip;
 }
 
-std::optional<QList<DuplicateChoice>> CommandUserInteraction::resolveDuplicates(const QList<DuplicatePair> &pairs)
+// For what archives bring later nothing is said: kept with their requests, it would be taken for the person's answer.
+// They ask, and are answered the same.
+std::optional<DuplicateAnswers> CommandUserInteraction::resolveDuplicates(const QList<DuplicatePair> &pairs, bool)
 {
     const DuplicateChoice choice = m_duplicates == DuplicatePolicy::Discard  ? DuplicateChoice::Discard
                                    : m_duplicates == DuplicatePolicy::Relink ? DuplicateChoice::Relink

@@ -22,7 +22,7 @@ public:
     QStringList chooseFilesToOpen(const FileChoice &choice) override;
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
     bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
-    std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
+    std::optional<DuplicateAnswers> resolveDuplicates(const QList<DuplicatePair> &pairs, bool archivesFollow) override;
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override;
 

@@ -53,9 +53,10 @@ public:
     void didLookThroughLeftovers(const QDateTime &launch) override { m_pendingImports.didLookThroughLeftovers(launch); }
     void offerToResumeImports() override { m_pendingImports.offerToResume(); }
     std::shared_ptr<ImportOperation> resumeImportOfArchive(const UnfoldedArchive &archive,
-                                                           const std::shared_ptr<PendingImportFile> &pending) override
+                                                           const std::shared_ptr<PendingImportFile> &pending,
+                                                           const std::shared_ptr<ImportWhole> &whole) override
     {
-        return m_pendingImports.resumeArchive(archive, pending);
+        return m_pendingImports.resumeArchive(archive, pending, whole);
     }
     void setKeepsCancelledImports(bool keeps) override { m_pendingImports.setKeepsCancelled(keeps); }
     bool keepsCancelledImports() const override { return m_pendingImports.keepsCancelled(); }

@@ -21,5 +21,6 @@ struct BatchRequest
     QVariantMap metadata = {};                      // attribute values of every item
     std::optional<UnfoldedArchive> origin = {};     // what `paths` came out of; its folder goes with the request
     std::optional<DuplicateChoice> duplicates = {}; // what becomes of them; nothing: the person is asked
-    std::shared_ptr<ImportWhole> whole = std::make_shared<ImportWhole>(); // that it is a part of
+    std::shared_ptr<ImportWhole> whole = std::make_shared<ImportWhole>(); // that it belongs to
+    std::shared_ptr<ImportPart> part = {}; // of one that came out of an archive, once it is queued
 };

@@ -110,7 +110,7 @@ ImportOutcome BatchResult::outcome() const
 {
     QList<DroppedFile> dropped;
     QList<DroppedFile> incomplete;
-    ImportOutcome outcome{.text = {},
+    ImportOutcome outcome{.texts = {},
                           .summary = {},
                           .time = std::chrono::seconds(6),
                           .target = m_batch.target,
@@ -131,14 +131,12 @@ ImportOutcome BatchResult::outcome() const
             dropped.append(file);
         }
     }
-    QStringList texts;
     if (!dropped.isEmpty()) {
-        texts.append(textForDropped(dropped));
+        outcome.texts.append(textForDropped(dropped));
     }
     if (!incomplete.isEmpty()) {
-        texts.append(textForIncomplete(incomplete));
+        outcome.texts.append(textForIncomplete(incomplete));
     }
-    outcome.text = texts.join(u'\n');
     outcome.summarize();
     return outcome;
 }
@@ -148,23 +146,21 @@ void BatchResult::tellOutcome(bool gaveNothing)
 {
     ImportOutcome told = outcome();
     if (gaveNothing) {
-        const QString nothing = zqLocalized("Nothing to import!");
         constexpr std::chrono::seconds time(2);
-        if (told.text.isEmpty()) {
+        if (told.texts.isEmpty()) {
             if (m_batch.request.origin && told.refused.isEmpty()) {
                 told.refused.append({m_batch.request.origin->archivePath,
                                      zqLocalized("The archive holds nothing that can be imported.")});
                 told.notImported = 1;
             }
-            told.text = nothing;
             told.time = time;
             told.saysNothingCame = true;
         } else {
-            notify(nothing, time);
+            notify(ImportOutcome::textForNothing(), time);
         }
     }
-    if (!told.text.isEmpty()) {
-        m_batch.record.report().addNotification(told.text);
+    if (const QString text = told.text(); !text.isEmpty()) {
+        m_batch.record.report().addNotification(text);
     }
     tell(told);
 }
@@ -180,7 +176,7 @@ void BatchResult::tell(const ImportOutcome &outcome)
 
 void BatchResult::tellOfCancel(const BatchRequest &request)
 {
-    tell(ImportOutcome{.text = zqLocalized("Import cancelled"),
+    tell(ImportOutcome{.texts = {zqLocalized("Import cancelled")},
                        .summary = {},
                        .time = usualNotificationTime,
                        .target = request.target,

@@ -1,5 +1,7 @@
 #include "Classes/Import/DuplicateAnswer.h"
 
+#include "Classes/Import/PendingImport.h"
+
 namespace {
 struct Name
 {
@@ -28,4 +30,11 @@ std::optional<DuplicateChoice> duplicateAnswerNamed(const QString &name)
         }
     }
     return std::nullopt;
+}
+
+bool noteDuplicateAnswer(DuplicateChoice answer, PendingImportFile &pending, ZQError *error)
+{
+    PendingImport answered = pending.request();
+    answered.duplicates = nameOfDuplicateAnswer(answer);
+    return pending.setRequest(answered, error);
 }

@@ -31,17 +31,17 @@ void DuplicateCheck::run()
     }
     ImportWhole &whole = *m_batch.request.whole;
     const auto answer = m_batch.request.duplicates ? m_batch.request.duplicates : whole.duplicates();
-    const auto choices = answer ? QList<DuplicateChoice>(qsizetype(duplicates.size()), *answer)
-                                : m_batch.user.resolveDuplicates(pairs(duplicates));
-    if (!choices) {
+    const auto answers = answer ? DuplicateAnswers(QList<DuplicateChoice>(qsizetype(duplicates.size()), *answer))
+                                : m_batch.user.resolveDuplicates(pairs(duplicates), doArchivesFollow());
+    if (!answers) {
         m_batch.operation.cancel();
         return;
     }
-    if (choices->size() > qsizetype(duplicates.size())) {
-        whole.setDuplicates(choices->last());
+    if (answers->forTheRest) {
+        whole.setDuplicates(*answers->forTheRest);
     }
     for (std::size_t i = 0; i < duplicates.size(); ++i) {
-        resolve(duplicates[i], choices->value(qsizetype(i), DuplicateChoice::KeepBoth));
+        resolve(duplicates[i], answers->choices.value(qsizetype(i), DuplicateChoice::KeepBoth));
     }
 }
 
@@ -107,8 +107,7 @@ QList<DuplicatePair> DuplicateCheck::pairs(const std::vector<Duplicate> &duplica
              .newThumbPath = created.thumbName.isEmpty() ? created.filePath : file.path() + u'/' + created.thumbName,
              .bytes = file.size(),
              .pixelWidth = item->pixelWidth(),
-             .pixelHeight = item->pixelHeight(),
-             .archivesFollow = doArchivesFollow()});
+             .pixelHeight = item->pixelHeight()});
     }
     return pairs;
 }

@@ -131,8 +131,8 @@ void ImportOperation::removeEverythingCreated()
 
 void ImportOperation::finish(BatchResult &result)
 {
-    if (m_batch.request.origin) {
-        m_batch.request.whole->partDidCome();
+    if (m_batch.request.part) {
+        m_batch.request.part->didCome();
     }
     if (!isCancelled() && m_batch.context) {
         DuplicateCheck(m_batch, m_items, m_resumption).run();
@@ -230,7 +230,7 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
     const auto &duplicates = m_batch.request.duplicates;
     const auto &whole = m_batch.request.whole;
     const auto followUp = m_resumption.unpacksOf()
-                              ? m_owner.resumeImportOfArchive(archive, m_resumption.requestOfArchive())
+                              ? m_owner.resumeImportOfArchive(archive, m_resumption.requestOfArchive(), whole)
                               : m_owner.startImport({.paths = {archive.folder},
                                                      .target = archive.sidebarItem,
                                                      .index = indexForArchive(archive),
@@ -239,9 +239,6 @@ void ImportOperation::importUnfoldedArchive(const UnfoldedArchive &archive)
                                                      .duplicates = duplicates ? duplicates : whole->duplicates(),
                                                      .whole = whole});
     if (followUp) {
-        if (!m_resumption.unpacksOf()) {
-            whole->expectPart();
-        }
         const PendingImportFile::Source handedOver{
             .bundleID = {}, .path = archive.archivePath, .movedPath = {}, .movedModification = 0};
         ZQError error;

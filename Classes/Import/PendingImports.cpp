@@ -219,27 +219,29 @@ void PendingImports::didLookThroughLeftovers(const QDateTime &launch) const
 
 std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const KeptRequest &kept)
 {
-    auto operation = std::make_shared<ImportOperation>(request, kept, m_owner);
     BatchRequest asked = request;
+    if (asked.origin) {
+        asked.part = std::make_shared<ImportPart>(asked.whole, kept.pending);
+    }
+    auto operation = std::make_shared<ImportOperation>(asked, kept, m_owner);
     asked.origin.reset(); // its folder goes with the operation
-    operation->setCompletionBlock(
-        [this, pending = kept.pending, asked, isPart = request.origin.has_value(), weak = std::weak_ptr(operation)] {
-            // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
-            const auto ended = weak.lock();
-            if (!ended || !ended->isCancelled() || ended->hasStarted()) {
-                return;
-            }
-            if (isPart) {
-                asked.whole->partDidCome();
-            }
-            if (keepsCancelled()) {
-                return;
-            }
-            if (pending) {
-                pending->remove();
-            }
-            BatchResult::tellOfCancel(asked);
-        });
+    operation->setCompletionBlock([this, pending = kept.pending, asked, weak = std::weak_ptr(operation)] {
+        // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
+        const auto ended = weak.lock();
+        if (!ended || !ended->isCancelled() || ended->hasStarted()) {
+            return;
+        }
+        if (asked.part) {
+            asked.part->didCome();
+        }
+        if (keepsCancelled()) {
+            return;
+        }
+        if (pending) {
+            pending->remove();
+        }
+        BatchResult::tellOfCancel(asked);
+    });
     application().backgroundOperationQueue().addOperation(operation);
     return operation;
 }
@@ -253,13 +255,9 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name,
         application().userInteraction().presentError(error);
         return nullptr;
     }
-    if (duplicates) {
-        PendingImport answered = pending->request();
-        answered.duplicates = nameOfDuplicateAnswer(duplicates);
-        if (!pending->setRequest(answered, &error)) {
-            application().userInteraction().presentError(error);
-            return nullptr;
-        }
+    if (duplicates && !noteDuplicateAnswer(*duplicates, *pending, &error)) {
+        application().userInteraction().presentError(error);
+        return nullptr;
     }
     pending->noteGoingOn();
     const PendingImport &request = pending->request();
@@ -272,7 +270,7 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name,
                               .sidebarItem = target,
                               .metadata = request.metadata,
                               .holder = holderOf(request.archiveRoot)},
-                             pending);
+                             pending, std::make_shared<ImportWhole>());
     }
     return queue({.paths = isOfArchive ? QStringList{request.archivePath} : request.paths,
                   .target = target,
@@ -283,7 +281,8 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name,
 }
 
 std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArchive &archive,
-                                                               const std::shared_ptr<PendingImportFile> &pending)
+                                                               const std::shared_ptr<PendingImportFile> &pending,
+                                                               const std::shared_ptr<ImportWhole> &whole)
 {
     ZQError error;
     if (!application().managedObjectContext() || !pending->moveArchive(archive.root, archive.folder, &error)) {
@@ -296,7 +295,8 @@ std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArc
                   .index = request.index,
                   .metadata = request.metadata,
                   .origin = archive,
-                  .duplicates = duplicateAnswerNamed(request.duplicates)},
+                  .duplicates = duplicateAnswerNamed(request.duplicates),
+                  .whole = whole},
                  {.pending = pending, .kind = KeptRequest::Kind::GoesOn});
 }
 

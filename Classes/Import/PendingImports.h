@@ -12,6 +12,7 @@
 
 class ImportOperation;
 class ImportOwner;
+class ImportWhole;
 class PendingImportFile;
 struct KeptRequest;
 struct BatchRequest;
@@ -40,7 +41,8 @@ public:
                                                    std::optional<DuplicateChoice> duplicates = {});
     // See `ImportOwner`.
     std::shared_ptr<ImportOperation> resumeArchive(const UnfoldedArchive &archive,
-                                                   const std::shared_ptr<PendingImportFile> &pending);
+                                                   const std::shared_ptr<PendingImportFile> &pending,
+                                                   const std::shared_ptr<ImportWhole> &whole);
     void forget();
     void offerToResume(); // asks the person
 

@@ -65,14 +65,16 @@ bool ScriptedUser::resolveUnreadableFiles(QList<FileConflict> &conflicts)
     return goesOn;
 }
 
-std::optional<QList<DuplicateChoice>> ScriptedUser::resolveDuplicates(const QList<DuplicatePair> &pairs)
+std::optional<DuplicateAnswers> ScriptedUser::resolveDuplicates(const QList<DuplicatePair> &pairs,
+                                                                bool doArchivesFollow)
 {
-    std::optional<QList<DuplicateChoice>> choices;
+    std::optional<DuplicateAnswers> answers;
     zqOnMainThreadAndWait([&] {
         duplicates = pairs;
-        choices = answerDuplicates ? answerDuplicates(pairs) : std::nullopt;
+        archivesFollow = doArchivesFollow;
+        answers = answerDuplicates ? answerDuplicates(pairs) : std::nullopt;
     });
-    return choices;
+    return answers;
 }
 
 std::shared_ptr<UserProgress> ScriptedUser::beginProgress(const QString &text, double maximum,

@@ -20,7 +20,7 @@ public:
 
     std::function<int(const UserQuestion &)> answerQuestion;
     std::function<bool(QList<FileConflict> &)> answerUnreadableFiles;
-    std::function<std::optional<QList<DuplicateChoice>>(const QList<DuplicatePair> &)> answerDuplicates;
+    std::function<std::optional<DuplicateAnswers>(const QList<DuplicatePair> &)> answerDuplicates;
     std::function<void(const std::function<void()> &cancel)> onBeginProgress; // on the thread that works
     QStringList filesToOpen; // what is chosen in a dialog; empty: cancelled
     std::optional<QString> fileToSave;
@@ -41,6 +41,8 @@ public:
     QList<Notification> notifications;
     QStringList systemNotifications; // titles
     QList<DuplicatePair> duplicates;
+    bool archivesFollow = false; // as it was said with these
+    QList<ImportOutcome> outcomes;
     std::atomic<int> dismissals = 0;
 
 private:
@@ -55,13 +57,19 @@ public:
         onError();
     }
     int ask(const UserQuestion &question) override;
+    void importDidEnd(const ImportOutcome &outcome) override
+    {
+        outcomes.append(outcome);
+        UserInteraction::importDidEnd(outcome);
+    }
     void showNotificationWithText(const QString &text, NotificationPlace position,
                                   std::chrono::milliseconds time) override;
     void showSystemNotification(const QString &title, const QString &text) override;
     QStringList chooseFilesToOpen(const FileChoice &choice) override;
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
     bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
-    std::optional<QList<DuplicateChoice>> resolveDuplicates(const QList<DuplicatePair> &pairs) override;
+    std::optional<DuplicateAnswers> resolveDuplicates(const QList<DuplicatePair> &pairs,
+                                                      bool doArchivesFollow) override;
     void dismissQuestions() override { ++dismissals; }
     std::shared_ptr<UserProgress> beginProgress(const QString &text, double maximum,
                                                 std::function<void()> cancel) override;

@@ -167,10 +167,11 @@ private:
     ZQThumbnailRequest m_picture;
 };
 
-DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs)
+DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs, bool archivesFollow)
     : Sheet(window, zqLocalized("Would you like to import the following duplicate image?")), m_pairs(pairs),
-      m_pictures(new ZQThumbnailLoader(pictureBytes, this)), m_existing(new Card(this, *m_pictures)),
-      m_new(new Card(this, *m_pictures)), m_options(new QButtonGroup(this)), m_applyToAll(new QCheckBox(this))
+      m_archivesFollow(archivesFollow), m_pictures(new ZQThumbnailLoader(pictureBytes, this)),
+      m_existing(new Card(this, *m_pictures)), m_new(new Card(this, *m_pictures)), m_options(new QButtonGroup(this)),
+      m_applyToAll(new QCheckBox(this))
 {
     setWidth(620);
     m_pictures->setDecoder(&ItemPictures::pictureFor);
@@ -214,7 +215,7 @@ DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pa
 
 void DuplicatesSheet::showPair()
 {
-    const DuplicatePair &pair = m_pairs[m_choices.size()];
+    const DuplicatePair &pair = m_pairs[m_answers.choices.size()];
     const QLocale locale;
     QString facts = locale.formattedDataSize(pair.bytes, 1, QLocale::DataSizeSIFormat);
     if (pair.pixelWidth > 0) {
@@ -234,13 +235,13 @@ void DuplicatesSheet::showPair()
                              : zqFormat(zqLocalized("New, from %@"), {zqForLabel(folder, zqLongestQuotation)});
     m_new->show(withExtension(pair.newTitle, pair.newPath), from + u'\n' + facts,
                 pair.newThumbPath.isEmpty() ? pair.newPath : pair.newThumbPath);
-    const int left = int(m_pairs.size() - m_choices.size());
-    m_applyToAll->setText(pair.archivesFollow ? zqLocalized("Apply to all duplicates of this import")
+    const int left = int(m_pairs.size() - m_answers.choices.size());
+    m_applyToAll->setText(m_archivesFollow ? zqLocalized("Apply to all duplicates of this import")
                           : left == int(m_pairs.size())
                               ? zqFormat(zqLocalized("Apply to all %d duplicates"), {left})
                               : zqFormat(zqLocalized("Apply to the remaining %d duplicates"), {left}));
     m_applyToAll->setToolTip(zqLocalized("A switches this; 1, 2 and 3 choose."));
-    m_applyToAll->setVisible(left > 1 || pair.archivesFollow);
+    m_applyToAll->setVisible(left > 1 || m_archivesFollow);
 }
 
 void DuplicatesSheet::done(int code)
@@ -248,14 +249,14 @@ void DuplicatesSheet::done(int code)
     if (code == acceptCode) {
         const auto choice = DuplicateChoice(m_options->checkedId());
         do {
-            m_choices.append(choice);
-        } while (m_applyToAll->isChecked() && m_choices.size() < m_pairs.size());
-        if (m_choices.size() < m_pairs.size()) {
+            m_answers.choices.append(choice);
+        } while (m_applyToAll->isChecked() && m_answers.choices.size() < m_pairs.size());
+        if (m_answers.choices.size() < m_pairs.size()) {
             showPair();
             return;
         }
-        if (m_applyToAll->isChecked() && m_pairs.last().archivesFollow) {
-            m_choices.append(choice);
+        if (m_applyToAll->isChecked() && m_archivesFollow) {
+            m_answers.forTheRest = choice;
         }
     }
     Sheet::done(code);
@@ -278,5 +279,5 @@ void DuplicatesSheet::keyPressEvent(QKeyEvent *event)
 
 DuplicatesSheet::Answer DuplicatesSheet::answer(int code) const
 {
-    return code == acceptCode ? Answer(m_choices) : std::nullopt;
+    return code == acceptCode ? Answer(m_answers) : std::nullopt;
 }

@@ -50,8 +50,8 @@ class DuplicatesSheet : public Sheet
 {
     Q_OBJECT
 public:
-    DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs);
-    using Answer = std::optional<QList<DuplicateChoice>>;
+    DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pairs, bool archivesFollow = false);
+    using Answer = std::optional<DuplicateAnswers>;
     Answer answer(int code) const; // to the code the sheet ended with
 
 protected:
@@ -63,7 +63,8 @@ private:
     void showPair();
 
     QList<DuplicatePair> m_pairs;
-    QList<DuplicateChoice> m_choices;
+    const bool m_archivesFollow;
+    DuplicateAnswers m_answers;
     ZQThumbnailLoader *m_pictures;
     Card *m_existing;
     Card *m_new;

@@ -109,7 +109,7 @@ void ArrivedItems::tellWhenShown(const ImportOutcome &outcome, int count, int lo
 
 void ArrivedItems::tell(const ImportOutcome &outcome)
 {
-    QString text = outcome.summary.isEmpty() ? outcome.text : outcome.summary;
+    QString text = outcome.summary.isEmpty() ? outcome.text() : outcome.summary;
     QList<ZQNotificationAction> actions;
     if (!outcome.imported.isEmpty() && !areInView(outcome.imported)) {
         if (text.isEmpty()) {

@@ -294,13 +294,15 @@ bool WindowUserInteraction::resolveUnreadableFiles(QList<FileConflict> &conflict
     return answer.goesOn;
 }
 
-std::optional<QList<DuplicateChoice>> WindowUserInteraction::resolveDuplicates(const QList<DuplicatePair> &pairs)
+std::optional<DuplicateAnswers> WindowUserInteraction::resolveDuplicates(const QList<DuplicatePair> &pairs,
+                                                                         bool archivesFollow)
 {
     if (pairs.isEmpty()) {
-        return QList<DuplicateChoice>();
+        return DuplicateAnswers();
     }
     // Without a person what changes least: nothing new comes in.
-    return answerOf<DuplicatesSheet>(QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard), pairs);
+    return answerOf<DuplicatesSheet>(DuplicateAnswers(QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard)),
+                                     pairs, archivesFollow);
 }
 
 void WindowUserInteraction::dismissQuestions()

@@ -194,7 +194,7 @@ TEST(CommandUserInteraction, AnswersWithWhatChangesLeastOrAsItWasTold)
     };
     for (const auto &[duplicates, unreadable, choice, goesOn] : policies) {
         user.setPolicies(duplicates, unreadable);
-        EXPECT_EQ(user.resolveDuplicates(pairs), QList<DuplicateChoice>(2, choice));
+        EXPECT_EQ(user.resolveDuplicates(pairs, true), DuplicateAnswers(QList<DuplicateChoice>(2, choice)));
         FileConflict good;
         good.isValid = true;
         good.isIncluded = false;

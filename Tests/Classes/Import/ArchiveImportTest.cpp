@@ -398,9 +398,10 @@ TEST_F(ArchiveImportTest, DuplicatesInAnArchiveAreNamedByItAndAnAnswerForAllHold
         user.answerDuplicates = [&](const QList<DuplicatePair> &pairs) {
             for (const DuplicatePair &pair : pairs) {
                 asked.append(pair.newPath);
-                follow.append(pair.archivesFollow);
+                follow.append(user.archivesFollow);
             }
-            return QList<DuplicateChoice>(pairs.size() + (isForAll ? 1 : 0), DuplicateChoice::Discard);
+            return DuplicateAnswers(QList<DuplicateChoice>(pairs.size(), DuplicateChoice::Discard),
+                                    isForAll ? std::optional(DuplicateChoice::Discard) : std::nullopt);
         };
         const auto operation = import(QStringList{again} + archives, projectsLabel().get());
         EXPECT_TRUE(operation->isWhollyFinished());

@@ -1,6 +1,5 @@
 // What is seen of an import while it runs, and said of it at the end.
 
-#include "Classes/Application/ApplicationParts.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -41,17 +40,6 @@ protected:
     }
 
     const QString showsAfter = QStringLiteral("ImportShowsAfter");
-};
-
-class OutcomeUser : public ScriptedUser
-{
-public:
-    QList<ImportOutcome> outcomes;
-    void importDidEnd(const ImportOutcome &outcome) override
-    {
-        outcomes.append(outcome);
-        ScriptedUser::importDidEnd(outcome);
-    }
 };
 
 } // namespace
@@ -122,14 +110,6 @@ TEST_F(ImportFeedbackTest, DuplicatesOfWhatWasSavedOnTheWayAreAskedAboutOnceAtTh
 
 TEST_F(ImportFeedbackTest, TheEndSaysHowManyCameAndWhyTheOthersDidNot)
 {
-    OutcomeUser person;
-    delegate.reset();
-    ApplicationParts parts;
-    parts.userInteraction = &person;
-    parts.importManager = &AImportManager::sharedAImportManager();
-    delegate = std::make_unique<tamberin_AppDelegate>(parts);
-    delegate->setLibraryBundleDirectory(path(QStringLiteral("Zelto.ztlibrary")));
-    ASSERT_TRUE(delegate->openLibraryForCommand(nullptr));
     const QStringList good = writeSome(2);
     const QString text = writeFile(QStringLiteral("text.txt"), "x");
     const QString broken = writeFile(QStringLiteral("broken.pdf"), "not a document");
@@ -174,11 +154,11 @@ TEST_F(ImportFeedbackTest, TheEndSaysHowManyCameAndWhyTheOthersDidNot)
           {"nothing, with a reason", {broken}, nullptr, 0, {broken}, "", "“broken.pdf”"},
           {"a folder with other files", {path(QStringLiteral("Top"))}, label.get(), 1, {}, "", ""}}) {
         SCOPED_TRACE(each.what);
-        person.notifications.clear();
-        person.outcomes.clear();
+        user.notifications.clear();
+        user.outcomes.clear();
         import(each.paths, each.into);
-        ASSERT_EQ(person.outcomes.size(), 1);
-        const ImportOutcome &outcome = person.outcomes.first();
+        ASSERT_EQ(user.outcomes.size(), 1);
+        const ImportOutcome &outcome = user.outcomes.first();
         EXPECT_EQ(outcome.imported.size(), each.imported);
         QStringList refused;
         for (const RefusedFile &file : outcome.refused) {
@@ -188,13 +168,13 @@ TEST_F(ImportFeedbackTest, TheEndSaysHowManyCameAndWhyTheOthersDidNot)
         refused.sort();
         EXPECT_EQ(refused, each.refused);
         EXPECT_EQ(outcome.summary, QString::fromUtf8(each.summary));
-        EXPECT_EQ(outcome.text.left(QString::fromUtf8(each.text).size()), QString::fromUtf8(each.text));
-        EXPECT_EQ(outcome.text.isEmpty(), each.text[0] == '\0');
+        EXPECT_EQ(outcome.text().left(QString::fromUtf8(each.text).size()), QString::fromUtf8(each.text));
+        EXPECT_EQ(outcome.text().isEmpty(), each.text[0] == '\0');
         for (const ZQObjectID &id : outcome.imported) {
             EXPECT_TRUE(context().existingObjectWithID(id));
         }
     }
-    EXPECT_EQ(person.notificationTexts(), QStringList()) << "all went well";
+    EXPECT_EQ(user.notificationTexts(), QStringList()) << "all went well";
 }
 
 TEST_F(ImportFeedbackTest, ADialogueOffersWhatIsTakenAndNothingElse)

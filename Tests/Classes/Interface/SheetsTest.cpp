@@ -114,7 +114,7 @@ protected:
         return result;
     }
     using Choices = QList<DuplicateChoice>;
-    std::optional<Choices> resolved(int count)
+    std::optional<DuplicateAnswers> resolved(int count)
     {
         DuplicatesSheet sheet(&window, pairs(count));
         const int code = sheet.run();
@@ -161,7 +161,8 @@ TEST_F(SheetsTest, DuplicatesAreAnsweredOneByOneWithTheNumberKeys)
     press({Qt::Key_3, Qt::Key_Return, Qt::Key_2, Qt::Key_Return, Qt::Key_1, Qt::Key_Return});
     const auto choices = resolved(3);
     ASSERT_TRUE(choices);
-    EXPECT_EQ(*choices, (Choices{DuplicateChoice::KeepBoth, DuplicateChoice::Relink, DuplicateChoice::Discard}));
+    EXPECT_EQ(choices->choices,
+              (Choices{DuplicateChoice::KeepBoth, DuplicateChoice::Relink, DuplicateChoice::Discard}));
 }
 
 TEST_F(SheetsTest, OneChoiceCanBeForAllThatRemain)
@@ -175,7 +176,7 @@ TEST_F(SheetsTest, OneChoiceCanBeForAllThatRemain)
 TEST_F(SheetsTest, WithoutAWindowDuplicatesAreDiscarded)
 {
     WindowUserInteraction user;
-    EXPECT_EQ(user.resolveDuplicates(pairs(2)), std::optional(Choices(2, DuplicateChoice::Discard)));
+    EXPECT_EQ(user.resolveDuplicates(pairs(2), true), std::optional(Choices(2, DuplicateChoice::Discard)));
     QList<FileConflict> conflicts = {{QStringLiteral("/a"), false, true}};
     EXPECT_FALSE(user.resolveUnreadableFiles(conflicts));
 }
@@ -185,7 +186,9 @@ TEST_F(SheetsTest, AQuestionOfAnotherThreadIsAnsweredOrDismissed)
     WindowUserInteraction user;
     user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
     window.setFocus();
-    const auto ask = [&] { return std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(2)); }); };
+    const auto ask = [&] {
+        return std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(2), false); });
+    };
     const auto isShown = [&] { return window.property(Sheet::isShownProperty).toBool(); };
 
     auto answered = ask();
@@ -212,7 +215,7 @@ TEST_F(SheetsTest, AQuestionThatGoesWithItsWindowBringsNothingIn)
     auto other = std::make_unique<QMainWindow>();
     other->show();
     user.setPlaces({.window = other.get(), .browser = {}, .sidebar = {}, .progress = nullptr});
-    auto waiting = std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(1)); });
+    auto waiting = std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(1), false); });
     zqRunMainLoopUntil([&] { return other->property(Sheet::isShownProperty).toBool(); });
     other.reset();
     EXPECT_EQ(waiting.get(), std::optional(Choices(1, DuplicateChoice::Discard)));
@@ -438,7 +441,7 @@ TEST_F(SheetsTest, UnreadableFilesAreLeftOutOneByOne)
     conflicts = asked;
     press({Qt::Key_Escape});
     EXPECT_FALSE(user.resolveUnreadableFiles(conflicts));
-    EXPECT_EQ(user.resolveDuplicates({}), std::optional(Choices()));
+    EXPECT_EQ(user.resolveDuplicates({}, true), std::optional(Choices()));
 }
 
 TEST_F(SheetsTest, DuplicatesSayWhatIsKnownOfBoth)
@@ -691,16 +694,19 @@ TEST_F(SheetsTest, TabGoesThroughASheetAsItIsSeen)
     }
 }
 
-TEST_F(SheetsTest, AnAnswerForAllIsOneMoreWhereArchivesFollow)
+TEST_F(SheetsTest, AnAnswerForAllIsForTheRestTooWhereArchivesFollow)
 {
-    const auto answered = [this](const QList<Qt::Key> &keys) {
-        QList<DuplicatePair> one = pairs(1);
-        one.first().archivesFollow = true;
+    const auto answered = [this](const QList<Qt::Key> &keys, bool archivesFollow = true) {
         press(keys);
-        DuplicatesSheet sheet(&window, one);
+        DuplicatesSheet sheet(&window, pairs(2), archivesFollow);
         const int code = sheet.run();
         return sheet.answer(code);
     };
-    EXPECT_EQ(answered({Qt::Key_2, Qt::Key_A, Qt::Key_Return}), std::optional(Choices(2, DuplicateChoice::Relink)));
-    EXPECT_EQ(answered({Qt::Key_2, Qt::Key_Return}), std::optional(Choices(1, DuplicateChoice::Relink)));
+    const auto relink = DuplicateChoice::Relink;
+    const QList<Qt::Key> forAll{Qt::Key_2, Qt::Key_A, Qt::Key_Return};
+    EXPECT_EQ(answered(forAll), std::optional(DuplicateAnswers(Choices(2, relink), relink)));
+    EXPECT_EQ(answered({Qt::Key_2, Qt::Key_Return, Qt::Key_Return}), std::optional(Choices(2, relink)));
+    EXPECT_EQ(answered(forAll, false), std::optional(Choices(2, relink)));
+    EXPECT_EQ(answered({Qt::Key_1, Qt::Key_Return, Qt::Key_2, Qt::Key_A, Qt::Key_Return}),
+              std::optional(DuplicateAnswers({DuplicateChoice::Discard, relink}, relink)));
 }
