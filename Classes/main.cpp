@@ -81,6 +81,9 @@ InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delega
     context.delegate = &delegate;
     context.workingDirectory = request.workingDirectory;
     context.isAbandoned = request.isAbandoned;
+    if (auto *window = dynamic_cast<MainWindowController *>(delegate.mainWindowController())) {
+        context.index = ContentFetcher::Ticket(window->fetcher(), ContentFetcher::Priority::Counts).index();
+    }
     CommandLine commandLine;
     commandLine.setSnapshotDrawer(drawSnapshot);
     int status = 0;

@@ -207,13 +207,16 @@ SearchClause folderClause(const SearchLexeme &lexeme, const SearchContext &conte
 
 SearchClause duplicatesClause(const SearchLexeme &lexeme, const SearchContext &context)
 {
-    constexpr qsizetype hashesForOne = 200;   // equalities of one attribute are looked up as one
-    constexpr qsizetype mostHashes = 200'000; // so that the condition can be read; nobody looks at more
-    const QStringList content =
-        context.hashCounts ? SearchQueries::repeatedHashes(context.hashCounts()).mid(0, mostHashes) : QStringList();
+    constexpr qsizetype hashesForOne = 200; // equalities of one attribute are looked up as one
     SearchClause clause;
     clause.meaning = sentenceForText(lexeme.token->field, {});
-    clause.cost = 1 + int((content.size() + lexeme.text.count(u'_')) / hashesForOne);
+    clause.cost = 1 + int(lexeme.text.count(u'_') / hashesForOne); // the content's are one list, however long
+    clause.comparesDigests = true;
+    QString content = QStringLiteral("%@");
+    if (!context.leavesOutDigests) {
+        const auto counts = context.hashCounts ? context.hashCounts() : QMap<QString, qint64>();
+        content = SearchQueries::duplicateQuery(SearchQueries::repeatedHashes(counts), context.rows);
+    }
     clause.compose = [content, hashes = lexeme.text, rows = context.rows](const QString &operand, bool exclude) {
         return SearchQueries::duplicatesSearchWithArrayController(content, exclude, operand, hashes, rows);
     };

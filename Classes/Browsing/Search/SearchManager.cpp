@@ -15,6 +15,17 @@ SearchExpression read(const QString &text)
     return SearchExpression::read(text, {});
 }
 
+// That a digest is one that more than one item of the content has.
+ZQPredicate repeatedDigests(const SearchContext &content)
+{
+    const QStringList digests =
+        content.hashCounts ? SearchQueries::repeatedHashes(content.hashCounts()) : QStringList();
+    return digests.isEmpty() ? ZQPredicate::notPredicate({})
+                             : ZQPredicate::predicateWithFormat(
+                                   QStringLiteral("%K IN %@"),
+                                   {zqItemKeyPath(content.rows, QStringLiteral("SHA1")), QVariant(digests)});
+}
+
 qsizetype indexOfClause(const Parts &parts, const SearchPart &clause)
 {
     const auto found = std::find_if(parts.begin(), parts.end(), [&clause](const SearchPart &part) {
@@ -86,12 +97,18 @@ QString SearchManager::predicateStringForSearchString(const QString &searchStrin
 
 ZQPredicate SearchManager::predicateForSearchString(const QString &searchString, const SearchContext &content)
 {
-    const QString format = predicateStringForSearchString(searchString, content);
-    if (format.isEmpty()) {
+    SearchContext context = content;
+    context.leavesOutDigests = true; // in a text of all of them, a large library's would be too many
+    const SearchExpression expression = SearchExpression::read(searchString, context);
+    if (expression.predicateString.isEmpty()) {
         return {};
     }
+    QVariantList arguments;
+    if (expression.digestConditions > 0) {
+        arguments = QVariantList(expression.digestConditions, QVariant::fromValue(repeatedDigests(content)));
+    }
     ZQError error;
-    ZQPredicate predicate = ZQPredicate::predicateWithFormat(format, {}, &error);
+    ZQPredicate predicate = ZQPredicate::predicateWithFormat(expression.predicateString, arguments, &error);
     if (predicate.isNull()) { // a search that cannot be run must not seem to find everything
         qCWarning(zqLogInterface, "A search cannot be read: %s", qUtf8Printable(error.localizedDescription()));
         return ZQPredicate::notPredicate({});

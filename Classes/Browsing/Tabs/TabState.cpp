@@ -121,7 +121,7 @@ QString TabState::generateTabTitleForItems(const QList<ZQObjectID> &items) const
 void TabState::setSearchString(const QString &text)
 {
     if (const QString before = filter(); m_searchString = text, filter() != before) {
-        m_filterPredicate = ZQPredicate();
+        setFilterPredicate({});
         invalidateCache();
     }
 }
@@ -131,6 +131,21 @@ ZQPredicate TabState::filterPredicate() const
     return m_filterPredicate.isNull() && !filter().isEmpty()
                ? SearchManager::predicateForSearchString(filter(), {.rows = ZQListRows::LibraryItems})
                : m_filterPredicate;
+}
+
+void TabState::setFilterPredicate(const ZQPredicate &predicate)
+{
+    m_filterPredicate = predicate;
+    m_filterFormat.reset();
+}
+
+const QString &TabState::filterFormat() const
+{
+    if (const QString text = filter(); !m_filterFormat || m_filterFormat->first != text) {
+        const ZQPredicate predicate = filterPredicate();
+        m_filterFormat.emplace(text, predicate.isNull() ? QString() : predicate.predicateFormat());
+    }
+    return m_filterFormat->second;
 }
 
 void TabState::setEditsSearch(bool edits)

@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 // How a tab was left: what nobody set is as the window has it.
 struct TabViewState
@@ -64,7 +65,10 @@ public:
     bool showsSavedSearch() const;
     // Of rows of library items; null: all. What the search makes of the text, unless it was set since.
     ZQPredicate filterPredicate() const;
-    void setFilterPredicate(const ZQPredicate &predicate) { m_filterPredicate = predicate; }
+    void setFilterPredicate(const ZQPredicate &predicate);
+    // Its format, for other readers of the tab; empty for none. Made when it is first asked for, and kept as long as
+    // the text stays.
+    const QString &filterFormat() const;
 
     // The tab's own values; what is unset is taken from the single element.
     std::optional<ZQSortValue> sortKeys() const { return m_sortKeys; }
@@ -135,6 +139,7 @@ private:
     bool m_editsSearch = false;
     QHash<ZQObjectID, QString> m_unsavedSearches; // of smart folders that were left while their texts were edited
     ZQPredicate m_filterPredicate;
+    mutable std::optional<std::pair<QString, QString>> m_filterFormat; // a text and its format
     std::optional<ZQSortValue> m_sortKeys;
     std::optional<bool> m_sortDirection;
     std::optional<double> m_zoom;

@@ -192,7 +192,7 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
         items.append(id.URIRepresentation(store));
     }
     const TabViewState &view = tab.view;
-    const QString predicate = tab.filterPredicate().isNull() ? QString() : tab.filterPredicate().predicateFormat();
+    const QString &predicate = tab.filterFormat();
     QStringList editedItems;
     QStringList editedTexts;
     for (auto each = tab.unsavedSearches().begin(); each != tab.unsavedSearches().end(); ++each) {

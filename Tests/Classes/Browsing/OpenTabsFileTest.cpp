@@ -1,6 +1,7 @@
 #include "Classes/Browsing/Tabs/OpenTabsFile.h"
 
 #include "Classes/Browsing/Index/ListOrder.h"
+#include "Classes/Browsing/Tabs/TabStateArchive.h"
 #include "Kit/Files/ZQKeyedArchive.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
@@ -9,6 +10,8 @@
 #include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
+
+#include <sys/stat.h>
 
 #include <random>
 
@@ -402,6 +405,36 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
     QDir().mkpath(path);
     EXPECT_FALSE(OpenTabsFile(path).read(editing)) << "a folder";
     EXPECT_EQ(aside().size(), 1);
+    removeAside();
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_FALSE(OpenTabsFile(path).read(editing));
+    EXPECT_EQ(
+        QDir(library.path(QStringLiteral("."))).entryList({QStringLiteral("opened_tabs (*")}, QDir::System).size(), 1);
+}
+
+TEST_F(OpenTabsFileTest, WhatATextAsksForIsMadeOnceForAllWritings)
+{
+    const auto smart = zqCast<ZQSidebarSmartFolder>(add<ZQSidebarSmartFolder>(QStringLiteral("S"), a->father()));
+    TabState tab(editing, {a->objectID()});
+    const auto kept = [&] {
+        return TabStateArchive::archived(tab, editing).fields.value(QStringLiteral("filterPredicate")).toString();
+    };
+    EXPECT_TRUE(kept().isEmpty());
+    tab.setUnsavedSearch(smart->objectID(), QStringLiteral("left"));
+    tab.goToSidebarItems({smart->objectID()}); // which brings a text
+    EXPECT_TRUE(kept().contains(QStringLiteral("\"left\""))) << qPrintable(kept());
+    tab.setSearchString(QStringLiteral("one"));
+    const QString first = kept();
+    EXPECT_TRUE(first.contains(QStringLiteral("\"one\"")) && !first.contains(QStringLiteral("left")));
+    tab.setZoom(0.25);
+    tab.setSearchString(QStringLiteral(" one "));
+    EXPECT_EQ(static_cast<const void *>(kept().constData()), static_cast<const void *>(first.constData()))
+        << "the very same text";
+    tab.setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("rating == 3")));
+    EXPECT_EQ(kept(), QStringLiteral("rating == 3"));
+    tab.setSearchString(QStringLiteral("two"));
+    tab.setSearchString(QStringLiteral("one"));
+    EXPECT_EQ(kept(), first);
 }
 
 TEST_F(OpenTabsFileTest, NothingIsWrittenAnewThatIsThereAlready)

@@ -273,12 +273,46 @@ TEST(SearchExpressionTest, HostileTextsEndSoonAndInAConditionThatCanBeRead)
 
 TEST(SearchManagerTest, WhatIsTooLongToBeAskedFindsNothingRatherThanEverything)
 {
-    SearchContext context;
-    context.hashCounts = [] { return QMap<QString, qint64>{{QString(20'000'000, u'a'), 2}}; };
-    const auto predicate = SearchManager::predicateForSearchString(QStringLiteral("#duplicates"), context);
+    const auto predicate = SearchManager::predicateForSearchString(QString(5'000'000, u'a'), {});
     EXPECT_FALSE(predicate.isNull());
     EXPECT_FALSE(predicate.evaluateWithObject(QVariant(1)));
-    EXPECT_TRUE(SearchManager::predicateForSearchString(QStringLiteral("#foo"), context).isNull());
+    EXPECT_TRUE(SearchManager::predicateForSearchString(QStringLiteral("#foo"), {}).isNull());
+}
+
+TEST(SearchManagerTest, DuplicatesAreFoundHoweverManyThereAreAndAskedForOnce)
+{
+    constexpr int many = 450'000;
+    const auto digest = [](int number) { return QStringLiteral("%1").arg(number, 40, 16, QLatin1Char('0')); };
+    int asked = 0;
+    SearchContext context;
+    context.rows = ZQListRows::LibraryItems;
+    context.hashCounts = [&] {
+        ++asked;
+        QMap<QString, qint64> counts;
+        for (int number = 0; number < many; ++number) {
+            counts.insert(counts.cend(), digest(number), 2);
+        }
+        counts.insert(digest(many), 1);
+        return counts;
+    };
+    const QString text = QStringLiteral("(#duplicates #r>3) OR (#duplicates #w>10) OR (#duplicateshashes %1_%2) "
+                                        "OR \"100%@\"")
+                             .arg(digest(many - 1), digest(many));
+    const auto predicate = SearchManager::predicateForSearchString(text, context);
+    EXPECT_EQ(asked, 1);
+    const auto finds = [&](int number, int rating, int width, const QString &title = {}) {
+        return predicate.evaluateWithObject(QVariantMap{{QStringLiteral("SHA1"), digest(number)},
+                                                        {QStringLiteral("rating"), rating},
+                                                        {QStringLiteral("pixelWidth"), width},
+                                                        {QStringLiteral("title"), title}});
+    };
+    EXPECT_TRUE(finds(0, 4, 0));
+    EXPECT_TRUE(finds(many - 2, 4, 0));
+    EXPECT_TRUE(finds(many - 2, 0, 11));
+    EXPECT_FALSE(finds(many - 2, 0, 0));
+    EXPECT_TRUE(finds(many - 1, 0, 0)) << "one of the digests that were named";
+    EXPECT_FALSE(finds(many, 5, 100)) << "of one item";
+    EXPECT_TRUE(finds(many, 0, 0, QStringLiteral("at 100%@"))) << "what is typed stands for nothing else";
 }
 
 TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
