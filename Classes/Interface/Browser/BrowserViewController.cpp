@@ -255,7 +255,7 @@ void BrowserViewController::contentDidChange()
     m_empty->showFor(*m_content);
     updateHead();
     showChips();
-    m_refine->setContent(m_content->tab().contentQuery(), m_content->tab().searchString());
+    m_refine->setContent(m_content->tab().contentQuery());
     if (!m_content->isLoading() && m_content->error().isNull()) {
         m_hidden->setContent(m_content->tab().contentQuery(), m_content->count());
     }

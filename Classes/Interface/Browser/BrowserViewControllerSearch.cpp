@@ -16,7 +16,7 @@ void BrowserViewController::makeSearchRows(QWidget *page)
     connect(m_chips, &SearchChips::searchRequested, this, &BrowserViewController::searchRequested);
     connect(m_chips, &SearchChips::partChosen, this, &BrowserViewController::searchPartRequested);
     m_refine = new RefineBar(m_window, page);
-    connect(m_refine, &RefineBar::searchRequested, this, &BrowserViewController::searchRequested);
+    connect(m_refine, &RefineBar::chosen, this, &BrowserViewController::refine);
 }
 
 void BrowserViewController::refine(FacetKind kind, const QString &token)
