@@ -31,7 +31,7 @@ public:
     void showSidebarItems(const QList<ZQObjectID> &items); // in the tab that is shown
     const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
     void setFilter(const QString &text);
-    void setIsTyped(bool isTyped);                     // whether the search field has the focus
+    void setTypedAt(qsizetype cursor);                 // of the search field; -1: it has no focus
     void refine(FacetKind kind, const QString &token); // chooses a value of a facet, or takes it away
     void updateHead();                                 // title, count and order of what is shown
     BrowserHead &head() { return *m_head; }

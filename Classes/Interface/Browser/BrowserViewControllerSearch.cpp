@@ -32,7 +32,7 @@ void BrowserViewController::showChips()
     m_chips->setText(isTyped ? tab.searchString() : m_content->shownSearch(), isTyped);
 }
 
-void BrowserViewController::setIsTyped(bool isTyped)
+void BrowserViewController::setTypedAt(qsizetype cursor)
 {
     m_chips->setIsTyped(isTyped);
 }

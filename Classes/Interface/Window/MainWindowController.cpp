@@ -104,7 +104,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     auto *assistant = new SearchAssistant(*m_window, m_toolbar->search(), m_mainWindow.get());
     connect(m_browser, &BrowserViewController::searchRequested, assistant, &SearchAssistant::setText);
     connect(m_browser, &BrowserViewController::searchPartRequested, assistant, &SearchAssistant::select);
-    connect(assistant, &SearchAssistant::typingChanged, m_browser, &BrowserViewController::setIsTyped);
+    connect(assistant, &SearchAssistant::typingChanged, m_browser, &BrowserViewController::setTypedAt);
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     m_arrived = new ArrivedItems(
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
