@@ -112,7 +112,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     readFileTags();
-    TextFields::yieldUndo(m_mainWindow.get());
+    TextFields::yieldKeys(m_mainWindow.get());
     restoreGeometry();
     m_tabs->restore();
     updateCommands();
