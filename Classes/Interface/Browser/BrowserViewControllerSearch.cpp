@@ -34,7 +34,7 @@ void BrowserViewController::showChips()
 
 void BrowserViewController::setTypedAt(qsizetype cursor)
 {
-    m_chips->setIsTyped(isTyped);
+    m_chips->setCursor(cursor);
 }
 
 QString BrowserViewController::countText() const
