@@ -187,7 +187,13 @@ SearchClause kindClause(const SearchLexeme &lexeme, const SearchContext &context
     constexpr qsizetype extensionsForOne = 16; // a list is looked up, not gone through
     SearchClause clause = plainClause(SearchQueries::kindQuery(lexeme.text, context.rows),
                                       sentenceForText(SearchField::Kind, lexeme.text));
-    clause.cost = 1 + int(KindNames::extensionsOfKind(lexeme.text).size() / extensionsForOne);
+    const QStringList extensions = KindNames::extensionsOfKind(lexeme.text);
+    clause.cost = 1 + int(extensions.size() / extensionsForOne);
+    const auto isPlain = [](QChar c) { return c.isLetterOrNumber(); }; // no pattern, nothing that is left out
+    if (extensions.size() == 1 && std::all_of(extensions.first().begin(), extensions.first().end(), isPlain)) {
+        clause.normalized =
+            zqFold(SearchQueries::queryForField(SearchField::Extension, extensions.first(), context.rows));
+    }
     return clause;
 }
 

@@ -131,7 +131,9 @@ private:
     bool isTouchedBy(const ZQContextDidSave &change) const;
     void changeMembers(const QString &name, const QList<ZQObjectID> &sidebarItems, bool updateBrowser,
                        const std::function<void(qsizetype index)> &change);
-    QList<ZQObjectID> holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems) const;
+    // Those of them that hold any of the items; or, with `lacking`, that do not hold all of them.
+    QList<ZQObjectID> holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems,
+                                bool lacking = false) const;
 
     EditContext &m_edits;
     QList<ZQObjectID> m_sidebarSelectedItems;
