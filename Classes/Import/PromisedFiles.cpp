@@ -1,11 +1,11 @@
 #include "Classes/Import/PromisedFiles.h"
 
+#include "Classes/Import/DirectoryContent.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Kit/Files/ZQOpenForWriting.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QMimeData>
@@ -126,15 +126,20 @@ bool PromisedFiles::isNamedFileThere() const
     return file.isFile() && !file.isSymLink() && file.size() > 0;
 }
 
-// A link would have a file imported that was not dragged.
+// Where promises are taken, folders are not. A link would have a file imported that was not dragged.
 QStringList PromisedFiles::paths() const
 {
     QStringList found;
-    for (const QFileInfo &entry :
-         QDir(m_folder.path())
-             .entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::Name)) {
-        found.append(entry.filePath());
+    QStringList folders{m_folder.path()};
+    while (!folders.isEmpty()) {
+        const DirectoryContent content = DirectoryContent::ofDirectory(folders.takeFirst());
+        found += content.files + content.archives + content.refused; // with a reason, by the import
+        folders = content.subfolders + folders;
     }
+    found.removeIf([](const QString &path) {
+        const QFileInfo info(path);
+        return !info.isFile() && !info.isDir(); // a pipe, of which there is no end
+    });
     return found;
 }
 

@@ -10,7 +10,7 @@ class QMimeData;
 
 // What one drop was promised, from the drop until it is there. The program that promised it writes into a folder of its
 // own in the temporary area and, being told a place there, nowhere on our behalf. An archive manager may write several
-// files and folders, under other names than the one it proposed: whatever is in the folder came.
+// files and folders, under other names than the one it proposed: whatever files are in the folder came.
 //
 // Main thread. Asks and looks, but never waits.
 class PromisedFiles
@@ -37,7 +37,7 @@ public:
     // To be called every 100 milliseconds until something else than `Awaited` is answered. Files are waited for as long
     // as 20 looks show no change, the program's answer 100.
     State look();
-    // What is there; the folder is the caller's from now on.
+    // The files that are there, also those in folders; the folder is the caller's from now on.
     QStringList take();
 
 private:

@@ -12,6 +12,8 @@
 #include <QFileInfo>
 #include <QMimeData>
 
+#include <sys/stat.h>
+
 namespace {
 
 using State = PromisedFiles::State;
@@ -46,8 +48,7 @@ protected:
     {
         QStringList names;
         for (const QString &each : files.take()) {
-            EXPECT_EQ(QFileInfo(each).path(), folder);
-            names.append(QFileInfo(each).fileName());
+            names.append(QDir(folder).relativeFilePath(each));
         }
         return names;
     }
@@ -200,9 +201,12 @@ TEST_F(PromisedFilesTest, WhateverAnArchiveManagerWritesInsteadCame)
     }
     write(QStringLiteral("Brand/inner/c.png")); // the next one, deep in a folder
     write(QStringLiteral(".unfinished"));
+    write(QStringLiteral("notes.txt"));
+    write(QStringLiteral("Design.sketch/page"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder + QStringLiteral("/pipe.png")).constData(), 0600), 0);
     ASSERT_TRUE(QFile::link(QStringLiteral("/etc/passwd"), folder + QStringLiteral("/link.png")));
     EXPECT_EQ(outcome(*files), (std::pair{21, State::Here}));
-    EXPECT_EQ(namesTaken(*files), (QStringList{QStringLiteral("Brand"), QStringLiteral("b.png")}));
+    EXPECT_EQ(namesTaken(*files).join(u' '), QStringLiteral("b.png Design.sketch notes.txt Brand/inner/c.png"));
 }
 
 TEST_F(PromisedFilesTest, WhatDoesNotComeLeavesNothing)
