@@ -8,6 +8,7 @@
 
 #include <QMimeData>
 
+#include <chrono>
 #include <utility>
 
 namespace {

@@ -11,8 +11,10 @@
 #include "Tests/Support/Skip.h"
 
 #include <QBuffer>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
+#include <QUrl>
 #include <QWindow>
 
 namespace {
