@@ -400,7 +400,7 @@ Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*
                                                                                         : Qt::IgnoreAction;
     }
     const bool isTarget = bool(SidebarTargetRules::content(target.get(), SidebarTargetRules::Place::Pane));
-    return isTarget && ImportDoor::carriesContent(data) ? Qt::CopyAction : Qt::IgnoreAction;
+    return isTarget && ImportDoor::dragCarriesContent(data) ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*action*/)
@@ -423,7 +423,7 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
     if (!paths.isEmpty()) {
         ImportDoor::importFiles(paths, target.get(), place);
     } else {
-        ImportDoor::importPasteboard(data, target.get(), place);
+        ImportDoor::importDrop(data, target.get(), place);
     }
     return true;
 }
