@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -103,9 +104,9 @@ public:
     }
     std::optional<int> sortValue(const QString &key)
     {
-        const auto found = whole(key, int(ListOrder::byTags));
-        m_areFine = m_areFine && (!found || ListOrder::isKnown(*found));
-        return found && m_areFine ? found : std::nullopt;
+        // An order that this version has not, of an older or newer one, is no damage: the tab has the usual one then.
+        const auto found = whole(key, std::numeric_limits<qint16>::max());
+        return found && ListOrder::isKnown(*found) ? found : std::nullopt;
     }
     std::optional<bool> flag(const QString &key)
     {
