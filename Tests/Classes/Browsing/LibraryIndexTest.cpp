@@ -357,7 +357,7 @@ TEST_F(LibraryIndexTest, OrdersByTagsAlsoWhereTheyAreMoreThanANumberHasRoomForFo
             tags.append(tag);
         }
     }
-    fill(120);
+    fill(250);
     compareColumnOrders({ListOrder::byTags});
 }
 
