@@ -192,7 +192,8 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
         items.append(id.URIRepresentation(store));
     }
     const TabViewState &view = tab.view;
-    const QString predicate = tab.filterPredicate().isNull() ? QString() : tab.filterPredicate().predicateFormat();
+    const ZQPredicate filtering = tab.filterPredicate();
+    const QString predicate = filtering.isNull() ? QString() : filtering.predicateFormat();
     QStringList editedItems;
     QStringList editedTexts;
     for (auto each = tab.unsavedSearches().begin(); each != tab.unsavedSearches().end(); ++each) {
@@ -270,7 +271,8 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     if (const auto value = fields.whole(styleKey, int(BrowserDisplayStyle::BySize))) {
         tab->setBrowserDisplayStyle(BrowserDisplayStyle(*value));
     }
-    if (const QString format = fields.text(predicateKey); !format.isEmpty()) {
+    // The text says it anew: what it asked for when it was written was that day's.
+    if (const QString format = fields.text(predicateKey); !format.isEmpty() && tab->filter().isEmpty()) {
         tab->setFilterPredicate(ZQPredicate::predicateWithFormat(format)); // null when it is none any more
     }
     fields.ignoredText(nameKey); // the sidebar items may have other titles now
