@@ -88,6 +88,20 @@ QString withoutClause(const QString &text, const Parts &parts, qsizetype index)
     return text.left(start) + text.mid(end);
 }
 
+// So that what stands behind it narrows what all of it finds.
+QString closed(QString text)
+{
+    const SearchExpression expression = read(text);
+    const Parts problems = expression.needsBrackets ? expression.problems() : Parts();
+    for (auto problem = problems.rbegin(); problem != problems.rend(); ++problem) {
+        if (problem->problem == SearchProblem::ClosedBracket) { // would close the brackets around all
+            text.insert(problem->position, u'(');
+        }
+    }
+    text += expression.closing;
+    return expression.needsBrackets ? u'(' + text.trimmed() + u')' : text;
+}
+
 } // namespace
 
 QString SearchManager::predicateStringForSearchString(const QString &searchString, const SearchContext &content)
@@ -136,17 +150,7 @@ QString SearchManager::toggled(const QString &searchText, const QString &tokenTe
         }
         return text;
     }
-    const SearchExpression before = read(searchText);
-    const Parts problems = before.needsBrackets ? before.problems() : Parts();
-    for (auto problem = problems.rbegin(); problem != problems.rend(); ++problem) {
-        if (problem->problem == SearchProblem::ClosedBracket) { // would close the brackets around all
-            text.insert(problem->position, u'(');
-        }
-    }
-    text += before.closing;
-    if (before.needsBrackets) {
-        text = u'(' + text.trimmed() + u')';
-    }
+    text = closed(searchText);
     const bool needsBlank = !text.isEmpty() && !SearchTokenizer::isBlank(text.back());
     return text + (needsBlank ? QStringLiteral(" ") : QString()) + tokenText;
 }
@@ -155,6 +159,11 @@ QString SearchManager::without(const QString &searchText, qsizetype index)
 {
     const Parts parts = read(searchText).parts;
     return index >= 0 && index < parts.size() ? withoutClause(searchText, parts, index) : searchText;
+}
+
+QString SearchManager::asPart(const QString &text)
+{
+    return closed(text).trimmed();
 }
 
 QString SearchManager::quoted(const QString &argument)

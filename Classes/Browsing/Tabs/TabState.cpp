@@ -131,9 +131,8 @@ void TabState::setSearchString(const QString &text)
 
 ZQPredicate TabState::filterPredicate() const
 {
-    return m_filterPredicate.isNull() && !filter().isEmpty()
-               ? SearchManager::predicateForSearchString(filter(), {.rows = ZQListRows::LibraryItems})
-               : m_filterPredicate;
+    return filter().isEmpty() ? m_filterPredicate
+                              : SearchManager::predicateForSearchString(filter(), {.rows = ZQListRows::LibraryItems});
 }
 
 void TabState::setFilterPredicate(const ZQPredicate &predicate)

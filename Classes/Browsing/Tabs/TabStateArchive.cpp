@@ -271,7 +271,8 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     if (const auto value = fields.whole(styleKey, int(BrowserDisplayStyle::BySize))) {
         tab->setBrowserDisplayStyle(BrowserDisplayStyle(*value));
     }
-    if (const QString format = fields.text(predicateKey); !format.isEmpty()) {
+    // The text says it anew: what it asked for when it was written was that day's.
+    if (const QString format = fields.text(predicateKey); !format.isEmpty() && tab->filter().isEmpty()) {
         tab->setFilterPredicate(ZQPredicate::predicateWithFormat(format)); // null when it is none any more
     }
     fields.ignoredText(nameKey); // the sidebar items may have other titles now

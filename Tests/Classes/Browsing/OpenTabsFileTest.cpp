@@ -1,6 +1,7 @@
 #include "Classes/Browsing/Tabs/OpenTabsFile.h"
 
 #include "Classes/Browsing/Index/ListOrder.h"
+#include "Classes/Browsing/Search/SearchManager.h"
 #include "Classes/Browsing/Tabs/TabStateArchive.h"
 #include "Kit/Files/ZQKeyedArchive.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
@@ -29,7 +30,6 @@ protected:
     {
         auto full = std::make_shared<TabState>(editing, QList<ZQObjectID>{a->objectID(), b->objectID()});
         full->setSearchString(QStringLiteral("wörds"));
-        full->setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("title CONTAINS[cd] \"x\"")));
         full->setSortKeys(ListOrder::byTags);
         full->setSortDirection(false);
         full->setZoom(0.445);
@@ -70,6 +70,10 @@ protected:
     {
         return *ZQKeyedArchive::toData(
             QVariantMap{{QStringLiteral("tabs"), tabs}, {QStringLiteral("indexOfSelectedTab"), index}});
+    }
+    static ZQPredicate predicateOf(const char *text)
+    {
+        return SearchManager::predicateForSearchString(QString::fromUtf8(text), {.rows = ZQListRows::LibraryItems});
     }
     static QByteArray tabWith(const char *key, const QVariant &value, const char *className = "TabState")
     {
@@ -112,6 +116,26 @@ TEST_F(OpenTabsFileTest, TextsOfSmartFoldersThatAreBeingEditedAreKept)
     EXPECT_EQ(tab->searchString(), QStringLiteral("trefoil"));
 }
 
+TEST_F(OpenTabsFileTest, WhatATextAsksForIsMadeOfTheTextWhateverTheFileSays)
+{
+    const QString old = QStringLiteral("title == \"of another day\"");
+    const auto restored = [&](const QString &text) {
+        QVariantMap fields{{QStringLiteral("filterPredicate"), old}};
+        if (!text.isEmpty()) {
+            fields.insert(QStringLiteral("searchString"), text);
+        }
+        EXPECT_TRUE(reads(archive(QVariantList{QVariant::fromValue(Object{QStringLiteral("TabState"), fields})})));
+        return OpenTabsFile(path).read(editing)->tabs.first();
+    };
+    EXPECT_TRUE(restored({})->filterPredicate() == ZQPredicate::predicateWithFormat(old));
+    const auto tab = restored(QStringLiteral("wörds"));
+    EXPECT_TRUE(tab->filterPredicate() == predicateOf("wörds"));
+    ASSERT_TRUE(OpenTabsFile(path).write({{tab}, 0}, editing));
+    EXPECT_FALSE(ScratchLibrary::readFile(path).contains("another day"));
+    tab->setSearchString({});
+    EXPECT_TRUE(tab->filterPredicate().isNull()) << "nothing is left of it";
+}
+
 TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
 {
     const QByteArray data = written();
@@ -130,7 +154,8 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
         "filterPredicate "
         "infoPanelHeight infoPanelOpen scroll searchString selectionIndexes sidebarSelectedItemIDStrings "
         "sortDirection sortKeys tabName unsavedSearchItemIDStrings unsavedSearchStrings zoom");
-    EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), QStringLiteral("title CONTAINS[cd] \"x\""));
+    const QString asked = predicateOf("wörds").predicateFormat();
+    EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), asked);
     EXPECT_EQ(fields(0).value(QStringLiteral("tabName")), QStringLiteral("2 items selected"));
     for (const char *key : {"zoom", "sortKeys", "filterPredicate", "searchString", "selectionIndexes", "scroll"}) {
         EXPECT_FALSE(fields(1).value(QLatin1StringView(key)).isValid()) << key;
@@ -143,7 +168,7 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
     const TabState &full = *back->tabs[0];
     EXPECT_EQ(full.sidebarSelectedItems(), (QList<ZQObjectID>{a->objectID(), b->objectID()}));
     EXPECT_EQ(full.searchString(), QStringLiteral("wörds"));
-    EXPECT_EQ(full.filterPredicate().predicateFormat(), QStringLiteral("title CONTAINS[cd] \"x\""));
+    EXPECT_EQ(full.filterPredicate().predicateFormat(), asked);
     EXPECT_EQ(full.sortKeys(), ListOrder::byTags);
     EXPECT_EQ(full.sortDirection(), false);
     EXPECT_EQ(full.zoom(), 0.445);
