@@ -50,6 +50,7 @@ struct ZQUserDefaults::Private
     QVariantMap values ZQ_GUARDED_BY(mutex);    // as the file has them, with `unwritten` over them
     QVariantMap unwritten ZQ_GUARDED_BY(mutex); // changes the file could not take; an invalid value removes
     Stamp stamp ZQ_GUARDED_BY(mutex) = {};
+    Stamp damageStamp ZQ_GUARDED_BY(mutex) = {}; // of a damaged file that stays, which was logged
     ZQError readingProblem ZQ_GUARDED_BY(mutex); // there is a file, and what it holds is not known
     ZQError lockingProblem ZQ_GUARDED_BY(mutex); // something else stands where the lock file belongs
     std::vector<std::weak_ptr<Observer>> observers ZQ_GUARDED_BY(mutex);
@@ -177,6 +178,9 @@ void ZQUserDefaults::Private::readLocked()
     const int problem = errno;
     readingProblem = ZQError::posix(problem, path);
     stamp = stampOfFile();
+    if (std::exchange(damageStamp, stamp) == stamp) {
+        return;
+    }
     qCWarning(zqLogFiles, "The settings in %s are damaged, and cannot be set aside as %s: %s.", qUtf8Printable(path),
               qUtf8Printable(aside), std::strerror(problem));
 }

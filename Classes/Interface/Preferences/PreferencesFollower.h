@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQUserDefaults.h"
 
 #include <QObject>
+#include <QTimer>
 
 class BrowserViewController;
 class ProjectsSidebarViewController;
@@ -34,5 +35,6 @@ private:
     BrowserViewController &m_browser;
     UserInteraction &m_user;
     ZQFileWatcher *m_watcher;
+    QTimer m_return; // runs while there is no folder to watch
     ZQUserDefaults::Token m_token;
 };

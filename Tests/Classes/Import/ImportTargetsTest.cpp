@@ -221,9 +221,11 @@ TEST_F(ImportTargets, AnImportThatIsCancelledBeforeItsTurnSaysSoUnlessItIsKept)
         ASSERT_TRUE(operation);
         user.notifications.clear();
         operation->cancel();
+        bool isBehind = false; // what it says was handed to the main thread before
+        delegate->backgroundOperationQueue().addOperationWithBlock(
+            [&isBehind] { zqOnMainThread([&isBehind] { isBehind = true; }); });
         stop = true;
-        zqRunMainLoopUntil([&] { return operation->isFinished(); });
-        zqRunMainLoopFor(std::chrono::milliseconds(100));
+        zqRunMainLoopUntil([&isBehind] { return isBehind; });
         EXPECT_FALSE(operation->hasStarted());
         EXPECT_EQ(user.notificationTexts(), isKept ? QStringList() : QStringList{QStringLiteral("Import cancelled")});
     }

@@ -12,7 +12,9 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -220,6 +222,26 @@ TEST_F(PreferencesWindowTest, AnotherProcessIsFollowedWithoutBeingAsked)
     other.removeObjectForKey(QStringLiteral("UseDarkUI"));
     EXPECT_TRUE(waitFor([this] { return control<QRadioButton>("Dark")->isChecked(); }));
     EXPECT_FALSE(defaults().isSet(QStringLiteral("UseDarkUI"))) << "what is shown is not what was chosen";
+}
+
+TEST_F(PreferencesWindowTest, AnotherProcessIsFollowedInAFolderThatWentAndCameBack)
+{
+    ZQUserDefaults other(defaults().path());
+    const auto follows = [&other](bool isDark) {
+        other.setObjectForKey(isDark, QStringLiteral("UseDarkUI"));
+        return waitFor([isDark] { return ZQTheme::current().isDark() == isDark; });
+    };
+    ASSERT_TRUE(follows(false));
+    const QString place = QFileInfo(other.path()).path();
+    const QString away = place + QStringLiteral(" away");
+    ASSERT_TRUE(QDir().rename(place, away));
+    EXPECT_TRUE(waitFor([] { return ZQTheme::current().isDark(); })) << "as a new process would be";
+    ASSERT_TRUE(QDir().mkpath(place));
+    ASSERT_TRUE(QFile::copy(away + u'/' + QFileInfo(other.path()).fileName(), other.path()));
+    EXPECT_TRUE(waitFor([] { return !ZQTheme::current().isDark(); }));
+    EXPECT_TRUE(follows(true));
+    EXPECT_TRUE(follows(false));
+    EXPECT_TRUE(QDir(away).removeRecursively());
 }
 
 TEST_F(PreferencesWindowTest, ANumberCountsWhenItIsWholeAndADefaultWhereItIsNone)

@@ -237,6 +237,27 @@ TEST_F(UserDefaults, WriteNothingOverADamagedFileThatCannotBeSetAside)
     EXPECT_EQ(ZQUserDefaults(store).integerForKey(key), 1);
 }
 
+TEST_F(UserDefaults, SayOnceOfADamagedFileThatItStays)
+{
+    static int said;
+    said = 0;
+    folder(QStringLiteral("config/Zelto/defaults.json.damaged/kept"));
+    write(store, "damaged");
+    ZQUserDefaults defaults(store);
+    const auto before = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) {
+        said += text.contains(QStringLiteral("cannot be set aside")) ? 1 : 0;
+    });
+    for (const int expected : {1, 2}) {
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_FALSE(defaults.storeObjectForKey(i, key));
+            EXPECT_FALSE(defaults.isSet(key));
+        }
+        EXPECT_EQ(said, expected);
+        write(store, "damaged otherwise");
+    }
+    qInstallMessageHandler(before);
+}
+
 TEST_F(UserDefaults, MayBeUsedFromSeveralThreads)
 {
     ZQUserDefaults defaults(store);
