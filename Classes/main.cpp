@@ -9,6 +9,8 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/PromisedImports.h"
+#include "Classes/Import/XDirectSave.h"
 #include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
@@ -29,6 +31,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <algorithm>
@@ -81,6 +84,9 @@ InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delega
     context.delegate = &delegate;
     context.workingDirectory = request.workingDirectory;
     context.isAbandoned = request.isAbandoned;
+    if (auto *window = dynamic_cast<MainWindowController *>(delegate.mainWindowController())) {
+        context.index = ContentFetcher::Ticket(window->fetcher(), ContentFetcher::Priority::Counts).index();
+    }
     CommandLine commandLine;
     commandLine.setSnapshotDrawer(drawSnapshot);
     int status = 0;
@@ -321,6 +327,10 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     parts.makeMainWindowController = [&user] { return std::make_unique<MainWindowController>(user); };
     parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(); };
     tamberin_AppDelegate delegate(parts);
+    AImportManager &imports = AImportManager::sharedAImportManager();
+    PromisedImports promised(imports, XDirectSave::maker());
+    imports.setPromisedImports(&promised);
+    const auto endPromises = qScopeGuard([&imports] { imports.setPromisedImports(nullptr); });
 
     QStringList files;
     for (const QString &file : commandLine.filesToOpen()) {

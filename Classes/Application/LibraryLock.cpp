@@ -1,6 +1,7 @@
 #include "Classes/Application/LibraryLock.h"
 
 #include "Kit/Files/ZQPaths.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QCryptographicHash>
@@ -15,12 +16,18 @@
 
 std::unique_ptr<LibraryLock> LibraryLock::lockBundle(const QString &bundleDirectory, ZQError *error)
 {
-    const QByteArray path = QFile::encodeName(bundleDirectory + QStringLiteral("/lock"));
-    ZQFileDescriptor file(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644));
+    const QString path = bundleDirectory + QStringLiteral("/lock");
+    ZQError cause;
+    ZQFileDescriptor file = zqOpenRegularFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, &cause, 0644);
+    if (!file.isOpen() && cause.domain == zqNoRegularFileDomain) {
+        zqSetError(error, ZQError::with(errorDomain, NotWritable, cause.userInfo[ZQError::descriptionKey].toString(),
+                                        zqLocalized("Move it out of the library, then try again.")));
+        return nullptr;
+    }
     if (!file.isOpen()) {
         zqSetError(error, ZQError::with(errorDomain, NotWritable,
                                         zqFormat(zqLocalized("The library “%@” can't be written: %@."),
-                                                 {bundleDirectory, QString::fromLocal8Bit(std::strerror(errno))}),
+                                                 {bundleDirectory, QString::fromLocal8Bit(std::strerror(cause.code))}),
                                         zqLocalized("Check its permissions, or choose another library.")));
         return nullptr;
     }

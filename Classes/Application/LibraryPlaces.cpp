@@ -4,6 +4,7 @@
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -61,10 +62,11 @@ void LibraryPlaces::tryToRecuperateSandboxedLibraryToDestination(const QString &
     if (!QFileInfo(library).isDir()) {
         return;
     }
-    QFile preferences(container + QStringLiteral("/Library/Preferences/") + bundleIdentifier +
-                      QStringLiteral(".plist"));
-    if (preferences.open(QIODevice::ReadOnly)) {
-        if (const auto values = ZQPropertyList::fromData(preferences.readAll())) {
+    constexpr qint64 largest = 64 << 20;
+    const auto preferences = zqReadRegularFile(
+        container + QStringLiteral("/Library/Preferences/") + bundleIdentifier + QStringLiteral(".plist"), largest);
+    if (preferences) {
+        if (const auto values = ZQPropertyList::fromData(*preferences)) {
             ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
             const QVariantMap map = values->toMap();
             for (auto it = map.begin(); it != map.end(); ++it) {

@@ -1,6 +1,7 @@
 #include "Classes/Application/RemovalNote.h"
 
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QFile>
@@ -13,12 +14,11 @@ RemovalNote::RemovalNote(QString path, QString library) : m_path(std::move(path)
 QStringList RemovalNote::names() const
 {
     constexpr qint64 largestNote = qint64(256) << 20;
-    const QFileInfo note(m_path);
-    QFile file(m_path);
-    if (note.isSymLink() || !note.isFile() || note.size() > largestNote || !file.open(QIODevice::ReadOnly)) {
+    const auto note = zqReadRegularFile(m_path, largestNote, nullptr, O_NOFOLLOW);
+    if (!note) {
         return {};
     }
-    QStringList names = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    QStringList names = QString::fromUtf8(*note).split(u'\n', Qt::SkipEmptyParts);
     names.removeIf([](const QString &name) { return name.startsWith(u'.') || name.contains(u'/'); });
     return names;
 }

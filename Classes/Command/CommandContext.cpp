@@ -1,6 +1,7 @@
 #include "Classes/Command/CommandContext.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -14,6 +15,11 @@
 ZQManagedObjectContext &CommandContext::store() const
 {
     return *delegate->managedObjectContext();
+}
+
+LibraryIndex *CommandContext::readyIndex() const
+{
+    return index && index->isReady() && !store().hasChanges() ? index.get() : nullptr;
 }
 
 void CommandContext::printJSON(const QJsonValue &value)

@@ -11,8 +11,10 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
+class LibraryIndex;
 class tamberin_AppDelegate;
 class ZQManagedObjectContext;
 class ZQSidebarBaseItem;
@@ -32,7 +34,13 @@ struct CommandContext
     // In the process of a window: whether who asked has gone, as by Ctrl+C. Null where nobody can.
     std::function<bool()> isAbandoned;
 
+    // In the process of a window: what answers in place of the store; null where nothing does.
+    std::shared_ptr<LibraryIndex> index;
+
     ZQManagedObjectContext &store() const;
+    bool isWanted() const { return !isAbandoned || !isAbandoned(); }
+    // The index, when it is there already and knows what the store does; else null.
+    LibraryIndex *readyIndex() const;
     QString absolutePath(const QString &path) const { return QDir(workingDirectory).absoluteFilePath(path); }
 
     void print(const QString &line) { output += line.toUtf8() + '\n'; }

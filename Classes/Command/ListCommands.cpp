@@ -8,8 +8,11 @@
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
+
+#include <algorithm>
 
 namespace {
 const QString searchTextKey = QStringLiteral("searchText");
@@ -21,8 +24,8 @@ ZQFetched<ZQLibraryBaseItem> shownItems(const ZQSidebarBaseItem &sidebarItem, Co
         return sidebarItem.items();
     }
     ZQError error;
-    auto items =
-        context.store().fetch<ZQLibraryBaseItem>(SidebarContents(context.store()).request(sidebarItem), &error);
+    auto items = context.store().fetch<ZQLibraryBaseItem>(
+        SidebarContents(context.store(), context.readyIndex()).request(sidebarItem), &error);
     if (!items) {
         context.fail(error.localizedDescription());
     }
@@ -62,33 +65,65 @@ ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContex
     return deleted;
 }
 
-qint64 countOf(const ZQSidebarBaseItem &item, CommandContext &context)
+// The active entries of the sidebar in their order, by what they stand in; those of none are above all.
+using Tree = QHash<ZQObjectID, QList<ZQRef<ZQSidebarBaseItem>>>;
+
+std::optional<Tree> sidebarTree(CommandContext &context)
 {
-    return item.isSmartFolder() ? zqCount(context.store(), SidebarContents(context.store()).request(item))
-                                : item.numberOfItems();
+    ZQFetchRequest request{ZQSidebarBaseItem::entityName(),
+                           ZQPredicate::predicateWithFormat(QStringLiteral("active == YES"))};
+    request.sortDescriptors = {{QStringLiteral("order")}};
+    ZQError error;
+    const auto items = context.store().fetch<ZQSidebarBaseItem>(request, &error);
+    if (!items) {
+        context.fail(error.localizedDescription());
+        return std::nullopt;
+    }
+    Tree tree;
+    for (const ZQRef<ZQSidebarBaseItem> &item : *items) {
+        const ZQRef<ZQSidebarBaseItem> father = item->father();
+        tree[father ? father->objectID() : ZQObjectID()].append(item);
+    }
+    auto &top = tree[ZQObjectID()];
+    std::stable_sort(top.begin(), top.end(),
+                     [](const auto &a, const auto &b) { return int(a->is_Tag()) < int(b->is_Tag()); });
+    return tree;
 }
 
-QJsonObject sidebarObject(const ZQSidebarBaseItem &item, CommandContext &context)
+std::optional<SidebarContents::Counts> countsOf(const Tree &tree, CommandContext &context)
 {
-    QJsonArray children;
-    for (const ZQRef<ZQSidebarBaseItem> &child : item.orderedChildren()) {
-        children.append(sidebarObject(*child, context));
+    QList<SidebarContents::Entry> entries;
+    for (const auto &siblings : tree) {
+        for (const ZQRef<ZQSidebarBaseItem> &item : siblings) {
+            entries.append(SidebarContents::entryFor(*item));
+        }
     }
-    QJsonObject object{{QStringLiteral("title"), item.title()},
-                       {QStringLiteral("kind"), item.kind()},
-                       {QStringLiteral("order"), item.order()},
-                       {QStringLiteral("entity"), item.entity()->name},
-                       {QStringLiteral("is_Label"), item.is_Label()},
-                       {QStringLiteral("is_Special"), item.is_Special()},
-                       {QStringLiteral("is_Tag"), item.is_Tag()},
-                       {QStringLiteral("active"), item.active()},
-                       {QStringLiteral("numberOfItems"), countOf(item, context)},
-                       {QStringLiteral("UUID"), item.UUID()},
-                       {QStringLiteral("children"), children}};
-    if (const auto *smart = dynamic_cast<const ZQSidebarSmartFolder *>(&item)) {
-        object.insert(searchTextKey, smart->searchText());
+    return SidebarContents(context.store(), context.readyIndex()).counts(entries, [&context] {
+        return context.isWanted();
+    });
+}
+
+QJsonArray sidebarArray(const ZQObjectID &above, const Tree &tree, const SidebarContents::Counts &counts)
+{
+    QJsonArray array;
+    for (const ZQRef<ZQSidebarBaseItem> &item : tree.value(above)) {
+        QJsonObject object{{QStringLiteral("title"), item->title()},
+                           {QStringLiteral("kind"), item->kind()},
+                           {QStringLiteral("order"), item->order()},
+                           {QStringLiteral("entity"), item->entity()->name},
+                           {QStringLiteral("is_Label"), item->is_Label()},
+                           {QStringLiteral("is_Special"), item->is_Special()},
+                           {QStringLiteral("is_Tag"), item->is_Tag()},
+                           {QStringLiteral("active"), item->active()},
+                           {QStringLiteral("numberOfItems"), counts.value(item->objectID())},
+                           {QStringLiteral("UUID"), item->UUID()},
+                           {QStringLiteral("children"), sidebarArray(item->objectID(), tree, counts)}};
+        if (const auto smart = zqCast<ZQSidebarSmartFolder>(item)) {
+            object.insert(searchTextKey, smart->searchText());
+        }
+        array.append(object);
     }
-    return object;
+    return array;
 }
 
 void printTree(const QJsonObject &node, int depth, CommandContext &context)
@@ -118,18 +153,16 @@ int zqRunItems(const ItemsRequest &request, CommandContext &context)
 
 int zqRunSidebar(CommandContext &context)
 {
-    ZQFetchRequest request{ZQSidebarBaseItem::entityName(),
-                           ZQPredicate::predicateWithFormat(QStringLiteral("father == nil &&  active == YES"))};
-    request.sortDescriptors = {{QStringLiteral("is_Tag")}, {QStringLiteral("order")}};
-    ZQError error;
-    const auto nodes = context.store().fetch<ZQSidebarBaseItem>(request, &error);
-    if (!nodes) {
-        return context.fail(error.localizedDescription());
+    const auto tree = sidebarTree(context);
+    if (!tree) {
+        return 2;
     }
-    QJsonArray array;
-    for (const ZQRef<ZQSidebarBaseItem> &node : *nodes) {
-        array.append(sidebarObject(*node, context));
+    const auto counts = countsOf(*tree, context);
+    if (!counts) {
+        return context.fail(
+            zqLocalized("the items can't be counted; `zelto verify` says what is wrong with the library"));
     }
+    const QJsonArray array = sidebarArray({}, *tree, *counts);
     if (context.json) {
         context.printJSON(array);
         return 0;

@@ -142,11 +142,11 @@ int zqRunSearch(const SearchRequest &request, CommandContext &context)
     if (!query) {
         return 2;
     }
-    const ContentBuilder builder(*query, context.store());
+    const ContentBuilder builder(*query, context.store(), context.readyIndex());
     if (request.explains) {
         return explain(builder, context);
     }
-    const auto content = builder.content([&context] { return !context.isAbandoned || !context.isAbandoned(); });
+    const auto content = builder.content([&context] { return context.isWanted(); });
     if (!content) {
         return context.fail(zqLocalized("the search was given up"));
     }

@@ -1,4 +1,5 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Browsing/Content/SidebarContents.h"
 #include "Classes/Command/CommandEdits.h"
 #include "Classes/Command/Commands.h"
 #include "Classes/Editing/ItemEdits.h"
@@ -180,9 +181,20 @@ int zqRunTags(CommandContext &context)
     if (!tags) {
         return context.fail(zqLocalized("the tags can't be read; `zelto verify` says what is wrong with the library"));
     }
+    QList<SidebarContents::Entry> entries;
+    for (const ZQRef<ZQSidebarTag> &tag : *tags) {
+        entries.append(SidebarContents::entryFor(*tag));
+    }
+    const auto counts = SidebarContents(context.store(), context.readyIndex()).counts(entries, [&context] {
+        return context.isWanted();
+    });
+    if (!counts) {
+        return context.fail(
+            zqLocalized("the items can't be counted; `zelto verify` says what is wrong with the library"));
+    }
     QJsonArray array;
     for (const ZQRef<ZQSidebarTag> &tag : *tags) {
-        const qint64 count = tag->numberOfItems();
+        const qint64 count = counts->value(tag->objectID());
         array.append(QJsonObject{{QStringLiteral("title"), tag->title()},
                                  {QStringLiteral("numberOfItems"), count},
                                  {QStringLiteral("generated"), !tag->isUserTag()},

@@ -28,6 +28,10 @@ struct EditContext
     std::function<void(const ZQContextDidSave &)> merge = {};
     std::function<void()> wasCancelled = {}; // something asked for did not come to its end; null: nobody asks
     std::shared_ptr<std::atomic<int>> queued = std::make_shared<std::atomic<int>>(0); // of these, what runs or waits
+    // Asked when a step is taken back, or made again. What it answers is told, on the main thread, of the items or the
+    // rows of the sidebar that this changed and that may be there again, once `context` has them. Null: nobody asks.
+    using Brought = std::function<void(const QList<ZQObjectID> &ids)>;
+    std::function<Brought()> whenStepBrings = {};
 
     ZQRef<ZQSidebarBaseItem> sidebarItem(const ZQObjectID &id) const
     {

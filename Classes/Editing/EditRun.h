@@ -34,6 +34,10 @@ public:
     qsizetype perBatch() const { return m_perBatch; }
     bool isQueued() const { return m_isQueued; }
     bool isCancelled() const;
+
+    // Items that were changed and may be there again: who takes a step back wants to see them.
+    void didBring(const QList<ZQObjectID> &items) { m_brought += items; }
+    const QList<ZQObjectID> &brought() const { return m_brought; }
     std::shared_ptr<ZQOperation> operation() const { return m_operation.lock(); } // null when it is not queued
 
 private:
@@ -41,6 +45,7 @@ private:
     ZQManagedObjectContext &m_context;
     std::weak_ptr<ZQOperation> m_operation;
     std::shared_ptr<UserProgress> m_progress;
+    QList<ZQObjectID> m_brought;
     qsizetype m_perBatch;
     bool m_isQueued;
 };

@@ -1,6 +1,7 @@
 #include "Classes/Editing/EditStep.h"
 
 #include "Classes/Editing/QueuedEdit.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QUndoCommand>
@@ -34,6 +35,29 @@ private:
     bool m_isPushed = false;
 };
 
+EditContext::Brought whoIsTold(const EditContext &edits)
+{
+    return edits.whenStepBrings ? edits.whenStepBrings() : EditContext::Brought();
+}
+
+EditPass telling(const EditContext &edits, const EditPass &pass)
+{
+    const EditContext::Brought tell = whoIsTold(edits);
+    if (!tell) {
+        return pass;
+    }
+    return {[tell, apply = pass.apply](EditRun &run) {
+                const bool result = apply(run);
+                if (const QList<ZQObjectID> brought = run.brought(); run.isQueued()) {
+                    zqOnMainThread([tell, brought] { tell(brought); });
+                } else {
+                    tell(brought);
+                }
+                return result;
+            },
+            pass.progressText};
+}
+
 } // namespace
 
 bool EditContext::isBusy() const
@@ -55,8 +79,8 @@ void zqPushEdit(EditContext &edits, const QString &name, EditSize size, EditPass
 {
     if (zqPerformEdit(edits, size, redo) && edits.undoStack) {
         edits.undoStack->push(new StepCommand(
-            name, [&edits, size, redo = std::move(redo)] { return zqPerformEdit(edits, size, redo); },
-            [&edits, size, undo = std::move(undo)] { zqPerformEdit(edits, size, undo); }));
+            name, [&edits, size, redo = std::move(redo)] { return zqPerformEdit(edits, size, telling(edits, redo)); },
+            [&edits, size, undo = std::move(undo)] { zqPerformEdit(edits, size, telling(edits, undo)); }));
     }
 }
 
@@ -71,5 +95,12 @@ void zqPushBlocks(EditContext &edits, const QString &name, std::function<void()>
                 return true;
             },
             std::move(undo)));
+    }
+}
+
+void zqTellOfRows(const EditContext &edits, const QList<ZQObjectID> &rows)
+{
+    if (const EditContext::Brought tell = whoIsTold(edits)) {
+        tell(rows);
     }
 }

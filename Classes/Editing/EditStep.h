@@ -26,5 +26,6 @@ bool zqPerformEdit(EditContext &edits, EditSize size, const EditPass &pass);
 void zqPushEdit(EditContext &edits, const QString &name, EditSize size, EditPass redo, EditPass undo);
 
 // A step of the caller's context alone: rows of the sidebar. It finds what it touches by identifier, since objects come
-// and go, and saves. `redo` is called at once.
+// and go, saves, and says with `zqTellOfRows` which are there again. `redo` is called at once.
 void zqPushBlocks(EditContext &edits, const QString &name, std::function<void()> redo, std::function<void()> undo);
+void zqTellOfRows(const EditContext &edits, const QList<ZQObjectID> &rows);

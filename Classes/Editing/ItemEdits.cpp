@@ -185,6 +185,9 @@ void run(EditRun &running, Edit &edit, bool isUndo)
             return false;
         }
         pass.didSave();
+        for (const auto &item : changed) {
+            running.didBring({item->objectID()}); // what is shown may go by what was changed
+        }
         pass.writeFiles(changed);
         waitForFiles(running);
         return true;

@@ -73,6 +73,7 @@ EditPass restoration(const Done &done)
                     for (const auto &item : all) {
                         item->restoreSelf();
                     }
+                    run.didBring(batch);
                     return true;
                 });
             },
@@ -162,11 +163,14 @@ EditPass returnToPlaces(const ZQObjectID &to, const std::shared_ptr<QList<Remove
                         }
                     }
                     ZQError error;
-                    const bool isRestored = into->restoreItems(items, orders, &error);
-                    if (!isRestored) {
+                    if (!into->restoreItems(items, orders, &error)) {
                         run.presentError(error);
+                        return false;
                     }
-                    return isRestored;
+                    for (const auto &item : std::as_const(items)) {
+                        run.didBring({item->objectID()});
+                    }
+                    return true;
                 };
                 return takeBack<RemovedPlace>(run, zqLocalized("Adding items…"), *done, restore);
             },
@@ -341,6 +345,7 @@ EditPass addition(const IDs &items, const ZQObjectID &to, quint32 atIndex, const
                 return true;
             });
             done->append(added);
+            run.didBring(added);
             if (isPlacedAfterwards && !added.isEmpty()) {
                 moveToPlace(run, to, added, atIndex);
             }
@@ -421,6 +426,7 @@ bool rename(EditRun &run, ZQLibraryBaseItem &item, const QString &title)
     }
     const QString thumb = item.thumbName();
     if (run.save()) {
+        run.didBring({item.objectID()});
         return true;
     }
     item.setTitle(title); // as the files are named, whatever became of the change

@@ -220,6 +220,7 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
                 activation.restore(again);
                 above->addChild(again.get(), place.index);
                 activation.save();
+                zqTellOfRows(edits, {place.item});
             }
         },
         [&edits, place] {
@@ -399,15 +400,18 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
                 activation.restore(item);
             }
         }
+        QList<ZQObjectID> rows;
         for (auto place = done->places.rbegin(); place != done->places.rend(); ++place) {
             const Item item = edits.sidebarItem(place->item);
             const Item father = edits.sidebarItem(place->father);
             if (item && father) {
                 father->addChild(item.get(), place->index);
+                rows.append(place->item);
             }
         }
         activation.save();
         LibraryCommands(edits).restoreItems(done->items);
+        zqTellOfRows(edits, rows);
     };
     zqPushBlocks(m_edits, text, redo, undo);
 }

@@ -7,6 +7,7 @@
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/PromisedImports.h"
 #include "Classes/Import/TakeBackOperation.h"
 #include "Classes/Import/TemporaryFolder.h"
 #include "Classes/Import/ThumbGenerator.h"
@@ -142,6 +143,17 @@ std::shared_ptr<ImportOperation> AImportManager::importItemsFromPasteboard(const
                         .target = savedIdentifier(intoSidebarItem),
                         .index = atIndex,
                         .metadata = files.metadata});
+}
+
+bool AImportManager::isPromised(const QMimeData &dragged) const
+{
+    return m_promisedImports && m_promisedImports->isPromised(dragged);
+}
+
+bool AImportManager::importPromisedFiles(const QMimeData &dropped, const ZQSidebarBaseItem *intoSidebarItem,
+                                         quint32 atIndex)
+{
+    return isPromised(dropped) && m_promisedImports->start(dropped, savedIdentifier(intoSidebarItem), atIndex);
 }
 
 void AImportManager::stopAllOperation()

@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 
+class PromisedImports;
 class QMimeData;
 
 // The one way by which files reach the library, and the owner of the import pipeline's queues. One for the process.
@@ -39,6 +40,11 @@ public:
     // Null when there is nothing on the clipboard that could be imported.
     std::shared_ptr<ImportOperation>
     importItemsFromPasteboard(const QMimeData *pasteboard, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex);
+    // What other programs promise in a drag. Until this is set, and on a display where that is not known, nothing.
+    void setPromisedImports(PromisedImports *promised) { m_promisedImports = promised; }
+    bool isPromised(const QMimeData &dragged) const;
+    // The import begins when it has come. False when nothing is promised.
+    bool importPromisedFiles(const QMimeData &dropped, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex);
     void stopAllOperation();
     void takeBackItemDirectories(const QStringList &names,
                                  std::function<void(qsizetype takenBack, bool isComplete)> done) override;
@@ -82,4 +88,5 @@ private:
 
     ZQOperationQueue m_thumbsGenerationQueue;
     PendingImports m_pendingImports;
+    PromisedImports *m_promisedImports = nullptr;
 };

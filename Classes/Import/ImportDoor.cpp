@@ -32,6 +32,11 @@ bool carriesContent(const QMimeData *data)
     return PasteboardFiles::hasContent(*data);
 }
 
+bool dragCarriesContent(const QMimeData *data)
+{
+    return carriesContent(data) || AImportManager::sharedAImportManager().isPromised(*data);
+}
+
 QStringList openPanelExtensions()
 {
     return importableExtensions();
@@ -45,6 +50,14 @@ void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIn
 void importPasteboard(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex)
 {
     AImportManager::sharedAImportManager().importItemsFromPasteboard(data, into, atIndex);
+}
+
+void importDrop(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex)
+{
+    const bool hasFiles = !localPaths(data).isEmpty();
+    if (hasFiles || !AImportManager::sharedAImportManager().importPromisedFiles(*data, into, atIndex)) {
+        importPasteboard(data, into, atIndex);
+    }
 }
 
 } // namespace ImportDoor

@@ -12,9 +12,12 @@ namespace ImportDoor {
 
 QStringList localPaths(const QMimeData *data); // of the file addresses it carries
 SidebarTargetRules::Files filesAtPaths(const QStringList &paths);
-bool carriesContent(const QMimeData *data); // files or a picture
+bool carriesContent(const QMimeData *data);     // files or a picture
+bool dragCarriesContent(const QMimeData *data); // or a file that another program promises to write; asks nobody for it
 QStringList openPanelExtensions();
 void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIndex);
 void importPasteboard(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex);
+// What is dropped: files as they are, or else what is promised, or else the picture.
+void importDrop(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex);
 
 } // namespace ImportDoor

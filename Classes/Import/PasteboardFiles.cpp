@@ -8,7 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QUrl>
 
 #include <algorithm>
 
@@ -110,14 +109,6 @@ private:
     QStringList m_paths;
 };
 
-// Browsers give the address of what is dragged, or of the link around it, with its title in the next line.
-QUrl linkOf(const QMimeData &mimeData)
-{
-    const QByteArray text = mimeData.data(QStringLiteral("_NETSCAPE_URL"));
-    const QUrl link(QString::fromUtf8(text.left(text.indexOf('\n'))).trimmed(), QUrl::StrictMode);
-    return link.isValid() && (link.scheme() == u"http" || link.scheme() == u"https") ? link : QUrl();
-}
-
 bool writePicture(const QMimeData &mimeData, const QString &baseName, PictureWriter &writer)
 {
     for (const QString &format : encodedFormats()) {
@@ -143,6 +134,14 @@ bool PasteboardFiles::hasPicture(const QMimeData &mimeData)
     const QStringList &formats = encodedFormats();
     return std::any_of(formats.begin(), formats.end(),
                        [&mimeData](const QString &format) { return mimeData.hasFormat(format); });
+}
+
+// Its title follows in the next line.
+QUrl PasteboardFiles::linkOf(const QMimeData &mimeData)
+{
+    const QByteArray text = mimeData.data(QStringLiteral("_NETSCAPE_URL"));
+    const QUrl link(QString::fromUtf8(text.split('\n').first()).trimmed(), QUrl::StrictMode);
+    return link.isValid() && (link.scheme() == u"http" || link.scheme() == u"https") ? link : QUrl();
 }
 
 PasteboardFiles PasteboardFiles::filesFromMimeData(const QMimeData *mimeData,

@@ -2,6 +2,7 @@
 
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
@@ -17,9 +18,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -129,22 +127,17 @@ QString pathBelow(const QString &root, const QString &place)
 // is read from beyond `limit`.
 bool openRegular(QFile &file, int flags, QIODevice::OpenMode mode, qint64 limit, QString *reason = nullptr)
 {
-    const int descriptor = ::open(QFile::encodeName(file.fileName()).constData(),
-                                  flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    ZQError error;
+    ZQFileDescriptor opened = zqOpenRegularFile(file.fileName(), flags | O_NOFOLLOW, &error);
     struct stat status = {};
-    const bool isThere = descriptor >= 0 && ::fstat(descriptor, &status) == 0;
-    const QString problem = !isThere ? qt_error_string(errno)
-                            : !S_ISREG(status.st_mode) || status.st_size > limit
-                                ? zqLocalized("it is no file that an import would leave")
-                                : QString();
-    if (problem.isEmpty() && file.open(descriptor, mode, QFileDevice::AutoCloseHandle)) {
+    const bool isOurs = opened.isOpen() && ::fstat(opened.get(), &status) == 0 && status.st_size <= limit;
+    if (isOurs && file.open(opened.get(), mode, QFileDevice::AutoCloseHandle)) {
+        opened.release();
         return true;
     }
-    if (descriptor >= 0) {
-        ::close(descriptor);
-    }
     if (reason) {
-        *reason = problem;
+        *reason = error.domain == ZQError::posixDomain ? qt_error_string(error.code)
+                                                       : zqLocalized("it is no file that an import would leave");
     }
     return false;
 }

@@ -11,8 +11,9 @@ bool forward(const char *slot);
 // Typing is taken back in its field as long as there is some.
 bool canUndo();
 bool canRedo();
-// Fields keep the keys of undo and redo to themselves, also when they have nothing to take back. From here on they give
-// them to the window then, for as long as `owner` lives.
-void yieldUndo(QObject *owner);
+// The toolkit's fields take more keys than a person expects of them. From here on they give up, for as long as `owner`
+// lives: undo and redo while they have nothing to take back, and Ctrl with a letter but for cut, copy, paste and select
+// all. These mean what they mean in the window, or nothing.
+void yieldKeys(QObject *owner);
 
 } // namespace TextFields

@@ -1,7 +1,7 @@
 #include "Classes/Tags/TagBackupStore.h"
 
 #include "Kit/Files/ZQPropertyList.h"
-#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QCryptographicHash>
@@ -28,6 +28,7 @@ constexpr int lists = 64;
 constexpr qint64 halfAYear = qint64(182) * 24 * 3600 * 1000;
 constexpr int lockMilliseconds = 1000;
 constexpr qint64 digestedAtEachEnd = 16384;
+constexpr qint64 largestList = 512 << 20;
 
 const QString filesKey = QStringLiteral("files");
 const QString identitiesKey = QStringLiteral("identities");
@@ -156,14 +157,14 @@ void TagBackupStore::read(int number, List &list) const
     list = {};
     list.isRead = true;
     list.stamp = stampOf(pathOf(number));
-    QFile file(pathOf(number));
-    if (!file.open(QIODevice::ReadOnly)) {
+    const auto data = zqReadRegularFile(pathOf(number), largestList);
+    if (!data) {
         return;
     }
     ZQError error;
-    const auto value = ZQPropertyList::fromData(file.readAll(), &error);
+    const auto value = ZQPropertyList::fromData(*data, &error);
     if (!value) {
-        qCWarning(zqLogTags).noquote() << "The tag backups in" << file.fileName()
+        qCWarning(zqLogTags).noquote() << "The tag backups in" << pathOf(number)
                                        << "can't be read and begin anew:" << error.localizedDescription();
         return;
     }
@@ -260,7 +261,12 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
         return true;
     }
     const ZQLockGuard lock(m_mutex);
-    QLockFile processes(m_folder + QStringLiteral("/lock"));
+    const QFileInfo place(m_folder + QStringLiteral("/lock"));
+    if (place.exists() && !place.isFile()) { // the lock would look who holds it, and a pipe keeps whoever reads it
+        qCWarning(zqLogTags).noquote() << place.filePath() << "is no file; no tag backups are made until it is removed";
+        return false;
+    }
+    QLockFile processes(place.filePath());
     if (!processes.tryLock(lockMilliseconds)) {
         qCInfo(zqLogTags).noquote() << "The tag backups in" << m_folder << "are held by another process";
         return false;

@@ -1,7 +1,7 @@
 #include "Classes/Tags/TagFileJournal.h"
 
 #include "Kit/Files/ZQFileCopy.h"
-#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QFile>
@@ -18,6 +18,7 @@
 namespace {
 
 constexpr mode_t ownerOnly = 0600;
+constexpr qint64 largest = 1 << 30; // a line for each of twenty million items
 
 } // namespace
 
@@ -31,17 +32,17 @@ TagFileJournal::TagFileJournal(const QString &path)
         qCWarning(zqLogTags).noquote() << "The journal" << path << "is no file and is not used";
         return;
     }
-    QFile file(path);
-    if (!isNew && file.open(QIODevice::ReadOnly)) {
+    const auto lines = isNew ? std::nullopt : zqReadRegularFile(path, largest, nullptr, O_NOFOLLOW);
+    if (lines) {
         QSet<QString> seen;
-        for (const QByteArray &line : file.readAll().split('\n')) {
+        for (const QByteArray &line : lines->split('\n')) {
             const QString item = QString::fromUtf8(line);
             if (!item.isEmpty() && !seen.contains(item)) {
                 seen.insert(item);
                 m_interrupted.append(item);
             }
         }
-        m_isEmpty = file.size() == 0;
+        m_isEmpty = lines->isEmpty();
     }
     m_file = open(name.constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, ownerOnly);
     if (m_file >= 0 && isNew) {

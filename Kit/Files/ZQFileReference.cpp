@@ -21,8 +21,9 @@
 namespace {
 
 constexpr quint32 magic = 0x5a51504c;
-constexpr quint8 firstFormat = 1; // without contents
-constexpr quint8 formatNumber = 2;
+constexpr quint8 firstFormat = 1;  // without contents
+constexpr quint8 secondFormat = 2; // without the number of names, which is one
+constexpr quint8 lastFormat = 3;
 constexpr qsizetype longestReference = 16384;
 constexpr qsizetype longestDigest = 64;
 constexpr qint64 readAtEachEnd = 16384;
@@ -117,7 +118,7 @@ std::optional<ZQFileReference> ZQFileReference::decoded(const QByteArray &data)
     quint8 format = 0;
     ZQFileReference reference;
     stream >> mark >> format;
-    if (mark != magic || format < firstFormat || format > formatNumber) {
+    if (mark != magic || format < firstFormat || format > lastFormat) {
         return std::nullopt;
     }
     for (ZQFileIdentity *identity : {&reference.file, &reference.folder}) {
@@ -126,6 +127,9 @@ std::optional<ZQFileReference> ZQFileReference::decoded(const QByteArray &data)
     stream >> reference.isFolder >> reference.path;
     if (format > firstFormat) {
         stream >> reference.contents.size >> reference.contents.ends;
+    }
+    if (format > secondFormat) {
+        stream >> reference.names;
     }
     const bool isWhole =
         stream.status() == QDataStream::Ok && stream.atEnd() && reference.contents.ends.size() <= longestDigest;
@@ -140,17 +144,29 @@ QByteArray ZQFileReference::encoded() const
     QByteArray data;
     QDataStream stream(&data, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_6_0);
-    stream << magic << formatNumber;
+    stream << magic << (names > 1 ? lastFormat : secondFormat);
     for (const ZQFileIdentity &identity : {file, folder}) {
         stream << identity.fileSystem << identity.inode << identity.birth;
     }
     stream << isFolder << path << contents.size << contents.ends;
+    if (names > 1) {
+        stream << names;
+    }
     return data;
 }
 
 bool ZQFileReference::isAt(const QByteArray &place) const
 {
     return zqIsFile(place, file) && (isFolder || !ZQTrash::contains(QFile::decodeName(place)));
+}
+
+bool ZQFileReference::hasMovedTo(const QByteArray &place) const
+{
+    if (!isAt(place)) {
+        return false;
+    }
+    const auto found = isFolder || place == path ? std::nullopt : zqLookAtFile(place);
+    return !found || found->names >= names;
 }
 
 bool ZQFileReference::isSuccessor(const QByteArray &place) const
@@ -192,6 +208,7 @@ std::optional<ZQFoundFile> zqLookAtFile(const QByteArray &path)
     found.identity.birth = status.stx_mask & STATX_BTIME ? nanoseconds(status.stx_btime) : 0;
     found.isFolder = S_ISDIR(status.stx_mode);
     found.device = (static_cast<quint64>(status.stx_dev_major) << 32) | status.stx_dev_minor;
+    found.names = status.stx_nlink;
     found.modification = nanoseconds(status.stx_mtime);
     found.change = nanoseconds(status.stx_ctime);
     return found;

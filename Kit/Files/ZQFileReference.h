@@ -37,6 +37,7 @@ struct ZQFileReference
     bool isFolder = false;
     QByteArray path;
     ZQFileContents contents; // of a folder, and in references of the first format, none
+    quint32 names = 1;       // of a file: under how many it was there, the hard links included
 
     static std::optional<ZQFileReference> decoded(const QByteArray &data);
     QByteArray encoded() const;
@@ -44,6 +45,9 @@ struct ZQFileReference
     // Whether the file is at `path`. One in the trash is deleted, whatever its name there; of a folder is asked where
     // it is even then.
     bool isAt(const QByteArray &path) const;
+    // Whether the file moved to `place`, or got that name before it lost its own. One with fewer names than when it was
+    // referenced lost one by deleting; the others were there before and are nobody's new ones.
+    bool hasMovedTo(const QByteArray &place) const;
     // Whether the file at `path`, another one than the referenced, is that one saved by replacing it.
     bool isSuccessor(const QByteArray &path) const;
     // Whether a file of this name in the same folder is one that an editor put aside when it saved a new one.
@@ -55,6 +59,7 @@ struct ZQFoundFile
     ZQFileIdentity identity; // without its file system
     bool isFolder = false;
     quint64 device = 0;
+    quint32 names = 1;       // hard links
     qint64 modification = 0; // nanoseconds since 1970
     qint64 change = 0;       // the same, of its attributes
 };

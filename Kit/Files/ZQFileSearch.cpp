@@ -60,7 +60,7 @@ void ZQFileSearch::lookIn(const QByteArray &folder, Reach reach, bool isCounted)
         ++m_looked;
         const QByteArray path = below(folder, entry->d_name);
         for (const ZQFileReference *reference : m_wanted.values(entry->d_ino)) {
-            if (reference->isAt(path)) {
+            if (reference->hasMovedTo(path)) {
                 m_found.insert(reference, path);
                 m_wanted.remove(entry->d_ino, reference);
             }

@@ -47,6 +47,7 @@ QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents conte
     }
     if (contents == ZQReferenceContents::Noted && !reference.isFolder) {
         reference.contents = ZQFileContents::ofFile(reference.path);
+        reference.names = file->names; // of one that lies in the library, a name is its source, which goes
     }
     return reference.encoded();
 }

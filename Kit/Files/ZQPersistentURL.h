@@ -16,14 +16,19 @@
 
 enum class ZQReferenceContents { Noted, NotNoted };
 // The reference to `path`; empty when the file cannot be read. Without contents a file that another program saves by
-// replacing it is not known again.
+// replacing it is not known again, and how many names it had is not noted.
 QByteArray zqDataForPersistentURL(const QString &path, ZQReferenceContents contents = ZQReferenceContents::Noted);
 
 // Where the file is now, or nothing (an empty text): the last path when it still has that inode and birth time; the
 // same folder; the last path again, when what took its place there is that file saved by replacing it, which its
 // contents say, or the old one beside it under a name such as "a.png~" that it got within five seconds of the
-// newcomer's birth. Any other newcomer is not the file. Another name of the same inode is the file once the old name is
-// gone. A file in the trash is deleted and found again when it was put back; a folder is found there, too.
+// newcomer's birth. Any other newcomer is not the file. A file in the trash is deleted and found again when it was put
+// back; a folder is found there, too.
+//
+// Another name of the same inode is the file once the old name is gone: it was renamed by hand. Not so where the file
+// had several names (hard links, as backups make them) when it was referenced, and has fewer now: then a name was
+// deleted and none is new, so it is missing, though the other names are still there. Of a file of several names that
+// was moved, which of its names is the new one cannot be told; they are one file.
 //
 // What is in none of these places is looked for around that folder and in the watched roots, once and beside the
 // caller, who gets nothing meanwhile. `moved` is called once, on the thread that looks for files, when the file is

@@ -28,7 +28,8 @@ public:
 
     int get() const { return m_descriptor; }
     bool isOpen() const { return m_descriptor >= 0; }
-    bool close(); // false when the system reports a late write error
+    int release() { return std::exchange(m_descriptor, -1); } // to who closes it
+    bool close();                                             // false when the system reports a late write error
 
 private:
     int m_descriptor;

@@ -2,7 +2,7 @@
 
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQPaths.h"
-#include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Files/ZQUserDefaultsCoding.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -16,7 +16,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -52,12 +51,13 @@ struct ZQUserDefaults::Private
     QVariantMap unwritten ZQ_GUARDED_BY(mutex); // changes the file could not take; an invalid value removes
     Stamp stamp ZQ_GUARDED_BY(mutex) = {};
     Stamp damageStamp ZQ_GUARDED_BY(mutex) = {}; // of a damaged file that stays, which was logged
-    int readingProblem ZQ_GUARDED_BY(mutex) = 0; // errno: there is a file, and what it holds is not known
+    ZQError readingProblem ZQ_GUARDED_BY(mutex); // there is a file, and what it holds is not known
+    ZQError lockingProblem ZQ_GUARDED_BY(mutex); // something else stands where the lock file belongs
     std::vector<std::weak_ptr<Observer>> observers ZQ_GUARDED_BY(mutex);
     QStringList changed ZQ_GUARDED_BY(mutex); // keys of which the observers were not told yet
 
     class Access;
-    ZQFileDescriptor lockFile() const;
+    ZQFileDescriptor lockFile() ZQ_REQUIRES(mutex);
     enum class Reading { Done, Damaged };
     Reading read() ZQ_REQUIRES(mutex);
     void refresh() ZQ_REQUIRES(mutex);
@@ -100,11 +100,12 @@ private:
 
 // Shared with other processes until it is closed. A folder that cannot be written to gives none, and no write succeeds
 // either.
-ZQFileDescriptor ZQUserDefaults::Private::lockFile() const
+ZQFileDescriptor ZQUserDefaults::Private::lockFile()
 {
     zqMakeFolder(QFileInfo(path).path());
-    ZQFileDescriptor file(
-        open(QFile::encodeName(path + QStringLiteral(".lock")).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ZQError error;
+    ZQFileDescriptor file = zqOpenRegularFile(path + QStringLiteral(".lock"), O_RDWR | O_CREAT, &error, 0600);
+    lockingProblem = error.domain == zqNoRegularFileDomain ? error : ZQError();
     while (file.isOpen() && flock(file.get(), LOCK_EX) != 0 && errno == EINTR) {
     }
     return file;
@@ -112,16 +113,12 @@ ZQFileDescriptor ZQUserDefaults::Private::lockFile() const
 
 ZQUserDefaults::Private::Reading ZQUserDefaults::Private::read()
 {
-    QFile file(path);
+    constexpr qint64 largest = 256 << 20;
     QVariantMap found;
-    Stamp seen = {};
-    readingProblem = 0;
-    if (file.open(QIODevice::ReadOnly)) {
-        struct stat status = {};
-        if (fstat(file.handle(), &status) == 0) {
-            seen = stampOf(status);
-        }
-        const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+    const Stamp seen = stampOfFile(); // before it is read: what changes meanwhile is read again
+    readingProblem = {};
+    if (const auto data = zqReadRegularFile(path, largest, &readingProblem)) {
+        const QJsonDocument document = QJsonDocument::fromJson(*data);
         if (!document.isObject()) {
             return Reading::Damaged;
         }
@@ -130,8 +127,9 @@ ZQUserDefaults::Private::Reading ZQUserDefaults::Private::read()
             found.insert(it.key(), zqVariantFromJSON(it.value()));
         }
     } else if (QFileInfo::exists(path)) {
-        readingProblem = QFileInfo(path).isDir() ? EISDIR : EACCES;
         found = values; // as they were known last
+    } else {
+        readingProblem = {};
     }
     for (auto it = unwritten.cbegin(); it != unwritten.cend(); ++it) {
         it.value().isValid() ? void(found.insert(it.key(), it.value())) : void(found.remove(it.key()));
@@ -177,13 +175,14 @@ void ZQUserDefaults::Private::readLocked()
         read();
         return;
     }
-    readingProblem = errno;
+    const int problem = errno;
+    readingProblem = ZQError::posix(problem, path);
     stamp = stampOfFile();
     if (std::exchange(damageStamp, stamp) == stamp) {
         return;
     }
     qCWarning(zqLogFiles, "The settings in %s are damaged, and cannot be set aside as %s: %s.", qUtf8Printable(path),
-              qUtf8Printable(aside), std::strerror(readingProblem));
+              qUtf8Printable(aside), std::strerror(problem));
 }
 
 void ZQUserDefaults::Private::refresh()
@@ -202,8 +201,10 @@ ZQError ZQUserDefaults::Private::refusal() const
     const bool isThere = stat(name.constData(), &status) == 0;
     const bool isProtected =
         isThere && ((status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || access(name.constData(), W_OK) != 0);
-    const int code = readingProblem != 0 ? readingProblem : isProtected ? EACCES : 0;
-    return code != 0 ? ZQError::posix(code, path) : ZQError();
+    return !lockingProblem.isNull()   ? lockingProblem
+           : !readingProblem.isNull() ? readingProblem
+           : isProtected              ? ZQError::posix(EACCES, path)
+                                      : ZQError();
 }
 
 bool ZQUserDefaults::Private::write(ZQError *error)
@@ -214,11 +215,14 @@ bool ZQUserDefaults::Private::write(ZQError *error)
     }
     ZQError cause = refusal();
     if (!cause.isNull() || !zqWriteFileAtomically(path, QJsonDocument(object).toJson(), &cause)) {
+        const QString remedy = cause.userInfo.take(ZQError::failureReasonKey).toString();
         zqSetError(error, ZQError::with(cause.domain, cause.code,
                                         zqFormat(zqLocalized("The preferences could not be written (%@)."),
                                                  {cause.localizedDescription()}),
-                                        zqLocalized("Make that file and its folder writable and see that there is room "
-                                                    "on the disk, then try again.")));
+                                        !remedy.isEmpty()
+                                            ? remedy
+                                            : zqLocalized("Make that file and its folder writable and see that there "
+                                                          "is room on the disk, then try again.")));
         return false;
     }
     unwritten.clear();

@@ -7,13 +7,15 @@
 
 #include <unicode/ucol.h>
 
-ZQCollator::ZQCollator()
+ZQCollator::ZQCollator(Order order)
 {
     static const QByteArray locale = QLocale().language() == QLocale::C ? QByteArray() : QLocale().name().toLatin1();
     UErrorCode status = U_ZERO_ERROR;
     m_collator.reset(ucol_open(locale.constData(), &status));
     if (m_collator) {
-        ucol_setAttribute(m_collator.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
+        const bool isOfNames = order == Order::OfNames;
+        ucol_setAttribute(m_collator.get(), UCOL_NUMERIC_COLLATION, isOfNames ? UCOL_ON : UCOL_OFF, &status);
+        ucol_setAttribute(m_collator.get(), UCOL_STRENGTH, isOfNames ? UCOL_TERTIARY : UCOL_SECONDARY, &status);
     }
     if (U_FAILURE(status)) {
         qCWarning(zqLogStore, "No collation for the locale %s: %s", locale.constData(), u_errorName(status));

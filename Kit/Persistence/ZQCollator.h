@@ -8,12 +8,16 @@
 
 struct UCollator;
 
-// Strings as a person orders them: the collation of the process's locale, digits as numbers. Not for several threads at
-// once. The locale is the one at the first use in the process, so that all collators agree.
+// Strings as a person orders them: the collation of the process's locale. Not for several threads at once. The locale
+// is the one at the first use in the process, so that all collators agree.
 class ZQCollator
 {
 public:
-    ZQCollator();
+    enum class Order {
+        OfNames, // digits as numbers
+        OfWords, // digits as they stand; upper and lower case are equal
+    };
+    explicit ZQCollator(Order order = Order::OfNames);
     int compare(const QString &a, const QString &b) const;
     int compareUTF8(std::string_view a, std::string_view b) const;
     // Appends bytes whose order is that of the texts.

@@ -25,7 +25,7 @@ struct ZQPredicateNode;
 // Null follows the object world, in both back ends: null equals only null, null != value is true, every other
 // comparison with null is false, and NOT is the plain opposite (two-valued logic). Immutable and cheap to copy; may
 // cross threads. Arguments may be QString, numbers, bool, QDateTime, QByteArray, ZQObjectID, QVariantList, QStringList,
-// or an invalid QVariant for nil.
+// an invalid QVariant for nil, and a ZQPredicate, whose %@ stands for that whole condition.
 class ZQPredicate
 {
 public:

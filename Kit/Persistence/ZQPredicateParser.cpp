@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQPredicateParser.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Persistence/ZQPredicate.h"
 #include "Kit/Persistence/ZQPredicateLexer.h"
 
 #include <cmath>
@@ -43,6 +44,7 @@ private:
     ZQPredicateNodePtr negation();
     ZQPredicateNodePtr parenthesized();
     ZQPredicateNodePtr comparison();
+    ZQPredicateNodePtr wholeCondition();
     ZQPredicateNodePtr finishedComparison(ZQComparison &comparison, qsizetype leftPosition, qsizetype rightPosition);
     bool readOperator(ZQComparison *comparison);
     bool readOptions(ZQFoldOptions *options);
@@ -174,6 +176,9 @@ ZQPredicateNodePtr Parser::comparison()
             return zqMakeConstant(value);
         }
     }
+    if (ZQPredicateNodePtr condition = wholeCondition()) {
+        return condition;
+    }
     ZQComparison result;
     for (const auto &spelling : zqModifierSpellings) {
         if (isWord(spelling.text)) {
@@ -195,6 +200,20 @@ ZQPredicateNodePtr Parser::comparison()
     result.left = std::move(*left);
     result.right = std::move(*right);
     return finishedComparison(result, leftPosition, rightPosition);
+}
+
+// The argument itself, when it is a condition and no value.
+ZQPredicateNodePtr Parser::wholeCondition()
+{
+    const QVariant argument = m_token.kind == Token::Kind::Placeholder ? m_arguments.value(m_nextArgument) : QVariant();
+    if (argument.metaType() != QMetaType::fromType<ZQPredicate>() || m_token.text != QStringLiteral("@")) {
+        return nullptr;
+    }
+    ++m_nextArgument;
+    advance();
+    const auto predicate = std::make_shared<const ZQPredicate>(argument.value<ZQPredicate>());
+    // However many places it has, its tree is there once.
+    return predicate->isNull() ? zqMakeConstant(true) : ZQPredicateNodePtr(predicate, predicate->root());
 }
 
 bool Parser::readOperator(ZQComparison *comparison)

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int recentDays = 7;
-
 bool restoreItem(ZQLibraryBaseItem *item)
 {
     if (!item || item->active()) {
@@ -88,7 +86,7 @@ QList<ZQSidebarRecent::Group> ZQSidebarRecent::groups()
     const QList<Span> spans = {{"Last Hour", now.addSecs(-3600)},
                                {"Today", today.startOfDay().toUTC()},
                                {"Yesterday", today.addDays(-1).startOfDay().toUTC()},
-                               {"Last Week", now.addDays(-recentDays)}};
+                               {"Last Week", now.addDays(-days)}};
     QList<Group> groups;
     QList<ZQPredicate> earlierGroups;
     for (const Span &span : spans) {
@@ -112,7 +110,7 @@ ZQFetchRequest ZQSidebarRecent::contentRequest() const
 {
     const QDateTime now = zqNow();
     return {.entityName = ZQLibraryBaseItem::entityName(),
-            .predicate = ZQLibraryBaseItem::predicateFromDate(now.addDays(-recentDays), now),
+            .predicate = ZQLibraryBaseItem::predicateFromDate(now.addDays(-days), now),
             .sortDescriptors = newestFirst()};
 }
 
@@ -132,7 +130,7 @@ bool ZQSidebarRecent::addItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, con
 bool ZQSidebarRecent::containsItem(const ZQLibraryBaseItem *item) const
 {
     const QDateTime now = zqNow();
-    return item && ZQLibraryBaseItem::predicateFromDate(now.addDays(-recentDays), now).evaluateWithObject(item);
+    return item && ZQLibraryBaseItem::predicateFromDate(now.addDays(-days), now).evaluateWithObject(item);
 }
 
 QString ZQSidebarScreenshot::typeString() const

@@ -13,6 +13,7 @@ public:
         ZQPredicate predicate; // of library items
     };
     static QList<Group> groups();
+    static constexpr int days = 7;
 
     bool isRecent() const override { return true; }
     QString typeString() const override;

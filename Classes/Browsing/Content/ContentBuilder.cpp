@@ -44,8 +44,9 @@ ContentPart partOf(const SidebarItem &item, const ZQFetchRequest &request)
     return {item->objectID(), item->title(), holding, item->isRecent(), request};
 }
 
-ContentParts partsOf(const SidebarItems &selection, bool isSingle,
-                     const std::function<ZQFetchRequest(const ZQSidebarBaseItem &)> &requestOf)
+} // namespace
+
+ContentBuilder::Sources ContentBuilder::sourcesOf(const SidebarItems &selection, bool isSingle)
 {
     SidebarItems projects;
     SidebarItems watchedFolders;
@@ -63,17 +64,10 @@ ContentParts partsOf(const SidebarItems &selection, bool isSingle,
         }
     }
     const bool isSpecial = isSingle && selection.first()->isSpecial() && !selection.first()->isScreenshot();
-    ContentParts result;
-    result.showsItems = isSpecial || (!projects.isEmpty() && projects.first()->isTag());
+    const bool showsItems = isSpecial || (!projects.isEmpty() && projects.first()->isTag());
     // Tags behind a project bring nothing: each of the two trees is selected in by itself.
-    const SidebarItems shown = result.showsItems || !hasTags ? projects + watchedFolders : watchedFolders;
-    for (const SidebarItem &item : shown) {
-        result.parts.append(partOf(item, requestOf(*item)));
-    }
-    return result;
+    return {showsItems || !hasTags ? projects + watchedFolders : watchedFolders, showsItems};
 }
-
-} // namespace
 
 ContentBuilder::ContentBuilder(ContentQuery query, ZQManagedObjectContext &context, LibraryIndex *index)
     : m_query(std::move(query)), m_context(context), m_index(index), m_contents(context, index)
@@ -138,8 +132,14 @@ std::optional<ContentParts> ContentBuilder::parts(ZQError *error) const
             selection.append(*item);
         }
     }
-    return partsOf(selection, m_query.sidebarItems.size() == 1 && selection.size() == 1,
-                   [this](const ZQSidebarBaseItem &item) { return requestOf(item); });
+    const bool isSingle = m_query.sidebarItems.size() == 1 && selection.size() == 1;
+    const Sources sources = sourcesOf(selection, isSingle);
+    ContentParts result;
+    result.showsItems = sources.showsItems;
+    for (const SidebarItem &item : sources.items) {
+        result.parts.append(partOf(item, requestOf(*item)));
+    }
+    return result;
 }
 
 std::optional<QString> ContentBuilder::predicateString(ZQError *error) const

@@ -14,6 +14,16 @@ class ContentBuilder
 public:
     using IsWanted = std::function<bool()>;
 
+    // The sidebar items that bring the rows of a selection, each once: of a folder what is in it, of a live folder all
+    // below it, too.
+    struct Sources
+    {
+        QList<ZQRef<ZQSidebarBaseItem>> items;
+        bool showsItems = false; // rows are library items, also of those that hold memberships
+    };
+    // `isSingle`: of no more than one, of those that are gone neither.
+    static Sources sourcesOf(const QList<ZQRef<ZQSidebarBaseItem>> &selection, bool isSingle);
+
     // Rows come from `index` where that is ready and has what is asked for. It outlives the builder.
     ContentBuilder(ContentQuery query, ZQManagedObjectContext &context, LibraryIndex *index = nullptr);
 

@@ -6,6 +6,7 @@
 #include "Classes/Browsing/Index/SizeClasses.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Persistence/ZQCollator.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
@@ -66,13 +67,12 @@ QString titleOfKey(const QVariant &key, BrowserDisplayStyle style)
     return name.isEmpty() ? zqLocalized("None") : capitalized(name);
 }
 
-bool isBefore(const QVariant &a, const QVariant &b)
+bool isBefore(const QVariant &a, const QVariant &b, const ZQCollator &words)
 {
     if (a.typeId() != QMetaType::QString) {
         return a.toInt() < b.toInt();
     }
-    const int order = zqCompareValues(a.toString().toLower(), b.toString().toLower(),
-                                      ZQSortDescriptor::Comparison::LocalizedStandard);
+    const int order = words.compare(a.toString(), b.toString());
     return order != 0 ? order < 0 : a.toString() < b.toString();
 }
 
@@ -263,7 +263,9 @@ void ContentRows::addKeyGroups()
         runs.append({key, first, outside - first});
         first = outside;
     }
-    std::stable_sort(runs.begin(), runs.end(), [](const Run &a, const Run &b) { return isBefore(a.key, b.key); });
+    const ZQCollator words(ZQCollator::Order::OfWords);
+    std::stable_sort(runs.begin(), runs.end(),
+                     [&words](const Run &a, const Run &b) { return isBefore(a.key, b.key, words); });
     for (const Run &run : std::as_const(runs)) {
         addGroup({.title = titleOfKey(run.key, m_style), .sidebarItem = {}, .value = run.key}, *found, run.first,
                  run.count);

@@ -206,9 +206,8 @@ std::optional<QList<Facet>> FacetCounts::count(const LibraryIndex::Reading &read
 void FacetCounts::addTyped(FacetKind kind, QList<FacetValue> &values, const LibraryIndex::Reading &reading)
 {
     for (const QString &token : m_read.tokens(kind)) {
-        const FacetText typed(token, m_scope.search.today);
         const bool isKnown = std::any_of(values.begin(), values.end(), [&](const FacetValue &value) {
-            return value.isChosen && typed.contains(kind, value.token);
+            return value.isChosen && FacetText(value.token, m_scope.search.today).contains(kind, token);
         });
         if (!isKnown) {
             QString title = token.section(u' ', 1).remove(u'"');
@@ -253,14 +252,14 @@ QList<FacetValue> FacetCounts::values(FacetKind kind, const LibraryIndex::Readin
 QString FacetCounts::tokenOfKind(const QString &word, const QString &extension) const
 {
     const QString own = tokenOf(SearchField::Kind, word);
-    if (!m_read.contains(FacetKind::Kind, own)) {
-        for (const QString &typed : m_read.tokens(FacetKind::Kind)) {
-            if (extensionOf(typed, m_scope.search.today) == extension) {
-                return typed;
-            }
+    QStringList same;
+    for (const QString &typed : m_read.tokens(FacetKind::Kind)) {
+        if (extensionOf(typed, m_scope.search.today) == extension ||
+            FacetText(typed, m_scope.search.today).contains(FacetKind::Kind, own)) {
+            same.append(typed);
         }
     }
-    return own;
+    return same.isEmpty() ? own : same.join(u' ');
 }
 
 QList<FacetValue> FacetCounts::kinds(const LibraryIndex::Reading &reading)

@@ -105,12 +105,20 @@ bool FacetText::contains(FacetKind kind, const QString &token) const
         return false; // nearly always, and reading a token takes longer
     }
     const QList<SearchPart> parts = SearchExpression::read(token, {}).parts;
-    return parts.size() == 1 && std::any_of(m_own.begin(), m_own.end(), [&](const Own &own) {
-               return isOf(own) && own.normalized == parts.first().normalized;
-           });
+    return !parts.isEmpty() && std::all_of(parts.begin(), parts.end(), [&](const SearchPart &part) {
+        return std::any_of(m_own.begin(), m_own.end(),
+                           [&](const Own &own) { return isOf(own) && own.normalized == part.normalized; });
+    });
 }
 
 QString FacetText::toggled(FacetKind kind, const QString &token) const
 {
-    return SearchManager::toggled(contains(kind, token) ? m_text : without(kind), token);
+    if (!contains(kind, token)) {
+        return SearchManager::toggled(without(kind), token);
+    }
+    QString text = m_text;
+    while (SearchManager::contains(text, token)) { // it may be there more than once
+        text = SearchManager::toggled(text, token);
+    }
+    return text;
 }

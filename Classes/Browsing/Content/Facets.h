@@ -13,7 +13,7 @@ enum class FacetKind { Kind, Color, Rating, Tag, Size, Imported, Folder };
 // One thing a list can be refined by, and how many items remain then.
 struct FacetValue
 {
-    QString token; // of the search language, with its argument
+    QString token; // of the search language, with its argument; all of a text that say the same, as it has them
     QString title; // localised
     int stars = 0; // that stand for the title; 0 for none
     int color = 0; // the code of its swatch; 0 for none

@@ -4,6 +4,7 @@
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Browsing/Search/SearchManager.h"
 #include "Kit/Foundation/ZQCancellation.h"
+#include "Kit/Persistence/ZQGroupedCount.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
@@ -41,6 +42,15 @@ std::optional<QMap<QString, qint64>> repeatedDigests(const LibraryIndex::Reading
     }
     return counts;
 }
+
+// What leads from items to the entries of one kind, as `contentRequest` has it for each.
+struct Together
+{
+    const char *entity; // of the entries; null: all whose members have an order
+    const char *keyPath;
+};
+constexpr Together together[] = {
+    {"ZQSidebarTag", "tags"}, {"ZQSidebarWatchedFolder", "watchingFolder"}, {nullptr, "projectsItems.project"}};
 
 } // namespace
 
@@ -124,6 +134,37 @@ SidebarContents::Counts SidebarContents::countsOfIndex(const QList<Entry> &entri
     return result;
 }
 
+std::optional<SidebarContents::Counts>
+SidebarContents::countsOfStore(const QList<Entry> &entries, const std::function<bool()> &isWanted, ZQError *error) const
+{
+    Counts result;
+    for (const Together &each : together) {
+        const auto *entity = each.entity ? m_context.model().entity(QLatin1StringView(each.entity)) : nullptr;
+        QList<ZQObjectID> related;
+        for (const Entry &entry : entries) {
+            if (entity ? entry.item.entity->isKindOf(entity)
+                       : entry.request.entityName == ZQProjectItem::entityName()) {
+                related.append(entry.item);
+            }
+        }
+        if (related.isEmpty() || !isWanted()) {
+            continue;
+        }
+        const auto counts =
+            zqCountByRelated(m_context,
+                             {.entityName = ZQLibraryBaseItem::entityName(),
+                              .keyPath = QLatin1StringView(each.keyPath),
+                              .related = related,
+                              .excluded = ZQPredicate::predicateWithFormat(QStringLiteral("active == NO"))},
+                             error);
+        if (!counts) {
+            return std::nullopt;
+        }
+        result.insert(*counts);
+    }
+    return result;
+}
+
 std::optional<SidebarContents::Counts> SidebarContents::counts(const QList<Entry> &entries,
                                                                const std::function<bool()> &isWanted) const
 {
@@ -135,6 +176,21 @@ std::optional<SidebarContents::Counts> SidebarContents::counts(const QList<Entry
         entry.request.sortDescriptors.clear();
     }
     Counts result = countsOfIndex(asked);
+    asked.removeIf([&result](const Entry &entry) { return result.contains(entry.item); });
+    ZQError error;
+    const auto failed = [&error]() -> std::optional<Counts> {
+        if (!ZQCancellation::isCurrentCancelled()) {
+            zqLogFetchError(error);
+        }
+        return std::nullopt;
+    };
+    if (!m_context.hasChanges()) { // which only counting one by one knows of
+        const auto counted = countsOfStore(asked, isWanted, &error);
+        if (!counted) {
+            return failed();
+        }
+        result.insert(*counted);
+    }
     for (const Entry &entry : std::as_const(asked)) {
         if (!isWanted()) {
             return std::nullopt;
@@ -142,13 +198,9 @@ std::optional<SidebarContents::Counts> SidebarContents::counts(const QList<Entry
         if (result.contains(entry.item)) {
             continue;
         }
-        ZQError error;
         const auto count = m_context.countForFetchRequest(entry.request, &error);
         if (!count) {
-            if (!ZQCancellation::isCurrentCancelled()) {
-                zqLogFetchError(error);
-            }
-            return std::nullopt;
+            return failed();
         }
         result.insert(entry.item, *count);
     }

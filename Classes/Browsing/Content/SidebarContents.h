@@ -48,6 +48,9 @@ public:
 private:
     bool isIndexCurrent() const;
     Counts countsOfIndex(const QList<Entry> &entries) const; // those it knows
+    // Those that are counted together, a statement for all tags, projects or live folders. Nothing after an error.
+    std::optional<Counts> countsOfStore(const QList<Entry> &entries, const std::function<bool()> &isWanted,
+                                        ZQError *error) const;
 
     ZQManagedObjectContext &m_context;
     LibraryIndex *m_index;

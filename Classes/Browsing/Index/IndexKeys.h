@@ -13,7 +13,6 @@ public:
     size_t size() const { return m_keys.size(); }
     qint64 operator[](size_t row) const { return m_keys[row]; }
     const ZQPagedVector<qint64> &all() const { return m_keys; }
-    bool areAscending() const { return m_ascending == m_keys.size(); }
 
     std::optional<quint32> rowOf(qint64 key) const;
     quint32 append(qint64 key); // one that is not in it

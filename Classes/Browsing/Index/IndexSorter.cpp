@@ -195,11 +195,18 @@ private:
 class TagKey : public IndexSorter::Key
 {
 public:
-    static constexpr int tagsInOne = 4;
-    static_assert(ListOrder::tagsCompared % tagsInOne == 0);
+    // As many as a number has room for: all that are compared, unless there are tags by the ten thousand.
+    static int tagsInOne(const TagPlaces &places)
+    {
+        int tags = ListOrder::tagsCompared;
+        while (tags * places.bits() > 63) {
+            tags /= 2;
+        }
+        return tags;
+    }
 
     TagKey(const LibraryColumns &columns, std::shared_ptr<const TagPlaces> places, int first)
-        : m_tags(columns.tags), m_places(std::move(places)), m_first(first)
+        : m_tags(columns.tags), m_places(std::move(places)), m_first(first), m_count(tagsInOne(*m_places))
     {
     }
     void fill(const std::vector<quint32> &rows, std::span<quint64> numbers) const override
@@ -217,7 +224,7 @@ public:
 private:
     quint64 number(quint32 row) const
     {
-        const int bits = std::min(m_places->bits(), 63 / tagsInOne);
+        const int bits = m_places->bits();
         quint32 lowest[ListOrder::tagsCompared]; // in their order
         int count = 0;
         for (const quint32 tag : m_tags.tagsOf(row)) {
@@ -232,12 +239,11 @@ private:
             }
         }
         if (count == 0) {
-            return m_first == 0 ? (quint64(1) << (bits * tagsInOne)) - 1 : 0;
+            return m_first == 0 ? (quint64(1) << (bits * m_count)) - 1 : 0;
         }
-        const quint64 most = (quint64(1) << bits) - 2; // places beyond are alike
         quint64 result = 0;
-        for (int i = m_first; i < m_first + tagsInOne; ++i) {
-            result = result << bits | (i < count ? std::min<quint64>(lowest[i], most) : 0);
+        for (int i = m_first; i < m_first + m_count; ++i) {
+            result = result << bits | (i < count ? lowest[i] : 0);
         }
         return result;
     }
@@ -245,6 +251,7 @@ private:
     const IndexTags &m_tags;
     std::shared_ptr<const TagPlaces> m_places;
     int m_first;
+    int m_count;
 };
 
 class DigestKey : public IndexSorter::Key
@@ -410,7 +417,7 @@ std::shared_ptr<const IndexSorter::Key> IndexSorter::keyFor(const LibraryColumns
 void IndexSorter::addTags(bool isAscending)
 {
     const auto places = std::make_shared<const TagPlaces>(m_columns);
-    for (int first = 0; first < ListOrder::tagsCompared; first += TagKey::tagsInOne) {
+    for (int first = 0; first < ListOrder::tagsCompared; first += TagKey::tagsInOne(*places)) {
         m_terms.push_back({std::make_shared<TagKey>(m_columns, places, first), isAscending, false});
     }
 }

@@ -187,7 +187,13 @@ SearchClause kindClause(const SearchLexeme &lexeme, const SearchContext &context
     constexpr qsizetype extensionsForOne = 16; // a list is looked up, not gone through
     SearchClause clause = plainClause(SearchQueries::kindQuery(lexeme.text, context.rows),
                                       sentenceForText(SearchField::Kind, lexeme.text));
-    clause.cost = 1 + int(KindNames::extensionsOfKind(lexeme.text).size() / extensionsForOne);
+    const QStringList extensions = KindNames::extensionsOfKind(lexeme.text);
+    clause.cost = 1 + int(extensions.size() / extensionsForOne);
+    const auto isPlain = [](QChar c) { return c.isLetterOrNumber(); }; // no pattern, nothing that is left out
+    if (extensions.size() == 1 && std::all_of(extensions.first().begin(), extensions.first().end(), isPlain)) {
+        clause.normalized =
+            zqFold(SearchQueries::queryForField(SearchField::Extension, extensions.first(), context.rows));
+    }
     return clause;
 }
 
@@ -207,13 +213,16 @@ SearchClause folderClause(const SearchLexeme &lexeme, const SearchContext &conte
 
 SearchClause duplicatesClause(const SearchLexeme &lexeme, const SearchContext &context)
 {
-    constexpr qsizetype hashesForOne = 200;   // equalities of one attribute are looked up as one
-    constexpr qsizetype mostHashes = 200'000; // so that the condition can be read; nobody looks at more
-    const QStringList content =
-        context.hashCounts ? SearchQueries::repeatedHashes(context.hashCounts()).mid(0, mostHashes) : QStringList();
+    constexpr qsizetype hashesForOne = 200; // equalities of one attribute are looked up as one
     SearchClause clause;
     clause.meaning = sentenceForText(lexeme.token->field, {});
-    clause.cost = 1 + int((content.size() + lexeme.text.count(u'_')) / hashesForOne);
+    clause.cost = 1 + int(lexeme.text.count(u'_') / hashesForOne); // the content's are one list, however long
+    clause.comparesDigests = true;
+    QString content = QStringLiteral("%@");
+    if (!context.leavesOutDigests) {
+        const auto counts = context.hashCounts ? context.hashCounts() : QMap<QString, qint64>();
+        content = SearchQueries::duplicateQuery(SearchQueries::repeatedHashes(counts), context.rows);
+    }
     clause.compose = [content, hashes = lexeme.text, rows = context.rows](const QString &operand, bool exclude) {
         return SearchQueries::duplicatesSearchWithArrayController(content, exclude, operand, hashes, rows);
     };

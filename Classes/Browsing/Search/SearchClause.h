@@ -10,9 +10,10 @@
 struct SearchClause
 {
     SearchProblem problem = SearchProblem::None;
-    QString meaning;    // or the problem, as a sentence
-    QString normalized; // equal for two that find the same
-    int cost = 1;       // comparisons, about
+    QString meaning;              // or the problem, as a sentence
+    QString normalized;           // equal for two that find the same
+    int cost = 1;                 // comparisons, about
+    bool comparesDigests = false; // with those of the content
     // The wrapped condition, behind "AND", "OR" or, when it is the first, nothing. Null with a problem.
     std::function<QString(const QString &operand, bool exclude)> compose;
 

@@ -16,6 +16,8 @@ struct SearchContext
     ZQListRows rows = ZQListRows::Memberships;
     // How many items of the content have each SHA-1. Those of one item may be left out. Null: none has a double.
     std::function<QMap<QString, qint64>()> hashCounts = nullptr;
+    // Not to write out those of more than one item: "%@" stands for the condition that a digest is among them.
+    bool leavesOutDigests = false;
     // How many live folders lie in each other at most; 1 when none holds another. Null: 1.
     std::function<int()> liveFolderDepth = nullptr;
     QDate today = QDate::currentDate();

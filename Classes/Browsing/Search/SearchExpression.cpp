@@ -184,6 +184,7 @@ void Reader::readClause(const SearchLexeme &lexeme)
         return addProblem(SearchProblem::TooMuch, position, m_text.size(),
                           zqLocalized("This is more than can be searched at once; from here on it is left out."));
     }
+    m_result.digestConditions += m_context.leavesOutDigests && clause.comparesDigests ? 1 : 0;
     addClausePart(lexeme, clause, position);
     addOperand(Operand{.compose = std::move(clause.compose)});
 }

@@ -13,7 +13,8 @@ struct SearchExpression
     // thread.
     static SearchExpression read(const QString &text, const SearchContext &context);
 
-    QString predicateString; // empty: nothing to search for
+    QString predicateString;        // empty: nothing to search for
+    qsizetype digestConditions = 0; // where the context leaves out digests, the "%@" in that, or more
     QList<SearchPart> parts;
     // What has to stand behind the text before something is added to it: a quote, brackets.
     QString closing;

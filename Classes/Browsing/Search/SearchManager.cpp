@@ -15,6 +15,17 @@ SearchExpression read(const QString &text)
     return SearchExpression::read(text, {});
 }
 
+// That a digest is one that more than one item of the content has.
+ZQPredicate repeatedDigests(const SearchContext &content)
+{
+    const QStringList digests =
+        content.hashCounts ? SearchQueries::repeatedHashes(content.hashCounts()) : QStringList();
+    return digests.isEmpty() ? ZQPredicate::notPredicate({})
+                             : ZQPredicate::predicateWithFormat(
+                                   QStringLiteral("%K IN %@"),
+                                   {zqItemKeyPath(content.rows, QStringLiteral("SHA1")), QVariant(digests)});
+}
+
 qsizetype indexOfClause(const Parts &parts, const SearchPart &clause)
 {
     const auto found = std::find_if(parts.begin(), parts.end(), [&clause](const SearchPart &part) {
@@ -77,6 +88,20 @@ QString withoutClause(const QString &text, const Parts &parts, qsizetype index)
     return text.left(start) + text.mid(end);
 }
 
+// So that what stands behind it narrows what all of it finds.
+QString closed(QString text)
+{
+    const SearchExpression expression = read(text);
+    const Parts problems = expression.needsBrackets ? expression.problems() : Parts();
+    for (auto problem = problems.rbegin(); problem != problems.rend(); ++problem) {
+        if (problem->problem == SearchProblem::ClosedBracket) { // would close the brackets around all
+            text.insert(problem->position, u'(');
+        }
+    }
+    text += expression.closing;
+    return expression.needsBrackets ? u'(' + text.trimmed() + u')' : text;
+}
+
 } // namespace
 
 QString SearchManager::predicateStringForSearchString(const QString &searchString, const SearchContext &content)
@@ -86,12 +111,18 @@ QString SearchManager::predicateStringForSearchString(const QString &searchStrin
 
 ZQPredicate SearchManager::predicateForSearchString(const QString &searchString, const SearchContext &content)
 {
-    const QString format = predicateStringForSearchString(searchString, content);
-    if (format.isEmpty()) {
+    SearchContext context = content;
+    context.leavesOutDigests = true; // in a text of all of them, a large library's would be too many
+    const SearchExpression expression = SearchExpression::read(searchString, context);
+    if (expression.predicateString.isEmpty()) {
         return {};
     }
+    QVariantList arguments;
+    if (expression.digestConditions > 0) {
+        arguments = QVariantList(expression.digestConditions, QVariant::fromValue(repeatedDigests(content)));
+    }
     ZQError error;
-    ZQPredicate predicate = ZQPredicate::predicateWithFormat(format, {}, &error);
+    ZQPredicate predicate = ZQPredicate::predicateWithFormat(expression.predicateString, arguments, &error);
     if (predicate.isNull()) { // a search that cannot be run must not seem to find everything
         qCWarning(zqLogInterface, "A search cannot be read: %s", qUtf8Printable(error.localizedDescription()));
         return ZQPredicate::notPredicate({});
@@ -119,17 +150,7 @@ QString SearchManager::toggled(const QString &searchText, const QString &tokenTe
         }
         return text;
     }
-    const SearchExpression before = read(searchText);
-    const Parts problems = before.needsBrackets ? before.problems() : Parts();
-    for (auto problem = problems.rbegin(); problem != problems.rend(); ++problem) {
-        if (problem->problem == SearchProblem::ClosedBracket) { // would close the brackets around all
-            text.insert(problem->position, u'(');
-        }
-    }
-    text += before.closing;
-    if (before.needsBrackets) {
-        text = u'(' + text.trimmed() + u')';
-    }
+    text = closed(searchText);
     const bool needsBlank = !text.isEmpty() && !SearchTokenizer::isBlank(text.back());
     return text + (needsBlank ? QStringLiteral(" ") : QString()) + tokenText;
 }
@@ -138,6 +159,11 @@ QString SearchManager::without(const QString &searchText, qsizetype index)
 {
     const Parts parts = read(searchText).parts;
     return index >= 0 && index < parts.size() ? withoutClause(searchText, parts, index) : searchText;
+}
+
+QString SearchManager::asPart(const QString &text)
+{
+    return closed(text).trimmed();
 }
 
 QString SearchManager::quoted(const QString &argument)

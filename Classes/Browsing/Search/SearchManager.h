@@ -26,6 +26,8 @@ public:
     static QString toggled(const QString &searchText, const QString &tokenText);
     // The text without the part at `index` of its `SearchExpression`'s parts, and without what only joined it.
     static QString without(const QString &searchText, qsizetype index);
+    // The text as a part of one that says more: closed, and in brackets where it would mean something else.
+    static QString asPart(const QString &text);
     // `argument` as it is typed behind a token: in quotes where it needs them.
     static QString quoted(const QString &argument);
     // Whether the name, quoted, asks for itself: it is not empty and nothing in it is taken for a pattern or lost.

@@ -155,16 +155,15 @@ QString SearchQueries::duplicateQuery(const QStringList &hashes, ZQListRows rows
     return parts.join(either);
 }
 
-QString SearchQueries::duplicatesSearchWithArrayController(const QStringList &content, bool exclude,
-                                                           const QString &operand, const QString &hashes,
-                                                           ZQListRows rows)
+QString SearchQueries::duplicatesSearchWithArrayController(const QString &content, bool exclude, const QString &operand,
+                                                           const QString &hashes, ZQListRows rows)
 {
-    const QString all = duplicateQuery(content, rows);
     if (hashes.isEmpty()) {
-        return composeQueryStringWithQuery(all, operand, exclude);
+        return composeQueryStringWithQuery(content, operand, exclude);
     }
     const QString these = duplicateQuery(hashes.split(u'_', Qt::SkipEmptyParts), rows);
-    return composeQueryStringWithQuery(zqFormat(QStringLiteral("( %@ ) AND ( %@ )"), {all, these}), operand, exclude);
+    return composeQueryStringWithQuery(zqFormat(QStringLiteral("( %@ ) AND ( %@ )"), {content, these}), operand,
+                                       exclude);
 }
 
 QStringList SearchQueries::repeatedHashes(const QMap<QString, qint64> &counts)

@@ -33,9 +33,9 @@ public:
 
     // Items with one of these digests. None: a condition that nothing meets.
     static QString duplicateQuery(const QStringList &hashes, ZQListRows rows);
-    // Items whose SHA-1 occurs more than once among `content`; when `hashes` is not empty, those of its digests, which
-    // are joined by "_".
-    static QString duplicatesSearchWithArrayController(const QStringList &content, bool exclude, const QString &operand,
+    // Items whose SHA-1 occurs more than once, which is the condition `content`; when `hashes` is not empty, those of
+    // its digests, which are joined by "_".
+    static QString duplicatesSearchWithArrayController(const QString &content, bool exclude, const QString &operand,
                                                        const QString &hashes, ZQListRows rows);
     // The digests of more than one item. "0", which stands for a digest that could not be had, is none.
     static QStringList repeatedHashes(const QMap<QString, qint64> &counts);

@@ -135,10 +135,15 @@ SearchLexeme SearchTokenizer::token()
     };
     qsizetype comparisonAt = m_position;
     QStringView comparison = readComparison(comparisonAt);
-    const SearchToken *comparing = SearchToken::named(name, true);
-    if (comparison.isEmpty() && comparing && comparing->compares()) {
-        comparisonAt = skipBlanks(m_position);
-        comparison = readComparison(comparisonAt);
+    const SearchToken *named = SearchToken::named(name, true);
+    if (comparison.isEmpty() && named && named->argument != SearchArgument::None) {
+        const qsizetype behindBlanks = skipBlanks(m_position);
+        const QStringView apart = readComparison(behindBlanks);
+        // A text may begin with any other sign.
+        if (named->compares() || apart == u"=" || apart == u"==") {
+            comparisonAt = behindBlanks;
+            comparison = apart;
+        }
     }
     lexeme.comparison = comparison == QStringView(&colon, 1) ? QStringLiteral("=") : comparison.toString();
     lexeme.token = SearchToken::named(name, !comparison.isEmpty());

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Tabs/TabStateArchive.h"
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Persistence/ZQPersistentStoreCoordinator.h"
 
@@ -30,15 +31,6 @@ QSet<QUuid> storesNamedBy(const QVariantMap &archive)
     return stores;
 }
 
-std::optional<QByteArray> contentsOf(const QString &path)
-{
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || file.size() > OpenTabsFile::largest || !file.open(QIODevice::ReadOnly)) {
-        return std::nullopt;
-    }
-    return file.read(OpenTabsFile::largest);
-}
-
 } // namespace
 
 // Null when there is none, and when it was set aside.
@@ -48,12 +40,12 @@ std::optional<QVariantMap> OpenTabsFile::archiveAt(const QString &path) const
     if (!info.exists() && !info.isSymLink()) {
         return std::nullopt;
     }
-    const auto data = contentsOf(path);
+    ZQError error;
+    const auto data = zqReadRegularFile(path, largest, &error);
     if (!data) {
-        setAside(path, QStringLiteral("It is no file, too large, or not to be read."));
+        setAside(path, error.localizedDescription());
         return std::nullopt;
     }
-    ZQError error;
     const auto root = ZQKeyedArchive::fromData(*data, &error);
     if (!root || root->typeId() != QMetaType::QVariantMap) {
         setAside(path, root ? QStringLiteral("It does not list tabs.") : error.localizedDescription());
@@ -142,7 +134,7 @@ QString OpenTabsFile::pathFor(const QUuid &store) const
 // What is about to be overwritten, when it is of another library: a copy is safe before it goes. False when it is not.
 bool OpenTabsFile::keepOther(const QUuid &store) const
 {
-    const auto data = contentsOf(m_path);
+    const auto data = zqReadRegularFile(m_path, largest);
     if (!data) { // what is there and was neither read nor set aside is not overwritten
         const QFileInfo info(m_path);
         return !info.exists() && !info.isSymLink();

@@ -21,23 +21,26 @@ namespace {
 constexpr double usualZoom = 0.5;
 constexpr double leastZoomChange = 0.001;
 
-// The part of a step that has its tab come to the front, also when it is taken back.
+// The part of a step that has its tab come to the front, before the others are made again or, at the end, taken back:
+// what they bring is selected there.
 class FrontCommand : public QUndoCommand
 {
 public:
-    explicit FrontCommand(std::weak_ptr<TabState> tab) : m_tab(std::move(tab)) {}
-    void redo() override { bringToFront(); }
-    void undo() override { bringToFront(); }
+    enum class Place { First, Last };
+    FrontCommand(std::weak_ptr<TabState> tab, Place place) : m_tab(std::move(tab)), m_place(place) {}
+    void redo() override { bringToFront(Place::First); }
+    void undo() override { bringToFront(Place::Last); }
 
 private:
-    void bringToFront()
+    void bringToFront(Place place)
     {
-        if (const auto tab = m_tab.lock(); tab && tab->selectTabForState) {
+        if (const auto tab = m_tab.lock(); tab && tab->selectTabForState && place == m_place) {
             tab->selectTabForState(*tab);
         }
     }
 
     std::weak_ptr<TabState> m_tab;
+    Place m_place;
 };
 } // namespace
 
@@ -121,16 +124,30 @@ QString TabState::generateTabTitleForItems(const QList<ZQObjectID> &items) const
 void TabState::setSearchString(const QString &text)
 {
     if (const QString before = filter(); m_searchString = text, filter() != before) {
-        m_filterPredicate = ZQPredicate();
+        setFilterPredicate({});
         invalidateCache();
     }
 }
 
 ZQPredicate TabState::filterPredicate() const
 {
-    return m_filterPredicate.isNull() && !filter().isEmpty()
-               ? SearchManager::predicateForSearchString(filter(), {.rows = ZQListRows::LibraryItems})
-               : m_filterPredicate;
+    return filter().isEmpty() ? m_filterPredicate
+                              : SearchManager::predicateForSearchString(filter(), {.rows = ZQListRows::LibraryItems});
+}
+
+void TabState::setFilterPredicate(const ZQPredicate &predicate)
+{
+    m_filterPredicate = predicate;
+    m_filterFormat.reset();
+}
+
+const QString &TabState::filterFormat() const
+{
+    if (const QString text = filter(); !m_filterFormat || m_filterFormat->first != text) {
+        const ZQPredicate predicate = filterPredicate();
+        m_filterFormat.emplace(text, predicate.isNull() ? QString() : predicate.predicateFormat());
+    }
+    return m_filterFormat->second;
 }
 
 void TabState::setEditsSearch(bool edits)
@@ -279,24 +296,32 @@ bool TabState::hasDisabledWatchedFolders() const
 
 // Membership.
 
-// Those that hold any of the items: the others would leave empty parts of a step.
-QList<ZQObjectID> TabState::holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems) const
+namespace {
+
+qsizetype numberOfHeld(const QList<ZQRef<ZQLibraryBaseItem>> &items, const ZQSidebarBaseItem &holder)
 {
-    const auto objects = ZQLibraryBaseItem::itemsWithIDs(items, m_edits.context);
+    const auto memberships = holder.hasOrderedMembers() ? holder.membershipsOfItems(items) : ZQFetched<ZQProjectItem>();
+    return memberships ? memberships->size() : std::count_if(items.begin(), items.end(), [&holder](const auto &item) {
+        return holder.containsItem(item.get());
+    });
+}
+
+} // namespace
+
+// The others would leave empty parts of a step.
+QList<ZQObjectID> TabState::holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems,
+                                      bool lacking) const
+{
+    constexpr qsizetype batch = 500; // the first one nearly always tells
     QList<ZQObjectID> result;
     for (const ZQObjectID &id : sidebarItems) {
         const auto holder = m_edits.sidebarItem(id);
-        if (!holder || result.contains(id)) {
-            continue;
-        }
-        const auto memberships =
-            holder->hasOrderedMembers() ? holder->membershipsOfItems(objects) : ZQFetched<ZQProjectItem>();
-        const bool holds = memberships ? !memberships->isEmpty()
-                                       : std::any_of(objects.begin(), objects.end(), [&holder](const auto &item) {
-                                             return holder->containsItem(item.get());
-                                         });
-        if (holds) {
-            result.append(id);
+        for (qsizetype first = 0; holder && !result.contains(id) && first < items.size(); first += batch) {
+            const auto objects = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, batch), m_edits.context);
+            const qsizetype held = numberOfHeld(objects, *holder);
+            if (lacking ? held < objects.size() : held > 0) {
+                result.append(id);
+            }
         }
     }
     return result;
@@ -310,12 +335,13 @@ void TabState::changeMembers(const QString &name, const QList<ZQObjectID> &sideb
     }
     if (m_edits.undoStack && !sidebarItems.isEmpty()) {
         m_edits.undoStack->beginMacro(name);
-        m_edits.undoStack->push(new FrontCommand(weak_from_this()));
+        m_edits.undoStack->push(new FrontCommand(weak_from_this(), FrontCommand::Place::First));
     }
     for (qsizetype i = 0; i < sidebarItems.size(); ++i) {
         change(i);
     }
     if (m_edits.undoStack && !sidebarItems.isEmpty()) {
+        m_edits.undoStack->push(new FrontCommand(weak_from_this(), FrontCommand::Place::Last));
         m_edits.undoStack->endMacro();
     }
     if (updateBrowser) {
@@ -333,8 +359,10 @@ void TabState::removeItems(const QList<ZQObjectID> &items, const QList<ZQObjectI
 void TabState::addItems(const QList<ZQObjectID> &items, const QList<ZQObjectID> &toSidebarItems,
                         const QList<quint32> &atIndexes, bool updateBrowser)
 {
-    changeMembers(zqLocalized("copy items"), toSidebarItems, updateBrowser, [&](qsizetype index) {
-        LibraryCommands(m_edits).addItems(items, toSidebarItems[index],
-                                          atIndexes.value(index, ZQSidebarBaseItem::appendIndex));
+    const QList<ZQObjectID> holders = holdersOf(items, toSidebarItems, true);
+    changeMembers(zqLocalized("copy items"), holders, updateBrowser, [&](qsizetype index) {
+        LibraryCommands(m_edits).addItems(
+            items, holders[index],
+            atIndexes.value(toSidebarItems.indexOf(holders[index]), ZQSidebarBaseItem::appendIndex));
     });
 }

@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 // How a tab was left: what nobody set is as the window has it.
 struct TabViewState
@@ -62,9 +63,13 @@ public:
     void setEditsSearch(bool edits); // `goToSidebarItems` keeps what was edited, for when it comes back there
     // Whether what is shown is found by a saved search, so that any change may touch it.
     bool showsSavedSearch() const;
-    // Of rows of library items; null: all. What the search makes of the text, unless it was set since.
+    // Of rows of library items; null: all. What the search makes of the text, whose "today" is today; what was set where
+    // there is no text.
     ZQPredicate filterPredicate() const;
-    void setFilterPredicate(const ZQPredicate &predicate) { m_filterPredicate = predicate; }
+    void setFilterPredicate(const ZQPredicate &predicate);
+    // Its format, for other readers of the tab; empty for none. Made when it is first asked for, and kept as long as
+    // the text stays.
+    const QString &filterFormat() const;
 
     // The tab's own values; what is unset is taken from the single element.
     std::optional<ZQSortValue> sortKeys() const { return m_sortKeys; }
@@ -127,7 +132,9 @@ private:
     bool isTouchedBy(const ZQContextDidSave &change) const;
     void changeMembers(const QString &name, const QList<ZQObjectID> &sidebarItems, bool updateBrowser,
                        const std::function<void(qsizetype index)> &change);
-    QList<ZQObjectID> holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems) const;
+    // Those of them that hold any of the items; or, with `lacking`, that do not hold all of them.
+    QList<ZQObjectID> holdersOf(const QList<ZQObjectID> &items, const QList<ZQObjectID> &sidebarItems,
+                                bool lacking = false) const;
 
     EditContext &m_edits;
     QList<ZQObjectID> m_sidebarSelectedItems;
@@ -135,6 +142,7 @@ private:
     bool m_editsSearch = false;
     QHash<ZQObjectID, QString> m_unsavedSearches; // of smart folders that were left while their texts were edited
     ZQPredicate m_filterPredicate;
+    mutable std::optional<std::pair<QString, QString>> m_filterFormat; // a text and its format
     std::optional<ZQSortValue> m_sortKeys;
     std::optional<bool> m_sortDirection;
     std::optional<double> m_zoom;

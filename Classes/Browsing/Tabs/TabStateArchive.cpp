@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -103,9 +104,9 @@ public:
     }
     std::optional<int> sortValue(const QString &key)
     {
-        const auto found = whole(key, int(ListOrder::byTags));
-        m_areFine = m_areFine && (!found || ListOrder::isKnown(*found));
-        return found && m_areFine ? found : std::nullopt;
+        // An order that this version has not, of an older or newer one, is no damage: the tab has the usual one then.
+        const auto found = whole(key, std::numeric_limits<qint16>::max());
+        return found && ListOrder::isKnown(*found) ? found : std::nullopt;
     }
     std::optional<bool> flag(const QString &key)
     {
@@ -192,7 +193,7 @@ ZQKeyedArchive::Object TabStateArchive::archived(TabState &tab, EditContext &edi
         items.append(id.URIRepresentation(store));
     }
     const TabViewState &view = tab.view;
-    const QString predicate = tab.filterPredicate().isNull() ? QString() : tab.filterPredicate().predicateFormat();
+    const QString &predicate = tab.filterFormat();
     QStringList editedItems;
     QStringList editedTexts;
     for (auto each = tab.unsavedSearches().begin(); each != tab.unsavedSearches().end(); ++each) {
@@ -270,7 +271,8 @@ std::shared_ptr<TabState> TabStateArchive::restored(const QVariant &archive, Edi
     if (const auto value = fields.whole(styleKey, int(BrowserDisplayStyle::BySize))) {
         tab->setBrowserDisplayStyle(BrowserDisplayStyle(*value));
     }
-    if (const QString format = fields.text(predicateKey); !format.isEmpty()) {
+    // The text says it anew: what it asked for when it was written was that day's.
+    if (const QString format = fields.text(predicateKey); !format.isEmpty() && tab->filter().isEmpty()) {
         tab->setFilterPredicate(ZQPredicate::predicateWithFormat(format)); // null when it is none any more
     }
     fields.ignoredText(nameKey); // the sidebar items may have other titles now

@@ -400,7 +400,7 @@ Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*
                                                                                         : Qt::IgnoreAction;
     }
     const bool isTarget = bool(SidebarTargetRules::content(target.get(), SidebarTargetRules::Place::Pane));
-    return isTarget && ImportDoor::carriesContent(data) ? Qt::CopyAction : Qt::IgnoreAction;
+    return isTarget && ImportDoor::dragCarriesContent(data) ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*action*/)
@@ -413,7 +413,7 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
     if (data->hasFormat(itemsMimeType)) {
         const QList<ZQObjectID> items = itemsOfMimeData(data, m_window);
         if (indexesOfLibraryItems(items).isEmpty()) { // of what was shown when the drag began
-            LibraryCommands(m_window).addItems(items, target->objectID(), place);
+            m_tab->addItems(items, {target->objectID()}, {place}, true);
         } else {
             LibraryCommands(m_window).moveItems(items, target->objectID(), place);
         }
@@ -423,7 +423,7 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
     if (!paths.isEmpty()) {
         ImportDoor::importFiles(paths, target.get(), place);
     } else {
-        ImportDoor::importPasteboard(data, target.get(), place);
+        ImportDoor::importDrop(data, target.get(), place);
     }
     return true;
 }
@@ -459,12 +459,15 @@ QString BrowserContent::emptyText() const
                         {filter()});
     }
     const auto single = singleItem();
-    if (!single) {
-        return zqLocalized("What is selected in the sidebar is empty.");
-    }
     if (isFolderMissing()) {
         return zqFormat(zqLocalized("The folder “%@” is not there. Connect its disk, or put it back."),
                         {m_missingFolder});
+    }
+    if (m_tab->hasDisabledWatchedFolders()) {
+        return zqLocalized("A live folder that is selected was not there. Its items come back with it.");
+    }
+    if (!single) {
+        return zqLocalized("What is selected in the sidebar is empty.");
     }
     if (single->isSmartFolder()) {
         return emptySearchText();
@@ -479,7 +482,7 @@ QString BrowserContent::emptyText() const
         return zqLocalized("What you capture of the screen comes here.");
     }
     if (single->isTag()) {
-        return SidebarTargetRules::items(single.get())
+        return m_tab->canImportItems()
                    ? zqLocalized("Nothing has this tag. Drop images here, or drag items onto it in the sidebar.")
                    : zqLocalized("Images get this tag by themselves when they are imported.");
     }

@@ -19,6 +19,7 @@ public:
 
     void setTab(std::shared_ptr<TabState> tab); // fetches, unless the tab knows its rows
     TabState &tab() { return *m_tab; }
+    const TabState &tab() const { return *m_tab; }
     // Change the tab and fetch.
     void setSidebarItems(const QList<ZQObjectID> &items);
     void setFilter(const QString &text); // a search text
@@ -43,7 +44,8 @@ public:
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
     QList<ZQObjectID> libraryItemIDs(const ZQIndexSet &indexes) const;
     QList<ZQObjectID> rowIDs(const ZQIndexSet &indexes) const;
-    const QList<ZQObjectID> &rowIDs() const { return m_content.rows.ids; } // all
+    const QList<ZQObjectID> &rowIDs() const { return m_content.rows.ids; }             // all
+    const QList<ZQObjectID> &libraryItemIDs() const { return m_content.rows.related; } // of all rows
     ZQIndexSet indexesOfRows(const QList<ZQObjectID> &rows) const;
     ZQIndexSet indexesOfLibraryItems(const QList<ZQObjectID> &items) const;
     qint64 indexOfLibraryItem(const ZQObjectID &item) const; // linear; -1 for none

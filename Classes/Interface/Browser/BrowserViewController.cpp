@@ -2,7 +2,6 @@
 
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
-#include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
 #include "Classes/Interface/Browser/EmptyState.h"
@@ -29,10 +28,23 @@
 #include <QSlider>
 #include <QStackedWidget>
 
+#include <algorithm>
+
 namespace {
 
 constexpr double sliderSteps = 1000;
 constexpr qsizetype mostKeptRows = 20000; // a larger selection is kept by index
+
+// Whether any of them is not among the rows; of many, some stand for all.
+bool areNewTo(const QList<ZQObjectID> &rows, const QList<ZQObjectID> &items)
+{
+    constexpr qsizetype enough = 32;
+    QSet<ZQObjectID> missing(items.begin(), items.begin() + std::min(enough, items.size()));
+    for (auto row = rows.begin(); row != rows.end() && !missing.isEmpty(); ++row) {
+        missing.remove(*row);
+    }
+    return !missing.isEmpty();
+}
 
 } // namespace
 
@@ -255,7 +267,7 @@ void BrowserViewController::contentDidChange()
     m_empty->showFor(*m_content);
     updateHead();
     showChips();
-    m_refine->setContent(m_content->tab().contentQuery(), m_content->tab().searchString());
+    m_refine->setContent(m_content->tab().contentQuery());
     if (!m_content->isLoading() && m_content->error().isNull()) {
         m_hidden->setContent(m_content->tab().contentQuery(), m_content->count());
     }
@@ -419,6 +431,17 @@ void BrowserViewController::selectLibraryItems(const QList<ZQObjectID> &items)
     }
 }
 
+std::function<void(const QList<ZQObjectID> &)> BrowserViewController::selectionOfWhatComes()
+{
+    return [self = QPointer(this), moment = m_moment,
+            before = m_content->libraryItemIDs()](const QList<ZQObjectID> &items) {
+        const bool isWanted = self && self->m_moment == moment && !self->isDetailOpen() && items.size() < mostKeptRows;
+        if (isWanted && (areNewTo(before, items) || areNewTo(self->m_content->libraryItemIDs(), items))) {
+            self->selectLibraryItems(items);
+        }
+    };
+}
+
 void BrowserViewController::refetch()
 {
     m_keepsScroll = true;
@@ -509,14 +532,18 @@ void BrowserViewController::deleteFromLibrary()
     }
 }
 
+bool BrowserViewController::canRemove() const
+{
+    return selectionCount() > 0 && m_content->tab().canMoveItemToOtherProject();
+}
+
 void BrowserViewController::removeFromProject()
 {
-    const auto single = m_content->singleItem();
     const QList<ZQObjectID> items = selectedItems();
-    if (!items.isEmpty() && SidebarTargetRules::canRemoveItems(single.get())) {
+    if (!items.isEmpty() && canRemove()) {
         m_indexToSelect = m_grid->selection().first();
         closeDetail();
-        m_content->tab().removeItems(items, {single->objectID()}, true);
+        m_content->tab().removeItems(items, m_content->sidebarItems(), true);
     }
 }
 
@@ -524,13 +551,8 @@ void BrowserViewController::duplicate()
 {
     if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
         const auto single = m_content->singleItem();
-        LibraryCommands(m_window).duplicateItems(
-            items, single ? single->objectID() : ZQObjectID(),
-            [self = QPointer(this), moment = m_moment](const QList<ZQObjectID> &copies) {
-                if (self && self->m_moment == moment && !self->isDetailOpen()) {
-                    self->selectLibraryItems(copies);
-                }
-            });
+        LibraryCommands(m_window).duplicateItems(items, single ? single->objectID() : ZQObjectID(),
+                                                 selectionOfWhatComes());
     }
 }
 

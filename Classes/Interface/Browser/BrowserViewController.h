@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
+
 class BrowserHead;
 class BrowserListStyle;
 class DetailView;
@@ -31,7 +33,7 @@ public:
     void showSidebarItems(const QList<ZQObjectID> &items); // in the tab that is shown
     const QList<ZQObjectID> &sidebarItems() const { return m_content->sidebarItems(); }
     void setFilter(const QString &text);
-    void setIsTyped(bool isTyped);                     // whether the search field has the focus
+    void setTypedAt(qsizetype cursor);                 // of the search field; -1: it has no focus
     void refine(FacetKind kind, const QString &token); // chooses a value of a facet, or takes it away
     void updateHead();                                 // title, count and order of what is shown
     BrowserHead &head() { return *m_head; }
@@ -46,6 +48,8 @@ public:
     // At once, or when the next fetch brings them, unless a person went on by then; scrolled to.
     void selectLibraryItem(const ZQObjectID &item) { selectLibraryItems({item}); }
     void selectLibraryItems(const QList<ZQObjectID> &items);
+    // Selects those it is told of, unless a person went on, or all of them were shown, since it was asked for.
+    std::function<void(const QList<ZQObjectID> &items)> selectionOfWhatComes();
 
     void refetch();       // what the store holds changed
     void redrawVisible(); // attributes of what is shown changed
@@ -53,6 +57,7 @@ public:
     void closeDetail();
     bool isDetailOpen() const;
     void deleteFromLibrary();
+    bool canRemove() const; // what is selected, from what is shown
     void removeFromProject();
     void duplicate();
     void rate(int stars);

@@ -16,7 +16,7 @@ void BrowserViewController::makeSearchRows(QWidget *page)
     connect(m_chips, &SearchChips::searchRequested, this, &BrowserViewController::searchRequested);
     connect(m_chips, &SearchChips::partChosen, this, &BrowserViewController::searchPartRequested);
     m_refine = new RefineBar(m_window, page);
-    connect(m_refine, &RefineBar::searchRequested, this, &BrowserViewController::searchRequested);
+    connect(m_refine, &RefineBar::chosen, this, &BrowserViewController::refine);
 }
 
 void BrowserViewController::refine(FacetKind kind, const QString &token)
@@ -32,9 +32,9 @@ void BrowserViewController::showChips()
     m_chips->setText(isTyped ? tab.searchString() : m_content->shownSearch(), isTyped);
 }
 
-void BrowserViewController::setIsTyped(bool isTyped)
+void BrowserViewController::setTypedAt(qsizetype cursor)
 {
-    m_chips->setIsTyped(isTyped);
+    m_chips->setCursor(cursor);
 }
 
 QString BrowserViewController::countText() const

@@ -1,6 +1,5 @@
 #include "Classes/Interface/Browser/EmptyState.h"
 
-#include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -29,10 +28,10 @@ EmptyState::EmptyState(QWidget *parent)
 void EmptyState::showFor(const BrowserContent &content)
 {
     const bool isEmpty = content.count() == 0 && content.error().isNull() && !content.isLoading();
-    const auto single = content.singleItem();
     const bool isSearched = !content.filter().isEmpty();
-    const bool takesFiles = single && SidebarTargetRules::files({.hasSupported = true}, single.get());
+    const bool isAway = content.isFolderMissing() || content.tab().hasDisabledWatchedFolders();
+    const bool takesFiles = content.tab().canImportItems() && !isAway;
     m_everything->setVisible(isSearched);
-    m_import->setVisible(!isSearched && takesFiles && !content.isFolderMissing());
-    setVisible(isEmpty && (isSearched || takesFiles) && !content.isFolderMissing());
+    m_import->setVisible(!isSearched && takesFiles);
+    setVisible(isEmpty && (takesFiles || (isSearched && !content.isFolderMissing())));
 }

@@ -71,10 +71,9 @@ QSize RefineBar::sizeHint() const
     return {2 * sideMargin, heightForWidth(width())};
 }
 
-void RefineBar::setContent(const ContentQuery &query, const QString &searchText)
+void RefineBar::setContent(const ContentQuery &query)
 {
     m_query = query;
-    m_searchText = searchText;
     recount();
 }
 
@@ -123,7 +122,7 @@ void RefineBar::showNoFacets()
 void RefineBar::choose(FacetKind kind, const QString &token)
 {
     if (isEnabled()) { // a menu may still be open
-        Q_EMIT searchRequested(FacetText(m_searchText).toggled(kind, token));
+        Q_EMIT chosen(kind, token);
     }
 }
 

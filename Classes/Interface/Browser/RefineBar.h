@@ -10,7 +10,7 @@ class FacetButton;
 class QLabel;
 struct WindowContext;
 
-// By what the items that are shown can be refined, with counts; a choice writes the search text. Counts only while it
+// By what the items that are shown can be refined, with counts; a choice is for the search text. Counts only while it
 // is visible, and says so while it cannot. One stop of the Tab key: the arrow keys go from value to value.
 class RefineBar : public QWidget
 {
@@ -18,8 +18,7 @@ class RefineBar : public QWidget
 public:
     explicit RefineBar(WindowContext &window, QWidget *parent = nullptr);
 
-    // What is shown, with its text as it was typed.
-    void setContent(const ContentQuery &query, const QString &searchText);
+    void setContent(const ContentQuery &query); // what is shown
     void expire();                     // another place is about to be shown: what is there can be chosen no more
     void recount();                    // what the store holds changed
     void setNextStop(QWidget *widget); // of the Tab key, after its values
@@ -35,7 +34,7 @@ public:
     static void setWanted(bool isWanted);
 
 Q_SIGNALS:
-    void searchRequested(const QString &searchText);
+    void chosen(FacetKind kind, const QString &token); // or taken away, by what the search text has now
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -55,7 +54,6 @@ private:
     static QList<FacetValue> shownValues(const Facet &facet);
 
     ContentQuery m_query;
-    QString m_searchText;
     QList<Facet> m_facets;
     QList<QWidget *> m_shown;       // captions and buttons in their order
     QList<FacetButton *> m_buttons; // those in use first

@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Search/SearchExpression.h"
 #include "Classes/Browsing/Search/SearchManager.h"
+#include "Classes/Browsing/Search/SearchTokenizer.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQIcon.h"
@@ -86,17 +87,34 @@ void SearchChips::setText(const QString &searchText, bool isInField)
     update();
 }
 
-void SearchChips::setIsTyped(bool isTyped)
+void SearchChips::setCursor(qsizetype cursor)
 {
-    if (std::exchange(m_isTyped, isTyped) != isTyped && m_text.endsWith(u'#')) {
+    if (std::exchange(m_cursor, cursor) != cursor && m_hasMistakes) {
         setText(m_text, m_isInField);
     }
 }
 
+// More letters may make a token of it, or what it compares and looks for may come yet.
 bool SearchChips::isOnlyBegun(const SearchPart &part) const
 {
-    return m_isTyped && m_isInField && part.problem == SearchProblem::UnknownToken && part.end() == m_text.size() &&
-           part.text.indexOf(u'#') == part.text.size() - 1;
+    const bool isUnderCursor = m_isInField && m_cursor >= part.position && m_cursor <= part.end();
+    const bool isEnded = part.end() < m_text.size() && SearchTokenizer::isBlank(m_text[part.end()]);
+    if (!isUnderCursor || isEnded) {
+        return false;
+    }
+    const QString token = part.text.mid(part.text.indexOf(u'#'));
+    const auto hasAnyOf = [&token](QStringView characters) {
+        return std::any_of(token.begin(), token.end(), [&](QChar c) { return characters.contains(c); });
+    };
+    switch (part.problem) {
+    case SearchProblem::UnknownToken:
+    case SearchProblem::NoComparison:
+        return !hasAnyOf(u"<=>:\" \t");
+    case SearchProblem::NoArgument:
+        return !hasAnyOf(u"\"");
+    default:
+        return false;
+    }
 }
 
 void SearchChips::readParts()
@@ -104,6 +122,7 @@ void SearchChips::readParts()
     m_chips.clear();
     m_leftOut = 0;
     m_needsExplanation = false;
+    m_hasMistakes = false;
     if (m_text.trimmed().isEmpty()) {
         return;
     }
@@ -112,6 +131,7 @@ void SearchChips::readParts()
     for (qsizetype index = 0; index < parts.size(); ++index) {
         const SearchPart &part = parts[index];
         const bool isWrong = part.kind == SearchPart::Kind::Problem;
+        m_hasMistakes = m_hasMistakes || isWrong;
         if (isOnlyBegun(part)) {
             continue;
         }

@@ -16,8 +16,9 @@ public:
     explicit SearchChips(QWidget *parent = nullptr);
     // As it stands in the field; or a text of somewhere else, which is only explained.
     void setText(const QString &searchText, bool isInField = true);
-    // Whether the text is just being typed: a token that is only begun is no mistake then.
-    void setIsTyped(bool isTyped);
+    // Where the text is just being typed, between its characters: a token that is only begun there is no mistake. -1:
+    // nowhere.
+    void setCursor(qsizetype cursor);
     QSize sizeHint() const override;
     int count() const { return int(m_chips.size()); }
     QRect chipRect(int index) const { return m_chips[index].place; }
@@ -73,7 +74,8 @@ private:
 
     QString m_text;
     bool m_isInField = true;
-    bool m_isTyped = false;
+    qsizetype m_cursor = -1;
+    bool m_hasMistakes = false; // or what is only begun
     bool m_needsExplanation = false;
     QList<Chip> m_chips;
     int m_leftOut = 0; // parts that would be too many chips

@@ -12,6 +12,8 @@
 #include <QScopedValueRollback>
 #include <QSpinBox>
 
+#include <utility>
+
 namespace {
 
 constexpr int meaningIndent = 28; // below the text of its box
@@ -20,6 +22,28 @@ ZQUserDefaults &defaults()
 {
     return ZQUserDefaults::standardUserDefaults();
 }
+
+// Shows what was chosen once that is written, so that what cannot be is never seen.
+template <class Button>
+class WritingButton : public Button
+{
+public:
+    WritingButton(const QString &text, QWidget *parent, std::function<bool(bool isOn)> write)
+        : Button(text, parent), m_write(std::move(write))
+    {
+    }
+
+protected:
+    void nextCheckState() override
+    {
+        if (m_write(!this->isChecked())) {
+            Button::nextCheckState();
+        }
+    }
+
+private:
+    std::function<bool(bool isOn)> m_write;
+};
 
 } // namespace
 
@@ -72,23 +96,28 @@ void PreferencesPane::showPreference(const QString &key)
 
 void PreferencesPane::choose(const QVariant &value, const QString &key)
 {
-    if (m_isShowing) {
-        return;
-    }
-    if (ZQError error; !defaults().storeObjectForKey(value, key, &error)) {
+    if (!m_isShowing && !store(value, key)) {
         // Later: others are still to be told what the control shows now.
-        const auto goBack = [this, key, error] {
-            showPreference(key);
-            Q_EMIT refused(error);
-        };
+        const auto goBack = [this, key] { showPreference(key); };
         QMetaObject::invokeMethod(this, goBack, Qt::QueuedConnection);
     }
+}
+
+bool PreferencesPane::store(const QVariant &value, const QString &key)
+{
+    ZQError error;
+    const bool isStored = defaults().storeObjectForKey(value, key, &error);
+    if (!isStored) {
+        Q_EMIT refused(error);
+    }
+    return isStored;
 }
 
 QCheckBox *PreferencesPane::addSwitch(const QString &key, const QString &text, const QString &meaning, bool onValue)
 {
     m_numbers = nullptr;
-    auto *box = new QCheckBox(text, this);
+    auto *box = new WritingButton<QCheckBox>(text, this,
+                                             [this, key, onValue](bool isOn) { return store(isOn == onValue, key); });
     m_column->addWidget(box);
     if (!meaning.isEmpty()) {
         box->setAccessibleDescription(meaning);
@@ -105,7 +134,8 @@ void PreferencesPane::addChoices(const QString &key, const QString &name, const 
     addHeading(name);
     auto *group = new QButtonGroup(this);
     for (const Choice &choice : choices) {
-        auto *button = new QRadioButton(choice.text, this);
+        auto *button = new WritingButton<QRadioButton>(
+            choice.text, this, [this, key, value = choice.value](bool isOn) { return !isOn || store(value, key); });
         button->setAccessibleDescription(name);
         group->addButton(button, int(group->buttons().size()));
         m_column->addWidget(button);

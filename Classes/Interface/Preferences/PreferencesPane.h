@@ -15,7 +15,8 @@ class QSpinBox;
 class QVBoxLayout;
 
 // The settings of one subject in a column. Each control shows one preference, writes it as soon as it is changed, and
-// follows it when it is changed elsewhere. Where it cannot be written the control goes back to what holds. Main thread.
+// follows it when it is changed elsewhere. Where it cannot be written a button stays as it is, and a field goes back to
+// what holds. Main thread.
 class PreferencesPane : public QWidget
 {
     Q_OBJECT
@@ -55,7 +56,8 @@ protected:
 
 private:
     void setShown(const QString &key, std::function<void()> show);
-    void choose(const QVariant &value, const QString &key);
+    void choose(const QVariant &value, const QString &key); // what the control shows already
+    bool store(const QVariant &value, const QString &key);
     QLabel *addLabel(const QString &text, const QString &style);
 
     QVBoxLayout *m_column;

@@ -48,7 +48,7 @@ Qt::DropAction ProjectsSidebarViewController::validate(const QMimeData *mime, co
         return validateFileDrop(paths, place);
     }
     const bool isTarget = bool(SidebarTargetRules::content(place.target.get(), SidebarTargetRules::Place::Row));
-    return isOnto && isTarget && ImportDoor::carriesContent(mime) ? Qt::CopyAction : Qt::IgnoreAction;
+    return isOnto && isTarget && ImportDoor::dragCarriesContent(mime) ? Qt::CopyAction : Qt::IgnoreAction;
 }
 
 Qt::DropAction ProjectsSidebarViewController::validateFileDrop(const QStringList &paths,
@@ -107,7 +107,7 @@ bool ProjectsSidebarViewController::accept(const QMimeData *mime, const SidebarD
     if (const QStringList paths = ImportDoor::localPaths(mime); !paths.isEmpty()) {
         return acceptFiles(paths, place);
     }
-    ImportDoor::importPasteboard(mime, place.target.get(), indexOf(place));
+    ImportDoor::importDrop(mime, place.target.get(), indexOf(place));
     return true;
 }
 

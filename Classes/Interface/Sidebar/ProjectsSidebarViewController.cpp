@@ -286,15 +286,35 @@ void ProjectsSidebarViewController::addSmartFolder(const QString &searchText, co
     editTitle(m_commands.addSmartFolder(searchText, SidebarCommands::nameOfSearch(typed), beside, order));
 }
 
+void ProjectsSidebarViewController::openAround(const SidebarCommands::Item &item)
+{
+    for (auto above = item->father(); above; above = above->father()) {
+        tree()->setExpanded(tree()->tree()->indexOf(above->objectID()), true);
+    }
+}
+
+// Not while a name is typed: the editor would close.
+void ProjectsSidebarViewController::selectReturned(const QList<ZQObjectID> &items)
+{
+    if (isEditing()) {
+        return;
+    }
+    reload();
+    selectItems(items); // turns to their side
+    for (const ZQObjectID &id : items) {
+        if (const auto item = m_window.sidebarItem(id)) {
+            openAround(item);
+        }
+    }
+}
+
 void ProjectsSidebarViewController::editTitle(const SidebarCommands::Item &item)
 {
     if (!item) {
         return;
     }
     reload();
-    for (auto above = item->father(); above; above = above->father()) {
-        tree()->setExpanded(tree()->tree()->indexOf(above->objectID()), true);
-    }
+    openAround(item);
     selectItems({item->objectID()});
     tree()->setFocus();
     tree()->edit(tree()->tree()->indexOf(item->objectID()));

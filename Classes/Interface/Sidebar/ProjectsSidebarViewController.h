@@ -18,8 +18,9 @@ class ProjectsSidebarViewController : public QWidget
 public:
     explicit ProjectsSidebarViewController(WindowContext &window, QWidget *parent = nullptr);
 
-    QList<ZQObjectID> selectedItems() const;          // of the one side where something is
-    void selectItems(const QList<ZQObjectID> &items); // turns to their side
+    QList<ZQObjectID> selectedItems() const;             // of the one side where something is
+    void selectItems(const QList<ZQObjectID> &items);    // turns to their side
+    void selectReturned(const QList<ZQObjectID> &items); // rows that are there again, with the folders around them open
     void reload();
     bool isEditing() const { return tree()->isEditing(); }
     void reloadCounts();
@@ -65,6 +66,7 @@ private:
     SidebarCommands::Items selectedObjects() const; // of the side shown
     static SidebarCommands::Items selectedObjects(const SidebarTreeView *view);
     void add(SidebarCommands::NewItem kind);
+    void openAround(const SidebarCommands::Item &item);
     void editTitle(const SidebarCommands::Item &item);
     void endEditing(const QModelIndex &index, const QString &title);
     void selectNeighbourAfterDeletion(const ZQObjectID &neighbour);

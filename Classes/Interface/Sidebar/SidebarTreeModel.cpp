@@ -21,6 +21,12 @@ struct SidebarTreeModel::Node
     std::vector<std::unique_ptr<Node>> children;
 };
 
+struct SidebarTreeModel::Rows
+{
+    QHash<ZQObjectID, QList<ZQRef<ZQSidebarBaseItem>>> below; // in order; of none, those that stand below nothing
+    QSet<ZQObjectID> fathers;                                 // those of them that have rows below them
+};
+
 SidebarTreeModel::SidebarTreeModel(WindowContext &window, Side side, QObject *parent)
     : QAbstractItemModel(parent), m_window(window), m_side(side), m_root(std::make_unique<Node>()),
       m_countsTicket(window.fetcher, ContentFetcher::Priority::Counts)
@@ -55,10 +61,9 @@ ZQFetchRequest SidebarTreeModel::requestBelow(const Node &node) const
     return request;
 }
 
-// The rows right below, and which of them have rows below them: two questions, however many there are.
-bool SidebarTreeModel::read(Node &node, Nodes &nodes, ZQError *error) const
+// Two questions, however many rows there are.
+bool SidebarTreeModel::addRows(ZQFetchRequest request, Rows &rows, ZQError *error) const
 {
-    ZQFetchRequest request = requestBelow(node);
     const auto items = zqFetch<ZQSidebarBaseItem>(m_window.context, request, error);
     request.predicate = ZQPredicate::andPredicate(
         {request.predicate, ZQPredicate::predicateWithFormat(QStringLiteral("ANY childs.active == YES"))});
@@ -68,9 +73,18 @@ bool SidebarTreeModel::read(Node &node, Nodes &nodes, ZQError *error) const
     if (!items || !fathers) {
         return false;
     }
-    const QSet<ZQObjectID> withChildren(fathers->begin(), fathers->end());
     for (const auto &item : *items) {
-        const bool hasChildren = withChildren.contains(item->objectID());
+        const auto father = item->father();
+        rows.below[father ? father->objectID() : ZQObjectID()].append(item);
+    }
+    rows.fathers.unite(QSet<ZQObjectID>(fathers->begin(), fathers->end()));
+    return true;
+}
+
+void SidebarTreeModel::fill(Node &node, const Rows &rows, Nodes &nodes) const
+{
+    for (const auto &item : rows.below.value(node.item ? node.item->objectID() : ZQObjectID())) {
+        const bool hasChildren = rows.fathers.contains(item->objectID());
         // What is nobody's child and no section has lost its place.
         if (node.item || isSectionShown(*item, hasChildren)) {
             const auto row = int(node.children.size());
@@ -80,17 +94,65 @@ bool SidebarTreeModel::read(Node &node, Nodes &nodes, ZQError *error) const
     }
     node.isRead = true;
     node.hasChildren = !node.children.empty();
+}
+
+bool SidebarTreeModel::read(Node &node, Nodes &nodes, ZQError *error) const
+{
+    Rows rows;
+    if (!addRows(requestBelow(node), rows, error)) {
+        return false;
+    }
+    fill(node, rows, nodes);
     return true;
 }
 
-// As far down as the tree was read before.
-bool SidebarTreeModel::readAgain(Node &node, Nodes &nodes, ZQError *error) const
+// As far down as the tree was read before. What stands in one order is read in one go, whatever it stands below.
+bool SidebarTreeModel::readAgain(Node &root, Nodes &nodes, ZQError *error) const
 {
-    return read(node, nodes, error) &&
-           std::all_of(node.children.begin(), node.children.end(), [&](const std::unique_ptr<Node> &child) {
-               const Node *before = m_nodes.value(child->item->objectID());
-               return child->isRead || !before || !before->isRead || readAgain(*child, nodes, error);
-           });
+    constexpr qsizetype batchSize = 500;
+    if (!read(root, nodes, error)) {
+        return false;
+    }
+    QSet<ZQObjectID> open;
+    QVariantList inOrder;
+    for (const Node *before : m_nodes) {
+        if (before->isRead && before->hasChildren) {
+            open.insert(before->item->objectID());
+            if (!isSortedByTitle(*before->item)) {
+                inOrder.append(QVariant::fromValue(before->item->objectID()));
+            }
+        }
+    }
+    Rows rows;
+    for (qsizetype first = 0; first < inOrder.size(); first += batchSize) {
+        const ZQFetchRequest request{
+            .entityName = ZQSidebarBaseItem::entityName(),
+            .predicate = ZQPredicate::predicateWithFormat(QStringLiteral("father IN %@ && active == YES"),
+                                                          {QVariant(inOrder.mid(first, batchSize))}),
+            .sortDescriptors = {{QStringLiteral("order"), true, ZQSortDescriptor::Comparison::Standard}}};
+        if (!addRows(request, rows, error)) {
+            return false;
+        }
+    }
+    return fillAgain(root, open, rows, nodes, error);
+}
+
+bool SidebarTreeModel::fillAgain(Node &node, const QSet<ZQObjectID> &open, const Rows &rows, Nodes &nodes,
+                                 ZQError *error) const
+{
+    return std::all_of(node.children.begin(), node.children.end(), [&](const std::unique_ptr<Node> &child) {
+        if (child->isRead || !open.contains(child->item->objectID())) {
+            return true;
+        }
+        if (isSortedByTitle(*child->item)) {
+            if (!read(*child, nodes, error)) {
+                return false;
+            }
+        } else {
+            fill(*child, rows, nodes);
+        }
+        return fillAgain(*child, open, rows, nodes, error);
+    });
 }
 
 void SidebarTreeModel::reload()

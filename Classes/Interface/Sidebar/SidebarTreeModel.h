@@ -58,9 +58,13 @@ Q_SIGNALS:
 private:
     struct Node;
     using Nodes = QHash<ZQObjectID, Node *>;
+    struct Rows;
     ZQFetchRequest requestBelow(const Node &node) const;
+    bool addRows(ZQFetchRequest request, Rows &rows, ZQError *error) const;
+    void fill(Node &node, const Rows &rows, Nodes &nodes) const;
     bool read(Node &node, Nodes &nodes, ZQError *error) const;
-    bool readAgain(Node &node, Nodes &nodes, ZQError *error) const;
+    bool readAgain(Node &root, Nodes &nodes, ZQError *error) const;
+    bool fillAgain(Node &node, const QSet<ZQObjectID> &open, const Rows &rows, Nodes &nodes, ZQError *error) const;
     Node *node(const QModelIndex &index) const;
     Node *opened(Node *node) const;
     Node *nodeOf(const ZQObjectID &item) const;

@@ -1,6 +1,5 @@
 #include "Classes/Interface/Window/ImportActions.h"
 
-#include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/TextFields.h"
@@ -83,7 +82,7 @@ void ImportActions::link(const QList<ZQObjectID> &items)
     if (areAllThere) {
         tell(zqFormat(zqLocalized("“%@” has them already"), {single->title()}));
     } else {
-        LibraryCommands(m_window).addItems(items, single->objectID(), ZQSidebarBaseItem::appendIndex);
+        m_browser.content().tab().addItems(items, {single->objectID()}, {}, true);
     }
     m_browser.selectLibraryItems(items);
 }

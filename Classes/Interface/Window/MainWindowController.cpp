@@ -3,7 +3,6 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/FileTagReader.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
-#include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -104,7 +103,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     auto *assistant = new SearchAssistant(*m_window, m_toolbar->search(), m_mainWindow.get());
     connect(m_browser, &BrowserViewController::searchRequested, assistant, &SearchAssistant::setText);
     connect(m_browser, &BrowserViewController::searchPartRequested, assistant, &SearchAssistant::select);
-    connect(assistant, &SearchAssistant::typingChanged, m_browser, &BrowserViewController::setIsTyped);
+    connect(assistant, &SearchAssistant::typingChanged, m_browser, &BrowserViewController::setTypedAt);
     m_follower = new WindowFollower(*m_window, *m_sidebar, *m_browser, *m_info, m_mainWindow.get());
     m_arrived = new ArrivedItems(
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
@@ -112,7 +111,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     makeCommands();
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     readFileTags();
-    TextFields::yieldUndo(m_mainWindow.get());
+    TextFields::yieldKeys(m_mainWindow.get());
     restoreGeometry();
     m_tabs->restore();
     updateCommands();
@@ -279,7 +278,7 @@ QList<WindowCommand> MainWindowController::editCommands()
          .title = zqLocalized("Remove"),
          .keys = {Qt::Key_Delete},
          .run = [this] { deleteKey(); },
-         .isEnabled = [] { return !TextFields::haveFocus(); },
+         .isEnabled = [this] { return !TextFields::haveFocus() && (isSidebarFocused() || m_browser->canRemove()); },
          .yieldsToFields = true},
     };
 }
@@ -359,8 +358,7 @@ void MainWindowController::showPreferences()
 
 void MainWindowController::rename()
 {
-    QWidget *focus = QApplication::focusWidget();
-    if (focus && m_sidebar->isAncestorOf(focus)) {
+    if (isSidebarFocused()) {
         m_sidebar->renameSidebarItem();
         return;
     }
@@ -373,17 +371,21 @@ void MainWindowController::rename()
     }
 }
 
-bool MainWindowController::meansSidebarRow() const
+bool MainWindowController::isSidebarFocused() const
 {
     const QWidget *focus = QApplication::focusWidget();
-    return focus && m_sidebar->isAncestorOf(focus) && m_sidebar->canDuplicate();
+    return focus && m_sidebar->isAncestorOf(focus);
+}
+
+bool MainWindowController::meansSidebarRow() const
+{
+    return isSidebarFocused() && m_sidebar->canDuplicate();
 }
 
 // Del means what has the focus: a row of the sidebar, or the items in this project.
 void MainWindowController::deleteKey()
 {
-    QWidget *focus = QApplication::focusWidget();
-    if (focus && m_sidebar->isAncestorOf(focus)) {
+    if (isSidebarFocused()) {
         m_sidebar->deleteItem();
     } else {
         m_browser->removeFromProject();
@@ -410,7 +412,7 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         menu.addAction(m_commands->ratingMenu());
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
-        if (SidebarTargetRules::canRemoveItems(single.get())) {
+        if (single && m_browser->canRemove()) {
             const QString title =
                 zqFormat(zqLocalized("Remove from %@"), {zqShortened(single->title(), longestInMenu)});
             menu.addAction(zqTitleWithKeys(title, command(CommandID::Remove)->shortcut()), m_browser,

@@ -79,6 +79,7 @@ private:
     void toggle(QWidget *pane);
     void toggleTheme();
     void rename();
+    bool isSidebarFocused() const;
     bool meansSidebarRow() const; // Ctrl+D does
     void deleteKey();
     void showItemMenu(const QPoint &globalPoint);

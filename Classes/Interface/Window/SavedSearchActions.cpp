@@ -15,24 +15,19 @@
 
 namespace {
 
+constexpr std::chrono::milliseconds timeToRead{8000};
+
 bool searches(const QString &text)
 {
     return !SearchExpression::read(text, {}).predicateString.isEmpty();
-}
-
-// As a part of a text that says more.
-QString asPart(const QString &text)
-{
-    const SearchExpression expression = SearchExpression::read(text, {});
-    const QString closed = text.trimmed() + expression.closing;
-    return expression.needsBrackets ? u'(' + closed + u')' : closed;
 }
 
 } // namespace
 
 SavedSearchActions::SavedSearchActions(WindowContext &window, BrowserViewController &browser,
                                        ProjectsSidebarViewController &sidebar, QLineEdit &search, QObject *parent)
-    : QObject(parent), m_commands(window), m_browser(browser), m_sidebar(sidebar), m_search(search)
+    : QObject(parent), m_window(window), m_commands(window), m_browser(browser), m_sidebar(sidebar), m_search(search),
+      m_ticket(window.fetcher, ContentFetcher::Priority::Counts)
 {
     SavedSearchButtons &buttons = browser.savedSearchButtons();
     connect(&buttons, &SavedSearchButtons::saveRequested, this, &SavedSearchActions::saveSearch);
@@ -68,7 +63,9 @@ bool SavedSearchActions::canSave() const
 {
     const QString text = m_browser.content().filter();
     const bool isUnchanged = isEditing() && text == savedText().trimmed();
-    return !isUnchanged && searches(text) && wholeText().size() <= SearchManager::longestText;
+    // Only the text of a smart folder always stays.
+    const auto fits = [this] { return !shownSmartFolder() || wholeText().size() <= SearchManager::longestText; };
+    return !isUnchanged && searches(text) && fits();
 }
 
 bool SavedSearchActions::canUpdate() const
@@ -76,30 +73,36 @@ bool SavedSearchActions::canUpdate() const
     return canSave() && shownSmartFolder() && savedText().size() <= SearchManager::longestText;
 }
 
-// Nothing where everything is searched, and for a title that means something else in a search.
-QString SavedSearchActions::placePart() const
-{
-    const auto item = m_browser.content().singleItem();
-    const bool isTag = item && item->isTag() && item->kind() == 0; // of a person
-    const bool isPlace = item && (isTag || item->isProject()) && !item->isSpecial() && !item->isSmartFolder();
-    if (!isPlace || !SearchManager::isPlain(item->title())) {
-        return {};
-    }
-    const SearchField field = isTag ? SearchField::Tag : SearchField::Project;
-    return SearchToken::ofField(field).name() + u' ' + SearchManager::quoted(item->title());
-}
-
 QString SavedSearchActions::wholeText() const
 {
-    const QString text = m_browser.content().filter();
-    const QString saved = savedText().trimmed();
-    if (const QString place = placePart(); !place.isEmpty()) {
-        return asPart(text) + u' ' + place;
+    const TabState &tab = m_browser.content().tab();
+    return SavedSearchText::forQuery(
+        {.sidebarItems = tab.sidebarSelectedItems(), .filter = tab.filter(), .editsSearch = tab.editsSearch()},
+        m_window.context);
+}
+
+SavedSearchText::Shown SavedSearchActions::shown() const
+{
+    TabState &tab = m_browser.content().tab();
+    SavedSearchText::Shown shown{.query = tab.contentQuery()};
+    if (const Content *content = tab.content()) {
+        shown.items = content->rows.related;
     }
-    if (isEditing() || saved.isEmpty() || saved == text) {
-        return text;
-    }
-    return asPart(saved) + u' ' + asPart(text);
+    return shown;
+}
+
+void SavedSearchActions::compare(const SavedSearchText::Shown &shown, const QString &text)
+{
+    m_ticket.run([this, shown, text, index = m_ticket.index()](ZQManagedObjectContext &context,
+                                                               const auto &isWanted) -> ContentFetcher::Ticket::Answer {
+        const auto result = SavedSearchText::compare(shown, text, context, index.get(), isWanted);
+        if (!result || result->isSame()) {
+            return {};
+        }
+        return [this, sentence = result->sentence()] {
+            m_window.user.showNotificationWithText(sentence, NotificationPlace::Browser, timeToRead);
+        };
+    });
 }
 
 void SavedSearchActions::update()
@@ -141,9 +144,11 @@ void SavedSearchActions::saveSearch()
     const QString typed = m_browser.content().filter();
     const TabState &tab = m_browser.content().tab();
     const SidebarCommands::Order order{tab.sortKeysValue(), tab.sortDirectionValue()};
+    const SavedSearchText::Shown before = shown();
     endEditing();
     Q_EMIT sidebarRequested();
     m_sidebar.addSmartFolder(text, typed, order);
+    compare(before, text);
 }
 
 void SavedSearchActions::editSearch()
@@ -162,8 +167,11 @@ void SavedSearchActions::updateSearch()
     if (!canUpdate()) {
         return;
     }
-    m_commands.setSearchText(shownSmartFolder(), wholeText());
+    const QString text = wholeText();
+    const SavedSearchText::Shown before = shown();
+    m_commands.setSearchText(shownSmartFolder(), text);
     endEditing();
+    compare(before, text);
 }
 
 QList<WindowCommand> SavedSearchActions::commands()

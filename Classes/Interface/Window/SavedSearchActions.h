@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Browsing/Content/SavedSearchText.h"
 #include "Classes/Editing/SidebarCommands.h"
 #include "Classes/Interface/WindowCommand.h"
 #include "Classes/Interface/WindowContext.h"
@@ -10,8 +12,9 @@ class BrowserViewController;
 class ProjectsSidebarViewController;
 class QLineEdit;
 
-// Smart folders as the window makes and changes them: a search is saved as what is shown, so that the smart folder
-// finds the same again. Main thread.
+// Smart folders as the window makes and changes them: what is saved is the search with the place where it was typed, as
+// far as a text can say that place, and where the smart folder finds something else than was shown, the person is told
+// right afterwards. Main thread.
 class SavedSearchActions : public QObject
 {
     Q_OBJECT
@@ -36,10 +39,13 @@ private:
     QString savedText() const;                         // of it
     bool isEditing() const;                            // its text
     bool canSave() const;
-    bool canUpdate() const;    // not of a text that the field had to cut
-    QString placePart() const; // a text that finds what is in the project or tag that is shown
-    QString wholeText() const; // a text that finds what is shown, in the whole library
+    bool canUpdate() const; // not of a text that the field had to cut
+    QString wholeText() const;
+    SavedSearchText::Shown shown() const;
+    // Says so, once it is counted, where the text does not find what was shown.
+    void compare(const SavedSearchText::Shown &shown, const QString &text);
 
+    WindowContext &m_window;
     SidebarCommands m_commands;
     BrowserViewController &m_browser;
     ProjectsSidebarViewController &m_sidebar;
@@ -48,4 +54,5 @@ private:
     bool m_couldSave = false;
     bool m_couldUpdate = false;
     bool m_couldEdit = false;
+    ContentFetcher::Ticket m_ticket;
 };

@@ -90,6 +90,9 @@ void SearchAssistant::cursorMoved()
     if (!m_list->isHidden() && !m_isReplacing) {
         offer();
     }
+    if (m_field.hasFocus()) {
+        Q_EMIT typingChanged(m_field.cursorPosition());
+    }
     showHint();
 }
 
@@ -238,10 +241,10 @@ bool SearchAssistant::eventFilter(QObject *object, QEvent *event)
         return pressed(*static_cast<QKeyEvent *>(event));
     case QEvent::FocusIn:
         showHint();
-        Q_EMIT typingChanged(true);
+        Q_EMIT typingChanged(m_field.cursorPosition());
         break;
     case QEvent::FocusOut:
-        Q_EMIT typingChanged(false);
+        Q_EMIT typingChanged(-1);
         m_list->hide();
         m_hint->hide();
         break;

@@ -25,7 +25,7 @@ public:
     void select(qsizetype position, qsizetype length);
 
 Q_SIGNALS:
-    void typingChanged(bool isTyping); // the field got the focus, or lost it
+    void typingChanged(qsizetype cursor); // where the field is typed into; -1: it has no focus
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;

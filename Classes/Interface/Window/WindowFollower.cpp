@@ -4,6 +4,8 @@
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <chrono>
 
@@ -56,6 +58,7 @@ WindowFollower::WindowFollower(WindowContext &window, ProjectsSidebarViewControl
     });
     m_contextToken =
         window.context.observeObjectsDidChange([this](const ZQContextDidSave &change) { contextDidChange(change); });
+    window.whenStepBrings = [this] { return whenStepBrings(); };
     auto &center = ZQNotificationCenter::defaultCenter();
     for (const QString &name :
          {QStringLiteral("ImportManagerDidFinishImportOperation"), ZQLibraryBaseItem::didDeleteNotification}) {
@@ -66,6 +69,17 @@ WindowFollower::WindowFollower(WindowContext &window, ProjectsSidebarViewControl
             m_browser.redrawVisible();
             m_infoTimer.start();
         }));
+}
+
+EditContext::Brought WindowFollower::whenStepBrings()
+{
+    return [self = QPointer(this), select = m_browser.selectionOfWhatComes()](const QList<ZQObjectID> &ids) {
+        if (self && touchesSidebar(ids)) {
+            self->m_sidebar.selectReturned(ids);
+        } else if (self && !ids.isEmpty()) {
+            select(ids);
+        }
+    };
 }
 
 void WindowFollower::refreshContent()

@@ -11,8 +11,8 @@ class InfoPanelViewController;
 class ProjectsSidebarViewController;
 
 // Has what the window shows follow the store, and the info panel the selection: several changes in a row at once, and
-// those of an edit of many items now and then, since with few cores what the window reads is taken from the edit. Main
-// thread.
+// those of an edit of many items now and then, since with few cores what the window reads is taken from the edit. What
+// a step brings back is selected. Main thread.
 class WindowFollower : public QObject
 {
     Q_OBJECT
@@ -29,6 +29,7 @@ Q_SIGNALS:
 
 private:
     void contextDidChange(const ZQContextDidSave &change);
+    EditContext::Brought whenStepBrings(); // selects that
 
     WindowContext &m_window;
     ProjectsSidebarViewController &m_sidebar;

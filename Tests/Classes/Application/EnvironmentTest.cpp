@@ -18,6 +18,8 @@
 #include <QCoreApplication>
 #include <QThread>
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <thread>
 
@@ -172,6 +174,21 @@ TEST_F(Environment, WithoutALibraryThereAreNoDirectories)
     EXPECT_EQ(error.code, LibraryLock::NotWritable);
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("No such file or directory")));
     EXPECT_FALSE(LibraryLock::isInUse(inWorld(QStringLiteral("nowhere"))));
+}
+
+TEST_F(Environment, WhatStandsInThePlaceOfTheLockIsNamedAndNoLock)
+{
+    const QString bundle = inWorld(QStringLiteral("Mine.ztlibrary"));
+    const QString lock = bundle + QStringLiteral("/lock");
+    ASSERT_TRUE(QDir().mkpath(bundle));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(lock).constData(), 0600), 0);
+    ZQError error;
+    EXPECT_EQ(LibraryLock::lockBundle(bundle, &error), nullptr);
+    EXPECT_EQ(error.code, LibraryLock::NotWritable);
+    EXPECT_TRUE(error.localizedDescription().contains(u'“' + lock + QStringLiteral("” is no file")))
+        << qPrintable(error.localizedDescription());
+    ASSERT_TRUE(QFile::remove(lock));
+    EXPECT_NE(LibraryLock::lockBundle(bundle, &error), nullptr);
 }
 
 TEST_F(Environment, DirectoriesBesideTheLibraryAreMadeWhenTheyAreAskedFor)

@@ -9,6 +9,8 @@
 
 #include <QThread>
 
+#include <sys/stat.h>
+
 #include <atomic>
 
 namespace {
@@ -316,6 +318,17 @@ TEST_F(LibraryMoves, ARenamingThatDidNotHappenMovesNothing)
     ASSERT_TRUE(
         LibraryLocation::noteMove({inWorld(QStringLiteral("Gone.ztlibrary")), inWorld(QStringLiteral("Empty")), {}}));
     EXPECT_EQ(openedNext(), source) << "there is no library at the other end";
+}
+
+TEST_F(LibraryMoves, TheLibraryOfASandboxComesAlongThoughItsPreferencesAreAPipe)
+{
+    const QString container = inWorld(QStringLiteral("home/.var/app/org.zelto.Zelto"));
+    madeLibrary(container + QStringLiteral("/data/Zelto.ztlibrary"), 2);
+    const QString preferences = container + QStringLiteral("/Library/Preferences/org.zelto.Zelto.plist");
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(preferences).path()));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(preferences).constData(), 0600), 0);
+    application()->applicationWillFinishLaunching();
+    EXPECT_TRUE(isWhole(defaultBundle(), 2));
 }
 
 TEST_F(LibraryMoves, TheLibraryOfASandboxComesAlongOnceWithItsPreferences)

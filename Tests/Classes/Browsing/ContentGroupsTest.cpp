@@ -1,6 +1,7 @@
 // What a tab shows, against the plain way over objects in memory.
 
 #include "Classes/Browsing/Content/ContentBuilder.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarRecent.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
@@ -334,6 +335,30 @@ TEST_F(ContentGroupsTest, EverySelectionStyleAndOrderIsAsThePlainWayHasIt)
         longest = std::max(longest, plain.size());
     }
     EXPECT_GT(longest, 300) << "there was something to show";
+}
+
+TEST_F(ContentGroupsTest, ExtensionsAreOrderedAsWordsWhoeverAnswers)
+{
+    int number = 0;
+    const Item project = addProject(QStringLiteral("Extensions"));
+    for (const char *extension : {"jpg", "3fr", "JP2", "jpeg", "10x", "JPG", "", "jp2"}) {
+        project->addItem(addImage(number++, QLatin1StringView(extension), {1, 1}, 0).get());
+    }
+    library.context().save();
+    LibraryIndex index(library.coordinator());
+    index.follow(library.context());
+    ASSERT_TRUE(index.waitUntilCurrent());
+    for (LibraryIndex *with : {static_cast<LibraryIndex *>(nullptr), &index}) {
+        const ContentQuery query{
+            .sidebarItems = {project->objectID()}, .filter = {}, .displayStyle = BrowserDisplayStyle::ByExtension};
+        const auto content = ContentBuilder(query, library.context(), with).content([] { return true; });
+        ASSERT_TRUE(content);
+        QStringList titles;
+        for (const ContentGroup &group : content->groups) {
+            titles.append(group.title);
+        }
+        EXPECT_EQ(titles.join(u' ').toStdString(), "None 10x 3fr JP2 jp2 jpeg JPG jpg") << (with ? "index" : "store");
+    }
 }
 
 TEST_F(ContentGroupsTest, SizeClassesMeetAtTheirBounds)

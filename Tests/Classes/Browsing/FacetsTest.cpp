@@ -249,6 +249,8 @@ TEST_F(FacetsTest, AnExtensionThatFindsAllOfAKindIsThatKind)
     EXPECT_EQ(chosen("logo OR #ext PNG", "PNG"), "+#ext PNG");
     EXPECT_EQ(chosen("#kind png", "PNG"), "+#kind png");
     EXPECT_EQ(chosen("-#e png", "PNG"), "") << "left out is not chosen";
+    EXPECT_EQ(chosen("#e png #kind PNG", "PNG"), "+#e png #kind PNG") << "twice the same is one value";
+    EXPECT_EQ(chosen("(#e svg OR logo) #kind svg", "SVG"), "+#e svg #kind svg") << "the only one of its kind here";
     EXPECT_EQ(chosen("#e jpg", "JPEG"), "+#e jpg|#kind \"jpeg image\"") << "jpeg is there too";
     EXPECT_EQ(FacetText(QStringLiteral("#e png")).toggled(FacetKind::Kind, QStringLiteral("#e png")), QString());
 }
@@ -343,6 +345,12 @@ TEST(FacetTextTest, AValueTakesThePlaceOfAnotherWhereThatIsClear)
         {FacetKind::Kind, "", "#kind png", "#kind png"},
         {FacetKind::Kind, "logo #kind svg", "#kind png", "logo #kind png"},
         {FacetKind::Kind, "logo #kind png", "#kind png", "logo"},
+        {FacetKind::Kind, "#e PNG logo", "#kind png", "logo"}, // all of that kind, and no other
+        {FacetKind::Kind, "#e png OR logo", "#kind png", "logo"},
+        {FacetKind::Kind, "#e png logo #kind png", "#kind png", "logo"},
+        {FacetKind::Kind, "#e svg logo #kind svg", "#e svg #kind svg", "logo"},
+        {FacetKind::Kind, "#e jpg", "#kind \"jpeg image\"", "#kind \"jpeg image\""},
+        {FacetKind::Kind, "#e pn?", "#kind png", "#kind png"},
         {FacetKind::Kind, "#e svg logo", "#kind png", "logo #kind png"},
         {FacetKind::Kind, "-#kind svg", "#kind png", "-#kind svg #kind png"},
         {FacetKind::Kind, "#kind svg OR a", "#kind png", "(#kind svg OR a) #kind png"},

@@ -1,6 +1,8 @@
 #include "Classes/Browsing/Tabs/OpenTabsFile.h"
 
 #include "Classes/Browsing/Index/ListOrder.h"
+#include "Classes/Browsing/Search/SearchManager.h"
+#include "Classes/Browsing/Tabs/TabStateArchive.h"
 #include "Kit/Files/ZQKeyedArchive.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
@@ -9,6 +11,8 @@
 #include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
+
+#include <sys/stat.h>
 
 #include <random>
 
@@ -26,7 +30,6 @@ protected:
     {
         auto full = std::make_shared<TabState>(editing, QList<ZQObjectID>{a->objectID(), b->objectID()});
         full->setSearchString(QStringLiteral("wörds"));
-        full->setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("title CONTAINS[cd] \"x\"")));
         full->setSortKeys(ListOrder::byTags);
         full->setSortDirection(false);
         full->setZoom(0.445);
@@ -67,6 +70,10 @@ protected:
     {
         return *ZQKeyedArchive::toData(
             QVariantMap{{QStringLiteral("tabs"), tabs}, {QStringLiteral("indexOfSelectedTab"), index}});
+    }
+    static ZQPredicate predicateOf(const char *text)
+    {
+        return SearchManager::predicateForSearchString(QString::fromUtf8(text), {.rows = ZQListRows::LibraryItems});
     }
     static QByteArray tabWith(const char *key, const QVariant &value, const char *className = "TabState")
     {
@@ -109,6 +116,26 @@ TEST_F(OpenTabsFileTest, TextsOfSmartFoldersThatAreBeingEditedAreKept)
     EXPECT_EQ(tab->searchString(), QStringLiteral("trefoil"));
 }
 
+TEST_F(OpenTabsFileTest, WhatATextAsksForIsMadeOfTheTextWhateverTheFileSays)
+{
+    const QString old = QStringLiteral("title == \"of another day\"");
+    const auto restored = [&](const QString &text) {
+        QVariantMap fields{{QStringLiteral("filterPredicate"), old}};
+        if (!text.isEmpty()) {
+            fields.insert(QStringLiteral("searchString"), text);
+        }
+        EXPECT_TRUE(reads(archive(QVariantList{QVariant::fromValue(Object{QStringLiteral("TabState"), fields})})));
+        return OpenTabsFile(path).read(editing)->tabs.first();
+    };
+    EXPECT_TRUE(restored({})->filterPredicate() == ZQPredicate::predicateWithFormat(old));
+    const auto tab = restored(QStringLiteral("wörds"));
+    EXPECT_TRUE(tab->filterPredicate() == predicateOf("wörds"));
+    ASSERT_TRUE(OpenTabsFile(path).write({{tab}, 0}, editing));
+    EXPECT_FALSE(ScratchLibrary::readFile(path).contains("another day"));
+    tab->setSearchString({});
+    EXPECT_TRUE(tab->filterPredicate().isNull()) << "nothing is left of it";
+}
+
 TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
 {
     const QByteArray data = written();
@@ -127,7 +154,8 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
         "filterPredicate "
         "infoPanelHeight infoPanelOpen scroll searchString selectionIndexes sidebarSelectedItemIDStrings "
         "sortDirection sortKeys tabName unsavedSearchItemIDStrings unsavedSearchStrings zoom");
-    EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), QStringLiteral("title CONTAINS[cd] \"x\""));
+    const QString asked = predicateOf("wörds").predicateFormat();
+    EXPECT_EQ(fields(0).value(QStringLiteral("filterPredicate")), asked);
     EXPECT_EQ(fields(0).value(QStringLiteral("tabName")), QStringLiteral("2 items selected"));
     for (const char *key : {"zoom", "sortKeys", "filterPredicate", "searchString", "selectionIndexes", "scroll"}) {
         EXPECT_FALSE(fields(1).value(QLatin1StringView(key)).isValid()) << key;
@@ -140,7 +168,7 @@ TEST_F(OpenTabsFileTest, EveryPropertyComesBackAndWhatIsUnsetStaysUnset)
     const TabState &full = *back->tabs[0];
     EXPECT_EQ(full.sidebarSelectedItems(), (QList<ZQObjectID>{a->objectID(), b->objectID()}));
     EXPECT_EQ(full.searchString(), QStringLiteral("wörds"));
-    EXPECT_EQ(full.filterPredicate().predicateFormat(), QStringLiteral("title CONTAINS[cd] \"x\""));
+    EXPECT_EQ(full.filterPredicate().predicateFormat(), asked);
     EXPECT_EQ(full.sortKeys(), ListOrder::byTags);
     EXPECT_EQ(full.sortDirection(), false);
     EXPECT_EQ(full.zoom(), 0.445);
@@ -361,8 +389,6 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
         tabWith("browserShowsList", 2),
         tabWith("browserShowsList", QStringLiteral("1")),
         tabWith("zoom", std::numeric_limits<double>::quiet_NaN()),
-        tabWith("sortKeys", 99),
-        tabWith("sortKeys", 105),
         tabWith("sortKeys", -1),
         tabWith("sortKeys", 1.5),
         tabWith("sortDirection", 2),
@@ -387,6 +413,12 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
     }
     EXPECT_TRUE(reads(tabWith("filterPredicate", QStringLiteral("no ( predicate")))) << "searched anew from the text";
     EXPECT_TRUE(reads(tabWith("sortDirection", true)));
+    for (const int other : {8, 99, 104, 105}) {
+        library.writeFile(QStringLiteral("opened_tabs.plist"), tabWith("sortKeys", other));
+        const auto tabs = OpenTabsFile(path).read(editing);
+        ASSERT_TRUE(tabs) << "an order of another version: " << other;
+        EXPECT_EQ(tabs->tabs.first()->sortKeys(), std::nullopt) << other;
+    }
     EXPECT_TRUE(reads(tabWith("tabName", QString(70000, u'x')))) << "a title may be as long as it likes";
 
     for (int number = 1; number <= OpenTabsFile::mostSetAside + 2; ++number) {
@@ -402,6 +434,36 @@ TEST_F(OpenTabsFileTest, HostileFilesAreSetAsideAndNeverOverEachOther)
     QDir().mkpath(path);
     EXPECT_FALSE(OpenTabsFile(path).read(editing)) << "a folder";
     EXPECT_EQ(aside().size(), 1);
+    removeAside();
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_FALSE(OpenTabsFile(path).read(editing));
+    EXPECT_EQ(
+        QDir(library.path(QStringLiteral("."))).entryList({QStringLiteral("opened_tabs (*")}, QDir::System).size(), 1);
+}
+
+TEST_F(OpenTabsFileTest, WhatATextAsksForIsMadeOnceForAllWritings)
+{
+    const auto smart = zqCast<ZQSidebarSmartFolder>(add<ZQSidebarSmartFolder>(QStringLiteral("S"), a->father()));
+    TabState tab(editing, {a->objectID()});
+    const auto kept = [&] {
+        return TabStateArchive::archived(tab, editing).fields.value(QStringLiteral("filterPredicate")).toString();
+    };
+    EXPECT_TRUE(kept().isEmpty());
+    tab.setUnsavedSearch(smart->objectID(), QStringLiteral("left"));
+    tab.goToSidebarItems({smart->objectID()}); // which brings a text
+    EXPECT_TRUE(kept().contains(QStringLiteral("\"left\""))) << qPrintable(kept());
+    tab.setSearchString(QStringLiteral("one"));
+    const QString first = kept();
+    EXPECT_TRUE(first.contains(QStringLiteral("\"one\"")) && !first.contains(QStringLiteral("left")));
+    tab.setZoom(0.25);
+    tab.setSearchString(QStringLiteral(" one "));
+    EXPECT_EQ(static_cast<const void *>(kept().constData()), static_cast<const void *>(first.constData()))
+        << "the very same text";
+    tab.setFilterPredicate(ZQPredicate::predicateWithFormat(QStringLiteral("rating == 3")));
+    EXPECT_EQ(kept(), QStringLiteral("rating == 3"));
+    tab.setSearchString(QStringLiteral("two"));
+    tab.setSearchString(QStringLiteral("one"));
+    EXPECT_EQ(kept(), first);
 }
 
 TEST_F(OpenTabsFileTest, NothingIsWrittenAnewThatIsThereAlready)

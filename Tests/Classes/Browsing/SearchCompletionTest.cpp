@@ -50,6 +50,7 @@ TEST(SearchCompletionTest, OptionsFitWhatIsTypedBeforeTheCursor)
     EXPECT_EQ(options("|#ti"), "");
     EXPECT_EQ(options("#live |"), "");
     EXPECT_EQ(options("#color b|"), "black blue");
+    EXPECT_EQ(options("#color = b|"), "black blue");
     EXPECT_EQ(options("#size |"), "none icon small medium large vector");
     EXPECT_EQ(options("#size vec|"), "vector");
     EXPECT_EQ(options("#d=|"), "today yesterday 7d 2026-03 2026");

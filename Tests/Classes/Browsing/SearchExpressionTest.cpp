@@ -130,6 +130,14 @@ TEST(SearchExpressionTest, EachTokenHasItsClauseForMembershipsAndForItems)
         {"#title a\"b", "item.title contains[cd] \"ab\""},
         {"#title a\\b", "item.title contains[cd] \"a\\\\b\""},
         {"#title -a", "item.title contains[cd] \"-a\""},
+        {"#e = png", "item.extension LIKE[cd] \"png\""},
+        {"#e == png", "item.extension LIKE[cd] \"png\""},
+        {"#tag =\"a b\"", "ANY item.tags.title LIKE[cd] \"a b\""},
+        {"#color = blue", "item.mainColor == 1007"},
+        {"#h = 5", "item.pixelHeight == 5"},
+        {"#title :a", "item.title contains[cd] \":a\""},
+        {"#title =<a", "item.title contains[cd] \"=<a\""},
+        {"#title \"= a\"", "item.title contains[cd] \"= a\""},
         {"#title %1%@", "item.title contains[cd] \"%1%@\""},
     };
     for (const auto &[text, expected] : cases) {
@@ -171,6 +179,8 @@ TEST(SearchExpressionTest, WhatIsWrongIsNamedAndTheRestStillSearches)
         {"#tag", 0, 4, P::NoArgument, ""},
         {"#tag \"\"", 0, 7, P::NoArgument, ""},
         {"#tag OR a", 0, 4, P::NoArgument, "a"},
+        {"#e = ", 0, 4, P::NoArgument, ""},
+        {"#e = #live", 0, 4, P::NoArgument, "#live"},
         {"#w> #live", 0, 3, P::NoArgument, "#live"},
         {"(#w>) a", 1, 3, P::NoArgument, "a"},
         {"a AND", 2, 3, P::StrayOperator, "a"},
@@ -273,12 +283,46 @@ TEST(SearchExpressionTest, HostileTextsEndSoonAndInAConditionThatCanBeRead)
 
 TEST(SearchManagerTest, WhatIsTooLongToBeAskedFindsNothingRatherThanEverything)
 {
-    SearchContext context;
-    context.hashCounts = [] { return QMap<QString, qint64>{{QString(20'000'000, u'a'), 2}}; };
-    const auto predicate = SearchManager::predicateForSearchString(QStringLiteral("#duplicates"), context);
+    const auto predicate = SearchManager::predicateForSearchString(QString(5'000'000, u'a'), {});
     EXPECT_FALSE(predicate.isNull());
     EXPECT_FALSE(predicate.evaluateWithObject(QVariant(1)));
-    EXPECT_TRUE(SearchManager::predicateForSearchString(QStringLiteral("#foo"), context).isNull());
+    EXPECT_TRUE(SearchManager::predicateForSearchString(QStringLiteral("#foo"), {}).isNull());
+}
+
+TEST(SearchManagerTest, DuplicatesAreFoundHoweverManyThereAreAndAskedForOnce)
+{
+    constexpr int many = 450'000;
+    const auto digest = [](int number) { return QStringLiteral("%1").arg(number, 40, 16, QLatin1Char('0')); };
+    int asked = 0;
+    SearchContext context;
+    context.rows = ZQListRows::LibraryItems;
+    context.hashCounts = [&] {
+        ++asked;
+        QMap<QString, qint64> counts;
+        for (int number = 0; number < many; ++number) {
+            counts.insert(counts.cend(), digest(number), 2);
+        }
+        counts.insert(digest(many), 1);
+        return counts;
+    };
+    const QString text = QStringLiteral("(#duplicates #r>3) OR (#duplicates #w>10) OR (#duplicateshashes %1_%2) "
+                                        "OR \"100%@\"")
+                             .arg(digest(many - 1), digest(many));
+    const auto predicate = SearchManager::predicateForSearchString(text, context);
+    EXPECT_EQ(asked, 1);
+    const auto finds = [&](int number, int rating, int width, const QString &title = {}) {
+        return predicate.evaluateWithObject(QVariantMap{{QStringLiteral("SHA1"), digest(number)},
+                                                        {QStringLiteral("rating"), rating},
+                                                        {QStringLiteral("pixelWidth"), width},
+                                                        {QStringLiteral("title"), title}});
+    };
+    EXPECT_TRUE(finds(0, 4, 0));
+    EXPECT_TRUE(finds(many - 2, 4, 0));
+    EXPECT_TRUE(finds(many - 2, 0, 11));
+    EXPECT_FALSE(finds(many - 2, 0, 0));
+    EXPECT_TRUE(finds(many - 1, 0, 0)) << "one of the digests that were named";
+    EXPECT_FALSE(finds(many, 5, 100)) << "of one item";
+    EXPECT_TRUE(finds(many, 0, 0, QStringLiteral("at 100%@"))) << "what is typed stands for nothing else";
 }
 
 TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
@@ -300,6 +344,7 @@ TEST(SearchManagerTest, ATokenIsAddedOnceAndTakenAwayWithWhatItLeaves)
         {"a NOT", "#c red", "(a NOT) #c red"},
         {"a OR b) c", "#c red", "(a OR b() c) #c red"},
         {"#tag", "x", "(#tag) x"},
+        {"#tag =", "x", "(#tag =) x"},
         {"-#c red", "#c red", "-#c red #c red"},
         {"logo #color Red", "#c red", "logo"},
         {"#c 1003 logo", "#c red", "logo"},

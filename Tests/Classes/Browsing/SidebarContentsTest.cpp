@@ -6,6 +6,8 @@
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Browsing/Tabs/TabState.h"
 #include "Classes/Editing/SidebarCommands.h"
+#include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
@@ -174,6 +176,41 @@ TEST_F(SidebarContentsTest, NumbersAreThoseOfTheStoreWhoeverCounts)
     library.renameTable("away", "ZQProjectItem");
     ZQManagedObjectContext context(library.coordinator());
     EXPECT_FALSE(SidebarContents(context).counts(entries, [] { return false; })) << "given up";
+}
+
+TEST_F(SidebarContentsTest, TheStoreCountsAllOfAKindTogether)
+{
+    constexpr int many = 60;
+    const Item live = ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context());
+    QList<SidebarContents::Entry> entries;
+    QHash<ZQObjectID, qint64> expected;
+    for (int i = 0; i < many; ++i) {
+        const auto tag = ZQSidebarTag::addNewTagWithName(QStringLiteral("t%1").arg(i), library.context());
+        const Item made = addProject(QStringLiteral("p%1").arg(i));
+        const Item watched = add<ZQSidebarWatchedFolder>(QStringLiteral("f%1").arg(i), live);
+        if (i < 3) {
+            images[i]->addTagsObject(tag.get());
+            images[4]->addTagsObject(tag.get()); // which is deleted
+            made->addItems({images[i], images[4]});
+            images[4]->setActive(false);
+            images[i]->setWatchingFolder(zqCast<ZQSidebarWatchedFolder>(watched).get());
+        }
+        ASSERT_TRUE(library.context().save());
+        for (const Item &item : {Item(tag), made, watched}) {
+            entries.append(SidebarContents::entryFor(*item));
+            expected.insert(item->objectID(), i < 3 ? 1 : 0);
+        }
+    }
+    ZQManagedObjectContext context(library.coordinator());
+    const ZQSQLiteConnection *connection = ZQObjectAccess::connection(context);
+    const int before = connection->preparedUses();
+    EXPECT_EQ(SidebarContents(context).counts(entries, [] { return true; }), expected);
+    EXPECT_LE(connection->preparedUses() - before, 3);
+    zqCast<ZQLibraryBaseItem>(context.objectWithID(images[0]->objectID()))->setActive(false);
+    for (qsizetype i = 0; i < 3; ++i) {
+        expected[entries[i].item] = 0;
+    }
+    EXPECT_EQ(SidebarContents(context).counts(entries, [] { return true; }), expected) << "before it is saved";
 }
 
 TEST_F(SidebarContentsTest, ATabThatShowsASavedSearchLooksAgainAfterAnyChange)

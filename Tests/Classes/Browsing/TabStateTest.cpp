@@ -292,6 +292,8 @@ TEST_F(TabStateTest, RemovingFromSeveralIsOneStepAndBringsTheTabToTheFront)
     tab->addItems(ids, {a->objectID(), b->objectID()}, {0, 0}, true);
     EXPECT_EQ(members(), QStringLiteral("2 2"));
     EXPECT_EQ(undoStack.count(), 2);
+    tab->addItems(ids, {a->objectID(), b->objectID()}, {}, true);
+    EXPECT_EQ(undoStack.count(), 2) << "all were there already";
     EXPECT_GE(fronts, 3);
     fronts = 0;
     undoStack.undo();

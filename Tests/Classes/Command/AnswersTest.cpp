@@ -351,7 +351,8 @@ TEST_F(AnswersTest, AStoreThatCannotBeReadIsSaidByEachCommand)
     };
     for (const auto &[table, commands] :
          {std::pair{"ZQLibraryBaseItem",
-                    QStringList{QStringLiteral("items"), QStringLiteral("delete ") + id, QStringLiteral("note x y")}},
+                    QStringList{QStringLiteral("items"), QStringLiteral("delete ") + id, QStringLiteral("note x y"),
+                                QStringLiteral("sidebar"), QStringLiteral("tags")}},
           {"ZQSidebarBaseItem", {QStringLiteral("sidebar"), QStringLiteral("tags")}}}) {
         rename(table, "away");
         for (const QString &command : commands) {

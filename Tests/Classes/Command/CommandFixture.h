@@ -34,6 +34,7 @@ protected:
     }
     void TearDown() override
     {
+        index.reset();
         delegate.reset();
         ZQUserDefaults::standardUserDefaults().synchronize(); // not once its world is gone
     }
@@ -52,6 +53,7 @@ protected:
     {
         context = {};
         context.delegate = delegate.get();
+        context.index = index;
         context.workingDirectory = world.path();
         CommandLine commandLine;
         int status = 0;
@@ -79,5 +81,6 @@ protected:
     UserWorld world{"command"};
     CommandUserInteraction user;
     std::unique_ptr<tamberin_AppDelegate> delegate;
+    std::shared_ptr<LibraryIndex> index; // as where a window is open; null for none
     CommandContext context;
 };

@@ -1,4 +1,5 @@
 #include "Classes/Application/FileTagAdoption.h"
+#include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Classes/Tags/DesktopMirror.h"
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
@@ -6,6 +7,7 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Kit/Persistence/ZQContextPrivate.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -203,6 +205,59 @@ TEST_F(TagCommandTest, AMistakeChangesNothing)
     ASSERT_EQ(run(QStringList{QStringLiteral("delete"), id}), 0);
     EXPECT_EQ(run({QStringLiteral("tag"), id, QStringLiteral("--add"), QStringLiteral("x")}), 2);
     EXPECT_TRUE(context.errors.contains("restore"));
+}
+
+TEST_F(TagCommandTest, TagsAndSidebarAreCountedTogetherOrByTheWindowsIndex)
+{
+    ASSERT_EQ(run({QStringLiteral("tag"), bundleID(), QStringLiteral("--add"), QStringLiteral("mine")}), 0);
+    ZQManagedObjectContext &store = *delegate->managedObjectContext();
+    const auto projects = ZQSidebarBaseItem::projectsLabelInManagedObjectContext(store);
+    for (int i = 0; i < 40; ++i) {
+        ASSERT_TRUE(ZQSidebarTag::addNewTagWithName(QStringLiteral("tag %1").arg(i), store));
+        const auto project = store.insertNewObject<ZQSidebarProject>();
+        project->setTitle(QStringLiteral("project %1").arg(i));
+        projects->appendChild(project.get());
+        project->addItem(storedItem().get());
+    }
+    ASSERT_TRUE(store.save());
+    const ZQSQLiteConnection *connection = ZQObjectAccess::connection(store);
+    QHash<QByteArray, QByteArray> answers;
+    for (const char *command : {"tags", "tags --json", "sidebar", "sidebar --json"}) {
+        const int before = connection->preparedUses();
+        ASSERT_EQ(run(command), 0) << context.errors.constData();
+        EXPECT_LE(connection->preparedUses() - before, 12) << command;
+        answers.insert(command, context.output);
+    }
+    EXPECT_TRUE(answers.value("tags").contains("mine\t1\n"));
+    EXPECT_TRUE(answers.value("tags").contains("tag 7\t0\n"));
+    EXPECT_TRUE(answers.value("sidebar").contains("\n  project 7  (1)\n  project 8  (1)\n"));
+
+    index = std::make_shared<LibraryIndex>(delegate->persistentStoreCoordinator());
+    index->follow(store);
+    for (const bool isReady : {false, true}) {
+        ASSERT_EQ(run("tags"), 0);
+        EXPECT_EQ(context.output, answers.value("tags"));
+        EXPECT_EQ(index->isReady(), isReady) << "nobody waits until it is built";
+        ASSERT_TRUE(index->waitUntilCurrent());
+    }
+    const auto other = delegate->persistentStoreCoordinator()->newConnection();
+    const auto rename = [&](const char *from, const char *to) {
+        ASSERT_TRUE(other->execute(QStringLiteral("PRAGMA legacy_alter_table=ON; ALTER TABLE %1 RENAME TO %2")
+                                       .arg(QLatin1String(from), QLatin1String(to))));
+    };
+    rename("ZQLibraryBaseItem", "away"); // the items are not asked for
+    for (const char *command : {"tags", "tags --json", "sidebar", "sidebar --json"}) {
+        EXPECT_EQ(run(command), 0) << context.errors.constData();
+        EXPECT_EQ(context.output, answers.value(command)) << command;
+    }
+    EXPECT_EQ(run("search red --count"), 0) << context.errors.constData();
+    rename("away", "ZQLibraryBaseItem");
+    storedItem()->setActive(false);
+    ASSERT_EQ(run("tags"), 0);
+    EXPECT_TRUE(context.output.contains("mine\t0\n")) << "what is not saved yet counts";
+    store.rollback();
+    ASSERT_EQ(run("tags"), 0);
+    EXPECT_EQ(context.output, answers.value("tags"));
 }
 
 TEST_F(TagCommandTest, TagsAndAttributesAreListed)

@@ -1,8 +1,10 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 
+#include "Classes/Interface/Browser/EmptyState.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Models/DataModel/ZQProjectItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 #include <QPushButton>
@@ -175,6 +177,24 @@ TEST_F(BrowserContentTest, RowsThatCannotBeReadAreAnErrorAndNotAnEmptyList)
     wait();
     EXPECT_TRUE(content.error().isNull());
     EXPECT_EQ(content.count(), 1);
+}
+
+TEST_F(BrowserContentTest, IntoALiveFolderThatWasNotThereNothingIsImported)
+{
+    const auto live = zqCast<ZQSidebarWatchedFolder>(add<ZQSidebarWatchedFolder>(
+        QStringLiteral("Live"), ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context())));
+    const Item project = addProject(QStringLiteral("Empty"));
+    BrowserViewController browser(window);
+    for (const bool isEnabled : {true, false}) {
+        live->setIs_enabled(isEnabled);
+        library.context().save();
+        for (const QList<ZQObjectID> &shown : {QList{live->objectID()}, QList{project->objectID(), live->objectID()}}) {
+            browser.showSidebarItems(shown);
+            wait();
+            EXPECT_EQ(browser.emptyState().isVisibleTo(&browser), isEnabled && shown.size() == 1);
+            EXPECT_EQ(browser.content().emptyText().startsWith(QStringLiteral("A live folder")), !isEnabled);
+        }
+    }
 }
 
 TEST_F(BrowserContentTest, ADamagedStoreIsOfferedToBeRecoveredWhereItsRowsWouldBe)

@@ -4,6 +4,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/PromisedImports.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -14,6 +15,7 @@
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
+#include "Tests/Support/PromisingProgram.h"
 #include "Tests/Support/ScriptedUser.h"
 #include "Tests/Support/UserWorld.h"
 
@@ -390,4 +392,50 @@ TEST_F(Drops, TheGridTakesByTheKindOfWhatItShows)
         }
         EXPECT_EQ(shown.value(shown.size() - 1), QString::number(isFiltered)) << "so it goes to the end";
     }
+}
+
+TEST_F(Drops, PromisedFilesGoWhereTheyWereDroppedAndNothingIsAskedForBefore)
+{
+    QString promisedPicture = picture(QStringLiteral("one.png"));
+    PromisingProgram program;
+    program.onSave = [&](const QString &saved) { EXPECT_TRUE(QFile::copy(promisedPicture, saved)); };
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    PromisedImports promised(manager, program.maker());
+    const auto data = PromisingProgram::drag();
+    EXPECT_FALSE(takes(*data, {a, -1})) << "on a display where promises are not known";
+    manager.setPromisedImports(&promised);
+    const auto finish = [&] {
+        zqRunMainLoopUntil([&promised] { return promised.count() == 0; });
+        finishImports();
+    };
+    const std::tuple<Item, int, bool> places[] = {{a, -1, true},
+                                                  {projects, 1, false},
+                                                  {tag, -1, true},
+                                                  {special(ZQSidebarKind::Library), -1, false},
+                                                  {{}, -1, false}};
+    for (const auto &[target, index, isTaken] : places) {
+        EXPECT_EQ(takes(*data, {target, index}), isTaken) << (target ? qPrintable(target->title()) : "nothing");
+    }
+    BrowserContent content(*window);
+    content.setSidebarItems({special(ZQSidebarKind::Recent)->objectID()});
+    EXPECT_EQ(content.dropAction(data.get(), 0), Qt::IgnoreAction);
+    content.setSidebarItems({a->objectID()});
+    EXPECT_EQ(content.dropAction(data.get(), 0), Qt::CopyAction);
+    EXPECT_TRUE(program.askedFor.isEmpty());
+
+    EXPECT_TRUE(tree()->acceptDrop(data.get(), {a, -1}));
+    finish();
+    program.name = "two.png";
+    promisedPicture = picture(QStringLiteral("two.png"));
+    EXPECT_TRUE(content.drop(data.get(), 0, Qt::CopyAction));
+    finish();
+    EXPECT_EQ(treeBelow(projects), QStringLiteral("A[two one] B[] Folder{}"));
+
+    program.askedFor.clear();
+    const auto files = mimeOf({picture(QStringLiteral("three.png"))});
+    files->setData(QLatin1String(PromisingProgram::format), QByteArray());
+    drop(*files, {b, -1});
+    EXPECT_EQ(treeBelow(projects), QStringLiteral("A[two one] B[three] Folder{}"));
+    EXPECT_TRUE(program.askedFor.isEmpty()) << "files that are there come first";
+    manager.setPromisedImports(nullptr);
 }

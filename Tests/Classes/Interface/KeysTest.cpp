@@ -4,10 +4,28 @@
 #include "Tests/Classes/Interface/MainWindowTest.h"
 
 #include <QAccessible>
+#include <QKeyEvent>
 #include <QSet>
 #include <QToolButton>
 
 namespace {
+
+// What comes to a field with Ctrl.
+class KeysOfField : public QObject
+{
+public:
+    QStringList keys;
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::KeyPress) {
+            const QKeyCombination pressed = static_cast<QKeyEvent *>(event)->keyCombination();
+            if (pressed.keyboardModifiers() & Qt::ControlModifier && pressed.key() != Qt::Key_Control) {
+                keys.append(QKeySequence(pressed).toString());
+            }
+        }
+        return QObject::eventFilter(object, event);
+    }
+};
 
 class KeysTest : public MainWindowTest
 {
@@ -190,6 +208,54 @@ TEST_F(KeysTest, MenusOfTheMomentShowTheKeysOfTheCommands)
     whenMenuOpens();
     Q_EMIT tree()->customContextMenuRequested(tree()->visualRect(tree()->tree()->indexOf(a->objectID())).center());
     compare({{QStringLiteral("New Folder"), CommandID::NewFolder}, {QStringLiteral("Delete A"), CommandID::Remove}});
+}
+
+// Where the toolkit binds them, these keys would move the cursor, or delete letters, words and lines.
+TEST_F(KeysTest, AFieldGivesTheWindowItsKeys)
+{
+    show(a);
+    select({QStringLiteral("red")});
+    KeysOfField came;
+    const auto expectOwnKeysOnly = [&](QWidget *field, const char *name) {
+        ASSERT_TRUE(field) << name;
+        field->setFocus();
+        field->installEventFilter(&came);
+        const auto *line = qobject_cast<QLineEdit *>(field);
+        const QString text = line ? line->text() : QString();
+        const int cursor = line ? line->cursorPosition() : 0;
+        for (const Qt::Key key : {Qt::Key_D, Qt::Key_K, Qt::Key_E, Qt::Key_U, Qt::Key_H, Qt::Key_G}) {
+            press(key, Qt::ControlModifier);
+        }
+        press(Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(came.keys.join(u' ').toStdString(), "") << name;
+        EXPECT_EQ(QApplication::focusWidget(), field) << name;
+        EXPECT_TRUE(!line || (line->text() == text && line->cursorPosition() == cursor)) << name;
+        press(Qt::Key_A, Qt::ControlModifier);
+        press(Qt::Key_C, Qt::ControlModifier);
+        press(Qt::Key_Left, Qt::ControlModifier);
+        press(Qt::Key_Backspace, Qt::ControlModifier);
+        press(Qt::Key_Delete, Qt::ControlModifier);
+        EXPECT_EQ(came.keys.join(u' ').toStdString(), "Ctrl+A Ctrl+C Ctrl+Left Ctrl+Backspace Ctrl+Del") << name;
+        came.keys.clear();
+        field->removeEventFilter(&came);
+        const bool hadSidebar = sidebar().isVisible();
+        if (!sidebar().isAncestorOf(field)) {
+            press(Qt::Key_B, Qt::ControlModifier);
+            EXPECT_NE(sidebar().isVisible(), hadSidebar) << name;
+            press(Qt::Key_B, Qt::ControlModifier);
+        }
+    };
+    for (const char *name : {"Title", "Add tag", "Notes", "Source", "License", "Search"}) {
+        expectOwnKeysOnly(named(name), name);
+        press(Qt::Key_Escape);
+    }
+    show(b);
+    tree()->setFocus();
+    run(CommandID::Rename);
+    expectOwnKeysOnly(tree()->findChild<QLineEdit *>(QStringLiteral("InlineEditor")), "a row");
+    press(Qt::Key_Escape);
+    show(a);
+    EXPECT_EQ(shown().size(), 4) << "nothing was duplicated or deleted";
 }
 
 TEST_F(KeysTest, NoKeysMeanTwoThings)

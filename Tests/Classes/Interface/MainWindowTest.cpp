@@ -139,8 +139,8 @@ TEST_F(MainWindowTest, CommandsAreEnabledByTheSelectionTheFocusAndTheTabs)
         }
         return names.join(u',');
     };
-    EXPECT_EQ(disabled(), QStringLiteral("Undo,Redo,Copy,Duplicate,Delete from Library,Quick Look,Open,Close Tab,"
-                                         "Reopen Closed Tab,Rating"));
+    EXPECT_EQ(disabled(), QStringLiteral("Undo,Redo,Copy,Duplicate,Remove,Delete from Library,Quick Look,Open,Close "
+                                         "Tab,Reopen Closed Tab,Rating"));
     select({QStringLiteral("red")});
     EXPECT_EQ(disabled(), QStringLiteral("Undo,Redo,Close Tab,Reopen Closed Tab"));
     search().setFocus();
@@ -163,8 +163,11 @@ TEST_F(MainWindowTest, CommandsAreEnabledByTheSelectionTheFocusAndTheTabs)
     EXPECT_EQ(image(QStringLiteral("red"))->rating(), 3);
     run(CommandID::NewTab);
     settle();
-    EXPECT_EQ(disabled(), QStringLiteral("Redo,Copy,Duplicate,Delete from Library,Quick Look,Open,Reopen Closed "
-                                         "Tab,Rating"));
+    EXPECT_EQ(disabled(), QStringLiteral("Redo,Copy,Duplicate,Remove,Delete from Library,Quick Look,Open,Reopen "
+                                         "Closed Tab,Rating"));
+    show(special(ZQSidebarKind::Library));
+    select({QStringLiteral("red")});
+    EXPECT_EQ(disabled(), QStringLiteral("Redo,Remove,Reopen Closed Tab")) << "the library does not give items away";
     run(CommandID::CloseTab);
     EXPECT_TRUE(isEnabled(CommandID::ReopenClosedTab));
     EXPECT_FALSE(isEnabled(CommandID::CloseTab));

@@ -20,6 +20,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QStackedWidget>
 
@@ -52,6 +53,7 @@ protected:
     void SetUp() override
     {
         forget();
+        ZQTheme::current().setDark(true);
         MainWindowFixture::SetUp();
     }
     void TearDown() override
@@ -185,8 +187,15 @@ TEST_F(PreferencesWindowTest, WhatCannotBeWrittenGoesBackAndSaysWhy)
     auto *titles = control<QCheckBox>("Show titles below thumbnails");
     ASSERT_TRUE(defaults().synchronize());
     const Protected file(defaults().path());
+    const QSignalSpy themes(&ZQTheme::current(), &ZQTheme::changed);
+    const QSignalSpy light(control<QRadioButton>("Light"), &QRadioButton::toggled);
+    const QSignalSpy boxes(titles, &QCheckBox::toggled);
     control<QRadioButton>("Light")->click();
+    QTest::keyClick(control<QRadioButton>("Dark"), Qt::Key_Down);
+    QTest::keyClick(titles, Qt::Key_Space);
     EXPECT_TRUE(waitFor([&] { return said(*preferences()).contains(QStringLiteral("could not be written")); }));
+    settle();
+    EXPECT_EQ(themes.count() + light.count() + boxes.count(), 0) << "nothing is shown that does not hold";
     EXPECT_TRUE(control<QRadioButton>("Dark")->isChecked());
     EXPECT_TRUE(waitFor([] { return ZQTheme::current().isDark(); }));
     titles->click();

@@ -98,7 +98,7 @@ protected:
         bar->show();
         ContentQuery query;
         query.sidebarItems = {project->objectID()};
-        bar->setContent(query, {});
+        bar->setContent(query);
     }
     bool waitUntilItSays(const QString &text)
     {
@@ -141,7 +141,7 @@ TEST_F(RefineBarStates, ItCountsUntilTheIndexIsThereAndSaysWhenACountFails)
     library.renameTable("away", "ZQSidebarBaseItem");
     bar->recount();
     EXPECT_TRUE(waitUntilItSays(values)) << said().toStdString();
-    bar->setContent({}, {});
+    bar->setContent({});
     EXPECT_TRUE(waitUntilItSays(QString())) << "nothing is shown that could be refined";
 }
 
@@ -206,6 +206,37 @@ TEST_F(RefineBarTest, AClickPutsATokenIntoTheTextAndTakesItOutAgain)
     EXPECT_EQ(QApplication::focusWidget(), &search()) << "typing goes on";
     search().undo();
     EXPECT_EQ(search().text(), QStringLiteral("e"));
+}
+
+TEST_F(RefineBarTest, AClickTakesAwayWhatTheFieldSaysOtherwise)
+{
+    open();
+    const auto typed = [this](const char *text, bool isCounted) {
+        search().clear();
+        settle();
+        search().setText(QString::fromUtf8(text));
+        if (isCounted) {
+            settle();
+        }
+    };
+    for (const bool isCounted : {true, false}) { // or as the bar was before it was typed
+        SCOPED_TRACE(isCounted);
+        typed("#e png", isCounted);
+        click("PNG");
+        EXPECT_EQ(search().text(), QString());
+        typed("#e png OR moving", isCounted);
+        click("PNG");
+        EXPECT_EQ(search().text(), QStringLiteral("moving"));
+        typed("#e png #kind png", isCounted);
+        click("PNG");
+        EXPECT_EQ(search().text(), QString());
+        typed("red", isCounted);
+        click("PNG");
+        EXPECT_EQ(search().text(), QStringLiteral("red #kind png")) << "what was typed stays";
+    }
+    typed("#e png", true);
+    EXPECT_EQ(values().count(QStringLiteral("PNG"), Qt::CaseInsensitive), 1) << values().toStdString();
+    EXPECT_TRUE(values().startsWith(QStringLiteral("+PNG"))) << values().toStdString();
 }
 
 TEST_F(RefineBarTest, CountsFollowWhatIsShownAndWhatIsChanged)

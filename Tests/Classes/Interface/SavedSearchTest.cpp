@@ -1,5 +1,6 @@
 // Searches that a person saves, edits and uses in the window.
 
+#include "Kit/Widgets/ZQNotificationBubble.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Tests/Classes/Interface/MainWindowTest.h"
 
@@ -42,6 +43,15 @@ protected:
         QStringList titles = shown();
         titles.sort();
         return titles;
+    }
+    QString told()
+    {
+        for (const auto *bubble : window().findChildren<ZQNotificationBubble *>()) {
+            if (bubble->isVisible()) {
+                return bubble->text();
+            }
+        }
+        return {};
     }
     QToolButton *saveButton() { return named<QToolButton>("Save Search"); }
     QToolButton *updateButton() { return named<QToolButton>("Update Search"); }
@@ -279,11 +289,61 @@ TEST_F(SavedSearchTest, ATextThatTheFieldWouldCutIsNotTakenFromIt)
 
 TEST_F(SavedSearchTest, WhatWasSearchedInAProjectIsSavedWithIt)
 {
+    const auto inB = QList{image(QStringLiteral("red")), image(QStringLiteral("moving"))};
+    b->addItems(inB);
+    delegate->saveAction();
     show(b);
     searchFor("#tt e OR #tt i");
+    const QStringList before = sorted();
+    EXPECT_EQ(before, (QStringList{QStringLiteral("moving"), QStringLiteral("red")}));
     const auto smart = saved("#tt e OR #tt i", "in B");
     ASSERT_TRUE(smart);
     EXPECT_EQ(smart->searchText(), QStringLiteral("(#tt e OR #tt i) #project B"));
+    EXPECT_EQ(sorted(), before);
+    EXPECT_EQ(told(), QString()) << "there is nothing to say";
+}
+
+TEST_F(SavedSearchTest, WhatASavedTextFindsBesidesIsToldWithBothNumbers)
+{
+    a->setTitle(QStringLiteral("Rar"));
+    b->setTitle(QStringLiteral("Rar 5"));
+    a->removeItems({image(QStringLiteral("clear"))});
+    b->addItem(image(QStringLiteral("clear")).get());
+    delegate->saveAction();
+    show(b);
+    show(a);
+    EXPECT_EQ(sorted(), (QStringList{QStringLiteral("moving"), QStringLiteral("pages"), QStringLiteral("red")}));
+    const int steps = controller->undoStack().index();
+    searchFor("#tt e");
+    press(Qt::Key_S, Qt::ControlModifier);
+    press(Qt::Key_Escape);
+    settle();
+    EXPECT_TRUE(waitFor([this] { return !told().isEmpty(); }));
+    EXPECT_EQ(told(), QStringLiteral("The smart folder looks in the whole library: it finds 3 items; 2 are shown "
+                                     "here."));
+    EXPECT_EQ(controller->undoStack().index(), steps + 1);
+    controller->undoStack().undo();
+    settle();
+    EXPECT_EQ(children(projects).size(), 3);
+}
+
+TEST_F(SavedSearchTest, ASearchInAFolderOrInSeveralRowsIsSavedWithAllOfThem)
+{
+    inner->addItem(image(QStringLiteral("pages")).get());
+    b->addItem(image(QStringLiteral("red")).get());
+    delegate->saveAction();
+    show(folder);
+    auto smart = saved("#tt e", "in the folder");
+    ASSERT_TRUE(smart);
+    EXPECT_EQ(smart->searchText(), QStringLiteral("#tt e #project Inner"));
+    EXPECT_EQ(shown(), QStringList{QStringLiteral("pages")});
+    sidebar().selectItems({b->objectID(), inner->objectID()});
+    settle();
+    smart = saved("#tt e", "in both");
+    ASSERT_TRUE(smart);
+    EXPECT_EQ(smart->searchText(), QStringLiteral("#tt e (#project B OR #project Inner)"));
+    EXPECT_EQ(sorted(), (QStringList{QStringLiteral("pages"), QStringLiteral("red")}));
+    EXPECT_EQ(told(), QString());
 }
 
 TEST_F(SavedSearchTest, WhatWasTypedElsewhereIsNotBroughtBackByUndo)

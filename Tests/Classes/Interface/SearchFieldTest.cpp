@@ -27,6 +27,12 @@ protected:
         }
         return texts.join(u' ');
     }
+    // Whether a chip tells what is wrong with a token.
+    bool saysWhatIsWrong()
+    {
+        const QString said = chips().isVisible() ? chips().accessibleName() : QString();
+        return said.contains(u'#');
+    }
     void enter(const char *text)
     {
         search().setFocus();
@@ -113,19 +119,38 @@ TEST_F(SearchFieldTest, TabTakesWhatIsOfferedAndGoesOnWhereNothingIs)
     EXPECT_NE(QApplication::focusWidget(), &search());
 }
 
-TEST_F(SearchFieldTest, ATokenThatIsOnlyBegunIsNoMistakeUntilTheFocusLeaves)
+TEST_F(SearchFieldTest, ATokenThatIsOnlyBegunIsNoMistakeUntilTheCursorLeavesIt)
 {
-    enter("red #");
-    settle();
-    EXPECT_FALSE(chips().isVisible());
-    type(QStringLiteral("zz"));
+    enter("red ");
+    for (const char *typed : {"#", "z", "z"}) {
+        type(QLatin1StringView(typed));
+        settle();
+        EXPECT_FALSE(chips().isVisible()) << search().text().toStdString();
+    }
+    type(QStringLiteral(" "));
     settle();
     EXPECT_TRUE(chips().isVisible());
     EXPECT_EQ(chips().count(), 2);
-    press(Qt::Key_Backspace);
-    press(Qt::Key_Backspace);
+    press(Qt::Key_Left);
+    EXPECT_TRUE(chips().isVisible()) << "a blank ends it";
+    press(Qt::Key_Delete);
     settle();
     EXPECT_FALSE(chips().isVisible());
+    press(Qt::Key_Home);
+    EXPECT_TRUE(chips().isVisible());
+    press(Qt::Key_End);
+    EXPECT_FALSE(chips().isVisible());
+    for (const char *text : {"#w", "#wid", "-#tag", "#tag=", "(red #col"}) {
+        enter(text);
+        settle();
+        EXPECT_FALSE(saysWhatIsWrong()) << text;
+    }
+    for (const char *text : {"#zz=5", "#tag>", "#w<>3", "#tag \"\"", "#zz)"}) {
+        enter(text);
+        settle();
+        EXPECT_TRUE(saysWhatIsWrong()) << text;
+    }
+    enter("red #zz");
     grid().setFocus();
     EXPECT_TRUE(chips().isVisible());
     EXPECT_EQ(chips().count(), 2);

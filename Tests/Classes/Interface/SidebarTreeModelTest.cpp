@@ -1,5 +1,6 @@
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
 #include "Classes/Interface/Sidebar/SidebarTreeView.h"
+#include "Kit/Persistence/ZQContextPrivate.h"
 #include "Kit/Persistence/ZQSQLiteConnection.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
@@ -164,6 +165,75 @@ TEST_F(SidebarTreeModelTest, AFolderThatCouldNotBeReadIsNotEmpty)
     EXPECT_TRUE(model.hasChildren(closed)) << "it has rows, whatever could be read of them";
     rename("away", "ZQSidebarBaseItem");
     EXPECT_EQ(whole(closed).join(u' '), QStringLiteral("deep {deepest}"));
+}
+
+TEST_F(SidebarTreeModelTest, HoweverManyFoldersAreOpenTheyAreReadAgainTogether)
+{
+    constexpr int folders = 260; // with a folder in each: more than are asked for at once
+    QList<Item> tops;
+    for (int i = 0; i < folders; ++i) {
+        const Item top = addFolder(QStringLiteral("top %1").arg(i));
+        const Item in = addFolder(QStringLiteral("in"), top);
+        addProject(QStringLiteral("second"), in);
+        in->addChild(addProject(QStringLiteral("first"), in).get(), 0);
+        addProject(QStringLiteral("last"), top);
+        tops.append(top);
+    }
+    ASSERT_TRUE(library.context().save());
+    const ZQSQLiteConnection *connection = ZQObjectAccess::connection(library.context());
+    int before = connection->preparedUses();
+    const auto uses = [&] { return connection->preparedUses() - std::exchange(before, connection->preparedUses()); };
+    model.reload();
+    EXPECT_LE(uses(), 2) << "nothing was opened";
+    const QStringList shown = whole({});
+    EXPECT_TRUE(shown.join(u' ').contains(QStringLiteral("top 7 {in {first second} last} top 8")));
+    int resets = 0;
+    QObject::connect(&model, &QAbstractItemModel::modelReset, &model, [&] { ++resets; });
+    uses();
+    model.reload();
+    EXPECT_LE(uses(), 2 + 2 * 2) << "two batches";
+    EXPECT_EQ(resets, 0);
+    EXPECT_EQ(whole({}), shown);
+    EXPECT_EQ(uses(), 0) << "all of it was there";
+
+    tops[0]->appendChild(tops[1].get());
+    tops[2]->setActive(false);
+    ASSERT_TRUE(library.context().save());
+    uses();
+    model.reload();
+    EXPECT_LE(uses(), 2 + 2 * 2);
+    EXPECT_EQ(resets, 1);
+    const QString moved = whole({}).join(u' ');
+    EXPECT_EQ(uses(), 0) << "what was open is open at its new place";
+    EXPECT_TRUE(moved.contains(QStringLiteral("top 0 {in {first second} last top 1 {in {first second} last}} top 3")))
+        << qPrintable(moved.left(400));
+}
+
+TEST_F(SidebarTreeModelTest, TagsByTitleStandSoWhenTheyAreReadAgain)
+{
+    SidebarTreeModel tags{window, SidebarTreeModel::Side::Tags};
+    const auto label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(library.context());
+    for (const char *title : {"b", "a10", "a9"}) {
+        add<ZQSidebarTag>(QLatin1StringView(title), label);
+    }
+    label->setSortKeys(qint16(ZQSortValue::Title));
+    ASSERT_TRUE(library.context().save());
+    const auto shown = [&] {
+        QStringList titles;
+        const QModelIndex above = tags.indexOf(label->objectID());
+        for (int row = 0; row < tags.rowCount(above); ++row) {
+            titles.append(tags.index(row, 0, above).data().toString());
+        }
+        return titles.join(u' ');
+    };
+    tags.reload();
+    EXPECT_EQ(shown(), QStringLiteral("a9 a10 b Sample tag"));
+    add<ZQSidebarTag>(QStringLiteral("a1"), label);
+    tags.reload();
+    EXPECT_EQ(shown(), QStringLiteral("a1 a9 a10 b Sample tag"));
+    label->setSortKeys(0);
+    tags.reload();
+    EXPECT_EQ(shown(), QStringLiteral("Sample tag b a10 a9 a1"));
 }
 
 TEST_F(SidebarTreeModelTest, TheTreeIsReadAgainAsFarAsItWas)

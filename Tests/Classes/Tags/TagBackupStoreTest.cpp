@@ -8,6 +8,8 @@
 #include <QDateTime>
 #include <QThread>
 
+#include <sys/stat.h>
+
 namespace {
 
 constexpr qint64 day = qint64(24) * 3600 * 1000;
@@ -111,6 +113,25 @@ TEST_F(TagBackupStoreTest, WhatCannotBeWrittenIsToldAndKept)
     QDir(folder.filePath(QStringLiteral("home"))).removeRecursively();
     EXPECT_TRUE(store.store({{gone, backup(now, "1")}}));
     EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("home")))) << "a guest's folder is not made again";
+}
+
+TEST_F(TagBackupStoreTest, APipeInThePlaceOfAListOrTheLockHoldsUpNobody)
+{
+    const QString tagged = folder.filePath(QStringLiteral("tagged"));
+    for (int number = 0; number < 64; ++number) {
+        const QString list = home + QStringLiteral("/%1.plist").arg(number, 2, 10, QLatin1Char('0'));
+        ASSERT_EQ(::mkfifo(QFile::encodeName(list).constData(), 0600), 0);
+    }
+    EXPECT_FALSE(TagBackupStore(home).contains(tagged));
+    EXPECT_TRUE(TagBackupStore(home).store({{tagged, backup(now, "1")}}));
+    EXPECT_TRUE(TagBackupStore(home).contains(tagged));
+
+    const QString lock = home + QStringLiteral("/lock");
+    QFile::remove(lock);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(lock).constData(), 0600), 0);
+    EXPECT_FALSE(TagBackupStore(home).store({{tagged, std::nullopt}}));
+    ASSERT_TRUE(QFile::remove(lock));
+    EXPECT_TRUE(TagBackupStore(home).store({{tagged, std::nullopt}}));
 }
 
 TEST_F(TagBackupStoreTest, EveryValueComesBack)

@@ -12,7 +12,8 @@ namespace {
 
 using FileReference = Scratch;
 
-QByteArray bytesOf(quint32 magic, quint8 format, const QByteArray &path, const QByteArray &ends = "e")
+QByteArray bytesOf(quint32 magic, quint8 format, const QByteArray &path, const QByteArray &ends = "e",
+                   quint32 names = 2)
 {
     QByteArray data;
     QDataStream stream(&data, QIODevice::WriteOnly);
@@ -24,6 +25,9 @@ QByteArray bytesOf(quint32 magic, quint8 format, const QByteArray &path, const Q
     stream << true << path;
     if (format > 1) {
         stream << qint64(77) << ends;
+    }
+    if (format > 2) {
+        stream << names;
     }
     return data;
 }
@@ -47,7 +51,8 @@ TEST(FileReferenceData, IsTakenOnlyWholeAndWithinBounds)
     } rows[] = {{"whole", bytesOf(magic, 2, "/a/b"), true},
                 {"of the first format", bytesOf(magic, 1, "/a/b"), true},
                 {"of none", bytesOf(magic, 0, "/a/b"), false},
-                {"of a later one", bytesOf(magic, 3, "/a/b"), false},
+                {"of the last format", bytesOf(magic, 3, "/a/b"), true},
+                {"of a later one", bytesOf(magic, 4, "/a/b"), false},
                 {"of something else", bytesOf(magic + 1, 2, "/a/b"), false},
                 {"a relative path", bytesOf(magic, 2, "a/b"), false},
                 {"no path", bytesOf(magic, 2, ""), false},
@@ -57,7 +62,8 @@ TEST(FileReferenceData, IsTakenOnlyWholeAndWithinBounds)
                 {"the longest", bytesOf(magic, 2, longest), true},
                 {"a longer one", bytesOf(magic, 2, longest + 'p'), false},
                 {"more behind", bytesOf(magic, 2, "/a") + 'x', false},
-                {"cut", bytesOf(magic, 2, "/a").chopped(1), false}};
+                {"cut", bytesOf(magic, 2, "/a").chopped(1), false},
+                {"cut in the last format", bytesOf(magic, 3, "/a").chopped(1), false}};
     for (const auto &row : rows) {
         EXPECT_EQ(ZQFileReference::decoded(row.data).has_value(), row.isTaken) << row.what;
     }
@@ -71,7 +77,12 @@ TEST(FileReferenceData, IsTakenOnlyWholeAndWithinBounds)
     EXPECT_EQ(found->path, "/a/b");
     EXPECT_EQ(found->contents.size, 77);
     EXPECT_EQ(found->contents.ends, "ends");
-    EXPECT_EQ(found->encoded(), bytesOf(magic, 2, "/a/b", "ends"));
+    EXPECT_EQ(found->names, 1U);
+    EXPECT_EQ(found->encoded(), bytesOf(magic, 2, "/a/b", "ends")) << "an older version reads it";
+    const auto ofSeveral = ZQFileReference::decoded(bytesOf(magic, 3, "/a/b", "ends", 7));
+    ASSERT_TRUE(ofSeveral);
+    EXPECT_EQ(ofSeveral->names, 7U);
+    EXPECT_EQ(ofSeveral->encoded(), bytesOf(magic, 3, "/a/b", "ends", 7));
 }
 
 TEST(FileReferenceData, KnowsTheNamesOfOldFilesAndFolders)

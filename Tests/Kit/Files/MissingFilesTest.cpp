@@ -43,6 +43,18 @@ protected:
     {
         return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
     }
+    static bool link(const QString &from, const QString &to)
+    {
+        return ::link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    }
+    // Where every way of asking has it.
+    static QString found(const QByteArray &reference)
+    {
+        zqLookForPersistentURLs({{reference, {}}});
+        zqWaitForPersistentURLSearches();
+        EXPECT_EQ(zqURLFromPersistentData(reference), zqFindPersistentURL(reference));
+        return zqFindPersistentURL(reference);
+    }
 };
 
 QByteArray noise(qsizetype size, quint32 seed)
@@ -428,11 +440,38 @@ TEST_F(MissingFiles, InATrashAreDeletedUntilTheyArePutBack)
     }
 }
 
+TEST_F(MissingFiles, ANameThatWasThereBeforeIsNotTheFileThatWasDeleted)
+{
+    const QString made = folder(QStringLiteral("one/two")) + QStringLiteral("/a.png");
+    const QString near = folder(QStringLiteral("one/two")) + QStringLiteral("/copy.png");
+    const QString far = folder(QStringLiteral("one/backup")) + QStringLiteral("/a.png");
+    const QString moved = folder(QStringLiteral("one/moved")) + QStringLiteral("/b.png");
+    for (const QString &other : {near, far}) {
+        SCOPED_TRACE(other.toStdString());
+        write(made, "a");
+        ASSERT_TRUE(link(made, other));
+        const QByteArray reference = zqDataForPersistentURL(made);
+        ASSERT_TRUE(QFile::remove(made));
+        EXPECT_EQ(found(reference), QString());
+        ASSERT_TRUE(link(other, made));
+        EXPECT_EQ(found(reference), made) << "it was put back";
+        ASSERT_TRUE(QFile::remove(other));
+        EXPECT_EQ(found(reference), made) << "whatever became of the others";
+
+        const QByteArray ofOne = zqDataForPersistentURL(made);
+        ASSERT_TRUE(rename(made, moved));
+        EXPECT_EQ(found(ofOne), moved);
+        ASSERT_TRUE(link(moved, other));
+        const QByteArray ofTwo = zqDataForPersistentURL(moved);
+        ASSERT_TRUE(rename(moved, made));
+        const QString again = found(ofTwo);
+        EXPECT_TRUE(again == made || again == other) << "it was moved, and both are it";
+        ASSERT_TRUE(QFile::remove(made) && QFile::remove(other));
+    }
+}
+
 TEST_F(MissingFiles, AnotherNameIsTheFileOnceTheOldOneIsGone)
 {
-    const auto link = [](const QString &from, const QString &to) {
-        return ::link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
-    };
     const QString made = folder(QStringLiteral("one/two")) + QStringLiteral("/a.png");
     const QString near = folder(QStringLiteral("one/two")) + QStringLiteral("/b.png");
     const QString far = folder(QStringLiteral("one/other")) + QStringLiteral("/a.png");
@@ -440,12 +479,7 @@ TEST_F(MissingFiles, AnotherNameIsTheFileOnceTheOldOneIsGone)
     write(made, "a");
     const QByteArray reference = zqDataForPersistentURL(made);
     ASSERT_TRUE(link(made, trashed) && link(made, far) && link(made, near));
-    const auto lookAtAll = [&] {
-        zqLookForPersistentURLs({{reference, {}}});
-        zqWaitForPersistentURLSearches();
-        EXPECT_EQ(zqURLFromPersistentData(reference), zqFindPersistentURL(reference));
-        return zqFindPersistentURL(reference);
-    };
+    const auto lookAtAll = [&] { return found(reference); };
     EXPECT_EQ(lookAtAll(), made);
     ASSERT_TRUE(QFile::remove(made));
     EXPECT_EQ(lookAtAll(), near);

@@ -121,6 +121,27 @@ TEST(ZQPredicate, TreatsAPlainValueAsSelf)
     EXPECT_TRUE(listed.evaluateWithObject(QVariant(text("com.example.a"))));
 }
 
+TEST(ZQPredicate, AWholeConditionMayBeAnArgument)
+{
+    const ZQPredicate either = ZQPredicate::predicateWithFormat(text("SELF == 1 OR SELF == 2"));
+    const QVariant condition = QVariant::fromValue(either);
+    const auto with = [&](const char *format, const QVariantList &arguments) {
+        return ZQPredicate::predicateWithFormat(text(format), arguments);
+    };
+    EXPECT_EQ(with("%@", {condition}), either);
+    EXPECT_EQ(with("NOT %@ AND (%@ OR SELF < %@)", {condition, condition, 7}),
+              with("NOT (SELF == 1 OR SELF == 2) AND (SELF == 1 OR SELF == 2 OR SELF < 7)", {}));
+    EXPECT_EQ(with("%@ OR SELF == 1", {QVariant::fromValue(ZQPredicate())}), with("TRUEPREDICATE OR SELF == 1", {}));
+    EXPECT_TRUE(with("%@ == 1", {condition}).isNull()) << "it is no value";
+    EXPECT_TRUE(with("SELF == %@", {condition}).isNull());
+    EXPECT_TRUE(with("%d", {condition}).isNull());
+    ZQPredicate deep = either;
+    for (int level = 0; level < 200 && !deep.isNull(); ++level) {
+        deep = with(level % 2 == 0 ? "%@ AND SELF > 0" : "%@ OR SELF > 5", {QVariant::fromValue(deep)});
+    }
+    EXPECT_TRUE(deep.isNull()) << "it counts as deep as it is";
+}
+
 TEST(ZQPredicate, SaysWhatIsWrongAndWhere)
 {
     struct ErrorCase
