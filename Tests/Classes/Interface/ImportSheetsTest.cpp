@@ -21,7 +21,8 @@ TEST_F(ImportSheetsTest, DuplicatesAreAnsweredOneByOneWithTheNumberKeys)
     press({Qt::Key_3, Qt::Key_Return, Qt::Key_2, Qt::Key_Return, Qt::Key_1, Qt::Key_Return});
     const auto choices = resolved(3);
     ASSERT_TRUE(choices);
-    EXPECT_EQ(choices->choices, (Choices{DuplicateChoice::KeepBoth, DuplicateChoice::Relink, DuplicateChoice::Discard}));
+    EXPECT_EQ(choices->choices,
+              (Choices{DuplicateChoice::KeepBoth, DuplicateChoice::Relink, DuplicateChoice::Discard}));
 }
 
 TEST_F(ImportSheetsTest, OneChoiceCanBeForAllThatRemain)
@@ -45,7 +46,9 @@ TEST_F(ImportSheetsTest, AQuestionOfAnotherThreadIsAnsweredOrDismissed)
     WindowUserInteraction user;
     user.setPlaces({.window = &window, .browser = {}, .sidebar = {}, .progress = nullptr});
     window.setFocus();
-    const auto ask = [&] { return std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(2), false); }); };
+    const auto ask = [&] {
+        return std::async(std::launch::async, [&] { return user.resolveDuplicates(pairs(2), false); });
+    };
     const auto isShown = [&] { return window.property(Sheet::isShownProperty).toBool(); };
 
     auto answered = ask();
