@@ -201,10 +201,6 @@ bool ZQModelReader::readProperties()
         if (entity->parent) {
             entity->attributes = entity->parent->attributes;
             entity->relationships = entity->parent->relationships;
-            for (const ZQAttributeDescription &attribute : entity->attributes) {
-                m_declaring[slash(entity->name, attribute.name)] =
-                    m_declaring.value(slash(entity->parent->name, attribute.name));
-            }
             for (const ZQRelationshipDescription &inherited : entity->relationships) {
                 m_declaring[slash(entity->name, inherited.name)] =
                     m_declaring.value(slash(entity->parent->name, inherited.name));
@@ -243,7 +239,6 @@ bool ZQModelReader::readAttributes(ZQEntityDescription &entity, const QJsonObjec
                 return fail(where, QStringLiteral("the default does not fit the type \"%1\"").arg(typeName));
             }
         }
-        m_declaring[slash(entity.name, attribute.name)] = entity.name;
         entity.attributes.push_back(attribute);
     }
     return true;

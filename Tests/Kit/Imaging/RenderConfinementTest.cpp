@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -206,4 +207,22 @@ TEST_F(RenderConfinementTest, WithoutRulesForFilesPicturesAreDrawnAndOtherProgra
     EXPECT_EQ(told, 1);
     ZQPreviewService::setUnconfinedHandler([&] { ++told; });
     EXPECT_EQ(told, 2) << "one who asks later is told at once";
+}
+
+TEST_F(RenderConfinementTest, WhatAWorkerPrintsDoesNotComeAmongWhatTheApplicationPrints)
+{
+    QFile heard(fileNamed(QStringLiteral("heard"), {}));
+    ASSERT_TRUE(heard.open(QIODevice::ReadWrite));
+    const QString speaking = fileNamed(QStringLiteral("speak.png"), "x");
+    std::fflush(stdout);
+    const ZQFileDescriptor before(::dup(STDOUT_FILENO));
+    ASSERT_EQ(::dup2(heard.handle(), STDOUT_FILENO), STDOUT_FILENO);
+    QString answer;
+    {
+        ZQRenderPool pool({.processes = 1});
+        answer = attempt(pool, speaking);
+    }
+    ASSERT_EQ(::dup2(before.get(), STDOUT_FILENO), STDOUT_FILENO);
+    EXPECT_EQ(answer, QStringLiteral("allowed"));
+    EXPECT_EQ(heard.size(), 0);
 }

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <csignal>
+#include <fcntl.h>
 #include <linux/landlock.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -556,6 +557,16 @@ TEST_F(RenderPoolTest, AThumbnailerReadsTheFileItDrawsAndNoOther)
     ZQError error;
     EXPECT_TRUE(pool.perform(Kind::Preview, drawn, box, 0, &error).bitmap.isNull());
     EXPECT_EQ(error.code, int(ZQImagingErrorCode::UnknownFormat));
+
+    registerThumbnailer(QStringLiteral("%i")); // for an application that has no standard input
+    const ZQFileDescriptor input(::dup(STDIN_FILENO));
+    ASSERT_EQ(::dup2(ZQFileDescriptor(::open(qPrintable(drawn), O_RDONLY)).get(), STDIN_FILENO), STDIN_FILENO);
+    QString failure;
+    const auto process = ZQRenderProcess::start({.time = 30s}, STDIN_FILENO, &failure);
+    const ZQRenderRequest request{Kind::Thumbnailer, box, 0, drawn, false};
+    EXPECT_TRUE(process && process->send(request, STDIN_FILENO)) << qPrintable(failure);
+    ::dup2(input.get(), STDIN_FILENO);
+    EXPECT_EQ(process->receive(request, 30s).bitmap.size(), QSize(100, 50));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQContextPrivate.h"
+#include "Kit/Persistence/ZQRowStream.h"
 #include "Tests/Kit/Persistence/TestModel.h"
 
 #include <gtest/gtest.h>
@@ -116,6 +117,30 @@ TEST_F(ZQCancelledFetch, ObjectsThatWereNotFilledAreWhenTheyAreWantedAgain)
         context.fillFaults(*ids);
     }
     EXPECT_EQ(node->title(), QStringLiteral("node 7"));
+}
+
+TEST_F(ZQCancelledFetch, AStreamOfRowsComesToItsEndOrEndsSoon)
+{
+    ZQManagedObjectContext context(store.coordinator());
+    const auto cancellation = std::make_shared<ZQCancellation>();
+    const ZQCancellation::Scope scope(cancellation);
+    int seen = 0;
+    ZQError error;
+    const auto readUntil = [&](int cancelled) {
+        seen = 0;
+        const auto visit = [&](const ZQRowStream::Row &row) {
+            EXPECT_TRUE(row.text(0).starts_with("node "));
+            if (++seen == cancelled) {
+                cancellation->cancel();
+            }
+        };
+        return ZQRowStream(context).rows(TestNode::entityName(), {QStringLiteral("title")}, {}, visit, &error);
+    };
+    EXPECT_TRUE(readUntil(nodes + 1)) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(seen, nodes);
+    EXPECT_FALSE(readUntil(100));
+    EXPECT_EQ(error.code, int(ZQStoreError::Cancelled));
+    EXPECT_LT(seen, nodes / 2);
 }
 
 TEST_F(ZQCancelledFetch, SavesAndOtherContextsGoOn)

@@ -223,6 +223,7 @@ public:
     {
         for (size_t row = 0; row < count; ++row) {
             m_numbers.push_back(qint16(row % 1000));
+            m_codes.push_back(quint16(row % 2));
             m_texts.append(row % 7 ? ZQTextBlocks::Text("row " + std::to_string(row)) : std::nullopt);
             m_digests.append(std::string(36, '0') + hex(row).toStdString());
         }
@@ -237,6 +238,9 @@ public:
         if (keys == QStringList(QStringLiteral("number"))) {
             return ZQNumberColumn{std::span<const qint16>(m_numbers)};
         }
+        if (keys == QStringList(QStringLiteral("kind"))) {
+            return ZQCodedColumn{std::span<const quint16>(m_codes), {QStringLiteral("even"), QStringLiteral("odd")}};
+        }
         return keys == QStringList(QStringLiteral("digest")) ? std::optional<ZQColumn>(&m_digests) : std::nullopt;
     }
     ZQTextBlocks &texts() { return m_texts; }
@@ -249,6 +253,7 @@ public:
 
 private:
     std::vector<qint16> m_numbers;
+    std::vector<quint16> m_codes;
     ZQTextBlocks m_texts;
     ZQDigests m_digests;
 };
@@ -264,6 +269,7 @@ TEST(ZQColumns, SearchEveryBlockAndSeeWhatWasChangedInOne)
     EXPECT_EQ(rows.matching("text LIKE[cd] 'r?w 4922*'"), 9U);
     EXPECT_EQ(rows.matching("text contains[cd] 'row' AND number == 5"), rows.matching("number == 5 AND text != nil"));
     EXPECT_EQ(rows.matching("number > 40000"), 0U);
+    EXPECT_EQ(rows.matching("kind == 'odd'"), ManyRows::count / 2);
     EXPECT_EQ(rows.matching("number BETWEEN {998, 1000000}"), 2 * (ManyRows::count / 1000));
     EXPECT_EQ(rows.matching("digest == %@", {QString(36, u'0') + ManyRows::hex(12)}), 1U);
     EXPECT_EQ(rows.matching("other == 1"), ManyRows::count + 1) << "no column";
@@ -281,7 +287,9 @@ TEST(ZQColumns, SearchEveryBlockAndSeeWhatWasChangedInOne)
     const auto cancellation = std::make_shared<ZQCancellation>();
     const ZQCancellation::Scope scope(cancellation);
     cancellation->cancel();
-    EXPECT_EQ(rows.matching("text contains[cd] 'row'"), ManyRows::count + 1);
+    for (const char *format : {"text contains[cd] 'row'", "number == 5", "kind == 'odd'"}) {
+        EXPECT_EQ(rows.matching(format), ManyRows::count + 1) << format << " found some, and says that these are all";
+    }
 }
 
 TEST(ZQColumns, ASearchOfTextsEndsWhereItIsCancelled)

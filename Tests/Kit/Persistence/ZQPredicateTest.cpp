@@ -210,6 +210,9 @@ TEST(ZQPredicate, RefusesWhatIsNestedTooDeeplyInsteadOfOverflowing)
         EXPECT_FALSE(error.isNull());
     }
     EXPECT_FALSE(ZQPredicate::predicateWithFormat(text("NOT ").repeated(100000) + leaf).isNull());
+    ZQError error;
+    EXPECT_TRUE(ZQPredicate::predicateWithFormat(QString(16 << 20, u' ') + leaf, {}, &error).isNull());
+    EXPECT_TRUE(error.localizedDescription().contains(text("too long"))) << error.localizedDescription().toStdString();
     ZQPredicate deep = ZQPredicate::predicateWithFormat(leaf);
     for (int i = 0; i < 1000; ++i) {
         deep = ZQPredicate::orPredicate({ZQPredicate::notPredicate(deep), ZQPredicate::predicateWithFormat(leaf)});
@@ -257,7 +260,8 @@ TEST(ZQFold, OfTextsInUTF8IsTheSameWhateverStandsBesideACharacter)
         // Halves of pairs are no text: they become what reading makes of them.
         const QByteArray text = QString::fromUtf8(QStringView(middle, std::size(middle)).toUtf8()).toUtf8();
         const std::string_view bytes(text.constData(), size_t(text.size()));
-        ASSERT_EQ(zqFoldedUTF8(bytes, buffer), zqFold(QString::fromUtf8(text)).toStdString()) << text.toHex().constData();
+        ASSERT_EQ(zqFoldedUTF8(bytes, buffer), zqFold(QString::fromUtf8(text)).toStdString())
+            << text.toHex().constData();
     }
     for (const char *broken : {"\xc3", "a\xe2\x82", "\xc0\xaf", "\xed\xa0\x80x", "\xf0\x90\x90\x80\xc3\xa9"}) {
         EXPECT_EQ(zqFoldedUTF8(broken, buffer), zqFold(QString::fromUtf8(broken)).toStdString()) << broken;
@@ -297,6 +301,9 @@ TEST(ZQPredicate, ManyEqualitiesStayOneQuickLookup)
     EXPECT_EQ(ZQPredicate::predicateWithFormat(merged.predicateFormat()), merged) << "keeps its order";
     EXPECT_EQ(ZQPredicate::predicateWithFormat(text("title contains[dc] 'a'")).predicateFormat(),
               text("title CONTAINS[cd] \"a\""));
+    const ZQPredicate quoting = ZQPredicate::predicateWithFormat(text("title == %@"), {text("the \"a\\b\"")});
+    EXPECT_EQ(quoting.predicateFormat(), text("title == \"the \\\"a\\\\b\\\"\""));
+    EXPECT_EQ(ZQPredicate::predicateWithFormat(quoting.predicateFormat()), quoting);
     const QString spaced = ZQPredicate::predicateWithFormat(text("title == \"a b\\tc\"")).predicateFormat();
     EXPECT_TRUE(spaced.contains(text("a b"))) << spaced.toStdString() << ": only what is not to be seen is escaped";
 }

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QtEndian>
 
 #include <chrono>
 #include <csignal>
@@ -32,6 +33,34 @@ qint64 countOf(TestStore &store, const char *entity)
 QStringList filesOf(const TestStore &store)
 {
     return QDir(store.folder.path()).entryList(QDir::Files, QDir::Name);
+}
+
+// The first leaf of each tree in which what a many-to-many relationship ties is kept.
+void damageFirstLinks(const QString &path)
+{
+    const auto pages = [&path] {
+        QList<qint64> roots;
+        const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadOnly, nullptr);
+        ZQSQLiteStatement tree = connection->prepare(
+            QStringLiteral("SELECT rootpage FROM sqlite_master WHERE tbl_name LIKE 'zq\\_join%' ESCAPE '\\'"));
+        while (tree.next()) {
+            roots.append(tree.int64(0));
+        }
+        return roots;
+    }();
+    ASSERT_FALSE(pages.isEmpty());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray all = file.readAll();
+    for (const qint64 root : pages) {
+        constexpr int interiorOfIndex = 2;
+        constexpr int firstCell = 12; // where it begins
+        const char *const page = all.constData() + (root - 1) * storePageSize;
+        ASSERT_EQ(page[0], interiorOfIndex);
+        const auto leaf = qFromBigEndian<quint32>(page + qFromBigEndian<quint16>(page + firstCell));
+        ASSERT_TRUE(file.seek((qint64(leaf) - 1) * storePageSize));
+        ASSERT_EQ(file.write(QByteArray(storePageSize, '\x5A')), storePageSize);
+    }
 }
 
 } // namespace
@@ -109,6 +138,25 @@ TEST(ZQStoreDamage, PagesOverwrittenInTheMiddleCostOnlyTheirRowsAndNoKeyIsUsedAg
     next->setName(QStringLiteral("next"));
     ASSERT_TRUE(context.save());
     EXPECT_GT(next->objectID().key, 2000) << "the lost tags had the last keys";
+}
+
+TEST(ZQStoreDamage, TagsBehindADamagedPageStayWithTheirDocuments)
+{
+    TestStore store;
+    fillTestTags(store, 2000);
+    store.close();
+    ASSERT_NO_FATAL_FAILURE(damageFirstLinks(store.path));
+    ZQError error;
+    const auto report = ZQPersistentStoreCoordinator::recoverStoreAtPath(store.model, store.path, &error);
+    ASSERT_TRUE(report) << qPrintable(error.localizedDescription());
+    ASSERT_TRUE(store.coordinator()) << qPrintable(store.error.localizedDescription());
+    EXPECT_EQ(countOf(store, "TestTag"), 2000);
+    ZQManagedObjectContext context(store.coordinator());
+    const auto tagged = context.countForFetchRequest(
+        {QStringLiteral("TestTag"), ZQPredicate::predicateWithFormat(QStringLiteral("documents.@count == 1"))});
+    ASSERT_TRUE(tagged);
+    EXPECT_GT(*tagged, 1000);
+    EXPECT_LT(*tagged, 2000) << "those on the page are lost";
 }
 
 TEST(ZQStoreDamage, AfterAnUncleanEndTheStoreIsLookedAtBeforeItIsTakenOver)

@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <sqlite3.h>
+#include <thread>
 
 namespace {
 
@@ -306,4 +308,29 @@ TEST(ZQStoreIndexes, AnOpeningThatIsCancelledIsGoneOnWithAtTheNext)
         << "those of the new ones were taken too";
     EXPECT_EQ(value(store.path, QStringLiteral("SELECT count(*) FROM TestNode")), QStringLiteral("30000"));
     EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
+}
+
+// A commit may bring one along, and it asks nobody whether it is still wanted.
+TEST(ZQStoreIndexes, WorkingInTheLogEndsOnceTheOpeningIsCancelled)
+{
+    TestStore store;
+    ASSERT_TRUE(store.coordinator());
+    const auto writer = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    const auto opened = ZQSQLiteConnection::open(store.path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+    ASSERT_TRUE(opened->value(QStringLiteral("SELECT count(*) FROM TestNode")).isValid());
+    const auto cancellation = std::make_shared<ZQCancellation>();
+    const ZQCancellation::Scope scope(cancellation);
+    const ZQStoreInterruption interruption(*opened);
+    const auto workIn = [&] {
+        EXPECT_TRUE(writer->execute(QStringLiteral("INSERT OR REPLACE INTO zq_metadata VALUES ('test', 1)")));
+        return sqlite3_wal_checkpoint_v2(opened->handle(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+    };
+    EXPECT_EQ(workIn(), SQLITE_OK);
+    cancellation->cancel();
+    int result = SQLITE_OK;
+    for (int attempt = 0; attempt < 1000 && result == SQLITE_OK; ++attempt) { // who interrupts it looks now and then
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        result = workIn();
+    }
+    EXPECT_EQ(result, SQLITE_INTERRUPT);
 }

@@ -74,6 +74,17 @@ TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
     EXPECT_TRUE(coordinator->checkIntegrity().isEmpty());
 }
 
+TEST(ZQStoreLife, WhatAKilledMigrationWroteOfItsCopyIsWrittenAnew)
+{
+    TestStore older(olderModel());
+    writeStoreToMigrate(older);
+    QFile begun(older.path + QStringLiteral(".before-Version1"));
+    ASSERT_TRUE(begun.open(QIODevice::WriteOnly) && begun.write(QByteArray(10000, 'x')) > 0);
+    begun.close();
+    ASSERT_TRUE(older.coordinator()) << qPrintable(older.error.localizedDescription());
+    EXPECT_EQ(storeValue(begun.fileName(), QStringLiteral("SELECT heft FROM Label")).toInt(), 4);
+}
+
 TEST(ZQStoreLife, WhatAMigrationLeftToDoStaysWhileItsNotesCannotBeRead)
 {
     for (const char *key : {"pendingVersions", "pendingProgress", "lastKeysBeforeMigration", "copiesBeforeMigration"}) {
@@ -358,7 +369,9 @@ TEST(ZQStoreLife, WhatIsNoStoreIsRefusedWithAReason)
             file.write(content);
         }
         EXPECT_FALSE(store.coordinator());
-        EXPECT_FALSE(ZQPersistentStoreCoordinator::metadataForStoreAtPath(store.path));
+        ZQError said;
+        EXPECT_FALSE(ZQPersistentStoreCoordinator::metadataForStoreAtPath(store.path, &said));
+        EXPECT_EQ(said.code, store.error.code) << "whoever only looks is told the same";
         EXPECT_FALSE(store.error.localizedDescription().isEmpty());
         return store.error.code;
     };

@@ -72,6 +72,24 @@ TEST(ZQStoreRoundTrip, EveryTypeComesBackAndNullStaysNull)
     EXPECT_TRUE(empty->flag()) << "the model's default";
 }
 
+TEST(ZQStoreRoundTrip, WhatAClassHasNoPlaceForStaysInTheStore)
+{
+    TestStore store(QByteArray(testModelJSON)
+                        .replace("{ \"name\": \"weight\",",
+                                 "{ \"name\": \"mood\", \"type\": \"string\" }, { \"name\": \"weight\","));
+    ZQManagedObjectContext context(store.coordinator());
+    const auto tag = context.insertNewObject<TestTag>();
+    tag->setName(QStringLiteral("tag"));
+    ASSERT_TRUE(context.save(&store.error)) << qPrintable(store.error.localizedDescription());
+    ZQSQLiteConnection &connection = *ZQObjectAccess::connection(context);
+    EXPECT_EQ(connection.value(QStringLiteral("SELECT mood IS NULL FROM TestTag")).toInt(), 1);
+    ASSERT_TRUE(connection.execute(QStringLiteral("UPDATE TestTag SET mood = 'good'")));
+    tag->setName(QStringLiteral("other"));
+    ASSERT_TRUE(context.save(&store.error)) << qPrintable(store.error.localizedDescription());
+    EXPECT_EQ(connection.value(QStringLiteral("SELECT mood || name FROM TestTag")).toString(),
+              QStringLiteral("goodother"));
+}
+
 TEST(ZQStoreRoundTrip, KeyValueAccessConvertsAndRefusesWhatDoesNotFit)
 {
     TestStore store;

@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include <exiv2/exiv2.hpp>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -336,6 +337,39 @@ TEST(DecodingTest, FramesThatSayNextToNothingOfTheirTimeAreShownAsLongAsUsual)
     EXPECT_EQ(described(zqVipsDecoder, ZQSourceFile()), damaged);
 }
 
+TEST(DecodingTest, AResolutionThatNobodyMeansIsNotSaid)
+{
+    const auto dpiOf = [](int dotsPerMetre) {
+        QImage image = gradient({4, 4});
+        image.setDotsPerMeterX(dotsPerMetre);
+        image.setDotsPerMeterY(dotsPerMetre);
+        const auto properties = zqVipsDecoder.properties(fileOf(encoded(image, "PNG"), "a.png"), nullptr);
+        return properties ? properties->dpi : -1;
+    };
+    EXPECT_EQ(dpiOf(11811), 300);
+    EXPECT_EQ(dpiOf(1000), 0) << "stands for none";
+    EXPECT_EQ(dpiOf(1'000'000'000), 0);
+}
+
+TEST_F(Folder, AJPEG2000PictureWithoutSmallerSizesOfItselfIsDrawnFromItsOnlyOne)
+{
+    const QString name = path("a.jp2");
+    ASSERT_TRUE(SampleFormats::writeJPEG2000(gradient({40, 40}), name));
+    const ZQBitmap bitmap = zqVipsDecoder.decode({ZQSourceFile::open(name), {10, 10}}, nullptr);
+    EXPECT_EQ(bitmap.size(), QSize(10, 10));
+    EXPECT_FALSE(bitmap.isIncomplete());
+}
+
+TEST_F(Folder, OfACutWebPPictureThereIsItsFirstFrameAlone)
+{
+    const QString name = path("a.webp");
+    ASSERT_TRUE(SampleFormats::writeWebP(gradient({200, 200}), name));
+    const QByteArray whole = read(name);
+    const ZQSourceFile cut = fileOf(whole.left(whole.size() * 3 / 4), "a.webp");
+    EXPECT_TRUE(zqVipsDecoder.decode({cut, {}}, nullptr).isIncomplete());
+    EXPECT_EQ(drawn(zqVipsDecoder, {cut, {}, 1}), damaged);
+}
+
 TEST(SourceFileTest, ReadsTheStartOnceAndEveryReaderFromTheBeginning)
 {
     for (const auto &[size, start] :
@@ -385,6 +419,8 @@ TEST_F(Folder, KeywordsAreTheOnesOfThePressInTheirOrder)
               (QStringList{QStringLiteral("harbour"), QStringLiteral("été"), QStringLiteral("café")}));
     EXPECT_EQ(zqKeywordsOfFile(fileOf("no picture", "a.jpg")), QStringList());
     EXPECT_EQ(zqKeywordsOfFile(ZQSourceFile()), QStringList());
+    const ZQSourceFile unreadable(ZQFileDescriptor(::open(qPrintable(tagged), O_WRONLY | O_CLOEXEC)), tagged);
+    EXPECT_EQ(zqKeywordsOfFile(unreadable), QStringList());
 }
 
 TEST_F(ChildProcessTest, RunsWithinItsFolderAndItsLimits)

@@ -265,6 +265,7 @@ const QHash<QString, Fault> faults{
     {QStringLiteral("connect"), [](const ZQSourceFile &) { report(usesNetwork(::connect)); }},
     {QStringLiteral("listen"), [](const ZQSourceFile &) { report(usesNetwork(::bind)); }},
     {QStringLiteral("signal"), [](const ZQSourceFile &) { report(::kill(::getppid(), 0) == 0); }},
+    {QStringLiteral("speak"), [](const ZQSourceFile &) { report(::write(STDOUT_FILENO, "noise", 5) == 5); }},
     {QStringLiteral("call-local"), [](const ZQSourceFile &) { report(::socket(AF_UNIX, SOCK_STREAM, 0) >= 0); }},
 };
 
