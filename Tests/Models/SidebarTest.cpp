@@ -108,11 +108,16 @@ TEST_F(Sidebar, SeedsTheGeneratedTagsInCodeOrderAndOnlyOnce)
 TEST_F(Sidebar, GivesFixedEntriesTheirTitlesBackAndLeavesOthersAlone)
 {
     zqSeedFixedSidebar(context);
-    ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(0), context)->setTitle(QStringLiteral("x"));
-    ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(1004), context)->setTitle(QStringLiteral("x"));
+    const std::pair<int, const char *> titles[] = {{0, "LIBRARY"},   {2, "Recent"},   {2001, "icon"},   {2004, "large"},
+                                                   {2005, "vector"}, {1000, "white"}, {1004, "orange"}, {1009, "pink"}};
+    for (const auto &[kind, title] : titles) {
+        ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(kind), context)->setTitle(QStringLiteral("x"));
+    }
     zqUpdateFixedTitles(context);
-    EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(0), context)->title(), QStringLiteral("LIBRARY"));
-    EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(1004), context)->title(), QStringLiteral("orange"));
+    for (const auto &[kind, title] : titles) {
+        EXPECT_EQ(ZQSidebarBaseItem::specialItemOfKind(ZQSidebarKind(kind), context)->title(),
+                  QLatin1StringView(title));
+    }
     EXPECT_TRUE(ZQSidebarTag::tagWithTagName(QStringLiteral("Sample tag"), context));
 }
 

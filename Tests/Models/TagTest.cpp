@@ -122,6 +122,20 @@ TEST_F(Tag, DuplicatesAreReportedOnceByTitle)
     EXPECT_EQ(ZQSidebarTag::contextContainsDuplicatedTags(context), QStringList{QStringLiteral("x")});
 }
 
+TEST_F(Tag, TagsThatCannotBeReadAreNoneAndNothingIsMerged)
+{
+    const auto first = ZQSidebarTag::addNewTagWithName(QStringLiteral("x"), context);
+    ZQSidebarTag::addNewTagWithName(QStringLiteral("x"), context);
+    ASSERT_TRUE(context.save());
+    library.renameTable("ZQSidebarBaseItem", "away");
+    EXPECT_FALSE(ZQSidebarTag::tagsByNameInManagedObjectContext(context).has_value());
+    EXPECT_TRUE(ZQSidebarTag::contextContainsDuplicatedTags(context).isEmpty());
+    ZQSidebarTag::mergeTagsNamed({QStringLiteral("x")}, context);
+    EXPECT_FALSE(context.hasChanges());
+    library.renameTable("away", "ZQSidebarBaseItem");
+    EXPECT_EQ(ZQSidebarTag::contextContainsDuplicatedTags(context), QStringList{first->title()});
+}
+
 // Stores of older versions hold names that came decomposed from a file, and breaks that a rename let in.
 TEST_F(Tag, OneNameIsOneTagInWhateverFormItComes)
 {

@@ -9,7 +9,9 @@
 
 #include <QThread>
 
+#include <climits>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <atomic>
 
@@ -219,6 +221,11 @@ TEST_F(LibraryMoves, EverythingInALibraryComesAlongAsItIs)
     written(source + QStringLiteral("/Library/.hidden"), "hidden");
     ASSERT_TRUE(QFile::link(outside, source + QStringLiteral("/Library/link")));
     ASSERT_TRUE(QFile::link(QStringLiteral("gone"), source + QStringLiteral("/broken")));
+    QByteArray longest(PATH_MAX - 1, 'l'); // fewer where the file system takes no such link
+    while (::symlink(longest.constData(), QFile::encodeName(source + QStringLiteral("/long")).constData()) != 0) {
+        longest.chop(longest.size() / 2);
+        ASSERT_FALSE(longest.isEmpty());
+    }
     ASSERT_EQ(::chmod(QFile::encodeName(source + QStringLiteral("/Library")).constData(), 0710), 0);
     const QString destination = volume.folder.filePath(QStringLiteral("Far.ztlibrary"));
     ZQError error;
@@ -227,6 +234,10 @@ TEST_F(LibraryMoves, EverythingInALibraryComesAlongAsItIs)
     EXPECT_EQ(contentOf(destination + QStringLiteral("/Library/.hidden")), QByteArray("hidden"));
     EXPECT_EQ(QFileInfo(destination + QStringLiteral("/Library/link")).symLinkTarget(), outside);
     EXPECT_TRUE(QFileInfo(destination + QStringLiteral("/broken")).isSymLink());
+    QByteArray copied(PATH_MAX, '\0');
+    const ssize_t length = ::readlink(QFile::encodeName(destination + QStringLiteral("/long")).constData(),
+                                      copied.data(), std::size_t(copied.size()));
+    EXPECT_EQ(copied.left(length), longest) << "to its last letter";
     struct stat status = {};
     ASSERT_EQ(::stat(QFile::encodeName(destination + QStringLiteral("/Library")).constData(), &status), 0);
     EXPECT_EQ(status.st_mode & ALLPERMS, mode_t(0710));

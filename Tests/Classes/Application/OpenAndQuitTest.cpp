@@ -229,6 +229,24 @@ TEST_F(ApplicationTest, QuittingPurgesDeletedSidebarEntriesAndNotesWhichDirector
     EXPECT_EQ(note.readAll(), "deleted.ztlibraryitem") << "a kill from here on is explained by it";
 }
 
+TEST_F(ApplicationTest, WhatTwoQuitsHavePurgedIsNotedOnce)
+{
+    const auto delegate = launched();
+    addItem(*delegate, QStringLiteral("deleted"))->setActive(false);
+    delegate->saveAction();
+    {
+        const RefusingStore refusing(delegate->persistentStoreCoordinator()->path(),
+                                     {QStringLiteral("ZQLibraryBaseItem")});
+        EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Cancel);
+    }
+    delegate->saveAction(); // without what was purged, whose directory is still there
+    addItem(*delegate, QStringLiteral("later"))->setActive(false);
+    EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
+    QFile note(delegate->libraryBundleDirectory() + QStringLiteral("/pending-removals"));
+    ASSERT_TRUE(note.open(QIODevice::ReadOnly));
+    EXPECT_EQ(note.readAll(), "deleted.ztlibraryitem\nlater.ztlibraryitem");
+}
+
 TEST_F(ApplicationTest, WhatAFailedQuitHadPurgedIsNoLossToTheNextLaunch)
 {
     for (const bool isKilled : {false, true}) {

@@ -52,6 +52,20 @@ TEST_F(IndexReaderTest, RowsThatCannotBeReadAreNotTakenForGone)
     EXPECT_TRUE(read({{}, {key}, {}})->sidebar.value(key));
 }
 
+TEST_F(IndexReaderTest, WithoutAllOfItThereIsNoIndex)
+{
+    const QByteArray ties = library.coordinator()
+                                ->managedObjectModel()
+                                ->entity(ZQLibraryBaseItem::entityName())
+                                ->relationship(QStringLiteral("tags"))
+                                ->joinTable.toLatin1();
+    library.renameTable(ties.constData(), "away"); // and the items can be read
+    EXPECT_FALSE(IndexReader::readAll(library.coordinator(), &error));
+    EXPECT_FALSE(error.isNull());
+    library.renameTable("away", ties.constData());
+    EXPECT_TRUE(IndexReader::readAll(library.coordinator(), &error));
+}
+
 TEST_F(IndexReaderTest, ATagThatWasTakenForGoneIsReadAgainWhenAnItemCarriesIt)
 {
     ASSERT_TRUE(columns);

@@ -68,12 +68,20 @@ TEST_F(SidebarCommandsTest, ASearchIsSavedWhereAProjectWouldGoAndItsTextChangesW
     commands.setSearchText(after, QStringLiteral("z"));
     commands.setSearchText(first, QStringLiteral("z"));
     EXPECT_EQ(undoStack.count(), steps) << "nothing to change";
+    const QString most(ZQSidebarSmartFolder::longestSearchText, u'x');
+    commands.setSearchText(after, most + u'x');
+    EXPECT_FALSE(commands.addSmartFolder(most + u'x', {}, after));
+    EXPECT_EQ(undoStack.count(), steps) << "a text that is too long to be kept";
+    EXPECT_EQ(titles(projects), (QStringList{"First", "#r>3 logo", "After", "Folder"}));
     undoStack.undo();
     EXPECT_EQ(textOf(after), QStringLiteral("x"));
     undoStack.redo();
     EXPECT_EQ(textOf(after), QStringLiteral("z"));
     EXPECT_TRUE(commands.validateNewTitle(QStringLiteral("Best"), after));
     EXPECT_EQ(after->title(), QStringLiteral("Best"));
+    commands.setSearchText(after, most);
+    EXPECT_EQ(textOf(after), most);
+    EXPECT_TRUE(commands.addSmartFolder(most, {}, after));
 }
 
 TEST_F(SidebarCommandsTest, WhatASmartFolderFindsIsNotDeletedWithIt)

@@ -2,6 +2,7 @@
 
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/ImportReport.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -175,6 +176,22 @@ TEST_F(ImportFeedbackTest, TheEndSaysHowManyCameAndWhyTheOthersDidNot)
         }
     }
     EXPECT_EQ(user.notificationTexts(), QStringList()) << "all went well";
+}
+
+TEST(ImportReport, WhatIsSaidLastOfAnIncompletePictureCounts)
+{
+    using Telling = DroppedFile::Telling;
+    ImportReport report;
+    const QString part = QStringLiteral("/part.png");
+    report.addDropped({part, QStringLiteral("incomplete"), Telling::InWindowIncomplete});
+    report.addDropped({QStringLiteral("/other.png"), QStringLiteral("incomplete"), Telling::InWindowIncomplete});
+    report.addDropped({part, QStringLiteral("the disk is full"), Telling::InWindow});
+    const QList<DroppedFile> dropped = report.dropped();
+    ASSERT_EQ(dropped.size(), 2);
+    EXPECT_EQ(dropped.first().path, QStringLiteral("/other.png"));
+    EXPECT_EQ(dropped.last().path, part);
+    EXPECT_EQ(dropped.last().reason, QStringLiteral("the disk is full"));
+    EXPECT_FALSE(dropped.last().isImportedInPart());
 }
 
 TEST_F(ImportFeedbackTest, ADialogueOffersWhatIsTakenAndNothingElse)

@@ -104,6 +104,9 @@ TEST_F(ImportTargets, FoldersKeepTheirOrderAtThePlaceOfTheDrop)
     EXPECT_EQ(childTitles(*projectsLabel()), before.mid(0, 1) + made + before.mid(1));
     const auto b = projectsLabel()->orderedChildren().at(2);
     EXPECT_EQ(childTitles(*b), (QStringList{QStringLiteral("B"), QStringLiteral("Sub 9"), QStringLiteral("Sub 10")}));
+    for (qint32 i = 0; i < 3; ++i) {
+        EXPECT_EQ(b->orderedChildren().at(i)->order(), i) << "a place of its own for each";
+    }
     EXPECT_EQ(titles(b->orderedChildren().first()->items()), (QStringList{QStringLiteral("2"), QStringLiteral("10")}));
     EXPECT_EQ(droppedPaths(operation->report()), QStringList{path(QStringLiteral("drop/Empty"))});
     EXPECT_EQ(operation->foldersAndArchivesPathOrdered(),

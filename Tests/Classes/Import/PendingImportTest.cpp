@@ -32,6 +32,17 @@ TEST_F(ResumeTest, ALineThatWasCutOffSwallowsNoOther)
               (QStringList{QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
 }
 
+TEST_F(ResumeTest, ALineOfWhichOneByteIsThereSwallowsNoOther)
+{
+    const auto file = PendingImportFile::create(folder(), request({path(QStringLiteral("in/a.png"))}));
+    const QString name = QFileInfo(QDir(folder()).entryList({QStringLiteral("*.plist")}).value(0)).completeBaseName();
+    writeFile(QStringLiteral("Zelto.ztlibrary/pending-imports/") + name + QStringLiteral(".sources"), "[");
+    ASSERT_TRUE(file && file->addSources({{QStringLiteral("ID"), QStringLiteral("/a"), {}, 0}}));
+    const auto sources = file->sources().value_or(QList<PendingImportFile::Source>());
+    ASSERT_EQ(sources.size(), 1);
+    EXPECT_EQ(sources.first().bundleID, QStringLiteral("ID"));
+}
+
 TEST_F(ResumeTest, NothingIsReadOrWrittenThroughALinkOrAPipe)
 {
     const QString a = writeImage(QStringLiteral("in/a.png"), {20, 20});
