@@ -75,9 +75,9 @@ void ZQSwitch::paintEvent(QPaintEvent * /*event*/)
 
 int ZQSwitch::segmentAt(const QPoint &point) const
 {
-    for (int i = 0; i < m_segments.size(); ++i) {
-        if (segmentRect(i).contains(point)) {
-            return i;
+    for (int segment = 0; segment < m_segments.size(); ++segment) {
+        if (segmentRect(segment).contains(point)) {
+            return segment;
         }
     }
     return -1;

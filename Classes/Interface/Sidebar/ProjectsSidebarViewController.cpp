@@ -386,7 +386,7 @@ void ProjectsSidebarViewController::deleteItemAndContent()
 
 void ProjectsSidebarViewController::selectNeighbourAfterDeletion(const ZQObjectID &neighbour)
 {
-    reload();
+    reload(); // what it chooses gives way to the neighbour
     selectItems({neighbour});
 }
 

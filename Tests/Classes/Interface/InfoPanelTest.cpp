@@ -2,6 +2,7 @@
 
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
+#include "Classes/Interface/InfoPanel/DocumentSize.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
@@ -466,6 +467,8 @@ TEST_F(InfoPanelTest, ManyAreSummedUpBesideTheWindow)
 
 TEST_F(InfoPanelTest, ADocumentSaysItsPagesAndTheirSizeOnPaper)
 {
+    EXPECT_TRUE(DocumentSize::isDocument(QStringLiteral("/in/brochure.PDF")));
+    EXPECT_FALSE(DocumentSize::isDocument(QStringLiteral("/in/icon.svg"))) << "a drawing has no pages";
     select({QStringLiteral("pages")});
     image(QStringLiteral("pages"))->setPixelWidth(0);
     delegate->saveAction();

@@ -24,6 +24,8 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 
+#include <map>
+
 namespace {
 
 ZQUserDefaults &defaults()
@@ -105,6 +107,25 @@ protected:
         return nullptr;
     }
     static bool isOn(const char *key) { return defaults().boolForKey(QLatin1StringView(key)); }
+    // What stands in the pane, from the top and from the left; fields by their labels.
+    std::string read()
+    {
+        std::map<std::pair<int, int>, QString> texts;
+        for (QWidget *each : pane().findChildren<QWidget *>()) {
+            const QPoint place = each->mapTo(&pane(), QPoint());
+            const auto *label = qobject_cast<QLabel *>(each);
+            const auto *button = qobject_cast<QAbstractButton *>(each);
+            const QString text = label ? label->text() : button ? button->text() : QString();
+            if (each->isVisible() && !text.isEmpty()) {
+                texts[{place.y(), place.x()}] = QString(text).remove(u'&');
+            }
+        }
+        QString result;
+        for (const auto &[place, text] : texts) {
+            result += text + u'\n';
+        }
+        return result.toStdString();
+    }
     LibraryPane &library() { return *qobject_cast<LibraryPane *>(&pane()); }
     QString findings() { return pane().findChild<QPlainTextEdit *>()->toPlainText(); }
 };
@@ -266,6 +287,29 @@ TEST_F(PreferencesWindowTest, ANumberCountsWhenItIsWholeAndADefaultWhereItIsNone
     EXPECT_EQ(defaults().integerForKey(QStringLiteral("ArchiveMaximumTotalSize")), qint64(17) << 30);
     defaults().setObjectForKey(qint64(5) << 30, QStringLiteral("ArchiveMaximumTotalSize"));
     EXPECT_TRUE(waitFor([&] { return size->value() == 5; }));
+}
+
+TEST_F(PreferencesWindowTest, WhatBelongsTogetherStandsTogether)
+{
+    open();
+    choose("Import");
+    settle();
+    EXPECT_EQ(read(), "Import\n"
+                      "FROM EACH FILE\n"
+                      "Take the keywords of pictures as tags\n"
+                      "Make a thumbnail of small pictures, too\n"
+                      "Otherwise pictures of up to 256 KiB are shown from their own file.\n"
+                      "FILES OPENED WITH ZELTO\n"
+                      "Show them in Recent\n"
+                      "ARCHIVES\n"
+                      "An archive that holds more is not unpacked.\n"
+                      "Unpacked size, at most\n"
+                      "Files and folders, at most\n"
+                      "Packed how many times smaller, at most\n"
+                      "Archives in archives, at most\n");
+    choose("Advanced");
+    settle();
+    EXPECT_NE(read().find("New…\nOpen…\nMove…\nShow in Files\nAnother library"), std::string::npos) << read();
 }
 
 TEST_F(PreferencesWindowTest, EachControlHasANameAndAKeyOfItsOwn)

@@ -72,6 +72,10 @@ TEST_F(SearchFieldTest, TokensAreCompletedByKeys)
     EXPECT_EQ(options(), QString());
     search().undo();
     EXPECT_EQ(search().text(), QStringLiteral("#color bl")) << "as if it had been typed";
+    enter("#color whit");
+    EXPECT_EQ(options(), QStringLiteral("white"));
+    type(QStringLiteral("e"));
+    EXPECT_EQ(options(), QString()) << "what is typed in full";
 }
 
 TEST_F(SearchFieldTest, EnterGoesOnWhereNothingIsChosenAndEscGoesStepByStep)
@@ -113,6 +117,10 @@ TEST_F(SearchFieldTest, TabTakesWhatIsOfferedAndGoesOnWhereNothingIs)
     ASSERT_TRUE(waitFor([this] { return options() == QStringLiteral("minestrone mine"); })) << options().toStdString();
     press(Qt::Key_Tab);
     EXPECT_EQ(search().text(), QStringLiteral("#tag mine ")) << "it was typed to the end";
+    enter("#n");
+    EXPECT_TRUE(options().startsWith(QStringLiteral("#title #notes"))) << options().toStdString();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(search().text(), QStringLiteral("#notes ")) << "which it is short for";
     enter("#ti");
     press(Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(search().text(), QStringLiteral("#ti"));

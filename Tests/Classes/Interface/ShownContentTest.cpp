@@ -46,6 +46,9 @@ TEST_F(ShownContentTest, ADragCarriesEveryItemAndIsReadInOneGo)
     BrowserContent content(window);
     content.setSidebarItems({everything->objectID()});
     settle();
+    content.willShow(0, 9);
+    EXPECT_FALSE(content.libraryItem(9)->isFault()) << "all that is seen is read in one go";
+    EXPECT_TRUE(content.libraryItem(10)->isFault());
     ZQIndexSet all;
     all.insert(0, content.count() - 1);
     const ZQSQLiteConnection *connection = ZQObjectAccess::connection(library.context());

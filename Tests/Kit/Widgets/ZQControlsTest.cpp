@@ -157,9 +157,13 @@ TEST_F(Strip, ThePointerChoosesClosesOpensAndMoves)
     EXPECT_EQ(take(), QString()) << "twelve pixels are no drag";
     move({first - 10, 10});
     EXPECT_EQ(take(), QStringLiteral("moved 1 0"));
+    move({first + 2, 10});
+    EXPECT_EQ(take(), QString()) << "twelve pixels from where it moved";
+    move({first + 2 + 1, 10});
+    EXPECT_EQ(take(), QStringLiteral("moved 0 1")) << "and not from where it was taken";
     move({end + 100, 10});
     move(onThird);
-    EXPECT_EQ(take(), QStringLiteral("moved 0 2")) << "it goes on from where it is";
+    EXPECT_EQ(take(), QStringLiteral("moved 1 2")) << "it goes on from where it is";
     move({onThird.x() + 3, 10});
     QTest::mouseRelease(&strip, Qt::LeftButton, {}, onThird);
     move(onFirst);
@@ -231,6 +235,9 @@ TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
     };
     EXPECT_TRUE(inked({first - 20, 13, 10, 10}));
     EXPECT_TRUE(inked({12, 8, 20, 20})) << "its title";
+    strip.setTabs({QString(80, u'w'), QStringLiteral("Two")}, 0); // 200 wide
+    EXPECT_TRUE(inked({150, 8, 10, 20}));
+    EXPECT_FALSE(inked({175, 8, 5, 20})) << "a long title ends before the mark";
     strip.setTabs({QStringLiteral("mmmmmmmmmmmm")}, 0);
     const int only = natural(QStringLiteral("mmmmmmmmmmmm"), 26);
     EXPECT_TRUE(inked({only - 25, 8, 14, 20})) << "the title goes on where no mark is";

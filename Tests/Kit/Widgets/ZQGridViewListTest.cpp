@@ -323,4 +323,14 @@ TEST_F(ZQGridViewListTest, TheStyleChangesWithoutLosingThePlace)
     view.setScrollOffset(0);
     view.setShowsList(false);
     EXPECT_EQ(view.scrollOffset(), 0) << "what is at the top stays there";
+
+    Rows groups(4000, {{QStringLiteral("One"), 2000}, {QStringLiteral("Two"), 2000}});
+    view.setDataSource(&groups);
+    view.setCurrentIndex(3000);
+    for (const bool isList : {true, false}) {
+        view.setShowsList(isList);
+        const qint64 offset = view.scrollOffset();
+        view.scrollToIndex(3000);
+        EXPECT_EQ(view.scrollOffset(), offset) << "no head touches it " << isList;
+    }
 }
