@@ -277,13 +277,15 @@ void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)
     editTitle(m_commands.addNewListItem(kind, selected.isEmpty() ? SidebarCommands::Item() : selected.last()));
 }
 
-void ProjectsSidebarViewController::addSmartFolder(const QString &searchText, const QString &typed,
+bool ProjectsSidebarViewController::addSmartFolder(const QString &searchText, const QString &typed,
                                                    const SidebarCommands::Order &order)
 {
     m_switch->setCurrentIndex(0);
     const auto selected = selectedObjects();
     const auto beside = selected.isEmpty() ? SidebarCommands::Item() : selected.last();
-    editTitle(m_commands.addSmartFolder(searchText, SidebarCommands::nameOfSearch(typed), beside, order));
+    const auto item = m_commands.addSmartFolder(searchText, SidebarCommands::nameOfSearch(typed), beside, order);
+    editTitle(item);
+    return bool(item);
 }
 
 void ProjectsSidebarViewController::openAround(const SidebarCommands::Item &item)

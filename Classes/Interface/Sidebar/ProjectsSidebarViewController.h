@@ -34,8 +34,9 @@ public:
     void addNewFolder() { add(SidebarCommands::NewItem::Folder); }
     void addNewTag();
     void addNew(); // a tag or a project, by the side that is shown
-    // After what is selected, with its name, which is what was typed, to be edited.
-    void addSmartFolder(const QString &searchText, const QString &typed, const SidebarCommands::Order &order);
+    // After what is selected, with its name, which is what was typed, to be edited. False when there is no place for
+    // it.
+    bool addSmartFolder(const QString &searchText, const QString &typed, const SidebarCommands::Order &order);
     void sortTagsByTitle(bool byTitle); // or as they were ordered by hand; kept
     bool areTagsSortedByTitle() const;
     void deleteItem(); // the selection

@@ -147,8 +147,9 @@ void SavedSearchActions::saveSearch()
     const SavedSearchText::Shown before = shown();
     endEditing();
     Q_EMIT sidebarRequested();
-    m_sidebar.addSmartFolder(text, typed, order);
-    compare(before, text);
+    if (m_sidebar.addSmartFolder(text, typed, order)) {
+        compare(before, text);
+    }
 }
 
 void SavedSearchActions::editSearch()
