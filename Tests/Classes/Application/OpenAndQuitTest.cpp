@@ -239,8 +239,8 @@ TEST_F(ApplicationTest, WhatTwoQuitsHavePurgedIsNotedOnce)
                                      {QStringLiteral("ZQLibraryBaseItem")});
         EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Cancel);
     }
-    delegate->saveAction(); // without what was purged, whose directory is still there
     addItem(*delegate, QStringLiteral("later"))->setActive(false);
+    delegate->saveAction(); // without what was purged, whose directory is still there
     EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
     QFile note(delegate->libraryBundleDirectory() + QStringLiteral("/pending-removals"));
     ASSERT_TRUE(note.open(QIODevice::ReadOnly));
