@@ -40,7 +40,7 @@ private:
     std::vector<std::unique_ptr<ZQEntityDescription>> m_entities;
     std::vector<ZQEntityDescription *> m_parentsFirst;
     QHash<QString, QJsonObject> m_sources;
-    // The entity each property was written in, by "ENTITY/PROPERTY" of every entity that has it.
+    // The entity each relationship was written in, by "ENTITY/RELATIONSHIP" of every entity that has it.
     QHash<QString, QString> m_declaring;
 };
 

@@ -564,8 +564,9 @@ TEST_F(RenderPoolTest, AThumbnailerReadsTheFileItDrawsAndNoOther)
     QString failure;
     const auto process = ZQRenderProcess::start({.time = 30s}, STDIN_FILENO, &failure);
     const ZQRenderRequest request{Kind::Thumbnailer, box, 0, drawn, false};
-    EXPECT_TRUE(process && process->send(request, STDIN_FILENO)) << qPrintable(failure);
+    const bool isSent = process && process->send(request, STDIN_FILENO);
     ::dup2(input.get(), STDIN_FILENO);
+    ASSERT_TRUE(isSent) << qPrintable(failure);
     EXPECT_EQ(process->receive(request, 30s).bitmap.size(), QSize(100, 50));
 }
 

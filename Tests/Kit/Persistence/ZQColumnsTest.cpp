@@ -1,6 +1,7 @@
 #include "Kit/Persistence/ZQColumns.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Persistence/ZQByteSearch.h"
+#include "Kit/Persistence/ZQColumnScan.h"
 #include "Kit/Persistence/ZQTextScan.h"
 #include "Tests/Kit/Persistence/RandomPredicates.h"
 
@@ -287,8 +288,24 @@ TEST(ZQColumns, SearchEveryBlockAndSeeWhatWasChangedInOne)
     const auto cancellation = std::make_shared<ZQCancellation>();
     const ZQCancellation::Scope scope(cancellation);
     cancellation->cancel();
+    EXPECT_EQ(rows.matching("text contains[cd] 'row'"), ManyRows::count + 1);
+}
+
+TEST(ZQColumns, AScanOfAnyKindSaysThatItWasCancelled)
+{
+    const ManyRows rows;
+    const ZQRowSet all(ManyRows::count, true);
     for (const char *format : {"text contains[cd] 'row'", "number == 5", "kind == 'odd'"}) {
-        EXPECT_EQ(rows.matching(format), ManyRows::count + 1) << format << " found some, and says that these are all";
+        SCOPED_TRACE(format);
+        const ZQPredicate predicate = ZQPredicate::predicateWithFormat(QString::fromLatin1(format));
+        const ZQComparison &comparison = predicate.root()->comparison;
+        const auto column = rows.column(comparison.left.keys);
+        ASSERT_TRUE(column);
+        const auto cancellation = std::make_shared<ZQCancellation>();
+        const ZQCancellation::Scope scope(cancellation);
+        EXPECT_TRUE(ZQColumnScan(comparison).rows(*column, all));
+        cancellation->cancel();
+        EXPECT_FALSE(ZQColumnScan(comparison).rows(*column, all));
     }
 }
 

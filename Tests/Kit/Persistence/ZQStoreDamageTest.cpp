@@ -40,9 +40,9 @@ void damageFirstLinks(const QString &path)
 {
     const auto pages = [&path] {
         QList<qint64> roots;
-        const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadOnly, nullptr);
-        ZQSQLiteStatement tree = connection->prepare(
-            QStringLiteral("SELECT rootpage FROM sqlite_master WHERE tbl_name LIKE 'zq\\_join%' ESCAPE '\\'"));
+        const auto connection = ZQSQLiteConnection::open(path, ZQSQLiteConnection::Mode::ReadWrite, nullptr);
+        ZQSQLiteStatement tree = connection->prepare(QStringLiteral(
+            "SELECT rootpage FROM sqlite_master WHERE tbl_name LIKE 'zq\\_join%' ESCAPE '\\' AND rootpage > 0"));
         while (tree.next()) {
             roots.append(tree.int64(0));
         }
