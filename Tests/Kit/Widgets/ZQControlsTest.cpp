@@ -237,7 +237,7 @@ TEST_F(Strip, TheCurrentAndTheOneUnderThePointerStandOut)
     EXPECT_TRUE(inked({12, 8, 20, 20})) << "its title";
     strip.setTabs({QString(80, u'w'), QStringLiteral("Two")}, 0); // 200 wide
     EXPECT_TRUE(inked({150, 8, 10, 20}));
-    EXPECT_FALSE(inked({175, 8, 5, 20})) << "a long title ends before the mark";
+    EXPECT_FALSE(inked({175, 8, 4, 20})) << "a long title ends before the mark";
     strip.setTabs({QStringLiteral("mmmmmmmmmmmm")}, 0);
     const int only = natural(QStringLiteral("mmmmmmmmmmmm"), 26);
     EXPECT_TRUE(inked({only - 25, 8, 14, 20})) << "the title goes on where no mark is";
