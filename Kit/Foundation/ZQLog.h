@@ -12,7 +12,8 @@ Q_DECLARE_LOGGING_CATEGORY(zqLogImport)      // zelto.import
 Q_DECLARE_LOGGING_CATEGORY(zqLogImaging)     // zelto.imaging
 Q_DECLARE_LOGGING_CATEGORY(zqLogTags)        // zelto.tags
 Q_DECLARE_LOGGING_CATEGORY(zqLogInterface)   // zelto.interface
-// zelto.features: which features are used, by name. Silent unless it is turned on, and nothing of it leaves the machine.
+// zelto.features: which features are used, by name. Silent unless it is turned on, and nothing of it leaves the
+// machine.
 Q_DECLARE_LOGGING_CATEGORY(zqLogFeatures)
 
 // Prints how long its scope took, when the environment's ZELTO_TRACE (a comma list of subsystems, or "all") names

@@ -63,8 +63,8 @@ public:
     void setEditsSearch(bool edits); // `goToSidebarItems` keeps what was edited, for when it comes back there
     // Whether what is shown is found by a saved search, so that any change may touch it.
     bool showsSavedSearch() const;
-    // Of rows of library items; null: all. What the search makes of the text, whose "today" is today; what was set where
-    // there is no text.
+    // Of rows of library items; null: all. What the search makes of the text, whose "today" is today; what was set
+    // where there is no text.
     ZQPredicate filterPredicate() const;
     void setFilterPredicate(const ZQPredicate &predicate);
     // Its format, for other readers of the tab; empty for none. Made when it is first asked for, and kept as long as
