@@ -1,10 +1,15 @@
 #include "Classes/Command/ItemListing.h"
 
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
+
+#include <utility>
 
 namespace {
 
@@ -32,32 +37,60 @@ QJsonObject itemObject(ZQLibraryBaseItem &item)
     return object;
 }
 
-QJsonArray itemObjects(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+// The elements alone, as they stand in the text of a whole array.
+QByteArray asElements(const QJsonArray &array)
 {
-    constexpr qsizetype atATime = 1000;
-    QJsonArray array;
-    for (qsizetype start = 0; start < items.size(); start += atATime) {
-        const QList<ZQRef<ZQLibraryBaseItem>> batch = items.mid(start, atATime);
-        const auto tags = zqPrefetch(batch, QStringLiteral("tags"));
-        const auto projects = zqPrefetch(batch, QStringLiteral("projectsItems.project"));
-        ZQLibraryBaseItem::lookForFiles(batch);
-        for (const ZQRef<ZQLibraryBaseItem> &item : batch) {
-            array.append(itemObject(*item));
-        }
+    const QByteArray text = QJsonDocument(array).toJson();
+    return text.sliced(2, text.size() - 5); // without "[\n" and "\n]\n"
+}
+
+QByteArray textOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    QByteArray text;
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        const QString extension = item->extension().isEmpty() ? QString() : u'.' + item->extension();
+        text += (item->bundleID() + u'\t' + item->title() + extension).toUtf8() + '\n';
     }
-    return array;
+    return text;
+}
+
+QByteArray jsonOf(const QList<ZQRef<ZQLibraryBaseItem>> &items)
+{
+    const auto tags = zqPrefetch(items, QStringLiteral("tags"));
+    const auto projects = zqPrefetch(items, QStringLiteral("projectsItems.project"));
+    ZQLibraryBaseItem::lookForFiles(items);
+    QJsonArray array;
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        array.append(itemObject(*item));
+    }
+    return asElements(array);
 }
 
 } // namespace
 
-void zqPrintItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, CommandContext &context)
+bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context)
 {
+    constexpr qsizetype atATime = 200; // takes a few milliseconds
+    const bool isServed = bool(context.isAbandoned);
+    bool hasElements = false;
+    for (qsizetype start = 0; start < items.size(); start += atATime) {
+        if (!context.isWanted()) {
+            context.output.clear();
+            context.fail(zqLocalized("the list was given up"));
+            return false;
+        }
+        const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, atATime), context.store());
+        if (!context.json) {
+            context.output += textOf(batch);
+        } else if (!batch.isEmpty()) {
+            context.output += (std::exchange(hasElements, true) ? ",\n" : "[\n") + jsonOf(batch);
+        }
+        if (isServed) {
+            zqRunMainLoopFor(std::chrono::milliseconds(0));
+        }
+    }
     if (context.json) {
-        context.printJSON(itemObjects(items));
-        return;
+        context.output += hasElements ? "\n]\n" : "[\n]\n";
     }
-    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        context.print(item->bundleID() + u'\t' + item->title() +
-                      (item->extension().isEmpty() ? QString() : u'.' + item->extension()));
-    }
+    return true;
 }

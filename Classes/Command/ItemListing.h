@@ -3,5 +3,7 @@
 #include "Classes/Command/CommandContext.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
-// Prints items: a line each with bundleID and name, or an array of objects where JSON was asked for.
-void zqPrintItems(const QList<ZQRef<ZQLibraryBaseItem>> &items, CommandContext &context);
+// Prints items: a line each with bundleID and name, or an array of objects where JSON was asked for. Some at a time, so
+// that many take no more memory than their text; in the process of a window its loop runs in between. False, with a
+// message, when nobody waits for it any more.
+bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context);

@@ -18,13 +18,17 @@ namespace {
 const QString searchTextKey = QStringLiteral("searchText");
 
 // What a project, tag or live folder holds, or what a smart folder finds at the moment.
-ZQFetched<ZQLibraryBaseItem> shownItems(const ZQSidebarBaseItem &sidebarItem, CommandContext &context)
+std::optional<QList<ZQObjectID>> shownItems(const ZQSidebarBaseItem &sidebarItem, CommandContext &context)
 {
     if (!sidebarItem.isSmartFolder()) {
-        return sidebarItem.items();
+        QList<ZQObjectID> ids;
+        for (const auto &item : sidebarItem.items()) {
+            ids.append(item->objectID());
+        }
+        return ids;
     }
     ZQError error;
-    auto items = context.store().fetch<ZQLibraryBaseItem>(
+    auto items = context.store().fetchObjectIDs(
         SidebarContents(context.store(), context.readyIndex()).request(sidebarItem), &error);
     if (!items) {
         context.fail(error.localizedDescription());
@@ -33,14 +37,14 @@ ZQFetched<ZQLibraryBaseItem> shownItems(const ZQSidebarBaseItem &sidebarItem, Co
 }
 
 // The items asked for; nothing after an error, which is in `context`.
-ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContext &context)
+std::optional<QList<ZQObjectID>> itemsFor(const ItemsRequest &request, CommandContext &context)
 {
     if (request.in.isEmpty()) {
         ZQFetchRequest fetch{ZQLibraryBaseItem::entityName(),
                              ZQPredicate::predicateWithFormat(QStringLiteral("active == %@"), {!request.deleted})};
         fetch.sortDescriptors = {{QStringLiteral("import_date")}};
         ZQError error;
-        auto items = context.store().fetch<ZQLibraryBaseItem>(fetch, &error);
+        auto items = context.store().fetchObjectIDs(fetch, &error);
         if (!items) {
             context.fail(error.localizedDescription());
         }
@@ -53,13 +57,13 @@ ZQFetched<ZQLibraryBaseItem> itemsFor(const ItemsRequest &request, CommandContex
     if (!request.deleted) {
         return shownItems(*sidebarItem, context);
     }
-    QList<ZQRef<ZQLibraryBaseItem>> deleted;
+    QList<ZQObjectID> deleted;
     const auto memberships = sidebarItem->pItemsWithActiveItemsOnly(false);
     const auto kept = zqPrefetch(memberships, QStringLiteral("item"));
     for (const ZQRef<ZQProjectItem> &membership : memberships) {
         const ZQRef<ZQLibraryBaseItem> item = membership->item();
         if (item && !item->active()) {
-            deleted.append(item);
+            deleted.append(item->objectID());
         }
     }
     return deleted;
@@ -147,8 +151,7 @@ int zqRunItems(const ItemsRequest &request, CommandContext &context)
     if (!items) {
         return 2;
     }
-    zqPrintItems(*items, context);
-    return 0;
+    return zqPrintItems(*items, context) ? 0 : 2;
 }
 
 int zqRunSidebar(CommandContext &context)

@@ -156,8 +156,8 @@ int zqRunSearch(const SearchRequest &request, CommandContext &context)
     const QList<ZQObjectID> &found = content->rows.related;
     if (request.counts) {
         context.print(QString::number(found.size()));
-    } else {
-        zqPrintItems(ZQLibraryBaseItem::itemsWithIDs(found, context.store()), context);
+    } else if (!zqPrintItems(found, context)) {
+        return 2;
     }
     return 0;
 }

@@ -129,6 +129,9 @@ bool PromisedFiles::isNamedFileThere() const
 // Where promises are taken, folders are not. A link would have a file imported that was not dragged.
 QStringList PromisedFiles::paths() const
 {
+    if (QFileInfo(m_folder.path()).isSymLink()) {
+        return {}; // the program put a link in its place
+    }
     QStringList found;
     QStringList folders{m_folder.path()};
     while (!folders.isEmpty()) {

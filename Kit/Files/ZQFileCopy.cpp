@@ -323,7 +323,9 @@ std::optional<ZQCopyResult> zqLinkOrCopyFile(const QString &source, const QStrin
     if (!file.isOpen()) {
         return std::nullopt;
     }
-    if (linkat(AT_FDCWD, from->constData(), AT_FDCWD, to->constData(), AT_SYMLINK_FOLLOW) != 0) {
+    // With one more name somewhere, what is written there later would be written here.
+    const bool hasOtherNames = status.st_nlink > 1;
+    if (hasOtherNames || linkat(AT_FDCWD, from->constData(), AT_FDCWD, to->constData(), AT_SYMLINK_FOLLOW) != 0) {
         return zqCopyFile(source, destination, error, isCancelled);
     }
     const auto result = readUnchanged(

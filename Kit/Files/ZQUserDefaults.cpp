@@ -168,7 +168,11 @@ void ZQUserDefaults::Private::readLocked()
     if (read() == Reading::Done) {
         return;
     }
-    const QString aside = path + QStringLiteral(".damaged");
+    constexpr int mostAside = 9; // the last of them is the latest
+    QString aside = path + QStringLiteral(".damaged");
+    for (int number = 2; number <= mostAside && QFileInfo::exists(aside); ++number) {
+        aside = path + QStringLiteral(".damaged-%1").arg(number);
+    }
     if (rename(QFile::encodeName(path).constData(), QFile::encodeName(aside).constData()) == 0) {
         qCWarning(zqLogFiles, "The settings in %s are damaged. They were set aside as %s.", qUtf8Printable(path),
                   qUtf8Printable(aside));

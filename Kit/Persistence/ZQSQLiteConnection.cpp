@@ -8,6 +8,7 @@
 #include "Kit/Persistence/ZQPredicate.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QUrl>
 
 #include <sqlite3.h>
@@ -278,6 +279,16 @@ QVariant ZQSQLiteStatement::variant(int column) const
 
 std::unique_ptr<ZQSQLiteConnection> ZQSQLiteConnection::open(const QString &path, Mode mode, ZQError *error)
 {
+    for (const char *ending : {"", "-wal", "-shm", "-journal"}) {
+        const QString file = path + QLatin1StringView(ending);
+        if (const QFileInfo info(file); info.exists() && !info.isFile()) { // SQLite would wait for a pipe
+            zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Other),
+                                            zqLocalized("The library cannot be opened: there is something that is no "
+                                                        "file in the place of one of its files."),
+                                            file));
+            return nullptr;
+        }
+    }
     std::unique_ptr<ZQSQLiteConnection> connection(new ZQSQLiteConnection);
     connection->m_path = path;
     int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI;
