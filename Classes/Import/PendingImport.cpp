@@ -287,6 +287,10 @@ bool PendingImportFile::write(ZQError *error)
 
 bool PendingImportFile::setRequest(const PendingImport &request, ZQError *error)
 {
+    const ZQLockGuard lock(m_writing);
+    if (m_isRemoved) {
+        return true; // cancelled meanwhile, on another thread: it is not to come back
+    }
     const PendingImport before = std::exchange(m_request, request);
     const bool isWritten = write(error);
     if (!isWritten) {
@@ -429,5 +433,7 @@ bool PendingImportFile::narrow(const PendingImport &rest, ZQError *error)
 
 void PendingImportFile::remove()
 {
+    const ZQLockGuard lock(m_writing);
+    m_isRemoved = true;
     forget(m_folder, m_name);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Foundation/ZQError.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
 
 #include <QDateTime>
 #include <QList>
@@ -98,4 +99,6 @@ private:
     const QString m_folder;
     const QString m_name;
     PendingImport m_request;
+    ZQMutex m_writing; // the request is written, or removed
+    bool m_isRemoved ZQ_GUARDED_BY(m_writing) = false;
 };

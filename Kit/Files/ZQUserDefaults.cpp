@@ -170,7 +170,7 @@ void ZQUserDefaults::Private::readLocked()
     }
     constexpr int mostAside = 9; // the last of them is the latest
     QString aside = path + QStringLiteral(".damaged");
-    for (int number = 2; number <= mostAside && QFileInfo::exists(aside); ++number) {
+    for (int number = 2; number <= mostAside && QFileInfo(aside).isFile(); ++number) {
         aside = path + QStringLiteral(".damaged-%1").arg(number);
     }
     if (rename(QFile::encodeName(path).constData(), QFile::encodeName(aside).constData()) == 0) {

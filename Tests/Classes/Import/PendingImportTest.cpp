@@ -13,6 +13,15 @@ TEST_F(ResumeTest, ARequestThatCannotBeReadIsSaidAndLeft)
     EXPECT_EQ(pendingFiles().size(), 1);
 }
 
+TEST_F(ResumeTest, ARequestThatWasTakenBackIsNotWrittenAnew)
+{
+    const auto made = PendingImportFile::create(folder(), request({path(QStringLiteral("in/a.png"))}));
+    ASSERT_TRUE(made && pendingFiles().size() == 1);
+    made->remove(); // cancelled, while an answer for the whole import is noted with its parts
+    EXPECT_TRUE(made->setRequest(request({path(QStringLiteral("in/b.png"))})));
+    EXPECT_EQ(pendingFiles(), QStringList());
+}
+
 TEST_F(ResumeTest, ALineThatWasCutOffSwallowsNoOther)
 {
     QStringList sources;

@@ -289,6 +289,11 @@ TEST_F(FileCopy, LinksOnOneFileSystem)
     struct stat status = {};
     ASSERT_EQ(stat(QFile::encodeName(source).constData(), &status), 0);
     EXPECT_EQ(status.st_nlink, 2u);
+
+    ASSERT_TRUE(zqLinkOrCopyFile(source, path(QStringLiteral("c"))))
+        << "who writes to its other name must not reach it";
+    ASSERT_EQ(stat(QFile::encodeName(path(QStringLiteral("c"))).constData(), &status), 0);
+    EXPECT_EQ(status.st_nlink, 1u);
 }
 
 TEST_F(FileCopy, WritesAtomicallyThroughALink)

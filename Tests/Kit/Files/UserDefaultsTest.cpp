@@ -113,6 +113,10 @@ TEST_F(UserDefaults, BeginAnewWhenTheirFileIsDamagedWhileTheyAreInUse)
     EXPECT_FALSE(defaults.isSet(key)) << "as for the next process";
     EXPECT_EQ(read(store + QStringLiteral(".damaged")), "damaged");
     EXPECT_FALSE(QFile::exists(store));
+    write(store, "damaged anew");
+    EXPECT_FALSE(defaults.isSet(key));
+    EXPECT_EQ(read(store + QStringLiteral(".damaged")), "damaged") << "not written over";
+    EXPECT_EQ(read(store + QStringLiteral(".damaged-2")), "damaged anew");
 }
 
 TEST_F(UserDefaults, KeepInMemoryWhatCannotBeWrittenAndWriteItLater)

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,6 +21,20 @@ QStringList copiesBeside(const TestStore &store)
 }
 
 } // namespace
+
+TEST(ZQStoreLife, APipeInThePlaceOfAFileIsAnErrorAndNoWait)
+{
+    for (const char *ending : {"", "-wal", "-shm", "-journal"}) {
+        TestStore store;
+        ASSERT_TRUE(store.coordinator());
+        store.close();
+        const QString file = store.path + QLatin1StringView(ending);
+        QFile::remove(file);
+        ASSERT_EQ(::mkfifo(QFile::encodeName(file).constData(), 0600), 0) << ending;
+        EXPECT_FALSE(store.coordinator()) << ending;
+        EXPECT_FALSE(store.error.isNull()) << ending;
+    }
+}
 
 TEST(ZQStoreLife, AnOlderStoreIsMigratedByInference)
 {
