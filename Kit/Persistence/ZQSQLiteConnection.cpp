@@ -65,7 +65,7 @@ QString zqQuoted(const QString &name)
 ZQError zqStoreErrorForSQLite(int code, const QString &message, const QString &path)
 {
     const int primary = code & 0xFF;
-    ZQError error = ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Other),
+    ZQError error = ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
                                   zqLocalized("The library's database reported an error."), message);
     for (const Sentence &sentence : sentences) {
         if (sentence.code == primary) {
@@ -282,7 +282,7 @@ std::unique_ptr<ZQSQLiteConnection> ZQSQLiteConnection::open(const QString &path
     for (const char *ending : {"", "-wal", "-shm", "-journal"}) {
         const QString file = path + QLatin1StringView(ending);
         if (const QFileInfo info(file); info.exists() && !info.isFile()) { // SQLite would wait for a pipe
-            zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Other),
+            zqSetError(error, ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
                                             zqLocalized("The library cannot be opened: there is something that is no "
                                                         "file in the place of one of its files."),
                                             file));

@@ -115,7 +115,7 @@ void ZQGridView::paintChips(QPainter &painter, const QStringList &chips, const Q
         const QString more = i + 1 < chips.size() ? u'+' + QString::number(chips.size() - i - 1) : QString();
         const int kept = more.isEmpty() ? 0 : metrics.horizontalAdvance(more) + chipGap;
         const int room = box.right() + 1 - left - kept;
-        const int wanted = metrics.horizontalAdvance(chips[i]) + 2 * chipInset;
+        const int wanted = metrics.horizontalAdvance(chips[i]) + 1 + 2 * chipInset; // and a fraction
         if (i > 0 && wanted > room) {
             painter.setPen(zqColor(ZQColorRole::TextMuted));
             painter.drawText(QRect(left, box.top(), box.right() + 1 - left, box.height()), int(Qt::AlignVCenter),

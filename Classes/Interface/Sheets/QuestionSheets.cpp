@@ -206,6 +206,10 @@ DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pa
         content()->addWidget(button);
         content()->addWidget(meaning);
     }
+    auto *note = new QLabel(zqLocalized("Cancel takes back everything this import has brought."), this);
+    note->setObjectName(QStringLiteral("SmallMuted"));
+    content()->addSpacing(14);
+    content()->addWidget(note);
     m_options->button(int(DuplicateChoice::Discard))->setChecked(true);
     footer()->insertWidget(0, m_applyToAll);
     addButton(zqLocalized("Cancel"), cancelCode, false);
