@@ -65,7 +65,7 @@ QString zqQuoted(const QString &name)
 ZQError zqStoreErrorForSQLite(int code, const QString &message, const QString &path)
 {
     const int primary = code & 0xFF;
-    ZQError error = ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::CannotOpen),
+    ZQError error = ZQError::with(ZQStoreErrorDomain, int(ZQStoreError::Other),
                                   zqLocalized("The library's database reported an error."), message);
     for (const Sentence &sentence : sentences) {
         if (sentence.code == primary) {
