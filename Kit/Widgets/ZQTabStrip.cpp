@@ -18,7 +18,7 @@ namespace {
 constexpr int tabHeight = 36;
 constexpr int widestTab = 200;
 constexpr int narrowestTab = 48;
-constexpr int narrowestOfMany = 104; // room for a word; below that tabs are left out
+constexpr int narrowestOfMany = 72; // below that tabs are left out
 constexpr int laidOut = 101;         // a strip that is narrower waits for its place in the window
 constexpr int gap = 2;
 constexpr int newRoom = 40;
