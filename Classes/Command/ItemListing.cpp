@@ -1,5 +1,6 @@
 #include "Classes/Command/ItemListing.h"
 
+#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -9,6 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <memory>
 #include <utility>
 
 namespace {
@@ -72,19 +74,26 @@ bool zqPrintItems(const QList<ZQObjectID> &items, CommandContext &context)
 {
     constexpr qsizetype atATime = 200; // takes a few milliseconds
     const bool isServed = bool(context.isAbandoned);
+    const std::weak_ptr<ZQPersistentStoreCoordinator> library = context.store().persistentStoreCoordinator();
+    const auto isOpen = [&] { // the person may open another one, or quit, while the loop runs
+        const ZQManagedObjectContext *store = context.delegate->managedObjectContext();
+        return store && store->persistentStoreCoordinator() == library.lock();
+    };
     bool hasElements = false;
     for (qsizetype start = 0; start < items.size(); start += atATime) {
-        if (!context.isWanted()) {
+        if (!isOpen() || !context.isWanted()) {
             context.output.clear();
             context.fail(zqLocalized("the list was given up"));
             return false;
         }
-        const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, atATime), context.store());
-        if (!context.json) {
-            context.output += textOf(batch);
-        } else if (!batch.isEmpty()) {
-            context.output += (std::exchange(hasElements, true) ? ",\n" : "[\n") + jsonOf(batch);
+        const QByteArray text = [&] { // no object is held while the loop runs
+            const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(start, atATime), context.store());
+            return batch.isEmpty() ? QByteArray() : context.json ? jsonOf(batch) : textOf(batch);
+        }();
+        if (context.json && !text.isEmpty()) {
+            context.output += std::exchange(hasElements, true) ? ",\n" : "[\n";
         }
+        context.output += text;
         if (isServed) {
             zqRunMainLoopFor(std::chrono::milliseconds(0));
         }
