@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Kit/Persistence/ZQObjectID.h"
+
 #include <QDateTime>
+#include <QList>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -13,7 +16,6 @@
 class ZQManagedObjectContext;
 class ZQOperationQueue;
 class ZQLibraryBaseItem;
-struct ZQObjectID;
 
 // What the application object needs of the other parts, implemented in their folders and handed to it by `main`.
 // Every one may be missing: without a window, in a command, in a test.
@@ -71,10 +73,40 @@ public:
     virtual void thumbForLibraryItem(ZQLibraryBaseItem *item) = 0;
 };
 
+// What a live folder does and how it stands, as a row of the sidebar shows it.
+struct LiveFolderStatus
+{
+    bool isSyncing = false; // or waits for its turn
+    qsizetype filesDone = 0;
+    qsizetype filesTotal = 0; // 0: not known
+    bool isSwept = false;     // its file system tells of no change: it is looked at in intervals
+    QString reason;           // localized: why it is missing, looked at in intervals or not watched in full; or empty
+};
+
+// What became of directories that were to be live folders.
+struct AddedLiveFolders
+{
+    struct Refused
+    {
+        QString path;
+        QString reason; // localized, and says what to do
+    };
+    QList<ZQObjectID> added;
+    QList<ZQObjectID> alreadyThere; // roots, or folders below one
+    QList<Refused> refused;
+};
+
 // Live folders, as the application sees them. Main thread.
 class LiveFolderManaging
 {
 public:
+    // Their object is the manager; the folder is in the user information, as the text of its identifier, under
+    // "folder".
+    static inline const QString didStartSync = QStringLiteral("WatchedFolderDidStartSync");
+    static inline const QString didEndSync = QStringLiteral("WatchedFolderDidEndSync");
+    static inline const QString statusDidChange =
+        QStringLiteral("WatchedFolderStatusDidChange"); // a few times a second
+
     virtual ~LiveFolderManaging() = default;
     // What brings them in step with the disk, one after another. Quitting waits for it.
     virtual ZQOperationQueue &syncOperationQueue() = 0;
@@ -83,6 +115,15 @@ public:
     virtual void stopObservingWatchedFolders() = 0;
     virtual void syncRootWatchedFolders() = 0;
     virtual void syncWatchedFolder(const ZQObjectID &folder, bool force) = 0;
+    // Ends what is waiting or running for these and for what is below them; what was saved until then stays.
+    virtual void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) = 0;
+    // Makes roots of the directories, from position `atIndex` of LIVE FOLDERS on, saves them in the main context, has
+    // them watched and synchronised. No undo: that is the caller's.
+    virtual AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) = 0;
+    // Roots were enabled, disabled, removed or brought back, and saved: they are watched and synchronised, or no
+    // longer.
+    virtual void watchedFoldersDidChange(const QList<ZQObjectID> &folders) = 0;
+    virtual LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const = 0;
 };
 
 // The screen-capture controller.

@@ -9,7 +9,7 @@ void LiveFolderManager::syncWatchedFolder(const ZQObjectID & /*folder*/, bool /*
     qCWarning(zqLogImport) << "Live folders are not synchronised; one is left as it is";
 }
 
-void LiveFolderManager::stopSyncingWatchedFolders()
+void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> & /*folders*/)
 {
     m_syncOperationQueue.cancelAllOperations();
 }

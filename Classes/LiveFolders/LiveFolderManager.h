@@ -21,7 +21,13 @@ public:
 
     void syncRootWatchedFolders() override {}
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
-    void stopSyncingWatchedFolders();
+    void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override;
+    AddedLiveFolders addNewWatchFolderFromPaths(const QStringList & /*paths*/, quint32 /*atIndex*/) override
+    {
+        return {};
+    }
+    void watchedFoldersDidChange(const QList<ZQObjectID> & /*folders*/) override {}
+    LiveFolderStatus statusOfWatchedFolder(const ZQObjectID & /*folder*/) const override { return {}; }
 
 private:
     ZQOperationQueue m_syncOperationQueue;

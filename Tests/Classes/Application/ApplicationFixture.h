@@ -121,6 +121,10 @@ public:
     {
         m_calls.append(force ? QStringLiteral("forced sync") : QStringLiteral("folder sync"));
     }
+    void stopSyncingWatchedFolders(const QList<ZQObjectID> &) override { m_calls.append(QStringLiteral("stop sync")); }
+    AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &, quint32) override { return {}; }
+    void watchedFoldersDidChange(const QList<ZQObjectID> &) override {}
+    LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &) const override { return {}; }
 
 private:
     QStringList &m_calls;
