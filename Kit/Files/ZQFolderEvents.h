@@ -25,6 +25,7 @@ public:
     explicit ZQFolderEvents(int descriptor) : m_descriptor(descriptor) {} // not owned
     // Takes what is in the queue into memory, so that it does not overflow while other work is done.
     void read();
+    bool isEmpty() const { return m_events.empty() && !m_isLost; } // of what was taken into memory
     std::vector<ZQFolderEvent> take();
 
 private:

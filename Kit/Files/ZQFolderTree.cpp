@@ -243,32 +243,37 @@ ZQWatchedFolder *ZQFolderTree::move(ZQWatchedFolder &from, std::string_view name
     return place->second.get();
 }
 
-ZQFolderTree::Folders ZQFolderTree::sweep(bool all, const Pulse &pulse)
+std::vector<ZQFolderTree::Swept> ZQFolderTree::sweep(bool all, const Pulse &pulse)
 {
-    Folders changed;
+    std::vector<Swept> changed;
     Folders toDo = {m_root.get()};
     while (!toDo.empty() && pulse()) {
         ZQWatchedFolder &folder = *toDo.back();
         toDo.pop_back();
-        struct stat status = {};
-        const bool isDue = all || folder.watch == ZQWatchedFolder::noneLeft;
-        if (isDue && ::lstat(systemPath(folder).constData(), &status) == 0 &&
-            (folder.modified == 0 || nanoseconds(status.st_mtim) != folder.modified)) {
-            changed.push_back(&folder);
-            Folders came;
+        Folders came;
+        if ((all || folder.watch == ZQWatchedFolder::noneLeft) && hasChanged(folder)) {
+            changed.push_back({&folder, false});
             list(folder, &came, nullptr);
-            for (ZQWatchedFolder *const child : came) {
-                if (!look(*child, pulse)) {
-                    continue;
-                }
-                changed.push_back(child);
+        }
+        for (ZQWatchedFolder *const child : came) {
+            if (look(*child, pulse)) {
+                changed.push_back({child, true});
             }
         }
         for (const auto &[name, child] : folder.below) {
-            toDo.push_back(child.get());
+            if (std::find(came.cbegin(), came.cend(), child.get()) == came.cend()) {
+                toDo.push_back(child.get());
+            }
         }
     }
     return changed;
+}
+
+bool ZQFolderTree::hasChanged(const ZQWatchedFolder &folder) const
+{
+    struct stat status = {};
+    return ::lstat(systemPath(folder).constData(), &status) == 0 &&
+           (folder.modified == 0 || nanoseconds(status.st_mtim) != folder.modified);
 }
 
 void ZQFolderTree::didLoseWatch(ZQWatchedFolder &folder)

@@ -58,9 +58,13 @@ public:
     void forget(ZQWatchedFolder &around, std::string_view name);
     // Moves a folder with its watches; one that stands in its place is forgotten.
     ZQWatchedFolder *move(ZQWatchedFolder &from, std::string_view name, ZQWatchedFolder &to, std::string_view newName);
-    // Those among the folders (without `all`: that have no watch) whose own time says that something came or went;
-    // what came is looked at and among them.
-    Folders sweep(bool all, const Pulse &pulse);
+    struct Swept
+    {
+        ZQWatchedFolder *folder;
+        bool isNew; // and looked at
+    };
+    // Those among the folders (without `all`: that have no watch) whose own time says that something came or went.
+    std::vector<Swept> sweep(bool all, const Pulse &pulse);
     void didLoseWatch(ZQWatchedFolder &folder);
 
     static bool isHidden(std::string_view name) { return name.starts_with('.'); }
@@ -73,6 +77,7 @@ private:
     bool list(ZQWatchedFolder &folder, Folders *came, Folders *differing);
     bool readNames(int descriptor, const QByteArray &path, std::set<std::string> &names) const;
     bool bringInStep(ZQWatchedFolder &folder, const std::set<std::string> &names, bool isWhole, Folders *came);
+    bool hasChanged(const ZQWatchedFolder &folder) const;
     void forgetAll(ZQWatchedFolder &folder);
 
     ZQWatchTable &m_table;

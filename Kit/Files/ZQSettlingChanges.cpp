@@ -49,6 +49,15 @@ ZQSettlingChanges::ZQSettlingChanges(std::chrono::milliseconds quiet, std::chron
 {
 }
 
+QByteArray ZQSettlingChanges::textPath(const QByteArray &path)
+{
+    QByteArray text = path;
+    while (!isText(text)) {
+        text = folderAround(text);
+    }
+    return text;
+}
+
 void ZQSettlingChanges::begin(Clock::time_point now)
 {
     if (m_changes.folders.empty() && m_changes.moves.empty()) {
@@ -60,19 +69,15 @@ void ZQSettlingChanges::begin(Clock::time_point now)
 void ZQSettlingChanges::note(const QByteArray &folder, Extent extent, Clock::time_point now)
 {
     begin(now);
-    QByteArray told = folder;
-    while (!isText(told)) {
-        told = folderAround(told);
-        extent.everythingBelow = true;
-    }
+    const QByteArray told = textPath(folder);
+    extent.everythingBelow = extent.everythingBelow || told != folder;
     Extent &known = m_changes.folders[told];
     known.everythingBelow = known.everythingBelow || extent.everythingBelow;
     known.isSure = known.isSure || extent.isSure;
 }
 
-void ZQSettlingChanges::noteMove(const QByteArray &from, const QByteArray &to, Clock::time_point now)
+void ZQSettlingChanges::didMoveFolder(const QByteArray &from, const QByteArray &to, Clock::time_point now)
 {
-    begin(now);
     std::map<QByteArray, Extent> moved;
     for (auto it = m_changes.folders.lower_bound(from); it != m_changes.folders.end() && it->first.startsWith(from);) {
         if (!zqIsPathWithin(it->first, from)) {
@@ -85,7 +90,12 @@ void ZQSettlingChanges::noteMove(const QByteArray &from, const QByteArray &to, C
     for (const auto &[folder, extent] : moved) {
         note(folder, extent, now);
     }
+}
+
+void ZQSettlingChanges::noteMove(const QByteArray &from, const QByteArray &to, Clock::time_point now)
+{
     if (isText(from) && isText(to)) {
+        begin(now);
         m_changes.moves.push_back({from, to});
     }
 }

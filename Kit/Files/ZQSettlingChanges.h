@@ -36,11 +36,15 @@ public:
 
     void note(const QByteArray &folder, Extent extent, Clock::time_point now);
     // What is known of a folder that moved goes with it.
+    void didMoveFolder(const QByteArray &from, const QByteArray &to, Clock::time_point now);
     void noteMove(const QByteArray &from, const QByteArray &to, Clock::time_point now);
+    bool contains(const QByteArray &folder) const { return m_changes.folders.contains(folder); }
     void forgetBelow(const QByteArray &folder);
 
     std::optional<Clock::time_point> due() const;
     Changes take(); // all; nothing is waited for
+    // The path, or that of the nearest folder around it that can be written as text.
+    static QByteArray textPath(const QByteArray &path);
     // The same changes in as few announcements as one for each of the roots.
     static void gather(Changes &changes, const std::vector<QByteArray> &roots);
 

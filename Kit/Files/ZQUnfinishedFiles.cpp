@@ -92,12 +92,28 @@ bool ZQUnfinishedFiles::look(const QByteArray &folder, Clock::time_point now)
     if (found == m_folders.end()) {
         return true;
     }
-    const size_t finished =
-        std::erase_if(found->second, [&](auto &one) { return isFinished(folder + '/' + one.first, one.second, now); });
+    const size_t before = found->second.size();
+    for (auto one = found->second.begin(); one != found->second.end();) {
+        one = isFinished(folder + '/' + one->first, one->second, now) ? found->second.erase(one) : std::next(one);
+    }
+    const bool isAnyFinished = found->second.size() < before;
     if (found->second.empty()) {
         m_folders.erase(found);
     }
-    return finished > 0;
+    return isAnyFinished;
+}
+
+void ZQUnfinishedFiles::lookBelow(const QByteArray &folder, Clock::time_point now)
+{
+    std::vector<QByteArray> all;
+    for (auto it = m_folders.lower_bound(folder); it != m_folders.end() && it->first.startsWith(folder); ++it) {
+        if (zqIsPathWithin(it->first, folder)) {
+            all.push_back(it->first);
+        }
+    }
+    for (const QByteArray &one : all) {
+        look(one, now);
+    }
 }
 
 std::optional<ZQUnfinishedFiles::Clock::time_point> ZQUnfinishedFiles::due() const
@@ -105,13 +121,14 @@ std::optional<ZQUnfinishedFiles::Clock::time_point> ZQUnfinishedFiles::due() con
     return m_folders.empty() ? std::nullopt : std::optional(m_next);
 }
 
-std::vector<QByteArray> ZQUnfinishedFiles::lookAtAll(Clock::time_point now)
+std::vector<QByteArray> ZQUnfinishedFiles::lookAtAll(Clock::time_point now,
+                                                     const std::function<bool(const QByteArray &folder)> &isToldAnyway)
 {
     m_next = now + m_pause;
     std::vector<QByteArray> all;
     for (const auto &[folder, files] : m_folders) {
         all.push_back(folder);
     }
-    std::erase_if(all, [&](const QByteArray &folder) { return !look(folder, now); });
+    std::erase_if(all, [&](const QByteArray &folder) { return isToldAnyway(folder) || !look(folder, now); });
     return all;
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <optional>
 #include <vector>
@@ -25,9 +26,11 @@ public:
 
     // Looks at the files of one folder. False when all that is known of it are files to wait for.
     bool look(const QByteArray &folder, Clock::time_point now);
+    void lookBelow(const QByteArray &folder, Clock::time_point now); // and in it
     std::optional<Clock::time_point> due() const;
-    // Looks at all; answers the folders where one is waited for no longer.
-    std::vector<QByteArray> lookAtAll(Clock::time_point now);
+    // Looks at all, except in folders that are told anyway; answers the folders where one is waited for no longer.
+    std::vector<QByteArray> lookAtAll(Clock::time_point now,
+                                      const std::function<bool(const QByteArray &folder)> &isToldAnyway);
 
 private:
     struct File
