@@ -6,6 +6,7 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
+#include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 #include "Classes/Interface/Sheets/Sheet.h"
@@ -64,18 +65,26 @@ QFrame *hairline(QWidget *parent)
     return line;
 }
 
+std::unique_ptr<LiveFolderStates> statesOf(tamberin_AppDelegate &delegate)
+{
+    LiveFolderManaging *const manager = delegate.liveFolderManager();
+    return manager ? std::make_unique<LiveFolderStates>(*manager, *delegate.managedObjectContext()) : nullptr;
+}
+
 } // namespace
 
 MainWindowController::MainWindowController(WindowUserInteraction &user)
     : m_user(user), m_delegate(tamberin_AppDelegate::sharedDelegate()),
       m_fetcher(std::make_unique<ContentFetcher>(m_delegate->persistentStoreCoordinator())),
+      m_liveFolders(statesOf(*m_delegate)),
       m_window(new WindowContext{{*m_delegate->managedObjectContext(), user, m_delegate->editQueue(),
                                   [this] {
                                       m_delegate->saveAction();
                                       return true; // what could not be saved stays, and is saved with what comes
                                   },
                                   &m_undoStack},
-                                 *m_fetcher}),
+                                 *m_fetcher,
+                                 m_liveFolders.get()}),
       m_mainWindow(std::make_unique<MainWindow>())
 {
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
