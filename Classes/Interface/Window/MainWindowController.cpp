@@ -10,10 +10,12 @@
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 #include "Classes/Interface/Sheets/Sheet.h"
+#include "Classes/Interface/Sidebar/LiveFolderActions.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/TextFields.h"
 #include "Classes/Interface/Window/ArrivedItems.h"
 #include "Classes/Interface/Window/ImportActions.h"
+#include "Classes/Interface/Window/LiveFolderProgress.h"
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
 #include "Classes/Interface/Window/SavedSearchActions.h"
@@ -118,6 +120,10 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
     connect(m_arrived, &ArrivedItems::lastImportChanged, this, &MainWindowController::updateCommands);
     makeCommands();
+    if (m_liveFolders) {
+        new LiveFolderProgress(*m_window, m_mainWindow.get());
+        connect(m_liveFolders.get(), &LiveFolderStates::changed, this, &MainWindowController::updateCommands);
+    }
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     readFileTags();
     TextFields::yieldKeys(m_mainWindow.get());
@@ -202,6 +208,8 @@ void MainWindowController::makeCommands()
     connect(m_sidebar, &ProjectsSidebarViewController::sideChanged, m_toolbar, &MainToolbar::showAdds);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(&m_browser->emptyState(), &EmptyState::importRequested, this, [this] { m_imports->importWithDialog(); });
+    connect(&m_browser->emptyState(), &EmptyState::enableRequested, this,
+            [this] { m_sidebar->liveFolders().setEnabled({m_browser->content().singleItem()}, true); });
     connect(&m_browser->emptyState(), &EmptyState::everythingRequested, &m_toolbar->search(), &QLineEdit::clear);
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);
