@@ -1,12 +1,12 @@
 #include "Classes/Interface/Sidebar/SidebarDelegate.h"
 
-#include "Classes/Interface/Sidebar/SidebarTreeView.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQSwatch.h"
 
 #include <QLineEdit>
 #include <QPainter>
+#include <QTreeView>
 
 namespace {
 
@@ -122,7 +122,7 @@ void SidebarDelegate::paintLabel(QPainter *painter, const QStyleOptionViewItem &
     }
 }
 
-void SidebarDelegate::paintIcon(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index)
+void SidebarDelegate::paintIcon(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const bool selected = option.state & QStyle::State_Selected;
     const bool isSyncing = index.data(SidebarTreeModel::SyncingRole).toBool();
@@ -133,12 +133,11 @@ void SidebarDelegate::paintIcon(QPainter *painter, const QStyleOptionViewItem &o
         painter->drawEllipse(icon.adjusted(2.5, 2.5, -2.5, -2.5));
         return;
     }
-    const auto *tree = qobject_cast<const SidebarTreeView *>(option.widget);
     painter->save();
-    if (isSyncing && tree) {
+    if (isSyncing) {
         painter->setRenderHint(QPainter::SmoothPixmapTransform);
         painter->translate(icon.center());
-        painter->rotate(tree->turningSign().degrees());
+        painter->rotate(m_sign.degrees());
         painter->translate(-icon.center());
     }
     const bool isAway = index.data(SidebarTreeModel::StateRole).toBool();

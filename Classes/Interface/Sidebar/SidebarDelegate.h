@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
+#include "Kit/Widgets/ZQTurningSign.h"
 
 #include <QStyledItemDelegate>
 
@@ -9,7 +10,11 @@ class SidebarDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    // `sign`: of rows that are being synchronised. Outlives the delegate.
+    explicit SidebarDelegate(const ZQTurningSign &sign, QObject *parent = nullptr)
+        : QStyledItemDelegate(parent), m_sign(sign)
+    {
+    }
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
@@ -27,7 +32,9 @@ public:
 
 private:
     static void paintLabel(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index);
-    static void paintIcon(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index);
+    void paintIcon(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     static int paintBadge(QPainter *painter, const QStyleOptionViewItem &option,
                           const QModelIndex &index); // the width it took
+
+    const ZQTurningSign &m_sign;
 };

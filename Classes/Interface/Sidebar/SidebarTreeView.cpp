@@ -26,7 +26,7 @@ bool isLabel(const QModelIndex &index)
 
 SidebarTreeView::SidebarTreeView(QWidget *parent) : QTreeView(parent)
 {
-    setItemDelegate(new SidebarDelegate(this));
+    setItemDelegate(new SidebarDelegate(m_turningSign, this));
     setHeaderHidden(true);
     setIndentation(0);
     setRootIsDecorated(false);
