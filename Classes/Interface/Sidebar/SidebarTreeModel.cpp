@@ -10,6 +10,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 struct SidebarTreeModel::Node
@@ -436,19 +437,27 @@ QVariant SidebarTreeModel::labelData(const ZQSidebarBaseItem &label, bool hasChi
 QVariant SidebarTreeModel::liveFolderData(const ZQSidebarWatchedFolder &folder, int role) const
 {
     using Kind = LiveFolderStates::Kind;
+    constexpr std::array own = {int(Qt::ToolTipRole), int(Qt::AccessibleDescriptionRole),
+                                int(StateRole),       int(SyncingRole),
+                                int(IconRole),        int(MarkRole),
+                                int(CountRole)};
+    if (std::find(own.begin(), own.end(), role) == own.end()) {
+        return {};
+    }
     const LiveFolderStates *const states = m_window.liveFolders;
-    const ZQObjectID id = folder.objectID();
-    const LiveFolderStatus status = states ? states->statusOf(id) : LiveFolderStatus();
+    const LiveFolderStatus status = states ? states->statusOf(folder.objectID()) : LiveFolderStatus();
     const Kind kind = LiveFolderStates::kindOf(folder, status);
-    const QString explanation = LiveFolderStates::explanation(kind, status);
+    const bool isBelow = isSubFolder(folder); // what holds for the whole stands beside its root
     switch (role) {
     case Qt::ToolTipRole: {
-        QStringList lines = {folder.folderPath(), explanation};
+        QStringList lines = {folder.folderPath(), LiveFolderStates::explanation(kind, status)};
         lines.removeAll(QString());
         return lines.join(u'\n');
     }
-    case Qt::AccessibleDescriptionRole:
+    case Qt::AccessibleDescriptionRole: {
+        const QString explanation = LiveFolderStates::explanation(kind, status);
         return folder.typeString() + (explanation.isEmpty() ? QString() : QStringLiteral(". ") + explanation);
+    }
     case StateRole:
         return LiveFolderStates::isAway(kind);
     case SyncingRole:
@@ -456,15 +465,12 @@ QVariant SidebarTreeModel::liveFolderData(const ZQSidebarWatchedFolder &folder, 
     case IconRole:
         return kind == Kind::Off ? QStringLiteral("pause") : folder.icon();
     case MarkRole: // a reason where the folder is neither away nor swept: not all of it is watched
-        return kind == Kind::Swept                                  ? QStringLiteral("recent")
+        return isBelow                                              ? QString()
+               : kind == Kind::Swept                                ? QStringLiteral("recent")
                : kind == Kind::Mirrored && !status.reason.isEmpty() ? QStringLiteral("warning")
                                                                     : QString();
-    case CountRole: // those below it need not say it again
-        return !LiveFolderStates::isAway(kind) ? QVariant()
-               : isSubFolder(folder)           ? QString()
-                                               : LiveFolderStates::badge(kind);
     default:
-        return {};
+        return !LiveFolderStates::isAway(kind) ? QVariant() : isBelow ? QString() : LiveFolderStates::badge(kind);
     }
 }
 
