@@ -67,6 +67,15 @@ void fillTags(PreferencesPane &pane)
     pane.addNumber(QStringLiteral("MediumTagSize"), zqLocalized("&Medium"), {1, largest, 1, pixels});
 }
 
+void fillLiveFolders(PreferencesPane &pane)
+{
+    pane.addHeading(zqLocalized("ON A NETWORK, AND WHERE ELSE A DISK TELLS OF NO CHANGES"));
+    pane.addNote(zqLocalized("Such folders are looked at in intervals; a clock marks them in the sidebar."));
+    constexpr int aDay = 24 * 60;
+    pane.addNumber(QStringLiteral("LiveFolderSweepMinutes"), zqLocalized("&Look again after"),
+                   {1, aDay, 1, zqLocalized(" min")});
+}
+
 } // namespace
 
 const QList<PreferencesPanes::Plan> &PreferencesPanes::all()
@@ -75,6 +84,7 @@ const QList<PreferencesPanes::Plan> &PreferencesPanes::all()
         {"General", "settings", &fillGeneral},
         {"Import", "import", &fillImport},
         {"Tags", "tag", &fillTags},
+        {"Live folders", "live", &fillLiveFolders},
     };
     return plans;
 }

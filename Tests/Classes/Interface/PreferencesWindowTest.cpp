@@ -141,7 +141,7 @@ TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
         titles.append(pane().accessibleName());
         press(Qt::Key_Down);
     }
-    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Advanced"));
+    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Advanced"));
     press(Qt::Key_Up);
     EXPECT_EQ(pane().accessibleName(), QStringLiteral("Tags"));
     run(CommandID::Preferences);
