@@ -69,8 +69,9 @@ void fillTags(PreferencesPane &pane)
 
 void fillLiveFolders(PreferencesPane &pane)
 {
-    pane.addHeading(zqLocalized("ON A NETWORK, AND WHERE ELSE A DISK TELLS OF NO CHANGES"));
-    pane.addNote(zqLocalized("Such folders are looked at in intervals; a clock marks them in the sidebar."));
+    pane.addHeading(zqLocalized("DISKS THAT TELL OF NO CHANGES"));
+    pane.addNote(zqLocalized(
+        "Folders on a network, for example, are looked at in intervals. A clock marks them in the sidebar."));
     constexpr int aDay = 24 * 60;
     pane.addNumber(QStringLiteral("LiveFolderSweepMinutes"), zqLocalized("&Look again after"),
                    {1, aDay, 1, zqLocalized(" min")});

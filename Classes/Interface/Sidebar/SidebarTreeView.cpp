@@ -328,6 +328,9 @@ QList<SidebarDropPlace> SidebarTreeView::placesAt(const QPoint &point) const
     }
     const ZQRef<ZQSidebarBaseItem> item = tree()->item(index);
     const SidebarDropPlace onto{item, -1};
+    if (ZQSidebarKind(item->kind()) == ZQSidebarKind::WatchedFoldersLabel) {
+        return {onto}; // beside it there is nothing that files could go to
+    }
     const SidebarDropPlace before{tree()->item(index.parent()), index.row()};
     const bool isOpen = isExpanded(index) && model()->rowCount(index) > 0;
     const SidebarDropPlace after =
