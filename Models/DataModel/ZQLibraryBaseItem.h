@@ -40,8 +40,9 @@ public:
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastHourInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastWeekInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQPredicate predicateFromDate(const QDateTime &fromDate, const QDateTime &toDate);
-    // Removes every inactive item but those of a live folder that is missing or trashed, and answers the names of their
-    // item directories, which the caller removes after saving.
+    // Removes every inactive item but those of a live folder that is missing, trashed or disabled, and those whose file
+    // cannot be moved to the trash now. Answers the names of their item directories, which the caller removes after
+    // saving.
     static std::optional<QStringList>
     permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
 
@@ -77,11 +78,16 @@ public:
 
     void deleteSelf();
     void restoreSelf();
-    void deletePermanently();
+    // Moves the file of a live folder's item to the trash if a person deleted it, that is if it was hidden by
+    // `hideFileFromFileSystem`. False, with the item still deleted and its file hidden, when that is not possible now.
+    bool deletePermanently();
     void updateFileURLsForURL(const QString &path);
-    void hideFileFromFileSystem();
-    void unHideFileFromFileSystem();
-    void deleteItemBundleAndTrashFile(bool trashFile);
+    // False, with an error and nothing changed, when the file cannot be renamed. One that is not there needs no hiding.
+    bool hideFileFromFileSystem(ZQError *error = nullptr);
+    // Under a numbered name, which the title follows, where another file has its own by now. False, with an error, when
+    // the file cannot be renamed or is not there.
+    bool unHideFileFromFileSystem(ZQError *error = nullptr);
+    bool deleteItemBundleAndTrashFile(bool trashFile); // false when the file is still there
 
     // Brings the item in step with its file, when that changed or was renamed.
     void updateItemData();

@@ -1,6 +1,7 @@
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -167,9 +168,12 @@ void ZQSidebarWatchedFolder::restoreSelf()
     if (is_missing() || is_trashed()) {
         return; // its items return when the folder does
     }
-    setItemsActive(true);
-    for (const ZQRef<ZQSidebarWatchedFolder> &folder : orderedChildrenAndSubChildren()) {
-        folder->setItemsActive(true);
+    QList<ZQRef<ZQSidebarWatchedFolder>> folders = orderedChildrenAndSubChildren();
+    folders.prepend(ZQRef<ZQSidebarWatchedFolder>(this));
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : folders) {
+        if (folder->is_enabled()) {
+            folder->setItemsActive(true);
+        }
     }
 }
 
@@ -201,12 +205,14 @@ void ZQSidebarWatchedFolder::updateFolderOpenMetaSyncDate()
     }
     ZQError error;
     const auto date = ZQPropertyList::toBinary(zqNow(), &error);
+    ZQOwnChanges::sharedOwnChanges().note(path);
     if (!date || !ZQExtendedAttributes::set(path, syncDateAttribute, *date, &error)) {
         const QString text =
             zqFormat(QStringLiteral("OpenMeta error on trying to set the sync data on folder: %@ error: %@"),
                      {path, error.localizedDescription()});
         qCWarning(zqLogTags, "%s", qUtf8Printable(text));
     }
+    ZQOwnChanges::sharedOwnChanges().didChange(path);
 }
 
 QString ZQSidebarWatchedFolder::typeString() const
