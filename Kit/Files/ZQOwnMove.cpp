@@ -1,18 +1,13 @@
 #include "Kit/Files/ZQOwnMove.h"
 
 #include "Kit/Files/ZQFileCopy.h"
-#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Foundation/ZQLog.h"
 
 bool zqMoveNoted(const QString &source, const QString &destination, ZQError *error)
 {
-    ZQOwnChanges &own = ZQOwnChanges::sharedOwnChanges();
-    own.note(source);
-    own.note(destination);
-    const bool isMoved = zqMoveNoReplace(source, destination, error);
-    own.didChange(source);
-    own.didChange(destination);
-    return isMoved;
+    const ZQOwnChange from(source);
+    const ZQOwnChange to(destination);
+    return zqMoveNoReplace(source, destination, error);
 }
 
 void ZQOwnMoves::takeBack()

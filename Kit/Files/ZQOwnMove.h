@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Foundation/ZQError.h"
 
 #include <QList>
@@ -7,8 +8,22 @@
 
 #include <utility>
 
-// Renames within one file system, never over an existing file, where this process' own watchers may look on: they do
-// not answer it. Any thread.
+// Changes of this process where its own watchers may look on: they do not answer them. Any thread.
+
+// A change at a path, for as long as it lives.
+class ZQOwnChange
+{
+public:
+    explicit ZQOwnChange(const QString &path) : m_path(path) { ZQOwnChanges::sharedOwnChanges().note(m_path); }
+    ~ZQOwnChange() { ZQOwnChanges::sharedOwnChanges().didChange(m_path); }
+    ZQOwnChange(const ZQOwnChange &) = delete;
+    ZQOwnChange &operator=(const ZQOwnChange &) = delete;
+
+private:
+    QString m_path;
+};
+
+// Renames within one file system, never over an existing file.
 bool zqMoveNoted(const QString &source, const QString &destination, ZQError *error = nullptr);
 
 // Renamings that belong to a change of the store: when that cannot be saved, they are taken back.

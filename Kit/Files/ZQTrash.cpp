@@ -2,7 +2,7 @@
 
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
-#include "Kit/Files/ZQOwnChanges.h"
+#include "Kit/Files/ZQOwnMove.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Files/ZQVerifiedCopy.h"
@@ -214,14 +214,13 @@ bool ZQTrash::recycle(const QString &path, QString *trashedPath, ZQError *error)
     if (!status) {
         return zqFailWithErrno(error, *name);
     }
-    ZQOwnChanges::sharedOwnChanges().note(clean);
+    const ZQOwnChange own(clean);
     const Trash trash = trashFor(clean, status->st_dev);
     ZQError problem;
     bool isDone = moveToTrash(clean, trash, trashedPath, &problem);
     if (!isDone && isWithoutTrash(trash, problem)) {
         isDone = moveToTrash(clean, homeTrash(), trashedPath, &problem);
     }
-    ZQOwnChanges::sharedOwnChanges().didChange(clean);
     if (!isDone) {
         zqSetError(error, problem);
     }

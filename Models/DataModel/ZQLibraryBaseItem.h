@@ -7,6 +7,7 @@
 #include <QSet>
 
 class ZQSidebarBaseItem;
+class ZQSidebarWatchedFolder;
 class ZQManagedObjectContext;
 struct ZQFileTags;
 
@@ -76,6 +77,10 @@ public:
                                                         const std::function<bool()> &isWanted,
                                                         QList<qsizetype> *which = nullptr);
 
+    // An unmanaged copy with an item directory, pictures and tags of its own for a live folder, where `path` is its
+    // file: a copy of this item's. Null when no directory can be made.
+    ZQRef<ZQLibraryBaseItem> duplicateForWatchedFolder(ZQSidebarWatchedFolder *folder, const QString &path);
+
     void deleteSelf();
     void restoreSelf();
     // Moves the file of a live folder's item to the trash if a person deleted it, that is if it was hidden by
@@ -117,6 +122,8 @@ public:
     QString description() const override;
 
 private:
+    ZQRef<ZQLibraryBaseItem> insertCopy(const QString &inDirectory);
+    void copyPicturesTo(const QString &directory, const QString &ownFile) const;
     bool updateRepresentationBitmap(const QString &path, bool fileDidChange);
     void readPixelSize(const QString &path);
     void renameThumb(const QString &newTitle);

@@ -93,6 +93,14 @@ bool moveThroughTemporaryName(const QString &from, const QString &to, ZQError *e
     return false;
 }
 
+void copyIfThere(const QString &from, const QString &to)
+{
+    ZQError error;
+    if (!from.isEmpty() && QFileInfo::exists(from) && !zqCopyFile(from, to, &error)) {
+        qCInfo(zqLogFiles, "%s was not copied: %s", qUtf8Printable(from), qUtf8Printable(error.localizedDescription()));
+    }
+}
+
 QDateTime modificationDate(const QString &path)
 {
     const auto dates = zqFileDates(path);
@@ -261,16 +269,9 @@ void ZQLibraryBaseItem::renameThumb(const QString &newTitle)
     setThumbName(name);
 }
 
-ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::insertCopy(const QString &inDirectory)
 {
-    ZQManagedObjectContext *context = managedObjectContext();
-    const QString path = findItemURL();
-    if (!context || path.isEmpty() || !QFileInfo::exists(path)) {
-        return {};
-    }
-    const QString copyPath = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
-    auto copy = zqCast<ZQLibraryBaseItem>(
-        copyPath.isEmpty() ? ZQRef<ZQManagedObject>() : context->insertNewObjectForEntityForName(entity()->name));
+    auto copy = zqCast<ZQLibraryBaseItem>(managedObjectContext()->insertNewObjectForEntityForName(entity()->name));
     if (!copy) {
         return {};
     }
@@ -278,28 +279,55 @@ ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
         copy->setValueForKey(valueForKey(attribute.name), attribute.name);
     }
     copy->setTags(tags());
-    copy->setManaged(true);
-    copy->setWatchingFolder(nullptr);
     copy->setActive(true);
     copy->setImport_date(zqNow());
+    copy->setBundleID(zqBaseName(inDirectory));
+    return copy;
+}
+
+void ZQLibraryBaseItem::copyPicturesTo(const QString &directory, const QString &ownFile) const
+{
+    copyIfThere(thumbURL(), directory + QLatin1Char('/') + thumbName());
+    const QString detail = detailItemURL();
+    if (detail != ownFile && !detail.startsWith(ownFile + QLatin1Char('/'))) {
+        copyIfThere(detail, directory + QLatin1Char('/') + QFileInfo(detail).fileName());
+    }
+}
+
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
+{
+    const QString path = findItemURL();
+    if (!managedObjectContext() || path.isEmpty() || !QFileInfo::exists(path)) {
+        return {};
+    }
+    const QString copyPath = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
+    const QString directory = QFileInfo(copyPath).path();
+    const auto copy = copyPath.isEmpty() ? ZQRef<ZQLibraryBaseItem>() : insertCopy(directory);
+    if (!copy) {
+        return {};
+    }
+    copy->setManaged(true);
+    copy->setWatchingFolder(nullptr);
     copy->setTitle(zqBaseName(copyPath));
     copy->setOriginalExtension(zqPathExtension(copyPath));
-    const QString directory = QFileInfo(copyPath).path();
-    copy->setBundleID(zqBaseName(directory));
-
-    const auto copyFile = [](const QString &from, const QString &to) {
-        ZQError error;
-        if (!from.isEmpty() && QFileInfo::exists(from) && !zqCopyFile(from, to, &error)) {
-            qCInfo(zqLogFiles, "%s was not copied: %s", qUtf8Printable(from),
-                   qUtf8Printable(error.localizedDescription()));
-        }
-    };
-    copyFile(path, copyPath);
+    copyIfThere(path, copyPath);
     copy->setItemURLData(zqDataForPersistentURL(copyPath));
-    copyFile(thumbURL(), directory + QLatin1Char('/') + thumbName());
-    const QString detail = detailItemURL();
-    if (detail != path && !detail.startsWith(path + QLatin1Char('/'))) {
-        copyFile(detail, sibling(copyPath, QFileInfo(detail).fileName()));
+    copyPicturesTo(directory, path);
+    return copy;
+}
+
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicateForWatchedFolder(ZQSidebarWatchedFolder *folder,
+                                                                      const QString &path)
+{
+    const QString place = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
+    const QString directory = QFileInfo(place).path();
+    const auto copy = place.isEmpty() ? ZQRef<ZQLibraryBaseItem>() : insertCopy(directory);
+    if (copy) {
+        copy->setManaged(false);
+        copy->setWatchingFolder(folder);
+        copy->setTitle(zqBaseName(path));
+        copy->setItemURLData(zqDataForPersistentURL(path));
+        copyPicturesTo(directory, findItemURL());
     }
     return copy;
 }

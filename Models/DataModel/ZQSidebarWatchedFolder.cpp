@@ -1,7 +1,6 @@
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include "Kit/Files/ZQExtendedAttributes.h"
-#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -205,14 +204,12 @@ void ZQSidebarWatchedFolder::updateFolderOpenMetaSyncDate()
     }
     ZQError error;
     const auto date = ZQPropertyList::toBinary(zqNow(), &error);
-    ZQOwnChanges::sharedOwnChanges().note(path);
     if (!date || !ZQExtendedAttributes::set(path, syncDateAttribute, *date, &error)) {
         const QString text =
             zqFormat(QStringLiteral("OpenMeta error on trying to set the sync data on folder: %@ error: %@"),
                      {path, error.localizedDescription()});
         qCWarning(zqLogTags, "%s", qUtf8Printable(text));
     }
-    ZQOwnChanges::sharedOwnChanges().didChange(path);
 }
 
 QString ZQSidebarWatchedFolder::typeString() const
