@@ -279,8 +279,8 @@ void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &into
     EditContext &edits = m_edits;
     const auto synchronise = [&edits, intoWatchedFolder] {
         zqOnMainThread([&edits, intoWatchedFolder] {
-            if (edits.liveFolders) {
-                edits.liveFolders->syncWatchedFolder(intoWatchedFolder, true);
+            if (edits.liveFolderManager) {
+                edits.liveFolderManager->syncWatchedFolder(intoWatchedFolder, true);
             }
         });
     };
