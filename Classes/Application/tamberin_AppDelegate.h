@@ -128,6 +128,7 @@ public:
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
+    LiveFolderManaging *liveFolderManager() const; // null: none
     UserInteraction &userInteraction() const; // any thread may ask for it
 
 private:
