@@ -276,13 +276,10 @@ void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &into
         bytes += info.isDir() ? bytesPerRow * (filesPerBatch + 1) : info.size(); // a folder may hold anything
     }
     const auto copies = std::make_shared<FileCopies>(paths, intoWatchedFolder);
-    EditContext &edits = m_edits;
-    const auto synchronise = [&edits, intoWatchedFolder] {
-        zqOnMainThread([&edits, intoWatchedFolder] {
-            if (edits.liveFolderManager) {
-                edits.liveFolderManager->syncWatchedFolder(intoWatchedFolder, true);
-            }
-        });
+    const auto synchronise = [manager = m_edits.liveFolderManager, intoWatchedFolder] {
+        if (manager) {
+            zqOnMainThread([manager, intoWatchedFolder] { manager->syncWatchedFolder(intoWatchedFolder, true); });
+        }
     };
     const EditPass redo{[copies, synchronise](EditRun &run) {
                             const bool isDone = copies->copyFiles(run);

@@ -40,7 +40,7 @@ void SidebarActivation::remove(const Item &row)
     }
     row->deleteSelf();
     if (row->isWatchedFolder()) {
-        m_liveFolderManager.append(row->objectID());
+        m_liveFolders.append(row->objectID());
     }
 }
 
@@ -53,7 +53,7 @@ void SidebarActivation::restore(const Item &row)
     }
     row->restoreSelf();
     if (row->isWatchedFolder()) {
-        m_liveFolderManager.append(row->objectID());
+        m_liveFolders.append(row->objectID());
     }
 }
 
@@ -64,8 +64,8 @@ void SidebarActivation::save()
     } else {
         ItemEdits(m_edits).saveAndRewriteFiles(m_tagged);
     }
-    if (m_edits.liveFolderManager && !m_liveFolderManager.isEmpty()) {
-        m_edits.liveFolderManager->watchedFoldersDidChange(m_liveFolderManager);
+    if (m_manager && !m_liveFolders.isEmpty()) {
+        m_manager->watchedFoldersDidChange(m_liveFolders);
     }
 }
 
@@ -83,7 +83,7 @@ void SidebarRemoval::remove()
 {
     m_places.clear();
     m_deleted.clear();
-    SidebarActivation activation(m_edits);
+    SidebarActivation activation(m_edits, m_manager);
     for (auto id = m_rows.crbegin(); id != m_rows.crend(); ++id) {
         const Item item = m_edits.sidebarItem(*id);
         if (!item || !item->active()) {
@@ -105,7 +105,7 @@ void SidebarRemoval::remove()
 
 void SidebarRemoval::putBack()
 {
-    SidebarActivation activation(m_edits);
+    SidebarActivation activation(m_edits, m_manager);
     for (auto id = m_deleted.crbegin(); id != m_deleted.crend(); ++id) {
         if (const Item item = m_edits.sidebarItem(*id)) {
             activation.restore(item);

@@ -4,6 +4,8 @@
 
 #include <QSet>
 
+#include <utility>
+
 // Where a row of the sidebar hangs, to hang it there again.
 struct SidebarPlace
 {
@@ -19,7 +21,8 @@ struct SidebarPlace
 class SidebarActivation
 {
 public:
-    explicit SidebarActivation(EditContext &edits) : m_edits(edits) {}
+    explicit SidebarActivation(EditContext &edits) : SidebarActivation(edits, edits.liveFolderManager) {}
+    SidebarActivation(EditContext &edits, LiveFolderManaging *manager) : m_edits(edits), m_manager(manager) {}
     void remove(const ZQRef<ZQSidebarBaseItem> &row);
     void restore(const ZQRef<ZQSidebarBaseItem> &row);
     void save();
@@ -28,6 +31,7 @@ private:
     void add(const ZQRef<ZQSidebarBaseItem> &tag);
 
     EditContext &m_edits;
+    LiveFolderManaging *m_manager; // null: nobody
     QList<ZQObjectID> m_tagged;
     QSet<ZQObjectID> m_known;
     QList<ZQObjectID> m_liveFolders;
@@ -37,13 +41,17 @@ private:
 class SidebarRemoval
 {
 public:
-    SidebarRemoval(EditContext &edits, QList<ZQObjectID> rows) : m_edits(edits), m_rows(std::move(rows)) {}
+    SidebarRemoval(EditContext &edits, QList<ZQObjectID> rows, LiveFolderManaging *manager)
+        : m_edits(edits), m_manager(manager), m_rows(std::move(rows))
+    {
+    }
 
     void remove();  // those that are there
     void putBack(); // what it removed; says so to who wants to see it
 
 private:
     EditContext &m_edits;
+    LiveFolderManaging *m_manager;
     QList<ZQObjectID> m_rows;
     QList<SidebarPlace> m_places;
     QList<ZQObjectID> m_deleted; // those below too
