@@ -3,6 +3,8 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/FileTagReader.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Editing/LiveFolderEdits.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -89,6 +91,10 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
                                  m_liveFolders.get()}),
       m_mainWindow(std::make_unique<MainWindow>())
 {
+    m_window->liveFolderManager = m_delegate->liveFolderManager();
+    ImportDoor::setWatchedFolderCopy([this](const QStringList &paths, const ZQObjectID &folder) {
+        LiveFolderEdits(*m_window).copyFiles(paths, folder);
+    });
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
     index->follow(m_window->context);
     m_fetcher->setIndex(index);
@@ -147,6 +153,7 @@ void MainWindowController::startAfterFirstScreen(LibraryIndex &index)
 
 MainWindowController::~MainWindowController()
 {
+    ImportDoor::setWatchedFolderCopy({});
     m_window->editQueue.cancelAllOperations();
     m_window->editQueue.waitUntilAllOperationsAreFinished();
     m_user.setPlaces({});
