@@ -526,7 +526,7 @@ QString BrowserContent::emptyText() const
         return emptyFolderText();
     }
     if (m_tab->hasDisabledWatchedFolders()) {
-        return zqLocalized("A live folder that is selected was not there. Its items come back with it.");
+        return zqLocalized("A live folder that is selected is off, or was not there. Its items come back with it.");
     }
     if (!single) {
         return zqLocalized("What is selected in the sidebar is empty.");

@@ -221,6 +221,7 @@ bool ProjectsSidebarViewController::reload(SidebarTreeModel *model)
         before.append(item->objectID());
     }
     const QList<ZQObjectID> neighbours = before.isEmpty() ? before : tree->neighboursOfSelection();
+    const SidebarTreeView::TopRow top = tree->topRow();
     model->reload();
     restoreExpansion(tree);
     const auto select = [&](const ZQObjectID &id) {
@@ -236,6 +237,9 @@ bool ProjectsSidebarViewController::reload(SidebarTreeModel *model)
     }
     if (kept == 0) {
         std::any_of(neighbours.begin(), neighbours.end(), select);
+    }
+    if (kept == before.size()) { // nothing else is to be seen
+        tree->keepOnTop(top);
     }
     if (model->hasUncounted()) {
         model->reloadCounts();

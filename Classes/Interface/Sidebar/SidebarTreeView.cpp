@@ -51,6 +51,20 @@ void SidebarTreeView::setTree(SidebarTreeModel *model)
     connect(&m_turningSign, &ZQTurningSign::turned, this, &SidebarTreeView::turnSigns);
 }
 
+SidebarTreeView::TopRow SidebarTreeView::topRow() const
+{
+    const QModelIndex top = verticalScrollBar()->value() > 0 ? indexAt({0, 0}) : QModelIndex();
+    return top.isValid() ? TopRow{tree()->item(top)->objectID(), visualRect(top).top()} : TopRow();
+}
+
+void SidebarTreeView::keepOnTop(const TopRow &row)
+{
+    const QModelIndex index = row.item.isNull() ? QModelIndex() : tree()->indexOf(row.item);
+    if (index.isValid()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + visualRect(index).top() - row.top);
+    }
+}
+
 QRegion SidebarTreeView::signsInView() const
 {
     QRegion signs;

@@ -27,6 +27,14 @@ public:
     // The rows that can be selected beside those that are: below the last of them, then above the first; the nearest
     // first, of each side a few.
     QList<ZQObjectID> neighboursOfSelection() const;
+    // What is on top, so that it can be there again after the rows were read anew.
+    struct TopRow
+    {
+        ZQObjectID item; // null: the first row is, and stays
+        int top = 0;     // in the viewport
+    };
+    TopRow topRow() const;
+    void keepOnTop(const TopRow &row);
     SidebarTreeModel *tree() const { return static_cast<SidebarTreeModel *>(model()); }
     const ZQTurningSign &turningSign() const { return m_turningSign; } // of rows that are being synchronised
 

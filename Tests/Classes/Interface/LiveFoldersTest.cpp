@@ -423,6 +423,26 @@ TEST_F(LiveFoldersTest, WhatComesInLeavesSelectionAndViewWhereTheyAre)
     EXPECT_EQ(grid().scrollOffset(), 0) << "what comes first is seen at the top";
 }
 
+TEST_F(LiveFoldersTest, FoldersThatComeInLeaveTheSidebarWhereItIs)
+{
+    const Folder live = addLive("Pictures", label);
+    for (int i = 0; i < 60; ++i) {
+        add<ZQSidebarWatchedFolder>(QStringLiteral("m%1").arg(i, 2, 10, QLatin1Char('0')), live);
+    }
+    save();
+    tree()->setExpanded(index(live), true);
+    const Item seen = live->orderedChildren()[40];
+    tree()->scrollTo(index(seen), QAbstractItemView::PositionAtTop);
+    const int before = row(seen).top();
+    EXPECT_FALSE(tree()->viewport()->rect().intersects(row(a))) << "what is selected is out of view";
+    live->addChild(add<ZQSidebarWatchedFolder>(QStringLiteral("first"), live).get(), 0);
+    add<ZQSidebarWatchedFolder>(QStringLiteral("last"), live);
+    save();
+    EXPECT_EQ(index(seen).row(), 41);
+    EXPECT_EQ(row(seen).top(), before);
+    EXPECT_EQ(sidebar().selectedItems(), QList<ZQObjectID>{a->objectID()});
+}
+
 TEST_F(LiveFoldersTest, ThePanelSaysWhereItemsLie)
 {
     const Folder live = addLive("Pictures", label);
