@@ -270,8 +270,8 @@ void BrowserViewController::contentDidChange()
     Q_EMIT selectionChanged();
 }
 
-// What was selected is followed only where it was chosen anew or stands in another order: what comes in by itself takes
-// nobody away from what they look at.
+// What was selected is followed where it was in view, was chosen anew or stands in another order: what comes in by
+// itself takes nobody away from what they look at.
 void BrowserViewController::scrollAfterChange(bool selectsOther, bool isInOtherOrder, const ZQIndexSet &kept)
 {
     const ZQIndexSet selection = m_grid->selection();
@@ -281,8 +281,8 @@ void BrowserViewController::scrollAfterChange(bool selectsOther, bool isInOtherO
     } else {
         m_anchor.restore(*m_grid, *m_content);
     }
-    const bool isOneAnew = selection.count() == 1 && (isOther || selection != kept);
-    if (!selection.isEmpty() && (selectsOther || isInOtherOrder || isOneAnew)) {
+    const bool followsOne = selection.count() == 1 && (isOther || selection != kept || m_anchor.hasSeenSelection());
+    if (!selection.isEmpty() && (selectsOther || isInOtherOrder || followsOne)) {
         m_grid->scrollToIndex(selection.first());
     }
 }

@@ -3,20 +3,18 @@
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Kit/Widgets/ZQGridView.h"
 
-#include <algorithm>
-
 ScrollAnchor::ScrollAnchor(const ZQGridView &grid, const BrowserContent &content)
 {
     const ZQIndexSet visible = grid.visibleIndexes();
     for (const auto &[first, last] : visible.ranges()) {
-        for (qint64 index = first; index <= last && m_index < 0; ++index) {
-            m_index = grid.selection().contains(index) ? index : -1;
+        for (qint64 index = first; index <= last; ++index) {
+            const bool isSelected = grid.selection().contains(index);
+            m_hasSeenSelection = m_hasSeenSelection || isSelected;
+            m_index = m_index < 0 && !isSelected ? index : m_index;
         }
     }
-    if (m_index < 0 && grid.scrollOffset() > 0) {
-        m_index = visible.first();
-    }
-    if (m_index >= 0 && m_index < content.count()) {
+    m_index = m_index < 0 ? visible.first() : m_index;
+    if (grid.scrollOffset() > 0 && m_index >= 0 && m_index < content.count()) {
         m_row = content.rowIDs()[m_index];
         m_top = grid.visualRect(m_index).top();
     }
