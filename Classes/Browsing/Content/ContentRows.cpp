@@ -224,7 +224,7 @@ std::optional<ContentRows::FolderItems> ContentRows::itemsOfLiveFolders()
     request.predicate =
         ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder IN %@ AND active == YES"), {QVariant(folders)});
     m_prepare(request);
-    return ListOrder::needsItems(request.sortDescriptors) ? std::nullopt : m_index->answerByLiveFolder(request);
+    return m_index->answerByLiveFolder(request);
 }
 
 void ContentRows::addSidebarGroups(const IsWanted &isWanted)
