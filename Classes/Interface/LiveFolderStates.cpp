@@ -27,7 +27,7 @@ QString standing(LiveFolderStates::Kind kind, const QString &reason)
     case Missing:
         return reason.isEmpty() ? zqLocalized("This folder cannot be found.") : reason;
     case Trashed:
-        return zqLocalized("This folder is in the trash.");
+        return reason.isEmpty() ? zqLocalized("This folder is in the trash.") : reason;
     case Off:
         return zqLocalized("This live folder is off: Enable in its menu has it looked at again.");
     case Swept:

@@ -28,6 +28,7 @@ public:
 
     LiveFolderManaging &manager() const { return m_manager; }
     const LiveFolderStatus &statusOf(const ZQObjectID &folder) const;
+    void forgetStatuses() { m_statuses.clear(); } // the rows themselves may be others
     bool isSyncing(const ZQObjectID &folder) const { return m_syncing.contains(folder); }
     // In no order.
     QList<ZQObjectID> syncing() const { return m_syncing.values(); }

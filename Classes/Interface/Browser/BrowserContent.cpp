@@ -464,8 +464,8 @@ QString BrowserContent::emptyFolderText() const
     switch (m_folderKind.value_or(Kind::Mirrored)) {
     case Kind::Missing:
         return zqFormat(zqLocalized("The folder “%@” is not there."), {path}) + u'\n' +
-               (status.reason.isEmpty() ? QString() : status.reason + u'\n') +
-               zqLocalized("Connect its disk, or put it back: its items come back with it.");
+               (status.reason.isEmpty() ? zqLocalized("Connect its disk, or put it back.") : status.reason) + u'\n' +
+               zqLocalized("Its items come back with it.");
     case Kind::Trashed:
         return zqFormat(zqLocalized("The folder “%@” is in the trash. Put it back, and its items come back with it."),
                         {path});

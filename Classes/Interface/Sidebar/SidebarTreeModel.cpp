@@ -170,6 +170,9 @@ void SidebarTreeModel::reload()
         return;
     }
     m_isUncounted = true;
+    if (m_window.liveFolders) {
+        m_window.liveFolders->forgetStatuses();
+    }
     // Most changes leave the shape as it is: the rows, and what the view knows of them, then stay.
     if (haveSameShape(*m_root, *root)) {
         announceAll({});

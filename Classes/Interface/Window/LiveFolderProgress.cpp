@@ -6,6 +6,7 @@
 
 #include <QPointer>
 
+#include <algorithm>
 #include <chrono>
 
 using namespace std::chrono_literals;
@@ -75,15 +76,15 @@ void LiveFolderProgress::begin()
 
 void LiveFolderProgress::show(const QList<ZQObjectID> &folders)
 {
+    // Folders are synchronised one run after another, and each says how far the whole run is.
     double done = 0;
     double total = 0;
-    bool isKnown = true;
     for (const ZQObjectID &folder : folders) {
         const LiveFolderStatus &status = m_window.liveFolders->statusOf(folder);
-        done += double(status.filesDone);
-        total += double(status.filesTotal);
-        isKnown = isKnown && status.filesTotal > 0;
+        done = std::max(done, double(status.filesDone));
+        total = std::max(total, double(status.filesTotal));
     }
+    const bool isKnown = total > 0;
     const QString title = folders.size() == 1
                               ? zqShortened(m_window.sidebarItem(folders.first())->title(), longestTitle)
                               : zqFormat(zqLocalized("%d live folders"), {int(folders.size())});

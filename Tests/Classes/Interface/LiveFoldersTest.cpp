@@ -338,7 +338,7 @@ TEST_F(LiveFoldersTest, AnEmptyLiveFolderSaysWhyAndWhatToDo)
     fake.setStatus(*live, {.isSyncing = false, .filesDone = 0, .filesTotal = 0, .isSwept = false, .reason = "Gone."});
     save();
     EXPECT_EQ(text(), QStringLiteral("The folder “%1” is not there.\nGone.\n"
-                                     "Connect its disk, or put it back: its items come back with it.")
+                                     "Its items come back with it.")
                           .arg(live->folderPath()));
     EXPECT_EQ(buttons(), QString());
     live->setIs_missing(false);
