@@ -355,7 +355,7 @@ TEST_F(ContentGroupsTest, FoldersOfALiveFolderAreListedByTheIndexAsByTheStore)
     LibraryIndex index(library.coordinator());
     index.follow(library.context());
     ASSERT_TRUE(index.waitUntilOrdered());
-    for (const char *filter : {"", "B", "#png OR #svg"}) {
+    for (const char *filter : {"", "B", "#ext png OR #ext svg"}) {
         for (int sort = 0; sort < 8; ++sort) {
             const ContentQuery query{.sidebarItems = {places.first()->objectID(), live->objectID()},
                                      .filter = QString::fromLatin1(filter),
