@@ -19,6 +19,7 @@ class LibraryPlaces;
 class LibraryRemovals;
 class LibraryStore;
 class LibrarySwitch;
+class LiveFolderManaging;
 class MainWindowControlling;
 class ModelEnvironment;
 class QProcess;
@@ -128,6 +129,7 @@ public:
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
+    LiveFolderManaging *liveFolderManager() const; // null: none
     UserInteraction &userInteraction() const; // any thread may ask for it
 
 private:

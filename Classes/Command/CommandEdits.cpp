@@ -67,7 +67,8 @@ CommandEdits::CommandEdits(CommandContext &command)
               .save = [this] { return save(); },
               .writesUnchangedFiles = true,
               .merge = [this](const ZQContextDidSave &saved) { takeIn(saved); },
-              .wasCancelled = [isCancelled = m_isCancelled] { *isCancelled = true; }}
+              .wasCancelled = [isCancelled = m_isCancelled] { *isCancelled = true; },
+              .liveFolderManager = command.delegate->liveFolderManager()}
 {
 }
 

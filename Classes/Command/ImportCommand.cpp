@@ -1,8 +1,10 @@
 #include "Classes/Command/AbandonWatch.h"
+#include "Classes/Command/CommandEdits.h"
 #include "Classes/Command/Commands.h"
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Editing/LiveFolderEdits.h"
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/DuplicateAnswer.h"
@@ -176,6 +178,14 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
     return true;
 }
 
+// There they lie on the disk, and no import of them is kept to go on with.
+int copyIntoLiveFolder(const QStringList &paths, const ZQSidebarBaseItem &folder, CommandContext &context)
+{
+    CommandEdits edits(context);
+    LiveFolderEdits(edits.context()).copyFiles(paths, folder.objectID());
+    return edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
+}
+
 void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
 {
     operation->cancel();
@@ -247,6 +257,15 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
             return context.fail(zqFormat(zqLocalized("there is no file “%@”"), {absolute}));
         }
         paths.append(absolute);
+    }
+    if (!request.into.isEmpty() && !paths.isEmpty() && !request.resumes) {
+        const auto target = zqSidebarItemForReference(request.into, context);
+        if (!target) {
+            return 2;
+        }
+        if (target->isWatchedFolder()) {
+            return copyIntoLiveFolder(paths, *target, context);
+        }
     }
     if (request.forgets) {
         AImportManager::sharedAImportManager().pendingImports().forget();

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+class LiveFolderManaging;
 class QUndoStack;
 class ZQOperationQueue;
 
@@ -32,6 +33,8 @@ struct EditContext
     // rows of the sidebar that this changed and that may be there again, once `context` has them. Null: nobody asks.
     using Brought = std::function<void(const QList<ZQObjectID> &ids)>;
     std::function<Brought()> whenStepBrings = {};
+    LiveFolderManaging *liveFolderManager =
+        nullptr; // told of what becomes of live folders; null: nobody keeps them in step
 
     ZQRef<ZQSidebarBaseItem> sidebarItem(const ZQObjectID &id) const
     {

@@ -2,7 +2,11 @@
 
 #include "Classes/Editing/CopiesBesideOriginals.h"
 #include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/FileProblems.h"
+#include "Classes/Editing/ItemDeletion.h"
 #include "Classes/Editing/ItemEdits.h"
+#include "Classes/Editing/LiveFolderEdits.h"
+#include "Kit/Files/ZQOwnMove.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQProjectItem.h"
@@ -27,10 +31,12 @@ ZQRef<ZQSidebarBaseItem> sidebarItem(ZQManagedObjectContext &context, const ZQOb
 // Takes back what `done` holds, the last first, a batch a save; what was not come to stays in it.
 template <class T>
 bool takeBack(EditRun &run, const QString &progressText, QList<T> &done,
-              const std::function<bool(const QList<T> &batch)> &change)
+              const std::function<bool(const QList<T> &batch, ZQOwnMoves &moves)> &change)
 {
     const qsizetype count = run.inBatches(progressText, done.size(), [&](qsizetype, qsizetype size) {
-        if (!change(done.last(size)) || !run.save()) {
+        ZQOwnMoves moves;
+        if (!change(done.last(size), moves) || !run.save()) {
+            moves.takeBack();
             return false;
         }
         done.resize(done.size() - size);
@@ -43,22 +49,25 @@ bool takeBack(EditRun &run, const QString &progressText, QList<T> &done,
 EditPass deletion(const IDs &items, const Done &done)
 {
     return {[items, done](EditRun &run) {
+                FileProblems problems;
                 run.inBatches(zqLocalized("Deleting items…"), items.size(), [&](qsizetype first, qsizetype size) {
                     IDs deleted;
+                    ZQOwnMoves moves;
                     const auto batch = ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context());
                     ZQLibraryBaseItem::lookForFiles(batch);
                     for (const auto &item : batch) {
-                        if (item->active()) {
-                            item->deleteSelf();
+                        if (item->active() && zqDeleteItem(*item, moves, problems)) {
                             deleted.append(item->objectID());
                         }
                     }
                     if (!run.save()) {
+                        moves.takeBack();
                         return false;
                     }
                     done->append(deleted);
                     return true;
                 });
+                problems.tell(run, "“%@” cannot be deleted.", "%d items cannot be deleted.");
                 return !done->isEmpty();
             },
             zqLocalized("Deleting items…")};
@@ -67,15 +76,20 @@ EditPass deletion(const IDs &items, const Done &done)
 EditPass restoration(const Done &done)
 {
     return {[done](EditRun &run) {
-                return takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, [&run](const IDs &batch) {
+                FileProblems problems;
+                const auto restore = [&](const IDs &batch, ZQOwnMoves &moves) {
                     const auto all = ZQLibraryBaseItem::itemsWithIDs(batch, run.context());
                     ZQLibraryBaseItem::lookForFiles(all);
                     for (const auto &item : all) {
-                        item->restoreSelf();
+                        if (zqRestoreItem(*item, moves, problems)) {
+                            run.didBring({item->objectID()});
+                        }
                     }
-                    run.didBring(batch);
                     return true;
-                });
+                };
+                const bool isDone = takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, restore);
+                problems.tell(run, "“%@” cannot be restored.", "%d items cannot be restored.");
+                return isDone;
             },
             zqLocalized("Restoring items…")};
 }
@@ -153,7 +167,7 @@ EditPass returnToPlaces(const ZQObjectID &to, const std::shared_ptr<QList<Remove
                 }
                 std::stable_sort(done->begin(), done->end(),
                                  [](const RemovedPlace &a, const RemovedPlace &b) { return a.order < b.order; });
-                const auto restore = [&](const QList<RemovedPlace> &batch) {
+                const auto restore = [&](const QList<RemovedPlace> &batch, ZQOwnMoves &) {
                     Items items;
                     QList<qint32> orders;
                     for (const auto &[order, id] : batch) {
@@ -360,7 +374,7 @@ EditPass removalOf(const Done &done, const ZQObjectID &from, const std::shared_p
     return {
         [done, from, moved](EditRun &run) {
             const auto container = sidebarItem(run.context(), from);
-            const auto remove = [&](const IDs &batch) {
+            const auto remove = [&](const IDs &batch, ZQOwnMoves &) {
                 return removeBatch(run, *container, ZQLibraryBaseItem::itemsWithIDs(batch, run.context())).has_value();
             };
             const bool isDone = container && takeBack<ZQObjectID>(run, zqLocalized("Removing items…"), *done, remove);
@@ -460,7 +474,7 @@ void LibraryCommands::restoreItems(const Done &done)
 void LibraryCommands::removeItems(const QList<ZQObjectID> &items, const ZQObjectID &fromSidebarItem)
 {
     const auto container = m_edits.sidebarItem(fromSidebarItem);
-    if (!container) {
+    if (!container || container->isWatchedFolder()) { // its items are in it for as long as their files are
         return;
     }
     if (container->isTag()) {
@@ -480,6 +494,10 @@ void LibraryCommands::addItems(const QList<ZQObjectID> &items, const ZQObjectID 
     }
     if (target->isTag()) {
         ItemEdits(m_edits).changeTags(items, {toSidebarItem}, {});
+        return;
+    }
+    if (target->isWatchedFolder()) {
+        LiveFolderEdits(m_edits).moveLibraryItems(items, toSidebarItem);
         return;
     }
     // Members behind the place move up, too.

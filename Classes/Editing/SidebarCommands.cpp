@@ -3,6 +3,7 @@
 #include "Classes/Editing/EditStep.h"
 #include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
+#include "Classes/Editing/SidebarRemoval.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -18,31 +19,7 @@
 
 namespace {
 
-// Where an item hung before a step, to hang it there again.
-struct Place
-{
-    ZQObjectID item;
-    ZQObjectID father;
-    quint32 index = 0;
-};
-
-Place placeOf(const SidebarCommands::Item &item)
-{
-    Place place{item->objectID(), {}, 0};
-    if (const SidebarCommands::Item father = item->father()) {
-        place.father = father->objectID();
-        place.index = quint32(std::max<qsizetype>(0, father->orderedChildren().indexOf(item)));
-    }
-    return place;
-}
-
-void collectDescendants(const SidebarCommands::Item &item, QList<ZQObjectID> &into)
-{
-    into.append(item->objectID());
-    for (const SidebarCommands::Item &child : item->childsItems()) {
-        collectDescendants(child, into);
-    }
-}
+using Place = SidebarPlace;
 
 QList<ZQObjectID> idsOf(const SidebarCommands::Items &items)
 {
@@ -65,6 +42,13 @@ SidebarCommands::Items topmost(const SidebarCommands::Items &items)
         }
     }
     return result;
+}
+
+// A folder below a live folder.
+bool isWhereItIsOnDisk(const SidebarCommands::Item &item)
+{
+    const SidebarCommands::Item father = item->father();
+    return item->isWatchedFolder() && father && father->isWatchedFolder();
 }
 
 struct Confirmation
@@ -108,55 +92,6 @@ const Confirmation &confirmationFor(const SidebarCommands::Items &items, bool wi
                                             : deleteProject;
 }
 
-// Rows that are deleted or restored together. Files lose and get tags after the save, many beside the window; a tag's
-// own `deleteSelf` would write them at once.
-class Activation
-{
-public:
-    explicit Activation(EditContext &edits) : m_edits(edits) {}
-    void remove(const SidebarCommands::Item &item)
-    {
-        if (item->isTag()) {
-            item->setActive(false);
-            add(item);
-        } else {
-            item->deleteSelf();
-        }
-    }
-    void restore(const SidebarCommands::Item &item)
-    {
-        if (item->isTag()) {
-            item->setActive(true);
-            add(item);
-        } else {
-            item->restoreSelf();
-        }
-    }
-    void save()
-    {
-        if (m_tagged.isEmpty()) {
-            m_edits.save();
-        } else {
-            ItemEdits(m_edits).saveAndRewriteFiles(m_tagged);
-        }
-    }
-
-private:
-    void add(const SidebarCommands::Item &tag)
-    {
-        for (const ZQObjectID &id : tag->relatedObjectIDs(QStringLiteral("taggedItems"))) {
-            if (!m_known.contains(id)) {
-                m_known.insert(id);
-                m_tagged.append(id);
-            }
-        }
-    }
-
-    EditContext &m_edits;
-    QList<ZQObjectID> m_tagged;
-    QSet<ZQObjectID> m_known;
-};
-
 } // namespace
 
 SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
@@ -164,7 +99,7 @@ SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
     Spot spot{ZQSidebarBaseItem::projectsLabelInManagedObjectContext(m_edits.context), ZQSidebarBaseItem::appendIndex};
     if (onItem && !onItem->isSpecial() && !onItem->isLabel() && !onItem->isTag() && !onItem->isWatchedFolder()) {
         if ((onItem->isProject() || onItem->isSmartFolder()) && onItem->father()) {
-            spot = {onItem->father(), placeOf(onItem).index + 1};
+            spot = {onItem->father(), SidebarPlace::of(onItem).index + 1};
         } else if (onItem->isFolder()) {
             spot.father = onItem;
             onItem->setExpanded(true);
@@ -204,7 +139,7 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
 {
     father->addChild(item.get(), order);
     m_edits.save();
-    const Place place = placeOf(item);
+    const Place place = SidebarPlace::of(item);
     EditContext &edits = m_edits;
     auto isFirst = std::make_shared<bool>(true);
     zqPushBlocks(
@@ -213,19 +148,19 @@ SidebarCommands::Item SidebarCommands::addNewListItem(const Item &item, const It
             if (std::exchange(*isFirst, false)) {
                 return;
             }
-            const Item again = edits.sidebarItem(place.item);
+            const Item again = edits.sidebarItem(place.row);
             const Item above = edits.sidebarItem(place.father);
             if (again && above) {
-                Activation activation(edits);
+                SidebarActivation activation(edits);
                 activation.restore(again);
                 above->addChild(again.get(), place.index);
                 activation.save();
-                zqTellOfRows(edits, {place.item});
+                zqTellOfRows(edits, {place.row});
             }
         },
         [&edits, place] {
-            if (const Item gone = edits.sidebarItem(place.item)) {
-                Activation activation(edits);
+            if (const Item gone = edits.sidebarItem(place.row)) {
+                SidebarActivation activation(edits);
                 gone->removeFromFather();
                 activation.remove(gone);
                 activation.save();
@@ -365,53 +300,19 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
     }
     struct Done
     {
-        QList<Place> places;
-        QList<ZQObjectID> deleted;
-        std::shared_ptr<QList<ZQObjectID>> items = std::make_shared<QList<ZQObjectID>>(); // of the content
+        SidebarRemoval rows;
+        std::shared_ptr<QList<ZQObjectID>> items; // of the content
     };
-    auto done = std::make_shared<Done>();
+    const auto done = std::make_shared<Done>(Done{SidebarRemoval(m_edits, ids, m_edits.liveFolderManager), {}});
     EditContext &edits = m_edits;
-    const auto redo = [&edits, ids, contentIDs, done] {
-        *done = {};
+    const auto redo = [&edits, contentIDs, done] {
+        done->items = std::make_shared<QList<ZQObjectID>>();
         LibraryCommands(edits).deleteItems(contentIDs, done->items);
-        Activation activation(edits);
-        for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
-            const Item item = edits.sidebarItem(*id);
-            if (!item || !item->active()) {
-                continue;
-            }
-            QList<ZQObjectID> below;
-            collectDescendants(item, below);
-            done->places.append(placeOf(item));
-            item->removeFromFather();
-            for (const ZQObjectID &each : below) {
-                if (const Item lower = edits.sidebarItem(each); lower && lower->active()) {
-                    activation.remove(lower);
-                    done->deleted.append(each);
-                }
-            }
-        }
-        activation.save();
+        done->rows.remove();
     };
     const auto undo = [&edits, done] {
-        Activation activation(edits);
-        for (auto id = done->deleted.rbegin(); id != done->deleted.rend(); ++id) {
-            if (const Item item = edits.sidebarItem(*id)) {
-                activation.restore(item);
-            }
-        }
-        QList<ZQObjectID> rows;
-        for (auto place = done->places.rbegin(); place != done->places.rend(); ++place) {
-            const Item item = edits.sidebarItem(place->item);
-            const Item father = edits.sidebarItem(place->father);
-            if (item && father) {
-                father->addChild(item.get(), place->index);
-                rows.append(place->item);
-            }
-        }
-        activation.save();
+        done->rows.putBack();
         LibraryCommands(edits).restoreItems(done->items);
-        zqTellOfRows(edits, rows);
     };
     zqPushBlocks(m_edits, text, redo, undo);
 }
@@ -474,12 +375,22 @@ void SidebarCommands::moveListItems(const Items &items, const Items &onFathers, 
 {
     QList<Place> targets;
     for (qsizetype i = 0; i < std::min({items.size(), onFathers.size(), atIndexes.size()}); ++i) {
-        targets.append({items[i]->objectID(), onFathers[i]->objectID(), atIndexes[i]});
+        if (isWhereItIsOnDisk(items[i])) {
+            m_edits.user.showNotificationWithText(
+                zqFormat(zqLocalized("“%@” stays where it is on the disk. Move the folder there."),
+                         {items[i]->title()}),
+                NotificationPlace::Sidebar, usualNotificationTime);
+        } else {
+            targets.append({items[i]->objectID(), onFathers[i]->objectID(), atIndexes[i]});
+        }
+    }
+    if (targets.isEmpty()) {
+        return;
     }
     auto sources = std::make_shared<QList<Place>>();
     EditContext &edits = m_edits;
     const auto put = [&edits](const Place &place) {
-        const Item item = edits.sidebarItem(place.item);
+        const Item item = edits.sidebarItem(place.row);
         const Item father = edits.sidebarItem(place.father);
         if (item && father) {
             item->removeFromFather();
@@ -492,8 +403,8 @@ void SidebarCommands::moveListItems(const Items &items, const Items &onFathers, 
             sources->clear();
             // All leave before the first arrives, so that the indexes mean what remains.
             for (const Place &target : targets) {
-                if (const Item item = edits.sidebarItem(target.item)) {
-                    sources->append(placeOf(item));
+                if (const Item item = edits.sidebarItem(target.row)) {
+                    sources->append(SidebarPlace::of(item));
                     item->removeFromFather();
                 }
             }
@@ -504,7 +415,7 @@ void SidebarCommands::moveListItems(const Items &items, const Items &onFathers, 
         },
         [&edits, sources, put] {
             for (const Place &source : *sources) {
-                if (const Item item = edits.sidebarItem(source.item)) {
+                if (const Item item = edits.sidebarItem(source.row)) {
                     item->removeFromFather();
                 }
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Editing/EditContext.h"
 
 #include <optional>
@@ -31,6 +32,12 @@ public:
     Item duplicateSmartFolder(const Item &smartFolder); // beside it; null for what is none
     static QString nameOfSearch(const QString &text);   // what a smart folder is called that gets no other name
     void setSearchText(const Item &smartFolder, const QString &searchText);
+
+    // Live folders of these directories, from position `atIndex` of LIVE FOLDERS on. A step of those that were added.
+    AddedLiveFolders addWatchedFolders(const QStringList &paths, quint32 atIndex, LiveFolderManaging &manager);
+    // Whether they are looked at, and their items shown; of what is among `folders` the live folders that stand
+    // otherwise.
+    void setWatchedFoldersEnabled(const Items &folders, bool enabled, LiveFolderManaging &manager);
 
     // Ask, unless told not to; false when the person declined.
     bool deleteSidebarItem(const Items &items);

@@ -142,6 +142,11 @@ bool SidebarTargetRules::filesMakeProject(const Files &files, const ZQSidebarBas
     return (files.hasSupported || files.hasFolder) && (!target || (index >= 0 && targetOf(target) == Target::Folder));
 }
 
+bool SidebarTargetRules::foldersMakeLiveFolders(const Files &files, const ZQSidebarBaseItem *target)
+{
+    return files.hasFolder && targetOf(target) == Target::LiveFoldersLabel;
+}
+
 bool SidebarTargetRules::rows(const Rows &dragged, const ZQRef<ZQSidebarBaseItem> &target, int index)
 {
     const auto any = [&dragged](const auto &test) { return std::any_of(dragged.begin(), dragged.end(), test); };

@@ -37,6 +37,9 @@ public:
     // Files that are dropped between rows make a project there. A null target: below all rows.
     static bool filesMakeProject(const Files &files, const ZQSidebarBaseItem *target, int index);
 
+    // Folders that are dropped on LIVE FOLDERS or between its rows become live folders.
+    static bool foldersMakeLiveFolders(const Files &files, const ZQSidebarBaseItem *target);
+
     // Rows of the sidebar before the child `index` of the target, or onto it (-1).
     using Rows = QList<ZQRef<ZQSidebarBaseItem>>;
     static bool rows(const Rows &dragged, const ZQRef<ZQSidebarBaseItem> &target, int index);

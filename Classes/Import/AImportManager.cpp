@@ -61,6 +61,14 @@ void tellThatDrawingIsUnconfined()
     });
 }
 
+bool isWatchedFolder(const ZQObjectID &target)
+{
+    ZQManagedObjectContext *const context = application().managedObjectContext();
+    const auto item = context && !target.isNull() ? zqCast<ZQSidebarBaseItem>(context->existingObjectWithID(target))
+                                                  : ZQRef<ZQSidebarBaseItem>();
+    return item && item->isWatchedFolder();
+}
+
 } // namespace
 
 AImportManager &AImportManager::sharedAImportManager()
@@ -82,6 +90,10 @@ ZQOperationQueue &AImportManager::importOperationQueue()
 std::shared_ptr<ImportOperation> AImportManager::startImport(const BatchRequest &request)
 {
     Q_ASSERT(zqIsMainThread());
+    if (m_watchedFolderCopy && isWatchedFolder(request.target)) {
+        m_watchedFolderCopy(request.paths, request.target);
+        return nullptr;
+    }
     application().saveAction();
     auto operation = m_pendingImports.start(request);
     if (!operation) {

@@ -10,8 +10,10 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 class PromisedImports;
 class QMimeData;
@@ -28,7 +30,8 @@ public:
 
     static AImportManager &sharedAImportManager();
 
-    // The way in; see `ImportOwner`. The others say the same with what their callers have.
+    // The way in; see `ImportOwner`. The others say the same with what their callers have. Null, too, for a live
+    // folder.
     std::shared_ptr<ImportOperation> startImport(const BatchRequest &request) override;
     void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                             const QVariantMap &metadata) override;
@@ -45,6 +48,10 @@ public:
     bool isPromised(const QMimeData &dragged) const;
     // The import begins when it has come. False when nothing is promised.
     bool importPromisedFiles(const QMimeData &dropped, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex);
+    // What is to go into a live folder is copied to its place on the disk by who can take that back: `copy` is called
+    // instead of an import. Null: it is refused.
+    using WatchedFolderCopy = std::function<void(const QStringList &paths, const ZQObjectID &folder)>;
+    void setWatchedFolderCopy(WatchedFolderCopy copy) { m_watchedFolderCopy = std::move(copy); }
     void stopAllOperation();
     void takeBackItemDirectories(const QStringList &names,
                                  std::function<void(qsizetype takenBack, bool isComplete)> done) override;
@@ -89,4 +96,5 @@ private:
     ZQOperationQueue m_thumbsGenerationQueue;
     PendingImports m_pendingImports;
     PromisedImports *m_promisedImports = nullptr;
+    WatchedFolderCopy m_watchedFolderCopy;
 };

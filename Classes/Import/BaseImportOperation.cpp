@@ -216,8 +216,8 @@ bool BaseImportOperation::copyFile()
 {
     ZQError error;
     const QString target = m_libraryItemBundlePath + u'/' + QFileInfo(m_filePath).fileName();
-    m_isMove =
-        m_readPath == m_filePath && isReallyTemporary(m_filePath) && !m_filePath.contains(QStringLiteral("zttemplate"));
+    m_isMove = !m_keepsSource && m_readPath == m_filePath && isReallyTemporary(m_filePath) &&
+               !m_filePath.contains(QStringLiteral("zttemplate"));
     const auto cancelled = [this] { return isCancelled(); };
     // A move that can be interrupted anywhere: the source stays until the item has been saved.
     const auto result = m_isMove ? zqLinkOrCopyFile(m_readPath, target, &error, cancelled)

@@ -29,6 +29,7 @@ public:
     void setImportData(ImportedFile *slot) { m_slot = slot; }                          // outlives the operation's run
     void setFatherOperation(ImportBatch *batch) { m_batch = batch; }                   // outlives the operation's run
     void setReferenceImage(bool referenceImage) { m_referenceImage = referenceImage; } // leave the file where it is
+    void setKeepsSource(bool keeps) { m_keepsSource = keeps; } // even in the temporary area: it is in use there
     void setSHA1(const QString &SHA1) { m_SHA1 = SHA1; }
     void setSidebarItem(const ZQObjectID &sidebarItem) { m_sidebarItem = sidebarItem; } // the batch's target for it
     void setSettings(const ImportSettings &settings) { m_settings = settings; }
@@ -114,6 +115,7 @@ private:
     bool m_referenceImage = false;
     bool m_isInPlace = false;
     bool m_isMove = false;
+    bool m_keepsSource = false;
     bool m_hasAttributes = true; // or might have: only for a copy made here it is known
     bool m_isTold = false;
 };

@@ -8,7 +8,9 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
+#include <QFileInfo>
 #include <QHash>
 
 #include <algorithm>
@@ -19,6 +21,25 @@ constexpr qsizetype largeBatch = 1000;
 constexpr qsizetype mostUnsaved = 256; // of a large batch
 constexpr qsizetype mostReading = 2 * mostUnsaved;
 constexpr int longestInterval = 4; // times the first
+
+// Nothing after an error.
+std::optional<QStringList> liveFoldersIn(ZQManagedObjectContext &context)
+{
+    const auto roots = zqFetch<ZQSidebarWatchedFolder>(context, QStringLiteral("is_root == YES"));
+    if (!roots) {
+        return std::nullopt;
+    }
+    QStringList paths;
+    for (const auto &root : *roots) {
+        const QString real = QFileInfo(root->folderPath()).canonicalFilePath();
+        for (const QString &path : {root->folderPath(), real}) {
+            if (!path.isEmpty()) {
+                paths.append(path + u'/');
+            }
+        }
+    }
+    return paths;
+}
 } // namespace
 
 GroupImport::GroupImport(BatchState &batch, CreatedItems &items)
@@ -30,6 +51,7 @@ GroupImport::GroupImport(BatchState &batch, CreatedItems &items)
 void GroupImport::importGroups(QList<FileGroup> &groups)
 {
     orderLikeTheDrop(groups);
+    m_liveFolders = liveFoldersIn(*m_batch.context);
     qsizetype fileCount = 0;
     for (const FileGroup &group : std::as_const(groups)) {
         fileCount += group.files.size();
@@ -132,9 +154,20 @@ std::shared_ptr<BaseImportOperation> GroupImport::operationFor(const FileGroup &
         operation->setSettings(m_batch.settings);
         operation->setSidebarItem(group.project->objectID());
         operation->setImportDate(m_firstImportDate.addMSecs(group.milliseconds[std::size_t(file)]));
+        operation->setKeepsSource(isOfLiveFolder(group.files.at(file)));
         operation->setFatherOperation(&m_batch.record);
     }
     return operation;
+}
+
+bool GroupImport::isOfLiveFolder(const QString &path) const
+{
+    if (!m_liveFolders) {
+        return true; // it may be
+    }
+    const QString real = QFileInfo(path).canonicalFilePath();
+    return std::any_of(m_liveFolders->begin(), m_liveFolders->end(),
+                       [&](const QString &folder) { return path.startsWith(folder) || real.startsWith(folder); });
 }
 
 // False when a save was due first.

@@ -10,6 +10,7 @@
 #include <chrono>
 #include <deque>
 #include <memory>
+#include <optional>
 
 class BaseImportOperation;
 class CreatedItems;
@@ -60,7 +61,10 @@ private:
     bool isSaveDue() const;
     void save(ItemInserter::Place &place);
 
+    bool isOfLiveFolder(const QString &path) const;
+
     BatchState &m_batch;
+    std::optional<QStringList> m_liveFolders; // paths of roots, with a slash behind; nothing: not known
     CreatedItems &m_items;
     ZQOperationQueue m_queue;
     std::shared_ptr<Arrival> m_arrival;

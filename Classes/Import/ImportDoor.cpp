@@ -9,6 +9,8 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <utility>
+
 namespace ImportDoor {
 
 QStringList localPaths(const QMimeData *data)
@@ -58,6 +60,11 @@ void importDrop(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex)
     if (hasFiles || !AImportManager::sharedAImportManager().importPromisedFiles(*data, into, atIndex)) {
         importPasteboard(data, into, atIndex);
     }
+}
+
+void setWatchedFolderCopy(std::function<void(const QStringList &paths, const ZQObjectID &folder)> copy)
+{
+    AImportManager::sharedAImportManager().setWatchedFolderCopy(std::move(copy));
 }
 
 } // namespace ImportDoor

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 class QMimeData;
 class ZQSidebarBaseItem;
 
@@ -19,5 +21,7 @@ void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIn
 void importPasteboard(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex);
 // What is dropped: files as they are, or else what is promised, or else the picture.
 void importDrop(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex);
+// What any of these is to bring into a live folder is copied there by this; null: it is refused.
+void setWatchedFolderCopy(std::function<void(const QStringList &paths, const ZQObjectID &folder)> copy);
 
 } // namespace ImportDoor

@@ -13,6 +13,11 @@ enum class CommandID {
     NewProject,
     NewFolder,
     NewTag,
+    AddLiveFolder,
+    SyncLiveFolder,
+    StopLiveFolder,
+    TurnLiveFolder, // off or on
+    RevealLiveFolder,
     Import,
     LastImport,
     NewTab,

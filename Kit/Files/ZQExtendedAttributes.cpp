@@ -1,5 +1,7 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 
+#include "Kit/Files/ZQOwnMove.h"
+
 #include <QFile>
 
 #include <sys/xattr.h>
@@ -69,6 +71,7 @@ std::optional<QByteArray> ZQExtendedAttributes::get(const QString &path, const Q
 bool ZQExtendedAttributes::set(const QString &path, const QString &name, const QByteArray &value, ZQError *error)
 {
     const QByteArray file = QFile::encodeName(path);
+    const ZQOwnChange own(path);
     return lsetxattr(file.constData(), systemName(name).constData(), value.constData(),
                      static_cast<size_t>(value.size()), 0) == 0 ||
            fail(error, path);
@@ -76,6 +79,7 @@ bool ZQExtendedAttributes::set(const QString &path, const QString &name, const Q
 
 bool ZQExtendedAttributes::remove(const QString &path, const QString &name, ZQError *error)
 {
+    const ZQOwnChange own(path);
     return lremovexattr(QFile::encodeName(path).constData(), systemName(name).constData()) == 0 || errno == ENODATA ||
            fail(error, path);
 }

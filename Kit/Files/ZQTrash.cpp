@@ -1,9 +1,11 @@
 #include "Kit/Files/ZQTrash.h"
 
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQOwnMove.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQSystemFile.h"
-#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQVerifiedCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QDateTime>
@@ -68,13 +70,15 @@ Trash trashAt(const QString &top)
     return {top + QStringLiteral("/.Trash-") + user, top};
 }
 
+Trash homeTrash()
+{
+    return {ZQPaths::dataHome() + QStringLiteral("/Trash"), {}};
+}
+
 Trash trashFor(const QString &path, dev_t device)
 {
-    const QString home = ZQPaths::dataHome() + QStringLiteral("/Trash");
-    if (nearestStatus(home).st_dev == device) {
-        return {home, {}};
-    }
-    return trashAt(mountPointOf(path, device));
+    const Trash home = homeTrash();
+    return nearestStatus(home.folder).st_dev == device ? home : trashAt(mountPointOf(path, device));
 }
 
 bool makeFolders(const Trash &trash, ZQError *error)
@@ -94,27 +98,6 @@ bool makeFolders(const Trash &trash, ZQError *error)
     return true;
 }
 
-QString shortened(QString name, qsizetype bytes)
-{
-    while (name.toUtf8().size() > bytes) {
-        name.chop(name.size() > 1 && name.back().isLowSurrogate() ? 2 : 1);
-    }
-    return name;
-}
-
-// "Cat.png", "Cat 2.png", …
-QString candidateName(const QString &name, int number)
-{
-    if (number == 1 && name.toUtf8().size() <= longestName) {
-        return name;
-    }
-    const QString extension = zqPathExtension(name);
-    const QString ending = (number == 1 ? QString() : QStringLiteral(" %1").arg(number)) +
-                           (extension.isEmpty() || extension.size() > 32 ? QString() : u'.' + extension);
-    const QString stem = extension.size() > 32 ? name : zqBaseName(name);
-    return shortened(stem, longestName - ending.toUtf8().size()) + ending;
-}
-
 QByteArray infoFor(const QString &path, const Trash &trash)
 {
     const QString noted = trash.top.isEmpty() ? path : QDir(trash.top).relativeFilePath(path);
@@ -124,6 +107,40 @@ QByteArray infoFor(const QString &path, const Trash &trash)
 }
 
 enum class Outcome { Done, NameTaken, Failed };
+
+// Where a trash is on another file system, or behind another mount of the same one.
+bool moveByCopying(const QString &path, const QString &destination, ZQError *error)
+{
+    const QByteArray folder = QFile::encodeName(QDir::cleanPath(path + QStringLiteral("/..")));
+    if (access(folder.constData(), W_OK) != 0) {
+        return zqFailWithErrno(error, folder); // before anything is copied for nothing
+    }
+    const auto copy = ZQVerifiedCopy::make(path, destination, error);
+    if (!copy) {
+        return false;
+    }
+    if (!copy->removeSource(error)) {
+        // Not for a folder of which a part is gone from its place.
+        if (ZQTreeState::of(path) == copy->state()) {
+            zqRemoveTree(QFile::encodeName(destination));
+        }
+        return false;
+    }
+    return true;
+}
+
+bool moveInto(const QString &path, const QString &destination, ZQError *error)
+{
+    ZQError problem;
+    if (zqMoveNoReplace(path, destination, &problem)) {
+        return true;
+    }
+    if (problem.code == EXDEV) {
+        return moveByCopying(path, destination, error);
+    }
+    zqSetError(error, problem);
+    return false;
+}
 
 // The note comes first, under a name nobody else has, so that no file is ever in the trash without one.
 Outcome moveUnder(const QString &name, const QString &path, const Trash &trash, ZQError *error)
@@ -135,18 +152,53 @@ Outcome moveUnder(const QString &name, const QString &path, const Trash &trash, 
         return errno == EEXIST ? Outcome::NameTaken : (zqFailWithErrno(error, note), Outcome::Failed);
     }
     const QByteArray info = infoFor(path, trash);
+    const QString destination = trash.folder + QStringLiteral("/files/") + name;
     ZQError problem;
     if (!zqWriteAll(file.get(), info.constData(), info.size()) || !file.close()) {
         zqFailWithErrno(&problem, note);
-    } else if (zqMoveNoReplace(path, trash.folder + QStringLiteral("/files/") + name, &problem)) {
+    } else if (moveInto(path, destination, &problem)) {
         return Outcome::Done;
     }
-    unlink(note.constData());
     if (problem.code == EEXIST) {
+        unlink(note.constData());
         return Outcome::NameTaken;
+    }
+    if (!statusOf(destination)) {
+        unlink(note.constData());
     }
     zqSetError(error, problem);
     return Outcome::Failed;
+}
+
+bool moveToTrash(const QString &path, const Trash &trash, QString *trashedPath, ZQError *error)
+{
+    if (!makeFolders(trash, error)) {
+        return false;
+    }
+    const QString base = path.mid(path.lastIndexOf(u'/') + 1);
+    for (int number = 1; number <= mostNames; ++number) {
+        const QString candidate = zqNumberedName(base, number, longestName);
+        const Outcome outcome = moveUnder(candidate, path, trash, error);
+        if (outcome == Outcome::NameTaken) {
+            continue;
+        }
+        if (outcome == Outcome::Done && trashedPath) {
+            *trashedPath = trash.folder + QStringLiteral("/files/") + candidate;
+        }
+        return outcome == Outcome::Done;
+    }
+    zqSetError(error,
+               ZQError::with(ZQError::posixDomain, EEXIST,
+                             zqFormat(zqLocalized("The trash holds too many files named “%@”. Empty it and try again."),
+                                      {base})));
+    return false;
+}
+
+// A disk may give its user no place for a trash, which is no reason to keep what they delete.
+bool isWithoutTrash(const Trash &trash, const ZQError &error)
+{
+    return !trash.top.isEmpty() && error.domain == ZQError::posixDomain &&
+           (error.code == EACCES || error.code == EPERM || error.code == EROFS);
 }
 
 } // namespace
@@ -162,27 +214,17 @@ bool ZQTrash::recycle(const QString &path, QString *trashedPath, ZQError *error)
     if (!status) {
         return zqFailWithErrno(error, *name);
     }
+    const ZQOwnChange own(clean);
     const Trash trash = trashFor(clean, status->st_dev);
-    if (!makeFolders(trash, error)) {
-        return false;
+    ZQError problem;
+    bool isDone = moveToTrash(clean, trash, trashedPath, &problem);
+    if (!isDone && isWithoutTrash(trash, problem)) {
+        isDone = moveToTrash(clean, homeTrash(), trashedPath, &problem);
     }
-    const QString base = clean.mid(clean.lastIndexOf(u'/') + 1);
-    for (int number = 1; number <= mostNames; ++number) {
-        const QString candidate = candidateName(base, number);
-        const Outcome outcome = moveUnder(candidate, clean, trash, error);
-        if (outcome == Outcome::NameTaken) {
-            continue;
-        }
-        if (outcome == Outcome::Done && trashedPath) {
-            *trashedPath = trash.folder + QStringLiteral("/files/") + candidate;
-        }
-        return outcome == Outcome::Done;
+    if (!isDone) {
+        zqSetError(error, problem);
     }
-    zqSetError(error,
-               ZQError::with(ZQError::posixDomain, EEXIST,
-                             zqFormat(zqLocalized("The trash holds too many files named “%@”. Empty it and try again."),
-                                      {base})));
-    return false;
+    return isDone;
 }
 
 bool ZQTrash::contains(const QString &path)

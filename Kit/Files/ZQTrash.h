@@ -7,6 +7,8 @@
 // The desktop's trash (freedesktop trash layout; a folder named ".Trash" is one too). Any thread.
 namespace ZQTrash {
 
+// Never over anything, and numbered where the name is taken. The trash of the file's own disk, else the one at home, to
+// which it is copied; what was copied is removed once the copy was read back and is on the disk.
 bool recycle(const QString &path, QString *trashedPath = nullptr, ZQError *error = nullptr);
 // Whether the path lies in any trash: "…/.Trash…", "…/.local/share/Trash/…", "$XDG_DATA_HOME/Trash/…".
 bool contains(const QString &path);

@@ -5,12 +5,16 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQHiddenFile.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QFileInfo>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -25,6 +29,17 @@ std::function<void(const QString &path)> renewalOf(const ZQObjectID &item, const
             }
         });
     };
+}
+
+// What a live folder took out of sight returns with it; of a disabled one, all but what a person deleted.
+bool mayGo(const ZQRef<ZQLibraryBaseItem> &item)
+{
+    const ZQRef<ZQSidebarWatchedFolder> folder = item->watchingFolder();
+    if (!folder || (!folder->is_missing() && !folder->is_trashed() && folder->is_enabled())) {
+        return true;
+    }
+    return !folder->is_missing() && !folder->is_trashed() &&
+           (!folder->active() || zqIsHiddenByLibrary(item->findItemURL()));
 }
 
 } // namespace
@@ -125,19 +140,17 @@ ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManag
     if (!inactive) {
         return std::nullopt;
     }
+    QList<ZQRef<ZQLibraryBaseItem>> gone;
+    std::copy_if(inactive->begin(), inactive->end(), std::back_inserter(gone), mayGo);
     QStringList directories;
-    const auto memberships = zqPrefetch(*inactive, QStringLiteral("projectsItems"));
-    const auto tags = zqPrefetch(*inactive, QStringLiteral("tags"));
-    lookForFiles(*inactive);
-    for (const ZQRef<ZQLibraryBaseItem> &item : *inactive) {
-        const ZQRef<ZQSidebarWatchedFolder> folder = item->watchingFolder();
-        if (folder && (folder->is_missing() || folder->is_trashed())) {
-            continue;
+    const auto memberships = zqPrefetch(gone, QStringLiteral("projectsItems"));
+    const auto tags = zqPrefetch(gone, QStringLiteral("tags"));
+    lookForFiles(gone);
+    for (const ZQRef<ZQLibraryBaseItem> &item : gone) {
+        const QString bundleID = item->bundleID();
+        if (item->deletePermanently() && !bundleID.isEmpty()) {
+            directories.append(bundleID + itemDirectoryExtension);
         }
-        if (!item->bundleID().isEmpty()) {
-            directories.append(item->bundleID() + itemDirectoryExtension);
-        }
-        item->deletePermanently();
     }
     return directories;
 }

@@ -7,6 +7,7 @@
 #include <QSet>
 
 class ZQSidebarBaseItem;
+class ZQSidebarWatchedFolder;
 class ZQManagedObjectContext;
 struct ZQFileTags;
 
@@ -40,8 +41,9 @@ public:
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastHourInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastWeekInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQPredicate predicateFromDate(const QDateTime &fromDate, const QDateTime &toDate);
-    // Removes every inactive item but those of a live folder that is missing or trashed, and answers the names of their
-    // item directories, which the caller removes after saving.
+    // Removes every inactive item but those of a live folder that is missing, trashed or disabled, and those whose file
+    // cannot be moved to the trash now. Answers the names of their item directories, which the caller removes after
+    // saving.
     static std::optional<QStringList>
     permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
 
@@ -75,13 +77,22 @@ public:
                                                         const std::function<bool()> &isWanted,
                                                         QList<qsizetype> *which = nullptr);
 
+    // An unmanaged copy with an item directory, pictures and tags of its own for a live folder, where `path` is its
+    // file: a copy of this item's. Null when no directory can be made.
+    ZQRef<ZQLibraryBaseItem> duplicateForWatchedFolder(ZQSidebarWatchedFolder *folder, const QString &path);
+
     void deleteSelf();
     void restoreSelf();
-    void deletePermanently();
+    // Moves the file of a live folder's item to the trash if a person deleted it, that is if it was hidden by
+    // `hideFileFromFileSystem`. False, with the item still deleted and its file hidden, when that is not possible now.
+    bool deletePermanently();
     void updateFileURLsForURL(const QString &path);
-    void hideFileFromFileSystem();
-    void unHideFileFromFileSystem();
-    void deleteItemBundleAndTrashFile(bool trashFile);
+    // False, with an error and nothing changed, when the file cannot be renamed. One that is not there needs no hiding.
+    bool hideFileFromFileSystem(ZQError *error = nullptr);
+    // Under a numbered name, which the title follows, where another file has its own by now. False, with an error, when
+    // the file cannot be renamed or is not there.
+    bool unHideFileFromFileSystem(ZQError *error = nullptr);
+    bool deleteItemBundleAndTrashFile(bool trashFile); // false when the file is still there
 
     // Brings the item in step with its file, when that changed or was renamed.
     void updateItemData();
@@ -111,6 +122,8 @@ public:
     QString description() const override;
 
 private:
+    ZQRef<ZQLibraryBaseItem> insertCopy(const QString &inDirectory);
+    void copyPicturesTo(const QString &directory, const QString &ownFile) const;
     bool updateRepresentationBitmap(const QString &path, bool fileDidChange);
     void readPixelSize(const QString &path);
     void renameThumb(const QString &newTitle);

@@ -2,7 +2,10 @@
 
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQOwnMove.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
@@ -12,6 +15,7 @@
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQHiddenFile.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"
 #include "Models/DataModel/ZQSidebarTag.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
@@ -20,7 +24,8 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
-#include <QUuid>
+
+#include <cerrno>
 
 namespace {
 
@@ -74,18 +79,26 @@ ZQError errorForTitle(const QString &title, const QString &extension)
 bool moveThroughTemporaryName(const QString &from, const QString &to, ZQError *error)
 {
     const QString temporary = from + QStringLiteral(".tmp");
-    if (!zqMoveNoReplace(from, temporary, error)) {
+    if (!zqMoveNoted(from, temporary, error)) {
         return false;
     }
-    if (zqMoveNoReplace(temporary, to, error)) {
+    if (zqMoveNoted(temporary, to, error)) {
         return true;
     }
     ZQError backError;
-    if (!zqMoveNoReplace(temporary, from, &backError)) {
+    if (!zqMoveNoted(temporary, from, &backError)) {
         qCWarning(zqLogFiles, "%s stays at %s: %s", qUtf8Printable(from), qUtf8Printable(temporary),
                   qUtf8Printable(backError.localizedDescription()));
     }
     return false;
+}
+
+void copyIfThere(const QString &from, const QString &to)
+{
+    ZQError error;
+    if (!from.isEmpty() && QFileInfo::exists(from) && !zqCopyFile(from, to, &error)) {
+        qCInfo(zqLogFiles, "%s was not copied: %s", qUtf8Printable(from), qUtf8Printable(error.localizedDescription()));
+    }
 }
 
 QDateTime modificationDate(const QString &path)
@@ -122,63 +135,79 @@ void ZQLibraryBaseItem::restoreSelf()
     setActive(true);
 }
 
-void ZQLibraryBaseItem::hideFileFromFileSystem()
+bool ZQLibraryBaseItem::hideFileFromFileSystem(ZQError *error)
 {
     const QString path = findItemURL();
     if (path.isEmpty()) {
         logHidingError(title());
-        return;
+        return true;
     }
     if (isHidden(path)) {
-        return;
+        return true;
     }
-    const QString unique = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const QString hidden = sibling(path, QLatin1Char('.') + withExtension(unique, zqPathExtension(path)));
-    ZQError error;
-    if (!zqMoveNoReplace(path, hidden, &error)) {
-        logHidingError(error.localizedDescription());
-        return;
+    const QString hidden = zqHiddenPathFor(path);
+    ZQError problem;
+    if (!zqMoveNoted(path, hidden, &problem)) {
+        logHidingError(problem.localizedDescription());
+        zqSetError(error, problem);
+        return false;
     }
     setItemURLData(zqDataForPersistentURL(hidden));
+    return true;
 }
 
-void ZQLibraryBaseItem::unHideFileFromFileSystem()
+bool ZQLibraryBaseItem::unHideFileFromFileSystem(ZQError *error)
 {
     const QString path = findItemURL();
-    if (path.isEmpty() || !isHidden(path)) {
-        return;
+    if (path.isEmpty()) {
+        zqSetError(error, ZQError::posix(ENOENT, title()));
+        return false;
     }
-    const QString visible = sibling(path, withExtension(title(), zqPathExtension(path)));
-    ZQError error;
-    if (!zqMoveNoReplace(path, visible, &error)) {
-        logHidingError(error.localizedDescription());
-        return;
+    if (!isHidden(path)) {
+        return true;
+    }
+    const QString name = withExtension(title(), zqPathExtension(path)).replace(u'/', u'_');
+    ZQError problem;
+    const QString visible = zqUnderFreeName(
+        QFileInfo(path).path(), name,
+        [&path](const QString &free, ZQError *failure) { return zqMoveNoted(path, free, failure); }, &problem);
+    if (visible.isEmpty()) {
+        logHidingError(problem.localizedDescription());
+        zqSetError(error, problem);
+        return false;
     }
     setItemURLData(zqDataForPersistentURL(visible));
+    if (QFileInfo(visible).fileName() != name) {
+        setTitle(zqBaseName(visible));
+    }
+    return true;
 }
 
-void ZQLibraryBaseItem::deletePermanently()
+bool ZQLibraryBaseItem::deletePermanently()
 {
-    if (!managed()) {
-        const QString path = findItemURL();
-        if (!path.isEmpty() && isHidden(path)) {
-            unHideFileFromFileSystem();
-            deleteItemBundleAndTrashFile(true);
+    if (!managed() && zqIsHiddenByLibrary(findItemURL())) {
+        unHideFileFromFileSystem(); // the trash shows it under its own name
+        if (!deleteItemBundleAndTrashFile(true)) {
+            hideFileFromFileSystem(); // else it would come back as a new file
+            return false;
         }
     }
     if (ZQManagedObjectContext *context = managedObjectContext()) {
         context->deleteObject(this);
     }
+    return true;
 }
 
-void ZQLibraryBaseItem::deleteItemBundleAndTrashFile(bool trashFile)
+bool ZQLibraryBaseItem::deleteItemBundleAndTrashFile(bool trashFile)
 {
     const QString path = trashFile ? findItemURL() : QString();
     ZQError error;
-    if (!path.isEmpty() && QFileInfo::exists(path) && !ZQTrash::recycle(path, nullptr, &error)) {
-        qCWarning(zqLogFiles, "%s cannot be moved to the trash: %s", qUtf8Printable(path),
-                  qUtf8Printable(error.localizedDescription()));
+    if (path.isEmpty() || !QFileInfo::exists(path) || ZQTrash::recycle(path, nullptr, &error)) {
+        return true;
     }
+    qCWarning(zqLogFiles, "%s cannot be moved to the trash: %s", qUtf8Printable(path),
+              qUtf8Printable(error.localizedDescription()));
+    return false;
 }
 
 void ZQLibraryBaseItem::updateFileURLsForURL(const QString &path)
@@ -206,8 +235,10 @@ bool ZQLibraryBaseItem::setNewTitle(const QString &newTitle)
                               zqFormat(zqLocalized("\"%@\" cannot be renamed: its file is missing."), {title()}));
     }
     const QString renamed = sibling(path, withExtension(newTitle, extension));
-    if (error.isNull()) {
-        moveThroughTemporaryName(path, renamed, &error);
+    if (ZQError problem; error.isNull() && !moveThroughTemporaryName(path, renamed, &problem)) {
+        error = ZQError::with(problem.domain, problem.code,
+                              zqFormat(zqLocalized("\"%@\" cannot be renamed."), {title()}) + u' ' +
+                                  zqAdviceForFileError(problem));
     }
     if (!error.isNull()) {
         ZQLibraryEnvironment::current().presentError(error);
@@ -238,16 +269,9 @@ void ZQLibraryBaseItem::renameThumb(const QString &newTitle)
     setThumbName(name);
 }
 
-ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::insertCopy(const QString &inDirectory)
 {
-    ZQManagedObjectContext *context = managedObjectContext();
-    const QString path = findItemURL();
-    if (!context || path.isEmpty() || !QFileInfo::exists(path)) {
-        return {};
-    }
-    const QString copyPath = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
-    auto copy = zqCast<ZQLibraryBaseItem>(
-        copyPath.isEmpty() ? ZQRef<ZQManagedObject>() : context->insertNewObjectForEntityForName(entity()->name));
+    auto copy = zqCast<ZQLibraryBaseItem>(managedObjectContext()->insertNewObjectForEntityForName(entity()->name));
     if (!copy) {
         return {};
     }
@@ -255,28 +279,55 @@ ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
         copy->setValueForKey(valueForKey(attribute.name), attribute.name);
     }
     copy->setTags(tags());
-    copy->setManaged(true);
-    copy->setWatchingFolder(nullptr);
     copy->setActive(true);
     copy->setImport_date(zqNow());
+    copy->setBundleID(zqBaseName(inDirectory));
+    return copy;
+}
+
+void ZQLibraryBaseItem::copyPicturesTo(const QString &directory, const QString &ownFile) const
+{
+    copyIfThere(thumbURL(), directory + QLatin1Char('/') + thumbName());
+    const QString detail = detailItemURL();
+    if (detail != ownFile && !detail.startsWith(ownFile + QLatin1Char('/'))) {
+        copyIfThere(detail, directory + QLatin1Char('/') + QFileInfo(detail).fileName());
+    }
+}
+
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicate()
+{
+    const QString path = findItemURL();
+    if (!managedObjectContext() || path.isEmpty() || !QFileInfo::exists(path)) {
+        return {};
+    }
+    const QString copyPath = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
+    const QString directory = QFileInfo(copyPath).path();
+    const auto copy = copyPath.isEmpty() ? ZQRef<ZQLibraryBaseItem>() : insertCopy(directory);
+    if (!copy) {
+        return {};
+    }
+    copy->setManaged(true);
+    copy->setWatchingFolder(nullptr);
     copy->setTitle(zqBaseName(copyPath));
     copy->setOriginalExtension(zqPathExtension(copyPath));
-    const QString directory = QFileInfo(copyPath).path();
-    copy->setBundleID(zqBaseName(directory));
-
-    const auto copyFile = [](const QString &from, const QString &to) {
-        ZQError error;
-        if (!from.isEmpty() && QFileInfo::exists(from) && !zqCopyFile(from, to, &error)) {
-            qCInfo(zqLogFiles, "%s was not copied: %s", qUtf8Printable(from),
-                   qUtf8Printable(error.localizedDescription()));
-        }
-    };
-    copyFile(path, copyPath);
+    copyIfThere(path, copyPath);
     copy->setItemURLData(zqDataForPersistentURL(copyPath));
-    copyFile(thumbURL(), directory + QLatin1Char('/') + thumbName());
-    const QString detail = detailItemURL();
-    if (detail != path && !detail.startsWith(path + QLatin1Char('/'))) {
-        copyFile(detail, sibling(copyPath, QFileInfo(detail).fileName()));
+    copyPicturesTo(directory, path);
+    return copy;
+}
+
+ZQRef<ZQLibraryBaseItem> ZQLibraryBaseItem::duplicateForWatchedFolder(ZQSidebarWatchedFolder *folder,
+                                                                      const QString &path)
+{
+    const QString place = ZQLibraryEnvironment::current().libraryPathForFilePath(path);
+    const QString directory = QFileInfo(place).path();
+    const auto copy = place.isEmpty() ? ZQRef<ZQLibraryBaseItem>() : insertCopy(directory);
+    if (copy) {
+        copy->setManaged(false);
+        copy->setWatchingFolder(folder);
+        copy->setTitle(zqBaseName(path));
+        copy->setItemURLData(zqDataForPersistentURL(path));
+        copyPicturesTo(directory, findItemURL());
     }
     return copy;
 }

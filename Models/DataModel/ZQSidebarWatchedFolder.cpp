@@ -167,9 +167,12 @@ void ZQSidebarWatchedFolder::restoreSelf()
     if (is_missing() || is_trashed()) {
         return; // its items return when the folder does
     }
-    setItemsActive(true);
-    for (const ZQRef<ZQSidebarWatchedFolder> &folder : orderedChildrenAndSubChildren()) {
-        folder->setItemsActive(true);
+    QList<ZQRef<ZQSidebarWatchedFolder>> folders = orderedChildrenAndSubChildren();
+    folders.prepend(ZQRef<ZQSidebarWatchedFolder>(this));
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : folders) {
+        if (folder->is_enabled()) {
+            folder->setItemsActive(true);
+        }
     }
 }
 

@@ -214,8 +214,8 @@ TEST_F(LibraryItemFiles, WhatItDoesToItsFileReachesOneThatWasMovedFarAway)
     folder->reActivateFolder();
     EXPECT_FALSE(stillDeleted->active()) << "a person deleted it";
 
-    const auto [purged, ofPurged] = moved(hidden);
-    purged->deletePermanently();
+    const auto [purged, ofPurged] = moved(QStringLiteral(".0B5F3F3C-1D7E-4A6B-9C55-6B2E8F0D1A47.jpg"));
+    EXPECT_TRUE(purged->deletePermanently());
     EXPECT_EQ(names(ofPurged), QStringList());
     EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/seen.jpg"))));
 
@@ -318,6 +318,44 @@ TEST_F(LibraryItemFiles, PurgeLeavesFilesAloneThatWereNeverHidden)
     EXPECT_EQ(zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()}), 0);
     EXPECT_EQ(ScratchLibrary::readFile(library.path(QStringLiteral("live/seen.jpg"))), QByteArray("seen.jpg"));
     EXPECT_EQ(ScratchLibrary::readFile(library.path(QStringLiteral("own/b.jpg"))), QByteArray("b"));
+}
+
+TEST_F(LibraryItemFiles, PurgeKeepsWhatItMayNotOrCannotRemove)
+{
+    const auto off = liveFolder(QStringLiteral("off"));
+    const auto ofOff = liveItem(off, QStringLiteral("off.jpg"));
+    const auto deletedInOff = liveItem(off, QStringLiteral("deleted.jpg"));
+    const auto hidden = liveItem(liveFolder(QStringLiteral("live")), QStringLiteral("mine.jpg"));
+    const auto stuck = liveItem(liveFolder(QStringLiteral("stuck")), QStringLiteral("stuck.jpg"));
+    ASSERT_TRUE(context.save());
+    deletedInOff->deleteSelf();
+    off->deactivateFolder();
+    const QString byHand = library.path(QStringLiteral("live/.mine.jpg"));
+    ASSERT_TRUE(QFile::rename(library.path(QStringLiteral("live/mine.jpg")), byHand));
+    hidden->setActive(false); // as synchronising does
+    const auto purge = [&] {
+        EXPECT_TRUE(ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(context));
+        EXPECT_TRUE(context.save());
+        return zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()});
+    };
+    EXPECT_EQ(purge(), 2) << "what a person deleted is gone, and what is not there for the library";
+    EXPECT_EQ(ScratchLibrary::readFile(byHand), QByteArray("mine.jpg")) << "a person hid it";
+    EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("off/off.jpg"))));
+    EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/deleted.jpg"))));
+
+    const QString trash = library.path(QStringLiteral("XDG_DATA_HOME/Trash"));
+    QDir(trash).removeRecursively();
+    library.writeFile(QStringLiteral("XDG_DATA_HOME/Trash"), "no folder");
+    stuck->deleteSelf();
+    EXPECT_EQ(purge(), 2) << "its file is still there";
+    EXPECT_TRUE(QFileInfo(stuck->findItemURL()).fileName().startsWith(u'.')) << "and still deleted";
+    ASSERT_TRUE(QFile::remove(trash));
+    EXPECT_EQ(purge(), 1);
+    EXPECT_TRUE(QFileInfo::exists(trash + QStringLiteral("/files/stuck.jpg")));
+
+    off->setActive(false); // removed from the sidebar
+    EXPECT_EQ(purge(), 0);
+    EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("off/off.jpg"))));
 }
 
 } // namespace

@@ -28,6 +28,18 @@ void addOnce(const SidebarItem &item, SidebarItems &into)
 
 void addWatchedFolders(const SidebarItem &item, SidebarItems &into)
 {
+    // What is below comes a level at a time, and not a folder at a time.
+    constexpr int deepest = 1000; // of a damaged tree
+    QList<ZQRef<ZQManagedObject>> kept;
+    SidebarItems level = {item};
+    for (int depth = 0; !level.isEmpty() && depth < deepest; ++depth) {
+        kept += zqPrefetch(level, QStringLiteral("childs"));
+        SidebarItems next;
+        for (const SidebarItem &above : std::as_const(level)) {
+            next += above->childsItems();
+        }
+        level = next;
+    }
     addOnce(item, into);
     for (const auto &below : zqCast<ZQSidebarWatchedFolder>(item)->orderedChildrenAndSubChildren()) {
         addOnce(below, into);
@@ -42,6 +54,25 @@ ContentPart partOf(const SidebarItem &item, const ZQFetchRequest &request)
                             : bool(zqCast<ZQSidebarTag>(item)) ? Holding::Tag
                                                                : Holding::Other;
     return {item->objectID(), item->title(), holding, item->isRecent(), request};
+}
+
+// Folders of a live folder often bear the same names; those go by their whole way.
+void nameApart(const SidebarItems &items, QList<ContentPart> &parts)
+{
+    QHash<QString, int> counts;
+    for (const ContentPart &part : std::as_const(parts)) {
+        counts[part.title] += part.holding == ContentPart::Holding::WatchedFolder ? 1 : 0;
+    }
+    for (qsizetype i = 0; i < parts.size(); ++i) {
+        if (parts[i].holding != ContentPart::Holding::WatchedFolder || counts.value(parts[i].title) < 2) {
+            continue;
+        }
+        constexpr int deepest = 1000; // of a damaged tree
+        auto above = items[i]->father();
+        for (int depth = 0; above && above->isWatchedFolder() && depth < deepest; ++depth, above = above->father()) {
+            parts[i].title.prepend(above->title() + QStringLiteral(" / "));
+        }
+    }
 }
 
 } // namespace
@@ -139,6 +170,7 @@ std::optional<ContentParts> ContentBuilder::parts(ZQError *error) const
     for (const SidebarItem &item : sources.items) {
         result.parts.append(partOf(item, requestOf(*item)));
     }
+    nameApart(sources.items, result.parts);
     return result;
 }
 

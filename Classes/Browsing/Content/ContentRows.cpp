@@ -209,21 +209,49 @@ void ContentRows::addPart(const ContentPart &part, const ZQFetchRequest &request
     }
 }
 
+// A pass over all items for each of thousands of folders would take seconds.
+std::optional<ContentRows::FolderItems> ContentRows::itemsOfLiveFolders()
+{
+    constexpr qsizetype fewest = 2;
+    const QVariantList folders = identifiersOf(ContentPart::Holding::WatchedFolder);
+    if (!m_index || m_mostRows > 0 || folders.size() < fewest) {
+        return std::nullopt;
+    }
+    const auto part = std::find_if(m_parts.parts.begin(), m_parts.parts.end(), [](const ContentPart &each) {
+        return each.holding == ContentPart::Holding::WatchedFolder;
+    });
+    ZQFetchRequest request = part->request; // their order is the same
+    request.predicate =
+        ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder IN %@ AND active == YES"), {QVariant(folders)});
+    m_prepare(request);
+    return m_index->answerByLiveFolder(request);
+}
+
 void ContentRows::addSidebarGroups(const IsWanted &isWanted)
 {
+    const auto ofFolders = isWanted() ? itemsOfLiveFolders() : std::nullopt;
     for (const ContentPart &part : std::as_const(m_parts.parts)) {
         if (!isWanted() || !m_content.error.isNull()) {
             return;
         }
-        if (!part.hasOwnGroups || m_parts.parts.size() > 1) {
+        if (ofFolders && part.holding == ContentPart::Holding::WatchedFolder) {
+            const QList<ZQObjectID> items = ofFolders->value(part.sidebarItem);
+            addGroup({.title = part.title, .sidebarItem = part.sidebarItem, .value = {}}, asItems(items), 0,
+                     items.size());
+        } else if (!part.hasOwnGroups || m_parts.parts.size() > 1) {
             addPart(part, part.request, part.title);
-            continue;
+        } else {
+            addRecentGroups(part);
         }
-        for (const ZQSidebarRecent::Group &group : ZQSidebarRecent::groups()) {
-            ZQFetchRequest request = part.request;
-            request.predicate = ZQPredicate::andPredicate({request.predicate, group.predicate});
-            addPart(part, request, group.title);
-        }
+    }
+}
+
+void ContentRows::addRecentGroups(const ContentPart &recent)
+{
+    for (const ZQSidebarRecent::Group &group : ZQSidebarRecent::groups()) {
+        ZQFetchRequest request = recent.request;
+        request.predicate = ZQPredicate::andPredicate({request.predicate, group.predicate});
+        addPart(recent, request, group.title);
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include "Classes/Browsing/Content/Content.h"
 
+#include <QHash>
+
 #include <functional>
 #include <optional>
 
@@ -49,6 +51,9 @@ private:
 
     bool showsItems() const { return m_parts.showsItems || m_style == BrowserDisplayStyle::Plain; }
     void addSidebarGroups(const IsWanted &isWanted);
+    using FolderItems = QHash<ZQObjectID, QList<ZQObjectID>>;
+    std::optional<FolderItems> itemsOfLiveFolders(); // at once; nothing where each folder is to be asked for by itself
+    void addRecentGroups(const ContentPart &recent);
     void addPart(const ContentPart &part, const ZQFetchRequest &request, const QString &title);
     void addKeyGroups();
     void addSizeGroups(const IsWanted &isWanted);

@@ -6,6 +6,7 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarTag.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -51,6 +52,8 @@ void addItem(SelectionSummary &summary, const ZQLibraryBaseItem &item, QSet<QStr
     summary.modified.add(dateText(item.modification_date()), isFirst);
     summary.source.add(item.webPageURL().isEmpty() ? item.webURL() : item.webPageURL(), isFirst);
     summary.license.add(item.license(), isFirst);
+    const auto folder = item.watchingFolder();
+    summary.liveFolder.add(folder ? folder->folderPath() : QString(), isFirst);
     summary.ratingDiffers = summary.ratingDiffers || (!isFirst && item.rating() != summary.rating);
     summary.rating = isFirst ? item.rating() : summary.rating;
     addTags(summary, item.userTagTitles(), allTags);
@@ -82,6 +85,7 @@ std::optional<SelectionSummary> SelectionSummary::of(const QList<ZQObjectID> &it
         const QList<ZQObjectID> batch = items.mid(first, batchSize);
         const QList<ZQRef<ZQLibraryBaseItem>> read = ZQLibraryBaseItem::itemsWithIDs(batch, context);
         const auto kept = zqPrefetch(read, QStringLiteral("tags"));
+        const auto keptFolders = zqPrefetch(read, QStringLiteral("watchingFolder"));
         for (const ZQRef<ZQLibraryBaseItem> &item : read) {
             if (!isWanted()) {
                 return std::nullopt;

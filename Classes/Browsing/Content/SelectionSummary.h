@@ -35,7 +35,8 @@ struct SelectionSummary
     CommonText modified;
     CommonText source;
     CommonText license;
-    int rating = 0; // 0 to 5 stars
+    CommonText liveFolder; // the path of the one they lie in; empty: in none
+    int rating = 0;        // 0 to 5 stars
     bool ratingDiffers = false;
     QStringList tags; // the user's tags that all have, by name
     bool hasOtherTags = false;

@@ -154,18 +154,35 @@ bool LibraryIndex::waitUntilOrdered()
     return d->wait([this]() ZQ_REQUIRES(d->lock) { return !d->isOrdering; });
 }
 
-std::optional<ZQRelatedIDs> LibraryIndex::answer(const ZQFetchRequest &request)
+std::optional<IndexRows> LibraryIndex::rowsWhenCurrent(const ZQFetchRequest &request, std::optional<Reading> &reading)
 {
     for (const bool isOrderWanted : {false, true}) {
+        reading.reset(); // what is waited for could not come in
         if (!(isOrderWanted ? waitUntilOrdered() : waitUntilCurrent())) {
             return std::nullopt;
         }
-        const auto reading = read();
-        if (const auto found = reading ? reading->rows(request) : std::nullopt) {
-            return reading->ids(*found);
+        if (auto now = read()) {
+            reading.emplace(std::move(*now));
+        }
+        if (auto found = reading ? reading->rows(request) : std::nullopt) {
+            return found;
         }
     }
     return std::nullopt;
+}
+
+std::optional<ZQRelatedIDs> LibraryIndex::answer(const ZQFetchRequest &request)
+{
+    std::optional<Reading> reading;
+    const auto found = rowsWhenCurrent(request, reading);
+    return found ? std::optional(reading->ids(*found)) : std::nullopt;
+}
+
+std::optional<QHash<ZQObjectID, QList<ZQObjectID>>> LibraryIndex::answerByLiveFolder(const ZQFetchRequest &request)
+{
+    std::optional<Reading> reading;
+    const auto found = rowsWhenCurrent(request, reading);
+    return found ? std::optional(reading->idsByLiveFolder(*found)) : std::nullopt;
 }
 
 size_t LibraryIndex::bytes() const
@@ -327,6 +344,22 @@ ZQRelatedIDs LibraryIndex::Reading::ids(const IndexRows &rows) const
         return memberships.exists(membership) ? ZQObjectID{d->columns.membershipEntity, memberships.keys()[membership]}
                                               : ZQObjectID();
     });
+    return result;
+}
+
+QHash<ZQObjectID, QList<ZQObjectID>> LibraryIndex::Reading::idsByLiveFolder(const IndexRows &rows) const
+{
+    const IndexItems &items = d->columns.items;
+    QHash<quint32, QList<ZQObjectID>> byNumber;
+    for (const quint32 row : rows.items) {
+        if (const quint32 folder = items.folders[row]; folder != IndexSidebar::none) {
+            byNumber[folder].append(items.id(row));
+        }
+    }
+    QHash<ZQObjectID, QList<ZQObjectID>> result;
+    for (const auto &[folder, ids] : byNumber.asKeyValueRange()) {
+        result.insert(d->columns.sidebar.id(folder), ids);
+    }
     return result;
 }
 

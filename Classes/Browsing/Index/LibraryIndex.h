@@ -7,6 +7,7 @@
 #include "Models/DataModel/ZQListRows.h"
 
 #include <QDate>
+#include <QHash>
 #include <QObject>
 #include <QVariant>
 
@@ -54,6 +55,10 @@ public:
     // store, or when it was cancelled.
     std::optional<ZQRelatedIDs> answer(const ZQFetchRequest &request);
 
+    // The same for library items, by the live folders they lie in, those of each in the order of the request; one pass,
+    // however many folders there are. What lies in none is left out.
+    std::optional<QHash<ZQObjectID, QList<ZQObjectID>>> answerByLiveFolder(const ZQFetchRequest &request);
+
     // Looks at one state of the index, as long as it lives; changes wait meanwhile, so it lives no longer than one
     // answer takes. Fetches and saves of the same thread have no place in it.
     //
@@ -72,6 +77,7 @@ public:
 
         // As a fetch of identifiers gives them; `related` are the items.
         ZQRelatedIDs ids(const IndexRows &rows) const;
+        QHash<ZQObjectID, QList<ZQObjectID>> idsByLiveFolder(const IndexRows &rows) const; // of library items
 
         // What a fetch of library items, or of the memberships of one project, gives: predicate, order, and ties by
         // key. `contentRequest` of each kind of sidebar item is such a request, also with a search added to it. Nothing
@@ -109,6 +115,8 @@ Q_SIGNALS:
     void changed(); // the same, after what was announced is in
 
 private:
+    std::optional<IndexRows> rowsWhenCurrent(const ZQFetchRequest &request, std::optional<Reading> &reading);
+
     struct Private;
     std::shared_ptr<Private> d;
 };

@@ -152,16 +152,17 @@ void BrowserContent::take(const Content &content)
     // Most changes are to what items say of themselves, and leave every row in its place.
     const ZQError &before = m_content.error;
     const bool isErrorAnew = content.error.code != before.code || content.error.domain != before.domain;
-    if (!std::exchange(m_isAskedAnew, false) && !isErrorAnew && content.rows == m_content.rows && heads == m_groups) {
+    const auto liveFolder = zqCast<ZQSidebarWatchedFolder>(singleItem());
+    const auto kind = liveFolder ? std::optional(LiveFolderStates::kindOf(*liveFolder)) : std::nullopt;
+    const bool isSame = content.rows == m_content.rows && heads == m_groups && kind == m_folderKind;
+    if (!std::exchange(m_isAskedAnew, false) && !isErrorAnew && isSame) {
         return;
     }
     Q_EMIT aboutToChange();
     m_content = content;
     m_groups = heads;
     m_shown.clear();
-    const auto liveFolder = zqCast<ZQSidebarWatchedFolder>(singleItem());
-    const QString folder = liveFolder ? liveFolder->folderPath() : QString();
-    m_missingFolder = QFileInfo(folder).isDir() ? QString() : folder;
+    m_folderKind = kind;
     m_isLoaded = true;
     Q_EMIT changed();
 }
@@ -428,6 +429,68 @@ bool BrowserContent::drop(const QMimeData *data, qint64 index, Qt::DropAction /*
     return true;
 }
 
+LiveFolderStatus BrowserContent::folderStatus() const
+{
+    const auto single = singleItem();
+    return single && single->isWatchedFolder() && m_window.liveFolders
+               ? m_window.liveFolders->statusOf(single->objectID())
+               : LiveFolderStatus();
+}
+
+bool BrowserContent::isFolderSyncing() const
+{
+    return folderStatus().isSyncing;
+}
+
+bool BrowserContent::isFolderOff() const
+{
+    const auto single = singleItem();
+    const auto father = single ? single->father() : ZQRef<ZQSidebarBaseItem>();
+    return m_window.liveFolders && m_folderKind == LiveFolderStates::Kind::Off && father && !father->isWatchedFolder();
+}
+
+bool BrowserContent::isOf(const QList<ZQObjectID> &liveFolders) const
+{
+    const auto single = singleItem();
+    return single && liveFolders.contains(single->objectID());
+}
+
+QString BrowserContent::emptyFolderText() const
+{
+    using Kind = LiveFolderStates::Kind;
+    const auto folder = zqCast<ZQSidebarWatchedFolder>(singleItem());
+    const LiveFolderStatus status = folderStatus();
+    const QString path = folder->folderPath();
+    switch (m_folderKind.value_or(Kind::Mirrored)) {
+    case Kind::Missing:
+        return zqFormat(zqLocalized("The folder “%@” is not there."), {path}) + u'\n' +
+               (status.reason.isEmpty() ? zqLocalized("Connect its disk, or put it back.") : status.reason) + u'\n' +
+               zqLocalized("Its items come back with it.");
+    case Kind::Trashed:
+        return zqFormat(zqLocalized("The folder “%@” is in the trash. Put it back, and its items come back with it."),
+                        {path});
+    case Kind::Off:
+        return zqFormat(zqLocalized("This live folder is off: what is in “%@” is neither looked at nor shown."),
+                        {path});
+    case Kind::Mirrored:
+    case Kind::Swept:
+        break;
+    }
+    if (status.isSyncing) {
+        const QString text = !folder->lastSyncDate().isValid()
+                                 ? zqLocalized("“%@” is looked through for the first time. What is found comes here.")
+                                 : zqLocalized("“%@” is looked through.");
+        return zqFormat(text, {folder->title()}) + u'\n' +
+               LiveFolderStates::explanation(Kind::Mirrored, {.isSyncing = true,
+                                                              .filesDone = status.filesDone,
+                                                              .filesTotal = status.filesTotal,
+                                                              .isSwept = false,
+                                                              .reason = {}});
+    }
+    return zqFormat(zqLocalized("Nothing in “%@” can be shown yet.\nWhat is saved there comes here, or drop images."),
+                    {path});
+}
+
 QString BrowserContent::emptySearchText() const
 {
     const QString search = shownSearch().trimmed();
@@ -459,12 +522,11 @@ QString BrowserContent::emptyText() const
                         {filter()});
     }
     const auto single = singleItem();
-    if (isFolderMissing()) {
-        return zqFormat(zqLocalized("The folder “%@” is not there. Connect its disk, or put it back."),
-                        {m_missingFolder});
+    if (single && single->isWatchedFolder()) {
+        return emptyFolderText();
     }
     if (m_tab->hasDisabledWatchedFolders()) {
-        return zqLocalized("A live folder that is selected was not there. Its items come back with it.");
+        return zqLocalized("A live folder that is selected is off, or was not there. Its items come back with it.");
     }
     if (!single) {
         return zqLocalized("What is selected in the sidebar is empty.");

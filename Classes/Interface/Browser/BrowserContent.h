@@ -3,6 +3,7 @@
 #include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Browsing/Tabs/TabState.h"
 #include "Classes/Interface/Browser/BrowserRowValues.h"
+#include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Widgets/ZQGridView.h"
 
@@ -39,7 +40,11 @@ public:
     const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
     bool isLoading() const { return m_isAskedAnew || m_content.isBeginning; }
-    bool isFolderMissing() const { return !m_missingFolder.isEmpty(); } // of a live folder that is shown alone
+    // Of a live folder that is shown alone.
+    bool isFolderAway() const { return m_folderKind && LiveFolderStates::isAway(*m_folderKind); }
+    bool isFolderOff() const; // by itself, so that it can be turned on
+    bool isFolderSyncing() const;
+    bool isOf(const QList<ZQObjectID> &liveFolders) const; // one of them is it
 
     ZQRef<ZQLibraryBaseItem> libraryItem(qint64 index) const;
     QList<ZQObjectID> libraryItemIDs(const ZQIndexSet &indexes) const;
@@ -78,6 +83,8 @@ private:
     template <class Use>
     void forEachRow(const ZQIndexSet &indexes, Use use) const; // use(index)
     QString emptySearchText() const;
+    QString emptyFolderText() const;
+    LiveFolderStatus folderStatus() const;
     QList<ZQGridGroup> headsOf(const Content &content) const;
 
     void take(const Content &content);
@@ -86,7 +93,7 @@ private:
     std::shared_ptr<TabState> m_tab;
     Content m_content; // what is shown
     QList<ZQGridGroup> m_groups;
-    QString m_missingFolder;
+    std::optional<LiveFolderStates::Kind> m_folderKind; // of a live folder that is shown alone
     BrowserRowValues m_values;
     bool m_showsValues = false;
     quint64 m_fetches = 0;

@@ -16,12 +16,9 @@
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QBoxLayout>
-#include <QClipboard>
 #include <QGridLayout>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
-#include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -119,6 +116,9 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
         const QSignalBlocker blocker(m_zoom);
         m_zoom->setValue(int(zoom * sliderSteps));
     });
+    if (window.liveFolders) {
+        connect(window.liveFolders, &LiveFolderStates::changed, this, &BrowserViewController::liveFoldersDidChange);
+    }
     connect(m_detail, &DetailView::closed, this, &BrowserViewController::closeDetail);
     connect(m_detail, &DetailView::stepRequested, this,
             [this](int step) { showDetailAt(m_grid->currentIndex() + step); });
@@ -235,6 +235,7 @@ void BrowserViewController::contentWillChange()
     if (m_restoresView) {
         return; // what is selected is another tab's
     }
+    m_anchor = ScrollAnchor(*m_grid, *m_content);
     const ZQIndexSet selection = m_grid->selection();
     if (selection.count() == m_content->count()) {
         m_rowsToSelect = m_content->rowIDs(); // what arrives does not join them
@@ -253,14 +254,8 @@ void BrowserViewController::contentDidChange()
     if (m_restoresView) {
         restoreView();
     } else {
-        if (!std::exchange(m_keepsScroll, true) || isInOtherOrder) { // what is first is not what was
-            m_grid->setScrollOffset(0);
-        }
-        const bool selectsOther = selectWhatIsWanted(m_content->indexesOfRows(std::exchange(m_rowsToSelect, {})));
-        const bool follows = isInOtherOrder && !m_grid->selection().isEmpty();
-        if (selectsOther || follows || m_grid->selection().count() == 1) {
-            m_grid->scrollToIndex(m_grid->selection().first());
-        }
+        const ZQIndexSet kept = m_content->indexesOfRows(std::exchange(m_rowsToSelect, {}));
+        scrollAfterChange(selectWhatIsWanted(kept), isInOtherOrder, kept);
     }
     followInDetail();
     m_recovery->setVisible(ContentFetcher::isDamage(m_content->error()));
@@ -273,6 +268,33 @@ void BrowserViewController::contentDidChange()
     }
     updateStatus();
     Q_EMIT selectionChanged();
+}
+
+// What was selected is followed where it was in view, was chosen anew or stands in another order: what comes in by
+// itself takes nobody away from what they look at.
+void BrowserViewController::scrollAfterChange(bool selectsOther, bool isInOtherOrder, const ZQIndexSet &kept)
+{
+    const ZQIndexSet selection = m_grid->selection();
+    const bool isOther = !std::exchange(m_keepsScroll, true) || isInOtherOrder; // what is first is not what was
+    if (isOther) {
+        m_grid->setScrollOffset(0);
+    } else {
+        m_anchor.restore(*m_grid, *m_content);
+    }
+    const bool followsOne = selection.count() == 1 && (isOther || selection != kept || m_anchor.hasSeenSelection());
+    if (!selection.isEmpty() && (selectsOther || isInOtherOrder || followsOne)) {
+        m_grid->scrollToIndex(selection.first());
+    }
+}
+
+void BrowserViewController::liveFoldersDidChange(const QList<ZQObjectID> &folders)
+{
+    if (m_content->isOf(folders)) {
+        m_empty->showFor(*m_content);
+        if (m_content->count() == 0) {
+            m_grid->updateVisible(); // it says how far that is
+        }
+    }
 }
 
 bool BrowserViewController::selectWhatIsWanted(ZQIndexSet selection)
@@ -562,19 +584,4 @@ void BrowserViewController::rate(int stars)
         ItemEdits(m_window).setRating(items, stars);
         Q_EMIT rated(stars);
     }
-}
-
-void BrowserViewController::copyToClipboard()
-{
-    if (m_grid->selection().isEmpty()) {
-        return;
-    }
-    QMimeData *mime = m_content->mimeData(m_grid->selection());
-    if (const auto item = selectionCount() == 1 ? firstSelected() : ZQRef<ZQLibraryBaseItem>()) {
-        const QImage image = m_grid->thumbnailLoader().image(ItemPictures::thumbnailOf(*item), 1024);
-        if (!image.isNull()) {
-            mime->setImageData(image);
-        }
-    }
-    QGuiApplication::clipboard()->setMimeData(mime);
 }

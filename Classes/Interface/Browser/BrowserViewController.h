@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Content/Facets.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/Browser/ScrollAnchor.h"
 #include "Classes/Interface/WindowCommand.h"
 
 #include <QTimer>
@@ -98,6 +99,8 @@ private:
     void showDetailAt(qint64 index);
     QString detailPosition(qint64 index) const;
     void followInDetail(); // what the content became
+    void scrollAfterChange(bool selectsOther, bool isInOtherOrder, const ZQIndexSet &kept);
+    void liveFoldersDidChange(const QList<ZQObjectID> &folders);
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -121,6 +124,7 @@ private:
     QSlider *m_zoom;
     QTimer m_refetch;
     QList<ZQObjectID> m_rowsToSelect;  // across a refetch
+    ScrollAnchor m_anchor;             // the same
     QList<ZQObjectID> m_itemsToSelect; // of what is shown, as soon as they are there
     quint64 m_wantedSince = 0;         // the last fetch that began before they were wanted
     quint64 m_moment = 0;              // goes up when a person selects, or goes elsewhere

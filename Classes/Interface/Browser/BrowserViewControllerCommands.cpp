@@ -5,9 +5,13 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/RefineBar.h"
 #include "Classes/Interface/Detail/DetailView.h"
+#include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/TextFields.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
 #include <QStackedWidget>
 
 namespace {
@@ -105,4 +109,19 @@ QList<WindowCommand> BrowserViewController::zoomCommands()
         command.yieldsToFields = true;
     }
     return result;
+}
+
+void BrowserViewController::copyToClipboard()
+{
+    if (m_grid->selection().isEmpty()) {
+        return;
+    }
+    QMimeData *mime = m_content->mimeData(m_grid->selection());
+    if (const auto item = selectionCount() == 1 ? firstSelected() : ZQRef<ZQLibraryBaseItem>()) {
+        const QImage image = m_grid->thumbnailLoader().image(ItemPictures::thumbnailOf(*item), 1024);
+        if (!image.isNull()) {
+            mime->setImageData(image);
+        }
+    }
+    QGuiApplication::clipboard()->setMimeData(mime);
 }

@@ -8,20 +8,22 @@
 
 EmptyState::EmptyState(QWidget *parent)
     : QWidget(parent), m_everything(new QPushButton(zqLocalized("Show All"), this)),
-      m_import(new QPushButton(zqLocalized("Import…"), this))
+      m_import(new QPushButton(zqLocalized("Import…"), this)), m_enable(new QPushButton(zqLocalized("Enable"), this))
 {
     m_everything->setAccessibleName(zqLocalized("Show everything, without the search"));
     m_import->setAccessibleName(zqLocalized("Import files here"));
+    m_enable->setAccessibleName(zqLocalized("Enable this live folder"));
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(16, 136, 16, 0);
     row->addStretch(1);
-    for (QPushButton *button : {m_everything, m_import}) {
+    for (QPushButton *button : {m_everything, m_import, m_enable}) {
         button->setAutoDefault(true); // Return presses it, as in a sheet
         row->addWidget(button);
     }
     row->addStretch(1);
     connect(m_everything, &QPushButton::clicked, this, &EmptyState::everythingRequested);
     connect(m_import, &QPushButton::clicked, this, &EmptyState::importRequested);
+    connect(m_enable, &QPushButton::clicked, this, &EmptyState::enableRequested);
     hide();
 }
 
@@ -29,9 +31,11 @@ void EmptyState::showFor(const BrowserContent &content)
 {
     const bool isEmpty = content.count() == 0 && content.error().isNull() && !content.isLoading();
     const bool isSearched = !content.filter().isEmpty();
-    const bool isAway = content.isFolderMissing() || content.tab().hasDisabledWatchedFolders();
-    const bool takesFiles = content.tab().canImportItems() && !isAway;
+    const bool isAway = content.isFolderAway() || content.tab().hasDisabledWatchedFolders();
+    const bool takesFiles = content.tab().canImportItems() && !isAway && !content.isFolderSyncing();
+    const bool canEnable = content.isFolderOff() && !isSearched;
     m_everything->setVisible(isSearched);
     m_import->setVisible(!isSearched && takesFiles);
-    setVisible(isEmpty && (takesFiles || (isSearched && !content.isFolderMissing())));
+    m_enable->setVisible(canEnable);
+    setVisible(isEmpty && (takesFiles || canEnable || (isSearched && !content.isFolderAway())));
 }

@@ -17,8 +17,10 @@ public:
 Q_SIGNALS:
     void everythingRequested(); // without the search
     void importRequested();
+    void enableRequested(); // of the live folder that is shown
 
 private:
     QPushButton *m_everything;
     QPushButton *m_import;
+    QPushButton *m_enable;
 };

@@ -9,6 +9,7 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/DocumentSize.h"
+#include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -139,9 +140,9 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
     : QScrollArea(parent), m_window(window), m_browser(browser), m_body(new QWidget(this)),
       m_nothing(new QLabel(zqLocalized("Nothing selected"))), m_column(new QVBoxLayout),
       m_preview(new Preview(browser, m_body)), m_title(new QLineEdit(m_body)), m_kind(new QLabel(m_body)),
-      m_rating(new RatingField(m_body)), m_colorBox(new QWidget(m_body)), m_colors(new QWidget(m_colorBox)),
-      m_tags(new TagField(m_body)), m_notes(new QPlainTextEdit(m_body)), m_rows(new QGridLayout),
-      m_summaryTicket(window.fetcher, ContentFetcher::Priority::Summary)
+      m_place(new LivePlace(m_body)), m_rating(new RatingField(m_body)), m_colorBox(new QWidget(m_body)),
+      m_colors(new QWidget(m_colorBox)), m_tags(new TagField(m_body)), m_notes(new QPlainTextEdit(m_body)),
+      m_rows(new QGridLayout), m_summaryTicket(window.fetcher, ContentFetcher::Priority::Summary)
 {
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus); // its fields take it
@@ -200,6 +201,7 @@ void InfoPanelViewController::makeHead()
     names->setSpacing(1);
     names->addWidget(m_title);
     names->addWidget(m_kind);
+    names->addWidget(m_place);
     names->addSpacing(6);
     names->addWidget(m_rating);
     m_column->addLayout(names);
@@ -366,6 +368,7 @@ void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const 
         m_notes->setPlainText(summary.notes.differs ? QString() : summary.notes.text);
     }
     showSize(*first);
+    showPlace(*first);
     m_imported->setText(summary.imported.shown());
     m_modified->setText(summary.modified.shown());
     for (const auto &[field, value] : {std::pair{m_source, summary.source}, {m_license, summary.license}}) {
@@ -393,6 +396,13 @@ void InfoPanelViewController::showSize(const ZQLibraryBaseItem &item)
         text = known.isEmpty() ? text : known;
     }
     m_size->setText(text);
+}
+
+void InfoPanelViewController::showPlace(const ZQLibraryBaseItem &item)
+{
+    const bool isOne = m_items.size() == 1;
+    const bool isLive = !m_summary.liveFolder.differs && !m_summary.liveFolder.text.isEmpty();
+    m_place->setPath(!isLive ? QString() : isOne ? item.itemURL() : m_summary.liveFolder.text, !isOne);
 }
 
 void InfoPanelViewController::showTags(const SelectionSummary &summary)

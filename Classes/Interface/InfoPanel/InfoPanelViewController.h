@@ -14,6 +14,7 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class DocumentSize;
+class LivePlace;
 class QVBoxLayout;
 class RatingField;
 class TagField;
@@ -51,6 +52,7 @@ private:
     void showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary);
     void showPicture(const ZQLibraryBaseItem &item, bool isOne);
     void showSize(const ZQLibraryBaseItem &item);
+    void showPlace(const ZQLibraryBaseItem &item);
     void showTags(const SelectionSummary &summary);
     void showColors(const ZQLibraryBaseItem &item);
     void returnToItems();
@@ -71,6 +73,7 @@ private:
     Preview *m_preview;
     QLineEdit *m_title;
     QLabel *m_kind;
+    LivePlace *m_place;
     RatingField *m_rating;
     QWidget *m_colorBox;
     QWidget *m_colors;

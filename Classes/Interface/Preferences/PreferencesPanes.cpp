@@ -67,6 +67,16 @@ void fillTags(PreferencesPane &pane)
     pane.addNumber(QStringLiteral("MediumTagSize"), zqLocalized("&Medium"), {1, largest, 1, pixels});
 }
 
+void fillLiveFolders(PreferencesPane &pane)
+{
+    pane.addHeading(zqLocalized("DISKS THAT TELL OF NO CHANGES"));
+    pane.addNote(zqLocalized(
+        "Folders on a network, for example, are looked at in intervals. A clock marks them in the sidebar."));
+    constexpr int aDay = 24 * 60;
+    pane.addNumber(QStringLiteral("LiveFolderSweepMinutes"), zqLocalized("&Look again after"),
+                   {1, aDay, 1, zqLocalized(" min")});
+}
+
 } // namespace
 
 const QList<PreferencesPanes::Plan> &PreferencesPanes::all()
@@ -75,6 +85,7 @@ const QList<PreferencesPanes::Plan> &PreferencesPanes::all()
         {"General", "settings", &fillGeneral},
         {"Import", "import", &fillImport},
         {"Tags", "tag", &fillTags},
+        {"Live folders", "live", &fillLiveFolders},
     };
     return plans;
 }

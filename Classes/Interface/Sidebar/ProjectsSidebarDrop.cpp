@@ -4,6 +4,7 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/Sidebar/LiveFolderActions.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QFileInfo>
@@ -54,7 +55,7 @@ Qt::DropAction ProjectsSidebarViewController::validate(const QMimeData *mime, co
 Qt::DropAction ProjectsSidebarViewController::validateFileDrop(const QStringList &paths,
                                                                const SidebarDropPlace &place) const
 {
-    if (filesDropCanCreateProjectInSidebar(paths, place)) {
+    if (filesDropCanCreateProjectInSidebar(paths, place) || folderDropCanCreateWatchedFolderInSidebar(paths, place)) {
         return Qt::CopyAction;
     }
     return place.index < 0 && SidebarTargetRules::files(ImportDoor::filesAtPaths(paths), place.target.get())
@@ -69,11 +70,21 @@ bool ProjectsSidebarViewController::filesDropCanCreateProjectInSidebar(const QSt
            SidebarTargetRules::filesMakeProject(ImportDoor::filesAtPaths(paths), place.target.get(), place.index);
 }
 
+bool ProjectsSidebarViewController::folderDropCanCreateWatchedFolderInSidebar(const QStringList &paths,
+                                                                              const SidebarDropPlace &place) const
+{
+    return m_window.liveFolders && tree()->tree()->side() == SidebarTreeModel::Side::Projects &&
+           SidebarTargetRules::foldersMakeLiveFolders(ImportDoor::filesAtPaths(paths), place.target.get());
+}
+
 // What a drop does where that is not seen by the place alone.
 QString ProjectsSidebarViewController::dropHint(const QMimeData *mime, const SidebarDropPlace &place) const
 {
     const QStringList paths =
         mime->hasFormat(BrowserContent::itemsMimeType) ? QStringList() : ImportDoor::localPaths(mime);
+    if (!paths.isEmpty() && folderDropCanCreateWatchedFolderInSidebar(paths, place)) {
+        return zqLocalized("Drop to create a live folder");
+    }
     return !paths.isEmpty() && filesDropCanCreateProjectInSidebar(paths, place)
                ? zqLocalized("Drop to create a project")
                : QString();
@@ -113,7 +124,10 @@ bool ProjectsSidebarViewController::accept(const QMimeData *mime, const SidebarD
 
 bool ProjectsSidebarViewController::acceptFiles(const QStringList &paths, const SidebarDropPlace &place)
 {
-    if (filesDropCanCreateProjectInSidebar(paths, place)) {
+    if (folderDropCanCreateWatchedFolderInSidebar(paths, place)) {
+        const quint32 end = quint32(place.target->numberofChilds());
+        m_liveFolders->newWatchedFolderItemFromDropFiles(paths, place.index < 0 ? end : quint32(place.index));
+    } else if (filesDropCanCreateProjectInSidebar(paths, place)) {
         newSidebarItemFromDropFiles(paths, place);
     } else {
         ImportDoor::importFiles(paths, place.target.get(), indexOf(place));

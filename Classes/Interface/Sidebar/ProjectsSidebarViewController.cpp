@@ -3,7 +3,10 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/LiveFolderStates.h"
+#include "Classes/Interface/Sidebar/LiveFolderActions.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
 
@@ -15,6 +18,16 @@
 #include <QStackedWidget>
 
 #include <algorithm>
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qsizetype longestInMenu = 120;
+constexpr auto timeForAdvice = 5s;
+
+} // namespace
 
 ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &window, QWidget *parent)
     : QWidget(parent), m_window(window), m_commands(window),
@@ -24,6 +37,15 @@ ProjectsSidebarViewController::ProjectsSidebarViewController(WindowContext &wind
 {
     setObjectName(QStringLiteral("Sidebar"));
     setAttribute(Qt::WA_StyledBackground);
+    m_liveFolders = new LiveFolderActions(
+        window,
+        [this] {
+            SidebarCommands::Items items = selectedObjects(view(m_projects));
+            items.removeIf([](const auto &item) { return !item->isWatchedFolder(); });
+            return items;
+        },
+        this);
+    connect(m_liveFolders, &LiveFolderActions::rowsToSelect, this, &ProjectsSidebarViewController::selectReturned);
     m_stack->addWidget(makeTree(m_projects));
     m_stack->addWidget(makeTree(m_tags));
     auto *top = new QHBoxLayout;
@@ -66,7 +88,8 @@ SidebarTreeView *ProjectsSidebarViewController::makeTree(SidebarTreeModel *model
         mime->setData(SidebarTreeView::elementMimeType, uris.join(u'\n').toUtf8());
         return mime;
     };
-    connect(view, &SidebarTreeView::labelMenuRequested, this, &ProjectsSidebarViewController::showTagOrder);
+    connect(view, &SidebarTreeView::labelButtonPressed, this,
+            [this, view](const QModelIndex &label, const QPoint &point) { pressLabelButton(*view, label, point); });
     connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this, view] { selectionDidChange(view); });
     const auto keepExpansion = [this, model](const QModelIndex &index, bool expanded) {
@@ -198,6 +221,7 @@ bool ProjectsSidebarViewController::reload(SidebarTreeModel *model)
         before.append(item->objectID());
     }
     const QList<ZQObjectID> neighbours = before.isEmpty() ? before : tree->neighboursOfSelection();
+    const SidebarTreeView::TopRow top = tree->topRow();
     model->reload();
     restoreExpansion(tree);
     const auto select = [&](const ZQObjectID &id) {
@@ -213,6 +237,9 @@ bool ProjectsSidebarViewController::reload(SidebarTreeModel *model)
     }
     if (kept == 0) {
         std::any_of(neighbours.begin(), neighbours.end(), select);
+    }
+    if (kept == before.size()) { // nothing else is to be seen
+        tree->keepOnTop(top);
     }
     if (model->hasUncounted()) {
         model->reloadCounts();
@@ -262,12 +289,14 @@ void ProjectsSidebarViewController::reloadCounts()
 
 QList<WindowCommand> ProjectsSidebarViewController::commands()
 {
-    return {{CommandID::NewProject, zqLocalized("New Project"), {Qt::CTRL | Qt::Key_N}, [this] { addNewProject(); }},
-            {CommandID::NewFolder,
-             zqLocalized("New Folder"),
-             {Qt::CTRL | Qt::SHIFT | Qt::Key_N},
-             [this] { addNewFolder(); }},
-            {CommandID::NewTag, zqLocalized("New Tag"), {}, [this] { addNewTag(); }}};
+    return QList<WindowCommand>{
+               {CommandID::NewProject, zqLocalized("New Project"), {Qt::CTRL | Qt::Key_N}, [this] { addNewProject(); }},
+               {CommandID::NewFolder,
+                zqLocalized("New Folder"),
+                {Qt::CTRL | Qt::SHIFT | Qt::Key_N},
+                [this] { addNewFolder(); }},
+               {CommandID::NewTag, zqLocalized("New Tag"), {}, [this] { addNewTag(); }}} +
+           m_liveFolders->commands();
 }
 
 void ProjectsSidebarViewController::add(SidebarCommands::NewItem kind)
@@ -363,7 +392,8 @@ SidebarCommands::Items ProjectsSidebarViewController::deletableItems(bool withCo
 {
     SidebarCommands::Items items = selectedObjects();
     items.removeIf([withContent](const auto &item) {
-        return item->isFixed() || (withContent && !item->isProject() && !item->isFolder());
+        return item->isFixed() || SidebarTreeModel::isSubFolder(*item) ||
+               (withContent && !item->isProject() && !item->isFolder());
     });
     return items;
 }
@@ -371,6 +401,9 @@ SidebarCommands::Items ProjectsSidebarViewController::deletableItems(bool withCo
 void ProjectsSidebarViewController::deleteItem()
 {
     const SidebarCommands::Items items = deletableItems(false);
+    if (items.isEmpty() && tellOfSubFolders(selectedObjects())) {
+        return;
+    }
     const ZQObjectID neighbour = safeNeighbour();
     if (m_commands.deleteSidebarItem(items)) {
         selectNeighbourAfterDeletion(neighbour);
@@ -453,6 +486,30 @@ void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
     }
 }
 
+bool ProjectsSidebarViewController::tellOfSubFolders(const SidebarCommands::Items &items) const
+{
+    const auto found =
+        std::find_if(items.begin(), items.end(), [](const auto &item) { return SidebarTreeModel::isSubFolder(*item); });
+    if (found == items.end()) {
+        return false;
+    }
+    m_window.user.showNotificationWithText(
+        zqFormat(zqLocalized("“%@” is a folder on the disk. It goes from here when it goes from there."),
+                 {zqShortened((*found)->title(), longestInMenu)}),
+        NotificationPlace::Sidebar, timeForAdvice);
+    return true;
+}
+
+void ProjectsSidebarViewController::pressLabelButton(const SidebarTreeView &view, const QModelIndex &label,
+                                                     const QPoint &globalPoint)
+{
+    if (view.tree() == m_tags) {
+        showTagOrder(globalPoint);
+    } else if (ZQSidebarKind(view.tree()->item(label)->kind()) == ZQSidebarKind::WatchedFoldersLabel) {
+        m_liveFolders->addNewWatchedFolder();
+    }
+}
+
 void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
 {
     QMenu menu(this);
@@ -466,6 +523,10 @@ void ProjectsSidebarViewController::showMenu(const QPoint &globalPoint)
                        &ProjectsSidebarViewController::addNewProject);
         menu.addAction(withKeys(zqLocalized("New Folder"), CommandID::NewFolder), this,
                        &ProjectsSidebarViewController::addNewFolder);
+        if (m_window.liveFolders) {
+            menu.addAction(zqLocalized("Add Live Folder…"), m_liveFolders, &LiveFolderActions::addNewWatchedFolder);
+        }
+        m_liveFolders->addToMenu(menu);
     }
     addWhatChangesSelection(menu);
     menu.exec(globalPoint);

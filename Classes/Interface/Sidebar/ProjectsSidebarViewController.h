@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+class LiveFolderActions;
 class QMenu;
 class ZQSwitch;
 class QStackedWidget;
@@ -27,6 +28,7 @@ public:
     void setShowsCounts(bool shows); // none before it is said
     QVBoxLayout *progressLayout() const { return m_progress; }
     QList<WindowCommand> commands();
+    LiveFolderActions &liveFolders() { return *m_liveFolders; }
     // The keys of a command of the window, which the menu shows; the window sets it. Null: none.
     std::function<QKeySequence(CommandID)> keysOf;
 
@@ -48,6 +50,7 @@ public:
     // What a drop of files on a place does.
     Qt::DropAction validateFileDrop(const QStringList &paths, const SidebarDropPlace &place) const;
     bool filesDropCanCreateProjectInSidebar(const QStringList &paths, const SidebarDropPlace &place) const;
+    bool folderDropCanCreateWatchedFolderInSidebar(const QStringList &paths, const SidebarDropPlace &place) const;
 
 Q_SIGNALS:
     void selectionChanged(); // not when only the other side is shown
@@ -76,6 +79,8 @@ private:
     QString withKeys(const QString &title, CommandID id) const;
     void addWhatChangesSelection(QMenu &menu);
     void showMenu(const QPoint &globalPoint);
+    void pressLabelButton(const SidebarTreeView &view, const QModelIndex &label, const QPoint &globalPoint);
+    bool tellOfSubFolders(const SidebarCommands::Items &items) const; // which only the disk can take away
     Qt::DropAction validate(const QMimeData *data, const SidebarDropPlace &place) const;
     bool accept(const QMimeData *data, const SidebarDropPlace &place);
     bool acceptFiles(const QStringList &paths, const SidebarDropPlace &place);
@@ -86,6 +91,7 @@ private:
 
     WindowContext &m_window;
     SidebarCommands m_commands;
+    LiveFolderActions *m_liveFolders;
     ZQSwitch *m_switch;
     QStackedWidget *m_stack;
     SidebarTreeModel *m_projects;

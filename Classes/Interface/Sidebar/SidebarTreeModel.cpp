@@ -1,6 +1,7 @@
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
 
 #include "Classes/Browsing/Content/SidebarContents.h"
+#include "Classes/Interface/LiveFolderStates.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
@@ -9,6 +10,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 struct SidebarTreeModel::Node
@@ -31,6 +33,9 @@ SidebarTreeModel::SidebarTreeModel(WindowContext &window, Side side, QObject *pa
     : QAbstractItemModel(parent), m_window(window), m_side(side), m_root(std::make_unique<Node>()),
       m_countsTicket(window.fetcher, ContentFetcher::Priority::Counts)
 {
+    if (window.liveFolders && side == Side::Projects) {
+        connect(window.liveFolders, &LiveFolderStates::changed, this, &SidebarTreeModel::liveFoldersDidChange);
+    }
 }
 
 SidebarTreeModel::~SidebarTreeModel() = default;
@@ -165,6 +170,9 @@ void SidebarTreeModel::reload()
         return;
     }
     m_isUncounted = true;
+    if (m_window.liveFolders) {
+        m_window.liveFolders->forgetStatuses();
+    }
     // Most changes leave the shape as it is: the rows, and what the view knows of them, then stay.
     if (haveSameShape(*m_root, *root)) {
         announceAll({});
@@ -209,10 +217,39 @@ void SidebarTreeModel::announceAll(const QModelIndex &above)
     }
 }
 
-bool SidebarTreeModel::isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren)
+bool SidebarTreeModel::isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren) const
 {
     // An empty section that nothing can be put into only takes room.
-    return label.is_Label() && (ZQSidebarKind(label.kind()) != ZQSidebarKind::WatchedFoldersLabel || hasChildren);
+    const bool isLive = ZQSidebarKind(label.kind()) == ZQSidebarKind::WatchedFoldersLabel;
+    return label.is_Label() && (!isLive || hasChildren || m_window.liveFolders);
+}
+
+void SidebarTreeModel::liveFoldersDidChange(const QList<ZQObjectID> &folders)
+{
+    for (const ZQObjectID &folder : folders) {
+        if (Node *const found = m_nodes.value(folder)) { // others are not shown
+            const QModelIndex changed = createIndex(found->row, 0, found);
+            Q_EMIT dataChanged(changed, changed);
+        }
+    }
+}
+
+bool SidebarTreeModel::isSubFolder(const ZQSidebarBaseItem &item)
+{
+    const auto father = item.isWatchedFolder() ? item.father() : ZQRef<ZQSidebarBaseItem>();
+    return father && father->isWatchedFolder();
+}
+
+QModelIndexList SidebarTreeModel::syncingRows() const
+{
+    QModelIndexList rows;
+    const QList<ZQObjectID> syncing = m_window.liveFolders ? m_window.liveFolders->syncing() : QList<ZQObjectID>();
+    for (const ZQObjectID &folder : syncing) {
+        if (Node *const found = m_nodes.value(folder)) {
+            rows.append(createIndex(found->row, 0, found));
+        }
+    }
+    return rows;
 }
 
 bool SidebarTreeModel::isSortedByTitle(const ZQSidebarBaseItem &label)
@@ -341,8 +378,16 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
         return {};
     }
     const ZQRef<ZQSidebarBaseItem> &item = node(index)->item;
-    const auto folder = zqCast<ZQSidebarWatchedFolder>(item);
-    const bool isAway = folder && (folder->is_missing() || folder->is_trashed());
+    if (item->isLabel()) {
+        if (const QVariant value = labelData(*item, node(index)->hasChildren, role); value.isValid()) {
+            return value;
+        }
+    }
+    if (const auto folder = zqCast<ZQSidebarWatchedFolder>(item)) {
+        if (const QVariant value = liveFolderData(*folder, role); value.isValid()) {
+            return value;
+        }
+    }
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
@@ -352,34 +397,83 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
         return count < 0 ? item->title()
                          : zqFormat(zqLocalized("%@, %@ items"), {item->title(), QLocale().toString(count)});
     }
-    case Qt::ToolTipRole:
-        if (isAway) {
-            return folder->is_trashed() ? zqLocalized("This folder is in the trash.")
-                                        : zqLocalized("This folder cannot be found.");
-        }
-        if (const auto smart = zqCast<ZQSidebarSmartFolder>(item)) {
-            return smart->searchText();
-        }
-        return folder ? folder->folderPath() : QString();
+    case Qt::ToolTipRole: {
+        const auto smart = zqCast<ZQSidebarSmartFolder>(item);
+        return smart ? smart->searchText() : QString();
+    }
     case LabelRole:
         return item->isLabel();
-    case MenuRole:
-        return item->isLabel() && ZQSidebarKind(item->kind()) == ZQSidebarKind::TagsLabel;
     case IconRole:
         return item->icon();
     case SwatchRole:
         return item->isTag() && !ZQSidebarTag::colorNameForValue(item->kind()).isEmpty() ? int(item->kind()) : 0;
     case StateRole:
-        return isAway;
+    case SyncingRole:
+        return false;
     case CountRole: {
-        if (isAway) {
-            return zqLocalized("missing");
-        }
         const qint64 count = m_counts.value(item->objectID(), 0);
         return count > 0 ? QLocale().toString(count) : QString();
     }
     default:
         return {};
+    }
+}
+
+QVariant SidebarTreeModel::labelData(const ZQSidebarBaseItem &label, bool hasChildren, int role) const
+{
+    const bool isLive = ZQSidebarKind(label.kind()) == ZQSidebarKind::WatchedFoldersLabel && m_window.liveFolders;
+    switch (role) {
+    case ButtonRole:
+        return isLive                                                    ? QStringLiteral("plus")
+               : ZQSidebarKind(label.kind()) == ZQSidebarKind::TagsLabel ? QStringLiteral("menu")
+                                                                         : QString();
+    case HintRole:
+        return isLive && !hasChildren ? zqLocalized("Drop folders here, or press +") : QString();
+    case Qt::ToolTipRole:
+        return isLive ? zqLocalized("Folders of the disk whose files are shown here and stay where they are")
+                      : QVariant();
+    default:
+        return {};
+    }
+}
+
+QVariant SidebarTreeModel::liveFolderData(const ZQSidebarWatchedFolder &folder, int role) const
+{
+    using Kind = LiveFolderStates::Kind;
+    constexpr std::array own = {int(Qt::ToolTipRole), int(Qt::AccessibleDescriptionRole),
+                                int(StateRole),       int(SyncingRole),
+                                int(IconRole),        int(MarkRole),
+                                int(CountRole)};
+    if (std::find(own.begin(), own.end(), role) == own.end()) {
+        return {};
+    }
+    const LiveFolderStates *const states = m_window.liveFolders;
+    const LiveFolderStatus status = states ? states->statusOf(folder.objectID()) : LiveFolderStatus();
+    const Kind kind = LiveFolderStates::kindOf(folder, status);
+    const bool isBelow = isSubFolder(folder); // what holds for the whole stands beside its root
+    switch (role) {
+    case Qt::ToolTipRole: {
+        QStringList lines = {folder.folderPath(), LiveFolderStates::explanation(kind, status)};
+        lines.removeAll(QString());
+        return lines.join(u'\n');
+    }
+    case Qt::AccessibleDescriptionRole: {
+        const QString explanation = LiveFolderStates::explanation(kind, status);
+        return folder.typeString() + (explanation.isEmpty() ? QString() : QStringLiteral(". ") + explanation);
+    }
+    case StateRole:
+        return LiveFolderStates::isAway(kind);
+    case SyncingRole:
+        return status.isSyncing;
+    case IconRole:
+        return kind == Kind::Off ? QStringLiteral("pause") : folder.icon();
+    case MarkRole: // a reason where the folder is neither away nor swept: not all of it is watched
+        return isBelow                                              ? QString()
+               : kind == Kind::Swept                                ? QStringLiteral("recent")
+               : kind == Kind::Mirrored && !status.reason.isEmpty() ? QStringLiteral("warning")
+                                                                    : QString();
+    default:
+        return !LiveFolderStates::isAway(kind) ? QVariant() : isBelow ? QString() : LiveFolderStates::badge(kind);
     }
 }
 
@@ -403,7 +497,7 @@ Qt::ItemFlags SidebarTreeModel::flags(const QModelIndex &index) const
     }
     const bool isFixed = item->isSpecial() || item->kind() != 0;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (!isFixed) {
+    if (!isFixed && !isSubFolder(*item)) { // the disk says where that is
         flags |= Qt::ItemIsDragEnabled;
     }
     if (!isFixed && !item->isWatchedFolder()) {

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class ZQSidebarWatchedFolder;
+
 // One side of the sidebar as a tree of its active items in their order, with counts beside them. What stands below a
 // row is read when it is first asked for, and whoever asks gets all of it: a closed folder costs a row. A read that
 // fails answers nothing and is tried again at the next question, so that commands, which may not take that for an empty
@@ -20,9 +22,12 @@ public:
         CountRole = Qt::UserRole,
         IconRole,
         LabelRole,
-        StateRole,
-        SwatchRole, // the code of a tag's colour, or 0
-        MenuRole    // whether a section head has a menu of its own
+        StateRole,   // whether it is out of reach, or off
+        SwatchRole,  // the code of a tag's colour, or 0
+        ButtonRole,  // the icon of the button that a section head has; empty: none
+        HintRole,    // what to do about a section that is empty; empty: nothing
+        SyncingRole, // whether a live folder is being brought in step with the disk
+        MarkRole     // the icon of what else is to be known of it; empty: nothing
     };
 
     SidebarTreeModel(WindowContext &window, Side side, QObject *parent = nullptr);
@@ -41,6 +46,8 @@ public:
     QModelIndex indexOf(const ZQObjectID &item) const; // reads the way to it
     QModelIndex indexOfKind(ZQSidebarKind kind) const;
     static bool isSortedByTitle(const ZQSidebarBaseItem &label); // TAGS, as the person chose it
+    static bool isSubFolder(const ZQSidebarBaseItem &item); // of a live folder, which is there because the disk has it
+    QModelIndexList syncingRows() const;                    // of those that were read
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;
@@ -70,7 +77,10 @@ private:
     Node *nodeOf(const ZQObjectID &item) const;
     static bool haveSameShape(const Node &a, const Node &b);
     void announceAll(const QModelIndex &above); // everything below may look different
-    static bool isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren);
+    bool isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren) const;
+    void liveFoldersDidChange(const QList<ZQObjectID> &folders);
+    QVariant liveFolderData(const ZQSidebarWatchedFolder &folder, int role) const; // invalid: as of any other row
+    QVariant labelData(const ZQSidebarBaseItem &label, bool hasChildren, int role) const;
 
     WindowContext &m_window;
     Side m_side;

@@ -1,13 +1,10 @@
 #include "Classes/Interface/Sidebar/SidebarTreeView.h"
 
-#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
-#include "Kit/Widgets/ZQSwatch.h"
 
 #include <QApplication>
 #include <QDrag>
 #include <QHeaderView>
-#include <QLineEdit>
 #include <QLocale>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -17,147 +14,19 @@
 
 namespace {
 
-constexpr int rowMargin = 8;
-constexpr int twistyRoom = 14;
-constexpr int levelIndent = 16;
-constexpr int labelHeight = 32;
-
-int depthOf(const QModelIndex &index)
-{
-    int depth = 0;
-    for (QModelIndex above = index.parent(); above.isValid(); above = above.parent()) {
-        ++depth;
-    }
-    return depth;
-}
+constexpr int rowMargin = SidebarDelegate::rowMargin;
+constexpr int twistyRoom = SidebarDelegate::twistyRoom;
 
 bool isLabel(const QModelIndex &index)
 {
-    return index.data(SidebarTreeModel::LabelRole).toBool();
+    return SidebarDelegate::isLabel(index);
 }
 
 } // namespace
 
-int SidebarDelegate::titleLeft(const QRect &row, const QModelIndex &index)
-{
-    return row.left() + rowMargin + twistyRoom + levelIndent * std::max(0, depthOf(index) - 1) + ZQMeasure::iconSize +
-           8;
-}
-
-QRect SidebarDelegate::twistyRect(const QRect &row, const QModelIndex &index)
-{
-    const int x = row.left() + rowMargin + 2 + levelIndent * std::max(0, depthOf(index) - 1);
-    return {x, row.top() + (row.height() - 10) / 2, 10, 10};
-}
-
-QRect SidebarDelegate::labelMenuRect(const QRect &row)
-{
-    constexpr int size = 14;
-    return {row.right() - rowMargin - 8 - size, row.center().y() + 4 - size / 2, size, size};
-}
-
-QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem & /*option*/, const QModelIndex &index) const
-{
-    return {100, isLabel(index) ? labelHeight : ZQMeasure::rowHeight};
-}
-
-void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
-{
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    const QRect row = option.rect;
-    const QString title = index.data().toString();
-    if (isLabel(index)) {
-        QFont font = ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::DemiBold);
-        font.setLetterSpacing(QFont::PercentageSpacing, 104);
-        painter->setFont(font);
-        if ((option.state & QStyle::State_HasFocus) && option.widget && option.widget->hasFocus()) {
-            painter->setPen(QPen(zqColor(ZQColorRole::Accent), 1));
-            painter->drawRoundedRect(QRectF(row).adjusted(rowMargin, 8.5, -rowMargin, -0.5), ZQMeasure::rowRadius,
-                                     ZQMeasure::rowRadius);
-        }
-        painter->setPen(zqColor(ZQColorRole::TextFaint));
-        painter->drawText(row.adjusted(16, 8, -16, 0), Qt::AlignVCenter, title);
-        if (index.data(SidebarTreeModel::MenuRole).toBool()) {
-            ZQIcon::paint(*painter, labelMenuRect(row), QStringLiteral("menu"), zqColor(ZQColorRole::TextFaint));
-        }
-        painter->restore();
-        return;
-    }
-    const bool selected = option.state & QStyle::State_Selected;
-    const bool isAway = index.data(SidebarTreeModel::StateRole).toBool();
-    const QRectF box = QRectF(row).adjusted(rowMargin, 0.5, -rowMargin, -0.5);
-    const bool focused = (option.state & QStyle::State_HasFocus) && option.widget && option.widget->hasFocus();
-    painter->setPen(focused ? QPen(zqColor(ZQColorRole::Accent), 1) : QPen(Qt::NoPen));
-    painter->setBrush(selected                                   ? QBrush(zqColor(ZQColorRole::Select))
-                      : (option.state & QStyle::State_MouseOver) ? QBrush(zqColor(ZQColorRole::Hover))
-                                                                 : QBrush(Qt::NoBrush));
-    painter->drawRoundedRect(box, ZQMeasure::rowRadius, ZQMeasure::rowRadius);
-    const int left = titleLeft(row, index);
-    const QColor iconColor = zqColor(isAway     ? ZQColorRole::TextFaint
-                                     : selected ? ZQColorRole::Accent
-                                                : ZQColorRole::TextMuted);
-    const QRectF icon(left - ZQMeasure::iconSize - 8, row.top() + (row.height() - ZQMeasure::iconSize) / 2,
-                      ZQMeasure::iconSize, ZQMeasure::iconSize);
-    const ZQColorRole ground = selected ? ZQColorRole::Select : ZQColorRole::Sunken;
-    if (const int swatch = index.data(SidebarTreeModel::SwatchRole).toInt()) {
-        painter->setPen(QPen(zqSwatchRing(swatch, zqColor(ground)), 1));
-        painter->setBrush(ZQTheme::swatch(swatch));
-        painter->drawEllipse(icon.adjusted(2.5, 2.5, -2.5, -2.5));
-    } else {
-        ZQIcon::paint(*painter, icon, index.data(SidebarTreeModel::IconRole).toString(), iconColor);
-    }
-    if (index.model()->hasChildren(index)) {
-        const auto *tree = qobject_cast<const QTreeView *>(option.widget);
-        ZQIcon::paint(*painter, twistyRect(row, index),
-                      tree && tree->isExpanded(index) ? QStringLiteral("chevron-down")
-                                                      : QStringLiteral("chevron-right"),
-                      zqColor(ZQColorRole::TextFaint));
-    }
-    painter->setFont(ZQTheme::current().font(ZQMeasure::tinyTextSize));
-    const QString badge = index.data(SidebarTreeModel::CountRole).toString();
-    const int badgeWidth = badge.isEmpty() ? 0 : painter->fontMetrics().horizontalAdvance(badge) + 8;
-    painter->setPen(zqColor(selected ? ZQColorRole::TextMuted : ZQColorRole::TextFaint));
-    painter->drawText(row.adjusted(0, 0, -rowMargin - 8, 0), int(Qt::AlignVCenter | Qt::AlignRight), badge);
-    painter->setFont(ZQTheme::fontForName(ZQTheme::current().font(), title));
-    painter->setPen(zqColor(isAway ? ZQColorRole::TextFaint : ZQColorRole::Text));
-    const QRect text(left, row.top(), row.right() - rowMargin - 8 - badgeWidth - left, row.height());
-    painter->drawText(text, Qt::AlignVCenter, painter->fontMetrics().elidedText(title, Qt::ElideRight, text.width()));
-    painter->restore();
-}
-
-QWidget *SidebarDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem & /*option*/,
-                                       const QModelIndex & /*index*/) const
-{
-    auto *editor = new QLineEdit(parent);
-    editor->setObjectName(QStringLiteral("InlineEditor"));
-    editor->setAccessibleName(zqLocalized("Name"));
-    return editor;
-}
-
-// The rows are refreshed while one is edited; what was typed stays.
-void SidebarDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
-{
-    constexpr const char *isFilled = "zqIsFilled";
-    if (!editor->property(isFilled).toBool()) {
-        editor->setProperty(isFilled, true);
-        auto *line = static_cast<QLineEdit *>(editor);
-        line->setText(index.data(Qt::EditRole).toString());
-        line->selectAll();
-    }
-}
-
-void SidebarDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
-                                           const QModelIndex &index) const
-{
-    const QRect row = option.rect;
-    editor->setGeometry(titleLeft(row, index) - 5, row.top() + 2,
-                        row.right() - rowMargin - 2 - titleLeft(row, index) + 5, row.height() - 4);
-}
-
 SidebarTreeView::SidebarTreeView(QWidget *parent) : QTreeView(parent)
 {
-    setItemDelegate(new SidebarDelegate(this));
+    setItemDelegate(new SidebarDelegate(m_turningSign, this));
     setHeaderHidden(true);
     setIndentation(0);
     setRootIsDecorated(false);
@@ -179,6 +48,49 @@ void SidebarTreeView::setTree(SidebarTreeModel *model)
 {
     setModel(model);
     connect(model, &SidebarTreeModel::failed, viewport(), qOverload<>(&QWidget::update));
+    connect(&m_turningSign, &ZQTurningSign::turned, this, &SidebarTreeView::turnSigns);
+}
+
+SidebarTreeView::TopRow SidebarTreeView::topRow() const
+{
+    const QModelIndex top = verticalScrollBar()->value() > 0 ? indexAt({0, 0}) : QModelIndex();
+    return top.isValid() ? TopRow{tree()->item(top)->objectID(), visualRect(top).top()} : TopRow();
+}
+
+void SidebarTreeView::keepOnTop(const TopRow &row)
+{
+    const QModelIndex index = row.item.isNull() ? QModelIndex() : tree()->indexOf(row.item);
+    if (index.isValid()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->value() + visualRect(index).top() - row.top);
+    }
+}
+
+QRegion SidebarTreeView::signsInView() const
+{
+    QRegion signs;
+    const bool isInView = isVisible() && !window()->isMinimized();
+    const QModelIndexList syncing = isInView ? tree()->syncingRows() : QModelIndexList();
+    for (const QModelIndex &index : syncing) {
+        if (const QRect row = visualRect(index); row.intersects(viewport()->rect())) {
+            constexpr int beyond = 2; // corners of what turns
+            signs += SidebarDelegate::iconRect(row, index).adjusted(-beyond, -beyond, beyond, beyond);
+        }
+    }
+    return signs;
+}
+
+// Where none is in view, nothing turns until one is painted.
+void SidebarTreeView::turnSigns()
+{
+    const QRegion signs = signsInView();
+    m_turningSign.setInView(!signs.isEmpty());
+    viewport()->update(signs);
+}
+
+void SidebarTreeView::hideEvent(QHideEvent *event)
+{
+    m_turningSign.setInView(false);
+    QTreeView::hideEvent(event);
 }
 
 void SidebarTreeView::drawBranches(QPainter * /*painter*/, const QRect & /*rect*/, const QModelIndex & /*index*/) const
@@ -202,6 +114,9 @@ void SidebarTreeView::drawRow(QPainter *painter, const QStyleOptionViewItem &opt
 
 void SidebarTreeView::paintEvent(QPaintEvent *event)
 {
+    if (!m_turningSign.isTurning()) {
+        m_turningSign.setInView(!signsInView().isEmpty());
+    }
     QTreeView::paintEvent(event);
     if (const QString text = tree()->emptyText(); !text.isEmpty()) {
         QPainter painter(viewport());
@@ -274,10 +189,10 @@ void SidebarTreeView::mousePressEvent(QMouseEvent *event)
     const QModelIndex index = indexAt(event->pos());
     m_pressedSelected = QPersistentModelIndex();
     if (index.isValid() && event->button() == Qt::LeftButton) {
-        const bool hasMenu = index.data(SidebarTreeModel::MenuRole).toBool();
-        const QRect menu = SidebarDelegate::labelMenuRect(visualRect(index));
-        if (hasMenu && menu.adjusted(-6, -6, 6, 6).contains(event->pos())) {
-            Q_EMIT labelMenuRequested(viewport()->mapToGlobal(menu.bottomLeft()));
+        const bool hasButton = !index.data(SidebarTreeModel::ButtonRole).toString().isEmpty();
+        const QRect button = SidebarDelegate::labelButtonRect(visualRect(index));
+        if (hasButton && button.adjusted(-6, -6, 6, 6).contains(event->pos())) {
+            Q_EMIT labelButtonPressed(index, viewport()->mapToGlobal(button.bottomLeft()));
             return;
         }
         const bool isTwisty =
@@ -427,6 +342,9 @@ QList<SidebarDropPlace> SidebarTreeView::placesAt(const QPoint &point) const
     }
     const ZQRef<ZQSidebarBaseItem> item = tree()->item(index);
     const SidebarDropPlace onto{item, -1};
+    if (ZQSidebarKind(item->kind()) == ZQSidebarKind::WatchedFoldersLabel) {
+        return {onto}; // beside it there is nothing that files could go to
+    }
     const SidebarDropPlace before{tree()->item(index.parent()), index.row()};
     const bool isOpen = isExpanded(index) && model()->rowCount(index) > 0;
     const SidebarDropPlace after =

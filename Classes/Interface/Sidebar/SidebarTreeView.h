@@ -1,27 +1,10 @@
 #pragma once
 
+#include "Classes/Interface/Sidebar/SidebarDelegate.h"
 #include "Classes/Interface/Sidebar/SidebarTreeModel.h"
+#include "Kit/Widgets/ZQTurningSign.h"
 
-#include <QStyledItemDelegate>
 #include <QTreeView>
-
-// Draws the rows of the sidebar: section heads, icons, titles and badges.
-class SidebarDelegate : public QStyledItemDelegate
-{
-    Q_OBJECT
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
-    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
-                              const QModelIndex &index) const override;
-
-    static int titleLeft(const QRect &row, const QModelIndex &index);
-    static QRect twistyRect(const QRect &row, const QModelIndex &index);
-    static QRect labelMenuRect(const QRect &row); // of a section head with a menu
-};
 
 // A place in the tree where a drag may end.
 struct SidebarDropPlace
@@ -44,7 +27,16 @@ public:
     // The rows that can be selected beside those that are: below the last of them, then above the first; the nearest
     // first, of each side a few.
     QList<ZQObjectID> neighboursOfSelection() const;
+    // What is on top, so that it can be there again after the rows were read anew.
+    struct TopRow
+    {
+        ZQObjectID item; // null: the first row is, and stays
+        int top = 0;     // in the viewport
+    };
+    TopRow topRow() const;
+    void keepOnTop(const TopRow &row);
     SidebarTreeModel *tree() const { return static_cast<SidebarTreeModel *>(model()); }
+    const ZQTurningSign &turningSign() const { return m_turningSign; } // of rows that are being synchronised
 
     std::function<Qt::DropAction(const QMimeData *, const SidebarDropPlace &)> validateDrop;
     std::function<bool(const QMimeData *, const SidebarDropPlace &)> acceptDrop;
@@ -53,12 +45,13 @@ public:
     std::function<QMimeData *(const QModelIndexList &)> makeDrag;
 
 Q_SIGNALS:
-    void labelMenuRequested(const QPoint &globalPoint); // of a section head that has one
+    void labelButtonPressed(const QModelIndex &label, const QPoint &globalPoint); // below the button
 
 protected:
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &options, const QModelIndex &index) const override;
     void paintEvent(QPaintEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
@@ -78,6 +71,8 @@ private:
     bool choosePlace(const QMimeData *data, const QPoint &point, SidebarDropPlace &place, Qt::DropAction &action) const;
     void showPlace(const SidebarDropPlace *place);
     void paintDropHint(QPainter &painter) const;
+    QRegion signsInView() const;
+    void turnSigns();
     QPixmap dragPicture(const QModelIndexList &dragged) const;
 
     QPersistentModelIndex m_pressedSelected; // a click on it edits its title
@@ -85,4 +80,5 @@ private:
     QRect m_dropRow;                         // lit up
     QRect m_dropLine;                        // insertion mark
     QString m_dropHint;
+    ZQTurningSign m_turningSign;
 };

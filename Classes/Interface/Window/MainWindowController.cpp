@@ -3,16 +3,21 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/FileTagReader.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
+#include "Classes/Editing/LiveFolderEdits.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
+#include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 #include "Classes/Interface/Sheets/Sheet.h"
+#include "Classes/Interface/Sidebar/LiveFolderActions.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/TextFields.h"
 #include "Classes/Interface/Window/ArrivedItems.h"
 #include "Classes/Interface/Window/ImportActions.h"
+#include "Classes/Interface/Window/LiveFolderProgress.h"
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
 #include "Classes/Interface/Window/SavedSearchActions.h"
@@ -64,20 +69,32 @@ QFrame *hairline(QWidget *parent)
     return line;
 }
 
+std::unique_ptr<LiveFolderStates> statesOf(tamberin_AppDelegate &delegate)
+{
+    LiveFolderManaging *const manager = delegate.liveFolderManager();
+    return manager ? std::make_unique<LiveFolderStates>(*manager, *delegate.managedObjectContext()) : nullptr;
+}
+
 } // namespace
 
 MainWindowController::MainWindowController(WindowUserInteraction &user)
     : m_user(user), m_delegate(tamberin_AppDelegate::sharedDelegate()),
       m_fetcher(std::make_unique<ContentFetcher>(m_delegate->persistentStoreCoordinator())),
+      m_liveFolders(statesOf(*m_delegate)),
       m_window(new WindowContext{{*m_delegate->managedObjectContext(), user, m_delegate->editQueue(),
                                   [this] {
                                       m_delegate->saveAction();
                                       return true; // what could not be saved stays, and is saved with what comes
                                   },
                                   &m_undoStack},
-                                 *m_fetcher}),
+                                 *m_fetcher,
+                                 m_liveFolders.get()}),
       m_mainWindow(std::make_unique<MainWindow>())
 {
+    m_window->liveFolderManager = m_delegate->liveFolderManager();
+    ImportDoor::setWatchedFolderCopy([this](const QStringList &paths, const ZQObjectID &folder) {
+        LiveFolderEdits(*m_window).copyFiles(paths, folder);
+    });
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
     index->follow(m_window->context);
     m_fetcher->setIndex(index);
@@ -109,6 +126,10 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
         *m_window, m_user, *m_sidebar, *m_browser, [this] { m_toolbar->search().clear(); }, m_mainWindow.get());
     connect(m_arrived, &ArrivedItems::lastImportChanged, this, &MainWindowController::updateCommands);
     makeCommands();
+    if (m_liveFolders) {
+        new LiveFolderProgress(*m_window, m_mainWindow.get());
+        connect(m_liveFolders.get(), &LiveFolderStates::changed, this, &MainWindowController::updateCommands);
+    }
     m_user.setPlaces({m_mainWindow.get(), m_browser, m_sidebar, m_sidebar->progressLayout()});
     readFileTags();
     TextFields::yieldKeys(m_mainWindow.get());
@@ -132,6 +153,7 @@ void MainWindowController::startAfterFirstScreen(LibraryIndex &index)
 
 MainWindowController::~MainWindowController()
 {
+    ImportDoor::setWatchedFolderCopy({});
     m_window->editQueue.cancelAllOperations();
     m_window->editQueue.waitUntilAllOperationsAreFinished();
     m_user.setPlaces({});
@@ -193,6 +215,8 @@ void MainWindowController::makeCommands()
     connect(m_sidebar, &ProjectsSidebarViewController::sideChanged, m_toolbar, &MainToolbar::showAdds);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(&m_browser->emptyState(), &EmptyState::importRequested, this, [this] { m_imports->importWithDialog(); });
+    connect(&m_browser->emptyState(), &EmptyState::enableRequested, this,
+            [this] { m_sidebar->liveFolders().setEnabled({m_browser->content().singleItem()}, true); });
     connect(&m_browser->emptyState(), &EmptyState::everythingRequested, &m_toolbar->search(), &QLineEdit::clear);
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);

@@ -17,6 +17,7 @@ class BrowserViewController;
 class ImportActions;
 class InfoPanelViewController;
 class LibraryIndex;
+class LiveFolderStates;
 class MainToolbar;
 class MainWindow;
 class PreferencesFollower;
@@ -91,6 +92,7 @@ private:
     tamberin_AppDelegate *m_delegate;
     QUndoStack m_undoStack;
     std::unique_ptr<ContentFetcher> m_fetcher;
+    std::unique_ptr<LiveFolderStates> m_liveFolders; // null: nobody keeps live folders in step
     std::unique_ptr<WindowContext> m_window;
     std::unique_ptr<MainWindow> m_mainWindow;
     std::unique_ptr<ImportActions> m_imports;

@@ -25,8 +25,9 @@ const std::vector<MenuPlan> &menuPlans()
     using enum CommandID;
     static const std::vector<MenuPlan> plans = {
         {"File",
-         {NewProject, NewFolder, NewTag, separator, Import, LastImport, separator, NewTab, CloseTab, ReopenClosedTab,
-          separator, NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator, Quit}},
+         {NewProject, NewFolder, NewTag, AddLiveFolder, SyncLiveFolder, separator, Import, LastImport, separator,
+          NewTab, CloseTab, ReopenClosedTab, separator, NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles,
+          separator, Quit}},
         {"Edit",
          {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
           Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,
@@ -85,6 +86,16 @@ QMenu *WindowCommands::makeRatingMenu(QWidget *parent)
     return menu;
 }
 
+QMenu *WindowCommands::makeLiveFolderMenu(QWidget *parent)
+{
+    auto *menu = new QMenu(zqLocalized("Live Folder"), parent);
+    menu->setObjectName(QStringLiteral("Live Folder"));
+    for (int id = int(CommandID::SyncLiveFolder); id <= int(CommandID::RevealLiveFolder); ++id) {
+        menu->addAction(action(CommandID(id)));
+    }
+    return menu;
+}
+
 QMenu *WindowCommands::makeTabMenu(QWidget *parent)
 {
     auto *menu = new QMenu(zqLocalized("Go to Tab"), parent);
@@ -122,6 +133,8 @@ QMenu *WindowCommands::makeMenus(QWidget *parent)
         for (const Entry &entry : plan.entries) {
             if (!entry) {
                 menu->addSeparator();
+            } else if (*entry == CommandID::SyncLiveFolder) {
+                menu->addMenu(makeLiveFolderMenu(menu));
             } else if (*entry == CommandID::Rate0) {
                 menu->addMenu(makeRatingMenu(menu));
             } else if (*entry == CommandID::SelectTab1) {

@@ -29,6 +29,7 @@ public:
 
 private:
     QMenu *makeRatingMenu(QWidget *parent);
+    QMenu *makeLiveFolderMenu(QWidget *parent);
     QMenu *makeTabMenu(QWidget *parent);
     QMenu *makeOrderMenu(CommandID first, QWidget *parent); // to group, or to sort
 

@@ -68,7 +68,7 @@ protected:
     Rows allRows(const QList<Item> &selection, BrowserDisplayStyle style, ZQSortValue sort, bool ascending);
     static void sortByItems(Rows &rows, ZQSortValue sort, bool ascending);
     QString expected(const QList<Item> &selection, ContentQuery query);
-    QString found(const ContentQuery &query);
+    QString found(const ContentQuery &query, LibraryIndex *with = nullptr);
 
     QList<Item> places; // what can be selected
     QList<Image> images;
@@ -275,10 +275,10 @@ QString ContentGroupsTest::expected(const QList<Item> &selection, ContentQuery q
     return text;
 }
 
-QString ContentGroupsTest::found(const ContentQuery &query)
+QString ContentGroupsTest::found(const ContentQuery &query, LibraryIndex *with)
 {
     ZQManagedObjectContext context(library.coordinator());
-    const auto content = ContentBuilder(query, context).content([] { return true; });
+    const auto content = ContentBuilder(query, context, with).content([] { return true; });
     if (!content || !content->error.isNull()) {
         return QStringLiteral("error");
     }
@@ -335,6 +335,43 @@ TEST_F(ContentGroupsTest, EverySelectionStyleAndOrderIsAsThePlainWayHasIt)
         longest = std::max(longest, plain.size());
     }
     EXPECT_GT(longest, 300) << "there was something to show";
+}
+
+TEST_F(ContentGroupsTest, FoldersOfALiveFolderAreListedByTheIndexAsByTheStore)
+{
+    std::mt19937 random(7);
+    populate(random);
+    const Item live = places[6];
+    ASSERT_EQ(live->title(), QStringLiteral("Live"));
+    for (const char *name : {"2024", "2025"}) {
+        const Item year = add<ZQSidebarWatchedFolder>(QLatin1StringView(name), live);
+        const Item raw = add<ZQSidebarWatchedFolder>(QStringLiteral("raw"), year);
+        add<ZQSidebarWatchedFolder>(QStringLiteral("empty"), raw);
+        for (qsizetype i = random() % 3; i < images.size(); i += 3) {
+            (random() % 2 == 0 ? year : raw)->addItem(images[i].get());
+        }
+    }
+    library.context().save();
+    LibraryIndex index(library.coordinator());
+    index.follow(library.context());
+    ASSERT_TRUE(index.waitUntilOrdered());
+    for (const char *filter : {"", "B", "#ext png OR #ext svg"}) {
+        for (int sort = 0; sort < 8; ++sort) {
+            const ContentQuery query{.sidebarItems = {places.first()->objectID(), live->objectID()},
+                                     .filter = QString::fromLatin1(filter),
+                                     .sortValue = ZQSortValue(sort),
+                                     .isAscending = sort % 2 == 0,
+                                     .displayStyle = BrowserDisplayStyle::BySidebarItem};
+            const QString byStore = found(query);
+            EXPECT_EQ(found(query, &index).toStdString(), byStore.toStdString()) << filter << " sort " << sort;
+            if (!*filter) {
+                EXPECT_TRUE(byStore.contains(QStringLiteral("\nLive / 2024 / raw ")));
+                EXPECT_TRUE(byStore.contains(QStringLiteral("\nLive / 2025 / raw ")));
+                EXPECT_TRUE(byStore.contains(QStringLiteral("\n2025 "))) << "which is told apart as it is";
+                EXPECT_FALSE(byStore.contains(QStringLiteral("empty")));
+            }
+        }
+    }
 }
 
 TEST_F(ContentGroupsTest, ExtensionsAreOrderedAsWordsWhoeverAnswers)

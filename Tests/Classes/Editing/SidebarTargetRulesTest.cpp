@@ -74,6 +74,20 @@ TEST_F(SidebarTargetRulesTest, FilesMakeAProjectBetweenRowsAndBelowThem)
     EXPECT_FALSE(SidebarTargetRules::filesMakeProject({}, nullptr, -1)) << "nothing of use";
 }
 
+TEST_F(SidebarTargetRulesTest, FoldersMakeLiveFoldersAmongThem)
+{
+    const auto makes = [](const SidebarTargetRules::Files &files, const Item &target) {
+        return SidebarTargetRules::foldersMakeLiveFolders(files, target.get());
+    };
+    const Item label = special(ZQSidebarKind::WatchedFoldersLabel);
+    EXPECT_TRUE(makes({.hasFolder = true}, label));
+    EXPECT_TRUE(makes({.hasSupported = true, .hasFolder = true}, label)) << "the files are left out";
+    EXPECT_FALSE(makes({.hasSupported = true}, label));
+    EXPECT_FALSE(makes({.hasFolder = true}, add<ZQSidebarWatchedFolder>(QStringLiteral("Live"), label)));
+    EXPECT_FALSE(makes({.hasFolder = true}, projects));
+    EXPECT_FALSE(makes({.hasFolder = true}, {}));
+}
+
 TEST_F(SidebarTargetRulesTest, RowsAreMovedByNineRules)
 {
     const Item a = addProject(QStringLiteral("A"));

@@ -1,4 +1,5 @@
 #include "Models/DataModel/_ZQEntities.h"
+#include "Tests/Support/ScratchMount.h"
 
 #include <QCoreApplication>
 
@@ -6,6 +7,7 @@
 
 int main(int argc, char **argv)
 {
+    ScratchMount::useOwnMounts();
     testing::InitGoogleTest(&argc, argv);
     const QCoreApplication application(argc, argv);
     zqRegisterEntities();

@@ -3,6 +3,7 @@
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 #include "Tests/Support/DamagedStore.h"
 
@@ -122,6 +123,19 @@ TEST_F(ImportSafetyTest, DiscardedDuplicatesOfSavedChunksGoOnlyWithTheirRows)
         }
     }
     ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("UseAutoTagging"));
+}
+
+TEST_F(ImportSafetyTest, AFileOfALiveFolderStaysWhereverThatLies)
+{
+    const QString place = path(QStringLiteral("ZeltoTemporaryFolder/pictures"));
+    const QString own = writeImage(QStringLiteral("ZeltoTemporaryFolder/pictures/deep/own.png"), {20, 20});
+    const QString moved = writeImage(QStringLiteral("ZeltoTemporaryFolder/pictures2/moved.png"), {21, 20});
+    const auto root = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(place, context());
+    root->setIs_root(true);
+    ASSERT_TRUE(context().save());
+    ASSERT_EQ(import({own, moved})->report().imported().size(), 2);
+    EXPECT_TRUE(QFileInfo::exists(own));
+    EXPECT_FALSE(QFileInfo::exists(moved));
 }
 
 TEST_F(ImportSafetyTest, OnlyWhatBecameAnItemLeavesTheTemporaryFolder)

@@ -434,6 +434,7 @@ TEST_F(ArrivalsTest, WhereNothingIsTheWayOnIsAButton)
     const auto live = zqCast<ZQSidebarWatchedFolder>(
         add<ZQSidebarWatchedFolder>(QStringLiteral("Live"), special(ZQSidebarKind::WatchedFoldersLabel)));
     live->setFolderPath(world.filePath(QStringLiteral("not there")));
+    live->setIs_missing(true);
     delegate->saveAction();
     settle();
     show(live);

@@ -52,6 +52,7 @@ void MainWindowFixture::SetUp()
     ApplicationParts parts;
     parts.userInteraction = &person;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.liveFolderManager = liveFolderManager;
     delegate = std::make_unique<tamberin_AppDelegate>(parts);
     delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
     ZQError error;

@@ -100,6 +100,7 @@ protected:
 
     UserWorld world{"window"};
     Person person;
+    LiveFolderManaging *liveFolderManager = nullptr; // of the application, before it is set up; null: none
     std::unique_ptr<tamberin_AppDelegate> delegate;
     std::unique_ptr<MainWindowController> controller;
     Item projects;

@@ -14,10 +14,10 @@
 TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
 {
     EXPECT_EQ(commandsOf(menuOf("File")),
-              QStringLiteral(
-                  "New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\n-\n"
-                  "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
-                  "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
+              QStringLiteral("New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nAdd Live Folder…\nLive "
+                             "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\n-\n"
+                             "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
+                             "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
     EXPECT_EQ(
         commandsOf(menuOf("Edit")),
         QStringLiteral("Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"

@@ -84,7 +84,7 @@ TEST_F(SidebarTagsTest, TagsAreOrderedByHandOrByTitleAndItIsKept)
     });
     ASSERT_NE(byHand, byTitle);
     const Item label = special(ZQSidebarKind::TagsLabel);
-    const QPoint head = SidebarDelegate::labelMenuRect(rowOf(label)).center();
+    const QPoint head = SidebarDelegate::labelButtonRect(rowOf(label)).center();
     whenMenuOpens(QStringLiteral("Sort by Title"));
     QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, head);
     EXPECT_TRUE(waitFor([&] { return rows() == byTitle; })) << rows().join(u' ').toStdString();

@@ -1,0 +1,105 @@
+#include "Classes/Editing/ArrivedFiles.h"
+
+#include "Classes/Editing/FileProblems.h"
+#include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQTrash.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace {
+
+// What cannot be taken from its place need not be copied.
+bool canLeave(const QString &path, ZQError *error)
+{
+    const QString folder = QFileInfo(path).path();
+    if (::access(QFile::encodeName(folder).constData(), W_OK) == 0) {
+        return true;
+    }
+    zqSetError(error, ZQError::posix(errno, folder));
+    return false;
+}
+
+} // namespace
+
+ArrivedFiles::ArrivedFiles(std::function<bool()> isCancelled) : m_isCancelled(std::move(isCancelled)) {}
+
+QString ArrivedFiles::copy(const QString &from, const QString &folder, const QString &name, ZQError *error)
+{
+    ZQTreeState state;
+    const auto put = [&](const QString &path, ZQError *failure) {
+        const ZQOwnChange own(path);
+        const auto copy = ZQVerifiedCopy::make(from, path, failure, m_isCancelled);
+        if (copy) {
+            state = copy->state();
+        }
+        return copy.has_value();
+    };
+    const QString to = zqUnderFreeName(folder, name, put, error);
+    if (!to.isEmpty()) {
+        m_copied.append({{}, to, state});
+    }
+    return to;
+}
+
+QString ArrivedFiles::move(const QString &from, const QString &folder, const QString &name, ZQError *error)
+{
+    ZQError problem;
+    QString to = zqUnderFreeName(
+        folder, name, [&from](const QString &path, ZQError *failure) { return zqMoveNoted(from, path, failure); },
+        &problem);
+    if (!to.isEmpty()) {
+        m_renamed.add(from, to);
+        return to;
+    }
+    if (problem.domain != ZQError::posixDomain || problem.code != EXDEV) {
+        zqSetError(error, problem);
+        return {};
+    }
+    to = canLeave(from, error) ? copy(from, folder, name, error) : QString();
+    if (!to.isEmpty()) {
+        m_copied.last().from = from;
+    }
+    return to;
+}
+
+void ArrivedFiles::takeBack()
+{
+    m_renamed.takeBack();
+    for (const Copied &copied : std::as_const(m_copied)) {
+        ZQError error;
+        if (!ZQTrash::recycle(copied.to, nullptr, &error)) {
+            qCWarning(zqLogFiles, "the copy %s stays: %s", qUtf8Printable(copied.to),
+                      qUtf8Printable(error.localizedDescription()));
+        }
+    }
+    m_copied.clear();
+}
+
+void ArrivedFiles::removeSources(FileProblems &problems)
+{
+    for (const Copied &copied : std::as_const(m_copied)) {
+        if (copied.from.isEmpty()) {
+            continue;
+        }
+        ZQError error;
+        if (ZQTreeState::of(copied.from) != copied.state) {
+            error = ZQError::with(
+                ZQError::posixDomain, EBUSY,
+                zqFormat(zqLocalized("“%@” was changed while it was moved, so it stays, too."), {copied.from}));
+        } else {
+            ZQTrash::recycle(copied.from, nullptr, &error);
+        }
+        if (!error.isNull()) {
+            problems.add(QFileInfo(copied.from).fileName(), error);
+        }
+    }
+    m_copied.clear();
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Kit/Files/ZQOwnMove.h"
+#include "Kit/Files/ZQVerifiedCopy.h"
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+
+class FileProblems;
+
+// People's files that one batch of a change puts into folders of theirs. Until the store was saved all of it can be
+// taken back, and no file is gone from where it was unless it was renamed. Of one thread at a time.
+class ArrivedFiles
+{
+public:
+    explicit ArrivedFiles(std::function<bool()> isCancelled = {});
+
+    // To the folder, under that name or, where it is taken, a numbered one. Where the file is then; empty after an
+    // error, with the file where it was.
+    QString move(const QString &from, const QString &folder, const QString &name, ZQError *error);
+    QString copy(const QString &from, const QString &folder, const QString &name, ZQError *error);
+    ZQOwnMoves &renamed() { return m_renamed; } // by others than these, for the same batch
+
+    // The store does not know of them.
+    void takeBack();
+    // The store knows: what had to be copied to be moved goes to the trash at its old place, unless it changed since.
+    void removeSources(FileProblems &problems);
+
+private:
+    struct Copied
+    {
+        QString from; // to be removed; empty: it stays
+        QString to;
+        ZQTreeState state;
+    };
+    std::function<bool()> m_isCancelled;
+    ZQOwnMoves m_renamed;
+    QList<Copied> m_copied;
+};

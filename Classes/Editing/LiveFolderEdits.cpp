@@ -1,0 +1,298 @@
+#include "Classes/Editing/LiveFolderEdits.h"
+
+#include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Editing/ArrivedFiles.h"
+#include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/FileCopies.h"
+#include "Classes/Editing/FileProblems.h"
+#include "Classes/Editing/ItemDeletion.h"
+#include "Classes/Editing/LiveFolderPlace.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace {
+
+using IDs = QList<ZQObjectID>;
+using Folder = ZQRef<ZQSidebarWatchedFolder>;
+
+constexpr qsizetype filesPerBatch = 16;   // copied before a save names them
+constexpr qint64 bytesPerRow = 8LL << 20; // copying so much takes about as long as a small file
+
+bool isOfLiveFolder(const ZQLibraryBaseItem &item)
+{
+    return !item.managed() && item.hasWatchingFolder();
+}
+
+// What came into a folder by one step, and where it was.
+struct Arrived
+{
+    ZQObjectID item;       // in the folder now
+    ZQObjectID fromFolder; // null for a copy
+    QString fromPath;      // of its file
+};
+
+struct Transfer
+{
+    IDs items;                        // as they were dragged
+    QList<Arrived> arrived;           // and not taken back
+    QHash<qint64, ZQObjectID> copies; // that were made, by their original's key
+};
+
+// One way of a step, a batch at a time; each is safe on the disk before the store names it, and taken back there when
+// the store could not be saved.
+class TransferPass
+{
+public:
+    TransferPass(EditRun &run, Transfer &transfer) : m_run(run), m_transfer(transfer) {}
+
+    void bring(const Folder &folder)
+    {
+        const QString place = folder->folderURL();
+        m_run.inBatches(zqLocalized("Copying items…"), m_transfer.items.size(), [&](qsizetype first, qsizetype size) {
+            begin();
+            const auto batch = ZQLibraryBaseItem::itemsWithIDs(m_transfer.items.mid(first, size), m_run.context());
+            ZQLibraryBaseItem::lookForFiles(batch);
+            for (const auto &item : batch) {
+                if (item->active() && !stops()) {
+                    isOfLiveFolder(*item) ? bringOver(item, folder, place) : bringCopy(item, folder, place);
+                }
+            }
+            return save() && !stops();
+        });
+        m_problems.tell(m_run, "“%@” cannot be put into the live folder.",
+                        "%d items cannot be put into the live folder.");
+    }
+
+    void takeBack()
+    {
+        QList<Arrived> todo = std::exchange(m_transfer.arrived, {});
+        QList<Arrived> kept;
+        m_run.inBatches(zqLocalized("Moving items back…"), todo.size(), [&](qsizetype, qsizetype size) {
+            begin();
+            QList<Arrived> left;
+            const QList<Arrived> batch = todo.last(size);
+            for (auto each = batch.crbegin(); each != batch.crend(); ++each) {
+                if (stops() || !takeBack(*each)) {
+                    left.prepend(*each);
+                }
+            }
+            if (!save()) {
+                return false;
+            }
+            todo.resize(todo.size() - size);
+            kept = left + kept;
+            return !stops();
+        });
+        m_transfer.arrived = todo + kept;
+        m_problems.tell(m_run, "“%@” cannot be moved back.", "%d items cannot be moved back.");
+    }
+
+private:
+    struct Change
+    {
+        ZQRef<ZQLibraryBaseItem> item;
+        std::optional<Arrived> arrived; // without the item, which has its identifier once it is saved
+        std::optional<qint64> copyOf;
+    };
+
+    bool stops() const { return m_problems.endChange() || m_run.isCancelled(); }
+    void begin()
+    {
+        m_files = ArrivedFiles([this] { return m_run.isCancelled(); });
+        m_changes.clear();
+    }
+    // A person's file goes from its old place only once the store says where it is.
+    bool save()
+    {
+        if (!m_run.save()) {
+            m_files.takeBack();
+            return false;
+        }
+        if (!m_run.context().hasChanges()) { // else they are kept to be saved with what comes
+            m_files.removeSources(m_problems);
+        }
+        for (const Change &change : std::as_const(m_changes)) {
+            const ZQObjectID id = change.item->objectID();
+            if (change.arrived) {
+                m_transfer.arrived.append({id, change.arrived->fromFolder, change.arrived->fromPath});
+            }
+            if (change.copyOf) {
+                m_transfer.copies.insert(*change.copyOf, id);
+            }
+            m_run.didBring({id});
+            change.item->writeOpenMetaToDisk(); // what was on its way to the file where it was
+        }
+        return true;
+    }
+
+    bool moveFile(const ZQRef<ZQLibraryBaseItem> &item, const QString &from, const Folder &folder, const QString &place,
+                  const QString &name)
+    {
+        ZQError error = ZQError::posix(ENOENT, item->title());
+        const QString to = from.isEmpty() ? QString() : m_files.move(from, place, name, &error);
+        if (to.isEmpty()) {
+            m_problems.add(item->title(), error);
+            return false;
+        }
+        item->setWatchingFolder(folder.get());
+        item->updateFileURLsForURL(to);
+        return true;
+    }
+    void bringOver(const ZQRef<ZQLibraryBaseItem> &item, const Folder &folder, const QString &place)
+    {
+        const auto before = item->watchingFolder();
+        const QString from = before == folder ? QString() : item->findItemURL();
+        if (before != folder && moveFile(item, from, folder, place, QFileInfo(from).fileName())) {
+            m_changes.append({item, Arrived{{}, before->objectID(), from}, {}});
+        }
+    }
+    bool takeBack(const Arrived &arrived)
+    {
+        const auto item = zqCast<ZQLibraryBaseItem>(m_run.context().existingObjectWithID(arrived.item));
+        if (!item || !item->active()) {
+            return true; // somebody deleted it since
+        }
+        return arrived.fromFolder.isNull() ? zqDeleteItem(*item, m_files.renamed(), m_problems)
+                                           : moveBack(item, arrived);
+    }
+    bool moveBack(const ZQRef<ZQLibraryBaseItem> &item, const Arrived &arrived)
+    {
+        const QFileInfo from(arrived.fromPath);
+        const auto folder = zqCast<ZQSidebarWatchedFolder>(m_run.context().existingObjectWithID(arrived.fromFolder));
+        if (!folder || !QFileInfo(from.path()).isDir()) {
+            m_problems.add(item->title(), ZQError::posix(ENOENT, from.path()));
+            return false;
+        }
+        const bool isMoved = moveFile(item, item->findItemURL(), folder, from.path(), from.fileName());
+        if (isMoved) {
+            m_changes.append({item, {}, {}});
+        }
+        return isMoved;
+    }
+    void bringCopy(const ZQRef<ZQLibraryBaseItem> &item, const Folder &folder, const QString &place)
+    {
+        const qint64 key = item->objectID().key;
+        const auto known = m_transfer.copies.constFind(key);
+        auto copy = known == m_transfer.copies.cend()
+                        ? ZQRef<ZQLibraryBaseItem>()
+                        : zqCast<ZQLibraryBaseItem>(m_run.context().existingObjectWithID(*known));
+        if (copy) {
+            if (copy->active() || !zqRestoreItem(*copy, m_files.renamed(), m_problems)) {
+                return;
+            }
+        } else {
+            ZQError error = ZQError::posix(ENOENT, item->title());
+            const QString from = item->findItemURL();
+            const QString to = from.isEmpty() ? from : m_files.copy(from, place, QFileInfo(from).fileName(), &error);
+            copy = to.isEmpty() ? copy : item->duplicateForWatchedFolder(folder.get(), to);
+            if (!copy) {
+                m_problems.add(item->title(), error);
+                return;
+            }
+        }
+        m_changes.append({copy, Arrived(), key});
+    }
+
+    EditRun &m_run;
+    Transfer &m_transfer;
+    FileProblems m_problems;
+    ArrivedFiles m_files;
+    QList<Change> m_changes;
+};
+
+dev_t deviceOf(const QString &path)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_dev : 0;
+}
+
+// How much there is to do, and how much of that may be done at once.
+EditSize sizeOf(EditContext &edits, const IDs &items, const ZQObjectID &into)
+{
+    const auto folder = zqCast<ZQSidebarWatchedFolder>(edits.sidebarItem(into));
+    const dev_t device = folder ? deviceOf(folder->folderURL()) : 0;
+    QHash<qint64, bool> isCopiedFrom; // by live folder
+    qint64 bytes = 0;
+    bool isCopied = items.size() > LiveFolderEdits::mostAtOnce;
+    for (qsizetype i = 0; i < items.size() && items.size() <= LiveFolderEdits::mostAtOnce; ++i) {
+        const auto item = edits.libraryItem(items[i]);
+        const auto from = item && isOfLiveFolder(*item) ? item->watchingFolder() : Folder();
+        if (from && !isCopiedFrom.contains(from->objectID().key)) {
+            isCopiedFrom.insert(from->objectID().key, deviceOf(from->folderURL()) != device);
+        }
+        if (item && (!from || isCopiedFrom.value(from->objectID().key))) {
+            isCopied = true;
+            bytes += QFileInfo(item->findItemURL()).size();
+        }
+    }
+    const qint64 rows = std::max<qint64>(items.size(), bytes / bytesPerRow);
+    return {rows, isCopied ? 0 : LiveFolderEdits::mostAtOnce, filesPerBatch};
+}
+
+} // namespace
+
+void LiveFolderEdits::moveLibraryItems(const QList<ZQObjectID> &items, const ZQObjectID &intoFolder)
+{
+    if (items.isEmpty()) {
+        return;
+    }
+    const auto transfer = std::make_shared<Transfer>(Transfer{items, {}, {}});
+    const EditPass redo{[transfer, intoFolder](EditRun &run) {
+                            if (const Folder folder = zqFolderForFiles(run, intoFolder)) {
+                                TransferPass(run, *transfer).bring(folder);
+                            }
+                            return !transfer->arrived.isEmpty();
+                        },
+                        zqLocalized("Copying items…")};
+    const EditPass undo{[transfer](EditRun &run) {
+                            TransferPass(run, *transfer).takeBack();
+                            return true;
+                        },
+                        zqLocalized("Moving items back…")};
+    zqPushEdit(m_edits, zqLocalized("copy items"), sizeOf(m_edits, items, intoFolder), redo, undo);
+}
+
+void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &intoWatchedFolder)
+{
+    if (paths.isEmpty()) {
+        return;
+    }
+    qint64 bytes = 0;
+    for (const QString &path : paths) {
+        const QFileInfo info(path);
+        bytes += info.isDir() ? bytesPerRow * (filesPerBatch + 1) : info.size(); // a folder may hold anything
+    }
+    const auto copies = std::make_shared<FileCopies>(paths, intoWatchedFolder);
+    const auto synchronise = [manager = m_edits.liveFolderManager, intoWatchedFolder] {
+        if (manager) {
+            zqOnMainThread([manager, intoWatchedFolder] { manager->syncWatchedFolder(intoWatchedFolder, true); });
+        }
+    };
+    const EditPass redo{[copies, synchronise](EditRun &run) {
+                            const bool isDone = copies->copyFiles(run);
+                            synchronise();
+                            return isDone;
+                        },
+                        zqLocalized("Copying files…")};
+    const EditPass undo{[copies, synchronise](EditRun &run) {
+                            copies->deleteFiles(run);
+                            synchronise();
+                            return true;
+                        },
+                        zqLocalized("Deleting files…")};
+    const qint64 rows = std::max<qint64>(paths.size(), bytes / bytesPerRow);
+    zqPushEdit(m_edits, zqLocalized("copy files"), {rows, 0, filesPerBatch}, redo, undo);
+}

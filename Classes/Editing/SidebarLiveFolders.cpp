@@ -1,0 +1,128 @@
+// The commands on the rows of live folders.
+
+#include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/SidebarCommands.h"
+#include "Classes/Editing/SidebarRemoval.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <memory>
+#include <utility>
+
+namespace {
+
+using Folder = ZQRef<ZQSidebarWatchedFolder>;
+using IDs = QList<ZQObjectID>;
+
+Folder liveFolder(const EditContext &edits, const ZQObjectID &id)
+{
+    auto folder = zqCast<ZQSidebarWatchedFolder>(edits.sidebarItem(id));
+    return folder && folder->active() ? folder : Folder();
+}
+
+bool isAway(const ZQSidebarWatchedFolder &folder)
+{
+    return folder.is_missing() || folder.is_trashed();
+}
+
+// Folders that one step enables or disables, with those below them that were the other way: these are so again when it
+// is taken back.
+class Enabling
+{
+public:
+    Enabling(EditContext &edits, IDs folders, bool enabled, LiveFolderManaging &manager)
+        : m_edits(edits), m_manager(manager), m_folders(std::move(folders)), m_isEnabled(enabled)
+    {
+    }
+    bool isAnythingToDo() const { return !m_folders.isEmpty(); }
+
+    void apply()
+    {
+        m_asNow.clear();
+        for (const ZQObjectID &id : std::as_const(m_folders)) {
+            const Folder folder = liveFolder(m_edits, id);
+            for (const Folder &below : folder ? folder->orderedChildrenAndSubChildren() : QList<Folder>()) {
+                if (below->is_enabled() == m_isEnabled) {
+                    m_asNow.append(below->objectID());
+                }
+            }
+            set(id, m_isEnabled);
+        }
+        save();
+    }
+    void takeBack()
+    {
+        for (const ZQObjectID &id : std::as_const(m_folders)) {
+            set(id, !m_isEnabled);
+        }
+        for (const ZQObjectID &id : std::as_const(m_asNow)) { // a folder before those below it
+            set(id, m_isEnabled);
+        }
+        save();
+    }
+
+private:
+    void set(const ZQObjectID &id, bool enabled) const
+    {
+        if (const Folder folder = liveFolder(m_edits, id); folder && !isAway(*folder)) {
+            enabled ? folder->reActivateFolder() : folder->deactivateFolder();
+        }
+    }
+    void save() const
+    {
+        m_edits.save();
+        m_manager.watchedFoldersDidChange(m_folders);
+    }
+
+    EditContext &m_edits;
+    LiveFolderManaging &m_manager;
+    IDs m_folders;
+    IDs m_asNow;
+    bool m_isEnabled;
+};
+
+} // namespace
+
+AddedLiveFolders SidebarCommands::addWatchedFolders(const QStringList &paths, quint32 atIndex,
+                                                    LiveFolderManaging &manager)
+{
+    AddedLiveFolders result = manager.addNewWatchFolderFromPaths(paths, atIndex);
+    if (result.added.isEmpty()) {
+        return result;
+    }
+    const Item first = m_edits.sidebarItem(result.added.first());
+    const QString text = result.added.size() == 1 && first ? first->title() : zqLocalized("add live folders");
+    const auto rows = std::make_shared<SidebarRemoval>(m_edits, result.added, &manager);
+    const auto isFirst = std::make_shared<bool>(true);
+    zqPushBlocks(
+        m_edits, text,
+        [rows, isFirst] {
+            if (!std::exchange(*isFirst, false)) {
+                rows->putBack();
+            }
+        },
+        [rows] { rows->remove(); });
+    return result;
+}
+
+void SidebarCommands::setWatchedFoldersEnabled(const Items &folders, bool enabled, LiveFolderManaging &manager)
+{
+    IDs ids;
+    QString title;
+    for (const Item &item : folders) {
+        const Folder folder = zqCast<ZQSidebarWatchedFolder>(item);
+        if (folder && folder->active() && !isAway(*folder) && folder->is_enabled() != enabled) {
+            ids.append(folder->objectID());
+            title = folder->title();
+        }
+    }
+    const auto enabling = std::make_shared<Enabling>(m_edits, ids, enabled, manager);
+    if (!enabling->isAnythingToDo()) {
+        return;
+    }
+    const QString one = enabled ? zqLocalized("enable %@") : zqLocalized("disable %@");
+    const QString several = enabled ? zqLocalized("enable live folders") : zqLocalized("disable live folders");
+    zqPushBlocks(
+        m_edits, ids.size() == 1 ? zqFormat(one, {title}) : several, [enabling] { enabling->apply(); },
+        [enabling] { enabling->takeBack(); });
+}

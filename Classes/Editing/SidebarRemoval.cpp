@@ -1,0 +1,125 @@
+#include "Classes/Editing/SidebarRemoval.h"
+
+#include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/ItemEdits.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using Item = ZQRef<ZQSidebarBaseItem>;
+
+void collectDescendants(const Item &item, QList<ZQObjectID> &into)
+{
+    into.append(item->objectID());
+    for (const Item &child : item->childsItems()) {
+        collectDescendants(child, into);
+    }
+}
+
+} // namespace
+
+SidebarPlace SidebarPlace::of(const Item &row)
+{
+    SidebarPlace place{row->objectID(), {}, 0};
+    if (const Item father = row->father()) {
+        place.father = father->objectID();
+        place.index = quint32(std::max<qsizetype>(0, father->orderedChildren().indexOf(row)));
+    }
+    return place;
+}
+
+void SidebarActivation::remove(const Item &row)
+{
+    if (row->isTag()) {
+        row->setActive(false);
+        add(row);
+        return;
+    }
+    row->deleteSelf();
+    if (row->isWatchedFolder()) {
+        m_liveFolders.append(row->objectID());
+    }
+}
+
+void SidebarActivation::restore(const Item &row)
+{
+    if (row->isTag()) {
+        row->setActive(true);
+        add(row);
+        return;
+    }
+    row->restoreSelf();
+    if (row->isWatchedFolder()) {
+        m_liveFolders.append(row->objectID());
+    }
+}
+
+void SidebarActivation::save()
+{
+    if (m_tagged.isEmpty()) {
+        m_edits.save();
+    } else {
+        ItemEdits(m_edits).saveAndRewriteFiles(m_tagged);
+    }
+    if (m_manager && !m_liveFolders.isEmpty()) {
+        m_manager->watchedFoldersDidChange(m_liveFolders);
+    }
+}
+
+void SidebarActivation::add(const Item &tag)
+{
+    for (const ZQObjectID &id : tag->relatedObjectIDs(QStringLiteral("taggedItems"))) {
+        if (!m_known.contains(id)) {
+            m_known.insert(id);
+            m_tagged.append(id);
+        }
+    }
+}
+
+void SidebarRemoval::remove()
+{
+    m_places.clear();
+    m_deleted.clear();
+    SidebarActivation activation(m_edits, m_manager);
+    for (auto id = m_rows.crbegin(); id != m_rows.crend(); ++id) {
+        const Item item = m_edits.sidebarItem(*id);
+        if (!item || !item->active()) {
+            continue;
+        }
+        QList<ZQObjectID> below;
+        collectDescendants(item, below);
+        m_places.append(SidebarPlace::of(item));
+        item->removeFromFather();
+        for (const ZQObjectID &each : std::as_const(below)) {
+            if (const Item lower = m_edits.sidebarItem(each); lower && lower->active()) {
+                activation.remove(lower);
+                m_deleted.append(each);
+            }
+        }
+    }
+    activation.save();
+}
+
+void SidebarRemoval::putBack()
+{
+    SidebarActivation activation(m_edits, m_manager);
+    for (auto id = m_deleted.crbegin(); id != m_deleted.crend(); ++id) {
+        if (const Item item = m_edits.sidebarItem(*id)) {
+            activation.restore(item);
+        }
+    }
+    QList<ZQObjectID> rows;
+    for (auto place = m_places.crbegin(); place != m_places.crend(); ++place) {
+        const Item item = m_edits.sidebarItem(place->row);
+        const Item father = m_edits.sidebarItem(place->father);
+        if (item && father) {
+            father->addChild(item.get(), place->index);
+            rows.append(place->row);
+        }
+    }
+    activation.save();
+    zqTellOfRows(m_edits, rows);
+}

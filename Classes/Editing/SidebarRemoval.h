@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Classes/Editing/EditContext.h"
+
+#include <QSet>
+
+#include <utility>
+
+// Where a row of the sidebar hangs, to hang it there again.
+struct SidebarPlace
+{
+    ZQObjectID row;
+    ZQObjectID father;
+    quint32 index = 0;
+
+    static SidebarPlace of(const ZQRef<ZQSidebarBaseItem> &row);
+};
+
+// Rows that are deleted or restored together. Files lose and get tags after the save, many beside the window; a tag's
+// own `deleteSelf` would write them at once. Who keeps live folders in step is told of theirs. Main thread.
+class SidebarActivation
+{
+public:
+    explicit SidebarActivation(EditContext &edits) : SidebarActivation(edits, edits.liveFolderManager) {}
+    SidebarActivation(EditContext &edits, LiveFolderManaging *manager) : m_edits(edits), m_manager(manager) {}
+    void remove(const ZQRef<ZQSidebarBaseItem> &row);
+    void restore(const ZQRef<ZQSidebarBaseItem> &row);
+    void save();
+
+private:
+    void add(const ZQRef<ZQSidebarBaseItem> &tag);
+
+    EditContext &m_edits;
+    LiveFolderManaging *m_manager; // null: nobody
+    QList<ZQObjectID> m_tagged;
+    QSet<ZQObjectID> m_known;
+    QList<ZQObjectID> m_liveFolders;
+};
+
+// Rows taken out of the sidebar with all below them, and put back where they hung. Each saves. Main thread.
+class SidebarRemoval
+{
+public:
+    SidebarRemoval(EditContext &edits, QList<ZQObjectID> rows, LiveFolderManaging *manager)
+        : m_edits(edits), m_manager(manager), m_rows(std::move(rows))
+    {
+    }
+
+    void remove();  // those that are there
+    void putBack(); // what it removed; says so to who wants to see it
+
+private:
+    EditContext &m_edits;
+    LiveFolderManaging *m_manager;
+    QList<ZQObjectID> m_rows;
+    QList<SidebarPlace> m_places;
+    QList<ZQObjectID> m_deleted; // those below too
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Classes/Interface/Sidebar/SidebarTreeModel.h"
+#include "Kit/Widgets/ZQTurningSign.h"
+
+#include <QStyledItemDelegate>
+
+// Draws the rows of the sidebar: section heads, icons, titles and badges.
+class SidebarDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+public:
+    // `sign`: of rows that are being synchronised. Outlives the delegate.
+    explicit SidebarDelegate(const ZQTurningSign &sign, QObject *parent = nullptr)
+        : QStyledItemDelegate(parent), m_sign(sign)
+    {
+    }
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override;
+    void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
+                              const QModelIndex &index) const override;
+
+    static constexpr int rowMargin = 8;
+    static constexpr int twistyRoom = 14;
+    static bool isLabel(const QModelIndex &index);
+    static int titleLeft(const QRect &row, const QModelIndex &index);
+    static QRect twistyRect(const QRect &row, const QModelIndex &index);
+    static QRect iconRect(const QRect &row, const QModelIndex &index);
+    static QRect labelButtonRect(const QRect &row); // of a section head with a button
+
+private:
+    static void paintLabel(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index);
+    void paintIcon(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
+    static int paintBadge(QPainter *painter, const QStyleOptionViewItem &option,
+                          const QModelIndex &index); // the width it took
+
+    const ZQTurningSign &m_sign;
+};

@@ -1,0 +1,100 @@
+#include "Classes/Interface/Window/LiveFolderProgress.h"
+
+#include "Classes/Interface/LiveFolderStates.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto aMoment = 1500ms;
+constexpr qsizetype longestTitle = 40;
+
+} // namespace
+
+LiveFolderProgress::LiveFolderProgress(WindowContext &window, QObject *parent) : QObject(parent), m_window(window)
+{
+    m_delay.setSingleShot(true);
+    m_delay.setInterval(aMoment);
+    connect(&m_delay, &QTimer::timeout, this, &LiveFolderProgress::begin);
+    connect(window.liveFolders, &LiveFolderStates::changed, this, &LiveFolderProgress::follow);
+    follow();
+}
+
+LiveFolderProgress::~LiveFolderProgress() = default;
+
+QList<ZQObjectID> LiveFolderProgress::syncing() const
+{
+    QList<ZQObjectID> folders = m_window.liveFolders->syncing();
+    folders.removeIf([this](const ZQObjectID &id) {
+        constexpr int deepest = 1000; // of a damaged tree
+        const auto item = m_window.sidebarItem(id);
+        auto above = item ? item->father() : ZQRef<ZQSidebarBaseItem>();
+        for (int depth = 0; above && depth < deepest; ++depth, above = above->father()) {
+            if (m_window.liveFolders->isSyncing(above->objectID())) {
+                return true;
+            }
+        }
+        return !item;
+    });
+    return folders;
+}
+
+void LiveFolderProgress::follow()
+{
+    const QList<ZQObjectID> folders = syncing();
+    if (folders.isEmpty()) {
+        m_delay.stop();
+        m_line.reset();
+    } else if (m_line) {
+        show(folders);
+    } else if (!m_delay.isActive()) {
+        m_delay.start();
+    }
+}
+
+void LiveFolderProgress::begin()
+{
+    const QList<ZQObjectID> folders = syncing();
+    if (folders.isEmpty()) {
+        return;
+    }
+    m_done = 0;
+    m_line = m_window.user.beginProgress(zqLocalized("Syncing…"), 0, [self = QPointer(this)] {
+        if (self) {
+            self->m_window.liveFolders->manager().stopSyncingWatchedFolders(self->syncing());
+        }
+    });
+    show(folders);
+}
+
+void LiveFolderProgress::show(const QList<ZQObjectID> &folders)
+{
+    // Folders are synchronised one run after another, and each says how far the whole run is.
+    double done = 0;
+    double total = 0;
+    for (const ZQObjectID &folder : folders) {
+        const LiveFolderStatus &status = m_window.liveFolders->statusOf(folder);
+        done = std::max(done, double(status.filesDone));
+        total = std::max(total, double(status.filesTotal));
+    }
+    const bool isKnown = total > 0;
+    const QString title = folders.size() == 1
+                              ? zqShortened(m_window.sidebarItem(folders.first())->title(), longestTitle)
+                              : zqFormat(zqLocalized("%d live folders"), {int(folders.size())});
+    m_line->setText(zqFormat(zqLocalized("Syncing %@"), {title}));
+    // A title may hold what a format means by itself.
+    QString escaped = title;
+    escaped.replace(u'%', QStringLiteral("%%"));
+    m_line->setCountText(isKnown ? zqFormat(zqLocalized("Syncing %@"), {escaped}) + QStringLiteral(": %@ of %@")
+                                 : QString());
+    m_line->setMaximum(isKnown ? total : 0);
+    m_line->advanceBy(done - m_done);
+    m_done = done;
+}

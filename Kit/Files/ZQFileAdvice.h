@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+
+#include <QString>
+
+// What a person is told of an error that a change of their file ran into: why, and what to do about it. One or two
+// sentences, localized. What it is not known for is said as the system says it.
+QString zqAdviceForFileError(const ZQError &error);
+
+// Whether the next file there runs into it as well.
+bool zqIsErrorOfPlace(const ZQError &error);

@@ -1,0 +1,53 @@
+#include "Kit/Files/ZQFreeName.h"
+
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <cerrno>
+
+namespace {
+
+constexpr int mostNames = 10000;
+constexpr qsizetype longestExtension = 32; // a longer one is part of the name
+
+QString shortened(QString name, qsizetype bytes)
+{
+    while (name.toUtf8().size() > bytes) {
+        name.chop(name.size() > 1 && name.back().isLowSurrogate() ? 2 : 1);
+    }
+    return name;
+}
+
+} // namespace
+
+QString zqNumberedName(const QString &name, int number, qsizetype longest)
+{
+    if (number == 1 && name.toUtf8().size() <= longest) {
+        return name;
+    }
+    const QString extension = zqPathExtension(name);
+    const bool isExtension = !extension.isEmpty() && extension.size() <= longestExtension;
+    const QString ending =
+        (number == 1 ? QString() : QStringLiteral(" %1").arg(number)) + (isExtension ? u'.' + extension : QString());
+    const QString stem = extension.size() > longestExtension ? name : zqBaseName(name);
+    return shortened(stem, longest - ending.toUtf8().size()) + ending;
+}
+
+QString zqUnderFreeName(const QString &folder, const QString &name,
+                        const std::function<bool(const QString &path, ZQError *error)> &put, ZQError *error)
+{
+    for (int number = 1; number <= mostNames; ++number) {
+        const QString path = folder + u'/' + zqNumberedName(name, number);
+        ZQError problem;
+        if (put(path, &problem)) {
+            return path;
+        }
+        if (problem.domain != ZQError::posixDomain || problem.code != EEXIST) {
+            zqSetError(error, problem);
+            return {};
+        }
+    }
+    zqSetError(error, ZQError::with(ZQError::posixDomain, EEXIST,
+                                    zqFormat(zqLocalized("“%@” holds too many files named “%@”."), {folder, name})));
+    return {};
+}

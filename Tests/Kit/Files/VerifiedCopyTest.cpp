@@ -1,0 +1,183 @@
+#include "Kit/Files/ZQVerifiedCopy.h"
+
+#include "Kit/Files/ZQFileAdvice.h"
+#include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQOwnMove.h"
+#include "Kit/Files/ZQPaths.h"
+#include "Kit/Files/ZQTrash.h"
+#include "Tests/Kit/Files/Scratch.h"
+#include "Tests/Support/ScratchMount.h"
+#include "Tests/Support/Skip.h"
+
+#include <QDirIterator>
+
+#include <cerrno>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using VerifiedCopy = Scratch;
+
+QStringList namesBelow(const QString &folder)
+{
+    QStringList names;
+    QDirIterator all(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                     QDirIterator::Subdirectories);
+    while (all.hasNext()) {
+        names.append(QDir(folder).relativeFilePath(all.next()));
+    }
+    names.sort();
+    return names;
+}
+
+} // namespace
+
+TEST_F(VerifiedCopy, TakesThePlaceOfWhatItCopied)
+{
+    folder(QStringLiteral("from/deep"));
+    file(QStringLiteral("from/a"), "a");
+    file(QStringLiteral("from/deep/b"), "b");
+    ASSERT_EQ(::symlink("a", QFile::encodeName(path(QStringLiteral("from/link"))).constData()), 0);
+    const QStringList before = namesBelow(path(QStringLiteral("from")));
+    ZQError error;
+    const auto copy = ZQVerifiedCopy::make(path(QStringLiteral("from")), path(QStringLiteral("to")), &error);
+    ASSERT_TRUE(copy) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(namesBelow(path(QStringLiteral("from"))), before) << "until it is asked to go";
+    file(QStringLiteral("from/newcomer"), "n");
+    EXPECT_FALSE(copy->removeSource(&error));
+    EXPECT_EQ(error.code, EBUSY);
+    EXPECT_EQ(namesBelow(path(QStringLiteral("from"))).size(), before.size() + 1) << "nothing went";
+    QFile::remove(path(QStringLiteral("from/newcomer")));
+    EXPECT_TRUE(copy->removeSource());
+    EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("from"))));
+    EXPECT_EQ(namesBelow(path(QStringLiteral("to"))), before);
+    EXPECT_EQ(read(path(QStringLiteral("to/deep/b"))), QByteArray("b"));
+}
+
+TEST_F(VerifiedCopy, RefusesWhatIsNoFileAndLeavesNothing)
+{
+    const QString source = file(QStringLiteral("a"), "a");
+    ASSERT_EQ(::symlink("a", QFile::encodeName(path(QStringLiteral("link"))).constData()), 0);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(QStringLiteral("fifo"))).constData(), 0600), 0);
+    folder(QStringLiteral("holder"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(QStringLiteral("holder/fifo"))).constData(), 0600), 0);
+    const QString to = path(QStringLiteral("to"));
+    for (const char *name : {"link", "fifo", "holder", "missing"}) {
+        ZQError error;
+        EXPECT_FALSE(ZQVerifiedCopy::make(path(QLatin1StringView(name)), to, &error)) << name;
+        EXPECT_FALSE(error.isNull()) << name;
+        EXPECT_FALSE(QFileInfo::exists(to)) << name;
+    }
+    EXPECT_FALSE(ZQVerifiedCopy::make(source, to, nullptr, [] { return true; })) << "cancelled";
+    EXPECT_FALSE(QFileInfo::exists(to));
+    file(QStringLiteral("to"), "taken");
+    ZQError error;
+    EXPECT_FALSE(ZQVerifiedCopy::make(source, to, &error));
+    EXPECT_EQ(error.code, EEXIST);
+    EXPECT_EQ(read(to), QByteArray("taken"));
+}
+
+TEST_F(VerifiedCopy, OfADiskWithoutTrashGoesToTheOneAtHome)
+{
+    const ScratchMount mount(path(QStringLiteral("disk")));
+    if (!mount.isMounted()) {
+        return skipWithout("the right to mount a file system");
+    }
+    // What another user made at its top is not used: as on a disk that gives no place for a trash.
+    const QString mine = QStringLiteral("disk/.Trash-%1").arg(::getuid());
+    const auto takeTrashAway = [&] {
+        folder(mine);
+        return ::chown(QFile::encodeName(path(mine)).constData(), 65534, 65534) == 0;
+    };
+    const QString first = file(QStringLiteral("disk/a.png"), "a");
+    QString trashed;
+    ASSERT_TRUE(ZQTrash::recycle(first, &trashed));
+    EXPECT_EQ(trashed, path(mine) + QStringLiteral("/files/a.png")) << "its own disk's, while there is one";
+    QDir(path(mine)).removeRecursively();
+    if (!takeTrashAway()) {
+        return skipWithout("the right to give a folder away");
+    }
+    const QString home = ZQPaths::dataHome() + QStringLiteral("/Trash");
+    folder(QStringLiteral("disk/package/in"));
+    file(QStringLiteral("disk/package/in/b"), "b");
+    ZQError error;
+    ASSERT_TRUE(ZQTrash::recycle(file(QStringLiteral("disk/a.png"), "again"), &trashed, &error))
+        << qPrintable(error.localizedDescription());
+    EXPECT_EQ(trashed, home + QStringLiteral("/files/a.png"));
+    EXPECT_EQ(read(trashed), QByteArray("again"));
+    ASSERT_TRUE(ZQTrash::recycle(path(QStringLiteral("disk/package")), &trashed));
+    EXPECT_EQ(read(trashed + QStringLiteral("/in/b")), QByteArray("b"));
+    EXPECT_EQ(namesBelow(path(QStringLiteral("disk"))), QStringList{mine.mid(5)});
+
+    const QString locked = file(QStringLiteral("disk/l.png"), "l");
+    ASSERT_TRUE(mount.setReadOnly(true));
+    EXPECT_FALSE(ZQTrash::recycle(locked, nullptr, &error));
+    EXPECT_EQ(error.code, EROFS);
+    EXPECT_EQ(read(locked), QByteArray("l"));
+    EXPECT_FALSE(QFileInfo::exists(home + QStringLiteral("/files/l.png"))) << "not in both places";
+    EXPECT_FALSE(QFileInfo::exists(home + QStringLiteral("/info/l.png.trashinfo")));
+}
+
+TEST_F(VerifiedCopy, NamesAreNumberedWhereTheyAreTaken)
+{
+    struct Case
+    {
+        QString name;
+        int number;
+        QString expected;
+    };
+    const QString longName(300, u'x');
+    const Case cases[] = {
+        {"a.png", 1, "a.png"},
+        {"a.png", 2, "a 2.png"},
+        {"noextension", 3, "noextension 3"},
+        {".dot", 2, ".dot 2"},
+        {"a.tar.gz", 2, "a.tar 2.gz"},
+        {longName, 1, longName.left(255)},
+        {QString(126, u'ü') + "é.png", 12, QString(124, u'ü') + " 12.png"},
+    };
+    for (const Case &each : cases) {
+        EXPECT_EQ(zqNumberedName(each.name, each.number), each.expected) << qPrintable(each.name);
+        EXPECT_LE(zqNumberedName(each.name, each.number).toUtf8().size(), zqLongestName);
+    }
+    const QString from = file(QStringLiteral("from"), "moved");
+    file(QStringLiteral("a.png"), "1");
+    file(QStringLiteral("a 2.png"), "2");
+    ZQError error;
+    const auto move = [&](const QString &to, ZQError *failure) { return zqMoveNoted(from, to, failure); };
+    EXPECT_EQ(zqUnderFreeName(path({}).chopped(1), QStringLiteral("a.png"), move, &error),
+              path(QStringLiteral("a 3.png")));
+    EXPECT_EQ(read(path(QStringLiteral("a 3.png"))), QByteArray("moved"));
+    EXPECT_TRUE(zqUnderFreeName(path(QStringLiteral("nowhere")), QStringLiteral("a.png"), move, &error).isEmpty());
+    EXPECT_EQ(error.code, ENOENT);
+}
+
+TEST_F(VerifiedCopy, OwnMovesAreKnownToWatchersAndTakenBackLastFirst)
+{
+    const QString a = file(QStringLiteral("a"), "1");
+    const QString b = path(QStringLiteral("b"));
+    const QString c = path(QStringLiteral("c"));
+    ZQOwnMoves moves;
+    ASSERT_TRUE(zqMoveNoted(a, b) && zqMoveNoted(b, c));
+    for (const QString &each : {a, b, c}) {
+        EXPECT_TRUE(ZQOwnChanges::sharedOwnChanges().contains(QFile::encodeName(each))) << qPrintable(each);
+    }
+    moves.add(a, b);
+    moves.add(b, c);
+    moves.takeBack();
+    EXPECT_EQ(read(a), QByteArray("1"));
+    EXPECT_FALSE(QFileInfo::exists(c));
+}
+
+TEST_F(VerifiedCopy, AdviceSaysWhatToDo)
+{
+    for (const int code : {EROFS, EACCES, EPERM, ENOSPC, EDQUOT, EFBIG, ENOENT, EEXIST, ENAMETOOLONG, EBUSY, EIO}) {
+        const ZQError error = ZQError::posix(code, QStringLiteral("/a/path"));
+        EXPECT_NE(zqAdviceForFileError(error), error.localizedDescription()) << code;
+    }
+    const ZQError other = ZQError::with(QStringLiteral("other"), EROFS, QStringLiteral("said there"));
+    EXPECT_EQ(zqAdviceForFileError(other), QStringLiteral("said there"));
+    EXPECT_TRUE(zqIsErrorOfPlace(ZQError::posix(ENOSPC, {})));
+    EXPECT_FALSE(zqIsErrorOfPlace(ZQError::posix(ENOENT, {})) || zqIsErrorOfPlace(other));
+}
