@@ -365,6 +365,11 @@ ImportManaging *tamberin_AppDelegate::importManager() const
     return m_running->importManager();
 }
 
+LiveFolderManaging *tamberin_AppDelegate::liveFolderManager() const
+{
+    return m_running->liveFolderManager();
+}
+
 UserInteraction &tamberin_AppDelegate::userInteraction() const
 {
     return m_running->userInteraction();

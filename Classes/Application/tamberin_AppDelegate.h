@@ -11,6 +11,7 @@
 class DesktopRequests;
 class FixedSidebar;
 class ImportManaging;
+class LiveFolderManaging;
 class ItemTagSync;
 class Launch;
 class LeftoverCheck;
@@ -128,7 +129,8 @@ public:
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
-    UserInteraction &userInteraction() const; // any thread may ask for it
+    LiveFolderManaging *liveFolderManager() const; // null where no live folder is kept in step
+    UserInteraction &userInteraction() const;      // any thread may ask for it
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;

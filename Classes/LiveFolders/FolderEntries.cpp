@@ -26,26 +26,24 @@ void FolderEntries::sort()
         std::sort(m_entries.begin(), m_entries.end(), isBefore);
     }
     // A directory that changes while it is read can tell of one name twice.
-    const auto last = std::unique(m_entries.begin(), m_entries.end(), [this](const FolderEntry &a, const FolderEntry &b) {
-        return name(a) == name(b);
-    });
+    const auto last = std::unique(m_entries.begin(), m_entries.end(),
+                                  [this](const FolderEntry &a, const FolderEntry &b) { return name(a) == name(b); });
     m_entries.erase(last, m_entries.end());
 }
 
 const FolderEntry *FolderEntries::find(std::string_view wanted) const
 {
-    const auto place = std::lower_bound(
-        m_entries.begin(), m_entries.end(), wanted,
-        [this](const FolderEntry &entry, std::string_view text) { return name(entry) < text; });
+    const auto place =
+        std::lower_bound(m_entries.begin(), m_entries.end(), wanted,
+                         [this](const FolderEntry &entry, std::string_view text) { return name(entry) < text; });
     return place != m_entries.end() && name(*place) == wanted ? &*place : nullptr;
 }
 
 bool FolderEntries::isAs(const FolderEntries &other) const
 {
-    return std::equal(m_entries.begin(), m_entries.end(), other.m_entries.begin(), other.m_entries.end(),
-                      [this, &other](const FolderEntry &a, const FolderEntry &b) {
-                          return a.isAs(b) && name(a) == other.name(b);
-                      });
+    return std::equal(
+        m_entries.begin(), m_entries.end(), other.m_entries.begin(), other.m_entries.end(),
+        [this, &other](const FolderEntry &a, const FolderEntry &b) { return a.isAs(b) && name(a) == other.name(b); });
 }
 
 qsizetype FolderEntries::countOfSame(const FolderEntries &other) const

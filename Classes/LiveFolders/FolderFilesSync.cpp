@@ -79,11 +79,10 @@ QHash<QByteArray, FolderFilesSync::Item> FolderFilesSync::itemsByName(const Fold
                                                                       QList<Item> &lost)
 {
     QHash<QByteArray, Item> items;
-    const auto all = changed.isNew
-                         ? QList<Item>()
-                         : zqFetch<ZQLibraryBaseItem>(*m_run.moc, QStringLiteral("watchingFolder == %@"),
-                                                      {QVariant::fromValue(m_run.folderID(changed.key))})
-                               .value_or(QList<Item>());
+    const auto all = changed.isNew ? QList<Item>()
+                                   : zqFetch<ZQLibraryBaseItem>(*m_run.moc, QStringLiteral("watchingFolder == %@"),
+                                                                {QVariant::fromValue(m_run.folderID(changed.key))})
+                                         .value_or(QList<Item>());
     const RecordedFolder &folder = *changed.record->folder(changed.key);
     for (const Item &item : all) {
         const QByteArray name = nameIn(folder, item);
@@ -199,8 +198,7 @@ void FolderFilesSync::refresh(const Item &item, const QString &path, const Folde
 void FolderFilesSync::refreshTags(const Item &item, const QString &path, const FolderEntry &entry)
 {
     const QDateTime change = dateOf(entry.change);
-    const QDateTime tagged =
-        OpenMeta::getXAttrMetaData(QStringLiteral("kMDItemOMUserTagTime"), path).toDateTime();
+    const QDateTime tagged = OpenMeta::getXAttrMetaData(QStringLiteral("kMDItemOMUserTagTime"), path).toDateTime();
     const QDateTime latest = tagged.isValid() ? std::max(tagged, change) : change;
     const QDateTime seen = item->attributes_modification_date();
     if (!seen.isValid() || seen < latest) {

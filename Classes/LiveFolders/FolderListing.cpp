@@ -65,9 +65,7 @@ bool addEntry(int folder, const dirent &found, FolderListing &listing)
     if (fstatat(folder, found.d_name, &status, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0) {
         return errno == ENOENT; // went meanwhile
     }
-    const EntryKind kind = S_ISREG(status.st_mode)   ? asFile
-                           : S_ISDIR(status.st_mode) ? asFolder
-                                                     : EntryKind::Nothing;
+    const EntryKind kind = S_ISREG(status.st_mode) ? asFile : S_ISDIR(status.st_mode) ? asFolder : EntryKind::Nothing;
     if (kind == EntryKind::Nothing) {
         return true;
     }

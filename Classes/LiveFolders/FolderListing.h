@@ -4,8 +4,8 @@
 
 #include <QByteArray>
 
-// One directory as it is now. Links are neither followed nor listed, nothing in it is opened, and one that changes while
-// it is read is read again. Any thread.
+// One directory as it is now. Links are neither followed nor listed, nothing in it is opened, and one that changes
+// while it is read is read again. Any thread.
 struct FolderListing
 {
     enum class Status {
@@ -18,7 +18,7 @@ struct FolderListing
     int error = 0;      // errno, of the last two
     quint64 device = 0; // of the directory itself
     quint64 inode = 0;
-    FolderEntries entries; // of a whole one
+    FolderEntries entries;     // of a whole one
     qsizetype unheldNames = 0; // left out, since no text can stand for them
 
     enum class Links { NotFollowed, Followed }; // where the directory itself is one

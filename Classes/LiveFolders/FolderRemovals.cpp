@@ -132,7 +132,8 @@ bool FolderRemovals::ask(const OfRoot &gone)
 {
     const ZQRef<ZQSidebarWatchedFolder> root = m_run.folder(gone.record->rootKey());
     const UserQuestion question{
-        zqFormat(zqLocalized("%d files of the live folder “%@” are gone"), {gone.count, root ? root->title() : QString()}),
+        zqFormat(zqLocalized("%d files of the live folder “%@” are gone"),
+                 {gone.count, root ? root->title() : QString()}),
         zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the library, "
                     "they leave their projects too. If a drive is not connected, keep them: they are there again when "
                     "it is."),

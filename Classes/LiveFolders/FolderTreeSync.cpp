@@ -67,16 +67,17 @@ void FolderTreeSync::look(const Look &look)
         return;
     }
     const bool isRoot = look.key == look.record->rootKey();
-    const FolderListing listing = FolderListing::ofFolder(
-        known->path, isRoot ? FolderListing::Links::Followed : FolderListing::Links::NotFollowed);
+    const FolderListing listing = FolderListing::ofFolder(known->path, isRoot ? FolderListing::Links::Followed
+                                                                              : FolderListing::Links::NotFollowed);
     if (listing.status == FolderListing::Status::Gone && !isRoot) {
         markGone(*look.record, look.key);
         return;
     }
     m_seen.insert(look.key);
     if (listing.status != FolderListing::Status::Whole) {
-        const QString reason = zqFormat(zqLocalized("It cannot be read: %@. What the library has of it stays as it is."),
-                                        {QString::fromLocal8Bit(std::strerror(listing.error))});
+        const QString reason =
+            zqFormat(zqLocalized("It cannot be read: %@. What the library has of it stays as it is."),
+                     {QString::fromLocal8Bit(std::strerror(listing.error))});
         qCInfo(zqLogFiles).noquote() << QFile::decodeName(known->path) << reason;
         m_run.reasons.insert(look.key, reason);
         return;
@@ -395,8 +396,8 @@ void FolderTreeSync::make(const std::vector<NewFolder> &folders)
         const auto [place, isFirst] = fathers.try_emplace(folder.father);
         Father &father = place->second;
         father.row = isFirst ? m_run.folder(folder.father) : father.row;
-        for (const ZQRef<ZQSidebarBaseItem> &child : isFirst && father.row ? father.row->orderedChildren()
-                                                                           : QList<ZQRef<ZQSidebarBaseItem>>()) {
+        for (const ZQRef<ZQSidebarBaseItem> &child :
+             isFirst &&father.row ? father.row->orderedChildren() : QList<ZQRef<ZQSidebarBaseItem>>()) {
             father.nextOrder = std::max(father.nextOrder, child->order() + 1);
             if (const auto row = zqCast<ZQSidebarWatchedFolder>(child)) {
                 father.children.insert(row->folderPath(), row);

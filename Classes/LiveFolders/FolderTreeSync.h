@@ -59,7 +59,7 @@ private:
     struct Place
     {
         LiveFolderRecord *record;
-        qint64 folder;     // that held it
+        qint64 folder;      // that held it
         qint64 movedFolder; // the folder itself; 0 for a file
         QByteArray path;
     };

@@ -127,14 +127,14 @@ void LiveFileImport::insert(const Reading &reading)
     }
     const ZQRef<ZQSidebarWatchedFolder> folder = m_folders.value(key);
     const bool isWanted = folder && folder->active() && !folder->isDeleted();
-    const ItemInserter::Inserted inserted = isWanted ? m_inserter.insert(reading.file.fileData) : ItemInserter::Inserted();
+    const ItemInserter::Inserted inserted =
+        isWanted ? m_inserter.insert(reading.file.fileData) : ItemInserter::Inserted();
     if (!inserted.item) {
         giveUp(reading.file);
         return;
     }
     inserted.item->setWatchingFolder(folder.get());
-    m_written.push_back(
-        {inserted.item->bundleID(), reading.file.filePath, inserted.tags, inserted.item->notes()});
+    m_written.push_back({inserted.item->bundleID(), reading.file.filePath, inserted.tags, inserted.item->notes()});
     ++m_changes;
 }
 
@@ -194,8 +194,8 @@ void LiveFileImport::writeTags()
 
 void LiveFileImport::fileDidDrop(const DroppedFile &file)
 {
-    qCInfo(zqLogImport).noquote() << "The file" << file.path << "of a live folder is no item, or not wholly:"
-                                  << file.reason;
+    qCInfo(zqLogImport).noquote() << "The file" << file.path
+                                  << "of a live folder is no item, or not wholly:" << file.reason;
 }
 
 QString LiveFileImport::refusal() const

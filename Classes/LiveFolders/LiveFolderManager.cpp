@@ -320,8 +320,8 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
     QList<ZQObjectID> left;
     for (const ZQObjectID &id : folders) {
         const auto folder = zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id));
-        const bool isWanted = folder && folder->active() &&
-                              (folder->is_enabled() || folder->is_missing() || folder->is_trashed());
+        const bool isWanted =
+            folder && folder->active() && (folder->is_enabled() || folder->is_missing() || folder->is_trashed());
         if (!isWanted) {
             left.append(id);
         }
@@ -371,8 +371,7 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
     if (status.reason.isEmpty() && row->is_trashed()) {
         status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");
     } else if (status.reason.isEmpty() && row->is_missing()) {
-        status.reason =
-            zqLocalized("Its folder cannot be found. Connect the drive it is on, or put the folder back.");
+        status.reason = zqLocalized("Its folder cannot be found. Connect the drive it is on, or put the folder back.");
     } else if (status.reason.isEmpty() && m_watching) {
         status.reason = m_watching->reasonFor(row->folderPath());
     }

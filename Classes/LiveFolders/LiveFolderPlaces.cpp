@@ -50,7 +50,8 @@ QString LiveFolderPlaces::refusal(const QString &path, const QString &libraryBun
     static const QStringList ofSystem{QStringLiteral("/proc"), QStringLiteral("/sys"), QStringLiteral("/dev"),
                                       QStringLiteral("/run")};
     for (const QString &folder : ofSystem) {
-        const bool isMedia = real.startsWith(QStringLiteral("/run/media/")) || real.startsWith(QStringLiteral("/run/user/"));
+        const bool isMedia =
+            real.startsWith(QStringLiteral("/run/media/")) || real.startsWith(QStringLiteral("/run/user/"));
         if (isInside(real, folder) && !isMedia && !real.startsWith(QStringLiteral("/dev/shm/"))) {
             return zqLocalized("It belongs to the system. Add the folders with your pictures instead.");
         }

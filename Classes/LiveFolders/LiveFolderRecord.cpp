@@ -99,8 +99,8 @@ std::optional<LiveFolderRecord> LiveFolderRecord::readFrom(const QString &path, 
     QByteArray ofStore;
     LiveFolderRecord record;
     quint64 count = 0;
-    if (!takeText(bytes, ofStore) || ofStore != store || !take(bytes, record.m_rootKey) || record.m_rootKey != rootKey ||
-        !take(bytes, record.m_stamp) || !take(bytes, count)) {
+    if (!takeText(bytes, ofStore) || ofStore != store || !take(bytes, record.m_rootKey) ||
+        record.m_rootKey != rootKey || !take(bytes, record.m_stamp) || !take(bytes, count)) {
         return std::nullopt;
     }
     record.m_folders.reserve(qsizetype(std::min<quint64>(count, bytes.size())));

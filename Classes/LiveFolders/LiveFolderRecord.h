@@ -38,7 +38,8 @@ public:
     bool writeTo(const QString &file, const QByteArray &store, ZQError *error) const;
 
     qint64 rootKey() const { return m_rootKey; }
-    // The root's sync date in the store when this was written, in milliseconds; another one: the store went on, or back.
+    // The root's sync date in the store when this was written, in milliseconds; another one: the store went on, or
+    // back.
     qint64 stamp() const { return m_stamp; }
     void setStamp(qint64 stamp) { m_stamp = stamp; }
 
@@ -48,7 +49,7 @@ public:
     RecordedFolder *root() { return folder(m_rootKey); }
     RecordedFolder *folderAtPath(const QByteArray &path);
     RecordedFolder &put(RecordedFolder folder); // takes the place of the one with its key
-    void remove(qint64 key);                           // with everything below it
+    void remove(qint64 key);                    // with everything below it
     QList<qint64> children(qint64 key) const { return m_children.value(key); }
     QList<qint64> below(qint64 key) const; // itself not included; a folder before what it holds
     // The folder and all below it lie elsewhere now.
@@ -60,6 +61,6 @@ private:
     qint64 m_rootKey;
     qint64 m_stamp = 0;
     QHash<qint64, RecordedFolder> m_folders;
-    QHash<QByteArray, qint64> m_keys;         // by path
+    QHash<QByteArray, qint64> m_keys;        // by path
     QHash<qint64, QList<qint64>> m_children; // by father
 };

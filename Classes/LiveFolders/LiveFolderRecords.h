@@ -19,7 +19,7 @@ public:
     LiveFolderRecord *recordOfRoot(qint64 rootKey, qint64 stamp);
     LiveFolderRecord &newRecordOfRoot(qint64 rootKey);
     LiveFolderRecord *recordOfRootInMemory(qint64 rootKey);
-    void write(qint64 rootKey); // a failure is logged: the next run compares with the store
+    void write(qint64 rootKey);  // a failure is logged: the next run compares with the store
     void forget(qint64 rootKey); // what is in memory is not what the store holds
     void removeAllBut(const QSet<qint64> &rootKeys);
 

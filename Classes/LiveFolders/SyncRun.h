@@ -58,16 +58,13 @@ struct SyncRun
     const bool isForced; // what records say does not count, and what was decided is asked again
 
     std::unique_ptr<ZQManagedObjectContext> moc = {};
-    QSet<qint64> changedRoots = {};                   // something below them is not as the store had it
+    QSet<qint64> changedRoots = {};                     // something below them is not as the store had it
     QHash<qint64, QList<QByteArray>> earlierPaths = {}; // of folders that moved in this run
-    QHash<qint64, QString> reasons = {}; // why a folder is out of reach, or was left as it is; localized
+    QHash<qint64, QString> reasons = {};                // why a folder is out of reach, or was left as it is; localized
     bool didFail = false; // a save did: what is pending is given up, and nothing further is begun
 
     bool isWanted() const { return !operation.isCancelled() && !didFail; }
-    ZQObjectID folderID(qint64 key) const
-    {
-        return {moc->model().entity(ZQSidebarWatchedFolder::entityName()), key};
-    }
+    ZQObjectID folderID(qint64 key) const { return {moc->model().entity(ZQSidebarWatchedFolder::entityName()), key}; }
     // Null when it is gone.
     ZQRef<ZQSidebarWatchedFolder> folder(qint64 key) const
     {

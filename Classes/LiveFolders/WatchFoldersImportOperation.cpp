@@ -1,5 +1,6 @@
 #include "Classes/LiveFolders/WatchFoldersImportOperation.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Import/ImportOwner.h"
 #include "Classes/LiveFolders/FolderPlace.h"
 #include "Classes/LiveFolders/FolderRemovals.h"
@@ -47,7 +48,7 @@ void WatchFoldersImportOperation::main()
                     .isForced = m_isForced};
         setupManagedObjectContext(run);
         for (const ZQObjectID &folder : all) {
-            post(watchedFolderDidStartSync, folder);
+            post(LiveFolderManaging::didStartSync, folder);
         }
         if (m_isForced) {
             run.records.forgetKept();
@@ -58,7 +59,7 @@ void WatchFoldersImportOperation::main()
         run.moc.reset();
     }
     for (const ZQObjectID &folder : all) {
-        post(watchedFolderDidEndSync, folder);
+        post(LiveFolderManaging::didEndSync, folder);
     }
 }
 
@@ -187,9 +188,8 @@ void WatchFoldersImportOperation::checkOrphans(SyncRun &run, RootFolders &roots)
     for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
         const QString path = item->findItemURL();
         const QList<ZQRef<ZQSidebarWatchedFolder>> all = roots.all();
-        const bool isInside = std::any_of(all.begin(), all.end(), [&path](const auto &root) {
-            return path.startsWith(root->folderPath() + u'/');
-        });
+        const bool isInside = std::any_of(
+            all.begin(), all.end(), [&path](const auto &root) { return path.startsWith(root->folderPath() + u'/'); });
         if (path.isEmpty() || !isInside || !QFileInfo::exists(path)) {
             item->setActive(false);
         }

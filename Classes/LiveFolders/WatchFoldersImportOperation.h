@@ -26,9 +26,6 @@ class ImportOwner;
 class WatchFoldersImportOperation : public ZQOperation
 {
 public:
-    static inline const QString watchedFolderDidStartSync = QStringLiteral("WatchedFolderDidStartSync");
-    static inline const QString watchedFolderDidEndSync = QStringLiteral("WatchedFolderDidEndSync");
-
     struct Uses
     {
         std::shared_ptr<ZQPersistentStoreCoordinator> coordinator; // null: there is no store
@@ -42,7 +39,7 @@ public:
     WatchFoldersImportOperation(const QList<ZQObjectID> &watchedFoldersIDs, bool shouldTraversSubFolders,
                                 const Uses &uses);
 
-    void setForced(bool forced) { m_isForced = forced; }                             // before the start
+    void setForced(bool forced) { m_isForced = forced; }                          // before the start
     void setAlsoLookedAt(const QList<ZQObjectID> &folders) { m_alone = folders; } // without what is below; the same
 
     const QList<ZQObjectID> &watchedFoldersIDs() const { return m_watchedFoldersIDs; }
