@@ -41,6 +41,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("ArchiveMaximumEntryCount"), 100000},
         {QStringLiteral("ArchiveMaximumRatio"), 250},
         {QStringLiteral("ArchiveMaximumNestingDepth"), 8},
+        {QStringLiteral("LiveFolderSweepMinutes"), 10},
         {DesktopMirror::preferenceKey, true},
     };
 }

@@ -13,10 +13,7 @@
 #include <QGuiApplication>
 #include <QPointer>
 
-#include <chrono>
-
 namespace {
-constexpr std::chrono::seconds returnInterval(1);
 const QString themeKey = QStringLiteral("UseDarkUI");
 const QString titlesKey = QStringLiteral("ShowLibraryItemsTitles");
 const QString extensionsKey = QStringLiteral("ShowLibraryItemsExtensions");
@@ -39,29 +36,18 @@ PreferencesFollower::PreferencesFollower(ProjectsSidebarViewController &sidebar,
         });
     });
     connect(m_watcher, &ZQFileWatcher::folderDidChange, this, &PreferencesFollower::lookAtFile);
-    connect(m_watcher, &ZQFileWatcher::rootDidVanish, this, [this](const QString &root) {
-        m_watcher->removePath(root);
-        lookAtFile();
-    });
-    m_return.setInterval(returnInterval);
-    connect(&m_return, &QTimer::timeout, this, &PreferencesFollower::lookAtFile);
+    // The folder may come, or come back, at any time. The file is read after it is watched: what is written from then
+    // on is heard of.
+    connect(m_watcher, &ZQFileWatcher::watchingDidStart, this, &PreferencesFollower::lookAtFile);
+    connect(m_watcher, &ZQFileWatcher::rootDidVanish, this, &PreferencesFollower::lookAtFile);
+    m_watcher->addPath(QFileInfo(ZQUserDefaults::standardUserDefaults().path()).path());
     connect(qApp, &QGuiApplication::applicationStateChanged, this, &PreferencesFollower::lookAtFile);
     lookAtFile();
 }
 
-// The folder may come, or come back, at any time, which its own watch does not tell. The file is read after that is
-// set: what is written from then on is heard of.
 void PreferencesFollower::lookAtFile()
 {
-    const ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    const QString folder = QFileInfo(defaults.path()).path();
-    const bool isWatched = !m_watcher->paths().isEmpty() || (QFileInfo(folder).isDir() && m_watcher->addPath(folder));
-    if (isWatched) {
-        m_return.stop();
-    } else if (!m_return.isActive()) {
-        m_return.start();
-    }
-    defaults.refresh();
+    ZQUserDefaults::standardUserDefaults().refresh();
 }
 
 void PreferencesFollower::showTheme()

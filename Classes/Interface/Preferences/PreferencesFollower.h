@@ -3,7 +3,6 @@
 #include "Kit/Files/ZQUserDefaults.h"
 
 #include <QObject>
-#include <QTimer>
 
 class BrowserViewController;
 class ProjectsSidebarViewController;
@@ -35,6 +34,5 @@ private:
     BrowserViewController &m_browser;
     UserInteraction &m_user;
     ZQFileWatcher *m_watcher;
-    QTimer m_return; // runs while there is no folder to watch
     ZQUserDefaults::Token m_token;
 };
