@@ -79,6 +79,11 @@ void LiveFolderManager::startObservingWatchedFolders()
     m_watching = std::make_unique<LiveFolderWatching>();
     connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::folderDidChange);
     connect(m_watching.get(), &LiveFolderWatching::placesDidChange, this, [this] { syncRootWatchedFolders(); });
+    connect(m_watching.get(), &LiveFolderWatching::reasonDidChange, this, [this] {
+        for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
+            postStatus(root->objectID());
+        }
+    });
     watchRoots();
 }
 
@@ -94,8 +99,7 @@ void LiveFolderManager::watchRoots()
     }
     QStringList paths;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
-        const bool isThere = !root->is_missing() && !root->is_trashed() && QFileInfo(root->folderPath()).isDir();
-        if (root->is_enabled() && isThere) {
+        if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
             paths.append(root->folderPath());
         }
     }
@@ -115,7 +119,7 @@ void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelo
         known = QFileInfo(known).path();
         folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     }
-    if (folder && folder->is_enabled()) {
+    if (folder && (folder->is_enabled() || folder->is_missing() || folder->is_trashed())) {
         want(folder->objectID(), {everythingBelow, false});
     }
 }
@@ -367,6 +371,7 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
     if (!row) {
         return status;
     }
+    status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
     status.reason = m_reasons.value(folder.key);
     if (status.reason.isEmpty() && row->is_trashed()) {
         status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");

@@ -7,8 +7,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
-
 // What the disk tells of live folders, in their terms: which folder to look at. Main thread.
 class LiveFolderWatching : public QObject
 {
@@ -16,19 +14,19 @@ class LiveFolderWatching : public QObject
 public:
     explicit LiveFolderWatching(QObject *parent = nullptr);
 
-    // Exactly these are watched from now on.
+    // Exactly these are watched from now on; also those that are not there, so that their return is seen.
     void setRoots(const QStringList &roots);
-    QStringList roots() const { return {m_roots.begin(), m_roots.end()}; }
+    bool isSwept(const QString &root) const { return m_watcher.isSwept(root); }
     // Why changes below a root are not told at once, localized; empty: they are.
     QString reasonFor(const QString &root) const;
 
 Q_SIGNALS:
     void folderDidChange(const QString &folder, bool everythingBelow);
-    // Something may have been mounted or unmounted, or a root is no longer where it was.
-    void placesDidChange();
+    void placesDidChange(); // something was mounted or unmounted
+    void reasonDidChange(); // of any root
 
 private:
     ZQFileWatcher m_watcher;
     QSet<QString> m_roots;
-    QSet<QString> m_unwatched; // that the system did not let us watch
+    qint64 m_watchesNeeded = 0; // more than the system gives
 };

@@ -5,6 +5,7 @@
 #include "Classes/LiveFolders/FolderPlace.h"
 #include "Classes/LiveFolders/FolderRemovals.h"
 #include "Classes/Tags/TagFileWriter.h"
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -108,7 +109,9 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
     const QDateTime now = zqNow();
     for (const FolderTreeSync::Changed &changed : tree.changed()) {
         if (const auto row = changed.record->folder(changed.key) ? run.folder(changed.key) : nullptr) {
+            ZQOwnChanges::sharedOwnChanges().note(row->folderPath());
             row->updateFolderOpenMetaSyncDate();
+            ZQOwnChanges::sharedOwnChanges().didChange(row->folderPath());
             row->setLastSyncDate(now);
             run.changedRoots.insert(changed.record->rootKey());
         }
