@@ -41,6 +41,7 @@ QString digestOf(const QString &path)
 
 void FolderFilesSync::run(std::vector<FolderTreeSync::Changed> &changed)
 {
+    m_changed = &changed;
     for (const FolderTreeSync::Changed &folder : changed) {
         if (!m_run.isWanted()) {
             return;
@@ -110,7 +111,7 @@ void FolderFilesSync::compare(const FolderTreeSync::Changed &changed)
     for (const FolderEntry &entry : changed.listing.entries.all()) {
         if (entry.isFile() && m_run.isWanted()) {
             const std::string_view name = changed.listing.entries.name(entry);
-            compareFile(changed, folder, entry, items.take(QByteArray(name.data(), qsizetype(name.size()))));
+            compareFile(changed, folder, entry, items.take(QByteArray(name.data(), qsizetype(name.size()))), lost);
         }
     }
     if (!m_run.isWanted()) {
@@ -133,10 +134,15 @@ void FolderFilesSync::compare(const FolderTreeSync::Changed &changed)
 }
 
 void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const RecordedFolder &folder,
-                                  const FolderEntry &entry, const Item &item)
+                                  const FolderEntry &entry, const Item &item, QList<Item> &lost)
 {
     const std::string_view name = changed.listing.entries.name(entry);
     const QString path = pathOf(folder, name);
+    if (item && item->active() && isElsewhereNow(item, entry)) {
+        lost.append(item); // and found again there
+        m_new.push_back({changed.record, changed.key, path, entry});
+        return;
+    }
     if (item && item->active()) {
         const FolderEntry *const was = folder.isKnown ? folder.entries.find(name) : nullptr;
         const bool didMove = m_run.earlierPaths.contains(folder.key);
@@ -155,6 +161,35 @@ void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const 
     if (!gaveNothing) {
         m_new.push_back({changed.record, changed.key, path, entry});
     }
+}
+
+// A file that has another one's old name: whose item it becomes depends on where that one is.
+bool FolderFilesSync::isElsewhereNow(const Item &item, const FolderEntry &entry)
+{
+    const auto file = zqFileOfPersistentURL(item->itemURLData());
+    if (!file || file->inode == entry.inode || entry.kind != EntryKind::File) {
+        return false;
+    }
+    if (!m_arrivals) {
+        m_arrivals.emplace();
+        for (const FolderTreeSync::Changed &changed : *m_changed) {
+            const RecordedFolder *const folder = changed.record->folder(changed.key);
+            for (const FolderEntry &each : changed.listing.entries.all()) {
+                const FolderEntry *const was =
+                    folder && folder->isKnown ? folder->entries.find(changed.listing.entries.name(each)) : nullptr;
+                if (folder && each.kind == EntryKind::File && (!was || was->inode != each.inode)) {
+                    m_arrivals->insert({each.inode, {&changed, &each}});
+                }
+            }
+        }
+    }
+    const auto arrival = m_arrivals->find(file->inode);
+    if (arrival == m_arrivals->end()) {
+        return false;
+    }
+    const auto [changed, arrived] = arrival->second;
+    const RecordedFolder *const folder = changed->record->folder(changed->key);
+    return folder && zqPersistentURLIsAt(item->itemURLData(), pathOf(*folder, changed->listing.entries.name(*arrived)));
 }
 
 void FolderFilesSync::renewReference(const Item &item, const QString &path)

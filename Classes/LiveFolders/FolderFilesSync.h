@@ -45,7 +45,8 @@ private:
 
     void compare(const FolderTreeSync::Changed &changed);
     void compareFile(const FolderTreeSync::Changed &changed, const RecordedFolder &folder, const FolderEntry &entry,
-                     const Item &item);
+                     const Item &item, QList<Item> &lost);
+    bool isElsewhereNow(const Item &item, const FolderEntry &entry);
     QHash<QByteArray, Item> itemsByName(const FolderTreeSync::Changed &changed, QList<Item> &lost);
     QByteArray nameIn(const RecordedFolder &folder, const Item &item) const;
     void refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);
@@ -60,6 +61,13 @@ private:
 
     SyncRun &m_run;
     LiveFileImport m_import;
+    const std::vector<FolderTreeSync::Changed> *m_changed = nullptr;
+    struct Arrival
+    {
+        const FolderTreeSync::Changed *folder;
+        const FolderEntry *entry;
+    };
+    std::optional<std::unordered_map<quint64, Arrival>> m_arrivals; // by inode
     std::vector<NewFile> m_new;
     std::vector<Gone> m_gone;
     std::unordered_multimap<quint64, std::pair<std::size_t, Item>> m_goneByInode; // the place in `m_gone` first

@@ -41,6 +41,9 @@ QString LiveFolderPlaces::refusal(const QString &path, const QString &libraryBun
     if (isInside(real, bundle)) {
         return zqLocalized("It is a part of the library itself. Add a folder outside of it.");
     }
+    if (isInside(bundle, real) && !bundle.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive)) {
+        return zqLocalized("It holds the library itself. Add the folders beside the library instead.");
+    }
     if (ZQTrash::contains(real) || ZQTrash::contains(path)) {
         return zqLocalized("It is in the trash. Restore it first.");
     }

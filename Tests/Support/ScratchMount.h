@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QString>
+
+#include <sched.h>
+#include <sys/mount.h>
+
+// A small file system of its own at a folder, for as long as it lives: another disk, a full one, one that is mounted
+// read-only. Without the rights for it `isMounted` is false, and the test is to skip.
+class ScratchMount
+{
+public:
+    // At the beginning of a test program, before it has threads: what it mounts is seen by no other.
+    static void useOwnMounts()
+    {
+        if (::unshare(CLONE_NEWNS) == 0) {
+            s_isPossible = ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+        }
+    }
+
+    explicit ScratchMount(const QString &folder, qint64 bytes = 16LL << 20) : m_folder(QFile::encodeName(folder))
+    {
+        QDir().mkpath(folder);
+        const QByteArray options = "size=" + QByteArray::number(bytes) + ",mode=0700";
+        m_isMounted = s_isPossible && ::mount("scratch", m_folder.constData(), "tmpfs", 0, options.constData()) == 0;
+    }
+    ~ScratchMount()
+    {
+        if (m_isMounted) {
+            ::umount2(m_folder.constData(), MNT_DETACH);
+        }
+    }
+    ScratchMount(const ScratchMount &) = delete;
+    ScratchMount &operator=(const ScratchMount &) = delete;
+
+    bool isMounted() const { return m_isMounted; }
+    bool setReadOnly(bool isReadOnly) const
+    {
+        const unsigned long flags = isReadOnly ? MS_REMOUNT | MS_RDONLY : MS_REMOUNT;
+        return ::mount(nullptr, m_folder.constData(), nullptr, flags, nullptr) == 0;
+    }
+
+private:
+    static inline bool s_isPossible = false;
+    QByteArray m_folder;
+    bool m_isMounted;
+};
