@@ -183,6 +183,9 @@ int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context)
         absolute.append(QDir::cleanPath(context.absolutePath(path)));
     }
     const AddedLiveFolders result = manager->addNewWatchFolderFromPaths(absolute, ZQSidebarBaseItem::appendIndex);
+    for (const ZQObjectID &folder : result.alreadyThere) {
+        manager->syncWatchedFolder(folder, false);
+    }
     const int status = finish(*manager, result.added + result.alreadyThere, context);
     for (const AddedLiveFolders::Refused &refused : result.refused) {
         context.fail(zqFormat(zqLocalized("“%@” was not added. %@"), {refused.path, refused.reason}));

@@ -246,7 +246,8 @@ void FolderFilesSync::refreshTags(const Item &item, const QString &path, const F
 
 void FolderFilesSync::adopt(const Item &item, const NewFile &file)
 {
-    item->setWatchingFolder(m_run.folder(file.folder).get());
+    const auto folder = zqCast<ZQSidebarWatchedFolder>(m_run.moc->objectWithID(m_run.folderID(file.folder)));
+    item->setWatchingFolder(folder.get());
     item->setActive(true);
     const bool isSameFile = zqPersistentURLIsAt(item->itemURLData(), file.path);
     renewReference(item, file.path);

@@ -80,6 +80,7 @@ void FolderTreeSync::look(const Look &look)
                      {QString::fromLocal8Bit(std::strerror(listing.error))});
         qCInfo(zqLogFiles).noquote() << QFile::decodeName(known->path) << reason;
         m_run.reasons.insert(look.key, reason);
+        look.record->folder(look.key)->isKnown = false; // so that it is looked at anew when it can be
         return;
     }
     if (listing.unheldNames > 0) {
@@ -354,6 +355,13 @@ bool FolderTreeSync::followGoneOnes()
         }
     }
     m_gone = std::move(highest);
+    QList<ZQPersistentURL> wanted;
+    for (const Gone &gone : m_gone) {
+        if (const ZQRef<ZQSidebarWatchedFolder> row = m_run.folder(gone.key)) {
+            wanted.append({row->folderURLSecureData(), {}});
+        }
+    }
+    zqLookForPersistentURLs(wanted);
     for (const Gone &gone : m_gone) {
         const ZQRef<ZQSidebarWatchedFolder> row = m_run.folder(gone.key);
         const QString found = row ? row->folderURL() : QString();

@@ -1,5 +1,6 @@
 #include "Classes/LiveFolders/LiveFileImport.h"
 
+#include "Classes/Application/CutOffSyncs.h"
 #include "Classes/Import/BaseImportOperation.h"
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImporterForFile.h"
@@ -35,6 +36,9 @@ LiveFileImport::~LiveFileImport()
     for (const Reading &reading : m_reading) {
         giveUp(reading.file);
     }
+    if (!m_note.isEmpty() && !m_run.didFail) {
+        CutOffSyncs::end(m_note);
+    }
 }
 
 void LiveFileImport::add(const File &file)
@@ -43,6 +47,9 @@ void LiveFileImport::add(const File &file)
     if (!operation) {
         m_run.progress.advance();
         return;
+    }
+    if (m_note.isEmpty()) {
+        m_note = CutOffSyncs::begin(m_run.records.bundle());
     }
     Reading &reading = m_reading.emplace_back();
     reading.asked = file;

@@ -80,6 +80,7 @@ private:
     std::vector<Written> m_written; // of the items since the last save
     QDateTime m_importDate;
     qint64 m_count = 0;
+    QString m_note;          // that item directories are being made
     qsizetype m_changes = 0; // since the last save
     Clock::duration m_interval;
     Clock::time_point m_nextSave;

@@ -167,7 +167,7 @@ std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
 
 void LiveFolderManager::start()
 {
-    if (m_running || m_wanted.isEmpty() || !context()) {
+    if (m_running || m_wanted.isEmpty() || !context() || tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
         return;
     }
     QList<ZQObjectID> whole;

@@ -11,7 +11,7 @@ const QString ending = QStringLiteral(".folder");
 } // namespace
 
 LiveFolderRecords::LiveFolderRecords(const QString &bundle, const QByteArray &store)
-    : m_folder(bundle + QStringLiteral("/live-folders")), m_store(store)
+    : m_bundle(bundle), m_folder(bundle + QStringLiteral("/live-folders")), m_store(store)
 {
 }
 

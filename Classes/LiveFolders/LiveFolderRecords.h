@@ -15,6 +15,7 @@ class LiveFolderRecords
 public:
     LiveFolderRecords(const QString &bundle, const QByteArray &store);
 
+    const QString &bundle() const { return m_bundle; }
     // As it was kept when the store had `stamp` for the root; null when there is none of that moment.
     LiveFolderRecord *recordOfRoot(qint64 rootKey, qint64 stamp);
     LiveFolderRecord &newRecordOfRoot(qint64 rootKey);
@@ -32,6 +33,7 @@ public:
 private:
     QString fileOf(qint64 rootKey) const;
 
+    const QString m_bundle;
     const QString m_folder;
     const QByteArray m_store;
     std::unordered_map<qint64, LiveFolderRecord> m_records;

@@ -87,13 +87,18 @@ void RootFolders::bringBack(ZQSidebarWatchedFolder &folder)
     folder.setIs_missing(false);
     folder.setIs_trashed(false);
     folder.reActivateFolder();
+    for (const ZQRef<ZQSidebarWatchedFolder> &below : folder.orderedChildrenAndSubChildren()) {
+        if (below->is_missing()) { // mounted in it, and still out of reach
+            below->deactivateFolder();
+        }
+    }
     m_run.reasons.insert(folder.objectID().key, QString());
 }
 
 void RootFolders::putAside(ZQSidebarWatchedFolder &folder, const QString &reason)
 {
     m_run.reasons.insert(folder.objectID().key, reason);
-    if (!folder.is_missing()) {
+    if (!folder.is_missing() || folder.is_enabled()) {
         qCInfo(zqLogFiles).noquote() << "The live folder" << folder.folderPath() << "is put aside:" << reason;
         folder.setIs_missing(true);
         folder.deactivateFolder();
@@ -105,6 +110,10 @@ LiveFolderRecord &RootFolders::recordFor(const ZQRef<ZQSidebarWatchedFolder> &ro
     const qint64 key = root->objectID().key;
     if (LiveFolderRecord *const kept = m_run.records.recordOfRoot(key, stampOf(*root))) {
         dropRowsThatWent(*kept);
+        if (const QByteArray path = QFile::encodeName(root->folderPath()); kept->root()->path != path) {
+            noteEarlierPaths(*kept, key);
+            kept->move(key, path, 0);
+        }
         return *kept;
     }
     LiveFolderRecord &record = m_run.records.newRecordOfRoot(key);
@@ -121,6 +130,13 @@ LiveFolderRecord &RootFolders::recordFor(const ZQRef<ZQSidebarWatchedFolder> &ro
         record.put(folder);
     }
     return record;
+}
+
+void RootFolders::noteEarlierPaths(LiveFolderRecord &record, qint64 key)
+{
+    for (const qint64 each : QList<qint64>{key} + record.below(key)) {
+        m_run.earlierPaths[each].append(record.folder(each)->path);
+    }
 }
 
 // Rows go by other ways than a run, too.
@@ -219,8 +235,8 @@ bool RootFolders::follow(ZQSidebarWatchedFolder &root, LiveFolderRecord &record,
     if (findNewFather(root, record, path)) {
         return false; // it is looked at as a part of the other one
     }
+    noteEarlierPaths(record, root.objectID().key);
     record.move(root.objectID().key, QFile::encodeName(path), 0);
-    m_run.earlierPaths[root.objectID().key].append(QFile::encodeName(root.folderPath()));
     renewRows(root.objectID().key, record);
     m_run.changedRoots.insert(root.objectID().key);
     return true;
@@ -234,7 +250,8 @@ bool RootFolders::findNewFather(ZQSidebarWatchedFolder &root, LiveFolderRecord &
     std::sort(roots.begin(), roots.end(),
               [](const auto &a, const auto &b) { return a->folderPath().size() > b->folderPath().size(); });
     for (const ZQRef<ZQSidebarWatchedFolder> &other : std::as_const(roots)) {
-        const bool mayHoldIt = other.get() != &root && (parent + u'/').startsWith(other->folderPath() + u'/');
+        const bool mayHoldIt =
+            other.get() != &root && other->is_enabled() && (parent + u'/').startsWith(other->folderPath() + u'/');
         LiveFolderRecord *const its = mayHoldIt ? open(other) : nullptr;
         if (const RecordedFolder *const father = its ? its->folderAtPath(QFile::encodeName(parent)) : nullptr) {
             const qint64 fatherKey = father->key;
@@ -254,11 +271,9 @@ void RootFolders::move(LiveFolderRecord &from, qint64 key, LiveFolderRecord &to,
     if (!row || !newFather || !folder || row == newFather || newFather->isDescendantOfItem(row.get())) {
         return;
     }
-    QList<qint64> moving = {key};
-    moving += from.below(key);
+    noteEarlierPaths(from, key);
     QList<RecordedFolder> taken;
-    for (const qint64 each : std::as_const(moving)) {
-        m_run.earlierPaths[each].append(from.folder(each)->path);
+    for (const qint64 each : QList<qint64>{key} + from.below(key)) {
         taken.append(*from.folder(each));
     }
     if (&from != &to) {

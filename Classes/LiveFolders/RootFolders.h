@@ -27,6 +27,7 @@ public:
 
 private:
     LiveFolderRecord &recordFor(const ZQRef<ZQSidebarWatchedFolder> &root);
+    void noteEarlierPaths(LiveFolderRecord &record, qint64 key); // with all below
     void dropRowsThatWent(LiveFolderRecord &record);
     bool isAtItsPlace(ZQSidebarWatchedFolder &root, LiveFolderRecord &record);
     bool follow(ZQSidebarWatchedFolder &root, LiveFolderRecord &record, const QString &path);

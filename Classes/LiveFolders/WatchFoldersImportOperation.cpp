@@ -114,6 +114,9 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
             ZQOwnChanges::sharedOwnChanges().didChange(row->folderPath());
             row->setLastSyncDate(now);
             run.changedRoots.insert(changed.record->rootKey());
+            if (!run.reasons.contains(changed.key)) {
+                run.reasons.insert(changed.key, QString());
+            }
         }
     }
     for (const qint64 key : std::as_const(run.changedRoots)) {
