@@ -11,7 +11,6 @@
 class DesktopRequests;
 class FixedSidebar;
 class ImportManaging;
-class LiveFolderManaging;
 class ItemTagSync;
 class Launch;
 class LeftoverCheck;
@@ -20,6 +19,7 @@ class LibraryPlaces;
 class LibraryRemovals;
 class LibraryStore;
 class LibrarySwitch;
+class LiveFolderManaging;
 class MainWindowControlling;
 class ModelEnvironment;
 class QProcess;
@@ -129,8 +129,8 @@ public:
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
-    LiveFolderManaging *liveFolderManager() const; // null where no live folder is kept in step
-    UserInteraction &userInteraction() const;      // any thread may ask for it
+    LiveFolderManaging *liveFolderManager() const; // null: none
+    UserInteraction &userInteraction() const; // any thread may ask for it
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;

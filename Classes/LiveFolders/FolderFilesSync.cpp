@@ -4,6 +4,7 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQOpenForWriting.h"
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -341,6 +342,11 @@ void FolderFilesSync::settle()
         }
         if (const Item moved = movedHere(file)) {
             adopt(moved, file);
+            continue;
+        }
+        // An edit that puts a file there has the item saved a moment later.
+        if (ZQOwnChanges::sharedOwnChanges().contains(QFile::encodeName(file.path))) {
+            m_run.toLookAtAgain.insert(file.folder);
             continue;
         }
         QString SHA1;

@@ -16,6 +16,7 @@
 
 namespace {
 constexpr std::chrono::milliseconds statusInterval{250};
+constexpr std::chrono::seconds untilEditsAreSaved{3};
 } // namespace
 
 LiveFolderManager::LiveFolderManager() : m_syncOperationQueue(QStringLiteral("Live folders"), 1)
@@ -214,6 +215,13 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     const QList<ZQObjectID> folders = operation->watchedFoldersIDs() + operation->alsoLookedAt();
     if (operation->isCancelled() && !m_wasStopped) {
         m_wanted.clear(); // whoever ended all of it wants no more
+    }
+    if (!operation->toLookAtAgain().isEmpty()) {
+        QTimer::singleShot(untilEditsAreSaved, this, [this, again = operation->toLookAtAgain()] {
+            for (const ZQObjectID &folder : again) {
+                want(folder, {});
+            }
+        });
     }
     m_running.reset();
     m_statusTimer.stop();

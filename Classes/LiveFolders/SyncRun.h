@@ -61,6 +61,7 @@ struct SyncRun
     QSet<qint64> changedRoots = {};                     // something below them is not as the store had it
     QHash<qint64, QList<QByteArray>> earlierPaths = {}; // of folders that moved in this run
     QHash<qint64, QString> reasons = {};                // why a folder is out of reach, or was left as it is; localized
+    QSet<qint64> toLookAtAgain = {};                    // folders in which an edit is at work
     bool didFail = false; // a save did: what is pending is given up, and nothing further is begun
 
     bool isWanted() const { return !operation.isCancelled() && !didFail; }

@@ -56,6 +56,9 @@ void WatchFoldersImportOperation::main()
         }
         syncFolders(run);
         m_reasons = run.reasons;
+        for (const qint64 key : std::as_const(run.toLookAtAgain)) {
+            m_toLookAtAgain.append(run.folderID(key));
+        }
         m_saveObserver.reset();
         run.moc.reset();
     }
@@ -148,7 +151,7 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
         folder->inode = each.listing.inode;
         folder->fileSystem = isOwnPlace ? fileSystemOfFolder(folder->path) : 0;
         folder->entries = each.listing.entries;
-        folder->isKnown = true;
+        folder->isKnown = !run.toLookAtAgain.contains(each.key);
     }
     // Tags that were written there by now are no change of anybody else's.
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();

@@ -48,6 +48,9 @@ public:
     // After the end: why folders are out of reach or were left as they are; an empty text: they are no longer.
     const QHash<qint64, QString> &reasons() const { return m_reasons; }
 
+    // Folders in which an edit was at work.
+    const QList<ZQObjectID> &toLookAtAgain() const { return m_toLookAtAgain; }
+
     void main() override;
 
 private:
@@ -65,5 +68,6 @@ private:
     bool m_isForced = false;
     SyncProgress m_progress;
     QHash<qint64, QString> m_reasons;
+    QList<ZQObjectID> m_toLookAtAgain;
     ZQManagedObjectContext::Token m_saveObserver;
 };
