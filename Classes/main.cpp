@@ -245,13 +245,15 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     }
     CommandUserInteraction user;
     user.setPolicies(commandLine.duplicatePolicy(), commandLine.unreadablePolicy());
+    LiveFolderManager liveFolders;
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.liveFolderManager = &liveFolders;
     parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
-    // An import takes back what it did, and an edit ends at a batch and says so; everything else can be ended anywhere,
-    // as the system does it.
+    // An import takes back what it did, an edit ends at a batch and a synchronisation at a save, and both say so;
+    // everything else can be ended anywhere, as the system does it.
     std::optional<SignalWatcher> signalWatcher;
     if (commandLine.isImport() || commandLine.isEdit()) {
         signalWatcher.emplace([&user] { user.cancelCurrentWork(); });

@@ -1,5 +1,6 @@
 #include "Classes/Application/LeftoverCheck.h"
 
+#include "Classes/Application/CutOffSyncs.h"
 #include "Classes/Application/LeftoverSearch.h"
 #include "Classes/Application/LibraryBundleManager.h"
 #include "Classes/Application/LibraryPlaces.h"
@@ -81,17 +82,25 @@ void LeftoverCheck::start(std::function<void()> done)
     m_queue = std::make_unique<ZQOperationQueue>(QStringLiteral("leftovers"), 1);
     // Asked before the person can forget those imports.
     auto cutOffImports = m_running.importManager() ? m_running.importManager()->tracesOfCutOffImports() : nullptr;
-    m_queue->addOperationWithBlock(
-        [place = LeftoverSearch::Place{library, m_removals.removalsPath(), m_launchDate, std::move(cutOffImports),
-                                       m_store.coordinatorIfOpen()},
-         stop = m_stop.get_token(), this] {
-            const auto found = LeftoverSearch(place).run(stop);
-            zqOnMainThread([found, stop, this] {
-                if (!stop.stop_requested()) { // else the application that asked may be gone
-                    didSearch(found);
-                }
-            });
+    auto tracesOfAll =
+        [cutOffImports = std::move(cutOffImports),
+         sync = CutOffSyncs::since(m_places.libraryBundleDirectory(), m_launchDate)](const QSet<QString> &bundleIDs) {
+            CutOffImports traces = cutOffImports ? cutOffImports(bundleIDs) : CutOffImports();
+            if (sync && (!traces.since || *sync < *traces.since)) {
+                traces.since = sync;
+            }
+            return traces;
+        };
+    m_queue->addOperationWithBlock([place = LeftoverSearch::Place{library, m_removals.removalsPath(), m_launchDate,
+                                                                  std::move(tracesOfAll), m_store.coordinatorIfOpen()},
+                                    stop = m_stop.get_token(), this] {
+        const auto found = LeftoverSearch(place).run(stop);
+        zqOnMainThread([found, stop, this] {
+            if (!stop.stop_requested()) { // else the application that asked may be gone
+                didSearch(found);
+            }
         });
+    });
 }
 
 bool LeftoverCheck::isRunning() const
@@ -177,6 +186,7 @@ void LeftoverCheck::finish(const QStringList &lost, Check how)
 {
     if (how == Check::SawToAll && m_running.importManager()) {
         m_running.importManager()->didLookThroughLeftovers(m_launchDate);
+        CutOffSyncs::forget(m_places.libraryBundleDirectory(), m_launchDate);
     }
     if (how != Check::WasCutOff) {
         takeBack(lost);

@@ -60,6 +60,10 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     m_running->closeWindow();
     m_running->closeCapture();
     m_storeWork->stop();
+    if (LiveFolderManaging *const manager = m_running->liveFolderManager()) {
+        manager->syncOperationQueue().cancelAllOperations();
+        manager->syncOperationQueue().waitUntilAllOperationsAreFinished();
+    }
     m_running->endBackgroundQueue();
     m_tags->close();
     m_store->close();

@@ -88,6 +88,7 @@ CommandLine::CommandLine()
     defineSmartFolder();
     defineDeletion();
     defineTags();
+    defineLiveFolders();
     defineVerify();
     defineDefaults();
     defineSnapshot();
@@ -277,6 +278,43 @@ void CommandLine::defineTags()
                          "manager's mirrors, and the names of all attributes");
 }
 
+void CommandLine::defineLiveFolders()
+{
+    static const char *const folderHelp =
+        "A live folder: titles from the top, as \"LIVE FOLDERS/Pictures\", its UUID text, or its path";
+    CLI::App *live = m_app->add_subcommand("livefolders", "List the folders on the disk that the library mirrors");
+    live->require_subcommand(0, 1);
+    live->add_flag("--json", m_json,
+                   "Print an array of objects: UUID, title, folderPath, items, folders, state, reason");
+    const auto define = [this](CLI::App *command, std::function<int(CommandContext &)> run) {
+        command->callback([this, command, run = std::move(run)] {
+            if (command->get_subcommands().empty()) { // else that one was meant
+                m_needsLibrary = true;
+                m_run = run;
+            }
+        });
+    };
+    const auto sync = [this](CommandContext &context) {
+        return zqRunSyncLiveFolders(text(m_options->reference), context);
+    };
+    define(live, zqRunLiveFolders);
+    CLI::App *addition =
+        live->add_subcommand("add", "Mirror folders: their pictures become items and stay where they are");
+    addition->add_option("paths", m_options->paths, "Folders on the disk")->required()->type_name("PATH");
+    define(addition, [this](CommandContext &context) { return zqRunAddLiveFolders(texts(m_options->paths), context); });
+    CLI::App *removal =
+        live->add_subcommand("remove", "Take a live folder out of the sidebar; the folder stays on the disk");
+    removal->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
+    define(removal,
+           [this](CommandContext &context) { return zqRunRemoveLiveFolder(text(m_options->reference), context); });
+    for (CLI::App *command : {live->add_subcommand("sync", "Bring a live folder, or all, in step with the disk"),
+                              m_app->add_subcommand("sync", "Bring all live folders, or one, in step with the disk")}) {
+        command->add_option("folder", m_options->reference, folderHelp)->type_name("REF");
+        command->add_flag("--json", m_json, "Print what `zelto livefolders --json` prints");
+        define(command, sync);
+    }
+}
+
 void CommandLine::defineVerify()
 {
     CLI::App *command =
@@ -392,7 +430,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                                                             : DuplicatePolicy::Keep;
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
     m_isImport = m_app->got_subcommand("import");
-    for (const char *edit : {"tag", "note", "rate", "delete", "restore"}) {
+    for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
     m_isSnapshot = m_app->got_subcommand("snapshot");

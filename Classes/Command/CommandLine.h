@@ -39,7 +39,7 @@ public:
     bool isCommand() const { return m_run != nullptr; } // otherwise a window, perhaps with files
     bool needsLibrary() const { return m_needsLibrary; }
     bool isImport() const { return m_isImport; }
-    bool isEdit() const { return m_isEdit; } // of items
+    bool isEdit() const { return m_isEdit; } // of items, or of live folders
     bool isSnapshot() const { return m_isSnapshot; }
     QString library() const { return m_library; } // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
@@ -64,6 +64,7 @@ private:
     void defineSmartFolder();
     void defineDeletion();
     void defineTags();
+    void defineLiveFolders();
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

@@ -64,6 +64,13 @@ int zqRunRate(const QStringList &itemsAndRating, CommandContext &context); // th
 int zqRunTags(CommandContext &context);
 int zqRunAttributes(const QStringList &paths, CommandContext &context);
 
+// The live folders, in order. `reference` of the others: REF, or the path of a live folder.
+int zqRunLiveFolders(CommandContext &context);
+int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context);
+int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context);
+// `reference` empty: all that are enabled.
+int zqRunSyncLiveFolders(const QString &reference, CommandContext &context);
+
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);

@@ -1,15 +1,392 @@
 #include "Classes/LiveFolders/LiveFolderManager.h"
 
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Import/AImportManager.h"
+#include "Classes/LiveFolders/LiveFolderPlaces.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 
-LiveFolderManager::LiveFolderManager() : m_syncOperationQueue(QStringLiteral("Live folders"), 1) {}
+#include <QDir>
+#include <QFileInfo>
 
-void LiveFolderManager::syncWatchedFolder(const ZQObjectID & /*folder*/, bool /*force*/)
+#include <algorithm>
+
+namespace {
+constexpr std::chrono::milliseconds statusInterval{250};
+constexpr std::chrono::seconds untilEditsAreSaved{3};
+} // namespace
+
+LiveFolderManager::LiveFolderManager() : m_syncOperationQueue(QStringLiteral("Live folders"), 1)
 {
-    qCWarning(zqLogImport) << "Live folders are not synchronised; one is left as it is";
+    m_statusTimer.setInterval(statusInterval);
+    connect(&m_statusTimer, &QTimer::timeout, this, [this] {
+        for (const ZQObjectID &folder : m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>()) {
+            postStatus(folder);
+        }
+    });
 }
 
-void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> & /*folders*/)
+LiveFolderManager::~LiveFolderManager()
 {
+    m_wanted.clear();
     m_syncOperationQueue.cancelAllOperations();
+    m_syncOperationQueue.waitUntilAllOperationsAreFinished();
+}
+
+ZQManagedObjectContext *LiveFolderManager::context() const
+{
+    auto *const delegate = tamberin_AppDelegate::sharedDelegate();
+    return delegate ? delegate->managedObjectContext() : nullptr;
+}
+
+QList<ZQRef<ZQSidebarWatchedFolder>> LiveFolderManager::roots() const
+{
+    ZQManagedObjectContext *const store = context();
+    return store ? ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(*store).value_or(
+                       QList<ZQRef<ZQSidebarWatchedFolder>>())
+                 : QList<ZQRef<ZQSidebarWatchedFolder>>();
+}
+
+void LiveFolderManager::postStatus(const ZQObjectID &folder)
+{
+    if (ZQManagedObjectContext *const store = context()) {
+        ZQNotificationCenter::defaultCenter().postNotification(
+            statusDidChange, static_cast<LiveFolderManaging *>(this),
+            {{QStringLiteral("folder"), folder.URIRepresentation(store->persistentStoreCoordinator()->storeUUID())}});
+    }
+}
+
+// This desktop asks nobody for permission; but files are looked for in live folders too when they are not where they
+// were.
+void LiveFolderManager::getLiveFolderPermissionFromSandbox()
+{
+    QStringList paths;
+    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
+        if (!root->is_missing() && !root->is_trashed()) {
+            paths.append(root->folderPath());
+        }
+    }
+    zqSetPersistentURLRoots(paths);
+}
+
+void LiveFolderManager::startObservingWatchedFolders()
+{
+    if (m_watching) {
+        return;
+    }
+    m_watching = std::make_unique<LiveFolderWatching>();
+    connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::folderDidChange);
+    connect(m_watching.get(), &LiveFolderWatching::placesDidChange, this, [this] { syncRootWatchedFolders(); });
+    connect(m_watching.get(), &LiveFolderWatching::reasonDidChange, this, [this] {
+        for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
+            postStatus(root->objectID());
+        }
+    });
+    watchRoots();
+}
+
+void LiveFolderManager::stopObservingWatchedFolders()
+{
+    m_watching.reset();
+}
+
+void LiveFolderManager::watchRoots()
+{
+    if (!m_watching) {
+        return;
+    }
+    QStringList paths;
+    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
+        if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
+            paths.append(root->folderPath());
+        }
+    }
+    m_watching->setRoots(paths);
+}
+
+void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelow)
+{
+    ZQManagedObjectContext *const store = context();
+    if (!store) {
+        return;
+    }
+    // What has no row yet is found by the nearest folder around it that has one.
+    QString known = path;
+    ZQRef<ZQSidebarWatchedFolder> folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
+    while (!folder && known.contains(u'/') && known.size() > 1) {
+        known = QFileInfo(known).path();
+        folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
+    }
+    if (folder && (folder->is_enabled() || folder->is_missing() || folder->is_trashed())) {
+        want(folder->objectID(), {everythingBelow, false});
+    }
+}
+
+void LiveFolderManager::syncFolderAtPath(const QString &path)
+{
+    folderDidChange(QDir::cleanPath(path), false);
+}
+
+// Those that a person disabled are left alone; those that are out of reach are looked for.
+void LiveFolderManager::syncRootWatchedFoldersForceSync(bool force)
+{
+    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
+        if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
+            want(root->objectID(), {true, force});
+        }
+    }
+}
+
+void LiveFolderManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
+{
+    want(folder, {true, force});
+}
+
+void LiveFolderManager::want(const ZQObjectID &folder, Wanted wanted)
+{
+    Wanted &all = m_wanted[folder];
+    all.everythingBelow = all.everythingBelow || wanted.everythingBelow;
+    all.isForced = all.isForced || wanted.isForced;
+    start();
+}
+
+std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
+{
+    auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+    const QString bundle = delegate.libraryBundleDirectory();
+    const QByteArray store = delegate.persistentStoreCoordinator()->storeUUID().toByteArray();
+    if (!m_records || m_recordsBundle != bundle || m_recordsStore != store) {
+        m_recordsBundle = bundle;
+        m_recordsStore = store;
+        m_records = std::make_shared<LiveFolderRecords>(bundle, store);
+    }
+    return m_records;
+}
+
+void LiveFolderManager::start()
+{
+    if (m_running || m_wanted.isEmpty() || !context() || tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
+        return;
+    }
+    QList<ZQObjectID> whole;
+    QList<ZQObjectID> alone;
+    bool isForced = false;
+    for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {
+        (wanted->everythingBelow ? whole : alone).append(wanted.key());
+        isForced = isForced || wanted->isForced;
+    }
+    m_wanted.clear();
+    auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+    delegate.saveAction(); // so that the run sees what the window does
+    m_running = std::make_shared<WatchFoldersImportOperation>(
+        whole, true,
+        WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
+                                          .records = records(),
+                                          .user = delegate.userInteraction(),
+                                          .owner = AImportManager::sharedAImportManager(),
+                                          .syncQueue = &m_syncOperationQueue,
+                                          .sender = static_cast<LiveFolderManaging *>(this)});
+    m_running->setAlsoLookedAt(alone);
+    m_running->setForced(isForced);
+    m_wasStopped = false;
+    m_running->setCompletionBlock([manager = QPointer(this), operation = std::weak_ptr(m_running)] {
+        zqOnMainThread([manager, operation] {
+            const auto ended = operation.lock();
+            if (manager && ended) {
+                manager->didEnd(ended);
+            }
+        });
+    });
+    m_syncOperationQueue.addOperation(m_running);
+    m_statusTimer.start();
+}
+
+void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation)
+{
+    if (operation != m_running) {
+        return;
+    }
+    for (auto reason = operation->reasons().constBegin(); reason != operation->reasons().constEnd(); ++reason) {
+        m_reasons.insert(reason.key(), reason.value());
+    }
+    const QList<ZQObjectID> folders = operation->watchedFoldersIDs() + operation->alsoLookedAt();
+    if (operation->isCancelled() && !m_wasStopped) {
+        m_wanted.clear(); // whoever ended all of it wants no more
+    }
+    if (!operation->toLookAtAgain().isEmpty()) {
+        QTimer::singleShot(untilEditsAreSaved, this, [this, again = operation->toLookAtAgain()] {
+            for (const ZQObjectID &folder : again) {
+                want(folder, {});
+            }
+        });
+    }
+    m_running.reset();
+    m_statusTimer.stop();
+    getLiveFolderPermissionFromSandbox();
+    watchRoots();
+    start();
+    for (const ZQObjectID &folder : folders) {
+        postStatus(folder);
+    }
+}
+
+bool LiveFolderManager::isBelow(const ZQRef<ZQSidebarWatchedFolder> &folder, const QList<ZQObjectID> &folders)
+{
+    QSet<qint64> seen;
+    for (auto each = folder; each && !seen.contains(each->objectID().key);
+         each = zqCast<ZQSidebarWatchedFolder>(each->father())) {
+        if (folders.contains(each->objectID())) {
+            return true;
+        }
+        seen.insert(each->objectID().key);
+    }
+    return false;
+}
+
+void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folders)
+{
+    ZQManagedObjectContext *const store = context();
+    const auto isStopped = [&](const ZQObjectID &id) {
+        return folders.contains(id) ||
+               (store && isBelow(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id)), folders));
+    };
+    m_wanted.removeIf([&](const auto &wanted) { return isStopped(wanted.key()); });
+    if (!m_running) {
+        return;
+    }
+    bool concernsRun = false;
+    QHash<ZQObjectID, Wanted> rest;
+    const auto sortOut = [&](const QList<ZQObjectID> &ids, bool everythingBelow) {
+        for (const ZQObjectID &id : ids) {
+            if (isStopped(id)) {
+                concernsRun = true;
+            } else {
+                rest.insert(id, {everythingBelow, false});
+            }
+        }
+    };
+    sortOut(m_running->watchedFoldersIDs(), true);
+    sortOut(m_running->alsoLookedAt(), false);
+    if (concernsRun) {
+        m_wasStopped = true;
+        m_running->cancel();
+        for (auto wanted = rest.constBegin(); wanted != rest.constEnd(); ++wanted) {
+            want(wanted.key(), *wanted);
+        }
+    }
+}
+
+AddedLiveFolders LiveFolderManager::addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex)
+{
+    AddedLiveFolders result;
+    ZQManagedObjectContext *const store = context();
+    const ZQRef<ZQSidebarBaseItem> label =
+        store ? ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(*store) : nullptr;
+    const QString bundle = store ? tamberin_AppDelegate::sharedDelegate()->libraryBundleDirectory() : QString();
+    QList<ZQRef<ZQSidebarWatchedFolder>> added;
+    quint32 index = atIndex;
+    for (const QString &given : paths) {
+        const QString path = QDir::cleanPath(QDir::current().absoluteFilePath(given));
+        const QString refusal = label ? LiveFolderPlaces::refusal(path, bundle)
+                                      : zqLocalized("The library is not open. Open it and add the folder again.");
+        const auto shown = refusal.isEmpty() ? LiveFolderPlaces::folderThatShows(path, *store) : std::nullopt;
+        if (!refusal.isEmpty()) {
+            result.refused.append({path, refusal});
+        } else if (shown) {
+            result.alreadyThere.append(*shown);
+        } else {
+            const auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(path, *store);
+            folder->setIs_root(true);
+            label->addChild(folder.get(), index);
+            index += index == ZQSidebarBaseItem::appendIndex ? 0 : 1;
+            added.append(folder);
+        }
+    }
+    if (added.isEmpty()) {
+        return result;
+    }
+    ZQError error;
+    if (!store->save(&error)) {
+        for (const ZQRef<ZQSidebarWatchedFolder> &folder : std::as_const(added)) {
+            result.refused.append({folder->folderPath(), error.localizedDescription()});
+            store->deleteObject(folder.get());
+        }
+        return result;
+    }
+    for (const ZQRef<ZQSidebarWatchedFolder> &folder : std::as_const(added)) {
+        result.added.append(folder->objectID());
+    }
+    watchedFoldersDidChange(result.added);
+    return result;
+}
+
+void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders)
+{
+    ZQManagedObjectContext *const store = context();
+    if (!store) {
+        return;
+    }
+    QList<ZQObjectID> left;
+    for (const ZQObjectID &id : folders) {
+        const auto folder = zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id));
+        const bool isWanted =
+            folder && folder->active() && (folder->is_enabled() || folder->is_missing() || folder->is_trashed());
+        if (!isWanted) {
+            left.append(id);
+        }
+    }
+    stopSyncingWatchedFolders(left);
+    watchRoots();
+    for (const ZQObjectID &id : folders) {
+        m_reasons.remove(id.key);
+        if (!left.contains(id)) {
+            want(id, {true, false});
+        }
+        postStatus(id);
+    }
+}
+
+bool LiveFolderManager::isRunningFor(const ZQObjectID &folder) const
+{
+    const QList<ZQObjectID> alone = m_running ? m_running->alsoLookedAt() : QList<ZQObjectID>();
+    if (m_wanted.contains(folder) || alone.contains(folder)) {
+        return true;
+    }
+    QList<ZQObjectID> whole = m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>();
+    for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {
+        if (wanted->everythingBelow) {
+            whole.append(wanted.key());
+        }
+    }
+    ZQManagedObjectContext *const store = whole.isEmpty() ? nullptr : context();
+    return store && isBelow(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(folder)), whole);
+}
+
+LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &folder) const
+{
+    LiveFolderStatus status;
+    status.isSyncing = isRunningFor(folder);
+    if (status.isSyncing && m_running) {
+        const SyncProgress::State progress = m_running->progress();
+        status.filesDone = progress.done;
+        status.filesTotal = progress.total;
+    }
+    ZQManagedObjectContext *const store = context();
+    const auto row = store ? zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(folder)) : nullptr;
+    if (!row) {
+        return status;
+    }
+    status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
+    status.reason = m_reasons.value(folder.key);
+    if (status.reason.isEmpty() && row->is_trashed()) {
+        status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");
+    } else if (status.reason.isEmpty() && row->is_missing()) {
+        status.reason = zqLocalized("Its folder cannot be found. Connect the drive it is on, or put the folder back.");
+    } else if (status.reason.isEmpty() && m_watching) {
+        status.reason = m_watching->reasonFor(row->folderPath());
+    }
+    return status;
 }

@@ -1,35 +1,71 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/LiveFolders/LiveFolderRecords.h"
+#include "Classes/LiveFolders/LiveFolderWatching.h"
+#include "Classes/LiveFolders/WatchFoldersImportOperation.h"
 #include "Kit/Operations/ZQOperationQueue.h"
-#include "Kit/Persistence/ZQObjectID.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
-#include <QList>
+#include <QHash>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
 
-// Keeps live folders in step with the disk. No command makes a live folder, so a library has none: there is nothing to
-// watch, to get access to or to synchronise, and every call returns at once. Main thread.
-class LiveFolderManager : public LiveFolderManaging
+#include <memory>
+#include <optional>
+
+// Keeps live folders in step with the disk: has them watched, and synchronised one run after another. What is asked for
+// while a run goes on becomes one run together. Main thread.
+class LiveFolderManager : public QObject, public LiveFolderManaging
 {
+    Q_OBJECT
 public:
     LiveFolderManager();
+    ~LiveFolderManager() override;
 
     ZQOperationQueue &syncOperationQueue() override { return m_syncOperationQueue; }
-    void getLiveFolderPermissionFromSandbox() override {}
-    void startObservingWatchedFolders() override { m_isObserving = true; }
-    void stopObservingWatchedFolders() override { m_isObserving = false; }
-    bool isObserving() const { return m_isObserving; }
+    void getLiveFolderPermissionFromSandbox() override;
+    void startObservingWatchedFolders() override;
+    void stopObservingWatchedFolders() override;
+    bool isObserving() const { return m_watching != nullptr; }
 
-    void syncRootWatchedFolders() override {}
+    void syncRootWatchedFolders() override { syncRootWatchedFoldersForceSync(false); }
+    void syncRootWatchedFoldersForceSync(bool force);
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
+    void syncFolderAtPath(const QString &path); // does nothing for one that is in no live folder
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override;
-    AddedLiveFolders addNewWatchFolderFromPaths(const QStringList & /*paths*/, quint32 /*atIndex*/) override
-    {
-        return {};
-    }
-    void watchedFoldersDidChange(const QList<ZQObjectID> & /*folders*/) override {}
-    LiveFolderStatus statusOfWatchedFolder(const ZQObjectID & /*folder*/) const override { return {}; }
+    AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override;
+    void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override;
+    LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override;
 
 private:
+    struct Wanted
+    {
+        bool everythingBelow = false;
+        bool isForced = false;
+    };
+
+    ZQManagedObjectContext *context() const; // null without a library
+    QList<ZQRef<ZQSidebarWatchedFolder>> roots() const;
+    void want(const ZQObjectID &folder, Wanted wanted);
+    void start();
+    void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
+    std::shared_ptr<LiveFolderRecords> records();
+    void watchRoots();
+    void folderDidChange(const QString &path, bool everythingBelow);
+    bool isRunningFor(const ZQObjectID &folder) const;
+    void postStatus(const ZQObjectID &folder);
+    static bool isBelow(const ZQRef<ZQSidebarWatchedFolder> &folder, const QList<ZQObjectID> &folders);
+
     ZQOperationQueue m_syncOperationQueue;
-    bool m_isObserving = false;
+    std::shared_ptr<WatchFoldersImportOperation> m_running;
+    bool m_wasStopped = false; // the running one, to leave out some of its folders
+    QHash<ZQObjectID, Wanted> m_wanted;
+    QHash<qint64, QString> m_reasons; // by folder
+    std::unique_ptr<LiveFolderWatching> m_watching;
+    QTimer m_statusTimer;
+    std::shared_ptr<LiveFolderRecords> m_records;
+    QString m_recordsBundle;
+    QByteArray m_recordsStore;
 };

@@ -73,6 +73,36 @@ void zqLookForPersistentURLs(const QList<ZQPersistentURL> &all)
     ZQFileFinder::shared().lookFor(wanted, false);
 }
 
+std::optional<ZQReferencedFile> zqFileOfPersistentURL(const QByteArray &data)
+{
+    const auto reference = ZQFileReference::decoded(data);
+    return reference ? std::optional(ZQReferencedFile{QFile::decodeName(reference->path), reference->file.inode})
+                     : std::nullopt;
+}
+
+bool zqPersistentURLIsAt(const QByteArray &data, const QString &path)
+{
+    const auto reference = referenceOf(data);
+    const auto name = zqSystemPath(path, nullptr);
+    return reference && name && zqIsFile(*name, reference->file);
+}
+
+QByteArray zqMovedPersistentURL(const QByteArray &data, const QString &path)
+{
+    auto reference = referenceOf(data);
+    const auto name = zqSystemPath(path, nullptr);
+    if (!reference || !name || !zqIsFile(*name, reference->file)) {
+        return {};
+    }
+    reference->path = *name;
+    const QByteArray parent = zqFolderOf(*name);
+    if (const auto folder = zqLookAtFile(parent)) {
+        reference->folder = folder->identity;
+        reference->folder.fileSystem = zqFileSystemOf(parent);
+    }
+    return reference->encoded();
+}
+
 void zqTellPersistentURLAgain(const QByteArray &data)
 {
     ZQFileFinder::shared().tellAgain(data);

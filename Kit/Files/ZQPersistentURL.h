@@ -49,6 +49,17 @@ struct ZQPersistentURL
 void zqLookForPersistentURLs(const QList<ZQPersistentURL> &all);
 // Has `moved` called anew the next time, when the reference could not be renewed.
 void zqTellPersistentURLAgain(const QByteArray &data);
+// What a reference says of its file, without a look at the disk; nothing for what is no reference.
+struct ZQReferencedFile
+{
+    QString path; // the last known
+    quint64 inode = 0;
+};
+std::optional<ZQReferencedFile> zqFileOfPersistentURL(const QByteArray &data);
+// Whether the file at `path` is the one that was referenced, whatever it holds by now.
+bool zqPersistentURLIsAt(const QByteArray &data, const QString &path);
+// The same file's reference after it came to `path`: its contents are not read again. Empty when it is not there.
+QByteArray zqMovedPersistentURL(const QByteArray &data, const QString &path);
 // For a process whose caller can always wait, as a command has no window: both functions are the same then.
 void zqSetPersistentURLsWait(bool wait);
 

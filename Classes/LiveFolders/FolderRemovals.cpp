@@ -1,0 +1,180 @@
+#include "Classes/LiveFolders/FolderRemovals.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <chrono>
+
+#include <sys/stat.h>
+
+namespace {
+
+constexpr qsizetype removedWithoutAsking = 50;
+
+// It came back, or was never away.
+bool isInFolder(const ZQLibraryBaseItem &item, const QByteArray &folder)
+{
+    const auto file = zqFileOfPersistentURL(item.itemURLData());
+    const QByteArray path = file ? QFile::encodeName(file->path) : QByteArray();
+    struct stat status = {};
+    return file && path.startsWith(folder + '/') && ::lstat(path.constData(), &status) == 0 &&
+           status.st_ino == file->inode;
+}
+
+struct Answer
+{
+    ZQMutex mutex;
+    ZQCondition given;
+    bool isGiven ZQ_GUARDED_BY(mutex) = false;
+    bool removes ZQ_GUARDED_BY(mutex) = false;
+};
+
+} // namespace
+
+bool FolderRemovals::isMuch(qsizetype gone, qsizetype known)
+{
+    return gone > removedWithoutAsking && 2 * gone > known;
+}
+
+FolderRemovals::OfRoot &FolderRemovals::ofRoot(LiveFolderRecord *record)
+{
+    for (OfRoot &root : m_roots) {
+        if (root.record == record) {
+            return root;
+        }
+    }
+    OfRoot &root = m_roots.emplace_back();
+    root.record = record;
+    return root;
+}
+
+QList<qint64> FolderRemovals::withAllBelow(const LiveFolderRecord &record, qint64 key) const
+{
+    return QList<qint64>{key} + record.below(key);
+}
+
+void FolderRemovals::run(const FolderTreeSync &tree, const FolderFilesSync &files)
+{
+    for (const FolderTreeSync::Gone &gone : tree.gone()) {
+        OfRoot &root = ofRoot(gone.record);
+        qsizetype count = 0;
+        for (const qint64 key : withAllBelow(*gone.record, gone.key)) {
+            count += qsizetype(zqCount(
+                *m_run.moc, {ZQLibraryBaseItem::entityName(),
+                             ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder == %@ AND active == YES"),
+                                                              {QVariant::fromValue(m_run.folderID(key))})}));
+        }
+        root.folders.append(gone);
+        root.count += count;
+        root.what ^= qHash(gone.key, size_t(count));
+        root.isMuch = root.isMuch || isMuch(count, count);
+    }
+    for (const FolderFilesSync::Gone &gone : files.gone()) {
+        OfRoot &root = ofRoot(gone.record);
+        root.files.append(gone);
+        root.count += gone.items.size();
+        root.isMuch = root.isMuch || isMuch(gone.items.size(), gone.known);
+        for (const ZQRef<ZQLibraryBaseItem> &item : gone.items) {
+            root.what ^= qHash(item->objectID().key, size_t(1));
+        }
+    }
+    for (const OfRoot &root : m_roots) {
+        if (root.count + root.folders.size() == 0 || !m_run.isWanted() || !mayRemove(root)) {
+            continue;
+        }
+        for (const FolderFilesSync::Gone &gone : root.files) {
+            const RecordedFolder *const folder = root.record->folder(gone.folder);
+            for (const ZQRef<ZQLibraryBaseItem> &item : gone.items) {
+                if (!folder || !isInFolder(*item, folder->path)) {
+                    item->setActive(false);
+                }
+            }
+        }
+        for (const FolderTreeSync::Gone &gone : root.folders) {
+            removeFolder(*root.record, gone.key);
+        }
+        m_run.changedRoots.insert(root.record->rootKey());
+    }
+}
+
+bool FolderRemovals::mayRemove(const OfRoot &gone)
+{
+    qsizetype known = 0;
+    for (const RecordedFolder &folder : gone.record->folders()) {
+        for (const FolderEntry &entry : folder.entries.all()) {
+            known += entry.isFile() ? 1 : 0;
+        }
+    }
+    if (!gone.isMuch && !isMuch(gone.count, known)) {
+        return true;
+    }
+    const qint64 key = gone.record->rootKey();
+    if (!m_run.records.isKept(key, gone.what) && ask(gone)) {
+        return true;
+    }
+    if (m_run.isWanted()) {
+        m_run.records.keep(key, gone.what);
+        m_run.reasons.insert(key, zqFormat(zqLocalized("%d files are gone from its folder and stay in the library. Put "
+                                                       "them back, or synchronise it now to remove them."),
+                                           {gone.count}));
+    }
+    return false;
+}
+
+// The thread waits for the answer and not for the main thread: quitting, which cancels the operation, may come first.
+bool FolderRemovals::ask(const OfRoot &gone)
+{
+    const ZQRef<ZQSidebarWatchedFolder> root = m_run.folder(gone.record->rootKey());
+    const UserQuestion question{
+        zqFormat(zqLocalized("%d files of the live folder “%@” are gone"),
+                 {gone.count, root ? root->title() : QString()}),
+        zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the library, "
+                    "they leave their projects too. If a drive is not connected, keep them: they are there again when "
+                    "it is."),
+        {zqLocalized("Remove from Library"), zqLocalized("Keep")},
+        {},
+        true};
+    const auto answer = std::make_shared<Answer>();
+    zqOnMainThread([answer, question, &user = m_run.user] {
+        const bool removes = user.ask(question) == 0;
+        const ZQLockGuard lock(answer->mutex);
+        answer->isGiven = true;
+        answer->removes = removes;
+        answer->given.notifyAll();
+    });
+    constexpr std::chrono::milliseconds step(50);
+    const ZQLockGuard lock(answer->mutex);
+    while (!answer->isGiven && m_run.isWanted()) {
+        answer->given.waitFor(answer->mutex, step);
+    }
+    return answer->isGiven && answer->removes && m_run.isWanted();
+}
+
+void FolderRemovals::removeFolder(LiveFolderRecord &record, qint64 key)
+{
+    const RecordedFolder *const folder = record.folder(key);
+    struct stat status = {};
+    const bool isThere = folder && ::lstat(folder->path.constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
+                         status.st_ino == folder->inode;
+    if (!folder || isThere) {
+        return;
+    }
+    const qint64 father = folder->father;
+    QList<qint64> keys = withAllBelow(record, key);
+    std::reverse(keys.begin(), keys.end());
+    for (const qint64 each : std::as_const(keys)) {
+        if (const ZQRef<ZQSidebarWatchedFolder> row = m_run.folder(each)) {
+            row->deleteSelf();
+        }
+    }
+    record.remove(key);
+    if (const ZQRef<ZQSidebarWatchedFolder> row = m_run.folder(father)) {
+        row->reorderChildren();
+    }
+}

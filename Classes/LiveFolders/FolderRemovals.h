@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Classes/LiveFolders/FolderFilesSync.h"
+#include "Classes/LiveFolders/FolderTreeSync.h"
+#include "Classes/LiveFolders/SyncRun.h"
+
+#include <functional>
+
+// What a run found gone leaves the library: items become inactive, so that they come back as they were when their files
+// do, and sub-folders leave the sidebar. Where that is much of a live folder at once, the person is asked first, and
+// without an answer everything stays. No file is touched.
+class FolderRemovals
+{
+public:
+    explicit FolderRemovals(SyncRun &run) : m_run(run) {}
+
+    // Saves nothing.
+    void run(const FolderTreeSync &tree, const FolderFilesSync &files);
+
+    // Whether so many, of a folder that had `known`, are asked about.
+    static bool isMuch(qsizetype gone, qsizetype known);
+
+private:
+    struct OfRoot
+    {
+        LiveFolderRecord *record = nullptr;
+        QList<FolderTreeSync::Gone> folders;
+        QList<FolderFilesSync::Gone> files;
+        qsizetype count = 0;
+        size_t what = 0; // which ones
+        bool isMuch = false;
+    };
+
+    OfRoot &ofRoot(LiveFolderRecord *record);
+    bool mayRemove(const OfRoot &gone);
+    bool ask(const OfRoot &gone);
+    void removeFolder(LiveFolderRecord &record, qint64 key);
+    QList<qint64> withAllBelow(const LiveFolderRecord &record, qint64 key) const;
+
+    SyncRun &m_run;
+    std::vector<OfRoot> m_roots;
+};

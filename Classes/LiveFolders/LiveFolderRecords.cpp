@@ -1,0 +1,72 @@
+#include "Classes/LiveFolders/LiveFolderRecords.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+const QString ending = QStringLiteral(".folder");
+} // namespace
+
+LiveFolderRecords::LiveFolderRecords(const QString &bundle, const QByteArray &store)
+    : m_bundle(bundle), m_folder(bundle + QStringLiteral("/live-folders")), m_store(store)
+{
+}
+
+QString LiveFolderRecords::fileOf(qint64 rootKey) const
+{
+    return m_folder + u'/' + QString::number(rootKey) + ending;
+}
+
+LiveFolderRecord *LiveFolderRecords::recordOfRoot(qint64 rootKey, qint64 stamp)
+{
+    if (!m_records.contains(rootKey)) {
+        if (auto record = LiveFolderRecord::readFrom(fileOf(rootKey), m_store, rootKey)) {
+            m_records.insert_or_assign(rootKey, *std::move(record));
+        }
+    }
+    LiveFolderRecord *const record = recordOfRootInMemory(rootKey);
+    return record && record->stamp() == stamp ? record : nullptr;
+}
+
+LiveFolderRecord &LiveFolderRecords::newRecordOfRoot(qint64 rootKey)
+{
+    return m_records.insert_or_assign(rootKey, LiveFolderRecord(rootKey)).first->second;
+}
+
+LiveFolderRecord *LiveFolderRecords::recordOfRootInMemory(qint64 rootKey)
+{
+    const auto place = m_records.find(rootKey);
+    return place == m_records.end() ? nullptr : &place->second;
+}
+
+void LiveFolderRecords::write(qint64 rootKey)
+{
+    const LiveFolderRecord *const record = recordOfRootInMemory(rootKey);
+    ZQError error;
+    if (record && (!zqMakeFolder(m_folder) || !record->writeTo(fileOf(rootKey), m_store, &error))) {
+        qCWarning(zqLogFiles).noquote() << "What was seen of a live folder is not kept, so that it is compared in full "
+                                           "the next time:"
+                                        << error.localizedDescription();
+    }
+}
+
+void LiveFolderRecords::forget(qint64 rootKey)
+{
+    m_records.erase(rootKey);
+}
+
+void LiveFolderRecords::removeAllBut(const QSet<qint64> &rootKeys)
+{
+    std::erase_if(m_records, [&rootKeys](const auto &entry) { return !rootKeys.contains(entry.first); });
+    const QStringList files = QDir(m_folder).entryList({u'*' + ending}, QDir::Files);
+    for (const QString &file : files) {
+        bool isNumber = false;
+        const qint64 key = file.chopped(ending.size()).toLongLong(&isNumber);
+        if (isNumber && !rootKeys.contains(key)) {
+            QFile::remove(m_folder + u'/' + file);
+        }
+    }
+}

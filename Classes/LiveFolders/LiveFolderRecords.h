@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Classes/LiveFolders/LiveFolderRecord.h"
+
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <unordered_map>
+
+// The records of all roots of the open library, in its bundle, and what the person decided while it is open. One
+// operation at a time uses it.
+class LiveFolderRecords
+{
+public:
+    LiveFolderRecords(const QString &bundle, const QByteArray &store);
+
+    const QString &bundle() const { return m_bundle; }
+    // As it was kept when the store had `stamp` for the root; null when there is none of that moment.
+    LiveFolderRecord *recordOfRoot(qint64 rootKey, qint64 stamp);
+    LiveFolderRecord &newRecordOfRoot(qint64 rootKey);
+    LiveFolderRecord *recordOfRootInMemory(qint64 rootKey);
+    void write(qint64 rootKey);  // a failure is logged: the next run compares with the store
+    void forget(qint64 rootKey); // what is in memory is not what the store holds
+    void removeAllBut(const QSet<qint64> &rootKeys);
+
+    // Items whose files are gone and that the person wants to keep are not asked about again while this lives, unless
+    // others join them.
+    bool isKept(qint64 folderKey, size_t what) const { return m_kept.value(folderKey) == what; }
+    void keep(qint64 folderKey, size_t what) { m_kept.insert(folderKey, what); }
+    void forgetKept() { m_kept.clear(); }
+
+private:
+    QString fileOf(qint64 rootKey) const;
+
+    const QString m_bundle;
+    const QString m_folder;
+    const QByteArray m_store;
+    std::unordered_map<qint64, LiveFolderRecord> m_records;
+    QHash<qint64, size_t> m_kept;
+};

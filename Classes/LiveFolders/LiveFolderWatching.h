@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Kit/Files/ZQFileWatcher.h"
+
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+// What the disk tells of live folders, in their terms: which folder to look at. Main thread.
+class LiveFolderWatching : public QObject
+{
+    Q_OBJECT
+public:
+    explicit LiveFolderWatching(QObject *parent = nullptr);
+
+    // Exactly these are watched from now on; also those that are not there, so that their return is seen.
+    void setRoots(const QStringList &roots);
+    bool isSwept(const QString &root) const { return m_watcher.isSwept(root); }
+    // Why changes below a root are not told at once, localized; empty: they are.
+    QString reasonFor(const QString &root) const;
+
+Q_SIGNALS:
+    void folderDidChange(const QString &folder, bool everythingBelow);
+    void placesDidChange(); // something was mounted or unmounted
+    void reasonDidChange(); // of any root
+
+private:
+    ZQFileWatcher m_watcher;
+    QSet<QString> m_roots;
+    qint64 m_watchesNeeded = 0; // more than the system gives
+};

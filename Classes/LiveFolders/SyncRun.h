@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Classes/Import/ImportSettings.h"
+#include "Classes/LiveFolders/LiveFolderRecords.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
+#include "Kit/Operations/ZQOperation.h"
+#include "Kit/Persistence/ZQManagedObjectContext.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QSet>
+
+#include <functional>
+#include <memory>
+
+class UserInteraction;
+
+// How far a run is, for whoever shows it. Any thread.
+class SyncProgress
+{
+public:
+    struct State
+    {
+        qsizetype done = 0;
+        qsizetype total = 0;
+    };
+    State state() const
+    {
+        const ZQLockGuard lock(m_mutex);
+        return m_state;
+    }
+    void begin(qsizetype total)
+    {
+        const ZQLockGuard lock(m_mutex);
+        m_state = {0, total};
+    }
+    void advance()
+    {
+        const ZQLockGuard lock(m_mutex);
+        ++m_state.done;
+    }
+
+private:
+    mutable ZQMutex m_mutex;
+    State m_state ZQ_GUARDED_BY(m_mutex);
+};
+
+// What the parts of one synchronisation share. The operation's thread.
+struct SyncRun
+{
+    ZQOperation &operation; // its cancel ends the run
+    UserInteraction &user;
+    const ImportSettings settings;
+    const std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
+    LiveFolderRecords &records;
+    SyncProgress &progress;
+    const bool isForced; // what records say does not count, and what was decided is asked again
+
+    std::unique_ptr<ZQManagedObjectContext> moc = {};
+    QSet<qint64> changedRoots = {};                     // something below them is not as the store had it
+    QHash<qint64, QList<QByteArray>> earlierPaths = {}; // of folders that moved in this run
+    QHash<qint64, QString> reasons = {};                // why a folder is out of reach, or was left as it is; localized
+    QSet<qint64> toLookAtAgain = {};                    // folders in which an edit is at work
+    bool didFail = false; // a save did: what is pending is given up, and nothing further is begun
+
+    bool isWanted() const { return !operation.isCancelled() && !didFail; }
+    ZQObjectID folderID(qint64 key) const { return {moc->model().entity(ZQSidebarWatchedFolder::entityName()), key}; }
+    // Null when it is gone.
+    ZQRef<ZQSidebarWatchedFolder> folder(qint64 key) const
+    {
+        return zqCast<ZQSidebarWatchedFolder>(moc->existingObjectWithID(folderID(key)));
+    }
+    // Everything or nothing; a failure is logged.
+    bool save();
+};

@@ -1,0 +1,206 @@
+#include "Classes/LiveFolders/WatchFoldersImportOperation.h"
+
+#include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Import/ImportOwner.h"
+#include "Classes/LiveFolders/FolderPlace.h"
+#include "Classes/LiveFolders/FolderRemovals.h"
+#include "Classes/Tags/TagFileWriter.h"
+#include "Kit/Files/ZQOwnChanges.h"
+#include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+WatchFoldersImportOperation::WatchFoldersImportOperation(const QList<ZQObjectID> &watchedFoldersIDs,
+                                                         bool shouldTraversSubFolders, const Uses &uses)
+    : m_watchedFoldersIDs(watchedFoldersIDs), m_shouldTraversSubFolders(shouldTraversSubFolders), m_uses(uses)
+{
+}
+
+void WatchFoldersImportOperation::post(const QString &name, const ZQObjectID &folder) const
+{
+    const QUuid store = m_uses.coordinator ? m_uses.coordinator->storeUUID() : QUuid();
+    ZQNotificationCenter::defaultCenter().postNotification(
+        name, m_uses.sender, {{QStringLiteral("folder"), folder.URIRepresentation(store)}});
+}
+
+void WatchFoldersImportOperation::setupManagedObjectContext(SyncRun &run)
+{
+    run.moc = std::make_unique<ZQManagedObjectContext>(m_uses.coordinator, ZQMergePolicy::PropertyObjectTrump);
+    m_saveObserver = run.moc->observeDidSave([this](const ZQContextDidSave &notification) {
+        zqOnMainThreadAndWait([this, &notification] { m_uses.owner.mergeChanges(notification); });
+    });
+}
+
+void WatchFoldersImportOperation::main()
+{
+    const QList<ZQObjectID> all = m_watchedFoldersIDs + m_alone;
+    if (m_uses.coordinator && m_uses.records && !isCancelled()) {
+        SyncRun run{.operation = *this,
+                    .user = m_uses.user,
+                    .settings = ImportSettings::current(),
+                    .coordinator = m_uses.coordinator,
+                    .records = *m_uses.records,
+                    .progress = m_progress,
+                    .isForced = m_isForced};
+        setupManagedObjectContext(run);
+        for (const ZQObjectID &folder : all) {
+            post(LiveFolderManaging::didStartSync, folder);
+        }
+        if (m_isForced) {
+            run.records.forgetKept();
+        }
+        syncFolders(run);
+        m_reasons = run.reasons;
+        for (const qint64 key : std::as_const(run.toLookAtAgain)) {
+            m_toLookAtAgain.append(run.folderID(key));
+        }
+        m_saveObserver.reset();
+        run.moc.reset();
+    }
+    for (const ZQObjectID &folder : all) {
+        post(LiveFolderManaging::didEndSync, folder);
+    }
+}
+
+void WatchFoldersImportOperation::syncFolders(SyncRun &run)
+{
+    RootFolders roots(run);
+    FolderTreeSync tree(run, roots);
+    const auto add = [&](const QList<ZQObjectID> &ids, bool everythingBelow) {
+        for (const ZQObjectID &id : ids) {
+            const auto folder = zqCast<ZQSidebarWatchedFolder>(run.moc->existingObjectWithID(id));
+            if (folder && folder->active() && run.isWanted()) {
+                tree.add(folder, everythingBelow);
+            }
+        }
+    };
+    add(m_watchedFoldersIDs, m_shouldTraversSubFolders);
+    add(m_alone, false);
+    if (run.save() && tree.run()) {
+        FolderFilesSync files(run);
+        files.run(tree.changed());
+        if (files.isComplete()) {
+            FolderRemovals(run).run(tree, files);
+            checkOrphans(run, roots);
+            finish(run, tree, files);
+        }
+    } else {
+        run.save();
+    }
+    // What the records say in memory is behind what they say of the tree.
+    for (const qint64 root : std::as_const(run.changedRoots)) {
+        if (!run.isWanted()) {
+            run.records.forget(root);
+        }
+    }
+    QSet<qint64> keys;
+    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots.all()) {
+        keys.insert(root->objectID().key);
+    }
+    if (run.isWanted()) {
+        run.records.removeAllBut(keys);
+    }
+}
+
+void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, const FolderFilesSync &files)
+{
+    const QDateTime now = zqNow();
+    for (const FolderTreeSync::Changed &changed : tree.changed()) {
+        if (const auto row = changed.record->folder(changed.key) ? run.folder(changed.key) : nullptr) {
+            ZQOwnChanges::sharedOwnChanges().note(row->folderPath());
+            row->updateFolderOpenMetaSyncDate();
+            ZQOwnChanges::sharedOwnChanges().didChange(row->folderPath());
+            row->setLastSyncDate(now);
+            run.changedRoots.insert(changed.record->rootKey());
+            if (!run.reasons.contains(changed.key)) {
+                run.reasons.insert(changed.key, QString());
+            }
+        }
+    }
+    for (const qint64 key : std::as_const(run.changedRoots)) {
+        if (const auto root = run.folder(key)) {
+            root->setLastSyncDate(now);
+        }
+    }
+    if (run.save() && run.isWanted()) {
+        for (const qint64 key : std::as_const(run.changedRoots)) {
+            if (LiveFolderRecord *const record = run.records.recordOfRootInMemory(key)) {
+                record->setStamp(now.toMSecsSinceEpoch());
+            }
+        }
+        writeRecords(run, tree.changed(), files.touched());
+    }
+}
+
+void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed,
+                                               const QStringList &touched)
+{
+    for (const FolderTreeSync::Changed &each : changed) {
+        RecordedFolder *const folder = each.record->folder(each.key);
+        if (!folder) {
+            continue;
+        }
+        const RecordedFolder *const father = each.record->folder(folder->father);
+        const bool isOwnPlace = !father || father->device != each.listing.device;
+        folder->device = each.listing.device;
+        folder->inode = each.listing.inode;
+        folder->fileSystem = isOwnPlace ? fileSystemOfFolder(folder->path) : 0;
+        folder->entries = each.listing.entries;
+        folder->isKnown = !run.toLookAtAgain.contains(each.key);
+    }
+    // Tags that were written there by now are no change of anybody else's.
+    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    QHash<QByteArray, QList<QByteArray>> names;
+    for (const QString &path : touched) {
+        const QFileInfo file(path);
+        names[QFile::encodeName(file.path())].append(QFile::encodeName(file.fileName()));
+    }
+    for (const FolderTreeSync::Changed &each : changed) {
+        RecordedFolder *const folder = each.record->folder(each.key);
+        const auto place = folder ? names.constFind(folder->path) : names.constEnd();
+        if (place == names.constEnd()) {
+            continue;
+        }
+        const FolderListing now = FolderListing::ofFolder(folder->path, FolderListing::Links::Followed);
+        for (const QByteArray &name : *place) {
+            const std::string_view text(name.constData(), std::size_t(name.size()));
+            const FolderEntry *const present = now.entries.find(text);
+            auto *const entry = const_cast<FolderEntry *>(folder->entries.find(text));
+            if (present && entry && present->inode == entry->inode && present->hasContentOf(*entry)) {
+                entry->change = present->change;
+            }
+        }
+    }
+    for (const qint64 key : std::as_const(run.changedRoots)) {
+        run.records.write(key);
+    }
+}
+
+// Items of live folders that went, and whose files nobody follows any more.
+void WatchFoldersImportOperation::checkOrphans(SyncRun &run, RootFolders &roots)
+{
+    const bool isAlone = !m_uses.syncQueue || m_uses.syncQueue->operationCount() <= 1;
+    if (!isAlone || !m_shouldTraversSubFolders || !run.isWanted()) {
+        return;
+    }
+    const auto items = zqFetch<ZQLibraryBaseItem>(
+        *run.moc, QStringLiteral("watchingFolder == nil AND managed == NO AND active == YES"));
+    if (!items || items->isEmpty()) {
+        return;
+    }
+    ZQLibraryBaseItem::lookForFiles(*items);
+    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        const QString path = item->findItemURL();
+        const QList<ZQRef<ZQSidebarWatchedFolder>> all = roots.all();
+        const bool isInside = std::any_of(
+            all.begin(), all.end(), [&path](const auto &root) { return path.startsWith(root->folderPath() + u'/'); });
+        if (path.isEmpty() || !isInside || !QFileInfo::exists(path)) {
+            item->setActive(false);
+        }
+    }
+}

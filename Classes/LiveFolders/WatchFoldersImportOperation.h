@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Classes/LiveFolders/FolderFilesSync.h"
+#include "Classes/LiveFolders/FolderTreeSync.h"
+#include "Classes/LiveFolders/RootFolders.h"
+#include "Classes/LiveFolders/SyncRun.h"
+#include "Kit/Operations/ZQOperation.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+
+#include <QList>
+
+#include <functional>
+#include <memory>
+
+class ImportOwner;
+
+// Brings live folders in step with the disk: sub-folders become live folders below them, files become items that stay
+// where they are, what changed is read again, what moved is followed, and what is gone leaves the library. Files are
+// never written to but for their tags, and never moved, hidden or removed.
+//
+// Everything is compared with what was there the last time, so that a folder that is as it was costs no look at the
+// store. Files reach the disk before the store names them, and the record of what was seen follows the store, so that a
+// killed run is gone on with by the next. A cancel ends it at its last save.
+//
+// Made on the main thread; runs on the queue's.
+class WatchFoldersImportOperation : public ZQOperation
+{
+public:
+    struct Uses
+    {
+        std::shared_ptr<ZQPersistentStoreCoordinator> coordinator; // null: there is no store
+        std::shared_ptr<LiveFolderRecords> records;
+        UserInteraction &user;
+        ImportOwner &owner;          // merges what is saved
+        ZQOperationQueue *syncQueue; // null: orphans are looked for in any case
+        const void *sender;          // the notifications' object
+    };
+    // With `shouldTraversSubFolders` everything below the folders is looked at as well; new and moved ones always are.
+    WatchFoldersImportOperation(const QList<ZQObjectID> &watchedFoldersIDs, bool shouldTraversSubFolders,
+                                const Uses &uses);
+
+    void setForced(bool forced) { m_isForced = forced; }                          // before the start
+    void setAlsoLookedAt(const QList<ZQObjectID> &folders) { m_alone = folders; } // without what is below; the same
+
+    const QList<ZQObjectID> &watchedFoldersIDs() const { return m_watchedFoldersIDs; }
+    const QList<ZQObjectID> &alsoLookedAt() const { return m_alone; }
+    SyncProgress::State progress() const { return m_progress.state(); } // any thread
+    // After the end: why folders are out of reach or were left as they are; an empty text: they are no longer.
+    const QHash<qint64, QString> &reasons() const { return m_reasons; }
+
+    // Folders in which an edit was at work.
+    const QList<ZQObjectID> &toLookAtAgain() const { return m_toLookAtAgain; }
+
+    void main() override;
+
+private:
+    void setupManagedObjectContext(SyncRun &run);
+    void post(const QString &name, const ZQObjectID &folder) const;
+    void syncFolders(SyncRun &run);
+    void finish(SyncRun &run, FolderTreeSync &tree, const FolderFilesSync &files);
+    void checkOrphans(SyncRun &run, RootFolders &roots);
+    void writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed, const QStringList &touched);
+
+    const QList<ZQObjectID> m_watchedFoldersIDs;
+    const bool m_shouldTraversSubFolders;
+    const Uses m_uses;
+    QList<ZQObjectID> m_alone;
+    bool m_isForced = false;
+    SyncProgress m_progress;
+    QHash<qint64, QString> m_reasons;
+    QList<ZQObjectID> m_toLookAtAgain;
+    ZQManagedObjectContext::Token m_saveObserver;
+};
