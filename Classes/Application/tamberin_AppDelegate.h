@@ -19,6 +19,7 @@ class LibraryPlaces;
 class LibraryRemovals;
 class LibraryStore;
 class LibrarySwitch;
+class LiveFolderManaging;
 class MainWindowControlling;
 class ModelEnvironment;
 class QProcess;
