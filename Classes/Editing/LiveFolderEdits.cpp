@@ -117,11 +117,12 @@ private:
     // A person's file goes from its old place only once the store says where it is.
     bool save()
     {
+        const bool isOnDisk = m_files.flush();
         if (!m_run.save()) {
             m_files.takeBack();
             return false;
         }
-        if (!m_run.context().hasChanges()) { // else they are kept to be saved with what comes
+        if (isOnDisk && !m_run.context().hasChanges()) { // else they are kept to be saved with what comes
             m_files.removeSources(m_problems);
         }
         for (const Change &change : std::as_const(m_changes)) {
