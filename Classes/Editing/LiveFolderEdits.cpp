@@ -28,7 +28,8 @@ namespace {
 using IDs = QList<ZQObjectID>;
 using Folder = ZQRef<ZQSidebarWatchedFolder>;
 
-constexpr qsizetype filesPerBatch = 16;   // copied before a save names them
+constexpr qsizetype filesPerBatch = 16; // copied before a save names them
+constexpr qsizetype filesOfManyPerBatch = 64;
 constexpr qint64 bytesPerRow = 8LL << 20; // copying so much takes about as long as a small file
 
 bool isOfLiveFolder(const ZQLibraryBaseItem &item)
@@ -227,7 +228,7 @@ EditSize sizeOf(EditContext &edits, const IDs &items, const ZQObjectID &into)
     const dev_t device = folder ? deviceOf(folder->folderURL()) : 0;
     QHash<qint64, bool> isCopiedFrom; // by live folder
     qint64 bytes = 0;
-    bool isCopied = items.size() > LiveFolderEdits::mostAtOnce;
+    bool isCopied = items.size() > LiveFolderEdits::mostAtOnce; // or may be
     for (qsizetype i = 0; i < items.size() && items.size() <= LiveFolderEdits::mostAtOnce; ++i) {
         const auto item = edits.libraryItem(items[i]);
         const auto from = item && isOfLiveFolder(*item) ? item->watchingFolder() : Folder();
@@ -240,7 +241,8 @@ EditSize sizeOf(EditContext &edits, const IDs &items, const ZQObjectID &into)
         }
     }
     const qint64 rows = std::max<qint64>(items.size(), bytes / bytesPerRow);
-    return {rows, isCopied ? 0 : LiveFolderEdits::mostAtOnce, filesPerBatch};
+    const bool areMany = items.size() > LiveFolderEdits::mostAtOnce;
+    return {rows, isCopied ? 0 : LiveFolderEdits::mostAtOnce, areMany ? filesOfManyPerBatch : filesPerBatch};
 }
 
 } // namespace

@@ -87,6 +87,13 @@ TEST_F(LibraryItemFiles, TheLongestTitleIsTheOneWhoseThumbnailStillHasANameWhile
     EXPECT_EQ(item->thumbName(), QStringLiteral("lost_thumb.png"));
 }
 
+TEST_F(LibraryItemFiles, AFileWithTheLongestNameCanBeRenamed)
+{
+    const auto item = liveItem(liveFolder(QStringLiteral("live")), QString(251, u'x') + QStringLiteral(".jpg"));
+    EXPECT_TRUE(item->setNewTitle(QStringLiteral("short")));
+    EXPECT_EQ(QDir(library.path(QStringLiteral("live"))).entryList(QDir::Files), QStringList{"short.jpg"});
+}
+
 TEST_F(LibraryItemFiles, ARenameOntoAnotherFileLeavesBothAsTheyWere)
 {
     const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), "mine");
