@@ -65,7 +65,7 @@ TEST_F(VerifiedCopy, OnPoorFileSystemsNothingIsReplacedEither)
     EXPECT_FALSE(zqMoveNoted(path(QStringLiteral("missing")), path(QStringLiteral("b")), &error));
     EXPECT_EQ(error.code, ENOENT);
     EXPECT_FALSE(zqMoveNoted(deep, deep + QStringLiteral("/inside")));
-    EXPECT_EQ(namesBelow(path(QStringLiteral("."))), (QStringList{"TMPDIR", "a", "deep", "deep/in", "taken"}))
+    EXPECT_EQ(namesBelow(path({}).chopped(1)), (QStringList{"TMPDIR", "a", "deep", "deep/in", "taken"}))
         << "and no name is left taken";
     EXPECT_TRUE(zqMoveNoted(a, path(QStringLiteral("b"))));
     EXPECT_TRUE(zqMoveNoted(deep, path(QStringLiteral("there"))));
