@@ -1,6 +1,7 @@
 #include "Classes/Editing/ArrivedFiles.h"
 
 #include "Classes/Editing/FileProblems.h"
+#include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -68,6 +69,17 @@ QString ArrivedFiles::move(const QString &from, const QString &folder, const QSt
         m_copied.last().from = from;
     }
     return to;
+}
+
+bool ArrivedFiles::flush() const
+{
+    ZQError error;
+    if (m_copied.isEmpty() || zqSyncFileSystem(m_copied.last().to, &error)) { // all went to one folder
+        return true;
+    }
+    qCWarning(zqLogFiles, "the copies of files may not be on the disk: %s",
+              qUtf8Printable(error.localizedDescription()));
+    return false;
 }
 
 void ArrivedFiles::takeBack()

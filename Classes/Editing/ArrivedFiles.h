@@ -23,6 +23,8 @@ public:
     QString copy(const QString &from, const QString &folder, const QString &name, ZQError *error);
     ZQOwnMoves &renamed() { return m_renamed; } // by others than these, for the same batch
 
+    // Before the store names them. False, logged, when they may not be on the disk.
+    bool flush() const;
     // The store does not know of them.
     void takeBack();
     // The store knows: what had to be copied to be moved goes to the trash at its old place, unless it changed since.

@@ -28,7 +28,8 @@ namespace {
 using IDs = QList<ZQObjectID>;
 using Folder = ZQRef<ZQSidebarWatchedFolder>;
 
-constexpr qsizetype filesPerBatch = 16;   // copied before a save names them
+constexpr qsizetype filesPerBatch = 16; // copied before a save names them
+constexpr qsizetype filesOfManyPerBatch = 64;
 constexpr qint64 bytesPerRow = 8LL << 20; // copying so much takes about as long as a small file
 
 bool isOfLiveFolder(const ZQLibraryBaseItem &item)
@@ -117,11 +118,12 @@ private:
     // A person's file goes from its old place only once the store says where it is.
     bool save()
     {
+        const bool isOnDisk = m_files.flush();
         if (!m_run.save()) {
             m_files.takeBack();
             return false;
         }
-        if (!m_run.context().hasChanges()) { // else they are kept to be saved with what comes
+        if (isOnDisk && !m_run.context().hasChanges()) { // else they are kept to be saved with what comes
             m_files.removeSources(m_problems);
         }
         for (const Change &change : std::as_const(m_changes)) {
@@ -226,7 +228,7 @@ EditSize sizeOf(EditContext &edits, const IDs &items, const ZQObjectID &into)
     const dev_t device = folder ? deviceOf(folder->folderURL()) : 0;
     QHash<qint64, bool> isCopiedFrom; // by live folder
     qint64 bytes = 0;
-    bool isCopied = items.size() > LiveFolderEdits::mostAtOnce;
+    bool isCopied = items.size() > LiveFolderEdits::mostAtOnce; // or may be
     for (qsizetype i = 0; i < items.size() && items.size() <= LiveFolderEdits::mostAtOnce; ++i) {
         const auto item = edits.libraryItem(items[i]);
         const auto from = item && isOfLiveFolder(*item) ? item->watchingFolder() : Folder();
@@ -239,7 +241,8 @@ EditSize sizeOf(EditContext &edits, const IDs &items, const ZQObjectID &into)
         }
     }
     const qint64 rows = std::max<qint64>(items.size(), bytes / bytesPerRow);
-    return {rows, isCopied ? 0 : LiveFolderEdits::mostAtOnce, filesPerBatch};
+    const bool areMany = items.size() > LiveFolderEdits::mostAtOnce;
+    return {rows, isCopied ? 0 : LiveFolderEdits::mostAtOnce, areMany ? filesOfManyPerBatch : filesPerBatch};
 }
 
 } // namespace

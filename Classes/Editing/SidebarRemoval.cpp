@@ -39,9 +39,7 @@ void SidebarActivation::remove(const Item &row)
         return;
     }
     row->deleteSelf();
-    if (row->isWatchedFolder()) {
-        m_liveFolders.append(row->objectID());
-    }
+    addLiveFolder(row);
 }
 
 void SidebarActivation::restore(const Item &row)
@@ -52,7 +50,14 @@ void SidebarActivation::restore(const Item &row)
         return;
     }
     row->restoreSelf();
-    if (row->isWatchedFolder()) {
+    addLiveFolder(row);
+}
+
+// Those below go with it.
+void SidebarActivation::addLiveFolder(const Item &row)
+{
+    const Item father = row->isWatchedFolder() ? row->father() : Item();
+    if (row->isWatchedFolder() && (!father || !father->isWatchedFolder())) {
         m_liveFolders.append(row->objectID());
     }
 }

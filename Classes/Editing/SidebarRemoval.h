@@ -29,6 +29,7 @@ public:
 
 private:
     void add(const ZQRef<ZQSidebarBaseItem> &tag);
+    void addLiveFolder(const ZQRef<ZQSidebarBaseItem> &row);
 
     EditContext &m_edits;
     LiveFolderManaging *m_manager; // null: nobody

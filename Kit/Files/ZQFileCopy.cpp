@@ -349,6 +349,48 @@ QByteArray zqSHA1OfFile(const QString &path, ZQError *error)
     return result ? result->SHA1 : QByteArray();
 }
 
+namespace {
+
+bool isSame(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// On a file system that cannot be told to replace nothing. A link refuses an existing name as well; where there are
+// none, the name is taken first, by what the renaming then replaces: nobody else gets it in between.
+bool moveToOwnName(const QByteArray &from, const QByteArray &to, ZQError *error)
+{
+    struct stat source = {};
+    struct stat taken = {};
+    struct stat now = {};
+    if (lstat(from.constData(), &source) != 0) {
+        return zqFailWithErrno(error, from);
+    }
+    if (link(from.constData(), to.constData()) == 0) {
+        const bool isStill = lstat(from.constData(), &now) == 0 && isSame(now, source);
+        return !isStill || unlink(from.constData()) == 0 || zqFailWithErrno(error, from);
+    }
+    const bool isFolder = S_ISDIR(source.st_mode);
+    const ZQFileDescriptor file(isFolder ? -1 : open(to.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (isFolder ? mkdir(to.constData(), S_IRWXU) != 0 : !file.isOpen()) {
+        return zqFailWithErrno(error, errno == EEXIST ? to : from);
+    }
+    const bool isKnown = lstat(to.constData(), &taken) == 0;
+    if (rename(from.constData(), to.constData()) == 0) {
+        return true;
+    }
+    const int failure = errno;
+    if (isFolder) {
+        rmdir(to.constData()); // not one that holds anything
+    } else if (isKnown && lstat(to.constData(), &now) == 0 && isSame(now, taken) && now.st_size == 0) {
+        unlink(to.constData());
+    }
+    errno = failure;
+    return zqFailWithErrno(error, from);
+}
+
+} // namespace
+
 bool zqMoveNoReplace(const QString &source, const QString &destination, ZQError *error)
 {
     const auto from = zqSystemPath(source, error);
@@ -362,16 +404,7 @@ bool zqMoveNoReplace(const QString &source, const QString &destination, ZQError 
     if (errno != EINVAL && errno != ENOSYS) {
         return zqFailWithErrno(error, errno == EEXIST ? *to : *from);
     }
-    // A file system that does not know the flag: a link refuses an existing name as well, a folder has to be looked at.
-    if (link(from->constData(), to->constData()) == 0) {
-        return unlink(from->constData()) == 0 || zqFailWithErrno(error, *from);
-    }
-    struct stat status = {};
-    if (lstat(to->constData(), &status) == 0) {
-        errno = EEXIST;
-        return zqFailWithErrno(error, *to);
-    }
-    return rename(from->constData(), to->constData()) == 0 || zqFailWithErrno(error, *from);
+    return moveToOwnName(*from, *to, error);
 }
 
 namespace {

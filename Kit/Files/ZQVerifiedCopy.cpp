@@ -57,13 +57,15 @@ QString below(const QString &path, const QByteArray &entry)
     return entry.isEmpty() ? path : path + u'/' + QFile::decodeName(entry);
 }
 
-bool isAlike(const QString &source, const QString &copy, const ZQTreeState &state, ZQError *error)
+// `digest`: what was read of the source while it was copied; empty for a folder.
+bool isAlike(const QString &source, const QString &copy, const ZQTreeState &state, const QByteArray &digest,
+             ZQError *error)
 {
     for (auto each = state.entries.cbegin(); each != state.entries.cend(); ++each) {
         if (each->type != S_IFREG) {
             continue;
         }
-        const QByteArray from = zqSHA1OfFile(below(source, each.key()), error);
+        const QByteArray from = digest.isEmpty() ? zqSHA1OfFile(below(source, each.key()), error) : digest;
         const QByteArray to = from.isEmpty() ? QByteArray() : zqSHA1OfFile(below(copy, each.key()), error);
         if (to.isEmpty()) {
             return false;
@@ -97,12 +99,13 @@ std::optional<ZQVerifiedCopy> ZQVerifiedCopy::make(const QString &source, const 
                                         zqFormat(zqLocalized("“%@” is no file and no folder."), {source})));
         return std::nullopt;
     }
-    if (!zqCopyFile(source, destination, error, isCancelled)) {
+    const auto copied = zqCopyFile(source, destination, error, isCancelled);
+    if (!copied) {
         return std::nullopt;
     }
     ZQError problem;
-    if (zqSyncFileSystem(destination, &problem) && isAlike(source, destination, *before, &problem) &&
-        ZQTreeState::of(source, &problem) != before && problem.isNull()) {
+    if (isAlike(source, destination, *before, copied->SHA1, &problem) && ZQTreeState::of(source, &problem) != before &&
+        problem.isNull()) {
         problem = changedError(source);
     }
     if (!problem.isNull()) {
@@ -112,6 +115,7 @@ std::optional<ZQVerifiedCopy> ZQVerifiedCopy::make(const QString &source, const 
     }
     ZQVerifiedCopy copy;
     copy.m_source = source;
+    copy.m_destination = destination;
     copy.m_state = std::move(*before);
     return copy;
 }
@@ -124,6 +128,9 @@ bool ZQVerifiedCopy::removeSource(ZQError *error) const
     }
     if (*now != m_state) {
         zqSetError(error, changedError(m_source));
+        return false;
+    }
+    if (!zqSyncFileSystem(m_destination, error)) {
         return false;
     }
     const QByteArray root = QFile::encodeName(m_source);

@@ -26,8 +26,8 @@ struct ZQTreeState
     static std::optional<ZQTreeState> of(const QString &path, ZQError *error = nullptr);
 };
 
-// A copy of a person's file or folder that takes its place: it was read back after it was written, and is on the disk.
-// Any thread.
+// A copy of a person's file or folder that can take its place: it was read back after it was written. Whoever commits
+// to it has the disk flushed (`zqSyncFileSystem`). Any thread.
 class ZQVerifiedCopy
 {
 public:
@@ -35,12 +35,13 @@ public:
     static std::optional<ZQVerifiedCopy> make(const QString &source, const QString &destination,
                                               ZQError *error = nullptr, const std::function<bool()> &isCancelled = {});
 
-    // Removes what was copied, and nothing else: with an error, and with everything still there, when the source was
-    // changed since; what came into a folder meanwhile stays with the folder.
+    // Flushes the disk and removes what was copied, and nothing else: with an error, and with everything still there,
+    // when the source was changed since; what came into a folder meanwhile stays with the folder.
     bool removeSource(ZQError *error = nullptr) const;
     const ZQTreeState &state() const { return m_state; }
 
 private:
     QString m_source;
+    QString m_destination;
     ZQTreeState m_state;
 };

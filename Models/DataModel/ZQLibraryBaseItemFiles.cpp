@@ -78,7 +78,8 @@ ZQError errorForTitle(const QString &title, const QString &extension)
 // failure.
 bool moveThroughTemporaryName(const QString &from, const QString &to, ZQError *error)
 {
-    const QString temporary = from + QStringLiteral(".tmp");
+    const QString name = QFileInfo(from).fileName() + QStringLiteral(".tmp");
+    const QString temporary = sibling(from, zqNumberedName(name, 1, maximumNameBytes)); // shortened where it must be
     if (!zqMoveNoted(from, temporary, error)) {
         return false;
     }

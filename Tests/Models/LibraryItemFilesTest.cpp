@@ -87,6 +87,13 @@ TEST_F(LibraryItemFiles, TheLongestTitleIsTheOneWhoseThumbnailStillHasANameWhile
     EXPECT_EQ(item->thumbName(), QStringLiteral("lost_thumb.png"));
 }
 
+TEST_F(LibraryItemFiles, AFileWithTheLongestNameCanBeRenamed)
+{
+    const auto item = liveItem(liveFolder(QStringLiteral("live")), QString(251, u'x') + QStringLiteral(".jpg"));
+    EXPECT_TRUE(item->setNewTitle(QStringLiteral("short")));
+    EXPECT_EQ(QDir(library.path(QStringLiteral("live"))).entryList(QDir::Files), QStringList{"short.jpg"});
+}
+
 TEST_F(LibraryItemFiles, ARenameOntoAnotherFileLeavesBothAsTheyWere)
 {
     const auto item = library.addImage(QStringLiteral("logo"), QStringLiteral("png"), "mine");
@@ -327,7 +334,13 @@ TEST_F(LibraryItemFiles, PurgeKeepsWhatItMayNotOrCannotRemove)
     const auto deletedInOff = liveItem(off, QStringLiteral("deleted.jpg"));
     const auto hidden = liveItem(liveFolder(QStringLiteral("live")), QStringLiteral("mine.jpg"));
     const auto stuck = liveItem(liveFolder(QStringLiteral("stuck")), QStringLiteral("stuck.jpg"));
+    const auto gone = liveFolder(QStringLiteral("gone"));
+    const auto below = liveFolder(QStringLiteral("below"));
+    gone->appendChild(below.get());
+    const auto belowGone = liveItem(below, QStringLiteral("below.jpg"));
     ASSERT_TRUE(context.save());
+    gone->setIs_missing(true);
+    gone->deactivateFolder();
     deletedInOff->deleteSelf();
     off->deactivateFolder();
     const QString byHand = library.path(QStringLiteral("live/.mine.jpg"));
@@ -338,7 +351,7 @@ TEST_F(LibraryItemFiles, PurgeKeepsWhatItMayNotOrCannotRemove)
         EXPECT_TRUE(context.save());
         return zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()});
     };
-    EXPECT_EQ(purge(), 2) << "what a person deleted is gone, and what is not there for the library";
+    EXPECT_EQ(purge(), 3) << "what a person deleted is gone, and what is not there for the library";
     EXPECT_EQ(ScratchLibrary::readFile(byHand), QByteArray("mine.jpg")) << "a person hid it";
     EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("off/off.jpg"))));
     EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/deleted.jpg"))));
@@ -347,14 +360,15 @@ TEST_F(LibraryItemFiles, PurgeKeepsWhatItMayNotOrCannotRemove)
     QDir(trash).removeRecursively();
     library.writeFile(QStringLiteral("XDG_DATA_HOME/Trash"), "no folder");
     stuck->deleteSelf();
-    EXPECT_EQ(purge(), 2) << "its file is still there";
+    EXPECT_EQ(purge(), 3) << "its file is still there";
     EXPECT_TRUE(QFileInfo(stuck->findItemURL()).fileName().startsWith(u'.')) << "and still deleted";
     ASSERT_TRUE(QFile::remove(trash));
-    EXPECT_EQ(purge(), 1);
+    EXPECT_EQ(purge(), 2);
     EXPECT_TRUE(QFileInfo::exists(trash + QStringLiteral("/files/stuck.jpg")));
 
     off->setActive(false); // removed from the sidebar
-    EXPECT_EQ(purge(), 0);
+    EXPECT_EQ(purge(), 1);
+    EXPECT_EQ(belowGone->watchingFolder(), below) << "it returns with the place";
     EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("off/off.jpg"))));
 }
 

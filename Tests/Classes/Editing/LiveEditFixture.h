@@ -118,6 +118,7 @@ protected:
     void finish()
     {
         zqRunMainLoopUntil([this] { return editQueue.operationCount() == 0; });
+        zqRunMainLoopFor(std::chrono::milliseconds(0)); // what it said at its end
     }
     void undo()
     {

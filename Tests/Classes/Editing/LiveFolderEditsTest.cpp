@@ -321,7 +321,6 @@ TEST_F(LiveFolderEditsTest, AStoreThatCannotBeSavedLeavesTheFilesWhereTheyWere)
 
 TEST_F(LiveFolderEditsTest, WhatWasDoneWhenItIsCancelledStaysAndIsTakenBack)
 {
-    const QStringList before = state();
     QList<ZQRef<ZQLibraryImage>> many;
     for (int i = 0; i < 40; ++i) {
         many.append(library.addImage(QStringLiteral("many%1").arg(i), QStringLiteral("jpg")));

@@ -3,7 +3,9 @@
 #include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Editing/LiveFolderEdits.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportDoor.h"
 #include "Classes/Import/PromisedImports.h"
 #include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
@@ -340,6 +342,36 @@ TEST_F(Drops, PicturesOfOtherProgramsGoOntoProjectsTagsAndLiveFolders)
     EXPECT_FALSE(takes(words, {a, -1}));
     drop(pasted, {a, -1});
     EXPECT_EQ(a->numberOfItems(), 1);
+}
+
+TEST_F(Drops, WhatGoesOntoALiveFolderIsCopiedToItsPlaceOnTheDisk)
+{
+    const QString place = world.filePath(QStringLiteral("live"));
+    QDir().mkpath(place);
+    zqCast<ZQSidebarWatchedFolder>(live)->updateWatchedFolderBookmark(place);
+    delegate->saveAction();
+    ImportDoor::setWatchedFolderCopy(
+        [this](const QStringList &paths, const ZQObjectID &into) { LiveFolderEdits(*window).copyFiles(paths, into); });
+    const auto count = [&] {
+        zqRunMainLoopUntil([this] { return delegate->editQueue().operationCount() == 0; });
+        return QDir(place).entryList(QDir::Files).size();
+    };
+    const QString one = picture(QStringLiteral("one.png"));
+    drop(*mimeOf({one}), {live, -1});
+    EXPECT_EQ(count(), 1);
+    EXPECT_TRUE(QFile::exists(one));
+    QMimeData pasted;
+    QFile file(one);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    pasted.setData(QStringLiteral("image/png"), file.readAll());
+    drop(pasted, {live, -1});
+    EXPECT_EQ(count(), 2);
+    undoStack.undo();
+    EXPECT_EQ(count(), 1);
+    undoStack.undo();
+    EXPECT_EQ(count(), 0);
+    EXPECT_TRUE(user.errors.isEmpty());
+    ImportDoor::setWatchedFolderCopy({});
 }
 
 TEST_F(Drops, TheGridTakesByTheKindOfWhatItShows)

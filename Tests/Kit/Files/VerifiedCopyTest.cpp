@@ -12,7 +12,9 @@
 #include <QDirIterator>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -31,7 +33,47 @@ QStringList namesBelow(const QString &folder)
     return names;
 }
 
+// As file systems that know neither the flag nor links: FAT over FUSE, some servers.
+bool isPoorFileSystem = false;
+
 } // namespace
+
+extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) noexcept
+{
+    errno = EINVAL;
+    return isPoorFileSystem ? -1 : int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+extern "C" int link(const char *from, const char *to) noexcept
+{
+    errno = EPERM;
+    return isPoorFileSystem ? -1 : int(::syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+TEST_F(VerifiedCopy, OnPoorFileSystemsNothingIsReplacedEither)
+{
+    isPoorFileSystem = true;
+    const QString a = file(QStringLiteral("a"), "a");
+    const QString taken = file(QStringLiteral("taken"), "taken");
+    const QString deep = folder(QStringLiteral("deep"));
+    file(QStringLiteral("deep/in"), "in");
+    ZQError error;
+    EXPECT_FALSE(zqMoveNoted(a, taken, &error));
+    EXPECT_EQ(error.code, EEXIST);
+    EXPECT_FALSE(zqMoveNoted(deep, taken));
+    EXPECT_FALSE(zqMoveNoted(a, deep));
+    EXPECT_FALSE(zqMoveNoted(path(QStringLiteral("missing")), path(QStringLiteral("b")), &error));
+    EXPECT_EQ(error.code, ENOENT);
+    EXPECT_FALSE(zqMoveNoted(deep, deep + QStringLiteral("/inside")));
+    EXPECT_EQ(namesBelow(path({}).chopped(1)), (QStringList{"TMPDIR", "a", "deep", "deep/in", "taken"}))
+        << "and no name is left taken";
+    EXPECT_TRUE(zqMoveNoted(a, path(QStringLiteral("b"))));
+    EXPECT_TRUE(zqMoveNoted(deep, path(QStringLiteral("there"))));
+    isPoorFileSystem = false;
+    EXPECT_EQ(read(path(QStringLiteral("b"))), QByteArray("a"));
+    EXPECT_EQ(read(path(QStringLiteral("there/in"))), QByteArray("in"));
+    EXPECT_EQ(read(taken), QByteArray("taken"));
+}
 
 TEST_F(VerifiedCopy, TakesThePlaceOfWhatItCopied)
 {

@@ -1,0 +1,52 @@
+#include "Kit/Files/ZQPersistentURL.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Models/DataModel/ZQLibraryImage.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
+#include "Tests/Classes/Command/CommandFixture.h"
+
+#include <QDir>
+#include <QUuid>
+
+TEST_F(CommandTest, EditsReachTheDiskBelowLiveFolders)
+{
+    ZQManagedObjectContext &store = *delegate->managedObjectContext();
+    const QString own = picture(QStringLiteral("live/own.png"), qRgb(20, 20, 220));
+    const auto folder =
+        ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(world.filePath(QStringLiteral("live")), store);
+    folder->setIs_root(true);
+    ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(store)->appendChild(folder.get());
+    const auto item = store.insertNewObject<ZQLibraryImage>(); // as synchronising makes it
+    item->setBundleID(QUuid::createUuid().toString(QUuid::WithoutBraces));
+    item->setTitle(zqBaseName(own));
+    item->setManaged(false);
+    item->setActive(true);
+    item->setItemURLData(zqDataForPersistentURL(own));
+    item->setWatchingFolder(folder.get());
+    delegate->saveAction();
+    const auto files = [&] {
+        return QDir(folder->folderPath()).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+    };
+
+    ASSERT_EQ(run({QStringLiteral("delete"), item->bundleID()}), 0) << context.errors.toStdString();
+    EXPECT_EQ(files(), QStringList());
+    ASSERT_EQ(run({QStringLiteral("restore"), item->bundleID()}), 0) << context.errors.toStdString();
+    EXPECT_EQ(files(), QStringList{QStringLiteral("own.png")});
+
+    const QByteArray before = (run("items --json"), context.output);
+    picture(QStringLiteral("in/own.png"), qRgb(220, 20, 20));
+    ASSERT_EQ(run({QStringLiteral("import"), QStringLiteral("in/own.png"), QStringLiteral("--into"),
+                   QStringLiteral("LIVE FOLDERS/live")}),
+              0)
+        << context.errors.toStdString();
+    EXPECT_EQ(files(), (QStringList{"own 2.png", "own.png"}));
+    EXPECT_TRUE(QFileInfo::exists(world.filePath(QStringLiteral("in/own.png"))));
+    EXPECT_EQ((run("items --json"), context.output), before) << "synchronising makes the item";
+
+    folder->setIs_enabled(false);
+    delegate->saveAction();
+    EXPECT_EQ(run({QStringLiteral("import"), QStringLiteral("in/own.png"), QStringLiteral("--into"),
+                   QStringLiteral("LIVE FOLDERS/live")}),
+              2);
+    EXPECT_TRUE(context.errors.contains("disabled"));
+    EXPECT_EQ(files().size(), 2);
+}
