@@ -46,7 +46,7 @@ TEST_F(CommandTest, SaysWhichFoldersItDoesNotMirrorAndWhichAreAway)
                    a, QStringLiteral("/")}),
               2);
     EXPECT_EQ(context.errors.count('\n'), 3) << context.errors.constData();
-    EXPECT_TRUE(context.output.contains("in: live, 1 items in 1 folders")) << context.output.constData();
+    EXPECT_TRUE(context.output.contains("in: live, 1 item in 1 folder")) << context.output.constData();
 
     ASSERT_TRUE(QDir(world.path()).rename(QStringLiteral("in"), QStringLiteral(".in")));
     ASSERT_TRUE(QDir(world.path()).mkdir(QStringLiteral("in")));
