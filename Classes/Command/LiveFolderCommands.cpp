@@ -83,8 +83,10 @@ void print(const QList<Folder> &roots, CommandContext &context)
                                    {QStringLiteral("state"), state},
                                    {QStringLiteral("reason"), reason}});
         if (!context.json) {
-            context.print(zqFormat(zqLocalized("%@: %@, %d items in %d folders"),
-                                   {root->folderPath(), state, items, below.size() + 1}));
+            const QString what = items == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%d items"), {items});
+            const QString where =
+                below.isEmpty() ? zqLocalized("1 folder") : zqFormat(zqLocalized("%d folders"), {below.size() + 1});
+            context.print(zqFormat(zqLocalized("%@: %@, %@ in %@"), {root->folderPath(), state, what, where}));
             if (!reason.isEmpty()) {
                 context.print(u' ' + reason);
             }

@@ -114,7 +114,7 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
     if (isKnownByStoreAlone && !folder.isMissing && (look.isNew || !listing.entries.isEmpty())) {
         return true;
     }
-    const FolderPlace place = placeOf(folder, listing, fileSystemOfFolder(folder.path));
+    const FolderPlace place = placeOf(folder, listing, folder.fileSystem == 0 ? 0 : fileSystemOfFolder(folder.path));
     const bool isOtherFileSystem = folder.device != listing.device;
     const bool isAway = (place == FolderPlace::Emptied && (isOtherFileSystem || wasMounted(*look.record, folder))) ||
                         (place == FolderPlace::Another && isOtherFileSystem);
@@ -380,7 +380,24 @@ bool FolderTreeSync::followGoneOnes()
     return !m_looks.empty();
 }
 
-void FolderTreeSync::make(const std::vector<NewFolder> &folders)
+FolderTreeSync::Father &FolderTreeSync::fatherOf(const NewFolder &folder, Fathers &fathers)
+{
+    const auto [place, isFirst] = fathers.try_emplace(folder.father);
+    Father &father = place->second;
+    if (!isFirst) {
+        return father;
+    }
+    father.row = m_run.folder(folder.father);
+    for (const auto &child : father.row ? father.row->orderedChildren() : QList<ZQRef<ZQSidebarBaseItem>>()) {
+        father.nextOrder = std::max(father.nextOrder, child->order() + 1);
+        if (const auto row = zqCast<ZQSidebarWatchedFolder>(child)) {
+            father.children.insert(row->folderPath(), row);
+        }
+    }
+    return father;
+}
+
+void FolderTreeSync::make(std::vector<NewFolder> folders)
 {
     struct Made
     {
@@ -388,29 +405,13 @@ void FolderTreeSync::make(const std::vector<NewFolder> &folders)
         ZQRef<ZQSidebarWatchedFolder> row;
         bool isNew;
     };
-    struct Father
-    {
-        ZQRef<ZQSidebarWatchedFolder> row;
-        QHash<QString, ZQRef<ZQSidebarWatchedFolder>> children; // of a run that did not come to its end
-        qint32 nextOrder = 0;
-    };
-    std::vector<NewFolder> ordered = folders;
-    std::sort(ordered.begin(), ordered.end(), [](const NewFolder &a, const NewFolder &b) {
+    std::sort(folders.begin(), folders.end(), [](const NewFolder &a, const NewFolder &b) {
         return QString::localeAwareCompare(QFile::decodeName(a.path), QFile::decodeName(b.path)) < 0;
     });
     std::vector<Made> made;
-    std::unordered_map<qint64, Father> fathers;
-    for (const NewFolder &folder : ordered) {
-        const auto [place, isFirst] = fathers.try_emplace(folder.father);
-        Father &father = place->second;
-        father.row = isFirst ? m_run.folder(folder.father) : father.row;
-        for (const ZQRef<ZQSidebarBaseItem> &child :
-             isFirst &&father.row ? father.row->orderedChildren() : QList<ZQRef<ZQSidebarBaseItem>>()) {
-            father.nextOrder = std::max(father.nextOrder, child->order() + 1);
-            if (const auto row = zqCast<ZQSidebarWatchedFolder>(child)) {
-                father.children.insert(row->folderPath(), row);
-            }
-        }
+    Fathers fathers;
+    for (const NewFolder &folder : folders) {
+        Father &father = fatherOf(folder, fathers);
         if (!father.row || !father.row->active() || !m_run.isWanted()) {
             continue;
         }

@@ -76,7 +76,16 @@ private:
     const Gone *findGone(const NewFolder &folder);
     bool takeOver(const NewFolder &folder);
     bool followGoneOnes();
-    void make(const std::vector<NewFolder> &folders);
+    // Where folders are made.
+    struct Father
+    {
+        ZQRef<ZQSidebarWatchedFolder> row;
+        QHash<QString, ZQRef<ZQSidebarWatchedFolder>> children = {}; // by path; made by a run that was cut off
+        qint32 nextOrder = 0;
+    };
+    using Fathers = std::unordered_map<qint64, Father>;
+    Father &fatherOf(const NewFolder &folder, Fathers &fathers);
+    void make(std::vector<NewFolder> folders);
     bool wasMounted(const LiveFolderRecord &record, const RecordedFolder &folder) const;
 
     SyncRun &m_run;

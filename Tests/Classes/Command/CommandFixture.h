@@ -5,6 +5,7 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/LiveFolders/LiveFolderManager.h"
 #include "Kit/Files/ZQPaths.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
@@ -43,6 +44,7 @@ protected:
         ApplicationParts parts;
         parts.userInteraction = &user;
         parts.importManager = &AImportManager::sharedAImportManager();
+        parts.liveFolderManager = &liveFolders;
         delegate = std::make_unique<tamberin_AppDelegate>(parts);
         delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
         ZQError error;
@@ -80,6 +82,7 @@ protected:
     // Not in the temporary area: what lies there is moved into the library.
     UserWorld world{"command"};
     CommandUserInteraction user;
+    LiveFolderManager liveFolders;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     std::shared_ptr<LibraryIndex> index; // as where a window is open; null for none
     CommandContext context;
