@@ -95,7 +95,14 @@ QHash<QByteArray, FolderFilesSync::Item> FolderFilesSync::itemsByName(const Fold
             continue;
         }
         Item &present = items[name];
-        if (present && present->active() && item->active()) { // an edit and a run brought the same file
+        if (present && present->active() && item->active()) {
+            const auto one = zqFileOfPersistentURL(present->itemURLData());
+            const auto other = zqFileOfPersistentURL(item->itemURLData());
+            if (!one || !other || one->inode != other->inode) {
+                lost.append(item);
+                continue;
+            }
+            // An edit and a run brought the same file.
             const bool isBetter = present->projects().isEmpty() && !item->projects().isEmpty();
             (isBetter ? present : item)->setActive(false);
         }
