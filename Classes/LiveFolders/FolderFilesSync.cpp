@@ -88,14 +88,27 @@ QHash<QByteArray, FolderFilesSync::Item> FolderFilesSync::itemsByName(const Fold
     const RecordedFolder &folder = *changed.record->folder(changed.key);
     for (const Item &item : all) {
         const QByteArray name = nameIn(folder, item);
-        const Item other = name.isEmpty() ? Item() : items.value(name);
-        if (name.isEmpty() || (other && other->active())) {
+        if (name.isEmpty()) {
             if (item->active()) {
                 lost.append(item);
             }
             continue;
         }
-        items.insert(name, item);
+        Item &present = items[name];
+        if (present && present->active() && item->active()) {
+            const auto one = zqFileOfPersistentURL(present->itemURLData());
+            const auto other = zqFileOfPersistentURL(item->itemURLData());
+            if (!one || !other || one->inode != other->inode) {
+                lost.append(item);
+                continue;
+            }
+            // An edit and a run brought the same file.
+            const bool isBetter = present->projects().isEmpty() && !item->projects().isEmpty();
+            (isBetter ? present : item)->setActive(false);
+        }
+        if (!present || (item->active() && !present->active())) {
+            present = item;
+        }
     }
     return items;
 }

@@ -111,6 +111,9 @@ bool FolderTreeSync::wasMounted(const LiveFolderRecord &record, const RecordedFo
 bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, const FolderListing &listing)
 {
     const bool isKnownByStoreAlone = folder.inode == 0;
+    if (look.isSettled && !folder.isMissing) {
+        return true;
+    }
     if (isKnownByStoreAlone && !folder.isMissing && (look.isNew || !listing.entries.isEmpty())) {
         return true;
     }
@@ -200,18 +203,19 @@ void FolderTreeSync::markGone(LiveFolderRecord &record, qint64 key)
 void FolderTreeSync::lookWhereNewOnesWere(const Changed &changed)
 {
     if (changed.isNew && m_roots.all().size() == 1 && !m_places) {
-        bool hasOthers = false; // a first run has nowhere else to look
-        for (const RecordedFolder &folder : changed.record->folders()) {
-            hasOthers = hasOthers || (folder.isKnown && !folder.entries.isEmpty());
-        }
-        if (!hasOthers) {
+        const auto &folders = changed.record->folders();
+        const bool hasOthers = std::any_of(folders.begin(), folders.end(), [](const RecordedFolder &folder) {
+            return folder.isKnown && !folder.entries.isEmpty();
+        });
+        if (!hasOthers) { // a first run has nowhere else to look
             return;
         }
     }
+    places(); // first: this may bring other roots to where they are now
     const RecordedFolder *const folder = changed.record->folder(changed.key);
     for (const FolderEntry &entry : changed.listing.entries.all()) {
         const FolderEntry *const was =
-            folder->isKnown ? folder->entries.find(changed.listing.entries.name(entry)) : nullptr;
+            folder && folder->isKnown ? folder->entries.find(changed.listing.entries.name(entry)) : nullptr;
         if (!was || was->inode != entry.inode) {
             lookWhereItWas(entry, changed.listing, changed.key);
         }
@@ -225,7 +229,12 @@ void FolderTreeSync::lookWhereItWas(const FolderEntry &entry, const FolderListin
         const Place &was = place->second;
         const RecordedFolder *const holder = was.record->folder(was.folder);
         const bool isLookedAt = was.folder == folder || m_seen.contains(was.folder);
-        if (holder && !isLookedAt && holder->device == listing.device && !isStillAt(was.path, entry.inode)) {
+        if (!holder || isLookedAt || holder->device != listing.device ||
+            was.entry >= qsizetype(holder->entries.all().size())) {
+            continue;
+        }
+        const FolderEntry &earlier = holder->entries.all()[std::size_t(was.entry)];
+        if (!isStillAt(pathOf(holder->path, holder->entries.name(earlier)), entry.inode)) {
             m_looks.push_back({was.record, was.folder, false});
         }
     }
@@ -243,11 +252,8 @@ const std::unordered_multimap<quint64, FolderTreeSync::Place> &FolderTreeSync::p
             continue;
         }
         for (const RecordedFolder &folder : record->folders()) {
-            for (const FolderEntry &entry : folder.entries.all()) {
-                const QByteArray path = pathOf(folder.path, folder.entries.name(entry));
-                const RecordedFolder *const itself =
-                    entry.kind == EntryKind::Folder ? record->folderAtPath(path) : nullptr;
-                m_places->insert({entry.inode, {record, folder.key, itself ? itself->key : 0, path}});
+            for (std::size_t i = 0; i < folder.entries.all().size(); ++i) {
+                m_places->insert({folder.entries.all()[i].inode, {record, folder.key, qsizetype(i)}});
             }
         }
     }
@@ -257,19 +263,23 @@ const std::unordered_multimap<quint64, FolderTreeSync::Place> &FolderTreeSync::p
 bool FolderTreeSync::settleFolders()
 {
     std::vector<NewFolder> rest;
-    const std::vector<NewFolder> folders = std::exchange(m_newFolders, {});
+    const std::vector<NewFolder> folders = m_newFolders;
     for (const NewFolder &folder : folders) {
-        const bool isThere = !folder.record->folder(folder.father) || folder.record->folderAtPath(folder.path);
+        const RecordedFolder *const present = folder.record->folderAtPath(folder.path);
+        const bool isGone = present && std::any_of(m_gone.begin(), m_gone.end(),
+                                                   [present](const Gone &gone) { return gone.key == present->key; });
+        const bool isThere = !folder.record->folder(folder.father) || (present && !isGone);
         if (!isThere && !follow(folder) && !takeOver(folder)) {
             rest.push_back(folder);
         }
     }
-    // What was looked for may have brought the place it came from, which is to be looked at first.
+    m_newFolders.clear();
+    // What was followed is looked at first: it may hold what others of these are.
     if (!m_looks.empty()) {
         m_newFolders = rest;
         return m_run.save();
     }
-    make(rest);
+    make(std::move(rest));
     return m_run.save() && m_run.isWanted();
 }
 
@@ -286,7 +296,7 @@ bool FolderTreeSync::follow(const NewFolder &folder)
         for (const qint64 key : QList<qint64>(folder.record->below(gone.key)) << gone.key) {
             m_seen.remove(key);
         }
-        m_looks.push_back({folder.record, gone.key, true});
+        m_looks.push_back({folder.record, gone.key, true, false, true});
         return true;
     }
     return false;
@@ -297,15 +307,16 @@ const FolderTreeSync::Gone *FolderTreeSync::findGone(const NewFolder &folder)
     if (m_gone.empty()) {
         return nullptr;
     }
+    const bool areMany = m_gone.size() * std::max<std::size_t>(m_newFolders.size(), 1) > mostComparisons;
     for (const Gone &gone : m_gone) {
         const RecordedFolder *const was = gone.record->folder(gone.key);
-        const ZQRef<ZQSidebarWatchedFolder> row =
-            was && (was->inode == folder.inode || was->inode == 0) ? m_run.folder(gone.key) : nullptr;
+        const bool mayBeIt = was && (was->inode == folder.inode || (was->inode == 0 && !areMany));
+        const ZQRef<ZQSidebarWatchedFolder> row = mayBeIt ? m_run.folder(gone.key) : nullptr;
         if (row && zqPersistentURLIsAt(row->folderURLSecureData(), QFile::decodeName(folder.path))) {
             return &gone;
         }
     }
-    if (m_gone.size() * std::max<std::size_t>(m_newFolders.size(), 1) > mostComparisons) {
+    if (areMany) {
         return nullptr;
     }
     const FolderListing listing = FolderListing::ofFolder(folder.path);
@@ -333,7 +344,7 @@ bool FolderTreeSync::takeOver(const NewFolder &folder)
         if (inner) {
             const qint64 key = root->objectID().key;
             m_roots.move(*inner, key, *folder.record, folder.father, folder.path);
-            m_looks.push_back({folder.record, key, true});
+            m_looks.push_back({folder.record, key, true, false, true});
         }
         return true; // one that is disabled stays what it is
     }
@@ -423,6 +434,12 @@ void FolderTreeSync::make(std::vector<NewFolder> folders)
             row->setFather(father.row.get());
             row->setOrder(father.nextOrder++);
         }
+        if (!isNew) { // another directory of the same name has the same row
+            const qint64 key = row->objectID().key;
+            row->updateWatchedFolderBookmark(path);
+            std::erase_if(m_gone, [key](const Gone &gone) { return gone.key == key; });
+            m_seen.remove(key);
+        }
         made.push_back({folder, row, isNew});
     }
     if (made.empty() || !m_run.save()) {
@@ -436,6 +453,6 @@ void FolderTreeSync::make(std::vector<NewFolder> folders)
         folder.isMissing = each.row->is_missing();
         each.folder.record->put(folder);
         m_run.changedRoots.insert(each.folder.record->rootKey());
-        m_looks.push_back({each.folder.record, folder.key, true, each.isNew});
+        m_looks.push_back({each.folder.record, folder.key, true, each.isNew, true});
     }
 }

@@ -47,6 +47,7 @@ private:
         qint64 key;
         bool everythingBelow;
         bool isNew = false;
+        bool isSettled = false; // that it is the folder of this row
     };
     struct NewFolder
     {
@@ -59,9 +60,8 @@ private:
     struct Place
     {
         LiveFolderRecord *record;
-        qint64 folder;      // that held it
-        qint64 movedFolder; // the folder itself; 0 for a file
-        QByteArray path;
+        qint64 folder; // that held it
+        qsizetype entry;
     };
 
     void look(const Look &look);

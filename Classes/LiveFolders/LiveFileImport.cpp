@@ -2,6 +2,7 @@
 
 #include "Classes/Application/CutOffSyncs.h"
 #include "Classes/Import/BaseImportOperation.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImporterForFile.h"
 #include "Kit/Files/ZQFileCopy.h"
@@ -91,7 +92,8 @@ void LiveFileImport::finish()
     }
     const QString reason = refusal();
     if (!reason.isEmpty()) {
-        qCWarning(zqLogImport).noquote() << "Not every file of the live folders was read:" << reason;
+        presentImportError(ZQError::with(QStringLiteral("zelto.import"), 3,
+                                         zqLocalized("Not every file of the live folders could be read."), reason));
     }
     saveNow();
 }

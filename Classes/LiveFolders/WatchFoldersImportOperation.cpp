@@ -6,6 +6,7 @@
 #include "Classes/LiveFolders/FolderRemovals.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQOwnChanges.h"
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
@@ -116,6 +117,10 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
             row->updateFolderOpenMetaSyncDate();
             ZQOwnChanges::sharedOwnChanges().didChange(row->folderPath());
             row->setLastSyncDate(now);
+            if (!zqPersistentURLIsAt(row->folderURLSecureData(),
+                                     row->folderPath())) { // it is there under another identity
+                row->setFolderURLSecureData(zqDataForPersistentURL(row->folderPath()));
+            }
             run.changedRoots.insert(changed.record->rootKey());
             if (!run.reasons.contains(changed.key)) {
                 run.reasons.insert(changed.key, QString());

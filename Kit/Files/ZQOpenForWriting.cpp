@@ -7,6 +7,24 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+// A server grants leases to whom it trusts with the file at that moment, so that a refusal says nothing of writers.
+bool isOfServer(int file)
+{
+    constexpr unsigned int servers[] = {NFS_SUPER_MAGIC, 0xFF534D42 /* CIFS */, 0xFE534D42 /* SMB2 */};
+    struct statfs system = {};
+    return ::fstatfs(file, &system) == 0 && std::find(std::begin(servers), std::end(servers),
+                                                      static_cast<unsigned int>(system.f_type)) != std::end(servers);
+}
+
+} // namespace
 
 bool zqIsOpenForWriting(const QString &path)
 {
@@ -18,7 +36,7 @@ bool zqIsOpenForWriting(const QString &path)
         return false;
     }
     if (::fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) {
-        return errno == EAGAIN;
+        return errno == EAGAIN && !isOfServer(file.get());
     }
     ::fcntl(file.get(), F_SETLEASE, F_UNLCK);
     return false;

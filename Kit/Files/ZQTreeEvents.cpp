@@ -115,9 +115,7 @@ void ZQTreeEvents::handleSelf(const User &user, const ZQFolderEvent &event)
     if (isRoot && event.mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_UNMOUNT | IN_IGNORED)) {
         m_demands.vanished.insert(user.tree);
     }
-    if (!isRoot && event.mask & IN_UNMOUNT) {
-        m_demands.everything = true;
-    }
+    m_demands.mounts = m_demands.mounts || event.mask & IN_UNMOUNT;
     if (event.mask & IN_IGNORED) {
         user.tree->didLoseWatch(*user.folder);
     }
@@ -143,14 +141,19 @@ void ZQTreeEvents::handleFile(const User &user, const QByteArray &name, uint32_t
 void ZQTreeEvents::didLeave(const User &from, const QByteArray &name, bool isFolder)
 {
     const QByteArray left = path(from, name);
+    const bool isOurs = isOwn(from, name);
     if (isFolder) {
         from.tree->forget(*from.folder, view(name));
         m_changes.forgetBelow(left);
         m_files.forgetBelow(left);
+        // Two folders may have exchanged their names.
+        if (from.tree->appear(*from.folder, view(name), m_pulse) && !isOurs) {
+            noteFolder(left, true);
+        }
     } else {
         m_files.forget(path(from, {}), name);
     }
-    if (!isOwn(from, name)) {
+    if (!isOurs) {
         noteFolder(path(from, {}));
     }
 }
@@ -212,8 +215,15 @@ void ZQTreeEvents::handleArrival(const User &target, const ZQFolderEvent &event,
     const User source = sameTree == from.cend() ? from.front() : *sameTree;
     const ZQSettlingChanges::Move move{path(source, event.name), path(target, event.toName)};
     const bool isOurs = m_ownChanges.contains(move.from) || m_ownChanges.contains(move.to);
+    const bool isFirst = std::find(told.cbegin(), told.cend(), move) == told.cend();
+    told.push_back(move);
+    if (isFolder && isFirst) {
+        m_files.forgetBelow(move.to);
+        m_files.didMoveFolder(move.from, move.to);
+        m_changes.didMoveFolder(move.from, move.to, m_now);
+    }
     if (isFolder) {
-        didMoveFolder(source, event.name, target, event.toName);
+        followFolder(source, event.name, target, event.toName);
     } else if (!isOurs) {
         m_files.didClose(path(target, {}), event.toName, m_now);
     }
@@ -221,19 +231,13 @@ void ZQTreeEvents::handleArrival(const User &target, const ZQFolderEvent &event,
         return;
     }
     noteFolder(path(target, {}), false, isFolder);
-    if (std::find(told.cbegin(), told.cend(), move) == told.cend()) {
+    if (isFirst) {
         m_changes.noteMove(move.from, move.to, m_now);
-        told.push_back(move);
     }
 }
 
-void ZQTreeEvents::didMoveFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName)
+void ZQTreeEvents::followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName)
 {
-    const QByteArray before = path(from, name);
-    const QByteArray after = path(to, newName);
-    m_files.forgetBelow(after);
-    m_files.didMoveFolder(before, after);
-    m_changes.didMoveFolder(before, after, m_now);
     if (from.tree != to.tree || !from.tree->find(*from.folder, view(name))) {
         to.tree->appear(*to.folder, view(newName), m_pulse);
         return;

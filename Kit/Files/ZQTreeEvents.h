@@ -25,7 +25,8 @@ public:
     // What the events asked for beyond that; answered once.
     struct Demands
     {
-        bool everything = false;           // events were lost, or a place inside was unmounted
+        bool everything = false;           // events were lost
+        bool mounts = false;               // a place inside was unmounted
         bool roots = false;                // a root may lie somewhere else now
         std::set<ZQFolderTree *> vanished; // whose root is gone
     };
@@ -41,7 +42,7 @@ private:
     bool isThere(int watch, const User &user) const; // what is done for one may take away another
     void didLeave(const User &from, const QByteArray &name, bool isFolder);
     void didArrive(const User &to, const QByteArray &name, bool isFolder);
-    void didMoveFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName);
+    void followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName);
     void noteFolder(const QByteArray &folder, bool everythingBelow = false, bool isSure = true);
     bool isOwn(const User &user, const QByteArray &name) const;
     static QByteArray path(const User &user, const QByteArray &name);

@@ -16,8 +16,8 @@
 namespace {
 
 constexpr std::chrono::seconds longestGoodbye(2);
-constexpr std::chrono::minutes shortestSilentInterval(1);
-constexpr std::chrono::minutes longestSilentInterval(24 * 60);
+constexpr std::chrono::minutes usualSilentInterval(10);
+constexpr qint64 mostSilentMinutes = 24 * 60;
 
 void takeEarlier(std::optional<ZQSettlingChanges::Clock::time_point> &earliest,
                  std::optional<ZQSettlingChanges::Clock::time_point> other)
@@ -181,6 +181,9 @@ void ZQWatchLoop::handleEvents()
     if (demands.everything) {
         loseEvents();
     }
+    if (demands.mounts) {
+        lookAtMounts();
+    }
     if (demands.roots && !m_checkDue) {
         m_checkDue = m_now + m_options.quiet;
     }
@@ -223,9 +226,7 @@ std::chrono::milliseconds ZQWatchLoop::silentInterval() const
         return *m_options.silentInterval;
     }
     const qint64 set = ZQUserDefaults::standardUserDefaults().integerForKey(QStringLiteral("LiveFolderSweepMinutes"));
-    const auto longest = std::chrono::duration_cast<std::chrono::minutes>(longestSilentInterval).count();
-    return std::max<std::chrono::milliseconds>(std::chrono::minutes(std::min<qint64>(set, longest)),
-                                               shortestSilentInterval);
+    return set > 0 ? std::chrono::minutes(std::min(set, mostSilentMinutes)) : usualSilentInterval;
 }
 
 void ZQWatchLoop::tell(ZQWatchNews::Kind kind, const QByteArray &path, qint64 needed)

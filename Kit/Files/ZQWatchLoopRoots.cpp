@@ -133,6 +133,12 @@ void ZQWatchLoop::lookAtMounts()
         return;
     }
     const ZQMountTable before = std::exchange(m_mounts, std::move(mounts));
+    // Before anything is looked at: what is there now may not answer.
+    for (const Root &root : m_roots) {
+        if (root->isStarted() && isElsewhere(*root)) {
+            vanish(*root);
+        }
+    }
     checkRoots();
     for (const Root &root : m_roots) {
         if (!root->isStarted()) {

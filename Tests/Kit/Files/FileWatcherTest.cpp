@@ -136,6 +136,24 @@ TEST_F(FileWatcher, TellsMovesAsMovesAndFollowsThem)
     ASSERT_TRUE(watching.waitForChangeOf(a + QStringLiteral("/tree/new")));
 }
 
+TEST_F(FileWatcher, FollowsFoldersThatExchangeTheirNames)
+{
+    const QString a = folder(QStringLiteral("root/a/inner of a"));
+    const QString b = folder(QStringLiteral("root/b/inner of b"));
+    Watching watching;
+    ASSERT_TRUE(watching.start(root));
+    ASSERT_EQ(::renameat2(AT_FDCWD, QFile::encodeName(root + QStringLiteral("/a")).constData(), AT_FDCWD,
+                          QFile::encodeName(root + QStringLiteral("/b")).constData(), RENAME_EXCHANGE),
+              0);
+    ASSERT_TRUE(watching.waitForChangeOf(root));
+    for (const char *const name : {"a/inner of b", "b/inner of a"}) {
+        const QString inner = root + u'/' + QString::fromLatin1(name);
+        watching.forget();
+        write(inner + QStringLiteral("/file"), "x");
+        EXPECT_TRUE(watching.waitForChangeOf(inner)) << name;
+    }
+}
+
 TEST_F(FileWatcher, WaitsForAFileThatIsBeingWrittenAndMeanwhileTellsTheRest)
 {
     const QString slow = folder(QStringLiteral("root/slow"));
