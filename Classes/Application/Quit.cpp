@@ -126,6 +126,9 @@ TerminateReply Quit::applicationShouldTerminate()
              true});
         if (answer != 0) {
             m_storeWork.start();
+            if (m_running.liveFolderManager()) {
+                m_running.liveFolderManager()->startObservingWatchedFolders();
+            }
             return TerminateReply::Cancel;
         }
         return TerminateReply::Now; // what could not be saved is still listed by the store, so its files stay

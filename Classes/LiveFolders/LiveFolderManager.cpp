@@ -180,7 +180,10 @@ void LiveFolderManager::start()
     }
     m_wanted.clear();
     auto &delegate = *tamberin_AppDelegate::sharedDelegate();
-    delegate.saveAction(); // so that the run sees what the window does
+    // So that the run sees what the window does; not what is being typed, since a title renames a file.
+    if (ZQError error; !context()->save(&error)) {
+        qCWarning(zqLogStore).noquote() << error.localizedDescription();
+    }
     m_running = std::make_shared<WatchFoldersImportOperation>(
         whole, true,
         WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
@@ -216,6 +219,9 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     if (operation->isCancelled() && !m_wasStopped) {
         m_wanted.clear(); // whoever ended all of it wants no more
     }
+    if (operation->isCancelled()) {
+        putAwayWhatCameTooLate();
+    }
     if (!operation->toLookAtAgain().isEmpty()) {
         QTimer::singleShot(untilEditsAreSaved, this, [this, again = operation->toLookAtAgain()] {
             for (const ZQObjectID &folder : again) {
@@ -230,6 +236,25 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     start();
     for (const ZQObjectID &folder : folders) {
         postStatus(folder);
+    }
+}
+
+// A run that is ended because its folder was removed or disabled may have saved a batch after that.
+void LiveFolderManager::putAwayWhatCameTooLate()
+{
+    ZQManagedObjectContext *const store = context();
+    const auto items = store ? zqFetch<ZQLibraryBaseItem>(*store, QStringLiteral("managed == NO AND active == YES AND "
+                                                                                 "(watchingFolder.active == NO OR "
+                                                                                 "watchingFolder.is_enabled == NO)"))
+                             : std::nullopt;
+    if (!items || items->isEmpty()) {
+        return;
+    }
+    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+        item->setActive(false);
+    }
+    if (ZQError error; !store->save(&error)) {
+        qCWarning(zqLogStore).noquote() << error.localizedDescription();
     }
 }
 

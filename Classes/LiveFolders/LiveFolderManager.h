@@ -50,6 +50,7 @@ private:
     QList<ZQRef<ZQSidebarWatchedFolder>> roots() const;
     void want(const ZQObjectID &folder, Wanted wanted);
     void start();
+    void putAwayWhatCameTooLate();
     void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
     std::shared_ptr<LiveFolderRecords> records();
     void watchRoots();

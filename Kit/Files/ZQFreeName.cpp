@@ -22,13 +22,13 @@ QString shortened(QString name, qsizetype bytes)
 
 QString zqNumberedName(const QString &name, int number, qsizetype longest)
 {
-    if (number == 1 && name.toUtf8().size() <= longest) {
+    if (number == 0 && name.toUtf8().size() <= longest) {
         return name;
     }
     const QString extension = zqPathExtension(name);
     const bool isExtension = !extension.isEmpty() && extension.size() <= longestExtension;
     const QString ending =
-        (number == 1 ? QString() : QStringLiteral(" %1").arg(number)) + (isExtension ? u'.' + extension : QString());
+        (number == 0 ? QString() : QStringLiteral(" %1").arg(number)) + (isExtension ? u'.' + extension : QString());
     const QString stem = extension.size() > longestExtension ? name : zqBaseName(name);
     return shortened(stem, longest - ending.toUtf8().size()) + ending;
 }
@@ -36,7 +36,7 @@ QString zqNumberedName(const QString &name, int number, qsizetype longest)
 QString zqUnderFreeName(const QString &folder, const QString &name,
                         const std::function<bool(const QString &path, ZQError *error)> &put, ZQError *error)
 {
-    for (int number = 1; number <= mostNames; ++number) {
+    for (int number = 0; number <= mostNames; ++number) {
         const QString path = folder + u'/' + zqNumberedName(name, number);
         ZQError problem;
         if (put(path, &problem)) {

@@ -177,7 +177,7 @@ bool moveToTrash(const QString &path, const Trash &trash, QString *trashedPath, 
     }
     const QString base = path.mid(path.lastIndexOf(u'/') + 1);
     for (int number = 1; number <= mostNames; ++number) {
-        const QString candidate = zqNumberedName(base, number, longestName);
+        const QString candidate = zqNumberedName(base, number == 1 ? 0 : number, longestName);
         const Outcome outcome = moveUnder(candidate, path, trash, error);
         if (outcome == Outcome::NameTaken) {
             continue;

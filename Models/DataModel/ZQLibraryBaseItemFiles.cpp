@@ -79,7 +79,7 @@ ZQError errorForTitle(const QString &title, const QString &extension)
 bool moveThroughTemporaryName(const QString &from, const QString &to, ZQError *error)
 {
     const QString name = QFileInfo(from).fileName() + QStringLiteral(".tmp");
-    const QString temporary = sibling(from, zqNumberedName(name, 1, maximumNameBytes)); // shortened where it must be
+    const QString temporary = sibling(from, zqNumberedName(name, 0, maximumNameBytes)); // shortened where it must be
     if (!zqMoveNoted(from, temporary, error)) {
         return false;
     }

@@ -125,8 +125,11 @@ void ZQSidebarWatchedFolder::setItemsActive(bool activeItems)
         if (item->active() == activeItems) {
             continue;
         }
-        if (activeItems && QFileInfo(item->findItemURL()).fileName().startsWith(QLatin1Char('.'))) {
-            continue; // deleted by a person
+        if (activeItems) {
+            const QString path = item->findItemURL();
+            if (path.isEmpty() || QFileInfo(path).fileName().startsWith(QLatin1Char('.'))) {
+                continue; // its file is gone, or a person deleted it
+            }
         }
         item->setActive(activeItems);
     }

@@ -38,7 +38,7 @@ TEST_F(CommandTest, EditsReachTheDiskBelowLiveFolders)
                    QStringLiteral("LIVE FOLDERS/live")}),
               0)
         << context.errors.toStdString();
-    EXPECT_EQ(files(), (QStringList{"own 2.png", "own.png"}));
+    EXPECT_EQ(files(), (QStringList{"own 1.png", "own.png"}));
     EXPECT_TRUE(QFileInfo::exists(world.filePath(QStringLiteral("in/own.png"))));
     EXPECT_EQ((run("items --json"), context.output), before) << "synchronising makes the item";
 

@@ -171,12 +171,12 @@ TEST_F(VerifiedCopy, NamesAreNumberedWhereTheyAreTaken)
     };
     const QString longName(300, u'x');
     const Case cases[] = {
-        {"a.png", 1, "a.png"},
+        {"a.png", 0, "a.png"},
         {"a.png", 2, "a 2.png"},
         {"noextension", 3, "noextension 3"},
         {".dot", 2, ".dot 2"},
         {"a.tar.gz", 2, "a.tar 2.gz"},
-        {longName, 1, longName.left(255)},
+        {longName, 0, longName.left(255)},
         {QString(126, u'ü') + "é.png", 12, QString(124, u'ü') + " 12.png"},
     };
     for (const Case &each : cases) {
@@ -185,12 +185,12 @@ TEST_F(VerifiedCopy, NamesAreNumberedWhereTheyAreTaken)
     }
     const QString from = file(QStringLiteral("from"), "moved");
     file(QStringLiteral("a.png"), "1");
-    file(QStringLiteral("a 2.png"), "2");
+    file(QStringLiteral("a 1.png"), "2");
     ZQError error;
     const auto move = [&](const QString &to, ZQError *failure) { return zqMoveNoted(from, to, failure); };
     EXPECT_EQ(zqUnderFreeName(path({}).chopped(1), QStringLiteral("a.png"), move, &error),
-              path(QStringLiteral("a 3.png")));
-    EXPECT_EQ(read(path(QStringLiteral("a 3.png"))), QByteArray("moved"));
+              path(QStringLiteral("a 2.png")));
+    EXPECT_EQ(read(path(QStringLiteral("a 2.png"))), QByteArray("moved"));
     EXPECT_TRUE(zqUnderFreeName(path(QStringLiteral("nowhere")), QStringLiteral("a.png"), move, &error).isEmpty());
     EXPECT_EQ(error.code, ENOENT);
 }
