@@ -276,13 +276,10 @@ TEST_F(FileWatcher, EndsInFewAnnouncementsAfterABurst)
             ASSERT_GE(::close(::open(name.constData(), O_WRONLY | O_CREAT, 0600)), 0);
         }
     }
-    waitForTheRest(watching, marker);
+    EXPECT_TRUE(watching.follows(marker));
     EXPECT_LT(announcements, 2000) << "of 10 200 changes";
-    for (int i = 0; i < 100; i += 33) { // all of them are followed
-        const QString inner = root + QStringLiteral("/burst/%1/inner").arg(i);
-        watching.forget();
-        write(inner + QStringLiteral("/late"), "x");
-        EXPECT_TRUE(watching.waitForChangeOf(inner));
+    for (int i = 0; i < 100; i += 33) {
+        EXPECT_TRUE(watching.follows(root + QStringLiteral("/burst/%1/inner").arg(i)));
     }
 }
 
