@@ -33,7 +33,8 @@ TEST_F(FileWatcher, TellsOfEveryKindOfChangeByTheFolder)
     const QByteArray name = QFile::encodeName(file(QStringLiteral("root/inner/file"), "1"));
     const auto at = [&](const char *other) { return QFile::encodeName(inner) + '/' + other; };
     Watching watching;
-    ASSERT_TRUE(watching.start(root + u'/'));
+    ASSERT_TRUE(watching.watcher.addPath(root + u'/'));
+    ASSERT_TRUE(watching.waitFor([&] { return watching.started == QStringList(root); }));
     EXPECT_EQ(watching.watcher.paths(), QStringList(root));
     EXPECT_FALSE(watching.watcher.isSwept(root));
     const struct
