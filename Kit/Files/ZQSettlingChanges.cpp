@@ -135,7 +135,7 @@ void ZQSettlingChanges::gather(Changes &changes, const std::vector<QByteArray> &
         const auto earlier = std::find_if(gathered.begin(), gathered.end(),
                                           [&](const auto &one) { return zqIsPathWithin(one.first, *root); });
         if (earlier == gathered.end()) {
-            gathered.emplace(folder, Extent{true, true});
+            gathered.emplace(folder, extent);
         } else {
             const QByteArray around = folderAroundBoth(earlier->first, folder);
             gathered.erase(earlier);

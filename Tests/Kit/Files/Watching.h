@@ -65,6 +65,25 @@ struct Watching
     {
         return waitFor([&] { return changed.contains(folder); });
     }
+    // Whether changes of this very folder are told, when those from before have been told by a folder around it.
+    bool follows(const QString &folder)
+    {
+        for (int i = 0; i < 20; ++i) {
+            forget();
+            QFile file(folder + QStringLiteral("/follows %1").arg(i));
+            if (!file.open(QIODevice::WriteOnly)) {
+                return false;
+            }
+            file.close();
+            if (!waitFor([&] { return changed.contains(folder) || !below.isEmpty(); })) {
+                return false;
+            }
+            if (changed.contains(folder)) {
+                return true;
+            }
+        }
+        return false;
+    }
     void forget()
     {
         changed.clear();
