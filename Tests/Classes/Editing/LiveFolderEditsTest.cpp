@@ -123,6 +123,7 @@ TEST_F(LiveFolderEditsTest, EachEditIsOnTheDiskAndTakenBackAndMadeAgain)
 TEST_F(LiveFolderEditsTest, AnItemOfTheLibraryComesAsACopyWithItsTags)
 {
     managed->setNotes(QStringLiteral("remember"));
+    library.context().save();
     commands.addItems(ids({managed}), two->objectID(), 0);
     finish();
     const auto items = two->items();
