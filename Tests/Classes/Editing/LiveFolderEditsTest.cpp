@@ -161,7 +161,7 @@ TEST_F(LiveFolderEditsTest, ARestoredFileTakesNobodysName)
     put(path, "somebody else's");
     undo();
     EXPECT_EQ(ScratchLibrary::readFile(path), QByteArray("somebody else's"));
-    EXPECT_EQ(a->title(), QStringLiteral("a 2"));
+    EXPECT_EQ(a->title(), QStringLiteral("a 1"));
     EXPECT_EQ(ScratchLibrary::readFile(a->itemURL()), QByteArray("a.jpg"));
     EXPECT_EQ(a->itemURL(), one->folderPath() + QStringLiteral("/a 1.jpg"));
 }
