@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Command/CommandContext.h"
+#include "Kit/Persistence/ZQObjectID.h"
 
 #include <QStringList>
 #include <QVariantMap>
