@@ -1,9 +1,12 @@
 #pragma once
 
 #include "Classes/Command/CommandContext.h"
+#include "Kit/Persistence/ZQObjectID.h"
 
 #include <QStringList>
 #include <QVariantMap>
+
+class LiveFolderManaging;
 
 // What each command does, apart from how it is written on a command line. Each answers the exit status: 0, 1 when
 // `verify` found something, 2 after an error that changed nothing.
@@ -70,6 +73,8 @@ int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context);
 int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context);
 // `reference` empty: all that are enabled.
 int zqRunSyncLiveFolders(const QString &reference, CommandContext &context);
+// Until what the manager does of these is done, with progress. False when it was cancelled.
+bool zqWaitForLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context);
 
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.

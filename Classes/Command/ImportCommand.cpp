@@ -2,6 +2,7 @@
 #include "Classes/Command/CommandEdits.h"
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Editing/LiveFolderEdits.h"
@@ -15,10 +16,11 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQModel.h"
-#include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QSet>
 
 #include <algorithm>
 #include <memory>
@@ -178,12 +180,49 @@ bool startImports(const ImportRequest &request, const QStringList &paths, const 
     return true;
 }
 
-// There they lie on the disk, and no import of them is kept to go on with.
-int copyIntoLiveFolder(const QStringList &paths, const ZQSidebarBaseItem &folder, CommandContext &context)
+QStringList itemsBelow(const ZQObjectID &id, CommandContext &context)
 {
+    QStringList bundleIDs;
+    const auto root = zqCast<ZQSidebarWatchedFolder>(context.store().existingObjectWithID(id));
+    QList<ZQRef<ZQSidebarWatchedFolder>> folders;
+    if (root) {
+        folders = root->orderedChildrenAndSubChildren();
+        folders.prepend(root);
+    }
+    for (const auto &folder : std::as_const(folders)) {
+        for (const auto &item : folder->items()) {
+            bundleIDs.append(item->bundleID());
+        }
+    }
+    return bundleIDs;
+}
+
+// There they lie on the disk, and no import of them is kept to go on with: synchronising makes their items.
+int copyIntoLiveFolder(const QStringList &paths, const ZQObjectID &folder, CommandContext &context)
+{
+    const QStringList before = itemsBelow(folder, context);
+    const QByteArray output = context.output;
     CommandEdits edits(context);
-    LiveFolderEdits(edits.context()).copyFiles(paths, folder.objectID());
-    return edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
+    LiveFolderEdits(edits.context()).copyFiles(paths, folder);
+    int status =
+        edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
+    if (context.json) {
+        context.output = output; // the report says it
+    }
+    LiveFolderManaging *const manager = context.delegate->liveFolderManager();
+    if (manager && !zqWaitForLiveFolders(*manager, {folder}, context)) {
+        status = context.fail(zqLocalized("it was cancelled; the copied files stay, and the next `zelto sync` makes "
+                                          "their items"));
+    }
+    const QSet<QString> known(before.begin(), before.end());
+    QStringList made = itemsBelow(folder, context);
+    made.removeIf([&known](const QString &bundleID) { return known.contains(bundleID); });
+    ImportReport report;
+    report.setImported(made);
+    if (status == 0 || !made.isEmpty()) {
+        printReport(report, context);
+    }
+    return status;
 }
 
 void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
@@ -264,7 +303,7 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
             return 2;
         }
         if (target->isWatchedFolder()) {
-            return copyIntoLiveFolder(paths, *target, context);
+            return copyIntoLiveFolder(paths, target->objectID(), context);
         }
     }
     if (request.forgets) {

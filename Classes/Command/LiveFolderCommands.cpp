@@ -97,8 +97,9 @@ void print(const QList<Folder> &roots, CommandContext &context)
     }
 }
 
-// Of what the manager does, until nothing is left of it. False when it was cancelled.
-bool waitForSync(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context)
+} // namespace
+
+bool zqWaitForLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context)
 {
     bool isCancelled = false;
     const auto cancel = [&] {
@@ -131,9 +132,11 @@ bool waitForSync(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, 
     return !isCancelled;
 }
 
+namespace {
+
 int finish(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context)
 {
-    if (!waitForSync(manager, folders, context)) {
+    if (!zqWaitForLiveFolders(manager, folders, context)) {
         return context.fail(zqLocalized("it was cancelled; what was read before that stays in the library, and the "
                                         "next `zelto sync` goes on"));
     }
@@ -210,7 +213,7 @@ int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
     LiveFolderManaging *const manager = context.delegate->liveFolderManager();
     if (manager) {
         manager->stopSyncingWatchedFolders({id});
-        waitForSync(*manager, {id}, context);
+        zqWaitForLiveFolders(*manager, {id}, context);
     }
     CommandEdits edits(context);
     SidebarCommands(edits.context()).deleteListItems({edits.context().sidebarItem(id)});

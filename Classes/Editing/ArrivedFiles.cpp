@@ -36,10 +36,12 @@ QString ArrivedFiles::copy(const QString &from, const QString &folder, const QSt
 {
     ZQTreeState state;
     const auto put = [&](const QString &path, ZQError *failure) {
-        const ZQOwnChange own(path);
+        ZQOwnChange own(path);
         const auto copy = ZQVerifiedCopy::make(from, path, failure, m_isCancelled);
         if (copy) {
             state = copy->state();
+            own.didChange();
+            m_changes.push_back(std::move(own));
         }
         return copy.has_value();
     };
@@ -53,9 +55,16 @@ QString ArrivedFiles::copy(const QString &from, const QString &folder, const QSt
 QString ArrivedFiles::move(const QString &from, const QString &folder, const QString &name, ZQError *error)
 {
     ZQError problem;
-    QString to = zqUnderFreeName(
-        folder, name, [&from](const QString &path, ZQError *failure) { return zqMoveNoted(from, path, failure); },
-        &problem);
+    const auto put = [&](const QString &path, ZQError *failure) {
+        ZQOwnChange own(path);
+        const bool isMoved = zqMoveNoted(from, path, failure);
+        if (isMoved) {
+            own.didChange();
+            m_changes.push_back(std::move(own));
+        }
+        return isMoved;
+    };
+    QString to = zqUnderFreeName(folder, name, put, &problem);
     if (!to.isEmpty()) {
         m_renamed.add(from, to);
         return to;

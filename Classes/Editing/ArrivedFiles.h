@@ -7,11 +7,13 @@
 #include <QString>
 
 #include <functional>
+#include <vector>
 
 class FileProblems;
 
 // People's files that one batch of a change puts into folders of theirs. Until the store was saved all of it can be
-// taken back, and no file is gone from where it was unless it was renamed. Of one thread at a time.
+// taken back, and no file is gone from where it was unless it was renamed; for as long as it lives, nobody makes items
+// of them. Of one thread at a time.
 class ArrivedFiles
 {
 public:
@@ -40,4 +42,5 @@ private:
     std::function<bool()> m_isCancelled;
     ZQOwnMoves m_renamed;
     QList<Copied> m_copied;
+    std::vector<ZQOwnChange> m_changes; // where the files are, until the store knows
 };

@@ -5,6 +5,7 @@
 #include "Classes/Editing/FileProblems.h"
 #include "Classes/Editing/ItemDeletion.h"
 #include "Classes/Editing/LiveFolderPlace.h"
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
@@ -74,10 +75,12 @@ bool FileCopies::copy(EditRun &run, const QString &path, const ZQSidebarWatchedF
     if (QFileInfo(info.path()).canonicalFilePath() == QFileInfo(place).canonicalFilePath()) {
         return true; // it is there
     }
-    ArrivedFiles files([&run] { return run.isCancelled(); });
     ZQError error;
     const QString source = info.isSymLink() ? info.canonicalFilePath() : original; // what it leads to, under its name
-    const QString to = files.copy(source.isEmpty() ? original : source, place, info.fileName(), &error);
+    const QString to = ArrivedFiles([&run] {
+                           return run.isCancelled();
+                       }).copy(source.isEmpty() ? original : source, place, info.fileName(), &error);
+    ZQOwnChanges::sharedOwnChanges().forget(to); // it is whole, and synchronising makes its item
     const auto state = to.isEmpty() ? std::nullopt : ZQTreeState::of(to, &error);
     if (!state) {
         problems.add(info.fileName(), error);

@@ -172,13 +172,14 @@ private:
     }
     bool moveBack(const ZQRef<ZQLibraryBaseItem> &item, const Arrived &arrived)
     {
-        const QFileInfo from(arrived.fromPath);
-        const auto folder = zqCast<ZQSidebarWatchedFolder>(m_run.context().existingObjectWithID(arrived.fromFolder));
-        if (!folder || !QFileInfo(from.path()).isDir()) {
-            m_problems.add(item->title(), ZQError::posix(ENOENT, from.path()));
+        ZQError error;
+        const Folder folder = zqFolderForFiles(m_run.context(), arrived.fromFolder, &error);
+        if (!folder) {
+            m_problems.add(item->title(), error);
             return false;
         }
-        const bool isMoved = moveFile(item, item->findItemURL(), folder, from.path(), from.fileName());
+        const QString name = QFileInfo(arrived.fromPath).fileName();
+        const bool isMoved = moveFile(item, item->findItemURL(), folder, folder->folderURL(), name);
         if (isMoved) {
             m_changes.append({item, {}, {}});
         }
@@ -281,7 +282,7 @@ void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &into
     const auto copies = std::make_shared<FileCopies>(paths, intoWatchedFolder);
     const auto synchronise = [manager = m_edits.liveFolderManager, intoWatchedFolder] {
         if (manager) {
-            zqOnMainThread([manager, intoWatchedFolder] { manager->syncWatchedFolder(intoWatchedFolder, true); });
+            zqOnMainThread([manager, intoWatchedFolder] { manager->syncWatchedFolder(intoWatchedFolder, false); });
         }
     };
     const EditPass redo{[copies, synchronise](EditRun &run) {

@@ -364,7 +364,8 @@ void FolderFilesSync::settle()
             continue;
         }
         // An edit that puts a file there has the item saved a moment later.
-        if (ZQOwnChanges::sharedOwnChanges().contains(QFile::encodeName(file.path))) {
+        auto &own = ZQOwnChanges::sharedOwnChanges();
+        if (const QByteArray path = QFile::encodeName(file.path); own.isHeld(path) || own.contains(path)) {
             m_run.toLookAtAgain.insert(file.folder);
             continue;
         }

@@ -5,7 +5,6 @@
 #include "Classes/LiveFolders/FolderPlace.h"
 #include "Classes/LiveFolders/FolderRemovals.h"
 #include "Classes/Tags/TagFileWriter.h"
-#include "Kit/Files/ZQOwnChanges.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -113,9 +112,7 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
     const QDateTime now = zqNow();
     for (const FolderTreeSync::Changed &changed : tree.changed()) {
         if (const auto row = changed.record->folder(changed.key) ? run.folder(changed.key) : nullptr) {
-            ZQOwnChanges::sharedOwnChanges().note(row->folderPath());
             row->updateFolderOpenMetaSyncDate();
-            ZQOwnChanges::sharedOwnChanges().didChange(row->folderPath());
             row->setLastSyncDate(now);
             if (!zqPersistentURLIsAt(row->folderURLSecureData(),
                                      row->folderPath())) { // it is there under another identity

@@ -25,14 +25,55 @@ ZQOwnChanges::ZQOwnChanges(std::chrono::milliseconds moment, std::size_t limit) 
 void ZQOwnChanges::note(const QString &path)
 {
     const QByteArray key = systemPath(path);
-    const Clock::time_point now = Clock::now();
     const ZQLockGuard lock(m_mutex);
+    add(key, {});
+}
+
+void ZQOwnChanges::hold(const QString &path)
+{
+    const QByteArray key = systemPath(path);
+    const ZQLockGuard lock(m_mutex);
+    ++m_held[key]; // first: a note that is held is not forgotten to make room for itself
+    add(key, {});
+}
+
+void ZQOwnChanges::release(const QString &path)
+{
+    const QByteArray key = systemPath(path);
+    const ZQLockGuard lock(m_mutex);
+    const auto held = m_held.find(key);
+    if (held == m_held.end() || --*held > 0) {
+        return;
+    }
+    m_held.erase(held);
+    add(key, m_notes.value(key));
+}
+
+void ZQOwnChanges::forget(const QString &path)
+{
+    const QByteArray key = systemPath(path);
+    const ZQLockGuard lock(m_mutex);
+    if (!m_held.contains(key)) {
+        m_notes.remove(key);
+    }
+}
+
+bool ZQOwnChanges::isHeld(const QByteArray &path)
+{
+    const ZQLockGuard lock(m_mutex);
+    return m_held.contains(path);
+}
+
+void ZQOwnChanges::add(const QByteArray &path, const Note &note)
+{
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point until = now + m_moment;
     forgetOld(now);
     if (m_order.size() >= m_limit) {
         forgetOldest();
     }
-    m_notes.insert(key, Note{now + m_moment, State(), false});
-    m_order.emplace_back(now + m_moment, key);
+    m_notes.insert(path, Note{until, note.after, note.isMade});
+    m_order.emplace_back(until, path);
 }
 
 void ZQOwnChanges::didChange(const QString &path)
@@ -80,7 +121,8 @@ void ZQOwnChanges::forgetOld(Clock::time_point now)
 void ZQOwnChanges::forgetOldest()
 {
     const auto &[until, path] = m_order.front();
-    if (const auto note = m_notes.constFind(path); note != m_notes.cend() && note->until == until) {
+    if (const auto note = m_notes.constFind(path);
+        note != m_notes.cend() && note->until == until && !m_held.contains(path)) {
         m_notes.erase(note); // a later call for the same path holds on to it
     }
     m_order.pop_front();

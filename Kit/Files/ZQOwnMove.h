@@ -10,17 +10,40 @@
 
 // Changes of this process where its own watchers may look on: they do not answer them. Any thread.
 
-// A change at a path, for as long as it lives.
+// A change at a path, for as long as it lives and for a moment after that. It may outlive what is done on the disk,
+// until the store knows.
 class ZQOwnChange
 {
 public:
-    explicit ZQOwnChange(const QString &path) : m_path(path) { ZQOwnChanges::sharedOwnChanges().note(m_path); }
-    ~ZQOwnChange() { ZQOwnChanges::sharedOwnChanges().didChange(m_path); }
-    ZQOwnChange(const ZQOwnChange &) = delete;
-    ZQOwnChange &operator=(const ZQOwnChange &) = delete;
+    explicit ZQOwnChange(const QString &path) : m_path(path) { ZQOwnChanges::sharedOwnChanges().hold(m_path); }
+    ~ZQOwnChange()
+    {
+        if (!m_path.isEmpty()) {
+            didChange();
+            ZQOwnChanges::sharedOwnChanges().release(m_path);
+        }
+    }
+    ZQOwnChange(ZQOwnChange &&other) noexcept
+        : m_path(std::exchange(other.m_path, {})), m_isMade(std::exchange(other.m_isMade, false))
+    {
+    }
+    ZQOwnChange &operator=(ZQOwnChange &&other) noexcept
+    {
+        std::swap(m_path, other.m_path);
+        std::swap(m_isMade, other.m_isMade);
+        return *this;
+    }
+
+    void didChange() // on the disk: what happens there from then on is done by others
+    {
+        if (!std::exchange(m_isMade, true)) {
+            ZQOwnChanges::sharedOwnChanges().didChange(m_path);
+        }
+    }
 
 private:
-    QString m_path;
+    QString m_path; // empty: another one took it over
+    bool m_isMade = false;
 };
 
 // Renames within one file system, never over an existing file.

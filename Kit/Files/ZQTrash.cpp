@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QUrl>
 
 #include <fcntl.h>
@@ -45,9 +46,17 @@ struct stat nearestStatus(QString path)
     return status;
 }
 
+// The same file by a path without links on the way to it; it may be one itself.
+QString resolved(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    return folder.isEmpty() ? path : QDir::cleanPath(folder + u'/' + info.fileName());
+}
+
 QString mountPointOf(const QString &path, dev_t device)
 {
-    QString top = QDir::cleanPath(path + QStringLiteral("/.."));
+    QString top = QDir::cleanPath(resolved(path) + QStringLiteral("/.."));
     while (top != u"/") {
         const QString above = QDir::cleanPath(top + QStringLiteral("/.."));
         const auto status = statusOf(above);
@@ -100,7 +109,7 @@ bool makeFolders(const Trash &trash, ZQError *error)
 
 QByteArray infoFor(const QString &path, const Trash &trash)
 {
-    const QString noted = trash.top.isEmpty() ? path : QDir(trash.top).relativeFilePath(path);
+    const QString noted = trash.top.isEmpty() ? path : QDir(trash.top).relativeFilePath(resolved(path));
     return "[Trash Info]\nPath=" + QUrl::toPercentEncoding(noted, "/") +
            "\nDeletionDate=" + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")).toLatin1() +
            "\n";

@@ -15,6 +15,17 @@
 
 namespace {
 
+ZQTreeState::Entry entryOf(const struct stat &status)
+{
+    ZQTreeState::Entry entry;
+    entry.type = status.st_mode & S_IFMT;
+    if (!S_ISDIR(status.st_mode)) {
+        entry.size = status.st_size;
+        entry.modified = qint64(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+    }
+    return entry;
+}
+
 bool addEntries(const QByteArray &root, const QByteArray &below, ZQTreeState &state, ZQError *error)
 {
     const QByteArray path = below.isEmpty() ? root : root + '/' + below;
@@ -22,12 +33,8 @@ bool addEntries(const QByteArray &root, const QByteArray &below, ZQTreeState &st
     if (::lstat(path.constData(), &status) != 0) {
         return zqFailWithErrno(error, path);
     }
-    const bool isFolder = S_ISDIR(status.st_mode);
-    ZQTreeState::Entry &entry = state.entries[below];
-    entry.type = status.st_mode & S_IFMT;
-    if (!isFolder) {
-        entry.size = status.st_size;
-        entry.modified = qint64(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+    state.entries.insert(below, entryOf(status));
+    if (!S_ISDIR(status.st_mode)) {
         return true;
     }
     const std::unique_ptr<DIR, int (*)(DIR *)> folder(::opendir(path.constData()), ::closedir);
@@ -122,6 +129,9 @@ std::optional<ZQVerifiedCopy> ZQVerifiedCopy::make(const QString &source, const 
 
 bool ZQVerifiedCopy::removeSource(ZQError *error) const
 {
+    if (!zqSyncFileSystem(m_destination, error)) { // takes long: what others write meanwhile is to be seen
+        return false;
+    }
     const auto now = ZQTreeState::of(m_source, error);
     if (!now) {
         return false;
@@ -130,14 +140,19 @@ bool ZQVerifiedCopy::removeSource(ZQError *error) const
         zqSetError(error, changedError(m_source));
         return false;
     }
-    if (!zqSyncFileSystem(m_destination, error)) {
-        return false;
-    }
     const QByteArray root = QFile::encodeName(m_source);
     for (auto each = m_state.entries.cend(); each != m_state.entries.cbegin();) { // what a folder holds before it
         --each;
         const QByteArray path = each.key().isEmpty() ? root : root + '/' + each.key();
         const bool isFolder = each->type == S_IFDIR;
+        struct stat status = {};
+        if (::lstat(path.constData(), &status) != 0) {
+            return zqFailWithErrno(error, path);
+        }
+        if (entryOf(status) != *each) {
+            zqSetError(error, changedError(QFile::decodeName(path)));
+            return false;
+        }
         if ((isFolder ? ::rmdir(path.constData()) : ::unlink(path.constData())) != 0 &&
             !(isFolder && errno == ENOTEMPTY)) {
             return zqFailWithErrno(error, path);

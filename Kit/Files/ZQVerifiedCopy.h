@@ -36,7 +36,8 @@ public:
                                               ZQError *error = nullptr, const std::function<bool()> &isCancelled = {});
 
     // Flushes the disk and removes what was copied, and nothing else: with an error, and with everything still there,
-    // when the source was changed since; what came into a folder meanwhile stays with the folder.
+    // when the source was changed until then; a file that is changed while others go stays, with those that would have
+    // followed; what comes into a folder meanwhile stays with the folder.
     bool removeSource(ZQError *error = nullptr) const;
     const ZQTreeState &state() const { return m_state; }
 

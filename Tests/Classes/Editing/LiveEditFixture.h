@@ -22,7 +22,11 @@ public:
     void startObservingWatchedFolders() override {}
     void stopObservingWatchedFolders() override {}
     void syncRootWatchedFolders() override {}
-    void syncWatchedFolder(const ZQObjectID &folder, bool /*force*/) override { synced.append(folder); }
+    void syncWatchedFolder(const ZQObjectID &folder, bool force) override
+    {
+        synced.append(folder);
+        wasForced = wasForced || force;
+    }
     void stopSyncingWatchedFolders(const QList<ZQObjectID> & /*folders*/) override {}
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override
     {
@@ -46,6 +50,7 @@ public:
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID & /*folder*/) const override { return {}; }
 
     QList<ZQObjectID> synced;
+    bool wasForced = false;
     QList<ZQObjectID> changed;
 
 private:

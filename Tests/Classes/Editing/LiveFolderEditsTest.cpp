@@ -1,11 +1,13 @@
 #include "Classes/Editing/LiveFolderEdits.h"
 
 #include "Classes/Editing/LibraryCommands.h"
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Tests/Classes/Editing/LiveEditFixture.h"
 #include "Tests/Support/ScratchMount.h"
 #include "Tests/Support/Skip.h"
 
 #include <functional>
+#include <optional>
 
 class LiveFolderEditsTest : public LiveEditFixture
 {
@@ -159,7 +161,7 @@ TEST_F(LiveFolderEditsTest, ARestoredFileTakesNobodysName)
     put(path, "somebody else's");
     undo();
     EXPECT_EQ(ScratchLibrary::readFile(path), QByteArray("somebody else's"));
-    EXPECT_EQ(a->title(), QStringLiteral("a 2"));
+    EXPECT_EQ(a->title(), QStringLiteral("a 1"));
     EXPECT_EQ(ScratchLibrary::readFile(a->itemURL()), QByteArray("a.jpg"));
     EXPECT_EQ(a->itemURL(), one->folderPath() + QStringLiteral("/a 1.jpg"));
 }
@@ -265,6 +267,80 @@ TEST_F(LiveFolderEditsTest, BetweenDisksAFileIsCopiedAndItsOldOneIsInTheTrash)
     }
     ASSERT_EQ(found.size(), 1) << "in that disk's trash";
     EXPECT_TRUE(found.first().contains(QStringLiteral("/.Trash")));
+}
+
+TEST_F(LiveFolderEditsTest, NothingGoesBackToAFolderThatIsAway)
+{
+    std::optional<ScratchMount> mount(library.path(QStringLiteral("disk")));
+    if (!mount->isMounted()) {
+        return skipWithout("the right to mount a file system");
+    }
+    const Folder disk = liveFolder(QStringLiteral("disk"));
+    const auto item = liveItem(disk, QStringLiteral("l.jpg"));
+    commands.addItems(ids({item}), two->objectID(), 0);
+    finish();
+    ASSERT_EQ(item->watchingFolder(), two);
+    const auto mark = [&](bool isMissing, bool isTrashed, bool isEnabled) {
+        disk->setIs_missing(isMissing);
+        disk->setIs_trashed(isTrashed);
+        disk->setIs_enabled(isEnabled);
+        library.context().save();
+    };
+    const std::pair<const char *, std::function<void()>> cases[] = {
+        {"missing", [&] { mark(true, false, false); }},
+        {"in the trash", [&] { mark(false, true, false); }},
+        {"disabled", [&] { mark(false, false, false); }},
+        {"its disk is away",
+         [&] {
+             mark(false, false, true);
+             mount.reset();
+         }},
+    };
+    for (const auto &[what, make] : cases) {
+        SCOPED_TRACE(what);
+        make();
+        user.errors.clear();
+        undo();
+        EXPECT_TRUE(onlyError().contains(QStringLiteral("“disk”"))) << qPrintable(onlyError());
+        EXPECT_EQ(item->watchingFolder(), two);
+        EXPECT_EQ(ScratchLibrary::readFile(two->folderPath() + QStringLiteral("/l.jpg")), QByteArray("l.jpg"));
+        EXPECT_FALSE(QFile::exists(disk->folderPath() + QStringLiteral("/l.jpg")));
+        redo();
+    }
+    user.errors.clear();
+    edits.copyFiles({outside(QStringLiteral("n.jpg"), "n")}, disk->objectID());
+    finish();
+    EXPECT_TRUE(onlyError().contains(QStringLiteral("“disk” is not there now")));
+    EXPECT_TRUE(QDir(disk->folderPath()).isEmpty()) << "where its disk was";
+}
+
+TEST_F(LiveFolderEditsTest, SynchronisingLeavesItsFilesAloneUntilTheStoreKnowsThem)
+{
+    ZQOwnChanges &changes = ZQOwnChanges::sharedOwnChanges();
+    const auto place = [this](const char *name) { return QFile::encodeName(two->folderPath()) + '/' + name; };
+    bool isCopyHeld = false;
+    editing.merge = [&](const ZQContextDidSave &saved) {
+        library.context().mergeChangesFromContextDidSaveNotification(saved);
+        isCopyHeld = changes.isHeld(place("m.jpg"));
+    };
+    bool isMovedHeld = false;
+    editing.save = [&] {
+        isMovedHeld = changes.isHeld(place("a.jpg"));
+        library.context().save();
+        return true;
+    };
+    commands.addItems(ids({a}), two->objectID(), 0);
+    commands.addItems(ids({managed}), two->objectID(), 0);
+    finish();
+    EXPECT_TRUE(isCopyHeld && isMovedHeld);
+    EXPECT_FALSE(changes.isHeld(place("m.jpg")) || changes.isHeld(place("a.jpg")));
+
+    edits.copyFiles({outside(QStringLiteral("n.jpg"), "n")}, two->objectID());
+    finish();
+    EXPECT_TRUE(QFile::exists(two->folderPath() + QStringLiteral("/n.jpg")));
+    EXPECT_FALSE(changes.contains(place("n.jpg"))) << "its item is made there";
+    EXPECT_EQ(manager.synced, QList<ZQObjectID>{two->objectID()});
+    EXPECT_FALSE(manager.wasForced) << "nothing else is read again";
 }
 
 TEST_F(LiveFolderEditsTest, WhatIsGoneIsToldAndTheRestIsDone)

@@ -52,3 +52,35 @@ TEST_F(OwnChanges, TellWhatOthersDoAfterwardsFromWhatWeDid)
         EXPECT_FALSE(changes.contains(QFile::encodeName(path)));
     }
 }
+
+TEST_F(OwnChanges, AreHeldUntilTheyAreReleasedAsOften)
+{
+    const QString path = QStringLiteral("/held");
+    ZQOwnChanges brief(std::chrono::milliseconds(0), 2);
+    brief.hold(path);
+    brief.hold(path);
+    for (const char *const other : {"/a", "/b", "/c"}) {
+        brief.note(QString::fromLatin1(other));
+    }
+    brief.release(path);
+    brief.forget(path);
+    EXPECT_TRUE(brief.contains("/held") && brief.isHeld("/held"));
+    brief.release(path);
+    EXPECT_FALSE(brief.contains("/held") || brief.isHeld("/held"));
+    brief.release(path);
+
+    ZQOwnChanges changes(std::chrono::hours(1));
+    const QString written = file(QStringLiteral("written"), "1");
+    const QByteArray name = QFile::encodeName(written);
+    changes.hold(written);
+    changes.didChange(written);
+    ASSERT_TRUE(QFile::remove(written));
+    EXPECT_FALSE(changes.contains(name)) << "somebody else's doing";
+    EXPECT_TRUE(changes.isHeld(name));
+    file(QStringLiteral("written"), "2");
+    changes.didChange(written);
+    changes.release(written);
+    EXPECT_TRUE(changes.contains(name)) << "for a moment more";
+    changes.forget(written);
+    EXPECT_FALSE(changes.contains(name));
+}

@@ -11,11 +11,14 @@
 
 #include <QDirIterator>
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <functional>
+#include <utility>
 
 namespace {
 
@@ -33,6 +36,10 @@ QStringList namesBelow(const QString &folder)
     return names;
 }
 
+// What another program does at that moment.
+std::function<void()> duringFlush;
+std::function<void()> afterUnlink;
+
 // As file systems that know neither the flag nor links: FAT over FUSE, some servers.
 bool isPoorFileSystem = false;
 
@@ -42,6 +49,23 @@ extern "C" int renameat2(int fromFolder, const char *from, int toFolder, const c
 {
     errno = EINVAL;
     return isPoorFileSystem ? -1 : int(::syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+extern "C" int syncfs(int file) noexcept
+{
+    if (duringFlush) {
+        duringFlush();
+    }
+    return int(::syscall(SYS_syncfs, file));
+}
+
+extern "C" int unlink(const char *path) noexcept
+{
+    const int result = int(::syscall(SYS_unlinkat, AT_FDCWD, path, 0));
+    if (const auto happens = std::exchange(afterUnlink, {})) {
+        happens();
+    }
+    return result;
 }
 
 extern "C" int link(const char *from, const char *to) noexcept
@@ -95,6 +119,46 @@ TEST_F(VerifiedCopy, TakesThePlaceOfWhatItCopied)
     EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("from"))));
     EXPECT_EQ(namesBelow(path(QStringLiteral("to"))), before);
     EXPECT_EQ(read(path(QStringLiteral("to/deep/b"))), QByteArray("b"));
+}
+
+TEST_F(VerifiedCopy, KeepsWhatAnotherProgramSavesUntilItsFileGoes)
+{
+    const auto save = [this] { file(QStringLiteral("from/a"), "saved meanwhile"); };
+    for (std::function<void()> *const moment : {&duringFlush, &afterUnlink}) {
+        folder(QStringLiteral("from"));
+        file(QStringLiteral("from/a"), "a");
+        file(QStringLiteral("from/b"), "b");
+        const auto copy = ZQVerifiedCopy::make(path(QStringLiteral("from")), path(QStringLiteral("to")));
+        ASSERT_TRUE(copy);
+        *moment = save;
+        ZQError error;
+        EXPECT_FALSE(copy->removeSource(&error));
+        *moment = {};
+        EXPECT_EQ(error.code, EBUSY);
+        EXPECT_EQ(read(path(QStringLiteral("from/a"))), QByteArray("saved meanwhile"));
+        EXPECT_EQ(QFileInfo::exists(path(QStringLiteral("from/b"))), moment == &duringFlush);
+        EXPECT_EQ(read(path(QStringLiteral("to/b"))), QByteArray("b"));
+        QDir(path(QStringLiteral("to"))).removeRecursively();
+    }
+}
+
+TEST_F(VerifiedCopy, TheTrashOfADiskIsAtItsTopBelowALinkToo)
+{
+    const ScratchMount mount(path(QStringLiteral("disk")));
+    if (!mount.isMounted()) {
+        return skipWithout("the right to mount a file system");
+    }
+    folder(QStringLiteral("disk/deep/sub"));
+    ASSERT_TRUE(QFile::link(path(QStringLiteral("disk/deep")), path(QStringLiteral("way"))));
+    file(QStringLiteral("disk/deep/sub/a.png"), "a");
+    const QString top = path(QStringLiteral("disk/.Trash-%1").arg(::getuid()));
+    QString trashed;
+    ASSERT_TRUE(ZQTrash::recycle(path(QStringLiteral("way/sub/a.png")), &trashed));
+    EXPECT_EQ(trashed, top + QStringLiteral("/files/a.png"));
+    EXPECT_TRUE(read(top + QStringLiteral("/info/a.png.trashinfo")).contains("\nPath=deep/sub/a.png\n"));
+    ASSERT_TRUE(ZQTrash::recycle(path(QStringLiteral("way")), &trashed));
+    EXPECT_EQ(trashed, ZQPaths::dataHome() + QStringLiteral("/Trash/files/way")) << "the link lies at home";
+    EXPECT_TRUE(QFileInfo::exists(path(QStringLiteral("disk/deep"))));
 }
 
 TEST_F(VerifiedCopy, RefusesWhatIsNoFileAndLeavesNothing)
