@@ -114,6 +114,7 @@ void ZQWatchLoop::run()
         handleEvents();
         doWhatIsDue();
     }
+    m_table.close();
     m_roots.clear();
     const ZQLockGuard lock(m_mutex);
     m_hasEnded = true;
