@@ -230,6 +230,12 @@ std::chrono::milliseconds ZQWatchLoop::silentInterval() const
     return set > 0 ? std::chrono::minutes(std::min(set, mostSilentMinutes)) : usualSilentInterval;
 }
 
+// Looking at a server's place may mount it: that is not done every second.
+std::chrono::milliseconds ZQWatchLoop::returnInterval() const
+{
+    return m_isForSilent ? std::max(silentInterval(), m_options.returnInterval) : m_options.returnInterval;
+}
+
 void ZQWatchLoop::tell(ZQWatchNews::Kind kind, const QByteArray &path, qint64 needed)
 {
     m_outbox->post({{kind, path, {}, false, needed, m_isForSilent}});
