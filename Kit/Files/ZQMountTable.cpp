@@ -8,10 +8,11 @@
 
 namespace {
 
-// The file systems whose files others change without this kernel knowing.
-constexpr const char *silentTypes[] = {"nfs",    "nfs4",   "cifs",      "smb3",   "smbfs",    "9p",    "afs",
-                                       "ceph",   "coda",   "lustre",    "beegfs", "gpfs",     "davfs", "virtiofs",
-                                       "vboxsf", "prl_fs", "glusterfs", "ncpfs",  "orangefs", "gfs2",  "ocfs2"};
+// The file systems whose files others change without this kernel knowing, and the one that stands where any of them may
+// be mounted by looking.
+constexpr const char *silentTypes[] = {
+    "nfs",  "nfs4",  "cifs",     "smb3",   "smbfs",  "9p",        "afs",   "ceph",     "coda", "lustre", "beegfs",
+    "gpfs", "davfs", "virtiofs", "vboxsf", "prl_fs", "glusterfs", "ncpfs", "orangefs", "gfs2", "ocfs2",  "autofs"};
 // Programs that only translate what lies on a disk of this machine, and all changes go through them.
 constexpr const char *tellingPrograms[] = {"fuse.gocryptfs", "fuse.encfs", "fuse.cryfs",          "fuse.securefs",
                                            "fuse.exfat",     "fuse.ntfs",  "fuse.ntfs-3g",        "fuse.veracrypt",

@@ -114,6 +114,7 @@ void ZQWatchLoop::run()
         handleEvents();
         doWhatIsDue();
     }
+    m_table.close();
     m_roots.clear();
     const ZQLockGuard lock(m_mutex);
     m_hasEnded = true;
@@ -227,6 +228,12 @@ std::chrono::milliseconds ZQWatchLoop::silentInterval() const
     }
     const qint64 set = ZQUserDefaults::standardUserDefaults().integerForKey(QStringLiteral("LiveFolderSweepMinutes"));
     return set > 0 ? std::chrono::minutes(std::min(set, mostSilentMinutes)) : usualSilentInterval;
+}
+
+// Looking at a server's place may mount it: that is not done every second.
+std::chrono::milliseconds ZQWatchLoop::returnInterval() const
+{
+    return m_isForSilent ? std::max(silentInterval(), m_options.returnInterval) : m_options.returnInterval;
 }
 
 void ZQWatchLoop::tell(ZQWatchNews::Kind kind, const QByteArray &path, qint64 needed)

@@ -70,6 +70,7 @@ private:
     void tellWatches();
     std::vector<QByteArray> startedPaths() const;
     std::chrono::milliseconds silentInterval() const;
+    std::chrono::milliseconds returnInterval() const;
     void tell(ZQWatchNews::Kind kind, const QByteArray &path = {}, qint64 needed = 0);
 
     const ZQWatchOptions m_options;

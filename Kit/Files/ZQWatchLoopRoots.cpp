@@ -28,7 +28,7 @@ void ZQWatchLoop::startRoot(ZQWatchedRoot &root)
         tell(Kind::Vanished, root.path());
     }
     if (!m_returnDue) {
-        m_returnDue = m_now + m_options.returnInterval;
+        m_returnDue = m_now + returnInterval();
     }
 }
 
@@ -54,7 +54,7 @@ void ZQWatchLoop::vanish(ZQWatchedRoot &root)
     root.setToldMissing(true);
     forgetNewsOf(root.path());
     tell(Kind::Vanished, root.path());
-    m_returnDue = m_now + m_options.returnInterval;
+    m_returnDue = m_now + returnInterval();
     m_checkDue = m_now; // what was inside may be gone as well
 }
 

@@ -107,7 +107,7 @@ void ZQWatchTable::removeGuard(int watch)
 
 void ZQWatchTable::release(int watch)
 {
-    if (!m_users.contains(watch) && !m_guards.contains(watch)) {
+    if (m_inotify.isOpen() && !m_users.contains(watch) && !m_guards.contains(watch)) {
         ::inotify_rm_watch(m_inotify.get(), watch);
     }
 }

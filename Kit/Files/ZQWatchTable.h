@@ -25,6 +25,7 @@ public:
 
     explicit ZQWatchTable(qint64 limit = 0); // watches at most; 0: what the system allows
     int descriptor() const { return m_inotify.get(); }
+    void close() { m_inotify.close(); } // at the end: all at once is sooner done than one after another
     qint64 limit() const;
     static bool isFull(int error); // whether this number of an error means that there are no more watches
 

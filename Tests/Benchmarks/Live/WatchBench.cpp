@@ -69,9 +69,9 @@ class Waiting
 public:
     explicit Waiting(ZQFileWatcher &watcher)
     {
-        QObject::connect(&watcher, &ZQFileWatcher::watchingDidStart, [this] { m_loop.quit(); });
-        QObject::connect(&watcher, &ZQFileWatcher::folderDidChange, [this] { m_loop.quit(); });
-        QObject::connect(&m_limit, &QTimer::timeout, [this] { m_loop.exit(1); });
+        QObject::connect(&watcher, &ZQFileWatcher::watchingDidStart, &m_loop, &QEventLoop::quit);
+        QObject::connect(&watcher, &ZQFileWatcher::folderDidChange, &m_loop, &QEventLoop::quit);
+        QObject::connect(&m_limit, &QTimer::timeout, &m_loop, [this] { m_loop.exit(1); });
         m_limit.setInterval(longestWait);
         m_limit.start();
     }

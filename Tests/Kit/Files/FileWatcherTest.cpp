@@ -1,12 +1,15 @@
 #include "Tests/Kit/Files/Scratch.h"
 #include "Tests/Kit/Files/Watching.h"
 
+#include <QDirIterator>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <functional>
+#include <random>
 
 using Moves = QList<std::pair<QString, QString>>;
 
@@ -152,6 +155,43 @@ TEST_F(FileWatcher, FollowsFoldersThatExchangeTheirNames)
         watching.forget();
         write(inner + QStringLiteral("/file"), "x");
         EXPECT_TRUE(watching.waitForChangeOf(inner)) << name;
+    }
+}
+
+TEST_F(FileWatcher, FollowsEveryFolderWhateverBecameOfIt)
+{
+    const auto foldersIn = [](const QString &folder) {
+        QStringList folders = {folder};
+        QDirIterator all(folder, QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+        while (all.hasNext()) {
+            folders.append(all.next());
+        }
+        return folders;
+    };
+    const QString outside = folder(QStringLiteral("outside"));
+    ZQWatchOptions options = Watching::patient();
+    options.quiet = std::chrono::milliseconds(10);
+    options.longestWait = std::chrono::milliseconds(30);
+    Watching watching(options);
+    ASSERT_TRUE(watching.start(root));
+    std::mt19937 chance(7);
+    const auto oneOf = [&](const QStringList &list) { return list[static_cast<qsizetype>(chance() % list.size())]; };
+    for (int round = 0; round < 6; ++round) {
+        for (int step = 0; step < 60; ++step) {
+            const QString from = oneOf(foldersIn(chance() % 4 == 0 ? outside : root));
+            const QString to = oneOf(foldersIn(chance() % 4 == 0 ? outside : root));
+            const bool isFixed = from == root || from == outside;
+            if (chance() % 3 == 0) {
+                QDir(to).mkpath(QStringLiteral("%1/%2").arg(chance() % 5).arg(chance() % 5));
+            } else if (!isFixed && chance() % 6 == 0) {
+                EXPECT_TRUE(QDir(from).removeRecursively());
+            } else if (!isFixed && !to.startsWith(from)) {
+                renamed(from, to + u'/' + QString::number(chance() % 5)); // fails where one is in the way
+            }
+        }
+        for (const QString &folder : foldersIn(root)) {
+            EXPECT_TRUE(watching.follows(folder)) << qPrintable(folder) << " in round " << round;
+        }
     }
 }
 

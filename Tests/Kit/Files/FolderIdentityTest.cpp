@@ -29,7 +29,7 @@ TEST(MountTable, TellsWhereAPathLiesAndWhetherThatPlaceTellsOfChanges)
                 {"/home/me/cloud/a", "/home/me/cloud", "fuse.rclone", true},
                 {"/home/me/safe/a", "/home/me/safe", "fuse.gocryptfs", false},
                 {"/net/a b\\\n/c", "/net/a b\\\n", "nfs4", true},
-                {"/net/other", "/net", "autofs", false},
+                {"/net/other", "/net", "autofs", true},
                 {"/media/stick", "/media/stick", "fuseblk", false},
                 {"/covered/inner/a", "/covered", "tmpfs", false},
                 {"/short", "/", "ext4", false}};

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QList>
 #include <QSet>
+#include <QTimer>
 
 #include <cstdio>
 #include <functional>
@@ -51,8 +52,10 @@ struct Watching
     static bool waitFor(const std::function<bool()> &isTrue)
     {
         const QDeadlineTimer deadline(20000);
+        QTimer wakes;
+        wakes.start(20);
         while (!isTrue() && !deadline.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
         return isTrue();
     }
