@@ -28,8 +28,24 @@ protected:
     }
 };
 
+// Where there is little room, how far it is stays to be read.
+class ZQProgressLine::Label : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent * /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter,
+                         fontMetrics().elidedText(text(), Qt::ElideMiddle, width()));
+    }
+};
+
 ZQProgressLine::ZQProgressLine(bool canCancel, QWidget *parent)
-    : QWidget(parent), m_label(new QLabel(this)), m_cancel(new QToolButton(this)), m_bar(new Bar(this))
+    : QWidget(parent), m_label(new Label(this)), m_cancel(new QToolButton(this)), m_bar(new Bar(this))
 {
     m_label->setObjectName(QStringLiteral("SmallMuted"));
     m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -53,6 +69,7 @@ ZQProgressLine::ZQProgressLine(bool canCancel, QWidget *parent)
 void ZQProgressLine::setText(const QString &text)
 {
     m_label->setText(text);
+    m_label->setToolTip(text);
     m_bar->setAccessibleName(text);
 }
 

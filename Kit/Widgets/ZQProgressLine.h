@@ -19,6 +19,7 @@ Q_SIGNALS:
 
 private:
     class Bar;
+    class Label;
     QLabel *m_label;
     QToolButton *m_cancel;
     Bar *m_bar;

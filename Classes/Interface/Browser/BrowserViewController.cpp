@@ -69,7 +69,7 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     auto *cell = new QGridLayout; // the button lies over the grid, below what it says instead of items
     cell->addWidget(m_grid, 0, 0);
     cell->addWidget(makeRecovery(), 0, 0, Qt::AlignCenter);
-    m_empty = new EmptyState(page);
+    m_empty = new EmptyState(this); // goes to the page after the grid, and so lies over it
     cell->addWidget(m_empty, 0, 0, Qt::AlignCenter);
     column->addLayout(cell, 1);
     column->addWidget(makeStatus());

@@ -23,7 +23,7 @@ QString shownPath(const QString &path)
 
 LivePlace::LivePlace(QWidget *parent) : QToolButton(parent)
 {
-    setObjectName(QStringLiteral("Link"));
+    setObjectName(QStringLiteral("LivePlace"));
     setIcon(ZQIcon::icon(QStringLiteral("live"), ZQColorRole::Accent));
     setIconSize({iconSide, iconSide});
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);

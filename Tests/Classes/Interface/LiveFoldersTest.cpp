@@ -320,6 +320,8 @@ TEST_F(LiveFoldersTest, AnEmptyLiveFolderSaysWhyAndWhatToDo)
         QStringList shown;
         for (const auto *button : browser().emptyState().findChildren<QPushButton *>()) {
             if (button->isVisible()) {
+                const QPoint middle = button->mapTo(&window(), button->rect().center());
+                EXPECT_EQ(window().childAt(middle), button) << "nothing lies over it";
                 shown.append(button->text());
             }
         }
@@ -446,9 +448,9 @@ TEST_F(LiveFoldersTest, FoldersThatComeInLeaveTheSidebarWhereItIs)
 
 TEST_F(LiveFoldersTest, ThePanelSaysWhereItemsLie)
 {
-    const Folder live = addLive("Pictures", label);
+    const Folder live = addLive("Cats & Dogs", label);
     const Folder below = addLive("Below", live);
-    const QString first = live->folderPath() + QStringLiteral("/one & two.png");
+    const QString first = live->folderPath() + QStringLiteral("/red.png");
     for (const auto &[title, in] : {std::pair("red", live), {"clear", live}, {"moving", below}}) {
         const auto item = image(QLatin1StringView(title));
         item->setWatchingFolder(in.get());
