@@ -119,7 +119,7 @@ QString bundleFor(tamberin_AppDelegate &delegate, const CommandLine &commandLine
 // A mistyped --library is no reason to make one, but for what fills it.
 ZQError refusalOfLibrary(const CommandLine &commandLine)
 {
-    const bool mayMake = commandLine.isImport() || !commandLine.isCommand();
+    const bool mayMake = commandLine.fillsLibrary() || !commandLine.isCommand();
     return commandLine.library().isEmpty()
                ? ZQError()
                : LibraryLocation::refusalOfNamed(commandLine.library(), mayMake ? LibraryLocation::Missing::MayBeMade

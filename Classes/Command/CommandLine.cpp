@@ -302,6 +302,7 @@ void CommandLine::defineLiveFolders()
         live->add_subcommand("add", "Mirror folders: their pictures become items and stay where they are");
     addition->add_option("paths", m_options->paths, "Folders on the disk")->required()->type_name("PATH");
     define(addition, [this](CommandContext &context) { return zqRunAddLiveFolders(texts(m_options->paths), context); });
+    addition->parse_complete_callback([this] { m_fillsLibrary = true; });
     CLI::App *removal =
         live->add_subcommand("remove", "Take a live folder out of the sidebar; the folder stays on the disk");
     removal->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
@@ -430,6 +431,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                                                             : DuplicatePolicy::Keep;
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
     m_isImport = m_app->got_subcommand("import");
+    m_fillsLibrary = m_fillsLibrary || m_isImport;
     for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }

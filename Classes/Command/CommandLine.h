@@ -39,7 +39,8 @@ public:
     bool isCommand() const { return m_run != nullptr; } // otherwise a window, perhaps with files
     bool needsLibrary() const { return m_needsLibrary; }
     bool isImport() const { return m_isImport; }
-    bool isEdit() const { return m_isEdit; } // of items, or of live folders
+    bool fillsLibrary() const { return m_fillsLibrary; } // one that is not there yet may be made for it
+    bool isEdit() const { return m_isEdit; }             // of items, or of live folders
     bool isSnapshot() const { return m_isSnapshot; }
     QString library() const { return m_library; } // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
@@ -80,6 +81,7 @@ private:
     std::function<int(const SnapshotRequest &, CommandContext &)> m_drawSnapshot;
     bool m_needsLibrary = true;
     bool m_isImport = false;
+    bool m_fillsLibrary = false;
     bool m_isEdit = false;
     bool m_isSnapshot = false;
     bool m_json = false;

@@ -117,7 +117,8 @@ QByteArray FolderFilesSync::nameIn(const RecordedFolder &folder, const Item &ite
             return QByteArray();
         }
         const QByteArray rest = path.mid(place.size() + 1);
-        return rest.left(rest.indexOf('/')); // what is in a package is the package's
+        const qsizetype slash = rest.indexOf('/'); // what is in a package is the package's
+        return slash < 0 ? rest : rest.left(slash);
     };
     QByteArray name = within(folder.path);
     for (const QByteArray &earlier : m_run.earlierPaths.value(folder.key)) {
@@ -294,20 +295,25 @@ void FolderFilesSync::refresh(const Item &item, const QString &path, const Folde
             item->updateFileURLsForURL(path);
         }
     }
-    refreshTags(item, path, entry);
+    const bool isReplaced = !isInside && file && file->inode != entry.inode && !(was && was->hasContentOf(entry));
+    refreshTags(item, path, entry, isReplaced);
     m_touched.append(path);
     m_import.didChangeItem();
     m_import.saveIfDue();
 }
 
-void FolderFilesSync::refreshTags(const Item &item, const QString &path, const FolderEntry &entry)
+void FolderFilesSync::refreshTags(const Item &item, const QString &path, const FolderEntry &entry, bool isReplaced)
 {
     const QDateTime change = dateOf(entry.change);
     const QDateTime tagged = OpenMeta::getXAttrMetaData(QStringLiteral("kMDItemOMUserTagTime"), path).toDateTime();
     const QDateTime latest = tagged.isValid() ? std::max(tagged, change) : change;
     const QDateTime seen = item->attributes_modification_date();
     if (!seen.isValid() || seen < latest) {
-        item->readOpenMetaFromDisk();
+        if (isReplaced && !tagged.isValid()) { // most programs lose the tags when they save, and nobody meant that
+            item->writeOpenMetaToDisk();
+        } else {
+            item->readOpenMetaFromDisk();
+        }
         if (item->attributes_modification_date() < latest || !item->attributes_modification_date().isValid()) {
             item->setAttributes_modification_date(latest);
         }
@@ -324,7 +330,7 @@ void FolderFilesSync::adopt(const Item &item, const NewFile &file)
     if (!isSameFile || item->modification_date() < dateOf(file.entry.modification)) {
         item->updateItemData(file.path);
     }
-    refreshTags(item, file.path, file.entry);
+    refreshTags(item, file.path, file.entry, false);
     m_run.changedRoots.insert(file.record->rootKey());
     m_touched.append(file.path);
     m_import.didChangeItem();

@@ -317,7 +317,7 @@ bool FolderTreeSync::follow(const NewFolder &folder)
     m_roots.move(*gone.record, gone.key, *folder.record, folder.father, folder.path);
     std::erase_if(m_gone, [&gone](const Gone &each) { return each.key == gone.key; });
     if (folder.record->folderAtPath(folder.path)) {
-        for (const qint64 key : QList<qint64>(folder.record->below(gone.key)) << gone.key) {
+        for (const qint64 key : QList<qint64>{gone.key} + folder.record->below(gone.key)) {
             m_seen.remove(key);
         }
         m_looks.push_back({folder.record, gone.key, true, false, true});

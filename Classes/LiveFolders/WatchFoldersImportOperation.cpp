@@ -216,7 +216,9 @@ void WatchFoldersImportOperation::readTags(SyncRun &run, qint64 folder, const QS
 void WatchFoldersImportOperation::checkOrphans(SyncRun &run, RootFolders &roots)
 {
     const bool isAlone = !m_uses.syncQueue || m_uses.syncQueue->operationCount() <= 1;
-    if (!isAlone || !m_shouldTraversSubFolders || !run.isWanted()) {
+    // They come of changes; looking for them is a look at every item.
+    const bool mayBeSome = m_isForced || !run.changedRoots.isEmpty();
+    if (!isAlone || !mayBeSome || !run.isWanted()) {
         return;
     }
     const auto items = run.found(zqFetch<ZQLibraryBaseItem>(

@@ -200,7 +200,7 @@ private:
     {
         const QString path = anyFile();
         const QString tag = QStringLiteral("tag %1").arg(m_count++);
-        if (!path.isEmpty() && OpenMeta::addUserTags({tag}, path).isNull()) {
+        if (!path.isEmpty() && OpenMeta::addUserTags(QStringList{tag}, path).isNull()) {
             files[path].tag = tag;
         }
     }

@@ -8,7 +8,7 @@
 
 int main(int argc, char **argv)
 {
-    ScratchMount::useOwnMounts();
+    ScratchMount::useOwnMounts(argv);
     const QTemporaryDir config; // the defaults of the whole run; every test has the other folders for itself
     qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
     const QGuiApplication application(argc, argv);
