@@ -231,12 +231,13 @@ void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const 
     }
 }
 
-// A file that has another one's old name: whose item it becomes depends on where that one is. Where numbers pass, what
-// `was` there tells of it too.
-bool FolderFilesSync::isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *was)
+// A file that has another one's old name: whose item it becomes depends on where that one is. Where mounts number files
+// anew, that one's content has to be as it was recorded.
+bool FolderFilesSync::isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *recorded)
 {
     const auto file = zqFileOfPersistentURL(item->itemURLData());
-    if (!file || file->inode == now.entry.inode || now.entry.kind != EntryKind::File || (now.hasPassingInode && !was)) {
+    if (!file || file->inode == now.entry.inode || now.entry.kind != EntryKind::File ||
+        (now.hasPassingInode && !recorded)) {
         return false;
     }
     if (!m_arrivals) {
@@ -258,7 +259,7 @@ bool FolderFilesSync::isElsewhereNow(const Item &item, const NewFile &now, const
     }
     const auto [changed, arrived] = arrival->second;
     const RecordedFolder *const folder = changed->record->folder(changed->key);
-    const bool mayBeIt = folder && (!now.hasPassingInode || arrived->hasContentOf(*was));
+    const bool mayBeIt = folder && (!now.hasPassingInode || arrived->hasContentOf(*recorded));
     return mayBeIt &&
            zqPersistentURLIsAt(item->itemURLData(), pathOf(*folder, changed->listing.entries.name(*arrived)));
 }

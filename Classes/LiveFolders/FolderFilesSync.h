@@ -55,7 +55,7 @@ private:
     void compare(const FolderTreeSync::Changed &changed);
     void compareFile(const FolderTreeSync::Changed &changed, const RecordedFolder &folder, const FolderEntry &entry,
                      const Item &item, QList<Item> &lost);
-    bool isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *was);
+    bool isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *recorded);
     QHash<QByteArray, Item> itemsByName(const FolderTreeSync::Changed &changed, QList<Item> &lost);
     QByteArray nameIn(const RecordedFolder &folder, const Item &item) const;
     void refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);

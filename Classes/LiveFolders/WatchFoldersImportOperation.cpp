@@ -74,7 +74,7 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     const auto add = [&](const QList<ZQObjectID> &ids, bool everythingBelow) {
         for (const ZQObjectID &id : ids) {
             const auto folder = zqCast<ZQSidebarWatchedFolder>(run.moc->existingObjectWithID(id));
-            if (folder && folder->active() && run.isWanted()) {
+            if (folder && folder->active() && folder->folderNeedSyncing() && run.isWanted()) {
                 tree.add(folder, everythingBelow);
             }
         }
