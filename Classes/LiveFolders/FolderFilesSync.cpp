@@ -288,7 +288,10 @@ void FolderFilesSync::refresh(const Item &item, const QString &path, const Folde
     } else {
         // A file that is older than the one it replaced is another one all the same.
         const QDateTime date = dateOf(entry.modification);
-        if (was && item->modification_date() >= date) {
+        const QDateTime seen = item->modification_date();
+        const bool isKnownToDiffer = was && seen >= date;
+        const bool mayDiffer = !was && (seen > date || (seen == date && isElsewhere)); // tags move the date, too
+        if (isKnownToDiffer || (mayDiffer && digestOf(path) != item->SHA1())) {
             item->setModification_date(date.addMSecs(-1));
         }
         item->updateItemData(path);

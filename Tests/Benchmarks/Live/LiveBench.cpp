@@ -1,23 +1,28 @@
 // Measures what live folders cost, for Benchmarks/live: zelto_live_bench MEASUREMENT FOLDER
 
+#include "Kit/Imaging/ZQImageSource.h"
+#include "Tests/Benchmarks/Live/SyncBench.h"
 #include "Tests/Benchmarks/Live/WatchBench.h"
 
-#include <QCoreApplication>
 #include <QDir>
+#include <QGuiApplication>
 #include <QHash>
 
 #include <cstdio>
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
+    const QGuiApplication application(argc, argv);
+    ZQImageSource::initialize(argv[0]);
     const QHash<QString, bool (*)(const QString &)> measurements = {{QStringLiteral("watches"), measureWatches},
                                                                     {QStringLiteral("latency"), measureLatency},
-                                                                    {QStringLiteral("burst"), measureBurst}};
+                                                                    {QStringLiteral("burst"), measureBurst},
+                                                                    {QStringLiteral("resync"), measureResync},
+                                                                    {QStringLiteral("mirror"), measureMirror}};
     const QStringList arguments = QCoreApplication::arguments();
     const auto measurement = measurements.constFind(arguments.value(1));
     if (arguments.size() != 3 || measurement == measurements.cend()) {
-        std::fprintf(stderr, "zelto_live_bench watches|latency|burst FOLDER\n");
+        std::fprintf(stderr, "zelto_live_bench watches|latency|burst|resync|mirror FOLDER\n");
         return 2;
     }
     if (!(*measurement)(QDir(arguments[2]).absolutePath())) {
