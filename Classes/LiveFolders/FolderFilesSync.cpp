@@ -40,10 +40,10 @@ QString digestOf(const QString &path)
 
 } // namespace
 
-void FolderFilesSync::run(std::vector<FolderTreeSync::Changed> &changed)
+void FolderFilesSync::run(FolderTreeSync &tree)
 {
-    m_changed = &changed;
-    for (const FolderTreeSync::Changed &folder : changed) {
+    m_changed = &tree.changed();
+    for (const FolderTreeSync::Changed &folder : tree.changed()) {
         if (!m_run.isWanted()) {
             return;
         }
@@ -52,8 +52,59 @@ void FolderFilesSync::run(std::vector<FolderTreeSync::Changed> &changed)
             m_import.saveIfDue();
         }
     }
+    noteItemsOfGoneFolders(tree);
     settle();
     m_import.finish();
+    tellRefusal();
+}
+
+// Until a later run brings the rest in, the root says why it is not there.
+void FolderFilesSync::tellRefusal()
+{
+    if (m_import.wasRefused()) {
+        m_run.records.keepRefused(m_importing);
+        for (const qint64 root : std::as_const(m_importing)) {
+            m_run.reasons.insert(root, m_import.refusal());
+        }
+        return;
+    }
+    for (const FolderTreeSync::Changed &changed : *m_changed) {
+        const qint64 root = changed.record->rootKey();
+        if (m_run.isWanted() && m_run.records.endRefusal(changed.key) && !m_run.reasons.contains(root)) {
+            m_run.reasons.insert(root, QString());
+        }
+    }
+}
+
+// Files may have moved out of a folder before it was removed.
+void FolderFilesSync::noteItemsOfGoneFolders(const FolderTreeSync &tree)
+{
+    QSet<quint64> wanted;
+    for (const NewFile &file : m_new) {
+        wanted.insert(file.entry.inode);
+    }
+    const auto mayHold = [&wanted](const RecordedFolder &folder) {
+        const std::vector<FolderEntry> &entries = folder.entries.all();
+        return !folder.isKnown || std::any_of(entries.begin(), entries.end(), [&wanted](const FolderEntry &entry) {
+            return wanted.contains(entry.inode);
+        });
+    };
+    for (const FolderTreeSync::Gone &gone : tree.gone()) {
+        for (const qint64 key : QList<qint64>{gone.key} + gone.record->below(gone.key)) {
+            const RecordedFolder *const folder = gone.record->folder(key);
+            if (wanted.isEmpty() || !folder || !mayHold(*folder) || !m_run.isWanted()) {
+                continue;
+            }
+            const auto items = m_run.found(
+                zqFetch<ZQLibraryBaseItem>(*m_run.moc, QStringLiteral("watchingFolder == %@ AND active == YES"),
+                                           {QVariant::fromValue(m_run.folderID(key))}));
+            for (const Item &item : items) {
+                if (const auto file = zqFileOfPersistentURL(item->itemURLData())) {
+                    m_goneByInode.insert({file->inode, {gone.record, key, item, Lost::noPlace}});
+                }
+            }
+        }
+    }
 }
 
 // The name by which the item's file is, or was, in the folder; empty when it is of another one.
@@ -82,10 +133,10 @@ QHash<QByteArray, FolderFilesSync::Item> FolderFilesSync::itemsByName(const Fold
                                                                       QList<Item> &lost)
 {
     QHash<QByteArray, Item> items;
-    const auto all = changed.isNew ? QList<Item>()
-                                   : zqFetch<ZQLibraryBaseItem>(*m_run.moc, QStringLiteral("watchingFolder == %@"),
-                                                                {QVariant::fromValue(m_run.folderID(changed.key))})
-                                         .value_or(QList<Item>());
+    const auto all = changed.isNew
+                         ? QList<Item>()
+                         : m_run.found(zqFetch<ZQLibraryBaseItem>(*m_run.moc, QStringLiteral("watchingFolder == %@"),
+                                                                  {QVariant::fromValue(m_run.folderID(changed.key))}));
     const RecordedFolder &folder = *changed.record->folder(changed.key);
     for (const Item &item : all) {
         const QByteArray name = nameIn(folder, item);
@@ -132,9 +183,10 @@ void FolderFilesSync::compare(const FolderTreeSync::Changed &changed)
     if (!m_run.isWanted()) {
         return;
     }
-    for (const Item &item : std::as_const(items)) {
-        if (item->active()) {
-            lost.append(item);
+    for (auto item = items.constBegin(); item != items.constEnd(); ++item) {
+        const std::string_view name(item.key().constData(), std::size_t(item.key().size()));
+        if (item.value()->active() && !changed.listing.isUnread(name)) {
+            lost.append(item.value());
         }
     }
     if (lost.isEmpty()) {
@@ -142,7 +194,7 @@ void FolderFilesSync::compare(const FolderTreeSync::Changed &changed)
     }
     for (const Item &item : std::as_const(lost)) {
         if (const auto file = zqFileOfPersistentURL(item->itemURLData())) {
-            m_goneByInode.insert({file->inode, {m_gone.size(), item}});
+            m_goneByInode.insert({file->inode, {changed.record, changed.key, item, m_gone.size()}});
         }
     }
     m_gone.push_back({changed.record, changed.key, lost, known});
@@ -152,37 +204,40 @@ void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const 
                                   const FolderEntry &entry, const Item &item, QList<Item> &lost)
 {
     const std::string_view name = changed.listing.entries.name(entry);
-    const QString path = pathOf(folder, name);
-    if (item && item->active() && isElsewhereNow(item, entry)) {
+    const NewFile file{changed.record, changed.key, pathOf(folder, name), entry, changed.listing.hasPassingInodes};
+    const FolderEntry *const was = folder.isKnown ? folder.entries.find(name) : nullptr;
+    // Where a mount numbers all files anew, name, size and time tell which one it is.
+    const bool isAsRecorded = file.hasPassingInode && was && was->hasContentOf(entry);
+    if (item && item->active() && !isAsRecorded && isElsewhereNow(item, file, was)) {
         lost.append(item); // and found again there
-        m_new.push_back({changed.record, changed.key, path, entry});
+        m_new.push_back(file);
         return;
     }
     if (item && item->active()) {
-        const FolderEntry *const was = folder.isKnown ? folder.entries.find(name) : nullptr;
         const bool didMove = m_run.earlierPaths.contains(folder.key);
         if (!was || !was->isAs(entry) || didMove || m_run.isForced) {
-            refresh(item, path, entry, was);
+            refresh(item, file.path, entry, was);
         }
         return;
     }
-    const bool isAsBefore = item && zqPersistentURLIsAt(item->itemURLData(), path);
+    const bool isAsBefore = item && (isAsRecorded || zqPersistentURLIsAt(item->itemURLData(), file.path));
     if (isAsBefore) { // its folder was out of reach, or it was away for a while
-        adopt(item, {changed.record, changed.key, path, entry});
+        adopt(item, file);
         return;
     }
-    const FolderEntry *const was = folder.isKnown ? folder.entries.find(name) : nullptr;
     const bool gaveNothing = !item && was && was->isAs(entry) && !m_run.isForced;
     if (!gaveNothing) {
-        m_new.push_back({changed.record, changed.key, path, entry});
+        m_new.push_back(file);
     }
 }
 
-// A file that has another one's old name: whose item it becomes depends on where that one is.
-bool FolderFilesSync::isElsewhereNow(const Item &item, const FolderEntry &entry)
+// A file that has another one's old name: whose item it becomes depends on where that one is. Where mounts number files
+// anew, that one's content has to be as it was recorded.
+bool FolderFilesSync::isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *recorded)
 {
     const auto file = zqFileOfPersistentURL(item->itemURLData());
-    if (!file || file->inode == entry.inode || entry.kind != EntryKind::File) {
+    if (!file || file->inode == now.entry.inode || now.entry.kind != EntryKind::File ||
+        (now.hasPassingInode && !recorded)) {
         return false;
     }
     if (!m_arrivals) {
@@ -204,7 +259,9 @@ bool FolderFilesSync::isElsewhereNow(const Item &item, const FolderEntry &entry)
     }
     const auto [changed, arrived] = arrival->second;
     const RecordedFolder *const folder = changed->record->folder(changed->key);
-    return folder && zqPersistentURLIsAt(item->itemURLData(), pathOf(*folder, changed->listing.entries.name(*arrived)));
+    const bool mayBeIt = folder && (!now.hasPassingInode || arrived->hasContentOf(*recorded));
+    return mayBeIt &&
+           zqPersistentURLIsAt(item->itemURLData(), pathOf(*folder, changed->listing.entries.name(*arrived)));
 }
 
 void FolderFilesSync::renewReference(const Item &item, const QString &path)
@@ -288,16 +345,28 @@ FolderFilesSync::Item FolderFilesSync::movedHere(const NewFile &file)
 {
     const auto [first, last] = m_goneByInode.equal_range(file.entry.inode);
     for (auto place = first; place != last; ++place) {
-        const auto [where, item] = place->second;
-        const auto referenced = zqFileOfPersistentURL(item->itemURLData());
+        const Lost lost = place->second;
+        const auto referenced = zqFileOfPersistentURL(lost.item->itemURLData());
         const bool isOfPackage = referenced && file.entry.kind == EntryKind::Package;
-        if (isOfPackage || zqPersistentURLIsAt(item->itemURLData(), file.path)) {
-            m_gone[where].items.removeOne(item);
+        const bool mayBeIt = !file.hasPassingInode || hasContentOf(lost, file.entry);
+        if (mayBeIt && (isOfPackage || zqPersistentURLIsAt(lost.item->itemURLData(), file.path))) {
+            if (lost.place != Lost::noPlace) {
+                m_gone[lost.place].items.removeOne(lost.item);
+            }
             m_goneByInode.erase(place);
-            return item;
+            return lost.item;
         }
     }
     return {};
+}
+
+bool FolderFilesSync::hasContentOf(const Lost &lost, const FolderEntry &entry) const
+{
+    const RecordedFolder *const folder = lost.record->folder(lost.folder);
+    const QByteArray name = folder ? nameIn(*folder, lost.item) : QByteArray();
+    const FolderEntry *const was =
+        folder ? folder->entries.find({name.constData(), std::size_t(name.size())}) : nullptr;
+    return was && was->hasContentOf(entry);
 }
 
 void FolderFilesSync::readAdoptables()
@@ -305,9 +374,9 @@ void FolderFilesSync::readAdoptables()
     if (std::exchange(m_hasAdoptables, true)) {
         return;
     }
-    const auto items = zqFetch<ZQLibraryBaseItem>(
-        *m_run.moc, QStringLiteral("managed == NO AND (active == NO OR watchingFolder == nil)"));
-    for (const Item &item : items.value_or(QList<Item>())) {
+    const auto items = m_run.found(zqFetch<ZQLibraryBaseItem>(
+        *m_run.moc, QStringLiteral("managed == NO AND (active == NO OR watchingFolder == nil)")));
+    for (const Item &item : items) {
         if (const auto file = zqFileOfPersistentURL(item->itemURLData())) {
             m_adoptableByPath[file->path].append(item);
             m_adoptableByInode.insert(file->inode, item);
@@ -325,7 +394,7 @@ FolderFilesSync::Item FolderFilesSync::adoptableAt(const NewFile &file, QString 
         m_adoptableByInode.remove(referenced->inode, item);
         return item;
     };
-    const QList<Item> ofInode = m_adoptableByInode.values(file.entry.inode);
+    const QList<Item> ofInode = file.hasPassingInode ? QList<Item>() : m_adoptableByInode.values(file.entry.inode);
     for (const Item &item : ofInode) {
         if (zqPersistentURLIsAt(item->itemURLData(), file.path)) {
             return take(item);
@@ -392,6 +461,7 @@ void FolderFilesSync::settle()
         }
         waitUntilWritten(file->path, file->entry, m_run.operation);
         m_run.changedRoots.insert(file->record->rootKey());
+        m_importing.insert(file->folder, file->record->rootKey());
         m_touched.append(file->path);
         m_import.add({file->path, file->folder, SHA1});
     }

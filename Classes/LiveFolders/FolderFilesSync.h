@@ -17,8 +17,8 @@ class FolderFilesSync
 public:
     explicit FolderFilesSync(SyncRun &run) : m_run(run), m_import(run) {}
 
-    // All of them; then what they need is done.
-    void run(std::vector<FolderTreeSync::Changed> &changed);
+    // All that changed; then what they need is done.
+    void run(FolderTreeSync &tree);
 
     // Items whose files are gone, of one folder.
     struct Gone
@@ -41,19 +41,31 @@ private:
         qint64 folder;
         QString path;
         FolderEntry entry;
+        bool hasPassingInode = false;
+    };
+    struct Lost
+    {
+        static constexpr std::size_t noPlace = std::size_t(-1); // its folder is gone, too
+        LiveFolderRecord *record;
+        qint64 folder;
+        Item item;
+        std::size_t place; // in `m_gone`
     };
 
     void compare(const FolderTreeSync::Changed &changed);
     void compareFile(const FolderTreeSync::Changed &changed, const RecordedFolder &folder, const FolderEntry &entry,
                      const Item &item, QList<Item> &lost);
-    bool isElsewhereNow(const Item &item, const FolderEntry &entry);
+    bool isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *recorded);
     QHash<QByteArray, Item> itemsByName(const FolderTreeSync::Changed &changed, QList<Item> &lost);
     QByteArray nameIn(const RecordedFolder &folder, const Item &item) const;
     void refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);
     void refreshTags(const Item &item, const QString &path, const FolderEntry &entry, bool isReplaced);
     void renewReference(const Item &item, const QString &path);
     void adopt(const Item &item, const NewFile &file);
+    void noteItemsOfGoneFolders(const FolderTreeSync &tree);
     void settle();
+    void tellRefusal();
+    bool hasContentOf(const Lost &lost, const FolderEntry &entry) const;
     Item movedHere(const NewFile &file);
     Item adoptableAt(const NewFile &file, QString &SHA1);
     void readAdoptables();
@@ -70,7 +82,8 @@ private:
     std::optional<std::unordered_map<quint64, Arrival>> m_arrivals; // by inode
     std::vector<NewFile> m_new;
     std::vector<Gone> m_gone;
-    std::unordered_multimap<quint64, std::pair<std::size_t, Item>> m_goneByInode; // the place in `m_gone` first
+    std::unordered_multimap<quint64, Lost> m_goneByInode;
+    QHash<qint64, qint64> m_importing; // keys of folders with new files, and of their roots
     QStringList m_touched;
     bool m_hasAdoptables = false;
     QHash<QString, QList<Item>> m_adoptableByPath;

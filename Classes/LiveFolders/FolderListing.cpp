@@ -1,6 +1,7 @@
 #include "Classes/LiveFolders/FolderListing.h"
 
 #include "Classes/LiveFolders/LiveFolderNames.h"
+#include "Kit/Files/ZQFolderIdentity.h"
 #include "Kit/Files/ZQSystemFile.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace {
@@ -63,7 +65,16 @@ bool addEntry(int folder, const dirent &found, FolderListing &listing)
     }
     struct stat status = {};
     if (fstatat(folder, found.d_name, &status, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0) {
-        return errno == ENOENT; // went meanwhile
+        const int error = errno;
+        if (error == ENOENT) { // went meanwhile
+            return true;
+        }
+        if (fstatat(folder, ".", &status, 0) != 0) { // nor can any other
+            errno = error;
+            return false;
+        }
+        listing.unreadNames.append(QByteArray(name.data(), qsizetype(name.size())));
+        return true;
     }
     const EntryKind kind = S_ISREG(status.st_mode) ? asFile : S_ISDIR(status.st_mode) ? asFolder : EntryKind::Nothing;
     if (kind == EntryKind::Nothing) {
@@ -117,6 +128,10 @@ std::optional<FolderListing> readOnce(const QByteArray &path, FolderListing::Lin
         return listing;
     }
     file.release();
+    struct statfs system = {};
+    listing.hasPassingInodes =
+        fstatfs(dirfd(stream.get()), &system) == 0 &&
+        ZQFolderIdentity::hasPassingInodes(static_cast<quint64>(static_cast<unsigned int>(system.f_type)));
     if (!readEntries(stream.get(), listing)) {
         listing.error = errno;
         listing.entries = {};
@@ -134,6 +149,17 @@ std::optional<FolderListing> readOnce(const QByteArray &path, FolderListing::Lin
 }
 
 } // namespace
+
+void FolderListing::keepUnread(const FolderEntries &was)
+{
+    for (const QByteArray &name : std::as_const(unreadNames)) {
+        const std::string_view text(name.constData(), std::size_t(name.size()));
+        if (const FolderEntry *const entry = was.find(text)) {
+            entries.add(text, *entry);
+        }
+    }
+    entries.sort();
+}
 
 FolderListing FolderListing::ofFolder(const QByteArray &path, Links links)
 {

@@ -1,17 +1,14 @@
 #include "Classes/LiveFolders/FolderPlace.h"
 
-#include <sys/statfs.h>
-
-#include <cstring>
-
-FolderPlace placeOf(const RecordedFolder &was, const FolderListing &now, quint64 fileSystemNow)
+FolderPlace placeOf(const RecordedFolder &was, const FolderListing &now,
+                    const std::optional<ZQFolderIdentity> &placeNow)
 {
     const bool hadSomething = was.isKnown && !was.entries.isEmpty();
     if (hadSomething && now.entries.isEmpty()) {
         return FolderPlace::Emptied;
     }
-    const bool isSame = was.device == now.device && was.inode == now.inode &&
-                        (was.fileSystem == 0 || fileSystemNow == 0 || was.fileSystem == fileSystemNow);
+    const bool isSame =
+        was.place && placeNow ? was.place->isSamePlace(*placeNow) : was.device == now.device && was.inode == now.inode;
     if (isSame) {
         return FolderPlace::Here;
     }
@@ -21,16 +18,4 @@ FolderPlace placeOf(const RecordedFolder &was, const FolderListing &now, quint64
 bool holdsHalfOf(const FolderEntries &was, const FolderEntries &now)
 {
     return !was.isEmpty() && 2 * now.countOfSame(was) >= qsizetype(was.all().size());
-}
-
-quint64 fileSystemOfFolder(const QByteArray &path)
-{
-    struct statfs status = {};
-    if (::statfs(path.constData(), &status) != 0) {
-        return 0;
-    }
-    quint64 number = 0;
-    static_assert(sizeof status.f_fsid == sizeof number);
-    std::memcpy(&number, &status.f_fsid, sizeof number);
-    return number == 0 ? 0 : number ^ quint64(status.f_type);
 }

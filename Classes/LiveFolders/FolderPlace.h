@@ -12,8 +12,8 @@ enum class FolderPlace {
     Another,  // another directory, with other things
 };
 
-FolderPlace placeOf(const RecordedFolder &was, const FolderListing &now, quint64 fileSystemNow);
+// `placeNow` where it was recorded, and can be read.
+FolderPlace placeOf(const RecordedFolder &was, const FolderListing &now,
+                    const std::optional<ZQFolderIdentity> &placeNow);
 // Whether at least half of what was in a folder is in another one: files by name, size and time, folders by name.
 bool holdsHalfOf(const FolderEntries &was, const FolderEntries &now);
-// Which file system a directory lies on, beyond its device, whose number another one may get; 0 when it is not told.
-quint64 fileSystemOfFolder(const QByteArray &path);

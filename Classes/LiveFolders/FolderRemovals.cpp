@@ -65,10 +65,10 @@ void FolderRemovals::run(const FolderTreeSync &tree, const FolderFilesSync &file
         OfRoot &root = ofRoot(gone.record);
         qsizetype count = 0;
         for (const qint64 key : withAllBelow(*gone.record, gone.key)) {
-            count += qsizetype(zqCount(
-                *m_run.moc, {ZQLibraryBaseItem::entityName(),
-                             ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder == %@ AND active == YES"),
-                                                              {QVariant::fromValue(m_run.folderID(key))})}));
+            count += qsizetype(m_run.found(m_run.moc->countForFetchRequest(
+                {ZQLibraryBaseItem::entityName(),
+                 ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder == %@ AND active == YES"),
+                                                  {QVariant::fromValue(m_run.folderID(key))})})));
         }
         root.folders.append(gone);
         root.count += count;

@@ -57,6 +57,7 @@ bool FolderTreeSync::run()
             return false;
         }
     }
+    keepWhatHoldsMissing();
     return m_run.isWanted();
 }
 
@@ -67,8 +68,9 @@ void FolderTreeSync::look(const Look &look)
         return;
     }
     const bool isRoot = look.key == look.record->rootKey();
-    const FolderListing listing = FolderListing::ofFolder(known->path, isRoot ? FolderListing::Links::Followed
-                                                                              : FolderListing::Links::NotFollowed);
+    FolderListing listing = FolderListing::ofFolder(known->path, isRoot ? FolderListing::Links::Followed
+                                                                        : FolderListing::Links::NotFollowed);
+    listing.keepUnread(known->entries);
     if (listing.status == FolderListing::Status::Gone && !isRoot) {
         markGone(*look.record, look.key);
         return;
@@ -117,8 +119,12 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
     if (isKnownByStoreAlone && !folder.isMissing && (look.isNew || !listing.entries.isEmpty())) {
         return true;
     }
-    const FolderPlace place = placeOf(folder, listing, folder.fileSystem == 0 ? 0 : fileSystemOfFolder(folder.path));
-    const bool isOtherFileSystem = folder.device != listing.device;
+    const auto placeNow =
+        folder.place ? ZQFolderIdentity::read(QFile::decodeName(folder.path)) : std::optional<ZQFolderIdentity>();
+    const FolderPlace place = placeOf(folder, listing, placeNow);
+    const bool isOtherFileSystem =
+        folder.device != listing.device ||
+        (placeNow && (placeNow->fileSystem != folder.place->fileSystem || placeNow->volume != folder.place->volume));
     const bool isAway = (place == FolderPlace::Emptied && (isOtherFileSystem || wasMounted(*look.record, folder))) ||
                         (place == FolderPlace::Another && isOtherFileSystem);
     const ZQRef<ZQSidebarWatchedFolder> row =
@@ -126,18 +132,7 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
     const bool isUnlikeReference = isKnownByStoreAlone && listing.entries.isEmpty() && row &&
                                    !zqPersistentURLIsAt(row->folderURLSecureData(), QFile::decodeName(folder.path));
     if (isAway || isUnlikeReference) {
-        if (row) {
-            m_roots.putAside(*row, zqLocalized("What is mounted there is out of reach. Connect its drive again."));
-            m_run.changedRoots.insert(look.record->rootKey());
-        }
-        folder.isMissing = true;
-        return false;
-    }
-    if (place == FolderPlace::Another) {
-        const auto father = folder.father;
-        const QByteArray path = folder.path;
-        markGone(*look.record, look.key);
-        m_newFolders.push_back({look.record, father, path, listing.inode, listing.device});
+        putAside(*look.record, look.key);
         return false;
     }
     if (folder.isMissing) {
@@ -146,6 +141,13 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
             m_roots.bringBack(*row);
             m_run.changedRoots.insert(look.record->rootKey());
         }
+    }
+    if (place == FolderPlace::Another) {
+        const auto father = folder.father;
+        const QByteArray path = folder.path;
+        markGone(*look.record, look.key);
+        m_newFolders.push_back({look.record, father, path, listing.inode, listing.hasPassingInodes});
+        return false;
     }
     return true;
 }
@@ -164,7 +166,7 @@ void FolderTreeSync::compareFolders(const Look &look, const FolderListing &listi
                 m_looks.push_back({look.record, child->key, look.everythingBelow});
             }
         } else if (path.size() < PATH_MAX) {
-            m_newFolders.push_back({look.record, look.key, path, entry.inode, listing.device});
+            m_newFolders.push_back({look.record, look.key, path, entry.inode, listing.hasPassingInodes});
         }
     }
     if (!isChanged) {
@@ -173,8 +175,9 @@ void FolderTreeSync::compareFolders(const Look &look, const FolderListing &listi
     const QList<qint64> children = look.record->children(look.key);
     for (const qint64 key : children) {
         const QByteArray name = nameOf(look.record->folder(key)->path);
-        const FolderEntry *const entry = listing.entries.find({name.constData(), std::size_t(name.size())});
-        if (!entry || entry->kind != EntryKind::Folder) {
+        const std::string_view text(name.constData(), std::size_t(name.size()));
+        const FolderEntry *const entry = listing.entries.find(text);
+        if ((!entry || entry->kind != EntryKind::Folder) && !listing.isUnread(text)) {
             markGone(*look.record, key);
         }
     }
@@ -187,17 +190,38 @@ void FolderTreeSync::markGone(LiveFolderRecord &record, qint64 key)
         return;
     }
     if (wasMounted(record, *folder)) { // some file managers take the directory away with the drive
-        if (const ZQRef<ZQSidebarWatchedFolder> row = m_run.folder(key)) {
-            m_roots.putAside(*row, zqLocalized("What is mounted there is out of reach. Connect its drive again."));
-        }
-        record.folder(key)->isMissing = true;
-        m_run.changedRoots.insert(record.rootKey());
+        putAside(record, key);
         return;
     }
     const bool isTold = std::any_of(m_gone.begin(), m_gone.end(), [key](const Gone &gone) { return gone.key == key; });
     if (!isTold) {
         m_gone.push_back({&record, key});
     }
+}
+
+void FolderTreeSync::putAside(LiveFolderRecord &record, qint64 key)
+{
+    if (const ZQRef<ZQSidebarWatchedFolder> row = m_run.folder(key)) {
+        m_roots.putAside(*row, zqLocalized("What is mounted there is out of reach. Connect its drive again."));
+    }
+    record.folder(key)->isMissing = true;
+    m_run.changedRoots.insert(record.rootKey());
+}
+
+// The directories around a place that is out of reach may have been taken away with it.
+void FolderTreeSync::keepWhatHoldsMissing()
+{
+    std::erase_if(m_gone, [this](const Gone &gone) {
+        const QList<qint64> below = gone.record->below(gone.key);
+        const bool holdsMissing = std::any_of(below.begin(), below.end(), [&](qint64 key) {
+            const RecordedFolder *const folder = gone.record->folder(key);
+            return folder && (folder->isMissing || wasMounted(*gone.record, *folder));
+        });
+        if (holdsMissing) {
+            putAside(*gone.record, gone.key);
+        }
+        return holdsMissing;
+    });
 }
 
 void FolderTreeSync::lookWhereNewOnesWere(const Changed &changed)
@@ -310,7 +334,8 @@ const FolderTreeSync::Gone *FolderTreeSync::findGone(const NewFolder &folder)
     const bool areMany = m_gone.size() * std::max<std::size_t>(m_newFolders.size(), 1) > mostComparisons;
     for (const Gone &gone : m_gone) {
         const RecordedFolder *const was = gone.record->folder(gone.key);
-        const bool mayBeIt = was && (was->inode == folder.inode || (was->inode == 0 && !areMany));
+        const bool mayBeIt =
+            was && !folder.hasPassingInode && (was->inode == folder.inode || (was->inode == 0 && !areMany));
         const ZQRef<ZQSidebarWatchedFolder> row = mayBeIt ? m_run.folder(gone.key) : nullptr;
         if (row && zqPersistentURLIsAt(row->folderURLSecureData(), QFile::decodeName(folder.path))) {
             return &gone;

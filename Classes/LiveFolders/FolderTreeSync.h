@@ -55,7 +55,7 @@ private:
         qint64 father;
         QByteArray path;
         quint64 inode;
-        quint64 device; // of the father
+        bool hasPassingInode;
     };
     struct Place
     {
@@ -71,6 +71,8 @@ private:
     void lookWhereItWas(const FolderEntry &entry, const FolderListing &listing, qint64 folder);
     const std::unordered_multimap<quint64, Place> &places();
     void markGone(LiveFolderRecord &record, qint64 key);
+    void putAside(LiveFolderRecord &record, qint64 key);
+    void keepWhatHoldsMissing();
     bool settleFolders();
     bool follow(const NewFolder &folder);
     const Gone *findGone(const NewFolder &folder);

@@ -35,7 +35,8 @@ public:
     void finish();
     void saveIfDue(); // also what others changed in the context
     bool saveNow();
-    bool wasRefused() const { return !refusal().isEmpty(); } // as for a full disk
+    bool wasRefused() const { return !refusal().isEmpty(); }
+    QString refusal() const override; // localized, as for a full disk; empty: all could be done
     void didChangeItem() { ++m_changes; }
 
 private:
@@ -67,7 +68,6 @@ private:
 
     void fileDidDrop(const DroppedFile &file) override;
     void fileDidFinish() override { m_run.progress.advance(); }
-    QString refusal() const override;
     void setRefusal(const QString &reason) override;
     void archiveDidUnfold(const UnfoldedArchive &) override {}
 

@@ -79,6 +79,7 @@ void LiveFolderManager::startObservingWatchedFolders()
     }
     m_watching = std::make_unique<LiveFolderWatching>();
     connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::folderDidChange);
+    connect(m_watching.get(), &LiveFolderWatching::entryDidMove, this, &LiveFolderManager::entryDidMove);
     connect(m_watching.get(), &LiveFolderWatching::placesDidChange, this, [this] { syncRootWatchedFolders(); });
     connect(m_watching.get(), &LiveFolderWatching::reasonDidChange, this, [this] {
         for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
@@ -95,11 +96,14 @@ void LiveFolderManager::stopObservingWatchedFolders()
 
 void LiveFolderManager::watchRoots()
 {
-    if (!m_watching) {
+    ZQManagedObjectContext *const store = context();
+    const auto all =
+        m_watching && store ? ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(*store) : std::nullopt;
+    if (!all) { // what cannot be read stays as it is watched
         return;
     }
     QStringList paths;
-    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
+    for (const ZQRef<ZQSidebarWatchedFolder> &root : *all) {
         if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
             paths.append(root->folderPath());
         }
@@ -108,6 +112,20 @@ void LiveFolderManager::watchRoots()
 }
 
 void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelow)
+{
+    noteFolderAtPath(path, everythingBelow);
+    start();
+}
+
+// In one run, which must not take what it finds at one end only for removed.
+void LiveFolderManager::entryDidMove(const QString &from, const QString &to)
+{
+    noteFolderAtPath(QFileInfo(from).path(), false);
+    noteFolderAtPath(QFileInfo(to).path(), false);
+    start();
+}
+
+void LiveFolderManager::noteFolderAtPath(const QString &path, bool everythingBelow)
 {
     ZQManagedObjectContext *const store = context();
     if (!store) {
@@ -121,7 +139,7 @@ void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelo
         folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     }
     if (folder && (folder->is_enabled() || folder->is_missing() || folder->is_trashed())) {
-        want(folder->objectID(), {everythingBelow, false});
+        note(folder->objectID(), {everythingBelow, false});
     }
 }
 
@@ -133,24 +151,34 @@ void LiveFolderManager::syncFolderAtPath(const QString &path)
 // Those that a person disabled are left alone; those that are out of reach are looked for.
 void LiveFolderManager::syncRootWatchedFoldersForceSync(bool force)
 {
+    QList<ZQObjectID> folders;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
         if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
-            want(root->objectID(), {true, force});
+            folders.append(root->objectID());
         }
     }
+    syncWatchedFolders(folders, true, force);
 }
 
 void LiveFolderManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
 {
-    want(folder, {true, force});
+    syncWatchedFolders({folder}, true, force);
 }
 
-void LiveFolderManager::want(const ZQObjectID &folder, Wanted wanted)
+void LiveFolderManager::syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders,
+                                           bool forceSync)
+{
+    for (const ZQObjectID &folder : folders) {
+        note(folder, {shouldTraversSubFolders, forceSync});
+    }
+    start();
+}
+
+void LiveFolderManager::note(const ZQObjectID &folder, Wanted wanted)
 {
     Wanted &all = m_wanted[folder];
     all.everythingBelow = all.everythingBelow || wanted.everythingBelow;
     all.isForced = all.isForced || wanted.isForced;
-    start();
 }
 
 std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
@@ -223,11 +251,8 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
         putAwayWhatCameTooLate();
     }
     if (!operation->toLookAtAgain().isEmpty()) {
-        QTimer::singleShot(untilEditsAreSaved, this, [this, again = operation->toLookAtAgain()] {
-            for (const ZQObjectID &folder : again) {
-                want(folder, {});
-            }
-        });
+        QTimer::singleShot(untilEditsAreSaved, this,
+                           [this, again = operation->toLookAtAgain()] { syncWatchedFolders(again, false, false); });
     }
     m_running.reset();
     m_statusTimer.stop();
@@ -299,7 +324,7 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
         m_wasStopped = true;
         m_running->cancel();
         for (auto wanted = rest.constBegin(); wanted != rest.constEnd(); ++wanted) {
-            want(wanted.key(), *wanted);
+            note(wanted.key(), *wanted);
         }
     }
 }
@@ -368,10 +393,11 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
     for (const ZQObjectID &id : folders) {
         m_reasons.remove(id.key);
         if (!left.contains(id)) {
-            want(id, {true, false});
+            note(id, {true, false});
         }
         postStatus(id);
     }
+    start();
 }
 
 bool LiveFolderManager::isRunningFor(const ZQObjectID &folder) const

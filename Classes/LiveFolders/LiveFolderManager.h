@@ -28,11 +28,11 @@ public:
     void getLiveFolderPermissionFromSandbox() override;
     void startObservingWatchedFolders() override;
     void stopObservingWatchedFolders() override;
-    bool isObserving() const { return m_watching != nullptr; }
 
     void syncRootWatchedFolders() override { syncRootWatchedFoldersForceSync(false); }
     void syncRootWatchedFoldersForceSync(bool force);
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
+    void syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders, bool forceSync);
     void syncFolderAtPath(const QString &path); // does nothing for one that is in no live folder
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override;
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override;
@@ -48,13 +48,15 @@ private:
 
     ZQManagedObjectContext *context() const; // null without a library
     QList<ZQRef<ZQSidebarWatchedFolder>> roots() const;
-    void want(const ZQObjectID &folder, Wanted wanted);
+    void note(const ZQObjectID &folder, Wanted wanted);
+    void noteFolderAtPath(const QString &path, bool everythingBelow);
     void start();
     void putAwayWhatCameTooLate();
     void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
     std::shared_ptr<LiveFolderRecords> records();
     void watchRoots();
     void folderDidChange(const QString &path, bool everythingBelow);
+    void entryDidMove(const QString &from, const QString &to);
     bool isRunningFor(const ZQObjectID &folder) const;
     void postStatus(const ZQObjectID &folder);
     static bool isBelow(const ZQRef<ZQSidebarWatchedFolder> &folder, const QList<ZQObjectID> &folders);

@@ -12,12 +12,6 @@ class ZQManagedObjectContext;
 // Which directories can be live folders. The context's thread.
 namespace LiveFolderPlaces {
 
-struct Known
-{
-    QString path;
-    ZQObjectID folder;
-};
-
 // Why a directory is refused, localized, with what to do about it; empty: it can be one. `path` is absolute and clean.
 QString refusal(const QString &path, const QString &libraryBundle);
 // The live folder that shows the directory already; nothing for none.

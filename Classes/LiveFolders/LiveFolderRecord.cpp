@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr quint64 magic = 0x31444c464c51545aULL; // with the format's number
+constexpr quint64 magic = 0x32444c464c51545aULL; // with the format's number
 constexpr qint64 largestFile = qint64(4) << 30;
 
 // Tells damage, not intent: nothing but the program's own writing is to be found here.
@@ -67,11 +67,13 @@ bool takeFolder(std::string_view &bytes, RecordedFolder &folder)
 {
     quint8 isKnown = 0;
     quint8 isMissing = 0;
+    QByteArray place;
     if (!take(bytes, folder.key) || !take(bytes, folder.father) || !takeText(bytes, folder.path) ||
-        !take(bytes, folder.device) || !take(bytes, folder.inode) || !take(bytes, folder.fileSystem) ||
-        !take(bytes, isKnown) || !take(bytes, isMissing)) {
+        !take(bytes, folder.device) || !take(bytes, folder.inode) || !takeText(bytes, place) || !take(bytes, isKnown) ||
+        !take(bytes, isMissing)) {
         return false;
     }
+    folder.place = ZQFolderIdentity::fromString(QString::fromLatin1(place));
     folder.isKnown = isKnown != 0;
     folder.isMissing = isMissing != 0;
     auto entries = FolderEntries::takenFrom(bytes);
@@ -127,7 +129,7 @@ bool LiveFolderRecord::writeTo(const QString &path, const QByteArray &store, ZQE
         appendText(content, folder.path);
         append(content, folder.device);
         append(content, folder.inode);
-        append(content, folder.fileSystem);
+        appendText(content, folder.place ? folder.place->toString().toLatin1() : QByteArray());
         append(content, quint8(folder.isKnown ? 1 : 0));
         append(content, quint8(folder.isMissing ? 1 : 0));
         folder.entries.appendTo(content);

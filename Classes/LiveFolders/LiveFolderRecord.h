@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/LiveFolders/FolderEntries.h"
+#include "Kit/Files/ZQFolderIdentity.h"
 #include "Kit/Foundation/ZQError.h"
 
 #include <QByteArray>
@@ -18,9 +19,9 @@ struct RecordedFolder
     QByteArray path;
     quint64 device = 0;
     quint64 inode = 0;
-    quint64 fileSystem = 0; // of a root, and of what is mounted in the tree; else 0
-    bool isKnown = false;   // what it held is in `entries`; else it has to be looked at
-    bool isMissing = false; // its place is out of reach, and what it held is kept until it comes back
+    std::optional<ZQFolderIdentity> place; // of a root, and of what is mounted in the tree
+    bool isKnown = false;                  // what it held is in `entries`; else it has to be looked at
+    bool isMissing = false;                // its place is out of reach, and what it held is kept until it comes back
     FolderEntries entries;
 };
 

@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
+
 namespace {
 const QString ending = QStringLiteral(".folder");
 } // namespace
@@ -56,6 +58,17 @@ void LiveFolderRecords::write(qint64 rootKey)
 void LiveFolderRecords::forget(qint64 rootKey)
 {
     m_records.erase(rootKey);
+}
+
+bool LiveFolderRecords::endRefusal(qint64 folderKey)
+{
+    const auto folder = m_refused.constFind(folderKey);
+    if (folder == m_refused.constEnd()) {
+        return false;
+    }
+    const qint64 root = *folder;
+    m_refused.erase(folder);
+    return std::none_of(m_refused.cbegin(), m_refused.cend(), [root](qint64 other) { return other == root; });
 }
 
 void LiveFolderRecords::removeAllBut(const QSet<qint64> &rootKeys)

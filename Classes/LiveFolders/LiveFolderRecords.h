@@ -30,6 +30,11 @@ public:
     void keep(qint64 folderKey, size_t what) { m_kept.insert(folderKey, what); }
     void forgetKept() { m_kept.clear(); }
 
+    // Folders with files for which there was no room, and the keys of their roots.
+    void keepRefused(const QHash<qint64, qint64> &rootsByFolder) { m_refused.insert(rootsByFolder); }
+    // All that is in the folder is there now; whether that was the last one of its root.
+    bool endRefusal(qint64 folderKey);
+
 private:
     QString fileOf(qint64 rootKey) const;
 
@@ -38,4 +43,5 @@ private:
     const QByteArray m_store;
     std::unordered_map<qint64, LiveFolderRecord> m_records;
     QHash<qint64, size_t> m_kept;
+    QHash<qint64, qint64> m_refused;
 };

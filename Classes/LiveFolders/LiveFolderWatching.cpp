@@ -1,10 +1,17 @@
 #include "Classes/LiveFolders/LiveFolderWatching.h"
 
+#include "Kit/Files/ZQMountTable.h"
 #include "Kit/Foundation/ZQLocalized.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
 
 LiveFolderWatching::LiveFolderWatching(QObject *parent) : QObject(parent)
 {
     connect(&m_watcher, &ZQFileWatcher::folderDidChange, this, &LiveFolderWatching::folderDidChange);
+    connect(&m_watcher, &ZQFileWatcher::entryDidMove, this, &LiveFolderWatching::entryDidMove);
     connect(&m_watcher, &ZQFileWatcher::placesDidChange, this, &LiveFolderWatching::placesDidChange);
     // What happened before, or while it was away, nobody told.
     const auto lookAtAll = [this](const QString &root) {
@@ -23,12 +30,23 @@ void LiveFolderWatching::setRoots(const QStringList &roots)
 {
     const QSet<QString> wanted(roots.begin(), roots.end());
     for (const QString &root : m_roots - wanted) {
-        m_watcher.removePath(root);
+        stopObserveWatchedFolderPath(root);
     }
     for (const QString &root : wanted - m_roots) {
-        m_watcher.addPath(root);
+        observeWatchedFolderPath(root);
     }
-    m_roots = wanted;
+}
+
+void LiveFolderWatching::observeWatchedFolderPath(const QString &path)
+{
+    m_roots.insert(path);
+    m_watcher.addPath(path);
+}
+
+void LiveFolderWatching::stopObserveWatchedFolderPath(const QString &path)
+{
+    m_roots.remove(path);
+    m_watcher.removePath(path);
 }
 
 QString LiveFolderWatching::reasonFor(const QString &root) const
@@ -36,7 +54,12 @@ QString LiveFolderWatching::reasonFor(const QString &root) const
     if (!m_roots.contains(root) || !m_watcher.isSwept(root)) {
         return {};
     }
-    return m_watchesNeeded > 0
+    const QByteArray path = QFile::encodeName(QDir::cleanPath(root));
+    const ZQMountTable table = ZQMountTable::read();
+    const auto below = table.mountsBelow(path);
+    const bool isSilent = table.isSilent(path) ||
+                          std::any_of(below.begin(), below.end(), [](const auto &mount) { return mount.isSilent(); });
+    return m_watchesNeeded > 0 && !isSilent
                ? zqFormat(
                      zqLocalized("The system has too few watches for all folders, so that this one is looked at in "
                                  "intervals. Raise fs.inotify.max_user_watches to %d."),

@@ -22,11 +22,16 @@ public:
 
 Q_SIGNALS:
     void folderDidChange(const QString &folder, bool everythingBelow);
+    // Told before the changes of both folders, so that they can be looked at together.
+    void entryDidMove(const QString &from, const QString &to);
     void placesDidChange(); // something was mounted or unmounted
     void reasonDidChange(); // of any root
 
 private:
+    void observeWatchedFolderPath(const QString &path);
+    void stopObserveWatchedFolderPath(const QString &path);
+
     ZQFileWatcher m_watcher;
     QSet<QString> m_roots;
-    qint64 m_watchesNeeded = 0; // more than the system gives
+    qint64 m_watchesNeeded = 0; // when there were too few the last time; 0: there were always enough
 };

@@ -57,8 +57,7 @@ ZQRef<ZQSidebarWatchedFolder> RootFolders::rootOf(const ZQRef<ZQSidebarWatchedFo
 QList<ZQRef<ZQSidebarWatchedFolder>> RootFolders::all()
 {
     if (!m_all) {
-        m_all = ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(*m_run.moc)
-                    .value_or(QList<ZQRef<ZQSidebarWatchedFolder>>());
+        m_all = m_run.found(ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(*m_run.moc));
     }
     return *m_all;
 }
@@ -146,9 +145,12 @@ void RootFolders::dropRowsThatWent(LiveFolderRecord &record)
         const auto ids = m_run.moc->fetchObjectIDs(
             {ZQSidebarWatchedFolder::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("active == YES"))});
         m_rows.emplace();
-        for (const ZQObjectID &id : ids.value_or(QList<ZQObjectID>())) {
+        for (const ZQObjectID &id : m_run.found(ids)) {
             m_rows->insert(id.key);
         }
+    }
+    if (!m_run.isWanted()) {
+        return;
     }
     QList<qint64> gone;
     for (const RecordedFolder &folder : record.folders()) {
@@ -170,10 +172,14 @@ bool RootFolders::isAtItsPlace(ZQSidebarWatchedFolder &root, LiveFolderRecord &r
 {
     QByteArray path = QFile::encodeName(root.folderPath());
     FolderListing listing = FolderListing::ofFolder(path, FolderListing::Links::Followed);
+    listing.keepUnread(record.root()->entries);
     const bool isWhole = listing.status == FolderListing::Status::Whole;
     const RecordedFolder &was = *record.root();
-    const bool isIdentified = was.inode != 0 ? was.inode == listing.inode && was.device == listing.device
-                                             : zqPersistentURLIsAt(root.folderURLSecureData(), root.folderPath());
+    const auto placeNow = isWhole && was.place ? ZQFolderIdentity::read(root.folderPath()) : std::nullopt;
+    const bool isAsRecorded =
+        placeNow ? was.place->isSamePlace(*placeNow) : was.inode == listing.inode && was.device == listing.device;
+    const bool isIdentified =
+        was.inode != 0 ? isAsRecorded : zqPersistentURLIsAt(root.folderURLSecureData(), root.folderPath());
     if (!isWhole || !isIdentified) {
         const QString found = root.folderURL(); // also where it went to
         if (!found.isEmpty() && found != root.folderPath()) {
@@ -185,7 +191,7 @@ bool RootFolders::isAtItsPlace(ZQSidebarWatchedFolder &root, LiveFolderRecord &r
     }
     FolderPlace place = FolderPlace::Here;
     if (isWhole) {
-        place = placeOf(was, listing, fileSystemOfFolder(path));
+        place = placeOf(was, listing, placeNow);
         if (was.inode == 0 && (listing.entries.isEmpty() || !isIdentified) && !isWhatStoreKnows(root, listing)) {
             place = listing.entries.isEmpty() ? FolderPlace::Emptied : FolderPlace::Another;
         }

@@ -13,6 +13,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 
 class UserInteraction;
 
@@ -62,7 +64,7 @@ struct SyncRun
     QHash<qint64, QList<QByteArray>> earlierPaths = {}; // of folders that moved in this run
     QHash<qint64, QString> reasons = {};                // why a folder is out of reach, or was left as it is; localized
     QSet<qint64> toLookAtAgain = {};                    // folders in which an edit is at work
-    bool didFail = false; // a save did: what is pending is given up, and nothing further is begun
+    bool didFail = false; // a save or a fetch did: what is pending is given up, and nothing further is begun
 
     bool isWanted() const { return !operation.isCancelled() && !didFail; }
     ZQObjectID folderID(qint64 key) const { return {moc->model().entity(ZQSidebarWatchedFolder::entityName()), key}; }
@@ -73,4 +75,11 @@ struct SyncRun
     }
     // Everything or nothing; a failure is logged.
     bool save();
+    // What a fetch found. Where it failed the run ends: from what the store did not say nothing may be concluded.
+    template <class Found>
+    Found found(std::optional<Found> fetched)
+    {
+        didFail = didFail || !fetched;
+        return std::move(fetched).value_or(Found());
+    }
 };

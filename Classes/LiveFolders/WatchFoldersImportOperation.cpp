@@ -2,7 +2,6 @@
 
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Import/ImportOwner.h"
-#include "Classes/LiveFolders/FolderPlace.h"
 #include "Classes/LiveFolders/FolderRemovals.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQPersistentURL.h"
@@ -74,7 +73,7 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     const auto add = [&](const QList<ZQObjectID> &ids, bool everythingBelow) {
         for (const ZQObjectID &id : ids) {
             const auto folder = zqCast<ZQSidebarWatchedFolder>(run.moc->existingObjectWithID(id));
-            if (folder && folder->active() && run.isWanted()) {
+            if (folder && folder->active() && folder->folderNeedSyncing() && run.isWanted()) {
                 tree.add(folder, everythingBelow);
             }
         }
@@ -83,7 +82,7 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     add(m_alone, false);
     if (run.save() && tree.run()) {
         FolderFilesSync files(run);
-        files.run(tree.changed());
+        files.run(tree);
         if (files.isComplete()) {
             FolderRemovals(run).run(tree, files);
             checkOrphans(run, roots);
@@ -92,15 +91,15 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     } else {
         run.save();
     }
+    QSet<qint64> keys;
+    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots.all()) {
+        keys.insert(root->objectID().key);
+    }
     // What the records say in memory is behind what they say of the tree.
     for (const qint64 root : std::as_const(run.changedRoots)) {
         if (!run.isWanted()) {
             run.records.forget(root);
         }
-    }
-    QSet<qint64> keys;
-    for (const ZQRef<ZQSidebarWatchedFolder> &root : roots.all()) {
-        keys.insert(root->objectID().key);
     }
     if (run.isWanted()) {
         run.records.removeAllBut(keys);
@@ -111,6 +110,9 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
 {
     const QDateTime now = zqNow();
     for (const FolderTreeSync::Changed &changed : tree.changed()) {
+        if (run.didFail) {
+            return;
+        }
         if (const auto row = changed.record->folder(changed.key) ? run.folder(changed.key) : nullptr) {
             row->updateFolderOpenMetaSyncDate();
             row->setLastSyncDate(now);
@@ -151,7 +153,7 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
         const bool isOwnPlace = !father || father->device != each.listing.device;
         folder->device = each.listing.device;
         folder->inode = each.listing.inode;
-        folder->fileSystem = isOwnPlace ? fileSystemOfFolder(folder->path) : 0;
+        folder->place = isOwnPlace ? ZQFolderIdentity::read(QFile::decodeName(folder->path)) : std::nullopt;
         folder->entries = each.listing.entries;
         folder->isKnown = !run.toLookAtAgain.contains(each.key);
     }
@@ -169,17 +171,41 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
             continue;
         }
         const FolderListing now = FolderListing::ofFolder(folder->path, FolderListing::Links::Followed);
+        QSet<QString> changedSince;
         for (const QByteArray &name : *place) {
             const std::string_view text(name.constData(), std::size_t(name.size()));
             const FolderEntry *const present = now.entries.find(text);
             auto *const entry = const_cast<FolderEntry *>(folder->entries.find(text));
-            if (present && entry && present->inode == entry->inode && present->hasContentOf(*entry)) {
+            if (present && entry && !present->isAs(*entry) && present->inode == entry->inode &&
+                present->hasContentOf(*entry)) {
                 entry->change = present->change;
+                changedSince.insert(QFile::decodeName(folder->path + '/' + name));
             }
         }
+        readTags(run, each.key, changedSince);
+    }
+    if (!run.save()) {
+        return;
     }
     for (const qint64 key : std::as_const(run.changedRoots)) {
         run.records.write(key);
+    }
+}
+
+// Others may have written into a file after it was read, and the record is about to say that all of it is known.
+void WatchFoldersImportOperation::readTags(SyncRun &run, qint64 folder, const QSet<QString> &paths)
+{
+    if (paths.isEmpty() || !run.isWanted()) {
+        return;
+    }
+    const auto items =
+        run.found(zqFetch<ZQLibraryBaseItem>(*run.moc, QStringLiteral("watchingFolder == %@ AND active == YES"),
+                                             {QVariant::fromValue(run.folderID(folder))}));
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
+        const auto file = zqFileOfPersistentURL(item->itemURLData());
+        if (file && paths.contains(file->path)) {
+            item->readOpenMetaFromDisk();
+        }
     }
 }
 
@@ -192,15 +218,15 @@ void WatchFoldersImportOperation::checkOrphans(SyncRun &run, RootFolders &roots)
     if (!isAlone || !mayBeSome || !run.isWanted()) {
         return;
     }
-    const auto items = zqFetch<ZQLibraryBaseItem>(
-        *run.moc, QStringLiteral("watchingFolder == nil AND managed == NO AND active == YES"));
-    if (!items || items->isEmpty()) {
+    const auto items = run.found(zqFetch<ZQLibraryBaseItem>(
+        *run.moc, QStringLiteral("watchingFolder == nil AND managed == NO AND active == YES")));
+    const QList<ZQRef<ZQSidebarWatchedFolder>> all = roots.all();
+    if (items.isEmpty() || !run.isWanted()) {
         return;
     }
-    ZQLibraryBaseItem::lookForFiles(*items);
-    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
+    ZQLibraryBaseItem::lookForFiles(items);
+    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
         const QString path = item->findItemURL();
-        const QList<ZQRef<ZQSidebarWatchedFolder>> all = roots.all();
         const bool isInside = std::any_of(
             all.begin(), all.end(), [&path](const auto &root) { return path.startsWith(root->folderPath() + u'/'); });
         if (path.isEmpty() || !isInside || !QFileInfo::exists(path)) {

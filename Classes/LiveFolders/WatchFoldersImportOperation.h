@@ -59,6 +59,7 @@ private:
     void syncFolders(SyncRun &run);
     void finish(SyncRun &run, FolderTreeSync &tree, const FolderFilesSync &files);
     void checkOrphans(SyncRun &run, RootFolders &roots);
+    static void readTags(SyncRun &run, qint64 folder, const QSet<QString> &paths);
     void writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed, const QStringList &touched);
 
     const QList<ZQObjectID> m_watchedFoldersIDs;

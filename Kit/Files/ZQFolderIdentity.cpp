@@ -92,14 +92,18 @@ std::optional<ZQFolderIdentity> ZQFolderIdentity::read(const QString &path)
     return identity;
 }
 
+bool ZQFolderIdentity::hasPassingInodes(quint64 type)
+{
+    return std::find(std::begin(passingInodes), std::end(passingInodes), type) != std::end(passingInodes);
+}
+
 bool ZQFolderIdentity::isSamePlace(const ZQFolderIdentity &other) const
 {
-    const bool hasPassingInodes =
-        std::find(std::begin(passingInodes), std::end(passingInodes), type) != std::end(passingInodes);
-    if (type != other.type || (!hasPassingInodes && inode != other.inode)) {
+    const bool isNumberedAnew = hasPassingInodes(type);
+    if (type != other.type || (!isNumberedAnew && inode != other.inode)) {
         return false;
     }
-    if (born != 0 && other.born != 0 && (born != other.born || !hasPassingInodes)) {
+    if (born != 0 && other.born != 0 && (born != other.born || !isNumberedAnew)) {
         return born == other.born;
     }
     if (!volume.isEmpty() && !other.volume.isEmpty()) {

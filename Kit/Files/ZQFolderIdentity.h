@@ -20,6 +20,8 @@ struct ZQFolderIdentity
     // Nothing, and errno, when there is no folder that can be looked at. Links are followed. Waits for the disk.
     static std::optional<ZQFolderIdentity> read(const QString &path);
 
+    // Whether a file system of this type numbers its files anew each time it is mounted.
+    static bool hasPassingInodes(quint64 type);
     // Whether both can be one folder, seen before and after the computer was started or the drive was plugged in anew.
     bool isSamePlace(const ZQFolderIdentity &other) const;
 

@@ -185,3 +185,23 @@ void LiveFolderTest::expectInStep(const QString &root) const
         EXPECT_TRUE(!item.key().startsWith(root + u'/') || files.contains(item.key())) << qPrintable(item.key());
     }
 }
+
+void LiveFolderTest::adorn(ZQManagedObjectContext &context, const ZQRef<ZQLibraryBaseItem> &item,
+                           const QString &projectTitle)
+{
+    ASSERT_TRUE(item);
+    const auto project = context.insertNewObject<ZQSidebarProject>();
+    project->setTitle(projectTitle);
+    ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)->appendChild(project.get());
+    ASSERT_TRUE(project->addItem(item.get()));
+    item->setRating(4);
+    ASSERT_TRUE(context.save());
+}
+
+void LiveFolderTest::expectAdorned(const ZQRef<ZQLibraryBaseItem> &item, const QString &projectTitle)
+{
+    ASSERT_TRUE(item);
+    EXPECT_EQ(item->rating(), 4);
+    ASSERT_EQ(item->projects().size(), 1);
+    EXPECT_EQ(item->projects().first()->title(), projectTitle);
+}

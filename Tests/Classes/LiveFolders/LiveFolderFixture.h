@@ -47,6 +47,10 @@ protected:
     QStringList itemPaths(const QString &below) const; // relative to it
     // What tree, items and disk have to agree on.
     void expectInStep(const QString &root) const;
+    // What a person and a library have of an item besides its file.
+    static void adorn(ZQManagedObjectContext &context, const ZQRef<ZQLibraryBaseItem> &item,
+                      const QString &projectTitle);
+    static void expectAdorned(const ZQRef<ZQLibraryBaseItem> &item, const QString &projectTitle);
     ZQManagedObjectContext &context() const { return *delegate->managedObjectContext(); }
 
     UserWorld world{"live"};

@@ -72,7 +72,9 @@ LiveFolderRecord recordOfThree()
     root.path = "/pictures";
     root.device = 3;
     root.inode = 4;
-    root.fileSystem = 5;
+    root.place.emplace();
+    root.place->fileSystem = 5;
+    root.place->volume = QStringLiteral("A CARD");
     root.isKnown = true;
     root.entries = entriesOf({{"a.png", 10}, {"b", -1}});
     record.put(root);
@@ -151,26 +153,41 @@ TEST(FolderPlace, TellsAVanishedPlaceFromAChangedOne)
     RecordedFolder was;
     was.device = 1;
     was.inode = 2;
-    was.fileSystem = 3;
+    const auto placeWith = [](quint64 inode, quint64 fileSystem, const char *volume) {
+        ZQFolderIdentity place;
+        place.inode = inode;
+        place.fileSystem = fileSystem;
+        place.volume = QString::fromLatin1(volume);
+        return place;
+    };
+    was.place = placeWith(2, 3, "A");
     was.isKnown = true;
     was.entries = entriesOf({{"a.png", 1}, {"b.png", 2}, {"c.png", 3}, {"d", -1}});
     struct Case
     {
         const char *what;
         quint64 device, inode, fileSystem;
+        const char *volume;
         std::initializer_list<std::pair<const char *, qint64>> now;
         FolderPlace place;
     };
     const Case cases[] = {
-        {"as it was", 1, 2, 3, {{"a.png", 1}, {"b.png", 2}}, FolderPlace::Here},
-        {"other files in the same folder", 1, 2, 3, {{"x.png", 9}}, FolderPlace::Here},
-        {"emptied, the same folder", 1, 2, 3, {}, FolderPlace::Emptied},
-        {"unmounted", 8, 9, 4, {}, FolderPlace::Emptied},
-        {"another disk of the same number", 1, 2, 4, {{"x.png", 9}}, FolderPlace::Another},
-        {"another disk", 8, 2, 4, {{"x.png", 9}}, FolderPlace::Another},
-        {"the same disk under another number", 8, 2, 3, {{"a.png", 1}, {"d", -1}}, FolderPlace::HereAnew},
-        {"less than half of it", 8, 2, 3, {{"a.png", 1}, {"b.png", 7}}, FolderPlace::Another},
-        {"made anew with what was in it", 1, 7, 3, {{"a.png", 1}, {"b.png", 2}, {"y.png", 2}}, FolderPlace::HereAnew},
+        {"as it was", 1, 2, 3, "A", {{"a.png", 1}, {"b.png", 2}}, FolderPlace::Here},
+        {"other files in the same folder", 1, 2, 3, "A", {{"x.png", 9}}, FolderPlace::Here},
+        {"emptied, the same folder", 1, 2, 3, "A", {}, FolderPlace::Emptied},
+        {"unmounted", 8, 9, 4, "", {}, FolderPlace::Emptied},
+        {"another disk of the same number", 1, 2, 4, "", {{"x.png", 9}}, FolderPlace::Another},
+        {"another card, all of whose numbers are the same", 1, 2, 3, "B", {{"x.png", 9}}, FolderPlace::Another},
+        {"another disk", 8, 2, 4, "", {{"x.png", 9}}, FolderPlace::Another},
+        {"the same disk under another number", 8, 2, 4, "A", {{"x.png", 9}}, FolderPlace::Here},
+        {"less than half of it", 8, 7, 3, "A", {{"a.png", 1}, {"b.png", 7}}, FolderPlace::Another},
+        {"made anew with what was in it",
+         1,
+         7,
+         3,
+         "A",
+         {{"a.png", 1}, {"b.png", 2}, {"y.png", 2}},
+         FolderPlace::HereAnew},
     };
     for (const Case &each : cases) {
         FolderListing now;
@@ -178,7 +195,7 @@ TEST(FolderPlace, TellsAVanishedPlaceFromAChangedOne)
         now.device = each.device;
         now.inode = each.inode;
         now.entries = entriesOf(each.now);
-        EXPECT_EQ(placeOf(was, now, each.fileSystem), each.place) << each.what;
+        EXPECT_EQ(placeOf(was, now, placeWith(each.inode, each.fileSystem, each.volume)), each.place) << each.what;
     }
 }
 

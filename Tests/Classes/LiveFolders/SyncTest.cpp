@@ -15,25 +15,6 @@
 
 namespace {
 
-// What a person and a library have of an item besides its file.
-void adorn(ZQManagedObjectContext &context, const ZQRef<ZQLibraryBaseItem> &item, const QString &projectTitle)
-{
-    const auto project = context.insertNewObject<ZQSidebarProject>();
-    project->setTitle(projectTitle);
-    ZQSidebarBaseItem::projectsLabelInManagedObjectContext(context)->appendChild(project.get());
-    ASSERT_TRUE(project->addItem(item.get()));
-    item->setRating(4);
-    ASSERT_TRUE(context.save());
-}
-
-void expectAdorned(const ZQRef<ZQLibraryBaseItem> &item, const QString &projectTitle)
-{
-    ASSERT_TRUE(item);
-    EXPECT_EQ(item->rating(), 4);
-    ASSERT_EQ(item->projects().size(), 1);
-    EXPECT_EQ(item->projects().first()->title(), projectTitle);
-}
-
 // Saves of the application's context between two moments.
 qsizetype changesOf(const ZQContextDidSave &saved)
 {
