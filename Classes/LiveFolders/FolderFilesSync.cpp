@@ -55,25 +55,6 @@ void FolderFilesSync::run(FolderTreeSync &tree)
     noteItemsOfGoneFolders(tree);
     settle();
     m_import.finish();
-    tellRefusal();
-}
-
-// Until a later run brings the rest in, the root says why it is not there.
-void FolderFilesSync::tellRefusal()
-{
-    if (m_import.wasRefused()) {
-        m_run.records.keepRefused(m_importing);
-        for (const qint64 root : std::as_const(m_importing)) {
-            m_run.reasons.insert(root, m_import.refusal());
-        }
-        return;
-    }
-    for (const FolderTreeSync::Changed &changed : *m_changed) {
-        const qint64 root = changed.record->rootKey();
-        if (m_run.isWanted() && m_run.records.endRefusal(changed.key) && !m_run.reasons.contains(root)) {
-            m_run.reasons.insert(root, QString());
-        }
-    }
 }
 
 // Files may have moved out of a folder before it was removed.
@@ -461,7 +442,6 @@ void FolderFilesSync::settle()
         }
         waitUntilWritten(file->path, file->entry, m_run.operation);
         m_run.changedRoots.insert(file->record->rootKey());
-        m_importing.insert(file->folder, file->record->rootKey());
         m_touched.append(file->path);
         m_import.add({file->path, file->folder, SHA1});
     }

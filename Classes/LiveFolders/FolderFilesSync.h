@@ -64,7 +64,6 @@ private:
     void adopt(const Item &item, const NewFile &file);
     void noteItemsOfGoneFolders(const FolderTreeSync &tree);
     void settle();
-    void tellRefusal();
     bool hasContentOf(const Lost &lost, const FolderEntry &entry) const;
     Item movedHere(const NewFile &file);
     Item adoptableAt(const NewFile &file, QString &SHA1);
@@ -83,7 +82,6 @@ private:
     std::vector<NewFile> m_new;
     std::vector<Gone> m_gone;
     std::unordered_multimap<quint64, Lost> m_goneByInode;
-    QHash<qint64, qint64> m_importing; // keys of folders with new files, and of their roots
     QStringList m_touched;
     bool m_hasAdoptables = false;
     QHash<QString, QList<Item>> m_adoptableByPath;

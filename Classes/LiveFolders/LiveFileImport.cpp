@@ -92,6 +92,7 @@ void LiveFileImport::finish()
     }
     const QString reason = refusal();
     if (!reason.isEmpty()) {
+        m_run.refusal = reason;
         presentImportError(ZQError::with(QStringLiteral("zelto.import"), 3,
                                          zqLocalized("Not every file of the live folders could be read."), reason));
     }

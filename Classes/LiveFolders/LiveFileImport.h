@@ -35,8 +35,7 @@ public:
     void finish();
     void saveIfDue(); // also what others changed in the context
     bool saveNow();
-    bool wasRefused() const { return !refusal().isEmpty(); }
-    QString refusal() const override; // localized, as for a full disk; empty: all could be done
+    bool wasRefused() const { return !refusal().isEmpty(); } // as for a full disk
     void didChangeItem() { ++m_changes; }
 
 private:
@@ -68,6 +67,7 @@ private:
 
     void fileDidDrop(const DroppedFile &file) override;
     void fileDidFinish() override { m_run.progress.advance(); }
+    QString refusal() const override;
     void setRefusal(const QString &reason) override;
     void archiveDidUnfold(const UnfoldedArchive &) override {}
 

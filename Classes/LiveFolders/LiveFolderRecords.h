@@ -30,8 +30,8 @@ public:
     void keep(qint64 folderKey, size_t what) { m_kept.insert(folderKey, what); }
     void forgetKept() { m_kept.clear(); }
 
-    // Folders with files for which there was no room, and the keys of their roots.
-    void keepRefused(const QHash<qint64, qint64> &rootsByFolder) { m_refused.insert(rootsByFolder); }
+    // A folder of the root could not be brought in step.
+    void keepRefused(qint64 folderKey, qint64 rootKey) { m_refused.insert(folderKey, rootKey); }
     // All that is in the folder is there now; whether that was the last one of its root.
     bool endRefusal(qint64 folderKey);
 

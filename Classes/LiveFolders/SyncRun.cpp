@@ -8,6 +8,7 @@ bool SyncRun::save()
     moc->processPendingChanges();
     if (!didFail && !moc->save(&error)) {
         logImportSaveError(error);
+        refusal = error.localizedDescription();
         moc->rollback();
         didFail = true;
     }

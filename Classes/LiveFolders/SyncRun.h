@@ -66,6 +66,8 @@ struct SyncRun
     QSet<qint64> toLookAtAgain = {};                    // folders in which an edit is at work
     bool didFail = false; // a save or a fetch did: what is pending is given up, and nothing further is begun
 
+    QString refusal = {}; // why not all could be brought in, as for a full disk; localized
+
     bool isWanted() const { return !operation.isCancelled() && !didFail; }
     ZQObjectID folderID(qint64 key) const { return {moc->model().entity(ZQSidebarWatchedFolder::entityName()), key}; }
     // Null when it is gone.

@@ -91,6 +91,7 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     } else {
         run.save();
     }
+    tellRefusal(run, tree);
     QSet<qint64> keys;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : roots.all()) {
         keys.insert(root->objectID().key);
@@ -103,6 +104,26 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     }
     if (run.isWanted()) {
         run.records.removeAllBut(keys);
+    }
+}
+
+// Until a later run gets to the end, the roots say why they are behind.
+void WatchFoldersImportOperation::tellRefusal(SyncRun &run, FolderTreeSync &tree)
+{
+    QHash<qint64, qint64> roots; // by folder
+    for (const qint64 root : std::as_const(run.changedRoots)) {
+        roots.insert(root, root);
+    }
+    for (const FolderTreeSync::Changed &changed : tree.changed()) {
+        roots.insert(changed.key, changed.record->rootKey());
+    }
+    for (auto root = roots.constBegin(); root != roots.constEnd(); ++root) {
+        if (!run.refusal.isEmpty()) {
+            run.records.keepRefused(root.key(), root.value());
+            run.reasons.insert(root.value(), run.refusal);
+        } else if (run.isWanted() && run.records.endRefusal(root.key()) && !run.reasons.contains(root.value())) {
+            run.reasons.insert(root.value(), QString());
+        }
     }
 }
 

@@ -57,6 +57,7 @@ private:
     void setupManagedObjectContext(SyncRun &run);
     void post(const QString &name, const ZQObjectID &folder) const;
     void syncFolders(SyncRun &run);
+    static void tellRefusal(SyncRun &run, FolderTreeSync &tree);
     void finish(SyncRun &run, FolderTreeSync &tree, const FolderFilesSync &files);
     void checkOrphans(SyncRun &run, RootFolders &roots);
     static void readTags(SyncRun &run, qint64 folder, const QSet<QString> &paths);

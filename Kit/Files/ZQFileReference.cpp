@@ -1,5 +1,6 @@
 #include "Kit/Files/ZQFileReference.h"
 
+#include "Kit/Files/ZQFolderIdentity.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Files/ZQTrash.h"
 
@@ -9,7 +10,6 @@
 #include <QIODevice>
 
 #include <fcntl.h>
-#include <linux/magic.h>
 #include <sys/statfs.h>
 #include <unistd.h>
 
@@ -60,12 +60,11 @@ bool hasVariety(const QByteArray &bytes)
     return values.count() >= leastVariety;
 }
 
-// FAT has no inode numbers: the system makes them up each time it mounts one.
 bool numbersAnew(const QByteArray &path)
 {
     struct statfs status = {};
     return statfs(path.constData(), &status) == 0 &&
-           (status.f_type == MSDOS_SUPER_MAGIC || status.f_type == EXFAT_SUPER_MAGIC);
+           ZQFolderIdentity::hasPassingInodes(static_cast<quint64>(static_cast<unsigned int>(status.f_type)));
 }
 
 } // namespace
@@ -163,6 +162,11 @@ bool ZQFileReference::isAt(const QByteArray &place) const
 bool ZQFileReference::hasMovedTo(const QByteArray &place) const
 {
     if (!isAt(place)) {
+        return false;
+    }
+    // The number may be another file's since the last mount.
+    const bool isToldByContents = place != path && file.birth == 0 && !contents.ends.isEmpty() && numbersAnew(place);
+    if (isToldByContents && !contents.isSavedAs(ZQFileContents::ofFile(place))) {
         return false;
     }
     const auto found = isFolder || place == path ? std::nullopt : zqLookAtFile(place);
