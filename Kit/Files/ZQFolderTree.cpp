@@ -112,9 +112,11 @@ void ZQFolderTree::setNumber(ZQWatchedFolder &folder, int watch)
 bool ZQFolderTree::list(ZQWatchedFolder &folder, Folders *came, Folders *differing)
 {
     const QByteArray path = systemPath(folder);
+    const int before = folder.watch;
     if (!setWatch(folder, path)) {
         return false;
     }
+    const bool isWatchedAnew = folder.watch != before; // what happened in it until now was told by nobody
     ZQFileDescriptor descriptor(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     struct stat status = {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0) {
@@ -123,7 +125,8 @@ bool ZQFolderTree::list(ZQWatchedFolder &folder, Folders *came, Folders *differi
     std::set<std::string> names;
     const bool isWhole = readNames(descriptor.release(), path, names);
     folder.modified = isWhole ? dependableTime(status) : 0;
-    if (bringInStep(folder, names, isWhole, came) && differing) {
+    const bool isOther = bringInStep(folder, names, isWhole, came);
+    if (differing && (isOther || isWatchedAnew)) {
         differing->push_back(&folder);
     }
     return true;
@@ -229,6 +232,15 @@ void ZQFolderTree::forget(ZQWatchedFolder &around, std::string_view name)
         forgetAll(*found->second);
         around.below.erase(found);
     }
+}
+
+bool ZQFolderTree::isWithin(const ZQWatchedFolder &folder, const ZQWatchedFolder &around)
+{
+    const ZQWatchedFolder *one = &folder;
+    while (one && one != &around) {
+        one = one->around;
+    }
+    return one != nullptr;
 }
 
 ZQWatchedFolder *ZQFolderTree::move(ZQWatchedFolder &from, std::string_view name, ZQWatchedFolder &to,

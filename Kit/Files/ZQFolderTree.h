@@ -48,7 +48,8 @@ public:
     void leaveOut(std::set<QByteArray> silentPlaces) { m_leftOut = std::move(silentPlaces); }
 
     // Brings a folder and all below in step with the disk. False when it cannot be looked at; it is forgotten then,
-    // unless it is the root. What is found to be there below it, or to be gone, is told by `differing`.
+    // unless it is the root. What is found to be there below it, or to be gone, or is watched anew, is told by
+    // `differing`.
     bool look(ZQWatchedFolder &folder, const Pulse &pulse, Folders *differing = nullptr);
     // The folder of that name, made and looked at; null when there is none that could be watched.
     ZQWatchedFolder *appear(ZQWatchedFolder &around, std::string_view name, const Pulse &pulse);
@@ -56,7 +57,8 @@ public:
     // The folder at a path of the system, as far as it is in the tree.
     ZQWatchedFolder *findPath(const QByteArray &systemPath);
     void forget(ZQWatchedFolder &around, std::string_view name);
-    // Moves a folder with its watches; one that stands in its place is forgotten.
+    static bool isWithin(const ZQWatchedFolder &folder, const ZQWatchedFolder &around); // or the same
+    // Moves a folder with its watches to one that is not within it; one that stands in its place is forgotten.
     ZQWatchedFolder *move(ZQWatchedFolder &from, std::string_view name, ZQWatchedFolder &to, std::string_view newName);
     struct Swept
     {

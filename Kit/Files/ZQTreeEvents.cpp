@@ -238,8 +238,12 @@ void ZQTreeEvents::handleArrival(const User &target, const ZQFolderEvent &event,
 
 void ZQTreeEvents::followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName)
 {
-    if (from.tree != to.tree || !from.tree->find(*from.folder, view(name))) {
-        to.tree->appear(*to.folder, view(newName), m_pulse);
+    const ZQWatchedFolder *const known = from.tree == to.tree ? from.tree->find(*from.folder, view(name)) : nullptr;
+    // A tree that was listed since may hold the place it went to within the place it came from.
+    if (!known || ZQFolderTree::isWithin(*to.folder, *known)) {
+        if (to.tree->appear(*to.folder, view(newName), m_pulse)) {
+            noteFolder(path(to, newName), true); // nobody told what came into it until now
+        }
         return;
     }
     ZQWatchedFolder *const moved = to.tree->move(*from.folder, view(name), *to.folder, view(newName));
