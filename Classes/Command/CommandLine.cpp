@@ -532,17 +532,9 @@ QString CommandLine::commandLike(const QString &word) const
 }
 
 namespace {
-void describe(const CLI::App &command, const QString &name, QString &out)
+// A command, apart from those it has of its own.
+void describeAlone(const CLI::App &command, const QString &name, QString &out)
 {
-    const auto subcommands = command.get_subcommands([](const CLI::App *) { return true; });
-    if (!subcommands.empty()) {
-        for (const CLI::App *subcommand : subcommands) {
-            if (!subcommand->get_group().empty()) {
-                describe(*subcommand, name + u' ' + text(subcommand->get_name()), out);
-            }
-        }
-        return;
-    }
     QString synopsis = name;
     QString rows;
     for (const CLI::Option *option : command.get_options()) {
@@ -567,6 +559,20 @@ void describe(const CLI::App &command, const QString &name, QString &out)
     }
     if (!command.get_footer().empty()) {
         out += QStringLiteral("\n```\n%1\n```\n").arg(text(command.get_footer()));
+    }
+}
+
+void describe(const CLI::App &command, const QString &name, QString &out)
+{
+    const auto subcommands = command.get_subcommands([](const CLI::App *) { return true; });
+    const bool doesSomethingItself = command.get_parent() && command.get_require_subcommand_min() == 0;
+    if (subcommands.empty() || doesSomethingItself) {
+        describeAlone(command, name, out);
+    }
+    for (const CLI::App *subcommand : subcommands) {
+        if (!subcommand->get_group().empty()) {
+            describe(*subcommand, name + u' ' + text(subcommand->get_name()), out);
+        }
     }
 }
 } // namespace

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace {
 
@@ -31,32 +32,41 @@ bool endsWithAnyCase(std::string_view name, std::string_view ending)
                       [](char a, char b) { return a == lowered(b); });
 }
 
-QByteArray extensionOf(std::string_view name)
+// As it is written; empty for none.
+std::string_view extensionOf(std::string_view name)
 {
     const std::size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0) {
-        return {};
-    }
-    QByteArray extension(name.data() + dot + 1, qsizetype(name.size() - dot - 1));
-    std::transform(extension.begin(), extension.end(), extension.begin(), lowered);
-    return extension;
+    return dot == std::string_view::npos || dot == 0 ? std::string_view() : name.substr(dot + 1);
+}
+
+QByteArray inLowerCase(std::string_view text)
+{
+    QByteArray lower(text.data(), qsizetype(text.size()));
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowered);
+    return lower;
 }
 
 // The table is walked once for each ending, and not once for each file.
-ImportKind::Takes takenAs(const QByteArray &extension)
+ImportKind::Takes takenAs(std::string_view extension)
 {
     thread_local QHash<QByteArray, ImportKind::Takes> known;
-    if (const auto answer = known.constFind(extension); answer != known.constEnd()) {
-        return *answer;
+    thread_local std::string last; // most files of a folder end alike
+    thread_local ImportKind::Takes lastAnswer = ImportKind::Takes::Nothing;
+    if (extension == last) {
+        return lastAnswer;
+    }
+    last = extension;
+    const QByteArray lower = inLowerCase(extension);
+    if (const auto answer = known.constFind(lower); answer != known.constEnd()) {
+        return lastAnswer = *answer;
     }
     constexpr qsizetype mostKnown = 4096; // names are anybody's
     if (known.size() >= mostKnown) {
         known.clear();
     }
-    const QString name = QStringLiteral("file.") + QString::fromUtf8(extension);
-    const ImportKind *const kind = importKindForPath(name);
+    const ImportKind *const kind = importKindForPath(QStringLiteral("file.") + QString::fromUtf8(lower));
     const bool isTaken = kind && kind->importer != Importer::Archive;
-    return *known.insert(extension, isTaken ? kind->takes : ImportKind::Takes::Nothing);
+    return lastAnswer = *known.insert(lower, isTaken ? kind->takes : ImportKind::Takes::Nothing);
 }
 
 } // namespace
@@ -81,18 +91,17 @@ bool LiveFolderNames::isText(std::string_view name)
 
 EntryKind LiveFolderNames::kindOfFile(std::string_view name)
 {
-    const QByteArray extension = extensionOf(name);
-    return !extension.isEmpty() && takenAs(extension) == ImportKind::Takes::File ? EntryKind::File : EntryKind::Nothing;
+    const std::string_view extension = extensionOf(name);
+    return !extension.empty() && takenAs(extension) == ImportKind::Takes::File ? EntryKind::File : EntryKind::Nothing;
 }
 
 EntryKind LiveFolderNames::kindOfDirectory(std::string_view name)
 {
-    const QByteArray extension = extensionOf(name);
-    if (extension.isEmpty()) {
+    const std::string_view extension = extensionOf(name);
+    if (extension.empty()) {
         return EntryKind::Folder;
     }
-    const std::string_view text(extension.constData(), std::size_t(extension.size()));
-    if (std::find(packages.begin(), packages.end(), text) != packages.end()) {
+    if (std::find(packages.begin(), packages.end(), inLowerCase(extension).toStdString()) != packages.end()) {
         return EntryKind::Nothing;
     }
     return takenAs(extension) == ImportKind::Takes::Package ? EntryKind::Package : EntryKind::Folder;
