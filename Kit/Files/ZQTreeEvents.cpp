@@ -223,7 +223,7 @@ void ZQTreeEvents::handleArrival(const User &target, const ZQFolderEvent &event,
         m_changes.didMoveFolder(move.from, move.to, m_now);
     }
     if (isFolder) {
-        followFolder(source, event.name, target, event.toName);
+        followFolder(source, event.name, target, event.toName, isFirst);
     } else if (!isOurs) {
         m_files.didClose(path(target, {}), event.toName, m_now);
     }
@@ -236,12 +236,15 @@ void ZQTreeEvents::handleArrival(const User &target, const ZQFolderEvent &event,
     }
 }
 
-void ZQTreeEvents::followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName)
+void ZQTreeEvents::followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName,
+                                bool isFirst)
 {
-    const ZQWatchedFolder *const known = from.tree == to.tree ? from.tree->find(*from.folder, view(name)) : nullptr;
+    const ZQWatchedFolder *const known = from.tree->find(*from.folder, view(name));
+    const bool isSameTree = from.tree == to.tree;
     // A tree that was listed since may hold the place it went to within the place it came from.
-    if (!known || ZQFolderTree::isWithin(*to.folder, *known)) {
-        if (to.tree->appear(*to.folder, view(newName), m_pulse)) {
+    if (!known || !isSameTree || ZQFolderTree::isWithin(*to.folder, *known)) {
+        const bool wasFollowed = !isFirst || (known && !isSameTree); // by the tree of another root
+        if (to.tree->appear(*to.folder, view(newName), m_pulse) && !wasFollowed) {
             noteFolder(path(to, newName), true); // nobody told what came into it until now
         }
         return;

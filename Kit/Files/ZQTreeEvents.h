@@ -42,7 +42,8 @@ private:
     bool isThere(int watch, const User &user) const; // what is done for one may take away another
     void didLeave(const User &from, const QByteArray &name, bool isFolder);
     void didArrive(const User &to, const QByteArray &name, bool isFolder);
-    void followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName);
+    void followFolder(const User &from, const QByteArray &name, const User &to, const QByteArray &newName,
+                      bool isFirst); // who sees the move
     void noteFolder(const QByteArray &folder, bool everythingBelow = false, bool isSure = true);
     bool isOwn(const User &user, const QByteArray &name) const;
     static QByteArray path(const User &user, const QByteArray &name);
