@@ -125,10 +125,13 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
     const bool isOtherFileSystem =
         folder.device != listing.device ||
         (placeNow && (placeNow->fileSystem != folder.place->fileSystem || placeNow->volume != folder.place->volume));
-    const bool isAway = (place == FolderPlace::Emptied && (isOtherFileSystem || wasMounted(*look.record, folder))) ||
-                        (place == FolderPlace::Another && isOtherFileSystem);
+    const bool isEmptied = place == FolderPlace::Emptied && (isOtherFileSystem || wasMounted(*look.record, folder));
     const ZQRef<ZQSidebarWatchedFolder> row =
-        folder.isMissing || isAway || isKnownByStoreAlone ? m_run.folder(look.key) : nullptr;
+        folder.isMissing || isEmptied || isKnownByStoreAlone ? m_run.folder(look.key) : nullptr;
+    const bool isEmptiedByLibrary =
+        isEmptied && !isOtherFileSystem && row && RootFolders::isWhatStoreKnows(*row, listing);
+    const bool isAway =
+        (isEmptied && !isEmptiedByLibrary) || (place == FolderPlace::Another && isOtherFileSystem);
     const bool isUnlikeReference = isKnownByStoreAlone && listing.entries.isEmpty() && row &&
                                    !zqPersistentURLIsAt(row->folderURLSecureData(), QFile::decodeName(folder.path));
     if (isAway || isUnlikeReference) {
@@ -271,7 +274,7 @@ const std::unordered_multimap<quint64, FolderTreeSync::Place> &FolderTreeSync::p
     }
     m_places.emplace();
     for (const ZQRef<ZQSidebarWatchedFolder> &root : m_roots.all()) {
-        LiveFolderRecord *const record = root->is_enabled() ? m_roots.open(root) : nullptr;
+        LiveFolderRecord *const record = m_roots.open(root);
         if (!record) {
             continue;
         }
@@ -365,8 +368,7 @@ bool FolderTreeSync::takeOver(const NewFolder &folder)
             root->objectID().key == folder.record->rootKey()) {
             continue;
         }
-        LiveFolderRecord *const inner = root->is_enabled() ? m_roots.open(root) : nullptr;
-        if (inner) {
+        if (LiveFolderRecord *const inner = m_roots.open(root)) {
             const qint64 key = root->objectID().key;
             m_roots.move(*inner, key, *folder.record, folder.father, folder.path);
             m_looks.push_back({folder.record, key, true, false, true});
@@ -406,7 +408,7 @@ bool FolderTreeSync::followGoneOnes()
         }
         const QByteArray parent = QFile::encodeName(QFileInfo(found).path());
         for (const ZQRef<ZQSidebarWatchedFolder> &root : m_roots.all()) {
-            LiveFolderRecord *const record = root->is_enabled() ? m_roots.open(root) : nullptr;
+            LiveFolderRecord *const record = m_roots.open(root);
             const RecordedFolder *const father = record ? record->folderAtPath(parent) : nullptr;
             if (father && !m_seen.contains(father->key)) {
                 m_looks.push_back({record, father->key, false});

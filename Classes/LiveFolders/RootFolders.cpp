@@ -68,12 +68,15 @@ LiveFolderRecord *RootFolders::open(const ZQRef<ZQSidebarWatchedFolder> &root)
     if (const auto known = m_opened.constFind(key); known != m_opened.constEnd()) {
         return *known;
     }
-    LiveFolderRecord &record = recordFor(root);
     m_opened.insert(key, nullptr);
+    const bool wasAway = root->is_missing() || root->is_trashed();
+    if (!wasAway && !root->is_enabled()) {
+        return nullptr;
+    }
+    LiveFolderRecord &record = recordFor(root);
     if (!isAtItsPlace(*root, record)) {
         return nullptr;
     }
-    const bool wasAway = root->is_missing() || root->is_trashed() || !root->is_enabled();
     if (wasAway) {
         bringBack(*root);
     }
@@ -195,6 +198,10 @@ bool RootFolders::isAtItsPlace(ZQSidebarWatchedFolder &root, LiveFolderRecord &r
         if (was.inode == 0 && (listing.entries.isEmpty() || !isIdentified) && !isWhatStoreKnows(root, listing)) {
             place = listing.entries.isEmpty() ? FolderPlace::Emptied : FolderPlace::Another;
         }
+        // What left it by way of the library was no drive that went.
+        if (place == FolderPlace::Emptied && isIdentified && isWhatStoreKnows(root, listing)) {
+            place = FolderPlace::Here;
+        }
     }
     if (isWhole && (place == FolderPlace::Here || place == FolderPlace::HereAnew)) {
         return true;
@@ -203,8 +210,7 @@ bool RootFolders::isAtItsPlace(ZQSidebarWatchedFolder &root, LiveFolderRecord &r
     return false;
 }
 
-// Without a record the store says what was there.
-bool RootFolders::isWhatStoreKnows(const ZQSidebarWatchedFolder &root, const FolderListing &listing) const
+bool RootFolders::isWhatStoreKnows(const ZQSidebarWatchedFolder &folder, const FolderListing &listing)
 {
     qsizetype known = 0;
     qsizetype present = 0;
@@ -213,14 +219,14 @@ bool RootFolders::isWhatStoreKnows(const ZQSidebarWatchedFolder &root, const Fol
         ++known;
         present += listing.entries.find({name.constData(), std::size_t(name.size())}) ? 1 : 0;
     };
-    for (const ZQRef<ZQSidebarBaseItem> &child : root.childsItems()) {
-        if (const auto folder = zqCast<ZQSidebarWatchedFolder>(child)) {
-            count(folder->folderPath());
+    for (const ZQRef<ZQSidebarBaseItem> &child : folder.childsItems()) {
+        if (const auto below = zqCast<ZQSidebarWatchedFolder>(child)) {
+            count(below->folderPath());
         }
     }
-    for (const ZQRef<ZQLibraryBaseItem> &item : root.watchedItems()) {
+    for (const ZQRef<ZQLibraryBaseItem> &item : folder.watchedItems()) {
         const auto file = zqFileOfPersistentURL(item->itemURLData());
-        if (file && (item->active() || root.is_missing() || root.is_trashed())) {
+        if (file && (item->active() || folder.is_missing() || folder.is_trashed())) {
             count(file->path);
         }
     }

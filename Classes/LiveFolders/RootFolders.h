@@ -13,7 +13,8 @@ class RootFolders
 public:
     explicit RootFolders(SyncRun &run) : m_run(run) {}
 
-    // Once for each root of the run; the same answer afterwards. Null: it is not to be looked at.
+    // Once for each root of the run; the same answer afterwards. Null: it is not to be looked at, as one that a person
+    // disabled.
     LiveFolderRecord *open(const ZQRef<ZQSidebarWatchedFolder> &root);
     QList<ZQRef<ZQSidebarWatchedFolder>> all(); // active ones
     // The root of a folder; null for one that hangs nowhere.
@@ -24,6 +25,8 @@ public:
     void move(LiveFolderRecord &from, qint64 key, LiveFolderRecord &to, qint64 father, const QByteArray &path);
     void bringBack(ZQSidebarWatchedFolder &folder);
     void putAside(ZQSidebarWatchedFolder &folder, const QString &reason);
+    // Whether at least half of what the store has of a folder is in it; of nothing, always.
+    static bool isWhatStoreKnows(const ZQSidebarWatchedFolder &folder, const FolderListing &listing);
 
 private:
     LiveFolderRecord &recordFor(const ZQRef<ZQSidebarWatchedFolder> &root);
@@ -32,7 +35,6 @@ private:
     bool isAtItsPlace(ZQSidebarWatchedFolder &root, LiveFolderRecord &record);
     bool follow(ZQSidebarWatchedFolder &root, LiveFolderRecord &record, const QString &path);
     bool findNewFather(ZQSidebarWatchedFolder &root, LiveFolderRecord &record, const QString &path);
-    bool isWhatStoreKnows(const ZQSidebarWatchedFolder &root, const FolderListing &listing) const;
     void renewRows(qint64 key, const LiveFolderRecord &record);
 
     SyncRun &m_run;

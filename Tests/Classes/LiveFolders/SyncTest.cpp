@@ -240,6 +240,53 @@ TEST_F(LiveFolderTest, KeepsEverythingOfAPlaceThatVanishes)
     }
 }
 
+TEST_F(LiveFolderTest, StaysWhenItsLastFileLeavesByTheLibrary)
+{
+    const QString root = path(QStringLiteral("in"));
+    makeFolder(path(QStringLiteral("other")));
+    const QString first = writePicture(QStringLiteral("in/a.png"));
+    const ZQObjectID id = add(root);
+    const ZQObjectID other = add(path(QStringLiteral("other")));
+    const QString second = path(QStringLiteral("in/b.png"));
+    struct Case
+    {
+        const char *what;
+        QString file;
+        std::function<void(ZQLibraryBaseItem &)> leave;
+    };
+    const Case cases[] = {
+        {"deleted", first,
+         [](ZQLibraryBaseItem &item) {
+             ASSERT_TRUE(item.hideFileFromFileSystem());
+             item.deleteSelf();
+         }},
+        {"moved out", second,
+         [&](ZQLibraryBaseItem &item) {
+             const QString to = path(QStringLiteral("other/b.png"));
+             move(second, to);
+             item.setWatchingFolder(folder(other).get());
+             item.updateFileURLsForURL(to);
+         }},
+    };
+    for (const Case &each : cases) {
+        SCOPED_TRACE(each.what);
+        ASSERT_TRUE(itemAt(each.file));
+        each.leave(*itemAt(each.file));
+        ASSERT_TRUE(context().save());
+        sync();
+        EXPECT_FALSE(folder(id)->is_missing());
+        EXPECT_TRUE(folder(id)->is_enabled());
+        EXPECT_EQ(manager->statusOfWatchedFolder(id).reason, QString());
+        expectInStep(root);
+        writePicture(QStringLiteral("in/b.png"));
+        sync();
+        expectInStep(root);
+    }
+    move(second, path(QStringLiteral("b.png")));
+    sync();
+    EXPECT_TRUE(folder(id)->is_missing()) << "what it held went by itself, as with a drive";
+}
+
 TEST_F(LiveFolderTest, OutlivesUnmountingAndMounting)
 {
     const QString root = path(QStringLiteral("disk"));
@@ -436,8 +483,12 @@ TEST_F(LiveFolderTest, LeavesADisabledOneAlone)
     ASSERT_TRUE(context().save());
     manager->watchedFoldersDidChange({id});
     writePicture(QStringLiteral("in/b.png"));
-    sync();
-    EXPECT_TRUE(items().isEmpty());
+    for (const bool isForced : {false, true}) {
+        sync(isForced);
+        sync(id); // as who asked before it was disabled
+        EXPECT_FALSE(folder(id)->is_enabled());
+        EXPECT_TRUE(items().isEmpty());
+    }
     folder(id)->reActivateFolder();
     ASSERT_TRUE(context().save());
     manager->watchedFoldersDidChange({id});
