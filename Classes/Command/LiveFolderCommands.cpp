@@ -24,10 +24,18 @@ using Folder = ZQRef<ZQSidebarWatchedFolder>;
 
 QString stateOf(const ZQSidebarWatchedFolder &folder)
 {
-    return folder.is_trashed()    ? QStringLiteral("trashed")
-           : folder.is_missing()  ? QStringLiteral("missing")
-           : !folder.is_enabled() ? QStringLiteral("disabled")
-                                  : QStringLiteral("live");
+    using enum ZQSidebarWatchedFolder::Standing;
+    switch (folder.standing()) {
+    case Missing:
+        return QStringLiteral("missing");
+    case Trashed:
+        return QStringLiteral("trashed");
+    case Off:
+        return QStringLiteral("disabled");
+    case Followed:
+        break;
+    }
+    return QStringLiteral("live");
 }
 
 QList<Folder> rootsOf(CommandContext &context)

@@ -26,7 +26,7 @@ bool zqRestoreItem(ZQLibraryBaseItem &item, ZQOwnMoves &moves, FileProblems &pro
     const auto folder = item.watchingFolder();
     const QString before = folder ? item.findItemURL() : QString();
     ZQError error;
-    if (folder && !folder->is_missing() && !folder->is_trashed() && !folder->is_enabled()) {
+    if (folder && folder->standing() == ZQSidebarWatchedFolder::Standing::Off) {
         error = ZQError::with(
             QStringLiteral("zelto.editing"), 1,
             zqFormat(zqLocalized("Its live folder “%@” is disabled. Enable it, and try again."), {folder->title()}));

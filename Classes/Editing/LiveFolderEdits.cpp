@@ -286,9 +286,11 @@ void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &into
         }
     };
     const EditPass redo{[copies, synchronise](EditRun &run) {
-                            const bool isDone = copies->copyFiles(run);
-                            synchronise();
-                            return isDone;
+                            const bool isAnythingThere = copies->copyFiles(run);
+                            if (isAnythingThere) {
+                                synchronise();
+                            }
+                            return isAnythingThere;
                         },
                         zqLocalized("Copying files…")};
     const EditPass undo{[copies, synchronise](EditRun &run) {

@@ -10,7 +10,7 @@ namespace {
 
 bool isInPlace(const ZQSidebarWatchedFolder &folder)
 {
-    const QString path = folder.is_missing() || folder.is_trashed() ? QString() : folder.folderURL();
+    const QString path = folder.isOutOfReach() ? QString() : folder.folderURL();
     const QByteArray reference = folder.folderURLSecureData();
     return !path.isEmpty() && !ZQTrash::contains(path) && (reference.isEmpty() || zqPersistentURLIsAt(reference, path));
 }
@@ -23,7 +23,7 @@ ZQRef<ZQSidebarWatchedFolder> zqFolderForFiles(ZQManagedObjectContext &context, 
     QString reason;
     if (!folder || !folder->active()) {
         reason = zqLocalized("The live folder is not in the sidebar any more. Choose another one.");
-    } else if (!folder->is_enabled() && !folder->is_missing() && !folder->is_trashed()) {
+    } else if (folder->standing() == ZQSidebarWatchedFolder::Standing::Off) {
         reason = zqFormat(zqLocalized("“%@” is disabled. Enable it, and try again."), {folder->title()});
     } else if (!isInPlace(*folder)) {
         reason = zqFormat(zqLocalized("“%@” is not there now. Look whether its disk is there, and try again."),

@@ -20,11 +20,6 @@ Folder liveFolder(const EditContext &edits, const ZQObjectID &id)
     return folder && folder->active() ? folder : Folder();
 }
 
-bool isAway(const ZQSidebarWatchedFolder &folder)
-{
-    return folder.is_missing() || folder.is_trashed();
-}
-
 // Folders that one step enables or disables, with those below them that were the other way: these are so again when it
 // is taken back.
 class Enabling
@@ -64,7 +59,7 @@ public:
 private:
     void set(const ZQObjectID &id, bool enabled) const
     {
-        if (const Folder folder = liveFolder(m_edits, id); folder && !isAway(*folder)) {
+        if (const Folder folder = liveFolder(m_edits, id); folder && !folder->isOutOfReach()) {
             enabled ? folder->reActivateFolder() : folder->deactivateFolder();
         }
     }
@@ -111,7 +106,7 @@ void SidebarCommands::setWatchedFoldersEnabled(const Items &folders, bool enable
     QString title;
     for (const Item &item : folders) {
         const Folder folder = zqCast<ZQSidebarWatchedFolder>(item);
-        if (folder && folder->active() && !isAway(*folder) && folder->is_enabled() != enabled) {
+        if (folder && folder->active() && !folder->isOutOfReach() && folder->is_enabled() != enabled) {
             ids.append(folder->objectID());
             title = folder->title();
         }

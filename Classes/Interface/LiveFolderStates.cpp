@@ -107,23 +107,18 @@ void LiveFolderStates::statusDidChange(const ZQNotification &notification)
 
 LiveFolderStates::Kind LiveFolderStates::kindOf(const ZQSidebarWatchedFolder &folder, const LiveFolderStatus &status)
 {
-    constexpr int deepest = 1000; // of a damaged tree
-    Kind kind = status.isSwept ? Kind::Swept : Kind::Mirrored;
-    const auto take = [&kind](const ZQSidebarWatchedFolder &each) {
-        const Kind own = each.is_missing()   ? Kind::Missing
-                         : each.is_trashed() ? Kind::Trashed
-                         : each.is_enabled() ? Kind::Mirrored
-                                             : Kind::Off;
-        kind = std::max(kind, own);
-    };
-    take(folder);
-    auto above = folder.father();
-    for (int depth = 0; above && depth < deepest; ++depth, above = above->father()) {
-        if (const auto live = zqCast<ZQSidebarWatchedFolder>(above)) {
-            take(*live);
-        }
+    using enum ZQSidebarWatchedFolder::Standing;
+    switch (folder.standing()) {
+    case Missing:
+        return Kind::Missing;
+    case Trashed:
+        return Kind::Trashed;
+    case Off:
+        return Kind::Off;
+    case Followed:
+        break;
     }
-    return kind;
+    return status.isSwept ? Kind::Swept : Kind::Mirrored;
 }
 
 QString LiveFolderStates::badge(Kind kind)

@@ -7,7 +7,6 @@
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <chrono>
 
@@ -59,7 +58,7 @@ QList<qint64> FolderRemovals::withAllBelow(const LiveFolderRecord &record, qint6
     return QList<qint64>{key} + record.below(key);
 }
 
-void FolderRemovals::run(const FolderTreeSync &tree, const FolderFilesSync &files)
+void FolderRemovals::gather(const FolderTreeSync &tree, const FolderFilesSync &files)
 {
     for (const FolderTreeSync::Gone &gone : tree.gone()) {
         OfRoot &root = ofRoot(gone.record);
@@ -84,22 +83,52 @@ void FolderRemovals::run(const FolderTreeSync &tree, const FolderFilesSync &file
             root.what ^= qHash(item->objectID().key, size_t(1));
         }
     }
+}
+
+void FolderRemovals::run(FolderTreeSync &tree, const FolderFilesSync &files)
+{
+    gather(tree, files);
     for (const OfRoot &root : m_roots) {
-        if (root.count + root.folders.size() == 0 || !m_run.isWanted() || !mayRemove(root)) {
-            continue;
+        if (root.count + root.folders.size() > 0 && m_run.isWanted() && mayRemove(root)) {
+            remove(root);
         }
-        for (const FolderFilesSync::Gone &gone : root.files) {
-            const RecordedFolder *const folder = root.record->folder(gone.folder);
-            for (const ZQRef<ZQLibraryBaseItem> &item : gone.items) {
-                if (!folder || !isInFolder(*item, folder->path)) {
-                    item->setActive(false);
-                }
+    }
+    endWhatIsKept(tree);
+}
+
+void FolderRemovals::remove(const OfRoot &gone)
+{
+    for (const FolderFilesSync::Gone &files : gone.files) {
+        const RecordedFolder *const folder = gone.record->folder(files.folder);
+        for (const ZQRef<ZQLibraryBaseItem> &item : files.items) {
+            if (!folder || !isInFolder(*item, folder->path)) {
+                item->setActive(false);
             }
         }
-        for (const FolderTreeSync::Gone &gone : root.folders) {
-            removeFolder(*root.record, gone.key);
+    }
+    for (const FolderTreeSync::Gone &folder : gone.folders) {
+        for (const qint64 key : withAllBelow(*gone.record, folder.key)) {
+            endKept(gone.record->rootKey(), key);
         }
-        m_run.changedRoots.insert(root.record->rootKey());
+        removeFolder(*gone.record, folder.key);
+    }
+    m_run.changedRoots.insert(gone.record->rootKey());
+}
+
+// Files that came back, or whose items went otherwise.
+void FolderRemovals::endWhatIsKept(FolderTreeSync &tree)
+{
+    for (const FolderTreeSync::Changed &changed : tree.changed()) {
+        if (m_run.isWanted() && !m_lacking.contains(changed.key)) {
+            endKept(changed.record->rootKey(), changed.key);
+        }
+    }
+}
+
+void FolderRemovals::endKept(qint64 rootKey, qint64 folderKey)
+{
+    if (m_run.records.endKept(rootKey, folderKey) && !m_run.reasons.contains(rootKey)) {
+        m_run.reasons.insert(rootKey, QString());
     }
 }
 
@@ -119,10 +148,22 @@ bool FolderRemovals::mayRemove(const OfRoot &gone)
         return true;
     }
     if (m_run.isWanted()) {
-        m_run.records.keep(key, gone.what);
-        m_run.reasons.insert(key, zqFormat(zqLocalized("%d files are gone from its folder and stay in the library. Put "
-                                                       "them back, or synchronise it now to remove them."),
-                                           {gone.count}));
+        QSet<qint64> lacking;
+        for (const FolderFilesSync::Gone &files : gone.files) {
+            if (!files.items.isEmpty()) {
+                lacking.insert(files.folder);
+            }
+        }
+        for (const FolderTreeSync::Gone &each : gone.folders) {
+            const RecordedFolder *const folder = gone.record->folder(each.key);
+            lacking.insert(folder ? folder->father : key);
+        }
+        m_lacking += lacking;
+        const QString reason = zqFormat(zqLocalized("%d files are gone from its folder and stay in the library. Put "
+                                                    "them back, or synchronise it now to remove them."),
+                                        {gone.count});
+        m_run.records.keep(key, {gone.what, lacking, reason});
+        m_run.reasons.insert(key, reason);
     }
     return false;
 }

@@ -4,7 +4,7 @@
 #include "Classes/LiveFolders/FolderTreeSync.h"
 #include "Classes/LiveFolders/SyncRun.h"
 
-#include <functional>
+#include <vector>
 
 // What a run found gone leaves the library: items become inactive, so that they come back as they were when their files
 // do, and sub-folders leave the sidebar. Where that is much of a live folder at once, the person is asked first, and
@@ -15,7 +15,7 @@ public:
     explicit FolderRemovals(SyncRun &run) : m_run(run) {}
 
     // Saves nothing.
-    void run(const FolderTreeSync &tree, const FolderFilesSync &files);
+    void run(FolderTreeSync &tree, const FolderFilesSync &files);
 
     // Whether so many, of a folder that had `known`, are asked about.
     static bool isMuch(qsizetype gone, qsizetype known);
@@ -32,6 +32,10 @@ private:
     };
 
     OfRoot &ofRoot(LiveFolderRecord *record);
+    void gather(const FolderTreeSync &tree, const FolderFilesSync &files);
+    void remove(const OfRoot &gone);
+    void endWhatIsKept(FolderTreeSync &tree);
+    void endKept(qint64 rootKey, qint64 folderKey);
     bool mayRemove(const OfRoot &gone);
     bool ask(const OfRoot &gone);
     void removeFolder(LiveFolderRecord &record, qint64 key);
@@ -39,4 +43,5 @@ private:
 
     SyncRun &m_run;
     std::vector<OfRoot> m_roots;
+    QSet<qint64> m_lacking; // folders that miss something still
 };

@@ -24,14 +24,13 @@ public:
     explicit LiveFileImport(SyncRun &run);
     ~LiveFileImport() override;
 
-    // `done`: what was read is safe, or was given up. Waits while many are being read.
     struct File
     {
         QString path;
         qint64 folder = 0; // key
         QString SHA1;      // where it is known
     };
-    void add(const File &file);
+    void add(const File &file); // waits while many are being read
     void finish();
     void saveIfDue(); // also what others changed in the context
     bool saveNow();

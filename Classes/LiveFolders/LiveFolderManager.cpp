@@ -11,8 +11,10 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 constexpr std::chrono::milliseconds statusInterval{250};
@@ -65,7 +67,7 @@ void LiveFolderManager::getLiveFolderPermissionFromSandbox()
 {
     QStringList paths;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
-        if (!root->is_missing() && !root->is_trashed()) {
+        if (!root->isOutOfReach()) {
             paths.append(root->folderPath());
         }
     }
@@ -104,7 +106,7 @@ void LiveFolderManager::watchRoots()
     }
     QStringList paths;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : *all) {
-        if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
+        if (root->isFollowed()) {
             paths.append(root->folderPath());
         }
     }
@@ -138,7 +140,7 @@ void LiveFolderManager::noteFolderAtPath(const QString &path, bool everythingBel
         known = QFileInfo(known).path();
         folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     }
-    if (folder && (folder->is_enabled() || folder->is_missing() || folder->is_trashed())) {
+    if (folder && folder->isFollowed()) {
         note(folder->objectID(), {everythingBelow, false});
     }
 }
@@ -153,7 +155,7 @@ void LiveFolderManager::syncRootWatchedFoldersForceSync(bool force)
 {
     QList<ZQObjectID> folders;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
-        if (root->is_enabled() || root->is_missing() || root->is_trashed()) {
+        if (root->isFollowed()) {
             folders.append(root->objectID());
         }
     }
@@ -207,6 +209,9 @@ void LiveFolderManager::start()
         isForced = isForced || wanted->isForced;
     }
     m_wanted.clear();
+    for (const qint64 root : std::exchange(m_left, {})) {
+        records()->forgetKept(root);
+    }
     auto &delegate = *tamberin_AppDelegate::sharedDelegate();
     // So that the run sees what the window does; not what is being typed, since a title renames a file.
     if (ZQError error; !context()->save(&error)) {
@@ -251,8 +256,11 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
         putAwayWhatCameTooLate();
     }
     if (!operation->toLookAtAgain().isEmpty()) {
-        QTimer::singleShot(untilEditsAreSaved, this,
-                           [this, again = operation->toLookAtAgain()] { syncWatchedFolders(again, false, false); });
+        QTimer::singleShot(untilEditsAreSaved, this, [this, again = operation->toLookAtAgain()] {
+            QList<ZQObjectID> followed = again; // still, after that time
+            followed.removeIf([this](const ZQObjectID &folder) { return !isFollowed(folder); });
+            syncWatchedFolders(followed, false, false);
+        });
     }
     m_running.reset();
     m_statusTimer.stop();
@@ -314,7 +322,7 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
             if (isStopped(id)) {
                 concernsRun = true;
             } else {
-                rest.insert(id, {everythingBelow, false});
+                rest.insert(id, {everythingBelow, m_running->isForced()});
             }
         }
     };
@@ -373,6 +381,13 @@ AddedLiveFolders LiveFolderManager::addNewWatchFolderFromPaths(const QStringList
     return result;
 }
 
+bool LiveFolderManager::isFollowed(const ZQObjectID &id) const
+{
+    ZQManagedObjectContext *const store = context();
+    const auto folder = store ? zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id)) : nullptr;
+    return folder && folder->active() && folder->isFollowed();
+}
+
 void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders)
 {
     ZQManagedObjectContext *const store = context();
@@ -381,11 +396,9 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
     }
     QList<ZQObjectID> left;
     for (const ZQObjectID &id : folders) {
-        const auto folder = zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id));
-        const bool isWanted =
-            folder && folder->active() && (folder->is_enabled() || folder->is_missing() || folder->is_trashed());
-        if (!isWanted) {
+        if (!isFollowed(id)) {
             left.append(id);
+            m_left.insert(id.key);
         }
     }
     stopSyncingWatchedFolders(left);
@@ -432,9 +445,10 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
     }
     status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
     status.reason = m_reasons.value(folder.key);
-    if (status.reason.isEmpty() && row->is_trashed()) {
+    const auto standing = row->standing();
+    if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Trashed) {
         status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");
-    } else if (status.reason.isEmpty() && row->is_missing()) {
+    } else if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Missing) {
         status.reason = zqLocalized("Its folder cannot be found. Connect the drive it is on, or put the folder back.");
     } else if (status.reason.isEmpty() && m_watching) {
         status.reason = m_watching->reasonFor(row->folderPath());

@@ -9,11 +9,10 @@
 
 #include <QHash>
 #include <QObject>
-#include <QPointer>
+#include <QSet>
 #include <QTimer>
 
 #include <memory>
-#include <optional>
 
 // Keeps live folders in step with the disk: has them watched, and synchronised one run after another. What is asked for
 // while a run goes on becomes one run together. Main thread.
@@ -58,6 +57,7 @@ private:
     void folderDidChange(const QString &path, bool everythingBelow);
     void entryDidMove(const QString &from, const QString &to);
     bool isRunningFor(const ZQObjectID &folder) const;
+    bool isFollowed(const ZQObjectID &id) const; // or was removed, or disabled
     void postStatus(const ZQObjectID &folder);
     static bool isBelow(const ZQRef<ZQSidebarWatchedFolder> &folder, const QList<ZQObjectID> &folders);
 
@@ -66,6 +66,7 @@ private:
     bool m_wasStopped = false; // the running one, to leave out some of its folders
     QHash<ZQObjectID, Wanted> m_wanted;
     QHash<qint64, QString> m_reasons; // by folder
+    QSet<qint64> m_left;              // that were removed or disabled since the last run began
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;
     std::shared_ptr<LiveFolderRecords> m_records;

@@ -60,6 +60,24 @@ void LiveFolderRecords::forget(qint64 rootKey)
     m_records.erase(rootKey);
 }
 
+void LiveFolderRecords::keep(qint64 rootKey, const Kept &kept)
+{
+    Kept &all = m_kept[rootKey];
+    all.what = kept.what;
+    all.reason = kept.reason;
+    all.folders += kept.folders;
+}
+
+bool LiveFolderRecords::endKept(qint64 rootKey, qint64 folderKey)
+{
+    const auto kept = m_kept.find(rootKey);
+    if (kept == m_kept.end() || !kept->folders.remove(folderKey) || !kept->folders.isEmpty()) {
+        return false;
+    }
+    m_kept.erase(kept);
+    return true;
+}
+
 bool LiveFolderRecords::endRefusal(qint64 folderKey)
 {
     const auto folder = m_refused.constFind(folderKey);

@@ -5,7 +5,6 @@
 #include <QSet>
 #include <QString>
 
-#include <memory>
 #include <unordered_map>
 
 // The records of all roots of the open library, in its bundle, and what the person decided while it is open. One
@@ -26,8 +25,18 @@ public:
 
     // Items whose files are gone and that the person wants to keep are not asked about again while this lives, unless
     // others join them.
-    bool isKept(qint64 folderKey, size_t what) const { return m_kept.value(folderKey) == what; }
-    void keep(qint64 folderKey, size_t what) { m_kept.insert(folderKey, what); }
+    struct Kept
+    {
+        size_t what = 0;      // which ones
+        QSet<qint64> folders; // that held them
+        QString reason;       // that the root shows as long; localized
+    };
+    bool isKept(qint64 rootKey, size_t what) const { return m_kept.value(rootKey).what == what; }
+    void keep(qint64 rootKey, const Kept &kept);
+    QString keptReason(qint64 rootKey) const { return m_kept.value(rootKey).reason; } // empty for none
+    // The folder misses nothing any more; whether that was the last one of its root.
+    bool endKept(qint64 rootKey, qint64 folderKey);
+    void forgetKept(qint64 rootKey) { m_kept.remove(rootKey); }
     void forgetKept() { m_kept.clear(); }
 
     // A folder of the root could not be brought in step.
@@ -42,6 +51,6 @@ private:
     const QString m_folder;
     const QByteArray m_store;
     std::unordered_map<qint64, LiveFolderRecord> m_records;
-    QHash<qint64, size_t> m_kept;
+    QHash<qint64, Kept> m_kept; // by root
     QHash<qint64, qint64> m_refused;
 };

@@ -69,15 +69,14 @@ LiveFolderRecord *RootFolders::open(const ZQRef<ZQSidebarWatchedFolder> &root)
         return *known;
     }
     m_opened.insert(key, nullptr);
-    const bool wasAway = root->is_missing() || root->is_trashed();
-    if (!wasAway && !root->is_enabled()) {
+    if (!root->isFollowed()) {
         return nullptr;
     }
     LiveFolderRecord &record = recordFor(root);
     if (!isAtItsPlace(*root, record)) {
         return nullptr;
     }
-    if (wasAway) {
+    if (root->isOutOfReach()) {
         bringBack(*root);
     }
     m_opened.insert(key, &record);
@@ -103,7 +102,9 @@ void RootFolders::putAside(ZQSidebarWatchedFolder &folder, const QString &reason
     if (!folder.is_missing() || folder.is_enabled()) {
         qCInfo(zqLogFiles).noquote() << "The live folder" << folder.folderPath() << "is put aside:" << reason;
         folder.setIs_missing(true);
+        folder.setIs_trashed(false);
         folder.deactivateFolder();
+        m_run.records.forgetKept(folder.objectID().key); // only what is there comes back
     }
 }
 
@@ -226,7 +227,7 @@ bool RootFolders::isWhatStoreKnows(const ZQSidebarWatchedFolder &folder, const F
     }
     for (const ZQRef<ZQLibraryBaseItem> &item : folder.watchedItems()) {
         const auto file = zqFileOfPersistentURL(item->itemURLData());
-        if (file && (item->active() || folder.is_missing() || folder.is_trashed())) {
+        if (file && (item->active() || folder.isOutOfReach())) {
             count(file->path);
         }
     }
@@ -238,9 +239,11 @@ bool RootFolders::follow(ZQSidebarWatchedFolder &root, LiveFolderRecord &record,
     if (isInTrash(path)) {
         m_run.reasons.insert(root.objectID().key,
                              zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder."));
-        if (!root.is_trashed()) {
+        if (!root.is_trashed() || root.is_missing()) {
             root.setIs_trashed(true);
+            root.setIs_missing(false);
             root.deactivateFolder();
+            m_run.records.forgetKept(root.objectID().key);
         }
         return false;
     }
@@ -295,7 +298,7 @@ void RootFolders::move(LiveFolderRecord &from, qint64 key, LiveFolderRecord &to,
         }
     }
     to.move(key, path, father);
-    const bool wasAway = row->is_missing() || row->is_trashed();
+    const bool wasAway = row->isOutOfReach();
     newFather->appendChild(row.get());
     row->setIs_root(false);
     renewRows(key, to);

@@ -11,7 +11,6 @@
 #include <QHash>
 #include <QSet>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>

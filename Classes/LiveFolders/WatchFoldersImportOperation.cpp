@@ -122,7 +122,7 @@ void WatchFoldersImportOperation::tellRefusal(SyncRun &run, FolderTreeSync &tree
             run.records.keepRefused(root.key(), root.value());
             run.reasons.insert(root.value(), run.refusal);
         } else if (run.isWanted() && run.records.endRefusal(root.key()) && !run.reasons.contains(root.value())) {
-            run.reasons.insert(root.value(), QString());
+            run.reasons.insert(root.value(), run.records.keptReason(root.value()));
         }
     }
 }
@@ -143,7 +143,7 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
             }
             run.changedRoots.insert(changed.record->rootKey());
             if (!run.reasons.contains(changed.key)) {
-                run.reasons.insert(changed.key, QString());
+                run.reasons.insert(changed.key, run.records.keptReason(changed.key));
             }
         }
     }

@@ -9,7 +9,6 @@
 
 #include <QList>
 
-#include <functional>
 #include <memory>
 
 class ImportOwner;
@@ -39,7 +38,8 @@ public:
     WatchFoldersImportOperation(const QList<ZQObjectID> &watchedFoldersIDs, bool shouldTraversSubFolders,
                                 const Uses &uses);
 
-    void setForced(bool forced) { m_isForced = forced; }                          // before the start
+    void setForced(bool forced) { m_isForced = forced; } // before the start
+    bool isForced() const { return m_isForced; }
     void setAlsoLookedAt(const QList<ZQObjectID> &folders) { m_alone = folders; } // without what is below; the same
 
     const QList<ZQObjectID> &watchedFoldersIDs() const { return m_watchedFoldersIDs; }

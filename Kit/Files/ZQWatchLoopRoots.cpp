@@ -3,7 +3,6 @@
 #include "Kit/Files/ZQWatchLoop.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
 using Kind = ZQWatchNews::Kind;

@@ -9,6 +9,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 const QString syncDateAttribute = QStringLiteral("com.apple.metadata:kMDItemOMUserTagTime");
@@ -89,6 +91,24 @@ ZQSidebarWatchedFolder::subfolderChildsItemsWithSortDescriptors(const QList<ZQSo
         result.projectsCounts.append(folderItems.size());
     }
     return result;
+}
+
+ZQSidebarWatchedFolder::Standing ZQSidebarWatchedFolder::standing() const
+{
+    const auto own = [](const ZQSidebarWatchedFolder &folder) {
+        return folder.is_missing()   ? Standing::Missing
+               : folder.is_trashed() ? Standing::Trashed
+               : folder.is_enabled() ? Standing::Followed
+                                     : Standing::Off;
+    };
+    Standing standing = own(*this);
+    QSet<qint64> seen = {objectID().key}; // a damaged tree may be a circle
+    for (auto above = zqCast<ZQSidebarWatchedFolder>(father()); above && !seen.contains(above->objectID().key);
+         above = zqCast<ZQSidebarWatchedFolder>(above->father())) {
+        seen.insert(above->objectID().key);
+        standing = std::max(standing, own(*above));
+    }
+    return standing;
 }
 
 QString ZQSidebarWatchedFolder::folderURL() const

@@ -31,6 +31,17 @@ public:
                                             const QList<ZQRef<ZQSidebarBaseItem>> &andSubFolders,
                                             ZQManagedObjectContext &inManagedObjectContext);
 
+    // Where several hold, as for one that is off, on a drive that went, it is the greatest.
+    enum class Standing {
+        Followed,
+        Off, // by a person
+        Trashed,
+        Missing,
+    };
+    Standing standing() const; // what holds for it, through those above it too
+    bool isOutOfReach() const { return standing() >= Standing::Trashed; }
+    // Looked at, or looked for.
+    bool isFollowed() const { return standing() != Standing::Off; }
     // Where the folder is now; empty when it is not found.
     QString folderURL() const;
     // Renews the stored reference, the path and the title.
