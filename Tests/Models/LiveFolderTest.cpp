@@ -58,6 +58,31 @@ QStringList titles(const QList<ZQRef<T>> &found)
 
 } // namespace
 
+TEST_F(LiveFolder, StandsAsThoseAboveItLetIt)
+{
+    using enum ZQSidebarWatchedFolder::Standing;
+    struct Case
+    {
+        const char *flags; // of each folder, from the root: enabled, missing, trashed
+        ZQSidebarWatchedFolder::Standing sub, deep;
+    };
+    const Case cases[] = {
+        {"E E E", Followed, Followed}, {"E - E", Off, Off},          {"- E E", Off, Off},
+        {"M - -", Missing, Missing},   {"T - -", Trashed, Trashed},  {"E M -", Missing, Missing},
+        {"T M -", Missing, Missing},   {"MT - -", Missing, Missing}, {"E E -", Followed, Off},
+    };
+    for (const Case &each : cases) {
+        const QStringList flags = QString::fromLatin1(each.flags).split(u' ');
+        for (qsizetype i = 0; i < folders.size(); ++i) {
+            folders[i]->setIs_enabled(flags[i].contains(u'E'));
+            folders[i]->setIs_missing(flags[i].contains(u'M'));
+            folders[i]->setIs_trashed(flags[i].contains(u'T'));
+        }
+        EXPECT_EQ(folders[1]->standing(), each.sub) << each.flags;
+        EXPECT_EQ(folders[2]->standing(), each.deep) << each.flags;
+    }
+}
+
 TEST_F(LiveFolder, IsFoundByWhatItIsAndOnlyWhileItIsActive)
 {
     using Folder = ZQSidebarWatchedFolder;

@@ -71,7 +71,8 @@ void fillLiveFolders(PreferencesPane &pane)
 {
     pane.addHeading(zqLocalized("DISKS THAT TELL OF NO CHANGES"));
     pane.addNote(zqLocalized(
-        "Folders on a network, for example, are looked at in intervals. A clock marks them in the sidebar."));
+        "Folders on a network, for example, are looked at in intervals, and a clock marks them in the sidebar. That "
+        "shows which files came and went; files that changed within are seen every hour."));
     constexpr int aDay = 24 * 60;
     pane.addNumber(QStringLiteral("LiveFolderSweepMinutes"), zqLocalized("&Look again after"),
                    {1, aDay, 1, zqLocalized(" min")});

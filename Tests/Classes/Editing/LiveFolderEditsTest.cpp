@@ -166,6 +166,31 @@ TEST_F(LiveFolderEditsTest, ARestoredFileTakesNobodysName)
     EXPECT_EQ(a->itemURL(), one->folderPath() + QStringLiteral("/a 1.jpg"));
 }
 
+TEST_F(LiveFolderEditsTest, WhatIsRefusedSaysWhatHoldsForTheFoldersAbove)
+{
+    const Folder sub = liveFolder(QStringLiteral("sub"), one);
+    const auto deleted = liveItem(sub, QStringLiteral("d.jpg"));
+    commands.deleteItems(ids({deleted}));
+    const QString file = outside(QStringLiteral("new.jpg"), "new");
+    for (const bool isMissing : {false, true}) {
+        SCOPED_TRACE(isMissing);
+        one->setIs_missing(isMissing);
+        one->deactivateFolder();
+        library.context().save();
+        user.errors.clear();
+        edits.copyFiles({file}, sub->objectID());
+        finish();
+        EXPECT_EQ(onlyError().contains(QStringLiteral("Enable")), !isMissing) << qPrintable(onlyError());
+        EXPECT_TRUE(manager.synced.isEmpty());
+    }
+    user.errors.clear();
+    commands.restoreItems(std::make_shared<QList<ZQObjectID>>(ids({deleted})));
+    finish();
+    for (const auto &error : std::as_const(user.errors)) {
+        EXPECT_FALSE(error.localizedDescription().contains(QStringLiteral("Enable")));
+    }
+}
+
 TEST_F(LiveFolderEditsTest, ReadOnlyPlacesAreSaidAndNothingIsHalfDone)
 {
     const ScratchMount mount(library.path(QStringLiteral("locked")));
