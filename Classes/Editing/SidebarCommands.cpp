@@ -303,7 +303,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
         SidebarRemoval rows;
         std::shared_ptr<QList<ZQObjectID>> items; // of the content
     };
-    const auto done = std::make_shared<Done>(Done{SidebarRemoval(m_edits, ids, m_edits.liveFolderManager), {}});
+    const auto done = std::make_shared<Done>(Done{SidebarRemoval(m_edits, ids), {}});
     EditContext &edits = m_edits;
     const auto redo = [&edits, contentIDs, done] {
         done->items = std::make_shared<QList<ZQObjectID>>();

@@ -69,8 +69,8 @@ void SidebarActivation::save()
     } else {
         ItemEdits(m_edits).saveAndRewriteFiles(m_tagged);
     }
-    if (m_manager && !m_liveFolders.isEmpty()) {
-        m_manager->watchedFoldersDidChange(m_liveFolders);
+    if (m_edits.liveFolderManager && !m_liveFolders.isEmpty()) {
+        m_edits.liveFolderManager->watchedFoldersDidChange(m_liveFolders);
     }
 }
 
@@ -88,7 +88,7 @@ void SidebarRemoval::remove()
 {
     m_places.clear();
     m_deleted.clear();
-    SidebarActivation activation(m_edits, m_manager);
+    SidebarActivation activation(m_edits);
     for (auto id = m_rows.crbegin(); id != m_rows.crend(); ++id) {
         const Item item = m_edits.sidebarItem(*id);
         if (!item || !item->active()) {
@@ -110,7 +110,7 @@ void SidebarRemoval::remove()
 
 void SidebarRemoval::putBack()
 {
-    SidebarActivation activation(m_edits, m_manager);
+    SidebarActivation activation(m_edits);
     for (auto id = m_deleted.crbegin(); id != m_deleted.crend(); ++id) {
         if (const Item item = m_edits.sidebarItem(*id)) {
             activation.restore(item);
