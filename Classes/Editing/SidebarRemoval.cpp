@@ -3,6 +3,7 @@
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Editing/EditStep.h"
 #include "Classes/Editing/ItemEdits.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <algorithm>
 #include <utility>
@@ -56,8 +57,7 @@ void SidebarActivation::restore(const Item &row)
 // Those below go with it.
 void SidebarActivation::addLiveFolder(const Item &row)
 {
-    const Item father = row->isWatchedFolder() ? row->father() : Item();
-    if (row->isWatchedFolder() && (!father || !father->isWatchedFolder())) {
+    if (row->isWatchedFolder() && !zqIsSubFolder(*row)) {
         m_liveFolders.append(row->objectID());
     }
 }

@@ -101,7 +101,7 @@ void LiveFolderActions::addToMenu(QMenu &menu)
 LiveFolderActions::Folders LiveFolderActions::roots() const
 {
     Folders folders = m_selected();
-    folders.removeIf([](const auto &item) { return item->father() && item->father()->isWatchedFolder(); });
+    folders.removeIf([](const auto &item) { return zqIsSubFolder(*item); });
     return folders;
 }
 
