@@ -195,7 +195,9 @@ int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context)
     for (const QString &path : paths) {
         absolute.append(QDir::cleanPath(context.absolutePath(path)));
     }
-    const AddedLiveFolders result = manager->addNewWatchFolderFromPaths(absolute, ZQSidebarBaseItem::appendIndex);
+    CommandEdits edits(context);
+    const AddedLiveFolders result =
+        SidebarCommands(edits.context()).addWatchedFolders(absolute, ZQSidebarBaseItem::appendIndex);
     for (const ZQObjectID &folder : result.alreadyThere) {
         manager->syncWatchedFolder(folder, false);
     }
@@ -218,19 +220,13 @@ int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
                                      {folder->folderPath()}));
     }
     const ZQObjectID id = folder->objectID();
-    LiveFolderManaging *const manager = context.delegate->liveFolderManager();
-    if (manager) {
+    if (LiveFolderManaging *const manager = context.delegate->liveFolderManager()) {
         manager->stopSyncingWatchedFolders({id});
         zqWaitForLiveFolders(*manager, {id}, context);
     }
     CommandEdits edits(context);
     SidebarCommands(edits.context()).deleteListItems({edits.context().sidebarItem(id)});
-    const int status =
-        edits.finish(1, "1 live folder removed; its folder stays on the disk", "%d live folders removed");
-    if (manager) {
-        manager->watchedFoldersDidChange({id});
-    }
-    return status;
+    return edits.finish(1, "1 live folder removed; its folder stays on the disk", "%d live folders removed");
 }
 
 int zqRunSyncLiveFolders(const QString &reference, CommandContext &context)

@@ -1,6 +1,7 @@
 #include "Classes/Editing/ArrivedFiles.h"
 
 #include "Classes/Editing/FileProblems.h"
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
 #include "Kit/Files/ZQTrash.h"
@@ -80,15 +81,9 @@ QString ArrivedFiles::move(const QString &from, const QString &folder, const QSt
     return to;
 }
 
-bool ArrivedFiles::flush() const
+bool ArrivedFiles::flush(ZQError *error) const
 {
-    ZQError error;
-    if (m_copied.isEmpty() || zqSyncFileSystem(m_copied.last().to, &error)) { // all went to one folder
-        return true;
-    }
-    qCWarning(zqLogFiles, "the copies of files may not be on the disk: %s",
-              qUtf8Printable(error.localizedDescription()));
-    return false;
+    return m_copied.isEmpty() || zqSyncFileSystem(m_copied.last().to, error); // all went to one folder
 }
 
 void ArrivedFiles::takeBack()
@@ -111,11 +106,15 @@ void ArrivedFiles::removeSources(FileProblems &problems)
             continue;
         }
         ZQError error;
-        if (ZQTreeState::of(copied.from) != copied.state) {
-            error = ZQError::with(
-                ZQError::posixDomain, EBUSY,
-                zqFormat(zqLocalized("“%@” was changed while it was moved, so it stays, too."), {copied.from}));
-        } else {
+        const auto now = ZQTreeState::of(copied.from, &error);
+        if (!now && !QFileInfo::exists(copied.from)) {
+            continue; // somebody did it before
+        }
+        if (now && *now != copied.state) {
+            error = zqExplainedFileError(EBUSY, zqFormat(zqLocalized("“%@” was changed while it was moved. Compare "
+                                                                     "both, and delete the one you do not need."),
+                                                         {copied.from}));
+        } else if (now) {
             ZQTrash::recycle(copied.from, nullptr, &error);
         }
         if (!error.isNull()) {
@@ -123,4 +122,20 @@ void ArrivedFiles::removeSources(FileProblems &problems)
         }
     }
     m_copied.clear();
+}
+
+void ArrivedFiles::keepSources(const ZQError &why, FileProblems &problems) const
+{
+    for (const Copied &copied : m_copied) {
+        if (!copied.from.isEmpty()) {
+            problems.add(QFileInfo(copied.from).fileName(), why);
+        }
+    }
+}
+
+void ArrivedFiles::addCopies(const ZQError &error, FileProblems &problems) const
+{
+    for (const Copied &copied : m_copied) {
+        problems.add(QFileInfo(copied.to).fileName(), error);
+    }
 }

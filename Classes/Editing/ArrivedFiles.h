@@ -25,12 +25,15 @@ public:
     QString copy(const QString &from, const QString &folder, const QString &name, ZQError *error);
     ZQOwnMoves &renamed() { return m_renamed; } // by others than these, for the same batch
 
-    // Before the store names them. False, logged, when they may not be on the disk.
-    bool flush() const;
+    // Before the store names them. False, with an error, when the copies may not be on the disk.
+    bool flush(ZQError *error) const;
     // The store does not know of them.
     void takeBack();
     // The store knows: what had to be copied to be moved goes to the trash at its old place, unless it changed since.
     void removeSources(FileProblems &problems);
+    // Or it stays, for that reason.
+    void keepSources(const ZQError &why, FileProblems &problems) const;
+    void addCopies(const ZQError &error, FileProblems &problems) const; // also of what was not moved
 
 private:
     struct Copied

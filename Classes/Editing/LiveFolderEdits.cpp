@@ -7,6 +7,7 @@
 #include "Classes/Editing/FileProblems.h"
 #include "Classes/Editing/ItemDeletion.h"
 #include "Classes/Editing/LiveFolderPlace.h"
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
@@ -73,8 +74,7 @@ public:
             }
             return save() && !stops();
         });
-        m_problems.tell(m_run, "“%@” cannot be put into the live folder.",
-                        "%d items cannot be put into the live folder.");
+        tell("“%@” cannot be put into the live folder.", "%d items cannot be put into the live folder.");
     }
 
     void takeBack()
@@ -98,7 +98,7 @@ public:
             return !stops();
         });
         m_transfer.arrived = todo + kept;
-        m_problems.tell(m_run, "“%@” cannot be moved back.", "%d items cannot be moved back.");
+        tell("“%@” cannot be moved back.", "%d items cannot be moved back.");
     }
 
 private:
@@ -109,7 +109,18 @@ private:
         std::optional<qint64> copyOf;
     };
 
-    bool stops() const { return m_problems.endChange() || m_run.isCancelled(); }
+    bool stops() const
+    {
+        return m_problems.endChange() || m_unsafe.endChange() || m_left.endChange() || m_run.isCancelled();
+    }
+    void tell(const char *one, const char *several) const
+    {
+        m_problems.tell(m_run, one, several);
+        m_unsafe.tell(m_run, "“%@” was copied, but may not be safe on the disk. Its original stays where it was.",
+                      "%d files were copied, but may not be safe on the disk. Their originals stay where they were.");
+        m_left.tell(m_run, "“%@” was copied, but its original stays where it was.",
+                    "%d files were copied, but their originals stay where they were.");
+    }
     void begin()
     {
         m_files = ArrivedFiles([this] { return m_run.isCancelled(); });
@@ -118,13 +129,21 @@ private:
     // A person's file goes from its old place only once the store says where it is.
     bool save()
     {
-        const bool isOnDisk = m_files.flush();
+        ZQError error;
+        const bool isOnDisk = m_files.flush(&error);
         if (!m_run.save()) {
             m_files.takeBack();
             return false;
         }
-        if (isOnDisk && !m_run.context().hasChanges()) { // else they are kept to be saved with what comes
-            m_files.removeSources(m_problems);
+        if (!isOnDisk) {
+            m_files.addCopies(error, m_unsafe);
+        } else if (m_run.context().hasChanges()) { // which are kept to be saved with what comes
+            m_files.keepSources(
+                zqExplainedFileError(EAGAIN, zqLocalized("The library could not be saved yet. Delete the "
+                                                         "original once it is, if you do not need it.")),
+                m_left);
+        } else {
+            m_files.removeSources(m_left);
         }
         for (const Change &change : std::as_const(m_changes)) {
             const ZQObjectID id = change.item->objectID();
@@ -212,6 +231,8 @@ private:
     EditRun &m_run;
     Transfer &m_transfer;
     FileProblems m_problems;
+    FileProblems m_unsafe; // copied, and not known to be on the disk
+    FileProblems m_left;   // copied, and the person's file is where it was, too
     ArrivedFiles m_files;
     QList<Change> m_changes;
 };

@@ -13,6 +13,7 @@
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
 #include "Models/DataModel/ZQSidebarTag.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <algorithm>
 #include <memory>
@@ -42,13 +43,6 @@ SidebarCommands::Items topmost(const SidebarCommands::Items &items)
         }
     }
     return result;
-}
-
-// A folder below a live folder.
-bool isWhereItIsOnDisk(const SidebarCommands::Item &item)
-{
-    const SidebarCommands::Item father = item->father();
-    return item->isWatchedFolder() && father && father->isWatchedFolder();
 }
 
 struct Confirmation
@@ -303,7 +297,7 @@ void SidebarCommands::pushDeletion(const QString &text, const Items &items,
         SidebarRemoval rows;
         std::shared_ptr<QList<ZQObjectID>> items; // of the content
     };
-    const auto done = std::make_shared<Done>(Done{SidebarRemoval(m_edits, ids, m_edits.liveFolderManager), {}});
+    const auto done = std::make_shared<Done>(Done{SidebarRemoval(m_edits, ids), {}});
     EditContext &edits = m_edits;
     const auto redo = [&edits, contentIDs, done] {
         done->items = std::make_shared<QList<ZQObjectID>>();
@@ -375,7 +369,7 @@ void SidebarCommands::moveListItems(const Items &items, const Items &onFathers, 
 {
     QList<Place> targets;
     for (qsizetype i = 0; i < std::min({items.size(), onFathers.size(), atIndexes.size()}); ++i) {
-        if (isWhereItIsOnDisk(items[i])) {
+        if (zqIsSubFolder(*items[i])) {
             m_edits.user.showNotificationWithText(
                 zqFormat(zqLocalized("“%@” stays where it is on the disk. Move the folder there."),
                          {items[i]->title()}),

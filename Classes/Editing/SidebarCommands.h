@@ -33,11 +33,12 @@ public:
     static QString nameOfSearch(const QString &text);   // what a smart folder is called that gets no other name
     void setSearchText(const Item &smartFolder, const QString &searchText);
 
-    // Live folders of these directories, from position `atIndex` of LIVE FOLDERS on. A step of those that were added.
-    AddedLiveFolders addWatchedFolders(const QStringList &paths, quint32 atIndex, LiveFolderManaging &manager);
+    // Live folders of these directories, from position `atIndex` of LIVE FOLDERS on. A step of those that were added;
+    // all are refused where nobody keeps live folders.
+    AddedLiveFolders addWatchedFolders(const QStringList &paths, quint32 atIndex);
     // Whether they are looked at, and their items shown; of what is among `folders` the live folders that stand
     // otherwise.
-    void setWatchedFoldersEnabled(const Items &folders, bool enabled, LiveFolderManaging &manager);
+    void setWatchedFoldersEnabled(const Items &folders, bool enabled);
 
     // Ask, unless told not to; false when the person declined.
     bool deleteSidebarItem(const Items &items);

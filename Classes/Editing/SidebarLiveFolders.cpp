@@ -25,8 +25,8 @@ Folder liveFolder(const EditContext &edits, const ZQObjectID &id)
 class Enabling
 {
 public:
-    Enabling(EditContext &edits, IDs folders, bool enabled, LiveFolderManaging &manager)
-        : m_edits(edits), m_manager(manager), m_folders(std::move(folders)), m_isEnabled(enabled)
+    Enabling(EditContext &edits, IDs folders, bool enabled)
+        : m_edits(edits), m_folders(std::move(folders)), m_isEnabled(enabled)
     {
     }
     bool isAnythingToDo() const { return !m_folders.isEmpty(); }
@@ -66,11 +66,12 @@ private:
     void save() const
     {
         m_edits.save();
-        m_manager.watchedFoldersDidChange(m_folders);
+        if (m_edits.liveFolderManager) {
+            m_edits.liveFolderManager->watchedFoldersDidChange(m_folders);
+        }
     }
 
     EditContext &m_edits;
-    LiveFolderManaging &m_manager;
     IDs m_folders;
     IDs m_asNow;
     bool m_isEnabled;
@@ -78,16 +79,22 @@ private:
 
 } // namespace
 
-AddedLiveFolders SidebarCommands::addWatchedFolders(const QStringList &paths, quint32 atIndex,
-                                                    LiveFolderManaging &manager)
+AddedLiveFolders SidebarCommands::addWatchedFolders(const QStringList &paths, quint32 atIndex)
 {
-    AddedLiveFolders result = manager.addNewWatchFolderFromPaths(paths, atIndex);
+    AddedLiveFolders result;
+    if (!m_edits.liveFolderManager) {
+        for (const QString &path : paths) {
+            result.refused.append({path, zqLocalized("Live folders are not kept in step here.")});
+        }
+        return result;
+    }
+    result = m_edits.liveFolderManager->addNewWatchFolderFromPaths(paths, atIndex);
     if (result.added.isEmpty()) {
         return result;
     }
     const Item first = m_edits.sidebarItem(result.added.first());
     const QString text = result.added.size() == 1 && first ? first->title() : zqLocalized("add live folders");
-    const auto rows = std::make_shared<SidebarRemoval>(m_edits, result.added, &manager);
+    const auto rows = std::make_shared<SidebarRemoval>(m_edits, result.added);
     const auto isFirst = std::make_shared<bool>(true);
     zqPushBlocks(
         m_edits, text,
@@ -100,7 +107,7 @@ AddedLiveFolders SidebarCommands::addWatchedFolders(const QStringList &paths, qu
     return result;
 }
 
-void SidebarCommands::setWatchedFoldersEnabled(const Items &folders, bool enabled, LiveFolderManaging &manager)
+void SidebarCommands::setWatchedFoldersEnabled(const Items &folders, bool enabled)
 {
     IDs ids;
     QString title;
@@ -111,7 +118,7 @@ void SidebarCommands::setWatchedFoldersEnabled(const Items &folders, bool enable
             title = folder->title();
         }
     }
-    const auto enabling = std::make_shared<Enabling>(m_edits, ids, enabled, manager);
+    const auto enabling = std::make_shared<Enabling>(m_edits, ids, enabled);
     if (!enabling->isAnythingToDo()) {
         return;
     }

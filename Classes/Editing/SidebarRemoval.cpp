@@ -3,6 +3,7 @@
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Editing/EditStep.h"
 #include "Classes/Editing/ItemEdits.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <algorithm>
 #include <utility>
@@ -56,8 +57,7 @@ void SidebarActivation::restore(const Item &row)
 // Those below go with it.
 void SidebarActivation::addLiveFolder(const Item &row)
 {
-    const Item father = row->isWatchedFolder() ? row->father() : Item();
-    if (row->isWatchedFolder() && (!father || !father->isWatchedFolder())) {
+    if (row->isWatchedFolder() && !zqIsSubFolder(*row)) {
         m_liveFolders.append(row->objectID());
     }
 }
@@ -69,8 +69,8 @@ void SidebarActivation::save()
     } else {
         ItemEdits(m_edits).saveAndRewriteFiles(m_tagged);
     }
-    if (m_manager && !m_liveFolders.isEmpty()) {
-        m_manager->watchedFoldersDidChange(m_liveFolders);
+    if (m_edits.liveFolderManager && !m_liveFolders.isEmpty()) {
+        m_edits.liveFolderManager->watchedFoldersDidChange(m_liveFolders);
     }
 }
 
@@ -88,7 +88,7 @@ void SidebarRemoval::remove()
 {
     m_places.clear();
     m_deleted.clear();
-    SidebarActivation activation(m_edits, m_manager);
+    SidebarActivation activation(m_edits);
     for (auto id = m_rows.crbegin(); id != m_rows.crend(); ++id) {
         const Item item = m_edits.sidebarItem(*id);
         if (!item || !item->active()) {
@@ -110,7 +110,7 @@ void SidebarRemoval::remove()
 
 void SidebarRemoval::putBack()
 {
-    SidebarActivation activation(m_edits, m_manager);
+    SidebarActivation activation(m_edits);
     for (auto id = m_deleted.crbegin(); id != m_deleted.crend(); ++id) {
         if (const Item item = m_edits.sidebarItem(*id)) {
             activation.restore(item);

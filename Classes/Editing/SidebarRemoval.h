@@ -21,8 +21,7 @@ struct SidebarPlace
 class SidebarActivation
 {
 public:
-    explicit SidebarActivation(EditContext &edits) : SidebarActivation(edits, edits.liveFolderManager) {}
-    SidebarActivation(EditContext &edits, LiveFolderManaging *manager) : m_edits(edits), m_manager(manager) {}
+    explicit SidebarActivation(EditContext &edits) : m_edits(edits) {}
     void remove(const ZQRef<ZQSidebarBaseItem> &row);
     void restore(const ZQRef<ZQSidebarBaseItem> &row);
     void save();
@@ -32,7 +31,6 @@ private:
     void addLiveFolder(const ZQRef<ZQSidebarBaseItem> &row);
 
     EditContext &m_edits;
-    LiveFolderManaging *m_manager; // null: nobody
     QList<ZQObjectID> m_tagged;
     QSet<ZQObjectID> m_known;
     QList<ZQObjectID> m_liveFolders;
@@ -42,17 +40,13 @@ private:
 class SidebarRemoval
 {
 public:
-    SidebarRemoval(EditContext &edits, QList<ZQObjectID> rows, LiveFolderManaging *manager)
-        : m_edits(edits), m_manager(manager), m_rows(std::move(rows))
-    {
-    }
+    SidebarRemoval(EditContext &edits, QList<ZQObjectID> rows) : m_edits(edits), m_rows(std::move(rows)) {}
 
     void remove();  // those that are there
     void putBack(); // what it removed; says so to who wants to see it
 
 private:
     EditContext &m_edits;
-    LiveFolderManaging *m_manager;
     QList<ZQObjectID> m_rows;
     QList<SidebarPlace> m_places;
     QList<ZQObjectID> m_deleted; // those below too

@@ -235,7 +235,8 @@ void PendingImportFile::removeRemains(const QString &folder)
     }
 }
 
-PendingImportFile::PendingImportFile(const QString &folder, const QString &name) : m_folder(folder), m_name(name)
+PendingImportFile::PendingImportFile(const QString &folder, const QString &name, PendingImport request)
+    : m_folder(folder), m_name(name), m_request(std::move(request))
 {
     Active &current = active();
     const ZQLockGuard lock(current.mutex);
@@ -255,9 +256,8 @@ std::shared_ptr<PendingImportFile> PendingImportFile::create(const QString &fold
     zqMakeFolder(folder);
     const QString name = QStringLiteral("%1-%2").arg(QString::number(QDateTime::currentMSecsSinceEpoch()),
                                                      QUuid::createUuid().toString(QUuid::WithoutBraces));
-    std::shared_ptr<PendingImportFile> file(new PendingImportFile(folder, name));
-    file->m_request = request;
-    return file->write(error) ? file : nullptr;
+    std::shared_ptr<PendingImportFile> file(new PendingImportFile(folder, name, request));
+    return file->setRequest(request, error) ? file : nullptr;
 }
 
 std::shared_ptr<PendingImportFile> PendingImportFile::open(const QString &folder, const QString &name, ZQError *error)
@@ -274,15 +274,19 @@ std::shared_ptr<PendingImportFile> PendingImportFile::open(const QString &folder
                                         zqLocalized("Import the missing files again, and remove that file.")));
         return nullptr;
     }
-    std::shared_ptr<PendingImportFile> file(new PendingImportFile(folder, name));
-    file->m_request = requestFrom(map);
-    return file;
+    return std::shared_ptr<PendingImportFile>(new PendingImportFile(folder, name, requestFrom(map)));
 }
 
 bool PendingImportFile::write(ZQError *error)
 {
     const auto data = ZQPropertyList::toBinary(valuesOf(m_request), error);
     return data && zqWriteFileAtomically(requestPath(m_folder, m_name), *data, error);
+}
+
+PendingImport PendingImportFile::request() const
+{
+    const ZQLockGuard lock(m_writing);
+    return m_request;
 }
 
 bool PendingImportFile::setRequest(const PendingImport &request, ZQError *error)
@@ -301,12 +305,12 @@ bool PendingImportFile::setRequest(const PendingImport &request, ZQError *error)
 
 bool PendingImportFile::moveArchive(const QString &root, const QString &folder, ZQError *error)
 {
-    PendingImport moved = m_request;
+    PendingImport moved = request();
+    const QString before = std::exchange(moved.archiveRoot, root);
     moved.paths = {folder};
-    moved.archiveRoot = root;
     for (PendingImport::Group &group : moved.groups) {
         for (QString &file : group.files) {
-            file = pathBelow(root, placeBelow(m_request.archiveRoot, file));
+            file = pathBelow(root, placeBelow(before, file));
         }
     }
     return setRequest(moved, error);
@@ -314,13 +318,14 @@ bool PendingImportFile::moveArchive(const QString &root, const QString &folder, 
 
 bool PendingImportFile::addSources(const QList<Source> &sources, ZQError *error)
 {
+    const ZQLockGuard lock(m_writing);
     QByteArray lines;
     for (const Source &source : sources) {
         const QJsonArray line{source.bundleID, placeBelow(m_request.archiveRoot, source.path),
                               placeBelow(m_request.archiveRoot, source.movedPath), source.movedModification};
         lines += QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
     }
-    if (lines.isEmpty()) {
+    if (lines.isEmpty() || m_isRemoved) {
         return true;
     }
     QFile file(sourcesPath(m_folder, m_name));
@@ -345,6 +350,7 @@ std::optional<QList<PendingImportFile::Source>> PendingImportFile::sources(ZQErr
     if (!isAnythingAt(file.fileName())) {
         return sources; // nothing was about to be saved yet
     }
+    const QString root = request().archiveRoot;
     QString reason;
     if (!openRegular(file, O_RDONLY, QIODevice::ReadOnly, sourcesLimit, &reason)) {
         zqSetError(error, ZQError::with(QStringLiteral("zelto.import"), 6,
@@ -357,8 +363,8 @@ std::optional<QList<PendingImportFile::Source>> PendingImportFile::sources(ZQErr
         const QByteArray line = file.readLine(lineLimit);
         const QJsonArray values = QJsonDocument::fromJson(line).array(); // empty for a line that was cut off
         if (values.size() == 4) {
-            sources.append({values.at(0).toString(), pathBelow(m_request.archiveRoot, values.at(1).toString()),
-                            pathBelow(m_request.archiveRoot, values.at(2).toString()), values.at(3).toInteger()});
+            sources.append({values.at(0).toString(), pathBelow(root, values.at(1).toString()),
+                            pathBelow(root, values.at(2).toString()), values.at(3).toInteger()});
         }
     }
     return sources;

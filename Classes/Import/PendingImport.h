@@ -36,7 +36,7 @@ struct PendingImport
 
 // A PendingImport in a file of the bundle, from before the first file is touched until the batch ends; a batch that a
 // killed process leaves can go on from it. Beside it a list of what the batch was about to save: a source is in the
-// library when the store has the item named there. Any thread, one at a time.
+// library when the store has the item named there. Any thread, one at a time; `remove` at any moment.
 class PendingImportFile
 {
 public:
@@ -76,7 +76,7 @@ public:
     PendingImportFile(const PendingImportFile &) = delete;
     PendingImportFile &operator=(const PendingImportFile &) = delete;
 
-    const PendingImport &request() const { return m_request; }
+    PendingImport request() const;
     // On failure the earlier one stays.
     bool setRequest(const PendingImport &request, ZQError *error = nullptr);
     // The archive was unpacked again: its root, and what is imported of it, are elsewhere now.
@@ -84,7 +84,7 @@ public:
     // Only this is left to do; none of the sources is in it.
     bool narrow(const PendingImport &rest, ZQError *error = nullptr);
     // Before the save that names them, which must not go ahead without. Reaches the disk with the file system's next
-    // flush.
+    // flush. Nothing is written, and that is no failure, once it was removed: a request that is gone goes on nowhere.
     bool addSources(const QList<Source> &sources, ZQError *error = nullptr);
     // Another process goes on with it: what is made from here on may be its own again.
     void noteGoingOn();
@@ -93,12 +93,12 @@ public:
     void remove();
 
 private:
-    PendingImportFile(const QString &folder, const QString &name);
-    bool write(ZQError *error);
+    PendingImportFile(const QString &folder, const QString &name, PendingImport request);
+    bool write(ZQError *error) ZQ_REQUIRES(m_writing);
 
     const QString m_folder;
     const QString m_name;
-    PendingImport m_request;
-    ZQMutex m_writing; // the request is written, or removed
+    mutable ZQMutex m_writing; // its files are written, or removed
+    PendingImport m_request ZQ_GUARDED_BY(m_writing);
     bool m_isRemoved ZQ_GUARDED_BY(m_writing) = false;
 };

@@ -260,7 +260,7 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name,
         return nullptr;
     }
     pending->noteGoingOn();
-    const PendingImport &request = pending->request();
+    const PendingImport request = pending->request();
     const ZQObjectID target = targetOf(request, *application().managedObjectContext());
     const bool isOfArchive = !request.archiveRoot.isEmpty();
     if (isOfArchive && QFileInfo(request.archiveRoot).isDir() && !request.paths.isEmpty()) {
@@ -289,7 +289,7 @@ std::shared_ptr<ImportOperation> PendingImports::resumeArchive(const UnfoldedArc
         qCWarning(zqLogImport).noquote() << "An import does not go on:" << error.localizedDescription();
         return nullptr;
     }
-    const PendingImport &request = pending->request();
+    const PendingImport request = pending->request();
     return queue({.paths = request.paths,
                   .target = targetOf(request, *application().managedObjectContext()),
                   .index = request.index,

@@ -49,6 +49,11 @@ QString zqAdviceForFileError(const ZQError &error)
     return advice ? zqLocalized(advice->text) : error.localizedDescription();
 }
 
+ZQError zqExplainedFileError(int code, const QString &sentence)
+{
+    return ZQError::with(QStringLiteral("zelto.files"), code, sentence);
+}
+
 bool zqIsErrorOfPlace(const ZQError &error)
 {
     const Advice *const advice = adviceFor(error);

@@ -1,6 +1,7 @@
 #include "Kit/Files/ZQFileCopy.h"
 
 #include "Kit/Files/ZQDigest.h"
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -135,8 +136,12 @@ std::optional<ZQCopyResult> readUnchanged(int source, const QByteArray &path, co
             return result;
         }
     }
-    fail(request.error, EBUSY, "“%@” changed while it was being copied. Close it in other programs and try again.",
-         path);
+    zqSetError(
+        request.error,
+        zqExplainedFileError(
+            EBUSY,
+            zqFormat(zqLocalized("“%@” changed while it was being copied. Close it in other programs and try again."),
+                     {QFile::decodeName(path)})));
     return std::nullopt;
 }
 

@@ -1,5 +1,6 @@
 #include "Kit/Files/ZQFreeName.h"
 
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -47,7 +48,9 @@ QString zqUnderFreeName(const QString &folder, const QString &name,
             return {};
         }
     }
-    zqSetError(error, ZQError::with(ZQError::posixDomain, EEXIST,
-                                    zqFormat(zqLocalized("“%@” holds too many files named “%@”."), {folder, name})));
+    zqSetError(error,
+               zqExplainedFileError(
+                   EEXIST, zqFormat(zqLocalized("“%@” holds too many files named “%@”. Rename it, and try again."),
+                                    {folder, name})));
     return {};
 }

@@ -1,5 +1,6 @@
 #include "Kit/Files/ZQTrash.h"
 
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
 #include "Kit/Files/ZQOwnMove.h"
@@ -197,9 +198,9 @@ bool moveToTrash(const QString &path, const Trash &trash, QString *trashedPath, 
         return outcome == Outcome::Done;
     }
     zqSetError(error,
-               ZQError::with(ZQError::posixDomain, EEXIST,
-                             zqFormat(zqLocalized("The trash holds too many files named “%@”. Empty it and try again."),
-                                      {base})));
+               zqExplainedFileError(
+                   EEXIST, zqFormat(zqLocalized("The trash holds too many files named “%@”. Empty it and try again."),
+                                    {base})));
     return false;
 }
 

@@ -1,5 +1,6 @@
 #include "Kit/Files/ZQVerifiedCopy.h"
 
+#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -55,8 +56,7 @@ bool addEntries(const QByteArray &root, const QByteArray &below, ZQTreeState &st
 
 ZQError changedError(const QString &path)
 {
-    return ZQError::with(ZQError::posixDomain, EBUSY,
-                         zqFormat(zqLocalized("“%@” was changed meanwhile. Try again."), {path}));
+    return zqExplainedFileError(EBUSY, zqFormat(zqLocalized("“%@” was changed meanwhile. Try again."), {path}));
 }
 
 QString below(const QString &path, const QByteArray &entry)

@@ -276,3 +276,9 @@ void ZQSidebarWatchedFolder::removeItems(const QList<ZQRef<ZQLibraryBaseItem>> &
         }
     }
 }
+
+bool zqIsSubFolder(const ZQSidebarBaseItem &item)
+{
+    const auto father = item.isWatchedFolder() ? item.father() : ZQRef<ZQSidebarBaseItem>();
+    return father && father->isWatchedFolder();
+}

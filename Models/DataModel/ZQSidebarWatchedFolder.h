@@ -79,3 +79,6 @@ public:
 private:
     void setItemsActive(bool activeItems);
 };
+
+// A folder below a live folder, which is there because the disk has it.
+bool zqIsSubFolder(const ZQSidebarBaseItem &item);

@@ -445,8 +445,7 @@ bool BrowserContent::isFolderSyncing() const
 bool BrowserContent::isFolderOff() const
 {
     const auto single = singleItem();
-    const auto father = single ? single->father() : ZQRef<ZQSidebarBaseItem>();
-    return m_window.liveFolders && m_folderKind == LiveFolderStates::Kind::Off && father && !father->isWatchedFolder();
+    return m_window.liveFolders && m_folderKind == LiveFolderStates::Kind::Off && single && !zqIsSubFolder(*single);
 }
 
 bool BrowserContent::isOf(const QList<ZQObjectID> &liveFolders) const

@@ -1,12 +1,11 @@
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 
+#include "Classes/Interface/Sidebar/LiveFolderActions.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
-#include <QUrl>
 
 namespace {
 
@@ -29,10 +28,8 @@ LivePlace::LivePlace(QWidget *parent) : QToolButton(parent)
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    connect(this, &QToolButton::clicked, this, [this] {
-        const QString folder = m_isFolder ? m_path : QFileInfo(m_path).absolutePath();
-        QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
-    });
+    connect(this, &QToolButton::clicked, this,
+            [this] { LiveFolderActions::reveal(m_isFolder ? m_path : QFileInfo(m_path).absolutePath()); });
     hide();
 }
 

@@ -101,7 +101,7 @@ void LiveFolderActions::addToMenu(QMenu &menu)
 LiveFolderActions::Folders LiveFolderActions::roots() const
 {
     Folders folders = m_selected();
-    folders.removeIf([](const auto &item) { return item->father() && item->father()->isWatchedFolder(); });
+    folders.removeIf([](const auto &item) { return zqIsSubFolder(*item); });
     return folders;
 }
 
@@ -163,7 +163,7 @@ void LiveFolderActions::stop()
 void LiveFolderActions::setEnabled(const Folders &folders, bool enabled)
 {
     if (isThere()) {
-        SidebarCommands(m_window).setWatchedFoldersEnabled(folders, enabled, manager());
+        SidebarCommands(m_window).setWatchedFoldersEnabled(folders, enabled);
     }
 }
 
@@ -194,7 +194,7 @@ void LiveFolderActions::newWatchedFolderItemFromDropFiles(const QStringList &pat
     if (!isThere() || paths.isEmpty()) {
         return;
     }
-    const AddedLiveFolders result = SidebarCommands(m_window).addWatchedFolders(paths, atIndex, manager());
+    const AddedLiveFolders result = SidebarCommands(m_window).addWatchedFolders(paths, atIndex);
     const QList<ZQObjectID> rows = result.added.isEmpty() ? result.alreadyThere : result.added;
     if (!rows.isEmpty()) {
         Q_EMIT rowsToSelect(rows);

@@ -9,6 +9,7 @@
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QBoxLayout>
 #include <QContextMenuEvent>
@@ -392,8 +393,7 @@ SidebarCommands::Items ProjectsSidebarViewController::deletableItems(bool withCo
 {
     SidebarCommands::Items items = selectedObjects();
     items.removeIf([withContent](const auto &item) {
-        return item->isFixed() || SidebarTreeModel::isSubFolder(*item) ||
-               (withContent && !item->isProject() && !item->isFolder());
+        return item->isFixed() || zqIsSubFolder(*item) || (withContent && !item->isProject() && !item->isFolder());
     });
     return items;
 }
@@ -488,8 +488,7 @@ void ProjectsSidebarViewController::addWhatChangesSelection(QMenu &menu)
 
 bool ProjectsSidebarViewController::tellOfSubFolders(const SidebarCommands::Items &items) const
 {
-    const auto found =
-        std::find_if(items.begin(), items.end(), [](const auto &item) { return SidebarTreeModel::isSubFolder(*item); });
+    const auto found = std::find_if(items.begin(), items.end(), [](const auto &item) { return zqIsSubFolder(*item); });
     if (found == items.end()) {
         return false;
     }

@@ -234,12 +234,6 @@ void SidebarTreeModel::liveFoldersDidChange(const QList<ZQObjectID> &folders)
     }
 }
 
-bool SidebarTreeModel::isSubFolder(const ZQSidebarBaseItem &item)
-{
-    const auto father = item.isWatchedFolder() ? item.father() : ZQRef<ZQSidebarBaseItem>();
-    return father && father->isWatchedFolder();
-}
-
 QModelIndexList SidebarTreeModel::syncingRows() const
 {
     QModelIndexList rows;
@@ -450,7 +444,7 @@ QVariant SidebarTreeModel::liveFolderData(const ZQSidebarWatchedFolder &folder, 
     const LiveFolderStates *const states = m_window.liveFolders;
     const LiveFolderStatus status = states ? states->statusOf(folder.objectID()) : LiveFolderStatus();
     const Kind kind = LiveFolderStates::kindOf(folder, status);
-    const bool isBelow = isSubFolder(folder); // what holds for the whole stands beside its root
+    const bool isBelow = zqIsSubFolder(folder); // what holds for the whole stands beside its root
     switch (role) {
     case Qt::ToolTipRole: {
         QStringList lines = {folder.folderPath(), LiveFolderStates::explanation(kind, status)};
@@ -497,7 +491,7 @@ Qt::ItemFlags SidebarTreeModel::flags(const QModelIndex &index) const
     }
     const bool isFixed = item->isSpecial() || item->kind() != 0;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (!isFixed && !isSubFolder(*item)) { // the disk says where that is
+    if (!isFixed && !zqIsSubFolder(*item)) { // the disk says where that is
         flags |= Qt::ItemIsDragEnabled;
     }
     if (!isFixed && !item->isWatchedFolder()) {

@@ -46,7 +46,6 @@ public:
     QModelIndex indexOf(const ZQObjectID &item) const; // reads the way to it
     QModelIndex indexOfKind(ZQSidebarKind kind) const;
     static bool isSortedByTitle(const ZQSidebarBaseItem &label); // TAGS, as the person chose it
-    static bool isSubFolder(const ZQSidebarBaseItem &item); // of a live folder, which is there because the disk has it
     QModelIndexList syncingRows() const;                    // of those that were read
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;

@@ -6,8 +6,27 @@
 #include "Tests/Support/ScratchMount.h"
 #include "Tests/Support/Skip.h"
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <functional>
 #include <optional>
+
+namespace {
+
+std::function<bool()> duringFlush; // answers whether the disk does it
+
+} // namespace
+
+extern "C" int syncfs(int file) noexcept
+{
+    if (duringFlush && !duringFlush()) {
+        errno = EIO;
+        return -1;
+    }
+    return int(::syscall(SYS_syncfs, file));
+}
 
 class LiveFolderEditsTest : public LiveEditFixture
 {
@@ -292,6 +311,54 @@ TEST_F(LiveFolderEditsTest, BetweenDisksAFileIsCopiedAndItsOldOneIsInTheTrash)
     }
     ASSERT_EQ(found.size(), 1) << "in that disk's trash";
     EXPECT_TRUE(found.first().contains(QStringLiteral("/.Trash")));
+}
+
+TEST_F(LiveFolderEditsTest, WhatStaysBehindBetweenDisksIsExplained)
+{
+    const ScratchMount mount(library.path(QStringLiteral("disk")));
+    if (!mount.isMounted()) {
+        return skipWithout("the right to mount a file system");
+    }
+    const Folder disk = liveFolder(QStringLiteral("disk"));
+    const QString here = one->folderPath() + QStringLiteral("/a.jpg");
+    struct Case
+    {
+        const char *name;
+        std::function<bool()> duringFlush;
+        bool stays;
+        QStringList told;
+    };
+    const Case cases[] = {
+        {"changed by another program",
+         [&] { return !put(here, "changed meanwhile").isEmpty(); },
+         true,
+         {"“a.jpg” was copied, but its original stays", "was changed while it was moved", "Compare both"}},
+        {"deleted by another program", [&] { return QFile::remove(here); }, false, {}},
+        {"a disk that does not write",
+         [] { return false; },
+         true,
+         {"“a.jpg” was copied, but may not be safe on the disk", "Check the disk"}},
+    };
+    for (const Case &each : cases) {
+        SCOPED_TRACE(each.name);
+        put(here, "a.jpg");
+        duringFlush = each.duringFlush;
+        commands.addItems(ids({a}), disk->objectID(), 0);
+        finish();
+        duringFlush = {};
+        EXPECT_EQ(a->watchingFolder(), disk);
+        EXPECT_EQ(QFile::exists(here), each.stays);
+        EXPECT_TRUE(trash().isEmpty());
+        ASSERT_EQ(user.errors.size(), each.told.isEmpty() ? 0 : 1);
+        for (const QString &text : each.told) {
+            EXPECT_TRUE(onlyError().contains(text)) << qPrintable(onlyError());
+        }
+        user.errors.clear();
+        QFile::remove(here);
+        undo();
+        ASSERT_EQ(a->watchingFolder(), one);
+        user.errors.clear();
+    }
 }
 
 TEST_F(LiveFolderEditsTest, NothingGoesBackToAFolderThatIsAway)

@@ -49,7 +49,7 @@ TEST_F(LiveFolderRowsTest, AddingIsAStepOfThoseThatWereAdded)
 {
     QDir().mkpath(library.path(QStringLiteral("three")));
     const QStringList paths{library.path(QStringLiteral("three")), library.path(QStringLiteral("nothing"))};
-    const AddedLiveFolders result = commands.addWatchedFolders(paths, 1, manager);
+    const AddedLiveFolders result = commands.addWatchedFolders(paths, 1);
     EXPECT_EQ(result.refused.size(), 1);
     EXPECT_EQ(titles(label), (QStringList{"one", "three", "two"}));
     EXPECT_EQ(undoStack.undoText(), QStringLiteral("three"));
@@ -67,22 +67,22 @@ TEST_F(LiveFolderRowsTest, AddingIsAStepOfThoseThatWereAdded)
     EXPECT_TRUE(three->active() && below->active() && item->active());
     EXPECT_EQ(manager.changed, QList<ZQObjectID>{three->objectID()});
     undoStack.clear();
-    commands.addWatchedFolders(paths.mid(1), 0, manager);
+    commands.addWatchedFolders(paths.mid(1), 0);
     EXPECT_EQ(undoStack.count(), 0) << "nothing came";
 }
 
 TEST_F(LiveFolderRowsTest, DisablingAndEnablingAreTakenBackToWhatWasBefore)
 {
-    commands.setWatchedFoldersEnabled({deep}, false, manager);
+    commands.setWatchedFoldersEnabled({deep}, false);
     EXPECT_EQ(activity(), QStringLiteral("AEI AEI Aei"));
     LibraryCommands(editing).deleteItems({items[1]->objectID()}); // by a person: no folder brings it back
-    commands.setWatchedFoldersEnabled({one, deep, projects}, false, manager);
+    commands.setWatchedFoldersEnabled({one, deep, projects}, false);
     EXPECT_EQ(undoStack.undoText(), QStringLiteral("disable one"));
     EXPECT_EQ(activity(), QStringLiteral("Aei Aei Aei"));
     undo();
     EXPECT_EQ(activity(), QStringLiteral("AEI AEi Aei")) << "deep was off before";
     redo();
-    commands.setWatchedFoldersEnabled({one}, true, manager);
+    commands.setWatchedFoldersEnabled({one}, true);
     EXPECT_EQ(undoStack.undoText(), QStringLiteral("enable one"));
     EXPECT_EQ(activity(), QStringLiteral("AEI AEi AEI"));
     undo();
@@ -95,7 +95,7 @@ TEST_F(LiveFolderRowsTest, DisablingAndEnablingAreTakenBackToWhatWasBefore)
     EXPECT_EQ(activity(), QStringLiteral("AEI AEI AEI"));
     EXPECT_EQ(filesOnDisk(), files);
     one->setIs_missing(true);
-    commands.setWatchedFoldersEnabled({one}, false, manager);
+    commands.setWatchedFoldersEnabled({one}, false);
     EXPECT_EQ(undoStack.index(), 0) << "it comes back by itself";
 }
 
@@ -107,7 +107,7 @@ TEST_F(LiveFolderRowsTest, RemovingAsksInItsWordsAndLeavesTheDiskAlone)
         EXPECT_EQ(question.buttons, (QStringList{"Remove", "Cancel"}));
         return 0;
     };
-    commands.setWatchedFoldersEnabled({deep}, false, manager);
+    commands.setWatchedFoldersEnabled({deep}, false);
     manager.changed.clear();
     ASSERT_TRUE(commands.deleteSidebarItem({one}));
     EXPECT_EQ(activity(), QStringLiteral("aEi aEi aei"));

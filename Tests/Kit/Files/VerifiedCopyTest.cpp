@@ -113,6 +113,7 @@ TEST_F(VerifiedCopy, TakesThePlaceOfWhatItCopied)
     file(QStringLiteral("from/newcomer"), "n");
     EXPECT_FALSE(copy->removeSource(&error));
     EXPECT_EQ(error.code, EBUSY);
+    EXPECT_EQ(zqAdviceForFileError(error), error.localizedDescription()) << "not that a program uses it";
     EXPECT_EQ(namesBelow(path(QStringLiteral("from"))).size(), before.size() + 1) << "nothing went";
     QFile::remove(path(QStringLiteral("from/newcomer")));
     EXPECT_TRUE(copy->removeSource());
