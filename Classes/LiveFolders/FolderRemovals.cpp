@@ -1,14 +1,10 @@
 #include "Classes/LiveFolders/FolderRemovals.h"
 
-#include "Classes/Application/UserInteraction.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
-#include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
-
-#include <chrono>
 
 #include <sys/stat.h>
 
@@ -25,14 +21,6 @@ bool isInFolder(const ZQLibraryBaseItem &item, const QByteArray &folder)
     return file && path.startsWith(folder + '/') && ::lstat(path.constData(), &status) == 0 &&
            status.st_ino == file->inode;
 }
-
-struct Answer
-{
-    ZQMutex mutex;
-    ZQCondition given;
-    bool isGiven ZQ_GUARDED_BY(mutex) = false;
-    bool removes ZQ_GUARDED_BY(mutex) = false;
-};
 
 } // namespace
 
@@ -144,8 +132,12 @@ bool FolderRemovals::mayRemove(const OfRoot &gone)
         return true;
     }
     const qint64 key = gone.record->rootKey();
-    if (!m_run.records.isKept(key, gone.what) && ask(gone)) {
+    if (m_run.records.takeAllowed(key, gone.what)) {
         return true;
+    }
+    if (!m_run.records.isKept(key, gone.what)) {
+        const ZQRef<ZQSidebarWatchedFolder> root = m_run.folder(key);
+        m_run.questions.append({m_run.folderID(key), gone.what, gone.count, root ? root->title() : QString()});
     }
     if (m_run.isWanted()) {
         QSet<qint64> lacking;
@@ -166,35 +158,6 @@ bool FolderRemovals::mayRemove(const OfRoot &gone)
         m_run.reasons.insert(key, reason);
     }
     return false;
-}
-
-// The thread waits for the answer and not for the main thread: quitting, which cancels the operation, may come first.
-bool FolderRemovals::ask(const OfRoot &gone)
-{
-    const ZQRef<ZQSidebarWatchedFolder> root = m_run.folder(gone.record->rootKey());
-    const UserQuestion question{
-        zqFormat(zqLocalized("%d files of the live folder “%@” are gone"),
-                 {gone.count, root ? root->title() : QString()}),
-        zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the library, "
-                    "they leave their projects too. If a drive is not connected, keep them: they are there again when "
-                    "it is."),
-        {zqLocalized("Remove from Library"), zqLocalized("Keep")},
-        {},
-        true};
-    const auto answer = std::make_shared<Answer>();
-    zqOnMainThread([answer, question, &user = m_run.user] {
-        const bool removes = user.ask(question) == 0;
-        const ZQLockGuard lock(answer->mutex);
-        answer->isGiven = true;
-        answer->removes = removes;
-        answer->given.notifyAll();
-    });
-    constexpr std::chrono::milliseconds step(50);
-    const ZQLockGuard lock(answer->mutex);
-    while (!answer->isGiven && m_run.isWanted()) {
-        answer->given.waitFor(answer->mutex, step);
-    }
-    return answer->isGiven && answer->removes && m_run.isWanted();
 }
 
 void FolderRemovals::removeFolder(LiveFolderRecord &record, qint64 key)

@@ -7,8 +7,8 @@
 #include <vector>
 
 // What a run found gone leaves the library: items become inactive, so that they come back as they were when their files
-// do, and sub-folders leave the sidebar. Where that is much of a live folder at once, the person is asked first, and
-// without an answer everything stays. No file is touched.
+// do, and sub-folders leave the sidebar. Where that is much of a live folder at once, the person is asked after the
+// run, and until they say otherwise everything stays. No file is touched.
 class FolderRemovals
 {
 public:
@@ -37,7 +37,6 @@ private:
     void endWhatIsKept(FolderTreeSync &tree);
     void endKept(qint64 rootKey, qint64 folderKey);
     bool mayRemove(const OfRoot &gone);
-    bool ask(const OfRoot &gone);
     void removeFolder(LiveFolderRecord &record, qint64 key);
     QList<qint64> withAllBelow(const LiveFolderRecord &record, qint64 key) const;
 

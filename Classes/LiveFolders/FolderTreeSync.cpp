@@ -80,7 +80,7 @@ void FolderTreeSync::look(const Look &look)
         const QString reason =
             zqFormat(zqLocalized("It cannot be read: %@. What the library has of it stays as it is."),
                      {QString::fromLocal8Bit(std::strerror(listing.error))});
-        qCInfo(zqLogFiles).noquote() << QFile::decodeName(known->path) << reason;
+        qCInfo(zqLogFiles).noquote() << QFile::decodeName(known->path) + u':' << reason;
         m_run.reasons.insert(look.key, reason);
         look.record->folder(look.key)->isKnown = false; // so that it is looked at anew when it can be
         return;
@@ -130,8 +130,7 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
         folder.isMissing || isEmptied || isKnownByStoreAlone ? m_run.folder(look.key) : nullptr;
     const bool isEmptiedByLibrary =
         isEmptied && !isOtherFileSystem && row && RootFolders::isWhatStoreKnows(*row, listing);
-    const bool isAway =
-        (isEmptied && !isEmptiedByLibrary) || (place == FolderPlace::Another && isOtherFileSystem);
+    const bool isAway = (isEmptied && !isEmptiedByLibrary) || (place == FolderPlace::Another && isOtherFileSystem);
     const bool isUnlikeReference = isKnownByStoreAlone && listing.entries.isEmpty() && row &&
                                    !zqPersistentURLIsAt(row->folderURLSecureData(), QFile::decodeName(folder.path));
     if (isAway || isUnlikeReference) {

@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 #include <QPointer>
 
 #include <algorithm>
@@ -212,6 +213,9 @@ void LiveFolderManager::start()
     for (const qint64 root : std::exchange(m_left, {})) {
         records()->forgetKept(root);
     }
+    for (const SyncQuestion &allowed : std::exchange(m_allowed, {})) {
+        records()->allowRemoval(allowed.root.key, allowed.what);
+    }
     auto &delegate = *tamberin_AppDelegate::sharedDelegate();
     // So that the run sees what the window does; not what is being typed, since a title renames a file.
     if (ZQError error; !context()->save(&error)) {
@@ -221,7 +225,6 @@ void LiveFolderManager::start()
         whole, true,
         WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
                                           .records = records(),
-                                          .user = delegate.userInteraction(),
                                           .owner = AImportManager::sharedAImportManager(),
                                           .syncQueue = &m_syncOperationQueue,
                                           .sender = static_cast<LiveFolderManaging *>(this)});
@@ -269,6 +272,43 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     start();
     for (const ZQObjectID &folder : folders) {
         postStatus(folder);
+    }
+    for (const SyncQuestion &question : operation->questions()) {
+        m_questions.removeIf([&question](const SyncQuestion &other) { return other.root == question.root; });
+        m_questions.append(question);
+    }
+    askAboutRemovals();
+}
+
+// Meanwhile the disk is followed, and what is asked about stays.
+void LiveFolderManager::askAboutRemovals()
+{
+    if (m_isAsking) {
+        return;
+    }
+    m_isAsking = true;
+    const QPointer manager(this);
+    while (manager && !m_questions.isEmpty() && !tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
+        const SyncQuestion question = m_questions.takeFirst();
+        const int answer = tamberin_AppDelegate::sharedDelegate()->userInteraction().ask(
+            {zqFormat(zqLocalized("%@ files of the live folder “%@” are gone"),
+                      {QLocale().toString(question.count), question.title}),
+             zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the "
+                         "library, they leave their projects too. If a drive is not connected, keep them: they are "
+                         "there again when it is."),
+             {zqLocalized("Keep"), zqLocalized("Remove from Library"), zqLocalized("Ask Again Later")},
+             {},
+             false});
+        if (manager && answer == 1) {
+            m_allowed.append(question);
+            syncWatchedFolder(question.root, true);
+        } else if (manager && answer != 0) {
+            m_left.insert(question.root.key);
+        }
+    }
+    if (manager) {
+        m_questions.clear();
+        m_isAsking = false;
     }
 }
 

@@ -51,6 +51,7 @@ private:
     void noteFolderAtPath(const QString &path, bool everythingBelow);
     void start();
     void putAwayWhatCameTooLate();
+    void askAboutRemovals();
     void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
     std::shared_ptr<LiveFolderRecords> records();
     void watchRoots();
@@ -67,6 +68,9 @@ private:
     QHash<ZQObjectID, Wanted> m_wanted;
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
+    QList<SyncQuestion> m_questions;
+    QList<SyncQuestion> m_allowed; // for the next run
+    bool m_isAsking = false;
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;
     std::shared_ptr<LiveFolderRecords> m_records;

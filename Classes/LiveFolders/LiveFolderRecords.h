@@ -31,6 +31,8 @@ public:
         QSet<qint64> folders; // that held them
         QString reason;       // that the root shows as long; localized
     };
+    void allowRemoval(qint64 rootKey, size_t what) { m_allowed.insert(rootKey, what); } // these may go
+    bool takeAllowed(qint64 rootKey, size_t what) { return m_allowed.remove(rootKey, what) > 0; }
     bool isKept(qint64 rootKey, size_t what) const { return m_kept.value(rootKey).what == what; }
     void keep(qint64 rootKey, const Kept &kept);
     QString keptReason(qint64 rootKey) const { return m_kept.value(rootKey).reason; } // empty for none
@@ -52,5 +54,6 @@ private:
     const QByteArray m_store;
     std::unordered_map<qint64, LiveFolderRecord> m_records;
     QHash<qint64, Kept> m_kept; // by root
+    QMultiHash<qint64, size_t> m_allowed;
     QHash<qint64, qint64> m_refused;
 };

@@ -15,8 +15,6 @@
 #include <optional>
 #include <utility>
 
-class UserInteraction;
-
 // How far a run is, for whoever shows it. Any thread.
 class SyncProgress
 {
@@ -47,11 +45,19 @@ private:
     State m_state ZQ_GUARDED_BY(m_mutex);
 };
 
+// Much that is gone from a root at once, and stays until the person says that it may go.
+struct SyncQuestion
+{
+    ZQObjectID root;
+    size_t what = 0; // which items
+    qsizetype count = 0;
+    QString title; // of the root
+};
+
 // What the parts of one synchronisation share. The operation's thread.
 struct SyncRun
 {
     ZQOperation &operation; // its cancel ends the run
-    UserInteraction &user;
     const ImportSettings settings;
     const std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
     LiveFolderRecords &records;
@@ -62,6 +68,7 @@ struct SyncRun
     QSet<qint64> changedRoots = {};                     // something below them is not as the store had it
     QHash<qint64, QList<QByteArray>> earlierPaths = {}; // of folders that moved in this run
     QHash<qint64, QString> reasons = {};                // why a folder is out of reach, or was left as it is; localized
+    QList<SyncQuestion> questions = {};                 // to be asked after the end
     QSet<qint64> toLookAtAgain = {};                    // folders in which an edit is at work
     bool didFail = false; // a save or a fetch did: what is pending is given up, and nothing further is begun
 

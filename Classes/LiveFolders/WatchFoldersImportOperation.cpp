@@ -40,7 +40,6 @@ void WatchFoldersImportOperation::main()
     const QList<ZQObjectID> all = m_watchedFoldersIDs + m_alone;
     if (m_uses.coordinator && m_uses.records && !isCancelled()) {
         SyncRun run{.operation = *this,
-                    .user = m_uses.user,
                     .settings = ImportSettings::current(),
                     .coordinator = m_uses.coordinator,
                     .records = *m_uses.records,
@@ -55,6 +54,7 @@ void WatchFoldersImportOperation::main()
         }
         syncFolders(run);
         m_reasons = run.reasons;
+        m_questions = run.questions;
         for (const qint64 key : std::as_const(run.toLookAtAgain)) {
             m_toLookAtAgain.append(run.folderID(key));
         }

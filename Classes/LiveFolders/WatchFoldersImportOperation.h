@@ -29,7 +29,6 @@ public:
     {
         std::shared_ptr<ZQPersistentStoreCoordinator> coordinator; // null: there is no store
         std::shared_ptr<LiveFolderRecords> records;
-        UserInteraction &user;
         ImportOwner &owner;          // merges what is saved
         ZQOperationQueue *syncQueue; // null: orphans are looked for in any case
         const void *sender;          // the notifications' object
@@ -48,6 +47,7 @@ public:
     // After the end: why folders are out of reach or were left as they are; an empty text: they are no longer.
     const QHash<qint64, QString> &reasons() const { return m_reasons; }
 
+    const QList<SyncQuestion> &questions() const { return m_questions; }
     // Folders in which an edit was at work.
     const QList<ZQObjectID> &toLookAtAgain() const { return m_toLookAtAgain; }
 
@@ -70,6 +70,7 @@ private:
     bool m_isForced = false;
     SyncProgress m_progress;
     QHash<qint64, QString> m_reasons;
+    QList<SyncQuestion> m_questions;
     QList<ZQObjectID> m_toLookAtAgain;
     ZQManagedObjectContext::Token m_saveObserver;
 };

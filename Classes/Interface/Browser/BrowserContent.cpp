@@ -486,6 +486,10 @@ QString BrowserContent::emptyFolderText() const
                                                               .isSwept = false,
                                                               .reason = {}});
     }
+    if (!folder->lastSyncDate().isValid()) {
+        return zqFormat(zqLocalized("“%@” waits for its turn to be looked through. What is found comes here."),
+                        {folder->title()});
+    }
     return zqFormat(zqLocalized("Nothing in “%@” can be shown yet.\nWhat is saved there comes here, or drop images."),
                     {path});
 }

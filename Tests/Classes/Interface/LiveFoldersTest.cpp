@@ -327,7 +327,10 @@ TEST_F(LiveFoldersTest, AnEmptyLiveFolderSaysWhyAndWhatToDo)
         }
         return shown.join(u'|');
     };
+    EXPECT_TRUE(text().contains(QStringLiteral("waits for its turn"))) << qPrintable(text());
+    live->setLastSyncDate(QDateTime::currentDateTimeUtc());
     EXPECT_TRUE(text().startsWith(QStringLiteral("Nothing in “%1” can be shown yet.").arg(live->folderPath())));
+    live->setLastSyncDate({});
     EXPECT_EQ(buttons(), QStringLiteral("Import…"));
     fake.start(*live);
     fake.setStatus(*live, {.isSyncing = true, .filesDone = 3, .filesTotal = 9, .isSwept = false, .reason = {}});

@@ -367,7 +367,9 @@ TEST_F(LiveFolderTest, AsksBeforeMuchIsRemovedAtOnce)
     sync();
     EXPECT_EQ(user.questions.size(), 1) << "once is enough";
 
-    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    user.answerQuestion = [](const UserQuestion &question) {
+        return int(question.buttons.indexOf(QStringLiteral("Remove from Library")));
+    };
     sync(true);
     EXPECT_EQ(user.questions.size(), 2);
     EXPECT_EQ(active(), 1);
@@ -406,7 +408,7 @@ TEST_F(LiveFolderTest, SaysThatFilesAreGoneUntilTheyAreBackOrRemoved)
     carry(many, aside);
     sync();
     EXPECT_EQ(user.questions.size(), 2) << "they were back meanwhile";
-    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    user.answerQuestion = [](const UserQuestion &) { return 1; }; // they may go
     manager->syncRootWatchedFoldersForceSync(true);
     manager->stopSyncingWatchedFolders({other}); // which leaves the rest as it was asked for
     wait();
