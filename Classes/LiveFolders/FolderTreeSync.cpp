@@ -130,8 +130,7 @@ bool FolderTreeSync::isStillItself(const Look &look, RecordedFolder &folder, con
         folder.isMissing || isEmptied || isKnownByStoreAlone ? m_run.folder(look.key) : nullptr;
     const bool isEmptiedByLibrary =
         isEmptied && !isOtherFileSystem && row && RootFolders::isWhatStoreKnows(*row, listing);
-    const bool isAway =
-        (isEmptied && !isEmptiedByLibrary) || (place == FolderPlace::Another && isOtherFileSystem);
+    const bool isAway = (isEmptied && !isEmptiedByLibrary) || (place == FolderPlace::Another && isOtherFileSystem);
     const bool isUnlikeReference = isKnownByStoreAlone && listing.entries.isEmpty() && row &&
                                    !zqPersistentURLIsAt(row->folderURLSecureData(), QFile::decodeName(folder.path));
     if (isAway || isUnlikeReference) {
