@@ -19,7 +19,7 @@ TEST_F(ResumeTest, ARequestThatWasTakenBackIsNotWrittenAnew)
     ASSERT_TRUE(made && pendingFiles().size() == 1);
     made->remove(); // cancelled, while an answer for the whole import is noted with its parts
     EXPECT_TRUE(made->setRequest(request({path(QStringLiteral("in/b.png"))})));
-    EXPECT_TRUE(made->addSources({{QStringLiteral("B"), path(QStringLiteral("in/b.png"))}}));
+    EXPECT_TRUE(made->addSources({{QStringLiteral("B"), path(QStringLiteral("in/b.png")), {}, 0}}));
     EXPECT_EQ(pendingFiles(), QStringList());
 }
 
