@@ -130,7 +130,7 @@ public:
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
     LiveFolderManaging *liveFolderManager() const; // null: none
-    UserInteraction &userInteraction() const; // any thread may ask for it
+    UserInteraction &userInteraction() const;      // any thread may ask for it
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -46,7 +46,7 @@ public:
     QModelIndex indexOf(const ZQObjectID &item) const; // reads the way to it
     QModelIndex indexOfKind(ZQSidebarKind kind) const;
     static bool isSortedByTitle(const ZQSidebarBaseItem &label); // TAGS, as the person chose it
-    QModelIndexList syncingRows() const;                    // of those that were read
+    QModelIndexList syncingRows() const;                         // of those that were read
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;

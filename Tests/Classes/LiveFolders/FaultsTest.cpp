@@ -265,3 +265,24 @@ TEST_F(LiveFolderTest, SaysWhyFilesAreMissingUntilTheyAreThere)
     EXPECT_EQ(manager->statusOfWatchedFolder(id).reason, QString());
     close();
 }
+
+TEST_F(LiveFolderTest, GoesOnAfterACancel)
+{
+    for (int i = 0; i < 40; ++i) {
+        writePicture(QStringLiteral("in/%1/%2.png").arg(i % 4).arg(i));
+    }
+    const QString root = path(QStringLiteral("in"));
+    const auto added = manager->addNewWatchFolderFromPaths({root}, 0).added;
+    ASSERT_EQ(added.size(), 1);
+    const auto hasBegun = [&] {
+        const LiveFolderStatus status = manager->statusOfWatchedFolder(added.first());
+        return status.filesDone > 3 || !status.isSyncing;
+    };
+    zqRunMainLoopUntil(hasBegun, std::chrono::milliseconds(1));
+    manager->stopSyncingWatchedFolders(added);
+    wait();
+    reopen();
+    sync();
+    expectInStep(root);
+    EXPECT_EQ(items().size(), 40);
+}
