@@ -213,6 +213,9 @@ void LiveFolderManager::start()
     for (const qint64 root : std::exchange(m_left, {})) {
         records()->forgetKept(root);
     }
+    for (const qint64 root : std::exchange(m_postponed, {})) {
+        records()->askAgain(root);
+    }
     for (const SyncQuestion &allowed : std::exchange(m_allowed, {})) {
         records()->allowRemoval(allowed.root.key, allowed.what);
     }
@@ -303,7 +306,7 @@ void LiveFolderManager::askAboutRemovals()
             m_allowed.append(question);
             syncWatchedFolder(question.root, true);
         } else if (manager && answer != 0) {
-            m_left.insert(question.root.key);
+            m_postponed.insert(question.root.key);
         }
     }
     if (manager) {

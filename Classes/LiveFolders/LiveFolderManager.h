@@ -69,7 +69,8 @@ private:
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
     QList<SyncQuestion> m_questions;
-    QList<SyncQuestion> m_allowed; // for the next run
+    QList<SyncQuestion> m_allowed; // by the next run, as what follows
+    QSet<qint64> m_postponed;      // roots whose question was put off
     bool m_isAsking = false;
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;

@@ -68,6 +68,13 @@ void LiveFolderRecords::keep(qint64 rootKey, const Kept &kept)
     all.folders += kept.folders;
 }
 
+void LiveFolderRecords::askAgain(qint64 rootKey)
+{
+    if (const auto kept = m_kept.find(rootKey); kept != m_kept.end()) {
+        kept->what = 0;
+    }
+}
+
 bool LiveFolderRecords::endKept(qint64 rootKey, qint64 folderKey)
 {
     const auto kept = m_kept.find(rootKey);

@@ -35,6 +35,7 @@ public:
     bool takeAllowed(qint64 rootKey, size_t what) { return m_allowed.remove(rootKey, what) > 0; }
     bool isKept(qint64 rootKey, size_t what) const { return m_kept.value(rootKey).what == what; }
     void keep(qint64 rootKey, const Kept &kept);
+    void askAgain(qint64 rootKey); // about what is kept, when it is found gone the next time
     QString keptReason(qint64 rootKey) const { return m_kept.value(rootKey).reason; } // empty for none
     // The folder misses nothing any more; whether that was the last one of its root.
     bool endKept(qint64 rootKey, qint64 folderKey);
