@@ -112,9 +112,18 @@ def judge(rooms, program, baseline, number, tests):
         if not part:
             continue
         limit = 20 + 6 * sum(baseline.seconds[test] for test in part)
-        status, _, _ = rooms.start(program, number, ":".join(part), limit)
-        if status is None:
+        if word := verdict(rooms, program, number, ":".join(part), limit):
+            return word
+    return None
+
+
+def verdict(rooms, program, number, filter_, limit):
+    """What hangs is run once more without the fault: a machine that is busy with something else gets more time."""
+    for _ in range(4):
+        status, _, _ = rooms.start(program, number, filter_, limit)
+        if status is not None:
+            return None if status == 0 else "crash" if status < 0 else "test"
+        if rooms.is_stopped or rooms.start(program, 0, filter_, limit)[0] is not None:
             return "hang"
-        if status != 0:
-            return "crash" if status < 0 else "test"
+        limit *= 3
     return None

@@ -2,9 +2,9 @@
 """Puts faults into the code, one at a time, and shows which ones no test notices.
 
 A copy of the sources below build/mutate gets all faults of the run at once, each behind a switch, and is built once. Then the
-test programs of the fault's folder run with one fault switched on: first those tests that come by its place, quick ones first;
-if none notices, the whole program, and the programs of the next folders up (Tests/Mutation/folders says which). A test program
-that fails, crashes or hangs has noticed. Faults of one file that do not compile are dropped. The working tree is not touched,
+test programs of the fault's folder run with one fault switched on: those tests that come by its place, quick ones first; all of
+them where only what stands around the tests comes by it; if none notices, the programs of the next folders up
+(Tests/Mutation/folders says which). A test program that fails, crashes or hangs has noticed. Faults of one file that do not compile are dropped. The working tree is not touched,
 and a test program can write only into a scratch folder of its own.
 
 Kinds of faults:
@@ -78,9 +78,9 @@ def changed_lines(source, revision):
 
 def chosen_files(names, texts, count, picks):
     """Files by weight of their lines, so that each line is as likely; not more than are of use."""
-    if count * 2 >= len(names):
+    if count >= len(names):
         return names
-    return sorted(set(picks.choices(names, [texts[name].count(b"\n") for name in names], k=count * 2)))
+    return sorted(set(picks.choices(names, [texts[name].count(b"\n") for name in names], k=count)))
 
 
 def choose(places, count, picks):
@@ -163,22 +163,21 @@ class Run:
                 if found.trouble:
                     print(f"{name} {found.trouble}", flush=True)
 
-    def judged(self, rooms, programs, number, names, everything):
-        """How the fault is noticed by the named programs: by tests that come by it or, with `everything`, by the others."""
+    def judged(self, rooms, programs, number, names):
+        """How the fault is noticed by the named programs: by tests that come by it or, where none does and the program comes by
+        it all the same, by all."""
         for name in names:
             baseline = self.baselines.get(name)
             if baseline and number in baseline.somewhere:
-                reaching = baseline.tests_reaching(number)
-                others = sorted(baseline.seconds.keys() - set(reaching), key=baseline.seconds.get)
-                tests = others if everything else reaching
+                tests = baseline.tests_reaching(number) or sorted(baseline.seconds, key=baseline.seconds.get)
                 if word := judge(rooms, programs[name], baseline, number, tests):
                     return word
         return None
 
-    def round(self, rooms, programs, faults, names_of, everything):
+    def round(self, rooms, programs, faults, names_of):
         """Leaves in `faults` those that nothing noticed."""
         def one(item):
-            return item[0], self.judged(rooms, programs, item[0], names_of(item[1].file), everything)
+            return item[0], self.judged(rooms, programs, item[0], names_of(item[1].file))
 
         with ThreadPoolExecutor(self.options.jobs) as pool:
             try:
@@ -201,13 +200,12 @@ class Run:
         try:
             programs = tree.programs()
             self.baseline(rooms, programs, own)
-            self.round(rooms, programs, faults, lambda name: self.tests_for(name)[0], False)
-            self.round(rooms, programs, faults, lambda name: self.tests_for(name)[0], True)
+            self.round(rooms, programs, faults, lambda name: self.tests_for(name)[0])
             if faults and further:
                 tree.make_programs(further)
                 programs = tree.programs()
                 self.baseline(rooms, programs, further)
-                self.round(rooms, programs, faults, lambda name: self.tests_for(name)[1], False)
+                self.round(rooms, programs, faults, lambda name: self.tests_for(name)[1])
         finally:
             rooms.close()
 
