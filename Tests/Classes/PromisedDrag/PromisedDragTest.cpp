@@ -121,7 +121,8 @@ TEST_F(PromisedDrag, AProgramThatCouldNotSaveIsToldOf)
         EXPECT_EQ(source->asked(), 1);
         const QString text =
             QStringLiteral("The other program did not save “%1”. Save it there as a file, and drop that here.");
-        EXPECT_TRUE(waitFor([&] { return said().contains(text.arg(QLatin1StringView(name))); }));
+        const QString sentence = text.arg(QLatin1StringView(name));
+        EXPECT_TRUE(waitFor([&] { return said().contains(sentence); }));
         EXPECT_FALSE(QFileInfo::exists(QFileInfo(QUrl::fromEncoded(source->address()).toLocalFile()).path()));
     }
     EXPECT_TRUE(titlesIn(b).isEmpty());
