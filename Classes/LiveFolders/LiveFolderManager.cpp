@@ -216,6 +216,7 @@ void LiveFolderManager::start()
     for (const qint64 root : std::exchange(m_postponed, {})) {
         records()->askAgain(root);
     }
+    records()->forgetAllowed();
     for (const SyncQuestion &allowed : std::exchange(m_allowed, {})) {
         records()->allowRemoval(allowed.root.key, allowed.what);
     }

@@ -32,6 +32,7 @@ public:
         QString reason;       // that the root shows as long; localized
     };
     void allowRemoval(qint64 rootKey, size_t what) { m_allowed.insert(rootKey, what); } // these may go
+    void forgetAllowed() { m_allowed.clear(); } // it was for one run: they may have come back, and go again
     bool takeAllowed(qint64 rootKey, size_t what) { return m_allowed.remove(rootKey, what) > 0; }
     bool isKept(qint64 rootKey, size_t what) const { return m_kept.value(rootKey).what == what; }
     void keep(qint64 rootKey, const Kept &kept);
