@@ -56,6 +56,22 @@ class Mutate(unittest.TestCase):
         self.assertIn("-    m_books.clear();", done.stdout)
         self.assertEqual(self.files(), before)
 
+    def test_what_was_left_is_judged_again(self):
+        first = self.mutate("Kit/Shelf", "1000")
+        left = {place: [v for v in verdicts if v != "noticed"] for place, verdicts in found(first.stdout).items() if set(verdicts) != {"noticed"}}
+        equivalents = self.source / "Tests/equivalent-mutants"
+        old = equivalents.read_text()
+        equivalents.write_text(old + f"{SHELF} | call | note(book);              // call: survived | nobody reads it\n")
+        try:
+            again = self.mutate("--again")
+        finally:
+            equivalents.write_text(old)
+        named = (next(n for n, line in enumerate((EXAMPLE / SHELF).read_text().splitlines(), 1) if "note(book);" in line), "call")
+        self.assertIn(named, left)
+        self.assertEqual(found(again.stdout), {place: verdicts for place, verdicts in left.items() if place != named}, again.stdout)
+        totals = [int(re.search(r"noticed \d+ of (\d+)", run.stdout)[1]) for run in (first, again)]
+        self.assertEqual(totals[0] - 1, totals[1])
+
     def test_only_changed_lines_get_faults(self):
         def git(*arguments):
             subprocess.run(["git", "-c", "user.name=n", "-c", "user.email=e", *arguments], cwd=self.source, check=True, capture_output=True)

@@ -22,6 +22,7 @@ constexpr, static_assert, case labels, tables and declarations, headers, generat
 Ends with 1 when fewer than 85 % were noticed."""
 import argparse
 import fcntl
+import pickle
 import random
 import re
 import signal
@@ -115,6 +116,7 @@ class Run:
         self.equivalents = read_equivalents(self.source / "Tests/equivalent-mutants")
         self.picks = random.Random(options.seed)
         self.baselines = {}
+        self.kept = Path(options.work).resolve() / "faults"
 
     def tests_for(self, name):
         return next(((own, further) for folder, own, further in self.folders if name.startswith(folder + "/")), ([], []))
@@ -148,6 +150,22 @@ class Run:
         kept = [place for place in places if not self.is_equivalent(place)]
         print(f"{len(places)} places in {len(looked_at)} files, {len(places) - len(kept)} of them equivalent; seed {self.options.seed}", flush=True)
         return choose(kept, self.options.count, self.picks)
+
+    def remember(self, total, survivors):
+        self.kept.write_bytes(pickle.dumps((self.options.seed, total, survivors, {place.file: self.texts[place.file] for place in survivors.values()})))
+
+    def find_again(self):
+        """What the last run left, without what is named as equivalent by now; and how many faults there were."""
+        if not self.kept.is_file():
+            raise SystemExit("There is no run before this one to go on with.")
+        self.options.seed, total, faults, self.texts = pickle.loads(self.kept.read_bytes())
+        changed = sorted(name for name, text in self.texts.items() if not (self.source / name).is_file() or (self.source / name).read_bytes() != text)
+        if changed:
+            raise SystemExit(f"These have changed since, so that their faults are no longer the same: {' '.join(changed)}")
+        kept = {number: place for number, place in faults.items() if not self.is_equivalent(place)}
+        total -= len(faults) - len(kept)
+        print(f"{len(kept)} of {total} faults were not noticed; seed {self.options.seed}", flush=True)
+        return kept, total
 
     def is_equivalent(self, place):
         line = self.texts[place.file].splitlines()[place.line - 1].decode().strip()
@@ -224,14 +242,17 @@ class Run:
         tree.copy()
         tree.configure()
         self.leave_out_unknown(tree.known_tests())
-        faults = self.find(tree)
+        faults, total = self.find_again() if self.options.again else (self.find(tree), 0)
         own = sorted({test for place in faults.values() for test in self.tests_for(place.file)[0]})
         print(f"building {len(faults)} faults for {' '.join(own)}", flush=True)
         dropped = tree.make(faults, self.texts, own)
         if dropped:
             print(f"{len(dropped)} do not compile and are dropped", flush=True)
-        total = len(faults)
-        self.test(tree, faults)
+        total = total or len(faults)
+        try:
+            self.test(tree, faults)
+        finally:
+            self.remember(total, faults)
         return self.report(total, faults)
 
     def report(self, total, survivors):
@@ -249,6 +270,7 @@ def main():
     parser.add_argument("folder", nargs="?", default="", help="a folder or a source file (default: all)")
     parser.add_argument("count", nargs="?", type=int, default=20, help="how many faults (default: 20)")
     parser.add_argument("--since", metavar="REV", help="only in lines that differ from this revision")
+    parser.add_argument("--again", action="store_true", help="judge only what the last run left, by the tests as they are now")
     parser.add_argument("--seed", type=int, default=random.randrange(1_000_000), help="of the choice; printed by each run")
     parser.add_argument("--jobs", type=int, default=2, help="test programs at a time (default: 2)")
     parser.add_argument("--verbose", action="store_true", help="show the faults that were noticed too")
