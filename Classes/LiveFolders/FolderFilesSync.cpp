@@ -54,7 +54,13 @@ void FolderFilesSync::run(FolderTreeSync &tree)
     }
     noteItemsOfGoneFolders(tree);
     settle();
+    if (isCutShort()) {
+        m_import.giveUpWaiting();
+    }
     m_import.finish();
+    for (const qint64 folder : m_import.foldersGivenUp()) {
+        leave(folder);
+    }
 }
 
 // Files may have moved out of a folder before it was removed.
@@ -430,19 +436,35 @@ void FolderFilesSync::settle()
         }
     }
     m_run.progress.begin(qsizetype(toImport.size()));
+    m_run.turn.beginReading();
     for (const auto &[file, SHA1] : toImport) {
         if (!m_run.isWanted()) {
             return;
         }
-        const bool canBeRead =
-            ImportQueries::fileAtPathIsSupported(file->path) && ImportQueries::isFileReadableAtPath(file->path);
-        if (!canBeRead) {
-            m_run.progress.advance();
-            continue;
+        if (isCutShort() || m_run.turn.isOver()) {
+            leave(file->folder);
+        } else {
+            import(*file, SHA1);
         }
-        waitUntilWritten(file->path, file->entry, m_run.operation);
-        m_run.changedRoots.insert(file->record->rootKey());
-        m_touched.append(file->path);
-        m_import.add({file->path, file->folder, SHA1});
     }
+}
+
+void FolderFilesSync::import(const NewFile &file, const QString &SHA1)
+{
+    const bool canBeRead =
+        ImportQueries::fileAtPathIsSupported(file.path) && ImportQueries::isFileReadableAtPath(file.path);
+    if (!canBeRead) {
+        m_run.progress.advance();
+        return;
+    }
+    waitUntilWritten(file.path, file.entry, m_run.operation);
+    m_run.changedRoots.insert(file.record->rootKey());
+    m_touched.append(file.path);
+    m_import.add({file.path, file.folder, SHA1});
+}
+
+void FolderFilesSync::leave(qint64 folder)
+{
+    ++m_filesLeft;
+    m_foldersLeft.insert(folder);
 }

@@ -3,6 +3,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/LiveFolders/LiveFolderPlaces.h"
+#include "Classes/LiveFolders/RootFolders.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -123,27 +124,31 @@ void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelo
 // In one run, which must not take what it finds at one end only for removed.
 void LiveFolderManager::entryDidMove(const QString &from, const QString &to)
 {
-    noteFolderAtPath(QFileInfo(from).path(), false);
-    noteFolderAtPath(QFileInfo(to).path(), false);
+    const auto source = noteFolderAtPath(QFileInfo(from).path(), false);
+    const auto target = noteFolderAtPath(QFileInfo(to).path(), false);
+    if (source && target) {
+        m_wanted.join(rootOf(*source), rootOf(*target));
+    }
     start();
 }
 
-void LiveFolderManager::noteFolderAtPath(const QString &path, bool everythingBelow)
+std::optional<ZQObjectID> LiveFolderManager::noteFolderAtPath(const QString &path, bool everythingBelow)
 {
     ZQManagedObjectContext *const store = context();
     if (!store) {
-        return;
+        return std::nullopt;
     }
-    // What has no row yet is found by the nearest folder around it that has one.
     QString known = path;
     ZQRef<ZQSidebarWatchedFolder> folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     while (!folder && known.contains(u'/') && known.size() > 1) {
         known = QFileInfo(known).path();
         folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     }
-    if (folder && folder->isFollowed()) {
-        note(folder->objectID(), {everythingBelow, false});
+    if (!folder || !folder->isFollowed()) {
+        return std::nullopt;
     }
+    note(folder->objectID(), everythingBelow);
+    return folder->objectID();
 }
 
 void LiveFolderManager::syncFolderAtPath(const QString &path)
@@ -172,16 +177,22 @@ void LiveFolderManager::syncWatchedFolders(const QList<ZQObjectID> &folders, boo
                                            bool forceSync)
 {
     for (const ZQObjectID &folder : folders) {
-        note(folder, {shouldTraversSubFolders, forceSync});
+        note(folder, shouldTraversSubFolders, forceSync);
     }
     start();
 }
 
-void LiveFolderManager::note(const ZQObjectID &folder, Wanted wanted)
+void LiveFolderManager::note(const ZQObjectID &folder, bool everythingBelow, bool isForced)
 {
-    Wanted &all = m_wanted[folder];
-    all.everythingBelow = all.everythingBelow || wanted.everythingBelow;
-    all.isForced = all.isForced || wanted.isForced;
+    m_wanted.note(folder, {rootOf(folder), everythingBelow, isForced});
+}
+
+qint64 LiveFolderManager::rootOf(const ZQObjectID &folder) const
+{
+    ZQManagedObjectContext *const store = context();
+    const auto root =
+        store ? RootFolders::rootOf(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(folder))) : nullptr;
+    return root ? root->objectID().key : 0;
 }
 
 std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
@@ -199,17 +210,16 @@ std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
 
 void LiveFolderManager::start()
 {
-    if (m_running || m_wanted.isEmpty() || !context() || tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
+    if (m_wanted.isEmpty() || !context() || tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
         return;
     }
-    QList<ZQObjectID> whole;
-    QList<ZQObjectID> alone;
-    bool isForced = false;
-    for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {
-        (wanted->everythingBelow ? whole : alone).append(wanted.key());
-        isForced = isForced || wanted->isForced;
+    if (m_running) {
+        if (m_mayMakeWay && m_wanted.isAnyToGoFirst(m_runningRoots)) {
+            m_running->turn().endSoon();
+        }
+        return;
     }
-    m_wanted.clear();
+    const SyncRequests::Next next = m_wanted.takeNext();
     for (const qint64 root : std::exchange(m_left, {})) {
         records()->forgetKept(root);
     }
@@ -217,23 +227,16 @@ void LiveFolderManager::start()
         records()->askAgain(root);
     }
     records()->forgetAllowed();
+    m_mayMakeWay = m_allowed.isEmpty(); // what the person allowed is for this run
     for (const SyncQuestion &allowed : std::exchange(m_allowed, {})) {
         records()->allowRemoval(allowed.root.key, allowed.what);
     }
-    auto &delegate = *tamberin_AppDelegate::sharedDelegate();
     // So that the run sees what the window does; not what is being typed, since a title renames a file.
     if (ZQError error; !context()->save(&error)) {
         qCWarning(zqLogStore).noquote() << error.localizedDescription();
     }
-    m_running = std::make_shared<WatchFoldersImportOperation>(
-        whole, true,
-        WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
-                                          .records = records(),
-                                          .owner = AImportManager::sharedAImportManager(),
-                                          .syncQueue = &m_syncOperationQueue,
-                                          .sender = static_cast<LiveFolderManaging *>(this)});
-    m_running->setAlsoLookedAt(alone);
-    m_running->setForced(isForced);
+    m_running = operationFor(next);
+    m_runningRoots = next.roots;
     m_wasStopped = false;
     m_running->setCompletionBlock([manager = QPointer(this), operation = std::weak_ptr(m_running)] {
         zqOnMainThread([manager, operation] {
@@ -247,6 +250,61 @@ void LiveFolderManager::start()
     m_statusTimer.start();
 }
 
+std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(const SyncRequests::Next &next)
+{
+    QList<ZQObjectID> whole;
+    QList<ZQObjectID> alone;
+    bool isForced = false;
+    for (auto wanted = next.folders.constBegin(); wanted != next.folders.constEnd(); ++wanted) {
+        (wanted->everythingBelow ? whole : alone).append(wanted.key());
+        isForced = isForced || wanted->isForced;
+    }
+    auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+    auto operation = std::make_shared<WatchFoldersImportOperation>(
+        whole, true,
+        WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
+                                          .records = records(),
+                                          .owner = AImportManager::sharedAImportManager(),
+                                          .syncQueue = &m_syncOperationQueue,
+                                          .sender = static_cast<LiveFolderManaging *>(this)});
+    operation->setAlsoLookedAt(alone);
+    operation->setForced(isForced);
+    operation->setBegun(next.begun);
+    operation->turn().setLength(m_lengthOfTurns);
+    return operation;
+}
+
+// What was looked at is recorded, so that going on compares no more than what is left.
+void LiveFolderManager::goOnLater(const WatchFoldersImportOperation &operation)
+{
+    for (const WatchFoldersImportOperation::CutShort &cut : operation.cutShort()) {
+        if (isFollowed(cut.root)) {
+            m_wanted.cutShort(cut.root.key, cut.filesLeft);
+            note(cut.root, true);
+        }
+    }
+    QList<ZQObjectID> ended;
+    for (const ZQObjectID &folder : operation.toGoOn()) {
+        if (!isFollowed(folder)) {
+            ended.append(folder);
+            continue;
+        }
+        note(folder, operation.watchedFoldersIDs().contains(folder));
+        m_wanted.setBegun(folder);
+    }
+    postEnd(ended);
+}
+
+void LiveFolderManager::postEnd(const QList<ZQObjectID> &folders) const
+{
+    ZQManagedObjectContext *const store = context();
+    for (const ZQObjectID &folder : store ? folders : QList<ZQObjectID>()) {
+        ZQNotificationCenter::defaultCenter().postNotification(
+            didEndSync, static_cast<const LiveFolderManaging *>(this),
+            {{QStringLiteral("folder"), folder.URIRepresentation(store->persistentStoreCoordinator()->storeUUID())}});
+    }
+}
+
 void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation)
 {
     if (operation != m_running) {
@@ -256,8 +314,9 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
         m_reasons.insert(reason.key(), reason.value());
     }
     const QList<ZQObjectID> folders = operation->watchedFoldersIDs() + operation->alsoLookedAt();
+    goOnLater(*operation);
     if (operation->isCancelled() && !m_wasStopped) {
-        m_wanted.clear(); // whoever ended all of it wants no more
+        postEnd(m_wanted.clear()); // whoever ended all of it wants no more
     }
     if (operation->isCancelled()) {
         putAwayWhatCameTooLate();
@@ -355,18 +414,18 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
         return folders.contains(id) ||
                (store && isBelow(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id)), folders));
     };
-    m_wanted.removeIf([&](const auto &wanted) { return isStopped(wanted.key()); });
+    postEnd(m_wanted.removeIf(isStopped));
     if (!m_running) {
         return;
     }
     bool concernsRun = false;
-    QHash<ZQObjectID, Wanted> rest;
+    QList<std::pair<ZQObjectID, bool>> rest;
     const auto sortOut = [&](const QList<ZQObjectID> &ids, bool everythingBelow) {
         for (const ZQObjectID &id : ids) {
             if (isStopped(id)) {
                 concernsRun = true;
             } else {
-                rest.insert(id, {everythingBelow, m_running->isForced()});
+                rest.append({id, everythingBelow});
             }
         }
     };
@@ -375,8 +434,8 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
     if (concernsRun) {
         m_wasStopped = true;
         m_running->cancel();
-        for (auto wanted = rest.constBegin(); wanted != rest.constEnd(); ++wanted) {
-            note(wanted.key(), *wanted);
+        for (const auto &[id, everythingBelow] : std::as_const(rest)) {
+            note(id, everythingBelow, m_running->isForced());
         }
     }
 }
@@ -450,7 +509,7 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
     for (const ZQObjectID &id : folders) {
         m_reasons.remove(id.key);
         if (!left.contains(id)) {
-            note(id, {true, false});
+            note(id, true);
         }
         postStatus(id);
     }
@@ -464,7 +523,8 @@ bool LiveFolderManager::isRunningFor(const ZQObjectID &folder) const
         return true;
     }
     QList<ZQObjectID> whole = m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>();
-    for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {
+    const auto &waiting = m_wanted.all();
+    for (auto wanted = waiting.constBegin(); wanted != waiting.constEnd(); ++wanted) {
         if (wanted->everythingBelow) {
             whole.append(wanted.key());
         }

@@ -2,6 +2,7 @@
 
 #include "Classes/Import/ImportSettings.h"
 #include "Classes/LiveFolders/LiveFolderRecords.h"
+#include "Classes/LiveFolders/SyncTurn.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQOperation.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
@@ -62,6 +63,7 @@ struct SyncRun
     const std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
     LiveFolderRecords &records;
     SyncProgress &progress;
+    SyncTurn &turn;
     const bool isForced; // what records say does not count, and what was decided is asked again
 
     std::unique_ptr<ZQManagedObjectContext> moc = {};
