@@ -33,6 +33,7 @@ struct CommandLine::Options
     bool forgets = false;
     bool deleted = false;
     bool deep = false;
+    bool removesMissing = false;
     std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
@@ -295,7 +296,7 @@ void CommandLine::defineLiveFolders()
         });
     };
     const auto sync = [this](CommandContext &context) {
-        return zqRunSyncLiveFolders(text(m_options->reference), context);
+        return zqRunSyncLiveFolders(text(m_options->reference), m_options->removesMissing, context);
     };
     define(live, zqRunLiveFolders);
     CLI::App *addition =
@@ -311,6 +312,9 @@ void CommandLine::defineLiveFolders()
     for (CLI::App *command : {live->add_subcommand("sync", "Bring a live folder, or all, in step with the disk"),
                               m_app->add_subcommand("sync", "Bring all live folders, or one, in step with the disk")}) {
         command->add_option("folder", m_options->reference, folderHelp)->type_name("REF");
+        command->add_flag("--remove-missing", m_options->removesMissing,
+                          "Remove from the library what is gone from the disk, also where it is so much at once that "
+                          "it would be kept; this time only");
         command->add_flag("--json", m_json, "Print what `zelto livefolders --json` prints");
         define(command, sync);
     }

@@ -173,6 +173,12 @@ void LiveFolderManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
     syncWatchedFolders({folder}, true, force);
 }
 
+void LiveFolderManager::syncAndRemoveMissing(const ZQObjectID &folder)
+{
+    m_removing.insert(rootOf(folder));
+    syncWatchedFolder(folder, true);
+}
+
 void LiveFolderManager::syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders,
                                            bool forceSync)
 {
@@ -269,6 +275,9 @@ std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(con
                                           .sender = static_cast<LiveFolderManaging *>(this)});
     operation->setAlsoLookedAt(alone);
     operation->setForced(isForced);
+    operation->setRemovesMissing(m_removing & next.roots);
+    m_mayMakeWay = m_mayMakeWay && !m_removing.intersects(next.roots);
+    m_removing -= next.roots;
     operation->setBegun(next.begun);
     operation->turn().setLength(m_lengthOfTurns);
     return operation;
@@ -314,6 +323,9 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
         m_reasons.insert(reason.key(), reason.value());
     }
     const QList<ZQObjectID> folders = operation->watchedFoldersIDs() + operation->alsoLookedAt();
+    for (const qint64 root : std::as_const(m_runningRoots)) {
+        m_filesKept.insert(root, records()->filesKept(root));
+    }
     goOnLater(*operation);
     if (operation->isCancelled() && !m_wasStopped) {
         postEnd(m_wanted.clear()); // whoever ended all of it wants no more
@@ -537,7 +549,7 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
 {
     LiveFolderStatus status;
     status.isSyncing = isRunningFor(folder);
-    if (status.isSyncing && m_running) {
+    if (status.isSyncing && m_running && m_runningRoots.contains(rootOf(folder))) {
         const SyncProgress::State progress = m_running->progress();
         status.filesDone = progress.done;
         status.filesTotal = progress.total;
@@ -548,6 +560,7 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
         return status;
     }
     status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
+    status.filesKept = m_filesKept.value(folder.key);
     status.reason = m_reasons.value(folder.key);
     const auto standing = row->standing();
     if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Trashed) {

@@ -34,6 +34,7 @@ public:
     void syncRootWatchedFolders() override { syncRootWatchedFoldersForceSync(false); }
     void syncRootWatchedFoldersForceSync(bool force);
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
+    void syncAndRemoveMissing(const ZQObjectID &folder) override;
     void syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders, bool forceSync);
     void syncFolderAtPath(const QString &path); // does nothing for one that is in no live folder
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override;
@@ -75,8 +76,10 @@ private:
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
     QList<SyncQuestion> m_questions;
-    QList<SyncQuestion> m_allowed; // by the next run, as what follows
-    QSet<qint64> m_postponed;      // roots whose question was put off
+    QList<SyncQuestion> m_allowed;        // by the next run, as what follows
+    QSet<qint64> m_removing;              // roots of which what is missing may go in their next run
+    QHash<qint64, qsizetype> m_filesKept; // by root
+    QSet<qint64> m_postponed;             // roots whose question was put off
     bool m_isAsking = false;
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;

@@ -64,7 +64,8 @@ struct SyncRun
     LiveFolderRecords &records;
     SyncProgress &progress;
     SyncTurn &turn;
-    const bool isForced; // what records say does not count, and what was decided is asked again
+    const bool isForced;               // what records say does not count, and what was decided is asked again
+    const QSet<qint64> removesMissing; // roots: however much is gone leaves the library, and nobody is asked
 
     std::unique_ptr<ZQManagedObjectContext> moc = {};
     QSet<qint64> changedRoots = {};                     // something below them is not as the store had it

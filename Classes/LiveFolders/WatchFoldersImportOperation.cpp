@@ -45,7 +45,8 @@ void WatchFoldersImportOperation::main()
                     .records = *m_uses.records,
                     .progress = m_progress,
                     .turn = m_turn,
-                    .isForced = m_isForced};
+                    .isForced = m_isForced,
+                    .removesMissing = m_removesMissing};
         m_turn.begin();
         setupManagedObjectContext(run);
         for (const ZQObjectID &folder : all) {

@@ -42,7 +42,8 @@ public:
     bool isForced() const { return m_isForced; }
     void setAlsoLookedAt(const QList<ZQObjectID> &folders) { m_alone = folders; } // without what is below; the same
 
-    void setBegun(const QSet<ZQObjectID> &begun) { m_begun = begun; } // a run before told of their start; the same
+    void setRemovesMissing(const QSet<qint64> &roots) { m_removesMissing = roots; } // the same, as what follows
+    void setBegun(const QSet<ZQObjectID> &begun) { m_begun = begun; }               // a run before told of their start
     SyncTurn &turn() { return m_turn; }
 
     const QList<ZQObjectID> &watchedFoldersIDs() const { return m_watchedFoldersIDs; }
@@ -82,6 +83,7 @@ private:
     const Uses m_uses;
     QList<ZQObjectID> m_alone;
     bool m_isForced = false;
+    QSet<qint64> m_removesMissing;
     SyncTurn m_turn;
     QSet<ZQObjectID> m_begun;
     QList<CutShort> m_cutShort;
