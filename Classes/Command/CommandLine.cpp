@@ -285,8 +285,9 @@ void CommandLine::defineLiveFolders()
         "A live folder: titles from the top, as \"LIVE FOLDERS/Pictures\", its UUID text, or its path";
     CLI::App *live = m_app->add_subcommand("livefolders", "List the folders on the disk that the library mirrors");
     live->require_subcommand(0, 1);
-    live->add_flag("--json", m_json,
-                   "Print an array of objects: UUID, title, folderPath, items, folders, state, reason");
+    live->add_flag(
+        "--json", m_json,
+        "Print an array of objects: UUID, title, folderPath, items, folders, state, reason, reasonsBelow (by path)");
     const auto define = [this](CLI::App *command, std::function<int(CommandContext &)> run) {
         command->callback([this, command, run = std::move(run)] {
             if (command->get_subcommands().empty()) { // else that one was meant

@@ -76,6 +76,19 @@ qint64 itemsIn(const QList<Folder> &folders)
     return count;
 }
 
+// What is said of folders below a root, as of one that cannot be read.
+QList<std::pair<QString, QString>> reasonsBelow(const QList<Folder> &below, const LiveFolderManaging *manager)
+{
+    QList<std::pair<QString, QString>> reasons;
+    for (const Folder &folder : manager ? below : QList<Folder>()) {
+        const QString reason = manager->statusOfWatchedFolder(folder->objectID()).reason;
+        if (!reason.isEmpty()) {
+            reasons.append({folder->folderPath(), reason});
+        }
+    }
+    return reasons;
+}
+
 void print(const QList<Folder> &roots, CommandContext &context)
 {
     const LiveFolderManaging *const manager = context.delegate->liveFolderManager();
@@ -85,13 +98,19 @@ void print(const QList<Folder> &roots, CommandContext &context)
         const qint64 items = itemsIn(QList<Folder>{root} + below);
         const QString state = stateOf(*root);
         const QString reason = manager ? manager->statusOfWatchedFolder(root->objectID()).reason : QString();
+        const auto reasons = reasonsBelow(below, manager);
+        QJsonObject objectOfReasons;
+        for (const auto &[path, why] : reasons) {
+            objectOfReasons.insert(path, why);
+        }
         objects.append(QJsonObject{{QStringLiteral("UUID"), root->UUID()},
                                    {QStringLiteral("title"), root->title()},
                                    {QStringLiteral("folderPath"), root->folderPath()},
                                    {QStringLiteral("items"), items},
                                    {QStringLiteral("folders"), below.size()},
                                    {QStringLiteral("state"), state},
-                                   {QStringLiteral("reason"), reason}});
+                                   {QStringLiteral("reason"), reason},
+                                   {QStringLiteral("reasonsBelow"), objectOfReasons}});
         if (!context.json) {
             const QString what = items == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%d items"), {items});
             const QString where =
@@ -99,6 +118,9 @@ void print(const QList<Folder> &roots, CommandContext &context)
             context.print(zqFormat(zqLocalized("%@: %@, %@ in %@"), {root->folderPath(), state, what, where}));
             if (!reason.isEmpty()) {
                 context.print(u' ' + reason);
+            }
+            for (const auto &[path, why] : reasons) {
+                context.print(zqFormat(zqLocalized(" %@: %@"), {path, why}));
             }
         }
     }

@@ -203,7 +203,7 @@ void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const 
     if (item && item->active()) {
         const bool didMove = m_run.earlierPaths.contains(folder.key);
         if (!was || !was->isAs(entry) || didMove || m_run.isForced) {
-            refresh(item, file.path, entry, was);
+            updateDbItem(item, file.path, entry, was);
         }
         return;
     }
@@ -262,7 +262,8 @@ void FolderFilesSync::renewReference(const Item &item, const QString &path)
     item->setTitle(zqBaseName(path));
 }
 
-void FolderFilesSync::refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was)
+void FolderFilesSync::updateDbItem(const Item &item, const QString &path, const FolderEntry &entry,
+                                   const FolderEntry *was)
 {
     const auto file = zqFileOfPersistentURL(item->itemURLData());
     // What was taken out of a package is not the package.

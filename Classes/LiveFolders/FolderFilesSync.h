@@ -62,7 +62,7 @@ private:
     bool isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *recorded);
     QHash<QByteArray, Item> itemsByName(const FolderTreeSync::Changed &changed, QList<Item> &lost);
     QByteArray nameIn(const RecordedFolder &folder, const Item &item) const;
-    void refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);
+    void updateDbItem(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);
     void refreshTags(const Item &item, const QString &path, const FolderEntry &entry, bool isReplaced);
     void renewReference(const Item &item, const QString &path);
     void adopt(const Item &item, const NewFile &file);

@@ -12,7 +12,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLocale>
 #include <QPointer>
 
 #include <algorithm>
@@ -25,6 +24,8 @@ constexpr std::chrono::seconds untilEditsAreSaved{3};
 
 LiveFolderManager::LiveFolderManager() : m_syncOperationQueue(QStringLiteral("Live folders"), 1)
 {
+    connect(&m_removalQuestions, &RemovalQuestions::removalWasAllowed, this,
+            [this](const ZQObjectID &root) { syncWatchedFolder(root, true); });
     m_statusTimer.setInterval(statusInterval);
     connect(&m_statusTimer, &QTimer::timeout, this, [this] {
         for (const ZQObjectID &folder : m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>()) {
@@ -82,15 +83,39 @@ void LiveFolderManager::startObservingWatchedFolders()
         return;
     }
     m_watching = std::make_unique<LiveFolderWatching>();
-    connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::folderDidChange);
+    connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::updateWatchedFolder);
     connect(m_watching.get(), &LiveFolderWatching::entryDidMove, this, &LiveFolderManager::entryDidMove);
-    connect(m_watching.get(), &LiveFolderWatching::placesDidChange, this, [this] { syncRootWatchedFolders(); });
+    observeExternalDisk();
     connect(m_watching.get(), &LiveFolderWatching::reasonDidChange, this, [this] {
         for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
             postStatus(root->objectID());
         }
     });
     watchRoots();
+}
+
+void LiveFolderManager::observeExternalDisk()
+{
+    connect(m_watching.get(), &LiveFolderWatching::diskDidMount, this, &LiveFolderManager::externalDiskDidMount);
+    connect(m_watching.get(), &LiveFolderWatching::diskDidUnmount, this, &LiveFolderManager::externalDiskDidUnmount);
+}
+
+// All of them: one that is out of reach may have come back elsewhere, and paths may lead to a disk by way of links.
+void LiveFolderManager::externalDiskDidMount(const QString & /*path*/)
+{
+    syncRootWatchedFolders();
+}
+
+void LiveFolderManager::externalDiskDidUnmount(const QString &path)
+{
+    syncRootWatchedFolders();
+    if (!AImportManager::sharedAImportManager().libraryOnPath(path)) {
+        return;
+    }
+    constexpr int libraryWentAway = 2;
+    tamberin_AppDelegate::sharedDelegate()->userInteraction().presentError(ZQError::with(
+        QStringLiteral("zelto.livefolders"), libraryWentAway, zqLocalized("The drive with the library is gone."),
+        zqLocalized("Connect it again before you go on. What you change until then cannot be kept.")));
 }
 
 void LiveFolderManager::stopObservingWatchedFolders()
@@ -115,24 +140,24 @@ void LiveFolderManager::watchRoots()
     m_watching->setRoots(paths);
 }
 
-void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelow)
+void LiveFolderManager::updateWatchedFolder(const QString &path, bool everythingBelow)
 {
-    noteFolderAtPath(path, everythingBelow);
+    scheduleFolderAtPath(path, everythingBelow);
     start();
 }
 
 // In one run, which must not take what it finds at one end only for removed.
 void LiveFolderManager::entryDidMove(const QString &from, const QString &to)
 {
-    const auto source = noteFolderAtPath(QFileInfo(from).path(), false);
-    const auto target = noteFolderAtPath(QFileInfo(to).path(), false);
+    const auto source = scheduleFolderAtPath(QFileInfo(from).path(), false);
+    const auto target = scheduleFolderAtPath(QFileInfo(to).path(), false);
     if (source && target) {
         m_wanted.join(rootOf(*source), rootOf(*target));
     }
     start();
 }
 
-std::optional<ZQObjectID> LiveFolderManager::noteFolderAtPath(const QString &path, bool everythingBelow)
+std::optional<ZQObjectID> LiveFolderManager::scheduleFolderAtPath(const QString &path, bool everythingBelow)
 {
     ZQManagedObjectContext *const store = context();
     if (!store) {
@@ -147,13 +172,37 @@ std::optional<ZQObjectID> LiveFolderManager::noteFolderAtPath(const QString &pat
     if (!folder || !folder->isFollowed()) {
         return std::nullopt;
     }
-    note(folder->objectID(), everythingBelow);
+    scheduleDbItemToUpdate(folder->objectID(), everythingBelow);
     return folder->objectID();
 }
 
+// What was written in the folder may lie in live folders below it.
 void LiveFolderManager::syncFolderAtPath(const QString &path)
 {
-    folderDidChange(QDir::cleanPath(path), false);
+    if (!zqIsMainThread()) {
+        zqOnMainThread([manager = QPointer(this), path] {
+            if (manager) {
+                manager->syncFolderAtPath(path);
+            }
+        });
+        return;
+    }
+    ZQManagedObjectContext *const store = context();
+    if (!store) {
+        return;
+    }
+    const QString place = QDir::cleanPath(path);
+    const QString canonical = QFileInfo(place).canonicalFilePath();
+    for (const QString &each : QSet<QString>{place, canonical.isEmpty() ? place : canonical}) {
+        scheduleFolderAtPath(each, false);
+        const auto below = ZQSidebarWatchedFolder::watchedFoldersWithPathPrefix(each + u'/', *store);
+        for (const auto &folder : below.value_or(QList<ZQRef<ZQSidebarWatchedFolder>>())) {
+            if (folder->is_root() && folder->isFollowed()) {
+                scheduleDbItemToUpdate(folder->objectID(), true);
+            }
+        }
+    }
+    start();
 }
 
 // Those that a person disabled are left alone; those that are out of reach are looked for.
@@ -183,12 +232,12 @@ void LiveFolderManager::syncWatchedFolders(const QList<ZQObjectID> &folders, boo
                                            bool forceSync)
 {
     for (const ZQObjectID &folder : folders) {
-        note(folder, shouldTraversSubFolders, forceSync);
+        scheduleDbItemToUpdate(folder, shouldTraversSubFolders, forceSync);
     }
     start();
 }
 
-void LiveFolderManager::note(const ZQObjectID &folder, bool everythingBelow, bool isForced)
+void LiveFolderManager::scheduleDbItemToUpdate(const ZQObjectID &folder, bool everythingBelow, bool isForced)
 {
     m_wanted.note(folder, {rootOf(folder), everythingBelow, isForced});
 }
@@ -225,18 +274,11 @@ void LiveFolderManager::start()
         }
         return;
     }
-    const SyncRequests::Next next = m_wanted.takeNext();
+    const SyncRequests::Next next = m_wanted.unfoldItemsToUpdateSet();
     for (const qint64 root : std::exchange(m_left, {})) {
         records()->forgetKept(root);
     }
-    for (const qint64 root : std::exchange(m_postponed, {})) {
-        records()->askAgain(root);
-    }
-    records()->forgetAllowed();
-    m_mayMakeWay = m_allowed.isEmpty(); // what the person allowed is for this run
-    for (const SyncQuestion &allowed : std::exchange(m_allowed, {})) {
-        records()->allowRemoval(allowed.root.key, allowed.what);
-    }
+    m_mayMakeWay = !m_removalQuestions.tell(*records(), next.roots); // what the person allowed is for this run
     // So that the run sees what the window does; not what is being typed, since a title renames a file.
     if (ZQError error; !context()->save(&error)) {
         qCWarning(zqLogStore).noquote() << error.localizedDescription();
@@ -289,7 +331,7 @@ void LiveFolderManager::goOnLater(const WatchFoldersImportOperation &operation)
     for (const WatchFoldersImportOperation::CutShort &cut : operation.cutShort()) {
         if (isFollowed(cut.root)) {
             m_wanted.cutShort(cut.root.key, cut.filesLeft);
-            note(cut.root, true);
+            scheduleDbItemToUpdate(cut.root, true);
         }
     }
     QList<ZQObjectID> ended;
@@ -298,7 +340,7 @@ void LiveFolderManager::goOnLater(const WatchFoldersImportOperation &operation)
             ended.append(folder);
             continue;
         }
-        note(folder, operation.watchedFoldersIDs().contains(folder));
+        scheduleDbItemToUpdate(folder, operation.watchedFoldersIDs().contains(folder));
         m_wanted.setBegun(folder);
     }
     postEnd(ended);
@@ -348,43 +390,7 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     for (const ZQObjectID &folder : folders) {
         postStatus(folder);
     }
-    for (const SyncQuestion &question : operation->questions()) {
-        m_questions.removeIf([&question](const SyncQuestion &other) { return other.root == question.root; });
-        m_questions.append(question);
-    }
-    askAboutRemovals();
-}
-
-// Meanwhile the disk is followed, and what is asked about stays.
-void LiveFolderManager::askAboutRemovals()
-{
-    if (m_isAsking) {
-        return;
-    }
-    m_isAsking = true;
-    const QPointer manager(this);
-    while (manager && !m_questions.isEmpty() && !tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
-        const SyncQuestion question = m_questions.takeFirst();
-        const int answer = tamberin_AppDelegate::sharedDelegate()->userInteraction().ask(
-            {zqFormat(zqLocalized("%@ files of the live folder “%@” are gone"),
-                      {QLocale().toString(question.count), question.title}),
-             zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the "
-                         "library, they leave their projects too. If a drive is not connected, keep them: they are "
-                         "there again when it is."),
-             {zqLocalized("Keep"), zqLocalized("Remove from Library"), zqLocalized("Ask Again Later")},
-             {},
-             false});
-        if (manager && answer == 1) {
-            m_allowed.append(question);
-            syncWatchedFolder(question.root, true);
-        } else if (manager && answer != 0) {
-            m_postponed.insert(question.root.key);
-        }
-    }
-    if (manager) {
-        m_questions.clear();
-        m_isAsking = false;
-    }
+    m_removalQuestions.ask(operation->questions());
 }
 
 // A run that is ended because its folder was removed or disabled may have saved a batch after that.
@@ -447,7 +453,7 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
         m_wasStopped = true;
         m_running->cancel();
         for (const auto &[id, everythingBelow] : std::as_const(rest)) {
-            note(id, everythingBelow, m_running->isForced());
+            scheduleDbItemToUpdate(id, everythingBelow, m_running->isForced());
         }
     }
 }
@@ -521,7 +527,7 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
     for (const ZQObjectID &id : folders) {
         m_reasons.remove(id.key);
         if (!left.contains(id)) {
-            note(id, true);
+            scheduleDbItemToUpdate(id, true);
         }
         postStatus(id);
     }

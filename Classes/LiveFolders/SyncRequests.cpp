@@ -46,7 +46,7 @@ bool SyncRequests::isAnyToGoFirst(const QSet<qint64> &roots) const
     });
 }
 
-SyncRequests::Next SyncRequests::takeNext()
+SyncRequests::Next SyncRequests::unfoldItemsToUpdateSet()
 {
     Next next;
     for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {

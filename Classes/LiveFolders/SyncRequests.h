@@ -41,7 +41,7 @@ public:
         QSet<qint64> roots;
         QSet<ZQObjectID> begun;
     };
-    Next takeNext();
+    Next unfoldItemsToUpdateSet();
 
     // Answers those that were begun.
     template <class Condition>

@@ -24,8 +24,8 @@ struct InstanceRequest
 {
     QStringList arguments; // as on the command line, without the program's name
     QString workingDirectory;
-    std::function<bool()> isAbandoned;                 // on the serving side: nobody waits for the reply any more
-    std::function<void(const InstanceReply &)> answer; // on the serving side: for a reply that comes later; once
+    std::function<bool()> isAbandoned;                      // on the serving side: nobody waits for the reply any more
+    std::function<void(const InstanceReply &)> answer = {}; // on the serving side: for a reply that comes later; once
 };
 
 // Lets processes of the same user hand their work to the one that holds a library: a local socket named after the

@@ -40,13 +40,13 @@ TEST(SyncRequests, ThoseThatWereCutShortGoLastAndTheSmallestOfThemFirst)
     EXPECT_TRUE(requests.isAnyToGoFirst({1, 2, 3})); // for 4
     EXPECT_FALSE(requests.isAnyToGoFirst({3, 4}));
 
-    SyncRequests::Next next = requests.takeNext();
+    SyncRequests::Next next = requests.unfoldItemsToUpdateSet();
     EXPECT_EQ(keysOf(next), (QList<qint64>{4, 31}));
     EXPECT_EQ(next.roots, (QSet<qint64>{3, 4}));
     EXPECT_TRUE(next.folders.value(folderOf(4)).isForced);
     EXPECT_FALSE(requests.isAnyToGoFirst({3})); // they do not keep each other from work
-    EXPECT_EQ(keysOf(requests.takeNext()), QList<qint64>{2});
-    next = requests.takeNext();
+    EXPECT_EQ(keysOf(requests.unfoldItemsToUpdateSet()), QList<qint64>{2});
+    next = requests.unfoldItemsToUpdateSet();
     EXPECT_EQ(keysOf(next), QList<qint64>{1});
     EXPECT_EQ(next.begun, QSet<ZQObjectID>{folderOf(1)});
     EXPECT_TRUE(requests.isEmpty());
@@ -65,13 +65,13 @@ TEST(SyncRequests, WhatSomethingMovedBetweenIsLookedAtTogether)
     requests.join(1, 2);
     requests.join(2, 1);
     EXPECT_FALSE(requests.isAnyToGoFirst({3}));
-    EXPECT_EQ(keysOf(requests.takeNext()), QList<qint64>{3});
-    EXPECT_EQ(keysOf(requests.takeNext()), (QList<qint64>{1, 2}));
+    EXPECT_EQ(keysOf(requests.unfoldItemsToUpdateSet()), QList<qint64>{3});
+    EXPECT_EQ(keysOf(requests.unfoldItemsToUpdateSet()), (QList<qint64>{1, 2}));
 
     requests.note(folderOf(1), {1, true});
     requests.cutShort(1, 500);
     requests.note(folderOf(2), {2, false});
-    EXPECT_EQ(keysOf(requests.takeNext()), QList<qint64>{2}) << "that move was looked at";
+    EXPECT_EQ(keysOf(requests.unfoldItemsToUpdateSet()), QList<qint64>{2}) << "that move was looked at";
 }
 
 TEST(SyncRequests, WhatIsGivenUpIsToldWhenItWasBegun)
