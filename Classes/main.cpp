@@ -8,6 +8,7 @@
 #include "Classes/Capture/ZeltoKunViewController.h"
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
+#include "Classes/Command/PendingCommands.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/PromisedImports.h"
 #include "Classes/Import/XDirectSave.h"
@@ -77,11 +78,14 @@ int drawSnapshot(const SnapshotRequest &request, CommandContext &context)
     return 0;
 }
 
-// Does what another process asked of this one, which has the window.
-InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delegate)
+// Does what another process asked of this one, which has the window. Nothing: it is answered when what it waits for is
+// done.
+std::optional<InstanceReply> serve(const InstanceRequest &request, tamberin_AppDelegate &delegate,
+                                   PendingCommands &pending)
 {
     CommandContext context;
     context.delegate = &delegate;
+    context.mayBeFinishedLater = true;
     context.workingDirectory = request.workingDirectory;
     context.isAbandoned = request.isAbandoned;
     if (auto *window = dynamic_cast<MainWindowController *>(delegate.mainWindowController())) {
@@ -105,7 +109,14 @@ InstanceReply serve(const InstanceRequest &request, tamberin_AppDelegate &delega
             delegate.openFiles(paths);
         }
     }
-    return {status, context.output, context.errors};
+    if (context.pending) {
+        context.index.reset(); // what is shown meanwhile is not its matter
+        pending.add(std::move(context), [answer = request.answer](int ended, const CommandContext &finished) {
+            answer({ended, finished.output, finished.errors});
+        });
+        return std::nullopt;
+    }
+    return InstanceReply{status, context.output, context.errors};
 }
 
 QString bundleFor(tamberin_AppDelegate &delegate, const CommandLine &commandLine)
@@ -346,8 +357,9 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     if (const auto status = takeLibraryForWindow(delegate, bundle, arguments, context, user)) {
         return *status;
     }
+    PendingCommands pending;
     InstanceServer server(LibraryLock::socketNameForBundle(bundle),
-                          [&](const InstanceRequest &request) { return serve(request, delegate); });
+                          [&](const InstanceRequest &request) { return serve(request, delegate, pending); });
     // Requests wait while the library opens or is given up, and not for a person who may be away.
     server.setIsReady([&delegate] {
         return (delegate.applicationLauched() && !delegate.isTerminating()) || QApplication::activeModalWidget();

@@ -80,6 +80,7 @@ struct LiveFolderStatus
     qsizetype filesDone = 0;
     qsizetype filesTotal = 0; // 0: not known
     bool isSwept = false;     // its file system tells of no change: it is looked at in intervals
+    qsizetype filesKept = 0;  // of a root: gone, so many at once that their items stay until the person says otherwise
     QString reason;           // localized: why it is missing, looked at in intervals or not watched in full; or empty
 };
 
@@ -115,6 +116,8 @@ public:
     virtual void stopObservingWatchedFolders() = 0;
     virtual void syncRootWatchedFolders() = 0;
     virtual void syncWatchedFolder(const ZQObjectID &folder, bool force) = 0;
+    // Looks at the folder on the disk that this process wrote into; does nothing for one that is in no live folder.
+    virtual void syncFolderAtPath(const QString & /*path*/) {}
     // Ends what is waiting or running for these and for what is below them; what was saved until then stays.
     virtual void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) = 0;
     // Makes roots of the directories, from position `atIndex` of LIVE FOLDERS on, saves them in the main context, has
@@ -124,6 +127,8 @@ public:
     // longer.
     virtual void watchedFoldersDidChange(const QList<ZQObjectID> &folders) = 0;
     virtual LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const = 0;
+    // Forced, and what the folder's root misses in this run leaves the library however much it is.
+    virtual void syncAndRemoveMissing(const ZQObjectID &folder) = 0;
 };
 
 // The screen-capture controller.

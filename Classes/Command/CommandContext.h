@@ -22,6 +22,16 @@ class ZQLibraryBaseItem;
 template <class T>
 class ZQRef;
 
+struct CommandContext;
+
+// What is left of a command that waits for other work. Main thread.
+struct PendingCommand
+{
+    std::function<bool()> isDone;                // what it waits for; looked at again and again
+    std::function<int(CommandContext &)> finish; // once it is; answers the exit status
+    QString wakes;                               // the notification after which it may be
+};
+
 // What a command works with: the open library, and where its words go. Collected instead of printed, because a command
 // may run in the process of a window for another process.
 struct CommandContext
@@ -33,6 +43,11 @@ struct CommandContext
     QByteArray errors; // one line an error, each says what to do
     // In the process of a window: whether who asked has gone, as by Ctrl+C. Null where nobody can.
     std::function<bool()> isAbandoned;
+
+    // In the process of a window: a command that waits for other work leaves the rest of it here instead, so that those
+    // asked for meanwhile are served. Its status then says nothing.
+    bool mayBeFinishedLater = false;
+    std::optional<PendingCommand> pending;
 
     // In the process of a window: what answers in place of the store; null where nothing does.
     std::shared_ptr<LibraryIndex> index;

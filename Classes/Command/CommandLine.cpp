@@ -33,6 +33,7 @@ struct CommandLine::Options
     bool forgets = false;
     bool deleted = false;
     bool deep = false;
+    bool removesMissing = false;
     std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
@@ -284,8 +285,9 @@ void CommandLine::defineLiveFolders()
         "A live folder: titles from the top, as \"LIVE FOLDERS/Pictures\", its UUID text, or its path";
     CLI::App *live = m_app->add_subcommand("livefolders", "List the folders on the disk that the library mirrors");
     live->require_subcommand(0, 1);
-    live->add_flag("--json", m_json,
-                   "Print an array of objects: UUID, title, folderPath, items, folders, state, reason");
+    live->add_flag(
+        "--json", m_json,
+        "Print an array of objects: UUID, title, folderPath, items, folders, state, reason, reasonsBelow (by path)");
     const auto define = [this](CLI::App *command, std::function<int(CommandContext &)> run) {
         command->callback([this, command, run = std::move(run)] {
             if (command->get_subcommands().empty()) { // else that one was meant
@@ -295,7 +297,7 @@ void CommandLine::defineLiveFolders()
         });
     };
     const auto sync = [this](CommandContext &context) {
-        return zqRunSyncLiveFolders(text(m_options->reference), context);
+        return zqRunSyncLiveFolders(text(m_options->reference), m_options->removesMissing, context);
     };
     define(live, zqRunLiveFolders);
     CLI::App *addition =
@@ -311,6 +313,9 @@ void CommandLine::defineLiveFolders()
     for (CLI::App *command : {live->add_subcommand("sync", "Bring a live folder, or all, in step with the disk"),
                               m_app->add_subcommand("sync", "Bring all live folders, or one, in step with the disk")}) {
         command->add_option("folder", m_options->reference, folderHelp)->type_name("REF");
+        command->add_flag("--remove-missing", m_options->removesMissing,
+                          "Remove from the library what is gone from the disk, also where it is so much at once that "
+                          "it would be kept; this time only");
         command->add_flag("--json", m_json, "Print what `zelto livefolders --json` prints");
         define(command, sync);
     }

@@ -71,10 +71,12 @@ int zqRunAttributes(const QStringList &paths, CommandContext &context);
 int zqRunLiveFolders(CommandContext &context);
 int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context);
 int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context);
-// `reference` empty: all that are enabled.
-int zqRunSyncLiveFolders(const QString &reference, CommandContext &context);
-// Until what the manager does of these is done, with progress. False when it was cancelled.
-bool zqWaitForLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context);
+// `reference` empty: all that are enabled. `removesMissing`: also where so much is gone that it would be kept.
+int zqRunSyncLiveFolders(const QString &reference, bool removesMissing, CommandContext &context);
+// Does `then` once what the manager does of these is done, with progress until then; answers its status.
+using AfterLiveFolders = std::function<int(CommandContext &context, bool wasCancelled)>;
+int zqAfterLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context,
+                       AfterLiveFolders then);
 
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.

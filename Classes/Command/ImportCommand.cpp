@@ -204,25 +204,26 @@ int copyIntoLiveFolder(const QStringList &paths, const ZQObjectID &folder, Comma
     const QByteArray output = context.output;
     CommandEdits edits(context);
     LiveFolderEdits(edits.context()).copyFiles(paths, folder);
-    int status =
+    const int status =
         edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
     if (context.json) {
         context.output = output; // the report says it
     }
+    const auto report = [status, folder, known = QSet<QString>(before.begin(), before.end())](CommandContext &finished,
+                                                                                              bool wasCancelled) {
+        QStringList made = itemsBelow(folder, finished);
+        made.removeIf([&known](const QString &bundleID) { return known.contains(bundleID); });
+        ImportReport sum;
+        sum.setImported(made);
+        if ((status == 0 && !wasCancelled) || !made.isEmpty()) {
+            printReport(sum, finished);
+        }
+        return wasCancelled ? finished.fail(zqLocalized("it was cancelled; the copied files stay, and the next `zelto "
+                                                        "sync` makes their items"))
+                            : status;
+    };
     LiveFolderManaging *const manager = context.delegate->liveFolderManager();
-    if (manager && !zqWaitForLiveFolders(*manager, {folder}, context)) {
-        status = context.fail(zqLocalized("it was cancelled; the copied files stay, and the next `zelto sync` makes "
-                                          "their items"));
-    }
-    const QSet<QString> known(before.begin(), before.end());
-    QStringList made = itemsBelow(folder, context);
-    made.removeIf([&known](const QString &bundleID) { return known.contains(bundleID); });
-    ImportReport report;
-    report.setImported(made);
-    if (status == 0 || !made.isEmpty()) {
-        printReport(report, context);
-    }
-    return status;
+    return manager ? zqAfterLiveFolders(*manager, {folder}, context, report) : report(context, false);
 }
 
 void cancelWholly(const std::shared_ptr<ImportOperation> &operation)

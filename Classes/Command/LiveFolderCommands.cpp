@@ -17,6 +17,8 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -74,6 +76,19 @@ qint64 itemsIn(const QList<Folder> &folders)
     return count;
 }
 
+// What is said of folders below a root, as of one that cannot be read.
+QList<std::pair<QString, QString>> reasonsBelow(const QList<Folder> &below, const LiveFolderManaging *manager)
+{
+    QList<std::pair<QString, QString>> reasons;
+    for (const Folder &folder : manager ? below : QList<Folder>()) {
+        const QString reason = manager->statusOfWatchedFolder(folder->objectID()).reason;
+        if (!reason.isEmpty()) {
+            reasons.append({folder->folderPath(), reason});
+        }
+    }
+    return reasons;
+}
+
 void print(const QList<Folder> &roots, CommandContext &context)
 {
     const LiveFolderManaging *const manager = context.delegate->liveFolderManager();
@@ -83,13 +98,19 @@ void print(const QList<Folder> &roots, CommandContext &context)
         const qint64 items = itemsIn(QList<Folder>{root} + below);
         const QString state = stateOf(*root);
         const QString reason = manager ? manager->statusOfWatchedFolder(root->objectID()).reason : QString();
+        const auto reasons = reasonsBelow(below, manager);
+        QJsonObject objectOfReasons;
+        for (const auto &[path, why] : reasons) {
+            objectOfReasons.insert(path, why);
+        }
         objects.append(QJsonObject{{QStringLiteral("UUID"), root->UUID()},
                                    {QStringLiteral("title"), root->title()},
                                    {QStringLiteral("folderPath"), root->folderPath()},
                                    {QStringLiteral("items"), items},
                                    {QStringLiteral("folders"), below.size()},
                                    {QStringLiteral("state"), state},
-                                   {QStringLiteral("reason"), reason}});
+                                   {QStringLiteral("reason"), reason},
+                                   {QStringLiteral("reasonsBelow"), objectOfReasons}});
         if (!context.json) {
             const QString what = items == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%d items"), {items});
             const QString where =
@@ -97,6 +118,9 @@ void print(const QList<Folder> &roots, CommandContext &context)
             context.print(zqFormat(zqLocalized("%@: %@, %@ in %@"), {root->folderPath(), state, what, where}));
             if (!reason.isEmpty()) {
                 context.print(u' ' + reason);
+            }
+            for (const auto &[path, why] : reasons) {
+                context.print(zqFormat(zqLocalized(" %@: %@"), {path, why}));
             }
         }
     }
@@ -107,47 +131,113 @@ void print(const QList<Folder> &roots, CommandContext &context)
 
 } // namespace
 
-bool zqWaitForLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context)
+namespace {
+
+// Shows how far the manager is with some folders, and ends that with the person who asked for it.
+class LiveFolderWait
 {
-    bool isCancelled = false;
-    const auto cancel = [&] {
-        isCancelled = true;
-        context.delegate->userInteraction().dismissQuestions();
-        manager.stopSyncingWatchedFolders(folders);
-    };
-    const AbandonWatch watch(context, cancel);
-    const auto progress =
-        context.delegate->userInteraction().beginProgress(zqLocalized("Reading live folders…"), 0, cancel);
-    qsizetype shown = 0;
-    qsizetype total = 0;
-    const auto isDone = [&] {
+public:
+    LiveFolderWait(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, const CommandContext &context)
+        : m_manager(manager), m_folders(folders), m_delegate(*context.delegate),
+          m_library(context.delegate->libraryBundleDirectory()), m_watch(context, [this] { cancel(); })
+    {
+    }
+
+    static std::shared_ptr<LiveFolderWait> begin(LiveFolderManaging &manager, const QList<ZQObjectID> &folders,
+                                                 const CommandContext &context)
+    {
+        auto wait = std::make_shared<LiveFolderWait>(manager, folders, context);
+        const auto cancel = [weak = std::weak_ptr(wait)] { // a click may come after the end
+            if (const auto alive = weak.lock()) {
+                alive->cancel();
+            }
+        };
+        wait->m_progress =
+            context.delegate->userInteraction().beginProgress(zqLocalized("Reading live folders…"), 0, cancel);
+        return wait;
+    }
+
+    bool wasCancelled() const { return m_wasCancelled; }
+    // A window may open another one meanwhile, or be quit.
+    bool isSameLibrary() const
+    {
+        return m_delegate.managedObjectContext() && !m_delegate.isTerminating() &&
+               m_delegate.libraryBundleDirectory() == m_library;
+    }
+    bool isDone()
+    {
+        if (!isSameLibrary()) {
+            return true;
+        }
         bool isSyncing = false;
-        for (const ZQObjectID &folder : folders) {
-            const LiveFolderStatus status = manager.statusOfWatchedFolder(folder);
+        for (const ZQObjectID &folder : m_folders) {
+            const LiveFolderStatus status = m_manager.statusOfWatchedFolder(folder);
             isSyncing = isSyncing || status.isSyncing;
-            if (status.filesTotal > 0 && status.filesTotal != total) {
-                total = status.filesTotal;
-                progress->setMaximum(double(total));
-            }
-            if (status.filesDone > shown) {
-                progress->advanceBy(double(status.filesDone - shown));
-                shown = status.filesDone;
-            }
+            show(status);
         }
         return !isSyncing;
+    }
+
+private:
+    void cancel()
+    {
+        m_wasCancelled = true;
+        if (isSameLibrary()) {
+            m_delegate.userInteraction().dismissQuestions();
+            m_manager.stopSyncingWatchedFolders(m_folders);
+        }
+    }
+    void show(const LiveFolderStatus &status)
+    {
+        if (status.filesTotal > 0 && status.filesTotal != m_total) {
+            m_total = status.filesTotal;
+            m_earlier += std::exchange(m_shown, 0);
+            m_progress->setMaximum(double(m_earlier + m_total));
+        }
+        if (status.filesDone > m_shown) {
+            m_progress->advanceBy(double(status.filesDone - m_shown));
+            m_shown = status.filesDone;
+        }
+    }
+
+    LiveFolderManaging &m_manager;
+    const QList<ZQObjectID> m_folders;
+    tamberin_AppDelegate &m_delegate;
+    const QString m_library;
+    bool m_wasCancelled = false;
+    qsizetype m_earlier = 0; // files of runs before
+    qsizetype m_shown = 0;   // of the one that goes on
+    qsizetype m_total = 0;
+    const AbandonWatch m_watch;
+    std::shared_ptr<UserProgress> m_progress;
+};
+
+} // namespace
+
+int zqAfterLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context,
+                       AfterLiveFolders then)
+{
+    const auto wait = LiveFolderWait::begin(manager, folders, context);
+    const auto isDone = [wait] { return wait->isDone(); };
+    const auto finish = [wait, then = std::move(then)](CommandContext &finished) {
+        return wait->isSameLibrary()
+                   ? then(finished, wait->wasCancelled())
+                   : finished.fail(zqLocalized("Zelto was quit or opened another library meanwhile; what was read "
+                                               "before that stays, ask again for the rest"));
     };
+    if (context.mayBeFinishedLater) {
+        context.pending = PendingCommand{isDone, finish, LiveFolderManaging::statusDidChange};
+        return 0;
+    }
     zqRunMainLoopUntil(isDone);
-    return !isCancelled;
+    return finish(context);
 }
 
 namespace {
 
-int finish(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context)
+int report(const LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context,
+           bool wasCancelled)
 {
-    if (!zqWaitForLiveFolders(manager, folders, context)) {
-        return context.fail(zqLocalized("it was cancelled; what was read before that stays in the library, and the "
-                                        "next `zelto sync` goes on"));
-    }
     QList<Folder> rows;
     for (const ZQObjectID &id : folders) {
         if (const auto row = zqCast<ZQSidebarWatchedFolder>(context.store().existingObjectWithID(id))) {
@@ -155,17 +245,34 @@ int finish(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, Comman
         }
     }
     print(rows, context);
-    bool isAway = false;
+    if (wasCancelled) {
+        return context.fail(zqLocalized("it was cancelled; what was read before that stays in the library, and the "
+                                        "next `zelto sync` goes on"));
+    }
+    int status = 0;
     for (const Folder &row : std::as_const(rows)) {
         const QString state = stateOf(*row);
         if (state == u"missing" || state == u"trashed") {
-            isAway = true;
             const QString reason = manager.statusOfWatchedFolder(row->objectID()).reason;
-            context.fail(
+            status = context.fail(
                 zqFormat(zqLocalized("“%@” is out of reach; its items are kept. %@"), {row->folderPath(), reason}));
+        } else if (const qsizetype kept = manager.statusOfWatchedFolder(row->objectID()).filesKept; kept > 0) {
+            status = context.fail(
+                zqFormat(zqLocalized("%d files are gone from “%@”, and their items are kept. If a drive is not "
+                                     "connected, connect it; to remove them from the library, run `zelto livefolders "
+                                     "sync --remove-missing \"%@\"`"),
+                         {kept, row->folderPath(), row->folderPath()}));
         }
     }
-    return isAway ? 2 : 0;
+    return status;
+}
+
+int reportLater(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context)
+{
+    return zqAfterLiveFolders(manager, folders, context,
+                              [&manager, folders](CommandContext &finished, bool wasCancelled) {
+                                  return report(manager, folders, finished, wasCancelled);
+                              });
 }
 
 LiveFolderManaging *managerOf(CommandContext &context)
@@ -201,11 +308,16 @@ int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context)
     for (const ZQObjectID &folder : result.alreadyThere) {
         manager->syncWatchedFolder(folder, false);
     }
-    const int status = finish(*manager, result.added + result.alreadyThere, context);
     for (const AddedLiveFolders::Refused &refused : result.refused) {
         context.fail(zqFormat(zqLocalized("“%@” was not added. %@"), {refused.path, refused.reason}));
     }
-    return result.refused.isEmpty() ? status : 2;
+    const QList<ZQObjectID> folders = result.added + result.alreadyThere;
+    return zqAfterLiveFolders(
+        *manager, folders, context,
+        [manager, folders, areAll = result.refused.isEmpty()](CommandContext &finished, bool wasCancelled) {
+            const int status = report(*manager, folders, finished, wasCancelled);
+            return areAll ? status : 2;
+        });
 }
 
 int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
@@ -220,16 +332,27 @@ int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
                                      {folder->folderPath()}));
     }
     const ZQObjectID id = folder->objectID();
-    if (LiveFolderManaging *const manager = context.delegate->liveFolderManager()) {
-        manager->stopSyncingWatchedFolders({id});
-        zqWaitForLiveFolders(*manager, {id}, context);
+    const auto remove = [id](CommandContext &finished, bool wasCancelled) {
+        if (wasCancelled) {
+            return finished.fail(zqLocalized("it was cancelled; the live folder is still there"));
+        }
+        CommandEdits edits(finished);
+        const auto item = edits.context().sidebarItem(id);
+        if (!item || !item->active()) {
+            return finished.fail(zqLocalized("somebody else removed the live folder meanwhile"));
+        }
+        SidebarCommands(edits.context()).deleteListItems({item});
+        return edits.finish(1, "1 live folder removed; its folder stays on the disk", "%d live folders removed");
+    };
+    LiveFolderManaging *const manager = context.delegate->liveFolderManager();
+    if (!manager) {
+        return remove(context, false);
     }
-    CommandEdits edits(context);
-    SidebarCommands(edits.context()).deleteListItems({edits.context().sidebarItem(id)});
-    return edits.finish(1, "1 live folder removed; its folder stays on the disk", "%d live folders removed");
+    manager->stopSyncingWatchedFolders({id});
+    return zqAfterLiveFolders(*manager, {id}, context, remove);
 }
 
-int zqRunSyncLiveFolders(const QString &reference, CommandContext &context)
+int zqRunSyncLiveFolders(const QString &reference, bool removesMissing, CommandContext &context)
 {
     LiveFolderManaging *const manager = managerOf(context);
     if (!manager) {
@@ -240,7 +363,6 @@ int zqRunSyncLiveFolders(const QString &reference, CommandContext &context)
         for (const Folder &root : rootsOf(context)) {
             if (stateOf(*root) != u"disabled") {
                 folders.append(root->objectID());
-                manager->syncWatchedFolder(root->objectID(), false);
             }
         }
     } else {
@@ -252,7 +374,13 @@ int zqRunSyncLiveFolders(const QString &reference, CommandContext &context)
             return context.fail(zqFormat(zqLocalized("“%@” is disabled; enable it in the window first"), {reference}));
         }
         folders.append(folder->objectID());
-        manager->syncWatchedFolder(folder->objectID(), true);
     }
-    return finish(*manager, folders, context);
+    for (const ZQObjectID &folder : std::as_const(folders)) {
+        if (removesMissing) {
+            manager->syncAndRemoveMissing(folder);
+        } else {
+            manager->syncWatchedFolder(folder, !reference.isEmpty());
+        }
+    }
+    return reportLater(*manager, folders, context);
 }

@@ -54,7 +54,13 @@ void FolderFilesSync::run(FolderTreeSync &tree)
     }
     noteItemsOfGoneFolders(tree);
     settle();
+    if (isCutShort()) {
+        m_import.giveUpWaiting();
+    }
     m_import.finish();
+    for (const qint64 folder : m_import.foldersGivenUp()) {
+        leave(folder);
+    }
 }
 
 // Files may have moved out of a folder before it was removed.
@@ -197,7 +203,7 @@ void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const 
     if (item && item->active()) {
         const bool didMove = m_run.earlierPaths.contains(folder.key);
         if (!was || !was->isAs(entry) || didMove || m_run.isForced) {
-            refresh(item, file.path, entry, was);
+            updateDbItem(item, file.path, entry, was);
         }
         return;
     }
@@ -256,7 +262,8 @@ void FolderFilesSync::renewReference(const Item &item, const QString &path)
     item->setTitle(zqBaseName(path));
 }
 
-void FolderFilesSync::refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was)
+void FolderFilesSync::updateDbItem(const Item &item, const QString &path, const FolderEntry &entry,
+                                   const FolderEntry *was)
 {
     const auto file = zqFileOfPersistentURL(item->itemURLData());
     // What was taken out of a package is not the package.
@@ -430,19 +437,35 @@ void FolderFilesSync::settle()
         }
     }
     m_run.progress.begin(qsizetype(toImport.size()));
+    m_run.turn.beginReading();
     for (const auto &[file, SHA1] : toImport) {
         if (!m_run.isWanted()) {
             return;
         }
-        const bool canBeRead =
-            ImportQueries::fileAtPathIsSupported(file->path) && ImportQueries::isFileReadableAtPath(file->path);
-        if (!canBeRead) {
-            m_run.progress.advance();
-            continue;
+        if (isCutShort() || m_run.turn.isOver()) {
+            leave(file->folder);
+        } else {
+            import(*file, SHA1);
         }
-        waitUntilWritten(file->path, file->entry, m_run.operation);
-        m_run.changedRoots.insert(file->record->rootKey());
-        m_touched.append(file->path);
-        m_import.add({file->path, file->folder, SHA1});
     }
+}
+
+void FolderFilesSync::import(const NewFile &file, const QString &SHA1)
+{
+    const bool canBeRead =
+        ImportQueries::fileAtPathIsSupported(file.path) && ImportQueries::isFileReadableAtPath(file.path);
+    if (!canBeRead) {
+        m_run.progress.advance();
+        return;
+    }
+    waitUntilWritten(file.path, file.entry, m_run.operation);
+    m_run.changedRoots.insert(file.record->rootKey());
+    m_touched.append(file.path);
+    m_import.add({file.path, file.folder, SHA1});
+}
+
+void FolderFilesSync::leave(qint64 folder)
+{
+    ++m_filesLeft;
+    m_foldersLeft.insert(folder);
 }

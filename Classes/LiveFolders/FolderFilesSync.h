@@ -32,6 +32,10 @@ public:
     // Files that may have got tags.
     const QStringList &touched() const { return m_touched; }
     bool isComplete() const { return m_run.isWanted() && !m_import.wasRefused(); }
+    // The run's turn was over before all files were read. How many were not, and in which folders.
+    bool isCutShort() const { return m_filesLeft > 0; }
+    qsizetype filesLeft() const { return m_filesLeft; }
+    const QSet<qint64> &foldersLeft() const { return m_foldersLeft; }
 
 private:
     using Item = ZQRef<ZQLibraryBaseItem>;
@@ -58,12 +62,14 @@ private:
     bool isElsewhereNow(const Item &item, const NewFile &now, const FolderEntry *recorded);
     QHash<QByteArray, Item> itemsByName(const FolderTreeSync::Changed &changed, QList<Item> &lost);
     QByteArray nameIn(const RecordedFolder &folder, const Item &item) const;
-    void refresh(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);
+    void updateDbItem(const Item &item, const QString &path, const FolderEntry &entry, const FolderEntry *was);
     void refreshTags(const Item &item, const QString &path, const FolderEntry &entry, bool isReplaced);
     void renewReference(const Item &item, const QString &path);
     void adopt(const Item &item, const NewFile &file);
     void noteItemsOfGoneFolders(const FolderTreeSync &tree);
     void settle();
+    void import(const NewFile &file, const QString &SHA1);
+    void leave(qint64 folder);
     bool hasContentOf(const Lost &lost, const FolderEntry &entry) const;
     Item movedHere(const NewFile &file);
     Item adoptableAt(const NewFile &file, QString &SHA1);
@@ -83,6 +89,8 @@ private:
     std::vector<Gone> m_gone;
     std::unordered_multimap<quint64, Lost> m_goneByInode;
     QStringList m_touched;
+    qsizetype m_filesLeft = 0;
+    QSet<qint64> m_foldersLeft;
     bool m_hasAdoptables = false;
     QHash<QString, QList<Item>> m_adoptableByPath;
     QMultiHash<quint64, Item> m_adoptableByInode;

@@ -132,7 +132,7 @@ bool FolderRemovals::mayRemove(const OfRoot &gone)
         return true;
     }
     const qint64 key = gone.record->rootKey();
-    if (m_run.records.takeAllowed(key, gone.what)) {
+    if (m_run.removesMissing.contains(key) || m_run.records.takeAllowed(key, gone.what)) {
         return true;
     }
     if (!m_run.records.isKept(key, gone.what)) {
@@ -154,7 +154,7 @@ bool FolderRemovals::mayRemove(const OfRoot &gone)
         const QString reason = zqFormat(zqLocalized("%d files are gone from its folder and stay in the library. Put "
                                                     "them back, or synchronise it now to remove them."),
                                         {gone.count});
-        m_run.records.keep(key, {gone.what, lacking, reason});
+        m_run.records.keep(key, {gone.what, gone.count, lacking, reason});
         m_run.reasons.insert(key, reason);
     }
     return false;

@@ -164,7 +164,8 @@ void FolderTreeSync::compareFolders(const Look &look, const FolderListing &listi
         const QByteArray path = pathOf(folder.path, listing.entries.name(entry));
         if (const RecordedFolder *const child = look.record->folderAtPath(path)) {
             const bool isAnother = child->inode != 0 && child->inode != entry.inode;
-            if (look.everythingBelow || isAnother || child->isMissing) {
+            // One that could not be read is told of by what holds it when it can be.
+            if (look.everythingBelow || isAnother || child->isMissing || !child->isKnown) {
                 m_looks.push_back({look.record, child->key, look.everythingBelow});
             }
         } else if (path.size() < PATH_MAX) {

@@ -78,6 +78,11 @@ bool LiveFileImport::isFirstThere()
     return !m_reading.empty() && m_reading.front().operation->isFinished();
 }
 
+void LiveFileImport::giveUpWaiting()
+{
+    m_importOperationQueue.cancelAllOperations();
+}
+
 void LiveFileImport::finish()
 {
     if (!m_run.isWanted()) {
@@ -120,6 +125,9 @@ void LiveFileImport::takeFirst(bool waits)
     const Reading reading = std::move(m_reading.front());
     m_reading.pop_front();
     if (reading.file.fileData.isEmpty()) {
+        if (reading.operation->isCancelled()) {
+            m_foldersGivenUp.append(reading.asked.folder);
+        }
         return;
     }
     if (m_run.didFail) {

@@ -31,8 +31,11 @@ public:
         QString SHA1;      // where it is known
     };
     void add(const File &file); // waits while many are being read
+    // What is not being read yet is left; `finish` follows.
+    void giveUpWaiting();
     void finish();
-    void saveIfDue(); // also what others changed in the context
+    const QList<qint64> &foldersGivenUp() const { return m_foldersGivenUp; } // one for each file
+    void saveIfDue();                                                        // also what others changed in the context
     bool saveNow();
     bool wasRefused() const { return !refusal().isEmpty(); } // as for a full disk
     void didChangeItem() { ++m_changes; }
@@ -77,6 +80,7 @@ private:
     std::deque<Reading> m_reading; // in the order of the files
     QHash<qint64, ZQRef<ZQSidebarWatchedFolder>> m_folders;
     std::vector<Written> m_written; // of the items since the last save
+    QList<qint64> m_foldersGivenUp;
     QDateTime m_importDate;
     qint64 m_count = 0;
     QString m_note;          // that item directories are being made

@@ -3,6 +3,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/LiveFolders/LiveFolderPlaces.h"
+#include "Classes/LiveFolders/RootFolders.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -11,7 +12,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLocale>
 #include <QPointer>
 
 #include <algorithm>
@@ -24,6 +24,8 @@ constexpr std::chrono::seconds untilEditsAreSaved{3};
 
 LiveFolderManager::LiveFolderManager() : m_syncOperationQueue(QStringLiteral("Live folders"), 1)
 {
+    connect(&m_removalQuestions, &RemovalQuestions::removalWasAllowed, this,
+            [this](const ZQObjectID &root) { syncWatchedFolder(root, true); });
     m_statusTimer.setInterval(statusInterval);
     connect(&m_statusTimer, &QTimer::timeout, this, [this] {
         for (const ZQObjectID &folder : m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>()) {
@@ -81,15 +83,39 @@ void LiveFolderManager::startObservingWatchedFolders()
         return;
     }
     m_watching = std::make_unique<LiveFolderWatching>();
-    connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::folderDidChange);
+    connect(m_watching.get(), &LiveFolderWatching::folderDidChange, this, &LiveFolderManager::updateWatchedFolder);
     connect(m_watching.get(), &LiveFolderWatching::entryDidMove, this, &LiveFolderManager::entryDidMove);
-    connect(m_watching.get(), &LiveFolderWatching::placesDidChange, this, [this] { syncRootWatchedFolders(); });
+    observeExternalDisk();
     connect(m_watching.get(), &LiveFolderWatching::reasonDidChange, this, [this] {
         for (const ZQRef<ZQSidebarWatchedFolder> &root : roots()) {
             postStatus(root->objectID());
         }
     });
     watchRoots();
+}
+
+void LiveFolderManager::observeExternalDisk()
+{
+    connect(m_watching.get(), &LiveFolderWatching::diskDidMount, this, &LiveFolderManager::externalDiskDidMount);
+    connect(m_watching.get(), &LiveFolderWatching::diskDidUnmount, this, &LiveFolderManager::externalDiskDidUnmount);
+}
+
+// All of them: one that is out of reach may have come back elsewhere, and paths may lead to a disk by way of links.
+void LiveFolderManager::externalDiskDidMount(const QString & /*path*/)
+{
+    syncRootWatchedFolders();
+}
+
+void LiveFolderManager::externalDiskDidUnmount(const QString &path)
+{
+    syncRootWatchedFolders();
+    if (!AImportManager::sharedAImportManager().libraryOnPath(path)) {
+        return;
+    }
+    constexpr int libraryWentAway = 2;
+    tamberin_AppDelegate::sharedDelegate()->userInteraction().presentError(ZQError::with(
+        QStringLiteral("zelto.livefolders"), libraryWentAway, zqLocalized("The drive with the library is gone."),
+        zqLocalized("Connect it again before you go on. What you change until then cannot be kept.")));
 }
 
 void LiveFolderManager::stopObservingWatchedFolders()
@@ -114,41 +140,69 @@ void LiveFolderManager::watchRoots()
     m_watching->setRoots(paths);
 }
 
-void LiveFolderManager::folderDidChange(const QString &path, bool everythingBelow)
+void LiveFolderManager::updateWatchedFolder(const QString &path, bool everythingBelow)
 {
-    noteFolderAtPath(path, everythingBelow);
+    scheduleFolderAtPath(path, everythingBelow);
     start();
 }
 
 // In one run, which must not take what it finds at one end only for removed.
 void LiveFolderManager::entryDidMove(const QString &from, const QString &to)
 {
-    noteFolderAtPath(QFileInfo(from).path(), false);
-    noteFolderAtPath(QFileInfo(to).path(), false);
+    const auto source = scheduleFolderAtPath(QFileInfo(from).path(), false);
+    const auto target = scheduleFolderAtPath(QFileInfo(to).path(), false);
+    if (source && target) {
+        m_wanted.join(rootOf(*source), rootOf(*target));
+    }
     start();
 }
 
-void LiveFolderManager::noteFolderAtPath(const QString &path, bool everythingBelow)
+std::optional<ZQObjectID> LiveFolderManager::scheduleFolderAtPath(const QString &path, bool everythingBelow)
 {
     ZQManagedObjectContext *const store = context();
     if (!store) {
-        return;
+        return std::nullopt;
     }
-    // What has no row yet is found by the nearest folder around it that has one.
     QString known = path;
     ZQRef<ZQSidebarWatchedFolder> folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     while (!folder && known.contains(u'/') && known.size() > 1) {
         known = QFileInfo(known).path();
         folder = ZQSidebarWatchedFolder::watchedFolderWithPath(known, *store);
     }
-    if (folder && folder->isFollowed()) {
-        note(folder->objectID(), {everythingBelow, false});
+    if (!folder || !folder->isFollowed()) {
+        return std::nullopt;
     }
+    scheduleDbItemToUpdate(folder->objectID(), everythingBelow);
+    return folder->objectID();
 }
 
+// What was written in the folder may lie in live folders below it.
 void LiveFolderManager::syncFolderAtPath(const QString &path)
 {
-    folderDidChange(QDir::cleanPath(path), false);
+    if (!zqIsMainThread()) {
+        zqOnMainThread([manager = QPointer(this), path] {
+            if (manager) {
+                manager->syncFolderAtPath(path);
+            }
+        });
+        return;
+    }
+    ZQManagedObjectContext *const store = context();
+    if (!store) {
+        return;
+    }
+    const QString place = QDir::cleanPath(path);
+    const QString canonical = QFileInfo(place).canonicalFilePath();
+    for (const QString &each : QSet<QString>{place, canonical.isEmpty() ? place : canonical}) {
+        scheduleFolderAtPath(each, false);
+        const auto below = ZQSidebarWatchedFolder::watchedFoldersWithPathPrefix(each + u'/', *store);
+        for (const auto &folder : below.value_or(QList<ZQRef<ZQSidebarWatchedFolder>>())) {
+            if (folder->is_root() && folder->isFollowed()) {
+                scheduleDbItemToUpdate(folder->objectID(), true);
+            }
+        }
+    }
+    start();
 }
 
 // Those that a person disabled are left alone; those that are out of reach are looked for.
@@ -168,20 +222,32 @@ void LiveFolderManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
     syncWatchedFolders({folder}, true, force);
 }
 
+void LiveFolderManager::syncAndRemoveMissing(const ZQObjectID &folder)
+{
+    m_removing.insert(rootOf(folder));
+    syncWatchedFolder(folder, true);
+}
+
 void LiveFolderManager::syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders,
                                            bool forceSync)
 {
     for (const ZQObjectID &folder : folders) {
-        note(folder, {shouldTraversSubFolders, forceSync});
+        scheduleDbItemToUpdate(folder, shouldTraversSubFolders, forceSync);
     }
     start();
 }
 
-void LiveFolderManager::note(const ZQObjectID &folder, Wanted wanted)
+void LiveFolderManager::scheduleDbItemToUpdate(const ZQObjectID &folder, bool everythingBelow, bool isForced)
 {
-    Wanted &all = m_wanted[folder];
-    all.everythingBelow = all.everythingBelow || wanted.everythingBelow;
-    all.isForced = all.isForced || wanted.isForced;
+    m_wanted.note(folder, {rootOf(folder), everythingBelow, isForced});
+}
+
+qint64 LiveFolderManager::rootOf(const ZQObjectID &folder) const
+{
+    ZQManagedObjectContext *const store = context();
+    const auto root =
+        store ? RootFolders::rootOf(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(folder))) : nullptr;
+    return root ? root->objectID().key : 0;
 }
 
 std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
@@ -199,41 +265,26 @@ std::shared_ptr<LiveFolderRecords> LiveFolderManager::records()
 
 void LiveFolderManager::start()
 {
-    if (m_running || m_wanted.isEmpty() || !context() || tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
+    if (m_wanted.isEmpty() || !context() || tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
         return;
     }
-    QList<ZQObjectID> whole;
-    QList<ZQObjectID> alone;
-    bool isForced = false;
-    for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {
-        (wanted->everythingBelow ? whole : alone).append(wanted.key());
-        isForced = isForced || wanted->isForced;
+    if (m_running) {
+        if (m_mayMakeWay && m_wanted.isAnyToGoFirst(m_runningRoots)) {
+            m_running->turn().endSoon();
+        }
+        return;
     }
-    m_wanted.clear();
+    const SyncRequests::Next next = m_wanted.unfoldItemsToUpdateSet();
     for (const qint64 root : std::exchange(m_left, {})) {
         records()->forgetKept(root);
     }
-    for (const qint64 root : std::exchange(m_postponed, {})) {
-        records()->askAgain(root);
-    }
-    records()->forgetAllowed();
-    for (const SyncQuestion &allowed : std::exchange(m_allowed, {})) {
-        records()->allowRemoval(allowed.root.key, allowed.what);
-    }
-    auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+    m_mayMakeWay = !m_removalQuestions.tell(*records(), next.roots); // what the person allowed is for this run
     // So that the run sees what the window does; not what is being typed, since a title renames a file.
     if (ZQError error; !context()->save(&error)) {
         qCWarning(zqLogStore).noquote() << error.localizedDescription();
     }
-    m_running = std::make_shared<WatchFoldersImportOperation>(
-        whole, true,
-        WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
-                                          .records = records(),
-                                          .owner = AImportManager::sharedAImportManager(),
-                                          .syncQueue = &m_syncOperationQueue,
-                                          .sender = static_cast<LiveFolderManaging *>(this)});
-    m_running->setAlsoLookedAt(alone);
-    m_running->setForced(isForced);
+    m_running = operationFor(next);
+    m_runningRoots = next.roots;
     m_wasStopped = false;
     m_running->setCompletionBlock([manager = QPointer(this), operation = std::weak_ptr(m_running)] {
         zqOnMainThread([manager, operation] {
@@ -247,6 +298,64 @@ void LiveFolderManager::start()
     m_statusTimer.start();
 }
 
+std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(const SyncRequests::Next &next)
+{
+    QList<ZQObjectID> whole;
+    QList<ZQObjectID> alone;
+    bool isForced = false;
+    for (auto wanted = next.folders.constBegin(); wanted != next.folders.constEnd(); ++wanted) {
+        (wanted->everythingBelow ? whole : alone).append(wanted.key());
+        isForced = isForced || wanted->isForced;
+    }
+    auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+    auto operation = std::make_shared<WatchFoldersImportOperation>(
+        whole, true,
+        WatchFoldersImportOperation::Uses{.coordinator = delegate.persistentStoreCoordinator(),
+                                          .records = records(),
+                                          .owner = AImportManager::sharedAImportManager(),
+                                          .syncQueue = &m_syncOperationQueue,
+                                          .sender = static_cast<LiveFolderManaging *>(this)});
+    operation->setAlsoLookedAt(alone);
+    operation->setForced(isForced);
+    operation->setRemovesMissing(m_removing & next.roots);
+    m_mayMakeWay = m_mayMakeWay && !m_removing.intersects(next.roots);
+    m_removing -= next.roots;
+    operation->setBegun(next.begun);
+    operation->turn().setLength(m_lengthOfTurns);
+    return operation;
+}
+
+// What was looked at is recorded, so that going on compares no more than what is left.
+void LiveFolderManager::goOnLater(const WatchFoldersImportOperation &operation)
+{
+    for (const WatchFoldersImportOperation::CutShort &cut : operation.cutShort()) {
+        if (isFollowed(cut.root)) {
+            m_wanted.cutShort(cut.root.key, cut.filesLeft);
+            scheduleDbItemToUpdate(cut.root, true);
+        }
+    }
+    QList<ZQObjectID> ended;
+    for (const ZQObjectID &folder : operation.toGoOn()) {
+        if (!isFollowed(folder)) {
+            ended.append(folder);
+            continue;
+        }
+        scheduleDbItemToUpdate(folder, operation.watchedFoldersIDs().contains(folder));
+        m_wanted.setBegun(folder);
+    }
+    postEnd(ended);
+}
+
+void LiveFolderManager::postEnd(const QList<ZQObjectID> &folders) const
+{
+    ZQManagedObjectContext *const store = context();
+    for (const ZQObjectID &folder : store ? folders : QList<ZQObjectID>()) {
+        ZQNotificationCenter::defaultCenter().postNotification(
+            didEndSync, static_cast<const LiveFolderManaging *>(this),
+            {{QStringLiteral("folder"), folder.URIRepresentation(store->persistentStoreCoordinator()->storeUUID())}});
+    }
+}
+
 void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation)
 {
     if (operation != m_running) {
@@ -256,8 +365,12 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
         m_reasons.insert(reason.key(), reason.value());
     }
     const QList<ZQObjectID> folders = operation->watchedFoldersIDs() + operation->alsoLookedAt();
+    for (const qint64 root : std::as_const(m_runningRoots)) {
+        m_filesKept.insert(root, records()->filesKept(root));
+    }
+    goOnLater(*operation);
     if (operation->isCancelled() && !m_wasStopped) {
-        m_wanted.clear(); // whoever ended all of it wants no more
+        postEnd(m_wanted.clear()); // whoever ended all of it wants no more
     }
     if (operation->isCancelled()) {
         putAwayWhatCameTooLate();
@@ -277,43 +390,7 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     for (const ZQObjectID &folder : folders) {
         postStatus(folder);
     }
-    for (const SyncQuestion &question : operation->questions()) {
-        m_questions.removeIf([&question](const SyncQuestion &other) { return other.root == question.root; });
-        m_questions.append(question);
-    }
-    askAboutRemovals();
-}
-
-// Meanwhile the disk is followed, and what is asked about stays.
-void LiveFolderManager::askAboutRemovals()
-{
-    if (m_isAsking) {
-        return;
-    }
-    m_isAsking = true;
-    const QPointer manager(this);
-    while (manager && !m_questions.isEmpty() && !tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
-        const SyncQuestion question = m_questions.takeFirst();
-        const int answer = tamberin_AppDelegate::sharedDelegate()->userInteraction().ask(
-            {zqFormat(zqLocalized("%@ files of the live folder “%@” are gone"),
-                      {QLocale().toString(question.count), question.title}),
-             zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the "
-                         "library, they leave their projects too. If a drive is not connected, keep them: they are "
-                         "there again when it is."),
-             {zqLocalized("Keep"), zqLocalized("Remove from Library"), zqLocalized("Ask Again Later")},
-             {},
-             false});
-        if (manager && answer == 1) {
-            m_allowed.append(question);
-            syncWatchedFolder(question.root, true);
-        } else if (manager && answer != 0) {
-            m_postponed.insert(question.root.key);
-        }
-    }
-    if (manager) {
-        m_questions.clear();
-        m_isAsking = false;
-    }
+    m_removalQuestions.ask(operation->questions());
 }
 
 // A run that is ended because its folder was removed or disabled may have saved a batch after that.
@@ -355,18 +432,18 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
         return folders.contains(id) ||
                (store && isBelow(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id)), folders));
     };
-    m_wanted.removeIf([&](const auto &wanted) { return isStopped(wanted.key()); });
+    postEnd(m_wanted.removeIf(isStopped));
     if (!m_running) {
         return;
     }
     bool concernsRun = false;
-    QHash<ZQObjectID, Wanted> rest;
+    QList<std::pair<ZQObjectID, bool>> rest;
     const auto sortOut = [&](const QList<ZQObjectID> &ids, bool everythingBelow) {
         for (const ZQObjectID &id : ids) {
             if (isStopped(id)) {
                 concernsRun = true;
             } else {
-                rest.insert(id, {everythingBelow, m_running->isForced()});
+                rest.append({id, everythingBelow});
             }
         }
     };
@@ -375,8 +452,8 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
     if (concernsRun) {
         m_wasStopped = true;
         m_running->cancel();
-        for (auto wanted = rest.constBegin(); wanted != rest.constEnd(); ++wanted) {
-            note(wanted.key(), *wanted);
+        for (const auto &[id, everythingBelow] : std::as_const(rest)) {
+            scheduleDbItemToUpdate(id, everythingBelow, m_running->isForced());
         }
     }
 }
@@ -450,7 +527,7 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
     for (const ZQObjectID &id : folders) {
         m_reasons.remove(id.key);
         if (!left.contains(id)) {
-            note(id, {true, false});
+            scheduleDbItemToUpdate(id, true);
         }
         postStatus(id);
     }
@@ -464,7 +541,8 @@ bool LiveFolderManager::isRunningFor(const ZQObjectID &folder) const
         return true;
     }
     QList<ZQObjectID> whole = m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>();
-    for (auto wanted = m_wanted.constBegin(); wanted != m_wanted.constEnd(); ++wanted) {
+    const auto &waiting = m_wanted.all();
+    for (auto wanted = waiting.constBegin(); wanted != waiting.constEnd(); ++wanted) {
         if (wanted->everythingBelow) {
             whole.append(wanted.key());
         }
@@ -477,7 +555,7 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
 {
     LiveFolderStatus status;
     status.isSyncing = isRunningFor(folder);
-    if (status.isSyncing && m_running) {
+    if (status.isSyncing && m_running && m_runningRoots.contains(rootOf(folder))) {
         const SyncProgress::State progress = m_running->progress();
         status.filesDone = progress.done;
         status.filesTotal = progress.total;
@@ -488,6 +566,7 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
         return status;
     }
     status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
+    status.filesKept = m_filesKept.value(folder.key);
     status.reason = m_reasons.value(folder.key);
     const auto standing = row->standing();
     if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Trashed) {

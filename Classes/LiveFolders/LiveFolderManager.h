@@ -3,6 +3,8 @@
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/LiveFolders/LiveFolderRecords.h"
 #include "Classes/LiveFolders/LiveFolderWatching.h"
+#include "Classes/LiveFolders/RemovalQuestions.h"
+#include "Classes/LiveFolders/SyncRequests.h"
 #include "Classes/LiveFolders/WatchFoldersImportOperation.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
@@ -13,9 +15,11 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 // Keeps live folders in step with the disk: has them watched, and synchronised one run after another. What is asked for
-// while a run goes on becomes one run together. Main thread.
+// while a run goes on becomes one run together; one that reads for long makes way for what concerns other roots, and
+// goes on after that. Main thread.
 class LiveFolderManager : public QObject, public LiveFolderManaging
 {
     Q_OBJECT
@@ -32,30 +36,34 @@ public:
     void syncRootWatchedFoldersForceSync(bool force);
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
     void syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders, bool forceSync);
-    void syncFolderAtPath(const QString &path); // does nothing for one that is in no live folder
+    void syncFolderAtPath(const QString &path) override;
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override;
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override;
     void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override;
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override;
+    void syncAndRemoveMissing(const ZQObjectID &folder) override;
+    void setLengthOfTurns(SyncTurn::Length length) { m_lengthOfTurns = length; } // that begin after that
 
 private:
-    struct Wanted
-    {
-        bool everythingBelow = false;
-        bool isForced = false;
-    };
-
     ZQManagedObjectContext *context() const; // null without a library
     QList<ZQRef<ZQSidebarWatchedFolder>> roots() const;
-    void note(const ZQObjectID &folder, Wanted wanted);
-    void noteFolderAtPath(const QString &path, bool everythingBelow);
+    // For the next run that concerns its root; `start` has it begin.
+    void scheduleDbItemToUpdate(const ZQObjectID &folder, bool everythingBelow, bool isForced = false);
+    qint64 rootOf(const ZQObjectID &folder) const; // 0 for none
+    // The nearest folder around it that has a row; nothing for none that is followed.
+    std::optional<ZQObjectID> scheduleFolderAtPath(const QString &path, bool everythingBelow);
     void start();
     void putAwayWhatCameTooLate();
-    void askAboutRemovals();
+    std::shared_ptr<WatchFoldersImportOperation> operationFor(const SyncRequests::Next &next);
     void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
+    void goOnLater(const WatchFoldersImportOperation &operation);
+    void postEnd(const QList<ZQObjectID> &folders) const; // of those whose run does not go on
     std::shared_ptr<LiveFolderRecords> records();
     void watchRoots();
-    void folderDidChange(const QString &path, bool everythingBelow);
+    void updateWatchedFolder(const QString &path, bool everythingBelow);
+    void observeExternalDisk();
+    void externalDiskDidMount(const QString &path);
+    void externalDiskDidUnmount(const QString &path);
     void entryDidMove(const QString &from, const QString &to);
     bool isRunningFor(const ZQObjectID &folder) const;
     bool isFollowed(const ZQObjectID &id) const; // or was removed, or disabled
@@ -65,13 +73,15 @@ private:
     ZQOperationQueue m_syncOperationQueue;
     std::shared_ptr<WatchFoldersImportOperation> m_running;
     bool m_wasStopped = false; // the running one, to leave out some of its folders
-    QHash<ZQObjectID, Wanted> m_wanted;
+    bool m_mayMakeWay = true;  // the running one
+    QSet<qint64> m_runningRoots;
+    SyncTurn::Length m_lengthOfTurns;
+    SyncRequests m_wanted;
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
-    QList<SyncQuestion> m_questions;
-    QList<SyncQuestion> m_allowed; // by the next run, as what follows
-    QSet<qint64> m_postponed;      // roots whose question was put off
-    bool m_isAsking = false;
+    RemovalQuestions m_removalQuestions;
+    QSet<qint64> m_removing;              // roots of which what is missing may go in their next run
+    QHash<qint64, qsizetype> m_filesKept; // by root
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;
     std::shared_ptr<LiveFolderRecords> m_records;

@@ -64,6 +64,7 @@ void LiveFolderRecords::keep(qint64 rootKey, const Kept &kept)
 {
     Kept &all = m_kept[rootKey];
     all.what = kept.what;
+    all.count = kept.count;
     all.reason = kept.reason;
     all.folders += kept.folders;
 }

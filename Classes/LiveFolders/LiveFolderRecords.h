@@ -28,6 +28,7 @@ public:
     struct Kept
     {
         size_t what = 0;      // which ones
+        qsizetype count = 0;  // how many
         QSet<qint64> folders; // that held them
         QString reason;       // that the root shows as long; localized
     };
@@ -37,6 +38,7 @@ public:
     bool isKept(qint64 rootKey, size_t what) const { return m_kept.value(rootKey).what == what; }
     void keep(qint64 rootKey, const Kept &kept);
     void askAgain(qint64 rootKey); // about what is kept, when it is found gone the next time
+    qsizetype filesKept(qint64 rootKey) const { return m_kept.value(rootKey).count; }
     QString keptReason(qint64 rootKey) const { return m_kept.value(rootKey).reason; } // empty for none
     // The folder misses nothing any more; whether that was the last one of its root.
     bool endKept(qint64 rootKey, qint64 folderKey);

@@ -7,12 +7,13 @@
 #include <QFile>
 
 #include <algorithm>
+#include <utility>
 
-LiveFolderWatching::LiveFolderWatching(QObject *parent) : QObject(parent)
+LiveFolderWatching::LiveFolderWatching(QObject *parent) : QObject(parent), m_disks(ZQMountTable::read())
 {
     connect(&m_watcher, &ZQFileWatcher::folderDidChange, this, &LiveFolderWatching::folderDidChange);
     connect(&m_watcher, &ZQFileWatcher::entryDidMove, this, &LiveFolderWatching::entryDidMove);
-    connect(&m_watcher, &ZQFileWatcher::placesDidChange, this, &LiveFolderWatching::placesDidChange);
+    connect(&m_watcher, &ZQFileWatcher::placesDidChange, this, &LiveFolderWatching::compareDisks);
     // What happened before, or while it was away, nobody told.
     const auto lookAtAll = [this](const QString &root) {
         Q_EMIT folderDidChange(root, true);
@@ -24,6 +25,29 @@ LiveFolderWatching::LiveFolderWatching(QObject *parent) : QObject(parent)
         m_watchesNeeded = needed;
         Q_EMIT reasonDidChange();
     });
+}
+
+// A disk in another one's place is both. One that went and came back meanwhile is there as before, and is told, too.
+void LiveFolderWatching::compareDisks()
+{
+    const auto before = std::exchange(m_disks, ZQMountTable::read()).mountsBelow("/");
+    const auto now = m_disks.mountsBelow("/");
+    const auto lacks = [](const auto &mounts, const ZQMountTable::Mount &mount) {
+        return std::find(mounts.begin(), mounts.end(), mount) == mounts.end();
+    };
+    if (before == now) {
+        Q_EMIT diskDidMount(QStringLiteral("/"));
+    }
+    for (const ZQMountTable::Mount &mount : before) {
+        if (lacks(now, mount)) {
+            Q_EMIT diskDidUnmount(QFile::decodeName(mount.point));
+        }
+    }
+    for (const ZQMountTable::Mount &mount : now) {
+        if (lacks(before, mount)) {
+            Q_EMIT diskDidMount(QFile::decodeName(mount.point));
+        }
+    }
 }
 
 void LiveFolderWatching::setRoots(const QStringList &roots)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Files/ZQFileWatcher.h"
+#include "Kit/Files/ZQMountTable.h"
 
 #include <QObject>
 #include <QSet>
@@ -24,14 +25,18 @@ Q_SIGNALS:
     void folderDidChange(const QString &folder, bool everythingBelow);
     // Told before the changes of both folders, so that they can be looked at together.
     void entryDidMove(const QString &from, const QString &to);
-    void placesDidChange(); // something was mounted or unmounted
+    void diskDidMount(const QString &path); // anywhere
+    void diskDidUnmount(const QString &path);
     void reasonDidChange(); // of any root
 
 private:
     void observeWatchedFolderPath(const QString &path);
     void stopObserveWatchedFolderPath(const QString &path);
 
+    void compareDisks();
+
     ZQFileWatcher m_watcher;
+    ZQMountTable m_disks;
     QSet<QString> m_roots;
     qint64 m_watchesNeeded = 0; // when there were too few the last time; 0: there were always enough
 };

@@ -2,6 +2,7 @@
 
 #include "Classes/Import/ImportSettings.h"
 #include "Classes/LiveFolders/LiveFolderRecords.h"
+#include "Classes/LiveFolders/SyncTurn.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQOperation.h"
 #include "Kit/Persistence/ZQManagedObjectContext.h"
@@ -62,7 +63,9 @@ struct SyncRun
     const std::shared_ptr<ZQPersistentStoreCoordinator> coordinator;
     LiveFolderRecords &records;
     SyncProgress &progress;
-    const bool isForced; // what records say does not count, and what was decided is asked again
+    SyncTurn &turn;
+    const bool isForced;               // what records say does not count, and what was decided is asked again
+    const QSet<qint64> removesMissing; // roots: however much is gone leaves the library, and nobody is asked
 
     std::unique_ptr<ZQManagedObjectContext> moc = {};
     QSet<qint64> changedRoots = {};                     // something below them is not as the store had it

@@ -44,10 +44,15 @@ void WatchFoldersImportOperation::main()
                     .coordinator = m_uses.coordinator,
                     .records = *m_uses.records,
                     .progress = m_progress,
-                    .isForced = m_isForced};
+                    .turn = m_turn,
+                    .isForced = m_isForced,
+                    .removesMissing = m_removesMissing};
+        m_turn.begin();
         setupManagedObjectContext(run);
         for (const ZQObjectID &folder : all) {
-            post(LiveFolderManaging::didStartSync, folder);
+            if (!m_begun.contains(folder)) {
+                post(LiveFolderManaging::didStartSync, folder);
+            }
         }
         if (m_isForced) {
             run.records.forgetKept();
@@ -62,7 +67,9 @@ void WatchFoldersImportOperation::main()
         run.moc.reset();
     }
     for (const ZQObjectID &folder : all) {
-        post(LiveFolderManaging::didEndSync, folder);
+        if (!m_toGoOn.contains(folder)) {
+            post(LiveFolderManaging::didEndSync, folder);
+        }
     }
 }
 
@@ -83,7 +90,9 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     if (run.save() && tree.run()) {
         FolderFilesSync files(run);
         files.run(tree);
-        if (files.isComplete()) {
+        if (files.isComplete() && files.isCutShort()) {
+            endTurn(run, tree, files);
+        } else if (files.isComplete()) {
             FolderRemovals(run).run(tree, files);
             checkOrphans(run, roots);
             finish(run, tree, files);
@@ -91,7 +100,9 @@ void WatchFoldersImportOperation::syncFolders(SyncRun &run)
     } else {
         run.save();
     }
-    tellRefusal(run, tree);
+    if (m_cutShort.isEmpty()) {
+        tellRefusal(run, tree);
+    }
     QSet<qint64> keys;
     for (const ZQRef<ZQSidebarWatchedFolder> &root : roots.all()) {
         keys.insert(root->objectID().key);
@@ -123,6 +134,44 @@ void WatchFoldersImportOperation::tellRefusal(SyncRun &run, FolderTreeSync &tree
             run.reasons.insert(root.value(), run.refusal);
         } else if (run.isWanted() && run.records.endRefusal(root.key()) && !run.reasons.contains(root.value())) {
             run.reasons.insert(root.value(), run.records.keptReason(root.value()));
+        }
+    }
+}
+
+// Only what is in step with nothing to be done about it is recorded; all else is found as it is by the next run.
+void WatchFoldersImportOperation::endTurn(SyncRun &run, FolderTreeSync &tree, const FolderFilesSync &files)
+{
+    QSet<qint64> unsettled = files.foldersLeft();
+    for (const FolderFilesSync::Gone &gone : files.gone()) {
+        if (!gone.items.isEmpty()) {
+            unsettled.insert(gone.folder);
+        }
+    }
+    QSet<qint64> roots;
+    for (const FolderTreeSync::Gone &gone : tree.gone()) {
+        const RecordedFolder *const folder = gone.record->folder(gone.key);
+        unsettled.insert(folder ? folder->father : gone.record->rootKey()); // tells that it is gone
+        roots.insert(gone.record->rootKey());
+    }
+    std::erase_if(tree.changed(), [&](const FolderTreeSync::Changed &changed) {
+        const bool isUnsettled = unsettled.contains(changed.key);
+        if (RecordedFolder *const folder = isUnsettled ? changed.record->folder(changed.key) : nullptr) {
+            folder->isKnown = false;
+            roots.insert(changed.record->rootKey());
+        }
+        return isUnsettled;
+    });
+    finish(run, tree, files);
+    if (!run.isWanted()) {
+        return;
+    }
+    for (const qint64 root : std::as_const(roots)) {
+        m_cutShort.append({run.folderID(root), files.filesLeft()});
+    }
+    for (const ZQObjectID &id : m_watchedFoldersIDs + m_alone) {
+        const auto root = RootFolders::rootOf(zqCast<ZQSidebarWatchedFolder>(run.moc->existingObjectWithID(id)));
+        if (root && roots.contains(root->objectID().key)) {
+            m_toGoOn.insert(id);
         }
     }
 }

@@ -111,15 +111,19 @@ void InstanceServer::readFrom(QLocalSocket *socket)
     // The handler may run the event loop, in which the other side can go away.
     QPointer<QLocalSocket> alive(socket);
     parsed.isAbandoned = [alive] { return !alive || alive->state() == QLocalSocket::UnconnectedState; };
-    const InstanceReply reply = m_handler(parsed);
-    if (!alive) {
-        return;
+    parsed.answer = [alive](const InstanceReply &reply) {
+        if (!alive) {
+            return;
+        }
+        alive->write(line({{QStringLiteral("status"), reply.exitStatus},
+                           {QStringLiteral("output"), QString::fromLatin1(reply.output.toBase64())},
+                           {QStringLiteral("errors"), QString::fromLatin1(reply.errors.toBase64())}}));
+        alive->flush(); // the main loop may be over: no other would
+        alive->disconnectFromServer();
+    };
+    if (const auto reply = m_handler(parsed)) {
+        parsed.answer(*reply);
     }
-    alive->write(line({{QStringLiteral("status"), reply.exitStatus},
-                       {QStringLiteral("output"), QString::fromLatin1(reply.output.toBase64())},
-                       {QStringLiteral("errors"), QString::fromLatin1(reply.errors.toBase64())}}));
-    alive->flush(); // the main loop may be over: no other would
-    alive->disconnectFromServer();
 }
 
 namespace {

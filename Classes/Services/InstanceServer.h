@@ -12,19 +12,20 @@
 
 class QLocalSocket;
 
-// What a second process asks of the one that has the library open: to run a command, or to open files in its window.
-struct InstanceRequest
-{
-    QStringList arguments; // as on the command line, without the program's name
-    QString workingDirectory;
-    std::function<bool()> isAbandoned; // on the serving side: nobody waits for the reply any more
-};
-
 struct InstanceReply
 {
     int exitStatus = 0;
     QByteArray output;
     QByteArray errors;
+};
+
+// What a second process asks of the one that has the library open: to run a command, or to open files in its window.
+struct InstanceRequest
+{
+    QStringList arguments; // as on the command line, without the program's name
+    QString workingDirectory;
+    std::function<bool()> isAbandoned;                      // on the serving side: nobody waits for the reply any more
+    std::function<void(const InstanceReply &)> answer = {}; // on the serving side: for a reply that comes later; once
 };
 
 // Lets processes of the same user hand their work to the one that holds a library: a local socket named after the
@@ -37,7 +38,8 @@ class InstanceServer : public QObject
 {
     Q_OBJECT
 public:
-    using Handler = std::function<InstanceReply(const InstanceRequest &)>;
+    // Nothing: the request's `answer` is called later. Without that, the asking side hears that this process ended.
+    using Handler = std::function<std::optional<InstanceReply>(const InstanceRequest &)>;
 
     InstanceServer(const QString &socketName, Handler handler, QObject *parent = nullptr);
     ~InstanceServer() override; // what still waits is told that nothing of it was done

@@ -225,9 +225,15 @@ void ZQSidebarWatchedFolder::updateFolderOpenMetaSyncDate()
         qCWarning(zqLogTags, "folder path is not a string!!");
         return;
     }
+    // A link has no attributes; where it points to has.
+    const QFileInfo place(path);
+    const QString folder = place.isSymLink() ? place.canonicalFilePath() : path;
+    if (folder.isEmpty()) {
+        return;
+    }
     ZQError error;
     const auto date = ZQPropertyList::toBinary(zqNow(), &error);
-    if (!date || !ZQExtendedAttributes::set(path, syncDateAttribute, *date, &error)) {
+    if (!date || !ZQExtendedAttributes::set(folder, syncDateAttribute, *date, &error)) {
         const QString text =
             zqFormat(QStringLiteral("OpenMeta error on trying to set the sync data on folder: %@ error: %@"),
                      {path, error.localizedDescription()});

@@ -121,6 +121,7 @@ public:
     {
         m_calls.append(force ? QStringLiteral("forced sync") : QStringLiteral("folder sync"));
     }
+    void syncAndRemoveMissing(const ZQObjectID &folder) override { syncWatchedFolder(folder, true); }
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &) override { m_calls.append(QStringLiteral("stop sync")); }
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &, quint32) override { return {}; }
     void watchedFoldersDidChange(const QList<ZQObjectID> &) override {}

@@ -59,6 +59,49 @@ TEST(InstanceServer, ARequestIsAnsweredAndOneWhoseAskerGoesAwayIsAbandoned)
     EXPECT_EQ(reply->errors, "/x");
 }
 
+TEST(InstanceServer, AnswersThatComeLaterKeepNobodyWaiting)
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("socket"));
+    QList<InstanceRequest> waiting;
+    InstanceServer server(name, [&waiting](const InstanceRequest &request) {
+        waiting.append(request);
+        return std::optional<InstanceReply>();
+    });
+    ASSERT_TRUE(server.listen());
+    const auto ask = [&name](const char *what, std::atomic<int> &status) {
+        return std::thread([=, &status] {
+            const auto reply = InstanceServer::send(name, {{QString::fromLatin1(what)}, QStringLiteral("/x"), {}, {}});
+            status = reply ? reply->exitStatus : -1;
+        });
+    };
+    std::atomic<int> first = 0;
+    std::atomic<int> second = 0;
+    std::thread one = ask("one", first);
+    zqRunMainLoopUntil([&waiting] { return waiting.size() == 1; });
+    std::thread other = ask("other", second);
+    zqRunMainLoopUntil([&waiting] { return waiting.size() == 2; });
+    waiting.takeLast().answer({2, {}, {}});
+    zqRunMainLoopUntil([&second] { return second != 0; });
+    EXPECT_EQ(first, 0);
+    waiting.takeFirst().answer({1, {}, {}});
+    zqRunMainLoopUntil([&first] { return first != 0; });
+    one.join();
+    other.join();
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 2);
+
+    QLocalSocket leaver;
+    leaver.connectToServer(name);
+    ASSERT_TRUE(leaver.waitForConnected());
+    leaver.write("{\"arguments\":[\"leave\"]}\n");
+    ASSERT_TRUE(leaver.waitForBytesWritten());
+    zqRunMainLoopUntil([&waiting] { return waiting.size() == 1; });
+    leaver.abort();
+    zqRunMainLoopUntil([&waiting] { return waiting.first().isAbandoned(); });
+    waiting.takeFirst().answer({3, {}, {}}); // to nobody
+}
+
 TEST(InstanceServer, WhatIsAskedBeforeItIsReadyWaits)
 {
     const QTemporaryDir folder;

@@ -1,3 +1,5 @@
+#include "Classes/Command/PendingCommands.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Tests/Classes/Command/CommandFixture.h"
 
 #include <QDir>
@@ -53,4 +55,87 @@ TEST_F(CommandTest, SaysWhichFoldersItDoesNotMirrorAndWhichAreAway)
     ASSERT_TRUE(QDir(world.filePath(QStringLiteral(".in"))).removeRecursively());
     EXPECT_EQ(run("sync"), 2);
     EXPECT_TRUE(context.errors.contains("is out of reach; its items are kept")) << context.errors.constData();
+}
+
+// As a window serves them.
+TEST_F(CommandTest, CommandsThatWaitForLiveFoldersKeepNobodyWaiting)
+{
+    picture(QStringLiteral("one/a.png"), qRgb(200, 0, 0));
+    picture(QStringLiteral("other/b.png"), qRgb(0, 200, 0));
+    PendingCommands pending;
+    QStringList ended;
+    bool isGone = false;
+    const auto serve = [&](const QStringList &arguments) {
+        CommandContext served;
+        served.delegate = delegate.get();
+        served.workingDirectory = world.path();
+        served.mayBeFinishedLater = true;
+        served.isAbandoned = [&isGone, name = arguments.last()] { return isGone && name == u"gone"; };
+        CommandLine commandLine;
+        int status = 0;
+        ASSERT_TRUE(commandLine.parse(arguments, served, &status)) << served.errors.constData();
+        commandLine.run(served);
+        ASSERT_TRUE(served.pending);
+        pending.add(std::move(served), [&ended, arguments](int result, const CommandContext &finished) {
+            ended.append(arguments.last() + u' ' + QString::number(result) + u' ' +
+                         QString::fromUtf8(finished.output).section(u'/', -1).trimmed());
+        });
+    };
+    const auto run = [&serve](const char *words) { serve(QString::fromLatin1(words).split(u' ')); };
+    run("livefolders add one");
+    run("livefolders add other");
+    EXPECT_TRUE(ended.isEmpty());
+    zqRunMainLoopUntil([&ended] { return ended.size() == 2; });
+    ended.sort();
+    EXPECT_EQ(ended, (QStringList{QStringLiteral("one 0 one: live, 1 item in 1 folder"),
+                                  QStringLiteral("other 0 other: live, 1 item in 1 folder")}));
+
+    // One whose asker goes is cancelled, says what was done, and the rest goes on.
+    ended.clear();
+    picture(QStringLiteral("gone/c.png"), qRgb(0, 0, 200));
+    QFile written(world.filePath(QStringLiteral("gone/c.png"))); // so that its run has to wait
+    ASSERT_TRUE(written.open(QIODevice::ReadWrite));
+    run("livefolders add gone");
+    isGone = true;
+    run("livefolders sync one");
+    zqRunMainLoopUntil([&ended] { return ended.size() == 2; });
+    ended.sort();
+    EXPECT_EQ(ended.first(), QStringLiteral("gone 2 gone: live, 0 items in 1 folder"));
+    EXPECT_EQ(ended.last(), QStringLiteral("one 0 one: live, 1 item in 1 folder"));
+
+    ended.clear();
+    run("livefolders remove other");
+    zqRunMainLoopUntil([&ended] { return !ended.isEmpty(); });
+    EXPECT_TRUE(ended.first().startsWith(QStringLiteral("other 0"))) << ended.first().toStdString();
+}
+
+TEST_F(CommandTest, RemovesMuchThatIsGoneOnlyWhenToldTo)
+{
+    for (int i = 0; i < 60; ++i) {
+        picture(QStringLiteral("in/%1.png").arg(i), qRgb(i, 0, 0));
+    }
+    picture(QStringLiteral("in/stays.png"), qRgb(0, 200, 0));
+    ASSERT_EQ(run("livefolders add in"), 0) << context.errors.constData();
+    const auto takeAway = [this] {
+        for (int i = 0; i < 60; ++i) {
+            ASSERT_TRUE(QFile::remove(world.filePath(QStringLiteral("in/%1.png").arg(i))));
+        }
+    };
+    takeAway();
+    EXPECT_EQ(run("sync"), 2);
+    EXPECT_TRUE(context.errors.contains("60 files are gone")) << context.errors.constData();
+    EXPECT_TRUE(context.errors.contains("--remove-missing")) << context.errors.constData();
+    EXPECT_TRUE(context.output.contains("61 items")) << context.output.constData();
+
+    EXPECT_EQ(run("sync --remove-missing"), 0) << context.errors.constData();
+    EXPECT_TRUE(context.output.contains("1 item in")) << context.output.constData();
+
+    // It was said for one run.
+    for (int i = 0; i < 60; ++i) {
+        picture(QStringLiteral("in/%1.png").arg(i), qRgb(i, 0, 0));
+    }
+    EXPECT_EQ(run("sync in"), 0) << context.errors.constData();
+    takeAway();
+    EXPECT_EQ(run("sync in"), 2);
+    EXPECT_TRUE(context.output.contains("61 items")) << context.output.constData();
 }

@@ -27,6 +27,7 @@ public:
         synced.append(folder);
         wasForced = wasForced || force;
     }
+    void syncAndRemoveMissing(const ZQObjectID &folder) override { syncWatchedFolder(folder, true); }
     void stopSyncingWatchedFolders(const QList<ZQObjectID> & /*folders*/) override {}
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override
     {

@@ -31,6 +31,7 @@ public:
     {
         note(force ? "sync" : "look at", {folder});
     }
+    void syncAndRemoveMissing(const ZQObjectID &folder) override { note("remove missing", {folder}); }
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override { note("stop", folders); }
     void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override { note("changed", folders); }
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override { return m_statuses.value(folder); }
