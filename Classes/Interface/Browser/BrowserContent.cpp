@@ -18,9 +18,14 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
+
+// Rows of another place go when theirs are late, and only then, so that a quick answer is one change and not two.
+constexpr std::chrono::milliseconds untilRowsGo{150};
+constexpr std::chrono::milliseconds untilReadingIsSaid{250}; // after they went
 
 constexpr qsizetype mostFiles = 5000; // of a drag that another program gets
 
@@ -61,6 +66,8 @@ BrowserContent::BrowserContent(WindowContext &window, QObject *parent)
       m_typingTicket(window.fetcher, ContentFetcher::Priority::Typing)
 {
     connect(&m_values, &BrowserRowValues::arrived, this, &BrowserContent::valuesArrived);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &BrowserContent::endPatience);
 }
 
 void BrowserContent::setTab(std::shared_ptr<TabState> tab)
@@ -72,12 +79,35 @@ void BrowserContent::setTab(std::shared_ptr<TabState> tab)
     if (m_tab->content()) {
         take(Content(*m_tab->content()));
     }
+    waitForRows();
     if (m_isLoaded && !(single && single->isRecent()) && !m_tab->showsSavedSearch()) {
         // What another tab asked for is not wanted any more.
         m_contentTicket.run([](auto &, const auto &) { return ContentFetcher::Ticket::Answer(); });
     } else {
         reload(); // what is recent goes by the clock, and so may a search
     }
+}
+
+// Whoever goes on before the rows came waits no longer for that.
+void BrowserContent::waitForRows()
+{
+    if (m_isLoaded) {
+        m_patience.stop();
+        m_saysReading = false;
+    } else if (!m_patience.isActive() && !m_saysReading) {
+        m_patience.start(untilRowsGo);
+    }
+}
+
+void BrowserContent::endPatience()
+{
+    m_saysReading = m_patience.intervalAsDuration() == untilReadingIsSaid;
+    if (!m_saysReading) {
+        show({}, {});
+        m_folderKind.reset();
+        m_patience.start(untilReadingIsSaid);
+    }
+    Q_EMIT waited();
 }
 
 void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
@@ -159,12 +189,18 @@ void BrowserContent::take(const Content &content)
         return;
     }
     Q_EMIT aboutToChange();
+    show(content, heads);
+    m_folderKind = kind;
+    m_isLoaded = true;
+    waitForRows();
+    Q_EMIT changed();
+}
+
+void BrowserContent::show(const Content &content, const QList<ZQGridGroup> &heads)
+{
     m_content = content;
     m_groups = heads;
     m_shown.clear();
-    m_folderKind = kind;
-    m_isLoaded = true;
-    Q_EMIT changed();
 }
 
 void BrowserContent::dropObjects()
@@ -212,6 +248,9 @@ ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
 template <class Use>
 void BrowserContent::forEachRow(const ZQIndexSet &indexes, Use use) const
 {
+    if (isOfPlaceBefore()) {
+        return;
+    }
     for (const ZQIndexSet::Range &range : indexes.ranges()) {
         for (qint64 index = range.first; index <= range.last && index < count(); ++index) {
             use(index);
@@ -264,7 +303,7 @@ ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
 
 ZQIndexSet BrowserContent::indexesOfLibraryItems(const QList<ZQObjectID> &items) const
 {
-    return indexesOf(m_content.rows.related, items, 0, count());
+    return isOfPlaceBefore() ? ZQIndexSet() : indexesOf(m_content.rows.related, items, 0, count());
 }
 
 qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
@@ -304,6 +343,9 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 {
     if (text.front() >= u'0' && text.front() <= u'5') {
         return -1; // a rating, though nothing is selected to take it
+    }
+    if (isOfPlaceBefore()) {
+        return -1;
     }
     auto *self = const_cast<BrowserContent *>(this);
     m_typingTicket.run([self, text, from, rows = m_content.rows.ids, query = m_tab->contentQuery(),
@@ -382,8 +424,8 @@ QList<ZQObjectID> BrowserContent::itemsToLink(const QMimeData *data, WindowConte
 bool BrowserContent::dropsAtIndex(const QMimeData * /*data*/) const
 {
     const bool isInGroups = m_groups.size() > 1; // the rows are not in the order of the members then
-    return m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual && filter().isEmpty() &&
-           !isInGroups;
+    return !isOfPlaceBefore() && m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual &&
+           filter().isEmpty() && !isInGroups;
 }
 
 Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*/) const
@@ -512,7 +554,7 @@ QString BrowserContent::emptySearchText() const
 QString BrowserContent::emptyText() const
 {
     if (!m_isLoaded || m_isAskedAnew) {
-        return {};
+        return m_saysReading ? zqLocalized("Reading…") : QString();
     }
     if (!error().isNull()) {
         return ContentFetcher::textForError(error());

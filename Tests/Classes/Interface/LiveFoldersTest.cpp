@@ -386,6 +386,10 @@ TEST_F(LiveFoldersTest, ALongSynchronisationHasALineThatEndsIt)
     ASSERT_TRUE(cancel);
     cancel->click();
     EXPECT_EQ(fake.calls.join(u'|'), QStringLiteral("stop 100 % Pictures"));
+    EXPECT_TRUE(waitFor([&] { return line() == QStringLiteral("Stopping…"); })) << qPrintable(line());
+    fake.setStatus(*live, {.isSyncing = true, .filesDone = 121, .filesTotal = 4201, .isSwept = false, .reason = {}});
+    settle();
+    EXPECT_EQ(line(), QStringLiteral("Stopping…")) << "though what was read is still being saved";
     fake.end(*below);
     fake.end(*live);
     EXPECT_TRUE(waitFor([&] { return line().isEmpty(); }));
