@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QToolButton>
 
 namespace {
@@ -176,6 +177,53 @@ TEST_F(LiveFoldersTest, RowsSayHowTheirFoldersStand)
     EXPECT_FALSE(index(below).flags() & Qt::ItemIsDragEnabled) << "the disk says where it is";
 }
 
+TEST_F(LiveFoldersTest, ClosedRowsSayWhatIsBelowThem)
+{
+    const Folder live = addLive("Pictures", label);
+    const Folder other = addLive("Other", label);
+    const Folder below = addLive("Stick", live);
+    below->setIs_missing(true);
+    save();
+    fake.setStatus(*below, {.isSyncing = false,
+                            .filesDone = 0,
+                            .filesTotal = 0,
+                            .isSwept = false,
+                            .reason = QStringLiteral("Connect it.")});
+    fake.setStatus(*other, {.isSyncing = false,
+                            .filesDone = 0,
+                            .filesTotal = 0,
+                            .isSwept = true,
+                            .reason = QStringLiteral("Every hour.")});
+    const auto mark = [&](const Item &item) { return said(item, SidebarTreeModel::MarkRole); };
+    const QString reason = QStringLiteral("“Stick”: Connect it.");
+    EXPECT_EQ(mark(live), QStringLiteral("warning"));
+    EXPECT_TRUE(said(live, Qt::ToolTipRole).endsWith(reason)) << qPrintable(said(live, Qt::ToolTipRole));
+    EXPECT_EQ(mark(label), QString()) << "its rows say it themselves";
+    EXPECT_EQ(said(label, Qt::AccessibleDescriptionRole), QString());
+
+    tree()->collapse(index(label));
+    EXPECT_EQ(mark(label), QStringLiteral("warning"));
+    EXPECT_EQ(said(label, Qt::AccessibleDescriptionRole).split(u'\n'),
+              (QStringList{QStringLiteral("“Other”: Every hour."), reason}));
+    EXPECT_TRUE(said(label, Qt::ToolTipRole).endsWith(reason));
+    QSignalSpy changed(tree()->tree(), &QAbstractItemModel::dataChanged);
+    below->setIs_missing(false);
+    save();
+    fake.setStatus(*other, {});
+    fake.setStatus(*below, {});
+    EXPECT_TRUE(std::any_of(changed.begin(), changed.end(), [&](const QList<QVariant> &each) {
+        return each.first().value<QModelIndex>() == index(label);
+    }));
+    EXPECT_EQ(mark(label), QString());
+    tree()->expand(index(label));
+    EXPECT_EQ(mark(live), QString());
+    tree()->setExpanded(index(live), true);
+    below->setIs_missing(true);
+    save();
+    EXPECT_EQ(mark(live), QString());
+    EXPECT_EQ(said(below, SidebarTreeModel::CountRole), QStringLiteral("missing")) << "since no row above says it";
+}
+
 TEST_F(LiveFoldersTest, ASignTurnsWhileItsRowIsInViewAndSynchronised)
 {
     const Folder live = addLive("Pictures", label);
@@ -197,9 +245,11 @@ TEST_F(LiveFoldersTest, ASignTurnsWhileItsRowIsInViewAndSynchronised)
     run(CommandID::Sidebar);
     EXPECT_TRUE(waitFor([&] { return sign.isTurning(); }));
     tree()->collapse(index(label));
-    EXPECT_TRUE(waitFor([&] { return !sign.isTurning(); }));
-    tree()->expand(index(label));
+    EXPECT_TRUE(index(label).data(SidebarTreeModel::SyncingRole).toBool()) << "for what it hides";
+    EXPECT_TRUE(tree()->tree()->syncingRows().contains(index(label)));
     EXPECT_TRUE(waitFor([&] { return sign.isTurning(); }));
+    tree()->expand(index(label));
+    EXPECT_FALSE(index(label).data(SidebarTreeModel::SyncingRole).toBool());
     fake.end(*live);
     EXPECT_TRUE(waitFor([&] { return !sign.isTurning(); }));
     EXPECT_FALSE(index(live).data(SidebarTreeModel::SyncingRole).toBool())
