@@ -33,6 +33,7 @@ struct CommandLine::Options
     bool forgets = false;
     bool deleted = false;
     bool deep = false;
+    bool yes = false;
     std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
@@ -308,6 +309,13 @@ void CommandLine::defineLiveFolders()
     removal->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
     define(removal,
            [this](CommandContext &context) { return zqRunRemoveLiveFolder(text(m_options->reference), context); });
+    CLI::App *use = live->add_subcommand(
+        "use", "Take the folder that lies in the place of a missing live folder for it, as after a change of disks");
+    use->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
+    use->add_flag("--yes", m_options->yes, "Although items whose files are not in it leave the library");
+    define(use, [this](CommandContext &context) {
+        return zqRunUseLiveFolder(text(m_options->reference), m_options->yes, context);
+    });
     for (CLI::App *command : {live->add_subcommand("sync", "Bring a live folder, or all, in step with the disk"),
                               m_app->add_subcommand("sync", "Bring all live folders, or one, in step with the disk")}) {
         command->add_option("folder", m_options->reference, folderHelp)->type_name("REF");

@@ -71,6 +71,8 @@ int zqRunAttributes(const QStringList &paths, CommandContext &context);
 int zqRunLiveFolders(CommandContext &context);
 int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context);
 int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context);
+// What lies in the place of a missing one, for it. Without `yes` only where no item could go.
+int zqRunUseLiveFolder(const QString &reference, bool yes, CommandContext &context);
 // `reference` empty: all that are enabled.
 int zqRunSyncLiveFolders(const QString &reference, CommandContext &context);
 // Until what the manager does of these is done, with progress. False when it was cancelled.

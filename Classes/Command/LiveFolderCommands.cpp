@@ -229,6 +229,30 @@ int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
     return edits.finish(1, "1 live folder removed; its folder stays on the disk", "%d live folders removed");
 }
 
+int zqRunUseLiveFolder(const QString &reference, bool yes, CommandContext &context)
+{
+    LiveFolderManaging *const manager = managerOf(context);
+    const Folder folder = manager ? folderForReference(reference, context) : Folder();
+    if (!folder) {
+        return 2;
+    }
+    const ZQObjectID id = folder->objectID();
+    const QString path = folder->folderPath();
+    CommandEdits edits(context);
+    QString reason;
+    switch (SidebarCommands(edits.context()).useWatchedFolder(edits.context().sidebarItem(id), !yes, &reason)) {
+    case SidebarCommands::FolderUse::Refused:
+        return context.fail(zqFormat(zqLocalized("“%@” stays as it is. %@"), {path, reason}));
+    case SidebarCommands::FolderUse::Declined:
+        return context.fail(zqFormat(zqLocalized("“%@” stays as it is: items whose files are not in it would leave the "
+                                                 "library. With --yes they do"),
+                                     {path}));
+    case SidebarCommands::FolderUse::Done:
+        break;
+    }
+    return finish(*manager, {id}, context);
+}
+
 int zqRunSyncLiveFolders(const QString &reference, CommandContext &context)
 {
     LiveFolderManaging *const manager = managerOf(context);

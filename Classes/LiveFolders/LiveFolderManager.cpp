@@ -3,6 +3,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/LiveFolders/LiveFolderPlaces.h"
+#include "Classes/LiveFolders/RootFolders.h"
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -490,6 +491,8 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
     status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
     status.reason = m_reasons.value(folder.key);
     const auto standing = row->standing();
+    status.holdsAnother = row->is_root() && standing == ZQSidebarWatchedFolder::Standing::Missing &&
+                          status.reason == RootFolders::reasonForAnother();
     if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Trashed) {
         status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");
     } else if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Missing) {

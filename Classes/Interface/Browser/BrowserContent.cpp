@@ -341,10 +341,8 @@ QList<ZQListValue> BrowserContent::listValues(qint64 index, const QStringList &c
 // may.
 qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 {
-    if (text.front() >= u'0' && text.front() <= u'5') {
-        return -1; // a rating, though nothing is selected to take it
-    }
-    if (isOfPlaceBefore()) {
+    const bool isRating = text.front() >= u'0' && text.front() <= u'5'; // though nothing is selected to take it
+    if (isRating || isOfPlaceBefore()) {
         return -1;
     }
     auto *self = const_cast<BrowserContent *>(this);
@@ -484,6 +482,11 @@ bool BrowserContent::isFolderSyncing() const
     return folderStatus().isSyncing;
 }
 
+bool BrowserContent::isFolderOfAnother() const
+{
+    return m_folderKind == LiveFolderStates::Kind::Missing && folderStatus().holdsAnother;
+}
+
 bool BrowserContent::isFolderOff() const
 {
     const auto single = singleItem();
@@ -504,9 +507,9 @@ QString BrowserContent::emptyFolderText() const
     const QString path = folder->folderPath();
     switch (m_folderKind.value_or(Kind::Mirrored)) {
     case Kind::Missing:
-        return zqFormat(zqLocalized("The folder “%@” is not there."), {path}) + u'\n' +
-               (status.reason.isEmpty() ? zqLocalized("Connect its disk, or put it back.") : status.reason) + u'\n' +
-               zqLocalized("Its items come back with it.");
+        return zqFormat(zqLocalized("“%@” is out of reach."), {path}) + u'\n' +
+               LiveFolderStates::explanation(Kind::Missing, status) + u'\n' +
+               zqLocalized("Its items are kept, and come back with it.");
     case Kind::Trashed:
         return zqFormat(zqLocalized("The folder “%@” is in the trash. Put it back, and its items come back with it."),
                         {path});

@@ -46,7 +46,8 @@ public:
     bool isOfPlaceBefore() const { return !m_isLoaded && count() > 0; }
     // Of a live folder that is shown alone.
     bool isFolderAway() const { return m_folderKind && LiveFolderStates::isAway(*m_folderKind); }
-    bool isFolderOff() const; // by itself, so that it can be turned on
+    bool isFolderOff() const;       // by itself, so that it can be turned on
+    bool isFolderOfAnother() const; // what lies in its place could be taken for it
     bool isFolderSyncing() const;
     bool isOf(const QList<ZQObjectID> &liveFolders) const; // one of them is it
 

@@ -217,6 +217,8 @@ void MainWindowController::makeCommands()
     connect(&m_browser->emptyState(), &EmptyState::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(&m_browser->emptyState(), &EmptyState::enableRequested, this,
             [this] { m_sidebar->liveFolders().setEnabled({m_browser->content().singleItem()}, true); });
+    connect(&m_browser->emptyState(), &EmptyState::useRequested, this,
+            [this] { m_sidebar->liveFolders().use(m_browser->content().singleItem()); });
     connect(&m_browser->emptyState(), &EmptyState::everythingRequested, &m_toolbar->search(), &QLineEdit::clear);
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);

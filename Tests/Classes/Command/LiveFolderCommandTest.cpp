@@ -54,3 +54,28 @@ TEST_F(CommandTest, SaysWhichFoldersItDoesNotMirrorAndWhichAreAway)
     EXPECT_EQ(run("sync"), 2);
     EXPECT_TRUE(context.errors.contains("is out of reach; its items are kept")) << context.errors.constData();
 }
+
+TEST_F(CommandTest, TakesWhatLiesInThePlaceOfAFolderForIt)
+{
+    picture(QStringLiteral("in/a.png"), qRgb(200, 0, 0));
+    picture(QStringLiteral("in/b.png"), qRgb(200, 200, 0));
+    ASSERT_EQ(run("livefolders add in"), 0) << context.errors.constData();
+    EXPECT_EQ(run("livefolders use in"), 2) << "it is there";
+
+    ASSERT_TRUE(QDir(world.path()).rename(QStringLiteral("in"), QStringLiteral(".in")));
+    ASSERT_TRUE(QDir(world.filePath(QStringLiteral(".in"))).removeRecursively());
+    EXPECT_EQ(run("sync"), 2);
+    EXPECT_EQ(run("livefolders use in --yes"), 2) << "nothing is there";
+    ASSERT_TRUE(QDir(world.path()).mkdir(QStringLiteral("in")));
+    EXPECT_EQ(run("livefolders use in --yes"), 2) << "it is empty";
+    EXPECT_TRUE(context.errors.contains("is empty")) << context.errors.constData();
+
+    picture(QStringLiteral("in/c.png"), qRgb(0, 200, 0));
+    EXPECT_EQ(run("sync"), 2);
+    EXPECT_TRUE(context.errors.contains("Another folder is in its place")) << context.errors.constData();
+    EXPECT_EQ(run("livefolders use in"), 2);
+    EXPECT_TRUE(context.errors.contains("--yes")) << context.errors.constData();
+    EXPECT_EQ(run("livefolders use in --yes"), 0) << context.errors.constData();
+    EXPECT_TRUE(context.output.contains("in: live, 1 item in 1 folder")) << context.output.constData();
+    EXPECT_EQ(run("sync"), 0) << context.errors.constData();
+}

@@ -136,7 +136,7 @@ TEST_F(LiveFoldersTest, RowsSayHowTheirFoldersStand)
            "warning",
            "missing",
            "",
-           "This folder cannot be found.",
+           "Its folder cannot be found. Connect the drive it is on, or put the folder back.",
            true},
           {"in the trash",
            [&](bool is) { live->setIs_trashed(is); },
@@ -144,7 +144,7 @@ TEST_F(LiveFoldersTest, RowsSayHowTheirFoldersStand)
            "warning",
            "in trash",
            "",
-           "This folder is in the trash.",
+           "Its folder is in the trash. Restore it there, or remove the live folder.",
            true},
           {"off",
            [&](bool is) { live->setIs_enabled(!is); },
@@ -392,10 +392,25 @@ TEST_F(LiveFoldersTest, AnEmptyLiveFolderSaysWhyAndWhatToDo)
     live->setIs_missing(true);
     fake.setStatus(*live, {.isSyncing = false, .filesDone = 0, .filesTotal = 0, .isSwept = false, .reason = "Gone."});
     save();
-    EXPECT_EQ(text(), QStringLiteral("The folder “%1” is not there.\nGone.\n"
-                                     "Its items come back with it.")
+    EXPECT_EQ(text(), QStringLiteral("“%1” is out of reach.\nGone.\n"
+                                     "Its items are kept, and come back with it.")
                           .arg(live->folderPath()));
     EXPECT_EQ(buttons(), QString());
+    fake.setStatus(*live, {.isSyncing = false,
+                           .filesDone = 0,
+                           .filesTotal = 0,
+                           .isSwept = false,
+                           .reason = QStringLiteral("Another."),
+                           .holdsAnother = true});
+    EXPECT_EQ(buttons(), QStringLiteral("Use This Folder"));
+    whenAsked([](Sheet &sheet) { sheet.reject(); }); // it is empty
+    named<QPushButton>("Use the folder that is in the place of this one")->click();
+    EXPECT_TRUE(fake.calls.isEmpty()) << "what an unmounted drive leaves is not taken for the folder";
+    EXPECT_TRUE(QFile(live->folderPath() + QStringLiteral("/a.txt")).open(QIODevice::WriteOnly));
+    EXPECT_TRUE(menuOf(live).contains(QStringLiteral("Use This Folder")));
+    menuOf(live, QStringLiteral("Use This Folder"));
+    EXPECT_EQ(fake.calls.join(u'|'), QStringLiteral("changed Pictures")) << "no item could go, so nothing is asked";
+    fake.calls.clear();
     live->setIs_missing(false);
     live->setIs_trashed(true);
     save();
