@@ -9,6 +9,7 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/DuplicateAnswer.h"
+#include "Classes/Import/ForLiveFolder.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
@@ -198,12 +199,23 @@ QStringList itemsBelow(const ZQObjectID &id, CommandContext &context)
 }
 
 // There they lie on the disk, and no import of them is kept to go on with: synchronising makes their items.
-int copyIntoLiveFolder(const QStringList &paths, const ZQObjectID &folder, CommandContext &context)
+int copyIntoLiveFolder(const QStringList &given, const ZQObjectID &folder, const QVariantMap &metadata,
+                       CommandContext &context)
 {
+    const auto [paths, leftOut] = ForLiveFolder::of(given);
+    for (const DroppedFile &file : leftOut) {
+        context.fail(zqFormat(zqLocalized("“%@” was not copied. %@"), {file.path, file.reason}));
+    }
+    if (paths.isEmpty()) {
+        return 2;
+    }
     const QStringList before = itemsBelow(folder, context);
     const QByteArray output = context.output;
     CommandEdits edits(context);
-    LiveFolderEdits(edits.context()).copyFiles(paths, folder);
+    LiveFolderEdits(edits.context())
+        .copyFiles(paths, folder,
+                   {metadata.value(QStringLiteral("webURL")).toString(),
+                    metadata.value(QStringLiteral("webPageURL")).toString()});
     int status =
         edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
     if (context.json) {
@@ -222,7 +234,7 @@ int copyIntoLiveFolder(const QStringList &paths, const ZQObjectID &folder, Comma
     if (status == 0 || !made.isEmpty()) {
         printReport(report, context);
     }
-    return status;
+    return leftOut.isEmpty() ? status : 2;
 }
 
 void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
@@ -303,7 +315,7 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
             return 2;
         }
         if (target->isWatchedFolder()) {
-            return copyIntoLiveFolder(paths, target->objectID(), context);
+            return copyIntoLiveFolder(paths, target->objectID(), metadata, context);
         }
     }
     if (request.forgets) {

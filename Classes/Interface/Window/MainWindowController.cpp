@@ -92,9 +92,10 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
       m_mainWindow(std::make_unique<MainWindow>())
 {
     m_window->liveFolderManager = m_delegate->liveFolderManager();
-    ImportDoor::setWatchedFolderCopy([this](const QStringList &paths, const ZQObjectID &folder) {
-        LiveFolderEdits(*m_window).copyFiles(paths, folder);
-    });
+    ImportDoor::setWatchedFolderCopy(
+        [this](const QStringList &paths, const ZQObjectID &folder, const WhereFroms &origin) {
+            LiveFolderEdits(*m_window).copyFiles(paths, folder, origin);
+        });
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
     index->follow(m_window->context);
     m_fetcher->setIndex(index);
