@@ -26,6 +26,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 tamberin_AppDelegate &application()

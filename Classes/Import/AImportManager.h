@@ -4,6 +4,7 @@
 #include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportOwner.h"
 #include "Classes/Import/PendingImports.h"
+#include "Classes/Tags/WhereFroms.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
