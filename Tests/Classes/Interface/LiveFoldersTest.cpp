@@ -403,7 +403,7 @@ TEST_F(LiveFoldersTest, AnEmptyLiveFolderSaysWhyAndWhatToDo)
                            .reason = QStringLiteral("Another."),
                            .holdsAnother = true});
     EXPECT_EQ(buttons(), QStringLiteral("Use This Folder"));
-    whenAsked([](Sheet &sheet) { sheet.reject(); }); // it is empty
+    whenAsked([this](Sheet &) { press(Qt::Key_Return); }); // it is empty
     named<QPushButton>("Use the folder that is in the place of this one")->click();
     EXPECT_TRUE(fake.calls.isEmpty()) << "what an unmounted drive leaves is not taken for the folder";
     EXPECT_TRUE(QFile(live->folderPath() + QStringLiteral("/a.txt")).open(QIODevice::WriteOnly));
