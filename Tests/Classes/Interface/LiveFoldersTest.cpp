@@ -4,8 +4,8 @@
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
-#include "Tests/Classes/Interface/FakeLiveFolders.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
+#include "Tests/Support/ScriptedLiveFolders.h"
 
 #include <QDir>
 #include <QDropEvent>
@@ -94,7 +94,7 @@ protected:
     }
     QString rowsOfLabel() { return children(label).join(u' '); }
 
-    FakeLiveFolders fake;
+    ScriptedLiveFolders fake{[this]() -> ZQManagedObjectContext & { return context(); }};
     Item label;
     QString hint;
 };
