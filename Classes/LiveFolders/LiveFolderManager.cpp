@@ -321,6 +321,10 @@ void LiveFolderManager::askAboutRemovals()
 void LiveFolderManager::putAwayWhatCameTooLate()
 {
     ZQManagedObjectContext *const store = context();
+    if (store && tamberin_AppDelegate::sharedDelegate()->editQueue().operationCount() > 0) { // which may see to most
+        QTimer::singleShot(untilEditsAreSaved, this, &LiveFolderManager::putAwayWhatCameTooLate);
+        return;
+    }
     const auto items = store ? zqFetch<ZQLibraryBaseItem>(*store, QStringLiteral("managed == NO AND active == YES AND "
                                                                                  "(watchingFolder.active == NO OR "
                                                                                  "watchingFolder.is_enabled == NO)"))

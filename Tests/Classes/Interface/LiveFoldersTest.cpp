@@ -9,11 +9,13 @@
 
 #include <QDir>
 #include <QDropEvent>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QToolButton>
+#include <QToolTip>
 
 namespace {
 
@@ -222,6 +224,29 @@ TEST_F(LiveFoldersTest, ClosedRowsSayWhatIsBelowThem)
     save();
     EXPECT_EQ(mark(live), QString());
     EXPECT_EQ(said(below, SidebarTreeModel::CountRole), QStringLiteral("missing")) << "since no row above says it";
+}
+
+TEST_F(LiveFoldersTest, AToolTipThatIsReadSaysWhatHoldsNow)
+{
+    const Folder live = addLive("Pictures", label);
+    const auto setReason = [&](const char *reason) {
+        fake.setStatus(*live, {.isSyncing = false,
+                               .filesDone = 0,
+                               .filesTotal = 0,
+                               .isSwept = false,
+                               .reason = QString::fromUtf8(reason)});
+    };
+    setReason("Too many folders.");
+    const QPoint point = row(live).center();
+    QHelpEvent asked(QEvent::ToolTip, point, tree()->viewport()->mapToGlobal(point));
+    QApplication::sendEvent(tree()->viewport(), &asked);
+    EXPECT_EQ(QToolTip::text(), live->folderPath() + QStringLiteral("\nToo many folders."));
+    setReason("");
+    EXPECT_EQ(QToolTip::text(), live->folderPath());
+    QToolTip::showText(tree()->viewport()->mapToGlobal(point), QStringLiteral("Of another widget"), &window());
+    setReason("Too many folders.");
+    EXPECT_EQ(QToolTip::text(), QStringLiteral("Of another widget"));
+    QToolTip::hideText();
 }
 
 TEST_F(LiveFoldersTest, ASignTurnsWhileItsRowIsInViewAndSynchronised)
