@@ -118,6 +118,9 @@ void SidebarActivation::changeItemsOfFolders(const QList<ZQObjectID> &folders, b
         });
         return true;
     };
+    if (count > mostAtOnce) {
+        m_edits.save(); // so that the rows are seen to go, or come, at once
+    }
     zqPerformEdit(m_edits, {count, mostAtOnce}, {apply, text, true});
 }
 
