@@ -62,7 +62,9 @@ TEST_F(CommandTest, TakesWhatLiesInThePlaceOfAFolderForIt)
     picture(QStringLiteral("in/b.png"), qRgb(200, 200, 0));
     picture(QStringLiteral("second/c.png"), qRgb(0, 200, 0));
     picture(QStringLiteral("other/c.png"), qRgb(0, 0, 200));
-    picture(QStringLiteral("third/c.png"), qRgb(0, 200, 200));
+    QFile different(picture(QStringLiteral("third/c.png"), qRgb(0, 200, 200)));
+    ASSERT_TRUE(different.open(QIODevice::Append) && different.write("of another size") > 0);
+    different.close();
     QDir folder(world.path());
     ASSERT_TRUE(folder.mkdir(QStringLiteral("empty")));
     const auto replace = [&folder](const QString &replaced, const QString &by) {
