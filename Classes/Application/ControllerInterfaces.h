@@ -78,10 +78,11 @@ struct LiveFolderStatus
 {
     bool isSyncing = false; // or waits for its turn
     qsizetype filesDone = 0;
-    qsizetype filesTotal = 0; // 0: not known
-    bool isSwept = false;     // its file system tells of no change: it is looked at in intervals
-    qsizetype filesKept = 0;  // of a root: gone, so many at once that their items stay until the person says otherwise
-    QString reason;           // localized: why it is missing, looked at in intervals or not watched in full; or empty
+    qsizetype filesTotal = 0;  // 0: not known
+    bool isSwept = false;      // its file system tells of no change: it is looked at in intervals
+    qsizetype filesKept = 0;   // of a root: gone, so many at once that their items stay until the person says otherwise
+    QString reason;            // localized: why it is missing, looked at in intervals or not watched in full; or empty
+    bool holdsAnother = false; // of a root that is missing: another folder lies at its place, and could be taken for it
 };
 
 // What became of directories that were to be live folders.

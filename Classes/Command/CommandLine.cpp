@@ -34,6 +34,7 @@ struct CommandLine::Options
     bool deleted = false;
     bool deep = false;
     bool removesMissing = false;
+    bool yes = false;
     std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
@@ -299,6 +300,7 @@ void CommandLine::defineLiveFolders()
     const auto sync = [this](CommandContext &context) {
         return zqRunSyncLiveFolders(text(m_options->reference), m_options->removesMissing, context);
     };
+    const auto which = [this] { return text(m_options->reference); };
     define(live, zqRunLiveFolders);
     CLI::App *addition =
         live->add_subcommand("add", "Mirror folders: their pictures become items and stay where they are");
@@ -308,8 +310,13 @@ void CommandLine::defineLiveFolders()
     CLI::App *removal =
         live->add_subcommand("remove", "Take a live folder out of the sidebar; the folder stays on the disk");
     removal->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
-    define(removal,
-           [this](CommandContext &context) { return zqRunRemoveLiveFolder(text(m_options->reference), context); });
+    define(removal, [which](CommandContext &context) { return zqRunRemoveLiveFolder(which(), context); });
+    CLI::App *use = live->add_subcommand(
+        "use", "Take the folder that lies in the place of a missing live folder for it, as after a change of disks");
+    use->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
+    use->add_flag("--yes", m_options->yes, "Although items whose files are not in it leave the library");
+    define(use,
+           [this, which](CommandContext &context) { return zqRunUseLiveFolder(which(), m_options->yes, context); });
     for (CLI::App *command : {live->add_subcommand("sync", "Bring a live folder, or all, in step with the disk"),
                               m_app->add_subcommand("sync", "Bring all live folders, or one, in step with the disk")}) {
         command->add_option("folder", m_options->reference, folderHelp)->type_name("REF");

@@ -71,6 +71,8 @@ int zqRunAttributes(const QStringList &paths, CommandContext &context);
 int zqRunLiveFolders(CommandContext &context);
 int zqRunAddLiveFolders(const QStringList &paths, CommandContext &context);
 int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context);
+// What lies in the place of a missing one, for it. Without `yes` only where no item could go.
+int zqRunUseLiveFolder(const QString &reference, bool yes, CommandContext &context);
 // `reference` empty: all that are enabled. `removesMissing`: also where so much is gone that it would be kept.
 int zqRunSyncLiveFolders(const QString &reference, bool removesMissing, CommandContext &context);
 // Does `then` once what the manager does of these is done, with progress until then; answers its status.

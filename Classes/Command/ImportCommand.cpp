@@ -9,6 +9,7 @@
 #include "Classes/Editing/SidebarTargetRules.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/DuplicateAnswer.h"
+#include "Classes/Import/ForLiveFolder.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
@@ -198,19 +199,31 @@ QStringList itemsBelow(const ZQObjectID &id, CommandContext &context)
 }
 
 // There they lie on the disk, and no import of them is kept to go on with: synchronising makes their items.
-int copyIntoLiveFolder(const QStringList &paths, const ZQObjectID &folder, CommandContext &context)
+int copyIntoLiveFolder(const QStringList &given, const ZQObjectID &folder, const QVariantMap &metadata,
+                       CommandContext &context)
 {
+    const auto [paths, leftOut] = ForLiveFolder::of(given);
+    for (const DroppedFile &file : leftOut) {
+        context.fail(zqFormat(zqLocalized("“%@” was not copied. %@"), {file.path, file.reason}));
+    }
+    if (paths.isEmpty()) {
+        return 2;
+    }
     const QStringList before = itemsBelow(folder, context);
     const QByteArray output = context.output;
     CommandEdits edits(context);
-    LiveFolderEdits(edits.context()).copyFiles(paths, folder);
+    LiveFolderEdits(edits.context())
+        .copyFiles(paths, folder,
+                   {metadata.value(QStringLiteral("webURL")).toString(),
+                    metadata.value(QStringLiteral("webPageURL")).toString()});
     const int status =
         edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
     if (context.json) {
         context.output = output; // the report says it
     }
-    const auto report = [status, folder, known = QSet<QString>(before.begin(), before.end())](CommandContext &finished,
-                                                                                              bool wasCancelled) {
+    const auto report = [status, wasAll = leftOut.isEmpty(), folder,
+                         known = QSet<QString>(before.begin(), before.end())](CommandContext &finished,
+                                                                              bool wasCancelled) {
         QStringList made = itemsBelow(folder, finished);
         made.removeIf([&known](const QString &bundleID) { return known.contains(bundleID); });
         ImportReport sum;
@@ -220,7 +233,7 @@ int copyIntoLiveFolder(const QStringList &paths, const ZQObjectID &folder, Comma
         }
         return wasCancelled ? finished.fail(zqLocalized("it was cancelled; the copied files stay, and the next `zelto "
                                                         "sync` makes their items"))
-                            : status;
+                            : (wasAll ? status : 2);
     };
     LiveFolderManaging *const manager = context.delegate->liveFolderManager();
     return manager ? zqAfterLiveFolders(*manager, {folder}, context, report) : report(context, false);
@@ -304,7 +317,7 @@ int zqRunImport(const ImportRequest &request, CommandContext &context)
             return 2;
         }
         if (target->isWatchedFolder()) {
-            return copyIntoLiveFolder(paths, target->objectID(), context);
+            return copyIntoLiveFolder(paths, target->objectID(), metadata, context);
         }
     }
     if (request.forgets) {

@@ -352,6 +352,30 @@ int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
     return zqAfterLiveFolders(*manager, {id}, context, remove);
 }
 
+int zqRunUseLiveFolder(const QString &reference, bool yes, CommandContext &context)
+{
+    LiveFolderManaging *const manager = managerOf(context);
+    const Folder folder = manager ? folderForReference(reference, context) : Folder();
+    if (!folder) {
+        return 2;
+    }
+    const ZQObjectID id = folder->objectID();
+    const QString path = folder->folderPath();
+    CommandEdits edits(context);
+    QString reason;
+    switch (SidebarCommands(edits.context()).useWatchedFolder(edits.context().sidebarItem(id), !yes, &reason)) {
+    case SidebarCommands::FolderUse::Refused:
+        return context.fail(zqFormat(zqLocalized("“%@” stays as it is. %@"), {path, reason}));
+    case SidebarCommands::FolderUse::Declined:
+        return context.fail(zqFormat(zqLocalized("“%@” stays as it is: items whose files are not in it would leave the "
+                                                 "library. With --yes they do"),
+                                     {path}));
+    case SidebarCommands::FolderUse::Done:
+        break;
+    }
+    return reportLater(*manager, {id}, context);
+}
+
 int zqRunSyncLiveFolders(const QString &reference, bool removesMissing, CommandContext &context)
 {
     LiveFolderManaging *const manager = managerOf(context);

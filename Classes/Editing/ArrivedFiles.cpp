@@ -81,9 +81,45 @@ QString ArrivedFiles::move(const QString &from, const QString &folder, const QSt
     return to;
 }
 
+QString ArrivedFiles::takeFromTrash(const QString &trashed, const QString &copy, const ZQTreeState &state,
+                                    const QString &folder, const QString &name)
+{
+    const QFileInfo file(trashed);
+    const bool isAsItWas =
+        file.isFile() && !file.isSymLink() && ZQTreeState::of(trashed) == state && ZQTreeState::of(copy) == state;
+    if (!isAsItWas) {
+        return {};
+    }
+    const auto put = [&](const QString &path, ZQError *failure) {
+        ZQOwnChange own(path);
+        const bool isMoved = zqMoveNoted(trashed, path, failure);
+        if (isMoved) {
+            own.didChange();
+            m_changes.push_back(std::move(own));
+            m_changes.emplace_back(copy); // or an item would be made of it before it goes
+        }
+        return isMoved;
+    };
+    ZQError problem;
+    const QString to = zqUnderFreeName(folder, name, put, &problem);
+    if (!to.isEmpty()) {
+        m_renamed.add(trashed, to);
+        m_takenOut.append({trashed, to, copy, state});
+    }
+    return to;
+}
+
+std::optional<ArrivedFiles::Recycled> ArrivedFiles::recycledSource(const QString &path) const
+{
+    const auto found = m_recycled.constFind(path);
+    return found == m_recycled.constEnd() ? std::nullopt : std::optional(*found);
+}
+
+// All went to one folder.
 bool ArrivedFiles::flush(ZQError *error) const
 {
-    return m_copied.isEmpty() || zqSyncFileSystem(m_copied.last().to, error); // all went to one folder
+    return (m_copied.isEmpty() || zqSyncFileSystem(m_copied.last().to, error)) &&
+           (m_takenOut.isEmpty() || zqSyncFileSystem(m_takenOut.last().to, error));
 }
 
 void ArrivedFiles::takeBack()
@@ -97,6 +133,29 @@ void ArrivedFiles::takeBack()
         }
     }
     m_copied.clear();
+    m_takenOut.clear();
+}
+
+// A copy that is the same to the last byte is nobody's loss; any other one stays.
+void ArrivedFiles::removeCopy(const TakenOut &taken, FileProblems &problems) const
+{
+    const QFileInfo copy(taken.copy);
+    const QByteArray digest = zqSHA1OfFile(taken.to);
+    ZQError error;
+    if (!copy.exists()) {
+        return;
+    }
+    if (!copy.isFile() || copy.isSymLink() || ZQTreeState::of(taken.copy) != taken.state || digest.isEmpty() ||
+        zqSHA1OfFile(taken.copy) != digest) {
+        error = zqExplainedFileError(EBUSY, zqFormat(zqLocalized("“%@” was changed while it was moved. Compare both, "
+                                                                 "and delete the one you do not need."),
+                                                     {taken.copy}));
+    } else if (::unlink(QFile::encodeName(taken.copy).constData()) != 0 && errno != ENOENT) {
+        error = ZQError::posix(errno, taken.copy);
+    }
+    if (!error.isNull()) {
+        problems.add(copy.fileName(), error);
+    }
 }
 
 void ArrivedFiles::removeSources(FileProblems &problems)
@@ -114,14 +173,18 @@ void ArrivedFiles::removeSources(FileProblems &problems)
             error = zqExplainedFileError(EBUSY, zqFormat(zqLocalized("“%@” was changed while it was moved. Compare "
                                                                      "both, and delete the one you do not need."),
                                                          {copied.from}));
-        } else if (now) {
-            ZQTrash::recycle(copied.from, nullptr, &error);
+        } else if (QString trashed; now && ZQTrash::recycle(copied.from, &trashed, &error)) {
+            m_recycled.insert(copied.to, {trashed, copied.state});
         }
         if (!error.isNull()) {
             problems.add(QFileInfo(copied.from).fileName(), error);
         }
     }
     m_copied.clear();
+    for (const TakenOut &taken : std::exchange(m_takenOut, {})) {
+        ZQTrash::didTakeOut(taken.trashed);
+        removeCopy(taken, problems);
+    }
 }
 
 void ArrivedFiles::keepSources(const ZQError &why, FileProblems &problems) const
@@ -131,11 +194,17 @@ void ArrivedFiles::keepSources(const ZQError &why, FileProblems &problems) const
             problems.add(QFileInfo(copied.from).fileName(), why);
         }
     }
+    for (const TakenOut &taken : m_takenOut) {
+        problems.add(QFileInfo(taken.copy).fileName(), why);
+    }
 }
 
 void ArrivedFiles::addCopies(const ZQError &error, FileProblems &problems) const
 {
     for (const Copied &copied : m_copied) {
         problems.add(QFileInfo(copied.to).fileName(), error);
+    }
+    for (const TakenOut &taken : m_takenOut) {
+        problems.add(QFileInfo(taken.to).fileName(), error);
     }
 }

@@ -55,7 +55,7 @@ EditPass telling(const EditContext &edits, const EditPass &pass)
                 }
                 return result;
             },
-            pass.progressText};
+            pass.progressText, pass.isWhole};
 }
 
 } // namespace
@@ -68,7 +68,8 @@ bool EditContext::isBusy() const
 bool zqPerformEdit(EditContext &edits, EditSize size, const EditPass &pass)
 {
     if (size.rows > size.mostAtOnce || edits.isBusy()) {
-        QueuedEdit::begin(edits, pass.progressText, size, [pass](EditRun &run) { pass.apply(run); });
+        QueuedEdit::begin(
+            edits, pass.progressText, size, [pass](EditRun &run) { pass.apply(run); }, pass.isWhole);
         return true;
     }
     EditRun run(edits, size.perBatch);

@@ -15,7 +15,8 @@
 struct EditPass
 {
     std::function<bool(EditRun &run)> apply; // answers whether there is anything to take back, or was
-    QString progressText;                    // empty for what cannot be cancelled
+    QString progressText;                    // empty for none
+    bool isWhole = false; // half of it would be wrong: it cannot be cancelled, and quitting waits for it
 };
 
 // Whether anything was changed, or is going to be looked at.

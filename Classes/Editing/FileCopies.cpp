@@ -10,6 +10,7 @@
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQLog.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
@@ -77,9 +78,16 @@ bool FileCopies::copy(EditRun &run, const QString &path, const ZQSidebarWatchedF
     }
     ZQError error;
     const QString source = info.isSymLink() ? info.canonicalFilePath() : original; // what it leads to, under its name
-    const QString to = ArrivedFiles([&run] {
-                           return run.isCancelled();
-                       }).copy(source.isEmpty() ? original : source, place, info.fileName(), &error);
+    QString to;
+    {
+        ArrivedFiles arrived([&run] { return run.isCancelled(); }); // nobody makes an item before the origin is noted
+        to = arrived.copy(source.isEmpty() ? original : source, place, info.fileName(), &error);
+        if (const ZQError unnoted = to.isEmpty() || info.isDir() ? ZQError() : m_origin.noteInFile(to);
+            !unnoted.isNull()) {
+            qCWarning(zqLogFiles).noquote()
+                << "Where" << to << "came from is not kept:" << unnoted.localizedDescription();
+        }
+    }
     ZQOwnChanges::sharedOwnChanges().forget(to); // it is whole, and synchronising makes its item
     const auto state = to.isEmpty() ? std::nullopt : ZQTreeState::of(to, &error);
     if (!state) {

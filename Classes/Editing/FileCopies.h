@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQVerifiedCopy.h"
 #include "Kit/Persistence/ZQObjectID.h"
 
@@ -18,7 +19,11 @@ class ZQSidebarWatchedFolder;
 class FileCopies
 {
 public:
-    FileCopies(QStringList paths, const ZQObjectID &folder) : m_paths(std::move(paths)), m_folder(folder) {}
+    // `origin`: noted in the copies of files, so that their items know it.
+    FileCopies(QStringList paths, const ZQObjectID &folder, WhereFroms origin)
+        : m_paths(std::move(paths)), m_folder(folder), m_origin(std::move(origin))
+    {
+    }
 
     bool copyFiles(EditRun &run);   // whether there is any
     void deleteFiles(EditRun &run); // what was not come to stays for the next time
@@ -38,6 +43,7 @@ private:
 
     QStringList m_paths;
     ZQObjectID m_folder;
+    WhereFroms m_origin;
     QList<Copy> m_copies;  // that are there
     QList<Copy> m_deleted; // of which there are items
 };

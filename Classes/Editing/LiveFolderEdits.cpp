@@ -44,6 +44,8 @@ struct Arrived
     ZQObjectID item;       // in the folder now
     ZQObjectID fromFolder; // null for a copy
     QString fromPath;      // of its file
+    // Of what had to be copied: its file of before, while it is in the trash as it was.
+    std::optional<ArrivedFiles::Recycled> recycled = {};
 };
 
 struct Transfer
@@ -148,7 +150,8 @@ private:
         for (const Change &change : std::as_const(m_changes)) {
             const ZQObjectID id = change.item->objectID();
             if (change.arrived) {
-                m_transfer.arrived.append({id, change.arrived->fromFolder, change.arrived->fromPath});
+                m_transfer.arrived.append({id, change.arrived->fromFolder, change.arrived->fromPath,
+                                           m_files.recycledSource(change.item->itemURL())});
             }
             if (change.copyOf) {
                 m_transfer.copies.insert(*change.copyOf, id);
@@ -168,9 +171,13 @@ private:
             m_problems.add(item->title(), error);
             return false;
         }
+        didMove(item, folder, to);
+        return true;
+    }
+    static void didMove(const ZQRef<ZQLibraryBaseItem> &item, const Folder &folder, const QString &to)
+    {
         item->setWatchingFolder(folder.get());
         item->updateFileURLsForURL(to);
-        return true;
     }
     void bringOver(const ZQRef<ZQLibraryBaseItem> &item, const Folder &folder, const QString &place)
     {
@@ -198,7 +205,15 @@ private:
             return false;
         }
         const QString name = QFileInfo(arrived.fromPath).fileName();
-        const bool isMoved = moveFile(item, item->findItemURL(), folder, folder->folderURL(), name);
+        const QString from = item->findItemURL();
+        const QString to = arrived.recycled && !from.isEmpty()
+                               ? m_files.takeFromTrash(arrived.recycled->path, from, arrived.recycled->state,
+                                                       folder->folderURL(), name)
+                               : QString();
+        if (!to.isEmpty()) {
+            didMove(item, folder, to);
+        }
+        const bool isMoved = !to.isEmpty() || moveFile(item, from, folder, folder->folderURL(), name);
         if (isMoved) {
             m_changes.append({item, {}, {}});
         }
@@ -290,7 +305,7 @@ void LiveFolderEdits::moveLibraryItems(const QList<ZQObjectID> &items, const ZQO
     zqPushEdit(m_edits, zqLocalized("copy items"), sizeOf(m_edits, items, intoFolder), redo, undo);
 }
 
-void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &intoWatchedFolder)
+void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &intoWatchedFolder, const WhereFroms &origin)
 {
     if (paths.isEmpty()) {
         return;
@@ -300,7 +315,7 @@ void LiveFolderEdits::copyFiles(const QStringList &paths, const ZQObjectID &into
         const QFileInfo info(path);
         bytes += info.isDir() ? bytesPerRow * (filesPerBatch + 1) : info.size(); // a folder may hold anything
     }
-    const auto copies = std::make_shared<FileCopies>(paths, intoWatchedFolder);
+    const auto copies = std::make_shared<FileCopies>(paths, intoWatchedFolder, origin);
     const auto synchronise = [manager = m_edits.liveFolderManager, intoWatchedFolder] {
         if (manager) {
             zqOnMainThread([manager, intoWatchedFolder] { manager->syncWatchedFolder(intoWatchedFolder, false); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Editing/EditContext.h"
+#include "Classes/Tags/WhereFroms.h"
 
 #include <QStringList>
 
@@ -17,8 +18,8 @@ public:
     // is an item of its own with the same tags.
     void moveLibraryItems(const QList<ZQObjectID> &items, const ZQObjectID &intoFolder);
     // Copies files and folders there; what was there already stays where it is. The folder is synchronised afterwards,
-    // which makes items of them.
-    void copyFiles(const QStringList &paths, const ZQObjectID &intoWatchedFolder);
+    // which makes items of them. `origin`: of files that came from the web.
+    void copyFiles(const QStringList &paths, const ZQObjectID &intoWatchedFolder, const WhereFroms &origin = {});
 
     // Files that are copied, however few, are copied on the edit queue; what only moves from so many on.
     static constexpr qint64 mostAtOnce = 200;

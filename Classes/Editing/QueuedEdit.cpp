@@ -6,8 +6,8 @@
 #include <malloc.h>
 #include <utility>
 
-QueuedEdit::QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change)
-    : m_edits(edits), m_coordinator(edits.context.persistentStoreCoordinator()), m_size(size),
+QueuedEdit::QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change, bool isWhole)
+    : m_edits(edits), m_coordinator(edits.context.persistentStoreCoordinator()), m_size(size), m_isWhole(isWhole),
       m_change(std::move(change)), m_wasCancelled(edits.wasCancelled), m_queued(edits.queued)
 {
     ++*m_queued;
@@ -22,23 +22,25 @@ QueuedEdit::~QueuedEdit()
 }
 
 void QueuedEdit::begin(EditContext &edits, const QString &progressText, EditSize size,
-                       std::function<void(EditRun &)> change)
+                       std::function<void(EditRun &)> change, bool isWhole)
 {
-    const auto edit = std::make_shared<QueuedEdit>(edits, size, std::move(change));
+    const auto edit = std::make_shared<QueuedEdit>(edits, size, std::move(change), isWhole);
     const bool isShown = size.rows > size.perBatch || edits.isBusy();
     if (isShown && !progressText.isEmpty()) {
-        edit->m_progress = edits.user.beginProgress(progressText, double(size.rows), [weak = edit->weak_from_this()] {
+        const auto cancel = [weak = edit->weak_from_this()] {
             if (const auto waitingOrRunning = weak.lock()) {
                 waitingOrRunning->cancel();
             }
-        });
+        };
+        edit->m_progress =
+            edits.user.beginProgress(progressText, double(size.rows), isWhole ? std::function<void()>() : cancel);
     }
     edits.editQueue.addOperation(edit);
 }
 
 void QueuedEdit::endSoon()
 {
-    if (m_size.rows > m_size.perBatch) {
+    if (m_size.rows > m_size.perBatch && !m_isWhole) {
         cancel();
     }
 }

@@ -9,19 +9,20 @@ class QueuedEdit : public ZQOperation
 {
 public:
     // Puts a change of about so many rows on the queue. A person sees at once, and can cancel, one of more than a batch
-    // or one that has to wait for its turn.
+    // or one that has to wait for its turn; not cancel one that `isWhole`.
     static void begin(EditContext &edits, const QString &progressText, EditSize size,
-                      std::function<void(EditRun &)> change);
+                      std::function<void(EditRun &)> change, bool isWhole = false);
 
-    QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change);
+    QueuedEdit(EditContext &edits, EditSize size, std::function<void(EditRun &)> change, bool isWhole);
     ~QueuedEdit() override;
     void main() override;
-    void endSoon() override; // one that is no more than a batch is not lost
+    void endSoon() override; // one that is no more than a batch, or whole, is not lost
 
 private:
     EditContext &m_edits;
     std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     EditSize m_size;
+    bool m_isWhole;
     std::function<void(EditRun &)> m_change;
     std::shared_ptr<UserProgress> m_progress; // null for none
     std::function<void()> m_wasCancelled;     // of the context, which may be gone by then

@@ -40,6 +40,12 @@ public:
     // otherwise.
     void setWatchedFoldersEnabled(const Items &folders, bool enabled);
 
+    // Takes what lies at the place of a missing live folder for it: from then on that is the folder, and what it does
+    // not hold leaves the library. With `asks` that is asked about first. No step: the disk decides what it shows.
+    // `reason`: localized, why it was refused.
+    enum class FolderUse { Done, Declined, Refused };
+    FolderUse useWatchedFolder(const Item &item, bool asks, QString *reason);
+
     // Ask, unless told not to; false when the person declined.
     bool deleteSidebarItem(const Items &items);
     bool deleteSidebarItemAndRemoveContentFromLibrary(const Items &items);

@@ -3,6 +3,7 @@
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Editing/EditStep.h"
 #include "Classes/Editing/ItemEdits.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <algorithm>
@@ -11,6 +12,8 @@
 namespace {
 
 using Item = ZQRef<ZQSidebarBaseItem>;
+
+constexpr qsizetype foldersPerFetch = 500;
 
 void collectDescendants(const Item &item, QList<ZQObjectID> &into)
 {
@@ -39,8 +42,12 @@ void SidebarActivation::remove(const Item &row)
         add(row);
         return;
     }
-    row->deleteSelf();
-    addLiveFolder(row);
+    if (row->isWatchedFolder()) {
+        row->ZQSidebarBaseItem::deleteSelf();
+        addLiveFolder(row, false);
+    } else {
+        row->deleteSelf();
+    }
 }
 
 void SidebarActivation::restore(const Item &row)
@@ -50,20 +57,77 @@ void SidebarActivation::restore(const Item &row)
         add(row);
         return;
     }
-    row->restoreSelf();
-    addLiveFolder(row);
+    if (row->isWatchedFolder()) {
+        row->ZQSidebarBaseItem::restoreSelf();
+        addLiveFolder(row, true);
+    } else {
+        row->restoreSelf();
+    }
 }
 
-// Those below go with it.
-void SidebarActivation::addLiveFolder(const Item &row)
+// The items of one that is out of reach come back when it does.
+void SidebarActivation::addLiveFolder(const Item &row, bool comes)
 {
+    const auto folder = zqCast<ZQSidebarWatchedFolder>(row);
+    if (!comes) {
+        m_goingFolders.append(row->objectID());
+    } else if (folder->is_enabled() && !folder->is_missing() && !folder->is_trashed()) {
+        m_comingFolders.append(row->objectID());
+    }
     if (row->isWatchedFolder() && !zqIsSubFolder(*row)) {
         m_liveFolders.append(row->objectID());
     }
 }
 
+// Half of a live folder in the library would be no state of it.
+void SidebarActivation::changeItemsOfFolders(const QList<ZQObjectID> &folders, bool active)
+{
+    constexpr qint64 mostAtOnce = 1000;
+    QList<ZQFetchRequest> requests;
+    qint64 count = 0;
+    for (qsizetype first = 0; first < folders.size(); first += foldersPerFetch) {
+        QVariantList some;
+        for (const ZQObjectID &id : folders.mid(first, foldersPerFetch)) {
+            some.append(QVariant::fromValue(id));
+        }
+        requests.append({ZQLibraryBaseItem::entityName(),
+                         ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder IN %@ AND active == %@"),
+                                                          {QVariant(some), !active})});
+        // What cannot be counted is much.
+        count += qint64(m_edits.context.countForFetchRequest(requests.last()).value_or(mostAtOnce + 1));
+    }
+    if (count == 0) {
+        return;
+    }
+    const QString text = active ? zqLocalized("Bringing items back…") : zqLocalized("Removing items…");
+    const auto apply = [requests, text, active](EditRun &run) {
+        QList<ZQObjectID> items;
+        for (const ZQFetchRequest &request : requests) {
+            ZQError error;
+            const auto found = run.context().fetchObjectIDs(request, &error);
+            if (!found) {
+                run.presentError(error);
+                return false;
+            }
+            items += *found;
+        }
+        run.inBatches(text, items.size(), [&](qsizetype first, qsizetype size) {
+            ZQSidebarWatchedFolder::setItemsActive(
+                ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()), active);
+            return run.save();
+        });
+        return true;
+    };
+    if (count > mostAtOnce) {
+        m_edits.save(); // so that the rows are seen to go, or come, at once
+    }
+    zqPerformEdit(m_edits, {count, mostAtOnce}, {apply, text, true});
+}
+
 void SidebarActivation::save()
 {
+    changeItemsOfFolders(std::exchange(m_goingFolders, {}), false);
+    changeItemsOfFolders(std::exchange(m_comingFolders, {}), true);
     if (m_tagged.isEmpty()) {
         m_edits.save();
     } else {

@@ -17,7 +17,8 @@ struct SidebarPlace
 };
 
 // Rows that are deleted or restored together. Files lose and get tags after the save, many beside the window; a tag's
-// own `deleteSelf` would write them at once. Who keeps live folders in step is told of theirs. Main thread.
+// own `deleteSelf` would write them at once. Many items of live folders go and come beside the window, too. Who keeps
+// live folders in step is told of theirs. Main thread.
 class SidebarActivation
 {
 public:
@@ -28,12 +29,15 @@ public:
 
 private:
     void add(const ZQRef<ZQSidebarBaseItem> &tag);
-    void addLiveFolder(const ZQRef<ZQSidebarBaseItem> &row);
+    void addLiveFolder(const ZQRef<ZQSidebarBaseItem> &row, bool comes);
+    void changeItemsOfFolders(const QList<ZQObjectID> &folders, bool active);
 
     EditContext &m_edits;
     QList<ZQObjectID> m_tagged;
     QSet<ZQObjectID> m_known;
     QList<ZQObjectID> m_liveFolders;
+    QList<ZQObjectID> m_goingFolders; // whose items go with them
+    QList<ZQObjectID> m_comingFolders;
 };
 
 // Rows taken out of the sidebar with all below them, and put back where they hung. Each saves. Main thread.

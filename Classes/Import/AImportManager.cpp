@@ -3,6 +3,7 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/DirectoriesLeft.h"
+#include "Classes/Import/ForLiveFolder.h"
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/ImportQueries.h"
@@ -24,6 +25,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace {
 
@@ -91,7 +94,7 @@ std::shared_ptr<ImportOperation> AImportManager::startImport(const BatchRequest 
 {
     Q_ASSERT(zqIsMainThread());
     if (m_watchedFolderCopy && isWatchedFolder(request.target)) {
-        m_watchedFolderCopy(request.paths, request.target);
+        copyIntoWatchedFolder(request);
         return nullptr;
     }
     application().saveAction();
@@ -106,6 +109,33 @@ std::shared_ptr<ImportOperation> AImportManager::startImport(const BatchRequest 
         announceQueued(request.paths);
     }
     return operation;
+}
+
+// What a live folder would never show need not be copied there.
+void AImportManager::copyIntoWatchedFolder(const BatchRequest &request)
+{
+    constexpr qsizetype mostTold = 8;
+    const ForLiveFolder files = ForLiveFolder::of(request.paths);
+    if (!files.paths.isEmpty()) {
+        m_watchedFolderCopy(files.paths, request.target,
+                            {request.metadata.value(QStringLiteral("webURL")).toString(),
+                             request.metadata.value(QStringLiteral("webPageURL")).toString()});
+    }
+    if (files.leftOut.isEmpty()) {
+        return;
+    }
+    QStringList lines;
+    for (const DroppedFile &file : files.leftOut.first(std::min(mostTold, files.leftOut.size()))) {
+        lines.append(zqFormat(zqLocalized("“%@”: %@"), {QFileInfo(file.path).fileName(), file.reason}));
+    }
+    if (files.leftOut.size() > mostTold) {
+        lines.append(zqFormat(zqLocalized("and %d more"), {int(files.leftOut.size() - mostTold)}));
+    }
+    const QString text =
+        files.leftOut.size() == 1
+            ? zqLocalized("1 file was not copied into the live folder.")
+            : zqFormat(zqLocalized("%d files were not copied into the live folder."), {int(files.leftOut.size())});
+    presentImportError(ZQError::with(QStringLiteral("zelto.import"), 4, text, lines.join(u'\n')));
 }
 
 void AImportManager::announceQueued(const QStringList &paths)

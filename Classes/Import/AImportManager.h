@@ -4,6 +4,7 @@
 #include "Classes/Import/BatchRequest.h"
 #include "Classes/Import/ImportOwner.h"
 #include "Classes/Import/PendingImports.h"
+#include "Classes/Tags/WhereFroms.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
 
@@ -50,7 +51,8 @@ public:
     bool importPromisedFiles(const QMimeData &dropped, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex);
     // What is to go into a live folder is copied to its place on the disk by who can take that back: `copy` is called
     // instead of an import. Null: it is refused.
-    using WatchedFolderCopy = std::function<void(const QStringList &paths, const ZQObjectID &folder)>;
+    using WatchedFolderCopy =
+        std::function<void(const QStringList &paths, const ZQObjectID &folder, const WhereFroms &origin)>;
     void setWatchedFolderCopy(WatchedFolderCopy copy) { m_watchedFolderCopy = std::move(copy); }
     void stopAllOperation();
     void takeBackItemDirectories(const QStringList &names,
@@ -92,6 +94,7 @@ public:
 private:
     AImportManager();
     void announceQueued(const QStringList &paths);
+    void copyIntoWatchedFolder(const BatchRequest &request);
 
     ZQOperationQueue m_thumbsGenerationQueue;
     PendingImports m_pendingImports;

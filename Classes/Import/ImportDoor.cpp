@@ -62,7 +62,8 @@ void importDrop(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex)
     }
 }
 
-void setWatchedFolderCopy(std::function<void(const QStringList &paths, const ZQObjectID &folder)> copy)
+void setWatchedFolderCopy(
+    std::function<void(const QStringList &paths, const ZQObjectID &folder, const WhereFroms &origin)> copy)
 {
     AImportManager::sharedAImportManager().setWatchedFolderCopy(std::move(copy));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Editing/SidebarTargetRules.h"
+#include "Classes/Tags/WhereFroms.h"
 
 #include <QStringList>
 
@@ -21,7 +22,9 @@ void importFiles(const QStringList &paths, ZQSidebarBaseItem *into, quint32 atIn
 void importPasteboard(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex);
 // What is dropped: files as they are, or else what is promised, or else the picture.
 void importDrop(const QMimeData *data, ZQSidebarBaseItem *into, quint32 atIndex);
-// What any of these is to bring into a live folder is copied there by this; null: it is refused.
-void setWatchedFolderCopy(std::function<void(const QStringList &paths, const ZQObjectID &folder)> copy);
+// What any of these is to bring into a live folder is copied there by this, as far as live folders show it; null: it is
+// refused.
+void setWatchedFolderCopy(
+    std::function<void(const QStringList &paths, const ZQObjectID &folder, const WhereFroms &origin)> copy);
 
 } // namespace ImportDoor

@@ -25,9 +25,13 @@ QString standing(LiveFolderStates::Kind kind, const QString &reason)
     using enum LiveFolderStates::Kind;
     switch (kind) {
     case Missing:
-        return reason.isEmpty() ? zqLocalized("This folder cannot be found.") : reason;
+        return reason.isEmpty()
+                   ? zqLocalized("Its folder cannot be found. Connect the drive it is on, or put the folder back.")
+                   : reason;
     case Trashed:
-        return reason.isEmpty() ? zqLocalized("This folder is in the trash.") : reason;
+        return reason.isEmpty()
+                   ? zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.")
+                   : reason;
     case Off:
         return zqLocalized("This live folder is off: Enable in its menu has it looked at again.");
     case Swept:

@@ -30,6 +30,7 @@ public:
     const LiveFolderStatus &statusOf(const ZQObjectID &folder) const;
     void forgetStatuses() { m_statuses.clear(); } // the rows themselves may be others
     bool isSyncing(const ZQObjectID &folder) const { return m_syncing.contains(folder); }
+    bool holdsAnother(const ZQObjectID &folder) const { return statusOf(folder).holdsAnother; } // at its place
     // In no order.
     QList<ZQObjectID> syncing() const { return m_syncing.values(); }
 

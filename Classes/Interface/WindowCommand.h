@@ -17,6 +17,7 @@ enum class CommandID {
     SyncLiveFolder,
     StopLiveFolder,
     TurnLiveFolder, // off or on
+    UseLiveFolder,  // what lies in its place
     RevealLiveFolder,
     Import,
     LastImport,

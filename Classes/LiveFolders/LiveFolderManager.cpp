@@ -397,6 +397,10 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
 void LiveFolderManager::putAwayWhatCameTooLate()
 {
     ZQManagedObjectContext *const store = context();
+    if (store && tamberin_AppDelegate::sharedDelegate()->editQueue().operationCount() > 0) { // which may see to most
+        QTimer::singleShot(untilEditsAreSaved, this, &LiveFolderManager::putAwayWhatCameTooLate);
+        return;
+    }
     const auto items = store ? zqFetch<ZQLibraryBaseItem>(*store, QStringLiteral("managed == NO AND active == YES AND "
                                                                                  "(watchingFolder.active == NO OR "
                                                                                  "watchingFolder.is_enabled == NO)"))
@@ -569,6 +573,8 @@ LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &fold
     status.filesKept = m_filesKept.value(folder.key);
     status.reason = m_reasons.value(folder.key);
     const auto standing = row->standing();
+    status.holdsAnother = row->is_root() && standing == ZQSidebarWatchedFolder::Standing::Missing &&
+                          status.reason == RootFolders::reasonForAnother();
     if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Trashed) {
         status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");
     } else if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Missing) {

@@ -32,11 +32,16 @@ QString reasonForPlace(FolderPlace place, const FolderListing &listing)
     return place == FolderPlace::Emptied
                ? zqLocalized("Its folder is empty, though it was not before. Connect the drive it is on, or put the "
                              "files back.")
-               : zqLocalized("Another folder is in its place. Connect the drive it is on; if this is the folder to "
-                             "show, remove the live folder and add it again.");
+               : RootFolders::reasonForAnother();
 }
 
 } // namespace
+
+QString RootFolders::reasonForAnother()
+{
+    return zqLocalized("Another folder is in its place. Connect the drive it is on, or, if this is the folder to show, "
+                       "choose Use This Folder.");
+}
 
 qint64 RootFolders::stampOf(const ZQSidebarWatchedFolder &root)
 {

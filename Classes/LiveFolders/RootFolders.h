@@ -19,6 +19,7 @@ public:
     QList<ZQRef<ZQSidebarWatchedFolder>> all(); // active ones
     // The root of a folder; null for one that hangs nowhere.
     static ZQRef<ZQSidebarWatchedFolder> rootOf(const ZQRef<ZQSidebarWatchedFolder> &folder);
+    static QString reasonForAnother(); // a root is missing: another folder lies at its place; localized
     static qint64 stampOf(const ZQSidebarWatchedFolder &root);
 
     // The folder moved, with all it holds: rows and records say so.

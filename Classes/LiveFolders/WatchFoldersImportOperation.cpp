@@ -228,7 +228,10 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
         folder->isKnown = !run.toLookAtAgain.contains(each.key);
     }
     // Tags that were written there by now are no change of anybody else's.
-    TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(0, &run.operation);
+    if (!run.isWanted()) {
+        return; // the next run looks at everything again
+    }
     QHash<QByteArray, QList<QByteArray>> names;
     for (const QString &path : touched) {
         const QFileInfo file(path);

@@ -16,6 +16,17 @@ QString textAt(const QVariantList &list, qsizetype index)
 }
 } // namespace
 
+ZQError WhereFroms::noteInFile(const QString &path) const
+{
+    QVariantList urls = {webURL};
+    if (!webPageURL.isEmpty()) {
+        urls.append(webPageURL);
+    }
+    return webURL.isEmpty() && webPageURL.isEmpty()
+               ? ZQError()
+               : AttributeStore::write(urls, AttributeStore::spotlightKey(ownKey), path);
+}
+
 WhereFroms WhereFroms::urlsOfFile(const QString &path)
 {
     if (!AttributeStore::canNameAFile(path)) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Foundation/ZQError.h"
+
 #include <QString>
 
 // Where a downloaded file came from, as the file itself says: what this application noted (`zeltoWhereFroms`) above
@@ -15,4 +17,6 @@ struct WhereFroms
     static inline const QString referrerName = QStringLiteral("xdg.referrer.url");
 
     static WhereFroms urlsOfFile(const QString &path);
+    // Notes it in the file; nothing of an origin that is unknown. A null error on success.
+    ZQError noteInFile(const QString &path) const;
 };

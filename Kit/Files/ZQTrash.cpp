@@ -237,6 +237,17 @@ bool ZQTrash::recycle(const QString &path, QString *trashedPath, ZQError *error)
     return isDone;
 }
 
+void ZQTrash::didTakeOut(const QString &trashedPath)
+{
+    const QFileInfo file(trashedPath);
+    const QDir files = file.dir();
+    if (!contains(trashedPath) || files.dirName() != u"files" || statusOf(trashedPath)) {
+        return;
+    }
+    const QString note = files.path() + QStringLiteral("/../info/") + file.fileName() + QStringLiteral(".trashinfo");
+    unlink(QFile::encodeName(note).constData());
+}
+
 bool ZQTrash::contains(const QString &path)
 {
     const QString below = QDir::cleanPath(path) + u'/';

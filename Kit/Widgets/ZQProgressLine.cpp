@@ -4,6 +4,7 @@
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QBoxLayout>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
 #include <QToolButton>
@@ -28,21 +29,34 @@ protected:
     }
 };
 
-// Where there is little room, how far it is stays to be read.
 class ZQProgressLine::Label : public QLabel
 {
 public:
     using QLabel::QLabel;
+    QString shortened; // of the text, without what is kept
+    QString kept;
 
 protected:
     void paintEvent(QPaintEvent * /*event*/) override
     {
         QPainter painter(this);
         painter.setPen(palette().color(foregroundRole()));
-        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter,
-                         fontMetrics().elidedText(text(), Qt::ElideMiddle, width()));
+        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, fitted(shortened, kept, fontMetrics(), width()));
     }
 };
+
+QString ZQProgressLine::fitted(const QString &text, const QString &kept, const QFontMetrics &metrics, int width)
+{
+    if (metrics.horizontalAdvance(text + kept) <= width) {
+        return text + kept;
+    }
+    if (kept.isEmpty()) {
+        return metrics.elidedText(text, Qt::ElideMiddle, width);
+    }
+    const QString end = u' ' + kept;
+    const QString beginning = metrics.elidedText(text, Qt::ElideRight, width - metrics.horizontalAdvance(end));
+    return beginning.size() > 1 ? beginning + end : kept; // a dot of a name says nothing
+}
 
 ZQProgressLine::ZQProgressLine(bool canCancel, QWidget *parent)
     : QWidget(parent), m_label(new Label(this)), m_cancel(new QToolButton(this)), m_bar(new Bar(this))
@@ -66,11 +80,13 @@ ZQProgressLine::ZQProgressLine(bool canCancel, QWidget *parent)
     layout->addWidget(m_bar);
 }
 
-void ZQProgressLine::setText(const QString &text)
+void ZQProgressLine::setText(const QString &text, const QString &kept)
 {
-    m_label->setText(text);
-    m_label->setToolTip(text);
-    m_bar->setAccessibleName(text);
+    m_label->shortened = text;
+    m_label->kept = kept;
+    m_label->setText(text + kept);
+    m_label->setToolTip(text + kept);
+    m_bar->setAccessibleName(text + kept);
 }
 
 void ZQProgressLine::setFraction(double fraction)

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-class QLabel;
+class QFontMetrics;
 class QToolButton;
 
 // One line of long work: its name, a bar and, when the work can be stopped, a button that does.
@@ -11,7 +11,9 @@ class ZQProgressLine : public QWidget
     Q_OBJECT
 public:
     explicit ZQProgressLine(bool canCancel, QWidget *parent = nullptr);
-    void setText(const QString &text);
+    // Where there is little room `text` is shortened, and `kept`, which follows it, is not: how far the work is.
+    void setText(const QString &text, const QString &kept = {});
+    static QString fitted(const QString &text, const QString &kept, const QFontMetrics &metrics, int width);
     void setFraction(double fraction); // 0 to 1; negative: not known
 
 Q_SIGNALS:
@@ -20,7 +22,7 @@ Q_SIGNALS:
 private:
     class Bar;
     class Label;
-    QLabel *m_label;
+    Label *m_label;
     QToolButton *m_cancel;
     Bar *m_bar;
 };

@@ -5,9 +5,11 @@
 #include <QCache>
 #include <QPointer>
 #include <QSet>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <deque>
 #include <thread>
 
@@ -15,6 +17,9 @@ namespace {
 
 // The pictures come from other processes: what waits for one computes nothing.
 constexpr int threadCount = 3;
+constexpr int mostTries = 3; // of a new version
+constexpr std::chrono::milliseconds betweenTries{500};
+constexpr int mostLatest = 20000;
 constexpr std::array resolutions = {128, 256, 512, 1024, 2048};
 
 int resolutionFor(int pixels)
@@ -71,11 +76,17 @@ struct ZQThumbnailLoader::Private
     // Main thread only.
     std::vector<std::thread> threads;
     QCache<QString, ZQThumbnail> cache;
-    QSet<QString> failed; // by file
+    QSet<QString> failed;                       // by file and version
+    QCache<QString, qint64> latest{mostLatest}; // by file, the version that was read last
+    QHash<QString, int> tries;                  // by file and version
+    QSet<QString> resting;                      // the same, until they are tried again
     QSet<QString> wanted;
     bool collecting = false;
 
     void run(ZQThumbnailLoader *owner);
+    ZQThumbnail begin(const ZQThumbnailRequest &request, int pixels, ZQThumbnailLoader *owner);
+    ZQThumbnail best(const QString &file);
+    void take(const Job &job, const ZQThumbnail &thumbnail, ZQThumbnailLoader *owner);
     ZQThumbnail read(const Job &job) const;
 };
 
@@ -124,15 +135,34 @@ void ZQThumbnailLoader::Private::run(ZQThumbnailLoader *owner)
                     const ZQLockGuard inner(d.lock);
                     d.known.remove(job.key);
                 }
-                if (thumbnail.image.isNull()) {
-                    d.failed.insert(keyFor(job.request));
-                } else {
-                    d.cache.insert(job.key, new ZQThumbnail(thumbnail), thumbnail.image.sizeInBytes());
-                }
+                d.take(job, thumbnail, owner);
                 Q_EMIT owner->loaded(job.request.path);
             },
             Qt::QueuedConnection);
     }
+}
+
+void ZQThumbnailLoader::Private::take(const Job &job, const ZQThumbnail &thumbnail, ZQThumbnailLoader *owner)
+{
+    const QString file = keyFor(job.request);
+    if (!thumbnail.image.isNull()) {
+        cache.insert(job.key, new ZQThumbnail(thumbnail), thumbnail.image.sizeInBytes());
+        latest.insert(job.request.path, new qint64(job.request.version));
+        tries.remove(file);
+        return;
+    }
+    const qint64 *const before = latest.object(job.request.path);
+    const bool isNewVersion = before && *before != job.request.version;
+    if (!isNewVersion || ++tries[file] >= mostTries) {
+        tries.remove(file);
+        failed.insert(file);
+        return;
+    }
+    resting.insert(file);
+    QTimer::singleShot(betweenTries, owner, [this, owner, file, path = job.request.path] {
+        resting.remove(file);
+        Q_EMIT owner->loaded(path); // who shows it asks again
+    });
 }
 
 ZQThumbnailLoader::ZQThumbnailLoader(qsizetype cacheBytes, QObject *parent)
@@ -158,42 +188,62 @@ void ZQThumbnailLoader::setDecoder(Decoder decoder)
     d->decoder = std::move(decoder);
 }
 
+ZQThumbnail ZQThumbnailLoader::Private::best(const QString &file)
+{
+    for (auto it = resolutions.rbegin(); it != resolutions.rend(); ++it) {
+        if (const ZQThumbnail *other = cache.object(keyFor(file, *it))) {
+            return *other;
+        }
+    }
+    return {};
+}
+
+ZQThumbnail ZQThumbnailLoader::Private::begin(const ZQThumbnailRequest &request, int pixels, ZQThumbnailLoader *owner)
+{
+    const QString file = keyFor(request);
+    const int resolution = resolutionFor(pixels);
+    const QString key = keyFor(file, resolution);
+    if (const ZQThumbnail *found = cache.object(key)) {
+        return *found;
+    }
+    if (failed.contains(file)) {
+        return {};
+    }
+    if (!resting.contains(file)) {
+        {
+            const ZQLockGuard guard(lock);
+            if (!known.contains(key)) {
+                known.insert(key);
+                waiting.push_back({request, resolution, key});
+            }
+        }
+        for (int i = int(threads.size()); i < threadCount; ++i) {
+            threads.emplace_back([this, owner] { run(owner); });
+        }
+        wake.notifyOne();
+    }
+    if (collecting) {
+        wanted.insert(key);
+    }
+    return best(file);
+}
+
+QImage ZQThumbnailLoader::image(const ZQThumbnailRequest &request, int pixels)
+{
+    return request.path.isEmpty() ? QImage() : d->begin(request, pixels, this).image;
+}
+
 ZQThumbnail ZQThumbnailLoader::thumbnail(const ZQThumbnailRequest &request, int pixels)
 {
     if (request.path.isEmpty()) {
         return {};
     }
-    const QString file = keyFor(request);
-    const int resolution = resolutionFor(pixels);
-    const QString key = keyFor(file, resolution);
-    if (const ZQThumbnail *found = d->cache.object(key)) {
-        return *found;
+    const ZQThumbnail found = d->begin(request, pixels, this);
+    const qint64 *const before = d->latest.object(request.path);
+    if (!found.image.isNull() || !before || *before == request.version || hasFailed(request)) {
+        return found;
     }
-    if (d->failed.contains(file)) {
-        return {};
-    }
-    {
-        const ZQLockGuard guard(d->lock);
-        if (!d->known.contains(key)) {
-            d->known.insert(key);
-            d->waiting.push_back({request, resolution, key});
-        }
-    }
-    if (d->threads.empty()) {
-        for (int i = 0; i < threadCount; ++i) {
-            d->threads.emplace_back([this] { d->run(this); });
-        }
-    }
-    d->wake.notifyOne();
-    if (d->collecting) {
-        d->wanted.insert(key);
-    }
-    for (auto it = resolutions.rbegin(); it != resolutions.rend(); ++it) {
-        if (const ZQThumbnail *other = d->cache.object(keyFor(file, *it))) {
-            return *other;
-        }
-    }
-    return {};
+    return d->best(keyFor({request.path, *before, request.isForeign}));
 }
 
 bool ZQThumbnailLoader::hasFailed(const ZQThumbnailRequest &request) const

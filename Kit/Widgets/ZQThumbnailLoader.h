@@ -41,9 +41,11 @@ public:
     void setDecoder(Decoder decoder); // before the first request; without one, every picture is null
 
     // The picture when it is there at a resolution for `pixels` (device pixels of the longer side); otherwise the best
-    // other resolution, which may be null, and a load is begun.
+    // other resolution, which may be null, and a load is begun. Until a new version is there, the one that was shown
+    // before stands for it; a file that cannot be read then, since it is being replaced, is tried a few times.
     ZQThumbnail thumbnail(const ZQThumbnailRequest &request, int pixels);
-    QImage image(const ZQThumbnailRequest &request, int pixels) { return thumbnail(request, pixels).image; }
+    // The same of that version alone.
+    QImage image(const ZQThumbnailRequest &request, int pixels);
     bool hasFailed(const ZQThumbnailRequest &request) const;
 
     // Between these two, requests are noted as still wanted; those not asked for again are dropped from the queue.

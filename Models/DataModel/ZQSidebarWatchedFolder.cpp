@@ -137,7 +137,11 @@ QList<ZQRef<ZQSidebarWatchedFolder>> ZQSidebarWatchedFolder::orderedChildrenAndS
 
 void ZQSidebarWatchedFolder::setItemsActive(bool activeItems)
 {
-    const QList<ZQRef<ZQLibraryBaseItem>> items = watchedItems();
+    setItemsActive(watchedItems(), activeItems);
+}
+
+void ZQSidebarWatchedFolder::setItemsActive(const QList<ZQRef<ZQLibraryBaseItem>> &items, bool activeItems)
+{
     if (activeItems) {
         ZQLibraryBaseItem::lookForFiles(items);
     }

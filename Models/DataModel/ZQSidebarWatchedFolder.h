@@ -50,6 +50,8 @@ public:
     // Items the user deleted (their file is hidden) stay deleted.
     void deactivateFolder();
     void reActivateFolder();
+    // Items of live folders that come back, or go. Looks for the files of those that come.
+    static void setItemsActive(const QList<ZQRef<ZQLibraryBaseItem>> &items, bool activeItems);
     // Path to child folder, and path to item; active ones.
     QHash<QString, ZQRef<ZQManagedObject>> pathAndItemDictionary() const;
     QList<ZQRef<ZQSidebarWatchedFolder>> orderedChildrenAndSubChildren() const; // a folder before what it holds

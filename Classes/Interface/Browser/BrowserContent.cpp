@@ -18,9 +18,14 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
+
+// Rows of another place go when theirs are late, and only then, so that a quick answer is one change and not two.
+constexpr std::chrono::milliseconds untilRowsGo{150};
+constexpr std::chrono::milliseconds untilReadingIsSaid{250}; // after they went
 
 constexpr qsizetype mostFiles = 5000; // of a drag that another program gets
 
@@ -61,6 +66,8 @@ BrowserContent::BrowserContent(WindowContext &window, QObject *parent)
       m_typingTicket(window.fetcher, ContentFetcher::Priority::Typing)
 {
     connect(&m_values, &BrowserRowValues::arrived, this, &BrowserContent::valuesArrived);
+    m_patience.setSingleShot(true);
+    connect(&m_patience, &QTimer::timeout, this, &BrowserContent::endPatience);
 }
 
 void BrowserContent::setTab(std::shared_ptr<TabState> tab)
@@ -72,12 +79,35 @@ void BrowserContent::setTab(std::shared_ptr<TabState> tab)
     if (m_tab->content()) {
         take(Content(*m_tab->content()));
     }
+    waitForRows();
     if (m_isLoaded && !(single && single->isRecent()) && !m_tab->showsSavedSearch()) {
         // What another tab asked for is not wanted any more.
         m_contentTicket.run([](auto &, const auto &) { return ContentFetcher::Ticket::Answer(); });
     } else {
         reload(); // what is recent goes by the clock, and so may a search
     }
+}
+
+// Whoever goes on before the rows came waits no longer for that.
+void BrowserContent::waitForRows()
+{
+    if (m_isLoaded) {
+        m_patience.stop();
+        m_saysReading = false;
+    } else if (!m_patience.isActive() && !m_saysReading) {
+        m_patience.start(untilRowsGo);
+    }
+}
+
+void BrowserContent::endPatience()
+{
+    m_saysReading = m_patience.intervalAsDuration() == untilReadingIsSaid;
+    if (!m_saysReading) {
+        show({}, {});
+        m_folderKind.reset();
+        m_patience.start(untilReadingIsSaid);
+    }
+    Q_EMIT waited();
 }
 
 void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
@@ -159,12 +189,18 @@ void BrowserContent::take(const Content &content)
         return;
     }
     Q_EMIT aboutToChange();
+    show(content, heads);
+    m_folderKind = kind;
+    m_isLoaded = true;
+    waitForRows();
+    Q_EMIT changed();
+}
+
+void BrowserContent::show(const Content &content, const QList<ZQGridGroup> &heads)
+{
     m_content = content;
     m_groups = heads;
     m_shown.clear();
-    m_folderKind = kind;
-    m_isLoaded = true;
-    Q_EMIT changed();
 }
 
 void BrowserContent::dropObjects()
@@ -212,6 +248,9 @@ ZQRef<ZQLibraryBaseItem> BrowserContent::libraryItem(qint64 index) const
 template <class Use>
 void BrowserContent::forEachRow(const ZQIndexSet &indexes, Use use) const
 {
+    if (isOfPlaceBefore()) {
+        return;
+    }
     for (const ZQIndexSet::Range &range : indexes.ranges()) {
         for (qint64 index = range.first; index <= range.last && index < count(); ++index) {
             use(index);
@@ -264,7 +303,7 @@ ZQIndexSet BrowserContent::indexesOfRows(const QList<ZQObjectID> &rows) const
 
 ZQIndexSet BrowserContent::indexesOfLibraryItems(const QList<ZQObjectID> &items) const
 {
-    return indexesOf(m_content.rows.related, items, 0, count());
+    return isOfPlaceBefore() ? ZQIndexSet() : indexesOf(m_content.rows.related, items, 0, count());
 }
 
 qint64 BrowserContent::indexOfLibraryItem(const ZQObjectID &item) const
@@ -302,8 +341,9 @@ QList<ZQListValue> BrowserContent::listValues(qint64 index, const QStringList &c
 // may.
 qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 {
-    if (text.front() >= u'0' && text.front() <= u'5') {
-        return -1; // a rating, though nothing is selected to take it
+    const bool isRating = text.front() >= u'0' && text.front() <= u'5'; // though nothing is selected to take it
+    if (isRating || isOfPlaceBefore()) {
+        return -1;
     }
     auto *self = const_cast<BrowserContent *>(this);
     m_typingTicket.run([self, text, from, rows = m_content.rows.ids, query = m_tab->contentQuery(),
@@ -382,8 +422,8 @@ QList<ZQObjectID> BrowserContent::itemsToLink(const QMimeData *data, WindowConte
 bool BrowserContent::dropsAtIndex(const QMimeData * /*data*/) const
 {
     const bool isInGroups = m_groups.size() > 1; // the rows are not in the order of the members then
-    return m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual && filter().isEmpty() &&
-           !isInGroups;
+    return !isOfPlaceBefore() && m_tab->browserCanManuallySort() && m_tab->sortKeysValue() == ZQSortValue::Manual &&
+           filter().isEmpty() && !isInGroups;
 }
 
 Qt::DropAction BrowserContent::dropAction(const QMimeData *data, qint64 /*index*/) const
@@ -442,6 +482,11 @@ bool BrowserContent::isFolderSyncing() const
     return folderStatus().isSyncing;
 }
 
+bool BrowserContent::isFolderOfAnother() const
+{
+    return m_folderKind == LiveFolderStates::Kind::Missing && folderStatus().holdsAnother;
+}
+
 bool BrowserContent::isFolderOff() const
 {
     const auto single = singleItem();
@@ -462,9 +507,9 @@ QString BrowserContent::emptyFolderText() const
     const QString path = folder->folderPath();
     switch (m_folderKind.value_or(Kind::Mirrored)) {
     case Kind::Missing:
-        return zqFormat(zqLocalized("The folder “%@” is not there."), {path}) + u'\n' +
-               (status.reason.isEmpty() ? zqLocalized("Connect its disk, or put it back.") : status.reason) + u'\n' +
-               zqLocalized("Its items come back with it.");
+        return zqFormat(zqLocalized("“%@” is out of reach."), {path}) + u'\n' +
+               LiveFolderStates::explanation(Kind::Missing, status) + u'\n' +
+               zqLocalized("Its items are kept, and come back with it.");
     case Kind::Trashed:
         return zqFormat(zqLocalized("The folder “%@” is in the trash. Put it back, and its items come back with it."),
                         {path});
@@ -512,7 +557,7 @@ QString BrowserContent::emptySearchText() const
 QString BrowserContent::emptyText() const
 {
     if (!m_isLoaded || m_isAskedAnew) {
-        return {};
+        return m_saysReading ? zqLocalized("Reading…") : QString();
     }
     if (!error().isNull()) {
         return ContentFetcher::textForError(error());

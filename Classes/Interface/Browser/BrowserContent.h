@@ -7,6 +7,8 @@
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Widgets/ZQGridView.h"
 
+#include <QTimer>
+
 // What a browser shows of a tab: identifiers of all rows in order, objects only for those on screen.
 class BrowserContent : public QObject, public ZQGridDataSource
 {
@@ -40,9 +42,12 @@ public:
     const ZQError &error() const { return m_content.error; }
     // Whether what is shown is not yet that of the sidebar items and the filter.
     bool isLoading() const { return m_isAskedAnew || m_content.isBeginning; }
+    // Whether the rows are still those of the place before, which nothing may be done with any more.
+    bool isOfPlaceBefore() const { return !m_isLoaded && count() > 0; }
     // Of a live folder that is shown alone.
     bool isFolderAway() const { return m_folderKind && LiveFolderStates::isAway(*m_folderKind); }
-    bool isFolderOff() const; // by itself, so that it can be turned on
+    bool isFolderOff() const;       // by itself, so that it can be turned on
+    bool isFolderOfAnother() const; // what lies in its place could be taken for it
     bool isFolderSyncing() const;
     bool isOf(const QList<ZQObjectID> &liveFolders) const; // one of them is it
 
@@ -75,6 +80,7 @@ Q_SIGNALS:
     // What was fetched differs from what is shown. At the first the rows are still the old ones.
     void aboutToChange();
     void changed();
+    void waited();                  // long enough for what was shown of another place to go, or for a word instead
     void answered(quint64 fetch);   // the one of this number is wholly there, changed or not
     void typingFound(qint64 index); // what `indexForTyping` was asked for
     void valuesArrived();
@@ -88,6 +94,9 @@ private:
     QList<ZQGridGroup> headsOf(const Content &content) const;
 
     void take(const Content &content);
+    void show(const Content &content, const QList<ZQGridGroup> &heads);
+    void waitForRows();
+    void endPatience();
 
     WindowContext &m_window;
     std::shared_ptr<TabState> m_tab;
@@ -97,6 +106,8 @@ private:
     BrowserRowValues m_values;
     bool m_showsValues = false;
     quint64 m_fetches = 0;
+    QTimer m_patience;          // while rows of another place are waited for
+    bool m_saysReading = false; // since that takes long
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same
     mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;

@@ -1,6 +1,5 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 
-#include "Classes/Editing/ItemEdits.h"
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
@@ -97,8 +96,13 @@ BrowserViewController::BrowserViewController(WindowContext &window, QWidget *par
     connect(&m_refetch, &QTimer::timeout, m_hidden, &HiddenItems::recount);
     connect(m_content, &BrowserContent::aboutToChange, this, &BrowserViewController::contentWillChange);
     connect(m_content, &BrowserContent::changed, this, &BrowserViewController::contentDidChange);
+    connect(m_content, &BrowserContent::waited, this, &BrowserViewController::contentDidWait);
     connect(m_content, &BrowserContent::answered, this, &BrowserViewController::endWaiting);
     connect(m_grid, &ZQGridView::selectionChanged, this, [this] {
+        if (m_content->isOfPlaceBefore() && !m_grid->selection().isEmpty()) {
+            m_grid->setSelection({}); // nothing is done with what is about to go
+            return;
+        }
         if (!m_isSelecting) {
             forgetWanted();
         }
@@ -268,6 +272,16 @@ void BrowserViewController::contentDidChange()
     }
     updateStatus();
     Q_EMIT selectionChanged();
+}
+
+void BrowserViewController::contentDidWait()
+{
+    const QScopedValueRollback selecting(m_isSelecting, true);
+    m_grid->reloadData();
+    m_grid->setScrollOffset(0);
+    m_recovery->hide();
+    m_empty->showFor(*m_content);
+    updateStatus();
 }
 
 // What was selected is followed where it was in view, was chosen anew or stands in another order: what comes in by
@@ -481,7 +495,7 @@ void BrowserViewController::redrawVisible()
 
 void BrowserViewController::openDetail(bool quickLook)
 {
-    if (m_content->libraryItem(m_grid->currentIndex())) {
+    if (!m_content->isOfPlaceBefore() && m_content->libraryItem(m_grid->currentIndex())) {
         m_stack->setCurrentWidget(m_detail);
         m_detail->setQuickLook(quickLook);
         showDetailAt(m_grid->currentIndex());
@@ -566,22 +580,5 @@ void BrowserViewController::removeFromProject()
         m_indexToSelect = m_grid->selection().first();
         closeDetail();
         m_content->tab().removeItems(items, m_content->sidebarItems(), true);
-    }
-}
-
-void BrowserViewController::duplicate()
-{
-    if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
-        const auto single = m_content->singleItem();
-        LibraryCommands(m_window).duplicateItems(items, single ? single->objectID() : ZQObjectID(),
-                                                 selectionOfWhatComes());
-    }
-}
-
-void BrowserViewController::rate(int stars)
-{
-    if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
-        ItemEdits(m_window).setRating(items, stars);
-        Q_EMIT rated(stars);
     }
 }

@@ -91,6 +91,7 @@ private:
     void showOther(const std::function<void()> &change); // `change` has the content be another
     void contentWillChange();
     void contentDidChange();
+    void contentDidWait(); // and is none so far
     void scrollWhenLaidOut();
     void restoreView();                            // as the tab was left, once its rows are there
     bool selectWhatIsWanted(ZQIndexSet selection); // false: nothing of what was wanted is there

@@ -1,5 +1,7 @@
 // The commands of the browser and of the detail view in its place.
 
+#include "Classes/Editing/ItemEdits.h"
+#include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Interface/Browser/BrowserHead.h"
 #include "Classes/Interface/Browser/BrowserListStyle.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
@@ -124,4 +126,21 @@ void BrowserViewController::copyToClipboard()
         }
     }
     QGuiApplication::clipboard()->setMimeData(mime);
+}
+
+void BrowserViewController::duplicate()
+{
+    if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
+        const auto single = m_content->singleItem();
+        LibraryCommands(m_window).duplicateItems(items, single ? single->objectID() : ZQObjectID(),
+                                                 selectionOfWhatComes());
+    }
+}
+
+void BrowserViewController::rate(int stars)
+{
+    if (const QList<ZQObjectID> items = selectedItems(); !items.isEmpty()) {
+        ItemEdits(m_window).setRating(items, stars);
+        Q_EMIT rated(stars);
+    }
 }

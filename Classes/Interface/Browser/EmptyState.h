@@ -18,9 +18,11 @@ Q_SIGNALS:
     void everythingRequested(); // without the search
     void importRequested();
     void enableRequested(); // of the live folder that is shown
+    void useRequested();    // of what lies in its place
 
 private:
     QPushButton *m_everything;
     QPushButton *m_import;
     QPushButton *m_enable;
+    QPushButton *m_use;
 };

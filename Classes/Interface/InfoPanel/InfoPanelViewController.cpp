@@ -10,6 +10,7 @@
 #include "Classes/Interface/InfoPanel/ColorSwatch.h"
 #include "Classes/Interface/InfoPanel/DocumentSize.h"
 #include "Classes/Interface/InfoPanel/LivePlace.h"
+#include "Classes/Interface/InfoPanel/MissedFiles.h"
 #include "Classes/Interface/InfoPanel/RatingField.h"
 #include "Classes/Interface/InfoPanel/TagField.h"
 #include "Classes/Interface/ItemPictures.h"
@@ -142,8 +143,10 @@ InfoPanelViewController::InfoPanelViewController(WindowContext &window, BrowserV
       m_preview(new Preview(browser, m_body)), m_title(new QLineEdit(m_body)), m_kind(new QLabel(m_body)),
       m_place(new LivePlace(m_body)), m_rating(new RatingField(m_body)), m_colorBox(new QWidget(m_body)),
       m_colors(new QWidget(m_colorBox)), m_tags(new TagField(m_body)), m_notes(new QPlainTextEdit(m_body)),
-      m_rows(new QGridLayout), m_summaryTicket(window.fetcher, ContentFetcher::Priority::Summary)
+      m_rows(new QGridLayout), m_missed(new MissedFiles(this)),
+      m_summaryTicket(window.fetcher, ContentFetcher::Priority::Summary)
 {
+    connect(m_missed, &MissedFiles::becameSure, this, &InfoPanelViewController::refresh);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus); // its fields take it
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -325,6 +328,7 @@ bool InfoPanelViewController::refresh()
 
 void InfoPanelViewController::showNothing()
 {
+    m_missed->forget();
     m_items.clear();
     m_tags->dropTyped();
     m_summary = {};
@@ -333,13 +337,14 @@ void InfoPanelViewController::showNothing()
     m_nothing->show();
 }
 
-void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary)
+void InfoPanelViewController::showSummary(const QList<ZQObjectID> &items, const SelectionSummary &found)
 {
     const auto first = m_window.libraryItem(items.first());
-    if (!first || summary.count == 0) {
+    if (!first || found.count == 0) {
         showNothing();
         return;
     }
+    const SelectionSummary summary = m_missed->settled(found, m_summary, items == m_items);
     const bool isOne = items.size() == 1;
     const bool isTyping = items == m_items && isTypingNotes();
     const auto isTyped = [isSame = items == m_items](const QLineEdit *field) {

@@ -15,6 +15,7 @@ class QLineEdit;
 class QPlainTextEdit;
 class DocumentSize;
 class LivePlace;
+class MissedFiles;
 class QVBoxLayout;
 class RatingField;
 class TagField;
@@ -49,7 +50,7 @@ private:
     void makeHead();
     void makeRows();
     void showNothing();
-    void showSummary(const QList<ZQObjectID> &items, const SelectionSummary &summary);
+    void showSummary(const QList<ZQObjectID> &items, const SelectionSummary &found);
     void showPicture(const ZQLibraryBaseItem &item, bool isOne);
     void showSize(const ZQLibraryBaseItem &item);
     void showPlace(const ZQLibraryBaseItem &item);
@@ -81,6 +82,7 @@ private:
     TagField *m_tags;
     QPlainTextEdit *m_notes;
     QGridLayout *m_rows;
+    MissedFiles *m_missed;
     QLabel *m_size;
     DocumentSize *m_documentSize;
     QLabel *m_imported;

@@ -69,6 +69,10 @@ void fillTags(PreferencesPane &pane)
 
 void fillLiveFolders(PreferencesPane &pane)
 {
+    pane.addHeading(zqLocalized("FOLDERS OF THE DISK"));
+    pane.addNote(zqLocalized("Their files stay where they are, and are followed as they change. What many files leave "
+                             "at once is asked about, and what is on a disk that is away is kept until it is back. "
+                             "Keywords, tags and thumbnails are as set for imports."));
     pane.addHeading(zqLocalized("DISKS THAT TELL OF NO CHANGES"));
     pane.addNote(zqLocalized(
         "Folders on a network, for example, are looked at in intervals, and a clock marks them in the sidebar. That "

@@ -73,6 +73,11 @@ QList<WindowCommand> LiveFolderActions::commands()
          [this] { return canTurn(); },
          {},
          [this] { return areOff() ? zqLocalized("Enable") : zqLocalized("Disable"); }},
+        {CommandID::UseLiveFolder,
+         zqLocalized("Use This Folder"),
+         {},
+         [this] { use(m_selected().first()); },
+         [this] { return canUse(); }},
         {CommandID::RevealLiveFolder,
          zqLocalized("Show in Files"),
          {},
@@ -126,6 +131,12 @@ bool LiveFolderActions::canTurn() const
     });
 }
 
+bool LiveFolderActions::canUse() const
+{
+    const Folders folders = isThere() ? m_selected() : Folders();
+    return folders.size() == 1 && m_window.liveFolders->holdsAnother(folders.first()->objectID());
+}
+
 bool LiveFolderActions::areOff() const
 {
     const Folders folders = roots();
@@ -164,6 +175,18 @@ void LiveFolderActions::setEnabled(const Folders &folders, bool enabled)
 {
     if (isThere()) {
         SidebarCommands(m_window).setWatchedFoldersEnabled(folders, enabled);
+    }
+}
+
+void LiveFolderActions::use(const ZQRef<ZQSidebarBaseItem> &folder)
+{
+    QString reason;
+    const QString title = folder->title();
+    if (SidebarCommands(m_window).useWatchedFolder(folder, true, &reason) == SidebarCommands::FolderUse::Refused) {
+        m_window.user.ask({.message = zqFormat(zqLocalized("“%@” stays as it is."), {title}),
+                           .informativeText = reason,
+                           .buttons = {zqLocalized("OK")},
+                           .suppressionKey = {}});
     }
 }
 

@@ -28,7 +28,8 @@ public:
     // From this position of LIVE FOLDERS on. Tells what became of each.
     void newWatchedFolderItemFromDropFiles(const QStringList &paths, quint32 atIndex);
     void setEnabled(const Folders &folders, bool enabled);
-    static void reveal(const QString &folder); // in the desktop's file manager
+    void use(const ZQRef<ZQSidebarBaseItem> &folder); // what lies in its place, for it
+    static void reveal(const QString &folder);        // in the desktop's file manager
 
 Q_SIGNALS:
     void rowsToSelect(const QList<ZQObjectID> &folders);
@@ -40,6 +41,7 @@ private:
     bool canSync() const;
     bool canReveal() const;
     bool canTurn() const;
+    bool canUse() const;
     bool areOff() const;
     bool isSyncing() const;
     void sync();

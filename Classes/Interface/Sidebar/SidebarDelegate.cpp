@@ -97,7 +97,24 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->restore();
 }
 
-void SidebarDelegate::paintLabel(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index)
+QRect SidebarDelegate::signRect(const QRect &row, const QModelIndex &index)
+{
+    return isLabel(index) ? labelButtonRect(row).translated(-labelButtonRect(row).width() - 8, 0)
+                          : iconRect(row, index);
+}
+
+void SidebarDelegate::paintTurning(QPainter *painter, const QRectF &box) const
+{
+    painter->save();
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    painter->translate(box.center());
+    painter->rotate(m_sign.degrees());
+    painter->translate(-box.center());
+    ZQIcon::paint(*painter, box, QStringLiteral("live"), zqColor(ZQColorRole::Accent));
+    painter->restore();
+}
+
+void SidebarDelegate::paintLabel(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const QRect row(option.rect.left(), option.rect.top(), option.rect.width(), labelHeight);
     QFont font = ZQTheme::current().font(ZQMeasure::tinyTextSize, QFont::DemiBold);
@@ -112,6 +129,11 @@ void SidebarDelegate::paintLabel(QPainter *painter, const QStyleOptionViewItem &
     painter->drawText(row.adjusted(16, 8, -16, 0), Qt::AlignVCenter, index.data().toString());
     if (const QString button = index.data(SidebarTreeModel::ButtonRole).toString(); !button.isEmpty()) {
         ZQIcon::paint(*painter, labelButtonRect(row), button, zqColor(ZQColorRole::TextFaint));
+    }
+    if (index.data(SidebarTreeModel::SyncingRole).toBool()) {
+        paintTurning(painter, signRect(row, index));
+    } else if (const QString mark = index.data(SidebarTreeModel::MarkRole).toString(); !mark.isEmpty()) {
+        ZQIcon::paint(*painter, signRect(row, index), mark, zqColor(ZQColorRole::TextFaint));
     }
     if (const QString hint = index.data(SidebarTreeModel::HintRole).toString(); !hint.isEmpty()) {
         const QRect below = option.rect.adjusted(16, labelHeight, -16, 0);
@@ -133,20 +155,15 @@ void SidebarDelegate::paintIcon(QPainter *painter, const QStyleOptionViewItem &o
         painter->drawEllipse(icon.adjusted(2.5, 2.5, -2.5, -2.5));
         return;
     }
-    painter->save();
     if (isSyncing) {
-        painter->setRenderHint(QPainter::SmoothPixmapTransform);
-        painter->translate(icon.center());
-        painter->rotate(m_sign.degrees());
-        painter->translate(-icon.center());
+        paintTurning(painter, icon);
+        return;
     }
     const bool isAway = index.data(SidebarTreeModel::StateRole).toBool();
-    ZQIcon::paint(*painter, icon,
-                  isSyncing ? QStringLiteral("live") : index.data(SidebarTreeModel::IconRole).toString(),
-                  zqColor(isSyncing || (selected && !isAway) ? ZQColorRole::Accent
-                          : isAway                           ? ZQColorRole::TextFaint
-                                                             : ZQColorRole::TextMuted));
-    painter->restore();
+    ZQIcon::paint(*painter, icon, index.data(SidebarTreeModel::IconRole).toString(),
+                  zqColor(isAway     ? ZQColorRole::TextFaint
+                          : selected ? ZQColorRole::Accent
+                                     : ZQColorRole::TextMuted));
 }
 
 int SidebarDelegate::paintBadge(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index)

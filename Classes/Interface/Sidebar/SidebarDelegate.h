@@ -28,10 +28,12 @@ public:
     static int titleLeft(const QRect &row, const QModelIndex &index);
     static QRect twistyRect(const QRect &row, const QModelIndex &index);
     static QRect iconRect(const QRect &row, const QModelIndex &index);
-    static QRect labelButtonRect(const QRect &row); // of a section head with a button
+    static QRect labelButtonRect(const QRect &row);                    // of a section head with a button
+    static QRect signRect(const QRect &row, const QModelIndex &index); // where it turns
 
 private:
-    static void paintLabel(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index);
+    void paintLabel(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
+    void paintTurning(QPainter *painter, const QRectF &box) const;
     void paintIcon(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const;
     static int paintBadge(QPainter *painter, const QStyleOptionViewItem &option,
                           const QModelIndex &index); // the width it took

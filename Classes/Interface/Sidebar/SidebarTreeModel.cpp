@@ -30,7 +30,7 @@ struct SidebarTreeModel::Rows
 };
 
 SidebarTreeModel::SidebarTreeModel(WindowContext &window, Side side, QObject *parent)
-    : QAbstractItemModel(parent), m_window(window), m_side(side), m_root(std::make_unique<Node>()),
+    : QAbstractItemModel(parent), m_window(window), m_side(side), m_root(std::make_unique<Node>()), m_signs(window),
       m_countsTicket(window.fetcher, ContentFetcher::Priority::Counts)
 {
     if (window.liveFolders && side == Side::Projects) {
@@ -173,6 +173,7 @@ void SidebarTreeModel::reload()
     if (m_window.liveFolders) {
         m_window.liveFolders->forgetStatuses();
     }
+    m_signs.forget();
     // Most changes leave the shape as it is: the rows, and what the view knows of them, then stay.
     if (haveSameShape(*m_root, *root)) {
         announceAll({});
@@ -224,24 +225,52 @@ bool SidebarTreeModel::isSectionShown(const ZQSidebarBaseItem &label, bool hasCh
     return label.is_Label() && (!isLive || hasChildren || m_window.liveFolders);
 }
 
+bool SidebarTreeModel::isClosed(const Node &node)
+{
+    const ZQSidebarBaseItem &item = *node.item;
+    return node.hasChildren && !item.expanded() && !(item.isLabel() && item.expandedIsNull());
+}
+
+const LiveFolderSigns::Below &SidebarTreeModel::hiddenBelow(const Node &node) const
+{
+    static const LiveFolderSigns::Below nothing;
+    return isClosed(node) ? m_signs.below(node.item->objectID()) : nothing;
+}
+
+QList<SidebarTreeModel::Node *> SidebarTreeModel::rowsThatShow(const QList<ZQObjectID> &folders) const
+{
+    constexpr int deepest = 1000; // of a damaged tree
+    QList<Node *> rows;
+    for (const ZQObjectID &folder : folders) {
+        if (Node *const found = m_nodes.value(folder); found && !rows.contains(found)) { // others are not shown
+            rows.append(found);
+        }
+        const auto item = m_window.sidebarItem(folder);
+        auto above = item ? item->father() : ZQRef<ZQSidebarBaseItem>();
+        for (int depth = 0; above && depth < deepest; ++depth, above = above->father()) {
+            Node *const found = m_nodes.value(above->objectID());
+            if (found && isClosed(*found) && !rows.contains(found)) {
+                rows.append(found);
+            }
+        }
+    }
+    return rows;
+}
+
 void SidebarTreeModel::liveFoldersDidChange(const QList<ZQObjectID> &folders)
 {
-    for (const ZQObjectID &folder : folders) {
-        if (Node *const found = m_nodes.value(folder)) { // others are not shown
-            const QModelIndex changed = createIndex(found->row, 0, found);
-            Q_EMIT dataChanged(changed, changed);
-        }
+    m_signs.forgetStatuses();
+    for (Node *const row : rowsThatShow(folders)) {
+        const QModelIndex changed = createIndex(row->row, 0, row);
+        Q_EMIT dataChanged(changed, changed);
     }
 }
 
 QModelIndexList SidebarTreeModel::syncingRows() const
 {
     QModelIndexList rows;
-    const QList<ZQObjectID> syncing = m_window.liveFolders ? m_window.liveFolders->syncing() : QList<ZQObjectID>();
-    for (const ZQObjectID &folder : syncing) {
-        if (Node *const found = m_nodes.value(folder)) {
-            rows.append(createIndex(found->row, 0, found));
-        }
+    for (Node *const row : rowsThatShow(m_window.liveFolders ? m_window.liveFolders->syncing() : QList<ZQObjectID>())) {
+        rows.append(createIndex(row->row, 0, row));
     }
     return rows;
 }
@@ -373,12 +402,12 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
     }
     const ZQRef<ZQSidebarBaseItem> &item = node(index)->item;
     if (item->isLabel()) {
-        if (const QVariant value = labelData(*item, node(index)->hasChildren, role); value.isValid()) {
+        if (const QVariant value = labelData(*node(index), role); value.isValid()) {
             return value;
         }
     }
     if (const auto folder = zqCast<ZQSidebarWatchedFolder>(item)) {
-        if (const QVariant value = liveFolderData(*folder, role); value.isValid()) {
+        if (const QVariant value = liveFolderData(*node(index), *folder, role); value.isValid()) {
             return value;
         }
     }
@@ -413,25 +442,36 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QVariant SidebarTreeModel::labelData(const ZQSidebarBaseItem &label, bool hasChildren, int role) const
+QVariant SidebarTreeModel::labelData(const Node &node, int role) const
 {
-    const bool isLive = ZQSidebarKind(label.kind()) == ZQSidebarKind::WatchedFoldersLabel && m_window.liveFolders;
+    const ZQSidebarKind kind{node.item->kind()};
+    if (kind != ZQSidebarKind::WatchedFoldersLabel || !m_window.liveFolders) {
+        return role != ButtonRole ? QVariant() : kind == ZQSidebarKind::TagsLabel ? QStringLiteral("menu") : QString();
+    }
+    const LiveFolderSigns::Below &hidden = hiddenBelow(node);
     switch (role) {
     case ButtonRole:
-        return isLive                                                    ? QStringLiteral("plus")
-               : ZQSidebarKind(label.kind()) == ZQSidebarKind::TagsLabel ? QStringLiteral("menu")
-                                                                         : QString();
+        return QStringLiteral("plus");
     case HintRole:
-        return isLive && !hasChildren ? zqLocalized("Drop folders here, or press +") : QString();
-    case Qt::ToolTipRole:
-        return isLive ? zqLocalized("Folders of the disk whose files are shown here and stay where they are")
-                      : QVariant();
+        return node.hasChildren ? QString() : zqLocalized("Drop folders here, or press +");
+    case MarkRole:
+        return hidden.mark;
+    case SyncingRole:
+        return hidden.isSyncing;
+    case Qt::ToolTipRole: {
+        QStringList lines = {zqLocalized("Folders of the disk whose files are shown here and stay where they are"),
+                             LiveFolderSigns::textOf(hidden)};
+        lines.removeAll(QString());
+        return lines.join(u'\n');
+    }
+    case Qt::AccessibleDescriptionRole:
+        return LiveFolderSigns::textOf(hidden);
     default:
         return {};
     }
 }
 
-QVariant SidebarTreeModel::liveFolderData(const ZQSidebarWatchedFolder &folder, int role) const
+QVariant SidebarTreeModel::liveFolderData(const Node &node, const ZQSidebarWatchedFolder &folder, int role) const
 {
     using Kind = LiveFolderStates::Kind;
     constexpr std::array own = {int(Qt::ToolTipRole), int(Qt::AccessibleDescriptionRole),
@@ -444,30 +484,34 @@ QVariant SidebarTreeModel::liveFolderData(const ZQSidebarWatchedFolder &folder, 
     const LiveFolderStates *const states = m_window.liveFolders;
     const LiveFolderStatus status = states ? states->statusOf(folder.objectID()) : LiveFolderStatus();
     const Kind kind = LiveFolderStates::kindOf(folder, status);
-    const bool isBelow = zqIsSubFolder(folder); // what holds for the whole stands beside its root
+    const LiveFolderSigns::Below &hidden = hiddenBelow(node);
+    QStringList lines = {LiveFolderStates::explanation(kind, status), LiveFolderSigns::textOf(hidden)};
+    lines.removeAll(QString());
     switch (role) {
-    case Qt::ToolTipRole: {
-        QStringList lines = {folder.folderPath(), LiveFolderStates::explanation(kind, status)};
-        lines.removeAll(QString());
-        return lines.join(u'\n');
-    }
-    case Qt::AccessibleDescriptionRole: {
-        const QString explanation = LiveFolderStates::explanation(kind, status);
-        return folder.typeString() + (explanation.isEmpty() ? QString() : QStringLiteral(". ") + explanation);
-    }
+    case Qt::ToolTipRole:
+        return (QStringList{folder.folderPath()} + lines).join(u'\n');
+    case Qt::AccessibleDescriptionRole:
+        return (QStringList{folder.typeString()} + lines).join(QStringLiteral(". "));
     case StateRole:
         return LiveFolderStates::isAway(kind);
     case SyncingRole:
-        return status.isSyncing;
+        return status.isSyncing || hidden.isSyncing;
     case IconRole:
         return kind == Kind::Off ? QStringLiteral("pause") : folder.icon();
-    case MarkRole: // a reason where the folder is neither away nor swept: not all of it is watched
-        return isBelow                                              ? QString()
-               : kind == Kind::Swept                                ? QStringLiteral("recent")
-               : kind == Kind::Mirrored && !status.reason.isEmpty() ? QStringLiteral("warning")
-                                                                    : QString();
-    default:
-        return !LiveFolderStates::isAway(kind) ? QVariant() : isBelow ? QString() : LiveFolderStates::badge(kind);
+    case MarkRole: {
+        // What holds for the whole stands beside its root. A reason where the folder is neither away nor swept: not all
+        // of it is watched.
+        const QString mark = zqIsSubFolder(folder)                                ? QString()
+                             : kind == Kind::Swept                                ? QStringLiteral("recent")
+                             : kind == Kind::Mirrored && !status.reason.isEmpty() ? QStringLiteral("warning")
+                                                                                  : QString();
+        return mark.isEmpty() || hidden.mark == QStringLiteral("warning") ? hidden.mark : mark;
+    }
+    default: {
+        const auto father = zqCast<ZQSidebarWatchedFolder>(folder.father());
+        const bool isSaidAbove = father && LiveFolderStates::kindOf(*father) == kind;
+        return !LiveFolderStates::isAway(kind) ? QVariant() : isSaidAbove ? QString() : LiveFolderStates::badge(kind);
+    }
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Browsing/Content/ContentFetcher.h"
+#include "Classes/Interface/Sidebar/LiveFolderSigns.h"
 #include "Classes/Interface/WindowContext.h"
 
 #include <QAbstractItemModel>
@@ -46,7 +47,7 @@ public:
     QModelIndex indexOf(const ZQObjectID &item) const; // reads the way to it
     QModelIndex indexOfKind(ZQSidebarKind kind) const;
     static bool isSortedByTitle(const ZQSidebarBaseItem &label); // TAGS, as the person chose it
-    QModelIndexList syncingRows() const;                         // of those that were read
+    QModelIndexList syncingRows() const; // of those that were read, with closed ones that hold such
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;
@@ -78,8 +79,12 @@ private:
     void announceAll(const QModelIndex &above); // everything below may look different
     bool isSectionShown(const ZQSidebarBaseItem &label, bool hasChildren) const;
     void liveFoldersDidChange(const QList<ZQObjectID> &folders);
-    QVariant liveFolderData(const ZQSidebarWatchedFolder &folder, int role) const; // invalid: as of any other row
-    QVariant labelData(const ZQSidebarBaseItem &label, bool hasChildren, int role) const;
+    static bool isClosed(const Node &node);                             // though there is something below it
+    QList<Node *> rowsThatShow(const QList<ZQObjectID> &folders) const; // what they are, or hold
+    QVariant liveFolderData(const Node &node, const ZQSidebarWatchedFolder &folder,
+                            int role) const; // invalid: as of any other row
+    QVariant labelData(const Node &node, int role) const;
+    const LiveFolderSigns::Below &hiddenBelow(const Node &node) const; // nothing where it is open
 
     WindowContext &m_window;
     Side m_side;
@@ -89,5 +94,6 @@ private:
     mutable Nodes m_nodes;
     mutable bool m_isUncounted = false;
     QHash<ZQObjectID, qint64> m_counts;
+    LiveFolderSigns m_signs;
     ContentFetcher::Ticket m_countsTicket;
 };

@@ -5,12 +5,14 @@
 #include <QApplication>
 #include <QDrag>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLocale>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTimer>
+#include <QToolTip>
 
 namespace {
 
@@ -48,6 +50,8 @@ void SidebarTreeView::setTree(SidebarTreeModel *model)
 {
     setModel(model);
     connect(model, &SidebarTreeModel::failed, viewport(), qOverload<>(&QWidget::update));
+    connect(model, &QAbstractItemModel::dataChanged, this, &SidebarTreeView::renewToolTip);
+    connect(model, &QAbstractItemModel::modelReset, this, &SidebarTreeView::renewToolTip);
     connect(&m_turningSign, &ZQTurningSign::turned, this, &SidebarTreeView::turnSigns);
 }
 
@@ -73,7 +77,7 @@ QRegion SidebarTreeView::signsInView() const
     for (const QModelIndex &index : syncing) {
         if (const QRect row = visualRect(index); row.intersects(viewport()->rect())) {
             constexpr int beyond = 2; // corners of what turns
-            signs += SidebarDelegate::iconRect(row, index).adjusted(-beyond, -beyond, beyond, beyond);
+            signs += SidebarDelegate::signRect(row, index).adjusted(-beyond, -beyond, beyond, beyond);
         }
     }
     return signs;
@@ -85,6 +89,27 @@ void SidebarTreeView::turnSigns()
     const QRegion signs = signsInView();
     m_turningSign.setInView(!signs.isEmpty());
     viewport()->update(signs);
+}
+
+bool SidebarTreeView::viewportEvent(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        const auto *const help = static_cast<QHelpEvent *>(event);
+        m_tipped = indexAt(help->pos());
+        m_tipPlace = help->globalPos();
+        m_tip = m_tipped.data(Qt::ToolTipRole).toString();
+    }
+    return QTreeView::viewportEvent(event);
+}
+
+// What is said of a folder may be over while it is being read.
+void SidebarTreeView::renewToolTip()
+{
+    const QString text = m_tipped.isValid() ? m_tipped.data(Qt::ToolTipRole).toString() : QString();
+    if (text != m_tip && QToolTip::isVisible() && QToolTip::text() == m_tip) { // and not another widget's
+        m_tip = text;
+        QToolTip::showText(m_tipPlace, text, viewport()); // none hides it
+    }
 }
 
 void SidebarTreeView::hideEvent(QHideEvent *event)

@@ -51,6 +51,7 @@ protected:
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
     void drawRow(QPainter *painter, const QStyleOptionViewItem &options, const QModelIndex &index) const override;
     void paintEvent(QPaintEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
@@ -73,12 +74,16 @@ private:
     void paintDropHint(QPainter &painter) const;
     QRegion signsInView() const;
     void turnSigns();
+    void renewToolTip();
     QPixmap dragPicture(const QModelIndexList &dragged) const;
 
     QPersistentModelIndex m_pressedSelected; // a click on it edits its title
     QPersistentModelIndex m_renamed;         // soon, unless a key says otherwise
-    QRect m_dropRow;                         // lit up
-    QRect m_dropLine;                        // insertion mark
+    QPersistentModelIndex m_tipped;          // whose tool tip was shown last
+    QString m_tip;
+    QPoint m_tipPlace; // on the screen
+    QRect m_dropRow;   // lit up
+    QRect m_dropLine;  // insertion mark
     QString m_dropHint;
     ZQTurningSign m_turningSign;
 };

@@ -49,6 +49,7 @@ QList<ZQObjectID> LiveFolderProgress::syncing() const
 void LiveFolderProgress::follow()
 {
     const QList<ZQObjectID> folders = syncing();
+    m_stopped.intersect(QSet<ZQObjectID>(folders.begin(), folders.end()));
     if (folders.isEmpty()) {
         m_delay.stop();
         m_line.reset();
@@ -68,14 +69,29 @@ void LiveFolderProgress::begin()
     m_done = 0;
     m_line = m_window.user.beginProgress(zqLocalized("Syncing…"), 0, [self = QPointer(this)] {
         if (self) {
-            self->m_window.liveFolders->manager().stopSyncingWatchedFolders(self->syncing());
+            self->stop();
         }
     });
     show(folders);
 }
 
+// What was read is saved yet, which may take a moment; that the button was heard is said at once.
+void LiveFolderProgress::stop()
+{
+    const QList<ZQObjectID> folders = syncing();
+    m_stopped = QSet<ZQObjectID>(folders.begin(), folders.end());
+    m_window.liveFolders->manager().stopSyncingWatchedFolders(folders);
+    follow();
+}
+
 void LiveFolderProgress::show(const QList<ZQObjectID> &folders)
 {
+    if (m_stopped.size() == folders.size()) {
+        m_line->setText(zqLocalized("Stopping…"));
+        m_line->setCountText({});
+        m_line->setMaximum(0);
+        return;
+    }
     // Folders are synchronised one run after another, and each says how far the whole run is.
     double done = 0;
     double total = 0;

@@ -23,10 +23,12 @@ private:
     QList<ZQObjectID> syncing() const; // without those below another one
     void follow();
     void begin();
+    void stop();
     void show(const QList<ZQObjectID> &folders);
 
     WindowContext &m_window;
     QTimer m_delay;
     std::shared_ptr<UserProgress> m_line;
-    double m_done = 0; // as the line has it
+    double m_done = 0;          // as the line has it
+    QSet<ZQObjectID> m_stopped; // by the person, and still at their last save
 };

@@ -92,9 +92,10 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
       m_mainWindow(std::make_unique<MainWindow>())
 {
     m_window->liveFolderManager = m_delegate->liveFolderManager();
-    ImportDoor::setWatchedFolderCopy([this](const QStringList &paths, const ZQObjectID &folder) {
-        LiveFolderEdits(*m_window).copyFiles(paths, folder);
-    });
+    ImportDoor::setWatchedFolderCopy(
+        [this](const QStringList &paths, const ZQObjectID &folder, const WhereFroms &origin) {
+            LiveFolderEdits(*m_window).copyFiles(paths, folder, origin);
+        });
     const auto index = std::make_shared<LibraryIndex>(m_delegate->persistentStoreCoordinator());
     index->follow(m_window->context);
     m_fetcher->setIndex(index);
@@ -217,6 +218,8 @@ void MainWindowController::makeCommands()
     connect(&m_browser->emptyState(), &EmptyState::importRequested, this, [this] { m_imports->importWithDialog(); });
     connect(&m_browser->emptyState(), &EmptyState::enableRequested, this,
             [this] { m_sidebar->liveFolders().setEnabled({m_browser->content().singleItem()}, true); });
+    connect(&m_browser->emptyState(), &EmptyState::useRequested, this,
+            [this] { m_sidebar->liveFolders().use(m_browser->content().singleItem()); });
     connect(&m_browser->emptyState(), &EmptyState::everythingRequested, &m_toolbar->search(), &QLineEdit::clear);
     connect(m_tabs, &TabsController::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);

@@ -91,9 +91,13 @@ private:
         const ZQLockGuard guard(m_lock);
         if (m_line) {
             const QLocale locale;
-            m_line->setText(m_countText.isEmpty() ? m_text
-                                                  : zqFormat(m_countText, {locale.toString(qint64(m_value)),
-                                                                           locale.toString(qint64(m_maximum))}));
+            const QVariantList numbers = {locale.toString(qint64(m_value)), locale.toString(qint64(m_maximum))};
+            // What names the work may hold what stands for a number, too; the last two are the numbers.
+            const qsizetype last = m_countText.lastIndexOf(QStringLiteral("%@"));
+            const qsizetype first = last > 0 ? m_countText.lastIndexOf(QStringLiteral("%@"), last - 1) : -1;
+            const QString kept = first < 0 ? QString() : zqFormat(m_countText.mid(first), numbers);
+            const QString all = m_countText.isEmpty() ? m_text : zqFormat(m_countText, numbers);
+            m_line->setText(all.chopped(kept.size()), kept);
             m_line->setFraction(m_maximum > 0 ? m_value / m_maximum : -1);
         }
     }

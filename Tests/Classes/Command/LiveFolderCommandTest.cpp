@@ -139,3 +139,43 @@ TEST_F(CommandTest, RemovesMuchThatIsGoneOnlyWhenToldTo)
     EXPECT_EQ(run("sync in"), 2);
     EXPECT_TRUE(context.output.contains("61 items")) << context.output.constData();
 }
+
+TEST_F(CommandTest, TakesWhatLiesInThePlaceOfAFolderForIt)
+{
+    // All at once, so that none gets the number of another one.
+    picture(QStringLiteral("in/a.png"), qRgb(200, 0, 0));
+    picture(QStringLiteral("in/b.png"), qRgb(200, 200, 0));
+    picture(QStringLiteral("second/c.png"), qRgb(0, 200, 0));
+    picture(QStringLiteral("other/c.png"), qRgb(0, 0, 200));
+    QFile different(picture(QStringLiteral("third/c.png"), qRgb(0, 200, 200)));
+    ASSERT_TRUE(different.open(QIODevice::Append) && different.write("of another size") > 0);
+    different.close();
+    QDir folder(world.path());
+    ASSERT_TRUE(folder.mkdir(QStringLiteral("empty")));
+    const auto replace = [&folder](const QString &replaced, const QString &by) {
+        return QDir(folder.filePath(replaced)).removeRecursively() && folder.rename(by, replaced);
+    };
+    ASSERT_EQ(run("livefolders add in"), 0) << context.errors.constData();
+    EXPECT_EQ(run("livefolders use in"), 2) << "it is there";
+
+    ASSERT_TRUE(QDir(world.filePath(QStringLiteral("in"))).removeRecursively());
+    EXPECT_EQ(run("sync"), 2);
+    EXPECT_EQ(run("livefolders use in --yes"), 2) << "nothing is there";
+    ASSERT_TRUE(replace(QStringLiteral("in"), QStringLiteral("empty")));
+    EXPECT_EQ(run("livefolders use in --yes"), 2);
+    EXPECT_TRUE(context.errors.contains("is empty")) << context.errors.constData();
+
+    ASSERT_TRUE(replace(QStringLiteral("in"), QStringLiteral("second")));
+    EXPECT_EQ(run("sync"), 2);
+    EXPECT_TRUE(context.errors.contains("Another folder is in its place")) << context.errors.constData();
+    EXPECT_EQ(run("livefolders use in"), 2);
+    EXPECT_TRUE(context.errors.contains("--yes")) << context.errors.constData();
+    EXPECT_EQ(run("livefolders use in --yes"), 0) << context.errors.constData();
+    EXPECT_TRUE(context.output.contains("in: live, 1 item in 1 folder")) << context.output.constData();
+    EXPECT_EQ(run("sync"), 0) << context.errors.constData();
+
+    ASSERT_EQ(run("livefolders add other"), 0) << context.errors.constData();
+    ASSERT_TRUE(replace(QStringLiteral("other"), QStringLiteral("third")));
+    EXPECT_EQ(run("sync"), 2);
+    EXPECT_EQ(run("livefolders use other"), 0) << "no item would go: " << context.errors.constData();
+}

@@ -1,63 +1,15 @@
 #pragma once
 
-#include "Classes/Application/ControllerInterfaces.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Editing/EditFixture.h"
+#include "Tests/Support/ScriptedLiveFolders.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 
 #include <utility>
-
-// Makes rows for folders, and remembers what it was told.
-class ScriptedLiveFolders : public LiveFolderManaging
-{
-public:
-    explicit ScriptedLiveFolders(ZQManagedObjectContext &context) : m_context(context) {}
-
-    ZQOperationQueue &syncOperationQueue() override { return m_queue; }
-    void getLiveFolderPermissionFromSandbox() override {}
-    void startObservingWatchedFolders() override {}
-    void stopObservingWatchedFolders() override {}
-    void syncRootWatchedFolders() override {}
-    void syncWatchedFolder(const ZQObjectID &folder, bool force) override
-    {
-        synced.append(folder);
-        wasForced = wasForced || force;
-    }
-    void syncAndRemoveMissing(const ZQObjectID &folder) override { syncWatchedFolder(folder, true); }
-    void stopSyncingWatchedFolders(const QList<ZQObjectID> & /*folders*/) override {}
-    AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override
-    {
-        AddedLiveFolders result;
-        const auto label = ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(m_context);
-        for (const QString &path : paths) {
-            if (!QFileInfo(path).isDir()) {
-                result.refused.append({path, QStringLiteral("no folder")});
-                continue;
-            }
-            const auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(path, m_context);
-            folder->setIs_root(true);
-            folder->setActive(true);
-            label->addChild(folder.get(), atIndex++);
-            m_context.save();
-            result.added.append(folder->objectID());
-        }
-        return result;
-    }
-    void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override { changed += folders; }
-    LiveFolderStatus statusOfWatchedFolder(const ZQObjectID & /*folder*/) const override { return {}; }
-
-    QList<ZQObjectID> synced;
-    bool wasForced = false;
-    QList<ZQObjectID> changed;
-
-private:
-    ZQManagedObjectContext &m_context;
-    ZQOperationQueue m_queue{QStringLiteral("Live folders"), 1};
-};
 
 // The live folders "one" and "two", side by side on the disk and in the sidebar.
 class LiveEditFixture : public EditFixture
@@ -142,7 +94,7 @@ protected:
             .entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     }
 
-    ScriptedLiveFolders manager{library.context()};
+    ScriptedLiveFolders manager{[this]() -> ZQManagedObjectContext & { return library.context(); }};
     Folder one;
     Folder two;
 };

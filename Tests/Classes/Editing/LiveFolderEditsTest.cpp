@@ -303,14 +303,27 @@ TEST_F(LiveFolderEditsTest, BetweenDisksAFileIsCopiedAndItsOldOneIsInTheTrash)
     EXPECT_EQ(a->itemURL(), here);
     EXPECT_EQ(ScratchLibrary::readFile(here), QByteArray("a.jpg"));
     EXPECT_FALSE(QFile::exists(there));
-    QStringList found;
-    QDirIterator all(disk->folderPath(), {QStringLiteral("a.jpg")}, QDir::Files | QDir::Hidden,
-                     QDirIterator::Subdirectories);
-    while (all.hasNext()) {
-        found.append(all.next());
-    }
-    ASSERT_EQ(found.size(), 1) << "in that disk's trash";
-    EXPECT_TRUE(found.first().contains(QStringLiteral("/.Trash")));
+    const auto leftOnDisk = [&] {
+        QStringList found;
+        QDirIterator all(disk->folderPath(), {QStringLiteral("a.jpg")}, QDir::Files | QDir::Hidden,
+                         QDirIterator::Subdirectories);
+        while (all.hasNext()) {
+            found.append(all.next());
+        }
+        return found;
+    };
+    EXPECT_TRUE(trash().isEmpty()) << "it came back from there";
+    EXPECT_TRUE(QDir(library.path(QStringLiteral("XDG_DATA_HOME/Trash/info"))).isEmpty());
+    EXPECT_TRUE(leftOnDisk().isEmpty());
+
+    redo();
+    put(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/a.jpg")), "changed since");
+    undo();
+    EXPECT_EQ(ScratchLibrary::readFile(here), QByteArray("a.jpg"));
+    EXPECT_EQ(trash(), QStringList{QStringLiteral("a.jpg")});
+    ASSERT_EQ(leftOnDisk().size(), 1) << "in that disk's trash";
+    EXPECT_TRUE(leftOnDisk().first().contains(QStringLiteral("/.Trash")));
+    EXPECT_TRUE(user.errors.isEmpty());
 }
 
 TEST_F(LiveFolderEditsTest, WhatStaysBehindBetweenDisksIsExplained)

@@ -71,6 +71,38 @@ TEST_F(LiveFolderRowsTest, AddingIsAStepOfThoseThatWereAdded)
     EXPECT_EQ(undoStack.count(), 0) << "nothing came";
 }
 
+TEST_F(LiveFolderRowsTest, ManyItemsGoAndComeBesideTheWindow)
+{
+    constexpr int many = 1100;
+    for (int i = 0; i < many; ++i) {
+        const auto item = library.addReferencedImage(put(sub->folderPath() + QStringLiteral("/%1.jpg").arg(i), "x"));
+        item->setWatchingFolder(sub.get());
+    }
+    const auto gone = library.addReferencedImage(sub->folderPath() + QStringLiteral("/gone.jpg"));
+    gone->setWatchingFolder(sub.get());
+    library.context().save();
+    const auto shown = [&] {
+        return zqFetch<ZQLibraryBaseItem>(library.context(), QStringLiteral("managed == NO AND active == YES"))
+            .value()
+            .size();
+    };
+    ASSERT_EQ(shown(), many + 4);
+    commands.deleteListItems({one});
+    EXPECT_FALSE(one->active());
+    EXPECT_EQ(shown(), many + 4) << "not by the thread of the window";
+    for (const auto &edit : editQueue.operations()) {
+        edit->endSoon(); // as quitting does
+    }
+    finish();
+    EXPECT_EQ(shown(), 0);
+    undo();
+    EXPECT_TRUE(one->active());
+    EXPECT_EQ(shown(), many + 3) << "but what has no file any more";
+    EXPECT_TRUE(user.errors.isEmpty());
+    redo();
+    EXPECT_EQ(shown(), 0);
+}
+
 TEST_F(LiveFolderRowsTest, DisablingAndEnablingAreTakenBackToWhatWasBefore)
 {
     commands.setWatchedFoldersEnabled({deep}, false);

@@ -350,8 +350,9 @@ TEST_F(Drops, WhatGoesOntoALiveFolderIsCopiedToItsPlaceOnTheDisk)
     QDir().mkpath(place);
     zqCast<ZQSidebarWatchedFolder>(live)->updateWatchedFolderBookmark(place);
     delegate->saveAction();
-    ImportDoor::setWatchedFolderCopy(
-        [this](const QStringList &paths, const ZQObjectID &into) { LiveFolderEdits(*window).copyFiles(paths, into); });
+    ImportDoor::setWatchedFolderCopy([this](const QStringList &paths, const ZQObjectID &into, const WhereFroms &from) {
+        LiveFolderEdits(*window).copyFiles(paths, into, from);
+    });
     const auto count = [&] {
         zqRunMainLoopUntil([this] { return delegate->editQueue().operationCount() == 0; });
         return QDir(place).entryList(QDir::Files).size();
@@ -364,7 +365,20 @@ TEST_F(Drops, WhatGoesOntoALiveFolderIsCopiedToItsPlaceOnTheDisk)
     QFile file(one);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     pasted.setData(QStringLiteral("image/png"), file.readAll());
+    pasted.setUrls({QUrl(QStringLiteral("https://example.org/two.png"))});
     drop(pasted, {live, -1});
+    EXPECT_EQ(count(), 2);
+    EXPECT_EQ(WhereFroms::urlsOfFile(place + QStringLiteral("/two.png")).webURL,
+              QStringLiteral("https://example.org/two.png"));
+    EXPECT_TRUE(user.errors.isEmpty());
+    const QString words = world.filePath(QStringLiteral("words.xyz"));
+    EXPECT_TRUE(QFile(words).open(QIODevice::WriteOnly));
+    drop(*mimeOf({words, one}), {live, -1});
+    EXPECT_EQ(count(), 3) << "what it would not show stays away";
+    zqRunMainLoopUntil([this] { return !user.errors.isEmpty(); });
+    EXPECT_EQ(user.errors.takeFirst().localizedDescription(),
+              QStringLiteral("1 file was not copied into the live folder."));
+    undoStack.undo();
     EXPECT_EQ(count(), 2);
     undoStack.undo();
     EXPECT_EQ(count(), 1);

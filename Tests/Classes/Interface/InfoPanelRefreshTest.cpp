@@ -6,7 +6,11 @@
 #include "Tests/Classes/Editing/EditQueueGate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
+#include <QFile>
+#include <QLabel>
 #include <QPlainTextEdit>
+
+#include <algorithm>
 
 namespace {
 
@@ -45,6 +49,31 @@ TEST_F(InfoPanelRefreshTest, ManyAreNotSummedUpWhileTheyAreEdited)
     EXPECT_TRUE(panel.refresh());
     EXPECT_FALSE(fetcher.isIdle());
     zqRunMainLoopUntil([this] { return fetcher.isIdle(); });
+}
+
+TEST_F(InfoPanelRefreshTest, AFileIsMissingOnceItWasMissedForAWhile)
+{
+    const QString path = library.path(QStringLiteral("a.png"));
+    const auto write = [&path] {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write("picture") > 0;
+    };
+    ASSERT_TRUE(write());
+    show({library.addReferencedImage(path)});
+    browser.grid().setSelection(ZQIndexSet(0, 0));
+    panel.refresh();
+    const auto saysMissing = [this] {
+        const auto labels = panel.findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [](const QLabel *label) { return label->text().contains(QStringLiteral("is missing")); });
+    };
+    ASSERT_TRUE(QFile::remove(path));
+    panel.refresh();
+    EXPECT_FALSE(saysMissing()) << "a program may be replacing it";
+    zqRunMainLoopUntil(saysMissing);
+    ASSERT_TRUE(write());
+    panel.refresh();
+    EXPECT_FALSE(saysMissing());
 }
 
 TEST_F(InfoPanelRefreshTest, NotesThatComeFromTheFileWhileThePersonTypesStayBelow)

@@ -4,15 +4,18 @@
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
-#include "Tests/Classes/Interface/FakeLiveFolders.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
+#include "Tests/Support/ScriptedLiveFolders.h"
 
 #include <QDir>
 #include <QDropEvent>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QToolButton>
+#include <QToolTip>
 
 namespace {
 
@@ -93,7 +96,7 @@ protected:
     }
     QString rowsOfLabel() { return children(label).join(u' '); }
 
-    FakeLiveFolders fake;
+    ScriptedLiveFolders fake{[this]() -> ZQManagedObjectContext & { return context(); }};
     Item label;
     QString hint;
 };
@@ -135,7 +138,7 @@ TEST_F(LiveFoldersTest, RowsSayHowTheirFoldersStand)
            "warning",
            "missing",
            "",
-           "This folder cannot be found.",
+           "Its folder cannot be found. Connect the drive it is on, or put the folder back.",
            true},
           {"in the trash",
            [&](bool is) { live->setIs_trashed(is); },
@@ -143,7 +146,7 @@ TEST_F(LiveFoldersTest, RowsSayHowTheirFoldersStand)
            "warning",
            "in trash",
            "",
-           "This folder is in the trash.",
+           "Its folder is in the trash. Restore it there, or remove the live folder.",
            true},
           {"off",
            [&](bool is) { live->setIs_enabled(!is); },
@@ -176,6 +179,76 @@ TEST_F(LiveFoldersTest, RowsSayHowTheirFoldersStand)
     EXPECT_FALSE(index(below).flags() & Qt::ItemIsDragEnabled) << "the disk says where it is";
 }
 
+TEST_F(LiveFoldersTest, ClosedRowsSayWhatIsBelowThem)
+{
+    const Folder live = addLive("Pictures", label);
+    const Folder other = addLive("Other", label);
+    const Folder below = addLive("Stick", live);
+    below->setIs_missing(true);
+    save();
+    fake.setStatus(*below, {.isSyncing = false,
+                            .filesDone = 0,
+                            .filesTotal = 0,
+                            .isSwept = false,
+                            .reason = QStringLiteral("Connect it.")});
+    fake.setStatus(*other, {.isSyncing = false,
+                            .filesDone = 0,
+                            .filesTotal = 0,
+                            .isSwept = true,
+                            .reason = QStringLiteral("Every hour.")});
+    const auto mark = [&](const Item &item) { return said(item, SidebarTreeModel::MarkRole); };
+    const QString reason = QStringLiteral("“Stick”: Connect it.");
+    EXPECT_EQ(mark(live), QStringLiteral("warning"));
+    EXPECT_TRUE(said(live, Qt::ToolTipRole).endsWith(reason)) << qPrintable(said(live, Qt::ToolTipRole));
+    EXPECT_EQ(mark(label), QString()) << "its rows say it themselves";
+    EXPECT_EQ(said(label, Qt::AccessibleDescriptionRole), QString());
+
+    tree()->collapse(index(label));
+    EXPECT_EQ(mark(label), QStringLiteral("warning"));
+    EXPECT_EQ(said(label, Qt::AccessibleDescriptionRole).split(u'\n'),
+              (QStringList{QStringLiteral("“Other”: Every hour."), reason}));
+    EXPECT_TRUE(said(label, Qt::ToolTipRole).endsWith(reason));
+    QSignalSpy changed(tree()->tree(), &QAbstractItemModel::dataChanged);
+    below->setIs_missing(false);
+    save();
+    fake.setStatus(*other, {});
+    fake.setStatus(*below, {});
+    EXPECT_TRUE(std::any_of(changed.begin(), changed.end(), [&](const QList<QVariant> &each) {
+        return each.first().value<QModelIndex>() == index(label);
+    }));
+    EXPECT_EQ(mark(label), QString());
+    tree()->expand(index(label));
+    EXPECT_EQ(mark(live), QString());
+    tree()->setExpanded(index(live), true);
+    below->setIs_missing(true);
+    save();
+    EXPECT_EQ(mark(live), QString());
+    EXPECT_EQ(said(below, SidebarTreeModel::CountRole), QStringLiteral("missing")) << "since no row above says it";
+}
+
+TEST_F(LiveFoldersTest, AToolTipThatIsReadSaysWhatHoldsNow)
+{
+    const Folder live = addLive("Pictures", label);
+    const auto setReason = [&](const char *reason) {
+        fake.setStatus(*live, {.isSyncing = false,
+                               .filesDone = 0,
+                               .filesTotal = 0,
+                               .isSwept = false,
+                               .reason = QString::fromUtf8(reason)});
+    };
+    setReason("Too many folders.");
+    const QPoint point = row(live).center();
+    QHelpEvent asked(QEvent::ToolTip, point, tree()->viewport()->mapToGlobal(point));
+    QApplication::sendEvent(tree()->viewport(), &asked);
+    EXPECT_EQ(QToolTip::text(), live->folderPath() + QStringLiteral("\nToo many folders."));
+    setReason("");
+    EXPECT_EQ(QToolTip::text(), live->folderPath());
+    QToolTip::showText(tree()->viewport()->mapToGlobal(point), QStringLiteral("Of another widget"), &window());
+    setReason("Too many folders.");
+    EXPECT_EQ(QToolTip::text(), QStringLiteral("Of another widget"));
+    QToolTip::hideText();
+}
+
 TEST_F(LiveFoldersTest, ASignTurnsWhileItsRowIsInViewAndSynchronised)
 {
     const Folder live = addLive("Pictures", label);
@@ -197,9 +270,11 @@ TEST_F(LiveFoldersTest, ASignTurnsWhileItsRowIsInViewAndSynchronised)
     run(CommandID::Sidebar);
     EXPECT_TRUE(waitFor([&] { return sign.isTurning(); }));
     tree()->collapse(index(label));
-    EXPECT_TRUE(waitFor([&] { return !sign.isTurning(); }));
-    tree()->expand(index(label));
+    EXPECT_TRUE(index(label).data(SidebarTreeModel::SyncingRole).toBool()) << "for what it hides";
+    EXPECT_TRUE(tree()->tree()->syncingRows().contains(index(label)));
     EXPECT_TRUE(waitFor([&] { return sign.isTurning(); }));
+    tree()->expand(index(label));
+    EXPECT_FALSE(index(label).data(SidebarTreeModel::SyncingRole).toBool());
     fake.end(*live);
     EXPECT_TRUE(waitFor([&] { return !sign.isTurning(); }));
     EXPECT_FALSE(index(live).data(SidebarTreeModel::SyncingRole).toBool())
@@ -342,10 +417,25 @@ TEST_F(LiveFoldersTest, AnEmptyLiveFolderSaysWhyAndWhatToDo)
     live->setIs_missing(true);
     fake.setStatus(*live, {.isSyncing = false, .filesDone = 0, .filesTotal = 0, .isSwept = false, .reason = "Gone."});
     save();
-    EXPECT_EQ(text(), QStringLiteral("The folder “%1” is not there.\nGone.\n"
-                                     "Its items come back with it.")
+    EXPECT_EQ(text(), QStringLiteral("“%1” is out of reach.\nGone.\n"
+                                     "Its items are kept, and come back with it.")
                           .arg(live->folderPath()));
     EXPECT_EQ(buttons(), QString());
+    fake.setStatus(*live, {.isSyncing = false,
+                           .filesDone = 0,
+                           .filesTotal = 0,
+                           .isSwept = false,
+                           .reason = QStringLiteral("Another."),
+                           .holdsAnother = true});
+    EXPECT_EQ(buttons(), QStringLiteral("Use This Folder"));
+    whenAsked([this](Sheet &) { press(Qt::Key_Return); }); // it is empty
+    named<QPushButton>("Use the folder that is in the place of this one")->click();
+    EXPECT_TRUE(fake.calls.isEmpty()) << "what an unmounted drive leaves is not taken for the folder";
+    EXPECT_TRUE(QFile(live->folderPath() + QStringLiteral("/a.txt")).open(QIODevice::WriteOnly));
+    EXPECT_TRUE(menuOf(live).contains(QStringLiteral("Use This Folder")));
+    menuOf(live, QStringLiteral("Use This Folder"));
+    EXPECT_EQ(fake.calls.join(u'|'), QStringLiteral("changed Pictures")) << "no item could go, so nothing is asked";
+    fake.calls.clear();
     live->setIs_missing(false);
     live->setIs_trashed(true);
     save();
@@ -386,6 +476,10 @@ TEST_F(LiveFoldersTest, ALongSynchronisationHasALineThatEndsIt)
     ASSERT_TRUE(cancel);
     cancel->click();
     EXPECT_EQ(fake.calls.join(u'|'), QStringLiteral("stop 100 % Pictures"));
+    EXPECT_TRUE(waitFor([&] { return line() == QStringLiteral("Stopping…"); })) << qPrintable(line());
+    fake.setStatus(*live, {.isSyncing = true, .filesDone = 121, .filesTotal = 4201, .isSwept = false, .reason = {}});
+    settle();
+    EXPECT_EQ(line(), QStringLiteral("Stopping…")) << "though what was read is still being saved";
     fake.end(*below);
     fake.end(*live);
     EXPECT_TRUE(waitFor([&] { return line().isEmpty(); }));

@@ -1,8 +1,10 @@
-#include "Classes/Interface/Browser/BrowserContent.h"
+#include "Classes/Interface/Browser/BrowserViewController.h"
+
 #include "Kit/Persistence/ZQContextPrivate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
 #include <QMimeData>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QtTest/QTest>
 
@@ -167,4 +169,47 @@ TEST_F(ShownContentTest, ATabThatComesBackShowsItsRowsAtOnceAndRecentOnesAnew)
     EXPECT_EQ(content.count(), 4) << "as it was";
     settle();
     EXPECT_EQ(content.count(), 3);
+}
+
+TEST_F(ShownContentTest, RowsOfThePlaceBeforeAreNobodysAndGoWhenTheirsAreLate)
+{
+    const Item other = addProject(QStringLiteral("Other"));
+    other->addItem(images[1].get());
+    library.context().save();
+    BrowserViewController browser(window);
+    BrowserContent &content = browser.content();
+    browser.showSidebarItems({project->objectID()});
+    settle();
+    browser.grid().selectAll();
+    EXPECT_EQ(browser.selectedItems().size(), 4);
+
+    QSemaphore isFree;
+    ContentFetcher::Ticket busy(fetcher, ContentFetcher::Priority::Content);
+    busy.run([&isFree](auto &, const auto &) {
+        isFree.acquire();
+        return ContentFetcher::Ticket::Answer();
+    });
+    QSignalSpy changed(&content, &BrowserContent::changed);
+    QSignalSpy waited(&content, &BrowserContent::waited);
+    browser.showSidebarItems({other->objectID()});
+    EXPECT_EQ(content.count(), 4) << "a quick answer is one change";
+    browser.grid().selectAll();
+    EXPECT_EQ(browser.selectionCount(), 0);
+    browser.grid().setCurrentIndex(2);
+    browser.openDetail(false);
+    EXPECT_FALSE(browser.isDetailOpen());
+    EXPECT_TRUE(content.libraryItemIDs(ZQIndexSet(0, 3)).isEmpty());
+    EXPECT_TRUE(content.indexesOfLibraryItems({images[0]->objectID()}).isEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return waited.count() == 1; }, 10000));
+    EXPECT_EQ(content.count(), 0);
+    EXPECT_EQ(content.emptyText(), QString());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return waited.count() == 2; }, 10000));
+    EXPECT_EQ(content.emptyText(), QStringLiteral("Reading…"));
+    EXPECT_EQ(changed.count(), 0);
+    isFree.release();
+    settle();
+    EXPECT_EQ(shown(content), QStringList{QStringLiteral("b")});
+    browser.grid().selectAll();
+    EXPECT_EQ(browser.selectedItems(), QList<ZQObjectID>{images[1]->objectID()});
+    EXPECT_EQ(waited.count(), 2);
 }

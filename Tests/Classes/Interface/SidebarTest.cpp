@@ -466,10 +466,12 @@ TEST_F(SidebarTest, RowsShowWhatIsChosenFocusedAndAway)
     EXPECT_EQ(colors(a, 10, 20).size(), 1);
     const QModelIndex liveRow = index(live);
     EXPECT_EQ(liveRow.data(SidebarTreeModel::CountRole).toString(), QStringLiteral("missing"));
-    EXPECT_EQ(liveRow.data(Qt::ToolTipRole).toString(), QStringLiteral("This folder cannot be found."));
+    EXPECT_EQ(liveRow.data(Qt::ToolTipRole).toString(),
+              QStringLiteral("Its folder cannot be found. Connect the drive it is on, or put the folder back."));
     live->setIs_missing(false);
     live->setIs_trashed(true);
-    EXPECT_EQ(liveRow.data(Qt::ToolTipRole).toString(), QStringLiteral("This folder is in the trash."));
+    EXPECT_EQ(liveRow.data(Qt::ToolTipRole).toString(),
+              QStringLiteral("Its folder is in the trash. Restore it there, or remove the live folder."));
     EXPECT_TRUE(liveRow.data(SidebarTreeModel::StateRole).toBool());
     live->setIs_trashed(false);
     EXPECT_EQ(liveRow.data(Qt::ToolTipRole).toString(), live->folderPath());

@@ -1,9 +1,9 @@
 #include "Tests/Kit/Files/Scratch.h"
 #include "Tests/Kit/Files/Watching.h"
+#include "Tests/Support/ScratchMount.h"
 #include "Tests/Support/Skip.h"
 
-#include <sched.h>
-#include <sys/mount.h>
+#include <optional>
 
 using namespace std::chrono_literals;
 
@@ -205,14 +205,8 @@ TEST_F(WatchedPlaces, AFileSystemThatIsUnmountedTakesItsRootWithIt)
     const QString root = folder(QStringLiteral("root"));
     const QString around = folder(QStringLiteral("around"));
     const QString inside = folder(QStringLiteral("around/inside"));
-    const auto mountAt = [](const QString &path) {
-        return ::mount("scratch", QFile::encodeName(path).constData(), "tmpfs", 0, "size=1m") == 0;
-    };
-    const auto unmount = [](const QString &path) {
-        return ::umount2(QFile::encodeName(path).constData(), MNT_DETACH) == 0;
-    };
-    if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        !mountAt(root)) {
+    std::optional<ScratchMount> disk(root);
+    if (!disk->isMounted()) {
         return skipWithout("the right to mount a file system");
     }
     write(root + QStringLiteral("/file"), "x");
@@ -220,23 +214,27 @@ TEST_F(WatchedPlaces, AFileSystemThatIsUnmountedTakesItsRootWithIt)
     ASSERT_TRUE(watching.start(root));
     ASSERT_TRUE(watching.start(around));
     watching.started.clear();
-    ASSERT_TRUE(unmount(root));
+    disk.reset();
     ASSERT_TRUE(watching.waitFor([&] { return watching.vanished.contains(root) && watching.placeChanges > 0; }));
     ASSERT_TRUE(watching.waitFor([&] { return watching.started.contains(root); })) << "the empty folder below it";
     watching.vanished.clear();
     watching.started.clear();
-    ASSERT_TRUE(mountAt(root));
+    ASSERT_TRUE(disk.emplace(root).isMounted());
     ASSERT_TRUE(watching.waitFor([&] { return watching.vanished.contains(root); }));
     ASSERT_TRUE(watching.waitFor([&] { return watching.started.contains(root); }));
     // Within a root, it is a part that came and went.
+    std::optional<ScratchMount> part;
     for (const bool isMounted : {true, false}) {
         watching.forget();
-        ASSERT_TRUE(isMounted ? mountAt(inside) : unmount(inside));
+        if (isMounted) {
+            ASSERT_TRUE(part.emplace(inside).isMounted());
+        } else {
+            part.reset();
+        }
         ASSERT_TRUE(watching.waitFor([&] { return watching.below.contains(inside); }));
         watching.forget();
         write(inside + QStringLiteral("/file"), "x");
         ASSERT_TRUE(watching.waitForChangeOf(inside));
     }
     EXPECT_EQ(watching.vanished, QStringList(root));
-    ASSERT_TRUE(unmount(root));
 }

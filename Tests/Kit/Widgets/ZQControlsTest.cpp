@@ -6,6 +6,7 @@
 #include "Kit/Widgets/ZQTabStrip.h"
 #include "Kit/Widgets/ZQTheme.h"
 
+#include <QFontMetrics>
 #include <QGraphicsEffect>
 #include <QHelpEvent>
 #include <QLabel>
@@ -379,6 +380,23 @@ TEST(ZQSwitch, SegmentsAreChosenWithPointerAndKeys)
     control.setFocus();
     EXPECT_EQ(pixelOf(control, {25, 2}), zqColor(ZQColorRole::Accent));
     EXPECT_EQ(pixelOf(control, {60, 14}), off);
+}
+
+TEST(ZQProgressLine, ShortensWhatItNamesAndNeverHowFarItIs)
+{
+    const QString name = QStringLiteral("Syncing A folder with a long name: ");
+    const QString numbers = QStringLiteral("1,200 of 104,201");
+    const QFontMetrics metrics{QFont()};
+    const int whole = metrics.horizontalAdvance(name + numbers);
+    EXPECT_EQ(ZQProgressLine::fitted(name, numbers, metrics, whole), name + numbers);
+    const QString shortened = ZQProgressLine::fitted(name, numbers, metrics, whole * 2 / 3);
+    EXPECT_TRUE(shortened.startsWith(QStringLiteral("Sync"))) << qPrintable(shortened);
+    EXPECT_TRUE(shortened.endsWith(u' ' + numbers)) << qPrintable(shortened);
+    EXPECT_TRUE(shortened.contains(u'…'));
+    EXPECT_LE(metrics.horizontalAdvance(shortened), whole * 2 / 3);
+    EXPECT_EQ(ZQProgressLine::fitted(name, numbers, metrics, metrics.horizontalAdvance(numbers)), numbers);
+    const QString alone = ZQProgressLine::fitted(name, {}, metrics, metrics.horizontalAdvance(name) / 2);
+    EXPECT_TRUE(alone.contains(u'…'));
 }
 
 TEST(ZQProgressLine, ShowsHowFarItIsAndCanBeCancelled)

@@ -128,6 +128,38 @@ TEST(ZQThumbnailLoader, DropsWhatScrolledAwayAndReadsTheLatestFirst)
     EXPECT_LT(read.indexOf(request(23).path), read.indexOf(request(18).path));
 }
 
+TEST(ZQThumbnailLoader, ShowsTheVersionBeforeUntilTheNewOneIsThere)
+{
+    std::atomic<bool> isThere = true;
+    std::atomic<int> readsOfLast = 0;
+    ZQThumbnailLoader loader;
+    loader.setDecoder([&](const ZQThumbnailRequest &wanted, int pixels) {
+        readsOfLast += wanted.version == 3 ? 1 : 0;
+        QImage image(pixels, pixels, QImage::Format_RGB32);
+        image.fill(wanted.version == 1 ? Qt::red : Qt::blue);
+        return isThere ? image : QImage();
+    });
+    const auto color = [&loader](qint64 version) {
+        const QImage image = loader.thumbnail(request(1, version), 100).image;
+        return image.isNull() ? QColor() : image.pixelColor(0, 0);
+    };
+    color(1);
+    ASSERT_TRUE(loadAll(loader));
+    EXPECT_EQ(color(1), QColor(Qt::red));
+    isThere = false; // as while a program replaces it
+    EXPECT_EQ(color(2), QColor(Qt::red));
+    EXPECT_TRUE(loader.image(request(1, 2), 100).isNull()) << "who wants that version gets no other";
+    ASSERT_TRUE(loadAll(loader));
+    EXPECT_EQ(color(2), QColor(Qt::red)) << "one failure is none";
+    isThere = true;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return color(2) == QColor(Qt::blue); }, 20000));
+
+    isThere = false;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !color(3).isValid(); }, 20000)) << "in the end it is gone";
+    EXPECT_TRUE(loader.hasFailed(request(1, 3)));
+    EXPECT_EQ(readsOfLast, 3) << "though it was asked for all the time";
+}
+
 TEST(ZQThumbnailLoader, RemembersWhatCannotBeRead)
 {
     std::atomic<int> attempts = 0;

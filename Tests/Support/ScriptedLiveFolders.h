@@ -1,18 +1,26 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
-#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QFileInfo>
 
-// Live folders as a test says that they stand: rows are made as they are asked for, and nothing is read of the disk.
-class FakeLiveFolders : public LiveFolderManaging
+#include <functional>
+#include <utility>
+
+// Live folders as a test says that they stand: rows are made as they are asked for, nothing is read of the disk, and
+// what was asked for is remembered.
+class ScriptedLiveFolders : public LiveFolderManaging
 {
 public:
-    QStringList calls; // "sync Pictures", "stop Pictures", "changed Pictures"
+    explicit ScriptedLiveFolders(std::function<ZQManagedObjectContext &()> context) : m_context(std::move(context)) {}
+
+    QStringList calls; // "sync Pictures", "look at Pictures", "stop Pictures", "changed Pictures"
+    QList<ZQObjectID> synced;
+    QList<ZQObjectID> changed;
+    bool wasForced = false;
 
     void start(const ZQSidebarBaseItem &folder) { post(didStartSync, folder); }
     void end(const ZQSidebarBaseItem &folder) { post(didEndSync, folder); }
@@ -30,26 +38,32 @@ public:
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override
     {
         note(force ? "sync" : "look at", {folder});
+        synced.append(folder);
+        wasForced = wasForced || force;
     }
     void syncAndRemoveMissing(const ZQObjectID &folder) override { note("remove missing", {folder}); }
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override { note("stop", folders); }
-    void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override { note("changed", folders); }
+    void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override
+    {
+        note("changed", folders);
+        changed += folders;
+    }
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override { return m_statuses.value(folder); }
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override
     {
         AddedLiveFolders result;
         for (const QString &path : paths) {
-            if (const auto known = ZQSidebarWatchedFolder::watchedFolderWithPath(path, context())) {
+            if (const auto known = ZQSidebarWatchedFolder::watchedFolderWithPath(path, m_context())) {
                 result.alreadyThere.append(known->objectID());
             } else if (!QFileInfo(path).isDir()) {
                 result.refused.append({path, QStringLiteral("It is no folder.")});
             } else {
-                const auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(path, context());
+                const auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(path, m_context());
                 folder->setIs_root(true);
                 folder->setActive(true);
-                ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(context())->addChild(
-                    folder.get(), atIndex + quint32(result.added.size()));
-                tamberin_AppDelegate::sharedDelegate()->saveAction();
+                ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(m_context())
+                    ->addChild(folder.get(), atIndex + quint32(result.added.size()));
+                m_context().save();
                 result.added.append(folder->objectID());
             }
         }
@@ -57,7 +71,6 @@ public:
     }
 
 private:
-    static ZQManagedObjectContext &context() { return *tamberin_AppDelegate::sharedDelegate()->managedObjectContext(); }
     void post(const QString &name, const ZQSidebarBaseItem &folder)
     {
         ZQNotificationCenter::defaultCenter().postNotification(name, this, {{QStringLiteral("folder"), folder.UUID()}});
@@ -66,10 +79,11 @@ private:
     {
         for (const ZQObjectID &id : folders) {
             calls.append(QLatin1StringView(what) + u' ' +
-                         zqCast<ZQSidebarBaseItem>(context().objectWithID(id))->title());
+                         zqCast<ZQSidebarBaseItem>(m_context().objectWithID(id))->title());
         }
     }
 
-    ZQOperationQueue m_queue{QStringLiteral("fake live folders"), 1};
+    std::function<ZQManagedObjectContext &()> m_context;
+    ZQOperationQueue m_queue{QStringLiteral("Live folders"), 1};
     QHash<ZQObjectID, LiveFolderStatus> m_statuses;
 };
