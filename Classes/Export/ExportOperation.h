@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Classes/Export/ExportRequest.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
+#include "Kit/Operations/ZQOperation.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class UserInteraction;
+class UserProgress;
+class ZQPersistentStoreCoordinator;
+struct ExportSource;
+struct ZQError;
+
+// One export: reads the items in a context of its own, names them, and has several at once copied or converted, each
+// appearing under its name only when it is whole. With an archive they go into a temporary folder first, which is gone
+// at every end.
+//
+// The names leave out items whose file is missing, and the i-th item takes the i-th name: behind a missing file items
+// get the names made for those after them, and the last get none. Those are in the result as failed.
+//
+// Made on the main thread, runs on the background queue. A place that takes no more (a full or read-only disk, a folder
+// that went) ends the export and is said once; whatever else fails costs the one file.
+class ExportOperation : public ZQOperation
+{
+public:
+    explicit ExportOperation(const ExportRequest &request);
+    ~ExportOperation() override;
+
+    const ExportRequest &request() const { return m_request; }
+    // Once it has finished.
+    const ExportResult &result() const { return m_result; }
+
+    void main() override;
+
+private:
+    struct Outcome;
+
+    void run();
+    bool exportAll(const std::vector<ExportSource> &sources, const QStringList &names);
+    void exportItem(const ExportSource &source, const QString &path, Outcome &outcome);
+    void takeOutcomes(const std::vector<ExportSource> &sources, const std::vector<Outcome> &outcomes);
+    void zip();
+    void finish();
+    void announceEnd();
+    void tellPerson() const;
+
+    const ExportRequest m_request;
+    const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
+    UserInteraction &m_user;
+    std::shared_ptr<UserProgress> m_progress;
+    QString m_temporaryFolder; // empty without an archive
+    ZQOperation::Token m_stateObserver;
+    bool m_hasStarted = false;
+    ExportResult m_result;
+};
