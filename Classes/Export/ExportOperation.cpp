@@ -135,7 +135,9 @@ void ExportOperation::zip()
         return;
     }
     const auto willAdd = [this](qsizetype) {
-        m_progress->advanceBy(1);
+        if (m_progress) {
+            m_progress->advanceBy(1);
+        }
         return !isCancelled();
     };
     constexpr int attempts = 5; // others may take the name while the archive is being written

@@ -22,6 +22,7 @@ struct ExportRequest
     bool archive = false;
     std::optional<int> imageQuality; // 1 to 100; nothing: what the encoder takes
     QString namePattern;             // see ExportNames; empty: the title
+    bool namesByType = false;        // also those types that are named with the extension of the item's file
     bool tellsPerson = true;         // what is missing and what failed; a caller that says it itself takes the result
 
     static ExportRequest with(const ExportItem &preset, const QList<ZQObjectID> &items, const QString &destinationURL);
