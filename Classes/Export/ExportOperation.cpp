@@ -4,7 +4,6 @@
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Export/ExportManager.h"
 #include "Classes/Export/ExportReport.h"
 #include "Classes/Export/ExportWriter.h"
 #include "Classes/Tags/TagFileWriter.h"
@@ -180,8 +179,7 @@ void ExportOperation::finish()
 
 void ExportOperation::announceEnd()
 {
-    ZQNotificationCenter::defaultCenter().postNotification(
-        m_result.isCancelled ? ExportManager::didCancelExportOperation : ExportManager::didFinishExportOperation);
+    ZQNotificationCenter::defaultCenter().postNotification(m_result.isCancelled ? didCancel : didFinish);
     zqOnMainThread([path = m_request.destinationURL] {
         const tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
         if (LiveFolderManaging *const manager = delegate ? delegate->liveFolderManager() : nullptr) {

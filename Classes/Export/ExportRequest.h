@@ -39,7 +39,7 @@ struct ExportResult
     };
     QStringList written;    // paths below the destination, in the order of the items; of an archive: its path alone
     qsizetype count = 0;    // of the items in them
-    QList<Problem> missing; // their file is not there
+    QList<Problem> missing; // their file is not there; a thumbnail may have been written in its place, and counted
     QList<Problem> failed;  // whatever else kept one from being written
     QString refusal;        // why it ended before it was done, a full disk for instance; null otherwise
     bool isCancelled = false;
