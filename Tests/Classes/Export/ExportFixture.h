@@ -66,6 +66,14 @@ private:
     };
 };
 
+// Live folders that are only asked for.
+class AskedLiveFolders : public LiveFolderManager
+{
+public:
+    void syncFolderAtPath(const QString &path) override { synced.append(path); }
+    QStringList synced;
+};
+
 // An application without a window on a library of its own, beside the test program: what lies in the temporary area
 // would be moved by imports.
 class ExportFixture : public testing::Test
@@ -181,7 +189,7 @@ protected:
     }
 
     SteppedUser user;
-    LiveFolderManager liveFolders;
+    AskedLiveFolders liveFolders;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     QStringList ends; // notifications
 

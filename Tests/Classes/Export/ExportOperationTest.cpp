@@ -3,6 +3,7 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Imaging/ZQImageExport.h"
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Tests/Classes/Export/ExportFixture.h"
 #include "Tests/Support/Skip.h"
