@@ -88,6 +88,7 @@ CommandLine::CommandLine()
     defineItems();
     defineSearch();
     defineSmartFolder();
+    defineExport();
     defineDeletion();
     defineTags();
     defineLiveFolders();
