@@ -28,7 +28,8 @@ std::optional<ZQNewFile> ZQNewFile::make(const QString &path, ZQError *error)
 }
 
 ZQNewFile::ZQNewFile(ZQNewFile &&other) noexcept
-    : m_path(std::move(other.m_path)), m_temporary(std::exchange(other.m_temporary, {})), m_file(std::move(other.m_file))
+    : m_path(std::move(other.m_path)), m_temporary(std::exchange(other.m_temporary, {})),
+      m_file(std::move(other.m_file))
 {
 }
 

@@ -232,9 +232,10 @@ bool zqEncodeImage(VipsImage *image, const ZQExportEncoding &encoding, int outpu
         return false;
     }
     if (!encoded) {
-        return zqTakeVipsMemoryShortage() ? fail(error, ZQImagingErrorCode::TooMuchMemory,
-                                                 zqLocalized("There is not enough memory to convert it."))
-                                          : fail(error, ZQImagingErrorCode::Damaged, zqLocalized("It can't be encoded."));
+        return zqTakeVipsMemoryShortage()
+                   ? fail(error, ZQImagingErrorCode::TooMuchMemory,
+                          zqLocalized("There is not enough memory to convert it."))
+                   : fail(error, ZQImagingErrorCode::Damaged, zqLocalized("It can't be encoded."));
     }
     return true;
 }

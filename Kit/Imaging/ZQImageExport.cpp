@@ -30,13 +30,14 @@ std::optional<QSize> zqExportPixelSize(QSize pixels, const ZQExportSize &asked)
 {
     const double width = pixels.width();
     const double height = pixels.height();
-    if (pixels.isEmpty()) {
+    if (pixels.isEmpty() || std::isnan(asked.percentage.value_or(0))) {
         return std::nullopt;
     }
     if (asked.percentage) {
         const double part = *asked.percentage / 100;
-        const QSize size(side(std::floor(width * part + roundingError)), side(std::floor(height * part + roundingError)));
-        return size == pixels || std::isnan(part) ? std::nullopt : std::optional(size);
+        const QSize size(side(std::floor(width * part + roundingError)),
+                         side(std::floor(height * part + roundingError)));
+        return size == pixels ? std::nullopt : std::optional(size);
     }
     if (!asked.size || std::isnan(asked.size->width()) || std::isnan(asked.size->height())) {
         return std::nullopt;
@@ -56,7 +57,8 @@ std::optional<ZQExportedImage> zqExportImageFile(const QString &source, const ZQ
 {
     auto file = ZQNewFile::make(path, error);
     ZQError failure;
-    const auto out = file ? ZQRenderPool::shared().exportFile(source, encoding, file->descriptor(), &failure) : std::nullopt;
+    const auto out =
+        file ? ZQRenderPool::shared().exportFile(source, encoding, file->descriptor(), &failure) : std::nullopt;
     if (file && !out) {
         zqSetError(error, namingFile(failure, path));
     }
@@ -67,7 +69,8 @@ std::optional<ZQExportedImage> zqExportBitmap(const ZQBitmap &bitmap, const ZQEx
                                               const QString &path, ZQError *error)
 {
     if (bitmap.isNull()) {
-        zqSetError(error, zqExportError(ZQImagingErrorCode::Damaged, path, zqLocalized("There is no picture to write.")));
+        zqSetError(error,
+                   zqExportError(ZQImagingErrorCode::Damaged, path, zqLocalized("There is no picture to write.")));
         return std::nullopt;
     }
     auto file = ZQNewFile::make(path, error);

@@ -55,8 +55,8 @@ bool zqCanEncode(int fileType);
 // is whole, and never over a file that is there: that is an error of the domain "POSIX" with the code EEXIST, as a full
 // disk is one with ENOSPC. Nothing is flushed to disk: whoever needs that calls `zqSyncFileSystem` once for all files.
 // What is wrong with the picture is an error of the domain "zelto.imaging". Transparency goes white where the type has
-// none (JPEG, BMP); GIF keeps it as on or off. Of a picture that ends too early comes what is there. Any thread, several
-// at once. ZQCancellation ends it early, without a file.
+// none (JPEG, BMP); GIF keeps it as on or off. Of a picture that ends too early comes what is there. Any thread,
+// several at once. ZQCancellation ends it early, without a file.
 std::optional<ZQExportedImage> zqExportImageFile(const QString &source, const ZQExportEncoding &encoding,
                                                  const QString &path, ZQError *error = nullptr);
 // For a picture that is no file.
