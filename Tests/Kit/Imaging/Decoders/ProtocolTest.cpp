@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
