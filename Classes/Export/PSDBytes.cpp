@@ -119,8 +119,8 @@ QByteArray PSDBytes::packedBitsForRange(const QByteArray &data, Range range, qsi
         samples.append(data[range.location + i]);
     }
     QByteArray packed(mostPacked(samples.size()), Qt::Uninitialized);
-    const char *const end = packBits(
-        {reinterpret_cast<const uchar *>(samples.constData()), std::size_t(samples.size())}, packed.data());
+    const char *const end =
+        packBits({reinterpret_cast<const uchar *>(samples.constData()), std::size_t(samples.size())}, packed.data());
     packed.truncate(end - packed.constData());
     return packed;
 }

@@ -17,8 +17,8 @@ struct Range
     qsizetype length = 0;
 };
 
-// Every `skip`-th byte of the range, packed. Literal packets hold 1 to 128 bytes and repeat packets 3 to 127: from three
-// equal bytes on it is a repeat. What of the range lies outside the data, or a `skip` below 1, gives nothing.
+// Every `skip`-th byte of the range, packed. Literal packets hold 1 to 128 bytes and repeat packets 3 to 127: from
+// three equal bytes on it is a repeat. What of the range lies outside the data, or a `skip` below 1, gives nothing.
 QByteArray packedBitsForRange(const QByteArray &data, Range range, qsizetype skip);
 
 // The most that so many bytes take when packed.
