@@ -66,6 +66,7 @@ private:
     void defineDeletion();
     void defineTags();
     void defineLiveFolders();
+    void definePsd();
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

@@ -76,6 +76,15 @@ int zqRunSyncLiveFolders(const QString &reference, CommandContext &context);
 // Until what the manager does of these is done, with progress. False when it was cancelled.
 bool zqWaitForLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context);
 
+struct PsdRequest
+{
+    QString size;       // "WxH"
+    QStringList layers; // "FILE[@x,y[,opacity[,name]]]", the bottom one first
+    QString out;
+    bool force = false; // over a file that is there
+};
+int zqRunPsd(const PsdRequest &request, CommandContext &context);
+
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);

@@ -25,9 +25,9 @@ namespace LayeredDocument {
 inline const QString errorDomain = QStringLiteral("zelto.layers");
 enum Code {
     CannotRead = 1,
-    DoesNotFit,    // in a document that other programs open
+    DoesNotFit, // in a document that other programs open
     AlreadyThere,
-    Cancelled,     // by the thread's ZQCancellation
+    Cancelled, // by the thread's ZQCancellation
 };
 
 // The largest width and the largest height, as the pictures are shown. Those that cannot be read are taken out of the

@@ -61,10 +61,10 @@ void LayeredExport::tell(const QStringList &leftOut)
 {
     const QString name = QFileInfo(m_path).fileName();
     if (!leftOut.isEmpty()) {
-        tellOfError(ZQError::with(
-            LayeredDocument::errorDomain, LayeredDocument::CannotRead,
-            zqFormat(zqLocalized("“%@” was written without what can't be read as a picture."), {name}),
-            leftOut.join(u'\n')));
+        tellOfError(
+            ZQError::with(LayeredDocument::errorDomain, LayeredDocument::CannotRead,
+                          zqFormat(zqLocalized("“%@” was written without what can't be read as a picture."), {name}),
+                          leftOut.join(u'\n')));
         return;
     }
     const QString text = m_pictures.size() == 1
