@@ -41,10 +41,6 @@ struct CommandLine::Options
     std::string size = "1280x800";
     double scale = 1;
     std::string theme;
-    std::vector<std::string> layers;
-    std::string canvas;
-    std::string out;
-    bool force = false;
 };
 
 namespace {
@@ -319,27 +315,6 @@ void CommandLine::defineLiveFolders()
         command->add_flag("--json", m_json, "Print what `zelto livefolders --json` prints");
         define(command, sync);
     }
-}
-
-void CommandLine::definePsd()
-{
-    CLI::App *command = add(
-        "psd", "Write pictures as the layers of a Photoshop document; no library is needed", false,
-        [this](CommandContext &context) {
-            return zqRunPsd({text(m_options->canvas), texts(m_options->layers), text(m_options->out), m_options->force},
-                            context);
-        });
-    command
-        ->add_option(
-            "layers", m_options->layers,
-            "Pictures, the bottom one first. Behind \"@\" may stand where its top left goes, its opacity from 0 "
-            "to 1, and its name, which may hold commas; a layer is else called as its file")
-        ->required()
-        ->type_name("FILE[@X,Y[,OPACITY[,NAME]]]");
-    command->add_option("--size", m_options->canvas, "Size of the document in pixels")->required()->type_name("WxH");
-    command->add_option("--out", m_options->out, "The document to write")->required()->type_name("FILE.psd");
-    command->add_flag("--force", m_options->force, "Also over a file that is there");
-    command->add_flag("--json", m_json, "Print one object: path, layers, bytes");
 }
 
 void CommandLine::defineVerify()

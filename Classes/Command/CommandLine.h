@@ -66,7 +66,7 @@ private:
     void defineDeletion();
     void defineTags();
     void defineLiveFolders();
-    void definePsd();
+    void definePsd(); // in CommandLinePsd.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();
