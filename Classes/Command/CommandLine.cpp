@@ -92,6 +92,7 @@ CommandLine::CommandLine()
     defineDeletion();
     defineTags();
     defineLiveFolders();
+    definePsd();
     defineVerify();
     defineDefaults();
     defineSnapshot();

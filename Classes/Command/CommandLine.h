@@ -67,6 +67,7 @@ private:
     void defineDeletion();
     void defineTags();
     void defineLiveFolders();
+    void definePsd(); // in CommandLinePsd.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

@@ -100,6 +100,15 @@ using AfterLiveFolders = std::function<int(CommandContext &context, bool wasCanc
 int zqAfterLiveFolders(LiveFolderManaging &manager, const QList<ZQObjectID> &folders, CommandContext &context,
                        AfterLiveFolders then);
 
+struct PsdRequest
+{
+    QString size;       // "WxH"
+    QStringList layers; // "FILE[@x,y[,opacity[,name]]]", the bottom one first
+    QString out;
+    bool force = false; // over a file that is there
+};
+int zqRunPsd(const PsdRequest &request, CommandContext &context);
+
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);

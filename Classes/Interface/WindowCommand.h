@@ -21,6 +21,7 @@ enum class CommandID {
     RevealLiveFolder,
     Import,
     LastImport,
+    ExportLayers,
     NewTab,
     CloseTab,
     ReopenClosedTab,

@@ -17,6 +17,7 @@
 #include "Classes/Interface/TextFields.h"
 #include "Classes/Interface/Window/ArrivedItems.h"
 #include "Classes/Interface/Window/ImportActions.h"
+#include "Classes/Interface/Window/LayerActions.h"
 #include "Classes/Interface/Window/LiveFolderProgress.h"
 #include "Classes/Interface/Window/MainToolbar.h"
 #include "Classes/Interface/Window/MainWindow.h"
@@ -114,6 +115,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     column->addWidget(m_splitter, 1);
     m_mainWindow->setCentralWidget(central);
     m_imports = std::make_unique<ImportActions>(*m_window, *m_browser);
+    m_layers = std::make_unique<LayerActions>(*m_window, *m_browser);
     const QString tabsPath = m_delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist");
     m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
     m_savedSearches =
@@ -205,7 +207,8 @@ void MainWindowController::makeCommands()
     m_commands = new WindowCommands(m_mainWindow.get());
     for (const auto &contributed :
          {m_sidebar->commands(), m_imports->commands(), m_arrived->commands(), m_tabs->commands(), libraryCommands(),
-          editCommands(), m_browser->commands(), m_savedSearches->commands(), viewCommands(), helpCommands()}) {
+          editCommands(), m_browser->commands(), m_savedSearches->commands(), m_layers->commands(), viewCommands(),
+          helpCommands()}) {
         m_commands->add(contributed);
     }
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
@@ -437,6 +440,8 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::Duplicate);
         add(CommandID::Rename);
         menu.addAction(m_commands->ratingMenu());
+        menu.addSeparator();
+        add(CommandID::ExportLayers);
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
         if (single && m_browser->canRemove()) {

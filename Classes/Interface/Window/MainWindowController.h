@@ -15,6 +15,7 @@
 class ArrivedItems;
 class BrowserViewController;
 class ImportActions;
+class LayerActions;
 class InfoPanelViewController;
 class LibraryIndex;
 class LiveFolderStates;
@@ -96,6 +97,7 @@ private:
     std::unique_ptr<WindowContext> m_window;
     std::unique_ptr<MainWindow> m_mainWindow;
     std::unique_ptr<ImportActions> m_imports;
+    std::unique_ptr<LayerActions> m_layers;
     MainToolbar *m_toolbar = nullptr;
     QSplitter *m_splitter = nullptr;
     ProjectsSidebarViewController *m_sidebar = nullptr;

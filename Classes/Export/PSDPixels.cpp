@@ -1,0 +1,117 @@
+#include "Classes/Export/PSDPixels.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int channels = PSDPackedLayers::channelCount;
+constexpr int alphaChannel = 3;
+
+// Along one side of the canvas.
+struct Span
+{
+    double start = 0;
+    double length = 0;
+    int cut = 0; // of the image, before what is seen
+};
+
+Span spanOf(int image, double offset, double canvas)
+{
+    Span span{offset, double(image), 0};
+    if (!std::isfinite(offset) || offset >= canvas || offset + image <= 0) {
+        return {}; // nothing of it is seen
+    }
+    span.length = std::min(span.length, canvas - offset);
+    if (offset < 0) {
+        span.cut = int(-offset);
+        span.length += offset;
+        span.start = 0;
+    }
+    span.length = std::max(span.length, 0.0);
+    return span;
+}
+
+} // namespace
+
+std::optional<QRect> PSDPixels::wholeRect(const QRectF &rect)
+{
+    constexpr double most = 1e6;
+    for (const double value : {rect.x(), rect.y(), rect.width(), rect.height()}) {
+        if (!(std::abs(value) <= most)) {
+            return std::nullopt;
+        }
+    }
+    if (rect.width() < 0 || rect.height() < 0) {
+        return std::nullopt;
+    }
+    return QRect(int(std::floor(rect.x())), int(std::floor(rect.y())), int(rect.width()), int(rect.height()));
+}
+
+PSDPixels::Crop PSDPixels::crop(QSize image, QPointF offset, QSizeF canvas)
+{
+    Span across = spanOf(image.width(), offset.x(), canvas.width());
+    Span down = spanOf(image.height(), offset.y(), canvas.height());
+    if (across.length <= 0 || down.length <= 0) {
+        across = down = {};
+    }
+    const QRectF rect(across.start, down.start, across.length, down.length);
+    return {rect, wholeRect(rect).value_or(QRect(0, 0, 0, 0)), {across.cut, down.cut}};
+}
+
+float PSDPixels::opacity(float value)
+{
+    return value > 0 ? std::min(value, 1.0F) : 0.0F;
+}
+
+PSDPackedLayers::Reader PSDPixels::readerOf(const ZQBitmap &image, QPoint source)
+{
+    return [image, source](int row, int channel, std::span<uchar> samples) {
+        const uchar *pixel = image.constScanLine(source.y() + row) + qsizetype(source.x()) * channels;
+        if (channel == alphaChannel) {
+            for (uchar &sample : samples) {
+                sample = pixel[alphaChannel];
+                pixel += channels;
+            }
+            return;
+        }
+        for (uchar &sample : samples) {
+            const unsigned product = unsigned(pixel[channel]) * pixel[alphaChannel] + 128;
+            sample = static_cast<uchar>((product + (product >> 8)) >> 8);
+            pixel += channels;
+        }
+    };
+}
+
+PSDPackedLayers::Reader PSDPixels::readerOf(const QByteArray &pixels, int width)
+{
+    return [pixels, width](int row, int channel, std::span<uchar> samples) {
+        qsizetype at = qsizetype(row) * width * channels + channel;
+        for (uchar &sample : samples) {
+            sample = at < pixels.size() ? static_cast<uchar>(pixels.at(at)) : uchar(0);
+            at += channels;
+        }
+    };
+}
+
+void PSDPixels::unpremultiply(QByteArray &pixels)
+{
+    auto *pixel = reinterpret_cast<uchar *>(pixels.data());
+    for (uchar *const end = pixel + pixels.size() / channels * channels; pixel < end; pixel += channels) {
+        const int alpha = pixel[alphaChannel];
+        for (int channel = 0; channel < alphaChannel; ++channel) {
+            pixel[channel] = alpha == 0 ? uchar(255) : static_cast<uchar>(std::min(pixel[channel] * 255 / alpha, 255));
+        }
+    }
+}
+
+void PSDPixels::flip(QByteArray &pixels, int height)
+{
+    const qsizetype row = height > 0 ? pixels.size() / height : 0;
+    char *top = pixels.data();
+    char *bottom = top + row * height;
+    for (int i = 0; i < height / 2; ++i, top += row) {
+        bottom -= row;
+        std::swap_ranges(top, top + row, bottom);
+    }
+}
