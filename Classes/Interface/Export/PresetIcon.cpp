@@ -43,8 +43,7 @@ void drawLabel(QPainter &painter, const QString &text, const Label &label)
     font.setBold(true);
     font.setStyleStrategy(QFont::StyleStrategy(QFont::NoSubpixelAntialias | QFont::PreferAntialias));
     painter.setFont(font);
-    const QString shown =
-        QFontMetricsF(font).elidedText(text, Qt::ElideRight, PresetIcon::size.width());
+    const QString shown = QFontMetricsF(font).elidedText(text, Qt::ElideRight, PresetIcon::size.width());
     const double top = PresetIcon::size.height() - label.bottom - label.height;
     const QRectF place(0, top, PresetIcon::size.width(), label.height);
     painter.setPen(QColor::fromRgbF(0, 0, 0, float(label.shadow)));
