@@ -76,13 +76,15 @@ PresetCell *PresetsView::makeCell(const ExportItem &preset)
             Q_EMIT chosen(identifier);
         }
     });
-    connect(cell, &PresetCell::dragRequested, this, [this, identifier] {
+    // Later: the cell may be gone when the drag ends.
+    const auto startDrag = [this, identifier] {
         if (m_isEditing) {
             startMove(identifier);
         } else {
             Q_EMIT dragRequested(identifier);
         }
-    });
+    };
+    connect(cell, &PresetCell::dragRequested, this, startDrag, Qt::QueuedConnection);
     connect(cell, &PresetCell::deleteRequested, this, [this, identifier] { m_presets.deleteItem(identifier); });
     connect(cell, &PresetCell::moveRequested, this, [this, cell](Qt::Key arrow) { moveFocus(cell, arrow); });
     cell->show();
