@@ -115,6 +115,8 @@ public:
     virtual void stopObservingWatchedFolders() = 0;
     virtual void syncRootWatchedFolders() = 0;
     virtual void syncWatchedFolder(const ZQObjectID &folder, bool force) = 0;
+    // Looks at the folder on the disk that this process wrote into; does nothing for one that is in no live folder.
+    virtual void syncFolderAtPath(const QString & /*path*/) {}
     // Ends what is waiting or running for these and for what is below them; what was saved until then stays.
     virtual void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) = 0;
     // Makes roots of the directories, from position `atIndex` of LIVE FOLDERS on, saves them in the main context, has

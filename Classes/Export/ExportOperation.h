@@ -1,11 +1,10 @@
 #pragma once
 
 #include "Classes/Export/ExportRequest.h"
-#include "Kit/Foundation/ZQThreadSafety.h"
+#include "Classes/Export/ExportWriter.h"
 #include "Kit/Operations/ZQOperation.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -13,12 +12,10 @@
 class UserInteraction;
 class UserProgress;
 class ZQPersistentStoreCoordinator;
-struct ExportSource;
-struct ZQError;
 
-// One export: reads the items in a context of its own, names them, and has several at once copied or converted, each
-// appearing under its name only when it is whole. With an archive they go into a temporary folder first, which is gone
-// at every end.
+// One export: reads the items in a context of its own, names them, and has an ExportWriter copy or convert several at
+// once. With an archive they go into a temporary folder first, which is gone at every end, and from there, or from the
+// library when they stay as they are, into the archive.
 //
 // The names leave out items whose file is missing, and the i-th item takes the i-th name: behind a missing file items
 // get the names made for those after them, and the last get none. Those are in the result as failed.
@@ -38,23 +35,20 @@ public:
     void main() override;
 
 private:
-    struct Outcome;
-
     void run();
-    bool exportAll(const std::vector<ExportSource> &sources, const QStringList &names);
-    void exportItem(const ExportSource &source, const QString &path, Outcome &outcome);
-    void takeOutcomes(const std::vector<ExportSource> &sources, const std::vector<Outcome> &outcomes);
+    void exportAll(const std::vector<ExportSource> &sources);
+    void takeOutcomes(const std::vector<ExportSource> &sources);
     void zip();
     void finish();
     void announceEnd();
-    void tellPerson() const;
 
     const ExportRequest m_request;
     const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     UserInteraction &m_user;
     std::shared_ptr<UserProgress> m_progress;
     QString m_temporaryFolder; // empty without an archive
-    ZQOperation::Token m_stateObserver;
-    bool m_hasStarted = false;
+    std::vector<ExportOutcome> m_outcomes;
     ExportResult m_result;
+    bool m_hasStarted = false;
+    ZQOperation::Token m_stateObserver;
 };

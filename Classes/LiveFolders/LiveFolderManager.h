@@ -32,7 +32,7 @@ public:
     void syncRootWatchedFoldersForceSync(bool force);
     void syncWatchedFolder(const ZQObjectID &folder, bool force) override;
     void syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders, bool forceSync);
-    void syncFolderAtPath(const QString &path); // does nothing for one that is in no live folder
+    void syncFolderAtPath(const QString &path) override;
     void stopSyncingWatchedFolders(const QList<ZQObjectID> &folders) override;
     AddedLiveFolders addNewWatchFolderFromPaths(const QStringList &paths, quint32 atIndex) override;
     void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override;

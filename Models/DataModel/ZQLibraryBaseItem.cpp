@@ -286,16 +286,21 @@ QString ZQLibraryBaseItem::invalidImageMessage() const
     return QStringLiteral("file %@ is not a valid image");
 }
 
-ZQBitmap ZQLibraryBaseItem::exportImageRep(ZQError *error) const
+ZQExportRepresentation ZQLibraryBaseItem::exportRepresentation() const
 {
     const QString detail = detailItemURL();
-    const QString path = !detail.isEmpty() && QFileInfo::exists(detail) ? detail : thumbURL();
-    if (path.isEmpty()) {
+    return {!detail.isEmpty() && QFileInfo::exists(detail) ? detail : thumbURL()};
+}
+
+ZQBitmap ZQLibraryBaseItem::exportImageRep(ZQError *error) const
+{
+    const ZQExportRepresentation representation = exportRepresentation();
+    if (representation.path.isEmpty()) {
         zqSetError(error, ZQError::with(QStringLiteral("zelto.model"), 1,
                                         zqFormat(zqLocalized("The file of \"%@\" is missing."), {title()})));
         return {};
     }
-    return ZQImageSource::bitmapOfFile(path, error);
+    return representation.bitmap(error);
 }
 
 QString ZQLibraryBaseItem::pixelSizeString() const

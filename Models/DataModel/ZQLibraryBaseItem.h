@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Imaging/ZQBitmap.h"
+#include "Models/DataModel/ZQExportRepresentation.h"
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/_ZQLibraryBaseItem.h"
 
@@ -104,6 +105,7 @@ public:
     void writeOpenMetaToDisk();
     void writeRatingToDisk(); // the same after the rating was given: it replaces the file's
     void copyOpenMetaToPath(const QString &path);
+    ZQFileTags tagsOfCopy() const; // what that writes
     // Gives the item these tags, of which those that are missing are made, and takes the others away. Answers whether
     // it has other tags now.
     bool changeTags(const QStringList &add, const QStringList &remove);
@@ -115,7 +117,9 @@ public:
     virtual ZQBitmap renderRepresentationBitmap(const QString &path, ZQError *error = nullptr) const;
     virtual QString invalidImageMessage() const; // with one %@, the path
 
-    virtual ZQBitmap exportImageRep(ZQError *error = nullptr) const; // at full resolution
+    ZQBitmap exportImageRep(ZQError *error = nullptr) const; // at full resolution
+    // What that is drawn from; without a path when neither the file nor a picture of it is there.
+    virtual ZQExportRepresentation exportRepresentation() const;
     virtual QString pixelSizeString() const;
     virtual qint64 byteSize() const;
 

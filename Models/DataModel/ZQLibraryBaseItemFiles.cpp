@@ -551,12 +551,17 @@ void ZQLibraryBaseItem::copyOpenMetaToPath(const QString &path)
     if (path.isEmpty()) {
         return;
     }
+    ZQLibraryEnvironment::current().writeTagsToFile(path, tagsOfCopy());
+    metadataOfFileDidChange();
+}
+
+ZQFileTags ZQLibraryBaseItem::tagsOfCopy() const
+{
     ZQFileTags tags = fileTags();
     if (tags.rating == 0) {
         tags.rating.reset(); // a copy of the file has its rating
     }
-    ZQLibraryEnvironment::current().writeTagsToFile(path, tags);
-    metadataOfFileDidChange();
+    return tags;
 }
 
 void ZQLibraryBaseItem::metadataOfFileDidChange()

@@ -6,5 +6,5 @@
 class ZQLibraryImage : public _ZQLibraryImage
 {
 public:
-    ZQBitmap exportImageRep(ZQError *error = nullptr) const override;
+    ZQExportRepresentation exportRepresentation() const override;
 };

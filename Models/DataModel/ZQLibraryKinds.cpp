@@ -17,28 +17,26 @@
 namespace {
 
 constexpr QSize previewBox(1000, 1000);
-constexpr QSize pageBox(2048, 2048);
 
 } // namespace
 
-ZQBitmap ZQLibraryImage::exportImageRep(ZQError *error) const
+ZQExportRepresentation ZQLibraryImage::exportRepresentation() const
 {
     const QString path = itemURL();
     if (path.isEmpty() || !QFileInfo::exists(path)) {
-        return ZQLibraryBaseItem::exportImageRep(error);
+        return ZQLibraryBaseItem::exportRepresentation();
     }
-    const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(path, error);
     // Vector documents kept as images (AI) may need the preview service.
-    return bitmap.isNull() ? ZQPreviewService::previewOfFile(path, pageBox, error) : bitmap;
+    return {path, ZQExportRepresentation::Drawing::PictureOrPreview};
 }
 
-ZQBitmap ZQLibraryPDF::exportImageRep(ZQError *error) const
+ZQExportRepresentation ZQLibraryPDF::exportRepresentation() const
 {
     const QString path = itemURL();
     if (path.isEmpty() || !QFileInfo::exists(path)) {
-        return ZQLibraryBaseItem::exportImageRep(error);
+        return ZQLibraryBaseItem::exportRepresentation();
     }
-    return ZQPreviewService::previewOfFile(path, pageBox, error);
+    return {path, ZQExportRepresentation::Drawing::Page};
 }
 
 ZQBitmap ZQLibraryEPS::renderRepresentationBitmap(const QString &path, ZQError *error) const
@@ -71,11 +69,6 @@ QString ZQLibrarySketch::detailItemURL() const
 {
     const QString document = itemURL();
     return document.isEmpty() ? QString() : document + QStringLiteral("/QuickLook/Preview.png");
-}
-
-ZQBitmap ZQLibrarySketch::exportImageRep(ZQError *error) const
-{
-    return ZQLibraryBaseItem::exportImageRep(error);
 }
 
 QString ZQLibrarySketch::pixelSizeString() const

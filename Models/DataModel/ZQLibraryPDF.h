@@ -6,5 +6,5 @@
 class ZQLibraryPDF : public _ZQLibraryPDF
 {
 public:
-    ZQBitmap exportImageRep(ZQError *error = nullptr) const override; // the first page
+    ZQExportRepresentation exportRepresentation() const override; // the first page
 };

@@ -7,7 +7,6 @@ class ZQLibrarySketch : public _ZQLibrarySketch
 {
 public:
     QString detailItemURL() const override;
-    ZQBitmap exportImageRep(ZQError *error = nullptr) const override;
     QString pixelSizeString() const override;
     qint64 byteSize() const override;
     static qint64 folderSizeAtURL(const QString &path); // bytes of all files below; links are not followed
