@@ -20,6 +20,7 @@ enum class CommandID {
     RevealLiveFolder,
     Import,
     LastImport,
+    ExportPanel,
     NewTab,
     CloseTab,
     ReopenClosedTab,
