@@ -86,6 +86,7 @@ CommandLine::CommandLine()
     defineItems();
     defineSearch();
     defineSmartFolder();
+    defineExport();
     defineDeletion();
     defineTags();
     defineLiveFolders();

@@ -63,6 +63,7 @@ private:
     void defineItems();
     void defineSearch();
     void defineSmartFolder();
+    void defineExport();
     void defineDeletion();
     void defineTags();
     void defineLiveFolders();

@@ -31,6 +31,8 @@ struct ItemsRequest
     bool deleted = false;
 };
 int zqRunItems(const ItemsRequest &request, CommandContext &context);
+// Nothing after an error, which is in `context`.
+std::optional<QList<ZQObjectID>> zqItemsFor(const ItemsRequest &request, CommandContext &context);
 int zqRunSidebar(CommandContext &context);
 
 struct SearchRequest
@@ -50,6 +52,24 @@ struct SmartFolderRequest
 };
 int zqRunSmartFolder(const SmartFolderRequest &request, CommandContext &context);
 QString zqSearchLanguage(); // what can be searched for, a line each token
+
+struct ExportCommandRequest
+{
+    QStringList items;
+    QString in;       // REF; empty: none but `items`
+    QString to;       // a folder
+    int preset = 0;   // of the Quick export panel, from 1 on; 0: none
+    QString format;   // of `zqExportFormats`; empty: the files as they are
+    double width = 0; // pixels; 0: not given, as of the next two
+    double height = 0;
+    double percent = 0;
+    int quality = 0;
+    QString namePattern;
+    bool zip = false;
+};
+QStringList zqExportFormats();
+// 1 when some could not be exported.
+int zqRunExport(const ExportCommandRequest &request, CommandContext &context);
 
 int zqRunDelete(const QStringList &items, CommandContext &context);
 int zqRunRestore(const QStringList &items, CommandContext &context);

@@ -36,29 +36,10 @@ std::optional<QList<ZQObjectID>> shownItems(const ZQSidebarBaseItem &sidebarItem
     return items;
 }
 
-// The items asked for; nothing after an error, which is in `context`.
-std::optional<QList<ZQObjectID>> itemsFor(const ItemsRequest &request, CommandContext &context)
+std::optional<QList<ZQObjectID>> deletedItemsOf(const ZQSidebarBaseItem &sidebarItem)
 {
-    if (request.in.isEmpty()) {
-        ZQFetchRequest fetch{ZQLibraryBaseItem::entityName(),
-                             ZQPredicate::predicateWithFormat(QStringLiteral("active == %@"), {!request.deleted})};
-        fetch.sortDescriptors = {{QStringLiteral("import_date")}};
-        ZQError error;
-        auto items = context.store().fetchObjectIDs(fetch, &error);
-        if (!items) {
-            context.fail(error.localizedDescription());
-        }
-        return items;
-    }
-    const ZQRef<ZQSidebarBaseItem> sidebarItem = zqSidebarItemForReference(request.in, context);
-    if (!sidebarItem) {
-        return std::nullopt;
-    }
-    if (!request.deleted) {
-        return shownItems(*sidebarItem, context);
-    }
     QList<ZQObjectID> deleted;
-    const auto memberships = sidebarItem->pItemsWithActiveItemsOnly(false);
+    const auto memberships = sidebarItem.pItemsWithActiveItemsOnly(false);
     const auto kept = zqPrefetch(memberships, QStringLiteral("item"));
     for (const ZQRef<ZQProjectItem> &membership : memberships) {
         const ZQRef<ZQLibraryBaseItem> item = membership->item();
@@ -68,7 +49,6 @@ std::optional<QList<ZQObjectID>> itemsFor(const ItemsRequest &request, CommandCo
     }
     return deleted;
 }
-
 // The active entries of the sidebar in their order, by what they stand in; those of none are above all.
 using Tree = QHash<ZQObjectID, QList<ZQRef<ZQSidebarBaseItem>>>;
 
@@ -145,9 +125,29 @@ void printTree(const QJsonObject &node, int depth, CommandContext &context)
 }
 } // namespace
 
+std::optional<QList<ZQObjectID>> zqItemsFor(const ItemsRequest &request, CommandContext &context)
+{
+    if (request.in.isEmpty()) {
+        ZQFetchRequest fetch{ZQLibraryBaseItem::entityName(),
+                             ZQPredicate::predicateWithFormat(QStringLiteral("active == %@"), {!request.deleted})};
+        fetch.sortDescriptors = {{QStringLiteral("import_date")}};
+        ZQError error;
+        auto items = context.store().fetchObjectIDs(fetch, &error);
+        if (!items) {
+            context.fail(error.localizedDescription());
+        }
+        return items;
+    }
+    const ZQRef<ZQSidebarBaseItem> sidebarItem = zqSidebarItemForReference(request.in, context);
+    if (!sidebarItem) {
+        return std::nullopt;
+    }
+    return request.deleted ? deletedItemsOf(*sidebarItem) : shownItems(*sidebarItem, context);
+}
+
 int zqRunItems(const ItemsRequest &request, CommandContext &context)
 {
-    const auto items = itemsFor(request, context);
+    const auto items = zqItemsFor(request, context);
     if (!items) {
         return 2;
     }

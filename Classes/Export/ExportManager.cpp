@@ -4,7 +4,6 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Export/ExportItem.h"
 #include "Classes/Export/ExportNames.h"
-#include "Classes/Export/ExportOperation.h"
 #include "Classes/Export/ExportReport.h"
 #include "Classes/Export/ExportSource.h"
 #include "Kit/Operations/ZQOperationQueue.h"

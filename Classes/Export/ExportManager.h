@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Export/ExportOperation.h"
 #include "Classes/Export/ExportRequest.h"
 #include "Kit/Foundation/ZQRef.h"
 
@@ -12,7 +13,6 @@
 #include <memory>
 #include <optional>
 
-class ExportOperation;
 class ZQLibraryBaseItem;
 
 // The one way by which files leave the library: names them, and has an ExportOperation write them on the application's
@@ -24,8 +24,8 @@ class ExportManager
 {
 public:
     // Posted on the main thread without an object when an export has ended, also one that never began.
-    static inline const QString didFinishExportOperation = QStringLiteral("ExportManagerDidFinishExportOperation");
-    static inline const QString didCancelExportOperation = QStringLiteral("ExportManagerDidCancelExportOperation");
+    static inline const QString didFinishExportOperation = ExportOperation::didFinish;
+    static inline const QString didCancelExportOperation = ExportOperation::didCancel;
 
     static ExportManager &sharedExportManager();
 

@@ -4,7 +4,6 @@
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Export/ExportManager.h"
 #include "Classes/Export/ExportReport.h"
 #include "Classes/Export/ExportWriter.h"
 #include "Classes/Tags/TagFileWriter.h"
@@ -135,7 +134,9 @@ void ExportOperation::zip()
         return;
     }
     const auto willAdd = [this](qsizetype) {
-        m_progress->advanceBy(1);
+        if (m_progress) {
+            m_progress->advanceBy(1);
+        }
         return !isCancelled();
     };
     constexpr int attempts = 5; // others may take the name while the archive is being written
@@ -178,8 +179,7 @@ void ExportOperation::finish()
 
 void ExportOperation::announceEnd()
 {
-    ZQNotificationCenter::defaultCenter().postNotification(
-        m_result.isCancelled ? ExportManager::didCancelExportOperation : ExportManager::didFinishExportOperation);
+    ZQNotificationCenter::defaultCenter().postNotification(m_result.isCancelled ? didCancel : didFinish);
     zqOnMainThread([path = m_request.destinationURL] {
         const tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
         if (LiveFolderManaging *const manager = delegate ? delegate->liveFolderManager() : nullptr) {

@@ -25,6 +25,10 @@ class ZQPersistentStoreCoordinator;
 class ExportOperation : public ZQOperation
 {
 public:
+    // The notifications of its end, on the main thread, without an object; also when it never began.
+    static inline const QString didFinish = QStringLiteral("ExportManagerDidFinishExportOperation");
+    static inline const QString didCancel = QStringLiteral("ExportManagerDidCancelExportOperation");
+
     explicit ExportOperation(const ExportRequest &request);
     ~ExportOperation() override;
 

@@ -22,6 +22,7 @@ struct ExportRequest
     bool archive = false;
     std::optional<int> imageQuality; // 1 to 100; nothing: what the encoder takes
     QString namePattern;             // see ExportNames; empty: the title
+    bool namesByType = false;        // also those types that are named with the extension of the item's file
     bool tellsPerson = true;         // what is missing and what failed; a caller that says it itself takes the result
 
     static ExportRequest with(const ExportItem &preset, const QList<ZQObjectID> &items, const QString &destinationURL);
@@ -38,7 +39,7 @@ struct ExportResult
     };
     QStringList written;    // paths below the destination, in the order of the items; of an archive: its path alone
     qsizetype count = 0;    // of the items in them
-    QList<Problem> missing; // their file is not there
+    QList<Problem> missing; // their file is not there; a thumbnail may have been written in its place, and counted
     QList<Problem> failed;  // whatever else kept one from being written
     QString refusal;        // why it ended before it was done, a full disk for instance; null otherwise
     bool isCancelled = false;

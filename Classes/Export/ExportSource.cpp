@@ -86,5 +86,7 @@ ExportNames::Source ExportSource::name(const ExportRequest &request) const
     const auto scaled = isConverted && !pixelSize.isEmpty()
                             ? zqExportPixelSize(pixelSize, {request.imageSizePercentage, request.imageSize})
                             : std::nullopt;
-    return {title, zqPathExtension(file), hasFile(), scaled.value_or(pixelSize), date};
+    const QString extension =
+        isConverted && request.namesByType ? zqExtensionOfFileType(*request.fileFormat) : zqPathExtension(file);
+    return {title, extension, hasFile(), scaled.value_or(pixelSize), date};
 }

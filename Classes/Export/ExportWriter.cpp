@@ -19,6 +19,14 @@
 namespace {
 constexpr int fewestAtOnce = 2;
 constexpr int mostAtOnce = 4; // as many as there are workers that draw
+
+// Where the folder takes files, so that it is the item's own that is wrong.
+QString reasonOf(const ZQError &error)
+{
+    const bool isForbidden = error.domain == ZQError::posixDomain && (error.code == EACCES || error.code == EPERM);
+    return isForbidden ? zqLocalized("Its file may not be read. Change its permissions, and export it again.")
+                       : zqAdviceForFileError(error);
+}
 } // namespace
 
 ExportWriter::ExportWriter(const ExportRequest &request, const QString &folder, UserProgress *progress)
@@ -77,7 +85,7 @@ ExportOutcome ExportWriter::copy(const ExportSource &source, const QString &path
     if (m_request.archive) { // which is made of the files themselves
         return QFileInfo(source.file).isReadable()
                    ? ExportOutcome{path, source.file, {}}
-                   : ExportOutcome{{}, {}, zqAdviceForFileError(ZQError::posix(EACCES, source.file))};
+                   : ExportOutcome{{}, {}, reasonOf(ZQError::posix(EACCES, source.file))};
     }
     return put(path, [&source](const QString &free, ZQError *error) {
         return zqCopyPlainly(source.file, free, error, [] { return ZQCancellation::isCurrentCancelled(); });
@@ -141,7 +149,7 @@ ExportOutcome ExportWriter::put(const QString &path,
     if (!refusal.isNull()) {
         refuse(refusal);
     }
-    return {{}, {}, refusal.isNull() ? zqAdviceForFileError(error) : refusal};
+    return {{}, {}, refusal.isNull() ? reasonOf(error) : refusal};
 }
 
 void ExportWriter::refuse(const QString &reason)
