@@ -3,10 +3,12 @@
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Export/ExportNames.h"
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFreeName.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
 #include <QUrl>
 
@@ -35,7 +37,7 @@ public:
         if (!file.isFile() || !makeFolder()) { // a folder cannot be linked
             return asset.path;
         }
-        const QString free = ExportNames::safeNameForFile(name, m_names);
+        const QString free = freeName(name);
         const QString path = m_folder + u'/' + free;
         if (!give(file, path)) {
             return asset.path;
@@ -45,6 +47,17 @@ public:
     }
 
 private:
+    // Goes on behind the number that was taken last: thousands may have one title.
+    QString freeName(const QString &name)
+    {
+        int &number = m_numbers[name];
+        QString free = zqNumberedName(name, number);
+        while (m_names.contains(free)) {
+            free = zqNumberedName(name, ++number);
+        }
+        return free;
+    }
+
     bool makeFolder()
     {
         if (m_folder.isEmpty() && !m_isRefused) {
@@ -72,6 +85,7 @@ private:
     QString m_folder;
     bool m_isRefused = false;
     QSet<QString> m_names;
+    QHash<QString, int> m_numbers;
     qint64 m_copied = 0;
 };
 
