@@ -50,10 +50,17 @@ protected:
         auto target = std::make_unique<DropTarget>(corner, folder);
         EXPECT_TRUE(waitFor([&] { return target->isReady(); }));
         const QPoint to = handle->mapFromGlobal(corner + QPoint(DropTarget::edge, DropTarget::edge) / 2);
-        // The drag runs a loop of its own, in which these go off.
-        QTimer::singleShot(300, &window(), [=] { QTest::mouseMove(handle, to - QPoint(5, 5)); });
-        QTimer::singleShot(500, &window(), [=] { QTest::mouseMove(handle, to); });
-        QTimer::singleShot(900, &window(), [=] { QTest::mouseRelease(handle, Qt::LeftButton, {}, to); });
+        // The drag runs a loop of its own, in which this goes on.
+        QTimer pointer;
+        pointer.callOnTimeout([&, step = 0]() mutable {
+            if (target->wasPromised()) {
+                pointer.stop();
+                QTest::mouseRelease(handle, Qt::LeftButton, {}, to);
+            } else {
+                QTest::mouseMove(handle, to + QPoint(++step % 2, 0));
+            }
+        });
+        pointer.start(20);
         QTest::mousePress(handle, Qt::LeftButton, {}, from);
         QTest::mouseMove(handle, from + QPoint(30, 0));
         EXPECT_TRUE(waitFor([&] { return target->isOver(); }));

@@ -117,6 +117,7 @@ void DropTarget::didHear(const xcb_client_message_event_t &message)
     m_source = message.data.data32[0];
     if (message.type == atom("XdndPosition")) {
         send("XdndStatus", accepts, atom("XdndActionCopy"));
+        ++m_positions;
     } else if (message.type == atom("XdndDrop")) {
         drop();
     }

@@ -20,6 +20,8 @@ public:
     DropTarget &operator=(const DropTarget &) = delete;
 
     bool isReady() const { return m_isReady; } // its window is there
+    // The drag was over it, and heard that it may be dropped here: it tells its second place only then.
+    bool wasPromised() const { return m_positions > 1; }
     bool isOver() const { return m_isOver; }
     // Once it is over.
     QByteArray proposedName() const { return m_name; }
@@ -46,6 +48,7 @@ private:
     QByteArray m_name;
     QByteArray m_answer;
     std::atomic<bool> m_isReady = false;
+    std::atomic<int> m_positions = 0;
     std::atomic<bool> m_isOver = false;
     std::atomic<bool> m_isStopped = false;
     std::thread m_thread;
