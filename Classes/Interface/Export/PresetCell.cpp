@@ -108,14 +108,16 @@ void PresetCell::keyPressEvent(QKeyEvent *event)
 void PresetCell::mousePressEvent(QMouseEvent *event)
 {
     m_pressPoint = event->pos();
+    m_mayDrag = event->button() == Qt::LeftButton;
     QAbstractButton::mousePressEvent(event);
 }
 
 void PresetCell::mouseMoveEvent(QMouseEvent *event)
 {
-    if ((event->buttons() & Qt::LeftButton) &&
+    if (m_mayDrag && (event->buttons() & Qt::LeftButton) &&
         (event->pos() - m_pressPoint).manhattanLength() >= QApplication::startDragDistance()) {
-        setDown(false); // no click comes of it
+        m_mayDrag = false; // a press gives one drag
+        setDown(false);    // and no click
         Q_EMIT dragRequested();
         return;
     }

@@ -35,5 +35,6 @@ private:
     const ExportItem m_preset;
     QImage m_icon; // for the pixels of the screen it is on
     QPoint m_pressPoint;
+    bool m_mayDrag = false;
     bool m_isEditing = false;
 };

@@ -248,8 +248,8 @@ TEST_F(ExportPanelTest, WhatIsDraggedIsWholeWhenItIsGiven)
     select({QStringLiteral("red"), QStringLiteral("clear")});
     const QList<ZQObjectID> items = browser().selectedItems();
     const ExportItem preset = panel().presets().items()[1];
-    const auto exporting = [&](const QString &folder) {
-        return ExportManager::sharedExportManager().exportItems(ExportRequest::with(preset, items, folder));
+    const auto exporting = [&](const QString &place) {
+        return ExportManager::sharedExportManager().exportItems(ExportRequest::with(preset, items, place));
     };
     const auto naming = [](const QString &) { return QStringList(); };
     const PresetDrag plain(exporting, naming, nullptr);
