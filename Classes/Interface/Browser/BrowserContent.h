@@ -2,8 +2,8 @@
 
 #include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Browsing/Tabs/TabState.h"
+#include "Classes/Interface/Browser/AssetFiles.h"
 #include "Classes/Interface/Browser/BrowserRowValues.h"
-#include "Classes/Interface/Export/AssetFiles.h"
 #include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Widgets/ZQGridView.h"

@@ -1,6 +1,6 @@
 // What another program gets of the library's files.
 
-#include "Classes/Interface/Export/AssetFiles.h"
+#include "Classes/Interface/Browser/AssetFiles.h"
 #include "Tests/Support/UserWorld.h"
 
 #include <QDir>

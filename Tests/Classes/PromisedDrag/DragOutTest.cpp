@@ -41,13 +41,13 @@ protected:
     }
     QString out() const { return world.filePath(QStringLiteral("out")); }
     // Drags the preset onto the other program's window, whose answer is there when this returns.
-    std::unique_ptr<DropTarget> dragOut(qsizetype preset, const QByteArray &folder)
+    std::unique_ptr<DropTarget> dragOut(qsizetype preset, const QByteArray &place)
     {
         const PresetCell *cell = controller->exportPanel().presetsView().cells()[preset];
         QWindow *handle = window().windowHandle();
         const QPoint from = cell->mapTo(&window(), cell->rect().center());
         const QPoint corner(window().mapToGlobal(QPoint(window().width(), 0)).x() + 1, 0); // beside the window
-        auto target = std::make_unique<DropTarget>(corner, folder);
+        auto target = std::make_unique<DropTarget>(corner, place);
         EXPECT_TRUE(waitFor([&] { return target->isReady(); }));
         const QPoint to = handle->mapFromGlobal(corner + QPoint(DropTarget::edge, DropTarget::edge) / 2);
         // The drag runs a loop of its own, in which this goes on.

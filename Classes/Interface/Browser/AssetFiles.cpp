@@ -1,4 +1,4 @@
-#include "Classes/Interface/Export/AssetFiles.h"
+#include "Classes/Interface/Browser/AssetFiles.h"
 
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Export/ExportNames.h"
