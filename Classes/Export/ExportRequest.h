@@ -14,16 +14,16 @@ struct ExportItem;
 // What is to be written where. Values; may cross threads.
 struct ExportRequest
 {
-    QList<ZQObjectID> items;         // library items, or memberships of them, saved; in the order of the names
-    QString destinationURL;          // the path of a folder that is there
-    std::optional<int> fileFormat;   // a ZQImageFileType; nothing: files as they are, without scaling
-    std::optional<QSizeF> imageSize; // pixels, a side of 0 is not given; used without a percentage
-    std::optional<double> imageSizePercentage;
+    QList<ZQObjectID> items = {};         // library items, or memberships of them, saved; in the order of the names
+    QString destinationURL = {};          // the path of a folder that is there
+    std::optional<int> fileFormat = {};   // a ZQImageFileType; nothing: files as they are, without scaling
+    std::optional<QSizeF> imageSize = {}; // pixels, a side of 0 is not given; used without a percentage
+    std::optional<double> imageSizePercentage = {};
     bool archive = false;
-    std::optional<int> imageQuality; // 1 to 100; nothing: what the encoder takes
-    QString namePattern;             // see ExportNames; empty: the title
-    bool namesByType = false;        // also those types that are named with the extension of the item's file
-    bool tellsPerson = true;         // what is missing and what failed; a caller that says it itself takes the result
+    std::optional<int> imageQuality = {}; // 1 to 100; nothing: what the encoder takes
+    QString namePattern = {};             // see ExportNames; empty: the title
+    bool namesByType = false;             // also those types that are named with the extension of the item's file
+    bool tellsPerson = true; // what is missing and what failed; a caller that says it itself takes the result
 
     static ExportRequest with(const ExportItem &preset, const QList<ZQObjectID> &items, const QString &destinationURL);
 };
