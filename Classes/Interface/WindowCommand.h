@@ -22,6 +22,7 @@ enum class CommandID {
     Import,
     LastImport,
     ExportLayers,
+    ExportPanel,
     NewTab,
     CloseTab,
     ReopenClosedTab,

@@ -164,7 +164,7 @@ void ZQGridView::startDrag()
         drag->setPixmap(picture);
         drag->setHotSpot({-distance, -distance});
     }
-    drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
+    drag->exec(Qt::CopyAction); // where others could move, the files would be gone from here
 }
 
 void ZQGridView::dragEnterEvent(QDragEnterEvent *event)

@@ -14,7 +14,9 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <QMimeData>
+#include <QPointer>
 #include <QUrl>
 
 #include <algorithm>
@@ -27,7 +29,7 @@ namespace {
 constexpr std::chrono::milliseconds untilRowsGo{150};
 constexpr std::chrono::milliseconds untilReadingIsSaid{250}; // after they went
 
-constexpr qsizetype mostFiles = 5000; // of a drag that another program gets
+constexpr qsizetype mostFiles = 20000; // that another program gets
 
 QByteArray libraryName()
 {
@@ -369,25 +371,41 @@ qint64 BrowserContent::indexForTyping(const QString &text, qint64 from) const
 
 QMimeData *BrowserContent::mimeData(const ZQIndexSet &indexes) const
 {
-    QList<QUrl> urls;
+    return files(indexes);
+}
+
+// Our own places take the identifiers; the files are looked for when another program asks for them.
+AssetFiles *BrowserContent::files(const ZQIndexSet &indexes) const
+{
     QByteArray identifiers;
     const QList<ZQObjectID> ids = libraryItemIDs(indexes);
     const QUuid store = m_window.context.persistentStoreCoordinator()->storeUUID();
     for (const ZQObjectID &id : ids) {
         identifiers += id.URIRepresentation(store).toUtf8() + '\n';
     }
-    const auto items = ZQLibraryBaseItem::itemsWithIDs(ids.first(std::min(ids.size(), mostFiles)), m_window.context);
-    ZQLibraryBaseItem::lookForFiles(items);
-    for (const auto &item : items) {
-        if (const QString path = item->itemURL(); !path.isEmpty()) {
-            urls.append(QUrl::fromLocalFile(path));
-        }
-    }
-    auto *data = new QMimeData;
-    data->setUrls(urls);
+    auto *data = new AssetFiles([self = QPointer(this), ids] { return self ? self->assetsOf(ids) : QList<Asset>(); });
     data->setData(itemsMimeType, identifiers);
     data->setData(libraryMimeType, libraryName());
     return data;
+}
+
+QList<Asset> BrowserContent::assetsOf(const QList<ZQObjectID> &ids) const
+{
+    if (ids.size() > mostFiles) {
+        m_window.user.showNotificationWithText(
+            zqFormat(zqLocalized("Only the first %@ files can go to another program at once"),
+                     {QLocale().toString(mostFiles)}),
+            NotificationPlace::Browser, usualNotificationTime);
+    }
+    const auto items = ZQLibraryBaseItem::itemsWithIDs(ids.first(std::min(ids.size(), mostFiles)), m_window.context);
+    ZQLibraryBaseItem::lookForFiles(items);
+    QList<Asset> result;
+    for (const auto &item : items) {
+        if (const QString path = item->itemURL(); !path.isEmpty()) {
+            result.append({path, item->title()});
+        }
+    }
+    return result;
 }
 
 QList<ZQObjectID> BrowserContent::itemsOfMimeData(const QMimeData *data, WindowContext &window)

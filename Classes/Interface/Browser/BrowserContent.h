@@ -2,6 +2,7 @@
 
 #include "Classes/Browsing/Content/ContentFetcher.h"
 #include "Classes/Browsing/Tabs/TabState.h"
+#include "Classes/Interface/Browser/AssetFiles.h"
 #include "Classes/Interface/Browser/BrowserRowValues.h"
 #include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/WindowContext.h"
@@ -67,6 +68,7 @@ public:
     QList<ZQListValue> listValues(qint64 index, const QStringList &columns) const override;
     qint64 indexForTyping(const QString &text, qint64 from) const override;
     QMimeData *mimeData(const ZQIndexSet &indexes) const override;
+    AssetFiles *files(const ZQIndexSet &indexes) const; // the same
     Qt::DropAction dropAction(const QMimeData *data, qint64 index) const override;
     bool drop(const QMimeData *data, qint64 index, Qt::DropAction action) override;
     bool dropsAtIndex(const QMimeData *data) const override;
@@ -88,6 +90,7 @@ Q_SIGNALS:
 private:
     template <class Use>
     void forEachRow(const ZQIndexSet &indexes, Use use) const; // use(index)
+    QList<Asset> assetsOf(const QList<ZQObjectID> &ids) const;
     QString emptySearchText() const;
     QString emptyFolderText() const;
     LiveFolderStatus folderStatus() const;

@@ -10,15 +10,16 @@
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/TextFields.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQImageSource.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <QStackedWidget>
 
 namespace {
 
 constexpr double zoomStep = 0.08;
+constexpr int longestThumbnail = 1024; // pixels
 
 } // namespace
 
@@ -118,14 +119,16 @@ void BrowserViewController::copyToClipboard()
     if (m_grid->selection().isEmpty()) {
         return;
     }
-    QMimeData *mime = m_content->mimeData(m_grid->selection());
+    AssetFiles *files = m_content->files(m_grid->selection());
+    files->lookNow(); // the clipboard stays when what is copied, or this window, is gone
+    files->setForClipboard();
     if (const auto item = selectionCount() == 1 ? firstSelected() : ZQRef<ZQLibraryBaseItem>()) {
-        const QImage image = m_grid->thumbnailLoader().image(ItemPictures::thumbnailOf(*item), 1024);
-        if (!image.isNull()) {
-            mime->setImageData(image);
-        }
+        files->setPicture([path = item->itemURL(), thumbnail = ItemPictures::thumbnailOf(*item)] {
+            const QImage whole = path.isEmpty() ? QImage() : ZQImageSource::bitmapOfFile(path).image();
+            return whole.isNull() ? ItemPictures::pictureFor(thumbnail, longestThumbnail) : whole;
+        });
     }
-    QGuiApplication::clipboard()->setMimeData(mime);
+    QGuiApplication::clipboard()->setMimeData(files);
 }
 
 void BrowserViewController::duplicate()

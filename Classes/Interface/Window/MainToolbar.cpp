@@ -27,6 +27,9 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     m_infoButton = makeButton(QStringLiteral("info"), zqLocalized("Info Panel (Ctrl+Shift+I)"));
     m_infoButton->setCheckable(true);
     connect(m_infoButton, &QToolButton::clicked, this, &MainToolbar::infoPanelRequested);
+    m_exportButton = makeButton(QStringLiteral("export"), zqLocalized("Quick Export (Ctrl+E)"));
+    m_exportButton->setCheckable(true);
+    connect(m_exportButton, &QToolButton::clicked, this, &MainToolbar::exportPanelRequested);
     m_search = new QLineEdit(this);
     m_search->setObjectName(QStringLiteral("Search"));
     m_search->setPlaceholderText(zqLocalized("Search or #token"));
@@ -45,10 +48,11 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     row->addSpacing(8);
     row->addWidget(m_tabStrip, 1, Qt::AlignBottom);
     row->addWidget(m_search);
+    row->addWidget(m_exportButton);
     row->addWidget(m_infoButton);
     row->addWidget(m_menuButton);
     const QList<QWidget *> stops = QList<QWidget *>{m_sidebarButton, m_addButton, import} + m_tabStrip->focusStops() +
-                                   QList<QWidget *>{m_search, m_infoButton, m_menuButton};
+                                   QList<QWidget *>{m_search, m_exportButton, m_infoButton, m_menuButton};
     for (qsizetype i = 1; i < stops.size(); ++i) { // Tab goes as they stand
         setTabOrder(stops[i - 1], stops[i]);
     }
@@ -73,8 +77,9 @@ void MainToolbar::showAdds(bool tags)
     m_addButton->setToolTip(name);
 }
 
-void MainToolbar::showPanes(bool isSidebarShown, bool isInfoPanelShown)
+void MainToolbar::showPanes(bool isSidebarShown, bool isInfoPanelShown, bool isExportPanelShown)
 {
     m_sidebarButton->setChecked(isSidebarShown);
     m_infoButton->setChecked(isInfoPanelShown);
+    m_exportButton->setChecked(isExportPanelShown);
 }

@@ -17,11 +17,12 @@ public:
     QLineEdit &search() { return *m_search; }
     QToolButton &menuButton() { return *m_menuButton; }
     void showAdds(bool tags); // what the button of a new entry makes: a tag, or a project
-    void showPanes(bool isSidebarShown, bool isInfoPanelShown);
+    void showPanes(bool isSidebarShown, bool isInfoPanelShown, bool isExportPanelShown);
 
 Q_SIGNALS:
     void sidebarRequested(); // shown or hidden
     void infoPanelRequested();
+    void exportPanelRequested();
     void newProjectRequested();
     void importRequested();
 
@@ -30,6 +31,7 @@ private:
 
     QToolButton *m_sidebarButton;
     QToolButton *m_infoButton;
+    QToolButton *m_exportButton;
     QToolButton *m_menuButton;
     QToolButton *m_addButton;
     ZQTabStrip *m_tabStrip;

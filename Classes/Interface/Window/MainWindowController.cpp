@@ -7,6 +7,7 @@
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
+#include "Classes/Interface/Export/ExportPanelViewController.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
 #include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
@@ -23,10 +24,10 @@
 #include "Classes/Interface/Window/MainWindow.h"
 #include "Classes/Interface/Window/SavedSearchActions.h"
 #include "Classes/Interface/Window/SearchAssistant.h"
+#include "Classes/Interface/Window/SidePanel.h"
 #include "Classes/Interface/Window/TabsController.h"
 #include "Classes/Interface/Window/WindowCommands.h"
 #include "Classes/Interface/Window/WindowFollower.h"
-#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Imaging/ZQPreviewService.h"
@@ -51,16 +52,6 @@ namespace {
 
 constexpr int longestBeforeFirstScreen = 250; // milliseconds
 constexpr qsizetype longestInMenu = 120;
-
-ZQUserDefaults &defaults()
-{
-    return ZQUserDefaults::standardUserDefaults();
-}
-
-const QString geometryKey = QStringLiteral("MainWindowGeometry");
-const QString panesKey = QStringLiteral("MainWindowPanes");
-const QString sidebarHiddenKey = QStringLiteral("SidebarHidden");
-const QString infoHiddenKey = QStringLiteral("InfoPanelHidden");
 
 QFrame *hairline(QWidget *parent)
 {
@@ -192,9 +183,17 @@ void MainWindowController::makePanes()
     m_sidebar->setMinimumWidth(160);
     m_browser = new BrowserViewController(*m_window, m_splitter);
     m_browser->setMinimumWidth(320);
-    m_info = new InfoPanelViewController(*m_window, *m_browser, m_splitter);
-    m_info->setMinimumWidth(220);
-    m_info->setMaximumWidth(520);
+    m_side = new SidePanel(m_splitter);
+    m_side->setMinimumWidth(220);
+    m_side->setMaximumWidth(520);
+    m_info = new InfoPanelViewController(*m_window, *m_browser, m_side);
+    m_export = new ExportPanelViewController(*m_window, *m_browser, m_side);
+    m_side->setPages(m_info, m_export);
+    connect(m_side, &SidePanel::pageChanged, this, &MainWindowController::panesDidChange);
+    connect(m_export, &ExportPanelViewController::closeRequested, this, [this] {
+        showPanels(false, false);
+        m_browser->grid().setFocus();
+    });
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setSizes({ZQMeasure::sidebarWidth, 900, ZQMeasure::infoPanelWidth});
     connect(m_browser, &BrowserViewController::recoveryRequested, this,
@@ -212,9 +211,11 @@ void MainWindowController::makeCommands()
         m_commands->add(contributed);
     }
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
-    m_toolbar->menuButton().setMenu(m_commands->makeMenus(&m_toolbar->menuButton()));
-    connect(m_toolbar, &MainToolbar::sidebarRequested, this, [this] { toggle(m_sidebar); });
-    connect(m_toolbar, &MainToolbar::infoPanelRequested, this, [this] { toggle(m_info); });
+    m_toolbar->menuButton().setMenu(
+        m_commands->makeMenus(&m_toolbar->menuButton(), [this](QMenu &menu) { m_export->addTo(menu); }));
+    connect(m_toolbar, &MainToolbar::sidebarRequested, this, &MainWindowController::toggleSidebar);
+    connect(m_toolbar, &MainToolbar::infoPanelRequested, this, &MainWindowController::toggleInfoPanel);
+    connect(m_toolbar, &MainToolbar::exportPanelRequested, this, &MainWindowController::toggleExportPanel);
     connect(m_toolbar, &MainToolbar::newProjectRequested, m_sidebar, &ProjectsSidebarViewController::addNew);
     connect(m_sidebar, &ProjectsSidebarViewController::sideChanged, m_toolbar, &MainToolbar::showAdds);
     connect(m_toolbar, &MainToolbar::importRequested, this, [this] { m_imports->importWithDialog(); });
@@ -228,16 +229,12 @@ void MainWindowController::makeCommands()
     connect(m_savedSearches, &SavedSearchActions::changed, this, &MainWindowController::updateCommands);
     connect(m_savedSearches, &SavedSearchActions::sidebarRequested, this, [this] {
         if (m_sidebar->isHidden()) {
-            toggle(m_sidebar);
+            toggleSidebar();
         }
     });
     connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
     connect(m_browser, &BrowserViewController::refineBarToggled, this, &MainWindowController::updateCommands);
-    connect(m_tabs, &TabsController::infoPanelRequested, this, [this](bool isOpen) {
-        if (m_info->isHidden() == isOpen) {
-            toggle(m_info);
-        }
-    });
+    connect(m_tabs, &TabsController::panelsRequested, this, &MainWindowController::showPanels);
     connect(m_follower, &WindowFollower::sidebarReloaded, m_tabs, &TabsController::updateTitles);
     connect(m_browser, &BrowserViewController::selectionChanged, this, &MainWindowController::updateCommands);
     connect(&m_undoStack, &QUndoStack::indexChanged, this, &MainWindowController::updateCommands);
@@ -319,15 +316,21 @@ QList<WindowCommand> MainWindowController::viewCommands()
         {CommandID::Sidebar,
          zqLocalized("Sidebar"),
          {Qt::CTRL | Qt::Key_B},
-         [this] { toggle(m_sidebar); },
+         [this] { toggleSidebar(); },
          {},
          [this] { return !m_sidebar->isHidden(); }},
         {CommandID::InfoPanel,
          zqLocalized("Info Panel"),
          {Qt::CTRL | Qt::SHIFT | Qt::Key_I},
-         [this] { toggle(m_info); },
+         [this] { toggleInfoPanel(); },
          {},
-         [this] { return !m_info->isHidden(); }},
+         [this] { return m_side->shows(SidePanel::Page::Info); }},
+        {CommandID::ExportPanel,
+         zqLocalized("Quick Export"),
+         {Qt::CTRL | Qt::Key_E},
+         [this] { toggleExportPanel(); },
+         {},
+         [this] { return m_side->shows(SidePanel::Page::Export); }},
         {CommandID::FullScreen,
          zqLocalized("Full Screen"),
          {Qt::Key_F11},
@@ -359,17 +362,6 @@ void MainWindowController::updateCommands()
     }
 }
 
-void MainWindowController::toggle(QWidget *pane)
-{
-    pane->setVisible(pane->isHidden());
-    m_toolbar->showPanes(!m_sidebar->isHidden(), !m_info->isHidden());
-    if (pane == m_info) {
-        m_tabs->setInfoPanelOpen(!m_info->isHidden());
-    }
-    m_follower->refreshInfo();
-    updateCommands();
-}
-
 void MainWindowController::toggleTheme()
 {
     m_preferencesFollower->setDark(!ZQTheme::current().isDark());
@@ -393,8 +385,8 @@ void MainWindowController::rename()
         return;
     }
     if (m_browser->selectionCount() == 1) {
-        if (m_info->isHidden()) {
-            toggle(m_info);
+        if (!m_side->shows(SidePanel::Page::Info)) {
+            toggleInfoPanel();
         }
         m_info->refresh();
         m_info->editTitle();
@@ -440,6 +432,7 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::Duplicate);
         add(CommandID::Rename);
         menu.addAction(m_commands->ratingMenu());
+        m_export->addTo(*menu.addMenu(zqLocalized("Export")));
         menu.addSeparator();
         add(CommandID::ExportLayers);
         menu.addSeparator();
@@ -464,45 +457,6 @@ void MainWindowController::showKeys()
     const QList<KeyLine> others = {{zqLocalized("F10"), zqLocalized("Menu")},
                                    {zqLocalized("Esc"), zqLocalized("Back, or clear the search")}};
     KeysSheet(m_mainWindow.get(), m_commands->keyLines() + others).run();
-}
-
-// State.
-
-void MainWindowController::restoreGeometry()
-{
-    if (!m_mainWindow->restoreGeometry(defaults().dataForKey(geometryKey))) {
-        m_mainWindow->resize(1280, 800);
-    }
-    m_splitter->restoreState(defaults().dataForKey(panesKey));
-    m_splitter->setHandleWidth(1);
-    m_sidebar->setVisible(!defaults().boolForKey(sidebarHiddenKey));
-    m_info->setVisible(!defaults().boolForKey(infoHiddenKey));
-    m_toolbar->showPanes(!m_sidebar->isHidden(), !m_info->isHidden());
-}
-
-void MainWindowController::layOutPanes(int width, bool withInfoPanel)
-{
-    m_info->setVisible(withInfoPanel);
-    m_toolbar->showPanes(!m_sidebar->isHidden(), withInfoPanel);
-    m_splitter->setSizes({ZQMeasure::sidebarWidth, width - ZQMeasure::sidebarWidth - ZQMeasure::infoPanelWidth - 2,
-                          ZQMeasure::infoPanelWidth});
-}
-
-void MainWindowController::savePersistentState()
-{
-    m_info->commitEditing();
-    zqRunMainLoopUntil([this] { return !isEditing(); });
-    m_browser->savePersistentState();
-    m_tabs->save();
-    const std::pair<QString, QVariant> kept[] = {
-        {geometryKey, m_mainWindow->saveGeometry()},
-        {panesKey, m_splitter->saveState()},
-        {sidebarHiddenKey, m_sidebar->isHidden()},
-        {infoHiddenKey, m_info->isHidden()},
-    };
-    for (const auto &[key, value] : kept) {
-        defaults().setObjectForKey(value, key);
-    }
 }
 
 // The window as the application sees it.

@@ -14,6 +14,7 @@
 
 class ArrivedItems;
 class BrowserViewController;
+class ExportPanelViewController;
 class ImportActions;
 class LayerActions;
 class InfoPanelViewController;
@@ -27,6 +28,7 @@ class ProjectsSidebarViewController;
 class QAction;
 class QSplitter;
 class SavedSearchActions;
+class SidePanel;
 class TabsController;
 class WindowCommands;
 class WindowFollower;
@@ -61,13 +63,14 @@ public:
     QWidget *window() const;
     ProjectsSidebarViewController &sidebar() { return *m_sidebar; }
     BrowserViewController &browser() { return *m_browser; }
+    ExportPanelViewController &exportPanel() { return *m_export; }
     QUndoStack &undoStack() { return m_undoStack; }
     ContentFetcher &fetcher() { return *m_fetcher; }
     QAction *command(CommandID id) const;
     bool isEditing() const { return m_window->isBusy(); } // many items are being changed
     bool isSettled() const;                               // nothing is being fetched or read for what is shown
     // The browser takes what the other panes, at their usual widths, leave of the window's.
-    void layOutPanes(int width, bool withInfoPanel);
+    void layOutPanes(int width, bool withSidePanel);
 
 private:
     void makePanes();
@@ -78,7 +81,12 @@ private:
     QList<WindowCommand> viewCommands();
     QList<WindowCommand> helpCommands();
     void updateCommands();
-    void toggle(QWidget *pane);
+    void toggleSidebar();
+    void toggleInfoPanel();
+    void toggleExportPanel();
+    void showPanels(bool info, bool exportPanel); // one of them at most
+    void panesDidChange();
+    void showInToolbar();
     void toggleTheme();
     void rename();
     bool isSidebarFocused() const;
@@ -102,7 +110,9 @@ private:
     QSplitter *m_splitter = nullptr;
     ProjectsSidebarViewController *m_sidebar = nullptr;
     BrowserViewController *m_browser = nullptr;
+    SidePanel *m_side = nullptr; // holds the next two
     InfoPanelViewController *m_info = nullptr;
+    ExportPanelViewController *m_export = nullptr;
     ArrivedItems *m_arrived = nullptr;
     TabsController *m_tabs = nullptr;
     SavedSearchActions *m_savedSearches = nullptr;

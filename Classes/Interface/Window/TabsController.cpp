@@ -54,15 +54,16 @@ void TabsController::showCurrent()
     }
     m_browser.showTab(tab);
     updateTitles();
-    if (const auto isOpen = tab->view.infoPanelOpen) {
-        Q_EMIT infoPanelRequested(*isOpen);
+    if (const auto &view = tab->view; view.infoPanelOpen || view.exportPanelOpen) {
+        Q_EMIT panelsRequested(view.infoPanelOpen.value_or(false), view.exportPanelOpen.value_or(false));
     }
     Q_EMIT changed();
 }
 
-void TabsController::setInfoPanelOpen(bool isOpen)
+void TabsController::setPanelsOpen(bool info, bool exportPanel)
 {
-    m_tabs.current()->view.infoPanelOpen = isOpen;
+    m_tabs.current()->view.infoPanelOpen = info;
+    m_tabs.current()->view.exportPanelOpen = exportPanel;
     m_tabs.saveSoon();
 }
 

@@ -21,13 +21,13 @@ public:
 
     void restore() { m_tabs.restore(); }
     void save() { m_tabs.save(); }
-    void setInfoPanelOpen(bool isOpen); // of the tab in front
+    void setPanelsOpen(bool info, bool exportPanel); // of the tab in front
     void updateTitles();
     QList<WindowCommand> commands();
 
 Q_SIGNALS:
-    void changed();                       // what is shown, or how many tabs there are
-    void infoPanelRequested(bool isOpen); // as the tab that came to the front had it
+    void changed();                                    // what is shown, or how many tabs there are
+    void panelsRequested(bool info, bool exportPanel); // as the tab that came to the front had them
 
 private:
     void showCurrent();

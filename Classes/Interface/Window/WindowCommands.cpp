@@ -24,10 +24,11 @@ const std::vector<MenuPlan> &menuPlans()
 {
     using enum CommandID;
     static const std::vector<MenuPlan> plans = {
-        {"File", {NewProject,      NewFolder,  NewTag,       AddLiveFolder, SyncLiveFolder, separator,
-                  Import,          LastImport, ExportLayers, separator,     NewTab,         CloseTab,
-                  ReopenClosedTab, separator,  NewLibrary,   OpenLibrary,   MoveLibrary,    ShowLibraryInFiles,
-                  separator,       Quit}},
+        {"File", {NewProject, NewFolder,   NewTag,      AddLiveFolder,      SyncLiveFolder,
+                  separator,  Import,      LastImport,  ExportPanel,        ExportLayers,
+                  separator,  NewTab,      CloseTab,    ReopenClosedTab,    separator,
+                  NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator,
+                  Quit}},
         {"Edit",
          {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
           Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,
@@ -96,6 +97,18 @@ QMenu *WindowCommands::makeLiveFolderMenu(QWidget *parent)
     return menu;
 }
 
+QMenu *WindowCommands::makeExportMenu(QWidget *parent)
+{
+    auto *menu = new QMenu(zqLocalized("Export"), parent);
+    menu->setObjectName(QStringLiteral("Export"));
+    connect(menu, &QMenu::aboutToShow, menu, [this, menu] {
+        menu->clear();
+        m_fillExportMenu(*menu);
+    });
+    m_export = menu->menuAction();
+    return menu;
+}
+
 QMenu *WindowCommands::makeTabMenu(QWidget *parent)
 {
     auto *menu = new QMenu(zqLocalized("Go to Tab"), parent);
@@ -124,8 +137,9 @@ QMenu *WindowCommands::makeOrderMenu(CommandID first, QWidget *parent)
     return menu;
 }
 
-QMenu *WindowCommands::makeMenus(QWidget *parent)
+QMenu *WindowCommands::makeMenus(QWidget *parent, std::function<void(QMenu &)> fillExportMenu)
 {
+    m_fillExportMenu = std::move(fillExportMenu);
     m_menus = new QMenu(parent);
     for (const MenuPlan &plan : menuPlans()) {
         QMenu *menu = m_menus->addMenu(zqLocalized(plan.title));
@@ -135,6 +149,9 @@ QMenu *WindowCommands::makeMenus(QWidget *parent)
                 menu->addSeparator();
             } else if (*entry == CommandID::SyncLiveFolder) {
                 menu->addMenu(makeLiveFolderMenu(menu));
+            } else if (*entry == CommandID::ExportPanel) {
+                menu->addAction(action(*entry));
+                menu->addMenu(makeExportMenu(menu));
             } else if (*entry == CommandID::Rate0) {
                 menu->addMenu(makeRatingMenu(menu));
             } else if (*entry == CommandID::SelectTab1) {
@@ -163,8 +180,10 @@ void WindowCommands::update()
             action->setText(command.shown());
         }
     }
-    if (m_rating) {
-        m_rating->setEnabled(action(CommandID::Rate0)->isEnabled());
+    for (QAction *menu : {m_rating, m_export}) { // both are for what is selected
+        if (menu) {
+            menu->setEnabled(action(CommandID::Rate0)->isEnabled());
+        }
     }
 }
 

@@ -22,14 +22,15 @@ public:
     QAction *action(CommandID id) const; // null for none
     QAction *ratingMenu() const { return m_rating; }
 
-    // Once all commands are there.
-    QMenu *makeMenus(QWidget *parent);
+    // Once all commands are there. `fillExportMenu` makes the entries of the menu of exports whenever it opens.
+    QMenu *makeMenus(QWidget *parent, std::function<void(QMenu &)> fillExportMenu);
     void update();                   // asks every command how it is now
     QList<KeyLine> keyLines() const; // as the menus have them
 
 private:
     QMenu *makeRatingMenu(QWidget *parent);
     QMenu *makeLiveFolderMenu(QWidget *parent);
+    QMenu *makeExportMenu(QWidget *parent);
     QMenu *makeTabMenu(QWidget *parent);
     QMenu *makeOrderMenu(CommandID first, QWidget *parent); // to group, or to sort
 
@@ -38,4 +39,6 @@ private:
     QHash<CommandID, QAction *> m_actions;
     QMenu *m_menus = nullptr;
     QAction *m_rating = nullptr;
+    QAction *m_export = nullptr;
+    std::function<void(QMenu &)> m_fillExportMenu;
 };

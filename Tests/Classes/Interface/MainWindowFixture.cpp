@@ -45,8 +45,9 @@ void writeDocument(const QString &path)
 
 void MainWindowFixture::SetUp()
 {
-    for (const char *key : {"OpenTabs", "SelectedTab", "MainWindowGeometry", "MainWindowPanes", "SidebarHidden",
-                            "InfoPanelHidden", "RefineBarShown", "UseDarkUI", "removeFromSidebarAlertSuppress"}) {
+    for (const char *key :
+         {"OpenTabs", "SelectedTab", "MainWindowGeometry", "MainWindowPanes", "SidebarHidden", "InfoPanelHidden",
+          "ExportPanelShown", "RefineBarShown", "UseDarkUI", "removeFromSidebarAlertSuppress"}) {
         ZQUserDefaults::standardUserDefaults().removeObjectForKey(QLatin1StringView(key));
     }
     ApplicationParts parts;

@@ -15,7 +15,7 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
 {
     EXPECT_EQ(commandsOf(menuOf("File")),
               QStringLiteral("New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nAdd Live Folder…\nLive "
-                             "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\n-\n"
+                             "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\nQuick Export Ctrl+E ✓\nExport\n-\n"
                              "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
                              "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
     EXPECT_EQ(
@@ -78,6 +78,7 @@ TEST_F(MainWindowTest, EveryControlIsReachedByKeyAndHasItsSize)
                                 {"Menu (F10)", {30, 28}},
                                 {"New Project (Ctrl+N)", {30, 28}},
                                 {"Import… (Ctrl+I)", {30, 28}},
+                                {"Quick Export (Ctrl+E)", {30, 28}},
                                 {"Info Panel (Ctrl+Shift+I)", {30, 28}},
                                 {"Search", {320, 30}},
                                 {"Ascending", {26, 26}},

@@ -1,0 +1,154 @@
+#include "Classes/Interface/Browser/AssetFiles.h"
+
+#include "Classes/Application/TemporaryArea.h"
+#include "Classes/Export/ExportNames.h"
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFreeName.h"
+#include "Kit/Foundation/ZQLog.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+#include <QUrl>
+
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+const QString uriList = QStringLiteral("text/uri-list");
+const QString imageType = QStringLiteral("application/x-qt-image");
+constexpr qint64 mostToCopy = qint64(64) << 20; // bytes of one drag; that much takes less than half a second
+
+// Gives files names in a folder that is made for the first of them.
+class NamedFiles
+{
+public:
+    QString pathFor(const Asset &asset)
+    {
+        const QFileInfo file(asset.path);
+        const QString suffix = file.suffix();
+        const QString name = ExportNames::safeTitle(asset.title) + (suffix.isEmpty() ? QString() : u'.' + suffix);
+        if (file.fileName() == name && !m_names.contains(name)) {
+            m_names.insert(name);
+            return asset.path;
+        }
+        if (!file.isFile() || !makeFolder()) { // a folder cannot be linked
+            return asset.path;
+        }
+        const QString free = freeName(name);
+        const QString path = m_folder + u'/' + free;
+        if (!give(file, path)) {
+            return asset.path;
+        }
+        m_names.insert(free);
+        return path;
+    }
+
+private:
+    // Goes on behind the number that was taken last: thousands may have one title.
+    QString freeName(const QString &name)
+    {
+        int &number = m_numbers[name];
+        QString free = zqNumberedName(name, number);
+        while (m_names.contains(free)) {
+            free = zqNumberedName(name, ++number);
+        }
+        return free;
+    }
+
+    bool makeFolder()
+    {
+        if (m_folder.isEmpty() && !m_isRefused) {
+            ZQError error;
+            m_folder = TemporaryArea::newFolder(&error);
+            m_isRefused = m_folder.isEmpty();
+            if (m_isRefused) {
+                qCWarning(zqLogApplication) << "Cannot make a folder for files:" << error.localizedDescription();
+            }
+        }
+        return !m_isRefused;
+    }
+
+    // A copy cannot change the library's file, whatever the other program does with it.
+    bool give(const QFileInfo &file, const QString &path)
+    {
+        if (m_copied + file.size() <= mostToCopy && zqCopyFile(file.filePath(), path)) {
+            m_copied += file.size();
+            return true;
+        }
+        return ::link(QFile::encodeName(file.canonicalFilePath()).constData(), QFile::encodeName(path).constData()) ==
+               0;
+    }
+
+    QString m_folder;
+    bool m_isRefused = false;
+    QSet<QString> m_names;
+    QHash<QString, int> m_numbers;
+    qint64 m_copied = 0;
+};
+
+} // namespace
+
+AssetFiles::AssetFiles(std::function<QList<Asset>()> look) : m_look(std::move(look)) {}
+
+void AssetFiles::lookNow()
+{
+    m_assets = m_look();
+}
+
+void AssetFiles::setPicture(std::function<QImage()> picture)
+{
+    m_picture = std::move(picture);
+}
+
+QStringList AssetFiles::paths() const
+{
+    if (m_paths) {
+        return *m_paths;
+    }
+    if (!m_assets) {
+        m_assets = m_look();
+    }
+    NamedFiles named;
+    m_paths.emplace();
+    for (const Asset &asset : std::as_const(*m_assets)) {
+        m_paths->append(named.pathFor(asset));
+    }
+    return *m_paths;
+}
+
+QStringList AssetFiles::formats() const
+{
+    QStringList result = QMimeData::formats();
+    result.append(uriList);
+    if (m_isForClipboard) {
+        result.append(copiedFilesType);
+    }
+    if (m_picture) {
+        result.append(imageType);
+    }
+    return result;
+}
+
+QVariant AssetFiles::retrieveData(const QString &format, QMetaType type) const
+{
+    if (format == imageType && m_picture) {
+        if (!m_image) {
+            m_image = m_picture();
+        }
+        return *m_image;
+    }
+    if (format != uriList && format != copiedFilesType) {
+        return QMimeData::retrieveData(format, type);
+    }
+    QVariantList urls;
+    QByteArray copied = QByteArrayLiteral("copy");
+    for (const QString &path : paths()) {
+        const QUrl url = QUrl::fromLocalFile(path);
+        urls.append(url);
+        copied += '\n' + url.toEncoded();
+    }
+    return format == uriList ? QVariant(urls) : QVariant(copied);
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Classes/Export/ExportItem.h"
+#include "Classes/Interface/WindowContext.h"
+
+#include <QScrollArea>
+
+#include <memory>
+
+class BrowserViewController;
+class ExportEditPanel;
+class ExportOperation;
+class ExportPresets;
+class PresetsView;
+class QLabel;
+class QMenu;
+class QToolButton;
+
+// The "Quick export" panel: presets that a click, or a drag out of the window, exports the selected items with; and an
+// edit panel below them, in which presets are made, while they can be moved and deleted. Main thread.
+class ExportPanelViewController : public QScrollArea
+{
+    Q_OBJECT
+public:
+    ExportPanelViewController(WindowContext &window, BrowserViewController &browser, QWidget *parent = nullptr);
+
+    ExportPresets &presets() { return *m_presets; }
+    PresetsView &presetsView() { return *m_view; }
+    ExportEditPanel &editPanel() { return *m_edit; }
+    void refresh(); // the selection changed
+
+    bool isEditing() const;
+    void setEditing(bool isEditing);
+    // Asks for the folder, and exports the selected items there.
+    void exportWithPreset(const QString &identifier);
+    // Begins the export of the selected items, each once, into the folder, and answers the paths they will have.
+    QStringList exportItemsToURL(const QString &URL, const ExportItem &exportItem);
+    // One entry for each preset, to export what is selected.
+    void addTo(QMenu &menu);
+
+Q_SIGNALS:
+    void closeRequested(); // Esc
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    bool event(QEvent *event) override;
+
+private:
+    void makePage();
+    QList<ZQObjectID> itemsToExport() const;
+    std::shared_ptr<ExportOperation> startExport(const QList<ZQObjectID> &items, const QString &folder,
+                                                 const ExportItem &preset) const;
+    void startDrag(const QString &identifier);
+    void showMenu(const QString &identifier, const QPoint &globalPoint);
+    void edit(const ExportItem *like); // null: a plain one
+    void save();
+    bool cancelOperation(); // false: there is nothing to cancel but the panel
+
+    WindowContext &m_window;
+    BrowserViewController &m_browser;
+    ExportPresets *m_presets;
+    PresetsView *m_view;
+    QToolButton *m_new;
+    QWidget *m_editing; // the edit panel and its caption
+    ExportEditPanel *m_edit;
+    QLabel *m_hint;
+};
