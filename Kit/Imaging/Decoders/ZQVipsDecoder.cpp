@@ -88,15 +88,7 @@ struct Pass
 ZQBitmap thumbnailOfJPEG2000(VipsSource *source, int level, const ZQDecodeRequest &request, const Pass &pass)
 {
     const ZQVipsImage image = openHeader(source, level, pass.failOn);
-    const int width = request.isFullSize() ? unlimitedSide : request.box.width();
-    const int height = request.isFullSize() ? unlimitedSide : request.box.height();
-    const char *profile = pass.profile == Profile::Apply ? "srgb" : nullptr;
-    VipsImage *out = nullptr;
-    const int failed = image ? vips_thumbnail_image(image.get(), &out, width, "height", height, "size", VIPS_SIZE_DOWN,
-                                                    profile ? "export_profile" : nullptr, profile, nullptr)
-                             : -1;
-    const ZQVipsImage owned(out);
-    return failed ? ZQBitmap() : zqBitmapOfVips(out);
+    return image ? zqFittedVips(image.get(), request, pass.profile == Profile::Apply) : ZQBitmap();
 }
 
 ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pass &pass)
@@ -208,7 +200,7 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
     if (!checkSize(request, header.get(), error)) {
         return {};
     }
-    const bool hasProfile = vips_image_get_typeof(header.get(), VIPS_META_ICC_NAME) != 0;
+    const bool hasProfile = zqHasProfile(header.get());
     const Profile profile = hasProfile ? Profile::Apply : Profile::Ignore;
     ZQBitmap bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, profile});
     if (bitmap.isNull() && hasProfile) {
@@ -305,6 +297,22 @@ std::optional<ZQImageProperties> properties(const ZQSourceFile &file, ZQError *e
 } // namespace
 
 const ZQDecoder zqVipsDecoder{properties, decode};
+
+bool zqHasProfile(VipsImage *image)
+{
+    return vips_image_get_typeof(image, VIPS_META_ICC_NAME) != 0;
+}
+
+ZQBitmap zqFittedVips(VipsImage *image, const ZQDecodeRequest &request, bool useProfile)
+{
+    const int width = request.isFullSize() ? unlimitedSide : request.box.width();
+    const int height = request.isFullSize() ? unlimitedSide : request.box.height();
+    VipsImage *out = nullptr;
+    const int failed = vips_thumbnail_image(image, &out, width, "height", height, "size", VIPS_SIZE_DOWN,
+                                            useProfile ? "export_profile" : nullptr, "srgb", nullptr);
+    const ZQVipsImage owned(out);
+    return failed ? ZQBitmap() : zqBitmapOfVips(out);
+}
 
 ZQVipsSource zqVipsSource(const ZQSourceFile &file)
 {

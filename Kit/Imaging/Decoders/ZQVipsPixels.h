@@ -14,5 +14,8 @@ ZQBitmap zqPartOfWebP(const ZQDecodeRequest &request);
 // What can be drawn of a JPEG 2000 picture that is damaged or ends too early: coarse where details are missing, nothing
 // where a tile is. Null when too little is there, or when it would take more than the samples of a picture in memory.
 ZQBitmap zqPartOfJPEG2000(const ZQDecodeRequest &request);
+// `image` made to fit the request, its colours converted from its profile where they are to be.
+ZQBitmap zqFittedVips(VipsImage *image, const ZQDecodeRequest &request, bool useProfile);
+bool zqHasProfile(VipsImage *image);
 // Runs the pipeline behind `image`: converted to sRGB, 8 bits and alpha. Null when a row fails.
 ZQBitmap zqBitmapOfVips(VipsImage *image);
