@@ -291,8 +291,8 @@ void BaseImportOperation::fillDates()
 void BaseImportOperation::fillSHA1()
 {
     if (m_SHA1.isEmpty()) {
-        const bool isPackage = zqPathExtension(m_filePath).compare(u"sketch", Qt::CaseInsensitive) == 0 &&
-                               !QFileInfo(m_filePath).isFile();
+        const bool isPackage =
+            zqPathExtension(m_filePath).compare(u"sketch", Qt::CaseInsensitive) == 0 && !QFileInfo(m_filePath).isFile();
         const QString digested = isPackage ? m_filePath + QStringLiteral("/Data") : m_filePath;
         if (QFileInfo(digested).isFile()) {
             m_SHA1 = QString::fromLatin1(zqSHA1OfFile(digested));

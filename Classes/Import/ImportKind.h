@@ -3,8 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-// Which files can be imported, and by what: one table, by the name's extension alone. Formats of today are in it as long
-// as the person wants them (the default "ImportModernImages"). Any thread.
+// Which files can be imported, and by what: one table, by the name's extension alone. Formats of today are in it as
+// long as the person wants them (the default "ImportModernImages"). Any thread.
 
 enum class Importer : quint8 { Image, QuickLook, Acorn, Sketch, Snap, SVG, PDF, Archive, EPS };
 

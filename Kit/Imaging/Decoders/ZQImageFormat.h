@@ -26,5 +26,6 @@ enum class ZQImageFormat {
 };
 
 // Reads at most a few kilobytes. The extension only decides between a TIFF and the camera raw formats that are TIFFs
-// inside, for TGA, whose older files carry no mark, and for Sketch, whose documents are zip archives. `Unknown` for a file that cannot be read. Any thread.
+// inside, for TGA, whose older files carry no mark, and for Sketch, whose documents are zip archives. `Unknown` for a
+// file that cannot be read. Any thread.
 ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source);

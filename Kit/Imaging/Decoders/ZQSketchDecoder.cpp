@@ -73,7 +73,8 @@ ZQSourceFile previewFile(const ZQSourceFile &document, ZQError *error)
     const ZQSourceFile::Bytes bytes(document);
     const Reader reader(archive_read_new(), archive_read_free);
     // The way from the end of the file skips what is not asked for without unpacking it.
-    const bool isOpen = bytes.data() && reader && archive_read_support_format_zip_seekable(reader.get()) == ARCHIVE_OK &&
+    const bool isOpen = bytes.data() && reader &&
+                        archive_read_support_format_zip_seekable(reader.get()) == ARCHIVE_OK &&
                         archive_read_open_memory(reader.get(), bytes.data(), bytes.size()) == ARCHIVE_OK;
     if (!isOpen) {
         zqSetError(error, zqDamagedError(document.name()));
