@@ -29,14 +29,12 @@ JxlDecoderStatus askForProfile(Function function, const JxlDecoder *decoder, Res
 class Codec
 {
 public:
+    // That no more input follows is not said: a file that ends too early would be nothing but an error then.
     Codec(const ZQSourceFile::Bytes &bytes, int events) : m_decoder(JxlDecoderMake(nullptr))
     {
         m_isReady = bytes.data() && m_decoder && JxlDecoderSubscribeEvents(get(), events) == JXL_DEC_SUCCESS &&
                     JxlDecoderSetUnpremultiplyAlpha(get(), JXL_TRUE) == JXL_DEC_SUCCESS &&
                     JxlDecoderSetInput(get(), bytes.data(), bytes.size()) == JXL_DEC_SUCCESS;
-        if (m_isReady) {
-            JxlDecoderCloseInput(get());
-        }
     }
 
     JxlDecoder *get() const { return m_decoder.get(); }
