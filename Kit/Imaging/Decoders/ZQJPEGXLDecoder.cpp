@@ -6,8 +6,10 @@
 #include <jxl/decode_cxx.h>
 
 #include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <new>
 #include <type_traits>
-#include <vector>
 
 // libvips shows the last frame of an animation, and says nothing of a file that ends too early; the codec itself does
 // both. It turns a picture upright by itself.
@@ -125,7 +127,7 @@ public:
                 zqSetError(error, zqNoSuchFrameError(request.file.name(), request.frame));
                 return false;
             }
-            if (status == JXL_DEC_NEED_MORE_INPUT && !m_pixels.empty()) {
+            if (status == JXL_DEC_NEED_MORE_INPUT && m_pixels) {
                 m_isIncomplete = JxlDecoderFlushImage(codec.get()) == JXL_DEC_SUCCESS;
             }
             ZQError failure = zqDamagedError(request.file.name());
@@ -141,8 +143,8 @@ public:
     ZQBitmap fitted(const ZQDecodeRequest &request)
     {
         const VipsBandFormat format = m_format.data_type == JXL_TYPE_UINT8 ? VIPS_FORMAT_UCHAR : VIPS_FORMAT_USHORT;
-        const ZQVipsImage raw(vips_image_new_from_memory(m_pixels.data(), m_pixels.size(), int(m_info.xsize),
-                                                         int(m_info.ysize), int(m_format.num_channels), format));
+        const ZQVipsImage raw(vips_image_new_from_memory(m_pixels.get(), m_bytes, int(m_info.xsize), int(m_info.ysize),
+                                                         int(m_format.num_channels), format));
         VipsImage *tagged = nullptr;
         if (!raw || vips_copy(raw.get(), &tagged, "interpretation", interpretation(), nullptr)) {
             return {};
@@ -204,8 +206,12 @@ private:
         if (JxlDecoderImageOutBufferSize(codec.get(), &m_format, &size) != JXL_DEC_SUCCESS) {
             return false;
         }
-        m_pixels.resize(size);
-        return JxlDecoderSetImageOutBuffer(codec.get(), &m_format, m_pixels.data(), m_pixels.size()) == JXL_DEC_SUCCESS;
+        m_pixels.reset(std::calloc(size, 1)); // empty without being touched: a header promises much
+        if (!m_pixels) {
+            throw std::bad_alloc();
+        }
+        m_bytes = size;
+        return JxlDecoderSetImageOutBuffer(codec.get(), &m_format, m_pixels.get(), size) == JXL_DEC_SUCCESS;
     }
 
     VipsInterpretation interpretation() const
@@ -220,7 +226,8 @@ private:
     JxlBasicInfo m_info{};
     JxlPixelFormat m_format{};
     QByteArray m_profile;
-    std::vector<uchar> m_pixels;
+    std::unique_ptr<void, decltype(&std::free)> m_pixels{nullptr, &std::free};
+    size_t m_bytes = 0;
     bool m_isIncomplete = false;
 };
 
