@@ -107,25 +107,6 @@ bool SampleFormats::writeJPEGXL(const QImage &image, const QString &path, const 
            vips_jxlsave(out.get(), QFile::encodeName(path).constData(), "distance", 0.5, "effort", 3, nullptr) == 0;
 }
 
-bool SampleFormats::writeAnimatedWebP(const QList<QImage> &frames, const QString &path)
-{
-    QList<Image> owned;
-    QList<VipsImage *> raw;
-    for (const QImage &frame : frames) {
-        raw.append(owned.emplace_back(imageFor(frame, {})).get());
-    }
-    VipsImage *joined = nullptr;
-    if (raw.isEmpty() || raw.contains(nullptr) ||
-        vips_arrayjoin(raw.data(), &joined, int(raw.size()), "across", 1, nullptr)) {
-        return false;
-    }
-    const Image out(joined);
-    QList<int> delays(frames.size(), 120);
-    vips_image_set_int(joined, VIPS_META_PAGE_HEIGHT, frames.first().height());
-    vips_image_set_array_int(joined, "delay", delays.data(), int(delays.size()));
-    return vips_webpsave(joined, QFile::encodeName(path).constData(), "lossless", TRUE, nullptr) == 0;
-}
-
 // A property of the turning more, which the first picture has: all that lies behind moves.
 QByteArray SampleFormats::turnedHEIF(QByteArray file, int quarters)
 {

@@ -1,7 +1,0 @@
-#include "Tests/Fuzz/FuzzedFile.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
-{
-    fuzzDecoder(zqHEIFDecoder, data, size);
-    return 0;
-}
