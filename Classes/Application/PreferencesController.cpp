@@ -31,6 +31,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("ShowZeltoHotkey"), hotkey(21)},
         {QStringLiteral("ImportOpenMetaTags"), true},
         {QStringLiteral("ImportIPTCTags"), true},
+        {QStringLiteral("ImportModernImages"), true},
         {QStringLiteral("UseAutoTagging"), true},
         {QStringLiteral("ShowRecentItemsAfterDropOnDock"), true},
         {QStringLiteral("IconTagSize"), 32},

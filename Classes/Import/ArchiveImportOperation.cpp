@@ -22,7 +22,7 @@ namespace {
 bool looksLikePackage(const QString &path)
 {
     const ImportKind *kind = importKindForPath(path);
-    return kind && kind->takes == ImportKind::Takes::Package;
+    return kind && kind->takesPackages();
 }
 
 // Where an archive is unpacked to: a folder named after it, which is not there yet.

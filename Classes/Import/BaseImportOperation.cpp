@@ -29,7 +29,7 @@ namespace {
 bool isPackage(const QString &path)
 {
     const ImportKind *kind = importKindForPath(path);
-    return kind && kind->takes == ImportKind::Takes::Package;
+    return kind && kind->takesPackages();
 }
 
 QDateTime dateFromMilliseconds(qint64 milliseconds)
@@ -291,8 +291,9 @@ void BaseImportOperation::fillDates()
 void BaseImportOperation::fillSHA1()
 {
     if (m_SHA1.isEmpty()) {
-        const bool isSketch = zqPathExtension(m_filePath).compare(u"sketch", Qt::CaseInsensitive) == 0;
-        const QString digested = isSketch ? m_filePath + QStringLiteral("/Data") : m_filePath;
+        const bool isPackage =
+            zqPathExtension(m_filePath).compare(u"sketch", Qt::CaseInsensitive) == 0 && !QFileInfo(m_filePath).isFile();
+        const QString digested = isPackage ? m_filePath + QStringLiteral("/Data") : m_filePath;
         if (QFileInfo(digested).isFile()) {
             m_SHA1 = QString::fromLatin1(zqSHA1OfFile(digested));
         }

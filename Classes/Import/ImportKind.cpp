@@ -1,9 +1,12 @@
 #include "Classes/Import/ImportKind.h"
 
 #include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Imaging/ZQImageSource.h"
 
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace {
 
@@ -38,6 +41,15 @@ constexpr ImportKind importKinds[] = {
     {"rar", Match::Extension, Takes::File, Importer::Archive},
 };
 
+// Ahead of the others, while the person wants them.
+constexpr ImportKind modernKinds[] = {
+    {"org.webmproject.webp", Match::Type, Takes::File, Importer::Image},
+    {"public.heic", Match::Type, Takes::File, Importer::Image},
+    {"public.avif", Match::Type, Takes::File, Importer::Image},
+    {"public.jpeg-xl", Match::Type, Takes::File, Importer::Image},
+    {"sketch", Match::Extension, Takes::FileOrPackage, Importer::Sketch},
+};
+
 bool matches(const ImportKind &kind, const QString &type, const QString &extension)
 {
     const QLatin1String name(kind.name);
@@ -52,31 +64,44 @@ bool matches(const ImportKind &kind, const QString &type, const QString &extensi
     return false;
 }
 
+template <size_t count>
+const ImportKind *firstMatch(const ImportKind (&kinds)[count], const QString &type, const QString &extension)
+{
+    const ImportKind *const end = kinds + count;
+    const ImportKind *const found =
+        std::find_if(kinds, end, [&](const ImportKind &kind) { return matches(kind, type, extension); });
+    return found == end ? nullptr : found;
+}
+
+bool areModernImagesImported()
+{
+    return ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("ImportModernImages"));
+}
+
 } // namespace
 
-const ImportKind *importKindForPath(const QString &path)
+const ImportKind *importKindForPath(const QString &path, ModernImages modern)
 {
     const QString extension = zqPathExtension(path).toLower();
     const QString type = ZQTypeIdentifier::forExtension(extension);
-    for (const ImportKind &kind : importKinds) {
-        if (matches(kind, type, extension)) {
-            return &kind;
-        }
-    }
-    return nullptr;
+    const ImportKind *const kind = firstMatch(modernKinds, type, extension);
+    const bool isWanted = kind && (modern == ModernImages::Always || areModernImagesImported());
+    return isWanted ? kind : firstMatch(importKinds, type, extension);
 }
 
 QStringList importableExtensions()
 {
     QStringList candidates = ZQImageSource::supportedExtensions();
-    for (const ImportKind &kind : importKinds) {
+    QList<ImportKind> kinds(std::begin(importKinds), std::end(importKinds));
+    kinds.append(QList<ImportKind>(std::begin(modernKinds), std::end(modernKinds)));
+    for (const ImportKind &kind : std::as_const(kinds)) {
         const QString name = QString::fromLatin1(kind.name);
         candidates += kind.match == Match::Extension ? QStringList(name) : ZQTypeIdentifier::extensions(name);
     }
     candidates.removeDuplicates();
     candidates.removeIf([](const QString &extension) {
         const ImportKind *kind = importKindForPath(QStringLiteral("file.") + extension);
-        return !kind || kind->takes != Takes::File;
+        return !kind || !kind->takesFiles();
     });
     return candidates;
 }

@@ -38,10 +38,7 @@ bool anyPath(const QStringList &paths, Test test)
 bool ImportQueries::fileAtPathIsSupported(const QString &path)
 {
     const ImportKind *kind = importKindForPath(path);
-    if (!kind || kind->takes == ImportKind::Takes::Nothing) {
-        return false;
-    }
-    return isDirectory(path) == (kind->takes == ImportKind::Takes::Package);
+    return kind && (isDirectory(path) ? kind->takesPackages() : kind->takesFiles());
 }
 
 bool ImportQueries::fileAtPathIsArchive(const QString &path)

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -160,7 +161,8 @@ ZQBitmap ThumbGenerator::newThumbForAcornFileAtURL(const QString &path, ZQError 
 
 ZQBitmap ThumbGenerator::sketchBitmapImageRepAtPath(const QString &path, ZQError *error)
 {
-    return ZQImageSource::bitmapOfFile(path + QStringLiteral("/QuickLook/Preview.png"), error);
+    const bool isPackage = !QFileInfo(path).isFile();
+    return ZQImageSource::bitmapOfFile(isPackage ? path + QStringLiteral("/QuickLook/Preview.png") : path, error);
 }
 
 QByteArray ThumbGenerator::grabAcornCompositeDataAtPath(const QString &path)

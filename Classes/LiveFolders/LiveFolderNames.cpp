@@ -64,7 +64,9 @@ ImportKind::Takes takenAs(std::string_view extension)
     if (known.size() >= mostKnown) {
         known.clear();
     }
-    const ImportKind *const kind = importKindForPath(QStringLiteral("file.") + QString::fromUtf8(lower));
+    // What is an item already stays one, also when the person wants no more of its kind.
+    const ImportKind *const kind =
+        importKindForPath(QStringLiteral("file.") + QString::fromUtf8(lower), ModernImages::Always);
     const bool isTaken = kind && kind->importer != Importer::Archive;
     return lastAnswer = *known.insert(lower, isTaken ? kind->takes : ImportKind::Takes::Nothing);
 }
@@ -92,7 +94,9 @@ bool LiveFolderNames::isText(std::string_view name)
 EntryKind LiveFolderNames::kindOfFile(std::string_view name)
 {
     const std::string_view extension = extensionOf(name);
-    return !extension.empty() && takenAs(extension) == ImportKind::Takes::File ? EntryKind::File : EntryKind::Nothing;
+    const ImportKind::Takes taken = extension.empty() ? ImportKind::Takes::Nothing : takenAs(extension);
+    const bool isTaken = taken == ImportKind::Takes::File || taken == ImportKind::Takes::FileOrPackage;
+    return isTaken ? EntryKind::File : EntryKind::Nothing;
 }
 
 EntryKind LiveFolderNames::kindOfDirectory(std::string_view name)
@@ -104,5 +108,7 @@ EntryKind LiveFolderNames::kindOfDirectory(std::string_view name)
     if (std::find(packages.begin(), packages.end(), inLowerCase(extension).toStdString()) != packages.end()) {
         return EntryKind::Nothing;
     }
-    return takenAs(extension) == ImportKind::Takes::Package ? EntryKind::Package : EntryKind::Folder;
+    const ImportKind::Takes taken = takenAs(extension);
+    const bool isPackage = taken == ImportKind::Takes::Package || taken == ImportKind::Takes::FileOrPackage;
+    return isPackage ? EntryKind::Package : EntryKind::Folder;
 }

@@ -56,7 +56,7 @@ constexpr Row rows[] = {
     {"com.flyingmeat.Acorn", "acorn", image, "image/x-acorn", "Acorn document"},
     {"org.webmproject.webp", "webp", image, "image/webp", "WebP image"},
     {"public.heic", "heic heif hif", image, "image/heic", "HEIC image"},
-    {"public.avif", "avif", image, "image/avif", "AVIF image"},
+    {"public.avif", "avif avifs", image, "image/avif", "AVIF image"},
     {"public.jpeg-xl", "jxl", image, "image/jxl", "JPEG XL image"},
     {"com.ilm.openexr-image", "exr", image, "image/x-exr", "OpenEXR image"},
     {"public.radiance", "hdr", image, "image/vnd.radiance", "Radiance image"},
@@ -239,7 +239,7 @@ QString ZQTypeIdentifier::forMimeType(const QString &mimeType)
         {QStringLiteral("image/x-targa"), TGA},
         {QStringLiteral("application/eps"), EPS},
         {QStringLiteral("application/x-pdf"), PDF},
-        {QStringLiteral("image/heif"), QStringLiteral("public.heic")},
+        {QStringLiteral("image/heif"), HEIC},
         {QStringLiteral("application/x-zip-compressed"), QStringLiteral("public.zip-archive")},
         {QStringLiteral("application/x-rar-compressed"), QStringLiteral("com.rarlab.rar-archive")},
     };

@@ -27,6 +27,9 @@ inline const QString CameraRaw = QStringLiteral("public.camera-raw-image");
 inline const QString AdobeRaw = QStringLiteral("com.adobe.raw-image");
 inline const QString PDF = QStringLiteral("com.adobe.pdf");
 inline const QString WebP = QStringLiteral("org.webmproject.webp");
+inline const QString HEIC = QStringLiteral("public.heic");
+inline const QString AVIF = QStringLiteral("public.avif");
+inline const QString JPEGXL = QStringLiteral("public.jpeg-xl");
 
 // Empty when no type is known for the extension (given without its dot, case ignored).
 QString forExtension(const QString &extension);

@@ -26,8 +26,9 @@ struct ZQImageProperties
 };
 
 // An image file: its properties, and its pixels no larger than asked for. Reads JPEG, JPEG 2000, TIFF, GIF, PNG, ICNS,
-// BMP, ICO, TGA, PSD, WebP, AI (its PDF or PostScript part), Acorn (the picture it holds) and camera raw. The content
-// decides how it is read, not the extension, except where a format has no mark.
+// BMP, ICO, TGA, PSD, WebP, HEIC, AVIF, JPEG XL, AI (its PDF or PostScript part), Acorn and Sketch in one file (the
+// picture they hold) and camera raw. The content decides how it is read, not the extension, except where a format has
+// no mark.
 //
 // Orientation is applied, colours are converted to sRGB, 16-bit and CMYK come out as 8-bit RGB. Sizes are checked
 // before memory is taken

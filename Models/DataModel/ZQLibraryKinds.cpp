@@ -68,7 +68,8 @@ ZQBitmap ZQLibraryAcorn::renderRepresentationBitmap(const QString &path, ZQError
 QString ZQLibrarySketch::detailItemURL() const
 {
     const QString document = itemURL();
-    return document.isEmpty() ? QString() : document + QStringLiteral("/QuickLook/Preview.png");
+    const bool showsItself = document.isEmpty() || QFileInfo(document).isFile();
+    return showsItself ? document : document + QStringLiteral("/QuickLook/Preview.png");
 }
 
 QString ZQLibrarySketch::pixelSizeString() const

@@ -2,7 +2,7 @@
 
 #include "Models/DataModel/_ZQLibrarySketch.h"
 
-// A Sketch document: a package with its own preview.
+// A Sketch document: a package with its own preview or, as newer versions write it, a file that holds one.
 class ZQLibrarySketch : public _ZQLibrarySketch
 {
 public:

@@ -11,12 +11,14 @@ import shutil
 import sqlite3
 import subprocess
 import sys
+import zipfile
 
 zelto, samples, world = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3])
 ALLOWED = 0.02
 # Without a profile, what CMYK looks like is each program's own idea; a raw file's brightness is chosen anew.
 ALLOWED_FOR = {"cmyk.tiff": 0.12, "cmyk.jpg": 0.12, "sensor.dng": 0.04}
-KINDS = {"ai", "acorn", "bmp", "dng", "gif", "icns", "ico", "jp2", "jpg", "pdf", "png", "psd", "sketch", "svg", "tga", "tiff"}
+KINDS = {"ai", "acorn", "bmp", "dng", "gif", "icns", "ico", "jp2", "jpg", "pdf", "png", "psd", "sketch", "svg", "tga", "tiff",
+         "avif", "heic", "jxl", "webp"}
 
 
 def run(*command):
@@ -59,8 +61,17 @@ def draw(path, out):
         run("convert", world / "samples" / "Formats" / "plain.bmp", out)  # what its sensor saw
     elif kind == "acorn":
         from_acorn(path, out)
+    elif kind == "sketch" and path.is_file():
+        with zipfile.ZipFile(path) as document:
+            out.write_bytes(document.read("previews/preview.png"))
     elif kind == "sketch":
         shutil.copy(path / "QuickLook" / "Preview.png", out)
+    elif kind == "jxl":
+        run("djxl", path, out)
+    elif kind == "heic":
+        run("heif-convert", path, out)
+    elif kind == "avif":
+        run("avifdec", path, out)
     else:
         source = largest_frame(path) if kind == "ico" else f"{path}[0]"
         run("convert", "-quiet", source, "-auto-orient", "+repage", "-colorspace", "sRGB", out)

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTransform>
 
 #include <array>
 
@@ -161,6 +162,22 @@ void addOrientations(Writer &writer)
 
 using ImageWriter = bool (*)(const QImage &, const QString &);
 
+template <bool (*write)(const QImage &, const QString &, const SampleFormats::ModernOptions &)>
+bool writeModern(const QImage &image, const QString &path)
+{
+    return write(image, path, {});
+}
+
+bool writePhonePicture(const QImage &image, const QString &path)
+{
+    if (!SampleFormats::writeHEIC(image.transformed(QTransform().rotate(90)), path)) {
+        return false;
+    }
+    QFile file(path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return SampleFormats::writeBytes(SampleFormats::turnedHEIF(bytes, 1), path);
+}
+
 void addRasterFormats(Writer &writer, const QImage &scene, const QImage &logo)
 {
     struct Row
@@ -177,6 +194,9 @@ void addRasterFormats(Writer &writer, const QImage &scene, const QImage &logo)
         Row{"cmyk.tiff", "CMYK TIFF", SampleFormats::writeCMYKTIFF, scene},
         Row{"wavelet.jp2", "JPEG 2000", SampleFormats::writeJPEG2000, scene},
         Row{"web.webp", "WebP with transparency", SampleFormats::writeWebP, logo},
+        Row{"phone.heic", "HEIC of a phone, stored on its side", writePhonePicture, scene},
+        Row{"web.avif", "AVIF with transparency", writeModern<SampleFormats::writeAVIF>, logo},
+        Row{"modern.jxl", "JPEG XL with transparency", writeModern<SampleFormats::writeJPEGXL>, logo},
         Row{"plain.bmp", "BMP", SampleFormats::writeBMP, scene},
     };
     for (const Row &row : rows) {
@@ -242,10 +262,10 @@ constexpr char snapInfo[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 void addPackages(Writer &writer, const QImage &scene)
 {
-    const QByteArray document = SampleArchives::zipFile({{"document.json", "{}"}});
+    const QByteArray preview = writer.bytesOf(QStringLiteral("Formats/Screen.sketch/QuickLook/Preview.png"));
     writer.addBytes(QStringLiteral("Formats/New.sketch"),
-                    QStringLiteral("Sketch document in one file, as newer versions write it; cannot be imported"),
-                    document);
+                    QStringLiteral("Sketch document in one file, as newer versions write it"),
+                    SampleArchives::zipFile({{"document.json", "{}"}, {"previews/preview.png", preview}}));
     writer.add(QStringLiteral("Formats/Harbour.snap/screen.png"), QStringLiteral("picture of a snap package"),
                [&scene](const QString &path) { return SampleFormats::writePNG(scene, path); });
     writer.addBytes(QStringLiteral("Formats/Harbour.snap/Info.plist"),

@@ -215,6 +215,17 @@ bool SampleFormats::writeWebP(const QImage &image, const QString &path)
     return out && vips_webpsave(out.get(), QFile::encodeName(path).constData(), "Q", 85, nullptr) == 0;
 }
 
+bool SampleFormats::writeAnimatedWebP(const QList<QImage> &frames, const QString &path)
+{
+    const Image out = joined(frames);
+    if (!out) {
+        return false;
+    }
+    std::vector<int> delays(size_t(frames.size()), 120);
+    vips_image_set_array_int(out.get(), "delay", delays.data(), int(delays.size()));
+    return vips_webpsave(out.get(), QFile::encodeName(path).constData(), "lossless", TRUE, nullptr) == 0;
+}
+
 bool SampleFormats::writeBMP(const QImage &image, const QString &path)
 {
     return QImageWriter(path, "bmp").write(image.convertToFormat(QImage::Format_RGB32));

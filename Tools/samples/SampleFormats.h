@@ -29,6 +29,19 @@ bool writeTIFF(const QList<QImage> &pages, const QString &path); // pages of one
 bool writeGIF(const QList<QImage> &frames, const QString &path); // frames of one size
 bool writeJPEG2000(const QImage &image, const QString &path);
 bool writeWebP(const QImage &image, const QString &path);
+bool writeAnimatedWebP(const QList<QImage> &frames, const QString &path); // frames of one size, 120 ms each
+
+struct ModernOptions
+{
+    int bits = 8;        // 8, 10 or 12; JPEG XL: 8 or 16
+    QByteArray profile;  // ICC; empty: none
+    QByteArray metadata; // EXIF; empty: none
+};
+bool writeHEIC(const QImage &image, const QString &path, const ModernOptions &options = {});
+bool writeAVIF(const QImage &image, const QString &path, const ModernOptions &options = {});
+bool writeJPEGXL(const QImage &image, const QString &path, const ModernOptions &options = {});
+// A HEIC or AVIF file that is shown turned by so many quarters, counterclockwise, as cameras say it in the container.
+QByteArray turnedHEIF(QByteArray file, int quarters);
 bool writeBMP(const QImage &image, const QString &path);
 // A flat-coloured picture with a few shapes, written row by row.
 bool writeHugePNG(int side, const QString &path);

@@ -31,6 +31,9 @@ void fillGeneral(PreferencesPane &pane)
 
 void fillImport(PreferencesPane &pane)
 {
+    pane.addHeading(zqLocalized("KINDS OF FILES"));
+    pane.addSwitch(QStringLiteral("ImportModernImages"), zqLocalized("&Take today's picture formats, too"),
+                   zqLocalized("WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files."));
     pane.addHeading(zqLocalized("FROM EACH FILE"));
     pane.addSwitch(QStringLiteral("ImportIPTCTags"), zqLocalized("Take the &keywords of pictures as tags"));
     pane.addSwitch(QStringLiteral("AlwaysMakeThumbsWhileImporting"),

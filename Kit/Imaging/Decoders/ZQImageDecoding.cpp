@@ -20,6 +20,8 @@ constexpr std::array decoders{
     FormatDecoder{ZQImageFormat::TIFF, &zqVipsDecoder},
     FormatDecoder{ZQImageFormat::WebP, &zqVipsDecoder},
     FormatDecoder{ZQImageFormat::JPEG2000, &zqVipsDecoder},
+    FormatDecoder{ZQImageFormat::JPEGXL, &zqJPEGXLDecoder},
+    FormatDecoder{ZQImageFormat::HEIF, &zqHEIFDecoder},
     FormatDecoder{ZQImageFormat::BMP, &zqBMPDecoder},
     FormatDecoder{ZQImageFormat::ICO, &zqIconDecoder},
     FormatDecoder{ZQImageFormat::ICNS, &zqIconDecoder},
@@ -29,6 +31,7 @@ constexpr std::array decoders{
     FormatDecoder{ZQImageFormat::PDF, &zqPDFDecoder},
     FormatDecoder{ZQImageFormat::PostScript, &zqPostScriptDecoder},
     FormatDecoder{ZQImageFormat::Acorn, &zqAcornDecoder},
+    FormatDecoder{ZQImageFormat::Sketch, &zqSketchDecoder},
 };
 
 const ZQDecoder *decoderOfFile(const ZQSourceFile &file, ZQError *error)

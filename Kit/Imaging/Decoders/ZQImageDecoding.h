@@ -47,6 +47,8 @@ struct ZQDecoder
 };
 
 extern const ZQDecoder zqVipsDecoder;       // JPEG, PNG, GIF, TIFF, WebP, JPEG 2000
+extern const ZQDecoder zqHEIFDecoder;       // HEIC and AVIF: the primary picture, upright as the file has it
+extern const ZQDecoder zqJPEGXLDecoder;     // upright as the file has it
 extern const ZQDecoder zqPNGDecoder;        // what is plain and small directly, the rest as above
 extern const ZQDecoder zqPDFDecoder;        // PDF, and AI files that hold one
 extern const ZQDecoder zqSVGDecoder;        // used by the preview service only
@@ -56,7 +58,8 @@ extern const ZQDecoder zqBMPDecoder;
 extern const ZQDecoder zqTGADecoder;
 extern const ZQDecoder zqPSDDecoder;
 extern const ZQDecoder zqRawDecoder;
-extern const ZQDecoder zqAcornDecoder; // the picture that the document holds of itself
+extern const ZQDecoder zqAcornDecoder;  // the picture that the document holds of itself
+extern const ZQDecoder zqSketchDecoder; // of a document that is a file: its preview
 
 // What a file of any known format says of itself.
 std::optional<ZQImageProperties> zqPropertiesOfFile(const ZQSourceFile &file, ZQError *error);

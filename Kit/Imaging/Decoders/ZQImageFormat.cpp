@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -26,6 +27,8 @@ constexpr std::array marks{
     Mark{8, "WEBPVP8"sv, ZQImageFormat::WebP},
     Mark{0, "\0\0\0\x0cjP  \r\n\x87\n"sv, ZQImageFormat::JPEG2000},
     Mark{0, "\xff\x4f\xff\x51"sv, ZQImageFormat::JPEG2000},
+    Mark{0, "\0\0\0\x0cJXL \r\n\x87\n"sv, ZQImageFormat::JPEGXL},
+    Mark{0, "\xff\x0a"sv, ZQImageFormat::JPEGXL},
     Mark{0, "8BPS"sv, ZQImageFormat::PSD},
     Mark{0, "SQLite format 3\0"sv, ZQImageFormat::Acorn},
     Mark{0, "icns"sv, ZQImageFormat::ICNS},
@@ -46,6 +49,10 @@ constexpr std::array marks{
     Mark{0, "MM\0+"sv, ZQImageFormat::TIFF},
 };
 
+// What a container of that kind may call itself first; which coding is in it, it says further on.
+constexpr std::array heifBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "hevc"sv, "hevx"sv, "hevm"sv, "hevs"sv,
+                                "mif1"sv, "mif2"sv, "msf1"sv, "miaf"sv, "avif"sv, "avis"sv, "1pic"sv};
+
 // Raw formats whose container is a TIFF.
 constexpr std::array rawTIFFExtensions{"3fr"sv, "arw"sv, "cr2"sv, "crw"sv, "dcr"sv, "dng"sv, "erf"sv,
                                        "fff"sv, "iiq"sv, "k25"sv, "kdc"sv, "mef"sv, "mos"sv, "nef"sv,
@@ -64,6 +71,12 @@ quint32 littleEndian(std::string_view head, size_t offset, size_t bytes)
         value |= quint32(uchar(head[offset + i])) << (8 * i);
     }
     return value;
+}
+
+bool isHEIF(std::string_view head)
+{
+    return head.size() >= 12 && head.substr(4, 4) == "ftyp" &&
+           std::find(heifBrands.begin(), heifBrands.end(), head.substr(8, 4)) != heifBrands.end();
 }
 
 bool isBMP(std::string_view head)
@@ -133,6 +146,12 @@ ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source)
             const bool raw = mark.format == ZQImageFormat::TIFF && isRawTIFF(head, extension);
             return raw ? ZQImageFormat::CameraRaw : mark.format;
         }
+    }
+    if (isHEIF(head)) {
+        return ZQImageFormat::HEIF;
+    }
+    if (extension == "sketch") {
+        return ZQImageFormat::Sketch;
     }
     if (isBMP(head)) {
         return ZQImageFormat::BMP;

@@ -11,6 +11,8 @@ enum class ZQImageFormat {
     TIFF,
     WebP,
     JPEG2000,
+    JPEGXL,
+    HEIF, // HEIC and AVIF
     BMP,
     ICO,
     ICNS,
@@ -20,8 +22,10 @@ enum class ZQImageFormat {
     PDF,
     PostScript,
     Acorn,
+    Sketch, // in one file
 };
 
 // Reads at most a few kilobytes. The extension only decides between a TIFF and the camera raw formats that are TIFFs
-// inside, and for TGA, whose older files carry no mark. `Unknown` for a file that cannot be read. Any thread.
+// inside, for TGA, whose older files carry no mark, and for Sketch, whose documents are zip archives. `Unknown` for a
+// file that cannot be read. Any thread.
 ZQImageFormat zqImageFormatOfFile(const ZQSourceFile &source);

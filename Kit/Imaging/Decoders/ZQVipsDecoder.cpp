@@ -216,7 +216,7 @@ ZQBitmap decodeWithSource(const ZQDecodeRequest &request, ZQError *error)
     if (!checkSize(request, header.get(), error)) {
         return {};
     }
-    const bool hasProfile = vips_image_get_typeof(header.get(), VIPS_META_ICC_NAME) != 0;
+    const bool hasProfile = zqHasProfile(header.get());
     const Profile profile = hasProfile ? Profile::Apply : Profile::Ignore;
     ZQBitmap bitmap = decodePass(header.get(), request, {VIPS_FAIL_ON_TRUNCATED, profile});
     if (bitmap.isNull() && hasProfile) {
@@ -313,6 +313,22 @@ std::optional<ZQImageProperties> properties(const ZQSourceFile &file, ZQError *e
 } // namespace
 
 const ZQDecoder zqVipsDecoder{properties, decode};
+
+bool zqHasProfile(VipsImage *image)
+{
+    return vips_image_get_typeof(image, VIPS_META_ICC_NAME) != 0;
+}
+
+ZQBitmap zqFittedVips(VipsImage *image, const ZQDecodeRequest &request, bool useProfile)
+{
+    const int width = request.isFullSize() ? unlimitedSide : request.box.width();
+    const int height = request.isFullSize() ? unlimitedSide : request.box.height();
+    VipsImage *out = nullptr;
+    const int failed = vips_thumbnail_image(image, &out, width, "height", height, "size", VIPS_SIZE_DOWN,
+                                            useProfile ? "export_profile" : nullptr, "srgb", nullptr);
+    const ZQVipsImage owned(out);
+    return failed ? ZQBitmap() : zqBitmapOfVips(out);
+}
 
 ZQVipsSource zqVipsSource(const ZQSourceFile &file)
 {

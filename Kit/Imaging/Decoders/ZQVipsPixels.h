@@ -21,5 +21,8 @@ ZQBitmap zqPartOfJPEG2000(const ZQDecodeRequest &request);
 // they are asked for, which fails where the file is damaged. Null when it is no such file, or needs more care.
 ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::optional<QSize>(QSize upright)> &sizeOf,
                              QSize *size);
+// `image` made to fit the request, its colours converted from its profile where they are to be.
+ZQBitmap zqFittedVips(VipsImage *image, const ZQDecodeRequest &request, bool useProfile);
+bool zqHasProfile(VipsImage *image);
 // Runs the pipeline behind `image`: converted to sRGB, 8 bits and alpha. Null when a row fails.
 ZQBitmap zqBitmapOfVips(VipsImage *image);
