@@ -208,7 +208,7 @@ void BrowserContent::show(const Content &content, const QList<ZQGridGroup> &head
 void BrowserContent::dropObjects()
 {
     m_shown.clear();
-    m_thumbnails.clear();
+    m_thumbnailsBefore = std::exchange(m_thumbnails, {});
     m_values.expire();
 }
 
@@ -322,7 +322,8 @@ ZQGridItem BrowserContent::item(qint64 index) const
     const ZQObjectID id = object->objectID();
     auto thumbnail = m_thumbnails.constFind(id);
     if (thumbnail == m_thumbnails.constEnd() || thumbnail->version != object->thumbVersion()) {
-        thumbnail = m_thumbnails.insert(id, ItemPictures::thumbnailOf(*object));
+        const ZQThumbnailRequest now = ItemPictures::thumbnailOf(*object);
+        thumbnail = m_thumbnails.insert(id, now.path.isEmpty() ? m_thumbnailsBefore.value(id, now) : now);
     }
     return {object->title(), object->extension(), QSize(object->pixelWidth(), object->pixelHeight()),
             ZQVectorTypes::contains(object->extension()), *thumbnail};
@@ -498,11 +499,6 @@ LiveFolderStatus BrowserContent::folderStatus() const
 bool BrowserContent::isFolderSyncing() const
 {
     return folderStatus().isSyncing;
-}
-
-bool BrowserContent::isFolderOfAnother() const
-{
-    return m_folderKind == LiveFolderStates::Kind::Missing && folderStatus().holdsAnother;
 }
 
 bool BrowserContent::isFolderOff() const

@@ -47,8 +47,11 @@ public:
     bool isOfPlaceBefore() const { return !m_isLoaded && count() > 0; }
     // Of a live folder that is shown alone.
     bool isFolderAway() const { return m_folderKind && LiveFolderStates::isAway(*m_folderKind); }
-    bool isFolderOff() const;       // by itself, so that it can be turned on
-    bool isFolderOfAnother() const; // what lies in its place could be taken for it
+    bool isFolderOff() const;      // by itself, so that it can be turned on
+    bool isFolderOfAnother() const // what lies in its place could be taken for it
+    {
+        return m_folderKind == LiveFolderStates::Kind::Missing && folderStatus().holdsAnother;
+    }
     bool isFolderSyncing() const;
     bool isOf(const QList<ZQObjectID> &liveFolders) const; // one of them is it
 
@@ -115,6 +118,7 @@ private:
     bool m_isAskedAnew = false; // what comes is announced even if it is the same
     mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;
     mutable QHash<ZQObjectID, ZQThumbnailRequest> m_thumbnails;
+    QHash<ZQObjectID, ZQThumbnailRequest> m_thumbnailsBefore; // of files that a program takes away to replace them
     ContentFetcher::Ticket m_contentTicket;
     mutable ContentFetcher::Ticket m_typingTicket;
 };

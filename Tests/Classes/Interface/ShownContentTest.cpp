@@ -3,6 +3,7 @@
 #include "Kit/Persistence/ZQContextPrivate.h"
 #include "Tests/Classes/Interface/WindowFixture.h"
 
+#include <QFile>
 #include <QMimeData>
 #include <QSemaphore>
 #include <QSignalSpy>
@@ -169,6 +170,25 @@ TEST_F(ShownContentTest, ATabThatComesBackShowsItsRowsAtOnceAndRecentOnesAnew)
     EXPECT_EQ(content.count(), 4) << "as it was";
     settle();
     EXPECT_EQ(content.count(), 3);
+}
+
+TEST_F(ShownContentTest, APictureStaysWhileAProgramReplacesItsFile)
+{
+    const QString path = library.path(QStringLiteral("live.png"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("picture") > 0);
+    file.close();
+    project->addItem(library.addReferencedImage(path).get());
+    library.context().save();
+    BrowserContent content(window);
+    content.setSidebarItems({project->objectID()});
+    settle();
+    const qint64 last = content.count() - 1;
+    const ZQThumbnailRequest shown = content.item(last).thumbnail;
+    EXPECT_EQ(shown.path, path);
+    ASSERT_TRUE(file.remove());
+    content.dropObjects();
+    EXPECT_EQ(content.item(last).thumbnail, shown);
 }
 
 TEST_F(ShownContentTest, RowsOfThePlaceBeforeAreNobodysAndGoWhenTheirsAreLate)

@@ -249,3 +249,22 @@ TEST_F(Trash, IsRecognisedInEveryLayout)
         EXPECT_EQ(ZQTrash::contains(row.path), row.isTrash) << qPrintable(row.path);
     }
 }
+
+TEST_F(Trash, ForgetsOnlyWhatWasTakenOutOfIt)
+{
+    QString trashed;
+    const QString original = file(QStringLiteral("a.png"), "a");
+    ASSERT_TRUE(ZQTrash::recycle(original, &trashed));
+    const QString note = path(QStringLiteral("XDG_DATA_HOME/Trash/info/a.png.trashinfo"));
+    ASSERT_TRUE(QFile::exists(note));
+    ZQTrash::didTakeOut(trashed);
+    EXPECT_TRUE(QFile::exists(note)) << "it is still there";
+    ASSERT_TRUE(QFile::rename(trashed, original));
+    folder(QStringLiteral("elsewhere/files"));
+    folder(QStringLiteral("elsewhere/info"));
+    const QString namesake = file(QStringLiteral("elsewhere/info/a.png.trashinfo"), "no note");
+    ZQTrash::didTakeOut(path(QStringLiteral("elsewhere/files/a.png")));
+    EXPECT_TRUE(QFile::exists(namesake)) << "that is no trash";
+    ZQTrash::didTakeOut(trashed);
+    EXPECT_FALSE(QFile::exists(note));
+}
