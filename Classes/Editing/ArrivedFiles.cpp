@@ -11,7 +11,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <unistd.h>
 
 #include <cerrno>
 #include <utility>
@@ -136,7 +135,8 @@ void ArrivedFiles::takeBack()
     m_takenOut.clear();
 }
 
-// A copy that is the same to the last byte is nobody's loss; any other one stays.
+// Also a copy that is the same to the last byte goes to the trash, for it may have got tags of its own; one that was
+// changed stays.
 void ArrivedFiles::removeCopy(const TakenOut &taken, FileProblems &problems) const
 {
     const QFileInfo copy(taken.copy);
@@ -150,8 +150,8 @@ void ArrivedFiles::removeCopy(const TakenOut &taken, FileProblems &problems) con
         error = zqExplainedFileError(EBUSY, zqFormat(zqLocalized("“%@” was changed while it was moved. Compare both, "
                                                                  "and delete the one you do not need."),
                                                      {taken.copy}));
-    } else if (::unlink(QFile::encodeName(taken.copy).constData()) != 0 && errno != ENOENT) {
-        error = ZQError::posix(errno, taken.copy);
+    } else {
+        ZQTrash::recycle(taken.copy, nullptr, &error);
     }
     if (!error.isNull()) {
         problems.add(copy.fileName(), error);
