@@ -15,8 +15,8 @@ using ExportOperationTest = ExportFixture;
 
 TEST_F(ExportOperationTest, PicturesGetTheSizeThatIsAskedForAndAreNotEnlargedByASize)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("vipsheader")).isEmpty()) {
-        return skipWithout("vipsheader");
+    if (QStandardPaths::findExecutable(QStringLiteral("identify")).isEmpty()) {
+        return skipWithout("identify");
     }
     const QList<ZQObjectID> items = import({writeImage(QStringLiteral("in/big.png"), {1600, 1200}),
                                             writeImage(QStringLiteral("in/small.png"), {640, 480}),
