@@ -119,6 +119,10 @@ void ExportOperation::takeOutcomes()
             if (!m_request.archive) {
                 m_result.written.append(outcome.path);
             }
+            if (outcome.isIncomplete) {
+                m_result.incomplete.append({m_sources[i].title, m_sources[i].bundleID,
+                                            zqLocalized("Its file ends too early: the rest of the picture is empty.")});
+            }
         } else if (!outcome.reason.isEmpty() && m_sources[i].hasFile()) { // else it is among the missing
             m_result.failed.append({m_sources[i].title, m_sources[i].bundleID, outcome.reason});
         }

@@ -193,3 +193,16 @@ TEST_F(ExportFaultsTest, AFileThatGoesWhileTheArchiveIsWrittenCostsItself)
     EXPECT_EQ(result.failed[0].title, QStringLiteral("p4"));
     EXPECT_TRUE(result.refusal.isNull());
 }
+
+TEST_F(ExportFaultsTest, APictureThatEndsTooEarlyGoesOutAsFarAsItGoesAndIsTold)
+{
+    const QList<ZQObjectID> items = importNoise(2);
+    QFile file(item(items[0])->itemURL());
+    ASSERT_TRUE(file.resize(file.size() / 2));
+    const auto result = run({.items = items, .fileFormat = JPEG});
+    EXPECT_EQ(written().size(), 2);
+    ASSERT_EQ(result.incomplete.size(), 1);
+    EXPECT_EQ(result.incomplete[0].title, QStringLiteral("n1"));
+    ASSERT_EQ(user.notifications.size(), 1);
+    EXPECT_TRUE(user.notifications[0].text.contains(QStringLiteral("n1")));
+}
