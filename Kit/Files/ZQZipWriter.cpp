@@ -134,7 +134,8 @@ private:
     bool begin(const struct stat &status, const QByteArray &name, ZQError *error)
     {
         archive_entry *const entry = archive_entry_clear(m_entry.get());
-        archive_entry_set_pathname_utf8(entry, name.constData());
+        archive_entry_copy_pathname(entry, name.constData()); // the call for UTF-8 composes letters
+
         archive_entry_set_filetype(entry, status.st_mode & S_IFMT);
         archive_entry_set_perm(entry, status.st_mode & 0777);
         archive_entry_set_mtime(entry, status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
@@ -209,7 +210,7 @@ private:
         if (!begin(status, name, error)) {
             return false;
         }
-        archive_entry_set_symlink_utf8(m_entry.get(), target.constData());
+        archive_entry_copy_symlink(m_entry.get(), target.constData());
         archive_entry_set_size(m_entry.get(), length);
         return writeHeader(error);
     }
