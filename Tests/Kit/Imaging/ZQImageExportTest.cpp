@@ -265,19 +265,24 @@ TEST_F(ExportTest, AFullDiskIsSaid)
 {
     const QString good = sample("Formats/deep.png");
     const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(good);
-    const FileSizeLimit limit(4096); // the workers that are started meanwhile have it as well
-    for (const EncodedType &type : encodedTypes) {
-        SCOPED_TRACE(type.fileType);
-        error = {};
-        EXPECT_FALSE(zqExportBitmap(bitmap, {type.fileType, 95, {}}, target(), &error));
-        EXPECT_EQ(error.domain, ZQError::posixDomain);
-        EXPECT_EQ(error.code, EFBIG);
-        EXPECT_TRUE(error.localizedDescription().contains(target()));
-        EXPECT_EQ(files(), QStringList());
+    {
+        const FileSizeLimit limit(4096);
+        for (const EncodedType &type : encodedTypes) {
+            SCOPED_TRACE(type.fileType);
+            error = {};
+            EXPECT_FALSE(zqExportBitmap(bitmap, {type.fileType, 95, {}}, target(), &error));
+            EXPECT_EQ(error.domain, ZQError::posixDomain);
+            EXPECT_EQ(error.code, EFBIG);
+            EXPECT_TRUE(error.localizedDescription().contains(target()));
+            EXPECT_EQ(files(), QStringList());
+        }
     }
-    ZQRenderPool pool({.processes = 1});
+    constexpr rlim_t leastOfWorker = 5 << 20; // its shared memory counts as a file
+    const FileSizeLimit limit(leastOfWorker);
+    ZQRenderPool pool({.processes = 1}); // with the same limit
     auto file = ZQNewFile::make(target(), &error);
-    EXPECT_FALSE(pool.exportFile(good, {TIFF, {}, {}}, file->descriptor(), &error));
+    ASSERT_TRUE(file);
+    EXPECT_FALSE(pool.exportFile(good, {TIFF, {}, {300.0, {}}}, file->descriptor(), &error));
     EXPECT_EQ(error.domain, ZQError::posixDomain);
     EXPECT_EQ(error.code, EFBIG);
 }
