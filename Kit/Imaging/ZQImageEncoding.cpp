@@ -37,9 +37,16 @@ int saveTIFF(VipsImage *image, VipsTarget *target, Quality)
     return saveWith(vips_tiffsave_target, image, target, {});
 }
 
+// Through memory: its encoder does not stop when writing fails, and tries again for minutes.
 int saveGIF(VipsImage *image, VipsTarget *target, Quality)
 {
-    return saveWith(vips_gifsave_target, image, target, {});
+    void *bytes = nullptr;
+    size_t size = 0;
+    if (vips_gifsave_buffer(image, &bytes, &size, "strip", TRUE, nullptr) != 0) {
+        return -1;
+    }
+    const std::unique_ptr<void, decltype(&g_free)> owned(bytes, g_free);
+    return vips_target_write(target, bytes, size) == 0 ? vips_target_end(target) : -1;
 }
 
 int saveJPEG2000(VipsImage *image, VipsTarget *target, Quality quality)
