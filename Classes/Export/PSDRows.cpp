@@ -3,6 +3,7 @@
 #include "Classes/Export/PSDBytes.h"
 
 #include <algorithm>
+#include <cstring>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -78,7 +79,10 @@ bool PSDRows::append(const Channel &channel, QByteArray &document, qsizetype cou
                 document.truncate(before);
                 return false;
             }
-            document.append(share.packed.constData(), share.size);
+            // Appending would copy the document each time it outgrows its memory; this lets it grow where it is.
+            const qsizetype at = document.size();
+            document.resize(at + share.size);
+            std::memcpy(document.data() + at, share.packed.constData(), std::size_t(share.size));
         }
     }
     return true;

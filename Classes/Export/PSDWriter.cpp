@@ -253,7 +253,7 @@ QByteArray PSDWriter::createPSDData()
     const qsizetype endOfLayers = bytes.size();
     try {
         if ((endOfLayers - room + front.size() - PSDFront::beforeLayers) % 2 != 0) {
-            bytes.append('\0');
+            PSDBytes::appendValue(bytes, 0, 1);
         }
         appendMergedImage();
     } catch (const PSDException &) {
@@ -263,7 +263,9 @@ QByteArray PSDWriter::createPSDData()
     QByteArray document = std::exchange(m_packed, emptyLayers()).bytes();
     m_entries.clear();
     if (front.size() > room) {
-        document.prepend(front.size() - room, '\0');
+        const qsizetype size = document.size() - room;
+        document.resize(front.size() + size);
+        std::memmove(document.data() + front.size(), document.constData() + room, std::size_t(size));
     } else {
         document.remove(0, room - front.size()); // moves nothing
     }
