@@ -39,7 +39,7 @@ void PresetCell::setEditing(bool isEditing)
 
 const QImage &PresetCell::icon()
 {
-    const qreal scale = devicePixelRatioF() / PresetIcon::dragScale;
+    const qreal scale = devicePixelRatioF() * PresetIcon::shownSize.width() / PresetIcon::size.width();
     if (m_icon.isNull() || !qFuzzyCompare(m_icon.devicePixelRatio(), scale)) {
         m_icon = PresetIcon::dragImage(m_preset, scale);
     }
