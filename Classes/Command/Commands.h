@@ -55,16 +55,16 @@ QString zqSearchLanguage(); // what can be searched for, a line each token
 
 struct ExportCommandRequest
 {
-    QStringList items;
-    QString in;       // REF; empty: none but `items`
-    QString to;       // a folder
-    int preset = 0;   // of the Quick export panel, from 1 on; 0: none
-    QString format;   // of `zqExportFormats`; empty: the files as they are
-    double width = 0; // pixels; 0: not given, as of the next two
+    QStringList items = {};
+    QString in = {};     // REF; empty: none but `items`
+    QString to = {};     // a folder
+    int preset = 0;      // of the Quick export panel, from 1 on; 0: none
+    QString format = {}; // of `zqExportFormats`; empty: the files as they are
+    double width = 0;    // pixels; 0: not given, as of the next two
     double height = 0;
     double percent = 0;
     int quality = 0;
-    QString namePattern;
+    QString namePattern = {};
     bool zip = false;
 };
 QStringList zqExportFormats();

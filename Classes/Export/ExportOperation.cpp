@@ -56,6 +56,9 @@ void ExportOperation::run()
             running->cancel();
         }
     });
+    if (m_progress && m_request.items.size() > 1 && !m_request.archive) {
+        m_progress->setCountText(zqLocalized("Exporting %@ of %@"));
+    }
     if (m_request.archive) {
         ZQError error;
         m_temporaryFolder = TemporaryArea::newFolder(&error);
@@ -116,7 +119,7 @@ void ExportOperation::takeOutcomes(const std::vector<ExportSource> &sources)
             if (!m_request.archive) {
                 m_result.written.append(outcome.path);
             }
-        } else if (!outcome.reason.isEmpty()) {
+        } else if (!outcome.reason.isEmpty() && sources[i].hasFile()) { // else it is among the missing
             m_result.failed.append({sources[i].title, sources[i].bundleID, outcome.reason});
         }
     }

@@ -3,7 +3,6 @@
 #include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQHiddenFile.h"
 #include "Models/DataModel/ZQLibraryEnvironment.h"

@@ -66,6 +66,14 @@ private:
     };
 };
 
+// Live folders that are only asked for.
+class AskedLiveFolders : public LiveFolderManager
+{
+public:
+    void syncFolderAtPath(const QString &path) override { synced.append(path); }
+    QStringList synced;
+};
+
 // An application without a window on a library of its own, beside the test program: what lies in the temporary area
 // would be moved by imports.
 class ExportFixture : public testing::Test
@@ -172,16 +180,15 @@ protected:
     // As another program reads it; empty when it cannot.
     static QSize sizeSeenByOthers(const QString &path)
     {
-        const auto field = [&path](const char *name) {
-            QProcess program;
-            program.start(QStringLiteral("vipsheader"), {QStringLiteral("-f"), QLatin1String(name), path});
-            return program.waitForFinished() && program.exitCode() == 0 ? program.readAllStandardOutput().toInt() : -1;
-        };
-        return {field("width"), field("height")};
+        QProcess program;
+        program.start(QStringLiteral("identify"), {QStringLiteral("-format"), QStringLiteral("%w %h"), path});
+        const bool isRead = program.waitForFinished() && program.exitCode() == 0;
+        const QList<QByteArray> sides = isRead ? program.readAllStandardOutput().split(' ') : QList<QByteArray>();
+        return sides.size() == 2 ? QSize(sides[0].toInt(), sides[1].toInt()) : QSize();
     }
 
     SteppedUser user;
-    LiveFolderManager liveFolders;
+    AskedLiveFolders liveFolders;
     std::unique_ptr<tamberin_AppDelegate> delegate;
     QStringList ends; // notifications
 

@@ -3,6 +3,7 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Kit/Imaging/ZQImageExport.h"
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarProject.h"
 #include "Tests/Classes/Export/ExportFixture.h"
 #include "Tests/Support/Skip.h"
@@ -14,8 +15,8 @@ using ExportOperationTest = ExportFixture;
 
 TEST_F(ExportOperationTest, PicturesGetTheSizeThatIsAskedForAndAreNotEnlargedByASize)
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("vipsheader")).isEmpty()) {
-        return skipWithout("vipsheader");
+    if (QStandardPaths::findExecutable(QStringLiteral("identify")).isEmpty()) {
+        return skipWithout("identify");
     }
     const QList<ZQObjectID> items = import({writeImage(QStringLiteral("in/big.png"), {1600, 1200}),
                                             writeImage(QStringLiteral("in/small.png"), {640, 480}),

@@ -1,0 +1,105 @@
+#include "Kit/Files/ZQExtendedAttributes.h"
+#include "Kit/Files/ZQPlainCopy.h"
+#include "Tests/Kit/Files/Scratch.h"
+#include "Tests/Support/FileSizeLimit.h"
+#include "Tests/Support/ScratchMount.h"
+#include "Tests/Support/Skip.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+
+using PlainCopy = Scratch;
+
+namespace {
+
+QStringList namesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+} // namespace
+
+TEST_F(PlainCopy, KeepsContentModeTimesAndAttributesOnOneDiskAndToAnother)
+{
+    const ScratchMount other(path(QStringLiteral("other")), 64LL << 20);
+    folder(QStringLiteral("other"));
+    folder(QStringLiteral("same"));
+    for (const qsizetype size : {0, 1, 1 << 20, (9 << 20) + 3}) {
+        QByteArray content(size, 'x');
+        for (qsizetype i = 0; i < size; i += 1000) {
+            content[i] = char(i);
+        }
+        const QString source = file(QStringLiteral("source"), content);
+        const bool hasAttributes = ZQExtendedAttributes::set(source, QStringLiteral("note"), "kept");
+        ASSERT_EQ(chmod(QFile::encodeName(source).constData(), 0640), 0);
+        const timespec times[] = {{1000000000, 5}, {1234567890, 123456789}};
+        ASSERT_EQ(utimensat(AT_FDCWD, QFile::encodeName(source).constData(), times, 0), 0);
+        for (const char *place : {"same", "other"}) {
+            const QString copy = path(QStringLiteral("%1/copy %2").arg(QLatin1String(place)).arg(size));
+            ZQError error;
+            ASSERT_TRUE(zqCopyPlainly(source, copy, &error)) << error.localizedDescription().toStdString();
+            EXPECT_EQ(read(copy), content);
+            struct stat status = {};
+            ASSERT_EQ(stat(QFile::encodeName(copy).constData(), &status), 0);
+            EXPECT_EQ(status.st_mode & 0777, 0640U);
+            EXPECT_EQ(status.st_mtim.tv_sec, 1234567890);
+            if (hasAttributes && QLatin1String(place) == QLatin1String("same")) {
+                EXPECT_EQ(ZQExtendedAttributes::get(copy, QStringLiteral("note")), QByteArray("kept"));
+            }
+        }
+    }
+}
+
+TEST_F(PlainCopy, NeverTakesANameThatIsTakenAndFollowsNoLinkThere)
+{
+    const QString source = file(QStringLiteral("source"), "new");
+    const QString package = folder(QStringLiteral("package"));
+    file(QStringLiteral("package/part"), "part");
+    folder(QStringLiteral("there/folder"));
+    file(QStringLiteral("there/file"), "old");
+    ASSERT_TRUE(QFile::link(path(QStringLiteral("outside")), path(QStringLiteral("there/link"))));
+    const QStringList before = namesIn(path(QStringLiteral("there")));
+    for (const QString &from : {source, package}) {
+        for (const char *name : {"file", "folder", "link"}) {
+            ZQError error;
+            EXPECT_FALSE(zqCopyPlainly(from, path(QStringLiteral("there/") + QLatin1String(name)), &error)) << name;
+            EXPECT_EQ(error.code, EEXIST) << name;
+        }
+    }
+    EXPECT_EQ(namesIn(path(QStringLiteral("there"))), before);
+    EXPECT_EQ(read(path(QStringLiteral("there/file"))), "old");
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("outside"))));
+
+    ASSERT_TRUE(zqCopyPlainly(package, path(QStringLiteral("there/new"))));
+    EXPECT_EQ(read(path(QStringLiteral("there/new/part"))), "part");
+}
+
+TEST_F(PlainCopy, LeavesNothingBehindWhenItFails)
+{
+    const QString place = folder(QStringLiteral("place"));
+    const QString large = file(QStringLiteral("large"), QByteArray(3 << 20, 'x'));
+    const QString package = folder(QStringLiteral("package"));
+    file(QStringLiteral("package/large"), QByteArray(3 << 20, 'x'));
+    ASSERT_EQ(mkfifo(QFile::encodeName(path(QStringLiteral("pipe"))).constData(), 0600), 0);
+    ZQError error;
+    for (const QString &source : {large, package}) {
+        EXPECT_FALSE(zqCopyPlainly(source, place + QStringLiteral("/cancelled"), &error, [] { return true; }));
+        EXPECT_EQ(error.code, ECANCELED);
+        const FileSizeLimit limit(1 << 20);
+        EXPECT_FALSE(zqCopyPlainly(source, place + QStringLiteral("/too large"), &error));
+    }
+    EXPECT_FALSE(zqCopyPlainly(path(QStringLiteral("pipe")), place + QStringLiteral("/pipe"), &error));
+    EXPECT_FALSE(zqCopyPlainly(path(QStringLiteral("gone")), place + QStringLiteral("/gone"), &error));
+    EXPECT_EQ(error.code, ENOENT);
+    EXPECT_TRUE(namesIn(place).isEmpty()) << namesIn(place).join(u'|').toStdString();
+
+    const ScratchMount disk(place, 1 << 20);
+    if (!disk.isMounted()) {
+        return skipWithout("the right to mount a file system");
+    }
+    EXPECT_FALSE(zqCopyPlainly(large, place + QStringLiteral("/full"), &error));
+    EXPECT_EQ(error.code, ENOSPC);
+    EXPECT_TRUE(namesIn(place).isEmpty());
+}
