@@ -6,6 +6,7 @@
 #include "Kit/Files/ZQFreeName.h"
 #include "Kit/Foundation/ZQLog.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -34,7 +35,8 @@ public:
             m_names.insert(name);
             return asset.path;
         }
-        if (!file.isFile() || !makeFolder()) { // a folder cannot be linked
+        // A folder cannot be linked; and what is made while the application goes would stay.
+        if (!file.isFile() || QCoreApplication::closingDown() || !makeFolder()) {
             return asset.path;
         }
         const QString free = freeName(name);
@@ -136,7 +138,7 @@ QVariant AssetFiles::retrieveData(const QString &format, QMetaType type) const
 {
     if (format == imageType && m_picture) {
         if (!m_image) {
-            m_image = m_picture();
+            m_image = QCoreApplication::closingDown() ? QImage() : m_picture(); // nobody decodes by then
         }
         return *m_image;
     }
