@@ -137,6 +137,7 @@ void printResult(const ExportRequest &request, const ExportResult &result, Comma
         context.printJSON(QJsonObject{{QStringLiteral("written"), QJsonArray::fromStringList(result.written)},
                                       {QStringLiteral("count"), result.count},
                                       {QStringLiteral("missing"), arrayOf(result.missing)},
+                                      {QStringLiteral("incomplete"), arrayOf(result.incomplete)},
                                       {QStringLiteral("failed"), arrayOf(result.failed)},
                                       {QStringLiteral("cancelled"), result.isCancelled}});
         return;
@@ -151,6 +152,9 @@ void printResult(const ExportRequest &request, const ExportResult &result, Comma
     }
     for (const ExportResult::Problem &problem : result.missing) {
         context.print(zqFormat(zqLocalized("missing: %@: %@"), {problem.title, problem.reason}));
+    }
+    for (const ExportResult::Problem &problem : result.incomplete) {
+        context.print(zqFormat(zqLocalized("exported in part: %@: %@"), {problem.title, problem.reason}));
     }
     for (const ExportResult::Problem &problem : result.failed) {
         context.print(zqFormat(zqLocalized("not exported: %@: %@"), {problem.title, problem.reason}));

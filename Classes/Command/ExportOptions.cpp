@@ -85,5 +85,5 @@ void CommandLine::defineExport()
                      "{title}")
         ->type_name("PATTERN");
     command->add_flag("--zip", options->numbers.zip, "Write one archive instead, Archive.zip");
-    command->add_flag("--json", m_json, "Print one object: written, count, missing, failed, cancelled");
+    command->add_flag("--json", m_json, "Print one object: written, count, missing, incomplete, failed, cancelled");
 }

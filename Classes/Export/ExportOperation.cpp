@@ -15,6 +15,7 @@
 #include "Kit/Persistence/ZQManagedObjectContext.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <cerrno>
 
@@ -68,25 +69,24 @@ void ExportOperation::run()
         }
     }
     TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(0, this); // copies take along what is on its way
-    std::vector<ExportSource> sources;
     {
         ZQManagedObjectContext context(m_coordinator);
-        sources = ExportSource::sources(m_request, context);
+        m_sources = ExportSource::sources(m_request, context);
     }
     if (isCancelled()) {
         return;
     }
-    exportAll(sources);
+    exportAll();
     if (m_request.archive && !isCancelled() && m_result.refusal.isNull()) {
         zip();
     }
 }
 
-void ExportOperation::exportAll(const std::vector<ExportSource> &sources)
+void ExportOperation::exportAll()
 {
     QList<ExportNames::Source> named;
-    named.reserve(qsizetype(sources.size()));
-    for (const ExportSource &source : sources) {
+    named.reserve(qsizetype(m_sources.size()));
+    for (const ExportSource &source : m_sources) {
         named.append(source.name(m_request));
         if (!source.hasFile()) {
             m_result.missing.append({source.title, source.bundleID,
@@ -102,15 +102,15 @@ void ExportOperation::exportAll(const std::vector<ExportSource> &sources)
         ExportReport::tellOfMissing(names.missing);
     }
     ExportWriter writer(m_request, folder, m_progress.get());
-    m_outcomes = writer.write(sources, names.paths, *this);
+    m_outcomes = writer.write(m_sources, names.paths, *this);
     m_result.refusal = writer.refusal();
-    takeOutcomes(sources);
+    takeOutcomes();
     if (m_request.fileFormat && !m_request.archive) {
         TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(0, this); // who hears of the end finds them there
     }
 }
 
-void ExportOperation::takeOutcomes(const std::vector<ExportSource> &sources)
+void ExportOperation::takeOutcomes()
 {
     for (std::size_t i = 0; i < m_outcomes.size(); ++i) {
         const ExportOutcome &outcome = m_outcomes[i];
@@ -119,13 +119,17 @@ void ExportOperation::takeOutcomes(const std::vector<ExportSource> &sources)
             if (!m_request.archive) {
                 m_result.written.append(outcome.path);
             }
-        } else if (!outcome.reason.isEmpty() && sources[i].hasFile()) { // else it is among the missing
-            m_result.failed.append({sources[i].title, sources[i].bundleID, outcome.reason});
+            if (outcome.isIncomplete) {
+                m_result.incomplete.append({m_sources[i].title, m_sources[i].bundleID,
+                                            zqLocalized("Its file ends too early: the rest of the picture is empty.")});
+            }
+        } else if (!outcome.reason.isEmpty() && m_sources[i].hasFile()) { // else it is among the missing
+            m_result.failed.append({m_sources[i].title, m_sources[i].bundleID, outcome.reason});
         }
     }
 }
 
-void ExportOperation::zip()
+QList<ZQZipMember> ExportOperation::members() const
 {
     QList<ZQZipMember> members;
     for (const ExportOutcome &outcome : m_outcomes) {
@@ -133,35 +137,55 @@ void ExportOperation::zip()
             members.append({outcome.content, outcome.name()});
         }
     }
-    if (members.isEmpty()) {
-        return;
-    }
-    const auto willAdd = [this](qsizetype) {
-        if (m_progress) {
+    return members;
+}
+
+void ExportOperation::zip()
+{
+    constexpr int attempts = 5; // others may take the name, or a file away, while the archive is being written
+    qsizetype added = 0;
+    const auto willAdd = [this, &added](qsizetype index) {
+        if (m_progress && index >= added) {
+            added = index + 1;
             m_progress->advanceBy(1);
         }
         return !isCancelled();
     };
-    constexpr int attempts = 5; // others may take the name while the archive is being written
     ZQError error;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
+    for (int attempt = 0; attempt < attempts && m_result.count > 0; ++attempt) {
         const QString path = ExportNames::archiveName(m_request.destinationURL);
         error = {};
-        if (zqWriteZip(members, path, willAdd, &error)) {
+        if (zqWriteZip(members(), path, willAdd, &error)) {
             m_result.written = {path};
             return;
         }
-        if (error.domain != ZQError::posixDomain || error.code != EEXIST) {
+        const bool isTaken = error.domain == ZQError::posixDomain && error.code == EEXIST;
+        if (isCancelled() || (!isTaken && !leaveOutUnreadable())) {
             break;
         }
     }
-    m_result.count = 0;
-    if (!isCancelled()) {
-        m_result.refusal = ExportReport::refusalAfterError(m_request.destinationURL, error);
-        if (m_result.refusal.isNull()) {
-            m_result.refusal = error.localizedDescription();
+    if (m_result.count > 0 && !isCancelled()) {
+        const QString refusal = ExportReport::refusalAfterError(m_request.destinationURL, error);
+        m_result.refusal = refusal.isNull() ? error.localizedDescription() : refusal;
+    }
+}
+
+// Files as they are go into the archive from the library, where they may have gone since they were looked at.
+bool ExportOperation::leaveOutUnreadable()
+{
+    bool isAny = false;
+    for (std::size_t i = 0; i < m_outcomes.size(); ++i) {
+        ExportOutcome &outcome = m_outcomes[i];
+        if (!outcome.path.isEmpty() && !QFileInfo(outcome.content).isReadable()) {
+            outcome.path.clear();
+            --m_result.count;
+            m_result.failed.append({m_sources[i].title, m_sources[i].bundleID,
+                                    zqLocalized("Its file went, or could not be read any more. Look where it is, and "
+                                                "export it again.")});
+            isAny = true;
         }
     }
+    return isAny;
 }
 
 void ExportOperation::finish()

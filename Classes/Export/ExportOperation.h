@@ -12,6 +12,7 @@
 class UserInteraction;
 class UserProgress;
 class ZQPersistentStoreCoordinator;
+struct ZQZipMember;
 
 // One export: reads the items in a context of its own, names them, and has an ExportWriter copy or convert several at
 // once. With an archive they go into a temporary folder first, which is gone at every end, and from there, or from the
@@ -40,9 +41,11 @@ public:
 
 private:
     void run();
-    void exportAll(const std::vector<ExportSource> &sources);
-    void takeOutcomes(const std::vector<ExportSource> &sources);
+    void exportAll();
+    void takeOutcomes();
     void zip();
+    QList<ZQZipMember> members() const; // of the archive
+    bool leaveOutUnreadable();          // whether there were any
     void finish();
     void announceEnd();
 
@@ -51,7 +54,8 @@ private:
     UserInteraction &m_user;
     std::shared_ptr<UserProgress> m_progress;
     QString m_temporaryFolder; // empty without an archive
-    std::vector<ExportOutcome> m_outcomes;
+    std::vector<ExportSource> m_sources;
+    std::vector<ExportOutcome> m_outcomes; // of the sources
     ExportResult m_result;
     bool m_hasStarted = false;
     ZQOperation::Token m_stateObserver;

@@ -71,6 +71,12 @@ void ExportReport::tell(const ExportRequest &request, const ExportResult &result
         onUser([error](UserInteraction &user) { user.presentError(error); });
     } else if (!result.failed.isEmpty() && !result.isCancelled) {
         notify(failureText(result));
+    } else if (!result.incomplete.isEmpty() && !result.isCancelled) {
+        const ExportResult::Problem &first = result.incomplete.first();
+        notify(zqFormat(result.incomplete.size() == 1
+                            ? zqLocalized("Of “%@” only a part was exported. %@")
+                            : zqLocalized("Of some pictures, “%@” for one, only a part was exported. %@"),
+                        {first.title, first.reason}));
     }
 }
 

@@ -37,11 +37,12 @@ struct ExportResult
         QString bundleID; // empty when the library has no such item any more
         QString reason;   // localized, and says what to do
     };
-    QStringList written;    // paths below the destination, in the order of the items; of an archive: its path alone
-    qsizetype count = 0;    // of the items in them
-    QList<Problem> missing; // their file is not there; a thumbnail may have been written in its place, and counted
-    QList<Problem> failed;  // whatever else kept one from being written
-    QString refusal;        // why it ended before it was done, a full disk for instance; null otherwise
+    QStringList written;       // paths below the destination, in the order of the items; of an archive: its path alone
+    qsizetype count = 0;       // of the items in them
+    QList<Problem> missing;    // their file is not there; a thumbnail may have been written in its place, and counted
+    QList<Problem> failed;     // whatever else kept one from being written
+    QList<Problem> incomplete; // written, but their file holds only a part of the picture
+    QString refusal;           // why it ended before it was done, a full disk for instance; null otherwise
     bool isCancelled = false;
 
     bool isComplete() const { return missing.isEmpty() && failed.isEmpty() && refusal.isNull() && !isCancelled; }

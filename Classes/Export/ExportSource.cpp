@@ -28,24 +28,27 @@ ExportSource sourceWithFile(const ZQLibraryBaseItem &item, const QString &file)
 QList<ZQRef<ZQLibraryBaseItem>> ExportSource::itemsWithIDs(const QList<ZQObjectID> &ids,
                                                            ZQManagedObjectContext &context)
 {
+    QList<ZQRef<ZQManagedObject>> objects; // held while they are filled
+    objects.reserve(ids.size());
+    for (const ZQObjectID &id : ids) {
+        objects.append(context.objectWithID(id));
+    }
     context.fillFaults(ids);
     QList<ZQRef<ZQProjectItem>> memberships;
-    for (const ZQObjectID &id : ids) {
-        auto membership = zqCast<ZQProjectItem>(context.objectWithID(id));
-        if (membership && !membership->isFault()) {
+    for (ZQRef<ZQManagedObject> &object : objects) {
+        if (object && object->isFault()) {
+            object = {}; // it has no row
+        }
+        if (auto membership = zqCast<ZQProjectItem>(object)) {
             memberships.append(std::move(membership));
         }
     }
     const auto held = zqPrefetch(memberships, QStringLiteral("item"));
     QList<ZQRef<ZQLibraryBaseItem>> items;
-    items.reserve(ids.size());
-    for (const ZQObjectID &id : ids) {
-        const auto object = context.objectWithID(id);
+    items.reserve(objects.size());
+    for (const ZQRef<ZQManagedObject> &object : objects) {
         const auto membership = zqCast<ZQProjectItem>(object);
-        auto item = !membership             ? zqCast<ZQLibraryBaseItem>(object)
-                    : membership->isFault() ? ZQRef<ZQLibraryBaseItem>()
-                                            : membership->item();
-        items.append(item && !item->isFault() ? std::move(item) : ZQRef<ZQLibraryBaseItem>());
+        items.append(membership ? membership->item() : zqCast<ZQLibraryBaseItem>(object));
     }
     return items;
 }

@@ -83,9 +83,10 @@ ExportOutcome ExportWriter::copy(const ExportSource &source, const QString &path
         return {};
     }
     if (m_request.archive) { // which is made of the files themselves
-        return QFileInfo(source.file).isReadable()
-                   ? ExportOutcome{path, source.file, {}}
-                   : ExportOutcome{{}, {}, reasonOf(ZQError::posix(EACCES, source.file))};
+        const QFileInfo file(source.file);
+        // An archive keeps links as they are, and this one leads out of it.
+        return file.isReadable() ? ExportOutcome{path, file.isSymLink() ? file.canonicalFilePath() : source.file, {}}
+                                 : ExportOutcome{{}, {}, reasonOf(ZQError::posix(EACCES, source.file))};
     }
     return put(path, [&source](const QString &free, ZQError *error) {
         return zqCopyPlainly(source.file, free, error, [] { return ZQCancellation::isCurrentCancelled(); });
@@ -97,33 +98,39 @@ ExportOutcome ExportWriter::convert(const ExportSource &source, const QString &p
     if (source.picture.path.isEmpty()) {
         return {{}, {}, source.hasFile() ? zqLocalized("There is no picture of it. Export it as it is.") : QString()};
     }
-    const ExportOutcome outcome =
-        put(path, [&](const QString &free, ZQError *error) { return encode(source, free, error); });
+    bool isIncomplete = false;
+    ExportOutcome outcome = put(path, [&](const QString &free, ZQError *error) {
+        const auto image = encode(source, free, error);
+        isIncomplete = image && image->isIncomplete;
+        return image.has_value();
+    });
+    outcome.isIncomplete = isIncomplete;
     if (!outcome.path.isEmpty() && !m_request.archive) { // whose members carry no attributes
         ZQLibraryEnvironment::current().writeTagsToFile(outcome.path, source.tags);
     }
     return outcome;
 }
 
-bool ExportWriter::encode(const ExportSource &source, const QString &path, ZQError *error) const
+std::optional<ZQExportedImage> ExportWriter::encode(const ExportSource &source, const QString &path,
+                                                    ZQError *error) const
 {
     const ZQExportEncoding encoding{
         *m_request.fileFormat, m_request.imageQuality, {m_request.imageSizePercentage, m_request.imageSize}};
     const ZQExportRepresentation &picture = source.picture;
     if (picture.drawing != ZQExportRepresentation::Drawing::Page) {
         ZQError problem;
-        if (zqExportImageFile(picture.path, encoding, path, &problem)) {
-            return true;
+        if (const auto image = zqExportImageFile(picture.path, encoding, path, &problem)) {
+            return image;
         }
         const bool isOfPicture = problem.domain != ZQError::posixDomain;
         const bool mayBeDrawn = picture.drawing == ZQExportRepresentation::Drawing::PictureOrPreview && isOfPicture;
         if (!mayBeDrawn || ZQCancellation::isCurrentCancelled()) {
             zqSetError(error, problem);
-            return false;
+            return std::nullopt;
         }
     }
     const ZQBitmap drawn = picture.preview(error);
-    return !drawn.isNull() && zqExportBitmap(drawn, encoding, path, error);
+    return drawn.isNull() ? std::nullopt : zqExportBitmap(drawn, encoding, path, error);
 }
 
 ExportOutcome ExportWriter::put(const QString &path,

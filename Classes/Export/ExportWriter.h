@@ -8,12 +8,14 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class UserProgress;
 class ZQOperation;
 struct ExportRequest;
 struct ZQError;
+struct ZQExportedImage;
 
 // What became of one item.
 struct ExportOutcome
@@ -21,6 +23,7 @@ struct ExportOutcome
     QString path;    // of the file that is there now; empty when none is
     QString content; // where its bytes are: the same, or, for an archive of files as they are, the item's own file
     QString reason;  // why there is none: localized; null when nothing was to be written
+    bool isIncomplete = false; // only a part of the picture was in its file
 
     QString name() const { return path.mid(path.lastIndexOf(u'/') + 1); }
 };
@@ -45,7 +48,7 @@ private:
     ExportOutcome exportItem(const ExportSource &source, const QString &destinationURL);
     ExportOutcome copy(const ExportSource &source, const QString &path);
     ExportOutcome convert(const ExportSource &source, const QString &path);
-    bool encode(const ExportSource &source, const QString &path, ZQError *error) const;
+    std::optional<ZQExportedImage> encode(const ExportSource &source, const QString &path, ZQError *error) const;
     ExportOutcome put(const QString &path, const std::function<bool(const QString &path, ZQError *error)> &write);
     void refuse(const QString &reason);
     bool isRefused() const;

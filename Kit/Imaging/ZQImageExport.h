@@ -44,17 +44,19 @@ struct ZQExportEncoding
 struct ZQExportedImage
 {
     QSize pixelSize;
+    bool isIncomplete = false; // only a part of the picture was in its file; what is missing is empty
 };
 
 // "tif", "bmp", "gif", "jpg", "png", "jp2", "webp", "avif"; empty for a number that is no type.
 QString zqExtensionOfFileType(int fileType);
 bool zqCanEncode(int fileType);
 
-// Writes 8-bit sRGB, without metadata. The file is written beside `path` and takes that name only when it is whole and
-// on the disk, and never over a file that is there: that is an error of the domain "POSIX" with the code EEXIST, as a
-// full disk is one with ENOSPC. What is wrong with the picture is an error of the domain "zelto.imaging". Transparency
-// goes white where the type has none (JPEG, BMP); GIF keeps it as on or off. Of a picture that ends too early, what is there.
-// Any thread, several at once. ZQCancellation ends it early, without a file.
+// Writes 8-bit sRGB, untagged and without metadata. The file is written beside `path` and takes that name only when it
+// is whole, and never over a file that is there: that is an error of the domain "POSIX" with the code EEXIST, as a full
+// disk is one with ENOSPC. Nothing is flushed to disk: whoever needs that calls `zqSyncFileSystem` once for all files.
+// What is wrong with the picture is an error of the domain "zelto.imaging". Transparency goes white where the type has
+// none (JPEG, BMP); GIF keeps it as on or off. Of a picture that ends too early comes what is there. Any thread,
+// several at once. ZQCancellation ends it early, without a file.
 std::optional<ZQExportedImage> zqExportImageFile(const QString &source, const ZQExportEncoding &encoding,
                                                  const QString &path, ZQError *error = nullptr);
 // For a picture that is no file.

@@ -22,3 +22,5 @@ enum class ZQImagingErrorCode {
 
 // An error of the domain "zelto.imaging"; `reason` is a text a person understands.
 ZQError zqImagingError(ZQImagingErrorCode code, const QString &path, const QString &reason);
+// The same of a picture that was to be written in another format.
+ZQError zqExportError(ZQImagingErrorCode code, const QString &path, const QString &reason);

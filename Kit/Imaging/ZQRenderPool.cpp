@@ -24,6 +24,8 @@ constexpr int mostRequests = 5000;
 constexpr int mostTries = 8;
 // How often one that waits looks whether it still has to.
 constexpr std::chrono::milliseconds cancellationStep{100};
+// Some encoders (AVIF) take many times as long as the decoder of the same picture.
+constexpr int encodingTimeFactor = 4;
 
 struct OutcomeText
 {
@@ -75,6 +77,27 @@ ZQFileDescriptor openFile(const QString &path, ZQError *error)
         return ZQFileDescriptor();
     }
     return file;
+}
+
+// Fills `error` when the reply is none, or says that there can be none.
+bool isAnswered(const ZQRenderProcess::Reply &reply, const QString &path, ZQError *error)
+{
+    const bool isError = reply.outcome == Outcome::Answered && reply.answer.kind == ZQRenderAnswer::Kind::Error;
+    Outcome outcome = reply.outcome;
+    if (isError && reply.answer.code == ZQImagingErrorCode::TooMuchMemory) {
+        outcome = Outcome::TooMuchMemory; // noticed in time
+    } else if (isError && reply.answer.code == ZQImagingErrorCode::TookTooLong) {
+        outcome = Outcome::TookTooLong;
+    }
+    if (outcome == Outcome::Answered) {
+        return true;
+    }
+    const ZQError told = errorOfOutcome(outcome, path);
+    if (outcome != Outcome::Cancelled) {
+        qCWarning(zqLogImaging, "%s", qUtf8Printable(told.localizedDescription()));
+    }
+    zqSetError(error, told);
+    return false;
 }
 
 // Folders of workers whose application was killed.
@@ -278,18 +301,19 @@ void ZQRenderPool::drop(Idle idle)
     m_changed.notifyAll();
 }
 
-ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int file, QString *failure)
+ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int file, int output, QString *failure)
 {
+    const auto time = output >= 0 ? m_limits.time * encodingTimeFactor : m_limits.time;
     for (int i = 0; i < mostTries; ++i) {
         Idle idle;
         if (const Taken taken = take(idle, failure); taken != Taken::Worker) {
             return {taken == Taken::Cancelled ? Outcome::Cancelled : Outcome::Stopped, {}, {}, {}};
         }
-        if (!idle.process->send(request, file)) {
+        if (!idle.process->send(request, file, output)) {
             drop(std::move(idle));
             continue;
         }
-        ZQRenderProcess::Reply reply = idle.process->receive(request, m_limits.time);
+        ZQRenderProcess::Reply reply = idle.process->receive(request, time);
         if (reply.outcome == Outcome::Answered) {
             giveBack(std::move(idle));
         } else {
@@ -323,24 +347,14 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
         return {};
     }
     QString failure;
-    ZQRenderProcess::Reply reply =
-        ask({kind, box, frame, QFileInfo(path).fileName(), withProperties}, file.get(), &failure);
+    const ZQRenderProcess::Reply reply =
+        ask({kind, box, frame, QFileInfo(path).fileName(), withProperties}, file.get(), -1, &failure);
     if (!failure.isEmpty()) {
         zqSetError(error, zqImagingError(ZQImagingErrorCode::NoRenderer, path, failure));
         return {};
     }
     const bool isError = reply.answer.kind == ZQRenderAnswer::Kind::Error;
-    if (isError && reply.answer.code == ZQImagingErrorCode::TooMuchMemory) {
-        reply.outcome = Outcome::TooMuchMemory; // noticed in time
-    } else if (isError && reply.answer.code == ZQImagingErrorCode::TookTooLong) {
-        reply.outcome = Outcome::TookTooLong;
-    }
-    if (reply.outcome != Outcome::Answered) {
-        const ZQError told = errorOfOutcome(reply.outcome, path);
-        if (reply.outcome != Outcome::Cancelled) {
-            qCWarning(zqLogImaging, "%s", qUtf8Printable(told.localizedDescription()));
-        }
-        zqSetError(error, told);
+    if (!isAnswered(reply, path, error)) {
         return {};
     }
     const bool hasProperties =
@@ -357,4 +371,40 @@ ZQRenderPool::Result ZQRenderPool::perform(ZQRenderRequest::Kind kind, const QSt
     }
     zqSetError(error, zqImagingError(reply.answer.code, path, reply.answer.reason));
     return {properties, {}, {}};
+}
+
+std::optional<ZQExportedImage> ZQRenderPool::exportFile(const QString &path, const ZQExportEncoding &encoding,
+                                                        int output, ZQError *error)
+{
+    const ZQFileDescriptor file = openFile(path, error);
+    if (!file.isOpen()) {
+        return std::nullopt;
+    }
+    ZQRenderRequest request;
+    request.kind = ZQRenderRequest::Kind::Export;
+    request.name = QFileInfo(path).fileName();
+    request.encoding = encoding;
+    QString failure;
+    const ZQRenderProcess::Reply reply = ask(request, file.get(), output, &failure);
+    if (!failure.isEmpty()) {
+        zqSetError(error, zqExportError(ZQImagingErrorCode::NoRenderer, path, failure));
+        return std::nullopt;
+    }
+    if (!isAnswered(reply, path, error)) {
+        return std::nullopt;
+    }
+    if (reply.answer.kind == ZQRenderAnswer::Kind::CannotWrite) {
+        zqSetError(error, ZQError::posix(reply.answer.systemError, path));
+        return std::nullopt;
+    }
+    if (reply.answer.kind == ZQRenderAnswer::Kind::Error) {
+        zqSetError(error, zqExportError(reply.answer.code, path, reply.answer.reason));
+        return std::nullopt;
+    }
+    struct stat written = {};
+    if (::fstat(output, &written) != 0 || written.st_size == 0) { // whatever the worker says
+        zqSetError(error, errorOfOutcome(Outcome::TalkedNonsense, path));
+        return std::nullopt;
+    }
+    return ZQExportedImage{reply.answer.size, reply.answer.isIncomplete};
 }

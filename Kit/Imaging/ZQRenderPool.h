@@ -33,6 +33,12 @@ public:
     Result perform(ZQRenderRequest::Kind kind, const QString &path, QSize box, int frame, ZQError *error,
                    bool withProperties = false);
 
+    // Has a worker write the picture into `output`, a file open for reading and writing, in another format. Nothing and
+    // an error when that fails, as above; what is in `output` is of no use then. May take several times as long as
+    // drawing.
+    std::optional<ZQExportedImage> exportFile(const QString &path, const ZQExportEncoding &encoding, int output,
+                                              ZQError *error);
+
     // Starts the first worker, in the background.
     void prepare();
     // Ends all workers; requests from now on fail.
@@ -56,7 +62,7 @@ private:
     void keep();
     void startOne() ZQ_REQUIRES(m_mutex);
     std::vector<Process> takeExpired() ZQ_REQUIRES(m_mutex);
-    ZQRenderProcess::Reply ask(const ZQRenderRequest &request, int file, QString *failure);
+    ZQRenderProcess::Reply ask(const ZQRenderRequest &request, int file, int output, QString *failure);
     ZQBitmap askThumbnailer(const QString &path, QSize box, int file);
 
     const ZQRenderLimits m_limits;

@@ -125,7 +125,7 @@ QByteArray makeFolder()
 }
 
 // What the answer has to bring, unless it is an error.
-enum class Content { Properties, Pixels, Bytes };
+enum class Content { Properties, Pixels, Bytes, Nothing };
 
 Content contentOf(ZQRenderAnswer::Kind kind)
 {
@@ -135,6 +135,8 @@ Content contentOf(ZQRenderAnswer::Kind kind)
         return Content::Pixels;
     case ZQRenderAnswer::Kind::BytesInFile:
         return Content::Bytes;
+    case ZQRenderAnswer::Kind::Exported:
+        return Content::Nothing;
     default:
         return Content::Properties;
     }
@@ -147,6 +149,8 @@ Content contentFor(ZQRenderRequest::Kind kind)
         return Content::Properties;
     case ZQRenderRequest::Kind::EmbeddedPicture:
         return Content::Bytes;
+    case ZQRenderRequest::Kind::Export:
+        return Content::Nothing;
     default:
         return Content::Pixels;
     }
@@ -318,10 +322,10 @@ ZQRenderProcess::~ZQRenderProcess()
     }
 }
 
-bool ZQRenderProcess::send(const ZQRenderRequest &request, int file)
+bool ZQRenderProcess::send(const ZQRenderRequest &request, int file, int output)
 {
     // The rules allow the folder that was there at the start, not another one of its name.
-    return ::access(m_folder.constData(), W_OK) == 0 && zqSendMessage(m_socket.get(), zqEncode(request), file);
+    return ::access(m_folder.constData(), W_OK) == 0 && zqSendMessage(m_socket.get(), zqEncode(request), file, output);
 }
 
 void ZQRenderProcess::waitUntilReady(std::chrono::milliseconds time) const
@@ -401,12 +405,16 @@ bool ZQRenderProcess::takeContent(const ZQRenderRequest &request, const ZQFileDe
     if (reply.answer.kind == ZQRenderAnswer::Kind::Error) {
         return true;
     }
+    if (reply.answer.kind == ZQRenderAnswer::Kind::CannotWrite) {
+        return request.kind == ZQRenderRequest::Kind::Export;
+    }
     const Content content = contentOf(reply.answer.kind);
     if (content != contentFor(request.kind)) {
         return false;
     }
     switch (content) {
     case Content::Properties:
+    case Content::Nothing: // it is in the file that was handed over
         return true;
     case Content::Bytes:
         reply.bytes = bytesOfSealedFile(descriptor.get());

@@ -39,9 +39,9 @@ public:
     // Waits until the worker is ready for its first request, or has ended.
     void waitUntilReady(std::chrono::milliseconds time) const;
 
-    // Hands over a request and the file. False when the worker had ended before it could know of the file, or when its
-    // folder is gone: the temporary area is cleaned by others, too.
-    bool send(const ZQRenderRequest &request, int file);
+    // Hands over a request, the file, and for an export the one that is written into. False when the worker had ended
+    // before it could know of the file, or when its folder is gone: the temporary area is cleaned by others, too.
+    bool send(const ZQRenderRequest &request, int file, int output = -1);
 
     enum class Outcome { Answered, Stopped, TalkedNonsense, TookTooLong, TooMuchMemory, Cancelled };
     struct Reply

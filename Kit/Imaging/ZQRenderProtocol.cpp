@@ -10,16 +10,19 @@ namespace {
 
 constexpr quint32 requestMark = 0x5a515251;
 constexpr quint32 answerMark = 0x5a515241;
+constexpr size_t mostDescriptors = 2;
 constexpr qsizetype longestText = 4096;
 constexpr qint32 mostKeywords = 1000;
 constexpr qsizetype mostDurations = 5000;
 constexpr int highestResolution = 1'000'000; // dots per inch
 constexpr int longestDuration = 3600'000;    // milliseconds
+constexpr int highestSystemError = 4095;
 
 class Writer
 {
 public:
     void number(qint32 value) { m_bytes.append(reinterpret_cast<const char *>(&value), sizeof value); }
+    void real(double value) { m_bytes.append(reinterpret_cast<const char *>(&value), sizeof value); }
     void text(const QString &value)
     {
         const QByteArray utf8 = value.toUtf8().left(longestText);
@@ -39,17 +42,8 @@ class Reader
 public:
     explicit Reader(const QByteArray &bytes) : m_bytes(bytes) {}
 
-    qint32 number()
-    {
-        qint32 value = 0;
-        if (m_at + qsizetype(sizeof value) > m_bytes.size()) {
-            m_failed = true;
-            return 0;
-        }
-        std::memcpy(&value, m_bytes.constData() + m_at, sizeof value);
-        m_at += qsizetype(sizeof value);
-        return value;
-    }
+    qint32 number() { return value<qint32>(); }
+    double real() { return value<double>(); }
 
     // One line, whatever was sent.
     QString line()
@@ -74,6 +68,19 @@ public:
     bool isComplete() const { return !m_failed && m_at == m_bytes.size(); }
 
 private:
+    template <class Value>
+    Value value()
+    {
+        Value out = 0;
+        if (m_at + qsizetype(sizeof out) > m_bytes.size()) {
+            m_failed = true;
+            return 0;
+        }
+        std::memcpy(&out, m_bytes.constData() + m_at, sizeof out);
+        m_at += qsizetype(sizeof out);
+        return out;
+    }
+
     const QByteArray &m_bytes;
     qsizetype m_at = 0;
     bool m_failed = false;
@@ -144,6 +151,36 @@ bool arePlausible(const ZQImageProperties &properties)
            properties.frameCount > 0 && models.contains(properties.colorModel);
 }
 
+void writeEncoding(Writer &writer, const ZQExportEncoding &encoding)
+{
+    const ZQExportSize &size = encoding.size;
+    for (const int value : {encoding.fileType, int(encoding.quality.has_value()), encoding.quality.value_or(0),
+                            int(size.percentage.has_value()), int(size.size.has_value())}) {
+        writer.number(value);
+    }
+    for (const double value :
+         {size.percentage.value_or(0), size.size.value_or(QSizeF()).width(), size.size.value_or(QSizeF()).height()}) {
+        writer.real(value);
+    }
+}
+
+ZQExportEncoding readEncoding(Reader &reader)
+{
+    ZQExportEncoding out;
+    out.fileType = reader.number();
+    const bool hasQuality = reader.number() != 0;
+    const int quality = reader.number();
+    const bool hasPercentage = reader.number() != 0;
+    const bool hasSize = reader.number() != 0;
+    const double percentage = reader.real();
+    const double width = reader.real();
+    const double height = reader.real();
+    out.quality = hasQuality ? std::optional(quality) : std::nullopt;
+    out.size.percentage = hasPercentage ? std::optional(percentage) : std::nullopt;
+    out.size.size = hasSize ? std::optional(QSizeF(width, height)) : std::nullopt;
+    return out;
+}
+
 bool isPossibleSize(QSize size)
 {
     return size.width() > 0 && size.height() > 0 && size.width() <= zqRenderMaximumPixels / size.height();
@@ -164,7 +201,10 @@ bool isPossible(const ZQRenderAnswer &answer)
         return isPossibleSize(answer.size) &&
                qsizetype(answer.size.width()) * answer.size.height() * 4 <= zqRenderAreaBytes;
     case Kind::PixelsInFile:
+    case Kind::Exported:
         return isPossibleSize(answer.size);
+    case Kind::CannotWrite:
+        return answer.systemError > 0 && answer.systemError <= highestSystemError;
     case Kind::BytesInFile:
         return true; // the file says how many
     case Kind::Error:
@@ -183,6 +223,9 @@ QByteArray zqEncode(const ZQRenderRequest &request)
         writer.number(value);
     }
     writer.text(request.name);
+    if (request.kind == ZQRenderRequest::Kind::Export) {
+        writeEncoding(writer, request.encoding);
+    }
     return writer.bytes();
 }
 
@@ -197,6 +240,9 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
     out.frame = reader.number();
     out.withProperties = reader.number() != 0;
     out.name = reader.text();
+    if (out.kind == ZQRenderRequest::Kind::Export) {
+        out.encoding = readEncoding(reader);
+    }
     return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;
 }
 
@@ -211,6 +257,9 @@ QByteArray zqEncode(const ZQRenderAnswer &answer)
     }
     writer.text(answer.reason);
     writeProperties(writer, answer.properties);
+    if (answer.kind == ZQRenderAnswer::Kind::CannotWrite) {
+        writer.number(answer.systemError);
+    }
     return writer.bytes();
 }
 
@@ -230,24 +279,29 @@ std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
     out.hasProperties = reader.number() != 0;
     out.reason = reader.line();
     out.properties = readProperties(reader);
+    if (out.kind == ZQRenderAnswer::Kind::CannotWrite) {
+        out.systemError = reader.number();
+    }
     return mark == answerMark && reader.isComplete() && isPossible(out) ? std::optional(out) : std::nullopt;
 }
 
-bool zqSendMessage(int socket, const QByteArray &message, int descriptor)
+bool zqSendMessage(int socket, const QByteArray &message, int descriptor, int second)
 {
     iovec part{const_cast<char *>(message.constData()), size_t(message.size())};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * mostDescriptors)> control{};
+    const std::array<int, mostDescriptors> descriptors{descriptor, second};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
     if (descriptor >= 0) {
         header.msg_control = control.data();
-        header.msg_controllen = control.size();
+        const size_t bytes = sizeof(int) * (second >= 0 ? 2 : 1);
+        header.msg_controllen = CMSG_SPACE(bytes);
         cmsghdr *const rights = CMSG_FIRSTHDR(&header);
         rights->cmsg_level = SOL_SOCKET;
         rights->cmsg_type = SCM_RIGHTS;
-        rights->cmsg_len = CMSG_LEN(sizeof(int));
-        std::memcpy(CMSG_DATA(rights), &descriptor, sizeof descriptor);
+        rights->cmsg_len = CMSG_LEN(bytes);
+        std::memcpy(CMSG_DATA(rights), descriptors.data(), bytes);
     }
     ssize_t sent = 0;
     do {
@@ -261,22 +315,22 @@ ZQRenderMessage zqReceiveMessage(int socket)
     ZQRenderMessage out;
     std::array<char, zqRenderMaximumMessage> bytes; // most messages are short
     iovec part{bytes.data(), bytes.size()};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * mostDescriptors)> control{};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
     header.msg_control = control.data();
-    header.msg_controllen = CMSG_LEN(sizeof(int)); // room for one: the system closes what does not fit
+    header.msg_controllen = CMSG_LEN(sizeof(int) * mostDescriptors); // the system closes what does not fit
     ssize_t got = 0;
     do {
         got = ::recvmsg(socket, &header, MSG_CMSG_CLOEXEC);
     } while (got < 0 && errno == EINTR);
     const cmsghdr *const rights = got >= 0 ? CMSG_FIRSTHDR(&header) : nullptr;
-    if (rights && rights->cmsg_level == SOL_SOCKET && rights->cmsg_type == SCM_RIGHTS &&
-        rights->cmsg_len == CMSG_LEN(sizeof(int))) {
-        int descriptor = -1;
-        std::memcpy(&descriptor, CMSG_DATA(rights), sizeof descriptor);
-        out.descriptor = ZQFileDescriptor(descriptor);
+    if (rights && rights->cmsg_level == SOL_SOCKET && rights->cmsg_type == SCM_RIGHTS) {
+        std::array<int, mostDescriptors> descriptors{-1, -1};
+        std::memcpy(descriptors.data(), CMSG_DATA(rights), qMin(rights->cmsg_len - CMSG_LEN(0), sizeof descriptors));
+        out.descriptor = ZQFileDescriptor(descriptors[0]);
+        out.second = ZQFileDescriptor(descriptors[1]);
     }
     const bool whole = got > 0 && !(header.msg_flags & MSG_TRUNC);
     out.bytes = whole ? QByteArray(bytes.data(), qsizetype(got)) : QByteArray();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Files/ZQSystemFile.h"
+#include "Kit/Imaging/ZQImageExport.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Imaging/ZQImagingError.h"
 
@@ -36,18 +37,19 @@ constexpr int zqRenderExitTookTooLong = 78;
 
 struct ZQRenderRequest
 {
-    enum class Kind { Properties, Bitmap, Preview, Thumbnailer, EmbeddedPicture };
+    enum class Kind { Properties, Bitmap, Preview, Thumbnailer, EmbeddedPicture, Export };
 
     Kind kind = Kind::Properties;
     QSize box; // invalid: full size
     int frame = 0;
-    QString name;                // of the file; its path for a thumbnailer
-    bool withProperties = false; // what the file says of itself comes with its picture, or with why there is none
+    QString name;                   // of the file; its path for a thumbnailer
+    bool withProperties = false;    // what the file says of itself comes with its picture, or with why there is none
+    ZQExportEncoding encoding = {}; // Export; the file that it is written into comes after the one that is read
 };
 
 struct ZQRenderAnswer
 {
-    enum class Kind { Hello, Properties, PixelsInArea, PixelsInFile, Error, BytesInFile };
+    enum class Kind { Hello, Properties, PixelsInArea, PixelsInFile, Error, BytesInFile, Exported, CannotWrite };
 
     Kind kind = Kind::Error;
     ZQImageProperties properties;
@@ -59,6 +61,7 @@ struct ZQRenderAnswer
     bool hasThumbnailer = false; // an error, but a thumbnailer knows the kind
     bool restrictsFiles = true;  // Hello: what the system let the worker give up
     bool restrictsCalls = true;
+    int systemError = 0; // CannotWrite: why the system refused
 };
 
 QByteArray zqEncode(const ZQRenderRequest &request);
@@ -67,12 +70,13 @@ QByteArray zqEncode(const ZQRenderAnswer &answer);
 // Nothing when the message is no answer, or one that cannot be true.
 std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message);
 
-// Sends a message, with a descriptor when one is given. False, with errno, when the other side is gone.
-bool zqSendMessage(int socket, const QByteArray &message, int descriptor = -1);
+// Sends a message, with the descriptors that are given. False, with errno, when the other side is gone.
+bool zqSendMessage(int socket, const QByteArray &message, int descriptor = -1, int second = -1);
 
 struct ZQRenderMessage
 {
     QByteArray bytes; // empty: the other side is gone
     ZQFileDescriptor descriptor;
+    ZQFileDescriptor second;
 };
 ZQRenderMessage zqReceiveMessage(int socket);

@@ -24,7 +24,8 @@ void checkReply(const ZQRenderRequest &request, const ZQRenderProcess::Reply &re
         check(reply.bitmap.isNull() && reply.bytes.isEmpty());
         return;
     }
-    const bool wantsPixels = request.kind != Kind::Properties && request.kind != Kind::EmbeddedPicture;
+    const bool wantsPixels =
+        request.kind != Kind::Properties && request.kind != Kind::EmbeddedPicture && request.kind != Kind::Export;
     check(wantsPixels != reply.bitmap.isNull());
     check((request.kind == Kind::EmbeddedPicture) != reply.bytes.isEmpty());
     if (wantsPixels && request.box.isValid()) {
@@ -56,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     using namespace std::chrono_literals;
     FuzzedInput input(data, size);
     ZQRenderRequest request;
-    request.kind = Kind(input.byte() % (int(Kind::EmbeddedPicture) + 1));
+    request.kind = Kind(input.byte() % (int(Kind::Export) + 1));
     request.box = input.byte() % 2 ? QSize(64, 64) : QSize();
     const QString path = fuzzedFolder().filePath(QStringLiteral("answers"));
     const QByteArray answers = input.rest();

@@ -83,23 +83,24 @@ struct Pass
 {
     VipsFailOn failOn;
     Profile profile;
+    VipsSize scaling = VIPS_SIZE_DOWN;
 };
 
-ZQBitmap thumbnailOfJPEG2000(VipsSource *source, int level, const ZQDecodeRequest &request, const Pass &pass)
+ZQVipsImage thumbnailOfJPEG2000(VipsSource *source, int level, const ZQDecodeRequest &request, const Pass &pass)
 {
     const ZQVipsImage image = openHeader(source, level, pass.failOn);
     const int width = request.isFullSize() ? unlimitedSide : request.box.width();
     const int height = request.isFullSize() ? unlimitedSide : request.box.height();
     const char *profile = pass.profile == Profile::Apply ? "srgb" : nullptr;
     VipsImage *out = nullptr;
-    const int failed = image ? vips_thumbnail_image(image.get(), &out, width, "height", height, "size", VIPS_SIZE_DOWN,
+    const int failed = image ? vips_thumbnail_image(image.get(), &out, width, "height", height, "size", pass.scaling,
                                                     profile ? "export_profile" : nullptr, profile, nullptr)
                              : -1;
-    const ZQVipsImage owned(out);
-    return failed ? ZQBitmap() : zqBitmapOfVips(out);
+    ZQVipsImage owned(out);
+    return failed ? nullptr : std::move(owned);
 }
 
-ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pass &pass)
+ZQVipsImage thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pass &pass)
 {
     const int width = request.isFullSize() ? unlimitedSide : request.box.width();
     const int height = request.isFullSize() ? unlimitedSide : request.box.height();
@@ -107,10 +108,10 @@ ZQBitmap thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pas
     const char *profile = pass.profile == Profile::Apply ? "srgb" : nullptr;
     VipsImage *out = nullptr;
     const int failed =
-        vips_thumbnail_source(source, &out, width, "height", height, "size", VIPS_SIZE_DOWN, "option_string",
+        vips_thumbnail_source(source, &out, width, "height", height, "size", pass.scaling, "option_string",
                               options.constData(), profile ? "export_profile" : nullptr, profile, nullptr);
-    const ZQVipsImage owned(out);
-    return failed ? ZQBitmap() : zqBitmapOfVips(out);
+    ZQVipsImage owned(out);
+    return failed ? nullptr : std::move(owned);
 }
 
 // A progressive JPEG holds the whole picture, coarsely, in its first scan: whether a part of that is there.
@@ -160,14 +161,21 @@ ZQSourceFile withRoomAfterEnd(const ZQSourceFile &file, VipsImage *header)
     return ZQSourceFile::ofBytes(device.readAll() + QByteArray(blockBytes, '\0'), file.name());
 }
 
-ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
+// Rows are computed when they are asked for.
+ZQVipsImage startPass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
     const ZQVipsSource source = zqVipsSource(request.file);
     if (!source) {
-        return {};
+        return nullptr;
     }
     return isJPEG2000(header) ? thumbnailOfJPEG2000(source.get(), levelFor(header, request), request, pass)
                               : thumbnail(source.get(), request, pass);
+}
+
+ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
+{
+    const ZQVipsImage image = startPass(header, request, pass);
+    return image ? zqBitmapOfVips(image.get()) : ZQBitmap();
 }
 
 int frameCount(VipsImage *header)
@@ -320,7 +328,7 @@ bool replace(ZQVipsImage &image, VipsImage *next, int failed)
     return failed == 0 && next;
 }
 
-bool convertToRGBA(ZQVipsImage &image)
+bool convertToSRGB(ZQVipsImage &image)
 {
     VipsImage *next = nullptr;
     if (image->Type != VIPS_INTERPRETATION_sRGB) {
@@ -335,19 +343,22 @@ bool convertToRGBA(ZQVipsImage &image)
             return false;
         }
     }
-    if (image->Bands == 3) {
-        const int failed = vips_addalpha(image.get(), &next, nullptr);
-        if (!replace(image, next, failed)) {
-            return false;
-        }
-    }
     if (image->Bands > 4) {
         const int failed = vips_extract_band(image.get(), &next, 0, "n", 4, nullptr);
         if (!replace(image, next, failed)) {
             return false;
         }
     }
-    return image->Bands == 4 && image->BandFmt == VIPS_FORMAT_UCHAR;
+    return (image->Bands == 3 || image->Bands == 4) && image->BandFmt == VIPS_FORMAT_UCHAR;
+}
+
+bool convertToRGBA(ZQVipsImage &image)
+{
+    if (!convertToSRGB(image)) {
+        return false;
+    }
+    VipsImage *next = nullptr;
+    return image->Bands == 4 || replace(image, next, vips_addalpha(image.get(), &next, nullptr));
 }
 
 void releaseImage(void *image)
@@ -371,6 +382,32 @@ ZQBitmap zqBitmapOfVips(VipsImage *image)
     VipsImage *const pixels = memory.release();
     return ZQBitmap(QImage(VIPS_IMAGE_ADDR(pixels, 0, 0), pixels->Xsize, pixels->Ysize,
                            qsizetype(VIPS_IMAGE_SIZEOF_LINE(pixels)), QImage::Format_RGBA8888, releaseImage, pixels));
+}
+
+ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::optional<QSize>(QSize upright)> &sizeOf,
+                             QSize *size)
+{
+    zqEnterVips();
+    const ZQVipsSource source = zqVipsSource(file);
+    const ZQVipsImage header = source ? openHeader(source.get()) : nullptr;
+    if (!header) {
+        return nullptr;
+    }
+    const bool isTurned = !isJPEG2000(header.get()) && vips_image_get_orientation_swap(header.get());
+    const QSize stored(header->Xsize, header->Ysize);
+    const QSize upright = isTurned ? stored.transposed() : stored;
+    const std::optional<QSize> wanted = sizeOf(upright);
+    const ZQDecodeRequest request{file, wanted.value_or(QSize())};
+    if (!checkSize(request, header.get(), nullptr)) {
+        return nullptr;
+    }
+    const bool hasProfile = vips_image_get_typeof(header.get(), VIPS_META_ICC_NAME) != 0;
+    const Pass pass{VIPS_FAIL_ON_TRUNCATED, hasProfile ? Profile::Apply : Profile::Ignore,
+                    wanted ? VIPS_SIZE_FORCE : VIPS_SIZE_DOWN};
+    ZQVipsImage image = startPass(header.get(), request, pass);
+    *size = wanted.value_or(upright);
+    const bool isRight = image && convertToSRGB(image) && QSize(image->Xsize, image->Ysize) == *size;
+    return isRight ? std::move(image) : nullptr;
 }
 
 namespace {

@@ -3,6 +3,8 @@
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/ZQVips.h"
 
+#include <functional>
+
 using ZQVipsSource = std::unique_ptr<VipsSource, ZQVipsUnref>;
 
 // Null when the file cannot be read. Reads from the beginning.
@@ -14,5 +16,10 @@ ZQBitmap zqPartOfWebP(const ZQDecodeRequest &request);
 // What can be drawn of a JPEG 2000 picture that is damaged or ends too early: coarse where details are missing, nothing
 // where a tile is. Null when too little is there, or when it would take more than the samples of a picture in memory.
 ZQBitmap zqPartOfJPEG2000(const ZQDecodeRequest &request);
+// The whole picture of a file of zqVipsDecoder's formats: upright, in sRGB of 8 bits, with alpha or without, of the
+// size that `sizeOf` wants for its upright size (nothing: as it is), which is stored in `size`. Rows are computed as
+// they are asked for, which fails where the file is damaged. Null when it is no such file, or needs more care.
+ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::optional<QSize>(QSize upright)> &sizeOf,
+                             QSize *size);
 // Runs the pipeline behind `image`: converted to sRGB, 8 bits and alpha. Null when a row fails.
 ZQBitmap zqBitmapOfVips(VipsImage *image);

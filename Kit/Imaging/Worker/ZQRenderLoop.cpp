@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/Decoders/ZQChildProcess.h"
+#include "Kit/Imaging/Decoders/ZQExporting.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
 #include "Kit/Imaging/Worker/ZQArchiveLoop.h"
@@ -73,6 +74,7 @@ public:
         for (;;) {
             ZQRenderMessage message = zqReceiveMessage(ZQRenderDescriptor::socket);
             const std::optional<ZQRenderRequest> request = zqDecodeRequestMessage(message.bytes);
+            m_output = std::move(message.second);
             if (!request || !answer(*request, ZQSourceFile(std::move(message.descriptor), request->name))) {
                 return;
             }
@@ -100,6 +102,9 @@ private:
             out.properties = *properties;
             return send(out);
         }
+        if (request.kind == ZQRenderRequest::Kind::Export) {
+            return sendExported(request, file);
+        }
         if (request.withProperties) {
             ZQError error; // the picture may be readable all the same
             m_properties = zqPropertiesOfFile(file, &error);
@@ -124,6 +129,26 @@ private:
         return send(out, copy.get());
     }
 
+    bool sendExported(const ZQRenderRequest &request, const ZQSourceFile &file)
+    {
+        ZQError error;
+        const auto exported = zqExportFile(file, request.encoding, m_output.get(), &error);
+        m_output = ZQFileDescriptor(); // whoever made it may expect that nobody else writes to it
+        ZQRenderAnswer out;
+        if (exported) {
+            out.kind = ZQRenderAnswer::Kind::Exported;
+            out.size = exported->pixelSize;
+            out.isIncomplete = exported->isIncomplete;
+            return send(out);
+        }
+        if (error.domain == ZQError::posixDomain) {
+            out.kind = ZQRenderAnswer::Kind::CannotWrite;
+            out.systemError = error.code;
+            return send(out);
+        }
+        return sendError(error, false);
+    }
+
     static ZQBitmap draw(const ZQRenderRequest &request, const ZQSourceFile &file, ZQError *error)
     {
         using Kind = ZQRenderRequest::Kind;
@@ -135,6 +160,7 @@ private:
         case Kind::Bitmap:
         case Kind::Properties:
         case Kind::EmbeddedPicture:
+        case Kind::Export:
             break;
         }
         return zqDecodeFile({file, request.box, request.frame, false, zqPaperOfName(request.name)}, error);
@@ -199,6 +225,7 @@ private:
     const ZQRenderLoopOptions m_options;
     const QString m_refusal; // empty: files are read
     uchar *m_area;
+    ZQFileDescriptor m_output;                     // of the request at hand, when it exports
     std::optional<ZQImageProperties> m_properties; // that come with the answer at hand
 };
 
@@ -214,6 +241,7 @@ int zqRunRenderLoop(int argc, char *argv[], const ZQRenderLoopOptions &options)
         return EXIT_FAILURE; // the other side ended before it could take this one along
     }
     std::signal(SIGTTOU, SIG_IGN); // a log line is no reason to stop
+    std::signal(SIGXFSZ, SIG_IGN); // a file that gets too large fails to be written, which can be said
     const bool forThumbnailer = std::strcmp(argv[4], "thumbnailer") == 0;
     const bool forArchives = std::strcmp(argv[4], "archives") == 0;
     const ZQRenderRestrictions restrictions =

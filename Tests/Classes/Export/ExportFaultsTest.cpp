@@ -176,3 +176,33 @@ TEST_F(ExportFaultsTest, APictureThatCannotBeReadCostsItselfAndIsTold)
     run({.items = items, .fileFormat = PNG, .tellsPerson = false});
     EXPECT_TRUE(user.notifications.isEmpty()) << "whoever asked says it";
 }
+
+TEST_F(ExportFaultsTest, AFileThatGoesWhileTheArchiveIsWrittenCostsItself)
+{
+    const QList<ZQObjectID> items = importImages(4);
+    const QString going = item(items[3])->itemURL();
+    user.onStep = [&](int step, const auto &) {
+        if (step == 5) { // all were looked at
+            QFile::remove(going);
+        }
+    };
+    const auto result = run({.items = items, .archive = true});
+    EXPECT_EQ(written(), QStringList{QStringLiteral("Archive.zip")});
+    EXPECT_EQ(result.count, 3);
+    ASSERT_EQ(result.failed.size(), 1);
+    EXPECT_EQ(result.failed[0].title, QStringLiteral("p4"));
+    EXPECT_TRUE(result.refusal.isNull());
+}
+
+TEST_F(ExportFaultsTest, APictureThatEndsTooEarlyGoesOutAsFarAsItGoesAndIsTold)
+{
+    const QList<ZQObjectID> items = importNoise(2);
+    QFile file(item(items[0])->itemURL());
+    ASSERT_TRUE(file.resize(file.size() / 2));
+    const auto result = run({.items = items, .fileFormat = JPEG});
+    EXPECT_EQ(written().size(), 2);
+    ASSERT_EQ(result.incomplete.size(), 1);
+    EXPECT_EQ(result.incomplete[0].title, QStringLiteral("n1"));
+    ASSERT_EQ(user.notifications.size(), 1);
+    EXPECT_TRUE(user.notifications[0].text.contains(QStringLiteral("n1")));
+}

@@ -94,9 +94,10 @@ TEST_F(RenderPoolTest, AWorkerThatFailsCostsItsOwnRequestOnly)
     ZQRenderPool pool({.time = 30s, .processes = 1});
     const QString good = picture();
     ASSERT_TRUE(draws(pool, good));
-    for (const char *row : {"crash.png", "leave.png", "garbage.png", "lie-short.png", "lie-long.png",
-                            "lie-unsealed.png", "lie-half-sealed.png", "lie-box.png", "lie-tall.png", "lie-huge.png",
-                            "lie-negative.png", "lie-area.png", "greet.png", "lie-kind.png", "bytes.png"}) {
+    for (const char *row :
+         {"crash.png", "leave.png", "garbage.png", "lie-short.png", "lie-long.png", "lie-unsealed.png",
+          "lie-half-sealed.png", "lie-box.png", "lie-tall.png", "lie-huge.png", "lie-negative.png", "lie-area.png",
+          "greet.png", "lie-kind.png", "lie-exported.png", "bytes.png"}) {
         SCOPED_TRACE(row);
         ZQError error;
         const QString bad = fileNamed(QLatin1String(row), "x");

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -102,6 +103,29 @@ TEST(RenderProtocolTest, ARequestComesOverWhole)
     EXPECT_EQ(zqDecodeRequestMessage(zqEncode(longest))->name.size(), 4096);
     longest.name += u'n';
     EXPECT_EQ(zqDecodeRequestMessage(zqEncode(longest))->name.size(), 4096);
+}
+
+TEST(RenderProtocolTest, WhatIsToBeExportedComesOverWhole)
+{
+    ZQRenderRequest request;
+    request.kind = ZQRenderRequest::Kind::Export;
+    for (const ZQExportEncoding &encoding :
+         {ZQExportEncoding{AVIF, 70, {12.5, {}}}, ZQExportEncoding{TIFF, {}, {{}, QSizeF(800, 0)}},
+          ZQExportEncoding{PNG, {}, {}}}) {
+        request.encoding = encoding;
+        const auto found = zqDecodeRequestMessage(zqEncode(request));
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->encoding.fileType, encoding.fileType);
+        EXPECT_EQ(found->encoding.quality, encoding.quality);
+        EXPECT_EQ(found->encoding.size.percentage, encoding.size.percentage);
+        EXPECT_EQ(found->encoding.size.size, encoding.size.size);
+        expectOnlyWhole(zqEncode(request), zqDecodeRequestMessage);
+    }
+    ZQRenderAnswer answer = someAnswer();
+    answer.kind = ZQRenderAnswer::Kind::CannotWrite;
+    answer.systemError = ENOSPC;
+    EXPECT_EQ(zqDecodeAnswerMessage(zqEncode(answer))->systemError, ENOSPC);
+    expectOnlyWhole(zqEncode(answer), zqDecodeAnswerMessage);
 }
 
 TEST(RenderProtocolTest, AnAnswerComesOverWhole)
@@ -265,7 +289,26 @@ TEST(RenderProtocolTest, AnAnswerThatCannotBeTrueIsNone)
                      a.code = ZQImagingErrorCode::NoRenderer;
                  },
                  false},
-             Row{"an unknown kind", [](ZQRenderAnswer &a) { a.kind = Kind(6); }, false},
+             Row{"an export of no size",
+                 [](ZQRenderAnswer &a) {
+                     a.kind = Kind::Exported;
+                     a.size = {0, 5};
+                 },
+                 false},
+             Row{"the system's last error",
+                 [](ZQRenderAnswer &a) {
+                     a.kind = Kind::CannotWrite;
+                     a.systemError = 4095;
+                 },
+                 true},
+             Row{"more than the system has",
+                 [](ZQRenderAnswer &a) {
+                     a.kind = Kind::CannotWrite;
+                     a.systemError = 4096;
+                 },
+                 false},
+             Row{"no error of the system", [](ZQRenderAnswer &a) { a.kind = Kind::CannotWrite; }, false},
+             Row{"an unknown kind", [](ZQRenderAnswer &a) { a.kind = Kind(8); }, false},
          }) {
         ZQRenderAnswer answer = someAnswer();
         row.change(answer);
@@ -273,7 +316,7 @@ TEST(RenderProtocolTest, AnAnswerThatCannotBeTrueIsNone)
     }
 }
 
-TEST(RenderProtocolTest, MessagesStayApartAndBringOneDescriptor)
+TEST(RenderProtocolTest, MessagesStayApartAndBringTheirDescriptors)
 {
     Sockets sockets;
     const QByteArray longest(zqRenderMaximumMessage, 'm');
@@ -288,8 +331,17 @@ TEST(RenderProtocolTest, MessagesStayApartAndBringOneDescriptor)
     const ZQRenderMessage second = zqReceiveMessage(sockets.ends[1]);
     EXPECT_EQ(second.bytes, "without");
     EXPECT_FALSE(second.descriptor.isOpen());
+    EXPECT_FALSE(first.second.isOpen());
     EXPECT_EQ(zqReceiveMessage(sockets.ends[1]).bytes, longest);
     EXPECT_TRUE(zqReceiveMessage(sockets.ends[1]).bytes.isEmpty()) << "cut";
+    ASSERT_TRUE(zqSendMessage(sockets.ends[0], "two", STDIN_FILENO, STDERR_FILENO));
+    const ZQRenderMessage two = zqReceiveMessage(sockets.ends[1]);
+    struct stat sent = {};
+    struct stat received = {};
+    EXPECT_TRUE(two.descriptor.isOpen());
+    ASSERT_EQ(::fstat(STDERR_FILENO, &sent), 0);
+    ASSERT_EQ(::fstat(two.second.get(), &received), 0);
+    EXPECT_EQ(received.st_ino, sent.st_ino);
     ::shutdown(sockets.ends[0], SHUT_RDWR);
     errno = EINTR; // left behind by an earlier call
     EXPECT_TRUE(zqReceiveMessage(sockets.ends[1]).bytes.isEmpty());

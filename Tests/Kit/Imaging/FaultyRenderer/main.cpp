@@ -164,6 +164,15 @@ void lieAboutArea()
     send(answer);
 }
 
+// Of which nothing was written.
+void claimExport()
+{
+    ZQRenderAnswer answer;
+    answer.kind = ZQRenderAnswer::Kind::Exported;
+    answer.size = QSize(10, 10);
+    send(answer);
+}
+
 void answerAnotherQuestion()
 {
     ZQRenderAnswer answer;
@@ -245,6 +254,7 @@ const QHash<QString, Fault> faults{
     {QStringLiteral("lie-properties"), [](const ZQSourceFile &file) { lieAboutProperties(contentOf(file)); }},
     {QStringLiteral("greet"), [](const ZQSourceFile &) { greetForever(); }},
     {QStringLiteral("lie-area"), [](const ZQSourceFile &) { lieAboutArea(); }},
+    {QStringLiteral("lie-exported"), [](const ZQSourceFile &) { claimExport(); }},
     {QStringLiteral("lie-kind"), [](const ZQSourceFile &) { answerAnotherQuestion(); }},
     {QStringLiteral("read-other"), [](const ZQSourceFile &file) { report(opens(file, O_RDONLY)); }},
     {QStringLiteral("write-other"), [](const ZQSourceFile &file) { report(opens(file, O_WRONLY | O_CREAT)); }},

@@ -1,0 +1,56 @@
+#include "Kit/Files/ZQNewFile.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+
+#include <QFile>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+std::optional<ZQNewFile> ZQNewFile::make(const QString &path, ZQError *error)
+{
+    const auto name = zqSystemPath(path, error);
+    if (!name) {
+        return std::nullopt;
+    }
+    ZQNewFile out;
+    out.m_path = path;
+    const QByteArray temporary = zqTemporaryNameBeside(*name);
+    out.m_file = ZQFileDescriptor(::open(temporary.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!out.m_file.isOpen()) {
+        zqFailWithErrno(error, *name);
+        return std::nullopt;
+    }
+    out.m_temporary = temporary;
+    return out;
+}
+
+ZQNewFile::ZQNewFile(ZQNewFile &&other) noexcept
+    : m_path(std::move(other.m_path)), m_temporary(std::exchange(other.m_temporary, {})),
+      m_file(std::move(other.m_file))
+{
+}
+
+ZQNewFile::~ZQNewFile()
+{
+    if (!m_temporary.isEmpty()) {
+        ::unlink(m_temporary.constData());
+    }
+}
+
+bool ZQNewFile::place(ZQError *error)
+{
+    if (!m_file.close()) {
+        zqSetError(error, ZQError::posix(errno, m_path));
+        return false;
+    }
+    ZQError failure;
+    if (!zqMoveNoReplace(QFile::decodeName(m_temporary), m_path, &failure)) {
+        zqSetError(error, ZQError::posix(failure.code, m_path)); // nobody knows the other name
+        return false;
+    }
+    m_temporary.clear();
+    return true;
+}
