@@ -2,8 +2,8 @@
 
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Export/ExportNames.h"
-#include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQPlainCopy.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QCoreApplication>
@@ -21,6 +21,7 @@ namespace {
 const QString uriList = QStringLiteral("text/uri-list");
 const QString imageType = QStringLiteral("application/x-qt-image");
 constexpr qint64 mostToCopy = qint64(64) << 20; // bytes of one drag; that much takes less than half a second
+constexpr int mostCopiesFirst = 200;
 
 // Gives files names in a folder that is made for the first of them.
 class NamedFiles
@@ -73,15 +74,24 @@ private:
         return !m_isRefused;
     }
 
-    // A copy cannot change the library's file, whatever the other program does with it.
+    // A copy is best: whatever the other program does with it, the library's file stays. Of many, links are made at
+    // once where the folder is on the same file system.
     bool give(const QFileInfo &file, const QString &path)
     {
-        if (m_copied + file.size() <= mostToCopy && zqCopyFile(file.filePath(), path)) {
-            m_copied += file.size();
-            return true;
-        }
-        return ::link(QFile::encodeName(file.canonicalFilePath()).constData(), QFile::encodeName(path).constData()) ==
-               0;
+        return (m_given++ < mostCopiesFirst && copy(file, path)) || link(file, path) || copy(file, path);
+    }
+
+    bool copy(const QFileInfo &file, const QString &path)
+    {
+        const bool mayCopy = m_copied + file.size() <= mostToCopy && zqCopyPlainly(file.filePath(), path);
+        m_copied += mayCopy ? file.size() : 0;
+        return mayCopy;
+    }
+
+    static bool link(const QFileInfo &file, const QString &path)
+    {
+        const QByteArray source = QFile::encodeName(file.canonicalFilePath());
+        return ::link(source.constData(), QFile::encodeName(path).constData()) == 0;
     }
 
     QString m_folder;
@@ -89,6 +99,7 @@ private:
     QSet<QString> m_names;
     QHash<QString, int> m_numbers;
     qint64 m_copied = 0;
+    int m_given = 0;
 };
 
 } // namespace
