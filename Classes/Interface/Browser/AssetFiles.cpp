@@ -2,10 +2,11 @@
 
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Export/ExportNames.h"
-#include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQPlainCopy.h"
 #include "Kit/Foundation/ZQLog.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -20,6 +21,7 @@ namespace {
 const QString uriList = QStringLiteral("text/uri-list");
 const QString imageType = QStringLiteral("application/x-qt-image");
 constexpr qint64 mostToCopy = qint64(64) << 20; // bytes of one drag; that much takes less than half a second
+constexpr int mostCopiesFirst = 200;
 
 // Gives files names in a folder that is made for the first of them.
 class NamedFiles
@@ -34,7 +36,8 @@ public:
             m_names.insert(name);
             return asset.path;
         }
-        if (!file.isFile() || !makeFolder()) { // a folder cannot be linked
+        // A folder cannot be linked; and what is made while the application goes would stay.
+        if (!file.isFile() || QCoreApplication::closingDown() || !makeFolder()) {
             return asset.path;
         }
         const QString free = freeName(name);
@@ -71,15 +74,24 @@ private:
         return !m_isRefused;
     }
 
-    // A copy cannot change the library's file, whatever the other program does with it.
+    // A copy is best: whatever the other program does with it, the library's file stays. Of many, links are made at
+    // once where the folder is on the same file system.
     bool give(const QFileInfo &file, const QString &path)
     {
-        if (m_copied + file.size() <= mostToCopy && zqCopyFile(file.filePath(), path)) {
-            m_copied += file.size();
-            return true;
-        }
-        return ::link(QFile::encodeName(file.canonicalFilePath()).constData(), QFile::encodeName(path).constData()) ==
-               0;
+        return (m_given++ < mostCopiesFirst && copy(file, path)) || link(file, path) || copy(file, path);
+    }
+
+    bool copy(const QFileInfo &file, const QString &path)
+    {
+        const bool mayCopy = m_copied + file.size() <= mostToCopy && zqCopyPlainly(file.filePath(), path);
+        m_copied += mayCopy ? file.size() : 0;
+        return mayCopy;
+    }
+
+    static bool link(const QFileInfo &file, const QString &path)
+    {
+        const QByteArray source = QFile::encodeName(file.canonicalFilePath());
+        return ::link(source.constData(), QFile::encodeName(path).constData()) == 0;
     }
 
     QString m_folder;
@@ -87,6 +99,7 @@ private:
     QSet<QString> m_names;
     QHash<QString, int> m_numbers;
     qint64 m_copied = 0;
+    int m_given = 0;
 };
 
 } // namespace
@@ -136,7 +149,7 @@ QVariant AssetFiles::retrieveData(const QString &format, QMetaType type) const
 {
     if (format == imageType && m_picture) {
         if (!m_image) {
-            m_image = m_picture();
+            m_image = QCoreApplication::closingDown() ? QImage() : m_picture(); // nobody decodes by then
         }
         return *m_image;
     }

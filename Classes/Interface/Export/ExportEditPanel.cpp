@@ -63,6 +63,8 @@ QComboBox *ExportEditPanel::makeMenu(const QString &name, const QList<std::pair<
 {
     auto *menu = new QComboBox(this);
     menu->setAccessibleName(name);
+    menu->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon); // the panel can be narrow
+    menu->setMinimumContentsLength(4);
     for (const auto &[text, tag] : entries) {
         menu->addItem(text, tag);
     }
@@ -105,6 +107,7 @@ void ExportEditPanel::makeRows()
     numbers->addWidget(m_first);
     numbers->addWidget(m_second);
     m_quality->setRange(1, 100);
+    m_quality->setButtonSymbols(QSpinBox::NoButtons);
     m_quality->setSuffix(QStringLiteral(" %"));
     m_quality->setAccessibleName(zqLocalized("Quality"));
     m_pattern->setAccessibleName(zqLocalized("File names"));
@@ -128,7 +131,10 @@ void ExportEditPanel::makeRows()
     addRow(zqLocalized("File names"), m_pattern);
     m_rows->addRow(m_problem);
     m_rows->addRow(m_archive);
+    m_archive->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    m_archive->setToolTip(m_archive->text());
     auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
     auto *cancel = new QPushButton(zqLocalized("Cancel"), this);
     auto *save = new QPushButton(zqLocalized("Save"), this);
     save->setProperty("primary", true);

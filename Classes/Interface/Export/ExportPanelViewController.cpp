@@ -15,10 +15,10 @@
 
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QSet>
+#include <QShortcut>
 #include <QToolButton>
 
 #include <utility>
@@ -42,6 +42,9 @@ ExportPanelViewController::ExportPanelViewController(WindowContext &window, Brow
     connect(m_edit, &ExportEditPanel::saveRequested, this, &ExportPanelViewController::save);
     connect(m_edit, &ExportEditPanel::cancelRequested, this, [this] { setEditing(false); });
     connect(&browser, &BrowserViewController::selectionChanged, this, &ExportPanelViewController::refresh);
+    auto *escape = new QShortcut(QKeySequence::Cancel, this);
+    escape->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(escape, &QShortcut::activated, this, &ExportPanelViewController::cancelOperation);
     setEditing(false);
     refresh();
 }
@@ -229,32 +232,12 @@ void ExportPanelViewController::showMenu(const QString &identifier, const QPoint
     menu.exec(globalPoint);
 }
 
-bool ExportPanelViewController::event(QEvent *event)
+// The edit panel first, when it is open.
+void ExportPanelViewController::cancelOperation()
 {
-    // Else the window's Esc would take it.
-    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Cancel)) {
-        event->accept();
-        return true;
+    if (isEditing()) {
+        setEditing(false);
+    } else {
+        Q_EMIT closeRequested();
     }
-    return QScrollArea::event(event);
-}
-
-void ExportPanelViewController::keyPressEvent(QKeyEvent *event)
-{
-    if (event->matches(QKeySequence::Cancel)) {
-        if (!cancelOperation()) {
-            Q_EMIT closeRequested();
-        }
-        return;
-    }
-    QScrollArea::keyPressEvent(event);
-}
-
-bool ExportPanelViewController::cancelOperation()
-{
-    if (!isEditing()) {
-        return false;
-    }
-    setEditing(false);
-    return true;
 }

@@ -39,11 +39,7 @@ public:
     void addTo(QMenu &menu);
 
 Q_SIGNALS:
-    void closeRequested(); // Esc
-
-protected:
-    void keyPressEvent(QKeyEvent *event) override;
-    bool event(QEvent *event) override;
+    void closeRequested(); // by Esc
 
 private:
     void makePage();
@@ -54,7 +50,7 @@ private:
     void showMenu(const QString &identifier, const QPoint &globalPoint);
     void edit(const ExportItem *like); // null: a plain one
     void save();
-    bool cancelOperation(); // false: there is nothing to cancel but the panel
+    void cancelOperation();
 
     WindowContext &m_window;
     BrowserViewController &m_browser;

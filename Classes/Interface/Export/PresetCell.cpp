@@ -39,7 +39,7 @@ void PresetCell::setEditing(bool isEditing)
 
 const QImage &PresetCell::icon()
 {
-    const qreal scale = devicePixelRatioF() / PresetIcon::dragScale;
+    const qreal scale = devicePixelRatioF() * PresetIcon::shownSize.width() / PresetIcon::size.width();
     if (m_icon.isNull() || !qFuzzyCompare(m_icon.devicePixelRatio(), scale)) {
         m_icon = PresetIcon::dragImage(m_preset, scale);
     }
@@ -70,11 +70,13 @@ void PresetCell::paintEvent(QPaintEvent * /*event*/)
 
 bool PresetCell::event(QEvent *event)
 {
-    // The window's Del would take the items that are selected.
-    if (event->type() == QEvent::ShortcutOverride && m_isEditing &&
-        static_cast<QKeyEvent *>(event)->matches(QKeySequence::Delete)) {
-        event->accept();
-        return true;
+    // The window's Del would take the items that are selected, with a preset in the focus.
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto *const key = static_cast<QKeyEvent *>(event);
+        if (key->key() == Qt::Key_Delete && key->modifiers() == Qt::NoModifier) {
+            event->accept();
+            return true;
+        }
     }
     return QAbstractButton::event(event);
 }

@@ -38,7 +38,7 @@ void PresetDrag::run(PresetDrag *mime, const QImage &icon, QWidget *source)
     auto *drag = new QDrag(source);
     drag->setMimeData(mime);
     drag->setPixmap(QPixmap::fromImage(icon));
-    drag->setHotSpot({PresetIcon::shownSize.width() / 2, PresetIcon::shownSize.height() / 2});
+    drag->setHotSpot({PresetIcon::dragSize.width() / 2, PresetIcon::dragSize.height() / 2});
     mime->m_drag = drag;
     drag->installEventFilter(mime);
     qApp->installEventFilter(mime);

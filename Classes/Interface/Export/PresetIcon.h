@@ -10,8 +10,9 @@ struct ExportItem;
 namespace PresetIcon {
 
 constexpr QSize size{126, 126};    // of the base images
-constexpr double dragScale = 1.5;  // under the pointer and in the panel it is that much smaller
-constexpr QSize shownSize{84, 84}; // `size` over `dragScale`
+constexpr double dragScale = 1.5;  // under the pointer it is that much smaller
+constexpr QSize dragSize{84, 84};  // `size` over `dragScale`
+constexpr QSize shownSize{96, 96}; // in the panel, where its labels are to be read
 
 // With `scale` pixels for each point of `size`. A colour without a base image gives the labels alone.
 QImage dragImage(const ExportItem &preset, qreal scale = 1);

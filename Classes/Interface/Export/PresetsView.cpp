@@ -188,7 +188,7 @@ void PresetsView::startMove(const QString &identifier)
     QImage icon = PresetIcon::dragImage(m_presets.items()[index], scale);
     icon.setDevicePixelRatio(devicePixelRatioF());
     drag->setPixmap(QPixmap::fromImage(icon));
-    drag->setHotSpot({PresetIcon::shownSize.width() / 2, PresetIcon::shownSize.height() / 2});
+    drag->setHotSpot({PresetIcon::dragSize.width() / 2, PresetIcon::dragSize.height() / 2});
     drag->exec(Qt::MoveAction);
     m_moved.clear();
 }

@@ -127,7 +127,7 @@ TEST_F(ExportPanelTest, ThePaneShowsOneOfBothPanels)
     select({QStringLiteral("red")});
     named<QToolButton>("Edit presets")->click();
     ASSERT_TRUE(panel().isEditing());
-    panel().editPanel().firstField().setFocus();
+    EXPECT_TRUE(panel().editPanel().formatMenu().hasFocus());
     press(Qt::Key_Escape);
     EXPECT_FALSE(panel().isEditing());
     EXPECT_TRUE(isPanelOpen());

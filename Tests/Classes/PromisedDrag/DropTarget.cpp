@@ -119,11 +119,12 @@ void DropTarget::didHear(const xcb_client_message_event_t &message)
         send("XdndStatus", accepts, atom("XdndActionCopy"));
         ++m_positions;
     } else if (message.type == atom("XdndDrop")) {
-        drop();
+        drop(message.data.data32[2]);
     }
 }
 
-void DropTarget::drop()
+// With the time of the drop, by which the source knows which of its drags is meant.
+void DropTarget::drop(xcb_timestamp_t time)
 {
     const char *format = list;
     if (!m_folder.isEmpty()) {
@@ -133,8 +134,7 @@ void DropTarget::drop()
         xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_source, atom(directSave), atom("text/plain"), 8,
                             uint32_t(address.size()), address.constData());
     }
-    xcb_convert_selection(m_connection, m_window, atom("XdndSelection"), atom(format), atom("ANSWER"),
-                          XCB_CURRENT_TIME);
+    xcb_convert_selection(m_connection, m_window, atom("XdndSelection"), atom(format), atom("ANSWER"), time);
     xcb_flush(m_connection);
 }
 

@@ -34,7 +34,7 @@ private:
     void makeWindow();
     void handle(const xcb_generic_event_t &event);
     void didHear(const xcb_client_message_event_t &message);
-    void drop();
+    void drop(xcb_timestamp_t time);
     void finish(const xcb_selection_notify_event_t &notify);
     void send(const char *message, uint32_t b, uint32_t e = 0) const;
     QByteArray property(xcb_window_t window, const char *name) const;
