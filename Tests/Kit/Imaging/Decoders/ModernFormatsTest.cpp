@@ -9,6 +9,7 @@
 #include <QBuffer>
 #include <QColorSpace>
 #include <QFile>
+#include <QTransform>
 
 namespace {
 
