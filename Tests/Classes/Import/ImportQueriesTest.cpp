@@ -1,4 +1,5 @@
 #include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportSettings.h"
 #include "Classes/Import/PasteboardFiles.h"
@@ -62,6 +63,9 @@ TEST_F(ImportQueriesTest, TodaysFormatsAreTakenAsLongAsThePersonWantsThem)
             const QString file = writeFile(QStringLiteral("files/a.") + extension, "x");
             EXPECT_EQ(ImportQueries::fileAtPathIsSupported(file), isWanted) << qPrintable(extension);
             EXPECT_EQ(importableExtensions().contains(extension), isWanted) << qPrintable(extension);
+            const bool isExplained =
+                unsupportedFile(file).reason.contains(QStringLiteral("preferences")) || extension == u"sketch";
+            EXPECT_TRUE(isWanted || isExplained) << qPrintable(extension);
         }
         EXPECT_TRUE(ImportQueries::fileAtPathIsSupported(package));
         EXPECT_TRUE(ImportQueries::fileAtPathIsSupported(writeFile(QStringLiteral("files/a.png"), "x")));
