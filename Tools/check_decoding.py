@@ -34,6 +34,7 @@ DECODES = [
     r"vips_(image_new_from_(file|buffer|source)|thumbnail)\w*",
     r"Exiv2::",
     r"LibRaw::|libraw_",
+    r"JxlDecoder\w*|heif_(context_read|decode)\w*",
     r"gdk_pixbuf_|g_object_new_rsvg|rsvg_|poppler_",
     r"(jpeg|png|TIFF|WebP|opj|gif)_?(read|Read|Open|Decode|GetInfo|DGif)\w*",
 ]

@@ -63,6 +63,13 @@ DroppedFile unsupportedFile(const QString &path)
                           "It is a document of a newer Sketch, which cannot be imported. Export it from Sketch as PNG, "
                           "SVG or PDF and import that.")};
     }
+    const ImportKind *modern = importKindForPath(path, ModernImages::Always);
+    if (modern && modern->takesFiles()) {
+        return {path,
+                zqLocalized("Files of this kind are not taken, as the preferences say. Have them taken there (Import), "
+                            "or convert it to PNG or JPEG."),
+                DroppedFile::Telling::Quietly};
+    }
     return {path, zqLocalized("Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first."),
             DroppedFile::Telling::Quietly};
 }

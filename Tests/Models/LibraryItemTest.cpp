@@ -155,6 +155,15 @@ TEST_F(LibraryItem, ASketchDocumentIsAsLargeAsItsPackage)
     library.writeFile(base + QStringLiteral("QuickLook/Preview.png"), QByteArray(5, 'x'));
     EXPECT_EQ(item->byteSize(), 15);
     EXPECT_EQ(item->detailItemURL(), library.path(base + QStringLiteral("QuickLook/Preview.png")));
+
+    auto single = context.insertNewObject<ZQLibrarySketch>();
+    single->setBundleID(QStringLiteral("C"));
+    single->setTitle(QStringLiteral("one"));
+    single->setOriginalExtension(QStringLiteral("sketch"));
+    const QString file =
+        library.writeFile(QStringLiteral("Zelto.ztlibrary/Library/C.ztlibraryitem/one.sketch"), QByteArray(12, 'x'));
+    EXPECT_EQ(single->byteSize(), 12);
+    EXPECT_EQ(single->detailItemURL(), file);
 }
 
 TEST_F(LibraryItem, TakesTagsAndCommentFromItsFileAndGivesThemBack)

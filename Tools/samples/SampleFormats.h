@@ -33,9 +33,9 @@ bool writeAnimatedWebP(const QList<QImage> &frames, const QString &path); // fra
 
 struct ModernOptions
 {
-    int bits = 8;        // 8, 10 or 12; JPEG XL: 8 or 16
-    QByteArray profile;  // ICC; empty: none
-    QByteArray metadata; // EXIF; empty: none
+    int bits = 8;             // HEIC: 8 or 10; AVIF: 8; JPEG XL: 8 or 16
+    QByteArray profile = {};  // ICC; empty: none
+    QByteArray metadata = {}; // EXIF; empty: none
 };
 bool writeHEIC(const QImage &image, const QString &path, const ModernOptions &options = {});
 bool writeAVIF(const QImage &image, const QString &path, const ModernOptions &options = {});

@@ -195,7 +195,8 @@ private:
             JxlDecoderSkipFrames(codec.get(), size_t(request.frame));
         }
         const bool isDeep = m_info.bits_per_sample > 8 || m_info.exponent_bits_per_sample > 0;
-        m_format = {m_info.num_color_channels == 1 ? 2U : 4U, isDeep ? JXL_TYPE_UINT16 : JXL_TYPE_UINT8,
+        const uint32_t colors = m_info.num_color_channels == 1 ? 1 : 3;
+        m_format = {colors + (m_info.alpha_bits > 0 ? 1U : 0U), isDeep ? JXL_TYPE_UINT16 : JXL_TYPE_UINT8,
                     JXL_NATIVE_ENDIAN, 0};
         return true;
     }
@@ -217,7 +218,7 @@ private:
     VipsInterpretation interpretation() const
     {
         const bool isDeep = m_format.data_type == JXL_TYPE_UINT16;
-        if (m_format.num_channels == 2) {
+        if (m_format.num_channels < 3) {
             return isDeep ? VIPS_INTERPRETATION_GREY16 : VIPS_INTERPRETATION_B_W;
         }
         return isDeep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;

@@ -1,10 +1,14 @@
 #include "Classes/Import/ImportedFile.h"
 #include "Classes/Import/KindImportOperations.h"
 #include "Kit/Files/ZQPropertyList.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Models/DataModel/ZQLibrarySketch.h"
 #include "Tests/Classes/Import/ImportFixture.h"
+#include "Tools/samples/SampleArchives.h"
 #include "Tools/samples/SampleFormats.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -156,8 +160,32 @@ TEST_F(DocumentKindsTest, ASnapThatIsDamagedOrReachesOutIsRefusedWithAReason)
     }
 }
 
-TEST_F(DocumentKindsTest, ASketchPackageIsTakenWholeAndASingleFileIsExplained)
+TEST_F(DocumentKindsTest, ASketchFileBecomesAnItemWithItsPreviewAndOneWithoutIsExplained)
 {
+    QFile picture(writeImage(QStringLiteral("p.png"), {1200, 800}));
+    ASSERT_TRUE(picture.open(QIODevice::ReadOnly));
+    const QByteArray content =
+        SampleArchives::zipFile({{"document.json", "{}"}, {"previews/preview.png", picture.readAll()}});
+    const QString good = writeFile(QStringLiteral("Page.sketch"), content);
+    const QString bad = writeFile(QStringLiteral("Bare.sketch"), SampleArchives::zipFile({{"document.json", "{}"}}));
+    const auto operation = import({good, bad});
+    const auto made = item(QStringLiteral("Page"));
+    ASSERT_TRUE(made);
+    EXPECT_NE(dynamic_cast<ZQLibrarySketch *>(made.get()), nullptr);
+    EXPECT_EQ(made->SHA1().toLatin1(), QCryptographicHash::hash(content, QCryptographicHash::Sha1).toHex());
+    EXPECT_EQ(made->byteSize(), content.size());
+    EXPECT_EQ(made->detailItemURL(), made->itemURL());
+    EXPECT_EQ(made->exportImageRep().size(), QSize(1200, 800));
+    EXPECT_EQ(QImage(made->thumbURL()).size(), QSize(512, 341));
+    EXPECT_TRUE(tagTitles(*made).contains(QStringLiteral("vector")));
+    EXPECT_EQ(droppedPaths(operation->report()), QStringList{bad});
+    EXPECT_TRUE(operation->report().dropped().first().reason.contains(QStringLiteral("holds no preview")));
+    EXPECT_EQ(itemDirectories().size(), 1);
+}
+
+TEST_F(DocumentKindsTest, ASketchPackageIsTakenWholeAndASingleFileIsExplainedWhereItIsNotWanted)
+{
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(false, QStringLiteral("ImportModernImages"));
     writeImage(QStringLiteral("Old.sketch/QuickLook/Preview.png"), {60, 40});
     writeFile(QStringLiteral("Old.sketch/Data"), "data");
     const QString file = writeFile(QStringLiteral("In/New.Sketch"), "PK\3\4");
@@ -178,6 +206,7 @@ TEST_F(DocumentKindsTest, ASketchPackageIsTakenWholeAndASingleFileIsExplained)
     }
     const auto made = item(QStringLiteral("Old"));
     ASSERT_TRUE(made);
+    ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("ImportModernImages"));
     EXPECT_TRUE(QFileInfo(made->itemURL() + QStringLiteral("/Data")).isFile());
     EXPECT_TRUE(tagTitles(*made).contains(QStringLiteral("vector")));
 }

@@ -201,11 +201,11 @@ TEST_F(ImportFeedbackTest, ADialogueOffersWhatIsTakenAndNothingElse)
         EXPECT_TRUE(ImportQueries::fileAtPathIsSupported(path(QStringLiteral("file.") + extension)))
             << extension.toStdString();
     }
-    for (const char *extension :
-         {"png", "jpg", "psd", "ai", "svg", "pdf", "zip", "rar", "tga", "acorn", "pxm", "nef"}) {
+    for (const char *extension : {"png", "jpg", "psd", "ai", "svg", "pdf", "zip", "rar", "tga", "acorn", "pxm", "nef",
+                                  "webp", "heic", "avif", "jxl", "sketch"}) {
         EXPECT_TRUE(offered.contains(QLatin1StringView(extension))) << extension;
     }
-    for (const char *extension : {"eps", "sketch", "snap", "webp", "txt"}) {
+    for (const char *extension : {"eps", "snap", "txt"}) {
         EXPECT_FALSE(offered.contains(QLatin1StringView(extension))) << extension;
     }
 }

@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
+#include <QTransform>
 
 #include <atomic>
 #include <sys/stat.h>
@@ -108,6 +109,38 @@ TEST_F(ImportFiles, APictureIsMeasuredAsItIsShown)
     EXPECT_EQ(droppedPaths(operation->report()), QStringList{lying});
     EXPECT_TRUE(operation->report().dropped().first().reason.contains(QStringLiteral("is damaged or incomplete")))
         << operation->report().dropped().first().reason.toStdString();
+}
+
+TEST_F(ImportFiles, TodaysFormatsAreMeasuredAsTheyAreShownAndKeepTheirDates)
+{
+    const QImage scene = SampleScenes::asymmetricScene({90, 60});
+    const QString phone = path(QStringLiteral("phone.heic"));
+    ASSERT_TRUE(SampleFormats::writeHEIC(scene.transformed(QTransform().rotate(90)), phone));
+    QFile stored(phone);
+    ASSERT_TRUE(stored.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(SampleFormats::writeBytes(SampleFormats::turnedHEIF(stored.readAll(), 1), phone));
+    const QStringList names{QStringLiteral("phone.heic"), QStringLiteral("web.avif"), QStringLiteral("new.jxl"),
+                            QStringLiteral("moving.webp")};
+    ASSERT_TRUE(SampleFormats::writeAVIF(scene, path(names.at(1))));
+    ASSERT_TRUE(SampleFormats::writeJPEGXL(scene, path(names.at(2))));
+    ASSERT_TRUE(SampleFormats::writeAnimatedWebP({scene, scene.mirrored()}, path(names.at(3))));
+    const QDateTime taken(QDate(2021, 5, 6), QTime(7, 8, 9), Qt::UTC);
+    for (const QString &name : names) {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.setFileTime(taken, QFileDevice::FileModificationTime));
+        file.close();
+        import({path(name)});
+        const auto made = item(QFileInfo(name).completeBaseName());
+        ASSERT_TRUE(made) << name.toStdString();
+        EXPECT_EQ(QSize(made->pixelWidth(), made->pixelHeight()), QSize(90, 60)) << name.toStdString();
+        EXPECT_EQ(made->modification_date(), taken) << name.toStdString();
+        EXPECT_EQ(made->extension(), QFileInfo(name).suffix());
+        EXPECT_EQ(made->animated(), name == u"moving.webp");
+        const QImage shown = QImage(made->thumbURL()).convertToFormat(QImage::Format_RGB32);
+        ASSERT_EQ(shown.size(), QSize(90, 60)) << name.toStdString();
+        EXPECT_GT(shown.pixelColor(9, 6).red(), 180) << "the corner that is red upright: " << name.toStdString();
+        EXPECT_GT(shown.pixelColor(9, 54).blue(), 180) << name.toStdString();
+    }
 }
 
 TEST_F(ImportFiles, KeywordsAreTakenOnceAndOnlyWhenThatIsWanted)

@@ -1,4 +1,5 @@
 #include "Classes/Import/ImportQueries.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportSettings.h"
 #include "Classes/Import/PasteboardFiles.h"
@@ -34,10 +35,12 @@ TEST_F(ImportQueriesTest, WhatCanBeImportedFollowsFromTheNameAndWhetherItIsAFold
                           {"a.svg", true, false},         {"a.psd", true, false},      {"a.ai", true, false},
                           {"drawing.eps", false, false},  {"a.tga", true, false},      {"a.pxm", true, false},
                           {"a.pxim", true, false},        {"a.acorn", true, false},    {"a.ACORN", true, false},
-                          {"design.sketch", false, true}, {"a.snap", false, true},     {"a.cr2", true, false},
+                          {"design.sketch", true, true},  {"a.snap", false, true},     {"a.cr2", true, false},
                           {"a.nef", true, false},         {"a.dng", true, false},      {"a.pdf", true, false},
                           {"bundle.zip", true, false},    {"bundle.RAR", true, false}, {"a.txt", false, false},
-                          {"png", false, false},          {"a.", false, false}}) {
+                          {"png", false, false},          {"a.", false, false},        {"a.webp", true, false},
+                          {"a.HEIC", true, false},        {"a.heif", true, false},     {"a.avif", true, false},
+                          {"a.jxl", true, false}}) {
         const QString name = QString::fromLatin1(c.name);
         EXPECT_EQ(ImportQueries::fileAtPathIsSupported(writeFile(QStringLiteral("files/") + name, "x")), c.asFile)
             << c.name;
@@ -45,6 +48,29 @@ TEST_F(ImportQueriesTest, WhatCanBeImportedFollowsFromTheNameAndWhetherItIsAFold
         ASSERT_TRUE(QDir().mkpath(folder));
         EXPECT_EQ(ImportQueries::fileAtPathIsSupported(folder), c.asFolder) << c.name;
     }
+}
+
+TEST_F(ImportQueriesTest, TodaysFormatsAreTakenAsLongAsThePersonWantsThem)
+{
+    const QString key = QStringLiteral("ImportModernImages");
+    const QStringList modern{QStringLiteral("webp"), QStringLiteral("heic"), QStringLiteral("avif"),
+                             QStringLiteral("jxl"), QStringLiteral("sketch")};
+    const QString package = path(QStringLiteral("folders/design.sketch"));
+    ASSERT_TRUE(QDir().mkpath(package));
+    for (const bool isWanted : {true, false, true}) {
+        ZQUserDefaults::standardUserDefaults().setObjectForKey(isWanted, key);
+        for (const QString &extension : modern) {
+            const QString file = writeFile(QStringLiteral("files/a.") + extension, "x");
+            EXPECT_EQ(ImportQueries::fileAtPathIsSupported(file), isWanted) << qPrintable(extension);
+            EXPECT_EQ(importableExtensions().contains(extension), isWanted) << qPrintable(extension);
+            const bool isExplained =
+                unsupportedFile(file).reason.contains(QStringLiteral("preferences")) || extension == u"sketch";
+            EXPECT_TRUE(isWanted || isExplained) << qPrintable(extension);
+        }
+        EXPECT_TRUE(ImportQueries::fileAtPathIsSupported(package));
+        EXPECT_TRUE(ImportQueries::fileAtPathIsSupported(writeFile(QStringLiteral("files/a.png"), "x")));
+    }
+    ZQUserDefaults::standardUserDefaults().removeObjectForKey(key);
 }
 
 TEST_F(ImportQueriesTest, ASidebarItemTakesTheDropsOfItsKind)

@@ -28,12 +28,19 @@ TEST(LiveFolderNames, SayWhichEntriesAreTaken)
     };
     constexpr EntryKind nothing = EntryKind::Nothing;
     const Case cases[] = {
-        {"a.png", EntryKind::File, EntryKind::Folder},    {"A.JPG", EntryKind::File, EntryKind::Folder},
-        {"plan.pdf", EntryKind::File, EntryKind::Folder}, {"drawing.eps", nothing, EntryKind::Folder},
-        {"bundle.zip", nothing, EntryKind::Folder},       {"bundle.RAR", nothing, EntryKind::Folder},
-        {"notes.txt", nothing, EntryKind::Folder},        {"folder", nothing, EntryKind::Folder},
-        {"design.sketch", nothing, EntryKind::Package},   {"Mine.ztlibrary", nothing, nothing},
-        {"letter.zttemplate", nothing, nothing},          {"Tool.app", nothing, nothing},
+        {"a.webp", EntryKind::File, EntryKind::Folder},
+        {"a.png", EntryKind::File, EntryKind::Folder},
+        {"A.JPG", EntryKind::File, EntryKind::Folder},
+        {"plan.pdf", EntryKind::File, EntryKind::Folder},
+        {"drawing.eps", nothing, EntryKind::Folder},
+        {"bundle.zip", nothing, EntryKind::Folder},
+        {"bundle.RAR", nothing, EntryKind::Folder},
+        {"notes.txt", nothing, EntryKind::Folder},
+        {"folder", nothing, EntryKind::Folder},
+        {"design.sketch", EntryKind::File, EntryKind::Package},
+        {"Mine.ztlibrary", nothing, nothing},
+        {"letter.zttemplate", nothing, nothing},
+        {"Tool.app", nothing, nothing},
     };
     for (const Case &each : cases) {
         EXPECT_EQ(LiveFolderNames::kindOfFile(each.name), each.asFile) << each.name;

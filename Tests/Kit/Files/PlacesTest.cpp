@@ -33,13 +33,13 @@ TEST(TypeIdentifier, KnowsExtensionsInAnyCase)
     {
         const char *name;
         QString type;
-    } rows[] = {{"a.JPG", JPEG},   {"a.jpeg", JPEG},       {"a.jfif", JPEG},         {"a.j2k", JPEG2000},
-                {"a.Tif", TIFF},   {"a.gif", GIF},         {"a.png", PNG},           {"a.icns", ICNS},
-                {"a.dib", BMP},    {"a.ico", ICO},         {"a.svg", SVG},           {"a.psd", PSD},
-                {"a.ai", AI},      {"a.epsf", EPS},        {"a.tga", TGA},           {"a.pxm", Pixelmator},
-                {"a.pxim", Pixen}, {"a.acorn", Acorn},     {"a.dng", AdobeRaw},      {"a.pdf", PDF},
-                {"a.webp", WebP},  {"x/a.b/c", QString()}, {"a.unknown", QString()}, {".png", QString()},
-                {"a.", QString()}};
+    } rows[] = {{"a.JPG", JPEG},        {"a.jpeg", JPEG},         {"a.jfif", JPEG},    {"a.j2k", JPEG2000},
+                {"a.Tif", TIFF},        {"a.gif", GIF},           {"a.png", PNG},      {"a.icns", ICNS},
+                {"a.dib", BMP},         {"a.ico", ICO},           {"a.svg", SVG},      {"a.psd", PSD},
+                {"a.ai", AI},           {"a.epsf", EPS},          {"a.tga", TGA},      {"a.pxm", Pixelmator},
+                {"a.pxim", Pixen},      {"a.acorn", Acorn},       {"a.dng", AdobeRaw}, {"a.pdf", PDF},
+                {"a.webp", WebP},       {"a.HEIF", HEIC},         {"a.avif", AVIF},    {"a.jxl", JPEGXL},
+                {"x/a.b/c", QString()}, {"a.unknown", QString()}, {".png", QString()}, {"a.", QString()}};
     for (const auto &row : rows) {
         EXPECT_EQ(forPath(QString::fromLatin1(row.name)), row.type) << row.name;
     }

@@ -72,6 +72,10 @@ TEST_F(SampleTest, SaysWhatAFileIsWithoutDecodingIt)
              Row{"Formats/pages.tiff", {640, 480}, 1, 8, 2, false, "RGB"},
              Row{"Formats/wavelet.jp2", {640, 480}, 1, 8, 1, false, "RGB"},
              Row{"Formats/web.webp", {320, 320}, 1, 8, 1, true, "RGB"},
+             Row{"Formats/phone.heic", {640, 480}, 1, 8, 1, false, "RGB"},
+             Row{"Formats/web.avif", {320, 320}, 1, 8, 1, true, "RGB"},
+             Row{"Formats/modern.jxl", {320, 320}, 1, 8, 1, true, "RGB"},
+             Row{"Formats/New.sketch", {640, 480}, 1, 8, 1, false, "RGB"},
              Row{"Formats/plain.bmp", {640, 480}, 1, 8, 1, false, "RGB"},
              Row{"Formats/icon.ico", {256, 256}, 1, 8, 2, true, "RGB"},
              Row{"Formats/icon.icns", {256, 256}, 1, 8, 2, true, "RGB"},
@@ -122,6 +126,8 @@ TEST_F(SampleTest, DecodesEveryFormatToTheSamePicture)
                                                                 {"Formats/cmyk.jpg", 12},
                                                                 {"Formats/cmyk.tiff", 12},
                                                                 {"Formats/wavelet.jp2", 6},
+                                                                {"Formats/phone.heic", 6},
+                                                                {"Formats/New.sketch", 0.01},
                                                                 {"Formats/plain.bmp", 0.01},
                                                                 {"Formats/plain.tga", 0.01},
                                                                 {"Formats/deep.psd", 0.01},
@@ -137,9 +143,9 @@ TEST_F(SampleTest, DecodesEveryFormatToTheSamePicture)
 
 TEST_F(SampleTest, KeepsTransparency)
 {
-    for (const char *name :
-         {"Formats/runs.tga", "Formats/layered.psd", "Formats/web.webp", "Formats/icon.icns", "Formats/icon.ico",
-          "Formats/animated.gif", "Brand 2026/Logos/Coin.png", "Brand 2026/Artwork.ai", "Brand 2026/Stamp.eps"}) {
+    for (const char *name : {"Formats/runs.tga", "Formats/layered.psd", "Formats/web.webp", "Formats/web.avif",
+                             "Formats/modern.jxl", "Formats/icon.icns", "Formats/icon.ico", "Formats/animated.gif",
+                             "Brand 2026/Logos/Coin.png", "Brand 2026/Artwork.ai", "Brand 2026/Stamp.eps"}) {
         SCOPED_TRACE(name);
         const ZQBitmap bitmap = ZQImageSource::thumbnailOfFile(sample(name), 512);
         ASSERT_FALSE(bitmap.isNull());
@@ -302,7 +308,8 @@ TEST_F(SampleTest, SurvivesEveryCutAndManyChangedBytes)
 {
     for (const char *name : {"Formats/layered.psd", "Formats/runs.tga", "Formats/icon.ico", "Formats/icon.icns",
                              "Formats/animated.gif", "Orientations/orientation-5.jpg", "Brand 2026/Logos/Tile.png",
-                             "Formats/web.webp", "Formats/wavelet.jp2", "Brand 2026/Artwork.ai"}) {
+                             "Formats/web.webp", "Formats/wavelet.jp2", "Formats/phone.heic", "Formats/web.avif",
+                             "Formats/modern.jxl", "Formats/New.sketch", "Brand 2026/Artwork.ai"}) {
         SCOPED_TRACE(name);
         const QByteArray whole = contentOf(name);
         const QString broken = path(QStringLiteral("broken.") + QString::fromUtf8(name).section(u'.', -1));
