@@ -94,6 +94,7 @@ void FolderTreeSync::look(const Look &look)
     }
     const bool isChanged = m_run.isForced || !known->isKnown || m_run.earlierPaths.contains(look.key) ||
                            known->inode != listing.inode || known->device != listing.device ||
+                           (m_run.readsUnreadAgain && known->entries.hasUnread()) ||
                            !known->entries.isAs(listing.entries);
     compareFolders(look, listing, isChanged);
     if (isChanged) {
