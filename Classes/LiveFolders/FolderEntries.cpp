@@ -47,7 +47,8 @@ FolderEntry *FolderEntries::find(std::string_view wanted)
 
 bool FolderEntries::hasUnread() const
 {
-    return std::any_of(m_entries.begin(), m_entries.end(), [](const FolderEntry &entry) { return entry.gaveNothing != 0; });
+    return std::any_of(m_entries.begin(), m_entries.end(),
+                       [](const FolderEntry &entry) { return entry.gaveNothing != 0; });
 }
 
 bool FolderEntries::isAs(const FolderEntries &other) const
