@@ -228,9 +228,9 @@ TEST_F(TagBackupStoreTest, ThoseWhoReadWhileItIsWrittenFindWhatIsNew)
     for (int writer = 0; writer < writers; ++writer) {
         threads.emplace_back([&, writer] {
             for (int round = 0; round < rounds; ++round) {
-                const QString path = QStringLiteral("/w%1/%2").arg(writer).arg(round);
-                const QByteArray identity = path.toUtf8();
-                missed += store.store({{path, backup(now, identity)}}) ? 0 : 1;
+                const QString file = QStringLiteral("/w%1/%2").arg(writer).arg(round);
+                const QByteArray identity = file.toUtf8();
+                missed += store.store({{file, backup(now, identity)}}) ? 0 : 1;
                 for (int earlier = 0; earlier <= round; ++earlier) {
                     const QString known = QStringLiteral("/w%1/%2").arg(writer).arg(earlier);
                     missed += store.contains(known) && store.pathOfIdentity(known.toUtf8()) == known ? 0 : 1;
