@@ -6,6 +6,7 @@
 #include "Classes/Application/RemovalNote.h"
 #include "Kit/Foundation/ZQLog.h"
 
+#include <QDeadlineTimer>
 #include <QProcess>
 
 namespace {
@@ -52,6 +53,21 @@ void LibraryRemovals::waitForRemovals()
 {
     for (QProcess *task : findChildren<QProcess *>()) {
         task->waitForFinished(-1);
+    }
+}
+
+void LibraryRemovals::leaveRemovals(std::chrono::milliseconds moment)
+{
+    // Reachable to the end of this process, and never destroyed, which would kill what runs.
+    static auto *const left = new QList<QProcess *>;
+    const QDeadlineTimer end(moment);
+    for (QProcess *task : findChildren<QProcess *>()) {
+        if (!task->waitForFinished(int(end.remainingTime())) && task->state() != QProcess::NotRunning) {
+            qCInfo(zqLogApplication).noquote()
+                << "A removal goes on after the end of this process:" << task->workingDirectory();
+            task->setParent(nullptr);
+            left->append(task);
+        }
     }
 }
 

@@ -24,8 +24,11 @@
 #include <QDateTime>
 #include <QEvent>
 
+#include <chrono>
+
 namespace {
 tamberin_AppDelegate *sharedInstance = nullptr;
+constexpr std::chrono::seconds longestRemovalAtEnd{2};
 } // namespace
 
 tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
@@ -67,7 +70,7 @@ tamberin_AppDelegate::~tamberin_AppDelegate()
     m_running->endBackgroundQueue();
     m_tags->close();
     m_store->close();
-    waitForRemovals(); // destroying a running process object would kill it half way
+    m_removals->leaveRemovals(longestRemovalAtEnd);
     m_removals->dropNotedRemovals();
     if (QCoreApplication *const application = QCoreApplication::instance()) {
         application->removeEventFilter(this); // the end of a member is an event, and needs those that ended before it

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 static_assert(std::is_trivially_copyable_v<FolderEntry> && sizeof(FolderEntry) == 40);
 
@@ -37,6 +38,17 @@ const FolderEntry *FolderEntries::find(std::string_view wanted) const
         std::lower_bound(m_entries.begin(), m_entries.end(), wanted,
                          [this](const FolderEntry &entry, std::string_view text) { return name(entry) < text; });
     return place != m_entries.end() && name(*place) == wanted ? &*place : nullptr;
+}
+
+FolderEntry *FolderEntries::find(std::string_view wanted)
+{
+    return const_cast<FolderEntry *>(std::as_const(*this).find(wanted));
+}
+
+bool FolderEntries::hasUnread() const
+{
+    return std::any_of(m_entries.begin(), m_entries.end(),
+                       [](const FolderEntry &entry) { return entry.gaveNothing != 0; });
 }
 
 bool FolderEntries::isAs(const FolderEntries &other) const

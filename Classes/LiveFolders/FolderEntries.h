@@ -27,6 +27,7 @@ struct FolderEntry
     quint32 nameOffset = 0;
     quint16 nameLength = 0;
     EntryKind kind = EntryKind::Nothing;
+    quint8 gaveNothing = 0; // of a file, in a record: it could not be read, and made no item
 
     bool isFile() const { return kind == EntryKind::File || kind == EntryKind::Package; }
     // The same bytes, as far as can be told without reading them.
@@ -54,6 +55,8 @@ public:
         return std::string_view(m_names).substr(entry.nameOffset, entry.nameLength);
     }
     const FolderEntry *find(std::string_view name) const; // null for none
+    FolderEntry *find(std::string_view name);
+    bool hasUnread() const; // a file that gave nothing
     bool isAs(const FolderEntries &other) const;
     // How many of `other` are here with the same name and content; of folders, the same name.
     qsizetype countOfSame(const FolderEntries &other) const;

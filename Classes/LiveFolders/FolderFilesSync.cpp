@@ -212,9 +212,11 @@ void FolderFilesSync::compareFile(const FolderTreeSync::Changed &changed, const 
         adopt(item, file);
         return;
     }
-    const bool gaveNothing = !item && was && was->isAs(entry) && !m_run.isForced;
-    if (!gaveNothing) {
+    const bool isAsUnread = !item && was && was->isAs(entry) && !m_run.isForced && !m_run.readsUnreadAgain;
+    if (!isAsUnread) {
         m_new.push_back(file);
+    } else if (was->gaveNothing != 0) {
+        m_unreadFiles.append(file.path);
     }
 }
 
@@ -455,6 +457,7 @@ void FolderFilesSync::import(const NewFile &file, const QString &SHA1)
     const bool canBeRead =
         ImportQueries::fileAtPathIsSupported(file.path) && ImportQueries::isFileReadableAtPath(file.path);
     if (!canBeRead) {
+        m_unreadFiles.append(file.path);
         m_run.progress.advance();
         return;
     }

@@ -31,6 +31,8 @@ public:
     const std::vector<Gone> &gone() const { return m_gone; }
     // Files that may have got tags.
     const QStringList &touched() const { return m_touched; }
+    // Files that made no item, now or when they were like this before.
+    QStringList unreadFiles() const { return m_unreadFiles + m_import.unreadFiles(); }
     bool isComplete() const { return m_run.isWanted() && !m_import.wasRefused(); }
     // The run's turn was over before all files were read. How many were not, and in which folders.
     bool isCutShort() const { return m_filesLeft > 0; }
@@ -89,6 +91,7 @@ private:
     std::vector<Gone> m_gone;
     std::unordered_multimap<quint64, Lost> m_goneByInode;
     QStringList m_touched;
+    QStringList m_unreadFiles;
     qsizetype m_filesLeft = 0;
     QSet<qint64> m_foldersLeft;
     bool m_hasAdoptables = false;

@@ -83,8 +83,10 @@ void FolderTreeSync::look(const Look &look)
         qCInfo(zqLogFiles).noquote() << QFile::decodeName(known->path) + u':' << reason;
         m_run.reasons.insert(look.key, reason);
         look.record->folder(look.key)->isKnown = false; // so that it is looked at anew when it can be
+        m_run.records.setUnreadable(look.key, true);
         return;
     }
+    m_run.records.setUnreadable(look.key, false);
     if (listing.unheldNames > 0) {
         qCInfo(zqLogFiles).noquote() << listing.unheldNames << "names in" << QFile::decodeName(known->path)
                                      << "are no text and are left out";
@@ -94,6 +96,7 @@ void FolderTreeSync::look(const Look &look)
     }
     const bool isChanged = m_run.isForced || !known->isKnown || m_run.earlierPaths.contains(look.key) ||
                            known->inode != listing.inode || known->device != listing.device ||
+                           (m_run.readsUnreadAgain && known->entries.hasUnread()) ||
                            !known->entries.isAs(listing.entries);
     compareFolders(look, listing, isChanged);
     if (isChanged) {
@@ -164,8 +167,9 @@ void FolderTreeSync::compareFolders(const Look &look, const FolderListing &listi
         const QByteArray path = pathOf(folder.path, listing.entries.name(entry));
         if (const RecordedFolder *const child = look.record->folderAtPath(path)) {
             const bool isAnother = child->inode != 0 && child->inode != entry.inode;
-            // One that could not be read is told of by what holds it when it can be.
-            if (look.everythingBelow || isAnother || child->isMissing || !child->isKnown) {
+            // What holds one that could not be read tells when it can be.
+            const bool wasUnreadable = m_run.records.isUnreadable(child->key);
+            if (look.everythingBelow || isAnother || child->isMissing || wasUnreadable) {
                 m_looks.push_back({look.record, child->key, look.everythingBelow});
             }
         } else if (path.size() < PATH_MAX) {

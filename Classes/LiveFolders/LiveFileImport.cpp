@@ -127,6 +127,8 @@ void LiveFileImport::takeFirst(bool waits)
     if (reading.file.fileData.isEmpty()) {
         if (reading.operation->isCancelled()) {
             m_foldersGivenUp.append(reading.asked.folder);
+        } else {
+            m_unreadFiles.append(reading.asked.path);
         }
         return;
     }

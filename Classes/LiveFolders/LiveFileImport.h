@@ -34,6 +34,7 @@ public:
     // What is not being read yet is left; `finish` follows.
     void giveUpWaiting();
     void finish();
+    const QStringList &unreadFiles() const { return m_unreadFiles; }         // paths; they made no item
     const QList<qint64> &foldersGivenUp() const { return m_foldersGivenUp; } // one for each file
     void saveIfDue();                                                        // also what others changed in the context
     bool saveNow();
@@ -80,6 +81,7 @@ private:
     std::deque<Reading> m_reading; // in the order of the files
     QHash<qint64, ZQRef<ZQSidebarWatchedFolder>> m_folders;
     std::vector<Written> m_written; // of the items since the last save
+    QStringList m_unreadFiles;
     QList<qint64> m_foldersGivenUp;
     QDateTime m_importDate;
     qint64 m_count = 0;

@@ -219,7 +219,8 @@ void LiveFolderManager::syncRootWatchedFoldersForceSync(bool force)
 
 void LiveFolderManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
 {
-    syncWatchedFolders({folder}, true, force);
+    m_wanted.note(folder, {rootOf(folder), true, force, true});
+    start();
 }
 
 void LiveFolderManager::syncAndRemoveMissing(const ZQObjectID &folder)
@@ -303,9 +304,11 @@ std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(con
     QList<ZQObjectID> whole;
     QList<ZQObjectID> alone;
     bool isForced = false;
+    bool isAskedFor = false;
     for (auto wanted = next.folders.constBegin(); wanted != next.folders.constEnd(); ++wanted) {
         (wanted->everythingBelow ? whole : alone).append(wanted.key());
         isForced = isForced || wanted->isForced;
+        isAskedFor = isAskedFor || wanted->isAskedFor;
     }
     auto &delegate = *tamberin_AppDelegate::sharedDelegate();
     auto operation = std::make_shared<WatchFoldersImportOperation>(
@@ -317,6 +320,7 @@ std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(con
                                           .sender = static_cast<LiveFolderManaging *>(this)});
     operation->setAlsoLookedAt(alone);
     operation->setForced(isForced);
+    operation->setReadsUnreadAgain(isAskedFor);
     operation->setRemovesMissing(m_removing & next.roots);
     m_mayMakeWay = m_mayMakeWay && !m_removing.intersects(next.roots);
     m_removing -= next.roots;

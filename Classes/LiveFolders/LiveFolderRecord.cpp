@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr quint64 magic = 0x32444c464c51545aULL; // with the format's number
+constexpr quint64 magic = 0x33444c464c51545aULL; // with the format's number
 constexpr qint64 largestFile = qint64(4) << 30;
 
 // Tells damage, not intent: nothing but the program's own writing is to be found here.

@@ -45,6 +45,17 @@ public:
     void forgetKept(qint64 rootKey) { m_kept.remove(rootKey); }
     void forgetKept() { m_kept.clear(); }
 
+    // Folders that could not be listed the last time.
+    bool isUnreadable(qint64 folderKey) const { return m_unreadable.contains(folderKey); }
+    void setUnreadable(qint64 folderKey, bool isUnreadable)
+    {
+        if (isUnreadable) {
+            m_unreadable.insert(folderKey);
+        } else {
+            m_unreadable.remove(folderKey);
+        }
+    }
+
     // A folder of the root could not be brought in step.
     void keepRefused(qint64 folderKey, qint64 rootKey) { m_refused.insert(folderKey, rootKey); }
     // All that is in the folder is there now; whether that was the last one of its root.
@@ -60,4 +71,5 @@ private:
     QHash<qint64, Kept> m_kept; // by root
     QMultiHash<qint64, size_t> m_allowed;
     QHash<qint64, qint64> m_refused;
+    QSet<qint64> m_unreadable;
 };

@@ -8,6 +8,7 @@ void SyncRequests::note(const ZQObjectID &folder, const Wanted &wanted)
     all.root = wanted.root;
     all.everythingBelow = all.everythingBelow || wanted.everythingBelow;
     all.isForced = all.isForced || wanted.isForced;
+    all.isAskedFor = all.isAskedFor || wanted.isAskedFor;
 }
 
 void SyncRequests::join(qint64 root, qint64 other)

@@ -19,6 +19,7 @@ public:
         qint64 root = 0;
         bool everythingBelow = false;
         bool isForced = false;
+        bool isAskedFor = false; // by a person
     };
 
     void note(const ZQObjectID &folder, const Wanted &wanted);

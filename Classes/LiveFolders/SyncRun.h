@@ -65,6 +65,7 @@ struct SyncRun
     SyncProgress &progress;
     SyncTurn &turn;
     const bool isForced;               // what records say does not count, and what was decided is asked again
+    const bool readsUnreadAgain;       // a person asked: files that made no item get another chance
     const QSet<qint64> removesMissing; // roots: however much is gone leaves the library, and nobody is asked
 
     std::unique_ptr<ZQManagedObjectContext> moc = {};

@@ -46,6 +46,7 @@ void WatchFoldersImportOperation::main()
                     .progress = m_progress,
                     .turn = m_turn,
                     .isForced = m_isForced,
+                    .readsUnreadAgain = m_readsUnreadAgain,
                     .removesMissing = m_removesMissing};
         m_turn.begin();
         setupManagedObjectContext(run);
@@ -207,13 +208,24 @@ void WatchFoldersImportOperation::finish(SyncRun &run, FolderTreeSync &tree, con
                 record->setStamp(now.toMSecsSinceEpoch());
             }
         }
-        writeRecords(run, tree.changed(), files.touched());
+        writeRecords(run, tree.changed(), files);
     }
 }
 
-void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed,
-                                               const QStringList &touched)
+WatchFoldersImportOperation::NamesByFolder WatchFoldersImportOperation::byFolder(const QStringList &paths)
 {
+    NamesByFolder names;
+    for (const QString &path : paths) {
+        const QFileInfo file(path);
+        names[QFile::encodeName(file.path())].append(QFile::encodeName(file.fileName()));
+    }
+    return names;
+}
+
+void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed,
+                                               const FolderFilesSync &files)
+{
+    const NamesByFolder unread = byFolder(files.unreadFiles());
     for (const FolderTreeSync::Changed &each : changed) {
         RecordedFolder *const folder = each.record->folder(each.key);
         if (!folder) {
@@ -226,17 +238,18 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
         folder->place = isOwnPlace ? ZQFolderIdentity::read(QFile::decodeName(folder->path)) : std::nullopt;
         folder->entries = each.listing.entries;
         folder->isKnown = !run.toLookAtAgain.contains(each.key);
+        for (const QByteArray &name : unread.value(folder->path)) {
+            if (FolderEntry *const entry = folder->entries.find({name.constData(), std::size_t(name.size())})) {
+                entry->gaveNothing = 1;
+            }
+        }
     }
     // Tags that were written there by now are no change of anybody else's.
     TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(0, &run.operation);
     if (!run.isWanted()) {
         return; // the next run looks at everything again
     }
-    QHash<QByteArray, QList<QByteArray>> names;
-    for (const QString &path : touched) {
-        const QFileInfo file(path);
-        names[QFile::encodeName(file.path())].append(QFile::encodeName(file.fileName()));
-    }
+    const NamesByFolder names = byFolder(files.touched());
     for (const FolderTreeSync::Changed &each : changed) {
         RecordedFolder *const folder = each.record->folder(each.key);
         const auto place = folder ? names.constFind(folder->path) : names.constEnd();
@@ -248,7 +261,7 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
         for (const QByteArray &name : *place) {
             const std::string_view text(name.constData(), std::size_t(name.size()));
             const FolderEntry *const present = now.entries.find(text);
-            auto *const entry = const_cast<FolderEntry *>(folder->entries.find(text));
+            auto *const entry = folder->entries.find(text);
             if (present && entry && !present->isAs(*entry) && present->inode == entry->inode &&
                 present->hasContentOf(*entry)) {
                 entry->change = present->change;

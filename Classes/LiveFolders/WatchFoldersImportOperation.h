@@ -42,6 +42,7 @@ public:
     bool isForced() const { return m_isForced; }
     void setAlsoLookedAt(const QList<ZQObjectID> &folders) { m_alone = folders; } // without what is below; the same
 
+    void setReadsUnreadAgain(bool reads) { m_readsUnreadAgain = reads; }            // the same
     void setRemovesMissing(const QSet<qint64> &roots) { m_removesMissing = roots; } // the same, as what follows
     void setBegun(const QSet<ZQObjectID> &begun) { m_begun = begun; }               // a run before told of their start
     SyncTurn &turn() { return m_turn; }
@@ -76,13 +77,16 @@ private:
     void finish(SyncRun &run, FolderTreeSync &tree, const FolderFilesSync &files);
     void checkOrphans(SyncRun &run, RootFolders &roots);
     static void readTags(SyncRun &run, qint64 folder, const QSet<QString> &paths);
-    void writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed, const QStringList &touched);
+    void writeRecords(SyncRun &run, const std::vector<FolderTreeSync::Changed> &changed, const FolderFilesSync &files);
+    using NamesByFolder = QHash<QByteArray, QList<QByteArray>>;
+    static NamesByFolder byFolder(const QStringList &paths);
 
     const QList<ZQObjectID> m_watchedFoldersIDs;
     const bool m_shouldTraversSubFolders;
     const Uses m_uses;
     QList<ZQObjectID> m_alone;
     bool m_isForced = false;
+    bool m_readsUnreadAgain = false;
     QSet<qint64> m_removesMissing;
     SyncTurn m_turn;
     QSet<ZQObjectID> m_begun;

@@ -146,7 +146,7 @@ QString TagBackupStore::pathOf(int number) const
 TagBackupStore::List &TagBackupStore::list(int number)
 {
     List &found = m_lists[number];
-    if (!found.isRead || stampOf(pathOf(number)) != found.stamp) {
+    if (!found.isRead || (!found.isBeingWritten && stampOf(pathOf(number)) != found.stamp)) {
         read(number, found);
     }
     return found;
@@ -260,7 +260,7 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
     if (backups.isEmpty() || !hasFolder()) {
         return true;
     }
-    const ZQLockGuard lock(m_mutex);
+    const ZQLockGuard lock(m_storeMutex);
     const QFileInfo place(m_folder + QStringLiteral("/lock"));
     if (place.exists() && !place.isFile()) { // the lock would look who holds it, and a pipe keeps whoever reads it
         qCWarning(zqLogTags).noquote() << place.filePath() << "is no file; no tag backups are made until it is removed";
@@ -271,6 +271,23 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
         qCInfo(zqLogTags).noquote() << "The tag backups in" << m_folder << "are held by another process";
         return false;
     }
+    std::map<int, List> changed = takeIn(backups);
+    // Whoever looks for a backup meanwhile finds the new one here.
+    bool isWritten = true;
+    for (auto &[number, list] : changed) {
+        prune(list);
+        isWritten = write(number, list) && isWritten;
+        list.isBeingWritten = false;
+        const ZQLockGuard lists(m_mutex);
+        m_lists[number] = std::move(list);
+    }
+    return isWritten;
+}
+
+// Answers the lists that changed, as they are to be written.
+std::map<int, TagBackupStore::List> TagBackupStore::takeIn(const Backups &backups)
+{
+    const ZQLockGuard lock(m_mutex);
     std::set<int> changed;
     const auto take = [&](const QByteArray &key) ZQ_REQUIRES(m_mutex) -> List & {
         const int number = numberOf(key);
@@ -290,12 +307,12 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
         }
         take(path.toUtf8()).files.insert(path, *it.value());
     }
-    bool isWritten = true;
+    std::map<int, List> lists;
     for (const int number : changed) {
-        prune(m_lists[number]);
-        isWritten = write(number, m_lists[number]) && isWritten;
+        m_lists[number].isBeingWritten = true;
+        lists.emplace(number, m_lists[number]);
     }
-    return isWritten;
+    return lists;
 }
 
 void TagBackupStore::noteLocked(const QString &path)

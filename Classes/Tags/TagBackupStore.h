@@ -79,6 +79,7 @@ private:
         QByteArray stamp;
         qsizetype pruneAt = 0; // how long it may grow before it is looked through again
         bool isRead = false;
+        bool isBeingWritten = false; // what is here is newer than the file
     };
     static int numberOf(const QByteArray &key);
     QString pathOf(int number) const;
@@ -87,6 +88,8 @@ private:
     bool write(int number, List &list) const;
     void prune(List &list) const;
     bool hasFolder() const;
+    using Backups = QHash<QString, std::optional<TagBackup>>;
+    std::map<int, List> takeIn(const Backups &backups) ZQ_REQUIRES(m_storeMutex);
     void noteLocked(const QString &path) ZQ_REQUIRES(m_notesMutex);
 
     QString m_folder;
@@ -94,6 +97,7 @@ private:
     ZQMutex m_notesMutex;
     ZQFileDescriptor m_notes ZQ_GUARDED_BY(m_notesMutex);
     QString m_notesPath ZQ_GUARDED_BY(m_notesMutex);
-    ZQMutex m_mutex;
+    ZQMutex m_storeMutex; // one `store` at a time; before the other
+    ZQMutex m_mutex;      // never held while a list is written
     std::map<int, List> m_lists ZQ_GUARDED_BY(m_mutex);
 };

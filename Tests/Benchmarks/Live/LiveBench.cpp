@@ -1,7 +1,5 @@
-// Measures what live folders cost, for Benchmarks/live: zelto_live_bench MEASUREMENT FOLDER
+// Measures what watching live folders costs, for Benchmarks/live: zelto_live_bench MEASUREMENT FOLDER
 
-#include "Kit/Imaging/ZQImageSource.h"
-#include "Tests/Benchmarks/Live/SyncBench.h"
 #include "Tests/Benchmarks/Live/WatchBench.h"
 
 #include <QDir>
@@ -13,16 +11,13 @@
 int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
-    ZQImageSource::initialize(argv[0]);
     const QHash<QString, bool (*)(const QString &)> measurements = {{QStringLiteral("watches"), measureWatches},
                                                                     {QStringLiteral("latency"), measureLatency},
-                                                                    {QStringLiteral("burst"), measureBurst},
-                                                                    {QStringLiteral("resync"), measureResync},
-                                                                    {QStringLiteral("mirror"), measureMirror}};
+                                                                    {QStringLiteral("burst"), measureBurst}};
     const QStringList arguments = QCoreApplication::arguments();
     const auto measurement = measurements.constFind(arguments.value(1));
     if (arguments.size() != 3 || measurement == measurements.cend()) {
-        std::fprintf(stderr, "zelto_live_bench watches|latency|burst|resync|mirror FOLDER\n");
+        std::fprintf(stderr, "zelto_live_bench watches|latency|burst FOLDER\n");
         return 2;
     }
     if (!(*measurement)(QDir(arguments[2]).absolutePath())) {

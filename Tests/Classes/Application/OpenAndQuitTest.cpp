@@ -1,3 +1,7 @@
+#include "Classes/Application/LibraryPlaces.h"
+#include "Classes/Application/LibraryRemovals.h"
+#include "Classes/Application/LibraryStore.h"
+#include "Classes/Application/RunningParts.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Tags/FileTags.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
@@ -6,9 +10,12 @@
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QThread>
 
 #include <atomic>
+#include <memory>
 
 namespace {
 QString made(const QString &path)
@@ -135,6 +142,27 @@ TEST_F(ApplicationTest, QuittingRemovesWhatWasDeletedForGood)
     EXPECT_EQ(QDir(delegate->libraryDirectory()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("kept.ztlibraryitem")});
     EXPECT_TRUE(QDir(QFile::decodeName(qgetenv("TMPDIR"))).isEmpty()); // the scratch folder is gone
+}
+
+TEST_F(ApplicationTest, ARemovalThatTakesLongGoesOnByItself)
+{
+    const QTemporaryDir folder;
+    constexpr int files = 3000;
+    for (int i = 0; i < files; ++i) {
+        made(folder.filePath(QStringLiteral("gone/%1/file").arg(i)));
+    }
+    RunningParts running({});
+    LibraryPlaces places;
+    LibraryStore store(places, running);
+    auto removals = std::make_unique<LibraryRemovals>(places, store, nullptr);
+    removals->deleteFilesAtPaths({QStringLiteral("gone")}, folder.path());
+    QProcess *const task = removals->deleteTask();
+    ASSERT_TRUE(task->waitForStarted());
+    removals->leaveRemovals(std::chrono::milliseconds(0));
+    removals.reset();
+    const QString gone = folder.filePath(QStringLiteral("gone"));
+    zqRunMainLoopUntil([&gone] { return !QFileInfo::exists(gone); });
+    EXPECT_FALSE(QFileInfo::exists(gone));
 }
 
 TEST_F(ApplicationTest, QuittingLeavesTheTemporaryFolderToAnImportThatWasCutOff)

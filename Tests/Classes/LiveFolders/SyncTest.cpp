@@ -537,6 +537,14 @@ TEST_F(LiveFolderTest, KeepsWhatCannotBeListed)
     wait();
     expectInStep(root);
     EXPECT_EQ(manager->statusOfWatchedFolder(inner).reason, QString());
+
+    const QByteArray closed = QFile::encodeName(writePicture(QStringLiteral("in/b.png")));
+    ASSERT_EQ(::chmod(closed.constData(), 0), 0);
+    sync();
+    EXPECT_EQ(items().size(), 1);
+    ASSERT_EQ(::chmod(closed.constData(), 0600), 0);
+    sync();
+    expectInStep(root);
 }
 
 TEST_F(LiveFolderTest, LeavesADisabledOneAlone)

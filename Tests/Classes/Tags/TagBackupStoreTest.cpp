@@ -8,7 +8,10 @@
 #include <QDateTime>
 #include <QThread>
 
+#include <atomic>
 #include <sys/stat.h>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -213,4 +216,36 @@ TEST_F(TagBackupStoreTest, WithoutBirthTimesTheDeviceTellsFilesApart)
     faults.clear();
     EXPECT_NE(here.text, TagFileIdentity::ofFile(path).text);
     EXPECT_TRUE(TagFileContents::ofFile(folder.path()).digest.isEmpty());
+}
+
+TEST_F(TagBackupStoreTest, ThoseWhoReadWhileItIsWrittenFindWhatIsNew)
+{
+    TagBackupStore store(home);
+    constexpr int writers = 3;
+    constexpr int rounds = 40;
+    std::atomic<int> missed = 0;
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer) {
+        threads.emplace_back([&, writer] {
+            for (int round = 0; round < rounds; ++round) {
+                const QString file = QStringLiteral("/w%1/%2").arg(writer).arg(round);
+                const QByteArray identity = file.toUtf8();
+                missed += store.store({{file, backup(now, identity)}}) ? 0 : 1;
+                for (int earlier = 0; earlier <= round; ++earlier) {
+                    const QString known = QStringLiteral("/w%1/%2").arg(writer).arg(earlier);
+                    missed += store.contains(known) && store.pathOfIdentity(known.toUtf8()) == known ? 0 : 1;
+                }
+            }
+        });
+    }
+    for (std::thread &thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(missed, 0);
+    TagBackupStore next(home); // what is on the disk
+    for (int writer = 0; writer < writers; ++writer) {
+        for (int round = 0; round < rounds; ++round) {
+            EXPECT_TRUE(next.contains(QStringLiteral("/w%1/%2").arg(writer).arg(round)));
+        }
+    }
 }
