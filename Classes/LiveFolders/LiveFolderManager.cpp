@@ -369,7 +369,7 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
         m_reasons.insert(reason.key(), reason.value());
     }
     const QList<ZQObjectID> folders = operation->watchedFoldersIDs() + operation->alsoLookedAt();
-    for (const qint64 root : std::as_const(m_runningRoots)) {
+    for (const qint64 root : context() ? m_runningRoots : QSet<qint64>()) { // it may end after all else
         m_filesKept.insert(root, records()->filesKept(root));
     }
     goOnLater(*operation);
