@@ -34,7 +34,8 @@ QStringList ZQImageSource::supportedExtensions()
 {
     static const QStringList extensions =
         QStringLiteral(
-            "jpg jpeg jpe jp2 j2k jpf jpx tiff tif gif png icns bmp dib ico cur tga targa psd psb webp heic heif hif avif jxl ai eps ps "
+            "jpg jpeg jpe jp2 j2k jpf jpx tiff tif gif png icns bmp dib ico cur tga targa psd psb webp heic heif hif "
+            "avif jxl ai eps ps "
             "3fr arw cr2 cr3 crw dcr dng erf fff iiq k25 kdc mef mos mrw nef nrw orf pef raf raw rw2 rwl sr2 srf srw "
             "x3f")
             .split(u' ');
