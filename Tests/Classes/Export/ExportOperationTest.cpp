@@ -79,11 +79,16 @@ TEST_F(ExportOperationTest, EachKindGoesOutUnderEachFormat)
             ADD_FAILURE() << type << " " << problem.title.toStdString() << ": " << problem.reason.toStdString();
         }
         ASSERT_EQ(result.written.size(), items.size()) << type;
-        const ZQBitmap turned = ZQImageSource::bitmapOfFile(result.written[0]);
-        EXPECT_EQ(turned.size(), QSize(40, 60)) << type << ": upright";
+        const QString extension = zqExtensionOfFileType(type);
         for (const QString &file : result.written) {
-            EXPECT_TRUE(file.endsWith(zqExtensionOfFileType(type))) << file.toStdString();
-            EXPECT_FALSE(ZQImageSource::bitmapOfFile(file).isNull()) << file.toStdString();
+            EXPECT_TRUE(file.endsWith(extension)) << file.toStdString();
+            EXPECT_GT(QFileInfo(file).size(), 0) << file.toStdString();
+        }
+        if (ZQImageSource::supportedExtensions().contains(extension)) {
+            EXPECT_EQ(ZQImageSource::bitmapOfFile(result.written[0]).size(), QSize(40, 60)) << type << ": upright";
+            for (const QString &file : result.written) {
+                EXPECT_FALSE(ZQImageSource::bitmapOfFile(file).isNull()) << file.toStdString();
+            }
         }
     }
     const auto kept = run({.items = items, .imageSize = QSizeF(1, 1)});
