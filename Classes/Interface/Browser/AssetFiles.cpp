@@ -13,6 +13,7 @@
 #include <QSet>
 #include <QUrl>
 
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -90,8 +91,8 @@ private:
 
     static bool link(const QFileInfo &file, const QString &path)
     {
-        const QByteArray source = QFile::encodeName(file.canonicalFilePath());
-        return ::link(source.constData(), QFile::encodeName(path).constData()) == 0;
+        return ::linkat(AT_FDCWD, QFile::encodeName(file.filePath()).constData(), AT_FDCWD,
+                        QFile::encodeName(path).constData(), AT_SYMLINK_FOLLOW) == 0;
     }
 
     QString m_folder;

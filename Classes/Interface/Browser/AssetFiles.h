@@ -16,10 +16,10 @@ struct Asset
     QString title;
 };
 
-// Files of the library for another program: their paths where they are called as their titles are, else such a name for
-// them in a temporary folder that stays until the application quits. Nothing is looked for or made before somebody
-// asks. Only a small file is copied for its name; others get it by a hard link, and where that cannot be they go under
-// the name they have. Nobody is told to move them. Main thread.
+// Files of the library for another program: their paths where they are called as their titles are, else such a name
+// for them in a temporary folder that stays until the application quits. Nothing is looked for or made before somebody
+// asks. Small files are copied for their names, others and those of a large selection get them by hard links, and where
+// that cannot be they go under the names they have. Nobody is told to move them. Main thread.
 class AssetFiles : public QMimeData
 {
     Q_OBJECT
