@@ -319,8 +319,7 @@ TEST_F(ExportTest, ACancelLeavesNoFile)
 TEST_F(ExportTest, AWorkerThatFailsOrLiesWritesNothingThatIsBelieved)
 {
     qputenv("ZELTO_RENDER", ZELTO_FAULTY_RENDERER);
-    ZQRenderPool pool({.time = 100ms, .processes = 1}); // four times that for an export
-    qunsetenv("ZELTO_RENDER");
+    ZQRenderPool pool({.time = 500ms, .processes = 1}); // four times that for an export
     struct Row
     {
         const char *name;
@@ -342,6 +341,7 @@ TEST_F(ExportTest, AWorkerThatFailsOrLiesWritesNothingThatIsBelieved)
         EXPECT_FALSE(pool.exportFile(bad.fileName(), {}, file->descriptor(), &error));
         EXPECT_EQ(error.code, int(row.code)) << error.localizedDescription().toStdString();
     }
+    qunsetenv("ZELTO_RENDER");
     EXPECT_FALSE(QFile::exists(target()));
 }
 
