@@ -37,21 +37,28 @@ int saveTIFF(VipsImage *image, VipsTarget *target, Quality)
     return saveWith(vips_tiffsave_target, image, target, {});
 }
 
-// Through memory: its encoder does not stop when writing fails, and tries again for minutes.
-int saveGIF(VipsImage *image, VipsTarget *target, Quality)
+// Through memory, for encoders that do not stop when writing fails: one tries again for minutes, one for ever.
+template <class Save, class... Arguments>
+int saveAtOnce(Save save, VipsImage *image, VipsTarget *target, Arguments... arguments)
 {
     void *bytes = nullptr;
     size_t size = 0;
-    if (vips_gifsave_buffer(image, &bytes, &size, "strip", TRUE, nullptr) != 0) {
+    if (save(image, &bytes, &size, "strip", TRUE, arguments..., nullptr) != 0) {
         return -1;
     }
     const std::unique_ptr<void, decltype(&g_free)> owned(bytes, g_free);
     return vips_target_write(target, bytes, size) == 0 ? vips_target_end(target) : -1;
 }
 
+int saveGIF(VipsImage *image, VipsTarget *target, Quality)
+{
+    return saveAtOnce(vips_gifsave_buffer, image, target);
+}
+
 int saveJPEG2000(VipsImage *image, VipsTarget *target, Quality quality)
 {
-    return saveWith(vips_jp2ksave_target, image, target, quality);
+    return quality ? saveAtOnce(vips_jp2ksave_buffer, image, target, "Q", qBound(1, *quality, 100))
+                   : saveAtOnce(vips_jp2ksave_buffer, image, target);
 }
 
 int saveWebP(VipsImage *image, VipsTarget *target, Quality quality)
