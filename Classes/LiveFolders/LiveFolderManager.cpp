@@ -225,8 +225,8 @@ void LiveFolderManager::syncWatchedFolder(const ZQObjectID &folder, bool force)
 
 void LiveFolderManager::syncAndRemoveMissing(const ZQObjectID &folder)
 {
-    m_removing.insert(rootOf(folder));
-    syncWatchedFolder(folder, true);
+    m_wanted.note(folder, {rootOf(folder), true, true, true, true});
+    start();
 }
 
 void LiveFolderManager::syncWatchedFolders(const QList<ZQObjectID> &folders, bool shouldTraversSubFolders,
@@ -305,10 +305,14 @@ std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(con
     QList<ZQObjectID> alone;
     bool isForced = false;
     bool isAskedFor = false;
+    QSet<qint64> removing;
     for (auto wanted = next.folders.constBegin(); wanted != next.folders.constEnd(); ++wanted) {
         (wanted->everythingBelow ? whole : alone).append(wanted.key());
         isForced = isForced || wanted->isForced;
         isAskedFor = isAskedFor || wanted->isAskedFor;
+        if (wanted->removesMissing) {
+            removing.insert(wanted->root);
+        }
     }
     auto &delegate = *tamberin_AppDelegate::sharedDelegate();
     auto operation = std::make_shared<WatchFoldersImportOperation>(
@@ -321,9 +325,8 @@ std::shared_ptr<WatchFoldersImportOperation> LiveFolderManager::operationFor(con
     operation->setAlsoLookedAt(alone);
     operation->setForced(isForced);
     operation->setReadsUnreadAgain(isAskedFor);
-    operation->setRemovesMissing(m_removing & next.roots);
-    m_mayMakeWay = m_mayMakeWay && !m_removing.intersects(next.roots);
-    m_removing -= next.roots;
+    operation->setRemovesMissing(removing);
+    m_mayMakeWay = m_mayMakeWay && removing.isEmpty();
     operation->setBegun(next.begun);
     operation->turn().setLength(m_lengthOfTurns);
     return operation;

@@ -80,7 +80,6 @@ private:
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
     RemovalQuestions m_removalQuestions;
-    QSet<qint64> m_removing;              // roots of which what is missing may go in their next run
     QHash<qint64, qsizetype> m_filesKept; // by root
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;

@@ -9,6 +9,7 @@ void SyncRequests::note(const ZQObjectID &folder, const Wanted &wanted)
     all.everythingBelow = all.everythingBelow || wanted.everythingBelow;
     all.isForced = all.isForced || wanted.isForced;
     all.isAskedFor = all.isAskedFor || wanted.isAskedFor;
+    all.removesMissing = all.removesMissing || wanted.removesMissing;
 }
 
 void SyncRequests::join(qint64 root, qint64 other)

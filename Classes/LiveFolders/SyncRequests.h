@@ -19,7 +19,8 @@ public:
         qint64 root = 0;
         bool everythingBelow = false;
         bool isForced = false;
-        bool isAskedFor = false; // by a person
+        bool isAskedFor = false;     // by a person
+        bool removesMissing = false; // what its root misses may go, however much; said for this one time
     };
 
     void note(const ZQObjectID &folder, const Wanted &wanted);

@@ -88,6 +88,18 @@ TEST(SyncRequests, WhatIsGivenUpIsToldWhenItWasBegun)
     EXPECT_TRUE(requests.clear().isEmpty());
 }
 
+TEST(SyncRequests, AYesToARemovalGoesWithWhatItWasSaidFor)
+{
+    SyncRequests requests;
+    const SyncRequests::Wanted yes{1, true, true, true, true};
+    requests.note(folderOf(1), yes);
+    requests.note(folderOf(1), {1, false});
+    EXPECT_TRUE(requests.all().value(folderOf(1)).removesMissing);
+    requests.removeIf([](const ZQObjectID &) { return true; });
+    requests.note(folderOf(1), {1, true});
+    EXPECT_FALSE(requests.all().value(folderOf(1)).removesMissing) << "it was given up";
+}
+
 // Files that are being written keep the long run where it is until the other root was asked for.
 TEST_F(LiveFolderTest, ARunThatReadsForLongMakesWayAndGoesOn)
 {
