@@ -11,7 +11,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-
 #include <cerrno>
 #include <utility>
 
