@@ -73,6 +73,7 @@ void SidebarActivation::addLiveFolder(const Item &row, bool comes)
         m_goingFolders.append(row->objectID());
     } else if (folder->is_enabled() && !folder->is_missing() && !folder->is_trashed()) {
         m_comingFolders.append(row->objectID());
+        folder->setLastSyncDate({}); // all of it is looked at again: its items may come only in part
     }
     if (row->isWatchedFolder() && !zqIsSubFolder(*row)) {
         m_liveFolders.append(row->objectID());
@@ -96,7 +97,7 @@ void SidebarActivation::changeItemsOfFolders(const QList<ZQObjectID> &folders, b
         // What cannot be counted is much.
         count += qint64(m_edits.context.countForFetchRequest(requests.last()).value_or(mostAtOnce + 1));
     }
-    if (count == 0) {
+    if (count == 0 && !m_edits.isBusy()) { // what is under way may change that
         return;
     }
     const QString text = active ? zqLocalized("Bringing items back…") : zqLocalized("Removing items…");

@@ -142,7 +142,7 @@ QList<ZQZipMember> ExportOperation::members() const
 
 void ExportOperation::zip()
 {
-    constexpr int attempts = 5; // others may take the name, or a file away, while the archive is being written
+    int attempts = 5; // others may take the name while the archive is being written
     qsizetype added = 0;
     const auto willAdd = [this, &added](qsizetype index) {
         if (m_progress && index >= added) {
@@ -152,15 +152,17 @@ void ExportOperation::zip()
         return !isCancelled();
     };
     ZQError error;
-    for (int attempt = 0; attempt < attempts && m_result.count > 0; ++attempt) {
+    while (m_result.count > 0) {
         const QString path = ExportNames::archiveName(m_request.destinationURL);
         error = {};
-        if (zqWriteZip(members(), path, willAdd, &error)) {
+        qsizetype unreadable = -1;
+        if (zqWriteZip(members(), path, willAdd, &error, &unreadable)) {
             m_result.written = {path};
             return;
         }
-        const bool isTaken = error.domain == ZQError::posixDomain && error.code == EEXIST;
-        if (isCancelled() || (!isTaken && !leaveOutUnreadable())) {
+        const bool isTaken =
+            unreadable < 0 && error.domain == ZQError::posixDomain && error.code == EEXIST && --attempts > 0;
+        if (isCancelled() || (!isTaken && !leaveOut(unreadable, error))) {
             break;
         }
     }
@@ -170,22 +172,30 @@ void ExportOperation::zip()
     }
 }
 
-// Files as they are go into the archive from the library, where they may have gone since they were looked at.
-bool ExportOperation::leaveOutUnreadable()
+// Files as they are go into the archive from the library, where they may change or go meanwhile: the one costs no
+// others.
+bool ExportOperation::leaveOut(qsizetype member, const ZQError &error)
 {
-    bool isAny = false;
+    if (member < 0) {
+        return false;
+    }
     for (std::size_t i = 0; i < m_outcomes.size(); ++i) {
         ExportOutcome &outcome = m_outcomes[i];
-        if (!outcome.path.isEmpty() && !QFileInfo(outcome.content).isReadable()) {
+        if (outcome.path.isEmpty()) {
+            continue;
+        }
+        if (member == 0 || !QFileInfo(outcome.content).isReadable()) {
             outcome.path.clear();
             --m_result.count;
-            m_result.failed.append({m_sources[i].title, m_sources[i].bundleID,
-                                    zqLocalized("Its file went, or could not be read any more. Look where it is, and "
-                                                "export it again.")});
-            isAny = true;
+            m_result.failed.append(
+                {m_sources[i].title, m_sources[i].bundleID,
+                 member == 0 ? error.localizedDescription()
+                             : zqLocalized("Its file went, or could not be read any more. Look where it is, and "
+                                           "export it again.")});
         }
+        --member;
     }
-    return isAny;
+    return true;
 }
 
 void ExportOperation::finish()

@@ -45,7 +45,7 @@ private:
     void takeOutcomes();
     void zip();
     QList<ZQZipMember> members() const; // of the archive
-    bool leaveOutUnreadable();          // whether there were any
+    bool leaveOut(qsizetype member, const ZQError &error); // one that could not be zipped
     void finish();
     void announceEnd();
 

@@ -92,6 +92,7 @@ void LiveFolderManager::startObservingWatchedFolders()
         }
     });
     watchRoots();
+    putAwayWhatCameTooLate(); // an earlier process may have been cut off in the middle of a removal
 }
 
 void LiveFolderManager::observeExternalDisk()

@@ -100,6 +100,9 @@ public:
                add(AT_FDCWD, *path, member.name.toUtf8(), member.path, error);
     }
 
+    // What was added last could not be read, and the archive is worth no more.
+    bool didFailToRead() const { return m_didFailToRead; }
+
     bool finish(ZQError *error)
     {
         return (m_isOpen && archive_write_close(m_writer.get()) == ARCHIVE_OK) || failToWrite(error);
@@ -233,8 +236,7 @@ private:
     }
 
     // In an order that does not depend on the file system.
-    static std::optional<std::vector<QByteArray>> namesIn(const ZQFileDescriptor &folder, const QString &shown,
-                                                          ZQError *error)
+    std::optional<std::vector<QByteArray>> namesIn(const ZQFileDescriptor &folder, const QString &shown, ZQError *error)
     {
         const std::unique_ptr<DIR, int (*)(DIR *)> listing(::fdopendir(::fcntl(folder.get(), F_DUPFD_CLOEXEC, 0)),
                                                            ::closedir);
@@ -255,8 +257,9 @@ private:
         return names;
     }
 
-    static bool failToRead(int code, const QString &shown, ZQError *error)
+    bool failToRead(int code, const QString &shown, ZQError *error)
     {
+        m_didFailToRead = true;
         zqSetError(error, code == EBUSY
                               ? ZQError::with(ZQError::posixDomain, EBUSY,
                                               zqFormat(zqLocalized("“%@” was changed meanwhile. Try again."), {shown}))
@@ -277,6 +280,7 @@ private:
     std::vector<char> m_block;
     QSet<QByteArray> m_names;
     bool m_isOpen = false;
+    bool m_didFailToRead = false;
 };
 
 bool isPossibleName(const QString &name)
@@ -304,7 +308,7 @@ bool areNamesPossible(const QList<ZQZipMember> &members, ZQError *error)
 } // namespace
 
 bool zqWriteZip(const QList<ZQZipMember> &members, const QString &path,
-                const std::function<bool(qsizetype index)> &willAdd, ZQError *error)
+                const std::function<bool(qsizetype index)> &willAdd, ZQError *error, qsizetype *unreadable)
 {
     if (!areNamesPossible(members, error)) {
         return false;
@@ -321,6 +325,9 @@ bool zqWriteZip(const QList<ZQZipMember> &members, const QString &path,
             return false;
         }
         if (!zip.add(members.at(i), error)) {
+            if (unreadable && zip.didFailToRead()) {
+                *unreadable = i;
+            }
             return false;
         }
     }

@@ -9,6 +9,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QDrag>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -17,11 +18,23 @@
 #include <QUrl>
 #include <QWidget>
 
+#include <chrono>
 #include <utility>
 
 namespace {
 
 const QString uriList = QStringLiteral("text/uri-list");
+
+// Nobody took what was written there.
+void removeWhenFinished(const std::shared_ptr<ExportOperation> &operation, const QString &folder)
+{
+    constexpr std::chrono::milliseconds interval{200};
+    if (!operation->isFinished()) {
+        QTimer::singleShot(interval, qApp, [operation, folder] { removeWhenFinished(operation, folder); });
+    } else if (!QDir(folder).removeRecursively()) {
+        qCInfo(zqLogApplication).noquote() << "The folder" << folder << "of a drag goes when Zelto quits";
+    }
+}
 
 } // namespace
 
@@ -62,8 +75,9 @@ void PresetDrag::propose()
 // A target may have looked at the files on the way to where it was let go.
 void PresetDrag::didEnd(Qt::DropAction action)
 {
-    if (action == Qt::IgnoreAction && m_operation && !m_operation->isFinished()) {
+    if (action == Qt::IgnoreAction && m_operation) {
         m_operation->cancel();
+        removeWhenFinished(m_operation, m_operation->request().destinationURL);
     }
 }
 
