@@ -47,11 +47,7 @@ ZQError stoppedError(const QString &path)
 
 struct EndWriting
 {
-    void operator()(archive *writer) const
-    {
-        archive_write_fail(writer); // one that was not closed needs no end
-        archive_write_free(writer);
-    }
+    void operator()(archive *writer) const { archive_write_free(writer); }
 };
 struct FreeEntry
 {
@@ -83,15 +79,19 @@ class ZipFile
 {
 public:
     ZipFile(int output, QString path)
-        : m_path(std::move(path)), m_writer(archive_write_new()), m_entry(archive_entry_new()), m_block(blockBytes)
+        : m_path(std::move(path)), m_output(output), m_writer(archive_write_new()), m_entry(archive_entry_new()),
+          m_block(blockBytes)
     {
         archive *const writer = m_writer.get();
         m_isOpen = archive_write_set_format_zip(writer) == ARCHIVE_OK &&
                    archive_write_set_options(writer, "zip:hdrcharset=UTF-8") == ARCHIVE_OK &&
                    archive_write_set_bytes_per_block(writer, int(blockBytes)) == ARCHIVE_OK &&
                    archive_write_set_bytes_in_last_block(writer, 1) == ARCHIVE_OK &&
-                   archive_write_open_fd(writer, output) == ARCHIVE_OK;
+                   archive_write_open(writer, this, nullptr, &ZipFile::write, nullptr) == ARCHIVE_OK;
     }
+    ~ZipFile() { m_isOver = true; } // the library writes the end of one that was given up
+    ZipFile(const ZipFile &) = delete;
+    ZipFile &operator=(const ZipFile &) = delete;
 
     bool add(const ZQZipMember &member, ZQError *error)
     {
@@ -105,10 +105,21 @@ public:
 
     bool finish(ZQError *error)
     {
-        return (m_isOpen && archive_write_close(m_writer.get()) == ARCHIVE_OK) || failToWrite(error);
+        return (m_isOpen && archive_write_close(m_writer.get()) == ARCHIVE_OK && m_failure == 0) || failToWrite(error);
     }
 
 private:
+    // The library loses memory when it is told that a write failed, so it is not.
+    static la_ssize_t write(archive * /*writer*/, void *file, const void *data, size_t size)
+    {
+        auto *const self = static_cast<ZipFile *>(file);
+        if (!self->m_isOver && self->m_failure == 0 &&
+            !zqWriteAll(self->m_output, static_cast<const char *>(data), qint64(size))) {
+            self->m_failure = errno;
+        }
+        return la_ssize_t(size);
+    }
+
     // `shown`: what an error says.
     bool add(int folder, const QByteArray &file, const QByteArray &name, const QString &shown, ZQError *error)
     {
@@ -155,7 +166,8 @@ private:
 
     bool writeHeader(ZQError *error)
     {
-        return archive_write_header(m_writer.get(), m_entry.get()) == ARCHIVE_OK || failToWrite(error);
+        return (archive_write_header(m_writer.get(), m_entry.get()) == ARCHIVE_OK && m_failure == 0) ||
+               failToWrite(error);
     }
 
     bool addFile(int folder, const QByteArray &file, const QByteArray &name, const QString &shown, ZQError *error)
@@ -194,7 +206,7 @@ private:
             if (got == 0) {
                 return true;
             }
-            if (archive_write_data(m_writer.get(), m_block.data(), size_t(got)) != got) {
+            if (archive_write_data(m_writer.get(), m_block.data(), size_t(got)) != got || m_failure != 0) {
                 return failToWrite(error);
             }
             left -= got;
@@ -269,12 +281,15 @@ private:
 
     bool failToWrite(ZQError *error)
     {
-        const int code = m_writer ? archive_errno(m_writer.get()) : ENOMEM;
+        const int code = m_failure != 0 ? m_failure : m_writer ? archive_errno(m_writer.get()) : ENOMEM;
         zqSetError(error, ZQError::posix(code > 0 ? code : EIO, m_path));
         return false;
     }
 
     const QString m_path;
+    const int m_output;
+    int m_failure = 0; // of a write
+    bool m_isOver = false;
     const std::unique_ptr<archive, EndWriting> m_writer;
     const std::unique_ptr<archive_entry, FreeEntry> m_entry;
     std::vector<char> m_block;
