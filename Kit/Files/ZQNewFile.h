@@ -11,7 +11,7 @@ class ZQNewFile
 {
 public:
     // Open for reading and writing. Nothing, with an error that names `path`, when it cannot be made.
-    static std::optional<ZQNewFile> make(const QString &path, ZQError *error);
+    static std::optional<ZQNewFile> make(const QString &path, ZQError *error, mode_t mode = 0666);
     ZQNewFile(ZQNewFile &&other) noexcept;
     ZQNewFile &operator=(ZQNewFile &&) = delete;
     ~ZQNewFile();
