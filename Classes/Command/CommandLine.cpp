@@ -33,8 +33,6 @@ struct CommandLine::Options
     bool forgets = false;
     bool deleted = false;
     bool deep = false;
-    bool removesMissing = false;
-    bool yes = false;
     std::string duplicates;
     std::string unreadable = "skip";
     std::string key;
@@ -280,54 +278,6 @@ void CommandLine::defineTags()
     attributes->add_flag("--json", m_json,
                          "Print an array of objects: path, tags, rating, comment, webURL, webPageURL, the file "
                          "manager's mirrors, and the names of all attributes");
-}
-
-void CommandLine::defineLiveFolders()
-{
-    static const char *const folderHelp =
-        "A live folder: titles from the top, as \"LIVE FOLDERS/Pictures\", its UUID text, or its path";
-    CLI::App *live = m_app->add_subcommand("livefolders", "List the folders on the disk that the library mirrors");
-    live->require_subcommand(0, 1);
-    live->add_flag(
-        "--json", m_json,
-        "Print an array of objects: UUID, title, folderPath, items, folders, state, reason, reasonsBelow (by path)");
-    const auto define = [this](CLI::App *command, std::function<int(CommandContext &)> run) {
-        command->callback([this, command, run = std::move(run)] {
-            if (command->get_subcommands().empty()) { // else that one was meant
-                m_needsLibrary = true;
-                m_run = run;
-            }
-        });
-    };
-    const auto sync = [this](CommandContext &context) {
-        return zqRunSyncLiveFolders(text(m_options->reference), m_options->removesMissing, context);
-    };
-    const auto which = [this] { return text(m_options->reference); };
-    define(live, zqRunLiveFolders);
-    CLI::App *addition =
-        live->add_subcommand("add", "Mirror folders: their pictures become items and stay where they are");
-    addition->add_option("paths", m_options->paths, "Folders on the disk")->required()->type_name("PATH");
-    define(addition, [this](CommandContext &context) { return zqRunAddLiveFolders(texts(m_options->paths), context); });
-    addition->parse_complete_callback([this] { m_fillsLibrary = true; });
-    CLI::App *removal =
-        live->add_subcommand("remove", "Take a live folder out of the sidebar; the folder stays on the disk");
-    removal->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
-    define(removal, [which](CommandContext &context) { return zqRunRemoveLiveFolder(which(), context); });
-    CLI::App *use = live->add_subcommand(
-        "use", "Take the folder that lies in the place of a missing live folder for it, as after a change of disks");
-    use->add_option("folder", m_options->reference, folderHelp)->required()->type_name("REF");
-    use->add_flag("--yes", m_options->yes, "Although items whose files are not in it leave the library");
-    define(use,
-           [this, which](CommandContext &context) { return zqRunUseLiveFolder(which(), m_options->yes, context); });
-    for (CLI::App *command : {live->add_subcommand("sync", "Bring a live folder, or all, in step with the disk"),
-                              m_app->add_subcommand("sync", "Bring all live folders, or one, in step with the disk")}) {
-        command->add_option("folder", m_options->reference, folderHelp)->type_name("REF");
-        command->add_flag("--remove-missing", m_options->removesMissing,
-                          "Remove from the library what is gone from the disk, also where it is so much at once that "
-                          "it would be kept; this time only");
-        command->add_flag("--json", m_json, "Print what `zelto livefolders --json` prints");
-        define(command, sync);
-    }
 }
 
 void CommandLine::defineVerify()

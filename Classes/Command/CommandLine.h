@@ -63,11 +63,11 @@ private:
     void defineItems();
     void defineSearch();
     void defineSmartFolder();
-    void defineExport();
+    void defineExport(); // in CommandLineExport.cpp
     void defineDeletion();
     void defineTags();
-    void defineLiveFolders();
-    void definePsd(); // in CommandLinePsd.cpp
+    void defineLiveFolders(); // in CommandLineLiveFolders.cpp
+    void definePsd();         // in CommandLinePsd.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

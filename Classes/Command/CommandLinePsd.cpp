@@ -1,20 +1,29 @@
+// How `zelto psd` is written on a command line.
+
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/Commands.h"
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
 #include <string>
 #include <vector>
 
+namespace {
+
+// What CLI11 parses into; it speaks std::string.
+struct Arguments
+{
+    std::vector<std::string> layers;
+    std::string size;
+    std::string out;
+    bool force = false;
+};
+
+} // namespace
+
 void CommandLine::definePsd()
 {
-    struct Arguments
-    {
-        std::vector<std::string> layers;
-        std::string size;
-        std::string out;
-        bool force = false;
-    };
     const auto given = std::make_shared<Arguments>();
     CLI::App *command = add("psd", "Write pictures as the layers of a Photoshop document; no library is needed", false,
                             [given](CommandContext &context) {

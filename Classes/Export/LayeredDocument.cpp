@@ -2,14 +2,17 @@
 
 #include "Classes/Export/PSDWriter.h"
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQNewFile.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QUuid>
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <optional>
 #include <utility>
 
@@ -62,19 +65,22 @@ std::optional<QByteArray> documentOf(const QList<LayeredPicture> &pictures, QSiz
     return writer.createPSDData();
 }
 
-// A name beside that is nobody's, since what is renamed must not be there yet.
 bool writeNew(const QString &path, const QByteArray &document, ZQError *error)
 {
-    const QString beside = QFileInfo(path).absolutePath() + QStringLiteral("/.zelto-") +
-                           QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".psd");
-    if (!zqWriteFileAtomically(beside, document, error)) {
+    auto file = ZQNewFile::make(path, error);
+    if (!file) {
         return false;
     }
-    if (zqMoveNoReplace(beside, path, error)) {
-        return true;
+    if (!zqWriteAll(file->descriptor(), document.constData(), document.size()) || fsync(file->descriptor()) != 0) {
+        return zqFailWithErrno(error, QFile::encodeName(path));
     }
-    QFile::remove(beside);
-    return QFileInfo::exists(path) ? alreadyThere(path, error) : false;
+    ZQError failure;
+    if (!file->place(&failure)) {
+        zqSetError(error, failure);
+        return failure.code == EEXIST ? alreadyThere(path, error) : false;
+    }
+    zqSyncFolder(QFileInfo(path).absolutePath());
+    return true;
 }
 
 } // namespace

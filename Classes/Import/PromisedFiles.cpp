@@ -2,6 +2,7 @@
 
 #include "Classes/Import/DirectoryContent.h"
 #include "Classes/Import/PasteboardFiles.h"
+#include "Classes/Import/XDirectSaveProtocol.h"
 #include "Kit/Files/ZQOpenForWriting.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -67,7 +68,7 @@ QString PromisedFiles::formatIn(const QMimeData &data)
 {
     const QStringList formats = data.formats();
     const auto format = std::find_if(formats.begin(), formats.end(), [](const QString &each) {
-        return each.compare(QStringLiteral("XdndDirectSave0"), Qt::CaseInsensitive) == 0;
+        return each.compare(XDirectSaveProtocol::format, Qt::CaseInsensitive) == 0;
     });
     return format == formats.end() ? QString() : *format;
 }

@@ -1,70 +1,31 @@
 #include "Classes/Import/XDirectSave.h"
 
+#include "Classes/Import/XDirectSaveProtocol.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QGuiApplication>
 
-#include <cstdlib>
+using namespace XDirectSaveProtocol;
 
 namespace {
 
-struct Freeing
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-template <class T>
-using Reply = std::unique_ptr<T, Freeing>;
-
 constexpr quint32 longestName = 4096; // bytes
 constexpr quint32 longestAnswer = 64;
-constexpr quint8 bitsOfText = 8;
-
-xcb_atom_t atomNamed(xcb_connection_t *connection, const QByteArray &name)
-{
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, false, quint16(name.size()), name.constData()), nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-}
-
-xcb_window_t ownerOf(xcb_connection_t *connection, xcb_atom_t selection)
-{
-    const Reply<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr));
-    return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
-}
-
-// The text in a property, whatever it says its type is, cut off at `longest` bytes; empty for what is no text.
-QByteArray textOf(xcb_connection_t *connection, xcb_window_t window, xcb_atom_t property, quint32 longest)
-{
-    const auto asked = xcb_get_property(connection, false, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, longest / 4);
-    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, asked, nullptr));
-    if (!reply || reply->format != bitsOfText) {
-        return {};
-    }
-    return QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
-                      xcb_get_property_value_length(reply.get()));
-}
-
-xcb_connection_t *connectionOfWindow()
-{
-    const auto *const x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return x11 ? x11->connection() : nullptr;
-}
 
 } // namespace
 
 PromiseSourceMaker XDirectSave::maker()
 {
-    xcb_connection_t *const connection = connectionOfWindow();
-    if (!connection) {
+    xcb_connection_t *const display = connection();
+    if (!display) {
         return {};
     }
-    return [connection](const QString &format) { return std::make_unique<XDirectSave>(connection, format); };
+    return [display](const QString &offered) { return std::make_unique<XDirectSave>(display, offered); };
 }
 
-XDirectSave::XDirectSave(xcb_connection_t *connection, const QString &format)
-    : m_connection(connection), m_selection(atomNamed(connection, "XdndSelection")),
-      m_format(atomNamed(connection, format.toLatin1())), m_source(ownerOf(connection, m_selection))
+XDirectSave::XDirectSave(xcb_connection_t *display, const QString &offered)
+    : m_connection(display), m_selection(dragSelection(display)), m_format(atomNamed(display, offered.toLatin1())),
+      m_source(ownerOf(display, m_selection))
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
@@ -80,25 +41,17 @@ XDirectSave::~XDirectSave()
 
 QByteArray XDirectSave::proposedName()
 {
-    return textOf(m_connection, m_source, m_format, longestName);
+    return textOf(m_connection, m_source, m_format, longestName).bytes;
 }
 
 void XDirectSave::save(const QByteArray &address)
 {
-    if (m_source == XCB_WINDOW_NONE || !tellAddress(address)) {
+    if (m_source == XCB_WINDOW_NONE || !writeText(m_connection, m_source, m_format, address)) {
         qCInfo(zqLogImport) << "The program that promised a file is gone";
         m_answer = QByteArray();
         return;
     }
     ask();
-}
-
-bool XDirectSave::tellAddress(const QByteArray &address)
-{
-    const auto told = xcb_change_property_checked(m_connection, XCB_PROP_MODE_REPLACE, m_source, m_format,
-                                                  atomNamed(m_connection, "text/plain"), bitsOfText,
-                                                  quint32(address.size()), address);
-    return !Reply<xcb_generic_error_t>(xcb_request_check(m_connection, told));
 }
 
 void XDirectSave::ask()
@@ -125,7 +78,8 @@ bool XDirectSave::nativeEventFilter(const QByteArray &eventType, void *message, 
     if (notify->requestor != m_window || m_answer) {
         return notify->requestor == m_window;
     }
-    m_answer = notify->property == XCB_ATOM_NONE ? QByteArray()
-                                                 : textOf(m_connection, m_window, notify->property, longestAnswer);
+    m_answer = notify->property == XCB_ATOM_NONE
+                   ? QByteArray()
+                   : textOf(m_connection, m_window, notify->property, longestAnswer).bytes;
     return true;
 }

@@ -19,7 +19,7 @@ public:
     // An empty one when the window is not on an X display.
     static PromiseSourceMaker maker();
 
-    XDirectSave(xcb_connection_t *connection, const QString &format);
+    XDirectSave(xcb_connection_t *display, const QString &offered);
     ~XDirectSave() override;
     XDirectSave(const XDirectSave &) = delete;
     XDirectSave &operator=(const XDirectSave &) = delete;
@@ -30,7 +30,6 @@ public:
 
 private:
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
-    bool tellAddress(const QByteArray &address);
     void ask();
 
     xcb_connection_t *const m_connection;

@@ -1,7 +1,7 @@
 #include "Kit/Files/ZQFileCopy.h"
 
+#include "Kit/Files/ZQCopyParts.h"
 #include "Kit/Files/ZQDigest.h"
-#include "Kit/Files/ZQFileAdvice.h"
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -9,33 +9,23 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <memory>
 
+using namespace ZQCopyParts;
+
 namespace {
 
 constexpr qint64 blockSize = 1 << 20;
-constexpr int attempts = 3;
-
-using IsCancelled = std::function<bool()>;
 
 struct Request
 {
     const IsCancelled &isCancelled;
     ZQError *error;
 
-    bool isStopped() const
-    {
-        if (!isCancelled || !isCancelled()) {
-            return false;
-        }
-        zqSetError(error, ZQError::posix(ECANCELED, zqLocalized("The copy was cancelled")));
-        return true;
-    }
+    bool isStopped() const { return ZQCopyParts::isStopped(isCancelled, error); }
 };
 
 bool fail(ZQError *error, int code, const char *format, const QByteArray &path)
@@ -43,43 +33,6 @@ bool fail(ZQError *error, int code, const char *format, const QByteArray &path)
     zqSetError(error,
                ZQError::with(ZQError::posixDomain, code, zqFormat(zqLocalized(format), {QFile::decodeName(path)})));
     return false;
-}
-
-enum class LinkRule { Follow, Refuse };
-
-// A regular file, open for reading. Anything else is refused before it is opened, since opening a pipe can wait and
-// opening a device can act.
-ZQFileDescriptor openRegularFile(const QByteArray &path, LinkRule rule, struct stat *status, ZQError *error)
-{
-    const int flags = rule == LinkRule::Refuse ? O_NOFOLLOW : 0;
-    if (fstatat(AT_FDCWD, path.constData(), status, flags ? AT_SYMLINK_NOFOLLOW : 0) != 0) {
-        zqFailWithErrno(error, path);
-        return ZQFileDescriptor();
-    }
-    if (S_ISDIR(status->st_mode)) {
-        errno = EISDIR;
-        zqFailWithErrno(error, path);
-        return ZQFileDescriptor();
-    }
-    if (S_ISREG(status->st_mode)) {
-        ZQFileDescriptor file(open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | flags));
-        if (!file.isOpen() || fstat(file.get(), status) != 0) {
-            zqFailWithErrno(error, path);
-            return ZQFileDescriptor();
-        }
-        if (S_ISREG(status->st_mode)) {
-            posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-            return file;
-        }
-    }
-    fail(error, EINVAL, "“%@” is neither a file nor a folder, so it cannot be copied.", path);
-    return ZQFileDescriptor();
-}
-
-bool isUnchanged(const struct stat &before, const struct stat &after)
-{
-    return before.st_size == after.st_size && before.st_mtim.tv_sec == after.st_mtim.tv_sec &&
-           before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
 }
 
 // Reads `source` to its end, digests it and hands each block to `write`.
@@ -115,52 +68,27 @@ std::optional<ZQCopyResult> readThrough(int source, const QByteArray &path, cons
 
 constexpr auto writeNothing = [](const char *, qint64) { return true; };
 
-// Reads as `readThrough` does, again when the source changed meanwhile; `prepare` is called before each pass and may do
-// without one by answering the descriptor to read instead.
+// Reads as `readThrough` does, again when the source changed meanwhile; `prepare` is called before each pass.
 template <class Prepare, class Write>
-std::optional<ZQCopyResult> readUnchanged(int source, const QByteArray &path, const Request &request, Prepare prepare,
-                                          Write write)
+std::optional<ZQCopyResult> digestUnchanged(int source, const QByteArray &path, const Request &request, Prepare prepare,
+                                            Write write)
 {
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        struct stat before = {};
-        struct stat after = {};
-        if (fstat(source, &before) != 0 || !prepare()) {
-            zqFailWithErrno(request.error, path);
-            return std::nullopt;
-        }
-        const auto result = readThrough(source, path, request, write);
-        if (!result) {
-            return std::nullopt;
-        }
-        if (fstat(source, &after) == 0 && isUnchanged(before, after) && result->bytes == before.st_size) {
-            return result;
-        }
-    }
-    zqSetError(
-        request.error,
-        zqExplainedFileError(
-            EBUSY,
-            zqFormat(zqLocalized("“%@” changed while it was being copied. Close it in other programs and try again."),
-                     {QFile::decodeName(path)})));
-    return std::nullopt;
-}
-
-void keepMetadata(int source, int destination, const struct stat &status)
-{
-    zqCopyUserAttributes(source, destination); // before the mode, which may forbid it
-    fchmod(destination, status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO));
-    const timespec times[] = {status.st_atim, status.st_mtim};
-    futimens(destination, times);
+    std::optional<ZQCopyResult> result;
+    const auto pass = [&]() -> std::optional<qint64> {
+        result = prepare() ? readThrough(source, path, request, write) : std::nullopt;
+        return result ? std::optional(result->bytes) : std::nullopt;
+    };
+    return readUnchanged(source, path, pass, request.error) ? result : std::nullopt;
 }
 
 std::optional<ZQCopyResult> copyContent(int source, int target, const QByteArray &from, const QByteArray &to,
                                         const Request &request)
 {
-    if (ioctl(target, FICLONE, source) == 0) {
-        return readThrough(target, to, request, writeNothing); // the clone no longer follows the source
+    if (clone(source, target)) {
+        return readThrough(target, to, request, writeNothing);
     }
-    return readUnchanged(
-        source, from, request, [&] { return ftruncate(target, 0) == 0 && lseek(target, 0, SEEK_SET) == 0; },
+    return digestUnchanged(
+        source, from, request, [&] { return empty(target) || zqFailWithErrno(request.error, to); },
         [&](const char *data, qint64 size) {
             return zqWriteAll(target, data, size) || zqFailWithErrno(request.error, to);
         });
@@ -187,8 +115,7 @@ std::optional<ZQCopyResult> copyRegularFile(const QByteArray &from, const QByteA
             // On its way while its picture is decoded, so that the flush that it needs later has less to wait for.
             sync_file_range(target.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
         }
-        fstat(source.get(), &status);
-        keepMetadata(source.get(), target.get(), status);
+        keepMetadata(source.get(), target.get());
         if (!target.close()) {
             zqFailWithErrno(request.error, to);
             result.reset();
@@ -249,10 +176,9 @@ bool copyEntries(const QByteArray &from, const QByteArray &to, const Request &re
             return false;
         }
     }
-    struct stat status = {};
     const ZQFileDescriptor target(open(to.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (target.isOpen() && fstat(dirfd(folder.get()), &status) == 0) {
-        keepMetadata(dirfd(folder.get()), target.get(), status);
+    if (target.isOpen()) {
+        keepMetadata(dirfd(folder.get()), target.get());
     }
     return true;
 }
@@ -281,12 +207,6 @@ std::optional<ZQCopyResult> copyFolder(const QByteArray &from, const QByteArray 
         return std::nullopt;
     }
     return result;
-}
-
-bool isFolder(const QByteArray &path)
-{
-    struct stat status = {};
-    return stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 QByteArray withoutSlashes(QByteArray path)
@@ -333,7 +253,7 @@ std::optional<ZQCopyResult> zqLinkOrCopyFile(const QString &source, const QStrin
     if (hasOtherNames || linkat(AT_FDCWD, from->constData(), AT_FDCWD, to->constData(), AT_SYMLINK_FOLLOW) != 0) {
         return zqCopyFile(source, destination, error, isCancelled);
     }
-    const auto result = readUnchanged(
+    const auto result = digestUnchanged(
         file.get(), *from, {isCancelled, error}, [] { return true; }, writeNothing);
     if (!result) {
         unlink(to->constData());
@@ -349,7 +269,7 @@ QByteArray zqSHA1OfFile(const QString &path, ZQError *error)
     if (!file.isOpen()) {
         return {};
     }
-    const auto result = readUnchanged(
+    const auto result = digestUnchanged(
         file.get(), *name, {{}, error}, [] { return true; }, writeNothing);
     return result ? result->SHA1 : QByteArray();
 }

@@ -9,7 +9,7 @@
 
 #include <cerrno>
 
-std::optional<ZQNewFile> ZQNewFile::make(const QString &path, ZQError *error)
+std::optional<ZQNewFile> ZQNewFile::make(const QString &path, ZQError *error, mode_t mode)
 {
     const auto name = zqSystemPath(path, error);
     if (!name) {
@@ -18,7 +18,7 @@ std::optional<ZQNewFile> ZQNewFile::make(const QString &path, ZQError *error)
     ZQNewFile out;
     out.m_path = path;
     const QByteArray temporary = zqTemporaryNameBeside(*name);
-    out.m_file = ZQFileDescriptor(::open(temporary.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    out.m_file = ZQFileDescriptor(::open(temporary.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (!out.m_file.isOpen()) {
         zqFailWithErrno(error, *name);
         return std::nullopt;

@@ -6,12 +6,12 @@
 
 // A file being written that takes its name only when it is whole, and never over a file that is there. It lies beside
 // its place under another name until `place`, and is removed when that was not reached. Nothing is flushed to disk:
-// whoever needs that calls `zqSyncFileSystem` once for all files. One thread at a time.
+// whoever needs that flushes `descriptor` before, or calls `zqSyncFileSystem` once for all files. One thread at a time.
 class ZQNewFile
 {
 public:
     // Open for reading and writing. Nothing, with an error that names `path`, when it cannot be made.
-    static std::optional<ZQNewFile> make(const QString &path, ZQError *error);
+    static std::optional<ZQNewFile> make(const QString &path, ZQError *error, mode_t mode = 0666);
     ZQNewFile(ZQNewFile &&other) noexcept;
     ZQNewFile &operator=(ZQNewFile &&) = delete;
     ~ZQNewFile();

@@ -1,63 +1,22 @@
 #include "Kit/Files/ZQPlainCopy.h"
 
-#include "Kit/Files/ZQFileAdvice.h"
+#include "Kit/Files/ZQCopyParts.h"
 #include "Kit/Files/ZQFileCopy.h"
-#include "Kit/Files/ZQSystemFile.h"
-#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Files/ZQNewFile.h"
 
 #include <QFile>
 
 #include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/sendfile.h>
 #include <unistd.h>
 
 #include <cerrno>
 
+using namespace ZQCopyParts;
+
 namespace {
 
 constexpr size_t blockSize = size_t(8) << 20;
-
-using IsCancelled = std::function<bool()>;
-
-bool isStopped(const IsCancelled &isCancelled, ZQError *error)
-{
-    if (!isCancelled || !isCancelled()) {
-        return false;
-    }
-    zqSetError(error, ZQError::posix(ECANCELED, zqLocalized("The copy was cancelled")));
-    return true;
-}
-
-bool isUnchanged(const struct stat &before, const struct stat &after)
-{
-    return before.st_size == after.st_size && before.st_mtim.tv_sec == after.st_mtim.tv_sec &&
-           before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
-}
-
-bool refuse(const QByteArray &path, ZQError *error)
-{
-    zqSetError(error,
-               ZQError::with(ZQError::posixDomain, EINVAL,
-                             zqFormat(zqLocalized("“%@” is neither a file nor a folder, so it cannot be copied."),
-                                      {QFile::decodeName(path)})));
-    return false;
-}
-
-ZQFileDescriptor openSource(const QByteArray &path, struct stat *status, ZQError *error)
-{
-    ZQFileDescriptor file(open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file.isOpen() || fstat(file.get(), status) != 0) {
-        zqFailWithErrno(error, path);
-        return ZQFileDescriptor();
-    }
-    if (!S_ISREG(status->st_mode)) {
-        refuse(path, error);
-        return ZQFileDescriptor();
-    }
-    return file;
-}
 
 // -1 with errno; 0 at the end. Not every pair of file systems knows the first way.
 ssize_t copyBlock(int source, int target, bool *isWithinFileSystems)
@@ -83,81 +42,52 @@ ssize_t copyBlock(int source, int target, bool *isWithinFileSystems)
     }
 }
 
-bool copyContent(int source, int target, const QByteArray &from, const QByteArray &to, const IsCancelled &isCancelled,
-                 ZQError *error)
+// What can be copied of `source` from where both stand; how much that was.
+std::optional<qint64> copyBlocks(int source, int target, const QByteArray &from, const QByteArray &to,
+                                 const IsCancelled &isCancelled, ZQError *error)
 {
-    struct stat before = {};
-    struct stat after = {};
-    if (ioctl(target, FICLONE, source) == 0) {
-        return true;
-    }
-    if (fstat(source, &before) != 0) {
-        return zqFailWithErrno(error, from);
-    }
     bool isWithinFileSystems = true;
-    off_t bytes = 0;
+    qint64 bytes = 0;
     for (;;) {
         if (isStopped(isCancelled, error)) {
-            return false;
+            return std::nullopt;
         }
         const ssize_t size = copyBlock(source, target, &isWithinFileSystems);
         if (size < 0) {
-            return zqFailWithErrno(error, errno == EIO ? from : to);
+            zqFailWithErrno(error, errno == EIO ? from : to);
+            return std::nullopt;
         }
         if (size == 0) {
-            break;
+            return bytes;
         }
         bytes += size;
     }
-    if (fstat(source, &after) == 0 && isUnchanged(before, after) && bytes == before.st_size) {
-        return true;
-    }
-    zqSetError(error,
-               zqExplainedFileError(EBUSY, zqFormat(zqLocalized("“%@” changed while it was being copied. Close it in "
-                                                                "other programs and try again."),
-                                                    {QFile::decodeName(from)})));
-    return false;
 }
 
-void keepMetadata(int source, int target)
+bool copyContent(int source, int target, const QByteArray &from, const QByteArray &to, const IsCancelled &isCancelled,
+                 ZQError *error)
 {
-    struct stat status = {};
-    if (fstat(source, &status) != 0) {
-        return;
-    }
-    zqCopyUserAttributes(source, target); // before the mode, which may forbid it
-    fchmod(target, status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO));
-    const timespec times[] = {status.st_atim, status.st_mtim};
-    futimens(target, times);
+    const auto pass = [&]() -> std::optional<qint64> {
+        if (lseek(source, 0, SEEK_SET) != 0 || !empty(target)) {
+            zqFailWithErrno(error, to);
+            return std::nullopt;
+        }
+        return copyBlocks(source, target, from, to, isCancelled, error);
+    };
+    return clone(source, target) || readUnchanged(source, from, pass, error);
 }
 
-// A file without a name, which nobody sees and which goes with the process. `temporary` is its name where the file
-// system has no such files.
-ZQFileDescriptor makeTarget(const QByteArray &destination, QByteArray *temporary, ZQError *error)
+// A file without a name, which nobody sees and which goes with the process; closed, with errno, when there is none.
+ZQFileDescriptor makeNameless(const QByteArray &destination)
 {
     const QByteArray folder = destination.left(destination.lastIndexOf('/') + 1);
-    ZQFileDescriptor file(
+    return ZQFileDescriptor(
         open(folder.isEmpty() ? "." : folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file.isOpen() && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL || errno == ENOENT)) {
-        *temporary = zqTemporaryNameBeside(destination);
-        file = ZQFileDescriptor(open(temporary->constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-        if (!file.isOpen()) {
-            temporary->clear();
-        }
-    }
-    if (!file.isOpen()) {
-        zqFailWithErrno(error, destination);
-    }
-    return file;
 }
 
-bool giveName(ZQFileDescriptor &target, const QByteArray &temporary, const QByteArray &destination, ZQError *error)
+bool giveName(int target, const QByteArray &destination, ZQError *error)
 {
-    if (!temporary.isEmpty()) {
-        return (target.close() || zqFailWithErrno(error, destination)) &&
-               zqMoveNoReplace(QFile::decodeName(temporary), QFile::decodeName(destination), error);
-    }
-    const QByteArray link = "/proc/self/fd/" + QByteArray::number(target.get());
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(target);
     return linkat(AT_FDCWD, link.constData(), AT_FDCWD, destination.constData(), AT_SYMLINK_FOLLOW) == 0 ||
            zqFailWithErrno(error, destination);
 }
@@ -165,24 +95,27 @@ bool giveName(ZQFileDescriptor &target, const QByteArray &temporary, const QByte
 bool copyRegularFile(const QByteArray &from, const QByteArray &to, const IsCancelled &isCancelled, ZQError *error)
 {
     struct stat status = {};
-    const ZQFileDescriptor source = openSource(from, &status, error);
+    const ZQFileDescriptor source = openRegularFile(from, LinkRule::Follow, &status, error);
     if (!source.isOpen()) {
         return false;
     }
-    QByteArray temporary;
-    ZQFileDescriptor target = makeTarget(to, &temporary, error);
-    if (!target.isOpen()) {
-        return false;
+    const auto fill = [&](int target) {
+        const bool isDone = copyContent(source.get(), target, from, to, isCancelled, error);
+        if (isDone) {
+            keepMetadata(source.get(), target);
+        }
+        return isDone;
+    };
+    const ZQFileDescriptor nameless = makeNameless(to);
+    if (nameless.isOpen()) {
+        return fill(nameless.get()) && giveName(nameless.get(), to, error);
     }
-    bool isDone = copyContent(source.get(), target.get(), from, to, isCancelled, error);
-    if (isDone) {
-        keepMetadata(source.get(), target.get());
-        isDone = giveName(target, temporary, to, error);
+    if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL && errno != ENOENT) {
+        return zqFailWithErrno(error, to);
     }
-    if (!isDone && !temporary.isEmpty()) {
-        unlink(temporary.constData());
-    }
-    return isDone;
+    // Not every file system has files without a name. Nobody else reads this one before it has its source's mode.
+    auto named = ZQNewFile::make(QFile::decodeName(to), error, S_IRUSR | S_IWUSR);
+    return named && fill(named->descriptor()) && named->place(error);
 }
 
 bool copyFolder(const QByteArray &from, const QByteArray &to, const IsCancelled &isCancelled, ZQError *error)
@@ -212,13 +145,6 @@ bool zqCopyPlainly(const QString &source, const QString &destination, ZQError *e
     if (!to || isStopped(isCancelled, error)) {
         return false;
     }
-    struct stat status = {};
-    if (stat(from->constData(), &status) != 0) {
-        return zqFailWithErrno(error, *from);
-    }
-    if (S_ISDIR(status.st_mode)) {
-        return copyFolder(*from, *to, isCancelled, error);
-    }
-    // Before it is opened: a pipe could make that wait, and a device could act.
-    return S_ISREG(status.st_mode) ? copyRegularFile(*from, *to, isCancelled, error) : refuse(*from, error);
+    return isFolder(*from) ? copyFolder(*from, *to, isCancelled, error)
+                           : copyRegularFile(*from, *to, isCancelled, error);
 }

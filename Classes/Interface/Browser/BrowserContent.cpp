@@ -20,14 +20,9 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace {
-
-// Rows of another place go when theirs are late, and only then, so that a quick answer is one change and not two.
-constexpr std::chrono::milliseconds untilRowsGo{150};
-constexpr std::chrono::milliseconds untilReadingIsSaid{250}; // after they went
 
 constexpr qsizetype mostFiles = 20000; // that another program gets
 
@@ -68,8 +63,12 @@ BrowserContent::BrowserContent(WindowContext &window, QObject *parent)
       m_typingTicket(window.fetcher, ContentFetcher::Priority::Typing)
 {
     connect(&m_values, &BrowserRowValues::arrived, this, &BrowserContent::valuesArrived);
-    m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, &BrowserContent::endPatience);
+    connect(&m_patience, &RowsPatience::rowsAreLate, this, [this] {
+        show({}, {});
+        m_folderKind.reset();
+        Q_EMIT waited();
+    });
+    connect(&m_patience, &RowsPatience::becameLong, this, &BrowserContent::waited);
 }
 
 void BrowserContent::setTab(std::shared_ptr<TabState> tab)
@@ -93,23 +92,7 @@ void BrowserContent::setTab(std::shared_ptr<TabState> tab)
 // Whoever goes on before the rows came waits no longer for that.
 void BrowserContent::waitForRows()
 {
-    if (m_isLoaded) {
-        m_patience.stop();
-        m_saysReading = false;
-    } else if (!m_patience.isActive() && !m_saysReading) {
-        m_patience.start(untilRowsGo);
-    }
-}
-
-void BrowserContent::endPatience()
-{
-    m_saysReading = m_patience.intervalAsDuration() == untilReadingIsSaid;
-    if (!m_saysReading) {
-        show({}, {});
-        m_folderKind.reset();
-        m_patience.start(untilReadingIsSaid);
-    }
-    Q_EMIT waited();
+    m_isLoaded ? m_patience.end() : m_patience.begin();
 }
 
 void BrowserContent::setSidebarItems(const QList<ZQObjectID> &items)
@@ -571,7 +554,7 @@ QString BrowserContent::emptySearchText() const
 QString BrowserContent::emptyText() const
 {
     if (!m_isLoaded || m_isAskedAnew) {
-        return m_saysReading ? zqLocalized("Reading…") : QString();
+        return m_patience.isLong() ? zqLocalized("Reading…") : QString();
     }
     if (!error().isNull()) {
         return ContentFetcher::textForError(error());

@@ -4,11 +4,10 @@
 #include "Classes/Browsing/Tabs/TabState.h"
 #include "Classes/Interface/Browser/AssetFiles.h"
 #include "Classes/Interface/Browser/BrowserRowValues.h"
+#include "Classes/Interface/Browser/RowsPatience.h"
 #include "Classes/Interface/LiveFolderStates.h"
 #include "Classes/Interface/WindowContext.h"
 #include "Kit/Widgets/ZQGridView.h"
-
-#include <QTimer>
 
 // What a browser shows of a tab: identifiers of all rows in order, objects only for those on screen.
 class BrowserContent : public QObject, public ZQGridDataSource
@@ -102,7 +101,6 @@ private:
     void take(const Content &content);
     void show(const Content &content, const QList<ZQGridGroup> &heads);
     void waitForRows();
-    void endPatience();
 
     WindowContext &m_window;
     std::shared_ptr<TabState> m_tab;
@@ -112,8 +110,7 @@ private:
     BrowserRowValues m_values;
     bool m_showsValues = false;
     quint64 m_fetches = 0;
-    QTimer m_patience;          // while rows of another place are waited for
-    bool m_saysReading = false; // since that takes long
+    RowsPatience m_patience; // with another place
     bool m_isLoaded = false;
     bool m_isAskedAnew = false; // what comes is announced even if it is the same
     mutable QHash<qint64, ZQRef<ZQLibraryBaseItem>> m_shown;

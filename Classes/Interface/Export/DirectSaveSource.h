@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Classes/Import/XDirectSaveProtocol.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -11,7 +13,7 @@
 class DirectSaveSource
 {
 public:
-    static inline const QString format = QStringLiteral("XdndDirectSave0"); // also the property's
+    static inline const QString format = XDirectSaveProtocol::format;
     // What the target is answered.
     static inline const QByteArray saved = QByteArrayLiteral("S");
     static inline const QByteArray failed = QByteArrayLiteral("F"); // it may ask in another format

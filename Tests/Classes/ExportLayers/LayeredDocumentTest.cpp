@@ -80,6 +80,17 @@ TEST_F(LayeredDocumentTest, IsWrittenWholeAndOverNothingUnasked)
     EXPECT_EQ(written(), QStringList{QStringLiteral("a.psd")});
 }
 
+TEST_F(LayeredDocumentTest, LeavesWhatTookTheNameMeanwhile)
+{
+    const auto putAnother = [this] { put(out, "mine"); };
+    EXPECT_FALSE(
+        LayeredDocument::write({picture(QStringLiteral("a"), {3, 2})}, {3, 2}, out, false, putAnother, &error));
+    EXPECT_EQ(error.domain, LayeredDocument::errorDomain);
+    EXPECT_EQ(error.code, LayeredDocument::AlreadyThere);
+    EXPECT_EQ(bytesAt(out), "mine");
+    EXPECT_EQ(written(), QStringList{QStringLiteral("a.psd")});
+}
+
 TEST_F(LayeredDocumentTest, LeavesNothingWhenItFails)
 {
     const LayeredPicture good = picture(QStringLiteral("a"), {3, 2});

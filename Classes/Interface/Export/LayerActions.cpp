@@ -1,4 +1,4 @@
-#include "Classes/Interface/Window/LayerActions.h"
+#include "Classes/Interface/Export/LayerActions.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Export/LayeredExport.h"
