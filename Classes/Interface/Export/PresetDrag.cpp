@@ -148,7 +148,8 @@ QByteArray PresetDrag::saveDirectly() const
     if (path.isEmpty() || !QFileInfo(folder).isDir()) {
         return m_directAnswer;
     }
-    const ExportResult *const result = waitFor(m_exporting(folder));
+    const std::shared_ptr<ExportOperation> operation = m_exporting(folder); // the result is its
+    const ExportResult *const result = waitFor(operation);
     if (!result || result->written.isEmpty()) {
         m_directAnswer = result && result->isCancelled ? DirectSaveSource::cancelled : DirectSaveSource::failed;
         return m_directAnswer;
