@@ -2,6 +2,7 @@
 
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/Commands.h"
+#include "Classes/Export/ExportItem.h"
 
 #include <CLI/CLI.hpp>
 
@@ -46,8 +47,8 @@ ExportCommandRequest requestOf(const ExportOptions &options)
 
 void CommandLine::defineExport()
 {
-    constexpr double mostPixels = 1 << 24;
-    constexpr double mostPercent = 100000;
+    constexpr double mostPixels = ExportItem::mostPixels;
+    constexpr double mostPercent = ExportItem::mostPercent;
     const auto options = std::make_shared<ExportOptions>();
     CLI::App *command = add("export", "Write items into a folder, as they are or converted", true,
                             [options](CommandContext &context) { return zqRunExport(requestOf(*options), context); });
@@ -77,7 +78,7 @@ void CommandLine::defineExport()
         ->check(CLI::Range(0.01, mostPercent))
         ->type_name("P");
     alone(command->add_option("--quality", options->numbers.quality, "1 to 100, for webp and avif"))
-        ->check(CLI::Range(1, 100))
+        ->check(CLI::Range(1, ExportItem::mostQuality))
         ->type_name("Q");
     command
         ->add_option("--name", options->namePattern,
