@@ -77,7 +77,8 @@ void CommandLine::defineExport()
     alone(command->add_option("--percent", options->numbers.percent, "Scale pictures to so many percent"))
         ->check(CLI::Range(0.01, mostPercent))
         ->type_name("P");
-    alone(command->add_option("--quality", options->numbers.quality, "1 to 100, for webp and avif"))
+    alone(command->add_option("--quality", options->numbers.quality,
+                              "1 to 100, for " + zqExportFormatsWithQuality().toStdString()))
         ->check(CLI::Range(1, ExportItem::mostQuality))
         ->type_name("Q");
     command

@@ -15,7 +15,7 @@ namespace {
 
 ZQManagedObjectContext *contextOfLibrary()
 {
-    const tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+    tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
     return delegate ? delegate->managedObjectContext() : nullptr;
 }
 
@@ -81,10 +81,10 @@ QString ExportManager::proposedName(const ExportRequest &request)
         return ExportNames::archive;
     }
     ZQManagedObjectContext *const context = contextOfLibrary();
-    const auto items = context ? ExportSource::itemsWithIDs(request.items.first(std::min<qsizetype>(
-                                                                request.items.size(), 1)),
-                                                            *context)
-                               : QList<ZQRef<ZQLibraryBaseItem>>();
+    const auto items =
+        context
+            ? ExportSource::itemsWithIDs(request.items.first(std::min<qsizetype>(request.items.size(), 1)), *context)
+            : QList<ZQRef<ZQLibraryBaseItem>>();
     const ZQRef<ZQLibraryBaseItem> item = items.value(0);
     return item ? ExportNames::filename(ExportSource::sourceWithoutFile(*item).name(request), request.fileFormat,
                                         request.namePattern, 1)

@@ -98,9 +98,9 @@ void ExportPanelViewController::refresh()
 // Exporting.
 
 std::shared_ptr<ExportOperation> ExportPanelViewController::exportItemsToURL(const QString &URL,
-                                                                            const ExportItem &exportItem,
-                                                                            const QList<ZQObjectID> &items,
-                                                                            QStringList *paths)
+                                                                             const ExportItem &exportItem,
+                                                                             const QList<ZQObjectID> &items,
+                                                                             QStringList *paths)
 {
     QList<ZQObjectID> each = items;
     QSet<ZQObjectID> seen;
