@@ -42,8 +42,8 @@ QString extensionForFormat(std::optional<int> fileFormat, const QString &ownExte
 
 // One component without separator, as above; not cut, as its extension is to come.
 QString safeTitle(const QString &title);
-// The same with its extension: whatever names a file by a title names it by this. Without an extension
-// the title stands alone, with no dot behind it.
+// The same with its extension: whatever names a file by a title names it by this. Without an extension the title stands
+// alone, with no dot behind it.
 QString nameForTitle(const QString &title, const QString &extension);
 
 // "{title}", "{index}" (from 1 on), "{width}", "{height}" (pixels), "{date}" (YYYY-MM-DD); other braces stay. Without

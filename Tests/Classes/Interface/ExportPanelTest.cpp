@@ -394,7 +394,9 @@ TEST_F(ExportPanelTest, TheNameThatIsProposedIsThatOfTheFirstFile)
     const auto proposed = [&items](const ExportItem &preset) {
         return ExportManager::proposedName(ExportRequest::with(preset, items, {}));
     };
-    const QString title = zqCast<ZQLibraryBaseItem>(context().existingObjectWithID(items[0]))->title();
+    const auto first = zqCast<ZQLibraryBaseItem>(context().existingObjectWithID(items[0]));
+    const QString title = first->title();
+    ASSERT_TRUE(QFile::remove(first->itemURL())) << "a drag begins without a look at files";
     ExportItem preset;
     EXPECT_EQ(proposed(preset), title + QStringLiteral(".png"));
     preset.imageFileType = JPEG;
