@@ -341,10 +341,10 @@ TEST_F(ExportPanelTest, AReceiverInTheWindowGetsThePathsBeforeTheExportEnds)
     QString refused; // where an export was not begun
     bool begins = true;
     PresetDrag drag(
-        [&](const QString &folder, QStringList *paths) {
+        [&](const QString &place, QStringList *paths) {
             const QList<ZQObjectID> twice = items + items;
-            refused = begins ? QString() : folder;
-            return ExportPanelViewController::exportItemsToURL(folder, preset, begins ? twice : QList<ZQObjectID>(),
+            refused = begins ? QString() : place;
+            return ExportPanelViewController::exportItemsToURL(place, preset, begins ? twice : QList<ZQObjectID>(),
                                                                paths);
         },
         [] { return QString(); }, nullptr);
