@@ -2,6 +2,7 @@
 
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/Commands.h"
+#include "Classes/Export/ExportItem.h"
 
 #include <CLI/CLI.hpp>
 
@@ -46,8 +47,8 @@ ExportCommandRequest requestOf(const Arguments &given)
 
 void CommandLine::defineExport()
 {
-    constexpr double mostPixels = 1 << 24;
-    constexpr double mostPercent = 100000;
+    constexpr double mostPixels = ExportItem::mostPixels;
+    constexpr double mostPercent = ExportItem::mostPercent;
     const auto given = std::make_shared<Arguments>();
     CLI::App *command = add("export", "Write items into a folder, as they are or converted", true,
                             [given](CommandContext &context) { return zqRunExport(requestOf(*given), context); });
@@ -76,8 +77,9 @@ void CommandLine::defineExport()
     alone(command->add_option("--percent", given->numbers.percent, "Scale pictures to so many percent"))
         ->check(CLI::Range(0.01, mostPercent))
         ->type_name("P");
-    alone(command->add_option("--quality", given->numbers.quality, "1 to 100, for webp and avif"))
-        ->check(CLI::Range(1, 100))
+    alone(command->add_option("--quality", given->numbers.quality,
+                              "1 to 100, for " + zqExportFormatsWithQuality().toStdString()))
+        ->check(CLI::Range(1, ExportItem::mostQuality))
         ->type_name("Q");
     command
         ->add_option("--name", given->namePattern,

@@ -68,6 +68,7 @@ struct ExportCommandRequest
     bool zip = false;
 };
 QStringList zqExportFormats();
+QString zqExportFormatsWithQuality(); // "webp and avif"
 // 1 when some could not be exported.
 int zqRunExport(const ExportCommandRequest &request, CommandContext &context);
 

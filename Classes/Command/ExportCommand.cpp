@@ -50,7 +50,7 @@ QString problemOf(const ExportCommandRequest &request)
         return zqLocalized("--percent and --width or --height exclude each other");
     }
     if (request.quality > 0 && !ExportItem::hasQuality(fileType)) {
-        return zqLocalized("--quality is for --format webp and avif");
+        return zqFormat(zqLocalized("--quality is for --format %@"), {zqExportFormatsWithQuality()});
     }
     if (fileType && !zqCanEncode(*fileType)) {
         return zqFormat(zqLocalized("%@ cannot be written here; choose another --format"), {request.format});
@@ -170,6 +170,17 @@ QStringList zqExportFormats()
         names.append(QString::fromLatin1(format.name));
     }
     return names;
+}
+
+QString zqExportFormatsWithQuality()
+{
+    QStringList names;
+    for (const Format &format : formats) {
+        if (ExportItem::hasQuality(format.fileType)) {
+            names.append(QString::fromLatin1(format.name));
+        }
+    }
+    return names.join(QStringLiteral(" and "));
 }
 
 int zqRunExport(const ExportCommandRequest &request, CommandContext &context)

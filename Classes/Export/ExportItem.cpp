@@ -22,8 +22,6 @@ const QString patternKey = QStringLiteral("namePattern");
 const QString colorKey = QStringLiteral("iconColor");
 const QString archiveKey = QStringLiteral("archive");
 
-constexpr int ownTypesBegin = 101;
-
 constexpr int violet = 5;
 const std::array iconNames = {"redExportIcon",   "orangeExportIcon", "orangeExportIcon",
                               "greenExportIcon", "blueExportIcon",   "violetExportIcon"};
@@ -110,14 +108,12 @@ QVariantMap ExportItem::dictionary() const
 
 ExportItem ExportItem::exportItemWithDictionary(const QVariantMap &dictionary)
 {
-    constexpr int mostPixels = 1 << 24;
-    constexpr int mostPercent = 100000;
     ExportItem item;
     item.imageFileType = number(dictionary, fileTypeKey, 0, std::numeric_limits<int>::max());
     item.imageWidth = number(dictionary, widthKey, 1, mostPixels);
     item.imageHeight = number(dictionary, heightKey, 1, mostPixels);
     item.imagePercentage = number(dictionary, percentageKey, 1, mostPercent);
-    item.imageQuality = number(dictionary, qualityKey, 1, 100);
+    item.imageQuality = number(dictionary, qualityKey, 1, mostQuality);
     item.iconColor = number(dictionary, colorKey, 0, std::numeric_limits<int>::max()).value_or(0);
     item.archive = dictionary.value(archiveKey).toBool();
     item.namePattern = dictionary.value(patternKey).toString();
@@ -140,8 +136,7 @@ QString ExportItem::extensionString() const
     if (!imageFileType) {
         return zqLocalized("orig");
     }
-    const bool hasLabel = *imageFileType == JPEG || *imageFileType == PNG || *imageFileType >= ownTypesBegin;
-    return hasLabel && zqCanEncode(*imageFileType) ? zqExtensionOfFileType(*imageFileType) : QString();
+    return zqFileTypeNamesItself(*imageFileType) ? zqExtensionOfFileType(*imageFileType) : QString();
 }
 
 QString ExportItem::sizeString() const
@@ -163,5 +158,5 @@ QString ExportItem::iconName() const
 
 bool ExportItem::hasQuality(std::optional<int> imageFileType)
 {
-    return imageFileType && (*imageFileType == WebP || *imageFileType == AVIF);
+    return imageFileType && zqFileTypeHasQuality(*imageFileType);
 }

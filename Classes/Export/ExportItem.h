@@ -17,6 +17,11 @@
 // read back has no title and is known by its icon.
 struct ExportItem
 {
+    // What is taken of numbers; from 1 on.
+    static constexpr int mostPixels = 1 << 24; // a side
+    static constexpr int mostPercent = 100000;
+    static constexpr int mostQuality = 100;
+
     static inline const QString storageKey = QStringLiteral("ExportItems"); // of the user defaults: the list, in order
 
     QString identifier;                 // a UUID of its own
@@ -27,8 +32,7 @@ struct ExportItem
     bool archive = false;
     int iconColor = 0; // 0 to 5
     QString title;
-    QImage dragIcon;
-    QString dragIconPath;
+    QImage dragIcon; // handed to a drag as it is: no file holds it, and none is left to delete with the preset
     // Beyond the first formats.
     std::optional<int> imageQuality; // 1 to 100; only for types that `hasQuality`
     QString namePattern;             // see ExportNames; empty: the title

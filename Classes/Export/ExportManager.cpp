@@ -9,26 +9,14 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
-#include <QSet>
+#include <algorithm>
 
 namespace {
 
-QStringList filenames(const QList<ZQRef<ZQLibraryBaseItem>> &items, const ExportRequest &request)
+ZQManagedObjectContext *contextOfLibrary()
 {
-    if (request.archive) {
-        return {ExportNames::archiveName(request.destinationURL)};
-    }
-    QList<ExportNames::Source> sources;
-    sources.reserve(items.size());
-    for (const ZQRef<ZQLibraryBaseItem> &item : items) {
-        sources.append((item ? ExportSource::sourceOfItem(*item) : ExportSource()).name(request));
-    }
-    const ExportNames::Names names =
-        ExportNames::filenames(sources, request.destinationURL, request.fileFormat, request.namePattern);
-    if (request.tellsPerson) {
-        ExportReport::tellOfMissing(names.missing);
-    }
-    return names.paths;
+    tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+    return delegate ? delegate->managedObjectContext() : nullptr;
 }
 
 } // namespace
@@ -65,44 +53,40 @@ std::shared_ptr<ExportOperation> ExportManager::exportItems(const ExportRequest 
     return operation;
 }
 
-std::shared_ptr<ExportOperation>
-ExportManager::exportItems(const QList<ZQObjectID> &items, const QString &destinationURL, std::optional<int> fileFormat,
-                           std::optional<QSizeF> imageSize, std::optional<double> imageSizePercentage, bool archive)
+QStringList ExportManager::filenamesForItems(const ExportRequest &request)
 {
-    ExportRequest request;
-    request.items = items;
-    request.destinationURL = destinationURL;
-    request.fileFormat = fileFormat;
-    request.imageSize = imageSize;
-    request.imageSizePercentage = imageSizePercentage;
-    request.archive = archive;
-    return exportItems(request);
+    if (request.archive) {
+        return {ExportNames::archiveName(request.destinationURL)};
+    }
+    ZQManagedObjectContext *const context = contextOfLibrary();
+    if (!context) {
+        return {};
+    }
+    QList<ExportNames::Source> sources;
+    sources.reserve(request.items.size());
+    for (const ZQRef<ZQLibraryBaseItem> &item : ExportSource::itemsWithIDs(request.items, *context)) {
+        sources.append((item ? ExportSource::sourceOfItem(*item) : ExportSource()).name(request));
+    }
+    const ExportNames::Names names =
+        ExportNames::filenames(sources, request.destinationURL, request.fileFormat, request.namePattern);
+    if (request.tellsPerson) {
+        ExportReport::tellOfMissing(names.missing);
+    }
+    return names.paths;
 }
 
-QStringList ExportManager::filenamesForItems(const QList<ZQRef<ZQLibraryBaseItem>> &items,
-                                             const QString &destinationURL, std::optional<int> fileFormat, bool archive)
+QString ExportManager::proposedName(const ExportRequest &request)
 {
-    ExportRequest request;
-    request.destinationURL = destinationURL;
-    request.fileFormat = fileFormat;
-    request.archive = archive;
-    return filenames(items, request);
-}
-
-QStringList ExportManager::filenamesForRequest(const ExportRequest &request)
-{
-    const tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
-    ZQManagedObjectContext *const context =
-        delegate ? tamberin_AppDelegate::sharedDelegate()->managedObjectContext() : nullptr;
-    return context ? filenames(ExportSource::itemsWithIDs(request.items, *context), request) : QStringList();
-}
-
-QString ExportManager::safeNameForFile(const QString &path)
-{
-    return ExportNames::safeNameForFile(path);
-}
-
-QString ExportManager::safeNameForFile(const QString &path, const QStringList &withinFiles)
-{
-    return ExportNames::safeNameForFile(path, QSet<QString>(withinFiles.begin(), withinFiles.end()));
+    if (request.archive) {
+        return ExportNames::archive;
+    }
+    ZQManagedObjectContext *const context = contextOfLibrary();
+    const auto items =
+        context
+            ? ExportSource::itemsWithIDs(request.items.first(std::min<qsizetype>(request.items.size(), 1)), *context)
+            : QList<ZQRef<ZQLibraryBaseItem>>();
+    const ZQRef<ZQLibraryBaseItem> item = items.value(0);
+    return item ? ExportNames::filename(ExportSource::sourceWithoutFile(*item).name(request), request.fileFormat,
+                                        request.namePattern, 1)
+                : QString();
 }

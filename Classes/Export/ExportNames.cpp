@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int ownTypesBegin = 101;
 constexpr QChar separatorStandIn(u'-');
 
 bool isTaken(const QString &path)
@@ -53,8 +52,7 @@ public:
         if (onDisk == m_onDisk.constEnd()) {
             onDisk = m_onDisk.insert(path, ExportNames::safeNameForFile(path));
         }
-        const QString name = firstFree(
-            *onDisk, [this](const QString &candidate) { return m_chosen.contains(candidate); }, m_next[*onDisk]);
+        const QString name = ExportNames::safeNameForFile(*onDisk, m_chosen, m_next[*onDisk]);
         m_chosen.insert(name);
         return name;
     }
@@ -69,9 +67,7 @@ private:
 
 QString ExportNames::extensionForFormat(std::optional<int> fileFormat, const QString &ownExtension)
 {
-    const bool namesItself = fileFormat && (*fileFormat == JPEG || *fileFormat == PNG || *fileFormat >= ownTypesBegin);
-    const QString extension = namesItself ? zqExtensionOfFileType(*fileFormat) : QString();
-    return extension.isEmpty() ? ownExtension : extension;
+    return fileFormat && zqFileTypeNamesItself(*fileFormat) ? zqExtensionOfFileType(*fileFormat) : ownExtension;
 }
 
 QString ExportNames::safeTitle(const QString &title)
@@ -83,6 +79,12 @@ QString ExportNames::safeTitle(const QString &title)
         safe[0] = u'_';
     }
     return safe.isEmpty() ? zqLocalized("Untitled") : safe;
+}
+
+QString ExportNames::nameForTitle(const QString &title, const QString &extension)
+{
+    const QString safe = safeTitle(title);
+    return zqNumberedName(extension.isEmpty() ? safe : safe + u'.' + safeTitle(extension), 0);
 }
 
 QString ExportNames::titleForPattern(const QString &pattern, const Source &source, qsizetype index)
@@ -123,9 +125,8 @@ QString ExportNames::safeNameForFile(const QString &path)
     return firstFree(path, isTaken, number);
 }
 
-QString ExportNames::safeNameForFile(const QString &path, const QSet<QString> &withinFiles)
+QString ExportNames::safeNameForFile(const QString &path, const QSet<QString> &withinFiles, int &number)
 {
-    int number = 0;
     return firstFree(
         path, [&withinFiles](const QString &candidate) { return withinFiles.contains(candidate); }, number);
 }
@@ -141,15 +142,18 @@ ExportNames::Names ExportNames::filenames(const QList<Source> &sources, const QS
             ++names.missing;
             continue;
         }
-        const QString title = safeTitle(titleForPattern(pattern, source, i + 1));
-        const QString extension = extensionForFormat(fileFormat, source.extension);
-        const QString name = zqNumberedName(extension.isEmpty() ? title : title + u'.' + safeTitle(extension), 0);
-        names.paths.append(batch.take(destinationURL + u'/' + name));
+        names.paths.append(batch.take(destinationURL + u'/' + filename(source, fileFormat, pattern, i + 1)));
     }
     return names;
 }
 
+QString ExportNames::filename(const Source &source, std::optional<int> fileFormat, const QString &pattern,
+                              qsizetype index)
+{
+    return nameForTitle(titleForPattern(pattern, source, index), extensionForFormat(fileFormat, source.extension));
+}
+
 QString ExportNames::archiveName(const QString &destinationURL)
 {
-    return safeNameForFile(destinationURL + QStringLiteral("/Archive.zip"));
+    return safeNameForFile(destinationURL + u'/' + archive);
 }

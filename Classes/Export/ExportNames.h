@@ -40,8 +40,11 @@ struct Names
 // be named with, that of the file.
 QString extensionForFormat(std::optional<int> fileFormat, const QString &ownExtension);
 
-// One component without separator, as above.
+// One component without separator, as above; not cut, as its extension is to come.
 QString safeTitle(const QString &title);
+// The same with its extension: whatever names a file by a title names it by this. Without an extension the title stands
+// alone, with no dot behind it.
+QString nameForTitle(const QString &title, const QString &extension);
 
 // "{title}", "{index}" (from 1 on), "{width}", "{height}" (pixels), "{date}" (YYYY-MM-DD); other braces stay. Without
 // a title in it, equal names are numbered like any others. Empty: the title.
@@ -51,13 +54,17 @@ QString problemOfPattern(const QString &pattern);
 
 // A path where no file is: the path itself, else "photo 1.jpg", "photo 2.jpg", …
 QString safeNameForFile(const QString &path);
-// The same for a path that is not in the list.
-QString safeNameForFile(const QString &path, const QSet<QString> &withinFiles);
+// The same for a path that is not in the list. `number` is the first one tried (0: the path itself), and afterwards the
+// one taken: thousands may have one title.
+QString safeNameForFile(const QString &path, const QSet<QString> &withinFiles, int &number);
 
 // Each name is made safe against the disk and then against those before it; what that gives is not looked for on the
 // disk again (a file "a.png" there and "a 1.png" among those before: "a 1 1.png").
 Names filenames(const QList<Source> &sources, const QString &destinationURL, std::optional<int> fileFormat,
                 const QString &pattern = {});
+// Of one in a folder with nothing in it, which is not looked at.
+QString filename(const Source &source, std::optional<int> fileFormat, const QString &pattern, qsizetype index);
+inline const QString archive = QStringLiteral("Archive.zip");
 QString archiveName(const QString &destinationURL); // "Archive.zip", "Archive 1.zip", …
 
 } // namespace ExportNames

@@ -43,6 +43,21 @@ QString failureText(const ExportResult &result)
                                                 {result.failed.size(), first.title, first.reason});
 }
 
+// Empty for none.
+QString notWrittenText(const QList<ExportResult::Problem> &failed)
+{
+    constexpr qsizetype mostNamed = 5; // an alert is no list
+    QStringList titles;
+    for (const ExportResult::Problem &problem : failed.first(std::min(mostNamed, failed.size()))) {
+        titles.append(zqFormat(zqLocalized("“%@”"), {problem.title}));
+    }
+    const QString named = titles.join(QStringLiteral(", "));
+    const qsizetype more = failed.size() - titles.size();
+    return failed.isEmpty() ? QString()
+           : more == 0      ? u' ' + zqFormat(zqLocalized("Not written: %@."), {named})
+                            : u' ' + zqFormat(zqLocalized("Not written: %@, and %d more."), {named, more});
+}
+
 } // namespace
 
 void ExportReport::tellOfMissing(qsizetype count)
@@ -60,7 +75,8 @@ ZQError ExportReport::stopped(const ExportRequest &request, const ExportResult &
     const QString what =
         request.archive ? zqFormat(zqLocalized("The archive could not be written to “%@”."), {request.destinationURL})
                         : zqFormat(zqLocalized("The export to “%@” was stopped: %d of %d files were written."),
-                                   {request.destinationURL, result.count, all});
+                                   {request.destinationURL, result.count, all}) +
+                              notWrittenText(result.failed);
     return ZQError::with(QStringLiteral("zelto.export"), 1, what, result.refusal);
 }
 

@@ -14,7 +14,8 @@ void tellOfMissing(qsizetype count); // nothing for none
 
 // At the end, once: an alert when it was stopped, else a notification when something failed or came only in part.
 void tell(const ExportRequest &request, const ExportResult &result);
-// The alert's text: how many of how many were written where, and why not the rest. For the command line, too.
+// The alert's text: how many of how many were written where, the first of those that were not, and why. For the command
+// line, too.
 ZQError stopped(const ExportRequest &request, const ExportResult &result);
 
 // Why the folder cannot be written into at this moment; null when it can.

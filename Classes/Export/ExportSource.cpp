@@ -14,12 +14,9 @@ namespace {
 
 ExportSource sourceWithFile(const ZQLibraryBaseItem &item, const QString &file)
 {
-    ExportSource source;
-    source.title = item.title();
-    source.bundleID = item.bundleID();
+    ExportSource source = ExportSource::sourceWithoutFile(item);
     source.file = !file.isEmpty() && QFileInfo::exists(file) ? file : QString();
-    source.pixelSize = QSize(item.pixelWidth(), item.pixelHeight());
-    source.date = item.creation_date();
+    source.extension = zqPathExtension(source.file);
     return source;
 }
 
@@ -83,13 +80,24 @@ ExportSource ExportSource::sourceOfItem(const ZQLibraryBaseItem &item)
     return sourceWithFile(item, item.itemURL());
 }
 
+ExportSource ExportSource::sourceWithoutFile(const ZQLibraryBaseItem &item)
+{
+    ExportSource source;
+    source.title = item.title();
+    source.bundleID = item.bundleID();
+    source.extension = item.originalExtension();
+    source.pixelSize = QSize(item.pixelWidth(), item.pixelHeight());
+    source.date = item.creation_date();
+    return source;
+}
+
 ExportNames::Source ExportSource::name(const ExportRequest &request) const
 {
     const bool isConverted = request.fileFormat.has_value();
     const auto scaled = isConverted && !pixelSize.isEmpty()
                             ? zqExportPixelSize(pixelSize, {request.imageSizePercentage, request.imageSize})
                             : std::nullopt;
-    const QString extension =
-        isConverted && request.namesByType ? zqExtensionOfFileType(*request.fileFormat) : zqPathExtension(file);
-    return {title, extension, hasFile(), scaled.value_or(pixelSize), date};
+    const bool isNamedByType = isConverted && request.namesByType;
+    return {title, isNamedByType ? zqExtensionOfFileType(*request.fileFormat) : extension, hasFile(),
+            scaled.value_or(pixelSize), date};
 }

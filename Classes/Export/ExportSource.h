@@ -23,6 +23,7 @@ struct ExportSource
     QString title;
     QString bundleID; // empty when the library has no such item any more
     QString file;     // empty when it is missing
+    QString extension;
     QSize pixelSize;
     QDateTime date;
     ZQExportRepresentation picture; // only where pictures are converted
@@ -35,6 +36,8 @@ struct ExportSource
     static std::vector<ExportSource> sources(const ExportRequest &request, ZQManagedObjectContext &context);
     // For names alone. Looks for no file.
     static ExportSource sourceOfItem(const ZQLibraryBaseItem &item);
+    // The same as if its file were missing, which is not looked at.
+    static ExportSource sourceWithoutFile(const ZQLibraryBaseItem &item);
     // The items that the identifiers, of items or memberships, lead to; null where there is none.
     static QList<ZQRef<ZQLibraryBaseItem>> itemsWithIDs(const QList<ZQObjectID> &ids, ZQManagedObjectContext &context);
 

@@ -120,7 +120,10 @@ int saveBMP(VipsImage *image, VipsTarget *target, Quality)
 struct FileType
 {
     int code;
+    const char *name;
     const char *extension;
+    bool namesItself;
+    bool hasQuality;
     int longestSide;
     bool hasAlpha;
     int (*save)(VipsImage *image, VipsTarget *target, Quality quality);
@@ -129,15 +132,15 @@ struct FileType
 constexpr int anySide = VIPS_MAX_COORD;
 
 constexpr std::array fileTypes{
-    FileType{TIFF, "tif", anySide, true, saveTIFF},
-    FileType{BMP, "bmp", anySide, false, saveBMP},
-    FileType{GIF, "gif", 65535, true, saveGIF},
-    FileType{JPEG, "jpg", 65535, false, saveJPEG},
-    FileType{PNG, "png", anySide, true, savePNG},
-    FileType{JPEG2000, "jp2", anySide, true, saveJPEG2000},
-    FileType{WebP, "webp", 16383, true, saveWebP},
-    FileType{AVIF, "avif", 16384, true, saveAVIF},
-    FileType{TIFFWithExtension, "tif", anySide, true, saveTIFF},
+    FileType{PNG, "PNG", "png", true, false, anySide, true, savePNG},
+    FileType{JPEG, "JPEG", "jpg", true, false, 65535, false, saveJPEG},
+    FileType{WebP, "WebP", "webp", true, true, 16383, true, saveWebP},
+    FileType{AVIF, "AVIF", "avif", true, true, 16384, true, saveAVIF},
+    FileType{TIFFWithExtension, "TIFF", "tif", true, false, anySide, true, saveTIFF},
+    FileType{TIFF, "TIFF", "tif", false, false, anySide, true, saveTIFF},
+    FileType{BMP, "BMP", "bmp", false, false, anySide, false, saveBMP},
+    FileType{GIF, "GIF", "gif", false, false, 65535, true, saveGIF},
+    FileType{JPEG2000, "JPEG 2000", "jp2", false, false, anySide, true, saveJPEG2000},
 };
 
 const FileType *fileTypeOf(int code)
@@ -192,15 +195,42 @@ ZQVipsImage imageOf(const ZQBitmap &bitmap, QImage &keeper)
 
 } // namespace
 
+QList<int> zqFileTypes()
+{
+    QList<int> codes;
+    for (const FileType &type : fileTypes) {
+        codes.append(type.code);
+    }
+    return codes;
+}
+
+bool zqCanEncode(int fileType)
+{
+    return fileTypeOf(fileType) != nullptr;
+}
+
+QString zqNameOfFileType(int fileType)
+{
+    const FileType *const type = fileTypeOf(fileType);
+    return type ? QString::fromLatin1(type->name) : QString();
+}
+
 QString zqExtensionOfFileType(int fileType)
 {
     const FileType *const type = fileTypeOf(fileType);
     return type ? QString::fromLatin1(type->extension) : QString();
 }
 
-bool zqCanEncode(int fileType)
+bool zqFileTypeNamesItself(int fileType)
 {
-    return fileTypeOf(fileType) != nullptr;
+    const FileType *const type = fileTypeOf(fileType);
+    return type && type->namesItself;
+}
+
+bool zqFileTypeHasQuality(int fileType)
+{
+    const FileType *const type = fileTypeOf(fileType);
+    return type && type->hasQuality;
 }
 
 bool zqCheckEncoding(const ZQExportEncoding &encoding, QSize size, ZQError *error)

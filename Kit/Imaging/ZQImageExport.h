@@ -3,6 +3,7 @@
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Imaging/ZQBitmap.h"
 
+#include <QList>
 #include <QSize>
 #include <QSizeF>
 #include <QString>
@@ -47,9 +48,13 @@ struct ZQExportedImage
     bool isIncomplete = false; // only a part of the picture was in its file; what is missing is empty
 };
 
-// "tif", "bmp", "gif", "jpg", "png", "jp2", "webp", "avif"; empty for a number that is no type.
-QString zqExtensionOfFileType(int fileType);
+QList<int> zqFileTypes(); // all that can be encoded, those first that people look for first
 bool zqCanEncode(int fileType);
+// What a number that is no type answers: nothing, an empty text, and false.
+QString zqNameOfFileType(int fileType);      // "JPEG 2000", as people call it
+QString zqExtensionOfFileType(int fileType); // "tif", "bmp", "gif", "jpg", "png", "jp2", "webp", "avif"
+bool zqFileTypeNamesItself(int fileType);    // files get its extension; of others they keep the one they had
+bool zqFileTypeHasQuality(int fileType);     // a person chooses one
 
 // Writes 8-bit sRGB, untagged and without metadata. The file is written beside `path` and takes that name only when it
 // is whole, and never over a file that is there: that is an error of the domain "POSIX" with the code EEXIST, as a full

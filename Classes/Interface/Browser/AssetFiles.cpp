@@ -2,8 +2,8 @@
 
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Export/ExportNames.h"
-#include "Kit/Files/ZQFreeName.h"
 #include "Kit/Files/ZQPlainCopy.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLog.h"
 
 #include <QCoreApplication>
@@ -31,8 +31,7 @@ public:
     QString pathFor(const Asset &asset)
     {
         const QFileInfo file(asset.path);
-        const QString suffix = file.suffix();
-        const QString name = ExportNames::safeTitle(asset.title) + (suffix.isEmpty() ? QString() : u'.' + suffix);
+        const QString name = ExportNames::nameForTitle(asset.title, zqPathExtension(asset.path));
         if (file.fileName() == name && !m_names.contains(name)) {
             m_names.insert(name);
             return asset.path;
@@ -41,7 +40,7 @@ public:
         if (!file.isFile() || QCoreApplication::closingDown() || !makeFolder()) {
             return asset.path;
         }
-        const QString free = freeName(name);
+        const QString free = ExportNames::safeNameForFile(name, m_names, m_numbers[name]);
         const QString path = m_folder + u'/' + free;
         if (!give(file, path)) {
             return asset.path;
@@ -51,17 +50,6 @@ public:
     }
 
 private:
-    // Goes on behind the number that was taken last: thousands may have one title.
-    QString freeName(const QString &name)
-    {
-        int &number = m_numbers[name];
-        QString free = zqNumberedName(name, number);
-        while (m_names.contains(free)) {
-            free = zqNumberedName(name, ++number);
-        }
-        return free;
-    }
-
     bool makeFolder()
     {
         if (m_folder.isEmpty() && !m_isRefused) {

@@ -14,9 +14,10 @@
 #include <QPushButton>
 #include <QSpinBox>
 
+#include <algorithm>
+
 namespace {
 
-constexpr int widestPicture = 100000; // pixels; no format takes more
 constexpr int usualQuality = 80;
 constexpr QSize colorSize(14, 14);
 constexpr qsizetype longestPattern = 200;
@@ -31,20 +32,32 @@ void choose(QComboBox *menu, int tag)
     menu->setCurrentIndex(std::max(0, menu->findData(tag)));
 }
 
+// What the number fields take.
+int mostOf(int sizeTag)
+{
+    return sizeTag == ExportEditPanel::Percentage ? ExportItem::mostPercent : ExportItem::mostPixels;
+}
+
+QList<std::pair<QString, int>> formats()
+{
+    QList<std::pair<QString, int>> entries = {{zqLocalized("Original"), ExportEditPanel::Original}};
+    for (const int type : zqFileTypes()) {
+        const QString name = zqNameOfFileType(type);
+        entries.append({zqFileTypeNamesItself(type) ? name : zqFormat(zqLocalized("%@, extension kept"), {name}),
+                        ExportEditPanel::tagOfFileType(type)});
+    }
+    return entries;
+}
+
 } // namespace
 
 ExportEditPanel::ExportEditPanel(QWidget *parent)
-    : QWidget(parent), m_rows(new QFormLayout(this)),
-      m_format(makeMenu(zqLocalized("Format"), {{zqLocalized("Original"), Original},
-                                                {QStringLiteral("PNG"), PNG},
-                                                {QStringLiteral("JPEG"), JPEG},
-                                                {QStringLiteral("WebP"), WebP},
-                                                {QStringLiteral("AVIF"), AVIF},
-                                                {QStringLiteral("TIFF"), TIFFWithExtension}})),
+    : QWidget(parent), m_rows(new QFormLayout(this)), m_format(makeMenu(zqLocalized("Format"), formats())),
       m_size(makeMenu(zqLocalized("Size"), {{zqLocalized("Original size"), OriginalSize},
                                             {zqLocalized("Width and height"), WidthAndHeight},
                                             {zqLocalized("Percentage"), Percentage}})),
-      m_color(makeMenu(zqLocalized("Color"), {})), m_numbers(new QWidget(this)), m_first(makeNumberField()),
+      m_color(makeMenu(zqLocalized("Color"), {})), m_numbers(new QWidget(this)),
+      m_limit(new QIntValidator(0, ExportItem::mostPixels, this)), m_first(makeNumberField()),
       m_second(makeNumberField()), m_quality(new QSpinBox(this)), m_pattern(new QLineEdit(this)),
       m_problem(new QLabel(this)), m_archive(new QCheckBox(zqLocalized("Put everything into one zip archive"), this))
 {
@@ -74,7 +87,7 @@ QComboBox *ExportEditPanel::makeMenu(const QString &name, const QList<std::pair<
 QLineEdit *ExportEditPanel::makeNumberField()
 {
     auto *field = new QLineEdit(m_numbers);
-    field->setValidator(new QIntValidator(0, widestPicture, field));
+    field->setValidator(m_limit);
     return field;
 }
 
@@ -106,7 +119,7 @@ void ExportEditPanel::makeRows()
     numbers->setSpacing(8);
     numbers->addWidget(m_first);
     numbers->addWidget(m_second);
-    m_quality->setRange(1, 100);
+    m_quality->setRange(1, ExportItem::mostQuality);
     m_quality->setButtonSymbols(QSpinBox::NoButtons);
     m_quality->setSuffix(QStringLiteral(" %"));
     m_quality->setAccessibleName(zqLocalized("Quality"));
@@ -153,10 +166,9 @@ void ExportEditPanel::start()
 
 void ExportEditPanel::startWith(const ExportItem &like)
 {
-    const auto type = like.imageFileType;
-    choose(m_format, !type ? int(Original) : *type == ::PNG ? int(PNG) : *type == ::JPEG ? int(JPEG) : *type);
+    choose(m_format, tagOfFileType(like.imageFileType));
     formatDidChange();
-    choose(m_size, !type                                 ? OriginalSize
+    choose(m_size, !like.imageFileType                   ? OriginalSize
                    : like.imageWidth || like.imageHeight ? WidthAndHeight
                    : like.imagePercentage                ? Percentage
                                                          : OriginalSize);
@@ -175,6 +187,14 @@ void ExportEditPanel::startWith(const ExportItem &like)
     checkPattern();
 }
 
+int ExportEditPanel::tagOfFileType(std::optional<int> fileType)
+{
+    if (!fileType) {
+        return Original;
+    }
+    return *fileType == ::PNG ? int(PNG) : *fileType == ::JPEG ? int(JPEG) : FirstOther + *fileType;
+}
+
 std::optional<int> ExportEditPanel::fileType() const
 {
     switch (const int tag = tagOf(m_format)) {
@@ -185,7 +205,7 @@ std::optional<int> ExportEditPanel::fileType() const
     case JPEG:
         return ::JPEG;
     default:
-        return tag;
+        return tag - FirstOther;
     }
 }
 
@@ -205,6 +225,7 @@ void ExportEditPanel::sizeDidChange()
     const int tag = tagOf(m_size);
     m_first->clear();
     m_second->clear();
+    m_limit->setTop(mostOf(tag));
     m_rows->setRowVisible(m_numbers, tag != OriginalSize);
     m_first->setVisible(tag != OriginalSize);
     m_second->setVisible(tag == WidthAndHeight);
@@ -235,9 +256,10 @@ ExportItem ExportEditPanel::item() const
 {
     ExportItem result;
     result.imageFileType = fileType();
-    const int first = m_first->text().toInt();
-    const int second = m_second->text().toInt();
     const int size = tagOf(m_size);
+    const int most = mostOf(size);
+    const int first = std::min(m_first->text().toInt(), most); // the fields take any number of as many digits
+    const int second = std::min(m_second->text().toInt(), most);
     if (size == Percentage && first >= 1) {
         result.imagePercentage = first;
     } else if (size == WidthAndHeight) {

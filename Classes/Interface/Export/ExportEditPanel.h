@@ -7,6 +7,7 @@
 class QCheckBox;
 class QComboBox;
 class QFormLayout;
+class QIntValidator;
 class QLabel;
 class QLineEdit;
 class QSpinBox;
@@ -16,11 +17,15 @@ class ExportEditPanel : public QWidget
 {
     Q_OBJECT
 public:
-    // What the entries of the menus stand for. Other formats than these have their file type as their tag.
-    enum FormatTag { Original = -1, PNG = 0, JPEG = 1 };
+    // What the entries of the menus stand for.
+    enum FormatTag { Original = -1, PNG = 0, JPEG = 1, FirstOther = 1000 };
     enum SizeTag { OriginalSize = 0, WidthAndHeight = 1, Percentage = 2 };
 
     explicit ExportEditPanel(QWidget *parent = nullptr);
+
+    // Nothing stands for the original. Types without a tag of their own follow from the first on by their numbers,
+    // which begin at 0 themselves.
+    static int tagOfFileType(std::optional<int> fileType);
 
     void start();                           // with everything as for the first one
     void startWith(const ExportItem &like); // with what another preset has
@@ -52,6 +57,7 @@ private:
     QComboBox *m_size;
     QComboBox *m_color;
     QWidget *m_numbers;
+    QIntValidator *m_limit; // of both
     QLineEdit *m_first;
     QLineEdit *m_second;
     QSpinBox *m_quality;

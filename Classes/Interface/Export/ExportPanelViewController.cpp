@@ -11,6 +11,7 @@
 #include "Classes/Interface/Export/PresetsView.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageExport.h"
 #include "Kit/Widgets/ZQIcon.h"
 
 #include <QBoxLayout>
@@ -96,43 +97,35 @@ void ExportPanelViewController::refresh()
 
 // Exporting.
 
-QList<ZQObjectID> ExportPanelViewController::itemsToExport() const
+std::shared_ptr<ExportOperation> ExportPanelViewController::exportItemsToURL(const QString &URL,
+                                                                             const ExportItem &exportItem,
+                                                                             const QList<ZQObjectID> &items,
+                                                                             QStringList *paths)
 {
-    QList<ZQObjectID> result;
+    QList<ZQObjectID> each = items;
     QSet<ZQObjectID> seen;
-    for (const ZQObjectID &id : m_browser.selectedItems()) {
-        if (!seen.contains(id)) {
-            seen.insert(id);
-            result.append(id);
-        }
-    }
-    return result;
-}
-
-std::shared_ptr<ExportOperation> ExportPanelViewController::startExport(const QList<ZQObjectID> &items,
-                                                                        const QString &folder,
-                                                                        const ExportItem &preset) const
-{
-    if (items.isEmpty()) {
+    each.removeIf([&seen](const ZQObjectID &id) {
+        const bool isKnown = seen.contains(id);
+        seen.insert(id);
+        return isKnown;
+    });
+    if (each.isEmpty()) {
         return nullptr;
     }
     qCInfo(zqLogFeatures, "Export Items");
-    return ExportManager::sharedExportManager().exportItems(ExportRequest::with(preset, items, folder));
-}
-
-QStringList ExportPanelViewController::exportItemsToURL(const QString &URL, const ExportItem &exportItem)
-{
-    const QList<ZQObjectID> items = itemsToExport();
-    ExportRequest request = ExportRequest::with(exportItem, items, URL);
-    request.tellsPerson = false; // the export says what is missing
-    const QStringList names = ExportManager::filenamesForRequest(request);
-    return startExport(items, URL, exportItem) ? names : QStringList();
+    const ExportRequest request = ExportRequest::with(exportItem, each, URL);
+    if (paths) {
+        ExportRequest silent = request;
+        silent.tellsPerson = false; // the export says what is missing
+        *paths = ExportManager::filenamesForItems(silent);
+    }
+    return ExportManager::sharedExportManager().exportItems(request);
 }
 
 void ExportPanelViewController::exportWithPreset(const QString &identifier)
 {
     const qsizetype index = m_presets->indexOf(identifier);
-    const QList<ZQObjectID> items = itemsToExport(); // as they are selected now, and not behind the dialogue
+    const QList<ZQObjectID> items = m_browser.selectedItems(); // as they are now, and not behind the dialogue
     if (index < 0 || items.isEmpty()) {
         return;
     }
@@ -143,26 +136,23 @@ void ExportPanelViewController::exportWithPreset(const QString &identifier)
     choice.directory = true;
     const QStringList folders = m_window.user.chooseFilesToOpen(choice);
     if (!folders.isEmpty()) {
-        startExport(items, folders.first(), preset);
+        exportItemsToURL(folders.first(), preset, items);
     }
 }
 
 void ExportPanelViewController::startDrag(const QString &identifier)
 {
     const qsizetype index = m_presets->indexOf(identifier);
-    const QList<ZQObjectID> items = itemsToExport();
+    const QList<ZQObjectID> items = m_browser.selectedItems();
     if (index < 0 || items.isEmpty()) {
         return;
     }
     const ExportItem preset = m_presets->items()[index];
-    const auto exporting = [self = QPointer(this), items, preset](const QString &folder) {
-        return self ? self->startExport(items, folder, preset) : nullptr;
+    const auto exporting = [items, preset](const QString &folder, QStringList *paths) {
+        return exportItemsToURL(folder, preset, items, paths);
     };
-    // A name to propose needs no more than the first, wherever it goes.
-    const auto naming = [items, preset](const QString &folder) {
-        ExportRequest request = ExportRequest::with(preset, folder.isEmpty() ? items.first(1) : items, folder);
-        request.tellsPerson = false;
-        return ExportManager::filenamesForRequest(request);
+    const auto naming = [first = items.first(1), preset] {
+        return ExportManager::proposedName(ExportRequest::with(preset, first, {}));
     };
     QImage icon = PresetIcon::dragImage(preset, devicePixelRatioF() / PresetIcon::dragScale);
     icon.setDevicePixelRatio(devicePixelRatioF());
@@ -224,7 +214,8 @@ void ExportPanelViewController::showMenu(const QString &identifier, const QPoint
         menu.addAction(zqLocalized("Export…"), this, [this, identifier] { exportWithPreset(identifier); })
             ->setEnabled(m_browser.selectionCount() > 0);
         menu.addSeparator();
-        menu.addAction(zqLocalized("New Preset like This…"), this, [this, preset] { edit(&preset); });
+        menu.addAction(zqLocalized("New Preset like This…"), this, [this, preset] { edit(&preset); })
+            ->setEnabled(!preset.imageFileType || zqCanEncode(*preset.imageFileType));
         menu.addAction(zqLocalized("Delete Preset"), this, [this, identifier] { m_presets->deleteItem(identifier); });
         menu.addSeparator();
     }

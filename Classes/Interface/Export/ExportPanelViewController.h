@@ -33,8 +33,12 @@ public:
     void setEditing(bool isEditing);
     // Asks for the folder, and exports the selected items there.
     void exportWithPreset(const QString &identifier);
-    // Begins the export of the selected items, each once, into the folder, and answers the paths they will have.
-    QStringList exportItemsToURL(const QString &URL, const ExportItem &exportItem);
+    // Begins the export of the items, those that are there several times once, into the folder; whatever exports from
+    // this panel does it here. Null when there are none, or no library. `paths`, for whoever needs them before they
+    // are written: those that the files will have; thousands take their time.
+    static std::shared_ptr<ExportOperation> exportItemsToURL(const QString &URL, const ExportItem &exportItem,
+                                                             const QList<ZQObjectID> &items,
+                                                             QStringList *paths = nullptr);
     // One entry for each preset, to export what is selected.
     void addTo(QMenu &menu);
 
@@ -43,9 +47,6 @@ Q_SIGNALS:
 
 private:
     void makePage();
-    QList<ZQObjectID> itemsToExport() const;
-    std::shared_ptr<ExportOperation> startExport(const QList<ZQObjectID> &items, const QString &folder,
-                                                 const ExportItem &preset) const;
     void startDrag(const QString &identifier);
     void showMenu(const QString &identifier, const QPoint &globalPoint);
     void edit(const ExportItem *like); // null: a plain one

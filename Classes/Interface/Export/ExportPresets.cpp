@@ -4,8 +4,8 @@
 #include "Classes/Interface/Export/PresetIcon.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Imaging/ZQImageExport.h"
 
-#include <QFile>
 #include <QUndoCommand>
 #include <QUndoStack>
 
@@ -63,17 +63,9 @@ void ExportPresets::deleteItem(const QString &identifier)
         return;
     }
     qCInfo(zqLogFeatures, "Delete Export Preset");
-    ExportItem kept = m_items[index];
-    const QString iconPath = std::exchange(kept.dragIconPath, QString());
     perform(
-        zqLocalized("delete export preset"),
-        [this, identifier, iconPath] {
-            remove(identifier);
-            if (!iconPath.isEmpty()) {
-                QFile::remove(iconPath);
-            }
-        },
-        [this, kept, index] { insert(index, kept); });
+        zqLocalized("delete export preset"), [this, identifier] { remove(identifier); },
+        [this, kept = m_items[index], index] { insert(index, kept); });
 }
 
 void ExportPresets::moveItem(const QString &identifier, qsizetype dropIndex)
@@ -139,7 +131,11 @@ void ExportPresets::store()
 
 QString ExportPresets::description(const ExportItem &item)
 {
-    const QString format = item.extensionString().isEmpty() ? zqLocalized("Other format") : item.extensionString();
+    QString format = item.extensionString();
+    if (format.isEmpty()) {
+        const bool hasName = item.imageFileType && zqCanEncode(*item.imageFileType);
+        format = hasName ? zqNameOfFileType(*item.imageFileType) : zqLocalized("Other format");
+    }
     QString what = format + QStringLiteral(", ") + item.sizeString();
     if (item.archive) {
         what += QStringLiteral(", ") + zqLocalized("zip archive");

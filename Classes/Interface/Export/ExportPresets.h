@@ -23,7 +23,7 @@ public:
     const QList<ExportItem> &items() const { return m_items; }
     qsizetype indexOf(const QString &identifier) const; // -1 for none
     void addItem(const ExportItem &item);               // at the end; its icon is drawn
-    void deleteItem(const QString &identifier);         // and the file that held its icon
+    void deleteItem(const QString &identifier);
     // To a place between the others, counted with the preset where it still is.
     void moveItem(const QString &identifier, qsizetype dropIndex);
 

@@ -36,6 +36,17 @@ void removeWhenFinished(const std::shared_ptr<ExportOperation> &operation, const
     }
 }
 
+// Empty, which is logged, where none can be made.
+QString newFolder()
+{
+    ZQError error;
+    const QString folder = TemporaryArea::newFolder(&error);
+    if (folder.isEmpty()) {
+        qCWarning(zqLogApplication) << "Cannot make a folder for what is dragged:" << error.localizedDescription();
+    }
+    return folder;
+}
+
 } // namespace
 
 PresetDrag::PresetDrag(Exporting exporting, Naming naming, std::unique_ptr<DirectSaveSource> directSave)
@@ -67,8 +78,7 @@ void PresetDrag::run(PresetDrag *mime, const QImage &icon, QWidget *source)
 void PresetDrag::propose()
 {
     if (m_directSave) {
-        const QStringList names = m_naming(QString());
-        m_directSave->propose(QFileInfo(names.value(0)).fileName());
+        m_directSave->propose(m_naming());
     }
 }
 
@@ -124,13 +134,11 @@ const ExportResult *PresetDrag::waitFor(const std::shared_ptr<ExportOperation> &
 QStringList PresetDrag::filesInTemporaryFolder() const
 {
     if (!m_operation) {
-        ZQError error;
-        const QString folder = TemporaryArea::newFolder(&error);
+        const QString folder = newFolder();
         if (folder.isEmpty()) {
-            qCWarning(zqLogApplication) << "Cannot make a folder for what is dragged:" << error.localizedDescription();
             return {};
         }
-        m_operation = m_exporting(folder);
+        m_operation = m_exporting(folder, nullptr);
     }
     const ExportResult *const result = waitFor(m_operation);
     return result ? result->written : QStringList();
@@ -148,7 +156,7 @@ QByteArray PresetDrag::saveDirectly() const
     if (path.isEmpty() || !QFileInfo(folder).isDir()) {
         return m_directAnswer;
     }
-    const std::shared_ptr<ExportOperation> operation = m_exporting(folder); // the result is its
+    const std::shared_ptr<ExportOperation> operation = m_exporting(folder, nullptr); // the result is its
     const ExportResult *const result = waitFor(operation);
     if (!result || result->written.isEmpty()) {
         m_directAnswer = result && result->isCancelled ? DirectSaveSource::cancelled : DirectSaveSource::failed;
@@ -201,17 +209,8 @@ bool PresetDrag::filterDrop(QObject *object, QEvent *event)
 
 void PresetDrag::dropOn(PresetReceiver &receiver)
 {
-    const QString folder = TemporaryArea::newFolder();
-    if (folder.isEmpty()) {
-        return;
-    }
-    const QStringList names = m_naming(folder);
+    const QString folder = newFolder();
     QStringList paths;
-    for (const QString &name : names) {
-        paths.append(folder + u'/' + QFileInfo(name).fileName());
-    }
-    receiver.setFileToUploadAfterExport(paths);
-    if (!m_exporting(folder)) {
-        receiver.setFileToUploadAfterExport({});
-    }
+    const bool didBegin = !folder.isEmpty() && m_exporting(folder, &paths);
+    receiver.setFileToUploadAfterExport(didBegin ? paths : QStringList());
 }

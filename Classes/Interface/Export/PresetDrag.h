@@ -20,7 +20,8 @@ class PresetReceiver
 public:
     virtual ~PresetReceiver() = default;
     virtual bool takesPresets() const = 0;
-    // Where the files will be once the export that was begun for it has ended: see ExportManager's notifications.
+    // Where the files will be once the export that was begun for it has ended, of which ExportManager's notifications
+    // tell afterwards. Empty: none was begun.
     virtual void setFileToUploadAfterExport(const QStringList &paths) = 0;
 };
 
@@ -36,10 +37,11 @@ class PresetDrag : public QMimeData
 public:
     static inline const QString presetType = QStringLiteral("application/x-zelto-export-preset");
 
-    // Begins an export of what is dragged into that folder; null when there is none to begin.
-    using Exporting = std::function<std::shared_ptr<ExportOperation>(const QString &folder)>;
-    // The names of what would be written into that folder.
-    using Naming = std::function<QStringList(const QString &folder)>;
+    // Begins an export of what is dragged into that folder; null when there is none to begin. `paths`, which may be
+    // null: those of the files that will be written.
+    using Exporting = std::function<std::shared_ptr<ExportOperation>(const QString &folder, QStringList *paths)>;
+    // The name for a target that takes one file.
+    using Naming = std::function<QString()>;
 
     // `directSave` may be null.
     PresetDrag(Exporting exporting, Naming naming, std::unique_ptr<DirectSaveSource> directSave);

@@ -86,8 +86,9 @@ TEST_F(ExportFaultsTest, OfTwoThatWaitOneCanBeCancelled)
     const QList<ZQObjectID> items = importImages(2);
     std::promise<void> open;
     delegate->backgroundOperationQueue().addOperationWithBlock([opened = open.get_future().share()] { opened.wait(); });
-    const auto first = ExportManager::sharedExportManager().exportItems({items[0]}, out, {}, {}, {}, false);
-    const auto second = ExportManager::sharedExportManager().exportItems({items[1]}, out, JPEG, {}, 50, false);
+    const auto first = ExportManager::sharedExportManager().exportItems({.items = {items[0]}, .destinationURL = out});
+    const auto second = ExportManager::sharedExportManager().exportItems(
+        {.items = {items[1]}, .destinationURL = out, .fileFormat = JPEG, .imageSizePercentage = 50});
     first->cancel();
     open.set_value();
     wait();
@@ -115,6 +116,8 @@ TEST_F(ExportFaultsTest, AFullDiskIsSaidOnceWithWhatWasWritten)
             if (!archive) {
                 EXPECT_EQ(result.count + result.failed.size(), items.size());
                 EXPECT_TRUE(user.errors[0].localizedDescription().contains(QString::number(result.count)));
+                ASSERT_FALSE(result.failed.isEmpty());
+                EXPECT_TRUE(user.errors[0].localizedDescription().contains(u'“' + result.failed[0].title + u'”'));
             }
             expectOnlyWholeFiles(result);
         }

@@ -1,6 +1,5 @@
 #include "Classes/Export/ExportNames.h"
 
-#include "Classes/Export/ExportManager.h"
 #include "Kit/Imaging/ZQImageExport.h"
 
 #include <QDir>
@@ -124,11 +123,13 @@ TEST(ExportNamesTest, ALinkCountsAsAFileWhereverItLeads)
     const QTemporaryDir folder;
     ASSERT_TRUE(QFile::link(QStringLiteral("/nowhere/at/all"), folder.filePath(QStringLiteral("Archive.zip"))));
     EXPECT_EQ(ExportNames::archiveName(folder.path()), folder.filePath(QStringLiteral("Archive 1.zip")));
-    EXPECT_EQ(ExportManager::safeNameForFile(folder.filePath(QStringLiteral("Archive"))),
+    EXPECT_EQ(ExportNames::safeNameForFile(folder.filePath(QStringLiteral("Archive"))),
               folder.filePath(QStringLiteral("Archive")));
-    EXPECT_EQ(ExportManager::safeNameForFile(QStringLiteral("/d/x.tar.gz"),
-                                             {QStringLiteral("/d/x.tar.gz"), QStringLiteral("/d/x.tar 1.gz")}),
+    int number = 0;
+    EXPECT_EQ(ExportNames::safeNameForFile(QStringLiteral("/d/x.tar.gz"),
+                                           {QStringLiteral("/d/x.tar.gz"), QStringLiteral("/d/x.tar 1.gz")}, number),
               QStringLiteral("/d/x.tar 2.gz"));
+    EXPECT_EQ(number, 2);
 }
 
 TEST(ExportNamesTest, PatternsAreOneLineWithoutFolders)

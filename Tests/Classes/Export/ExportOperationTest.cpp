@@ -31,7 +31,7 @@ TEST_F(ExportOperationTest, PicturesGetTheSizeThatIsAskedForAndAreNotEnlargedByA
         {QSizeF(800, 0), {}, {800, 600}, {640, 480}, {300, 2}},
         {QSizeF(0, 600), {}, {800, 600}, {640, 480}, {300, 2}},
         {QSizeF(400, 100), {}, {133, 100}, {133, 100}, {300, 2}},
-        {QSizeF(0, 0), {}, {1600, 1200}, {640, 480}, {300, 2}},
+        {QSizeF(0, 0), {}, {1, 1}, {1, 1}, {1, 1}}, // neither side is given
         {{}, 50, {800, 600}, {320, 240}, {150, 1}},
         {{}, 200, {3200, 2400}, {1280, 960}, {600, 4}},
         {QSizeF(10, 10), 50, {800, 600}, {320, 240}, {150, 1}}, // a percentage goes first

@@ -40,6 +40,8 @@ TEST_F(AssetFilesTest, FilesAreCalledAsTheirTitlesAre)
         {file(QStringLiteral("3/DSC_1.JPG"), "three"), QStringLiteral("../bad/name")},
         {file(QStringLiteral("4/plain"), "four"), QStringLiteral("named")},
         {world.filePath(QStringLiteral("5/gone.png")), QStringLiteral("renamed")},
+        {file(QStringLiteral("6/.profile"), "six"), QStringLiteral("dot")},
+        {file(QStringLiteral("7/long.png"), "seven"), QString(300, u'x')},
     };
     int looks = 0;
     AssetFiles files([&] {
@@ -56,6 +58,8 @@ TEST_F(AssetFilesTest, FilesAreCalledAsTheirTitlesAre)
     EXPECT_EQ(paths[4], assets[4].path) << "there is nothing to give a name";
     EXPECT_EQ(QFileInfo(paths[1]).path(), QFileInfo(paths[2]).path()) << "and nowhere outside the folder";
     EXPECT_TRUE(paths[2].endsWith(QStringLiteral(".JPG")));
+    EXPECT_EQ(QFileInfo(paths[5]).fileName(), QStringLiteral("dot")) << "what is behind the first dot is no extension";
+    EXPECT_EQ(QFileInfo(paths[6]).fileName(), QString(251, u'x') + QStringLiteral(".png"));
     EXPECT_EQ(contentOf(paths[1]), "two");
     EXPECT_EQ(contentOf(paths[2]), "three");
     EXPECT_EQ(files.urls().size(), paths.size());

@@ -11,15 +11,19 @@
 #include "Classes/Interface/Export/PresetIcon.h"
 #include "Classes/Interface/Export/PresetsView.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageExport.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QDropEvent>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QPushButton>
+#include <QSet>
 #include <QSysInfo>
 #include <QToolButton>
 #include <QUrl>
@@ -76,6 +80,33 @@ public:
 private:
     const QString m_path;
 };
+
+// A widget as the one that shares; and what it heard.
+class Receiver : public QWidget, public PresetReceiver
+{
+public:
+    explicit Receiver(QWidget *parent) : QWidget(parent) { setAcceptDrops(true); }
+    bool takesPresets() const override { return takes; }
+    void setFileToUploadAfterExport(const QStringList &paths) override { heard.append(paths); }
+
+    bool takes = true;
+    QList<QStringList> heard;
+};
+
+// Whether the widget took what was let go over it.
+bool drops(QWidget &widget, const QMimeData &data)
+{
+    QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, &data, Qt::LeftButton, {});
+    enter.ignore();
+    QApplication::sendEvent(&widget, &enter);
+    if (!enter.isAccepted()) {
+        return false;
+    }
+    QDropEvent drop(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, {});
+    drop.ignore();
+    QApplication::sendEvent(&widget, &drop);
+    return drop.isAccepted();
+}
 
 } // namespace
 
@@ -196,7 +227,10 @@ TEST_F(ExportPanelTest, TheFieldsMakeThePreset)
         {Edit::JPEG, Edit::WidthAndHeight, "0", "600", JPEG, none, 600, none, true, true},
         {Edit::JPEG, Edit::Percentage, "50", "", JPEG, none, none, 50, true, false},
         {Edit::PNG, Edit::Percentage, "0", "", PNG, none, none, none, true, false},
-        {WebP, Edit::OriginalSize, "", "", WebP, none, none, none, false, false},
+        {Edit::PNG, Edit::Percentage, "200000", "", PNG, none, none, ExportItem::mostPercent, true, false},
+        {Edit::PNG, Edit::WidthAndHeight, "150000", "99999999", PNG, 150000, ExportItem::mostPixels, none, true, true},
+        {Edit::tagOfFileType(WebP), Edit::OriginalSize, "", "", WebP, none, none, none, false, false},
+        {Edit::tagOfFileType(BMP), Edit::Percentage, "50", "", BMP, none, none, 50, true, false},
     };
     Edit &edit = panel().editPanel();
     panel().setEditing(true);
@@ -215,7 +249,7 @@ TEST_F(ExportPanelTest, TheFieldsMakeThePreset)
         EXPECT_EQ(item.imageWidth, each.width) << name;
         EXPECT_EQ(item.imageHeight, each.height) << name;
         EXPECT_EQ(item.imagePercentage, each.percentage) << name;
-        EXPECT_EQ(item.imageQuality.has_value(), each.format == WebP) << name;
+        EXPECT_EQ(item.imageQuality.has_value(), each.type == WebP) << name;
     }
     edit.formatMenu().setCurrentIndex(edit.formatMenu().findData(int(Edit::Original)));
     edit.colorMenu().setCurrentIndex(edit.colorMenu().findData(5));
@@ -230,6 +264,33 @@ TEST_F(ExportPanelTest, TheFieldsMakeThePreset)
     EXPECT_TRUE(saved.archive);
     EXPECT_EQ(saved.dragIcon.size(), PresetIcon::size);
     EXPECT_FALSE(panel().isEditing());
+}
+
+TEST_F(ExportPanelTest, APresetLikeAnotherHasItsFormat)
+{
+    ExportEditPanel &edit = panel().editPanel();
+    panel().setEditing(true);
+    QSet<int> tags;
+    for (const int type : zqFileTypes()) {
+        ExportItem like;
+        like.imageFileType = type;
+        like.imagePercentage = 25;
+        edit.startWith(like);
+        EXPECT_EQ(edit.item().imageFileType, type);
+        EXPECT_EQ(edit.item().imagePercentage, 25) << type;
+        tags.insert(edit.formatMenu().currentData().toInt());
+        EXPECT_EQ(edit.formatMenu().currentText().contains(zqLocalized("extension kept")), !zqFileTypeNamesItself(type))
+            << type;
+    }
+    EXPECT_EQ(tags.size(), zqFileTypes().size());
+    edit.startWith(ExportItem());
+    EXPECT_FALSE(edit.item().imageFileType);
+
+    ExportItem bitmap;
+    bitmap.imageFileType = BMP;
+    EXPECT_EQ(ExportPresets::description(bitmap), QStringLiteral("BMP, Original size"));
+    bitmap.imageFileType = 99;
+    EXPECT_EQ(ExportPresets::description(bitmap), QStringLiteral("Other format, Original size"));
 }
 
 TEST_F(ExportPanelTest, ADropGoesBetweenTheCellsItIsNear)
@@ -248,10 +309,10 @@ TEST_F(ExportPanelTest, WhatIsDraggedIsWholeWhenItIsGiven)
     select({QStringLiteral("red"), QStringLiteral("clear")});
     const QList<ZQObjectID> items = browser().selectedItems();
     const ExportItem preset = panel().presets().items()[1];
-    const auto exporting = [&](const QString &place) {
-        return ExportManager::sharedExportManager().exportItems(ExportRequest::with(preset, items, place));
+    const auto exporting = [&](const QString &place, QStringList *paths) {
+        return ExportPanelViewController::exportItemsToURL(place, preset, items, paths);
     };
-    const auto naming = [](const QString &) { return QStringList(); };
+    const auto naming = [] { return QString(); };
     const PresetDrag plain(exporting, naming, nullptr);
     EXPECT_FALSE(plain.hasFormat(DirectSaveSource::format));
     const QList<QUrl> urls = plain.urls();
@@ -270,6 +331,81 @@ TEST_F(ExportPanelTest, WhatIsDraggedIsWholeWhenItIsGiven)
         EXPECT_EQ(lost.data(DirectSaveSource::format), DirectSaveSource::failed);
     }
     EXPECT_EQ(outFiles().size(), 2);
+}
+
+TEST_F(ExportPanelTest, AReceiverInTheWindowGetsThePathsBeforeTheExportEnds)
+{
+    select({QStringLiteral("red"), QStringLiteral("clear")});
+    const QList<ZQObjectID> items = browser().selectedItems();
+    const ExportItem preset = panel().presets().items()[1];
+    QString refused; // where an export was not begun
+    bool begins = true;
+    PresetDrag drag(
+        [&](const QString &place, QStringList *paths) {
+            const QList<ZQObjectID> twice = items + items;
+            refused = begins ? QString() : place;
+            return ExportPanelViewController::exportItemsToURL(place, preset, begins ? twice : QList<ZQObjectID>(),
+                                                               paths);
+        },
+        [] { return QString(); }, nullptr);
+    Receiver receiver(&window());
+    QWidget plain(&window());
+    plain.setAcceptDrops(true);
+    qApp->installEventFilter(&drag);
+    const auto token = ZQNotificationCenter::defaultCenter().addObserver(
+        ExportManager::didFinishExportOperation, nullptr,
+        [&receiver](const ZQNotification &) { receiver.heard.append({QStringLiteral("end")}); });
+
+    EXPECT_FALSE(drops(plain, drag)) << "no widget that knows presets";
+    receiver.takes = false;
+    EXPECT_FALSE(drops(receiver, drag));
+    QMimeData other;
+    other.setData(PresetDrag::presetType, {});
+    receiver.takes = true;
+    EXPECT_FALSE(drops(receiver, other)) << "another drag is none of its business";
+    EXPECT_TRUE(receiver.heard.isEmpty());
+
+    EXPECT_TRUE(drops(receiver, drag));
+    ASSERT_EQ(receiver.heard.size(), 1) << "at once";
+    ASSERT_TRUE(waitFor([&] { return receiver.heard.size() == 2; }));
+    EXPECT_EQ(receiver.heard[1], QStringList{QStringLiteral("end")});
+    const QStringList paths = receiver.heard[0];
+    ASSERT_EQ(paths.size(), 2) << "each once";
+    QStringList names;
+    for (const QString &path : paths) {
+        names.append(QFileInfo(path).fileName());
+        EXPECT_FALSE(QImage(path).isNull()) << path.toStdString();
+    }
+    names.sort();
+    EXPECT_EQ(names, (QStringList{QStringLiteral("clear.png"), QStringLiteral("red.png")}));
+
+    begins = false;
+    receiver.heard.clear();
+    EXPECT_TRUE(drops(receiver, drag));
+    EXPECT_EQ(receiver.heard, QList<QStringList>{QStringList()}) << "nothing will come";
+    EXPECT_FALSE(refused.isEmpty());
+    qApp->removeEventFilter(&drag);
+}
+
+TEST_F(ExportPanelTest, TheNameThatIsProposedIsThatOfTheFirstFile)
+{
+    select({QStringLiteral("red"), QStringLiteral("clear")});
+    const QList<ZQObjectID> items = browser().selectedItems();
+    const auto proposed = [&items](const ExportItem &preset) {
+        return ExportManager::proposedName(ExportRequest::with(preset, items, {}));
+    };
+    const auto first = zqCast<ZQLibraryBaseItem>(context().existingObjectWithID(items[0]));
+    const QString title = first->title();
+    ASSERT_TRUE(QFile::remove(first->itemURL())) << "a drag begins without a look at files";
+    ExportItem preset;
+    EXPECT_EQ(proposed(preset), title + QStringLiteral(".png"));
+    preset.imageFileType = JPEG;
+    preset.imagePercentage = 50;
+    preset.namePattern = QStringLiteral("{index} {title}");
+    EXPECT_EQ(proposed(preset), QStringLiteral("1 ") + title + QStringLiteral(".jpg"));
+    preset.archive = true;
+    EXPECT_EQ(proposed(preset), QStringLiteral("Archive.zip"));
+    EXPECT_TRUE(ExportManager::proposedName({}).isEmpty());
 }
 
 TEST(DirectSaveSource, OnlyFilesOfThisComputerAreWritten)

@@ -124,6 +124,7 @@ TEST(ExportSizeTest, FollowsTheRule)
              Row{"a width that does not divide", {1920, 1080}, within(799, 0), QSize(799, 449)},
              Row{"never larger", {640, 480}, within(800, 0), {}},
              Row{"exactly as large", {640, 480}, within(640, 480), {}},
+             Row{"neither side", {1600, 1200}, within(0, 0), QSize(1, 1)},
              Row{"a line", {1000, 1}, within(100, 0), QSize(100, 1)},
              Row{"no number to fit", {640, 480}, within(nan, 10), {}},
              Row{"no picture", {0, 480}, percent(50), {}},
@@ -153,8 +154,10 @@ TEST_F(ExportTest, OtherProgramsReadEveryType)
             EXPECT_LE(distance(shown(out), scene), type.tolerance + 3); // filters differ
         }
     }
+    EXPECT_EQ(zqFileTypes().size(), qsizetype(encodedTypes.size()));
     EXPECT_FALSE(zqCanEncode(6));
     EXPECT_EQ(zqExtensionOfFileType(-1), QString());
+    EXPECT_FALSE(zqFileTypeNamesItself(104));
 }
 
 TEST_F(ExportTest, KeepsTransparencyOrPutsItOnWhite)
