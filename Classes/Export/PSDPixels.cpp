@@ -32,6 +32,21 @@ Span spanOf(int image, double offset, double canvas)
     return span;
 }
 
+uchar product(uchar sample, uchar alpha)
+{
+    const auto wide = static_cast<quint16>(sample * alpha + 128);
+    return static_cast<uchar>((wide + (wide >> 8)) >> 8);
+}
+
+template <class Sample>
+void take(const uchar *pixel, std::span<uchar> samples, Sample of)
+{
+    for (uchar &sample : samples) {
+        sample = of(pixel);
+        pixel += channels;
+    }
+}
+
 } // namespace
 
 std::optional<QRect> PSDPixels::wholeRect(const QRectF &rect)
@@ -64,21 +79,19 @@ float PSDPixels::opacity(float value)
     return value > 0 ? std::min(value, 1.0F) : 0.0F;
 }
 
-PSDPackedLayers::Reader PSDPixels::readerOf(const ZQBitmap &image, QPoint source)
+PSDPackedLayers::Reader PSDPixels::readerOf(const ZQBitmap &image, QPoint source, PSDPackedLayers::Alpha alpha)
 {
-    return [image, source](int row, int channel, std::span<uchar> samples) {
-        const uchar *pixel = image.constScanLine(source.y() + row) + qsizetype(source.x()) * channels;
+    const bool isStraight = alpha == PSDPackedLayers::Alpha::Straight;
+    return [image, source, isStraight](int row, int channel, std::span<uchar> samples) {
+        const uchar *const pixels = image.constScanLine(source.y() + row) + qsizetype(source.x()) * channels;
         if (channel == alphaChannel) {
-            for (uchar &sample : samples) {
-                sample = pixel[alphaChannel];
-                pixel += channels;
-            }
-            return;
-        }
-        for (uchar &sample : samples) {
-            const unsigned product = unsigned(pixel[channel]) * pixel[alphaChannel] + 128;
-            sample = static_cast<uchar>((product + (product >> 8)) >> 8);
-            pixel += channels;
+            take(pixels, samples, [](const uchar *pixel) { return pixel[alphaChannel]; });
+        } else if (isStraight) {
+            take(pixels, samples,
+                 [channel](const uchar *pixel) { return pixel[alphaChannel] == 0 ? uchar(255) : pixel[channel]; });
+        } else {
+            take(pixels, samples,
+                 [channel](const uchar *pixel) { return product(pixel[channel], pixel[alphaChannel]); });
         }
     };
 }
@@ -92,6 +105,23 @@ PSDPackedLayers::Reader PSDPixels::readerOf(const QByteArray &pixels, int width)
             at += channels;
         }
     };
+}
+
+void PSDPixels::multiply(std::span<uchar> samples, std::span<const uchar> alpha)
+{
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        samples[i] = product(samples[i], alpha[i]);
+    }
+}
+
+void PSDPixels::premultiply(QByteArray &pixels)
+{
+    auto *pixel = reinterpret_cast<uchar *>(pixels.data());
+    for (uchar *const end = pixel + pixels.size() / channels * channels; pixel < end; pixel += channels) {
+        for (int channel = 0; channel < alphaChannel; ++channel) {
+            pixel[channel] = product(pixel[channel], pixel[alphaChannel]);
+        }
+    }
 }
 
 void PSDPixels::unpremultiply(QByteArray &pixels)

@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/LayerActions.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Export/ExportNames.h"
 #include "Classes/Export/LayeredExport.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -12,7 +13,7 @@ void LayerActions::exportWithDialog()
     QList<LayeredPicture> pictures;
     for (const ZQObjectID &id : m_browser.selectedItems()) {
         if (const auto item = m_window.libraryItem(id)) {
-            pictures.append({item->itemURL(), item->title(), {}, 1});
+            pictures.append({item->exportRepresentation(), item->title(), {}, 1, item->itemURL()});
         }
     }
     if (pictures.isEmpty()) {
@@ -22,7 +23,7 @@ void LayerActions::exportWithDialog()
     FileChoice choice;
     choice.title = zqLocalized("Export as Layered PSD");
     choice.prompt = zqLocalized("Export");
-    choice.name = QString(pictures.first().name).replace(u'/', u'-') + u'.' + extension;
+    choice.name = ExportNames::safeTitle(pictures.first().name) + u'.' + extension;
     choice.extensions = {extension};
     auto path = m_window.user.chooseFileToSave(choice);
     if (!path) {
