@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QUuid>
 
+#include <future>
 #include <optional>
 #include <utility>
 
@@ -33,26 +34,65 @@ QString line(const LayeredPicture &picture, const QString &text)
     return QStringLiteral("%1: %2").arg(picture.name, text);
 }
 
-// Nothing when it cannot be read: `error` says why, unless `gaps` takes it.
-ZQBitmap bitmapOf(const LayeredPicture &picture, LayeredDocument::Gaps *gaps, ZQError *error)
+struct Drawn
 {
-    ZQError reason;
-    const ZQBitmap bitmap = picture.picture.bitmap(&reason);
-    if (!bitmap.isNull() && !bitmap.isIncomplete()) {
-        return bitmap;
+    ZQBitmap bitmap;
+    ZQError reason; // why there is none
+};
+
+// Pictures in their order, each drawn while the one before it is packed. What the process that decodes has made ready
+// takes no memory of this one before it is looked at.
+class Drawings
+{
+public:
+    explicit Drawings(const QList<LayeredPicture> &pictures) : m_pictures(pictures) { begin(); }
+
+    Drawn next()
+    {
+        Drawn drawn = m_next.get();
+        begin();
+        return drawn;
+    }
+
+private:
+    void begin()
+    {
+        if (m_index == m_pictures.size()) {
+            return;
+        }
+        // By itself it falls back to drawing in `get` where no thread is to be had.
+        m_next = std::async([picture = m_pictures[m_index++].picture, cancellation = ZQCancellation::current()] {
+            const ZQCancellation::Scope scope(cancellation);
+            Drawn drawn;
+            drawn.bitmap = picture.bitmap(&drawn.reason);
+            return drawn;
+        });
+    }
+
+    const QList<LayeredPicture> &m_pictures;
+    qsizetype m_index = 0;
+    std::future<Drawn> m_next;
+};
+
+// Whether it is a layer. If not, `error` says why, unless `gaps` takes it.
+bool accepts(const LayeredPicture &picture, const Drawn &drawn, LayeredDocument::Gaps *gaps, ZQError *error)
+{
+    const bool isNull = drawn.bitmap.isNull();
+    if (!isNull && !drawn.bitmap.isIncomplete()) {
+        return true;
     }
     if (gaps) {
-        if (bitmap.isNull()) {
-            gaps->leftOut.append(line(picture, reason.localizedDescription()));
+        if (isNull) {
+            gaps->leftOut.append(line(picture, drawn.reason.localizedDescription()));
         } else {
             gaps->incomplete.append(line(picture, zqLocalized("Only a part of the picture is there.")));
         }
-        return bitmap;
+        return !isNull;
     }
-    const QString format = bitmap.isNull() ? zqLocalized("“%@” can't be read as a picture.")
-                                           : zqLocalized("“%@” is damaged: only a part of the picture is there.");
-    fail(LayeredDocument::CannotRead, zqFormat(format, {picture.picture.path}), error, reason.localizedDescription());
-    return {};
+    const QString format = isNull ? zqLocalized("“%@” can't be read as a picture.")
+                                  : zqLocalized("“%@” is damaged: only a part of the picture is there.");
+    return fail(LayeredDocument::CannotRead, zqFormat(format, {picture.picture.path}), error,
+                drawn.reason.localizedDescription());
 }
 
 // As it will be drawn; nothing when it cannot be.
@@ -79,14 +119,15 @@ std::optional<QByteArray> documentOf(const QList<LayeredPicture> &pictures, QSiz
     PSDWriter writer(canvas);
     writer.setShouldUnpremultiplyLayerData(true); // as programs that open documents read the colours of layers
     bool hasLayers = pictures.isEmpty();          // of none at all the writer tells
+    Drawings drawings(pictures);
     for (const LayeredPicture &picture : pictures) {
-        const ZQBitmap bitmap = ZQCancellation::isCurrentCancelled() ? ZQBitmap() : bitmapOf(picture, gaps, error);
+        const Drawn drawn = drawings.next();
         if (ZQCancellation::isCurrentCancelled()) {
             fail(LayeredDocument::Cancelled, zqLocalized("The export was cancelled."), error);
             return std::nullopt;
         }
-        if (!bitmap.isNull()) {
-            writer.addLayerWithCGImage(bitmap, picture.name, picture.opacity, picture.offset);
+        if (accepts(picture, drawn, gaps, error)) {
+            writer.addLayerWithCGImage(drawn.bitmap, picture.name, picture.opacity, picture.offset);
             hasLayers = true;
         } else if (!gaps) {
             return std::nullopt;

@@ -21,7 +21,8 @@ struct LayeredPicture
     QString file = {}; // of the asset, which is never written over; empty where it is the picture's
 };
 
-// Layered documents (PSD) of pictures. One picture is read at a time, at full size. Any thread.
+// Layered documents (PSD) of pictures. One picture is held at a time, at full size, and the next one is decoded
+// meanwhile. Any thread.
 namespace LayeredDocument {
 
 inline const QString errorDomain = QStringLiteral("zelto.layers");

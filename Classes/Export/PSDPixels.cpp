@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr int channels = PSDPackedLayers::channelCount;
@@ -38,12 +42,36 @@ uchar product(uchar sample, uchar alpha)
     return static_cast<uchar>((wide + (wide >> 8)) >> 8);
 }
 
-template <class Sample>
-void take(const uchar *pixel, std::span<uchar> samples, Sample of)
+#if defined(__SSE2__)
+constexpr std::size_t blockSize = sizeof(__m128i);
+
+// One channel of 16 pixels.
+__m128i blockOf(const uchar *pixel, int channel)
 {
-    for (uchar &sample : samples) {
-        sample = of(pixel);
-        pixel += channels;
+    const __m128i shift = _mm_cvtsi32_si128(8 * channel);
+    const auto four = [&](int index) {
+        const __m128i whole = _mm_loadu_si128(reinterpret_cast<const __m128i *>(pixel) + index);
+        return _mm_and_si128(_mm_srl_epi32(whole, shift), _mm_set1_epi32(255));
+    };
+    return _mm_packus_epi16(_mm_packs_epi32(four(0), four(1)), _mm_packs_epi32(four(2), four(3)));
+}
+#endif
+
+// One channel; with `isWhite`, 255 where alpha is 0.
+void take(const uchar *pixel, int channel, bool isWhite, std::span<uchar> samples)
+{
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    for (; samples.size() - i >= blockSize; i += blockSize, pixel += blockSize * channels) {
+        __m128i block = blockOf(pixel, channel);
+        if (isWhite) {
+            block = _mm_or_si128(block, _mm_cmpeq_epi8(blockOf(pixel, alphaChannel), _mm_setzero_si128()));
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(samples.data() + i), block);
+    }
+#endif
+    for (; i < samples.size(); ++i, pixel += channels) {
+        samples[i] = isWhite && pixel[alphaChannel] == 0 ? uchar(255) : pixel[channel];
     }
 }
 
@@ -84,14 +112,12 @@ PSDPackedLayers::Reader PSDPixels::readerOf(const ZQBitmap &image, QPoint source
     const bool isStraight = alpha == PSDPackedLayers::Alpha::Straight;
     return [image, source, isStraight](int row, int channel, std::span<uchar> samples) {
         const uchar *const pixels = image.constScanLine(source.y() + row) + qsizetype(source.x()) * channels;
-        if (channel == alphaChannel) {
-            take(pixels, samples, [](const uchar *pixel) { return pixel[alphaChannel]; });
-        } else if (isStraight) {
-            take(pixels, samples,
-                 [channel](const uchar *pixel) { return pixel[alphaChannel] == 0 ? uchar(255) : pixel[channel]; });
-        } else {
-            take(pixels, samples,
-                 [channel](const uchar *pixel) { return product(pixel[channel], pixel[alphaChannel]); });
+        const bool isColor = channel != alphaChannel;
+        take(pixels, channel, isStraight && isColor, samples);
+        if (isColor && !isStraight) {
+            for (std::size_t i = 0; i < samples.size(); ++i) {
+                samples[i] = product(samples[i], pixels[i * channels + alphaChannel]);
+            }
         }
     };
 }
