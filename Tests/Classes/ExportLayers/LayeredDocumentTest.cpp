@@ -198,6 +198,17 @@ TEST_F(LayeredDocumentTest, IsAsLargeAsTheLargestAndNamesWhatIsLeftOut)
     }
 }
 
+TEST_F(LayeredDocumentTest, IsAsLargeAsADrawingIsDrawn)
+{
+    const LayeredPicture vector = drawing(QStringLiteral("vector"), ZQExportRepresentation::Drawing::PictureOrPreview);
+    QList<LayeredPicture> pictures = {vector};
+    QStringList leftOut;
+    const QSize size = LayeredDocument::largestSize(pictures, &leftOut);
+    EXPECT_FALSE(size.isEmpty()) << qPrintable(leftOut.join(u' '));
+    EXPECT_EQ(size, vector.picture.bitmap().size());
+    EXPECT_TRUE(write(pictures, size)) << qPrintable(error.localizedDescription());
+}
+
 TEST_F(LayeredDocumentTest, IsExportedInTheBackground)
 {
     ScriptedUser user;
