@@ -40,7 +40,7 @@ std::optional<LayeredPicture> placement(const QString &text)
 std::optional<LayeredPicture> layer(const QString &argument, CommandContext &context)
 {
     const auto named = [&](LayeredPicture picture, const QString &path) {
-        picture.path = context.absolutePath(path);
+        picture.picture = {context.absolutePath(path)};
         if (picture.name.isEmpty()) {
             picture.name = QFileInfo(path).completeBaseName();
         }

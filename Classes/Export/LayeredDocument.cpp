@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <future>
 #include <optional>
 #include <utility>
 
@@ -31,36 +32,117 @@ bool alreadyThere(const QString &path, ZQError *error)
     return fail(LayeredDocument::AlreadyThere, zqFormat(zqLocalized("There is a file “%@” already."), {path}), error);
 }
 
-ZQBitmap bitmapOf(const LayeredPicture &picture, ZQError *error)
+QString line(const LayeredPicture &picture, const QString &text)
 {
-    ZQError reason;
-    const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(picture.path, &reason);
-    if (bitmap.isNull() || bitmap.isIncomplete()) {
-        const QString format = bitmap.isNull() ? zqLocalized("“%@” can't be read as a picture.")
-                                               : zqLocalized("“%@” is damaged: only a part of the picture is there.");
-        fail(LayeredDocument::CannotRead, zqFormat(format, {picture.path}), error, reason.localizedDescription());
+    return QStringLiteral("%1: %2").arg(picture.name, text);
+}
+
+struct Drawn
+{
+    ZQBitmap bitmap;
+    ZQError reason; // why there is none
+};
+
+// Pictures in their order, each drawn while the one before it is packed. What the process that decodes has made ready
+// takes no memory of this one before it is looked at.
+class Drawings
+{
+public:
+    explicit Drawings(const QList<LayeredPicture> &pictures) : m_pictures(pictures) { begin(); }
+
+    Drawn next()
+    {
+        Drawn drawn = m_next.get();
+        begin();
+        return drawn;
+    }
+
+private:
+    void begin()
+    {
+        if (m_index == m_pictures.size()) {
+            return;
+        }
+        // By itself it falls back to drawing in `get` where no thread is to be had.
+        m_next = std::async([picture = m_pictures[m_index++].picture, cancellation = ZQCancellation::current()] {
+            const ZQCancellation::Scope scope(cancellation);
+            Drawn drawn;
+            drawn.bitmap = picture.bitmap(&drawn.reason);
+            return drawn;
+        });
+    }
+
+    const QList<LayeredPicture> &m_pictures;
+    qsizetype m_index = 0;
+    std::future<Drawn> m_next;
+};
+
+// Whether it is a layer. If not, `error` says why, unless `gaps` takes it.
+bool accepts(const LayeredPicture &picture, const Drawn &drawn, LayeredDocument::Gaps *gaps, ZQError *error)
+{
+    const bool isNull = drawn.bitmap.isNull();
+    if (!isNull && !drawn.bitmap.isIncomplete()) {
+        return true;
+    }
+    if (gaps) {
+        if (isNull) {
+            gaps->leftOut.append(line(picture, drawn.reason.localizedDescription()));
+        } else {
+            gaps->incomplete.append(line(picture, zqLocalized("Only a part of the picture is there.")));
+        }
+        return !isNull;
+    }
+    const QString format = isNull ? zqLocalized("“%@” can't be read as a picture.")
+                                  : zqLocalized("“%@” is damaged: only a part of the picture is there.");
+    return fail(LayeredDocument::CannotRead, zqFormat(format, {picture.picture.path}), error,
+                drawn.reason.localizedDescription());
+}
+
+// As it will be drawn; nothing when it cannot be.
+QSize sizeOf(const LayeredPicture &picture, ZQError *error)
+{
+    if (picture.picture.path.isEmpty()) {
+        zqSetError(error, ZQError::with(LayeredDocument::errorDomain, LayeredDocument::CannotRead,
+                                        zqLocalized("The file is missing.")));
         return {};
     }
-    return bitmap;
+    const auto properties = picture.picture.drawing == ZQExportRepresentation::Drawing::Page
+                                ? std::nullopt
+                                : ZQImageSource::propertiesOfFile(picture.picture.path);
+    if (!properties || properties->isVector) {
+        return picture.picture.bitmap(error).size();
+    }
+    const QSize size(properties->pixelWidth, properties->pixelHeight);
+    return properties->orientation >= firstTurned ? size.transposed() : size;
 }
 
 std::optional<QByteArray> documentOf(const QList<LayeredPicture> &pictures, QSize canvas,
-                                     const std::function<void()> &didAdd, ZQError *error)
+                                     const std::function<void()> &didAdd, LayeredDocument::Gaps *gaps, ZQError *error)
 {
     PSDWriter writer(canvas);
+    writer.setShouldUnpremultiplyLayerData(true); // as programs that open documents read the colours of layers
+    bool hasLayers = pictures.isEmpty();          // of none at all the writer tells
+    Drawings drawings(pictures);
     for (const LayeredPicture &picture : pictures) {
-        const ZQBitmap bitmap = ZQCancellation::isCurrentCancelled() ? ZQBitmap() : bitmapOf(picture, error);
+        const Drawn drawn = drawings.next();
         if (ZQCancellation::isCurrentCancelled()) {
             fail(LayeredDocument::Cancelled, zqLocalized("The export was cancelled."), error);
             return std::nullopt;
         }
-        if (bitmap.isNull()) {
+        if (accepts(picture, drawn, gaps, error)) {
+            writer.addLayerWithCGImage(drawn.bitmap, picture.name, picture.opacity, picture.offset);
+            hasLayers = true;
+        } else if (!gaps) {
             return std::nullopt;
         }
-        writer.addLayerWithCGImage(bitmap, picture.name, picture.opacity, picture.offset);
         if (didAdd) {
             didAdd();
         }
+    }
+    if (!hasLayers) {
+        fail(LayeredDocument::CannotRead, zqLocalized("None of these can be read as a picture."), error,
+             gaps->leftOut.join(u'\n'));
+        return std::nullopt;
     }
     return writer.createPSDData();
 }
@@ -91,16 +173,12 @@ QSize LayeredDocument::largestSize(QList<LayeredPicture> &pictures, QStringList 
     QList<LayeredPicture> readable;
     for (const LayeredPicture &picture : std::as_const(pictures)) {
         ZQError error;
-        const auto properties = ZQImageSource::propertiesOfFile(picture.path, &error);
-        if (!properties) {
+        const QSize size = sizeOf(picture, &error);
+        if (size.isEmpty()) {
             if (leftOut) {
-                leftOut->append(QStringLiteral("%1: %2").arg(picture.name, error.localizedDescription()));
+                leftOut->append(line(picture, error.localizedDescription()));
             }
             continue;
-        }
-        QSize size(properties->pixelWidth, properties->pixelHeight);
-        if (properties->orientation >= firstTurned) {
-            size.transpose();
         }
         largest = largest.expandedTo(size);
         readable.append(picture);
@@ -110,24 +188,26 @@ QSize LayeredDocument::largestSize(QList<LayeredPicture> &pictures, QStringList 
 }
 
 bool LayeredDocument::write(const QList<LayeredPicture> &pictures, QSize canvas, const QString &path, bool replaces,
-                            const std::function<void()> &didAdd, ZQError *error)
+                            const std::function<void()> &didAdd, ZQError *error, Gaps *gaps)
 {
     const QFileInfo target(path);
     if (target.isDir() || (!replaces && (target.exists() || target.isSymLink()))) {
         return alreadyThere(path, error);
     }
     for (const LayeredPicture &picture : pictures) {
-        const QString source = QFileInfo(picture.path).canonicalFilePath();
-        if (!source.isEmpty() && source == target.canonicalFilePath()) {
-            return fail(AlreadyThere, zqFormat(zqLocalized("“%@” is one of the layers: choose another name."), {path}),
-                        error);
+        for (const QString &file : {picture.picture.path, picture.file}) {
+            const QString source = file.isEmpty() ? QString() : QFileInfo(file).canonicalFilePath();
+            if (!source.isEmpty() && source == target.canonicalFilePath()) {
+                return fail(AlreadyThere,
+                            zqFormat(zqLocalized("“%@” is one of the layers: choose another name."), {path}), error);
+            }
         }
     }
     try {
         if (const auto refused = PSDWriter::refusal(canvas, pictures.size())) {
             return fail(DoesNotFit, refused->reason(), error);
         }
-        const auto document = documentOf(pictures, canvas, didAdd, error);
+        const auto document = documentOf(pictures, canvas, didAdd, gaps, error);
         if (!document) {
             return false;
         }

@@ -29,14 +29,14 @@ void LayeredExport::begin(const QList<LayeredPicture> &pictures, const QString &
 
 void LayeredExport::main()
 {
-    QStringList leftOut;
-    const QSize canvas = LayeredDocument::largestSize(m_pictures, &leftOut);
+    LayeredDocument::Gaps gaps;
+    const QSize canvas = LayeredDocument::largestSize(m_pictures, &gaps.leftOut);
     if (isCancelled()) {
         return;
     }
     if (m_pictures.isEmpty()) {
         tellOfError(ZQError::with(LayeredDocument::errorDomain, LayeredDocument::CannotRead,
-                                  zqLocalized("None of these can be read as a picture."), leftOut.join(u'\n')));
+                                  zqLocalized("None of these can be read as a picture."), gaps.leftOut.join(u'\n')));
         return;
     }
     if (m_progress) {
@@ -48,28 +48,35 @@ void LayeredExport::main()
         }
     };
     ZQError error;
-    const bool isWritten = LayeredDocument::write(m_pictures, canvas, m_path, m_replaces, didAdd, &error);
+    const bool isWritten = LayeredDocument::write(m_pictures, canvas, m_path, m_replaces, didAdd, &error, &gaps);
     m_progress.reset();
     if (isWritten) {
-        tell(leftOut);
+        tell(gaps);
     } else if (!isCancelled()) {
         tellOfError(error);
     }
 }
 
-void LayeredExport::tell(const QStringList &leftOut)
+void LayeredExport::tell(const LayeredDocument::Gaps &gaps)
 {
     const QString name = QFileInfo(m_path).fileName();
-    if (!leftOut.isEmpty()) {
-        tellOfError(
-            ZQError::with(LayeredDocument::errorDomain, LayeredDocument::CannotRead,
-                          zqFormat(zqLocalized("“%@” was written without what can't be read as a picture."), {name}),
-                          leftOut.join(u'\n')));
+    constexpr qsizetype mostTold = 20;
+    QStringList lines = gaps.leftOut + gaps.incomplete;
+    if (const qsizetype more = lines.size() - mostTold; more > 0) {
+        lines.resize(mostTold);
+        lines.append(zqFormat(zqLocalized("and %d more"), {more}));
+    }
+    if (!lines.isEmpty()) {
+        const QString format = gaps.leftOut.isEmpty()
+                                   ? zqLocalized("“%@” was written, but pictures in it are incomplete.")
+                                   : zqLocalized("“%@” was written without what can't be read as a picture.");
+        tellOfError(ZQError::with(LayeredDocument::errorDomain, LayeredDocument::CannotRead, zqFormat(format, {name}),
+                                  lines.join(u'\n')));
         return;
     }
-    const QString text = m_pictures.size() == 1
-                             ? zqFormat(zqLocalized("“%@” was written with one layer"), {name})
-                             : zqFormat(zqLocalized("“%@” was written with %d layers"), {name, m_pictures.size()});
+    const qsizetype layers = m_pictures.size();
+    const QString text = layers == 1 ? zqFormat(zqLocalized("“%@” was written with one layer"), {name})
+                                     : zqFormat(zqLocalized("“%@” was written with %d layers"), {name, layers});
     zqOnMainThread([&user = m_user, text] {
         user.showNotificationWithText(text, NotificationPlace::Browser, usualNotificationTime);
     });

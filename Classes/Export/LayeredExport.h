@@ -8,7 +8,8 @@ class UserProgress;
 class ZQOperationQueue;
 
 // Writes assets as the layers of one document, the first at the bottom, on a canvas as large as the largest of them.
-// Those that are no pictures are left out, and named at the end. Cancelled, it leaves nothing.
+// Those that are no pictures, or prove to be damaged, are left out; of what is incomplete the part that is there goes
+// in. Both are named at the end. Cancelled, it leaves nothing.
 class LayeredExport : public ZQOperation
 {
 public:
@@ -20,7 +21,7 @@ public:
     void main() override;
 
 private:
-    void tell(const QStringList &leftOut);
+    void tell(const LayeredDocument::Gaps &gaps);
     void tellOfError(const ZQError &error);
 
     QList<LayeredPicture> m_pictures;

@@ -4,6 +4,10 @@
 #include <bit>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr qsizetype wordSize = qsizetype(sizeof(quint64));
@@ -26,9 +30,29 @@ qsizetype firstZero(quint64 word)
     return std::countr_zero(zeros) / 8; // 64 / 8 where there is none
 }
 
+#if defined(__SSE2__)
+constexpr qsizetype blockSize = qsizetype(sizeof(__m128i));
+
+__m128i blockAt(const uchar *at)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+}
+#endif
+
 // The first of three equal bytes, or the end.
 const uchar *nextRun(const uchar *at, const uchar *end)
 {
+#if defined(__SSE2__)
+    for (; end - at >= blockSize + 2; at += blockSize) {
+        const __m128i second = blockAt(at + 1);
+        const __m128i equal =
+            _mm_and_si128(_mm_cmpeq_epi8(blockAt(at), second), _mm_cmpeq_epi8(second, blockAt(at + 2)));
+        const auto found = static_cast<unsigned>(_mm_movemask_epi8(equal));
+        if (found != 0) {
+            return at + std::countr_zero(found);
+        }
+    }
+#endif
     if constexpr (std::endian::native == std::endian::little) {
         for (; end - at >= wordSize + 2; at += wordSize) {
             const quint64 second = wordAt(at + 1);
@@ -50,8 +74,13 @@ const uchar *nextRun(const uchar *at, const uchar *end)
 const uchar *endOfRun(const uchar *at, const uchar *end)
 {
     const uchar value = *at;
-    for (const quint64 same = value * lowBits; end - at >= wordSize && wordAt(at) == same;) {
-        at += wordSize;
+    for (const quint64 same = value * lowBits; end - at >= wordSize; at += wordSize) {
+        if (const quint64 differs = wordAt(at) ^ same) {
+            if constexpr (std::endian::native == std::endian::little) {
+                return at + std::countr_zero(differs) / 8;
+            }
+            break;
+        }
     }
     while (at < end && *at == value) {
         ++at;

@@ -1,6 +1,7 @@
 #include "Classes/Export/PSDMergedImage.h"
 
 #include "Classes/Export/PSDBytes.h"
+#include "Classes/Export/PSDPixels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -87,6 +88,9 @@ void PSDMergedImage::Rows::draw(std::size_t index, std::span<uchar> samples)
     const auto part = [&rect](std::span<uchar> row) {
         return row.subspan(std::size_t(rect.x()), std::size_t(rect.width()));
     };
+    if (m_image.m_layers.alphaOf(qsizetype(index)) == PSDPackedLayers::Alpha::Straight) {
+        PSDPixels::multiply(part(m_color), part(m_alpha));
+    }
     const float opacity = m_image.m_opacities[qsizetype(index)];
     if (opacity < 1) {
         const auto factor = static_cast<quint32>(std::lround(opacity * float(wholeOpacity)));

@@ -76,10 +76,11 @@ bool PSDPackedLayers::appendChannel(Layer &layer, int channel, const Reader &rea
     return true;
 }
 
-bool PSDPackedLayers::append(const QRect &rect, const Reader &reader)
+bool PSDPackedLayers::append(const QRect &rect, const Reader &reader, Alpha alpha)
 {
     Layer layer;
     layer.rect = rect;
+    layer.alpha = alpha;
     layer.start = m_bytes.size();
     for (int channel = 0; channel < channelCount; ++channel) {
         if (!appendChannel(layer, channel, reader)) {

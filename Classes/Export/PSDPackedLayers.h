@@ -23,17 +23,19 @@ public:
     // `roomInFront`: what is kept free before the first layer.
     explicit PSDPackedLayers(QSize canvas = {}, qsizetype roomInFront = 0);
 
+    enum class Alpha { Premultiplied, Straight };
     // Gives the samples of one channel of a row of the layer, counted from its own top. Any thread.
     using Reader = std::function<void(int row, int channel, std::span<uchar> samples)>;
     // `rect` lies on the canvas; the rest of it is transparent. False, with nothing added, when the document becomes
     // too long.
-    bool append(const QRect &rect, const Reader &reader);
+    bool append(const QRect &rect, const Reader &reader, Alpha alpha = Alpha::Premultiplied);
 
     QSize canvas() const { return m_canvas; }
     qsizetype count() const { return m_layers.size(); }
     QRect rectOf(qsizetype layer) const { return m_layers[layer].rect; }
+    Alpha alphaOf(qsizetype layer) const { return m_layers[layer].alpha; }
     qsizetype lengthOf(qsizetype layer, int channel) const { return m_layers[layer].lengths[std::size_t(channel)]; }
-    QByteArray pixelsOf(qsizetype layer) const; // of its rect: R, G, B, A, alpha premultiplied
+    QByteArray pixelsOf(qsizetype layer) const; // of its rect: R, G, B, A, as they were given
 
     // Where a row of a channel is.
     struct Cursor
@@ -52,6 +54,7 @@ private:
     struct Layer
     {
         QRect rect;
+        Alpha alpha = Alpha::Premultiplied;
         qsizetype start = 0;
         std::array<qsizetype, channelCount> lengths = {};
     };

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr int channels = PSDPackedLayers::channelCount;
@@ -30,6 +34,45 @@ Span spanOf(int image, double offset, double canvas)
     }
     span.length = std::max(span.length, 0.0);
     return span;
+}
+
+uchar product(uchar sample, uchar alpha)
+{
+    const auto wide = static_cast<quint16>(sample * alpha + 128);
+    return static_cast<uchar>((wide + (wide >> 8)) >> 8);
+}
+
+#if defined(__SSE2__)
+constexpr std::size_t blockSize = sizeof(__m128i);
+
+// One channel of 16 pixels.
+__m128i blockOf(const uchar *pixel, int channel)
+{
+    const __m128i shift = _mm_cvtsi32_si128(8 * channel);
+    const auto four = [&](int index) {
+        const __m128i whole = _mm_loadu_si128(reinterpret_cast<const __m128i *>(pixel) + index);
+        return _mm_and_si128(_mm_srl_epi32(whole, shift), _mm_set1_epi32(255));
+    };
+    return _mm_packus_epi16(_mm_packs_epi32(four(0), four(1)), _mm_packs_epi32(four(2), four(3)));
+}
+#endif
+
+// One channel; with `isWhite`, 255 where alpha is 0.
+void take(const uchar *pixel, int channel, bool isWhite, std::span<uchar> samples)
+{
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    for (; samples.size() - i >= blockSize; i += blockSize, pixel += blockSize * channels) {
+        __m128i block = blockOf(pixel, channel);
+        if (isWhite) {
+            block = _mm_or_si128(block, _mm_cmpeq_epi8(blockOf(pixel, alphaChannel), _mm_setzero_si128()));
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(samples.data() + i), block);
+    }
+#endif
+    for (; i < samples.size(); ++i, pixel += channels) {
+        samples[i] = isWhite && pixel[alphaChannel] == 0 ? uchar(255) : pixel[channel];
+    }
 }
 
 } // namespace
@@ -64,21 +107,17 @@ float PSDPixels::opacity(float value)
     return value > 0 ? std::min(value, 1.0F) : 0.0F;
 }
 
-PSDPackedLayers::Reader PSDPixels::readerOf(const ZQBitmap &image, QPoint source)
+PSDPackedLayers::Reader PSDPixels::readerOf(const ZQBitmap &image, QPoint source, PSDPackedLayers::Alpha alpha)
 {
-    return [image, source](int row, int channel, std::span<uchar> samples) {
-        const uchar *pixel = image.constScanLine(source.y() + row) + qsizetype(source.x()) * channels;
-        if (channel == alphaChannel) {
-            for (uchar &sample : samples) {
-                sample = pixel[alphaChannel];
-                pixel += channels;
+    const bool isStraight = alpha == PSDPackedLayers::Alpha::Straight;
+    return [image, source, isStraight](int row, int channel, std::span<uchar> samples) {
+        const uchar *const pixels = image.constScanLine(source.y() + row) + qsizetype(source.x()) * channels;
+        const bool isColor = channel != alphaChannel;
+        take(pixels, channel, isStraight && isColor, samples);
+        if (isColor && !isStraight) {
+            for (std::size_t i = 0; i < samples.size(); ++i) {
+                samples[i] = product(samples[i], pixels[i * channels + alphaChannel]);
             }
-            return;
-        }
-        for (uchar &sample : samples) {
-            const unsigned product = unsigned(pixel[channel]) * pixel[alphaChannel] + 128;
-            sample = static_cast<uchar>((product + (product >> 8)) >> 8);
-            pixel += channels;
         }
     };
 }
@@ -92,6 +131,23 @@ PSDPackedLayers::Reader PSDPixels::readerOf(const QByteArray &pixels, int width)
             at += channels;
         }
     };
+}
+
+void PSDPixels::multiply(std::span<uchar> samples, std::span<const uchar> alpha)
+{
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        samples[i] = product(samples[i], alpha[i]);
+    }
+}
+
+void PSDPixels::premultiply(QByteArray &pixels)
+{
+    auto *pixel = reinterpret_cast<uchar *>(pixels.data());
+    for (uchar *const end = pixel + pixels.size() / channels * channels; pixel < end; pixel += channels) {
+        for (int channel = 0; channel < alphaChannel; ++channel) {
+            pixel[channel] = product(pixel[channel], pixel[alphaChannel]);
+        }
+    }
 }
 
 void PSDPixels::unpremultiply(QByteArray &pixels)

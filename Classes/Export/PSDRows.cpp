@@ -28,7 +28,6 @@ struct Share
         if (from == to) {
             return;
         }
-        packed.resize((to - from) * channel.mostBytesPerRow); // keeps what it has
         const PSDRows::Packer next = channel.packerFrom(from);
         char *at = packed.data();
         for (int row = from; row < to; ++row) {
@@ -42,6 +41,10 @@ struct Share
 
 void packAll(std::vector<Share> &shares, const PSDRows::Channel &channel, char *counts)
 {
+    // Here rather than on each thread, whose memory would go back to the system and come anew each time.
+    for (Share &share : shares) {
+        share.packed.resize(std::max(share.packed.size(), (share.to - share.from) * channel.mostBytesPerRow));
+    }
     std::vector<std::thread> threads;
     for (std::size_t i = 1; i < shares.size(); ++i) {
         try {

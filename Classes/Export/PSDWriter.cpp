@@ -13,6 +13,8 @@
 
 namespace {
 
+using Alpha = PSDPackedLayers::Alpha;
+
 constexpr int channels = PSDPackedLayers::channelCount;
 constexpr qsizetype usualLayers = 200; // for which there is room in front, so that nothing has to move
 
@@ -97,14 +99,23 @@ QList<PSDLayer> PSDWriter::layers() const
 {
     QList<PSDLayer> list;
     for (qsizetype i = 0; i < m_entries.size(); ++i) {
-        list.append({m_packed.pixelsOf(i), m_entries[i].name, m_entries[i].opacity, m_entries[i].rect});
+        QByteArray pixels = m_packed.pixelsOf(i);
+        if (!m_isPreprocessed && m_packed.alphaOf(i) == Alpha::Straight) {
+            PSDPixels::premultiply(pixels);
+        }
+        list.append({pixels, m_entries[i].name, m_entries[i].opacity, m_entries[i].rect});
     }
     return list;
 }
 
-void PSDWriter::append(const Entry &entry, const QRect &rect, const PSDPackedLayers::Reader &reader)
+Alpha PSDWriter::alpha() const
 {
-    if (!m_packed.append(rect, reader)) {
+    return m_shouldUnpremultiplyLayerData ? Alpha::Straight : Alpha::Premultiplied;
+}
+
+void PSDWriter::append(const Entry &entry, const QRect &rect, const PSDPackedLayers::Reader &reader, Alpha alpha)
+{
+    if (!m_packed.append(rect, reader, alpha)) {
         throw tooLong();
     }
     m_entries.append(entry);
@@ -137,10 +148,21 @@ void PSDWriter::addLayerWithCGImage(const ZQBitmap &image, const QString &andNam
         throw *refused;
     }
     const PSDPixels::Crop crop = PSDPixels::crop(image.size(), andOffset, m_documentSize);
-    append({andName, PSDPixels::opacity(andOpacity), crop.rect}, crop.target, PSDPixels::readerOf(image, crop.source));
+    append({andName, PSDPixels::opacity(andOpacity), crop.rect}, crop.target,
+           PSDPixels::readerOf(image, crop.source, alpha()), alpha());
     if (m_canvas.isEmpty() && !m_flattenedData) {
         throw noSize();
     }
+}
+
+bool PSDWriter::needsTransform() const
+{
+    for (qsizetype i = 0; i < m_packed.count(); ++i) {
+        if (m_packed.alphaOf(i) != alpha()) {
+            return true;
+        }
+    }
+    return m_shouldFlipLayerData;
 }
 
 // As if each had been packed that way from the start. The merged image is that of the layers as they were added.
@@ -150,13 +172,13 @@ void PSDWriter::transformLayers()
     for (qsizetype i = 0; i < m_packed.count(); ++i) {
         const QRect rect = m_packed.rectOf(i);
         QByteArray pixels = m_packed.pixelsOf(i);
-        if (m_shouldUnpremultiplyLayerData) {
-            PSDPixels::unpremultiply(pixels);
+        if (m_packed.alphaOf(i) != alpha()) {
+            alpha() == Alpha::Straight ? PSDPixels::unpremultiply(pixels) : PSDPixels::premultiply(pixels);
         }
         if (m_shouldFlipLayerData && rect.size() == m_canvas) {
             PSDPixels::flip(pixels, m_canvas.height());
         }
-        if (!changed.append(rect, PSDPixels::readerOf(pixels, rect.width()))) {
+        if (!changed.append(rect, PSDPixels::readerOf(pixels, rect.width()), alpha())) {
             throw tooLong();
         }
     }
@@ -166,7 +188,7 @@ void PSDWriter::transformLayers()
 void PSDWriter::preprocess()
 {
     m_isPreprocessed = true;
-    if (m_shouldFlipLayerData || m_shouldUnpremultiplyLayerData) {
+    if (needsTransform()) {
         m_flattenedData = flattenedData();
         transformLayers();
     }

@@ -16,7 +16,9 @@
 // Makes a layered Photoshop document (version 1, RGB, 8 bits a channel) with its merged image, in memory, once.
 //
 // A layer is packed while it is added, and its pixels are let go: what a writer holds is about what it will answer.
-// Pixels that are asked for (`layers`) are unpacked again. Both options below cost a second copy of the packed layers.
+// Pixels that are asked for (`layers`) are unpacked again. Both options below cost a second copy of the packed layers,
+// except for unpremultiplying images that are added once it is set: their straight pixels go in as they are, which
+// loses nothing to rounding.
 //
 // Every layer is written at the size of the canvas, transparent around its own rectangle. One that is wholly outside
 // stays as a transparent layer, so that the others keep their places. Offsets that are no whole pixels are rounded
@@ -65,10 +67,13 @@ private:
         float opacity = 1;
         QRectF rect;
     };
-    void append(const Entry &entry, const QRect &rect, const PSDPackedLayers::Reader &reader);
+    void append(const Entry &entry, const QRect &rect, const PSDPackedLayers::Reader &reader,
+                PSDPackedLayers::Alpha alpha = PSDPackedLayers::Alpha::Premultiplied);
+    PSDPackedLayers::Alpha alpha() const; // that the document is to have
     void appendPixels(const PSDLayer &layer);
     PSDPackedLayers emptyLayers() const;
     QList<float> opacities() const;
+    bool needsTransform() const;
     void transformLayers();
     void checkBounds() const;
     void appendMergedImage();

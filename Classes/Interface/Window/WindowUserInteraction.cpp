@@ -248,6 +248,8 @@ std::optional<QString> WindowUserInteraction::chooseFileToSave(const FileChoice 
 {
     QFileDialog dialog(m_places.window, choice.title, {}, filterFor(choice));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    // Whoever asks for a name asks about replacing: some dialogs add the suffix after they looked whether it is taken.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     dialog.selectFile(choice.name);
     if (!choice.extensions.isEmpty()) {
         dialog.setDefaultSuffix(choice.extensions.first());

@@ -32,13 +32,33 @@ protected:
         image.fill(Qt::red);
         const QString path = world.filePath(name + QStringLiteral(".png"));
         EXPECT_TRUE(image.save(path));
-        return {path, name, {}, 1};
+        return {{path}, name, {}, 1};
     }
     LayeredPicture noPicture()
     {
         const QString path = world.filePath(QStringLiteral("note.png"));
         put(path, "no picture");
-        return {path, QStringLiteral("note"), {}, 1};
+        return {{path}, QStringLiteral("note"), {}, 1};
+    }
+    // With a good header and half of its rows.
+    LayeredPicture cut(const QString &name)
+    {
+        const QString path = world.filePath(name + QStringLiteral(".png"));
+        QImage noise(64, 64, QImage::Format_RGBA8888);
+        for (int i = 0; i < 64 * 64; ++i) {
+            noise.setPixelColor(i % 64, i / 64, QColor(i * 7919 % 251, i * 104729 % 241, i * 31 % 239));
+        }
+        EXPECT_TRUE(noise.save(path));
+        const QByteArray whole = bytesAt(path);
+        put(path, whole.left(whole.size() / 2));
+        return {{path}, name, {}, 1};
+    }
+    LayeredPicture drawing(const QString &name, ZQExportRepresentation::Drawing drawing)
+    {
+        const QString path = world.filePath(name + QStringLiteral(".svg"));
+        put(path,
+            R"(<svg xmlns="http://www.w3.org/2000/svg" width="12" height="8"><rect width="9" height="9"/></svg>)");
+        return {{path, drawing}, name, {}, 1};
     }
     static void put(const QString &path, const QByteArray &bytes)
     {
@@ -117,24 +137,87 @@ TEST_F(LayeredDocumentTest, LeavesNothingWhenItFails)
 TEST_F(LayeredDocumentTest, NeverReplacesALayerOrAFolder)
 {
     const LayeredPicture layer = picture(QStringLiteral("a"), {3, 2});
-    const QByteArray before = bytesAt(layer.path);
+    const QByteArray before = bytesAt(layer.picture.path);
     out = world.path() + QStringLiteral("/./a.png");
     EXPECT_FALSE(write({layer}, {3, 2}, true));
-    EXPECT_EQ(bytesAt(layer.path), before);
+    EXPECT_EQ(bytesAt(layer.picture.path), before);
     out = world.filePath(QStringLiteral("out"));
     EXPECT_FALSE(write({layer}, {3, 2}, true));
     EXPECT_TRUE(QFileInfo(out).isDir());
 }
 
+TEST_F(LayeredDocumentTest, LeavesAloneTheAssetThatALayerIsDrawnFrom)
+{
+    LayeredPicture layer = picture(QStringLiteral("a"), {3, 2});
+    layer.file = out;
+    put(out, "mine");
+    EXPECT_FALSE(write({layer}, {3, 2}, true));
+    EXPECT_EQ(bytesAt(out), "mine");
+}
+
+TEST_F(LayeredDocumentTest, KeepsSoftColorsStraight)
+{
+    QImage image(1, 1, QImage::Format_RGBA8888);
+    image.fill(QColor(255, 0, 0, 128));
+    const QString path = world.filePath(QStringLiteral("soft.png"));
+    ASSERT_TRUE(image.save(path));
+    ASSERT_TRUE(write({{{path}, QStringLiteral("soft"), {}, 1}}, {1, 1}));
+    // A compression, one count and a literal for each channel.
+    EXPECT_TRUE(bytesAt(out).toHex().contains("0001000200ff00010002000000010002000000010002"
+                                              "0080"));
+}
+
+TEST_F(LayeredDocumentTest, GoesOnWithoutWhatCannotBeReadWhereGapsAreTaken)
+{
+    using Drawing = ZQExportRepresentation::Drawing;
+    const LayeredPicture good = picture(QStringLiteral("a"), {3, 2});
+    const LayeredPicture part = cut(QStringLiteral("part"));
+    const LayeredPicture vector = drawing(QStringLiteral("vector"), Drawing::Picture);
+    for (const LayeredPicture &picture : {part, vector, noPicture()}) {
+        EXPECT_FALSE(write({good, picture}, {3, 2})) << qPrintable(picture.name);
+        LayeredDocument::Gaps gaps;
+        out = world.filePath(QStringLiteral("out/%1.psd").arg(picture.name));
+        EXPECT_TRUE(LayeredDocument::write({good, picture}, {3, 2}, out, false, {}, &error, &gaps));
+        const bool isPart = picture.name == part.name;
+        EXPECT_EQ(bytesAt(out).count("8BIMnorm"), isPart ? 2 : 1) << qPrintable(picture.name);
+        const QStringList lines = isPart ? gaps.incomplete : gaps.leftOut;
+        ASSERT_EQ(lines.size(), 1);
+        EXPECT_TRUE(lines[0].startsWith(picture.name + QStringLiteral(": ")));
+        EXPECT_EQ(gaps.incomplete.size() + gaps.leftOut.size(), 1);
+    }
+    LayeredDocument::Gaps gaps;
+    out = world.filePath(QStringLiteral("out/none.psd"));
+    EXPECT_FALSE(LayeredDocument::write({noPicture()}, {3, 2}, out, false, {}, &error, &gaps));
+    EXPECT_EQ(error.code, LayeredDocument::CannotRead);
+    EXPECT_FALSE(QFileInfo::exists(out));
+}
+
 TEST_F(LayeredDocumentTest, IsAsLargeAsTheLargestAndNamesWhatIsLeftOut)
 {
-    QList<LayeredPicture> pictures = {picture(QStringLiteral("wide"), {9, 2}), noPicture(),
-                                      picture(QStringLiteral("high"), {1, 7})};
+    QList<LayeredPicture> pictures = {picture(QStringLiteral("wide"), {9, 2}),
+                                      noPicture(),
+                                      picture(QStringLiteral("high"), {1, 7}),
+                                      drawing(QStringLiteral("vector"), ZQExportRepresentation::Drawing::Picture),
+                                      {{}, QStringLiteral("missing"), {}, 1}};
     QStringList leftOut;
     EXPECT_EQ(LayeredDocument::largestSize(pictures, &leftOut), QSize(9, 7));
     EXPECT_EQ(pictures.size(), 2);
-    ASSERT_EQ(leftOut.size(), 1);
-    EXPECT_TRUE(leftOut[0].startsWith(QStringLiteral("note: "))) << qPrintable(leftOut[0]);
+    ASSERT_EQ(leftOut.size(), 3);
+    const QStringList names = {QStringLiteral("note: "), QStringLiteral("vector: "), QStringLiteral("missing: ")};
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        EXPECT_TRUE(leftOut[i].startsWith(names[i]) && leftOut[i].size() > names[i].size()) << qPrintable(leftOut[i]);
+    }
+}
+
+TEST_F(LayeredDocumentTest, IsAsLargeAsADrawingIsDrawn)
+{
+    const LayeredPicture vector = drawing(QStringLiteral("vector"), ZQExportRepresentation::Drawing::PictureOrPreview);
+    QList<LayeredPicture> pictures = {vector};
+    QStringList leftOut;
+    const QSize size = LayeredDocument::largestSize(pictures, &leftOut);
+    EXPECT_FALSE(size.isEmpty()) << qPrintable(leftOut.join(u' '));
+    EXPECT_EQ(size, vector.picture.bitmap().size());
+    EXPECT_TRUE(write(pictures, size)) << qPrintable(error.localizedDescription());
 }
 
 TEST_F(LayeredDocumentTest, IsExportedInTheBackground)
@@ -148,6 +231,13 @@ TEST_F(LayeredDocumentTest, IsExportedInTheBackground)
     EXPECT_TRUE(bytesAt(out).startsWith("8BPS"));
 
     out = world.filePath(QStringLiteral("out/b.psd"));
+    LayeredExport::begin({picture(QStringLiteral("wide"), {9, 2}), cut(QStringLiteral("part"))}, out, false, user,
+                         queue);
+    zqRunMainLoopUntil([&] { return queue.operationCount() == 0 && !user.errors.isEmpty(); });
+    EXPECT_TRUE(bytesAt(out).startsWith("8BPS"));
+    EXPECT_TRUE(user.errors.last().localizedDescription().contains(QStringLiteral("part: ")));
+    QFile::remove(out);
+    user.errors.clear();
     LayeredExport::begin({noPicture()}, out, false, user, queue);
     zqRunMainLoopUntil([&] { return queue.operationCount() == 0 && !user.errors.isEmpty(); });
     EXPECT_EQ(written(), QStringList{QStringLiteral("a.psd")});

@@ -293,7 +293,8 @@ TEST(PSDWriter, RefusesWhatNobodyOpensBeforeItTakesMemory)
 
 TEST(PSDWriter, OptionsHoldForAllLayersWheneverTheyAreSet)
 {
-    // Premultiplied: what is added has straight alpha.
+    // What is added has straight alpha. It is kept when that is wanted from the start; else it comes out of what was
+    // premultiplied, rounded twice.
     QImage image(2, 2, QImage::Format_RGBA8888);
     const QList<QColor> colors = {QColor(255, 128, 1, 255), QColor(200, 100, 50, 128), QColor(9, 9, 9, 0),
                                   QColor(255, 255, 255, 1)};
@@ -312,23 +313,46 @@ TEST(PSDWriter, OptionsHoldForAllLayersWheneverTheyAreSet)
         writer.addLayerWithCGImage(ZQBitmap(image), {}, 1, {});
         set();
         const ReadDocument document = read(writer.createPSDData());
-        return document.layers[0].pixels.toHex(' ') + " merged " + document.merged.toHex(' ').left(12);
+        return document.layers[0].pixels.toHex(' ') + " merged " + document.merged.toHex(' ');
     };
     struct
     {
         bool unpremultiplies;
         bool flips;
-        QByteArray pixels;
+        QByteArray setFirst;
+        QByteArray setLater;
     } cases[] = {
-        {false, false, "ff 80 01 ff 64 32 19 80 00 00 00 00 01 01 01 01"},
-        {true, false, "ff 80 01 ff c7 63 31 80 ff ff ff 00 ff ff ff 01"},
-        {false, true, "00 00 00 00 01 01 01 01 ff 80 01 ff 64 32 19 80"},
-        {true, true, "ff ff ff 00 ff ff ff 01 ff 80 01 ff c7 63 31 80"},
+        {false, false, "ff 80 01 ff 64 32 19 80 00 00 00 00 01 01 01 01",
+         "ff 80 01 ff 64 32 19 80 00 00 00 00 01 01 01 01"},
+        {true, false, "ff 80 01 ff c8 64 32 80 ff ff ff 00 ff ff ff 01",
+         "ff 80 01 ff c7 63 31 80 ff ff ff 00 ff ff ff 01"},
+        {false, true, "00 00 00 00 01 01 01 01 ff 80 01 ff 64 32 19 80",
+         "00 00 00 00 01 01 01 01 ff 80 01 ff 64 32 19 80"},
+        {true, true, "ff ff ff 00 ff ff ff 01 ff 80 01 ff c8 64 32 80",
+         "ff ff ff 00 ff ff ff 01 ff 80 01 ff c7 63 31 80"},
     };
+    const QByteArray merged = " merged ff 80 01 ff e3 b1 98 ff ff ff ff ff ff ff ff ff";
     for (const auto &test : cases) {
-        for (const bool isSetFirst : {true, false}) {
-            EXPECT_EQ(layerOf(isSetFirst, test.unpremultiplies, test.flips), test.pixels + " merged ff 80 01 ff ");
-        }
+        EXPECT_EQ(layerOf(true, test.unpremultiplies, test.flips), test.setFirst + merged);
+        EXPECT_EQ(layerOf(false, test.unpremultiplies, test.flips), test.setLater + merged);
+    }
+}
+
+TEST(PSDWriter, LayersAreAskedForAndGivenPremultiplied)
+{
+    PSDWriter writer(QSizeF(1, 1));
+    writer.setShouldUnpremultiplyLayerData(true);
+    writer.addLayerWithCGImage(filled({1, 1}, QColor(200, 100, 50, 128)), {}, 1, {});
+    EXPECT_EQ(writer.layers()[0].imageData.toHex(), "64321980");
+    writer.setLayers(writer.layers());
+    writer.setShouldUnpremultiplyLayerData(false);
+    writer.addLayerWithCGImage(filled({1, 1}, QColor(200, 100, 50, 128)), {}, 1, {});
+    writer.setShouldUnpremultiplyLayerData(true);
+    writer.addLayerWithCGImage(filled({1, 1}, QColor(200, 100, 50, 128)), {}, 1, {});
+    writer.setShouldUnpremultiplyLayerData(false);
+    const ReadDocument document = read(writer.createPSDData());
+    for (const ReadLayer &layer : document.layers) {
+        EXPECT_EQ(layer.pixels.toHex(), "64321980");
     }
 }
 
@@ -364,6 +388,8 @@ RC_GTEST_PROP(PSDWriter, EveryLayerComesBackAndTheMergedImageIsAllOfThem, ())
     // Wide enough, now and then, that rows are shared among threads.
     const QSize canvas(*rc::gen::oneOf(side, rc::gen::inRange(1000, 3000)), *rc::gen::oneOf(side, rc::gen::just(90)));
     PSDWriter writer(canvas);
+    const bool isStraight = *rc::gen::arbitrary<bool>();
+    writer.setShouldUnpremultiplyLayerData(isStraight);
     std::vector<QByteArray> expected;
     std::vector<double> merged(std::size_t(canvas.width()) * std::size_t(canvas.height()) * 4, 255.0);
     for (int count = *rc::gen::inRange(1, 5); count > 0; --count) {
@@ -390,10 +416,11 @@ RC_GTEST_PROP(PSDWriter, EveryLayerComesBackAndTheMergedImageIsAllOfThem, ())
                 }
                 const qsizetype index = (qsizetype(place.y()) * canvas.width() + place.x()) * 4;
                 for (int c = 0; c < 4; ++c) {
-                    const int stored = c == 3 ? alpha : int(std::lround(straight[c] * alpha / 255.0));
-                    pixels[index + c] = char(stored);
+                    const int multiplied = c == 3 ? alpha : int(std::lround(straight[c] * alpha / 255.0));
+                    const int kept = c < 3 && alpha == 0 ? 255 : straight[c];
+                    pixels[index + c] = char(isStraight ? kept : multiplied);
                     double &under = merged[std::size_t(index + c)];
-                    under = double(stored) * double(opacity) + under * (1 - alpha / 255.0 * double(opacity));
+                    under = double(multiplied) * double(opacity) + under * (1 - alpha / 255.0 * double(opacity));
                 }
             }
         }

@@ -30,15 +30,15 @@ def picture(chance, width, height):
     pixels[:] = dice.integers(0, 256, 4)
     pixels[: height // 2, width // 3:] = dice.integers(0, 256, (height // 2, width - width // 3, 4))
     pixels[:, : width // 4, :3] = dice.integers(0, 3, (height, width // 4, 1)) * 100
+    pixels[height // 2:, : width // 5, 3] = 0
     if chance.random() < 0.4:
         pixels[..., 3] = 255
     return pixels
 
 
 def on_canvas(pixels, offset, size):
-    """What of it a document holds: premultiplied, and nothing around it."""
-    straight = pixels.astype(numpy.uint32)
-    straight[..., :3] = (straight[..., :3] * straight[..., 3:] * 2 + 255) // 510
+    """What of it a document holds: straight, white where nothing is seen of it, and nothing around it."""
+    straight = numpy.where(pixels[..., 3:] == 0, numpy.array([255, 255, 255, 0], numpy.uint8), pixels)
     canvas = numpy.zeros((size[1], size[0], 4), numpy.uint8)
     (x, y), (height, width) = offset, pixels.shape[:2]
     left, top = max(x, 0), max(y, 0)
@@ -67,7 +67,8 @@ def write(chance, size, document):
         canvas = on_canvas(pixels, offset, size)
         expected.append({"name": stored.format(number), "opacity": -int(-opacity * 255 // 1), "rect": [0, 0, *size],
                          "pixels": digest(canvas)})
-        under = canvas * float(opacity) + under * (1 - canvas[..., 3:] / 255 * opacity)
+        cover = canvas[..., 3:] / 255 * opacity
+        under = canvas * cover + under * (1 - cover)
     subprocess.run([*zelto, "psd", "--size", f"{size[0]}x{size[1]}", "--out", document, "--force", *arguments], check=True,
                    stdout=subprocess.DEVNULL)
     return expected, under
