@@ -209,6 +209,27 @@ TEST_F(FacetsTest, NothingThatIsThereIsLeftOut)
     EXPECT_EQ(facetOf(*counted, FacetKind::Rating)->values.first().stars, 5);
 }
 
+TEST_F(FacetsTest, OfManyNamesThatArePatternsNoneIsOfferedWithoutItsCount)
+{
+    constexpr int many = 25; // more than are looked for one by one
+    const Item label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(library.context());
+    const auto item = *std::find_if(items.begin(), items.end(), [](const auto &each) { return each->active(); });
+    for (int i = 0; i < many; ++i) {
+        const auto tag = zqCast<ZQSidebarTag>(add<ZQSidebarTag>(QStringLiteral("p*%1").arg(100 + i), label));
+        tag->setIs_Tag(true);
+        item->addTagsObject(tag.get());
+    }
+    library.context().save();
+    const auto counted = facets({.sidebarItems = {everything->objectID()}});
+    const Facet *tagFacet = counted ? facetOf(*counted, FacetKind::Tag) : nullptr;
+    ASSERT_TRUE(tagFacet);
+    const auto arePatterns = [](const FacetValue &value) { return value.title.startsWith(u'p'); };
+    EXPECT_GT(std::count_if(tagFacet->values.begin(), tagFacet->values.end(), arePatterns), 0);
+    for (const FacetValue &value : tagFacet->values) {
+        EXPECT_GT(value.count, 0) << value.token.toStdString();
+    }
+}
+
 TEST_F(FacetsTest, WhatIsChosenStaysThereWithNothingToFind)
 {
     ContentQuery query{.sidebarItems = {everything->objectID()}, .filter = QStringLiteral("nosuch #kind tiff #t no*")};
