@@ -302,6 +302,39 @@ TEST_F(LibraryItem, AFileWithoutOneOfTagsCommentAndRatingLeavesThatAsItWas)
     ZQLibraryEnvironment::setCurrent(&library);
 }
 
+TEST_F(LibraryItem, SaysWhatItHasOnceItTookInTheTagsOfItsFile)
+{
+    struct Told : ScratchLibrary
+    {
+        void didTakeInTagsOfFile(const QString &bundleID, const QString &path, const ZQFileTags &tags) override
+        {
+            places.append(bundleID + u' ' + path);
+            taken.append(tags);
+        }
+        QStringList places;
+        QList<ZQFileTags> taken;
+    } told;
+    const auto item = told.addImage(QStringLiteral("logo"));
+    item->setNotes(QStringLiteral("old"));
+    item->addTagsObject(ZQSidebarTag::addNewTagWithName(QStringLiteral("old"), told.context()).get());
+    for (const bool isFirst : {true, false}) {
+        SCOPED_TRACE(isFirst);
+        const QString text = isFirst ? QStringLiteral("first") : QStringLiteral("second");
+        told.fileTags.insert(item->itemURL(), {{text}, text, isFirst ? 1 : 2});
+        EXPECT_TRUE(item->readOpenMetaFromDisk());
+        ASSERT_EQ(told.taken.size(), 1);
+        const ZQFileTags taken = told.taken.takeFirst();
+        EXPECT_EQ(taken.tags, QStringList{text});
+        EXPECT_EQ(taken.comment, text);
+        EXPECT_EQ(taken.rating, isFirst ? 1 : 2);
+        EXPECT_EQ(taken.isFirst, isFirst);
+        EXPECT_EQ(told.places.takeFirst(), item->bundleID() + u' ' + item->itemURL());
+        EXPECT_FALSE(item->readOpenMetaFromDisk());
+        EXPECT_TRUE(told.taken.isEmpty()) << "as it was before";
+        told.context().save();
+    }
+}
+
 TEST_F(LibraryItem, DescribesItsPlaces)
 {
     const auto item = library.addImage(QStringLiteral("logo"));

@@ -6,13 +6,16 @@
 #include "Tests/Classes/Application/ApplicationFixture.h"
 #include "Tests/Support/DamagedStore.h"
 
+#include <QProcess>
 #include <QTimer>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace {
@@ -292,6 +295,33 @@ TEST_F(LeftoverCheckTest, AStoreThatCannotBeReadAnswersNothingWhereverThatIsMet)
     });
     EXPECT_FALSE(searchOf(*delegate, later).run(stop.get_token())) << "before the last of it";
     EXPECT_EQ(calls, 3);
+}
+
+TEST_F(LeftoverCheckTest, WhatIsBeingRemovedWhenItEndsIsGoneAndNotNotedAnyMore)
+{
+    makeLibrary(1);
+    const QString name = QStringLiteral("0") + ending;
+    for (int i = 0; i < 2000; ++i) { // so that the removal has not ended before it is held
+        QFile file(library + u'/' + name + u'/' + QString::number(i));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    auto delegate = launched();
+    ASSERT_TRUE(delegate->managedObjectContext());
+    QFile note(defaultBundle() + QStringLiteral("/pending-removals"));
+    ASSERT_TRUE(note.open(QIODevice::WriteOnly) && note.write(name.toUtf8() + '\n') > 0);
+    note.close();
+    delegate->deleteFilesAtPaths({name}, library);
+    ASSERT_TRUE(delegate->deleteTask()->waitForStarted());
+    const auto process = pid_t(delegate->deleteTask()->processId());
+    ::kill(process, SIGSTOP);
+    std::thread later([process] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300)); // until who does not wait for it is past it
+        ::kill(process, SIGCONT);
+    });
+    delegate.reset();
+    later.join();
+    EXPECT_FALSE(QFileInfo::exists(library + u'/' + name));
+    EXPECT_FALSE(note.exists());
 }
 
 TEST_F(LeftoverCheckTest, DatesDecideToTheMillisecond)

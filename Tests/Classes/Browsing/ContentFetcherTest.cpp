@@ -148,6 +148,21 @@ TEST_F(ContentFetcherTest, AnOwnerThatIsGoneGetsNoAnswer)
     EXPECT_EQ(found, -1);
 }
 
+TEST_F(ContentFetcherTest, WhatTheStoreCannotSayHasNoAnswer)
+{
+    int answers = 0;
+    const auto countItems = [&] {
+        counts.count({ZQFetchRequest{ZQLibraryBaseItem::entityName()}}, [&](const QList<qint64> &) { ++answers; });
+        return waitFor([&] { return fetcher.isIdle(); });
+    };
+    library.renameTable("ZQLibraryBaseItem", "away");
+    ASSERT_TRUE(countItems());
+    EXPECT_EQ(answers, 0);
+    library.renameTable("away", "ZQLibraryBaseItem");
+    ASSERT_TRUE(countItems());
+    EXPECT_EQ(answers, 1);
+}
+
 TEST_F(ContentFetcherTest, ATicketMayOutliveTheFetcher)
 {
     auto other = std::make_unique<ContentFetcher>(library.coordinator());

@@ -9,8 +9,26 @@
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
+#include "Tests/Support/Skip.h"
+
+#include <sys/time.h>
+#include <time.h>
 
 #include <random>
+
+namespace {
+
+thread_local time_t secondsAhead = 0; // of the clock, for who asks for the day
+
+} // namespace
+
+extern "C" int gettimeofday(timeval *now, void *) noexcept
+{
+    timespec time = {};
+    const int result = ::clock_gettime(CLOCK_REALTIME, &time);
+    *now = {time.tv_sec + secondsAhead, time.tv_nsec / 1000};
+    return result;
+}
 
 namespace {
 
@@ -209,6 +227,29 @@ TEST_F(FacetsTest, NothingThatIsThereIsLeftOut)
     EXPECT_EQ(facetOf(*counted, FacetKind::Rating)->values.first().stars, 5);
 }
 
+TEST_F(FacetsTest, OfManyNamesThatArePatternsNoneIsOfferedWithoutItsCount)
+{
+    constexpr int many = 25; // more than are looked for one by one
+    const Item label = ZQSidebarBaseItem::tagsLabelInManagedObjectContext(library.context());
+    const auto item = *std::find_if(items.begin(), items.end(), [](const auto &each) { return each->active(); });
+    for (int i = 0; i < many; ++i) {
+        const auto tag = zqCast<ZQSidebarTag>(add<ZQSidebarTag>(QStringLiteral("p*%1").arg(100 + i), label));
+        tag->setIs_Tag(true);
+        item->addTagsObject(tag.get());
+    }
+    library.context().save();
+    ContentQuery query;
+    query.sidebarItems = {everything->objectID()};
+    const auto counted = facets(query);
+    const Facet *tagFacet = counted ? facetOf(*counted, FacetKind::Tag) : nullptr;
+    ASSERT_TRUE(tagFacet);
+    const auto arePatterns = [](const FacetValue &value) { return value.title.startsWith(u'p'); };
+    EXPECT_GT(std::count_if(tagFacet->values.begin(), tagFacet->values.end(), arePatterns), 0);
+    for (const FacetValue &value : tagFacet->values) {
+        EXPECT_GT(value.count, 0) << value.token.toStdString();
+    }
+}
+
 TEST_F(FacetsTest, WhatIsChosenStaysThereWithNothingToFind)
 {
     ContentQuery query{.sidebarItems = {everything->objectID()}, .filter = QStringLiteral("nosuch #kind tiff #t no*")};
@@ -253,6 +294,40 @@ TEST_F(FacetsTest, AnExtensionThatFindsAllOfAKindIsThatKind)
     EXPECT_EQ(chosen("(#e svg OR logo) #kind svg", "SVG"), "+#e svg #kind svg") << "the only one of its kind here";
     EXPECT_EQ(chosen("#e jpg", "JPEG"), "+#e jpg|#kind \"jpeg image\"") << "jpeg is there too";
     EXPECT_EQ(FacetText(QStringLiteral("#e png")).toggled(FacetKind::Kind, QStringLiteral("#e png")), QString());
+}
+
+TEST_F(FacetsTest, ThisMonthIsOfferedUnlessTheLastDaysHoldAsManyFromItsFirstOn)
+{
+    const QDateTime noon(QDate(2040, 1, 5), QTime(12, 0));
+    for (const auto &item : std::as_const(items)) {
+        item->setImport_date(noon.toUTC());
+    }
+    library.context().save();
+    ContentQuery query;
+    query.sidebarItems = {everything->objectID()};
+    const auto offered = [&](int day) {
+        const QDate date(2040, 1, day);
+        secondsAhead = time_t(QDateTime::currentDateTime().secsTo(QDateTime(date, QTime(12, 0))));
+        const auto counted = QDate::currentDate() == date ? facets(query) : std::nullopt;
+        secondsAhead = 0;
+        const Facet *facet = counted ? facetOf(*counted, FacetKind::Imported) : nullptr;
+        QStringList titles;
+        for (const FacetValue &value : facet ? facet->values : QList<FacetValue>()) {
+            titles.append(value.title);
+        }
+        return titles;
+    };
+    const QDate nextYear = QDate::currentDate().addYears(1);
+    secondsAhead = time_t(366) * 86400;
+    const bool isClockSet = QDate::currentDate() >= nextYear;
+    secondsAhead = 0;
+    if (!isClockSet) {
+        return skipWithout("a clock that a test can set");
+    }
+    EXPECT_TRUE(offered(7).contains(QStringLiteral("last 7 days")));
+    EXPECT_TRUE(offered(7).contains(QStringLiteral("this month"))) << "the last days begin before it";
+    EXPECT_TRUE(offered(8).contains(QStringLiteral("last 7 days")));
+    EXPECT_FALSE(offered(8).contains(QStringLiteral("this month"))) << "it says no more than the last days";
 }
 
 TEST_F(FacetsTest, CountsFollowTheStoreAndEndWhenNobodyWantsThem)

@@ -1,5 +1,7 @@
 #include "Classes/Browsing/Index/IndexReader.h"
 
+#include "Classes/Browsing/Index/IndexRequests.h"
+#include "Kit/Foundation/ZQCancellation.h"
 #include "Models/DataModel/ZQLibraryImage.h"
 #include "Tests/Classes/Browsing/BrowsingFixture.h"
 
@@ -59,11 +61,15 @@ TEST_F(IndexReaderTest, WithoutAllOfItThereIsNoIndex)
                                 ->entity(ZQLibraryBaseItem::entityName())
                                 ->relationship(QStringLiteral("tags"))
                                 ->joinTable.toLatin1();
-    library.renameTable(ties.constData(), "away"); // and the items can be read
-    EXPECT_FALSE(IndexReader::readAll(library.coordinator(), &error));
-    EXPECT_FALSE(error.isNull());
-    library.renameTable("away", ties.constData());
-    EXPECT_TRUE(IndexReader::readAll(library.coordinator(), &error));
+    for (const QByteArray &table : {ties, QByteArray("ZQSidebarBaseItem")}) { // and the items can be read
+        SCOPED_TRACE(table.constData());
+        error = {};
+        library.renameTable(table.constData(), "away");
+        EXPECT_FALSE(IndexReader::readAll(library.coordinator(), &error));
+        EXPECT_FALSE(error.isNull());
+        library.renameTable("away", table.constData());
+        EXPECT_TRUE(IndexReader::readAll(library.coordinator(), &error));
+    }
 }
 
 TEST_F(IndexReaderTest, ATagThatWasTakenForGoneIsReadAgainWhenAnItemCarriesIt)
@@ -89,6 +95,61 @@ TEST(IndexTags, KnowWhereTheTagsEnd)
     tags.removeTag(1);
     ASSERT_EQ(tags.tagsOf(0).size(), 1U);
     EXPECT_EQ(tags.tagsOf(0)[0], 0U);
+}
+
+TEST(IndexTags, MayBeNone)
+{
+    IndexTags tags;
+    tags.build(2, 0, {});
+    EXPECT_EQ(tags.tagCount(), 0U);
+    EXPECT_TRUE(tags.tagsOf(1).empty());
+}
+
+TEST(IndexTitles, AreNotOrderedForWorkThatIsGivenUp)
+{
+    ZQTextBlocks texts;
+    texts.append(std::string_view("b"));
+    texts.append(std::string_view("a"));
+    IndexTitles titles;
+    {
+        const auto cancellation = std::make_shared<ZQCancellation>();
+        const ZQCancellation::Scope scope(cancellation);
+        cancellation->cancel();
+        EXPECT_FALSE(titles.build(texts));
+    }
+    EXPECT_FALSE(titles.isBuilt());
+    EXPECT_TRUE(titles.build(texts));
+    EXPECT_GT(titles.rank(0), titles.rank(1));
+}
+
+TEST(IndexOrders, TheLastOnesOfTheLatestStateAreKept)
+{
+    const auto order = [](quint32 row) {
+        return std::make_shared<const std::vector<quint32>>(std::vector<quint32>{row});
+    };
+    IndexRequests::Orders orders;
+    const auto kept = [&orders](quint64 generation) {
+        QStringList names;
+        for (const char *name : {"a", "b", "c", "d"}) {
+            const auto found = orders.find(QLatin1StringView(name), generation);
+            names.append(found ? QLatin1StringView(name) + QString::number(found->front()) : QString());
+        }
+        names.removeAll(QString());
+        return names.join(u' ').toStdString();
+    };
+    orders.keep(QStringLiteral("a"), 1, order(1));
+    orders.keep(QStringLiteral("b"), 1, order(2));
+    EXPECT_EQ(kept(1), "a1 b2");
+    EXPECT_EQ(kept(2), "");
+    orders.keep(QStringLiteral("a"), 1, order(3));
+    EXPECT_EQ(kept(1), "a3 b2") << "in the place of the one before";
+    orders.keep(QStringLiteral("c"), 1, order(4));
+    EXPECT_TRUE(orders.find(QStringLiteral("a"), 1));
+    orders.keep(QStringLiteral("d"), 1, order(5));
+    EXPECT_EQ(kept(1), "a3 c4 d5") << "without the one that was asked for the longest ago";
+    orders.keep(QStringLiteral("b"), 2, order(6));
+    EXPECT_EQ(kept(1), "") << "of a library that is another one by now";
+    EXPECT_EQ(kept(2), "b6");
 }
 
 TEST(IndexKeys, AreFoundAmongGapsAndOutOfOrder)

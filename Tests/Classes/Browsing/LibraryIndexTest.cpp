@@ -563,6 +563,7 @@ TEST(LibraryIndexDamage, IsNotReadyWhenTheStoreCannotBeReadAndTriesAgain)
     rename("ZQProjectItem", "away");
     LibraryIndex index(library.coordinator());
     EXPECT_FALSE(index.waitUntilCurrent());
+    EXPECT_FALSE(index.waitUntilOrdered());
     EXPECT_FALSE(index.isReady());
     EXPECT_FALSE(index.read());
     rename("away", "ZQProjectItem");

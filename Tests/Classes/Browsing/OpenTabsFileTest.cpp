@@ -90,6 +90,22 @@ protected:
 
 } // namespace
 
+TEST_F(OpenTabsFileTest, NothingIsSaidOfAFileThatIsNotThere)
+{
+    static QStringList told;
+    told.clear();
+    QLoggingCategory::setFilterRules({});
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &text) { told.append(text); });
+    const bool isThere = OpenTabsFile(path).read(editing).has_value();
+    const QStringList ofNone = told;
+    const bool isWhole = reads("damaged");
+    qInstallMessageHandler(before);
+    EXPECT_FALSE(isThere || isWhole);
+    EXPECT_EQ(ofNone, QStringList());
+    EXPECT_EQ(told.filter(QStringLiteral("cannot be read")).size(), 1);
+}
+
 TEST_F(OpenTabsFileTest, TextsOfSmartFoldersThatAreBeingEditedAreKept)
 {
     const auto smart = zqCast<ZQSidebarSmartFolder>(add<ZQSidebarSmartFolder>(QStringLiteral("S"), a->father()));

@@ -114,6 +114,24 @@ TEST_F(ItemEditsTest, UndoLeavesAloneWhatSomebodyElseWroteSince)
     EXPECT_EQ(theirs->rating(), 5);
 }
 
+TEST_F(ItemEditsTest, ASourceIsTakenBackAndGivenAgain)
+{
+    const QList<ZQObjectID> items = addItems(2);
+    editing.libraryItem(items[1])->setWebPageURL(QStringLiteral("https://before.example"));
+    library.context().save();
+    const auto sources = [&] {
+        return QStringList{editing.libraryItem(items[0])->webPageURL(), editing.libraryItem(items[1])->webPageURL()};
+    };
+    const QString given = QStringLiteral("https://given.example");
+    edits.setSource(items, given);
+    EXPECT_EQ(sources(), (QStringList{given, given}));
+    EXPECT_EQ(undoStack.undoText(), QStringLiteral("edit source"));
+    undoStack.undo();
+    EXPECT_EQ(sources(), (QStringList{QString(), QStringLiteral("https://before.example")}));
+    undoStack.redo();
+    EXPECT_EQ(sources(), (QStringList{given, given}));
+}
+
 TEST_F(ItemEditsTest, ManyItemsAreChangedBesideTheWindowInOrder)
 {
     const int count = int(ItemEdits::mostAtOnce) + 1500;

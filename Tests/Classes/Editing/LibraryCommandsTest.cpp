@@ -118,6 +118,19 @@ TEST_F(LibraryCommandsTest, CopiesGoWithUndoAndTheSameOnesComeBack)
     EXPECT_FALSE(library.context().hasChanges());
 }
 
+TEST_F(LibraryCommandsTest, CopiesThatFindNoPlaceBesideTheirOriginalsAreToldOf)
+{
+    library.renameTable("ZQProjectItem", "away");
+    commands.duplicateItems(ids({0, 1}), project->objectID());
+    finish();
+    zqRunMainLoopFor(std::chrono::milliseconds(0)); // what it said at its end
+    library.renameTable("away", "ZQProjectItem");
+    ASSERT_EQ(user.errors.size(), 1);
+    EXPECT_FALSE(user.errors.first().isNull());
+    EXPECT_EQ(order(), (QStringList{"a", "b", "c", "d"}));
+    EXPECT_EQ(library.context().countForFetchRequest({ZQLibraryBaseItem::entityName()}).value_or(-1), 6);
+}
+
 TEST_F(LibraryCommandsTest, ARenamingIsAStepOnlyWhenItHappened)
 {
     commands.renameItem(images[0]->objectID(), QStringLiteral("../up"));

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <functional>
 #include <optional>
 
@@ -446,6 +447,34 @@ TEST_F(LiveFolderEditsTest, SynchronisingLeavesItsFilesAloneUntilTheStoreKnowsTh
     EXPECT_FALSE(changes.contains(place("n.jpg"))) << "its item is made there";
     EXPECT_EQ(manager.synced, QList<ZQObjectID>{two->objectID()});
     EXPECT_FALSE(manager.wasForced) << "nothing else is read again";
+}
+
+TEST_F(LiveFolderEditsTest, WhatOthersDoToACopyBeforeTheStoreKnowsItIsNotTakenForOurs)
+{
+    const QString copy = two->folderPath() + QStringLiteral("/m.jpg");
+    const QString theirs = two->folderPath() + QStringLiteral("/theirs");
+    duringFlush = [&] {
+        put(theirs, "theirs");
+        return ::rename(QFile::encodeName(theirs).constData(), QFile::encodeName(copy).constData()) == 0;
+    };
+    commands.addItems(ids({managed}), two->objectID(), 0);
+    finish();
+    duringFlush = {};
+    EXPECT_EQ(ScratchLibrary::readFile(copy), QByteArray("theirs"));
+    EXPECT_FALSE(ZQOwnChanges::sharedOwnChanges().contains(QFile::encodeName(copy)));
+    EXPECT_TRUE(user.errors.isEmpty());
+}
+
+TEST_F(LiveFolderEditsTest, WhatWasNotDoneIsToldBeforeWhatMayNotBeSafe)
+{
+    QFile::remove(one->folderPath() + QStringLiteral("/a.jpg"));
+    duringFlush = [] { return false; };
+    commands.addItems(ids({a, managed}), two->objectID(), 0);
+    finish();
+    duringFlush = {};
+    ASSERT_EQ(user.errors.size(), 2);
+    EXPECT_TRUE(user.errors[0].localizedDescription().contains(QStringLiteral("cannot be put into the live folder")));
+    EXPECT_TRUE(user.errors[1].localizedDescription().contains(QStringLiteral("may not be safe on the disk")));
 }
 
 TEST_F(LiveFolderEditsTest, WhatIsGoneIsToldAndTheRestIsDone)

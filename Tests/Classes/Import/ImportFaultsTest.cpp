@@ -2,6 +2,7 @@
 
 #include "Classes/Application/ApplicationParts.h"
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Import/DirectoryContent.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/PasteboardFiles.h"
 #include "Classes/Import/PendingImport.h"
@@ -27,6 +28,7 @@
 
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <optional>
 
 namespace {
@@ -324,6 +326,11 @@ TEST_F(ImportFaults, WhatCannotBeReadIsNamedWithAllItHolds)
     ASSERT_TRUE(QFile::link(gone, path(QStringLiteral("in/Sub/link.png"))));
     EXPECT_EQ(ImportQueries::unreadableFilesForFilePaths({gone, good, folder}), QStringList{gone});
     EXPECT_EQ(ImportQueries::unreadableFilesForDirectory(gone), QStringList{gone});
+    const DirectoryContent ofNone = DirectoryContent::ofDirectory(gone);
+    ASSERT_EQ(ofNone.dropped.size(), 1);
+    EXPECT_EQ(ofNone.dropped.first().path, gone);
+    EXPECT_TRUE(ofNone.dropped.first().reason.contains(QStringLiteral("The folder cannot be opened")));
+    EXPECT_TRUE(ofNone.subfolders.isEmpty() && ofNone.files.isEmpty() && ofNone.archives.isEmpty());
     EXPECT_TRUE(ImportQueries::isFileReadableAtPath(folder));
     EXPECT_EQ(ImportQueries::getActualPath(good), good);
     EXPECT_EQ(ImportQueries::getActualPath(gone), gone);
@@ -407,14 +414,24 @@ TEST_F(ImportFaults, WhatIsPastedHasANameThatAFileCanHave)
 TEST_F(ImportFaults, TagsThatCameTwiceAreOneAfterAnImport)
 {
     const auto one = addTag(QStringLiteral("Twice"));
-    const auto other = addTag(QStringLiteral("Once"));
-    other->setTitle(QStringLiteral("Twice"));
-    delegate->saveAction();
-    import({writeImage(QStringLiteral("a.png"), {20, 20})});
-    EXPECT_EQ(zqCount(context(), {ZQSidebarTag::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral(
-                                                                  "title == 'Twice' && active == YES"))}),
-              1);
-    EXPECT_FALSE(context().hasChanges());
+    const std::pair<const char *, std::function<void()>> ends[] = {
+        {"at the end of an import",
+         [this] {
+             import({writeImage(QStringLiteral("a.png"), {20, 20})});
+         }},
+        {"when a batch of it was saved", [] { AImportManager::sharedAImportManager().mergeChanges({}); }},
+    };
+    for (const auto &[when, end] : ends) {
+        SCOPED_TRACE(when);
+        const auto other = addTag(QStringLiteral("Once"));
+        other->setTitle(QStringLiteral("Twice"));
+        delegate->saveAction();
+        end();
+        EXPECT_FALSE(context().hasChanges());
+        EXPECT_EQ(zqCount(context(), {ZQSidebarTag::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral(
+                                                                      "title == 'Twice' && active == YES"))}),
+                  1);
+    }
 }
 
 TEST_F(ImportFaults, AThumbnailOfWhatIsGoneIsNoBodysBusiness)

@@ -1,7 +1,9 @@
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Tags/OpenMeta.h"
+#include "Kit/Files/ZQPersistentURL.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
+#include "Models/DataModel/ZQLibraryImage.h"
 #include "Tests/Classes/LiveFolders/LiveFolderFixture.h"
 #include "Tests/Classes/LiveFolders/ServedMount.h"
 #include "Tests/Support/ScratchMount.h"
@@ -12,6 +14,7 @@
 #include <QFileInfo>
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 TEST_F(LiveFolderTest, FollowsFilesOutOfAFolderThatGoes)
 {
@@ -28,6 +31,43 @@ TEST_F(LiveFolderTest, FollowsFilesOutOfAFolderThatGoes)
     expectInStep(root);
     expectAdorned(itemAt(root + QStringLiteral("/b/one.png")), QStringLiteral("1"));
     expectAdorned(itemAt(root + QStringLiteral("/b/two.png")), QStringLiteral("2"));
+}
+
+TEST_F(LiveFolderTest, AnItemThatIsBackStandsForOneOfTheNamesOfItsFile)
+{
+    writePicture(QStringLiteral("in/stays.png"));
+    const QString a = writePicture(QStringLiteral("in/a.png"));
+    const QByteArray outside = QFile::encodeName(path(QStringLiteral("outside.png")));
+    const QString root = path(QStringLiteral("in"));
+    add(root);
+    move(a, path(QStringLiteral("outside.png")));
+    sync();
+    ASSERT_EQ(itemPaths(root), QStringList{QStringLiteral("stays.png")});
+    for (const char *name : {"in/b.png", "in/c.png"}) {
+        ASSERT_EQ(::link(outside.constData(), QFile::encodeName(path(QLatin1StringView(name))).constData()), 0);
+    }
+    sync();
+    EXPECT_EQ(itemPaths(root),
+              (QStringList{QStringLiteral("b.png"), QStringLiteral("c.png"), QStringLiteral("stays.png")}));
+}
+
+TEST_F(LiveFolderTest, PutsAwayItemsThatNoFolderHoldsAnyMore)
+{
+    writePicture(QStringLiteral("in/a.png"));
+    add(path(QStringLiteral("in")));
+    const QString file = writePicture(QStringLiteral("elsewhere/orphan.png"));
+    const auto orphan = context().insertNewObject<ZQLibraryImage>();
+    orphan->setBundleID(QStringLiteral("Orphan"));
+    orphan->setTitle(QStringLiteral("orphan"));
+    orphan->setManaged(false);
+    orphan->setActive(true);
+    orphan->setItemURLData(zqDataForPersistentURL(file));
+    ASSERT_TRUE(context().save());
+    writePicture(QStringLiteral("in/b.png"));
+    sync();
+    EXPECT_FALSE(orphan->active());
+    EXPECT_EQ(items().size(), 2);
+    EXPECT_TRUE(QFile::exists(file));
 }
 
 TEST_F(LiveFolderTest, KeepsItemsOfADirectoryThatIsWrittenAnew)
