@@ -12,7 +12,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <deque>
 #include <future>
 #include <optional>
 #include <utility>
@@ -43,38 +45,52 @@ struct Drawn
     ZQError reason; // why there is none
 };
 
-// Pictures in their order, each drawn while the one before it is packed. What the process that decodes has made ready
-// takes no memory of this one before it is looked at.
+// Pictures in their order; the next ones are drawn while one is packed. What the processes that decode have made ready
+// takes no memory of this one before it is looked at, but of the machine: none is drawn ahead for a huge canvas.
 class Drawings
 {
 public:
-    explicit Drawings(const QList<LayeredPicture> &pictures) : m_pictures(pictures) { begin(); }
+    Drawings(const QList<LayeredPicture> &pictures, QSize canvas) : m_pictures(pictures), m_ahead(aheadFor(canvas))
+    {
+        begin(m_ahead);
+    }
 
     Drawn next()
     {
-        Drawn drawn = m_next.get();
-        begin();
+        begin(1); // also where none is drawn ahead
+        Drawn drawn = m_begun.front().get();
+        m_begun.pop_front();
+        begin(m_ahead);
         return drawn;
     }
 
 private:
-    void begin()
+    static std::size_t aheadFor(QSize canvas)
     {
-        if (m_index == m_pictures.size()) {
-            return;
+        constexpr qint64 mostPixelsWaiting = qint64(1) << 26;
+        constexpr qint64 most = 2;
+        const qint64 pixels = std::max<qint64>(1, qint64(canvas.width()) * canvas.height());
+        return std::size_t(std::min(most, mostPixelsWaiting / pixels));
+    }
+
+    void begin(std::size_t count)
+    {
+        for (; m_begun.size() < count && m_index < m_pictures.size(); ++m_index) {
+            // By itself it falls back to drawing in `get` where no thread is to be had.
+            m_begun.push_back(
+                std::async([picture = m_pictures[m_index].picture, cancellation = ZQCancellation::current()] {
+                    const ZQCancellation::Scope scope(cancellation);
+                    Drawn drawn;
+                    drawn.bitmap = picture.bitmap(&drawn.reason);
+                    return drawn;
+                }));
         }
-        // By itself it falls back to drawing in `get` where no thread is to be had.
-        m_next = std::async([picture = m_pictures[m_index++].picture, cancellation = ZQCancellation::current()] {
-            const ZQCancellation::Scope scope(cancellation);
-            Drawn drawn;
-            drawn.bitmap = picture.bitmap(&drawn.reason);
-            return drawn;
-        });
     }
 
     const QList<LayeredPicture> &m_pictures;
+    const std::size_t m_ahead;
     qsizetype m_index = 0;
-    std::future<Drawn> m_next;
+    std::deque<std::future<Drawn>> m_begun;
 };
 
 // Whether it is a layer. If not, `error` says why, unless `gaps` takes it.
@@ -122,7 +138,7 @@ std::optional<QByteArray> documentOf(const QList<LayeredPicture> &pictures, QSiz
     PSDWriter writer(canvas);
     writer.setShouldUnpremultiplyLayerData(true); // as programs that open documents read the colours of layers
     bool hasLayers = pictures.isEmpty();          // of none at all the writer tells
-    Drawings drawings(pictures);
+    Drawings drawings(pictures, canvas);
     for (const LayeredPicture &picture : pictures) {
         const Drawn drawn = drawings.next();
         if (ZQCancellation::isCurrentCancelled()) {

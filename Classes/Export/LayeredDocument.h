@@ -21,7 +21,7 @@ struct LayeredPicture
     QString file = {}; // of the asset, which is never written over; empty where it is the picture's
 };
 
-// Layered documents (PSD) of pictures. One picture is held at a time, at full size, and the next one is decoded
+// Layered documents (PSD) of pictures. One picture is held at a time, at full size; the next ones are decoded
 // meanwhile. Any thread.
 namespace LayeredDocument {
 
