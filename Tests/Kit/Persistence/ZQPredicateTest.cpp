@@ -135,6 +135,8 @@ TEST(ZQPredicate, AWholeConditionMayBeAnArgument)
     EXPECT_TRUE(with("%@ == 1", {condition}).isNull()) << "it is no value";
     EXPECT_TRUE(with("SELF == %@", {condition}).isNull());
     EXPECT_TRUE(with("%d", {condition}).isNull());
+    EXPECT_FALSE(ZQPredicate::predicateWithFormat(QString((16 << 20) - leaf.size(), u' ') + leaf).isNull())
+        << "as long as one may be";
     ZQPredicate deep = either;
     for (int level = 0; level < 200 && !deep.isNull(); ++level) {
         deep = with(level % 2 == 0 ? "%@ AND SELF > 0" : "%@ OR SELF > 5", {QVariant::fromValue(deep)});
