@@ -86,6 +86,25 @@ TEST_F(SidebarTreeModelTest, ATreeThatCannotBeReadIsAnErrorAndNotAnEmptyTree)
     rename("away", "ZQSidebarBaseItem");
 }
 
+TEST_F(SidebarTreeModelTest, TheNeighboursOfTheSelectionAreFiftyRowsOnEachSide)
+{
+    QList<ZQObjectID> rows;
+    for (int i = 0; i < 120; ++i) {
+        rows.append(addProject(QString::number(i))->objectID());
+    }
+    SidebarTreeView view;
+    view.setTree(&model);
+    model.reload();
+    view.expand(index(projects));
+    EXPECT_TRUE(view.neighboursOfSelection().isEmpty());
+    view.selectionModel()->select(model.indexOf(rows[59]), QItemSelectionModel::ClearAndSelect);
+    QList<ZQObjectID> nearest = rows.mid(60, 50);
+    for (int i = 58; i >= 9; --i) {
+        nearest.append(rows[i]);
+    }
+    EXPECT_EQ(view.neighboursOfSelection(), nearest) << "those below first";
+}
+
 TEST_F(SidebarTreeModelTest, WhatIsBelowARowIsReadWhenItIsAskedForAndIsWhole)
 {
     model.reload();
