@@ -228,6 +228,19 @@ TEST_F(InfoPanelTest, EscapeLeavesAFieldAsItWas)
     EXPECT_EQ(license->text(), QStringLiteral("again"));
 }
 
+TEST_F(InfoPanelTest, ItsSectionsStandInTheirOrder)
+{
+    select({red});
+    QMap<int, QString> captions;
+    for (const QLabel *label : panel->findChildren<QLabel *>(QStringLiteral("Caption"))) {
+        if (label->isVisible()) {
+            captions.insert(label->mapTo(panel, QPoint()).y(), label->text());
+        }
+    }
+    EXPECT_EQ(captions.values(),
+              (QStringList{QStringLiteral("COLORS"), QStringLiteral("TAGS"), QStringLiteral("NOTES")}));
+}
+
 TEST_F(InfoPanelTest, TitlesThatCannotBeTakenComeBack)
 {
     select({red});

@@ -4,6 +4,11 @@
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
+<<<<<<< HEAD
+=======
+#include "Tests/Classes/Interface/DesktopListener.h"
+#include "Tests/Classes/Interface/FakeLiveFolders.h"
+>>>>>>> m/mutb
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 #include "Tests/Support/ScriptedLiveFolders.h"
 
@@ -569,7 +574,14 @@ TEST_F(LiveFoldersTest, ThePanelSaysWhereItemsLie)
         EXPECT_EQ(place().section(u'\n', 0, 0), path) << qPrintable(titles.join(u' '));
     }
     select({QStringLiteral("red")});
-    const auto *shown = window().findChild<LivePlace *>();
+    auto *shown = window().findChild<LivePlace *>();
     EXPECT_LE(shown->fontMetrics().horizontalAdvance(shown->text()), shown->width());
     EXPECT_TRUE(shown->accessibleName().endsWith(first));
+
+    DesktopListener desktop;
+    shown->click();
+    select({QStringLiteral("red"), QStringLiteral("clear")});
+    shown->click();
+    const QUrl opened = QUrl::fromLocalFile(live->folderPath());
+    EXPECT_EQ(desktop.opened, (QList<QUrl>{opened, opened})) << "the folder, of one file as of several";
 }

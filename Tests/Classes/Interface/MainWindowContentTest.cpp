@@ -1,5 +1,6 @@
 // What the window takes, gives and shows.
 
+#include "Classes/Interface/Browser/BrowserContent.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Tags/OpenMeta.h"
@@ -209,6 +210,12 @@ TEST_F(MainWindowTest, WhatTheStoreBringsIsShown)
     delegate->saveAction();
     EXPECT_TRUE(
         waitFor([&] { return window().findChild<QPlainTextEdit *>()->toPlainText() == QStringLiteral("said"); }));
+    settle();
+    int answers = 0;
+    const QObject onlooker;
+    QObject::connect(&browser().content(), &BrowserContent::answered, &onlooker, [&answers] { ++answers; });
+    controller->refreshContent();
+    EXPECT_TRUE(waitFor([&] { return answers > 0; })) << "the application asks to look again";
     b->setTitle(QStringLiteral("Bee"));
     controller->updateLocalization();
     run(CommandID::NewTab);

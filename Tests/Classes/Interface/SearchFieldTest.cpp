@@ -6,6 +6,7 @@
 #include "Tests/Classes/Interface/MainWindowTest.h"
 
 #include <QLabel>
+#include <QWheelEvent>
 
 namespace {
 
@@ -224,6 +225,61 @@ TEST(SearchChipsTest, OfMoreRowsThanThreeTheOneWithTheFocusIsShown)
     chips.setText(QStringLiteral("#title %1 ").arg(QString(60, u'm')));
     chips.resize(200, chips.height());
     EXPECT_TRUE(chips.rect().contains(chips.crossRect(0))) << "a long one can be taken out";
+}
+
+TEST(SearchChipsTest, TheWheelTurnsByRowsFromTheFirstToTheLast)
+{
+    SearchChips chips;
+    chips.resize(300, ZQMeasure::groupHeadHeight);
+    QString text;
+    for (int i = 0; i < 20; ++i) {
+        text += QStringLiteral("#width>%1 ").arg(1000 + i);
+    }
+    chips.setText(text);
+    const auto turn = [&chips](int by) {
+        QWheelEvent event(chips.rect().center(), chips.mapToGlobal(chips.rect().center()), {}, {0, by}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&chips, &event);
+    };
+    ASSERT_TRUE(chips.isShown(0));
+    const int top = chips.chipRect(0).top();
+    int second = 0; // the first chip of the second row
+    while (chips.chipRect(second).top() == top) {
+        ++second;
+    }
+    const int step = chips.chipRect(second).top() - top;
+    turn(120);
+    EXPECT_TRUE(chips.isShown(0)) << "there is nothing above";
+    turn(-120);
+    EXPECT_FALSE(chips.isShown(second - 1));
+    EXPECT_TRUE(chips.isShown(second));
+    EXPECT_EQ(chips.chipRect(second).top(), top);
+    turn(120);
+    EXPECT_EQ(chips.chipRect(0).top(), top);
+    for (int i = 0; i < chips.count(); ++i) {
+        turn(-120);
+    }
+    EXPECT_TRUE(chips.isShown(chips.count() - 1));
+    EXPECT_EQ(chips.chipRect(chips.count() - 1).top(), top + 2 * step) << "in the last row";
+}
+
+TEST(SearchChipsTest, ThreeRowsThatHoldAllOfThemLeaveNoRoomForANumber)
+{
+    SearchChips chips;
+    chips.setText(QStringLiteral("#width>1000 #width>1000 #width>1000"));
+    chips.resize(2000, chips.height());
+    const int oneRow = chips.height();
+    const int wide = chips.chipRect(0).width();
+    const int margin = chips.chipRect(0).left();
+    for (const int room : {wide, wide + 20}) { // a chip a row, and no room for a second one
+        chips.resize(room + 2 * margin, chips.height());
+        EXPECT_GT(chips.height(), oneRow);
+        EXPECT_EQ(chips.moreText(), QString());
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_TRUE(chips.isShown(i)) << i;
+            EXPECT_EQ(chips.chipRect(i).width(), wide) << "not cut for the number of those that are not shown";
+        }
+    }
 }
 
 TEST(SearchChipsTest, WhatJoinsTheChipsStandsBetweenThemAndIsSaid)

@@ -86,6 +86,58 @@ TEST_F(SidebarTreeModelTest, ATreeThatCannotBeReadIsAnErrorAndNotAnEmptyTree)
     rename("away", "ZQSidebarBaseItem");
 }
 
+TEST_F(SidebarTreeModelTest, WhatCouldBeReadInPartOnlyLeavesTheTreeAsItWas)
+{
+    ASSERT_TRUE(library.context().save());
+    model.reload();
+    ASSERT_TRUE(index(deepest).isValid()) << "all above it is open";
+    const QString before = whole(index(projects)).join(u' ');
+    // A title far below that cannot be read, and nothing else.
+    const auto connection = library.coordinator()->newConnection();
+    const QString columns =
+        connection
+            ->value(
+                QStringLiteral("SELECT group_concat(CASE name WHEN 'title' THEN 'CASE WHEN title = ''deepest'' THEN "
+                               "abs(-9223372036854775807 - 1) ELSE title END AS title' ELSE '\"' || name || '\"' END) "
+                               "FROM pragma_table_info('ZQSidebarBaseItem')"))
+            .toString();
+    rename("ZQSidebarBaseItem", "away");
+    ASSERT_TRUE(
+        connection->execute(QStringLiteral("CREATE VIEW ZQSidebarBaseItem AS SELECT %1 FROM away").arg(columns)));
+    SidebarTreeModel atTheTop{window, SidebarTreeModel::Side::Projects};
+    atTheTop.reload();
+    EXPECT_TRUE(atTheTop.indexOf(projects->objectID()).isValid()) << "what is at the top can be read";
+    int failures = 0;
+    QObject::connect(&model, &SidebarTreeModel::failed, &model, [&] { ++failures; });
+    model.reload();
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(whole(index(projects)).join(u' '), before);
+    ASSERT_TRUE(connection->execute(QStringLiteral("DROP VIEW ZQSidebarBaseItem")));
+    rename("away", "ZQSidebarBaseItem");
+    model.reload();
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(whole(index(projects)).join(u' '), before);
+}
+
+TEST_F(SidebarTreeModelTest, TheNeighboursOfTheSelectionAreFiftyRowsOnEachSide)
+{
+    QList<ZQObjectID> rows;
+    for (int i = 0; i < 120; ++i) {
+        rows.append(addProject(QString::number(i))->objectID());
+    }
+    SidebarTreeView view;
+    view.setTree(&model);
+    model.reload();
+    view.expand(index(projects));
+    EXPECT_TRUE(view.neighboursOfSelection().isEmpty());
+    view.selectionModel()->select(model.indexOf(rows[59]), QItemSelectionModel::ClearAndSelect);
+    QList<ZQObjectID> nearest = rows.mid(60, 50);
+    for (int i = 58; i >= 9; --i) {
+        nearest.append(rows[i]);
+    }
+    EXPECT_EQ(view.neighboursOfSelection(), nearest) << "those below first";
+}
+
 TEST_F(SidebarTreeModelTest, WhatIsBelowARowIsReadWhenItIsAskedForAndIsWhole)
 {
     model.reload();

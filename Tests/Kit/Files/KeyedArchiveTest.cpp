@@ -181,6 +181,40 @@ TEST(KeyedArchive, RefusesWhatIsHostile)
               QVariant(QStringLiteral("text")));
 }
 
+TEST(KeyedArchive, TakesOnlyWhatSaysWhatItIs)
+{
+    const auto withEntry = [](const char *key, const QVariant &value) {
+        QVariantMap whole = ZQPropertyList::fromData(archive("NSArray", {members({7})}))->toMap();
+        whole.insert(QString::fromLatin1(key), value);
+        return ZQKeyedArchive::fromData(*ZQPropertyList::toBinary(whole));
+    };
+    const QVariant root = QVariantMap{{QStringLiteral("root"), uid(2)}};
+    const QVariant bareRoot = QVariantMap{{QStringLiteral("root"), QStringLiteral("bare")}};
+    EXPECT_EQ(withEntry("$top", root), QVariant(QVariantList{qlonglong(7)}));
+    EXPECT_FALSE(withEntry("$archiver", QStringLiteral("NSArchiver")));
+    EXPECT_FALSE(withEntry("$version", 100001));
+    EXPECT_FALSE(withEntry("$version", QStringLiteral("100000")));
+    EXPECT_FALSE(withEntry("$top", bareRoot));
+}
+
+TEST(KeyedArchive, ReadsWhatIsNestedAsDeeplyAsItMayBeAndNoDeeper)
+{
+    const auto chain = [](int arrays) {
+        QVariantList objects;
+        for (int i = 0; i < arrays; ++i) {
+            objects.append(members({uid(quint64(i) + 3)}));
+        }
+        objects.append(QStringLiteral("end"));
+        return ZQKeyedArchive::fromData(archive("NSArray", objects));
+    };
+    QVariant deepest = QStringLiteral("end");
+    for (int i = 0; i < ZQKeyedArchive::deepest; ++i) {
+        deepest = QVariantList{deepest};
+    }
+    EXPECT_EQ(chain(ZQKeyedArchive::deepest), deepest);
+    EXPECT_FALSE(chain(ZQKeyedArchive::deepest + 1));
+}
+
 TEST(KeyedArchive, SurvivesEveryCutAndFlippedBits)
 {
     const QByteArray whole = *ZQKeyedArchive::toData(QVariantMap{

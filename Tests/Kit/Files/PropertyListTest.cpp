@@ -380,6 +380,34 @@ TEST(PropertyList, RefusesWhatItCannotRead)
     EXPECT_FALSE(ZQPropertyList::fromData(arrays(ZQPropertyListReader::deepest + 2)));
 }
 
+TEST(PropertyList, AListThatIsHeldTwiceIsNoDeeperThanTheDeeperPlace)
+{
+    // The root holds a list with `inside` others in it, and then the chain of `above` lists that ends with it.
+    const auto shared = [](int above, int inside) -> QByteArray {
+        QByteArray data = "bplist00";
+        QByteArray offsets;
+        const auto add = [&](const QByteArray &object) {
+            offsets += char(data.size() >> 8);
+            offsets += char(data.size() & 0xff);
+            data += object;
+        };
+        const int count = above + inside;
+        add(QByteArray("\xa2") + char(above) + char(1));
+        for (int i = 1; i < count; ++i) {
+            add(QByteArray("\xa1") + char(i + 1));
+        }
+        add(QByteArray("\x09"));
+        const auto table = quint16(data.size());
+        return data + offsets + QByteArray(6, '\0') + "\x02\x01" + QByteArray(7, '\0') + char(count + 1) +
+               QByteArray(14, '\0') + char(table >> 8) + char(table & 0xff);
+    };
+    for (const int inside : {1, 40, ZQPropertyListReader::deepest - 1}) {
+        const int above = ZQPropertyListReader::deepest - inside;
+        EXPECT_TRUE(ZQPropertyList::fromData(shared(above, inside))) << inside;
+        EXPECT_FALSE(ZQPropertyList::fromData(shared(above + 1, inside))) << inside;
+    }
+}
+
 TEST(PropertyList, RefusesWhatItCannotWrite)
 {
     for (const QVariant &value :

@@ -12,6 +12,7 @@
 #include <QDirIterator>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -141,6 +142,36 @@ TEST_F(VerifiedCopy, KeepsWhatAnotherProgramSavesUntilItsFileGoes)
         EXPECT_EQ(read(path(QStringLiteral("to/b"))), QByteArray("b"));
         QDir(path(QStringLiteral("to"))).removeRecursively();
     }
+}
+
+TEST_F(VerifiedCopy, SaysThatWhatItWasToRemoveWentMeanwhile)
+{
+    folder(QStringLiteral("from"));
+    file(QStringLiteral("from/a"), "a");
+    file(QStringLiteral("from/b"), "b");
+    const auto copy = ZQVerifiedCopy::make(path(QStringLiteral("from")), path(QStringLiteral("to")));
+    ASSERT_TRUE(copy);
+    afterUnlink = [this] { QFile::remove(path(QStringLiteral("from/a"))); };
+    ZQError error;
+    EXPECT_FALSE(copy->removeSource(&error));
+    EXPECT_EQ(error.code, ENOENT);
+    EXPECT_TRUE(QFileInfo::exists(path(QStringLiteral("from")))) << "who removed it may still be at work there";
+}
+
+TEST_F(VerifiedCopy, AFolderThatCannotBeListedIsNoEmptyOne)
+{
+    const QString from = folder(QStringLiteral("from"));
+    file(QStringLiteral("from/a"), "a");
+    rlimit before = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    ZQError error;
+    const auto state = ZQTreeState::of(from, &error);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_FALSE(state);
+    EXPECT_EQ(error.code, EMFILE);
+    EXPECT_EQ(ZQTreeState::of(from)->entries.size(), 2) << "the folder and its file";
 }
 
 TEST_F(VerifiedCopy, TheTrashOfADiskIsAtItsTopBelowALinkToo)

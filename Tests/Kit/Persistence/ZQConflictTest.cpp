@@ -183,6 +183,26 @@ TEST_F(ZQConflict, APairWithATagThatIsGoneFollowsThePolicyAndLosesNoOtherPair)
     EXPECT_TRUE(store.coordinator()->checkIntegrity().isEmpty());
 }
 
+TEST_F(ZQConflict, AnUnsavedMoveOfWhatWasDeletedElsewhereIsOff)
+{
+    for (const bool isRead : {false, true}) {
+        SCOPED_TRACE(isRead);
+        ZQManagedObjectContext context(store.coordinator());
+        const auto target = context.insertNewObject<TestFolder>();
+        const auto doomed = context.insertNewObject<TestDocument>();
+        doomed->setParent(folder(context).get());
+        ASSERT_TRUE(context.save());
+        if (isRead) {
+            EXPECT_TRUE(target->children().isEmpty());
+        }
+        doomed->setParent(target.get());
+        const auto theirs =
+            store.elsewhere([&](auto &there) { there.deleteObject(there.objectWithID(doomed->objectID()).get()); });
+        context.mergeChangesFromContextDidSaveNotification(theirs);
+        EXPECT_EQ(target->relatedObjectIDs(QStringLiteral("children")), QList<ZQObjectID>());
+    }
+}
+
 TEST_F(ZQConflict, ListsThatWereReadGoBackToWhatTheStoreHas)
 {
     enum class Way { Rollback, Refresh, RefreshOfOtherSide };

@@ -88,6 +88,11 @@ TEST(ZQManagedObjectModel, FaultsAreNamedByEntityAndProperty)
         {"{ \"name\": \"path\", \"type\": \"string\" } ]",
          "], \"relationships\": [ { \"name\": \"author\", \"destination\": \"TestNote\", \"inverse\": \"text\" } ]",
          "TestDocument.author: another entity of the family stores something else under this name"},
+        {"\"relationships\": [ { \"name\": \"tags\",",
+         "\"relationships\": [ { \"name\": \"path\", \"destination\": \"TestDocument\", \"inverse\": \"works\" }, "
+         "{ \"name\": \"works\", \"destination\": \"TestDocument\", \"inverse\": \"path\", \"toMany\": true }, "
+         "{ \"name\": \"tags\",",
+         "TestDocument.path: another entity of the family stores something else under this name"},
         {"{ \"name\": \"path\"", "{ \"name\": \"AUTHOR\"",
          "TestDocument.author: another entity of the family stores something else under this name"},
         {"\"name\": \"TestTag\"", "\"name\": \"Test Tag\"",

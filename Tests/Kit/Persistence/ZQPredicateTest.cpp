@@ -213,6 +213,8 @@ TEST(ZQPredicate, RefusesWhatIsNestedTooDeeplyInsteadOfOverflowing)
     ZQError error;
     EXPECT_TRUE(ZQPredicate::predicateWithFormat(QString(16 << 20, u' ') + leaf, {}, &error).isNull());
     EXPECT_TRUE(error.localizedDescription().contains(text("too long"))) << error.localizedDescription().toStdString();
+    EXPECT_FALSE(ZQPredicate::predicateWithFormat(QString((16 << 20) - leaf.size(), u' ') + leaf).isNull())
+        << "as long as one may be";
     ZQPredicate deep = ZQPredicate::predicateWithFormat(leaf);
     for (int i = 0; i < 1000; ++i) {
         deep = ZQPredicate::orPredicate({ZQPredicate::notPredicate(deep), ZQPredicate::predicateWithFormat(leaf)});

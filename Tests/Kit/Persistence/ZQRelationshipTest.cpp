@@ -337,8 +337,12 @@ TEST_F(ZQRelationship, DeletingAnUnsavedObjectForgetsItEverywhere)
     EXPECT_TRUE(folder->children().isEmpty());
     EXPECT_TRUE(t->documents().isEmpty());
     EXPECT_EQ(child->managedObjectContext(), nullptr);
+    const ZQObjectID never = t->objectID();
+    context.deleteObject(t.get());
+    EXPECT_FALSE(context.objectWithID(never)) << "it stands for nothing that could be read later";
     ASSERT_TRUE(context.save());
     EXPECT_EQ(rows(store, "TestNode"), 1);
+    EXPECT_EQ(rows(store, "TestTag"), 0);
 }
 
 TEST_F(ZQRelationship, RollbackAndRefreshGoBackToTheStore)

@@ -44,6 +44,10 @@ TEST_F(ZQGridViewTest, KeysMoveAndExtendTheSelection)
     EXPECT_EQ(view.selection().indexes(), (QList<qint64>{0, 2}));
     key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(view.selection(), ZQIndexSet(0, 99));
+    key(Qt::Key_Home);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(view.selection(), ZQIndexSet(0, 2)) << "from the first item as from any other";
 }
 
 TEST_F(ZQGridViewTest, SpaceAndEnterOpenTheCurrentItem)
@@ -140,6 +144,26 @@ TEST_F(ZQGridViewTest, FewerItemsLeaveNoSelectionBehind)
     EXPECT_TRUE(view.selection().isEmpty()) << "another content";
     view.setSelection(ZQIndexSet(30, 50));
     EXPECT_EQ(view.selection(), ZQIndexSet(30, 34));
+
+    struct Shrinking : Numbers
+    {
+        using Numbers::Numbers;
+        qint64 count() const override { return left; }
+        qint64 left = 40;
+    };
+    Shrinking shrinking(40);
+    view.setDataSource(&shrinking);
+    view.setSelection(ZQIndexSet(30, 39));
+    shrinking.left = 35;
+    QList<ZQIndexSet> seen;
+    const QObject onlooker;
+    QObject::connect(&view, &ZQGridView::visibleChanged, &onlooker, [&] { seen.append(view.selection()); });
+    view.reloadData();
+    ASSERT_FALSE(seen.isEmpty());
+    for (const ZQIndexSet &selected : seen) {
+        EXPECT_EQ(selected, ZQIndexSet(30, 34)) << "who looks while the view is laid out meets nothing that is gone";
+    }
+    view.setDataSource(nullptr);
 }
 
 TEST_F(ZQGridViewTest, ScreenReadersSeeTheItems)

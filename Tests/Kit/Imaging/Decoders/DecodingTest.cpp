@@ -316,13 +316,13 @@ TEST(DecodingTest, WhatHasNoColoursIsNoPicture)
 
 TEST(DecodingTest, FramesThatSayNextToNothingOfTheirTimeAreShownAsLongAsUsual)
 {
-    const auto gifOf = [](const QList<int> &hundredths) {
+    const auto gifOf = [](const QList<int> &hundredths, qsizetype cut = 0) {
         QByteArray out = "GIF89a" + QByteArray::fromHex("0100 0100 80 00 00  ff0000 0000ff");
         for (const int delay : hundredths) {
             out += QByteArray::fromHex("21f904 00") + little(quint16(delay)) + QByteArray::fromHex("00 00") +
                    QByteArray::fromHex("2c 0000 0000 0100 0100 00  02 02 4401 00");
         }
-        return fileOf(out + ';', "a.gif");
+        return fileOf((out + ';').chopped(cut), "a.gif");
     };
     const auto several = zqVipsDecoder.properties(gifOf({0, 1, 2, 5}), nullptr);
     ASSERT_TRUE(several);
@@ -333,6 +333,7 @@ TEST(DecodingTest, FramesThatSayNextToNothingOfTheirTimeAreShownAsLongAsUsual)
     EXPECT_EQ(drawn(zqVipsDecoder, {gifOf({5, 5}), {}, 1}), "1x1 ff0000ff");
     EXPECT_EQ(drawn(zqVipsDecoder, {gifOf({5, 5}), {}, 2}), "It has no frame 2.");
     EXPECT_EQ(drawn(zqVipsDecoder, {fileOf("GIF89a", "a.gif"), {}}), damaged);
+    EXPECT_EQ(drawn(zqVipsDecoder, {gifOf({5}, 3), {}}), damaged) << "cut within its first frame";
     EXPECT_EQ(drawn(zqVipsDecoder, {ZQSourceFile(), {}}), damaged);
     EXPECT_EQ(described(zqVipsDecoder, ZQSourceFile()), damaged);
 }
