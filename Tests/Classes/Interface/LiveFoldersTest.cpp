@@ -4,11 +4,7 @@
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Kit/Widgets/ZQSwitch.h"
 #include "Kit/Widgets/ZQTheme.h"
-<<<<<<< HEAD
-=======
 #include "Tests/Classes/Interface/DesktopListener.h"
-#include "Tests/Classes/Interface/FakeLiveFolders.h"
->>>>>>> m/mutb
 #include "Tests/Classes/Interface/MainWindowFixture.h"
 #include "Tests/Support/ScriptedLiveFolders.h"
 
