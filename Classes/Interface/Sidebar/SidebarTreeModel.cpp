@@ -489,7 +489,9 @@ QVariant SidebarTreeModel::liveFolderData(const Node &node, const ZQSidebarWatch
     lines.removeAll(QString());
     switch (role) {
     case Qt::ToolTipRole:
-        return (QStringList{folder.folderPath()} + lines).join(u'\n');
+        lines.prepend(folder.folderPath());
+        lines.removeAll(QString()); // a folder that was never found has no path
+        return lines.join(u'\n');
     case Qt::AccessibleDescriptionRole:
         return (QStringList{folder.typeString()} + lines).join(QStringLiteral(". "));
     case StateRole:

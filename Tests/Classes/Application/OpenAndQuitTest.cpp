@@ -151,7 +151,7 @@ TEST_F(ApplicationTest, ARemovalThatTakesLongGoesOnByItself)
     for (int i = 0; i < files; ++i) {
         made(folder.filePath(QStringLiteral("gone/%1/file").arg(i)));
     }
-    RunningParts running({});
+    RunningParts running(partsOfAll());
     LibraryPlaces places;
     LibraryStore store(places, running);
     auto removals = std::make_unique<LibraryRemovals>(places, store, nullptr);

@@ -121,8 +121,8 @@ TEST_F(MainWindowTest, TheMenuOfTheGridIsThatOfWhatIsSelected)
     EXPECT_EQ(menuAt(), QStringLiteral("Import…|Paste|Select All"));
     select({QStringLiteral("red")});
     EXPECT_EQ(menuAt(),
-              QStringLiteral("Open|Open with Default Program|Show in Files|-|Copy|Duplicate|Rename|Rating|Export|-|"
-                             "Remove from A|Delete from Library"));
+              QStringLiteral("Open|Open with Default Program|Show in Files|-|Copy|Duplicate|Rename|Rating|Export|"
+                             "Export as Layered PSD…|-|Remove from A|Delete from Library"));
     menuAt(QStringLiteral("Remove from A"));
     settle();
     EXPECT_EQ(shown().size(), 3);

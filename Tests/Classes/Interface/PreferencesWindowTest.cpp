@@ -295,6 +295,9 @@ TEST_F(PreferencesWindowTest, WhatBelongsTogetherStandsTogether)
     choose("Import");
     settle();
     EXPECT_EQ(read(), "Import\n"
+                      "KINDS OF FILES\n"
+                      "Take today's picture formats, too\n"
+                      "WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files.\n"
                       "FROM EACH FILE\n"
                       "Take the keywords of pictures as tags\n"
                       "Make a thumbnail of small pictures, too\n"
