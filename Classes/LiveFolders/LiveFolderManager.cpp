@@ -24,6 +24,7 @@ constexpr std::chrono::seconds untilEditsAreSaved{3};
 
 LiveFolderManager::LiveFolderManager() : m_syncOperationQueue(QStringLiteral("Live folders"), 1)
 {
+    m_removalQuestions.setGone([this](const ZQObjectID &root) { return m_filesKept.value(root.key); });
     connect(&m_removalQuestions, &RemovalQuestions::removalWasAllowed, this,
             [this](const ZQObjectID &root) { syncWatchedFolder(root, true); });
     m_statusTimer.setInterval(statusInterval);

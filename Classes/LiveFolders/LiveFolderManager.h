@@ -43,6 +43,7 @@ public:
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override;
     void syncAndRemoveMissing(const ZQObjectID &folder) override;
     void setLengthOfTurns(SyncTurn::Length length) { m_lengthOfTurns = length; } // that begin after that
+    RemovalQuestions &removalQuestions() { return m_removalQuestions; }
 
 private:
     ZQManagedObjectContext *context() const; // null without a library

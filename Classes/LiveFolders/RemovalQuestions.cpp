@@ -9,20 +9,42 @@
 
 #include <utility>
 
-// Meanwhile the disk is followed, and what is asked about stays.
+RemovalQuestions::RemovalQuestions(QObject *parent) : QObject(parent)
+{
+    m_quiet.setSingleShot(true);
+    connect(&m_quiet, &QTimer::timeout, this, &RemovalQuestions::askAll);
+}
+
 void RemovalQuestions::ask(const QList<SyncQuestion> &questions)
 {
     for (const SyncQuestion &question : questions) {
         m_questions.removeIf([&question](const SyncQuestion &other) { return other.root == question.root; });
         m_questions.append(question);
     }
+    if (m_questions.isEmpty()) {
+        return;
+    }
+    if (m_quietTime.count() == 0) {
+        askAll();
+    } else {
+        m_quiet.start(m_quietTime);
+    }
+}
+
+// Meanwhile the disk is followed, and what is asked about stays.
+void RemovalQuestions::askAll()
+{
     if (m_isAsking) {
         return;
     }
     m_isAsking = true;
     const QPointer alive(this);
     while (alive && !m_questions.isEmpty() && !tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
-        const SyncQuestion question = m_questions.takeFirst();
+        SyncQuestion question = m_questions.takeFirst();
+        question.count = m_gone ? m_gone(question.root) : question.count;
+        if (question.count == 0) {
+            continue;
+        }
         const int answer = tamberin_AppDelegate::sharedDelegate()->userInteraction().ask(
             {zqFormat(zqLocalized("%@ files of the live folder “%@” are gone"),
                       {QLocale().toString(question.count), question.title}),

@@ -114,7 +114,7 @@ TEST_F(ImportFiles, APictureIsMeasuredAsItIsShown)
 TEST_F(ImportFiles, TodaysFormatsAreMeasuredAsTheyAreShownAndKeepTheirDates)
 {
     // A turned picture with transparency would need its transparency turned, too.
-    const QImage scene = SampleScenes::asymmetricScene({90, 60}).convertToFormat(QImage::Format_RGB32);
+    const QImage scene = SampleScenes::asymmetricScene({96, 64}).convertToFormat(QImage::Format_RGB32);
     const QString phone = path(QStringLiteral("phone.heic"));
     ASSERT_TRUE(SampleFormats::writeHEIC(scene.transformed(QTransform().rotate(90)), phone));
     QFile stored(phone);
@@ -133,12 +133,12 @@ TEST_F(ImportFiles, TodaysFormatsAreMeasuredAsTheyAreShownAndKeepTheirDates)
         import({path(name)});
         const auto made = item(QFileInfo(name).completeBaseName());
         ASSERT_TRUE(made) << name.toStdString();
-        EXPECT_EQ(QSize(made->pixelWidth(), made->pixelHeight()), QSize(90, 60)) << name.toStdString();
+        EXPECT_EQ(QSize(made->pixelWidth(), made->pixelHeight()), QSize(96, 64)) << name.toStdString();
         EXPECT_EQ(made->modification_date(), taken) << name.toStdString();
         EXPECT_EQ(made->extension(), QFileInfo(name).suffix());
         EXPECT_EQ(made->animated(), name == u"moving.webp");
         const QImage shown = QImage(made->thumbURL()).convertToFormat(QImage::Format_RGB32);
-        ASSERT_EQ(shown.size(), QSize(90, 60)) << name.toStdString();
+        ASSERT_EQ(shown.size(), QSize(96, 64)) << name.toStdString();
         EXPECT_GT(shown.pixelColor(9, 6).red(), 180) << "the corner that is red upright: " << name.toStdString();
         EXPECT_GT(shown.pixelColor(9, 54).blue(), 180) << name.toStdString();
     }

@@ -24,6 +24,7 @@ LiveFolderTest::~LiveFolderTest()
 void LiveFolderTest::open()
 {
     manager = std::make_unique<LiveFolderManager>();
+    manager->removalQuestions().setQuietTime(std::chrono::milliseconds(0));
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();

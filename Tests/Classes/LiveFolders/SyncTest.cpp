@@ -434,6 +434,14 @@ TEST_F(LiveFolderTest, SaysThatFilesAreGoneUntilTheyAreBackOrRemoved)
     EXPECT_EQ(reason(), QString());
     expectInStep(path(QStringLiteral("in")));
 
+    manager->removalQuestions().setQuietTime(std::chrono::hours(1));
+    carry(many, aside);
+    sync();
+    carry(aside, many);
+    manager->removalQuestions().setQuietTime(std::chrono::milliseconds(0));
+    sync();
+    EXPECT_EQ(user.questions.size(), 1) << "they were back before it was quiet";
+
     carry(many, aside);
     sync();
     EXPECT_EQ(user.questions.size(), 2) << "they were back meanwhile";
