@@ -190,6 +190,10 @@ int zqRunExport(const ExportCommandRequest &request, CommandContext &context)
         return context.fail(problem);
     }
     const auto items = itemsOf(request, context);
+    if (items && items->isEmpty()) {
+        return context.fail(
+            zqLocalized("there are no items to export there; of a folder of projects name one of the projects"));
+    }
     const auto asked = items ? exportRequest(request, *items, context) : std::nullopt;
     if (!asked) {
         return 2;

@@ -25,7 +25,8 @@ const QString progressText = QStringLiteral("Export operation");
 
 ExportOperation::ExportOperation(const ExportRequest &request)
     : m_request(request), m_coordinator(tamberin_AppDelegate::sharedDelegate()->persistentStoreCoordinator()),
-      m_user(tamberin_AppDelegate::sharedDelegate()->userInteraction())
+      m_user(tamberin_AppDelegate::sharedDelegate()->userInteraction()),
+      m_library(tamberin_AppDelegate::sharedDelegate()->libraryBundleDirectory())
 {
     // One that is cancelled while it waits never begins, and has ended all the same.
     m_stateObserver = observe([this](Key key) {
@@ -48,6 +49,9 @@ void ExportOperation::main()
 void ExportOperation::run()
 {
     m_result.refusal = ExportReport::refusalOfFolder(m_request.destinationURL);
+    if (m_result.refusal.isNull()) {
+        m_result.refusal = ExportReport::refusalWithinLibrary(m_request.destinationURL, m_library);
+    }
     if (isCancelled() || !m_result.refusal.isNull()) {
         return;
     }

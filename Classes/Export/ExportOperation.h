@@ -52,6 +52,7 @@ private:
     const ExportRequest m_request;
     const std::shared_ptr<ZQPersistentStoreCoordinator> m_coordinator;
     UserInteraction &m_user;
+    const QString m_library; // its bundle
     std::shared_ptr<UserProgress> m_progress;
     QString m_temporaryFolder; // empty without an archive
     std::vector<ExportSource> m_sources;

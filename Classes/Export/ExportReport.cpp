@@ -93,6 +93,9 @@ void ExportReport::tell(const ExportRequest &request, const ExportResult &result
                             ? zqLocalized("Of “%@” only a part was exported. %@")
                             : zqLocalized("Of some pictures, “%@” for one, only a part was exported. %@"),
                         {first.title, first.reason}));
+    } else if (result.missing.isEmpty() && !result.isCancelled && result.count > 0) {
+        notify(zqFormat(result.count == 1 ? zqLocalized("%d file exported") : zqLocalized("%d files exported"),
+                        {result.count}));
     }
 }
 
@@ -109,6 +112,14 @@ QString ExportReport::refusalOfFolder(const QString &folder)
                                                   "another folder."),
                                       {folder})
                            : zqAdviceForFileError(ZQError::posix(errno, folder));
+}
+
+QString ExportReport::refusalWithinLibrary(const QString &folder, const QString &library)
+{
+    const QString bundle = QFileInfo(library).canonicalFilePath();
+    const bool isWithin = !bundle.isEmpty() && (QFileInfo(folder).canonicalFilePath() + u'/').startsWith(bundle + u'/');
+    return isWithin ? zqFormat(zqLocalized("“%@” is in the library itself. Choose a folder outside it."), {folder})
+                    : QString();
 }
 
 QString ExportReport::refusalAfterError(const QString &folder, const ZQError &error)

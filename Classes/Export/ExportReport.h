@@ -20,6 +20,8 @@ ZQError stopped(const ExportRequest &request, const ExportResult &result);
 
 // Why the folder cannot be written into at this moment; null when it can.
 QString refusalOfFolder(const QString &folder);
+// The library is no place for files that it knows nothing of.
+QString refusalWithinLibrary(const QString &folder, const QString &library);
 // The same after an error with a file in it, which may as well have been the file's own.
 QString refusalAfterError(const QString &folder, const ZQError &error);
 

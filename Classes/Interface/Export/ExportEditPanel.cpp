@@ -157,6 +157,12 @@ void ExportEditPanel::makeRows()
     buttons->addWidget(cancel);
     buttons->addWidget(save);
     m_rows->addRow(buttons);
+    QWidget *before = m_format; // fields that belong to one above come right after it
+    for (QWidget *const each : std::initializer_list<QWidget *>{m_size, m_first, m_second, m_quality, m_color,
+                                                                m_pattern, m_archive, cancel, save}) {
+        setTabOrder(before, each);
+        before = each;
+    }
 }
 
 void ExportEditPanel::start()

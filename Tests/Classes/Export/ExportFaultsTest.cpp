@@ -7,6 +7,7 @@
 #include "Tests/Support/ScratchMount.h"
 #include "Tests/Support/Skip.h"
 
+#include <QDir>
 #include <QRandomGenerator>
 
 #include <future>
@@ -79,6 +80,20 @@ TEST_F(ExportFaultsTest, ACancelAtAnyStepLeavesNoHalfFileAndNoTemporaryFolder)
         }
     }
     EXPECT_TRUE(user.errors.isEmpty()) << "who cancels is told of no failure";
+}
+
+TEST_F(ExportFaultsTest, TheLibraryIsNoPlaceForFilesItKnowsNothingOf)
+{
+    const QList<ZQObjectID> items = importImages(1);
+    const QString within = delegate->libraryBundleDirectory() + QStringLiteral("/Library");
+    const QStringList before = QDir(within).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    for (const QString &folder : {delegate->libraryBundleDirectory(), within}) {
+        out = folder;
+        const ExportResult result = run({.items = items});
+        EXPECT_TRUE(result.refusal.contains(QStringLiteral("in the library itself"))) << result.refusal.toStdString();
+        EXPECT_TRUE(result.written.isEmpty());
+    }
+    EXPECT_EQ(QDir(within).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), before);
 }
 
 TEST_F(ExportFaultsTest, OfTwoThatWaitOneCanBeCancelled)
