@@ -88,8 +88,7 @@ TEST_F(ExportFaultsTest, TheLibraryIsNoPlaceForFilesItKnowsNothingOf)
     const QString within = delegate->libraryBundleDirectory() + QStringLiteral("/Library");
     const QStringList before = QDir(within).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     for (const QString &folder : {delegate->libraryBundleDirectory(), within}) {
-        out = folder;
-        const ExportResult result = run({.items = items});
+        const ExportResult result = run({.items = items, .destinationURL = folder});
         EXPECT_TRUE(result.refusal.contains(QStringLiteral("in the library itself"))) << result.refusal.toStdString();
         EXPECT_TRUE(result.written.isEmpty());
     }
