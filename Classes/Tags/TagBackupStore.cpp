@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr int lists = 64;
+constexpr int listCount = 64;
 constexpr qint64 halfAYear = qint64(182) * 24 * 3600 * 1000;
 constexpr int lockMilliseconds = 1000;
 constexpr qint64 digestedAtEachEnd = 16384;
@@ -135,7 +135,7 @@ TagBackupStore::~TagBackupStore()
 
 int TagBackupStore::numberOf(const QByteArray &key)
 {
-    return static_cast<uchar>(QCryptographicHash::hash(key, QCryptographicHash::Md5).at(0)) % lists;
+    return static_cast<uchar>(QCryptographicHash::hash(key, QCryptographicHash::Md5).at(0)) % listCount;
 }
 
 QString TagBackupStore::pathOf(int number) const
@@ -278,7 +278,7 @@ bool TagBackupStore::store(const QHash<QString, std::optional<TagBackup>> &backu
         prune(list);
         isWritten = write(number, list) && isWritten;
         list.isBeingWritten = false;
-        const ZQLockGuard lists(m_mutex);
+        const ZQLockGuard guard(m_mutex);
         m_lists[number] = std::move(list);
     }
     return isWritten;
@@ -307,12 +307,12 @@ std::map<int, TagBackupStore::List> TagBackupStore::takeIn(const Backups &backup
         }
         take(path.toUtf8()).files.insert(path, *it.value());
     }
-    std::map<int, List> lists;
+    std::map<int, List> copies;
     for (const int number : changed) {
         m_lists[number].isBeingWritten = true;
-        lists.emplace(number, m_lists[number]);
+        copies.emplace(number, m_lists[number]);
     }
-    return lists;
+    return copies;
 }
 
 void TagBackupStore::noteLocked(const QString &path)
