@@ -433,7 +433,6 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         add(CommandID::Rename);
         menu.addAction(m_commands->ratingMenu());
         m_export->addTo(*menu.addMenu(zqLocalized("Export")));
-        menu.addSeparator();
         add(CommandID::ExportLayers);
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
