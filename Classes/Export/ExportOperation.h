@@ -44,7 +44,7 @@ private:
     void exportAll();
     void takeOutcomes();
     void zip();
-    QList<ZQZipMember> members() const; // of the archive
+    QList<ZQZipMember> members() const;                    // of the archive
     bool leaveOut(qsizetype member, const ZQError &error); // one that could not be zipped
     void finish();
     void announceEnd();

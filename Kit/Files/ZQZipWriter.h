@@ -21,8 +21,8 @@ struct ZQZipMember
 //
 // `willAdd` is asked before each member; false ends it, and so does ZQCancellation, both with an error of the code
 // ECANCELED. A name that is empty, absolute, leads out of the archive ("..") or occurs twice is refused before anything
-// is written. A file that changes while it is read is refused (EBUSY). `unreadable` gets the index of a member that could
-// not be read to its end, and stays as it is otherwise. Errors are of the domain "POSIX". Any thread.
+// is written. A file that changes while it is read is refused (EBUSY). `unreadable` gets the index of a member that
+// could not be read to its end, and stays as it is otherwise. Errors are of the domain "POSIX". Any thread.
 bool zqWriteZip(const QList<ZQZipMember> &members, const QString &path,
                 const std::function<bool(qsizetype index)> &willAdd, ZQError *error = nullptr,
                 qsizetype *unreadable = nullptr);
