@@ -1,5 +1,6 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarCommands.h"
+#include "Tests/Classes/Editing/EditQueueGate.h"
 #include "Tests/Classes/Editing/LiveEditFixture.h"
 
 // The rows of live folders: what commands do to them, and what that does to the disk, which is nothing.
@@ -151,6 +152,30 @@ TEST_F(LiveFolderRowsTest, RemovingAsksInItsWordsAndLeavesTheDiskAlone)
     EXPECT_EQ(activity(), QStringLiteral("AEI AEI Aei")) << "what was off stays off";
     EXPECT_EQ(titles(label), (QStringList{"one", "two"}));
     EXPECT_EQ(manager.changed, QList<ZQObjectID>{one->objectID()});
+    EXPECT_EQ(filesOnDisk(), files);
+}
+
+TEST_F(LiveFolderRowsTest, RemovingAndItsUndoAgreeWhateverTheQueueHasDone)
+{
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    const QString all = activity();
+    {
+        const EditQueueGate gate(editQueue);
+        ASSERT_TRUE(commands.deleteSidebarItem({one}));
+        undoStack.undo(); // before any item went
+        gate.open();
+        finish();
+    }
+    EXPECT_EQ(activity(), all);
+    {
+        const EditQueueGate gate(editQueue);
+        undoStack.redo();
+        undoStack.undo();
+        undoStack.redo();
+        gate.open();
+        finish();
+    }
+    EXPECT_EQ(activity(), QStringLiteral("aEi aEi aEi"));
     EXPECT_EQ(filesOnDisk(), files);
 }
 
