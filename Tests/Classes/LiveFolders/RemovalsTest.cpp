@@ -1,0 +1,88 @@
+#include "Tests/Classes/LiveFolders/LiveFolderFixture.h"
+
+#include <QDir>
+
+#include <chrono>
+
+// What becomes of items when much of a live folder is gone at once.
+
+TEST_F(LiveFolderTest, AsksBeforeMuchIsRemovedAtOnce)
+{
+    for (int i = 0; i < 60; ++i) {
+        writePicture(QStringLiteral("in/many/%1.png").arg(i));
+    }
+    writePicture(QStringLiteral("in/a.png"));
+    const QString root = path(QStringLiteral("in"));
+    const ZQObjectID id = add(root);
+    ASSERT_EQ(items().size(), 61);
+    ASSERT_TRUE(QDir(path(QStringLiteral("in/many"))).removeRecursively());
+
+    sync();
+    ASSERT_EQ(user.questions.size(), 1);
+    const auto active = [this] {
+        return zqCount(context(),
+                       {ZQLibraryBaseItem::entityName(),
+                        ZQPredicate::predicateWithFormat(QStringLiteral("active == YES AND managed == NO"))});
+    };
+    EXPECT_EQ(active(), 61) << "nobody said yes";
+    EXPECT_FALSE(manager->statusOfWatchedFolder(id).reason.isEmpty());
+    sync();
+    EXPECT_EQ(user.questions.size(), 1) << "once is enough";
+
+    user.answerQuestion = [](const UserQuestion &question) {
+        return int(question.buttons.indexOf(QStringLiteral("Remove from Library")));
+    };
+    sync(true);
+    EXPECT_EQ(user.questions.size(), 2);
+    EXPECT_EQ(active(), 1);
+    expectInStep(root);
+}
+
+TEST_F(LiveFolderTest, SaysThatFilesAreGoneUntilTheyAreBackOrRemoved)
+{
+    const QString many = path(QStringLiteral("in/many"));
+    const QString aside = path(QStringLiteral("aside"));
+    for (int i = 0; i < 60; ++i) {
+        writePicture(QStringLiteral("in/many/%1.png").arg(i));
+    }
+    writePicture(QStringLiteral("other/a.png"));
+    const ZQObjectID id = add(path(QStringLiteral("in")));
+    const ZQObjectID other = add(path(QStringLiteral("other")));
+    makeFolder(aside);
+    const auto carry = [](const QString &from, const QString &to) {
+        for (const QString &name : QDir(from).entryList(QDir::Files)) {
+            move(from + u'/' + name, to + u'/' + name);
+        }
+    };
+    const auto reason = [&] { return manager->statusOfWatchedFolder(id).reason; };
+
+    carry(many, aside);
+    sync();
+    ASSERT_EQ(user.questions.size(), 1);
+    writePicture(QStringLiteral("in/b.png"));
+    sync();
+    EXPECT_FALSE(reason().isEmpty()) << "what happens elsewhere in it brings none back";
+    carry(aside, many);
+    sync();
+    EXPECT_EQ(reason(), QString());
+    expectInStep(path(QStringLiteral("in")));
+
+    manager->removalQuestions().setQuietTime(std::chrono::hours(1));
+    carry(many, aside);
+    sync();
+    carry(aside, many);
+    manager->removalQuestions().setQuietTime(std::chrono::milliseconds(0));
+    sync();
+    EXPECT_EQ(user.questions.size(), 1) << "they were back before it was quiet";
+
+    carry(many, aside);
+    sync();
+    EXPECT_EQ(user.questions.size(), 2) << "they were back meanwhile";
+    user.answerQuestion = [](const UserQuestion &) { return 1; }; // they may go
+    manager->syncRootWatchedFoldersForceSync(true);
+    manager->stopSyncingWatchedFolders({other}); // which leaves the rest as it was asked for
+    wait();
+    EXPECT_EQ(reason(), QString());
+    EXPECT_EQ(items().size(), 2);
+    expectInStep(path(QStringLiteral("in")));
+}
