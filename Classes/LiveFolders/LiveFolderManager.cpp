@@ -93,7 +93,8 @@ void LiveFolderManager::startObservingWatchedFolders()
         }
     });
     watchRoots();
-    putAwayWhatCameTooLate(); // an earlier process may have been cut off in the middle of a removal
+    // An earlier process may have been cut off in the middle of a removal; the first screen does not wait for that.
+    QTimer::singleShot(untilEditsAreSaved, this, &LiveFolderManager::putAwayWhatCameTooLate);
 }
 
 void LiveFolderManager::observeExternalDisk()

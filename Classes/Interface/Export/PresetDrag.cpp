@@ -25,10 +25,13 @@ namespace {
 
 const QString uriList = QStringLiteral("text/uri-list");
 
-// Nobody took what was written there.
+// Nobody took what was written there. Only a folder of the temporary area is ours to remove.
 void removeWhenFinished(const std::shared_ptr<ExportOperation> &operation, const QString &folder)
 {
     constexpr std::chrono::milliseconds interval{200};
+    if (folder.isEmpty() || !folder.startsWith(TemporaryArea::folder() + u'/')) {
+        return;
+    }
     if (!operation->isFinished()) {
         QTimer::singleShot(interval, qApp, [operation, folder] { removeWhenFinished(operation, folder); });
     } else if (!QDir(folder).removeRecursively()) {
