@@ -18,6 +18,7 @@ struct ApplicationParts
     CloudMenuControlling *cloudMenuViewController = nullptr;
     std::function<std::unique_ptr<MainWindowControlling>()> makeMainWindowController;
     std::function<std::unique_ptr<ScreenCaptureControlling>()> makeZeltoKunViewController;
+    std::function<std::unique_ptr<ProtocolHandling>()> makeProtocolManager = {};
     // Whether this process was asked to end, also while nobody serves the main loop. Null: never.
     std::function<bool()> isEndWanted = {};
     std::chrono::milliseconds windowFirst{500}; // for its first picture, before anything beside it begins

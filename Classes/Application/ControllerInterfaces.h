@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QRect>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -132,12 +133,59 @@ public:
     virtual void syncAndRemoveMissing(const ZQObjectID &folder) = 0;
 };
 
-// The screen-capture controller.
+// The screen-capture controller. Main thread.
 class ScreenCaptureControlling
 {
 public:
     virtual ~ScreenCaptureControlling() = default;
     virtual void loadView() = 0;
+    // Captures that a person takes part in; another one that goes on is ended first. What is taken goes to Screenshots.
+    virtual void snapArea() = 0;
+    virtual void snapWindow() = 0;
+    virtual void snapFullScreen() = 0;
+    // Capture of a web page. `pageURL` empty: the person types it; `frame` of the browser's window, in points of the
+    // desktop, null where it is not known.
+    virtual void snapWebsite(const QString &pageURL, const QRect &frame) = 0;
+};
+
+// Images of a web page that are to be imported.
+struct ImageDownloadRequest
+{
+    QString pageTitle;
+    QString pageUrl;
+    QStringList images; // addresses
+    QString importAll;  // not empty: into a new project titled `pageTitle`, else into the library
+};
+
+// What downloads them, in the background, with progress. Main thread.
+class ImageDownloading
+{
+public:
+    virtual ~ImageDownloading() = default;
+    virtual void downloadImages(const ImageDownloadRequest &request) = 0;
+};
+
+// Commands that arrive as addresses of this application's scheme. Main thread.
+class ProtocolHandling
+{
+public:
+    virtual ~ProtocolHandling() = default;
+    // Waits until the launch is done. Nothing of it is trusted.
+    virtual void handleURL(const QString &url) = 0;
+};
+
+// Keys that work while other programs have the focus. Main thread.
+class HotKeyRegistering
+{
+public:
+    // As kept in the user defaults: a virtual key code and a mask of modifiers ("code", "flags"). See `HotKey`.
+    virtual ~HotKeyRegistering() = default;
+    // Takes the keys for the command known by its user default ("ScreenshotAreaHotkey", ...), instead of those that it
+    // had. `setting` empty: gives them up. Empty when the keys are taken, else why not, localized, for the person.
+    // Where a desktop asks the person first the answer comes later, by `stateDidChange`.
+    virtual QString registerHotKey(const QString &command, const QVariantMap &setting, std::function<void()> run) = 0;
+    virtual QString problemOfHotKey(const QString &command) const = 0;
+    static inline const QString stateDidChange = QStringLiteral("HotKeyStateDidChange"); // posted with no object
 };
 
 // The cloud session and its menu.

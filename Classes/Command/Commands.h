@@ -110,6 +110,30 @@ struct PsdRequest
 };
 int zqRunPsd(const PsdRequest &request, CommandContext &context);
 
+enum class SnapKind { Area, Window, FullScreen };
+// A capture into Screenshots, once the person has taken it; 1 when it was called off.
+int zqRunSnap(SnapKind kind, CommandContext &context);
+
+struct SnapWebRequest
+{
+    QString url;
+    int width = 1280;     // pixels of the page
+    bool layered = false; // as a PSD document, each visible element a layer
+    bool visible = false; // only what a window of that width shows at first, not the whole page
+};
+int zqRunSnapWeb(const SnapWebRequest &request, CommandContext &context);
+
+struct DownloadCommandRequest
+{
+    QStringList urls;
+    QString page;     // address of the page
+    QString title;    // of the page
+    bool all = false; // into a project titled so
+};
+int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context);
+// What the desktop hands over: `zelto:snap:…`, `zelto:import:…`.
+int zqRunOpenURL(const QString &url, CommandContext &context);
+
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);
