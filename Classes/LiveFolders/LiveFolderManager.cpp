@@ -378,6 +378,7 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     for (const qint64 root : context() ? m_runningRoots : QSet<qint64>()) { // it may end after all else
         m_filesKept.insert(root, records()->filesKept(root));
     }
+    m_removalQuestions.lookAgain();
     goOnLater(*operation);
     if (operation->isCancelled() && !m_wasStopped) {
         postEnd(m_wanted.clear()); // whoever ended all of it wants no more
@@ -534,8 +535,10 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
         if (!isFollowed(id)) {
             left.append(id);
             m_left.insert(id.key);
+            m_filesKept.remove(id.key);
         }
     }
+    m_removalQuestions.lookAgain();
     stopSyncingWatchedFolders(left);
     watchRoots();
     for (const ZQObjectID &id : folders) {
