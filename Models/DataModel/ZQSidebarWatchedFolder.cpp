@@ -169,6 +169,11 @@ ZQPredicate ZQSidebarWatchedFolder::predicateOfItemsLeftBehind(Left left)
 
 bool ZQSidebarWatchedFolder::putAwayItemsLeftBehind(ZQManagedObjectContext &context)
 {
+    const auto removed =
+        context.countForFetchRequest({entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("active == NO"))});
+    if (removed == 0) { // as nearly always, and the items are many
+        return true;
+    }
     const auto items =
         zqFetch<ZQLibraryBaseItem>(context, ZQFetchRequest{.entityName = ZQLibraryBaseItem::entityName(),
                                                            .predicate = predicateOfItemsLeftBehind(Left::Removed)});
