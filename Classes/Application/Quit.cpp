@@ -14,6 +14,7 @@
 #include "Kit/Persistence/ZQStoreCheck.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QCoreApplication>
 
@@ -68,6 +69,9 @@ bool Quit::stopRunningImports()
 QStringList Quit::purge()
 {
     ZQManagedObjectContext *context = m_store.managedObjectContext();
+    if (!ZQSidebarWatchedFolder::putAwayItemsLeftBehind(*context)) {
+        return {}; // the next one does
+    }
     ZQSidebarBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context);
     return ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context).value_or(QStringList());
 }

@@ -270,6 +270,10 @@ void FolderFilesSync::updateDbItem(const Item &item, const QString &path, const 
     const auto file = zqFileOfPersistentURL(item->itemURLData());
     // What was taken out of a package is not the package.
     const bool isInside = file && file->path.startsWith(path + u'/');
+    // Inode numbers are used again, and the reference may have been renewed since the file was replaced.
+    const bool isAnother = !isInside && file &&
+                           (file->inode != entry.inode || (was && was->inode != entry.inode) ||
+                            !zqPersistentURLIsAt(item->itemURLData(), path));
     const bool isElsewhere = !isInside && (!file || file->path != path || file->inode != entry.inode);
     if (was && was->hasContentOf(entry)) {
         if (isElsewhere) {
@@ -289,8 +293,7 @@ void FolderFilesSync::updateDbItem(const Item &item, const QString &path, const 
             item->updateFileURLsForURL(path);
         }
     }
-    const bool isReplaced = !isInside && file && file->inode != entry.inode && !(was && was->hasContentOf(entry));
-    refreshTags(item, path, entry, isReplaced);
+    refreshTags(item, path, entry, isAnother && !(was && was->hasContentOf(entry)));
     m_touched.append(path);
     m_import.didChangeItem();
     m_import.saveIfDue();

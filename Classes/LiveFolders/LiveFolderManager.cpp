@@ -2,6 +2,7 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/LiveFolders/LateItemsOperation.h"
 #include "Classes/LiveFolders/LiveFolderPlaces.h"
 #include "Classes/LiveFolders/RootFolders.h"
 #include "Kit/Files/ZQPersistentURL.h"
@@ -378,11 +379,12 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     for (const qint64 root : context() ? m_runningRoots : QSet<qint64>()) { // it may end after all else
         m_filesKept.insert(root, records()->filesKept(root));
     }
+    m_removalQuestions.lookAgain();
     goOnLater(*operation);
     if (operation->isCancelled() && !m_wasStopped) {
         postEnd(m_wanted.clear()); // whoever ended all of it wants no more
     }
-    if (operation->isCancelled()) {
+    if (operation->isCancelled()) { // because its folder was removed or disabled; it may have saved a batch after that
         putAwayWhatCameTooLate();
     }
     if (!operation->toLookAtAgain().isEmpty()) {
@@ -403,26 +405,12 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     m_removalQuestions.ask(operation->questions());
 }
 
-// A run that is ended because its folder was removed or disabled may have saved a batch after that.
 void LiveFolderManager::putAwayWhatCameTooLate()
 {
-    ZQManagedObjectContext *const store = context();
-    if (store && tamberin_AppDelegate::sharedDelegate()->editQueue().operationCount() > 0) { // which may see to most
-        QTimer::singleShot(untilEditsAreSaved, this, &LiveFolderManager::putAwayWhatCameTooLate);
-        return;
-    }
-    const auto items = store ? zqFetch<ZQLibraryBaseItem>(*store, QStringLiteral("managed == NO AND active == YES AND "
-                                                                                 "(watchingFolder.active == NO OR "
-                                                                                 "watchingFolder.is_enabled == NO)"))
-                             : std::nullopt;
-    if (!items || items->isEmpty()) {
-        return;
-    }
-    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-        item->setActive(false);
-    }
-    if (ZQError error; !store->save(&error)) {
-        qCWarning(zqLogStore).noquote() << error.localizedDescription();
+    if (context()) {
+        auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+        delegate.editQueue().addOperation(std::make_shared<LateItemsOperation>(delegate.persistentStoreCoordinator(),
+                                                                               AImportManager::sharedAImportManager()));
     }
 }
 
@@ -534,8 +522,10 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
         if (!isFollowed(id)) {
             left.append(id);
             m_left.insert(id.key);
+            m_filesKept.remove(id.key);
         }
     }
+    m_removalQuestions.lookAgain();
     stopSyncingWatchedFolders(left);
     watchRoots();
     for (const ZQObjectID &id : folders) {

@@ -42,6 +42,9 @@ public:
     void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override;
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override;
     void syncAndRemoveMissing(const ZQObjectID &folder) override;
+    // Items that are still there though their live folder is removed or disabled. Beside the window, after the edits
+    // that wait.
+    void putAwayWhatCameTooLate();
     void setLengthOfTurns(SyncTurn::Length length) { m_lengthOfTurns = length; } // that begin after that
     RemovalQuestions &removalQuestions() { return m_removalQuestions; }
 
@@ -54,7 +57,6 @@ private:
     // The nearest folder around it that has a row; nothing for none that is followed.
     std::optional<ZQObjectID> scheduleFolderAtPath(const QString &path, bool everythingBelow);
     void start();
-    void putAwayWhatCameTooLate();
     std::shared_ptr<WatchFoldersImportOperation> operationFor(const SyncRequests::Next &next);
     void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
     void goOnLater(const WatchFoldersImportOperation &operation);

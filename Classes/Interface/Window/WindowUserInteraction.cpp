@@ -1,5 +1,6 @@
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Interface/Sheets/QuestionSheets.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -180,7 +181,13 @@ int WindowUserInteraction::ask(const UserQuestion &question)
         const bool isLast = i + 1 == question.buttons.size();
         buttons.append(box.addButton(question.buttons[i], isLast ? QMessageBox::RejectRole : QMessageBox::AcceptRole));
     }
+    if (question.withdrawal) {
+        question.withdrawal->setEnd([&box] { box.reject(); });
+    }
     box.exec();
+    if (question.withdrawal) {
+        question.withdrawal->setEnd(nullptr);
+    }
     const qsizetype chosen = buttons.indexOf(box.clickedButton());
     return int(chosen < 0 ? question.buttons.size() - 1 : chosen);
 }

@@ -1,3 +1,4 @@
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Tests/Classes/LiveFolders/LiveFolderFixture.h"
 
 #include <QDir>
@@ -85,4 +86,55 @@ TEST_F(LiveFolderTest, SaysThatFilesAreGoneUntilTheyAreBackOrRemoved)
     EXPECT_EQ(reason(), QString());
     EXPECT_EQ(items().size(), 2);
     expectInStep(path(QStringLiteral("in")));
+}
+
+TEST_F(LiveFolderTest, AQuestionThatLostItsReasonIsTakenBack)
+{
+    const QString root = path(QStringLiteral("in"));
+    const QString many = root + QStringLiteral("/many");
+    const QString aside = path(QStringLiteral("aside"));
+    for (int i = 0; i < 60; ++i) {
+        writePicture(QStringLiteral("in/many/%1.png").arg(i));
+    }
+    writePicture(QStringLiteral("in/a.png"));
+    const ZQObjectID id = add(root);
+    std::function<void()> meanwhile;
+    bool wasShown = true;
+    user.answerQuestion = [&](const UserQuestion &question) {
+        question.withdrawal->setEnd([&wasShown] { wasShown = false; });
+        std::exchange(meanwhile, nullptr)();
+        wait();
+        return 1; // even so
+    };
+    const auto askWhile = [&](std::function<void()> what) {
+        meanwhile = std::move(what);
+        wasShown = true;
+        move(many, aside);
+        sync();
+        EXPECT_FALSE(wasShown);
+    };
+
+    askWhile([&] {
+        move(aside, many);
+        manager->syncRootWatchedFolders();
+    });
+    EXPECT_EQ(items().size(), 61) << "they were back";
+    expectInStep(root);
+
+    askWhile([&] {
+        move(root + QStringLiteral("/a.png"), path(QStringLiteral("a.png")));
+        manager->syncRootWatchedFolders();
+    });
+    EXPECT_TRUE(folder(id)->is_missing());
+    move(path(QStringLiteral("a.png")), root + QStringLiteral("/a.png"));
+    move(aside, many);
+    sync();
+    EXPECT_EQ(items().size(), 61) << "its place was out of reach";
+
+    askWhile([&] {
+        folder(id)->deactivateFolder();
+        EXPECT_TRUE(context().save());
+        manager->watchedFoldersDidChange({id});
+    });
+    EXPECT_EQ(user.questions.size(), 3);
 }
