@@ -102,6 +102,7 @@ void LiveFileImport::finish()
                                          zqLocalized("Not every file of the live folders could be read."), reason));
     }
     saveNow();
+    m_writtenTags.finish();
 }
 
 // A slow file does not keep from the screen what is there already.
@@ -154,7 +155,8 @@ void LiveFileImport::insert(const Reading &reading)
         return;
     }
     inserted.item->setWatchingFolder(folder.get());
-    m_written.push_back({inserted.item->bundleID(), reading.file.filePath, inserted.tags, inserted.item->notes()});
+    m_written.push_back({inserted.item->bundleID(), reading.file.filePath, inserted.tags, inserted.item->notes(),
+                         inserted.item->rating()});
     ++m_changes;
 }
 
@@ -201,6 +203,7 @@ bool LiveFileImport::saveNow()
 void LiveFileImport::writeTags()
 {
     ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    std::vector<WrittenTags::File> files;
     for (const Written &written : std::exchange(m_written, {})) {
         // Of a file that cannot be written the library alone keeps what was measured.
         const bool canBeWritten = ::access(QFile::encodeName(written.path).constData(), W_OK) == 0;
@@ -208,8 +211,10 @@ void LiveFileImport::writeTags()
             environment.writeTagsToFileOfItem(
                 written.bundleID, written.path,
                 {.tags = written.tags, .comment = written.notes, .rating = {}, .isFirst = true, .isSaved = true});
+            files.push_back({written.path, {written.tags, written.notes, written.rating}});
         }
     }
+    m_writtenTags.add(std::move(files));
 }
 
 void LiveFileImport::fileDidDrop(const DroppedFile &file)

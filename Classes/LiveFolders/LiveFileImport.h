@@ -4,6 +4,7 @@
 #include "Classes/Import/ImportedFile.h"
 #include "Classes/Import/ItemInserter.h"
 #include "Classes/LiveFolders/SyncRun.h"
+#include "Classes/LiveFolders/WrittenTags.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <chrono>
@@ -36,6 +37,7 @@ public:
     void finish();
     const QStringList &unreadFiles() const { return m_unreadFiles; }         // paths; they made no item
     const QList<qint64> &foldersGivenUp() const { return m_foldersGivenUp; } // one for each file
+    const WrittenTags &writtenTags() const { return m_writtenTags; }         // after `finish`
     void saveIfDue();                                                        // also what others changed in the context
     bool saveNow();
     bool wasRefused() const { return !refusal().isEmpty(); } // as for a full disk
@@ -55,6 +57,7 @@ private:
         QString path;
         QStringList tags;
         QString notes;
+        int rating = 0;
     };
     struct Arrival
     {
@@ -81,6 +84,7 @@ private:
     std::deque<Reading> m_reading; // in the order of the files
     QHash<qint64, ZQRef<ZQSidebarWatchedFolder>> m_folders;
     std::vector<Written> m_written; // of the items since the last save
+    WrittenTags m_writtenTags;
     QStringList m_unreadFiles;
     QList<qint64> m_foldersGivenUp;
     QDateTime m_importDate;
