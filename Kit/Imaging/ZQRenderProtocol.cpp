@@ -202,6 +202,7 @@ bool isPossible(const ZQRenderAnswer &answer)
                qsizetype(answer.size.width()) * answer.size.height() * 4 <= zqRenderAreaBytes;
     case Kind::PixelsInFile:
     case Kind::Exported:
+    case Kind::PlanesInFile:
         return isPossibleSize(answer.size);
     case Kind::CannotWrite:
         return answer.systemError > 0 && answer.systemError <= highestSystemError;
@@ -226,6 +227,12 @@ QByteArray zqEncode(const ZQRenderRequest &request)
     if (request.kind == ZQRenderRequest::Kind::Export) {
         writeEncoding(writer, request.encoding);
     }
+    if (request.kind == ZQRenderRequest::Kind::Planes) {
+        const QRect &window = request.window;
+        for (const int value : {window.x(), window.y(), window.width(), window.height()}) {
+            writer.number(value);
+        }
+    }
     return writer.bytes();
 }
 
@@ -242,6 +249,10 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
     out.name = reader.text();
     if (out.kind == ZQRenderRequest::Kind::Export) {
         out.encoding = readEncoding(reader);
+    }
+    if (out.kind == ZQRenderRequest::Kind::Planes) {
+        const QPoint corner(reader.number(), reader.number());
+        out.window = QRect(corner, QSize(reader.number(), reader.number()));
     }
     return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;
 }
