@@ -441,7 +441,11 @@ void FolderFilesSync::settle()
             toImport.emplace_back(&file, SHA1);
         }
     }
-    m_run.progress.begin(qsizetype(toImport.size()));
+    QHash<qint64, qsizetype> totals;
+    for (const auto &[file, SHA1] : toImport) {
+        ++totals[file->record->rootKey()];
+    }
+    m_run.progress.begin(totals);
     m_run.turn.beginReading();
     for (const auto &[file, SHA1] : toImport) {
         if (!m_run.isWanted()) {
@@ -461,13 +465,13 @@ void FolderFilesSync::import(const NewFile &file, const QString &SHA1)
         ImportQueries::fileAtPathIsSupported(file.path) && ImportQueries::isFileReadableAtPath(file.path);
     if (!canBeRead) {
         m_unreadFiles.append(file.path);
-        m_run.progress.advance();
+        m_run.progress.advance(file.record->rootKey());
         return;
     }
     waitUntilWritten(file.path, file.entry, m_run.operation);
     m_run.changedRoots.insert(file.record->rootKey());
     m_touched.append(file.path);
-    m_import.add({file.path, file.folder, SHA1});
+    m_import.add({file.path, file.folder, file.record->rootKey(), SHA1});
 }
 
 void FolderFilesSync::leave(qint64 folder)

@@ -46,7 +46,7 @@ void LiveFileImport::add(const File &file)
 {
     auto operation = m_run.isWanted() && refusal().isEmpty() ? importOperationForFilePath(file.path) : nullptr;
     if (!operation) {
-        m_run.progress.advance();
+        m_run.progress.advance(file.root);
         return;
     }
     if (m_note.isEmpty()) {
@@ -62,7 +62,10 @@ void LiveFileImport::add(const File &file)
     operation->setImportDate(m_importDate.addMSecs(m_count++)); // lists keep the order of the folder
     operation->setImportData(&reading.file);
     operation->setFatherOperation(this);
-    operation->setCompletionBlock([arrival = m_arrival] {
+    operation->setCompletionBlock([this, root = file.root, arrival = m_arrival, read = operation.get()] {
+        if (!read->isCancelled()) {
+            m_run.progress.advance(root);
+        }
         const ZQLockGuard lock(arrival->mutex);
         arrival->arrived.notifyAll();
     });

@@ -29,6 +29,7 @@ public:
     {
         QString path;
         qint64 folder = 0; // key
+        qint64 root = 0;   // key
         QString SHA1;      // where it is known
     };
     void add(const File &file); // waits while many are being read
@@ -72,7 +73,7 @@ private:
     void giveUp(const ImportedFile &file);
 
     void fileDidDrop(const DroppedFile &file) override;
-    void fileDidFinish() override { m_run.progress.advance(); }
+    void fileDidFinish() override {}
     QString refusal() const override;
     void setRefusal(const QString &reason) override;
     void archiveDidUnfold(const UnfoldedArchive &) override {}

@@ -71,6 +71,10 @@ private:
     bool isRunningFor(const ZQObjectID &folder) const;
     bool isFollowed(const ZQObjectID &id) const; // or was removed, or disabled
     void postStatus(const ZQObjectID &folder);
+    SyncProgress::State progressOf(qint64 root) const; // with the turns that it had before
+    void noteTurn(const WatchFoldersImportOperation &operation);
+    void noteUnfinished(const QSet<qint64> &roots);
+    QString reasonForUnfinished(const ZQSidebarWatchedFolder &row) const; // empty for a root that is in step
     static bool isBelow(const ZQRef<ZQSidebarWatchedFolder> &folder, const QList<ZQObjectID> &folders);
 
     ZQOperationQueue m_syncOperationQueue;
@@ -83,7 +87,9 @@ private:
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
     RemovalQuestions m_removalQuestions;
-    QHash<qint64, qsizetype> m_filesKept; // by root
+    QHash<qint64, qsizetype> m_filesKept;              // by root
+    QHash<qint64, SyncProgress::State> m_earlierTurns; // by root, while its run is to go on
+    QHash<qint64, SyncProgress::State> m_unfinished; // by root, whose run was cancelled and none came to its end since
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;
     std::shared_ptr<LiveFolderRecords> m_records;

@@ -2,6 +2,7 @@
 #include "Tests/Classes/LiveFolders/LiveFolderFixture.h"
 
 #include <QDir>
+#include <QFile>
 
 #include <chrono>
 
@@ -137,4 +138,42 @@ TEST_F(LiveFolderTest, AQuestionThatLostItsReasonIsTakenBack)
         manager->watchedFoldersDidChange({id});
     });
     EXPECT_EQ(user.questions.size(), 3);
+}
+
+TEST_F(LiveFolderTest, ManySmallRemovalsInARowAreAskedAboutAsOne)
+{
+    const QString root = path(QStringLiteral("in"));
+    for (int i = 0; i < 80; ++i) {
+        writePicture(QStringLiteral("in/%1.png").arg(i));
+    }
+    add(root);
+    const auto remove = [&](const QString &prefix, int first, int end) {
+        for (int i = first; i < end; ++i) {
+            ASSERT_TRUE(QFile::remove(root + u'/' + prefix + QString::number(i) + QStringLiteral(".png")));
+        }
+        sync();
+    };
+    remove({}, 0, 30);
+    remove({}, 30, 50);
+    EXPECT_TRUE(user.questions.isEmpty());
+    EXPECT_EQ(items().size(), 30);
+    remove({}, 50, 51);
+    EXPECT_EQ(user.questions.size(), 1);
+    EXPECT_EQ(items().size(), 30) << "nobody said yes";
+
+    user.answerQuestion = [](const UserQuestion &) { return 1; }; // they may go
+    sync(true);
+    EXPECT_EQ(user.questions.size(), 2);
+    EXPECT_EQ(items().size(), 29);
+    remove({}, 51, 53);
+    EXPECT_EQ(user.questions.size(), 2) << "the person knows of it";
+
+    for (int i = 0; i < 60; ++i) {
+        writePicture(QStringLiteral("in/new %1.png").arg(i));
+    }
+    sync();
+    remove(QStringLiteral("new "), 0, 40);
+    remove(QStringLiteral("new "), 40, 55);
+    EXPECT_EQ(user.questions.size(), 2) << "these were not there before the first went";
+    expectInStep(root);
 }
