@@ -5,6 +5,7 @@
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImporterForFile.h"
+#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -20,7 +21,8 @@
 namespace {
 constexpr qsizetype mostUnsaved = 256;
 constexpr std::size_t mostReading = 512;
-constexpr int longestInterval = 4; // times the first
+constexpr int longestInterval = 4;   // times the first
+constexpr int mostWaitingTags = 512; // files
 } // namespace
 
 LiveFileImport::LiveFileImport(SyncRun &run)
@@ -199,6 +201,9 @@ bool LiveFileImport::saveNow()
     m_interval = std::min<Clock::duration>(2 * m_interval, longestInterval * m_run.settings.firstSaveAfter);
     m_nextSave = Clock::now() + m_interval;
     writeTags();
+    // Both go on side by side; else one thread would be left to write most of the tags after the last file was read,
+    // and what a person tags meanwhile would wait behind all of them.
+    TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingTags, &m_run.operation);
     return true;
 }
 
