@@ -101,6 +101,9 @@ void ExportReport::tell(const ExportRequest &request, const ExportResult &result
 
 QString ExportReport::refusalOfFolder(const QString &folder)
 {
+    if (QFileInfo(folder).isFile()) {
+        return zqFormat(zqLocalized("“%@” is a file; give a folder."), {folder});
+    }
     if (folder.isEmpty() || !QFileInfo(folder).isDir()) {
         return zqFormat(zqLocalized("There is no folder “%@”. Choose another one, or look whether its disk is there."),
                         {folder});
