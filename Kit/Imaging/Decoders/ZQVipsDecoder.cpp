@@ -167,6 +167,37 @@ ZQSourceFile withRoomAfterEnd(const ZQSourceFile &file, VipsImage *header)
     return ZQSourceFile::ofBytes(device.readAll() + QByteArray(blockBytes, '\0'), file.name());
 }
 
+// All pixels, which it takes less time to decode at once, with the header's profile. Null for a file that goes the long
+// way.
+ZQVipsImage wholePNG(VipsImage *header, const ZQSourceFile &file)
+{
+    auto png = loaderOf(header).startsWith("pngload") ? ZQWholePNG::inflated(file, true) : std::nullopt;
+    if (!png) {
+        return nullptr;
+    }
+    const QSize size = png->size();
+    for (int y = 0; y < size.height(); ++y) {
+        png->nextRow();
+    }
+    const size_t bytes = size_t(size.width()) * size_t(size.height()) * size_t(png->channels());
+    const ZQVipsImage raw(vips_image_new_from_memory(png->pixels().get(), bytes, size.width(), size.height(),
+                                                     png->channels(), VIPS_FORMAT_UCHAR));
+    VipsImage *out = nullptr;
+    const auto interpretation = png->channels() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
+    if (!raw || vips_copy(raw.get(), &out, "interpretation", interpretation, nullptr)) {
+        return nullptr;
+    }
+    using Pixels = std::shared_ptr<uchar>;
+    g_object_set_data_full(G_OBJECT(raw.get()), "pixels", new Pixels(png->pixels()),
+                           [](void *pixels) { delete static_cast<Pixels *>(pixels); });
+    const void *profile = nullptr;
+    size_t profileSize = 0;
+    if (zqHasProfile(header) && vips_image_get_blob(header, VIPS_META_ICC_NAME, &profile, &profileSize) == 0) {
+        vips_image_set_blob_copy(out, VIPS_META_ICC_NAME, profile, profileSize);
+    }
+    return ZQVipsImage(out);
+}
+
 // Rows are computed when they are asked for.
 ZQVipsImage startPass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
@@ -180,7 +211,9 @@ ZQVipsImage startPass(VipsImage *header, const ZQDecodeRequest &request, const P
 
 ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
-    const ZQVipsImage image = startPass(header, request, pass);
+    const bool isWholeWanted = request.isFullSize() && request.frame == 0;
+    const ZQVipsImage whole = isWholeWanted ? wholePNG(header, request.file) : nullptr;
+    const ZQVipsImage image = whole ? thumbnailOfImage(whole.get(), request, pass) : startPass(header, request, pass);
     return image ? zqBitmapOfVips(image.get()) : ZQBitmap();
 }
 
@@ -408,31 +441,6 @@ ZQBitmap zqBitmapOfVips(VipsImage *image)
 
 namespace {
 
-// All pixels, which it takes less time to decode at once. Null for a file that goes the long way.
-ZQVipsImage wholePNG(const ZQSourceFile &file)
-{
-    std::optional<ZQWholePNG> png = ZQWholePNG::inflated(file);
-    if (!png) {
-        return nullptr;
-    }
-    const QSize size = png->size();
-    for (int y = 0; y < size.height(); ++y) {
-        png->nextRow();
-    }
-    const size_t bytes = size_t(size.width()) * size_t(size.height()) * size_t(png->channels());
-    const ZQVipsImage raw(vips_image_new_from_memory(png->pixels().get(), bytes, size.width(), size.height(),
-                                                     png->channels(), VIPS_FORMAT_UCHAR));
-    VipsImage *out = nullptr;
-    const auto interpretation = png->channels() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
-    if (!raw || vips_copy(raw.get(), &out, "interpretation", interpretation, nullptr)) {
-        return nullptr;
-    }
-    using Pixels = std::shared_ptr<uchar>;
-    g_object_set_data_full(G_OBJECT(raw.get()), "pixels", new Pixels(png->pixels()),
-                           [](void *pixels) { delete static_cast<Pixels *>(pixels); });
-    return ZQVipsImage(out);
-}
-
 bool isDeep(VipsImage *image)
 {
     constexpr qint64 mostPixels = qint64(1) << 27; // all are held
@@ -483,7 +491,7 @@ ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::
     const bool hasProfile = zqHasProfile(header.get());
     const Pass pass{VIPS_FAIL_ON_TRUNCATED, hasProfile ? Profile::Apply : Profile::Ignore,
                     wanted ? VIPS_SIZE_FORCE : VIPS_SIZE_DOWN};
-    const ZQVipsImage whole = loaderOf(header.get()).startsWith("pngload") ? wholePNG(file) : nullptr;
+    const ZQVipsImage whole = wholePNG(header.get(), file);
     ZQVipsImage image = whole ? thumbnailOfImage(whole.get(), request, pass) : startPass(header.get(), request, pass);
     const bool isRight = image && convertToSRGB(image) && QSize(image->Xsize, image->Ysize) == *size;
     return isRight ? std::move(image) : nullptr;

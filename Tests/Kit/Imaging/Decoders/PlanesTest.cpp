@@ -69,7 +69,8 @@ QImage whiteWhereClear(QImage image)
 
 void expectPlanesOfPipeline(const ZQSourceFile &file, const QRect &window)
 {
-    const QImage whole = whiteWhereClear(zqVipsDecoder.decode({file, {}}, nullptr).image());
+    constexpr QSize large(1024, 1024); // a file that is to fit somewhere is read row by row
+    const QImage whole = whiteWhereClear(zqVipsDecoder.decode({file, large}, nullptr).image());
     const auto planes = zqPlanesOfFile(file, window, nullptr);
     ASSERT_TRUE(planes);
     EXPECT_EQ(planes->size(), whole.size());
@@ -145,6 +146,8 @@ TEST(PlanesTest, WhatIsUnusualOrDamagedIsNotInflatedAtOnce)
         EXPECT_FALSE(ZQWholePNG::inflated(fileOf(row.bytes)));
     }
     EXPECT_TRUE(ZQWholePNG::inflated(fileOf(pngOf({.size = {60, 90}}, rows))));
+    const QByteArray profiled = pngOf({.chunks = chunk("iCCP", QByteArray("p\0\0", 3) + qCompress("x"))});
+    EXPECT_TRUE(ZQWholePNG::inflated(fileOf(profiled), true)) << "where its pixels are converted afterwards";
 }
 
 TEST(PlanesTest, OnlyRowsOfThePartAreBelieved)
