@@ -406,7 +406,8 @@ std::optional<ZQExportedImage> ZQRenderPool::exportFile(const QString &path, con
         zqSetError(error, errorOfOutcome(Outcome::TalkedNonsense, path));
         return std::nullopt;
     }
-    return ZQExportedImage{reply.answer.size, reply.answer.isIncomplete};
+    return ZQExportedImage{reply.answer.size, reply.answer.isIncomplete, reply.answer.isFirstOfSeveral,
+                           reply.answer.isReduced};
 }
 
 std::optional<ZQPackedPicture> ZQRenderPool::planesOfFile(const QString &path, const QRect &window, ZQError *error)

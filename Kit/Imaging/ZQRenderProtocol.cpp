@@ -263,7 +263,8 @@ QByteArray zqEncode(const ZQRenderAnswer &answer)
     for (const qint32 value :
          {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(), qint32(answer.code),
           qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles), qint32(answer.restrictsCalls),
-          qint32(answer.isIncomplete), qint32(answer.hasProperties)}) {
+          qint32(answer.isIncomplete), qint32(answer.isFirstOfSeveral), qint32(answer.isReduced),
+          qint32(answer.hasProperties)}) {
         writer.number(value);
     }
     writer.text(answer.reason);
@@ -287,6 +288,8 @@ std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
     out.restrictsFiles = reader.number() != 0;
     out.restrictsCalls = reader.number() != 0;
     out.isIncomplete = reader.number() != 0;
+    out.isFirstOfSeveral = reader.number() != 0;
+    out.isReduced = reader.number() != 0;
     out.hasProperties = reader.number() != 0;
     out.reason = reader.line();
     out.properties = readProperties(reader);

@@ -65,9 +65,11 @@ struct ZQRenderAnswer
 
     Kind kind = Kind::Error;
     ZQImageProperties properties;
-    bool hasProperties = false; // besides what the kind says
-    QSize size;                 // of the picture
-    bool isIncomplete = false;  // only a part of it could be drawn
+    bool hasProperties = false;    // besides what the kind says
+    QSize size;                    // of the picture
+    bool isIncomplete = false;     // only a part of it could be drawn
+    bool isFirstOfSeveral = false; // Exported: see ZQExportedImage
+    bool isReduced = false;
     ZQImagingErrorCode code = ZQImagingErrorCode::Damaged;
     QString reason;
     bool hasThumbnailer = false; // an error, but a thumbnailer knows the kind

@@ -14,6 +14,7 @@
 #include <QDBusInterface>
 #include <QDBusMessage>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
@@ -245,6 +246,9 @@ QStringList WindowUserInteraction::chooseFilesToOpen(const FileChoice &choice)
                        : choice.several ? QFileDialog::ExistingFiles
                                         : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::ShowDirsOnly, choice.directory);
+    if (choice.directory && QFileInfo(choice.name).isDir()) { // it may be gone since
+        dialog.setDirectory(choice.name);
+    }
     if (!choice.prompt.isEmpty()) {
         dialog.setLabelText(QFileDialog::Accept, choice.prompt);
     }

@@ -99,7 +99,7 @@ std::optional<ZQPNGChunk> zqTakePNGChunk(std::string_view &rest)
     return chunk;
 }
 
-std::optional<ZQPNGOutline> zqPlainPNGOutline(std::string_view bytes, qint64 mostPixels)
+std::optional<ZQPNGOutline> zqPlainPNGOutline(std::string_view bytes, qint64 mostPixels, bool mayHaveProfile)
 {
     if (!bytes.starts_with("\x89PNG\r\n\x1a\n"sv)) {
         return std::nullopt;
@@ -109,7 +109,7 @@ std::optional<ZQPNGOutline> zqPlainPNGOutline(std::string_view bytes, qint64 mos
     std::optional<ZQPNGChunk> chunk = zqTakePNGChunk(bytes);
     bool isPlain = chunk && readHeader(*chunk, mostPixels, out);
     for (chunk = zqTakePNGChunk(bytes); isPlain && chunk && chunk->name != "IEND"sv; chunk = zqTakePNGChunk(bytes)) {
-        isPlain = readChunk(*chunk, out);
+        isPlain = readChunk(*chunk, out) || (mayHaveProfile && chunk->name == "iCCP"sv);
     }
     return isPlain && chunk ? std::optional(out) : std::nullopt;
 }

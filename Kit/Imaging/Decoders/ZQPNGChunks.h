@@ -10,8 +10,8 @@
 // What the chunks of a PNG say, for those that read such files themselves.
 
 // Chunks that say nothing about how the pixels come out. One with a colour profile or an orientation is not plain.
-inline constexpr std::array<std::string_view, 11> zqPlainPNGChunks{"gAMA", "cHRM", "sRGB", "sBIT", "bKGD", "hIST",
-                                                                   "tIME", "tEXt", "zTXt", "iTXt", "pHYs"};
+inline constexpr std::array<std::string_view, 12> zqPlainPNGChunks{"gAMA", "cHRM", "sRGB", "sBIT", "bKGD", "hIST",
+                                                                   "tIME", "tEXt", "zTXt", "iTXt", "pHYs", "vpAg"};
 
 struct ZQPNGChunk
 {
@@ -36,4 +36,5 @@ struct ZQPNGOutline
 };
 
 // Nothing for a file that has more pixels, is not whole, has more than 8 bits, is interlaced or in any way unusual.
-std::optional<ZQPNGOutline> zqPlainPNGOutline(std::string_view bytes, qint64 mostPixels);
+// `mayHaveProfile`: a colour profile is nothing unusual; that one is there is all that is known of it.
+std::optional<ZQPNGOutline> zqPlainPNGOutline(std::string_view bytes, qint64 mostPixels, bool mayHaveProfile = false);

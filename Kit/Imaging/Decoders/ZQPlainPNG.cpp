@@ -48,7 +48,7 @@ void readBytes(png_structp png, png_bytep out, size_t size)
 // Leaves through the jump when anything is wrong, so nothing here may need tidying up.
 bool readRows(Reading &reading)
 {
-    static constexpr png_byte ignored[] = "gAMA\0cHRM\0sRGB\0sBIT\0bKGD\0hIST\0tIME\0tEXt\0zTXt\0iTXt\0pHYs";
+    static constexpr png_byte ignored[] = "gAMA\0cHRM\0sRGB\0sBIT\0bKGD\0hIST\0tIME\0tEXt\0zTXt\0iTXt\0pHYs\0vpAg";
     static_assert(sizeof ignored == 5 * zqPlainPNGChunks.size(), "the same ones, each with a null behind it");
     if (setjmp(png_jmpbuf(reading.png))) {
         return false;

@@ -253,16 +253,16 @@ bool areFiltersKnown(const uchar *rows, int count, size_t stride)
 
 } // namespace
 
-std::optional<ZQWholePNG> ZQWholePNG::inflated(const ZQSourceFile &file)
+std::optional<ZQWholePNG> ZQWholePNG::inflated(const ZQSourceFile &file, bool mayHaveProfile)
 {
     constexpr size_t bestRatio = 1040; // of what deflating can do
     if (!file.start().startsWith("\x89PNG")) {
         return std::nullopt;
     }
     ZQSourceFile::Bytes bytes(file);
-    const auto png = bytes.data()
-                         ? zqPlainPNGOutline({reinterpret_cast<char *>(bytes.data()), bytes.size()}, mostPixels)
-                         : std::nullopt;
+    const auto png = bytes.data() ? zqPlainPNGOutline({reinterpret_cast<char *>(bytes.data()), bytes.size()},
+                                                      mostPixels, mayHaveProfile)
+                                  : std::nullopt;
     ZQWholePNG out;
     out.m_channels = png && png->depth == 8 && !png->hasTransparency ? channelsOf(*png) : 0;
     if (out.m_channels == 0) {

@@ -16,7 +16,8 @@ public:
     static constexpr qint64 mostPixels = qint64(1) << 26;
 
     // Whether it is such a file is known when this has answered; only the rows are still to be computed.
-    static std::optional<ZQWholePNG> inflated(const ZQSourceFile &file);
+    // `mayHaveProfile`: a file with a colour profile is one, too; the pixels are as they are stored.
+    static std::optional<ZQWholePNG> inflated(const ZQSourceFile &file, bool mayHaveProfile = false);
 
     QSize size() const { return m_size; }
     int channels() const { return m_channels; } // gray; gray and alpha; R, G, B; or R, G, B, A

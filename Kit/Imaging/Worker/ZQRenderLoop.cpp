@@ -143,6 +143,8 @@ private:
             out.kind = ZQRenderAnswer::Kind::Exported;
             out.size = exported->pixelSize;
             out.isIncomplete = exported->isIncomplete;
+            out.isFirstOfSeveral = exported->isFirstOfSeveral;
+            out.isReduced = exported->isReduced;
             return send(out);
         }
         if (error.domain == ZQError::posixDomain) {
