@@ -10,6 +10,7 @@
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Command/PendingCommands.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImageDownloads.h"
 #include "Classes/Import/PromisedImports.h"
 #include "Classes/Import/XDirectSave.h"
 #include "Classes/Interface/Window/MainWindowController.h"
@@ -260,6 +261,7 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     parts.liveFolderManager = &liveFolders;
     parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
@@ -282,6 +284,7 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     parts.isEndWanted = &SignalWatcher::hasCome;
     tamberin_AppDelegate delegate(parts);
     return runOnLibrary(delegate, commandLine, arguments, context);
@@ -332,6 +335,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     parts.isEndWanted = &SignalWatcher::hasCome;
     parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;

@@ -34,8 +34,10 @@ bool Quit::stopRunningImports()
 {
     ZQOperationQueue *sync =
         m_running.liveFolderManager() ? &m_running.liveFolderManager()->syncOperationQueue() : nullptr;
-    const auto isIdle = [&] {
-        return m_running.backgroundQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
+    ImageDownloading *const downloads = m_running.imageDownloading();
+    const auto isIdle = [&] { // a download that ends may begin an import: it is looked at first
+        return (!downloads || !downloads->isDownloading()) && m_running.backgroundQueue().operationCount() == 0 &&
+               (!sync || sync->operationCount() == 0);
     };
     if (isIdle()) {
         return true;
@@ -51,6 +53,9 @@ bool Quit::stopRunningImports()
     m_isEnding = true;
     m_leftovers.stop(); // it might queue more, and ask below the loop that drains
     m_running.setKeepsCancelledImports(true);
+    if (downloads) {
+        downloads->stopDownloads();
+    }
     m_running.backgroundQueue().cancelAllOperations();
     if (sync) {
         sync->cancelAllOperations();

@@ -17,6 +17,7 @@ public:
     const ApplicationParts &parts() const { return m_parts; }
     UserInteraction &userInteraction() const { return *m_parts.userInteraction; } // any thread may ask for it
     ImportManaging *importManager() const { return m_parts.importManager; }
+    ImageDownloading *imageDownloading() const { return m_parts.imageDownloading; }
     LiveFolderManaging *liveFolderManager() const { return m_parts.liveFolderManager; }
     void setKeepsCancelledImports(bool keeps) const;
 

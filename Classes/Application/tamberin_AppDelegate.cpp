@@ -367,6 +367,11 @@ ZQOperationQueue &tamberin_AppDelegate::editQueue()
     return m_running->editQueue();
 }
 
+ImageDownloading *tamberin_AppDelegate::imageDownloading() const
+{
+    return m_running->imageDownloading();
+}
+
 ImportManaging *tamberin_AppDelegate::importManager() const
 {
     return m_running->importManager();

@@ -10,6 +10,7 @@
 
 class DesktopRequests;
 class FixedSidebar;
+class ImageDownloading;
 class ImportManaging;
 class ItemTagSync;
 class Launch;
@@ -129,6 +130,7 @@ public:
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
+    ImageDownloading *imageDownloading() const; // null: none
     LiveFolderManaging *liveFolderManager() const; // null: none
     UserInteraction &userInteraction() const;      // any thread may ask for it
 

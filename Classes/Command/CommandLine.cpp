@@ -83,6 +83,7 @@ CommandLine::CommandLine()
     m_app->add_option("files", m_options->files, "Files, folders or a library to open in the window")
         ->type_name("FILE");
     defineImport();
+    defineDownload();
     defineItems();
     defineSearch();
     defineSmartFolder();

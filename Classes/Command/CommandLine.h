@@ -68,6 +68,7 @@ private:
     void defineTags();
     void defineLiveFolders(); // in CommandLineLiveFolders.cpp
     void definePsd();         // in CommandLinePsd.cpp
+    void defineDownload();    // in CommandLineDownload.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

@@ -130,6 +130,7 @@ struct DownloadCommandRequest
     QString title;    // of the page
     bool all = false; // into a project titled so
 };
+// 1 when some could not be downloaded or imported, 2 when nothing came.
 int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context);
 // What the desktop hands over: `zelto:snap:…`, `zelto:import:…`.
 int zqRunOpenURL(const QString &url, CommandContext &context);
