@@ -79,7 +79,11 @@ void DesktopRequests::openFiles(const QStringList &paths)
     bool templateMoved = false;
     for (const QString &path : paths) {
         const QString extension = zqPathExtension(path);
-        if (extension.toLower() == QStringLiteral("ztlibrary")) {
+        if (ProtocolHandling::isProtocolURL(path)) { // whatever it ends with
+            if (m_running.protocolManager()) {
+                m_running.protocolManager()->handleURL(path);
+            }
+        } else if (extension.toLower() == QStringLiteral("ztlibrary")) {
             m_switch.switchToLibrary(path);
         } else if (extension == QStringLiteral("zttemplate")) {
             templateMoved = moveTemplate(path) || templateMoved;

@@ -68,6 +68,8 @@ private:
     void defineTags();
     void defineLiveFolders(); // in CommandLineLiveFolders.cpp
     void definePsd();         // in CommandLinePsd.cpp
+    void defineOpenURL();     // in CommandLineOpenURL.cpp
+    void defineTemplates();   // in CommandLineTemplates.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();
