@@ -63,13 +63,13 @@ TemplateFile fromPackage(const QString &path)
 
 TemplateFile Templates::atPath(const QString &path)
 {
-    if (QFileInfo(path).isDir()) {
-        const ImportKind *const kind = importKindForPath(zqBaseName(path));
-        if (!kind || !kind->takesPackages()) { // it is not itself the asset, as a package of another program is
-            return fromPackage(path);
-        }
+    const bool isFolder = QFileInfo(path).isDir();
+    const ImportKind *const kind = isFolder ? importKindForPath(zqBaseName(path)) : nullptr;
+    if (isFolder && (!kind || !kind->takesPackages())) { // it is not itself the asset, as a package of a program is
+        return fromPackage(path);
     }
-    TemplateFile made{path, zqBaseName(path), path, extensionOfFile(path), path};
+    TemplateFile made{path, zqBaseName(path), path, {}, path};
+    made.extension = isFolder ? zqPathExtension(made.title) : extensionOfFile(path);
     if (made.extension.isEmpty()) {
         made.file.clear();
     } else if (zqPathExtension(made.title) == made.extension) {
