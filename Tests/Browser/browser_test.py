@@ -9,12 +9,13 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import urllib.parse
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from chromium import Chromium, program  # noqa: E402
-from page import EXPECTED, INLINE, Site  # noqa: E402
+from page import EXPECTED, Site  # noqa: E402
 
 RESOURCES = pathlib.Path(__file__).resolve().parents[2] / "Resources" / "browser"
 TITLE = "Posters “of” the year — ½"
@@ -84,17 +85,20 @@ class BrowserTest(unittest.TestCase):
         self.browser.evaluate(popup, "document.querySelectorAll('li img').forEach((img) => { img.loading = 'eager'; })")
         self.browser.evaluate(popup, "(() => { const box = document.getElementById('smallest'); box.value = 0; "
                                      "box.dispatchEvent(new Event('input')); })()")
-        self.browser.until(popup, "[...document.querySelectorAll('.size')].filter((each) => each.textContent === "
-                                  "'size not known').length === 1")
+        self.browser.until(popup, "[...document.querySelectorAll('.size')].every((each) => each.textContent !== "
+                                  "'size not known')")
         rows = dict(self.browser.evaluate(popup, "[...document.querySelectorAll('li')].map((item) => [item.querySelector("
                                                  "'img').src, item.querySelector('.size').textContent])"))
-        sizes = {self.site.url(name): f"{width} × {height}" if width else "size not known"
+        sizes = {self.site.url(name): f"{width} × {height}" if width else "cannot be shown"
                  for name, (width, height) in EXPECTED.items()}
         self.assertEqual(rows, sizes)
         self.browser.evaluate(popup, "(() => { const box = document.getElementById('smallest'); box.value = 300; "
                                      "box.dispatchEvent(new Event('input')); })()")
         shown = self.browser.evaluate(popup, "[...document.querySelectorAll('li:not([hidden]) img')].map((img) => img.src)")
         self.assertEqual(set(shown), {self.site.url(name) for name, size in EXPECTED.items() if size[0] == 0 or max(size) >= 300})
+        self.assertEqual(self.browser.evaluate(popup, "[...document.querySelectorAll('li:not([hidden]) input:not(:checked)')]"
+                                                      ".map((box) => box.closest('li').querySelector('img').src)"),
+                         [self.site.url("art/gone.png")])
         unnamed = self.browser.evaluate(popup, "[...document.querySelectorAll('button, input, ul')].filter((each) => !each.hidden && "
                                                "!(each.labels?.[0] ?? each).textContent.trim() && "
                                                "!each.getAttribute('aria-label')).map((each) => each.id)")
@@ -141,30 +145,72 @@ class BrowserTest(unittest.TestCase):
         self.assertEqual(set(read(self.handed())["urls"]), {self.site.url(name) for name in EXPECTED})
         self.assertFalse(self.browser.evaluate(self.page, "!!document.querySelector('#zelto-import')"))
 
+    def command(self, arguments):
+        home = os.path.join(self.scratch.name, self.id_of_home())
+        return {"args": [ZELTO, "--library", os.path.join(home, "Test.ztlibrary"), *arguments],
+                "env": os.environ | {key: os.path.join(home, key) for key in ("XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME")},
+                "text": True}
+
+    def id_of_home(self):
+        os.makedirs(os.path.join(self.scratch.name, self._testMethodName), exist_ok=True)
+        return self._testMethodName
+
     def zelto(self, *arguments):
-        return subprocess.run([ZELTO, "--library", os.path.join(self.scratch.name, "Test.ztlibrary"), *arguments],
-                              env=os.environ | {key: os.path.join(self.scratch.name, key) for key in (
-                                  "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME")},
-                              capture_output=True, text=True, timeout=300)
+        return subprocess.run(**self.command(arguments), capture_output=True, timeout=300)
+
+    def addresses(self):
+        """Both addresses of each item."""
+        items = json.loads(self.zelto("items", "--json").stdout or "[]")
+        return {(item["webURL"], item["webPageURL"]) for item in items}
+
+    def agree(self):
+        agreed = self.zelto("defaults", "write", "ProtocolKnownPages", '["127.0.0.1"]')
+        self.assertEqual(agreed.returncode, 0, agreed.stderr)
 
     def test_images_become_items_with_both_addresses(self):
         if not ZELTO:
             self.skipTest("no program was named")
         popup = self.popup()
-        names = ["art/plain.png", "art/hero.png?crop=1,2", "art/drawing.svg", INLINE]
-        self.choose(popup, names[:3])
+        names = ["art/plain.png", "art/hero.png?crop=1,2", "art/drawing.svg"]
+        self.choose(popup, names)
         self.click(popup, "#import")
         address = self.handed()
         # It lies on this machine, which wants the person's word.
         self.assertNotEqual(self.zelto("open-url", address).returncode, 0)
-        self.assertEqual(json.loads(self.zelto("items", "--json").stdout or "[]"), [])
-        agreed = self.zelto("defaults", "write", "ProtocolKnownPages", '["127.0.0.1"]')
-        self.assertEqual(agreed.returncode, 0, agreed.stderr)
+        self.assertEqual(self.addresses(), set())
+        self.agree()
         done = self.zelto("open-url", address)
         self.assertEqual(done.returncode, 0, done.stderr)
-        items = json.loads(self.zelto("items", "--json").stdout)
-        self.assertEqual({(item["webURL"], item["webPageURL"]) for item in items},
-                         {(self.site.url(name), self.site.root + "year") for name in names[:3]})
+        self.assertEqual(self.addresses(), {(self.site.url(name), self.site.root + "year") for name in names})
+
+    def test_a_window_takes_what_a_desktop_starts_or_wakes_it_with(self):
+        if not ZELTO:
+            self.skipTest("no program was named")
+        self.agree()
+
+        def address(name):
+            return "zelto:import:" + urllib.parse.quote(json.dumps(
+                {"page_url": self.site.root + "year", "urls": [self.site.url(name)]}), safe="")
+
+        wanted = set()
+        window = None
+        try:
+            for name in ("art/plain.png", "art/mark.png"): # the first starts it
+                wanted.add((self.site.url(name), self.site.root + "year"))
+                if window is None:
+                    window = subprocess.Popen(**self.command([address(name)]))
+                else:
+                    woken = self.zelto(address(name))
+                    self.assertEqual(woken.returncode, 0, woken.stderr)
+                deadline = time.monotonic() + 120
+                while self.addresses() != wanted and time.monotonic() < deadline:
+                    self.assertIsNone(window.poll(), "the window ended")
+                    time.sleep(0.2)
+                self.assertEqual(self.addresses(), wanted)
+        finally:
+            if window is not None:
+                window.terminate()
+                window.wait(60)
 
 
 if __name__ == "__main__":

@@ -82,6 +82,11 @@ function addRow(image) {
     showSize(row);
     update();
   });
+  img.addEventListener("error", () => { // still to be had, as where a server wants to know which page asks
+    box.checked = false;
+    size.textContent = text("notShown");
+    choiceChanged();
+  });
   img.src = image.url;
   showSize(row);
   element("images").append(item);
