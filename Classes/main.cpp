@@ -19,6 +19,7 @@
 #include "Classes/LiveFolders/LiveFolderManager.h"
 #include "Classes/Services/CrashReporter.h"
 #include "Classes/Services/InstanceServer.h"
+#include "Classes/Services/ProtocolManager.h"
 #include "Classes/Services/SoftwareUpdater.h"
 #include "Classes/Sharing/CloudMenuViewController.h"
 #include "Classes/SignalWatcher.h"
@@ -34,6 +35,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QScopeGuard>
+#include <QScreen>
 #include <QTimer>
 
 #include <algorithm>
@@ -104,7 +106,7 @@ std::optional<InstanceReply> serve(const InstanceRequest &request, tamberin_AppD
         } else {
             QStringList paths;
             for (const QString &file : commandLine.filesToOpen()) {
-                paths.append(context.absolutePath(file));
+                paths.append(context.pathToOpen(file));
             }
             delegate.reopenMainWindow();
             delegate.openFiles(paths);
@@ -309,7 +311,8 @@ std::optional<int> takeLibraryForWindow(tamberin_AppDelegate &delegate, const QS
 bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError *error)
 {
     const auto library = std::find_if(files.begin(), files.end(), [](const QString &file) {
-        return file.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive);
+        return file.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive) &&
+               !ProtocolHandling::isProtocolURL(file);
     });
     if (library == files.end() || !commandLine.library().isEmpty() ||
         LibraryLock::isInUse(LibraryLocation::rememberedOrDefault())) {
@@ -320,6 +323,30 @@ bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError
     }
     files.erase(library);
     return true;
+}
+
+QList<QRect> screenFrames()
+{
+    QList<QRect> frames;
+    for (const QScreen *screen : QGuiApplication::screens()) { // the main one first
+        frames.append(screen->availableGeometry());
+    }
+    return frames;
+}
+
+std::unique_ptr<ProtocolHandling> makeProtocolManager(UserInteraction &user)
+{
+    const auto delegate = &tamberin_AppDelegate::sharedDelegate;
+    return std::make_unique<ProtocolManager>(ProtocolManager::Uses{
+        user,
+        [delegate] {
+            return delegate()->applicationLauched() && delegate()->mainWindowController() &&
+                   !delegate()->isTerminating();
+        },
+        [delegate] { return delegate()->zeltoKunViewController(); },
+        [delegate] { return delegate()->imageDownloading(); },
+        &screenFrames,
+    });
 }
 
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
@@ -342,6 +369,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     parts.crashReporter = &crashReporter;
     parts.cloudMenuViewController = &cloudMenu;
     parts.makeMainWindowController = [&user] { return std::make_unique<MainWindowController>(user); };
+    parts.makeProtocolManager = [&user] { return makeProtocolManager(user); };
     parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(); };
     tamberin_AppDelegate delegate(parts);
     AImportManager &imports = AImportManager::sharedAImportManager();
@@ -351,7 +379,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
 
     QStringList files;
     for (const QString &file : commandLine.filesToOpen()) {
-        files.append(context.absolutePath(file));
+        files.append(context.pathToOpen(file));
     }
     ZQError error;
     if (!takeLibraryFrom(files, commandLine, &error)) {

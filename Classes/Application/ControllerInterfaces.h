@@ -171,7 +171,11 @@ public:
 class ProtocolHandling
 {
 public:
+    static inline const QString scheme = QStringLiteral("zelto");
+
     virtual ~ProtocolHandling() = default;
+    // Whether a word, where a file could stand too, is an address of the scheme, well formed or not.
+    static bool isProtocolURL(const QString &word) { return word.startsWith(scheme + u':', Qt::CaseInsensitive); }
     // Waits until the launch is done. Nothing of it is trusted.
     virtual void handleURL(const QString &url) = 0;
 };

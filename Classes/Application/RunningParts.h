@@ -27,6 +27,9 @@ public:
     ScreenCaptureControlling *capture() const { return m_capture.get(); }
     void makeCapture(); // once
     void closeCapture();
+    ProtocolHandling *protocolManager() const { return m_protocolManager.get(); } // null: none
+    void makeProtocolManager();                                                   // once
+    void closeProtocolManager();
 
     ZQOperationQueue &backgroundQueue();
     void endBackgroundQueue(); // cancels what is left and waits for what runs, keeping what was asked for
@@ -43,4 +46,5 @@ private:
     std::unique_ptr<ZQOperationQueue> m_editQueue;
     std::unique_ptr<MainWindowControlling> m_window;
     std::unique_ptr<ScreenCaptureControlling> m_capture;
+    std::unique_ptr<ProtocolHandling> m_protocolManager;
 };

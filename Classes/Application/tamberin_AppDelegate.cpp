@@ -60,6 +60,7 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
 
 tamberin_AppDelegate::~tamberin_AppDelegate()
 {
+    m_running->closeProtocolManager(); // it asks through the window
     m_running->closeWindow();
     m_running->closeCapture();
     m_storeWork->stop();
@@ -355,6 +356,11 @@ MainWindowControlling *tamberin_AppDelegate::mainWindowController() const
 ScreenCaptureControlling *tamberin_AppDelegate::zeltoKunViewController() const
 {
     return m_running->capture();
+}
+
+ProtocolHandling *tamberin_AppDelegate::protocolManager() const
+{
+    return m_running->protocolManager();
 }
 
 ZQOperationQueue &tamberin_AppDelegate::backgroundOperationQueue()

@@ -69,6 +69,8 @@ private:
     void defineLiveFolders(); // in CommandLineLiveFolders.cpp
     void definePsd();         // in CommandLinePsd.cpp
     void defineDownload();    // in CommandLineDownload.cpp
+    void defineOpenURL();     // in CommandLineOpenURL.cpp
+    void defineTemplates();   // in CommandLineTemplates.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

@@ -13,6 +13,7 @@ enum class CommandID {
     NewProject,
     NewFolder,
     NewTag,
+    NewFromTemplate,
     AddLiveFolder,
     SyncLiveFolder,
     StopLiveFolder,
