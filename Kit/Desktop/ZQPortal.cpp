@@ -6,9 +6,7 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusReply>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 #include <QUuid>
 
 #include <utility>
@@ -47,19 +45,6 @@ ZQError errorOfCall(const QDBusError &error)
 }
 
 } // namespace
-
-bool ZQPortal::isThere(const QString &interface, QDBusConnection bus)
-{
-    constexpr int patience = 3000; // milliseconds
-    if (!bus.isConnected()) {
-        return false;
-    }
-    QDBusMessage call = QDBusMessage::createMethodCall(service, path, QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                       QStringLiteral("Get"));
-    call.setArguments({interface, QStringLiteral("version")});
-    const QDBusReply<QDBusVariant> reply = bus.call(call, QDBus::Block, patience);
-    return reply.isValid();
-}
 
 QString ZQPortal::newToken()
 {

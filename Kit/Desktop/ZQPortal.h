@@ -20,9 +20,6 @@ inline const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 inline const QString errorDomain = QStringLiteral("Portal");
 enum ErrorCode { NoBus = 1, NoPortal, Refused, Ended };
 
-// Whether the desktop has that portal ("org.freedesktop.portal.Screenshot"); may start the service, and waits for it
-// for a few seconds at most.
-bool isThere(const QString &interface, QDBusConnection bus = QDBusConnection::sessionBus());
 QString newToken(); // for the options that name requests and sessions
 
 } // namespace ZQPortal
