@@ -16,9 +16,8 @@ PickableWindows::PickableWindows(const ScreenSource &source, QObject *parent) : 
 
 std::optional<quint32> PickableWindows::highlighted() const
 {
-    return m_index < 0
-               ? std::nullopt
-               : std::optional(m_windows[m_index].value(QStringLiteral("kCGWindowNumber")).value<quint32>());
+    return m_index < 0 ? std::nullopt
+                       : std::optional(m_windows[m_index].value(QStringLiteral("kCGWindowNumber")).value<quint32>());
 }
 
 QRect PickableWindows::highlightedBounds() const

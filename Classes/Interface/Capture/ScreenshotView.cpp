@@ -51,6 +51,20 @@ void ScreenshotView::coverScreen()
     raise();
 }
 
+void ScreenshotView::uncoverScreen()
+{
+    m_isOver = true;
+    hide();
+}
+
+// Whom they would be told to may be gone.
+bool ScreenshotView::event(QEvent *event)
+{
+    const bool isInput = dynamic_cast<QInputEvent *>(event) || event->type() == QEvent::Enter ||
+                         event->type() == QEvent::Leave || event->type() == QEvent::Paint;
+    return m_isOver && isInput ? true : QWidget::event(event);
+}
+
 QPoint ScreenshotView::pixelAt(const QPointF &position) const
 {
     const double scale = m_screen.info.scale;

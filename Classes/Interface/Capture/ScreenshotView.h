@@ -24,7 +24,8 @@ class ScreenshotView : public QWidget
 public:
     explicit ScreenshotView(const FrozenScreen &screen, QWidget *parent = nullptr);
 
-    void coverScreen(); // above everything that lies there
+    void coverScreen();   // above everything that lies there
+    void uncoverScreen(); // for good: what still arrives from the person means nothing
     const FrozenScreen &screen() const { return m_screen; }
     QRect pixelRect(const QRectF &viewRect) const; // to whole pixels
     QRectF viewRect(const QRect &pixelRect) const;
@@ -44,6 +45,7 @@ protected:
     QSizeF tagSize(const QString &text) const;
     void announce(const QString &text); // to screen readers
 
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
@@ -52,4 +54,5 @@ private:
     FrozenScreen m_screen;
     QPixmap m_bright;
     QPixmap m_dimmed;
+    bool m_isOver = false;
 };

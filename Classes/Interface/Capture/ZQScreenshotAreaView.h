@@ -62,9 +62,9 @@ private:
     ZQScreenshotAreaViewDelegate &m_delegate;
     QRect m_selection;
     Grip m_grip;
-    QRect m_before;   // the selection, when the drag began
-    QPoint m_anchor;  // the corner that stays, or the pixel that was pressed
-    QPoint m_offset;  // from the pixel that was pressed to what it holds
+    QRect m_before;  // the selection, when the drag began
+    QPoint m_anchor; // the corner that stays, or the pixel that was pressed
+    QPoint m_offset; // from the pixel that was pressed to what it holds
     QPointF m_pressed;
     QPointF m_pointer;
     bool m_isDragging = false;

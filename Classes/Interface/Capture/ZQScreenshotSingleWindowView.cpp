@@ -102,8 +102,7 @@ void ZQScreenshotSingleWindowView::paintEvent(QPaintEvent * /*event*/)
 {
     QPainter painter(this);
     const QPoint origin = screen().info.pixelFrame.topLeft();
-    const QRect here =
-        m_windows.highlightedBounds().translated(-origin).intersected({{}, screen().image.size()});
+    const QRect here = m_windows.highlightedBounds().translated(-origin).intersected({{}, screen().image.size()});
     paintPicture(painter, here);
     if (!here.isEmpty()) {
         const QRectF rect = viewRect(here);

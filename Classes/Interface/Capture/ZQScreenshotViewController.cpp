@@ -20,9 +20,7 @@ constexpr std::chrono::milliseconds grabPause(40);
 
 ZQError cannotSee()
 {
-    return ZQError{QStringLiteral("ScreenshotErrorDomain"), 1,
-                   {{QStringLiteral("NSLocalizedDescription"),
-                     zqLocalized("There is no screen that could be captured")}}};
+    return ZQError::with(QStringLiteral("Screenshot"), 1, zqLocalized("There is no screen that could be captured"));
 }
 
 } // namespace
@@ -191,11 +189,7 @@ void ZQScreenshotViewController::closeViews()
     }
     const std::vector<ScreenshotView *> views = std::exchange(m_views, {});
     for (auto view = views.rbegin(); view != views.rend(); ++view) {
-        (*view)->left = [] {};
-        (*view)->entered = [] {};
-        (*view)->disconnect(m_windows);
-        (*view)->setAttribute(Qt::WA_QuitOnClose, false);
-        (*view)->hide();
+        (*view)->uncoverScreen();
     }
     if (!views.empty()) {
         views.front()->deleteLater();
@@ -239,22 +233,21 @@ void ZQScreenshotViewController::captureWindow(quint32 number)
     const QVariantMap description = m_source.windowDescription(number).value_or(QVariantMap());
     const QString owner = description.value(QStringLiteral("kCGWindowOwnerName")).toString();
     const QRect bounds = description.value(QStringLiteral("kCGWindowBounds")).toRect();
-    m_source.captureWindow(number, answer([this, owner, bounds](const QImage &image) {
-                               QList<QRect> frames;
-                               for (const ScreenInfo &screen : m_source.screens()) {
-                                   const QRect here = bounds.intersected(screen.pixelFrame)
-                                                          .translated(-screen.pixelFrame.topLeft());
-                                   const double scale = screen.scale;
-                                   const QRectF points(here.x() / scale, here.y() / scale, here.width() / scale,
-                                                       here.height() / scale);
-                                   if (!here.isEmpty()) {
-                                       frames.append(points.toAlignedRect().translated(screen.frame.topLeft()));
-                                   }
-                               }
-                               m_effects.playSound();
-                               m_effects.flash(frames);
-                               end(image, owner.isEmpty() ? defaultName : owner);
-                           }));
+    m_source.captureWindow(
+        number, answer([this, owner, bounds](const QImage &image) {
+            QList<QRect> frames;
+            for (const ScreenInfo &screen : m_source.screens()) {
+                const QRect here = bounds.intersected(screen.pixelFrame).translated(-screen.pixelFrame.topLeft());
+                const double scale = screen.scale;
+                const QRectF points(here.x() / scale, here.y() / scale, here.width() / scale, here.height() / scale);
+                if (!here.isEmpty()) {
+                    frames.append(points.toAlignedRect().translated(screen.frame.topLeft()));
+                }
+            }
+            m_effects.playSound();
+            m_effects.flash(frames);
+            end(image, owner.isEmpty() ? defaultName : owner);
+        }));
 }
 
 // The end; the delegate may delete the session meanwhile.
