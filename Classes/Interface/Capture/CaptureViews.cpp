@@ -1,5 +1,6 @@
 #include "Classes/Interface/Capture/CaptureViews.h"
 
+#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Capture/StatusIcon.h"
 #include "Classes/Interface/Capture/ZQScreenshotViewController.h"
 
@@ -29,6 +30,7 @@ void CaptureViews::hotKeysDidChange()
 void CaptureViews::makeStatusIcon(tamberin_AppDelegate &delegate)
 {
     m_statusIcon = std::make_unique<StatusIcon>(delegate);
+    QObject::connect(&delegate, &QObject::destroyed, m_statusIcon.get(), [this] { removeStatusIcon(); });
 }
 
 void CaptureViews::removeStatusIcon()

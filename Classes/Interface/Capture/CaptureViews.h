@@ -9,8 +9,7 @@
 class StatusIcon;
 class tamberin_AppDelegate;
 
-// What a person sees of captures. Made before the application object, which it must not outlive its icon of. Main
-// thread.
+// What a person sees of captures. Main thread.
 class CaptureViews : public CaptureInterface
 {
 public:
@@ -21,7 +20,7 @@ public:
     void showWebCapture(const QString &pageURL, const QRect &frame) override;
     void hotKeysDidChange() override;
 
-    // For a process that stays, until `removeStatusIcon` or the end of this.
+    // For a process that stays. It goes with the application object, or before.
     void makeStatusIcon(tamberin_AppDelegate &delegate);
     void removeStatusIcon();
 
