@@ -12,11 +12,13 @@
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/PromisedImports.h"
 #include "Classes/Import/XDirectSave.h"
+#include "Classes/Interface/Capture/CaptureViews.h"
 #include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"
 #include "Classes/Services/CrashReporter.h"
+#include "Classes/Services/HotKeys.h"
 #include "Classes/Services/InstanceServer.h"
 #include "Classes/Services/SoftwareUpdater.h"
 #include "Classes/Sharing/CloudMenuViewController.h"
@@ -262,6 +264,7 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     parts.importManager = &AImportManager::sharedAImportManager();
     parts.liveFolderManager = &liveFolders;
     parts.isEndWanted = &SignalWatcher::hasCome;
+    parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(CaptureParts{}); };
     tamberin_AppDelegate delegate(parts);
     // An import takes back what it did, an edit ends at a batch and a synchronisation at a save, and both say so;
     // everything else can be ended anywhere, as the system does it.
@@ -283,6 +286,23 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
     parts.isEndWanted = &SignalWatcher::hasCome;
+    tamberin_AppDelegate delegate(parts);
+    return runOnLibrary(delegate, commandLine, arguments, context);
+}
+
+// A command that takes the screen needs no window, but the views that a person chooses in.
+int runSnap(const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
+{
+    PreferencesController::registerDefaultPreferences();
+    CommandUserInteraction user;
+    CaptureViews views;
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
+    parts.makeZeltoKunViewController = [&views] {
+        return std::make_unique<ZeltoKunViewController>(CaptureParts{ScreenSource::make(), &views, nullptr});
+    };
     tamberin_AppDelegate delegate(parts);
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
@@ -328,6 +348,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     SoftwareUpdater updater;
     CrashReporter crashReporter;
     CloudMenuViewController cloudMenu;
+    CaptureViews captureViews;
     LiveFolderManager liveFolders;
     ApplicationParts parts;
     parts.userInteraction = &user;
@@ -338,7 +359,10 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     parts.crashReporter = &crashReporter;
     parts.cloudMenuViewController = &cloudMenu;
     parts.makeMainWindowController = [&user] { return std::make_unique<MainWindowController>(user); };
-    parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(); };
+    parts.makeZeltoKunViewController = [&captureViews] {
+        return std::make_unique<ZeltoKunViewController>(
+            CaptureParts{ScreenSource::make(), &captureViews, HotKeys::make()});
+    };
     tamberin_AppDelegate delegate(parts);
     AImportManager &imports = AImportManager::sharedAImportManager();
     PromisedImports promised(imports, XDirectSave::maker());
@@ -381,6 +405,8 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         delegate.applicationDidFinishLaunching();
         if (!delegate.managedObjectContext()) {
             QCoreApplication::exit(SignalWatcher::hasCome() ? 0 : 2);
+        } else {
+            captureViews.makeStatusIcon(delegate);
         }
     });
     const int status = application.exec();
@@ -389,9 +415,28 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     return status;
 }
 
-bool needsWindow(const CommandLine &commandLine)
+bool hasDisplay()
 {
-    return !commandLine.isCommand() || commandLine.isSnapshot();
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+// Whoever has the library open takes the screen itself, and sooner than a process that gets ready for it.
+bool takesScreenItself(const CommandLine &commandLine)
+{
+    const QString library = commandLine.library();
+    return commandLine.takesScreen() && hasDisplay() &&
+           !LibraryLock::isInUse(library.isEmpty() ? LibraryLocation::rememberedOrDefault() : library);
+}
+
+int runWithWidgets(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
+                   CommandContext &context, bool *reopens)
+{
+    if (commandLine.isSnapshot()) {
+        return runSnapshot(commandLine, arguments, context);
+    }
+    return commandLine.takesScreen() ? runSnap(commandLine, arguments, context)
+                                     : runWindow(application, commandLine, arguments, context, reopens);
 }
 
 } // namespace
@@ -417,7 +462,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZELTO_VERSION));
     ZQImageSource::initialize(argv[0]);
-    if (!needsWindow(commandLine)) {
+    if (commandLine.isCommand() && !commandLine.isSnapshot() && !takesScreenItself(commandLine)) {
         QCoreApplication application(argc, argv);
         status = runCommand(commandLine, arguments, context);
         zqStopMainThreadCalls();
@@ -433,8 +478,7 @@ int main(int argc, char *argv[])
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
     bool reopens = false;
-    status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context)
-                                      : runWindow(application, commandLine, arguments, context, &reopens);
+    status = runWithWidgets(application, commandLine, arguments, context, &reopens);
     if (reopens) { // only now nobody holds the library any more
         const QString library = commandLine.library();
         QProcess::startDetached(QCoreApplication::applicationFilePath(),

@@ -91,6 +91,7 @@ CommandLine::CommandLine()
     defineTags();
     defineLiveFolders();
     definePsd();
+    defineSnap();
     defineVerify();
     defineDefaults();
     defineSnapshot();
@@ -399,6 +400,8 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
+    m_isSnap = m_app->got_subcommand("snap");
+    m_fillsLibrary = m_fillsLibrary || m_isSnap;
     m_isSnapshot = m_app->got_subcommand("snapshot");
     if (m_isSnapshot) {
         static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));

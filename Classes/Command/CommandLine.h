@@ -42,7 +42,9 @@ public:
     bool fillsLibrary() const { return m_fillsLibrary; } // one that is not there yet may be made for it
     bool isEdit() const { return m_isEdit; }             // of items, or of live folders
     bool isSnapshot() const { return m_isSnapshot; }
-    QString library() const { return m_library; } // empty: the remembered one
+    bool isSnap() const { return m_isSnap; }           // of the screen or of a page, into the library
+    bool takesScreen() const { return m_takesScreen; } // a snap that a person takes part in, on their display
+    QString library() const { return m_library; }      // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
     const SnapshotRequest &snapshot() const { return m_snapshot; }
     DuplicatePolicy duplicatePolicy() const { return m_duplicatePolicy; }
@@ -68,6 +70,7 @@ private:
     void defineTags();
     void defineLiveFolders(); // in CommandLineLiveFolders.cpp
     void definePsd();         // in CommandLinePsd.cpp
+    void defineSnap();        // in CommandLineSnap.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();
@@ -86,6 +89,8 @@ private:
     bool m_fillsLibrary = false;
     bool m_isEdit = false;
     bool m_isSnapshot = false;
+    bool m_isSnap = false;
+    bool m_takesScreen = false;
     bool m_json = false;
     QString m_library;
     QStringList m_files;
