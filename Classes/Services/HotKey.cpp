@@ -232,3 +232,9 @@ QString HotKey::portalTrigger() const
     }
     return parts.join(u'+');
 }
+
+QString HotKey::instead()
+{
+    return zqLocalized("In the desktop's keyboard settings keys can be bound to “zelto snap area”, “zelto snap window” "
+                       "and “zelto snap full”.");
+}

@@ -36,5 +36,7 @@ struct HotKey
     Qt::KeyboardModifiers modifiers() const;
     QString portalTrigger() const; // "CTRL+LOGO+1", as desktops take it
 
+    static QString instead(); // how a person has keys without this program's taking them, localized
+
     bool operator==(const HotKey &) const = default;
 };

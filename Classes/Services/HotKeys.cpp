@@ -1,5 +1,6 @@
 #include "Classes/Services/HotKeys.h"
 
+#include "Classes/Services/HotKey.h"
 #include "Classes/Services/PortalHotKeys.h"
 #include "Classes/Services/XHotKeys.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -18,17 +19,11 @@ public:
     }
     QString problemOfHotKey(const QString & /*command*/) const override
     {
-        return zqFormat(zqLocalized("This display lets no program take keys. %@"), {HotKeys::instead()});
+        return zqFormat(zqLocalized("This display lets no program take keys. %@"), {HotKey::instead()});
     }
 };
 
 } // namespace
-
-QString HotKeys::instead()
-{
-    return zqLocalized("In the desktop's keyboard settings keys can be bound to “zelto snap area”, “zelto snap window” "
-                       "and “zelto snap full”.");
-}
 
 std::unique_ptr<HotKeyRegistering> HotKeys::make()
 {

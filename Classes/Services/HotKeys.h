@@ -9,6 +9,5 @@
 namespace HotKeys {
 
 std::unique_ptr<HotKeyRegistering> make();
-QString instead(); // how a person binds keys without this program's help, localized
 
 } // namespace HotKeys

@@ -1,6 +1,5 @@
 #include "Classes/Services/PortalHotKeys.h"
 
-#include "Classes/Services/HotKeys.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 
@@ -138,7 +137,7 @@ void PortalHotKeys::createSession()
             }
             const QString why =
                 error.isNull() ? zqLocalized("The desktop gives no keys.") : error.localizedDescription();
-            setProblems([&why](const QString & /*command*/) { return why + u' ' + HotKeys::instead(); });
+            setProblems([&why](const QString & /*command*/) { return why + u' ' + HotKey::instead(); });
         },
         m_bus));
 }
@@ -164,7 +163,7 @@ void PortalHotKeys::bind()
             m_request.reset();
             const QString refused = error.isNull() ? zqLocalized("The desktop did not give these keys. Choose them in "
                                                                  "the desktop's keyboard settings.")
-                                                   : error.localizedDescription() + u' ' + HotKeys::instead();
+                                                   : error.localizedDescription() + u' ' + HotKey::instead();
             setProblems(
                 [&](const QString &command) { return isGranted && given.contains(command) ? QString() : refused; });
         },

@@ -16,12 +16,6 @@ constexpr std::array<quint32, 2> superKeys{0xffeb, 0xffec};
 constexpr quint16 realModifiers = 0xff; // the rest of a state are buttons and the layout
 constexpr quint8 sentByProgram = 0x80;
 
-QString takenText(const HotKey &key)
-{
-    return zqFormat(zqLocalized("%@ is taken by another program. Choose other keys, or free them there."),
-                    {key.text()});
-}
-
 } // namespace
 
 XHotKeys::XHotKeys(std::unique_ptr<ZQXConnection> connection)
@@ -145,53 +139,72 @@ void XHotKeys::ungrab(const Grab &grab)
 
 void XHotKeys::take(Entry &entry)
 {
-    entry.grabs.clear();
-    const QList<xcb_keycode_t> keycodes = keycodesFor(entry.key.keysym());
-    const auto modifiers = modifiersFor(entry.key);
-    if (keycodes.isEmpty() || !modifiers) {
-        entry.problem = zqFormat(zqLocalized("This keyboard has no %@. Choose other keys."), {entry.key.text()});
+    entry.problem.clear();
+    if (!entry.key) {
+        entry.problem = zqLocalized("These keys can't be taken from other programs. Choose keys with Ctrl, Alt or "
+                                    "Super, or a function key.");
         return;
     }
-    entry.problem.clear();
-    for (const xcb_keycode_t keycode : keycodes) {
-        if (grab({keycode, *modifiers})) {
-            entry.grabs.append({keycode, *modifiers});
-        } else {
-            entry.problem = takenText(entry.key);
+    const QString keys = entry.key->text();
+    const bool isOurs = std::any_of(m_entries.cbegin(), m_entries.cend(), [&entry](const Entry &other) {
+        return other.key == entry.key && !other.grabs.isEmpty();
+    });
+    const QList<xcb_keycode_t> keycodes = keycodesFor(entry.key->keysym());
+    const auto modifiers = modifiersFor(*entry.key);
+    if (!m_connection->isAlive()) {
+        entry.problem = zqLocalized("The display is gone. Start Zelto again.");
+    } else if (isOurs) {
+        entry.problem = zqFormat(zqLocalized("%@ already does something else in Zelto. Choose other keys."), {keys});
+    } else if (keycodes.isEmpty() || !modifiers) {
+        entry.problem = zqFormat(zqLocalized("This keyboard has no %@. Choose other keys."), {keys});
+    }
+    for (const xcb_keycode_t keycode : entry.problem.isEmpty() ? keycodes : QList<xcb_keycode_t>()) {
+        if (!grab({keycode, *modifiers})) {
+            letGo(entry);
+            entry.problem =
+                zqFormat(zqLocalized("%@ is taken by another program. Choose other keys, or free them there."), {keys});
+            return;
+        }
+        entry.grabs.append({keycode, *modifiers});
+    }
+}
+
+void XHotKeys::letGo(Entry &entry)
+{
+    for (const Grab &each : std::exchange(entry.grabs, {})) {
+        ungrab(each);
+    }
+}
+
+// Whether any is otherwise than before.
+bool XHotKeys::takeWhatFailed()
+{
+    bool isOther = false;
+    for (Entry &entry : m_entries) {
+        if (entry.grabs.isEmpty()) {
+            const QString before = entry.problem;
+            take(entry);
+            isOther = isOther || before != entry.problem;
         }
     }
-    if (!entry.problem.isEmpty()) {
-        std::for_each(entry.grabs.begin(), entry.grabs.end(), [this](const Grab &each) { ungrab(each); });
-        entry.grabs.clear();
-    }
+    // What came while answers were waited for is read already, and wakes nobody.
+    QMetaObject::invokeMethod(this, &XHotKeys::readEvents, Qt::QueuedConnection);
+    return isOther;
 }
 
 QString XHotKeys::registerHotKey(const QString &command, const QVariantMap &setting, std::function<void()> run)
 {
-    const Entry former = m_entries.take(command);
-    std::for_each(former.grabs.begin(), former.grabs.end(), [this](const Grab &each) { ungrab(each); });
-    if (setting.isEmpty()) {
-        return {};
-    }
-    const auto key = HotKey::fromSetting(setting);
-    Entry entry{key.value_or(HotKey()), std::move(run)};
-    const bool isOurs = std::any_of(m_entries.begin(), m_entries.end(),
-                                    [&key](const Entry &other) { return key == other.key && other.problem.isEmpty(); });
-    if (!key) {
-        entry.problem = zqLocalized("These keys can't be taken from other programs. Choose keys with Ctrl, Alt or "
-                                    "Super, or a function key.");
-    } else if (isOurs) {
-        entry.problem =
-            zqFormat(zqLocalized("%@ already does something else in Zelto. Choose other keys."), {key->text()});
-    } else if (!m_connection->isAlive()) {
-        entry.problem = zqLocalized("The display is gone. Start Zelto again.");
-    } else {
+    Entry former = m_entries.take(command);
+    letGo(former);
+    if (!setting.isEmpty()) {
+        Entry entry{HotKey::fromSetting(setting), std::move(run)};
         take(entry);
+        m_entries.insert(command, entry);
     }
-    m_entries.insert(command, entry);
-    // What came while answers were waited for is read already, and wakes nobody.
-    QMetaObject::invokeMethod(this, &XHotKeys::readEvents, Qt::QueuedConnection);
-    return entry.problem;
+    if (takeWhatFailed()) { // for others the keys may be free now
+        ZQNotificationCenter::defaultCenter().postNotification(stateDidChange);
+    }
+    return problemOfHotKey(command);
 }
 
 QString XHotKeys::problemOfHotKey(const QString &command) const
@@ -201,22 +214,13 @@ QString XHotKeys::problemOfHotKey(const QString &command) const
 
 void XHotKeys::takeAllAnew()
 {
-    for (const Entry &entry : std::as_const(m_entries)) {
-        std::for_each(entry.grabs.begin(), entry.grabs.end(), [this](const Grab &each) { ungrab(each); });
+    for (Entry &entry : m_entries) {
+        letGo(entry); // as the keyboard was
     }
     readKeyboard();
-    bool isOther = false;
-    for (Entry &entry : m_entries) {
-        const QString before = entry.problem;
-        if (entry.key != HotKey()) {
-            take(entry);
-        }
-        isOther = isOther || before != entry.problem;
-    }
-    if (isOther) {
+    if (takeWhatFailed()) {
         ZQNotificationCenter::defaultCenter().postNotification(stateDidChange);
     }
-    QMetaObject::invokeMethod(this, &XHotKeys::readEvents, Qt::QueuedConnection);
 }
 
 void XHotKeys::keyWasPressed(const xcb_key_press_event_t &event)

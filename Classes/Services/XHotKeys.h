@@ -4,7 +4,7 @@
 #include "Classes/Services/HotKey.h"
 #include "Kit/Desktop/ZQXConnection.h"
 
-#include <QHash>
+#include <QMap>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -34,7 +34,7 @@ private:
     };
     struct Entry
     {
-        HotKey key;
+        std::optional<HotKey> key; // nothing: these can't be taken
         std::function<void()> run;
         QList<Grab> grabs = {};
         QString problem = {}; // empty: the keys are taken
@@ -43,7 +43,9 @@ private:
     QList<xcb_keycode_t> keycodesFor(quint32 keysym) const;
     std::optional<quint16> modifiersFor(const HotKey &key) const;
     QList<quint16> lockVariants() const;
-    void take(Entry &entry);
+    void take(Entry &entry); // which has none
+    void letGo(Entry &entry);
+    bool takeWhatFailed();
     bool grab(const Grab &grab);
     void ungrab(const Grab &grab);
     void takeAllAnew();
@@ -52,8 +54,8 @@ private:
 
     std::unique_ptr<ZQXConnection> m_connection;
     QSocketNotifier m_notifier;
-    QTimer m_keyboardChanged; // its announcements come many at a time
-    QHash<QString, Entry> m_entries;
+    QTimer m_keyboardChanged;        // its announcements come many at a time
+    QMap<QString, Entry> m_entries;  // by command
     QList<QList<quint32>> m_keysyms; // by keycode, from the first one on
     xcb_keycode_t m_firstKeycode = 0;
     quint16 m_alt = 0; // masks of modifiers

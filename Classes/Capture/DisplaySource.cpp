@@ -1,11 +1,11 @@
-#include "Classes/Capture/ScreenSource.h"
+#include "Classes/Capture/DisplaySource.h"
 
 #include "Classes/Capture/PortalScreenSource.h"
 #include "Classes/Capture/XScreenSource.h"
 
 #include <QGuiApplication>
 
-std::unique_ptr<ScreenSource> ScreenSource::make()
+std::unique_ptr<ScreenSource> DisplaySource::make()
 {
     const QString platform = QGuiApplication::platformName();
     // A toolkit that talks X to a Wayland desktop sees only windows that do so as well.
