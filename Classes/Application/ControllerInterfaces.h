@@ -146,6 +146,12 @@ public:
     // Capture of a web page. `pageURL` empty: the person types it; `frame` of the browser's window, in points of the
     // desktop, null where it is not known.
     virtual void snapWebsite(const QString &pageURL, const QRect &frame) = 0;
+    // Why the keys of the command known by its user default do not work, localized; empty: they do, or there are none.
+    virtual QString problemOfHotKey(const QString & /*command*/) const { return {}; }
+    // While a person presses the keys that are to be one of them, none does what it does.
+    virtual void setHotKeysPaused(bool /*paused*/) {}
+    // Returns once everything that was taken is on its way into the library, as an import. For quitting.
+    virtual void finishStoring() {}
 };
 
 // Images of a web page that are to be imported.

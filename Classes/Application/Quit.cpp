@@ -99,6 +99,9 @@ void Quit::removePurged()
 
 TerminateReply Quit::applicationShouldTerminate()
 {
+    if (ScreenCaptureControlling *const capture = m_running.capture()) {
+        capture->finishStoring(); // what was taken a moment ago is an import like any other then
+    }
     if (!stopRunningImports()) {
         return TerminateReply::Cancel;
     }

@@ -97,6 +97,7 @@ CommandLine::CommandLine()
     definePsd();
     defineOpenURL();
     defineTemplates();
+    defineSnap();
     defineVerify();
     defineDefaults();
     defineSnapshot();
@@ -405,6 +406,8 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
+    m_isSnap = m_app->got_subcommand("snap");
+    m_fillsLibrary = m_fillsLibrary || m_isSnap;
     m_isSnapshot = m_app->got_subcommand("snapshot");
     if (m_isSnapshot) {
         static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));

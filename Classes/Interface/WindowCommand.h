@@ -24,6 +24,10 @@ enum class CommandID {
     LastImport,
     ExportLayers,
     ExportPanel,
+    SnapArea, // and the other captures, one after the other
+    SnapWindow,
+    SnapFullScreen,
+    SnapWebsite,
     NewTab,
     CloseTab,
     ReopenClosedTab,

@@ -7,6 +7,7 @@
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
+#include "Classes/Interface/Capture/CaptureActions.h"
 #include "Classes/Interface/Export/ExportPanelViewController.h"
 #include "Classes/Interface/Export/LayerActions.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -210,7 +211,7 @@ void MainWindowController::makeCommands()
     for (const auto &contributed :
          {m_sidebar->commands(), m_imports->commands(), m_templates->commands(), m_arrived->commands(),
           m_tabs->commands(), libraryCommands(), editCommands(), m_browser->commands(), m_savedSearches->commands(),
-          m_layers->commands(), viewCommands(), helpCommands()}) {
+          m_layers->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
