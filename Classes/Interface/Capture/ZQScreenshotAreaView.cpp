@@ -57,7 +57,7 @@ void ZQScreenshotAreaView::confirm()
 
 QString ZQScreenshotAreaView::hint() const
 {
-    return m_selection.isEmpty() ? zqLocalized("Drag over an area · Esc leaves")
+    return m_selection.isEmpty() ? zqLocalized("Drag over an area, or press an arrow key · Esc leaves")
                                  : zqLocalized("Return takes it · Esc leaves · arrows move, Shift by 10");
 }
 
@@ -317,13 +317,16 @@ void ZQScreenshotAreaView::paintMagnifier(QPainter &painter) const
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.drawImage(lens, around);
     const double side = lens.width() / lensPixels;
-    painter.setPen(QPen(zqColor(ZQColorRole::MaskLine), 1));
     const QRectF cell(middle - QPointF(side / 2, side / 2), QSizeF(side, side));
-    painter.drawLine(QPointF(lens.left(), middle.y()), QPointF(cell.left(), middle.y()));
-    painter.drawLine(QPointF(cell.right(), middle.y()), QPointF(lens.right(), middle.y()));
-    painter.drawLine(QPointF(middle.x(), lens.top()), QPointF(middle.x(), cell.top()));
-    painter.drawLine(QPointF(middle.x(), cell.bottom()), QPointF(middle.x(), lens.bottom()));
-    painter.drawRect(cell);
+    // On light pixels the wider dark line is seen, on dark ones the other.
+    for (const QPen &pen : {QPen(zqColor(ZQColorRole::Mask), 3), QPen(zqColor(ZQColorRole::MaskLine), 1)}) {
+        painter.setPen(pen);
+        painter.drawLine(QPointF(lens.left(), middle.y()), QPointF(cell.left(), middle.y()));
+        painter.drawLine(QPointF(cell.right(), middle.y()), QPointF(lens.right(), middle.y()));
+        painter.drawLine(QPointF(middle.x(), lens.top()), QPointF(middle.x(), cell.top()));
+        painter.drawLine(QPointF(middle.x(), cell.bottom()), QPointF(middle.x(), lens.bottom()));
+        painter.drawRect(cell);
+    }
     painter.setClipping(false);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(zqColor(ZQColorRole::MaskLine), 2));
@@ -331,5 +334,5 @@ void ZQScreenshotAreaView::paintMagnifier(QPainter &painter) const
     painter.restore();
     const QString place = zqFormat(zqLocalized("%d, %d"), {pixel.x(), pixel.y()});
     const QSizeF size = tagSize(place);
-    paintTag(painter, {middle.x() - size.width() / 2, lens.bottom() - size.height() - tagDistance}, place);
+    paintTag(painter, {middle.x() - size.width() / 2, lens.bottom() + tagDistance / 2}, place);
 }
