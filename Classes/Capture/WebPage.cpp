@@ -261,7 +261,7 @@ void WebPage::observeNetwork(const QString &method, const QJsonObject &parameter
         if (isEndless) {
             return;
         }
-        m_requests.insert(number, true);
+        m_requests.insert(number);
     } else if (method == QStringLiteral("Network.loadingFinished") ||
                method == QStringLiteral("Network.loadingFailed")) {
         m_requests.remove(number);

@@ -4,9 +4,9 @@
 #include "Kit/Foundation/ZQError.h"
 
 #include <QByteArray>
-#include <QHash>
 #include <QImage>
 #include <QRect>
+#include <QSet>
 #include <QSize>
 #include <QString>
 
@@ -69,6 +69,6 @@ private:
     bool m_isLoaded = false;
     bool m_isCrashed = false;
     bool m_isDownload = false;
-    QHash<QString, bool> m_requests; // under way, by their number
+    QSet<QString> m_requests; // under way, by their number
     DevToolsPage::Time m_lastTraffic;
 };
