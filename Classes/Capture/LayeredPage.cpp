@@ -80,7 +80,7 @@ bool LayeredPage::divide(ZQError *error)
     }
     const auto answer = devTools.call(QStringLiteral("DOMSnapshot.captureSnapshot"), PageSnapshot::parameters(), error);
     if (answer) {
-        m_division = PageLayers::divide(PageSnapshot::nodes(*answer, m_page.scale()), m_rect);
+        m_division = PageLayers::divide(PageSnapshot::nodes(*answer), m_rect);
     }
     return answer.has_value();
 }
@@ -137,7 +137,7 @@ std::optional<ZQScreenshotPSDLayer> LayeredPage::layer(const PageLayers::Layer &
     }
     const QRect seen = seenRect(*picture);
     const QPoint offset = (layer.bounds.topLeft() - m_rect.topLeft()) * m_page.scale() + seen.topLeft();
-    return ZQScreenshotPSDLayer{offset, double(layer.paintOrder), layer.name,
+    return ZQScreenshotPSDLayer{offset, double(layer.zIndex), layer.name,
                                 seen.isEmpty() ? ZQBitmap() : ZQBitmap(picture->copy(seen))};
 }
 

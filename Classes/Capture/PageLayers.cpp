@@ -4,6 +4,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 #include <utility>
@@ -20,6 +21,7 @@ constexpr double mostOverhang = 400;
 struct Group
 {
     PageLayers::Layer layer;
+    std::array<int, 3> order{}; // of painting; see `orderOf`
     QRectF bounds;
     int parent = noGroup; // the group that its elements lie in
     bool isText = false;  // takes what stands in its lines
@@ -107,15 +109,16 @@ public:
         }
         PageLayers::Division division;
         division.joined = joinSmallest(most);
-        for (const Group &group : std::as_const(m_groups)) {
-            if (!group.layer.marks.isEmpty() && &group != &m_groups.front()) {
-                division.layers.append(group.layer);
-                division.layers.back().bounds = boundsOf(group);
+        division.ground = m_groups.front().layer.marks;
+        std::stable_sort(m_groups.begin() + 1, m_groups.end(),
+                         [](const Group &a, const Group &b) { return a.order < b.order; });
+        for (qsizetype i = 1; i < m_groups.size(); ++i) {
+            if (!m_groups[i].layer.marks.isEmpty()) {
+                division.layers.append(m_groups[i].layer);
+                division.layers.back().bounds = boundsOf(m_groups[i]);
+                division.layers.back().zIndex = division.layers.size();
             }
         }
-        division.ground = m_groups.front().layer.marks;
-        std::stable_sort(division.layers.begin(), division.layers.end(),
-                         [](const auto &a, const auto &b) { return a.paintOrder < b.paintOrder; });
         return division;
     }
 
@@ -222,16 +225,42 @@ private:
         }
         PageLayers::Layer &layer = m_groups[group].layer;
         if (layer.marks.isEmpty()) {
-            layer.paintOrder = node.paintOrder;
-            for (const int text : std::as_const(m_texts[index])) {
-                layer.paintOrder = std::max(layer.paintOrder, node.paintOrder < 0 ? m_nodes[text].paintOrder : -1);
-            }
+            m_groups[group].order = orderOf(index);
         }
         layer.marks.append(node.mark);
         addBounds(group, node);
         for (const int text : std::as_const(m_texts[index])) {
             addBounds(group, m_nodes[text]);
         }
+    }
+
+    int paintOrderOf(qsizetype index) const
+    {
+        int order = m_nodes[index].paintOrder;
+        for (const int text : std::as_const(m_texts[index])) {
+            order = order < 0 ? m_nodes[text].paintOrder : order;
+        }
+        return order;
+    }
+
+    // The browser tells of its own layers, and all that stands in the flow of one has its number; what lies below the
+    // flow, but above the ground of its stacking context, has a number of its own behind.
+    std::array<int, 3> orderOf(qsizetype index) const
+    {
+        int below = -1;
+        for (int i = int(index); i >= 0; i = m_nodes[i].parent) {
+            const bool isBelow =
+                m_nodes[i].isStackingContext && m_nodes[i].styles.value(QStringLiteral("z-index")).toInt() < 0;
+            below = isBelow ? i : below;
+        }
+        if (below < 0) {
+            return {paintOrderOf(index), m_nodes[index].isStackingContext ? 0 : 2, 0};
+        }
+        int context = m_nodes[below].parent;
+        while (context > 0 && !m_nodes[context].isStackingContext) {
+            context = m_nodes[context].parent;
+        }
+        return {context < 0 ? 0 : m_nodes[context].paintOrder, 1, paintOrderOf(index)};
     }
 
     QString nameOf(qsizetype index) const
@@ -244,7 +273,8 @@ private:
         }
         constexpr qsizetype longest = 40;
         for (const int text : std::as_const(m_texts[index])) {
-            if (const QString words = m_nodes[text].text.simplified(); !words.isEmpty()) {
+            const QString words = m_nodes[text].name.isEmpty() ? m_nodes[text].text.simplified() : QString();
+            if (!words.isEmpty()) {
                 return words.left(longest);
             }
         }

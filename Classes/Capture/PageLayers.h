@@ -12,9 +12,9 @@ namespace PageLayers {
 struct Layer
 {
     QString name;
-    QList<int> marks; // of the elements that are seen on it
-    QRect bounds;     // on the page, with what is drawn around the elements
-    int paintOrder = 0;
+    QList<int> marks;     // of the elements that are seen on it
+    QRect bounds;         // on the page, with what is drawn around the elements
+    qsizetype zIndex = 0; // its place in the order of painting; the ground has 0
 };
 
 struct Division

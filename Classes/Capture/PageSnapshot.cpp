@@ -17,11 +17,11 @@ public:
     {
     }
 
-    QList<PageSnapshot::Node> read(double pixelScale) const
+    QList<PageSnapshot::Node> read() const
     {
         QList<PageSnapshot::Node> nodes = elements();
         addPseudo(nodes);
-        addLayout(nodes, pixelScale);
+        addLayout(nodes);
         return nodes;
     }
 
@@ -78,7 +78,7 @@ private:
         }
     }
 
-    void addLayout(QList<PageSnapshot::Node> &nodes, double pixelScale) const
+    void addLayout(QList<PageSnapshot::Node> &nodes) const
     {
         const QJsonArray indexes = m_layout[QStringLiteral("nodeIndex")].toArray();
         const QJsonArray bounds = m_layout[QStringLiteral("bounds")].toArray();
@@ -92,11 +92,17 @@ private:
             }
             PageSnapshot::Node &node = nodes[index];
             const QJsonArray rect = bounds.at(i).toArray();
-            node.bounds |= QRectF(rect.at(0).toDouble() / pixelScale, rect.at(1).toDouble() / pixelScale,
-                                  rect.at(2).toDouble() / pixelScale, rect.at(3).toDouble() / pixelScale);
+            node.bounds |=
+                QRectF(rect.at(0).toDouble(), rect.at(1).toDouble(), rect.at(2).toDouble(), rect.at(3).toDouble());
             node.paintOrder = std::max(node.paintOrder, orders.at(i).toInt(-1));
             node.text += string(texts.at(i));
             addStyles(styles.at(i).toArray(), node);
+        }
+        for (const QJsonValue layout :
+             m_layout[QStringLiteral("stackingContexts")][QStringLiteral("index")].toArray()) {
+            if (const int index = indexes.at(layout.toInt(-1)).toInt(-1); index >= 0 && index < nodes.size()) {
+                nodes[index].isStackingContext = true;
+            }
         }
     }
 
@@ -148,7 +154,7 @@ QJsonObject PageSnapshot::parameters()
             {QStringLiteral("includeDOMRects"), true}};
 }
 
-QList<PageSnapshot::Node> PageSnapshot::nodes(const QJsonObject &answer, double pixelScale)
+QList<PageSnapshot::Node> PageSnapshot::nodes(const QJsonObject &answer)
 {
-    return Reader(answer).read(pixelScale);
+    return Reader(answer).read();
 }

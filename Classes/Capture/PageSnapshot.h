@@ -23,13 +23,13 @@ public:
         QHash<QString, QString> attributes; // id, class, aria-label, alt
         QHash<QString, QString> styles;     // those of `styleNames`; empty where nothing is laid out
         QRectF bounds;                      // on the page; null where nothing is laid out
-        int paintOrder = -1;
+        int paintOrder = -1;                // of the layer of the browser that it is painted with
+        bool isStackingContext = false;
     };
 
     static inline const QString markAttribute = QStringLiteral("data-zelto-mark");
     static QStringList styleNames(); // to ask for
     static QJsonObject parameters(); // of the command
-    // `pixelScale` of the rectangles: what comes in device pixels is divided by it. What does not fit together is left
-    // out: the answer is a stranger's page told by another program.
-    static QList<Node> nodes(const QJsonObject &answer, double pixelScale);
+    // What does not fit together is left out: the answer is a stranger's page told by another program.
+    static QList<Node> nodes(const QJsonObject &answer);
 };
