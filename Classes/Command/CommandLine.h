@@ -40,7 +40,7 @@ public:
     bool needsLibrary() const { return m_needsLibrary; }
     bool isImport() const { return m_isImport; }
     bool fillsLibrary() const { return m_fillsLibrary; } // one that is not there yet may be made for it
-    bool isEdit() const { return m_isEdit; }             // of items, or of live folders
+    bool isEdit() const { return m_isEdit; }             // of items, or of live folders; or a download
     bool isSnapshot() const { return m_isSnapshot; }
     QString library() const { return m_library; } // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }

@@ -97,7 +97,8 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
 bool ImageFetch::isPageElsewhereAfterAll()
 {
     const QString host = QUrl(m_pageUrl).host();
-    if (m_isPageResolved || host.isEmpty() || m_pageReach != ZQAddressReach::Everybody) {
+    const bool isName = !host.isEmpty() && QHostAddress(host).isNull();
+    if (m_isPageResolved || !isName || m_pageReach != ZQAddressReach::Everybody) {
         return false;
     }
     m_isPageResolved = true;
