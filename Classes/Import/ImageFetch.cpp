@@ -83,6 +83,7 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
     }
     request.destination = path;
     request.maximumSize = mostBytes;
+    request.wholeTime = longestTime;
     request.acceptedTypes = acceptedTypes();
     request.mayGoTo = [reach = m_pageReach](const QUrl &each) {
         return zqReachOfHostName(each.host()) <= reach ? ZQError() : ZQTransferError::notAllowed(each.host());
