@@ -55,7 +55,7 @@ TEST_F(TemplatesTest, OneMovesInUnderItsNameAndNeverOverAnother)
     const QString other = outside("A.zttemplate");
     ZQError error;
     EXPECT_FALSE(TemplateFolder::moveIn(other, directory, &error));
-    EXPECT_FALSE(error.isNull());
+    EXPECT_EQ(error.code, TemplateFolder::NameTaken);
     EXPECT_EQ(contentOf(here), "old");
     EXPECT_EQ(contentOf(other), "new");
     EXPECT_TRUE(TemplateFolder::moveIn(here, directory)); // it lies there
@@ -89,7 +89,9 @@ TEST_F(TemplatesTest, OneOfAnotherDiskIsCopiedWhole)
     EXPECT_TRUE(TemplateFolder::moveIn(memory.filePath(QStringLiteral("A.zttemplate")), directory));
     EXPECT_EQ(contentOf(directory + QStringLiteral("/A.zttemplate/letter.png")), "new");
     made(memory.filePath(QStringLiteral("again/A.zttemplate/letter.png")), "newer");
-    EXPECT_FALSE(TemplateFolder::moveIn(memory.filePath(QStringLiteral("again/A.zttemplate")), directory));
+    ZQError error;
+    EXPECT_FALSE(TemplateFolder::moveIn(memory.filePath(QStringLiteral("again/A.zttemplate")), directory, &error));
+    EXPECT_EQ(error.code, TemplateFolder::NameTaken);
     EXPECT_EQ(contentOf(memory.filePath(QStringLiteral("again/A.zttemplate/letter.png"))), "newer");
     EXPECT_EQ(contentOf(directory + QStringLiteral("/A.zttemplate/letter.png")), "new");
     EXPECT_EQ(entries(), QStringList{QStringLiteral("A.zttemplate")});
