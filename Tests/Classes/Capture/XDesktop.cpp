@@ -77,11 +77,22 @@ xcb_window_t XDesktop::show(const Window &window)
     }
     xcb_map_window(display, id);
     xcb_flush(display);
+    // A window manager that is only just there may miss it; unmapped and mapped in one go it would, too.
+    constexpr int looksBetween = 20;
+    int looks = 0;
     waitUntil([&] {
         const ZQXReply<xcb_get_window_attributes_reply_t> is(
             xcb_get_window_attributes_reply(display, xcb_get_window_attributes(display, id), nullptr));
-        return is && is->map_state == XCB_MAP_STATE_VIEWABLE &&
-               (!window.isManaged || !m_connection->numbers(id, "WM_STATE").isEmpty());
+        const bool isSeen = is && is->map_state == XCB_MAP_STATE_VIEWABLE;
+        const bool isManaged = !window.isManaged || !m_connection->numbers(id, "WM_STATE").isEmpty();
+        if (isSeen && isManaged) {
+            return true;
+        }
+        if (++looks % looksBetween == 0) {
+            isSeen ? xcb_unmap_window(display, id) : xcb_map_window(display, id);
+            xcb_flush(display);
+        }
+        return false;
     });
     return id;
 }
