@@ -1,9 +1,10 @@
 #include "Classes/Capture/XScreenSource.h"
-#include "Models/DataModel/_ZQEntities.h"
+#include "Kit/Imaging/ZQImageSource.h"
 #include "Tests/Classes/Capture/PrivateBus.h"
 #include "Tests/Classes/PromisedDrag/VirtualDisplay.h"
 
 #include <QGuiApplication>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -27,10 +28,12 @@ int printScreens(int argc, char **argv)
 
 int runTests(int argc, char **argv)
 {
+    const QTemporaryDir config; // the defaults of the whole run
+    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
     const VirtualDisplay display;
     const PrivateBus bus;
     const QGuiApplication application(argc, argv);
-    zqRegisterEntities();
+    ZQImageSource::initialize(argv[0]);
     return RUN_ALL_TESTS();
 }
 
