@@ -35,6 +35,7 @@ protected:
     }
     void TearDown() override
     {
+        ZQUserDefaults::standardUserDefaults().removeObjectForKey(ChromiumBrowser::programKey);
         // Of browsers nothing stays, however they ended.
         for (const QString &folder : QDir(TemporaryArea::folder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
             EXPECT_FALSE(QFile::exists(TemporaryArea::folder() + u'/' + folder + QStringLiteral("/profile")));
@@ -267,7 +268,7 @@ TEST_F(WebPageCaptureTest, ABrowserThatIsMissingOrEndsIsAnError)
     const WebCaptureResult missing = capture(request);
     EXPECT_EQ(missing.error.code, WebCaptureErrors::NoBrowser);
     EXPECT_TRUE(missing.error.localizedDescription().contains(QStringLiteral("chromium")));
-    setBrowser("dies", "#!/bin/sh\nread -r x <&3\nexit 3\n");
+    setBrowser("dies", "#!/bin/sh\nhead -c 9 <&3 >/dev/null\nexit 3\n");
     EXPECT_EQ(capture(request).error.code, WebCaptureErrors::BrowserEnded);
     setBrowser("babbles", "#!/bin/sh\ncat /dev/zero | tr '\\0' 'a' >&4\n");
     EXPECT_EQ(capture(request).error.code, WebCaptureErrors::BrowserEnded);
