@@ -86,7 +86,7 @@ struct FileChoice
 {
     QString title;
     QString prompt;         // the confirming button
-    QString name;           // preset in the name field
+    QString name;           // preset in the name field; for folders, the path of the one to begin in
     QStringList extensions; // empty: any
     bool directory = false; // choose folders
     bool several = false;

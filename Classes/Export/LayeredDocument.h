@@ -21,8 +21,8 @@ struct LayeredPicture
     QString file = {}; // of the asset, which is never written over; empty where it is the picture's
 };
 
-// Layered documents (PSD) of pictures. One picture is held at a time, at full size; the next ones are decoded
-// meanwhile. Any thread.
+// Layered documents (PSD) of pictures. The processes that decode pack each into its layer, two at a time; here is only
+// the document, and what of the packed layers is not in it yet. Any thread.
 namespace LayeredDocument {
 
 inline const QString errorDomain = QStringLiteral("zelto.layers");

@@ -251,8 +251,11 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
         out.encoding = readEncoding(reader);
     }
     if (out.kind == ZQRenderRequest::Kind::Planes) {
-        const QPoint corner(reader.number(), reader.number());
-        out.window = QRect(corner, QSize(reader.number(), reader.number()));
+        const int x = reader.number();
+        const int y = reader.number();
+        const int width = reader.number();
+        const int height = reader.number();
+        out.window = QRect(x, y, width, height);
     }
     return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;
 }

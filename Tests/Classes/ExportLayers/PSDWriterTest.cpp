@@ -2,8 +2,8 @@
 
 #include "Classes/Export/PSDWriter.h"
 #include "Classes/Export/PSDBytes.h"
-#include "Kit/Imaging/ZQPackBits.h"
 #include "Classes/Export/PSDException.h"
+#include "Kit/Imaging/ZQPackBits.h"
 
 #include <QColor>
 #include <QtEndian>

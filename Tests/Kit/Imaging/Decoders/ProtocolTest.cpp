@@ -98,6 +98,11 @@ TEST(RenderProtocolTest, ARequestComesOverWhole)
     EXPECT_FALSE(zqDecodeRequestMessage(zqEncode(ZQRenderRequest()))->withProperties);
     EXPECT_FALSE(zqDecodeRequestMessage(zqEncode(ZQRenderRequest()))->box.isValid());
     expectOnlyWhole(zqEncode(request), zqDecodeRequestMessage);
+    ZQRenderRequest planes;
+    planes.kind = ZQRenderRequest::Kind::Planes;
+    planes.window = {-7, 3, 50, 40};
+    EXPECT_EQ(zqDecodeRequestMessage(zqEncode(planes))->window, planes.window);
+    expectOnlyWhole(zqEncode(planes), zqDecodeRequestMessage);
     ZQRenderRequest longest;
     longest.name = QString(4096, u'n');
     EXPECT_EQ(zqDecodeRequestMessage(zqEncode(longest))->name.size(), 4096);
