@@ -1,11 +1,12 @@
 #include "Classes/LiveFolders/WrittenTags.h"
 
 #include "Classes/Tags/TagFileWriter.h"
-#include "Kit/Files/ZQFileReference.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QFile>
+
+#include <sys/stat.h>
 
 #include <chrono>
 #include <thread>
@@ -43,15 +44,16 @@ private:
     // The date first: what is written after it has another one.
     void read(const File &file)
     {
-        const std::optional<ZQFoundFile> found = zqLookAtFile(QFile::encodeName(file.path));
-        if (!found || found->change % second == 0) { // some file systems count seconds
+        struct stat status = {};
+        const bool isThere = ::lstat(QFile::encodeName(file.path).constData(), &status) == 0;
+        if (!isThere || status.st_ctim.tv_nsec == 0) { // some file systems count seconds
             return;
         }
         const auto tags =
             FileTagsMerge::ofFile(file.path, file.tags, FileTagsMerge::Unknown::KeepsBoth, false, nullptr);
         if (tags && tags->isRecorded) {
             const ZQLockGuard lock(m_mutex);
-            m_changes.insert(file.path, found->change);
+            m_changes.insert(file.path, status.st_ctim.tv_sec * second + status.st_ctim.tv_nsec);
         }
     }
 
