@@ -1,5 +1,6 @@
 #include "Classes/Interface/Capture/CaptureViews.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Capture/StatusIcon.h"
 #include "Classes/Interface/Capture/ZQScreenshotViewController.h"
@@ -17,7 +18,7 @@ std::unique_ptr<ScreenshotSession> CaptureViews::makeSession(ScreenSource &sourc
 void CaptureViews::showWebCapture(const QString &pageURL, const QRect &frame)
 {
     if (!m_webWindow) {
-        m_webWindow = std::make_unique<ZQScreenshotWebWindowController>(this);
+        m_webWindow = std::make_unique<ZQScreenshotWebWindowController>(static_cast<WebCaptureDelegate *>(this));
     }
     m_webWindow->showWebCapture(pageURL, frame);
 }
