@@ -39,9 +39,11 @@ bool isPassedOn(const QString &path)
 QImage read(const QString &path, ZQError *error)
 {
     constexpr int mostMegabytes = 1024;
-    QImageReader reader(path);
+    const int usual = QImageReader::allocationLimit(); // of the whole process
     QImageReader::setAllocationLimit(mostMegabytes);
+    QImageReader reader(path);
     const QImage image = reader.read();
+    QImageReader::setAllocationLimit(usual);
     if (image.isNull()) {
         zqSetError(error, unreadable(reader.errorString()));
     } else if (isPassedOn(path)) {
@@ -63,11 +65,11 @@ QList<ScreenInfo> PortalScreenSource::screens() const
     return infos;
 }
 
-void PortalScreenSource::captureRect(const QRect &rect, Taken taken)
+void PortalScreenSource::captureRect(const QRect & /*rect*/, Taken taken)
 {
-    captureAllScreens([rect, taken = std::move(taken)](const QImage &image, const ZQError &error) {
-        taken(image.isNull() ? image : image.copy(rect), error);
-    });
+    taken({}, ZQError::with(QStringLiteral("ScreenCapture"), 2,
+                            zqLocalized("This desktop lets no program choose a part of its screen. Choose it in the "
+                                        "desktop's own dialog, which Capture Area opens.")));
 }
 
 void PortalScreenSource::ask(bool isInteractive, Taken taken)

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -55,6 +56,7 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
     } cases[] = {{folder.filePath(QStringLiteral("shot.png")), false},
                  {pictures.filePath(QStringLiteral("Screenshot.png")), true}};
     MockPortal portal;
+    const int limit = QImageReader::allocationLimit();
     for (const auto &each : cases) {
         bool isInteractive = true;
         portal.answer = [&](const QString & /*method*/, const QVariantList &arguments) {
@@ -66,6 +68,7 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
         EXPECT_EQ(image.size(), QSize(40, 30));
         EXPECT_FALSE(isInteractive);
         EXPECT_EQ(QFileInfo::exists(each.path), each.stays) << each.path.toStdString();
+        EXPECT_EQ(QImageReader::allocationLimit(), limit) << "other readers of the process have it too";
     }
     portal.answer = [&](const QString & /*method*/, const QVariantList &arguments) {
         EXPECT_TRUE(qdbus_cast<QVariantMap>(arguments.last()).value(QStringLiteral("interactive")).toBool());
@@ -77,6 +80,9 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
 
 TEST_F(PortalScreenSourceTest, SaysWhyThereIsNoPicture)
 {
+    take([this](ScreenSource::Taken taken) { source.captureRect({0, 0, 1, 1}, std::move(taken)); });
+    EXPECT_TRUE(image.isNull());
+    EXPECT_FALSE(error.isNull());
     takeAll(); // nobody has the name
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("xdg-desktop-portal")));
 
