@@ -111,14 +111,14 @@ void DownloadImageOperation::download(ImageFetch &fetch, const QString &imageUrl
     m_failures.append({imageUrl, error});
 }
 
-void DownloadImageOperation::fixExtension(QString &path, const QString &contentType)
+void DownloadImageOperation::fixExtension(QString &path, const QString &contentType) const
 {
     const QString extension = zqExtensionForContentType(contentType);
     if (ImportQueries::fileAtPathIsSupported(path) || extension.isEmpty()) {
         return;
     }
     QFile file(path);
-    const QString renamed = path + u'.' + extension;
+    const QString renamed = freePath(QFileInfo(path).fileName() + u'.' + extension);
     if (file.rename(renamed)) { // never over another one
         path = renamed;
     } else {

@@ -54,7 +54,7 @@ public:
 private:
     void download(ImageFetch &fetch, const QString &imageUrl);
     QString freePath(const QString &name) const;
-    static void fixExtension(QString &path, const QString &contentType);
+    void fixExtension(QString &path, const QString &contentType) const;
     void massDownloadEnded();
     ZQObjectID newProject() const;
     void finish();

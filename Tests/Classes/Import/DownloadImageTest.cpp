@@ -136,6 +136,18 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     EXPECT_TRUE(operation->failures().isEmpty());
 }
 
+TEST_F(DownloadImageTest, ImagesOfOneBareNameAllCome)
+{
+    server.setHandler(QStringLiteral("/picture"),
+                      [](const LocalHTTPServer::Request &) { return Answer::with("image/png", png()); });
+    const auto asText = [] { return QStringLiteral("data:image/png;base64,") + QString::fromLatin1(png().toBase64()); };
+    const auto operation = download({server.address(QStringLiteral("/picture?url=a")), asText(),
+                                     server.address(QStringLiteral("/picture?url=b")), asText()});
+    EXPECT_TRUE(operation->failures().isEmpty());
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("image"), QStringLiteral("image"), QStringLiteral("picture"),
+                                            QStringLiteral("picture")}));
+}
+
 TEST_F(DownloadImageTest, WhatFailsIsToldAndTheOthersCome)
 {
     const QStringList before = projectTitles();
