@@ -126,9 +126,10 @@ int zqRunSnapWeb(const SnapWebRequest &request, CommandContext &context);
 struct DownloadCommandRequest
 {
     QStringList urls;
-    QString page;     // address of the page
-    QString title;    // of the page
-    bool all = false; // into a project titled so
+    QString page;            // address of the page
+    QString title;           // of the page
+    bool all = false;        // into a project titled so
+    bool isFromPage = false; // which named the addresses, and no person did
 };
 // 1 when some could not be downloaded or imported, 2 when nothing came.
 int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context);

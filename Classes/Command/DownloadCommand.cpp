@@ -15,6 +15,7 @@
 
 namespace {
 
+using Asker = ImageDownloadRequest::Asker;
 using Download = std::shared_ptr<DownloadImageOperation>;
 constexpr qsizetype longestAddress = 300; // that is printed for a person
 
@@ -137,7 +138,8 @@ int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context
         ImageDownloads::sharedImageDownloads().start({.pageTitle = project,
                                                       .pageUrl = request.page,
                                                       .images = request.urls,
-                                                      .importAll = request.all ? QStringLiteral("1") : QString()},
+                                                      .importAll = request.all ? QStringLiteral("1") : QString(),
+                                                      .asker = request.isFromPage ? Asker::Page : Asker::Person},
                                                      ImageDownloads::Tells::Caller);
     const auto finish = [download](CommandContext &finished) { return report(*download, finished); };
     if (context.mayBeFinishedLater) {

@@ -29,5 +29,5 @@ int zqRunOpenURL(const QString &url, CommandContext &context)
                                      {command->pageHost()}));
     }
     const ImageDownloadRequest &images = command->images;
-    return zqRunDownload({images.images, images.pageUrl, images.pageTitle, !images.importAll.isEmpty()}, context);
+    return zqRunDownload({images.images, images.pageUrl, images.pageTitle, !images.importAll.isEmpty(), true}, context);
 }

@@ -63,7 +63,7 @@ void DownloadImageOperation::main()
         return;
     }
     m_folder = std::make_unique<TemporaryFolder>(directory);
-    ImageFetch fetch(pageUrl());
+    ImageFetch fetch(pageUrl(), m_request.asker);
     for (const QString &imageUrl : images()) {
         download(fetch, imageUrl);
         if (m_progress) {

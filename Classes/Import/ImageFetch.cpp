@@ -66,11 +66,28 @@ ZQHTTPResponse fromAddress(const QString &address, const QString &path)
     return response;
 }
 
+ZQAddressReach reachOfPage(const QString &pageUrl)
+{
+    const QString host = QUrl(pageUrl).host();
+    return host.isEmpty() ? ZQAddressReach::Everybody : zqReachOfHostName(host);
+}
+
+// Only a name can lead elsewhere than it says.
+QList<QHostAddress> privateAddressesOf(const QString &host, const ImageFetch::Uses &uses)
+{
+    if (host.isEmpty() || !QHostAddress(host).isNull() || zqIsPrivateHostName(host)) {
+        return {};
+    }
+    QList<QHostAddress> addresses = uses.lookUp ? uses.lookUp(host) : QHostInfo::fromName(host).addresses();
+    addresses.removeIf([](const QHostAddress &each) { return each.isNull() || !zqIsPrivateAddress(each); });
+    return addresses;
+}
+
 } // namespace
 
-ImageFetch::ImageFetch(const QString &pageUrl)
-    : m_pageUrl(pageUrl),
-      m_pageReach(QUrl(pageUrl).host().isEmpty() ? ZQAddressReach::Everybody : zqReachOfHostName(QUrl(pageUrl).host()))
+ImageFetch::ImageFetch(const QString &pageUrl, Asker asker, const Uses &uses)
+    : m_pageUrl(pageUrl), m_pageReach(reachOfPage(pageUrl)),
+      m_pageAddresses(asker == Asker::Person ? privateAddressesOf(QUrl(pageUrl).host(), uses) : QList<QHostAddress>())
 {
 }
 
@@ -85,29 +102,14 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
     request.maximumSize = mostBytes;
     request.wholeTime = longestTime;
     request.acceptedTypes = acceptedTypes();
-    request.mayGoTo = [reach = m_pageReach](const QUrl &each) {
-        return zqReachOfHostName(each.host()) <= reach ? ZQError() : ZQTransferError::notAllowed(each.host());
+    request.mayGoTo = [reach = m_pageReach, own = m_pageAddresses](const QUrl &each) {
+        const bool isAllowed = zqReachOfHostName(each.host()) <= reach || own.contains(QHostAddress(each.host()));
+        return isAllowed ? ZQError() : ZQTransferError::notAllowed(each.host());
     };
-    request.mayConnectTo = [reach = m_pageReach](const QHostAddress &address) {
-        return zqReachOfAddress(address) <= reach;
+    request.mayConnectTo = [reach = m_pageReach, own = m_pageAddresses](const QHostAddress &address) {
+        return zqReachOfAddress(address) <= reach || own.contains(address);
     };
     return request;
-}
-
-// A page may live in this network under a name that does not say so. Looked up only when that makes a difference.
-bool ImageFetch::isPageElsewhereAfterAll()
-{
-    const QString host = QUrl(m_pageUrl).host();
-    const bool isName = !host.isEmpty() && QHostAddress(host).isNull();
-    if (m_isPageResolved || !isName || m_pageReach != ZQAddressReach::Everybody) {
-        return false;
-    }
-    m_isPageResolved = true;
-    const QList<QHostAddress> addresses = QHostInfo::fromName(host).addresses();
-    for (const QHostAddress &address : addresses) {
-        m_pageReach = std::max(m_pageReach, zqReachOfAddress(address));
-    }
-    return m_pageReach != ZQAddressReach::Everybody;
 }
 
 ZQHTTPResponse ImageFetch::fetch(const QString &address, const QString &path)
@@ -115,10 +117,5 @@ ZQHTTPResponse ImageFetch::fetch(const QString &address, const QString &path)
     if (ZQDataAddress::isOne(address)) {
         return fromAddress(address, path);
     }
-    const QUrl url = urlOfImage(address, m_pageUrl);
-    const ZQHTTPResponse response = ZQHTTPTask::perform(requestFor(url, path));
-    if (zqIsNetworkError(response.error, ZQNetworkErrorCode::NotAllowed) && isPageElsewhereAfterAll()) {
-        return ZQHTTPTask::perform(requestFor(url, path));
-    }
-    return response;
+    return ZQHTTPTask::perform(requestFor(urlOfImage(address, m_pageUrl), path));
 }

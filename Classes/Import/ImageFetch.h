@@ -1,21 +1,36 @@
 #pragma once
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Network/ZQHTTPRequest.h"
 #include "Kit/Network/ZQPrivateAddress.h"
 
+#include <QHostAddress>
+#include <QList>
 #include <QString>
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 
 // Fetches the images of one page into files, one at a time. The page is a stranger's: only http, https and data:
 // addresses, no servers of this machine or its network but for a page that lives there itself, no more than so many
 // bytes, and nothing that says that it is something else than a picture. One thread.
+//
+// That a page lives there its address has to say by itself. What its name resolves to is the page's own word, which it
+// may change from one moment to the next: only when a person named the page are those servers reached, too, that its
+// name led to at the beginning.
 class ImageFetch
 {
 public:
-    explicit ImageFetch(const QString &pageUrl);
+    using Asker = ImageDownloadRequest::Asker;
+    struct Uses
+    {
+        std::function<QList<QHostAddress>(const QString &host)> lookUp = {}; // empty: asks the system, and waits
+    };
+
+    ImageFetch(const QString &pageUrl, Asker asker) : ImageFetch(pageUrl, asker, {}) {}
+    ImageFetch(const QString &pageUrl, Asker asker, const Uses &uses);
 
     // `path`: the file to make. The answer has the content type that the server, or the address, states.
     // A cancel of this thread's work ends the running request.
@@ -27,9 +42,8 @@ public:
 
 private:
     ZQHTTPRequest requestFor(const QUrl &url, const QString &path) const;
-    bool isPageElsewhereAfterAll();
 
     const QString m_pageUrl;
-    ZQAddressReach m_pageReach; // what the page's name says, and later what it resolves to
-    bool m_isPageResolved = false;
+    const ZQAddressReach m_pageReach;          // what the page's name says
+    const QList<QHostAddress> m_pageAddresses; // of a person's page, as far as they are not for everybody
 };

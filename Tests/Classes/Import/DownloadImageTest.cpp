@@ -5,6 +5,7 @@
 #include "Classes/Import/DownloadImageOperation.h"
 #include "Classes/Import/ImageAddress.h"
 #include "Classes/Import/ImageDownloads.h"
+#include "Classes/Import/ImageFetch.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Tests/Classes/Import/ImportFixture.h"
@@ -12,6 +13,7 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QSet>
 
@@ -192,6 +194,44 @@ TEST_F(DownloadImageTest, APageOfTheInternetReachesNothingOfThisMachine)
     EXPECT_EQ(download({server.address(QStringLiteral("/secret.png"))})->failures().size(), 1);
     EXPECT_TRUE(server.requests().isEmpty());
     EXPECT_TRUE(items().isEmpty());
+}
+
+TEST_F(DownloadImageTest, OnlyForAPersonDoesThePageLieWhereItsNameLeads)
+{
+    servePicture("/secret.png");
+    servePicture("/own.png");
+    server.setAnswer(QStringLiteral("/moved"),
+                     Answer::redirect("http://127.0.0.2:" + QByteArray::number(server.port()) + "/secret.png"));
+    struct Case
+    {
+        ImageFetch::Asker asker;
+        QString address;
+        bool isAllowed;
+        int lookUps;
+    };
+    const Case cases[] = {
+        {ImageFetch::Asker::Page, server.address(QStringLiteral("/secret.png")), false, 0},
+        {ImageFetch::Asker::Person, server.address(QStringLiteral("/own.png")), true, 1},
+        {ImageFetch::Asker::Person, server.address(QStringLiteral("/secret.png"), QStringLiteral("localhost")), false,
+         1},
+        {ImageFetch::Asker::Person, server.address(QStringLiteral("/moved")), false, 1},
+    };
+    for (const Case &each : cases) {
+        int lookUps = 0;
+        const auto lookUp = [&lookUps](const QString &) { // another answer each time, as of who means ill
+            return QList{QHostAddress(++lookUps == 1 ? QStringLiteral("127.0.0.1") : QStringLiteral("127.0.0.2"))};
+        };
+        ImageFetch fetch(QStringLiteral("http://page.example/"), each.asker, {.lookUp = lookUp});
+        for (int time = 0; time < 2; ++time) { // not the second time either
+            const QString fetched = path(QStringLiteral("fetched"));
+            const auto response = fetch.fetch(each.address, fetched);
+            EXPECT_EQ(zqIsNetworkError(response.error, ZQNetworkErrorCode::NotAllowed), !each.isAllowed)
+                << each.address.toStdString() << response.error.localizedDescription().toStdString();
+            EXPECT_EQ(QFile::remove(fetched), each.isAllowed);
+        }
+        EXPECT_EQ(lookUps, each.lookUps);
+    }
+    EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/secret.png")), 0);
 }
 
 TEST_F(DownloadImageTest, CancelledItEndsTheRunningRequestAndLeavesNothing)
