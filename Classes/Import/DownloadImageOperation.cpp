@@ -100,6 +100,7 @@ void DownloadImageOperation::download(ImageFetch &fetch, const QString &imageUrl
         if (!ImportQueries::fileAtPathIsSupported(path)) {
             error = zqNetworkError(ZQNetworkErrorCode::UnwantedType, zqLocalized("It is no picture that can be "
                                                                                  "imported."));
+            QFile::remove(path); // not only when all the others have come, too
         }
     }
     if (error.isNull()) {

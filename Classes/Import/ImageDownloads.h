@@ -12,16 +12,19 @@ class DownloadImageOperation;
 class ImageDownloads : public ImageDownloading
 {
 public:
+    static constexpr qsizetype mostQueued = 10; // that pages, which never tire, may have asked for
     static ImageDownloads &sharedImageDownloads();
 
     enum class Tells { Person, Caller }; // of failures
     std::shared_ptr<DownloadImageOperation> start(const ImageDownloadRequest &request, Tells tells = Tells::Person);
-    void downloadImages(const ImageDownloadRequest &request) override { start(request); }
+    // Refused, and said so, while `mostQueued` others are not done.
+    void downloadImages(const ImageDownloadRequest &request) override;
     bool isDownloading() const override { return m_queue.operationCount() > 0; }
     void stopDownloads() override { m_queue.cancelAllOperations(); }
 
 private:
     ImageDownloads() = default;
 
+    bool m_hasRefused = false; // since it last took one: the person knows
     ZQOperationQueue m_queue{QStringLiteral("Downloads"), 1};
 };

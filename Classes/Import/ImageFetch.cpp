@@ -2,15 +2,20 @@
 
 #include "Classes/Import/ImageAddress.h"
 #include "Kit/Files/ZQNewFile.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQDataAddress.h"
 #include "Kit/Network/ZQHTTPTask.h"
 #include "Kit/Network/ZQTransferError.h"
 
+#include <QFileInfo>
 #include <QHostInfo>
+#include <QLocale>
+#include <QStorageInfo>
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -49,10 +54,10 @@ bool writeWhole(const QByteArray &contents, const QString &path, ZQError *error)
     return file && file->place(error);
 }
 
-ZQHTTPResponse fromAddress(const QString &address, const QString &path)
+ZQHTTPResponse fromAddress(const QString &address, const QString &path, qint64 room)
 {
     ZQHTTPResponse response;
-    const auto data = ZQDataAddress::from(address, ImageFetch::mostBytesInAddress, &response.error);
+    const auto data = ZQDataAddress::from(address, std::min(ImageFetch::mostBytesInAddress, room), &response.error);
     if (!data) {
         return response;
     }
@@ -64,6 +69,22 @@ ZQHTTPResponse fromAddress(const QString &address, const QString &path)
     response.destination = path;
     response.size = data->contents.size();
     return response;
+}
+
+ZQError tooMuchTogether(qint64 most)
+{
+    const QString size = QLocale().formattedDataSize(most, 1, QLocale::DataSizeTraditionalFormat);
+    return zqNetworkError(
+        ZQNetworkErrorCode::TooLarge,
+        zqFormat(zqLocalized("The images that a page has imported at once may have %@ together."), {size}),
+        zqLocalized("Choose fewer at once."));
+}
+
+ZQError noFreeSpace(const QString &path)
+{
+    return zqNetworkError(ZQNetworkErrorCode::CannotWrite,
+                          zqFormat(zqLocalized("There is too little free space in “%@”."), {QFileInfo(path).path()}),
+                          zqLocalized("Remove what is not needed there, then try again."));
 }
 
 ZQAddressReach reachOfPage(const QString &pageUrl)
@@ -86,12 +107,13 @@ QList<QHostAddress> privateAddressesOf(const QString &host, const ImageFetch::Us
 } // namespace
 
 ImageFetch::ImageFetch(const QString &pageUrl, Asker asker, const Uses &uses)
-    : m_pageUrl(pageUrl), m_pageReach(reachOfPage(pageUrl)),
-      m_pageAddresses(asker == Asker::Person ? privateAddressesOf(QUrl(pageUrl).host(), uses) : QList<QHostAddress>())
+    : m_uses(uses), m_pageUrl(pageUrl), m_pageReach(reachOfPage(pageUrl)),
+      m_pageAddresses(asker == Asker::Person ? privateAddressesOf(QUrl(pageUrl).host(), uses) : QList<QHostAddress>()),
+      m_bytesLeft(asker == Asker::Person ? std::numeric_limits<qint64>::max() : uses.mostBytesTogether)
 {
 }
 
-ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
+ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path, qint64 room) const
 {
     ZQHTTPRequest request{.url = url};
     request.headers = {{"Accept", "image/png,image/jpeg,image/*;q=0.9,*/*;q=0.5"}};
@@ -99,7 +121,7 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
         request.headers.append({"Referer", referer});
     }
     request.destination = path;
-    request.maximumSize = mostBytes;
+    request.maximumSize = room;
     request.wholeTime = longestTime;
     request.acceptedTypes = acceptedTypes();
     request.mayGoTo = [reach = m_pageReach, own = m_pageAddresses](const QUrl &each) {
@@ -112,10 +134,32 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
     return request;
 }
 
+qint64 ImageFetch::freeBytesFor(const QString &path) const
+{
+    const QString folder = QFileInfo(path).path();
+    if (m_uses.freeBytes) {
+        return m_uses.freeBytes(folder);
+    }
+    const QStorageInfo storage(folder);
+    return storage.isValid() ? storage.bytesAvailable() : std::numeric_limits<qint64>::max();
+}
+
 ZQHTTPResponse ImageFetch::fetch(const QString &address, const QString &path)
 {
-    if (ZQDataAddress::isOne(address)) {
-        return fromAddress(address, path);
+    const qint64 freeRoom = freeBytesFor(path) - leastFree;
+    const qint64 room = std::min({mostBytes, m_bytesLeft, freeRoom});
+    const ZQError outOfRoom = m_bytesLeft <= freeRoom ? tooMuchTogether(m_uses.mostBytesTogether) : noFreeSpace(path);
+    ZQHTTPResponse response;
+    if (room <= 0) {
+        response.error = outOfRoom;
+        return response;
     }
-    return ZQHTTPTask::perform(requestFor(urlOfImage(address, m_pageUrl), path));
+    response = ZQDataAddress::isOne(address)
+                   ? fromAddress(address, path, room)
+                   : ZQHTTPTask::perform(requestFor(urlOfImage(address, m_pageUrl), path, room));
+    m_bytesLeft -= response.size; // also of what is not kept: its disk was written to
+    if (room < mostBytes && zqIsNetworkError(response.error, ZQNetworkErrorCode::TooLarge)) {
+        response.error = outOfRoom;
+    }
+    return response;
 }

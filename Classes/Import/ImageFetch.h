@@ -27,6 +27,8 @@ public:
     struct Uses
     {
         std::function<QList<QHostAddress>(const QString &host)> lookUp = {}; // empty: asks the system, and waits
+        std::function<qint64(const QString &folder)> freeBytes = {};         // empty: asks the system
+        qint64 mostBytesTogether = qint64(2) << 30;                          // that a page may have come, kept or not
     };
 
     ImageFetch(const QString &pageUrl, Asker asker) : ImageFetch(pageUrl, asker, {}) {}
@@ -38,12 +40,16 @@ public:
 
     static constexpr qint64 mostBytes = qint64(512) << 20;
     static constexpr qint64 mostBytesInAddress = qint64(64) << 20;
+    static constexpr qint64 leastFree = qint64(256) << 20; // of the file system, which others need, too
     static constexpr std::chrono::minutes longestTime{30}; // of one; a server that trickles must not hold up the rest
 
 private:
-    ZQHTTPRequest requestFor(const QUrl &url, const QString &path) const;
+    ZQHTTPRequest requestFor(const QUrl &url, const QString &path, qint64 room) const;
+    qint64 freeBytesFor(const QString &path) const;
 
+    const Uses m_uses;
     const QString m_pageUrl;
     const ZQAddressReach m_pageReach;          // what the page's name says
     const QList<QHostAddress> m_pageAddresses; // of a person's page, as far as they are not for everybody
+    qint64 m_bytesLeft;
 };

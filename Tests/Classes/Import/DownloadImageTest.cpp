@@ -234,6 +234,74 @@ TEST_F(DownloadImageTest, OnlyForAPersonDoesThePageLieWhereItsNameLeads)
     EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/secret.png")), 0);
 }
 
+TEST_F(DownloadImageTest, APageFillsNeitherItsShareNorTheDisk)
+{
+    constexpr qint64 most = 100'000;
+    const qint64 plenty = qint64(1) << 50;
+    server.setAnswer(QStringLiteral("/whole.png"),
+                     {.headers = {{"Content-Type", "image/png"}}, .zeros = most * 2 / 3, .statedLength = -1});
+    const QString address = server.address(QStringLiteral("/whole.png"));
+    struct Case
+    {
+        ImageFetch::Asker asker;
+        qint64 freeBytes;
+        QList<bool> comes; // one after another
+        ZQNetworkErrorCode code;
+    };
+    const Case cases[] = {
+        {ImageFetch::Asker::Page, plenty, {true, false, false}, ZQNetworkErrorCode::TooLarge},
+        {ImageFetch::Asker::Person, plenty, {true, true, true}, ZQNetworkErrorCode::TooLarge},
+        {ImageFetch::Asker::Person, ImageFetch::leastFree, {false}, ZQNetworkErrorCode::CannotWrite},
+        {ImageFetch::Asker::Page, ImageFetch::leastFree + 1000, {false, false}, ZQNetworkErrorCode::CannotWrite},
+    };
+    for (const Case &each : cases) {
+        const auto freeBytes = [&each](const QString &) { return each.freeBytes; };
+        ImageFetch fetch(page, each.asker, {.freeBytes = freeBytes, .mostBytesTogether = most});
+        for (const bool comes : each.comes) {
+            const QString fetched = path(QStringLiteral("fetched"));
+            const auto response = fetch.fetch(address, fetched);
+            EXPECT_EQ(response.error.isNull(), comes) << response.error.localizedDescription().toStdString();
+            EXPECT_EQ(zqIsNetworkError(response.error, each.code), !comes);
+            EXPECT_EQ(QFile::remove(fetched), comes);
+        }
+    }
+}
+
+TEST_F(DownloadImageTest, WhatIsRefusedDoesNotStayUntilTheOthersCame)
+{
+    const QSet<QString> before = temporaryFolders();
+    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", png()));
+    std::atomic<int> files = -1;
+    server.setHandler(QStringLiteral("/next.png"), [&](const LocalHTTPServer::Request &) {
+        files = 0;
+        for (const QString &folder : temporaryFolders() - before) {
+            files += int(QDir(TemporaryArea::folder() + u'/' + folder).entryList(QDir::Files).size());
+        }
+        return Answer::with("image/png", png());
+    });
+    download({server.address(QStringLiteral("/unknown")), server.address(QStringLiteral("/next.png"))});
+    EXPECT_EQ(files, 0);
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("next")});
+}
+
+TEST_F(DownloadImageTest, PagesDoNotQueueDownloadsWithoutEnd)
+{
+    server.setAnswer(QStringLiteral("/silent.png"), {.end = LocalHTTPServer::End::Silence, .endsBeforeHead = true});
+    ImageDownloadRequest request{
+        .pageTitle = {}, .pageUrl = page, .images = {server.address(QStringLiteral("/silent.png"))}, .importAll = {}};
+    ImageDownloads &downloads = ImageDownloads::sharedImageDownloads();
+    for (qsizetype number = 0; number < ImageDownloads::mostQueued + 5; ++number) {
+        downloads.downloadImages(request);
+    }
+    EXPECT_EQ(user.progresses.size(), ImageDownloads::mostQueued);
+    EXPECT_EQ(user.notifications.size(), 1);
+    request.asker = ImageDownloadRequest::Asker::Person;
+    downloads.downloadImages(request);
+    EXPECT_EQ(user.progresses.size(), ImageDownloads::mostQueued + 1);
+    downloads.stopDownloads();
+    zqRunMainLoopUntil([&downloads] { return !downloads.isDownloading(); });
+}
+
 TEST_F(DownloadImageTest, CancelledItEndsTheRunningRequestAndLeavesNothing)
 {
     const QSet<QString> before = temporaryFolders();
