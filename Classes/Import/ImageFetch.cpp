@@ -57,7 +57,7 @@ bool writeWhole(const QByteArray &contents, const QString &path, ZQError *error)
 ZQHTTPResponse fromAddress(const QString &address, const QString &path, qint64 room)
 {
     ZQHTTPResponse response;
-    const auto data = ZQDataAddress::from(address, std::min(ImageFetch::mostBytesInAddress, room), &response.error);
+    const auto data = ZQDataAddress::from(address, room, &response.error);
     if (!data) {
         return response;
     }
@@ -147,18 +147,19 @@ qint64 ImageFetch::freeBytesFor(const QString &path) const
 ZQHTTPResponse ImageFetch::fetch(const QString &address, const QString &path)
 {
     const qint64 freeRoom = freeBytesFor(path) - leastFree;
-    const qint64 room = std::min({mostBytes, m_bytesLeft, freeRoom});
+    const bool isInAddress = ZQDataAddress::isOne(address);
+    const qint64 most = isInAddress ? mostBytesInAddress : mostBytes;
+    const qint64 room = std::min({most, m_bytesLeft, freeRoom});
     const ZQError outOfRoom = m_bytesLeft <= freeRoom ? tooMuchTogether(m_uses.mostBytesTogether) : noFreeSpace(path);
     ZQHTTPResponse response;
     if (room <= 0) {
         response.error = outOfRoom;
         return response;
     }
-    response = ZQDataAddress::isOne(address)
-                   ? fromAddress(address, path, room)
-                   : ZQHTTPTask::perform(requestFor(urlOfImage(address, m_pageUrl), path, room));
+    response = isInAddress ? fromAddress(address, path, room)
+                           : ZQHTTPTask::perform(requestFor(urlOfImage(address, m_pageUrl), path, room));
     m_bytesLeft -= response.size; // also of what is not kept: its disk was written to
-    if (room < mostBytes && zqIsNetworkError(response.error, ZQNetworkErrorCode::TooLarge)) {
+    if (room < most && zqIsNetworkError(response.error, ZQNetworkErrorCode::TooLarge)) {
         response.error = outOfRoom;
     }
     return response;
