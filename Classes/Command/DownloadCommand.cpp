@@ -134,6 +134,10 @@ int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context
     if (request.all && project.isEmpty()) {
         return context.fail(zqLocalized("--all needs a --title for the project"));
     }
+    if (const QString reason = ImageDownloads::sharedImageDownloads().reasonToRefuse();
+        request.isFromPage && !reason.isEmpty()) {
+        return context.fail(reason);
+    }
     const Download download =
         ImageDownloads::sharedImageDownloads().start({.pageTitle = project,
                                                       .pageUrl = request.page,

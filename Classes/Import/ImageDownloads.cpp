@@ -34,17 +34,24 @@ std::shared_ptr<DownloadImageOperation> ImageDownloads::start(const ImageDownloa
     return operation;
 }
 
+QString ImageDownloads::reasonToRefuse() const
+{
+    return m_queue.operationCount() < mostQueued
+               ? QString()
+               : zqFormat(
+                     zqLocalized("The images of %d pages are still being downloaded. Try again when some are done."),
+                     {mostQueued});
+}
+
 void ImageDownloads::downloadImages(const ImageDownloadRequest &request)
 {
     constexpr std::chrono::milliseconds longEnoughToRead{6000};
-    if (request.asker == ImageDownloadRequest::Asker::Person || qsizetype(m_queue.operationCount()) < mostQueued) {
+    const QString reason = reasonToRefuse();
+    if (request.asker == ImageDownloadRequest::Asker::Person || reason.isEmpty()) {
         m_hasRefused = false;
         start(request);
     } else if (auto *const delegate = tamberin_AppDelegate::sharedDelegate();
                delegate && !std::exchange(m_hasRefused, true)) {
-        delegate->userInteraction().showNotificationWithText(
-            zqFormat(zqLocalized("The images of %d pages are still being downloaded. Try again when some are done."),
-                     {mostQueued}),
-            NotificationPlace::Window, longEnoughToRead);
+        delegate->userInteraction().showNotificationWithText(reason, NotificationPlace::Window, longEnoughToRead);
     }
 }

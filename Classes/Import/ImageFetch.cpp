@@ -100,7 +100,8 @@ QList<QHostAddress> privateAddressesOf(const QString &host, const ImageFetch::Us
         return {};
     }
     QList<QHostAddress> addresses = uses.lookUp ? uses.lookUp(host) : QHostInfo::fromName(host).addresses();
-    addresses.removeIf([](const QHostAddress &each) { return each.isNull() || !zqIsPrivateAddress(each); });
+    addresses.removeIf(
+        [](const QHostAddress &each) { return each.isNull() || zqReachOfAddress(each) == ZQAddressReach::Everybody; });
     return addresses;
 }
 

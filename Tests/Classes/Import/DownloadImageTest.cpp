@@ -270,7 +270,7 @@ TEST_F(DownloadImageTest, APageFillsNeitherItsShareNorTheDisk)
 TEST_F(DownloadImageTest, WhatIsRefusedDoesNotStayUntilTheOthersCame)
 {
     const QSet<QString> before = temporaryFolders();
-    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", png()));
+    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", "no picture"));
     std::atomic<int> files = -1;
     server.setHandler(QStringLiteral("/next.png"), [&](const LocalHTTPServer::Request &) {
         files = 0;
@@ -290,7 +290,7 @@ TEST_F(DownloadImageTest, PagesDoNotQueueDownloadsWithoutEnd)
     ImageDownloadRequest request{
         .pageTitle = {}, .pageUrl = page, .images = {server.address(QStringLiteral("/silent.png"))}, .importAll = {}};
     ImageDownloads &downloads = ImageDownloads::sharedImageDownloads();
-    for (qsizetype number = 0; number < ImageDownloads::mostQueued + 5; ++number) {
+    for (int number = 0; number < ImageDownloads::mostQueued + 5; ++number) {
         downloads.downloadImages(request);
     }
     EXPECT_EQ(user.progresses.size(), ImageDownloads::mostQueued);
