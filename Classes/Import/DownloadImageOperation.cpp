@@ -63,12 +63,16 @@ void DownloadImageOperation::main()
         return;
     }
     m_folder = std::make_unique<TemporaryFolder>(directory);
-    ImageFetch fetch(pageUrl());
+    ImageFetch fetch(pageUrl(), [this](double part) {
+        constexpr double leastStep = 0.01; // each is drawn
+        if (part >= m_shownPart + leastStep) {
+            moveProgress(part);
+        }
+    });
     for (const QString &imageUrl : images()) {
         download(fetch, imageUrl);
-        if (m_progress) {
-            m_progress->advanceBy(1.0);
-        }
+        moveProgress(1.0);
+        m_shownPart = 0;
         if (isCancelled()) {
             break;
         }
@@ -77,6 +81,14 @@ void DownloadImageOperation::main()
         zqOnMainThreadAndWait([this] { massDownloadEnded(); });
     }
     finish();
+}
+
+void DownloadImageOperation::moveProgress(double part)
+{
+    if (m_progress) {
+        m_progress->advanceBy(part - m_shownPart);
+    }
+    m_shownPart = part;
 }
 
 // Every image has its name from its address; the second of a name lies in a folder of its own.

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -68,8 +69,8 @@ ZQHTTPResponse fromAddress(const QString &address, const QString &path)
 
 } // namespace
 
-ImageFetch::ImageFetch(const QString &pageUrl)
-    : m_pageUrl(pageUrl),
+ImageFetch::ImageFetch(const QString &pageUrl, std::function<void(double part)> didReceive)
+    : m_pageUrl(pageUrl), m_didReceive(std::move(didReceive)),
       m_pageReach(QUrl(pageUrl).host().isEmpty() ? ZQAddressReach::Everybody : zqReachOfHostName(QUrl(pageUrl).host()))
 {
 }
@@ -91,6 +92,13 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
     request.mayConnectTo = [reach = m_pageReach](const QHostAddress &address) {
         return zqReachOfAddress(address) <= reach;
     };
+    if (m_didReceive) {
+        request.didReceiveBytes = [didReceive = m_didReceive](qint64 received, qint64 expected) {
+            if (expected > 0) {
+                didReceive(double(received) / double(expected));
+            }
+        };
+    }
     return request;
 }
 

@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 
 // Fetches the images of one page into files, one at a time. The page is a stranger's: only http, https and data:
 // addresses, no servers of this machine or its network but for a page that lives there itself, no more than so many
@@ -15,7 +16,9 @@
 class ImageFetch
 {
 public:
-    explicit ImageFetch(const QString &pageUrl);
+    // `didReceive`: how much of the running one is there, from 0 to 1, of those whose server says how large it is. On
+    // the network's thread, never after `fetch` has answered; it must be short.
+    explicit ImageFetch(const QString &pageUrl, std::function<void(double part)> didReceive = {});
 
     // `path`: the file to make. The answer has the content type that the server, or the address, states.
     // A cancel of this thread's work ends the running request.
@@ -30,6 +33,7 @@ private:
     bool isPageElsewhereAfterAll();
 
     const QString m_pageUrl;
+    const std::function<void(double part)> m_didReceive;
     ZQAddressReach m_pageReach; // what the page's name says, and later what it resolves to
     bool m_isPageResolved = false;
 };

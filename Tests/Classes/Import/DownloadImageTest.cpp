@@ -130,7 +130,7 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     EXPECT_EQ(server.requests().first().headers.value("referer"), page.section(u'#', 0, 0).toUtf8());
     ASSERT_FALSE(user.progresses.isEmpty());
     EXPECT_EQ(user.progresses.first()->maximum, 4);
-    EXPECT_EQ(user.progresses.first()->done, 4);
+    EXPECT_NEAR(user.progresses.first()->done, 4, 0.001);
     EXPECT_TRUE(user.progresses.first()->isOver);
     EXPECT_TRUE(user.errors.isEmpty());
     EXPECT_TRUE(operation->failures().isEmpty());
@@ -204,6 +204,25 @@ TEST_F(DownloadImageTest, CancelledItEndsTheRunningRequestAndLeavesNothing)
     EXPECT_TRUE(user.errors.isEmpty());
     EXPECT_EQ(projectTitles(), projects);
     EXPECT_TRUE((temporaryFolders() - before).isEmpty());
+}
+
+TEST_F(DownloadImageTest, WithinALargeImageProgressMovesAndACancelEndsIt)
+{
+    std::function<void()> cancel;
+    user.onBeginProgress = [&cancel](const std::function<void()> &given) { cancel = given; };
+    server.setAnswer(
+        QStringLiteral("/large.png"),
+        {.body = QByteArray(600'000, 'x'), .statedLength = 1'000'000, .end = LocalHTTPServer::End::Silence});
+    const auto operation = ImageDownloads::sharedImageDownloads().start(
+        {.pageTitle = {}, .pageUrl = page, .images = {server.address(QStringLiteral("/large.png"))}, .importAll = {}});
+    const auto progress = user.progresses.first();
+    zqRunMainLoopUntil([&] { return operation->isFinished() || progress->done > 0.55; });
+    EXPECT_LE(progress->done, 0.61);
+    ASSERT_FALSE(operation->isFinished());
+    cancel();
+    zqRunMainLoopUntil([&] { return !ImageDownloads::sharedImageDownloads().isDownloading(); });
+    EXPECT_NEAR(progress->done, 1, 0.001);
+    EXPECT_TRUE(items().isEmpty());
 }
 
 TEST_F(DownloadImageTest, QuittingAsksAndEndsIt)
