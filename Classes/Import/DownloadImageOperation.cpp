@@ -20,6 +20,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMimeDatabase>
 
 #include <algorithm>
 
@@ -32,6 +33,13 @@ constexpr qsizetype longestAddress = 300; // that is shown or logged
 tamberin_AppDelegate &application()
 {
     return *tamberin_AppDelegate::sharedDelegate();
+}
+
+// By its content; empty for what is no picture.
+QString extensionOfPicture(const QString &path)
+{
+    const QString type = QMimeDatabase().mimeTypeForFile(path, QMimeDatabase::MatchContent).name();
+    return type.startsWith(u"image/") ? zqExtensionForContentType(type) : QString();
 }
 
 } // namespace
@@ -125,8 +133,14 @@ void DownloadImageOperation::download(ImageFetch &fetch, const QString &imageUrl
 
 void DownloadImageOperation::fixExtension(QString &path, const QString &contentType)
 {
-    const QString extension = zqExtensionForContentType(contentType);
-    if (ImportQueries::fileAtPathIsSupported(path) || extension.isEmpty()) {
+    if (ImportQueries::fileAtPathIsSupported(path)) {
+        return;
+    }
+    QString extension = zqExtensionForContentType(contentType);
+    if (!ImportQueries::fileAtPathIsSupported(path + u'.' + extension)) { // plain bytes, as many servers say
+        extension = extensionOfPicture(path);
+    }
+    if (extension.isEmpty()) {
         return;
     }
     QFile file(path);
