@@ -132,6 +132,13 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path, qint6
     request.mayConnectTo = [reach = m_pageReach, own = m_pageAddresses](const QHostAddress &address) {
         return zqReachOfAddress(address) <= reach || own.contains(address);
     };
+    if (m_uses.didReceive) {
+        request.didReceiveBytes = [didReceive = m_uses.didReceive](qint64 received, qint64 expected) {
+            if (expected > 0) {
+                didReceive(double(received) / double(expected));
+            }
+        };
+    }
     return request;
 }
 

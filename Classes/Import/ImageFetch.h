@@ -26,12 +26,14 @@ public:
     using Asker = ImageDownloadRequest::Asker;
     struct Uses
     {
+        // How much of the running one is there, from 0 to 1, of those whose server says how large it is. On the
+        // network's thread, never after `fetch` has answered; it must be short.
+        std::function<void(double part)> didReceive = {};
         std::function<QList<QHostAddress>(const QString &host)> lookUp = {}; // empty: asks the system, and waits
         std::function<qint64(const QString &folder)> freeBytes = {};         // empty: asks the system
         qint64 mostBytesTogether = qint64(2) << 30;                          // that a page may have come, kept or not
     };
 
-    ImageFetch(const QString &pageUrl, Asker asker) : ImageFetch(pageUrl, asker, {}) {}
     ImageFetch(const QString &pageUrl, Asker asker, const Uses &uses);
 
     // `path`: the file to make. The answer has the content type that the server, or the address, states.

@@ -110,13 +110,16 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     servePicture("/pic.png");
     servePicture("/other/pic.png");
     servePicture("/bare", "image/png; charset=x");
+    servePicture("/plain", "application/octet-stream");
     const QString pic = server.address(QStringLiteral("/pic.png?size=2"));
     const QString bare = server.address(QStringLiteral("/bare"));
     const QString data = QStringLiteral("data:image/png;base64,") + QString::fromLatin1(png().toBase64());
-    const auto operation = download({pic, QStringLiteral("other/pic.png"), bare, data}, QStringLiteral("yes"));
+    const auto operation =
+        download({pic, QStringLiteral("other/pic.png"), bare, data, server.address(QStringLiteral("/plain"))},
+                 QStringLiteral("yes"));
 
     EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("bare"), QStringLiteral("image"), QStringLiteral("pic"),
-                                            QStringLiteral("pic")}));
+                                            QStringLiteral("pic"), QStringLiteral("plain")}));
     ASSERT_TRUE(item(QStringLiteral("bare")) && item(QStringLiteral("image")));
     EXPECT_EQ(item(QStringLiteral("bare"))->webURL(), bare);
     EXPECT_EQ(item(QStringLiteral("bare"))->webPageURL(), page);
@@ -128,11 +131,11 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     EXPECT_EQ(item(QStringLiteral("image"))->webURL(), QString()) << "it would be the picture once more";
     EXPECT_EQ(item(QStringLiteral("image"))->webPageURL(), page);
     EXPECT_EQ(projectTitles().last(), QStringLiteral("Página"));
-    EXPECT_EQ(projectsLabel()->orderedChildren().last()->numberOfItems(), 4);
+    EXPECT_EQ(projectsLabel()->orderedChildren().last()->numberOfItems(), 5);
     EXPECT_EQ(server.requests().first().headers.value("referer"), page.section(u'#', 0, 0).toUtf8());
     ASSERT_FALSE(user.progresses.isEmpty());
-    EXPECT_EQ(user.progresses.first()->maximum, 4);
-    EXPECT_EQ(user.progresses.first()->done, 4);
+    EXPECT_EQ(user.progresses.first()->maximum, 5);
+    EXPECT_NEAR(user.progresses.first()->done, 5, 0.001);
     EXPECT_TRUE(user.progresses.first()->isOver);
     EXPECT_TRUE(user.errors.isEmpty());
     EXPECT_TRUE(operation->failures().isEmpty());
@@ -156,7 +159,7 @@ TEST_F(DownloadImageTest, WhatFailsIsToldAndTheOthersCome)
     servePicture("/good.png");
     server.setAnswer(QStringLiteral("/page.png"), Answer::with("text/html", "<p>not here</p>"));
     server.setAnswer(QStringLiteral("/short.png"), {.body = png(), .statedLength = 100'000});
-    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", png()));
+    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", "no picture"));
     QStringList images;
     for (const char *name : {"/missing.png", "/page.png", "/short.png", "/unknown", "/good.png"}) {
         images.append(server.address(QString::fromLatin1(name)));
@@ -324,6 +327,25 @@ TEST_F(DownloadImageTest, CancelledItEndsTheRunningRequestAndLeavesNothing)
     EXPECT_TRUE(user.errors.isEmpty());
     EXPECT_EQ(projectTitles(), projects);
     EXPECT_TRUE((temporaryFolders() - before).isEmpty());
+}
+
+TEST_F(DownloadImageTest, WithinALargeImageProgressMovesAndACancelEndsIt)
+{
+    std::function<void()> cancel;
+    user.onBeginProgress = [&cancel](const std::function<void()> &given) { cancel = given; };
+    server.setAnswer(
+        QStringLiteral("/large.png"),
+        {.body = QByteArray(600'000, 'x'), .statedLength = 1'000'000, .end = LocalHTTPServer::End::Silence});
+    const auto operation = ImageDownloads::sharedImageDownloads().start(
+        {.pageTitle = {}, .pageUrl = page, .images = {server.address(QStringLiteral("/large.png"))}, .importAll = {}});
+    const auto progress = user.progresses.first();
+    zqRunMainLoopUntil([&] { return operation->isFinished() || progress->done > 0.55; });
+    EXPECT_LE(progress->done, 0.61);
+    ASSERT_FALSE(operation->isFinished());
+    cancel();
+    zqRunMainLoopUntil([&] { return !ImageDownloads::sharedImageDownloads().isDownloading(); });
+    EXPECT_NEAR(progress->done, 1, 0.001);
+    EXPECT_TRUE(items().isEmpty());
 }
 
 TEST_F(DownloadImageTest, QuittingAsksAndEndsIt)
