@@ -126,14 +126,20 @@ int zqRunSnapWeb(const SnapWebRequest &request, CommandContext &context);
 struct DownloadCommandRequest
 {
     QStringList urls;
-    QString page;     // address of the page
-    QString title;    // of the page
-    bool all = false; // into a project titled so
+    QString page;            // address of the page
+    QString title;           // of the page
+    bool all = false;        // into a project titled so
+    bool isFromPage = false; // which named the addresses, and no person did
 };
 // 1 when some could not be downloaded or imported, 2 when nothing came.
 int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context);
-// What the desktop hands over: `zelto:snap:…`, `zelto:import:…`.
-int zqRunOpenURL(const QString &url, CommandContext &context);
+struct OpenURLRequest
+{
+    QString url;           // that a browser hands over: `zelto:snap:…`, `zelto:import:…`
+    bool isAgreed = false; // to images that the person would be asked about
+};
+// Images are imported as by `zqRunDownload`, unless the window has to ask about them first; it does captures, too.
+int zqRunOpenURL(const OpenURLRequest &request, CommandContext &context);
 
 // The templates, by title.
 int zqRunTemplates(CommandContext &context);

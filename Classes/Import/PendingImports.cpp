@@ -18,6 +18,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -226,7 +227,8 @@ std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &reque
     }
     auto operation = std::make_shared<ImportOperation>(asked, kept, m_owner);
     asked.origin.reset(); // its folder goes with the operation
-    operation->setCompletionBlock([this, pending = kept.pending, asked, weak = std::weak_ptr(operation)] {
+    const std::weak_ptr<TemporaryFolder> holder = std::exchange(asked.holder, nullptr);
+    operation->setCompletionBlock([this, pending = kept.pending, asked, holder, weak = std::weak_ptr(operation)] {
         // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
         const auto ended = weak.lock();
         if (!ended || !ended->isCancelled() || ended->hasStarted()) {
@@ -236,6 +238,9 @@ std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &reque
             asked.part->didCome();
         }
         if (keepsCancelled()) {
+            if (const auto held = holder.lock()) {
+                held->keep();
+            }
             return;
         }
         if (pending) {
