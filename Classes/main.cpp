@@ -5,19 +5,24 @@
 #include "Classes/Application/LibraryLock.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Capture/DisplaySource.h"
 #include "Classes/Capture/ZeltoKunViewController.h"
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Command/PendingCommands.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImageDownloads.h"
 #include "Classes/Import/PromisedImports.h"
 #include "Classes/Import/XDirectSave.h"
+#include "Classes/Interface/Capture/CaptureViews.h"
 #include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"
 #include "Classes/Services/CrashReporter.h"
+#include "Classes/Services/HotKeys.h"
 #include "Classes/Services/InstanceServer.h"
+#include "Classes/Services/ProtocolManager.h"
 #include "Classes/Services/SoftwareUpdater.h"
 #include "Classes/Sharing/CloudMenuViewController.h"
 #include "Classes/SignalWatcher.h"
@@ -33,6 +38,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QScopeGuard>
+#include <QScreen>
 #include <QTimer>
 
 #include <algorithm>
@@ -78,8 +84,8 @@ int drawSnapshot(const SnapshotRequest &request, CommandContext &context)
     return 0;
 }
 
-// Does what another process asked of this one, which has the window. Nothing: it is answered when what it waits for is
-// done.
+// Does what another process asked of this one, which has the window. Nothing: it is answered when what it waits for
+// is done.
 std::optional<InstanceReply> serve(const InstanceRequest &request, tamberin_AppDelegate &delegate,
                                    PendingCommands &pending)
 {
@@ -103,7 +109,7 @@ std::optional<InstanceReply> serve(const InstanceRequest &request, tamberin_AppD
         } else {
             QStringList paths;
             for (const QString &file : commandLine.filesToOpen()) {
-                paths.append(context.absolutePath(file));
+                paths.append(context.pathToOpen(file));
             }
             delegate.reopenMainWindow();
             delegate.openFiles(paths);
@@ -167,7 +173,8 @@ void tellOfWaiting(const QString &format, const QString &bundle)
     std::fprintf(stderr, "zelto: %s\n", zqFormat(format, {bundle}).toUtf8().constData());
 }
 
-// Hands the whole command line to the process that holds the library; its exit status, or nothing when nobody takes it.
+// Hands the whole command line to the process that holds the library; its exit status, or nothing when nobody takes
+// it.
 std::optional<int> handOver(const QString &bundle, const QStringList &arguments, CommandContext &context)
 {
     ZQError error;
@@ -260,8 +267,10 @@ int runCommand(const CommandLine &commandLine, const QStringList &arguments, Com
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     parts.liveFolderManager = &liveFolders;
     parts.isEndWanted = &SignalWatcher::hasCome;
+    parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(CaptureParts{}); };
     tamberin_AppDelegate delegate(parts);
     // An import takes back what it did, an edit ends at a batch and a synchronisation at a save, and both say so;
     // everything else can be ended anywhere, as the system does it.
@@ -282,7 +291,25 @@ int runSnapshot(const CommandLine &commandLine, const QStringList &arguments, Co
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     parts.isEndWanted = &SignalWatcher::hasCome;
+    tamberin_AppDelegate delegate(parts);
+    return runOnLibrary(delegate, commandLine, arguments, context);
+}
+
+// A command that takes the screen needs no window, but the views that a person chooses in.
+int runSnap(const CommandLine &commandLine, const QStringList &arguments, CommandContext &context)
+{
+    PreferencesController::registerDefaultPreferences();
+    CommandUserInteraction user;
+    CaptureViews views;
+    ApplicationParts parts;
+    parts.userInteraction = &user;
+    parts.importManager = &AImportManager::sharedAImportManager();
+    parts.isEndWanted = &SignalWatcher::hasCome;
+    parts.makeZeltoKunViewController = [&views] {
+        return std::make_unique<ZeltoKunViewController>(CaptureParts{DisplaySource::make(), &views, nullptr});
+    };
     tamberin_AppDelegate delegate(parts);
     return runOnLibrary(delegate, commandLine, arguments, context);
 }
@@ -301,12 +328,13 @@ std::optional<int> takeLibraryForWindow(tamberin_AppDelegate &delegate, const QS
     return status;
 }
 
-// A library among the files to open is the one to start with, unless a window with the remembered one is there already:
-// that one asks whether to switch. Before the library is first asked for.
+// A library among the files to open is the one to start with, unless a window with the remembered one is there
+// already: that one asks whether to switch. Before the library is first asked for.
 bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError *error)
 {
     const auto library = std::find_if(files.begin(), files.end(), [](const QString &file) {
-        return file.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive);
+        return file.endsWith(QStringLiteral(".ztlibrary"), Qt::CaseInsensitive) &&
+               !ProtocolHandling::isProtocolURL(file);
     });
     if (library == files.end() || !commandLine.library().isEmpty() ||
         LibraryLock::isInUse(LibraryLocation::rememberedOrDefault())) {
@@ -319,6 +347,30 @@ bool takeLibraryFrom(QStringList &files, const CommandLine &commandLine, ZQError
     return true;
 }
 
+QList<QRect> screenFrames()
+{
+    QList<QRect> frames;
+    for (const QScreen *screen : QGuiApplication::screens()) { // the main one first
+        frames.append(screen->availableGeometry());
+    }
+    return frames;
+}
+
+std::unique_ptr<ProtocolHandling> makeProtocolManager(UserInteraction &user)
+{
+    const auto delegate = &tamberin_AppDelegate::sharedDelegate;
+    return std::make_unique<ProtocolManager>(ProtocolManager::Uses{
+        user,
+        [delegate] {
+            return delegate()->applicationLauched() && delegate()->mainWindowController() &&
+                   !delegate()->isTerminating();
+        },
+        [delegate] { return delegate()->zeltoKunViewController(); },
+        [delegate] { return delegate()->imageDownloading(); },
+        &screenFrames,
+    });
+}
+
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
               CommandContext &context, bool *reopens)
 {
@@ -328,17 +380,23 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     SoftwareUpdater updater;
     CrashReporter crashReporter;
     CloudMenuViewController cloudMenu;
+    CaptureViews captureViews;
     LiveFolderManager liveFolders;
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     parts.isEndWanted = &SignalWatcher::hasCome;
     parts.liveFolderManager = &liveFolders;
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;
     parts.cloudMenuViewController = &cloudMenu;
     parts.makeMainWindowController = [&user] { return std::make_unique<MainWindowController>(user); };
-    parts.makeZeltoKunViewController = [] { return std::make_unique<ZeltoKunViewController>(); };
+    parts.makeProtocolManager = [&user] { return makeProtocolManager(user); };
+    parts.makeZeltoKunViewController = [&captureViews] {
+        return std::make_unique<ZeltoKunViewController>(
+            CaptureParts{DisplaySource::make(), &captureViews, HotKeys::make()});
+    };
     tamberin_AppDelegate delegate(parts);
     AImportManager &imports = AImportManager::sharedAImportManager();
     PromisedImports promised(imports, XDirectSave::maker());
@@ -347,7 +405,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
 
     QStringList files;
     for (const QString &file : commandLine.filesToOpen()) {
-        files.append(context.absolutePath(file));
+        files.append(context.pathToOpen(file));
     }
     ZQError error;
     if (!takeLibraryFrom(files, commandLine, &error)) {
@@ -381,6 +439,8 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
         delegate.applicationDidFinishLaunching();
         if (!delegate.managedObjectContext()) {
             QCoreApplication::exit(SignalWatcher::hasCome() ? 0 : 2);
+        } else {
+            captureViews.makeStatusIcon(delegate);
         }
     });
     const int status = application.exec();
@@ -389,9 +449,28 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     return status;
 }
 
-bool needsWindow(const CommandLine &commandLine)
+bool hasDisplay()
 {
-    return !commandLine.isCommand() || commandLine.isSnapshot();
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+// Whoever has the library open takes the screen itself, and sooner than a process that gets ready for it.
+bool takesScreenItself(const CommandLine &commandLine)
+{
+    const QString library = commandLine.library();
+    return commandLine.takesScreen() && hasDisplay() &&
+           !LibraryLock::isInUse(library.isEmpty() ? LibraryLocation::rememberedOrDefault() : library);
+}
+
+int runWithWidgets(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
+                   CommandContext &context, bool *reopens)
+{
+    if (commandLine.isSnapshot()) {
+        return runSnapshot(commandLine, arguments, context);
+    }
+    return commandLine.takesScreen() ? runSnap(commandLine, arguments, context)
+                                     : runWindow(application, commandLine, arguments, context, reopens);
 }
 
 } // namespace
@@ -417,7 +496,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
     QCoreApplication::setApplicationVersion(QStringLiteral(ZELTO_VERSION));
     ZQImageSource::initialize(argv[0]);
-    if (!needsWindow(commandLine)) {
+    if (commandLine.isCommand() && !commandLine.isSnapshot() && !takesScreenItself(commandLine)) {
         QCoreApplication application(argc, argv);
         status = runCommand(commandLine, arguments, context);
         zqStopMainThreadCalls();
@@ -433,8 +512,7 @@ int main(int argc, char *argv[])
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
     bool reopens = false;
-    status = commandLine.isSnapshot() ? runSnapshot(commandLine, arguments, context)
-                                      : runWindow(application, commandLine, arguments, context, &reopens);
+    status = runWithWidgets(application, commandLine, arguments, context, &reopens);
     if (reopens) { // only now nobody holds the library any more
         const QString library = commandLine.library();
         QProcess::startDetached(QCoreApplication::applicationFilePath(),

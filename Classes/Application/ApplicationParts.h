@@ -12,6 +12,7 @@ struct ApplicationParts
 {
     UserInteraction *userInteraction = nullptr; // required
     ImportManaging *importManager = nullptr;
+    ImageDownloading *imageDownloading = nullptr;
     LiveFolderManaging *liveFolderManager = nullptr;
     SoftwareUpdating *softwareUpdater = nullptr;
     CrashReporting *crashReporter = nullptr;

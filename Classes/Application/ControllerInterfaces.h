@@ -146,6 +146,12 @@ public:
     // Capture of a web page. `pageURL` empty: the person types it; `frame` of the browser's window, in points of the
     // desktop, null where it is not known.
     virtual void snapWebsite(const QString &pageURL, const QRect &frame) = 0;
+    // Why the keys of the command known by its user default do not work, localized; empty: they do, or there are none.
+    virtual QString problemOfHotKey(const QString & /*command*/) const { return {}; }
+    // While a person presses the keys that are to be one of them, none does what it does.
+    virtual void setHotKeysPaused(bool /*paused*/) {}
+    // Returns once everything that was taken is on its way into the library, as an import. For quitting.
+    virtual void finishStoring() {}
 };
 
 // Images of a web page that are to be imported.
@@ -163,13 +169,19 @@ class ImageDownloading
 public:
     virtual ~ImageDownloading() = default;
     virtual void downloadImages(const ImageDownloadRequest &request) = 0;
+    virtual bool isDownloading() const = 0;
+    virtual void stopDownloads() = 0; // cancels all; they end soon, and nothing of them is imported
 };
 
 // Commands that arrive as addresses of this application's scheme. Main thread.
 class ProtocolHandling
 {
 public:
+    static inline const QString scheme = QStringLiteral("zelto");
+
     virtual ~ProtocolHandling() = default;
+    // Whether a word, where a file could stand too, is an address of the scheme, well formed or not.
+    static bool isProtocolURL(const QString &word) { return word.startsWith(scheme + u':', Qt::CaseInsensitive); }
     // Waits until the launch is done. Nothing of it is trusted.
     virtual void handleURL(const QString &url) = 0;
 };

@@ -4,7 +4,7 @@
 #include "Classes/Application/LibraryStore.h"
 #include "Classes/Application/LibrarySwitch.h"
 #include "Classes/Application/RunningParts.h"
-#include "Kit/Files/ZQFileCopy.h"
+#include "Classes/Application/TemplateFolder.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -66,7 +66,7 @@ bool DesktopRequests::moveTemplate(const QString &path)
 {
     const QString directory = m_places.templateDirectory();
     ZQError error;
-    if (!directory.isEmpty() && zqMoveNoReplace(path, directory + u'/' + QFileInfo(path).fileName(), &error)) {
+    if (!directory.isEmpty() && TemplateFolder::moveIn(path, directory, &error)) {
         return true;
     }
     m_running.userInteraction().presentError(error);
@@ -79,9 +79,13 @@ void DesktopRequests::openFiles(const QStringList &paths)
     bool templateMoved = false;
     for (const QString &path : paths) {
         const QString extension = zqPathExtension(path);
-        if (extension.toLower() == QStringLiteral("ztlibrary")) {
+        if (ProtocolHandling::isProtocolURL(path)) { // whatever it ends with
+            if (m_running.protocolManager()) {
+                m_running.protocolManager()->handleURL(path);
+            }
+        } else if (extension.toLower() == QStringLiteral("ztlibrary")) {
             m_switch.switchToLibrary(path);
-        } else if (extension == QStringLiteral("zttemplate")) {
+        } else if (TemplateFolder::isTemplatePath(path)) {
             templateMoved = moveTemplate(path) || templateMoved;
         } else {
             rest.append(path);

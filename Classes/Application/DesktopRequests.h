@@ -18,7 +18,8 @@ public:
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     void applicationWillBecomeActive();
     void reopenMainWindow();
-    void openFiles(const QStringList &paths); // waits for the window with what needs one
+    // Waits for the window with what needs one. Addresses of the application's scheme may be among them.
+    void openFiles(const QStringList &paths);
 
 private:
     bool moveTemplate(const QString &path);

@@ -30,6 +30,7 @@ Launch::Launch(const Uses &uses, QDateTime launchDate) : m_uses(uses), m_launchD
 void Launch::applicationWillFinishLaunching()
 {
     m_uses.places.applicationSupportFolder();
+    m_uses.running.makeProtocolManager();
 }
 
 void Launch::applicationDidFinishLaunching()

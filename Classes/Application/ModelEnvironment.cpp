@@ -76,8 +76,10 @@ std::optional<int> ModelEnvironment::ratingOfFile(const QString &path)
 std::optional<ZQFileTags> ModelEnvironment::tagsAfterReadingFile(const QString &path, const ZQFileTags &present)
 {
     ZQError error;
-    const auto file = FileTagsMerge::ofFile(path, ItemTagSync::valuesOf(present), FileTagsMerge::Unknown::TakesFile,
-                                            present.isFirst, &error);
+    // A file cannot take away what was given just now and is still on its way into it.
+    const auto unknown = TagFileWriter::sharedTagFileWriter().isWaiting(path) ? FileTagsMerge::Unknown::KeepsBoth
+                                                                              : FileTagsMerge::Unknown::TakesFile;
+    const auto file = FileTagsMerge::ofFile(path, ItemTagSync::valuesOf(present), unknown, present.isFirst, &error);
     if (!file) {
         qCInfo(zqLogTags).noquote() << "The tags of" << path << "were not read:" << error.localizedDescription();
         return std::nullopt;

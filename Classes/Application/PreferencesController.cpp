@@ -18,6 +18,7 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("AfterScreenshotOpenZelto"), true},
         {QStringLiteral("QuitZeltoKunWhenZeltoQuit"), true},
         {QStringLiteral("ShowZeltoKun"), true},
+        {QStringLiteral("ScreenshotSoundAndFlash"), true},
         {QStringLiteral("CopyItemInZeltoLibrary"), true},
         {QStringLiteral("UseBackgroundTextures"), true},
         {QStringLiteral("ShowLibraryItemsTitles"), true},

@@ -14,6 +14,7 @@
 #include "Kit/Persistence/ZQStoreCheck.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QCoreApplication>
 
@@ -33,8 +34,10 @@ bool Quit::stopRunningImports()
 {
     ZQOperationQueue *sync =
         m_running.liveFolderManager() ? &m_running.liveFolderManager()->syncOperationQueue() : nullptr;
-    const auto isIdle = [&] {
-        return m_running.backgroundQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
+    ImageDownloading *const downloads = m_running.imageDownloading();
+    const auto isIdle = [&] { // a download that ends may begin an import: it is looked at first
+        return (!downloads || !downloads->isDownloading()) && m_running.backgroundQueue().operationCount() == 0 &&
+               (!sync || sync->operationCount() == 0);
     };
     if (isIdle()) {
         return true;
@@ -50,6 +53,9 @@ bool Quit::stopRunningImports()
     m_isEnding = true;
     m_leftovers.stop(); // it might queue more, and ask below the loop that drains
     m_running.setKeepsCancelledImports(true);
+    if (downloads) {
+        downloads->stopDownloads();
+    }
     m_running.backgroundQueue().cancelAllOperations();
     if (sync) {
         sync->cancelAllOperations();
@@ -68,6 +74,9 @@ bool Quit::stopRunningImports()
 QStringList Quit::purge()
 {
     ZQManagedObjectContext *context = m_store.managedObjectContext();
+    if (!ZQSidebarWatchedFolder::putAwayItemsLeftBehind(*context)) {
+        return {}; // the next one does
+    }
     ZQSidebarBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context);
     return ZQLibraryBaseItem::permanentlyDeleteInactiveObjectinManagedObjectContext(*context).value_or(QStringList());
 }
@@ -90,6 +99,9 @@ void Quit::removePurged()
 
 TerminateReply Quit::applicationShouldTerminate()
 {
+    if (ScreenCaptureControlling *const capture = m_running.capture()) {
+        capture->finishStoring(); // what was taken a moment ago is an import like any other then
+    }
     if (!stopRunningImports()) {
         return TerminateReply::Cancel;
     }

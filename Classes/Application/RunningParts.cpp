@@ -45,6 +45,18 @@ void RunningParts::closeCapture()
     m_capture.reset();
 }
 
+void RunningParts::makeProtocolManager()
+{
+    if (!m_protocolManager && m_parts.makeProtocolManager) {
+        m_protocolManager = m_parts.makeProtocolManager();
+    }
+}
+
+void RunningParts::closeProtocolManager()
+{
+    m_protocolManager.reset();
+}
+
 ZQOperationQueue &RunningParts::backgroundQueue()
 {
     if (!m_backgroundQueue) {

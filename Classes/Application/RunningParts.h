@@ -17,6 +17,7 @@ public:
     const ApplicationParts &parts() const { return m_parts; }
     UserInteraction &userInteraction() const { return *m_parts.userInteraction; } // any thread may ask for it
     ImportManaging *importManager() const { return m_parts.importManager; }
+    ImageDownloading *imageDownloading() const { return m_parts.imageDownloading; }
     LiveFolderManaging *liveFolderManager() const { return m_parts.liveFolderManager; }
     void setKeepsCancelledImports(bool keeps) const;
 
@@ -26,6 +27,9 @@ public:
     ScreenCaptureControlling *capture() const { return m_capture.get(); }
     void makeCapture(); // once
     void closeCapture();
+    ProtocolHandling *protocolManager() const { return m_protocolManager.get(); } // null: none
+    void makeProtocolManager();                                                   // once
+    void closeProtocolManager();
 
     ZQOperationQueue &backgroundQueue();
     void endBackgroundQueue(); // cancels what is left and waits for what runs, keeping what was asked for
@@ -42,4 +46,5 @@ private:
     std::unique_ptr<ZQOperationQueue> m_editQueue;
     std::unique_ptr<MainWindowControlling> m_window;
     std::unique_ptr<ScreenCaptureControlling> m_capture;
+    std::unique_ptr<ProtocolHandling> m_protocolManager;
 };

@@ -14,6 +14,8 @@
 #include <optional>
 #include <utility>
 
+class QuestionWithdrawal;
+
 // A question with its buttons; the first is the default, "Cancel" (or the answer that changes least) the last.
 struct UserQuestion
 {
@@ -22,6 +24,7 @@ struct UserQuestion
     QStringList buttons;
     QString suppressionKey; // the user default a "Do not ask again" box sets to true; empty: no box
     bool isDestructive = false;
+    std::shared_ptr<QuestionWithdrawal> withdrawal = {}; // null: it stays until it is answered
 };
 
 // One path under review before an import.

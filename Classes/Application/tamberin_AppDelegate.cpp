@@ -60,6 +60,7 @@ tamberin_AppDelegate::tamberin_AppDelegate(ApplicationParts parts)
 
 tamberin_AppDelegate::~tamberin_AppDelegate()
 {
+    m_running->closeProtocolManager(); // it asks through the window
     m_running->closeWindow();
     m_running->closeCapture();
     m_storeWork->stop();
@@ -357,6 +358,11 @@ ScreenCaptureControlling *tamberin_AppDelegate::zeltoKunViewController() const
     return m_running->capture();
 }
 
+ProtocolHandling *tamberin_AppDelegate::protocolManager() const
+{
+    return m_running->protocolManager();
+}
+
 ZQOperationQueue &tamberin_AppDelegate::backgroundOperationQueue()
 {
     return m_running->backgroundQueue();
@@ -365,6 +371,11 @@ ZQOperationQueue &tamberin_AppDelegate::backgroundOperationQueue()
 ZQOperationQueue &tamberin_AppDelegate::editQueue()
 {
     return m_running->editQueue();
+}
+
+ImageDownloading *tamberin_AppDelegate::imageDownloading() const
+{
+    return m_running->imageDownloading();
 }
 
 ImportManaging *tamberin_AppDelegate::importManager() const

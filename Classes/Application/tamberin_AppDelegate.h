@@ -10,6 +10,7 @@
 
 class DesktopRequests;
 class FixedSidebar;
+class ImageDownloading;
 class ImportManaging;
 class ItemTagSync;
 class Launch;
@@ -22,6 +23,7 @@ class LibrarySwitch;
 class LiveFolderManaging;
 class MainWindowControlling;
 class ModelEnvironment;
+class ProtocolHandling;
 class QProcess;
 class Quit;
 class RunningParts;
@@ -124,11 +126,13 @@ public:
     void forceSyncWatchedFolder(const ZQObjectID &folder);
     MainWindowControlling *mainWindowController() const;
     ScreenCaptureControlling *zeltoKunViewController() const;
+    ProtocolHandling *protocolManager() const; // null without a window
     ZQOperationQueue &backgroundOperationQueue();
     // Changes of many items, one after the other. Quitting cancels them at the batch they are at, and lets those of one
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
+    ImageDownloading *imageDownloading() const; // null: none
     LiveFolderManaging *liveFolderManager() const; // null: none
     UserInteraction &userInteraction() const;      // any thread may ask for it
 

@@ -9,7 +9,6 @@
 #include <QVariantMap>
 
 #include <functional>
-#include <memory>
 #include <optional>
 
 // One screen of the desktop.
@@ -49,7 +48,4 @@ public:
     virtual void captureWindow(quint32 number, Taken taken) = 0;
     virtual void captureAllScreens(Taken taken) = 0;
     virtual void captureInteractively(Taken taken) = 0;
-
-    // For the display that this process has; null where it has none that can be captured.
-    static std::unique_ptr<ScreenSource> make();
 };

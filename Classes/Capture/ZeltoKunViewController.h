@@ -1,14 +1,79 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Capture/CaptureStore.h"
+#include "Classes/Capture/ScreenSource.h"
+#include "Classes/Capture/ScreenshotSession.h"
+#include "Classes/Capture/WebCaptureDelegate.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Operations/ZQNotificationCenter.h"
 
-// The screen-capture controller, living in this process. Holds no status item and takes no keys by itself.
-class ZeltoKunViewController : public ScreenCaptureControlling
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+// What captures are made with. Any may be null: there is no display, no window, nobody who takes keys.
+struct CaptureParts
 {
+    std::unique_ptr<ScreenSource> screenSource = nullptr;
+    CaptureInterface *interface = nullptr;
+    std::unique_ptr<HotKeyRegistering> hotKeys = nullptr;
+};
+
+// The screen-capture controller, living in this process: starts captures for menus, hot keys and commands, one at a
+// time, and has what they take stored. Main thread.
+class ZeltoKunViewController : public QObject,
+                               public ScreenCaptureControlling,
+                               public ScreenshotSessionDelegate,
+                               public WebCaptureDelegate
+{
+    Q_OBJECT
 public:
-    void loadView() override { m_isLoaded = true; }
-    bool isLoaded() const { return m_isLoaded; }
+    enum class Outcome { Stored, CalledOff, Failed };
+    // Called once. Where there is one, it is who tells the person what failed.
+    using Ended = std::function<void(Outcome outcome, const ZQError &error)>;
+
+    explicit ZeltoKunViewController(CaptureParts parts);
+    ~ZeltoKunViewController() override;
+
+    void loadView() override; // takes the keys of the user defaults, and follows them
+    void snapArea() override { snap(ScreenshotSession::Kind::Area, {}); }
+    void snapWindow() override { snap(ScreenshotSession::Kind::Window, {}); }
+    void snapFullScreen() override { snap(ScreenshotSession::Kind::FullScreen, {}); }
+    void snapWebsite(const QString &pageURL, const QRect &frame) override;
+    void openZelto();
+    void snap(ScreenshotSession::Kind kind, Ended ended);
+    void cancel(); // the capture that goes on, as the person would
+    QString problemOfHotKey(const QString &command) const override;
+    void setHotKeysPaused(bool paused) override;
+    void finishStoring() override { m_store.finish(); }
+
+    void screenshotViewController(ScreenshotSession &session, const QImage &didTakeScreenshotImage) override;
+    void screenshotViewController(ScreenshotSession &session, const QImage &didTakeScreenshotImage,
+                                  const QString &imageName) override;
+    void screenshotViewControllerDidEnd(ScreenshotSession &session, const ZQError &error) override;
+    void screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
+                                       const QString &andPageTitle) override;
+    // The same for who waits for it.
+    void storeWebCapture(const QString &didTakeFile, const QString &forPageURL, const QString &andPageTitle,
+                         Ended ended);
 
 private:
-    bool m_isLoaded = false;
+    struct Command;
+    static const QList<Command> &commands();
+    void registerHotKey(const Command &command);
+    void fail(const ZQError &error, const Ended &ended);
+    void letGoOfSession();
+    void didStore(const ZQError &error, const Ended &ended);
+
+    std::unique_ptr<ScreenSource> m_screenSource;
+    CaptureInterface *const m_interface;
+    std::unique_ptr<HotKeyRegistering> m_hotKeys;
+    CaptureStore m_store;
+    std::unique_ptr<ScreenshotSession> m_session;
+    Ended m_ended; // of the session
+    bool m_areHotKeysPaused = false;
+    ZQUserDefaults::Token m_defaults;
+    ZQNotificationCenter::Token m_hotKeyState;
 };

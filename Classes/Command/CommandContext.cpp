@@ -1,5 +1,6 @@
 #include "Classes/Command/CommandContext.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -11,10 +12,20 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QUrl>
 
 ZQManagedObjectContext &CommandContext::store() const
 {
     return *delegate->managedObjectContext();
+}
+
+QString CommandContext::pathToOpen(const QString &given) const
+{
+    if (ProtocolHandling::isProtocolURL(given)) {
+        return given;
+    }
+    const QUrl url(given);
+    return url.isLocalFile() ? url.toLocalFile() : absolutePath(given);
 }
 
 LibraryIndex *CommandContext::readyIndex() const

@@ -57,6 +57,9 @@ struct CommandContext
     // The index, when it is there already and knows what the store does; else null.
     LibraryIndex *readyIndex() const;
     QString absolutePath(const QString &path) const { return QDir(workingDirectory).absoluteFilePath(path); }
+    // What a window is to open, as a desktop or a person writes it: a path, a file's address, or an address of the
+    // application's scheme, which stays as it is.
+    QString pathToOpen(const QString &given) const;
 
     void print(const QString &line) { output += line.toUtf8() + '\n'; }
     void printJSON(const QJsonValue &value);

@@ -1,5 +1,6 @@
 #include "Classes/Command/CommandLine.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Command/Commands.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
@@ -80,9 +81,12 @@ CommandLine::CommandLine()
     m_app->fallthrough();
     m_app->add_option("--library", m_options->library, "The library bundle to work on; without it the remembered one")
         ->type_name("DIR");
-    m_app->add_option("files", m_options->files, "Files, folders or a library to open in the window")
+    m_app
+        ->add_option("files", m_options->files,
+                     "Files, folders or a library to open in the window, or what a browser hands over (zelto:…)")
         ->type_name("FILE");
     defineImport();
+    defineDownload();
     defineItems();
     defineSearch();
     defineSmartFolder();
@@ -91,6 +95,9 @@ CommandLine::CommandLine()
     defineTags();
     defineLiveFolders();
     definePsd();
+    defineOpenURL();
+    defineTemplates();
+    defineSnap();
     defineVerify();
     defineDefaults();
     defineSnapshot();
@@ -394,11 +401,13 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
                         : m_options->duplicates == "relink" ? DuplicatePolicy::Relink
                                                             : DuplicatePolicy::Keep;
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
-    m_isImport = m_app->got_subcommand("import");
+    m_isImport = m_app->got_subcommand("import") || m_app->got_subcommand("open-url") || m_app->got_subcommand("new");
     m_fillsLibrary = m_fillsLibrary || m_isImport;
     for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
+    m_isSnap = m_app->got_subcommand("snap");
+    m_fillsLibrary = m_fillsLibrary || m_isSnap;
     m_isSnapshot = m_app->got_subcommand("snapshot");
     if (m_isSnapshot) {
         static const QRegularExpression pattern(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$"));
@@ -420,7 +429,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
 // Whether `word`, where a command or a file is expected, is neither; says so in `context`.
 bool CommandLine::isNothing(const QString &word, CommandContext &context) const
 {
-    if (QFileInfo::exists(context.absolutePath(word))) {
+    if (ProtocolHandling::isProtocolURL(word) || QFileInfo::exists(context.pathToOpen(word))) {
         return false;
     }
     const QString meant = commandLike(word);

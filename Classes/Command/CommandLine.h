@@ -42,6 +42,8 @@ public:
     bool fillsLibrary() const { return m_fillsLibrary; } // one that is not there yet may be made for it
     bool isEdit() const { return m_isEdit; }             // of items, or of live folders
     bool isSnapshot() const { return m_isSnapshot; }
+    bool isSnap() const { return m_isSnap; }           // of the screen or of a page, into the library
+    bool takesScreen() const { return m_takesScreen; } // a snap that a person takes part in, on their display
     QString library() const { return m_library; } // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
     const SnapshotRequest &snapshot() const { return m_snapshot; }
@@ -68,6 +70,10 @@ private:
     void defineTags();
     void defineLiveFolders(); // in CommandLineLiveFolders.cpp
     void definePsd();         // in CommandLinePsd.cpp
+    void defineDownload();    // in CommandLineDownload.cpp
+    void defineOpenURL();     // in CommandLineOpenURL.cpp
+    void defineTemplates();   // in CommandLineTemplates.cpp
+    void defineSnap();        // in CommandLineSnap.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();
@@ -86,6 +92,8 @@ private:
     bool m_fillsLibrary = false;
     bool m_isEdit = false;
     bool m_isSnapshot = false;
+    bool m_isSnap = false;
+    bool m_takesScreen = false;
     bool m_json = false;
     QString m_library;
     QStringList m_files;

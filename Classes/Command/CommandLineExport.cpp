@@ -87,5 +87,6 @@ void CommandLine::defineExport()
                      "{title}")
         ->type_name("PATTERN");
     command->add_flag("--zip", given->numbers.zip, "Write one archive instead, Archive.zip");
-    command->add_flag("--json", m_json, "Print one object: written, count, missing, incomplete, failed, cancelled");
+    command->add_flag("--json", m_json,
+                      "Print one object: written, count, missing, incomplete, notes, failed, cancelled");
 }

@@ -130,9 +130,15 @@ struct DownloadCommandRequest
     QString title;    // of the page
     bool all = false; // into a project titled so
 };
+// 1 when some could not be downloaded or imported, 2 when nothing came.
 int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context);
 // What the desktop hands over: `zelto:snap:…`, `zelto:import:…`.
 int zqRunOpenURL(const QString &url, CommandContext &context);
+
+// The templates, by title.
+int zqRunTemplates(CommandContext &context);
+// Makes an asset of the template of that title, or file name, in the entry; `into` empty: in the library.
+int zqRunNewFromTemplate(const QString &title, const QString &into, CommandContext &context);
 
 int zqRunVerify(bool deep, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.

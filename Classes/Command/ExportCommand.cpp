@@ -10,6 +10,7 @@
 #include "Kit/Operations/ZQMainThread.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSet>
@@ -138,6 +139,7 @@ void printResult(const ExportRequest &request, const ExportResult &result, Comma
                                       {QStringLiteral("count"), result.count},
                                       {QStringLiteral("missing"), arrayOf(result.missing)},
                                       {QStringLiteral("incomplete"), arrayOf(result.incomplete)},
+                                      {QStringLiteral("notes"), arrayOf(result.notes)},
                                       {QStringLiteral("failed"), arrayOf(result.failed)},
                                       {QStringLiteral("cancelled"), result.isCancelled}});
         return;
@@ -155,6 +157,9 @@ void printResult(const ExportRequest &request, const ExportResult &result, Comma
     }
     for (const ExportResult::Problem &problem : result.incomplete) {
         context.print(zqFormat(zqLocalized("exported in part: %@: %@"), {problem.title, problem.reason}));
+    }
+    for (const ExportResult::Problem &note : result.notes) {
+        context.print(zqFormat(zqLocalized("note: %@: %@"), {note.title, note.reason}));
     }
     for (const ExportResult::Problem &problem : result.failed) {
         context.print(zqFormat(zqLocalized("not exported: %@: %@"), {problem.title, problem.reason}));
@@ -188,6 +193,10 @@ int zqRunExport(const ExportCommandRequest &request, CommandContext &context)
     const QString problem = problemOf(request);
     if (!problem.isNull()) {
         return context.fail(problem);
+    }
+    const QString folder = context.absolutePath(request.to);
+    if (QFileInfo(folder).isFile()) {
+        return context.fail(ExportReport::refusalOfFolder(folder));
     }
     const auto items = itemsOf(request, context);
     if (items && items->isEmpty()) {

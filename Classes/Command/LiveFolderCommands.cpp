@@ -3,6 +3,7 @@
 #include "Classes/Command/Commands.h"
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/LiveFolderTally.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Editing/SidebarCommands.h"
@@ -173,8 +174,9 @@ public:
         for (const ZQObjectID &folder : m_folders) {
             const LiveFolderStatus status = m_manager.statusOfWatchedFolder(folder);
             isSyncing = isSyncing || status.isSyncing;
-            show(status);
+            m_tally.note(folder, status);
         }
+        show();
         return !isSyncing;
     }
 
@@ -187,16 +189,15 @@ private:
             m_manager.stopSyncingWatchedFolders(m_folders);
         }
     }
-    void show(const LiveFolderStatus &status)
+    void show()
     {
-        if (status.filesTotal > 0 && status.filesTotal != m_total) {
-            m_total = status.filesTotal;
-            m_earlier += std::exchange(m_shown, 0);
-            m_progress->setMaximum(double(m_earlier + m_total));
+        if (const qsizetype total = m_tally.total(); total > m_total) {
+            m_total = total;
+            m_progress->setMaximum(double(total));
         }
-        if (status.filesDone > m_shown) {
-            m_progress->advanceBy(double(status.filesDone - m_shown));
-            m_shown = status.filesDone;
+        if (const qsizetype done = m_tally.done(); done > m_shown) {
+            m_progress->advanceBy(double(done - m_shown));
+            m_shown = done;
         }
     }
 
@@ -205,8 +206,8 @@ private:
     tamberin_AppDelegate &m_delegate;
     const QString m_library;
     bool m_wasCancelled = false;
-    qsizetype m_earlier = 0; // files of runs before
-    qsizetype m_shown = 0;   // of the one that goes on
+    LiveFolderTally m_tally;
+    qsizetype m_shown = 0;
     qsizetype m_total = 0;
     const AbandonWatch m_watch;
     std::shared_ptr<UserProgress> m_progress;

@@ -1,10 +1,13 @@
 // The commands on the rows of live folders.
 
 #include "Classes/Editing/EditStep.h"
+#include "Classes/Editing/LiveFolderItems.h"
 #include "Classes/Editing/SidebarCommands.h"
 #include "Classes/Editing/SidebarRemoval.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Models/DataModel/ZQSidebarWatchedFolder.h"
+
+#include <QSet>
 
 #include <memory>
 #include <utility>
@@ -21,7 +24,7 @@ Folder liveFolder(const EditContext &edits, const ZQObjectID &id)
 }
 
 // Folders that one step enables or disables, with those below them that were the other way: these are so again when it
-// is taken back.
+// is taken back. Their items follow, many beside the window.
 class Enabling
 {
 public:
@@ -57,14 +60,26 @@ public:
     }
 
 private:
-    void set(const ZQObjectID &id, bool enabled) const
+    void set(const ZQObjectID &id, bool enabled)
     {
-        if (const Folder folder = liveFolder(m_edits, id); folder && !folder->isOutOfReach()) {
-            enabled ? folder->reActivateFolder() : folder->deactivateFolder();
+        const Folder folder = liveFolder(m_edits, id);
+        if (!folder || folder->isOutOfReach()) {
+            return;
+        }
+        for (const Folder &row : QList<Folder>{folder} + folder->orderedChildrenAndSubChildren()) {
+            row->setIs_enabled(enabled);
+            m_changed.insert(row->objectID());
         }
     }
-    void save() const
+    void save()
     {
+        LiveFolderItems items(m_edits, zqLocalized("Hiding items…"));
+        for (const ZQObjectID &id : std::exchange(m_changed, {})) {
+            if (const Folder folder = liveFolder(m_edits, id)) {
+                folder->is_enabled() ? items.addComing(*folder) : items.addGoing(id);
+            }
+        }
+        items.change();
         m_edits.save();
         if (m_edits.liveFolderManager) {
             m_edits.liveFolderManager->watchedFoldersDidChange(m_folders);
@@ -74,6 +89,7 @@ private:
     EditContext &m_edits;
     IDs m_folders;
     IDs m_asNow;
+    QSet<ZQObjectID> m_changed; // since the last save
     bool m_isEnabled;
 };
 

@@ -13,8 +13,6 @@ namespace {
 
 using Item = ZQRef<ZQSidebarBaseItem>;
 
-constexpr qsizetype foldersPerFetch = 500;
-
 void collectDescendants(const Item &item, QList<ZQObjectID> &into)
 {
     into.append(item->objectID());
@@ -33,6 +31,11 @@ SidebarPlace SidebarPlace::of(const Item &row)
         place.index = quint32(std::max<qsizetype>(0, father->orderedChildren().indexOf(row)));
     }
     return place;
+}
+
+SidebarActivation::SidebarActivation(EditContext &edits)
+    : m_edits(edits), m_liveItems(edits, zqLocalized("Removing items…"))
+{
 }
 
 void SidebarActivation::remove(const Item &row)
@@ -65,70 +68,18 @@ void SidebarActivation::restore(const Item &row)
     }
 }
 
-// The items of one that is out of reach come back when it does.
 void SidebarActivation::addLiveFolder(const Item &row, bool comes)
 {
     const auto folder = zqCast<ZQSidebarWatchedFolder>(row);
-    if (!comes) {
-        m_goingFolders.append(row->objectID());
-    } else if (folder->is_enabled() && !folder->is_missing() && !folder->is_trashed()) {
-        m_comingFolders.append(row->objectID());
-        folder->setLastSyncDate({}); // all of it is looked at again: its items may come only in part
-    }
+    comes ? m_liveItems.addComing(*folder) : m_liveItems.addGoing(row->objectID());
     if (row->isWatchedFolder() && !zqIsSubFolder(*row)) {
         m_liveFolders.append(row->objectID());
     }
 }
 
-// Half of a live folder in the library would be no state of it.
-void SidebarActivation::changeItemsOfFolders(const QList<ZQObjectID> &folders, bool active)
-{
-    constexpr qint64 mostAtOnce = 1000;
-    QList<ZQFetchRequest> requests;
-    qint64 count = 0;
-    for (qsizetype first = 0; first < folders.size(); first += foldersPerFetch) {
-        QVariantList some;
-        for (const ZQObjectID &id : folders.mid(first, foldersPerFetch)) {
-            some.append(QVariant::fromValue(id));
-        }
-        requests.append({ZQLibraryBaseItem::entityName(),
-                         ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder IN %@ AND active == %@"),
-                                                          {QVariant(some), !active})});
-        // What cannot be counted is much.
-        count += qint64(m_edits.context.countForFetchRequest(requests.last()).value_or(mostAtOnce + 1));
-    }
-    if (count == 0 && !m_edits.isBusy()) { // what is under way may change that
-        return;
-    }
-    const QString text = active ? zqLocalized("Bringing items back…") : zqLocalized("Removing items…");
-    const auto apply = [requests, text, active](EditRun &run) {
-        QList<ZQObjectID> items;
-        for (const ZQFetchRequest &request : requests) {
-            ZQError error;
-            const auto found = run.context().fetchObjectIDs(request, &error);
-            if (!found) {
-                run.presentError(error);
-                return false;
-            }
-            items += *found;
-        }
-        run.inBatches(text, items.size(), [&](qsizetype first, qsizetype size) {
-            ZQSidebarWatchedFolder::setItemsActive(
-                ZQLibraryBaseItem::itemsWithIDs(items.mid(first, size), run.context()), active);
-            return run.save();
-        });
-        return true;
-    };
-    if (count > mostAtOnce) {
-        m_edits.save(); // so that the rows are seen to go, or come, at once
-    }
-    zqPerformEdit(m_edits, {count, mostAtOnce}, {apply, text, true});
-}
-
 void SidebarActivation::save()
 {
-    changeItemsOfFolders(std::exchange(m_goingFolders, {}), false);
-    changeItemsOfFolders(std::exchange(m_comingFolders, {}), true);
+    m_liveItems.change();
     if (m_tagged.isEmpty()) {
         m_edits.save();
     } else {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Editing/EditContext.h"
+#include "Classes/Editing/LiveFolderItems.h"
 
 #include <QSet>
 
@@ -22,7 +23,7 @@ struct SidebarPlace
 class SidebarActivation
 {
 public:
-    explicit SidebarActivation(EditContext &edits) : m_edits(edits) {}
+    explicit SidebarActivation(EditContext &edits);
     void remove(const ZQRef<ZQSidebarBaseItem> &row);
     void restore(const ZQRef<ZQSidebarBaseItem> &row);
     void save();
@@ -30,14 +31,12 @@ public:
 private:
     void add(const ZQRef<ZQSidebarBaseItem> &tag);
     void addLiveFolder(const ZQRef<ZQSidebarBaseItem> &row, bool comes);
-    void changeItemsOfFolders(const QList<ZQObjectID> &folders, bool active);
 
     EditContext &m_edits;
     QList<ZQObjectID> m_tagged;
     QSet<ZQObjectID> m_known;
     QList<ZQObjectID> m_liveFolders;
-    QList<ZQObjectID> m_goingFolders; // whose items go with them
-    QList<ZQObjectID> m_comingFolders;
+    LiveFolderItems m_liveItems;
 };
 
 // Rows taken out of the sidebar with all below them, and put back where they hung. Each saves. Main thread.

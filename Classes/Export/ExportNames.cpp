@@ -7,14 +7,18 @@
 
 #include <QFileInfo>
 #include <QHash>
+#include <QRegularExpression>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <functional>
 #include <utility>
 
 namespace {
 
 constexpr QChar separatorStandIn(u'-');
+constexpr std::array placeholders{"{title}", "{index}", "{width}", "{height}", "{date}"};
 
 bool isTaken(const QString &path)
 {
@@ -40,6 +44,20 @@ bool isUnsafe(QChar character)
 {
     return character == u'/' || character.category() == QChar::Other_Control ||
            character.category() == QChar::Separator_Line || character.category() == QChar::Separator_Paragraph;
+}
+
+// The first of them, or an empty text: what stands in braces, with them.
+QString unknownPlaceholder(const QString &pattern)
+{
+    static const QRegularExpression braces(QStringLiteral("\\{[^{}]*\\}"));
+    for (const QRegularExpressionMatch &match : braces.globalMatch(pattern)) {
+        const QString text = match.captured();
+        if (std::none_of(placeholders.begin(), placeholders.end(),
+                         [&text](const char *each) { return text == QLatin1StringView(each); })) {
+            return text;
+        }
+    }
+    return {};
 }
 
 // Names of one batch. Those that were taken stay taken, so equal names are not counted from 1 each time.
@@ -92,19 +110,17 @@ QString ExportNames::titleForPattern(const QString &pattern, const Source &sourc
     if (pattern.isEmpty()) {
         return source.title;
     }
-    const QList<std::pair<QString, QString>> values = {
-        {QStringLiteral("{title}"), source.title},
-        {QStringLiteral("{index}"), QString::number(index)},
-        {QStringLiteral("{width}"), QString::number(source.pixelSize.width())},
-        {QStringLiteral("{height}"), QString::number(source.pixelSize.height())},
-        {QStringLiteral("{date}"), source.date.toLocalTime().toString(QStringLiteral("yyyy-MM-dd"))}};
+    const std::array<QString, placeholders.size()> values{
+        source.title, QString::number(index), QString::number(source.pixelSize.width()),
+        QString::number(source.pixelSize.height()), source.date.toLocalTime().toString(QStringLiteral("yyyy-MM-dd"))};
     QString title;
     for (qsizetype at = 0; at < pattern.size();) { // in one go: a title may hold braces of its own
-        const auto value = std::find_if(values.begin(), values.end(), [&](const auto &each) {
-            return QStringView(pattern).mid(at).startsWith(each.first);
+        const auto found = std::find_if(placeholders.begin(), placeholders.end(), [&](const char *each) {
+            return QStringView(pattern).mid(at).startsWith(QLatin1StringView(each));
         });
-        title += value == values.end() ? QString(pattern.at(at)) : value->second;
-        at += value == values.end() ? 1 : value->first.size();
+        const auto which = std::size_t(found - placeholders.begin());
+        title += found == placeholders.end() ? QString(pattern.at(at)) : values[which];
+        at += found == placeholders.end() ? 1 : qsizetype(std::strlen(*found));
     }
     return title;
 }
@@ -114,9 +130,15 @@ QString ExportNames::problemOfPattern(const QString &pattern)
     if (pattern.contains(u'/')) {
         return zqLocalized("A name pattern makes names, not folders. Write it without “/”.");
     }
-    return std::any_of(pattern.begin(), pattern.end(), isUnsafe)
-               ? zqLocalized("A name pattern is one line. Write it without line breaks.")
-               : QString();
+    if (std::any_of(pattern.begin(), pattern.end(), isUnsafe)) {
+        return zqLocalized("A name pattern is one line. Write it without line breaks.");
+    }
+    const QString unknown = unknownPlaceholder(pattern);
+    return unknown.isEmpty()
+               ? QString()
+               : zqFormat(zqLocalized("A name pattern knows no “%@”. There are {title}, {index}, {width}, {height} and "
+                                      "{date}."),
+                          {unknown});
 }
 
 QString ExportNames::safeNameForFile(const QString &path)

@@ -46,10 +46,11 @@ QString safeTitle(const QString &title);
 // alone, with no dot behind it.
 QString nameForTitle(const QString &title, const QString &extension);
 
-// "{title}", "{index}" (from 1 on), "{width}", "{height}" (pixels), "{date}" (YYYY-MM-DD); other braces stay. Without
-// a title in it, equal names are numbered like any others. Empty: the title.
+// "{title}", "{index}" (from 1 on), "{width}", "{height}" (pixels), "{date}" (YYYY-MM-DD); other braces stay, as those
+// of presets that were made when anything could stand in them. Without a title in it, equal names are numbered like any
+// others. Empty: the title.
 QString titleForPattern(const QString &pattern, const Source &source, qsizetype index);
-// Null, or why this is no pattern and what to do: localized.
+// Null, or why this is no pattern, a word in braces that stands for nothing for one, and what to do: localized.
 QString problemOfPattern(const QString &pattern);
 
 // A path where no file is: the path itself, else "photo 1.jpg", "photo 2.jpg", …

@@ -127,6 +127,9 @@ void ExportOperation::takeOutcomes()
                 m_result.incomplete.append({m_sources[i].title, m_sources[i].bundleID,
                                             zqLocalized("Its file ends too early: the rest of the picture is empty.")});
             }
+            for (const QString &note : outcome.notes) {
+                m_result.notes.append({m_sources[i].title, m_sources[i].bundleID, note});
+            }
         } else if (!outcome.reason.isEmpty() && m_sources[i].hasFile()) { // else it is among the missing
             m_result.failed.append({m_sources[i].title, m_sources[i].bundleID, outcome.reason});
         }

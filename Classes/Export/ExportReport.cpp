@@ -58,6 +58,18 @@ QString notWrittenText(const QList<ExportResult::Problem> &failed)
                             : u' ' + zqFormat(zqLocalized("Not written: %@, and %d more."), {named, more});
 }
 
+// A line of its own; empty for none.
+QString notesText(const QList<ExportResult::Problem> &notes)
+{
+    if (notes.isEmpty()) {
+        return {};
+    }
+    const ExportResult::Problem &first = notes.first();
+    return u'\n' + (notes.size() == 1 ? zqFormat(zqLocalized("“%@”: %@"), {first.title, first.reason})
+                                      : zqFormat(zqLocalized("“%@”: %@ There are %d more notes like this."),
+                                                 {first.title, first.reason, notes.size() - 1}));
+}
+
 } // namespace
 
 void ExportReport::tellOfMissing(qsizetype count)
@@ -95,12 +107,16 @@ void ExportReport::tell(const ExportRequest &request, const ExportResult &result
                         {first.title, first.reason}));
     } else if (result.missing.isEmpty() && !result.isCancelled && result.count > 0) {
         notify(zqFormat(result.count == 1 ? zqLocalized("%d file exported") : zqLocalized("%d files exported"),
-                        {result.count}));
+                        {result.count}) +
+               notesText(result.notes));
     }
 }
 
 QString ExportReport::refusalOfFolder(const QString &folder)
 {
+    if (QFileInfo(folder).isFile()) {
+        return zqFormat(zqLocalized("“%@” is a file; give a folder."), {folder});
+    }
     if (folder.isEmpty() || !QFileInfo(folder).isDir()) {
         return zqFormat(zqLocalized("There is no folder “%@”. Choose another one, or look whether its disk is there."),
                         {folder});

@@ -42,6 +42,7 @@ struct ExportResult
     QList<Problem> missing;    // their file is not there; a thumbnail may have been written in its place, and counted
     QList<Problem> failed;     // whatever else kept one from being written
     QList<Problem> incomplete; // written, but their file holds only a part of the picture
+    QList<Problem> notes;      // written, but the format or the conversion left something out: frames, depth
     QString refusal;           // why it ended before it was done, a full disk for instance; null otherwise
     bool isCancelled = false;
 

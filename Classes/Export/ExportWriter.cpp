@@ -27,6 +27,18 @@ QString reasonOf(const ZQError &error)
     return isForbidden ? zqLocalized("Its file may not be read. Change its permissions, and export it again.")
                        : zqAdviceForFileError(error);
 }
+
+QStringList notesOf(const ZQExportedImage &image)
+{
+    QStringList notes;
+    if (image.isFirstOfSeveral) {
+        notes.append(zqLocalized("Only the first frame of it. Export it as it is to keep all."));
+    }
+    if (image.isReduced) {
+        notes.append(zqLocalized("Reduced to 8 bits a channel. Export it as it is to keep all."));
+    }
+    return notes;
+}
 } // namespace
 
 ExportWriter::ExportWriter(const ExportRequest &request, const QString &folder, UserProgress *progress)
@@ -98,13 +110,13 @@ ExportOutcome ExportWriter::convert(const ExportSource &source, const QString &p
     if (source.picture.path.isEmpty()) {
         return {{}, {}, source.hasFile() ? zqLocalized("There is no picture of it. Export it as it is.") : QString()};
     }
-    bool isIncomplete = false;
+    std::optional<ZQExportedImage> image;
     ExportOutcome outcome = put(path, [&](const QString &free, ZQError *error) {
-        const auto image = encode(source, free, error);
-        isIncomplete = image && image->isIncomplete;
+        image = encode(source, free, error);
         return image.has_value();
     });
-    outcome.isIncomplete = isIncomplete;
+    outcome.isIncomplete = image && image->isIncomplete;
+    outcome.notes = image ? notesOf(*image) : QStringList();
     if (!outcome.path.isEmpty() && !m_request.archive) { // whose members carry no attributes
         ZQLibraryEnvironment::current().writeTagsToFile(outcome.path, source.tags);
     }

@@ -24,6 +24,7 @@ struct ExportOutcome
     QString content; // where its bytes are: the same, or, for an archive of files as they are, the item's own file
     QString reason;  // why there is none: localized; null when nothing was to be written
     bool isIncomplete = false; // only a part of the picture was in its file
+    QStringList notes = {};    // what the conversion left out: localized
 
     QString name() const { return path.mid(path.lastIndexOf(u'/') + 1); }
 };

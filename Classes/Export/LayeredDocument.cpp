@@ -41,16 +41,43 @@ QString line(const LayeredPicture &picture, const QString &text)
 
 struct Drawn
 {
+    std::optional<ZQPackedPicture> planes; // or else
     ZQBitmap bitmap;
     ZQError reason; // why there is none
+
+    bool isNull() const { return !planes && bitmap.isNull(); }
+    bool isIncomplete() const { return planes ? planes->isIncomplete() : bitmap.isIncomplete(); }
 };
 
-// Pictures in their order; the next ones are drawn while one is packed. What the processes that decode have made ready
-// takes no memory of this one before it is looked at, but of the machine: none is drawn ahead for a huge canvas.
+// What of a picture lies on the canvas.
+QRect windowOf(const LayeredPicture &picture, QSize canvas)
+{
+    constexpr int farthest = 1 << 30; // no picture is as large
+    const QPoint offset = picture.offset;
+    const bool isNear = qAbs(qint64(offset.x())) < farthest && qAbs(qint64(offset.y())) < farthest;
+    return isNear ? QRect(-offset, canvas) : QRect();
+}
+
+Drawn draw(const LayeredPicture &picture, QSize canvas)
+{
+    using Drawing = ZQExportRepresentation::Drawing;
+    Drawn drawn;
+    if (picture.picture.drawing != Drawing::Page) {
+        drawn.planes = ZQImageSource::planesOfFile(picture.picture.path, windowOf(picture, canvas), &drawn.reason);
+    }
+    if (!drawn.planes && picture.picture.drawing != Drawing::Picture) {
+        drawn.bitmap = picture.picture.preview(&drawn.reason);
+    }
+    return drawn;
+}
+
+// Pictures in their order; the next ones are drawn and packed by the processes that decode while one is taken into the
+// document. What these have made ready takes memory of the machine: none is drawn ahead for a huge canvas.
 class Drawings
 {
 public:
-    Drawings(const QList<LayeredPicture> &pictures, QSize canvas) : m_pictures(pictures), m_ahead(aheadFor(canvas))
+    Drawings(const QList<LayeredPicture> &pictures, QSize canvas)
+        : m_pictures(pictures), m_canvas(canvas), m_ahead(aheadFor(canvas))
     {
         begin(m_ahead);
     }
@@ -77,17 +104,16 @@ private:
     {
         for (; m_begun.size() < count && m_index < m_pictures.size(); ++m_index) {
             // By itself it falls back to drawing in `get` where no thread is to be had.
-            m_begun.push_back(
-                std::async([picture = m_pictures[m_index].picture, cancellation = ZQCancellation::current()] {
+            m_begun.push_back(std::async(
+                [picture = m_pictures[m_index], canvas = m_canvas, cancellation = ZQCancellation::current()] {
                     const ZQCancellation::Scope scope(cancellation);
-                    Drawn drawn;
-                    drawn.bitmap = picture.bitmap(&drawn.reason);
-                    return drawn;
+                    return draw(picture, canvas);
                 }));
         }
     }
 
     const QList<LayeredPicture> &m_pictures;
+    const QSize m_canvas;
     const std::size_t m_ahead;
     qsizetype m_index = 0;
     std::deque<std::future<Drawn>> m_begun;
@@ -96,8 +122,8 @@ private:
 // Whether it is a layer. If not, `error` says why, unless `gaps` takes it.
 bool accepts(const LayeredPicture &picture, const Drawn &drawn, LayeredDocument::Gaps *gaps, ZQError *error)
 {
-    const bool isNull = drawn.bitmap.isNull();
-    if (!isNull && !drawn.bitmap.isIncomplete()) {
+    const bool isNull = drawn.isNull();
+    if (!isNull && !drawn.isIncomplete()) {
         return true;
     }
     if (gaps) {
@@ -146,7 +172,10 @@ std::optional<QByteArray> documentOf(const QList<LayeredPicture> &pictures, QSiz
             return std::nullopt;
         }
         if (accepts(picture, drawn, gaps, error)) {
-            writer.addLayerWithCGImage(drawn.bitmap, picture.name, picture.opacity, picture.offset);
+            if (!drawn.planes ||
+                !writer.addLayerWithPlanes(*drawn.planes, picture.name, picture.opacity, picture.offset)) {
+                writer.addLayerWithCGImage(drawn.bitmap, picture.name, picture.opacity, picture.offset);
+            }
             hasLayers = true;
         } else if (!gaps) {
             return std::nullopt;

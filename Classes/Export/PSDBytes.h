@@ -2,8 +2,6 @@
 
 #include <QByteArray>
 
-#include <span>
-
 // The bytes of PSD documents: big-endian integers, and rows packed by PackBits. Any thread.
 namespace PSDBytes {
 
@@ -20,17 +18,5 @@ struct Range
 // Every `skip`-th byte of the range, packed. Literal packets hold 1 to 128 bytes and repeat packets 3 to 127: from
 // three equal bytes on it is a repeat. What of the range lies outside the data, or a `skip` below 1, gives nothing.
 QByteArray packedBitsForRange(const QByteArray &data, Range range, qsizetype skip);
-
-// The most that so many bytes take when packed.
-constexpr qsizetype mostPacked(qsizetype count)
-{
-    return count + (count + 127) / 128;
-}
-
-// The same for bytes that lie side by side: packed to `out`, which has room for `mostPacked`. The end of what it wrote.
-char *packBits(std::span<const uchar> samples, char *out);
-
-// So many samples from packed ones, which end at `end`; what they do not give is zero.
-void unpackBits(const char *packed, const char *end, std::span<uchar> samples);
 
 } // namespace PSDBytes

@@ -2,8 +2,10 @@
 
 #include "Classes/Export/PSDBytes.h"
 #include "Classes/Export/PSDPixels.h"
+#include "Kit/Imaging/ZQPackBits.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -14,16 +16,6 @@ constexpr int alphaChannel = 3;
 constexpr uchar opaque = 255;
 constexpr quint32 wholeOpacity = 1U << 16;
 
-// Of premultiplied samples; the loops have no branches, so that the compiler makes vectors of them.
-void drawOver(std::span<const uchar> color, std::span<const uchar> alpha, uchar *samples)
-{
-    for (std::size_t i = 0; i < color.size(); ++i) {
-        const auto under = static_cast<quint16>(samples[i] * (opaque - alpha[i]) + 128);
-        const auto sum = static_cast<quint16>(color[i] + ((under + (under >> 8)) >> 8));
-        samples[i] = static_cast<uchar>(std::min<quint16>(sum, opaque));
-    }
-}
-
 void fade(std::span<uchar> samples, quint32 opacity)
 {
     for (uchar &sample : samples) {
@@ -31,16 +23,39 @@ void fade(std::span<uchar> samples, quint32 opacity)
     }
 }
 
+// From the first sample that is not 0 to the last one.
+std::pair<std::size_t, std::size_t> rangeSeen(std::span<const uchar> alpha)
+{
+    constexpr std::size_t block = 64;
+    static constexpr std::array<uchar, block> clear{};
+    std::size_t first = 0;
+    std::size_t last = alpha.size();
+    while (first + block <= last && std::memcmp(alpha.data() + first, clear.data(), block) == 0) {
+        first += block;
+    }
+    while (first < last && alpha[first] == 0) {
+        ++first;
+    }
+    while (first + block <= last && std::memcmp(alpha.data() + last - block, clear.data(), block) == 0) {
+        last -= block;
+    }
+    while (first < last && alpha[last - 1] == 0) {
+        --last;
+    }
+    return {first, last};
+}
+
 void unpack(std::span<const char> packed, std::span<uchar> samples)
 {
-    PSDBytes::unpackBits(packed.data(), packed.data() + packed.size(), samples);
+    ZQPackBits::unpack(packed.data(), packed.data() + packed.size(), samples);
 }
 
 } // namespace
 
 PSDMergedImage::PSDMergedImage(const PSDPackedLayers &layers, QList<float> opacities)
     : m_layers(layers), m_opacities(std::move(opacities)),
-      m_opaqueRow(PSDPackedLayers::packedRow(layers.canvas().width(), opaque))
+      m_opaqueRow(PSDPackedLayers::packedRow(layers.canvas().width(), opaque)),
+      m_clearRow(PSDPackedLayers::packedRow(layers.canvas().width(), 0))
 {
 }
 
@@ -80,14 +95,19 @@ std::size_t PSDMergedImage::Rows::takeRows()
 void PSDMergedImage::Rows::draw(std::size_t index, std::span<uchar> samples)
 {
     const QRect rect = m_image.m_layers.rectOf(qsizetype(index));
-    if (m_row < rect.top() || m_row > rect.bottom() || rect.width() <= 0) {
+    const std::span<const char> alphaRow = m_layers[index].alphaRow;
+    const bool isClear =
+        std::equal(alphaRow.begin(), alphaRow.end(), m_image.m_clearRow.cbegin(), m_image.m_clearRow.cend());
+    if (m_row < rect.top() || m_row > rect.bottom() || rect.width() <= 0 || isClear) {
+        return;
+    }
+    unpack(alphaRow, m_alpha);
+    const auto [first, last] = rangeSeen(m_alpha);
+    if (first == last) {
         return;
     }
     unpack(m_layers[index].colorRow, m_color);
-    unpack(m_layers[index].alphaRow, m_alpha);
-    const auto part = [&rect](std::span<uchar> row) {
-        return row.subspan(std::size_t(rect.x()), std::size_t(rect.width()));
-    };
+    const auto part = [first = first, last = last](std::span<uchar> row) { return row.subspan(first, last - first); };
     if (m_image.m_layers.alphaOf(qsizetype(index)) == PSDPackedLayers::Alpha::Straight) {
         PSDPixels::multiply(part(m_color), part(m_alpha));
     }
@@ -97,7 +117,7 @@ void PSDMergedImage::Rows::draw(std::size_t index, std::span<uchar> samples)
         fade(part(m_color), factor);
         fade(part(m_alpha), factor);
     }
-    drawOver(part(m_color), part(m_alpha), part(samples).data());
+    PSDPixels::drawOver(part(m_color), part(m_alpha), part(samples));
 }
 
 void PSDMergedImage::Rows::take(std::span<uchar> samples)

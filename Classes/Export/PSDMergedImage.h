@@ -43,5 +43,6 @@ private:
 
     const PSDPackedLayers &m_layers;
     QList<float> m_opacities;
-    QByteArray m_opaqueRow;
+    QByteArray m_opaqueRow; // packed
+    QByteArray m_clearRow;
 };

@@ -1,6 +1,7 @@
 #include "Classes/Export/PSDPackedLayers.h"
 
 #include "Classes/Export/PSDBytes.h"
+#include "Kit/Imaging/ZQPackBits.h"
 
 #include <cstring>
 #include <memory>
@@ -27,8 +28,8 @@ PSDPackedLayers::PSDPackedLayers(QSize canvas, qsizetype roomInFront)
 QByteArray PSDPackedLayers::packedRow(int width, uchar sample)
 {
     const std::vector<uchar> samples(std::size_t(std::max(width, 0)), sample);
-    QByteArray packed(PSDBytes::mostPacked(qsizetype(samples.size())), Qt::Uninitialized);
-    packed.truncate(PSDBytes::packBits(samples, packed.data()) - packed.constData());
+    QByteArray packed(ZQPackBits::mostPacked(qsizetype(samples.size())), Qt::Uninitialized);
+    packed.truncate(ZQPackBits::pack(samples, packed.data()) - packed.constData());
     return packed;
 }
 
@@ -54,7 +55,7 @@ PSDRows::Packer PSDPackedLayers::packer(const QRect &rect, int channel, int firs
             return put(m_emptyRow, out);
         }
         reader(own, channel, piece->samples);
-        return put(piece->right, PSDBytes::packBits(piece->samples, put(piece->left, out)));
+        return put(piece->right, ZQPackBits::pack(piece->samples, put(piece->left, out)));
     };
 }
 
@@ -67,7 +68,7 @@ bool PSDPackedLayers::appendChannel(Layer &layer, int channel, const Reader &rea
     }
     PSDBytes::appendValue(m_bytes, 1, int(compressionSize));
     m_bytes.resize(countsAt + m_canvas.height() * countSize);
-    const qsizetype mostBytes = PSDBytes::mostPacked(m_canvas.width()) + 2; // each piece may have a header more
+    const qsizetype mostBytes = ZQPackBits::mostPacked(m_canvas.width()) + 2; // each piece may have a header more
     const auto packerFrom = [&](int firstRow) { return packer(layer.rect, channel, firstRow, reader); };
     if (!PSDRows::append({m_canvas.height(), mostBytes, packerFrom}, m_bytes, countsAt, longestDocument)) {
         return false;
@@ -76,20 +77,75 @@ bool PSDPackedLayers::appendChannel(Layer &layer, int channel, const Reader &rea
     return true;
 }
 
-bool PSDPackedLayers::append(const QRect &rect, const Reader &reader, Alpha alpha)
+bool PSDPackedLayers::appendChannel(Layer &layer, int channel, const ZQPackedPicture &picture)
 {
-    Layer layer;
-    layer.rect = rect;
-    layer.alpha = alpha;
+    const QRect rect = layer.rect;
+    const QByteArray left = packedRow(rect.x(), 0);
+    const QByteArray right = packedRow(m_canvas.width() - rect.x() - rect.width(), 0);
+    const qsizetype around = left.size() + right.size();
+    const std::span<const char> counts = picture.counts(channel);
+    const std::span<const char> rows = picture.rows(channel);
+    const qsizetype size = compressionSize + m_canvas.height() * countSize +
+                           (m_canvas.height() - rect.height()) * m_emptyRow.size() + rect.height() * around +
+                           qsizetype(rows.size());
+    const qsizetype start = m_bytes.size();
+    if (start + size > longestDocument) {
+        return false;
+    }
+    m_bytes.resize(start + size);
+    PSDBytes::putValue(m_bytes.data() + start, 1, int(compressionSize));
+    char *count = m_bytes.data() + start + compressionSize;
+    char *out = count + m_canvas.height() * countSize;
+    const auto put = [&out](const char *bytes, qsizetype length) {
+        if (length > 0) {
+            std::memcpy(out, bytes, std::size_t(length));
+            out += length;
+        }
+    };
+    const char *row = rows.data();
+    for (int y = 0; y < m_canvas.height(); ++y, count += countSize) {
+        const int own = y - rect.y();
+        if (own < 0 || own >= rect.height()) {
+            put(m_emptyRow.constData(), m_emptyRow.size());
+            PSDBytes::putValue(count, m_emptyRow.size(), int(countSize));
+            continue;
+        }
+        const qsizetype length = valueAt(counts.data() + own * countSize);
+        put(left.constData(), left.size());
+        put(row, length);
+        put(right.constData(), right.size());
+        PSDBytes::putValue(count, around + length, int(countSize));
+        row += length;
+    }
+    layer.lengths[std::size_t(channel)] = size;
+    return true;
+}
+
+template <class AppendOne>
+bool PSDPackedLayers::appendLayer(Layer layer, AppendOne appendOne)
+{
     layer.start = m_bytes.size();
     for (int channel = 0; channel < channelCount; ++channel) {
-        if (!appendChannel(layer, channel, reader)) {
+        if (!appendOne(layer, channel)) {
             m_bytes.truncate(layer.start);
             return false;
         }
     }
     m_layers.append(layer);
     return true;
+}
+
+bool PSDPackedLayers::append(const QRect &rect, const Reader &reader, Alpha alpha)
+{
+    return appendLayer({rect, alpha, 0, {}},
+                       [&](Layer &layer, int channel) { return appendChannel(layer, channel, reader); });
+}
+
+bool PSDPackedLayers::append(QPoint at, const ZQPackedPicture &picture)
+{
+    const QRect rect = picture.part().isEmpty() ? QRect(0, 0, 0, 0) : QRect(at, picture.part().size());
+    return appendLayer({rect, Alpha::Straight, 0, {}},
+                       [&](Layer &layer, int channel) { return appendChannel(layer, channel, picture); });
 }
 
 PSDPackedLayers::Cursor PSDPackedLayers::cursor(qsizetype layer, int channel, int row) const
@@ -124,7 +180,7 @@ QByteArray PSDPackedLayers::pixelsOf(qsizetype layer) const
         char *out = pixels.data() + channel;
         for (int row = 0; row < rect.height(); ++row) {
             const auto packed = takeRow(rows);
-            PSDBytes::unpackBits(packed.data(), packed.data() + packed.size(), samples);
+            ZQPackBits::unpack(packed.data(), packed.data() + packed.size(), samples);
             for (int i = 0; i < rect.width(); ++i, out += channelCount) {
                 *out = char(samples[std::size_t(rect.x() + i)]);
             }

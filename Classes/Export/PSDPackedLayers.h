@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Export/PSDRows.h"
+#include "Kit/Imaging/ZQPackedPicture.h"
 
 #include <QByteArray>
 #include <QList>
@@ -29,6 +30,8 @@ public:
     // `rect` lies on the canvas; the rest of it is transparent. False, with nothing added, when the document becomes
     // too long.
     bool append(const QRect &rect, const Reader &reader, Alpha alpha = Alpha::Premultiplied);
+    // The same with rows that are packed already, of straight alpha: the part of the picture lies at `at`.
+    bool append(QPoint at, const ZQPackedPicture &picture);
 
     QSize canvas() const { return m_canvas; }
     qsizetype count() const { return m_layers.size(); }
@@ -59,6 +62,9 @@ private:
         std::array<qsizetype, channelCount> lengths = {};
     };
     bool appendChannel(Layer &layer, int channel, const Reader &reader);
+    bool appendChannel(Layer &layer, int channel, const ZQPackedPicture &picture);
+    template <class AppendOne>
+    bool appendLayer(Layer layer, AppendOne appendOne);
     PSDRows::Packer packer(const QRect &rect, int channel, int firstRow, const Reader &reader) const;
 
     QSize m_canvas;

@@ -57,6 +57,24 @@ __m128i blockOf(const uchar *pixel, int channel)
 }
 #endif
 
+#if defined(__SSE2__)
+__m128i blockAt(const uchar *samples)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(samples));
+}
+
+__m128i productOf(__m128i samples, __m128i alpha)
+{
+    const auto half = [](__m128i a, __m128i b) {
+        const __m128i wide = _mm_add_epi16(_mm_mullo_epi16(a, b), _mm_set1_epi16(128));
+        return _mm_srli_epi16(_mm_add_epi16(wide, _mm_srli_epi16(wide, 8)), 8);
+    };
+    const __m128i zero = _mm_setzero_si128();
+    return _mm_packus_epi16(half(_mm_unpacklo_epi8(samples, zero), _mm_unpacklo_epi8(alpha, zero)),
+                            half(_mm_unpackhi_epi8(samples, zero), _mm_unpackhi_epi8(alpha, zero)));
+}
+#endif
+
 // One channel; with `isWhite`, 255 where alpha is 0.
 void take(const uchar *pixel, int channel, bool isWhite, std::span<uchar> samples)
 {
@@ -135,8 +153,32 @@ PSDPackedLayers::Reader PSDPixels::readerOf(const QByteArray &pixels, int width)
 
 void PSDPixels::multiply(std::span<uchar> samples, std::span<const uchar> alpha)
 {
-    for (std::size_t i = 0; i < samples.size(); ++i) {
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    for (; samples.size() - i >= blockSize; i += blockSize) {
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(samples.data() + i),
+                         productOf(blockAt(samples.data() + i), blockAt(alpha.data() + i)));
+    }
+#endif
+    for (; i < samples.size(); ++i) {
         samples[i] = product(samples[i], alpha[i]);
+    }
+}
+
+void PSDPixels::drawOver(std::span<const uchar> color, std::span<const uchar> alpha, std::span<uchar> samples)
+{
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    const __m128i opaque = _mm_set1_epi8(-1);
+    for (; samples.size() - i >= blockSize; i += blockSize) {
+        const __m128i under = productOf(blockAt(samples.data() + i), _mm_sub_epi8(opaque, blockAt(alpha.data() + i)));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(samples.data() + i),
+                         _mm_adds_epu8(blockAt(color.data() + i), under));
+    }
+#endif
+    for (; i < samples.size(); ++i) {
+        const int under = product(samples[i], static_cast<uchar>(255 - alpha[i]));
+        samples[i] = static_cast<uchar>(std::min(color[i] + under, 255));
     }
 }
 

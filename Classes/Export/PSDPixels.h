@@ -31,6 +31,8 @@ PSDPackedLayers::Reader readerOf(const ZQBitmap &image, QPoint source, PSDPacked
 PSDPackedLayers::Reader readerOf(const QByteArray &pixels, int width);
 
 void multiply(std::span<uchar> samples, std::span<const uchar> alpha); // of one channel
+// Draws samples of one channel, multiplied by their alpha, over others.
+void drawOver(std::span<const uchar> color, std::span<const uchar> alpha, std::span<uchar> samples);
 void premultiply(QByteArray &pixels);
 // Divides by alpha; what is wholly transparent becomes white.
 void unpremultiply(QByteArray &pixels);

@@ -5,6 +5,7 @@
 #include "Classes/Export/PSDMergedImage.h"
 #include "Classes/Export/PSDPixels.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPackBits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -155,6 +156,25 @@ void PSDWriter::addLayerWithCGImage(const ZQBitmap &image, const QString &andNam
     }
 }
 
+bool PSDWriter::addLayerWithPlanes(const ZQPackedPicture &picture, const QString &andName, float andOpacity,
+                                   QPointF andOffset)
+{
+    if (const auto refused = refusal(m_documentSize, m_entries.size() + 1)) {
+        throw *refused;
+    }
+    const PSDPixels::Crop crop = PSDPixels::crop(picture.size(), andOffset, m_documentSize);
+    const bool isThatPart =
+        crop.target.isEmpty() ? picture.part().isEmpty() : picture.part() == QRect(crop.source, crop.target.size());
+    if (!isThatPart) {
+        return false;
+    }
+    if (!m_packed.append(crop.target.topLeft(), picture)) {
+        throw tooLong();
+    }
+    m_entries.append({andName, PSDPixels::opacity(andOpacity), crop.rect});
+    return true;
+}
+
 bool PSDWriter::needsTransform() const
 {
     for (qsizetype i = 0; i < m_packed.count(); ++i) {
@@ -228,15 +248,15 @@ void PSDWriter::appendMergedImage()
                 return [row = firstRow, channel, samples,
                         read = PSDPixels::readerOf(*m_flattenedData, m_canvas.width())](char *out) mutable {
                     read(row++, channel, samples);
-                    return PSDBytes::packBits(samples, out);
+                    return ZQPackBits::pack(samples, out);
                 };
             }
             return [samples, rows = PSDMergedImage::Rows(image, channel, firstRow)](char *out) mutable {
                 rows.take(samples);
-                return PSDBytes::packBits(samples, out);
+                return ZQPackBits::pack(samples, out);
             };
         };
-        if (!PSDRows::append({m_canvas.height(), PSDBytes::mostPacked(m_canvas.width()), packerFrom}, bytes,
+        if (!PSDRows::append({m_canvas.height(), ZQPackBits::mostPacked(m_canvas.width()), packerFrom}, bytes,
                              countsAt + channel * countsSize, PSDPackedLayers::longestDocument)) {
             throw tooLong();
         }

@@ -54,6 +54,11 @@ public:
     void setLayers(const QList<PSDLayer> &layers);
     // Above the others; what of it lies beyond the canvas is left out.
     void addLayerWithCGImage(const ZQBitmap &image, const QString &andName, float andOpacity, QPointF andOffset);
+    // The same of a picture whose planes are packed already, whole or as far as it lies on the canvas; its alpha is
+    // straight, as layers are with `shouldUnpremultiplyLayerData`. False, with nothing added, when they are of another
+    // part of it.
+    bool addLayerWithPlanes(const ZQPackedPicture &picture, const QString &andName, float andOpacity,
+                            QPointF andOffset);
 
     // The merged image and the options, as `createPSDData` does them.
     void preprocess();

@@ -9,6 +9,7 @@
 #include "Classes/Import/ImportedFile.h"
 #include "Classes/Tags/FileTags.h"
 #include "Classes/Tags/OpenMeta.h"
+#include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/WhereFroms.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPersistentURL.h"
@@ -230,13 +231,19 @@ bool BaseImportOperation::copyFile()
         m_SHA1 = QString::fromLatin1(result->SHA1);
     }
     m_filePath = target;
-    // Most files carry none, and each name that is looked for takes a call.
-    m_hasAttributes = !ZQExtendedAttributes::list(target, &error).isEmpty() || !error.isNull();
+    lookForAttributes();
     if (m_hasAttributes && !m_isMove) {
         // The record of an item of another library would say that this one had been saved once.
         ZQExtendedAttributes::remove(target, SeenFileTags::attributeName);
     }
     return true;
+}
+
+// Most files carry none, and each name that is looked for takes a call.
+void BaseImportOperation::lookForAttributes()
+{
+    ZQError error;
+    m_hasAttributes = !ZQExtendedAttributes::list(m_filePath, &error).isEmpty() || !error.isNull();
 }
 
 void BaseImportOperation::addFileToLibrary()
@@ -255,7 +262,9 @@ void BaseImportOperation::addFileToLibrary()
         return;
     }
     m_fileData->insert(QStringLiteral("managed"), !m_referenceImage);
-    if (!m_referenceImage && !m_isInPlace && !copyFile()) {
+    if (m_referenceImage || m_isInPlace) {
+        lookForAttributes();
+    } else if (!copyFile()) {
         return;
     }
     // Nobody else saves the library's own copy.
@@ -432,7 +441,15 @@ void BaseImportOperation::importIPTCTags()
 
 void BaseImportOperation::importOpenMetaTags()
 {
-    if (settings().importOpenMetaTags && m_hasAttributes) {
+    if (!settings().importOpenMetaTags) {
+        return;
+    }
+    // A file that stays where it is may have lost its own when a program replaced it.
+    if (!m_hasAttributes && (m_referenceImage || m_isInPlace)) {
+        OpenMetaBackup::restoreMetadata(m_filePath);
+        lookForAttributes();
+    }
+    if (m_hasAttributes) {
         addTags(OpenMeta::getUserTags(m_filePath).value_or(QStringList()));
         importOpenMetaRating();
     }

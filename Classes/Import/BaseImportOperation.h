@@ -96,6 +96,7 @@ private:
     void collect();
     bool checkSource();
     bool copyFile();
+    void lookForAttributes();
     void removeItemBundle();
     void tellIfIncomplete();
 
@@ -116,6 +117,6 @@ private:
     bool m_isInPlace = false;
     bool m_isMove = false;
     bool m_keepsSource = false;
-    bool m_hasAttributes = true; // or might have: only for a copy made here it is known
+    bool m_hasAttributes = true; // or might have
     bool m_isTold = false;
 };

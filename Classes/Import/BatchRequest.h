@@ -19,6 +19,7 @@ struct BatchRequest
     ZQObjectID target = {};                         // a saved sidebar item; null: the library
     quint32 index = ZQSidebarBaseItem::appendIndex; // among the target's children or items
     QVariantMap metadata = {};                      // attribute values of every item
+    QVariantMap fileMetadata = {};                  // by path: attribute values of that file's item, above the others
     std::optional<UnfoldedArchive> origin = {};     // what `paths` came out of; its folder goes with the request
     std::optional<DuplicateChoice> duplicates = {}; // what becomes of them; nothing: the person is asked
     std::shared_ptr<ImportWhole> whole = std::make_shared<ImportWhole>(); // that it belongs to

@@ -150,7 +150,9 @@ std::shared_ptr<BaseImportOperation> GroupImport::operationFor(const FileGroup &
 {
     auto operation = importOperationForFilePath(group.files.at(file));
     if (operation) {
-        operation->setMetadata(m_batch.request.metadata);
+        QVariantMap metadata = m_batch.request.metadata;
+        metadata.insert(m_batch.request.fileMetadata.value(group.files.at(file)).toMap());
+        operation->setMetadata(metadata);
         operation->setSettings(m_batch.settings);
         operation->setSidebarItem(group.project->objectID());
         operation->setImportDate(m_firstImportDate.addMSecs(group.milliseconds[std::size_t(file)]));

@@ -89,7 +89,8 @@ QVariantMap valuesOf(const PendingImport &request)
             {QStringLiteral("archiveRoot"), request.archiveRoot},
             {QStringLiteral("groups"), groups},
             {QStringLiteral("ungrouped"), QVariant(request.ungrouped).toList()},
-            {QStringLiteral("duplicates"), request.duplicates}};
+            {QStringLiteral("duplicates"), request.duplicates},
+            {QStringLiteral("fileMetadata"), request.fileMetadata}};
 }
 
 PendingImport requestFrom(const QVariantMap &values)
@@ -102,7 +103,8 @@ PendingImport requestFrom(const QVariantMap &values)
                           .archiveRoot = values.value(QStringLiteral("archiveRoot")).toString(),
                           .groups = {},
                           .ungrouped = values.value(QStringLiteral("ungrouped")).toStringList(),
-                          .duplicates = values.value(QStringLiteral("duplicates")).toString()};
+                          .duplicates = values.value(QStringLiteral("duplicates")).toString(),
+                          .fileMetadata = values.value(QStringLiteral("fileMetadata")).toMap()};
     const QVariantList groups = values.value(QStringLiteral("groups")).toList();
     for (const QVariant &group : groups) {
         const QVariantMap map = group.toMap();

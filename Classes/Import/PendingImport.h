@@ -32,6 +32,7 @@ struct PendingImport
     QList<Group> groups;
     QStringList ungrouped = {}; // of the paths, those that were out of reach when the groups were made of the others
     QString duplicates = {};    // see `duplicateAnswerNamed`; empty: nobody has answered yet
+    QVariantMap fileMetadata = {};
 };
 
 // A PendingImport in a file of the bundle, from before the first file is touched until the batch ends; a batch that a

@@ -150,7 +150,8 @@ std::shared_ptr<ImportOperation> PendingImports::start(const BatchRequest &reque
          .archiveRoot = request.origin ? request.origin->root : QString(),
          .groups = {},
          .ungrouped = {},
-         .duplicates = nameOfDuplicateAnswer(request.duplicates)},
+         .duplicates = nameOfDuplicateAnswer(request.duplicates),
+         .fileMetadata = request.fileMetadata},
         &error);
     if (!pending) {
         qCWarning(zqLogImport).noquote() << "An import could not go on if it was cut off:"
@@ -276,6 +277,7 @@ std::shared_ptr<ImportOperation> PendingImports::resumeOne(const QString &name,
                   .target = target,
                   .index = request.index,
                   .metadata = request.metadata,
+                  .fileMetadata = request.fileMetadata,
                   .duplicates = duplicateAnswerNamed(request.duplicates)},
                  {.pending = pending, .kind = isOfArchive ? KeptRequest::Kind::UnpacksOf : KeptRequest::Kind::GoesOn});
 }

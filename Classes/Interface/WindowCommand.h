@@ -13,6 +13,7 @@ enum class CommandID {
     NewProject,
     NewFolder,
     NewTag,
+    NewFromTemplate,
     AddLiveFolder,
     SyncLiveFolder,
     StopLiveFolder,
@@ -23,6 +24,10 @@ enum class CommandID {
     LastImport,
     ExportLayers,
     ExportPanel,
+    SnapArea, // and the other captures, one after the other
+    SnapWindow,
+    SnapFullScreen,
+    SnapWebsite,
     NewTab,
     CloseTab,
     ReopenClosedTab,

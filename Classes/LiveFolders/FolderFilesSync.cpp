@@ -270,6 +270,10 @@ void FolderFilesSync::updateDbItem(const Item &item, const QString &path, const 
     const auto file = zqFileOfPersistentURL(item->itemURLData());
     // What was taken out of a package is not the package.
     const bool isInside = file && file->path.startsWith(path + u'/');
+    // Inode numbers are used again, and the reference may have been renewed since the file was replaced.
+    const bool isAnother = !isInside && file &&
+                           (file->inode != entry.inode || (was && was->inode != entry.inode) ||
+                            !zqPersistentURLIsAt(item->itemURLData(), path));
     const bool isElsewhere = !isInside && (!file || file->path != path || file->inode != entry.inode);
     if (was && was->hasContentOf(entry)) {
         if (isElsewhere) {
@@ -289,8 +293,7 @@ void FolderFilesSync::updateDbItem(const Item &item, const QString &path, const 
             item->updateFileURLsForURL(path);
         }
     }
-    const bool isReplaced = !isInside && file && file->inode != entry.inode && !(was && was->hasContentOf(entry));
-    refreshTags(item, path, entry, isReplaced);
+    refreshTags(item, path, entry, isAnother && !(was && was->hasContentOf(entry)));
     m_touched.append(path);
     m_import.didChangeItem();
     m_import.saveIfDue();
@@ -438,7 +441,11 @@ void FolderFilesSync::settle()
             toImport.emplace_back(&file, SHA1);
         }
     }
-    m_run.progress.begin(qsizetype(toImport.size()));
+    QHash<qint64, qsizetype> totals;
+    for (const auto &[file, SHA1] : toImport) {
+        ++totals[file->record->rootKey()];
+    }
+    m_run.progress.begin(totals);
     m_run.turn.beginReading();
     for (const auto &[file, SHA1] : toImport) {
         if (!m_run.isWanted()) {
@@ -458,13 +465,13 @@ void FolderFilesSync::import(const NewFile &file, const QString &SHA1)
         ImportQueries::fileAtPathIsSupported(file.path) && ImportQueries::isFileReadableAtPath(file.path);
     if (!canBeRead) {
         m_unreadFiles.append(file.path);
-        m_run.progress.advance();
+        m_run.progress.advance(file.record->rootKey());
         return;
     }
     waitUntilWritten(file.path, file.entry, m_run.operation);
     m_run.changedRoots.insert(file.record->rootKey());
     m_touched.append(file.path);
-    m_import.add({file.path, file.folder, SHA1});
+    m_import.add({file.path, file.folder, file.record->rootKey(), SHA1});
 }
 
 void FolderFilesSync::leave(qint64 folder)

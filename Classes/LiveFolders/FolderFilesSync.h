@@ -31,6 +31,7 @@ public:
     const std::vector<Gone> &gone() const { return m_gone; }
     // Files that may have got tags.
     const QStringList &touched() const { return m_touched; }
+    const WrittenTags &writtenTags() const { return m_import.writtenTags(); }
     // Files that made no item, now or when they were like this before.
     QStringList unreadFiles() const { return m_unreadFiles + m_import.unreadFiles(); }
     bool isComplete() const { return m_run.isWanted() && !m_import.wasRefused(); }

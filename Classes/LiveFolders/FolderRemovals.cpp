@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <sys/stat.h>
 
 namespace {
@@ -46,16 +47,44 @@ QList<qint64> FolderRemovals::withAllBelow(const LiveFolderRecord &record, qint6
     return QList<qint64>{key} + record.below(key);
 }
 
+qsizetype FolderRemovals::countIn(qint64 folder, const std::optional<QDateTime> &importedBefore)
+{
+    QString format = QStringLiteral("watchingFolder == %@ AND active == YES");
+    QVariantList arguments = {QVariant::fromValue(m_run.folderID(folder))};
+    if (importedBefore) {
+        format += QStringLiteral(" AND import_date < %@");
+        arguments.append(*importedBefore);
+    }
+    return qsizetype(m_run.found(m_run.moc->countForFetchRequest(
+        {ZQLibraryBaseItem::entityName(), ZQPredicate::predicateWithFormat(format, arguments)})));
+}
+
+RecentRemovals::Sum FolderRemovals::olderOf(const FolderFilesSync::Gone &gone, const std::optional<QDateTime> &since)
+{
+    const auto older = std::count_if(gone.items.begin(), gone.items.end(),
+                                     [&since](const auto &item) { return !since || item->import_date() < *since; });
+    return {qsizetype(older), gone.known};
+}
+
+void FolderRemovals::noteRemoval(const OfRoot &gone, qsizetype known)
+{
+    RecentRemovals &recent = m_run.records.recentRemovals(gone.record->rootKey());
+    recent.add(0, {gone.countOfOlder, known}, m_now);
+    for (const FolderFilesSync::Gone &files : gone.files) {
+        recent.add(files.folder, olderOf(files, recent.since(files.folder, m_now)), m_now);
+    }
+}
+
 void FolderRemovals::gather(const FolderTreeSync &tree, const FolderFilesSync &files)
 {
     for (const FolderTreeSync::Gone &gone : tree.gone()) {
         OfRoot &root = ofRoot(gone.record);
+        const auto since = m_run.records.recentRemovals(gone.record->rootKey()).since(0, m_now);
         qsizetype count = 0;
         for (const qint64 key : withAllBelow(*gone.record, gone.key)) {
-            count += qsizetype(m_run.found(m_run.moc->countForFetchRequest(
-                {ZQLibraryBaseItem::entityName(),
-                 ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder == %@ AND active == YES"),
-                                                  {QVariant::fromValue(m_run.folderID(key))})})));
+            const qsizetype all = countIn(key, {});
+            count += all;
+            root.countOfOlder += since && all > 0 ? countIn(key, since) : all;
         }
         root.folders.append(gone);
         root.count += count;
@@ -66,7 +95,11 @@ void FolderRemovals::gather(const FolderTreeSync &tree, const FolderFilesSync &f
         OfRoot &root = ofRoot(gone.record);
         root.files.append(gone);
         root.count += gone.items.size();
-        root.isMuch = root.isMuch || isMuch(gone.items.size(), gone.known);
+        RecentRemovals &recent = m_run.records.recentRemovals(gone.record->rootKey());
+        root.countOfOlder += olderOf(gone, recent.since(0, m_now)).gone;
+        const RecentRemovals::Sum sum =
+            recent.with(gone.folder, olderOf(gone, recent.since(gone.folder, m_now)), m_now);
+        root.isMuch = root.isMuch || isMuch(gone.items.size(), gone.known) || isMuch(sum.gone, sum.known);
         for (const ZQRef<ZQLibraryBaseItem> &item : gone.items) {
             root.what ^= qHash(item->objectID().key, size_t(1));
         }
@@ -128,11 +161,14 @@ bool FolderRemovals::mayRemove(const OfRoot &gone)
             known += entry.isFile() ? 1 : 0;
         }
     }
-    if (!gone.isMuch && !isMuch(gone.count, known)) {
+    const qint64 key = gone.record->rootKey();
+    const RecentRemovals::Sum sum = m_run.records.recentRemovals(key).with(0, {gone.countOfOlder, known}, m_now);
+    if (!gone.isMuch && !isMuch(gone.count, known) && !isMuch(sum.gone, sum.known)) {
+        noteRemoval(gone, known);
         return true;
     }
-    const qint64 key = gone.record->rootKey();
     if (m_run.removesMissing.contains(key) || m_run.records.takeAllowed(key, gone.what)) {
+        m_run.records.forgetRecentRemovals(key);
         return true;
     }
     if (!m_run.records.isKept(key, gone.what)) {

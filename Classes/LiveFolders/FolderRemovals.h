@@ -4,11 +4,13 @@
 #include "Classes/LiveFolders/FolderTreeSync.h"
 #include "Classes/LiveFolders/SyncRun.h"
 
+#include <optional>
 #include <vector>
 
 // What a run found gone leaves the library: items become inactive, so that they come back as they were when their files
 // do, and sub-folders leave the sidebar. Where that is much of a live folder at once, the person is asked after the
-// run, and until they say otherwise everything stays. No file is touched.
+// run, and until they say otherwise everything stays; many small removals within a minute are as one. No file is
+// touched.
 class FolderRemovals
 {
 public:
@@ -27,10 +29,14 @@ private:
         QList<FolderTreeSync::Gone> folders;
         QList<FolderFilesSync::Gone> files;
         qsizetype count = 0;
-        size_t what = 0; // which ones
+        qsizetype countOfOlder = 0; // than the removals of the last minute
+        size_t what = 0;            // which ones
         bool isMuch = false;
     };
 
+    qsizetype countIn(qint64 folder, const std::optional<QDateTime> &importedBefore);
+    static RecentRemovals::Sum olderOf(const FolderFilesSync::Gone &gone, const std::optional<QDateTime> &since);
+    void noteRemoval(const OfRoot &gone, qsizetype known);
     OfRoot &ofRoot(LiveFolderRecord *record);
     void gather(const FolderTreeSync &tree, const FolderFilesSync &files);
     void remove(const OfRoot &gone);
@@ -42,5 +48,6 @@ private:
 
     SyncRun &m_run;
     std::vector<OfRoot> m_roots;
+    const QDateTime m_now = zqNow();
     QSet<qint64> m_lacking; // folders that miss something still
 };

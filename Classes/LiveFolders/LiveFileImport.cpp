@@ -5,6 +5,7 @@
 #include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportReport.h"
 #include "Classes/Import/ImporterForFile.h"
+#include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -20,7 +21,8 @@
 namespace {
 constexpr qsizetype mostUnsaved = 256;
 constexpr std::size_t mostReading = 512;
-constexpr int longestInterval = 4; // times the first
+constexpr int longestInterval = 4;   // times the first
+constexpr int mostWaitingTags = 512; // files
 } // namespace
 
 LiveFileImport::LiveFileImport(SyncRun &run)
@@ -46,7 +48,7 @@ void LiveFileImport::add(const File &file)
 {
     auto operation = m_run.isWanted() && refusal().isEmpty() ? importOperationForFilePath(file.path) : nullptr;
     if (!operation) {
-        m_run.progress.advance();
+        m_run.progress.advance(file.root);
         return;
     }
     if (m_note.isEmpty()) {
@@ -62,7 +64,10 @@ void LiveFileImport::add(const File &file)
     operation->setImportDate(m_importDate.addMSecs(m_count++)); // lists keep the order of the folder
     operation->setImportData(&reading.file);
     operation->setFatherOperation(this);
-    operation->setCompletionBlock([arrival = m_arrival] {
+    operation->setCompletionBlock([this, root = file.root, arrival = m_arrival, read = operation.get()] {
+        if (!read->isCancelled()) {
+            m_run.progress.advance(root);
+        }
         const ZQLockGuard lock(arrival->mutex);
         arrival->arrived.notifyAll();
     });
@@ -102,6 +107,7 @@ void LiveFileImport::finish()
                                          zqLocalized("Not every file of the live folders could be read."), reason));
     }
     saveNow();
+    m_writtenTags.finish();
 }
 
 // A slow file does not keep from the screen what is there already.
@@ -154,7 +160,8 @@ void LiveFileImport::insert(const Reading &reading)
         return;
     }
     inserted.item->setWatchingFolder(folder.get());
-    m_written.push_back({inserted.item->bundleID(), reading.file.filePath, inserted.tags, inserted.item->notes()});
+    m_written.push_back({inserted.item->bundleID(), reading.file.filePath, inserted.tags, inserted.item->notes(),
+                         inserted.item->rating()});
     ++m_changes;
 }
 
@@ -194,6 +201,9 @@ bool LiveFileImport::saveNow()
     m_interval = std::min<Clock::duration>(2 * m_interval, longestInterval * m_run.settings.firstSaveAfter);
     m_nextSave = Clock::now() + m_interval;
     writeTags();
+    // Both go on side by side; else one thread would be left to write most of the tags after the last file was read,
+    // and what a person tags meanwhile would wait behind all of them.
+    TagFileWriter::sharedTagFileWriter().waitUntilFewerWait(mostWaitingTags, &m_run.operation);
     return true;
 }
 
@@ -201,6 +211,7 @@ bool LiveFileImport::saveNow()
 void LiveFileImport::writeTags()
 {
     ZQLibraryEnvironment &environment = ZQLibraryEnvironment::current();
+    std::vector<WrittenTags::File> files;
     for (const Written &written : std::exchange(m_written, {})) {
         // Of a file that cannot be written the library alone keeps what was measured.
         const bool canBeWritten = ::access(QFile::encodeName(written.path).constData(), W_OK) == 0;
@@ -208,8 +219,10 @@ void LiveFileImport::writeTags()
             environment.writeTagsToFileOfItem(
                 written.bundleID, written.path,
                 {.tags = written.tags, .comment = written.notes, .rating = {}, .isFirst = true, .isSaved = true});
+            files.push_back({written.path, {written.tags, written.notes, written.rating}});
         }
     }
+    m_writtenTags.add(std::move(files));
 }
 
 void LiveFileImport::fileDidDrop(const DroppedFile &file)

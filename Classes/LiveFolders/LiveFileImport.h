@@ -4,6 +4,7 @@
 #include "Classes/Import/ImportedFile.h"
 #include "Classes/Import/ItemInserter.h"
 #include "Classes/LiveFolders/SyncRun.h"
+#include "Classes/LiveFolders/WrittenTags.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
 #include <chrono>
@@ -28,6 +29,7 @@ public:
     {
         QString path;
         qint64 folder = 0; // key
+        qint64 root = 0;   // key
         QString SHA1;      // where it is known
     };
     void add(const File &file); // waits while many are being read
@@ -36,6 +38,7 @@ public:
     void finish();
     const QStringList &unreadFiles() const { return m_unreadFiles; }         // paths; they made no item
     const QList<qint64> &foldersGivenUp() const { return m_foldersGivenUp; } // one for each file
+    const WrittenTags &writtenTags() const { return m_writtenTags; }         // after `finish`
     void saveIfDue();                                                        // also what others changed in the context
     bool saveNow();
     bool wasRefused() const { return !refusal().isEmpty(); } // as for a full disk
@@ -55,6 +58,7 @@ private:
         QString path;
         QStringList tags;
         QString notes;
+        int rating = 0;
     };
     struct Arrival
     {
@@ -69,7 +73,7 @@ private:
     void giveUp(const ImportedFile &file);
 
     void fileDidDrop(const DroppedFile &file) override;
-    void fileDidFinish() override { m_run.progress.advance(); }
+    void fileDidFinish() override {}
     QString refusal() const override;
     void setRefusal(const QString &reason) override;
     void archiveDidUnfold(const UnfoldedArchive &) override {}
@@ -81,6 +85,7 @@ private:
     std::deque<Reading> m_reading; // in the order of the files
     QHash<qint64, ZQRef<ZQSidebarWatchedFolder>> m_folders;
     std::vector<Written> m_written; // of the items since the last save
+    WrittenTags m_writtenTags;
     QStringList m_unreadFiles;
     QList<qint64> m_foldersGivenUp;
     QDateTime m_importDate;

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/LiveFolders/LateItemsOperation.h"
 #include "Classes/LiveFolders/LiveFolderPlaces.h"
 #include "Classes/LiveFolders/RootFolders.h"
 #include "Kit/Files/ZQPersistentURL.h"
@@ -54,15 +55,6 @@ QList<ZQRef<ZQSidebarWatchedFolder>> LiveFolderManager::roots() const
     return store ? ZQSidebarWatchedFolder::rootWatchedFoldersInManagedObjectContext(*store).value_or(
                        QList<ZQRef<ZQSidebarWatchedFolder>>())
                  : QList<ZQRef<ZQSidebarWatchedFolder>>();
-}
-
-void LiveFolderManager::postStatus(const ZQObjectID &folder)
-{
-    if (ZQManagedObjectContext *const store = context()) {
-        ZQNotificationCenter::defaultCenter().postNotification(
-            statusDidChange, static_cast<LiveFolderManaging *>(this),
-            {{QStringLiteral("folder"), folder.URIRepresentation(store->persistentStoreCoordinator()->storeUUID())}});
-    }
 }
 
 // This desktop asks nobody for permission; but files are looked for in live folders too when they are not where they
@@ -378,11 +370,14 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     for (const qint64 root : context() ? m_runningRoots : QSet<qint64>()) { // it may end after all else
         m_filesKept.insert(root, records()->filesKept(root));
     }
+    m_removalQuestions.lookAgain();
+    noteTurn(*operation);
+    m_running.reset(); // its progress counts as an earlier turn's from here on
     goOnLater(*operation);
     if (operation->isCancelled() && !m_wasStopped) {
         postEnd(m_wanted.clear()); // whoever ended all of it wants no more
     }
-    if (operation->isCancelled()) {
+    if (operation->isCancelled()) { // because its folder was removed or disabled; it may have saved a batch after that
         putAwayWhatCameTooLate();
     }
     if (!operation->toLookAtAgain().isEmpty()) {
@@ -392,7 +387,6 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
             syncWatchedFolders(followed, false, false);
         });
     }
-    m_running.reset();
     m_statusTimer.stop();
     getLiveFolderPermissionFromSandbox();
     watchRoots();
@@ -403,26 +397,12 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
     m_removalQuestions.ask(operation->questions());
 }
 
-// A run that is ended because its folder was removed or disabled may have saved a batch after that.
 void LiveFolderManager::putAwayWhatCameTooLate()
 {
-    ZQManagedObjectContext *const store = context();
-    if (store && tamberin_AppDelegate::sharedDelegate()->editQueue().operationCount() > 0) { // which may see to most
-        QTimer::singleShot(untilEditsAreSaved, this, &LiveFolderManager::putAwayWhatCameTooLate);
-        return;
-    }
-    const auto items = store ? zqFetch<ZQLibraryBaseItem>(*store, QStringLiteral("managed == NO AND active == YES AND "
-                                                                                 "(watchingFolder.active == NO OR "
-                                                                                 "watchingFolder.is_enabled == NO)"))
-                             : std::nullopt;
-    if (!items || items->isEmpty()) {
-        return;
-    }
-    for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-        item->setActive(false);
-    }
-    if (ZQError error; !store->save(&error)) {
-        qCWarning(zqLogStore).noquote() << error.localizedDescription();
+    if (context()) {
+        auto &delegate = *tamberin_AppDelegate::sharedDelegate();
+        delegate.editQueue().addOperation(std::make_shared<LateItemsOperation>(delegate.persistentStoreCoordinator(),
+                                                                               AImportManager::sharedAImportManager()));
     }
 }
 
@@ -446,8 +426,24 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
         return folders.contains(id) ||
                (store && isBelow(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(id)), folders));
     };
+    QSet<qint64> roots;
+    const auto noteRoot = [&](const ZQObjectID &id) {
+        const qint64 root = isFollowed(id) ? rootOf(id) : 0;
+        if (root != 0) {
+            roots.insert(root);
+        }
+    };
+    for (auto wanted = m_wanted.all().keyBegin(); wanted != m_wanted.all().keyEnd(); ++wanted) {
+        if (isStopped(*wanted)) {
+            noteRoot(*wanted);
+        }
+    }
     postEnd(m_wanted.removeIf(isStopped));
     if (!m_running) {
+        noteUnfinished(roots);
+        for (const ZQObjectID &folder : folders) {
+            postStatus(folder);
+        }
         return;
     }
     bool concernsRun = false;
@@ -456,6 +452,7 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
         for (const ZQObjectID &id : ids) {
             if (isStopped(id)) {
                 concernsRun = true;
+                noteRoot(id);
             } else {
                 rest.append({id, everythingBelow});
             }
@@ -463,6 +460,7 @@ void LiveFolderManager::stopSyncingWatchedFolders(const QList<ZQObjectID> &folde
     };
     sortOut(m_running->watchedFoldersIDs(), true);
     sortOut(m_running->alsoLookedAt(), false);
+    noteUnfinished(roots);
     if (concernsRun) {
         m_wasStopped = true;
         m_running->cancel();
@@ -534,8 +532,12 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
         if (!isFollowed(id)) {
             left.append(id);
             m_left.insert(id.key);
+            m_filesKept.remove(id.key);
+            m_unfinished.remove(id.key);
+            m_earlierTurns.remove(id.key);
         }
     }
+    m_removalQuestions.lookAgain();
     stopSyncingWatchedFolders(left);
     watchRoots();
     for (const ZQObjectID &id : folders) {
@@ -546,51 +548,4 @@ void LiveFolderManager::watchedFoldersDidChange(const QList<ZQObjectID> &folders
         postStatus(id);
     }
     start();
-}
-
-bool LiveFolderManager::isRunningFor(const ZQObjectID &folder) const
-{
-    const QList<ZQObjectID> alone = m_running ? m_running->alsoLookedAt() : QList<ZQObjectID>();
-    if (m_wanted.contains(folder) || alone.contains(folder)) {
-        return true;
-    }
-    QList<ZQObjectID> whole = m_running ? m_running->watchedFoldersIDs() : QList<ZQObjectID>();
-    const auto &waiting = m_wanted.all();
-    for (auto wanted = waiting.constBegin(); wanted != waiting.constEnd(); ++wanted) {
-        if (wanted->everythingBelow) {
-            whole.append(wanted.key());
-        }
-    }
-    ZQManagedObjectContext *const store = whole.isEmpty() ? nullptr : context();
-    return store && isBelow(zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(folder)), whole);
-}
-
-LiveFolderStatus LiveFolderManager::statusOfWatchedFolder(const ZQObjectID &folder) const
-{
-    LiveFolderStatus status;
-    status.isSyncing = isRunningFor(folder);
-    if (status.isSyncing && m_running && m_runningRoots.contains(rootOf(folder))) {
-        const SyncProgress::State progress = m_running->progress();
-        status.filesDone = progress.done;
-        status.filesTotal = progress.total;
-    }
-    ZQManagedObjectContext *const store = context();
-    const auto row = store ? zqCast<ZQSidebarWatchedFolder>(store->existingObjectWithID(folder)) : nullptr;
-    if (!row) {
-        return status;
-    }
-    status.isSwept = m_watching && m_watching->isSwept(row->folderPath());
-    status.filesKept = m_filesKept.value(folder.key);
-    status.reason = m_reasons.value(folder.key);
-    const auto standing = row->standing();
-    status.holdsAnother = row->is_root() && standing == ZQSidebarWatchedFolder::Standing::Missing &&
-                          status.reason == RootFolders::reasonForAnother();
-    if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Trashed) {
-        status.reason = zqLocalized("Its folder is in the trash. Restore it there, or remove the live folder.");
-    } else if (status.reason.isEmpty() && standing == ZQSidebarWatchedFolder::Standing::Missing) {
-        status.reason = zqLocalized("Its folder cannot be found. Connect the drive it is on, or put the folder back.");
-    } else if (status.reason.isEmpty() && m_watching) {
-        status.reason = m_watching->reasonFor(row->folderPath());
-    }
-    return status;
 }

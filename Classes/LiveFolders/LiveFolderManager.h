@@ -42,6 +42,9 @@ public:
     void watchedFoldersDidChange(const QList<ZQObjectID> &folders) override;
     LiveFolderStatus statusOfWatchedFolder(const ZQObjectID &folder) const override;
     void syncAndRemoveMissing(const ZQObjectID &folder) override;
+    // Items that are still there though their live folder is removed or disabled. Beside the window, after the edits
+    // that wait.
+    void putAwayWhatCameTooLate();
     void setLengthOfTurns(SyncTurn::Length length) { m_lengthOfTurns = length; } // that begin after that
     RemovalQuestions &removalQuestions() { return m_removalQuestions; }
 
@@ -54,7 +57,6 @@ private:
     // The nearest folder around it that has a row; nothing for none that is followed.
     std::optional<ZQObjectID> scheduleFolderAtPath(const QString &path, bool everythingBelow);
     void start();
-    void putAwayWhatCameTooLate();
     std::shared_ptr<WatchFoldersImportOperation> operationFor(const SyncRequests::Next &next);
     void didEnd(const std::shared_ptr<WatchFoldersImportOperation> &operation);
     void goOnLater(const WatchFoldersImportOperation &operation);
@@ -69,6 +71,10 @@ private:
     bool isRunningFor(const ZQObjectID &folder) const;
     bool isFollowed(const ZQObjectID &id) const; // or was removed, or disabled
     void postStatus(const ZQObjectID &folder);
+    SyncProgress::State progressOf(qint64 root) const; // with the turns that it had before
+    void noteTurn(const WatchFoldersImportOperation &operation);
+    void noteUnfinished(const QSet<qint64> &roots);
+    QString reasonForUnfinished(const ZQSidebarWatchedFolder &row) const; // empty for a root that is in step
     static bool isBelow(const ZQRef<ZQSidebarWatchedFolder> &folder, const QList<ZQObjectID> &folders);
 
     ZQOperationQueue m_syncOperationQueue;
@@ -81,7 +87,9 @@ private:
     QHash<qint64, QString> m_reasons; // by folder
     QSet<qint64> m_left;              // that were removed or disabled since the last run began
     RemovalQuestions m_removalQuestions;
-    QHash<qint64, qsizetype> m_filesKept; // by root
+    QHash<qint64, qsizetype> m_filesKept;              // by root
+    QHash<qint64, SyncProgress::State> m_earlierTurns; // by root, while its run is to go on
+    QHash<qint64, SyncProgress::State> m_unfinished; // by root, whose run was cancelled and none came to its end since
     std::unique_ptr<LiveFolderWatching> m_watching;
     QTimer m_statusTimer;
     std::shared_ptr<LiveFolderRecords> m_records;

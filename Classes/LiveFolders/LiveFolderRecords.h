@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/LiveFolders/LiveFolderRecord.h"
+#include "Classes/LiveFolders/RecentRemovals.h"
 
 #include <QSet>
 #include <QString>
@@ -45,6 +46,9 @@ public:
     void forgetKept(qint64 rootKey) { m_kept.remove(rootKey); }
     void forgetKept() { m_kept.clear(); }
 
+    RecentRemovals &recentRemovals(qint64 rootKey) { return m_recent[rootKey]; }
+    void forgetRecentRemovals(qint64 rootKey) { m_recent.remove(rootKey); } // the person knows of them
+
     // Folders that could not be listed the last time.
     bool isUnreadable(qint64 folderKey) const { return m_unreadable.contains(folderKey); }
     void setUnreadable(qint64 folderKey, bool isUnreadable)
@@ -69,6 +73,7 @@ private:
     const QByteArray m_store;
     std::unordered_map<qint64, LiveFolderRecord> m_records;
     QHash<qint64, Kept> m_kept; // by root
+    QHash<qint64, RecentRemovals> m_recent;
     QMultiHash<qint64, size_t> m_allowed;
     QHash<qint64, qint64> m_refused;
     QSet<qint64> m_unreadable;

@@ -1,5 +1,6 @@
 #include "Classes/LiveFolders/RemovalQuestions.h"
 
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -19,8 +20,15 @@ void RemovalQuestions::ask(const QList<SyncQuestion> &questions)
 {
     for (const SyncQuestion &question : questions) {
         m_questions.removeIf([&question](const SyncQuestion &other) { return other.root == question.root; });
+        if (m_withdrawal && m_asked.root == question.root && m_asked.what == question.what) {
+            continue;
+        }
         m_questions.append(question);
+        if (m_withdrawal && m_asked.root == question.root) {
+            m_withdrawal->withdraw();
+        }
     }
+    lookAgain();
     if (m_questions.isEmpty()) {
         return;
     }
@@ -31,6 +39,35 @@ void RemovalQuestions::ask(const QList<SyncQuestion> &questions)
     }
 }
 
+void RemovalQuestions::lookAgain()
+{
+    if (m_withdrawal && m_gone && m_gone(m_asked.root) == 0) {
+        m_withdrawal->withdraw();
+    }
+}
+
+int RemovalQuestions::answerTo(const SyncQuestion &question)
+{
+    const QPointer alive(this);
+    const auto withdrawal = std::make_shared<QuestionWithdrawal>();
+    m_asked = question;
+    m_withdrawal = withdrawal;
+    const int answer = tamberin_AppDelegate::sharedDelegate()->userInteraction().ask(
+        {.message = zqFormat(zqLocalized("%@ files of the live folder “%@” are gone"),
+                             {QLocale().toString(question.count), question.title}),
+         .informativeText =
+             zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the "
+                         "library, they leave their projects too. If a drive is not connected, keep them: they are "
+                         "there again when it is."),
+         .buttons = {zqLocalized("Keep"), zqLocalized("Remove from Library"), zqLocalized("Ask Again Later")},
+         .suppressionKey = {},
+         .withdrawal = withdrawal});
+    if (alive) {
+        m_withdrawal.reset();
+    }
+    return withdrawal->isWithdrawn() ? -1 : answer;
+}
+
 // Meanwhile the disk is followed, and what is asked about stays.
 void RemovalQuestions::askAll()
 {
@@ -39,30 +76,25 @@ void RemovalQuestions::askAll()
     }
     m_isAsking = true;
     const QPointer alive(this);
-    while (alive && !m_questions.isEmpty() && !tamberin_AppDelegate::sharedDelegate()->isTerminating()) {
+    const auto goesOn = [this] {
+        return !m_questions.isEmpty() && !m_quiet.isActive() &&
+               !tamberin_AppDelegate::sharedDelegate()->isTerminating();
+    };
+    while (alive && goesOn()) {
         SyncQuestion question = m_questions.takeFirst();
         question.count = m_gone ? m_gone(question.root) : question.count;
         if (question.count == 0) {
             continue;
         }
-        const int answer = tamberin_AppDelegate::sharedDelegate()->userInteraction().ask(
-            {zqFormat(zqLocalized("%@ files of the live folder “%@” are gone"),
-                      {QLocale().toString(question.count), question.title}),
-             zqLocalized("They were deleted, or moved to where Zelto does not look. If you remove them from the "
-                         "library, they leave their projects too. If a drive is not connected, keep them: they are "
-                         "there again when it is."),
-             {zqLocalized("Keep"), zqLocalized("Remove from Library"), zqLocalized("Ask Again Later")},
-             {},
-             false});
+        const int answer = answerTo(question);
         if (alive && answer == 1) {
             m_allowed.append(question);
             Q_EMIT removalWasAllowed(question.root);
-        } else if (alive && answer != 0) {
+        } else if (alive && answer > 1) {
             m_postponed.insert(question.root.key);
         }
     }
     if (alive) {
-        m_questions.clear();
         m_isAsking = false;
     }
 }

@@ -16,7 +16,7 @@
 #include <optional>
 #include <utility>
 
-// How far a run is, for whoever shows it. Any thread.
+// How far a run is with each root, for whoever shows it. Any thread.
 class SyncProgress
 {
 public:
@@ -25,25 +25,27 @@ public:
         qsizetype done = 0;
         qsizetype total = 0;
     };
-    State state() const
+    State state(qint64 root) const
     {
         const ZQLockGuard lock(m_mutex);
-        return m_state;
+        return m_states.value(root);
     }
-    void begin(qsizetype total)
+    void begin(const QHash<qint64, qsizetype> &totals)
     {
         const ZQLockGuard lock(m_mutex);
-        m_state = {0, total};
+        for (auto total = totals.constBegin(); total != totals.constEnd(); ++total) {
+            m_states.insert(total.key(), {0, *total});
+        }
     }
-    void advance()
+    void advance(qint64 root)
     {
         const ZQLockGuard lock(m_mutex);
-        ++m_state.done;
+        ++m_states[root].done;
     }
 
 private:
     mutable ZQMutex m_mutex;
-    State m_state ZQ_GUARDED_BY(m_mutex);
+    QHash<qint64, State> m_states ZQ_GUARDED_BY(m_mutex);
 };
 
 // Much that is gone from a root at once, and stays until the person says that it may go.

@@ -265,7 +265,10 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
             if (present && entry && !present->isAs(*entry) && present->inode == entry->inode &&
                 present->hasContentOf(*entry)) {
                 entry->change = present->change;
-                changedSince.insert(QFile::decodeName(folder->path + '/' + name));
+                const QString path = QFile::decodeName(folder->path + '/' + name);
+                if (files.writtenTags().changeOf(path) != present->change) {
+                    changedSince.insert(path);
+                }
             }
         }
         readTags(run, each.key, changedSince);

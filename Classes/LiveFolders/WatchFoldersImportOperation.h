@@ -49,7 +49,7 @@ public:
 
     const QList<ZQObjectID> &watchedFoldersIDs() const { return m_watchedFoldersIDs; }
     const QList<ZQObjectID> &alsoLookedAt() const { return m_alone; }
-    SyncProgress::State progress() const { return m_progress.state(); } // any thread
+    SyncProgress::State progress(qint64 root) const { return m_progress.state(root); } // any thread
     // After the end: why folders are out of reach or were left as they are; an empty text: they are no longer.
     const QHash<qint64, QString> &reasons() const { return m_reasons; }
 

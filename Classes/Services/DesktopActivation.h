@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Classes/Application/ControllerInterfaces.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QUrl>
@@ -25,7 +27,9 @@ public Q_SLOTS:
         QStringList paths;
         for (const QString &uri : uris) {
             const QUrl url(uri);
-            if (url.isLocalFile()) {
+            if (ProtocolHandling::isProtocolURL(uri)) {
+                paths.append(uri); // it knows more spellings than addresses have
+            } else if (url.isLocalFile()) {
                 paths.append(url.toLocalFile());
             }
         }

@@ -3,12 +3,14 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/PathLock.h"
+#include "Classes/Tags/TagBackupStore.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Foundation/ZQText.h"
 
 #include <QCryptographicHash>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace {
 
@@ -167,6 +169,37 @@ FileTagsChange changeFrom(const FileTags &library, const FileTags &merged)
     return change;
 }
 
+using Unknown = FileTagsMerge::Unknown;
+
+std::optional<FileTagsMerge> mergeOfOneFile(const QString &path, const FileTags &library, Unknown unknown,
+                                            bool ignoresSeen, ZQError *error)
+{
+    ignoresSeen = ignoresSeen || (unknown == Unknown::TakesFile && library.isEmpty());
+    ZQError recordError;
+    const std::optional<SeenFileTags> record = ignoresSeen ? std::nullopt : SeenFileTags::ofFile(path, &recordError);
+    if (!recordError.isNull()) {
+        zqSetError(error, recordError);
+        return std::nullopt;
+    }
+    std::optional<SeenFileTags> seen = record;
+    if (!seen && !ignoresSeen) { // before reading, which may bring the backup up to date
+        seen = seenAtLastBackup(path);
+    }
+    // Reading gives lost values back, and those may be older than the library's.
+    const bool takesFile = unknown == Unknown::TakesFile && !seen && OpenMetaBackup::hasAttributes(path);
+    FileTagsMerge file;
+    if (!readInto(file, path, record.has_value(), error)) {
+        return std::nullopt;
+    }
+    file.merged = mergedValues(seen, file, library, takesFile);
+    file.change = changeFrom(library, file.merged);
+    const bool isInFile = keysOf(file.tags.value_or(QStringList())) == keysOf(file.tagsForFile()) &&
+                          file.comment.value_or(QString()) == file.merged.comment &&
+                          OpenMeta::starsForRating(file.rating.value_or(0)) == file.merged.rating;
+    file.isRecorded = isInFile && file.change.isEmpty() && record.value_or(SeenFileTags()) == SeenFileTags::of(library);
+    return file;
+}
+
 } // namespace
 
 const QString SeenFileTags::attributeName = AttributeStore::seenName;
@@ -263,32 +296,21 @@ QStringList FileTagsMerge::tagsForFile() const
     return OpenMeta::removeDuplicateTags(wanted);
 }
 
+// A record of one file beside the values of another would say that all of them were taken away.
 std::optional<FileTagsMerge> FileTagsMerge::ofFile(const QString &path, const FileTags &library, Unknown unknown,
                                                    bool ignoresSeen, ZQError *error)
 {
+    constexpr int mostTries = 3;
     const PathLock lock(path);
-    ignoresSeen = ignoresSeen || (unknown == Unknown::TakesFile && library.isEmpty());
-    ZQError recordError;
-    const std::optional<SeenFileTags> record = ignoresSeen ? std::nullopt : SeenFileTags::ofFile(path, &recordError);
-    if (!recordError.isNull()) {
-        zqSetError(error, recordError);
-        return std::nullopt;
+    QByteArray before = TagFileIdentity::ofFile(path).text;
+    for (int i = 0; i < mostTries; ++i) {
+        auto file = mergeOfOneFile(path, library, unknown, ignoresSeen, error);
+        const QByteArray after = TagFileIdentity::ofFile(path).text;
+        if (!file || before == after) {
+            return file;
+        }
+        before = after;
     }
-    std::optional<SeenFileTags> seen = record;
-    if (!seen && !ignoresSeen) { // before reading, which may bring the backup up to date
-        seen = seenAtLastBackup(path);
-    }
-    // Reading gives lost values back, and those may be older than the library's.
-    const bool takesFile = unknown == Unknown::TakesFile && !seen && OpenMetaBackup::hasAttributes(path);
-    FileTagsMerge file;
-    if (!readInto(file, path, record.has_value(), error)) {
-        return std::nullopt;
-    }
-    file.merged = mergedValues(seen, file, library, takesFile);
-    file.change = changeFrom(library, file.merged);
-    const bool isInFile = keysOf(file.tags.value_or(QStringList())) == keysOf(file.tagsForFile()) &&
-                          file.comment.value_or(QString()) == file.merged.comment &&
-                          OpenMeta::starsForRating(file.rating.value_or(0)) == file.merged.rating;
-    file.isRecorded = isInFile && file.change.isEmpty() && record.value_or(SeenFileTags()) == SeenFileTags::of(library);
-    return file;
+    zqSetError(error, ZQError::posix(EBUSY, path));
+    return std::nullopt;
 }

@@ -80,7 +80,8 @@ struct FileTagsMerge
     bool isRecorded = false; // the file holds `merged`, and the record says so
 
     // An empty item that takes the file's values takes all of them: it may be made anew of a file with a record.
-    // Nothing, with an error, when the file's values cannot be read: that never counts as having none. `ignoresSeen`
+    // Nothing, with an error, when the file's values cannot be read, or it is replaced again and again while they are:
+    // that never counts as having none. `ignoresSeen`
     // treats a record as not there, which a copy brought along from elsewhere.
     static std::optional<FileTagsMerge> ofFile(const QString &path, const FileTags &library, Unknown unknown,
                                                bool ignoresSeen, ZQError *error);

@@ -106,13 +106,18 @@ void OpenMetaBackup::restoreMetadata(const QString &path, const QStringList &nam
         return;
     }
     const PathLock lock(path);
+    bool isWhole = true;
     if (!backup->comment.isEmpty()) {
-        TagAttributes::setFinderComment(backup->comment, path);
+        isWhole = TagAttributes::setFinderComment(backup->comment, path).isNull();
     }
     if (backup->rating > 0) {
-        TagAttributes::setRating(backup->rating, path);
+        isWhole = TagAttributes::setRating(backup->rating, path).isNull() && isWhole;
     }
-    TagAttributes::setUserTags(backup->tags, path); // which also notes the new file
+    isWhole = TagAttributes::setUserTags(backup->tags, path).isNull() && isWhole; // which also notes the new file
+    // These may be older than the library's: without the record, what they lack would count as taken away.
+    if (isWhole && backup->seen && !backup->seen->isEmpty()) {
+        ZQExtendedAttributes::set(path, AttributeStore::seenName, *backup->seen);
+    }
 }
 
 std::optional<TagBackup> OpenMetaBackup::lastKnown(const QString &path)

@@ -3,6 +3,7 @@
 #include "Classes/Tags/OpenMeta.h"
 #include "Classes/Tags/OpenMetaBackup.h"
 #include "Classes/Tags/PathLock.h"
+#include "Classes/Tags/TagBackupStore.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -189,9 +190,25 @@ void TagFileWriter::writeTagsToFile(const QString &path, const QStringList &tags
     m_queue.addOperationWithBlock([this, path, tags, notes, rating] { replace(path, tags, notes, rating); });
 }
 
+// A program that saves by replacing a file may do so between two of its attributes. A record alone in the new one would
+// say that what it lacks was taken away.
 void TagFileWriter::merge(const Merge &merge)
 {
+    constexpr int mostTries = 3;
     const PathLock lock(merge.path);
+    for (int i = 0; i < mostTries; ++i) {
+        const QByteArray before = TagFileIdentity::ofFile(merge.path).text;
+        mergeWithOneFile(merge);
+        const QByteArray after = TagFileIdentity::ofFile(merge.path).text;
+        if (after == before || after.isEmpty()) {
+            return;
+        }
+        ZQExtendedAttributes::remove(merge.path, SeenFileTags::attributeName);
+    }
+}
+
+void TagFileWriter::mergeWithOneFile(const Merge &merge)
+{
     ZQError error;
     FileTags library = merge.library;
     if (merge.takesRating) {
@@ -231,7 +248,12 @@ void TagFileWriter::merge(const Merge &merge)
 
 void TagFileWriter::mergeWithFile(Merge request)
 {
-    m_queue.addOperationWithBlock([this, request = std::move(request)]() mutable {
+    const QString asked = request.path;
+    {
+        const ZQLockGuard lock(m_mutex);
+        ++m_waiting[asked];
+    }
+    m_queue.addOperationWithBlock([this, asked, request = std::move(request)]() mutable {
         if (request.find) {
             request.path = request.find();
         }
@@ -243,10 +265,22 @@ void TagFileWriter::mergeWithFile(Merge request)
             }
             merge(request);
         }
+        {
+            const ZQLockGuard lock(m_mutex);
+            if (const auto waiting = m_waiting.find(asked); --*waiting == 0) {
+                m_waiting.erase(waiting);
+            }
+        }
         if (request.done) {
             request.done(request.path);
         }
     });
+}
+
+bool TagFileWriter::isWaiting(const QString &path)
+{
+    const ZQLockGuard lock(m_mutex);
+    return m_waiting.contains(path);
 }
 
 ZQError TagFileWriter::writeRatingToFile(const QString &path, double rating)

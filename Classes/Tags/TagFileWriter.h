@@ -5,6 +5,7 @@
 #include "Kit/Foundation/ZQThreadSafety.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
+#include <QHash>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -41,6 +42,8 @@ public:
         std::function<void(const QString &path)> done; // an empty one: no file was found
     };
     void mergeWithFile(Merge merge);
+    // Whether such a write was asked for, by its path, and is not done yet.
+    bool isWaiting(const QString &path);
 
     // A rating with a fraction, which the library keeps rounded. Waits for its turn in the queue.
     ZQError writeRatingToFile(const QString &path, double rating);
@@ -70,11 +73,13 @@ private:
     bool putNotes(const QString &path, const QString &notes, const QString &present);
     bool putRating(const QString &path, int rating, double present);
     void merge(const Merge &merge);
+    void mergeWithOneFile(const Merge &merge);
     void complain(const QString &path, const ZQError &error, bool isAboutSomething);
     bool report(const QString &path, const ZQError &error); // whether somebody was told, now or before
 
     ZQMutex m_mutex;
     ProblemHandler m_problemHandler ZQ_GUARDED_BY(m_mutex);
     QSet<quint64> m_toldDevices ZQ_GUARDED_BY(m_mutex);
+    QHash<QString, int> m_waiting ZQ_GUARDED_BY(m_mutex); // merges, by path
     ZQOperationQueue m_queue;
 };

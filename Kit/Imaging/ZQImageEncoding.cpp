@@ -126,21 +126,22 @@ struct FileType
     bool hasQuality;
     int longestSide;
     bool hasAlpha;
+    bool keepsDepth;
     int (*save)(VipsImage *image, VipsTarget *target, Quality quality);
 };
 
 constexpr int anySide = VIPS_MAX_COORD;
 
 constexpr std::array fileTypes{
-    FileType{PNG, "PNG", "png", true, false, anySide, true, savePNG},
-    FileType{JPEG, "JPEG", "jpg", true, false, 65535, false, saveJPEG},
-    FileType{WebP, "WebP", "webp", true, true, 16383, true, saveWebP},
-    FileType{AVIF, "AVIF", "avif", true, true, 16384, true, saveAVIF},
-    FileType{TIFFWithExtension, "TIFF", "tif", true, false, anySide, true, saveTIFF},
-    FileType{TIFF, "TIFF", "tif", false, false, anySide, true, saveTIFF},
-    FileType{BMP, "BMP", "bmp", false, false, anySide, false, saveBMP},
-    FileType{GIF, "GIF", "gif", false, false, 65535, true, saveGIF},
-    FileType{JPEG2000, "JPEG 2000", "jp2", false, false, anySide, true, saveJPEG2000},
+    FileType{PNG, "PNG", "png", true, false, anySide, true, true, savePNG},
+    FileType{JPEG, "JPEG", "jpg", true, false, 65535, false, false, saveJPEG},
+    FileType{WebP, "WebP", "webp", true, true, 16383, true, false, saveWebP},
+    FileType{AVIF, "AVIF", "avif", true, true, 16384, true, false, saveAVIF},
+    FileType{TIFFWithExtension, "TIFF", "tif", true, false, anySide, true, true, saveTIFF},
+    FileType{TIFF, "TIFF", "tif", false, false, anySide, true, true, saveTIFF},
+    FileType{BMP, "BMP", "bmp", false, false, anySide, false, false, saveBMP},
+    FileType{GIF, "GIF", "gif", false, false, 65535, true, false, saveGIF},
+    FileType{JPEG2000, "JPEG 2000", "jp2", false, false, anySide, true, false, saveJPEG2000},
 };
 
 const FileType *fileTypeOf(int code)
@@ -165,17 +166,6 @@ bool putOnWhite(ZQVipsImage &image)
     const bool done = zqVipsStep(image, vips_flatten, "background", white);
     vips_area_unref(VIPS_AREA(white));
     return done;
-}
-
-// Colours count by how much of them is seen, or what is transparent would shine through at edges.
-bool scaleTo(ZQVipsImage &image, QSize size)
-{
-    const double across = double(size.width()) / image->Xsize;
-    const double down = double(size.height()) / image->Ysize;
-    const bool hasAlpha = vips_image_hasalpha(image.get());
-    return (!hasAlpha || zqVipsStep(image, vips_premultiply)) &&
-           zqVipsStep(image, vips_resize, across, "vscale", down) &&
-           (!hasAlpha || zqVipsStep(image, vips_unpremultiply)) && zqVipsStep(image, vips_cast, VIPS_FORMAT_UCHAR);
 }
 
 // The pixels, which `keeper` holds.
@@ -227,10 +217,28 @@ bool zqFileTypeNamesItself(int fileType)
     return type && type->namesItself;
 }
 
+bool zqFileTypeKeepsDepth(int fileType)
+{
+    const FileType *const type = fileTypeOf(fileType);
+    return type && type->keepsDepth;
+}
+
 bool zqFileTypeHasQuality(int fileType)
 {
     const FileType *const type = fileTypeOf(fileType);
     return type && type->hasQuality;
+}
+
+// Colours count by how much of them is seen, or what is transparent would shine through at edges.
+bool zqScaleVips(ZQVipsImage &image, QSize size)
+{
+    const double across = double(size.width()) / image->Xsize;
+    const double down = double(size.height()) / image->Ysize;
+    const VipsBandFormat format = image->BandFmt;
+    const bool hasAlpha = vips_image_hasalpha(image.get());
+    return (!hasAlpha || zqVipsStep(image, vips_premultiply)) &&
+           zqVipsStep(image, vips_resize, across, "vscale", down) &&
+           (!hasAlpha || zqVipsStep(image, vips_unpremultiply)) && zqVipsStep(image, vips_cast, format);
 }
 
 bool zqCheckEncoding(const ZQExportEncoding &encoding, QSize size, ZQError *error)
@@ -295,7 +303,7 @@ std::optional<ZQExportedImage> zqEncodeBitmap(const ZQBitmap &bitmap, const ZQEx
     }
     QImage keeper;
     ZQVipsImage image = imageOf(bitmap, keeper);
-    if (!image || (size != bitmap.size() && !scaleTo(image, size))) {
+    if (!image || (size != bitmap.size() && !zqScaleVips(image, size))) {
         zqLogVipsError({});
         fail(error, ZQImagingErrorCode::TooMuchMemory, zqLocalized("There is not enough memory to convert it."));
         return std::nullopt;
@@ -303,5 +311,5 @@ std::optional<ZQExportedImage> zqEncodeBitmap(const ZQBitmap &bitmap, const ZQEx
     if (!zqEncodeImage(image.get(), encoding, output, error)) {
         return std::nullopt;
     }
-    return ZQExportedImage{size, bitmap.isIncomplete()};
+    return ZQExportedImage{.pixelSize = size, .isIncomplete = bitmap.isIncomplete()};
 }

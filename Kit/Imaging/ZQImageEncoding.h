@@ -9,12 +9,17 @@
 
 // Null, with the reason, when a picture of that size cannot be written as this type.
 bool zqCheckEncoding(const ZQExportEncoding &encoding, QSize size, ZQError *error);
-// `image`: sRGB, 8 bits, with or without alpha; its rows may be computed on the way. As it is: the size asked for plays
-// no part.
+// Whether it can hold 16 bits a channel.
+bool zqFileTypeKeepsDepth(int fileType);
+// `image`: sRGB, 8 bits, or 16 where the type keeps them, with or without alpha; its rows may be computed on the way.
+// As it is: the size asked for plays no part.
 bool zqEncodeImage(VipsImage *image, const ZQExportEncoding &encoding, int output, ZQError *error);
 // Scaled by the rule.
 std::optional<ZQExportedImage> zqEncodeBitmap(const ZQBitmap &bitmap, const ZQExportEncoding &encoding, int output,
                                               ZQError *error);
+
+// Scaled to the size, in the number of bits that it has.
+bool zqScaleVips(ZQVipsImage &image, QSize size);
 
 // One step of a pipeline: `image` replaced by what the operation makes of it.
 template <class Operation, class... Arguments>

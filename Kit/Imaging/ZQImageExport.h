@@ -45,7 +45,9 @@ struct ZQExportEncoding
 struct ZQExportedImage
 {
     QSize pixelSize;
-    bool isIncomplete = false; // only a part of the picture was in its file; what is missing is empty
+    bool isIncomplete = false;     // only a part of the picture was in its file; what is missing is empty
+    bool isFirstOfSeveral = false; // frames or pages; the others were left out
+    bool isReduced = false;        // to 8 bits a channel
 };
 
 QList<int> zqFileTypes(); // all that can be encoded, those first that people look for first
@@ -56,7 +58,8 @@ QString zqExtensionOfFileType(int fileType); // "tif", "bmp", "gif", "jpg", "png
 bool zqFileTypeNamesItself(int fileType);    // files get its extension; of others they keep the one they had
 bool zqFileTypeHasQuality(int fileType);     // a person chooses one
 
-// Writes 8-bit sRGB, untagged and without metadata. The file is written beside `path` and takes that name only when it
+// Writes sRGB, untagged and without metadata, of 8 bits; of a PNG or TIFF with 16 bits a channel a PNG or TIFF keeps
+// them. The file is written beside `path` and takes that name only when it
 // is whole, and never over a file that is there: that is an error of the domain "POSIX" with the code EEXIST, as a full
 // disk is one with ENOSPC. Nothing is flushed to disk: whoever needs that calls `zqSyncFileSystem` once for all files.
 // What is wrong with the picture is an error of the domain "zelto.imaging". Transparency goes white where the type has

@@ -25,6 +25,11 @@ ZQBitmap ZQImageSource::bitmapOfFile(const QString &path, ZQError *error, int fr
     return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::Bitmap, path, {}, frame, error).bitmap;
 }
 
+std::optional<ZQPackedPicture> ZQImageSource::planesOfFile(const QString &path, const QRect &window, ZQError *error)
+{
+    return ZQRenderPool::shared().planesOfFile(path, window, error);
+}
+
 QByteArray ZQImageSource::embeddedPictureOfFile(const QString &path, ZQError *error)
 {
     return ZQRenderPool::shared().perform(ZQRenderRequest::Kind::EmbeddedPicture, path, {}, 0, error).bytes;

@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Imaging/ZQBitmap.h"
+#include "Kit/Imaging/ZQPackedPicture.h"
 
 #include <QList>
 #include <QString>
@@ -49,6 +50,10 @@ public:
                                     std::optional<ZQImageProperties> *properties = nullptr);
     // At full size.
     static ZQBitmap bitmapOfFile(const QString &path, ZQError *error = nullptr, int frame = 0);
+
+    // At full size, in planes that the worker packed: what of the upright picture is within the window.
+    static std::optional<ZQPackedPicture> planesOfFile(const QString &path, const QRect &window,
+                                                       ZQError *error = nullptr);
 
     // The encoded picture that a document (Acorn) holds of itself, as stored. Empty when it has none.
     static QByteArray embeddedPictureOfFile(const QString &path, ZQError *error = nullptr);

@@ -307,7 +307,7 @@ ZQRenderProcess::Reply ZQRenderPool::ask(const ZQRenderRequest &request, int fil
     for (int i = 0; i < mostTries; ++i) {
         Idle idle;
         if (const Taken taken = take(idle, failure); taken != Taken::Worker) {
-            return {taken == Taken::Cancelled ? Outcome::Cancelled : Outcome::Stopped, {}, {}, {}};
+            return {taken == Taken::Cancelled ? Outcome::Cancelled : Outcome::Stopped, {}, {}, {}, {}};
         }
         if (!idle.process->send(request, file, output)) {
             drop(std::move(idle));
@@ -406,5 +406,31 @@ std::optional<ZQExportedImage> ZQRenderPool::exportFile(const QString &path, con
         zqSetError(error, errorOfOutcome(Outcome::TalkedNonsense, path));
         return std::nullopt;
     }
-    return ZQExportedImage{reply.answer.size, reply.answer.isIncomplete};
+    return ZQExportedImage{reply.answer.size, reply.answer.isIncomplete, reply.answer.isFirstOfSeveral,
+                           reply.answer.isReduced};
+}
+
+std::optional<ZQPackedPicture> ZQRenderPool::planesOfFile(const QString &path, const QRect &window, ZQError *error)
+{
+    const ZQFileDescriptor file = openFile(path, error);
+    if (!file.isOpen()) {
+        return std::nullopt;
+    }
+    ZQRenderRequest request;
+    request.kind = ZQRenderRequest::Kind::Planes;
+    request.name = QFileInfo(path).fileName();
+    request.window = window;
+    QString failure;
+    const ZQRenderProcess::Reply reply = ask(request, file.get(), -1, &failure);
+    if (!failure.isEmpty()) {
+        zqSetError(error, zqImagingError(ZQImagingErrorCode::NoRenderer, path, failure));
+        return std::nullopt;
+    }
+    if (!isAnswered(reply, path, error)) {
+        return std::nullopt;
+    }
+    if (!reply.planes) {
+        zqSetError(error, zqImagingError(reply.answer.code, path, reply.answer.reason));
+    }
+    return reply.planes;
 }

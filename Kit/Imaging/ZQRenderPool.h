@@ -39,6 +39,9 @@ public:
     std::optional<ZQExportedImage> exportFile(const QString &path, const ZQExportEncoding &encoding, int output,
                                               ZQError *error);
 
+    // Has a worker pack the planes of what of the file's picture is within the window. Nothing and an error as above.
+    std::optional<ZQPackedPicture> planesOfFile(const QString &path, const QRect &window, ZQError *error);
+
     // Starts the first worker, in the background.
     void prepare();
     // Ends all workers; requests from now on fail.

@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPackBits.h"
 #include "Kit/Imaging/ZQRenderNotice.h"
 
 #include <QDir>
@@ -125,7 +126,7 @@ QByteArray makeFolder()
 }
 
 // What the answer has to bring, unless it is an error.
-enum class Content { Properties, Pixels, Bytes, Nothing };
+enum class Content { Properties, Pixels, Bytes, Planes, Nothing };
 
 Content contentOf(ZQRenderAnswer::Kind kind)
 {
@@ -135,6 +136,8 @@ Content contentOf(ZQRenderAnswer::Kind kind)
         return Content::Pixels;
     case ZQRenderAnswer::Kind::BytesInFile:
         return Content::Bytes;
+    case ZQRenderAnswer::Kind::PlanesInFile:
+        return Content::Planes;
     case ZQRenderAnswer::Kind::Exported:
         return Content::Nothing;
     default:
@@ -149,6 +152,8 @@ Content contentFor(ZQRenderRequest::Kind kind)
         return Content::Properties;
     case ZQRenderRequest::Kind::EmbeddedPicture:
         return Content::Bytes;
+    case ZQRenderRequest::Kind::Planes:
+        return Content::Planes;
     case ZQRenderRequest::Kind::Export:
         return Content::Nothing;
     default:
@@ -206,6 +211,29 @@ ZQBitmap bitmapOfSealedFile(int descriptor, QSize size)
     }
     return ZQBitmap(QImage(static_cast<const uchar *>(data), size.width(), size.height(), qsizetype(size.width()) * 4,
                            QImage::Format_RGBA8888, unmap, new Mapping{data, bytes}));
+}
+
+std::optional<ZQPackedPicture> planesOfSealedFile(int descriptor, QSize size, const QRect &window)
+{
+    const QRect part = ZQPackedPicture::partOf(size, window);
+    const qint64 bytes = sizeOfSealedFile(descriptor);
+    const qint64 most = (qint64(ZQPackBits::mostPacked(part.width())) + 2) * part.height();
+    if (bytes < 0 || bytes > most * ZQPackedPicture::channelCount) {
+        return std::nullopt;
+    }
+    if (bytes == 0) {
+        return ZQPackedPicture::of(nullptr, 0, size, part);
+    }
+    void *const data = ::mmap(nullptr, size_t(bytes), PROT_READ, MAP_PRIVATE, descriptor, 0);
+    if (data == MAP_FAILED) {
+        return std::nullopt;
+    }
+    const std::shared_ptr<const char> shared(static_cast<const char *>(data), [bytes](const char *mapped) {
+        ::munmap(const_cast<char *>(mapped), size_t(bytes));
+    });
+    const auto planes = ZQPackedPicture::of(shared, bytes, size, part);
+    ::madvise(data, size_t(bytes), MADV_DONTNEED); // looked through; it may be long until somebody takes it
+    return planes;
 }
 
 } // namespace
@@ -389,14 +417,14 @@ ZQRenderProcess::Reply ZQRenderProcess::receive(const ZQRenderRequest &request, 
     ZQFileDescriptor descriptor;
     const Exchanged message = nextMessage(time, &descriptor);
     if (message.outcome != Outcome::Answered) {
-        return {message.outcome, {}, {}, {}};
+        return {message.outcome, {}, {}, {}, {}};
     }
     const std::optional<ZQRenderAnswer> answer = zqDecodeAnswerMessage(message.bytes);
     if (!answer || answer->kind == ZQRenderAnswer::Kind::Hello) {
-        return {failed(Outcome::TalkedNonsense), {}, {}, {}};
+        return {failed(Outcome::TalkedNonsense), {}, {}, {}, {}};
     }
-    Reply reply{Outcome::Answered, *answer, {}, {}};
-    return takeContent(request, descriptor, reply) ? reply : Reply{failed(Outcome::TalkedNonsense), {}, {}, {}};
+    Reply reply{Outcome::Answered, *answer, {}, {}, {}};
+    return takeContent(request, descriptor, reply) ? reply : Reply{failed(Outcome::TalkedNonsense), {}, {}, {}, {}};
 }
 
 bool ZQRenderProcess::takeContent(const ZQRenderRequest &request, const ZQFileDescriptor &descriptor,
@@ -419,6 +447,12 @@ bool ZQRenderProcess::takeContent(const ZQRenderRequest &request, const ZQFileDe
     case Content::Bytes:
         reply.bytes = bytesOfSealedFile(descriptor.get());
         return !reply.bytes.isEmpty();
+    case Content::Planes:
+        reply.planes = planesOfSealedFile(descriptor.get(), reply.answer.size, request.window);
+        if (reply.planes) {
+            reply.planes->setIncomplete(reply.answer.isIncomplete);
+        }
+        return reply.planes.has_value();
     case Content::Pixels:
         reply.bitmap = takePixels(request, reply.answer, descriptor);
         reply.bitmap.setIncomplete(reply.answer.isIncomplete);

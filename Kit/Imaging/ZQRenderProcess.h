@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Imaging/ZQBitmap.h"
+#include "Kit/Imaging/ZQPackedPicture.h"
 #include "Kit/Imaging/ZQRenderProtocol.h"
 
 #include <chrono>
@@ -50,6 +51,7 @@ public:
         ZQRenderAnswer answer;
         ZQBitmap bitmap;
         QByteArray bytes;
+        std::optional<ZQPackedPicture> planes = {};
     };
     // Waits for the answer, or until the thread's ZQCancellation happens: an answer that is about to come is still
     // waited for, since a new worker takes as long. After any outcome but `Answered` the worker is ended. `request` is

@@ -202,6 +202,7 @@ bool isPossible(const ZQRenderAnswer &answer)
                qsizetype(answer.size.width()) * answer.size.height() * 4 <= zqRenderAreaBytes;
     case Kind::PixelsInFile:
     case Kind::Exported:
+    case Kind::PlanesInFile:
         return isPossibleSize(answer.size);
     case Kind::CannotWrite:
         return answer.systemError > 0 && answer.systemError <= highestSystemError;
@@ -226,6 +227,12 @@ QByteArray zqEncode(const ZQRenderRequest &request)
     if (request.kind == ZQRenderRequest::Kind::Export) {
         writeEncoding(writer, request.encoding);
     }
+    if (request.kind == ZQRenderRequest::Kind::Planes) {
+        const QRect &window = request.window;
+        for (const int value : {window.x(), window.y(), window.width(), window.height()}) {
+            writer.number(value);
+        }
+    }
     return writer.bytes();
 }
 
@@ -243,6 +250,10 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
     if (out.kind == ZQRenderRequest::Kind::Export) {
         out.encoding = readEncoding(reader);
     }
+    if (out.kind == ZQRenderRequest::Kind::Planes) {
+        const QPoint corner(reader.number(), reader.number());
+        out.window = QRect(corner, QSize(reader.number(), reader.number()));
+    }
     return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;
 }
 
@@ -252,7 +263,8 @@ QByteArray zqEncode(const ZQRenderAnswer &answer)
     for (const qint32 value :
          {qint32(answerMark), qint32(answer.kind), answer.size.width(), answer.size.height(), qint32(answer.code),
           qint32(answer.hasThumbnailer), qint32(answer.restrictsFiles), qint32(answer.restrictsCalls),
-          qint32(answer.isIncomplete), qint32(answer.hasProperties)}) {
+          qint32(answer.isIncomplete), qint32(answer.isFirstOfSeveral), qint32(answer.isReduced),
+          qint32(answer.hasProperties)}) {
         writer.number(value);
     }
     writer.text(answer.reason);
@@ -276,6 +288,8 @@ std::optional<ZQRenderAnswer> zqDecodeAnswerMessage(const QByteArray &message)
     out.restrictsFiles = reader.number() != 0;
     out.restrictsCalls = reader.number() != 0;
     out.isIncomplete = reader.number() != 0;
+    out.isFirstOfSeveral = reader.number() != 0;
+    out.isReduced = reader.number() != 0;
     out.hasProperties = reader.number() != 0;
     out.reason = reader.line();
     out.properties = readProperties(reader);

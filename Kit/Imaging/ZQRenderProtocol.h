@@ -6,6 +6,7 @@
 #include "Kit/Imaging/ZQImagingError.h"
 
 #include <QByteArray>
+#include <QRect>
 #include <QSize>
 
 #include <chrono>
@@ -37,7 +38,7 @@ constexpr int zqRenderExitTookTooLong = 78;
 
 struct ZQRenderRequest
 {
-    enum class Kind { Properties, Bitmap, Preview, Thumbnailer, EmbeddedPicture, Export };
+    enum class Kind { Properties, Bitmap, Preview, Thumbnailer, EmbeddedPicture, Export, Planes };
 
     Kind kind = Kind::Properties;
     QSize box; // invalid: full size
@@ -45,17 +46,30 @@ struct ZQRenderRequest
     QString name;                   // of the file; its path for a thumbnailer
     bool withProperties = false;    // what the file says of itself comes with its picture, or with why there is none
     ZQExportEncoding encoding = {}; // Export; the file that it is written into comes after the one that is read
+    QRect window = {};              // Planes: what of the upright picture is wanted; it may reach beyond
 };
 
 struct ZQRenderAnswer
 {
-    enum class Kind { Hello, Properties, PixelsInArea, PixelsInFile, Error, BytesInFile, Exported, CannotWrite };
+    enum class Kind {
+        Hello,
+        Properties,
+        PixelsInArea,
+        PixelsInFile,
+        Error,
+        BytesInFile,
+        Exported,
+        CannotWrite,
+        PlanesInFile
+    };
 
     Kind kind = Kind::Error;
     ZQImageProperties properties;
-    bool hasProperties = false; // besides what the kind says
-    QSize size;                 // of the picture
-    bool isIncomplete = false;  // only a part of it could be drawn
+    bool hasProperties = false;    // besides what the kind says
+    QSize size;                    // of the picture
+    bool isIncomplete = false;     // only a part of it could be drawn
+    bool isFirstOfSeveral = false; // Exported: see ZQExportedImage
+    bool isReduced = false;
     ZQImagingErrorCode code = ZQImagingErrorCode::Damaged;
     QString reason;
     bool hasThumbnailer = false; // an error, but a thumbnailer knows the kind

@@ -120,6 +120,9 @@ constexpr RoleColors roleColors[] = {
     {ZQColorRole::ArtworkDark2, "artworkDark2", 0xff2b2d32, 0xff3a3c42},
     {ZQColorRole::ArtworkMiddle, "artworkMiddle", 0xff7b7e86, 0xff7b7e86},
     {ZQColorRole::ArtworkMiddle2, "artworkMiddle2", 0xff878a92, 0xff878a92},
+    {ZQColorRole::Mask, "mask", 0x80000000, 0x80000000},
+    {ZQColorRole::MaskLine, "maskLine", 0xffffffff, 0xffffffff},
+    {ZQColorRole::MaskTag, "maskTag", 0xff151618, 0xff151618},
 };
 
 // White, black, gray, red, orange, yellow, green, blue, purple, pink.

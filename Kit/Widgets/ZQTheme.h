@@ -32,6 +32,9 @@ enum class ZQColorRole {
     ArtworkDark2,
     ArtworkMiddle, // behind what is both
     ArtworkMiddle2,
+    Mask,     // over what is not chosen of a screen, whatever lies there
+    MaskLine, // lines and text on it, and a flash
+    MaskTag,  // the ground of such text
 };
 
 // Lengths in device-independent pixels.

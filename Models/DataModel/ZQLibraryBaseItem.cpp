@@ -30,11 +30,13 @@ std::function<void(const QString &path)> renewalOf(const ZQObjectID &item, const
     };
 }
 
-// What a live folder took out of sight returns with it; of a disabled one, all but what a person deleted.
+// What a live folder took out of sight returns with it; of a disabled one, and of one that came back and was not looked
+// at since, all but what a person deleted.
 bool mayGo(const ZQRef<ZQLibraryBaseItem> &item)
 {
     const ZQRef<ZQSidebarWatchedFolder> folder = item->watchingFolder();
-    if (!folder || (!folder->is_missing() && !folder->is_trashed() && folder->is_enabled())) {
+    const bool isInStep = folder && folder->is_enabled() && folder->lastSyncDate().isValid();
+    if (!folder || (!folder->is_missing() && !folder->is_trashed() && isInStep)) {
         return true;
     }
     return !folder->is_missing() && !folder->is_trashed() &&

@@ -159,6 +159,30 @@ void ZQSidebarWatchedFolder::setItemsActive(const QList<ZQRef<ZQLibraryBaseItem>
     }
 }
 
+ZQPredicate ZQSidebarWatchedFolder::predicateOfItemsLeftBehind(Left left)
+{
+    return ZQPredicate::predicateWithFormat(
+        left == Left::Removed ? QStringLiteral("managed == NO AND active == YES AND watchingFolder.active == NO")
+                              : QStringLiteral("managed == NO AND active == YES AND (watchingFolder.active == NO OR "
+                                               "watchingFolder.is_enabled == NO)"));
+}
+
+bool ZQSidebarWatchedFolder::putAwayItemsLeftBehind(ZQManagedObjectContext &context)
+{
+    const auto removed =
+        context.countForFetchRequest({entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("active == NO"))});
+    if (removed == 0) { // as nearly always, and the items are many
+        return true;
+    }
+    const auto items =
+        zqFetch<ZQLibraryBaseItem>(context, ZQFetchRequest{.entityName = ZQLibraryBaseItem::entityName(),
+                                                           .predicate = predicateOfItemsLeftBehind(Left::Removed)});
+    for (const ZQRef<ZQLibraryBaseItem> &item : items.value_or(QList<ZQRef<ZQLibraryBaseItem>>())) {
+        item->setActive(false);
+    }
+    return items.has_value();
+}
+
 void ZQSidebarWatchedFolder::deactivateFolder()
 {
     setIs_enabled(false);

@@ -52,6 +52,13 @@ public:
     void reActivateFolder();
     // Items of live folders that come back, or go. Looks for the files of those that come.
     static void setItemsActive(const QList<ZQRef<ZQLibraryBaseItem>> &items, bool activeItems);
+    // What of an item's folder says that the item went with it, though it is active still: something was cut off
+    // between the two, or came late. Of `Removed` ones nothing comes back.
+    enum class Left { Removed, RemovedOrDisabled };
+    static ZQPredicate predicateOfItemsLeftBehind(Left left);
+    // Before rows of removed folders go for good, after which nobody would find those. False: they could not be looked
+    // for. Saves nothing.
+    static bool putAwayItemsLeftBehind(ZQManagedObjectContext &context);
     // Path to child folder, and path to item; active ones.
     QHash<QString, ZQRef<ZQManagedObject>> pathAndItemDictionary() const;
     QList<ZQRef<ZQSidebarWatchedFolder>> orderedChildrenAndSubChildren() const; // a folder before what it holds

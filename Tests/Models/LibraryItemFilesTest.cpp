@@ -351,7 +351,12 @@ TEST_F(LibraryItemFiles, PurgeKeepsWhatItMayNotOrCannotRemove)
         EXPECT_TRUE(context.save());
         return zqCount(context, {.entityName = ZQLibraryBaseItem::entityName()});
     };
-    EXPECT_EQ(purge(), 3) << "what a person deleted is gone, and what is not there for the library";
+    const auto behind = liveFolder(QStringLiteral("behind"));
+    liveItem(behind, QStringLiteral("back.jpg"))->setActive(false);
+    liveItem(behind, QStringLiteral("deleted.jpg"))->deleteSelf();
+    behind->setLastSyncDate({});
+    EXPECT_EQ(purge(), 4) << "what a person deleted is gone, and what is not there for the library";
+    behind->setLastSyncDate(QDateTime::currentDateTimeUtc());
     EXPECT_EQ(ScratchLibrary::readFile(byHand), QByteArray("mine.jpg")) << "a person hid it";
     EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("off/off.jpg"))));
     EXPECT_TRUE(QFileInfo::exists(library.path(QStringLiteral("XDG_DATA_HOME/Trash/files/deleted.jpg"))));

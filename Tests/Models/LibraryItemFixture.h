@@ -20,6 +20,7 @@ protected:
         QDir().mkpath(library.path(name));
         auto folder = ZQSidebarWatchedFolder::newSidebarWatchedFolderForPath(library.path(name), context);
         folder->setIs_root(true);
+        folder->setLastSyncDate(QDateTime::currentDateTimeUtc());
         return folder;
     }
     ZQRef<ZQLibraryImage> liveItem(const ZQRef<ZQSidebarWatchedFolder> &folder, const QString &name)

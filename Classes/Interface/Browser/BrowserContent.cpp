@@ -528,6 +528,9 @@ QString BrowserContent::emptyFolderText() const
                                                               .isSwept = false,
                                                               .reason = {}});
     }
+    if (!folder->lastSyncDate().isValid() && !status.reason.isEmpty()) {
+        return zqFormat(zqLocalized("“%@”: %@"), {folder->title(), status.reason});
+    }
     if (!folder->lastSyncDate().isValid()) {
         return zqFormat(zqLocalized("“%@” waits for its turn to be looked through. What is found comes here."),
                         {folder->title()});

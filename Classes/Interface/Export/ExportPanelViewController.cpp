@@ -9,6 +9,7 @@
 #include "Classes/Interface/Export/PresetDrag.h"
 #include "Classes/Interface/Export/PresetIcon.h"
 #include "Classes/Interface/Export/PresetsView.h"
+#include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Imaging/ZQImageExport.h"
@@ -23,6 +24,10 @@
 #include <QToolButton>
 
 #include <utility>
+
+namespace {
+const QString lastFolderKey = QStringLiteral("ExportFolder"); // of the last export by a click
+} // namespace
 
 ExportPanelViewController::ExportPanelViewController(WindowContext &window, BrowserViewController &browser,
                                                      QWidget *parent)
@@ -134,8 +139,11 @@ void ExportPanelViewController::exportWithPreset(const QString &identifier)
     choice.title = zqLocalized("Please choose the location where the images will be saved");
     choice.prompt = zqLocalized("Export");
     choice.directory = true;
+    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    choice.name = defaults.stringForKey(lastFolderKey);
     const QStringList folders = m_window.user.chooseFilesToOpen(choice);
     if (!folders.isEmpty()) {
+        defaults.setObjectForKey(folders.first(), lastFolderKey);
         exportItemsToURL(folders.first(), preset, items);
     }
 }

@@ -53,11 +53,11 @@ Q_SIGNALS:
 
 protected:
     QVBoxLayout *column() const { return m_column; }
+    void setShown(const QString &key, std::function<void()> show); // shows it now and whenever it changes
+    bool store(const QVariant &value, const QString &key);         // tells where it could not be written
 
 private:
-    void setShown(const QString &key, std::function<void()> show);
     void choose(const QVariant &value, const QString &key); // what the control shows already
-    bool store(const QVariant &value, const QString &key);
     QLabel *addLabel(const QString &text, const QString &style);
 
     QVBoxLayout *m_column;

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Preferences/LibraryPane.h"
 #include "Classes/Interface/Preferences/PreferencesPanes.h"
+#include "Classes/Interface/Preferences/ScreenshotsPane.h"
 #include "Classes/Interface/Sheets/Sheet.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -46,6 +47,7 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *ma
         plan.fill(*pane);
         addPane(pane, QLatin1StringView(plan.icon));
     }
+    addPane(new ScreenshotsPane(delegate), QStringLiteral("screenshots"));
     addPane(new LibraryPane(delegate), QStringLiteral("library"));
     connect(m_names, &QListWidget::currentRowChanged, this, [this](int index) {
         m_stack->setCurrentIndex(index);

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Sheets/QuestionSheets.h"
 
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Interface/ItemPictures.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -36,7 +37,7 @@ QString withExtension(const QString &title, const QString &path)
 } // namespace
 
 QuestionSheet::QuestionSheet(QWidget *window, const UserQuestion &question)
-    : Sheet(window, question.message), m_suppressionKey(question.suppressionKey)
+    : Sheet(window, question.message), m_suppressionKey(question.suppressionKey), m_withdrawal(question.withdrawal)
 {
     if (!question.informativeText.isEmpty()) {
         auto *text = new QLabel(zqForLabel(question.informativeText, longestText), this);
@@ -56,7 +57,13 @@ QuestionSheet::QuestionSheet(QWidget *window, const UserQuestion &question)
 
 int QuestionSheet::ask()
 {
+    if (m_withdrawal) {
+        m_withdrawal->setEnd([this] { reject(); });
+    }
     const int code = run();
+    if (m_withdrawal) {
+        m_withdrawal->setEnd(nullptr);
+    }
     if (m_suppress && m_suppress->isChecked()) {
         ZQUserDefaults::standardUserDefaults().setObjectForKey(true, m_suppressionKey);
     }

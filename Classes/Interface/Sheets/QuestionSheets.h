@@ -3,6 +3,8 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Sheets/Sheet.h"
 
+#include <memory>
+
 class QCheckBox;
 class QButtonGroup;
 class QLabel;
@@ -16,11 +18,13 @@ class QuestionSheet : public Sheet
     Q_OBJECT
 public:
     QuestionSheet(QWidget *window, const UserQuestion &question);
-    int ask(); // the index of the button; keeps the suppression when the first was taken
+    // The index of the button; the last one's when it was withdrawn. Keeps the suppression when the first was taken.
+    int ask();
 
 private:
     QString m_suppressionKey;
     QCheckBox *m_suppress = nullptr;
+    std::shared_ptr<QuestionWithdrawal> m_withdrawal;
 };
 
 // Which of the unreadable files stay in an import.

@@ -15,6 +15,8 @@ public:
 
     void importWithDialog();
     void pasteFromClipboard();
+    // Where files go that come by a command.
+    ZQRef<ZQSidebarBaseItem> targetForFiles(const QStringList &paths) const { return target(forFiles(paths)); }
     QList<WindowCommand> commands();
 
 private:

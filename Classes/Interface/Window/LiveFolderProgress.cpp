@@ -3,6 +3,7 @@
 #include "Classes/Interface/LiveFolderStates.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 #include <QPointer>
 
@@ -67,6 +68,7 @@ void LiveFolderProgress::begin()
         return;
     }
     m_done = 0;
+    m_tally = {};
     m_line = m_window.user.beginProgress(zqLocalized("Syncing…"), 0, [self = QPointer(this)] {
         if (self) {
             self->stop();
@@ -84,6 +86,30 @@ void LiveFolderProgress::stop()
     follow();
 }
 
+// Each folder says how far its whole root is.
+void LiveFolderProgress::tally(const QList<ZQObjectID> &folders)
+{
+    QHash<ZQObjectID, LiveFolderStatus> roots;
+    for (const ZQObjectID &id : folders) {
+        constexpr int deepest = 1000; // of a damaged tree
+        auto root = zqCast<ZQSidebarWatchedFolder>(m_window.sidebarItem(id));
+        for (int depth = 0; root && !root->is_root() && depth < deepest; ++depth) {
+            root = zqCast<ZQSidebarWatchedFolder>(root->father());
+        }
+        LiveFolderStatus &status = roots[root ? root->objectID() : id];
+        status = m_window.liveFolders->statusOf(id);
+        status.isSyncing = true;
+    }
+    for (const ZQObjectID &ended : m_tally.roots()) {
+        if (!roots.contains(ended)) {
+            m_tally.note(ended, {});
+        }
+    }
+    for (auto root = roots.constBegin(); root != roots.constEnd(); ++root) {
+        m_tally.note(root.key(), *root);
+    }
+}
+
 void LiveFolderProgress::show(const QList<ZQObjectID> &folders)
 {
     if (m_stopped.size() == folders.size()) {
@@ -92,14 +118,9 @@ void LiveFolderProgress::show(const QList<ZQObjectID> &folders)
         m_line->setMaximum(0);
         return;
     }
-    // Folders are synchronised one run after another, and each says how far the whole run is.
-    double done = 0;
-    double total = 0;
-    for (const ZQObjectID &folder : folders) {
-        const LiveFolderStatus &status = m_window.liveFolders->statusOf(folder);
-        done = std::max(done, double(status.filesDone));
-        total = std::max(total, double(status.filesTotal));
-    }
+    tally(folders);
+    const auto done = double(m_tally.done());
+    const auto total = double(m_tally.total());
     const bool isKnown = total > 0;
     const QString title = folders.size() == 1
                               ? zqShortened(m_window.sidebarItem(folders.first())->title(), longestTitle)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Application/LiveFolderTally.h"
 #include "Classes/Interface/WindowContext.h"
 
 #include <QObject>
@@ -25,10 +26,12 @@ private:
     void begin();
     void stop();
     void show(const QList<ZQObjectID> &folders);
+    void tally(const QList<ZQObjectID> &folders);
 
     WindowContext &m_window;
     QTimer m_delay;
     std::shared_ptr<UserProgress> m_line;
+    LiveFolderTally m_tally;    // since the line began
     double m_done = 0;          // as the line has it
     QSet<ZQObjectID> m_stopped; // by the person, and still at their last save
 };

@@ -7,6 +7,7 @@
 #include "Classes/Import/ImportDoor.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
+#include "Classes/Interface/Capture/CaptureActions.h"
 #include "Classes/Interface/Export/ExportPanelViewController.h"
 #include "Classes/Interface/Export/LayerActions.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -26,6 +27,7 @@
 #include "Classes/Interface/Window/SearchAssistant.h"
 #include "Classes/Interface/Window/SidePanel.h"
 #include "Classes/Interface/Window/TabsController.h"
+#include "Classes/Interface/Window/TemplateActions.h"
 #include "Classes/Interface/Window/WindowCommands.h"
 #include "Classes/Interface/Window/WindowFollower.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -106,6 +108,8 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     column->addWidget(m_splitter, 1);
     m_mainWindow->setCentralWidget(central);
     m_imports = std::make_unique<ImportActions>(*m_window, *m_browser);
+    m_templates =
+        std::make_unique<TemplateActions>(*m_window, *m_imports, m_delegate->templateDirectory(), m_mainWindow.get());
     m_layers = std::make_unique<LayerActions>(*m_window, *m_browser);
     const QString tabsPath = m_delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist");
     m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
@@ -205,9 +209,9 @@ void MainWindowController::makeCommands()
 {
     m_commands = new WindowCommands(m_mainWindow.get());
     for (const auto &contributed :
-         {m_sidebar->commands(), m_imports->commands(), m_arrived->commands(), m_tabs->commands(), libraryCommands(),
-          editCommands(), m_browser->commands(), m_savedSearches->commands(), m_layers->commands(), viewCommands(),
-          helpCommands()}) {
+         {m_sidebar->commands(), m_imports->commands(), m_templates->commands(), m_arrived->commands(),
+          m_tabs->commands(), libraryCommands(), editCommands(), m_browser->commands(), m_savedSearches->commands(),
+          m_layers->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
@@ -505,8 +509,7 @@ void MainWindowController::selectSidebarItem(const ZQObjectID &item)
 
 void MainWindowController::newFileFromTemplate()
 {
-    m_user.showNotificationWithText(zqLocalized("The template was added"), NotificationPlace::Window,
-                                    usualNotificationTime);
+    m_templates->newFileFromTemplate();
 }
 
 bool MainWindowController::commitEditing()

@@ -30,6 +30,7 @@ class QSplitter;
 class SavedSearchActions;
 class SidePanel;
 class TabsController;
+class TemplateActions;
 class WindowCommands;
 class WindowFollower;
 class tamberin_AppDelegate;
@@ -105,6 +106,7 @@ private:
     std::unique_ptr<WindowContext> m_window;
     std::unique_ptr<MainWindow> m_mainWindow;
     std::unique_ptr<ImportActions> m_imports;
+    std::unique_ptr<TemplateActions> m_templates;
     std::unique_ptr<LayerActions> m_layers;
     MainToolbar *m_toolbar = nullptr;
     QSplitter *m_splitter = nullptr;

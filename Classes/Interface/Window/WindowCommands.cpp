@@ -24,11 +24,11 @@ const std::vector<MenuPlan> &menuPlans()
 {
     using enum CommandID;
     static const std::vector<MenuPlan> plans = {
-        {"File", {NewProject, NewFolder,   NewTag,      AddLiveFolder,      SyncLiveFolder,
-                  separator,  Import,      LastImport,  ExportPanel,        ExportLayers,
-                  separator,  NewTab,      CloseTab,    ReopenClosedTab,    separator,
-                  NewLibrary, OpenLibrary, MoveLibrary, ShowLibraryInFiles, separator,
-                  Quit}},
+        {"File", {NewProject,         NewFolder,    NewTag,     NewFromTemplate, AddLiveFolder,
+                  SyncLiveFolder,     separator,    Import,     LastImport,      SnapArea,
+                  ExportPanel,        ExportLayers, separator,  NewTab,          CloseTab,
+                  ReopenClosedTab,    separator,    NewLibrary, OpenLibrary,     MoveLibrary,
+                  ShowLibraryInFiles, separator,    Quit}},
         {"Edit",
          {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
           Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,
@@ -109,6 +109,16 @@ QMenu *WindowCommands::makeExportMenu(QWidget *parent)
     return menu;
 }
 
+QMenu *WindowCommands::makeScreenshotMenu(QWidget *parent)
+{
+    auto *menu = new QMenu(zqLocalized("Take Screenshot"), parent);
+    menu->setObjectName(QStringLiteral("Take Screenshot"));
+    for (int id = int(CommandID::SnapArea); id <= int(CommandID::SnapWebsite); ++id) {
+        menu->addAction(action(CommandID(id)));
+    }
+    return menu;
+}
+
 QMenu *WindowCommands::makeTabMenu(QWidget *parent)
 {
     auto *menu = new QMenu(zqLocalized("Go to Tab"), parent);
@@ -152,6 +162,8 @@ QMenu *WindowCommands::makeMenus(QWidget *parent, std::function<void(QMenu &)> f
             } else if (*entry == CommandID::ExportPanel) {
                 menu->addAction(action(*entry));
                 menu->addMenu(makeExportMenu(menu));
+            } else if (*entry == CommandID::SnapArea) {
+                menu->addMenu(makeScreenshotMenu(menu));
             } else if (*entry == CommandID::Rate0) {
                 menu->addMenu(makeRatingMenu(menu));
             } else if (*entry == CommandID::SelectTab1) {

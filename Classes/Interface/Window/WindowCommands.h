@@ -31,6 +31,7 @@ private:
     QMenu *makeRatingMenu(QWidget *parent);
     QMenu *makeLiveFolderMenu(QWidget *parent);
     QMenu *makeExportMenu(QWidget *parent);
+    QMenu *makeScreenshotMenu(QWidget *parent);
     QMenu *makeTabMenu(QWidget *parent);
     QMenu *makeOrderMenu(CommandID first, QWidget *parent); // to group, or to sort
 

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Interface/Sheets/QuestionSheets.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -13,6 +14,7 @@
 #include <QDBusInterface>
 #include <QDBusMessage>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
@@ -180,7 +182,13 @@ int WindowUserInteraction::ask(const UserQuestion &question)
         const bool isLast = i + 1 == question.buttons.size();
         buttons.append(box.addButton(question.buttons[i], isLast ? QMessageBox::RejectRole : QMessageBox::AcceptRole));
     }
+    if (question.withdrawal) {
+        question.withdrawal->setEnd([&box] { box.reject(); });
+    }
     box.exec();
+    if (question.withdrawal) {
+        question.withdrawal->setEnd(nullptr);
+    }
     const qsizetype chosen = buttons.indexOf(box.clickedButton());
     return int(chosen < 0 ? question.buttons.size() - 1 : chosen);
 }
@@ -238,6 +246,9 @@ QStringList WindowUserInteraction::chooseFilesToOpen(const FileChoice &choice)
                        : choice.several ? QFileDialog::ExistingFiles
                                         : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::ShowDirsOnly, choice.directory);
+    if (choice.directory && QFileInfo(choice.name).isDir()) { // it may be gone since
+        dialog.setDirectory(choice.name);
+    }
     if (!choice.prompt.isEmpty()) {
         dialog.setLabelText(QFileDialog::Accept, choice.prompt);
     }

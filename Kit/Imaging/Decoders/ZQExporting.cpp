@@ -23,7 +23,25 @@ bool isStreamed(ZQImageFormat format)
     }
 }
 
-// Row by row from file to file, in memory for a few rows. Nothing without an error: the picture takes another way.
+// With what was lost of its frames and of its depth. Cameras' raw pictures are made into others, and icons hold one
+// picture in several sizes: nothing of them is lost.
+ZQExportedImage told(ZQExportedImage exported, const ZQSourceFile &file, bool isDeep)
+{
+    const ZQImageFormat format = zqImageFormatOfFile(file);
+    const bool hasFrames = format == ZQImageFormat::GIF || format == ZQImageFormat::WebP ||
+                           format == ZQImageFormat::TIFF || format == ZQImageFormat::JPEGXL;
+    const bool mayBeDeep = format == ZQImageFormat::PNG || format == ZQImageFormat::TIFF ||
+                           format == ZQImageFormat::JPEG2000 || format == ZQImageFormat::JPEGXL ||
+                           format == ZQImageFormat::HEIF || format == ZQImageFormat::PSD;
+    ZQError error; // it was read all the same
+    const auto properties = hasFrames || mayBeDeep ? zqPropertiesOfFile(file, &error) : std::nullopt;
+    exported.isFirstOfSeveral = properties && hasFrames && properties->frameCount > 1;
+    exported.isReduced = properties && mayBeDeep && !isDeep && properties->bitsPerSample > 8;
+    return exported;
+}
+
+// Row by row from file to file, in memory for a few rows; but for PNGs that are not huge, which are decoded at once.
+// Nothing without an error: the picture takes another way.
 std::optional<ZQExportedImage> stream(const ZQSourceFile &file, const ZQExportEncoding &encoding, int output,
                                       ZQError *error)
 {
@@ -40,14 +58,15 @@ std::optional<ZQExportedImage> stream(const ZQSourceFile &file, const ZQExportEn
             zqCheckEncoding(encoding, wanted.value_or(upright), &refusal);
             return refusal.isNull() ? wanted : std::nullopt;
         },
-        &size);
+        zqFileTypeKeepsDepth(encoding.fileType), &size);
     if (!refusal.isNull()) {
         zqSetError(error, refusal);
         return std::nullopt;
     }
     ZQError failure;
     if (image && zqEncodeImage(image.get(), encoding, output, &failure)) {
-        return ZQExportedImage{size, zqEndsBeforeLastFrame(file, format)};
+        const bool isDeep = image->BandFmt == VIPS_FORMAT_USHORT;
+        return told({.pixelSize = size, .isIncomplete = zqEndsBeforeLastFrame(file, format)}, file, isDeep);
     }
     if (failure.domain == ZQError::posixDomain) {
         zqSetError(error, failure);
@@ -70,7 +89,8 @@ std::optional<ZQExportedImage> zqExportFile(const ZQSourceFile &file, const ZQEx
     }
     const ZQBitmap bitmap = zqDecodeFile({file, {}, 0, false, zqPaperOfName(file.name())}, &failure);
     if (!bitmap.isNull()) {
-        return zqEncodeBitmap(bitmap, encoding, output, error);
+        const auto encoded = zqEncodeBitmap(bitmap, encoding, output, error);
+        return encoded ? std::optional(told(*encoded, file, false)) : std::nullopt;
     }
     if (zqTakeVipsMemoryShortage()) {
         failure.code = int(ZQImagingErrorCode::TooMuchMemory);

@@ -1,6 +1,8 @@
 #include "Kit/Imaging/Decoders/ZQFrameWalk.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 #include "Kit/Imaging/Decoders/ZQVipsPixels.h"
+#include "Kit/Imaging/Decoders/ZQWholePNG.h"
+#include "Kit/Imaging/ZQImageEncoding.h"
 #include "Kit/Imaging/ZQImagingLibraries.h"
 
 #include "Kit/Foundation/ZQLog.h"
@@ -86,18 +88,22 @@ struct Pass
     VipsSize scaling = VIPS_SIZE_DOWN;
 };
 
-ZQVipsImage thumbnailOfJPEG2000(VipsSource *source, int level, const ZQDecodeRequest &request, const Pass &pass)
+ZQVipsImage thumbnailOfImage(VipsImage *image, const ZQDecodeRequest &request, const Pass &pass)
 {
-    const ZQVipsImage image = openHeader(source, level, pass.failOn);
     const int width = request.isFullSize() ? unlimitedSide : request.box.width();
     const int height = request.isFullSize() ? unlimitedSide : request.box.height();
     const char *profile = pass.profile == Profile::Apply ? "srgb" : nullptr;
     VipsImage *out = nullptr;
-    const int failed = image ? vips_thumbnail_image(image.get(), &out, width, "height", height, "size", pass.scaling,
-                                                    profile ? "export_profile" : nullptr, profile, nullptr)
-                             : -1;
+    const int failed = vips_thumbnail_image(image, &out, width, "height", height, "size", pass.scaling,
+                                            profile ? "export_profile" : nullptr, profile, nullptr);
     ZQVipsImage owned(out);
     return failed ? nullptr : std::move(owned);
+}
+
+ZQVipsImage thumbnailOfJPEG2000(VipsSource *source, int level, const ZQDecodeRequest &request, const Pass &pass)
+{
+    const ZQVipsImage image = openHeader(source, level, pass.failOn);
+    return image ? thumbnailOfImage(image.get(), request, pass) : nullptr;
 }
 
 ZQVipsImage thumbnail(VipsSource *source, const ZQDecodeRequest &request, const Pass &pass)
@@ -161,6 +167,37 @@ ZQSourceFile withRoomAfterEnd(const ZQSourceFile &file, VipsImage *header)
     return ZQSourceFile::ofBytes(device.readAll() + QByteArray(blockBytes, '\0'), file.name());
 }
 
+// All pixels, which it takes less time to decode at once, with the header's profile. Null for a file that goes the long
+// way.
+ZQVipsImage wholePNG(VipsImage *header, const ZQSourceFile &file)
+{
+    auto png = loaderOf(header).startsWith("pngload") ? ZQWholePNG::inflated(file, true) : std::nullopt;
+    if (!png) {
+        return nullptr;
+    }
+    const QSize size = png->size();
+    for (int y = 0; y < size.height(); ++y) {
+        png->nextRow();
+    }
+    const size_t bytes = size_t(size.width()) * size_t(size.height()) * size_t(png->channels());
+    const ZQVipsImage raw(vips_image_new_from_memory(png->pixels().get(), bytes, size.width(), size.height(),
+                                                     png->channels(), VIPS_FORMAT_UCHAR));
+    VipsImage *out = nullptr;
+    const auto interpretation = png->channels() < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
+    if (!raw || vips_copy(raw.get(), &out, "interpretation", interpretation, nullptr)) {
+        return nullptr;
+    }
+    using Pixels = std::shared_ptr<uchar>;
+    g_object_set_data_full(G_OBJECT(raw.get()), "pixels", new Pixels(png->pixels()),
+                           [](void *pixels) { delete static_cast<Pixels *>(pixels); });
+    const void *profile = nullptr;
+    size_t profileSize = 0;
+    if (zqHasProfile(header) && vips_image_get_blob(header, VIPS_META_ICC_NAME, &profile, &profileSize) == 0) {
+        vips_image_set_blob_copy(out, VIPS_META_ICC_NAME, profile, profileSize);
+    }
+    return ZQVipsImage(out);
+}
+
 // Rows are computed when they are asked for.
 ZQVipsImage startPass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
@@ -174,7 +211,9 @@ ZQVipsImage startPass(VipsImage *header, const ZQDecodeRequest &request, const P
 
 ZQBitmap decodePass(VipsImage *header, const ZQDecodeRequest &request, const Pass &pass)
 {
-    const ZQVipsImage image = startPass(header, request, pass);
+    const bool isWholeWanted = request.isFullSize() && request.frame == 0;
+    const ZQVipsImage whole = isWholeWanted ? wholePNG(header, request.file) : nullptr;
+    const ZQVipsImage image = whole ? thumbnailOfImage(whole.get(), request, pass) : startPass(header, request, pass);
     return image ? zqBitmapOfVips(image.get()) : ZQBitmap();
 }
 
@@ -400,8 +439,32 @@ ZQBitmap zqBitmapOfVips(VipsImage *image)
                            qsizetype(VIPS_IMAGE_SIZEOF_LINE(pixels)), QImage::Format_RGBA8888, releaseImage, pixels));
 }
 
+namespace {
+
+bool isDeep(VipsImage *image)
+{
+    constexpr qint64 mostPixels = qint64(1) << 27; // all are held
+    return image->BandFmt == VIPS_FORMAT_USHORT && qint64(image->Xsize) * image->Ysize <= mostPixels &&
+           (image->Type == VIPS_INTERPRETATION_RGB16 || image->Type == VIPS_INTERPRETATION_GREY16);
+}
+
+// With all its bits, upright, in sRGB; `stored`: the size it is to have before it is turned.
+ZQVipsImage deepPicture(const ZQSourceFile &file, QSize stored)
+{
+    const ZQVipsSource source = zqVipsSource(file);
+    const ZQVipsImage rows = source ? openHeader(source.get(), 0, VIPS_FAIL_ON_TRUNCATED) : nullptr;
+    ZQVipsImage image(rows ? vips_image_copy_memory(rows.get()) : nullptr);
+    const bool isRight =
+        image &&
+        (!zqHasProfile(image.get()) || zqVipsStep(image, vips_icc_transform, "srgb", "embedded", TRUE, "depth", 16)) &&
+        (QSize(image->Xsize, image->Ysize) == stored || zqScaleVips(image, stored)) && zqVipsStep(image, vips_autorot);
+    return isRight ? std::move(image) : nullptr;
+}
+
+} // namespace
+
 ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::optional<QSize>(QSize upright)> &sizeOf,
-                             QSize *size)
+                             bool keepsDepth, QSize *size)
 {
     zqEnterVips();
     const ZQVipsSource source = zqVipsSource(file);
@@ -417,11 +480,19 @@ ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::
     if (!checkSize(request, header.get(), nullptr)) {
         return nullptr;
     }
-    const bool hasProfile = vips_image_get_typeof(header.get(), VIPS_META_ICC_NAME) != 0;
+    *size = wanted.value_or(upright);
+    if (keepsDepth && isDeep(header.get())) {
+        ZQVipsImage deep = deepPicture(file, isTurned ? size->transposed() : *size);
+        if (deep && QSize(deep->Xsize, deep->Ysize) == *size) {
+            return deep;
+        }
+        zqLogVipsError(file.name());
+    }
+    const bool hasProfile = zqHasProfile(header.get());
     const Pass pass{VIPS_FAIL_ON_TRUNCATED, hasProfile ? Profile::Apply : Profile::Ignore,
                     wanted ? VIPS_SIZE_FORCE : VIPS_SIZE_DOWN};
-    ZQVipsImage image = startPass(header.get(), request, pass);
-    *size = wanted.value_or(upright);
+    const ZQVipsImage whole = wholePNG(header.get(), file);
+    ZQVipsImage image = whole ? thumbnailOfImage(whole.get(), request, pass) : startPass(header.get(), request, pass);
     const bool isRight = image && convertToSRGB(image) && QSize(image->Xsize, image->Ysize) == *size;
     return isRight ? std::move(image) : nullptr;
 }

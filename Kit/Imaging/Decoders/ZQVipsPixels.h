@@ -19,8 +19,9 @@ ZQBitmap zqPartOfJPEG2000(const ZQDecodeRequest &request);
 // The whole picture of a file of zqVipsDecoder's formats: upright, in sRGB of 8 bits, with alpha or without, of the
 // size that `sizeOf` wants for its upright size (nothing: as it is), which is stored in `size`. Rows are computed as
 // they are asked for, which fails where the file is damaged. Null when it is no such file, or needs more care.
+// `keepsDepth`: 16 bits where the file has them.
 ZQVipsImage zqUprightPicture(const ZQSourceFile &file, const std::function<std::optional<QSize>(QSize upright)> &sizeOf,
-                             QSize *size);
+                             bool keepsDepth, QSize *size);
 // `image` made to fit the request, its colours converted from its profile where they are to be.
 ZQBitmap zqFittedVips(VipsImage *image, const ZQDecodeRequest &request, bool useProfile);
 bool zqHasProfile(VipsImage *image);

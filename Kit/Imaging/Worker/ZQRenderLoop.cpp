@@ -4,6 +4,7 @@
 #include "Kit/Imaging/Decoders/ZQChildProcess.h"
 #include "Kit/Imaging/Decoders/ZQExporting.h"
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
+#include "Kit/Imaging/Decoders/ZQPlanes.h"
 #include "Kit/Imaging/Decoders/ZQThumbnailers.h"
 #include "Kit/Imaging/Worker/ZQArchiveLoop.h"
 #include "Kit/Imaging/Worker/ZQRenderSandbox.h"
@@ -105,6 +106,9 @@ private:
         if (request.kind == ZQRenderRequest::Kind::Export) {
             return sendExported(request, file);
         }
+        if (request.kind == ZQRenderRequest::Kind::Planes) {
+            return sendPlanes(request, file);
+        }
         if (request.withProperties) {
             ZQError error; // the picture may be readable all the same
             m_properties = zqPropertiesOfFile(file, &error);
@@ -139,6 +143,8 @@ private:
             out.kind = ZQRenderAnswer::Kind::Exported;
             out.size = exported->pixelSize;
             out.isIncomplete = exported->isIncomplete;
+            out.isFirstOfSeveral = exported->isFirstOfSeveral;
+            out.isReduced = exported->isReduced;
             return send(out);
         }
         if (error.domain == ZQError::posixDomain) {
@@ -147,6 +153,27 @@ private:
             return send(out);
         }
         return sendError(error, false);
+    }
+
+    bool sendPlanes(const ZQRenderRequest &request, const ZQSourceFile &file)
+    {
+        ZQError error;
+        const std::optional<ZQPlanes> planes = zqPlanesOfFile(file, request.window, &error);
+        if (!planes) {
+            if (zqTakeVipsMemoryShortage()) {
+                error.code = int(ZQImagingErrorCode::TooMuchMemory);
+            }
+            return sendError(error, false);
+        }
+        const ZQFileDescriptor packed = sealedFile([&planes](int memory) { return planes->write(memory); });
+        if (!packed.isOpen()) {
+            ::_exit(zqRenderExitOutOfMemory);
+        }
+        ZQRenderAnswer out;
+        out.kind = ZQRenderAnswer::Kind::PlanesInFile;
+        out.size = planes->size();
+        out.isIncomplete = planes->isIncomplete();
+        return send(out, packed.get());
     }
 
     static ZQBitmap draw(const ZQRenderRequest &request, const ZQSourceFile &file, ZQError *error)
@@ -161,6 +188,7 @@ private:
         case Kind::Properties:
         case Kind::EmbeddedPicture:
         case Kind::Export:
+        case Kind::Planes:
             break;
         }
         return zqDecodeFile({file, request.box, request.frame, false, zqPaperOfName(request.name)}, error);

@@ -76,8 +76,9 @@ TEST_F(ExportCommandTest, WhatCannotBeMeantIsRefusedAndWritesNothing)
     for (const char *options :
          {"--to out", "nobody --to out", "ITEM --to nowhere", "ITEM --to out --width 10",
           "ITEM --to out --format png --percent 5 --width 10", "ITEM --to out --format png --quality 5",
-          "ITEM --to out --name a/b", "ITEM --to out --preset 99", "ITEM --to out --preset 1 --format png",
-          "ITEM --to out --format bitmap", "ITEM --to out --in PROJECTS/None"}) {
+          "ITEM --to out --name a/b", "ITEM --to out --name {nobody}", "ITEM --to in/red.png",
+          "ITEM --to out --preset 99", "ITEM --to out --preset 1 --format png", "ITEM --to out --format bitmap",
+          "ITEM --to out --in PROJECTS/None"}) {
         QStringList arguments = QStringLiteral("export %1").arg(QLatin1String(options)).split(u' ');
         arguments.replaceInStrings(QStringLiteral("ITEM"), red());
         EXPECT_EQ(run(arguments), 2) << options;
@@ -85,6 +86,36 @@ TEST_F(ExportCommandTest, WhatCannotBeMeantIsRefusedAndWritesNothing)
     }
     EXPECT_TRUE(written().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(world.filePath(QStringLiteral("nowhere"))));
+}
+
+TEST_F(ExportCommandTest, AFileIsNoPlaceToExportTo)
+{
+    EXPECT_EQ(run({QStringLiteral("export"), red(), QStringLiteral("--to"), QStringLiteral("in/red.png")}), 2);
+    EXPECT_TRUE(context.errors.contains("is a file; give a folder")) << context.errors.constData();
+}
+
+TEST_F(ExportCommandTest, WhatAConversionLeavesOutIsListed)
+{
+    // Two frames of one pixel.
+    const QByteArray frame("\x2c\0\0\0\0\1\0\1\0\0\2\2\x44\1\0", 15);
+    QFile file(world.filePath(QStringLiteral("in/moving.gif")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray("GIF89a\1\0\1\0\x80\0\0\xff\0\0\0\0\xff", 19) + frame + frame + ';');
+    file.close();
+    ASSERT_EQ(run("import in/moving.gif --json"), 0);
+    QStringList arguments = {QStringLiteral("export"), QStringLiteral("--in"), QStringLiteral("LIBRARY/Library"),
+                             QStringLiteral("--to"),   QStringLiteral("out"),  QStringLiteral("--format"),
+                             QStringLiteral("png")};
+    EXPECT_EQ(run(arguments), 0) << context.errors.constData();
+    EXPECT_EQ(context.output.count("note: "), 1) << context.output.constData();
+    EXPECT_TRUE(context.output.contains("note: moving: Only the first frame")) << context.output.constData();
+    EXPECT_EQ(run(arguments + QStringList{QStringLiteral("--json")}), 0);
+    const QJsonArray notes = object().value(QStringLiteral("notes")).toArray();
+    ASSERT_EQ(notes.size(), 1);
+    EXPECT_EQ(notes[0][QStringLiteral("title")].toString(), QStringLiteral("moving"));
+    arguments.last() = QStringLiteral("keep");
+    EXPECT_EQ(run(arguments), 0);
+    EXPECT_FALSE(context.output.contains("note: ")) << "nothing is lost";
 }
 
 TEST_F(ExportCommandTest, WhatIsMissingIsListed)

@@ -102,6 +102,21 @@ TEST_F(LiveFolderRowsTest, ManyItemsGoAndComeBesideTheWindow)
     EXPECT_TRUE(user.errors.isEmpty());
     redo();
     EXPECT_EQ(shown(), 0);
+    undo();
+
+    commands.setWatchedFoldersEnabled({one}, false);
+    EXPECT_FALSE(sub->is_enabled());
+    EXPECT_EQ(shown(), many + 3) << "nor are they disabled by it";
+    finish();
+    EXPECT_EQ(shown(), 0);
+    one->setLastSyncDate(QDateTime::currentDateTimeUtc());
+    undoStack.undo();
+    EXPECT_TRUE(sub->is_enabled());
+    EXPECT_EQ(shown(), 0);
+    EXPECT_FALSE(one->lastSyncDate().isValid()) << "what is cut off now is brought by the next run";
+    finish();
+    EXPECT_EQ(shown(), many + 3);
+    EXPECT_TRUE(user.errors.isEmpty());
 }
 
 TEST_F(LiveFolderRowsTest, DisablingAndEnablingAreTakenBackToWhatWasBefore)

@@ -132,8 +132,14 @@ TEST(ExportNamesTest, ALinkCountsAsAFileWhereverItLeads)
     EXPECT_EQ(number, 2);
 }
 
-TEST(ExportNamesTest, PatternsAreOneLineWithoutFolders)
+TEST(ExportNamesTest, PatternsAreOneLineWithoutFoldersAndUnknownPlaceholders)
 {
+    const QString problem = ExportNames::problemOfPattern(QStringLiteral("{title} {name} {index}"));
+    EXPECT_TRUE(problem.contains(QStringLiteral("“{name}”"))) << problem.toStdString();
+    EXPECT_TRUE(problem.contains(QStringLiteral("{height}"))) << "says what there is";
+    EXPECT_FALSE(ExportNames::problemOfPattern(QStringLiteral("{Title}")).isNull());
+    EXPECT_FALSE(ExportNames::problemOfPattern(QStringLiteral("{}")).isNull());
+    EXPECT_TRUE(ExportNames::problemOfPattern(QStringLiteral("} {title} {")).isNull());
     EXPECT_TRUE(ExportNames::problemOfPattern(QStringLiteral("{title} {index}")).isNull());
     EXPECT_FALSE(ExportNames::problemOfPattern(QStringLiteral("../{title}")).isNull());
     EXPECT_FALSE(ExportNames::problemOfPattern(QStringLiteral("{title}\n")).isNull());

@@ -2,6 +2,7 @@
 
 #include "Classes/Export/LayeredDocument.h"
 #include "Classes/Export/LayeredExport.h"
+#include "Classes/Export/PSDWriter.h"
 #include "Kit/Foundation/ZQCancellation.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -98,6 +99,32 @@ TEST_F(LayeredDocumentTest, IsWrittenWholeAndOverNothingUnasked)
     EXPECT_TRUE(write(pictures, {3, 2}, true));
     EXPECT_TRUE(bytesAt(out).startsWith("8BPS"));
     EXPECT_EQ(written(), QStringList{QStringLiteral("a.psd")});
+}
+
+// What the processes that decode have packed is, wherever it lies, what the writer makes of the pixels.
+TEST_F(LayeredDocumentTest, LayersPackedElsewhereAreTheSameBytes)
+{
+    constexpr QSize canvas(50, 40);
+    QList<LayeredPicture> pictures;
+    PSDWriter writer(canvas);
+    writer.setShouldUnpremultiplyLayerData(true);
+    int number = 0;
+    for (const QPoint offset : {QPoint(0, 0), QPoint(-7, 3), QPoint(20, -5), QPoint(45, 38), QPoint(-30, 0),
+                                QPoint(50, 0), QPoint(0, 1 << 30), QPoint(3, 4)}) {
+        QImage image(30, 20, QImage::Format_RGBA8888);
+        for (int i = 0; i < 30 * 20; ++i) { // rows that are alike, clear places, and runs
+            const int y = i / 30 / 3;
+            image.setPixelColor(i % 30, i / 30,
+                                QColor(i % 30 / 4 * 9 + y, y * 40, number * 20, i % 30 < 9 ? 0 : y * 36));
+        }
+        LayeredPicture layer{{world.filePath(QStringLiteral("l%1.png").arg(number))}, QStringLiteral("l"), offset, 1};
+        layer.opacity = float(++number) / 8;
+        ASSERT_TRUE(image.save(layer.picture.path));
+        writer.addLayerWithCGImage(ZQBitmap(image), layer.name, layer.opacity, offset);
+        pictures.append(layer);
+    }
+    ASSERT_TRUE(write(pictures, canvas)) << qPrintable(error.localizedDescription());
+    EXPECT_EQ(bytesAt(out), writer.createPSDData());
 }
 
 TEST_F(LayeredDocumentTest, LeavesWhatTookTheNameMeanwhile)

@@ -1,6 +1,7 @@
 // Packed rows and integers of PSD documents, byte by byte.
 
 #include "Classes/Export/PSDBytes.h"
+#include "Kit/Imaging/ZQPackBits.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -170,10 +171,10 @@ RC_GTEST_PROP(PSDBytes, RowsArePackedAsDescribedAndComeBack, ())
     }
     const QByteArray bytes = packed(samples);
     RC_ASSERT(bytes == packedSlowly(samples));
-    RC_ASSERT(bytes.size() <= PSDBytes::mostPacked(samples.size()));
+    RC_ASSERT(bytes.size() <= ZQPackBits::mostPacked(samples.size()));
     RC_ASSERT(unpackedByTheBook(bytes) == samples);
     std::vector<uchar> ours(std::size_t(samples.size()) + 1, 7);
-    PSDBytes::unpackBits(bytes.constData(), bytes.constData() + bytes.size(), ours);
+    ZQPackBits::unpack(bytes.constData(), bytes.constData() + bytes.size(), ours);
     RC_ASSERT(std::equal(samples.begin(), samples.end(), ours.begin(),
                          [](char a, uchar b) { return static_cast<uchar>(a) == b; }));
     RC_ASSERT(ours.back() == 0);

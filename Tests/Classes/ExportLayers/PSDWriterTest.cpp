@@ -2,6 +2,7 @@
 
 #include "Classes/Export/PSDWriter.h"
 #include "Classes/Export/PSDBytes.h"
+#include "Kit/Imaging/ZQPackBits.h"
 #include "Classes/Export/PSDException.h"
 
 #include <QColor>
@@ -56,7 +57,7 @@ public:
         std::vector<uchar> row(std::size_t(size.width()));
         for (int y = 0; y < size.height(); ++y) {
             const QByteArray packed = bytes(qFromBigEndian<quint16>(counts.constData() + 2 * y));
-            PSDBytes::unpackBits(packed.constData(), packed.constData() + packed.size(), row);
+            ZQPackBits::unpack(packed.constData(), packed.constData() + packed.size(), row);
             for (int x = 0; x < size.width(); ++x) {
                 pixels[(qsizetype(y) * size.width() + x) * 4 + channel] = char(row[std::size_t(x)]);
             }

@@ -1,6 +1,7 @@
 #include "Tests/Classes/Import/ImportFixture.h"
 
 #include "Classes/Application/ApplicationParts.h"
+#include "Classes/Import/ImageDownloads.h"
 #include "Classes/Tags/TagFileWriter.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -33,6 +34,7 @@ void ImportFixture::SetUp()
     ApplicationParts parts;
     parts.userInteraction = &user;
     parts.importManager = &AImportManager::sharedAImportManager();
+    parts.imageDownloading = &ImageDownloads::sharedImageDownloads();
     delegate = std::make_unique<tamberin_AppDelegate>(parts);
     delegate->setLibraryBundleDirectory(path(QStringLiteral("Zelto.ztlibrary")));
     ZQError error;

@@ -36,6 +36,7 @@ protected:
     void SetUp() override
     {
         ZQUserDefaults::standardUserDefaults().removeObjectForKey(ExportItem::storageKey);
+        ZQUserDefaults::standardUserDefaults().removeObjectForKey(QStringLiteral("ExportFolder"));
         MainWindowFixture::SetUp();
         ASSERT_TRUE(QDir().mkpath(out()));
         run(CommandID::ExportPanel);
@@ -128,6 +129,7 @@ TEST_F(ExportPanelTest, AClickAsksForTheFolderAndExportsWhatIsSelected)
     EXPECT_EQ(choice.title, QStringLiteral("Please choose the location where the images will be saved"));
     EXPECT_EQ(choice.prompt, QStringLiteral("Export"));
     EXPECT_TRUE(choice.directory);
+    EXPECT_TRUE(choice.name.isEmpty()) << "nothing was exported yet";
     EXPECT_FALSE(choice.several);
     EXPECT_TRUE(outFiles().isEmpty()) << "no folder was chosen";
     person.files = QStringList{out()};
@@ -136,6 +138,9 @@ TEST_F(ExportPanelTest, AClickAsksForTheFolderAndExportsWhatIsSelected)
     settle();
     EXPECT_EQ(outFiles(), (QStringList{QStringLiteral("clear.jpg"), QStringLiteral("red.jpg")}));
     EXPECT_EQ(QImageReader(out() + QStringLiteral("/red.jpg")).size(), QSize(40, 30));
+    person.files.clear();
+    cells().first()->click();
+    EXPECT_EQ(person.choices.last().name, out()) << "begins where the last export went";
 }
 
 TEST_F(ExportPanelTest, ThePaneShowsOneOfBothPanels)

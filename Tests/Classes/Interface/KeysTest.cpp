@@ -115,6 +115,7 @@ TEST_F(KeysTest, EveryCommandOfTheKeyboardIsInAMenu)
     const QStringList lines = menuKeys();
     for (const char *line : {
              "Ctrl+I Import…",
+             "Ctrl+Alt+N New from Template…",
              "Ctrl+T New Tab",
              "Ctrl+W Close Tab",
              "Ctrl+Shift+T Reopen Closed Tab",

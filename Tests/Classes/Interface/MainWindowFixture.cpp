@@ -54,6 +54,7 @@ void MainWindowFixture::SetUp()
     parts.userInteraction = &person;
     parts.importManager = &AImportManager::sharedAImportManager();
     parts.liveFolderManager = liveFolderManager;
+    parts.makeZeltoKunViewController = makeCapture;
     delegate = std::make_unique<tamberin_AppDelegate>(parts);
     delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
     ZQError error;

@@ -101,6 +101,7 @@ protected:
     UserWorld world{"window"};
     Person person;
     LiveFolderManaging *liveFolderManager = nullptr; // of the application, before it is set up; null: none
+    std::function<std::unique_ptr<ScreenCaptureControlling>()> makeCapture; // the same
     std::unique_ptr<tamberin_AppDelegate> delegate;
     std::unique_ptr<MainWindowController> controller;
     Item projects;

@@ -14,7 +14,8 @@
 TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
 {
     EXPECT_EQ(commandsOf(menuOf("File")),
-              QStringLiteral("New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nAdd Live Folder…\nLive "
+              QStringLiteral("New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nNew from Template… Ctrl+Alt+N\nAdd "
+                             "Live Folder…\nLive "
                              "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\nQuick Export Ctrl+E ✓\nExport\n"
                              "Export as Layered PSD…\n-\n"
                              "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"

@@ -141,9 +141,9 @@ TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
         titles.append(pane().accessibleName());
         press(Qt::Key_Down);
     }
-    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Advanced"));
+    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Screenshots|Advanced"));
     press(Qt::Key_Up);
-    EXPECT_EQ(pane().accessibleName(), QStringLiteral("Live folders"));
+    EXPECT_EQ(pane().accessibleName(), QStringLiteral("Screenshots"));
     run(CommandID::Preferences);
     EXPECT_EQ(window().findChildren<PreferencesWindow *>().size(), 1);
     preferences()->resize(820, 600);
@@ -154,7 +154,7 @@ TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
     open();
     EXPECT_EQ(preferences()->size(), QSize(820, 600));
-    EXPECT_EQ(pane().accessibleName(), QStringLiteral("Live folders"));
+    EXPECT_EQ(pane().accessibleName(), QStringLiteral("Screenshots"));
     press(Qt::Key_W, Qt::ControlModifier);
     EXPECT_TRUE(waitFor([this] { return !preferences(); }));
     EXPECT_EQ(window().isVisible(), true) << "only the one in front";

@@ -1,5 +1,6 @@
 // Sheets as such, and what a person is asked or told beside them.
 
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Interface/Sheets/RefusedFilesSheet.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -31,6 +32,17 @@ TEST_F(SheetsTest, EnterTakesTheDefaultAndEscapeTheLast)
     EXPECT_EQ(QuestionSheet(&window, question).ask(), 0);
     press({Qt::Key_Escape});
     EXPECT_EQ(QuestionSheet(&window, question).ask(), 2);
+}
+
+TEST_F(SheetsTest, AQuestionThatIsTakenBackGoesAndChangesLeast)
+{
+    UserQuestion question;
+    question.buttons = {QStringLiteral("Delete"), QStringLiteral("Cancel")};
+    question.withdrawal = std::make_shared<QuestionWithdrawal>();
+    when<Sheet>([&](Sheet &) { question.withdrawal->withdraw(); });
+    EXPECT_EQ(QuestionSheet(&window, question).ask(), 1);
+    EXPECT_TRUE(window.findChildren<Sheet *>().isEmpty());
+    question.withdrawal->withdraw(); // again, when nothing is shown
 }
 
 TEST_F(SheetsTest, CommandsOfTheWindowRestWhileItIsAsked)

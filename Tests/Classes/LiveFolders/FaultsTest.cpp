@@ -312,17 +312,28 @@ TEST_F(LiveFolderTest, GoesOnAfterACancel)
         writePicture(QStringLiteral("in/%1/%2.png").arg(i % 4).arg(i));
     }
     const QString root = path(QStringLiteral("in"));
+    QFile written(root + QStringLiteral("/3/39.png")); // which keeps the run from its end
+    ASSERT_TRUE(written.open(QIODevice::ReadWrite));
     const auto added = manager->addNewWatchFolderFromPaths({root}, 0).added;
     ASSERT_EQ(added.size(), 1);
-    const auto hasBegun = [&] {
-        const LiveFolderStatus status = manager->statusOfWatchedFolder(added.first());
-        return status.filesDone > 3 || !status.isSyncing;
-    };
-    zqRunMainLoopUntil(hasBegun, std::chrono::milliseconds(1));
+    const auto status = [&] { return manager->statusOfWatchedFolder(added.first()); };
+    zqRunMainLoopUntil([&] { return status().filesDone > 3 || !status().isSyncing; }, std::chrono::milliseconds(1));
+    ASSERT_TRUE(status().isSyncing);
+    EXPECT_EQ(status().reason, QString());
     manager->stopSyncingWatchedFolders(added);
     wait();
+    written.close();
+    EXPECT_TRUE(status().reason.contains(QStringLiteral("of 40 files were taken"))) << qPrintable(status().reason);
+    manager->syncWatchedFolders({folderAt(root)->objectID()}, false, false); // not all of it
+    wait();
+    EXPECT_FALSE(status().reason.isEmpty());
     reopen();
+    manager->syncWatchedFolder(added.first(), false);
+    manager->stopSyncingWatchedFolders(added); // before it began
+    wait();
+    EXPECT_FALSE(status().reason.isEmpty());
     sync();
     expectInStep(root);
     EXPECT_EQ(items().size(), 40);
+    EXPECT_EQ(status().reason, QString());
 }

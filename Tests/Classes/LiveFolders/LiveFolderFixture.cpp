@@ -90,7 +90,7 @@ QByteArray LiveFolderTest::bytesOf(const QString &path)
 void LiveFolderTest::wait()
 {
     const auto isIdle = [this] {
-        if (manager->syncOperationQueue().operationCount() > 0) {
+        if (manager->syncOperationQueue().operationCount() > 0 || delegate->editQueue().operationCount() > 0) {
             return false;
         }
         const auto roots = ZQSidebarWatchedFolder::watchedFoldersInManagedObjectContext(context());

@@ -214,6 +214,26 @@ TEST(FolderRemovals, AskAboutMuchAtOnceOnly)
     EXPECT_FALSE(FolderRemovals::isMuch(51, 102));
 }
 
+TEST(RecentRemovals, SumUpTheLastMinuteOfEachFolder)
+{
+    RecentRemovals recent;
+    const QDateTime start(QDate(2024, 1, 1), QTime(12, 0), Qt::UTC);
+    const auto sum = [&](qint64 folder, qsizetype gone, qsizetype known, int second) {
+        const auto all = recent.with(folder, {gone, known}, start.addSecs(second));
+        return QList<qsizetype>{all.gone, all.known};
+    };
+    EXPECT_EQ(sum(0, 40, 100, 0), (QList<qsizetype>{40, 100}));
+    EXPECT_FALSE(recent.since(0, start));
+    recent.add(0, {40, 100}, start);
+    recent.add(0, {0, 60}, start.addSecs(1)); // says nothing
+    recent.add(0, {10, 60}, start.addSecs(50));
+    EXPECT_EQ(sum(0, 20, 50, 60), (QList<qsizetype>{70, 100}));
+    EXPECT_EQ(sum(7, 20, 50, 60), (QList<qsizetype>{20, 50}));
+    EXPECT_EQ(sum(0, 20, 50, 61), (QList<qsizetype>{30, 60})) << "the first is longer ago";
+    EXPECT_EQ(recent.since(0, start.addSecs(61)), start.addSecs(50));
+    EXPECT_EQ(sum(0, 20, 50, -3600), (QList<qsizetype>{20, 50})) << "the clock was put back";
+}
+
 TEST(FolderListing, TakesNeitherLinksNorWhatIsNoFile)
 {
     const QTemporaryDir folder;

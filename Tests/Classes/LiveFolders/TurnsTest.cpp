@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -132,12 +133,23 @@ TEST_F(LiveFolderTest, ARunThatReadsForLongMakesWayAndGoesOn)
         return manager->addNewWatchFolderFromPaths({folder}, ZQSidebarBaseItem::appendIndex).added.value(0);
     };
     const ZQObjectID first = addNow(large);
+    QList<qsizetype> done;
+    const auto progress = ZQNotificationCenter::defaultCenter().addObserver(
+        LiveFolderManaging::statusDidChange, static_cast<LiveFolderManaging *>(manager.get()),
+        [&](const ZQNotification &) {
+            const LiveFolderStatus status = manager->statusOfWatchedFolder(first);
+            if (status.isSyncing) {
+                done.append(status.filesDone);
+                EXPECT_TRUE(status.filesTotal == 4 || status.filesTotal == 0) << status.filesTotal;
+            }
+        });
     zqRunMainLoopUntil([&] { return manager->statusOfWatchedFolder(first).filesDone > 0; });
     const ZQObjectID second = addNow(small);
     for (QFile &file : written) {
         file.close();
     }
     wait();
+    EXPECT_TRUE(std::is_sorted(done.begin(), done.end())) << "another one's turn is none of its";
     expectInStep(large);
     expectInStep(small);
     const auto of = [](const QString &what, const ZQObjectID &id) { return what + QStringLiteral(" p%1").arg(id.key); };

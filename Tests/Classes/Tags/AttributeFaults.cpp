@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -19,6 +20,8 @@ std::mutex mutex;
 QHash<QByteArray, int> readFaults;
 QHash<QByteArray, int> writeFaults;
 QHash<QByteArray, QByteArray> answers;
+QHash<QByteArray, std::function<void()>> readActs;
+QHash<QByteArray, std::function<void()>> writeActs;
 QStringList writtenNames;
 bool hidesBirthTimes = false;
 qsizetype room = -1;
@@ -36,6 +39,18 @@ int faultOf(const QHash<QByteArray, int> &faults, const char *name, int &count)
     const std::lock_guard lock(mutex);
     ++count;
     return faults.value(name, 0);
+}
+
+void act(QHash<QByteArray, std::function<void()>> &acts, const char *name)
+{
+    std::function<void()> found;
+    {
+        const std::lock_guard lock(mutex);
+        found = acts.take(name);
+    }
+    if (found) {
+        found();
+    }
 }
 
 ssize_t realList(const char *path, char *buffer, size_t size)
@@ -107,6 +122,8 @@ void AttributeFaults::clear()
     readFaults.clear();
     writeFaults.clear();
     answers.clear();
+    readActs.clear();
+    writeActs.clear();
     writtenNames.clear();
     hidesBirthTimes = false;
     room = -1;
@@ -118,6 +135,18 @@ void AttributeFaults::answerReading(const QString &name, const QByteArray &value
 {
     const std::lock_guard lock(mutex);
     answers.insert(systemName(name), value);
+}
+
+void AttributeFaults::beforeReading(const QString &name, std::function<void()> act)
+{
+    const std::lock_guard lock(mutex);
+    readActs.insert(systemName(name), std::move(act));
+}
+
+void AttributeFaults::beforeWriting(const QString &name, std::function<void()> act)
+{
+    const std::lock_guard lock(mutex);
+    writeActs.insert(systemName(name), std::move(act));
 }
 
 void AttributeFaults::hideBirthTimes()
@@ -149,6 +178,7 @@ extern "C" {
 
 ssize_t lgetxattr(const char *path, const char *name, void *value, size_t size) noexcept
 {
+    act(readActs, name);
     if (const int fault = faultOf(readFaults, name, readCount)) {
         errno = fault;
         return -1;
@@ -173,6 +203,7 @@ ssize_t lgetxattr(const char *path, const char *name, void *value, size_t size) 
 
 int lsetxattr(const char *path, const char *name, const void *value, size_t size, int flags) noexcept
 {
+    act(writeActs, name);
     int fault = faultOf(writeFaults, name, writeCount);
     if (fault == 0 && !fits(path, name, size)) {
         fault = ENOSPC;

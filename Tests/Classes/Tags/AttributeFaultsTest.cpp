@@ -342,3 +342,28 @@ TEST_F(AttributeFaultsTest, BackupsOfFilesThatAreGoneAgeAndThoseOfFilesThatAreTh
     EXPECT_FALSE(again.contains(gone));
     EXPECT_TRUE(again.contains(recent));
 }
+
+// As a checkout does: the new file has no attributes.
+TEST_F(AttributeFaultsTest, AFileThatIsReplacedBetweenTwoAttributesTakesNothingAway)
+{
+    const FileTags library{list("a b"), {}, 4};
+    const auto replace = [this] {
+        const QString other = newFile(QStringLiteral("new.tmp"), "other contents");
+        ASSERT_EQ(rename(QFile::encodeName(other).constData(), QFile::encodeName(path).constData()), 0);
+    };
+    write(library);
+    ASSERT_TRUE(raw(path, SeenFileTags::attributeName));
+    OpenMetaBackup::waitUntilAllWritten();
+    faults.beforeReading(tagsName, replace);
+    const auto read = FileTagsMerge::ofFile(path, library, FileTagsMerge::Unknown::TakesFile, false, nullptr);
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(read->change.isEmpty());
+
+    write(library);
+    OpenMetaBackup::waitUntilAllWritten();
+    faults.beforeWriting(SeenFileTags::attributeName, replace);
+    write({list("a b c"), {}, 4});
+    EXPECT_EQ(adoptions, 0);
+    EXPECT_EQ(tagsOf(path), list("a b c")) << "the file that is there now has them";
+    EXPECT_EQ(OpenMeta::getRating(path), 4);
+}

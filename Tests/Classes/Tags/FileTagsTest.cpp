@@ -356,3 +356,36 @@ TEST_F(FileTagsTest, WhoAsksForManyFilesWaitsUntilFewAreLeftOrItIsCancelled)
     writer.waitUntilFewerWait(0, nullptr);
     EXPECT_EQ(written, 4);
 }
+
+// A copy that is behind the library gives a file tags of a later time than its own.
+TEST_F(FileTagsTest, WhatComesBackFromAnOlderCopyTakesNothingAway)
+{
+    newFile(QStringLiteral("file.png"), "a picture");
+    write({list("a"), {}, 0});
+    OpenMetaBackup::waitUntilAllWritten();
+    const QString other = newFile(QStringLiteral("new.tmp"), "a picture");
+    ASSERT_EQ(rename(QFile::encodeName(other).constData(), QFile::encodeName(path).constData()), 0);
+    ASSERT_EQ(tagsOf(path), list("a")); // somebody looks, before the library's newer tag is written
+    const auto read =
+        FileTagsMerge::ofFile(path, {list("a b"), {}, 0}, FileTagsMerge::Unknown::TakesFile, false, nullptr);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->change.removed, QStringList());
+    const auto removed = FileTagsMerge::ofFile(path, {}, FileTagsMerge::Unknown::KeepsBoth, false, nullptr);
+    ASSERT_TRUE(removed);
+    EXPECT_EQ(removed->change.added, QStringList()) << "the library took it away meanwhile";
+}
+
+TEST_F(FileTagsTest, AWriteIsWaitingUntilItIsDone)
+{
+    TagFileWriter &writer = TagFileWriter::sharedTagFileWriter();
+    std::promise<void> gate;
+    writer.afterWrites([opened = gate.get_future().share()] { opened.wait(); });
+    for (int i = 0; i < 2; ++i) {
+        writer.mergeWithFile(request({list("a"), {}, 0}));
+    }
+    EXPECT_TRUE(writer.isWaiting(path));
+    EXPECT_FALSE(writer.isWaiting(path + u'2'));
+    gate.set_value();
+    writer.waitUntilAllWritten();
+    EXPECT_FALSE(writer.isWaiting(path));
+}

@@ -304,6 +304,47 @@ TEST_F(ExportTest, APictureThatEndsTooEarlyComesAsFarAsItGoes)
     EXPECT_FALSE(zqExportImageFile(whole.fileName(), {}, path(QStringLiteral("whole")), &error)->isIncomplete);
 }
 
+TEST_F(ExportTest, SixteenBitsStayWhereTheTypeHasThemAndWhatIsLostIsTold)
+{
+    const struct
+    {
+        const char *sample;
+        int fileType;
+        ZQExportSize size;
+        const char *bits;
+        bool isFirstOfSeveral;
+        bool isReduced;
+    } rows[] = {
+        {"Formats/deep.png", PNG, {}, "16", false, false},
+        {"Formats/deep.png", TIFF, {50.0, {}}, "16", false, false},
+        {"Formats/deep.png", JPEG, {}, "8", false, true},
+        {"Formats/deep.psd", PNG, {}, "8", false, true},
+        {"Formats/animated.gif", PNG, {50.0, {}}, "8", true, false},
+        {"Formats/keywords.jpg", PNG, {}, "8", false, false},
+    };
+    int number = 0;
+    for (const auto &row : rows) {
+        SCOPED_TRACE(testing::Message() << row.sample << ' ' << row.fileType);
+        const QString out = path(QStringLiteral("deep%1").arg(++number));
+        const auto written = zqExportImageFile(sample(row.sample), {row.fileType, {}, row.size}, out, &error);
+        ASSERT_TRUE(written) << error.localizedDescription().toStdString();
+        EXPECT_EQ(written->isFirstOfSeveral, row.isFirstOfSeveral);
+        EXPECT_EQ(written->isReduced, row.isReduced);
+        EXPECT_EQ(run(QStringLiteral("identify"), {QStringLiteral("-format"), QStringLiteral("%z"), out}), row.bits);
+        const QSize whole = ZQImageSource::bitmapOfFile(sample(row.sample)).size();
+        EXPECT_EQ(written->pixelSize, zqExportPixelSize(whole, row.size).value_or(whole));
+    }
+    // Every bit of them, and the colours in both ways.
+    const QByteArray before =
+        run(QStringLiteral("identify"), {QStringLiteral("-format"), QStringLiteral("%#"), sample("Formats/deep.png")});
+    EXPECT_EQ(run(QStringLiteral("identify"),
+                  {QStringLiteral("-format"), QStringLiteral("%#"), path(QStringLiteral("deep1"))}),
+              before);
+    const QImage half = shown(path(QStringLiteral("deep2")));
+    const QImage whole = ZQImageSource::bitmapOfFile(sample("Formats/deep.png")).image();
+    EXPECT_LE(distance(half, whole.scaled(half.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)), 3);
+}
+
 TEST_F(ExportTest, ACancelLeavesNoFile)
 {
     const auto cancellation = std::make_shared<ZQCancellation>();

@@ -133,7 +133,8 @@ TEST(RenderProtocolTest, AnAnswerComesOverWhole)
     ZQRenderAnswer answer = someAnswer();
     for (bool ZQRenderAnswer::*flag :
          {&ZQRenderAnswer::hasThumbnailer, &ZQRenderAnswer::restrictsFiles, &ZQRenderAnswer::restrictsCalls,
-          &ZQRenderAnswer::isIncomplete, &ZQRenderAnswer::hasProperties}) {
+          &ZQRenderAnswer::isIncomplete, &ZQRenderAnswer::isFirstOfSeveral, &ZQRenderAnswer::isReduced,
+          &ZQRenderAnswer::hasProperties}) {
         for (const bool value : {true, false}) {
             answer.*flag = value;
             EXPECT_EQ((*zqDecodeAnswerMessage(zqEncode(answer))).*flag, value);

@@ -1,0 +1,118 @@
+#include "Classes/Application/TemplateFolder.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQTrash.h"
+#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QCollator>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <algorithm>
+
+namespace {
+
+bool liesIn(const QFileInfo &file, const QString &directory)
+{
+    const QString folder = QFileInfo(directory).canonicalFilePath();
+    return !folder.isEmpty() && QFileInfo(file.absolutePath()).canonicalFilePath() == folder;
+}
+
+// Whole under its name, or not at all: it is copied into a folder beside, which nobody lists.
+bool copyInto(const QString &source, const QString &target, ZQError *error)
+{
+    QTemporaryDir beside(QFileInfo(target).absolutePath() + QStringLiteral("/.copying-XXXXXX"));
+    if (!beside.isValid()) {
+        zqSetError(error, ZQError::posix(errno, zqFormat(zqLocalized("“%@” could not be written"), {target})));
+        return false;
+    }
+    const QString copy = beside.filePath(QStringLiteral("copy"));
+    return zqCopyFile(source, copy, error) && zqSyncFileSystem(copy, error) && zqMoveNoReplace(copy, target, error);
+}
+
+} // namespace
+
+bool TemplateFolder::isTemplatePath(const QString &path)
+{
+    return zqPathExtension(QDir::cleanPath(path)) == extension;
+}
+
+QStringList TemplateFolder::paths(const QString &directory)
+{
+    QStringList found;
+    const QFileInfoList entries = QDir(directory).entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        if (isTemplatePath(entry.filePath())) {
+            found.append(entry.absoluteFilePath());
+        }
+    }
+    QCollator collator;
+    collator.setNumericMode(true);
+    std::stable_sort(found.begin(), found.end(), [&collator](const QString &one, const QString &other) {
+        return collator.compare(zqBaseName(one), zqBaseName(other)) < 0;
+    });
+    return found;
+}
+
+bool TemplateFolder::moveIn(const QString &path, const QString &directory, ZQError *error)
+{
+    const QFileInfo source(QDir::cleanPath(path));
+    if (liesIn(source, directory)) {
+        return source.exists();
+    }
+    const QString target = directory + u'/' + source.fileName();
+    if (source.isSymLink()) { // what it leads to is somebody's, and moved it would lead elsewhere
+        return copyInto(source.canonicalFilePath(), target, error);
+    }
+    ZQError whyNot;
+    if (zqMoveNoReplace(source.filePath(), target, &whyNot)) {
+        return true;
+    }
+    if (whyNot.domain != ZQError::posixDomain || whyNot.code != EXDEV) {
+        zqSetError(error, whyNot);
+        return false;
+    }
+    if (!copyInto(source.filePath(), target, error)) {
+        return false;
+    }
+    ZQTrash::recycle(source.filePath()); // where that cannot be, it is there twice, and nothing is lost
+    return true;
+}
+
+std::optional<QString> TemplateFolder::add(const QString &file, const QString &directory, ZQError *error)
+{
+    const QString clean = QDir::cleanPath(file);
+    const QString name = QFileInfo(clean).fileName();
+    const auto numbered = [&](int number) {
+        return directory + u'/' + zqNumberedName(name, number, zqLongestName - extension.size() - 1) + u'.' + extension;
+    };
+    for (int number = 0;; ++number) {
+        ZQError whyNot;
+        const QString target = numbered(number);
+        if (QFileInfo::exists(target)) {
+            continue;
+        }
+        if (copyInto(clean, target, &whyNot)) {
+            return target;
+        }
+        if (whyNot.domain != ZQError::posixDomain || whyNot.code != EEXIST) { // else somebody was faster
+            zqSetError(error, whyNot);
+            return std::nullopt;
+        }
+    }
+}
+
+bool TemplateFolder::remove(const QString &path, const QString &directory, ZQError *error)
+{
+    const QFileInfo file(QDir::cleanPath(path));
+    if (!isTemplatePath(file.filePath()) || !liesIn(file, directory)) {
+        zqSetError(error, ZQError::with(errorDomain, NoTemplate,
+                                        zqFormat(zqLocalized("“%@” is none of the templates"), {file.fileName()})));
+        return false;
+    }
+    return ZQTrash::recycle(file.absoluteFilePath(), nullptr, error);
+}

@@ -1,0 +1,160 @@
+#include "Classes/Capture/PageSnapshot.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int elementNode = 1;
+
+class Reader
+{
+public:
+    explicit Reader(const QJsonObject &answer)
+        : m_strings(answer[QStringLiteral("strings")].toArray()),
+          m_document(answer[QStringLiteral("documents")].toArray().at(0).toObject()),
+          m_nodes(m_document[QStringLiteral("nodes")].toObject()),
+          m_layout(m_document[QStringLiteral("layout")].toObject())
+    {
+    }
+
+    QList<PageSnapshot::Node> read() const
+    {
+        QList<PageSnapshot::Node> nodes = elements();
+        addPseudo(nodes);
+        addLayout(nodes);
+        return nodes;
+    }
+
+private:
+    QString string(const QJsonValue &index) const { return m_strings.at(index.toInt(-1)).toString(); }
+
+    QList<PageSnapshot::Node> elements() const
+    {
+        const QJsonArray parents = m_nodes[QStringLiteral("parentIndex")].toArray();
+        const QJsonArray types = m_nodes[QStringLiteral("nodeType")].toArray();
+        const QJsonArray names = m_nodes[QStringLiteral("nodeName")].toArray();
+        const QJsonArray attributes = m_nodes[QStringLiteral("attributes")].toArray();
+        QList<PageSnapshot::Node> nodes;
+        for (qsizetype i = 0; i < parents.size(); ++i) {
+            PageSnapshot::Node node;
+            const int parent = parents.at(i).toInt(-1);
+            node.parent = parent < i ? parent : -1;
+            node.isElement = types.at(i).toInt() == elementNode;
+            if (node.isElement) {
+                node.name = string(names.at(i)).toLower();
+                addAttributes(attributes.at(i).toArray(), node);
+            }
+            nodes.append(node);
+        }
+        return nodes;
+    }
+
+    void addAttributes(const QJsonArray &list, PageSnapshot::Node &node) const
+    {
+        static const QStringList kept{QStringLiteral("id"), QStringLiteral("class"), QStringLiteral("aria-label"),
+                                      QStringLiteral("alt")};
+        for (qsizetype i = 0; i + 1 < list.size(); i += 2) {
+            const QString name = string(list.at(i));
+            if (name == PageSnapshot::markAttribute) {
+                bool isNumber = false;
+                const int mark = string(list.at(i + 1)).toInt(&isNumber);
+                node.mark = isNumber ? mark : -1;
+            } else if (kept.contains(name)) {
+                node.attributes.insert(name, string(list.at(i + 1)).simplified());
+            }
+        }
+    }
+
+    void addPseudo(QList<PageSnapshot::Node> &nodes) const
+    {
+        const QJsonValue pseudo = m_nodes[QStringLiteral("pseudoType")];
+        const QJsonArray indexes = pseudo[QStringLiteral("index")].toArray();
+        const QJsonArray types = pseudo[QStringLiteral("value")].toArray();
+        for (qsizetype i = 0; i < indexes.size(); ++i) {
+            if (const int index = indexes.at(i).toInt(-1); index >= 0 && index < nodes.size()) {
+                nodes[index].name = QStringLiteral("::") + string(types.at(i));
+                nodes[index].mark = -1;
+            }
+        }
+    }
+
+    void addLayout(QList<PageSnapshot::Node> &nodes) const
+    {
+        const QJsonArray indexes = m_layout[QStringLiteral("nodeIndex")].toArray();
+        const QJsonArray bounds = m_layout[QStringLiteral("bounds")].toArray();
+        const QJsonArray styles = m_layout[QStringLiteral("styles")].toArray();
+        const QJsonArray texts = m_layout[QStringLiteral("text")].toArray();
+        const QJsonArray orders = m_layout[QStringLiteral("paintOrders")].toArray();
+        for (qsizetype i = 0; i < indexes.size(); ++i) {
+            const int index = indexes.at(i).toInt(-1);
+            if (index < 0 || index >= nodes.size()) {
+                continue;
+            }
+            PageSnapshot::Node &node = nodes[index];
+            const QJsonArray rect = bounds.at(i).toArray();
+            node.bounds |=
+                QRectF(rect.at(0).toDouble(), rect.at(1).toDouble(), rect.at(2).toDouble(), rect.at(3).toDouble());
+            node.paintOrder = std::max(node.paintOrder, orders.at(i).toInt(-1));
+            node.text += string(texts.at(i));
+            addStyles(styles.at(i).toArray(), node);
+        }
+        for (const QJsonValue layout :
+             m_layout[QStringLiteral("stackingContexts")][QStringLiteral("index")].toArray()) {
+            if (const int index = indexes.at(layout.toInt(-1)).toInt(-1); index >= 0 && index < nodes.size()) {
+                nodes[index].isStackingContext = true;
+            }
+        }
+    }
+
+    void addStyles(const QJsonArray &values, PageSnapshot::Node &node) const
+    {
+        const QStringList names = PageSnapshot::styleNames();
+        for (qsizetype i = 0; i < std::min(names.size(), values.size()); ++i) {
+            node.styles.insert(names[i], string(values.at(i)));
+        }
+    }
+
+    const QJsonArray m_strings;
+    const QJsonObject m_document;
+    const QJsonObject m_nodes;
+    const QJsonObject m_layout;
+};
+
+} // namespace
+
+QStringList PageSnapshot::styleNames()
+{
+    static const QStringList names{
+        QStringLiteral("visibility"),
+        QStringLiteral("opacity"),
+        QStringLiteral("display"),
+        QStringLiteral("position"),
+        QStringLiteral("z-index"),
+        QStringLiteral("background-color"),
+        QStringLiteral("background-image"),
+        QStringLiteral("border-top-width"),
+        QStringLiteral("border-right-width"),
+        QStringLiteral("border-bottom-width"),
+        QStringLiteral("border-left-width"),
+        QStringLiteral("border-image-source"),
+        QStringLiteral("outline-style"),
+        QStringLiteral("outline-width"),
+        QStringLiteral("outline-offset"),
+        QStringLiteral("box-shadow"),
+        QStringLiteral("text-shadow"),
+        QStringLiteral("filter"),
+    };
+    return names;
+}
+
+QJsonObject PageSnapshot::parameters()
+{
+    return {{QStringLiteral("computedStyles"), QJsonArray::fromStringList(styleNames())},
+            {QStringLiteral("includePaintOrder"), true},
+            {QStringLiteral("includeDOMRects"), true}};
+}
+
+QList<PageSnapshot::Node> PageSnapshot::nodes(const QJsonObject &answer)
+{
+    return Reader(answer).read();
+}

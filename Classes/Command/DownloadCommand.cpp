@@ -1,0 +1,156 @@
+#include "Classes/Command/AbandonWatch.h"
+#include "Classes/Command/Commands.h"
+#include "Classes/Import/AImportManager.h"
+#include "Classes/Import/DownloadImageOperation.h"
+#include "Classes/Import/ImageDownloads.h"
+#include "Classes/Import/ImportOperation.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace {
+
+using Download = std::shared_ptr<DownloadImageOperation>;
+constexpr qsizetype longestAddress = 300; // that is printed for a person
+
+bool isDone(const Download &download)
+{
+    const auto import = download->isFinished() ? download->importOperation() : nullptr;
+    return download->isFinished() && (!import || import->isWhollyFinished());
+}
+
+void cancelWholly(const std::shared_ptr<ImportOperation> &operation)
+{
+    operation->cancel();
+    std::for_each(operation->followUps().begin(), operation->followUps().end(), cancelWholly);
+}
+
+void cancel(const Download &download)
+{
+    download->cancel();
+    if (const auto import = download->isFinished() ? download->importOperation() : nullptr) {
+        cancelWholly(import);
+    }
+}
+
+void addTo(QStringList &imported, QList<DroppedFile> &dropped, const std::shared_ptr<ImportOperation> &import)
+{
+    imported += import->report().imported();
+    dropped += import->report().dropped();
+    for (const auto &followUp : import->followUps()) {
+        addTo(imported, dropped, followUp);
+    }
+}
+
+// Where the file came from says more than where it lay for a moment.
+QString addressOf(const QString &path, const DownloadImageOperation &download)
+{
+    for (const QVariantMap &file : download.filesToImport()) {
+        if (file.value(QStringLiteral("imagePath")) == path) {
+            return file.value(QStringLiteral("imageUrl")).toString();
+        }
+    }
+    return path;
+}
+
+void printJSON(const DownloadImageOperation &download, const QStringList &imported, const QList<DroppedFile> &dropped,
+               bool isCancelled, CommandContext &context)
+{
+    QJsonArray failures;
+    for (const DownloadImageOperation::Failure &failure : download.failures()) {
+        failures.append(QJsonObject{{QStringLiteral("url"), failure.imageUrl},
+                                    {QStringLiteral("reason"), failure.error.localizedDescription()}});
+    }
+    QJsonArray droppedFiles;
+    for (const DroppedFile &file : dropped) {
+        droppedFiles.append(QJsonObject{{QStringLiteral("url"), addressOf(file.path, download)},
+                                        {QStringLiteral("reason"), file.reason}});
+    }
+    context.printJSON(QJsonObject{{QStringLiteral("downloaded"), download.filesToImport().size()},
+                                  {QStringLiteral("imported"), QJsonArray::fromStringList(imported)},
+                                  {QStringLiteral("failed"), failures},
+                                  {QStringLiteral("dropped"), droppedFiles},
+                                  {QStringLiteral("cancelled"), isCancelled}});
+}
+
+void printText(const DownloadImageOperation &download, const QStringList &imported, const QList<DroppedFile> &dropped,
+               CommandContext &context)
+{
+    context.print(imported.size() == 1 ? zqLocalized("1 item imported")
+                                       : zqFormat(zqLocalized("%d items imported"), {imported.size()}));
+    for (const DownloadImageOperation::Failure &failure : download.failures()) {
+        context.print(zqFormat(zqLocalized("not downloaded: %@: %@"),
+                               {zqShortened(failure.imageUrl, longestAddress), failure.error.localizedDescription()}));
+    }
+    for (const DroppedFile &file : dropped) {
+        const QString format =
+            file.isImportedInPart() ? zqLocalized("imported in part: %@: %@") : zqLocalized("not imported: %@: %@");
+        context.print(zqFormat(format, {zqShortened(addressOf(file.path, download), longestAddress), file.reason}));
+    }
+}
+
+int report(const DownloadImageOperation &download, CommandContext &context)
+{
+    QStringList imported;
+    QList<DroppedFile> dropped;
+    bool isCancelled = download.isCancelled();
+    if (const auto import = download.importOperation()) {
+        addTo(imported, dropped, import);
+        isCancelled = isCancelled || import->isAnyCancelled();
+    }
+    if (context.json) {
+        printJSON(download, imported, dropped, isCancelled, context);
+    } else {
+        printText(download, imported, dropped, context);
+    }
+    if (isCancelled) {
+        return context.fail(imported.isEmpty()
+                                ? zqLocalized("the download was cancelled; nothing was imported")
+                                : zqLocalized("the download was cancelled; what is listed was imported before that"));
+    }
+    if (imported.isEmpty() && dropped.isEmpty()) {
+        return context.fail(zqLocalized("none of the images could be downloaded"));
+    }
+    const bool isAllThere = std::all_of(dropped.begin(), dropped.end(), [](const DroppedFile &file) {
+        return file.telling == DroppedFile::Telling::Decided; // a duplicate is in the library
+    });
+    return download.failures().isEmpty() && isAllThere ? 0 : imported.isEmpty() && !isAllThere ? 2 : 1;
+}
+
+} // namespace
+
+int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context)
+{
+    if (request.urls.isEmpty()) {
+        return context.fail(zqLocalized("name the addresses of the images"));
+    }
+    const QString project = request.title.isEmpty() ? request.page : request.title;
+    if (request.all && project.isEmpty()) {
+        return context.fail(zqLocalized("--all needs a --title for the project"));
+    }
+    const Download download =
+        ImageDownloads::sharedImageDownloads().start({.pageTitle = project,
+                                                      .pageUrl = request.page,
+                                                      .images = request.urls,
+                                                      .importAll = request.all ? QStringLiteral("1") : QString()},
+                                                     ImageDownloads::Tells::Caller);
+    const auto finish = [download](CommandContext &finished) { return report(*download, finished); };
+    if (context.mayBeFinishedLater) {
+        const auto isDoneOrUnwanted = [download, isAbandoned = context.isAbandoned] {
+            if (isAbandoned && isAbandoned()) {
+                cancel(download);
+            }
+            return isDone(download);
+        };
+        context.pending = PendingCommand{isDoneOrUnwanted, finish, AImportManager::didFinishImportOperation};
+        return 0;
+    }
+    const AbandonWatch watch(context, [&download] { cancel(download); });
+    zqRunMainLoopUntil([&download] { return isDone(download); }, std::chrono::milliseconds(5));
+    return finish(context);
+}

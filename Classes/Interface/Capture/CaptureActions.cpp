@@ -1,0 +1,65 @@
+#include "Classes/Interface/Capture/CaptureActions.h"
+
+#include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Services/HotKey.h"
+#include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QTimer>
+
+#include <chrono>
+
+namespace {
+constexpr std::chrono::milliseconds menuTime(250); // until a menu has faded, and what lay below it is drawn again
+} // namespace
+
+const QList<CaptureActions::Action> &CaptureActions::all()
+{
+    static const QList<Action> actions = {
+        {CommandID::SnapArea, "Area", hotKeys[0], [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
+        {CommandID::SnapWindow, "Window", hotKeys[1], [](ScreenCaptureControlling &capture) { capture.snapWindow(); }},
+        {CommandID::SnapFullScreen, "Whole Screen", hotKeys[2],
+         [](ScreenCaptureControlling &capture) { capture.snapFullScreen(); }},
+        {CommandID::SnapWebsite, "Web Page…", nullptr,
+         [](ScreenCaptureControlling &capture) { capture.snapWebsite({}, {}); }},
+    };
+    return actions;
+}
+
+QString CaptureActions::titleWithHotKey(const QString &title, const char *hotKey)
+{
+    const QVariant setting =
+        hotKey ? ZQUserDefaults::standardUserDefaults().objectForKey(QLatin1StringView(hotKey)) : QVariant();
+    const std::optional<HotKey> keys = HotKey::fromSetting(setting.toMap());
+    return keys ? title + u'\t' + keys->text() : title;
+}
+
+void CaptureActions::run(const Action &action, tamberin_AppDelegate &delegate)
+{
+    QTimer::singleShot(menuTime, &delegate, [run = action.run, &delegate] {
+        if (ScreenCaptureControlling *const capture = delegate.zeltoKunViewController()) {
+            run(*capture);
+        }
+    });
+}
+
+bool CaptureActions::isPossible(const tamberin_AppDelegate &delegate)
+{
+    return delegate.zeltoKunViewController() != nullptr;
+}
+
+QList<WindowCommand> CaptureActions::commands(tamberin_AppDelegate &delegate)
+{
+    QList<WindowCommand> commands;
+    for (const Action &action : all()) {
+        const QString title = zqLocalized(action.title);
+        commands.append({.id = action.id,
+                         .title = title,
+                         .keys = {},
+                         .run = [&action, &delegate] { run(action, delegate); },
+                         .isEnabled = [&delegate] { return isPossible(delegate); },
+                         .shown = [title, hotKey = action.hotKey] { return titleWithHotKey(title, hotKey); }});
+    }
+    return commands;
+}

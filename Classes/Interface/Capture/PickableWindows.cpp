@@ -1,0 +1,67 @@
+#include "Classes/Interface/Capture/PickableWindows.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Persistence/ZQPredicate.h"
+
+PickableWindows::PickableWindows(const ScreenSource &source, QObject *parent) : QObject(parent)
+{
+    const ZQPredicate canBePicked =
+        ZQPredicate::predicateWithFormat(QStringLiteral("(kCGWindowLayer >= 0 && kCGWindowLayer < 20)"));
+    for (const QVariantMap &window : source.onScreenWindows()) {
+        if (canBePicked.evaluateWithObject(QVariant(window))) {
+            m_windows.append(window);
+        }
+    }
+}
+
+std::optional<quint32> PickableWindows::highlighted() const
+{
+    return m_index < 0 ? std::nullopt
+                       : std::optional(m_windows[m_index].value(QStringLiteral("kCGWindowNumber")).value<quint32>());
+}
+
+QRect PickableWindows::highlightedBounds() const
+{
+    return m_index < 0 ? QRect() : m_windows[m_index].value(QStringLiteral("kCGWindowBounds")).toRect();
+}
+
+QString PickableWindows::highlightedName() const
+{
+    if (m_index < 0) {
+        return {};
+    }
+    const QString program = m_windows[m_index].value(QStringLiteral("kCGWindowOwnerName")).toString();
+    const QString title = m_windows[m_index].value(QStringLiteral("kCGWindowName")).toString();
+    if (program.isEmpty() || title.isEmpty() || title == program) {
+        return title.isEmpty() ? program : title;
+    }
+    return zqFormat(zqLocalized("%@ · %@"), {program, title});
+}
+
+void PickableWindows::highlightAt(const QPoint &pixel)
+{
+    qsizetype found = -1;
+    for (qsizetype i = 0; i < m_windows.size() && found < 0; ++i) {
+        if (m_windows[i].value(QStringLiteral("kCGWindowBounds")).toRect().contains(pixel)) {
+            found = i;
+        }
+    }
+    highlight(found);
+}
+
+void PickableWindows::highlightNext(int step)
+{
+    const qsizetype count = m_windows.size();
+    if (count > 0) {
+        const qsizetype from = m_index < 0 && step < 0 ? 0 : m_index;
+        highlight((from + step + count) % count);
+    }
+}
+
+void PickableWindows::highlight(qsizetype index)
+{
+    if (index != m_index) {
+        m_index = index;
+        Q_EMIT changed();
+    }
+}

@@ -1,0 +1,456 @@
+#include "Kit/Network/ZQHTTPTransfer.h"
+
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQPrivateAddress.h"
+#include "Kit/Network/ZQTransferError.h"
+
+#include <QAuthenticator>
+#include <QBuffer>
+#include <QHostInfo>
+#include <QNetworkCookieJar>
+#include <QNetworkProxyFactory>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+namespace {
+
+constexpr qint64 bufferSize = qint64(1) << 20;
+constexpr qint64 mostOfRefusal = 64 * 1024;
+constexpr qsizetype mostAddresses = 4; // of a host are tried
+
+bool isSameServer(const QUrl &a, const QUrl &b)
+{
+    return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
+}
+
+QNetworkProxy proxyFor(const QUrl &url)
+{
+    if (zqReachOfHostName(url.host()) == ZQAddressReach::Machine) {
+        return QNetworkProxy::NoProxy;
+    }
+    const QList<QNetworkProxy> proxies = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url));
+    return proxies.isEmpty() ? QNetworkProxy(QNetworkProxy::NoProxy) : proxies.first();
+}
+
+bool isDirect(const QNetworkProxy &proxy)
+{
+    return proxy.type() == QNetworkProxy::NoProxy || proxy.type() == QNetworkProxy::DefaultProxy;
+}
+
+bool isWanted(const QString &type, const QStringList &accepted)
+{
+    return accepted.isEmpty() || std::any_of(accepted.begin(), accepted.end(), [&](const QString &each) {
+               return each.endsWith(u"/*") ? type.startsWith(each.chopped(1)) : type == each;
+           });
+}
+
+} // namespace
+
+ZQHTTPTransfer::ZQHTTPTransfer(ZQHTTPRequest request, std::function<void(const ZQHTTPResponse &response)> done)
+    : m_request(std::move(request)), m_done(std::move(done)), m_method(m_request.method)
+{
+    m_manager.setCookieJar(new QNetworkCookieJar(&m_manager)); // that nothing is put into
+    m_manager.setStrictTransportSecurityEnabled(false);
+    connect(&m_manager, &QNetworkAccessManager::authenticationRequired, this,
+            [this](QNetworkReply *, QAuthenticator *authenticator) { authenticate(authenticator); });
+    for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer}) {
+        timer->setSingleShot(true);
+    }
+    m_connectTimer.setInterval(m_request.connectTime);
+    m_stallTimer.setInterval(m_request.stallTime);
+    connect(&m_connectTimer, &QTimer::timeout, this, [this] {
+        if (!isTryingNext()) {
+            fail(ZQTransferError::noAnswer(host()));
+        }
+    });
+    connect(&m_stallTimer, &QTimer::timeout, this, [this] { fail(ZQTransferError::silence(host())); });
+    connect(&m_wholeTimer, &QTimer::timeout, this, [this] { fail(ZQTransferError::tookTooLong(host())); });
+}
+
+ZQHTTPTransfer::~ZQHTTPTransfer()
+{
+    if (m_lookup >= 0) {
+        QHostInfo::abortHostLookup(m_lookup);
+    }
+    dropReply();
+}
+
+void ZQHTTPTransfer::start()
+{
+    if (m_request.wholeTime.count() > 0) {
+        m_wholeTimer.start(m_request.wholeTime);
+    }
+    goTo(m_request.url);
+}
+
+void ZQHTTPTransfer::cancel()
+{
+    fail(zqNetworkError(ZQNetworkErrorCode::Cancelled, zqLocalized("The request was cancelled.")));
+}
+
+void ZQHTTPTransfer::goTo(const QUrl &url)
+{
+    const QString scheme = url.scheme();
+    if (!url.isValid() || url.host().isEmpty() || (scheme != u"http" && scheme != u"https")) {
+        fail(ZQTransferError::noAddress(url));
+        return;
+    }
+    m_response.url = url;
+    if (const ZQError refusal = m_request.mayGoTo ? m_request.mayGoTo(url) : ZQError(); !refusal.isNull()) {
+        fail(refusal);
+        return;
+    }
+    m_isConnected = m_hasHead = false;
+    m_connectTimer.start();
+    const QNetworkProxy proxy = proxyFor(url);
+    m_manager.setProxy(proxy);
+    if (!m_request.mayConnectTo) {
+        send(url, {});
+        return;
+    }
+    const QHostAddress literal(url.host());
+    if (isDirect(proxy)) {
+        lookUp(url.host());
+    } else if (!literal.isNull() && !m_request.mayConnectTo(literal)) {
+        fail(ZQTransferError::notAllowed(host()));
+    } else {
+        send(url, {});
+    }
+}
+
+void ZQHTTPTransfer::lookUp(const QString &host)
+{
+    m_lookup = QHostInfo::lookupHost(host, this, [this](const QHostInfo &info) {
+        m_lookup = -1;
+        if (!m_done) {
+            return;
+        }
+        m_addresses = info.addresses();
+        if (m_addresses.isEmpty()) {
+            fail(ZQTransferError::hostNotFound(this->host()));
+            return;
+        }
+        m_addresses.removeIf([this](const QHostAddress &each) { return !m_request.mayConnectTo(each); });
+        m_addresses = m_addresses.first(std::min(mostAddresses, m_addresses.size()));
+        if (m_addresses.isEmpty()) {
+            fail(ZQTransferError::notAllowed(this->host()));
+            return;
+        }
+        connectToNext();
+    });
+}
+
+void ZQHTTPTransfer::connectToNext()
+{
+    QUrl pinned = m_response.url;
+    pinned.setHost(m_addresses.takeFirst().toString());
+    const QString name = m_response.url.host(QUrl::FullyEncoded);
+    const QString bracketed = name.contains(u':') ? u'[' + name + u']' : name;
+    const int port = m_response.url.port();
+    m_connectTimer.start();
+    send(pinned, port < 0 ? bracketed : bracketed + u':' + QString::number(port));
+}
+
+bool ZQHTTPTransfer::isTryingNext()
+{
+    if (m_isConnected || m_addresses.isEmpty()) {
+        return false;
+    }
+    dropReply();
+    connectToNext();
+    return true;
+}
+
+QNetworkRequest ZQHTTPTransfer::networkRequest(const QUrl &url, const QString &hostHeader) const
+{
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false); // it would name the address, not the host
+    request.setDecompressedSafetyCheckThreshold(-1);                     // the maximum size holds for what is unpacked
+    const bool isAtFirstServer = isSameServer(m_request.url, m_response.url);
+    for (const auto &[name, value] : m_request.headers) {
+        const bool isSecret =
+            name.compare("Authorization", Qt::CaseInsensitive) == 0 || name.compare("Cookie", Qt::CaseInsensitive) == 0;
+        if (isAtFirstServer || !isSecret) {
+            request.setRawHeader(name, value);
+        }
+    }
+    if (!hostHeader.isEmpty()) {
+        request.setRawHeader("Host", hostHeader.toLatin1());
+        request.setPeerVerifyName(m_response.url.host(QUrl::FullyEncoded));
+    }
+    return request;
+}
+
+QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request)
+{
+    if (!m_request.makeBody) {
+        return m_manager.sendCustomRequest(request, m_method, m_request.body);
+    }
+    m_body = m_request.makeBody();
+    return m_body ? m_manager.sendCustomRequest(request, m_method, m_body.get()) : nullptr;
+}
+
+void ZQHTTPTransfer::send(const QUrl &url, const QString &hostHeader)
+{
+    const QNetworkRequest request = networkRequest(url, hostHeader);
+    const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
+    QNetworkReply *const reply = hasBody             ? sendBody(request)
+                                 : m_method == "GET" ? m_manager.get(request)
+                                                     : m_manager.sendCustomRequest(request, m_method);
+    if (reply) {
+        follow(reply);
+    } else {
+        fail(zqNetworkError(ZQNetworkErrorCode::CannotWrite, zqLocalized("What is to be sent cannot be read.")));
+    }
+}
+
+void ZQHTTPTransfer::follow(QNetworkReply *reply)
+{
+    m_reply = reply;
+    reply->setReadBufferSize(bufferSize);
+    connect(reply, &QNetworkReply::requestSent, this, [this] {
+        m_isConnected = true;
+        m_connectTimer.stop();
+        m_stallTimer.start();
+    });
+    connect(reply, &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
+        m_isConnected = true;
+        m_connectTimer.stop();
+        m_stallTimer.start();
+        if (m_request.didSendBytes && total > 0) {
+            m_request.didSendBytes(sent, total);
+        }
+    });
+    connect(reply, &QNetworkReply::metaDataChanged, this, &ZQHTTPTransfer::headCame);
+    connect(reply, &QNetworkReply::readyRead, this, &ZQHTTPTransfer::bytesCame);
+    connect(reply, &QNetworkReply::finished, this, &ZQHTTPTransfer::replyEnded);
+}
+
+void ZQHTTPTransfer::authenticate(QAuthenticator *authenticator)
+{
+    if (!m_didLogIn && !m_request.user.isEmpty() && isSameServer(m_request.url, m_response.url)) {
+        m_didLogIn = true; // once: the same words would be refused again
+        authenticator->setUser(m_request.user);
+        authenticator->setPassword(m_request.password);
+    }
+}
+
+void ZQHTTPTransfer::headCame()
+{
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (m_hasHead || status < 200) {
+        return;
+    }
+    m_hasHead = m_isConnected = true;
+    m_connectTimer.stop();
+    m_stallTimer.start();
+    m_response.statusCode = status;
+    m_response.headers = {};
+    for (const auto &[name, value] : m_reply->rawHeaderPairs()) {
+        m_response.headers.append({name, value});
+    }
+    bool isStated = false;
+    const qint64 length = m_response.header("Content-Length").toLongLong(&isStated);
+    const bool isPacked = !m_response.header("Content-Encoding").isEmpty();
+    m_expected = isStated && !isPacked && m_method != "HEAD" ? length : -1;
+    if (const ZQError problem = problemOfHead(); !problem.isNull()) {
+        fail(problem);
+    } else {
+        redirect(); // whatever else it sends
+    }
+}
+
+ZQError ZQHTTPTransfer::problemOfHead() const
+{
+    if (!isSuccess()) {
+        return {};
+    }
+    if (!isWanted(m_response.MIMEType(), m_request.acceptedTypes)) {
+        return ZQTransferError::unwantedType(host(), m_response.MIMEType());
+    }
+    return m_expected > m_request.maximumSize ? ZQTransferError::tooLarge(m_request.maximumSize) : ZQError();
+}
+
+void ZQHTTPTransfer::bytesCame()
+{
+    static thread_local std::array<char, 64 * 1024> buffer;
+    while (m_reply && m_hasHead) {
+        const qint64 size = m_reply->read(buffer.data(), qint64(buffer.size()));
+        if (size <= 0) {
+            return;
+        }
+        m_stallTimer.start();
+        if (isSuccess()) {
+            if (!keep(buffer.data(), size)) {
+                return;
+            }
+            continue;
+        }
+        const qint64 room = mostOfRefusal - m_response.body.size();
+        m_response.body.append(buffer.data(), std::min(room, size));
+        if (size >= room) { // a page of excuses, perhaps without end
+            fail(zqNetworkErrorForStatus(m_response.statusCode, host()));
+        }
+    }
+}
+
+bool ZQHTTPTransfer::keep(const char *data, qint64 size)
+{
+    m_response.size += size;
+    if (m_response.size > m_request.maximumSize) {
+        fail(ZQTransferError::tooLarge(m_request.maximumSize));
+        return false;
+    }
+    ZQError error;
+    if (m_request.destination.isEmpty()) {
+        m_response.body.append(data, size);
+    } else if (!makeFile(&error) || !write(data, size, &error)) {
+        fail(ZQTransferError::cannotWrite(m_request.destination, error));
+        return false;
+    }
+    if (m_request.didReceiveBytes) {
+        m_request.didReceiveBytes(m_response.size, m_expected);
+    }
+    return true;
+}
+
+bool ZQHTTPTransfer::makeFile(ZQError *error)
+{
+    if (!m_file) {
+        if (auto made = ZQNewFile::make(m_request.destination, error)) {
+            m_file = std::make_unique<ZQNewFile>(std::move(*made));
+        }
+    }
+    return m_file != nullptr;
+}
+
+bool ZQHTTPTransfer::write(const char *data, qint64 size, ZQError *error)
+{
+    for (qint64 written = 0; written < size;) {
+        const ssize_t count = ::write(m_file->descriptor(), data + written, std::size_t(size - written));
+        if (count < 0 && errno != EINTR) {
+            zqSetError(error, ZQError::posix(errno, m_request.destination));
+            return false;
+        }
+        written += std::max<ssize_t>(count, 0);
+    }
+    return true;
+}
+
+bool ZQHTTPTransfer::redirect()
+{
+    static constexpr std::array redirects = {301, 302, 303, 307, 308};
+    const QByteArray location = m_response.header("Location");
+    const int status = m_response.statusCode;
+    if (location.isEmpty() || std::find(redirects.begin(), redirects.end(), status) == redirects.end()) {
+        return false;
+    }
+    const QUrl from = m_response.url;
+    const QUrl to = from.resolved(QUrl(QString::fromUtf8(location)));
+    if (++m_redirects > m_request.mostRedirects) {
+        fail(ZQTransferError::tooManyRedirects(from.host()));
+        return true;
+    }
+    if (from.scheme() == u"https" && to.scheme() == u"http" && !m_request.mayLoseEncryption) {
+        fail(ZQTransferError::losesEncryption(from.host()));
+        return true;
+    }
+    if (status < 307 && m_method != "HEAD") {
+        m_method = "GET";
+        m_sendsBody = false;
+    }
+    dropReply();
+    m_stallTimer.stop();
+    m_response = {};
+    goTo(to);
+    return true;
+}
+
+void ZQHTTPTransfer::replyEnded()
+{
+    const QNetworkReply *const sender = m_reply;
+    if (!m_hasHead) {
+        headCame(); // of an answer without a body it comes with the end
+    }
+    bytesCame();
+    if (!m_reply || m_reply != sender) {
+        return; // it failed, or went on to elsewhere
+    }
+    const auto error = m_reply->error();
+    const bool isAboutConnecting = error == QNetworkReply::ConnectionRefusedError ||
+                                   error == QNetworkReply::TimeoutError || error == QNetworkReply::UnknownNetworkError;
+    if (!m_hasHead && isAboutConnecting && isTryingNext()) {
+        return;
+    }
+    m_response.error = problemOfEnd();
+    end();
+}
+
+ZQError ZQHTTPTransfer::problemOfEnd() const
+{
+    if (m_hasHead && !isSuccess()) {
+        return zqNetworkErrorForStatus(m_response.statusCode, host());
+    }
+    if (m_reply->error() != QNetworkReply::NoError) {
+        return ZQTransferError::of(*m_reply, host(), m_isConnected);
+    }
+    return m_expected > m_response.size ? ZQTransferError::cutOff(host(), m_response.size, m_expected) : ZQError();
+}
+
+void ZQHTTPTransfer::fail(const ZQError &error)
+{
+    if (m_done) {
+        m_response.error = error;
+        end();
+    }
+}
+
+void ZQHTTPTransfer::end()
+{
+    for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer}) {
+        timer->stop();
+    }
+    const auto done = std::exchange(m_done, nullptr);
+    if (m_response.isWhole() && !m_request.destination.isEmpty()) {
+        place();
+    }
+    m_file.reset();
+    if (!m_response.isWhole() && isSuccess()) {
+        m_response.body.clear();
+    }
+    dropReply();
+    done(m_response);
+    deleteLater();
+}
+
+// Of nothing a file is made too.
+void ZQHTTPTransfer::place()
+{
+    ZQError error;
+    if (makeFile(&error) && m_file->place(&error)) {
+        m_response.destination = m_request.destination;
+    } else {
+        m_response.error = ZQTransferError::cannotWrite(m_request.destination, error);
+    }
+}
+
+void ZQHTTPTransfer::dropReply()
+{
+    if (QNetworkReply *const reply = std::exchange(m_reply, nullptr)) {
+        reply->disconnect(this);
+        reply->abort();
+        reply->deleteLater();
+    }
+    m_body.reset();
+}

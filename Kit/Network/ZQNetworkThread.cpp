@@ -1,0 +1,63 @@
+#include "Kit/Network/ZQNetworkThread.h"
+
+#include <QCoreApplication>
+
+struct ZQNetworkThread::Shared
+{
+    ZQMutex mutex;
+    std::unique_ptr<ZQNetworkThread, void (*)(ZQNetworkThread *)> thread ZQ_GUARDED_BY(mutex){
+        nullptr, [](ZQNetworkThread *ended) { delete ended; }};
+};
+
+ZQNetworkThread::Shared &ZQNetworkThread::shared()
+{
+    static Shared value;
+    return value;
+}
+
+ZQNetworkThread::ZQNetworkThread() : m_context(std::make_unique<QObject>())
+{
+    m_thread.setObjectName(QStringLiteral("Network"));
+    m_context->moveToThread(&m_thread);
+    m_thread.start();
+}
+
+// What was posted before runs before: nothing that was taken on is left without an end.
+ZQNetworkThread::~ZQNetworkThread()
+{
+    QMetaObject::invokeMethod(
+        m_context.get(), [this] { m_context.reset(); }, Qt::BlockingQueuedConnection);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void ZQNetworkThread::stop()
+{
+    decltype(Shared::thread) ended(nullptr, [](ZQNetworkThread *) {});
+    {
+        const ZQLockGuard lock(shared().mutex);
+        std::swap(ended, shared().thread);
+    }
+}
+
+bool ZQNetworkThread::run(std::function<void()> block)
+{
+    const ZQLockGuard lock(shared().mutex);
+    if (!QCoreApplication::instance() || QCoreApplication::closingDown()) {
+        return false;
+    }
+    if (!shared().thread) {
+        qAddPostRoutine(stop);
+        shared().thread.reset(new ZQNetworkThread);
+    }
+    return QMetaObject::invokeMethod(shared().thread->m_context.get(), std::move(block), Qt::QueuedConnection);
+}
+
+void ZQNetworkThread::whenItEnds(QObject *context, std::function<void()> block)
+{
+    const ZQLockGuard lock(shared().mutex);
+    if (shared().thread) {
+        QObject::connect(shared().thread->m_context.get(), &QObject::destroyed, context, std::move(block),
+                         Qt::DirectConnection);
+    }
+}

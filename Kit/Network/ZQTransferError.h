@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Kit/Network/ZQNetworkError.h"
+
+class QNetworkReply;
+class QUrl;
+
+// What goes wrong with a transfer, in words for the person. `host` is the name of the server.
+namespace ZQTransferError {
+
+ZQError noAddress(const QUrl &url);
+ZQError notAllowed(const QString &host);
+ZQError hostNotFound(const QString &host); // or: offline
+ZQError noAnswer(const QString &host);     // or: offline
+ZQError silence(const QString &host);
+ZQError tookTooLong(const QString &host);
+ZQError tooManyRedirects(const QString &host);
+ZQError losesEncryption(const QString &host);
+ZQError unwantedType(const QString &host, const QString &type);
+ZQError tooLarge(qint64 maximumSize);
+ZQError cutOff(const QString &host, qint64 size, qint64 expected);
+ZQError cannotWrite(const QString &path, const ZQError &reason);
+// What a reply that failed without a status from 400 on says.
+ZQError of(const QNetworkReply &reply, const QString &host, bool wasConnected);
+
+} // namespace ZQTransferError
