@@ -30,6 +30,7 @@ public:
 private:
     void goTo(const QUrl &url);
     void lookUp(const QString &host);
+    void tryAddresses(const QList<QHostAddress> &addresses);
     void connectToNext();
     void send(const QUrl &url, const QString &hostHeader);
     QNetworkRequest networkRequest(const QUrl &url, const QString &hostHeader) const;
