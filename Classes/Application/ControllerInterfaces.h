@@ -169,8 +169,8 @@ class ImageDownloading
 public:
     virtual ~ImageDownloading() = default;
     virtual void downloadImages(const ImageDownloadRequest &request) = 0;
-    virtual bool isDownloading() const = 0;
-    virtual void stopDownloads() = 0; // cancels all; they end soon, and nothing of them is imported
+    virtual bool isDownloading() const { return false; }
+    virtual void stopDownloads() {} // cancels all; they end soon, and nothing of them is imported
 };
 
 // Commands that arrive as addresses of this application's scheme. Main thread.

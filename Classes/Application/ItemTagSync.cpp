@@ -17,6 +17,10 @@
 
 namespace {
 
+// Of thousands of files that came just now they take longer than a person waits for the end of a program, and the next
+// one makes those that are missing.
+constexpr std::chrono::milliseconds longestWaitForCopies{700};
+
 // The main thread does not wait for the files to reach the disk.
 void storeDidSave(const std::shared_ptr<TagFileJournal> &journal)
 {
@@ -163,7 +167,7 @@ void ItemTagSync::close()
     }
     m_renewal.reset();
     m_adoption.reset(); // what still comes is found in the files at the next launch
-    OpenMetaBackup::waitUntilAllWritten();
+    OpenMetaBackup::waitUntilAllWritten(longestWaitForCopies);
     m_willSaveObserver.reset();
     m_saveObserver.reset();
     m_journal.reset(); // what was written and never saved stays in it, and is taken back at the next launch

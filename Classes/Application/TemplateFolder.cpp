@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace {
 
@@ -58,13 +59,15 @@ QStringList TemplateFolder::paths(const QString &directory)
     return found;
 }
 
-bool TemplateFolder::moveIn(const QString &path, const QString &directory, ZQError *error)
+namespace {
+
+bool isPosix(const ZQError &error, int code)
 {
-    const QFileInfo source(QDir::cleanPath(path));
-    if (liesIn(source, directory)) {
-        return source.exists();
-    }
-    const QString target = directory + u'/' + source.fileName();
+    return error.domain == ZQError::posixDomain && error.code == code;
+}
+
+bool moveOrCopy(const QFileInfo &source, const QString &target, ZQError *error)
+{
     if (source.isSymLink()) { // what it leads to is somebody's, and moved it would lead elsewhere
         return copyInto(source.canonicalFilePath(), target, error);
     }
@@ -72,7 +75,7 @@ bool TemplateFolder::moveIn(const QString &path, const QString &directory, ZQErr
     if (zqMoveNoReplace(source.filePath(), target, &whyNot)) {
         return true;
     }
-    if (whyNot.domain != ZQError::posixDomain || whyNot.code != EXDEV) {
+    if (!isPosix(whyNot, EXDEV)) {
         zqSetError(error, whyNot);
         return false;
     }
@@ -81,6 +84,27 @@ bool TemplateFolder::moveIn(const QString &path, const QString &directory, ZQErr
     }
     ZQTrash::recycle(source.filePath()); // where that cannot be, it is there twice, and nothing is lost
     return true;
+}
+
+} // namespace
+
+bool TemplateFolder::moveIn(const QString &path, const QString &directory, ZQError *error)
+{
+    const QFileInfo source(QDir::cleanPath(path));
+    if (liesIn(source, directory) && source.exists()) {
+        return true;
+    }
+    ZQError whyNot;
+    if (moveOrCopy(source, directory + u'/' + source.fileName(), &whyNot)) {
+        return true;
+    }
+    zqSetError(error, isPosix(whyNot, EEXIST)
+                          ? ZQError::with(errorDomain, NameTaken,
+                                          zqFormat(zqLocalized("There is a template “%@” already. Rename the new one, "
+                                                               "or remove the other one, and open it again."),
+                                                   {zqBaseName(source.fileName())}))
+                          : whyNot);
+    return false;
 }
 
 std::optional<QString> TemplateFolder::add(const QString &file, const QString &directory, ZQError *error)
@@ -99,7 +123,7 @@ std::optional<QString> TemplateFolder::add(const QString &file, const QString &d
         if (copyInto(clean, target, &whyNot)) {
             return target;
         }
-        if (whyNot.domain != ZQError::posixDomain || whyNot.code != EEXIST) { // else somebody was faster
+        if (!isPosix(whyNot, EEXIST)) { // else somebody was faster
             zqSetError(error, whyNot);
             return std::nullopt;
         }

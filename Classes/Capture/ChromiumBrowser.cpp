@@ -14,7 +14,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstring>
+#include <cstdlib>
 #include <fcntl.h>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
@@ -76,7 +76,7 @@ bool isKept(const QByteArray &entry)
     return name.startsWith("LC_");
 }
 
-std::vector<QByteArray> environmentWithin(const QByteArray &folder)
+std::vector<QByteArray> environmentWithin(const QByteArray &folder, const QByteArray &temporary)
 {
     std::vector<QByteArray> out;
     for (char **entry = environ; *entry; ++entry) {
@@ -84,7 +84,7 @@ std::vector<QByteArray> environmentWithin(const QByteArray &folder)
             out.push_back(text);
         }
     }
-    out.push_back("TMPDIR=" + folder);
+    out.push_back("TMPDIR=" + temporary);
     out.push_back("XDG_CONFIG_HOME=" + folder + "/config");
     out.push_back("DBUS_SESSION_BUS_ADDRESS=disabled:");
     return out;
@@ -156,6 +156,26 @@ std::optional<Pipe> makePipe()
     ::_exit(exitCannotRun);
 }
 
+// It makes a socket in its temporary folder, and the addresses of sockets are short.
+QByteArray shortFolderFor(const QByteArray &folder)
+{
+    constexpr qsizetype longest = 60;
+    if (folder.size() <= longest) {
+        return folder;
+    }
+    QByteArray name = "/tmp/zelto-web.XXXXXX";
+    return ::mkdtemp(name.data()) ? name : folder;
+}
+
+// A process of the browser's that is just ending may still make a file.
+void removeFolder(const QByteArray &path)
+{
+    constexpr int tries = 20;
+    for (int i = 0; i < tries && !QDir(QFile::decodeName(path)).removeRecursively(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
 ZQError noProgram(const QString &named)
 {
     return named.isEmpty()
@@ -199,6 +219,7 @@ std::unique_ptr<ChromiumBrowser> ChromiumBrowser::start(ZQError *error)
     }
     std::unique_ptr<ChromiumBrowser> browser(new ChromiumBrowser);
     browser->m_folder = QFile::encodeName(folder);
+    browser->m_shortFolder = shortFolderFor(browser->m_folder);
     if (!browser->spawn(program)) {
         zqSetError(error, ZQError::posix(errno, program));
         return nullptr;
@@ -214,7 +235,7 @@ bool ChromiumBrowser::spawn(const QString &program)
         return false;
     }
     std::vector<QByteArray> arguments = argumentsFor(program, m_folder);
-    std::vector<QByteArray> environment = environmentWithin(m_folder);
+    std::vector<QByteArray> environment = environmentWithin(m_folder, m_shortFolder);
     std::vector<char *> argumentPointers = pointersTo(arguments);
     std::vector<char *> environmentPointers = pointersTo(environment);
     const pid_t parent = ::getpid();
@@ -241,10 +262,10 @@ ChromiumBrowser::~ChromiumBrowser()
         }
     }
     m_pipe.reset();
-    // A helper process of it that is just ending may still make a file.
-    QDir folder(QFile::decodeName(m_folder));
-    constexpr int tries = 20;
-    for (int i = 0; i < tries && !m_folder.isEmpty() && !folder.removeRecursively(); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    if (!m_folder.isEmpty()) {
+        removeFolder(m_folder);
+    }
+    if (!m_shortFolder.isEmpty() && m_shortFolder != m_folder) {
+        removeFolder(m_shortFolder);
     }
 }

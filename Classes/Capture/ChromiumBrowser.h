@@ -34,6 +34,7 @@ private:
     bool spawn(const QString &program);
 
     QByteArray m_folder;
+    QByteArray m_shortFolder; // for its own temporary files: the same, or another one
     pid_t m_process = -1;
     std::optional<DevToolsPipe> m_pipe;
 };

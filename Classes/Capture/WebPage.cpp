@@ -19,7 +19,7 @@ using std::chrono::steady_clock;
 
 constexpr auto answerTime = 20s; // of a server, until something of the page is there
 constexpr auto loadTime = 20s;
-constexpr auto quietTime = 5s; // for what a page goes on to load by itself
+constexpr auto quietTime = 3s; // for what a page goes on to load by itself
 constexpr auto quietFor = 150ms;
 constexpr auto scrollTime = 10s;
 constexpr int tileHeight = 4000; // pixels; beyond the size of a texture, content would repeat
@@ -132,13 +132,14 @@ bool WebPage::open(const QString &url, int width, int scale, bool isWhole, int m
     if (!m_devTools.attach(error) || !prepare(width, error) || !navigate(url, error)) {
         return false;
     }
-    m_devTools.serveUntil(steady_clock::now() + loadTime, [this] { return m_isLoaded || m_isCrashed; });
+    m_loadEnd = steady_clock::now() + loadTime;
+    m_devTools.serveUntil(m_loadEnd, [this] { return m_isLoaded || m_isCrashed; });
     waitUntilQuiet();
     if (isWhole && check(nullptr)) {
         m_devTools.evaluate(walkThrough.arg(mostHeight), steady_clock::now() + scrollTime);
         waitUntilQuiet();
     }
-    if (check(nullptr)) {
+    if (m_isLoaded && check(nullptr)) {
         m_devTools.evaluate(fontsAndPictures, steady_clock::now() + quietTime);
     }
     return check(error);
@@ -278,7 +279,9 @@ bool WebPage::isQuiet() const
 
 void WebPage::waitUntilQuiet()
 {
-    m_devTools.serveUntil(steady_clock::now() + quietTime, [this] { return isQuiet() || m_isCrashed; });
+    // One that goes on to another page is loading again.
+    const auto limit = m_isLoaded ? steady_clock::now() + quietTime : m_loadEnd;
+    m_devTools.serveUntil(limit, [this] { return isQuiet() || m_isCrashed; });
 }
 
 bool WebPage::holdStill(ZQError *error)

@@ -71,4 +71,5 @@ private:
     bool m_isDownload = false;
     QSet<QString> m_requests; // under way, by their number
     DevToolsPage::Time m_lastTraffic;
+    DevToolsPage::Time m_loadEnd; // until which it is waited for
 };

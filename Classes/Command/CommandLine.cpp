@@ -403,7 +403,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
     m_isImport = m_app->got_subcommand("import") || m_app->got_subcommand("open-url") || m_app->got_subcommand("new");
     m_fillsLibrary = m_fillsLibrary || m_isImport;
-    for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync"}) {
+    for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync", "download"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
     m_isSnap = m_app->got_subcommand("snap");

@@ -157,7 +157,9 @@ void DownloadImageOperation::massDownloadEnded()
             metadata.insert(QStringLiteral("webPageURL"), pageUrl());
         }
         if (!ZQDataAddress::isOne(imageUrl)) { // such an address is the picture itself, and as long
-            metadata.insert(QStringLiteral("webURL"), imageUrl);
+            const bool isRelative = QUrl(imageUrl).isRelative();
+            metadata.insert(QStringLiteral("webURL"),
+                            isRelative ? urlOfImage(imageUrl, pageUrl()).toString() : imageUrl);
         }
         request.paths.append(path);
         request.fileMetadata.insert(path, metadata);

@@ -51,7 +51,7 @@ QString safeFileNameFromUrl(const QString &address)
 QUrl urlOfImage(const QString &address, const QString &pageUrl)
 {
     const QUrl url(address.trimmed(), QUrl::TolerantMode);
-    return url.isRelative() ? QUrl(pageUrl, QUrl::TolerantMode).resolved(url) : url;
+    return url.isRelative() && !url.isEmpty() ? QUrl(pageUrl, QUrl::TolerantMode).resolved(url) : url;
 }
 
 QByteArray refererFor(const QUrl &image, const QString &pageUrl)

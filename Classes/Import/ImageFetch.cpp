@@ -83,6 +83,7 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
     }
     request.destination = path;
     request.maximumSize = mostBytes;
+    request.wholeTime = longestTime;
     request.acceptedTypes = acceptedTypes();
     request.mayGoTo = [reach = m_pageReach](const QUrl &each) {
         return zqReachOfHostName(each.host()) <= reach ? ZQError() : ZQTransferError::notAllowed(each.host());
@@ -97,7 +98,8 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
 bool ImageFetch::isPageElsewhereAfterAll()
 {
     const QString host = QUrl(m_pageUrl).host();
-    if (m_isPageResolved || host.isEmpty() || m_pageReach != ZQAddressReach::Everybody) {
+    const bool isName = !host.isEmpty() && QHostAddress(host).isNull();
+    if (m_isPageResolved || !isName || m_pageReach != ZQAddressReach::Everybody) {
         return false;
     }
     m_isPageResolved = true;

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QUrl>
 
+#include <chrono>
+
 // Fetches the images of one page into files, one at a time. The page is a stranger's: only http, https and data:
 // addresses, no servers of this machine or its network but for a page that lives there itself, no more than so many
 // bytes, and nothing that says that it is something else than a picture. One thread.
@@ -21,6 +23,7 @@ public:
 
     static constexpr qint64 mostBytes = qint64(512) << 20;
     static constexpr qint64 mostBytesInAddress = qint64(64) << 20;
+    static constexpr std::chrono::minutes longestTime{30}; // of one; a server that trickles must not hold up the rest
 
 private:
     ZQHTTPRequest requestFor(const QUrl &url, const QString &path) const;

@@ -107,7 +107,6 @@ void LiveFileImport::finish()
                                          zqLocalized("Not every file of the live folders could be read."), reason));
     }
     saveNow();
-    m_writtenTags.finish();
 }
 
 // A slow file does not keep from the screen what is there already.
@@ -222,7 +221,7 @@ void LiveFileImport::writeTags()
             files.push_back({written.path, {written.tags, written.notes, written.rating}});
         }
     }
-    m_writtenTags.add(std::move(files));
+    m_writtenTags.add(files);
 }
 
 void LiveFileImport::fileDidDrop(const DroppedFile &file)

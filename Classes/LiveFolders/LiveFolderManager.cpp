@@ -399,7 +399,7 @@ void LiveFolderManager::didEnd(const std::shared_ptr<WatchFoldersImportOperation
 
 void LiveFolderManager::putAwayWhatCameTooLate()
 {
-    if (context()) {
+    if (context() && !tamberin_AppDelegate::sharedDelegate()->isTerminating()) { // which sees to it itself
         auto &delegate = *tamberin_AppDelegate::sharedDelegate();
         delegate.editQueue().addOperation(std::make_shared<LateItemsOperation>(delegate.persistentStoreCoordinator(),
                                                                                AImportManager::sharedAImportManager()));

@@ -249,6 +249,7 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
     if (!run.isWanted()) {
         return; // the next run looks at everything again
     }
+    const QHash<QString, qint64> written = files.writtenTags().changes();
     const NamesByFolder names = byFolder(files.touched());
     for (const FolderTreeSync::Changed &each : changed) {
         RecordedFolder *const folder = each.record->folder(each.key);
@@ -266,7 +267,7 @@ void WatchFoldersImportOperation::writeRecords(SyncRun &run, const std::vector<F
                 present->hasContentOf(*entry)) {
                 entry->change = present->change;
                 const QString path = QFile::decodeName(folder->path + '/' + name);
-                if (files.writtenTags().changeOf(path) != present->change) {
+                if (written.value(path, -1) != present->change) {
                     changedSince.insert(path);
                 }
             }

@@ -74,9 +74,10 @@ bool OpenMetaBackup::hasAttributes(const QString &path)
     return TagBackupQueue::hasAnyOfOurs(ZQExtendedAttributes::list(path));
 }
 
-void OpenMetaBackup::waitUntilAllWritten()
+void OpenMetaBackup::waitUntilAllWritten(std::optional<std::chrono::milliseconds> most)
 {
-    TagBackupQueue::shared().flush();
+    using Clock = TagBackupQueue::Clock;
+    TagBackupQueue::shared().flush(most ? std::optional<Clock::time_point>(Clock::now() + *most) : std::nullopt);
 }
 
 void OpenMetaBackup::restoreMetadata(const QString &path)

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 
 // Copies of files' tags, ratings and comments below the application's data folder, for files whose attributes get
@@ -35,8 +36,9 @@ public:
     // The copy of this very file, also when it was saved by replacing it and lost its tags; not when the file has tags
     // of a later time than the copy.
     static std::optional<TagBackup> lastKnown(const QString &path);
-    // Before the process ends. Returns also when another process keeps the copies from being made; they stay noted.
-    static void waitUntilAllWritten();
+    // Before the process ends. Returns also when another process keeps the copies from being made, or they take longer
+    // than `most`; they stay noted.
+    static void waitUntilAllWritten(std::optional<std::chrono::milliseconds> most = {});
 
     static QString folder(); // where the copies are
 

@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::chrono::milliseconds quiet{500}; // without a request, before the copies are made
 constexpr std::chrono::seconds longestGathering{10};
+constexpr std::chrono::milliseconds lastMoment{300};
 constexpr int mostFailures = 3; // while somebody waits
 constexpr int niceness = 10;    // what the person waits for comes first
 
@@ -71,6 +72,7 @@ TagBackupQueue::~TagBackupQueue()
     {
         const ZQLockGuard lock(m_mutex);
         m_stops = true;
+        m_latest = Clock::now() + lastMoment;
     }
     m_changed.notifyAll();
     if (m_thread.joinable()) {
@@ -94,14 +96,19 @@ void TagBackupQueue::add(const QString &path, const QByteArray &seen)
     enqueue(path);
 }
 
-void TagBackupQueue::flush()
+void TagBackupQueue::flush(std::optional<Clock::time_point> latest)
 {
     const ZQLockGuard lock(m_mutex);
     m_flushes = true;
     m_failures = 0;
     m_changed.notifyAll();
-    while ((!m_pending.isEmpty() || m_isBusy) && m_failures < mostFailures) {
-        m_done.wait(m_mutex);
+    bool isInTime = true;
+    while ((!m_pending.isEmpty() || m_isBusy) && m_failures < mostFailures && isInTime) {
+        if (latest) {
+            isInTime = m_done.waitUntil(m_mutex, *latest);
+        } else {
+            m_done.wait(m_mutex);
+        }
     }
     m_flushes = false;
 }
@@ -184,7 +191,7 @@ void TagBackupQueue::run()
         finishRound(isStored, paths, seen, *store);
         m_done.notifyAll();
         if (!isStored) {
-            if (m_stops && m_failures >= mostFailures) {
+            if (m_stops && (m_failures >= mostFailures || Clock::now() >= m_latest)) {
                 return; // the notes stay
             }
             const Clock::time_point again = Clock::now() + quiet;
@@ -213,10 +220,19 @@ void TagBackupQueue::finishRound(bool isStored, const QSet<QString> &paths, cons
     store.setNotes(m_store.get() == &store ? m_pending : QSet<QString>());
 }
 
+bool TagBackupQueue::isOver()
+{
+    const ZQLockGuard lock(m_mutex);
+    return Clock::now() >= m_latest;
+}
+
 bool TagBackupQueue::copy(const QSet<QString> &paths, const QHash<QString, QByteArray> &seen, TagBackupStore &store)
 {
     QHash<QString, std::optional<TagBackup>> backups;
     for (const QString &path : paths) {
+        if (isOver()) {
+            return false;
+        }
         if (auto backup = backupOf(path)) {
             if (backup->seen->isEmpty()) {
                 backup->seen = seen.value(path);

@@ -23,11 +23,13 @@ class TagBackupQueue
 {
 public:
     static TagBackupQueue &shared();
+    // The process ends: what is not copied in a moment stays noted for the next one.
     ~TagBackupQueue();
 
+    using Clock = std::chrono::steady_clock;
     void add(const QString &path, const QByteArray &seen = {}); // `seen`: a record that found no room in the file
-    // Returns also when the copies cannot be made; they stay noted.
-    void flush();
+    // Returns also when the copies cannot be made, or not by then; they stay noted, and are made all the same.
+    void flush(std::optional<Clock::time_point> latest = {});
     // Whether the copy is known to be older than what the file had.
     bool isOutdated(const QString &path);
     std::shared_ptr<TagBackupStore> store();
@@ -39,15 +41,14 @@ public:
     static bool hasAnyOfOurs(const QStringList &names); // of a file's attributes
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     std::shared_ptr<TagBackupStore> storeOfFolder() ZQ_REQUIRES(m_mutex);
     void enqueue(const QString &path) ZQ_REQUIRES(m_mutex);
     void gather() ZQ_REQUIRES(m_mutex); // more requests, for a moment
     void run();
     void finishRound(bool isStored, const QSet<QString> &paths, const QHash<QString, QByteArray> &seen,
                      TagBackupStore &store) ZQ_REQUIRES(m_mutex);
-    static bool copy(const QSet<QString> &paths, const QHash<QString, QByteArray> &seen, TagBackupStore &store);
+    bool isOver(); // the process ends, and its moment is past
+    bool copy(const QSet<QString> &paths, const QHash<QString, QByteArray> &seen, TagBackupStore &store);
 
     ZQMutex m_mutex;
     ZQCondition m_changed;
@@ -63,5 +64,6 @@ private:
     bool m_flushes ZQ_GUARDED_BY(m_mutex) = false;
     bool m_isBusy ZQ_GUARDED_BY(m_mutex) = false;
     bool m_stops ZQ_GUARDED_BY(m_mutex) = false;
+    Clock::time_point m_latest ZQ_GUARDED_BY(m_mutex) = Clock::time_point::max(); // of what the end waits for
     std::thread m_thread;
 };

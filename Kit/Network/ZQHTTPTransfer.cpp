@@ -156,24 +156,30 @@ void ZQHTTPTransfer::goTo(const QUrl &url)
 
 void ZQHTTPTransfer::lookUp(const QString &host)
 {
+    if (const QHostAddress literal(host); !literal.isNull()) {
+        tryAddresses({literal}); // looking it up would ask for its name
+        return;
+    }
     m_lookup = QHostInfo::lookupHost(host, this, [this](const QHostInfo &info) {
         m_lookup = -1;
-        if (!m_done) {
-            return;
+        if (m_done) {
+            tryAddresses(info.addresses());
         }
-        m_addresses = info.addresses();
-        if (m_addresses.isEmpty()) {
-            fail(ZQTransferError::hostNotFound(this->host()));
-            return;
-        }
-        m_addresses.removeIf([this](const QHostAddress &each) { return !m_request.mayConnectTo(each); });
-        m_addresses = m_addresses.first(std::min(mostAddresses, m_addresses.size()));
-        if (m_addresses.isEmpty()) {
-            fail(ZQTransferError::notAllowed(this->host()));
-            return;
-        }
-        connectToNext();
     });
+}
+
+void ZQHTTPTransfer::tryAddresses(const QList<QHostAddress> &addresses)
+{
+    m_addresses = addresses;
+    m_addresses.removeIf([this](const QHostAddress &each) { return !m_request.mayConnectTo(each); });
+    m_addresses = m_addresses.first(std::min(mostAddresses, m_addresses.size()));
+    if (addresses.isEmpty()) {
+        fail(ZQTransferError::hostNotFound(host()));
+    } else if (m_addresses.isEmpty()) {
+        fail(ZQTransferError::notAllowed(host()));
+    } else {
+        connectToNext();
+    }
 }
 
 void ZQHTTPTransfer::connectToNext()

@@ -31,6 +31,7 @@ public:
 private:
     void goTo(const QUrl &url);
     void lookUp(const QString &host);
+    void tryAddresses(const QList<QHostAddress> &addresses);
     void connectToNext();
     void sendTo(const QUrl &url, const QString &hostHeader);
     void send();

@@ -5,8 +5,7 @@
 struct ZQNetworkThread::Shared
 {
     ZQMutex mutex;
-    std::unique_ptr<ZQNetworkThread, void (*)(ZQNetworkThread *)> thread ZQ_GUARDED_BY(mutex){
-        nullptr, [](ZQNetworkThread *ended) { delete ended; }};
+    std::unique_ptr<ZQNetworkThread> thread ZQ_GUARDED_BY(mutex); // null: not yet, or no longer
 };
 
 ZQNetworkThread::Shared &ZQNetworkThread::shared()
@@ -33,7 +32,7 @@ ZQNetworkThread::~ZQNetworkThread()
 
 void ZQNetworkThread::stop()
 {
-    decltype(Shared::thread) ended(nullptr, [](ZQNetworkThread *) {});
+    std::unique_ptr<ZQNetworkThread> ended;
     {
         const ZQLockGuard lock(shared().mutex);
         std::swap(ended, shared().thread);
@@ -55,9 +54,5 @@ bool ZQNetworkThread::run(std::function<void()> block)
 
 void ZQNetworkThread::whenItEnds(QObject *context, std::function<void()> block)
 {
-    const ZQLockGuard lock(shared().mutex);
-    if (shared().thread) {
-        QObject::connect(shared().thread->m_context.get(), &QObject::destroyed, context, std::move(block),
-                         Qt::DirectConnection);
-    }
+    QObject::connect(QThread::currentThread(), &QThread::finished, context, std::move(block), Qt::DirectConnection);
 }

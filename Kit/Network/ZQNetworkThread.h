@@ -12,14 +12,14 @@
 class ZQNetworkThread
 {
 public:
+    ~ZQNetworkThread();
     // False, and `block` never runs, when there is no application, or no longer.
     static bool run(std::function<void()> block);
-    // Of that thread: called when it ends, in place of what can no longer come. Goes with `context`.
+    // On that thread: `block` is called when it ends, in place of what can no longer come, unless `context` went first.
     static void whenItEnds(QObject *context, std::function<void()> block);
 
 private:
     ZQNetworkThread();
-    ~ZQNetworkThread();
     static void stop();
 
     struct Shared;

@@ -43,8 +43,8 @@ public:
     static ZQFetched<ZQLibraryBaseItem> libraryItemsForLastWeekInManagedObjectContext(ZQManagedObjectContext &context);
     static ZQPredicate predicateFromDate(const QDateTime &fromDate, const QDateTime &toDate);
     // Removes every inactive item but those of a live folder that is missing, trashed, disabled or still to be looked
-    // at, and those whose file cannot be moved to the trash now. Answers the names of their item directories, which the caller removes after
-    // saving.
+    // at, and those whose file cannot be moved to the trash now. Answers the names of their item directories, which the
+    // caller removes after saving.
     static std::optional<QStringList>
     permanentlyDeleteInactiveObjectinManagedObjectContext(ZQManagedObjectContext &context);
 

@@ -31,8 +31,11 @@ def read(address, command="import"):
 class BrowserTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.site = Site().__enter__()
+        cls.site = Site()
+        cls.site.__enter__()
+        cls.addClassCleanup(cls.site.__exit__)
         cls.scratch = tempfile.TemporaryDirectory(prefix="zelto-browser-test-")
+        cls.addClassCleanup(cls.scratch.cleanup)
         cls.extension = os.path.join(cls.scratch.name, "extension")
         shutil.copytree(RESOURCES / "extension", cls.extension)
         path = os.path.join(cls.extension, "manifest.json")
@@ -42,14 +45,9 @@ class BrowserTest(unittest.TestCase):
         manifest["host_permissions"] = ["http://127.0.0.1/*"]
         with open(path, "w") as file:
             json.dump(manifest, file)
-        cls.browser = Chromium().__enter__()
+        cls.browser = Chromium()
+        cls.addClassCleanup(cls.browser.__exit__)
         cls.id = cls.browser.send("Extensions.loadUnpacked", path=cls.extension)["id"]
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.browser.__exit__()
-        cls.site.__exit__()
-        cls.scratch.cleanup()
 
     def setUp(self):
         self.page = self.browser.open(self.site.root + "year")

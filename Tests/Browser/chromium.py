@@ -1,4 +1,5 @@
 """A headless Chromium driven over a pipe by the DevTools protocol."""
+import fcntl
 import json
 import os
 import select
@@ -28,16 +29,17 @@ class Chromium:
         if os.geteuid() == 0:
             arguments.insert(1, "--no-sandbox")
 
+        # Out of the way of the numbers they are to have.
+        far = [fcntl.fcntl(end, fcntl.F_DUPFD_CLOEXEC, 100) for end in (commands, answers)]
+
         def take_pipes():
-            os.dup2(commands, 13)
-            os.dup2(answers, 14)
-            os.dup2(13, 3)
-            os.dup2(14, 4)
+            os.dup2(far[0], 3)
+            os.dup2(far[1], 4)
 
         self.log = open(os.path.join(self.profile, "log"), "w+b")
         self.process = subprocess.Popen(arguments, preexec_fn=take_pipes, close_fds=False, stdout=self.log, stderr=self.log)
-        os.close(commands)
-        os.close(answers)
+        for end in (commands, answers, *far):
+            os.close(end)
         self.received = b""
         self.last = 0
         self.events = []

@@ -51,13 +51,15 @@ QSslConfiguration selfSignedConfiguration()
     return configuration;
 }
 
-std::unique_ptr<QTcpServer> makeServer(LocalHTTPServer::Scheme scheme)
+std::unique_ptr<QTcpServer> makeServer(LocalHTTPServer::Scheme scheme, QByteArray *certificate)
 {
     if (scheme == LocalHTTPServer::Scheme::HTTP) {
         return std::make_unique<QTcpServer>();
     }
     auto server = std::make_unique<QSslServer>();
-    server->setSslConfiguration(selfSignedConfiguration());
+    const QSslConfiguration configuration = selfSignedConfiguration();
+    server->setSslConfiguration(configuration);
+    *certificate = configuration.localCertificate().toPem();
     return server;
 }
 
@@ -110,7 +112,7 @@ struct LocalHTTPServer::Connection
 LocalHTTPServer::LocalHTTPServer(Scheme scheme) : m_scheme(scheme)
 {
     m_thread.start();
-    m_server = makeServer(scheme);
+    m_server = makeServer(scheme, &m_certificate);
     m_server->moveToThread(&m_thread);
     QMetaObject::invokeMethod(
         m_server.get(),

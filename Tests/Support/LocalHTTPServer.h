@@ -74,6 +74,7 @@ public:
     QString address(const QString &target, const QString &host = QStringLiteral("127.0.0.1")) const;
     QUrl url(const QString &target) const { return QUrl(address(target)); }
     quint16 port() const { return m_port; }
+    QByteArray certificate() const { return m_certificate; } // as PEM, for "localhost", for who wants to trust it
     QList<Request> requests() const;
     qsizetype countOfRequestsFor(const QString &path) const;
     qsizetype countOfConnections() const;
@@ -98,6 +99,7 @@ private:
     QList<Request> m_requests;
     qint64 m_bytesSent = 0;
     quint16 m_port = 0;
+    QByteArray m_certificate;
     QThread m_thread;
     std::unique_ptr<QTcpServer> m_server; // of that thread
 };

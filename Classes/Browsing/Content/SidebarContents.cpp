@@ -9,6 +9,7 @@
 #include "Models/DataModel/ZQModelFetch.h"
 #include "Models/DataModel/ZQProjectItem.h"
 #include "Models/DataModel/ZQSidebarSmartFolder.h"
+#include "Models/DataModel/ZQSidebarWatchedFolder.h"
 
 namespace {
 
@@ -96,6 +97,43 @@ SidebarContents::Entry SidebarContents::entryFor(const ZQSidebarBaseItem &item)
 {
     const auto *smart = dynamic_cast<const ZQSidebarSmartFolder *>(&item);
     return {item.objectID(), item.contentRequest(), smart != nullptr, smart ? smart->searchText() : QString()};
+}
+
+std::optional<SidebarContents::Counts> SidebarContents::countsWithBelow(const QList<ZQObjectID> &liveFolders,
+                                                                        const std::function<bool()> &isWanted) const
+{
+    const auto rows = m_context.fetchObjectIDsWithRelated(
+        {ZQSidebarWatchedFolder::entityName(), ZQPredicate::predicateWithFormat(QStringLiteral("active == YES"))},
+        QStringLiteral("father"));
+    QHash<qint64, qint64> fathers;
+    QList<Entry> entries;
+    for (qsizetype i = 0; rows && i < rows->ids.size(); ++i) {
+        fathers.insert(rows->ids.at(i).key, rows->related.at(i).key);
+        entries.append({rows->ids.at(i),
+                        {ZQLibraryBaseItem::entityName(),
+                         ZQPredicate::predicateWithFormat(QStringLiteral("watchingFolder == %@ AND active == YES"),
+                                                          {QVariant::fromValue(rows->ids.at(i))})},
+                        false,
+                        {}});
+    }
+    const auto own = rows ? counts(entries, isWanted) : std::nullopt;
+    if (!own) {
+        return std::nullopt;
+    }
+    constexpr int deepest = 1000; // of a damaged tree
+    QHash<qint64, qint64> all;
+    for (auto count = own->constBegin(); count != own->constEnd(); ++count) {
+        qint64 key = count.key().key;
+        for (int depth = 0; *count > 0 && fathers.contains(key) && depth < deepest; ++depth) {
+            all[key] += *count;
+            key = fathers.value(key);
+        }
+    }
+    Counts result;
+    for (const ZQObjectID &folder : liveFolders) {
+        result.insert(folder, all.value(folder.key));
+    }
+    return result;
 }
 
 bool SidebarContents::isIndexCurrent() const

@@ -44,6 +44,9 @@ public:
     // Nothing after an error, which was logged, or when it was given up.
     using Counts = QHash<ZQObjectID, qint64>;
     std::optional<Counts> counts(const QList<Entry> &entries, const std::function<bool()> &isWanted) const;
+    // Of live folders, with all that is below them.
+    std::optional<Counts> countsWithBelow(const QList<ZQObjectID> &liveFolders,
+                                          const std::function<bool()> &isWanted) const;
 
 private:
     bool isIndexCurrent() const;

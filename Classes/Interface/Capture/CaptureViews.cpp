@@ -3,6 +3,7 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Capture/StatusIcon.h"
 #include "Classes/Interface/Capture/ZQScreenshotViewController.h"
+#include "Classes/Interface/Capture/ZQScreenshotWebWindowController.h"
 
 CaptureViews::CaptureViews() = default;
 
@@ -15,8 +16,20 @@ std::unique_ptr<ScreenshotSession> CaptureViews::makeSession(ScreenSource &sourc
 
 void CaptureViews::showWebCapture(const QString &pageURL, const QRect &frame)
 {
-    if (webCapture) {
-        webCapture(pageURL, frame);
+    if (!m_webWindow) {
+        m_webWindow = std::make_unique<ZQScreenshotWebWindowController>(this);
+    }
+    m_webWindow->showWebCapture(pageURL, frame);
+}
+
+// The window outlives the controller, which goes when the application quits.
+void CaptureViews::screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
+                                                 const QString &andPageTitle)
+{
+    tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+    if (auto *const controller =
+            delegate ? dynamic_cast<WebCaptureDelegate *>(delegate->zeltoKunViewController()) : nullptr) {
+        controller->screenshotWebWindowController(didTakeFile, forPageURL, andPageTitle);
     }
 }
 

@@ -1,16 +1,17 @@
 #pragma once
 
 #include "Classes/Capture/ScreenshotSession.h"
+#include "Classes/Capture/WebCaptureDelegate.h"
 #include "Classes/Interface/Capture/CaptureEffects.h"
 
-#include <functional>
 #include <memory>
 
 class StatusIcon;
+class ZQScreenshotWebWindowController;
 class tamberin_AppDelegate;
 
 // What a person sees of captures. Main thread.
-class CaptureViews : public CaptureInterface
+class CaptureViews : public CaptureInterface, private WebCaptureDelegate
 {
 public:
     CaptureViews();
@@ -24,9 +25,11 @@ public:
     void makeStatusIcon(tamberin_AppDelegate &delegate);
     void removeStatusIcon();
 
-    std::function<void(const QString &pageURL, const QRect &frame)> webCapture; // null: pages cannot be captured
-
 private:
+    void screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
+                                       const QString &andPageTitle) override;
+
     CaptureEffects m_effects;
     std::unique_ptr<StatusIcon> m_statusIcon;
+    std::unique_ptr<ZQScreenshotWebWindowController> m_webWindow; // once it was asked for
 };

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWindow>
 
 #include <algorithm>
 #include <cmath>
@@ -49,6 +50,7 @@ void ScreenshotView::coverScreen()
     setGeometry(m_screen.info.frame);
     show();
     raise();
+    windowHandle()->installEventFilter(this);
 }
 
 void ScreenshotView::uncoverScreen()
@@ -65,12 +67,28 @@ bool ScreenshotView::event(QEvent *event)
     return m_isOver && isInput ? true : QWidget::event(event);
 }
 
+bool ScreenshotView::eventFilter(QObject *object, QEvent *event)
+{
+    if (auto *pointer = dynamic_cast<QMouseEvent *>(event); pointer && object == windowHandle()) {
+        m_exactPosition = pointer->position();
+    }
+    return QWidget::eventFilter(object, event);
+}
+
+QPointF ScreenshotView::exactPosition(const QMouseEvent &event) const
+{
+    const QPointF rounding = m_exactPosition - event.position();
+    const bool isSame = std::abs(rounding.x()) <= 0.5 && std::abs(rounding.y()) <= 0.5;
+    return isSame ? m_exactPosition : event.position();
+}
+
 QPoint ScreenshotView::pixelAt(const QPointF &position) const
 {
-    const double scale = m_screen.info.scale;
+    constexpr double rounding = 0.001; // a pixel was divided by the scale to become a position
+    const QPointF pixel = position * m_screen.info.scale + QPointF(rounding, rounding);
     const QSize size = m_screen.image.size();
-    return {std::clamp(int(std::floor(position.x() * scale)), 0, std::max(size.width() - 1, 0)),
-            std::clamp(int(std::floor(position.y() * scale)), 0, std::max(size.height() - 1, 0))};
+    return {std::clamp(int(std::floor(pixel.x())), 0, std::max(size.width() - 1, 0)),
+            std::clamp(int(std::floor(pixel.y())), 0, std::max(size.height() - 1, 0))};
 }
 
 QRect ScreenshotView::pixelRect(const QRectF &viewRect) const

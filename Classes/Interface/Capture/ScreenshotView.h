@@ -38,6 +38,8 @@ protected:
     virtual QString hint() const = 0;
 
     QPoint pixelAt(const QPointF &position) const; // within the picture
+    // Where an event of the pointer was, whose own position is rounded to whole points.
+    QPointF exactPosition(const QMouseEvent &event) const;
     void paintPicture(QPainter &painter, const QRect &bright) const;
     // A small text; `place` is moved into the view. Answers where it is.
     QRectF paintTag(QPainter &painter, const QPointF &place, const QString &text, double opacity = 1) const;
@@ -46,6 +48,7 @@ protected:
     void announce(const QString &text); // to screen readers
 
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *object, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
@@ -54,5 +57,6 @@ private:
     FrozenScreen m_screen;
     QPixmap m_bright;
     QPixmap m_dimmed;
+    QPointF m_exactPosition; // of the last event
     bool m_isOver = false;
 };

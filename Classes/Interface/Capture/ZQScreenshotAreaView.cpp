@@ -164,7 +164,7 @@ void ZQScreenshotAreaView::dragTo(const QPoint &pixel)
 void ZQScreenshotAreaView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton) {
-        beginDrag(event->position());
+        beginDrag(exactPosition(*event));
     } else {
         ScreenshotView::mousePressEvent(event);
     }
@@ -172,7 +172,7 @@ void ZQScreenshotAreaView::mousePressEvent(QMouseEvent *event)
 
 void ZQScreenshotAreaView::mouseMoveEvent(QMouseEvent *event)
 {
-    m_pointer = event->position();
+    m_pointer = exactPosition(*event);
     m_isPointerHere = true;
     const bool isDrawing = m_isDragging && !m_grip.isMove && !m_grip.isHandle();
     const double way = (m_pointer - m_pressed).manhattanLength();

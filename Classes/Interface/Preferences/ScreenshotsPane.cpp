@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace {
 
 constexpr int nameWidth = 150;
@@ -49,6 +51,9 @@ ScreenshotsPane::ScreenshotsPane(tamberin_AppDelegate &delegate, QWidget *parent
 
 ScreenshotsPane::~ScreenshotsPane()
 {
+    for (const Row &row : std::as_const(m_rows)) {
+        row.field->disconnect(this); // fields outlive what they would tell
+    }
     setPaused(false);
 }
 

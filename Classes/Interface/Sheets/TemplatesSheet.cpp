@@ -20,7 +20,7 @@
 namespace {
 
 constexpr int pictureSize = 96;
-constexpr QSize cellSize(124, 136);
+constexpr QSize cellSize(124, 144);
 
 // On a transparent square, so that every title stands at the same height.
 QIcon squared(const QImage &picture, qreal ratio)
@@ -33,7 +33,9 @@ QIcon squared(const QImage &picture, qreal ratio)
     painter.drawImage((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled);
     painter.end();
     square.setDevicePixelRatio(ratio);
-    return QIcon(square);
+    QIcon icon(square);
+    icon.addPixmap(square, QIcon::Selected); // else it takes the colour of the selection
+    return icon;
 }
 
 ZQThumbnailRequest requestFor(const TemplateFile &source)

@@ -237,6 +237,13 @@ const LiveFolderSigns::Below &SidebarTreeModel::hiddenBelow(const Node &node) co
     return isClosed(node) ? m_signs.below(node.item->objectID()) : nothing;
 }
 
+qint64 SidebarTreeModel::countOf(const Node &node) const
+{
+    const ZQObjectID id = node.item->objectID();
+    const qint64 own = m_counts.value(id, -1);
+    return isClosed(node) ? m_countsWithBelow.value(id, own) : own;
+}
+
 QList<SidebarTreeModel::Node *> SidebarTreeModel::rowsThatShow(const QList<ZQObjectID> &folders) const
 {
     constexpr int deepest = 1000; // of a damaged tree
@@ -287,18 +294,23 @@ void SidebarTreeModel::reloadCounts()
     if (!m_showsCounts) {
         if (!m_counts.isEmpty()) {
             m_counts.clear();
+            m_countsWithBelow.clear();
             announceAll({});
         }
         return;
     }
     QList<ZQObjectID> ids;
+    QList<ZQObjectID> withBelow;
     for (const auto &[id, node] : m_nodes.asKeyValueRange()) {
         const bool hasOwn = !node->item->isLabel() && !node->item->isFolder() && !node->item->isRecent();
         if (hasOwn) {
             ids.append(id);
         }
+        if (hasOwn && node->hasChildren && node->item->isWatchedFolder()) {
+            withBelow.append(id);
+        }
     }
-    m_countsTicket.run([this, ids, index = m_countsTicket.index()](
+    m_countsTicket.run([this, ids, withBelow, index = m_countsTicket.index()](
                            ZQManagedObjectContext &context, const auto &isWanted) -> ContentFetcher::Ticket::Answer {
         QList<SidebarContents::Entry> entries;
         for (const ZQObjectID &id : ids) {
@@ -306,13 +318,17 @@ void SidebarTreeModel::reloadCounts()
                 entries.append(SidebarContents::entryFor(*item));
             }
         }
-        const auto counts = SidebarContents(context, index.get()).counts(entries, isWanted);
-        if (!counts) {
+        const SidebarContents contents(context, index.get());
+        const auto counts = contents.counts(entries, isWanted);
+        const auto below = counts && !withBelow.isEmpty() ? contents.countsWithBelow(withBelow, isWanted)
+                                                          : std::optional(SidebarContents::Counts());
+        if (!counts || !below) {
             return {}; // what is shown stays
         }
-        return [this, counts = *counts] {
-            if (m_counts != counts) {
+        return [this, counts = *counts, below = *below] {
+            if (m_counts != counts || m_countsWithBelow != below) {
                 m_counts = counts;
+                m_countsWithBelow = below;
                 announceAll({});
             }
         };
@@ -416,7 +432,7 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
     case Qt::EditRole:
         return item->title();
     case Qt::AccessibleTextRole: {
-        const qint64 count = m_counts.value(item->objectID(), -1);
+        const qint64 count = countOf(*node(index));
         return count < 0 ? item->title()
                          : zqFormat(zqLocalized("%@, %@ items"), {item->title(), QLocale().toString(count)});
     }
@@ -434,7 +450,7 @@ QVariant SidebarTreeModel::data(const QModelIndex &index, int role) const
     case SyncingRole:
         return false;
     case CountRole: {
-        const qint64 count = m_counts.value(item->objectID(), 0);
+        const qint64 count = countOf(*node(index));
         return count > 0 ? QLocale().toString(count) : QString();
     }
     default:

@@ -85,6 +85,7 @@ private:
                             int role) const; // invalid: as of any other row
     QVariant labelData(const Node &node, int role) const;
     const LiveFolderSigns::Below &hiddenBelow(const Node &node) const; // nothing where it is open
+    qint64 countOf(const Node &node) const;                            // as its row says it; -1: not known
 
     WindowContext &m_window;
     Side m_side;
@@ -94,6 +95,7 @@ private:
     mutable Nodes m_nodes;
     mutable bool m_isUncounted = false;
     QHash<ZQObjectID, qint64> m_counts;
+    QHash<ZQObjectID, qint64> m_countsWithBelow; // of live folders with others below them, shown while they are closed
     LiveFolderSigns m_signs;
     ContentFetcher::Ticket m_countsTicket;
 };

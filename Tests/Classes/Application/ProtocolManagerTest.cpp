@@ -11,6 +11,8 @@ class FakeDownloads : public ImageDownloading
 {
 public:
     void downloadImages(const ImageDownloadRequest &request) override { requests.append(request); }
+    bool isDownloading() const override { return false; }
+    void stopDownloads() override {}
     QList<ImageDownloadRequest> requests;
 };
 

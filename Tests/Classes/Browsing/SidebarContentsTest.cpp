@@ -178,6 +178,28 @@ TEST_F(SidebarContentsTest, NumbersAreThoseOfTheStoreWhoeverCounts)
     EXPECT_FALSE(SidebarContents(context).counts(entries, [] { return false; })) << "given up";
 }
 
+TEST_F(SidebarContentsTest, ALiveFolderCountsWithAllBelowIt)
+{
+    const Item live = add<ZQSidebarWatchedFolder>(
+        QStringLiteral("Pictures"), ZQSidebarBaseItem::watchedFolderLabelInManagedObjectContext(library.context()));
+    const Item sub = add<ZQSidebarWatchedFolder>(QStringLiteral("Sub"), live);
+    const Item deep = add<ZQSidebarWatchedFolder>(QStringLiteral("Deep"), sub);
+    const Item empty = add<ZQSidebarWatchedFolder>(QStringLiteral("Empty"), live);
+    images[0]->setWatchingFolder(zqCast<ZQSidebarWatchedFolder>(live).get());
+    images[1]->setWatchingFolder(zqCast<ZQSidebarWatchedFolder>(deep).get());
+    images[2]->setWatchingFolder(zqCast<ZQSidebarWatchedFolder>(deep).get());
+    library.context().save();
+    waitForIndex();
+    for (LibraryIndex *from : {static_cast<LibraryIndex *>(nullptr), &index}) {
+        const auto counts =
+            SidebarContents(library.context(), from)
+                .countsWithBelow({live->objectID(), sub->objectID(), empty->objectID()}, [] { return true; });
+        ASSERT_TRUE(counts);
+        EXPECT_EQ(*counts,
+                  (SidebarContents::Counts{{live->objectID(), 3}, {sub->objectID(), 2}, {empty->objectID(), 0}}));
+    }
+}
+
 TEST_F(SidebarContentsTest, TheStoreCountsAllOfAKindTogether)
 {
     constexpr int many = 60;

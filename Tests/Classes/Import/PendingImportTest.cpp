@@ -142,18 +142,21 @@ TEST_F(ResumeTest, TheNamesOfImportsAreThoseOfTheirFiles)
 
 TEST_F(ResumeTest, ARequestComesBackAsItWas)
 {
-    PendingImport whole{.paths = {QStringLiteral("/a"), QStringLiteral("/b")},
-                        .target = QStringLiteral("target"),
-                        .index = 4294967295U,
-                        .metadata = {{QStringLiteral("int"), 5},
-                                     {QStringLiteral("unsigned"), 4000000000U},
-                                     {QStringLiteral("short"), QVariant::fromValue(short(7))},
-                                     {QStringLiteral("list"), QStringList{QStringLiteral("x")}},
-                                     {QStringLiteral("text"), QStringLiteral("t")}},
-                        .archivePath = QStringLiteral("/a.zip"),
-                        .archiveRoot = QStringLiteral("/root"),
-                        .groups = {{QStringLiteral("p"), {QStringLiteral("/root/1"), QStringLiteral("/2")}}},
-                        .ungrouped = {QStringLiteral("/3")}};
+    PendingImport whole{
+        .paths = {QStringLiteral("/a"), QStringLiteral("/b")},
+        .target = QStringLiteral("target"),
+        .index = 4294967295U,
+        .metadata = {{QStringLiteral("int"), 5},
+                     {QStringLiteral("unsigned"), 4000000000U},
+                     {QStringLiteral("short"), QVariant::fromValue(short(7))},
+                     {QStringLiteral("list"), QStringList{QStringLiteral("x")}},
+                     {QStringLiteral("text"), QStringLiteral("t")}},
+        .archivePath = QStringLiteral("/a.zip"),
+        .archiveRoot = QStringLiteral("/root"),
+        .groups = {{QStringLiteral("p"), {QStringLiteral("/root/1"), QStringLiteral("/2")}}},
+        .ungrouped = {QStringLiteral("/3")},
+        .duplicates = {},
+        .fileMetadata = {{QStringLiteral("/a"), QVariantMap{{QStringLiteral("webURL"), QStringLiteral("u")}}}}};
     const qint64 before = QDateTime::currentMSecsSinceEpoch();
     ASSERT_TRUE(
         PendingImportFile::create(folder(), whole)
@@ -169,6 +172,7 @@ TEST_F(ResumeTest, ARequestComesBackAsItWas)
     for (auto value = whole.metadata.cbegin(); value != whole.metadata.cend(); ++value) {
         EXPECT_EQ(file->request().metadata.value(value.key()).toStringList(), value.value().toStringList());
     }
+    EXPECT_EQ(file->request().fileMetadata, whole.fileMetadata);
     EXPECT_EQ(file->request().archivePath, whole.archivePath);
     EXPECT_EQ(file->request().archiveRoot, whole.archiveRoot);
     EXPECT_EQ(file->request().groups.value(0).project, QStringLiteral("p"));

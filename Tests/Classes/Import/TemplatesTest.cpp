@@ -1,15 +1,14 @@
 #include "Classes/Import/Templates.h"
 
 #include "Classes/Application/TemplateFolder.h"
-#include "Kit/Files/ZQTrash.h"
+#include "Tests/Support/ScratchMount.h"
+#include "Tests/Support/Skip.h"
 #include "Tests/Support/UserWorld.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QStorageInfo>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -55,7 +54,7 @@ TEST_F(TemplatesTest, OneMovesInUnderItsNameAndNeverOverAnother)
     const QString other = outside("A.zttemplate");
     ZQError error;
     EXPECT_FALSE(TemplateFolder::moveIn(other, directory, &error));
-    EXPECT_FALSE(error.isNull());
+    EXPECT_EQ(error.code, TemplateFolder::NameTaken);
     EXPECT_EQ(contentOf(here), "old");
     EXPECT_EQ(contentOf(other), "new");
     EXPECT_TRUE(TemplateFolder::moveIn(here, directory)); // it lies there
@@ -80,17 +79,22 @@ TEST_F(TemplatesTest, OneMovesInUnderItsNameAndNeverOverAnother)
 
 TEST_F(TemplatesTest, OneOfAnotherDiskIsCopiedWhole)
 {
-    const QTemporaryDir memory(QStringLiteral("/dev/shm/zelto-XXXXXX"));
-    ASSERT_TRUE(memory.isValid());
-    if (QStorageInfo(memory.path()).device() == QStorageInfo(directory).device()) {
-        GTEST_SKIP() << "for want of a second file system";
+    const ScratchMount disk(world.filePath(QStringLiteral("disk")));
+    if (!disk.isMounted()) {
+        return skipWithout("a file system of its own");
     }
-    made(memory.filePath(QStringLiteral("A.zttemplate/letter.png")), "new");
-    EXPECT_TRUE(TemplateFolder::moveIn(memory.filePath(QStringLiteral("A.zttemplate")), directory));
+    const auto there = [this](const char *name) {
+        return world.filePath(QStringLiteral("disk/") + QString::fromUtf8(name));
+    };
+    made(there("A.zttemplate/letter.png"), "new");
+    EXPECT_TRUE(TemplateFolder::moveIn(there("A.zttemplate"), directory));
     EXPECT_EQ(contentOf(directory + QStringLiteral("/A.zttemplate/letter.png")), "new");
-    made(memory.filePath(QStringLiteral("again/A.zttemplate/letter.png")), "newer");
-    EXPECT_FALSE(TemplateFolder::moveIn(memory.filePath(QStringLiteral("again/A.zttemplate")), directory));
-    EXPECT_EQ(contentOf(memory.filePath(QStringLiteral("again/A.zttemplate/letter.png"))), "newer");
+    EXPECT_FALSE(QFileInfo::exists(there("A.zttemplate")));
+    made(there("again/A.zttemplate/letter.png"), "newer");
+    ZQError error;
+    EXPECT_FALSE(TemplateFolder::moveIn(there("again/A.zttemplate"), directory, &error));
+    EXPECT_EQ(error.code, TemplateFolder::NameTaken);
+    EXPECT_EQ(contentOf(there("again/A.zttemplate/letter.png")), "newer");
     EXPECT_EQ(contentOf(directory + QStringLiteral("/A.zttemplate/letter.png")), "new");
     EXPECT_EQ(entries(), QStringList{QStringLiteral("A.zttemplate")});
 }

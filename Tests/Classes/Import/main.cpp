@@ -1,4 +1,5 @@
 #include "Kit/Imaging/ZQImageSource.h"
+#include "Tests/Support/ScratchMount.h"
 
 #include <QGuiApplication>
 #include <QTemporaryDir>
@@ -7,6 +8,7 @@
 
 int main(int argc, char **argv)
 {
+    ScratchMount::useOwnMounts(argv);
     const QTemporaryDir config; // the defaults of the whole run; every test has the other folders for itself
     qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
     const QGuiApplication application(argc, argv);

@@ -1,6 +1,5 @@
 // Live folders as a person meets them in the window: rows, menus, drops, empty lists and progress.
 
-#include "Classes/Application/LiveFolderTally.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/InfoPanel/LivePlace.h"
 #include "Kit/Widgets/ZQSwitch.h"
@@ -485,39 +484,6 @@ TEST_F(LiveFoldersTest, ALongSynchronisationHasALineThatEndsIt)
     fake.end(*below);
     fake.end(*live);
     EXPECT_TRUE(waitFor([&] { return line().isEmpty(); }));
-}
-
-TEST_F(LiveFoldersTest, TheLineOfSeveralNeverGoesBack)
-{
-    LiveFolderTally tally;
-    const auto id = [this](const char *title) { return addLive(title, label)->objectID(); };
-    const ZQObjectID one = id("One");
-    const ZQObjectID two = id("Two");
-    struct Step
-    {
-        const char *what;
-        ZQObjectID root;
-        bool isSyncing;
-        qsizetype filesDone, filesTotal, done, total;
-    };
-    const Step steps[] = {
-        {"looked through", one, true, 0, 0, 0, 0},
-        {"read", one, true, 300, 1000, 300, 1000},
-        {"another has its turn", two, true, 5, 10, 305, 1010},
-        {"which ends", two, false, 0, 0, 305, 1005},
-        {"goes on", one, true, 301, 1000, 306, 1005},
-        {"begins anew", one, true, 0, 0, 306, 306},
-        {"reads again", one, true, 2, 3, 308, 309},
-    };
-    for (const Step &step : steps) {
-        LiveFolderStatus status;
-        status.isSyncing = step.isSyncing;
-        status.filesDone = step.filesDone;
-        status.filesTotal = step.filesTotal;
-        tally.note(step.root, status);
-        EXPECT_EQ(tally.done(), step.done) << step.what;
-        EXPECT_EQ(tally.total(), step.total) << step.what;
-    }
 }
 
 TEST_F(LiveFoldersTest, WhatComesInLeavesSelectionAndViewWhereTheyAre)

@@ -229,6 +229,19 @@ TEST_F(OpenMetaBackupTest, AQueueEndsThoughTheListsStayHeldAndLeavesItsNotes)
     EXPECT_TRUE(isNoted);
 }
 
+TEST_F(OpenMetaBackupTest, WhoWaitsForTooLongGoesOnAndNothingIsLost)
+{
+    QLockFile other(OpenMetaBackup::folder() + QStringLiteral("/lock"));
+    tag(path, list("a"));
+    ASSERT_TRUE(other.tryLock()); // so that no copy is made
+    ASSERT_TRUE(OpenMeta::setUserTags(list("b"), path).isNull());
+    OpenMetaBackup::waitUntilAllWritten(std::chrono::milliseconds(0));
+    EXPECT_EQ(TagBackupStore(OpenMetaBackup::folder()).find(path)->tags, list("a"));
+    other.unlock();
+    OpenMetaBackup::waitUntilAllWritten();
+    EXPECT_EQ(TagBackupStore(OpenMetaBackup::folder()).find(path)->tags, list("b"));
+}
+
 // What is left in the notes of a process that is gone was never copied: the copy is older than the tags were.
 TEST_F(OpenMetaBackupTest, WhatAKilledProcessNotedIsCopiedByTheNextOne)
 {

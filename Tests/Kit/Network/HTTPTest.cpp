@@ -7,6 +7,9 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
+#include <QSslCertificate>
+#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTemporaryDir>
 
@@ -207,6 +210,22 @@ TEST_F(HTTPTest, AnUntrustedServerIsNotReadAndEncryptionIsNotLost)
     asked.mayConnectTo = [](const QHostAddress &) { return true; };
     expectFailure(asked, Code::Untrusted, "by a checked address");
     EXPECT_TRUE(safe.requests().isEmpty());
+
+    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration trusting = before;
+    trusting.addCaCertificate(QSslCertificate(safe.certificate()));
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    const QScopeGuard restore([&before] { QSslConfiguration::setDefaultConfiguration(before); });
+    safe.setAnswer(QStringLiteral("/away"), Answer::redirect(server.address(QStringLiteral("/plain")).toUtf8()));
+    server.setAnswer(QStringLiteral("/plain"), Answer::with("image/png", "x"));
+    asked.url = QUrl(safe.address(QStringLiteral("/away"), QStringLiteral("localhost")));
+    expectFailure(asked, Code::RedirectRefused, "from https to http");
+    asked.url = QUrl(safe.address(QStringLiteral("/away")));
+    expectFailure(asked, Code::Untrusted, "the certificate is for another name");
+    EXPECT_TRUE(server.requests().isEmpty());
+    asked.mayLoseEncryption = true;
+    asked.url = QUrl(safe.address(QStringLiteral("/away"), QStringLiteral("localhost")));
+    EXPECT_TRUE(ZQHTTPTask::perform(asked).isWhole());
 }
 
 TEST_F(HTTPTest, ACancelFromAnyThreadEndsItAndIsToldOnce)

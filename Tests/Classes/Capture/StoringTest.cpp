@@ -1,0 +1,259 @@
+#include "Classes/Capture/ZeltoKunViewController.h"
+#include "Kit/Operations/ZQMainThread.h"
+#include "Kit/Operations/ZQOperationQueue.h"
+#include "Tests/Classes/Import/ImportFixture.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QSet>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Outcome = ZeltoKunViewController::Outcome;
+
+QImage picture(const QColor &color, double scale = 1)
+{
+    QImage image(60, 40, QImage::Format_RGB32);
+    image.fill(color);
+    image.setPixelColor(7, 5, QColor(1, 2, 3));
+    image.setDevicePixelRatio(scale);
+    return image;
+}
+
+// A choice that the test makes.
+class ScriptedSession : public ScreenshotSession
+{
+public:
+    ScriptedSession(ScreenshotSessionDelegate &delegate, QList<ScriptedSession *> &all) : m_delegate(delegate)
+    {
+        all.append(this);
+    }
+    void begin(Kind kind) override { begun = kind; }
+    void cancel() override { m_delegate.screenshotViewControllerDidEnd(*this, {}); }
+    void take(const QImage &image, const QString &name) { m_delegate.screenshotViewController(*this, image, name); }
+    std::optional<Kind> begun;
+
+private:
+    ScreenshotSessionDelegate &m_delegate;
+};
+
+class ScriptedViews : public CaptureInterface
+{
+public:
+    std::unique_ptr<ScreenshotSession> makeSession(ScreenSource & /*source*/,
+                                                   ScreenshotSessionDelegate &delegate) override
+    {
+        return std::make_unique<ScriptedSession>(delegate, sessions);
+    }
+    void showWebCapture(const QString &pageURL, const QRect & /*frame*/) override { pages.append(pageURL); }
+    void hotKeysDidChange() override {}
+
+    QList<ScriptedSession *> sessions; // the last is there for as long as it goes on
+    QStringList pages;
+};
+
+class NoScreens : public ScreenSource
+{
+public:
+    bool canSeeScreen() const override { return true; }
+    QList<ScreenInfo> screens() const override { return {}; }
+    QList<QVariantMap> onScreenWindows() const override { return {}; }
+    std::optional<QVariantMap> windowDescription(quint32 /*number*/) const override { return std::nullopt; }
+    void captureRect(const QRect & /*rect*/, Taken /*taken*/) override {}
+    void captureWindow(quint32 /*number*/, Taken /*taken*/) override {}
+    void captureAllScreens(Taken /*taken*/) override {}
+    void captureInteractively(Taken /*taken*/) override {}
+};
+
+class RememberedHotKeys : public HotKeyRegistering
+{
+public:
+    explicit RememberedHotKeys(QMap<QString, QVariantMap> &kept, QMap<QString, std::function<void()>> &commands)
+        : m_kept(kept), m_commands(commands)
+    {
+    }
+    QString registerHotKey(const QString &command, const QVariantMap &setting, std::function<void()> run) override
+    {
+        m_kept[command] = setting;
+        m_commands[command] = std::move(run);
+        return {};
+    }
+    QString problemOfHotKey(const QString & /*command*/) const override { return {}; }
+
+private:
+    QMap<QString, QVariantMap> &m_kept;
+    QMap<QString, std::function<void()>> &m_commands;
+};
+
+class StoringTest : public ImportFixture
+{
+protected:
+    void SetUp() override
+    {
+        ImportFixture::SetUp();
+        CaptureParts parts;
+        parts.screenSource = std::make_unique<NoScreens>();
+        parts.interface = &views;
+        parts.hotKeys = std::make_unique<RememberedHotKeys>(hotKeys, commands);
+        capture = std::make_unique<ZeltoKunViewController>(std::move(parts));
+    }
+    void TearDown() override { capture.reset(); }
+    void take(const QImage &image, const QString &name)
+    {
+        capture->snap(ScreenshotSession::Kind::Area,
+                      [this](Outcome outcome, const ZQError & /*error*/) { outcomes.append(outcome); });
+        views.sessions.last()->take(image, name);
+    }
+    void waitForOutcomes(qsizetype count)
+    {
+        zqRunMainLoopUntil([&] { return outcomes.size() >= count; });
+        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+        QCoreApplication::processEvents();
+    }
+    QList<ZQRef<ZQLibraryBaseItem>> screenshots() const
+    {
+        QList<ZQRef<ZQLibraryBaseItem>> found;
+        const auto project = ZQSidebarBaseItem::screenshotProjectInManagedObjectContext(context());
+        for (const auto &item : items()) {
+            for (const auto &membership : item->projectsItems()) {
+                if (membership->project() == project) {
+                    found.append(item);
+                }
+            }
+        }
+        return found;
+    }
+
+    ScriptedViews views;
+    QMap<QString, QVariantMap> hotKeys;
+    QMap<QString, std::function<void()>> commands;
+    std::unique_ptr<ZeltoKunViewController> capture;
+    QList<Outcome> outcomes;
+};
+
+TEST(CaptureNameTest, IsOneComponentWithTheDate)
+{
+    const QDateTime date(QDate(2026, 3, 5), QTime(14, 7, 31));
+    const struct
+    {
+        QString name;
+        const char *expected;
+    } cases[] = {
+        {QStringLiteral("Screenshot"), "Screenshot Mar 05 14.07.31.png"},
+        {QStringLiteral("a/b\nc"), "a-b c Mar 05 14.07.31.png"},
+        {QStringLiteral(".."), "_. Mar 05 14.07.31.png"},
+        {QStringLiteral("  "), "Screenshot Mar 05 14.07.31.png"},
+    };
+    for (const auto &each : cases) {
+        EXPECT_EQ(CaptureStore::fileName(each.name, date).toStdString(), each.expected);
+    }
+    const QString longest = CaptureStore::fileName(QString(200, u'\u00e4'), date);
+    EXPECT_LE(longest.toUtf8().size(), 255);
+    EXPECT_TRUE(longest.endsWith(QStringLiteral(" Mar 05 14.07.31.png")));
+}
+
+TEST_F(StoringTest, KeepsTwoOfOneSecondApartWithPixelsAndScale)
+{
+    take(picture(Qt::red, 2), QStringLiteral("Painter"));
+    take(picture(Qt::blue), QStringLiteral("Painter"));
+    waitForOutcomes(2);
+    EXPECT_EQ(outcomes, (QList<Outcome>{Outcome::Stored, Outcome::Stored}));
+    ASSERT_EQ(screenshots().size(), 2);
+    QSet<QRgb> colours;
+    for (const auto &item : screenshots()) {
+        EXPECT_TRUE(item->title().startsWith(QStringLiteral("Painter "))) << item->title().toStdString();
+        const QImage stored(item->itemURL());
+        EXPECT_EQ(stored.size(), QSize(60, 40));
+        EXPECT_EQ(stored.pixelColor(7, 5), QColor(1, 2, 3));
+        colours.insert(stored.pixel(0, 0));
+        const bool isFine = stored.pixelColor(0, 0) == QColor(Qt::red);
+        EXPECT_EQ(stored.dotsPerMeterX(), isFine ? 5669 : 2835);
+    }
+    EXPECT_EQ(colours.size(), 2);
+}
+
+TEST_F(StoringTest, LosesNoPictureThatCannotBeWritten)
+{
+    const QByteArray usual = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(writeFile(QStringLiteral("no folder"), "x")));
+    user.answerQuestion = [&usual](const UserQuestion & /*question*/) {
+        qputenv("TMPDIR", usual);
+        return 0; // try again
+    };
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    waitForOutcomes(1);
+    EXPECT_EQ(user.questions.size(), 1);
+    EXPECT_EQ(screenshots().size(), 1);
+
+    qputenv("TMPDIR", QFile::encodeName(path(QStringLiteral("no folder"))));
+    user.answerQuestion = [](const UserQuestion & /*question*/) { return 1; };
+    take(picture(Qt::blue), QStringLiteral("Painter"));
+    waitForOutcomes(2);
+    qputenv("TMPDIR", usual);
+    EXPECT_EQ(outcomes.last(), Outcome::Failed);
+    EXPECT_EQ(screenshots().size(), 1);
+}
+
+TEST_F(StoringTest, IsOnItsWayIntoTheLibraryBeforeQuitting)
+{
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    capture->finishStoring();
+    EXPECT_EQ(outcomes, QList<Outcome>{Outcome::Stored});
+    waitForOutcomes(1);
+    EXPECT_EQ(screenshots().size(), 1);
+}
+
+TEST_F(StoringTest, OneCaptureEndsAnother)
+{
+    const auto note = [this](Outcome outcome, const ZQError & /*error*/) { outcomes.append(outcome); };
+    capture->snap(ScreenshotSession::Kind::Area, note);
+    capture->snap(ScreenshotSession::Kind::Window, note);
+    EXPECT_EQ(outcomes, QList<Outcome>{Outcome::CalledOff});
+    EXPECT_EQ(views.sessions.last()->begun, ScreenshotSession::Kind::Window);
+    capture->cancel();
+    EXPECT_EQ(outcomes.size(), 2);
+    capture->cancel(); // nothing
+    EXPECT_EQ(outcomes.size(), 2);
+}
+
+TEST_F(StoringTest, AWebPageKeepsItsAddressAndTitle)
+{
+    const QString file = path(QStringLiteral("TMPDIR/page.png"));
+    ASSERT_TRUE(picture(Qt::green).save(file));
+    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A \n page "),
+                             [this](Outcome outcome, const ZQError & /*error*/) { outcomes.append(outcome); });
+    waitForOutcomes(1);
+    ASSERT_EQ(screenshots().size(), 1);
+    EXPECT_EQ(screenshots().first()->title(), QStringLiteral("A page"));
+    EXPECT_EQ(screenshots().first()->webPageURL(), QStringLiteral("https://example.org/a"));
+}
+
+TEST_F(StoringTest, HotKeysAreThoseOfTheUserDefaults)
+{
+    const QString area = QStringLiteral("ScreenshotAreaHotkey");
+    const auto codeOf = [&](const QString &command) {
+        return hotKeys.value(command).value(QStringLiteral("code")).toInt();
+    };
+    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    capture->loadView();
+    EXPECT_EQ(hotKeys.size(), 4);
+    EXPECT_EQ(codeOf(area), 18);
+    EXPECT_EQ(codeOf(QStringLiteral("ShowZeltoHotkey")), 21);
+    commands.value(QStringLiteral("ScreenshotWindowHotkey"))();
+    EXPECT_EQ(views.sessions.last()->begun, ScreenshotSession::Kind::Window);
+
+    const QVariantMap other{{QStringLiteral("code"), 0}, {QStringLiteral("flags"), 1572864}};
+    const auto restored = qScopeGuard([&] { defaults.removeObjectForKey(area); });
+    defaults.setObjectForKey(other, area);
+    zqRunMainLoopUntil([&] { return codeOf(area) == 0; });
+    capture->setHotKeysPaused(true);
+    EXPECT_TRUE(hotKeys.value(area).isEmpty());
+    capture->setHotKeysPaused(false);
+    EXPECT_EQ(hotKeys.value(area).size(), 2);
+}
+
+} // namespace
