@@ -91,7 +91,7 @@ TEST(UploadDescriptionTest, HostileAndMistakenOnesAreRefusedWithTheLine)
         {"a header's name", with("X-Two", "X Two"), "Line 5"},
         {"the host", with("X-Two", "Host"), "Line 5"},
         {"the length", with("X-Two", "content-length"), "Line 5"},
-        {"the form's type", with("X-Two", "Content-Type"), "Line 1"},
+        {"the form's type", with("X-Two", "Content-Type"), "Line 5"},
         {"a header as a list", with("\"{secret:token}{secret:b-2}\"", "[]"), "Line 5"},
         {"no file", with("\"file\": \"upload\",", ""), "Line 1"},
         {"raw and a form", with("\"file\"", "\"raw\": true, \"file\""), "Line 7"},
@@ -123,7 +123,8 @@ TEST(UploadDescriptionTest, TheLinkIsWhereItSays)
         const char *link;
     } cases[] = {
         {R"({"pointer": "/data/0/a~1b"})", answer(R"({"data": [{"a/b": "https://x.example/1"}]})"), "https://x.example/1"},
-        {R"({"pointer": "/data/url"})", answer(R"({"data": {"url": "/f/1 2"}})"), ""},
+        {R"({"pointer": "/data/url"})", answer(R"({"data": {"url": "/f/1 2"}})"),
+         "https://files.example.org/f/1%202"},
         {R"({"pointer": "/data/url"})", answer(R"({"data": {"url": "/f/1"}})"), "https://files.example.org/f/1"},
         {R"({"pointer": "/data/-1"})", answer(R"({"data": ["https://x.example/1"]})"), ""},
         {R"({"pointer": "/data/00"})", answer(R"({"data": ["https://x.example/1"]})"), ""},

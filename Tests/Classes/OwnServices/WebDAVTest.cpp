@@ -29,10 +29,9 @@ protected:
                        : Answer{.status = 401, .headers = {{"WWW-Authenticate", "Basic realm=\"cloud\""}}};
         };
     }
-    std::shared_ptr<CloudAdapter> make() const
+    std::shared_ptr<CloudAdapter> make()
     {
-        return std::make_shared<WebDAVAdapter>(path(), QStringLiteral("Pic #1?"), QStringLiteral("ID"),
-                                               const_cast<WebDAVTest *>(this), settings);
+        return std::make_shared<WebDAVAdapter>(path(), QStringLiteral("Pic #1?"), QStringLiteral("ID"), this, settings);
     }
     std::optional<ZQError> connectTo(const QByteArray &password)
     {
