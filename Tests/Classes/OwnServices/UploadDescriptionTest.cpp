@@ -122,28 +122,28 @@ TEST(UploadDescriptionTest, TheLinkIsWhereItSays)
         ZQHTTPResponse response;
         const char *link;
     } cases[] = {
-        {R"({"pointer": "/data/0/a~1b"})", answer(R"({"data": [{"a/b": "https://x.example/1"}]})"), "https://x.example/1"},
-        {R"({"pointer": "/data/url"})", answer(R"({"data": {"url": "/f/1 2"}})"),
-         "https://files.example.org/f/1%202"},
+        {R"({"pointer": "/data/0/a~1b"})", answer(R"({"data": [{"a/b": "https://x.example/1"}]})"),
+         "https://x.example/1"},
+        {R"({"pointer": "/data/url"})", answer(R"({"data": {"url": "/f/1 2"}})"), "https://files.example.org/f/1%202"},
         {R"({"pointer": "/data/url"})", answer(R"({"data": {"url": "/f/1"}})"), "https://files.example.org/f/1"},
         {R"({"pointer": "/data/-1"})", answer(R"({"data": ["https://x.example/1"]})"), ""},
         {R"({"pointer": "/data/00"})", answer(R"({"data": ["https://x.example/1"]})"), ""},
         {R"({"pointer": "/data"})", answer("<html>"), ""},
-        {R"({"pointer": "/data"})", answer(R"({"data": "javascript:alert(1)"})"), ""},
+        {R"({"pointer": "/data"})", answer(R"x({"data": "javascript:alert(1)"})x"), ""},
         {R"({"pointer": "/data"})", answer(R"({"data": 7})"), ""},
-        {R"({"pattern": "href=\"([^\"]+)"})", answer("<a href=\"https://x.example/2\">"), "https://x.example/2"},
+        {R"x({"pattern": "href=\"([^\"]+)"})x", answer("<a href=\"https://x.example/2\">"), "https://x.example/2"},
         {R"({"pattern": "https://\\S+"})", answer("it is https://x.example/3 now"), "https://x.example/3"},
         {R"({"pattern": "(a+)+$"})", answer(QByteArray(60'000, 'a') + "b"), ""}, // would take for ever
         {R"({"header": "location"})", answer({}, Headers{{"Location", "/l"}}), "https://files.example.org/l"},
         {R"({"header": "X-Link"})", answer({}), ""},
         {R"({"final": true})", answer({}), "https://files.example.org/done/1"},
-};
-for (const auto &each : cases) {
-    ZQError error;
-    const auto read = UploadDescription::from(with(R"({"pointer": "/data/0/a~1b"})", each.place), &error);
-    ASSERT_TRUE(read) << each.place.toStdString() << error.localizedDescription().toStdString();
-    EXPECT_EQ(read->linkIn(each.response).toStdString(), each.link) << each.place.toStdString();
-}
+    };
+    for (const auto &each : cases) {
+        ZQError error;
+        const auto read = UploadDescription::from(with(R"({"pointer": "/data/0/a~1b"})", each.place), &error);
+        ASSERT_TRUE(read) << each.place.toStdString() << error.localizedDescription().toStdString();
+        EXPECT_EQ(read->linkIn(each.response).toStdString(), each.link) << each.place.toStdString();
+    }
 }
 
 } // namespace
