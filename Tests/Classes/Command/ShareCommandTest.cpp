@@ -75,11 +75,14 @@ TEST_F(ShareCommandTest, APresetIsUploadedInPlaceOfTheFileAndLeavesNothing)
 
 TEST_F(ShareCommandTest, WhatCannotBeSharedIsRefusedBeforeAnythingIsSent)
 {
-    for (const QStringList &arguments : {QStringList(),
-                                         {QStringLiteral("nobody")},
-                                         {red(), QStringLiteral("--preset"), QStringLiteral("99")},
-                                         {red(), QStringLiteral("--service"), QStringLiteral("elsewhere")},
-                                         {QStringLiteral("--in"), QStringLiteral("PROJECTS/None")}}) {
+    const QList<QStringList> refused = {
+        {},
+        QStringList(QStringLiteral("nobody")),
+        {red(), QStringLiteral("--preset"), QStringLiteral("99")},
+        {red(), QStringLiteral("--service"), QStringLiteral("elsewhere")},
+        {QStringLiteral("--in"), QStringLiteral("PROJECTS/None")},
+    };
+    for (const QStringList &arguments : refused) {
         EXPECT_EQ(share(arguments), 2) << arguments.join(u' ').toStdString();
         EXPECT_FALSE(context.errors.isEmpty());
     }
