@@ -47,53 +47,62 @@ void CloudAppAccount::testCloudAppCredentials(const QString &email, const ZQSecr
 {
     cancel();
     m_check = std::make_shared<Check>(Check{email.trimmed(), password, std::move(ended)});
-    const std::shared_ptr<Check> check = m_check;
+    const std::weak_ptr<Check> check = m_check;
     ZQError error;
     const std::optional<QUrl> host = APIHost(&error);
     if (!host) {
-        m_user.presentError(error);
-        end(check, Outcome::Refused);
+        refuse(check, [&error](UserInteraction &user) { user.presentError(error); });
         return;
     }
     ZQHTTPRequest request;
     request.url = ServiceAddress::below(*host, QStringLiteral("/account"));
     request.headers = {{"Accept", "application/json"}};
-    request.user = check->email;
+    request.user = m_check->email;
     request.password = password;
     m_requests->perform(request, [this, check](const ZQHTTPResponse &response) {
         answered(check, response.statusCode, response.isWhole());
     });
 }
 
-void CloudAppAccount::answered(const std::shared_ptr<Check> &check, int statusCode, bool isWhole)
+void CloudAppAccount::answered(const std::weak_ptr<Check> &check, int statusCode, bool isWhole)
 {
     if (isWhole) {
-        store(check);
+        store(*m_check);
         return;
     }
-    m_user.ask({.message = zqLocalized("Can't connect to Cloud App"),
-                .informativeText = statusCode == unauthorized
-                                       ? zqLocalized("Username or Password are invalid")
-                                       : zqLocalized("Check your internet connection or your network settings."),
-                .buttons = {zqLocalized("OK")},
-                .suppressionKey = {}});
-    end(check, Outcome::Refused);
+    const QString reason = statusCode == unauthorized
+                               ? zqLocalized("Username or Password are invalid")
+                               : zqLocalized("Check your internet connection or your network settings.");
+    refuse(check, [&reason](UserInteraction &user) {
+        user.ask({.message = zqLocalized("Can't connect to Cloud App"),
+                  .informativeText = reason,
+                  .buttons = {zqLocalized("OK")},
+                  .suppressionKey = {}});
+    });
 }
 
-void CloudAppAccount::store(const std::shared_ptr<Check> &check)
+void CloudAppAccount::store(const Check &check)
 {
-    const std::weak_ptr<Check> weak = check; // without this account object, or after a cancel, there is nobody to tell
-    SecretStore::shared().setPassword(check->password.UTF8(), service, check->email,
-                                      [this, weak](const ZQError &error) {
-                                          const std::shared_ptr<Check> stored = weak.lock();
-                                          if (!stored) {
-                                              return;
-                                          }
-                                          if (!error.isNull()) {
-                                              m_user.presentError(error);
-                                          }
-                                          end(stored, error.isNull() ? Outcome::Connected : Outcome::Refused);
-                                      });
+    const std::weak_ptr<Check> weak = m_check;
+    SecretStore::shared().setPassword(check.password.UTF8(), service, check.email, [this, weak](const ZQError &error) {
+        if (weak.expired()) {
+            return;
+        }
+        if (error.isNull()) {
+            end(weak.lock(), Outcome::Connected);
+        } else {
+            refuse(weak, [&error](UserInteraction &user) { user.presentError(error); });
+        }
+    });
+}
+
+// Whoever shows the account may be gone when the person has read it.
+void CloudAppAccount::refuse(const std::weak_ptr<Check> &check, const std::function<void(UserInteraction &user)> &tell)
+{
+    tell(m_user);
+    if (const std::shared_ptr<Check> still = check.lock()) {
+        end(still, Outcome::Refused);
+    }
 }
 
 void CloudAppAccount::end(const std::shared_ptr<Check> &check, Outcome outcome)

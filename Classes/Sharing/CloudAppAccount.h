@@ -35,7 +35,7 @@ public:
     static QUrl webHost(); // where a person makes an account
 
     // Asks CloudApp whether it knows them, and keeps them in the secret store when it does. Whoever shows that it is
-    // being asked does so until `ended` is called, once.
+    // being asked does so until `ended` is called, once, or this goes. What is being stored by then stays.
     void testCloudAppCredentials(const QString &email, const ZQSecret &password,
                                  std::function<void(Outcome outcome)> ended);
     void cancel();
@@ -44,11 +44,12 @@ public:
 
 private:
     struct Check;
-    void answered(const std::shared_ptr<Check> &check, int statusCode, bool isWhole);
-    void store(const std::shared_ptr<Check> &check);
+    void answered(const std::weak_ptr<Check> &check, int statusCode, bool isWhole);
+    void store(const Check &check);
+    void refuse(const std::weak_ptr<Check> &check, const std::function<void(UserInteraction &user)> &tell);
     void end(const std::shared_ptr<Check> &check, Outcome outcome);
 
     UserInteraction &m_user;
     std::unique_ptr<ServiceRequests> m_requests;
-    std::shared_ptr<Check> m_check; // null: none is under way
+    std::shared_ptr<Check> m_check; // held here only; null: none is under way
 };

@@ -92,6 +92,16 @@ TEST_F(CloudAppAccountTest, ACheckThatIsGivenUpIsToldOnceAndKeepsNothing)
     }
     zqRunMainLoopFor(std::chrono::milliseconds(50));
     EXPECT_EQ(outcomes.size(), 1);
+
+    auto closed = std::make_unique<CloudAppAccount>(user); // by a person who leaves the alert open
+    user.answerQuestion = [&closed](const UserQuestion &) {
+        closed.reset();
+        return 0;
+    };
+    api.setAnswer(QStringLiteral("/account"), {.status = 500});
+    closed->testCloudAppCredentials(QStringLiteral("a"), QStringLiteral("b"), ended);
+    zqRunMainLoopUntil([&] { return !closed; });
+    EXPECT_EQ(outcomes.size(), 1);
     EXPECT_TRUE(secrets->entries.isEmpty());
 }
 

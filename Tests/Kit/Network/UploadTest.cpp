@@ -284,6 +284,24 @@ TEST_F(UploadTest, AWrongPasswordIsTriedOnceAndNoOtherServerHearsOfIt)
     EXPECT_EQ(ZQHTTPTask::perform(asked).statusCode, 401);
 }
 
+TEST_F(UploadTest, ALoginGoesUnencryptedOnlyWhereThatIsAllowed)
+{
+    const QString elsewhere = QStringLiteral("http://example.org/yes");
+    server.setHandler(elsewhere, [](const Request &asked) {
+        return asked.headers.contains("authorization")
+                   ? Answer{}
+                   : Answer{.status = 401, .headers = {{"WWW-Authenticate", "Basic realm=\"x\""}}};
+    });
+    qputenv("http_proxy", server.address({}).toLatin1()); // through which the server of the test is that one
+    ZQHTTPRequest asked = withLogin({});
+    asked.url = QUrl(elsewhere);
+    EXPECT_EQ(Code(ZQHTTPTask::perform(asked).error.code), Code::NotAllowed);
+    EXPECT_EQ(server.requests().size(), 1);
+    asked.mayLogInUnencrypted = true;
+    EXPECT_TRUE(ZQHTTPTask::perform(asked).isWhole());
+    qunsetenv("http_proxy");
+}
+
 TEST(HTTPChallengeTest, AnswersAreThoseOfTheStandard)
 {
     const QByteArray rest = " realm=\"http-auth@example.org\", qop=\"auth, auth-int\", "
