@@ -55,9 +55,9 @@ ZQError ZQTransferError::noAnswer(const QString &host)
 
 ZQError ZQTransferError::silence(const QString &host)
 {
-    return zqNetworkError(ZQNetworkErrorCode::TimedOut,
-                          zqFormat(zqLocalized("%@ stopped answering in the middle."), {host}),
-                          zqLocalized("Try again later."));
+    return offlineOr(host, zqNetworkError(ZQNetworkErrorCode::TimedOut,
+                                          zqFormat(zqLocalized("%@ stopped answering in the middle."), {host}),
+                                          zqLocalized("Try again later.")));
 }
 
 ZQError ZQTransferError::tookTooLong(const QString &host)

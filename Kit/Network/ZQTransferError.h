@@ -15,13 +15,13 @@ ZQError noAddress(const QUrl &url);
 ZQError notAllowed(const QString &host);
 ZQError hostNotFound(const QString &host); // or: offline
 ZQError noAnswer(const QString &host);     // or: offline
-ZQError silence(const QString &host);
+ZQError silence(const QString &host);      // or: offline
 ZQError tookTooLong(const QString &host);
 ZQError tooManyRedirects(const QString &host);
 ZQError losesEncryption(const QString &host);
 ZQError unwantedType(const QString &host, const QString &type);
 ZQError tooLarge(qint64 maximumSize);
-ZQError brokeOff(const QString &host);
+ZQError brokeOff(const QString &host); // or: offline
 ZQError cutOff(const QString &host, qint64 size, qint64 expected);
 ZQError cannotRead(const QString &reason); // what is to be sent; empty: there is no more to say
 ZQError badHeader(const QByteArray &name);
