@@ -113,11 +113,11 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
     }
     bool hasType = !m_description.file.isEmpty();
     for (const auto &[name, value] : m_description.headers) {
-        filled.headers.append({name.toLatin1(), UploadDescription::filledIn(value, secrets).toUtf8()});
+        filled.headers.emplaceBack(name.toLatin1(), UploadDescription::filledIn(value, secrets).toUtf8());
         hasType = hasType || name.compare(u"Content-Type", Qt::CaseInsensitive) == 0;
     }
     if (!hasType) {
-        filled.headers.append({"Content-Type", "application/octet-stream"});
+        filled.headers.emplaceBack("Content-Type", "application/octet-stream");
     }
     m_requests->perform(
         filled, [this](const ZQHTTPResponse &response) { answered(response); },

@@ -11,6 +11,7 @@ namespace {
 constexpr int mostTimesBusy = 3;
 constexpr std::chrono::seconds usualWait{1};
 constexpr std::chrono::seconds longestWait{60};
+constexpr std::chrono::seconds longestSilence{90}; // servers put large files together before they answer
 constexpr qint64 largestAnswer = qint64(1) << 20;
 
 } // namespace
@@ -34,6 +35,7 @@ void ServiceRequests::perform(const ZQHTTPRequest &request, Answered answered, S
     m_underWay->answered = std::move(answered);
     m_underWay->request.connections = m_connections;
     m_underWay->request.maximumSize = largestAnswer;
+    m_underWay->request.stallTime = longestSilence;
     const std::weak_ptr<UnderWay> weak = m_underWay;
     if (sent) {
         m_underWay->request.didSendBytes = [weak, sent](qint64 count, qint64 total) {

@@ -134,7 +134,8 @@ void WebDAVAdapter::askForLink()
     post.headers = {{"OCS-APIRequest", "true"},
                     {"Accept", "application/json"},
                     {"Content-Type", "application/x-www-form-urlencoded"}};
-    post.body = "path=" + QUrl::toPercentEncoding(ownFolder() + u'/' + nameForUpload()) + "&shareType=3&permissions=1";
+    post.body = "path=" + QUrl::toPercentEncoding(m_addresses.rootThere + ownFolder() + u'/' + nameForUpload()) +
+                "&shareType=3&permissions=1";
     m_requests->perform(post, [this](const ZQHTTPResponse &response) { linkCame(response); });
 }
 

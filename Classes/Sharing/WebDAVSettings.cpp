@@ -82,17 +82,19 @@ std::optional<WebDAVSettings::Addresses> WebDAVSettings::addresses(ZQError *erro
     }
     if (!publicAddress.trimmed().isEmpty()) {
         const auto open = ServiceAddress::from(publicAddress, error);
-        return open ? std::optional(Addresses{*given, *plain, {}, *open}) : std::nullopt;
+        return open ? std::optional(Addresses{*given, *plain, {}, {}, *open}) : std::nullopt;
     }
     QUrl base = *given;
     const QString path = base.path(QUrl::FullyEncoded);
     const qsizetype files = path.indexOf(u"/remote.php");
     base.setPath(files < 0 ? path : path.first(files), QUrl::StrictMode);
-    const bool isWhole = files >= 0 && path.mid(files).startsWith(u"/remote.php/dav/files/");
-    return Addresses{isWhole ? *given : ServiceAddress::below(base, u"/remote.php/dav/files/" + user.trimmed()),
-                     *plain,
+    const QString account = QStringLiteral("/remote.php/dav/files/");
+    const bool isWhole = files >= 0 && path.mid(files).startsWith(account);
+    const QString within = isWhole ? path.mid(files + account.size()) : QString(); // "ann/Pictures"
+    const qsizetype slash = within.indexOf(u'/');
+    return Addresses{isWhole ? *given : ServiceAddress::below(base, account + user.trimmed()), *plain,
                      ServiceAddress::below(base, QStringLiteral("/ocs/v2.php/apps/files_sharing/api/v1/shares")),
-                     {}};
+                     slash < 0 ? QString() : QUrl::fromPercentEncoding(within.mid(slash).toLatin1()), QUrl()};
 }
 
 QString WebDAVSettings::account() const

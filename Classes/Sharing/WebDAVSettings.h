@@ -31,6 +31,7 @@ struct WebDAVSettings
         QUrl root;         // of the files
         QString folder;    // "/" and what follows, or empty
         QUrl shares;       // where links are made; empty: nowhere
+        QString rootThere; // `root` as paths of links have it: "/" and what follows, or empty
         QUrl publicFolder; // empty: links are made by the server
     };
     // Nothing, with an error, when something is missing or cannot be meant.

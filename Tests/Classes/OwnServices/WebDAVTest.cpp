@@ -75,6 +75,15 @@ TEST_F(WebDAVTest, AFileGoesIntoANewFolderAndTheServerMakesALink)
               QByteArray("path=%2FShared%2FBy%20Zelto%2FID%2FPic%20%231%3F.png&shareType=3&permissions=1"));
 }
 
+TEST_F(WebDAVTest, TheAddressMayNameAFolderOfTheUser)
+{
+    settings.address = server.address(root + "/Shared");
+    settings.folder = QStringLiteral("By Zelto");
+    run(make());
+    EXPECT_EQ(link, QStringLiteral("https://example.org/s/abc")) << problem();
+    EXPECT_TRUE(server.requests().last().body.startsWith("path=%2FShared%2FBy%20Zelto%2FID%2F"));
+}
+
 TEST_F(WebDAVTest, APlainServerGivesTheAddressAtWhichThePublicReads)
 {
     settings.publicAddress = QStringLiteral("https://pub.example.org/z/");
