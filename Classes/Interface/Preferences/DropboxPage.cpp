@@ -64,7 +64,7 @@ void DropboxPage::link()
         if (!self) {
             return;
         }
-        const bool isCancelled = error.domain() == DBSession::errorDomain && error.code() == DBSession::Cancelled;
+        const bool isCancelled = error.domain == DBSession::errorDomain && error.code == DBSession::Cancelled;
         self->showProblem(error.isNull() || isCancelled ? QString() : error.localizedDescription());
         self->refresh();
         Q_EMIT self->changed();
