@@ -6,6 +6,9 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <atomic>
+#include <functional>
+
 class CloudAdapter;
 
 // Who hears of uploads. Main thread.
@@ -35,7 +38,8 @@ public:
     void setDelegate(CloudAdapterDelegate *delegate); // null: nobody is told any more
 
     void start() override = 0; // a cancelled one finishes at once
-    void finish();             // is no longer executing; once
+    void cancel() override; // one that only waits to be heard finishes at once, also when nobody will listen any more
+    void finish();          // is no longer executing; once
 
 protected:
     // Each tells the delegate on the main thread; the first two finish the operation after that. A cancelled adapter
@@ -45,8 +49,11 @@ protected:
     void uploadProgess(double fraction);
 
 private:
+    void tell(std::function<void(CloudAdapterDelegate &delegate)> what, bool isEnd);
+
     const QString m_fileToUploadURL;
     const QString m_fileToUploadName;
     const QString m_fileToUploadID;
     CloudAdapterDelegate *m_delegate = nullptr; // main thread
+    std::atomic<bool> m_waitsToTellEnd = false;
 };

@@ -99,6 +99,26 @@ ZQError ZQTransferError::cutOff(const QString &host, qint64 size, qint64 expecte
         zqLocalized("Try again."));
 }
 
+ZQError ZQTransferError::cannotRead(const QString &reason)
+{
+    return zqNetworkError(ZQNetworkErrorCode::CannotRead,
+                          reason.isEmpty() ? zqLocalized("What is to be sent cannot be read.") : reason);
+}
+
+ZQError ZQTransferError::badHeader(const QByteArray &name)
+{
+    return zqNetworkError(ZQNetworkErrorCode::BadAddress,
+                          zqFormat(zqLocalized("The header “%@” cannot be sent: it has a line break, or no name."),
+                                   {QString::fromLatin1(name)}));
+}
+
+ZQError ZQTransferError::loginUnencrypted(const QString &host)
+{
+    return zqNetworkError(ZQNetworkErrorCode::NotAllowed,
+                          zqFormat(zqLocalized("%@ asks for the password without encryption."), {host}),
+                          zqLocalized("Use an address that begins with https://."));
+}
+
 ZQError ZQTransferError::cannotWrite(const QString &path, const ZQError &reason)
 {
     return zqNetworkError(ZQNetworkErrorCode::CannotWrite,
@@ -120,7 +140,8 @@ ZQError ZQTransferError::of(const QNetworkReply &reply, const QString &host, boo
     case QNetworkReply::SslHandshakeFailedError:
         return zqNetworkError(
             ZQNetworkErrorCode::Untrusted,
-            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, reply.errorString()}));
+            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, reply.errorString()}),
+            zqLocalized("Look at the address, and at the clock of this computer."));
     case QNetworkReply::TimeoutError:
         return wasConnected ? silence(host) : noAnswer(host);
     case QNetworkReply::ProxyAuthenticationRequiredError:
