@@ -230,7 +230,7 @@ QNetworkRequest ZQHTTPTransfer::networkRequest(const QByteArray &login) const
     return request;
 }
 
-QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request)
+QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request, QString *problem)
 {
     std::unique_ptr<QIODevice> body;
     if (m_request.makeBody) {
@@ -244,8 +244,15 @@ QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request)
     if (!body) {
         return nullptr;
     }
-    m_body = std::make_unique<ZQSentBody>(std::move(body), m_connections->haveBeenUsedFor(m_response.url) ? 1 : 0);
-    return m_body->didFail() ? nullptr : m_connections->manager().sendCustomRequest(request, m_method, m_body.get());
+    auto sent = std::make_unique<ZQSentBody>(std::move(body), m_connections->haveBeenUsedFor(m_response.url) ? 1 : 0);
+    if (sent->didFail()) {
+        *problem = sent->errorString();
+        return nullptr;
+    }
+    QNetworkReply *const reply = m_connections->manager().sendCustomRequest(request, m_method, sent.get());
+    m_body = sent.release();
+    m_body->setParent(reply);
+    return reply;
 }
 
 void ZQHTTPTransfer::sendTo(const QUrl &url, const QString &hostHeader)
@@ -259,14 +266,15 @@ void ZQHTTPTransfer::send()
 {
     const QNetworkRequest request = networkRequest(answerToChallenge());
     const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
-    QNetworkReply *const reply = hasBody             ? sendBody(request)
+    QString problem;
+    QNetworkReply *const reply = hasBody             ? sendBody(request, &problem)
                                  : m_method == "GET" ? m_connections->manager().get(request)
                                                      : m_connections->manager().sendCustomRequest(request, m_method);
     if (reply) {
         m_connections->noteUseOf(m_response.url);
         follow(reply);
     } else {
-        fail(ZQTransferError::cannotRead(m_body ? m_body->errorString() : QString()));
+        fail(ZQTransferError::cannotRead(problem));
     }
 }
 
@@ -509,6 +517,9 @@ ZQError ZQHTTPTransfer::problemOfEnd() const
     if (m_body && m_body->didFail()) {
         return ZQTransferError::cannotRead(m_body->errorString());
     }
+    if (m_body && m_body->wasAskedTooOften() && !m_hasHead) {
+        return ZQTransferError::brokeOff(host());
+    }
     if (m_reply->error() != QNetworkReply::NoError) {
         return ZQTransferError::of(*m_reply, host(), m_isConnected);
     }
@@ -559,5 +570,5 @@ void ZQHTTPTransfer::dropReply()
         reply->abort();
         reply->deleteLater();
     }
-    m_body.reset();
+    m_body = nullptr;
 }

@@ -37,7 +37,7 @@ private:
     void send();
     QNetworkRequest networkRequest(const QByteArray &login) const;
     ZQError problemOfHeaders() const;
-    QNetworkReply *sendBody(const QNetworkRequest &request);
+    QNetworkReply *sendBody(const QNetworkRequest &request, QString *problem);
     void follow(QNetworkReply *reply);
 
     bool hasLogin() const;
@@ -67,7 +67,7 @@ private:
     ZQHTTPResponse m_response;
     const std::shared_ptr<ZQHTTPConnections> m_connections;
     QNetworkReply *m_reply = nullptr; // of the connections' manager
-    std::unique_ptr<ZQSentBody> m_body;
+    ZQSentBody *m_body = nullptr;     // of the reply, whose threads may still read it when it is given up
     QUrl m_connectedURL; // as it is connected to: where that was asked about, with an address in place of the name
     QString m_hostHeader;
     QByteArray m_method;

@@ -15,6 +15,8 @@ public:
 
     bool didFail() const { return m_didFail; } // `errorString` says why
 
+    bool wasAskedTooOften() const { return m_repeatsLeft < 0; }
+
     qint64 size() const override { return m_body->size(); }
     bool isSequential() const override { return false; }
     bool seek(qint64 position) override;

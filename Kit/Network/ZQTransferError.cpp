@@ -91,6 +91,12 @@ ZQError ZQTransferError::tooLarge(qint64 maximumSize)
                           zqFormat(zqLocalized("It is larger than %@."), {sizeText(maximumSize)}));
 }
 
+ZQError ZQTransferError::brokeOff(const QString &host)
+{
+    return offlineOr(host, zqNetworkError(ZQNetworkErrorCode::ConnectionLost,
+                                          zqFormat(zqLocalized("%@ broke off."), {host}), zqLocalized("Try again.")));
+}
+
 ZQError ZQTransferError::cutOff(const QString &host, qint64 size, qint64 expected)
 {
     return zqNetworkError(
@@ -135,8 +141,12 @@ ZQError ZQTransferError::of(const QNetworkReply &reply, const QString &host, boo
                                               zqFormat(zqLocalized("%@ takes no connection."), {host}),
                                               zqLocalized("Try again later.")));
     case QNetworkReply::RemoteHostClosedError:
-        return zqNetworkError(ZQNetworkErrorCode::ConnectionLost, zqFormat(zqLocalized("%@ broke off."), {host}),
-                              zqLocalized("Try again."));
+        return brokeOff(host);
+    case QNetworkReply::UnknownNetworkError:
+        if (wasConnected) { // a reset in the middle of what is sent
+            return brokeOff(host);
+        }
+        break;
     case QNetworkReply::SslHandshakeFailedError:
         return zqNetworkError(
             ZQNetworkErrorCode::Untrusted,
@@ -153,8 +163,9 @@ ZQError ZQTransferError::of(const QNetworkReply &reply, const QString &host, boo
                               zqFormat(zqLocalized("The proxy does not lead to %@: %@"), {host, reply.errorString()}),
                               zqLocalized("Look at the network settings of the desktop."));
     default:
-        return offlineOr(
-            host, zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
-                                 zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reply.errorString()})));
+        break;
     }
+    return offlineOr(host,
+                     zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
+                                    zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reply.errorString()})));
 }

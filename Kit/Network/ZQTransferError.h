@@ -21,6 +21,7 @@ ZQError tooManyRedirects(const QString &host);
 ZQError losesEncryption(const QString &host);
 ZQError unwantedType(const QString &host, const QString &type);
 ZQError tooLarge(qint64 maximumSize);
+ZQError brokeOff(const QString &host);
 ZQError cutOff(const QString &host, qint64 size, qint64 expected);
 ZQError cannotRead(const QString &reason); // what is to be sent; empty: there is no more to say
 ZQError badHeader(const QByteArray &name);
