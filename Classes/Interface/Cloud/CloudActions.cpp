@@ -28,16 +28,21 @@ void CloudActions::follow()
     const auto on = [this](const QString &name, std::function<void(const ZQNotification &)> heard) {
         m_tokens.push_back(ZQNotificationCenter::defaultCenter().addObserver(name, nullptr, std::move(heard)));
     };
+    const auto number = [](const ZQNotification &said) { return said.userInfo.value(CloudUploader::numberKey); };
     on(CloudUploader::didStart,
-       [this](const ZQNotification &said) { m_button.uploadDidStart(CloudUploader::filesOf(said)); });
+       [this, number](const ZQNotification &said) { m_button.uploadDidStart(number(said).toLongLong()); });
     on(CloudUploader::didUpdate,
-       [this](const ZQNotification &said) { m_button.uploadDidUpdate(CloudUploader::doneOf(said)); });
+       [this, number](const ZQNotification &said) { m_button.uploadDidUpdate(number(said).toDouble()); });
     on(CloudUploader::didFinish, [this](const ZQNotification &) { m_button.uploadDidFinish(); });
 }
 
 void CloudActions::share()
 {
-    const QList<ZQObjectID> items = m_browser.selectedItems();
+    QList<ZQRef<ZQLibraryBaseItem>> items;
+    if (!m_button.isUploading()) {
+        items = ZQLibraryBaseItem::itemsWithIDs(m_browser.selectedItems(), m_window.context);
+        ZQLibraryBaseItem::lookForFiles(items);
+    }
     CloudUploader::sharedCloudUploader().uploadLibrayItems(items);
 }
 

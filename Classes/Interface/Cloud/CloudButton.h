@@ -29,7 +29,7 @@ public:
     void uploadDidUpdate(double filesDone);
     void uploadDidFinish();
 
-    bool takesPresets() const override { return true; }
+    bool takesPresets() const override { return !isUploading(); } // it cancels then, and does nothing else
     void setFileToUploadAfterExport(const QStringList &paths) override;
 
 Q_SIGNALS:

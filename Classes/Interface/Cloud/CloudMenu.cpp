@@ -183,28 +183,34 @@ void CloudMenu::take(const QString &url, const QString &name)
 
 void CloudMenu::addServices()
 {
-    const QString chosen = ZQUserDefaults::standardUserDefaults().stringForKey(CloudServices::preferenceKey);
-    const CloudService *const inUse = CloudServices::shared().adapterClassForUpload();
-    QMenu *menu = addMenu(line(zqLocalized("Share to"), inUse ? inUse->title() : zqLocalized("None")));
+    const CloudServices &services = CloudServices::sharedCloudServices();
+    const auto inUse = services.adapterClassForUpload();
+    QMenu *menu = addMenu(line(zqLocalized("Share to"), inUse ? inUse->title() : zqLocalized("Nothing")));
+    menu->setToolTipsVisible(true);
     auto *group = new QActionGroup(menu);
+    const QString chosen = ZQUserDefaults::standardUserDefaults().stringForKey(CloudServices::choiceKey);
     const auto add = [&](const QString &title, const QString &identifier) {
-        QAction *action = menu->addAction(title, this, [identifier] {
-            ZQUserDefaults::standardUserDefaults().setObjectForKey(identifier, CloudServices::preferenceKey);
-        });
+        QAction *action = menu->addAction(line(title, {}), this, [this, identifier] { choose(identifier); });
         action->setCheckable(true);
         action->setChecked(identifier == chosen);
         group->addAction(action);
-        return action;
     };
     add(zqLocalized("Automatic"), {});
     menu->addSeparator();
-    for (const CloudService *service : CloudServices::shared().all()) {
+    for (const auto &service : services.services()) {
         if (service->isReady()) {
-            add(line(service->title(), {}), service->identifier());
+            add(service->title(), service->identifier());
         } else {
             menu->addAction(line(service->title(), zqLocalized("Set up…")), this, &CloudMenu::preferencesRequested)
                 ->setToolTip(service->whatIsMissing());
         }
     }
-    menu->setToolTipsVisible(true);
+}
+
+void CloudMenu::choose(const QString &service)
+{
+    ZQError error;
+    if (!ZQUserDefaults::standardUserDefaults().storeObjectForKey(service, CloudServices::choiceKey, &error)) {
+        m_user.presentError(error);
+    }
 }

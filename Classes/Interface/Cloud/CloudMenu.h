@@ -30,6 +30,7 @@ private:
     void addCaption(const QString &text);
     void showProgress();
     void take(const QString &url, const QString &name);
+    void choose(const QString &service); // empty: whichever is there
 
     class Bar;
     CloudButton &m_button;

@@ -64,6 +64,7 @@ QLineEdit *CloudAccountPage::addField(const QString &text, const QString &exampl
     label->setObjectName(QStringLiteral("Muted"));
     label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     label->setBuddy(field);
+    m_names.insert(field, label);
     const int row = m_form->rowCount();
     m_form->addWidget(label, row, 0);
     m_form->addWidget(field, row, 1);
@@ -185,5 +186,12 @@ void CloudAccountPage::setShown(std::initializer_list<QWidget *> widgets, bool i
 {
     for (QWidget *widget : widgets) {
         widget->setVisible(isShown);
+    }
+}
+
+void CloudAccountPage::setFieldsShown(std::initializer_list<QLineEdit *> fields, bool isShown)
+{
+    for (QLineEdit *field : fields) {
+        setShown({field, m_names.value(field)}, isShown);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "Kit/Foundation/ZQError.h"
 
+#include <QHash>
 #include <QUrl>
 #include <QWidget>
 
@@ -46,12 +47,14 @@ protected:
     void showProblem(const QString &text); // empty: there is none
     QVBoxLayout *column() const { return m_column; }
     static void setShown(std::initializer_list<QWidget *> widgets, bool isShown);
+    void setFieldsShown(std::initializer_list<QLineEdit *> fields, bool isShown); // with their names
 
 private:
     void store(QLineEdit *field, const QString &key);
 
     QVBoxLayout *m_column;
     QGridLayout *m_form = nullptr;
+    QHash<QLineEdit *, QLabel *> m_names;
     QLabel *m_problem;
     QLabel *m_state = nullptr;
     TurningIcon *m_turning = nullptr;

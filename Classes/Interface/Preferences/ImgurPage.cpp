@@ -1,12 +1,13 @@
 #include "Classes/Interface/Preferences/ImgurPage.h"
 
+#include "Classes/Sharing/ImgurService.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QLineEdit>
 
 ImgurPage::ImgurPage(QWidget *parent) : CloudAccountPage(QStringLiteral("Imgur"), parent)
 {
-    addPreference(zqLocalized("Client &ID"), QStringLiteral("ImgurClientID"), {});
+    m_client = addPreference(zqLocalized("Client &ID"), ImgurService::clientIDKey, {});
     addNote(zqLocalized("Imgur asks every program for an identifier, and limits what comes with each. Register one of "
                         "your own, choose “OAuth 2 authorization without a callback URL”, and paste the Client ID that "
                         "it shows, 15 letters and digits, here."));
@@ -18,5 +19,6 @@ ImgurPage::ImgurPage(QWidget *parent) : CloudAccountPage(QStringLiteral("Imgur")
 void ImgurPage::refresh()
 {
     CloudAccountPage::refresh();
-    Q_EMIT changed();
+    const bool isWrong = !m_client->text().trimmed().isEmpty() && ImgurService::clientID().isEmpty();
+    showProblem(isWrong ? zqLocalized("A Client ID has letters and digits only.") : QString());
 }

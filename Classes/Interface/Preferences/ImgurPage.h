@@ -9,4 +9,7 @@ class ImgurPage : public CloudAccountPage
 public:
     explicit ImgurPage(QWidget *parent = nullptr);
     void refresh() override;
+
+private:
+    QLineEdit *m_client;
 };
