@@ -1,6 +1,6 @@
 #include "Classes/Sharing/DBSession.h"
 
-#include "Classes/Sharing/SecretStore.h"
+#include "Classes/Sharing/ForgetSecrets.h"
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
 #include "Classes/Sharing/WebBrowser.h"
@@ -193,15 +193,20 @@ void DBSession::keep(const Tokens &tokens)
     store.setPassword(tokens.refresh.UTF8(), serviceOfSecrets, account,
                       [this, before, account, attempt](const ZQError &error) {
                           if (attempt != m_attempt) { // cancelled while the desktop asked the person
-                              SecretStore::shared().deletePassword(serviceOfSecrets, account, [](const ZQError &) {});
+                              forgetSecrets(serviceOfSecrets, {account}, [](const ZQError &) {});
                               return;
                           }
-                          for (const QString &each : error.isNull() ? before : QStringList()) {
-                              if (each != account) {
-                                  SecretStore::shared().deletePassword(serviceOfSecrets, each, [](const ZQError &) {});
-                              }
+                          if (!error.isNull()) {
+                              endLink(error);
+                              return;
                           }
-                          endLink(error);
+                          QStringList others = before;
+                          others.removeAll(account);
+                          forgetSecrets(serviceOfSecrets, others, [this, attempt](const ZQError &) {
+                              if (attempt == m_attempt) {
+                                  endLink({});
+                              }
+                          });
                       });
 }
 
@@ -238,27 +243,7 @@ void DBSession::unlink(Done done)
         m_leaving.perform(request, [](const ZQHTTPResponse &) {});
     }
     forgetAccessToken();
-    const QStringList accounts = SecretStore::shared().accountsOfService(serviceOfSecrets);
-    if (accounts.isEmpty()) {
-        done({});
-        return;
-    }
-    struct Ends
-    {
-        qsizetype left;
-        ZQError first = {};
-    };
-    const auto ends = std::make_shared<Ends>(Ends{.left = accounts.size()});
-    for (const QString &account : accounts) {
-        SecretStore::shared().deletePassword(serviceOfSecrets, account, [ends, done](const ZQError &error) {
-            if (ends->first.isNull()) {
-                ends->first = error;
-            }
-            if (--ends->left == 0) {
-                done(ends->first);
-            }
-        });
-    }
+    forgetSecrets(serviceOfSecrets, SecretStore::shared().accountsOfService(serviceOfSecrets), std::move(done));
 }
 
 void DBSession::accessToken(Token told)

@@ -11,10 +11,8 @@ constexpr qsizetype longestInUTF8 = 240;
 
 bool isForbidden(QChar each)
 {
-    static const QString special = QStringLiteral("/\\:*?\"<>|");
-    return special.contains(each) || each.category() == QChar::Other_Control ||
-           each.category() == QChar::Other_Format || each.category() == QChar::Separator_Line ||
-           each.category() == QChar::Separator_Paragraph;
+    return each == u'/' || each == u'\\' || each.category() == QChar::Other_Control ||
+           each.category() == QChar::Separator_Line || each.category() == QChar::Separator_Paragraph;
 }
 
 } // namespace
