@@ -25,9 +25,10 @@ ZQUserDefaults &defaults()
 
 } // namespace
 
-CloudAccountPage::CloudAccountPage(const QString &title, QWidget *parent)
+CloudAccountPage::CloudAccountPage(const QString &service, const QString &title, QWidget *parent)
     : QWidget(parent), m_column(new QVBoxLayout), m_problem(new QLabel(this))
 {
+    setObjectName(service);
     setAccessibleName(title);
     auto *all = new QVBoxLayout(this);
     all->setContentsMargins(0, 6, 0, 0);

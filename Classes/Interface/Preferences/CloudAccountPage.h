@@ -22,8 +22,9 @@ class CloudAccountPage : public QWidget
 {
     Q_OBJECT
 public:
-    explicit CloudAccountPage(const QString &title, QWidget *parent = nullptr);
+    CloudAccountPage(const QString &service, const QString &title, QWidget *parent = nullptr);
 
+    QString service() const { return objectName(); } // its identifier, or what those of several begin with
     QString title() const { return accessibleName(); }
     virtual QStringList preferences() const { return m_keys; } // what it shows
     virtual void refresh();                                    // everything, as it is now

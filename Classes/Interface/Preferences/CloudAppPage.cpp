@@ -10,7 +10,8 @@
 #include <QPushButton>
 
 CloudAppPage::CloudAppPage(UserInteraction &user, QWidget *parent)
-    : CloudAccountPage(QStringLiteral("CloudApp"), parent), m_account(std::make_shared<CloudAppAccount>(user))
+    : CloudAccountPage(QStringLiteral("cloudapp"), QStringLiteral("CloudApp"), parent),
+      m_account(std::make_shared<CloudAppAccount>(user))
 {
     m_email = addField(zqLocalized("&E-mail"), {});
     m_email->setInputMethodHints(Qt::ImhEmailCharactersOnly);

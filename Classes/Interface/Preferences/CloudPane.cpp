@@ -78,24 +78,24 @@ void CloudPane::addAccounts(const QList<CloudAccountPage *> &pages)
         });
     }
     if (const auto inUse = CloudServices::sharedCloudServices().adapterClassForUpload()) {
-        showPage(inUse->title());
+        showPage(inUse->identifier());
     }
 }
 
-CloudAccountPage *CloudPane::page(const QString &title) const
+CloudAccountPage *CloudPane::page(const QString &service) const
 {
     for (int i = 0; i < m_pages->count(); ++i) {
         auto *const page = static_cast<CloudAccountPage *>(m_pages->widget(i));
-        if (page->title() == title) {
+        if (service.section(u':', 0, 0) == page->service()) {
             return page;
         }
     }
     return nullptr;
 }
 
-void CloudPane::showPage(const QString &title)
+void CloudPane::showPage(const QString &service)
 {
-    if (CloudAccountPage *const shown = page(title)) {
+    if (CloudAccountPage *const shown = page(service)) {
         m_switch->setCurrentIndex(m_pages->indexOf(shown));
     }
 }
@@ -132,9 +132,7 @@ void CloudPane::choose(int index)
 {
     const QString service = m_service->itemData(index).toString();
     if (store(service, CloudServices::choiceKey)) {
-        if (const auto chosen = CloudServices::sharedCloudServices().serviceNamed(service)) {
-            showPage(page(chosen->title()) ? chosen->title() : QString());
-        }
+        showPage(service);
     }
     showServices();
 }

@@ -16,8 +16,8 @@ public:
     explicit CloudPane(UserInteraction &user, QWidget *parent = nullptr);
 
     QComboBox &serviceMenu() { return *m_service; }
-    CloudAccountPage *page(const QString &title) const; // null: there is none
-    void showPage(const QString &title);
+    CloudAccountPage *page(const QString &service) const; // by the service's identifier; null: there is none
+    void showPage(const QString &service);
 
 private:
     void addService();

@@ -1,12 +1,16 @@
 #pragma once
 
 #include "Classes/Interface/Preferences/CloudAccountPage.h"
+#include "Classes/Sharing/UploadDescription.h"
 
+#include <optional>
+
+class DescriptionReview;
 class QListWidget;
 class UserInteraction;
 
-// Other upload addresses, each of which a description file brought: where files go, and the passwords it asks for.
-// Main thread.
+// Other upload addresses, each of which a description file brought. What a file says is shown, and the secrets it needs
+// are asked for, before it is added. Main thread.
 class DescriptionsPage : public CloudAccountPage
 {
     Q_OBJECT
@@ -15,13 +19,20 @@ public:
     QStringList preferences() const override;
     void refresh() override;
 
-private:
     void importFile();
+
+private:
+    void review(const UploadDescription &description);
+    void add(const UploadDescription &description, const QHash<QString, ZQSecret> &secrets);
+    void endReview();
     void removeSelected();
-    void showSelected();
+    void setBusy(bool isBusy);
+    void updateButtons();
 
     UserInteraction &m_user;
     QListWidget *m_list;
-    QLabel *m_where;
-    QPushButton *m_remove;
+    QPushButton *m_import = nullptr;
+    QPushButton *m_remove = nullptr;
+    DescriptionReview *m_review = nullptr; // while one is shown
+    bool m_isBusy = false;
 };

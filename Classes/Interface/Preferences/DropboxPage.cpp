@@ -9,7 +9,8 @@
 #include <QPointer>
 #include <QPushButton>
 
-DropboxPage::DropboxPage(QWidget *parent) : CloudAccountPage(QStringLiteral("Dropbox"), parent)
+DropboxPage::DropboxPage(QWidget *parent)
+    : CloudAccountPage(QStringLiteral("dropbox"), QStringLiteral("Dropbox"), parent)
 {
     m_key = addPreference(zqLocalized("App &key"), QStringLiteral("DropboxAppKey"), {});
     connect(m_key, &QLineEdit::textChanged, this, [this] { m_link->setEnabled(!m_key->text().trimmed().isEmpty()); });

@@ -5,7 +5,7 @@
 
 #include <QLineEdit>
 
-ImgurPage::ImgurPage(QWidget *parent) : CloudAccountPage(QStringLiteral("Imgur"), parent)
+ImgurPage::ImgurPage(QWidget *parent) : CloudAccountPage(QStringLiteral("imgur"), QStringLiteral("Imgur"), parent)
 {
     m_client = addPreference(zqLocalized("Client &ID"), ImgurService::clientIDKey, {});
     addNote(zqLocalized("Imgur asks every program for an identifier, and limits what comes with each. Register one of "
