@@ -143,6 +143,7 @@ TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
     }
     EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Screenshots|Cloud|Advanced"));
     press(Qt::Key_Up);
+    press(Qt::Key_Up);
     EXPECT_EQ(pane().accessibleName(), QStringLiteral("Screenshots"));
     run(CommandID::Preferences);
     EXPECT_EQ(window().findChildren<PreferencesWindow *>().size(), 1);
