@@ -7,6 +7,7 @@
 #include <QVariantMap>
 
 class LiveFolderManaging;
+struct ExportItem;
 
 // What each command does, apart from how it is written on a command line. Each answers the exit status: 0, 1 when
 // `verify` found something, 2 after an error that changed nothing.
@@ -67,10 +68,23 @@ struct ExportCommandRequest
     QString namePattern = {};
     bool zip = false;
 };
+// The items of both, each once. Nothing after an error, which is in `context`, as of the next.
+std::optional<QList<ZQObjectID>> zqItemsNamed(const QStringList &items, const QString &in, CommandContext &context);
+std::optional<ExportItem> zqExportPreset(int number, CommandContext &context); // from 1 on
 QStringList zqExportFormats();
 QString zqExportFormatsWithQuality(); // "webp and avif"
 // 1 when some could not be exported.
 int zqRunExport(const ExportCommandRequest &request, CommandContext &context);
+
+struct ShareRequest
+{
+    QStringList items = {};
+    QString in = {};      // REF; empty: none but `items`
+    int preset = 0;       // of the Quick export panel, from 1 on; 0: the files as they are
+    QString service = {}; // identifier; empty: the one in use
+};
+// 1 when some could not be shared, 2 when the upload failed or was cancelled: what is printed was shared before that.
+int zqRunShare(const ShareRequest &request, CommandContext &context);
 
 int zqRunDelete(const QStringList &items, CommandContext &context);
 int zqRunRestore(const QStringList &items, CommandContext &context);

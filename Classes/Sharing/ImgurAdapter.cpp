@@ -1,6 +1,7 @@
 #include "Classes/Sharing/ImgurAdapter.h"
 
 #include "Classes/Sharing/LatestUploads.h"
+#include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQHTTPTask.h"
@@ -39,11 +40,10 @@ QString errorIn(const QJsonObject &answer)
 
 ZQError tooLarge(const QString &path)
 {
-    return ZQError::with(ImgurAdapter::errorDomain, ImgurAdapter::TooLarge,
-                         zqFormat(zqLocalized("“%@” is too large for Imgur, which takes files of up to %d MB."),
-                                  {QFileInfo(path).fileName(), ImgurAdapter::largestFile >> 20}),
-                         zqLocalized("Share it with another service, or drop a preset on the cloud button that makes "
-                                     "it smaller."));
+    return UploadProblem::with(zqFormat(zqLocalized("“%@” is too large for Imgur, which takes files of up to %d MB."),
+                                        {QFileInfo(path).fileName(), ImgurAdapter::largestFile >> 20}),
+                               zqLocalized("Share it with another service, or drop a preset on the cloud button that "
+                                           "makes it smaller."));
 }
 
 } // namespace
@@ -102,11 +102,12 @@ void ImgurAdapter::cancel()
 
 void ImgurAdapter::read()
 {
-    const auto bytes = zqReadRegularFile(fileToUploadURL(), largestFile, &m_readError);
-    if (bytes) {
+    ZQError error;
+    if (const auto bytes = zqReadRegularFile(fileToUploadURL(), largestFile, &error)) {
         m_body = body(*bytes, title(fileToUploadName(), fileToUploadURL()));
-    } else if (QFileInfo(fileToUploadURL()).size() > largestFile) {
-        m_readError = tooLarge(fileToUploadURL());
+    } else {
+        m_readError =
+            QFileInfo(fileToUploadURL()).size() > largestFile ? tooLarge(fileToUploadURL()) : UploadProblem::of(error);
     }
 }
 
@@ -144,7 +145,7 @@ void ImgurAdapter::came(const ZQHTTPResponse &response)
     const QJsonDocument document = QJsonDocument::fromJson(response.body);
     const QJsonObject answer = document.object();
     if (const QString reason = errorIn(answer); !reason.isNull()) {
-        ZQError error{errorDomain, Refused, {}};
+        ZQError error{errorDomain, refused, {}};
         error.userInfo.insert(ZQError::failureReasonKey, reason);
         uploadFailed(error);
         return;
@@ -156,10 +157,9 @@ void ImgurAdapter::came(const ZQHTTPResponse &response)
     const QString link =
         LatestUploads::link(answer.value(QStringLiteral("data")).toObject().value(QStringLiteral("link")).toString());
     if (link.isEmpty()) {
-        uploadFailed(ZQError::with(errorDomain, Unclear,
-                                   zqFormat(zqLocalized("%@ did not say where the file is."), {response.url.host()}),
-                                   zqLocalized("Try again later, or look whether the host in the preferences is the "
-                                               "right one.")));
+        uploadFailed(UploadProblem::with(
+            zqFormat(zqLocalized("%@ did not say where the file is."), {response.url.host()}),
+            zqLocalized("Try again later, or look whether the host in the preferences is the right one.")));
         return;
     }
     uploadSuccessful({{QStringLiteral("url"), link}});

@@ -18,11 +18,7 @@ class ImgurAdapter : public CloudAdapter
 {
 public:
     static inline const QString errorDomain = QStringLiteral("imguruploader");
-    enum Error {
-        Refused = 10000, // the failure reason is what Imgur says
-        Unclear = 10001, // it answers something that is no answer
-        TooLarge = 10002,
-    };
+    static constexpr int refused = 10000;                    // the failure reason is what Imgur says
     static constexpr qint64 largestFile = qint64(200) << 20; // Imgur takes no larger one, of whatever kind
 
     struct Access

@@ -2,6 +2,8 @@
 
 #include "Classes/Sharing/CloudService.h"
 
+class ZQHTTPConnections;
+
 // Imgur, where anybody may put images without an account. It asks each program for an identifier, which the person gets
 // there and enters in the preferences: one that everybody used would soon have used up what Imgur grants it.
 class ImgurService : public CloudService
