@@ -1,5 +1,6 @@
 #include "Classes/Sharing/CloudServices.h"
 
+#include "Classes/Sharing/CloudAppService.h"
 #include "Classes/Sharing/ImgurService.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -10,7 +11,7 @@ CloudServices &CloudServices::sharedCloudServices()
 {
     static CloudServices services;
     static const bool isFilled = [] {
-        services.setServices({std::make_shared<ImgurService>()});
+        services.setServices({std::make_shared<CloudAppService>(), std::make_shared<ImgurService>()});
         return true;
     }();
     Q_UNUSED(isFilled)
