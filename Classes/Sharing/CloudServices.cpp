@@ -1,7 +1,11 @@
 #include "Classes/Sharing/CloudServices.h"
 
 #include "Classes/Sharing/CloudAppService.h"
+#include "Classes/Sharing/CustomService.h"
+#include "Classes/Sharing/CustomServices.h"
+#include "Classes/Sharing/DropboxService.h"
 #include "Classes/Sharing/ImgurService.h"
+#include "Classes/Sharing/WebDAVService.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -11,7 +15,15 @@ CloudServices &CloudServices::sharedCloudServices()
 {
     static CloudServices services;
     static const bool isFilled = [] {
-        services.setServices({std::make_shared<CloudAppService>(), std::make_shared<ImgurService>()});
+        services.setServices({std::make_shared<CloudAppService>(), std::make_shared<DropboxService>(),
+                              std::make_shared<ImgurService>(), std::make_shared<WebDAVService>()});
+        services.setSource([] {
+            List described;
+            for (const UploadDescription &each : CustomServices::all()) {
+                described.append(std::make_shared<CustomService>(each));
+            }
+            return described;
+        });
         return true;
     }();
     Q_UNUSED(isFilled)
