@@ -77,24 +77,29 @@ CloudMenu::CloudMenu(CloudButton &button, UserInteraction &user, QWidget *parent
     setMinimumWidth(menuWidth);
     setToolTipsVisible(true);
     connect(this, &QMenu::aboutToShow, this, &CloudMenu::fill);
-    connect(&button, &CloudButton::progressChanged, this, [this] {
-        if (isVisible() && m_button.isUploading() != bool(m_progress)) {
-            fill();
-        } else {
-            showProgress();
-        }
-    });
+    connect(&button, &CloudButton::progressChanged, this, &CloudMenu::showProgress);
+    connect(&button, &CloudButton::uploadingChanged, this, &CloudMenu::fillSoon);
     m_token = ZQNotificationCenter::defaultCenter().addObserver(CloudMenuViewController::menuDidUpdate, nullptr,
-                                                                [this](const ZQNotification &) {
-                                                                    if (isVisible()) {
-                                                                        fill();
-                                                                    }
-                                                                });
+                                                                [this](const ZQNotification &) { fillSoon(); });
     fill();
+}
+
+// Later: one of its entries may be what leads to it.
+void CloudMenu::fillSoon()
+{
+    const auto fillOpen = [this] {
+        if (isVisible()) {
+            fill();
+        }
+    };
+    QMetaObject::invokeMethod(this, fillOpen, Qt::QueuedConnection);
 }
 
 void CloudMenu::fill()
 {
+    if (m_services) {
+        m_services->deleteLater();
+    }
     m_progress = nullptr;
     m_bar = nullptr;
     clear();
@@ -185,7 +190,8 @@ void CloudMenu::addServices()
 {
     const CloudServices &services = CloudServices::sharedCloudServices();
     const auto inUse = services.adapterClassForUpload();
-    QMenu *menu = addMenu(line(zqLocalized("Share to"), inUse ? inUse->title() : zqLocalized("Nothing")));
+    m_services = addMenu(line(zqLocalized("Share to"), inUse ? inUse->title() : zqLocalized("Nothing")));
+    QMenu *const menu = m_services;
     menu->setToolTipsVisible(true);
     auto *group = new QActionGroup(menu);
     const QString chosen = ZQUserDefaults::standardUserDefaults().stringForKey(CloudServices::choiceKey);

@@ -2,6 +2,7 @@
 
 #include <QKeySequence>
 #include <QMenu>
+#include <QPointer>
 
 #include <memory>
 
@@ -24,6 +25,7 @@ Q_SIGNALS:
     void preferencesRequested();
 
 private:
+    void fillSoon(); // when it is open
     void addProgress();
     void addUploads();
     void addServices();
@@ -37,6 +39,7 @@ private:
     UserInteraction &m_user;
     QAction *m_progress = nullptr; // the two are there while files go up
     Bar *m_bar = nullptr;
+    QPointer<QMenu> m_services;
     QKeySequence m_preferencesKeys;
     std::shared_ptr<void> m_token;
 };

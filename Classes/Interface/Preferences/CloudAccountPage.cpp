@@ -92,6 +92,13 @@ void CloudAccountPage::store(QLineEdit *field, const QString &key)
     refresh();
 }
 
+void CloudAccountPage::storeFields()
+{
+    for (qsizetype i = 0; i < m_fields.size(); ++i) {
+        store(m_fields[i], m_keys[i]);
+    }
+}
+
 void CloudAccountPage::refresh()
 {
     for (qsizetype i = 0; i < m_fields.size(); ++i) {

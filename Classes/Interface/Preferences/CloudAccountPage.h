@@ -38,6 +38,7 @@ protected:
     // Fields lie in a form, whose place is where the first of them is added; "&" in the names marks keys.
     QLineEdit *addField(const QString &text, const QString &example, FieldKind kind = FieldKind::Plain);
     QLineEdit *addPreference(const QString &text, const QString &key, const QString &example);
+    void storeFields(); // of preferences, as they are now
     QLabel *addNote(const QString &text);
     void addLink(const QString &text, const QUrl &url); // opens the web browser
     QBoxLayout *addRow();                               // for buttons

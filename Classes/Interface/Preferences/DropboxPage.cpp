@@ -61,6 +61,7 @@ void DropboxPage::refresh()
 void DropboxPage::link()
 {
     showProblem({});
+    storeFields(); // a key that was pressed leaves the focus in the field
     DBSession::sharedSession().link([self = QPointer(this)](const ZQError &error) {
         if (!self) {
             return;

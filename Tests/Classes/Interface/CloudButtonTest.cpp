@@ -199,7 +199,7 @@ TEST_F(CloudButtonTest, TheMenuListsUploadsAndCopiesOrOpensTheirLinks)
     LatestUploads::add({first, QStringLiteral("one\tor & two"), now.addSecs(-7300)});
     LatestUploads::add({second, QStringLiteral("hero"), now.addSecs(-130)});
     CloudMenuViewController().updateCloudMenu();
-    EXPECT_FALSE(entry(QStringLiteral("No uploads yet"))) << "an open menu follows";
+    EXPECT_TRUE(waitFor([this] { return !entry(QStringLiteral("No uploads yet")); })) << "an open menu follows";
     QAction *hero = entry(QStringLiteral("hero\t"));
     ASSERT_TRUE(hero);
     EXPECT_FALSE(hero->text().contains(QStringLiteral("Copied")));
