@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Cloud/CloudButton.h"
 #include "Classes/Export/ExportItem.h"
+#include "Classes/Interface/Export/DirectSaveSource.h"
 #include "Classes/Interface/Export/ExportPanelViewController.h"
 #include "Classes/Interface/Export/PresetDrag.h"
 #include "Classes/Interface/Preferences/CloudPane.h"
@@ -10,6 +11,7 @@
 #include "Classes/Sharing/CloudUploader.h"
 #include "Classes/Sharing/LatestUploads.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Imaging/ZQImageExport.h"
 #include "Kit/Widgets/ZQNotificationBubble.h"
 #include "Tests/Classes/Interface/FakeCloudService.h"
 #include "Tests/Classes/Interface/MainWindowFixture.h"
