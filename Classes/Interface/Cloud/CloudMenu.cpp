@@ -44,7 +44,8 @@ QString line(const QString &left, const QString &right)
 class CloudMenu::Bar : public QWidget
 {
 public:
-    explicit Bar(QWidget *parent) : QWidget(parent) { setFixedHeight(12); }
+    explicit Bar(QWidget *parent) : QWidget(parent) {}
+    QSize sizeHint() const override { return {menuWidth / 2, 12}; } // without a width a menu gives it no place
     void setFraction(double fraction)
     {
         m_fraction = fraction;
