@@ -20,6 +20,7 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QPainter>
+#include <QStyleOptionMenuItem>
 #include <QUrl>
 #include <QWidgetAction>
 
@@ -29,6 +30,8 @@ namespace {
 
 constexpr int menuWidth = 320;
 constexpr int nameWidth = 150;
+constexpr int rightMargin = 12;
+constexpr int arrowWidth = 24;
 constexpr std::chrono::milliseconds copiedTime{1500};
 
 // What stands on the left, and what on the right: a tab parts them, and & would mark a key.
@@ -83,6 +86,30 @@ CloudMenu::CloudMenu(CloudButton &button, UserInteraction &user, QWidget *parent
     m_token = ZQNotificationCenter::defaultCenter().addObserver(CloudMenuViewController::menuDidUpdate, nullptr,
                                                                 [this](const ZQNotification &) { fillSoon(); });
     fill();
+}
+
+// What stands on the right is muted, and ends where the others do.
+void CloudMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const
+{
+    QMenu::initStyleOption(option, action);
+    option->text = option->text.section(u'\t', 0, 0);
+}
+
+void CloudMenu::paintEvent(QPaintEvent *event)
+{
+    QMenu::paintEvent(event);
+    QPainter painter(this);
+    painter.setFont(ZQTheme::current().font(ZQMeasure::smallTextSize));
+    for (QAction *action : actions()) {
+        const QString right = action->text().section(u'\t', 1);
+        const bool isActive = action == activeAction() && action->isEnabled();
+        painter.setPen(zqColor(isActive               ? ZQColorRole::AccentText
+                               : action == m_progress ? ZQColorRole::Accent
+                                                      : ZQColorRole::TextMuted));
+        const QRect place = actionGeometry(action);
+        painter.drawText(place.adjusted(0, 0, action->menu() ? -arrowWidth : -rightMargin, 0),
+                         Qt::AlignRight | Qt::AlignVCenter, right);
+    }
 }
 
 // Later: one of its entries may be what leads to it.

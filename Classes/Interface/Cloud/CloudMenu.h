@@ -24,6 +24,10 @@ public:
 Q_SIGNALS:
     void preferencesRequested();
 
+protected:
+    void initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const override;
+    void paintEvent(QPaintEvent *event) override;
+
 private:
     void fillSoon(); // when it is open
     void addProgress();
