@@ -6,6 +6,7 @@
 #include "Classes/Export/ExportManager.h"
 #include "Classes/Sharing/CloudServices.h"
 #include "Classes/Sharing/LatestUploads.h"
+#include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -195,7 +196,8 @@ void CloudUploader::enqueue(const QList<CloudFile> &files, CloudService &service
         auto adapter =
             service.makeAdapter(file.path, file.name, QUuid::createUuid().toString(QUuid::WithoutBraces), this);
         m_uploads.insert(adapter.get(), {adapter, batch});
-        adapter->setCompletionBlock([this, isAlive = m_isAlive, ended = adapter.get(), exported] {
+        adapter->setCompletionBlock([this, isAlive = m_isAlive, ended = adapter.get(), exported]() mutable {
+            exported.reset(); // before the queue counts one less
             zqOnMainThread([this, isAlive, ended] {
                 if (*isAlive) {
                     adapterDidFinish(ended);
@@ -314,7 +316,7 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
     if (!m_uploads.contains(&adapter)) {
         return;
     }
-    const QString url = LatestUploads::link(didUploadFile.value(QStringLiteral("url")).toString());
+    const QString url = ServiceAddress::link(didUploadFile.value(QStringLiteral("url")).toString());
     if (url.isEmpty()) {
         fail(UploadProblem::with(zqLocalized("The service did not say where the file is."),
                                  zqLocalized("It may have been uploaded all the same. Try again later.")));

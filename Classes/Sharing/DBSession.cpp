@@ -193,7 +193,9 @@ void DBSession::keep(const Tokens &tokens)
     store.setPassword(tokens.refresh.UTF8(), serviceOfSecrets, account,
                       [this, before, account, attempt](const ZQError &error) {
                           if (attempt != m_attempt) { // cancelled while the desktop asked the person
-                              forgetSecrets(serviceOfSecrets, {account}, [](const ZQError &) {});
+                              if (!before.contains(account)) {
+                                  forgetSecrets(serviceOfSecrets, {account}, [](const ZQError &) {});
+                              }
                               return;
                           }
                           if (!error.isNull()) {

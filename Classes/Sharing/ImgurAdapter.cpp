@@ -1,6 +1,6 @@
 #include "Classes/Sharing/ImgurAdapter.h"
 
-#include "Classes/Sharing/LatestUploads.h"
+#include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -155,7 +155,7 @@ void ImgurAdapter::came(const ZQHTTPResponse &response)
         return;
     }
     const QString link =
-        LatestUploads::link(answer.value(QStringLiteral("data")).toObject().value(QStringLiteral("link")).toString());
+        ServiceAddress::link(answer.value(QStringLiteral("data")).toObject().value(QStringLiteral("link")).toString());
     if (link.isEmpty()) {
         uploadFailed(UploadProblem::with(
             zqFormat(zqLocalized("%@ did not say where the file is."), {response.url.host()}),

@@ -1,12 +1,10 @@
 #include "Classes/Sharing/LatestUploads.h"
 
+#include "Classes/Sharing/ServiceAddress.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLog.h"
 
-#include <QUrl>
 #include <QVariantMap>
-
-#include <algorithm>
 
 namespace {
 const QString urlKey = QStringLiteral("url");
@@ -19,8 +17,8 @@ QList<LatestUpload> LatestUploads::all()
     QList<LatestUpload> uploads;
     for (const QVariant &each : ZQUserDefaults::standardUserDefaults().objectForKey(storageKey).toList()) {
         const QVariantMap entry = each.toMap();
-        const LatestUpload upload{link(entry.value(urlKey).toString()), entry.value(filenameKey).toString(),
-                                  entry.value(dateKey).toDateTime()};
+        const LatestUpload upload{ServiceAddress::link(entry.value(urlKey).toString()),
+                                  entry.value(filenameKey).toString(), entry.value(dateKey).toDateTime()};
         if (!upload.url.isEmpty() && upload.date.isValid() && uploads.size() < most) {
             uploads.append(upload);
         }
@@ -42,16 +40,4 @@ void LatestUploads::add(const LatestUpload &upload)
         qCWarning(zqLogApplication).noquote()
             << "The latest uploads could not be kept:" << error.localizedDescription();
     }
-}
-
-// It is pasted anywhere, also into a terminal, where a line break is a command.
-QString LatestUploads::link(const QString &text)
-{
-    constexpr qsizetype longest = 8192;
-    const bool isPlain = text.size() <= longest && std::none_of(text.begin(), text.end(), [](QChar each) {
-                             return !each.isPrint() || each.isSpace();
-                         });
-    const QUrl url = isPlain ? QUrl(text, QUrl::StrictMode) : QUrl();
-    const bool isOfWeb = url.scheme() == u"http" || url.scheme() == u"https";
-    return url.isValid() && isOfWeb && !url.host().isEmpty() ? text : QString();
 }

@@ -22,7 +22,4 @@ constexpr qsizetype most = 10;
 QList<LatestUpload> all(); // entries that are none are left out
 void add(const LatestUpload &upload);
 
-// Text that may be handed to a person as the link of an upload: a web address in one line. Empty when it is none.
-QString link(const QString &text);
-
 } // namespace LatestUploads

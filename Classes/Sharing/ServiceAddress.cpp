@@ -32,9 +32,10 @@ std::optional<QUrl> ServiceAddress::from(const QString &text, ZQError *error)
     QUrl url(plain.contains(u"://") ? plain : QStringLiteral("https://") + plain, QUrl::StrictMode);
     const bool isWeb = url.scheme() == u"https" || url.scheme() == u"http";
     if (plain.isEmpty() || !url.isValid() || url.host().isEmpty() || !isWeb) {
+        const QString shown = plain.section(u'@', -1); // a login in it is nobody's business
         zqSetError(
             error,
-            refusal(zqLocalized("“%@” is not the address of a server. Enter one like https://example.org."), plain));
+            refusal(zqLocalized("“%@” is not the address of a server. Enter one like https://example.org."), shown));
         return {};
     }
     if (!url.userInfo().isEmpty() || url.hasQuery() || url.hasFragment()) {

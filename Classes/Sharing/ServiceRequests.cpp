@@ -10,6 +10,7 @@ namespace {
 
 constexpr int mostTimesBusy = 3;
 constexpr std::chrono::seconds usualWait{1};
+constexpr std::chrono::seconds longestWait{60};
 constexpr qint64 largestAnswer = qint64(1) << 20;
 
 } // namespace
@@ -68,7 +69,7 @@ void ServiceRequests::came(const std::shared_ptr<UnderWay> &underWay, const ZQHT
 {
     const bool isBusy = response.statusCode == 429 || response.statusCode == 503;
     const std::chrono::milliseconds pause = response.retryAfter().value_or(usualWait);
-    if (isBusy && pause <= m_longestWait && underWay->timesBusy < mostTimesBusy) {
+    if (isBusy && pause <= longestWait && underWay->timesBusy < mostTimesBusy) {
         ++underWay->timesBusy;
         underWay->wait.start(pause);
         return;

@@ -2,7 +2,6 @@
 
 #include "Kit/Network/ZQHTTPRequest.h"
 
-#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -22,7 +21,6 @@ public:
     // A server that is too busy for it (429 and 503) is asked again after the time that it names, a few times.
     void perform(const ZQHTTPRequest &request, Answered answered, Sent sent = {});
     void cancel();
-    void setLongestWait(std::chrono::milliseconds time) { m_longestWait = time; } // for what is too busy; longer: fails
 
 private:
     struct UnderWay;
@@ -31,5 +29,4 @@ private:
 
     std::shared_ptr<ZQHTTPConnections> m_connections;
     std::shared_ptr<UnderWay> m_underWay; // null: there is none
-    std::chrono::milliseconds m_longestWait{60'000};
 };

@@ -230,9 +230,10 @@ private:
 
     void checkContentType(bool isForm)
     {
-        for (const auto &[name, value] : isForm ? m_read.headers : UploadDescription::Pairs()) {
+        const LinedJSON *const headers = m_root.member(QStringLiteral("headers"));
+        for (const auto &[name, value] : isForm &&headers ? headers->members : decltype(m_root.members)()) {
             if (name.compare(u"content-type", Qt::CaseInsensitive) == 0) {
-                fail(m_root, zqLocalized("A form has a content type of its own: leave out the header."));
+                fail(value, zqLocalized("A form has a content type of its own: leave out the header."));
             }
         }
     }

@@ -11,11 +11,7 @@ protected:
     DropboxUploadTest()
     {
         storeAccount();
-        server.setHandler(QStringLiteral("/2/files/create_folder_v2"), [](const Request &asked) {
-            return json("{\"metadata\": {\"path_display\": " +
-                        QJsonDocument::fromJson(asked.body).object().value(u"path").toString().toUtf8().prepend('"') +
-                        "\"}}");
-        });
+        server.setAnswer(QStringLiteral("/2/files/create_folder_v2"), made);
         server.setHandler(QStringLiteral("/2/files/upload"),
                           [](const Request &asked) { return stored(argument(asked)); });
         server.setAnswer(share, json(R"({".tag": "file", "url": "https://www.dropbox.com/scl/fi/x?dl=0"})"));
@@ -71,6 +67,7 @@ protected:
                           [](const Request &asked) { return stored(argument(asked).value(u"commit").toObject()); });
     }
 
+    const Answer made = json(R"({"metadata": {"path_display": "/ID"}})");
     const QString share = QStringLiteral("/2/sharing/create_shared_link_with_settings");
     DBUpload::Sizes sizes{.piece = 0};
     QByteArray received; // server's thread
@@ -82,10 +79,11 @@ TEST_F(DropboxUploadTest, AFileGoesIntoAFolderOfItsOwnAndItsLinkIsTold)
     run(make());
     EXPECT_EQ(link, QStringLiteral("https://www.dropbox.com/scl/fi/x?dl=0")) << problem();
     EXPECT_EQ(progress, 1);
-    const Request made = requestFor(QStringLiteral("/2/files/create_folder_v2"));
-    EXPECT_EQ(made.headers.value("authorization"), QByteArray("Bearer A1"));
-    EXPECT_EQ(made.headers.value("content-type"), QByteArray("application/json"));
-    EXPECT_EQ(QJsonDocument::fromJson(made.body), QJsonDocument::fromJson(R"({"path": "/ID", "autorename": false})"));
+    const Request folderMade = requestFor(QStringLiteral("/2/files/create_folder_v2"));
+    EXPECT_EQ(folderMade.headers.value("authorization"), QByteArray("Bearer A1"));
+    EXPECT_EQ(folderMade.headers.value("content-type"), QByteArray("application/json"));
+    EXPECT_EQ(QJsonDocument::fromJson(folderMade.body),
+              QJsonDocument::fromJson(R"({"path": "/ID", "autorename": false})"));
     const Request sent = requestFor(QStringLiteral("/2/files/upload"));
     EXPECT_EQ(sent.body, contents);
     EXPECT_EQ(sent.headers.value("content-type"), QByteArray("application/octet-stream"));
@@ -188,16 +186,18 @@ TEST_F(DropboxUploadTest, FailuresEndInOneMessage)
          UploadProblem::errorDomain},
         {mkdir, json("[]"), DBSession::errorDomain},
         {upload, json(R"({"error_summary": "path/insufficient_space/.."})", 409), UploadProblem::errorDomain},
-        {upload, Answer{.status = 500, .headers = {{"Content-Type", "text/html"}}, .body = "<h1>"}, zqNetworkErrorDomain},
+        {upload, Answer{.status = 500, .headers = {{"Content-Type", "text/html"}}, .body = "<h1>"},
+         zqNetworkErrorDomain},
         {upload, Answer{.zeros = qint64(2) << 30}, zqNetworkErrorDomain},
         {upload, Answer{.endsBeforeHead = true}, zqNetworkErrorDomain},
-        {share, json(R"({"url": "javascript:alert(1)"})"), DBSession::errorDomain},
+        {share, json(R"x({"url": "javascript:alert(1)"})x"), DBSession::errorDomain},
         {share, Answer::redirect("/loop"), zqNetworkErrorDomain},
         {share, busy(), zqNetworkErrorDomain},
         {QStringLiteral("/oauth2/token"), json(R"({"error": "invalid_grant"})", 400), UploadProblem::errorDomain},
     };
     for (const auto &each : cases) {
-        const Answer before = each.at == share ? json(R"({"url": "https://www.dropbox.com/x"})") : Answer();
+        server.setAnswer(mkdir, made);
+        server.setAnswer(upload, json(R"({"path_display": "/ID/x.png"})"));
         server.setAnswer(each.at, each.answer);
         if (each.at.endsWith(u"token")) {
             session.forgetAccessToken();
@@ -206,13 +206,6 @@ TEST_F(DropboxUploadTest, FailuresEndInOneMessage)
         EXPECT_TRUE(link.isEmpty()) << each.at.toStdString();
         ASSERT_TRUE(error) << each.at.toStdString();
         EXPECT_EQ(error->domain, each.domain) << each.at.toStdString() << problem();
-        if (each.at == mkdir) {
-            server.setAnswer(mkdir, json(R"({"metadata": {"path_display": "/ID"}})"));
-        } else if (each.at == upload) {
-            server.setAnswer(upload, json(R"({"path_display": "/ID/x.png"})"));
-        } else {
-            server.setAnswer(each.at, before);
-        }
     }
 }
 
