@@ -5,12 +5,9 @@
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/ServiceRequests.h"
 #include "Kit/Foundation/ZQLocalized.h"
-
-#include <QLoggingCategory>
+#include "Kit/Foundation/ZQLog.h"
 
 namespace {
-
-Q_LOGGING_CATEGORY(logAccount, "zelto.sharing")
 
 constexpr int unauthorized = 401;
 
@@ -127,7 +124,7 @@ void CloudAppAccount::disconnect(std::function<void(const ZQError &error)> ended
     }
     SecretStore::shared().deletePassword(service, account, [ended](const ZQError &error) {
         if (!error.isNull()) {
-            qCWarning(logAccount, "Error while deleting keychain entry %s",
+            qCWarning(zqLogApplication, "Error while deleting keychain entry %s",
                       qUtf8Printable(error.localizedDescription()));
         }
         ended(error);

@@ -76,9 +76,12 @@ ZQError KeychainSecretStore::errorOf(const QKeychain::Job &job)
     case QKeychain::OtherError:
         break;
     }
-    return hasKeeper() ? ZQError::with(errorDomain, Failed,
-                                       zqFormat(zqLocalized("The keyring cannot be used: %@"), {job.errorString()}))
-                       : unavailable();
+    return hasKeeper()
+               ? ZQError::with(errorDomain, Failed,
+                               zqFormat(zqLocalized("The keyring cannot be used: %@"), {job.errorString()}),
+                               zqLocalized("Look whether it is unlocked, in the desktop's program for passwords, and "
+                                           "try again."))
+               : unavailable();
 }
 
 QStringList KeychainSecretStore::accountsOfService(const QString &service) const

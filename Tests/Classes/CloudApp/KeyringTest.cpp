@@ -60,7 +60,15 @@ bool isWrittenBelow(const QString &folder, const QByteArray &words)
     return false;
 }
 
-// The two below run in the sessions that the tests after them make.
+void expectNoTrace()
+{
+    EXPECT_TRUE(SecretStore::shared().accountsOfService(service).isEmpty());
+    EXPECT_FALSE(read(mine).first);
+    EXPECT_FALSE(isWrittenBelow(QDir::homePath(), password));
+    EXPECT_FALSE(isWrittenBelow(qEnvironmentVariable("XDG_CONFIG_HOME"), password));
+}
+
+// The three below run in the sessions that the tests after them make.
 
 TEST(InSession, DISABLED_WithAKeyring)
 {
@@ -93,11 +101,17 @@ TEST(InSession, DISABLED_WithoutOne)
     EXPECT_EQ(error.code, int(SecretStore::Unavailable)) << error.localizedDescription().toStdString();
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("Nothing was stored.")));
     EXPECT_FALSE(error.localizedDescription().contains(QString::fromUtf8(password)));
-    EXPECT_TRUE(SecretStore::shared().accountsOfService(service).isEmpty());
-    EXPECT_FALSE(read(mine).first);
     EXPECT_FALSE(remove(mine).isNull());
-    EXPECT_FALSE(isWrittenBelow(QDir::homePath(), password));
-    EXPECT_FALSE(isWrittenBelow(qEnvironmentVariable("XDG_CONFIG_HOME"), password));
+    expectNoTrace();
+}
+
+TEST(InSession, DISABLED_WithALockedOne)
+{
+    const ZQError error = store(mine, password);
+    EXPECT_EQ(error.domain, SecretStore::errorDomain);
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("try again")))
+        << error.localizedDescription().toStdString();
+    expectNoTrace();
 }
 
 class KeyringTest : public testing::Test
@@ -147,6 +161,12 @@ TEST_F(KeyringTest, PasswordsGoIntoTheKeyringOfTheSessionAndNowhereElse)
         QStringList{QStringLiteral("--"), QStringLiteral("sh"), QStringLiteral("-c"), script, QStringLiteral("sh"),
                     QCoreApplication::applicationFilePath()} +
             only("WithAKeyring"));
+}
+
+TEST_F(KeyringTest, ALockedKeyringThatNobodyCanUnlockIsSaid)
+{
+    run(environment(), QStringLiteral("dbus-run-session"),
+        QStringList{QStringLiteral("--"), QCoreApplication::applicationFilePath()} + only("WithALockedOne"));
 }
 
 TEST_F(KeyringTest, WithoutAKeyringThePersonIsToldAndNothingIsWritten)
