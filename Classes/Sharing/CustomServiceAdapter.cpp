@@ -113,7 +113,7 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
     }
     bool hasType = !m_description.file.isEmpty();
     for (const auto &[name, value] : m_description.headers) {
-        filled.headers.append({name.toLatin1(), UploadDescription::filledIn(value, secrets).toUtf8()});
+        filled.headers.append(std::pair(name.toLatin1(), UploadDescription::filledIn(value, secrets).toUtf8()));
         hasType = hasType || name.compare(u"Content-Type", Qt::CaseInsensitive) == 0;
     }
     if (!hasType) {

@@ -57,8 +57,8 @@ QStringList UploadDescription::secrets() const
 {
     QStringList names;
     for (const Pairs &pairs : {headers, fields}) {
-        for (const auto &[name, value] : pairs) {
-            for (auto each = placeholder().globalMatch(value); each.hasNext();) {
+        for (const auto &pair : pairs) {
+            for (auto each = placeholder().globalMatch(pair.second); each.hasNext();) {
                 if (const QString secret = each.next().captured(1); !names.contains(secret)) {
                     names.append(secret);
                 }
@@ -71,7 +71,7 @@ QStringList UploadDescription::secrets() const
 QString UploadDescription::destination() const
 {
     const QString port = url.port() < 0 ? QString() : u':' + QString::number(url.port());
-    return (url.scheme() == u"https" ? QString() : url.scheme() + u"://") + url.host() + port;
+    return (url.scheme() == u"https" ? QString() : url.scheme() + QStringLiteral("://")) + url.host() + port;
 }
 
 QString UploadDescription::filledIn(const QString &text, const QHash<QString, ZQSecret> &secrets)

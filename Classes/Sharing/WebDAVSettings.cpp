@@ -89,7 +89,7 @@ std::optional<WebDAVSettings::Addresses> WebDAVSettings::addresses(ZQError *erro
     const qsizetype files = path.indexOf(u"/remote.php");
     base.setPath(files < 0 ? path : path.first(files), QUrl::StrictMode);
     const bool isWhole = files >= 0 && path.mid(files).startsWith(u"/remote.php/dav/files/");
-    return Addresses{isWhole ? *given : ServiceAddress::below(base, u"/remote.php/dav/files/" + user.trimmed()),
+    return Addresses{isWhole ? *given : ServiceAddress::below(base, QStringLiteral("/remote.php/dav/files/") + user.trimmed()),
                      *plain,
                      ServiceAddress::below(base, QStringLiteral("/ocs/v2.php/apps/files_sharing/api/v1/shares")),
                      {}};

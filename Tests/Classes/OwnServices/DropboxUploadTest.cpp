@@ -54,7 +54,8 @@ protected:
             if (const auto special = answer(++pieces, asked)) {
                 return *special;
             }
-            if (cursor.value(u"offset").toInteger() != received.size() || cursor.value(u"session_id") != u"S") {
+            if (cursor.value(u"offset").toInteger() != received.size() ||
+                cursor.value(u"session_id").toString() != u"S") {
                 return json("{\"error_summary\": \"incorrect_offset/..\", \"error\": {\".tag\": \"incorrect_offset\", "
                             "\"correct_offset\": " +
                                 QByteArray::number(received.size()) + "}}",
