@@ -1,5 +1,6 @@
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 
+#include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Preferences/CloudPane.h"
 #include "Classes/Interface/Preferences/LibraryPane.h"
 #include "Classes/Interface/Preferences/PreferencesPanes.h"
