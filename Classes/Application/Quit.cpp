@@ -18,8 +18,12 @@
 
 #include <QCoreApplication>
 
+#include <chrono>
+
 namespace {
 constexpr std::chrono::milliseconds drainStep{400};
+constexpr std::chrono::milliseconds uploadStep{20};
+constexpr std::chrono::seconds longestEndOfUploads{5};
 constexpr int pathsPerRemoval = 1000;
 } // namespace
 
@@ -28,6 +32,32 @@ Quit::Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, Le
     : m_running(running), m_places(places), m_store(store), m_leftovers(leftovers), m_storeWork(storeWork),
       m_removals(removals)
 {
+}
+
+bool Quit::mayEndUploads()
+{
+    const CloudUploading *const uploads = m_running.cloudUploading();
+    if (!uploads || !uploads->isUploading()) {
+        return true;
+    }
+    const int answer = m_running.userInteraction().ask(
+        {zqLocalized("Zelto is uploading files"),
+         zqLocalized("Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be."),
+         {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
+         {},
+         true});
+    return answer == 0 || !uploads->isUploading(); // the last may have arrived while the question stood there
+}
+
+// They end at once; one that cannot, for whatever reason, keeps nobody.
+void Quit::endUploads()
+{
+    if (CloudUploading *const uploads = m_running.cloudUploading()) {
+        uploads->cancelUploads();
+        const auto latest = std::chrono::steady_clock::now() + longestEndOfUploads;
+        zqRunMainLoopUntil([=] { return !uploads->hasUploadsLeft() || std::chrono::steady_clock::now() > latest; },
+                           uploadStep);
+    }
 }
 
 bool Quit::stopRunningImports()
@@ -102,10 +132,11 @@ TerminateReply Quit::applicationShouldTerminate()
     if (ScreenCaptureControlling *const capture = m_running.capture()) {
         capture->finishStoring(); // what was taken a moment ago is an import like any other then
     }
-    if (!stopRunningImports()) {
+    if (!mayEndUploads() || !stopRunningImports()) {
         return TerminateReply::Cancel;
     }
     m_isEnding = true;
+    endUploads();
     m_storeWork.stop();
     m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), NotificationPlace::Window,
                                                          usualNotificationTime);

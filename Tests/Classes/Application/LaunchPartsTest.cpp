@@ -39,6 +39,10 @@ struct FakeCapture : ScreenCaptureControlling
     explicit FakeCapture(QStringList &heard) : calls(heard) {}
     ~FakeCapture() override { calls.append(QStringLiteral("released")); }
     void loadView() override { calls.append(QStringLiteral("loaded")); }
+    void snapArea() override {}
+    void snapWindow() override {}
+    void snapFullScreen() override {}
+    void snapWebsite(const QString & /*pageURL*/, const QRect & /*frame*/) override {}
     QStringList &calls;
 };
 
