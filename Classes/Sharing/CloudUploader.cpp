@@ -196,8 +196,8 @@ void CloudUploader::enqueue(const QList<CloudFile> &files, CloudService &service
         auto adapter =
             service.makeAdapter(file.path, file.name, QUuid::createUuid().toString(QUuid::WithoutBraces), this);
         m_uploads.insert(adapter.get(), {adapter, batch});
-        adapter->setCompletionBlock([this, isAlive = m_isAlive, ended = adapter.get(), exported]() mutable {
-            exported.reset(); // before the queue counts one less
+        adapter->setCompletionBlock([this, isAlive = m_isAlive, ended = adapter.get(), held = exported]() mutable {
+            held.reset(); // before the queue counts one less
             zqOnMainThread([this, isAlive, ended] {
                 if (*isAlive) {
                     adapterDidFinish(ended);
