@@ -8,6 +8,15 @@
 #include <algorithm>
 #include <array>
 
+namespace {
+
+bool hasControl(const QByteArray &text)
+{
+    return std::any_of(text.begin(), text.end(), [](char each) { return uchar(each) < 0x20 || each == 0x7f; });
+}
+
+} // namespace
+
 // Several challenges in a row, each a scheme and its parameters, all of them divided by commas.
 struct ZQHTTPChallengeReader
 {
@@ -77,6 +86,9 @@ struct ZQHTTPChallengeReader
 
     static std::optional<ZQHTTPChallenge> challengeOf(const Challenge &read)
     {
+        if (std::any_of(read.parameters.cbegin(), read.parameters.cend(), hasControl)) {
+            return std::nullopt; // the answer repeats them, in a header
+        }
         ZQHTTPChallenge challenge;
         challenge.m_realm = read.parameters.value("realm");
         if (read.scheme == "basic") {
@@ -140,7 +152,7 @@ QByteArray ZQHTTPChallenge::answer(const QString &user, const ZQSecret &password
                                    const QByteArray &target, QByteArray clientNonce)
 {
     const QByteArray name = user.toUtf8();
-    if (std::any_of(name.begin(), name.end(), [](char each) { return uchar(each) < 0x20 || each == 0x7f; })) {
+    if (hasControl(name)) {
         return {};
     }
     if (isDigest()) {

@@ -334,8 +334,9 @@ TEST(HTTPChallengeTest, AnswersAreThoseOfTheStandard)
             EXPECT_FALSE(given.contains("nc"));
         }
     }
-    for (const char *challenge : {"", "Negotiate", "Digest realm=\"x\"", "Digest nonce=\"x\", algorithm=SHA-512-256",
-                                  "=,\"=\"\\", "Basi\"c", "Digest nonce=\"x\", qop=\"auth-int\""}) {
+    for (const char *challenge :
+         {"", "Negotiate", "Digest realm=\"x\"", "Digest nonce=\"x\", algorithm=SHA-512-256", "=,\"=\"\\", "Basi\"c",
+          "Digest nonce=\"x\", qop=\"auth-int\"", "Digest nonce=\"x\nCookie: y\""}) {
         EXPECT_FALSE(ZQHTTPChallenge::strongestIn(challenge)) << challenge;
     }
     auto basic = ZQHTTPChallenge::strongestIn("Basic realm=\"x\"");
