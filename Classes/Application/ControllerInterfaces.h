@@ -49,6 +49,20 @@ struct CutOffImports
     QSet<QString> saved;            // the bundleIDs of items that the store named once
 };
 
+// What became of the import of a file that somebody waits for.
+struct ImportEnd
+{
+    enum class Kind : quint8 {
+        Imported,
+        Failed,
+        Cancelled,
+        GoesOn, // it is cut off; the next launch offers to go on with it, and needs the file
+    };
+    Kind kind = Kind::Failed;
+    QString reason;    // localized: why it is not imported
+    QStringList items; // the item directories' names
+};
+
 // The import manager, as the application sees it. Main thread.
 class ImportManaging
 {
@@ -56,6 +70,10 @@ public:
     virtual ~ImportManaging() = default;
     virtual void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                                     const QVariantMap &metadata) = 0;
+    // To the end of the entry, and without a question where the library has the same already. `done` is called once,
+    // when the file is in the library or will not be.
+    virtual void importFile(const QString &path, const ZQObjectID &intoSidebarItemID, const QVariantMap &metadata,
+                            std::function<void(const ImportEnd &end)> done) = 0;
     // Makes items again of item directories that no item names, by the directories' names, where they lie: nothing in
     // them is copied, moved or removed. In the background. `done` is called on the main thread with how many became
     // items and whether all were seen to; those that gave none keep their directories.

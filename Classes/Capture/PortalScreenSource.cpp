@@ -19,11 +19,11 @@ QList<ScreenInfo> PortalScreenSource::screens() const
     return infos;
 }
 
-void PortalScreenSource::captureRect(const QRect &rect, Taken taken)
+void PortalScreenSource::captureRect(const QRect & /*rect*/, Taken taken)
 {
-    captureAllScreens([rect, taken = std::move(taken)](const QImage &image, const ZQError &error) {
-        taken(image.isNull() ? image : image.copy(rect), error);
-    });
+    taken({}, ZQError::with(QStringLiteral("ScreenCapture"), 2,
+                            zqLocalized("This desktop lets no program choose a part of its screen. Choose it in the "
+                                        "desktop's own dialog, which Capture Area opens.")));
 }
 
 void PortalScreenSource::ask(bool isInteractive, Taken taken)

@@ -123,28 +123,37 @@ void ZeltoKunViewController::setHotKeysPaused(bool paused)
 
 // Captures.
 
-void ZeltoKunViewController::snap(ScreenshotSession::Kind kind, Ended ended)
+quint64 ZeltoKunViewController::snap(ScreenshotSession::Kind kind, Ended ended)
 {
     cancel();
+    const quint64 number = ++m_number;
     if (!m_screenSource) {
         fail(captureError(zqLocalized("There is no display here that could be captured. Start Zelto within a desktop "
                                       "session.")),
              ended);
-        return;
+        return number;
     }
     if (!m_interface) {
         fail(captureError(zqLocalized("Without its window Zelto takes no pictures of the screen.")), ended);
-        return;
+        return number;
     }
     m_ended = std::move(ended);
     m_session = m_interface->makeSession(*m_screenSource, *this);
     m_session->begin(kind);
+    return number;
 }
 
 void ZeltoKunViewController::cancel()
 {
     if (m_session) {
         m_session->cancel(); // comes back, and lets go of it
+    }
+}
+
+void ZeltoKunViewController::cancel(quint64 number)
+{
+    if (number == m_number) {
+        cancel();
     }
 }
 
@@ -164,12 +173,12 @@ void ZeltoKunViewController::openZelto()
 
 void ZeltoKunViewController::fail(const ZQError &error, const Ended &ended)
 {
-    const bool isKnown = error.domain == CaptureStore::errorDomain && error.code == CaptureStore::GivenUp;
+    const bool isKnown = error.domain == CaptureStore::errorDomain && error.code != CaptureStore::NotOpen;
     if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate(); delegate && !ended && !isKnown) {
         delegate->userInteraction().presentError(error);
     }
     if (ended) {
-        ended(Outcome::Failed, error);
+        ended({Outcome::Failed, error});
     }
 }
 
@@ -191,9 +200,7 @@ void ZeltoKunViewController::screenshotViewController(ScreenshotSession & /*sess
                                                       const QImage &didTakeScreenshotImage, const QString &imageName)
 {
     letGoOfSession();
-    const Ended ended = std::exchange(m_ended, nullptr);
-    m_store.store(didTakeScreenshotImage, imageName, {},
-                  [this, ended](const ZQError &error) { didStore(error, ended); });
+    m_store.store(didTakeScreenshotImage, imageName, {}, tellerFor(std::exchange(m_ended, nullptr)));
 }
 
 void ZeltoKunViewController::screenshotViewControllerDidEnd(ScreenshotSession & /*session*/, const ZQError &error)
@@ -203,7 +210,7 @@ void ZeltoKunViewController::screenshotViewControllerDidEnd(ScreenshotSession & 
     if (!error.isNull()) {
         fail(error, ended);
     } else if (ended) {
-        ended(Outcome::CalledOff, {});
+        ended({Outcome::CalledOff});
     }
 }
 
@@ -223,15 +230,26 @@ void ZeltoKunViewController::storeWebCapture(const QString &didTakeFile, const Q
     if (const QString title = andPageTitle.simplified(); !title.isEmpty()) {
         metadata.insert(QStringLiteral("title"), title);
     }
-    m_store.importFile(didTakeFile, metadata,
-                       [this, ended = std::move(ended)](const ZQError &error) { didStore(error, ended); });
+    m_store.importFile(didTakeFile, metadata, tellerFor(std::move(ended)));
 }
 
-void ZeltoKunViewController::didStore(const ZQError &error, const Ended &ended)
+CaptureStore::Told ZeltoKunViewController::tellerFor(Ended ended)
+{
+    return {.importDidBegin = &comeForward,
+            .didEnd = [this, ended = std::move(ended)](const QStringList &items, const ZQError &error) {
+                if (!error.isNull()) {
+                    fail(error, ended);
+                } else if (ended) {
+                    ended({Outcome::Stored, {}, items});
+                }
+            }};
+}
+
+// Not once the import has ended: others may be before it, and a window that comes forward much later only disturbs.
+void ZeltoKunViewController::comeForward()
 {
     tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
-    if (!error.isNull() || !delegate) {
-        fail(error, ended);
+    if (!delegate) {
         return;
     }
     if (isOn("AfterScreenshotOpenZelto")) {
@@ -244,8 +262,5 @@ void ZeltoKunViewController::didStore(const ZQError &error, const Ended &ended)
         if (screenshots) {
             window->selectSidebarItem(screenshots->objectID());
         }
-    }
-    if (ended) {
-        ended(Outcome::Stored, {});
     }
 }

@@ -31,8 +31,15 @@ class ZeltoKunViewController : public QObject,
     Q_OBJECT
 public:
     enum class Outcome { Stored, CalledOff, Failed };
-    // Called once. Where there is one, it is who tells the person what failed.
-    using Ended = std::function<void(Outcome outcome, const ZQError &error)>;
+    struct End
+    {
+        Outcome outcome = Outcome::CalledOff;
+        ZQError error = {};     // of what failed
+        QStringList items = {}; // stored: the item directories' names
+    };
+    // Called once, what is stored being in the library by then. Where there is one, it is who tells the person what
+    // failed.
+    using Ended = std::function<void(const End &end)>;
 
     explicit ZeltoKunViewController(CaptureParts parts);
     ~ZeltoKunViewController() override;
@@ -43,8 +50,10 @@ public:
     void snapFullScreen() override { snap(ScreenshotSession::Kind::FullScreen, {}); }
     void snapWebsite(const QString &pageURL, const QRect &frame) override;
     void openZelto();
-    void snap(ScreenshotSession::Kind kind, Ended ended);
-    void cancel(); // the capture that goes on, as the person would
+    // The number is for `cancel`, which leaves alone those that others began since.
+    quint64 snap(ScreenshotSession::Kind kind, Ended ended);
+    void cancel(); // the choice that goes on, as the person would
+    void cancel(quint64 number);
     QString problemOfHotKey(const QString &command) const override;
     void setHotKeysPaused(bool paused) override;
     void finishStoring() override { m_store.finish(); }
@@ -65,7 +74,8 @@ private:
     void registerHotKey(const Command &command);
     void fail(const ZQError &error, const Ended &ended);
     void letGoOfSession();
-    void didStore(const ZQError &error, const Ended &ended);
+    CaptureStore::Told tellerFor(Ended ended);
+    static void comeForward(); // as the person wants it after a capture
 
     std::unique_ptr<ScreenSource> m_screenSource;
     CaptureInterface *const m_interface;
@@ -73,6 +83,7 @@ private:
     CaptureStore m_store;
     std::unique_ptr<ScreenshotSession> m_session;
     Ended m_ended; // of the session
+    quint64 m_number = 0;
     bool m_areHotKeysPaused = false;
     ZQUserDefaults::Token m_defaults;
     ZQNotificationCenter::Token m_hotKeyState;

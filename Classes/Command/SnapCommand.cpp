@@ -1,24 +1,16 @@
+#include "Classes/Command/CaptureStatus.h"
 #include "Classes/Command/Commands.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Capture/ZeltoKunViewController.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
-#include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 
 namespace {
-
-// What became of a capture, once that is known.
-struct Capture
-{
-    bool hasEnded = false;
-    ZeltoKunViewController::Outcome outcome = ZeltoKunViewController::Outcome::CalledOff;
-    ZQError error;
-};
 
 ScreenshotSession::Kind kindOf(SnapKind kind)
 {
@@ -33,20 +25,24 @@ ScreenshotSession::Kind kindOf(SnapKind kind)
     return ScreenshotSession::Kind::FullScreen;
 }
 
-int statusOf(const Capture &capture, CommandContext &context)
+} // namespace
+
+int zqStatusOfCapture(const std::optional<ZeltoKunViewController::End> &end, CommandContext &context)
 {
-    switch (capture.outcome) {
+    if (!end) {
+        return context.fail(zqLocalized("Zelto quit before the picture was in the library; where it was being imported, "
+                                        "the import goes on when Zelto opens the library the next time"));
+    }
+    switch (end->outcome) {
     case ZeltoKunViewController::Outcome::Stored:
         return 0;
     case ZeltoKunViewController::Outcome::Failed:
-        return context.fail(capture.error.localizedDescription());
+        return context.fail(end->error.localizedDescription());
     case ZeltoKunViewController::Outcome::CalledOff:
         break;
     }
     return 1;
 }
-
-} // namespace
 
 int zqRunSnap(SnapKind kind, CommandContext &context)
 {
@@ -55,26 +51,21 @@ int zqRunSnap(SnapKind kind, CommandContext &context)
     if (!controller) {
         return context.fail(zqLocalized("this process takes no pictures of the screen"));
     }
-    const auto capture = std::make_shared<Capture>();
-    controller->snap(kindOf(kind), [capture](ZeltoKunViewController::Outcome outcome, const ZQError &error) {
-        *capture = {true, outcome, error};
-    });
+    const auto end = std::make_shared<std::optional<ZeltoKunViewController::End>>();
+    const quint64 number =
+        controller->snap(kindOf(kind), [end](const ZeltoKunViewController::End &ended) { *end = ended; });
     // Whoever goes away, as by Ctrl+C, calls it off.
-    const auto hasEnded = [capture, controller, isAbandoned = context.isAbandoned] {
-        if (!capture->hasEnded && controller && isAbandoned && isAbandoned()) {
-            controller->cancel();
+    const auto hasEnded = [end, number, controller, isAbandoned = context.isAbandoned] {
+        if (!*end && controller && isAbandoned && isAbandoned()) {
+            controller->cancel(number);
         }
-        return capture->hasEnded || !controller;
+        return *end || !controller;
     };
-    if (context.mayBeFinishedLater && !capture->hasEnded) {
-        context.pending =
-            PendingCommand{hasEnded, [capture](CommandContext &finished) { return statusOf(*capture, finished); }, {}};
+    if (context.mayBeFinishedLater && !*end) {
+        context.pending = PendingCommand{
+            hasEnded, [end](CommandContext &finished) { return zqStatusOfCapture(*end, finished); }, {}};
         return 0;
     }
     zqRunMainLoopUntil(hasEnded);
-    if (!context.mayBeFinishedLater) { // nobody else would see to it that the import ends
-        ZQOperationQueue &imports = context.delegate->backgroundOperationQueue();
-        zqRunMainLoopUntil([&imports] { return imports.operationCount() == 0; });
-    }
-    return statusOf(*capture, context);
+    return zqStatusOfCapture(*end, context);
 }

@@ -3,9 +3,8 @@
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Capture/WebPageCapture.h"
+#include "Classes/Command/CaptureStatus.h"
 #include "Classes/Command/ItemListing.h"
-#include "Classes/Import/AImportManager.h"
-#include "Classes/Import/ImportOperation.h"
 #include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -13,6 +12,7 @@
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
 #include <QFileInfo>
+#include <QPointer>
 
 #include <memory>
 #include <optional>
@@ -20,12 +20,12 @@
 
 namespace {
 
-// One page on its way into Screenshots: captured, then imported. What is not imported leaves nothing. Main thread.
+// One page on its way into Screenshots: captured, then stored as every capture. Main thread.
 class PageOnItsWay
 {
 public:
-    PageOnItsWay(const WebCaptureRequest &request, CommandContext &context)
-        : m_delegate(*context.delegate), m_isAbandoned(context.isAbandoned)
+    PageOnItsWay(const WebCaptureRequest &request, ZeltoKunViewController &controller, CommandContext &context)
+        : m_controller(&controller), m_isAbandoned(context.isAbandoned)
     {
         m_capture = std::make_shared<WebPageCapture>(
             request, [line = m_progress, done = 0.0](double now, const QString &what) mutable {
@@ -34,19 +34,20 @@ public:
                     (*line)->advanceBy(now - std::exchange(done, now));
                 }
             });
-        *m_progress = m_delegate.userInteraction().beginProgress(zqLocalized("Capturing the page…"), 1,
-                                                                 [weak = std::weak_ptr(m_capture)] {
-                                                                     if (const auto running = weak.lock()) {
-                                                                         running->cancel();
-                                                                     }
-                                                                 });
+        *m_progress = context.delegate->userInteraction().beginProgress(zqLocalized("Capturing the page…"), 1,
+                                                                        [weak = std::weak_ptr(m_capture)] {
+                                                                            if (const auto running = weak.lock()) {
+                                                                                running->cancel();
+                                                                            }
+                                                                        });
         m_queue.addOperation(m_capture);
     }
-
     ~PageOnItsWay()
     {
-        if (m_folder && m_import && !m_import->isWhollyFinished()) {
-            m_folder->keep(); // the import goes on with it at the next launch
+        m_capture->cancel();
+        m_capture->waitUntilFinished();
+        if (!m_isHandedOver && !m_capture->result().file.isEmpty()) {
+            const TemporaryFolder unwanted(QFileInfo(m_capture->result().file).path());
         }
     }
     PageOnItsWay(const PageOnItsWay &) = delete;
@@ -60,12 +61,14 @@ public:
         if (!m_capture->isFinished()) {
             return false;
         }
-        if (!m_hasBegunImport) {
-            m_hasBegunImport = true;
-            m_progress->reset();
-            beginImport();
+        m_progress->reset();
+        if (!m_isHandedOver && m_controller && !m_capture->result().file.isEmpty()) {
+            m_isHandedOver = true;
+            const WebCaptureResult &result = m_capture->result();
+            m_controller->storeWebCapture(result.file, result.pageURL, result.title,
+                                          [end = m_end](const ZeltoKunViewController::End &ended) { *end = ended; });
         }
-        return !m_import || m_import->isWhollyFinished();
+        return !m_isHandedOver || *m_end || !m_controller;
     }
 
     int finish(CommandContext &context)
@@ -77,13 +80,10 @@ public:
         for (const QString &note : result.notes) {
             context.errors += "zelto: " + note.toUtf8() + '\n';
         }
-        const QStringList imported = m_import ? m_import->report().imported() : QStringList();
-        if (imported.isEmpty()) {
-            const QList<DroppedFile> dropped = m_import ? m_import->report().dropped() : QList<DroppedFile>();
-            return context.fail(dropped.isEmpty() ? zqLocalized("the page was captured but could not be imported")
-                                                  : dropped.front().reason);
+        if (const int status = zqStatusOfCapture(*m_end, context); status != 0) {
+            return status;
         }
-        const auto items = zqItemsForReferences(imported, context);
+        const auto items = zqItemsForReferences((*m_end)->items, context);
         if (!items) {
             return 2;
         }
@@ -95,33 +95,15 @@ public:
     }
 
 private:
-    void beginImport()
-    {
-        const WebCaptureResult &result = m_capture->result();
-        if (result.file.isEmpty()) {
-            return;
-        }
-        m_folder.emplace(QFileInfo(result.file).path());
-        const auto screenshots =
-            ZQSidebarBaseItem::screenshotProjectInManagedObjectContext(*m_delegate.managedObjectContext());
-        if (!screenshots) {
-            return;
-        }
-        m_import = AImportManager::sharedAImportManager().startImport(
-            {.paths = {result.file},
-             .target = screenshots->objectID(),
-             .metadata = {{QStringLiteral("webPageURL"), result.pageURL}, {QStringLiteral("title"), result.title}},
-             .duplicates = DuplicateChoice::KeepBoth}); // who captures a page again wants it again
-    }
-
-    tamberin_AppDelegate &m_delegate;
+    const QPointer<ZeltoKunViewController> m_controller; // null once it has gone
     const std::function<bool()> m_isAbandoned;
-    std::optional<TemporaryFolder> m_folder; // of the capture
     // Written before the capture begins and after it ended; the line is null where none is shown.
     const std::shared_ptr<std::shared_ptr<UserProgress>> m_progress = std::make_shared<std::shared_ptr<UserProgress>>();
     std::shared_ptr<WebPageCapture> m_capture;
-    std::shared_ptr<ImportOperation> m_import;
-    bool m_hasBegunImport = false;
+    // Of the storing, which may go on without this.
+    const std::shared_ptr<std::optional<ZeltoKunViewController::End>> m_end =
+        std::make_shared<std::optional<ZeltoKunViewController::End>>();
+    bool m_isHandedOver = false;
     ZQOperationQueue m_queue{QStringLiteral("web capture")}; // the last: its end waits for the capture
 };
 
@@ -143,7 +125,12 @@ int zqRunSnapWeb(const SnapWebRequest &request, CommandContext &context)
     capture.layered = request.layered;
     capture.visible = request.visible;
     capture.mayReadFiles = true; // who writes a command may read them anyway
-    const auto page = std::make_shared<PageOnItsWay>(capture, context);
+    context.delegate->openZeltoKunHelper();
+    auto *const controller = dynamic_cast<ZeltoKunViewController *>(context.delegate->zeltoKunViewController());
+    if (!controller) {
+        return context.fail(zqLocalized("this process takes no pictures of pages"));
+    }
+    const auto page = std::make_shared<PageOnItsWay>(capture, *controller, context);
     if (context.mayBeFinishedLater) {
         context.pending = PendingCommand{
             [page] { return page->isDone(); }, [page](CommandContext &finished) { return page->finish(finished); }, {}};

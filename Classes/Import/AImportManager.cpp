@@ -155,6 +155,40 @@ void AImportManager::importFilesAtPaths(const QStringList &paths, const ZQObject
     startImport({.paths = paths, .target = intoSidebarItemID, .index = atIndex, .metadata = metadata});
 }
 
+namespace {
+
+ImportEnd endOf(const ImportOperation &operation, bool goesOn)
+{
+    ImportEnd end{ImportEnd::Kind::Imported, {}, operation.report().imported()};
+    if (!end.items.isEmpty()) {
+        return end;
+    }
+    const QList<DroppedFile> dropped = operation.report().dropped();
+    end.kind = goesOn                    ? ImportEnd::Kind::GoesOn
+               : operation.isCancelled() ? ImportEnd::Kind::Cancelled
+                                         : ImportEnd::Kind::Failed;
+    end.reason = operation.isCancelled() ? cancelledImportReason()
+                 : dropped.isEmpty()     ? zqLocalized("It was left out. Import it again.")
+                                         : dropped.front().reason;
+    return end;
+}
+
+} // namespace
+
+void AImportManager::importFile(const QString &path, const ZQObjectID &intoSidebarItemID, const QVariantMap &metadata,
+                                std::function<void(const ImportEnd &end)> done)
+{
+    const auto operation =
+        startImport({.paths = {path},
+                     .target = intoSidebarItemID,
+                     .metadata = metadata,
+                     .duplicates = DuplicateChoice::KeepBoth,
+                     .didEnd = [done](const ImportOperation &ended, bool goesOn) { done(endOf(ended, goesOn)); }});
+    if (!operation) {
+        done({ImportEnd::Kind::Failed, zqLocalized("There is no library to import into."), {}});
+    }
+}
+
 std::shared_ptr<ImportOperation>
 AImportManager::importFilesAtPaths(const QStringList &paths, const ZQSidebarBaseItem *intoSidebarItem, quint32 atIndex)
 {

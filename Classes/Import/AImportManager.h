@@ -36,6 +36,8 @@ public:
     std::shared_ptr<ImportOperation> startImport(const BatchRequest &request) override;
     void importFilesAtPaths(const QStringList &paths, const ZQObjectID &intoSidebarItemID, quint32 atIndex,
                             const QVariantMap &metadata) override;
+    void importFile(const QString &path, const ZQObjectID &intoSidebarItemID, const QVariantMap &metadata,
+                    std::function<void(const ImportEnd &end)> done) override;
     std::shared_ptr<ImportOperation> importFilesAtPaths(const QStringList &paths,
                                                         const ZQSidebarBaseItem *intoSidebarItem,
                                                         quint32 atIndex = ZQSidebarBaseItem::appendIndex);

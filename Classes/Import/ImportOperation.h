@@ -35,6 +35,7 @@ public:
     bool isWhollyFinished() const;
     bool isAnyCancelled() const;
     // Once it has finished.
+    bool isRequestKept() const { return m_resumption.isRequestKept(); }
     quint32 originalDropIndex() const { return m_batch.originalDropIndex; }
     const QStringList &foldersAndArchivesPathOrdered() const { return m_batch.foldersAndArchivesPathOrdered; }
 

@@ -12,6 +12,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQShortened.h"
+#include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQLibraryBaseItem.h"
 
@@ -218,6 +219,23 @@ void PendingImports::didLookThroughLeftovers(const QDateTime &launch) const
     }
 }
 
+// Any other has seen to it itself. Whether it is kept.
+bool PendingImports::endBeforeItsTurn(const BatchRequest &request,
+                                      const std::shared_ptr<PendingImportFile> &pending) const
+{
+    if (request.part) {
+        request.part->didCome();
+    }
+    if (keepsCancelled()) {
+        return pending != nullptr;
+    }
+    if (pending) {
+        pending->remove();
+    }
+    BatchResult::tellOfCancel(request);
+    return false;
+}
+
 std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &request, const KeptRequest &kept)
 {
     BatchRequest asked = request;
@@ -227,21 +245,15 @@ std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &reque
     auto operation = std::make_shared<ImportOperation>(asked, kept, m_owner);
     asked.origin.reset(); // its folder goes with the operation
     operation->setCompletionBlock([this, pending = kept.pending, asked, weak = std::weak_ptr(operation)] {
-        // One that was cancelled before its turn never runs, and ends here; any other has seen to it.
         const auto ended = weak.lock();
-        if (!ended || !ended->isCancelled() || ended->hasStarted()) {
+        if (!ended) {
             return;
         }
-        if (asked.part) {
-            asked.part->didCome();
+        const bool neverRan = ended->isCancelled() && !ended->hasStarted();
+        const bool goesOn = neverRan ? endBeforeItsTurn(asked, pending) : ended->isRequestKept();
+        if (asked.didEnd) {
+            zqOnMainThread([ended, goesOn, didEnd = asked.didEnd] { didEnd(*ended, goesOn); });
         }
-        if (keepsCancelled()) {
-            return;
-        }
-        if (pending) {
-            pending->remove();
-        }
-        BatchResult::tellOfCancel(asked);
     });
     application().backgroundOperationQueue().addOperation(operation);
     return operation;

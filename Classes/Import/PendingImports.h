@@ -57,6 +57,7 @@ public:
 private:
     static QString folder();
     std::shared_ptr<ImportOperation> queue(const BatchRequest &request, const KeptRequest &kept);
+    bool endBeforeItsTurn(const BatchRequest &request, const std::shared_ptr<PendingImportFile> &pending) const;
     std::shared_ptr<ImportOperation> resumeOne(const QString &name, std::optional<DuplicateChoice> duplicates);
 
     ImportOwner &m_owner;

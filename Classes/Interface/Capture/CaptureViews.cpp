@@ -18,7 +18,7 @@ std::unique_ptr<ScreenshotSession> CaptureViews::makeSession(ScreenSource &sourc
 void CaptureViews::showWebCapture(const QString &pageURL, const QRect &frame)
 {
     if (!m_webWindow) {
-        m_webWindow = std::make_unique<ZQScreenshotWebWindowController>(static_cast<WebCaptureDelegate *>(this));
+        m_webWindow = std::make_unique<ZQScreenshotWebWindowController>(static_cast<WebCaptureDelegate &>(*this));
     }
     m_webWindow->showWebCapture(pageURL, frame);
 }

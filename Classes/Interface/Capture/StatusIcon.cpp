@@ -48,6 +48,6 @@ void StatusIcon::update()
     }
     entries.value(1)->setText(
         CaptureActions::titleWithHotKey(zqLocalized("Open Zelto"), CaptureActions::showZeltoHotKey));
-    m_icon.setVisible(QSystemTrayIcon::isSystemTrayAvailable() &&
-                      ZQUserDefaults::standardUserDefaults().boolForKey(QLatin1StringView(preference)));
+    // Where the desktop has no status area it waits, unseen, for one to come.
+    m_icon.setVisible(ZQUserDefaults::standardUserDefaults().boolForKey(QLatin1StringView(preference)));
 }

@@ -8,8 +8,8 @@
 
 class tamberin_AppDelegate;
 
-// The captures in the desktop's status area, where it has one and "ShowZeltoKun" is on. Never the only way to them.
-// Main thread.
+// The captures in the desktop's status area, as soon as it has one, while "ShowZeltoKun" is on. Never the only way to
+// them. Main thread.
 class StatusIcon : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
 
     void update(); // whether it is there, and the keys in its menu
     const QMenu &menu() const { return m_menu; }
-    bool isShown() const { return m_icon.isVisible(); }
+    bool isShown() const { return m_icon.isVisible() && QSystemTrayIcon::isSystemTrayAvailable(); }
 
 private:
     tamberin_AppDelegate &m_delegate;

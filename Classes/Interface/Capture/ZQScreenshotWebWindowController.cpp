@@ -47,6 +47,22 @@ ZQUserDefaults &defaults()
     return ZQUserDefaults::standardUserDefaults();
 }
 
+// Null for one that is on none of them.
+const QScreen *screenWithMostOf(const QRect &frame)
+{
+    const QScreen *found = nullptr;
+    qint64 most = 0;
+    for (const QScreen *const screen : QGuiApplication::screens()) {
+        const QRect part = screen->geometry().intersected(frame);
+        const qint64 area = part.isEmpty() ? 0 : qint64(part.width()) * part.height();
+        if (area > most) {
+            most = area;
+            found = screen;
+        }
+    }
+    return found;
+}
+
 QComboBox *makeChoice(const QString &name, const QStringList &texts, QWidget *parent)
 {
     auto *choice = new QComboBox(parent);
@@ -58,7 +74,7 @@ QComboBox *makeChoice(const QString &name, const QStringList &texts, QWidget *pa
 
 } // namespace
 
-ZQScreenshotWebWindowController::ZQScreenshotWebWindowController(WebCaptureDelegate *delegate, QWidget *parent)
+ZQScreenshotWebWindowController::ZQScreenshotWebWindowController(WebCaptureDelegate &delegate, QWidget *parent)
     : QWidget(parent, Qt::Window), m_delegate(delegate), m_scroll(new QScrollArea(this)), m_preview(new QLabel(this)),
       m_note(new QLabel(this)), m_progress(new ZQProgressLine(true, this))
 {
@@ -201,7 +217,7 @@ WebCaptureRequest ZQScreenshotWebWindowController::request() const
 
 void ZQScreenshotWebWindowController::showWebCapture(const QString &pageURL, const QRect &frame)
 {
-    if (const QScreen *screen = frame.isEmpty() ? nullptr : QGuiApplication::screenAt(frame.center())) {
+    if (const QScreen *const screen = screenWithMostOf(frame)) {
         const QRect available = screen->availableGeometry();
         const QSize size = frame.size().expandedTo(leastSize).boundedTo(available.size());
         setGeometry(QRect(QPoint(std::clamp(frame.x(), available.left(), available.right() + 1 - size.width()),
@@ -350,14 +366,14 @@ void ZQScreenshotWebWindowController::discard()
 
 void ZQScreenshotWebWindowController::save()
 {
-    if (!m_folder || !m_delegate) {
+    if (!m_folder) {
         return;
     }
     m_folder->keep();
     const WebCaptureResult result = std::exchange(m_result, {});
     discard();
     m_loadedAddress.clear(); // what is chosen next captures nothing unasked
-    m_delegate->screenshotWebWindowController(result.file, result.pageURL, result.title);
+    m_delegate.screenshotWebWindowController(result.file, result.pageURL, result.title);
     m_note->setText(zqLocalized("Saved to Screenshots."));
     m_address->setFocus();
     m_address->selectAll();

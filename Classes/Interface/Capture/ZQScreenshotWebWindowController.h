@@ -25,11 +25,10 @@ class ZQScreenshotWebWindowController : public QWidget
 {
     Q_OBJECT
 public:
-    // The delegate outlives it, or takes nothing any more once it is null (`setDelegate`).
-    explicit ZQScreenshotWebWindowController(WebCaptureDelegate *delegate, QWidget *parent = nullptr);
+    // The delegate outlives it.
+    explicit ZQScreenshotWebWindowController(WebCaptureDelegate &delegate, QWidget *parent = nullptr);
     ~ZQScreenshotWebWindowController() override;
 
-    void setDelegate(WebCaptureDelegate *delegate) { m_delegate = delegate; }
     // Comes forward. An address is loaded at once; `frame` of the browser's window that shows it: this one goes there,
     // and the page is as wide. Empty or null: not known.
     void showWebCapture(const QString &pageURL, const QRect &frame);
@@ -56,7 +55,7 @@ private:
     void discard();
     void save();
 
-    WebCaptureDelegate *m_delegate;
+    WebCaptureDelegate &m_delegate;
     QLineEdit *m_address;
     QPushButton *m_load;
     QComboBox *m_width;

@@ -80,6 +80,12 @@ public:
     {
         imports.append({paths, intoSidebarItemID, atIndex});
     }
+    void importFile(const QString &path, const ZQObjectID &intoSidebarItemID, const QVariantMap & /*metadata*/,
+                    std::function<void(const ImportEnd &end)> done) override
+    {
+        imports.append({{path}, intoSidebarItemID, ZQSidebarBaseItem::appendIndex});
+        done({ImportEnd::Kind::Imported, {}, {}});
+    }
     void takeBackItemDirectories(const QStringList &names,
                                  std::function<void(qsizetype takenBack, bool isComplete)> done) override
     {

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QUrl>
@@ -76,6 +77,7 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
                  {folder.filePath(QStringLiteral("shot.png")), true},
                  {folder.filePath(QStringLiteral("doc/4f3a/person.png")), true}};
     MockPortal portal;
+    const int limit = QImageReader::allocationLimit();
     for (const auto &each : cases) {
         bool isInteractive = true;
         portal.answer = [&](const QString & /*method*/, const QVariantList &arguments) {
@@ -87,6 +89,7 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
         EXPECT_EQ(image.size(), QSize(40, 30));
         EXPECT_FALSE(isInteractive);
         EXPECT_EQ(QFileInfo::exists(each.path), each.stays) << each.path.toStdString();
+        EXPECT_EQ(QImageReader::allocationLimit(), limit) << "other readers of the process have it too";
     }
     EXPECT_TRUE(QFileInfo::exists(own));
     portal.answer = [&](const QString & /*method*/, const QVariantList &arguments) {
@@ -99,6 +102,9 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
 
 TEST_F(PortalScreenSourceTest, SaysWhyThereIsNoPicture)
 {
+    take([this](ScreenSource::Taken taken) { source.captureRect({0, 0, 1, 1}, std::move(taken)); });
+    EXPECT_TRUE(image.isNull());
+    EXPECT_FALSE(error.isNull());
     takeAll(); // nobody has the name
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("xdg-desktop-portal")));
 

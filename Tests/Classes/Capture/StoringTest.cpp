@@ -1,15 +1,19 @@
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Capture/ZeltoKunViewController.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Tests/Classes/Import/ImportFixture.h"
 
 #include <QCoreApplication>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QSet>
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 namespace {
 
@@ -104,15 +108,19 @@ protected:
     void TearDown() override { capture.reset(); }
     void take(const QImage &image, const QString &name)
     {
-        capture->snap(ScreenshotSession::Kind::Area,
-                      [this](Outcome outcome, const ZQError & /*error*/) { outcomes.append(outcome); });
+        capture->snap(ScreenshotSession::Kind::Area, note());
         views.sessions.last()->take(image, name);
+    }
+    ZeltoKunViewController::Ended note()
+    {
+        return [this](const ZeltoKunViewController::End &end) {
+            outcomes.append(end.outcome);
+            last = end;
+        };
     }
     void waitForOutcomes(qsizetype count)
     {
         zqRunMainLoopUntil([&] { return outcomes.size() >= count; });
-        zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
-        QCoreApplication::processEvents();
     }
     QList<ZQRef<ZQLibraryBaseItem>> screenshots() const
     {
@@ -133,6 +141,7 @@ protected:
     QMap<QString, std::function<void()>> commands;
     std::unique_ptr<ZeltoKunViewController> capture;
     QList<Outcome> outcomes;
+    ZeltoKunViewController::End last;
 };
 
 TEST(CaptureNameTest, IsOneComponentWithTheDate)
@@ -198,22 +207,93 @@ TEST_F(StoringTest, LosesNoPictureThatCannotBeWritten)
     EXPECT_EQ(screenshots().size(), 1);
 }
 
+TEST_F(StoringTest, LosesNoPictureThatTheLibraryDoesNotTake)
+{
+    const QString library = delegate->libraryDirectory();
+    ASSERT_TRUE(QDir().rename(library, library + u'~'));
+    QString left; // the picture, while it is asked about
+    const auto remember = [&left] {
+        QDirIterator files(TemporaryArea::folder(), {QStringLiteral("Painter *.png")}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        left = files.hasNext() ? files.next() : QString();
+    };
+    user.answerQuestion = [&](const UserQuestion &question) {
+        remember();
+        EXPECT_FALSE(left.isEmpty());
+        EXPECT_EQ(question.buttons, (QStringList{QStringLiteral("Try Again"), QStringLiteral("Discard")}));
+        return 1;
+    };
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    waitForOutcomes(1);
+    EXPECT_EQ(user.questions.size(), 1);
+    EXPECT_EQ(last.outcome, Outcome::Failed);
+    EXPECT_FALSE(last.error.localizedDescription().isEmpty());
+    EXPECT_FALSE(QFile::exists(left));
+
+    user.answerQuestion = [&](const UserQuestion & /*question*/) {
+        EXPECT_TRUE(QDir().rename(library + u'~', library));
+        return 0; // try again
+    };
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    waitForOutcomes(2);
+    EXPECT_EQ(user.questions.size(), 2);
+    EXPECT_EQ(last.outcome, Outcome::Stored);
+    ASSERT_EQ(screenshots().size(), 1);
+    EXPECT_EQ(last.items, QStringList{screenshots().first()->bundleID()});
+    remember();
+    EXPECT_TRUE(left.isEmpty());
+}
+
+TEST_F(StoringTest, KeepsTheSamePictureAgainUnasked)
+{
+    user.answerDuplicates = [](const QList<DuplicatePair> & /*pairs*/) { return std::nullopt; };
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    waitForOutcomes(1);
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    waitForOutcomes(2);
+    EXPECT_TRUE(user.duplicates.isEmpty());
+    EXPECT_EQ(last.outcome, Outcome::Stored);
+    EXPECT_EQ(screenshots().size(), 2);
+}
+
 TEST_F(StoringTest, IsOnItsWayIntoTheLibraryBeforeQuitting)
 {
     take(picture(Qt::red), QStringLiteral("Painter"));
     capture->finishStoring();
-    EXPECT_EQ(outcomes, QList<Outcome>{Outcome::Stored});
+    EXPECT_TRUE(delegate->backgroundOperationQueue().operationCount() == 1 || !screenshots().isEmpty());
     waitForOutcomes(1);
+    EXPECT_EQ(screenshots().size(), 1);
+}
+
+TEST_F(StoringTest, IsNotCalledStoredWhenItGoesOnAtTheNextLaunch)
+{
+    ZQOperationQueue &imports = delegate->backgroundOperationQueue();
+    std::promise<void> othersEnd;
+    imports.addOperationWithBlock([&othersEnd] { othersEnd.get_future().wait(); });
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    capture->finishStoring();
+    AImportManager &manager = AImportManager::sharedAImportManager();
+    manager.setKeepsCancelledImports(true); // Zelto is quit
+    imports.cancelAllOperations();
+    othersEnd.set_value();
+    waitForOutcomes(1);
+    manager.setKeepsCancelledImports(false);
+    EXPECT_EQ(last.outcome, Outcome::Failed);
+    EXPECT_TRUE(user.questions.isEmpty());
+    ASSERT_EQ(manager.pendingImports().resume().size(), 1);
+    zqRunMainLoopUntil([&imports] { return imports.operationCount() == 0; });
+    QCoreApplication::processEvents();
     EXPECT_EQ(screenshots().size(), 1);
 }
 
 TEST_F(StoringTest, OneCaptureEndsAnother)
 {
-    const auto note = [this](Outcome outcome, const ZQError & /*error*/) { outcomes.append(outcome); };
-    capture->snap(ScreenshotSession::Kind::Area, note);
-    capture->snap(ScreenshotSession::Kind::Window, note);
+    const quint64 first = capture->snap(ScreenshotSession::Kind::Area, note());
+    capture->snap(ScreenshotSession::Kind::Window, note());
     EXPECT_EQ(outcomes, QList<Outcome>{Outcome::CalledOff});
     EXPECT_EQ(views.sessions.last()->begun, ScreenshotSession::Kind::Window);
+    capture->cancel(first); // who asked for it has gone; the other one is not theirs
+    EXPECT_EQ(outcomes.size(), 1);
     capture->cancel();
     EXPECT_EQ(outcomes.size(), 2);
     capture->cancel(); // nothing
@@ -224,8 +304,7 @@ TEST_F(StoringTest, AWebPageKeepsItsAddressAndTitle)
 {
     const QString file = path(QStringLiteral("TMPDIR/page.png"));
     ASSERT_TRUE(picture(Qt::green).save(file));
-    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A \n page "),
-                             [this](Outcome outcome, const ZQError & /*error*/) { outcomes.append(outcome); });
+    capture->storeWebCapture(file, QStringLiteral("https://example.org/a"), QStringLiteral(" A \n page "), note());
     waitForOutcomes(1);
     ASSERT_EQ(screenshots().size(), 1);
     EXPECT_EQ(screenshots().first()->title(), QStringLiteral("A page"));
