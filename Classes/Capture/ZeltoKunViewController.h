@@ -56,7 +56,8 @@ public:
     void cancel(quint64 number);
     QString problemOfHotKey(const QString &command) const override;
     void setHotKeysPaused(bool paused) override;
-    void finishStoring() override { m_store.finish(); }
+    bool finishStoring() override { return m_store.finish(); }
+    bool isStoring() const override { return m_store.isStoring(); }
 
     void screenshotViewController(ScreenshotSession &session, const QImage &didTakeScreenshotImage) override;
     void screenshotViewController(ScreenshotSession &session, const QImage &didTakeScreenshotImage,
