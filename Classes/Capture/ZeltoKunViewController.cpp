@@ -217,9 +217,11 @@ void ZeltoKunViewController::screenshotViewControllerDidEnd(ScreenshotSession & 
 }
 
 void ZeltoKunViewController::screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
-                                                           const QString &andPageTitle)
+                                                           const QString &andPageTitle,
+                                                           std::function<void(const ZQError &error)> didStore)
 {
-    storeWebCapture(didTakeFile, forPageURL, andPageTitle, {});
+    storeWebCapture(didTakeFile, forPageURL, andPageTitle,
+                    [didStore = std::move(didStore)](const End &end) { didStore(end.error); });
 }
 
 void ZeltoKunViewController::storeWebCapture(const QString &didTakeFile, const QString &forPageURL,

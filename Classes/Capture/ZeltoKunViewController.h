@@ -64,7 +64,8 @@ public:
                                   const QString &imageName) override;
     void screenshotViewControllerDidEnd(ScreenshotSession &session, const ZQError &error) override;
     void screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
-                                       const QString &andPageTitle) override;
+                                       const QString &andPageTitle,
+                                       std::function<void(const ZQError &error)> didStore) override;
     // The same for who waits for it.
     void storeWebCapture(const QString &didTakeFile, const QString &forPageURL, const QString &andPageTitle,
                          Ended ended);
