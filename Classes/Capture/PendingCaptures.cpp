@@ -11,14 +11,18 @@
 
 namespace {
 
-const QString folderName = QStringLiteral("/pending-captures");
 const QString prefix = QStringLiteral("c.");
+
+QString folderIn(const QString &bundle)
+{
+    return QDir::cleanPath(bundle + QStringLiteral("/pending-captures"));
+}
 
 } // namespace
 
 QString PendingCaptures::newPath(const QString &bundle, const QString &name, ZQError *error)
 {
-    const QString all = bundle + folderName;
+    const QString all = folderIn(bundle);
     QByteArray folder = QFile::encodeName(all + u'/' + prefix + QStringLiteral("XXXXXX"));
     if (!zqMakeFolder(all) || !::mkdtemp(folder.data())) {
         zqFailWithErrno(error, folder);
@@ -30,7 +34,7 @@ QString PendingCaptures::newPath(const QString &bundle, const QString &name, ZQE
 QStringList PendingCaptures::left(const QString &bundle)
 {
     QStringList found;
-    const QFileInfo all(bundle + folderName);
+    const QFileInfo all(folderIn(bundle));
     if (bundle.isEmpty() || all.isSymLink()) {
         return {};
     }
@@ -50,7 +54,7 @@ QStringList PendingCaptures::left(const QString &bundle)
 void PendingCaptures::remove(const QString &bundle, const QString &path)
 {
     const QFileInfo folder(QFileInfo(path).path());
-    if (!bundle.isEmpty() && folder.path() == bundle + folderName && folder.fileName().startsWith(prefix) &&
+    if (!bundle.isEmpty() && folder.path() == folderIn(bundle) && folder.fileName().startsWith(prefix) &&
         !folder.isSymLink()) {
         QFile::remove(path);
         QDir().rmdir(folder.filePath());
