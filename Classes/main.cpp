@@ -25,6 +25,7 @@
 #include "Classes/Services/ProtocolManager.h"
 #include "Classes/Services/SoftwareUpdater.h"
 #include "Classes/Sharing/CloudMenuViewController.h"
+#include "Classes/Sharing/CloudUploader.h"
 #include "Classes/SignalWatcher.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageDestination.h"
@@ -391,6 +392,7 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     parts.softwareUpdater = &updater;
     parts.crashReporter = &crashReporter;
     parts.cloudMenuViewController = &cloudMenu;
+    parts.cloudUploading = &CloudUploader::sharedCloudUploader();
     parts.makeMainWindowController = [&user] { return std::make_unique<MainWindowController>(user); };
     parts.makeProtocolManager = [&user] { return makeProtocolManager(user); };
     parts.makeZeltoKunViewController = [&captureViews] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Application/CloudUploading.h"
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/UserInteraction.h"
 
@@ -13,6 +14,7 @@ struct ApplicationParts
     UserInteraction *userInteraction = nullptr; // required
     ImportManaging *importManager = nullptr;
     ImageDownloading *imageDownloading = nullptr;
+    CloudUploading *cloudUploading = nullptr;
     LiveFolderManaging *liveFolderManager = nullptr;
     SoftwareUpdating *softwareUpdater = nullptr;
     CrashReporting *crashReporter = nullptr;

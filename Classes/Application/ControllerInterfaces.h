@@ -181,6 +181,9 @@ struct ImageDownloadRequest
     QString pageUrl;
     QStringList images; // addresses
     QString importAll;  // not empty: into a new project titled `pageTitle`, else into the library
+    // Who named the addresses: a page, by an address of the scheme, may say of itself what it likes.
+    enum class Asker { Page, Person };
+    Asker asker = Asker::Page;
 };
 
 // What downloads them, in the background, with progress. Main thread.

@@ -91,21 +91,21 @@ void DesktopRequests::openFiles(const QStringList &paths)
             rest.append(path);
         }
     }
-    if (!m_running.window()) {
-        // Nothing of what was done above is done twice: the moved templates and remembered libraries are not in the
-        // list.
-        QTimer::singleShot(retryOpening, this, [this, rest, templateMoved] {
-            if (!rest.isEmpty()) {
-                openFiles(rest);
-            } else if (templateMoved && m_running.window()) {
-                m_running.window()->newFileFromTemplate();
-            }
-        });
+    openOnceThereIsAWindow(rest, templateMoved);
+}
+
+// A question may keep the launch for as long as the person likes.
+void DesktopRequests::openOnceThereIsAWindow(const QStringList &files, bool templateMoved)
+{
+    if (files.isEmpty() && !templateMoved) {
         return;
     }
-    if (!rest.isEmpty()) {
-        importOpenedFiles(rest);
-    } else if (templateMoved) {
+    if (!m_running.window()) {
+        QTimer::singleShot(retryOpening, this,
+                           [this, files, templateMoved] { openOnceThereIsAWindow(files, templateMoved); });
+    } else if (!files.isEmpty()) {
+        importOpenedFiles(files);
+    } else {
         m_running.window()->newFileFromTemplate();
     }
 }

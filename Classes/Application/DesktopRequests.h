@@ -23,6 +23,7 @@ public:
 
 private:
     bool moveTemplate(const QString &path);
+    void openOnceThereIsAWindow(const QStringList &files, bool templateMoved);
     void importOpenedFiles(const QStringList &paths);
 
     RunningParts &m_running;

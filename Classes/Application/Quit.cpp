@@ -18,8 +18,12 @@
 
 #include <QCoreApplication>
 
+#include <chrono>
+
 namespace {
 constexpr std::chrono::milliseconds drainStep{400};
+constexpr std::chrono::milliseconds uploadStep{20};
+constexpr std::chrono::seconds longestEndOfUploads{5};
 constexpr int pathsPerRemoval = 1000;
 } // namespace
 
@@ -30,17 +34,43 @@ Quit::Quit(RunningParts &running, LibraryPlaces &places, LibraryStore &store, Le
 {
 }
 
+bool Quit::mayEndUploads()
+{
+    const CloudUploading *const uploads = m_running.cloudUploading();
+    if (!uploads || !uploads->isUploading()) {
+        return true;
+    }
+    const int answer = m_running.userInteraction().ask(
+        {zqLocalized("Zelto is uploading files"),
+         zqLocalized("Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be."),
+         {zqLocalized("Quit anyway"), zqLocalized("Cancel")},
+         {},
+         true});
+    return answer == 0 || !uploads->isUploading(); // the last may have arrived while the question stood there
+}
+
+// They end at once; one that cannot, for whatever reason, keeps nobody.
+void Quit::endUploads()
+{
+    if (CloudUploading *const uploads = m_running.cloudUploading()) {
+        uploads->cancelUploads();
+        const auto latest = std::chrono::steady_clock::now() + longestEndOfUploads;
+        zqRunMainLoopUntil([=] { return !uploads->hasUploadsLeft() || std::chrono::steady_clock::now() > latest; },
+                           uploadStep);
+    }
+}
+
 bool Quit::stopRunningImports()
 {
     ZQOperationQueue *sync =
         m_running.liveFolderManager() ? &m_running.liveFolderManager()->syncOperationQueue() : nullptr;
     ImageDownloading *const downloads = m_running.imageDownloading();
     ScreenCaptureControlling *const capture = m_running.capture();
-    const auto isIdle =
-        [&] { // a download that ends may begin an import, and so may a capture: they are looked at first
-            return (!capture || !capture->isStoring()) && (!downloads || !downloads->isDownloading()) &&
-                   m_running.backgroundQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
-        };
+    // A download that ends may begin an import, and so may a capture: they are looked at first.
+    const auto isIdle = [&] {
+        return (!capture || !capture->isStoring()) && (!downloads || !downloads->isDownloading()) &&
+               m_running.backgroundQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
+    };
     if (isIdle()) {
         return true;
     }
@@ -106,10 +136,11 @@ TerminateReply Quit::applicationShouldTerminate()
     if (ScreenCaptureControlling *const capture = m_running.capture(); capture && !capture->finishStoring()) {
         return TerminateReply::Cancel;
     }
-    if (!stopRunningImports()) {
+    if (!mayEndUploads() || !stopRunningImports()) {
         return TerminateReply::Cancel;
     }
     m_isEnding = true;
+    endUploads();
     m_storeWork.stop();
     m_running.userInteraction().showNotificationWithText(zqLocalized("Cleaning up library"), NotificationPlace::Window,
                                                          usualNotificationTime);

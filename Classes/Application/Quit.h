@@ -35,6 +35,9 @@ public:
     bool reopensAfterQuit() const { return m_reopensAfterQuit; }
 
 private:
+    // Whether nothing is uploaded, or the person lets that end; nothing is ended yet.
+    bool mayEndUploads();
+    void endUploads();
     QStringList purge();
     void removePurged();
 

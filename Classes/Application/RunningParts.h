@@ -18,6 +18,7 @@ public:
     UserInteraction &userInteraction() const { return *m_parts.userInteraction; } // any thread may ask for it
     ImportManaging *importManager() const { return m_parts.importManager; }
     ImageDownloading *imageDownloading() const { return m_parts.imageDownloading; }
+    CloudUploading *cloudUploading() const { return m_parts.cloudUploading; }
     LiveFolderManaging *liveFolderManager() const { return m_parts.liveFolderManager; }
     void setKeepsCancelledImports(bool keeps) const;
 

@@ -13,7 +13,7 @@ namespace TemplateFolder {
 
 inline const QString extension = QStringLiteral("zttemplate");
 inline const QString errorDomain = QStringLiteral("zelto.templates");
-enum Error { NoTemplate = 1, NameTaken };
+enum Error { NoTemplate = 1, NameTaken, NoCopy };
 
 bool isTemplatePath(const QString &path);
 // By name. What a copy that was cut off left in the folder more than a day ago goes on the way.

@@ -393,6 +393,13 @@ UserInteraction &tamberin_AppDelegate::userInteraction() const
     return m_running->userInteraction();
 }
 
+void tamberin_AppDelegate::updateCloudMenu()
+{
+    if (CloudMenuControlling *const menu = m_running->parts().cloudMenuViewController) {
+        menu->updateCloudMenu();
+    }
+}
+
 bool tamberin_AppDelegate::eventFilter(QObject *watched, QEvent *event)
 {
     if (m_launch->followsLocale() && watched == QCoreApplication::instance() && event->type() == QEvent::LocaleChange) {

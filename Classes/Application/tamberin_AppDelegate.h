@@ -135,6 +135,7 @@ public:
     ImageDownloading *imageDownloading() const; // null: none
     LiveFolderManaging *liveFolderManager() const; // null: none
     UserInteraction &userInteraction() const;      // any thread may ask for it
+    void updateCloudMenu();
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -15,6 +15,7 @@ enum Code {
     TookTooLong,
     Cancelled,
     CannotWrite,
+    LeadsInside, // into this computer or its network, where who asked has no business
 };
 
 inline ZQError with(Code code, const QString &description, const QString &reason = {})

@@ -15,11 +15,14 @@ struct WebCaptureRequest
     static constexpr int mostHeight = 15000; // pixels of the picture: a longer page is cut
 
     QString url;
-    int width = 1280;          // of the browser's window, in points
-    int scale = 1;             // pixels a point: 1 or 2
-    bool layered = false;      // a PSD document with the visible elements as layers; else a PNG
-    bool visible = false;      // what the window shows at first; else the whole page
-    int previewWidth = 0;      // pixels of a small picture of it; 0: none is wanted
+    int width = 1280;     // of the browser's window, in points
+    int scale = 1;        // pixels a point: 1 or 2
+    bool layered = false; // a PSD document with the visible elements as layers; else a PNG
+    bool visible = false; // what the window shows at first; else the whole page
+    int previewWidth = 0; // pixels of a small picture of it; 0: none is wanted
+    // A page asked for it and no person typed it: it must not lead farther into this computer or its network than its
+    // own address says.
+    bool isFromPage = false;
     bool mayReadFiles = false; // addresses of files ("file:") too, where the person wrote it
 
     // The address that a person means by what they typed: "example.com" is "https://example.com". Empty, with an error,

@@ -6,6 +6,7 @@
 #include <QBuffer>
 #include <QImageReader>
 #include <QJsonArray>
+#include <QUrl>
 
 #include <algorithm>
 #include <array>
@@ -125,15 +126,16 @@ ZQError noMemory()
 
 bool WebPage::open(const QString &url, int width, int scale, bool isWhole, int mostHeight, ZQError *error)
 {
+    m_address = url;
     m_scale = scale;
     m_viewport = {width, windowHeight(width)};
     m_devTools.setObserver(
         [this](const QString &method, const QJsonObject &parameters) { observe(method, parameters); });
-    if (!m_devTools.attach(error) || !prepare(width, error) || !navigate(url, error)) {
+    if (!m_devTools.attach(error) || !prepare(width, error) || !guard(error) || !navigate(url, error)) {
         return false;
     }
     m_loadEnd = steady_clock::now() + loadTime;
-    m_devTools.serveUntil(m_loadEnd, [this] { return m_isLoaded || m_isCrashed; });
+    m_devTools.serveUntil(m_loadEnd, [this] { return m_isLoaded || isOver(); });
     waitUntilQuiet();
     if (isWhole && check(nullptr)) {
         m_devTools.evaluate(walkThrough.arg(mostHeight), steady_clock::now() + scrollTime);
@@ -155,6 +157,14 @@ bool WebPage::check(ZQError *error) const
         zqSetError(error, WebCaptureErrors::with(WebCaptureErrors::BrowserEnded,
                                                  zqLocalized("The page crashed in the browser. Try again, or capture "
                                                              "only the visible area.")));
+        return false;
+    }
+    if (!m_refusedHost.isEmpty()) {
+        zqSetError(error,
+                   WebCaptureErrors::with(WebCaptureErrors::LeadsInside,
+                                          zqFormat(zqLocalized("“%@” leads to %@, which is on this computer or in its "
+                                                               "own network. Type that address to capture it."),
+                                                   {m_address, m_refusedHost})));
         return false;
     }
     return true;
@@ -190,6 +200,41 @@ bool WebPage::prepare(int width, ZQError *error)
     return std::all_of(commands.begin(), commands.end(), [&](const auto &command) {
         return m_devTools.call(QString::fromLatin1(command.first), command.second, error).has_value();
     });
+}
+
+// The browser follows wherever a page leads, and says so only afterwards: it has to ask before each step.
+bool WebPage::guard(ZQError *error)
+{
+    if (!m_farthest) {
+        return true;
+    }
+    const auto tree = m_devTools.call(QStringLiteral("Page.getFrameTree"), {}, error);
+    if (!tree) {
+        return false;
+    }
+    m_frame = tree->value(QStringLiteral("frameTree"))[QStringLiteral("frame")][QStringLiteral("id")].toString();
+    const QJsonObject pages{{QStringLiteral("urlPattern"), QStringLiteral("*")},
+                            {QStringLiteral("resourceType"), QStringLiteral("Document")},
+                            {QStringLiteral("requestStage"), QStringLiteral("Request")}};
+    return m_devTools.call(QStringLiteral("Fetch.enable"), {{QStringLiteral("patterns"), QJsonArray{pages}}}, error)
+        .has_value();
+}
+
+void WebPage::judge(const QJsonObject &parameters)
+{
+    const QUrl url(parameters[QStringLiteral("request")][QStringLiteral("url")].toString());
+    const QJsonValue number = parameters[QStringLiteral("requestId")];
+    const bool isOfServer = url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https");
+    if (m_farthest && isOfServer && zqReachOfHostName(url.host()) > *m_farthest) {
+        if (parameters[QStringLiteral("frameId")] == m_frame) {
+            m_refusedHost = url.host();
+        }
+        m_devTools.tell(
+            QStringLiteral("Fetch.failRequest"),
+            {{QStringLiteral("requestId"), number}, {QStringLiteral("errorReason"), QStringLiteral("Aborted")}});
+        return;
+    }
+    m_devTools.tell(QStringLiteral("Fetch.continueRequest"), {{QStringLiteral("requestId"), number}});
 }
 
 bool WebPage::navigate(const QString &url, ZQError *error)
@@ -237,7 +282,8 @@ void WebPage::observe(const QString &method, const QJsonObject &parameters)
         if (!frame[QStringLiteral("parentId")].isString()) { // the page went on to another by itself
             m_isLoaded = false;
             m_requests.clear();
-            m_devTools.setFrame(frame[QStringLiteral("id")].toString());
+            m_frame = frame[QStringLiteral("id")].toString();
+            m_devTools.setFrame(m_frame);
         }
     } else if (method == QStringLiteral("Page.javascriptDialogOpening")) {
         // A page that asks whether it may be left may be; to all else nobody says anything.
@@ -245,6 +291,8 @@ void WebPage::observe(const QString &method, const QJsonObject &parameters)
         m_devTools.tell(QStringLiteral("Page.handleJavaScriptDialog"), {{QStringLiteral("accept"), isLeft}});
     } else if (method == QStringLiteral("Page.downloadWillBegin")) {
         m_isDownload = true;
+    } else if (method == QStringLiteral("Fetch.requestPaused")) {
+        judge(parameters);
     } else if (method == QStringLiteral("Inspector.targetCrashed")) {
         m_isCrashed = true;
     } else if (method.startsWith(QStringLiteral("Network."))) {
@@ -281,7 +329,7 @@ void WebPage::waitUntilQuiet()
 {
     // One that goes on to another page is loading again.
     const auto limit = m_isLoaded ? steady_clock::now() + quietTime : m_loadEnd;
-    m_devTools.serveUntil(limit, [this] { return isQuiet() || m_isCrashed; });
+    m_devTools.serveUntil(limit, [this] { return isQuiet() || isOver(); });
 }
 
 bool WebPage::holdStill(ZQError *error)

@@ -2,6 +2,7 @@
 
 #include "Classes/Capture/DevToolsPage.h"
 #include "Kit/Foundation/ZQError.h"
+#include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -28,6 +29,9 @@ public:
     // `deadline` for all of it.
     WebPage(DevToolsPipe &pipe, DevToolsPage::Time deadline) : m_devTools(pipe, deadline) {}
 
+    // Redirects and links that lead farther in are not followed: those of the page itself are an error of `open`, and
+    // its frames stay empty. Before `open`.
+    void setFarthestReach(ZQAddressReach reach) { m_farthest = reach; }
     // Goes to the address, in a window of that width, and waits for what is loaded; `isWhole` also for what is only
     // loaded when it is scrolled to, within `mostHeight` points. A page that does not come to an end is taken as it
     // stands.
@@ -57,6 +61,9 @@ private:
     void observe(const QString &method, const QJsonObject &parameters);
     void observeNetwork(const QString &method, const QJsonObject &parameters);
     bool prepare(int width, ZQError *error);
+    bool guard(ZQError *error);
+    void judge(const QJsonObject &parameters);
+    bool isOver() const { return m_isCrashed || !m_refusedHost.isEmpty(); } // nothing more of it comes
     bool navigate(const QString &url, ZQError *error);
     void waitUntilQuiet();
     bool isQuiet() const;
@@ -65,6 +72,9 @@ private:
     DevToolsPage m_devTools;
     QSize m_viewport;
     int m_scale = 1;
+    QString m_address;
+    std::optional<ZQAddressReach> m_farthest; // nothing: as far as it leads
+    QString m_refusedHost;
     QString m_frame;
     bool m_isLoaded = false;
     bool m_isCrashed = false;

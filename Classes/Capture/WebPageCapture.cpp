@@ -10,6 +10,7 @@
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QDir>
 #include <QFile>
@@ -111,6 +112,9 @@ bool WebPageCapture::capture(const QString &folder, ZQError *error)
     const int width = std::clamp(m_request.width, WebCaptureRequest::leastWidth, WebCaptureRequest::mostWidth);
     const int scale = std::clamp(m_request.scale, 1, 2);
     WebPage page(browser->pipe(), deadline);
+    if (m_request.isFromPage) {
+        page.setFarthestReach(zqReachOfHostName(QUrl(url).host()));
+    }
     tell(startedPart, zqLocalized("Loading the page…"));
     if (!page.open(url, width, scale, !m_request.visible, WebCaptureRequest::mostHeight / scale, error)) {
         return false;

@@ -91,6 +91,7 @@ CommandLine::CommandLine()
     defineSearch();
     defineSmartFolder();
     defineExport();
+    defineShare();
     defineDeletion();
     defineTags();
     defineLiveFolders();
@@ -403,7 +404,7 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
     m_isImport = m_app->got_subcommand("import") || m_app->got_subcommand("open-url") || m_app->got_subcommand("new");
     m_fillsLibrary = m_fillsLibrary || m_isImport;
-    for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync", "download"}) {
+    for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync", "download", "share"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
     m_isSnap = m_app->got_subcommand("snap");

@@ -40,11 +40,11 @@ public:
     bool needsLibrary() const { return m_needsLibrary; }
     bool isImport() const { return m_isImport; }
     bool fillsLibrary() const { return m_fillsLibrary; } // one that is not there yet may be made for it
-    bool isEdit() const { return m_isEdit; }             // of items, or of live folders; or a download
+    bool isEdit() const { return m_isEdit; }             // of items, or of live folders; or a download, or a share
     bool isSnapshot() const { return m_isSnapshot; }
     bool isSnap() const { return m_isSnap; }           // of the screen or of a page, into the library
     bool takesScreen() const { return m_takesScreen; } // a snap that a person takes part in, on their display
-    QString library() const { return m_library; } // empty: the remembered one
+    QString library() const { return m_library; }      // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
     const SnapshotRequest &snapshot() const { return m_snapshot; }
     DuplicatePolicy duplicatePolicy() const { return m_duplicatePolicy; }
@@ -66,6 +66,7 @@ private:
     void defineSearch();
     void defineSmartFolder();
     void defineExport(); // in CommandLineExport.cpp
+    void defineShare();  // in CommandLineShare.cpp
     void defineDeletion();
     void defineTags();
     void defineLiveFolders(); // in CommandLineLiveFolders.cpp

@@ -7,6 +7,7 @@
 #include <QVariantMap>
 
 class LiveFolderManaging;
+struct ExportItem;
 
 // What each command does, apart from how it is written on a command line. Each answers the exit status: 0, 1 when
 // `verify` found something, 2 after an error that changed nothing.
@@ -67,10 +68,23 @@ struct ExportCommandRequest
     QString namePattern = {};
     bool zip = false;
 };
+// The items of both, each once. Nothing after an error, which is in `context`, as of the next.
+std::optional<QList<ZQObjectID>> zqItemsNamed(const QStringList &items, const QString &in, CommandContext &context);
+std::optional<ExportItem> zqExportPreset(int number, CommandContext &context); // from 1 on
 QStringList zqExportFormats();
 QString zqExportFormatsWithQuality(); // "webp and avif"
 // 1 when some could not be exported.
 int zqRunExport(const ExportCommandRequest &request, CommandContext &context);
+
+struct ShareRequest
+{
+    QStringList items = {};
+    QString in = {};      // REF; empty: none but `items`
+    int preset = 0;       // of the Quick export panel, from 1 on; 0: the files as they are
+    QString service = {}; // identifier; empty: the one in use
+};
+// 1 when some could not be shared, 2 when the upload failed or was cancelled: what is printed was shared before that.
+int zqRunShare(const ShareRequest &request, CommandContext &context);
 
 int zqRunDelete(const QStringList &items, CommandContext &context);
 int zqRunRestore(const QStringList &items, CommandContext &context);
@@ -126,14 +140,20 @@ int zqRunSnapWeb(const SnapWebRequest &request, CommandContext &context);
 struct DownloadCommandRequest
 {
     QStringList urls;
-    QString page;     // address of the page
-    QString title;    // of the page
-    bool all = false; // into a project titled so
+    QString page;            // address of the page
+    QString title;           // of the page
+    bool all = false;        // into a project titled so
+    bool isFromPage = false; // which named the addresses, and no person did
 };
 // 1 when some could not be downloaded or imported, 2 when nothing came.
 int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context);
-// What the desktop hands over: `zelto:snap:…`, `zelto:import:…`.
-int zqRunOpenURL(const QString &url, CommandContext &context);
+struct OpenURLRequest
+{
+    QString url;           // that a browser hands over: `zelto:snap:…`, `zelto:import:…`
+    bool isAgreed = false; // to images that the person would be asked about
+};
+// Images are imported as by `zqRunDownload`, unless the window has to ask about them first; it does captures, too.
+int zqRunOpenURL(const OpenURLRequest &request, CommandContext &context);
 
 // The templates, by title.
 int zqRunTemplates(CommandContext &context);

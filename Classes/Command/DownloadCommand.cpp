@@ -15,6 +15,7 @@
 
 namespace {
 
+using Asker = ImageDownloadRequest::Asker;
 using Download = std::shared_ptr<DownloadImageOperation>;
 constexpr qsizetype longestAddress = 300; // that is printed for a person
 
@@ -133,11 +134,16 @@ int zqRunDownload(const DownloadCommandRequest &request, CommandContext &context
     if (request.all && project.isEmpty()) {
         return context.fail(zqLocalized("--all needs a --title for the project"));
     }
+    if (const QString reason = ImageDownloads::sharedImageDownloads().reasonToRefuse();
+        request.isFromPage && !reason.isEmpty()) {
+        return context.fail(reason);
+    }
     const Download download =
         ImageDownloads::sharedImageDownloads().start({.pageTitle = project,
                                                       .pageUrl = request.page,
                                                       .images = request.urls,
-                                                      .importAll = request.all ? QStringLiteral("1") : QString()},
+                                                      .importAll = request.all ? QStringLiteral("1") : QString(),
+                                                      .asker = request.isFromPage ? Asker::Page : Asker::Person},
                                                      ImageDownloads::Tells::Caller);
     const auto finish = [download](CommandContext &finished) { return report(*download, finished); };
     if (context.mayBeFinishedLater) {

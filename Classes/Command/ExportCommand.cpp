@@ -59,34 +59,6 @@ QString problemOf(const ExportCommandRequest &request)
     return ExportNames::problemOfPattern(request.namePattern);
 }
 
-std::optional<QList<ZQObjectID>> itemsOf(const ExportCommandRequest &request, CommandContext &context)
-{
-    QList<ZQObjectID> ids;
-    if (!request.in.isEmpty()) {
-        const auto shown = zqItemsFor({request.in, false}, context);
-        if (!shown) {
-            return std::nullopt;
-        }
-        ids = *shown;
-    }
-    if (!request.items.isEmpty()) {
-        const auto items = zqItemsForReferences(request.items, context);
-        if (!items) {
-            return std::nullopt;
-        }
-        for (const ZQRef<ZQLibraryBaseItem> &item : *items) {
-            ids.append(item->objectID());
-        }
-    }
-    QSet<ZQObjectID> known;
-    ids.removeIf([&known](const ZQObjectID &id) {
-        const bool isKnown = known.contains(id);
-        known.insert(id);
-        return isKnown;
-    });
-    return ids;
-}
-
 // Nothing, with a message, for a preset that is none.
 std::optional<ExportRequest> exportRequest(const ExportCommandRequest &request, const QList<ZQObjectID> &items,
                                            CommandContext &context)
@@ -94,13 +66,11 @@ std::optional<ExportRequest> exportRequest(const ExportCommandRequest &request, 
     const QString folder = QDir::cleanPath(context.absolutePath(request.to));
     ExportRequest result;
     if (request.preset > 0) {
-        const QList<ExportItem> presets = ExportItem::exportItems();
-        if (request.preset > presets.size()) {
-            context.fail(
-                zqFormat(zqLocalized("there are %d presets; the panel Quick export makes more"), {presets.size()}));
+        const auto preset = zqExportPreset(request.preset, context);
+        if (!preset) {
             return std::nullopt;
         }
-        result = ExportRequest::with(presets.at(request.preset - 1), items, folder);
+        result = ExportRequest::with(*preset, items, folder);
     } else {
         result.items = items;
         result.destinationURL = folder;
@@ -168,6 +138,45 @@ void printResult(const ExportRequest &request, const ExportResult &result, Comma
 
 } // namespace
 
+std::optional<QList<ZQObjectID>> zqItemsNamed(const QStringList &items, const QString &in, CommandContext &context)
+{
+    QList<ZQObjectID> ids;
+    if (!in.isEmpty()) {
+        const auto shown = zqItemsFor({in, false}, context);
+        if (!shown) {
+            return std::nullopt;
+        }
+        ids = *shown;
+    }
+    if (!items.isEmpty()) {
+        const auto named = zqItemsForReferences(items, context);
+        if (!named) {
+            return std::nullopt;
+        }
+        for (const ZQRef<ZQLibraryBaseItem> &item : *named) {
+            ids.append(item->objectID());
+        }
+    }
+    QSet<ZQObjectID> known;
+    ids.removeIf([&known](const ZQObjectID &id) {
+        const bool isKnown = known.contains(id);
+        known.insert(id);
+        return isKnown;
+    });
+    return ids;
+}
+
+std::optional<ExportItem> zqExportPreset(int number, CommandContext &context)
+{
+    const QList<ExportItem> presets = ExportItem::exportItems();
+    if (number < 1 || number > presets.size()) {
+        context.fail(
+            zqFormat(zqLocalized("there are %d presets; the panel Quick export makes more"), {presets.size()}));
+        return std::nullopt;
+    }
+    return presets.at(number - 1);
+}
+
 QStringList zqExportFormats()
 {
     QStringList names;
@@ -198,7 +207,7 @@ int zqRunExport(const ExportCommandRequest &request, CommandContext &context)
     if (QFileInfo(folder).isFile()) {
         return context.fail(ExportReport::refusalOfFolder(folder));
     }
-    const auto items = itemsOf(request, context);
+    const auto items = zqItemsNamed(request.items, request.in, context);
     if (items && items->isEmpty()) {
         return context.fail(
             zqLocalized("there are no items to export there; of a folder of projects name one of the projects"));

@@ -30,8 +30,9 @@ ScreenshotSession::Kind kindOf(SnapKind kind)
 int zqStatusOfCapture(const std::optional<ZeltoKunViewController::End> &end, CommandContext &context)
 {
     if (!end) {
-        return context.fail(zqLocalized("Zelto quit before the picture was in the library; where it was being imported, "
-                                        "the import goes on when Zelto opens the library the next time"));
+        return context.fail(
+            zqLocalized("Zelto quit before the picture was in the library; where it was being imported, "
+                        "the import goes on when Zelto opens the library the next time"));
     }
     switch (end->outcome) {
     case ZeltoKunViewController::Outcome::Stored:
@@ -62,8 +63,8 @@ int zqRunSnap(SnapKind kind, CommandContext &context)
         return *end || !controller;
     };
     if (context.mayBeFinishedLater && !*end) {
-        context.pending = PendingCommand{
-            hasEnded, [end](CommandContext &finished) { return zqStatusOfCapture(*end, finished); }, {}};
+        context.pending =
+            PendingCommand{hasEnded, [end](CommandContext &finished) { return zqStatusOfCapture(*end, finished); }, {}};
         return 0;
     }
     zqRunMainLoopUntil(hasEnded);

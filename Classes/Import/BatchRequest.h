@@ -2,6 +2,7 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Import/ImportWhole.h"
+#include "Classes/Import/TemporaryFolder.h"
 #include "Classes/Import/UnfoldedArchive.h"
 #include "Kit/Persistence/ZQObjectID.h"
 #include "Models/DataModel/ZQSidebarBaseItem.h"
@@ -24,6 +25,7 @@ struct BatchRequest
     QVariantMap metadata = {};                      // attribute values of every item
     QVariantMap fileMetadata = {};                  // by path: attribute values of that file's item, above the others
     std::optional<UnfoldedArchive> origin = {};     // what `paths` came out of; its folder goes with the request
+    std::shared_ptr<TemporaryFolder> holder = {};   // of `paths`; goes with the request, unless that is kept for later
     std::optional<DuplicateChoice> duplicates = {}; // what becomes of them; nothing: the person is asked
     std::shared_ptr<ImportWhole> whole = std::make_shared<ImportWhole>(); // that it belongs to
     std::shared_ptr<ImportPart> part = {}; // of one that came out of an archive, once it is queued

@@ -20,6 +20,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMimeDatabase>
 
 #include <algorithm>
 
@@ -32,6 +33,13 @@ constexpr qsizetype longestAddress = 300; // that is shown or logged
 tamberin_AppDelegate &application()
 {
     return *tamberin_AppDelegate::sharedDelegate();
+}
+
+// By its content; empty for what is no picture.
+QString extensionOfPicture(const QString &path)
+{
+    const QString type = QMimeDatabase().mimeTypeForFile(path, QMimeDatabase::MatchContent).name();
+    return type.startsWith(u"image/") ? zqExtensionForContentType(type) : QString();
 }
 
 } // namespace
@@ -63,12 +71,17 @@ void DownloadImageOperation::main()
         return;
     }
     m_folder = std::make_unique<TemporaryFolder>(directory);
-    ImageFetch fetch(pageUrl());
+    const auto didReceive = [this](double part) {
+        constexpr double leastStep = 0.01; // each is drawn
+        if (part >= m_shownPart + leastStep) {
+            moveProgress(part);
+        }
+    };
+    ImageFetch fetch(pageUrl(), m_request.asker, {.didReceive = didReceive});
     for (const QString &imageUrl : images()) {
         download(fetch, imageUrl);
-        if (m_progress) {
-            m_progress->advanceBy(1.0);
-        }
+        moveProgress(1.0);
+        m_shownPart = 0;
         if (isCancelled()) {
             break;
         }
@@ -77,6 +90,14 @@ void DownloadImageOperation::main()
         zqOnMainThreadAndWait([this] { massDownloadEnded(); });
     }
     finish();
+}
+
+void DownloadImageOperation::moveProgress(double part)
+{
+    if (m_progress) {
+        m_progress->advanceBy(part - m_shownPart);
+    }
+    m_shownPart = part;
 }
 
 // Every image has its name from its address; the second of a name lies in a folder of its own.
@@ -100,6 +121,7 @@ void DownloadImageOperation::download(ImageFetch &fetch, const QString &imageUrl
         if (!ImportQueries::fileAtPathIsSupported(path)) {
             error = zqNetworkError(ZQNetworkErrorCode::UnwantedType, zqLocalized("It is no picture that can be "
                                                                                  "imported."));
+            QFile::remove(path); // not only when all the others have come, too
         }
     }
     if (error.isNull()) {
@@ -111,14 +133,20 @@ void DownloadImageOperation::download(ImageFetch &fetch, const QString &imageUrl
     m_failures.append({imageUrl, error});
 }
 
-void DownloadImageOperation::fixExtension(QString &path, const QString &contentType)
+void DownloadImageOperation::fixExtension(QString &path, const QString &contentType) const
 {
-    const QString extension = zqExtensionForContentType(contentType);
-    if (ImportQueries::fileAtPathIsSupported(path) || extension.isEmpty()) {
+    if (ImportQueries::fileAtPathIsSupported(path)) {
+        return;
+    }
+    QString extension = zqExtensionForContentType(contentType);
+    if (!ImportQueries::fileAtPathIsSupported(path + u'.' + extension)) { // plain bytes, as many servers say
+        extension = extensionOfPicture(path);
+    }
+    if (extension.isEmpty()) {
         return;
     }
     QFile file(path);
-    const QString renamed = path + u'.' + extension;
+    const QString renamed = freePath(QFileInfo(path).fileName() + u'.' + extension);
     if (file.rename(renamed)) { // never over another one
         path = renamed;
     } else {

@@ -53,8 +53,9 @@ public:
 
 private:
     void download(ImageFetch &fetch, const QString &imageUrl);
+    void moveProgress(double part);
     QString freePath(const QString &name) const;
-    static void fixExtension(QString &path, const QString &contentType);
+    void fixExtension(QString &path, const QString &contentType) const;
     void massDownloadEnded();
     ZQObjectID newProject() const;
     void finish();
@@ -62,6 +63,7 @@ private:
     const ImageDownloadRequest m_request;
     ImportOwner &m_owner;
     std::shared_ptr<UserProgress> m_progress; // null: none is shown
+    double m_shownPart = 0;                   // of the running image; of the network's thread while that is fetched
     std::unique_ptr<TemporaryFolder> m_folder;
     QList<QVariantMap> m_filesToImport;
     QList<Failure> m_failures;

@@ -3,6 +3,8 @@
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 
+#include <QString>
+
 #include <memory>
 
 class DownloadImageOperation;
@@ -12,16 +14,21 @@ class DownloadImageOperation;
 class ImageDownloads : public ImageDownloading
 {
 public:
+    static constexpr int mostQueued = 10; // that pages, which never tire, may have asked for
     static ImageDownloads &sharedImageDownloads();
 
     enum class Tells { Person, Caller }; // of failures
     std::shared_ptr<DownloadImageOperation> start(const ImageDownloadRequest &request, Tells tells = Tells::Person);
-    void downloadImages(const ImageDownloadRequest &request) override { start(request); }
+    // Refused, and said so, while they are too many.
+    void downloadImages(const ImageDownloadRequest &request) override;
+    // Why what a page asks for has to wait, localized: `mostQueued` others are not done. Empty: it has not.
+    QString reasonToRefuse() const;
     bool isDownloading() const override { return m_queue.operationCount() > 0; }
     void stopDownloads() override { m_queue.cancelAllOperations(); }
 
 private:
     ImageDownloads() = default;
 
+    bool m_hasRefused = false; // since it last took one: the person knows
     ZQOperationQueue m_queue{QStringLiteral("Downloads"), 1};
 };

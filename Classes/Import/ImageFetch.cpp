@@ -2,15 +2,20 @@
 
 #include "Classes/Import/ImageAddress.h"
 #include "Kit/Files/ZQNewFile.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQDataAddress.h"
 #include "Kit/Network/ZQHTTPTask.h"
 #include "Kit/Network/ZQTransferError.h"
 
+#include <QFileInfo>
 #include <QHostInfo>
+#include <QLocale>
+#include <QStorageInfo>
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -49,10 +54,10 @@ bool writeWhole(const QByteArray &contents, const QString &path, ZQError *error)
     return file && file->place(error);
 }
 
-ZQHTTPResponse fromAddress(const QString &address, const QString &path)
+ZQHTTPResponse fromAddress(const QString &address, const QString &path, qint64 room)
 {
     ZQHTTPResponse response;
-    const auto data = ZQDataAddress::from(address, ImageFetch::mostBytesInAddress, &response.error);
+    const auto data = ZQDataAddress::from(address, room, &response.error);
     if (!data) {
         return response;
     }
@@ -66,15 +71,50 @@ ZQHTTPResponse fromAddress(const QString &address, const QString &path)
     return response;
 }
 
+ZQError tooMuchTogether(qint64 most)
+{
+    const QString size = QLocale().formattedDataSize(most, 1, QLocale::DataSizeTraditionalFormat);
+    return zqNetworkError(
+        ZQNetworkErrorCode::TooLarge,
+        zqFormat(zqLocalized("The images that a page has imported at once may have %@ together."), {size}),
+        zqLocalized("Choose fewer at once."));
+}
+
+ZQError noFreeSpace(const QString &path)
+{
+    return zqNetworkError(ZQNetworkErrorCode::CannotWrite,
+                          zqFormat(zqLocalized("There is too little free space in “%@”."), {QFileInfo(path).path()}),
+                          zqLocalized("Remove what is not needed there, then try again."));
+}
+
+ZQAddressReach reachOfPage(const QString &pageUrl)
+{
+    const QString host = QUrl(pageUrl).host();
+    return host.isEmpty() ? ZQAddressReach::Everybody : zqReachOfHostName(host);
+}
+
+// Only a name can lead elsewhere than it says.
+QList<QHostAddress> privateAddressesOf(const QString &host, const ImageFetch::Uses &uses)
+{
+    if (host.isEmpty() || !QHostAddress(host).isNull() || zqIsPrivateHostName(host)) {
+        return {};
+    }
+    QList<QHostAddress> addresses = uses.lookUp ? uses.lookUp(host) : QHostInfo::fromName(host).addresses();
+    addresses.removeIf(
+        [](const QHostAddress &each) { return each.isNull() || zqReachOfAddress(each) == ZQAddressReach::Everybody; });
+    return addresses;
+}
+
 } // namespace
 
-ImageFetch::ImageFetch(const QString &pageUrl)
-    : m_pageUrl(pageUrl),
-      m_pageReach(QUrl(pageUrl).host().isEmpty() ? ZQAddressReach::Everybody : zqReachOfHostName(QUrl(pageUrl).host()))
+ImageFetch::ImageFetch(const QString &pageUrl, Asker asker, const Uses &uses)
+    : m_uses(uses), m_pageUrl(pageUrl), m_pageReach(reachOfPage(pageUrl)),
+      m_pageAddresses(asker == Asker::Person ? privateAddressesOf(QUrl(pageUrl).host(), uses) : QList<QHostAddress>()),
+      m_bytesLeft(asker == Asker::Person ? std::numeric_limits<qint64>::max() : uses.mostBytesTogether)
 {
 }
 
-ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
+ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path, qint64 room) const
 {
     ZQHTTPRequest request{.url = url};
     request.headers = {{"Accept", "image/png,image/jpeg,image/*;q=0.9,*/*;q=0.5"}};
@@ -82,43 +122,53 @@ ZQHTTPRequest ImageFetch::requestFor(const QUrl &url, const QString &path) const
         request.headers.append({"Referer", referer});
     }
     request.destination = path;
-    request.maximumSize = mostBytes;
+    request.maximumSize = room;
     request.wholeTime = longestTime;
     request.acceptedTypes = acceptedTypes();
-    request.mayGoTo = [reach = m_pageReach](const QUrl &each) {
-        return zqReachOfHostName(each.host()) <= reach ? ZQError() : ZQTransferError::notAllowed(each.host());
+    request.mayGoTo = [reach = m_pageReach, own = m_pageAddresses](const QUrl &each) {
+        const bool isAllowed = zqReachOfHostName(each.host()) <= reach || own.contains(QHostAddress(each.host()));
+        return isAllowed ? ZQError() : ZQTransferError::notAllowed(each.host());
     };
-    request.mayConnectTo = [reach = m_pageReach](const QHostAddress &address) {
-        return zqReachOfAddress(address) <= reach;
+    request.mayConnectTo = [reach = m_pageReach, own = m_pageAddresses](const QHostAddress &address) {
+        return zqReachOfAddress(address) <= reach || own.contains(address);
     };
+    if (m_uses.didReceive) {
+        request.didReceiveBytes = [didReceive = m_uses.didReceive](qint64 received, qint64 expected) {
+            if (expected > 0) {
+                didReceive(double(received) / double(expected));
+            }
+        };
+    }
     return request;
 }
 
-// A page may live in this network under a name that does not say so. Looked up only when that makes a difference.
-bool ImageFetch::isPageElsewhereAfterAll()
+qint64 ImageFetch::freeBytesFor(const QString &path) const
 {
-    const QString host = QUrl(m_pageUrl).host();
-    const bool isName = !host.isEmpty() && QHostAddress(host).isNull();
-    if (m_isPageResolved || !isName || m_pageReach != ZQAddressReach::Everybody) {
-        return false;
+    const QString folder = QFileInfo(path).path();
+    if (m_uses.freeBytes) {
+        return m_uses.freeBytes(folder);
     }
-    m_isPageResolved = true;
-    const QList<QHostAddress> addresses = QHostInfo::fromName(host).addresses();
-    for (const QHostAddress &address : addresses) {
-        m_pageReach = std::max(m_pageReach, zqReachOfAddress(address));
-    }
-    return m_pageReach != ZQAddressReach::Everybody;
+    const QStorageInfo storage(folder);
+    return storage.isValid() ? storage.bytesAvailable() : std::numeric_limits<qint64>::max();
 }
 
 ZQHTTPResponse ImageFetch::fetch(const QString &address, const QString &path)
 {
-    if (ZQDataAddress::isOne(address)) {
-        return fromAddress(address, path);
+    const qint64 freeRoom = freeBytesFor(path) - leastFree;
+    const bool isInAddress = ZQDataAddress::isOne(address);
+    const qint64 most = isInAddress ? mostBytesInAddress : mostBytes;
+    const qint64 room = std::min({most, m_bytesLeft, freeRoom});
+    const ZQError outOfRoom = m_bytesLeft <= freeRoom ? tooMuchTogether(m_uses.mostBytesTogether) : noFreeSpace(path);
+    ZQHTTPResponse response;
+    if (room <= 0) {
+        response.error = outOfRoom;
+        return response;
     }
-    const QUrl url = urlOfImage(address, m_pageUrl);
-    const ZQHTTPResponse response = ZQHTTPTask::perform(requestFor(url, path));
-    if (zqIsNetworkError(response.error, ZQNetworkErrorCode::NotAllowed) && isPageElsewhereAfterAll()) {
-        return ZQHTTPTask::perform(requestFor(url, path));
+    response = isInAddress ? fromAddress(address, path, room)
+                           : ZQHTTPTask::perform(requestFor(urlOfImage(address, m_pageUrl), path, room));
+    m_bytesLeft -= response.size; // also of what is not kept: its disk was written to
+    if (room < most && zqIsNetworkError(response.error, ZQNetworkErrorCode::TooLarge)) {
+        response.error = outOfRoom;
     }
     return response;
 }

@@ -151,7 +151,7 @@ void ImportOperation::finish(BatchResult &result)
                  .wasCancelled = wasCancelled,
                  .isKept = m_owner.keepsCancelledImports()});
     m_batch.record.endProgress();
-    releaseOrigin();
+    releaseFolders();
 }
 
 void ImportOperation::saveAtTheEnd(bool wasCancelled)
@@ -189,14 +189,18 @@ void ImportOperation::enableSidebarItems()
     }
 }
 
-// The folder it was unpacked into goes with it.
-void ImportOperation::releaseOrigin()
+// The folder it was unpacked into, or was made in, goes with it.
+void ImportOperation::releaseFolders()
 {
     std::optional<UnfoldedArchive> &origin = m_batch.request.origin;
     if (origin && m_resumption.isRequestKept() && origin->holder && !QFileInfo::exists(origin->archivePath)) {
         origin->holder->keep(); // there is nothing else left of the archive
     }
     origin.reset();
+    if (m_batch.request.holder && m_resumption.isRequestKept()) {
+        m_batch.request.holder->keep();
+    }
+    m_batch.request.holder.reset();
 }
 
 // In the order of the request, whichever was unpacked first. They are queued before this batch has finished, so whoever

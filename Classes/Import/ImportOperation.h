@@ -54,7 +54,7 @@ private:
     void importUnfoldedArchives();
     void importUnfoldedArchive(const UnfoldedArchive &archive);
     quint32 indexForArchive(const UnfoldedArchive &archive) const;
-    void releaseOrigin();
+    void releaseFolders();
 
     ImportOwner &m_owner;
     BatchState m_batch;

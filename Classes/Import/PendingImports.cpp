@@ -19,6 +19,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -244,13 +245,17 @@ std::shared_ptr<ImportOperation> PendingImports::queue(const BatchRequest &reque
     }
     auto operation = std::make_shared<ImportOperation>(asked, kept, m_owner);
     asked.origin.reset(); // its folder goes with the operation
-    operation->setCompletionBlock([this, pending = kept.pending, asked, weak = std::weak_ptr(operation)] {
+    const std::weak_ptr<TemporaryFolder> holder = std::exchange(asked.holder, nullptr);
+    operation->setCompletionBlock([this, pending = kept.pending, asked, holder, weak = std::weak_ptr(operation)] {
         const auto ended = weak.lock();
         if (!ended) {
             return;
         }
         const bool neverRan = ended->isCancelled() && !ended->hasStarted();
         const bool goesOn = neverRan ? endBeforeItsTurn(asked, pending) : ended->isRequestKept();
+        if (const auto held = neverRan && keepsCancelled() ? holder.lock() : nullptr) {
+            held->keep();
+        }
         if (asked.didEnd) {
             zqOnMainThread([ended, goesOn, didEnd = asked.didEnd] { didEnd(*ended, goesOn); });
         }

@@ -1,7 +1,9 @@
 #include "Classes/Import/Templates.h"
 
 #include "Classes/Application/TemplateFolder.h"
+#include "Classes/Application/TemporaryArea.h"
 #include "Classes/Import/AImportManager.h"
+#include "Classes/Import/ImportErrors.h"
 #include "Classes/Import/ImportKind.h"
 #include "Classes/Import/ImportQueries.h"
 #include "Classes/Import/TemporaryFolder.h"
@@ -57,6 +59,25 @@ TemplateFile fromPackage(const QString &path)
     }
     made.extension = zqPathExtension(made.file);
     return made;
+}
+
+ZQError noCopy(const TemplateFile &source, const QString &reason)
+{
+    return ZQError::with(TemplateFolder::errorDomain, TemplateFolder::NoCopy,
+                         zqFormat(zqLocalized("No asset could be made of the template “%@”."), {source.title}), reason);
+}
+
+std::shared_ptr<TemporaryFolder> copyFolder(const TemplateFile &source, ZQError *error)
+{
+    ZQError problem;
+    const QString path = TemporaryArea::newFolder(&problem);
+    if (path.isEmpty()) {
+        zqSetError(error, noCopy(source, zqFormat(zqLocalized("No temporary folder can be made. Free some space there, "
+                                                              "or name another folder in TMPDIR, and try again (%@)."),
+                                                  {problem.localizedDescription()})));
+        return nullptr;
+    }
+    return std::make_shared<TemporaryFolder>(path);
 }
 
 } // namespace
@@ -116,17 +137,24 @@ std::shared_ptr<ImportOperation> Templates::makeAsset(const TemplateFile &source
                                                  {source.title})));
         return nullptr;
     }
-    // Under the name that the asset's file is to have; in a folder whose name keeps the import from moving it.
-    const QString scratch = TemporaryFolder::temporaryDirectory();
-    const QString folder = scratch + u'/' + QStringLiteral("copy.") + TemplateFolder::extension;
-    const QString copy = folder + u'/' + source.title + u'.' + source.extension;
-    if (scratch.isEmpty() || !QDir().mkpath(folder) || !zqCopyFile(source.file, copy, error)) {
+    const auto folder = copyFolder(source, error);
+    if (!folder) {
         return nullptr;
     }
-    return AImportManager::sharedAImportManager().startImport({
-        .paths = {copy},
+    const QString copy = folder->path() + u'/' + source.title + u'.' + source.extension;
+    if (ZQError problem; !zqCopyFile(source.file, copy, &problem)) {
+        zqSetError(error, noCopy(source, importReasonForError(problem)));
+        return nullptr;
+    }
+    auto operation = AImportManager::sharedAImportManager().startImport({
+        .paths = {copy}, // under the name that the asset's file is to have
         .target = into.objectID(),
         .metadata = {{QStringLiteral("title"), source.title}},
+        .holder = folder,
         .duplicates = DuplicateChoice::KeepBoth, // that is what a template is for
     });
+    if (!operation && into.isWatchedFolder()) {
+        folder->keep(); // it is copied from there later
+    }
+    return operation;
 }

@@ -24,6 +24,8 @@ enum class CommandID {
     LastImport,
     ExportLayers,
     ExportPanel,
+    Share, // or cancels what is being shared
+    LatestUploads,
     SnapArea, // and the other captures, one after the other
     SnapWindow,
     SnapFullScreen,

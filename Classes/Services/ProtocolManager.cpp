@@ -23,6 +23,14 @@ QStringList knownPages()
     return ZQUserDefaults::standardUserDefaults().objectForKey(ProtocolManager::knownPagesKey).toStringList();
 }
 
+void remember(const QString &host)
+{
+    const QStringList known = knownPages() + QStringList{host};
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(
+        known.mid(std::max<qsizetype>(0, known.size() - ProtocolManager::mostKnownPages)),
+        ProtocolManager::knownPagesKey);
+}
+
 } // namespace
 
 ProtocolManager::ProtocolManager(Uses uses, QObject *parent) : QObject(parent), m_uses(std::move(uses))
@@ -128,40 +136,34 @@ void ProtocolManager::run(const Waiting &waiting)
     }
 }
 
-std::optional<QString> ProtocolManager::questionAbout(const ProtocolCommand &command)
+std::optional<QString> ProtocolManager::reasonToAsk(const ProtocolCommand &command)
 {
     const QStringList hosts = command.otherHosts();
-    if ((hosts.isEmpty() && !command.isPagePrivate()) || knownPages().contains(command.pageHost())) {
+    // Which page it is only the sender says: a yes to one on this computer would be one to every page that claims to be
+    // it, and open the network to them.
+    const bool isAgreed = !command.isPagePrivate() && knownPages().contains(command.pageHost());
+    if ((hosts.isEmpty() && !command.isPagePrivate()) || isAgreed) {
         return std::nullopt;
     }
-    QString text;
+    QStringList sentences;
     if (command.isPagePrivate()) {
-        // Which page it is only the sender says.
-        text = zqFormat(zqLocalized("“%@” is on this computer or in its own network. "), {command.pageHost()});
+        sentences.append(
+            zqFormat(zqLocalized("“%@” is on this computer or in its own network."), {command.pageHost()}));
     }
     if (!hosts.isEmpty()) {
         const QString named = hosts.mid(0, mostHostsNamed).join(QStringLiteral(", "));
-        text += hosts.size() <= mostHostsNamed ? zqFormat(zqLocalized("Its images come from %@. "), {named})
-                                               : zqFormat(zqLocalized("Its images come from %@ and %d other hosts. "),
-                                                          {named, hosts.size() - mostHostsNamed});
+        sentences.append(hosts.size() <= mostHostsNamed
+                             ? zqFormat(zqLocalized("Its images come from %@."), {named})
+                             : zqFormat(zqLocalized("Its images come from %@ and %d other hosts."),
+                                        {named, hosts.size() - mostHostsNamed}));
     }
-    return text + zqLocalized("Go on only if you asked for this in the browser. You will not be asked again for this "
-                              "page's host.");
-}
-
-void ProtocolManager::rememberPage(const QString &host)
-{
-    QStringList known = knownPages();
-    known.removeAll(host);
-    known.append(host);
-    ZQUserDefaults::standardUserDefaults().setObjectForKey(
-        known.mid(std::max<qsizetype>(0, known.size() - mostKnownPages)), knownPagesKey);
+    return sentences.join(u' ');
 }
 
 bool ProtocolManager::isAllowed(const ProtocolCommand &command)
 {
-    const auto question = questionAbout(command);
-    if (!question) {
+    const auto reason = reasonToAsk(command);
+    if (!reason) {
         return true;
     }
     const QString host = command.pageHost();
@@ -177,7 +179,11 @@ bool ProtocolManager::isAllowed(const ProtocolCommand &command)
     asked.message = isSnap       ? zqFormat(zqLocalized("Capture the page at “%@”?"), {host})
                     : count == 1 ? zqFormat(zqLocalized("Import an image from the page at “%@”?"), {host})
                                  : zqFormat(zqLocalized("Import %d images from the page at “%@”?"), {count, host});
-    asked.informativeText = *question;
+    const QString advice = command.isPagePrivate()
+                               ? zqLocalized("Go on only if you asked for this in the browser.")
+                               : zqLocalized("Go on only if you asked for this in the browser. You will not be asked "
+                                             "again for this page's host.");
+    asked.informativeText = *reason + u' ' + advice;
     asked.buttons = {isSnap ? zqLocalized("Capture") : zqLocalized("Import"), zqLocalized("Cancel")};
     const QPointer<ProtocolManager> alive(this);
     const bool isWanted = m_uses.user.ask(asked) == 0;
@@ -185,12 +191,14 @@ bool ProtocolManager::isAllowed(const ProtocolCommand &command)
         return false;
     }
     if (isWanted) {
-        rememberPage(host);
+        if (!command.isPagePrivate()) {
+            remember(host);
+        }
         return true;
     }
     m_lastNo = m_uses.now();
     // Others that came meanwhile and would ask, too, were not what the person had in mind.
-    m_waiting.removeIf([](const Waiting &waiting) { return waiting.command && questionAbout(*waiting.command); });
+    m_waiting.removeIf([](const Waiting &waiting) { return waiting.command && reasonToAsk(*waiting.command); });
     return false;
 }
 

@@ -16,8 +16,8 @@ class UserInteraction;
 
 // Does what addresses of this application's scheme ask for, once the launch is done. Whoever shows a page can send
 // them, as many as they like and with whatever in them: what is refused is said in a notification, the person is asked
-// before the first import from a page that names other hosts than its own or lies on this computer or in its own
-// network, and a flood is cut off.
+// before the first import from a page that names other hosts than its own and before each from one that lies on this
+// computer or in its own network, and a flood is cut off.
 //
 // Main thread. Nothing is done while `handleURL` runs. What waits when this goes is dropped.
 class ProtocolManager : public QObject, public ProtocolHandling
@@ -40,16 +40,15 @@ public:
     static constexpr std::chrono::milliseconds burst{10'000};
     static constexpr std::chrono::milliseconds quietAfterNo{10'000}; // in which nothing is asked
     static constexpr qsizetype mostKnownPages = 1000;                // the oldest is forgotten
-    // The user default: hosts of pages from which the person lets images come.
+    // The user default: hosts of pages of the internet from which the person lets images come.
     static inline const QString knownPagesKey = QStringLiteral("ProtocolKnownPages");
 
     explicit ProtocolManager(Uses uses, QObject *parent = nullptr);
 
     void handleURL(const QString &url) override;
 
-    // What to ask the person before this is done; nothing where it needs no word.
-    static std::optional<QString> questionAbout(const ProtocolCommand &command);
-    static void rememberPage(const QString &host);
+    // Why the person is to be asked before this is done, in sentences; nothing where it needs no word.
+    static std::optional<QString> reasonToAsk(const ProtocolCommand &command);
 
 private:
     struct Waiting

@@ -2,14 +2,15 @@
 
 #include "Classes/Application/ControllerInterfaces.h"
 
-// The cloud session and its menu. Without an account there is no session and nothing to list.
+#include <QString>
+
+// The session with the service that has one, and word for whoever draws the cloud menu that what it lists has changed.
+// Main thread.
 class CloudMenuViewController : public CloudMenuControlling
 {
 public:
-    void createSharedSession() override { m_hasSession = false; }
-    void updateCloudMenu() override {}
-    bool hasSession() const { return m_hasSession; }
+    static inline const QString menuDidUpdate = QStringLiteral("CloudMenuDidUpdate"); // posted with no object
 
-private:
-    bool m_hasSession = false;
+    void createSharedSession() override; // asks no account for anything
+    void updateCloudMenu() override;     // a menu that is open follows, others read the list when they open
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kit/Foundation/ZQError.h"
+#include "Kit/Foundation/ZQSecret.h"
 
 #include <QByteArray>
 #include <QHostAddress>
@@ -13,13 +14,16 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
+
+class ZQHTTPConnections;
 
 using ZQHTTPHeaders = QList<std::pair<QByteArray, QByteArray>>;
 
 // What is asked of a web server, with the limits within which the answer is taken. No cookies are sent or kept, nothing
-// is cached, and each request has connections and a login of its own. The proxies of the desktop are used, but for this
-// machine.
+// is cached, and each request has connections and a login of its own unless `connections` says otherwise. The proxies
+// of the desktop are used, but for this machine.
 //
 // The functions are called on the network's thread: they must be short and must not wait.
 struct ZQHTTPRequest
@@ -29,10 +33,16 @@ struct ZQHTTPRequest
     ZQHTTPHeaders headers = {};
     QByteArray body = {};
     // Instead of it, for one that is not to be held in memory: called for each time that the body is sent, as again
-    // after a redirect. What it makes is open, can seek, and knows its size. Null: it cannot be read.
+    // after a redirect. What it makes can seek and knows its size, and is open unless it cannot be read. Null: it
+    // cannot be read. `ZQHTTPBody` and `ZQMultipartForm` make such functions.
     std::function<std::unique_ptr<QIODevice>()> makeBody = {};
-    QString user = {}; // for a server that asks for a login (Basic or Digest), the first one only; empty: none
-    QString password = {};
+    // For a server that asks for a login (Basic or Digest), and only for the one of the URL, or of `loginServer` where
+    // that is set, as when another one redirects there. Empty: what stands in the URL.
+    QString user = {};
+    ZQSecret password = {};
+    QUrl loginServer = {};
+    bool mayLogInUnencrypted = false; // as `user`, over http to who is not of this machine or its network
+    std::shared_ptr<ZQHTTPConnections> connections = {}; // of the work that it is a part of; null: its own
 
     // A file that is not there yet; it gets its name when all of it came, and nothing is left of it otherwise. Empty:
     // the answer's body is kept in memory.
@@ -72,6 +82,8 @@ struct ZQHTTPResponse
     QByteArray header(const QByteArray &name) const; // whatever its case; empty: it is not there
     // Of the header "Content-Type", in lower case and without its parameters.
     QString MIMEType() const;
+    // How long the server wants to be left alone, as it may say with 429 and 503; at most a day.
+    std::optional<std::chrono::seconds> retryAfter() const;
 };
 
 // The preferred extension of files of a content type, without the dot; empty where the type is not known.

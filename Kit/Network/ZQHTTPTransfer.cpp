@@ -4,10 +4,9 @@
 #include "Kit/Network/ZQPrivateAddress.h"
 #include "Kit/Network/ZQTransferError.h"
 
-#include <QAuthenticator>
 #include <QBuffer>
 #include <QHostInfo>
-#include <QNetworkCookieJar>
+#include <QNetworkProxy>
 #include <QNetworkProxyFactory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -23,10 +22,23 @@ namespace {
 constexpr qint64 bufferSize = qint64(1) << 20;
 constexpr qint64 mostOfRefusal = 64 * 1024;
 constexpr qsizetype mostAddresses = 4; // of a host are tried
+constexpr int mostLogins = 3;          // with answers that were only too old
+
+int portOf(const QUrl &url)
+{
+    return url.port(url.scheme() == u"https" ? 443 : 80);
+}
 
 bool isSameServer(const QUrl &a, const QUrl &b)
 {
-    return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
+    return a.scheme() == b.scheme() && a.host() == b.host() && portOf(a) == portOf(b);
+}
+
+// The names of headers whose values are for the server that was asked, and no other.
+bool isSecret(const QByteArray &name)
+{
+    const QByteArray lower = name.toLower();
+    return lower == "authorization" || lower == "cookie" || lower == "proxy-authorization";
 }
 
 QNetworkProxy proxyFor(const QUrl &url)
@@ -53,12 +65,14 @@ bool isWanted(const QString &type, const QStringList &accepted)
 } // namespace
 
 ZQHTTPTransfer::ZQHTTPTransfer(ZQHTTPRequest request, std::function<void(const ZQHTTPResponse &response)> done)
-    : m_request(std::move(request)), m_done(std::move(done)), m_method(m_request.method)
+    : m_request(std::move(request)), m_done(std::move(done)),
+      m_connections(m_request.connections ? m_request.connections : ZQHTTPConnections::make()),
+      m_method(m_request.method), m_user(m_request.user), m_password(m_request.password)
 {
-    m_manager.setCookieJar(new QNetworkCookieJar(&m_manager)); // that nothing is put into
-    m_manager.setStrictTransportSecurityEnabled(false);
-    connect(&m_manager, &QNetworkAccessManager::authenticationRequired, this,
-            [this](QNetworkReply *, QAuthenticator *authenticator) { authenticate(authenticator); });
+    if (m_user.isEmpty()) {
+        m_user = m_request.url.userName(QUrl::FullyDecoded);
+        m_password = ZQSecret(m_request.url.password(QUrl::FullyDecoded));
+    }
     for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer}) {
         timer->setSingleShot(true);
     }
@@ -86,7 +100,22 @@ void ZQHTTPTransfer::start()
     if (m_request.wholeTime.count() > 0) {
         m_wholeTimer.start(m_request.wholeTime);
     }
-    goTo(m_request.url);
+    if (const ZQError problem = problemOfHeaders(); !problem.isNull()) {
+        fail(problem);
+    } else {
+        goTo(m_request.url);
+    }
+}
+
+ZQError ZQHTTPTransfer::problemOfHeaders() const
+{
+    for (const auto &[name, value] : m_request.headers) {
+        const bool breaks = value.contains('\r') || value.contains('\n') || value.contains('\0');
+        if (breaks || name.isEmpty() || name.contains(':') || name != name.simplified()) {
+            return ZQTransferError::badHeader(name);
+        }
+    }
+    return {};
 }
 
 void ZQHTTPTransfer::cancel()
@@ -101,17 +130,18 @@ void ZQHTTPTransfer::goTo(const QUrl &url)
         fail(ZQTransferError::noAddress(url));
         return;
     }
-    m_response.url = url;
-    if (const ZQError refusal = m_request.mayGoTo ? m_request.mayGoTo(url) : ZQError(); !refusal.isNull()) {
-        fail(refusal);
+    m_response.url = url.adjusted(QUrl::RemoveUserInfo);
+    if (const ZQError refused = m_request.mayGoTo ? m_request.mayGoTo(url) : ZQError(); !refused.isNull()) {
+        fail(refused);
         return;
     }
+    m_logins = 0;
     m_isConnected = m_hasHead = false;
     m_connectTimer.start();
     const QNetworkProxy proxy = proxyFor(url);
-    m_manager.setProxy(proxy);
+    m_connections->manager().setProxy(proxy);
     if (!m_request.mayConnectTo) {
-        send(url, {});
+        sendTo(m_response.url, {});
         return;
     }
     const QHostAddress literal(url.host());
@@ -120,7 +150,7 @@ void ZQHTTPTransfer::goTo(const QUrl &url)
     } else if (!literal.isNull() && !m_request.mayConnectTo(literal)) {
         fail(ZQTransferError::notAllowed(host()));
     } else {
-        send(url, {});
+        sendTo(m_response.url, {});
     }
 }
 
@@ -160,7 +190,7 @@ void ZQHTTPTransfer::connectToNext()
     const QString bracketed = name.contains(u':') ? u'[' + name + u']' : name;
     const int port = m_response.url.port();
     m_connectTimer.start();
-    send(pinned, port < 0 ? bracketed : bracketed + u':' + QString::number(port));
+    sendTo(pinned, port < 0 ? bracketed : bracketed + u':' + QString::number(port));
 }
 
 bool ZQHTTPTransfer::isTryingNext()
@@ -173,9 +203,9 @@ bool ZQHTTPTransfer::isTryingNext()
     return true;
 }
 
-QNetworkRequest ZQHTTPTransfer::networkRequest(const QUrl &url, const QString &hostHeader) const
+QNetworkRequest ZQHTTPTransfer::networkRequest(const QByteArray &login) const
 {
-    QNetworkRequest request(url);
+    QNetworkRequest request(m_connectedURL);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
@@ -185,39 +215,66 @@ QNetworkRequest ZQHTTPTransfer::networkRequest(const QUrl &url, const QString &h
     request.setDecompressedSafetyCheckThreshold(-1);                     // the maximum size holds for what is unpacked
     const bool isAtFirstServer = isSameServer(m_request.url, m_response.url);
     for (const auto &[name, value] : m_request.headers) {
-        const bool isSecret =
-            name.compare("Authorization", Qt::CaseInsensitive) == 0 || name.compare("Cookie", Qt::CaseInsensitive) == 0;
-        if (isAtFirstServer || !isSecret) {
+        const bool isOfBody = name.toLower().startsWith("content-");
+        if ((isAtFirstServer || !isSecret(name)) && (m_sendsBody || !isOfBody)) {
             request.setRawHeader(name, value);
         }
     }
-    if (!hostHeader.isEmpty()) {
-        request.setRawHeader("Host", hostHeader.toLatin1());
+    if (!login.isEmpty()) {
+        request.setRawHeader("Authorization", login);
+    }
+    if (!m_hostHeader.isEmpty()) {
+        request.setRawHeader("Host", m_hostHeader.toLatin1());
         request.setPeerVerifyName(m_response.url.host(QUrl::FullyEncoded));
     }
     return request;
 }
 
-QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request)
+QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request, QString *problem)
 {
-    if (!m_request.makeBody) {
-        return m_manager.sendCustomRequest(request, m_method, m_request.body);
+    std::unique_ptr<QIODevice> body;
+    if (m_request.makeBody) {
+        body = m_request.makeBody();
+    } else {
+        auto buffer = std::make_unique<QBuffer>();
+        buffer->setData(m_request.body);
+        buffer->open(QIODevice::ReadOnly);
+        body = std::move(buffer);
     }
-    m_body = m_request.makeBody();
-    return m_body ? m_manager.sendCustomRequest(request, m_method, m_body.get()) : nullptr;
+    if (!body) {
+        return nullptr;
+    }
+    auto sent = std::make_unique<ZQSentBody>(std::move(body), m_connections->haveBeenUsedFor(m_response.url) ? 1 : 0);
+    if (sent->didFail()) {
+        *problem = sent->errorString();
+        return nullptr;
+    }
+    QNetworkReply *const reply = m_connections->manager().sendCustomRequest(request, m_method, sent.get());
+    m_body = sent.release();
+    m_body->setParent(reply);
+    return reply;
 }
 
-void ZQHTTPTransfer::send(const QUrl &url, const QString &hostHeader)
+void ZQHTTPTransfer::sendTo(const QUrl &url, const QString &hostHeader)
 {
-    const QNetworkRequest request = networkRequest(url, hostHeader);
+    m_connectedURL = url;
+    m_hostHeader = hostHeader;
+    send();
+}
+
+void ZQHTTPTransfer::send()
+{
+    const QNetworkRequest request = networkRequest(answerToChallenge());
     const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
-    QNetworkReply *const reply = hasBody             ? sendBody(request)
-                                 : m_method == "GET" ? m_manager.get(request)
-                                                     : m_manager.sendCustomRequest(request, m_method);
+    QString problem;
+    QNetworkReply *const reply = hasBody             ? sendBody(request, &problem)
+                                 : m_method == "GET" ? m_connections->manager().get(request)
+                                                     : m_connections->manager().sendCustomRequest(request, m_method);
     if (reply) {
+        m_connections->noteUseOf(m_response.url);
         follow(reply);
     } else {
-        fail(zqNetworkError(ZQNetworkErrorCode::CannotWrite, zqLocalized("What is to be sent cannot be read.")));
+        fail(ZQTransferError::cannotRead(problem));
     }
 }
 
@@ -243,13 +300,51 @@ void ZQHTTPTransfer::follow(QNetworkReply *reply)
     connect(reply, &QNetworkReply::finished, this, &ZQHTTPTransfer::replyEnded);
 }
 
-void ZQHTTPTransfer::authenticate(QAuthenticator *authenticator)
+bool ZQHTTPTransfer::hasLogin() const
 {
-    if (!m_didLogIn && !m_request.user.isEmpty() && isSameServer(m_request.url, m_response.url)) {
-        m_didLogIn = true; // once: the same words would be refused again
-        authenticator->setUser(m_request.user);
-        authenticator->setPassword(m_request.password);
+    const QUrl &server = m_request.loginServer.isEmpty() ? m_request.url : m_request.loginServer;
+    return !m_user.isEmpty() && isSameServer(server, m_response.url);
+}
+
+// Empty until the server asked, now or a request of the same connections before.
+QByteArray ZQHTTPTransfer::answerToChallenge()
+{
+    if (!hasLogin()) {
+        return {};
     }
+    std::optional<ZQHTTPChallenge> &challenge = m_connections->challengeOf(m_response.url, m_user);
+    const QByteArray target =
+        m_response.url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    return challenge ? challenge->answer(m_user, m_password, m_method, target.startsWith('/') ? target : '/' + target)
+                     : QByteArray();
+}
+
+// Sends it again with an answer to what the server asked for. False when the person has to be told of the refusal.
+bool ZQHTTPTransfer::logIn()
+{
+    if (m_response.statusCode != 401 || !hasLogin()) {
+        return false;
+    }
+    std::optional<ZQHTTPChallenge> &challenge = m_connections->challengeOf(m_response.url, m_user);
+    challenge = ZQHTTPChallenge::strongestIn(m_response.header("WWW-Authenticate"));
+    const bool isNews = challenge && (m_logins == 0 || challenge->isStale());
+    if (!isNews || m_logins++ >= mostLogins) { // the same words would be refused again
+        challenge.reset();
+        return false;
+    }
+    const bool isUnencrypted = m_response.url.scheme() == u"http" && !zqIsPrivateHostName(host());
+    if (isUnencrypted && !m_request.mayLogInUnencrypted && !m_request.user.isEmpty()) {
+        challenge.reset();
+        fail(ZQTransferError::loginUnencrypted(host()));
+        return true;
+    }
+    dropReply();
+    const QUrl url = m_response.url;
+    m_response = {};
+    m_response.url = url;
+    m_hasHead = false;
+    send();
+    return true;
 }
 
 void ZQHTTPTransfer::headCame()
@@ -306,7 +401,10 @@ void ZQHTTPTransfer::bytesCame()
         const qint64 room = mostOfRefusal - m_response.body.size();
         m_response.body.append(buffer.data(), std::min(room, size));
         if (size >= room) { // a page of excuses, perhaps without end
-            fail(zqNetworkErrorForStatus(m_response.statusCode, host()));
+            if (!logIn()) {
+                fail(refusal());
+            }
+            return;
         }
     }
 }
@@ -399,14 +497,28 @@ void ZQHTTPTransfer::replyEnded()
     if (!m_hasHead && isAboutConnecting && isTryingNext()) {
         return;
     }
+    if (m_hasHead && logIn()) {
+        return;
+    }
     m_response.error = problemOfEnd();
     end();
+}
+
+ZQError ZQHTTPTransfer::refusal() const
+{
+    return zqNetworkErrorForStatus(m_response.statusCode, host(), m_response.retryAfter());
 }
 
 ZQError ZQHTTPTransfer::problemOfEnd() const
 {
     if (m_hasHead && !isSuccess()) {
-        return zqNetworkErrorForStatus(m_response.statusCode, host());
+        return refusal();
+    }
+    if (m_body && m_body->didFail()) {
+        return ZQTransferError::cannotRead(m_body->errorString());
+    }
+    if (m_body && m_body->wasAskedTooOften() && !m_hasHead) {
+        return ZQTransferError::brokeOff(host());
     }
     if (m_reply->error() != QNetworkReply::NoError) {
         return ZQTransferError::of(*m_reply, host(), m_isConnected);
@@ -458,5 +570,5 @@ void ZQHTTPTransfer::dropReply()
         reply->abort();
         reply->deleteLater();
     }
-    m_body.reset();
+    m_body = nullptr;
 }

@@ -1,18 +1,19 @@
 #pragma once
 
 #include "Kit/Files/ZQNewFile.h"
+#include "Kit/Network/ZQHTTPChallenge.h"
+#include "Kit/Network/ZQHTTPConnections.h"
 #include "Kit/Network/ZQHTTPRequest.h"
 #include "Kit/Network/ZQNetworkError.h"
+#include "Kit/Network/ZQSentBody.h"
 
 #include <QNetworkAccessManager>
-#include <QNetworkProxy>
 #include <QObject>
 #include <QTimer>
 
 #include <functional>
 #include <memory>
 
-class QAuthenticator;
 class QNetworkReply;
 class QNetworkRequest;
 
@@ -32,11 +33,16 @@ private:
     void lookUp(const QString &host);
     void tryAddresses(const QList<QHostAddress> &addresses);
     void connectToNext();
-    void send(const QUrl &url, const QString &hostHeader);
-    QNetworkRequest networkRequest(const QUrl &url, const QString &hostHeader) const;
-    QNetworkReply *sendBody(const QNetworkRequest &request);
+    void sendTo(const QUrl &url, const QString &hostHeader);
+    void send();
+    QNetworkRequest networkRequest(const QByteArray &login) const;
+    ZQError problemOfHeaders() const;
+    QNetworkReply *sendBody(const QNetworkRequest &request, QString *problem);
     void follow(QNetworkReply *reply);
-    void authenticate(QAuthenticator *authenticator);
+
+    bool hasLogin() const;
+    QByteArray answerToChallenge();
+    bool logIn();
 
     void headCame();
     void bytesCame();
@@ -45,6 +51,7 @@ private:
     bool redirect();
     ZQError problemOfHead() const;
     ZQError problemOfEnd() const;
+    ZQError refusal() const;
     bool isTryingNext();
     void dropReply();
     void fail(const ZQError &error);
@@ -58,9 +65,11 @@ private:
     const ZQHTTPRequest m_request;
     std::function<void(const ZQHTTPResponse &response)> m_done; // null: it was called
     ZQHTTPResponse m_response;
-    QNetworkAccessManager m_manager;
-    QNetworkReply *m_reply = nullptr; // of the manager
-    std::unique_ptr<QIODevice> m_body;
+    const std::shared_ptr<ZQHTTPConnections> m_connections;
+    QNetworkReply *m_reply = nullptr; // of the connections' manager
+    ZQSentBody *m_body = nullptr;     // of the reply, whose threads may still read it when it is given up
+    QUrl m_connectedURL; // as it is connected to: where that was asked about, with an address in place of the name
+    QString m_hostHeader;
     QByteArray m_method;
     bool m_sendsBody = true;
     int m_redirects = 0;
@@ -69,7 +78,9 @@ private:
     bool m_isConnected = false;
     bool m_hasHead = false;
     qint64 m_expected = -1; // bytes of the body; negative: unknown
-    bool m_didLogIn = false;
+    QString m_user;
+    ZQSecret m_password;
+    int m_logins = 0;                  // that were tried at the present address
     std::unique_ptr<ZQNewFile> m_file; // null: nothing of it came yet
     QTimer m_connectTimer;
     QTimer m_stallTimer;

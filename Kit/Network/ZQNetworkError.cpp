@@ -48,11 +48,20 @@ QString wordsForStatus(int status)
 
 } // namespace
 
-ZQError zqNetworkErrorForStatus(int status, const QString &host)
+ZQError zqNetworkErrorForStatus(int status, const QString &host, std::optional<std::chrono::seconds> retryAfter)
 {
-    ZQError error = zqNetworkError(ZQNetworkErrorCode::BadResponse, zqFormat(zqLocalized("%@ answered %d (%@)."),
-                                                                             {host, status, wordsForStatus(status)}));
+    const bool isForTheMoment = retryAfter && (status == 429 || status == 503);
+    const qint64 minutes = isForTheMoment ? std::chrono::ceil<std::chrono::minutes>(*retryAfter).count() : 0;
+    const QString whatToDo = !isForTheMoment ? QString()
+                             : minutes > 1   ? zqFormat(zqLocalized("Try again in %d minutes."), {minutes})
+                                             : zqLocalized("Try again in a minute.");
+    ZQError error =
+        zqNetworkError(ZQNetworkErrorCode::BadResponse,
+                       zqFormat(zqLocalized("%@ answered %d (%@)."), {host, status, wordsForStatus(status)}), whatToDo);
     error.userInfo.insert(zqNetworkErrorStatusKey, status);
+    if (isForTheMoment) {
+        error.userInfo.insert(zqNetworkErrorRetryAfterKey, qint64(retryAfter->count()));
+    }
     return error;
 }
 

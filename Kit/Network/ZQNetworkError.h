@@ -4,6 +4,9 @@
 
 #include <QString>
 
+#include <chrono>
+#include <optional>
+
 // What can go wrong with a request, as the codes of the domain below. Each error has a sentence for the person that
 // names the host, and what to do where there is something to do.
 enum class ZQNetworkErrorCode {
@@ -21,15 +24,19 @@ enum class ZQNetworkErrorCode {
     TooLarge = -1103,
     UnwantedType = -1015,
     Untrusted = -1200,   // the encryption, or who vouches for the server
+    CannotRead = -3001,  // what was to be sent
     CannotWrite = -3003, // the destination; the reason of the system is in it
 };
 
 inline const QString zqNetworkErrorDomain = QStringLiteral("zelto.network");
 inline const QString zqNetworkErrorStatusKey = QStringLiteral("status");
+// Of an answer that says no for the moment: after how many seconds it may be asked again.
+inline const QString zqNetworkErrorRetryAfterKey = QStringLiteral("retryAfter");
 
 ZQError zqNetworkError(ZQNetworkErrorCode code, const QString &description, const QString &whatToDo = {});
 // What a status from 400 on says, in words: "The server answered 404 (not found)."
-ZQError zqNetworkErrorForStatus(int status, const QString &host);
+ZQError zqNetworkErrorForStatus(int status, const QString &host,
+                                std::optional<std::chrono::seconds> retryAfter = std::nullopt);
 bool zqIsNetworkError(const ZQError &error, ZQNetworkErrorCode code);
 // Whether this machine has any connection beside the one to itself.
 bool zqIsOnline();

@@ -19,10 +19,6 @@ ZQAddressReach zqReachOfAddress(const QHostAddress &address);
 // may still resolve to anything.
 ZQAddressReach zqReachOfHostName(const QString &host);
 
-inline bool zqIsPrivateAddress(const QHostAddress &address)
-{
-    return zqReachOfAddress(address) != ZQAddressReach::Everybody;
-}
 inline bool zqIsPrivateHostName(const QString &host)
 {
     return zqReachOfHostName(host) != ZQAddressReach::Everybody;

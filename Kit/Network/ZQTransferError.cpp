@@ -55,9 +55,9 @@ ZQError ZQTransferError::noAnswer(const QString &host)
 
 ZQError ZQTransferError::silence(const QString &host)
 {
-    return zqNetworkError(ZQNetworkErrorCode::TimedOut,
-                          zqFormat(zqLocalized("%@ stopped answering in the middle."), {host}),
-                          zqLocalized("Try again later."));
+    return offlineOr(host, zqNetworkError(ZQNetworkErrorCode::TimedOut,
+                                          zqFormat(zqLocalized("%@ stopped answering in the middle."), {host}),
+                                          zqLocalized("Try again later.")));
 }
 
 ZQError ZQTransferError::tookTooLong(const QString &host)
@@ -91,12 +91,38 @@ ZQError ZQTransferError::tooLarge(qint64 maximumSize)
                           zqFormat(zqLocalized("It is larger than %@."), {sizeText(maximumSize)}));
 }
 
+ZQError ZQTransferError::brokeOff(const QString &host)
+{
+    return offlineOr(host, zqNetworkError(ZQNetworkErrorCode::ConnectionLost,
+                                          zqFormat(zqLocalized("%@ broke off."), {host}), zqLocalized("Try again.")));
+}
+
 ZQError ZQTransferError::cutOff(const QString &host, qint64 size, qint64 expected)
 {
     return zqNetworkError(
         ZQNetworkErrorCode::ConnectionLost,
         zqFormat(zqLocalized("%@ broke off: only %@ of %@ came."), {host, sizeText(size), sizeText(expected)}),
         zqLocalized("Try again."));
+}
+
+ZQError ZQTransferError::cannotRead(const QString &reason)
+{
+    return zqNetworkError(ZQNetworkErrorCode::CannotRead,
+                          reason.isEmpty() ? zqLocalized("What is to be sent cannot be read.") : reason);
+}
+
+ZQError ZQTransferError::badHeader(const QByteArray &name)
+{
+    return zqNetworkError(ZQNetworkErrorCode::BadAddress,
+                          zqFormat(zqLocalized("The header “%@” cannot be sent: it has a line break, or no name."),
+                                   {QString::fromLatin1(name)}));
+}
+
+ZQError ZQTransferError::loginUnencrypted(const QString &host)
+{
+    return zqNetworkError(ZQNetworkErrorCode::NotAllowed,
+                          zqFormat(zqLocalized("%@ asks for the password without encryption."), {host}),
+                          zqLocalized("Use an address that begins with https://."));
 }
 
 ZQError ZQTransferError::cannotWrite(const QString &path, const ZQError &reason)
@@ -115,12 +141,17 @@ ZQError ZQTransferError::of(const QNetworkReply &reply, const QString &host, boo
                                               zqFormat(zqLocalized("%@ takes no connection."), {host}),
                                               zqLocalized("Try again later.")));
     case QNetworkReply::RemoteHostClosedError:
-        return zqNetworkError(ZQNetworkErrorCode::ConnectionLost, zqFormat(zqLocalized("%@ broke off."), {host}),
-                              zqLocalized("Try again."));
+        return brokeOff(host);
+    case QNetworkReply::UnknownNetworkError:
+        if (wasConnected) { // a reset in the middle of what is sent
+            return brokeOff(host);
+        }
+        break;
     case QNetworkReply::SslHandshakeFailedError:
         return zqNetworkError(
             ZQNetworkErrorCode::Untrusted,
-            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, reply.errorString()}));
+            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, reply.errorString()}),
+            zqLocalized("Look at the address, and at the clock of this computer."));
     case QNetworkReply::TimeoutError:
         return wasConnected ? silence(host) : noAnswer(host);
     case QNetworkReply::ProxyAuthenticationRequiredError:
@@ -132,8 +163,9 @@ ZQError ZQTransferError::of(const QNetworkReply &reply, const QString &host, boo
                               zqFormat(zqLocalized("The proxy does not lead to %@: %@"), {host, reply.errorString()}),
                               zqLocalized("Look at the network settings of the desktop."));
     default:
-        return offlineOr(
-            host, zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
-                                 zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reply.errorString()})));
+        break;
     }
+    return offlineOr(host,
+                     zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
+                                    zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reply.errorString()})));
 }

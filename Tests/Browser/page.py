@@ -34,18 +34,29 @@ PAGE = f"""<!doctype html><title>Posters “of” the year — ½</title>
 <video poster="poster.png"></video>
 <svg width="10" height="10"><image href="placed.png"/></svg>
 <div id="shadow"></div>
+<iframe src="/frame/inner"></iframe> <iframe src="alone.png"></iframe> <iframe srcdoc='<img src="written.png">'></iframe>
+<iframe sandbox src="/frame/foreign"></iframe>
 <script>
   document.getElementById("shadow").attachShadow({{ mode: "open" }}).innerHTML = '<img src="hidden%20away.png">';
 </script>
 """.encode()
 
-SIZES = {"plain": (400, 300), "small": (20, 10), "set-300": (300, 150), "set-900": (900, 450), "sharp": (200, 200),
+# Its addresses are those of its own place, and not of the page's.
+FRAME = b"""<!doctype html><base href="/art/deep/"><style>p { background-image: url(behind.png) }</style>
+<img src="../framed.png" alt=""><p></p><iframe src="/frame/innermost"></iframe>"""
+OTHER_FRAMES = {"innermost": b'<!doctype html><img src="/art/innermost.png" alt="">',
+                "foreign": b'<!doctype html><img src="/art/foreign.png" alt="">'}
+
+SIZES = {"framed": (310, 310), "deep/behind": (320, 40), "alone": (330, 50), "written": (340, 60), "innermost": (350, 70),
+         "foreign": (360, 80), "plain": (400, 300), "small": (20, 10), "set-300": (300, 150), "set-900": (900, 450), "sharp": (200, 200),
          "sharp@2x": (400, 400), "wide,1": (800, 200), "narrow": (100, 100), "hero": (640, 480), "mark": (120, 120),
          "poster": (500, 280), "placed": (150, 150), "hidden%20away": (240, 180)}
 # What is to be found, with its size where the page itself knows it.
 EXPECTED = {"art/plain.png": (400, 300), "art/small.png": (20, 10), "art/set-900.png": (900, 450),
             "art/sharp@2x.png": (400, 400), "art/wide,1.png": (800, 200), "art/drawing.svg": (320, 200), INLINE: (1, 1),
             "art/gone.png": (0, 0), "art/hero.png?crop=1,2": (640, 480), "art/mark.png": (120, 120),
+            "art/framed.png": (310, 310), "art/deep/behind.png": (320, 40), "art/alone.png": (330, 50),
+            "art/written.png": (340, 60), "art/innermost.png": (350, 70),
             "art/poster.png": (500, 280), "art/placed.png": (150, 150), "art/hidden%20away.png": (240, 180)}
 
 
@@ -54,6 +65,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
         name = self.path.split("?")[0].removeprefix("/art/").removesuffix(".png")
         if self.path == "/year":
             self.answer("text/html; charset=utf-8", PAGE)
+        elif self.path.startswith("/frame/"):
+            self.answer("text/html", OTHER_FRAMES.get(self.path.removeprefix("/frame/"), FRAME))
         elif name == "drawing.svg":
             self.answer("image/svg+xml", DRAWING)
         elif name in SIZES:

@@ -86,7 +86,8 @@ std::optional<LocalHTTPServer::Request> requestFrom(const QByteArray &received)
 QByteArray headOf(const LocalHTTPServer::Answer &answer)
 {
     const qint64 length = answer.statedLength.value_or(answer.body.size() + answer.zeros);
-    QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + " Said so\r\nConnection: close\r\n";
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) +
+                      " Said so\r\nConnection: " + (answer.keepsConnection ? "keep-alive" : "close") + "\r\n";
     for (const auto &[name, value] : answer.headers) {
         head += name + ": " + value + "\r\n";
     }
@@ -105,6 +106,7 @@ struct LocalHTTPServer::Connection
     qint64 zerosLeft = 0;
     End whenSent = End::Whole;
     bool isAnswered = false;
+    bool isKept = false; // after the answer
 };
 
 LocalHTTPServer::LocalHTTPServer(Scheme scheme) : m_scheme(scheme)
@@ -164,6 +166,18 @@ qsizetype LocalHTTPServer::countOfRequestsFor(const QString &path) const
                          [&](const Request &each) { return each.target.section(u'?', 0, 0) == path; });
 }
 
+void LocalHTTPServer::setInterruption(const QString &path, qint64 afterBytes, const Answer &answer)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_interruptions.insert(path, {afterBytes, answer});
+}
+
+qsizetype LocalHTTPServer::countOfConnections() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_connections;
+}
+
 qint64 LocalHTTPServer::bytesSent() const
 {
     const QMutexLocker lock(&m_mutex);
@@ -172,6 +186,10 @@ qint64 LocalHTTPServer::bytesSent() const
 
 void LocalHTTPServer::accept(QTcpSocket *socket)
 {
+    {
+        const QMutexLocker lock(&m_mutex);
+        ++m_connections;
+    }
     const auto connection = std::make_shared<Connection>(Connection{.socket = socket});
     QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, connection] { read(connection); });
     QObject::connect(socket, &QTcpSocket::bytesWritten, socket, [this, connection](qint64 bytes) {
@@ -187,14 +205,44 @@ void LocalHTTPServer::accept(QTcpSocket *socket)
 
 void LocalHTTPServer::read(const std::shared_ptr<Connection> &connection)
 {
+    if (connection->isAnswered && !connection->isKept) {
+        return; // who was interrupted is to notice that nobody takes the rest
+    }
     connection->received += connection->socket->readAll();
     const std::optional<Request> request = requestFrom(connection->received);
-    if (connection->isAnswered || !request ||
-        request->body.size() < request->headers.value("content-length").toLongLong()) {
+    if (connection->isAnswered || !request || interrupt(connection, *request)) {
         return;
     }
+    if (request->body.size() >= request->headers.value("content-length").toLongLong()) {
+        readWhole(connection, *request);
+    }
+}
+
+void LocalHTTPServer::readWhole(const std::shared_ptr<Connection> &connection, const Request &request)
+{
+    Request only = request;
+    only.body = request.body.left(request.headers.value("content-length").toLongLong());
+    connection->received = request.body.mid(only.body.size());
     connection->isAnswered = true;
-    send(connection, answerTo(*request));
+    send(connection, answerTo(only));
+}
+
+bool LocalHTTPServer::interrupt(const std::shared_ptr<Connection> &connection, const Request &request)
+{
+    std::optional<Answer> answer;
+    {
+        const QMutexLocker lock(&m_mutex);
+        const auto found = m_interruptions.constFind(request.target.section(u'?', 0, 0));
+        if (found == m_interruptions.cend() || request.body.size() < found->first) {
+            return false;
+        }
+        m_requests.append(request);
+        answer = found->second;
+    }
+    connection->isAnswered = true;
+    connection->socket->setReadBufferSize(1);
+    send(connection, *answer);
+    return true;
 }
 
 LocalHTTPServer::Answer LocalHTTPServer::answerTo(const Request &request)
@@ -212,6 +260,7 @@ void LocalHTTPServer::send(const std::shared_ptr<Connection> &connection, const 
 {
     connection->whenSent = answer.end;
     connection->zerosLeft = answer.zeros;
+    connection->isKept = answer.keepsConnection;
     if (answer.endsBeforeHead) {
         end(connection);
         return;
@@ -225,7 +274,12 @@ void LocalHTTPServer::sendZeros(const std::shared_ptr<Connection> &connection)
         return;
     }
     if (connection->zerosLeft == 0) {
-        end(connection);
+        if (connection->isKept) {
+            connection->isAnswered = false;
+            read(connection);
+        } else {
+            end(connection);
+        }
         return;
     }
     static const QByteArray zeros(zerosAtOnce, '\0');

@@ -17,8 +17,8 @@ class QTcpServer;
 class QTcpSocket;
 
 // A web server on 127.0.0.1 that answers as the test says, also as no server should: it lies about lengths and types,
-// falls silent, drops connections and sends without end. Each connection gets one answer and is closed. It has a thread
-// of its own, so that a test may wait for what asks it. Any thread.
+// falls silent, drops connections and sends without end. Each connection gets one answer and is closed, unless the
+// answer says that it stays. It has a thread of its own, so that a test may wait for what asks it. Any thread.
 class LocalHTTPServer
 {
 public:
@@ -44,7 +44,8 @@ public:
         qint64 zeros = 0;                        // bytes that follow the body
         std::optional<qint64> statedLength = {}; // instead of the true one; negative: none is stated
         End end = End::Whole;
-        bool endsBeforeHead = false; // nothing of it is sent
+        bool endsBeforeHead = false;  // nothing of it is sent
+        bool keepsConnection = false; // for the next request, when it was sent whole
 
         static Answer with(const QByteArray &contentType, const QByteArray &body)
         {
@@ -67,6 +68,8 @@ public:
     // What asks for a path (without the query) that nobody set gets a 404.
     void setAnswer(const QString &path, const Answer &answer);
     void setHandler(const QString &path, Handler handler);
+    // What asks for the path is answered when so many bytes of its body came, and the rest is not read.
+    void setInterruption(const QString &path, qint64 afterBytes, const Answer &answer);
 
     QString address(const QString &target, const QString &host = QStringLiteral("127.0.0.1")) const;
     QUrl url(const QString &target) const { return QUrl(address(target)); }
@@ -74,6 +77,7 @@ public:
     QByteArray certificate() const { return m_certificate; } // as PEM, for "localhost", for who wants to trust it
     QList<Request> requests() const;
     qsizetype countOfRequestsFor(const QString &path) const;
+    qsizetype countOfConnections() const;
     qint64 bytesSent() const; // of all bodies, as far as connections took them
 
 private:
@@ -83,11 +87,15 @@ private:
     void send(const std::shared_ptr<Connection> &connection, const Answer &answer);
     void sendZeros(const std::shared_ptr<Connection> &connection);
     static void end(const std::shared_ptr<Connection> &connection);
+    void readWhole(const std::shared_ptr<Connection> &connection, const Request &request);
+    bool interrupt(const std::shared_ptr<Connection> &connection, const Request &request);
     Answer answerTo(const Request &request);
 
     const Scheme m_scheme;
-    mutable QMutex m_mutex; // for the next three
+    mutable QMutex m_mutex; // for the next five
     QHash<QString, Handler> m_handlers;
+    QHash<QString, std::pair<qint64, Answer>> m_interruptions;
+    qsizetype m_connections = 0;
     QList<Request> m_requests;
     qint64 m_bytesSent = 0;
     quint16 m_port = 0;

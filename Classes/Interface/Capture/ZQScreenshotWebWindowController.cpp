@@ -207,6 +207,7 @@ WebCaptureRequest ZQScreenshotWebWindowController::request() const
 {
     WebCaptureRequest request;
     request.url = m_loadedAddress;
+    request.isFromPage = m_loadedAddress == m_askedAddress;
     request.width = pageWidth();
     request.scale = m_isDouble->isChecked() ? 2 : 1;
     request.visible = m_area->currentIndex() == 1;
@@ -235,6 +236,7 @@ void ZQScreenshotWebWindowController::showWebCapture(const QString &pageURL, con
     m_address->selectAll();
     if (!pageURL.isEmpty()) {
         m_address->setText(pageURL);
+        m_askedAddress = WebCaptureRequest::addressFor(pageURL, false);
         load();
     }
 }

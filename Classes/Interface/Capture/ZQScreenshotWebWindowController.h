@@ -68,6 +68,7 @@ private:
     ZQProgressLine *m_progress;
     QPushButton *m_save;
 
+    QString m_askedAddress;                    // the last one that a page asked for, and no person typed
     QString m_loadedAddress;                   // or being loaded
     std::shared_ptr<WebPageCapture> m_capture; // the one that is waited for
     WebCaptureResult m_result;

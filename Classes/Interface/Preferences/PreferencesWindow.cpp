@@ -1,5 +1,7 @@
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 
+#include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Interface/Preferences/CloudPane.h"
 #include "Classes/Interface/Preferences/LibraryPane.h"
 #include "Classes/Interface/Preferences/PreferencesPanes.h"
 #include "Classes/Interface/Preferences/ScreenshotsPane.h"
@@ -48,6 +50,9 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *ma
         addPane(pane, QLatin1StringView(plan.icon));
     }
     addPane(new ScreenshotsPane(delegate), QStringLiteral("screenshots"));
+    auto *cloud = new CloudPane(delegate.userInteraction());
+    cloud->setObjectName(cloudPane);
+    addPane(cloud, QStringLiteral("cloud"));
     addPane(new LibraryPane(delegate), QStringLiteral("library"));
     connect(m_names, &QListWidget::currentRowChanged, this, [this](int index) {
         m_stack->setCurrentIndex(index);
@@ -83,6 +88,15 @@ void PreferencesWindow::addPane(PreferencesPane *pane, const QString &icon)
     connect(pane, &PreferencesPane::refused, this, [this](const ZQError &error) {
         m_bubble->showText(error.localizedDescription(), m_stack, false, PreferencesPane::refusalTime);
     });
+}
+
+void PreferencesWindow::showPane(const QString &objectName)
+{
+    for (int i = 0; i < m_stack->count(); ++i) {
+        if (m_stack->widget(i)->objectName() == objectName) {
+            m_names->setCurrentRow(i);
+        }
+    }
 }
 
 void PreferencesWindow::preferenceDidChange(const QString &key)

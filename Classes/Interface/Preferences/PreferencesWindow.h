@@ -18,6 +18,8 @@ class PreferencesWindow : public QDialog
     Q_OBJECT
 public:
     PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *mainWindow);
+    void showPane(const QString &objectName); // one of those below
+    static inline const QString cloudPane = QStringLiteral("CloudPane");
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

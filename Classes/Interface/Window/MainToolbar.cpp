@@ -1,6 +1,7 @@
 #include "Classes/Interface/Window/MainToolbar.h"
 
 #include "Classes/Browsing/Search/SearchManager.h"
+#include "Classes/Interface/Cloud/CloudButton.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Widgets/ZQIcon.h"
 #include "Kit/Widgets/ZQTabStrip.h"
@@ -30,6 +31,7 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     m_exportButton = makeButton(QStringLiteral("export"), zqLocalized("Quick Export (Ctrl+E)"));
     m_exportButton->setCheckable(true);
     connect(m_exportButton, &QToolButton::clicked, this, &MainToolbar::exportPanelRequested);
+    m_cloudButton = new CloudButton(this);
     m_search = new QLineEdit(this);
     m_search->setObjectName(QStringLiteral("Search"));
     m_search->setPlaceholderText(zqLocalized("Search or #token"));
@@ -49,10 +51,12 @@ MainToolbar::MainToolbar(QWidget *parent) : QWidget(parent), m_tabStrip(new ZQTa
     row->addWidget(m_tabStrip, 1, Qt::AlignBottom);
     row->addWidget(m_search);
     row->addWidget(m_exportButton);
+    row->addWidget(m_cloudButton);
     row->addWidget(m_infoButton);
     row->addWidget(m_menuButton);
-    const QList<QWidget *> stops = QList<QWidget *>{m_sidebarButton, m_addButton, import} + m_tabStrip->focusStops() +
-                                   QList<QWidget *>{m_search, m_exportButton, m_infoButton, m_menuButton};
+    const QList<QWidget *> stops =
+        QList<QWidget *>{m_sidebarButton, m_addButton, import} + m_tabStrip->focusStops() +
+        QList<QWidget *>{m_search, m_exportButton, m_cloudButton, m_infoButton, m_menuButton};
     for (qsizetype i = 1; i < stops.size(); ++i) { // Tab goes as they stand
         setTabOrder(stops[i - 1], stops[i]);
     }

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+class CloudButton;
 class QLineEdit;
 class QToolButton;
 class ZQTabStrip;
@@ -16,6 +17,7 @@ public:
     ZQTabStrip &tabStrip() { return *m_tabStrip; }
     QLineEdit &search() { return *m_search; }
     QToolButton &menuButton() { return *m_menuButton; }
+    CloudButton &cloudButton() { return *m_cloudButton; }
     void showAdds(bool tags); // what the button of a new entry makes: a tag, or a project
     void showPanes(bool isSidebarShown, bool isInfoPanelShown, bool isExportPanelShown);
 
@@ -32,6 +34,7 @@ private:
     QToolButton *m_sidebarButton;
     QToolButton *m_infoButton;
     QToolButton *m_exportButton;
+    CloudButton *m_cloudButton;
     QToolButton *m_menuButton;
     QToolButton *m_addButton;
     ZQTabStrip *m_tabStrip;

@@ -8,6 +8,8 @@
 #include "Classes/Interface/Browser/BrowserViewController.h"
 #include "Classes/Interface/Browser/EmptyState.h"
 #include "Classes/Interface/Capture/CaptureActions.h"
+#include "Classes/Interface/Cloud/CloudActions.h"
+#include "Classes/Interface/Cloud/CloudMenu.h"
 #include "Classes/Interface/Export/ExportPanelViewController.h"
 #include "Classes/Interface/Export/LayerActions.h"
 #include "Classes/Interface/InfoPanel/InfoPanelViewController.h"
@@ -111,6 +113,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
     m_templates =
         std::make_unique<TemplateActions>(*m_window, *m_imports, m_delegate->templateDirectory(), m_mainWindow.get());
     m_layers = std::make_unique<LayerActions>(*m_window, *m_browser);
+    m_cloud = new CloudActions(*m_window, *m_browser, m_toolbar->cloudButton(), m_mainWindow.get());
     const QString tabsPath = m_delegate->documentDirectory() + QStringLiteral("/opened_tabs.plist");
     m_tabs = new TabsController(*m_window, tabsPath, *m_toolbar, *m_sidebar, *m_browser, m_mainWindow.get());
     m_savedSearches =
@@ -211,9 +214,10 @@ void MainWindowController::makeCommands()
     for (const auto &contributed :
          {m_sidebar->commands(), m_imports->commands(), m_templates->commands(), m_arrived->commands(),
           m_tabs->commands(), libraryCommands(), editCommands(), m_browser->commands(), m_savedSearches->commands(),
-          m_layers->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
+          m_layers->commands(), m_cloud->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
         m_commands->add(contributed);
     }
+    m_cloud->menu().setPreferencesKeys(command(CommandID::Preferences)->shortcut());
     m_sidebar->keysOf = [this](CommandID id) { return command(id)->shortcut(); };
     m_toolbar->menuButton().setMenu(
         m_commands->makeMenus(&m_toolbar->menuButton(), [this](QMenu &menu) { m_export->addTo(menu); }));
@@ -236,6 +240,8 @@ void MainWindowController::makeCommands()
             toggleSidebar();
         }
     });
+    connect(m_cloud, &CloudActions::changed, this, &MainWindowController::updateCommands);
+    connect(m_cloud, &CloudActions::preferencesRequested, this, &MainWindowController::showCloudPreferences);
     connect(m_browser, &BrowserViewController::orderChanged, this, &MainWindowController::updateCommands);
     connect(m_browser, &BrowserViewController::refineBarToggled, this, &MainWindowController::updateCommands);
     connect(m_tabs, &TabsController::panelsRequested, this, &MainWindowController::showPanels);
@@ -382,6 +388,12 @@ void MainWindowController::showPreferences()
     m_preferences->activateWindow();
 }
 
+void MainWindowController::showCloudPreferences()
+{
+    showPreferences();
+    m_preferences->showPane(PreferencesWindow::cloudPane);
+}
+
 void MainWindowController::rename()
 {
     if (isSidebarFocused()) {
@@ -438,6 +450,7 @@ void MainWindowController::showItemMenu(const QPoint &globalPoint)
         menu.addAction(m_commands->ratingMenu());
         m_export->addTo(*menu.addMenu(zqLocalized("Export")));
         add(CommandID::ExportLayers);
+        add(CommandID::Share);
         menu.addSeparator();
         const auto single = m_browser->content().singleItem();
         if (single && m_browser->canRemove()) {

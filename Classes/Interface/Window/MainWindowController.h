@@ -14,6 +14,7 @@
 
 class ArrivedItems;
 class BrowserViewController;
+class CloudActions;
 class ExportPanelViewController;
 class ImportActions;
 class LayerActions;
@@ -96,6 +97,7 @@ private:
     void showItemMenu(const QPoint &globalPoint);
     void showKeys();
     void showPreferences();
+    void showCloudPreferences();
     void restoreGeometry();
 
     WindowUserInteraction &m_user;
@@ -116,6 +118,7 @@ private:
     InfoPanelViewController *m_info = nullptr;
     ExportPanelViewController *m_export = nullptr;
     ArrivedItems *m_arrived = nullptr;
+    CloudActions *m_cloud = nullptr;
     TabsController *m_tabs = nullptr;
     SavedSearchActions *m_savedSearches = nullptr;
     WindowFollower *m_follower = nullptr;

@@ -24,11 +24,11 @@ const std::vector<MenuPlan> &menuPlans()
 {
     using enum CommandID;
     static const std::vector<MenuPlan> plans = {
-        {"File", {NewProject,         NewFolder,    NewTag,     NewFromTemplate, AddLiveFolder,
-                  SyncLiveFolder,     separator,    Import,     LastImport,      SnapArea,
-                  ExportPanel,        ExportLayers, separator,  NewTab,          CloseTab,
-                  ReopenClosedTab,    separator,    NewLibrary, OpenLibrary,     MoveLibrary,
-                  ShowLibraryInFiles, separator,    Quit}},
+        {"File", {NewProject, NewFolder,     NewTag,      NewFromTemplate, AddLiveFolder,      SyncLiveFolder,
+                  separator,  Import,        LastImport,  SnapArea,        ExportPanel,        ExportLayers,
+                  Share,      LatestUploads, separator,   NewTab,          CloseTab,           ReopenClosedTab,
+                  separator,  NewLibrary,    OpenLibrary, MoveLibrary,     ShowLibraryInFiles, separator,
+                  Quit}},
         {"Edit",
          {Undo,       Redo,         separator,         Copy,       Paste, SelectAll, separator, CommandID::Rename,
           Duplicate,  Remove,       DeleteFromLibrary, separator,  Rate0, separator, Find,      SaveSearch,

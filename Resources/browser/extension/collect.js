@@ -1,14 +1,16 @@
 // Runs in the page and answers what images it shows: {page_url, page_title, window, images: [{url, width, height}]}.
-// A size of 0 is not known. Nothing of the page is changed.
+// A size of 0 is not known. Nothing of the page is changed. Frames of the page's own site are part of it; into those of
+// others no page may look.
 (() => {
   const mostElements = 50000;
   const mostImages = 3000;
   const found = new Map(); // address -> {url, width, height}
+  let base = document.baseURI; // of the document that is looked at
 
   function add(address, width = 0, height = 0) {
     let url;
     try {
-      url = new URL(String(address).trim(), document.baseURI);
+      url = new URL(String(address).trim(), base);
     } catch {
       return;
     }
@@ -41,7 +43,7 @@
     const largest = all.reduce((best, one) => (best === null || rank(one) > rank(best) ? one : best), null);
     const shown = image.currentSrc || image.src;
     const shape = image.naturalWidth ? image.naturalHeight / image.naturalWidth : 0;
-    const isShown = largest && new URL(largest.url, document.baseURI).href === shown;
+    const isShown = largest && new URL(largest.url, base).href === shown;
     if (largest && !isShown && (largest.width > image.naturalWidth || largest.density > 1)) {
       add(largest.url, largest.width, largest.width * shape); // of a density the size is seen once it is loaded
     } else if (isShown) { // the page counts other pixels than the file has
@@ -106,12 +108,21 @@
       if (element.shadowRoot) {
         walk(element.shadowRoot);
       }
+      if (element.contentDocument) {
+        walkDocument(element.contentDocument);
+      }
     }
   }
-  if (document.contentType?.startsWith("image/")) {
-    add(location.href); // the page is the image
+  function walkDocument(each) {
+    const outer = base;
+    base = each.baseURI;
+    if (each.contentType?.startsWith("image/")) {
+      add(each.location.href); // the page, or a frame, is the image
+    }
+    walk(each);
+    base = outer;
   }
-  walk(document);
+  walkDocument(document);
   return {
     page_url: location.href,
     page_title: document.title,

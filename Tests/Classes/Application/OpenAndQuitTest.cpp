@@ -124,6 +124,17 @@ TEST_F(ApplicationTest, FilesHandedOverBeforeTheWindowAreImportedOnceItIsThere)
     EXPECT_EQ(imports.imports.size(), 1);
 }
 
+TEST_F(ApplicationTest, ATemplateHandedOverBeforeTheWindowIsOfferedHoweverLongTheLaunchTakes)
+{
+    const auto delegate = application();
+    delegate->openFiles({made(world.filePath(QStringLiteral("Early.zttemplate")))});
+    zqRunMainLoopFor(std::chrono::milliseconds(500)); // as while a question is open
+    delegate->applicationWillFinishLaunching();
+    delegate->applicationDidFinishLaunching();
+    EXPECT_TRUE(comesTrue([this] { return window.templates > 0; }));
+    EXPECT_EQ(window.templates, 1);
+}
+
 TEST_F(ApplicationTest, AnotherLibraryIsRememberedOnlyWhenThePersonAgrees)
 {
     const QString other = world.filePath(QStringLiteral("Other.ZTLIBRARY"));

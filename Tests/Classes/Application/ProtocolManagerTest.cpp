@@ -125,6 +125,25 @@ TEST_F(ProtocolManagerTest, APageOnThisComputerIsAskedAboutSinceOnlyTheSenderSay
     EXPECT_TRUE(downloads.requests.isEmpty() && capture.pages.isEmpty());
 }
 
+TEST_F(ProtocolManagerTest, AYesToAPageOnThisComputerIsForThatOneTime)
+{
+    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
+    const QStringList before{QStringLiteral("localhost"), QStringLiteral("192.168.1.2")}; // from wherever
+    defaults.setObjectForKey(before, ProtocolManager::knownPagesKey);
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    handle(import(QStringLiteral("localhost"), QStringLiteral("localhost")), 2);
+    handle(import(QStringLiteral("192.168.1.2"), QStringLiteral("cdn.example")));
+    handle(QStringLiteral(R"(zelto:snap:{"page_url":"http://nas.local:8080/"})"), 2);
+    settle();
+    EXPECT_EQ(user.questions.size(), 5);
+    EXPECT_EQ(downloads.requests.size(), 3);
+    EXPECT_EQ(capture.pages.size(), 2);
+    for (const UserQuestion &question : user.questions) {
+        EXPECT_FALSE(question.informativeText.contains(QStringLiteral("not be asked again")));
+    }
+    EXPECT_EQ(defaults.objectForKey(ProtocolManager::knownPagesKey).toStringList(), before);
+}
+
 TEST_F(ProtocolManagerTest, AFloodOpensNeitherQuestionsNorDownloadsWithoutEnd)
 {
     user.answerQuestion = [this](const UserQuestion &) {
@@ -160,13 +179,14 @@ TEST_F(ProtocolManagerTest, OnlySoManyPagesAreRemembered)
         before.append(QStringLiteral("%1.example").arg(i));
     }
     ZQUserDefaults::standardUserDefaults().setObjectForKey(before, ProtocolManager::knownPagesKey);
-    ProtocolManager::rememberPage(QStringLiteral("new.example"));
-    ProtocolManager::rememberPage(QStringLiteral("2.example")); // which is known
-    const QStringList known =
-        ZQUserDefaults::standardUserDefaults().objectForKey(ProtocolManager::knownPagesKey).toStringList();
-    EXPECT_EQ(known.size(), ProtocolManager::mostKnownPages);
-    EXPECT_EQ(known.mid(known.size() - 2), (QStringList{QStringLiteral("new.example"), QStringLiteral("2.example")}));
-    EXPECT_FALSE(known.contains(QStringLiteral("0.example")));
+    user.answerQuestion = [](const UserQuestion &) { return 0; };
+    handle(import(QStringLiteral("new.example"), QStringLiteral("cdn.example")));
+    handle(import(QStringLiteral("2.example"), QStringLiteral("cdn.example"))); // which is known
+    settle();
+    EXPECT_EQ(user.questions.size(), 1);
+    EXPECT_EQ(downloads.requests.size(), 2);
+    EXPECT_EQ(ZQUserDefaults::standardUserDefaults().objectForKey(ProtocolManager::knownPagesKey).toStringList(),
+              before.mid(1) + QStringList{QStringLiteral("new.example")});
 }
 
 namespace {

@@ -402,6 +402,7 @@ TEST_F(StoringTest, IsNotCalledStoredWhenItGoesOnAtTheNextLaunch)
     manager.setKeepsCancelledImports(false);
     EXPECT_EQ(last.outcome, Outcome::Failed);
     EXPECT_TRUE(user.questions.isEmpty());
+    zqRunMainLoopUntil([&manager] { return manager.pendingImports().cutOff().size() == 1; });
     ASSERT_EQ(manager.pendingImports().resume().size(), 1);
     zqRunMainLoopUntil([&imports] { return imports.operationCount() == 0; });
     QCoreApplication::processEvents();

@@ -13,7 +13,9 @@
 #include <QApplication>
 #include <QPainter>
 #include <QProcess>
+#include <QWindow>
 
+#include <chrono>
 #include <utility>
 
 void CaptureWayFixture::SetUp()
@@ -117,6 +119,14 @@ QRect CaptureWayFixture::frameOf(xcb_window_t window)
                               : inside.adjusted(-int(extents[0]), -int(extents[2]), int(extents[1]), int(extents[3]));
 }
 
+bool CaptureWayFixture::waitFor(const std::function<bool()> &condition)
+{
+    constexpr std::chrono::minutes farTooLong(3);
+    const auto end = std::chrono::steady_clock::now() + farTooLong;
+    zqRunMainLoopUntil([&] { return condition() || std::chrono::steady_clock::now() > end; });
+    return condition();
+}
+
 void CaptureWayFixture::press(const QStringList &keysAndPointer)
 {
     EXPECT_EQ(QProcess::execute(QStringLiteral("xdotool"), keysAndPointer), 0);
@@ -129,7 +139,9 @@ ScreenshotView *CaptureWayFixture::begin(const char *keys)
     waitFor([&shown] {
         for (QWidget *const each : QApplication::topLevelWidgets()) {
             auto *const view = qobject_cast<ScreenshotView *>(each);
-            if (view && view->isVisible() && QWidget::keyboardGrabber() == view) {
+            // The server refuses it while the hot key is still held.
+            if (view && view->isVisible() && QWidget::keyboardGrabber() == view &&
+                view->windowHandle()->setKeyboardGrabEnabled(true)) {
                 shown = view;
             }
         }
@@ -150,7 +162,7 @@ int CaptureWayFixture::run(const std::function<int(CommandContext &)> &command, 
         return status;
     }
     const PendingCommand pending = *std::exchange(context.pending, std::nullopt);
-    EXPECT_TRUE(waitFor(pending.isDone));
+    zqRunMainLoopUntil(pending.isDone);
     return pending.finish(context);
 }
 

@@ -35,9 +35,9 @@ protected:
     void showOtherProgram(); // above what is there
 
     MainWindowController &window() { return *dynamic_cast<MainWindowController *>(delegate->mainWindowController()); }
-    static bool waitFor(const std::function<bool()> &condition) { return XDesktop::waitUntil(condition); }
-    static void press(const QStringList &keysAndPointer); // as xdotool has it
-    // Presses the keys until the choice lies over the screen.
+    static bool waitFor(const std::function<bool()> &condition); // false when it takes far too long
+    static void press(const QStringList &keysAndPointer);        // as xdotool has it
+    // Presses the keys; returns once the choice lies over the screen and has the keyboard.
     ScreenshotView *begin(const char *keys);
     // The status of a command as a window runs it for another process, or as a process without one does.
     int run(const std::function<int(CommandContext &)> &command, bool isForAnother);

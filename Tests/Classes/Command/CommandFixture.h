@@ -19,6 +19,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 // One library, and commands run on it as from a shell.
 class CommandTest : public testing::Test
 {
@@ -39,12 +41,15 @@ protected:
         delegate.reset();
         ZQUserDefaults::standardUserDefaults().synchronize(); // not once its world is gone
     }
-    void open()
+    void open(const std::function<void(ApplicationParts &parts)> &change = {})
     {
         ApplicationParts parts;
         parts.userInteraction = &user;
         parts.importManager = &AImportManager::sharedAImportManager();
         parts.liveFolderManager = &liveFolders;
+        if (change) {
+            change(parts);
+        }
         delegate = std::make_unique<tamberin_AppDelegate>(parts);
         delegate->setLibraryBundleDirectory(world.filePath(QStringLiteral("Test.ztlibrary")));
         ZQError error;

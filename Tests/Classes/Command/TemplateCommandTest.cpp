@@ -1,5 +1,8 @@
 #include "Tests/Classes/Command/CommandFixture.h"
 
+#include "Classes/Application/TemporaryArea.h"
+
+#include <QDir>
 #include <QFile>
 
 TEST_F(CommandTest, AssetsAreMadeOfTemplatesWhichStayAsTheyAre)
@@ -37,4 +40,25 @@ TEST_F(CommandTest, AssetsAreMadeOfTemplatesWhichStayAsTheyAre)
     EXPECT_EQ(run("new Poster --in PROJECTS"), 2);
     EXPECT_EQ(run("new Poste"), 2);
     EXPECT_TRUE(context.errors.contains("Poster"));
+}
+
+TEST_F(CommandTest, NothingStaysOfTheCopyThatAnAssetIsMadeOfAndWhatFailsSaysWhatToDo)
+{
+    const QDir area(TemporaryArea::folder());
+    const auto folders = [&area] { return area.entryList({QStringLiteral("t.*")}, QDir::Dirs); };
+    const QStringList before = folders();
+    const QString path = delegate->templateDirectory() + QStringLiteral("/%1.zttemplate");
+    ASSERT_TRUE(QFile::copy(picture(QStringLiteral("p.png"), qRgb(9, 9, 200)), path.arg(QStringLiteral("Poster.png"))));
+    QFile broken(path.arg(QStringLiteral("Broken.png")));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly) && broken.write("no picture") > 0);
+    broken.close();
+    EXPECT_EQ(run("new Poster"), 0) << context.errors.constData();
+    run("new Broken");
+    EXPECT_EQ(folders(), before);
+
+    const QByteArray usual = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(world.filePath(QStringLiteral("gone"))));
+    EXPECT_EQ(run("new Poster"), 2);
+    qputenv("TMPDIR", usual);
+    EXPECT_TRUE(context.errors.contains("TMPDIR")) << context.errors.constData();
 }

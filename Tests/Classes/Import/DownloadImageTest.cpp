@@ -5,6 +5,7 @@
 #include "Classes/Import/DownloadImageOperation.h"
 #include "Classes/Import/ImageAddress.h"
 #include "Classes/Import/ImageDownloads.h"
+#include "Classes/Import/ImageFetch.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Tests/Classes/Import/ImportFixture.h"
@@ -12,6 +13,7 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QSet>
 
@@ -108,13 +110,16 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     servePicture("/pic.png");
     servePicture("/other/pic.png");
     servePicture("/bare", "image/png; charset=x");
+    servePicture("/plain", "application/octet-stream");
     const QString pic = server.address(QStringLiteral("/pic.png?size=2"));
     const QString bare = server.address(QStringLiteral("/bare"));
     const QString data = QStringLiteral("data:image/png;base64,") + QString::fromLatin1(png().toBase64());
-    const auto operation = download({pic, QStringLiteral("other/pic.png"), bare, data}, QStringLiteral("yes"));
+    const auto operation =
+        download({pic, QStringLiteral("other/pic.png"), bare, data, server.address(QStringLiteral("/plain"))},
+                 QStringLiteral("yes"));
 
     EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("bare"), QStringLiteral("image"), QStringLiteral("pic"),
-                                            QStringLiteral("pic")}));
+                                            QStringLiteral("pic"), QStringLiteral("plain")}));
     ASSERT_TRUE(item(QStringLiteral("bare")) && item(QStringLiteral("image")));
     EXPECT_EQ(item(QStringLiteral("bare"))->webURL(), bare);
     EXPECT_EQ(item(QStringLiteral("bare"))->webPageURL(), page);
@@ -126,14 +131,26 @@ TEST_F(DownloadImageTest, ImagesComeWithBothAddressesIntoANewProject)
     EXPECT_EQ(item(QStringLiteral("image"))->webURL(), QString()) << "it would be the picture once more";
     EXPECT_EQ(item(QStringLiteral("image"))->webPageURL(), page);
     EXPECT_EQ(projectTitles().last(), QStringLiteral("Página"));
-    EXPECT_EQ(projectsLabel()->orderedChildren().last()->numberOfItems(), 4);
+    EXPECT_EQ(projectsLabel()->orderedChildren().last()->numberOfItems(), 5);
     EXPECT_EQ(server.requests().first().headers.value("referer"), page.section(u'#', 0, 0).toUtf8());
     ASSERT_FALSE(user.progresses.isEmpty());
-    EXPECT_EQ(user.progresses.first()->maximum, 4);
-    EXPECT_EQ(user.progresses.first()->done, 4);
+    EXPECT_EQ(user.progresses.first()->maximum, 5);
+    EXPECT_NEAR(user.progresses.first()->done, 5, 0.001);
     EXPECT_TRUE(user.progresses.first()->isOver);
     EXPECT_TRUE(user.errors.isEmpty());
     EXPECT_TRUE(operation->failures().isEmpty());
+}
+
+TEST_F(DownloadImageTest, ImagesOfOneBareNameAllCome)
+{
+    server.setHandler(QStringLiteral("/picture"),
+                      [](const LocalHTTPServer::Request &) { return Answer::with("image/png", png()); });
+    const auto asText = [] { return QStringLiteral("data:image/png;base64,") + QString::fromLatin1(png().toBase64()); };
+    const auto operation = download({server.address(QStringLiteral("/picture?url=a")), asText(),
+                                     server.address(QStringLiteral("/picture?url=b")), asText()});
+    EXPECT_TRUE(operation->failures().isEmpty());
+    EXPECT_EQ(titles(items()), (QStringList{QStringLiteral("image"), QStringLiteral("image"), QStringLiteral("picture"),
+                                            QStringLiteral("picture")}));
 }
 
 TEST_F(DownloadImageTest, WhatFailsIsToldAndTheOthersCome)
@@ -142,7 +159,7 @@ TEST_F(DownloadImageTest, WhatFailsIsToldAndTheOthersCome)
     servePicture("/good.png");
     server.setAnswer(QStringLiteral("/page.png"), Answer::with("text/html", "<p>not here</p>"));
     server.setAnswer(QStringLiteral("/short.png"), {.body = png(), .statedLength = 100'000});
-    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", png()));
+    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", "no picture"));
     QStringList images;
     for (const char *name : {"/missing.png", "/page.png", "/short.png", "/unknown", "/good.png"}) {
         images.append(server.address(QString::fromLatin1(name)));
@@ -182,6 +199,112 @@ TEST_F(DownloadImageTest, APageOfTheInternetReachesNothingOfThisMachine)
     EXPECT_TRUE(items().isEmpty());
 }
 
+TEST_F(DownloadImageTest, OnlyForAPersonDoesThePageLieWhereItsNameLeads)
+{
+    servePicture("/secret.png");
+    servePicture("/own.png");
+    server.setAnswer(QStringLiteral("/moved"),
+                     Answer::redirect("http://127.0.0.2:" + QByteArray::number(server.port()) + "/secret.png"));
+    struct Case
+    {
+        ImageFetch::Asker asker;
+        QString address;
+        bool isAllowed;
+        int lookUps;
+    };
+    const Case cases[] = {
+        {ImageFetch::Asker::Page, server.address(QStringLiteral("/secret.png")), false, 0},
+        {ImageFetch::Asker::Person, server.address(QStringLiteral("/own.png")), true, 1},
+        {ImageFetch::Asker::Person, server.address(QStringLiteral("/secret.png"), QStringLiteral("localhost")), false,
+         1},
+        {ImageFetch::Asker::Person, server.address(QStringLiteral("/moved")), false, 1},
+    };
+    for (const Case &each : cases) {
+        int lookUps = 0;
+        const auto lookUp = [&lookUps](const QString &) { // another answer each time, as of who means ill
+            return QList{QHostAddress(++lookUps == 1 ? QStringLiteral("127.0.0.1") : QStringLiteral("127.0.0.2"))};
+        };
+        ImageFetch fetch(QStringLiteral("http://page.example/"), each.asker, {.lookUp = lookUp});
+        for (int time = 0; time < 2; ++time) { // not the second time either
+            const QString fetched = path(QStringLiteral("fetched"));
+            const auto response = fetch.fetch(each.address, fetched);
+            EXPECT_EQ(zqIsNetworkError(response.error, ZQNetworkErrorCode::NotAllowed), !each.isAllowed)
+                << each.address.toStdString() << response.error.localizedDescription().toStdString();
+            EXPECT_EQ(QFile::remove(fetched), each.isAllowed);
+        }
+        EXPECT_EQ(lookUps, each.lookUps);
+    }
+    EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/secret.png")), 0);
+}
+
+TEST_F(DownloadImageTest, APageFillsNeitherItsShareNorTheDisk)
+{
+    constexpr qint64 most = 100'000;
+    const qint64 plenty = qint64(1) << 50;
+    server.setAnswer(QStringLiteral("/whole.png"),
+                     {.headers = {{"Content-Type", "image/png"}}, .zeros = most * 2 / 3, .statedLength = -1});
+    const QString address = server.address(QStringLiteral("/whole.png"));
+    struct Case
+    {
+        ImageFetch::Asker asker;
+        qint64 freeBytes;
+        QList<bool> comes; // one after another
+        ZQNetworkErrorCode code;
+    };
+    const Case cases[] = {
+        {ImageFetch::Asker::Page, plenty, {true, false, false}, ZQNetworkErrorCode::TooLarge},
+        {ImageFetch::Asker::Person, plenty, {true, true, true}, ZQNetworkErrorCode::TooLarge},
+        {ImageFetch::Asker::Person, ImageFetch::leastFree, {false}, ZQNetworkErrorCode::CannotWrite},
+        {ImageFetch::Asker::Page, ImageFetch::leastFree + 1000, {false, false}, ZQNetworkErrorCode::CannotWrite},
+    };
+    for (const Case &each : cases) {
+        const auto freeBytes = [&each](const QString &) { return each.freeBytes; };
+        ImageFetch fetch(page, each.asker, {.freeBytes = freeBytes, .mostBytesTogether = most});
+        for (const bool comes : each.comes) {
+            const QString fetched = path(QStringLiteral("fetched"));
+            const auto response = fetch.fetch(address, fetched);
+            EXPECT_EQ(response.error.isNull(), comes) << response.error.localizedDescription().toStdString();
+            EXPECT_EQ(zqIsNetworkError(response.error, each.code), !comes);
+            EXPECT_EQ(QFile::remove(fetched), comes);
+        }
+    }
+}
+
+TEST_F(DownloadImageTest, WhatIsRefusedDoesNotStayUntilTheOthersCame)
+{
+    const QSet<QString> before = temporaryFolders();
+    server.setAnswer(QStringLiteral("/unknown"), Answer::with("application/octet-stream", "no picture"));
+    std::atomic<int> files = -1;
+    server.setHandler(QStringLiteral("/next.png"), [&](const LocalHTTPServer::Request &) {
+        files = 0;
+        for (const QString &folder : temporaryFolders() - before) {
+            files += int(QDir(TemporaryArea::folder() + u'/' + folder).entryList(QDir::Files).size());
+        }
+        return Answer::with("image/png", png());
+    });
+    download({server.address(QStringLiteral("/unknown")), server.address(QStringLiteral("/next.png"))});
+    EXPECT_EQ(files, 0);
+    EXPECT_EQ(titles(items()), QStringList{QStringLiteral("next")});
+}
+
+TEST_F(DownloadImageTest, PagesDoNotQueueDownloadsWithoutEnd)
+{
+    server.setAnswer(QStringLiteral("/silent.png"), {.end = LocalHTTPServer::End::Silence, .endsBeforeHead = true});
+    ImageDownloadRequest request{
+        .pageTitle = {}, .pageUrl = page, .images = {server.address(QStringLiteral("/silent.png"))}, .importAll = {}};
+    ImageDownloads &downloads = ImageDownloads::sharedImageDownloads();
+    for (int number = 0; number < ImageDownloads::mostQueued + 5; ++number) {
+        downloads.downloadImages(request);
+    }
+    EXPECT_EQ(user.progresses.size(), ImageDownloads::mostQueued);
+    EXPECT_EQ(user.notifications.size(), 1);
+    request.asker = ImageDownloadRequest::Asker::Person;
+    downloads.downloadImages(request);
+    EXPECT_EQ(user.progresses.size(), ImageDownloads::mostQueued + 1);
+    downloads.stopDownloads();
+    zqRunMainLoopUntil([&downloads] { return !downloads.isDownloading(); });
+}
+
 TEST_F(DownloadImageTest, CancelledItEndsTheRunningRequestAndLeavesNothing)
 {
     const QSet<QString> before = temporaryFolders();
@@ -204,6 +327,25 @@ TEST_F(DownloadImageTest, CancelledItEndsTheRunningRequestAndLeavesNothing)
     EXPECT_TRUE(user.errors.isEmpty());
     EXPECT_EQ(projectTitles(), projects);
     EXPECT_TRUE((temporaryFolders() - before).isEmpty());
+}
+
+TEST_F(DownloadImageTest, WithinALargeImageProgressMovesAndACancelEndsIt)
+{
+    std::function<void()> cancel;
+    user.onBeginProgress = [&cancel](const std::function<void()> &given) { cancel = given; };
+    server.setAnswer(
+        QStringLiteral("/large.png"),
+        {.body = QByteArray(600'000, 'x'), .statedLength = 1'000'000, .end = LocalHTTPServer::End::Silence});
+    const auto operation = ImageDownloads::sharedImageDownloads().start(
+        {.pageTitle = {}, .pageUrl = page, .images = {server.address(QStringLiteral("/large.png"))}, .importAll = {}});
+    const auto progress = user.progresses.first();
+    zqRunMainLoopUntil([&] { return operation->isFinished() || progress->done > 0.55; });
+    EXPECT_LE(progress->done, 0.61);
+    ASSERT_FALSE(operation->isFinished());
+    cancel();
+    zqRunMainLoopUntil([&] { return !ImageDownloads::sharedImageDownloads().isDownloading(); });
+    EXPECT_NEAR(progress->done, 1, 0.001);
+    EXPECT_TRUE(items().isEmpty());
 }
 
 TEST_F(DownloadImageTest, QuittingAsksAndEndsIt)

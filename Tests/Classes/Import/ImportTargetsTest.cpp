@@ -1,6 +1,7 @@
 // Where an import puts what it makes, and what stays of one that is given up.
 
 #include "Classes/Import/GroupImport.h"
+#include "Classes/Import/TemporaryFolder.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Tests/Classes/Import/ImportFixture.h"
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -220,7 +223,9 @@ TEST_F(ImportTargets, AnImportThatIsCancelledBeforeItsTurnSaysSoUnlessItIsKept)
                 QThread::msleep(1);
             }
         });
-        const auto operation = manager.startImport({.paths = {writeImage(QStringLiteral("a.png"), {20, 20})}});
+        const QString folder = TemporaryFolder::temporaryDirectory();
+        auto operation = manager.startImport({.paths = {writeImage(QStringLiteral("a.png"), {20, 20})},
+                                              .holder = std::make_shared<TemporaryFolder>(folder)});
         ASSERT_TRUE(operation);
         user.notifications.clear();
         operation->cancel();
@@ -231,6 +236,9 @@ TEST_F(ImportTargets, AnImportThatIsCancelledBeforeItsTurnSaysSoUnlessItIsKept)
         zqRunMainLoopUntil([&isBehind] { return isBehind; });
         EXPECT_FALSE(operation->hasStarted());
         EXPECT_EQ(user.notificationTexts(), isKept ? QStringList() : QStringList{QStringLiteral("Import cancelled")});
+        const std::weak_ptr<ImportOperation> gone = std::exchange(operation, nullptr);
+        zqRunMainLoopUntil([&] { return gone.expired() && (isKept || !QFileInfo::exists(folder)); });
+        EXPECT_EQ(QFileInfo::exists(folder), isKept) << "what was to be imported goes on later";
     }
     EXPECT_TRUE(items().isEmpty());
 }

@@ -122,7 +122,7 @@ TEST_F(MainWindowTest, TheMenuOfTheGridIsThatOfWhatIsSelected)
     select({QStringLiteral("red")});
     EXPECT_EQ(menuAt(),
               QStringLiteral("Open|Open with Default Program|Show in Files|-|Copy|Duplicate|Rename|Rating|Export|"
-                             "Export as Layered PSD…|-|Remove from A|Delete from Library"));
+                             "Export as Layered PSD…|Share|-|Remove from A|Delete from Library"));
     menuAt(QStringLiteral("Remove from A"));
     settle();
     EXPECT_EQ(shown().size(), 3);

@@ -17,7 +17,7 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
               QStringLiteral("New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nNew from Template… Ctrl+Alt+N\nAdd "
                              "Live Folder…\nLive "
                              "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\nQuick Export Ctrl+E ✓\nExport\n"
-                             "Export as Layered PSD…\n-\n"
+                             "Export as Layered PSD…\nShare Ctrl+Shift+C\nLatest Uploads…\n-\n"
                              "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
                              "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
     EXPECT_EQ(
@@ -81,6 +81,7 @@ TEST_F(MainWindowTest, EveryControlIsReachedByKeyAndHasItsSize)
                                 {"New Project (Ctrl+N)", {30, 28}},
                                 {"Import… (Ctrl+I)", {30, 28}},
                                 {"Quick Export (Ctrl+E)", {30, 28}},
+                                {"Share (Ctrl+Shift+C)", {30, 28}},
                                 {"Info Panel (Ctrl+Shift+I)", {30, 28}},
                                 {"Search", {320, 30}},
                                 {"Ascending", {26, 26}},

@@ -141,7 +141,8 @@ TEST_F(PreferencesWindowTest, ThereIsOneAndItComesBackAsItWasLeft)
         titles.append(pane().accessibleName());
         press(Qt::Key_Down);
     }
-    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Screenshots|Advanced"));
+    EXPECT_EQ(titles.join(u'|'), QStringLiteral("General|Import|Tags|Live folders|Screenshots|Cloud|Advanced"));
+    press(Qt::Key_Up);
     press(Qt::Key_Up);
     EXPECT_EQ(pane().accessibleName(), QStringLiteral("Screenshots"));
     run(CommandID::Preferences);

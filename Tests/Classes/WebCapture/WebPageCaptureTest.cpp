@@ -293,6 +293,50 @@ TEST_F(WebPageCaptureTest, ABrowserThatDiedTakesNoCommandAndNobodyWithIt)
     EXPECT_EQ(browser->pipe().send("{}", end), DevToolsPipe::Outcome::Closed);
 }
 
+TEST_F(WebPageCaptureTest, APageThatAPageAskedForLeadsNowhereInside)
+{
+    const QString browser = world.filePath(QStringLiteral("resolves"));
+    QFile file(browser);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.write("#!/bin/sh\nexec '" + QFile::encodeName(ChromiumBrowser::program()) +
+               "' '--host-resolver-rules=MAP page.example 127.0.0.1' \"$@\"\n");
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    file.close();
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(browser, ChromiumBrowser::programKey);
+
+    const QByteArray inside = server.address(QStringLiteral("/inside")).toLatin1();
+    server.setAnswer(QStringLiteral("/inside"), LocalHTTPServer::Answer::with("text/html", "secret"));
+    server.setAnswer(QStringLiteral("/moved"), LocalHTTPServer::Answer::redirect(inside));
+    server.setAnswer(QStringLiteral("/twice"), LocalHTTPServer::Answer::redirect("/moved"));
+    server.setAnswer(QStringLiteral("/script"),
+                     LocalHTTPServer::Answer::with("text/html", "<script>location='" + inside + "'</script>"));
+    server.setAnswer(QStringLiteral("/framed"),
+                     LocalHTTPServer::Answer::with("text/html", "<iframe src='" + inside + "'></iframe>text"));
+    struct Case
+    {
+        const char *target;
+        bool isFromPage;
+        int code;
+        qsizetype visits; // of what lies inside
+    };
+    const Case cases[] = {
+        {"/moved", true, WebCaptureErrors::LeadsInside, 0},
+        {"/twice", true, WebCaptureErrors::LeadsInside, 0},
+        {"/script", true, WebCaptureErrors::LeadsInside, 0},
+        {"/framed", true, captured, 0},
+        {"/moved", false, captured, 1}, // a person typed it
+    };
+    for (const Case &each : cases) {
+        WebCaptureRequest request;
+        request.url = server.address(QString::fromLatin1(each.target), QStringLiteral("page.example"));
+        request.width = 320;
+        request.isFromPage = each.isFromPage;
+        const WebCaptureResult result = capture(request);
+        EXPECT_EQ(result.error.code, each.code) << each.target << qPrintable(result.error.localizedDescription());
+        EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/inside")), each.visits) << each.target;
+    }
+}
+
 TEST_F(WebPageCaptureTest, CancelledItLeavesNothing)
 {
     server.setAnswer(QStringLiteral("/silent"),

@@ -1,0 +1,99 @@
+#include "Classes/Interface/Preferences/CloudAppPage.h"
+
+#include "Classes/Sharing/CloudAppAccount.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <QBoxLayout>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+
+CloudAppPage::CloudAppPage(UserInteraction &user, QWidget *parent)
+    : CloudAccountPage(QStringLiteral("cloudapp"), QStringLiteral("CloudApp"), parent),
+      m_account(std::make_shared<CloudAppAccount>(user))
+{
+    m_email = addField(zqLocalized("&E-mail"), {});
+    m_email->setInputMethodHints(Qt::ImhEmailCharactersOnly);
+    m_password = addField(zqLocalized("&Password"), {}, FieldKind::Secret);
+    for (QLineEdit *field : {m_email, m_password}) {
+        connect(field, &QLineEdit::textChanged, this, &CloudAppPage::updateButtons);
+        connect(field, &QLineEdit::returnPressed, this, [this] { m_connect->click(); });
+    }
+    QBoxLayout *row = addRow();
+    m_connect = addButton(row, zqLocalized("&Connect"), [this] { connectAccount(); });
+    m_cancel = addButton(row, zqLocalized("C&ancel"), [this] { m_account->cancel(); });
+    m_disconnect = addButton(row, zqLocalized("&Disconnect"), [this] { disconnectAccount(); });
+    addState(row);
+    addNote(zqLocalized("The password is kept in the desktop's keyring and nowhere else."));
+    CloudAppPage::refresh();
+}
+
+QStringList CloudAppPage::preferences() const
+{
+    return {QStringLiteral("SecretAccounts")};
+}
+
+void CloudAppPage::refresh()
+{
+    const QString account = CloudAppAccount::current();
+    const bool isConnected = !account.isEmpty();
+    setFieldsShown({m_email, m_password}, !isConnected);
+    setShown({m_connect}, !isConnected);
+    setShown({m_cancel}, m_busy == Busy::Connecting);
+    setShown({m_disconnect}, isConnected);
+    showState(m_busy == Busy::Connecting ? zqLocalized("Asking CloudApp…")
+              : isConnected              ? zqFormat(zqLocalized("Connected as %@"), {account})
+                                         : QString(),
+              m_busy != Busy::No);
+    updateButtons();
+}
+
+void CloudAppPage::updateButtons()
+{
+    const bool isIdle = m_busy == Busy::No;
+    m_email->setEnabled(isIdle);
+    m_password->setEnabled(isIdle);
+    m_connect->setEnabled(isIdle && !m_email->text().trimmed().isEmpty() && !m_password->text().isEmpty());
+    m_disconnect->setEnabled(isIdle);
+}
+
+void CloudAppPage::end(const QString &problem)
+{
+    m_busy = Busy::No;
+    showProblem(problem);
+    refresh();
+    Q_EMIT changed();
+}
+
+void CloudAppPage::connectAccount()
+{
+    showProblem({});
+    m_busy = Busy::Connecting;
+    refresh();
+    m_account->testCloudAppCredentials(m_email->text(), m_password->text(),
+                                       [self = QPointer(this), account = m_account](CloudAppAccount::Outcome outcome) {
+                                           zqOnMainThread(
+                                               [account] {}); // it is still asked when the page has gone meanwhile
+                                           if (!self) {
+                                               return;
+                                           }
+                                           if (outcome == CloudAppAccount::Outcome::Connected) {
+                                               self->m_password->clear();
+                                               self->m_email->clear();
+                                           }
+                                           self->end({});
+                                       });
+}
+
+void CloudAppPage::disconnectAccount()
+{
+    showProblem({});
+    m_busy = Busy::Disconnecting;
+    refresh();
+    m_account->disconnect([self = QPointer(this), account = m_account](const ZQError &error) {
+        if (self) {
+            self->end(error.isNull() ? QString() : error.localizedDescription());
+        }
+    });
+}

@@ -1,0 +1,160 @@
+#include "Classes/Interface/Preferences/DescriptionsPage.h"
+
+#include "Classes/Application/UserInteraction.h"
+#include "Classes/Interface/Preferences/DescriptionReview.h"
+#include "Classes/Sharing/CustomServices.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPointer>
+#include <QPushButton>
+
+#include <utility>
+
+namespace {
+constexpr int listHeight = 110;
+} // namespace
+
+DescriptionsPage::DescriptionsPage(UserInteraction &user, QWidget *parent)
+    : CloudAccountPage(QStringLiteral("custom"), zqLocalized("Others"), parent), m_user(user),
+      m_list(new QListWidget(this))
+{
+    m_list->setAccessibleName(zqLocalized("Other services"));
+    m_list->setFixedHeight(listHeight);
+    column()->addWidget(m_list);
+    connect(m_list, &QListWidget::currentRowChanged, this, &DescriptionsPage::updateButtons);
+    QBoxLayout *row = addRow();
+    m_import = addButton(row, zqLocalized("&Import…"), [this] { importFile(); });
+    m_remove = addButton(row, zqLocalized("&Remove"), [this] { removeSelected(); });
+    addState(row);
+    addNote(zqLocalized("Any other service that takes files over the web, as a description file says: its address, "
+                        "headers and form fields, and where the link is found in its answer."));
+    DescriptionsPage::refresh();
+}
+
+QStringList DescriptionsPage::preferences() const
+{
+    return {QStringLiteral("CustomUploadServices"), QStringLiteral("SecretAccounts")};
+}
+
+void DescriptionsPage::refresh()
+{
+    const QListWidgetItem *const current = m_list->currentItem();
+    const QString selected = current ? current->data(Qt::UserRole).toString() : QString();
+    const QSignalBlocker blocker(m_list);
+    m_list->clear();
+    for (const UploadDescription &each : CustomServices::all()) {
+        const QString format = CustomServices::hasSecrets(each)
+                                   ? zqLocalized("%@, to %@")
+                                   : zqLocalized("%@, to %@. A password is missing: import it again.");
+        auto *item = new QListWidgetItem(zqFormat(format, {each.name, each.destination()}), m_list);
+        item->setData(Qt::UserRole, each.name);
+        item->setToolTip(each.url.toString());
+        if (each.name == selected) {
+            m_list->setCurrentItem(item);
+        }
+    }
+    updateButtons();
+}
+
+void DescriptionsPage::updateButtons()
+{
+    m_import->setEnabled(!m_isBusy && !m_review);
+    m_remove->setEnabled(!m_isBusy && m_list->currentItem());
+}
+
+void DescriptionsPage::setBusy(bool isBusy)
+{
+    m_isBusy = isBusy;
+    showState({}, isBusy);
+    updateButtons();
+}
+
+void DescriptionsPage::importFile()
+{
+    FileChoice choice;
+    choice.title = zqLocalized("Choose a Description");
+    choice.prompt = zqLocalized("Import");
+    choice.extensions = {QStringLiteral("json")};
+    const QPointer self(this); // the dialog runs the main loop
+    const QStringList files = m_user.chooseFilesToOpen(choice);
+    if (!self || files.isEmpty()) {
+        return;
+    }
+    ZQError error;
+    const auto description = CustomServices::read(files.first(), &error);
+    showProblem(description ? QString() : error.localizedDescription());
+    if (description) {
+        review(*description);
+    }
+}
+
+void DescriptionsPage::review(const UploadDescription &description)
+{
+    endReview();
+    m_review = new DescriptionReview(description, CustomServices::named(description.name).has_value(), this);
+    column()->addWidget(m_review);
+    connect(m_review, &DescriptionReview::accepted, this,
+            [this, description] { add(description, m_review->secrets()); });
+    connect(m_review, &DescriptionReview::rejected, this, &DescriptionsPage::endReview);
+    m_review->takeFocus();
+    updateButtons();
+}
+
+void DescriptionsPage::endReview()
+{
+    if (m_review) {
+        std::exchange(m_review, nullptr)->deleteLater();
+        showProblem({});
+        updateButtons();
+        m_import->setFocus();
+    }
+}
+
+// The review stays until the secrets are kept, so that nothing has to be entered twice.
+void DescriptionsPage::add(const UploadDescription &description, const QHash<QString, ZQSecret> &secrets)
+{
+    showProblem({});
+    setBusy(true);
+    m_review->setEnabled(false);
+    CustomServices::add(description, secrets, [self = QPointer(this)](const ZQError &error) {
+        if (!self) {
+            return;
+        }
+        self->setBusy(false);
+        if (error.isNull()) {
+            self->endReview();
+        } else if (self->m_review) {
+            self->m_review->setEnabled(true);
+        }
+        self->showProblem(error.isNull() ? QString() : error.localizedDescription());
+        self->refresh();
+        Q_EMIT self->changed();
+    });
+}
+
+void DescriptionsPage::removeSelected()
+{
+    const QString name = m_list->currentItem()->data(Qt::UserRole).toString();
+    const int answer = m_user.ask({zqFormat(zqLocalized("Remove “%@”?"), {name}),
+                                   zqLocalized("The passwords that were entered for it are forgotten, too. What was "
+                                               "uploaded stays where it is."),
+                                   {zqLocalized("Remove"), zqLocalized("Cancel")},
+                                   {},
+                                   true});
+    if (answer != 0) {
+        return;
+    }
+    showProblem({});
+    setBusy(true);
+    CustomServices::remove(name, [self = QPointer(this)](const ZQError &error) {
+        if (self) {
+            self->setBusy(false);
+            self->showProblem(error.isNull() ? QString() : error.localizedDescription());
+            self->refresh();
+            Q_EMIT self->changed();
+        }
+    });
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Classes/Interface/Preferences/CloudAccountPage.h"
+#include "Classes/Sharing/UploadDescription.h"
+
+#include <optional>
+
+class DescriptionReview;
+class QListWidget;
+class UserInteraction;
+
+// Other upload addresses, each of which a description file brought. What a file says is shown, and the secrets it needs
+// are asked for, before it is added. Main thread.
+class DescriptionsPage : public CloudAccountPage
+{
+    Q_OBJECT
+public:
+    explicit DescriptionsPage(UserInteraction &user, QWidget *parent = nullptr);
+    QStringList preferences() const override;
+    void refresh() override;
+
+    void importFile();
+
+private:
+    void review(const UploadDescription &description);
+    void add(const UploadDescription &description, const QHash<QString, ZQSecret> &secrets);
+    void endReview();
+    void removeSelected();
+    void setBusy(bool isBusy);
+    void updateButtons();
+
+    UserInteraction &m_user;
+    QListWidget *m_list;
+    QPushButton *m_import = nullptr;
+    QPushButton *m_remove = nullptr;
+    DescriptionReview *m_review = nullptr; // while one is shown
+    bool m_isBusy = false;
+};

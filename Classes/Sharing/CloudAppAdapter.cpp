@@ -1,0 +1,142 @@
+#include "Classes/Sharing/CloudAppAdapter.h"
+
+#include "Classes/Sharing/CloudAppAccount.h"
+#include "Classes/Sharing/SecretStore.h"
+#include "Classes/Sharing/ServiceAddress.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQMultipartForm.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+constexpr std::chrono::milliseconds storageTime{90'000}; // for what the storage does with a file when it has it
+
+ZQError limitReached()
+{
+    return ZQError::with(CloudAppAdapter::errorDomain, CloudAppAdapter::LimitReached,
+                         zqLocalized("You have exceded your maximum daily upload limit"),
+                         zqLocalized("Wait until tomorrow or upgrade your CloudApp account."));
+}
+
+// As a field of a form.
+QString text(const QVariant &value)
+{
+    if (const int kind = value.typeId(); kind != QMetaType::QVariantMap && kind != QMetaType::QVariantList) {
+        return value.toString();
+    }
+    return QString::fromUtf8(QJsonDocument::fromVariant(value).toJson(QJsonDocument::Compact));
+}
+
+} // namespace
+
+CloudAppAdapter::CloudAppAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
+                                 const QString &fileToUploadID, CloudAdapterDelegate *delegate, const QString &username)
+    : MainThreadAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate), m_username(username)
+{
+}
+
+void CloudAppAdapter::begin()
+{
+    ZQError noHost;
+    const std::optional<QUrl> host = CloudAppAccount::APIHost(&noHost);
+    if (!host) {
+        uploadFailed(noHost);
+        return;
+    }
+    m_host = *host;
+    const auto read = [this, self = shared_from_this()](const std::optional<QByteArray> &password,
+                                                        const ZQError &error) {
+        if (isCancelled()) {
+            return;
+        }
+        if (!password) {
+            uploadFailed(error);
+            return;
+        }
+        m_password = ZQSecret(*password);
+        requestSlot();
+    };
+    SecretStore::shared().password(CloudAppAccount::service, m_username, read);
+}
+
+void CloudAppAdapter::abandon()
+{
+    m_requests.cancel();
+    m_password = {};
+}
+
+ZQHTTPRequest CloudAppAdapter::request(const QUrl &url) const
+{
+    ZQHTTPRequest result;
+    result.url = url;
+    result.headers = {{"Accept", "application/json"}};
+    result.user = m_username;
+    result.password = m_password;
+    result.loginServer = m_host; // the storage must not have it, and may send back
+    return result;
+}
+
+// There are no cookies to be removed before: requests neither send nor keep any.
+void CloudAppAdapter::requestSlot()
+{
+    m_requests.perform(request(ServiceAddress::below(m_host, QStringLiteral("/items/new"))),
+                       [this, self = shared_from_this()](const ZQHTTPResponse &response) { slotCame(response); });
+}
+
+void CloudAppAdapter::slotCame(const ZQHTTPResponse &response)
+{
+    if (!response.isWhole()) {
+        uploadFailed(response.error);
+        return;
+    }
+    const QVariantMap answer = QJsonDocument::fromJson(response.body).object().toVariantMap();
+    const auto remaining = answer.constFind(QStringLiteral("uploads_remaining"));
+    const QVariant parameters = answer.value(QStringLiteral("params"));
+    if ((remaining != answer.cend() && !remaining->isNull() && remaining->toDouble() < 1) ||
+        parameters.typeId() != QMetaType::QVariantMap) {
+        uploadFailed(limitReached());
+        return;
+    }
+    sendFile(QUrl(answer.value(QStringLiteral("url")).toString()), parameters.toMap());
+}
+
+void CloudAppAdapter::sendFile(const QUrl &storage, const QVariantMap &parameters)
+{
+    ZQMultipartForm form;
+    for (auto each = parameters.cbegin(); each != parameters.cend(); ++each) {
+        form.addField(each.key(), text(each.value()));
+    }
+    ZQError error;
+    if (!form.addFile(QStringLiteral("file"), fileToUploadURL(), &error)) {
+        uploadFailed(error);
+        return;
+    }
+    ZQHTTPRequest post = request(storage);
+    post.stallTime = storageTime;
+    form.giveTo(post);
+    m_requests.perform(
+        post, [this, self = shared_from_this()](const ZQHTTPResponse &response) { fileSent(response); },
+        [this](qint64 sent, qint64 total) {
+            const double fraction = total > 0 ? double(sent) / double(total) : 0;
+            if (fraction > 0 && fraction <= 1) {
+                uploadProgess(fraction);
+            }
+        });
+}
+
+void CloudAppAdapter::fileSent(const ZQHTTPResponse &response)
+{
+    m_password = {};
+    if (!response.isWhole()) {
+        uploadFailed(response.error);
+        return;
+    }
+    const QJsonDocument answer = QJsonDocument::fromJson(response.body);
+    if (answer.isObject()) {
+        uploadSuccessful(answer.object().toVariantMap());
+    } else {
+        uploadFailed({}); // it does not say why
+    }
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Classes/Sharing/CloudService.h"
+
+// CloudApp, for who connected an account.
+class CloudAppService : public CloudService
+{
+public:
+    QString identifier() const override { return QStringLiteral("cloudapp"); }
+    QString title() const override { return QStringLiteral("CloudApp"); }
+    bool isReady() const override;
+    QString whatIsMissing() const override;
+    QString featureName() const override { return QStringLiteral("Cloud Upload (CloudApp)"); }
+    std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
+                                              CloudAdapterDelegate *delegate) override;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Classes/Sharing/CloudAdapter.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+// A place that files can be uploaded to. Main thread.
+//
+// Services stand in one list (`CloudServices`), in the order in which one is chosen when the person chose none:
+// CloudApp, Dropbox, Imgur; behind them those that are only chosen by name: a WebDAV server and what descriptions
+// define.
+class CloudService
+{
+public:
+    virtual ~CloudService() = default;
+    virtual QString identifier() const = 0;    // "cloudapp", "dropbox", "imgur", "webdav", "custom:NAME"
+    virtual QString title() const = 0;         // for the person
+    virtual bool isReady() const = 0;          // has the account, address or key it needs
+    virtual QString whatIsMissing() const = 0; // localized, and says what to do; empty when it is ready
+    virtual QString featureName() const = 0;   // as the use of it is logged
+    virtual std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName,
+                                                      const QString &fileID, CloudAdapterDelegate *delegate) = 0;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Classes/Sharing/CloudService.h"
+#include "Classes/Sharing/UploadDescription.h"
+
+#include <utility>
+
+// A service that a description defines.
+class CustomService : public CloudService
+{
+public:
+    explicit CustomService(UploadDescription description) : m_description(std::move(description)) {}
+    QString identifier() const override { return QStringLiteral("custom:") + m_description.name; }
+    QString title() const override { return m_description.name; }
+    bool isReady() const override;
+    QString whatIsMissing() const override;
+    QString featureName() const override { return QStringLiteral("Cloud Upload (own service)"); }
+    std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
+                                              CloudAdapterDelegate *delegate) override;
+
+private:
+    const UploadDescription m_description;
+};

@@ -1,0 +1,147 @@
+#include "Classes/Sharing/CustomServiceAdapter.h"
+
+#include "Classes/Sharing/CustomServices.h"
+#include "Classes/Sharing/ServiceAddress.h"
+#include "Classes/Sharing/UploadProblem.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQMultipartForm.h"
+#include "Kit/Network/ZQNetworkError.h"
+#include "Kit/Network/ZQPrivateAddress.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+namespace {
+
+bool isSameServer(const QUrl &a, const QUrl &b)
+{
+    return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
+}
+
+ZQError refused(const QString &format, const QUrl &url)
+{
+    return zqNetworkError(ZQNetworkErrorCode::RedirectRefused, zqFormat(format, {url.host()}));
+}
+
+// Files and secrets go where the person was told that they go.
+ZQError refusalOf(const QUrl &url, const QUrl &first, bool hasSecrets)
+{
+    if (hasSecrets && !isSameServer(url, first)) {
+        return refused(zqLocalized("The server sends on to “%@”, for which the passwords are not meant."), url);
+    }
+    if (zqIsPrivateHostName(url.host()) && !zqIsPrivateHostName(first.host())) {
+        return refused(zqLocalized("The server sends on to “%@”, which is not for the public."), url);
+    }
+    return ServiceAddress::refusalOf(url);
+}
+
+bool wantsRedirect(const UploadDescription &description)
+{
+    return description.linkPlace == UploadDescription::LinkPlace::Header &&
+           description.linkAt.compare(u"Location", Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+CustomServiceAdapter::CustomServiceAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
+                                           const QString &fileToUploadID, CloudAdapterDelegate *delegate,
+                                           const UploadDescription &description)
+    : MainThreadAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate), m_description(description)
+{
+}
+
+CustomServiceAdapter::~CustomServiceAdapter()
+{
+    if (!zqIsMainThread()) {
+        zqOnMainThread([requests = std::shared_ptr<ServiceRequests>(std::move(m_requests))] {});
+    }
+}
+
+void CustomServiceAdapter::begin()
+{
+    m_requests = std::make_unique<ServiceRequests>();
+    CustomServices::secretsOf(
+        m_description, [weak = weak_from_this(), this](const QHash<QString, ZQSecret> &secrets, const ZQError &error) {
+            const auto self = weak.lock();
+            if (!self || !m_requests) {
+                return;
+            }
+            error.isNull() ? send(secrets) : uploadFailed(error);
+        });
+}
+
+ZQHTTPRequest CustomServiceAdapter::request() const
+{
+    ZQHTTPRequest request;
+    request.url = m_description.url;
+    request.method = m_description.method;
+    request.mostRedirects = wantsRedirect(m_description) ? 0 : 5;
+    request.mayGoTo = [first = m_description.url, hasSecrets = !m_description.secrets().isEmpty()](const QUrl &url) {
+        return refusalOf(url, first, hasSecrets);
+    };
+    return request;
+}
+
+bool CustomServiceAdapter::giveBody(ZQHTTPRequest &request, const QHash<QString, ZQSecret> &secrets,
+                                    ZQError *error) const
+{
+    if (m_description.file.isEmpty()) {
+        ZQHTTPBody body;
+        if (!body.appendFile(fileToUploadURL(), error)) {
+            return false;
+        }
+        request.makeBody = body.maker();
+        return true;
+    }
+    ZQMultipartForm form;
+    for (const auto &[name, value] : m_description.fields) {
+        form.addField(name, UploadDescription::filledIn(value, secrets));
+    }
+    if (!form.addFile(m_description.file, fileToUploadURL(), error, nameForUpload())) {
+        return false;
+    }
+    form.giveTo(request);
+    request.method = m_description.method;
+    return true;
+}
+
+void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
+{
+    ZQError error;
+    ZQHTTPRequest filled = request();
+    if (!giveBody(filled, secrets, &error)) {
+        uploadFailed(UploadProblem::of(error));
+        return;
+    }
+    bool hasType = !m_description.file.isEmpty();
+    for (const auto &[name, value] : m_description.headers) {
+        filled.headers.emplaceBack(name.toLatin1(), UploadDescription::filledIn(value, secrets).toUtf8());
+        hasType = hasType || name.compare(u"Content-Type", Qt::CaseInsensitive) == 0;
+    }
+    if (!hasType) {
+        filled.headers.emplaceBack("Content-Type", "application/octet-stream");
+    }
+    m_requests->perform(
+        filled, [this](const ZQHTTPResponse &response) { answered(response); },
+        [this](qint64 sent, qint64 total) { uploadProgess(double(sent) / double(total)); });
+}
+
+void CustomServiceAdapter::answered(const ZQHTTPResponse &response)
+{
+    const bool isRedirect = wantsRedirect(m_description) && response.statusCode / 100 == 3;
+    if (!response.isWhole() && !isRedirect) {
+        uploadFailed(UploadProblem::of(response));
+        return;
+    }
+    const QString link = m_description.linkIn(response);
+    if (link.isEmpty()) {
+        uploadFailed(UploadProblem::with(
+            zqFormat(zqLocalized("“%@” answered without a link."), {m_description.name}),
+            zqLocalized("Check “link” in its description, and import it again in the preferences, under Cloud.")));
+    } else {
+        uploadSuccessful({{QStringLiteral("url"), link}});
+    }
+}
+
+void CustomServiceAdapter::abandon()
+{
+    m_requests.reset();
+}

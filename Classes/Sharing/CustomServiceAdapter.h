@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Classes/Sharing/MainThreadAdapter.h"
+#include "Classes/Sharing/ServiceRequests.h"
+#include "Classes/Sharing/UploadDescription.h"
+
+#include <memory>
+
+// Uploads a file as a description says, in one request.
+class CustomServiceAdapter : public MainThreadAdapter
+{
+public:
+    CustomServiceAdapter(const QString &fileToUploadURL, const QString &fileToUploadName, const QString &fileToUploadID,
+                         CloudAdapterDelegate *delegate, const UploadDescription &description);
+    ~CustomServiceAdapter() override;
+
+protected:
+    void begin() override;
+    void abandon() override;
+
+private:
+    void send(const QHash<QString, ZQSecret> &secrets);
+    bool giveBody(ZQHTTPRequest &request, const QHash<QString, ZQSecret> &secrets, ZQError *error) const;
+    ZQHTTPRequest request() const;
+    void answered(const ZQHTTPResponse &response);
+
+    const UploadDescription m_description;
+    std::unique_ptr<ServiceRequests> m_requests; // null: not begun, or over
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Classes/Sharing/DBSession.h"
+#include "Classes/Sharing/ServiceRequests.h"
+
+#include <QJsonObject>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+// Requests in the name of the linked Dropbox, one at a time. A token that Dropbox refuses as too old is renewed once.
+// Main thread.
+class DBCalls
+{
+public:
+    explicit DBCalls(DBSession &session) : m_session(session) {}
+
+    // `request` without the token.
+    void call(const ZQHTTPRequest &request, ServiceRequests::Answered answered, ServiceRequests::Sent sent = {});
+    void cancel();
+
+    // An operation whose argument is the body.
+    static ZQHTTPRequest request(const QUrl &url, const QJsonObject &argument);
+    // One whose body is contents: the argument goes into a header, what is not ASCII escaped. `makeBody` is the
+    // caller's.
+    static ZQHTTPRequest contentRequest(const QUrl &url, const QJsonObject &argument);
+
+    // What an answer that says no means. What the person can do something about is told word for word.
+    static ZQError errorOf(const ZQHTTPResponse &response);
+    // "incorrect_offset/..": the words by which Dropbox names its errors. Empty: there are none.
+    static QString summaryOf(const ZQHTTPResponse &response);
+
+private:
+    struct Call;
+    void send(const std::shared_ptr<Call> &call);
+
+    DBSession &m_session;
+    std::shared_ptr<Call> m_call; // null: none
+    ServiceRequests m_requests;
+};

@@ -1,0 +1,71 @@
+#include "Classes/Sharing/DropboxAdapter.h"
+
+#include "Kit/Operations/ZQMainThread.h"
+
+DropboxAdapter::DropboxAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
+                               const QString &fileToUploadID, CloudAdapterDelegate *delegate, DBSession &session)
+    : MainThreadAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate),
+      m_dropboxClient(std::make_unique<DBRestClient>(session))
+{
+    m_dropboxClient->setDelegate(this);
+}
+
+DropboxAdapter::~DropboxAdapter()
+{
+    // The queue may let go of it on a thread of its own; what is in the client belongs to the main one.
+    if (!zqIsMainThread()) {
+        zqOnMainThread([client = std::shared_ptr<DBRestClient>(std::move(m_dropboxClient))] {});
+    }
+}
+
+void DropboxAdapter::begin()
+{
+    m_dropboxClient->createFolder(folder());
+}
+
+void DropboxAdapter::abandon()
+{
+    m_dropboxClient.reset();
+}
+
+void DropboxAdapter::createdFolder(DBRestClient &client, const QVariantMap & /*metadata*/)
+{
+    client.uploadFile(nameForUpload(), folder(), {}, fileToUploadURL());
+}
+
+void DropboxAdapter::createFolderFailedWithError(DBRestClient & /*client*/, const ZQError &error)
+{
+    uploadFailed(error);
+}
+
+void DropboxAdapter::uploadProgress(DBRestClient &client, double fraction, const QString &forFile,
+                                    const QString & /*from*/)
+{
+    if (!isCancelled()) {
+        uploadProgess(fraction);
+    } else if (isExecuting()) {
+        client.cancelFileUpload(forFile);
+        finish();
+    }
+}
+
+void DropboxAdapter::uploadedFile(DBRestClient &client, const QString &path, const QString & /*from*/,
+                                  const QVariantMap & /*metadata*/)
+{
+    client.loadSharableLinkForFile(path);
+}
+
+void DropboxAdapter::uploadFileFailedWithError(DBRestClient & /*client*/, const ZQError &error)
+{
+    uploadFailed(error);
+}
+
+void DropboxAdapter::loadedSharableLink(DBRestClient & /*client*/, const QString &link, const QString & /*forFile*/)
+{
+    uploadSuccessful({{QStringLiteral("url"), link}});
+}
+
+void DropboxAdapter::loadSharableLinkFailedWithError(DBRestClient & /*client*/, const ZQError &error)
+{
+    uploadFailed(error);
+}

@@ -1,0 +1,166 @@
+#include "Classes/Sharing/ImgurAdapter.h"
+
+#include "Classes/Sharing/ServiceAddress.h"
+#include "Classes/Sharing/UploadProblem.h"
+#include "Kit/Files/ZQRegularFile.h"
+#include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQHTTPTask.h"
+#include "Kit/Operations/ZQMainThread.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+const QByteArray boundary = "---------------------------0983745982375409872438752038475287";
+constexpr qint64 largestAnswer = 1 << 20;
+
+QByteArray part(const QByteArray &disposition)
+{
+    return "--" + boundary + "\r\nContent-Disposition: " + disposition + "\r\n";
+}
+
+// What Imgur says went wrong; it has been a text as well as an object with one. Null: nothing did.
+QString errorIn(const QJsonObject &answer)
+{
+    const QJsonValue error = answer.value(QStringLiteral("data")).toObject().value(QStringLiteral("error"));
+    if (error.isUndefined() || error.isNull()) {
+        return {};
+    }
+    if (const QString message = error.toObject().value(QStringLiteral("message")).toString(); !message.isEmpty()) {
+        return message;
+    }
+    const QString text =
+        error.isObject() || error.isArray()
+            ? QString::fromUtf8(QJsonDocument::fromVariant(error.toVariant()).toJson(QJsonDocument::Compact))
+            : error.toVariant().toString();
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+ZQError tooLarge(const QString &path)
+{
+    return UploadProblem::with(zqFormat(zqLocalized("“%@” is too large for Imgur, which takes files of up to %d MB."),
+                                        {QFileInfo(path).fileName(), ImgurAdapter::largestFile >> 20}),
+                               zqLocalized("Share it with another service, or drop a preset on the cloud button that "
+                                           "makes it smaller."));
+}
+
+} // namespace
+
+ImgurAdapter::ImgurAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
+                           const QString &fileToUploadID, CloudAdapterDelegate *delegate, Access access)
+    : CloudAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate), m_access(std::move(access))
+{
+}
+
+QString ImgurAdapter::title(const QString &fileToUploadName, const QString &fileToUploadURL)
+{
+    const QString extension = QFileInfo(fileToUploadURL).suffix();
+    return extension.isEmpty() ? fileToUploadName : fileToUploadName + u'.' + extension;
+}
+
+QByteArray ImgurAdapter::body(const QByteArray &file, const QString &title)
+{
+    QByteArray body;
+    body.reserve(file.size() + title.size() * 3 + 1024);
+    body += part("attachment; name=\"image\"; filename=\".tiff\"");
+    body += "Content-Type: application/octet-stream\r\n\r\n";
+    body += file;
+    body += "\r\n";
+    if (!title.isEmpty()) {
+        body += part("form-data; name=\"title\"") + "\r\n" + title.toUtf8() + "\r\n";
+    }
+    body += part("form-data; name=\"description\"") + "\r\n\r\n";
+    body += "--" + boundary + "--\r\n";
+    return body;
+}
+
+void ImgurAdapter::start()
+{
+    if (!m_body && m_readError.isNull() && !isCancelled()) {
+        read();
+    }
+    if (!zqIsMainThread()) {
+        zqOnMainThread([this, self = shared_from_this()] { start(); });
+    } else if (isCancelled()) {
+        finish();
+    } else if (!isExecuting() && !isFinished()) {
+        setExecuting(true);
+        send();
+    }
+}
+
+void ImgurAdapter::cancel()
+{
+    CloudAdapter::cancel();
+    const ZQLockGuard lock(m_mutex);
+    if (m_task) {
+        m_task->cancel();
+    }
+}
+
+void ImgurAdapter::read()
+{
+    ZQError error;
+    if (const auto bytes = zqReadRegularFile(fileToUploadURL(), largestFile, &error)) {
+        m_body = body(*bytes, title(fileToUploadName(), fileToUploadURL()));
+    } else {
+        m_readError =
+            QFileInfo(fileToUploadURL()).size() > largestFile ? tooLarge(fileToUploadURL()) : UploadProblem::of(error);
+    }
+}
+
+void ImgurAdapter::send()
+{
+    if (!m_body) {
+        uploadFailed(m_readError);
+        return;
+    }
+    ZQHTTPRequest request;
+    request.url = m_access.host;
+    request.url.setPath(m_access.host.path() + QStringLiteral("/3/upload.json"));
+    request.method = "POST";
+    request.headers = {{"Content-Type", "multipart/form-data; boundary=" + boundary},
+                       {"Authorization", "Client-ID " + m_access.clientID.toLatin1()}};
+    request.body = std::move(*m_body);
+    request.connections = m_access.connections;
+    request.maximumSize = largestAnswer;
+    const auto self = shared_from_this();
+    request.didSendBytes = [this, self](qint64 sent, qint64 total) {
+        if (total > 0) {
+            uploadProgess(double(sent) / double(total));
+        }
+    };
+    const auto task = ZQHTTPTask::start(request, [this, self](const ZQHTTPResponse &response) { came(response); });
+    const ZQLockGuard lock(m_mutex);
+    m_task = task;
+    if (isCancelled()) { // before there was a task to cancel
+        task->cancel();
+    }
+}
+
+void ImgurAdapter::came(const ZQHTTPResponse &response)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(response.body);
+    const QJsonObject answer = document.object();
+    if (const QString reason = errorIn(answer); !reason.isNull()) {
+        ZQError error{errorDomain, refused, {}};
+        error.userInfo.insert(ZQError::failureReasonKey, reason);
+        uploadFailed(error);
+        return;
+    }
+    if (!response.isWhole()) {
+        uploadFailed(response.error);
+        return;
+    }
+    const QString link =
+        ServiceAddress::link(answer.value(QStringLiteral("data")).toObject().value(QStringLiteral("link")).toString());
+    if (link.isEmpty()) {
+        uploadFailed(UploadProblem::with(
+            zqFormat(zqLocalized("%@ did not say where the file is."), {response.url.host()}),
+            zqLocalized("Try again later, or look whether the host in the preferences is the right one.")));
+        return;
+    }
+    uploadSuccessful({{QStringLiteral("url"), link}});
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Classes/Sharing/CloudAdapter.h"
+#include "Kit/Foundation/ZQThreadSafety.h"
+
+#include <QByteArray>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+
+class ZQHTTPConnections;
+class ZQHTTPTask;
+struct ZQHTTPResponse;
+
+// The upload of one file to Imgur, nobody's: one form, which is sent from memory.
+class ImgurAdapter : public CloudAdapter
+{
+public:
+    static inline const QString errorDomain = QStringLiteral("imguruploader");
+    static constexpr int refused = 10000;                    // the failure reason is what Imgur says
+    static constexpr qint64 largestFile = qint64(200) << 20; // Imgur takes no larger one, of whatever kind
+
+    struct Access
+    {
+        QUrl host;
+        QString clientID;
+        std::shared_ptr<ZQHTTPConnections> connections; // null: its own
+    };
+    ImgurAdapter(const QString &fileToUploadURL, const QString &fileToUploadName, const QString &fileToUploadID,
+                 CloudAdapterDelegate *delegate, Access access);
+
+    void start() override; // on whatever thread reads the file, and is on the main thread for the rest
+    void cancel() override;
+
+    static QString title(const QString &fileToUploadName, const QString &fileToUploadURL);
+    static QByteArray body(const QByteArray &file, const QString &title);
+
+private:
+    void read();
+    void send();
+    void came(const ZQHTTPResponse &response);
+
+    const Access m_access;
+    std::optional<QByteArray> m_body; // nothing: not read yet
+    ZQError m_readError;
+    ZQMutex m_mutex;
+    std::shared_ptr<ZQHTTPTask> m_task ZQ_GUARDED_BY(m_mutex); // null: not sent yet
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Kit/Network/ZQHTTPRequest.h"
+
+#include <functional>
+#include <memory>
+
+// The requests of one piece of work, one after the other over the same connections, answered on the main thread. When
+// it goes, or is cancelled, the one under way is too, and nobody is told. Main thread.
+class ServiceRequests
+{
+public:
+    using Answered = std::function<void(const ZQHTTPResponse &response)>;
+    using Sent = std::function<void(qint64 sent, qint64 total)>;
+
+    ServiceRequests();
+    ~ServiceRequests() { cancel(); }
+    ServiceRequests(const ServiceRequests &) = delete;
+    ServiceRequests &operator=(const ServiceRequests &) = delete;
+
+    // A server that is too busy for it (429 and 503) is asked again after the time that it names, a few times.
+    void perform(const ZQHTTPRequest &request, Answered answered, Sent sent = {});
+    void cancel();
+
+private:
+    struct UnderWay;
+    void send(const std::shared_ptr<UnderWay> &underWay);
+    void came(const std::shared_ptr<UnderWay> &underWay, const ZQHTTPResponse &response);
+
+    std::shared_ptr<ZQHTTPConnections> m_connections;
+    std::shared_ptr<UnderWay> m_underWay; // null: there is none
+};

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Kit/Foundation/ZQError.h"
+#include "Kit/Foundation/ZQSecret.h"
+#include "Kit/Network/ZQHTTPRequest.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+#include <utility>
+
+// How files are uploaded to a service that we know nothing of, as a file in JSON describes it:
+//
+//     {
+//       "format": 1,
+//       "name": "Our server",                          as it is listed; at most 60 characters on one line
+//       "method": "POST",                              or "PUT", "PATCH"; "POST" where it is left out
+//       "url": "https://files.example.org/upload",     http only within this machine and its network
+//       "headers": {"Authorization": "Bearer {secret:token}"},
+//       "fields": {"album": "Zelto"},                  of the form, sent in this order before the file
+//       "file": "upload",                              the form field of the file; or instead of both:
+//       "raw": true,                                   the file alone is what is sent
+//       "link": {"pointer": "/data/url"}               where the link is found; or
+//               {"pattern": "href=\"([^\"]+)\""}         what the group (or the whole) of a regular expression matches
+//               {"header": "Location"}                 in a header of the answer
+//               {"final": true}                        the address at which redirects ended
+//     }
+//
+// Secrets are written as {secret:NAME} in values of headers and fields; they are asked for when the description is
+// imported. There are no other placeholders. What it does not know it refuses: a description comes from a stranger and
+// must not mean more than a person can see. A value; any thread.
+struct UploadDescription
+{
+    enum class LinkPlace { Pointer, Pattern, Header, FinalAddress };
+    using Pairs = QList<std::pair<QString, QString>>;
+
+    QString name;
+    QByteArray method = "POST";
+    QUrl url;
+    Pairs headers;
+    Pairs fields;
+    QString file; // empty: raw
+    LinkPlace linkPlace = LinkPlace::FinalAddress;
+    QString linkAt;    // the pointer, the pattern, the header's name
+    QByteArray source; // as it was written
+
+    static constexpr qsizetype largest = 64 * 1024; // bytes of a file
+    // Nothing, with an error that names the line, for what cannot be taken.
+    static std::optional<UploadDescription> from(const QByteArray &JSON, ZQError *error = nullptr);
+
+    QStringList secrets() const; // names, each once, in the order in which they appear
+    // Where files go: "files.example.org", with a port where it names one, and with "http://" where it is not
+    // encrypted.
+    QString destination() const;
+    // `text` with the secrets in place of their names. What one is not known for is left out.
+    static QString filledIn(const QString &text, const QHash<QString, ZQSecret> &secrets);
+    // Where the answer says that the file is; empty: nowhere, or it is no link.
+    QString linkIn(const ZQHTTPResponse &response) const;
+};

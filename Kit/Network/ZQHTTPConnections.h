@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Kit/Network/ZQHTTPChallenge.h"
+
+#include <QHash>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+class QNetworkAccessManager;
+class QUrl;
+
+// Connections that the requests of one piece of work use one after the other, so that not each of them begins anew; and
+// what servers asked for before they let somebody in, so that they need not ask each time. No password is kept, and
+// all of it goes with the last who holds it. Made and held on any thread; the rest is of the network's thread.
+class ZQHTTPConnections
+{
+public:
+    static std::shared_ptr<ZQHTTPConnections> make();
+    ~ZQHTTPConnections();
+
+    QNetworkAccessManager &manager();
+    bool haveBeenUsedFor(const QUrl &url) const;
+    void noteUseOf(const QUrl &url);
+    std::optional<ZQHTTPChallenge> &challengeOf(const QUrl &url, const QString &user);
+
+    static void setUp(QNetworkAccessManager &manager); // to keep nothing
+
+private:
+    ZQHTTPConnections() = default;
+    struct Held;
+    std::shared_ptr<Held> m_held; // null: not used yet
+};
