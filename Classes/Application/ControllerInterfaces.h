@@ -168,8 +168,10 @@ public:
     virtual QString problemOfHotKey(const QString & /*command*/) const { return {}; }
     // While a person presses the keys that are to be one of them, none does what it does.
     virtual void setHotKeysPaused(bool /*paused*/) {}
-    // Returns once everything that was taken is on its way into the library, as an import. For quitting.
-    virtual void finishStoring() {}
+    // Returns once everything that was taken is on its way into the library, as an import, or in another place. False:
+    // there is a picture that only memory has. For quitting.
+    virtual bool finishStoring() { return true; }
+    virtual bool isStoring() const { return false; } // something that is neither
 };
 
 // Images of a web page that are to be imported.

@@ -65,9 +65,11 @@ bool Quit::stopRunningImports()
     ZQOperationQueue *sync =
         m_running.liveFolderManager() ? &m_running.liveFolderManager()->syncOperationQueue() : nullptr;
     ImageDownloading *const downloads = m_running.imageDownloading();
-    const auto isIdle = [&] { // a download that ends may begin an import: it is looked at first
-        return (!downloads || !downloads->isDownloading()) && m_running.backgroundQueue().operationCount() == 0 &&
-               (!sync || sync->operationCount() == 0);
+    ScreenCaptureControlling *const capture = m_running.capture();
+    // A download that ends may begin an import, and so may a capture: they are looked at first.
+    const auto isIdle = [&] {
+        return (!capture || !capture->isStoring()) && (!downloads || !downloads->isDownloading()) &&
+               m_running.backgroundQueue().operationCount() == 0 && (!sync || sync->operationCount() == 0);
     };
     if (isIdle()) {
         return true;
@@ -121,16 +123,18 @@ void Quit::removePurged()
     for (qsizetype first = 0; first < purged.size(); first += pathsPerRemoval) {
         m_removals.deleteFilesAtPaths(purged.mid(first, pathsPerRemoval), library);
     }
-    if (!m_running.importManager() ||
-        !m_running.importManager()->cutOffImportSince()) { // which may need what lies there
+    const bool isStoring = m_running.capture() && m_running.capture()->isStoring();
+    ImportManaging *const manager = m_running.importManager();
+    if (!isStoring && (!manager || !manager->cutOffImportSince())) { // which may need what lies there
         m_removals.deleteFilesAtPaths(TemporaryArea::takeForRemoval(), {});
     }
 }
 
 TerminateReply Quit::applicationShouldTerminate()
 {
-    if (ScreenCaptureControlling *const capture = m_running.capture()) {
-        capture->finishStoring(); // what was taken a moment ago is an import like any other then
+    // What was taken a moment ago is an import like any other then.
+    if (ScreenCaptureControlling *const capture = m_running.capture(); capture && !capture->finishStoring()) {
+        return TerminateReply::Cancel;
     }
     if (!mayEndUploads() || !stopRunningImports()) {
         return TerminateReply::Cancel;

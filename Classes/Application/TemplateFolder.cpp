@@ -2,18 +2,22 @@
 
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQFreeName.h"
+#include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Files/ZQTrash.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QCollator>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <algorithm>
 #include <cerrno>
+#include <unistd.h>
 
 namespace {
 
@@ -23,16 +27,33 @@ bool liesIn(const QFileInfo &file, const QString &directory)
     return !folder.isEmpty() && QFileInfo(file.absolutePath()).canonicalFilePath() == folder;
 }
 
+const QString copyingName = QStringLiteral(".copying-");
+
 // Whole under its name, or not at all: it is copied into a folder beside, which nobody lists.
 bool copyInto(const QString &source, const QString &target, ZQError *error)
 {
-    QTemporaryDir beside(QFileInfo(target).absolutePath() + QStringLiteral("/.copying-XXXXXX"));
+    QTemporaryDir beside(QFileInfo(target).absolutePath() + u'/' + copyingName + QStringLiteral("XXXXXX"));
     if (!beside.isValid()) {
         zqSetError(error, ZQError::posix(errno, zqFormat(zqLocalized("“%@” could not be written"), {target})));
         return false;
     }
     const QString copy = beside.filePath(QStringLiteral("copy"));
     return zqCopyFile(source, copy, error) && zqSyncFileSystem(copy, error) && zqMoveNoReplace(copy, target, error);
+}
+
+// What a process that was killed left of its copy. A day is longer than any copy takes.
+void removeAbandonedCopies(const QString &directory)
+{
+    const QDateTime old = QDateTime::currentDateTime().addDays(-1);
+    const QRegularExpression made(u'^' + QRegularExpression::escape(copyingName) + QStringLiteral("[A-Za-z]{6}$"));
+    const auto entries =
+        QDir(directory).entryInfoList({copyingName + u'*'}, QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
+    for (const QFileInfo &entry : entries) {
+        const bool isOurs = made.match(entry.fileName()).hasMatch() && entry.ownerId() == ::geteuid();
+        if (isOurs && entry.lastModified() < old) {
+            zqRemoveTree(QFile::encodeName(entry.absoluteFilePath()));
+        }
+    }
 }
 
 } // namespace
@@ -44,6 +65,7 @@ bool TemplateFolder::isTemplatePath(const QString &path)
 
 QStringList TemplateFolder::paths(const QString &directory)
 {
+    removeAbandonedCopies(directory);
     QStringList found;
     const QFileInfoList entries = QDir(directory).entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries) {

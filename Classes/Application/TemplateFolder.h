@@ -16,7 +16,8 @@ inline const QString errorDomain = QStringLiteral("zelto.templates");
 enum Error { NoTemplate = 1, NameTaken, NoCopy };
 
 bool isTemplatePath(const QString &path);
-QStringList paths(const QString &directory); // by name
+// By name. What a copy that was cut off left in the folder more than a day ago goes on the way.
+QStringList paths(const QString &directory);
 
 // Moves a template into the folder, under its name. From another disk, or through a link, it is copied; the original
 // then goes to the trash of its disk, a linked one stays. False, with everything as it was, when there is one of that

@@ -18,6 +18,7 @@
 #include <fcntl.h>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
@@ -119,16 +120,25 @@ struct Pipe
 };
 
 // Its ends stand in the way of none of the browser's numbers.
-std::optional<Pipe> makePipe()
+std::optional<Pipe> pipeOf(const std::array<int, 2> &ends)
 {
-    std::array<int, 2> ends{-1, -1};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        return std::nullopt;
-    }
     const ZQFileDescriptor low[] = {ZQFileDescriptor(ends[0]), ZQFileDescriptor(ends[1])};
     Pipe pipe{ZQFileDescriptor(::fcntl(ends[0], F_DUPFD_CLOEXEC, firstFreeDescriptor)),
               ZQFileDescriptor(::fcntl(ends[1], F_DUPFD_CLOEXEC, firstFreeDescriptor))};
     return pipe.readEnd.isOpen() && pipe.writeEnd.isOpen() ? std::optional(std::move(pipe)) : std::nullopt;
+}
+
+std::optional<Pipe> makeCommandPipe()
+{
+    std::array<int, 2> ends{-1, -1};
+    const bool isMade = ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0;
+    return isMade ? pipeOf(ends) : std::nullopt;
+}
+
+std::optional<Pipe> makeAnswerPipe()
+{
+    std::array<int, 2> ends{-1, -1};
+    return ::pipe2(ends.data(), O_CLOEXEC) == 0 ? pipeOf(ends) : std::nullopt;
 }
 
 // After a fork in a process with other threads: nothing but what is safe in a signal handler.
@@ -229,8 +239,8 @@ std::unique_ptr<ChromiumBrowser> ChromiumBrowser::start(ZQError *error)
 
 bool ChromiumBrowser::spawn(const QString &program)
 {
-    auto commands = makePipe();
-    auto answers = makePipe();
+    auto commands = makeCommandPipe();
+    auto answers = makeAnswerPipe();
     if (!commands || !answers) {
         return false;
     }

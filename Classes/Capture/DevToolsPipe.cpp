@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
 
@@ -62,7 +63,8 @@ DevToolsPipe::Outcome DevToolsPipe::send(const QByteArray &message, Time end)
 {
     const QByteArray whole = message + '\0';
     for (qsizetype sent = 0; sent < whole.size();) {
-        const ssize_t size = ::write(m_toBrowser.get(), whole.constData() + sent, size_t(whole.size() - sent));
+        const ssize_t size =
+            ::send(m_toBrowser.get(), whole.constData() + sent, size_t(whole.size() - sent), MSG_NOSIGNAL);
         if (size > 0) {
             sent += size;
             continue;

@@ -6,8 +6,9 @@
 
 #include <chrono>
 
-// The two pipes between this process and a browser that it started: messages in JSON, each ended by a zero byte. One
-// thread; what waits ends with the thread's ZQCancellation.
+// The way between this process and a browser that it started: messages in JSON, each ended by a zero byte. What goes to
+// the browser goes through a socket, since a pipe whose reader has died would end this process, too. One thread; what
+// waits ends with the thread's ZQCancellation.
 class DevToolsPipe
 {
 public:

@@ -79,10 +79,11 @@ bool LayeredPage::divide(ZQError *error)
         return false;
     }
     const auto answer = devTools.call(QStringLiteral("DOMSnapshot.captureSnapshot"), PageSnapshot::parameters(), error);
-    if (answer) {
-        m_division = PageLayers::divide(PageSnapshot::nodes(*answer), m_rect);
+    const auto nodes = answer ? PageSnapshot::nodes(*answer, error) : std::nullopt;
+    if (nodes) {
+        m_division = PageLayers::divide(*nodes, m_rect);
     }
-    return answer.has_value();
+    return nodes.has_value();
 }
 
 bool LayeredPage::hide(Hidden hidden, ZQError *error)

@@ -1,5 +1,7 @@
 #include "Classes/Capture/PageLayers.h"
 
+#include "Kit/Foundation/ZQCancellation.h"
+
 #include <QRegularExpression>
 #include <QSet>
 
@@ -15,8 +17,14 @@ using Node = PageSnapshot::Node;
 
 constexpr int groundGroup = 0;
 constexpr int noGroup = -1;
+constexpr int noNode = -1;
 constexpr double textOverhang = 6; // points that letters reach beyond their lines
 constexpr double mostOverhang = 400;
+
+bool isBelowFlow(const Node &node)
+{
+    return node.isStackingContext && node.styles.value(QStringLiteral("z-index")).toInt() < 0;
+}
 
 struct Group
 {
@@ -104,7 +112,8 @@ public:
         m_groups.append(Group());
         m_groupOf.fill(noGroup, m_nodes.size());
         m_isSeen.fill(true, m_nodes.size());
-        for (qsizetype i = 0; i < m_nodes.size(); ++i) {
+        for (qsizetype i = 0; i < m_nodes.size() && !ZQCancellation::isCurrentCancelled(); ++i) {
+            carryDown(i);
             assign(i);
         }
         PageLayers::Division division;
@@ -123,7 +132,19 @@ public:
     }
 
 private:
-    const Node *parentOf(const Node &node) const { return node.parent >= 0 ? &m_nodes[node.parent] : nullptr; }
+    // What is asked of all that a node lies in, once for each: a page may be as deep as it is large.
+    void carryDown(qsizetype index)
+    {
+        const Node &node = m_nodes[index];
+        const int parent = node.parent;
+        const int around = parent >= 0 ? m_below[parent] : noNode;
+        const bool isInBody = parent >= 0 && m_nodes[parent].name == QStringLiteral("body");
+        m_isInWhole.append(parent >= 0 && (isWhole(m_nodes[parent].name) || (!isInBody && m_isInWhole[parent])));
+        m_below.append(around < 0 && isBelowFlow(node) ? int(index) : around);
+        m_contexts.append(index == 0 || node.isStackingContext ? int(index) : contextAround(node));
+    }
+
+    int contextAround(const Node &node) const { return node.parent >= 0 ? m_contexts[node.parent] : noNode; }
 
     // Text, and content that a style makes, is drawn by the element around it.
     void collectText(qsizetype index)
@@ -178,7 +199,7 @@ private:
             m_groups[groundGroup].isText |= !m_texts[index].isEmpty();
             return;
         }
-        if (isInWhole(index)) {
+        if (m_isInWhole[index] && around > groundGroup) {
             add(around, index);
             return;
         }
@@ -193,20 +214,6 @@ private:
             m_groupOf[index] = int(m_groups.size()) - 1;
             add(m_groupOf[index], index);
         }
-    }
-
-    bool isInWhole(qsizetype index) const
-    {
-        const Node *parent = parentOf(m_nodes[index]);
-        for (; parent; parent = parentOf(*parent)) {
-            if (isWhole(parent->name)) {
-                return m_groupOf[index] > groundGroup;
-            }
-            if (parent->name == QStringLiteral("body")) {
-                break;
-            }
-        }
-        return false;
     }
 
     void addBounds(int group, const Node &node)
@@ -247,19 +254,11 @@ private:
     // flow, but above the ground of its stacking context, has a number of its own behind.
     std::array<int, 3> orderOf(qsizetype index) const
     {
-        int below = -1;
-        for (int i = int(index); i >= 0; i = m_nodes[i].parent) {
-            const bool isBelow =
-                m_nodes[i].isStackingContext && m_nodes[i].styles.value(QStringLiteral("z-index")).toInt() < 0;
-            below = isBelow ? i : below;
-        }
+        const int below = m_below[index];
         if (below < 0) {
             return {paintOrderOf(index), m_nodes[index].isStackingContext ? 0 : 2, 0};
         }
-        int context = m_nodes[below].parent;
-        while (context > 0 && !m_nodes[context].isStackingContext) {
-            context = m_nodes[context].parent;
-        }
+        const int context = contextAround(m_nodes[below]);
         return {context < 0 ? 0 : m_nodes[context].paintOrder, 1, paintOrderOf(index)};
     }
 
@@ -289,6 +288,7 @@ private:
     {
         QList<int> left;
         for (int i = groundGroup + 1; i < m_groups.size(); ++i) {
+            leaveOutEmptyParent(m_groups[i]);
             if (boundsOf(m_groups[i]).isEmpty()) {
                 m_groups[i].layer.marks.clear();
             } else {
@@ -310,14 +310,22 @@ private:
         return left.size();
     }
 
+    // Parents come first, and have left out theirs.
+    void leaveOutEmptyParent(Group &group) const
+    {
+        if (group.parent > groundGroup && m_groups[group.parent].layer.marks.isEmpty()) {
+            group.parent = m_groups[group.parent].parent;
+        }
+    }
+
     void joinWithParent(int index)
     {
-        int parent = m_groups[index].parent;
-        while (parent > groundGroup && m_groups[parent].layer.marks.isEmpty()) {
-            parent = m_groups[parent].parent;
+        Group &target = m_groups[std::max(m_groups[index].parent, groundGroup)];
+        QList<int> marks = std::exchange(m_groups[index].layer.marks, {});
+        if (marks.size() > target.layer.marks.size()) { // the fewer go to the more: one chain may hold all
+            marks.swap(target.layer.marks);
         }
-        Group &target = m_groups[std::max(parent, groundGroup)];
-        target.layer.marks.append(std::exchange(m_groups[index].layer.marks, {}));
+        target.layer.marks.append(marks);
         target.bounds |= m_groups[index].bounds;
     }
 
@@ -327,6 +335,10 @@ private:
     QList<Group> m_groups;     // the first is the ground
     QList<int> m_groupOf;
     QList<bool> m_isSeen;
+    // Of each node, as `carryDown` finds it.
+    QList<bool> m_isInWhole; // a part of what is drawn as one
+    QList<int> m_below;      // the outermost of it and those it lies in that is below the flow
+    QList<int> m_contexts;   // the innermost of them that is a stacking context, or the root
 };
 
 } // namespace

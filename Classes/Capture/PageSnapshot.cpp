@@ -1,24 +1,42 @@
 #include "Classes/Capture/PageSnapshot.h"
 
+#include "Classes/Capture/WebCaptureErrors.h"
+#include "Kit/Foundation/ZQCancellation.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr int elementNode = 1;
+constexpr qsizetype longestString = 4096; // of what is named: a page may name one of many megabytes anywhere
+constexpr qsizetype stringsPerNode = 10;
 
 class Reader
 {
 public:
     explicit Reader(const QJsonObject &answer)
-        : m_strings(answer[QStringLiteral("strings")].toArray()),
+        : m_allStrings(answer[QStringLiteral("strings")].toArray()),
           m_document(answer[QStringLiteral("documents")].toArray().at(0).toObject()),
           m_nodes(m_document[QStringLiteral("nodes")].toObject()),
           m_layout(m_document[QStringLiteral("layout")].toObject())
     {
     }
 
-    QList<PageSnapshot::Node> read() const
+    bool isTooLarge() const
     {
+        return std::max(m_nodes[QStringLiteral("parentIndex")].toArray().size(),
+                        m_layout[QStringLiteral("nodeIndex")].toArray().size()) > PageSnapshot::mostNodes ||
+               m_allStrings.size() > stringsPerNode * PageSnapshot::mostNodes;
+    }
+
+    // As far as it got when the thread was cancelled.
+    QList<PageSnapshot::Node> read()
+    {
+        for (const QJsonValue text : std::as_const(m_allStrings)) {
+            m_strings.append(text.toString().left(longestString));
+        }
         QList<PageSnapshot::Node> nodes = elements();
         addPseudo(nodes);
         addLayout(nodes);
@@ -26,7 +44,7 @@ public:
     }
 
 private:
-    QString string(const QJsonValue &index) const { return m_strings.at(index.toInt(-1)).toString(); }
+    QString string(const QJsonValue &index) const { return m_strings.value(index.toInt(-1)); }
 
     QList<PageSnapshot::Node> elements() const
     {
@@ -35,7 +53,7 @@ private:
         const QJsonArray names = m_nodes[QStringLiteral("nodeName")].toArray();
         const QJsonArray attributes = m_nodes[QStringLiteral("attributes")].toArray();
         QList<PageSnapshot::Node> nodes;
-        for (qsizetype i = 0; i < parents.size(); ++i) {
+        for (qsizetype i = 0; i < parents.size() && !ZQCancellation::isCurrentCancelled(); ++i) {
             PageSnapshot::Node node;
             const int parent = parents.at(i).toInt(-1);
             node.parent = parent < i ? parent : -1;
@@ -85,7 +103,7 @@ private:
         const QJsonArray styles = m_layout[QStringLiteral("styles")].toArray();
         const QJsonArray texts = m_layout[QStringLiteral("text")].toArray();
         const QJsonArray orders = m_layout[QStringLiteral("paintOrders")].toArray();
-        for (qsizetype i = 0; i < indexes.size(); ++i) {
+        for (qsizetype i = 0; i < indexes.size() && !ZQCancellation::isCurrentCancelled(); ++i) {
             const int index = indexes.at(i).toInt(-1);
             if (index < 0 || index >= nodes.size()) {
                 continue;
@@ -95,7 +113,7 @@ private:
             node.bounds |=
                 QRectF(rect.at(0).toDouble(), rect.at(1).toDouble(), rect.at(2).toDouble(), rect.at(3).toDouble());
             node.paintOrder = std::max(node.paintOrder, orders.at(i).toInt(-1));
-            node.text += string(texts.at(i));
+            node.text += string(texts.at(i)).left(longestString - node.text.size());
             addStyles(styles.at(i).toArray(), node);
         }
         for (const QJsonValue layout :
@@ -114,7 +132,8 @@ private:
         }
     }
 
-    const QJsonArray m_strings;
+    const QJsonArray m_allStrings;
+    QStringList m_strings; // cut, and shared by all that name them
     const QJsonObject m_document;
     const QJsonObject m_nodes;
     const QJsonObject m_layout;
@@ -154,7 +173,20 @@ QJsonObject PageSnapshot::parameters()
             {QStringLiteral("includeDOMRects"), true}};
 }
 
-QList<PageSnapshot::Node> PageSnapshot::nodes(const QJsonObject &answer)
+std::optional<QList<PageSnapshot::Node>> PageSnapshot::nodes(const QJsonObject &answer, ZQError *error)
 {
-    return Reader(answer).read();
+    Reader reader(answer);
+    if (reader.isTooLarge()) {
+        zqSetError(error, WebCaptureErrors::with(WebCaptureErrors::NoPage,
+                                                 zqLocalized("This page has too many elements to be captured in "
+                                                             "layers. Capture it as a picture.")));
+        return std::nullopt;
+    }
+    QList<Node> nodes = reader.read();
+    if (ZQCancellation::isCurrentCancelled()) {
+        zqSetError(error,
+                   WebCaptureErrors::with(WebCaptureErrors::Cancelled, zqLocalized("The capture was cancelled.")));
+        return std::nullopt;
+    }
+    return nodes;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kit/Foundation/ZQError.h"
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -7,6 +9,8 @@
 #include <QRectF>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 // What a browser tells of a page's elements (the answer to DOMSnapshot.captureSnapshot), as a list. A value.
 class PageSnapshot
@@ -30,6 +34,8 @@ public:
     static inline const QString markAttribute = QStringLiteral("data-zelto-mark");
     static QStringList styleNames(); // to ask for
     static QJsonObject parameters(); // of the command
-    // What does not fit together is left out: the answer is a stranger's page told by another program.
-    static QList<Node> nodes(const QJsonObject &answer);
+    // What does not fit together is left out: the answer is a stranger's page told by another program. Of a cancelled
+    // thread, and of a page with more than `mostNodes`, there is nothing.
+    static constexpr qsizetype mostNodes = 200000;
+    static std::optional<QList<Node>> nodes(const QJsonObject &answer, ZQError *error = nullptr);
 };

@@ -1,58 +1,12 @@
 #include "Classes/Capture/PortalScreenSource.h"
 
-#include "Kit/Foundation/ZQLocalized.h"
+#include "Classes/Capture/PortalPicture.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QGuiApplication>
-#include <QImageReader>
 #include <QScreen>
-#include <QStandardPaths>
 #include <QUrl>
 
-#include <algorithm>
 #include <utility>
-
-namespace {
-
-ZQError unreadable(const QString &reason)
-{
-    return ZQError::with(QStringLiteral("ScreenCapture"), 1,
-                         zqLocalized("The desktop took a picture, and it can't be read. Try again."), reason);
-}
-
-// Only what the portal left in a place for passing files. A picture in a person's own folder was put there for them.
-bool isPassedOn(const QString &path)
-{
-    const QString real = QFileInfo(path).canonicalFilePath();
-    const QStringList places{QDir::tempPath(), qEnvironmentVariable("XDG_RUNTIME_DIR"),
-                             QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)};
-    return !real.isEmpty() && !QFileInfo(path).isSymLink() &&
-           std::any_of(places.begin(), places.end(), [&real](const QString &place) {
-               const QString folder = QFileInfo(place).canonicalFilePath();
-               return !folder.isEmpty() && folder != QDir::rootPath() && folder != QDir::homePath() &&
-                      real.startsWith(folder + u'/');
-           });
-}
-
-QImage read(const QString &path, ZQError *error)
-{
-    constexpr int mostMegabytes = 1024;
-    const int usual = QImageReader::allocationLimit(); // of the whole process
-    QImageReader::setAllocationLimit(mostMegabytes);
-    QImageReader reader(path);
-    const QImage image = reader.read();
-    QImageReader::setAllocationLimit(usual);
-    if (image.isNull()) {
-        zqSetError(error, unreadable(reader.errorString()));
-    } else if (isPassedOn(path)) {
-        QFile::remove(path);
-    }
-    return image;
-}
-
-} // namespace
 
 QList<ScreenInfo> PortalScreenSource::screens() const
 {
@@ -84,19 +38,39 @@ void PortalScreenSource::ask(bool isInteractive, Taken taken)
                 end({}, error);
                 return;
             }
-            const QUrl url(results.value(QStringLiteral("uri")).toString());
-            ZQError problem = url.isLocalFile() ? ZQError() : unreadable({});
-            QImage image = url.isLocalFile() ? read(url.toLocalFile(), &problem) : QImage();
-            if (!image.isNull() && qGuiApp) {
-                image.setDevicePixelRatio(qGuiApp->devicePixelRatio());
+            if (const QUrl url(results.value(QStringLiteral("uri")).toString()); url.isLocalFile()) {
+                m_request.reset();
+                read(url.toLocalFile());
+            } else {
+                end({}, PortalPicture::unreadable());
             }
-            end(image, problem);
         },
         m_bus));
 }
 
+void PortalScreenSource::read(const QString &path)
+{
+    m_reading.addOperationWithBlock([this, path, number = m_number] {
+        ZQError error;
+        const QImage image = PortalPicture::take(path, &error);
+        QMetaObject::invokeMethod(&m_context, [this, image, error, number] { didRead(image, error, number); });
+    });
+}
+
+void PortalScreenSource::didRead(QImage image, const ZQError &error, int number)
+{
+    if (number != m_number) {
+        return; // called off meanwhile
+    }
+    if (!image.isNull() && qGuiApp) {
+        image.setDevicePixelRatio(qGuiApp->devicePixelRatio());
+    }
+    end(image, error);
+}
+
 void PortalScreenSource::end(const QImage &image, const ZQError &error)
 {
+    ++m_number;
     m_request.reset();
     if (const Taken taken = std::exchange(m_taken, nullptr)) {
         taken(image, error);

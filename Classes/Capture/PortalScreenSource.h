@@ -2,8 +2,10 @@
 
 #include "Classes/Capture/ScreenSource.h"
 #include "Kit/Desktop/ZQPortal.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QDBusConnection>
+#include <QObject>
 
 // A desktop that shows no program what is on it, as on Wayland: pictures come from its screenshot portal, which may ask
 // the person first and lets them choose area or window itself. One at a time: a new one withdraws that before it, which
@@ -24,9 +26,14 @@ public:
 
 private:
     void ask(bool isInteractive, Taken taken);
+    void read(const QString &path); // beside the main thread
+    void didRead(QImage image, const ZQError &error, int number);
     void end(const QImage &image, const ZQError &error);
 
     QDBusConnection m_bus;
     ZQPortalRequestRef m_request;
     Taken m_taken;
+    int m_number = 0;  // of the capture
+    QObject m_context; // what was read comes through its events
+    ZQOperationQueue m_reading{QStringLiteral("portal pictures"), 1};
 };

@@ -99,6 +99,7 @@ void ZeltoKunViewController::loadView()
         }
     });
     announce();
+    m_store.takeUpLeft();
 }
 
 QString ZeltoKunViewController::problemOfHotKey(const QString &command) const
@@ -173,7 +174,8 @@ void ZeltoKunViewController::openZelto()
 
 void ZeltoKunViewController::fail(const ZQError &error, const Ended &ended)
 {
-    const bool isKnown = error.domain == CaptureStore::errorDomain && error.code != CaptureStore::NotOpen;
+    const bool isKnown = error.domain == CaptureStore::errorDomain && error.code != CaptureStore::NotOpen &&
+                         error.code != CaptureStore::Held;
     if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate(); delegate && !ended && !isKnown) {
         delegate->userInteraction().presentError(error);
     }
@@ -215,9 +217,11 @@ void ZeltoKunViewController::screenshotViewControllerDidEnd(ScreenshotSession & 
 }
 
 void ZeltoKunViewController::screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
-                                                           const QString &andPageTitle)
+                                                           const QString &andPageTitle,
+                                                           std::function<void(const ZQError &error)> didStore)
 {
-    storeWebCapture(didTakeFile, forPageURL, andPageTitle, {});
+    storeWebCapture(didTakeFile, forPageURL, andPageTitle,
+                    [didStore = std::move(didStore)](const End &end) { didStore(end.error); });
 }
 
 void ZeltoKunViewController::storeWebCapture(const QString &didTakeFile, const QString &forPageURL,

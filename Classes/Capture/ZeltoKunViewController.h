@@ -56,14 +56,16 @@ public:
     void cancel(quint64 number);
     QString problemOfHotKey(const QString &command) const override;
     void setHotKeysPaused(bool paused) override;
-    void finishStoring() override { m_store.finish(); }
+    bool finishStoring() override { return m_store.finish(); }
+    bool isStoring() const override { return m_store.isStoring(); }
 
     void screenshotViewController(ScreenshotSession &session, const QImage &didTakeScreenshotImage) override;
     void screenshotViewController(ScreenshotSession &session, const QImage &didTakeScreenshotImage,
                                   const QString &imageName) override;
     void screenshotViewControllerDidEnd(ScreenshotSession &session, const ZQError &error) override;
     void screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
-                                       const QString &andPageTitle) override;
+                                       const QString &andPageTitle,
+                                       std::function<void(const ZQError &error)> didStore) override;
     // The same for who waits for it.
     void storeWebCapture(const QString &didTakeFile, const QString &forPageURL, const QString &andPageTitle,
                          Ended ended);

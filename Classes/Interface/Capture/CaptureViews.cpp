@@ -6,6 +6,8 @@
 #include "Classes/Interface/Capture/ZQScreenshotViewController.h"
 #include "Classes/Interface/Capture/ZQScreenshotWebWindowController.h"
 
+#include <utility>
+
 CaptureViews::CaptureViews() = default;
 
 CaptureViews::~CaptureViews() = default;
@@ -25,12 +27,13 @@ void CaptureViews::showWebCapture(const QString &pageURL, const QRect &frame)
 
 // The window outlives the controller, which goes when the application quits.
 void CaptureViews::screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
-                                                 const QString &andPageTitle)
+                                                 const QString &andPageTitle,
+                                                 std::function<void(const ZQError &error)> didStore)
 {
     tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
     if (auto *const controller =
             delegate ? dynamic_cast<WebCaptureDelegate *>(delegate->zeltoKunViewController()) : nullptr) {
-        controller->screenshotWebWindowController(didTakeFile, forPageURL, andPageTitle);
+        controller->screenshotWebWindowController(didTakeFile, forPageURL, andPageTitle, std::move(didStore));
     }
 }
 

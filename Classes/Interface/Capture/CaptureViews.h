@@ -27,7 +27,8 @@ public:
 
 private:
     void screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
-                                       const QString &andPageTitle) override;
+                                       const QString &andPageTitle,
+                                       std::function<void(const ZQError &error)> didStore) override;
 
     CaptureEffects m_effects;
     std::unique_ptr<StatusIcon> m_statusIcon;

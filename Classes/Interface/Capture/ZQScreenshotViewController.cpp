@@ -2,10 +2,12 @@
 
 #include "Classes/Interface/Capture/CaptureEffects.h"
 #include "Classes/Interface/Capture/PickableWindows.h"
+#include "Kit/Desktop/ZQLockWatch.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QApplication>
 #include <QCursor>
+#include <QInputEvent>
 #include <QPointer>
 #include <QScreen>
 #include <QWindow>
@@ -31,6 +33,10 @@ ZQScreenshotViewController::ZQScreenshotViewController(ScreenSource &source, Scr
 {
     m_grabTimer.setInterval(grabPause);
     connect(&m_grabTimer, &QTimer::timeout, this, &ZQScreenshotViewController::grabKeyboard);
+    m_idleTimer.setSingleShot(true);
+    m_idleTimer.setInterval(usualIdleLimit);
+    // Queued, since the session goes with its timer.
+    connect(&m_idleTimer, &QTimer::timeout, this, &ZQScreenshotViewController::cancel, Qt::QueuedConnection);
     // What lies where is another matter then.
     connect(qApp, &QGuiApplication::screenAdded, this, &ZQScreenshotViewController::cancel);
     connect(qApp, &QGuiApplication::screenRemoved, this, &ZQScreenshotViewController::cancel);
@@ -155,6 +161,25 @@ void ZQScreenshotViewController::showViews(
         }
     }
     giveKeyboardTo(*underPointer);
+    limitTheChoice();
+}
+
+void ZQScreenshotViewController::limitTheChoice()
+{
+    for (ScreenshotView *const view : m_views) {
+        view->installEventFilter(this);
+    }
+    m_idleTimer.start();
+    m_lockWatch = std::make_unique<ZQLockWatch>();
+    connect(m_lockWatch.get(), &ZQLockWatch::willLock, this, &ZQScreenshotViewController::cancel, Qt::QueuedConnection);
+}
+
+bool ZQScreenshotViewController::eventFilter(QObject *object, QEvent *event)
+{
+    if (m_idleTimer.isActive() && dynamic_cast<QInputEvent *>(event)) {
+        m_idleTimer.start();
+    }
+    return QObject::eventFilter(object, event);
 }
 
 void ZQScreenshotViewController::giveKeyboardTo(ScreenshotView &view)
@@ -183,6 +208,8 @@ void ZQScreenshotViewController::grabKeyboard()
 void ZQScreenshotViewController::closeViews()
 {
     m_grabTimer.stop();
+    m_idleTimer.stop();
+    m_lockWatch.reset();
     if (m_keyView) {
         m_keyView->releaseKeyboard();
         m_keyView = nullptr;

@@ -8,15 +8,20 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <vector>
 
 class CaptureEffects;
 class PickableWindows;
+class ZQLockWatch;
 
 // A capture over all screens, in views that each cover one. An area is what was seen when the choice began; a window
 // and whole screens are as they are when they are taken. Where the desktop lets no program see the screen, the choice
 // is left to it. The keyboard is this session's until it has ended; so is the pointer's right button, which leaves.
+// A choice that is forgotten, or meets the desktop's lock, ends as if the person had left it: the desktop could not
+// lock as long as it has the keyboard.
 class ZQScreenshotViewController : public QObject,
                                    public ScreenshotSession,
                                    private ZQScreenshotAreaViewDelegate,
@@ -29,6 +34,11 @@ public:
 
     void begin(Kind kind) override;
     void cancel() override;
+
+    // How long a choice waits for the next key, click or move of the pointer. Of those that begin later.
+    void setIdleLimit(std::chrono::milliseconds limit) { m_idleTimer.setInterval(limit); }
+    static constexpr std::chrono::minutes usualIdleLimit{2};
+    bool eventFilter(QObject *object, QEvent *event) override; // of the views
 
     const std::vector<ScreenshotView *> &views() const { return m_views; } // while a person chooses
 
@@ -45,6 +55,7 @@ private:
     void captureWindow(quint32 number);
     void giveKeyboardTo(ScreenshotView &view);
     void grabKeyboard();
+    void limitTheChoice();
     void closeViews();
     QRect desktopPixels() const;
     ScreenSource::Taken answer(std::function<void(const QImage &image)> use); // for this session, while it lasts
@@ -58,5 +69,7 @@ private:
     PickableWindows *m_windows = nullptr;
     ScreenshotView *m_keyView = nullptr;
     QTimer m_grabTimer;
+    QTimer m_idleTimer;
+    std::unique_ptr<ZQLockWatch> m_lockWatch; // while the views are there
     bool m_hasEnded = false;
 };

@@ -375,8 +375,15 @@ void ZQScreenshotWebWindowController::save()
     const WebCaptureResult result = std::exchange(m_result, {});
     discard();
     m_loadedAddress.clear(); // what is chosen next captures nothing unasked
-    m_delegate.screenshotWebWindowController(result.file, result.pageURL, result.title);
-    m_note->setText(zqLocalized("Saved to Screenshots."));
+    const QString saving = zqLocalized("Saving to Screenshots…");
+    m_note->setText(saving);
+    m_delegate.screenshotWebWindowController(
+        result.file, result.pageURL, result.title, [self = QPointer(this), saving](const ZQError &error) {
+            if (self && self->m_note->text() == saving) { // else another page is there
+                self->m_note->setText(error.isNull() ? zqLocalized("Saved to Screenshots.")
+                                                     : error.localizedDescription());
+            }
+        });
     m_address->setFocus();
     m_address->selectAll();
 }

@@ -44,7 +44,50 @@ private:
     std::function<void()> m_lastBatch;
     std::atomic<bool> m_hasBegun = false;
 };
+
+// A capture that ends when a test says so.
+class SlowCapture : public ScreenCaptureControlling
+{
+public:
+    struct State
+    {
+        bool hasPlace = true;
+        bool isStoring = false;
+    };
+    explicit SlowCapture(const State &state) : m_state(state) {}
+    void loadView() override {}
+    void snapArea() override {}
+    void snapWindow() override {}
+    void snapFullScreen() override {}
+    void snapWebsite(const QString & /*pageURL*/, const QRect & /*frame*/) override {}
+    bool finishStoring() override { return m_state.hasPlace; }
+    bool isStoring() const override { return m_state.isStoring; }
+
+private:
+    const State &m_state;
+};
 } // namespace
+
+TEST_F(ApplicationTest, QuittingWaitsForWhatWasTakenAndIsCalledOffWhileItHasNoPlace)
+{
+    SlowCapture::State state{.hasPlace = false};
+    ApplicationParts parts = partsOfAll();
+    parts.makeZeltoKunViewController = [&state] { return std::make_unique<SlowCapture>(state); };
+    tamberin_AppDelegate delegate(parts);
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidFinishLaunching();
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminateReply::Cancel);
+    EXPECT_TRUE(user.questions.isEmpty());
+
+    state = {.isStoring = true};
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminateReply::Cancel); // the answer that changes least
+    EXPECT_EQ(user.questions.size(), 1);
+    user.answerQuestion = [&state](const UserQuestion & /*question*/) {
+        state.isStoring = false;
+        return 0;
+    };
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminateReply::Now);
+}
 
 TEST_F(ApplicationTest, AFolderBecomesAProjectAndAFileGoesToTheLibrary)
 {

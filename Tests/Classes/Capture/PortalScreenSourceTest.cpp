@@ -2,12 +2,17 @@
 #include "Tests/Classes/Capture/MockPortal.h"
 #include "Tests/Classes/Capture/XDesktop.h"
 
-#include <QCoreApplication>
 #include <QDBusArgument>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QUrl>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -48,13 +53,29 @@ protected:
 
 TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPassedOn)
 {
-    QTemporaryDir pictures(QCoreApplication::applicationDirPath() + QStringLiteral("/pictures-XXXXXX"));
+    const QString temporary = QDir::tempPath() + QStringLiteral("/zelto-portal-%1-").arg(::getpid());
+    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+    const auto cleared = qScopeGuard([&] {
+        qputenv("XDG_RUNTIME_DIR", runtime);
+        for (const char *name : {"one.png", "link.png", "twice.png"}) {
+            QFile::remove(temporary + QLatin1StringView(name));
+        }
+    });
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder.path()));
+    ASSERT_TRUE(QDir(folder.path()).mkpath(QStringLiteral("doc/4f3a")));
+    const QString own = folder.filePath(QStringLiteral("own.png"));
+    ASSERT_TRUE(QImage(40, 30, QImage::Format_RGB32).save(own));
+    ASSERT_TRUE(QFile::link(own, temporary + QStringLiteral("link.png")));
+    ASSERT_EQ(::link(QFile::encodeName(own).constData(), QFile::encodeName(temporary + "twice.png").constData()), 0);
     const struct
     {
         QString path;
         bool stays;
-    } cases[] = {{folder.filePath(QStringLiteral("shot.png")), false},
-                 {pictures.filePath(QStringLiteral("Screenshot.png")), true}};
+    } cases[] = {{temporary + QStringLiteral("one.png"), false},
+                 {temporary + QStringLiteral("link.png"), true},
+                 {temporary + QStringLiteral("twice.png"), true}, // a person's file has another name there
+                 {folder.filePath(QStringLiteral("shot.png")), true},
+                 {folder.filePath(QStringLiteral("doc/4f3a/person.png")), true}};
     MockPortal portal;
     const int limit = QImageReader::allocationLimit();
     for (const auto &each : cases) {
@@ -70,6 +91,7 @@ TEST_F(PortalScreenSourceTest, ReadsThePictureAndClearsItAwayOnlyWhereItWasPasse
         EXPECT_EQ(QFileInfo::exists(each.path), each.stays) << each.path.toStdString();
         EXPECT_EQ(QImageReader::allocationLimit(), limit) << "other readers of the process have it too";
     }
+    EXPECT_TRUE(QFileInfo::exists(own));
     portal.answer = [&](const QString & /*method*/, const QVariantList &arguments) {
         EXPECT_TRUE(qdbus_cast<QVariantMap>(arguments.last()).value(QStringLiteral("interactive")).toBool());
         return pictureAt(cases[0].path);
@@ -86,6 +108,13 @@ TEST_F(PortalScreenSourceTest, SaysWhyThereIsNoPicture)
     takeAll(); // nobody has the name
     EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("xdg-desktop-portal")));
 
+    const QString pipe = folder.filePath(QStringLiteral("pipe.png"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const QString vector = folder.filePath(QStringLiteral("vector.png"));
+    QFile file(vector);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>");
+    file.close();
     MockPortal portal;
     const struct
     {
@@ -97,6 +126,8 @@ TEST_F(PortalScreenSourceTest, SaysWhyThereIsNoPicture)
         {{0, {}}, true},
         {{0, {{QStringLiteral("uri"), QStringLiteral("https://example.org/a.png")}}}, true},
         {{0, {{QStringLiteral("uri"), QStringLiteral("file:///nonexistent.png")}}}, true},
+        {{0, {{QStringLiteral("uri"), QUrl::fromLocalFile(pipe).toString()}}}, true}, // nobody writes into it
+        {{0, {{QStringLiteral("uri"), QUrl::fromLocalFile(vector).toString()}}}, true},
     };
     for (const auto &each : cases) {
         portal.answer = [&each](const QString & /*method*/, const QVariantList & /*arguments*/) { return each.answer; };

@@ -1,4 +1,6 @@
+#include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Capture/PendingCaptures.h"
 #include "Classes/Capture/ZeltoKunViewController.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -10,10 +12,13 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QSet>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <future>
+#include <thread>
 
 namespace {
 
@@ -220,7 +225,8 @@ TEST_F(StoringTest, LosesNoPictureThatTheLibraryDoesNotTake)
     user.answerQuestion = [&](const UserQuestion &question) {
         remember();
         EXPECT_FALSE(left.isEmpty());
-        EXPECT_EQ(question.buttons, (QStringList{QStringLiteral("Try Again"), QStringLiteral("Discard")}));
+        EXPECT_EQ(question.buttons, (QStringList{QStringLiteral("Try Again"), QStringLiteral("Discard"),
+                                                 QStringLiteral("Keep in Pictures")}));
         return 1;
     };
     take(picture(Qt::red), QStringLiteral("Painter"));
@@ -242,6 +248,122 @@ TEST_F(StoringTest, LosesNoPictureThatTheLibraryDoesNotTake)
     EXPECT_EQ(last.items, QStringList{screenshots().first()->bundleID()});
     remember();
     EXPECT_TRUE(left.isEmpty());
+}
+
+// Esc, a question that is dismissed, and quitting while it is asked.
+TEST_F(StoringTest, KeepsAmongThePersonsPicturesWhatNobodyDecidedAbout)
+{
+    const QByteArray usual = qgetenv("TMPDIR");
+    const QByteArray home = qgetenv("HOME");
+    const auto restored = qScopeGuard([&] {
+        qputenv("TMPDIR", usual);
+        qputenv("HOME", home);
+    });
+    qputenv("HOME", QFile::encodeName(path(QStringLiteral("home"))));
+    qputenv("TMPDIR", QFile::encodeName(writeFile(QStringLiteral("no folder"), "x")));
+    const QDir pictures(path(QStringLiteral("home/Pictures")));
+    const bool isQuitting[] = {false, true};
+    for (const bool quits : isQuitting) {
+        user.answerQuestion = [&](const UserQuestion &question) {
+            EXPECT_TRUE(capture->isStoring());
+            EXPECT_EQ(pictures.entryList(QDir::Files).size(), outcomes.size());
+            if (quits) {
+                EXPECT_TRUE(capture->finishStoring());
+                EXPECT_TRUE(question.withdrawal->isWithdrawn());
+                EXPECT_EQ(outcomes.size(), 2);
+                return 1; // too late
+            }
+            return int(question.buttons.size()) - 1;
+        };
+        take(picture(Qt::red), QStringLiteral("Painter"));
+        waitForOutcomes(quits ? 2 : 1);
+        EXPECT_EQ(last.error.code, CaptureStore::Kept);
+        EXPECT_FALSE(capture->isStoring());
+    }
+    const QStringList kept = pictures.entryList(QDir::Files);
+    ASSERT_EQ(kept.size(), 2);
+    for (const QString &name : kept) {
+        EXPECT_EQ(QImage(pictures.filePath(name)).pixelColor(7, 5), QColor(1, 2, 3));
+    }
+    EXPECT_TRUE(PendingCaptures::left(delegate->libraryBundleDirectory()).isEmpty());
+}
+
+TEST_F(StoringTest, HoldsWhatHasNoPlaceAndDoesNotQuitMeanwhile)
+{
+    const QByteArray usual = qgetenv("TMPDIR");
+    const QByteArray home = qgetenv("HOME");
+    const auto restored = qScopeGuard([&] {
+        qputenv("TMPDIR", usual);
+        qputenv("HOME", home);
+    });
+    const QByteArray nowhere = QFile::encodeName(writeFile(QStringLiteral("no folder"), "x"));
+    qputenv("HOME", nowhere);
+    qputenv("TMPDIR", nowhere);
+    const QString pending = delegate->libraryBundleDirectory() + QStringLiteral("/pending-captures");
+    QFile inTheWay(pending);
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    waitForOutcomes(1);
+    EXPECT_EQ(last.error.code, CaptureStore::Held);
+    EXPECT_FALSE(capture->finishStoring());
+    user.answerQuestion = [&](const UserQuestion & /*question*/) {
+        qputenv("TMPDIR", usual);
+        return 0; // try again
+    };
+    EXPECT_TRUE(capture->finishStoring());
+    zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+    EXPECT_EQ(screenshots().size(), 1);
+}
+
+TEST_F(StoringTest, TakesUpOnceWhatAKilledProcessLeft)
+{
+    const QString bundle = delegate->libraryBundleDirectory();
+    const QString left = PendingCaptures::newPath(bundle, QStringLiteral("Painter Mar 05 14.07.31.png"));
+    ASSERT_TRUE(picture(Qt::red).save(left));
+    capture->loadView();
+    capture->finishStoring();
+    zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+    ASSERT_EQ(screenshots().size(), 1);
+    EXPECT_EQ(screenshots().first()->title(), QStringLiteral("Painter Mar 05 14.07.31"));
+    EXPECT_TRUE(PendingCaptures::left(bundle).isEmpty());
+}
+
+TEST_F(StoringTest, OutlivesAProcessThatIsKilledBeforeItsImportIsNoted)
+{
+    const QString bundle = delegate->libraryBundleDirectory();
+    take(picture(Qt::red), QStringLiteral("Painter"));
+    // Nothing of the main thread runs meanwhile, as in a process that ends here.
+    const auto isThere = [&bundle] {
+        return QDirIterator(bundle + QStringLiteral("/pending-captures"), {QStringLiteral("*.png")}, QDir::Files,
+                            QDirIterator::Subdirectories)
+            .hasNext();
+    };
+    while (!isThere()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    ASSERT_EQ(PendingCaptures::left(bundle).size(), 1);
+    EXPECT_EQ(QImage(PendingCaptures::left(bundle).first()).pixelColor(7, 5), QColor(1, 2, 3));
+    waitForOutcomes(1);
+    EXPECT_TRUE(PendingCaptures::left(bundle).isEmpty());
+    EXPECT_EQ(screenshots().size(), 1);
+}
+
+TEST(PendingCapturesTest, RemovesNothingThatLiesElsewhere)
+{
+    const QTemporaryDir bundle;
+    const QString mine = bundle.filePath(QStringLiteral("mine.png"));
+    const QString pending = PendingCaptures::newPath(bundle.path(), QStringLiteral("a.png"));
+    for (const QString &path : {mine, pending}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    PendingCaptures::remove(bundle.path(), mine);
+    PendingCaptures::remove({}, pending);
+    PendingCaptures::remove(bundle.path(), {});
+    EXPECT_TRUE(QFile::exists(mine));
+    EXPECT_TRUE(QFile::exists(pending));
+    PendingCaptures::remove(bundle.path(), pending);
+    EXPECT_FALSE(QFileInfo::exists(QFileInfo(pending).path()));
 }
 
 TEST_F(StoringTest, KeepsTheSamePictureAgainUnasked)

@@ -10,6 +10,10 @@
 #include <QFileInfo>
 #include <QImage>
 
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -45,6 +49,27 @@ protected:
     UserWorld world{"templates"};
     QString directory = world.filePath(QStringLiteral("Templates"));
 };
+
+TEST_F(TemplatesTest, CopiesThatWereCutOffLongAgoGoWhenTheFolderIsListed)
+{
+    const struct
+    {
+        const char *name;
+        int hours; // since it was made
+        bool stays;
+    } cases[] = {{".copying-AbCdEf", 25, false}, {".copying-GhIjKl", 23, true}, {".copying-of-mine", 25, true}};
+    for (const auto &each : cases) {
+        const QString folder = directory + u'/' + QString::fromLatin1(each.name);
+        made(folder + QStringLiteral("/copy"), "half");
+        const timespec then{::time(nullptr) - each.hours * 3600, 0};
+        const timespec times[2] = {then, then};
+        ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(folder).constData(), times, 0), 0);
+    }
+    EXPECT_TRUE(TemplateFolder::paths(directory).isEmpty());
+    for (const auto &each : cases) {
+        EXPECT_EQ(entries().contains(QString::fromLatin1(each.name)), each.stays) << each.name;
+    }
+}
 
 TEST_F(TemplatesTest, OneMovesInUnderItsNameAndNeverOverAnother)
 {

@@ -5,6 +5,7 @@
 #include "Tests/Classes/Interface/FakeScreenSource.h"
 
 #include <QCoreApplication>
+#include <QWidget>
 #include <QtTest/QTest>
 
 #include <gtest/gtest.h>
@@ -129,6 +130,20 @@ TEST_F(ScreenshotTest, AnAreaIsThePixelsFromWhereTheDragBeganToWhereItEnded)
         EXPECT_TRUE(isTaken(each.pixels)) << each.scale;
         EXPECT_EQ(taken.value(0).devicePixelRatio(), each.scale);
         EXPECT_EQ(told.join(u' '), QStringLiteral("sound flash Screenshot"));
+    }
+}
+
+TEST_F(ScreenshotTest, AForgottenChoiceEndsByItself)
+{
+    for (const auto kind : {ScreenshotSession::Kind::Area, ScreenshotSession::Kind::Window}) {
+        told.clear();
+        session = std::make_unique<ZQScreenshotViewController>(source, *this, effects);
+        session->setIdleLimit(std::chrono::milliseconds(1));
+        session->begin(kind);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !told.isEmpty(); }));
+        EXPECT_EQ(told.join(u' '), QStringLiteral("left"));
+        EXPECT_FALSE(session);
+        EXPECT_FALSE(QWidget::keyboardGrabber());
     }
 }
 

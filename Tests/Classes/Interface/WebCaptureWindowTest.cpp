@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -11,7 +13,8 @@ class NobodyWaiting : public WebCaptureDelegate
 {
 public:
     void screenshotWebWindowController(const QString & /*didTakeFile*/, const QString & /*forPageURL*/,
-                                       const QString & /*andPageTitle*/) override
+                                       const QString & /*andPageTitle*/,
+                                       std::function<void(const ZQError &error)> /*didStore*/) override
     {
     }
 };

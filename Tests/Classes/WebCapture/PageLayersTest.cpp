@@ -1,11 +1,15 @@
 // Which elements of a page are a layer together, in which order and under which names; and which addresses are pages.
 
 #include "Classes/Capture/PageLayers.h"
+#include "Classes/Capture/WebCaptureErrors.h"
 #include "Classes/Capture/WebCaptureRequest.h"
+#include "Kit/Foundation/ZQCancellation.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSet>
+
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -174,10 +178,50 @@ TEST(PageLayersTest, SnapshotsThatDoNotFitTogetherAreReadAsFarAsTheyDo)
     const QJsonObject document{{QStringLiteral("nodes"), nodes}, {QStringLiteral("layout"), layout}};
     for (const QJsonObject &answer :
          {QJsonObject(), QJsonObject{{QStringLiteral("documents"), QJsonArray{document}}}}) {
-        const auto read = PageSnapshot::nodes(answer);
+        const auto read = PageSnapshot::nodes(answer).value_or(QList<Node>(4));
         EXPECT_LE(read.size(), 3);
         EXPECT_TRUE(PageLayers::divide(read, page).layers.isEmpty());
     }
+}
+
+TEST(PageLayersTest, APageTooLargeAndACancelledOneAreRefused)
+{
+    const auto answerOf = [](qsizetype count) {
+        QJsonArray parents;
+        for (qsizetype i = 0; i < count; ++i) {
+            parents.append(i - 1);
+        }
+        const QJsonObject nodes{{QStringLiteral("parentIndex"), parents}};
+        return QJsonObject{{QStringLiteral("documents"), QJsonArray{QJsonObject{{QStringLiteral("nodes"), nodes}}}}};
+    };
+    ZQError error;
+    EXPECT_FALSE(PageSnapshot::nodes(answerOf(PageSnapshot::mostNodes + 1), &error));
+    EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("as a picture")));
+    EXPECT_EQ(PageSnapshot::nodes(answerOf(3))->size(), 3);
+
+    Page made;
+    made.add(1, "div", red);
+    const auto cancellation = std::make_shared<ZQCancellation>();
+    const ZQCancellation::Scope scope(cancellation);
+    EXPECT_EQ(made.names().size(), 1);
+    cancellation->cancel();
+    EXPECT_EQ(made.names().size(), 0);
+    EXPECT_FALSE(PageSnapshot::nodes(answerOf(3), &error));
+    EXPECT_EQ(error.code, WebCaptureErrors::Cancelled);
+}
+
+// As fast as a flat one: climbing from each to the root would take longer than anybody waits.
+TEST(PageLayersTest, APageThatIsAsDeepAsItIsLargeIsDivided)
+{
+    Page made;
+    made.nodes.reserve(PageSnapshot::mostNodes);
+    for (int last = 1; made.nodes.size() < PageSnapshot::mostNodes;) {
+        last = made.add(last, "div", red, made.nodes.size() % 2 ? QRectF(10, 10, 100, 50) : QRectF(-900, 10, 9, 9));
+    }
+    const auto division = PageLayers::divide(made.nodes, page, 1);
+    ASSERT_EQ(division.layers.size(), 1);
+    EXPECT_EQ(division.joined, PageSnapshot::mostNodes / 2 - 2);
+    EXPECT_EQ(division.layers[0].marks.size() + division.ground.size(), PageSnapshot::mostNodes / 2 + 1);
 }
 
 TEST(WebCaptureRequestTest, CompletesAddressesAndTakesOnlyPages)

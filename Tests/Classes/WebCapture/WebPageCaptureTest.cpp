@@ -276,6 +276,23 @@ TEST_F(WebPageCaptureTest, ABrowserThatIsMissingOrEndsIsAnError)
     EXPECT_EQ(capture(request).error.code, WebCaptureErrors::BrowserEnded);
 }
 
+TEST_F(WebPageCaptureTest, ABrowserThatDiedTakesNoCommandAndNobodyWithIt)
+{
+    const QString path = world.filePath(QStringLiteral("gone"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.write("#!/bin/sh\nexit 3\n");
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    file.close();
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(path, ChromiumBrowser::programKey);
+    const auto browser = ChromiumBrowser::start();
+    ASSERT_TRUE(browser);
+    constexpr qsizetype moreThanIsHeldBack = qsizetype(8) << 20;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    EXPECT_EQ(browser->pipe().send(QByteArray(moreThanIsHeldBack, ' '), end), DevToolsPipe::Outcome::Closed);
+    EXPECT_EQ(browser->pipe().send("{}", end), DevToolsPipe::Outcome::Closed);
+}
+
 TEST_F(WebPageCaptureTest, APageThatAPageAskedForLeadsNowhereInside)
 {
     const QString browser = world.filePath(QStringLiteral("resolves"));
