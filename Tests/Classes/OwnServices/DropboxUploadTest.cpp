@@ -237,4 +237,29 @@ TEST_F(DropboxUploadTest, EndlessWrongOffsetsEndAndACancelledUploadTellsNobody)
     EXPECT_FALSE(error);
 }
 
+TEST_F(DropboxUploadTest, CancelledFromAnyThreadAtAnyStepItEndsAndTellsNobody)
+{
+    const std::pair<QString, Answer> steps[] = {
+        {QStringLiteral("/oauth2/token"), json(tokens)},
+        {QStringLiteral("/2/files/create_folder_v2"), made},
+        {QStringLiteral("/2/files/upload"), json(R"({"path_display": "/ID/x.png"})")},
+        {share, json(R"({"url": "https://www.dropbox.com/x"})")},
+    };
+    for (const auto &[step, answer] : steps) {
+        session.forgetAccessToken();
+        const auto adapter = make();
+        server.setHandler(step, [adapter, given = answer](const Request &) {
+            adapter->cancel();
+            return given;
+        });
+        run(adapter);
+        EXPECT_TRUE(adapter->isFinished());
+        EXPECT_FALSE(error) << step.toStdString() << problem();
+        EXPECT_TRUE(link.isEmpty()) << step.toStdString();
+        server.setAnswer(step, answer);
+    }
+    run(make());
+    EXPECT_FALSE(link.isEmpty()) << problem();
+}
+
 } // namespace
