@@ -27,6 +27,7 @@ namespace {
 
 constexpr std::chrono::milliseconds longTime{1500};
 constexpr std::chrono::milliseconds shortTime{1200};
+constexpr qint64 timeBetweenSynchronizing = 1000; // ms
 
 UserInteraction *person()
 {
@@ -280,6 +281,7 @@ bool CloudUploader::endAll(const std::function<void(CloudUploadResult &result)> 
     const QHash<CloudAdapter *, Upload> ended = std::exchange(m_uploads, {});
     m_queue.cancelAllOperations();
     post(didFinish);
+    synchronizeNowAndThen(true);
     QSet<Batch *> told;
     bool isForPerson = false;
     for (const Upload &upload : ended) {
@@ -332,11 +334,21 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
         post(didFinish);
     }
     LatestUploads::add({url, adapter.fileToUploadName(), QDateTime::currentDateTime()});
+    synchronizeNowAndThen(m_uploads.isEmpty());
     if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate()) {
         delegate->updateCloudMenu();
     }
     if (--batch->left == 0 && batch->ended) {
         batch->ended(batch->result);
+    }
+}
+
+// A disk may take longer to be sure of the list than the file to be uploaded.
+void CloudUploader::synchronizeNowAndThen(bool isLast)
+{
+    if (isLast || !m_synchronized.isValid() || m_synchronized.hasExpired(timeBetweenSynchronizing)) {
+        LatestUploads::synchronize();
+        m_synchronized.start();
     }
 }
 

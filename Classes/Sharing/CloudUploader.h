@@ -6,6 +6,7 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -102,6 +103,7 @@ private:
     void adapterDidFinish(CloudAdapter *adapter);
     bool endAll(const std::function<void(CloudUploadResult &result)> &note); // whether the person is to be told
     void didUploadLast(const QString &url);
+    void synchronizeNowAndThen(bool isLast);
     void fail(const ZQError &error);
 
     QHash<CloudAdapter *, Upload> m_uploads; // that have not ended
@@ -112,6 +114,7 @@ private:
     ZQOperation::Token m_exportObserver;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;
+    QElapsedTimer m_synchronized;                                         // since the list of uploads was
     const std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true); // for what comes later
     ZQOperationQueue m_queue{QStringLiteral("Uploads"), 1};
 };

@@ -34,9 +34,12 @@ void LatestUploads::add(const LatestUpload &upload)
             entries.append(QVariantMap{{urlKey, each.url}, {filenameKey, each.filename}, {dateKey, each.date}});
         }
     }
-    ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    defaults.setObjectForKey(entries, storageKey);
-    if (ZQError error; !defaults.synchronize(&error)) {
+    ZQUserDefaults::standardUserDefaults().setObjectForKey(entries, storageKey);
+}
+
+void LatestUploads::synchronize()
+{
+    if (ZQError error; !ZQUserDefaults::standardUserDefaults().synchronize(&error)) {
         qCWarning(zqLogApplication).noquote()
             << "The latest uploads could not be kept:" << error.localizedDescription();
     }

@@ -21,5 +21,6 @@ constexpr qsizetype most = 10;
 
 QList<LatestUpload> all(); // entries that are none are left out
 void add(const LatestUpload &upload);
+void synchronize(); // waits for the disk
 
 } // namespace LatestUploads
