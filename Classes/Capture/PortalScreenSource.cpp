@@ -1,6 +1,7 @@
 #include "Classes/Capture/PortalScreenSource.h"
 
 #include "Classes/Capture/PortalPicture.h"
+#include "Kit/Foundation/ZQLocalized.h"
 
 #include <QGuiApplication>
 #include <QScreen>
