@@ -2,13 +2,14 @@
 
 #include "Classes/Capture/WebCaptureErrors.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QRegularExpression>
 #include <QUrl>
 
 namespace {
 
-constexpr qsizetype longestAddress = 8000;
+constexpr qsizetype longestAddress = 8192; // as of those that arrive from browsers
 
 QString refuse(const QString &description, ZQError *error)
 {
@@ -23,12 +24,6 @@ bool hasScheme(const QString &text)
     return scheme.match(text).hasMatch();
 }
 
-bool isThisMachine(const QString &host)
-{
-    return host == QStringLiteral("localhost") || host.endsWith(QStringLiteral(".localhost")) ||
-           host.startsWith(QStringLiteral("127.")) || host == QStringLiteral("::1");
-}
-
 QString completed(const QString &text)
 {
     if (hasScheme(text)) {
@@ -36,7 +31,8 @@ QString completed(const QString &text)
     }
     // Servers on this machine have no certificate.
     const QString host = QUrl(QStringLiteral("https://") + text).host();
-    return (isThisMachine(host) ? QStringLiteral("http://") : QStringLiteral("https://")) + text;
+    const bool isThisMachine = zqReachOfHostName(host) == ZQAddressReach::Machine;
+    return (isThisMachine ? QStringLiteral("http://") : QStringLiteral("https://")) + text;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "Classes/Interface/Capture/StatusIcon.h"
 #include "Classes/Interface/Capture/ZQScreenshotViewController.h"
 #include "Classes/Interface/Capture/ZQScreenshotWebWindowController.h"
+#include "Kit/Foundation/ZQLocalized.h"
 
 #include <utility>
 
@@ -34,6 +35,9 @@ void CaptureViews::screenshotWebWindowController(const QString &didTakeFile, con
     if (auto *const controller =
             delegate ? dynamic_cast<WebCaptureDelegate *>(delegate->zeltoKunViewController()) : nullptr) {
         controller->screenshotWebWindowController(didTakeFile, forPageURL, andPageTitle, std::move(didStore));
+    } else if (didStore) {
+        didStore(ZQError::with(QStringLiteral("Screenshot"), 1,
+                               zqLocalized("Zelto is quitting, and takes nothing into the library any more.")));
     }
 }
 

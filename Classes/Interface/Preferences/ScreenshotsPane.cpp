@@ -67,6 +67,7 @@ void ScreenshotsPane::addKeys()
     column()->addSpacing(6);
     column()->addLayout(grid);
     const char *const names[] = {"&Area", "&Window", "Whole scr&een", "Show &Zelto"};
+    static_assert(std::size(names) == std::size(CaptureActions::hotKeys));
     for (std::size_t i = 0; i < std::size(CaptureActions::hotKeys); ++i) {
         m_rows.append(addRow(grid, QLatin1StringView(CaptureActions::hotKeys[i]), zqLocalized(names[i])));
     }
