@@ -230,7 +230,7 @@ TEST_F(CloudButtonTest, TheMenuCancelsChoosesTheServiceAndLeadsToItsAccounts)
     EXPECT_FALSE(entry(QStringLiteral("Sharing")));
     button().click();
     upload(0).succeed(first);
-    upload(1);
+    upload(1).sent(0.1);
     ASSERT_TRUE(waitFor([this] { return entry(QStringLiteral("Sharing 2 of 2…")) != nullptr; }));
     EXPECT_TRUE(entry(service->uploads.first()->fileToUploadName() + u'\t')) << "what is up already is listed";
     entry(QStringLiteral("Sharing"))->trigger();

@@ -47,6 +47,7 @@ protected:
     }
     void TearDown() override
     {
+        token.reset();
         pane.reset();
         QCoreApplication::processEvents(); // what is still told
         SecretStore::setShared(nullptr);
