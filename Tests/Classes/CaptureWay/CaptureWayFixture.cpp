@@ -11,6 +11,7 @@
 #include "Models/DataModel/ZQProjectItem.h"
 
 #include <QApplication>
+#include <QColorSpace>
 #include <QPainter>
 #include <QProcess>
 #include <QWindow>
@@ -193,6 +194,7 @@ QImage CaptureWayFixture::plain(QImage image)
     image.setDevicePixelRatio(1);
     image.setDotsPerMeterX(0);
     image.setDotsPerMeterY(0);
+    image.setColorSpace({}); // that of the screen, which a file may say
     return image.convertToFormat(QImage::Format_RGB32);
 }
 
