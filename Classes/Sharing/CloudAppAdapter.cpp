@@ -3,6 +3,7 @@
 #include "Classes/Sharing/CloudAppAccount.h"
 #include "Classes/Sharing/SecretStore.h"
 #include "Classes/Sharing/ServiceAddress.h"
+#include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQMultipartForm.h"
 
@@ -42,7 +43,7 @@ void CloudAppAdapter::begin()
     ZQError noHost;
     const std::optional<QUrl> host = CloudAppAccount::APIHost(&noHost);
     if (!host) {
-        uploadFailed(noHost);
+        uploadFailed(UploadProblem::of(noHost));
         return;
     }
     m_host = *host;
@@ -52,7 +53,7 @@ void CloudAppAdapter::begin()
             return;
         }
         if (!password) {
-            uploadFailed(error);
+            uploadFailed(UploadProblem::of(error));
             return;
         }
         m_password = ZQSecret(*password);
@@ -110,7 +111,7 @@ void CloudAppAdapter::sendFile(const QUrl &storage, const QVariantMap &parameter
     }
     ZQError error;
     if (!form.addFile(QStringLiteral("file"), fileToUploadURL(), &error)) {
-        uploadFailed(error);
+        uploadFailed(UploadProblem::of(error));
         return;
     }
     ZQHTTPRequest post = request(storage);

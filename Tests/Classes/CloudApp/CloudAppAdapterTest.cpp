@@ -168,7 +168,8 @@ TEST_F(CloudAppAdapterTest, WhatGoesWrongWithARequestIsItsError)
     }
     run(make(QStringLiteral("none.png")));
     ASSERT_TRUE(recorder.error);
-    EXPECT_FALSE(recorder.error->isNull()) << "a file that is gone";
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain)
+        << "a file that is gone is told of in its own words";
 }
 
 TEST_F(CloudAppAdapterTest, WithoutItsPasswordNothingIsAsked)
@@ -176,12 +177,14 @@ TEST_F(CloudAppAdapterTest, WithoutItsPasswordNothingIsAsked)
     secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
     run(make());
     ASSERT_TRUE(recorder.error);
-    EXPECT_EQ(recorder.error->code, int(SecretStore::Denied));
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("locked")));
     EXPECT_TRUE(api.requests().isEmpty());
     ZQUserDefaults::standardUserDefaults().setObjectForKey(QStringLiteral("http://example.org"),
                                                            CloudAppAccount::APIHostKey);
     EXPECT_TRUE(service.isReady()) << "another service must not get the file";
     run(make());
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
     EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("https")));
 }
 

@@ -1,9 +1,12 @@
 #include "Classes/Application/Quit.h"
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Sharing/CloudAppAccount.h"
+#include "Classes/Sharing/CloudAppService.h"
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Tests/Classes/Sharing/SharingFixture.h"
+#include "Tests/Support/MemorySecretStore.h"
 
 #include <future>
 #include <optional>
@@ -106,6 +109,20 @@ TEST_F(CloudUploaderTest, TheFirstFailureEndsTheBatchAndSaysWhy)
         EXPECT_EQ(latest().first(), link("p1")) << "what was uploaded stays";
     }
     EXPECT_TRUE(pasteboard.isEmpty());
+}
+
+TEST_F(CloudUploaderTest, APasswordThatCannotBeReadIsSaidToThePerson)
+{
+    auto secrets = std::make_unique<MemorySecretStore>();
+    secrets->entries = {{CloudAppAccount::service, QStringLiteral("me@example.org"), "secret"}};
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("Unlock it."));
+    SecretStore::setShared(std::move(secrets));
+    CloudServices::sharedCloudServices().setServices({std::make_shared<CloudAppService>()});
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    waitForUploads();
+    SecretStore::setShared(nullptr);
+    EXPECT_EQ(alerts(), QStringList(QStringLiteral("Unlock it.")));
 }
 
 TEST_F(CloudUploaderTest, AnAnswerWithoutALinkIsAFailure)
