@@ -221,6 +221,71 @@ TEST_F(CloudUploaderTest, WhatAnExportWroteIsUploadedWhenItsOwnExportEnds)
     EXPECT_EQ(service->started().size(), 2);
 }
 
+TEST_F(CloudUploaderTest, SeveralExportsAreEachUploadedWhenTheyEnd)
+{
+    const QList<ZQObjectID> ids = importImages(1);
+    std::promise<void> gate;
+    delegate->backgroundOperationQueue().addOperationWithBlock([&gate] { gate.get_future().wait(); });
+    QStringList folders;
+    std::shared_ptr<ExportOperation> latest;
+    for (int i = 0; i < 2; ++i) {
+        folders.append(TemporaryArea::newFolder());
+        const ExportRequest request{.items = ids, .destinationURL = folders.last()};
+        latest = ExportManager::sharedExportManager().exportItems(request);
+        uploader.setFileToUploadAfterExport(ExportManager::filenamesForItems(request));
+    }
+    EXPECT_EQ(uploader.fileToUploadAfterExport().size(), 2);
+    gate.set_value();
+    zqRunMainLoopUntil([&] { return latest->isFinished() && uploader.fileToUploadAfterExport().isEmpty(); });
+    waitForUploads();
+    EXPECT_EQ(service->started(), QStringList(2, QStringLiteral("p1")));
+    EXPECT_EQ(pasteboard.size(), 2) << "each ends by itself";
+    EXPECT_FALSE(QFileInfo::exists(folders[0]) || QFileInfo::exists(folders[1]));
+
+    std::promise<void> second;
+    delegate->backgroundOperationQueue().addOperationWithBlock([&second] { second.get_future().wait(); });
+    const ExportRequest unwanted{.items = ids, .destinationURL = TemporaryArea::newFolder()};
+    latest = ExportManager::sharedExportManager().exportItems(unwanted);
+    uploader.setFileToUploadAfterExport(ExportManager::filenamesForItems(unwanted));
+    uploader.cancelUploadExportedItems();
+    EXPECT_TRUE(QFileInfo::exists(unwanted.destinationURL)) << "the export writes into it";
+    second.set_value();
+    latest->waitUntilFinished();
+    zqRunMainLoopUntil([&] { return !QFileInfo::exists(unwanted.destinationURL); });
+    EXPECT_EQ(service->started().size(), 2);
+}
+
+TEST_F(CloudUploaderTest, BatchesFollowOneAnotherAndEndEachForItself)
+{
+    std::shared_ptr<CloudAdapter> held;
+    service->script = [&held](FakeAdapter &adapter) {
+        if (adapter.fileToUploadName() == QStringLiteral("p1")) {
+            held = std::static_pointer_cast<CloudAdapter>(adapter.shared_from_this());
+        } else {
+            adapter.succeed();
+        }
+    };
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    zqRunMainLoopUntil([this] { return !service->started().isEmpty(); });
+    const QStringList paths = temporaryFiles(1);
+    QList<CloudUploadResult> results;
+    const auto take = [&results](const CloudUploadResult &ended) { results.append(ended); };
+    const quint64 given = uploader.upload({{paths[0], QStringLiteral("given")}}, *service, take);
+    const quint64 dropped = uploader.upload({{paths[0], QStringLiteral("dropped")}}, *service, take);
+    EXPECT_NE(given, dropped);
+    uploader.cancelUpload(dropped);
+    ASSERT_EQ(results.size(), 1);
+    EXPECT_TRUE(results[0].isCancelled);
+    EXPECT_EQ(told, QStringList(QStringLiteral("DidStart 1"))) << "the person's goes on";
+    std::static_pointer_cast<FakeAdapter>(held)->succeed();
+    waitForUploads();
+    EXPECT_EQ(service->started(), QStringList({QStringLiteral("p1"), QStringLiteral("given")}));
+    EXPECT_EQ(pasteboard, QStringList(link("p1"))) << "whatever waits behind it";
+    ASSERT_EQ(results.size(), 2);
+    EXPECT_EQ(results[1].links.size(), 1);
+}
+
 TEST_F(CloudUploaderTest, OnlyWhatLiesInTheTemporaryAreaIsRemovedAfterAnUpload)
 {
     const QString mine = writeImage(QStringLiteral("out/t.mine/picture.png"), {4, 4});
