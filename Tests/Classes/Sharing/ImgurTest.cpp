@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
 #include <thread>
 
@@ -189,6 +190,17 @@ TEST_F(ImgurTest, AServerThatMisbehavesEndsTheUploadAndNothingElse)
     add(path, QStringLiteral("a"));
     wait();
     EXPECT_EQ(heard.urls.size(), 1);
+
+    std::atomic<int> asked = 0;
+    server.setHandler(target, [&](const LocalHTTPServer::Request &) {
+        return asked++ == 0 ? Answer{.status = 429, .headers = {{"Retry-After", "1"}}}
+                            : Answer::with("application/json", link);
+    });
+    heard = {};
+    add(path, QStringLiteral("a"));
+    wait();
+    EXPECT_EQ(heard.urls.size(), 1) << "it said when to come back";
+    EXPECT_EQ(asked, 2);
 }
 
 TEST_F(ImgurTest, FilesThatCannotGoAreRefusedBeforeAnythingIsSent)
