@@ -298,7 +298,9 @@ void CloudUploader::exportsDidEnd()
 void CloudUploader::uploadExportedItems()
 {
     for (const auto &waiting : QList(m_waitingExports)) {
-        uploadExported(waiting);
+        if (!waiting->isUnderWay()) {
+            uploadExported(waiting);
+        }
     }
 }
 

@@ -60,7 +60,7 @@ public:
     // The files that an export is about to write. Once that has ended, those that are there are uploaded; several may
     // be waited for, each for its own. What lies in the temporary area is removed after the last of them.
     void setFileToUploadAfterExport(const QStringList &paths);
-    void uploadExportedItems(); // of all, ended or not
+    void uploadExportedItems(); // but what an export still writes
     void cancelUploadExportedItems();
     QStringList fileToUploadAfterExport() const;
 

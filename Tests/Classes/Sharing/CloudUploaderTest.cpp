@@ -234,7 +234,8 @@ TEST_F(CloudUploaderTest, SeveralExportsAreEachUploadedWhenTheyEnd)
         latest = ExportManager::sharedExportManager().exportItems(request);
         uploader.setFileToUploadAfterExport(ExportManager::filenamesForItems(request));
     }
-    EXPECT_EQ(uploader.fileToUploadAfterExport().size(), 2);
+    uploader.uploadExportedItems();
+    EXPECT_EQ(uploader.fileToUploadAfterExport().size(), 2) << "they are not written yet";
     gate.set_value();
     zqRunMainLoopUntil([&] { return latest->isFinished() && uploader.fileToUploadAfterExport().isEmpty(); });
     waitForUploads();
