@@ -94,7 +94,8 @@ bool ShareJob::upload(const QList<CloudFile> &files)
         *result = what;
         *isUploading = false;
     };
-    if (!CloudUploader::sharedCloudUploader().upload(files, *m_service, ended)) {
+    m_upload = CloudUploader::sharedCloudUploader().upload(files, *m_service, ended);
+    if (m_upload == 0) {
         *m_isUploading = false;
         return false;
     }
@@ -108,7 +109,7 @@ void ShareJob::showProgress(qsizetype files)
 {
     m_progress = tamberin_AppDelegate::sharedDelegate()->userInteraction().beginProgress(
         zqFormat(zqLocalized("Uploading to %@"), {m_service->title()}), double(files),
-        [] { CloudUploader::sharedCloudUploader().cancelUploads(); });
+        [upload = m_upload] { CloudUploader::sharedCloudUploader().cancelUpload(upload); });
     m_progressObserver = ZQNotificationCenter::defaultCenter().addObserver(
         CloudUploader::didUpdate, nullptr, [this](const ZQNotification &notification) {
             const double done = notification.userInfo.value(CloudUploader::numberKey).toDouble();
@@ -127,7 +128,6 @@ bool ShareJob::isDone()
     return !m_export && !*m_isUploading;
 }
 
-// While this uploads nobody else does but those who came after it, and a failure of this would end theirs as well.
 void ShareJob::cancel()
 {
     if (m_export) {
@@ -135,7 +135,7 @@ void ShareJob::cancel()
         m_export->cancel();
     }
     if (*m_isUploading) {
-        CloudUploader::sharedCloudUploader().cancelUploads();
+        CloudUploader::sharedCloudUploader().cancelUpload(m_upload); // others may be uploading too
     }
 }
 

@@ -57,6 +57,7 @@ private:
     QList<Problem> m_missing; // what is not shared
     std::shared_ptr<CloudUploadResult> m_result = std::make_shared<CloudUploadResult>();
     std::shared_ptr<bool> m_isUploading = std::make_shared<bool>(false); // both outlive this, for the uploader
+    quint64 m_upload = 0;                                                // 0: it has not begun
     bool m_isCancelled = false;
     QString m_refusal; // of the export; null: none
     std::shared_ptr<UserProgress> m_progress;

@@ -12,12 +12,6 @@ CloudAdapter::CloudAdapter(const QString &fileToUploadURL, const QString &fileTo
 {
 }
 
-void CloudAdapter::setDelegate(CloudAdapterDelegate *delegate)
-{
-    Q_ASSERT(zqIsMainThread());
-    m_delegate = delegate;
-}
-
 void CloudAdapter::cancel()
 {
     ZQOperation::cancel();

@@ -27,7 +27,7 @@ public:
 class CloudAdapter : public ZQOperation
 {
 public:
-    // `delegate` outlives it, or is taken away before.
+    // `delegate` outlives it; null: nobody is told.
     CloudAdapter(const QString &fileToUploadURL, const QString &fileToUploadName, const QString &fileToUploadID,
                  CloudAdapterDelegate *delegate);
 
@@ -35,7 +35,6 @@ public:
     // Of the file in the list of latest uploads; never empty.
     QString fileToUploadName() const { return m_fileToUploadName; }
     QString fileToUploadID() const { return m_fileToUploadID; }
-    void setDelegate(CloudAdapterDelegate *delegate); // null: nobody is told any more
 
     void start() override = 0; // a cancelled one finishes at once
     void cancel() override; // one that only waits to be heard finishes at once, also when nobody will listen any more
@@ -54,6 +53,6 @@ private:
     const QString m_fileToUploadURL;
     const QString m_fileToUploadName;
     const QString m_fileToUploadID;
-    CloudAdapterDelegate *m_delegate = nullptr; // main thread
+    CloudAdapterDelegate *const m_delegate; // main thread
     std::atomic<bool> m_waitsToTellEnd = false;
 };

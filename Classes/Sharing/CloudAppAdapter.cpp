@@ -1,8 +1,10 @@
 #include "Classes/Sharing/CloudAppAdapter.h"
 
 #include "Classes/Sharing/CloudAppAccount.h"
+#include "Classes/Sharing/LinedJSON.h"
 #include "Classes/Sharing/SecretStore.h"
 #include "Classes/Sharing/ServiceAddress.h"
+#include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Network/ZQMultipartForm.h"
 
@@ -11,13 +13,32 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds storageTime{90'000}; // for what the storage does with a file when it has it
-
 ZQError limitReached()
 {
     return ZQError::with(CloudAppAdapter::errorDomain, CloudAppAdapter::LimitReached,
                          zqLocalized("You have exceded your maximum daily upload limit"),
                          zqLocalized("Wait until tomorrow or upgrade your CloudApp account."));
+}
+
+// An address that was refused is told of in words of its own.
+ZQError problemOf(const ZQHTTPResponse &response)
+{
+    return response.error.domain == ServiceAddress::errorDomain ? UploadProblem::of(response.error) : response.error;
+}
+
+// The names of `parameters` in the order in which the answer has them: a storage may want them in it.
+QStringList namesInOrder(const QByteArray &answer, const QVariantMap &parameters)
+{
+    const std::optional<LinedJSON> ordered = LinedJSON::from(answer);
+    const LinedJSON *const given = ordered ? ordered->member(QStringLiteral("params")) : nullptr;
+    if (!given) { // what is not strict, as names that appear twice
+        return parameters.keys();
+    }
+    QStringList names;
+    for (const auto &[name, value] : given->members) {
+        names.append(name);
+    }
+    return names;
 }
 
 // As a field of a form.
@@ -42,7 +63,7 @@ void CloudAppAdapter::begin()
     ZQError noHost;
     const std::optional<QUrl> host = CloudAppAccount::APIHost(&noHost);
     if (!host) {
-        uploadFailed(noHost);
+        uploadFailed(UploadProblem::of(noHost));
         return;
     }
     m_host = *host;
@@ -52,7 +73,7 @@ void CloudAppAdapter::begin()
             return;
         }
         if (!password) {
-            uploadFailed(error);
+            uploadFailed(UploadProblem::of(error));
             return;
         }
         m_password = ZQSecret(*password);
@@ -75,6 +96,7 @@ ZQHTTPRequest CloudAppAdapter::request(const QUrl &url) const
     result.user = m_username;
     result.password = m_password;
     result.loginServer = m_host; // the storage must not have it, and may send back
+    result.mayGoTo = ServiceAddress::refusalOf;
     return result;
 }
 
@@ -88,7 +110,7 @@ void CloudAppAdapter::requestSlot()
 void CloudAppAdapter::slotCame(const ZQHTTPResponse &response)
 {
     if (!response.isWhole()) {
-        uploadFailed(response.error);
+        uploadFailed(problemOf(response));
         return;
     }
     const QVariantMap answer = QJsonDocument::fromJson(response.body).object().toVariantMap();
@@ -99,22 +121,22 @@ void CloudAppAdapter::slotCame(const ZQHTTPResponse &response)
         uploadFailed(limitReached());
         return;
     }
-    sendFile(QUrl(answer.value(QStringLiteral("url")).toString()), parameters.toMap());
+    sendFile(QUrl(answer.value(QStringLiteral("url")).toString()), parameters.toMap(),
+             namesInOrder(response.body, parameters.toMap()));
 }
 
-void CloudAppAdapter::sendFile(const QUrl &storage, const QVariantMap &parameters)
+void CloudAppAdapter::sendFile(const QUrl &storage, const QVariantMap &parameters, const QStringList &names)
 {
     ZQMultipartForm form;
-    for (auto each = parameters.cbegin(); each != parameters.cend(); ++each) {
-        form.addField(each.key(), text(each.value()));
+    for (const QString &name : names) {
+        form.addField(name, text(parameters.value(name)));
     }
     ZQError error;
     if (!form.addFile(QStringLiteral("file"), fileToUploadURL(), &error)) {
-        uploadFailed(error);
+        uploadFailed(UploadProblem::of(error));
         return;
     }
     ZQHTTPRequest post = request(storage);
-    post.stallTime = storageTime;
     form.giveTo(post);
     m_requests.perform(
         post, [this, self = shared_from_this()](const ZQHTTPResponse &response) { fileSent(response); },
@@ -130,7 +152,7 @@ void CloudAppAdapter::fileSent(const ZQHTTPResponse &response)
 {
     m_password = {};
     if (!response.isWhole()) {
-        uploadFailed(response.error);
+        uploadFailed(problemOf(response));
         return;
     }
     const QJsonDocument answer = QJsonDocument::fromJson(response.body);

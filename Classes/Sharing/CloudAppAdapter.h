@@ -27,7 +27,7 @@ protected:
 private:
     void requestSlot();
     void slotCame(const ZQHTTPResponse &response);
-    void sendFile(const QUrl &storage, const QVariantMap &parameters);
+    void sendFile(const QUrl &storage, const QVariantMap &parameters, const QStringList &names);
     void fileSent(const ZQHTTPResponse &response);
     ZQHTTPRequest request(const QUrl &url) const;
 

@@ -27,7 +27,6 @@ namespace {
 
 constexpr std::chrono::milliseconds longTime{1500};
 constexpr std::chrono::milliseconds shortTime{1200};
-constexpr qint64 timeBetweenSynchronizing = 1000; // ms
 
 UserInteraction *person()
 {
@@ -114,6 +113,17 @@ private:
     const QStringList m_paths;
 };
 
+// An export whose files are to be uploaded. It stays until the export has ended also when nobody wants the files any
+// more: what it still writes is to be removed.
+struct CloudUploader::WaitingExport
+{
+    QStringList paths; // empty: nobody wants them
+    std::shared_ptr<ExportedFiles> files;
+    std::shared_ptr<ExportOperation> operation; // null where it is not known
+    ZQOperation::Token observer;
+    bool isUnderWay() const { return operation && !operation->isFinished(); }
+};
+
 CloudUploader &CloudUploader::sharedCloudUploader()
 {
     static CloudUploader *const uploader = new CloudUploader; // its queue must not wait for a main thread that ended
@@ -124,11 +134,8 @@ CloudUploader::CloudUploader() : m_pasteboard(putOnClipboard)
 {
     ZQNotificationCenter &center = ZQNotificationCenter::defaultCenter();
     const auto observe = [this, &center](const QString &name, bool isCancelled) {
-        m_exportObservers.append(center.addObserver(name, nullptr, [this, isCancelled](const ZQNotification &) {
-            if (!m_export || m_export->isFinished()) { // else it is another one's end, or its own follows
-                exportDidEnd(m_export ? m_export->isCancelled() : isCancelled);
-            }
-        }));
+        m_exportObservers.append(center.addObserver(
+            name, nullptr, [this, isCancelled](const ZQNotification &) { exportDidEnd(isCancelled); }));
     };
     observe(ExportManager::didFinishExportOperation, false);
     observe(ExportManager::didCancelExportOperation, true);
@@ -154,11 +161,11 @@ void CloudUploader::uploadLibrayItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
 {
     Q_ASSERT(zqIsMainThread());
     if (isUploading()) {
+        cancelUploadExportedItems(); // else an upload would begin after it was said that all is cancelled
         cancelUploads();
         show(zqLocalized("Upload cancelled"), longTime);
         return;
     }
-    m_uploadedCount = 0;
     QList<CloudFile> files;
     files.reserve(items.size());
     for (const ZQRef<ZQLibraryBaseItem> &item : items) {
@@ -177,178 +184,243 @@ void CloudUploader::uploadLibrayItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
     }
 }
 
-bool CloudUploader::upload(const QList<CloudFile> &files, CloudService &service, Ended ended)
+quint64 CloudUploader::upload(const QList<CloudFile> &files, CloudService &service, Ended ended)
 {
-    if (files.isEmpty()) {
-        return false;
-    }
-    if (!isUploading()) {
-        m_uploadedCount = 0;
-    }
-    enqueue(files, service, std::move(ended));
-    return true;
+    return files.isEmpty() ? 0 : enqueue(files, service, std::move(ended));
 }
 
-void CloudUploader::enqueue(const QList<CloudFile> &files, CloudService &service, Ended ended,
-                            const std::shared_ptr<ExportedFiles> &exported)
+quint64 CloudUploader::enqueue(const QList<CloudFile> &files, CloudService &service, Ended ended,
+                               const std::shared_ptr<ExportedFiles> &exported)
 {
-    const auto batch = std::make_shared<Batch>(Batch{std::move(ended), {}, files.size()});
+    const auto batch = std::make_shared<Batch>();
+    batch->number = ++m_lastNumber;
+    batch->ended = std::move(ended);
     for (const CloudFile &file : files) {
         auto adapter =
             service.makeAdapter(file.path, file.name, QUuid::createUuid().toString(QUuid::WithoutBraces), this);
-        m_uploads.insert(adapter.get(), {adapter, batch});
-        adapter->setCompletionBlock([this, isAlive = m_isAlive, ended = adapter.get(), held = exported]() mutable {
-            held.reset(); // before the queue counts one less
-            zqOnMainThread([this, isAlive, ended] {
-                if (*isAlive) {
-                    adapterDidFinish(ended);
-                }
+        adapter->setCompletionBlock(
+            [this, isAlive = m_isAlive, weak = std::weak_ptr(adapter), held = exported]() mutable {
+                held.reset(); // before the queue counts one less
+                // Held until it is looked for: the next one could be made at its address.
+                zqOnMainThread([this, isAlive, ended = weak.lock()] {
+                    if (*isAlive && ended) {
+                        adapterDidFinish(*ended);
+                    }
+                });
             });
-        });
-        m_queue.addOperation(std::move(adapter));
+        batch->left.append(std::move(adapter));
     }
-    post(didStart, {{numberKey, files.size()}});
+    m_batches.append(batch);
+    startNext();
+    return batch->number;
+}
+
+void CloudUploader::startNext()
+{
+    if (m_batches.isEmpty() || m_batches.first()->isStarted) {
+        return;
+    }
+    const std::shared_ptr<Batch> batch = m_batches.first();
+    batch->isStarted = true;
+    m_uploadedCount = 0;
+    for (const auto &adapter : std::as_const(batch->left)) {
+        m_queue.addOperation(adapter);
+    }
+    post(didStart, {{numberKey, batch->left.size()}});
+}
+
+std::shared_ptr<CloudUploader::Batch> CloudUploader::batchOf(const CloudAdapter &adapter) const
+{
+    if (m_batches.isEmpty()) {
+        return nullptr;
+    }
+    const auto &left = m_batches.first()->left;
+    const bool isLeft =
+        std::any_of(left.begin(), left.end(), [&adapter](const auto &each) { return each.get() == &adapter; });
+    return isLeft ? m_batches.first() : nullptr;
 }
 
 void CloudUploader::setFileToUploadAfterExport(const QStringList &paths)
 {
-    cancelUploadExportedItems();
     if (paths.isEmpty()) {
+        cancelUploadExportedItems();
         return;
     }
-    m_fileToUploadAfterExport = paths;
-    m_exported = std::make_shared<ExportedFiles>(paths);
-    m_export = exportInto(QFileInfo(paths.first()).absolutePath());
-    if (!m_export) {
+    const auto waiting = std::make_shared<WaitingExport>();
+    waiting->paths = paths;
+    waiting->files = std::make_shared<ExportedFiles>(paths);
+    waiting->operation = exportInto(QFileInfo(paths.first()).absolutePath());
+    m_waitingExports.append(waiting);
+    if (!waiting->operation) {
         return;
     }
-    m_exportObserver = m_export->observe([this, isAlive = m_isAlive, raw = m_export.get()](ZQOperation::Key key) {
+    waiting->observer = waiting->operation->observe([this, isAlive = m_isAlive](ZQOperation::Key key) {
         if (key == ZQOperation::Key::IsFinished) {
-            zqOnMainThread([this, isAlive, raw] {
-                if (*isAlive && m_export.get() == raw) {
-                    exportDidEnd(m_export->isCancelled());
+            zqOnMainThread([this, isAlive] {
+                if (*isAlive) {
+                    exportsDidEnd();
                 }
             });
         }
     });
+    exportsDidEnd(); // it may have been faster
 }
 
+QStringList CloudUploader::fileToUploadAfterExport() const
+{
+    QStringList paths;
+    for (const auto &waiting : m_waitingExports) {
+        paths.append(waiting->paths);
+    }
+    return paths;
+}
+
+// Of those that are known, whichever ended; of the others the one that is told of, as it may be theirs.
 void CloudUploader::exportDidEnd(bool isCancelled)
 {
-    if (isCancelled) {
-        cancelUploadExportedItems();
-    } else {
-        uploadExportedItems();
+    for (const auto &waiting : QList(m_waitingExports)) {
+        if (!waiting->operation) {
+            isCancelled ? cancelExported(waiting) : uploadExported(waiting);
+        }
+    }
+    exportsDidEnd();
+}
+
+void CloudUploader::exportsDidEnd()
+{
+    for (const auto &waiting : QList(m_waitingExports)) {
+        if (waiting->operation && waiting->operation->isFinished()) {
+            waiting->operation->isCancelled() ? cancelExported(waiting) : uploadExported(waiting);
+        }
     }
 }
 
 void CloudUploader::uploadExportedItems()
 {
+    for (const auto &waiting : QList(m_waitingExports)) {
+        if (!waiting->isUnderWay()) {
+            uploadExported(waiting);
+        }
+    }
+}
+
+void CloudUploader::uploadExported(const std::shared_ptr<WaitingExport> &waiting)
+{
+    if (!m_waitingExports.removeOne(waiting)) { // first, since what follows may show something
+        return;
+    }
     QList<CloudFile> files;
-    for (const QString &path : std::as_const(m_fileToUploadAfterExport)) {
+    for (const QString &path : std::as_const(waiting->paths)) {
         if (const QFileInfo info(path); info.isFile()) {
             files.append({path, info.completeBaseName()});
         }
     }
-    const auto exported = m_exported;
-    cancelUploadExportedItems(); // they wait no longer; first, since what follows may show something
     if (files.isEmpty()) {
         return;
     }
-    m_uploadedCount = 0;
     if (const auto service = readyService()) {
-        enqueue(files, *service, nullptr, exported);
+        enqueue(files, *service, nullptr, waiting->files);
     }
 }
 
 void CloudUploader::cancelUploadExportedItems()
 {
-    m_fileToUploadAfterExport.clear();
-    m_exported.reset();
-    m_exportObserver.reset();
-    m_export.reset();
+    for (const auto &waiting : QList(m_waitingExports)) {
+        cancelExported(waiting);
+    }
+}
+
+void CloudUploader::cancelExported(const std::shared_ptr<WaitingExport> &waiting)
+{
+    waiting->paths.clear();
+    if (!waiting->isUnderWay()) {
+        m_waitingExports.removeOne(waiting);
+    }
 }
 
 void CloudUploader::cancelUploads()
 {
-    if (isUploading()) {
-        endAll([](CloudUploadResult &result) { result.isCancelled = true; });
+    const auto batches = m_batches;
+    for (auto each = batches.crbegin(); each != batches.crend(); ++each) { // so that none of them starts
+        cancelUpload((*each)->number);
     }
 }
 
-bool CloudUploader::endAll(const std::function<void(CloudUploadResult &result)> &note)
+void CloudUploader::cancelUpload(quint64 upload)
 {
-    const QHash<CloudAdapter *, Upload> ended = std::exchange(m_uploads, {});
-    m_queue.cancelAllOperations();
-    post(didFinish);
-    synchronizeNowAndThen(true);
-    QSet<Batch *> told;
-    bool isForPerson = false;
-    for (const Upload &upload : ended) {
-        Batch &batch = *upload.batch;
-        if (!told.contains(&batch)) {
-            told.insert(&batch);
-            note(batch.result);
-            isForPerson = isForPerson || !batch.ended;
-            if (batch.ended) {
-                batch.ended(batch.result);
-            }
-        }
+    const auto found = std::find_if(m_batches.cbegin(), m_batches.cend(),
+                                    [upload](const auto &each) { return each->number == upload; });
+    if (found != m_batches.cend()) {
+        end(*found, [](CloudUploadResult &result) { result.isCancelled = true; });
     }
-    return isForPerson;
+}
+
+// `batch` by value: who gives it may hold it in the list.
+void CloudUploader::end(std::shared_ptr<Batch> batch, const std::function<void(CloudUploadResult &result)> &note)
+{
+    m_batches.removeOne(batch);
+    const auto left = std::exchange(batch->left, {});
+    for (auto each = left.crbegin(); each != left.crend(); ++each) { // the current one last, or the next would start
+        (*each)->cancel();
+    }
+    if (batch->isStarted) {
+        post(didFinish);
+    }
+    note(batch->result);
+    if (batch->ended) {
+        batch->ended(batch->result);
+    }
+    startNext();
 }
 
 // One that ended without a word, as when something else than this cancelled it.
-void CloudUploader::adapterDidFinish(CloudAdapter *adapter)
+void CloudUploader::adapterDidFinish(CloudAdapter &adapter)
 {
-    if (m_uploads.contains(adapter)) {
-        cancelUploads();
+    if (const auto batch = batchOf(adapter)) {
+        cancelUpload(batch->number);
     }
 }
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, double didProgressUpload)
 {
-    if (m_uploads.contains(&adapter)) {
+    if (batchOf(adapter)) {
         post(didUpdate, {{numberKey, float(double(m_uploadedCount) + didProgressUpload)}});
     }
 }
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUploadFile)
 {
-    if (!m_uploads.contains(&adapter)) {
+    const std::shared_ptr<Batch> batch = batchOf(adapter);
+    if (!batch) {
         return;
     }
     const QString url = ServiceAddress::link(didUploadFile.value(QStringLiteral("url")).toString());
     if (url.isEmpty()) {
-        fail(UploadProblem::with(zqLocalized("The service did not say where the file is."),
-                                 zqLocalized("It may have been uploaded all the same. Try again later.")));
+        fail(batch, UploadProblem::with(zqLocalized("The service did not say where the file is."),
+                                        zqLocalized("It may have been uploaded all the same. Try again later.")));
         return;
     }
-    const std::shared_ptr<Batch> batch = m_uploads.take(&adapter).batch;
+    batch->left.removeIf([&adapter](const auto &each) { return each.get() == &adapter; });
     ++m_uploadedCount;
     batch->result.links.append({{adapter.fileToUploadURL(), adapter.fileToUploadName()}, url});
-    if (m_uploads.isEmpty()) {
+    const bool isLast = batch->left.isEmpty();
+    if (isLast) {
+        m_batches.removeOne(batch);
         if (!batch->ended) {
             didUploadLast(url);
         }
         post(didFinish);
     }
     LatestUploads::add({url, adapter.fileToUploadName(), QDateTime::currentDateTime()});
-    synchronizeNowAndThen(m_uploads.isEmpty());
+    LatestUploads::synchronize();
     if (tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate()) {
         delegate->updateCloudMenu();
     }
-    if (--batch->left == 0 && batch->ended) {
-        batch->ended(batch->result);
-    }
-}
-
-// A disk may take longer to be sure of the list than the file to be uploaded.
-void CloudUploader::synchronizeNowAndThen(bool isLast)
-{
-    if (isLast || !m_synchronized.isValid() || m_synchronized.hasExpired(timeBetweenSynchronizing)) {
-        LatestUploads::synchronize();
-        m_synchronized.start();
+    if (isLast) {
+        if (batch->ended) {
+            batch->ended(batch->result);
+        }
+        startNext();
     }
 }
 
@@ -362,21 +434,21 @@ void CloudUploader::didUploadLast(const QString &url)
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)
 {
-    if (m_uploads.contains(&adapter)) {
-        fail(didFailUpload);
+    if (const auto batch = batchOf(adapter)) {
+        fail(batch, didFailUpload);
     }
 }
 
 // What is shown may run the main loop, and in it anything may be asked of this.
-void CloudUploader::fail(const ZQError &error)
+void CloudUploader::fail(const std::shared_ptr<Batch> &batch, const ZQError &error)
 {
-    const bool isForPerson = endAll([&error](CloudUploadResult &result) {
+    end(batch, [&error](CloudUploadResult &result) {
         result.hasFailed = true;
         result.error = error;
     });
     qCWarning(zqLogApplication).noquote() << zqFormat(QStringLiteral("File upload failed: %@"),
                                                       {error.isNull() ? QString() : error.localizedDescription()});
-    if (!isForPerson) {
+    if (batch->ended) {
         return;
     }
     if (zqIsNetworkError(error, ZQNetworkErrorCode::Offline)) {

@@ -6,8 +6,6 @@
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Models/DataModel/ZQModelFetch.h"
 
-#include <QElapsedTimer>
-#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -41,7 +39,8 @@ struct CloudUploadResult
 };
 
 // Shares files by one cloud service: uploads them one after the other on a queue of its own, puts the link on the
-// general pasteboard, and keeps the latest uploads. The first failure ends everything that waits. Main thread.
+// general pasteboard, and keeps the latest uploads. What is asked for together is a batch; batches follow one another,
+// and the first failure ends the rest of its own. Main thread.
 class CloudUploader : public CloudUploading, public CloudAdapterDelegate
 {
 public:
@@ -58,19 +57,21 @@ public:
 
     // Uploads the files of those that have one, or, while something is uploaded, cancels that.
     void uploadLibrayItems(const QList<ZQRef<ZQLibraryBaseItem>> &items);
-    // The files that an export is about to write. Once that has ended, those that are there are uploaded. What lies in
-    // the temporary area is removed after the last of them.
+    // The files that an export is about to write. Once that has ended, those that are there are uploaded; several may
+    // be waited for, each for its own. What lies in the temporary area is removed after the last of them.
     void setFileToUploadAfterExport(const QStringList &paths);
-    void uploadExportedItems();
+    void uploadExportedItems(); // but what an export still writes
     void cancelUploadExportedItems();
-    QStringList fileToUploadAfterExport() const { return m_fileToUploadAfterExport; }
+    QStringList fileToUploadAfterExport() const;
 
     // For a caller who tells the person: nothing is shown or put on the pasteboard, and `ended` is called when the last
-    // of these has ended. False, with nothing begun, for no files.
+    // of these has ended. What is being uploaded comes first. 0, with nothing begun, for no files; else what
+    // `cancelUpload` knows these by.
     using Ended = std::function<void(const CloudUploadResult &result)>;
-    bool upload(const QList<CloudFile> &files, CloudService &service, Ended ended);
+    quint64 upload(const QList<CloudFile> &files, CloudService &service, Ended ended);
+    void cancelUpload(quint64 upload); // these files and no others; nothing once they have ended
 
-    bool isUploading() const override { return !m_uploads.isEmpty(); }
+    bool isUploading() const override { return !m_batches.isEmpty(); }
     void cancelUploads() override;
     bool hasUploadsLeft() const override { return isUploading() || m_queue.operationCount() > 0; }
 
@@ -85,36 +86,35 @@ public:
 private:
     struct Batch // files that were asked for together
     {
+        quint64 number = 0;
         Ended ended; // null: the person is told
         CloudUploadResult result;
-        qsizetype left = 0;
-    };
-    struct Upload
-    {
-        std::shared_ptr<CloudAdapter> adapter;
-        std::shared_ptr<Batch> batch;
+        QList<std::shared_ptr<CloudAdapter>> left; // that have not ended
+        bool isStarted = false;
     };
     struct ExportedFiles;
+    struct WaitingExport;
 
     std::shared_ptr<CloudService> readyService() const; // null: the person was told why
-    void enqueue(const QList<CloudFile> &files, CloudService &service, Ended ended,
-                 const std::shared_ptr<ExportedFiles> &exported = nullptr);
+    quint64 enqueue(const QList<CloudFile> &files, CloudService &service, Ended ended,
+                    const std::shared_ptr<ExportedFiles> &exported = nullptr);
+    std::shared_ptr<Batch> batchOf(const CloudAdapter &adapter) const; // null: it has ended
+    void startNext();
+    void end(std::shared_ptr<Batch> batch, const std::function<void(CloudUploadResult &result)> &note);
     void exportDidEnd(bool isCancelled);
-    void adapterDidFinish(CloudAdapter *adapter);
-    bool endAll(const std::function<void(CloudUploadResult &result)> &note); // whether the person is to be told
+    void exportsDidEnd(); // looks which have
+    void uploadExported(const std::shared_ptr<WaitingExport> &waiting);
+    void cancelExported(const std::shared_ptr<WaitingExport> &waiting);
+    void adapterDidFinish(CloudAdapter &adapter);
     void didUploadLast(const QString &url);
-    void synchronizeNowAndThen(bool isLast);
-    void fail(const ZQError &error);
+    void fail(const std::shared_ptr<Batch> &batch, const ZQError &error);
 
-    QHash<CloudAdapter *, Upload> m_uploads; // that have not ended
+    QList<std::shared_ptr<Batch>> m_batches; // the first is uploaded, the others wait for it
+    quint64 m_lastNumber = 0;
     qint32 m_uploadedCount = 0;
-    QStringList m_fileToUploadAfterExport;
-    std::shared_ptr<ExportedFiles> m_exported; // what is to be removed of them
-    std::shared_ptr<ExportOperation> m_export; // that writes them; null where it is not known
-    ZQOperation::Token m_exportObserver;
+    QList<std::shared_ptr<WaitingExport>> m_waitingExports;
     QList<ZQNotificationCenter::Token> m_exportObservers;
     Pasteboard m_pasteboard;
-    QElapsedTimer m_synchronized;                                         // since the list of uploads was
     const std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true); // for what comes later
     ZQOperationQueue m_queue{QStringLiteral("Uploads"), 1};
 };

@@ -14,7 +14,6 @@ public:
     QString title() const override { return m_description.name; }
     bool isReady() const override;
     QString whatIsMissing() const override;
-    QString featureName() const override { return QStringLiteral("Cloud Upload (own service)"); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;
 

@@ -21,7 +21,7 @@ class DBSession
 public:
     using Done = std::function<void(const ZQError &error)>; // null: done
     using Token = std::function<void(const ZQSecret &token, const ZQError &error)>;
-    enum Error { NoAppKey = 1, NoBrowser, Refused, BadAnswer, NotLinked, Cancelled };
+    enum Error { NoAppKey = 1, NoBrowser, Refused, BadAnswer, Cancelled };
     static inline const QString errorDomain = QStringLiteral("zelto.dropbox");
     static inline const QString serviceOfSecrets = QStringLiteral("ZeltoDropboxAccount");
     static constexpr std::chrono::minutes timeToAllow{10};

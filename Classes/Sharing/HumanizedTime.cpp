@@ -2,6 +2,8 @@
 
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -10,6 +12,9 @@
 
 namespace {
 
+constexpr const char *table = "HumanizedTimeLocalizable";
+
+// The English of the table: without a translation a key stands for itself.
 struct Word
 {
     const char *key;
@@ -25,7 +30,8 @@ QString localizedWord(const char *key)
 {
     const auto *const word =
         std::find_if(words.begin(), words.end(), [key](const Word &each) { return std::strcmp(each.key, key) == 0; });
-    return zqLocalized(word == words.end() ? key : word->english);
+    const QString translated = QCoreApplication::translate(table, key);
+    return word != words.end() && translated == QLatin1String(key) ? QString::fromLatin1(word->english) : translated;
 }
 
 qint64 whole(double value)

@@ -4,7 +4,6 @@
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Network/ZQHTTPTask.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFileInfo>
@@ -14,7 +13,6 @@
 namespace {
 
 const QByteArray boundary = "---------------------------0983745982375409872438752038475287";
-constexpr qint64 largestAnswer = 1 << 20;
 
 QByteArray part(const QByteArray &disposition)
 {
@@ -50,7 +48,8 @@ ZQError tooLarge(const QString &path)
 
 ImgurAdapter::ImgurAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
                            const QString &fileToUploadID, CloudAdapterDelegate *delegate, Access access)
-    : CloudAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate), m_access(std::move(access))
+    : CloudAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate), m_access(std::move(access)),
+      m_requests(m_access.connections)
 {
 }
 
@@ -94,9 +93,18 @@ void ImgurAdapter::start()
 void ImgurAdapter::cancel()
 {
     CloudAdapter::cancel();
-    const ZQLockGuard lock(m_mutex);
-    if (m_task) {
-        m_task->cancel();
+    if (zqIsMainThread()) {
+        abandon();
+    } else {
+        zqOnMainThread([this, self = shared_from_this()] { abandon(); });
+    }
+}
+
+void ImgurAdapter::abandon()
+{
+    if (isExecuting() && !isFinished()) {
+        m_requests.cancel();
+        finish();
     }
 }
 
@@ -124,20 +132,13 @@ void ImgurAdapter::send()
     request.headers = {{"Content-Type", "multipart/form-data; boundary=" + boundary},
                        {"Authorization", "Client-ID " + m_access.clientID.toLatin1()}};
     request.body = std::move(*m_body);
-    request.connections = m_access.connections;
-    request.maximumSize = largestAnswer;
-    const auto self = shared_from_this();
-    request.didSendBytes = [this, self](qint64 sent, qint64 total) {
-        if (total > 0) {
-            uploadProgess(double(sent) / double(total));
-        }
-    };
-    const auto task = ZQHTTPTask::start(request, [this, self](const ZQHTTPResponse &response) { came(response); });
-    const ZQLockGuard lock(m_mutex);
-    m_task = task;
-    if (isCancelled()) { // before there was a task to cancel
-        task->cancel();
-    }
+    m_requests.perform(
+        request, [this, self = shared_from_this()](const ZQHTTPResponse &response) { came(response); },
+        [this](qint64 sent, qint64 total) {
+            if (total > 0) {
+                uploadProgess(double(sent) / double(total));
+            }
+        });
 }
 
 void ImgurAdapter::came(const ZQHTTPResponse &response)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Classes/Sharing/CloudAdapter.h"
-#include "Kit/Foundation/ZQThreadSafety.h"
+#include "Classes/Sharing/ServiceRequests.h"
 
 #include <QByteArray>
 #include <QUrl>
@@ -10,8 +10,6 @@
 #include <optional>
 
 class ZQHTTPConnections;
-class ZQHTTPTask;
-struct ZQHTTPResponse;
 
 // The upload of one file to Imgur, nobody's: one form, which is sent from memory.
 class ImgurAdapter : public CloudAdapter
@@ -39,11 +37,11 @@ public:
 private:
     void read();
     void send();
+    void abandon();
     void came(const ZQHTTPResponse &response);
 
     const Access m_access;
     std::optional<QByteArray> m_body; // nothing: not read yet
     ZQError m_readError;
-    ZQMutex m_mutex;
-    std::shared_ptr<ZQHTTPTask> m_task ZQ_GUARDED_BY(m_mutex); // null: not sent yet
+    ServiceRequests m_requests;
 };

@@ -20,7 +20,6 @@ public:
     QString title() const override { return QStringLiteral("Imgur"); }
     bool isReady() const override;
     QString whatIsMissing() const override;
-    QString featureName() const override { return QStringLiteral("Cloud Upload (CloudApp)"); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;
 

@@ -25,7 +25,10 @@ struct ServiceRequests::UnderWay
     int timesBusy = 0;
 };
 
-ServiceRequests::ServiceRequests() : m_connections(ZQHTTPConnections::make()) {}
+ServiceRequests::ServiceRequests(std::shared_ptr<ZQHTTPConnections> connections)
+    : m_connections(connections ? std::move(connections) : ZQHTTPConnections::make())
+{
+}
 
 void ServiceRequests::perform(const ZQHTTPRequest &request, Answered answered, Sent sent)
 {

@@ -13,7 +13,8 @@ public:
     using Answered = std::function<void(const ZQHTTPResponse &response)>;
     using Sent = std::function<void(qint64 sent, qint64 total)>;
 
-    ServiceRequests();
+    // Null: over connections of their own.
+    explicit ServiceRequests(std::shared_ptr<ZQHTTPConnections> connections = nullptr);
     ~ServiceRequests() { cancel(); }
     ServiceRequests(const ServiceRequests &) = delete;
     ServiceRequests &operator=(const ServiceRequests &) = delete;

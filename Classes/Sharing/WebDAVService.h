@@ -15,7 +15,6 @@ public:
     QString title() const override;
     bool isReady() const override;
     QString whatIsMissing() const override;
-    QString featureName() const override { return QStringLiteral("Cloud Upload (WebDAV)"); }
     std::shared_ptr<CloudAdapter> makeAdapter(const QString &fileURL, const QString &fileName, const QString &fileID,
                                               CloudAdapterDelegate *delegate) override;
 };

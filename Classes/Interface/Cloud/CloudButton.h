@@ -8,8 +8,9 @@
 class QMenu;
 
 // The button that shares. A click asks to share what is selected; while files go up it is a ring that fills, and a
-// click asks to cancel. A preset that is dropped on it exports what is selected for the upload, anything else that is
-// dropped counts as a click. Its menu opens by a right click, the Down key or the menu key. Main thread.
+// click asks to cancel. A preset that is dropped on it exports what is selected for an upload, or for the next one;
+// anything else that is dropped counts as a click. Its menu opens by a right click, the Down key or the menu key. Main
+// thread.
 class CloudButton : public QToolButton, public PresetReceiver
 {
     Q_OBJECT
@@ -29,7 +30,7 @@ public:
     void uploadDidUpdate(double filesDone);
     void uploadDidFinish();
 
-    bool takesPresets() const override { return !isUploading(); } // it cancels then, and does nothing else
+    bool takesPresets() const override { return true; } // also while files go up: it waits for its turn
     void setFileToUploadAfterExport(const QStringList &paths) override;
 
 Q_SIGNALS:

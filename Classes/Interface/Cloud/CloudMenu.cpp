@@ -185,8 +185,7 @@ void CloudMenu::addUploads()
     for (const LatestUpload &upload : uploads) {
         const QString name = upload.filename.isEmpty() ? upload.url : upload.filename;
         const QString shown = fontMetrics().elidedText(name, Qt::ElideMiddle, nameWidth);
-        const QString time =
-            upload.date.isValid() ? stringWithHumanizedTimeDifference(upload.date) : zqLocalized("Unknown time");
+        const QString time = stringWithHumanizedTimeDifference(upload.date);
         QAction *action =
             addAction(ZQIcon::icon(QStringLiteral("project")),
                       line(shown, upload.url == copied ? zqFormat(zqLocalized("%@ · Copied"), {time}) : time), this,

@@ -95,7 +95,7 @@ TEST_F(CloudAppAdapterTest, AFileGoesToTheStorageAndItsLinkComesFromCloudApp)
     const auto field = [&](const QByteArray &name, const QByteArray &value) {
         return line + "\r\nContent-Disposition: form-data; name=\"" + name + "\"\r\n\r\n" + value + "\r\n";
     };
-    EXPECT_TRUE(sent.body == field("acl", "public-read") + field("policy", "p") + field("size", "5") + line +
+    EXPECT_TRUE(sent.body == field("policy", "p") + field("acl", "public-read") + field("size", "5") + line +
                                  "\r\nContent-Disposition: form-data; name=\"file\"; filename=\"picture.png\"\r\n"
                                  "Content-Type: image/png\r\n\r\n" +
                                  contents + "\r\n" + line + "--\r\n")
@@ -168,7 +168,25 @@ TEST_F(CloudAppAdapterTest, WhatGoesWrongWithARequestIsItsError)
     }
     run(make(QStringLiteral("none.png")));
     ASSERT_TRUE(recorder.error);
-    EXPECT_FALSE(recorder.error->isNull()) << "a file that is gone";
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain)
+        << "a file that is gone is told of in its own words";
+}
+
+TEST_F(CloudAppAdapterTest, AFileDoesNotGoThroughTheOpenNet)
+{
+    const QByteArray open = "http://storage.example.org/bucket";
+    api.setHandler(QStringLiteral("/items/new"),
+                   forMe(Answer::with("application/json", "{\"url\": \"" + open + "\", \"params\": {}}")));
+    run(make());
+    ASSERT_TRUE(recorder.error) << "named as the storage";
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("storage.example.org")));
+
+    giveSlots();
+    storage.setAnswer(QStringLiteral("/bucket"), Answer::redirect(open, 307));
+    run(make());
+    ASSERT_TRUE(recorder.error) << "sent on to it";
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
 }
 
 TEST_F(CloudAppAdapterTest, WithoutItsPasswordNothingIsAsked)
@@ -176,12 +194,14 @@ TEST_F(CloudAppAdapterTest, WithoutItsPasswordNothingIsAsked)
     secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
     run(make());
     ASSERT_TRUE(recorder.error);
-    EXPECT_EQ(recorder.error->code, int(SecretStore::Denied));
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
+    EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("locked")));
     EXPECT_TRUE(api.requests().isEmpty());
     ZQUserDefaults::standardUserDefaults().setObjectForKey(QStringLiteral("http://example.org"),
                                                            CloudAppAccount::APIHostKey);
     EXPECT_TRUE(service.isReady()) << "another service must not get the file";
     run(make());
+    EXPECT_EQ(recorder.error->domain, CloudAppAdapter::errorDomain);
     EXPECT_TRUE(recorder.error->localizedDescription().contains(QStringLiteral("https")));
 }
 

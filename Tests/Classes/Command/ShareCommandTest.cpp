@@ -31,6 +31,12 @@ protected:
         CommandTest::TearDown();
     }
     int share(const QStringList &arguments) { return run(QStringList{QStringLiteral("share")} + arguments); }
+    int begin(CommandContext &in, const ShareRequest &request) // as a window does
+    {
+        in.delegate = delegate.get();
+        in.mayBeFinishedLater = true;
+        return zqRunShare(request, in);
+    }
     static QStringList temporaryFolders()
     {
         return QDir(TemporaryArea::folder()).entryList({QStringLiteral("t.*")}, QDir::Dirs);
@@ -107,11 +113,6 @@ TEST_F(ShareCommandTest, AFailureKeepsTheLinksThatCameBeforeIt)
 
 TEST_F(ShareCommandTest, InAWindowItIsAnsweredLaterAndEndsWhenNobodyWaits)
 {
-    const auto begin = [this](CommandContext &in, const ShareRequest &request) {
-        in.delegate = delegate.get();
-        in.mayBeFinishedLater = true;
-        return zqRunShare(request, in);
-    };
     context = {};
     ASSERT_EQ(begin(context, {.items = {red()}, .preset = 1}), 0) << context.errors.constData();
     ASSERT_TRUE(context.pending);
@@ -134,4 +135,24 @@ TEST_F(ShareCommandTest, InAWindowItIsAnsweredLaterAndEndsWhenNobodyWaits)
     zqRunMainLoopUntil(context.pending->isDone);
     EXPECT_EQ(context.pending->finish(context), 2);
     EXPECT_TRUE(context.errors.contains("nothing was shared"));
+}
+
+TEST_F(ShareCommandTest, APresetWaitsForWhatThePersonUploadsAndLeavesItAlone)
+{
+    CloudUploader &uploader = CloudUploader::sharedCloudUploader();
+    service->script = [](FakeAdapter &) {}; // never ends by itself
+    bool isAbandoned = false;
+    context = {};
+    context.isAbandoned = [&isAbandoned] { return isAbandoned; };
+    ASSERT_EQ(begin(context, {.items = {red()}, .preset = 1}), 0) << context.errors.constData();
+    uploader.setFileToUploadAfterExport({paths.value(QStringLiteral("green"))});
+    uploader.uploadExportedItems();
+    zqRunMainLoopUntil([this] { return delegate->backgroundOperationQueue().operationCount() == 0; });
+    EXPECT_FALSE(context.pending->isDone());
+    isAbandoned = true;
+    EXPECT_TRUE(context.pending->isDone());
+    EXPECT_EQ(context.pending->finish(context), 2);
+    EXPECT_TRUE(uploader.isUploading());
+    uploader.cancelUploads();
+    EXPECT_EQ(service->started().filter(QStringLiteral("red")), QStringList());
 }

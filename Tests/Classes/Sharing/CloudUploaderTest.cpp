@@ -1,9 +1,12 @@
 #include "Classes/Application/Quit.h"
 #include "Classes/Application/TemporaryArea.h"
+#include "Classes/Sharing/CloudAppAccount.h"
+#include "Classes/Sharing/CloudAppService.h"
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Operations/ZQOperationQueue.h"
 #include "Tests/Classes/Sharing/SharingFixture.h"
+#include "Tests/Support/MemorySecretStore.h"
 
 #include <future>
 #include <optional>
@@ -108,6 +111,20 @@ TEST_F(CloudUploaderTest, TheFirstFailureEndsTheBatchAndSaysWhy)
     EXPECT_TRUE(pasteboard.isEmpty());
 }
 
+TEST_F(CloudUploaderTest, APasswordThatCannotBeReadIsSaidToThePerson)
+{
+    auto secrets = std::make_unique<MemorySecretStore>();
+    secrets->entries = {{CloudAppAccount::service, QStringLiteral("me@example.org"), "secret"}};
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("Unlock it."));
+    SecretStore::setShared(std::move(secrets));
+    CloudServices::sharedCloudServices().setServices({std::make_shared<CloudAppService>()});
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    waitForUploads();
+    SecretStore::setShared(nullptr);
+    EXPECT_EQ(alerts(), QStringList(QStringLiteral("Unlock it.")));
+}
+
 TEST_F(CloudUploaderTest, AnAnswerWithoutALinkIsAFailure)
 {
     for (const QVariantMap &answer :
@@ -202,6 +219,72 @@ TEST_F(CloudUploaderTest, WhatAnExportWroteIsUploadedWhenItsOwnExportEnds)
     wait();
     EXPECT_TRUE(uploader.fileToUploadAfterExport().isEmpty());
     EXPECT_EQ(service->started().size(), 2);
+}
+
+TEST_F(CloudUploaderTest, SeveralExportsAreEachUploadedWhenTheyEnd)
+{
+    const QList<ZQObjectID> ids = importImages(1);
+    std::promise<void> gate;
+    delegate->backgroundOperationQueue().addOperationWithBlock([&gate] { gate.get_future().wait(); });
+    QStringList folders;
+    std::shared_ptr<ExportOperation> latest;
+    for (int i = 0; i < 2; ++i) {
+        folders.append(TemporaryArea::newFolder());
+        const ExportRequest request{.items = ids, .destinationURL = folders.last()};
+        latest = ExportManager::sharedExportManager().exportItems(request);
+        uploader.setFileToUploadAfterExport(ExportManager::filenamesForItems(request));
+    }
+    uploader.uploadExportedItems();
+    EXPECT_EQ(uploader.fileToUploadAfterExport().size(), 2) << "they are not written yet";
+    gate.set_value();
+    zqRunMainLoopUntil([&] { return latest->isFinished() && uploader.fileToUploadAfterExport().isEmpty(); });
+    waitForUploads();
+    EXPECT_EQ(service->started(), QStringList(2, QStringLiteral("p1")));
+    EXPECT_EQ(pasteboard.size(), 2) << "each ends by itself";
+    EXPECT_FALSE(QFileInfo::exists(folders[0]) || QFileInfo::exists(folders[1]));
+
+    std::promise<void> second;
+    delegate->backgroundOperationQueue().addOperationWithBlock([&second] { second.get_future().wait(); });
+    const ExportRequest unwanted{.items = ids, .destinationURL = TemporaryArea::newFolder()};
+    latest = ExportManager::sharedExportManager().exportItems(unwanted);
+    uploader.setFileToUploadAfterExport(ExportManager::filenamesForItems(unwanted));
+    uploader.cancelUploadExportedItems();
+    EXPECT_TRUE(QFileInfo::exists(unwanted.destinationURL)) << "the export writes into it";
+    second.set_value();
+    latest->waitUntilFinished();
+    zqRunMainLoopUntil([&] { return !QFileInfo::exists(unwanted.destinationURL); });
+    EXPECT_EQ(service->started().size(), 2);
+}
+
+TEST_F(CloudUploaderTest, BatchesFollowOneAnotherAndEndEachForItself)
+{
+    std::shared_ptr<CloudAdapter> held;
+    service->script = [&held](FakeAdapter &adapter) {
+        if (adapter.fileToUploadName() == QStringLiteral("p1")) {
+            held = std::static_pointer_cast<CloudAdapter>(adapter.shared_from_this());
+        } else {
+            adapter.succeed();
+        }
+    };
+    const auto shared = items(1);
+    uploader.uploadLibrayItems(shared);
+    zqRunMainLoopUntil([this] { return !service->started().isEmpty(); });
+    const QStringList paths = temporaryFiles(1);
+    QList<CloudUploadResult> results;
+    const auto take = [&results](const CloudUploadResult &ended) { results.append(ended); };
+    const quint64 given = uploader.upload({{paths[0], QStringLiteral("given")}}, *service, take);
+    const quint64 dropped = uploader.upload({{paths[0], QStringLiteral("dropped")}}, *service, take);
+    EXPECT_NE(given, dropped);
+    uploader.cancelUpload(dropped);
+    ASSERT_EQ(results.size(), 1);
+    EXPECT_TRUE(results[0].isCancelled);
+    EXPECT_EQ(told, QStringList(QStringLiteral("DidStart 1"))) << "the person's goes on";
+    std::static_pointer_cast<FakeAdapter>(held)->succeed();
+    waitForUploads();
+    EXPECT_EQ(service->started(), QStringList({QStringLiteral("p1"), QStringLiteral("given")}));
+    EXPECT_EQ(pasteboard, QStringList(link("p1"))) << "whatever waits behind it";
+    ASSERT_EQ(results.size(), 2);
+    EXPECT_EQ(results[1].links.size(), 1);
 }
 
 TEST_F(CloudUploaderTest, OnlyWhatLiesInTheTemporaryAreaIsRemovedAfterAnUpload)

@@ -1,6 +1,28 @@
 #include "Classes/Sharing/HumanizedTime.h"
 
+#include <QCoreApplication>
+#include <QTranslator>
+
 #include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace {
+
+// A translation of one word.
+class German : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *sourceText, const char *, int) const override
+    {
+        const bool isDays =
+            std::strcmp(context, "HumanizedTimeLocalizable") == 0 && std::strcmp(sourceText, "DaysKey") == 0;
+        return isDays ? QStringLiteral("Tage") : QString();
+    }
+};
+
+} // namespace
 
 TEST(HumanizedTime, WordsByTheirKeys)
 {
@@ -44,4 +66,13 @@ TEST(HumanizedTime, WordsByTheirKeys)
     EXPECT_EQ(stringWithHumanizedTimeDifference(now.addSecs(-25 * 3600), now), QStringLiteral("1 day 1 hours ago"));
     EXPECT_EQ(stringWithHumanizedTimeDifference(now.addMSecs(-45'200), now), QStringLiteral("seconds ago"));
     EXPECT_EQ(stringWithHumanizedTimeDifference(now.addSecs(-5400), now), QStringLiteral("about an hour ago"));
+}
+
+TEST(HumanizedTime, TranslationsAreFoundByTheKeys)
+{
+    German german;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&german));
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    EXPECT_EQ(stringWithHumanizedTimeDifference(now.addDays(-3), now), QStringLiteral("3 Tage ago"));
+    QCoreApplication::removeTranslator(&german);
 }

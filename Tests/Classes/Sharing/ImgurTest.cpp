@@ -13,7 +13,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
+#include <thread>
 
 namespace {
 
@@ -144,6 +146,61 @@ TEST_F(ImgurTest, WhatImgurSaysWentWrong)
         }
         EXPECT_TRUE(heard.urls.isEmpty());
     }
+}
+
+TEST_F(ImgurTest, AServerThatMisbehavesEndsTheUploadAndNothingElse)
+{
+    using Answer = LocalHTTPServer::Answer;
+    using Code = ZQNetworkErrorCode;
+    const QString target = QStringLiteral("/3/upload.json");
+    const Answer busy{.status = 429, .headers = {{"Retry-After", "3600"}}};
+    const struct
+    {
+        const char *what;
+        Answer answer;
+        Code code;
+        qint64 afterBytes = -1; // of the body; negative: it is read first
+    } cases[] = {
+        {"cut", {.end = LocalHTTPServer::End::Dropped, .endsBeforeHead = true}, Code::ConnectionLost},
+        {"cut in the file", {.end = LocalHTTPServer::End::Dropped, .endsBeforeHead = true}, Code::ConnectionLost, 1000},
+        {"redirect loop", Answer::redirect(server.address(target).toUtf8(), 307), Code::TooManyRedirects},
+        {"wrong identifier", {.status = 401}, Code::BadResponse},
+        {"busy for long", busy, Code::BadResponse},
+    };
+    const QString path = file(QStringLiteral("a.png"), QByteArray(3'000'000, 'a'));
+    for (const auto &each : cases) {
+        heard = {};
+        server.setAnswer(target, each.answer);
+        server.setInterruption(target, each.afterBytes < 0 ? qint64(1) << 40 : each.afterBytes, each.answer);
+        add(path, QStringLiteral("a"));
+        wait();
+        ASSERT_TRUE(heard.error) << each.what;
+        EXPECT_TRUE(zqIsNetworkError(*heard.error, each.code))
+            << each.what << ": " << heard.error->localizedDescription().toStdString();
+        EXPECT_TRUE(heard.urls.isEmpty()) << each.what;
+    }
+
+    const QByteArray link = "{\"data\":{\"link\":\"https://i.example.org/x.png\"}}";
+    server.setInterruption(target, qint64(1) << 40, {});
+    server.setHandler(target, [&link](const LocalHTTPServer::Request &) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300)); // slow, and no more than that
+        return Answer::with("application/json", link);
+    });
+    heard = {};
+    add(path, QStringLiteral("a"));
+    wait();
+    EXPECT_EQ(heard.urls.size(), 1);
+
+    std::atomic<int> asked = 0;
+    server.setHandler(target, [&](const LocalHTTPServer::Request &) {
+        return asked++ == 0 ? Answer{.status = 429, .headers = {{"Retry-After", "1"}}}
+                            : Answer::with("application/json", link);
+    });
+    heard = {};
+    add(path, QStringLiteral("a"));
+    wait();
+    EXPECT_EQ(heard.urls.size(), 1) << "it said when to come back";
+    EXPECT_EQ(asked, 2);
 }
 
 TEST_F(ImgurTest, FilesThatCannotGoAreRefusedBeforeAnythingIsSent)
