@@ -2,11 +2,11 @@
 
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQImageSource.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QStandardPaths>
 
 #include <fcntl.h>
@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr qint64 mostBytes = qint64(1) << 30; // of the file, and of the picture
+constexpr qint64 mostBytes = qint64(1) << 30; // of the file
 
 // A temporary directory that somebody set to a place where people keep things is none.
 bool isInTemporaryDirectory(const QString &path)
@@ -45,27 +45,6 @@ void removeIfPassedOn(const QString &path, const struct stat &opened)
     }
 }
 
-QImage read(QFile &file, ZQError *error)
-{
-    QImageReader reader(&file, "png");
-    reader.setAutoDetectImageFormat(false); // the name says nothing, and the content nothing but this
-    const QSize size = reader.size();
-    const QImage::Format format = reader.imageFormat();
-    const qint64 bytes =
-        size.isValid() ? qint64(size.width()) * size.height() * QImage::toPixelFormat(format).bitsPerPixel() / 8 : 0;
-    if (size.isEmpty() || format == QImage::Format_Invalid || bytes > mostBytes) {
-        zqSetError(error, PortalPicture::unreadable(reader.errorString()));
-        return {};
-    }
-    // Made here, since what a reader makes itself is limited, by one number for all readers of the process.
-    QImage image(size, format);
-    if (image.isNull() || !reader.read(&image)) {
-        zqSetError(error, PortalPicture::unreadable(reader.errorString()));
-        return {};
-    }
-    return image;
-}
-
 } // namespace
 
 ZQError PortalPicture::unreadable(const QString &reason)
@@ -79,13 +58,18 @@ QImage PortalPicture::take(const QString &path, ZQError *error)
     // A pipe would wait for who writes into it.
     const ZQFileDescriptor descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
-    QFile file;
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_size > mostBytes || !file.open(descriptor.get(), QIODevice::ReadOnly)) {
+        status.st_size > mostBytes) {
         zqSetError(error, unreadable());
         return {};
     }
-    QImage image = read(file, error);
+    // What was opened, whatever the name leads to meanwhile.
+    ZQError reason;
+    const QString opened = QStringLiteral("/proc/self/fd/%1").arg(descriptor.get());
+    QImage image = ZQImageSource::bitmapOfFile(opened, &reason).image();
+    if (image.isNull()) {
+        zqSetError(error, unreadable(reason.localizedDescription()));
+    }
     if (!image.isNull()) {
         removeIfPassedOn(path, status);
     }

@@ -2,9 +2,8 @@
 
 #include "Classes/Capture/WebCaptureErrors.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Imaging/ZQPNGPicture.h"
 
-#include <QBuffer>
-#include <QImageReader>
 #include <QJsonArray>
 #include <QUrl>
 
@@ -377,14 +376,13 @@ std::optional<QByteArray> WebPage::photograph(const QRect &rect, Packing packing
     return QByteArray::fromBase64(answer->value(QStringLiteral("data")).toString().toLatin1());
 }
 
-// The browser's own process wrote it, not the one that reads the page, and nothing but PNG is tried.
-QImage WebPage::decoded(const QByteArray &png, QSize size)
+QImage WebPage::decoded(const QByteArray &png, QSize size, ZQError *error)
 {
-    QBuffer buffer;
-    buffer.setData(png);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, "png");
-    QImage image = reader.size() == size ? reader.read() : QImage();
+    QImage image = zqPictureOfPNG(png, error);
+    if (!image.isNull() && image.size() != size) {
+        zqSetError(error, noMemory());
+        return {};
+    }
     return image.isNull() ? image : std::move(image).convertToFormat(QImage::Format_RGBA8888);
 }
 
@@ -403,9 +401,8 @@ std::optional<QImage> WebPage::picture(const QRect &rect, ZQError *error, const 
         if (!png) {
             return std::nullopt;
         }
-        const QImage part = decoded(*png, tile.size() * m_scale);
+        const QImage part = decoded(*png, tile.size() * m_scale, error);
         if (part.isNull()) {
-            zqSetError(error, noMemory());
             return std::nullopt;
         }
         std::memcpy(whole.scanLine(y * m_scale), part.constBits(), size_t(part.sizeInBytes()));

@@ -53,7 +53,7 @@ public:
     // with what part of it is there, 0 to 1.
     std::optional<QImage> picture(const QRect &rect, ZQError *error = nullptr,
                                   const std::function<void(double)> &didTake = {});
-    static QImage decoded(const QByteArray &png, QSize size); // null when it is none of that size
+    static QImage decoded(const QByteArray &png, QSize size, ZQError *error); // null when it is none of that size
 
     DevToolsPage &devTools() { return m_devTools; }
 

@@ -10,6 +10,7 @@
 #include "Kit/Files/ZQSystemFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageDestination.h"
+#include "Kit/Imaging/ZQPNGPicture.h"
 #include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QDir>
@@ -162,7 +163,10 @@ bool WebPageCapture::findRect(WebPage &page, ZQError *error)
         if (!png) {
             return false;
         }
-        m_result.preview.loadFromData(*png, "PNG");
+        m_result.preview = zqPictureOfPNG(*png, error);
+        if (m_result.preview.isNull()) {
+            return false;
+        }
     }
     return true;
 }
