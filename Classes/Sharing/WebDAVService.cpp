@@ -84,11 +84,16 @@ void WebDAVCheck::keep(const WebDAVSettings &settings, const QByteArray &passwor
                                       });
 }
 
-void WebDAVCheck::disconnect(Done done)
+void WebDAVCheck::disconnect(const Done &done)
 {
-    for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
-        ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
-    }
-    forgetSecrets(WebDAVSettings::serviceOfSecrets,
-                  SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets), std::move(done));
+    const QStringList accounts = SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets);
+    // A server that is still known can be disconnected again when the keyring refused.
+    forgetSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
+        if (error.isNull()) {
+            for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
+                ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
+            }
+        }
+        done(error);
+    });
 }

@@ -28,8 +28,8 @@ public:
     using Done = std::function<void(const ZQError &error)>; // null: it is kept
     void connectTo(const WebDAVSettings &settings, const QByteArray &password, Done done);
     void cancel() { m_requests.cancel(); }
-    // Forgets the server, and its passwords.
-    static void disconnect(Done done);
+    // Forgets its passwords, and then the server, which stays while one could not be forgotten.
+    static void disconnect(const Done &done);
 
 private:
     static void keep(const WebDAVSettings &settings, const QByteArray &password, const Done &done);

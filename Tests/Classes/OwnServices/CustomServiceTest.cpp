@@ -23,6 +23,13 @@ protected:
         zqRunMainLoopUntil([&] { return end.has_value(); });
         return *end;
     }
+    static ZQError removeIt()
+    {
+        std::optional<ZQError> end;
+        CustomServices::remove(QStringLiteral("Ours"), [&](const ZQError &each) { end = each; });
+        zqRunMainLoopUntil([&] { return end.has_value(); });
+        return *end;
+    }
     void upload()
     {
         const auto service = CloudServices::sharedCloudServices().serviceNamed(QStringLiteral("custom:Ours"));
@@ -129,9 +136,11 @@ TEST_F(CustomServiceTest, SecretsAreAskedForAndForgottenWithTheirService)
     EXPECT_TRUE(error) << "the secret is gone";
 
     ASSERT_TRUE(add(text(form), key).isNull());
-    std::optional<ZQError> end;
-    CustomServices::remove(QStringLiteral("Ours"), [&](const ZQError &each) { end = each; });
-    zqRunMainLoopUntil([&] { return end.has_value(); });
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
+    EXPECT_EQ(removeIt().code, SecretStore::Denied);
+    EXPECT_EQ(CustomServices::all().size(), 1) << "it can be removed again";
+    secrets->failure = {};
+    EXPECT_TRUE(removeIt().isNull());
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(CustomServices::all().isEmpty());
     EXPECT_FALSE(CloudServices::sharedCloudServices().serviceNamed(QStringLiteral("custom:Ours")));
