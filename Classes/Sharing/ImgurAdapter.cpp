@@ -126,6 +126,7 @@ void ImgurAdapter::send()
     request.body = std::move(*m_body);
     request.connections = m_access.connections;
     request.maximumSize = largestAnswer;
+    request.answerTime = std::chrono::minutes(5);
     const auto self = shared_from_this();
     request.didSendBytes = [this, self](qint64 sent, qint64 total) {
         if (total > 0) {

@@ -52,6 +52,9 @@ struct ZQHTTPRequest
     std::chrono::milliseconds connectTime{20'000};
     std::chrono::milliseconds stallTime{30'000}; // without a byte
     std::chrono::milliseconds wholeTime{0};      // zero: as long as it takes
+    // For all of the answer, from when all of `body` was sent or the answer began: one that drips is never silent.
+    // Zero: as long as it takes.
+    std::chrono::milliseconds answerTime{0};
 
     int mostRedirects = 10;
     bool mayLoseEncryption = false; // by a redirect from https to http
