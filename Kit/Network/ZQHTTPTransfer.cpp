@@ -218,7 +218,10 @@ QNetworkRequest ZQHTTPTransfer::networkRequest(const QByteArray &login) const
     request.setDecompressedSafetyCheckThreshold(-1);                     // the maximum size holds for what is unpacked
     const bool isAtFirstServer = isSameServer(m_request.url, m_response.url);
     for (const auto &[name, value] : m_request.headers) {
-        const bool isOfBody = name.toLower().startsWith("content-");
+        const QByteArray lower = name.toLower();
+        // A condition on what is written would have what is read instead refused.
+        const bool isOfBody =
+            lower.startsWith("content-") || (lower == "if-none-match" && m_method != m_request.method);
         if ((isAtFirstServer || !isSecret(name)) && (m_sendsBody || !isOfBody)) {
             request.setRawHeader(name, value);
         }

@@ -70,13 +70,19 @@ TEST_F(CustomServiceTest, TheFileAloneIsSentAndLinksComeFromHeadersAndRedirects)
     upload();
     EXPECT_EQ(link, server.address(QStringLiteral("/f/1"))) << problem();
     EXPECT_EQ(server.requests().first().method, QByteArray("PUT"));
+    EXPECT_EQ(server.requests().first().headers.value("if-none-match"), QByteArray("*"));
     EXPECT_EQ(server.requests().first().body, contents);
     EXPECT_EQ(server.requests().first().headers.value("content-type"), QByteArray("application/octet-stream"));
 
-    ASSERT_TRUE(add(text(R"("raw": true, "link": {"final": true})")).isNull());
+    ASSERT_TRUE(add(text(R"("method": "PUT", "raw": true, "link": {"final": true})")).isNull());
     server.setAnswer(QStringLiteral("/f/1"), json("{}"));
     upload();
     EXPECT_EQ(link, server.address(QStringLiteral("/f/1"))) << problem();
+    EXPECT_FALSE(server.requests().last().headers.contains("if-none-match")) << "what is there is read then";
+
+    server.setAnswer(QStringLiteral("/up"), {.status = 412});
+    upload();
+    EXPECT_NE(problem().find("of that name"), std::string::npos) << problem();
     EXPECT_EQ(CustomServices::all().size(), 1) << "one took the place of the other";
 }
 
