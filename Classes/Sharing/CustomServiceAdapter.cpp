@@ -76,6 +76,7 @@ ZQHTTPRequest CustomServiceAdapter::request() const
     request.url = m_description.url;
     request.method = m_description.method;
     request.mostRedirects = wantsRedirect(m_description) ? 0 : 5;
+    request.mayMoveBody = false;
     request.mayGoTo = [first = m_description.url, hasSecrets = !m_description.secrets().isEmpty()](const QUrl &url) {
         return refusalOf(url, first, hasSecrets);
     };

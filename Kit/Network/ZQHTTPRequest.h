@@ -58,6 +58,7 @@ struct ZQHTTPRequest
 
     int mostRedirects = 10;
     bool mayLoseEncryption = false; // by a redirect from https to http
+    bool mayMoveBody = true;        // by a redirect that keeps it (307 and 308) to another server
     // Asked for the address and for each that it redirects to; an error refuses it. Null: all may be gone to.
     std::function<ZQError(const QUrl &url)> mayGoTo = {};
     // Asked for each address that the host's name resolves to; those refused are not connected to, and where none is

@@ -487,6 +487,11 @@ bool ZQHTTPTransfer::redirect()
         fail(ZQTransferError::losesEncryption(from.host()));
         return true;
     }
+    const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
+    if (status >= 307 && hasBody && !m_request.mayMoveBody && !isSameServer(m_request.url, to)) {
+        fail(ZQTransferError::movesBody(from.host(), to.host()));
+        return true;
+    }
     if (status < 307 && m_method != "HEAD") {
         m_method = "GET";
         m_sendsBody = false;

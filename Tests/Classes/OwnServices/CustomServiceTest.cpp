@@ -115,6 +115,25 @@ TEST_F(CustomServiceTest, SecretsGoToTheirServerOnlyAndFailuresAreTold)
     EXPECT_TRUE(other.requests().isEmpty());
 }
 
+TEST_F(CustomServiceTest, FilesGoToTheirServerOnlyAlsoWithoutSecrets)
+{
+    ASSERT_TRUE(add(text(R"("file": "f", "link": {"final": true})")).isNull());
+    LocalHTTPServer other;
+    other.setAnswer(QStringLiteral("/x"), json("{}"));
+    for (const int status : {307, 308}) {
+        server.setAnswer(QStringLiteral("/up"), Answer::redirect(other.address(QStringLiteral("/x")).toUtf8(), status));
+        upload();
+        EXPECT_TRUE(error) << status;
+        EXPECT_TRUE(other.requests().isEmpty()) << status;
+    }
+    server.setAnswer(QStringLiteral("/up"), Answer::redirect("/there", 307));
+    server.setAnswer(QStringLiteral("/there"), Answer::redirect(other.address(QStringLiteral("/x")).toUtf8(), 303));
+    upload();
+    EXPECT_EQ(link, other.address(QStringLiteral("/x"))) << problem();
+    ASSERT_EQ(other.requests().size(), 1);
+    EXPECT_TRUE(other.requests().first().body.isEmpty());
+}
+
 TEST_F(CustomServiceTest, SecretsAreAskedForAndForgottenWithTheirService)
 {
     EXPECT_FALSE(add(text(form)).isNull()) << "the secret is missing";
