@@ -161,6 +161,27 @@ TEST_F(WebDAVTest, APasswordIsKeptForTheServerThatTookItAndForNoOther)
     EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
 }
 
+TEST_F(WebDAVTest, WhatIsCancelledWhileTheKeyringAsksIsNotKept)
+{
+    server.setHandler(root + "/", forMe({.status = 207}));
+    for (const bool isGone : {false, true}) {
+        secrets->entries.clear();
+        auto check = std::make_unique<WebDAVCheck>();
+        bool isTold = false;
+        check->connectTo(settings, ZQSecret(QByteArray("pass")), [&](const ZQError &) { isTold = true; });
+        bool isAsked = false;
+        secrets->onSet = [&] {
+            isGone ? check.reset() : check->cancel();
+            isAsked = true;
+        };
+        zqRunMainLoopUntil([&] { return isAsked; });
+        EXPECT_TRUE(secrets->entries.isEmpty()) << isGone;
+        EXPECT_FALSE(isTold) << isGone;
+        EXPECT_FALSE(WebDAVService().isReady()) << isGone;
+        EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVAddress")).isEmpty()) << isGone;
+    }
+}
+
 TEST_F(WebDAVTest, OnlyAddressesThatAreSafeAreTaken)
 {
     const struct
