@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int preconditionFailed = 412;
+
 bool isSameServer(const QUrl &a, const QUrl &b)
 {
     return a.scheme() == b.scheme() && a.host() == b.host() && a.port() == b.port();
@@ -74,6 +76,7 @@ ZQHTTPRequest CustomServiceAdapter::request() const
     request.url = m_description.url;
     request.method = m_description.method;
     request.mostRedirects = wantsRedirect(m_description) ? 0 : 5;
+    request.mayMoveBody = false;
     request.mayGoTo = [first = m_description.url, hasSecrets = !m_description.secrets().isEmpty()](const QUrl &url) {
         return refusalOf(url, first, hasSecrets);
     };
@@ -112,9 +115,14 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
         return;
     }
     bool hasType = !m_description.file.isEmpty();
+    bool hasCondition = filled.method != "PUT";
     for (const auto &[name, value] : m_description.headers) {
         filled.headers.emplaceBack(name.toLatin1(), UploadDescription::filledIn(value, secrets).toUtf8());
         hasType = hasType || name.compare(u"Content-Type", Qt::CaseInsensitive) == 0;
+        hasCondition = hasCondition || name.startsWith(u"If-", Qt::CaseInsensitive);
+    }
+    if (!hasCondition) {
+        filled.headers.emplaceBack("If-None-Match", "*"); // nothing that is there is overwritten
     }
     if (!hasType) {
         filled.headers.emplaceBack("Content-Type", "application/octet-stream");
@@ -126,6 +134,13 @@ void CustomServiceAdapter::send(const QHash<QString, ZQSecret> &secrets)
 
 void CustomServiceAdapter::answered(const ZQHTTPResponse &response)
 {
+    if (response.statusCode == preconditionFailed) {
+        uploadFailed(UploadProblem::with(
+            zqFormat(zqLocalized("“%@” has a file of that name already, which was left as it is."),
+                     {m_description.name}),
+            zqLocalized("Ask whoever runs it for a description that gives each file a name of its own.")));
+        return;
+    }
     const bool isRedirect = wantsRedirect(m_description) && response.statusCode / 100 == 3;
     if (!response.isWhole() && !isRedirect) {
         uploadFailed(UploadProblem::of(response));

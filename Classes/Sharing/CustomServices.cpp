@@ -183,15 +183,17 @@ void CustomServices::add(const UploadDescription &description, const QHash<QStri
     keepNextSecret(std::make_shared<Adding>(Adding{description, secrets, names, std::move(done)}));
 }
 
-void CustomServices::remove(const QString &name, Done done)
+void CustomServices::remove(const QString &name, const Done &done)
 {
-    QStringList list = texts();
-    list.removeIf([&](const QString &each) { return nameIn(each) == name; });
-    if (ZQError error; !ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &error)) {
-        done(error);
-        return;
-    }
-    forgetSecrets(serviceOfSecrets, accountsOf(name), std::move(done));
+    forgetSecrets(serviceOfSecrets, accountsOf(name), [name, done](const ZQError &error) {
+        ZQError problem = error;
+        if (problem.isNull()) {
+            QStringList list = texts();
+            list.removeIf([&](const QString &each) { return nameIn(each) == name; });
+            ZQUserDefaults::standardUserDefaults().storeObjectForKey(list, listKey, &problem);
+        }
+        done(problem);
+    });
 }
 
 bool CustomServices::hasSecrets(const UploadDescription &description)

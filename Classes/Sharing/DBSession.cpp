@@ -6,6 +6,7 @@
 #include "Classes/Sharing/WebBrowser.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Network/ZQNetworkError.h"
 
 #include <QCryptographicHash>
@@ -315,7 +316,7 @@ std::optional<DBSession::Tokens> DBSession::read(const ZQHTTPResponse &response,
 {
     const QJsonObject answer = QJsonDocument::fromJson(response.body).object();
     if (!response.isWhole()) {
-        const QString reason = answer.value(u"error_description").toString();
+        const QString reason = zqShortened(answer.value(u"error_description").toString().simplified());
         const bool isTheirs = response.statusCode >= 400 && !reason.isEmpty();
         zqSetError(error, isTheirs ? sessionError(Refused, zqFormat(zqLocalized("Dropbox says: “%@”."), {reason}))
                                    : response.error);

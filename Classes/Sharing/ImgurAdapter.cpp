@@ -4,6 +4,7 @@
 #include "Classes/Sharing/UploadProblem.h"
 #include "Kit/Files/ZQRegularFile.h"
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 #include <QFileInfo>
@@ -147,7 +148,7 @@ void ImgurAdapter::came(const ZQHTTPResponse &response)
     const QJsonObject answer = document.object();
     if (const QString reason = errorIn(answer); !reason.isNull()) {
         ZQError error{errorDomain, refused, {}};
-        error.userInfo.insert(ZQError::failureReasonKey, reason);
+        error.userInfo.insert(ZQError::failureReasonKey, zqShortened(reason.simplified()));
         uploadFailed(error);
         return;
     }

@@ -12,6 +12,8 @@ constexpr int mostTimesBusy = 3;
 constexpr std::chrono::seconds usualWait{1};
 constexpr std::chrono::seconds longestWait{60};
 constexpr std::chrono::seconds longestSilence{90}; // servers put large files together before they answer
+constexpr std::chrono::minutes longestExchange{2}; // without a file to send
+constexpr std::chrono::minutes longestAnswer{5};   // after a file; what systems still hold of it counts, too
 constexpr qint64 largestAnswer = qint64(1) << 20;
 
 } // namespace
@@ -39,6 +41,8 @@ void ServiceRequests::perform(const ZQHTTPRequest &request, Answered answered, S
     m_underWay->request.connections = m_connections;
     m_underWay->request.maximumSize = largestAnswer;
     m_underWay->request.stallTime = longestSilence;
+    m_underWay->request.answerTime = longestAnswer;
+    m_underWay->request.wholeTime = request.makeBody ? std::chrono::minutes::zero() : longestExchange;
     const std::weak_ptr<UnderWay> weak = m_underWay;
     if (sent) {
         m_underWay->request.didSendBytes = [weak, sent](qint64 count, qint64 total) {

@@ -10,9 +10,7 @@
 
 namespace {
 
-// A stranger's expression over a stranger's answer: both are kept short, and so is the search.
-constexpr qsizetype mostSearched = 64 * 1024;
-const QString searchLimit = QStringLiteral("(*LIMIT_MATCH=200000)(*LIMIT_DEPTH=2000)");
+constexpr qsizetype mostSearched = 64 * 1024; // bytes of an answer
 
 const QRegularExpression &placeholder()
 {
@@ -44,11 +42,13 @@ QString atPointer(const QByteArray &body, const QString &pointer)
     return value.toString();
 }
 
-QString atPattern(const QByteArray &body, const QString &pattern)
+QString between(const QByteArray &body, const QString &before, const QString &after)
 {
-    const QRegularExpression expression(searchLimit + pattern);
-    const QRegularExpressionMatch match = expression.match(QString::fromUtf8(body.left(mostSearched)));
-    return match.hasMatch() ? match.captured(match.lastCapturedIndex() >= 1 ? 1 : 0) : QString();
+    const QString text = QString::fromUtf8(body.left(mostSearched));
+    const qsizetype found = text.indexOf(before);
+    const qsizetype start = found + before.size();
+    const qsizetype end = found < 0 ? -1 : text.indexOf(after, start);
+    return end < 0 ? QString() : text.mid(start, end - start);
 }
 
 } // namespace
@@ -94,8 +94,8 @@ QString UploadDescription::linkIn(const ZQHTTPResponse &response) const
     case LinkPlace::Pointer:
         found = atPointer(response.body, linkAt);
         break;
-    case LinkPlace::Pattern:
-        found = atPattern(response.body, linkAt);
+    case LinkPlace::Between:
+        found = between(response.body, linkAt, linkEnd);
         break;
     case LinkPlace::Header:
         found = QString::fromUtf8(response.header(linkAt.toLatin1()));

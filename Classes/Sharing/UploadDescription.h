@@ -26,7 +26,8 @@
 //       "file": "upload",                              the form field of the file; or instead of both:
 //       "raw": true,                                   the file alone is what is sent
 //       "link": {"pointer": "/data/url"}               where the link is found; or
-//               {"pattern": "href=\"([^\"]+)\""}         what the group (or the whole) of a regular expression matches
+//               {"before": "href=\"", "after": "\""}    what stands between the first of the one text and the next of
+//                                                      the other: no expressions, whose search may never end
 //               {"header": "Location"}                 in a header of the answer
 //               {"final": true}                        the address at which redirects ended
 //     }
@@ -36,7 +37,7 @@
 // must not mean more than a person can see. A value; any thread.
 struct UploadDescription
 {
-    enum class LinkPlace { Pointer, Pattern, Header, FinalAddress };
+    enum class LinkPlace { Pointer, Between, Header, FinalAddress };
     using Pairs = QList<std::pair<QString, QString>>;
 
     QString name;
@@ -46,7 +47,8 @@ struct UploadDescription
     Pairs fields;
     QString file; // empty: raw
     LinkPlace linkPlace = LinkPlace::FinalAddress;
-    QString linkAt;    // the pointer, the pattern, the header's name
+    QString linkAt;    // the pointer, the text before it, the header's name
+    QString linkEnd;   // the text after it; empty: it is not between two
     QByteArray source; // as it was written
 
     static constexpr qsizetype largest = 64 * 1024; // bytes of a file

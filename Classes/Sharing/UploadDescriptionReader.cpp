@@ -14,7 +14,7 @@ using Type = LinedJSON::Type;
 
 constexpr qsizetype longestName = 60;
 constexpr qsizetype longestText = 4096;
-constexpr qsizetype longestPattern = 500;
+constexpr qsizetype longestPlace = 500;
 constexpr qsizetype mostPairs = 50;
 
 bool isPrintable(const QString &text)
@@ -246,13 +246,19 @@ private:
             UploadDescription::LinkPlace place;
         };
         static constexpr std::array places = {Place{u"pointer", UploadDescription::LinkPlace::Pointer},
-                                              Place{u"pattern", UploadDescription::LinkPlace::Pattern},
                                               Place{u"header", UploadDescription::LinkPlace::Header},
                                               Place{u"final", UploadDescription::LinkPlace::FinalAddress}};
         const LinedJSON *const link = m_root.member(QStringLiteral("link"));
-        if (!link || link->type != Type::Object || link->members.size() != 1) {
-            fail(link ? *link : m_root,
-                 zqLocalized("“link” must hold one of “pointer”, “pattern”, “header”, “final”."));
+        const bool isBetween =
+            link && (link->member(QStringLiteral("before")) || link->member(QStringLiteral("after")));
+        if (!link || link->type != Type::Object || link->members.isEmpty() ||
+            link->members.size() > (isBetween ? 2 : 1)) {
+            fail(link ? *link : m_root, zqLocalized("“link” must hold one of “pointer”, “header”, “final”, or both "
+                                                    "“before” and “after”."));
+            return;
+        }
+        if (isBetween) {
+            readBetween(*link);
             return;
         }
         const auto &[name, value] = link->members.first();
@@ -267,10 +273,19 @@ private:
             if (value.type != Type::Bool || value.text != u"true") {
                 fail(value, zqLocalized("“final” is true."));
             }
-        } else if (const LinedJSON *const at = text(*link, name, true, longestPattern)) {
+        } else if (const LinedJSON *const at = text(*link, name, true, longestPlace)) {
             m_read.linkAt = at->text;
             checkLink(*at);
         }
+    }
+
+    void readBetween(const LinedJSON &link)
+    {
+        const LinedJSON *const before = text(link, QStringLiteral("before"), true, longestPlace);
+        const LinedJSON *const after = text(link, QStringLiteral("after"), true, longestPlace);
+        m_read.linkPlace = UploadDescription::LinkPlace::Between;
+        m_read.linkAt = before ? before->text : QString();
+        m_read.linkEnd = after ? after->text : QString();
     }
 
     void checkLink(const LinedJSON &at)
@@ -282,19 +297,12 @@ private:
                 fail(at, zqLocalized("A pointer names the way to the link, as /data/url."));
             }
             break;
-        case UploadDescription::LinkPlace::Pattern:
-            // These would raise the limits of the search.
-            if (at.text.startsWith(u"(*")) {
-                fail(at, zqLocalized("The pattern must not begin with “(*”."));
-            } else if (const QRegularExpression expression(at.text); !expression.isValid()) {
-                fail(at, zqFormat(zqLocalized("The pattern cannot be read: %s."), {expression.errorString()}));
-            }
-            break;
         case UploadDescription::LinkPlace::Header:
             if (!isHeaderName(at.text)) {
                 fail(at, zqFormat(zqLocalized("“%@” is not the name of a header."), {at.text}));
             }
             break;
+        case UploadDescription::LinkPlace::Between:
         case UploadDescription::LinkPlace::FinalAddress:
             break;
         }

@@ -34,9 +34,9 @@ std::shared_ptr<CloudAdapter> WebDAVService::makeAdapter(const QString &fileURL,
     return std::make_shared<WebDAVAdapter>(fileURL, fileName, fileID, delegate, WebDAVSettings::stored());
 }
 
-void WebDAVCheck::connectTo(const WebDAVSettings &settings, const QByteArray &password, Done done)
+void WebDAVCheck::connectTo(const WebDAVSettings &settings, const ZQSecret &password, const Done &done)
 {
-    m_requests.cancel();
+    cancel();
     ZQError error;
     const auto addresses = settings.addresses(&error);
     if (!addresses) {
@@ -49,9 +49,9 @@ void WebDAVCheck::connectTo(const WebDAVSettings &settings, const QByteArray &pa
     request.headers = {{"Depth", "0"}, {"Content-Type", "application/xml"}};
     request.body = "<?xml version=\"1.0\"?><propfind xmlns=\"DAV:\"><prop><resourcetype/></prop></propfind>";
     request.user = settings.user.trimmed();
-    request.password = ZQSecret(password);
+    request.password = password;
     request.mostRedirects = 0;
-    m_requests.perform(request, [settings, password, done](const ZQHTTPResponse &response) {
+    m_requests.perform(request, [this, settings, password, done](const ZQHTTPResponse &response) {
         if (response.statusCode == 207) {
             keep(settings, password, done);
         } else if (response.statusCode == 401) {
@@ -68,27 +68,65 @@ void WebDAVCheck::connectTo(const WebDAVSettings &settings, const QByteArray &pa
     });
 }
 
-void WebDAVCheck::keep(const WebDAVSettings &settings, const QByteArray &password, const Done &done)
+void WebDAVCheck::cancel()
 {
-    const QStringList before = SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets);
-    SecretStore::shared().setPassword(password, WebDAVSettings::serviceOfSecrets, settings.account(),
-                                      [settings, before, done](const ZQError &error) {
-                                          ZQError problem = error;
-                                          if (problem.isNull() && settings.store(&problem)) {
-                                              QStringList others = before;
-                                              others.removeAll(settings.account());
-                                              forgetSecrets(WebDAVSettings::serviceOfSecrets, others, done);
-                                              return;
-                                          }
-                                          done(problem);
-                                      });
+    m_requests.cancel();
+    ++m_attempt->number;
+    m_attempt->account.clear();
 }
 
-void WebDAVCheck::disconnect(Done done)
+void WebDAVCheck::keep(const WebDAVSettings &settings, const ZQSecret &password, const Done &done)
 {
-    for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
-        ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
+    const QString account = settings.account();
+    const QStringList before = SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets);
+    m_attempt->account = account;
+    SecretStore::shared().setPassword(
+        password.UTF8(), WebDAVSettings::serviceOfSecrets, account,
+        [settings, before, done, account, attempt = m_attempt, number = m_attempt->number](const ZQError &error) {
+            if (number != attempt->number) { // cancelled while the desktop asked the person
+                if (error.isNull() && !before.contains(account) && attempt->account != account) {
+                    forgetSecrets(WebDAVSettings::serviceOfSecrets, {account}, [](const ZQError &) {});
+                }
+                return;
+            }
+            if (!error.isNull()) {
+                attempt->account.clear();
+                done(error);
+                return;
+            }
+            const Done current = [done, attempt, number](const ZQError &problem) {
+                if (number == attempt->number) {
+                    done(problem);
+                }
+            };
+            kept(settings, before, current);
+        });
+}
+
+void WebDAVCheck::kept(const WebDAVSettings &settings, const QStringList &before, const Done &done)
+{
+    ZQError error;
+    if (!settings.store(&error)) {
+        const QString account = settings.account();
+        const QStringList unused = before.contains(account) ? QStringList() : QStringList(account);
+        forgetSecrets(WebDAVSettings::serviceOfSecrets, unused, [done, error](const ZQError &) { done(error); });
+        return;
     }
-    forgetSecrets(WebDAVSettings::serviceOfSecrets,
-                  SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets), std::move(done));
+    QStringList others = before;
+    others.removeAll(settings.account());
+    forgetSecrets(WebDAVSettings::serviceOfSecrets, others, done);
+}
+
+void WebDAVCheck::disconnect(const Done &done)
+{
+    const QStringList accounts = SecretStore::shared().accountsOfService(WebDAVSettings::serviceOfSecrets);
+    // A server that is still known can be disconnected again when the keyring refused.
+    forgetSecrets(WebDAVSettings::serviceOfSecrets, accounts, [done](const ZQError &error) {
+        if (error.isNull()) {
+            for (const char *key : {"WebDAVAddress", "WebDAVUser", "WebDAVFolder", "WebDAVPublicAddress"}) {
+                ZQUserDefaults::standardUserDefaults().removeObjectForKey(QString::fromLatin1(key));
+            }
+        }
+        done(error);
+    });
 }

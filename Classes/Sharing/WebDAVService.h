@@ -3,6 +3,7 @@
 #include "Classes/Sharing/CloudService.h"
 #include "Classes/Sharing/ServiceRequests.h"
 #include "Classes/Sharing/WebDAVSettings.h"
+#include "Kit/Foundation/ZQSecret.h"
 
 #include <functional>
 #include <memory>
@@ -20,17 +21,28 @@ public:
 };
 
 // Whether a server can be reached and lets the person in; and, when it does, the keeping of it, with the password in
-// the secret service. When it goes, nobody is told. Main thread.
+// the secret service. When it goes, or is cancelled, nobody is told and nothing is kept, also when the desktop asks the
+// person for its keyring just then. Main thread.
 class WebDAVCheck
 {
 public:
+    ~WebDAVCheck() { cancel(); }
     using Done = std::function<void(const ZQError &error)>; // null: it is kept
-    void connectTo(const WebDAVSettings &settings, const QByteArray &password, Done done);
-    void cancel() { m_requests.cancel(); }
-    // Forgets the server, and its passwords.
-    static void disconnect(Done done);
+    void connectTo(const WebDAVSettings &settings, const ZQSecret &password, const Done &done);
+    void cancel();
+    // Forgets its passwords, and then the server, which stays while one could not be forgotten.
+    static void disconnect(const Done &done);
 
 private:
-    static void keep(const WebDAVSettings &settings, const QByteArray &password, const Done &done);
+    // Outlives the check in what a store answers late.
+    struct Attempt
+    {
+        int number = 0;
+        QString account = {}; // that is being kept, or was; empty: none
+    };
+    void keep(const WebDAVSettings &settings, const ZQSecret &password, const Done &done);
+    static void kept(const WebDAVSettings &settings, const QStringList &before, const Done &done);
+
     ServiceRequests m_requests;
+    const std::shared_ptr<Attempt> m_attempt = std::make_shared<Attempt>();
 };

@@ -52,9 +52,13 @@ struct ZQHTTPRequest
     std::chrono::milliseconds connectTime{20'000};
     std::chrono::milliseconds stallTime{30'000}; // without a byte
     std::chrono::milliseconds wholeTime{0};      // zero: as long as it takes
+    // For all of the answer, from when all of `body` was sent or the answer began: one that drips is never silent.
+    // Zero: as long as it takes.
+    std::chrono::milliseconds answerTime{0};
 
     int mostRedirects = 10;
     bool mayLoseEncryption = false; // by a redirect from https to http
+    bool mayMoveBody = true;        // by a redirect that keeps it (307 and 308) to another server
     // Asked for the address and for each that it redirects to; an error refuses it. Null: all may be gone to.
     std::function<ZQError(const QUrl &url)> mayGoTo = {};
     // Asked for each address that the host's name resolves to; those refused are not connected to, and where none is

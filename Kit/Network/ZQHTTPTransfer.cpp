@@ -73,18 +73,21 @@ ZQHTTPTransfer::ZQHTTPTransfer(ZQHTTPRequest request, std::function<void(const Z
         m_user = m_request.url.userName(QUrl::FullyDecoded);
         m_password = ZQSecret(m_request.url.password(QUrl::FullyDecoded));
     }
-    for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer}) {
+    for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer, &m_answerTimer}) {
         timer->setSingleShot(true);
     }
     m_connectTimer.setInterval(m_request.connectTime);
     m_stallTimer.setInterval(m_request.stallTime);
+    m_answerTimer.setInterval(m_request.answerTime);
     connect(&m_connectTimer, &QTimer::timeout, this, [this] {
         if (!isTryingNext()) {
             fail(ZQTransferError::noAnswer(host()));
         }
     });
     connect(&m_stallTimer, &QTimer::timeout, this, [this] { fail(ZQTransferError::silence(host())); });
-    connect(&m_wholeTimer, &QTimer::timeout, this, [this] { fail(ZQTransferError::tookTooLong(host())); });
+    for (const QTimer *timer : {&m_wholeTimer, &m_answerTimer}) {
+        connect(timer, &QTimer::timeout, this, [this] { fail(ZQTransferError::tookTooLong(host())); });
+    }
 }
 
 ZQHTTPTransfer::~ZQHTTPTransfer()
@@ -215,7 +218,10 @@ QNetworkRequest ZQHTTPTransfer::networkRequest(const QByteArray &login) const
     request.setDecompressedSafetyCheckThreshold(-1);                     // the maximum size holds for what is unpacked
     const bool isAtFirstServer = isSameServer(m_request.url, m_response.url);
     for (const auto &[name, value] : m_request.headers) {
-        const bool isOfBody = name.toLower().startsWith("content-");
+        const QByteArray lower = name.toLower();
+        // A condition on what is written would have what is read instead refused.
+        const bool isOfBody =
+            lower.startsWith("content-") || (lower == "if-none-match" && m_method != m_request.method);
         if ((isAtFirstServer || !isSecret(name)) && (m_sendsBody || !isOfBody)) {
             request.setRawHeader(name, value);
         }
@@ -291,6 +297,9 @@ void ZQHTTPTransfer::follow(QNetworkReply *reply)
         m_isConnected = true;
         m_connectTimer.stop();
         m_stallTimer.start();
+        if (total > 0 && sent >= total) {
+            limitAnswer();
+        }
         if (m_request.didSendBytes && total > 0) {
             m_request.didSendBytes(sent, total);
         }
@@ -347,6 +356,13 @@ bool ZQHTTPTransfer::logIn()
     return true;
 }
 
+void ZQHTTPTransfer::limitAnswer()
+{
+    if (m_request.answerTime.count() > 0 && !m_answerTimer.isActive()) {
+        m_answerTimer.start();
+    }
+}
+
 void ZQHTTPTransfer::headCame()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -356,6 +372,7 @@ void ZQHTTPTransfer::headCame()
     m_hasHead = m_isConnected = true;
     m_connectTimer.stop();
     m_stallTimer.start();
+    limitAnswer();
     m_response.statusCode = status;
     m_response.headers = {};
     for (const auto &[name, value] : m_reply->rawHeaderPairs()) {
@@ -470,6 +487,11 @@ bool ZQHTTPTransfer::redirect()
         fail(ZQTransferError::losesEncryption(from.host()));
         return true;
     }
+    const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
+    if (status >= 307 && hasBody && !m_request.mayMoveBody && !isSameServer(m_request.url, to)) {
+        fail(ZQTransferError::movesBody(from.host(), to.host()));
+        return true;
+    }
     if (status < 307 && m_method != "HEAD") {
         m_method = "GET";
         m_sendsBody = false;
@@ -536,7 +558,7 @@ void ZQHTTPTransfer::fail(const ZQError &error)
 
 void ZQHTTPTransfer::end()
 {
-    for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer}) {
+    for (QTimer *timer : {&m_connectTimer, &m_stallTimer, &m_wholeTimer, &m_answerTimer}) {
         timer->stop();
     }
     const auto done = std::exchange(m_done, nullptr);
@@ -565,6 +587,7 @@ void ZQHTTPTransfer::place()
 
 void ZQHTTPTransfer::dropReply()
 {
+    m_answerTimer.stop(); // what is sent again has its own
     if (QNetworkReply *const reply = std::exchange(m_reply, nullptr)) {
         reply->disconnect(this);
         reply->abort();

@@ -44,6 +44,7 @@ private:
     QByteArray answerToChallenge();
     bool logIn();
 
+    void limitAnswer();
     void headCame();
     void bytesCame();
     bool keep(const char *data, qint64 size);
@@ -85,4 +86,5 @@ private:
     QTimer m_connectTimer;
     QTimer m_stallTimer;
     QTimer m_wholeTimer;
+    QTimer m_answerTimer;
 };

@@ -78,6 +78,13 @@ ZQError ZQTransferError::losesEncryption(const QString &host)
                           zqFormat(zqLocalized("%@ sends to an address without encryption."), {host}));
 }
 
+ZQError ZQTransferError::movesBody(const QString &host, const QString &otherHost)
+{
+    return zqNetworkError(
+        ZQNetworkErrorCode::RedirectRefused,
+        zqFormat(zqLocalized("%@ sends on to “%@”, for which the file is not meant."), {host, otherHost}));
+}
+
 ZQError ZQTransferError::unwantedType(const QString &host, const QString &type)
 {
     return zqNetworkError(ZQNetworkErrorCode::UnwantedType,

@@ -19,6 +19,7 @@ ZQError silence(const QString &host);      // or: offline
 ZQError tookTooLong(const QString &host);
 ZQError tooManyRedirects(const QString &host);
 ZQError losesEncryption(const QString &host);
+ZQError movesBody(const QString &host, const QString &otherHost);
 ZQError unwantedType(const QString &host, const QString &type);
 ZQError tooLarge(qint64 maximumSize);
 ZQError brokeOff(const QString &host); // or: offline

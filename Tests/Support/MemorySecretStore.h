@@ -5,6 +5,7 @@
 
 #include <QList>
 
+#include <functional>
 #include <utility>
 
 // Passwords in memory, for tests. It answers from the main loop, as the desktop's store does, and fails when the test
@@ -18,8 +19,9 @@ public:
         QString account;
         QByteArray password;
     };
-    QList<Entry> entries; // newest last
-    ZQError failure = {}; // of whatever is asked; null: all goes well
+    QList<Entry> entries;             // newest last
+    ZQError failure = {};             // of whatever is asked; null: all goes well
+    std::function<void()> onSet = {}; // what happens, once, before the next setting of a password is answered
 
     QStringList accountsOfService(const QString &service) const override
     {
@@ -37,7 +39,12 @@ public:
             remove(service, account);
             entries.append({service, account, QByteArray(password.constData(), password.size())});
         }
-        zqOnMainThread([stored, error = failure] { stored(error); });
+        zqOnMainThread([happens = std::exchange(onSet, nullptr), stored, error = failure] {
+            if (happens) {
+                happens();
+            }
+            stored(error);
+        });
     }
     void password(const QString &service, const QString &account, Read read) override
     {

@@ -93,8 +93,7 @@ void OwnServerPage::connectServer()
     showProblem({});
     m_busy = Busy::Connecting;
     refresh();
-    QByteArray password = m_password->text().toUtf8();
-    m_check.connectTo(entered(), password, [self = QPointer(this)](const ZQError &error) {
+    m_check.connectTo(entered(), ZQSecret(m_password->text()), [self = QPointer(this)](const ZQError &error) {
         if (self) {
             if (error.isNull()) {
                 self->m_password->clear();
@@ -102,7 +101,6 @@ void OwnServerPage::connectServer()
             self->end(error);
         }
     });
-    zqWipe(password);
 }
 
 void OwnServerPage::disconnectServer()

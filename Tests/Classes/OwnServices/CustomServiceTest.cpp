@@ -23,6 +23,13 @@ protected:
         zqRunMainLoopUntil([&] { return end.has_value(); });
         return *end;
     }
+    static ZQError removeIt()
+    {
+        std::optional<ZQError> end;
+        CustomServices::remove(QStringLiteral("Ours"), [&](const ZQError &each) { end = each; });
+        zqRunMainLoopUntil([&] { return end.has_value(); });
+        return *end;
+    }
     void upload()
     {
         const auto service = CloudServices::sharedCloudServices().serviceNamed(QStringLiteral("custom:Ours"));
@@ -63,13 +70,19 @@ TEST_F(CustomServiceTest, TheFileAloneIsSentAndLinksComeFromHeadersAndRedirects)
     upload();
     EXPECT_EQ(link, server.address(QStringLiteral("/f/1"))) << problem();
     EXPECT_EQ(server.requests().first().method, QByteArray("PUT"));
+    EXPECT_EQ(server.requests().first().headers.value("if-none-match"), QByteArray("*"));
     EXPECT_EQ(server.requests().first().body, contents);
     EXPECT_EQ(server.requests().first().headers.value("content-type"), QByteArray("application/octet-stream"));
 
-    ASSERT_TRUE(add(text(R"("raw": true, "link": {"final": true})")).isNull());
+    ASSERT_TRUE(add(text(R"("method": "PUT", "raw": true, "link": {"final": true})")).isNull());
     server.setAnswer(QStringLiteral("/f/1"), json("{}"));
     upload();
     EXPECT_EQ(link, server.address(QStringLiteral("/f/1"))) << problem();
+    EXPECT_FALSE(server.requests().last().headers.contains("if-none-match")) << "what is there is read then";
+
+    server.setAnswer(QStringLiteral("/up"), {.status = 412});
+    upload();
+    EXPECT_NE(problem().find("of that name"), std::string::npos) << problem();
     EXPECT_EQ(CustomServices::all().size(), 1) << "one took the place of the other";
 }
 
@@ -102,6 +115,25 @@ TEST_F(CustomServiceTest, SecretsGoToTheirServerOnlyAndFailuresAreTold)
     EXPECT_TRUE(other.requests().isEmpty());
 }
 
+TEST_F(CustomServiceTest, FilesGoToTheirServerOnlyAlsoWithoutSecrets)
+{
+    ASSERT_TRUE(add(text(R"("file": "f", "link": {"final": true})")).isNull());
+    LocalHTTPServer other;
+    other.setAnswer(QStringLiteral("/x"), json("{}"));
+    for (const int status : {307, 308}) {
+        server.setAnswer(QStringLiteral("/up"), Answer::redirect(other.address(QStringLiteral("/x")).toUtf8(), status));
+        upload();
+        EXPECT_TRUE(error) << status;
+        EXPECT_TRUE(other.requests().isEmpty()) << status;
+    }
+    server.setAnswer(QStringLiteral("/up"), Answer::redirect("/there", 307));
+    server.setAnswer(QStringLiteral("/there"), Answer::redirect(other.address(QStringLiteral("/x")).toUtf8(), 303));
+    upload();
+    EXPECT_EQ(link, other.address(QStringLiteral("/x"))) << problem();
+    ASSERT_EQ(other.requests().size(), 1);
+    EXPECT_TRUE(other.requests().first().body.isEmpty());
+}
+
 TEST_F(CustomServiceTest, SecretsAreAskedForAndForgottenWithTheirService)
 {
     EXPECT_FALSE(add(text(form)).isNull()) << "the secret is missing";
@@ -129,9 +161,11 @@ TEST_F(CustomServiceTest, SecretsAreAskedForAndForgottenWithTheirService)
     EXPECT_TRUE(error) << "the secret is gone";
 
     ASSERT_TRUE(add(text(form), key).isNull());
-    std::optional<ZQError> end;
-    CustomServices::remove(QStringLiteral("Ours"), [&](const ZQError &each) { end = each; });
-    zqRunMainLoopUntil([&] { return end.has_value(); });
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
+    EXPECT_EQ(removeIt().code, SecretStore::Denied);
+    EXPECT_EQ(CustomServices::all().size(), 1) << "it can be removed again";
+    secrets->failure = {};
+    EXPECT_TRUE(removeIt().isNull());
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(CustomServices::all().isEmpty());
     EXPECT_FALSE(CloudServices::sharedCloudServices().serviceNamed(QStringLiteral("custom:Ours")));

@@ -104,7 +104,7 @@ TEST_F(DropboxLinkTest, EachWayNotToGetThereEndsInOneMessage)
         {"refused by the server",
          [&] {
              server.setAnswer(QStringLiteral("/oauth2/token"),
-                              json(R"({"error": "invalid_grant", "error_description": "code expired"})", 400));
+                              json(R"({"error_description": "code\nexpired )" + QByteArray(5'000, 'x') + "\"}", 400));
              visit(rightAnswer());
          },
          DBSession::Refused},
@@ -138,6 +138,8 @@ TEST_F(DropboxLinkTest, EachWayNotToGetThereEndsInOneMessage)
         ASSERT_EQ(ends.size(), 1) << each.name;
         EXPECT_EQ(ends.first().domain, each.domain) << each.name;
         EXPECT_EQ(ends.first().code, each.code) << each.name;
+        const QString told = ends.first().localizedDescription();
+        EXPECT_TRUE(told.size() < 400 && !told.contains(u'\n')) << each.name << ": " << told.toStdString();
         EXPECT_FALSE(session.isLinked()) << each.name;
         EXPECT_FALSE(session.isLinking()) << each.name;
     }

@@ -44,6 +44,13 @@ protected:
         }
         return end;
     }
+    static ZQError disconnect()
+    {
+        std::optional<ZQError> end;
+        WebDAVCheck::disconnect([&](const ZQError &problem) { end = problem; });
+        zqRunMainLoopUntil([&] { return end.has_value(); });
+        return *end;
+    }
 
     const QString root = QStringLiteral("/cloud/remote.php/dav/files/%C3%A4nn");
     const QString own = root + QStringLiteral("/Shared/By%20Zelto/ID/");
@@ -145,11 +152,34 @@ TEST_F(WebDAVTest, APasswordIsKeptForTheServerThatTookItAndForNoOther)
 
     defaults.setObjectForKey(QStringLiteral("https://other.example.org"), QStringLiteral("WebDAVAddress"));
     EXPECT_FALSE(WebDAVService().isReady());
-    std::optional<ZQError> end;
-    WebDAVCheck::disconnect([&](const ZQError &problem) { end = problem; });
-    zqRunMainLoopUntil([&] { return end.has_value(); });
+    secrets->failure = ZQError::with(SecretStore::errorDomain, SecretStore::Denied, QStringLiteral("locked"));
+    EXPECT_EQ(disconnect().code, SecretStore::Denied);
+    EXPECT_FALSE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty()) << "it can be disconnected again";
+    secrets->failure = {};
+    EXPECT_TRUE(disconnect().isNull());
     EXPECT_TRUE(secrets->entries.isEmpty());
     EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVUser")).isEmpty());
+}
+
+TEST_F(WebDAVTest, WhatIsCancelledWhileTheKeyringAsksIsNotKept)
+{
+    server.setHandler(root + "/", forMe({.status = 207}));
+    for (const bool isGone : {false, true}) {
+        secrets->entries.clear();
+        auto check = std::make_unique<WebDAVCheck>();
+        bool isTold = false;
+        check->connectTo(settings, ZQSecret(QByteArray("pass")), [&](const ZQError &) { isTold = true; });
+        bool isAsked = false;
+        secrets->onSet = [&] {
+            isGone ? check.reset() : check->cancel();
+            isAsked = true;
+        };
+        zqRunMainLoopUntil([&] { return isAsked; });
+        EXPECT_TRUE(secrets->entries.isEmpty()) << isGone;
+        EXPECT_FALSE(isTold) << isGone;
+        EXPECT_FALSE(WebDAVService().isReady()) << isGone;
+        EXPECT_TRUE(defaults.stringForKey(QStringLiteral("WebDAVAddress")).isEmpty()) << isGone;
+    }
 }
 
 TEST_F(WebDAVTest, OnlyAddressesThatAreSafeAreTaken)

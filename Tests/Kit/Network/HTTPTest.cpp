@@ -161,6 +161,20 @@ TEST_F(HTTPTest, ServersThatDoNotKeepToTheRulesLeaveAnErrorAndNothingElse)
     EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/loop")), 11);
 }
 
+TEST_F(HTTPTest, AnAnswerMayTakeOnlyItsTimeWhateverDripsOfIt)
+{
+    for (const bool hasHead : {false, true}) {
+        server.setAnswer(
+            QStringLiteral("/"),
+            {.body = "abc", .statedLength = 10, .end = LocalHTTPServer::End::Silence, .endsBeforeHead = !hasHead});
+        ZQHTTPRequest asked{.url = server.url(QStringLiteral("/")), .method = "POST", .body = "sent"};
+        asked.answerTime = soon;
+        const ZQError error = ZQHTTPTask::perform(asked).error;
+        EXPECT_EQ(Code(error.code), Code::TimedOut) << hasHead;
+        EXPECT_TRUE(error.localizedDescription().contains(u"took too long")) << "it was not the silence " << hasHead;
+    }
+}
+
 TEST_F(HTTPTest, WhatIsUnpackedCountsAndNotWhatCame)
 {
     const Answer small{.headers = {{"Content-Encoding", "gzip"}, {"Content-Type", "image/svg+xml"}},
