@@ -33,6 +33,7 @@ void RemovalQuestions::ask(const QList<SyncQuestion> &questions)
         return;
     }
     if (m_quietTime.count() == 0) {
+        m_quiet.stop(); // one that began when it was longer holds nothing back
         askAll();
     } else {
         m_quiet.start(m_quietTime);

@@ -3,7 +3,10 @@
 #include "Classes/Application/Quit.h"
 #include "Classes/Editing/EditContext.h"
 #include "Classes/Editing/SidebarRemoval.h"
+#include "Kit/Files/ZQOwnChanges.h"
 #include "Tests/Classes/LiveFolders/LiveFolderFixture.h"
+
+#include <QDirIterator>
 
 #include <future>
 
@@ -55,6 +58,10 @@ protected:
     {
         EXPECT_EQ(delegate->applicationShouldTerminate(), TerminateReply::Now);
         reopen();
+        // Another process knows nothing of the tags that this one wrote a moment ago.
+        for (QDirIterator files(root, QDir::Files, QDirIterator::Subdirectories); files.hasNext();) {
+            ZQOwnChanges::sharedOwnChanges().forget(files.next());
+        }
     }
     qsizetype itemsInStore() const
     {

@@ -84,8 +84,10 @@ TEST_F(ReplacedFilesTest, ANewFileGetsTheTagsOfTheOneItReplacedWhoeverFoundItFir
 {
     giveTag(mine);
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
+    const auto item = itemAt(file);
+    ASSERT_TRUE(item);
     replace();
-    itemAt(file)->updateFileURLsForURL(file); // as when the window showed it before the run
+    item->updateFileURLsForURL(file); // as when the window showed it before the run
     ASSERT_TRUE(context().save());
     sync();
     TagFileWriter::sharedTagFileWriter().waitUntilAllWritten();
