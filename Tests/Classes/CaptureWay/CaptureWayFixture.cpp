@@ -14,6 +14,7 @@
 #include <QColorSpace>
 #include <QPainter>
 #include <QProcess>
+#include <QTest>
 #include <QWindow>
 
 #include <chrono>
@@ -52,7 +53,11 @@ void CaptureWayFixture::launchWithWindow()
     delegate->applicationWillFinishLaunching();
     delegate->applicationDidFinishLaunching();
     ASSERT_TRUE(delegate->mainWindowController());
-    ASSERT_TRUE(waitFor([this] { return window().isVisible() && window().window()->isActiveWindow(); }));
+    const auto isActive = [this] { return window().isVisible() && window().window()->isActiveWindow(); };
+    if (!QTest::qWaitFor(isActive, 3000)) { // the window manager gives no focus to what nobody touched for a while
+        press({QStringLiteral("windowactivate"), QString::number(window().window()->winId())});
+    }
+    ASSERT_TRUE(waitFor(isActive));
     ASSERT_TRUE(waitFor([this] { return window().isSettled(); }));
     showOtherProgram();
 }
