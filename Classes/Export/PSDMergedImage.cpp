@@ -66,8 +66,7 @@ bool PSDMergedImage::covers(qsizetype layer, std::span<const char> alphaRow) con
 }
 
 PSDMergedImage::Rows::Rows(const PSDMergedImage &image, int channel, int firstRow)
-    : m_image(image), m_channel(channel), m_row(firstRow), m_color(std::size_t(image.m_layers.canvas().width())),
-      m_alpha(m_color.size())
+    : m_image(image), m_row(firstRow), m_color(std::size_t(image.m_layers.canvas().width())), m_alpha(m_color.size())
 {
     if (channel == alphaChannel) {
         return; // over white everything is opaque

@@ -29,7 +29,6 @@ public:
         void draw(std::size_t index, std::span<uchar> samples);
 
         const PSDMergedImage &m_image;
-        int m_channel;
         int m_row;
         std::vector<Layer> m_layers;
         std::vector<uchar> m_color;

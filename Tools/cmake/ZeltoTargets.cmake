@@ -60,5 +60,5 @@ function(zelto_test name)
   endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
-                       TIMEOUT 600)
+                       TIMEOUT 1800)
 endfunction()
