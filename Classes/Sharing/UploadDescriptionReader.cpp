@@ -263,7 +263,7 @@ private:
         }
         const auto &[name, value] = link->members.first();
         const auto place = std::find_if(places.begin(), places.end(),
-                                        [&](const Place &each) { return name == QStringView(each.name); });
+                                        [&named = name](const Place &each) { return named == QStringView(each.name); });
         if (place == places.end()) {
             fail(value, zqFormat(zqLocalized("“%@” is not known. Check how it is spelled."), {name}));
             return;

@@ -257,8 +257,6 @@ TEST_F(MainWindowTest, TheApplicationFindsAndAsksTheWindow)
     EXPECT_TRUE(controller->isVisible());
     controller->activateIgnoringOtherApps();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
-    controller->newFileFromTemplate();
-    EXPECT_TRUE(named("The template was added"));
     controller->selectSidebarItem(b->objectID());
     EXPECT_EQ(tabs(), QStringLiteral("B 0/1"));
     show(a);
