@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <sys/socket.h>
 #include <sys/uio.h>
 
@@ -17,6 +18,13 @@ constexpr qsizetype mostDurations = 5000;
 constexpr int highestResolution = 1'000'000; // dots per inch
 constexpr int longestDuration = 3600'000;    // milliseconds
 constexpr int highestSystemError = 4095;
+
+// Of a rectangle whose ends are numbers, too.
+bool isSide(qint64 from, qint64 size)
+{
+    using Numbers = std::numeric_limits<int>;
+    return size >= 0 && from > Numbers::min() && from + size <= Numbers::max();
+}
 
 class Writer
 {
@@ -255,6 +263,9 @@ std::optional<ZQRenderRequest> zqDecodeRequestMessage(const QByteArray &message)
         const int y = reader.number();
         const int width = reader.number();
         const int height = reader.number();
+        if (!isSide(x, width) || !isSide(y, height)) {
+            return std::nullopt;
+        }
         out.window = QRect(x, y, width, height);
     }
     return mark == requestMark && reader.isComplete() ? std::optional(out) : std::nullopt;

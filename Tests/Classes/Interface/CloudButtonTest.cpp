@@ -236,7 +236,8 @@ TEST_F(CloudButtonTest, TheMenuCancelsChoosesTheServiceAndLeadsToItsAccounts)
     upload(0).succeed(first);
     upload(1).sent(0.1);
     ASSERT_TRUE(waitFor([this] { return entry(QStringLiteral("Sharing 2 of 2…")) != nullptr; }));
-    EXPECT_TRUE(entry(service->uploads.first()->fileToUploadName() + u'\t')) << "what is up already is listed";
+    const QString name = service->uploads.first()->fileToUploadName();
+    EXPECT_TRUE(waitFor([&] { return entry(name + u'\t') != nullptr; })) << "what is up already is listed";
     entry(QStringLiteral("Sharing"))->trigger();
     EXPECT_TRUE(says(QStringLiteral("Upload cancelled")));
     EXPECT_TRUE(waitFor([this] { return !entry(QStringLiteral("Sharing")); }));

@@ -302,7 +302,7 @@ TEST_F(CloudPaneTest, ADescriptionSaysWhereFilesGoBeforeItIsAdded)
     write(R"({"format": 1, "name": "Ours", "url": "https://files.example.org/upload", "file": "f",
               "headers": {"Authorization": "Bearer {secret:token}"}, "link": {"pointer": "/url"}})");
     button("Import…")->click();
-    ASSERT_TRUE(button("Add"));
+    ASSERT_TRUE(waitFor([this] { return button("Add") != nullptr; }));
     EXPECT_TRUE(isSaid(QStringLiteral("files.example.org")));
     EXPECT_FALSE(button("Add")->isEnabled()) << "the secret is missing";
     button("Cancel")->click();
@@ -310,6 +310,7 @@ TEST_F(CloudPaneTest, ADescriptionSaysWhereFilesGoBeforeItIsAdded)
     EXPECT_TRUE(CustomServices::all().isEmpty());
 
     button("Import…")->click();
+    ASSERT_TRUE(waitFor([this] { return button("Add") != nullptr; }));
     enter("token", password);
     button("Add")->click();
     ASSERT_TRUE(waitFor([&] { return list->count() == 1; }));

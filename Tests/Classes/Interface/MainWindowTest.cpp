@@ -14,12 +14,13 @@
 TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
 {
     EXPECT_EQ(commandsOf(menuOf("File")),
-              QStringLiteral("New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nNew from Template… Ctrl+Alt+N\nAdd "
-                             "Live Folder…\nLive "
-                             "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\nQuick Export Ctrl+E ✓\nExport\n"
-                             "Export as Layered PSD…\nShare Ctrl+Shift+C\nLatest Uploads…\n-\n"
-                             "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
-                             "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
+              QStringLiteral(
+                  "New Project Ctrl+N\nNew Folder Ctrl+Shift+N\nNew Tag\nNew from Template… Ctrl+Alt+N\nAdd "
+                  "Live Folder…\nLive "
+                  "Folder\n-\nImport… Ctrl+I\nLast Import Ctrl+Alt+I\nTake Screenshot\nQuick Export Ctrl+E ✓\nExport\n"
+                  "Export as Layered PSD…\nShare Ctrl+Shift+C\nLatest Uploads…\n-\n"
+                  "New Tab Ctrl+T\nClose Tab Ctrl+W\nReopen Closed Tab Ctrl+Shift+T\n-\nNew Library…\n"
+                  "Open Library…\nMove Library…\nShow Library in Files\n-\nQuit Ctrl+Q"));
     EXPECT_EQ(
         commandsOf(menuOf("Edit")),
         QStringLiteral("Undo Ctrl+Z\nRedo Ctrl+Shift+Z\n-\nCopy Ctrl+C\nPaste Ctrl+V\nSelect All Ctrl+A\n-\n"
