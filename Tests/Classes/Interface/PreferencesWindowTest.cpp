@@ -329,7 +329,7 @@ TEST_F(PreferencesWindowTest, EachControlHasANameAndAKeyOfItsOwn)
         };
         int stops = 0;
         for (QWidget *widget : pane().findChildren<QWidget *>()) {
-            if (const auto *label = qobject_cast<QLabel *>(widget); label && label->buddy()) {
+            if (const auto *label = qobject_cast<QLabel *>(widget); label && label->isVisible() && label->buddy()) {
                 keep(label->text());
             }
             if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus) || widget->focusProxy()) {

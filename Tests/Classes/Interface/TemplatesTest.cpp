@@ -28,7 +28,7 @@ protected:
     QAbstractButton *button(const char *text)
     {
         for (auto *each : window().findChildren<QAbstractButton *>()) {
-            if (each->isVisible() && each->text() == QLatin1StringView(text)) {
+            if (each->isVisible() && each->text() == QString::fromUtf8(text)) {
                 return each;
             }
         }
