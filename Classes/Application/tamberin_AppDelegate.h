@@ -132,7 +132,7 @@ public:
     // batch end; all end before the window and the store do.
     ZQOperationQueue &editQueue();
     ImportManaging *importManager() const;
-    ImageDownloading *imageDownloading() const; // null: none
+    ImageDownloading *imageDownloading() const;    // null: none
     LiveFolderManaging *liveFolderManager() const; // null: none
     UserInteraction &userInteraction() const;      // any thread may ask for it
     void updateCloudMenu();

@@ -214,7 +214,8 @@ void MainWindowController::makeCommands()
     for (const auto &contributed :
          {m_sidebar->commands(), m_imports->commands(), m_templates->commands(), m_arrived->commands(),
           m_tabs->commands(), libraryCommands(), editCommands(), m_browser->commands(), m_savedSearches->commands(),
-          m_layers->commands(), m_cloud->commands(), CaptureActions::commands(*m_delegate), viewCommands(), helpCommands()}) {
+          m_layers->commands(), m_cloud->commands(), CaptureActions::commands(*m_delegate), viewCommands(),
+          helpCommands()}) {
         m_commands->add(contributed);
     }
     m_cloud->menu().setPreferencesKeys(command(CommandID::Preferences)->shortcut());
