@@ -27,6 +27,7 @@
 #include "Classes/Sharing/CloudMenuViewController.h"
 #include "Classes/Sharing/CloudUploader.h"
 #include "Classes/SignalWatcher.h"
+#include "Kit/Foundation/ZQLanguage.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageDestination.h"
 #include "Kit/Imaging/ZQImageSource.h"
@@ -500,6 +501,7 @@ int main(int argc, char *argv[])
     ZQImageSource::initialize(argv[0]);
     if (commandLine.isCommand() && !commandLine.isSnapshot() && !takesScreenItself(commandLine)) {
         QCoreApplication application(argc, argv);
+        zqInstallLanguage();
         status = runCommand(commandLine, arguments, context);
         zqStopMainThreadCalls();
         return print(context, status);
@@ -511,6 +513,7 @@ int main(int argc, char *argv[])
     print(context, 0); // files that are not there are named before the window comes
     context.errors.clear();
     QApplication application(argc, argv);
+    zqInstallLanguage();
     QApplication::setDesktopFileName(QStringLiteral("org.zelto.Zelto"));
     QApplication::setQuitOnLastWindowClosed(false);
     bool reopens = false;

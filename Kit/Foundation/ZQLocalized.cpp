@@ -3,6 +3,9 @@
 #include "Kit/Foundation/ZQShortened.h"
 
 #include <QCoreApplication>
+#include <QLocale>
+
+#include <algorithm>
 
 QString zqLocalized(const QString &key)
 {
@@ -12,6 +15,18 @@ QString zqLocalized(const QString &key)
 QString zqLocalized(const char *key)
 {
     return QCoreApplication::translate("Zelto", key);
+}
+
+QString zqCounted(const char *one, const char *several, qint64 count, const QVariantList &more)
+{
+    // The forms stand under the key of `several`. Qt counts in int; what is above it has the form of large numbers.
+    const int form = int(std::min<qint64>(count, 1'000'000'000));
+    QString format = QCoreApplication::translate("Zelto", several, "counted", form);
+    if (count == 1 && format == QString::fromUtf8(several)) {
+        format = zqLocalized(one);
+    }
+    const QVariant shown = format.contains(QStringLiteral("%@")) ? QVariant(QLocale().toString(count)) : QVariant(count);
+    return zqFormat(format, QVariantList{shown} + more);
 }
 
 namespace {
@@ -34,13 +49,22 @@ QString zqFormat(const QString &format, const QVariantList &arguments)
     QString out;
     out.reserve(format.size() + 32);
     qsizetype next = 0;
-    const auto take = [&] { return next < arguments.size() ? arguments.at(next++) : QVariant(); };
+    qsizetype named = 0; // 1 for the first; 0: the next in order
+    const auto take = [&] {
+        const qsizetype index = named > 0 ? named - 1 : next++;
+        return index < arguments.size() ? arguments.at(index) : QVariant();
+    };
     for (qsizetype i = 0; i < format.size(); ++i) {
         if (format.at(i) != u'%' || i + 1 >= format.size()) {
             out += format.at(i);
             continue;
         }
         qsizetype kind = i + 1;
+        named = 0;
+        if (kind + 2 < format.size() && format.at(kind) >= u'1' && format.at(kind) <= u'9' && format.at(kind + 1) == u'$') {
+            named = format.at(kind).digitValue();
+            kind += 2;
+        }
         while (kind + 1 < format.size() && format.at(kind) == u'l') {
             ++kind;
         }

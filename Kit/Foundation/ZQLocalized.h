@@ -8,7 +8,18 @@
 QString zqLocalized(const QString &key);
 QString zqLocalized(const char *key);
 
+// Marks a key that stands in a table, and reaches `zqLocalized` from there: Tools/languages.py looks for it.
+constexpr const char *zqKey(const char *key)
+{
+    return key;
+}
+
+// The text for `count` things, in the form that the current language has for so many: `one` and `several` are the two
+// of English. The count, written as the locale writes numbers, and then `more` fill the places in order; `one` may
+// leave the count out where it has no other place.
+QString zqCounted(const char *one, const char *several, qint64 count, const QVariantList &more = {});
+
 // Fills `%@`, `%d`, `%ld`, `%f`, `%s` and `%%` of `format` with `arguments` in order. An argument too few leaves its
-// place empty; one too many is ignored. A `%f` is written with six decimals.
+// place empty; one too many is ignored. A translation whose order differs says which one it means: `%2$@`. A `%f` is written with six decimals.
 // What stands alone between typographic quotation marks is quoted for a reader, and shortened when it is long.
 QString zqFormat(const QString &format, const QVariantList &arguments);

@@ -59,6 +59,6 @@ function(zelto_test name)
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
   endif()
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "LC_ALL=C.UTF-8;LANGUAGE=;QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=zelto.*.info=false"
                        TIMEOUT 1800)
 endfunction()

@@ -1,0 +1,5795 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr">
+<context>
+    <name>Zelto</name>
+    <message>
+        <source> GiB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> min</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> px</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>"%@" cannot be renamed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>"%@" cannot be renamed: its file is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>"%@" is not a key path</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>")", AND or OR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>"," or "}"</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>% size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@
+Copies the link. With Ctrl: opens it in the browser.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ (gone)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ Delete them in the library once that is mended.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ Import it again once that is mended.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ Make room, or see to it that the folder for temporary files can be written, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ The links above stay valid; what came after them was not uploaded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ The picture is kept until you try again or discard it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ What it changed before that stays so; ask again for the rest.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ What it had not finished of the import, `zelto import --resume` goes on with.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ With --force it is replaced, if it is a file and none of the layers.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ already does something else in Zelto. Choose other keys.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ answered %d (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ asks for the password without encryption.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ before %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ broke off.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ broke off: only %@ of %@ came.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ cannot be read from: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ cannot be written here; choose another --format</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ did not say where the file is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ does not answer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ does not say what it sends.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ files are missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ files of the live folder “%@” are gone</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ from %@ to %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ has no property "%@" to follow.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ hidden</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ imported, %@ not</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ is not set up yet: its part below says what it needs.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ is on this computer or its network, where the page has no business.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ is taken by another program. Choose other keys, or free them there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ items selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ of %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ of %@ items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ of %@ selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ on %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ pages</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ sends from one address to the next without end.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ sends on to “%@”, for which the file is not meant.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ sends to an address without encryption.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ sent something else (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ shown, %@ hidden</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ since %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ stopped answering in the middle.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ takes no connection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ took too long.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ until %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ · Copied</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, %@ items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, %d of %d in the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, %d × %d pixels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, ascending</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, descending</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, extension kept</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, to %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@, to %@. A password is missing: import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@. Everything is there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: %@ more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: %@, %@ in %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: the file is missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: the file's content has changed since it was imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: the thumbnail is missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d Items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d Stars</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d completions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d file exported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d file exported into %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files are gone from its folder and stay in the library. Put them back, or synchronise it now to remove them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files are gone from “%@”, and their items are kept. If a drive is not connected, connect it; to remove them from the library, run `zelto livefolders sync --remove-missing "%@"`</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files could not be imported. The first is “%@”: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files could not be imported: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files exported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files exported into %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files of the library had lost their entries and were taken back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files of “%@” cannot be found. The import is kept: go on with it, or forget it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files or folders cannot be found in “%@”. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files were not copied into the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files were not exported. The first is “%@”: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d folders of the library belong to no item</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d folders of the library belong to no item and could not be taken back. The first is “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d imported items could not be taken out of the library again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d imported, %d not</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d imports were cut off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items added to the import queue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items can't be read, so that their files were not checked</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items checked</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d layers</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d live folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d new live folders created</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d of %d images could not be downloaded:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d of its entries were left out, the first is %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d of these cannot be live folders.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d pictures are incomplete: only a part of each can be drawn. The first is “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d stars or more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d × %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d × %d pixels, from %d, %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d, %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Add</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Archives in archives, at most</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Ask before a row is removed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Bring Zelto forward</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Connect</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Dark</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Disconnect</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;E-mail</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Enlarge pictures smaller than their cell</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Files and folders, at most</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Icon</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Keep tags, notes and ratings in the files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Light</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Link…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Look again after</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Make a thumbnail of small pictures, too</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Medium</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Move…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;New…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Open…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Packed how many times smaller, at most</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Password</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Play a sound and flash the screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Read all of every file, too</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Share to</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Show Screenshots in the sidebar</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Show in Files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Show them in Recent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Small</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Tag what is imported by color and size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Take today's picture formats, too</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Unlink</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Unpacked size, at most</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;User</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Verify</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Write them for the file manager, too</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--all needs a --title for the project</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--percent and --width or --height exclude each other</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--quality is for --format %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>--resume and --forget exclude each other</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 Star</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 file is missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 file of the library had lost its entry and was taken back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 file was not copied into the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 item</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 item added to the import queue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 item checked</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 item imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>1 star or more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>100 %</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A Client ID has letters and digits only.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A Nextcloud makes the links itself, and wants an app password where a second factor is used. Any other WebDAV folder needs the address at which everybody can read what lies in it. The password is kept in the desktop's keyring and nowhere else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A colon is missing behind “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A comma or “]” is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A comma or “}” is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A description begins with “{”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A document of %d × %d pixels is too large: other programs open none with a side of more than %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A form has a content type of its own: leave out the header.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A header holds only plain letters, digits and signs.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A live folder that is selected is off, or was not there. Its items come back with it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A login does not belong into the address. Write a header “Authorization” with a {secret:NAME}.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name cannot contain "/" or a null character. Please use another name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name in quotation marks is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name must be one line of letters and signs.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name pattern is one line. Write it without line breaks.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name pattern knows no “%@”. There are {title}, {index}, {width}, {height} and {date}.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name pattern makes names, not folders. Write it without “/”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A name that starts with a dot would hide the file. Please use another name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A page asked for %d images at once; at most %d can be imported. Choose fewer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A page sent something that cannot be understood (the value of “%@”). Update what is installed in the browser, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A page sent something that cannot be understood. Update what is installed in the browser, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A pointer names the way to the link, as /data/url.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A quotation mark is missing at the end of a text.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A safe connection to %@ could not be made: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A server with a second factor wants an “app password” from its security settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A sort key is an attribute, or to-one relationships leading to one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A switches this; 1, 2 and 3 choose.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A text must end on its line; write \n for a new one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A value is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A word is looked for in titles, notes, extensions and tags. AND, + or nothing between two words finds both,
+OR one of them; brackets group, - or NOT leaves out, double quotes keep a text together. Dates are 25/12/2026,
+2026-12-25, 2026-12, 2026, today, yesterday or 7d. Numbers and dates are compared by &lt;, =, &gt;, &lt;= or &gt;=.
+</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A&amp;ddress</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>ACCOUNTS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>AFTER A SCREENSHOT</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>AI %@ is too big to import</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>AND, OR or the end</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>ARCHIVES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Actual Size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Actual size (Z)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add Live Folder…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add Templates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add tag</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add tag…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Adding items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Address of a web page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Address of the page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Add…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Advanced</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All Tabs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Allow files.content.write, sharing.read and sharing.write for it at dropbox.com/developers/apps, then link your Dropbox again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Allow public links there, or share the file from the server's own pages.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An archive in it was left out: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An archive that holds more is not unpacked.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An arrow key selects the middle of the screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An error as occured, please try again later</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An import cannot go on, since it cannot be told which of its files are in the library. It is kept: go on with it once that is mended, or forget it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An import was cut off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another folder is in its place. Connect the drive it is on, or, if this is the folder to show, choose Use This Folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another library, or a move of this one, takes effect when Zelto is opened again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another program uses port %d of this machine, at which the web browser is to answer. Close it and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another program would have to draw it, and this system cannot keep such a program from your files (its kernel has no Landlock). Convert it to PDF or PNG and import that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Any other service that takes files over the web, as a description file says: its address, headers and form fields, and where the link is found in its answer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>App &amp;key</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Apply to all %d duplicates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Apply to all duplicates of this import</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Apply to the remaining %d duplicates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete these tags?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete this tag?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Area to capture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>As Grid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>As List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ascending</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ask Again Later</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ask before a row is removed with the &amp;items in it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ask whoever runs it for a description that gives each file a name of its own.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Asking CloudApp…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Asking the server…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>At dropbox.com/developers/apps create an app with “Scoped access”, allow it files.content.write, sharing.read and sharing.write, and enter %@ among its redirect URIs. Its “App key” belongs here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Auto</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>BETWEEN needs a list of two values</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Back to the items (Esc)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Back, or clear the search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Blue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bringing items back…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Busy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>By whole factors, so that pixels stay sharp.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>C&amp;ancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>COLORS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Can't connect to Cloud App</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel Sharing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel takes back everything this import has brought.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancels what is being shared.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot upload the files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Capture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Capture %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Capture Web Page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Capture the page at “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Capturing the page…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Capturing web pages needs a browser that is not there: install chromium.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check its name and where it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check its permissions, or choose another library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check that its folder exists and can be written.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check the address and the name of the user.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check the address of your server and the folder in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check the permissions of its folder and the room on its disk; the damaged file is unchanged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check your internet connection or your network settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check “link” in its description, and import it again in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a Description</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a folder whose name ends in .ztlibrary.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose another library, recover it, or put back a copy from a backup.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose another library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose another place for the library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose fewer at once.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose one in the settings of the desktop and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cleaning up library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Click or Return takes the window · Tab goes on · Esc leaves</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Click to cancel.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Click to export what is selected, or drag it to where the files are to go.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Click, then press the keys. Backspace clears.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Client &amp;ID</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Close Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cloud</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cloud preferences…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>CloudApp when an account is connected, else Dropbox when it is linked, else Imgur. Now: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Collapse All Groups</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Collapse Group</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connect it again before you go on. What you change until then cannot be kept.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connect the account again in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connect this computer to a network, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connect your CloudApp account in the preferences, under Cloud. Who has none makes one at %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connected as %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Continue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy the template's file there with `zelto import`.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copying files…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copying items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Could not be read, at least: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Could not save changes while quitting.  Quit anyway?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Counting…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Created</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>DISKS THAT TELL OF NO CHANGES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dark Theme</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete %@ and Content</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete Preset</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete from Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Deleting files…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Deleting items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Descending</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Disable</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Discard</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do not ask again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do you want to switch library and quit Zelto?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Double resolution</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Downloading images</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drag it to another place, or press Delete to remove it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drag over an area, or press an arrow key · Esc leaves</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drop folders here, or press +</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drop images here, or press Ctrl+I</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drop to create a live folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drop to create a project</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropbox</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropbox answered without what lets Zelto in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropbox needs an app key.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropbox no longer lets Zelto in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropbox says: “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropbox was not linked: it was not allowed in the web browser.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dropped file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Duplicate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Duplicating items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Each upload goes into a folder of its own in your Dropbox. What lets Zelto in is kept in the desktop's keyring and nowhere else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Edit Search…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Edit Search… in its menu gives it another text.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Edit presets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Edit presets…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Empty the search field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enable</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enable this live folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter a Dropbox app key in the preferences, under Cloud, and link your Dropbox.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter it in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter names with “/” between them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter the address of “%@” without a login and without “?” and “#”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter the public address of the folder in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter them anew in the preferences, under Cloud. A server with a second factor wants an “app password” from its security settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter what the service gave you.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Enter your server, your name and your password there in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Esc</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Expand All Groups</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Expand Group</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export as Layered PSD</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export as Layered PSD…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export incomplete
+ %d original file is missing!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export incomplete
+%d original files are missing!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Exporting %@ of %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Exporting layers…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>F10</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FILES OPENED WITH ZELTO</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FOLDERS OF THE DISK</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FROM EACH FILE</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Failed to initialize the store</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File names</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Files before it are missing, and took the names. Export it by itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Files of this kind are not taken, as the preferences say. Have them taken there (Import), or convert it to PNG or JPEG.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Files of this kind cannot be imported. Convert it to an image, a PDF or an SVG first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Files that were not imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find in %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finds files that were changed; takes a while.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finds what both sides find</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finds what one of both sides finds</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Find…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fit (Ctrl+0)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Folders of the disk whose files are shown here and stay where they are</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Folders on a network, for example, are looked at in intervals, and a clock marks them in the sidebar. That shows which files came and went; files that changed within are seen every hour.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Forget</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Frame %d of %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Free some space there and look at its permissions.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Free some space, or check the permissions of the settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Full Screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Give the title or the identifier of something in the sidebar.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Go on only if you asked for this in the browser.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Go on only if you asked for this in the browser. You will not be asked again for this page's host.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Go to Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Group by</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Group: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Have the smart folder find what is shown (Ctrl+Shift+S)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Height</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Hiding items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Hold Ctrl, Alt or Super with it: alone, other programs need this key.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How files are called: {title}, {index}, {width}, {height} and {date} stand for what each file has. Empty: the title.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>IN FILES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>IS EVERYTHING THERE?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>ITEMS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Images cannot be downloaded now. Restart Zelto, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Images get this tag by themselves when they are imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imgur asks every program for an identifier, and limits what comes with each. Register one of your own, choose “OAuth 2 authorization without a callback URL”, and paste the Client ID that it shows, 15 letters and digits, here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imgur wants to know which program uploads. Register one of your own at api.imgur.com/oauth2/addclient, as “OAuth 2 authorization without a callback URL”, and enter the Client ID that you get in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import %d images from the page at “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import Invalid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import Successful</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import an image from the page at “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import cancelled</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import files here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import operation successful</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import the description again in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import the missing files again, and remove that file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Importing %@ of %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Importing…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import… (Ctrl+I)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In a live folder: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In the desktop's keyboard settings keys can be bound to “zelto snap area”, “zelto snap window” and “zelto snap full”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In your library since %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Info</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Info Panel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Info Panel (Ctrl+Shift+I)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Install one, such as GNOME Keyring or KWallet, log in to the desktop again, and try once more. Nothing was stored.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Install the newer version to open it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It belongs to the system. Add the folders with your pictures instead.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It can't be encoded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It cannot be read. Allow reading it, then add it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It cannot be read. Change its permissions, or unlock it, and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It cannot be read: %@. What the library has of it stays as it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It cannot be told whether the library has it already, since the library cannot be read. Import it again once that is mended.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It cannot be unpacked into the folder for temporary files: %@. Check that folder and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It cannot be unpacked, since no temporary folder can be made. Free some space there, or name another folder in TMPDIR, and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It counts as one document. Import it, or add the folder it is in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It does not exist or you don't have the permission to read it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It goes to the trash, and the library takes its place.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It has no frame %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It has to begin with http:// or https://.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It has too many pixels (%d × %d). Make it smaller and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It holds everything of this computer. Add the folders with your pictures instead.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It holds no picture of itself. Save it again in its own application and import it anew.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It holds no preview.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It holds no preview. Open it in Sketch, save it again and import it anew, or export it as PNG, SVG or PDF and import that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It holds the library itself. Add the folders beside the library instead.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is a document of a newer Sketch, which cannot be imported. Export it from Sketch as PNG, SVG or PDF and import that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is a folder. Import it into a folder of the sidebar, or into PROJECTS.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is a link. Import what it leads to.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is a part of the library itself. Add a folder outside of it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is empty, or too large for a PNG file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is in the trash. Restore it first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is incomplete: only a part of it can be drawn. Import it again from where it came.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is larger than %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is locked against every change. Unlock it, or import a copy of it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is locked, or you have no permission to read it. Unlock it and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is no folder. Add the folder it is in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is no live folder of its own. Choose one that stands below LIVE FOLDERS.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is no picture that can be imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is no regular file. Import a copy of what it gives.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not a picture of a known kind.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not encrypted on its way.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not in the library any more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not missing, so nothing has to be taken for it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not there any more. Look where it went and import it from there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is your whole home folder, with what programs keep there. Add the folders with your pictures instead.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It may have been uploaded all the same. Try again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It must be one line of plain letters, digits and signs.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It takes the place of the one of that name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It takes too long to read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It was changed since. Delete it if you do not need it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It was left out. Import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It would have %d x %d pixels, and this format has at most %d a side. Choose a smaller size or another format.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It would have %d x %d pixels, which is too big. Choose a smaller size.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its Info.plist is damaged. Get the snap once more, or import the picture in it alone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its Info.plist is missing or cannot be read. Get the snap once more, or import the picture in it alone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its Info.plist names no picture (imageGrabPath). Export the picture from the program that made the snap and import that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its PostScript can't be drawn; Ghostscript (gs) must be installed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its bounding box is empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its database is damaged. Everything that can still be read can be recovered into a new one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its disk cannot read it. Check the disk, or import it from a copy.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its disk tells of no changes, so it is looked at in intervals.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its file ends too early: the rest of the picture is empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its file may not be read. Change its permissions, and export it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its file system tells of no changes, so that it is looked at in intervals.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its file went, or could not be read any more. Look where it is, and export it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its folder cannot be found. Connect the drive it is on, or put the folder back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its folder cannot be read: %@. Allow reading it, or connect its drive again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its folder is empty, though it was not before. Connect the drive it is on, or put the files back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its folder is in the trash. Restore it there, or remove the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its images come from %@ and %d other hosts.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its images come from %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its items are kept, and come back with it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its live folder “%@” is disabled. Enable it, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its name is not valid text. Rename it and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its original file is missing. Look whether it was moved or deleted, or whether its disk is there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its picture “%@” does not lie in the package itself. Import that picture alone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its picture “%@” is missing from the package. Get the snap once more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its picture “%@” is of a kind that cannot be imported. Convert it to PNG or JPEG and import that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its preview is too large. Export it from Sketch as PNG, SVG or PDF and import that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its size of %ld x %ld pixels is too big.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Jpeg export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>KINDS OF FILES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Keep in Pictures</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Keyboard</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Kind of file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>LATEST UPLOADS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>LIBRARY</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>LIVE FOLDERS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Label</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Larger Thumbnails</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Last Import</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Last Import: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Later</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Latest Uploads…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Latest uploads</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Layer %d of %d…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Layers (PSD)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leaves out what stands behind it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Left out was %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>License</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Line %d: %s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Link it again in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Link one in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Link to “%@” copied to clipboard!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Link your Dropbox in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Linked</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Linked with %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Linking was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Live Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Live folders are not kept in step here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Live folders do not unpack archives. Unpack it, and copy what was in it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loading the page…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loading…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look at its permissions.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look at the address, and at the clock of this computer.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look at the address.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look at the network settings of the desktop.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look at them again, then repeat your change.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look for them in the project “Recovered”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Look whether it is unlocked, in the desktop's program for passwords, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Looking at the store…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MENU</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make a preset, or move and delete those above.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make an app at dropbox.com</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make room in it and share the files again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make room there and share the files again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make that file and its folder writable and see that there is room on the disk, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Manual order</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Menu (F10)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Meta data is too big - size as binary plist must be less than (perhaps 4k?) some number of bytes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Modified</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Move Library…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Move it away, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Move it out of the library, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Moving items back…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Moving the library…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Multiple values</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>NEW PRESET</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>NOTES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Name one with --library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Library…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Preset like This…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Project</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Project (Ctrl+N)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Smart Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New Tag</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New from Template</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New from Template…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New live folder created</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New project created</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>New, from %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Next Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Next page (Page Down)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No Dropbox is linked.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No answer came from the web browser. Start again, and allow it there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No asset could be made of the template “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No item directory can be made in the library. Check that the library can be written and has space left.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No keys</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No picture can be made of it. Open it in another program to see whether it is damaged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No rating</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No temporary folder can be made. Free some space there, or name another folder in TMPDIR, and try again (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No uploads yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No web browser could be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No web browser could be opened. The address is %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None given</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None of these can be read as a picture.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not Now</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not every file of the live folders could be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not written: %@, and %d more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not written: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Notes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing could be read from the damaged library, which is kept as %@
+The files in it come back into the project “Recovered” when it is opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing has this tag. Drop images here, or drag items onto it in the sidebar.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing in the library matches "%@".</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing in “%@” can be shown yet.
+What is saved there comes here, or drop images.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing is damaged; the library was left as it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing is known to be lost.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing matches "%@". Press Esc in the search field to show everything.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing to import</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing to import!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing was added or changed in the last days.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing was taken from “%@”, since you said no a moment ago. Try again in a few seconds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Objects cannot be sorted by "%@".</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Of some pictures, “%@” for one, only a part was exported. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Of “%@” only a part was exported. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Only a part of the picture is there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Only the first %@ files can go to another program at once</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Only the first frame of it. Export it as it is to keep all.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open Library…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open Meta parameter error</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open Zelto</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open it once with migration allowed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open or create a library first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open with Default Program</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Opening a new library requires Zelto to relaunch</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Optional: Shared/Zelto</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Optional: https://files.example.org</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Orange</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Original</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Original size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Other format</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Other services</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Others</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Otherwise pictures of up to 256 KiB are shown from their own file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Own server</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Own server (WebDAV)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Page %d of %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Panes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Paste</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pasted image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Path of the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pause (P)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Percentage</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Picture (PNG)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pictures are uploaded without an account: whoever has the link sees them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Play (P)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please choose the Folder you want to add</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please choose the library that you want to open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please choose the location where the images will be saved</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please choose where to move your library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please pick a name!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please re-open Zelto for applying the new settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Please select some items!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Png export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preferences</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preferences…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Press keys…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Previous Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Previous page (Page Up)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Projects</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pu&amp;blic address</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put everything into one zip archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put it back, and open it then.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Puts the template into the trash (Del)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quick Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quick Export (Ctrl+E)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quick Look</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quick export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quit Zelto, then recover it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quit anyway</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quit the other one, or choose another library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quitting now will lose any changes you have made since the last successful save</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rating</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rating: %@ of 5</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rating: Multiple values</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rating…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reading live folders…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reading…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reasons…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recover</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recover the damaged library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recovered</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recovered: %@ items, %@ sidebar entries, %@ tags, %@ memberships.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recover…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Redo %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reduced to 8 bits a channel. Export it as it is to keep all.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Refine</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Refine Bar</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Register at imgur.com</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove from %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove from Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove one first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove the tag %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove what is not needed there, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Removing items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reopen Closed Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Restoring items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Return takes it · Esc leaves · arrows move, Shift by 10</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SIDEBAR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sample project</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sample tag</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Search…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save the search as a smart folder (Ctrl+S)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save to Screenshots</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Saved to Screenshots.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Saving to Screenshots…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Screenshots</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search for %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search for less at once.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search or #token</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Searched as one</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select items to export them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select items to share them. A right click shows the latest uploads.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select something in the sidebar.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Set up…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Share</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Share (Ctrl+Shift+C)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Share it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Share it with another service, or drop a preset on the cloud button that makes it smaller.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Share to</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sharing %@ of %@…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sharing…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show &amp;titles below thumbnails</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show Imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show Library in Files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show Zelto</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show all</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show e&amp;xtensions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show everything, without the search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show how &amp;many items each row has</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show in Files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show the folder that is now in the place of “%@”?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show the status &amp;icon</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sidebar</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sidebar (Ctrl+B)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Smaller Thumbnails</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Smart Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Some of the changed objects were changed elsewhere in the meantime.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Some of the files are unreadable by Zelto and can't be imported!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Something follows the end.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sort</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sort by</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sort by %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sort by Hand</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sort by Title</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sort: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Starting the browser…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sto&amp;p</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop Import</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop Syncing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stopping…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Supported files (%@)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sync now</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Syncing %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Syncing did not come to its end. Sync now goes on.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Syncing did not come to its end: %@ of %@ files were taken. Sync now goes on.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Syncing: %@ files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Syncing: %@ of %@ files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Syncing…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>TAGS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>TAGS THAT ZELTO ADDS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>THEME</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tab %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tab goes to the next window</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tabs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tag</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tag already exist!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tag needs a name!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tagging…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take Back</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take Screenshot</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take a picture of a window</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take a picture of an area of the screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take a picture of the whole screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take the &amp;keywords of pictures as tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Taking files of the library back…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Taking the picture…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Templates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Test and &amp;Connect</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>That area lies on no screen. Choose another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>That was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>That window was closed or hidden before it could be taken. Choose another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The Zelto that has this library open ended before it answered.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The Zelto that has this library open is ending.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The address is too long for a web page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The address says that it holds a picture and does not.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The answer of Dropbox cannot be understood.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The answer of Dropbox cannot be understood. Check the address that stands in the settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The app key does not allow that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The archive could not be written to “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The archive holds nothing that can be imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The archive is damaged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The browser can't capture this page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The browser that draws the page ended unexpectedly. Try again; if it happens each time, see whether chromium starts by itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The browser took too long with this page. Try again, or capture only the visible area.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The browser “%@” that the setting WebCaptureBrowser names can't be run: install chromium, or change the setting.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The capture was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The captured picture can be written neither into the library nor into Pictures. Zelto holds it until it quits, and asks about it then: make room before.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The captured picture can't be stored</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The changes cannot be saved.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The condition cannot be read at character %d:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The condition is too long.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The copy was cancelled</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The damaged store is kept as %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The data model cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop can't be asked, since there is no session bus. Start Zelto within a desktop session.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop did not give these keys. Choose them in the desktop's keyboard settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop gives no keys.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop refused.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop took a picture, and it can't be read. Try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop's portal ended before it answered. Try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk is full. Free some space and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk with the temporary files is full. Free some space, or name another folder for them in TMPDIR, and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The display gave no picture. Try again; if it stays so, log out and in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The display is gone. Start Zelto again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The document would be larger than 2 GB, which other programs do not open: make it smaller, or of fewer layers.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The drive with the library is gone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The export to “%@” was stopped: %d of %d files were written.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The export was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is damaged or incomplete.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is empty. Save it again in the program that made it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is missing. Put it back where it was, or import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is not a library database.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file of "%@" is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file was uploaded, but your server makes no link: “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file was uploaded, but your server makes no links.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file “%@” cannot be made</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The first of them is “%@”: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder cannot be opened. Change its permissions and import it again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder for “%@” does not exist.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder holds nothing that can be imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder “%@” cannot be made</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder “%@” is in the trash. Put it back, and its items come back with it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The header “%@” cannot be sent: it has a line break, or no name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The images of %d pages are still being downloaded. Try again when some are done.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The images that a page has imported at once may have %@ together.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The import is kept: go on with it once that is mended, or forget it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The import was cancelled. Import it again if you want it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The internet connection seem to be unavailable.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The items could not be counted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The key path "%@" leads nowhere:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The keyring cannot be used: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The keyring has no password for “%@” any more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The keyring with your passwords is locked.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The last seven days</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The layered document takes its place.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library cannot be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library cannot be opened: there is something that is no file in the place of one of its files.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library could not be brought to this version; it is unchanged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library could not be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library could not be saved yet. Delete the original once it is, if you do not need it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library could not be saved: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library could not be saved: %@ Import it again once that is mended.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library has it already, as “%@”; that item was put in its place.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library has it already, as “%@”; the new copy was discarded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library has no items of this kind.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is at “%@” already.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is damaged</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is inside “%@”, which it would replace.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is not open. Open it and add the folder again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is not open. The picture lies in “%@” until Zelto quits.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is open.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library was closed. Open it and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library was made by a newer version of the application.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library was made by an older version of the application.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library was not moved.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library was recovered</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library “%@” can't be created.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library “%@” can't be written: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library “%@” is in the trash.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library “%@” is in use by another Zelto.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library's database reported an error.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The live folder is not in the sidebar any more. Choose another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The longer side of each size, at most. Everything above is large.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The method must be “POST”, “PUT” or “PATCH”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The name is empty. Please type a name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The name is too long. Please use a shorter name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The name must be one line of letters and signs, without “/”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The other program did not save “%@”. Save it there as a file, and drop that here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The page at “%@” names an image on this computer or in its own network (“%@”), so nothing was imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The page crashed in the browser. Try again, or capture only the visible area.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The page did not load in full; this is what was there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The page has more elements than layers are useful; %d small ones are on the layers of what they lie in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The page is being captured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The page is longer than %d pixels; what is below was cut off.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The password is kept in the desktop's keyring and nowhere else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The password of your server is not known.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The passwords for “%@” are not known any more. Import its description again in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The passwords that were entered for it are forgotten, too. What was uploaded stays where it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture "%@" can't be converted.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture "%@" can't be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture can't be written to “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture in the address is damaged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture is not in the library yet: Zelto goes on with its import when it opens the library the next time.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture is not in the library. It lies in “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The preferences can't be written, so the library would not be found.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The preferences could not be written (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The program "zelto-render" that draws pictures can't be started: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The program "zelto-render" that draws pictures ends as soon as it is started.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The program "zelto-render" that draws pictures is missing; install Zelto again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The projects of this folder are empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The property list cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The proxy does not lead to %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The recovered library could not be put in place.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The request cannot be carried out.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The request was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The search of this smart folder cannot be understood.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server sends on to “%@”, for which the passwords are not meant.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server sends on to “%@”, which is not for the public.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The service did not say where the file is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The service that was chosen for uploads is not there any more. Choose another one in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The service that was chosen is not there any more. Choose another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The sidebar item it was to go to does not exist any more. Import it into another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The smart folder looks in the whole library: it finds %@, and shows %@ of those that are shown here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The smart folder looks in the whole library: it finds %@; %@ are shown here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The smart folder looks in the whole library: it finds %@; 1 is shown here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The system has too few watches for all folders, so that this one is looked at in intervals. Raise fs.inotify.max_user_watches to %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The tags of “%@” could not be written to the file; the library keeps them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The template “%@” holds nothing that can be an asset</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The trash holds too many files named “%@”. Empty it and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The value cannot be archived.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The value cannot be written as a property list.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The value of “%@” cannot be sent.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Their files come back into the project “Recovered”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Their files stay where they are, and are followed as they change. What many files leave at once is asked about, and what is on a disk that is away is kept until it is back. Keywords, tags and thumbnails are as set for imports.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There are %d services already.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There are no presets. Make one below.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There are no templates yet. Add files that you begin with again and again, or open one whose name ends in .zttemplate with Zelto.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There are too many brackets in brackets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is a file of that name already. Share it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is a file “%@” already.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is a template “%@” already. Rename the new one, or remove the other one, and open it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is a “\” that means nothing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is half a character in a text.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no "%@" in this library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no WebDAV folder at “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no connection to the internet.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no display here that could be captured. Start Zelto within a desktop session.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no folder at “%@”. Connect its drive, or put the folder back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no folder to download into.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no folder “%@”. Choose another one, or look whether its disk is there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no format with the number %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no keyring in which a password could be kept safely.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no library at “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no library database at this place.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no library to import into.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no open library to draw.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no picture of it. Export it as it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no picture or file on the clipboard</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no picture to write.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no screen that could be captured</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no server named %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no such file. Check its name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no such folder. Check its name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no window to take · Esc leaves</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is not enough memory for a picture of this page. Capture only the visible area, or a smaller width.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is not enough memory to convert it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is not enough memory to show it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is nothing between the brackets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is nothing here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is too little free space in “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There was an error building up the data file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>These files were not imported, or not wholly</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>These keys can't be taken from other programs. Choose keys with Ctrl, Alt or Super, or a function key.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>They may be what is left of imports that were cut off, or belong to items that the library lost. Zelto can take them back into the project “Recovered”, where you can look at them, or remove them with the files in them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>They stay as they are in %@. What is in them is damaged, or of no kind that can be imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>They travel with a file, and an import takes those it brings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>They were deleted, or moved to where Zelto does not look. If you remove them from the library, they leave their projects too. If a drive is not connected, keep them: they are there again when it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This bracket closes nothing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This bracket is not closed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This desktop lets no program choose a part of its screen. Choose it in the desktop's own dialog, which Capture Area opens.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This desktop offers no such service. Install xdg-desktop-portal and the part of it for your desktop, as xdg-desktop-portal-gnome, -kde or -wlr, and log in again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This display lets no program take keys. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This file cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This file cannot be shown.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This file is too large to be a description.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This format is not known; only 1 is. A newer version of Zelto may know it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is more than can be searched at once; from here on it is left out.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no text in UTF-8.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is not the address of an upload; it begins with https:// and has no placeholders.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is not the answer that Zelto is waiting for.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This key can't be used. Take a letter, a digit or a function key.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This keyboard has no %@. Choose other keys.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This live folder is off: Enable in its menu has it looked at again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This live folder is off: what is in “%@” is neither looked at nor shown.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This month</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This page has too many elements to be captured in layers. Capture it as a picture.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This quote is not closed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This smart folder has nothing to search for.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This system cannot keep programs that draw pictures away from your files.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This system has neither Landlock nor seccomp to keep what reads it from your files. Use a Linux kernel that has them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Thumbnail size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Title</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Today, %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Too many brackets stand in these; what they hold is left out.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Too many requests came from the browser at once; some were left out. Try again in a few seconds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try Again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try again in %d minutes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try again in a minute.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try again later, or look whether the host in the preferences is the right one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Type an address and press Enter to see the page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Type the address of a web page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Unlock it and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Untitled</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Update Search</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Updating your library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Upload cancelled</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Upload done, url copied to clipboard!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Uploaded %d files to the cloud!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Uploading to %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Uploads what is selected and copies the link. A preset dropped here exports it first. A right click shows the latest uploads.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Use This Folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Use an address that begins with https://.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Use the folder that is in the place of this one</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Username or Password are invalid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Violet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Visible area</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Wait until tomorrow or upgrade your CloudApp account.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Waiting for you to allow it in the web browser…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Web page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Web pages cannot be captured now. Restart Zelto, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>WebP, HEIC, AVIF, JPEG XL, and Sketch documents that are single files.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What a page sent is too long. Choose fewer images.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is captured</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is left of an import cannot be read: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is mounted there is out of reach. Connect its drive again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is selected in the sidebar is empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is to be sent cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was imported cannot be noted in %@: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was imported cannot be read from %@: %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was imported could not be looked up: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was imported was deleted since.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What you capture of the screen comes here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Whole page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Width</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Width and height</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Width of the page in pixels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Window to capture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>With “raw” there is no form: leave out “file” and “fields”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Without its window Zelto takes no pictures of the screen.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Would you like to import the following duplicate image?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing notes…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing the file…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing the license…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Writing the source…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Yesterday, %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You can close this tab and go back to Zelto.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You have exceded your maximum daily upload limit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You have no permission to read it. Change its permissions and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You may not write into “%@”. Change its permissions, or choose another folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your Dropbox is full.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your desktop shows no status icons. The commands are in the menu, and as “zelto snap area”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your desktop shows status icons. The same commands are in the menu, and as “zelto snap area”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your server does not accept the user name and the password.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your server is full.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your server needs the name of a user.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto can copy everything that can still be read into a new store. The damaged one is kept beside it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto can quit, open again and copy everything that can still be read into a new store. The damaged one is kept beside it. Until then some items cannot be shown.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto ended before all files were in the library. It can go on with those that are missing. What is in the library stays there either way.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto has the library in use but not open: answer what it asks, then try again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is about to quit.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is importing files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is importing files, are you sure to quit?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is quitting, and takes nothing into the library any more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is uploading files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is uploading files, are you sure to quit? Those that are not uploaded yet will not be.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is uploading other files; try again when that is done</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto quit before the picture was in the library; where it was being imported, the import goes on when Zelto opens the library the next time</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto therefore draws no EPS and PostScript files and uses no thumbnailers of the desktop. A Linux kernel with Landlock (5.13 or newer) changes that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto was quit before it could be imported. Import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto was quit or opened another library meanwhile; what was read before that stays, ask again for the rest</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto will now quit</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zip export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zoom (+ and −)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zoom In</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zoom Out</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a comparison</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a date needs a number of seconds since 2001 within 30 000 years</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a file has the name of its folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a file of this name is in its way</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a key path or a value</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a list can only stand left of CONTAINS or right of IN and BETWEEN</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a list cannot hold a list</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a malformed \u escape</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a malformed number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a name and a password are needed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a page is captured %d to %d pixels wide</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a quotation that is not closed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a search has at most %d characters</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a server behind it does not answer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a smart folder needs a title</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a tag needs a name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>a value of the type %@ cannot be compared</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>access refused</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>add export preset</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>add live folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>an address, --width, --psd and --visible are only for zelto snap web</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>an error in the server</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>an import was cut off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>an unknown character "%@"</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>an unknown placeholder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>and</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>and %d more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>at character %ld of the search, “%@”: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>bad request</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>before %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>belongs to no item; the next launch takes it back or removes it: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>capturing what a browser shows needs the window: run `zelto` with this address instead, or `zelto snap web` with that of the page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>change search of '%@'</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>chosen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>close bracket</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>copy files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>copy items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>delete %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>delete export preset</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>delete items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>delete items and content</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>disable %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>disable live folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>duplicate items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>edit license</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>edit notes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>edit source</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>edit tags</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>enable %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>enable live folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>expected %@, found %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>exported in part: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>files as they are keep their size; choose a --format to scale them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>gone for good</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>imported in part: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>in trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>is a link and no folder of an item, and stays as it is: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>is named like the folder of an item, in other letters, and stays as it is: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it ends too early</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it holds more than %d MB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it holds more than %d files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it is a link</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it is no file that an import would leave</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it is no regular file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it lies in more than %d other archives</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it lies too deep in folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it needs too much memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it took too long</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it was cancelled; the copied files stay, and the next `zelto sync` makes their items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it was cancelled; the live folder is still there</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it was cancelled; what was changed before that stays so</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it was cancelled; what was read before that stays in the library, and the next `zelto sync` goes on</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its content has changed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its content is more than %d times as large</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its end is missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its name cannot be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its name leads out of the archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>last 7 days</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>live folders are not kept in step here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>missing: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>move export preset</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>move items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>move sidebar items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name the addresses of the images</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name the items to export, or write --in with a sidebar entry</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name the items to share, or write --in with a sidebar entry</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name the page, as zelto snap web https://example.org</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name what to import, or write --resume or --forget</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>none of the images could be downloaded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>none of the items could be exported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>none of the items has a file to share</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not available at the moment</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not available for legal reasons</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not chosen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not downloaded: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not exported: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not imported: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not imported: %d files: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>not shared: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>note: %@: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>nothing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>nothing selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>nothing was imported from “%@”, which nobody has agreed to yet. %@ Add --yes if you asked for this in the browser</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>open bracket</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>or</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>orig</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>rate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>remove items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>remove rating</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>rename '%@' in '%@'</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>say which tags: --add TAG, --remove TAG, or both, each as often as needed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>somebody else removed the live folder meanwhile</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the Zelto that has the library “%@” open is at it; Ctrl+C stops it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the argument for %@ is missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the argument for %@ is not a number</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the conditions are nested too deeply</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the download was cancelled; nothing was imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the download was cancelled; what is listed was imported before that</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the end</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the export was cancelled; nothing was written</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the export was cancelled; what was written before that stays</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the file is missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the import was cancelled; nothing was kept</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the import was cancelled; what is listed was imported before that</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the items can't be counted; `zelto verify` says what is wrong with the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the library can't be opened</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the library could not be saved, so nothing was removed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the library is not open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the library is open in a window; quitting it purges</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the list was given up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the option c, d or cd</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the pattern is invalid: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the preference “%@” is not set</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the request took too long</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the request was refused</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the search was given up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the service gave no reason; try again later</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the tags can't be read; `zelto verify` says what is wrong with the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the template “%@” became no asset: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the type "NSDate"</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the upload was cancelled; nothing was shared</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the upload was cancelled; the links above stay valid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the window asks whether to import the images</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there are %d presets; the panel Quick export makes more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there are no items to export there; of a folder of projects name one of the projects</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there are no items to share there; of a folder of projects name one of the projects</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there are no templates; put files whose names end in .zttemplate into “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no file or folder “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no file “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no item “%@”; name it by its bundleID, its SHA1 or a path inside the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no library database “%@”; name the library with --library, or put back a copy from a backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no preference “%@”; `zelto defaults read` lists them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no service “%@”; there are %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no sidebar entry “%@”; `zelto sidebar` lists them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no tag “%@”; `zelto tags` lists them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is no template “%@”; there are: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is nothing to search for; give a text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>there is nothing to search for; give a text behind the title</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this library has no entry “Library”; `zelto verify` checks it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this library has no entry “PROJECTS”; `zelto verify` checks it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this month</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this process takes no pictures of pages</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this process takes no pictures of the screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this program was built without a window</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this year</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>today</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>too many requests</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>unrated</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>vector</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>waiting for another Zelto, which works on the library “%@”; Ctrl+C ends the waiting</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>waiting for the Zelto that has the library “%@” open, which does something else first; Ctrl+C ends the waiting</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>what unpacks it stopped</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>what was sent is too large</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yesterday</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>zelto import --resume goes on with the missing files, zelto import --forget gives them up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>zip archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” and %d others</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” and one other</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” answered without a link.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” appears twice.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” became shorter.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” can only be reached unencrypted. Use an address that begins with https.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” can't be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” can't be read as a picture.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be a folder on a server.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be found. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be read. Allow reading it first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be set as a header.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be unpacked, since it is damaged or no archive (%@). Get it once more, or unpack it with another program and import what it holds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be written: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” changed while it was being copied. Close it in other programs and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” changed while it was sent.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” could not be imported: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” could not be written</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” did not come from the other program. Save it there as a file, and drop that here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” does not answer. Try again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” does not take this: it goes to the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” exists already</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” has a file of that name already, which was left as it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” has them already</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” has these keys.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” holds no smart folders; name PROJECTS or a folder in it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” holds nothing that can be an asset</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” holds too many files named “%@”. Rename it, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” in the library belongs to no item and could not be taken back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is a file to download and no page. Import the file instead.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is a file; give a folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is a folder on the disk. It goes from here when it goes from there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is a library that another Zelto has open.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is a part of another live folder; remove that one, or move the folder elsewhere on the disk</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is among the live folders already.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is another folder than before. Items whose files are not in it leave the library and their projects. If only its drive is not connected, connect that instead.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is damaged: only a part of the picture is there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is deleted; bring it back with `zelto restore %@`, then try again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is disabled. Enable it, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is disabled; enable it in the window first</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is empty. Connect its drive, put files into it first, or remove the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is in the library itself. Choose a folder outside it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is in the trash.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is incomplete: only a part of it can be drawn</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is inside the library itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is larger than such a file can be.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is looked through for the first time. What is found comes here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is looked through.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is neither a command nor a file; `zelto --help` lists the commands</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is neither a command nor a file; did you mean `zelto %@`?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is neither a file nor a folder, so it cannot be copied.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no Zelto library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no address of a web page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no address of an image on the web, so nothing was imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no address of the web.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no address that Zelto knows; there are zelto:import: and zelto:snap:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no file and no folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no file, but a folder, a pipe or a device.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no live folder; `zelto livefolders` lists them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no page of the web, so nothing was taken from it. Only pages whose address begins with http or https can be.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no rating; the last argument is a number from 0 (none) to 5</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no size; write it as 1280x800</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no size; write it in pixels as 1920x1080</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no smart folder; `zelto sidebar` shows them with their text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no value for %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no value for %@; it is now %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no value.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no web page: only addresses with http and https can be captured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is none of the templates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is not known. Check how it is spelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is not the address of a server. Enter one like https://example.org.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is not the name of a header.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is not there now. Look whether its disk is there, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is on this computer or in its own network.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is one of the layers: choose another name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is out of reach.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is out of reach; its items are kept. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is protected by a password (“%@” in it is encrypted). Unpack it yourself and import what it holds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is protected by a password. Unpack it yourself and import what it holds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is too large for Imgur, which takes files of up to %d MB.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” joins nothing; what it joins stands before and behind it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” leads to %@, which is on this computer or in its own network. Type that address to capture it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” leaves out nothing; what it leaves out stands behind it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” must be a text of 1 to %d characters.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” must be a text.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” must be names with texts in “{” and “}”, at most %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” needs a value for “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” of “%@” is not known any more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” says no place: write FILE@X,Y or FILE@X,Y,OPACITY,NAME with whole numbers and an opacity from 0 to 1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” sends what you share to %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” sets nothing; write --set KEY=VALUE with an attribute such as license, notes or webURL</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” stays as it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” stays as it is. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” stays as it is: items whose files are not in it would leave the library. With --yes they do</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” stays where it is on the disk. Move the folder there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” takes no files. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” takes no files. Import it into the library, a project or a tag.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” takes no templates. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” waits for its turn to be looked through. What is found comes here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was changed meanwhile. Try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was changed while it was moved. Compare both, and delete the one you do not need.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was changed while it was uploaded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was imported in part: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was not added. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was not copied. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was not exported. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was not rated: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was not unpacked: %@. If you trust it, unpack it yourself and import what it holds, or raise the limit with `zelto defaults`.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was put into the trash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was written with %d layers</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was written with one layer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was written without what can't be read as a picture.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was written, but pictures in it are incomplete.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@”: %@ There are %d more notes like this.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“==” compares nothing here; write it behind a token, as #width=100.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“file” is missing: the name of the form field for the file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“final” is true.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“format” is missing; it is 1.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“link” must hold one of “pointer”, “header”, “final”, or both “before” and “after”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“raw” is true, or left out.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“{” and “}” stand only around a secret: {secret:NAME}, with letters, digits, “-” and “_” in its name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,240 @@
+#!/usr/bin/env python3
+"""The catalogues of texts, Resources/languages/zelto_LANGUAGE.ts, and the texts in the sources.
+
+  Tools/languages.py update          adds the keys that are new to each catalogue, takes out those that are gone
+  Tools/languages.py check           says what is missing, half translated or shown without a key; fails if anything is
+  Tools/languages.py todo LANGUAGE   the keys without a translation, as JSON
+  Tools/languages.py fill LANGUAGE FILE   takes translations from such a JSON object: key to text, or to a list of forms
+
+A key is what stands in quotes in a call of zqLocalized, zqKey (for texts in tables) or zqCounted.
+"""
+import json
+import re
+import subprocess
+import sys
+import xml.etree.ElementTree as ET
+from pathlib import Path
+from xml.sax.saxutils import escape
+
+ROOT = Path(__file__).resolve().parent.parent
+FOLDER = ROOT / "Resources" / "languages"
+COUNTED = "counted"
+LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
+CALL = re.compile(r"\b(zqLocalized|zqKey|zqCounted)\s*\(")
+PLACE = re.compile(r"%(?:(\d)\$)?l?([@dsifu])")
+ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "'": "'"}
+
+
+def sources():
+    names = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "Classes/*.cpp", "Classes/*.h", "Kit/*.cpp",
+                            "Kit/*.h", "Models/*.cpp", "Models/*.h"],
+                           cwd=ROOT, check=True, capture_output=True, text=True).stdout.split("\n")
+    return [name for name in names if name and (ROOT / name).exists()]
+
+
+def without_comments(text):
+    """Comments become blanks; what looks like one within a literal stays."""
+    kept = re.compile(r'"(?:[^"\\\n]|\\.)*"|//[^\n]*|/\*.*?\*/|\'(?:[^\'\\\n]|\\.)\'', re.S)
+    return kept.sub(lambda m: re.sub(r"[^\n]", " ", m[0]) if m[0][0] == "/" else m[0], text)
+
+
+def unescaped(literal):
+    return re.sub(r"\\(.)", lambda m: ESCAPES[m[1]], literal)
+
+
+def arguments(text, start):
+    """Of a call whose bracket was opened just before `start`: its arguments, each as the text of the source."""
+    depth, begin, out = 0, start, []
+    position = start
+    while position < len(text):
+        char = text[position]
+        if char == '"':
+            position = LITERAL.match(text, position).end()
+            continue
+        if char in "([{":
+            depth += 1
+        elif char in ")]}":
+            if depth == 0:
+                return out + [text[begin:position]]
+            depth -= 1
+        elif char == "," and depth == 0:
+            out.append(text[begin:position])
+            begin = position + 1
+        position += 1
+    raise SystemExit("a call without an end")
+
+
+def literals(argument):
+    """The texts of an argument: neighbours are one, those with something between them are several."""
+    out, end = [], None
+    for match in LITERAL.finditer(argument):
+        if end is not None and not argument[end:match.start()].strip():
+            out[-1] += unescaped(match[1])
+        else:
+            out.append(unescaped(match[1]))
+        end = match.end()
+    return out
+
+
+def keys():
+    """Key to (the files it stands in, English for one or None)."""
+    found = {}
+    for name in sources():
+        text = without_comments((ROOT / name).read_text())
+        for call in CALL.finditer(text):
+            given = arguments(text, call.end())
+            if call[1] == "zqCounted":
+                one, several = literals(given[0]), literals(given[1])
+                if len(one) == 1 and len(several) == 1:
+                    found.setdefault((several[0], COUNTED), [set(), one[0]])[0].add(name)
+                continue
+            for key in literals(given[0]) if given else []:
+                found.setdefault((key, ""), [set(), None])[0].add(name)
+    return {key: value for key, value in found.items() if re.search(r"\w", key[0])}
+
+
+def read(language):
+    """(Key, comment) to its forms; one that is not counted has one."""
+    path = FOLDER / f"zelto_{language}.ts"
+    if not path.exists():
+        return {}
+    out = {}
+    for message in ET.parse(path).getroot().iter("message"):
+        translation = message.find("translation")
+        forms = [form.text or "" for form in translation.findall("numerusform")] or [translation.text or ""]
+        out[(message.findtext("source"), message.findtext("comment") or "")] = forms
+    return out
+
+
+def write(language, translations, wanted):
+    lines = ['<?xml version="1.0" encoding="utf-8"?>', "<!DOCTYPE TS>", f'<TS version="2.1" language="{language}">', "<context>", "    <name>Zelto</name>"]
+    for key in sorted(wanted):
+        forms = translations.get(key, ["", ""] if key[1] else [""])
+        state = "" if all(forms) else ' type="unfinished"'
+        lines.append('    <message numerus="yes">' if key[1] else "    <message>")
+        lines.append(f"        <source>{escape(key[0])}</source>")
+        if key[1]:
+            lines.append(f"        <comment>{key[1]}</comment>")
+            lines.append(f"        <extracomment>for one: {escape(wanted[key][1])}</extracomment>")
+            lines.append(f"        <translation{state}>")
+            lines += [f"            <numerusform>{escape(form)}</numerusform>" for form in forms]
+            lines.append("        </translation>")
+        else:
+            lines.append(f"        <translation{state}>{escape(forms[0])}</translation>")
+        lines.append("    </message>")
+    lines += ["</context>", "</TS>", ""]
+    (FOLDER / f"zelto_{language}.ts").write_text("\n".join(lines))
+
+
+def places(text):
+    """What is to be filled in, in the order of the arguments."""
+    out, following = [], 0
+    for number, kind in PLACE.findall(text.replace("%%", "")):
+        if number:
+            out.append((int(number), kind))
+        else:
+            following += 1
+            out.append((following, kind))
+    return sorted(out)
+
+
+def faults(key, comment, form):
+    """What is wrong with a translation of a key."""
+    if not form:
+        return ["is not translated"]
+    out = []
+    known = places(key)
+    if comment:  # a form may leave the count out
+        if not set(places(form)) <= set(known):
+            out.append("has other places to fill in")
+    elif places(form) != known:
+        out.append("has other places to fill in")
+    for edge in (lambda text: text[:1], lambda text: text[-1:]):
+        if (edge(key) in " \n") != (edge(form) in " \n"):
+            out.append("begins or ends with other blanks")
+            break
+    accelerators = [len(re.findall(r"&(?=[^\s&])", text.replace("&&", ""))) for text in (key, form)]
+    if accelerators[0] != accelerators[1]:
+        out.append("has another number of access keys")
+    if key.count("\n") != form.count("\n"):
+        out.append("has another number of lines")
+    if key.endswith("…") != form.endswith("…") and key.endswith("…"):
+        out.append("does not end in …")
+    return out
+
+
+# Pieces that are put together to one sentence cannot be put in another order by a translator; lines may be.
+def glued():
+    out = []
+    for name in sources():
+        text = without_comments((ROOT / name).read_text())
+        for match in re.finditer(r"zqLocalized\(", text):
+            given = arguments(text, match.end())
+            end = match.end() + len(",".join(given)) + 1
+            before, after = text[:match.start()].rstrip(), text[end:].lstrip()
+            line = text.count("\n", 0, match.start()) + 1
+            if after.startswith("+") and not re.match(r"\+=?\s*(u'\\n'|QStringLiteral\(\"\\n)", after):
+                out.append(f"{name}:{line}: a text is glued to what follows it; make one key with places of both")
+            elif before.endswith("+") and not re.search(r"(u'\\n'|\\n\"\))\s*\+$", before):
+                out.append(f"{name}:{line}: a text is glued to what stands before it; make one key with places of both")
+    return out
+
+
+def languages():
+    return sorted(path.stem.split("_", 1)[1] for path in FOLDER.glob("zelto_*.ts"))
+
+
+def check():
+    wanted = keys()
+    problems = glued()
+    for language in languages():
+        have = read(language)
+        problems += [f"{language}: “{key[0]}” is not in the catalogue" for key in sorted(wanted.keys() - have.keys())]
+        problems += [f"{language}: “{key[0]}” is in no source any more" for key in sorted(have.keys() - wanted.keys())]
+        for key in sorted(wanted.keys() & have.keys()):
+            for form in have[key]:
+                problems += [f"{language}: “{key[0]}” {fault}: “{form}”" for fault in faults(*key, form)]
+    for problem in problems:
+        print(problem)
+    if problems:
+        raise SystemExit(f"{len(problems)} texts are not as they should be; Tools/languages.py update, then translate what is unfinished")
+    print(f"{len(wanted)} texts in {', '.join(languages())}")
+
+
+def update():
+    wanted = keys()
+    for language in languages():
+        write(language, read(language), wanted)
+
+
+def todo(language):
+    have = read(language)
+    out = {}
+    for key, (_, one) in sorted(keys().items()):
+        if not all(have.get(key, [""])):
+            out[key[0] + ("\x01" if key[1] else "")] = [one, key[0]] if key[1] else ""
+    print(json.dumps(out, ensure_ascii=False, indent=0))
+
+
+def fill(language, path):
+    wanted, have = keys(), read(language)
+    refused = 0
+    for text, given in json.loads(Path(path).read_text()).items():
+        key = (text.rstrip("\x01"), COUNTED if text.endswith("\x01") else "")
+        forms = given if isinstance(given, list) else [given]
+        wrong = [fault for form in forms for fault in faults(*key, form)] if key in wanted else ["is no key"]
+        if wrong or (key[1] and len(forms) != 2):
+            print(f"“{key[0]}”: {'; '.join(wrong) or 'needs two forms'}: {forms}")
+            refused += 1
+        else:
+            have[key] = forms
+    write(language, have, wanted)
+    if refused:
+        raise SystemExit(f"{refused} were not taken")
+
+
+if __name__ == "__main__":
+    commands = {"update": update, "check": check, "todo": todo, "fill": fill}
+    if len(sys.argv) < 2 or sys.argv[1] not in commands:
+        raise SystemExit(__doc__)
+    commands[sys.argv[1]](*sys.argv[2:])
