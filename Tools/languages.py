@@ -6,7 +6,7 @@
   Tools/languages.py todo LANGUAGE   the keys without a translation, as JSON
   Tools/languages.py fill LANGUAGE FILE   takes translations from such a JSON object: key to text, or to a list of forms
 
-A key is what stands in quotes in a call of zqLocalized, zqKey (for texts in tables) or zqCounted.
+A key is what stands in quotes in a call of zqLocalized or zqKey (for texts in tables), or in a ZQCountedKey.
 """
 import json
 import re
@@ -20,7 +20,7 @@ ROOT = Path(__file__).resolve().parent.parent
 FOLDER = ROOT / "Resources" / "languages"
 COUNTED = "counted"
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
-CALL = re.compile(r"\b(zqLocalized|zqKey|zqCounted)\s*\(")
+CALL = re.compile(r"\b(zqLocalized|zqKey)\s*\(|\bzqCounted\s*\(\s*\{|\bZQCountedKey\s*\{")
 PLACE = re.compile(r"%(?:(\d)\$)?l?([@dsifu])")
 ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "'": "'"}
 
@@ -83,10 +83,9 @@ def keys():
         text = without_comments((ROOT / name).read_text())
         for call in CALL.finditer(text):
             given = arguments(text, call.end())
-            if call[1] == "zqCounted":
-                one, several = literals(given[0]), literals(given[1])
-                if len(one) == 1 and len(several) == 1:
-                    found.setdefault((several[0], COUNTED), [set(), one[0]])[0].add(name)
+            if not call[1]:
+                if len(given) == 2 and all(len(literals(each)) == 1 for each in given):
+                    found.setdefault((literals(given[1])[0], COUNTED), [set(), literals(given[0])[0]])[0].add(name)
                 continue
             for key in literals(given[0]) if given else []:
                 found.setdefault((key, ""), [set(), None])[0].add(name)
@@ -173,9 +172,9 @@ def glued():
             end = match.end() + len(",".join(given)) + 1
             before, after = text[:match.start()].rstrip(), text[end:].lstrip()
             line = text.count("\n", 0, match.start()) + 1
-            if after.startswith("+") and not re.match(r"\+=?\s*(u'\\n'|QStringLiteral\(\"\\n)", after):
+            if after.startswith("+") and not re.match(r"\+=?\s*(u'(\\n| )'|QStringLiteral\(\"\\n)", after):
                 out.append(f"{name}:{line}: a text is glued to what follows it; make one key with places of both")
-            elif before.endswith("+") and not re.search(r"(u'\\n'|\\n\"\))\s*\+$", before):
+            elif before.endswith("+") and not re.search(r"(u'(\\n| )'|\\n\"\))\s*\+$", before):
                 out.append(f"{name}:{line}: a text is glued to what stands before it; make one key with places of both")
     return out
 

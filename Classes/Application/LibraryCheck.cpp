@@ -43,8 +43,7 @@ void checkItem(ZQLibraryBaseItem &item, bool deep, QStringList &problems)
 
 QStringList LibraryFindings::lines() const
 {
-    QStringList result = {items == 1 ? zqLocalized("1 item checked")
-                                     : zqFormat(zqLocalized("%d items checked"), {items})};
+    QStringList result = {zqCounted({"1 item checked", "%d items checked"}, items)};
     result += problems;
     const std::pair<const QStringList *, QString> kinds[] = {
         {&orphans, zqLocalized("belongs to no item; the next launch takes it back or removes it: %@")},

@@ -33,16 +33,15 @@ QString LibraryRecovery::lossText() const
     struct Part
     {
         qint64 count;
-        const char *one;
-        const char *several;
+        ZQCountedKey text;
     };
     QStringList parts;
-    for (const Part &part : {Part{unreadableItems, "1 item", "%@ items"},
-                             Part{unreadableEntries, "1 sidebar entry or tag", "%@ sidebar entries or tags"},
-                             Part{unreadableMemberships, "1 membership", "%@ memberships"}}) {
+    for (const Part &part :
+         {Part{unreadableItems, ZQCountedKey{"1 item", "%@ items"}},
+          Part{unreadableEntries, ZQCountedKey{"1 sidebar entry or tag", "%@ sidebar entries or tags"}},
+          Part{unreadableMemberships, ZQCountedKey{"1 membership", "%@ memberships"}}}) {
         if (part.count > 0) {
-            parts.append(part.count == 1 ? zqLocalized(part.one)
-                                         : zqFormat(zqLocalized(part.several), {QLocale().toString(part.count)}));
+            parts.append(zqCounted(part.text, part.count));
         }
     }
     return parts.isEmpty()

@@ -87,15 +87,15 @@ QString reasonFor(const QString &text)
         const char *reason;
     };
     constexpr std::array known{
-        Known{"ERR_NAME_NOT_RESOLVED", "There is no such server: see whether the address is written right."},
-        Known{"ERR_INTERNET_DISCONNECTED", "There is no connection to the network."},
-        Known{"ERR_CONNECTION_REFUSED", "The server takes no connections."},
-        Known{"ERR_CONNECTION_RESET", "The server broke off the connection."},
-        Known{"ERR_EMPTY_RESPONSE", "The server sent nothing."},
-        Known{"ERR_TOO_MANY_REDIRECTS", "The page sends its visitors around in a circle."},
-        Known{"ERR_FILE_NOT_FOUND", "There is no such file."},
-        Known{"ERR_CERT_", "The server's certificate is not valid, so that nobody can tell whose page it is."},
-        Known{"ERR_TIMED_OUT", "The server did not answer in time."},
+        Known{"ERR_NAME_NOT_RESOLVED", zqKey("There is no such server: see whether the address is written right.")},
+        Known{"ERR_INTERNET_DISCONNECTED", zqKey("There is no connection to the network.")},
+        Known{"ERR_CONNECTION_REFUSED", zqKey("The server takes no connections.")},
+        Known{"ERR_CONNECTION_RESET", zqKey("The server broke off the connection.")},
+        Known{"ERR_EMPTY_RESPONSE", zqKey("The server sent nothing.")},
+        Known{"ERR_TOO_MANY_REDIRECTS", zqKey("The page sends its visitors around in a circle.")},
+        Known{"ERR_FILE_NOT_FOUND", zqKey("There is no such file.")},
+        Known{"ERR_CERT_", zqKey("The server's certificate is not valid, so that nobody can tell whose page it is.")},
+        Known{"ERR_TIMED_OUT", zqKey("The server did not answer in time.")},
     };
     for (const Known &entry : known) {
         if (text.contains(QLatin1String(entry.text))) {

@@ -93,7 +93,7 @@ bool CommandEdits::save()
     return error.isNull();
 }
 
-int CommandEdits::finish(qsizetype count, const char *one, const char *several)
+int CommandEdits::finish(qsizetype count, const ZQCountedKey &text)
 {
     const AbandonWatch watch(m_command, [this] {
         if (m_user->cancelWork) {
@@ -111,6 +111,6 @@ int CommandEdits::finish(qsizetype count, const char *one, const char *several)
     if (*m_isCancelled) {
         return m_command.fail(zqLocalized("it was cancelled; what was changed before that stays so"));
     }
-    m_command.print(count == 1 ? zqLocalized(one) : zqFormat(zqLocalized(several), {count}));
+    m_command.print(zqCounted(text, count));
     return 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Editing/EditContext.h"
+#include "Kit/Foundation/ZQLocalized.h"
 
 #include <memory>
 
@@ -20,7 +21,7 @@ public:
 
     // Waits until what was asked for is done and written to the files; then prints `one`, or `several` with the count,
     // and answers 0. After an error, or when it was cancelled, says so and answers 2.
-    int finish(qsizetype count, const char *one, const char *several);
+    int finish(qsizetype count, const ZQCountedKey &text);
 
 private:
     class User;

@@ -30,7 +30,7 @@ int zqRunDelete(const QStringList &items, CommandContext &context)
     }
     CommandEdits edits(context);
     LibraryCommands(edits.context()).deleteItems(*ids);
-    return edits.finish(ids->size(), "1 item deleted", "%d items deleted");
+    return edits.finish(ids->size(), ZQCountedKey{"1 item deleted", "%d items deleted"});
 }
 
 int zqRunRestore(const QStringList &items, CommandContext &context)
@@ -41,7 +41,7 @@ int zqRunRestore(const QStringList &items, CommandContext &context)
     }
     CommandEdits edits(context);
     LibraryCommands(edits.context()).restoreItems(std::make_shared<QList<ZQObjectID>>(*ids));
-    return edits.finish(ids->size(), "1 item restored", "%d items restored");
+    return edits.finish(ids->size(), ZQCountedKey{"1 item restored", "%d items restored"});
 }
 
 int zqRunPurge(CommandContext &context)

@@ -82,8 +82,7 @@ void printJSON(const DownloadImageOperation &download, const QStringList &import
 void printText(const DownloadImageOperation &download, const QStringList &imported, const QList<DroppedFile> &dropped,
                CommandContext &context)
 {
-    context.print(imported.size() == 1 ? zqLocalized("1 item imported")
-                                       : zqFormat(zqLocalized("%d items imported"), {imported.size()}));
+    context.print(zqCounted({"1 item imported", "%d items imported"}, imported.size()));
     for (const DownloadImageOperation::Failure &failure : download.failures()) {
         context.print(zqFormat(zqLocalized("not downloaded: %@: %@"),
                                {zqShortened(failure.imageUrl, longestAddress), failure.error.localizedDescription()}));

@@ -115,12 +115,10 @@ void printResult(const ExportRequest &request, const ExportResult &result, Comma
         return;
     }
     if (request.archive && !result.written.isEmpty()) {
-        context.print(zqFormat(result.count == 1 ? zqLocalized("%d file exported into %@")
-                                                 : zqLocalized("%d files exported into %@"),
-                               {result.count, result.written.first()}));
+        context.print(zqCounted({"%d file exported into %@", "%d files exported into %@"}, result.count,
+                                {result.written.first()}));
     } else {
-        context.print(zqFormat(result.count == 1 ? zqLocalized("%d file exported") : zqLocalized("%d files exported"),
-                               {result.count}));
+        context.print(zqCounted({"%d file exported", "%d files exported"}, result.count));
     }
     for (const ExportResult::Problem &problem : result.missing) {
         context.print(zqFormat(zqLocalized("missing: %@: %@"), {problem.title, problem.reason}));

@@ -127,7 +127,7 @@ void printReport(const ImportReport &report, CommandContext &context)
         return;
     }
     const qsizetype count = report.imported().size();
-    context.print(count == 1 ? zqLocalized("1 item imported") : zqFormat(zqLocalized("%d items imported"), {count}));
+    context.print(zqCounted({"1 item imported", "%d items imported"}, count));
     printDropped(report.dropped(), context);
     for (const QString &text : report.notifications()) {
         context.print(text);
@@ -216,8 +216,8 @@ int copyIntoLiveFolder(const QStringList &given, const ZQObjectID &folder, const
         .copyFiles(paths, folder,
                    {metadata.value(QStringLiteral("webURL")).toString(),
                     metadata.value(QStringLiteral("webPageURL")).toString()});
-    const int status =
-        edits.finish(paths.size(), "1 file copied into the live folder", "%d files copied into the live folder");
+    const int status = edits.finish(
+        paths.size(), ZQCountedKey{"1 file copied into the live folder", "%d files copied into the live folder"});
     if (context.json) {
         context.output = output; // the report says it
     }
@@ -278,14 +278,13 @@ void zqTellOfCutOffImports(CommandContext &context)
 {
     const qsizetype count = AImportManager::sharedAImportManager().pendingImports().cutOff().size();
     if (count > 0) {
-        const QString text = count == 1 ? zqLocalized("an import was cut off")
-                                        : zqFormat(zqLocalized("%d imports were cut off"), {count});
+        const QString what = zqCounted({"an import was cut off", "%d imports were cut off"}, count);
         const QString which = AImportManager::sharedAImportManager().pendingImports().text();
-        context.errors += "zelto: " + text.toUtf8() + (which.isEmpty() ? "" : ": " + which.toUtf8()) + "; " +
-                          zqLocalized("zelto import --resume goes on with the missing files, zelto import --forget "
-                                      "gives them up")
-                              .toUtf8() +
-                          '\n';
+        const QString text =
+            zqFormat(zqLocalized("%@; zelto import --resume goes on with the missing files, zelto import --forget "
+                                 "gives them up"),
+                     {which.isEmpty() ? what : zqFormat(zqLocalized("%@: %@"), {what, which})});
+        context.errors += "zelto: " + text.toUtf8() + '\n';
     }
 }
 

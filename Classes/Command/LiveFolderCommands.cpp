@@ -113,9 +113,8 @@ void print(const QList<Folder> &roots, CommandContext &context)
                                    {QStringLiteral("reason"), reason},
                                    {QStringLiteral("reasonsBelow"), objectOfReasons}});
         if (!context.json) {
-            const QString what = items == 1 ? zqLocalized("1 item") : zqFormat(zqLocalized("%d items"), {items});
-            const QString where =
-                below.isEmpty() ? zqLocalized("1 folder") : zqFormat(zqLocalized("%d folders"), {below.size() + 1});
+            const QString what = zqCounted({"1 item", "%d items"}, items);
+            const QString where = zqCounted({"1 folder", "%d folders"}, below.size() + 1);
             context.print(zqFormat(zqLocalized("%@: %@, %@ in %@"), {root->folderPath(), state, what, where}));
             if (!reason.isEmpty()) {
                 context.print(u' ' + reason);
@@ -343,7 +342,8 @@ int zqRunRemoveLiveFolder(const QString &reference, CommandContext &context)
             return finished.fail(zqLocalized("somebody else removed the live folder meanwhile"));
         }
         SidebarCommands(edits.context()).deleteListItems({item});
-        return edits.finish(1, "1 live folder removed; its folder stays on the disk", "%d live folders removed");
+        return edits.finish(
+            1, ZQCountedKey{"1 live folder removed; its folder stays on the disk", "%d live folders removed"});
     };
     LiveFolderManaging *const manager = context.delegate->liveFolderManager();
     if (!manager) {

@@ -93,7 +93,7 @@ int makeSmartFolder(const QString &title, const QString &text, const QString &in
     if (!SidebarCommands(edits.context()).addSmartFolder(text, title, place)) {
         return context.fail(zqLocalized("this library has no entry “PROJECTS”; `zelto verify` checks it"));
     }
-    return edits.finish(1, "1 smart folder made", "%d smart folders made");
+    return edits.finish(1, ZQCountedKey{"1 smart folder made", "%d smart folders made"});
 }
 
 int changeSmartFolder(const QString &reference, const QString &text, CommandContext &context)
@@ -111,7 +111,7 @@ int changeSmartFolder(const QString &reference, const QString &text, CommandCont
     }
     CommandEdits edits(context);
     SidebarCommands(edits.context()).setSearchText(edits.context().sidebarItem(item->objectID()), text);
-    return edits.finish(1, "1 smart folder changed", "%d smart folders changed");
+    return edits.finish(1, ZQCountedKey{"1 smart folder changed", "%d smart folders changed"});
 }
 
 } // namespace

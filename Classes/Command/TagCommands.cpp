@@ -128,26 +128,28 @@ int zqRunTag(const TagRequest &request, CommandContext &context)
     }
     CommandEdits edits(context);
     ItemEdits(edits.context()).changeTags(idsOf(*items), {}, removed, request.add);
-    return edits.finish(items->size(), "1 item tagged", "%d items tagged");
+    return edits.finish(items->size(), ZQCountedKey{"1 item tagged", "%d items tagged"});
 }
 
 int zqRunNote(const QStringList &itemsAndText, CommandContext &context)
 {
     QStringList references = itemsAndText;
-    const auto text = takeLast(references, "name at least one item, and after the items the text of the note", context);
+    const auto text =
+        takeLast(references, zqKey("name at least one item, and after the items the text of the note"), context);
     const auto items = text ? activeItems(references, context) : std::nullopt;
     if (!items) {
         return 2;
     }
     CommandEdits edits(context);
     ItemEdits(edits.context()).setNotes(idsOf(*items), text->isNull() ? QLatin1String("") : *text);
-    return edits.finish(items->size(), "1 item noted", "%d items noted");
+    return edits.finish(items->size(), ZQCountedKey{"1 item noted", "%d items noted"});
 }
 
 int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
 {
     QStringList references = itemsAndRating;
-    const auto text = takeLast(references, "name at least one item, and after the items a rating from 0 to 5", context);
+    const auto text =
+        takeLast(references, zqKey("name at least one item, and after the items a rating from 0 to 5"), context);
     bool isNumber = false;
     const double rating = text ? text->toDouble(&isNumber) : 0;
     if (text && !(isNumber && rating >= 0 && rating <= 5)) {
@@ -161,7 +163,7 @@ int zqRunRate(const QStringList &itemsAndRating, CommandContext &context)
     const int stars = OpenMeta::starsForRating(rating);
     CommandEdits edits(context);
     ItemEdits(edits.context()).setRating(idsOf(*items), stars);
-    int status = edits.finish(items->size(), "1 item rated", "%d items rated");
+    int status = edits.finish(items->size(), ZQCountedKey{"1 item rated", "%d items rated"});
     const bool hasFraction = stars > 0 && rating != stars && ZQLibraryEnvironment::current().writesTagsToFiles();
     for (const ZQRef<ZQLibraryBaseItem> &item : status == 0 && hasFraction ? *items : Items()) {
         const ZQError error = TagFileWriter::sharedTagFileWriter().writeRatingToFile(item->findItemURL(), rating);

@@ -63,8 +63,8 @@ bool FileCopies::copyFiles(EditRun &run)
         }
         return true;
     });
-    problems.tell(run, "“%@” cannot be copied into the live folder.",
-                  "%d files cannot be copied into the live folder.");
+    problems.tell(run, zqKey("“%@” cannot be copied into the live folder."),
+                  zqKey("%d files cannot be copied into the live folder."));
     return hasFiles();
 }
 
@@ -144,7 +144,7 @@ void FileCopies::deleteFiles(EditRun &run)
         return true;
     });
     m_copies = todo + kept;
-    problems.tell(run, "“%@” stays where it was copied to.", "%d files stay where they were copied to.");
+    problems.tell(run, zqKey("“%@” stays where it was copied to."), zqKey("%d files stay where they were copied to."));
 }
 
 bool FileCopies::remove(EditRun &run, Copy &copy, ZQOwnMoves &moves, FileProblems &problems) const

@@ -67,7 +67,7 @@ EditPass deletion(const IDs &items, const Done &done)
                     done->append(deleted);
                     return true;
                 });
-                problems.tell(run, "“%@” cannot be deleted.", "%d items cannot be deleted.");
+                problems.tell(run, zqKey("“%@” cannot be deleted."), zqKey("%d items cannot be deleted."));
                 return !done->isEmpty();
             },
             zqLocalized("Deleting items…")};
@@ -88,7 +88,7 @@ EditPass restoration(const Done &done)
                     return true;
                 };
                 const bool isDone = takeBack<ZQObjectID>(run, zqLocalized("Restoring items…"), *done, restore);
-                problems.tell(run, "“%@” cannot be restored.", "%d items cannot be restored.");
+                problems.tell(run, zqKey("“%@” cannot be restored."), zqKey("%d items cannot be restored."));
                 return isDone;
             },
             zqLocalized("Restoring items…")};

@@ -76,7 +76,7 @@ public:
             }
             return save() && !stops();
         });
-        tell("“%@” cannot be put into the live folder.", "%d items cannot be put into the live folder.");
+        tell(zqKey("“%@” cannot be put into the live folder."), zqKey("%d items cannot be put into the live folder."));
     }
 
     void takeBack()
@@ -100,7 +100,7 @@ public:
             return !stops();
         });
         m_transfer.arrived = todo + kept;
-        tell("“%@” cannot be moved back.", "%d items cannot be moved back.");
+        tell(zqKey("“%@” cannot be moved back."), zqKey("%d items cannot be moved back."));
     }
 
 private:
@@ -118,10 +118,11 @@ private:
     void tell(const char *one, const char *several) const
     {
         m_problems.tell(m_run, one, several);
-        m_unsafe.tell(m_run, "“%@” was copied, but may not be safe on the disk. Its original stays where it was.",
-                      "%d files were copied, but may not be safe on the disk. Their originals stay where they were.");
-        m_left.tell(m_run, "“%@” was copied, but its original stays where it was.",
-                    "%d files were copied, but their originals stay where they were.");
+        m_unsafe.tell(
+            m_run, zqKey("“%@” was copied, but may not be safe on the disk. Its original stays where it was."),
+            zqKey("%d files were copied, but may not be safe on the disk. Their originals stay where they were."));
+        m_left.tell(m_run, zqKey("“%@” was copied, but its original stays where it was."),
+                    zqKey("%d files were copied, but their originals stay where they were."));
     }
     void begin()
     {

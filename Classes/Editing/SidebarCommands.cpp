@@ -52,25 +52,32 @@ struct Confirmation
     const char *button;
 };
 
-constexpr Confirmation deleteProject = {"Are you sure you want to delete this project?",
-                                        "The project items will still remain inside your library.", "Delete"};
-constexpr Confirmation removeLiveFolder = {"Are you sure you want to remove this Live Folder?",
-                                           "The original folders will still remain on your disk.", "Remove"};
-constexpr Confirmation deleteSmartFolder = {"Are you sure you want to delete this smart folder?",
-                                            "The items it finds will still remain inside your library.", "Delete"};
+constexpr Confirmation deleteProject = {zqKey("Are you sure you want to delete this project?"),
+                                        zqKey("The project items will still remain inside your library."),
+                                        zqKey("Delete")};
+constexpr Confirmation removeLiveFolder = {zqKey("Are you sure you want to remove this Live Folder?"),
+                                           zqKey("The original folders will still remain on your disk."),
+                                           zqKey("Remove")};
+constexpr Confirmation deleteSmartFolder = {zqKey("Are you sure you want to delete this smart folder?"),
+                                            zqKey("The items it finds will still remain inside your library."),
+                                            zqKey("Delete")};
 constexpr Confirmation deleteFolder = {
-    "Are you sure you want to delete this folder?",
-    "All the child projects will be also deleted, projects items will still remain inside your library.", "Delete"};
+    zqKey("Are you sure you want to delete this folder?"),
+    zqKey("All the child projects will be also deleted, projects items will still remain inside your library."),
+    zqKey("Delete")};
 constexpr Confirmation deleteSeveral = {
-    "Are you sure you want to delete these items?",
-    "All the child projects will be also deleted, projects items will still remain inside your library.", "Delete"};
-constexpr Confirmation deleteProjectContent = {"Are you sure you want to delete this project and its content?",
-                                               "All the project items will be deleted from your library.", "Delete"};
-constexpr Confirmation deleteFolderContent = {"Are you sure you want to delete this folder and its content?",
-                                              "All the child projects and their items will be also deleted.", "Delete"};
-constexpr Confirmation deleteSeveralContent = {"Are you sure you want to delete these items and their content?",
-                                               "All the child projects and their items will be also deleted.",
-                                               "Delete"};
+    zqKey("Are you sure you want to delete these items?"),
+    zqKey("All the child projects will be also deleted, projects items will still remain inside your library."),
+    zqKey("Delete")};
+constexpr Confirmation deleteProjectContent = {zqKey("Are you sure you want to delete this project and its content?"),
+                                               zqKey("All the project items will be deleted from your library."),
+                                               zqKey("Delete")};
+constexpr Confirmation deleteFolderContent = {zqKey("Are you sure you want to delete this folder and its content?"),
+                                              zqKey("All the child projects and their items will be also deleted."),
+                                              zqKey("Delete")};
+constexpr Confirmation deleteSeveralContent = {zqKey("Are you sure you want to delete these items and their content?"),
+                                               zqKey("All the child projects and their items will be also deleted."),
+                                               zqKey("Delete")};
 
 const Confirmation &confirmationFor(const SidebarCommands::Items &items, bool withContent)
 {
@@ -234,8 +241,8 @@ bool SidebarCommands::confirm(const Items &items, bool withContent)
 {
     if (items.first()->isTag()) {
         UserQuestion question;
-        question.message = zqLocalized(items.size() == 1 ? "Are you sure you want to delete this tag?"
-                                                         : "Are you sure you want to delete these tags?");
+        question.message = zqCounted(
+            {"Are you sure you want to delete this tag?", "Are you sure you want to delete these tags?"}, items.size());
         question.buttons = {zqLocalized("Delete"), zqLocalized("Cancel")};
         question.isDestructive = true;
         return m_edits.user.ask(question) == 0;

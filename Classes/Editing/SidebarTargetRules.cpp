@@ -41,26 +41,26 @@ struct Rule
 };
 
 constexpr std::array<Rule, 11> rules = {{
-    {Target::None, NoFiles, Takes::Never, false, false, Holding::Nothing, "Choose where it is to go."},
+    {Target::None, NoFiles, Takes::Never, false, false, Holding::Nothing, zqKey("Choose where it is to go.")},
     {Target::Library, Supported, Takes::InItsPane, false, false, Holding::Items,
-     "Everything is in the library already. Choose a project or a tag."},
+     zqKey("Everything is in the library already. Choose a project or a tag.")},
     {Target::Recents, NoFiles, Takes::Never, false, false, Holding::Nothing,
-     "Recent shows what is new by itself. Choose the library, a project or a tag."},
+     zqKey("Recent shows what is new by itself. Choose the library, a project or a tag.")},
     {Target::Screenshots, NoFiles, Takes::Never, true, true, Holding::Items,
-     "Screenshots is for captures. Choose the library, a project or a tag."},
+     zqKey("Screenshots is for captures. Choose the library, a project or a tag.")},
     {Target::Project, Supported, Takes::Always, true, true, Holding::Items,
-     "None of this can be imported into a project."},
+     zqKey("None of this can be imported into a project.")},
     {Target::SmartFolder, NoFiles, Takes::Never, false, false, Holding::Nothing,
-     "A smart folder finds its items by itself. Choose the library, a project or a tag."},
+     zqKey("A smart folder finds its items by itself. Choose the library, a project or a tag.")},
     {Target::Folder, Folders | Archives, Takes::Never, false, false, Holding::Tree,
-     "A folder takes folders and archives. Choose a project in it."},
+     zqKey("A folder takes folders and archives. Choose a project in it.")},
     {Target::LiveFolder, Supported | Folders, Takes::Always, true, false, Holding::Nothing,
-     "None of this can be imported into a live folder."},
+     zqKey("None of this can be imported into a live folder.")},
     {Target::LiveFoldersLabel, NoFiles, Takes::Never, false, false, Holding::Nothing,
-     "Choose a live folder, the library, a project or a tag."},
-    {Target::Tag, Supported, Takes::Always, true, true, Holding::Items, "None of this can be imported."},
+     zqKey("Choose a live folder, the library, a project or a tag.")},
+    {Target::Tag, Supported, Takes::Always, true, true, Holding::Items, zqKey("None of this can be imported.")},
     {Target::OtherLabel, NoFiles, Takes::Never, false, false, Holding::Nothing,
-     "Choose the library, a project or a tag."},
+     zqKey("Choose the library, a project or a tag.")},
 }};
 
 Target targetOf(const ZQSidebarBaseItem *item)

@@ -20,7 +20,7 @@
 #include <cerrno>
 
 namespace {
-const QString progressText = QStringLiteral("Export operation");
+const QString progressText = QLatin1StringView(zqKey("Export operation"));
 } // namespace
 
 ExportOperation::ExportOperation(const ExportRequest &request)

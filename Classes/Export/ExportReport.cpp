@@ -75,9 +75,9 @@ QString notesText(const QList<ExportResult::Problem> &notes)
 void ExportReport::tellOfMissing(qsizetype count)
 {
     if (count > 0) {
-        notify(zqFormat(count == 1 ? zqLocalized("Export incomplete\n %d original file is missing!")
-                                   : zqLocalized("Export incomplete\n%d original files are missing!"),
-                        {count}));
+        notify(zqCounted(
+            {"Export incomplete\n %d original file is missing!", "Export incomplete\n%d original files are missing!"},
+            count));
     }
 }
 
@@ -106,9 +106,7 @@ void ExportReport::tell(const ExportRequest &request, const ExportResult &result
                             : zqLocalized("Of some pictures, “%@” for one, only a part was exported. %@"),
                         {first.title, first.reason}));
     } else if (result.missing.isEmpty() && !result.isCancelled && result.count > 0) {
-        notify(zqFormat(result.count == 1 ? zqLocalized("%d file exported") : zqLocalized("%d files exported"),
-                        {result.count}) +
-               notesText(result.notes));
+        notify(zqCounted({"%d file exported", "%d files exported"}, result.count) + notesText(result.notes));
     }
 }
 

@@ -23,16 +23,16 @@ struct NamedColor
     qint32 value;
 };
 
-constexpr std::array<NamedColor, ColorCount> colors{{{"white", 1000},
-                                                     {"black", 1001},
-                                                     {"gray", 1002},
-                                                     {"red", 1003},
-                                                     {"orange", 1004},
-                                                     {"yellow", 1005},
-                                                     {"green", 1006},
-                                                     {"blue", 1007},
-                                                     {"purple", 1008},
-                                                     {"pink", 1009}}};
+constexpr std::array<NamedColor, ColorCount> colors{{{zqKey("white"), 1000},
+                                                     {zqKey("black"), 1001},
+                                                     {zqKey("gray"), 1002},
+                                                     {zqKey("red"), 1003},
+                                                     {zqKey("orange"), 1004},
+                                                     {zqKey("yellow"), 1005},
+                                                     {zqKey("green"), 1006},
+                                                     {zqKey("blue"), 1007},
+                                                     {zqKey("purple"), 1008},
+                                                     {zqKey("pink"), 1009}}};
 
 struct HueRange
 {

@@ -1,6 +1,7 @@
 #include "Classes/Import/ImportSettings.h"
 
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQLocalized.h"
 
 #include <algorithm>
 #include <limits>
@@ -32,10 +33,10 @@ QString ImportSettings::sizeTag(int width, int height) const
     }
     const int longerSide = std::max(width, height);
     if (longerSide <= iconLimit) {
-        return QStringLiteral("icon");
+        return QLatin1StringView(zqKey("icon"));
     }
     if (longerSide > smallTagSize) {
-        return longerSide <= mediumTagSize ? QStringLiteral("medium") : QStringLiteral("large");
+        return longerSide <= mediumTagSize ? QLatin1StringView(zqKey("medium")) : QLatin1StringView(zqKey("large"));
     }
-    return QStringLiteral("small");
+    return QLatin1StringView(zqKey("small"));
 }

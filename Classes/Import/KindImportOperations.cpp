@@ -1,6 +1,7 @@
 #include "Classes/Import/KindImportOperations.h"
 
 #include "Classes/Import/ThumbGenerator.h"
+#include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Kit/Imaging/ZQPreviewService.h"
 #include "Models/DataModel/ZQLibraryAcorn.h"
@@ -54,19 +55,19 @@ void SVGImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ZQPreviewService::previewOfFile(filePath(), previewBox, &error);
-    keepRepresentation(bitmap, "SVG %@ is not a valid image", error);
+    keepRepresentation(bitmap, zqKey("SVG %@ is not a valid image"), error);
 }
 
 void EPSImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ZQImageSource::bitmapOfFile(filePath(), &error);
-    keepRepresentation(bitmap, "EPS %@ is not a valid image", error);
+    keepRepresentation(bitmap, zqKey("EPS %@ is not a valid image"), error);
 }
 
 void AcornImportOperation::createRepresentationBitmap()
 {
     ZQError error;
     const ZQBitmap bitmap = ThumbGenerator::grabAcornBitmapImageRepAtPath(filePath(), &error);
-    keepRepresentation(bitmap, "Acorn %@ is not a valid image", error);
+    keepRepresentation(bitmap, zqKey("Acorn %@ is not a valid image"), error);
 }

@@ -361,7 +361,7 @@ void PendingImports::offerToResume()
         zqLocalized("Zelto ended before all files were in the library. It can go on with those that are missing. "
                     "What is in the library stays there either way.");
     const int answer = application().userInteraction().ask(
-        {count == 1 ? zqLocalized("An import was cut off") : zqFormat(zqLocalized("%d imports were cut off"), {count}),
+        {zqCounted({"An import was cut off", "%d imports were cut off"}, count),
          which.isEmpty() ? explanation : which + QStringLiteral("\n\n") + explanation,
          {zqLocalized("Continue"), zqLocalized("Forget"), zqLocalized("Not Now")},
          {},

@@ -36,15 +36,19 @@ struct Reason
     const char *text;
 };
 constexpr Reason reasons[] = {
-    {ENOTSUP, "Its file system keeps no extended attributes. Files on a disk formatted as ext4, Btrfs or XFS do."},
-    {EROFS, "It is mounted read-only."},
-    {EACCES, "You may not write to the files there. Change their permissions to let their tags travel with them."},
-    {EPERM, "You may not write to the files there. Change their permissions to let their tags travel with them."},
-    {ENOSPC, "There is no room left for attributes. Use fewer or shorter tags and notes, or free some space."},
-    {EDQUOT, "There is no room left for attributes. Use fewer or shorter tags and notes, or free some space."},
-    {E2BIG, "There is no room left for attributes. Use fewer or shorter tags and notes, or free some space."},
+    {ENOTSUP,
+     zqKey("Its file system keeps no extended attributes. Files on a disk formatted as ext4, Btrfs or XFS do.")},
+    {EROFS, zqKey("It is mounted read-only.")},
+    {EACCES,
+     zqKey("You may not write to the files there. Change their permissions to let their tags travel with them.")},
+    {EPERM,
+     zqKey("You may not write to the files there. Change their permissions to let their tags travel with them.")},
+    {ENOSPC, zqKey("There is no room left for attributes. Use fewer or shorter tags and notes, or free some space.")},
+    {EDQUOT, zqKey("There is no room left for attributes. Use fewer or shorter tags and notes, or free some space.")},
+    {E2BIG, zqKey("There is no room left for attributes. Use fewer or shorter tags and notes, or free some space.")},
 };
-constexpr const char *tooManyTags = "The tags or the notes of a file are too long for it. Use fewer or shorter ones.";
+constexpr const char *tooManyTags =
+    zqKey("The tags or the notes of a file are too long for it. Use fewer or shorter ones.");
 
 const char *reasonFor(const ZQError &error)
 {

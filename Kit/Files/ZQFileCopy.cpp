@@ -194,7 +194,7 @@ std::optional<ZQCopyResult> copyFolder(const QByteArray &from, const QByteArray 
     const QByteArray parent = resolved(to.left(std::max<qsizetype>(to.lastIndexOf('/'), 0)) + '/');
     const QByteArray source = resolved(from);
     if (!source.isEmpty() && (parent + '/').startsWith(source + '/')) {
-        fail(request.error, EINVAL, "“%@” cannot be copied into itself.", from);
+        fail(request.error, EINVAL, zqKey("“%@” cannot be copied into itself."), from);
         return std::nullopt;
     }
     if (mkdir(to.constData(), S_IRWXU) != 0) {

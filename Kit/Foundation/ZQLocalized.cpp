@@ -17,15 +17,16 @@ QString zqLocalized(const char *key)
     return QCoreApplication::translate("Zelto", key);
 }
 
-QString zqCounted(const char *one, const char *several, qint64 count, const QVariantList &more)
+QString zqCounted(const ZQCountedKey &key, qint64 count, const QVariantList &more)
 {
-    // The forms stand under the key of `several`. Qt counts in int; what is above it has the form of large numbers.
+    // The forms stand under `several`. Qt counts in int; what is above it has the form of large numbers.
     const int form = int(std::min<qint64>(count, 1'000'000'000));
-    QString format = QCoreApplication::translate("Zelto", several, "counted", form);
-    if (count == 1 && format == QString::fromUtf8(several)) {
-        format = zqLocalized(one);
+    QString format = QCoreApplication::translate("Zelto", key.several, "counted", form);
+    if (count == 1 && format == QString::fromUtf8(key.several)) {
+        format = zqLocalized(key.one);
     }
-    const QVariant shown = format.contains(QStringLiteral("%@")) ? QVariant(QLocale().toString(count)) : QVariant(count);
+    const QVariant shown =
+        format.contains(QStringLiteral("%@")) ? QVariant(QLocale().toString(count)) : QVariant(count);
     return zqFormat(format, QVariantList{shown} + more);
 }
 
@@ -61,7 +62,8 @@ QString zqFormat(const QString &format, const QVariantList &arguments)
         }
         qsizetype kind = i + 1;
         named = 0;
-        if (kind + 2 < format.size() && format.at(kind) >= u'1' && format.at(kind) <= u'9' && format.at(kind + 1) == u'$') {
+        if (kind + 2 < format.size() && format.at(kind) >= u'1' && format.at(kind) <= u'9' &&
+            format.at(kind + 1) == u'$') {
             named = format.at(kind).digitValue();
             kind += 2;
         }

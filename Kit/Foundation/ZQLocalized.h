@@ -14,12 +14,21 @@ constexpr const char *zqKey(const char *key)
     return key;
 }
 
-// The text for `count` things, in the form that the current language has for so many: `one` and `several` are the two
-// of English. The count, written as the locale writes numbers, and then `more` fill the places in order; `one` may
-// leave the count out where it has no other place.
-QString zqCounted(const char *one, const char *several, qint64 count, const QVariantList &more = {});
+// The two forms of English of a text with a count. Written out where it is made, as `{"1 item", "%@ items"}` in a call
+// of `zqCounted` or as `ZQCountedKey{"1 item", "%@ items"}`: Tools/languages.py looks for both.
+struct ZQCountedKey
+{
+    const char *one;
+    const char *several;
+};
+
+// The text for `count` things, in the form that the current language has for so many. The count, written as the locale
+// writes numbers (with `%d` as it is), and then `more` fill the places in order; `one` may leave the count out where
+// nothing follows.
+QString zqCounted(const ZQCountedKey &key, qint64 count, const QVariantList &more = {});
 
 // Fills `%@`, `%d`, `%ld`, `%f`, `%s` and `%%` of `format` with `arguments` in order. An argument too few leaves its
-// place empty; one too many is ignored. A translation whose order differs says which one it means: `%2$@`. A `%f` is written with six decimals.
-// What stands alone between typographic quotation marks is quoted for a reader, and shortened when it is long.
+// place empty; one too many is ignored. A translation whose order differs says which one it means: `%2$@`. A `%f` is
+// written with six decimals. What stands alone between typographic quotation marks is quoted for a reader, and
+// shortened when it is long.
 QString zqFormat(const QString &format, const QVariantList &arguments);

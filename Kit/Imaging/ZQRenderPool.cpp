@@ -36,15 +36,15 @@ struct OutcomeText
 
 constexpr std::array outcomeTexts{
     OutcomeText{Outcome::Stopped, ZQImagingErrorCode::RendererStopped,
-                "The picture \"%@\" could not be drawn: the renderer stopped."},
+                zqKey("The picture \"%@\" could not be drawn: the renderer stopped.")},
     OutcomeText{Outcome::TalkedNonsense, ZQImagingErrorCode::RendererStopped,
-                "The picture \"%@\" could not be drawn: the renderer stopped."},
+                zqKey("The picture \"%@\" could not be drawn: the renderer stopped.")},
     OutcomeText{Outcome::TookTooLong, ZQImagingErrorCode::TookTooLong,
-                "The picture \"%@\" could not be drawn: it took too long."},
+                zqKey("The picture \"%@\" could not be drawn: it took too long.")},
     OutcomeText{Outcome::Cancelled, ZQImagingErrorCode::Cancelled,
-                "The picture \"%@\" was not drawn: that was cancelled."},
+                zqKey("The picture \"%@\" was not drawn: that was cancelled.")},
     OutcomeText{Outcome::TooMuchMemory, ZQImagingErrorCode::TooMuchMemory,
-                "The picture \"%@\" could not be drawn: it needs too much memory."},
+                zqKey("The picture \"%@\" could not be drawn: it needs too much memory.")},
 };
 
 ZQError errorOfOutcome(Outcome outcome, const QString &path)

@@ -85,13 +85,13 @@ ZQPersistentStoreCoordinator::open(std::shared_ptr<const ZQManagedObjectModel> m
                                    const ZQStoreOptions &options, ZQError *error)
 {
     if (!model) {
-        zqSetError(error, storeError(ZQStoreError::CannotOpen, "The library has no data model.",
-                                     "Install the application again.", path));
+        zqSetError(error, storeError(ZQStoreError::CannotOpen, zqKey("The library has no data model."),
+                                     zqKey("Install the application again."), path));
         return nullptr;
     }
     if (!QFileInfo(QFileInfo(path).absolutePath()).isDir()) {
-        zqSetError(error, storeError(ZQStoreError::CannotOpen, "The folder of the library does not exist.",
-                                     "Connect the volume it is on, or choose another library.", path));
+        zqSetError(error, storeError(ZQStoreError::CannotOpen, zqKey("The folder of the library does not exist."),
+                                     zqKey("Connect the volume it is on, or choose another library."), path));
         return nullptr;
     }
     std::shared_ptr<ZQPersistentStoreCoordinator> coordinator(new ZQPersistentStoreCoordinator);
@@ -282,8 +282,8 @@ ZQPersistentStoreCoordinator::~ZQPersistentStoreCoordinator()
 std::optional<ZQStoreMetadata> ZQPersistentStoreCoordinator::metadataForStoreAtPath(const QString &path, ZQError *error)
 {
     if (!QFileInfo(path).isFile()) {
-        zqSetError(error, storeError(ZQStoreError::CannotOpen, "There is no library database at this place.",
-                                     "Choose another library.", path));
+        zqSetError(error, storeError(ZQStoreError::CannotOpen, zqKey("There is no library database at this place."),
+                                     zqKey("Choose another library."), path));
         return std::nullopt;
     }
     // A folder that cannot be written has no room for the shared index of the log; then the file is read as it is.

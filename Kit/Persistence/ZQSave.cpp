@@ -54,7 +54,7 @@ bool ZQSave::validate(ZQError *error)
                 }
                 const int field = object->m_plan->properties.value(attribute.name).field;
                 if (field >= 0 && (looked & object->m_nulls) >> field & 1U) {
-                    zqSetError(error, validationError(*object, attribute.name, "%@ needs a value."));
+                    zqSetError(error, validationError(*object, attribute.name, zqKey("%@ needs a value.")));
                     return false;
                 }
             }

@@ -168,16 +168,34 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <source>%@ is taken by another program. Choose other keys, or free them there.</source>
         <translation type="unfinished"></translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>%@ items</source>
-        <translation type="unfinished"></translation>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ items selected</source>
         <translation type="unfinished"></translation>
     </message>
+    <message numerus="yes">
+        <source>%@ memberships</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 membership</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
     <message>
         <source>%@ more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@ needs a value.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -219,6 +237,15 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     <message>
         <source>%@ shown, %@ hidden</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%@ sidebar entries or tags</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 sidebar entry or tag</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%@ since %@</source>
@@ -277,6 +304,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@, zip archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@. Everything is there.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -301,6 +332,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@; zelto import --resume goes on with the missing files, zelto import --forget gives them up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%d Items</source>
         <translation type="unfinished"></translation>
     </message>
@@ -313,20 +348,25 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>%d file exported</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>%d file exported into %@</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>%d files are gone from its folder and stay in the library. Put them back, or synchronise it now to remove them.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>%d files are gone from “%@”, and their items are kept. If a drive is not connected, connect it; to remove them from the library, run `zelto livefolders sync --remove-missing "%@"`</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files cannot be copied into the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%d files copied into the live folder</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 file copied into the live folder</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d files could not be imported. The first is “%@”: %@</source>
@@ -336,13 +376,23 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <source>%d files could not be imported: %@</source>
         <translation type="unfinished"></translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>%d files exported</source>
-        <translation type="unfinished"></translation>
+        <comment>counted</comment>
+        <extracomment>for one: %d file exported</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>%d files exported into %@</source>
-        <translation type="unfinished"></translation>
+        <comment>counted</comment>
+        <extracomment>for one: %d file exported into %@</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d files of the library had lost their entries and were taken back.</source>
@@ -357,6 +407,18 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%d files stay where they were copied to.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files were copied, but may not be safe on the disk. Their originals stay where they were.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d files were copied, but their originals stay where they were.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%d files were not copied into the live folder.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -364,9 +426,14 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <source>%d files were not exported. The first is “%@”: %@</source>
         <translation type="unfinished"></translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>%d folders</source>
-        <translation type="unfinished"></translation>
+        <comment>counted</comment>
+        <extracomment>for one: 1 folder</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d folders of the library belong to no item</source>
@@ -384,13 +451,23 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <source>%d imported, %d not</source>
         <translation type="unfinished"></translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>%d imports were cut off</source>
-        <translation type="unfinished"></translation>
+        <comment>counted</comment>
+        <extracomment>for one: an import was cut off</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>%d items</source>
-        <translation type="unfinished"></translation>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d items added to the import queue</source>
@@ -401,16 +478,87 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>%d items checked</source>
+        <source>%d items cannot be deleted.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>%d items imported</source>
+        <source>%d items cannot be moved back.</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items cannot be put into the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d items cannot be restored.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items checked</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item checked</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items deleted</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item deleted</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items imported</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item imported</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items noted</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item noted</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items rated</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item rated</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items restored</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item restored</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d items selected</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%d items tagged</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 item tagged</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d layers</source>
@@ -419,6 +567,15 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     <message>
         <source>%d live folders</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%d live folders removed</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 live folder removed; its folder stays on the disk</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d more</source>
@@ -443,6 +600,24 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     <message>
         <source>%d pictures are incomplete: only a part of each can be drawn. The first is “%@”</source>
         <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%d smart folders changed</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 smart folder changed</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%d smart folders made</source>
+        <comment>counted</comment>
+        <extracomment>for one: 1 smart folder made</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
     <message>
         <source>%d stars or more</source>
@@ -637,6 +812,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>0 … 5</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>1 Star</source>
         <translation type="unfinished"></translation>
     </message>
@@ -653,23 +832,7 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>1 folder</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>1 item</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>1 item added to the import queue</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>1 item checked</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>1 item imported</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -682,6 +845,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>100 %</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>7-Zip archive</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -710,6 +877,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>A document of %d × %d pixels is too large: other programs open none with a side of more than %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A folder takes folders and archives. Choose a project in it.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -777,11 +948,19 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>A rating is a number of stars from 0 to 5.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>A safe connection to %@ could not be made: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>A server with a second factor wants an “app password” from its security settings.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A smart folder finds its items by itself. Choose the library, a project or a tag.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -829,6 +1008,22 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>ARCHIVES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>AVI movie</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>AVIF image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Acorn %@ is not a valid image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Acorn document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -884,7 +1079,23 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Affinity Designer document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>All Tabs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All the child projects and their items will be also deleted.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All the child projects will be also deleted, projects items will still remain inside your library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>All the project items will be deleted from your library.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -916,7 +1127,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>An import was cut off</source>
+        <source>Another file has that name. Use another name, or rename the other file.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -925,6 +1136,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Another library, or a move of this one, takes effect when Zelto is opened again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another program uses it. Wait until that is done, and try again.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -960,11 +1175,48 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Are you sure you want to delete these tags?</source>
+        <source>Are you sure you want to delete these items and their content?</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Are you sure you want to delete this tag?</source>
+        <source>Are you sure you want to delete these items?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>Are you sure you want to delete these tags?</source>
+        <comment>counted</comment>
+        <extracomment>for one: Are you sure you want to delete this tag?</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete this folder and its content?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete this folder?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete this project and its content?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete this project?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to delete this smart folder?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Are you sure you want to remove this Live Folder?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Area</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -988,6 +1240,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Ask again when it is needed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Ask before a row is removed with the &amp;items in it</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1008,6 +1264,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Audio</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Auto</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1020,6 +1280,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>BMP image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Back to the items (Esc)</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1029,6 +1293,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Background</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Behind “%@” stands what to look for: %@.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1048,11 +1316,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Bytes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>C&amp;ancel</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>COLORS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Camera raw image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1116,6 +1392,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Check that its folder exists and that you may read and write there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check that the volume is still connected and has room, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Check the address and the name of the user.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1125,6 +1409,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Check the permissions of its folder and the room on its disk; the damaged file is unchanged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check the permissions of its folder and whether the volume is mounted read-only.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1141,6 +1429,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose a folder whose name ends in .ztlibrary.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a live folder, the library, a project or a tag.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1161,6 +1453,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose one in the settings of the desktop and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose the library, a project or a tag.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose where it is to go.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1220,7 +1520,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Color is “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Columns</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Comma-separated values</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1229,6 +1537,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Connect the account again in the preferences, under Cloud.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connect the volume it is on, or choose another library.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1280,6 +1592,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Created before (&lt;), on (=) or since (&gt;) the date, that day included</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Creation date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>DISKS THAT TELL OF NO CHANGES</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1320,6 +1640,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Digest is %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Digital negative image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Disable</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1328,11 +1656,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Discard the new copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Do not ask again</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Do you want to switch library and quit Zelto?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1349,6 +1685,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Drag over an area, or press an arrow key · Esc leaves</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Drawing</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1404,7 +1744,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>EPS %@ is not a valid image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Each upload goes into a folder of its own in your Dropbox. What lets Zelto in is kept in the desktop's keyring and nowhere else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Edit</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1433,6 +1781,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Enable this live folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Encapsulated PostScript image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1476,6 +1828,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Everything is in the library already. Choose a project or a tag.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Expand All Groups</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1495,14 +1851,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <source>Export as Layered PSD…</source>
         <translation type="unfinished"></translation>
     </message>
-    <message>
-        <source>Export incomplete
- %d original file is missing!</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
+    <message numerus="yes">
         <source>Export incomplete
 %d original files are missing!</source>
+        <comment>counted</comment>
+        <extracomment>for one: Export incomplete
+ %d original file is missing!</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Export operation</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1518,11 +1879,23 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Extension</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Extension is “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>F10</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>FILES OPENED WITH ZELTO</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FLAC audio</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1535,6 +1908,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Failed to initialize the store</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fewer, as many or more stars</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1562,7 +1939,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Files of this kind, as PNG or font</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Files that were not imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Files with this extension; * and ? are wildcards</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1610,6 +1995,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Font</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Forget</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1630,7 +2019,27 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Free some space, then save again; nothing of your changes is lost.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Full Screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GIF image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GIMP image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GZIP archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>General</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1666,11 +2075,39 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>HEIC image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>HTML document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Has no tag at all</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Has no tag of yours</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Has the tag “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Has the tag; * and ? are wildcards</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Have the smart folder find what is shown (Ctrl+Shift+S)</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Height</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Help</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1695,6 +2132,18 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>ITEMS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Icon image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Illustrator image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1734,7 +2183,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Import anyway</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Import cancelled</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Import date</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1758,6 +2215,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Imported before (&lt;), on (=) or since (&gt;) the date, that day included</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Importing %@ of %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1774,7 +2235,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>In a live folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In a live folder named “%@”, or below it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In a live folder of this name, or below it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>In a live folder: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In a project named “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In a project whose name contains the text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In no project</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1783,6 +2268,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>In your library since %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>InDesign document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1799,6 +2288,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Install one, such as GNOME Keyring or KWallet, log in to the desktop again, and try once more. Nothing was stored.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Install the application again.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1898,6 +2391,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>It is added where the import goes; the new copy is discarded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>It is empty, or too large for a PNG file.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1919,6 +2416,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It is locked, or you have no permission to read it. Unlock it and import it again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is locked, or you may not change its folder. Unlock it, or change the folder's permissions, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is mounted read-only.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1955,6 +2460,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It is not there any more. Look where it went and import it from there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not there any more. Look whether it was moved or deleted, or whether its disk is there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is too large for the disk it is to go to. Use another one.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2038,6 +2551,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Its file system keeps no extended attributes. Files on a disk formatted as ext4, Btrfs or XFS do.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Its file system tells of no changes, so that it is looked at in intervals.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2082,6 +2599,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Its name is too long for the disk it is to go to. Rename it, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Its original file is missing. Look whether it was moved or deleted, or whether its disk is there.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2098,11 +2619,31 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Its place is mounted read-only. Mount it so that it can be written to, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Its preview is too large. Export it from Sketch as PNG, SVG or PDF and import that.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Its size of %ld x %ld pixels is too big.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JPEG 2000 image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JPEG XL image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JPEG image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JSON document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2130,7 +2671,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Kind is “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Kind of file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Krita document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2234,6 +2783,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Live folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Live folders are not kept in step here.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2286,7 +2839,23 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Lower, as high or higher</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>MENU</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MP3 audio</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MPEG-4 audio</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>MPEG-4 movie</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2314,6 +2883,18 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Markdown document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Matroska movie</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Media</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Menu</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2326,7 +2907,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Modification date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Modified</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Modified before (&lt;), on (=) or since (&gt;) the date, that day included</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Mostly of this color</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2343,6 +2936,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Move it out of the library, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Movie</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2371,6 +2968,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Name one with --library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Narrower, as wide or wider</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2498,6 +3099,18 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>None of this can be imported into a live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None of this can be imported into a project.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>None of this can be imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Not Now</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2515,6 +3128,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Notes</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Notes contain the text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Notes contain “%@”</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2584,6 +3205,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Of this size class</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Of “%@” only a part was exported. %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2629,6 +3254,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Open with Default Program</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OpenEXR image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OpenType font</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2680,6 +3313,18 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>PDF document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>PNG image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Package</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Page %d of %d</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2708,11 +3353,31 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Photoshop brush</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Photoshop image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Picture (PNG)</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Pictures are uploaded without an account: whoever has the link sees them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pixelmator image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pixen image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Plain text document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2752,11 +3417,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Portable bitmap image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>PostScript document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Preferences</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Preferences…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Presentation</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2785,6 +3462,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Projects</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Property list</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2824,6 +3505,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>QuickTime movie</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Quit</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2841,6 +3526,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Quitting now will lose any changes you have made since the last successful save</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>RAR archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Radiance image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2876,7 +3569,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Recent shows what is new by itself. Choose the library, a project or a tag.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Recover</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Recover it with `zelto recover`, or put back a copy from a backup.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2976,7 +3677,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Rich text document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SHA-1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SHA-1_SHA-1…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>SIDEBAR</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SVG %@ is not a valid image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3016,7 +3733,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Scalable vector graphic</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Screenshots</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Screenshots is for captures. Choose the library, a project or a tag.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3033,6 +3758,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Search or #token</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3152,7 +3881,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Sidebar item</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sidebar order</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Size</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Size class is “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Sketch document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3208,6 +3953,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Spreadsheet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Starting the browser…</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3229,6 +3978,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Stopping…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Style sheet</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3272,7 +4025,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>TGA image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>THEME</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>TIFF image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3340,11 +4101,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Tape archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Templates</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Test and &amp;Connect</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Text document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3480,6 +4253,18 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The disk is full. Make room on it, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk reported an error while the library was used.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk reports an error. Check the disk and its connection before anything else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The disk with the temporary files is full. Free some space, or name another folder for them in TMPDIR, and import it again.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3497,6 +4282,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The drive with the library is gone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The existing item stays where it is.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3544,6 +4333,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The file with this digest</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The file “%@” cannot be made</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3561,6 +4354,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The folder holds nothing that can be imported.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder of the library does not exist.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3600,6 +4397,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The items it finds will still remain inside your library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The key path "%@" leads nowhere:</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3632,6 +4433,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The library cannot be written.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The library could not be brought to this version; it is unchanged.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3660,11 +4465,19 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The library has no data model.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The library has no items of this kind.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The library is at “%@” already.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library is being written by another process.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3685,6 +4498,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The library is open.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library then holds both.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3724,6 +4541,18 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The library's database cannot be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library's database is damaged from its first byte.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library's database is damaged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The library's database reported an error.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3749,6 +4578,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The name must be one line of letters and signs, without “/”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The original folders will still remain on your disk.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3780,6 +4613,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The page sends its visitors around in a circle.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The password is kept in the desktop's keyring and nowhere else.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3801,6 +4638,22 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The picture "%@" can't be opened.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture "%@" could not be drawn: it needs too much memory.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture "%@" could not be drawn: it took too long.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture "%@" could not be drawn: the renderer stopped.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The picture "%@" was not drawn: that was cancelled.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3840,6 +4693,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The project items will still remain inside your library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The projects of this folder are empty.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3864,7 +4721,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The same file more than once</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The same file more than once, with one of these digests</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The search of this smart folder cannot be understood.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server broke off the connection.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server did not answer in time.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3873,6 +4746,18 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The server sends on to “%@”, which is not for the public.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server sent nothing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server takes no connections.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server's certificate is not valid, so that nobody can tell whose page it is.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3909,6 +4794,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The tags of “%@” could not be written to the file; the library keeps them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The tags or the notes of a file are too long for it. Use fewer or shorter ones.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3988,6 +4877,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>There is no connection to the network.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>There is no display here that could be captured. Start Zelto within a desktop session.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4040,6 +4933,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>There is no room left for attributes. Use fewer or shorter tags and notes, or free some space.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>There is no screen that could be captured</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4048,11 +4945,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>There is no such file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>There is no such file. Check its name.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>There is no such folder. Check its name.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no such server: see whether the address is written right.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no token “%@”. Put it in quotes to find it as a text.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4072,7 +4981,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>There is not enough room on the disk to save.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>There is nothing between the brackets.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is nothing between the quotes.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4216,6 +5133,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Title contains the text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Title contains “%@”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Today, %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4225,6 +5150,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Too many requests came from the browser at once; some were left out. Try again in a few seconds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>TrueType font</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4316,11 +5245,19 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Use the existing item here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Use the folder that is in the place of this one</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Username or Password are invalid</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>View</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4332,6 +5269,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Wait until it has finished, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Wait until tomorrow or upgrade your CloudApp account.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4340,11 +5281,27 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Waveform audio</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Web Page…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Web page</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Web pages cannot be captured now. Restart Zelto, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>WebM movie</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>WebP image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4400,6 +5357,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Whole Screen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Whole page</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4416,7 +5377,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Window</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Window to capture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Windows icon image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4428,7 +5397,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Word document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Would you like to import the following duplicate image?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Write &lt;, = or &gt; behind “%@”, and then what to compare with.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4448,6 +5425,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>XML document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Yesterday, %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4464,7 +5445,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>You may not change its folder. Change the folder's permissions, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>You may not write into “%@”. Change its permissions, or choose another folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You may not write to the files there. Change their permissions to let their tags travel with them.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4489,6 +5478,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Your server needs the name of a user.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Your share of the disk is used up. Make room there, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>ZIP archive</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4668,10 +5665,6 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>an import was cut off</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>an unknown character "%@"</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4704,6 +5697,18 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>black</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>blue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>brush</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>capturing what a browser shows needs the window: run `zelto` with this address instead, or `zelto snap web` with that of the page</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4720,11 +5725,19 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>color</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>copy files</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>copy items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>date</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4749,6 +5762,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>disable live folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>document</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4788,11 +5805,39 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>extension</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>files as they are keep their size; choose a --format to scale them</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>font</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>gone for good</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>gray</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>green</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>icon</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>icon … vector</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>image</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4888,11 +5933,23 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>kind</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>large</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>last 7 days</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>live folders are not kept in step here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>medium</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4913,6 +5970,18 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>move sidebar items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name at least one item, and after the items a rating from 0 to 5</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>name at least one item, and after the items the text of the note</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5020,11 +6089,31 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>orange</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>orig</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>pink</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>pixels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>purple</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>rate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>red</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5044,7 +6133,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>small</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>somebody else removed the live folder meanwhile</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>text</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5276,6 +6373,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>video</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>waiting for another Zelto, which works on the library “%@”; Ctrl+C ends the waiting</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5292,15 +6393,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>white</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yellow</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>yesterday</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>zelto import --resume goes on with the missing files, zelto import --forget gives them up</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>zip archive</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5340,11 +6441,35 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” cannot be copied into itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be copied into the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be deleted.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” cannot be found. %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” cannot be moved back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be put into the live folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” cannot be read. Allow reading it first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” cannot be restored.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5365,6 +6490,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” changed while it was sent.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” compares nothing; leave “%@” away.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5417,6 +6546,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” in the library belongs to no item and could not be taken back.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” in the title, the notes, the extension or a tag</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5532,6 +6665,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” is no color; there are %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” is no file and no folder.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5549,6 +6690,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is no rating; the last argument is a number from 0 (none) to 5</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no size class; there are %@.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5577,6 +6722,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is no web page: only addresses with http and https can be captured.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is no whole number.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5688,6 +6837,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” stays where it was copied to.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” takes no files. %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5713,6 +6866,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” was changed while it was uploaded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was copied, but its original stays where it was.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” was copied, but may not be safe on the disk. Its original stays where it was.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

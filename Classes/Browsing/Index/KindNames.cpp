@@ -25,9 +25,9 @@ struct DesignKind
     const char *family;
 };
 constexpr DesignKind designKinds[] = {
-    {"otf", "OpenType font", "font"},          {"sketch", "Sketch document", "document"},
-    {"acorn", "Acorn document", "document"},   {"abr", "Photoshop brush", "brush"},
-    {"indd", "InDesign document", "document"}, {"afdesign", "Affinity Designer document", "document"},
+    {"otf", zqKey("OpenType font"), "font"},          {"sketch", zqKey("Sketch document"), "document"},
+    {"acorn", zqKey("Acorn document"), "document"},   {"abr", zqKey("Photoshop brush"), "brush"},
+    {"indd", zqKey("InDesign document"), "document"}, {"afdesign", zqKey("Affinity Designer document"), "document"},
 };
 
 // Types of other families are thousands, each a file to read; those of a library's documents are these.

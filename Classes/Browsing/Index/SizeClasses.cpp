@@ -8,12 +8,12 @@
 
 namespace {
 
-const QString icon = QStringLiteral("icon");
-const QString small = QStringLiteral("small");
-const QString medium = QStringLiteral("medium");
-const QString large = QStringLiteral("large");
-const QString vectors = QStringLiteral("vector");
-const QString none = QStringLiteral("none");
+const QString icon = QLatin1StringView(zqKey("icon"));
+const QString small = QLatin1StringView(zqKey("small"));
+const QString medium = QLatin1StringView(zqKey("medium"));
+const QString large = QLatin1StringView(zqKey("large"));
+const QString vectors = QLatin1StringView(zqKey("vector"));
+const QString none = QLatin1StringView(zqKey("none"));
 
 } // namespace
 

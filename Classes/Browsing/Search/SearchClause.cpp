@@ -48,17 +48,17 @@ QString sentenceForText(SearchField field, const QString &text)
         const char *format;
     };
     static constexpr Sentence sentences[] = {
-        {SearchField::Word, "“%@” in the title, the notes, the extension or a tag"},
-        {SearchField::Title, "Title contains “%@”"},
-        {SearchField::Notes, "Notes contain “%@”"},
-        {SearchField::Extension, "Extension is “%@”"},
-        {SearchField::Tag, "Has the tag “%@”"},
-        {SearchField::Project, "In a project named “%@”"},
-        {SearchField::Folder, "In a live folder named “%@”, or below it"},
-        {SearchField::Kind, "Kind is “%@”"},
-        {SearchField::Size, "Size class is “%@”"},
-        {SearchField::Color, "Color is “%@”"},
-        {SearchField::Hash, "Digest is %@"},
+        {SearchField::Word, zqKey("“%@” in the title, the notes, the extension or a tag")},
+        {SearchField::Title, zqKey("Title contains “%@”")},
+        {SearchField::Notes, zqKey("Notes contain “%@”")},
+        {SearchField::Extension, zqKey("Extension is “%@”")},
+        {SearchField::Tag, zqKey("Has the tag “%@”")},
+        {SearchField::Project, zqKey("In a project named “%@”")},
+        {SearchField::Folder, zqKey("In a live folder named “%@”, or below it")},
+        {SearchField::Kind, zqKey("Kind is “%@”")},
+        {SearchField::Size, zqKey("Size class is “%@”")},
+        {SearchField::Color, zqKey("Color is “%@”")},
+        {SearchField::Hash, zqKey("Digest is %@")},
     };
     for (const Sentence &each : sentences) {
         if (each.field == field) {
@@ -74,10 +74,10 @@ SearchClause numberClause(const SearchLexeme &lexeme, const QString &method, con
     bool isNumber = false;
     const qint64 value = lexeme.text.toLongLong(&isNumber);
     if (!isNumber) {
-        return wrong(SearchProblem::BadNumber, "“%@” is no whole number.", {shown(lexeme.text)});
+        return wrong(SearchProblem::BadNumber, zqKey("“%@” is no whole number."), {shown(lexeme.text)});
     }
     if (isRating && (value < 0 || value > mostStars)) {
-        return wrong(SearchProblem::BadRating, "A rating is a number of stars from 0 to 5.");
+        return wrong(SearchProblem::BadRating, zqKey("A rating is a number of stars from 0 to 5."));
     }
     const bool isWidth = lexeme.token->field == SearchField::Width;
     const char *key = isRating ? "rating" : isWidth ? "pixelWidth" : "pixelHeight";
@@ -112,9 +112,10 @@ SearchClause dateClause(const SearchLexeme &lexeme, const QString &method, const
 {
     const auto span = SearchSpan::forText(lexeme.text, context.today);
     if (!span) {
-        return wrong(SearchProblem::BadDate,
-                     "“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d.",
-                     {shown(lexeme.text)});
+        return wrong(
+            SearchProblem::BadDate,
+            zqKey("“%@” is no date; write it as 25/12/2026, 2026-12-25, 2026-12, 2026, today, yesterday or 7d."),
+            {shown(lexeme.text)});
     }
     const SearchField kind = lexeme.token->field;
     const char *key = kind == SearchField::Imported  ? "import_date"
@@ -160,7 +161,7 @@ SearchClause colorClause(const SearchLexeme &lexeme, const SearchContext &contex
         for (int code = int(ZQSidebarKind::FirstColor); code <= int(ZQSidebarKind::LastColor); ++code) {
             names.append(ZQSidebarTag::colorNameForValue(code));
         }
-        return wrong(SearchProblem::BadColor, "“%@” is no color; there are %@.",
+        return wrong(SearchProblem::BadColor, zqKey("“%@” is no color; there are %@."),
                      {shown(lexeme.text), names.join(QStringLiteral(", "))});
     }
     const QString name = *color != 0 ? ZQSidebarTag::colorNameForValue(*color) : zqLocalized("none");
@@ -175,7 +176,7 @@ SearchClause sizeClause(const SearchLexeme &lexeme, const SearchContext &context
         for (const QString &each : SizeClasses::keys()) {
             names.append(zqLocalized(each));
         }
-        return wrong(SearchProblem::BadSize, "“%@” is no size class; there are %@.",
+        return wrong(SearchProblem::BadSize, zqKey("“%@” is no size class; there are %@."),
                      {shown(lexeme.text), names.join(QStringLiteral(", "))});
     }
     return plainClause(SizeClasses::queryForKey(key, context.rows, context.sizes),
@@ -272,22 +273,22 @@ std::optional<SearchClause> problemOfForm(const SearchLexeme &lexeme, const QStr
 {
     const SearchToken *token = lexeme.token;
     if (!token) {
-        return wrong(SearchProblem::UnknownToken, "There is no token “%@”. Put it in quotes to find it as a text.",
-                     {shown(name)});
+        return wrong(SearchProblem::UnknownToken,
+                     zqKey("There is no token “%@”. Put it in quotes to find it as a text."), {shown(name)});
     }
     const bool isEqual = lexeme.comparison.isEmpty() || lexeme.comparison == u"=" || lexeme.comparison == u"==";
     if (!token->compares() && (!isEqual || (token->argument == SearchArgument::None && !method.isEmpty()))) {
-        return wrong(SearchProblem::NoComparison, "“%@” compares nothing; leave “%@” away.",
+        return wrong(SearchProblem::NoComparison, zqKey("“%@” compares nothing; leave “%@” away."),
                      {token->name(), lexeme.comparison});
     }
     const bool isUnknown = lexeme.comparison.size() > 2 || lexeme.comparison == u"<>" || lexeme.comparison == u"><" ||
                            lexeme.comparison == u"<<" || lexeme.comparison == u">>";
     if (token->compares() && (method.isEmpty() || isUnknown)) {
-        return wrong(SearchProblem::NoComparison, "Write <, = or > behind “%@”, and then what to compare with.",
+        return wrong(SearchProblem::NoComparison, zqKey("Write <, = or > behind “%@”, and then what to compare with."),
                      {token->name()});
     }
     if (token->argument != SearchArgument::None && SearchQueries::safeSearchString(lexeme.text).isEmpty()) {
-        return wrong(SearchProblem::NoArgument, "Behind “%@” stands what to look for: %@.",
+        return wrong(SearchProblem::NoArgument, zqKey("Behind “%@” stands what to look for: %@."),
                      {token->name(), token->argumentHint()});
     }
     return std::nullopt;
@@ -299,7 +300,7 @@ SearchClause SearchClause::ofLexeme(const SearchLexeme &lexeme, const SearchCont
 {
     if (lexeme.kind == SearchLexeme::Kind::Word) {
         return SearchQueries::safeSearchString(lexeme.text).isEmpty()
-                   ? wrong(SearchProblem::EmptyQuotes, "There is nothing between the quotes.")
+                   ? wrong(SearchProblem::EmptyQuotes, zqKey("There is nothing between the quotes."))
                    : textClause(SearchField::Word, lexeme.text, context);
     }
     const QString method = SearchQueries::methodForWithOrHeight(lexeme.comparison);

@@ -39,7 +39,7 @@ QList<SearchCompletion> optionsForArgument(SearchArgument argument, const QDate 
         }
         break;
     case SearchArgument::Kind:
-        for (const char *family : {"image", "font", "brush", "document", "video"}) {
+        for (const char *family : {zqKey("image"), zqKey("font"), zqKey("brush"), zqKey("document"), zqKey("video")}) {
             options.append(value(QLatin1StringView(family)));
         }
         break;

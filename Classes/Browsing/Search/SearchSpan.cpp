@@ -38,10 +38,10 @@ std::optional<SearchSpan> SearchSpan::forText(const QString &text, const QDate &
     static const QRegularExpression slashed(QStringLiteral("^([0-9]{1,2})/([0-9]{1,2})/([0-9]{4})$"));
     static const QRegularExpression ago(QStringLiteral("^([0-9]{1,5})[dD]$"));
     static const QRegularExpression yearFirst(QStringLiteral("^([0-9]{4})(?:-([0-9]{2})(?:-([0-9]{2}))?)?$"));
-    if (isWord(text, "today")) {
+    if (isWord(text, zqKey("today"))) {
         return daysBetween(today, today);
     }
-    if (isWord(text, "yesterday")) {
+    if (isWord(text, zqKey("yesterday"))) {
         return daysBetween(today.addDays(-1), today.addDays(-1));
     }
     if (const auto match = ago.match(text); match.hasMatch()) {

@@ -18,17 +18,17 @@ struct SortChoice
     const char *title;
 };
 constexpr SortChoice sortChoices[] = {
-    {ZQSortValue::Manual, "Manual order"},
-    {ZQSortValue::ImportDate, "Import date"},
-    {ZQSortValue::Title, "Title"},
-    {ZQSortValue::Size, "Size"},
-    {ZQSortValue::Color, "Color"},
-    {ZQSortValue::ModificationDate, "Modification date"},
-    {ZQSortValue::CreationDate, "Creation date"},
-    {ListOrder::byKind, "Kind"},
-    {ListOrder::byRating, "Rating"},
-    {ListOrder::byTags, "Tags"},
-    {ZQSortValue::None, "Sidebar order"},
+    {ZQSortValue::Manual, zqKey("Manual order")},
+    {ZQSortValue::ImportDate, zqKey("Import date")},
+    {ZQSortValue::Title, zqKey("Title")},
+    {ZQSortValue::Size, zqKey("Size")},
+    {ZQSortValue::Color, zqKey("Color")},
+    {ZQSortValue::ModificationDate, zqKey("Modification date")},
+    {ZQSortValue::CreationDate, zqKey("Creation date")},
+    {ListOrder::byKind, zqKey("Kind")},
+    {ListOrder::byRating, zqKey("Rating")},
+    {ListOrder::byTags, zqKey("Tags")},
+    {ZQSortValue::None, zqKey("Sidebar order")},
 };
 
 CommandID idOfSort(ZQSortValue value)
@@ -43,11 +43,11 @@ struct GroupChoice
     const char *title;
 };
 constexpr GroupChoice groupChoices[] = {
-    {BrowserDisplayStyle::Plain, "None"},
-    {BrowserDisplayStyle::BySidebarItem, "Sidebar item"},
-    {BrowserDisplayStyle::ByExtension, "Extension"},
-    {BrowserDisplayStyle::ByColor, "Color"},
-    {BrowserDisplayStyle::BySize, "Size"},
+    {BrowserDisplayStyle::Plain, zqKey("None")},
+    {BrowserDisplayStyle::BySidebarItem, zqKey("Sidebar item")},
+    {BrowserDisplayStyle::ByExtension, zqKey("Extension")},
+    {BrowserDisplayStyle::ByColor, zqKey("Color")},
+    {BrowserDisplayStyle::BySize, zqKey("Size")},
 };
 
 template <class Choice, size_t count, class Value>

@@ -31,30 +31,31 @@ ZQListValue text(const QString &text)
 }
 
 constexpr Column columns[] = {
-    {"title", "Title", 0, 0, true, ZQSortValue::Title, true, [](const Item &, const Read *) { return ZQListValue(); }},
-    {"kind", "Kind", 54, 36, true, ListOrder::byKind, true,
+    {"title", zqKey("Title"), 0, 0, true, ZQSortValue::Title, true,
+     [](const Item &, const Read *) { return ZQListValue(); }},
+    {"kind", zqKey("Kind"), 54, 36, true, ListOrder::byKind, true,
      [](const Item &item, const Read *) { return text(item.extension().toLower()); }},
-    {"size", "Size", 100, 62, true, ZQSortValue::Size, false,
+    {"size", zqKey("Size"), 100, 62, true, ZQSortValue::Size, false,
      [](const Item &item, const Read *) { return text(item.pixelSizeString()); }},
-    {"bytes", "Bytes", 70, 44, true, ZQSortValue::None, false,
+    {"bytes", zqKey("Bytes"), 70, 44, true, ZQSortValue::None, false,
      [](const Item &, const Read *read) {
          return text(!read              ? QString()
                      : read->bytes <= 0 ? zqLocalized("missing")
                                         : QLocale().formattedDataSize(read->bytes, 1, QLocale::DataSizeSIFormat));
      }},
-    {"rating", "Rating", 84, 62, true, ListOrder::byRating, false,
+    {"rating", zqKey("Rating"), 84, 62, true, ListOrder::byRating, false,
      [](const Item &item, const Read *) { return ZQListValue{.text = {}, .stars = item.rating(), .chips = {}}; }},
-    {"tags", "Tags", 150, 44, true, ListOrder::byTags, true,
+    {"tags", zqKey("Tags"), 150, 44, true, ListOrder::byTags, true,
      [](const Item &, const Read *read) {
          return ZQListValue{.text = {}, .chips = read ? read->tags : QStringList()};
      }},
-    {"imported", "Imported", 110, 56, true, ZQSortValue::ImportDate, false,
+    {"imported", zqKey("Imported"), 110, 56, true, ZQSortValue::ImportDate, false,
      [](const Item &item, const Read *) { return text(zqShortDate(item.import_date())); }},
-    {"modified", "Modified", 110, 56, false, ZQSortValue::ModificationDate, false,
+    {"modified", zqKey("Modified"), 110, 56, false, ZQSortValue::ModificationDate, false,
      [](const Item &item, const Read *) { return text(zqShortDate(item.modification_date())); }},
-    {"created", "Created", 110, 56, false, ZQSortValue::CreationDate, false,
+    {"created", zqKey("Created"), 110, 56, false, ZQSortValue::CreationDate, false,
      [](const Item &item, const Read *) { return text(zqShortDate(item.creation_date())); }},
-    {"color", "Color", 70, 50, false, ZQSortValue::Color, true,
+    {"color", zqKey("Color"), 70, 50, false, ZQSortValue::Color, true,
      [](const Item &item, const Read *) { return text(ZQSidebarTag::colorNameForValue(item.mainColor())); }},
 };
 

@@ -81,7 +81,7 @@ void SearchChips::setText(const QString &searchText, bool isInField)
     for (const Chip &chip : std::as_const(m_chips)) {
         said.append(spoken(chip));
     }
-    setAccessibleName(said.isEmpty() ? QString() : zqLocalized("Search") + QStringLiteral(": ") + said.join(u'\n'));
+    setAccessibleName(said.isEmpty() ? QString() : zqFormat(zqLocalized("Search: %@"), {said.join(u'\n')}));
     layOut();
     setVisible(m_needsExplanation && !m_chips.isEmpty());
     update();

@@ -17,11 +17,12 @@ constexpr std::chrono::milliseconds menuTime(250); // until a menu has faded, an
 const QList<CaptureActions::Action> &CaptureActions::all()
 {
     static const QList<Action> actions = {
-        {CommandID::SnapArea, "Area", hotKeys[0], [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
-        {CommandID::SnapWindow, "Window", hotKeys[1], [](ScreenCaptureControlling &capture) { capture.snapWindow(); }},
-        {CommandID::SnapFullScreen, "Whole Screen", hotKeys[2],
+        {CommandID::SnapArea, zqKey("Area"), hotKeys[0], [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
+        {CommandID::SnapWindow, zqKey("Window"), hotKeys[1],
+         [](ScreenCaptureControlling &capture) { capture.snapWindow(); }},
+        {CommandID::SnapFullScreen, zqKey("Whole Screen"), hotKeys[2],
          [](ScreenCaptureControlling &capture) { capture.snapFullScreen(); }},
-        {CommandID::SnapWebsite, "Web Page…", nullptr,
+        {CommandID::SnapWebsite, zqKey("Web Page…"), nullptr,
          [](ScreenCaptureControlling &capture) { capture.snapWebsite({}, {}); }},
     };
     return actions;

@@ -138,7 +138,7 @@ QString ExportPresets::description(const ExportItem &item)
     }
     QString what = format + QStringLiteral(", ") + item.sizeString();
     if (item.archive) {
-        what += QStringLiteral(", ") + zqLocalized("zip archive");
+        what = zqFormat(zqLocalized("%@, zip archive"), {what});
     }
     return item.title.isEmpty() ? what : item.title + QStringLiteral(" (") + what + u')';
 }

@@ -90,10 +90,10 @@ void fillLiveFolders(PreferencesPane &pane)
 const QList<PreferencesPanes::Plan> &PreferencesPanes::all()
 {
     static const QList<Plan> plans = {
-        {"General", "settings", &fillGeneral},
-        {"Import", "import", &fillImport},
-        {"Tags", "tag", &fillTags},
-        {"Live folders", "live", &fillLiveFolders},
+        {zqKey("General"), "settings", &fillGeneral},
+        {zqKey("Import"), "import", &fillImport},
+        {zqKey("Tags"), "tag", &fillTags},
+        {zqKey("Live folders"), "live", &fillLiveFolders},
     };
     return plans;
 }

@@ -197,10 +197,10 @@ DuplicatesSheet::DuplicatesSheet(QWidget *window, const QList<DuplicatePair> &pa
         const char *meaning;
     };
     constexpr Option options[] = {
-        {DuplicateChoice::Discard, "Discard the new copy", "The existing item stays where it is."},
-        {DuplicateChoice::Relink, "Use the existing item here",
-         "It is added where the import goes; the new copy is discarded."},
-        {DuplicateChoice::KeepBoth, "Import anyway", "The library then holds both."},
+        {DuplicateChoice::Discard, zqKey("Discard the new copy"), zqKey("The existing item stays where it is.")},
+        {DuplicateChoice::Relink, zqKey("Use the existing item here"),
+         zqKey("It is added where the import goes; the new copy is discarded.")},
+        {DuplicateChoice::KeepBoth, zqKey("Import anyway"), zqKey("The library then holds both.")},
     };
     for (const Option &option : options) {
         auto *button = new QRadioButton(zqLocalized(option.title), this);
