@@ -13,6 +13,8 @@
 #include <functional>
 #include <memory>
 
+struct HotKeyCommand;
+
 // What captures are made with. Any may be null: there is no display, no window, nobody who takes keys.
 struct CaptureParts
 {
@@ -49,7 +51,7 @@ public:
     void snapWindow() override { snap(ScreenshotSession::Kind::Window, {}); }
     void snapFullScreen() override { snap(ScreenshotSession::Kind::FullScreen, {}); }
     void snapWebsite(const QString &pageURL, const QRect &frame) override;
-    void openZelto();
+    void openZelto() override;
     // The number is for `cancel`, which leaves alone those that others began since.
     quint64 snap(ScreenshotSession::Kind kind, Ended ended);
     void cancel(); // the choice that goes on, as the person would
@@ -71,9 +73,7 @@ public:
                          Ended ended);
 
 private:
-    struct Command;
-    static const QList<Command> &commands();
-    void registerHotKey(const Command &command);
+    void registerHotKey(const HotKeyCommand &command);
     void fail(const ZQError &error, const Ended &ended);
     void letGoOfSession();
     CaptureStore::Told tellerFor(Ended ended);

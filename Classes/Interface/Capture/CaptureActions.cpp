@@ -1,6 +1,7 @@
 #include "Classes/Interface/Capture/CaptureActions.h"
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Services/HotKey.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -17,21 +18,24 @@ constexpr std::chrono::milliseconds menuTime(250); // until a menu has faded, an
 const QList<CaptureActions::Action> &CaptureActions::all()
 {
     static const QList<Action> actions = {
-        {CommandID::SnapArea, "Area", hotKeys[0], [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
-        {CommandID::SnapWindow, "Window", hotKeys[1], [](ScreenCaptureControlling &capture) { capture.snapWindow(); }},
-        {CommandID::SnapFullScreen, "Whole Screen", hotKeys[2],
+        {CommandID::SnapArea, "Area", HotKeyCommand::area,
+         [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
+        {CommandID::SnapWindow, "Window", HotKeyCommand::window,
+         [](ScreenCaptureControlling &capture) { capture.snapWindow(); }},
+        {CommandID::SnapFullScreen, "Whole Screen", HotKeyCommand::fullScreen,
          [](ScreenCaptureControlling &capture) { capture.snapFullScreen(); }},
-        {CommandID::SnapWebsite, "Web Page…", nullptr,
+        {CommandID::SnapWebsite,
+         "Web Page…",
+         {},
          [](ScreenCaptureControlling &capture) { capture.snapWebsite({}, {}); }},
     };
     return actions;
 }
 
-QString CaptureActions::titleWithHotKey(const QString &title, const char *hotKey)
+QString CaptureActions::titleWithHotKey(const QString &title, const QString &hotKey)
 {
-    const QVariant setting =
-        hotKey ? ZQUserDefaults::standardUserDefaults().objectForKey(QLatin1StringView(hotKey)) : QVariant();
-    const std::optional<HotKey> keys = HotKey::fromSetting(setting.toMap());
+    const std::optional<HotKey> keys =
+        HotKey::fromSetting(ZQUserDefaults::standardUserDefaults().objectForKey(hotKey).toMap());
     return keys ? title + u'\t' + keys->text() : title;
 }
 
