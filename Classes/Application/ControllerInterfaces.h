@@ -151,6 +151,8 @@ public:
     virtual void syncAndRemoveMissing(const ZQObjectID &folder) = 0;
 };
 
+class CaptureCommands; // of Classes/Capture
+
 // The screen-capture controller. Main thread.
 class ScreenCaptureControlling
 {
@@ -165,6 +167,8 @@ public:
     // desktop, null where it is not known.
     virtual void snapWebsite(const QString &pageURL, const QRect &frame) = 0;
     virtual void openZelto() {} // the main window, forward
+    // For who waits for what is taken; null: nobody takes anything.
+    virtual CaptureCommands *captureCommands() { return nullptr; }
     // Why the keys of the command known by its user default do not work, localized; empty: they do, or there are none.
     virtual QString problemOfHotKey(const QString & /*command*/) const { return {}; }
     // While a person presses the keys that are to be one of them, none does what it does.
