@@ -129,7 +129,7 @@ TEST_F(ExportPanelTest, AClickAsksForTheFolderAndExportsWhatIsSelected)
     EXPECT_EQ(choice.title, QStringLiteral("Please choose the location where the images will be saved"));
     EXPECT_EQ(choice.prompt, QStringLiteral("Export"));
     EXPECT_TRUE(choice.directory);
-    EXPECT_TRUE(choice.name.isEmpty()) << "nothing was exported yet";
+    EXPECT_TRUE(choice.startFolder.isEmpty()) << "nothing was exported yet";
     EXPECT_FALSE(choice.several);
     EXPECT_TRUE(outFiles().isEmpty()) << "no folder was chosen";
     person.files = QStringList{out()};
@@ -140,7 +140,7 @@ TEST_F(ExportPanelTest, AClickAsksForTheFolderAndExportsWhatIsSelected)
     EXPECT_EQ(QImageReader(out() + QStringLiteral("/red.jpg")).size(), QSize(40, 30));
     person.files.clear();
     cells().first()->click();
-    EXPECT_EQ(person.choices.last().name, out()) << "begins where the last export went";
+    EXPECT_EQ(person.choices.last().startFolder, out()) << "begins where the last export went";
 }
 
 TEST_F(ExportPanelTest, ThePaneShowsOneOfBothPanels)
