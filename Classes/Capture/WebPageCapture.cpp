@@ -104,7 +104,7 @@ bool WebPageCapture::capture(const QString &folder, ZQError *error)
     const int scale = std::clamp(m_request.scale, 1, 2);
     WebPage page(browser->pipe(), deadline);
     if (m_request.isFromPage) {
-        page.setFarthestReach(zqReachOfHostName(QUrl(url).host()));
+        page.setReach(PageReach(zqReachOfHostName(QUrl(url).host()), m_request.lookUp));
     }
     tell(startedPart, zqLocalized("Loading the page…"));
     if (!page.open(url, width, scale, !m_request.visible, WebCaptureRequest::mostHeight / scale, error)) {
