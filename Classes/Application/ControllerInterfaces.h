@@ -151,6 +151,8 @@ public:
     virtual void syncAndRemoveMissing(const ZQObjectID &folder) = 0;
 };
 
+class CaptureCommands; // of Classes/Capture
+
 // The screen-capture controller. Main thread.
 class ScreenCaptureControlling
 {
@@ -164,6 +166,9 @@ public:
     // Capture of a web page. `pageURL` empty: the person types it; `frame` of the browser's window, in points of the
     // desktop, null where it is not known.
     virtual void snapWebsite(const QString &pageURL, const QRect &frame) = 0;
+    virtual void openZelto() {} // the main window, forward
+    // For who waits for what is taken; null: nobody takes anything.
+    virtual CaptureCommands *captureCommands() { return nullptr; }
     // Why the keys of the command known by its user default do not work, localized; empty: they do, or there are none.
     virtual QString problemOfHotKey(const QString & /*command*/) const { return {}; }
     // While a person presses the keys that are to be one of them, none does what it does.
@@ -215,9 +220,9 @@ class HotKeyRegistering
 public:
     // As kept in the user defaults: a virtual key code and a mask of modifiers ("code", "flags"). See `HotKey`.
     virtual ~HotKeyRegistering() = default;
-    // Takes the keys for the command known by its user default ("ScreenshotAreaHotkey", ...), instead of those that it
-    // had. `setting` empty: gives them up. Empty when the keys are taken, else why not, localized, for the person.
-    // Where a desktop asks the person first the answer comes later, by `stateDidChange`.
+    // Takes the keys for the command known by its user default (see `HotKeyCommand`), instead of those that it had.
+    // `setting` empty: gives them up. Empty when the keys are taken, else why not, localized, for the person. Where a
+    // desktop asks the person first the answer comes later, by `stateDidChange`.
     virtual QString registerHotKey(const QString &command, const QVariantMap &setting, std::function<void()> run) = 0;
     virtual QString problemOfHotKey(const QString &command) const = 0;
     static inline const QString stateDidChange = QStringLiteral("HotKeyStateDidChange"); // posted with no object

@@ -135,7 +135,7 @@ void LibrarySwitch::moveZeltoLibrary()
 {
     FileChoice choice = libraryChoice();
     const QString source = m_places.libraryBundleDirectory();
-    choice.name = QFileInfo(source).completeBaseName();
+    choice.suggestedName = QFileInfo(source).completeBaseName();
     choice.prompt = zqLocalized("Move");
     choice.title = zqLocalized("Please choose where to move your library");
     const auto chosen = m_running.userInteraction().chooseFileToSave(choice);

@@ -1,19 +1,12 @@
 #include "Classes/Application/PreferencesController.h"
 
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Tags/DesktopMirror.h"
 #include "Kit/Files/ZQUserDefaults.h"
 
-namespace {
-// A virtual key code of the main keyboard row and the modifier mask Command plus Option.
-QVariantMap hotkey(int code)
-{
-    return {{QStringLiteral("code"), code}, {QStringLiteral("flags"), 1572864}};
-}
-} // namespace
-
 QVariantMap PreferencesController::defaultPreferences()
 {
-    return {
+    QVariantMap preferences{
         {QStringLiteral("AfterScreenshotGotToScreenshots"), true},
         {QStringLiteral("AfterScreenshotOpenZelto"), true},
         {QStringLiteral("QuitZeltoKunWhenZeltoQuit"), true},
@@ -26,10 +19,6 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("BrowserFillsCells"), false},
         {QStringLiteral("UseDarkUI"), true},
         {QStringLiteral("SidebarDisplayBadges"), true},
-        {QStringLiteral("ScreenshotAreaHotkey"), hotkey(18)},
-        {QStringLiteral("ScreenshotWindowHotkey"), hotkey(19)},
-        {QStringLiteral("ScreenshotFullScreenHotkey"), hotkey(20)},
-        {QStringLiteral("ShowZeltoHotkey"), hotkey(21)},
         {QStringLiteral("ImportOpenMetaTags"), true},
         {QStringLiteral("ImportIPTCTags"), true},
         {QStringLiteral("ImportModernImages"), true},
@@ -46,6 +35,10 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("LiveFolderSweepMinutes"), 10},
         {DesktopMirror::preferenceKey, true},
     };
+    for (const HotKeyCommand &command : HotKeyCommand::all()) {
+        preferences.insert(command.preference, command.defaultSetting());
+    }
+    return preferences;
 }
 
 void PreferencesController::registerDefaultPreferences()

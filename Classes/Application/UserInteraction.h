@@ -86,7 +86,8 @@ struct FileChoice
 {
     QString title;
     QString prompt;         // the confirming button
-    QString name;           // preset in the name field; for folders, the path of the one to begin in
+    QString suggestedName;  // in the name field
+    QString startFolder;    // where the choice of folders begins, a path; empty: anywhere
     QStringList extensions; // empty: any
     bool directory = false; // choose folders
     bool several = false;

@@ -88,18 +88,7 @@ CaptureStore::~CaptureStore()
 QString CaptureStore::fileName(const QString &name, const QDateTime &date)
 {
     constexpr qsizetype longestName = 200; // bytes, which leaves room for the date
-    QString safe = name.simplified();
-    for (QChar &character : safe) {
-        if (character == u'/' || character.category() == QChar::Other_Control) {
-            character = u'-';
-        }
-    }
-    if (safe.startsWith(u'.')) {
-        safe[0] = u'_'; // it would be hidden
-    }
-    if (safe.isEmpty()) {
-        safe = QStringLiteral("Screenshot");
-    }
+    const QString safe = zqSafeName(name.simplified(), QStringLiteral("Screenshot"));
     const QString when = QLocale().toString(date, QStringLiteral("MMM dd HH.mm.ss"));
     return zqFormat(QStringLiteral("%@ %@.png"), {zqNumberedName(safe, 0, longestName), when});
 }

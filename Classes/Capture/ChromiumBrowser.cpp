@@ -103,16 +103,6 @@ std::vector<QByteArray> argumentsFor(const QString &program, const QByteArray &f
     return out;
 }
 
-std::vector<char *> pointersTo(std::vector<QByteArray> &texts)
-{
-    std::vector<char *> out;
-    for (QByteArray &text : texts) {
-        out.push_back(text.data());
-    }
-    out.push_back(nullptr);
-    return out;
-}
-
 struct Pipe
 {
     ZQFileDescriptor readEnd;
@@ -246,8 +236,8 @@ bool ChromiumBrowser::spawn(const QString &program)
     }
     std::vector<QByteArray> arguments = argumentsFor(program, m_folder);
     std::vector<QByteArray> environment = environmentWithin(m_folder, m_shortFolder);
-    std::vector<char *> argumentPointers = pointersTo(arguments);
-    std::vector<char *> environmentPointers = pointersTo(environment);
+    std::vector<char *> argumentPointers = zqPointersTo(arguments);
+    std::vector<char *> environmentPointers = zqPointersTo(environment);
     const pid_t parent = ::getpid();
     m_process = ::fork();
     if (m_process == 0) {

@@ -47,7 +47,8 @@ void DevToolsPage::fail(Outcome outcome)
     }
 }
 
-std::optional<int> DevToolsPage::send(const QString &method, const QJsonObject &parameters, Time limit)
+std::optional<int> DevToolsPage::send(const QString &session, const QString &method, const QJsonObject &parameters,
+                                      Time limit)
 {
     if (!m_failure.isNull()) {
         return std::nullopt;
@@ -55,8 +56,8 @@ std::optional<int> DevToolsPage::send(const QString &method, const QJsonObject &
     QJsonObject message{{QStringLiteral("id"), ++m_lastNumber},
                         {QStringLiteral("method"), method},
                         {QStringLiteral("params"), parameters}};
-    if (!m_session.isEmpty()) {
-        message.insert(QStringLiteral("sessionId"), m_session);
+    if (!session.isEmpty()) {
+        message.insert(QStringLiteral("sessionId"), session);
     }
     const Outcome outcome = m_pipe.send(QJsonDocument(message).toJson(QJsonDocument::Compact), limit);
     if (outcome != Outcome::Done) {
@@ -85,7 +86,17 @@ std::optional<QJsonObject> DevToolsPage::receive(Time limit)
 
 void DevToolsPage::tell(const QString &method, const QJsonObject &parameters)
 {
-    send(method, parameters, m_deadline);
+    send(m_session, method, parameters, m_deadline);
+}
+
+bool DevToolsPage::callBrowser(const QString &method, const QJsonObject &parameters, ZQError *error)
+{
+    return answerTo(send({}, method, parameters, m_deadline), m_deadline, error).has_value();
+}
+
+void DevToolsPage::tellBrowser(const QString &method, const QJsonObject &parameters)
+{
+    send({}, method, parameters, m_deadline);
 }
 
 void DevToolsPage::dispatch(const QJsonObject &message) const
@@ -98,7 +109,11 @@ void DevToolsPage::dispatch(const QJsonObject &message) const
 std::optional<QJsonObject> DevToolsPage::call(const QString &method, const QJsonObject &parameters, Time limit,
                                               ZQError *error)
 {
-    const auto number = send(method, parameters, limit);
+    return answerTo(send(m_session, method, parameters, limit), limit, error);
+}
+
+std::optional<QJsonObject> DevToolsPage::answerTo(std::optional<int> number, Time limit, ZQError *error)
+{
     std::optional<QJsonObject> answer = number ? receive(limit) : std::nullopt;
     while (answer && answer->value(QStringLiteral("id")).toInt() != *number) {
         dispatch(*answer);

@@ -37,6 +37,9 @@ public:
                                     ZQError *error = nullptr);
     // Sends without waiting, for answers that nobody needs. Also within an observer.
     void tell(const QString &method, const QJsonObject &parameters);
+    // The same to the browser itself, about the page with all its frames and workers, also those of other sites.
+    bool callBrowser(const QString &method, const QJsonObject &parameters, ZQError *error = nullptr);
+    void tellBrowser(const QString &method, const QJsonObject &parameters);
     // Serves events until it is so; false at `limit` and when the browser is gone.
     bool serveUntil(Time limit, const std::function<bool()> &isSo);
 
@@ -53,7 +56,9 @@ public:
     const ZQError &failure() const { return m_failure; } // of the browser
 
 private:
-    std::optional<int> send(const QString &method, const QJsonObject &parameters, Time limit);
+    // `session` empty: to the browser.
+    std::optional<int> send(const QString &session, const QString &method, const QJsonObject &parameters, Time limit);
+    std::optional<QJsonObject> answerTo(std::optional<int> number, Time limit, ZQError *error);
     // The next message; nothing at `limit`, or with `m_failure`.
     std::optional<QJsonObject> receive(Time limit);
     void dispatch(const QJsonObject &message) const;

@@ -2,22 +2,22 @@
 
 #include "Classes/Capture/PortalScreenSource.h"
 #include "Classes/Capture/XScreenSource.h"
+#include "Kit/Desktop/ZQDisplay.h"
 
 #include <QGuiApplication>
 
 std::unique_ptr<ScreenSource> DisplaySource::make()
 {
-    const QString platform = QGuiApplication::platformName();
-    // A toolkit that talks X to a Wayland desktop sees only windows that do so as well.
-    const bool isWayland = platform.startsWith(QStringLiteral("wayland")) ||
-                           (platform == QStringLiteral("xcb") && qEnvironmentVariableIsSet("WAYLAND_DISPLAY"));
-    if (isWayland) {
+    switch (ZQDisplay::kindOf(QGuiApplication::platformName())) {
+    case ZQDisplay::Kind::Wayland:
         return std::make_unique<PortalScreenSource>();
-    }
-    if (platform == QStringLiteral("xcb")) {
+    case ZQDisplay::Kind::X:
         if (auto connection = ZQXConnection::open()) {
             return std::make_unique<XScreenSource>(std::move(connection));
         }
+        break;
+    case ZQDisplay::Kind::None:
+        break;
     }
     return nullptr;
 }

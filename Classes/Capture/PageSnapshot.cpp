@@ -12,6 +12,7 @@ namespace {
 constexpr int elementNode = 1;
 constexpr qsizetype longestString = 4096; // of what is named: a page may name one of many megabytes anywhere
 constexpr qsizetype stringsPerNode = 10;
+constexpr double farthest = 1e9; // of a place on a page, in points: sums of such numbers stay numbers
 
 class Reader
 {
@@ -44,6 +45,7 @@ public:
     }
 
 private:
+    static double length(const QJsonValue &value) { return std::clamp(value.toDouble(), -farthest, farthest); }
     QString string(const QJsonValue &index) const { return m_strings.value(index.toInt(-1)); }
 
     QList<PageSnapshot::Node> elements() const
@@ -56,7 +58,7 @@ private:
         for (qsizetype i = 0; i < parents.size() && !ZQCancellation::isCurrentCancelled(); ++i) {
             PageSnapshot::Node node;
             const int parent = parents.at(i).toInt(-1);
-            node.parent = parent < i ? parent : -1;
+            node.parent = parent >= 0 && parent < i ? parent : -1;
             node.isElement = types.at(i).toInt() == elementNode;
             if (node.isElement) {
                 node.name = string(names.at(i)).toLower();
@@ -110,8 +112,7 @@ private:
             }
             PageSnapshot::Node &node = nodes[index];
             const QJsonArray rect = bounds.at(i).toArray();
-            node.bounds |=
-                QRectF(rect.at(0).toDouble(), rect.at(1).toDouble(), rect.at(2).toDouble(), rect.at(3).toDouble());
+            node.bounds |= QRectF(length(rect.at(0)), length(rect.at(1)), length(rect.at(2)), length(rect.at(3)));
             node.paintOrder = std::max(node.paintOrder, orders.at(i).toInt(-1));
             node.text += string(texts.at(i)).left(longestString - node.text.size());
             addStyles(styles.at(i).toArray(), node);

@@ -2,10 +2,14 @@
 
 #include "Kit/Foundation/ZQError.h"
 
+#include <QHostAddress>
 #include <QImage>
+#include <QList>
 #include <QSize>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 // What of a web page is to be captured, and how.
 struct WebCaptureRequest
@@ -23,6 +27,7 @@ struct WebCaptureRequest
     // A page asked for it and no person typed it: it must not lead farther into this computer or its network than its
     // own address says.
     bool isFromPage = false;
+    std::function<QList<QHostAddress>(const QString &host)> lookUp = {}; // for that; empty: asks the system
     bool mayReadFiles = false; // addresses of files ("file:") too, where the person wrote it
 
     // The address that a person means by what they typed: "example.com" is "https://example.com". Empty, with an error,

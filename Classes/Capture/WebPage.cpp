@@ -204,7 +204,7 @@ bool WebPage::prepare(int width, ZQError *error)
 // The browser follows wherever a page leads, and says so only afterwards: it has to ask before each step.
 bool WebPage::guard(ZQError *error)
 {
-    if (!m_farthest) {
+    if (!m_reach) {
         return true;
     }
     const auto tree = m_devTools.call(QStringLiteral("Page.getFrameTree"), {}, error);
@@ -212,28 +212,27 @@ bool WebPage::guard(ZQError *error)
         return false;
     }
     m_frame = tree->value(QStringLiteral("frameTree"))[QStringLiteral("frame")][QStringLiteral("id")].toString();
-    const QJsonObject pages{{QStringLiteral("urlPattern"), QStringLiteral("*")},
-                            {QStringLiteral("resourceType"), QStringLiteral("Document")},
+    const QJsonObject all{{QStringLiteral("urlPattern"), QStringLiteral("*")},
                             {QStringLiteral("requestStage"), QStringLiteral("Request")}};
-    return m_devTools.call(QStringLiteral("Fetch.enable"), {{QStringLiteral("patterns"), QJsonArray{pages}}}, error)
-        .has_value();
+    return m_devTools.callBrowser(QStringLiteral("Fetch.enable"), {{QStringLiteral("patterns"), QJsonArray{all}}},
+                                  error);
 }
 
 void WebPage::judge(const QJsonObject &parameters)
 {
     const QUrl url(parameters[QStringLiteral("request")][QStringLiteral("url")].toString());
     const QJsonValue number = parameters[QStringLiteral("requestId")];
-    const bool isOfServer = url.scheme() == QStringLiteral("http") || url.scheme() == QStringLiteral("https");
-    if (m_farthest && isOfServer && zqReachOfHostName(url.host()) > *m_farthest) {
-        if (parameters[QStringLiteral("frameId")] == m_frame) {
+    if (m_reach && !m_reach->allows(url)) {
+        const bool isPage = parameters[QStringLiteral("resourceType")] == QStringLiteral("Document");
+        if (isPage && parameters[QStringLiteral("frameId")] == m_frame) {
             m_refusedHost = url.host();
         }
-        m_devTools.tell(
+        m_devTools.tellBrowser(
             QStringLiteral("Fetch.failRequest"),
             {{QStringLiteral("requestId"), number}, {QStringLiteral("errorReason"), QStringLiteral("Aborted")}});
         return;
     }
-    m_devTools.tell(QStringLiteral("Fetch.continueRequest"), {{QStringLiteral("requestId"), number}});
+    m_devTools.tellBrowser(QStringLiteral("Fetch.continueRequest"), {{QStringLiteral("requestId"), number}});
 }
 
 bool WebPage::navigate(const QString &url, ZQError *error)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Classes/Capture/DevToolsPage.h"
+#include "Classes/Capture/PageReach.h"
 #include "Kit/Foundation/ZQError.h"
-#include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -12,6 +12,7 @@
 #include <QString>
 
 #include <optional>
+#include <utility>
 
 // One page as it is drawn by a browser without a window: loaded, held still, and photographed. Its viewport stays as
 // high as a window's, so that what is fixed to the window appears once, where it stands at the top of the page, and
@@ -29,9 +30,9 @@ public:
     // `deadline` for all of it.
     WebPage(DevToolsPipe &pipe, DevToolsPage::Time deadline) : m_devTools(pipe, deadline) {}
 
-    // Redirects and links that lead farther in are not followed: those of the page itself are an error of `open`, and
-    // its frames stay empty. Before `open`.
-    void setFarthestReach(ZQAddressReach reach) { m_farthest = reach; }
+    // Where the page itself leads farther, by its address, a redirect or a link, is an error of `open`; frames,
+    // pictures and whatever else of it lies there stay away. Before `open`.
+    void setReach(PageReach reach) { m_reach.emplace(std::move(reach)); }
     // Goes to the address, in a window of that width, and waits for what is loaded; `isWhole` also for what is only
     // loaded when it is scrolled to, within `mostHeight` points. A page that does not come to an end is taken as it
     // stands.
@@ -73,7 +74,7 @@ private:
     QSize m_viewport;
     int m_scale = 1;
     QString m_address;
-    std::optional<ZQAddressReach> m_farthest; // nothing: as far as it leads
+    std::optional<PageReach> m_reach; // nothing: as far as it leads
     QString m_refusedHost;
     QString m_frame;
     bool m_isLoaded = false;

@@ -32,20 +32,10 @@ constexpr int wholeAtOnce = 4000; // pixels; a picture that needs no pieces is k
 // As a name of a file that other systems take, too.
 QString fileName(const QString &title, const QString &extension)
 {
-    constexpr qsizetype longest = 80;
-    QString name;
-    for (const QChar character : title) {
-        const bool isSafe = character.isPrint() && !QStringLiteral("/\\:*?\"<>|").contains(character);
-        name += isSafe ? character : QChar(u'-');
-    }
-    while (name.startsWith(u'.')) {
-        name.remove(0, 1);
-    }
-    name = name.left(longest).trimmed();
-    if (name.isEmpty()) {
-        name = zqLocalized("Web page");
-    }
-    return zqNumberedName(name + extension, 0);
+    constexpr qsizetype longest = 120; // bytes; a title may be a whole paragraph
+    const QString name =
+        zqSafeName(title, zqLocalized("Web page"), ZQLeadingDots::Dropped, QStringLiteral("\\:*?\"<>|"));
+    return zqNumberedName(name + extension, 0, longest);
 }
 
 bool writeFile(const QString &path, const QByteArray &bytes, ZQError *error)
@@ -114,7 +104,7 @@ bool WebPageCapture::capture(const QString &folder, ZQError *error)
     const int scale = std::clamp(m_request.scale, 1, 2);
     WebPage page(browser->pipe(), deadline);
     if (m_request.isFromPage) {
-        page.setFarthestReach(zqReachOfHostName(QUrl(url).host()));
+        page.setReach(PageReach(zqReachOfHostName(QUrl(url).host()), m_request.lookUp));
     }
     tell(startedPart, zqLocalized("Loading the page…"));
     if (!page.open(url, width, scale, !m_request.visible, WebCaptureRequest::mostHeight / scale, error)) {

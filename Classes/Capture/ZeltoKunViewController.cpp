@@ -1,5 +1,6 @@
 #include "Classes/Capture/ZeltoKunViewController.h"
 
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -9,7 +10,6 @@
 
 #include <QPointer>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -28,23 +28,6 @@ ZQError captureError(const QString &text)
 
 } // namespace
 
-struct ZeltoKunViewController::Command
-{
-    QString hotKey; // the user default
-    void (ZeltoKunViewController::*run)();
-};
-
-const QList<ZeltoKunViewController::Command> &ZeltoKunViewController::commands()
-{
-    static const QList<Command> all{
-        {QStringLiteral("ScreenshotAreaHotkey"), &ZeltoKunViewController::snapArea},
-        {QStringLiteral("ScreenshotWindowHotkey"), &ZeltoKunViewController::snapWindow},
-        {QStringLiteral("ScreenshotFullScreenHotkey"), &ZeltoKunViewController::snapFullScreen},
-        {QStringLiteral("ShowZeltoHotkey"), &ZeltoKunViewController::openZelto},
-    };
-    return all;
-}
-
 ZeltoKunViewController::ZeltoKunViewController(CaptureParts parts)
     : m_screenSource(std::move(parts.screenSource)), m_interface(parts.interface), m_hotKeys(std::move(parts.hotKeys))
 {
@@ -60,16 +43,16 @@ ZeltoKunViewController::~ZeltoKunViewController()
 
 // Hot keys.
 
-void ZeltoKunViewController::registerHotKey(const Command &command)
+void ZeltoKunViewController::registerHotKey(const HotKeyCommand &command)
 {
     if (!m_hotKeys || m_areHotKeysPaused) {
         return;
     }
-    const QVariantMap setting = ZQUserDefaults::standardUserDefaults().objectForKey(command.hotKey).toMap();
+    const QVariantMap setting = ZQUserDefaults::standardUserDefaults().objectForKey(command.preference).toMap();
     const QString problem =
-        m_hotKeys->registerHotKey(command.hotKey, setting, [this, run = command.run] { (this->*run)(); });
+        m_hotKeys->registerHotKey(command.preference, setting, [this, run = command.run] { (this->*run)(); });
     if (!problem.isEmpty()) {
-        qCInfo(zqLogApplication).noquote() << command.hotKey << "is without effect:" << problem;
+        qCInfo(zqLogApplication).noquote() << command.preference << "is without effect:" << problem;
     }
 }
 
@@ -80,16 +63,14 @@ void ZeltoKunViewController::loadView()
             m_interface->hotKeysDidChange();
         }
     };
-    for (const Command &command : commands()) {
+    for (const HotKeyCommand &command : HotKeyCommand::all()) {
         registerHotKey(command);
     }
     m_hotKeyState = ZQNotificationCenter::defaultCenter().addObserver(
         HotKeyRegistering::stateDidChange, nullptr, [announce](const ZQNotification &) { announce(); });
     // On whatever thread sees that another process wrote them.
     m_defaults = ZQUserDefaults::standardUserDefaults().observe([self = QPointer(this), announce](const QString &key) {
-        const auto changed = std::find_if(commands().begin(), commands().end(),
-                                          [&key](const Command &command) { return command.hotKey == key; });
-        if (changed != commands().end()) {
+        if (const HotKeyCommand *const changed = HotKeyCommand::find(key)) {
             zqOnMainThread([self, announce, changed] {
                 if (self) {
                     self->registerHotKey(*changed);
@@ -113,9 +94,9 @@ void ZeltoKunViewController::setHotKeysPaused(bool paused)
         return;
     }
     m_areHotKeysPaused = paused;
-    for (const Command &command : commands()) {
+    for (const HotKeyCommand &command : HotKeyCommand::all()) {
         if (paused) {
-            m_hotKeys->registerHotKey(command.hotKey, {}, {});
+            m_hotKeys->registerHotKey(command.preference, {}, {});
         } else {
             registerHotKey(command);
         }

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Capture/CaptureCommands.h"
 #include "Classes/Capture/CaptureStore.h"
 #include "Classes/Capture/ScreenSource.h"
 #include "Classes/Capture/ScreenshotSession.h"
-#include "Classes/Capture/WebCaptureDelegate.h"
 #include "Kit/Files/ZQUserDefaults.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 
-#include <QObject>
-
 #include <functional>
 #include <memory>
+
+struct HotKeyCommand;
 
 // What captures are made with. Any may be null: there is no display, no window, nobody who takes keys.
 struct CaptureParts
@@ -23,24 +23,10 @@ struct CaptureParts
 
 // The screen-capture controller, living in this process: starts captures for menus, hot keys and commands, one at a
 // time, and has what they take stored. Main thread.
-class ZeltoKunViewController : public QObject,
-                               public ScreenCaptureControlling,
-                               public ScreenshotSessionDelegate,
-                               public WebCaptureDelegate
+class ZeltoKunViewController : public CaptureCommands, public ScreenCaptureControlling, public ScreenshotSessionDelegate
 {
     Q_OBJECT
 public:
-    enum class Outcome { Stored, CalledOff, Failed };
-    struct End
-    {
-        Outcome outcome = Outcome::CalledOff;
-        ZQError error = {};     // of what failed
-        QStringList items = {}; // stored: the item directories' names
-    };
-    // Called once, what is stored being in the library by then. Where there is one, it is who tells the person what
-    // failed.
-    using Ended = std::function<void(const End &end)>;
-
     explicit ZeltoKunViewController(CaptureParts parts);
     ~ZeltoKunViewController() override;
 
@@ -49,11 +35,11 @@ public:
     void snapWindow() override { snap(ScreenshotSession::Kind::Window, {}); }
     void snapFullScreen() override { snap(ScreenshotSession::Kind::FullScreen, {}); }
     void snapWebsite(const QString &pageURL, const QRect &frame) override;
-    void openZelto();
-    // The number is for `cancel`, which leaves alone those that others began since.
-    quint64 snap(ScreenshotSession::Kind kind, Ended ended);
+    void openZelto() override;
+    CaptureCommands *captureCommands() override { return this; }
+    quint64 snap(ScreenshotSession::Kind kind, Ended ended) override;
     void cancel(); // the choice that goes on, as the person would
-    void cancel(quint64 number);
+    void cancel(quint64 number) override;
     QString problemOfHotKey(const QString &command) const override;
     void setHotKeysPaused(bool paused) override;
     bool finishStoring() override { return m_store.finish(); }
@@ -66,14 +52,11 @@ public:
     void screenshotWebWindowController(const QString &didTakeFile, const QString &forPageURL,
                                        const QString &andPageTitle,
                                        std::function<void(const ZQError &error)> didStore) override;
-    // The same for who waits for it.
     void storeWebCapture(const QString &didTakeFile, const QString &forPageURL, const QString &andPageTitle,
-                         Ended ended);
+                         Ended ended) override;
 
 private:
-    struct Command;
-    static const QList<Command> &commands();
-    void registerHotKey(const Command &command);
+    void registerHotKey(const HotKeyCommand &command);
     void fail(const ZQError &error, const Ended &ended);
     void letGoOfSession();
     CaptureStore::Told tellerFor(Ended ended);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Capture/ZeltoKunViewController.h"
+#include "Classes/Capture/CaptureCommands.h"
 
 #include <optional>
 
@@ -8,4 +8,4 @@ struct CommandContext;
 
 // The exit status of a command that captures, its reason in `context`. Nothing: whoever stores captures went before it
 // ended.
-int zqStatusOfCapture(const std::optional<ZeltoKunViewController::End> &end, CommandContext &context);
+int zqStatusOfCapture(const std::optional<CaptureCommands::End> &end, CommandContext &context);

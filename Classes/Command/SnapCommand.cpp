@@ -1,6 +1,7 @@
 #include "Classes/Command/CaptureStatus.h"
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -27,7 +28,7 @@ ScreenshotSession::Kind kindOf(SnapKind kind)
 
 } // namespace
 
-int zqStatusOfCapture(const std::optional<ZeltoKunViewController::End> &end, CommandContext &context)
+int zqStatusOfCapture(const std::optional<CaptureCommands::End> &end, CommandContext &context)
 {
     if (!end) {
         return context.fail(
@@ -35,11 +36,11 @@ int zqStatusOfCapture(const std::optional<ZeltoKunViewController::End> &end, Com
                         "the import goes on when Zelto opens the library the next time"));
     }
     switch (end->outcome) {
-    case ZeltoKunViewController::Outcome::Stored:
+    case CaptureCommands::Outcome::Stored:
         return 0;
-    case ZeltoKunViewController::Outcome::Failed:
+    case CaptureCommands::Outcome::Failed:
         return context.fail(end->error.localizedDescription());
-    case ZeltoKunViewController::Outcome::CalledOff:
+    case CaptureCommands::Outcome::CalledOff:
         break;
     }
     return 1;
@@ -48,13 +49,13 @@ int zqStatusOfCapture(const std::optional<ZeltoKunViewController::End> &end, Com
 int zqRunSnap(SnapKind kind, CommandContext &context)
 {
     context.delegate->openZeltoKunHelper();
-    const QPointer controller(dynamic_cast<ZeltoKunViewController *>(context.delegate->zeltoKunViewController()));
+    ScreenCaptureControlling *const capture = context.delegate->zeltoKunViewController();
+    const QPointer controller(capture ? capture->captureCommands() : nullptr);
     if (!controller) {
         return context.fail(zqLocalized("this process takes no pictures of the screen"));
     }
-    const auto end = std::make_shared<std::optional<ZeltoKunViewController::End>>();
-    const quint64 number =
-        controller->snap(kindOf(kind), [end](const ZeltoKunViewController::End &ended) { *end = ended; });
+    const auto end = std::make_shared<std::optional<CaptureCommands::End>>();
+    const quint64 number = controller->snap(kindOf(kind), [end](const CaptureCommands::End &ended) { *end = ended; });
     // Whoever goes away, as by Ctrl+C, calls it off.
     const auto hasEnded = [end, number, controller, isAbandoned = context.isAbandoned] {
         if (!*end && controller && isAbandoned && isAbandoned()) {

@@ -1,5 +1,6 @@
 #include "Classes/Command/Commands.h"
 
+#include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Capture/WebPageCapture.h"
@@ -24,7 +25,7 @@ namespace {
 class PageOnItsWay
 {
 public:
-    PageOnItsWay(const WebCaptureRequest &request, ZeltoKunViewController &controller, CommandContext &context)
+    PageOnItsWay(const WebCaptureRequest &request, CaptureCommands &controller, CommandContext &context)
         : m_controller(&controller), m_isAbandoned(context.isAbandoned)
     {
         m_capture = std::make_shared<WebPageCapture>(
@@ -66,7 +67,7 @@ public:
             m_isHandedOver = true;
             const WebCaptureResult &result = m_capture->result();
             m_controller->storeWebCapture(result.file, result.pageURL, result.title,
-                                          [end = m_end](const ZeltoKunViewController::End &ended) { *end = ended; });
+                                          [end = m_end](const CaptureCommands::End &ended) { *end = ended; });
         }
         return !m_isHandedOver || *m_end || !m_controller;
     }
@@ -95,14 +96,14 @@ public:
     }
 
 private:
-    const QPointer<ZeltoKunViewController> m_controller; // null once it has gone
+    const QPointer<CaptureCommands> m_controller; // null once it has gone
     const std::function<bool()> m_isAbandoned;
     // Written before the capture begins and after it ended; the line is null where none is shown.
     const std::shared_ptr<std::shared_ptr<UserProgress>> m_progress = std::make_shared<std::shared_ptr<UserProgress>>();
     std::shared_ptr<WebPageCapture> m_capture;
     // Of the storing, which may go on without this.
-    const std::shared_ptr<std::optional<ZeltoKunViewController::End>> m_end =
-        std::make_shared<std::optional<ZeltoKunViewController::End>>();
+    const std::shared_ptr<std::optional<CaptureCommands::End>> m_end =
+        std::make_shared<std::optional<CaptureCommands::End>>();
     bool m_isHandedOver = false;
     ZQOperationQueue m_queue{QStringLiteral("web capture")}; // the last: its end waits for the capture
 };
@@ -126,7 +127,8 @@ int zqRunSnapWeb(const SnapWebRequest &request, CommandContext &context)
     capture.visible = request.visible;
     capture.mayReadFiles = true; // who writes a command may read them anyway
     context.delegate->openZeltoKunHelper();
-    auto *const controller = dynamic_cast<ZeltoKunViewController *>(context.delegate->zeltoKunViewController());
+    ScreenCaptureControlling *const known = context.delegate->zeltoKunViewController();
+    CaptureCommands *const controller = known ? known->captureCommands() : nullptr;
     if (!controller) {
         return context.fail(zqLocalized("this process takes no pictures of pages"));
     }

@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr QChar separatorStandIn(u'-');
 constexpr std::array placeholders{"{title}", "{index}", "{width}", "{height}", "{date}"};
 
 bool isTaken(const QString &path)
@@ -38,12 +37,6 @@ QString firstFree(const QString &path, const std::function<bool(const QString &)
             return candidate;
         }
     }
-}
-
-bool isUnsafe(QChar character)
-{
-    return character == u'/' || character.category() == QChar::Other_Control ||
-           character.category() == QChar::Separator_Line || character.category() == QChar::Separator_Paragraph;
 }
 
 // The first of them, or an empty text: what stands in braces, with them.
@@ -90,13 +83,7 @@ QString ExportNames::extensionForFormat(std::optional<int> fileFormat, const QSt
 
 QString ExportNames::safeTitle(const QString &title)
 {
-    QString safe = title;
-    std::replace_if(safe.begin(), safe.end(), isUnsafe, separatorStandIn);
-    safe = safe.trimmed();
-    if (safe.startsWith(u'.')) {
-        safe[0] = u'_';
-    }
-    return safe.isEmpty() ? zqLocalized("Untitled") : safe;
+    return zqSafeName(title, zqLocalized("Untitled"));
 }
 
 QString ExportNames::nameForTitle(const QString &title, const QString &extension)
@@ -130,7 +117,7 @@ QString ExportNames::problemOfPattern(const QString &pattern)
     if (pattern.contains(u'/')) {
         return zqLocalized("A name pattern makes names, not folders. Write it without “/”.");
     }
-    if (std::any_of(pattern.begin(), pattern.end(), isUnsafe)) {
+    if (!std::all_of(pattern.begin(), pattern.end(), &zqIsSafeInName)) {
         return zqLocalized("A name pattern is one line. Write it without line breaks.");
     }
     const QString unknown = unknownPlaceholder(pattern);

@@ -1,6 +1,6 @@
 #include "Classes/Import/ImageAddress.h"
 
-#include "Kit/Files/ZQTypeIdentifier.h"
+#include "Kit/Files/ZQFreeName.h"
 #include "Kit/Network/ZQDataAddress.h"
 
 #include <QStringView>
@@ -8,21 +8,6 @@
 namespace {
 
 constexpr qsizetype mostBytes = 200; // of the 255 that a name may have
-constexpr qsizetype longestExtension = 20;
-
-QString shortened(const QString &name)
-{
-    if (name.toUtf8().size() <= mostBytes) {
-        return name;
-    }
-    const QString extension = zqPathExtension(name);
-    const QString end = extension.isEmpty() || extension.size() > longestExtension ? QString() : u'.' + extension;
-    QString start = name.chopped(end.size());
-    while (start.toUtf8().size() + end.toUtf8().size() > mostBytes) {
-        start.chop(start.size() > 1 && start.back().isLowSurrogate() ? 2 : 1);
-    }
-    return start + end;
-}
 
 } // namespace
 
@@ -35,17 +20,9 @@ QString fileNameFromUrl(const QString &address)
 
 QString safeFileNameFromUrl(const QString &address)
 {
-    QString name = ZQDataAddress::isOne(address) ? QString() : fileNameFromUrl(address);
-    for (QChar &each : name) {
-        if (each.category() == QChar::Other_Control || each == u':' || each == u'\\') {
-            each = u'-';
-        }
-    }
-    while (name.startsWith(u'.')) {
-        name.remove(0, 1);
-    }
-    name = shortened(name.trimmed());
-    return name.isEmpty() ? QStringLiteral("image") : name;
+    const QString name = ZQDataAddress::isOne(address) ? QString() : fileNameFromUrl(address);
+    return zqNumberedName(zqSafeName(name, QStringLiteral("image"), ZQLeadingDots::Dropped, QStringLiteral(":\\")), 0,
+                          mostBytes);
 }
 
 QUrl urlOfImage(const QString &address, const QString &pageUrl)

@@ -12,9 +12,8 @@
 #include <QLocale>
 #include <QStorageInfo>
 
-#include <unistd.h>
-
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 
 namespace {
@@ -41,15 +40,9 @@ QStringList acceptedTypes()
 bool writeWhole(const QByteArray &contents, const QString &path, ZQError *error)
 {
     auto file = ZQNewFile::make(path, error);
-    qint64 written = 0;
-    while (file && written < contents.size()) {
-        const ssize_t count =
-            ::write(file->descriptor(), contents.constData() + written, std::size_t(contents.size() - written));
-        if (count < 0 && errno != EINTR) {
-            zqSetError(error, ZQError::posix(errno, path));
-            return false;
-        }
-        written += std::max<ssize_t>(count, 0);
+    if (file && !zqWriteAll(file->descriptor(), contents.constData(), contents.size())) {
+        zqSetError(error, ZQError::posix(errno, path));
+        return false;
     }
     return file && file->place(error);
 }

@@ -1,6 +1,7 @@
 #include "Classes/Import/PasteboardFiles.h"
 
 #include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQFreeName.h"
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
@@ -29,18 +30,12 @@ const QStringList &encodedFormats()
     return formats;
 }
 
-// A file name made of text from elsewhere: no separators, no hidden files, no endless names.
+// Empty when the address has none.
 QString baseNameFromURL(const QUrl &url)
 {
-    QString name = zqBaseName(url.fileName(QUrl::FullyDecoded));
-    name.replace(u'/', u'_').remove(QChar(0));
-    while (name.startsWith(u'.')) {
-        name.remove(0, 1);
-    }
-    while (name.toUtf8().size() > 200) {
-        name.chop(1);
-    }
-    return name.trimmed();
+    constexpr qsizetype longest = 200; // bytes, which leaves room for a number
+    return zqNumberedName(zqSafeName(zqBaseName(url.fileName(QUrl::FullyDecoded)), {}, ZQLeadingDots::Dropped), 0,
+                          longest);
 }
 
 QString freePath(const QString &directory, const QString &baseName, const QString &extension)

@@ -69,20 +69,20 @@ constexpr std::array keys{
     Key{44, Qt::Key_Slash, '/', "slash", "/"},
     Key{47, Qt::Key_Period, '.', "period", "."},
     Key{50, Qt::Key_QuoteLeft, '`', "grave", "`"},
-    Key{36, Qt::Key_Return, 0xff0d, "Return", "Return"},
-    Key{48, Qt::Key_Tab, 0xff09, "Tab", "Tab"},
-    Key{49, Qt::Key_Space, ' ', "space", "Space"},
-    Key{51, Qt::Key_Backspace, 0xff08, "BackSpace", "Backspace"},
-    Key{114, Qt::Key_Insert, 0xff63, "Insert", "Insert"},
-    Key{117, Qt::Key_Delete, 0xffff, "Delete", "Delete"},
-    Key{115, Qt::Key_Home, 0xff50, "Home", "Home"},
-    Key{119, Qt::Key_End, 0xff57, "End", "End"},
-    Key{116, Qt::Key_PageUp, 0xff55, "Prior", "Page Up"},
-    Key{121, Qt::Key_PageDown, 0xff56, "Next", "Page Down"},
-    Key{123, Qt::Key_Left, 0xff51, "Left", "Left"},
-    Key{126, Qt::Key_Up, 0xff52, "Up", "Up"},
-    Key{124, Qt::Key_Right, 0xff53, "Right", "Right"},
-    Key{125, Qt::Key_Down, 0xff54, "Down", "Down"},
+    Key{36, Qt::Key_Return, 0xff0d, "Return", zqKey("Return")},
+    Key{48, Qt::Key_Tab, 0xff09, "Tab", zqKey("Tab")},
+    Key{49, Qt::Key_Space, ' ', "space", zqKey("Space")},
+    Key{51, Qt::Key_Backspace, 0xff08, "BackSpace", zqKey("Backspace")},
+    Key{114, Qt::Key_Insert, 0xff63, "Insert", zqKey("Insert")},
+    Key{117, Qt::Key_Delete, 0xffff, "Delete", zqKey("Delete")},
+    Key{115, Qt::Key_Home, 0xff50, "Home", zqKey("Home")},
+    Key{119, Qt::Key_End, 0xff57, "End", zqKey("End")},
+    Key{116, Qt::Key_PageUp, 0xff55, "Prior", zqKey("Page Up")},
+    Key{121, Qt::Key_PageDown, 0xff56, "Next", zqKey("Page Down")},
+    Key{123, Qt::Key_Left, 0xff51, "Left", zqKey("Left")},
+    Key{126, Qt::Key_Up, 0xff52, "Up", zqKey("Up")},
+    Key{124, Qt::Key_Right, 0xff53, "Right", zqKey("Right")},
+    Key{125, Qt::Key_Down, 0xff54, "Down", zqKey("Down")},
     Key{122, Qt::Key_F1, 0xffbe, "F1", nullptr, Use::Free},
     Key{120, Qt::Key_F2, 0xffbf, "F2", nullptr, Use::Free},
     Key{99, Qt::Key_F3, 0xffc0, "F3", nullptr, Use::Free},
@@ -103,8 +103,8 @@ constexpr std::array keys{
     Key{79, Qt::Key_F18, 0xffcf, "F18", nullptr, Use::Free},
     Key{80, Qt::Key_F19, 0xffd0, "F19", nullptr, Use::Free},
     Key{90, Qt::Key_F20, 0xffd1, "F20", nullptr, Use::Free},
-    Key{256, Qt::Key_Print, 0xff61, "Print", "Print", Use::Free},
-    Key{257, Qt::Key_Pause, 0xff13, "Pause", "Pause", Use::Free},
+    Key{256, Qt::Key_Print, 0xff61, "Print", zqKey("Print"), Use::Free},
+    Key{257, Qt::Key_Pause, 0xff13, "Pause", zqKey("Pause"), Use::Free},
 };
 
 struct Modifier
@@ -117,10 +117,10 @@ struct Modifier
 
 // In the order in which they are shown.
 constexpr std::array modifierKeys{
-    Modifier{HotKey::command, Qt::ControlModifier, "CTRL", "Ctrl"},
-    Modifier{HotKey::control, Qt::AltModifier, "ALT", "Alt"},
-    Modifier{HotKey::shift, Qt::ShiftModifier, "SHIFT", "Shift"},
-    Modifier{HotKey::option, Qt::MetaModifier, "LOGO", "Super"},
+    Modifier{HotKey::command, Qt::ControlModifier, "CTRL", zqKey("Ctrl")},
+    Modifier{HotKey::control, Qt::AltModifier, "ALT", zqKey("Alt")},
+    Modifier{HotKey::shift, Qt::ShiftModifier, "SHIFT", zqKey("Shift")},
+    Modifier{HotKey::option, Qt::MetaModifier, "LOGO", zqKey("Super")},
 };
 constexpr quint32 allFlags = HotKey::command | HotKey::control | HotKey::shift | HotKey::option;
 

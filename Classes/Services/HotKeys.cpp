@@ -3,6 +3,7 @@
 #include "Classes/Services/HotKey.h"
 #include "Classes/Services/PortalHotKeys.h"
 #include "Classes/Services/XHotKeys.h"
+#include "Kit/Desktop/ZQDisplay.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
 #include <QGuiApplication>
@@ -27,18 +28,16 @@ public:
 
 std::unique_ptr<HotKeyRegistering> HotKeys::make()
 {
-    const QString platform = QGuiApplication::platformName();
-    const bool isX = platform == QStringLiteral("xcb");
-    // There a grab works only while a program has the focus that talks X as well.
-    const bool isWayland =
-        platform.startsWith(QStringLiteral("wayland")) || (isX && qEnvironmentVariableIsSet("WAYLAND_DISPLAY"));
-    if (isWayland) {
+    switch (ZQDisplay::kindOf(QGuiApplication::platformName())) {
+    case ZQDisplay::Kind::Wayland:
         return std::make_unique<PortalHotKeys>();
-    }
-    if (isX) {
+    case ZQDisplay::Kind::X:
         if (auto connection = ZQXConnection::open()) {
             return std::make_unique<XHotKeys>(std::move(connection));
         }
+        break;
+    case ZQDisplay::Kind::None:
+        break;
     }
     return std::make_unique<NoHotKeys>();
 }

@@ -1,5 +1,6 @@
 #include "Classes/Services/PortalHotKeys.h"
 
+#include "Classes/Application/HotKeyCommand.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 
@@ -14,13 +15,8 @@ const QString interface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts
 
 QString meaningOf(const QString &command)
 {
-    static const QMap<QString, QString> meanings{
-        {QStringLiteral("ScreenshotAreaHotkey"), zqLocalized("Take a picture of an area of the screen")},
-        {QStringLiteral("ScreenshotWindowHotkey"), zqLocalized("Take a picture of a window")},
-        {QStringLiteral("ScreenshotFullScreenHotkey"), zqLocalized("Take a picture of the whole screen")},
-        {QStringLiteral("ShowZeltoHotkey"), zqLocalized("Show Zelto")},
-    };
-    return meanings.value(command, command);
+    const HotKeyCommand *const known = HotKeyCommand::find(command);
+    return known ? zqLocalized(known->meaning) : command;
 }
 
 } // namespace

@@ -42,7 +42,8 @@ public:
 
     // For requests; renewed when it ran out.
     void accessToken(Token told);
-    void forgetAccessToken(); // it was refused
+    ZQSecret currentAccessToken() const { return m_accessToken; } // empty: there is none without asking
+    void forgetAccessToken();                                     // it was refused
 
     static std::optional<QUrl> APIAddress(const QString &path, ZQError *error = nullptr);
     static std::optional<QUrl> contentAddress(const QString &path, ZQError *error = nullptr);

@@ -1,10 +1,11 @@
 #include "Classes/Sharing/DropboxAdapter.h"
 
+#include "Classes/Sharing/AbandonedFolder.h"
 #include "Kit/Operations/ZQMainThread.h"
 
 DropboxAdapter::DropboxAdapter(const QString &fileToUploadURL, const QString &fileToUploadName,
                                const QString &fileToUploadID, CloudAdapterDelegate *delegate, DBSession &session)
-    : MainThreadAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate),
+    : MainThreadAdapter(fileToUploadURL, fileToUploadName, fileToUploadID, delegate), m_session(session),
       m_dropboxClient(std::make_unique<DBRestClient>(session))
 {
     m_dropboxClient->setDelegate(this);
@@ -26,10 +27,25 @@ void DropboxAdapter::begin()
 void DropboxAdapter::abandon()
 {
     m_dropboxClient.reset();
+    removeFolder();
+}
+
+// With the token that made it: a new one may take longer than anybody waits for this.
+void DropboxAdapter::removeFolder() const
+{
+    const ZQSecret token = m_session.currentAccessToken();
+    const auto url = DBSession::APIAddress(QStringLiteral("/2/files/delete_v2"));
+    if (!m_didMakeFolder || token.isEmpty() || !url || !AbandonedFolder::isOne(fileToUploadID())) {
+        return;
+    }
+    ZQHTTPRequest request = DBCalls::request(*url, {{QStringLiteral("path"), folder()}});
+    request.headers.append({"Authorization", "Bearer " + token.UTF8()});
+    AbandonedFolder::remove(request);
 }
 
 void DropboxAdapter::createdFolder(DBRestClient &client, const QVariantMap & /*metadata*/)
 {
+    m_didMakeFolder = true;
     client.uploadFile(nameForUpload(), folder(), {}, fileToUploadURL());
 }
 
@@ -45,6 +61,7 @@ void DropboxAdapter::uploadProgress(DBRestClient &client, double fraction, const
         uploadProgess(fraction);
     } else if (isExecuting()) {
         client.cancelFileUpload(forFile);
+        removeFolder();
         finish();
     }
 }

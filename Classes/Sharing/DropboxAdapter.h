@@ -26,7 +26,10 @@ private:
     void uploadFileFailedWithError(DBRestClient &client, const ZQError &error) override;
     void loadedSharableLink(DBRestClient &client, const QString &link, const QString &forFile) override;
     void loadSharableLinkFailedWithError(DBRestClient &client, const ZQError &error) override;
+    void removeFolder() const;
     QString folder() const { return u'/' + fileToUploadID(); }
 
+    DBSession &m_session;
     std::unique_ptr<DBRestClient> m_dropboxClient;
+    bool m_didMakeFolder = false; // Dropbox said so
 };

@@ -16,7 +16,8 @@ public:
 protected:
     // Main thread. It is executing.
     virtual void begin() = 0;
-    // Main thread, once, after a cancel: nothing is sent or told any more. What has been stored stays.
+    // Main thread, once, after a cancel: nothing is told any more, and nothing sent but to remove what only this
+    // upload made.
     virtual void abandon() = 0;
 
     // The file's name at the service: the title with the file's extension, without what cannot stand in a name.

@@ -1,5 +1,6 @@
 #include "Classes/Sharing/WebDAVAdapter.h"
 
+#include "Classes/Sharing/AbandonedFolder.h"
 #include "Classes/Sharing/SecretStore.h"
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
@@ -92,6 +93,7 @@ void WebDAVAdapter::makeNextFolder()
                             if (!response.isWhole() && !wasThere) {
                                 uploadFailed(problemOf(response));
                             } else if (isOwn) {
+                                m_didMakeOwnFolder = true;
                                 sendFile();
                             } else {
                                 makeNextFolder();
@@ -187,4 +189,7 @@ ZQError WebDAVAdapter::problemOf(const ZQHTTPResponse &response) const
 void WebDAVAdapter::abandon()
 {
     m_requests.reset();
+    if (m_didMakeOwnFolder && AbandonedFolder::isOne(fileToUploadID())) {
+        AbandonedFolder::remove(request("DELETE", ServiceAddress::below(m_addresses.root, ownFolder() + u'/')));
+    }
 }

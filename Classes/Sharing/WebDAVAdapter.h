@@ -35,6 +35,7 @@ private:
     const WebDAVSettings m_settings;
     WebDAVSettings::Addresses m_addresses;
     ZQSecret m_password;
-    QStringList m_foldersToMake; // paths, the outermost first
+    QStringList m_foldersToMake;     // paths, the outermost first
+    bool m_didMakeOwnFolder = false; // the server said so
     std::unique_ptr<ServiceRequests> m_requests;
 };

@@ -4,6 +4,8 @@
 #include "Kit/Files/ZQTypeIdentifier.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 
 namespace {
@@ -20,6 +22,28 @@ QString shortened(QString name, qsizetype bytes)
 }
 
 } // namespace
+
+bool zqIsSafeInName(QChar character)
+{
+    constexpr std::array unsafe{QChar::Other_Control, QChar::Separator_Line, QChar::Separator_Paragraph};
+    return character != u'/' && std::find(unsafe.begin(), unsafe.end(), character.category()) == unsafe.end();
+}
+
+QString zqSafeName(const QString &text, const QString &whenEmpty, ZQLeadingDots dots, QStringView alsoUnsafe)
+{
+    QString name = text;
+    std::replace_if(
+        name.begin(), name.end(),
+        [alsoUnsafe](QChar character) { return !zqIsSafeInName(character) || alsoUnsafe.contains(character); }, u'-');
+    name = name.trimmed();
+    while (dots == ZQLeadingDots::Dropped && name.startsWith(u'.')) {
+        name = name.mid(1).trimmed(); // more of them may follow the spaces
+    }
+    if (name.startsWith(u'.')) {
+        name[0] = u'_';
+    }
+    return name.isEmpty() ? whenEmpty : name;
+}
 
 QString zqNumberedName(const QString &name, int number, qsizetype longest)
 {

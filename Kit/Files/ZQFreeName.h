@@ -6,9 +6,22 @@
 
 #include <functional>
 
-// Names for files that come where another one has theirs. Any thread.
+// Names for files: made of any text, and beside others that have theirs. Any thread.
 
 constexpr qsizetype zqLongestName = 255; // bytes, of most file systems
+
+bool zqIsSafeInName(QChar character); // no separator, line break or control character
+
+// What becomes of a name that would hide its file.
+enum class ZQLeadingDots : quint8 {
+    Marked, // "_hidden": the person who gave it knows it again
+    Dropped // "hidden": it is a stranger's
+};
+
+// A name for one file made of any text, without spaces around it; "-" stands for each character that is not safe, or
+// is one of `alsoUnsafe`. `whenEmpty`: nothing is left. Its length is `zqNumberedName`'s business.
+QString zqSafeName(const QString &text, const QString &whenEmpty, ZQLeadingDots dots = ZQLeadingDots::Marked,
+                   QStringView alsoUnsafe = {});
 
 // "Cat.png", "Cat 1.png", "Cat 2.png", … for 0, 1, 2; shortened to so many bytes.
 QString zqNumberedName(const QString &name, int number, qsizetype longest = zqLongestName);

@@ -23,6 +23,16 @@ std::optional<QByteArray> zqSystemPath(const QString &path, ZQError *error)
     return QFile::encodeName(path);
 }
 
+std::vector<char *> zqPointersTo(std::vector<QByteArray> &texts)
+{
+    std::vector<char *> out;
+    for (QByteArray &text : texts) {
+        out.push_back(text.data());
+    }
+    out.push_back(nullptr);
+    return out;
+}
+
 bool zqWriteAll(int descriptor, const char *data, qint64 size)
 {
     while (size > 0) {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <utility>
+#include <vector>
 
 // Small tools of the Files kit around system calls. Paths here are the bytes the system sees.
 
@@ -38,6 +39,9 @@ private:
 // The bytes of `path`; nothing, with an error, for an empty one and for one with a null character, which the system
 // would cut short there.
 std::optional<QByteArray> zqSystemPath(const QString &path, ZQError *error);
+
+// For `execve`, with the null pointer at the end; good while the texts are.
+std::vector<char *> zqPointersTo(std::vector<QByteArray> &texts);
 
 bool zqWriteAll(int descriptor, const char *data, qint64 size); // errno tells why not
 

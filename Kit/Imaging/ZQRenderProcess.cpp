@@ -70,16 +70,6 @@ std::vector<QByteArray> environmentWithin(const QByteArray &folder)
     return out;
 }
 
-std::vector<char *> pointersTo(std::vector<QByteArray> &texts)
-{
-    std::vector<char *> out;
-    for (QByteArray &text : texts) {
-        out.push_back(text.data());
-    }
-    out.push_back(nullptr);
-    return out;
-}
-
 // What a new process begins with: a group of its own, no signal blocked or ignored, and these descriptors only.
 class SpawnSettings
 {
@@ -324,7 +314,7 @@ bool ZQRenderProcess::spawn(const QString &program, const ZQRenderLimits &limits
     std::vector<QByteArray> environment = environmentWithin(m_folder);
     pid_t process = -1;
     const int result = ::posix_spawn(&process, path.constData(), settings.actions(), settings.attributes(),
-                                     pointersTo(arguments).data(), pointersTo(environment).data());
+                                     zqPointersTo(arguments).data(), zqPointersTo(environment).data());
     if (result != 0) {
         errno = result;
         return false;

@@ -644,6 +644,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>&amp;Area</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Ask before a row is removed</source>
         <translation type="unfinished"></translation>
     </message>
@@ -789,6 +793,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Verify</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Window</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -991,7 +999,7 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>ACCOUNTS</source>
+        <source>ACC&amp;OUNTS</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1104,6 +1112,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Allow public links there, or share the file from the server's own pages.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Alt</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1293,6 +1305,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Background</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Backspace</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1600,6 +1616,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Ctrl</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>DISKS THAT TELL OF NO CHANGES</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1673,6 +1693,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Double resolution</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Down</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1785,6 +1809,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Encapsulated PostScript image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>End</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2119,6 +2147,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Home</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>How files are called: {title}, {index}, {width}, {height} and {date} stand for what each file has. Empty: the title.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2284,6 +2316,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Info Panel (Ctrl+Shift+I)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Insert</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2732,6 +2768,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Leaves out what stands behind it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Left</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3329,6 +3369,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Page Down</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Page Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Panes</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3342,6 +3390,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Path of the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pause</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3454,6 +3506,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Previous page (Page Up)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Print</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3673,11 +3729,19 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Return</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Return takes it · Esc leaves · arrows move, Shift by 10</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Rich text document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Right</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3817,7 +3881,15 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Shift</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Show</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show &amp;Zelto</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3985,6 +4057,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Super</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Supported files (%@)</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4034,6 +4110,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>TIFF image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tab</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5209,6 +5289,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Update Search</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5362,6 +5446,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Whole page</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Whole scr&amp;een</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

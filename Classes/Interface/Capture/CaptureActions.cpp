@@ -1,6 +1,7 @@
 #include "Classes/Interface/Capture/CaptureActions.h"
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Services/HotKey.h"
 #include "Kit/Files/ZQUserDefaults.h"
@@ -17,22 +18,24 @@ constexpr std::chrono::milliseconds menuTime(250); // until a menu has faded, an
 const QList<CaptureActions::Action> &CaptureActions::all()
 {
     static const QList<Action> actions = {
-        {CommandID::SnapArea, zqKey("Area"), hotKeys[0], [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
-        {CommandID::SnapWindow, zqKey("Window"), hotKeys[1],
+        {CommandID::SnapArea, zqKey("Area"), HotKeyCommand::area,
+         [](ScreenCaptureControlling &capture) { capture.snapArea(); }},
+        {CommandID::SnapWindow, zqKey("Window"), HotKeyCommand::window,
          [](ScreenCaptureControlling &capture) { capture.snapWindow(); }},
-        {CommandID::SnapFullScreen, zqKey("Whole Screen"), hotKeys[2],
+        {CommandID::SnapFullScreen, zqKey("Whole Screen"), HotKeyCommand::fullScreen,
          [](ScreenCaptureControlling &capture) { capture.snapFullScreen(); }},
-        {CommandID::SnapWebsite, zqKey("Web Page…"), nullptr,
+        {CommandID::SnapWebsite,
+         zqKey("Web Page…"),
+         {},
          [](ScreenCaptureControlling &capture) { capture.snapWebsite({}, {}); }},
     };
     return actions;
 }
 
-QString CaptureActions::titleWithHotKey(const QString &title, const char *hotKey)
+QString CaptureActions::titleWithHotKey(const QString &title, const QString &hotKey)
 {
-    const QVariant setting =
-        hotKey ? ZQUserDefaults::standardUserDefaults().objectForKey(QLatin1StringView(hotKey)) : QVariant();
-    const std::optional<HotKey> keys = HotKey::fromSetting(setting.toMap());
+    const std::optional<HotKey> keys =
+        HotKey::fromSetting(ZQUserDefaults::standardUserDefaults().objectForKey(hotKey).toMap());
     return keys ? title + u'\t' + keys->text() : title;
 }
 

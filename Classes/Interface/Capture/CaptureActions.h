@@ -13,16 +13,12 @@ struct Action
 {
     CommandID id;
     const char *title;
-    const char *hotKey; // the user default; null: none
+    QString hotKey; // the user default; empty: none
     void (*run)(ScreenCaptureControlling &capture);
 };
 
-inline constexpr const char *showZeltoHotKey = "ShowZeltoHotkey";
-inline constexpr const char *hotKeys[] = {"ScreenshotAreaHotkey", "ScreenshotWindowHotkey",
-                                          "ScreenshotFullScreenHotkey", showZeltoHotKey};
-
 const QList<Action> &all();
-QString titleWithHotKey(const QString &title, const char *hotKey); // as it is now
+QString titleWithHotKey(const QString &title, const QString &hotKey); // as it is now
 // From a menu, which is no part of what is captured: once it has gone from the screen.
 void run(const Action &action, tamberin_AppDelegate &delegate);
 bool isPossible(const tamberin_AppDelegate &delegate);

@@ -2,6 +2,7 @@
 
 #include "Classes/Application/ControllerInterfaces.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Capture/CaptureCommands.h"
 #include "Classes/Interface/Capture/StatusIcon.h"
 #include "Classes/Interface/Capture/ZQScreenshotViewController.h"
 #include "Classes/Interface/Capture/ZQScreenshotWebWindowController.h"
@@ -32,9 +33,9 @@ void CaptureViews::screenshotWebWindowController(const QString &didTakeFile, con
                                                  std::function<void(const ZQError &error)> didStore)
 {
     tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
-    if (auto *const controller =
-            delegate ? dynamic_cast<WebCaptureDelegate *>(delegate->zeltoKunViewController()) : nullptr) {
-        controller->screenshotWebWindowController(didTakeFile, forPageURL, andPageTitle, std::move(didStore));
+    ScreenCaptureControlling *const controller = delegate ? delegate->zeltoKunViewController() : nullptr;
+    if (CaptureCommands *const capture = controller ? controller->captureCommands() : nullptr) {
+        capture->screenshotWebWindowController(didTakeFile, forPageURL, andPageTitle, std::move(didStore));
     } else if (didStore) {
         didStore(ZQError::with(QStringLiteral("Screenshot"), 1,
                                zqLocalized("Zelto is quitting, and takes nothing into the library any more.")));

@@ -1,5 +1,6 @@
 #include "Classes/Interface/Capture/StatusIcon.h"
 
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Capture/CaptureActions.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -46,8 +47,7 @@ void StatusIcon::update()
                                                        action.hotKey));
         entry->setEnabled(CaptureActions::isPossible(m_delegate));
     }
-    entries.value(1)->setText(
-        CaptureActions::titleWithHotKey(zqLocalized("Open Zelto"), CaptureActions::showZeltoHotKey));
+    entries.value(1)->setText(CaptureActions::titleWithHotKey(zqLocalized("Open Zelto"), HotKeyCommand::showZelto));
     // Where the desktop has no status area it waits, unseen, for one to come.
     m_icon.setVisible(ZQUserDefaults::standardUserDefaults().boolForKey(QLatin1StringView(preference)));
 }

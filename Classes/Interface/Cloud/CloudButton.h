@@ -30,7 +30,7 @@ public:
     void uploadDidUpdate(double filesDone);
     void uploadDidFinish();
 
-    bool takesPresets() const override { return true; } // also while files go up: it waits for its turn
+    // Also while files go up: these wait for their turn.
     void setFileToUploadAfterExport(const QStringList &paths) override;
 
 Q_SIGNALS:

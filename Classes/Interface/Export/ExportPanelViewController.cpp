@@ -140,7 +140,7 @@ void ExportPanelViewController::exportWithPreset(const QString &identifier)
     choice.prompt = zqLocalized("Export");
     choice.directory = true;
     ZQUserDefaults &defaults = ZQUserDefaults::standardUserDefaults();
-    choice.name = defaults.stringForKey(lastFolderKey);
+    choice.startFolder = defaults.stringForKey(lastFolderKey);
     const QStringList folders = m_window.user.chooseFilesToOpen(choice);
     if (!folders.isEmpty()) {
         defaults.setObjectForKey(folders.first(), lastFolderKey);

@@ -30,7 +30,7 @@ void LayerActions::exportWithDialog()
     FileChoice choice;
     choice.title = zqLocalized("Export as Layered PSD");
     choice.prompt = zqLocalized("Export");
-    choice.name = ExportNames::nameForTitle(pictures.first().name, extension);
+    choice.suggestedName = ExportNames::nameForTitle(pictures.first().name, extension);
     choice.extensions = {extension};
     auto path = m_window.user.chooseFileToSave(choice);
     if (!path) {

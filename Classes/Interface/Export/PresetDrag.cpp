@@ -198,7 +198,7 @@ bool PresetDrag::filterDrop(QObject *object, QEvent *event)
         return false;
     }
     auto *const receiver = dynamic_cast<PresetReceiver *>(object);
-    if (!receiver || !receiver->takesPresets()) {
+    if (!receiver) {
         drop->ignore();
         return true;
     }

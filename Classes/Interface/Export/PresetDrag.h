@@ -19,7 +19,6 @@ class PresetReceiver
 {
 public:
     virtual ~PresetReceiver() = default;
-    virtual bool takesPresets() const = 0;
     // Where the files will be once the export that was begun for it has ended, of which ExportManager's notifications
     // tell afterwards. Empty: none was begun.
     virtual void setFileToUploadAfterExport(const QStringList &paths) = 0;

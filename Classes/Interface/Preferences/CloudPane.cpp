@@ -21,7 +21,6 @@ CloudPane::CloudPane(UserInteraction &user, QWidget *parent)
       m_missing(new QLabel(this)), m_pages(new QStackedWidget(this))
 {
     addService();
-    addHeading(zqLocalized("ACCOUNTS"));
     addAccounts(
         {new CloudAppPage(user), new DropboxPage, new ImgurPage, new OwnServerPage, new DescriptionsPage(user)});
     setShown(CloudServices::choiceKey, [this] { showServices(); });
@@ -60,6 +59,7 @@ void CloudPane::addAccounts(const QList<CloudAccountPage *> &pages)
         connect(page, &CloudAccountPage::changed, this, &CloudPane::showServices);
     }
     m_switch = new ZQSwitch(titles, this);
+    addHeading(zqLocalized("ACC&OUNTS"), m_switch);
     column()->addWidget(m_switch);
     column()->addWidget(m_pages);
     connect(m_switch, &ZQSwitch::currentIndexChanged, m_pages, &QStackedWidget::setCurrentIndex);

@@ -57,8 +57,9 @@ QStringList HotKeyField::texts() const
         return m_hotKey ? m_hotKey->caps() : QStringList();
     }
     QStringList held;
-    for (const auto &[modifier, text] : {std::pair(Qt::ControlModifier, "Ctrl"), std::pair(Qt::AltModifier, "Alt"),
-                                         std::pair(Qt::MetaModifier, "Super"), std::pair(Qt::ShiftModifier, "Shift")}) {
+    for (const auto &[modifier, text] :
+         {std::pair(Qt::ControlModifier, zqKey("Ctrl")), std::pair(Qt::AltModifier, zqKey("Alt")),
+          std::pair(Qt::MetaModifier, zqKey("Super")), std::pair(Qt::ShiftModifier, zqKey("Shift"))}) {
         if (m_held.testFlag(modifier)) {
             held.append(zqLocalized(text));
         }

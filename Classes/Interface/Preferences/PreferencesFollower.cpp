@@ -1,8 +1,8 @@
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
 
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Browser/BrowserViewController.h"
-#include "Classes/Interface/Capture/CaptureActions.h"
 #include "Classes/Interface/Preferences/PreferencesPane.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Kit/Files/ZQFileWatcher.h"
@@ -22,7 +22,6 @@ const QString fillsCellsKey = QStringLiteral("BrowserFillsCells");
 const QString badgesKey = QStringLiteral("SidebarDisplayBadges");
 const QStringList sizeKeys = {QStringLiteral("IconTagSize"), QStringLiteral("SmallTagSize"),
                               QStringLiteral("MediumTagSize")};
-const QStringList hotKeys(std::begin(CaptureActions::hotKeys), std::end(CaptureActions::hotKeys));
 } // namespace
 
 PreferencesFollower::PreferencesFollower(ProjectsSidebarViewController &sidebar, BrowserViewController &browser,
@@ -84,7 +83,7 @@ void PreferencesFollower::preferenceDidChange(const QString &key)
     if (key == themeKey) {
         showTheme();
         Q_EMIT followed();
-    } else if (hotKeys.contains(key)) {
+    } else if (HotKeyCommand::find(key)) {
         Q_EMIT followed(); // menus show them
     } else if (key == titlesKey || key == extensionsKey || key == fillsCellsKey) {
         showItems();

@@ -69,10 +69,10 @@ QLabel *PreferencesPane::addLabel(const QString &text, const QString &style)
     return label;
 }
 
-void PreferencesPane::addHeading(const QString &text)
+void PreferencesPane::addHeading(const QString &text, QWidget *buddy)
 {
     m_column->addSpacing(12);
-    addLabel(text, QStringLiteral("Caption"));
+    addLabel(text, QStringLiteral("Caption"))->setBuddy(buddy);
 }
 
 void PreferencesPane::addNote(const QString &text)

@@ -36,7 +36,8 @@ public:
         QString suffix = {};
     };
 
-    void addHeading(const QString &text);
+    // With a `buddy` the text has an access key, which goes there.
+    void addHeading(const QString &text, QWidget *buddy = nullptr);
     void addNote(const QString &text);
     // On while the preference is `onValue`.
     QCheckBox *addSwitch(const QString &key, const QString &text, const QString &meaning = {}, bool onValue = true);

@@ -1,8 +1,8 @@
 #include "Classes/Interface/Preferences/ScreenshotsPane.h"
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
-#include "Classes/Interface/Capture/CaptureActions.h"
 #include "Classes/Interface/Capture/CaptureEffects.h"
 #include "Classes/Interface/Capture/StatusIcon.h"
 #include "Classes/Interface/Preferences/HotKeyField.h"
@@ -66,10 +66,8 @@ void ScreenshotsPane::addKeys()
     grid->setColumnStretch(1, 1);
     column()->addSpacing(6);
     column()->addLayout(grid);
-    const char *const names[] = {"&Area", "&Window", "Whole scr&een", "Show &Zelto"};
-    static_assert(std::size(names) == std::size(CaptureActions::hotKeys));
-    for (std::size_t i = 0; i < std::size(CaptureActions::hotKeys); ++i) {
-        m_rows.append(addRow(grid, QLatin1StringView(CaptureActions::hotKeys[i]), zqLocalized(names[i])));
+    for (const HotKeyCommand &command : HotKeyCommand::all()) {
+        m_rows.append(addRow(grid, command.preference, zqLocalized(command.name)));
     }
     for (const Row &row : std::as_const(m_rows)) {
         setShown(row.key, [field = row.field, key = row.key] { field->setHotKey(hotKeyOf(key)); });

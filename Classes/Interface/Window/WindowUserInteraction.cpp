@@ -246,8 +246,8 @@ QStringList WindowUserInteraction::chooseFilesToOpen(const FileChoice &choice)
                        : choice.several ? QFileDialog::ExistingFiles
                                         : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::ShowDirsOnly, choice.directory);
-    if (choice.directory && QFileInfo(choice.name).isDir()) { // it may be gone since
-        dialog.setDirectory(choice.name);
+    if (choice.directory && QFileInfo(choice.startFolder).isDir()) { // it may be gone since
+        dialog.setDirectory(choice.startFolder);
     }
     if (!choice.prompt.isEmpty()) {
         dialog.setLabelText(QFileDialog::Accept, choice.prompt);
@@ -261,7 +261,7 @@ std::optional<QString> WindowUserInteraction::chooseFileToSave(const FileChoice 
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     // Whoever asks for a name asks about replacing: some dialogs add the suffix after they looked whether it is taken.
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    dialog.selectFile(choice.name);
+    dialog.selectFile(choice.suggestedName);
     if (!choice.extensions.isEmpty()) {
         dialog.setDefaultSuffix(choice.extensions.first());
     }

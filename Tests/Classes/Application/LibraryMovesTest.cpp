@@ -53,7 +53,7 @@ TEST_F(LibraryMoves, AChosenLibraryIsRememberedAndTheApplicationQuits)
     ASSERT_EQ(user.fileChoices.size(), 3);
     EXPECT_TRUE(user.fileChoices[0].directory);
     EXPECT_FALSE(user.fileChoices[1].directory || user.fileChoices[2].directory);
-    EXPECT_EQ(user.fileChoices[2].name, QStringLiteral("Zelto"));
+    EXPECT_EQ(user.fileChoices[2].suggestedName, QStringLiteral("Zelto"));
     EXPECT_EQ(window.calls.last(), QStringLiteral("activated")) << "it goes on";
     EXPECT_TRUE(user.questions.isEmpty() && user.errors.isEmpty());
     EXPECT_TRUE(tamberin_AppDelegate::loadLibraryURL().isEmpty());

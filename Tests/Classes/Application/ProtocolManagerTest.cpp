@@ -2,6 +2,7 @@
 
 #include "Classes/Services/DesktopActivation.h"
 #include "Tests/Classes/Application/ApplicationFixture.h"
+#include "Tests/Support/FakeProtocol.h"
 
 #include <gtest/gtest.h>
 
@@ -188,18 +189,6 @@ TEST_F(ProtocolManagerTest, OnlySoManyPagesAreRemembered)
     EXPECT_EQ(ZQUserDefaults::standardUserDefaults().objectForKey(ProtocolManager::knownPagesKey).toStringList(),
               before.mid(1) + QStringList{QStringLiteral("new.example")});
 }
-
-namespace {
-class FakeProtocol : public ProtocolHandling
-{
-public:
-    explicit FakeProtocol(QStringList &urls) : m_urls(urls) {}
-    void handleURL(const QString &url) override { m_urls.append(url); }
-
-private:
-    QStringList &m_urls;
-};
-} // namespace
 
 TEST_F(ApplicationTest, AddressesOfTheSchemeReachTheirManagerFromEveryDoorAndAreNoFiles)
 {

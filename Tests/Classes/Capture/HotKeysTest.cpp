@@ -1,3 +1,4 @@
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Services/HotKey.h"
 #include "Classes/Services/PortalHotKeys.h"
 #include "Classes/Services/XHotKeys.h"
@@ -14,8 +15,8 @@
 
 namespace {
 
-const QString area = QStringLiteral("ScreenshotAreaHotkey");
-const QString window = QStringLiteral("ScreenshotWindowHotkey");
+const QString area = HotKeyCommand::area;
+const QString window = HotKeyCommand::window;
 
 QVariantMap setting(quint32 code, quint32 flags = HotKey::command | HotKey::option)
 {

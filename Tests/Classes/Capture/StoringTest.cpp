@@ -1,3 +1,4 @@
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/QuestionWithdrawal.h"
 #include "Classes/Application/TemporaryArea.h"
 #include "Classes/Capture/PendingCaptures.h"
@@ -436,7 +437,7 @@ TEST_F(StoringTest, AWebPageKeepsItsAddressAndTitle)
 
 TEST_F(StoringTest, HotKeysAreThoseOfTheUserDefaults)
 {
-    const QString area = QStringLiteral("ScreenshotAreaHotkey");
+    const QString area = HotKeyCommand::area;
     const auto codeOf = [&](const QString &command) {
         return hotKeys.value(command).value(QStringLiteral("code")).toInt();
     };
@@ -444,8 +445,8 @@ TEST_F(StoringTest, HotKeysAreThoseOfTheUserDefaults)
     capture->loadView();
     EXPECT_EQ(hotKeys.size(), 4);
     EXPECT_EQ(codeOf(area), 18);
-    EXPECT_EQ(codeOf(QStringLiteral("ShowZeltoHotkey")), 21);
-    commands.value(QStringLiteral("ScreenshotWindowHotkey"))();
+    EXPECT_EQ(codeOf(HotKeyCommand::showZelto), 21);
+    commands.value(HotKeyCommand::window)();
     EXPECT_EQ(views.sessions.last()->begun, ScreenshotSession::Kind::Window);
 
     const QVariantMap other{{QStringLiteral("code"), 0}, {QStringLiteral("flags"), 1572864}};

@@ -1,7 +1,7 @@
 #include "Classes/Capture/XScreenSource.h"
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Tests/Classes/Capture/PrivateBus.h"
-#include "Tests/Classes/PromisedDrag/VirtualDisplay.h"
+#include "Tests/Support/VirtualDisplay.h"
 
 #include <QGuiApplication>
 #include <QTemporaryDir>

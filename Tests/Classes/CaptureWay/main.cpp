@@ -1,7 +1,7 @@
 #include "Kit/Imaging/ZQImageSource.h"
 #include "Models/DataModel/_ZQEntities.h"
 #include "Tests/Classes/CaptureWay/CaptureWayFixture.h"
-#include "Tests/Classes/PromisedDrag/VirtualDisplay.h"
+#include "Tests/Support/VirtualDisplay.h"
 
 #include <QApplication>
 #include <QTemporaryDir>

@@ -3,6 +3,7 @@
 #include "Classes/Command/Commands.h"
 #include "Classes/Services/ProtocolManager.h"
 #include "Kit/Operations/ZQMainThread.h"
+#include "Tests/Support/FakeProtocol.h"
 #include "Tests/Support/LocalHTTPServer.h"
 
 #include <QFile>
@@ -63,18 +64,6 @@ TEST_F(CommandTest, AYesOnTheCommandLineIsEnoughAndForThatOneTime)
     EXPECT_TRUE(context.errors.contains("--yes")) << context.errors.constData();
     EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/red.png")), 1);
 }
-
-namespace {
-class FakeProtocol : public ProtocolHandling
-{
-public:
-    explicit FakeProtocol(QStringList &urls) : m_urls(urls) {}
-    void handleURL(const QString &url) override { m_urls.append(url); }
-
-private:
-    QStringList &m_urls;
-};
-} // namespace
 
 TEST_F(CommandTest, InAWindowWhatNeedsNoWordIsReportedAtItsEndAndTheRestIsForTheWindowToAsk)
 {

@@ -87,10 +87,8 @@ class Receiver : public QWidget, public PresetReceiver
 {
 public:
     explicit Receiver(QWidget *parent) : QWidget(parent) { setAcceptDrops(true); }
-    bool takesPresets() const override { return takes; }
     void setFileToUploadAfterExport(const QStringList &paths) override { heard.append(paths); }
 
-    bool takes = true;
     QList<QStringList> heard;
 };
 
@@ -129,7 +127,7 @@ TEST_F(ExportPanelTest, AClickAsksForTheFolderAndExportsWhatIsSelected)
     EXPECT_EQ(choice.title, QStringLiteral("Please choose the location where the images will be saved"));
     EXPECT_EQ(choice.prompt, QStringLiteral("Export"));
     EXPECT_TRUE(choice.directory);
-    EXPECT_TRUE(choice.name.isEmpty()) << "nothing was exported yet";
+    EXPECT_TRUE(choice.startFolder.isEmpty()) << "nothing was exported yet";
     EXPECT_FALSE(choice.several);
     EXPECT_TRUE(outFiles().isEmpty()) << "no folder was chosen";
     person.files = QStringList{out()};
@@ -140,7 +138,7 @@ TEST_F(ExportPanelTest, AClickAsksForTheFolderAndExportsWhatIsSelected)
     EXPECT_EQ(QImageReader(out() + QStringLiteral("/red.jpg")).size(), QSize(40, 30));
     person.files.clear();
     cells().first()->click();
-    EXPECT_EQ(person.choices.last().name, out()) << "begins where the last export went";
+    EXPECT_EQ(person.choices.last().startFolder, out()) << "begins where the last export went";
 }
 
 TEST_F(ExportPanelTest, ThePaneShowsOneOfBothPanels)
@@ -362,11 +360,8 @@ TEST_F(ExportPanelTest, AReceiverInTheWindowGetsThePathsBeforeTheExportEnds)
         [&receiver](const ZQNotification &) { receiver.heard.append({QStringLiteral("end")}); });
 
     EXPECT_FALSE(drops(plain, drag)) << "no widget that knows presets";
-    receiver.takes = false;
-    EXPECT_FALSE(drops(receiver, drag));
     QMimeData other;
     other.setData(PresetDrag::presetType, {});
-    receiver.takes = true;
     EXPECT_FALSE(drops(receiver, other)) << "another drag is none of its business";
     EXPECT_TRUE(receiver.heard.isEmpty());
 

@@ -2,6 +2,7 @@
 
 #include "Classes/Interface/Preferences/ScreenshotsPane.h"
 #include "Classes/Application/ApplicationParts.h"
+#include "Classes/Application/HotKeyCommand.h"
 #include "Classes/Application/PreferencesController.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Interface/Capture/CaptureActions.h"
@@ -22,8 +23,8 @@
 
 namespace {
 
-const QString areaKey = QStringLiteral("ScreenshotAreaHotkey");
-const QString showKey = QStringLiteral("ShowZeltoHotkey");
+const QString areaKey = HotKeyCommand::area;
+const QString showKey = HotKeyCommand::showZelto;
 
 ZQUserDefaults &defaults()
 {
@@ -80,8 +81,8 @@ protected:
     }
     static void forget()
     {
-        for (const char *key : CaptureActions::hotKeys) {
-            defaults().removeObjectForKey(QLatin1StringView(key));
+        for (const HotKeyCommand &command : HotKeyCommand::all()) {
+            defaults().removeObjectForKey(command.preference);
         }
         for (const char *key : {"AfterScreenshotOpenZelto", "AfterScreenshotGotToScreenshots",
                                 "ScreenshotSoundAndFlash", "ShowZeltoKun"}) {
@@ -153,7 +154,7 @@ TEST_F(ScreenshotsPaneTest, KeysThatArePressedAreTheNewOnes)
     QTest::keyClick(&field("Window"), Qt::Key_Return);
     EXPECT_TRUE(field("Window").isRecording());
     QTest::keyClick(&field("Window"), Qt::Key_Backspace);
-    EXPECT_EQ(kept(QStringLiteral("ScreenshotWindowHotkey")), QString());
+    EXPECT_EQ(kept(HotKeyCommand::window), QString());
     openPane();
     EXPECT_EQ(keys(field("Window")), QString()) << "they do not come back";
 }

@@ -306,7 +306,7 @@ TEST_F(SheetsTest, FilesAreChosenAsTheyAreAskedFor)
     when<QFileDialog>([](QFileDialog &dialog) { dialog.reject(); });
     EXPECT_EQ(user.chooseFilesToOpen(choice), QStringList());
     choice = {};
-    choice.name = QStringLiteral("new");
+    choice.suggestedName = QStringLiteral("new");
     choice.prompt = QStringLiteral("Make");
     choice.extensions = {QStringLiteral("ztlibrary")};
     when<QFileDialog>([&](QFileDialog &dialog) {

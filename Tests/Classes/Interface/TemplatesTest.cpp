@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QImage>
 #include <QListWidget>
+#include <QTest>
 
 namespace {
 
@@ -86,6 +87,25 @@ TEST_F(TemplatesWindowTest, TheChosenOneBecomesAnAssetOfWhatIsShown)
     press(Qt::Key_Return);
     EXPECT_TRUE(waitFor([this] { return image(QStringLiteral("Alpha")) != nullptr; }));
     settle();
+}
+
+TEST_F(TemplatesWindowTest, ADoubleClickMakesTheAssetOfWhatIsBelowThePointer)
+{
+    drawn(directory + QStringLiteral("/Alpha.zttemplate"));
+    drawn(directory + QStringLiteral("/Beta.zttemplate"));
+    run(CommandID::NewFromTemplate);
+    ASSERT_EQ(titles().size(), 2);
+    ASSERT_TRUE(list()->isVisible());
+    const auto doubleClick = [this](const QPoint &place) {
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, place);
+    };
+    doubleClick(list()->viewport()->rect().bottomRight() - QPoint(2, 2)); // where there is none
+    EXPECT_TRUE(list());
+    doubleClick(list()->visualItemRect(list()->item(1)).center());
+    EXPECT_TRUE(waitFor([this] { return !list() && image(QStringLiteral("Beta")) != nullptr; }));
+    settle();
+    EXPECT_FALSE(image(QStringLiteral("Alpha")));
 }
 
 TEST_F(TemplatesWindowTest, RemovedOnesAreGoneFromTheFolderAndWhatCannotBeAnAssetCannotBeMade)

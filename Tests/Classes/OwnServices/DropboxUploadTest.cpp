@@ -237,6 +237,21 @@ TEST_F(DropboxUploadTest, EndlessWrongOffsetsEndAndACancelledUploadTellsNobody)
     EXPECT_FALSE(error);
 }
 
+TEST_F(DropboxUploadTest, ACancelledUploadTakesItsFolderBack)
+{
+    const QString removal = QStringLiteral("/2/files/delete_v2");
+    const auto adapter = make(QStringLiteral("a"), uploadID);
+    server.setHandler(QStringLiteral("/2/files/upload"), [adapter](const Request &) {
+        adapter->cancel();
+        return json(R"({"path_display": "/x"})");
+    });
+    run(adapter);
+    EXPECT_FALSE(error) << problem();
+    zqRunMainLoopUntil([&] { return server.countOfRequestsFor(removal) > 0; });
+    EXPECT_EQ(requestFor(removal).body, "{\"path\":\"/" + uploadID.toUtf8() + "\"}");
+    EXPECT_EQ(requestFor(removal).headers.value("authorization"), QByteArray("Bearer A1"));
+}
+
 TEST_F(DropboxUploadTest, CancelledFromAnyThreadAtAnyStepItEndsAndTellsNobody)
 {
     const std::pair<QString, Answer> steps[] = {

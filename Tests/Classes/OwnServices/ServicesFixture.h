@@ -79,6 +79,7 @@ protected:
         return all;
     }
 
+    const QString uploadID = QStringLiteral("0b8a0c1e-5a0b-4b57-9a39-6a3f4a0a7c11"); // as uploads have
     const QByteArray contents = QByteArray("\x89PNG\r\n\0", 7) + QByteArray(100'000, 'x');
     LocalHTTPServer server;
     QTemporaryDir folder;

@@ -100,6 +100,47 @@ TEST_F(WebDAVTest, APlainServerGivesTheAddressAtWhichThePublicReads)
     EXPECT_EQ(server.countOfRequestsFor(shares), 0);
 }
 
+TEST_F(WebDAVTest, ACancelledUploadTakesItsFolderBackAndNothingElse)
+{
+    const QString folderOfIts = root + QStringLiteral("/Shared/By%20Zelto/") + uploadID + u'/';
+    server.setHandler(folderOfIts, forMe({.status = 201}));
+    const auto makeWith = [this](const QString &ID) {
+        return std::make_shared<WebDAVAdapter>(path(), QStringLiteral("a"), ID, this, settings);
+    };
+    const auto removals = [this] {
+        QList<QByteArray> all = targets();
+        all.removeIf([](const QByteArray &each) { return !each.startsWith("DELETE "); });
+        return all;
+    };
+    // Before the folder is known to be ours, and one that is no upload's, stay.
+    const auto early = makeWith(uploadID);
+    server.setHandler(root + "/Shared/", [early](const Request &) {
+        early->cancel();
+        return Answer{.status = 201};
+    });
+    run(early);
+    server.setHandler(root + "/Shared/", forMe({.status = 201}));
+    const auto other = makeWith(QStringLiteral("ID"));
+    server.setHandler(own + "a.png", [other](const Request &) {
+        other->cancel();
+        return Answer{.status = 201};
+    });
+    run(other);
+
+    const auto late = makeWith(uploadID);
+    server.setHandler(folderOfIts + "a.png", [late](const Request &) {
+        late->cancel();
+        return Answer{.status = 201};
+    });
+    run(late);
+    EXPECT_FALSE(error) << problem();
+    zqRunMainLoopUntil([&] { return !removals().isEmpty(); });
+    const QByteArray removal = "DELETE " + folderOfIts.toUtf8();
+    for (const QByteArray &each : removals()) { // once more with the password, where the server asked for it first
+        EXPECT_EQ(each, removal);
+    }
+}
+
 TEST_F(WebDAVTest, FailuresSayWhatToDo)
 {
     const QString file = own + QStringLiteral("Pic%20%231%3F.png");

@@ -1,5 +1,5 @@
 #include "Models/DataModel/_ZQEntities.h"
-#include "Tests/Classes/PromisedDrag/VirtualDisplay.h"
+#include "Tests/Support/VirtualDisplay.h"
 
 #include <QApplication>
 

@@ -299,7 +299,7 @@ TEST_F(WebPageCaptureTest, APageThatAPageAskedForLeadsNowhereInside)
     QFile file(browser);
     ASSERT_TRUE(file.open(QFile::WriteOnly));
     file.write("#!/bin/sh\nexec '" + QFile::encodeName(ChromiumBrowser::program()) +
-               "' '--host-resolver-rules=MAP page.example 127.0.0.1' \"$@\"\n");
+               "' '--host-resolver-rules=MAP *.example 127.0.0.1' \"$@\"\n");
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     file.close();
     ZQUserDefaults::standardUserDefaults().setObjectForKey(browser, ChromiumBrowser::programKey);
@@ -312,28 +312,55 @@ TEST_F(WebPageCaptureTest, APageThatAPageAskedForLeadsNowhereInside)
                      LocalHTTPServer::Answer::with("text/html", "<script>location='" + inside + "'</script>"));
     server.setAnswer(QStringLiteral("/framed"),
                      LocalHTTPServer::Answer::with("text/html", "<iframe src='" + inside + "'></iframe>text"));
+    server.setAnswer(QStringLiteral("/inside.png"), LocalHTTPServer::Answer::with("image/png", "secret"));
+    const QByteArray picture =
+        "<img src='" + server.address(QStringLiteral("/inside.png"), QStringLiteral("inside.example")).toLatin1() +
+        "'>";
+    server.setAnswer(QStringLiteral("/picture"), LocalHTTPServer::Answer::with("text/html", picture));
+    server.setAnswer(
+        QStringLiteral("/pictureInFrame"), // of another site, which the browser draws in another process
+        LocalHTTPServer::Answer::with(
+            "text/html", "<iframe src='" +
+                             server.address(QStringLiteral("/picture"), QStringLiteral("other.example")).toLatin1() +
+                             "'></iframe>"));
+    const auto lookUp = [](const QString &host) {
+        const bool isInside = host == QStringLiteral("inside.example");
+        return QList<QHostAddress>{QHostAddress(QStringLiteral("198.51.100.1")),
+                                   QHostAddress(isInside ? QStringLiteral("10.0.0.7") : QStringLiteral("192.0.2.1"))};
+    };
     struct Case
     {
         const char *target;
         bool isFromPage;
         int code;
-        qsizetype visits; // of what lies inside
+        qsizetype visits; // of what lies inside, from then on
+        const char *host = "page.example";
     };
     const Case cases[] = {
         {"/moved", true, WebCaptureErrors::LeadsInside, 0},
         {"/twice", true, WebCaptureErrors::LeadsInside, 0},
         {"/script", true, WebCaptureErrors::LeadsInside, 0},
         {"/framed", true, captured, 0},
+        {"/picture", true, captured, 0},
+        {"/pictureInFrame", true, captured, 0},
+        {"/inside", true, WebCaptureErrors::LeadsInside, 0, "inside.example"},
         {"/moved", false, captured, 1}, // a person typed it
+        {"/picture", false, captured, 1},
     };
     for (const Case &each : cases) {
         WebCaptureRequest request;
-        request.url = server.address(QString::fromLatin1(each.target), QStringLiteral("page.example"));
+        request.url = server.address(QString::fromLatin1(each.target), QString::fromLatin1(each.host));
         request.width = 320;
+        request.lookUp = lookUp;
         request.isFromPage = each.isFromPage;
+        const auto visits = [this] {
+            return server.countOfRequestsFor(QStringLiteral("/inside")) +
+                   server.countOfRequestsFor(QStringLiteral("/inside.png"));
+        };
+        const qsizetype before = visits();
         const WebCaptureResult result = capture(request);
         EXPECT_EQ(result.error.code, each.code) << each.target << qPrintable(result.error.localizedDescription());
-        EXPECT_EQ(server.countOfRequestsFor(QStringLiteral("/inside")), each.visits) << each.target;
+        EXPECT_EQ(visits() - before, each.visits) << each.target;
     }
 }
 

@@ -1,4 +1,4 @@
-#include "Tests/Classes/PromisedDrag/VirtualDisplay.h"
+#include "Tests/Support/VirtualDisplay.h"
 
 #include <QByteArray>
 
