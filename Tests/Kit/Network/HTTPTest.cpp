@@ -8,8 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QScopeGuard>
-#include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTemporaryDir>
 
@@ -227,11 +225,13 @@ TEST_F(HTTPTest, AnUntrustedServerIsNotReadAndEncryptionIsNotLost)
     expectFailure(asked, Code::Untrusted, "by a checked address");
     EXPECT_TRUE(safe.requests().isEmpty());
 
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(QSslCertificate(safe.certificate()));
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    const QScopeGuard restore([&before] { QSslConfiguration::setDefaultConfiguration(before); });
+    QTemporaryDir trusted;
+    const QString path = trusted.filePath(QStringLiteral("certificate.pem"));
+    QFile certificate(path);
+    ASSERT_TRUE(certificate.open(QIODevice::WriteOnly) && certificate.write(safe.certificate()) > 0);
+    certificate.close();
+    qputenv("SSL_CERT_FILE", path.toUtf8());
+    const QScopeGuard restore([] { qunsetenv("SSL_CERT_FILE"); });
     safe.setAnswer(QStringLiteral("/away"), Answer::redirect(server.address(QStringLiteral("/plain")).toUtf8()));
     server.setAnswer(QStringLiteral("/plain"), Answer::with("image/png", "x"));
     asked.url = QUrl(safe.address(QStringLiteral("/away"), QStringLiteral("localhost")));
