@@ -35,7 +35,7 @@ ZQHTTPConnections::~ZQHTTPConnections()
     }
 }
 
-ZQTransferLoop &ZQHTTPConnections::loop()
+ZQHTTPConnections::Held &ZQHTTPConnections::held()
 {
     if (!m_held) {
         m_held = std::make_shared<Held>();
@@ -43,7 +43,12 @@ ZQTransferLoop &ZQHTTPConnections::loop()
         m_held->loop = loop;
         ZQNetworkThread::whenItEnds(loop, [loop] { loop->deleteLater(); }); // after what uses it
     }
-    return *m_held->loop;
+    return *m_held;
+}
+
+ZQTransferLoop &ZQHTTPConnections::loop()
+{
+    return *held().loop;
 }
 
 bool ZQHTTPConnections::haveBeenUsedFor(const QUrl &url) const
@@ -53,10 +58,10 @@ bool ZQHTTPConnections::haveBeenUsedFor(const QUrl &url) const
 
 void ZQHTTPConnections::noteUseOf(const QUrl &url)
 {
-    m_held->servers.insert(serverOf(url));
+    held().servers.insert(serverOf(url));
 }
 
 std::optional<ZQHTTPChallenge> &ZQHTTPConnections::challengeOf(const QUrl &url, const QString &user)
 {
-    return m_held->challenges[serverOf(url) + u'\n' + user];
+    return held().challenges[serverOf(url) + u'\n' + user];
 }

@@ -28,5 +28,6 @@ public:
 private:
     ZQHTTPConnections() = default;
     struct Held;
+    Held &held();
     std::shared_ptr<Held> m_held; // null: not used yet
 };

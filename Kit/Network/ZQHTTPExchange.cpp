@@ -282,6 +282,21 @@ std::size_t ZQHTTPExchange::headerLine(char *data, std::size_t size, std::size_t
     return static_cast<ZQHTTPExchange *>(self)->takeHeaderLine(QByteArray(data, qsizetype(bytes))) ? bytes : 0;
 }
 
+// What stands in several lines is one list.
+void ZQHTTPExchange::addHeader(const QByteArray &name, const QByteArray &value)
+{
+    const auto before = std::find_if(m_headers.begin(), m_headers.end(), [&name](const auto &each) {
+        return each.first.compare(name, Qt::CaseInsensitive) == 0;
+    });
+    if (before == m_headers.end()) {
+        m_headers.append({name, value});
+    } else if (name.toLower() == "location") {
+        before->second = value;
+    } else {
+        before->second += (name.toLower() == "set-cookie" ? "\n" : ", ") + value;
+    }
+}
+
 bool ZQHTTPExchange::takeHeaderLine(const QByteArray &line)
 {
     if (m_hasHead) {
@@ -294,7 +309,7 @@ bool ZQHTTPExchange::takeHeaderLine(const QByteArray &line)
     }
     const QByteArray text = line.trimmed();
     if (const qsizetype colon = text.indexOf(':'); colon > 0) {
-        m_headers.append({text.left(colon).trimmed(), text.mid(colon + 1).trimmed()});
+        addHeader(text.left(colon).trimmed(), text.mid(colon + 1).trimmed());
         return true;
     }
     const bool isOfProxy = m_status == 407 && !isDirect(m_order.proxy);

@@ -72,6 +72,7 @@ private:
     void setTrust();
     void setCallbacks();
     bool mayUse(const QHostAddress &address);
+    void addHeader(const QByteArray &name, const QByteArray &value);
     bool takeHeaderLine(const QByteArray &line);
     void readLastWords();
 
