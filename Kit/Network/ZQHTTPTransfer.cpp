@@ -34,7 +34,7 @@ bool isSameServer(const QUrl &a, const QUrl &b)
 bool isSecret(const QByteArray &name)
 {
     const QByteArray lower = name.toLower();
-    return lower == "authorization" || lower == "cookie" || lower == "proxy-authorization";
+    return lower == "authorization" || lower == "cookie" || lower == "proxy-authorization" || lower == "host";
 }
 
 QNetworkProxy proxyFor(const QUrl &url)

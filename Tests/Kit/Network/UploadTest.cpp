@@ -173,6 +173,37 @@ TEST_F(UploadTest, AConnectionCutAtEachStageEndsInOneErrorAndNothingIsDoneTwice)
     EXPECT_LT(server.bytesSent(), qint64(50) << 20);
 }
 
+// Whether it closes then, which has the system throw away what is still on its way, or waits for the rest.
+TEST_F(UploadTest, WhatAServerSaysWhileTheBodyGoesOutIsReported)
+{
+    const QString path = write(QStringLiteral("file"), QByteArray(8 << 20, 'x'));
+    const QByteArray words = "<html>";
+    const std::initializer_list<std::pair<QByteArray, QByteArray>> asksForLogin = {
+        {"WWW-Authenticate", "Basic realm=\"x\""}};
+    for (int round = 0; round < 10; ++round) {
+        for (const int status : {401, 413, 503}) {
+            for (const bool staysOpen : {false, true}) {
+                for (const qint64 afterBytes : {0, 100'000, 5 << 20}) {
+                    server.setInterruption(
+                        QStringLiteral("/"), afterBytes,
+                        {.status = status,
+                         .headers = asksForLogin,
+                         .body = words,
+                         .end = staysOpen ? LocalHTTPServer::End::Silence : LocalHTTPServer::End::Whole});
+                    ZQHTTPRequest asked = upload(QStringLiteral("/"), path);
+                    asked.user = QStringLiteral("me");
+                    const qsizetype before = server.requests().size();
+                    const ZQHTTPResponse response = ZQHTTPTask::perform(asked);
+                    EXPECT_EQ(response.statusCode, status) << response.error.localizedDescription().toStdString();
+                    EXPECT_EQ(Code(response.error.code), Code::BadResponse);
+                    EXPECT_EQ(response.body, words);
+                    EXPECT_EQ(server.requests().size() - before, status == 401 ? 2 : 1);
+                }
+            }
+        }
+    }
+}
+
 TEST_F(UploadTest, ABatchUsesOneConnectionAndSurvivesThatItWasClosed)
 {
     server.setHandler(QStringLiteral("/"),
