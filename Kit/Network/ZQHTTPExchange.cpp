@@ -52,6 +52,8 @@ QHostAddress literalOf(const QByteArray &text)
 ZQHTTPExchange::ZQHTTPExchange(Order order, ZQTransferLoop &loop, Listener &listener)
     : m_order(std::move(order)), m_loop(loop), m_listener(listener), m_handle(curl_easy_init())
 {
+    m_resuming.setSingleShot(true);
+    QObject::connect(&m_resuming, &QTimer::timeout, [this] { curl_easy_pause(m_handle, CURLPAUSE_CONT); });
 }
 
 ZQHTTPExchange::~ZQHTTPExchange()
@@ -255,14 +257,40 @@ int ZQHTTPExchange::connected(void *self, char *address, char *, int, int)
 
 std::size_t ZQHTTPExchange::toSend(char *data, std::size_t size, std::size_t count, void *self)
 {
-    ZQSentBody *const body = static_cast<ZQHTTPExchange *>(self)->m_order.body.get();
-    const qint64 read = body ? body->read(data, qint64(size * count)) : 0;
-    return read < 0 ? std::size_t(CURL_READFUNC_ABORT) : std::size_t(read);
+    auto *const exchange = static_cast<ZQHTTPExchange *>(self);
+    return exchange->m_order.body ? exchange->readBody(data, qint64(size * count)) : 0;
+}
+
+// What a server says meanwhile is read first: of one that refuses the rest and closes, sending would only fail.
+std::size_t ZQHTTPExchange::readBody(char *data, qint64 size)
+{
+    qint64 count = std::min<qint64>(size, m_heldBack.size());
+    if (count > 0) {
+        std::copy_n(m_heldBack.constData(), count, data);
+        m_heldBack.remove(0, count);
+    } else {
+        count = m_order.body->read(data, size);
+    }
+    if (count > 0 && !m_hasHead && m_looksLeft > 0 && hasSomethingToRead()) {
+        --m_looksLeft;
+        m_heldBack.prepend(data, count);
+        m_resuming.start(0);
+        return CURL_READFUNC_PAUSE;
+    }
+    return count < 0 ? std::size_t(CURL_READFUNC_ABORT) : std::size_t(count);
+}
+
+bool ZQHTTPExchange::hasSomethingToRead() const
+{
+    char first = 0;
+    return m_socket != CURL_SOCKET_BAD && ::recv(m_socket, &first, 1, MSG_PEEK | MSG_DONTWAIT) > 0;
 }
 
 int ZQHTTPExchange::seek(void *self, curl_off_t offset, int origin)
 {
-    ZQSentBody *const body = static_cast<ZQHTTPExchange *>(self)->m_order.body.get();
+    auto *const exchange = static_cast<ZQHTTPExchange *>(self);
+    exchange->m_heldBack.clear();
+    ZQSentBody *const body = exchange->m_order.body.get();
     return !body || (origin == SEEK_SET && body->seek(offset)) ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
 }
 
@@ -327,14 +355,17 @@ std::size_t ZQHTTPExchange::received(char *data, std::size_t size, std::size_t c
     return !exchange->m_hasHead || exchange->m_listener.bytesCame(data, qint64(bytes)) ? bytes : 0;
 }
 
-// A server that takes no more of a body says so and closes. Sending then fails before its answer is read, which has
-// come all the same. Of one that is encrypted nothing can be read here.
-void ZQHTTPExchange::willLeaveSocket(curl_socket_t s)
+// The answer may come, and the connection be closed, in the moment between that look and the sending. Of a server
+// that is encrypted what it said cannot be read here.
+void ZQHTTPExchange::willLeaveSocket(curl_socket_t socket)
 {
     if (m_isConnected && !m_hasHead && m_order.body && isDirect(m_order.proxy) && m_order.url.scheme() == u"http") {
         QByteArray words(mostLastWords, '\0');
-        const ssize_t count = ::recv(s, words.data(), std::size_t(words.size()), MSG_PEEK | MSG_DONTWAIT);
+        const ssize_t count = ::recv(socket, words.data(), std::size_t(words.size()), MSG_PEEK | MSG_DONTWAIT);
         m_lastWords = words.left(qsizetype(std::max<ssize_t>(count, 0)));
+    }
+    if (m_socket == socket) {
+        m_socket = CURL_SOCKET_BAD;
     }
 }
 

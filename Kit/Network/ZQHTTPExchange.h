@@ -5,6 +5,7 @@
 #include "Kit/Network/ZQTransferLoop.h"
 
 #include <QNetworkProxy>
+#include <QTimer>
 
 #include <array>
 
@@ -77,7 +78,10 @@ private:
     void readLastWords();
 
     void ended(CURLcode code) override;
-    void willLeaveSocket(curl_socket_t s) override;
+    void usesSocket(curl_socket_t socket) override { m_socket = socket; }
+    void willLeaveSocket(curl_socket_t socket) override;
+    std::size_t readBody(char *data, qint64 size);
+    bool hasSomethingToRead() const;
 
     static std::size_t headerLine(char *data, std::size_t size, std::size_t count, void *self);
     static std::size_t received(char *data, std::size_t size, std::size_t count, void *self);
@@ -94,6 +98,10 @@ private:
     curl_slist *m_headerLines = nullptr;
     curl_slist *m_resolved = nullptr;
     std::array<char, CURL_ERROR_SIZE> m_reason = {};
+    curl_socket_t m_socket = CURL_SOCKET_BAD; // unknown, or the last one
+    QTimer m_resuming;
+    QByteArray m_heldBack; // of the body
+    int m_looksLeft = 100; // that hold it back: whatever there is to read, it must not be for ever
     bool m_isAdded = false;
     bool m_isConnected = false;
     bool m_wasRefused = false;

@@ -52,8 +52,9 @@ void ZQTransferLoop::remove(CURL *handle)
 int ZQTransferLoop::watchSocket(CURL *handle, curl_socket_t socket, int what, void *self, void *)
 {
     auto *const loop = static_cast<ZQTransferLoop *>(self);
+    Mover *const mover = moverOf(handle);
     if (what == CURL_POLL_REMOVE) {
-        if (Mover *const mover = moverOf(handle)) {
+        if (mover) {
             mover->willLeaveSocket(socket);
         }
         const auto found = loop->m_watches.find(socket);
@@ -63,6 +64,9 @@ int ZQTransferLoop::watchSocket(CURL *handle, curl_socket_t socket, int what, vo
             loop->m_watches.erase(found);
         }
         return 0;
+    }
+    if (mover) {
+        mover->usesSocket(socket);
     }
     Watch &watch = loop->m_watches[socket];
     loop->watch(watch.reading, socket, QSocketNotifier::Read, what & CURL_POLL_IN);

@@ -20,8 +20,11 @@ public:
     class Mover
     {
     public:
-        virtual void ended(CURLcode code) = 0;             // not within a call of the library; may remove it
-        virtual void willLeaveSocket(curl_socket_t s) = 0; // within a call of the library
+        virtual void ended(CURLcode code) = 0; // not within a call of the library; may remove it
+        // Within a call of the library.
+        virtual void usesSocket(curl_socket_t socket) = 0;
+        virtual void willLeaveSocket(curl_socket_t socket) = 0;
+
     protected:
         ~Mover() = default;
     };
