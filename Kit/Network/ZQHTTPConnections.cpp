@@ -1,9 +1,8 @@
 #include "Kit/Network/ZQHTTPConnections.h"
 
 #include "Kit/Network/ZQNetworkThread.h"
+#include "Kit/Network/ZQTransferLoop.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkCookieJar>
 #include <QPointer>
 #include <QSet>
 #include <QUrl>
@@ -19,7 +18,7 @@ QString serverOf(const QUrl &url)
 
 struct ZQHTTPConnections::Held
 {
-    QPointer<QNetworkAccessManager> manager;
+    QPointer<ZQTransferLoop> loop;
     QSet<QString> servers;
     QHash<QString, std::optional<ZQHTTPChallenge>> challenges;
 };
@@ -32,26 +31,24 @@ std::shared_ptr<ZQHTTPConnections> ZQHTTPConnections::make()
 ZQHTTPConnections::~ZQHTTPConnections()
 {
     if (m_held) { // where the thread has ended, they went with it
-        ZQNetworkThread::run([held = m_held] { delete held->manager; });
+        ZQNetworkThread::run([held = m_held] { delete held->loop; });
     }
 }
 
-void ZQHTTPConnections::setUp(QNetworkAccessManager &manager)
-{
-    manager.setCookieJar(new QNetworkCookieJar(&manager)); // that nothing is put into
-    manager.setStrictTransportSecurityEnabled(false);
-}
-
-QNetworkAccessManager &ZQHTTPConnections::manager()
+ZQHTTPConnections::Held &ZQHTTPConnections::held()
 {
     if (!m_held) {
         m_held = std::make_shared<Held>();
-        m_held->manager = new QNetworkAccessManager;
-        setUp(*m_held->manager);
-        QNetworkAccessManager *const manager = m_held->manager;
-        ZQNetworkThread::whenItEnds(manager, [manager] { manager->deleteLater(); }); // after what uses it
+        auto *const loop = new ZQTransferLoop;
+        m_held->loop = loop;
+        ZQNetworkThread::whenItEnds(loop, [loop] { loop->deleteLater(); }); // after what uses it
     }
-    return *m_held->manager;
+    return *m_held;
+}
+
+ZQTransferLoop &ZQHTTPConnections::loop()
+{
+    return *held().loop;
 }
 
 bool ZQHTTPConnections::haveBeenUsedFor(const QUrl &url) const
@@ -61,10 +58,10 @@ bool ZQHTTPConnections::haveBeenUsedFor(const QUrl &url) const
 
 void ZQHTTPConnections::noteUseOf(const QUrl &url)
 {
-    m_held->servers.insert(serverOf(url));
+    held().servers.insert(serverOf(url));
 }
 
 std::optional<ZQHTTPChallenge> &ZQHTTPConnections::challengeOf(const QUrl &url, const QString &user)
 {
-    return m_held->challenges[serverOf(url) + u'\n' + user];
+    return held().challenges[serverOf(url) + u'\n' + user];
 }

@@ -8,8 +8,8 @@
 #include <memory>
 #include <optional>
 
-class QNetworkAccessManager;
 class QUrl;
+class ZQTransferLoop;
 
 // Connections that the requests of one piece of work use one after the other, so that not each of them begins anew; and
 // what servers asked for before they let somebody in, so that they need not ask each time. No password is kept, and
@@ -20,15 +20,14 @@ public:
     static std::shared_ptr<ZQHTTPConnections> make();
     ~ZQHTTPConnections();
 
-    QNetworkAccessManager &manager();
+    ZQTransferLoop &loop();
     bool haveBeenUsedFor(const QUrl &url) const;
     void noteUseOf(const QUrl &url);
     std::optional<ZQHTTPChallenge> &challengeOf(const QUrl &url, const QString &user);
 
-    static void setUp(QNetworkAccessManager &manager); // to keep nothing
-
 private:
     ZQHTTPConnections() = default;
     struct Held;
+    Held &held();
     std::shared_ptr<Held> m_held; // null: not used yet
 };

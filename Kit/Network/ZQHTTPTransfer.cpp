@@ -6,10 +6,7 @@
 
 #include <QBuffer>
 #include <QHostInfo>
-#include <QNetworkProxy>
 #include <QNetworkProxyFactory>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 
 #include <unistd.h>
 
@@ -19,9 +16,8 @@
 
 namespace {
 
-constexpr qint64 bufferSize = qint64(1) << 20;
 constexpr qint64 mostOfRefusal = 64 * 1024;
-constexpr qsizetype mostAddresses = 4; // of a host are tried
+constexpr qsizetype mostAddresses = 8; // of a host are tried
 constexpr int mostLogins = 3;          // with answers that were only too old
 
 int portOf(const QUrl &url)
@@ -38,7 +34,7 @@ bool isSameServer(const QUrl &a, const QUrl &b)
 bool isSecret(const QByteArray &name)
 {
     const QByteArray lower = name.toLower();
-    return lower == "authorization" || lower == "cookie" || lower == "proxy-authorization";
+    return lower == "authorization" || lower == "cookie" || lower == "proxy-authorization" || lower == "host";
 }
 
 QNetworkProxy proxyFor(const QUrl &url)
@@ -79,14 +75,10 @@ ZQHTTPTransfer::ZQHTTPTransfer(ZQHTTPRequest request, std::function<void(const Z
     m_connectTimer.setInterval(m_request.connectTime);
     m_stallTimer.setInterval(m_request.stallTime);
     m_answerTimer.setInterval(m_request.answerTime);
-    connect(&m_connectTimer, &QTimer::timeout, this, [this] {
-        if (!isTryingNext()) {
-            fail(ZQTransferError::noAnswer(host()));
-        }
-    });
-    connect(&m_stallTimer, &QTimer::timeout, this, [this] { fail(ZQTransferError::silence(host())); });
+    connect(&m_connectTimer, &QTimer::timeout, this, [this] { fail(ZQTransferError::noAnswer(host())); });
+    connect(&m_stallTimer, &QTimer::timeout, this, [this] { giveUp(ZQTransferError::silence(host())); });
     for (const QTimer *timer : {&m_wholeTimer, &m_answerTimer}) {
-        connect(timer, &QTimer::timeout, this, [this] { fail(ZQTransferError::tookTooLong(host())); });
+        connect(timer, &QTimer::timeout, this, [this] { giveUp(ZQTransferError::tookTooLong(host())); });
     }
 }
 
@@ -95,7 +87,7 @@ ZQHTTPTransfer::~ZQHTTPTransfer()
     if (m_lookup >= 0) {
         QHostInfo::abortHostLookup(m_lookup);
     }
-    dropReply();
+    dropExchange();
 }
 
 void ZQHTTPTransfer::start()
@@ -139,104 +131,70 @@ void ZQHTTPTransfer::goTo(const QUrl &url)
         return;
     }
     m_logins = 0;
-    m_isConnected = m_hasHead = false;
+    m_addresses.clear();
     m_connectTimer.start();
-    const QNetworkProxy proxy = proxyFor(url);
-    m_connections->manager().setProxy(proxy);
-    if (!m_request.mayConnectTo) {
-        sendTo(m_response.url, {});
-        return;
-    }
+    m_proxy = proxyFor(url);
     const QHostAddress literal(url.host());
-    if (isDirect(proxy)) {
+    if (!literal.isNull()) {
+        if (m_request.mayConnectTo && !m_request.mayConnectTo(literal)) {
+            fail(ZQTransferError::notAllowed(host()));
+        } else {
+            send();
+        }
+    } else if (isDirect(m_proxy)) {
         lookUp(url.host());
-    } else if (!literal.isNull() && !m_request.mayConnectTo(literal)) {
-        fail(ZQTransferError::notAllowed(host()));
     } else {
-        sendTo(m_response.url, {});
+        send();
     }
 }
 
 void ZQHTTPTransfer::lookUp(const QString &host)
 {
-    if (const QHostAddress literal(host); !literal.isNull()) {
-        tryAddresses({literal}); // looking it up would ask for its name
-        return;
-    }
     m_lookup = QHostInfo::lookupHost(host, this, [this](const QHostInfo &info) {
         m_lookup = -1;
         if (m_done) {
-            tryAddresses(info.addresses());
+            connectTo(info.addresses());
         }
     });
 }
 
-void ZQHTTPTransfer::tryAddresses(const QList<QHostAddress> &addresses)
+void ZQHTTPTransfer::connectTo(const QList<QHostAddress> &addresses)
 {
     m_addresses = addresses;
-    m_addresses.removeIf([this](const QHostAddress &each) { return !m_request.mayConnectTo(each); });
+    m_addresses.removeIf(
+        [this](const QHostAddress &each) { return m_request.mayConnectTo && !m_request.mayConnectTo(each); });
     m_addresses = m_addresses.first(std::min(mostAddresses, m_addresses.size()));
     if (addresses.isEmpty()) {
         fail(ZQTransferError::hostNotFound(host()));
     } else if (m_addresses.isEmpty()) {
         fail(ZQTransferError::notAllowed(host()));
     } else {
-        connectToNext();
+        send();
     }
 }
 
-void ZQHTTPTransfer::connectToNext()
+ZQHTTPHeaders ZQHTTPTransfer::headersToSend(const QByteArray &login) const
 {
-    QUrl pinned = m_response.url;
-    pinned.setHost(m_addresses.takeFirst().toString());
-    const QString name = m_response.url.host(QUrl::FullyEncoded);
-    const QString bracketed = name.contains(u':') ? u'[' + name + u']' : name;
-    const int port = m_response.url.port();
-    m_connectTimer.start();
-    sendTo(pinned, port < 0 ? bracketed : bracketed + u':' + QString::number(port));
-}
-
-bool ZQHTTPTransfer::isTryingNext()
-{
-    if (m_isConnected || m_addresses.isEmpty()) {
-        return false;
-    }
-    dropReply();
-    connectToNext();
-    return true;
-}
-
-QNetworkRequest ZQHTTPTransfer::networkRequest(const QByteArray &login) const
-{
-    QNetworkRequest request(m_connectedURL);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false); // it would name the address, not the host
-    request.setDecompressedSafetyCheckThreshold(-1);                     // the maximum size holds for what is unpacked
+    ZQHTTPHeaders result;
     const bool isAtFirstServer = isSameServer(m_request.url, m_response.url);
     for (const auto &[name, value] : m_request.headers) {
         const QByteArray lower = name.toLower();
         // A condition on what is written would have what is read instead refused.
         const bool isOfBody =
             lower.startsWith("content-") || (lower == "if-none-match" && m_method != m_request.method);
-        if ((isAtFirstServer || !isSecret(name)) && (m_sendsBody || !isOfBody)) {
-            request.setRawHeader(name, value);
+        const bool isReplaced = lower == "authorization" && !login.isEmpty();
+        if ((isAtFirstServer || !isSecret(name)) && (m_sendsBody || !isOfBody) && !isReplaced) {
+            result.append({name, value});
         }
     }
     if (!login.isEmpty()) {
-        request.setRawHeader("Authorization", login);
+        result.append({"Authorization", login});
     }
-    if (!m_hostHeader.isEmpty()) {
-        request.setRawHeader("Host", m_hostHeader.toLatin1());
-        request.setPeerVerifyName(m_response.url.host(QUrl::FullyEncoded));
-    }
-    return request;
+    return result;
 }
 
-QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request, QString *problem)
+// Null, with an empty problem where there is no more to say, when it cannot be read.
+std::unique_ptr<ZQSentBody> ZQHTTPTransfer::makeBody(QString *problem) const
 {
     std::unique_ptr<QIODevice> body;
     if (m_request.makeBody) {
@@ -255,58 +213,55 @@ QNetworkReply *ZQHTTPTransfer::sendBody(const QNetworkRequest &request, QString 
         *problem = sent->errorString();
         return nullptr;
     }
-    QNetworkReply *const reply = m_connections->manager().sendCustomRequest(request, m_method, sent.get());
-    m_body = sent.release();
-    m_body->setParent(reply);
-    return reply;
+    return sent;
 }
 
-void ZQHTTPTransfer::sendTo(const QUrl &url, const QString &hostHeader)
+void ZQHTTPTransfer::send(bool isFresh)
 {
-    m_connectedURL = url;
-    m_hostHeader = hostHeader;
-    send();
-}
-
-void ZQHTTPTransfer::send()
-{
-    const QNetworkRequest request = networkRequest(answerToChallenge());
-    const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
+    ZQHTTPExchange::Order order{.url = m_response.url,
+                                .method = m_method,
+                                .headers = headersToSend(answerToChallenge()),
+                                .body = nullptr,
+                                .proxy = m_proxy,
+                                .addresses = m_addresses,
+                                .mayConnectTo = m_request.mayConnectTo,
+                                .connectTime = m_request.connectTime,
+                                .isFresh = isFresh};
     QString problem;
-    QNetworkReply *const reply = hasBody             ? sendBody(request, &problem)
-                                 : m_method == "GET" ? m_connections->manager().get(request)
-                                                     : m_connections->manager().sendCustomRequest(request, m_method);
-    if (reply) {
-        m_connections->noteUseOf(m_response.url);
-        follow(reply);
-    } else {
-        fail(ZQTransferError::cannotRead(problem));
+    if (hasBody()) {
+        order.body = makeBody(&problem);
+        if (!order.body) {
+            fail(ZQTransferError::cannotRead(problem));
+            return;
+        }
+    }
+    m_isConnected = m_hasHead = false;
+    m_problem.reset();
+    m_connectTimer.start();
+    Listener &self = *this;
+    m_exchange = std::make_unique<ZQHTTPExchange>(std::move(order), m_connections->loop(), self);
+    m_connections->noteUseOf(m_response.url);
+    if (!m_exchange->start()) {
+        fail(zqNetworkError(ZQNetworkErrorCode::CannotConnect, zqLocalized("There is not enough memory.")));
     }
 }
 
-void ZQHTTPTransfer::follow(QNetworkReply *reply)
+void ZQHTTPTransfer::didConnect()
 {
-    m_reply = reply;
-    reply->setReadBufferSize(bufferSize);
-    connect(reply, &QNetworkReply::requestSent, this, [this] {
-        m_isConnected = true;
-        m_connectTimer.stop();
-        m_stallTimer.start();
-    });
-    connect(reply, &QNetworkReply::uploadProgress, this, [this](qint64 sent, qint64 total) {
-        m_isConnected = true;
-        m_connectTimer.stop();
-        m_stallTimer.start();
-        if (total > 0 && sent >= total) {
-            limitAnswer();
-        }
-        if (m_request.didSendBytes && total > 0) {
-            m_request.didSendBytes(sent, total);
-        }
-    });
-    connect(reply, &QNetworkReply::metaDataChanged, this, &ZQHTTPTransfer::headCame);
-    connect(reply, &QNetworkReply::readyRead, this, &ZQHTTPTransfer::bytesCame);
-    connect(reply, &QNetworkReply::finished, this, &ZQHTTPTransfer::replyEnded);
+    m_isConnected = true;
+    m_connectTimer.stop();
+    m_stallTimer.start();
+}
+
+void ZQHTTPTransfer::didSend(qint64 sent, qint64 total)
+{
+    m_stallTimer.start();
+    if (sent >= total) {
+        limitAnswer();
+    }
+    if (m_request.didSendBytes && total > 0) {
+        m_request.didSendBytes(sent, total);
+    }
 }
 
 bool ZQHTTPTransfer::hasLogin() const
@@ -347,11 +302,10 @@ bool ZQHTTPTransfer::logIn()
         fail(ZQTransferError::loginUnencrypted(host()));
         return true;
     }
-    dropReply();
+    dropExchange();
     const QUrl url = m_response.url;
     m_response = {};
     m_response.url = url;
-    m_hasHead = false;
     send();
     return true;
 }
@@ -363,30 +317,21 @@ void ZQHTTPTransfer::limitAnswer()
     }
 }
 
-void ZQHTTPTransfer::headCame()
+bool ZQHTTPTransfer::headCame(int status, const ZQHTTPHeaders &headers)
 {
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (m_hasHead || status < 200) {
-        return;
-    }
-    m_hasHead = m_isConnected = true;
-    m_connectTimer.stop();
+    m_hasHead = true;
     m_stallTimer.start();
     limitAnswer();
     m_response.statusCode = status;
-    m_response.headers = {};
-    for (const auto &[name, value] : m_reply->rawHeaderPairs()) {
-        m_response.headers.append({name, value});
-    }
+    m_response.headers = headers;
     bool isStated = false;
     const qint64 length = m_response.header("Content-Length").toLongLong(&isStated);
     const bool isPacked = !m_response.header("Content-Encoding").isEmpty();
     m_expected = isStated && !isPacked && m_method != "HEAD" ? length : -1;
     if (const ZQError problem = problemOfHead(); !problem.isNull()) {
-        fail(problem);
-    } else {
-        redirect(); // whatever else it sends
+        m_problem = problem;
     }
+    return !m_problem && !isRedirect(); // whatever else it sends
 }
 
 ZQError ZQHTTPTransfer::problemOfHead() const
@@ -400,44 +345,29 @@ ZQError ZQHTTPTransfer::problemOfHead() const
     return m_expected > m_request.maximumSize ? ZQTransferError::tooLarge(m_request.maximumSize) : ZQError();
 }
 
-void ZQHTTPTransfer::bytesCame()
+bool ZQHTTPTransfer::bytesCame(const char *data, qint64 size)
 {
-    static thread_local std::array<char, 64 * 1024> buffer;
-    while (m_reply && m_hasHead) {
-        const qint64 size = m_reply->read(buffer.data(), qint64(buffer.size()));
-        if (size <= 0) {
-            return;
-        }
-        m_stallTimer.start();
-        if (isSuccess()) {
-            if (!keep(buffer.data(), size)) {
-                return;
-            }
-            continue;
-        }
-        const qint64 room = mostOfRefusal - m_response.body.size();
-        m_response.body.append(buffer.data(), std::min(room, size));
-        if (size >= room) { // a page of excuses, perhaps without end
-            if (!logIn()) {
-                fail(refusal());
-            }
-            return;
-        }
+    m_stallTimer.start();
+    if (isSuccess()) {
+        return keep(data, size);
     }
+    const qint64 room = mostOfRefusal - m_response.body.size();
+    m_response.body.append(data, std::min(room, size));
+    return size < room; // else it is a page of excuses, perhaps without end
 }
 
 bool ZQHTTPTransfer::keep(const char *data, qint64 size)
 {
     m_response.size += size;
     if (m_response.size > m_request.maximumSize) {
-        fail(ZQTransferError::tooLarge(m_request.maximumSize));
+        m_problem = ZQTransferError::tooLarge(m_request.maximumSize);
         return false;
     }
     ZQError error;
     if (m_request.destination.isEmpty()) {
         m_response.body.append(data, size);
     } else if (!makeFile(&error) || !write(data, size, &error)) {
-        fail(ZQTransferError::cannotWrite(m_request.destination, error));
+        m_problem = ZQTransferError::cannotWrite(m_request.destination, error);
         return false;
     }
     if (m_request.didReceiveBytes) {
@@ -469,61 +399,62 @@ bool ZQHTTPTransfer::write(const char *data, qint64 size, ZQError *error)
     return true;
 }
 
-bool ZQHTTPTransfer::redirect()
+bool ZQHTTPTransfer::isRedirect() const
 {
     static constexpr std::array redirects = {301, 302, 303, 307, 308};
-    const QByteArray location = m_response.header("Location");
+    return std::find(redirects.begin(), redirects.end(), m_response.statusCode) != redirects.end() &&
+           !m_response.header("Location").isEmpty();
+}
+
+void ZQHTTPTransfer::redirect()
+{
     const int status = m_response.statusCode;
-    if (location.isEmpty() || std::find(redirects.begin(), redirects.end(), status) == redirects.end()) {
-        return false;
-    }
     const QUrl from = m_response.url;
-    const QUrl to = from.resolved(QUrl(QString::fromUtf8(location)));
+    const QUrl to = from.resolved(QUrl(QString::fromUtf8(m_response.header("Location"))));
     if (++m_redirects > m_request.mostRedirects) {
         fail(ZQTransferError::tooManyRedirects(from.host()));
-        return true;
+        return;
     }
     if (from.scheme() == u"https" && to.scheme() == u"http" && !m_request.mayLoseEncryption) {
         fail(ZQTransferError::losesEncryption(from.host()));
-        return true;
+        return;
     }
-    const bool hasBody = m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty());
-    if (status >= 307 && hasBody && !m_request.mayMoveBody && !isSameServer(m_request.url, to)) {
+    if (status >= 307 && hasBody() && !m_request.mayMoveBody && !isSameServer(m_request.url, to)) {
         fail(ZQTransferError::movesBody(from.host(), to.host()));
-        return true;
+        return;
     }
     if (status < 307 && m_method != "HEAD") {
         m_method = "GET";
         m_sendsBody = false;
     }
-    dropReply();
+    dropExchange();
     m_stallTimer.stop();
     m_response = {};
     goTo(to);
-    return true;
 }
 
-void ZQHTTPTransfer::replyEnded()
+// A connection that was kept may have been closed before the request came to the other end.
+bool ZQHTTPTransfer::mayRepeat(const ZQHTTPEnd &end)
 {
-    const QNetworkReply *const sender = m_reply;
-    if (!m_hasHead) {
-        headCame(); // of an answer without a body it comes with the end
+    const bool isBroken = end.code == CURLE_SEND_ERROR || end.code == CURLE_RECV_ERROR || end.code == CURLE_GOT_NOTHING;
+    return isBroken && end.wasKept && !m_hasHead && !std::exchange(m_wasRepeated, true);
+}
+
+void ZQHTTPTransfer::exchangeEnded(const ZQHTTPEnd &end)
+{
+    if (m_problem) {
+        fail(*m_problem);
+    } else if (m_hasHead && isRedirect()) {
+        redirect();
+    } else if (m_hasHead && logIn()) {
+        return; // it is sent again
+    } else if (mayRepeat(end)) {
+        dropExchange();
+        send(true);
+    } else {
+        m_response.error = problemOfEnd(end);
+        this->end();
     }
-    bytesCame();
-    if (!m_reply || m_reply != sender) {
-        return; // it failed, or went on to elsewhere
-    }
-    const auto error = m_reply->error();
-    const bool isAboutConnecting = error == QNetworkReply::ConnectionRefusedError ||
-                                   error == QNetworkReply::TimeoutError || error == QNetworkReply::UnknownNetworkError;
-    if (!m_hasHead && isAboutConnecting && isTryingNext()) {
-        return;
-    }
-    if (m_hasHead && logIn()) {
-        return;
-    }
-    m_response.error = problemOfEnd();
-    end();
 }
 
 ZQError ZQHTTPTransfer::refusal() const
@@ -531,21 +462,25 @@ ZQError ZQHTTPTransfer::refusal() const
     return zqNetworkErrorForStatus(m_response.statusCode, host(), m_response.retryAfter());
 }
 
-ZQError ZQHTTPTransfer::problemOfEnd() const
+ZQError ZQHTTPTransfer::problemOfEnd(const ZQHTTPEnd &end) const
 {
     if (m_hasHead && !isSuccess()) {
         return refusal();
     }
-    if (m_body && m_body->didFail()) {
-        return ZQTransferError::cannotRead(m_body->errorString());
+    const ZQSentBody *const body = m_exchange->body();
+    if (body && body->didFail()) {
+        return ZQTransferError::cannotRead(body->errorString());
     }
-    if (m_body && m_body->wasAskedTooOften() && !m_hasHead) {
-        return ZQTransferError::brokeOff(host());
+    if (m_hasHead && m_expected > m_response.size) {
+        return ZQTransferError::cutOff(host(), m_response.size, m_expected);
     }
-    if (m_reply->error() != QNetworkReply::NoError) {
-        return ZQTransferError::of(*m_reply, host(), m_isConnected);
-    }
-    return m_expected > m_response.size ? ZQTransferError::cutOff(host(), m_response.size, m_expected) : ZQError();
+    return end.code == CURLE_OK ? ZQError() : ZQTransferError::of(end, m_response.url, m_isConnected);
+}
+
+// What took too long; a server that had said no before is told as that.
+void ZQHTTPTransfer::giveUp(const ZQError &error)
+{
+    fail(m_hasHead && !isSuccess() ? refusal() : error);
 }
 
 void ZQHTTPTransfer::fail(const ZQError &error)
@@ -569,7 +504,7 @@ void ZQHTTPTransfer::end()
     if (!m_response.isWhole() && isSuccess()) {
         m_response.body.clear();
     }
-    dropReply();
+    dropExchange();
     done(m_response);
     deleteLater();
 }
@@ -585,13 +520,8 @@ void ZQHTTPTransfer::place()
     }
 }
 
-void ZQHTTPTransfer::dropReply()
+void ZQHTTPTransfer::dropExchange()
 {
     m_answerTimer.stop(); // what is sent again has its own
-    if (QNetworkReply *const reply = std::exchange(m_reply, nullptr)) {
-        reply->disconnect(this);
-        reply->abort();
-        reply->deleteLater();
-    }
-    m_body = nullptr;
+    m_exchange.reset();
 }

@@ -3,23 +3,20 @@
 #include "Kit/Files/ZQNewFile.h"
 #include "Kit/Network/ZQHTTPChallenge.h"
 #include "Kit/Network/ZQHTTPConnections.h"
+#include "Kit/Network/ZQHTTPExchange.h"
 #include "Kit/Network/ZQHTTPRequest.h"
 #include "Kit/Network/ZQNetworkError.h"
-#include "Kit/Network/ZQSentBody.h"
 
-#include <QNetworkAccessManager>
 #include <QObject>
 #include <QTimer>
 
 #include <functional>
 #include <memory>
-
-class QNetworkReply;
-class QNetworkRequest;
+#include <optional>
 
 // One request from its first look-up to its end, over as many redirects as that takes. Of the network's thread, which
 // deletes it some time after `done` was called.
-class ZQHTTPTransfer : public QObject
+class ZQHTTPTransfer : public QObject, private ZQHTTPExchange::Listener
 {
 public:
     ZQHTTPTransfer(ZQHTTPRequest request, std::function<void(const ZQHTTPResponse &response)> done);
@@ -31,30 +28,33 @@ public:
 private:
     void goTo(const QUrl &url);
     void lookUp(const QString &host);
-    void tryAddresses(const QList<QHostAddress> &addresses);
-    void connectToNext();
-    void sendTo(const QUrl &url, const QString &hostHeader);
-    void send();
-    QNetworkRequest networkRequest(const QByteArray &login) const;
+    void connectTo(const QList<QHostAddress> &addresses);
+    void send(bool isFresh = false);
+    ZQHTTPHeaders headersToSend(const QByteArray &login) const;
     ZQError problemOfHeaders() const;
-    QNetworkReply *sendBody(const QNetworkRequest &request, QString *problem);
-    void follow(QNetworkReply *reply);
+    bool hasBody() const { return m_sendsBody && (m_request.makeBody || !m_request.body.isEmpty()); }
+    std::unique_ptr<ZQSentBody> makeBody(QString *problem) const;
+
+    void didConnect() override;
+    void didSend(qint64 sent, qint64 total) override;
+    bool headCame(int status, const ZQHTTPHeaders &headers) override;
+    bool bytesCame(const char *data, qint64 size) override;
+    void exchangeEnded(const ZQHTTPEnd &end) override;
 
     bool hasLogin() const;
     QByteArray answerToChallenge();
     bool logIn();
 
     void limitAnswer();
-    void headCame();
-    void bytesCame();
     bool keep(const char *data, qint64 size);
-    void replyEnded();
-    bool redirect();
+    bool isRedirect() const;
+    void redirect();
+    bool mayRepeat(const ZQHTTPEnd &end);
     ZQError problemOfHead() const;
-    ZQError problemOfEnd() const;
+    ZQError problemOfEnd(const ZQHTTPEnd &end) const;
     ZQError refusal() const;
-    bool isTryingNext();
-    void dropReply();
+    void giveUp(const ZQError &error);
+    void dropExchange();
     void fail(const ZQError &error);
     void end();
     QString host() const { return m_response.url.host(); }
@@ -67,15 +67,15 @@ private:
     std::function<void(const ZQHTTPResponse &response)> m_done; // null: it was called
     ZQHTTPResponse m_response;
     const std::shared_ptr<ZQHTTPConnections> m_connections;
-    QNetworkReply *m_reply = nullptr; // of the connections' manager
-    ZQSentBody *m_body = nullptr;     // of the reply, whose threads may still read it when it is given up
-    QUrl m_connectedURL; // as it is connected to: where that was asked about, with an address in place of the name
-    QString m_hostHeader;
+    std::unique_ptr<ZQHTTPExchange> m_exchange; // the present one
+    QNetworkProxy m_proxy;
+    QList<QHostAddress> m_addresses; // that may be connected to; empty: the host is an address, or the proxy's business
     QByteArray m_method;
     bool m_sendsBody = true;
     int m_redirects = 0;
     int m_lookup = -1;
-    QList<QHostAddress> m_addresses; // still to be tried
+    bool m_wasRepeated = false;       // over a new connection, for one that had been kept and broke
+    std::optional<ZQError> m_problem; // found while bytes came; to be told when the library has ended
     bool m_isConnected = false;
     bool m_hasHead = false;
     qint64 m_expected = -1; // bytes of the body; negative: unknown

@@ -1,11 +1,14 @@
 #include "Kit/Network/ZQTransferError.h"
 
 #include "Kit/Foundation/ZQLocalized.h"
+#include "Kit/Network/ZQHTTPExchange.h"
 #include "Kit/Network/ZQPrivateAddress.h"
 
 #include <QLocale>
-#include <QNetworkReply>
 #include <QUrl>
+
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -21,6 +24,24 @@ ZQError offlineOr(const QString &host, const ZQError &other)
     }
     return zqNetworkError(ZQNetworkErrorCode::Offline, zqLocalized("There is no connection to the internet."),
                           zqLocalized("Connect this computer to a network, then try again."));
+}
+
+ZQError proxyFails(const QString &host, const QString &reason)
+{
+    return zqNetworkError(ZQNetworkErrorCode::CannotConnect,
+                          zqFormat(zqLocalized("The proxy does not lead to %@: %@"), {host, reason}),
+                          zqLocalized("Look at the network settings of the desktop."));
+}
+
+ZQError cannotConnect(const QString &host, const ZQHTTPEnd &end)
+{
+    const bool isRefused = end.systemError == ECONNREFUSED;
+    const QString reason = end.systemError ? QString::fromLocal8Bit(std::strerror(end.systemError)) : end.reason;
+    return offlineOr(host,
+                     zqNetworkError(ZQNetworkErrorCode::CannotConnect,
+                                    isRefused ? zqFormat(zqLocalized("%@ takes no connection."), {host})
+                                              : zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reason}),
+                                    isRefused ? zqLocalized("Try again later.") : QString()));
 }
 
 } // namespace
@@ -138,41 +159,47 @@ ZQError ZQTransferError::cannotWrite(const QString &path, const ZQError &reason)
                           zqFormat(zqLocalized("“%@” cannot be written: %@"), {path, reason.localizedDescription()}));
 }
 
-ZQError ZQTransferError::of(const QNetworkReply &reply, const QString &host, bool wasConnected)
+ZQError ZQTransferError::of(const ZQHTTPEnd &end, const QUrl &url, bool wasConnected)
 {
-    switch (reply.error()) {
-    case QNetworkReply::HostNotFoundError:
+    const QString host = url.host();
+    if (end.wasRefused) {
+        return notAllowed(host);
+    }
+    if (end.proxyStatus != 0) {
+        return proxyFails(host, end.reason);
+    }
+    switch (end.code) {
+    case CURLE_URL_MALFORMAT:
+        return noAddress(url);
+    case CURLE_COULDNT_RESOLVE_HOST:
         return hostNotFound(host);
-    case QNetworkReply::ConnectionRefusedError:
-        return offlineOr(host, zqNetworkError(ZQNetworkErrorCode::CannotConnect,
-                                              zqFormat(zqLocalized("%@ takes no connection."), {host}),
-                                              zqLocalized("Try again later.")));
-    case QNetworkReply::RemoteHostClosedError:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_PROXY:
+        return proxyFails(host, end.reason);
+    case CURLE_COULDNT_CONNECT:
+        return end.isProxied ? proxyFails(host, end.reason) : cannotConnect(host, end);
+    case CURLE_GOT_NOTHING:
+    case CURLE_PARTIAL_FILE:
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_SEND_FAIL_REWIND:
         return brokeOff(host);
-    case QNetworkReply::UnknownNetworkError:
-        if (wasConnected) { // a reset in the middle of what is sent
-            return brokeOff(host);
-        }
-        break;
-    case QNetworkReply::SslHandshakeFailedError:
+    case CURLE_OPERATION_TIMEDOUT:
+        return wasConnected ? silence(host) : noAnswer(host);
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
         return zqNetworkError(
             ZQNetworkErrorCode::Untrusted,
-            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, reply.errorString()}),
+            zqFormat(zqLocalized("A safe connection to %@ could not be made: %@"), {host, end.reason}),
             zqLocalized("Look at the address, and at the clock of this computer."));
-    case QNetworkReply::TimeoutError:
-        return wasConnected ? silence(host) : noAnswer(host);
-    case QNetworkReply::ProxyAuthenticationRequiredError:
-    case QNetworkReply::ProxyConnectionRefusedError:
-    case QNetworkReply::ProxyConnectionClosedError:
-    case QNetworkReply::ProxyNotFoundError:
-    case QNetworkReply::ProxyTimeoutError:
-        return zqNetworkError(ZQNetworkErrorCode::CannotConnect,
-                              zqFormat(zqLocalized("The proxy does not lead to %@: %@"), {host, reply.errorString()}),
-                              zqLocalized("Look at the network settings of the desktop."));
     default:
-        break;
+        return offlineOr(
+            host, zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
+                                 zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, end.reason})));
     }
-    return offlineOr(host,
-                     zqNetworkError(wasConnected ? ZQNetworkErrorCode::BadResponse : ZQNetworkErrorCode::CannotConnect,
-                                    zqFormat(zqLocalized("%@ cannot be read from: %@"), {host, reply.errorString()})));
 }

@@ -5,8 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
-class QNetworkReply;
 class QUrl;
+struct ZQHTTPEnd;
 
 // What goes wrong with a transfer, in words for the person. `host` is the name of the server.
 namespace ZQTransferError {
@@ -28,7 +28,7 @@ ZQError cannotRead(const QString &reason); // what is to be sent; empty: there i
 ZQError badHeader(const QByteArray &name);
 ZQError loginUnencrypted(const QString &host);
 ZQError cannotWrite(const QString &path, const ZQError &reason);
-// What a reply that failed without a status from 400 on says.
-ZQError of(const QNetworkReply &reply, const QString &host, bool wasConnected);
+// What an exchange that failed without a status from 400 on says.
+ZQError of(const ZQHTTPEnd &end, const QUrl &url, bool wasConnected);
 
 } // namespace ZQTransferError

@@ -1,4 +1,5 @@
 #include "Kit/Foundation/ZQCancellation.h"
+#include "Kit/Network/ZQHTTPConnections.h"
 #include "Kit/Network/ZQHTTPTask.h"
 #include "Kit/Network/ZQNetworkError.h"
 #include "Kit/Network/ZQPrivateAddress.h"
@@ -8,8 +9,6 @@
 #include <QDir>
 #include <QFile>
 #include <QScopeGuard>
-#include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTemporaryDir>
 
@@ -216,6 +215,52 @@ TEST_F(HTTPTest, EachAddressOfTheWayIsAskedAboutAndTheConnectionMadeToTheOneThat
     EXPECT_EQ(server.requests().last().headers.value("host"), "localhost:" + QByteArray::number(server.port()));
 }
 
+// As a name that leads elsewhere a moment later, and a connection that was kept by who may go there.
+TEST_F(HTTPTest, TheAddressOfTheConnectionItselfIsJudged)
+{
+    server.setAnswer(QStringLiteral("/"), {.body = "x", .keepsConnection = true});
+    const auto kept = ZQHTTPConnections::make();
+    ZQHTTPRequest asked{.url = server.url(QStringLiteral("/")), .connections = kept};
+    ASSERT_TRUE(ZQHTTPTask::perform(asked).isWhole());
+    for (const auto &connections : {kept, ZQHTTPConnections::make()}) {
+        asked.connections = connections;
+        asked.mayConnectTo = [isFirst = true](const QHostAddress &) mutable { return std::exchange(isFirst, false); };
+        EXPECT_EQ(Code(ZQHTTPTask::perform(asked).error.code), Code::NotAllowed);
+    }
+    EXPECT_EQ(server.requests().size(), 1);
+}
+
+TEST_F(HTTPTest, WhatAProxyRefusesIsSaidAndItLearnsNoSecret)
+{
+    const auto clear = [] {
+        qunsetenv("http_proxy");
+        qunsetenv("https_proxy");
+    };
+    const QScopeGuard restore(clear);
+    ZQHTTPRequest asked{.url = QUrl(QStringLiteral("https://example.org/x")),
+                        .headers = {{"Authorization", "Bearer mine"}}};
+    QTcpServer closed;
+    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
+    const QString gone = QStringLiteral("http://127.0.0.1:%1/").arg(closed.serverPort());
+    closed.close();
+    server.setAnswer(QStringLiteral("example.org:443"), {.status = 407});
+    for (const QString &proxy : {gone, server.address(QStringLiteral("/"))}) {
+        qputenv("http_proxy", proxy.toLatin1());
+        qputenv("https_proxy", proxy.toLatin1());
+        const ZQError error = ZQHTTPTask::perform(asked).error;
+        EXPECT_EQ(Code(error.code), Code::CannotConnect);
+        EXPECT_TRUE(error.localizedDescription().contains(u"proxy")) << error.localizedDescription().toStdString();
+    }
+    ASSERT_EQ(server.requests().size(), 1);
+    EXPECT_EQ(server.requests().first().method, QByteArray("CONNECT"));
+    EXPECT_FALSE(server.requests().first().headers.contains("authorization"));
+    clear();
+    qputenv("ALL_PROXY", gone.toLatin1()); // of which the desktop says nothing for this machine
+    server.setAnswer(QStringLiteral("/"), {.body = "x"});
+    EXPECT_TRUE(ZQHTTPTask::perform({.url = server.url(QStringLiteral("/"))}).isWhole());
+    qunsetenv("ALL_PROXY");
+}
+
 TEST_F(HTTPTest, AnUntrustedServerIsNotReadAndEncryptionIsNotLost)
 {
     LocalHTTPServer safe(LocalHTTPServer::Scheme::HTTPS);
@@ -227,11 +272,13 @@ TEST_F(HTTPTest, AnUntrustedServerIsNotReadAndEncryptionIsNotLost)
     expectFailure(asked, Code::Untrusted, "by a checked address");
     EXPECT_TRUE(safe.requests().isEmpty());
 
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(QSslCertificate(safe.certificate()));
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    const QScopeGuard restore([&before] { QSslConfiguration::setDefaultConfiguration(before); });
+    QTemporaryDir trusted;
+    const QString path = trusted.filePath(QStringLiteral("certificate.pem"));
+    QFile certificate(path);
+    ASSERT_TRUE(certificate.open(QIODevice::WriteOnly) && certificate.write(safe.certificate()) > 0);
+    certificate.close();
+    qputenv("SSL_CERT_FILE", path.toUtf8());
+    const QScopeGuard restore([] { qunsetenv("SSL_CERT_FILE"); });
     safe.setAnswer(QStringLiteral("/away"), Answer::redirect(server.address(QStringLiteral("/plain")).toUtf8()));
     server.setAnswer(QStringLiteral("/plain"), Answer::with("image/png", "x"));
     asked.url = QUrl(safe.address(QStringLiteral("/away"), QStringLiteral("localhost")));

@@ -4,11 +4,13 @@
 #include "Kit/Network/ZQNetworkError.h"
 #include "Tests/Support/LocalHTTPServer.h"
 
+#include <QBuffer>
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QFile>
 #include <QLocale>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -157,7 +159,7 @@ TEST_F(UploadTest, AConnectionCutAtEachStageEndsInOneErrorAndNothingIsDoneTwice)
           Case{whole, drop, Code::ConnectionLost}, Case{0, silence, Code::TimedOut},
           Case{1 << 20, silence, Code::TimedOut}, Case{whole, silence, Code::TimedOut},
           Case{whole, {.body = "{}", .statedLength = 10}, Code::ConnectionLost},
-          Case{1 << 20, {.status = 413, .body = "<html>"}, Code::ConnectionLost}, // its answer goes with it
+          Case{1 << 20, {.status = 413, .body = "<html>"}, Code::BadResponse},
           Case{whole, {.zeros = qint64(2) << 30}, Code::TooLarge},
           Case{whole, {.status = 500, .body = "<html>", .zeros = qint64(2) << 30}, Code::BadResponse}}) {
         const QString target = QStringLiteral("/%1").arg(++number);
@@ -171,6 +173,70 @@ TEST_F(UploadTest, AConnectionCutAtEachStageEndsInOneErrorAndNothingIsDoneTwice)
         EXPECT_EQ(server.countOfRequestsFor(target), 1) << number;
     }
     EXPECT_LT(server.bytesSent(), qint64(50) << 20);
+}
+
+// Is read on only when the server has answered, and probably closed.
+class LateBody : public QBuffer
+{
+public:
+    LateBody(const LocalHTTPServer &server, qint64 afterBytes) : m_server(server), m_afterBytes(afterBytes)
+    {
+        setData(QByteArray(8 << 20, 'x'));
+        open(ReadOnly | Unbuffered);
+    }
+
+protected:
+    qint64 readData(char *data, qint64 maximum) override
+    {
+        if (pos() > m_afterBytes && !std::exchange(m_hasWaited, true)) {
+            for (int i = 0; i < 500 && m_server.bytesSent() == 0; ++i) {
+                QThread::msleep(10);
+            }
+            QThread::msleep(50);
+        }
+        return QBuffer::readData(data, maximum);
+    }
+
+private:
+    const LocalHTTPServer &m_server;
+    const qint64 m_afterBytes;
+    bool m_hasWaited = false;
+};
+
+// Whether it closes then, which has the system throw away what is still on its way, or waits for the rest.
+TEST_F(UploadTest, WhatAServerSaysWhileTheBodyGoesOutIsReported)
+{
+    using Scheme = LocalHTTPServer::Scheme;
+    using End = LocalHTTPServer::End;
+    const Answer refusal{.headers = {{"WWW-Authenticate", "Basic realm=\"x\""}}, .body = "<html>"};
+    struct Case
+    {
+        Scheme scheme;
+        int status;
+        End end;
+    };
+    for (const Case &each : {Case{Scheme::HTTP, 401, End::Whole}, Case{Scheme::HTTP, 413, End::Whole},
+                             Case{Scheme::HTTP, 503, End::Whole}, Case{Scheme::HTTP, 401, End::Silence},
+                             Case{Scheme::HTTP, 413, End::Silence}, Case{Scheme::HTTPS, 413, End::Silence}}) {
+        LocalHTTPServer refusing(each.scheme);
+        if (each.scheme == Scheme::HTTPS) {
+            qputenv("SSL_CERT_FILE", write(QStringLiteral("certificate"), refusing.certificate()).toUtf8());
+        }
+        Answer answer = refusal;
+        answer.status = each.status;
+        answer.end = each.end;
+        refusing.setInterruption(QStringLiteral("/"), 100'000, answer);
+        ZQHTTPRequest asked{.url = QUrl(refusing.address(QStringLiteral("/"), QStringLiteral("localhost"))),
+                            .method = "PUT"};
+        asked.makeBody = [&refusing] { return std::make_unique<LateBody>(refusing, 200'000); };
+        asked.user = QStringLiteral("me");
+        const ZQHTTPResponse response = ZQHTTPTask::perform(asked);
+        qunsetenv("SSL_CERT_FILE");
+        EXPECT_EQ(response.statusCode, each.status) << response.error.localizedDescription().toStdString();
+        EXPECT_EQ(Code(response.error.code), Code::BadResponse);
+        EXPECT_EQ(response.body, QByteArray("<html>"));
+        EXPECT_EQ(refusing.requests().size(), each.status == 401 ? 2 : 1);
+    }
 }
 
 TEST_F(UploadTest, ABatchUsesOneConnectionAndSurvivesThatItWasClosed)
