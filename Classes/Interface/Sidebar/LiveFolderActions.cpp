@@ -204,7 +204,8 @@ void LiveFolderActions::addNewWatchedFolder()
     const QStringList chosen =
         m_window.user.chooseFilesToOpen({.title = zqLocalized("Please choose the Folder you want to add"),
                                          .prompt = zqLocalized("Add Folder"),
-                                         .name = {},
+                                         .suggestedName = {},
+                                         .startFolder = {},
                                          .extensions = {},
                                          .directory = true});
     if (!chosen.isEmpty()) {
