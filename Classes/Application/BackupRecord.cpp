@@ -23,7 +23,7 @@ QJsonValue milliseconds(const QDateTime &date)
 
 QDateTime date(const QJsonValue &value)
 {
-    return value.isDouble() ? QDateTime::fromMSecsSinceEpoch(value.toInteger(), QTimeZone::UTC) : QDateTime();
+    return value.isDouble() ? QDateTime::fromMSecsSinceEpoch(value.toInteger(), QTimeZone::utc()) : QDateTime();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Tags/SharedOriginal.h"
 #include "Kit/Foundation/ZQError.h"
 
 #include <QDateTime>
@@ -12,7 +13,7 @@
 // linked to nor ever removed.
 struct BackupRecord
 {
-    static inline const QString fileName = QStringLiteral("backup.json");
+    static inline const QString fileName = SharedOriginal::recordName;
 
     QUuid store;
     QString library; // the name of the library
