@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Classes/Tags/SharedOriginal.h"
+#include "Kit/Files/ZQSharedFile.h"
 #include "Kit/Foundation/ZQError.h"
 
 #include <QDateTime>
@@ -13,7 +13,7 @@
 // linked to nor ever removed.
 struct BackupRecord
 {
-    static inline const QString fileName = SharedOriginal::recordName;
+    static inline const QString fileName = ZQSharedFile::markName;
 
     QUuid store;
     QString library; // the name of the library

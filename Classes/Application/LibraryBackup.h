@@ -45,7 +45,7 @@ struct BackupResult
 // killed leaves the older backups as they were and its own folder, which the next one removes.
 //
 // Files are shared with the backup before as hard links, where the disk has them. Opened as a library, a backup's
-// tags are written into a copy of the file of its own (`SharedOriginal`). What is not in a backup: imports that have
+// tags are written into a copy of the file of its own (`ZQSharedFile`). What is not in a backup: imports that have
 // not ended, pictures of the screen on their way into the library, and what can be made again.
 //
 // Any thread, but one backup at a time for each of these.

@@ -1,6 +1,5 @@
 #include "Classes/Tags/AttributeStore.h"
 
-#include "Classes/Tags/SharedOriginal.h"
 #include "Kit/Files/ZQExtendedAttributes.h"
 #include "Kit/Files/ZQPropertyList.h"
 #include "Kit/Foundation/ZQLocalized.h"
@@ -76,9 +75,8 @@ ZQError AttributeStore::write(const QVariant &value, const QString &name, const 
         }
     }
     ZQError error;
-    const bool done =
-        SharedOriginal::makeOwn(path, &error) && (data.isEmpty() ? ZQExtendedAttributes::remove(path, name, &error)
-                                                                 : ZQExtendedAttributes::set(path, name, data, &error));
+    const bool done = data.isEmpty() ? ZQExtendedAttributes::remove(path, name, &error)
+                                     : ZQExtendedAttributes::set(path, name, data, &error);
     if (!done) {
         return posixError(error.code);
     }

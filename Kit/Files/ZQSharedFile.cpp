@@ -1,4 +1,4 @@
-#include "Classes/Tags/SharedOriginal.h"
+#include "Kit/Files/ZQSharedFile.h"
 
 #include "Kit/Files/ZQFileCopy.h"
 #include "Kit/Files/ZQSystemFile.h"
@@ -13,22 +13,18 @@
 
 namespace {
 
-// BUNDLE/Library/UUID.ztlibraryitem/FILE
-bool isInBackup(const QString &path)
+bool isMarked(const QString &path)
 {
-    const QString item = QFileInfo(path).absolutePath();
-    return item.endsWith(QStringLiteral(".ztlibraryitem")) &&
-           QFileInfo(item + QStringLiteral("/../../") + SharedOriginal::recordName).isFile();
+    return QFileInfo(QFileInfo(path).absolutePath() + QStringLiteral("/../../") + ZQSharedFile::markName).isFile();
 }
 
 } // namespace
 
-bool SharedOriginal::makeOwn(const QString &path, ZQError *error)
+bool ZQSharedFile::makeOwn(const QString &path, ZQError *error)
 {
     struct stat status = {};
     const QByteArray name = QFile::encodeName(path);
-    if (::lstat(name.constData(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink < 2 ||
-        !isInBackup(path)) {
+    if (::lstat(name.constData(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink < 2 || !isMarked(path)) {
         return true;
     }
     const QByteArray copy = zqTemporaryNameBeside(name);
