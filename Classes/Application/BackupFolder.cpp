@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -84,6 +85,10 @@ QList<BackupFolder::Backup> BackupFolder::backupsAt(const QString &path, const Q
             found.append({bundle, *record});
         }
     }
+    // Of two in one second the names do not tell which is newer.
+    std::stable_sort(found.begin(), found.end(), [](const Backup &one, const Backup &other) {
+        return one.record.began < other.record.began;
+    });
     return found;
 }
 

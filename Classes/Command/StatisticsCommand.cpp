@@ -1,9 +1,12 @@
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/LibraryStatistics.h"
 #include "Classes/Command/Commands.h"
+#include "Classes/Command/WorkBeside.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
+
+#include <utility>
 
 namespace {
 
@@ -49,18 +52,25 @@ QJsonObject object(const LibraryNumbers &numbers)
 
 int zqRunStatistics(bool withSizes, CommandContext &context)
 {
-    ZQError error;
-    const auto numbers =
-        LibraryStatistics(context.store(), context.delegate->libraryDirectory()).count(withSizes, &error);
-    if (!numbers) {
-        return context.fail(error.localizedDescription());
-    }
-    if (context.json) {
-        context.printJSON(object(*numbers));
+    using Answer = std::pair<std::optional<LibraryNumbers>, ZQError>;
+    const auto count = [withSizes, directory = context.delegate->libraryDirectory()](ZQManagedObjectContext &store,
+                                                                                     const std::stop_token &stop) {
+        Answer answer;
+        answer.first = LibraryStatistics(store, directory).count(withSizes, &answer.second, stop);
+        return answer;
+    };
+    return WorkBeside<Answer>::run(context, count, [](const Answer &answer, CommandContext &finished) {
+        const auto &[numbers, error] = answer;
+        if (!numbers) {
+            return finished.fail(error.localizedDescription());
+        }
+        if (finished.json) {
+            finished.printJSON(object(*numbers));
+            return 0;
+        }
+        for (const QString &line : numbers->lines()) {
+            finished.print(line);
+        }
         return 0;
-    }
-    for (const QString &line : numbers->lines()) {
-        context.print(line);
-    }
-    return 0;
+    });
 }
