@@ -47,10 +47,10 @@ BackupBox::BackupBox(tamberin_AppDelegate &delegate, BackupSchedule &backups, Pr
     });
     connect(&work, &BackupWork::ended, this, [this] {
         m_state->setText(m_backups.work().result().lines().join(u'\n'));
-        show();
+        showState();
         showLast();
     });
-    show();
+    showState();
     showLast();
 }
 
@@ -115,7 +115,7 @@ void BackupBox::chooseDirectory()
     }
     store(chosen.first(), BackupSchedule::directoryKey);
     m_state->clear();
-    show();
+    showState();
     showLast();
 }
 
@@ -135,10 +135,10 @@ void BackupBox::backUpOrStop()
     if (const ZQError refusal = m_backups.backUpNow(); !refusal.isNull()) {
         m_state->setText(refusal.localizedDescription());
     }
-    show();
+    showState();
 }
 
-void BackupBox::show()
+void BackupBox::showState()
 {
     const bool isRunning = m_backups.work().isRunning();
     const QString directory = BackupSchedule::directory();

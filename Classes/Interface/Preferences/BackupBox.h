@@ -27,7 +27,7 @@ private:
     void chooseDirectory();
     void backUpOrStop();
     void store(const QVariant &value, const QString &key);
-    void show();
+    void showState();
     void showLast();
 
     tamberin_AppDelegate &m_delegate;

@@ -58,13 +58,13 @@ void StatisticsSheet::count(std::shared_ptr<ZQPersistentStoreCoordinator> store,
                                               : zqLocalized("Looking at the sizes of files…");
             zqOnMainThread([self, lines = numbers ? numbers->lines() : QStringList(), state] {
                 if (self) {
-                    self->show(lines, state);
+                    self->showNumbers(lines, state);
                 }
             });
         });
 }
 
-void StatisticsSheet::show(const QStringList &lines, const QString &state)
+void StatisticsSheet::showNumbers(const QStringList &lines, const QString &state)
 {
     if (!lines.isEmpty()) {
         m_numbers->setPlainText(lines.join(u'\n'));

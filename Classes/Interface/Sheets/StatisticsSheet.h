@@ -22,7 +22,7 @@ public:
 
 private:
     void count(std::shared_ptr<ZQPersistentStoreCoordinator> store, const QString &libraryDirectory, bool withSizes);
-    void show(const QStringList &lines, const QString &state);
+    void showNumbers(const QStringList &lines, const QString &state);
 
     QPlainTextEdit *m_numbers;
     QLabel *m_state;
