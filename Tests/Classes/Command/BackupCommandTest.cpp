@@ -9,6 +9,7 @@
 
 #include <QSet>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
