@@ -364,3 +364,11 @@ bool BackupRun::finish()
     }
     return true;
 }
+
+// Here, so that neither of the two needs the other in a circle.
+BackupResult LibraryBackup::run(const BackupOptions &options, const std::stop_token &stop, const Progress &progress)
+{
+    BackupRun run(m_store, m_bundle, options, stop, progress);
+    run.run();
+    return run.result;
+}

@@ -1,6 +1,5 @@
 #include "Classes/Application/LibraryBackup.h"
 
-#include "Classes/Application/BackupRun.h"
 #include "Classes/Application/LibraryLocation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 
@@ -52,13 +51,6 @@ ZQError LibraryBackup::refusal(const QString &bundle, const QString &directory)
         return refuse(AroundLibrary, zqLocalized("The library is inside “%@” itself."));
     }
     return {};
-}
-
-BackupResult LibraryBackup::run(const BackupOptions &options, const std::stop_token &stop, const Progress &progress)
-{
-    BackupRun run(m_store, m_bundle, options, stop, progress);
-    run.run();
-    return run.result;
 }
 
 QStringList BackupResult::lines() const
