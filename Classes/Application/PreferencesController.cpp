@@ -33,6 +33,8 @@ QVariantMap PreferencesController::defaultPreferences()
         {QStringLiteral("ArchiveMaximumRatio"), 250},
         {QStringLiteral("ArchiveMaximumNestingDepth"), 8},
         {QStringLiteral("LiveFolderSweepMinutes"), 10},
+        {QStringLiteral("BackupKeep"), 0},     // all
+        {QStringLiteral("BackupInterval"), 0}, // days; never
         {DesktopMirror::preferenceKey, true},
     };
     for (const HotKeyCommand &command : HotKeyCommand::all()) {

@@ -100,6 +100,7 @@ CommandLine::CommandLine()
     defineTemplates();
     defineSnap();
     defineVerify();
+    defineCare();
     defineDefaults();
     defineSnapshot();
     defineDocumentation();
@@ -404,7 +405,8 @@ bool CommandLine::parse(const QStringList &arguments, CommandContext &context, i
     m_unreadablePolicy = m_options->unreadable == "stop" ? UnreadablePolicy::Stop : UnreadablePolicy::Skip;
     m_isImport = m_app->got_subcommand("import") || m_app->got_subcommand("open-url") || m_app->got_subcommand("new");
     m_fillsLibrary = m_fillsLibrary || m_isImport;
-    for (const char *edit : {"tag", "note", "rate", "delete", "restore", "livefolders", "sync", "download", "share"}) {
+    for (const char *edit :
+         {"tag", "note", "rate", "delete", "restore", "livefolders", "sync", "download", "share", "backup"}) {
         m_isEdit = m_isEdit || m_app->got_subcommand(edit);
     }
     m_isSnap = m_app->got_subcommand("snap");
@@ -553,17 +555,18 @@ void describe(const CLI::App &command, const QString &name, QString &out)
 
 QString CommandLine::markdown() const
 {
-    QString out = QStringLiteral("# Commands\n\n"
-                                 "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
-                                 "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one "
-                                 "thing and exits. Every command takes "
-                                 "`--library DIR`; without it, the remembered library is meant. When a window has that "
-                                 "library open, the command runs in the "
-                                 "window's process, so that two processes never write one library.\n\n"
-                                 "Only data goes to standard output; errors go to standard error. The exit status is "
-                                 "0, 1 when `verify` found something wrong or `recover` met an open library, "
-                                 "and 2 after an error, in which case nothing was changed; a change of many items that "
-                                 "fails or is cancelled keeps what was done before that.\n");
+    QString out =
+        QStringLiteral("# Commands\n\n"
+                       "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
+                       "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one "
+                       "thing and exits. Every command takes "
+                       "`--library DIR`; without it, the remembered library is meant. When a window has that "
+                       "library open, the command runs in the "
+                       "window's process, so that two processes never write one library.\n\n"
+                       "Only data goes to standard output; errors go to standard error. The exit status is "
+                       "0, 1 when `verify` or `backup` found something wrong or `recover` met an open library, "
+                       "and 2 after an error, in which case nothing was changed; a change of many items that "
+                       "fails or is cancelled keeps what was done before that.\n");
     describe(*m_app, QStringLiteral("zelto"), out);
     return out;
 }

@@ -40,7 +40,7 @@ public:
     bool needsLibrary() const { return m_needsLibrary; }
     bool isImport() const { return m_isImport; }
     bool fillsLibrary() const { return m_fillsLibrary; } // one that is not there yet may be made for it
-    bool isEdit() const { return m_isEdit; }             // of items, or of live folders; or a download, or a share
+    bool isEdit() const { return m_isEdit; } // of items, or of live folders; or a download, a share or a backup
     bool isSnapshot() const { return m_isSnapshot; }
     bool isSnap() const { return m_isSnap; }           // of the screen or of a page, into the library
     bool takesScreen() const { return m_takesScreen; } // a snap that a person takes part in, on their display
@@ -76,6 +76,7 @@ private:
     void defineTemplates();   // in CommandLineTemplates.cpp
     void defineSnap();        // in CommandLineSnap.cpp
     void defineVerify();
+    void defineCare(); // in CommandLineCare.cpp
     void defineDefaults();
     void defineSnapshot();
     void defineDocumentation();

@@ -161,6 +161,16 @@ int zqRunTemplates(CommandContext &context);
 int zqRunNewFromTemplate(const QString &title, const QString &into, CommandContext &context);
 
 int zqRunVerify(bool deep, CommandContext &context);
+
+struct BackupRequest
+{
+    QString directory;
+    int keep = 0; // 0: all
+    bool verifiesAll = false;
+};
+// 1 when something of the library is not in it as it should be.
+int zqRunBackup(const BackupRequest &request, CommandContext &context);
+int zqRunStatistics(bool withSizes, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);
 

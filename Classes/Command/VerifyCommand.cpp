@@ -2,13 +2,15 @@
 
 #include "Classes/Application/LibraryCheck.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Command/WorkBeside.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 
-int zqRunVerify(bool deep, CommandContext &context)
+namespace {
+
+int answer(const LibraryFindings &findings, CommandContext &context)
 {
-    const LibraryFindings findings = LibraryCheck(context.store(), context.delegate->libraryDirectory()).run(deep);
     if (context.json) {
         context.printJSON(QJsonObject{{QStringLiteral("items"), findings.items},
                                       {QStringLiteral("problems"), QJsonArray::fromStringList(findings.problems)},
@@ -21,4 +23,15 @@ int zqRunVerify(bool deep, CommandContext &context)
         }
     }
     return findings.problems.isEmpty() ? 0 : 1;
+}
+
+} // namespace
+
+int zqRunVerify(bool deep, CommandContext &context)
+{
+    const auto check = [deep, directory = context.delegate->libraryDirectory()](ZQManagedObjectContext &store,
+                                                                                const std::stop_token &stop) {
+        return LibraryCheck(store, directory).run(deep, stop);
+    };
+    return WorkBeside<LibraryFindings>::run(context, check, &answer);
 }

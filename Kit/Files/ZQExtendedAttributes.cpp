@@ -1,6 +1,7 @@
 #include "Kit/Files/ZQExtendedAttributes.h"
 
 #include "Kit/Files/ZQOwnMove.h"
+#include "Kit/Files/ZQSharedFile.h"
 
 #include <QFile>
 
@@ -72,6 +73,9 @@ bool ZQExtendedAttributes::set(const QString &path, const QString &name, const Q
 {
     const QByteArray file = QFile::encodeName(path);
     const ZQOwnChange own(path);
+    if (!ZQSharedFile::makeOwn(path, error)) {
+        return false;
+    }
     return lsetxattr(file.constData(), systemName(name).constData(), value.constData(),
                      static_cast<size_t>(value.size()), 0) == 0 ||
            fail(error, path);
@@ -79,9 +83,14 @@ bool ZQExtendedAttributes::set(const QString &path, const QString &name, const Q
 
 bool ZQExtendedAttributes::remove(const QString &path, const QString &name, ZQError *error)
 {
+    const QByteArray file = QFile::encodeName(path);
+    const QByteArray key = systemName(name);
     const ZQOwnChange own(path);
-    return lremovexattr(QFile::encodeName(path).constData(), systemName(name).constData()) == 0 || errno == ENODATA ||
-           fail(error, path);
+    const bool isThere = lgetxattr(file.constData(), key.constData(), nullptr, 0) >= 0; // else nothing is written
+    if (isThere && !ZQSharedFile::makeOwn(path, error)) {
+        return false;
+    }
+    return lremovexattr(file.constData(), key.constData()) == 0 || errno == ENODATA || fail(error, path);
 }
 
 QStringList ZQExtendedAttributes::list(const QString &path, ZQError *error)

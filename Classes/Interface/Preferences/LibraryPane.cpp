@@ -1,6 +1,7 @@
 #include "Classes/Interface/Preferences/LibraryPane.h"
 
 #include "Classes/Application/tamberin_AppDelegate.h"
+#include "Classes/Interface/Preferences/BackupBox.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
 #include "Kit/Operations/ZQOperationQueue.h"
@@ -15,9 +16,9 @@
 #include <QPushButton>
 #include <QTimer>
 
-LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, QWidget *parent)
+LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, BackupSchedule &backups, QWidget *parent)
     : PreferencesPane(zqLocalized("Advanced"), parent), m_delegate(delegate), m_deep(new QCheckBox(this)),
-      m_state(new QLabel(this)), m_findings(new QPlainTextEdit(this)),
+      m_state(new QLabel(this)), m_findings(new QPlainTextEdit(this)), m_advice(new QLabel(this)),
       m_queue(std::make_unique<ZQOperationQueue>(QStringLiteral("verify"), 1))
 {
     addHeading(zqLocalized("LIBRARY"));
@@ -40,6 +41,8 @@ LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, QWidget *parent)
     column()->addLayout(library);
     addNote(zqLocalized("Another library, or a move of this one, takes effect when Zelto is opened again."));
 
+    column()->addWidget(new BackupBox(delegate, backups, *this, this));
+
     addHeading(zqLocalized("IS EVERYTHING THERE?"));
     m_deep->setText(zqLocalized("&Read all of every file, too"));
     m_deep->setAccessibleDescription(zqLocalized("Finds files that were changed; takes a while."));
@@ -55,6 +58,13 @@ LibraryPane::LibraryPane(tamberin_AppDelegate &delegate, QWidget *parent)
     m_findings->setMinimumHeight(150);
     m_findings->hide();
     column()->addWidget(m_findings);
+    m_advice->setText(zqLocalized("A missing file comes back from a backup: copy it to where it was, under its name. A "
+                                  "missing thumbnail is made again when its file changes. For a damaged database, "
+                                  "quit Zelto and run “zelto recover” in a terminal."));
+    m_advice->setObjectName(QStringLiteral("SmallMuted"));
+    m_advice->setWordWrap(true);
+    m_advice->hide();
+    column()->addWidget(m_advice);
     setVerifying(false);
 }
 
@@ -79,9 +89,17 @@ void LibraryPane::setVerifying(bool isVerifying)
     m_deep->setEnabled(!isVerifying);
 }
 
+void LibraryPane::startVerifying()
+{
+    if (!m_isVerifying) {
+        verify();
+    }
+}
+
 void LibraryPane::verify()
 {
     m_findings->hide();
+    m_advice->hide();
     m_state->setText(zqLocalized("Looking at the store…"));
     setVerifying(true);
     m_stop = {};
@@ -116,4 +134,5 @@ void LibraryPane::showFindings(const LibraryFindings &findings)
                                        : lines.first());
     m_findings->setVisible(lines.size() > 1);
     m_findings->setPlainText(lines.mid(1).join(u'\n'));
+    m_advice->setVisible(!findings.problems.isEmpty());
 }

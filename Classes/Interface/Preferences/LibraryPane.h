@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class BackupSchedule;
 class QBoxLayout;
 class QPlainTextEdit;
 class QPushButton;
@@ -17,10 +18,11 @@ class LibraryPane : public PreferencesPane
 {
     Q_OBJECT
 public:
-    explicit LibraryPane(tamberin_AppDelegate &delegate, QWidget *parent = nullptr);
+    LibraryPane(tamberin_AppDelegate &delegate, BackupSchedule &backups, QWidget *parent = nullptr);
     ~LibraryPane() override;
 
     bool isVerifying() const { return m_isVerifying; }
+    void startVerifying(); // as the button does, unless it goes on already
 
 private:
     QPushButton *addButton(QBoxLayout *row, const QString &text, std::function<void()> run);
@@ -32,7 +34,8 @@ private:
     QCheckBox *m_deep;
     QPushButton *m_verify;
     QLabel *m_state;
-    QPlainTextEdit *m_findings;
+    QPlainTextEdit *m_findings; // to be read and copied
+    QLabel *m_advice;           // what to do about them
     bool m_isVerifying = false;
     std::stop_source m_stop;
     std::unique_ptr<ZQOperationQueue> m_queue; // last: it goes first, and waits for what runs

@@ -27,7 +27,7 @@ constexpr int namesWidth = 190;
 
 } // namespace
 
-PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *mainWindow)
+PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSchedule &backups, QWidget *mainWindow)
     : QDialog(mainWindow), m_mainWindow(mainWindow), m_names(new QListWidget(this)), m_stack(new QStackedWidget(this)),
       m_bubble(new ZQNotificationBubble(this))
 {
@@ -53,7 +53,9 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *ma
     auto *cloud = new CloudPane(delegate.userInteraction());
     cloud->setObjectName(cloudPane);
     addPane(cloud, QStringLiteral("cloud"));
-    addPane(new LibraryPane(delegate), QStringLiteral("library"));
+    m_library = new LibraryPane(delegate, backups);
+    m_library->setObjectName(libraryPane);
+    addPane(m_library, QStringLiteral("library"));
     connect(m_names, &QListWidget::currentRowChanged, this, [this](int index) {
         m_stack->setCurrentIndex(index);
         ZQUserDefaults::standardUserDefaults().setObjectForKey(index, paneKey);
@@ -97,6 +99,12 @@ void PreferencesWindow::showPane(const QString &objectName)
             m_names->setCurrentRow(i);
         }
     }
+}
+
+void PreferencesWindow::verifyLibrary()
+{
+    showPane(libraryPane);
+    m_library->startVerifying();
 }
 
 void PreferencesWindow::preferenceDidChange(const QString &key)

@@ -5,6 +5,8 @@
 #include <QDialog>
 #include <QPointer>
 
+class BackupSchedule;
+class LibraryPane;
 class PreferencesPane;
 class QListWidget;
 class QStackedWidget;
@@ -17,9 +19,11 @@ class PreferencesWindow : public QDialog
 {
     Q_OBJECT
 public:
-    PreferencesWindow(tamberin_AppDelegate &delegate, QWidget *mainWindow);
+    PreferencesWindow(tamberin_AppDelegate &delegate, BackupSchedule &backups, QWidget *mainWindow);
     void showPane(const QString &objectName); // one of those below
     static inline const QString cloudPane = QStringLiteral("CloudPane");
+    static inline const QString libraryPane = QStringLiteral("LibraryPane");
+    void verifyLibrary(); // shows the pane of the library, and begins there
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -32,6 +36,7 @@ private:
 
     QPointer<QWidget> m_mainWindow;
     QListWidget *m_names;
+    LibraryPane *m_library = nullptr;
     QStackedWidget *m_stack;
     ZQNotificationBubble *m_bubble;
     bool m_makesRoom = false;

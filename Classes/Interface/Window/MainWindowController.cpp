@@ -1,5 +1,6 @@
 #include "Classes/Interface/Window/MainWindowController.h"
 
+#include "Classes/Application/BackupSchedule.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Browsing/Content/FileTagReader.h"
 #include "Classes/Browsing/Index/LibraryIndex.h"
@@ -17,6 +18,7 @@
 #include "Classes/Interface/Preferences/PreferencesFollower.h"
 #include "Classes/Interface/Preferences/PreferencesWindow.h"
 #include "Classes/Interface/Sheets/Sheet.h"
+#include "Classes/Interface/Sheets/StatisticsSheet.h"
 #include "Classes/Interface/Sidebar/LiveFolderActions.h"
 #include "Classes/Interface/Sidebar/ProjectsSidebarViewController.h"
 #include "Classes/Interface/TextFields.h"
@@ -85,7 +87,7 @@ MainWindowController::MainWindowController(WindowUserInteraction &user)
                                   &m_undoStack},
                                  *m_fetcher,
                                  m_liveFolders.get()}),
-      m_mainWindow(std::make_unique<MainWindow>())
+      m_backups(std::make_unique<BackupSchedule>(*m_delegate)), m_mainWindow(std::make_unique<MainWindow>())
 {
     m_window->liveFolderManager = m_delegate->liveFolderManager();
     ImportDoor::setWatchedFolderCopy(
@@ -270,6 +272,15 @@ QList<WindowCommand> MainWindowController::libraryCommands()
          zqLocalized("Show Library in Files"),
          {},
          [this] { m_delegate->revealLibraryInFinder(); }},
+        {CommandID::BackUpLibrary, zqLocalized("Back Up Library…"), {}, [this] { showLibraryPreferences(); }},
+        {CommandID::VerifyLibrary,
+         zqLocalized("Verify Library…"),
+         {},
+         [this] {
+             showLibraryPreferences();
+             m_preferences->verifyLibrary();
+         }},
+        {CommandID::LibraryStatistics, zqLocalized("Library Statistics…"), {}, [this] { showStatistics(); }},
         {CommandID::Quit, zqLocalized("Quit"), {Qt::CTRL | Qt::Key_Q}, [this] { m_delegate->terminate(); }},
     };
 }
@@ -382,7 +393,7 @@ void MainWindowController::toggleTheme()
 void MainWindowController::showPreferences()
 {
     if (!m_preferences) {
-        m_preferences = new PreferencesWindow(*m_delegate, m_mainWindow.get());
+        m_preferences = new PreferencesWindow(*m_delegate, *m_backups, m_mainWindow.get());
     }
     m_preferences->show();
     m_preferences->raise();
@@ -393,6 +404,18 @@ void MainWindowController::showCloudPreferences()
 {
     showPreferences();
     m_preferences->showPane(PreferencesWindow::cloudPane);
+}
+
+void MainWindowController::showLibraryPreferences()
+{
+    showPreferences();
+    m_preferences->showPane(PreferencesWindow::libraryPane);
+}
+
+void MainWindowController::showStatistics()
+{
+    (new StatisticsSheet(m_mainWindow.get(), m_delegate->persistentStoreCoordinator(), m_delegate->libraryDirectory()))
+        ->open([](std::optional<int>) {});
 }
 
 void MainWindowController::rename()

@@ -24,6 +24,7 @@ class LiveFolderStates;
 class MainToolbar;
 class MainWindow;
 class PreferencesFollower;
+class BackupSchedule;
 class PreferencesWindow;
 class ProjectsSidebarViewController;
 class QAction;
@@ -98,6 +99,8 @@ private:
     void showKeys();
     void showPreferences();
     void showCloudPreferences();
+    void showLibraryPreferences();
+    void showStatistics();
     void restoreGeometry();
 
     WindowUserInteraction &m_user;
@@ -106,6 +109,7 @@ private:
     std::unique_ptr<ContentFetcher> m_fetcher;
     std::unique_ptr<LiveFolderStates> m_liveFolders; // null: nobody keeps live folders in step
     std::unique_ptr<WindowContext> m_window;
+    std::unique_ptr<BackupSchedule> m_backups;
     std::unique_ptr<MainWindow> m_mainWindow;
     std::unique_ptr<ImportActions> m_imports;
     std::unique_ptr<TemplateActions> m_templates;

@@ -1,0 +1,69 @@
+#include "Classes/Application/BackupRecord.h"
+
+#include "Kit/Files/ZQFileCopy.h"
+#include "Kit/Files/ZQRegularFile.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTimeZone>
+
+#include <fcntl.h>
+
+namespace {
+
+constexpr qint64 mostBytes = 1 << 16;
+constexpr int version = 1;
+const QString kind = QStringLiteral("zelto-backup");
+
+QJsonValue milliseconds(const QDateTime &date)
+{
+    return date.isValid() ? QJsonValue(date.toMSecsSinceEpoch()) : QJsonValue();
+}
+
+QDateTime date(const QJsonValue &value)
+{
+    return value.isDouble() ? QDateTime::fromMSecsSinceEpoch(value.toInteger(), QTimeZone::utc()) : QDateTime();
+}
+
+} // namespace
+
+std::optional<BackupRecord> BackupRecord::of(const QString &bundle)
+{
+    const QFileInfo folder(bundle);
+    if (folder.isSymLink() || !folder.isDir()) {
+        return std::nullopt;
+    }
+    const auto data = zqReadRegularFile(bundle + u'/' + fileName, mostBytes, nullptr, O_NOFOLLOW);
+    const QJsonObject object = QJsonDocument::fromJson(data.value_or(QByteArray())).object();
+    BackupRecord record;
+    record.store = QUuid::fromString(object[u"store"].toString());
+    if (object[u"kind"].toString() != kind || object[u"version"].toInt() != version || record.store.isNull()) {
+        return std::nullopt;
+    }
+    record.library = object[u"library"].toString();
+    record.began = date(object[u"began"]);
+    record.ended = date(object[u"ended"]);
+    record.items = object[u"items"].toInteger();
+    record.files = object[u"files"].toInteger();
+    record.bytes = object[u"bytes"].toInteger();
+    record.newBytes = object[u"newBytes"].toInteger();
+    record.problems = object[u"problems"].toInteger();
+    return record;
+}
+
+bool BackupRecord::write(const QString &bundle, ZQError *error) const
+{
+    const QJsonObject object{{QStringLiteral("kind"), kind},
+                             {QStringLiteral("version"), version},
+                             {QStringLiteral("store"), store.toString(QUuid::WithoutBraces)},
+                             {QStringLiteral("library"), library},
+                             {QStringLiteral("began"), milliseconds(began)},
+                             {QStringLiteral("ended"), milliseconds(ended)},
+                             {QStringLiteral("items"), items},
+                             {QStringLiteral("files"), files},
+                             {QStringLiteral("bytes"), bytes},
+                             {QStringLiteral("newBytes"), newBytes},
+                             {QStringLiteral("problems"), problems}};
+    return zqWriteFileAtomically(bundle + u'/' + fileName, QJsonDocument(object).toJson(), error);
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Classes/Application/BackupFolder.h"
+#include "Classes/Application/BackupWork.h"
+
+#include <QTimer>
+
+// The backups of the open library as the preferences want them: where to, how many stay, and how often one is made by
+// itself: `BackupDirectory`, `BackupKeep` (0: all) and `BackupInterval` (days; 0: never). One that is due is made while
+// nothing else is imported, changed or exported; when it fails, the person is told and it is tried again an hour later.
+// Main thread.
+class BackupSchedule : public QObject
+{
+    Q_OBJECT
+public:
+    explicit BackupSchedule(tamberin_AppDelegate &delegate);
+
+    BackupWork &work() { return m_work; }
+    static QString directory(); // empty: none was chosen
+    // Why nothing began, localized; null when it did.
+    ZQError backUpNow();
+    std::optional<BackupRecord> last() const; // reads the disk
+    // Whether one is due that long after `ended`; an invalid date is that of no backup.
+    static bool isDue(const QDateTime &ended, const QDateTime &now, qint64 intervalInDays);
+
+    static inline const QString directoryKey = QStringLiteral("BackupDirectory");
+    static inline const QString keepKey = QStringLiteral("BackupKeep");
+    static inline const QString intervalKey = QStringLiteral("BackupInterval");
+
+private:
+    void look();
+    void didEnd();
+    bool isIdle() const;
+
+    tamberin_AppDelegate &m_delegate;
+    BackupWork m_work;
+    QTimer m_timer;
+    QDateTime m_notBefore; // after a failure
+    QDateTime m_lastEnded; // so that a disk is not woken up every minute; invalid: not looked yet
+    bool m_isByItself = false;
+};
