@@ -268,6 +268,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@ was removed from the library while the backup was made</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@ · Copied</source>
         <translation type="unfinished"></translation>
     </message>
@@ -316,7 +320,23 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@: %@ of %@ items</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@: %@, %@ in %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: is a link, which can't be made where the backup is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: is no file, and is not in the backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: is not as it was when an older backup was made, which shares it</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -652,6 +672,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>&amp;Back Up Now</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Bring Zelto forward</source>
         <translation type="unfinished"></translation>
     </message>
@@ -688,11 +712,19 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>&amp;Folder…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Icon</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>&amp;Import…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Keep</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -908,6 +940,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>A missing file comes back from a backup: copy it to where it was, under its name. A missing thumbnail is made again when its file changes. For a damaged database, quit Zelto and run “zelto recover” in a terminal.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>A name cannot contain "/" or a null character. Please use another name.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1091,6 +1127,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>All</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>All Tabs</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1136,6 +1176,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>An import cannot go on, since it cannot be told which of its files are in the library. It is kept: go on with it once that is mended, or forget it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An item has no folder that can be its own: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another backup into the folder “%@” is under way.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1288,11 +1336,19 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>BACKUP</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>BETWEEN needs a list of two values</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>BMP image</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Back Up Library…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1308,7 +1364,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Backing up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Backspace</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Backup made: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1325,6 +1389,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Busy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>By &amp;itself</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1400,6 +1468,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Check its permissions, or choose another folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Check its permissions, or choose another library.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1440,6 +1512,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Choose</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Choose a Description</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1449,6 +1525,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Choose a live folder, the library, a project or a tag.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose another folder, best on another disk.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1552,6 +1632,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Connect its disk, or choose another folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Connect its disk, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Connect the account again in the preferences, under Cloud.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1589,6 +1677,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Copying items…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copying the database</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1645,6 +1737,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Delete from Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Deleted and not yet removed: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1764,6 +1860,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Duplicates: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Duplicating items…</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1853,6 +1953,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Esc</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Every day</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Every week</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2015,6 +2123,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Folders</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Folders of the disk whose files are shown here and stay where they are</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2155,6 +2267,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>How many backups stay</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How often a backup is made by itself</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>IN FILES</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2251,6 +2371,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Imported in</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Importing %@ of %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2288,6 +2412,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>In a project whose name contains the text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In live folders: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2547,6 +2675,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Items: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Items: %@, files: %@, size: %@, of which new: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Its Info.plist is damaged. Get the snap once more, or import the picture in it alone.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2715,6 +2851,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Kinds</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Krita document</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2736,6 +2876,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Larger Thumbnails</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Largest files</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2780,6 +2924,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Library Statistics</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Library Statistics…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2875,7 +3027,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Looking at the sizes of files…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Looking at the store…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Looking at what changed</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2947,6 +3107,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Missing files: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Modification date</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3012,6 +3176,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Narrower, as wide or wider</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Never</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3092,6 +3260,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>No asset could be made of the template “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No backup was made. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No folder was chosen.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3183,6 +3359,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Nothing can be written into the folder “%@”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Nothing could be read from the damaged library, which is kept as %@
 The files in it come back into the project “Recovered” when it is opened.</source>
         <translation type="unfinished"></translation>
@@ -3233,6 +3413,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Numbers of the library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>OK</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3250,6 +3434,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Of “%@” only a part was exported. %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Older backup removed: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3441,6 +3629,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Please choose the folder for backups</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Please choose the library that you want to open</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3513,6 +3705,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Progress of the backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Project</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3569,6 +3765,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Quit Zelto and run `zelto recover`; older backups are as they were.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Quit Zelto, then recover it.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3610,6 +3810,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Reading live folders…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reading the backup again</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3694,6 +3898,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Remove one first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove something there, as old backups, or choose another disk.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3969,6 +4177,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Size of the originals: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Size of the thumbnails: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Sketch document</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4034,6 +4250,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Sto&amp;p</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop &amp;Backup</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4253,6 +4473,18 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The backup lacks something: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The backup needs %@ in “%@”, where %@ are free.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The backup was stopped. Older ones are as they were.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The browser can't capture this page.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4329,6 +4561,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The disk can't share files between backups, so that each takes the room of the whole library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The disk is full. Free some space and import it again.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4337,11 +4573,19 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The disk may be failing; use another one. Older backups are as they were.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The disk reported an error while the library was used.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
         <source>The disk reports an error. Check the disk and its connection before anything else.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk takes no files of that size or that name, as those with the file system FAT; choose a folder on one with ext4, Btrfs or XFS.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4497,6 +4741,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The last one: %@, %@, of which new: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The last seven days</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4565,6 +4813,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The library is inside “%@” itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The library is inside “%@”, which it would replace.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4621,6 +4873,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The library “%@” is not there any more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The library's database cannot be opened.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4630,6 +4886,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The library's database is damaged.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The library's database is damaged: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4953,6 +5213,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>There is no backup of this library in that folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>There is no connection to the internet.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4970,6 +5234,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>There is no folder to download into.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no folder “%@” for backups.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5058,6 +5326,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>There is not enough memory to show it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is not enough memory.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5341,6 +5613,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Verify Library…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>View</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5354,6 +5630,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Wait until it has finished, then try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Wait until it is done, then try again.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5441,6 +5721,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Where backups are put; best on another disk</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Whole Screen</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5478,6 +5762,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>With “raw” there is no form: leave out “file” and “fields”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Without a rating: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Without a tag: %@</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -6525,6 +6817,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” can't be written into the backup: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” cannot be a folder on a server.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -6701,6 +6997,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” is inside a library.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” is inside the library itself.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -6830,6 +7130,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is not the name of a header.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is not the same in the backup as in the library.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
