@@ -14,6 +14,7 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <cerrno>
 #include <chrono>
 
 namespace {
@@ -46,8 +47,8 @@ void openAnotherLibrary(tamberin_AppDelegate &delegate)
         delegate.userInteraction().presentError(refused);
     } else if (!QProcess::startDetached(QCoreApplication::applicationFilePath(),
                                         {QStringLiteral("--library"), chosen.first()})) {
-        delegate.userInteraction().alert(zqLocalized("Zelto can't be started a second time"),
-                                         zqLocalized("Its program is missing; install Zelto again."));
+        delegate.userInteraction().presentError(ZQError::posix(ENOENT, QCoreApplication::applicationFilePath()));
+        install Zelto again."));
     }
 }
 
