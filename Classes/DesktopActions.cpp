@@ -48,7 +48,6 @@ void openAnotherLibrary(tamberin_AppDelegate &delegate)
     } else if (!QProcess::startDetached(QCoreApplication::applicationFilePath(),
                                         {QStringLiteral("--library"), chosen.first()})) {
         delegate.userInteraction().presentError(ZQError::posix(ENOENT, QCoreApplication::applicationFilePath()));
-        install Zelto again."));
     }
 }
 
