@@ -10,6 +10,7 @@
 #include "Classes/Command/CommandLine.h"
 #include "Classes/Command/CommandUserInteraction.h"
 #include "Classes/Command/PendingCommands.h"
+#include "Classes/DesktopActions.h"
 #include "Classes/Import/AImportManager.h"
 #include "Classes/Import/ImageDownloads.h"
 #include "Classes/Import/PromisedImports.h"
@@ -115,6 +116,7 @@ std::optional<InstanceReply> serve(const InstanceRequest &request, tamberin_AppD
             }
             delegate.reopenMainWindow();
             delegate.openFiles(paths);
+            DesktopActions::perform(commandLine.desktopAction(), delegate);
         }
     }
     if (context.pending) {
@@ -428,16 +430,18 @@ int runWindow(QApplication &application, const CommandLine &commandLine, const Q
     if (!server.listen(&error)) {
         qWarning("%s", qUtf8Printable(error.localizedDescription()));
     }
-    server.registerOnSessionBus([&](const QStringList &paths) {
+    server.registerOnSessionBus({[&](const QStringList &paths) {
         delegate.reopenMainWindow();
         delegate.openFiles(paths);
-    });
+                                 },
+                                 [&](const QString &action) { DesktopActions::perform(action, delegate); }});
     SignalWatcher signalWatcher([&delegate] { delegate.terminate(); });
 
     delegate.applicationWillFinishLaunching();
     if (!files.isEmpty()) {
         delegate.openFiles(files); // waits for the window
     }
+    DesktopActions::perform(commandLine.desktopAction(), delegate); // as this does
     QTimer::singleShot(0, &delegate, [&] {
         delegate.applicationDidFinishLaunching();
         if (!delegate.managedObjectContext()) {
@@ -480,6 +484,8 @@ int runWithWidgets(QApplication &application, const CommandLine &commandLine, co
 
 int main(int argc, char *argv[])
 {
+    QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZELTO_VERSION)); // which the command line knows
     CommandContext context;
     CommandLine commandLine;
     commandLine.setSnapshotDrawer(drawSnapshot);
@@ -496,8 +502,6 @@ int main(int argc, char *argv[])
         return print(context, context.fail(refused.localizedDescription()));
     }
 
-    QCoreApplication::setApplicationName(QStringLiteral("Zelto"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(ZELTO_VERSION));
     ZQImageSource::initialize(argv[0]);
     if (commandLine.isCommand() && !commandLine.isSnapshot() && !takesScreenItself(commandLine)) {
         QCoreApplication application(argc, argv);

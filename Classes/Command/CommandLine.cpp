@@ -5,6 +5,7 @@
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -18,6 +19,7 @@
 struct CommandLine::Options
 {
     std::string library;
+    std::string action;
     std::vector<std::string> files;
     std::vector<std::string> paths;
     std::vector<std::string> metadata;
@@ -82,6 +84,15 @@ CommandLine::CommandLine()
     m_app->add_option("--library", m_options->library, "The library bundle to work on; without it the remembered one")
         ->type_name("DIR");
     m_app
+        ->add_option("--action", m_options->action,
+                     "What the window is to do at once, as the desktop's menu offers it: import files, or open another "
+                     "library in a window of its own")
+        ->check(CLI::IsMember({"import", "another-library"}))
+        ->type_name("ACTION");
+    m_app->set_version_flag(
+        "--version", [] { return "Zelto " + QCoreApplication::applicationVersion().toStdString(); },
+        "Print the version and exit");
+    m_app
         ->add_option("files", m_options->files,
                      "Files, folders or a library to open in the window, or what a browser hands over (zelto:…)")
         ->type_name("FILE");
@@ -99,6 +110,7 @@ CommandLine::CommandLine()
     defineOpenURL();
     defineTemplates();
     defineSnap();
+    defineThumbnail();
     defineVerify();
     defineCare();
     defineDefaults();
@@ -107,6 +119,11 @@ CommandLine::CommandLine()
 }
 
 CommandLine::~CommandLine() = default;
+
+QString CommandLine::desktopAction() const
+{
+    return text(m_options->action);
+}
 
 CLI::App *CommandLine::add(const char *name, const char *help, bool needsLibrary,
                            std::function<int(CommandContext &)> run)
@@ -450,7 +467,7 @@ bool CommandLine::checkWords(const QStringList &arguments, CommandContext &conte
 {
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &word = arguments[i];
-        if (word == u"--library") {
+        if (word == u"--library" || word == u"--action") {
             ++i;
         } else if (!word.startsWith(u'-')) {
             const auto commands = m_app->get_subcommands(

@@ -46,6 +46,7 @@ public:
     bool takesScreen() const { return m_takesScreen; } // a snap that a person takes part in, on their display
     QString library() const { return m_library; }      // empty: the remembered one
     QStringList filesToOpen() const { return m_files; }
+    QString desktopAction() const; // what the window is to do at once (`DesktopActions`); empty: nothing
     const SnapshotRequest &snapshot() const { return m_snapshot; }
     DuplicatePolicy duplicatePolicy() const { return m_duplicatePolicy; }
     UnreadablePolicy unreadablePolicy() const { return m_unreadablePolicy; }
@@ -75,6 +76,7 @@ private:
     void defineOpenURL();     // in CommandLineOpenURL.cpp
     void defineTemplates();   // in CommandLineTemplates.cpp
     void defineSnap();        // in CommandLineSnap.cpp
+    void defineThumbnail();   // in CommandLineThumbnail.cpp
     void defineVerify();
     void defineCare(); // in CommandLineCare.cpp
     void defineDefaults();

@@ -124,6 +124,15 @@ struct PsdRequest
 };
 int zqRunPsd(const PsdRequest &request, CommandContext &context);
 
+struct ThumbnailRequest
+{
+    QString file; // or a library
+    QString out;  // a PNG file
+    int size = 256;
+    bool force = false; // over a file that is there
+};
+int zqRunThumbnail(const ThumbnailRequest &request, CommandContext &context);
+
 enum class SnapKind { Area, Window, FullScreen };
 // A capture into Screenshots, once the person has taken it; 1 when it was called off.
 int zqRunSnap(SnapKind kind, CommandContext &context);

@@ -1,6 +1,5 @@
 #include "Classes/Services/InstanceServer.h"
 
-#include "Classes/Services/DesktopActivation.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 
@@ -15,6 +14,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -74,14 +74,20 @@ bool InstanceServer::listen(ZQError *error)
     return false;
 }
 
-bool InstanceServer::registerOnSessionBus(std::function<void(const QStringList &paths)> open)
+bool InstanceServer::registerOnSessionBus(DesktopActivation::Uses uses)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.registerService(busName)) {
+    auto activation = std::make_unique<DesktopActivation>(std::move(uses), this);
+    // Before the name: a bus that started the program for a call delivers it as soon as the name is taken.
+    if (!bus.isConnected() || !bus.registerObject(busPath, activation.get(), QDBusConnection::ExportAllSlots)) {
         return false;
     }
-    auto *activation = new DesktopActivation(std::move(open), this);
-    return bus.registerObject(busPath, activation, QDBusConnection::ExportAllSlots);
+    if (!bus.registerService(busName)) {
+        bus.unregisterObject(busPath);
+        return false;
+    }
+    activation.release(); // its parent has it
+    return true;
 }
 
 void InstanceServer::readFrom(QLocalSocket *socket)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Classes/Services/DesktopActivation.h"
 #include "Kit/Foundation/ZQError.h"
 
 #include <QByteArray>
@@ -48,7 +49,7 @@ public:
     // While this says no, as during the launch, requests wait. Some event loops deliver them whatever they are told.
     void setIsReady(std::function<bool()> isReady) { m_isReady = std::move(isReady); }
     // Offers the desktop's activation; false when there is no session bus or another Zelto offers it.
-    bool registerOnSessionBus(std::function<void(const QStringList &paths)> open);
+    bool registerOnSessionBus(DesktopActivation::Uses uses);
 
     enum Error { NotListening = 1, NobodyAnswers, EndedMeanwhile };
     static inline const QString errorDomain = QStringLiteral("zelto.instance");

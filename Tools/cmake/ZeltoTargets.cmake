@@ -1,7 +1,11 @@
 # The compile settings every target shares, and the two functions the folders use to say what they are.
 
 add_library(zelto_settings INTERFACE)
-target_compile_options(zelto_settings INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
+target_compile_options(zelto_settings INTERFACE -Wall -Wextra -Wconversion -Wshadow)
+option(ZELTO_WARNINGS_ARE_ERRORS "Fail where the compiler warns; a package is built by compilers that warn of more" ON)
+if(ZELTO_WARNINGS_ARE_ERRORS)
+  target_compile_options(zelto_settings INTERFACE -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(zelto_settings INTERFACE -Wthread-safety)
 endif()

@@ -4,6 +4,7 @@
 #include "Kit/Imaging/Decoders/ZQImageDecoding.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QMimeDatabase>
 #include <QProcess>
 #include <QSettings>
@@ -39,6 +40,12 @@ QMap<QString, QString> readEntries(const QString &path)
     return entries;
 }
 
+// The desktop asks this program for thumbnails, too; asked by itself, it would ask itself again.
+bool isOurs(const QString &command)
+{
+    return QFileInfo(QProcess::splitCommand(command).value(0)).fileName() == QStringLiteral("zelto");
+}
+
 QList<Thumbnailer> registeredThumbnailers()
 {
     QList<Thumbnailer> out;
@@ -47,6 +54,9 @@ QList<Thumbnailer> registeredThumbnailers()
         for (const QString &name : folder.entryList({QStringLiteral("*.thumbnailer")}, QDir::Files, QDir::Name)) {
             const QMap<QString, QString> entries = readEntries(folder.filePath(name));
             const QString tried = entries.value(QStringLiteral("TryExec"));
+            if (isOurs(entries.value(QStringLiteral("Exec")))) {
+                continue;
+            }
             if (tried.isEmpty() || !QStandardPaths::findExecutable(tried).isEmpty()) {
                 out.append({entries.value(QStringLiteral("Exec")),
                             entries.value(QStringLiteral("MimeType")).split(u';', Qt::SkipEmptyParts)});

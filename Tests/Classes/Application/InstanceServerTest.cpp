@@ -353,13 +353,15 @@ TEST_F(SessionBus, TheDesktopOpensFilesAndShowsTheLibrary)
     }
     QList<QStringList> opened;
     InstanceServer server(world.filePath(QStringLiteral("socket")), {});
-    const auto open = [&opened](const QStringList &paths) { opened.append(paths); };
+    QStringList done;
+    const DesktopActivation::Uses uses{[&opened](const QStringList &paths) { opened.append(paths); },
+                                       [&done](const QString &action) { done.append(action); }};
     QDBusConnection peer = QDBusConnection::connectToBus(address, QStringLiteral("peer"));
     ASSERT_TRUE(peer.registerService(QStringLiteral("org.zelto.Zelto")));
-    EXPECT_FALSE(server.registerOnSessionBus(open)) << "the name is another's";
+    EXPECT_FALSE(server.registerOnSessionBus(uses)) << "the name is another's";
     ASSERT_TRUE(peer.unregisterService(QStringLiteral("org.zelto.Zelto")));
-    ASSERT_TRUE(server.registerOnSessionBus(open));
-    EXPECT_FALSE(server.registerOnSessionBus([](const QStringList &) {})) << "it is asked already";
+    ASSERT_TRUE(server.registerOnSessionBus(uses));
+    EXPECT_FALSE(server.registerOnSessionBus(uses)) << "it is asked already";
     const auto call = [&peer](const char *method, const QVariantList &arguments) {
         QDBusMessage message =
             QDBusMessage::createMethodCall(QStringLiteral("org.zelto.Zelto"), QStringLiteral("/org/zelto/Zelto"),
@@ -373,6 +375,12 @@ TEST_F(SessionBus, TheDesktopOpensFilesAndShowsTheLibrary)
     EXPECT_EQ(opened.value(0), QStringList{QStringLiteral("/a b.png")});
     EXPECT_TRUE(call("Activate", {QVariantMap()}));
     EXPECT_TRUE(comesTrue([&] { return opened.size() == 2; }));
+    const QVariantMap token{{QStringLiteral("activation-token"), QStringLiteral("asked for")}};
+    EXPECT_TRUE(call("ActivateAction", {QStringLiteral("snap-area"), QVariantList(), token}));
+    EXPECT_TRUE(comesTrue([&] { return !done.isEmpty(); }));
+    EXPECT_EQ(done, QStringList{QStringLiteral("snap-area")});
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "asked for") << "with it the window may come to the front";
+    qunsetenv("XDG_ACTIVATION_TOKEN");
 
     FileManager files;
     ASSERT_TRUE(peer.registerService(QStringLiteral("org.freedesktop.FileManager1")));

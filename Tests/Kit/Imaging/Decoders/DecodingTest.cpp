@@ -462,6 +462,8 @@ TEST_F(ThumbnailerTest, IsGivenWhatItsCommandAsksFor)
     registerAs("a1.thumbnailer", entry("/bin/false", "TryExec=/no/such/program\n"));
     registerAs("a2.thumbnailer", entry("/bin/false", QByteArray((1 << 20) + 1, '\n')));
     registerAs("a3.thumbnailer", "[Thumbnailer Entry]\nExec=/bin/false\nMimeType=image/x-none;\n");
+    registerAs("a0.thumbnailer",
+               "[Thumbnailer Entry]\nExec=/usr/bin/zelto thumbnail %i %o\nMimeType=image/x-xpixmap;\n");
     registerAs("a4.other", entry("/bin/false"));
     EXPECT_TRUE(zqHasThumbnailer(ZQSourceFile::open(source)));
     EXPECT_EQ(zqThumbnailerPreview(source, {40, 10}).size(), QSize(20, 10));
