@@ -6821,6 +6821,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>“%@” can't be written over; name another file</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>“%@” cannot be a folder on a server.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -6914,6 +6918,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” has these keys.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” holds no picture yet</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -7162,6 +7170,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” is protected by a password. Unpack it yourself and import what it holds.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” is there already; with --force it is replaced</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
