@@ -78,7 +78,7 @@ private:
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();
-    void defineDocumentation();
+    void defineDocumentation(); // in CommandLineDocumentation.cpp
     bool isNothing(const QString &word, CommandContext &context) const;
     bool checkWords(const QStringList &arguments, CommandContext &context) const;
     QString commandLike(const QString &word) const;
