@@ -33,11 +33,7 @@ Checked checkedOf(const QString &typeName)
         return {QStringLiteral("{%1}").arg(match.captured(2)), match.captured(2).split(u','), {}};
     }
     if (const auto match = range.match(typeName); match.hasMatch()) {
-        constexpr int digits = 10; // the parser writes six, and large numbers with an exponent
-        const auto plain = [](const QString &number) { return QString::number(number.toDouble(), 'g', digits); };
-        return {match.captured(1),
-                {},
-                zqFormat(zqLocalized("%@ to %@"), {plain(match.captured(2)), plain(match.captured(3))})};
+        return {match.captured(1), {}, zqFormat(zqLocalized("%@ to %@"), {match.captured(2), match.captured(3)})};
     }
     if (const auto match = positive.match(typeName); match.hasMatch()) {
         return {match.captured(1), {}, {}};
@@ -84,7 +80,9 @@ CommandOption described(const CLI::Option &option)
     result.choices = checked.choices;
     result.kind = checked.choices.isEmpty() ? kindOf(checked.name) : CommandValue::Choice;
     result.isRepeated = option.get_items_expected_max() > 1;
-    if (!checked.range.isEmpty()) {
+    // Limits that only keep numbers sane, and those that the meaning names, are told when one is exceeded.
+    static const QRegularExpression told(QStringLiteral("\\d"));
+    if (!checked.range.isEmpty() && !checked.range.contains(u'e') && !result.meaning.contains(told)) {
         result.meaning += QStringLiteral(" (%1)").arg(checked.range);
     }
     return result;
