@@ -95,6 +95,9 @@ class Forms(unittest.TestCase):
         yield "verify", self.run_json("verify")
         yield "recover", self.run_json("recover")
         yield "psd", self.run_json("psd", "one.png", "--size", "40x40", "--out", "layers.psd")
+        self.world.make("Backups/")
+        yield "backup", self.run_json("backup", "Backups")
+        yield "statistics", self.run_json("statistics")
         # A file that is missing, so that the export has something to say.
         Path(items[0]["itemPath"]).unlink()
         yield "export", self.run_json("export", *(item["bundleID"] for item in items), "--to", "out", "--format", "jpeg")
@@ -107,7 +110,7 @@ class Forms(unittest.TestCase):
 
     def test_json_is_as_described(self):
         described, seen = documented(), {}
-        maps = {"reasonsBelow"}
+        maps = {"reasonsBelow", "years"}
         for command, value in self.printed():
             seen[command] = keys_of(value, maps) if command != "defaults read" else set()
             with self.subTest(command):
