@@ -8,6 +8,7 @@ import sys
 import unittest
 from pathlib import Path
 
+sys.dont_write_bytecode = True
 from world import World
 
 ZELTO, ROOT = Path(sys.argv[1]).resolve(), Path(sys.argv[2]).resolve()
