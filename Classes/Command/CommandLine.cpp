@@ -1,6 +1,7 @@
 #include "Classes/Command/CommandLine.h"
 
 #include "Classes/Application/ControllerInterfaces.h"
+#include "Classes/Command/CommandDescription.h"
 #include "Classes/Command/Commands.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
@@ -368,15 +369,6 @@ void CommandLine::defineSnapshot()
         ->check(CLI::IsMember({"dark", "light"}));
 }
 
-void CommandLine::defineDocumentation()
-{
-    CLI::App *command = add("markdown", "Print this reference as Markdown", false, [this](CommandContext &context) {
-        context.output += markdown().toUtf8();
-        return 0;
-    });
-    command->group(""); // for the documentation's own script
-}
-
 int CommandLine::run(CommandContext &context) const
 {
     if (m_needsLibrary && context.delegate && !m_options->resumes && !m_options->forgets) {
@@ -524,66 +516,7 @@ QString CommandLine::commandLike(const QString &word) const
     return best;
 }
 
-namespace {
-// A command, apart from those it has of its own.
-void describeAlone(const CLI::App &command, const QString &name, QString &out)
-{
-    QString synopsis = name;
-    QString rows;
-    for (const CLI::Option *option : command.get_options()) {
-        if (option->get_name() == "--help") {
-            continue;
-        }
-        const bool isFlag = option->get_items_expected_max() == 0;
-        const QString type = isFlag ? QString() : text(option->get_type_name());
-        const QString label =
-            option->get_positional() ? type : (text(option->get_name()) + (isFlag ? QString() : u' ' + type));
-        // What names several things itself says which of them is which.
-        const bool isSeveral = option->get_items_expected_max() > 1 && !label.contains(u'…');
-        const QString several = isSeveral ? QStringLiteral("…") : QString();
-        synopsis += u' ' + (option->get_required() ? label + several : u'[' + label + u']' + several);
-        if (!option->get_description().empty()) {
-            rows += QStringLiteral("| `%1` | %2 |\n").arg(label, text(option->get_description()));
-        }
-    }
-    out += QStringLiteral("\n## `%1`\n\n%2.\n\n```\n%3\n```\n").arg(name, text(command.get_description()), synopsis);
-    if (!rows.isEmpty()) {
-        out += QStringLiteral("\n| Option | Meaning |\n|---|---|\n") + rows;
-    }
-    if (!command.get_footer().empty()) {
-        out += QStringLiteral("\n```\n%1\n```\n").arg(text(command.get_footer()));
-    }
-}
-
-void describe(const CLI::App &command, const QString &name, QString &out)
-{
-    const auto subcommands = command.get_subcommands([](const CLI::App *) { return true; });
-    const bool doesSomethingItself = command.get_parent() && command.get_require_subcommand_min() == 0;
-    if (subcommands.empty() || doesSomethingItself) {
-        describeAlone(command, name, out);
-    }
-    for (const CLI::App *subcommand : subcommands) {
-        if (!subcommand->get_group().empty()) {
-            describe(*subcommand, name + u' ' + text(subcommand->get_name()), out);
-        }
-    }
-}
-} // namespace
-
 QString CommandLine::markdown() const
 {
-    QString out =
-        QStringLiteral("# Commands\n\n"
-                       "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
-                       "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one "
-                       "thing and exits. Every command takes "
-                       "`--library DIR`; without it, the remembered library is meant. When a window has that "
-                       "library open, the command runs in the "
-                       "window's process, so that two processes never write one library.\n\n"
-                       "Only data goes to standard output; errors go to standard error. The exit status is "
-                       "0, 1 when `verify` or `backup` found something wrong or `recover` met an open library, "
-                       "and 2 after an error, in which case nothing was changed; a change of many items that "
-                       "fails or is cancelled keeps what was done before that.\n");
-    describe(*m_app, QStringLiteral("zelto"), out);
-    return out;
+    return zqCommandsAsMarkdown(zqDescribeCommands(*m_app));
 }

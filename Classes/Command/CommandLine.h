@@ -81,7 +81,7 @@ private:
     void defineCare(); // in CommandLineCare.cpp
     void defineDefaults();
     void defineSnapshot();
-    void defineDocumentation();
+    void defineDocumentation(); // in CommandLineDocumentation.cpp
     bool isNothing(const QString &word, CommandContext &context) const;
     bool checkWords(const QStringList &arguments, CommandContext &context) const;
     QString commandLike(const QString &word) const;
