@@ -260,6 +260,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@ to %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@ took too long.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1289,6 +1293,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>As List</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>As `import,store`, or `all`: print how long the traced steps took.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>As `zelto.*.debug=true`, which turns on the log of every subsystem.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3445,6 +3457,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Only data goes to standard output; errors go to standard error.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Only the first %@ files can go to another program at once</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4897,6 +4913,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The library, unless another one was chosen; ~/.local/share without the variable.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The live folder is not in the sidebar any more. Choose another one.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5018,6 +5038,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The preferences could not be written (%@).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The preferences, which `zelto defaults` reads and changes; ~/.config without the variable.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5725,6 +5749,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Where everything is kept that the program writes.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Whole Screen</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5762,6 +5790,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>With “raw” there is no form: leave out “file” and “fields”.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Without a command the window opens, with the files that are named. A command does one thing and exits; when a window has the library open, it runs in the window's process, so that two processes never write one library.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -6045,6 +6077,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>an error, in which case nothing was changed; a change of many items that fails or is cancelled keeps what was done before that</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>an unknown character "%@"</source>
         <translation type="unfinished"></translation>
     </message>
@@ -6146,6 +6182,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>done in part, or something was found: `verify` found something wrong, `recover` met an open library, `snap` was called off, some of what `export`, `share` or `download` was asked for is missing, or an import was cut off, which `zelto import --resume` goes on with</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>done; for `verify`, nothing wrong was found</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -6310,6 +6354,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>its name leads out of the archive</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>keep a library of assets</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
