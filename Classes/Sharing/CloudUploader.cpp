@@ -8,6 +8,7 @@
 #include "Classes/Sharing/LatestUploads.h"
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Network/ZQNetworkError.h"
@@ -180,7 +181,7 @@ void CloudUploader::uploadLibrayItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
     }
     if (const auto service = readyService()) {
         enqueue(files, *service, nullptr);
-        qCInfo(zqLogFeatures, "%s", qUtf8Printable(service->featureName()));
+        zqDidUseFeature(service->featureName());
     }
 }
 
