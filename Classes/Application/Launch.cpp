@@ -127,5 +127,5 @@ QString Launch::appCastURL(bool testKeysHeld)
     if (ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("PartecipateToBeta"))) {
         return QStringLiteral("updates/beta/feed.json");
     }
-    return testKeysHeld ? QStringLiteral("updates/test/feed.json") : QStringLiteral("updates/release/appcast.xml");
+    return testKeysHeld ? QStringLiteral("updates/test/feed.json") : QStringLiteral("updates/release/feed.json");
 }

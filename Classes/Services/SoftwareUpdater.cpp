@@ -1,5 +1,6 @@
 #include "Classes/Services/SoftwareUpdater.h"
 
+#include "Classes/Application/UserInteraction.h"
 #include "Classes/Application/tamberin_AppDelegate.h"
 #include "Classes/Services/InstalledBy.h"
 #include "Kit/Files/ZQUserDefaults.h"
