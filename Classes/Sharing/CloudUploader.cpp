@@ -428,9 +428,14 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
 void CloudUploader::didUploadLast(const QString &url)
 {
     m_pasteboard(url);
-    show(m_uploadedCount < 2 ? zqLocalized("Upload done, url copied to clipboard!")
-                             : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {m_uploadedCount}),
-         longTime);
+    const QString text = m_uploadedCount < 2
+                             ? zqLocalized("Upload done, url copied to clipboard!")
+                             : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {m_uploadedCount});
+    show(text, longTime);
+    if (UserInteraction *const user = person()) {
+        user->tellWhenAway(
+            {zqLocalized("Sharing done"), text, zqLocalized("Copy Link"), [copy = m_pasteboard, url] { copy(url); }});
+    }
 }
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)
