@@ -85,6 +85,7 @@ enum class CommandID {
     FullScreen,
     DarkTheme,
     Keyboard,
+    CheckForUpdates,
     Menu,
 };
 

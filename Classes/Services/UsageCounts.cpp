@@ -20,8 +20,9 @@ namespace {
 
 const QString errorDomain = QStringLiteral("zelto.usage");
 constexpr int daysKept = 366;
-constexpr qint64 largest = 4 << 20; // bytes of the file
-constexpr int longestWait = 3000;   // milliseconds, for another process that writes
+constexpr qint64 largest = 4 << 20;  // bytes of the file
+UsageCounts *theFollowing = nullptr; // main thread
+constexpr int longestWait = 3000;    // milliseconds, for another process that writes
 
 UsageCounts::Days sum(UsageCounts::Days days, const UsageCounts::Days &more)
 {
@@ -60,8 +61,9 @@ UsageCounts::UsageCounts(QString path) : m_path(std::move(path)) {}
 
 UsageCounts::~UsageCounts()
 {
-    if (m_follows) {
+    if (theFollowing == this) {
         zqSetFeatureObserver(nullptr);
+        theFollowing = nullptr;
     }
     ZQError error;
     if (!write(&error)) {
@@ -71,8 +73,13 @@ UsageCounts::~UsageCounts()
 
 void UsageCounts::follow()
 {
-    m_follows = true;
+    theFollowing = this;
     zqSetFeatureObserver([this](const QString &name) { count(name); });
+}
+
+UsageCounts *UsageCounts::following()
+{
+    return theFollowing;
 }
 
 void UsageCounts::count(const QString &name, const QDate &day)

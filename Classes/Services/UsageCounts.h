@@ -26,6 +26,7 @@ public:
     using Days = QMap<QDate, QMap<QString, qint64>>;
     // Counts what is used from here on, until this ends; one of them at a time.
     void follow();
+    static UsageCounts *following();                                          // that one; null: none does
     void count(const QString &name, const QDate &day = QDate::currentDate()); // nothing while it is off
     bool write(ZQError *error = nullptr);                                     // what was counted since the last time
     Days days(ZQError *error = nullptr); // with what is not written yet; an error where the file cannot be read
@@ -36,7 +37,6 @@ private:
     bool change(const std::function<bool(ZQError *)> &change, ZQError *error) const;
 
     const QString m_path;
-    bool m_follows = false;
     ZQMutex m_lock;
     Days m_new ZQ_GUARDED_BY(m_lock);
 };

@@ -42,7 +42,7 @@ const std::vector<MenuPlan> &menuPlans()
                   ZoomOut,     separator,        NextTab,
                   PreviousTab, SelectTab1,       separator,
                   FullScreen,  DarkTheme}},
-        {"Help", {Keyboard}},
+        {"Help", {Keyboard, separator, CheckForUpdates}},
     };
     return plans;
 }
