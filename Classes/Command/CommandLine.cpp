@@ -101,6 +101,7 @@ CommandLine::CommandLine()
     defineSnap();
     defineVerify();
     defineDefaults();
+    defineServices();
     defineSnapshot();
     defineDocumentation();
 }
@@ -553,17 +554,19 @@ void describe(const CLI::App &command, const QString &name, QString &out)
 
 QString CommandLine::markdown() const
 {
-    QString out = QStringLiteral("# Commands\n\n"
-                                 "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
-                                 "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one "
-                                 "thing and exits. Every command takes "
-                                 "`--library DIR`; without it, the remembered library is meant. When a window has that "
-                                 "library open, the command runs in the "
-                                 "window's process, so that two processes never write one library.\n\n"
-                                 "Only data goes to standard output; errors go to standard error. The exit status is "
-                                 "0, 1 when `verify` found something wrong or `recover` met an open library, "
-                                 "and 2 after an error, in which case nothing was changed; a change of many items that "
-                                 "fails or is cancelled keeps what was done before that.\n");
+    QString out = QStringLiteral(
+        "# Commands\n\n"
+        "Written by `./dev docs` from the definitions of the commands; change those.\n\n"
+        "`zelto` opens the window, `zelto FILE…` opens files in it, `zelto COMMAND` does one "
+        "thing and exits. Every command takes "
+        "`--library DIR`; without it, the remembered library is meant. When a window has that "
+        "library open, the command runs in the "
+        "window's process, so that two processes never write one library.\n\n"
+        "Only data goes to standard output; errors go to standard error. The exit status is "
+        "0, 1 when `verify` found something wrong, `recover` met an open library or `updates check` knows a newer "
+        "version, "
+        "and 2 after an error, in which case nothing was changed; a change of many items that "
+        "fails or is cancelled keeps what was done before that.\n");
     describe(*m_app, QStringLiteral("zelto"), out);
     return out;
 }

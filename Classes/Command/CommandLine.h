@@ -75,6 +75,7 @@ private:
     void defineOpenURL();     // in CommandLineOpenURL.cpp
     void defineTemplates();   // in CommandLineTemplates.cpp
     void defineSnap();        // in CommandLineSnap.cpp
+    void defineServices();    // in CommandLineServices.cpp
     void defineVerify();
     void defineDefaults();
     void defineSnapshot();

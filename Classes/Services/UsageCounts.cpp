@@ -6,12 +6,14 @@
 #include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
+#include "Kit/Operations/ZQMainThread.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLockFile>
+#include <QPointer>
 
 #include <cerrno>
 #include <utility>
@@ -22,7 +24,8 @@ const QString errorDomain = QStringLiteral("zelto.usage");
 constexpr int daysKept = 366;
 constexpr qint64 largest = 4 << 20;  // bytes of the file
 UsageCounts *theFollowing = nullptr; // main thread
-constexpr int longestWait = 3000;    // milliseconds, for another process that writes
+constexpr std::chrono::seconds writtenAfter{2};
+constexpr int longestWait = 3000; // milliseconds, for another process that writes
 
 UsageCounts::Days sum(UsageCounts::Days days, const UsageCounts::Days &more)
 {
@@ -57,7 +60,12 @@ QString UsageCounts::usualPath()
     return ZQPaths::stateHome() + QStringLiteral("/Zelto/usage.json");
 }
 
-UsageCounts::UsageCounts(QString path) : m_path(std::move(path)) {}
+UsageCounts::UsageCounts(QString path) : m_path(std::move(path)), m_queue(QStringLiteral("usage"), 1)
+{
+    m_soon.setSingleShot(true);
+    QObject::connect(&m_soon, &QTimer::timeout, &m_soon,
+                     [this] { m_queue.addOperationWithBlock([this] { writeOrLog(); }); });
+}
 
 UsageCounts::~UsageCounts()
 {
@@ -65,6 +73,12 @@ UsageCounts::~UsageCounts()
         zqSetFeatureObserver(nullptr);
         theFollowing = nullptr;
     }
+    m_queue.waitUntilAllOperationsAreFinished();
+    writeOrLog();
+}
+
+void UsageCounts::writeOrLog()
+{
     ZQError error;
     if (!write(&error)) {
         qCWarning(zqLogApplication).noquote() << error.localizedDescription();
@@ -74,7 +88,14 @@ UsageCounts::~UsageCounts()
 void UsageCounts::follow()
 {
     theFollowing = this;
-    zqSetFeatureObserver([this](const QString &name) { count(name); });
+    zqSetFeatureObserver([this, soon = QPointer(&m_soon)](const QString &name) {
+        count(name);
+        zqOnMainThread([soon] {
+            if (soon && !soon->isActive()) {
+                soon->start(writtenAfter);
+            }
+        });
+    });
 }
 
 UsageCounts *UsageCounts::following()

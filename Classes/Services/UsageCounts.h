@@ -2,10 +2,12 @@
 
 #include "Kit/Foundation/ZQError.h"
 #include "Kit/Foundation/ZQThreadSafety.h"
+#include "Kit/Operations/ZQOperationQueue.h"
 
 #include <QDate>
 #include <QMap>
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 
@@ -24,7 +26,8 @@ public:
     UsageCounts &operator=(const UsageCounts &) = delete;
 
     using Days = QMap<QDate, QMap<QString, qint64>>;
-    // Counts what is used from here on, until this ends; one of them at a time.
+    // Counts what is used from here on, until this ends, and writes it a moment later; one of them at a time. Main
+    // thread.
     void follow();
     static UsageCounts *following();                                          // that one; null: none does
     void count(const QString &name, const QDate &day = QDate::currentDate()); // nothing while it is off
@@ -33,10 +36,13 @@ public:
     bool erase(ZQError *error = nullptr);
 
 private:
+    void writeOrLog();
     Days read(ZQError *error) const;
     bool change(const std::function<bool(ZQError *)> &change, ZQError *error) const;
 
     const QString m_path;
     ZQMutex m_lock;
     Days m_new ZQ_GUARDED_BY(m_lock);
+    QTimer m_soon;
+    ZQOperationQueue m_queue; // that writes; last: it goes first, and waits for what runs
 };
