@@ -63,7 +63,7 @@ private:
     QDBusConnection m_bus;
 };
 
-// A signal that is sent after others comes after them: then all of them have come.
+// Long past any delay that is none of ours.
 void waitFor(const std::function<bool()> &isDone)
 {
     constexpr std::chrono::seconds patience(20);

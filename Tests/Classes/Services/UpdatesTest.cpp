@@ -12,8 +12,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QThreadPool>
 
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
 
 namespace {
 
@@ -168,7 +172,9 @@ TEST_F(UpdatesTest, APersonIsAskedBeforeTheFirstCheckAndToldOfWhatIsNew)
     announce({});
     ScriptedUser user;
     QList<QUrl> opened;
-    const auto launch = [&](bool isAskedFor) {
+    // What comes of a launch at once, and then until `isDone`.
+    const auto launch = [&](
+                            bool isAskedFor, const std::function<bool()> &isDone = [] { return true; }) {
         user.questions.clear();
         const qsizetype requestsBefore = server.requests().size();
         SoftwareUpdater updater({[&user] { return &user; }, [&opened](const QUrl &page) { opened.append(page); },
@@ -179,9 +185,17 @@ TEST_F(UpdatesTest, APersonIsAskedBeforeTheFirstCheckAndToldOfWhatIsNew)
         } else {
             updater.setAutomaticChecks(true);
         }
-        zqRunMainLoopFor(std::chrono::milliseconds(300));
+        const std::chrono::milliseconds atOnce(0);
+        zqRunMainLoopFor(atOnce);
+        QThreadPool::globalInstance()->waitForDone(); // it is known whether there are checks
+        zqRunMainLoopFor(atOnce);
+        constexpr std::chrono::seconds patience(30);
+        const auto latest = std::chrono::steady_clock::now() + patience;
+        zqRunMainLoopUntil([&] { return isDone() || std::chrono::steady_clock::now() > latest; });
+        EXPECT_TRUE(isDone());
         return server.requests().size() - requestsBefore;
     };
+    const auto hears = [&user](qsizetype count) { return [&user, count] { return user.questions.size() == count; }; };
     const auto asked = [&user](qsizetype i) { return user.questions.value(i).message.toStdString(); };
     user.answerQuestion = [](const UserQuestion &) { return 1; };
     EXPECT_EQ(launch(false), 0) << "the person does not want it";
@@ -191,28 +205,28 @@ TEST_F(UpdatesTest, APersonIsAskedBeforeTheFirstCheckAndToldOfWhatIsNew)
 
     defaults().removeObjectForKey(SoftwareUpdater::checksKey);
     user.answerQuestion = [](const UserQuestion &) { return 0; };
-    EXPECT_EQ(launch(false), 1);
+    EXPECT_EQ(launch(false, hears(2)), 1);
     EXPECT_EQ(asked(1), "Zelto 1.3.0 is there");
     EXPECT_EQ(opened, QList{QUrl(QStringLiteral("https://zelto.example/get"))});
     EXPECT_EQ(launch(false), 0) << "it was looked for today";
 
     defaults().removeObjectForKey(SoftwareUpdater::lastCheckKey);
     user.answerQuestion = [](const UserQuestion &) { return 1; }; // skip it
-    EXPECT_EQ(launch(false), 1);
+    EXPECT_EQ(launch(false, hears(1)), 1);
     defaults().removeObjectForKey(SoftwareUpdater::lastCheckKey);
-    EXPECT_EQ(launch(false), 1);
+    EXPECT_EQ(launch(false, [] { return defaults().isSet(SoftwareUpdater::lastCheckKey); }), 1);
     EXPECT_TRUE(user.questions.isEmpty()) << "it is skipped";
-    EXPECT_EQ(launch(true), 1);
+    EXPECT_EQ(launch(true, hears(1)), 1);
     EXPECT_EQ(asked(0), "Zelto 1.3.0 is there") << "whoever asks is told";
 
     announce({{QStringLiteral("version"), QStringLiteral("1.2.0")}});
-    launch(true);
+    launch(true, hears(1));
     EXPECT_EQ(asked(0), "Zelto is up to date");
     serve(Answer{.status = 500});
-    launch(true);
+    launch(true, hears(1));
     EXPECT_EQ(asked(0), "Zelto could not look for new versions");
     defaults().removeObjectForKey(QStringLiteral("UpdateFeedAddress"));
-    EXPECT_EQ(launch(true), 0);
+    EXPECT_EQ(launch(true, hears(1)), 0);
     EXPECT_EQ(asked(0), "Zelto does not look for new versions");
 }
 
