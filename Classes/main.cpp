@@ -16,15 +16,18 @@
 #include "Classes/Import/PromisedImports.h"
 #include "Classes/Import/XDirectSave.h"
 #include "Classes/Interface/Capture/CaptureViews.h"
+#include "Classes/Interface/Sheets/CrashReportSheet.h"
 #include "Classes/Interface/Window/MainWindowController.h"
 #include "Classes/Interface/Window/WindowSnapshot.h"
 #include "Classes/Interface/Window/WindowUserInteraction.h"
 #include "Classes/LiveFolders/LiveFolderManager.h"
+#include "Classes/Services/CrashHandler.h"
 #include "Classes/Services/CrashReporter.h"
 #include "Classes/Services/HotKeys.h"
 #include "Classes/Services/InstanceServer.h"
 #include "Classes/Services/ProtocolManager.h"
 #include "Classes/Services/SoftwareUpdater.h"
+#include "Classes/Services/UsageCounts.h"
 #include "Classes/Sharing/CloudMenuViewController.h"
 #include "Classes/Sharing/CloudUploader.h"
 #include "Classes/SignalWatcher.h"
@@ -375,14 +378,39 @@ std::unique_ptr<ProtocolHandling> makeProtocolManager(UserInteraction &user)
     });
 }
 
+// Of the window alone: who runs a command sees how it ends.
+void prepareCrashReports()
+{
+    CrashReports reports;
+    if (reports.make()) {
+        reports.removeOld();
+        CrashHandler::install(CrashReports::usualFolder(), QCoreApplication::applicationVersion());
+    }
+}
+
+// In a sheet of the window.
+CrashReporter::Presenter reportPresenter(UserInteraction &user)
+{
+    return [&user](const QString &text, std::function<void()> seen) {
+        tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+        if (auto *window = dynamic_cast<MainWindowController *>(delegate->mainWindowController())) {
+            CrashReportSheet::show(window->window(), user, text, std::move(seen));
+        }
+    };
+}
+
 int runWindow(QApplication &application, const CommandLine &commandLine, const QStringList &arguments,
               CommandContext &context, bool *reopens)
 {
     PreferencesController::registerDefaultPreferences(); // the theme is one of them
     MainWindowController::applyTheme();
+    prepareCrashReports();
     WindowUserInteraction user;
+    UsageCounts usage;
+    usage.follow();
     SoftwareUpdater updater;
     CrashReporter crashReporter;
+    crashReporter.setPresenter(reportPresenter(user));
     CloudMenuViewController cloudMenu;
     CaptureViews captureViews;
     LiveFolderManager liveFolders;

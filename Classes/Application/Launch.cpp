@@ -125,7 +125,7 @@ bool Launch::openLibraryForCommand(ZQError *error)
 QString Launch::appCastURL(bool testKeysHeld)
 {
     if (ZQUserDefaults::standardUserDefaults().boolForKey(QStringLiteral("PartecipateToBeta"))) {
-        return QStringLiteral("updates/beta/appcast.xml");
+        return QStringLiteral("updates/beta/feed.json");
     }
-    return testKeysHeld ? QStringLiteral("updates/test/appcast.xml") : QStringLiteral("updates/release/appcast.xml");
+    return testKeysHeld ? QStringLiteral("updates/test/feed.json") : QStringLiteral("updates/release/feed.json");
 }

@@ -98,6 +98,15 @@ enum class NotificationPlace { Window = 0, Browser = 1, Sidebar = 2 };
 
 constexpr std::chrono::milliseconds usualNotificationTime{2500};
 
+// What a person who is in another program may want to hear, with one thing to do about it.
+struct AwayNotice
+{
+    QString title;
+    QString text;
+    QString action;
+    std::function<void()> run; // later, or never
+};
+
 // The only way the logic reaches a person. Called on the main thread unless stated; implementations: the window's
 // sheets, the command line's flags and prompts, a script in tests. A question without a person to answer it takes the
 // answer that changes least.
@@ -118,6 +127,10 @@ public:
         }
     }
     virtual void showSystemNotification(const QString &title, const QString &text) = 0;
+    // As the one above, at the end of an import that took so long that the person may be elsewhere.
+    virtual void importDidEndLate(const QString &title, const QString &text) { showSystemNotification(title, text); }
+    // Through the desktop, and only where the person is not at the window, which says so itself.
+    virtual void tellWhenAway(const AwayNotice & /*notice*/) {}
     virtual QStringList chooseFilesToOpen(const FileChoice &choice) = 0; // empty: cancelled
     virtual std::optional<QString> chooseFileToSave(const FileChoice &choice) = 0;
 

@@ -214,11 +214,38 @@ void CaptureStore::importPicture(Picture picture)
     }
 }
 
+namespace {
+
+void showScreenshots()
+{
+    tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate();
+    if (!delegate || delegate->isTerminating() || !delegate->managedObjectContext()) {
+        return;
+    }
+    delegate->reopenMainWindow();
+    const auto screenshots =
+        ZQSidebarBaseItem::screenshotProjectInManagedObjectContext(*delegate->managedObjectContext());
+    if (MainWindowControlling *const window = delegate->mainWindowController(); window && screenshots) {
+        window->selectSidebarItem(screenshots->objectID());
+    }
+}
+
+void tellOfStored()
+{
+    if (const tamberin_AppDelegate *const delegate = tamberin_AppDelegate::sharedDelegate()) {
+        delegate->userInteraction().tellWhenAway({zqLocalized("Capture stored"), zqLocalized("It is in Screenshots."),
+                                                  zqLocalized("Show"), &showScreenshots});
+    }
+}
+
+} // namespace
+
 void CaptureStore::didImport(const ImportEnd &end, const Picture &picture)
 {
     switch (end.kind) {
     case ImportEnd::Kind::Imported:
         removeFile(picture.path); // or its folder, when it was moved into the library
+        tellOfStored();
         picture.told.didEnd(end.items, {});
         return;
     case ImportEnd::Kind::GoesOn:

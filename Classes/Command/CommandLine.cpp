@@ -115,6 +115,7 @@ CommandLine::CommandLine()
     defineVerify();
     defineCare();
     defineDefaults();
+    defineServices();
     defineSnapshot();
     defineDocumentation();
 }

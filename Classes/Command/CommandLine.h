@@ -77,6 +77,7 @@ private:
     void defineTemplates();   // in CommandLineTemplates.cpp
     void defineSnap();        // in CommandLineSnap.cpp
     void defineThumbnail();   // in CommandLineThumbnail.cpp
+    void defineServices();    // in CommandLineServices.cpp
     void defineVerify();
     void defineCare(); // in CommandLineCare.cpp
     void defineDefaults();

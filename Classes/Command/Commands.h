@@ -183,6 +183,16 @@ int zqRunStatistics(bool withSizes, CommandContext &context);
 // `library` empty: the remembered one. 1 when somebody has it open.
 int zqRunRecover(const QString &library, CommandContext &context);
 
+// `channel` empty: that of the preferences. 1 when there is a newer version.
+int zqRunUpdatesCheck(const QString &channel, CommandContext &context);
+int zqRunReportsList(CommandContext &context);
+int zqRunReportsShow(CommandContext &context);
+int zqRunReportsErase(CommandContext &context);
+int zqRunUsageShow(CommandContext &context);
+int zqRunUsageErase(CommandContext &context);
+int zqRunAutostartShow(CommandContext &context);
+int zqRunAutostartSet(bool isOn, CommandContext &context);
+
 int zqRunDefaultsRead(const QString &key, CommandContext &context);
 int zqRunDefaultsWrite(const QString &key, const QString &value, CommandContext &context);
 int zqRunDefaultsDelete(const QString &key, CommandContext &context);

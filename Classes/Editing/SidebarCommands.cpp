@@ -5,8 +5,8 @@
 #include "Classes/Editing/LibraryCommands.h"
 #include "Classes/Editing/SidebarRemoval.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Operations/ZQNotificationCenter.h"
 #include "Models/DataModel/ZQSidebarFolder.h"
@@ -112,7 +112,7 @@ SidebarCommands::Spot SidebarCommands::spotFor(const Item &onItem) const
 SidebarCommands::Item SidebarCommands::addNewListItem(NewItem kind, const Item &onItem)
 {
     const auto [father, index] = spotFor(onItem);
-    qCInfo(zqLogFeatures, "%s", kind == NewItem::Folder ? "Add New Folder" : "Add New Project");
+    zqDidUseFeature(kind == NewItem::Folder ? QStringLiteral("Add New Folder") : QStringLiteral("Add New Project"));
     return addNewListItem(kind, father, index);
 }
 

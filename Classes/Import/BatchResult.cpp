@@ -91,7 +91,7 @@ void BatchResult::tell(const End &end)
         const QString title = gaveNothing ? zqLocalized("Import Invalid") : zqLocalized("Import Successful");
         const QString text =
             gaveNothing ? zqLocalized("Nothing to import") : zqLocalized("Import operation successful");
-        zqOnMainThread([&user = m_batch.user, title, text] { user.showSystemNotification(title, text); });
+        zqOnMainThread([&user = m_batch.user, title, text] { user.importDidEndLate(title, text); });
     }
     if (!end.wasCancelled) {
         tellOutcome(gaveNothing && !m_batch.record.report().isUnfinished());

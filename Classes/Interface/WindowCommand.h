@@ -88,6 +88,7 @@ enum class CommandID {
     FullScreen,
     DarkTheme,
     Keyboard,
+    CheckForUpdates,
     Menu,
 };
 

@@ -8,6 +8,7 @@
 #include "Classes/Sharing/LatestUploads.h"
 #include "Classes/Sharing/ServiceAddress.h"
 #include "Classes/Sharing/UploadProblem.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQLog.h"
 #include "Kit/Network/ZQNetworkError.h"
@@ -180,7 +181,7 @@ void CloudUploader::uploadLibrayItems(const QList<ZQRef<ZQLibraryBaseItem>> &ite
     }
     if (const auto service = readyService()) {
         enqueue(files, *service, nullptr);
-        qCInfo(zqLogFeatures, "%s", qUtf8Printable(service->featureName()));
+        zqDidUseFeature(service->featureName());
     }
 }
 
@@ -427,9 +428,14 @@ void CloudUploader::cloudAdapter(CloudAdapter &adapter, const QVariantMap &didUp
 void CloudUploader::didUploadLast(const QString &url)
 {
     m_pasteboard(url);
-    show(m_uploadedCount < 2 ? zqLocalized("Upload done, url copied to clipboard!")
-                             : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {m_uploadedCount}),
-         longTime);
+    const QString text = m_uploadedCount < 2
+                             ? zqLocalized("Upload done, url copied to clipboard!")
+                             : zqFormat(zqLocalized("Uploaded %d files to the cloud!"), {m_uploadedCount});
+    show(text, longTime);
+    if (UserInteraction *const user = person()) {
+        user->tellWhenAway(
+            {zqLocalized("Sharing done"), text, zqLocalized("Copy Link"), [copy = m_pasteboard, url] { copy(url); }});
+    }
 }
 
 void CloudUploader::cloudAdapter(CloudAdapter &adapter, const ZQError &didFailUpload)

@@ -27,6 +27,11 @@ QString ZQPaths::cacheHome()
     return fromEnvironment("XDG_CACHE_HOME", QDir::homePath() + QStringLiteral("/.cache"));
 }
 
+QString ZQPaths::stateHome()
+{
+    return fromEnvironment("XDG_STATE_HOME", QDir::homePath() + QStringLiteral("/.local/state"));
+}
+
 QString ZQPaths::runtimeDir()
 {
     return fromEnvironment("XDG_RUNTIME_DIR", temporaryDir());

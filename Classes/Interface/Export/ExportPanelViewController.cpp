@@ -10,8 +10,8 @@
 #include "Classes/Interface/Export/PresetIcon.h"
 #include "Classes/Interface/Export/PresetsView.h"
 #include "Kit/Files/ZQUserDefaults.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Imaging/ZQImageExport.h"
 #include "Kit/Widgets/ZQIcon.h"
 
@@ -117,7 +117,7 @@ std::shared_ptr<ExportOperation> ExportPanelViewController::exportItemsToURL(con
     if (each.isEmpty()) {
         return nullptr;
     }
-    qCInfo(zqLogFeatures, "Export Items");
+    zqDidUseFeature(QStringLiteral("Export Items"));
     const ExportRequest request = ExportRequest::with(exportItem, each, URL);
     if (paths) {
         ExportRequest silent = request;

@@ -2,8 +2,8 @@
 
 #include "Classes/Application/UserInteraction.h"
 #include "Classes/Interface/Export/PresetIcon.h"
+#include "Kit/Foundation/ZQFeatures.h"
 #include "Kit/Foundation/ZQLocalized.h"
-#include "Kit/Foundation/ZQLog.h"
 #include "Kit/Imaging/ZQImageExport.h"
 
 #include <QUndoCommand>
@@ -50,7 +50,7 @@ void ExportPresets::addItem(const ExportItem &item)
 {
     ExportItem added = item;
     added.dragIcon = PresetIcon::dragImage(added);
-    qCInfo(zqLogFeatures, "Add Export Preset");
+    zqDidUseFeature(QStringLiteral("Add Export Preset"));
     perform(
         zqLocalized("add export preset"), [this, added] { insert(m_items.size(), added); },
         [this, added] { remove(added.identifier); });
@@ -62,7 +62,7 @@ void ExportPresets::deleteItem(const QString &identifier)
     if (index < 0) {
         return;
     }
-    qCInfo(zqLogFeatures, "Delete Export Preset");
+    zqDidUseFeature(QStringLiteral("Delete Export Preset"));
     perform(
         zqLocalized("delete export preset"), [this, identifier] { remove(identifier); },
         [this, kept = m_items[index], index] { insert(index, kept); });
@@ -75,7 +75,7 @@ void ExportPresets::moveItem(const QString &identifier, qsizetype dropIndex)
     if (from < 0 || from == to) {
         return;
     }
-    qCInfo(zqLogFeatures, "Move Export Preset");
+    zqDidUseFeature(QStringLiteral("Move Export Preset"));
     perform(
         zqLocalized("move export preset"), [this, identifier, to] { place(identifier, to); },
         [this, identifier, from] { place(identifier, from); });

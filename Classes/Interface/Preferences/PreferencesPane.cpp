@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScopedValueRollback>
 #include <QSpinBox>
@@ -78,6 +79,19 @@ void PreferencesPane::addHeading(const QString &text, QWidget *buddy)
 void PreferencesPane::addNote(const QString &text)
 {
     addLabel(text, QStringLiteral("SmallMuted"));
+}
+
+QPushButton *PreferencesPane::addButtonRow(const QString &text, std::function<void()> run)
+{
+    m_numbers = nullptr;
+    auto *row = new QHBoxLayout;
+    auto *button = new QPushButton(text, this);
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, std::move(run));
+    row->addWidget(button);
+    row->addStretch(1);
+    m_column->addLayout(row);
+    return button;
 }
 
 void PreferencesPane::setShown(const QString &key, std::function<void()> show)

@@ -11,6 +11,7 @@
 class QCheckBox;
 class QGridLayout;
 class QLabel;
+class QPushButton;
 class QSpinBox;
 class QVBoxLayout;
 
@@ -54,6 +55,7 @@ Q_SIGNALS:
 
 protected:
     QVBoxLayout *column() const { return m_column; }
+    QPushButton *addButtonRow(const QString &text, std::function<void()> run);
     void setShown(const QString &key, std::function<void()> show); // shows it now and whenever it changes
     bool store(const QVariant &value, const QString &key);         // tells where it could not be written
 

@@ -4,7 +4,9 @@
 #include "Classes/Interface/Preferences/CloudPane.h"
 #include "Classes/Interface/Preferences/LibraryPane.h"
 #include "Classes/Interface/Preferences/PreferencesPanes.h"
+#include "Classes/Interface/Preferences/PrivacyPane.h"
 #include "Classes/Interface/Preferences/ScreenshotsPane.h"
+#include "Classes/Interface/Preferences/ServicesPane.h"
 #include "Classes/Interface/Sheets/Sheet.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Operations/ZQMainThread.h"
@@ -53,6 +55,8 @@ PreferencesWindow::PreferencesWindow(tamberin_AppDelegate &delegate, BackupSched
     auto *cloud = new CloudPane(delegate.userInteraction());
     cloud->setObjectName(cloudPane);
     addPane(cloud, QStringLiteral("cloud"));
+    addPane(new ServicesPane, QStringLiteral("recent"));
+    addPane(new PrivacyPane(delegate.userInteraction()), QStringLiteral("info"));
     m_library = new LibraryPane(delegate, backups);
     m_library->setObjectName(libraryPane);
     addPane(m_library, QStringLiteral("library"));

@@ -69,11 +69,13 @@ ArrivedItems::ArrivedItems(WindowContext &window, WindowUserInteraction &user, P
         }
         tellWhenShown(total, m_toldCount, 0);
     };
+    m_user.onShowImport = [this] { showLastImport(); };
 }
 
 ArrivedItems::~ArrivedItems()
 {
     m_user.onImportEnd = nullptr;
+    m_user.onShowImport = nullptr;
 }
 
 // What belongs to another import may have come in between.

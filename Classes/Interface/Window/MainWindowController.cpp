@@ -34,6 +34,7 @@
 #include "Classes/Interface/Window/TemplateActions.h"
 #include "Classes/Interface/Window/WindowCommands.h"
 #include "Classes/Interface/Window/WindowFollower.h"
+#include "Classes/Services/SoftwareUpdater.h"
 #include "Kit/Foundation/ZQLocalized.h"
 #include "Kit/Foundation/ZQShortened.h"
 #include "Kit/Imaging/ZQPreviewService.h"
@@ -369,6 +370,15 @@ QList<WindowCommand> MainWindowController::viewCommands()
 QList<WindowCommand> MainWindowController::helpCommands()
 {
     return {{CommandID::Keyboard, zqLocalized("Keyboard"), {Qt::Key_F1}, [this] { showKeys(); }},
+            {CommandID::CheckForUpdates,
+             zqLocalized("Check for Updates..."),
+             {},
+             [] {
+                 if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
+                     updater->checkForUpdates();
+                 }
+             },
+             [] { return SoftwareUpdater::current() != nullptr; }},
             {CommandID::Menu, zqLocalized("Menu"), {Qt::Key_F10}, [this] { m_toolbar->menuButton().showMenu(); }}};
 }
 

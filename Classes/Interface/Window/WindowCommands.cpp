@@ -66,7 +66,7 @@ const std::vector<MenuPlan> &menuPlans()
                          ZoomOut,     separator,        NextTab,
                          PreviousTab, SelectTab1,       separator,
                          FullScreen,  DarkTheme}},
-        {zqKey("Help"), {Keyboard}},
+        {zqKey("Help"), {Keyboard, separator, CheckForUpdates}},
     };
     return plans;
 }

@@ -11,8 +11,6 @@
 
 #include <QApplication>
 #include <QBoxLayout>
-#include <QDBusInterface>
-#include <QDBusMessage>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLocale>
@@ -229,13 +227,40 @@ void WindowUserInteraction::importDidEnd(const ImportOutcome &outcome)
 
 void WindowUserInteraction::showSystemNotification(const QString &title, const QString &text)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("/org/freedesktop/Notifications"),
-        QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
-    call << QStringLiteral("Zelto") << 0U << QStringLiteral("zelto") << title << text << QStringList() << QVariantMap()
-         << -1;
-    if (!QDBusConnection::sessionBus().send(call)) {
-        showNotificationWithText(title, NotificationPlace::Window, std::chrono::seconds(3));
+    m_system.show(
+        {title,
+         text,
+         {},
+         [this] { bringForward(); },
+         [this, title] { showNotificationWithText(title, NotificationPlace::Window, std::chrono::seconds(3)); }});
+}
+
+void WindowUserInteraction::importDidEndLate(const QString &title, const QString &text)
+{
+    const auto showImport = [this] {
+        bringForward();
+        if (onShowImport) {
+            onShowImport();
+        }
+    };
+    m_system.show({title, text, {{zqLocalized("Show"), showImport}}, showImport});
+}
+
+void WindowUserInteraction::tellWhenAway(const AwayNotice &notice)
+{
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive) {
+        return;
+    }
+    m_system.show({notice.title, notice.text, {{notice.action, notice.run}}, [this] { bringForward(); }});
+}
+
+void WindowUserInteraction::bringForward() const
+{
+    if (QWidget *const window = m_places.window) {
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        window->show();
+        window->raise();
+        window->activateWindow();
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Classes/Application/UserInteraction.h"
+#include "Classes/Services/SystemNotifications.h"
 #include "Kit/Widgets/ZQNotificationBubble.h"
 
 #include <QPointer>
@@ -36,6 +37,9 @@ public:
     void importDidEnd(const ImportOutcome &outcome) override;
     std::function<void(const ImportOutcome &)> onImportEnd; // who shows it; null: its text is shown
     void showSystemNotification(const QString &title, const QString &text) override;
+    void importDidEndLate(const QString &title, const QString &text) override;
+    void tellWhenAway(const AwayNotice &notice) override;
+    std::function<void()> onShowImport; // goes to what the last import brought; null: nothing can
     QStringList chooseFilesToOpen(const FileChoice &choice) override;
     std::optional<QString> chooseFileToSave(const FileChoice &choice) override;
     bool resolveUnreadableFiles(QList<FileConflict> &conflicts) override;
@@ -47,8 +51,10 @@ public:
 private:
     template <class SheetClass, class... Arguments>
     typename SheetClass::Answer answerOf(const typename SheetClass::Answer &withoutWindow, Arguments... arguments);
+    void bringForward() const;
     bool hasWindow() const { return m_places.window && m_places.window->isVisible(); }
 
     Places m_places;
+    SystemNotifications m_system;
     QPointer<ZQNotificationBubble> m_bubbles[3];
 };

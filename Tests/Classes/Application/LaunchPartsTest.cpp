@@ -94,7 +94,7 @@ protected:
 TEST_F(LaunchParts, AreStartedInTheirOrder)
 {
     auto delegate = launchedWithParts();
-    EXPECT_EQ(imports.calls.join(u' '), QStringLiteral("updates/release/appcast.xml automatic loaded permission window "
+    EXPECT_EQ(imports.calls.join(u' '), QStringLiteral("updates/release/feed.json automatic loaded permission window "
                                                        "session menu drawn observe sync reporter"));
     imports.calls.clear();
     delegate->openZeltoKunHelper(); // there is one
@@ -113,11 +113,11 @@ TEST_F(LaunchParts, TheFeedIsThatOfTheBetaOrOfTheKeysThatAreHeld)
 {
     updater.keysAreHeld = true;
     launchedWithParts();
-    EXPECT_EQ(imports.calls.first(), QStringLiteral("updates/test/appcast.xml"));
+    EXPECT_EQ(imports.calls.first(), QStringLiteral("updates/test/feed.json"));
     imports.calls.clear();
     ZQUserDefaults::standardUserDefaults().setObjectForKey(true, QStringLiteral("PartecipateToBeta"));
     launchedWithParts();
-    EXPECT_EQ(imports.calls.first(), QStringLiteral("updates/beta/appcast.xml"));
+    EXPECT_EQ(imports.calls.first(), QStringLiteral("updates/beta/feed.json"));
 }
 
 TEST_F(LaunchParts, TheReportersLogLooksForLeftoversBeforeImportsAreOffered)

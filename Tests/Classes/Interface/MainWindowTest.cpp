@@ -35,7 +35,7 @@ TEST_F(MainWindowTest, TheMenuHoldsTheCommandsWithTheirKeys)
                        "Zoom In + =\nZoom Out -\n-\nNext Tab Ctrl+Tab\nPrevious Tab Ctrl+Shift+Tab\nGo to Tab\n-\n"
                        "Full Screen F11\nDark Theme ✓"));
     EXPECT_TRUE(commandsOf(menuOf("Go to Tab")).startsWith(QStringLiteral("Tab 1 Ctrl+1\nTab 2 Ctrl+2\n")));
-    EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1"));
+    EXPECT_EQ(commandsOf(menuOf("Help")), QStringLiteral("Keyboard F1\n-\nCheck for Updates..."));
     EXPECT_EQ(commandsOf(menuOf("Rating")),
               QStringLiteral("No rating 0\n1 Star 1\n2 Stars 2\n3 Stars 3\n4 Stars 4\n5 Stars 5"));
     whenMenuOpens();

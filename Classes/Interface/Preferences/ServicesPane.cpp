@@ -1,0 +1,85 @@
+#include "Classes/Interface/Preferences/ServicesPane.h"
+
+#include "Classes/Application/Launch.h"
+#include "Classes/Services/SoftwareUpdater.h"
+#include "Kit/Foundation/ZQLocalized.h"
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+
+namespace {
+const QString betaKey = QStringLiteral("PartecipateToBeta");
+} // namespace
+
+ServicesPane::ServicesPane(QWidget *parent) : PreferencesPane(zqLocalized("Services"), parent)
+{
+    addLogin();
+    addUpdates();
+}
+
+void ServicesPane::addLogin()
+{
+    addHeading(zqLocalized("AT LOGIN"));
+    m_login = new QCheckBox(zqLocalized("&Start Zelto when you log in"), this);
+    m_login->setChecked(m_launchAtLogin.isOn());
+    column()->addWidget(m_login);
+    connect(m_login, &QCheckBox::clicked, this, &ServicesPane::setLaunchAtLogin);
+}
+
+// The box shows what holds: it is asked again, whatever came of it.
+void ServicesPane::setLaunchAtLogin(bool isOn)
+{
+    m_launchAtLogin.set(isOn, [self = QPointer(this)](const ZQError &error) {
+        if (self) {
+            self->m_login->setChecked(self->m_launchAtLogin.isOn());
+            if (!error.isNull()) {
+                Q_EMIT self->refused(error);
+            }
+        }
+    });
+}
+
+void ServicesPane::addUpdates()
+{
+    addHeading(zqLocalized("NEW VERSIONS"));
+    m_updates = {addSwitch(SoftwareUpdater::checksKey, zqLocalized("&Look for new versions once a day"),
+                           zqLocalized("Nothing about you or your library is sent, and nothing is installed.")),
+                 addSwitch(betaKey, zqLocalized("Take part in &beta versions")),
+                 addButtonRow(zqLocalized("Check for &Updates..."), [] {
+                     if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
+                         updater->checkForUpdates();
+                     }
+                 })};
+    connect(qobject_cast<QCheckBox *>(m_updates[1]), &QCheckBox::toggled, this, [] {
+        if (SoftwareUpdater *const updater = SoftwareUpdater::current()) {
+            updater->configure(Launch::appCastURL(false));
+        }
+    });
+    m_whyNot = new QLabel(this);
+    m_whyNot->setObjectName(QStringLiteral("SmallMuted"));
+    m_whyNot->setWordWrap(true);
+    m_whyNot->hide();
+    column()->addWidget(m_whyNot);
+    SoftwareUpdater *const updater = SoftwareUpdater::current();
+    if (!updater) {
+        showWhyNoUpdates({});
+        return;
+    }
+    updater->findWhyNot([self = QPointer(this)](const QString &reason) {
+        if (self && !reason.isEmpty()) {
+            self->showWhyNoUpdates(reason);
+        }
+    });
+}
+
+void ServicesPane::showWhyNoUpdates(const QString &reason)
+{
+    for (QWidget *control : std::as_const(m_updates)) {
+        control->setEnabled(false);
+    }
+    m_whyNot->setText(reason);
+    m_whyNot->setVisible(!reason.isEmpty());
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QProcessEnvironment>
+#include <QString>
+
+#include <optional>
+
+// Who put a program on this machine and therefore brings it up to date. Reads the disk; any thread.
+struct InstalledBy
+{
+    QString manager;      // its name, as a person knows it
+    QString package;      // empty: not known
+    QString text() const; // "dpkg (package zelto)"
+
+    // Nothing: it was put there by hand. `root` is where the system's own files are looked for.
+    static std::optional<InstalledBy> managerOf(const QString &executable, const QProcessEnvironment &environment,
+                                                const QString &root = QStringLiteral("/"));
+};
