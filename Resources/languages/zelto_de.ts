@@ -49,6 +49,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>%@ (package %@)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>%@ Delete them in the library once that is mended.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -329,6 +333,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>%@: %@, %@ in %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%@: %@, %@ times</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -692,6 +700,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>&amp;Count which features are used, day by day</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Dark</source>
         <translation type="unfinished"></translation>
     </message>
@@ -705,6 +717,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Enlarge pictures smaller than their cell</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Erase Counts</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -748,6 +764,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>&amp;Look for new versions once a day</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Make a thumbnail of small pictures, too</source>
         <translation type="unfinished"></translation>
     </message>
@@ -788,6 +808,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>&amp;Save…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>&amp;Share to</source>
         <translation type="unfinished"></translation>
     </message>
@@ -805,6 +829,10 @@ Copies the link. With Ctrl: opens it in the browser.</source>
     </message>
     <message>
         <source>&amp;Small</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Start Zelto when you log in</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1056,6 +1084,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>ARCHIVES</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>AT LOGIN</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1420,7 +1452,15 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>C&amp;opy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>COLORS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>CRASH REPORTS</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1464,6 +1504,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Capture stored</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Capture the page at “%@”?</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1473,6 +1517,14 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Capturing web pages needs a browser that is not there: install chromium.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check for &amp;Updates...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1680,6 +1732,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Copy Link</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Copy the template's file there with `zelto import`.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -1705,6 +1761,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Counting…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Crash report</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -1797,6 +1857,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>Document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Don't Look</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -2475,6 +2539,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>It asks its makers' server once a day which version is the newest. Nothing about you or your library is sent, and nothing is installed by itself.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>It belongs to the system. Add the folders with your pictures instead.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -2572,6 +2640,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>It is empty, or too large for a PNG file.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is in Screenshots.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3011,6 +3083,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Look Once a Day</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Look at its permissions.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3103,6 +3179,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>May Zelto look for new versions?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Media</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3172,6 +3252,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
     </message>
     <message>
         <source>NEW PRESET</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>NEW VERSIONS</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3371,6 +3455,10 @@ OR one of them; brackets group, - or NOT leaves out, double quotes keep a text t
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Nothing about you or your library is sent, and nothing is installed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Nothing can be written into the folder “%@”.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3418,6 +3506,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Nothing was added or changed in the last days.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing was counted.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3474,6 +3566,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Open %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Open Download Page</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -3721,6 +3817,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Privacy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Progress of the backup</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3949,6 +4049,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Report copied to clipboard!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Report sent. Thank you!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Restoring items…</source>
         <translation type="unfinished"></translation>
     </message>
@@ -3994,6 +4102,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Save</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Save Report</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4073,6 +4185,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Sen&amp;d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Services</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Set up…</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4101,6 +4221,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Sharing done</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Sharing…</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4126,6 +4250,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Show Imported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show Last &amp;Report…</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4202,6 +4330,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Sketch document</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Skip This Version</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4405,6 +4537,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Take part in &amp;beta versions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Take the &amp;keywords of pictures as tags</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4462,6 +4598,18 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The address says that it holds a picture and does not.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The announcement of versions is for another program or channel. Check again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The announcement of versions is not signed by Zelto's makers, so nothing it says was believed. Check again from another network; if that changes nothing, tell the makers.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The announcement of versions is older than the last one that came, so nothing it says was believed. Check again later, or from another network.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4545,6 +4693,26 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The counts of “%@” are damaged. Erase them to go on.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The counts of “%@” could not be erased: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The counts of “%@” could not be read: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The counts of “%@” could not be written. Another Zelto may be at it, or the folder can't be written in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The counts stay on this machine. Here is all there is:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The damaged store is kept as %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -4554,6 +4722,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The desktop can't be asked, since there is no session bus. Start Zelto within a desktop session.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop did not allow it. Its settings say which programs may start by themselves.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -4702,6 +4874,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The folder “%@” cannot be made</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder “%@” could not be made</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5077,6 +5253,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>The report could not be removed: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The report was not sent: %@</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>The request cannot be carried out.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5102,6 +5286,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>The server did not answer in time.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server of the announcements leads to an address that is not encrypted, which Zelto does not go to. Check again later.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server of the reports leads to an address that is not encrypted. Nothing was sent.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5405,6 +5597,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>This Zelto was built without an address that announces new versions. Look where you got it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>This bracket closes nothing.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5454,6 +5650,14 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>This is not the answer that Zelto is waiting for.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is the whole report. It says where in the program it happened, and nothing of your library. Copy or save it to pass it on.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is the whole report. It says where in the program it happened, and nothing of your library. It is sent only if you send it.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5562,6 +5766,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Type the address of a web page.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>USAGE</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5701,6 +5909,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>What came is no announcement of versions. If you are in a network that asks for a login first, log in and check again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>What is captured</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5718,6 +5930,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>What is to be sent cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What was counted</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5742,6 +5958,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>What you capture of the screen comes here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>When Zelto ends unexpectedly it keeps a report, and shows it when it is opened again. The last five are kept. A report has nothing of your library, and is sent only if you send it.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5849,6 +6069,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>You have %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>You have exceded your maximum daily upload limit</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5901,6 +6125,18 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Zelto %@ is the newest version.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto %@ is there</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto %@ is there; this is %@.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Zelto can copy everything that can still be read into a new store. The damaged one is kept beside it.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5909,7 +6145,19 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Zelto could not look for new versions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto does not look for new versions</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Zelto ended before all files were in the library. It can go on with those that are missing. What is in the library stays there either way.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto ended unexpectedly</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -5933,6 +6181,14 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Zelto is there when you have logged in.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto is up to date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>Zelto is uploading files</source>
         <translation type="unfinished"></translation>
     </message>
@@ -5950,6 +6206,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>Zelto therefore draws no EPS and PostScript files and uses no thumbnailers of the desktop. A Linux kernel with Landlock (5.13 or newer) changes that.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zelto was installed by %@, which brings new versions, too.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -6337,6 +6597,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>it was given up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>its content has changed</source>
         <translation type="unfinished"></translation>
     </message>
@@ -6430,6 +6694,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>name what to import, or write --resume or --forget</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>new</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -6733,6 +7001,10 @@ What is saved there comes here, or drop images.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>there is no report of a crash</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>there is no service “%@”; there are %@</source>
         <translation type="unfinished"></translation>
     </message>
@@ -6862,6 +7134,10 @@ What is saved there comes here, or drop images.</source>
     </message>
     <message>
         <source>“%@” can't be read as a picture.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%@” can't be read. Remove it, and try again.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
